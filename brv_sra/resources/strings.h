@@ -1,0 +1,23 @@
+// The module's texts by number. Every text that a person can see stands in the one table of strings.cpp.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace brenvolt::sra {
+
+// The text of a string resource, or an empty text for a number without one.
+std::string_view ResourceString(std::int32_t number);
+
+// A resource with its conversions ("%s", "%d") replaced by the arguments in order. The texts are the module's own, so
+// conversions and arguments always match.
+std::string FormatResource(std::int32_t number, std::string_view argument);
+std::string FormatResource(std::int32_t number, std::string_view first, std::string_view second);
+std::string FormatResource(std::int32_t number, std::string_view first, int second);
+
+// The marker that keeps a key out of translation, and a text without it.
+inline constexpr std::string_view kDontTranslate = "DontTranslate!!";
+std::string_view StripDontTranslate(std::string_view text);
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,40 @@
+// The one family of exceptions. What happened is the text; where (a file with its line, a sheet, a variable) stands
+// beside it, so that a front end can print "what (where)".
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace brenvolt {
+
+// A fault that a person must read: the job did not happen and nothing was changed.
+class Error : public std::runtime_error {
+ public:
+  explicit Error(const std::string& what, std::string where = {})
+      : std::runtime_error(what), where_(std::move(where)) {}
+  const std::string& Where() const noexcept { return where_; }
+
+ private:
+  std::string where_;
+};
+
+// Raised deep inside a run with the text to show; caught once, at the end of the run.
+class CDispatchException : public Error {
+ public:
+  using Error::Error;
+};
+
+// Raised by numeric code when its input admits no result.
+class NumericalException : public Error {
+ public:
+  using Error::Error;
+};
+
+// Raised when the person cancelled a long operation. It ends the operation without a message.
+class UserCancelled : public std::exception {
+ public:
+  const char* what() const noexcept override { return "cancelled"; }
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,41 @@
+// Numbers as text and back. Plain forms use a decimal point whatever the locale; the locale-aware forms follow the
+// user's decimal separator.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace brenvolt {
+
+// How the user writes numbers.
+struct NumberLocale {
+  char decimalSeparator = '.';
+};
+
+// The user's number locale, from the environment (LC_ALL, LC_NUMERIC, LANG) at first use unless it was set.
+NumberLocale UserNumberLocale();
+void SetUserNumberLocale(NumberLocale locale);
+
+// The shortest text that reads back as exactly x: "0.1", "1e+300", "nan", "inf".
+std::string ShortestNumber(double x);
+
+// x by one printf format for reals ("%.12e", "%.4f"), with a decimal point in every locale.
+std::string FormatNumber(const char* format, double x);
+
+// The host's conversion of a plain number text into the user's locale: the decimal point becomes the user's
+// separator.
+std::string ParseTextBuffer(std::string_view plainNumber);
+
+// The number that the whole of `text` spells with the given separator, or nothing. No blanks, no group marks;
+// "nan" and "inf" are not numbers here. A number too large for a double is refused; one too small becomes zero.
+std::optional<double> ParseNumber(std::string_view text, NumberLocale locale = {});
+
+// The same for whole numbers in the range of a 32-bit integer.
+std::optional<int> ParseInteger(std::string_view text);
+
+// The part of `text` between its leading and trailing blanks and tabs; the second form trims the left end only.
+std::string_view Trim(std::string_view text);
+std::string_view TrimLeft(std::string_view text);
+
+}  // namespace brenvolt

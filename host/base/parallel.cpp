@@ -1,0 +1,19 @@
+#include "host/base/parallel.h"
+
+#include <tbb/blocked_range.h>
+#include <tbb/parallel_for.h>
+
+#include <algorithm>
+
+namespace brenvolt {
+
+void ParallelBlocks(std::size_t count, std::size_t block, const std::function<void(std::size_t, std::size_t)>& body) {
+  const std::size_t blocks = (count + block - 1) / block;
+  ParallelFor(blocks, [&](std::size_t i) { body(i * block, std::min(count, (i + 1) * block)); });
+}
+
+void ParallelFor(std::size_t count, const std::function<void(std::size_t)>& body) {
+  tbb::parallel_for(std::size_t{0}, count, [&](std::size_t i) { body(i); });
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,50 @@
+// The random stream: one per process, counter-based, so that any draw of it can be had at the same cost.
+//
+// The stream is Philox 4x32-10 (Salmon, Moraes, Dror & Shaw 2011) under a key made from the seed. Draw number i takes
+// half of block i / 2: 64 bits, of which the upper 53 make a uniform deviate in [0, 1). Every function here that
+// draws, draws from this one stream and moves its position on; none of them may be called from two threads at once.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace brenvolt {
+
+// rnd_(0): the next uniform deviate in [0, 1). rnd_(s), s != 0: starts the stream anew from the seed s and returns
+// the first uniform deviate of the new stream.
+double rnd_(std::int32_t seed);
+
+// A normal deviate with mean 0 and standard deviation sd, by inversion of exactly one uniform deviate.
+double znormal_(double sd);
+
+// Starts the stream anew from `seed`, 0 included, without drawing. `reserved` must be 0.
+void inirnd_(std::int32_t seed, std::int32_t reserved);
+
+// Uniform deviates from the process's stream.
+class CRandomizer {
+ public:
+  double GetDouble() { return rnd_(0); }
+};
+
+// Access to any place of a stream, for bulk and parallel use. Pure functions of (seed, position).
+class RandomStream {
+ public:
+  explicit RandomStream(std::int32_t seed) : seed_(seed) {}
+
+  std::int32_t Seed() const { return seed_; }
+  // The uniform deviate at a position.
+  double Uniform(std::uint64_t position) const;
+  // The deviates at position, position + 1, …: bit for bit what one-by-one draws give.
+  void FillUniform(std::uint64_t position, std::span<double> out) const;
+  void FillNormal(std::uint64_t position, double sd, std::span<double> out) const;
+
+ private:
+  std::int32_t seed_;
+};
+
+// The process's stream as it stands: its seed and the position of its next draw; and its continuation elsewhere.
+RandomStream ProcessStream();
+std::uint64_t ProcessStreamPosition();
+void SetProcessStreamPosition(std::uint64_t position);
+
+}  // namespace brenvolt
