@@ -1,0 +1,2 @@
+// The command brenvolt.
+int main() { return 0; }
