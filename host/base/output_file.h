@@ -1,15 +1,20 @@
-// Files that are complete or not there: written under a temporary name beside the target and renamed at the end.
+// Files that are complete or not there: written under a temporary name beside the target and renamed at the
+// end.
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string_view>
+
+#include "host/base/file_replacement.h"
 
 namespace brenvolt {
 
 class OutputFile {
  public:
-  // Opens the target for writing. A regular or not yet existing target is written under a temporary name in the same
-  // folder; a pipe, device or other special file is written directly. Throws Error naming the target.
+  // Opens the target for writing. A regular or not yet existing target is written under a temporary name in
+  // the same folder; a pipe, device or other special file is written directly. Throws Error naming the
+  // target.
   explicit OutputFile(std::filesystem::path target);
   // Without Commit, removes the temporary file and leaves the target as it was.
   ~OutputFile();
@@ -23,15 +28,11 @@ class OutputFile {
   void Commit();
 
  private:
-  void Fail(const char* what) const;
+  [[noreturn]] void Fail(const char* what) const;
 
   std::filesystem::path target_;
-  std::filesystem::path temporary_;  // empty when the target is written directly
-  int descriptor_ = -1;
-  bool committed_ = false;
+  std::optional<FileReplacement> replacement_;  // nothing when the target is written directly
+  int direct_ = -1;
 };
-
-// A name beside `target` that no file has, for writing before a rename.
-std::filesystem::path TemporaryNameBeside(const std::filesystem::path& target);
 
 }  // namespace brenvolt
