@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -12,6 +12,17 @@
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
+
+struct StoredWorkbook;  // what stands in which file, known to workbook.cpp
+
+// What a listing says of a sheet.
+struct SheetOutline {
+  std::string name;
+  SheetKind kind = SheetKind::kData;
+  std::string title;
+  std::size_t cases = 0;
+  std::size_t variables = 0;
+};
 
 class Workbook {
  public:
@@ -24,9 +35,11 @@ class Workbook {
   Workbook(Workbook&&) noexcept;
   Workbook& operator=(Workbook&&) noexcept;
 
-  // Reads a project. Throws Error, naming the file, when it is missing, unreadable, no project, damaged, or written
-  // by a newer version of the program.
+  // Reads a project. Throws Error, naming the file, when it is missing, unreadable, no project, damaged, or
+  // written by a newer version of the program.
   static Workbook Open(const std::filesystem::path& path);
+  // The sheets of a project file in their order, without reading their data. Throws as Open does.
+  static std::vector<SheetOutline> Outline(const std::filesystem::path& path);
   // True when the file begins as a project file does; false also when it cannot be read.
   static bool IsWorkbookFile(const std::filesystem::path& path);
 
@@ -42,16 +55,23 @@ class Workbook {
   // Removes a sheet and hands it out; null when there is none of that name.
   std::unique_ptr<Spreadsheet> Remove(std::string_view name);
 
-  // Writes the project to `path` as one transaction: after a failure or a killed process the file holds its former
-  // or its new content, never a mixture. Where `path` is the file that this project was read from or last saved to,
-  // only columns whose content changed are written. Throws Error, naming the file.
+  // Writes the project to `path` as one transaction: after a failure or a killed process the file holds its
+  // former or its new content, never a mixture. A link stays a link: the file that it names is written.
+  //
+  // Where `path` is the file that this project was read from or last saved to, and nobody else wrote to it
+  // since, only columns whose content changed are written, into the file as it stands. Otherwise, and when no
+  // column could be kept or more than half of the file would be left unused, a new file takes the place of
+  // the former one; what others wrote there is replaced with it. Equal content in new files gives equal
+  // bytes.
+  //
+  // Throws Error, naming the file: it is a folder, device or pipe, may not be written, is in use by another
+  // program, the device is full; also when sheets share a name, or a variable, weight variable or case
+  // selection does not match its sheet.
   void Save(const std::filesystem::path& path);
 
  private:
   std::vector<std::unique_ptr<Spreadsheet>> sheets_;
-  // Where columns already stand in the file at storedPath_: content stamp to row of the file.
-  std::filesystem::path storedPath_;
-  std::map<std::uint64_t, std::int64_t> storedColumns_;
+  std::unique_ptr<StoredWorkbook> stored_;  // what stands in the file last read or saved; null without one
 };
 
 }  // namespace brenvolt

@@ -1,0 +1,161 @@
+#include "host/tables/workbook.h"
+
+#include <algorithm>
+#include <optional>
+#include <system_error>
+
+#include "host/base/error.h"
+#include "host/base/file_replacement.h"
+#include "host/tables/sqlite_connection.h"
+#include "host/tables/workbook_reader.h"
+#include "host/tables/workbook_writer.h"
+
+namespace brenvolt {
+
+struct StoredWorkbook {
+  std::filesystem::path path;  // links followed
+  WorkbookHeader header;
+  StoredColumns columns;
+};
+
+namespace {
+
+// Keeps others from writing to the file about to be replaced, after undoing what a killed writer began there:
+// its journal, left beside the new file, would be taken for the journal of the new one. Nothing when there is
+// no file, or none that SQLite could write to.
+std::optional<Connection> LockFormer(const std::filesystem::path& file, const std::string& named) {
+  std::error_code ignored;
+  if (!std::filesystem::exists(file, ignored)) return std::nullopt;
+  try {
+    Connection former(file, named, Connection::Purpose::kWrite);
+    if (ReadWorkbookHeader(former).writeAheadLog) former.Execute("PRAGMA journal_mode = DELETE");
+    former.Execute("BEGIN IMMEDIATE; SELECT count(*) FROM sqlite_master");
+    return former;
+  } catch (const DatabaseError& error) {
+    if (!error.IsUnusableFile()) throw;
+    return std::nullopt;
+  }
+}
+
+// What SQLite would take for parts of the new file.
+void RemoveCompanions(const std::filesystem::path& file, const std::string& named) {
+  for (const char* const ending : {"-journal", "-wal", "-shm"}) {
+    std::filesystem::path companion = file;
+    companion += ending;
+    std::error_code failure;
+    std::filesystem::remove(companion, failure);
+    if (failure)
+      throw Error("cannot be replaced: " + companion.filename().string() + ": " + failure.message(), named);
+  }
+}
+
+StoredWorkbook SaveAnew(const std::filesystem::path& path, SheetList sheets) {
+  FileReplacement replacement(path);
+  StoredWorkbook stored;
+  stored.path = replacement.Target();
+  {
+    Connection connection(replacement.Temporary(), path.string(), Connection::Purpose::kWrite);
+    stored.columns = WriteNewWorkbook(connection, sheets);
+    stored.header = ReadWorkbookHeader(connection);
+  }
+  const std::optional<Connection> former = LockFormer(replacement.Target(), path.string());
+  RemoveCompanions(replacement.Target(), path.string());
+  replacement.Commit();
+  return stored;
+}
+
+// Nothing when the file has to be written anew.
+std::optional<StoredWorkbook> SaveInPlace(const std::filesystem::path& path, SheetList sheets,
+                                          const StoredWorkbook& stored) {
+  std::error_code ignored;
+  if (stored.path != FollowLinks(path) || !std::filesystem::is_regular_file(stored.path, ignored))
+    return std::nullopt;
+  try {
+    Connection connection(stored.path, path.string(), Connection::Purpose::kWrite);
+    auto columns = UpdateWorkbook(connection, sheets, stored.columns, stored.header);
+    if (!columns) return std::nullopt;
+    // The counter rises by one with every transaction. Read from the file now, it might count another
+    // program's.
+    StoredWorkbook updated{stored.path, stored.header, std::move(*columns)};
+    ++updated.header.changeCounter;
+    return updated;
+  } catch (const DatabaseError& error) {
+    if (!error.IsUnusableFile()) throw;
+    return std::nullopt;
+  }
+}
+
+// The place of the sheet of this name in a list of sheets, or its end.
+template <typename Sheets>
+auto Locate(Sheets& sheets, std::string_view name) {
+  return std::ranges::find(sheets, name, [](const auto& sheet) { return std::string_view(sheet->Name()); });
+}
+
+}  // namespace
+
+Workbook::Workbook() = default;
+Workbook::~Workbook() = default;
+Workbook::Workbook(Workbook&&) noexcept = default;
+Workbook& Workbook::operator=(Workbook&&) noexcept = default;
+
+Workbook Workbook::Open(const std::filesystem::path& path) {
+  Connection connection = OpenWorkbookFile(path);
+  WorkbookContent content = ReadWorkbook(connection);
+  Workbook workbook;
+  workbook.sheets_ = std::move(content.sheets);
+  workbook.stored_ = std::make_unique<StoredWorkbook>(
+      StoredWorkbook{FollowLinks(path), content.header, std::move(content.columns)});
+  return workbook;
+}
+
+std::vector<SheetOutline> Workbook::Outline(const std::filesystem::path& path) {
+  Connection connection = OpenWorkbookFile(path);
+  return ReadOutline(connection);
+}
+
+bool Workbook::IsWorkbookFile(const std::filesystem::path& path) {
+  std::error_code ignored;
+  if (!std::filesystem::is_regular_file(path, ignored)) return false;
+  try {
+    Connection connection(path, path.string(), Connection::Purpose::kRead);
+    return ReadWorkbookHeader(connection).IsWorkbook();
+  } catch (const DatabaseError&) {
+    return false;
+  }
+}
+
+Spreadsheet* Workbook::Find(std::string_view name) {
+  const auto found = Locate(sheets_, name);
+  return found == sheets_.end() ? nullptr : found->get();
+}
+
+const Spreadsheet* Workbook::Find(std::string_view name) const {
+  const auto found = Locate(sheets_, name);
+  return found == sheets_.end() ? nullptr : found->get();
+}
+
+Spreadsheet& Workbook::Add(std::unique_ptr<Spreadsheet> sheet) {
+  const std::string wanted = sheet->Name();
+  for (int number = 2; sheet->Name().empty() || Find(sheet->Name()) != nullptr; ++number) {
+    sheet->SetName(wanted + " (" + std::to_string(number) + ")");
+  }
+  return *sheets_.emplace_back(std::move(sheet));
+}
+
+std::unique_ptr<Spreadsheet> Workbook::Remove(std::string_view name) {
+  const auto found = Locate(sheets_, name);
+  if (found == sheets_.end()) return nullptr;
+  std::unique_ptr<Spreadsheet> removed = std::move(*found);
+  sheets_.erase(found);
+  return removed;
+}
+
+void Workbook::Save(const std::filesystem::path& path) {
+  RequireConsistent(sheets_, path.string());
+  std::optional<StoredWorkbook> saved;
+  if (stored_) saved = SaveInPlace(path, sheets_, *stored_);
+  if (!saved) saved = SaveAnew(path, sheets_);
+  stored_ = std::make_unique<StoredWorkbook>(std::move(*saved));
+}
+
+}  // namespace brenvolt
