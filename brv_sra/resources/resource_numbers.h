@@ -406,4 +406,22 @@ inline constexpr std::int32_t kHelpSimulationResults = 20645;
 inline constexpr std::int32_t kHelpDefectProfile = 20646;
 inline constexpr std::int32_t kHelpStdDevY = 20647;
 
+// The fit results dialog, the simulation dialogs, and messages of the frame.
+inline constexpr std::int32_t kMsgStepNotAvailable = 20700;
+inline constexpr std::int32_t kFitResultsTitle = 20710;
+inline constexpr std::int32_t kFitResultsVariable = 20711;
+inline constexpr std::int32_t kFitResultsDistribution = 20712;
+inline constexpr std::int32_t kFitResultsSummary = 20713;
+inline constexpr std::int32_t kFitResultsDistributionSummary = 20714;
+inline constexpr std::int32_t kFitResultsSave = 20715;
+inline constexpr std::int32_t kSimulationTitle = 20720;
+inline constexpr std::int32_t kSimulationSamples = 20721;
+inline constexpr std::int32_t kSimulationSeedSwitch = 20722;
+inline constexpr std::int32_t kSimulationSeed = 20723;
+inline constexpr std::int32_t kSimulationTruncate = 20724;
+inline constexpr std::int32_t kSimulationMethodGroup = 20725;
+inline constexpr std::int32_t kMsgNoDistributionsInInput = 20726;
+inline constexpr std::int32_t kSimulationResultsTitle = 20730;
+inline constexpr std::int32_t kSimulationSummary = 20731;
+
 }  // namespace brenvolt::sra

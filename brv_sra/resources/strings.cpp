@@ -440,6 +440,22 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kHelpSimulationResults, "Simulation output"},
     {kHelpDefectProfile, "Defect profile graph"},
     {kHelpStdDevY, "Standard deviations for multivariate dependent noise"},
+    {kMsgStepNotAvailable, "This step of the analysis is not available."},
+    {kFitResultsTitle, "Fit Distributions: Results"},
+    {kFitResultsVariable, "Variable:"},
+    {kFitResultsDistribution, "Distribution:"},
+    {kFitResultsSummary, "Summary statistics"},
+    {kFitResultsDistributionSummary, "Distribution summary"},
+    {kFitResultsSave, "Save distribution fits"},
+    {kSimulationTitle, "Simulation from Distributions"},
+    {kSimulationSamples, "Number of samples:"},
+    {kSimulationSeedSwitch, "Seed random number"},
+    {kSimulationSeed, "Seed:"},
+    {kSimulationTruncate, "Truncate simulation data"},
+    {kSimulationMethodGroup, "Method"},
+    {kMsgNoDistributionsInInput, "No variable of the input has a fitted distribution. Please fit distributions and save them first."},
+    {kSimulationResultsTitle, "Simulation Results"},
+    {kSimulationSummary, "Simulation summary"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -9,6 +9,8 @@
 namespace brenvolt {
 namespace {
 
+constexpr double kLargestExactInteger = 9007199254740992.0;  // 2^53
+
 [[noreturn]] void ThrowMismatch(const char* wanted) { throw Error(std::string("type mismatch: not ") + wanted); }
 
 }  // namespace
@@ -54,7 +56,10 @@ std::string Variant::ToText() const {
   if (resolved.IsEmpty() || resolved.IsArray() || std::holds_alternative<Object>(resolved.value_)) {
     ThrowMismatch("a text");
   }
-  return ShortestNumber(resolved.ToReal());
+  const double number = resolved.ToReal();
+  // A whole number reads as one, without an exponent.
+  const bool whole = number == std::floor(number) && std::abs(number) < kLargestExactInteger;
+  return whole ? FormatNumber("%.0f", number) : ShortestNumber(number);
 }
 
 Variant::Object Variant::ToObject() const {
