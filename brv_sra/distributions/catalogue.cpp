@@ -47,17 +47,19 @@ constexpr Parameter kClassProportion{kHeadingClassProportion, 0, kWordCodeOrProp
                                      kMsgStoredProportionInvalid, kProportion};
 
 // clang-format off
-// Columns: code, internal key, compact key, spaced key, display name, continuous, has an offset, values, repeated
-// groups; description; parameters.
+// Columns: code, internal key, compact key, spaced key, display name, continuous, has an offset, values,
+// repeated groups; description; parameters.
 constexpr std::array<CatalogueEntry, kDistributionCount> kCatalogue{{
     {kNormal, "scNormalDistr", kCompactKeyNormal, 0, kNameNormal, true, false, 2, false,
      "Normal(location=%.4f, scale=%.4f)", {kLocation, kScale}},
-    {kLogNormal, "scLogNormal", kCompactKeyLogNormal, kSpacedKeyLogNormal, kNameLogNormal, true, true, 2, false,
+    {kLogNormal, "scLogNormal", kCompactKeyLogNormal, kSpacedKeyLogNormal, kNameLogNormal,
+     true, true, 2, false,
      "Log Normal(scale=%.4f, shape=%.4f)", {kLogScale, kShape}},
     {kFoldedNormal, "scFoldedNormal", kCompactKeyFoldedNormal, kSpacedKeyFoldedNormal, kNameFoldedNormal,
      true, true, 2, false,
      "Folded Normal(location=%.4f, scale=%.4f)", {kLocation, kScale}},
-    {kHalfNormal, "scHalfNormal", kCompactKeyHalfNormal, kSpacedKeyHalfNormal, kNameHalfNormal, true, true, 1, false,
+    {kHalfNormal, "scHalfNormal", kCompactKeyHalfNormal, kSpacedKeyHalfNormal, kNameHalfNormal,
+     true, true, 1, false,
      "Half Normal(scale=%.4f)", {kScale}},
     {kRayleigh, "scRayleigh", kCompactKeyRayleigh, 0, kNameRayleigh, true, true, 1, false,
      "Rayleigh(scale=%.4f)", {kScale}},
