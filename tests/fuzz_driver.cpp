@@ -30,12 +30,14 @@
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizers' own names.
 // Present when a sanitizer is linked in; called before it ends the program.
 extern "C" __attribute__((weak)) void __sanitizer_set_death_callback(void (*callback)());
 // Asked by UndefinedBehaviorSanitizer, which in GCC does not know that callback: let it end in SIGABRT.
 extern "C" __attribute__((used, visibility("default"))) const char* __ubsan_default_options() {
   return "abort_on_error=1:print_stacktrace=1";
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace {
 
@@ -121,7 +123,7 @@ void WatchForFaults() {
 // The input is copied to an array of exactly its size, so that a sanitizer sees a read past its end. An
 // exception that leaves the target ends in SIGABRT, with the exception's text printed by the runtime.
 void Run(const Input& input, long secondsPerInput) noexcept {
-  const std::vector<std::uint8_t> exact(input);
+  const Input exact(input.begin(), input.end());
   currentInput = exact;
   alarm(static_cast<unsigned>(secondsPerInput));
   LLVMFuzzerTestOneInput(exact.data(), exact.size());

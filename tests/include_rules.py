@@ -32,21 +32,21 @@ ROOMS = (
     Room("host/analysis", "all", "host/controls host/tables host/automation", "third-party"),
     Room("host/application", "all", "host", "third-party"),
     Room("host/drawing", "all", "host/graphs", "third-party drawing"),
-    # Dialogs stand on the headers of frame and show texts of resources; the engine beside them knows neither.
+    # Every folder may show the texts of resources. Dialogs also stand on the headers of frame; the engine beside them
+    # knows no dialog.
+    Room("brv_sra/resources", "all", "host", ""),
     Room("brv_sra/frame", "headers", "brv_sra/distributions host", ""),
     Room("brv_sra/frame", "sources", "brv_sra", ""),
-    Room("brv_sra/distributions", "all", "host", ""),
-    Room("brv_sra/resources", "all", "host", ""),
-    Room("brv_sra/matrix", "engine", "host", ""),
+    Room("brv_sra/distributions", "all", "brv_sra/resources host", ""),
+    Room("brv_sra/matrix", "engine", "brv_sra/resources host", ""),
     Room("brv_sra/matrix", "dialogs", "brv_sra/frame brv_sra/resources host", ""),
     Room("brv_sra/fitting", "engine", "brv_sra/distributions host", ""),
-    Room("brv_sra/fitting", "dialogs", "brv_sra/frame brv_sra/resources brv_sra/distributions host", ""),
+    Room("brv_sra/fitting", "dialogs", "brv_sra/frame brv_sra/distributions host", ""),
     Room("brv_sra/simulation", "engine", "brv_sra/distributions brv_sra/matrix host", ""),
-    Room("brv_sra/simulation", "dialogs",
-         "brv_sra/frame brv_sra/resources brv_sra/distributions brv_sra/matrix host", ""),
+    Room("brv_sra/simulation", "dialogs", "brv_sra/frame brv_sra/distributions brv_sra/matrix host", ""),
     Room("brv_sra/profiler", "engine", "brv_sra/distributions brv_sra/fitting brv_sra/simulation host", ""),
     Room("brv_sra/profiler", "dialogs",
-         "brv_sra/frame brv_sra/resources brv_sra/distributions brv_sra/fitting brv_sra/simulation host", ""),
+         "brv_sra/frame brv_sra/distributions brv_sra/fitting brv_sra/simulation host", ""),
     Room("apps/cli", "all", "host", "third-party"),
     Room("apps/desktop", "all", "host host/drawing", "third-party drawing"),
     Room("bindings/python", "all", "host", "third-party"),
@@ -97,7 +97,8 @@ def is_test(path):
 
 
 def is_dialog(path):
-    return path.startswith("brv_sra/") and subject(path).endswith("_dialog")
+    """A dialog, or the automation members of one."""
+    return path.startswith("brv_sra/") and subject(path).endswith(("_dialog", "_automation"))
 
 
 KINDS = {
@@ -221,6 +222,8 @@ SELF_TESTS = (
     ("host/tables/a_test.cpp", "<unistd.h>", None),
     ("host/tables/a_test.cpp", '"host/formula/f.h"', "host/formula"),
     ("brv_sra/distributions/a.cpp", "<cmath>", None),
+    ("brv_sra/distributions/a.cpp", '"brv_sra/resources/strings.h"', None),
+    ("brv_sra/resources/a.cpp", '"brv_sra/distributions/catalogue.h"', "brv_sra/distributions"),
     ("brv_sra/distributions/a.cpp", "<boost/math/x.hpp>", "<boost/math/x.hpp>: third-party header"),
     ("brv_sra/distributions/a.cpp", '"json.hpp"', "<json.hpp>: third-party header"),
     ("brv_sra/distributions/a.cpp", "<fcntl.h>", "<fcntl.h>: system header"),
@@ -231,6 +234,7 @@ SELF_TESTS = (
     ("brv_sra/simulation/a.cpp", '"brv_sra/matrix/m.h"', None),
     ("brv_sra/simulation/a.cpp", '"brv_sra/frame/f.h"', "brv_sra/frame"),
     ("brv_sra/simulation/run_dialog.cpp", '"brv_sra/frame/f.h"', None),
+    ("brv_sra/simulation/run_automation.cpp", '"brv_sra/simulation/run_dialog.h"', None),
     ("brv_sra/simulation/run_dialog_test.cpp", '"brv_sra/simulation/run_dialog.h"', None),
     ("brv_sra/fitting/estimation.cpp", '"brv_sra/fitting/fit_dialog.h"',
      "brv_sra/fitting/fit_dialog.h: an engine file knows no dialog"),

@@ -35,7 +35,7 @@ InstallPackages() {
   Say "installing ${missing[*]}"
   local apt=("${asRoot[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -qq -o DPkg::Lock::Timeout=300 -o Dpkg::Use-Pty=0)
   "${apt[@]}" update || Fail "the package lists could not be fetched"
-  "${apt[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null ||
+  "${apt[@]}" install -y --no-install-recommends "${missing[@]}" </dev/null >/dev/null ||
     Fail "these packages could not be installed: ${missing[*]}"
 }
 
