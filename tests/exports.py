@@ -13,10 +13,8 @@ CLASS = "brenvolt::sra::CSimulationAndRisk"
 REQUIRED = {f"vtable for {CLASS}", f"typeinfo for {CLASS}", f"typeinfo name for {CLASS}"}
 REQUIRED_MEMBERS = (
     "CSimulationAndRisk", "~CSimulationAndRisk", "Initialize", "Init", "GetAnalysisID", "GetAnalysisName", "GetLibInstance",
-    "ForwardSequence", "StartAnalysis", "SimulationStartupDialog", "FitDistributionDialog", "FitDistributionResultsDialog",
-    "DesignSimulationDialog", "SimulationFromDistributionDialog", "SimulationResultsDialog", "SimulationProfilerDialog",
-    "UpdateFromInputSpreadsheet", "UpdateFromInputMatrixFile", "ValidateInputMatrixFile",
-    "ValidateOrDesignInputMatrixFile", "CreateAndAttachCorrelationInputFile", "IsCorrelationMatrixSymmetric")
+    "ForwardSequence", "StartAnalysis", "FitDistributionDialog", "FitDistributionResultsDialog",
+    "SimulationFromDistributionDialog", "SimulationResultsDialog")
 OF_CLASS = re.compile(rf"((vtable|VTT|typeinfo|typeinfo name) for {CLASS}|"
                       rf"((non-)?virtual thunk to )?{CLASS}::(?P<member>~?\w+)(\(.*|\[abi:.*|::.*)?)$")
 

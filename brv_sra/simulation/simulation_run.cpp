@@ -76,7 +76,7 @@ std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet) {
   return numbers;
 }
 
-SimulationDesign ReadDesign(const Spreadsheet& sheet, const SimulationOptions& options) {
+SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options) {
   const SheetPropertyStore store(sheet);
   const std::vector<int> numbers(options.variables.begin(), options.variables.end());
   SimulationDesign design;

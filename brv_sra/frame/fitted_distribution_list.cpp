@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/fitted_distribution_list.h"
+#include "brv_sra/frame/fitted_distribution_list.h"
 
 #include <new>
 
