@@ -1,2 +1,67 @@
-// The command brenvolt.
-int main() { return 0; }
+// The command brenvolt. Exit status 0: done; 1: the job failed; 2: the call was wrong; 130: interrupted.
+#include <cstdio>
+#include <new>
+#include <string>
+
+#include "apps/cli/commands.h"
+#include "apps/cli/session.h"
+#include "host/base/error.h"
+#include "host/base/interruption.h"
+
+namespace {
+
+constexpr int kJobFailed = 1;
+constexpr int kWrongCall = 2;
+constexpr int kInterrupted = 130;
+
+void Complain(const std::string& what, const std::string& where = {}) {
+  const std::string place = where.empty() ? std::string() : " (" + where + ")";
+  std::fprintf(stderr, "%s: %s%s\n", brenvolt::cli::kProgram, what.c_str(), place.c_str());
+}
+
+int Run(int argc, char** argv) {
+  CLI::App program("Fits probability distributions to data, ranks the fits, and simulates data from them.");
+  program.name(brenvolt::cli::kProgram);
+  program.set_version_flag("--version", BRENVOLT_VERSION);
+  program.require_subcommand(1);
+  program.footer("brenvolt VERB --help tells more, with an example.");
+  brenvolt::cli::AddFitCommand(program);
+  brenvolt::cli::AddSimulateCommand(program);
+  brenvolt::cli::AddShowCommand(program);
+  brenvolt::cli::AddImportCommand(program);
+  brenvolt::cli::AddExportCommand(program);
+  try {
+    program.parse(argc, argv);
+  } catch (const CLI::Success& help) {
+    return program.exit(help);
+  } catch (const CLI::ParseError& error) {
+    Complain(error.what());
+    return kWrongCall;
+  }
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  brenvolt::CatchInterruptions();
+  try {
+    const int status = Run(argc, argv);
+    if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");
+    return status;
+  } catch (const brenvolt::cli::WrongCall& error) {
+    Complain(error.what());
+    return kWrongCall;
+  } catch (const brenvolt::cli::JobFailed&) {
+    if (!brenvolt::InterruptionRequested()) return kJobFailed;
+    Complain("interrupted");
+    return kInterrupted;
+  } catch (const brenvolt::Error& error) {
+    Complain(error.what(), error.Where());
+  } catch (const std::bad_alloc&) {
+    Complain("not enough memory");
+  } catch (const std::exception& error) {
+    Complain(error.what());
+  }
+  return kJobFailed;
+}

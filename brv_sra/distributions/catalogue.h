@@ -1,7 +1,9 @@
-// The catalogue of the sixteen distribution types: names, keys, parameters, descriptions, validity. One table;
-// everything here derives from it.
+// The catalogue of the sixteen distribution types: names, keys, parameters, descriptions, validity. One
+// table; everything here derives from it.
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -12,6 +14,26 @@
 
 namespace brenvolt::sra {
 
+// What a parameter may hold. Every range excludes values that are not set and values that are not finite.
+enum class ParameterRange : std::uint8_t {
+  kFinite,
+  kPositive,
+  kProportion,    // 0 to 1, both included
+  kTrials,        // a whole number from 1 to the largest 32-bit integer
+  kJohnsonFamily  // 1, 2, 3, 4: SL, SU, SB, SN (Hill, Hill & Holder 1976, AS 99)
+};
+
+// A parameter as tables, editors and messages know it: numbers of string resources, 0 where there is none.
+struct Parameter {
+  std::int32_t headingResource;        // over a column: "Scale"
+  std::int32_t labelResource;          // beside an edit field: "Scale:"
+  std::int32_t wordResource;           // inside a message: "scale"
+  std::int32_t storedMessageResource;  // of a stored value that is not valid: "Invalid scale value for %s …"
+  ParameterRange range;
+};
+
+inline constexpr std::size_t kMaximumParameters = 5;
+
 struct CatalogueEntry {
   DistributionCode code;
   std::string_view internalKey;      // "scLogNormal"
@@ -20,20 +42,24 @@ struct CatalogueEntry {
   std::int32_t displayNameResource;  // "Log Normal"
   bool continuous;
   bool hasOffset;
-  int valueCount;        // parameters held; for a user-defined type, values per repeated group
-  bool repeatedGroups;   // Gaussian mixture and histogram: any number of groups
+  int valueCount;                      // parameters held; for a user-defined type, values per repeated group
+  bool repeatedGroups;                 // Gaussian mixture and histogram: any number of groups
   std::string_view descriptionFormat;  // one "%.4f" per value, or none
+  std::array<Parameter, kMaximumParameters> parameters;  // the first valueCount are in use
 };
 
-// Lookups. A code outside 0 to 15 has no entry.
+// Lookups. A code outside 0 to 15 has no entry: std::out_of_range.
 const CatalogueEntry& Entry(DistributionCode code);
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number);
 std::string_view DisplayName(DistributionCode code);
-// The untranslated key without its marker: compact ("LogNormal"), and spaced where there is one, else compact.
+// The untranslated key without its marker: compact ("LogNormal"), and spaced where there is one, else
+// compact.
 std::string_view CompactKey(DistributionCode code);
 std::string_view SpacedKey(DistributionCode code);
 bool IsContinuous(DistributionCode code);
 bool HasOffset(DistributionCode code);
+// The parameters of a type in order; of a repeated group for a user-defined type.
+std::span<const Parameter> Parameters(DistributionCode code);
 
 // The code of an untranslated key (either form, with or without its marker) or of an internal key.
 std::optional<DistributionCode> CodeFromKey(std::string_view key);
@@ -43,21 +69,51 @@ DistributionCode ContinuousCodeFromDisplayName(std::string_view name);
 // The code of any display name, or nothing.
 std::optional<DistributionCode> CodeFromDisplayName(std::string_view name);
 
-// "Normal(location=%.4f, scale=%.4f)" with the values filled in.
+// "Normal(location=%.4f, scale=%.4f)" with the values filled in. A value that is not there is printed as not
+// set.
 std::string Description(DistributionCode code, std::span<const double> values);
 
-// Why a set of values is not valid: the text to show, and which value it is about (an index into `values`, or the
-// number of values for the offset).
+// The widest distance from 1 of a histogram's total proportion: far above the rounding of proportions written
+// with twelve decimals, far below a share that someone forgot to enter.
+inline constexpr double kHistogramTotalTolerance = 1e-6;
+// The same for the mixing coefficients of a Gaussian mixture, which are stored with seven digits and often
+// typed with six.
+inline constexpr double kMixtureTotalTolerance = 1e-5;
+inline constexpr std::size_t kMinimumMixtures = 2;
+inline constexpr std::size_t kMaximumMixtures = 20;
+
+// Who asks: some faults have a text of their own during a fit or a simulation.
+enum class CheckPurpose : std::uint8_t { kEntry, kFit, kSimulation };
+
+// Why a set of values is not valid: the text to show, and which value it is about (an index into `values`, or
+// the number of values for the offset and for a rule about all values together).
 struct ValidityFault {
   std::string message;
   std::size_t valueIndex;
 };
-// Nothing when the values are valid. The rules stand in the definition.
-std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values);
-// The same including the offset of types that have one.
-std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification);
+// Nothing when the values are valid, else the first fault in the order of the values. The rules:
+//
+// - Each parameter is given (not kNotSet), finite, and in the range that the table names. Locations, xi,
+// gamma, means
+//   of mixture components, the shapes of the extreme-value and Pareto types and the scale of the Log Normal
+//   (the mean of a logarithm) may have any sign; every other scale, shape, deviation and mean is greater than
+//   zero, Johnson's delta and lambda included.
+// - Fixed types hold exactly their values; the last group of a user-defined type is complete.
+// - Triangular: minimum <= mode <= maximum.
+// - Histogram: the proportions add up to 1 within kHistogramTotalTolerance; no class at all adds up to 0.
+// - Gaussian mixture: 2 to 20 components; the coefficients add up to 1 within kMixtureTotalTolerance.
+//
+// The text names the parameter and the distribution ("Invalid scale parameter entry for Normal distribution.
+// ", with its trailing blank), for a proportion followed by "Proportion should be between 0 and 1."; totals,
+// component counts and, in a simulation, numbers of trials have a text of their own.
+std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
+                                         CheckPurpose purpose = CheckPurpose::kEntry);
+// The same including the offset of types that have one: it must be given and finite.
+std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
+                                                CheckPurpose purpose = CheckPurpose::kEntry);
 
-// "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes the specification.
+// "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes the specification. The
+// offset of types that have one follows the values as one more value; a value that is not set is "Nothing".
 std::string MacroText(const DistributionSpecification& specification);
 
 }  // namespace brenvolt::sra

@@ -1,5 +1,5 @@
-// The distribution specification record: one distribution of one variable, shared by fitting, design, simulation and
-// the variable properties.
+// The distribution specification record: one distribution of one variable, shared by fitting, design,
+// simulation and the variable properties.
 #pragma once
 
 #include <cstdint>

@@ -1,8 +1,21 @@
-// Fitted and designed distributions as text properties of spreadsheet variables: the writer, the reader with its
-// checks, and the list of fitted distributions.
+// Fitted and designed distributions as text properties of spreadsheet variables: the writer, and the reader
+// with its checks.
+//
+// A variable carries one property per distribution, named by its display name ("Log Normal"); "zOrder", the
+// names in rank order, each followed by ";"; and "zTruncProp", "(below; above; minimum; maximum)" with flags
+// 0 or 1.
+//
+// The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
+// "Key=number" per value ("%.12e") and "Offset=…" last where the type has one. Three have bare numbers:
+//   Gaussian Mixture   coefficient, mean, deviation per component   "%e": seven digits is what the format
+//   keeps Johnson            type, gamma, delta, lambda, xi               "%e" Histogram          code,
+//   proportion per class                   "%.12e", so that proportions still add up to 1
+// The Folded Normal keeps its location under "Scale" and its scale under "Shape".
+//
+// Numbers follow the user's decimal separator, on writing and on reading. A value that the format rounds to
+// -444 reads back as not set.
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -30,7 +43,8 @@ inline constexpr std::string_view kMode = "Mode";
 }  // namespace property_key
 
 // The host's variable properties as the module needs them: get and set of a text property by variable number
-// (counted from 1) and name. Get answers nothing for a property that does not exist.
+// (counted from 1) and name. Get answers nothing for a property that does not exist; Set leaves a property
+// that the host refuses as it was.
 class VariablePropertyStore {
  public:
   virtual ~VariablePropertyStore() = default;
@@ -46,23 +60,35 @@ struct Truncation {
   double maximum = kNotSet;
 };
 
-// The distributions of one variable, best first.
+// The distributions of one variable, best first, each type at most once.
 struct VariableDistributions {
   int variableNumber = 0;
   std::vector<DistributionSpecification> ranked;  // each carries the variable's truncation as well
   Truncation truncation;
 };
 
-// Texts of the values.
+// Texts of the values. An offset that is not set is written as 0: no shift. A bound in force that is not
+// finite bounds nothing and is written as not in force and not set.
 std::string DistributionPropertyText(const DistributionSpecification& specification);
 std::string TruncationPropertyText(const Truncation& truncation);
 
-// Writes the distribution properties, then the order, then the truncation of one variable. `ranked` holds the valid
-// fits only, best first. A null store writes nothing.
+// Writes the distribution properties, then the order, then the truncation of one variable. A fit whose values
+// are not valid once they are rounded to the format is skipped. A variable without any valid fit gets an
+// empty order, which no reader accepts, and "InvalidFit" 1, which tells people why; a later write with a
+// valid fit puts an existing "InvalidFit" to 0. Properties of distributions that are no longer in the order
+// stay and mean nothing. A null store writes nothing.
 void WriteDistributionProperties(VariablePropertyStore* store, const VariableDistributions& distributions);
 
-// Reads the distributions of the given variables (numbers counted from 1). The first fault ends the read of the whole
-// selection with a CDispatchException that carries the message to show.
+// Reads the distributions of the given variables (numbers counted from 1). The first fault ends the read of
+// the whole selection with a CDispatchException that carries the message to show, and the variable's name as
+// its place.
+//
+// Messages by fault: truncation missing, not of four items, a flag other than 0 and 1, a bound in force that
+// is not set, bounds in force that cross: 10254. Order missing, empty or naming no distribution: 10255. A
+// name without its property: 10253; the property empty or "()": 10251. A name twice: 10252. Items too few,
+// too many, unknown, repeated or not a finite number: 10256, but a missing Offset counts as 0. A value that
+// the catalogue refuses: 10268 to 10274 by parameter (a deviation and lambda as scale, gamma and delta as
+// shape, xi as location), else the catalogue's own message. Bounds that are not in force are read and kept.
 std::vector<VariableDistributions> ReadDistributionProperties(const VariablePropertyStore& store,
                                                               std::span<const int> variableNumbers);
 

@@ -1,0 +1,14 @@
+// The verbs of the command. Each adds itself with its options and help to the program; its job runs after parsing.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace brenvolt::cli {
+
+void AddFitCommand(CLI::App& program);
+void AddSimulateCommand(CLI::App& program);
+void AddShowCommand(CLI::App& program);
+void AddImportCommand(CLI::App& program);
+void AddExportCommand(CLI::App& program);
+
+}  // namespace brenvolt::cli

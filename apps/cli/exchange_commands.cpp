@@ -1,0 +1,76 @@
+// brenvolt import and export: between projects and files of other formats.
+#include <cstdio>
+#include <utility>
+
+#include "apps/cli/commands.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/session.h"
+#include "host/base/error.h"
+
+namespace brenvolt::cli {
+namespace {
+
+struct ImportOptions {
+  InputOptions input;
+  std::filesystem::path project;
+};
+
+struct ExportOptions {
+  std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
+  std::filesystem::path output;
+  InputOptions format;
+};
+
+void Import(const ImportOptions& options) {
+  auto sheet = std::make_unique<Spreadsheet>(ReadCsv(options.input.path, options.input.Format()));
+  if (!options.input.sheet.empty()) sheet->SetName(options.input.sheet);
+  const std::size_t cases = sheet->CaseCount();
+  const std::size_t variables = sheet->VariableCount();
+  const std::string name = AddToProject(options.project, std::move(sheet), NameClash::kRefuse);
+  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", cases, variables, options.project.c_str(),
+              name.c_str());
+}
+
+// A file of the whole name comes first, so that a colon in a file's name does no harm.
+std::pair<std::filesystem::path, std::string> SplitSource(const std::string& source) {
+  std::error_code ignored;
+  const auto colon = source.rfind(':');
+  if (colon == std::string::npos || std::filesystem::exists(source, ignored)) return {source, {}};
+  return {source.substr(0, colon), source.substr(colon + 1)};
+}
+
+void Export(const ExportOptions& options) {
+  const auto [path, name] = SplitSource(options.source);
+  DataFile project = OpenProject(path);
+  const Spreadsheet& sheet = project.Sheet(name);
+  WriteCsv(sheet, options.output, options.format.Format());
+}
+
+}  // namespace
+
+void AddImportCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("import", "Take a data file into a project");
+  const auto options = std::make_shared<ImportOptions>();
+  command->add_option("FILE", options->input.path, "CSV file with a header row")->required();
+  command->add_option("-o,--output", options->project, "Project, made when there is none")
+      ->required()
+      ->type_name("PROJECT.bvw");
+  command->add_option("--sheet", options->input.sheet, "Name of the new sheet; default: the file's name")
+      ->type_name("NAME");
+  AddDecimalCommaOption(*command, options->input);
+  command->footer("Example:\n  brenvolt import examples/faithful.csv -o geyser.bvw");
+  command->callback([options] { Import(*options); });
+}
+
+void AddExportCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("export", "Write a sheet of a project as CSV");
+  const auto options = std::make_shared<ExportOptions>();
+  command->add_option("PROJECT[:SHEET]", options->source, "Project (.bvw) and sheet; default: its first data sheet")
+      ->required();
+  command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE");
+  AddDecimalCommaOption(*command, options->format);
+  command->footer("Example:\n  brenvolt export geyser.bvw:faithful -o faithful.csv");
+  command->callback([options] { Export(*options); });
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,45 @@
+#include "apps/cli/session.h"
+
+#include "host/base/error.h"
+
+namespace brenvolt::cli {
+
+Session::Session(Spreadsheet& sheet, Task task)
+    : document_(userInterface_, &sheet), analysis_(application_.NewAnalysis(document_)) {
+  Dialog()->Put("TypeOfAnalysis", static_cast<std::int32_t>(task));
+  Ok();
+}
+
+std::shared_ptr<AutomationObject> Session::Dialog() {
+  auto dialog = analysis_->GetDialgInterface();
+  if (dialog == nullptr) throw Error("the analysis has no open dialog");
+  return dialog;
+}
+
+void Session::Ok() {
+  if (Dialog()->Call("OK").ToInteger() == 0) throw JobFailed();
+}
+
+const Spreadsheet& TableOf(const Variant& result) {
+  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(result.ToObject());
+  if (document == nullptr) throw Error("the analysis returned no table");
+  return document->Table();
+}
+
+std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names) {
+  std::vector<std::int16_t> numbers;
+  for (const std::string& name : names) {
+    const auto index = sheet.FindVariable(name);
+    if (!index) throw Error("no variable called " + name, "sheet " + sheet.Name());
+    numbers.push_back(static_cast<std::int16_t>(*index + 1));
+  }
+  return numbers;
+}
+
+Variant AsVariant(std::span<const std::int16_t> numbers) {
+  Variant::Array array;
+  for (const std::int16_t number : numbers) array.emplace_back(std::int32_t{number});
+  return array;
+}
+
+}  // namespace brenvolt::cli

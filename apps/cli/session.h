@@ -1,0 +1,56 @@
+// One analysis as a command drives it: the dialogs of the sequence through their automation objects.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "host/analysis/terminal_user_interface.h"
+#include "host/application/application.h"
+
+namespace brenvolt::cli {
+
+// The name that begins every line on standard error.
+inline constexpr const char* kProgram = "brenvolt";
+
+// A call that makes no sense: exit status 2.
+class WrongCall : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// A job that failed after its message was already shown: exit status 1.
+class JobFailed : public std::exception {};
+
+// The tasks of the startup dialog.
+enum class Task : std::int32_t { kFit = 0, kSimulate = 1 };
+
+class Session {
+ public:
+  // Starts an analysis over a sheet, which must outlive the session, and moves to the dialog of a task.
+  Session(Spreadsheet& sheet, Task task);
+
+  // The automation object of the open dialog.
+  std::shared_ptr<AutomationObject> Dialog();
+  // OK on the open dialog. Throws JobFailed when the dialog refuses: it has then said why.
+  void Ok();
+  // Documents shown so far, oldest first.
+  std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.documents; }
+
+ private:
+  TerminalUserInterface userInterface_{kProgram};
+  Application application_{userInterface_};
+  CAnalysisDoc document_;
+  std::unique_ptr<CAnalysisSupport> analysis_;
+};
+
+// The spreadsheet behind an automation call's result.
+const Spreadsheet& TableOf(const Variant& result);
+
+// The numbers (from 1) of variables by name. Throws Error for a name that the sheet does not have.
+std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names);
+Variant AsVariant(std::span<const std::int16_t> numbers);
+
+}  // namespace brenvolt::cli

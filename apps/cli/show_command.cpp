@@ -1,0 +1,116 @@
+// brenvolt show: what a project holds.
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "apps/cli/commands.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/text_table.h"
+
+namespace brenvolt::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct ShowOptions {
+  std::filesystem::path project;
+  std::string sheet;
+  ReportFormat format = ReportFormat::kTable;
+};
+
+std::string KindName(SheetKind kind) { return kind == SheetKind::kMatrix ? "matrix" : "data"; }
+
+std::string TypeName(VariableType type) { return type == VariableType::kText ? "text" : "numeric"; }
+
+std::size_t CountMissing(const Variable& variable) {
+  std::size_t missing = 0;
+  for (std::size_t i = 0; i < variable.Size(); ++i) missing += variable.IsMissing(i) ? 1 : 0;
+  return missing;
+}
+
+void ShowSheetsAsTable(const Workbook& workbook) {
+  TextTable table;
+  table.AddColumn("Sheet", TextTable::Align::kLeft);
+  table.AddColumn("Kind", TextTable::Align::kLeft);
+  table.AddColumn("Cases", TextTable::Align::kRight);
+  table.AddColumn("Variables", TextTable::Align::kRight);
+  table.AddColumn("Title", TextTable::Align::kLeft);
+  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+    const Spreadsheet& sheet = workbook.SheetAt(i);
+    table.AddRow({sheet.Name(), KindName(sheet.Kind()), std::to_string(sheet.CaseCount()),
+                  std::to_string(sheet.VariableCount()), sheet.Title()});
+  }
+  std::fputs(table.Text().c_str(), stdout);
+}
+
+void ShowSheetsAsJson(const Workbook& workbook) {
+  Json sheets = Json::array();
+  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+    const Spreadsheet& sheet = workbook.SheetAt(i);
+    sheets.push_back({{"name", sheet.Name()},
+                      {"kind", KindName(sheet.Kind())},
+                      {"cases", sheet.CaseCount()},
+                      {"variables", sheet.VariableCount()},
+                      {"title", sheet.Title()}});
+  }
+  std::printf("%s\n", Json{{"sheets", sheets}}.dump(2).c_str());
+}
+
+void ShowVariablesAsTable(const Spreadsheet& sheet) {
+  TextTable table;
+  table.AddColumn("Variable", TextTable::Align::kLeft);
+  table.AddColumn("Type", TextTable::Align::kLeft);
+  table.AddColumn("Valid", TextTable::Align::kRight);
+  table.AddColumn("Missing", TextTable::Align::kRight);
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    const std::size_t missing = CountMissing(variable);
+    table.AddRow({variable.Name(), TypeName(variable.Type()), std::to_string(variable.Size() - missing),
+                  std::to_string(missing)});
+  }
+  std::printf("%s, %zu cases\n%s", sheet.Name().c_str(), sheet.CaseCount(), table.Text().c_str());
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    if (variable.Properties().empty()) continue;
+    std::printf("\nProperties of %s\n", variable.Name().c_str());
+    for (const auto& [key, value] : variable.Properties()) std::printf("  %s: %s\n", key.c_str(), value.c_str());
+  }
+}
+
+void ShowVariablesAsJson(const Spreadsheet& sheet) {
+  Json variables = Json::array();
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    Json properties = Json::object();
+    for (const auto& [key, value] : variable.Properties()) properties[key] = value;
+    variables.push_back({{"name", variable.Name()},
+                         {"type", TypeName(variable.Type())},
+                         {"missing", CountMissing(variable)},
+                         {"properties", properties}});
+  }
+  std::printf("%s\n", Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}.dump(2).c_str());
+}
+
+void Show(const ShowOptions& options) {
+  DataFile project = OpenProject(options.project);
+  const bool json = options.format == ReportFormat::kJson;
+  if (options.sheet.empty()) {
+    json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
+    return;
+  }
+  const Spreadsheet& sheet = project.Sheet(options.sheet);
+  json ? ShowVariablesAsJson(sheet) : ShowVariablesAsTable(sheet);
+}
+
+}  // namespace
+
+void AddShowCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("show", "Show the sheets of a project, or a sheet's variables");
+  const auto options = std::make_shared<ShowOptions>();
+  command->add_option("PROJECT", options->project, "Project (.bvw)")->required();
+  command->add_option("SHEET", options->sheet, "Sheet whose variables and properties are shown");
+  AddFormatOption(*command, options->format);
+  command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
+  command->callback([options] { Show(*options); });
+}
+
+}  // namespace brenvolt::cli

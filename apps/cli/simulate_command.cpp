@@ -1,0 +1,154 @@
+// brenvolt simulate: samples drawn from the distributions that a project's variables carry.
+#include <cstdio>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+
+#include "apps/cli/commands.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/session.h"
+#include "apps/cli/text_table.h"
+#include "host/base/error.h"
+
+namespace brenvolt::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct SimulateOptions {
+  std::filesystem::path project;
+  std::string sheet;
+  std::vector<std::string> variables;
+  std::string method = "monte-carlo";
+  std::int64_t samples = 1000;
+  std::optional<std::string> seed;
+  bool truncate = false;
+  std::filesystem::path output;
+  ReportFormat format = ReportFormat::kTable;
+};
+
+// Methods as the command names them, and the dialog's members.
+const std::map<std::string, std::string_view> kMethods{{"monte-carlo", "MonteCarloMethod"},
+                                                       {"latin-hypercube", "LHSMethod"}};
+
+void Specify(Session& session, const SimulateOptions& options, const Spreadsheet& sheet) {
+  const auto dialog = session.Dialog();
+  if (!options.variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, options.variables)));
+  dialog->Put(kMethods.at(options.method), true);
+  dialog->Put("NumberOfSamples", options.samples);
+  dialog->Put("IsSeedRandomNumber", options.seed.has_value());
+  if (options.seed) dialog->Put("RandomSeedNumber", *options.seed);
+  dialog->Put("TruncateSimulationData", options.truncate);
+}
+
+std::string SummaryText(const Spreadsheet& summary) {
+  TextTable table;
+  table.AddColumn("Variable", TextTable::Align::kLeft);
+  for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
+    table.AddColumn(summary.VariableAt(c).Name(), TextTable::Align::kRight);
+  }
+  for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
+    std::vector<std::string> cells{std::string(summary.CaseName(row))};
+    for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
+      cells.push_back(ReadableNumber(summary.VariableAt(c).Values()[row]));
+    }
+    table.AddRow(std::move(cells));
+  }
+  return table.Text();
+}
+
+Json SummaryJson(const Spreadsheet& summary) {
+  // JSON names of the summary's columns, in their order; the percentiles follow.
+  static constexpr const char* kNames[] = {"n",        "mean",    "standardDeviation", "skewness",
+                                           "kurtosis", "minimum", "maximum"};
+  constexpr std::size_t kMoments = std::size(kNames);
+  Json variables = Json::array();
+  for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
+    Json variable = {{"name", summary.CaseName(row)}};
+    Json percentiles = Json::object();
+    for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
+      const double value = summary.VariableAt(c).Values()[row];
+      const Json number = std::isfinite(value) ? Json(value) : Json(nullptr);
+      if (c < kMoments) {
+        variable[kNames[c]] = number;
+      } else {
+        percentiles[summary.VariableAt(c).Name().substr(1)] = number;
+      }
+    }
+    variable["percentiles"] = percentiles;
+    variables.push_back(variable);
+  }
+  return variables;
+}
+
+void Write(const SimulateOptions& options, CAnalysisTableDoc& document) {
+  if (HasProjectEnding(options.output)) {
+    const std::string name = AddToProject(options.output, document.ReleaseTable(), NameClash::kNewName);
+    if (options.format == ReportFormat::kTable) {
+      std::printf("\nSimulated data saved in %s, sheet %s\n", options.output.c_str(), name.c_str());
+    }
+    return;
+  }
+  WriteCsv(document.Table(), options.output);
+  if (options.format == ReportFormat::kTable) std::printf("\nSimulated data written to %s\n", options.output.c_str());
+}
+
+// CSV also goes to devices and pipes, whatever they are called.
+void CheckOutputEnding(const std::filesystem::path& output) {
+  if (output.empty() || HasProjectEnding(output) || output.extension() == ".csv") return;
+  std::error_code ignored;
+  const auto status = std::filesystem::status(output, ignored);
+  if (std::filesystem::is_character_file(status) || std::filesystem::is_fifo(status)) return;
+  throw WrongCall("-o wants a file ending in .csv or .bvw, not " + output.string());
+}
+
+void Simulate(const SimulateOptions& options) {
+  CheckOutputEnding(options.output);
+  DataFile data = OpenProject(options.project);
+  Spreadsheet& sheet = data.Sheet(options.sheet);
+  Session session(sheet, Task::kSimulate);
+  Specify(session, options, sheet);
+  session.Ok();
+  const auto output = session.Documents().back();
+  session.Ok();
+  const Spreadsheet& summary = session.Documents().back()->Table();
+  if (options.format == ReportFormat::kJson) {
+    const Json report = {{"method", output->Table().Title()},
+                         {"samples", output->Table().CaseCount()},
+                         {"variables", SummaryJson(summary)}};
+    std::printf("%s\n", report.dump(2).c_str());
+  } else {
+    std::printf("%s, %zu samples\n%s", output->Table().Title().c_str(), output->Table().CaseCount(),
+                SummaryText(summary).c_str());
+  }
+  if (!options.output.empty()) Write(options, *output);
+}
+
+}  // namespace
+
+void AddSimulateCommand(CLI::App& program) {
+  CLI::App* command =
+      program.add_subcommand("simulate", "Draw samples from the distributions saved in a project");
+  const auto options = std::make_shared<SimulateOptions>();
+  command->add_option("PROJECT", options->project, "Project (.bvw) whose variables carry fitted distributions")
+      ->required();
+  command->add_option("--sheet", options->sheet, "Sheet of the project; default: its first data sheet")
+      ->type_name("NAME");
+  command->add_option("--variables", options->variables, "Variables to simulate; default: all with distributions")
+      ->delimiter(',')
+      ->type_name("V,V");
+  command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
+      ->check(CLI::IsMember(kMethods))
+      ->type_name("monte-carlo|latin-hypercube");
+  command->add_option("--samples", options->samples, "Number of samples (default 1000)")->type_name("N");
+  command->add_option("--seed", options->seed, "Seed, 0 or more: the same seed gives the same samples")
+      ->type_name("S");
+  command->add_flag("--truncate", options->truncate, "Keep each variable within its 0.5 % and 99.5 % quantiles");
+  command->add_option("-o,--output", options->output, "Where the data go, by ending: .csv, or .bvw for a project")
+      ->type_name("OUT");
+  AddFormatOption(*command, options->format);
+  command->footer("Example:\n  brenvolt simulate beef.bvw --samples 10000 --seed 7 -o simulated.csv");
+  command->callback([options] { Simulate(*options); });
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,214 @@
+// Distributions of variables from their text properties, with every check that a hand-edited property needs.
+#include <algorithm>
+#include <cstddef>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/property_items.h"
+#include "brv_sra/distributions/variable_properties.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr std::string_view kOrderDelimiters = ";";
+constexpr std::string_view kItemDelimiters = "; ";
+
+// Splits as strtok does: every delimiter character separates, empty items vanish. Items are trimmed on the
+// left.
+std::vector<std::string_view> Split(std::string_view text, std::string_view delimiters) {
+  std::vector<std::string_view> items;
+  for (auto begin = text.find_first_not_of(delimiters); begin != std::string_view::npos;
+       begin = text.find_first_not_of(delimiters)) {
+    text.remove_prefix(begin);
+    const std::string_view item = text.substr(0, text.find_first_of(delimiters));
+    items.push_back(TrimLeft(item));
+    text.remove_prefix(item.size());
+  }
+  return items;
+}
+
+// The text between one enclosing "(" and ")".
+std::string_view WithoutEnclosure(std::string_view text) {
+  text = Trim(text);
+  if (text.starts_with('(')) text.remove_prefix(1);
+  if (text.ends_with(')')) text.remove_suffix(1);
+  return Trim(text);
+}
+
+struct NamedProperty {
+  DistributionCode code;
+  std::string text;
+};
+
+// Reads one variable. Every fault leaves through Fail.
+class VariableReader {
+ public:
+  VariableReader(const VariablePropertyStore& store, int variableNumber)
+      : store_(store), variableNumber_(variableNumber), locale_(UserNumberLocale()) {}
+
+  VariableDistributions Read() const {
+    VariableDistributions result;
+    result.variableNumber = variableNumber_;
+    result.truncation = ReadTruncation();
+    for (const NamedProperty& property : ReadNamedProperties(ReadOrder())) {
+      result.ranked.push_back(Parse(property, result.truncation));
+    }
+    return result;
+  }
+
+ private:
+  [[noreturn]] void Fail(const std::string& message) const {
+    throw CDispatchException(message, store_.VariableName(variableNumber_));
+  }
+  [[noreturn]] void Fail(std::int32_t messageResource) const {
+    Fail(std::string(ResourceString(messageResource)));
+  }
+
+  Truncation ReadTruncation() const {
+    const auto text = store_.Get(variableNumber_, property_key::kTruncation);
+    if (!text) Fail(kMsgInvalidTruncationProperty);
+    const auto items = Split(WithoutEnclosure(*text), kItemDelimiters);
+    if (items.size() != 4) Fail(kMsgInvalidTruncationProperty);
+    const Truncation truncation{ParseFlag(items[0]), ParseFlag(items[1]), ParseBound(items[2]),
+                                ParseBound(items[3])};
+    const bool lacksBound = (truncation.below && IsNotSet(truncation.minimum)) ||
+                            (truncation.above && IsNotSet(truncation.maximum));
+    const bool crossed = truncation.below && truncation.above && truncation.minimum > truncation.maximum;
+    if (lacksBound || crossed) Fail(kMsgInvalidTruncationProperty);
+    return truncation;
+  }
+
+  bool ParseFlag(std::string_view item) const {
+    const auto flag = ParseInteger(item);
+    if (!flag || (*flag != 0 && *flag != 1)) Fail(kMsgInvalidTruncationProperty);
+    return *flag == 1;
+  }
+
+  double ParseBound(std::string_view item) const {
+    const auto bound = ParseNumber(item, locale_);
+    if (!bound) Fail(kMsgInvalidTruncationProperty);
+    return *bound;
+  }
+
+  std::vector<DistributionCode> ReadOrder() const {
+    const auto text = store_.Get(variableNumber_, property_key::kOrder);
+    if (!text) Fail(kMsgInvalidOrderProperty);
+    std::vector<DistributionCode> codes;
+    for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
+      const auto code = CodeFromDisplayName(name);
+      if (!code) Fail(kMsgInvalidOrderProperty);
+      codes.push_back(*code);
+    }
+    if (codes.empty()) Fail(kMsgInvalidOrderProperty);
+    return codes;
+  }
+
+  // The property of every distribution of the order, none parsed yet.
+  std::vector<NamedProperty> ReadNamedProperties(const std::vector<DistributionCode>& order) const {
+    std::vector<NamedProperty> properties;
+    for (const DistributionCode code : order) {
+      if (std::ranges::find(properties, code, &NamedProperty::code) != properties.end()) continue;
+      const std::string_view name = DisplayName(code);
+      const auto text = store_.Get(variableNumber_, name);
+      if (!text) Fail(FormatResource(kMsgPropertyMissing, name));
+      const std::string_view value = WithoutEnclosure(*text);
+      if (value.empty())
+        Fail(FormatResource(kMsgPropertyValueMissing, name, store_.VariableName(variableNumber_)));
+      properties.push_back({code, std::string(value)});
+    }
+    if (properties.size() != order.size()) Fail(kMsgOrderCountMismatch);
+    return properties;
+  }
+
+  DistributionSpecification Parse(const NamedProperty& property, const Truncation& truncation) const {
+    DistributionSpecification specification;
+    specification.code = property.code;
+    specification.truncateBelow = truncation.below;
+    specification.truncateAbove = truncation.above;
+    specification.truncationMinimum = truncation.minimum;
+    specification.truncationMaximum = truncation.maximum;
+    const auto items = Split(property.text, kItemDelimiters);
+    if (ItemKeys(property.code).empty()) {
+      ParseBareItems(items, specification);
+    } else {
+      ParseKeyedItems(items, specification);
+    }
+    Check(specification);
+    return specification;
+  }
+
+  double ParseValue(std::string_view item) const {
+    const auto value = ParseNumber(item, locale_);
+    if (!value) Fail(kMsgInvalidPropertyValues);
+    return *value;
+  }
+
+  void ParseBareItems(const std::vector<std::string_view>& items,
+                      DistributionSpecification& specification) const {
+    const CatalogueEntry& entry = Entry(specification.code);
+    const auto groupSize = static_cast<std::size_t>(entry.valueCount);
+    const bool complete = entry.repeatedGroups ? items.size() % groupSize == 0 : items.size() == groupSize;
+    if (items.empty() || !complete) Fail(kMsgInvalidPropertyValues);
+    for (const std::string_view item : items) specification.values.push_back(ParseValue(item));
+  }
+
+  void ParseKeyedItems(const std::vector<std::string_view>& items,
+                       DistributionSpecification& specification) const {
+    const auto keys = ItemKeys(specification.code);
+    std::vector<std::optional<double>> values(keys.size());
+    std::optional<double> offset;
+    for (const std::string_view item : items) {
+      const auto equals = item.find('=');
+      if (equals == std::string_view::npos) Fail(kMsgInvalidPropertyValues);
+      const std::string_view key = item.substr(0, equals);
+      const auto place = static_cast<std::size_t>(std::ranges::find(keys, key) - keys.begin());
+      const bool isOffset = HasOffset(specification.code) && key == property_key::kOffset;
+      if (place == keys.size() && !isOffset) Fail(kMsgInvalidPropertyValues);
+      std::optional<double>& target = isOffset ? offset : values[place];
+      if (target) Fail(kMsgInvalidPropertyValues);
+      target = ParseValue(item.substr(equals + 1));
+    }
+    for (const auto& value : values) {
+      if (!value) Fail(kMsgInvalidPropertyValues);
+      specification.values.push_back(*value);
+    }
+    if (HasOffset(specification.code)) specification.offset = offset.value_or(0.0);
+  }
+
+  void Check(const DistributionSpecification& specification) const {
+    const auto fault = CheckSpecification(specification);
+    if (!fault) return;
+    const std::int32_t message = StoredMessage(specification, fault->valueIndex);
+    if (message == 0) Fail(fault->message);
+    Fail(FormatResource(message, DisplayName(specification.code), variableNumber_));
+  }
+
+  // The message about one stored value, or 0 where the catalogue's own says more.
+  static std::int32_t StoredMessage(const DistributionSpecification& specification, std::size_t index) {
+    if (index < specification.values.size()) {
+      const auto parameters = Parameters(specification.code);
+      return parameters[index % parameters.size()].storedMessageResource;
+    }
+    return HasOffset(specification.code) ? kMsgStoredOffsetInvalid : 0;
+  }
+
+  const VariablePropertyStore& store_;
+  const int variableNumber_;
+  const NumberLocale locale_;
+};
+
+}  // namespace
+
+std::vector<VariableDistributions> ReadDistributionProperties(const VariablePropertyStore& store,
+                                                              std::span<const int> variableNumbers) {
+  std::vector<VariableDistributions> result;
+  result.reserve(variableNumbers.size());
+  for (const int variableNumber : variableNumbers)
+    result.push_back(VariableReader(store, variableNumber).Read());
+  return result;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,310 @@
+#include "brv_sra/distributions/variable_properties.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using enum DistributionCode;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+// Every test states its decimal separator and leaves the former one behind.
+class VariableProperties : public testing::Test {
+ protected:
+  void SetUp() override { SetUserNumberLocale({'.'}); }
+  void TearDown() override { SetUserNumberLocale(former_); }
+
+  std::string Property(std::string_view key) const {
+    return store_.Get(1, key).value_or("(no such property)");
+  }
+
+  void Write(const std::vector<DistributionSpecification>& ranked, const Truncation& truncation = {}) {
+    WriteDistributionProperties(&store_, {.variableNumber = 1, .ranked = ranked, .truncation = truncation});
+  }
+
+  VariableDistributions Read() const {
+    const int one = 1;
+    return ReadDistributionProperties(store_, std::span(&one, 1)).front();
+  }
+
+  // The message of a read after the given properties were set over those of a good Normal fit.
+  std::string Fault(const std::vector<std::pair<std::string, std::string>>& properties) {
+    sheet_ = Spreadsheet("Data", 0, 2);
+    Write({{.code = kNormal, .values = {0, 1}}});
+    for (const auto& [key, value] : properties) store_.Set(1, key, value);
+    try {
+      Read();
+      return "";
+    } catch (const CDispatchException& fault) {
+      EXPECT_EQ(fault.Where(), "Var1");
+      return fault.what();
+    }
+  }
+  // The same for a variable whose only distribution has the given value.
+  std::string ValueFault(DistributionCode code, const std::string& value) {
+    const std::string name(DisplayName(code));
+    return Fault({{"zOrder", name + ";"}, {name, value}});
+  }
+
+  NumberLocale former_ = UserNumberLocale();
+  Spreadsheet sheet_{"Data", 0, 2};
+  SheetPropertyStore store_{sheet_};
+};
+
+TEST_F(VariableProperties, TextOfEveryTypeIsExact) {
+  const struct {
+    DistributionSpecification specification;
+    std::string_view text;
+  } rows[] = {
+      {{.code = kNormal, .values = {1.234567890123, 0.5}},
+       "(Location=1.234567890123e+00; Scale=5.000000000000e-01)"},
+      {{.code = kLogNormal, .values = {-1, 2}, .offset = 2.5},
+       "(Scale=-1.000000000000e+00; Shape=2.000000000000e+00; Offset=2.500000000000e+00)"},
+      {{.code = kFoldedNormal, .values = {3, 4}, .offset = 0},
+       "(Scale=3.000000000000e+00; Shape=4.000000000000e+00; Offset=0.000000000000e+00)"},
+      {{.code = kHalfNormal, .values = {4}}, "(Scale=4.000000000000e+00; Offset=0.000000000000e+00)"},
+      {{.code = kRayleigh, .values = {4}, .offset = -1},
+       "(Scale=4.000000000000e+00; Offset=-1.000000000000e+00)"},
+      {{.code = kWeibull, .values = {1, 2}, .offset = 3},
+       "(Scale=1.000000000000e+00; Shape=2.000000000000e+00; Offset=3.000000000000e+00)"},
+      {{.code = kGaussianMixture, .values = {0.25, -1, 2, 0.75, 10, 3}},
+       "(2.500000e-01; -1.000000e+00; 2.000000e+00; 7.500000e-01; 1.000000e+01; 3.000000e+00)"},
+      {{.code = kJohnson, .values = {2, 0.5, 1.5, 3, -4}},
+       "(2.000000e+00; 5.000000e-01; 1.500000e+00; 3.000000e+00; -4.000000e+00)"},
+      {{.code = kGeneralExtremeValue, .values = {1, 2, -0.1}},
+       "(Location=1.000000000000e+00; Scale=2.000000000000e+00; Shape=-1.000000000000e-01)"},
+      {{.code = kGeneralPareto, .values = {2, 0.1}, .offset = 1},
+       "(Scale=2.000000000000e+00; Shape=1.000000000000e-01; Offset=1.000000000000e+00)"},
+      {{.code = kTriangular, .values = {1, 3, 2}},
+       "(Min=1.000000000000e+00; Max=3.000000000000e+00; Mode=2.000000000000e+00)"},
+      {{.code = kBinomial, .values = {0.25, 12}},
+       "(Proportion=2.500000000000e-01; NumberOfTrials=1.200000000000e+01)"},
+      {{.code = kPoisson, .values = {2}}, "(Mean=2.000000000000e+00)"},
+      {{.code = kGeometric, .values = {0.5}}, "(Proportion=5.000000000000e-01)"},
+      {{.code = kBernoulli, .values = {0.5}}, "(Proportion=5.000000000000e-01)"},
+      {{.code = kHistogram, .values = {1, 0.25, 4, 0.75}},
+       "(1.000000000000e+00; 2.500000000000e-01; 4.000000000000e+00; 7.500000000000e-01)"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(DistributionPropertyText(row.specification), row.text);
+    Write({row.specification});
+    const auto read = Read().ranked;
+    ASSERT_EQ(read.size(), 1U) << row.text;
+    EXPECT_EQ(read[0].code, row.specification.code);
+    EXPECT_EQ(read[0].values, row.specification.values) << row.text;
+    const double offset = IsNotSet(row.specification.offset) ? 0.0 : row.specification.offset;
+    EXPECT_EQ(read[0].offset, HasOffset(row.specification.code) ? offset : kNotSet) << row.text;
+  }
+}
+
+TEST_F(VariableProperties, DecimalCommaIsWrittenAndReadAndAPointIsThenRefused) {
+  SetUserNumberLocale({','});
+  Write({{.code = kNormal, .values = {1.234567890123, 0.5}},
+         {.code = kGaussianMixture, .values = {0.25, -1, 2, 0.75, 10, 3}}},
+        {.below = true, .minimum = -2.5, .maximum = 4});
+  EXPECT_EQ(Property("Normal"), "(Location=1,234567890123e+00; Scale=5,000000000000e-01)");
+  EXPECT_EQ(Property("Gaussian Mixture"),
+            "(2,500000e-01; -1,000000e+00; 2,000000e+00; 7,500000e-01; 1,000000e+01; 3,000000e+00)");
+  EXPECT_EQ(Property("zTruncProp"), "(1; 0; -2,500000e+00; 4,000000e+00)");
+  const VariableDistributions read = Read();
+  EXPECT_EQ(read.ranked[0].values, (std::vector{1.234567890123, 0.5}));
+  EXPECT_EQ(read.truncation.minimum, -2.5);
+  EXPECT_EQ(ValueFault(kPoisson, "(Mean=2.5)"), ResourceString(10256));
+}
+
+TEST_F(VariableProperties, OrderAndTruncationFollowTheRank) {
+  Write({{.code = kLogNormal, .values = {0, 1}, .offset = 0},
+         {.code = kWeibull, .values = {1, 2}, .offset = 0}},
+        {.below = false, .above = true, .minimum = 3, .maximum = 8});
+  EXPECT_EQ(Property("zOrder"), "Log Normal;Weibull;");
+  EXPECT_EQ(Property("zTruncProp"), "(0; 1; 3.000000e+00; 8.000000e+00)");
+  EXPECT_EQ(Property("InvalidFit"), "(no such property)");
+  const VariableDistributions read = Read();
+  ASSERT_EQ(read.ranked.size(), 2U);
+  EXPECT_EQ(read.ranked[0].code, kLogNormal);
+  EXPECT_EQ(read.ranked[1].code, kWeibull);
+  for (const DistributionSpecification& specification : read.ranked) {
+    EXPECT_FALSE(specification.truncateBelow);
+    EXPECT_TRUE(specification.truncateAbove);
+    EXPECT_EQ(specification.truncationMinimum, 3);  // read, not in force
+    EXPECT_EQ(specification.truncationMaximum, 8);
+  }
+}
+
+TEST_F(VariableProperties, AFitThatNoReaderWouldTakeIsNotWritten) {
+  Write({{.code = kNormal, .values = {kNotSet, 1}},
+         {.code = kWeibull, .values = {1, 2}, .offset = kInfinity},
+         {.code = kGaussianMixture, .values = {0.5, -444.00001, 1, 0.5, 0, 1}},  // prints as -4.440000e+02
+         {.code = kRayleigh, .values = {1}}});
+  EXPECT_EQ(Property("zOrder"), "Rayleigh;");
+  EXPECT_EQ(Property("Normal"), "(no such property)");
+  EXPECT_EQ(Read().ranked.size(), 1U);
+}
+
+TEST_F(VariableProperties, AVariableWithoutAnyFitIsMarkedUntilItHasOne) {
+  Write({{.code = kNormal, .values = {0, -1}}});
+  EXPECT_EQ(Property("zOrder"), "");
+  EXPECT_EQ(Property("InvalidFit"), "1");
+  EXPECT_THROW(Read(), CDispatchException);
+  Write({{.code = kNormal, .values = {0, 1}}});
+  EXPECT_EQ(Property("InvalidFit"), "0");
+  EXPECT_EQ(Read().ranked.size(), 1U);
+}
+
+TEST_F(VariableProperties, BoundAtInfinityIsWrittenAsNoBound) {
+  EXPECT_EQ(TruncationPropertyText({true, true, -kInfinity, 5}), "(0; 1; -4.440000e+02; 5.000000e+00)");
+  EXPECT_EQ(TruncationPropertyText({}), "(0; 0; -4.440000e+02; -4.440000e+02)");
+}
+
+TEST_F(VariableProperties, TruncationMessageCoversEveryMalformedValue) {
+  for (const std::string_view text :
+       {"", "()", "(0; 0; 1.0)", "(0; 0; 1.0; 2.0; 3.0)", "(2; 0; 1; 2)", "(-1; 0; 1; 2)", "(yes; 0; 1; 2)",
+        "(0; 0; nan; 1)", "(0; 0; 1; 1e999)", "(0,0,1,2)", "(1; 1; 5; 4)", "(1; 0; -4.440000e+02; 4)",
+        "(0; 1; 4; -444)"}) {
+    EXPECT_EQ(Fault({{"zTruncProp", std::string(text)}}), ResourceString(10254)) << text;
+  }
+  for (const std::string_view text : {"(0; 0; -444; -444)", "0;0;5;4", " (1 1 4 4) ", "(0;;0; ;1;2;)"}) {
+    EXPECT_EQ(Fault({{"zTruncProp", std::string(text)}}), "") << text;
+  }
+  sheet_.VariableAt(0).RemoveProperty("zTruncProp");
+  EXPECT_THROW(Read(), CDispatchException);
+}
+
+TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames) {
+  const struct {
+    std::string order;
+    std::string message;
+  } rows[] = {
+      {"", std::string(ResourceString(10255))},
+      {";;", std::string(ResourceString(10255))},
+      {"Normal;Cauchy;", std::string(ResourceString(10255))},
+      {"Normal ;", std::string(ResourceString(10255))},
+      {"Normal Weibull;", std::string(ResourceString(10255))},
+      {"Normal;Log Normal;",
+       "Log Normal in order of distribution property has its parameter property missing."},
+      {"Normal;Normal;", std::string(ResourceString(10252))},
+      {"Normal", ""},
+      {"(;  Normal;)", ""},
+  };
+  for (const auto& row : rows) EXPECT_EQ(Fault({{"zOrder", row.order}}), row.message) << row.order;
+  for (const std::string_view empty : {"", "()", " ( ) ", "("}) {
+    EXPECT_EQ(Fault({{"Normal", std::string(empty)}}),
+              "Normal distribution property exists for variable Var1 but its value is missing.");
+  }
+}
+
+TEST_F(VariableProperties, AMissingPropertyIsReportedBeforeABadValue) {
+  EXPECT_EQ(Fault({{"zOrder", "Normal;Poisson;"}, {"Normal", "(junk)"}}),
+            "Poisson in order of distribution property has its parameter property missing.");
+}
+
+TEST_F(VariableProperties, MalformedItemsGiveTheGeneralMessage) {
+  const std::pair<DistributionCode, std::string> rows[] = {
+      {kNormal, "(Location=1)"},
+      {kNormal, "(Location=1; Scale=2; Shape=3)"},
+      {kNormal, "(Location=1; Scale=2; Scale=2)"},
+      {kNormal, "(Location=1; Scale=2; Offset=0)"},
+      {kNormal, "(location=1; Scale=2)"},
+      {kNormal, "(Location=1; Scale= 2)"},
+      {kNormal, "(Location=1; Scale=2x)"},
+      {kNormal, "(Location=1; Scale=)"},
+      {kNormal, "(Location=1; Scale=inf)"},
+      {kNormal, "(Location=nan; Scale=1)"},
+      {kNormal, "(Location=1; Scale=1e400)"},
+      {kNormal, "(1; 2)"},
+      {kNormal, "((Location=1; Scale=2))"},
+      {kNormal, "(; ;)"},
+      {kFoldedNormal, "(Location=1; Scale=2; Offset=0)"},
+      {kWeibull, "(Scale=1; Shape=2; Offset=0; Offset=0)"},
+      {kGaussianMixture, "(0.5; 0; 1; 0.5; 1)"},
+      {kGaussianMixture, "(; ;)"},
+      {kJohnson, "(2; 0; 1; 1)"},
+      {kJohnson, "(2; 0; 1; 1; 0; 0)"},
+      {kHistogram, "(1; 0.5; 2)"},
+      {kHistogram, "(Code=1; Proportion=1)"},
+  };
+  for (const auto& [code, value] : rows) EXPECT_EQ(ValueFault(code, value), ResourceString(10256)) << value;
+}
+
+TEST_F(VariableProperties, ValuesThatBreakARuleAreNamedWithDistributionAndVariable) {
+  const auto stored = [](std::string_view what, std::string_view name) {
+    const std::string word(what);
+    return "Invalid " + word + " value for " + std::string(name) +
+           " distribution of variable 1. Please check the variable's properties to have a valid " + word +
+           " value.";
+  };
+  const struct {
+    DistributionCode code;
+    std::string value;
+    std::string message;
+  } rows[] = {
+      {kBernoulli, "(Proportion=1.5)", stored("proportion", "Bernoulli")},
+      {kPoisson, "(Mean=0)", stored("mean", "Poisson")},
+      {kBinomial, "(Proportion=0.5; NumberOfTrials=2.5)", stored("number of trials", "Binomial")},
+      {kNormal, "(Location=-444; Scale=1)", stored("location", "Normal")},
+      {kNormal, "(Scale=0; Location=1)", stored("scale", "Normal")},
+      {kWeibull, "(Scale=1; Shape=-1; Offset=0)", stored("shape", "Weibull")},
+      {kWeibull, "(Scale=1; Shape=1; Offset=-444)", stored("offset", "Weibull")},
+      {kFoldedNormal, "(Scale=1; Shape=0; Offset=0)", stored("scale", "Folded Normal")},
+      {kJohnson, "(2; 0; 1; 0; 0)", stored("scale", "Johnson")},
+      {kHistogram, "(1; 1.5; 2; -0.5)", stored("proportion", "Histogram")},
+      {kHistogram, "(1; 0.5; 2; 0.499)", std::string(ResourceString(10219))},
+      {kGaussianMixture, "(1; 0; 1)", std::string(ResourceString(10278))},
+      {kGaussianMixture, "(0.5; 0; 0; 0.5; 1; 1)", stored("scale", "Gaussian Mixture")},
+      {kTriangular, "(Min=2; Max=3; Mode=1)",
+       "Invalid minimum and/or mode parameter entry for Triangular distribution. "},
+  };
+  for (const auto& row : rows) EXPECT_EQ(ValueFault(row.code, row.value), row.message) << row.value;
+}
+
+TEST_F(VariableProperties, HandWrittenValuesMayReorderItemsAndLeaveTheOffsetOut) {
+  EXPECT_EQ(ValueFault(kWeibull, " (Shape=2;Scale=1) "), "");
+  const auto read = Read().ranked.front();
+  EXPECT_EQ(read.values, (std::vector{1.0, 2.0}));
+  EXPECT_EQ(read.offset, 0.0);
+}
+
+TEST_F(VariableProperties, FaultOfALaterVariableEndsTheWholeReadAndNamesItsNumber) {
+  Write({{.code = kNormal, .values = {0, 1}}});
+  WriteDistributionProperties(&store_, {2, {{.code = kPoisson, .values = {1}}}, {}});
+  const std::vector<int> both{2, 1};
+  EXPECT_EQ(ReadDistributionProperties(store_, both).front().ranked.front().code, kPoisson);
+  store_.Set(2, "Poisson", "(Mean=-1)");
+  try {
+    ReadDistributionProperties(store_, std::vector{1, 2});
+    ADD_FAILURE();
+  } catch (const CDispatchException& fault) {
+    EXPECT_NE(std::string(fault.what()).find("of variable 2."), std::string::npos);
+    EXPECT_EQ(fault.Where(), "Var2");
+  }
+}
+
+TEST_F(VariableProperties, SheetStoreLeavesVariablesThatDoNotExistAlone) {
+  for (const int number : {-1, 0, 3}) {
+    store_.Set(number, "Normal", "x");
+    EXPECT_FALSE(store_.Get(number, "Normal")) << number;
+    EXPECT_EQ(store_.VariableName(number), "") << number;
+    EXPECT_THROW(ReadDistributionProperties(store_, std::span(&number, 1)), CDispatchException);
+  }
+  EXPECT_TRUE(sheet_.VariableAt(0).Properties().empty());
+  EXPECT_TRUE(sheet_.VariableAt(1).Properties().empty());
+  EXPECT_FALSE(SheetPropertyStore::Of(nullptr));
+  WriteDistributionProperties(nullptr, {});
+}
+
+}  // namespace
+}  // namespace brenvolt::sra

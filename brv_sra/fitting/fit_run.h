@@ -1,0 +1,28 @@
+// The run of a fit: reads every selected variable, estimates, tests and ranks.
+#pragma once
+
+#include <vector>
+
+#include "brv_sra/fitting/fit_state.h"
+#include "host/controls/progress_bar.h"
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt::sra {
+
+// How the analysis treats the sheet's cases.
+struct CaseOptions {
+  bool useSelection = true;
+  bool useWeights = true;
+};
+
+// True when the data of `variables` variables of `cases` cases are within the limit of a fit. The product is taken in
+// 32 bits, as the limit has always been.
+bool FitsDataLimit(std::size_t variables, std::size_t cases);
+
+// Fits the continuous variables, then the discrete ones. Throws CDispatchException with the text to show: data too
+// large (10013), case weights that are not whole (10012), no valid variable (10281, pairwise only);
+// NumericalException from the data; UserCancelled.
+std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
+                                const CaseOptions& options, ProgressPort& port);
+
+}  // namespace brenvolt::sra

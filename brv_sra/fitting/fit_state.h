@@ -1,0 +1,117 @@
+// What the fit dialogs share through the analysis object: the specification of a fit, and its results.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "brv_sra/distributions/specification.h"
+#include "host/statistics/moments.h"
+
+namespace brenvolt::sra {
+
+enum class DeletionMode : std::int32_t {
+  kPairwise = 1,  // each variable uses all of its own valid cases
+  kCasewise = 2   // a case missing in any selected variable is dropped for all
+};
+
+enum class RankingCriterion : std::int32_t { kKolmogorovSmirnov = 1, kChiSquare = 2, kAndersonDarling = 3 };
+
+// The check boxes of a continuous variable, in their fixed order. Index 8 is an option of the Johnson fit, not a
+// distribution.
+inline constexpr int kContinuousFlagCount = 12;
+inline constexpr int kPercentileFitFlag = 8;
+// The distributions with an offset, in the order of the offset fields.
+inline constexpr std::array<DistributionCode, 6> kOffsetDistributions{
+    DistributionCode::kLogNormal, DistributionCode::kFoldedNormal, DistributionCode::kHalfNormal,
+    DistributionCode::kRayleigh,  DistributionCode::kWeibull,      DistributionCode::kGeneralPareto};
+inline constexpr int kDiscreteFlagCount = 5;
+
+// The check box of a continuous distribution: the codes in order, with the option of index 8 between them.
+constexpr int FlagOfContinuous(DistributionCode code) {
+  const int index = static_cast<int>(code);
+  return index < kPercentileFitFlag ? index : index + 1;
+}
+constexpr int FlagOfDiscrete(DistributionCode code) { return static_cast<int>(code) - kContinuousCount; }
+
+// The place of a distribution's offset among the offset fields, or nothing.
+constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
+  for (std::size_t i = 0; i < kOffsetDistributions.size(); ++i) {
+    if (kOffsetDistributions[i] == code) return i;
+  }
+  return std::nullopt;
+}
+
+// A newly selected continuous variable has the distributions checked that need no further input; a newly selected
+// discrete one has the Poisson.
+struct ContinuousSpecification {
+  std::array<bool, kContinuousFlagCount> fit{true};
+  std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet};
+  std::int32_t mixtures = kNotSetCount;
+
+  bool operator==(const ContinuousSpecification&) const = default;
+};
+
+struct DiscreteSpecification {
+  std::array<bool, kDiscreteFlagCount> fit{false, true};
+  std::int32_t trials = kNotSetCount;
+  bool useTrials = false;
+
+  bool operator==(const DiscreteSpecification&) const = default;
+};
+
+// Two lists of spreadsheet variable numbers (from 1) with a specification for each entry.
+struct FitSpecification {
+  std::vector<std::int16_t> continuous;
+  std::vector<std::int16_t> discrete;
+  std::vector<ContinuousSpecification> continuousSpecifications;
+  std::vector<DiscreteSpecification> discreteSpecifications;
+  DeletionMode deletion = DeletionMode::kPairwise;
+  RankingCriterion continuousCriterion = RankingCriterion::kKolmogorovSmirnov;
+  RankingCriterion discreteCriterion = RankingCriterion::kKolmogorovSmirnov;
+};
+
+struct TestResult {
+  double statistic = kNotSet;
+  double pValue = kNotSet;
+};
+
+// One distribution of one variable. The values are in catalogue order; the first is kNotSet where the fit failed.
+struct DistributionFit {
+  DistributionSpecification specification;
+  double logLikelihood = kNotSet;
+  TestResult kolmogorovSmirnov;
+
+  bool IsValid() const { return !specification.values.empty() && !IsNotSet(specification.values.front()); }
+};
+
+struct VariableFit {
+  int variableNumber = 0;
+  std::string name;
+  bool continuous = true;
+  bool invalid = false;  // no spread or no valid case: nothing was fitted
+  Moments moments;
+  std::vector<DistributionFit> fits;  // the checked distributions in the fixed order
+  std::vector<std::size_t> ranked;    // indices into fits, best first
+
+  bool HasValidFit() const;
+};
+
+struct FitState {
+  FitSpecification specification;
+  // The specification as it was when the fit started; the results belong to it.
+  FitSpecification committed;
+  std::vector<VariableFit> results;  // continuous variables, then discrete ones
+  std::size_t firstShown = 0;        // the first variable with a valid fit
+};
+
+inline bool VariableFit::HasValidFit() const {
+  for (const DistributionFit& fit : fits) {
+    if (fit.IsValid()) return true;
+  }
+  return false;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,22 @@
+// The startup dialog: the person picks one of four tasks. Sequence step 101.
+#pragma once
+
+#include <cstdint>
+
+#include "brv_sra/frame/dialog_base.h"
+
+namespace brenvolt::sra {
+
+class CDefineTask : public CSimulationAndRiskModelessDialog {
+ public:
+  explicit CDefineTask(CSimulationAndRisk& analysis);
+
+ protected:
+  void OnInitDialog() override;
+  bool OnCommand(std::int32_t number) override;
+  // Sends the command of the selected list entry.
+  bool OnOk() override;
+  void OnControlChanged(std::int32_t number) override;
+};
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,41 @@
+// The module's thin base over the host's modeless dialog: every dialog of the sequence has the analysis object and an
+// automation object.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "brv_sra/frame/module.h"
+#include "brv_sra/frame/simulation_and_risk.h"
+#include "host/analysis/dialog_automation.h"
+
+namespace brenvolt::sra {
+
+class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
+ public:
+  CSimulationAndRiskModelessDialog(CSimulationAndRisk& analysis, const DialogTemplate& source)
+      : CAnalysisModelessDialog(analysis, source), analysis_(analysis) {}
+  ~CSimulationAndRiskModelessDialog() override {
+    if (automation_ != nullptr) automation_->DialogClosed();
+  }
+
+  CSimulationAndRisk& SimulationAndRisk() const { return analysis_; }
+  std::shared_ptr<AutomationObject> AutomationInterface() override { return automation_; }
+
+ protected:
+  // Gives the dialog its automation object over a table of members. The object outlives the dialog where a client
+  // still holds it; its calls then fail with the closed-dialog error.
+  template <class Dialog>
+  void EnableAutomation(std::string_view interfaceName, std::string_view className,
+                        std::span<const AutomationMember<Dialog>> members) {
+    automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interfaceName, className,
+                                                             members, ModuleAutomation());
+  }
+
+ private:
+  CSimulationAndRisk& analysis_;
+  std::shared_ptr<DialogAutomationBase> automation_;
+};
+
+}  // namespace brenvolt::sra

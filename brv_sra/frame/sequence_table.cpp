@@ -1,0 +1,38 @@
+#include "brv_sra/frame/sequence_table.h"
+
+#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+
+namespace brenvolt::sra {
+namespace {
+
+template <std::int32_t (CSimulationAndRisk::*Entry)()>
+std::int32_t Run(CAnalysisSupport& analysis) {
+  return (static_cast<CSimulationAndRisk&>(analysis).*Entry)();
+}
+
+// The entry of a step whose dialog this version of the module does not have.
+std::int32_t RefuseStep(CAnalysisSupport& analysis) {
+  analysis.ShowMessage(std::string(ResourceString(kMsgStepNotAvailable)));
+  return 0;
+}
+
+constexpr SEQFUNCTTBL kSequence[] = {
+    {step::kInit, Run<&CSimulationAndRisk::Init>, step::kStartup, 0},
+    {step::kStartup, Run<&CSimulationAndRisk::StartAnalysis>, 0, 0},
+    {step::kFit, Run<&CSimulationAndRisk::FitDistributionDialog>, 0, step::kStartup},
+    {step::kFitResults, Run<&CSimulationAndRisk::FitDistributionResultsDialog>, 0, 0},
+    {step::kSimulation, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0, 0},
+    {step::kSimulationResults, Run<&CSimulationAndRisk::SimulationResultsDialog>, 0, 0},
+    {step::kSimulationFromStartup, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0, step::kStartup},
+    {step::kDesign, RefuseStep, 0, step::kStartup},
+    {step::kProfiler, RefuseStep, 0, step::kStartup},
+    {0, nullptr, 0, 0},
+};
+
+}  // namespace
+
+const SEQFUNCTTBL* SequenceTable() { return kSequence; }
+
+}  // namespace brenvolt::sra

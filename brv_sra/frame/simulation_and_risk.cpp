@@ -1,0 +1,80 @@
+#include "brv_sra/frame/simulation_and_risk.h"
+
+#include <new>
+
+#include "brv_sra/fitting/fit_distribution_dialog.h"
+#include "brv_sra/fitting/fit_results_dialog.h"
+#include "brv_sra/fitting/fit_state.h"
+#include "brv_sra/frame/define_task_dialog.h"
+#include "brv_sra/frame/module.h"
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/simulation_dialog.h"
+#include "brv_sra/simulation/simulation_results_dialog.h"
+#include "brv_sra/simulation/simulation_state.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr int kAnalysisId = 25693;
+constexpr std::int32_t kDialogOpened = -1;
+
+template <class Dialog>
+std::int32_t OpenDialog(CSimulationAndRisk& analysis) {
+  try {
+    return CAnalysisModelessDialog::CreateAnalysisDialog(std::make_unique<Dialog>(analysis)) ? kDialogOpened : 0;
+  } catch (const std::bad_alloc&) {
+    return 0;
+  }
+}
+
+}  // namespace
+
+CSimulationAndRisk::CSimulationAndRisk(CAnalysisDoc* document)
+    : CAnalysisSupport(document, ModuleContext()),
+      fit_(std::make_unique<FitState>()),
+      simulation_(std::make_unique<SimulationState>()) {
+  InstallSequence(sra::SequenceTable());
+}
+
+// The open dialog works on the members below: it goes first.
+CSimulationAndRisk::~CSimulationAndRisk() { InitializeAfterFileChanged(); }
+
+void CSimulationAndRisk::Initialize() {}
+
+bool CSimulationAndRisk::ForwardSequence(int from, int to) const { return CAnalysisSupport::ForwardSequence(from, to); }
+
+InstanceHandle CSimulationAndRisk::GetLibInstance() const { return ModuleInstance(); }
+
+int CSimulationAndRisk::GetAnalysisID() const { return kAnalysisId; }
+
+std::string CSimulationAndRisk::GetAnalysisName() const { return std::string(ResourceString(kAnalysisName)); }
+
+std::int32_t CSimulationAndRisk::Init() {
+  InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
+  oneShot_ = 0;
+  return 1;
+}
+
+std::int32_t CSimulationAndRisk::StartAnalysis() { return OpenDialog<CDefineTask>(*this); }
+
+std::int32_t CSimulationAndRisk::FitDistributionDialog() { return OpenDialog<CFitDistribution>(*this); }
+
+std::int32_t CSimulationAndRisk::FitDistributionResultsDialog() { return OpenDialog<CFitDistributionResults>(*this); }
+
+std::int32_t CSimulationAndRisk::SimulationFromDistributionDialog() {
+  return OpenDialog<CSimulationFromDistribution>(*this);
+}
+
+std::int32_t CSimulationAndRisk::SimulationResultsDialog() { return OpenDialog<CSimulationResults>(*this); }
+
+}  // namespace brenvolt::sra
+
+brenvolt::sra::CSimulationAndRisk* Kro6NewAnalysis() {
+  try {
+    return std::make_unique<brenvolt::sra::CSimulationAndRisk>(nullptr).release();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}

@@ -1,0 +1,81 @@
+// The analysis object: the one thing that the host asks the module for. It owns what outlives a single dialog and
+// starts every dialog of the analysis through a fixed table of sequence steps.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "brv_sra/distributions/specification.h"
+#include "host/analysis/analysis_support.h"
+#include "host/base/export.h"
+
+namespace brenvolt::sra {
+
+struct FitState;
+struct SimulationState;
+
+class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
+ public:
+  // `document` may be null.
+  explicit CSimulationAndRisk(CAnalysisDoc* document);
+  ~CSimulationAndRisk() override;
+
+  void Initialize() override;
+  bool ForwardSequence(int from, int to) const override;
+  InstanceHandle GetLibInstance() const override;
+  int GetAnalysisID() const override;
+  std::string GetAnalysisName() const override;
+
+  // Step 100: hands the module's blocks to the base and clears the one-shot flag. Returns 1, however often it is
+  // called.
+  std::int32_t Init();
+
+  // Entry methods of the sequence's dialogs: -1 when the dialog is open, 0 when it could not be made.
+  std::int32_t StartAnalysis();
+  std::int32_t FitDistributionDialog();
+  std::int32_t FitDistributionResultsDialog();
+  std::int32_t SimulationFromDistributionDialog();
+  std::int32_t SimulationResultsDialog();
+
+  // Defaults of numeric settings; everything around them starts at zero.
+  struct NumericDefaults {
+    std::int32_t reservedCount = 0;
+    std::int32_t numberOfSamples = 100;
+    double randomSeed = 1000.0;
+    std::int32_t textLength = 256;
+    const void* reservedPointer = nullptr;
+  };
+  const NumericDefaults& Defaults() const { return defaults_; }
+
+  // The startup dialog's "AutoProfiler" choice, read by the profiler.
+  bool AutoProfiler() const { return autoProfiler_; }
+  void SetAutoProfiler(bool on) { autoProfiler_ = on; }
+
+  // Set by whoever wants the next Init noticed; every Init clears it.
+  std::int16_t OneShotFlag() const { return oneShot_; }
+  void RaiseOneShotFlag() { oneShot_ = 1; }
+
+  DistributionSpecification& Specification() { return specification_; }
+  // What the fit dialogs share, and what the simulation dialogs share.
+  FitState& Fit() { return *fit_; }
+  SimulationState& Simulation() { return *simulation_; }
+
+ private:
+  DistributionSpecification specification_;
+  std::unique_ptr<FitState> fit_;
+  std::unique_ptr<SimulationState> simulation_;
+  NumericDefaults defaults_;
+  std::int16_t oneShot_ = 0;
+  bool autoProfiler_ = false;
+  KroTag kroTag_;
+  Kro88Tag kro88Tag_;
+  b1_com counts_;
+  Wght_com weights_;
+};
+
+}  // namespace brenvolt::sra
+
+// The module's factory: a new analysis without a document, which the host owns and deletes through its virtual
+// destructor; null when memory is short.
+extern "C" BRENVOLT_EXPORT brenvolt::sra::CSimulationAndRisk* Kro6NewAnalysis();

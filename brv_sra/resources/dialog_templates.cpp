@@ -1,0 +1,110 @@
+#include "brv_sra/resources/dialog_templates.h"
+
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using enum ControlKind;
+
+std::string_view Text(std::int32_t number) { return ResourceString(number); }
+
+RowTemplate OkAndCancel(std::int32_t okCaption) {
+  return {{kControlOk, kButton, Text(okCaption)}, {kControlCancel, kButton, Text(kFitButtonCancel)}};
+}
+
+}  // namespace
+
+const DialogTemplate& DefineTaskTemplate() {
+  using namespace define_task;
+  static const DialogTemplate result{
+      25980,
+      Text(kAnalysisTitle),
+      {OkAndCancel(kFitButtonOk)},
+      {{Text(kFitTabQuick),
+        {{"", {{{kTaskList, kListBox, ""}}, {{kAutoProfiler, kCheckBox, Text(kCommandAutoProfiler)}}}},
+         {"",
+          {{{kFitDistribution, kButton, Text(kCommandFitDistribution)},
+            {kRunSimulation, kButton, Text(kCommandRunSimulation)}},
+           {{kDesignSimulation, kButton, Text(kCommandDesignSimulation)},
+            {kProfiler, kButton, Text(kCommandProfiler)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& FitDistributionTemplate() {
+  using namespace fit_dialog;
+  static const DialogTemplate result{
+      25974,
+      Text(kFitTitle),
+      {OkAndCancel(kFitButtonOk)},
+      {{Text(kFitTabQuick),
+        {{"",
+          {{{kVariables, kButton, Text(kFitButtonVariables)}},
+           {{kContinuousList, kLabel, Text(kFitListContinuous)}},
+           {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}},
+         {Text(kFitGroupMissingData),
+          {{{kPairwise, kRadioButton, Text(kFitRadioPairwise)}, {kCasewise, kRadioButton, Text(kFitRadioCasewise)}}}}}},
+       {Text(kFitTabContinuous),
+        {{"",
+          {{{kContinuousVariable, kComboBox, ""},
+            {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
+            {kContinuousNext, kButton, Text(kFitButtonNext)}},
+           {{kNormal, kCheckBox, Text(kFitCheckNormal)}},
+           {{kLogNormal, kCheckBox, Text(kFitCheckLogNormal)}, {kLogNormalOffset, kRealField, Text(kOffsetCaption)}},
+           {{kWeibull, kCheckBox, Text(kFitCheckWeibull)}, {kWeibullOffset, kRealField, Text(kOffsetCaption)}},
+           {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
+            {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
+            {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
+       {Text(kFitTabDiscrete),
+        {{"",
+          {{{kDiscreteVariable, kComboBox, ""},
+            {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
+            {kDiscreteNext, kButton, Text(kFitButtonNext)}},
+           {{kPoisson, kCheckBox, Text(kFitCheckPoisson)}},
+           {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
+            {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
+            {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& FitResultsTemplate() {
+  using namespace fit_results;
+  static const DialogTemplate result{
+      25983,
+      Text(kFitResultsTitle),
+      {OkAndCancel(kFitResultsSummary)},
+      {{Text(kFitTabQuick),
+        {{"",
+          {{{kVariable, kComboBox, Text(kFitResultsVariable)}},
+           {{kDistribution, kListBox, Text(kFitResultsDistribution)}},
+           {{kSummaryStatistics, kButton, Text(kFitResultsSummary)},
+            {kDistributionSummary, kButton, Text(kFitResultsDistributionSummary)},
+            {kSaveFit, kButton, Text(kFitResultsSave)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& SimulationTemplate() {
+  using namespace simulation_dialog;
+  static const DialogTemplate result{
+      25991,
+      Text(kSimulationTitle),
+      {OkAndCancel(kFitButtonOk)},
+      {{Text(kFitTabQuick),
+        {{"",
+          {{{kVariables, kButton, Text(kFitButtonVariables)}, {kVariableList, kLabel, ""}},
+           {{kNumberOfSamples, kIntegerField, Text(kSimulationSamples)}},
+           {{kSeedSwitch, kCheckBox, Text(kSimulationSeedSwitch)}, {kSeed, kIntegerField, Text(kSimulationSeed)}},
+           {{kTruncate, kCheckBox, Text(kSimulationTruncate)}}}},
+         {Text(kSimulationMethodGroup),
+          {{{kMonteCarlo, kRadioButton, Text(kMethodMonteCarlo)}},
+           {{kLatinHypercube, kRadioButton, Text(kMethodLatinHypercube)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& SimulationResultsTemplate() {
+  static const DialogTemplate result{25988, Text(kSimulationResultsTitle), {OkAndCancel(kSimulationSummary)}, {}};
+  return result;
+}
+
+}  // namespace brenvolt::sra

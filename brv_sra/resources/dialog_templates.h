@@ -1,0 +1,70 @@
+// The module's dialogs as data, by template number, with the numbers of their controls.
+#pragma once
+
+#include <cstdint>
+
+#include "host/controls/dialog_template.h"
+
+namespace brenvolt::sra {
+
+const DialogTemplate& DefineTaskTemplate();           // 25980
+const DialogTemplate& FitDistributionTemplate();      // 25974
+const DialogTemplate& FitResultsTemplate();           // 25983
+const DialogTemplate& SimulationTemplate();           // 25991
+const DialogTemplate& SimulationResultsTemplate();    // 25988
+
+namespace define_task {
+inline constexpr std::int32_t kFitDistribution = 1004;
+inline constexpr std::int32_t kRunSimulation = 1005;
+inline constexpr std::int32_t kTaskList = 1006;
+inline constexpr std::int32_t kDesignSimulation = 1180;
+inline constexpr std::int32_t kProfiler = 1220;
+inline constexpr std::int32_t kAutoProfiler = 1254;
+}  // namespace define_task
+
+namespace fit_dialog {
+inline constexpr std::int32_t kVariables = 1010;
+inline constexpr std::int32_t kContinuousList = 1011;
+inline constexpr std::int32_t kDiscreteList = 1012;
+inline constexpr std::int32_t kPairwise = 1013;
+inline constexpr std::int32_t kCasewise = 1014;
+inline constexpr std::int32_t kContinuousVariable = 1020;
+inline constexpr std::int32_t kContinuousPrevious = 1021;
+inline constexpr std::int32_t kContinuousNext = 1022;
+inline constexpr std::int32_t kContinuousSelectAll = 1023;
+inline constexpr std::int32_t kContinuousClearAll = 1024;
+inline constexpr std::int32_t kContinuousToggle = 1025;
+inline constexpr std::int32_t kNormal = 1030;
+inline constexpr std::int32_t kLogNormal = 1031;
+inline constexpr std::int32_t kWeibull = 1035;
+inline constexpr std::int32_t kLogNormalOffset = 1051;
+inline constexpr std::int32_t kWeibullOffset = 1055;
+inline constexpr std::int32_t kDiscreteVariable = 1070;
+inline constexpr std::int32_t kDiscretePrevious = 1071;
+inline constexpr std::int32_t kDiscreteNext = 1072;
+inline constexpr std::int32_t kDiscreteSelectAll = 1073;
+inline constexpr std::int32_t kDiscreteClearAll = 1074;
+inline constexpr std::int32_t kDiscreteToggle = 1075;
+inline constexpr std::int32_t kPoisson = 1081;
+}  // namespace fit_dialog
+
+namespace fit_results {
+inline constexpr std::int32_t kVariable = 1100;
+inline constexpr std::int32_t kDistribution = 1101;
+inline constexpr std::int32_t kSummaryStatistics = 1102;
+inline constexpr std::int32_t kDistributionSummary = 1103;
+inline constexpr std::int32_t kSaveFit = 1104;
+}  // namespace fit_results
+
+namespace simulation_dialog {
+inline constexpr std::int32_t kVariables = 1120;
+inline constexpr std::int32_t kVariableList = 1121;
+inline constexpr std::int32_t kMonteCarlo = 1122;
+inline constexpr std::int32_t kLatinHypercube = 1123;
+inline constexpr std::int32_t kNumberOfSamples = 1127;
+inline constexpr std::int32_t kSeedSwitch = 1128;
+inline constexpr std::int32_t kSeed = 1129;
+inline constexpr std::int32_t kTruncate = 1130;
+}  // namespace simulation_dialog
+
+}  // namespace brenvolt::sra

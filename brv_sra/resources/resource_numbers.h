@@ -1,0 +1,427 @@
+// The numbers of the module's texts, by name. Numbers up to 10300 are fixed: macros, help and translations
+// know them. Texts that have no fixed number take one from 20000 upward, a block for each dialog.
+//
+// Prefixes: Msg a message of a message box; Heading a column of a table; Label a caption beside a field;
+// Title a title of a window, table or graph; Word and Lower a word to be put into a message; Name a display
+// name; Method a simulation method; Progress a text of a progress bar. In the blocks from 20200 the dialog's
+// own name comes first.
+#pragma once
+
+#include <cstdint>
+
+namespace brenvolt::sra {
+
+// Commands of the start-up dialog: the text of a command bears the command's number.
+inline constexpr std::int32_t kCommandFitDistribution = 1004;
+inline constexpr std::int32_t kCommandRunSimulation = 1005;
+inline constexpr std::int32_t kCommandDesignSimulation = 1180;
+inline constexpr std::int32_t kCommandProfiler = 1220;
+inline constexpr std::int32_t kCommandAutoProfiler = 1254;
+
+// The analysis, its caption, and the faults that any dialog can meet.
+inline constexpr std::int32_t kAnalysisName = 10000;
+inline constexpr std::int32_t kMsgInvalidInputOffsets = 10004;
+inline constexpr std::int32_t kMsgInsufficientMemory = 10008;
+inline constexpr std::int32_t kMsgTooFewVariables = 10009;
+inline constexpr std::int32_t kProductName = 10010;
+inline constexpr std::int32_t kMsgInvalidOffsets = 10011;
+inline constexpr std::int32_t kMsgWeightsNotIntegers = 10012;
+inline constexpr std::int32_t kMsgDatasetTooLarge = 10013;
+inline constexpr std::int32_t kOffsetCaption = 10034;
+inline constexpr std::int32_t kOffsetNote = 10035;
+
+// Display names of the distribution types, in code order; they are also keys of variable properties.
+inline constexpr std::int32_t kNameNormal = 10036;
+inline constexpr std::int32_t kNameLogNormal = 10037;
+inline constexpr std::int32_t kNameFoldedNormal = 10038;
+inline constexpr std::int32_t kNameHalfNormal = 10039;
+inline constexpr std::int32_t kNameRayleigh = 10040;
+inline constexpr std::int32_t kNameWeibull = 10041;
+inline constexpr std::int32_t kNameGaussianMixture = 10042;
+inline constexpr std::int32_t kNameJohnson = 10043;
+inline constexpr std::int32_t kNameGeneralExtremeValue = 10044;
+inline constexpr std::int32_t kNameGeneralPareto = 10045;
+inline constexpr std::int32_t kNameTriangular = 10046;
+inline constexpr std::int32_t kNameBinomial = 10047;
+inline constexpr std::int32_t kNamePoisson = 10048;
+inline constexpr std::int32_t kNameGeometric = 10049;
+inline constexpr std::int32_t kNameBernoulli = 10050;
+inline constexpr std::int32_t kNameHistogram = 10051;
+
+// Column headings of parameters, and messages of the fit specification and the simulation.
+inline constexpr std::int32_t kHeadingLocation = 10061;
+inline constexpr std::int32_t kHeadingScale = 10062;
+inline constexpr std::int32_t kHeadingShape = 10063;
+inline constexpr std::int32_t kHeadingMin = 10064;
+inline constexpr std::int32_t kHeadingMax = 10065;
+inline constexpr std::int32_t kHeadingMode = 10066;
+inline constexpr std::int32_t kMsgInvalidNumberOfSamples = 10068;
+inline constexpr std::int32_t kMsgInvalidTrialsInSimulation = 10069;
+inline constexpr std::int32_t kMsgInvalidSeed = 10071;
+inline constexpr std::int32_t kMsgNoDistributionSelected = 10072;
+inline constexpr std::int32_t kTitleCumulativeHistogramOf = 10073;
+inline constexpr std::int32_t kTitleHistogramOf = 10075;
+inline constexpr std::int32_t kMsgInvalidMixtureCountReverted = 10083;
+inline constexpr std::int32_t kHeadingParamsDescription = 10084;
+inline constexpr std::int32_t kGaussianMixtureLayoutNote = 10085;
+inline constexpr std::int32_t kLowerLocation = 10086;
+inline constexpr std::int32_t kLowerScale = 10087;
+inline constexpr std::int32_t kLowerShape = 10088;
+inline constexpr std::int32_t kTriangularLayoutNote = 10089;
+inline constexpr std::int32_t kAnalysisTitle = 10093;
+
+// The editors of user-defined types, edit labels, and the words that name a parameter inside messages.
+inline constexpr std::int32_t kTitleCustomGaussianMixture = 10098;
+inline constexpr std::int32_t kTableGaussianMixtureParameters = 10099;
+inline constexpr std::int32_t kHeadingMixingCoefficient = 10100;
+inline constexpr std::int32_t kHeadingMixtureMean = 10101;
+inline constexpr std::int32_t kHeadingStandardDeviation = 10102;
+inline constexpr std::int32_t kLabelMinimum = 10103;
+inline constexpr std::int32_t kLabelMaximum = 10104;
+inline constexpr std::int32_t kLabelMode = 10105;
+inline constexpr std::int32_t kLabelScale = 10106;
+inline constexpr std::int32_t kLabelShape = 10107;
+inline constexpr std::int32_t kLabelLocation = 10108;
+inline constexpr std::int32_t kLabelShape1 = 10109;
+inline constexpr std::int32_t kLabelShape2 = 10110;
+inline constexpr std::int32_t kTitleCustomHistogram = 10120;
+inline constexpr std::int32_t kTableHistogramParameters = 10121;
+inline constexpr std::int32_t kHeadingCode = 10122;
+inline constexpr std::int32_t kHeadingClassProportion = 10123;
+inline constexpr std::int32_t kMsgInvalidParameter = 10124;
+inline constexpr std::int32_t kWordMinimumOrMode = 10125;
+inline constexpr std::int32_t kWordModeOrMaximum = 10126;
+inline constexpr std::int32_t kWordProportion = 10127;
+inline constexpr std::int32_t kWordMean = 10128;
+inline constexpr std::int32_t kWordTrials = 10129;
+inline constexpr std::int32_t kWordCodeOrProportion = 10130;
+inline constexpr std::int32_t kMsgProportionRange = 10131;
+inline constexpr std::int32_t kLabelProportion = 10149;
+inline constexpr std::int32_t kLabelTrials = 10150;
+inline constexpr std::int32_t kLabelMean = 10151;
+inline constexpr std::int32_t kWordStandardDeviation = 10152;
+inline constexpr std::int32_t kWordMixingCoefficient = 10153;
+inline constexpr std::int32_t kWordShape2 = 10154;
+inline constexpr std::int32_t kWordScale = 10156;
+inline constexpr std::int32_t kMsgInvalidTrialsOfVariable = 10159;
+inline constexpr std::int32_t kLabelJohnsonType = 10160;
+inline constexpr std::int32_t kLabelJohnsonGamma = 10161;
+inline constexpr std::int32_t kLabelJohnsonDelta = 10162;
+inline constexpr std::int32_t kLabelJohnsonLambda = 10163;
+inline constexpr std::int32_t kLabelJohnsonXi = 10164;
+inline constexpr std::int32_t kLabelJohnsonScale = 10165;
+
+// Simulation methods and output, headings of result tables, and the Johnson family.
+inline constexpr std::int32_t kMethodMonteCarlo = 10166;
+inline constexpr std::int32_t kMethodLatinHypercube = 10167;
+inline constexpr std::int32_t kMethodImanConover = 10168;
+inline constexpr std::int32_t kMethodLatinHypercubeImanConover = 10169;
+inline constexpr std::int32_t kHeadingSample = 10170;
+inline constexpr std::int32_t kHeadingTrials = 10171;
+inline constexpr std::int32_t kHeadingProportion = 10172;
+inline constexpr std::int32_t kHeadingPoissonMean = 10173;
+inline constexpr std::int32_t kLowerMin = 10174;
+inline constexpr std::int32_t kLowerMax = 10175;
+inline constexpr std::int32_t kLowerMode = 10176;
+inline constexpr std::int32_t kTitleRankedByKolmogorovSmirnov = 10178;
+inline constexpr std::int32_t kTitleRankedByChiSquare = 10179;
+inline constexpr std::int32_t kTitleRankedByAndersonDarling = 10180;
+inline constexpr std::int32_t kNameJohnsonSL = 10181;
+inline constexpr std::int32_t kNameJohnsonSU = 10182;
+inline constexpr std::int32_t kNameJohnsonSB = 10183;
+inline constexpr std::int32_t kNameJohnsonSN = 10184;
+inline constexpr std::int32_t kHeadingGamma = 10185;
+inline constexpr std::int32_t kHeadingDelta = 10186;
+inline constexpr std::int32_t kHeadingXi = 10187;
+inline constexpr std::int32_t kHeadingLambda = 10188;
+inline constexpr std::int32_t kHeadingJohnsonType = 10189;
+inline constexpr std::int32_t kMsgTextVariablesSelected = 10207;
+inline constexpr std::int32_t kKeyProportion = 10208;
+inline constexpr std::int32_t kKeyNumberOfTrials = 10209;
+inline constexpr std::int32_t kKeyMean = 10210;
+inline constexpr std::int32_t kMsgSimulationFailedDistributions = 10214;
+inline constexpr std::int32_t kMsgInvalidTotalProportion = 10219;
+inline constexpr std::int32_t kMsgTooManySamples = 10220;
+inline constexpr std::int32_t kMsgNoValidFits = 10221;
+
+// The untranslated keys that hold a blank.
+inline constexpr std::int32_t kSpacedKeyLogNormal = 10238;
+inline constexpr std::int32_t kSpacedKeyFoldedNormal = 10239;
+inline constexpr std::int32_t kSpacedKeyHalfNormal = 10240;
+inline constexpr std::int32_t kSpacedKeyGaussianMixture = 10241;
+inline constexpr std::int32_t kSpacedKeyGeneralExtremeValue = 10242;
+inline constexpr std::int32_t kSpacedKeyGeneralPareto = 10243;
+
+// Progress, and the checks of variable properties and of the fit.
+inline constexpr std::int32_t kProgressAutoUpdating = 10244;
+inline constexpr std::int32_t kProgressPreparingResults = 10245;
+inline constexpr std::int32_t kMsgVariableNotFitted = 10246;
+inline constexpr std::int32_t kProgressContinuousVariables = 10249;
+inline constexpr std::int32_t kProgressDiscreteVariables = 10250;
+inline constexpr std::int32_t kMsgPropertyValueMissing = 10251;
+inline constexpr std::int32_t kMsgOrderCountMismatch = 10252;
+inline constexpr std::int32_t kMsgPropertyMissing = 10253;
+inline constexpr std::int32_t kMsgInvalidTruncationProperty = 10254;
+inline constexpr std::int32_t kMsgInvalidOrderProperty = 10255;
+inline constexpr std::int32_t kMsgInvalidPropertyValues = 10256;
+inline constexpr std::int32_t kMsgInputIsMatrixFile = 10260;
+inline constexpr std::int32_t kMsgStoredProportionInvalid = 10268;
+inline constexpr std::int32_t kMsgStoredMeanInvalid = 10269;
+inline constexpr std::int32_t kMsgStoredTrialsInvalid = 10270;
+inline constexpr std::int32_t kMsgStoredLocationInvalid = 10271;
+inline constexpr std::int32_t kMsgStoredScaleInvalid = 10272;
+inline constexpr std::int32_t kMsgStoredShapeInvalid = 10273;
+inline constexpr std::int32_t kMsgStoredOffsetInvalid = 10274;
+inline constexpr std::int32_t kMsgInvalidMixtureCount = 10278;
+inline constexpr std::int32_t kMsgNoValidVariables = 10281;
+inline constexpr std::int32_t kMsgInvalidDistributionString = 10292;
+
+// Compact untranslated keys, in code order.
+inline constexpr std::int32_t kCompactKeyNormal = 20000;
+inline constexpr std::int32_t kCompactKeyLogNormal = 20001;
+inline constexpr std::int32_t kCompactKeyFoldedNormal = 20002;
+inline constexpr std::int32_t kCompactKeyHalfNormal = 20003;
+inline constexpr std::int32_t kCompactKeyRayleigh = 20004;
+inline constexpr std::int32_t kCompactKeyWeibull = 20005;
+inline constexpr std::int32_t kCompactKeyGaussianMixture = 20006;
+inline constexpr std::int32_t kCompactKeyJohnson = 20007;
+inline constexpr std::int32_t kCompactKeyGeneralExtremeValue = 20008;
+inline constexpr std::int32_t kCompactKeyGeneralPareto = 20009;
+inline constexpr std::int32_t kCompactKeyTriangular = 20010;
+inline constexpr std::int32_t kCompactKeyBinomial = 20011;
+inline constexpr std::int32_t kCompactKeyPoisson = 20012;
+inline constexpr std::int32_t kCompactKeyGeometric = 20013;
+inline constexpr std::int32_t kCompactKeyBernoulli = 20014;
+inline constexpr std::int32_t kCompactKeyHistogram = 20015;
+
+// Automation: how a fault inside a call is described, and the log line of a crash report. The two texts with
+// a code
+// ("%d", "%0lX") take a number.
+inline constexpr std::int32_t kAutomationExceptionPrefix = 20100;
+inline constexpr std::int32_t kAutomationExceptionSuffix = 20101;
+inline constexpr std::int32_t kAutomationUnexpectedError = 20102;
+inline constexpr std::int32_t kAutomationDispatchError = 20103;
+inline constexpr std::int32_t kAutomationUnknownError = 20104;
+inline constexpr std::int32_t kLogDumpGenerated = 20105;
+
+// The fit specification dialog.
+inline constexpr std::int32_t kFitTitle = 20200;
+inline constexpr std::int32_t kFitTabQuick = 20201;
+inline constexpr std::int32_t kFitTabContinuous = 20202;
+inline constexpr std::int32_t kFitTabDiscrete = 20203;
+inline constexpr std::int32_t kFitButtonOk = 20204;
+inline constexpr std::int32_t kFitButtonCancel = 20205;
+inline constexpr std::int32_t kFitButtonOptions = 20206;
+inline constexpr std::int32_t kFitButtonOpenData = 20207;
+inline constexpr std::int32_t kFitButtonVariables = 20208;
+inline constexpr std::int32_t kFitButtonPrevious = 20209;
+inline constexpr std::int32_t kFitButtonNext = 20210;
+inline constexpr std::int32_t kFitButtonSelectAll = 20211;
+inline constexpr std::int32_t kFitButtonClearAll = 20212;
+inline constexpr std::int32_t kFitButtonToggle = 20213;
+inline constexpr std::int32_t kFitGroupMissingData = 20214;
+inline constexpr std::int32_t kFitRadioPairwise = 20215;
+inline constexpr std::int32_t kFitRadioCasewise = 20216;
+inline constexpr std::int32_t kFitListContinuous = 20217;
+inline constexpr std::int32_t kFitListDiscrete = 20218;
+inline constexpr std::int32_t kFitListEmpty = 20219;
+inline constexpr std::int32_t kFitSelectVariables = 20220;
+inline constexpr std::int32_t kFitSelectContinuous = 20221;
+inline constexpr std::int32_t kFitSelectDiscrete = 20222;
+inline constexpr std::int32_t kFitCheckNormal = 20223;
+inline constexpr std::int32_t kFitCheckLogNormal = 20224;
+inline constexpr std::int32_t kFitCheckFoldedNormal = 20225;
+inline constexpr std::int32_t kFitCheckHalfNormal = 20226;
+inline constexpr std::int32_t kFitCheckRayleigh = 20227;
+inline constexpr std::int32_t kFitCheckWeibull = 20228;
+inline constexpr std::int32_t kFitCheckGaussianMixture = 20229;
+inline constexpr std::int32_t kFitCheckJohnson = 20230;
+inline constexpr std::int32_t kFitCheckJohnsonPercentile = 20231;
+inline constexpr std::int32_t kFitCheckGeneralExtremeValue = 20232;
+inline constexpr std::int32_t kFitCheckGeneralPareto = 20233;
+inline constexpr std::int32_t kFitCheckTriangular = 20234;
+inline constexpr std::int32_t kFitLabelMixtures = 20235;
+inline constexpr std::int32_t kFitCheckBinomial = 20236;
+inline constexpr std::int32_t kFitCheckPoisson = 20237;
+inline constexpr std::int32_t kFitCheckGeometric = 20238;
+inline constexpr std::int32_t kFitCheckBernoulli = 20239;
+inline constexpr std::int32_t kFitCheckHistogram = 20240;
+inline constexpr std::int32_t kFitLabelTrials = 20241;
+inline constexpr std::int32_t kFitListSentenceEnd = 20242;
+
+// The options of the fit specification.
+inline constexpr std::int32_t kFitOptionsGroupRankBy = 20250;
+inline constexpr std::int32_t kFitOptionsContinuous = 20251;
+inline constexpr std::int32_t kFitOptionsDiscrete = 20252;
+inline constexpr std::int32_t kFitOptionsKolmogorovSmirnov = 20253;
+inline constexpr std::int32_t kFitOptionsChiSquare = 20254;
+inline constexpr std::int32_t kFitOptionsAndersonDarling = 20255;
+inline constexpr std::int32_t kFitOptionsGroupBinning = 20256;
+inline constexpr std::int32_t kFitOptionsEqualProbabilities = 20257;
+inline constexpr std::int32_t kFitOptionsEqualIntervals = 20258;
+
+// Columns of the fit results, and the faults of the goodness-of-fit computation.
+inline constexpr std::int32_t kHeadingChiSquare = 20270;
+inline constexpr std::int32_t kHeadingChiSquarePValue = 20271;
+inline constexpr std::int32_t kHeadingChiSquareDegrees = 20272;
+inline constexpr std::int32_t kHeadingAndersonDarling = 20273;
+inline constexpr std::int32_t kHeadingAndersonDarlingPValue = 20274;
+inline constexpr std::int32_t kMsgAndersonDarlingNoValues = 20275;
+inline constexpr std::int32_t kMsgAndersonDarlingCdfNoValues = 20276;
+
+// The correlation matrix file.
+inline constexpr std::int32_t kMatrixTitle = 20300;
+inline constexpr std::int32_t kMatrixRowMeans = 20301;
+inline constexpr std::int32_t kMatrixRowStandardDeviations = 20302;
+inline constexpr std::int32_t kMatrixRowCases = 20303;
+inline constexpr std::int32_t kMatrixRowType = 20304;
+inline constexpr std::int32_t kMsgMatrixCreateQuestion = 20305;
+inline constexpr std::int32_t kMsgMatrixWrongType = 20306;
+inline constexpr std::int32_t kMsgMatrixCases = 20307;
+inline constexpr std::int32_t kMsgMatrixInvalid = 20308;
+inline constexpr std::int32_t kMsgMatrixMean = 20309;
+inline constexpr std::int32_t kMsgMatrixReadCancelled = 20310;
+inline constexpr std::int32_t kMsgMatrixMeansDeselected = 20311;
+inline constexpr std::int32_t kMsgMatrixStandardDeviation = 20312;
+inline constexpr std::int32_t kMsgMatrixDeviationsDeselected = 20313;
+inline constexpr std::int32_t kMsgMatrixValidCases = 20314;
+
+// The simulation, its design and its sampling.
+inline constexpr std::int32_t kMethodNormalToAnything = 20400;
+inline constexpr std::int32_t kProgressComputing = 20401;
+inline constexpr std::int32_t kMsgSimulationFailedMatrix = 20402;
+inline constexpr std::int32_t kSimulationCaseName = 20403;
+inline constexpr std::int32_t kDesignTruncationMinimum = 20404;
+inline constexpr std::int32_t kDesignTruncationMaximum = 20405;
+
+// The profiler: instructions and commands.
+inline constexpr std::int32_t kProfilerTitle = 20500;
+inline constexpr std::int32_t kProfilerInstructionsDistributions = 20501;
+inline constexpr std::int32_t kProfilerInstructionsSimulate = 20502;
+inline constexpr std::int32_t kProfilerInstructionsDefects = 20503;
+inline constexpr std::int32_t kProfilerTabProfiler = 20504;
+inline constexpr std::int32_t kProfilerTabOutput = 20505;
+inline constexpr std::int32_t kProfilerButtonSimulate = 20506;
+inline constexpr std::int32_t kProfilerButtonDefects = 20507;
+inline constexpr std::int32_t kProfilerButtonLoadModels = 20508;
+inline constexpr std::int32_t kProfilerButtonOptions = 20509;
+inline constexpr std::int32_t kProfilerCheckSeed = 20510;
+inline constexpr std::int32_t kProfilerCheckAutoUpdate = 20511;
+
+// The profiler: page of predictor distributions.
+inline constexpr std::int32_t kProfilerListPredictors = 20520;
+inline constexpr std::int32_t kProfilerListDistributions = 20521;
+inline constexpr std::int32_t kProfilerListSelected = 20522;
+inline constexpr std::int32_t kProfilerLabelMin = 20523;
+inline constexpr std::int32_t kProfilerLabelMax = 20524;
+inline constexpr std::int32_t kProfilerGroupMixture = 20525;
+inline constexpr std::int32_t kProfilerGroupHistogram = 20526;
+inline constexpr std::int32_t kProfilerLabelValue = 20527;
+inline constexpr std::int32_t kProfilerLabelOffset = 20528;
+inline constexpr std::int32_t kProfilerLabelMixtures = 20529;
+inline constexpr std::int32_t kProfilerLabelLevels = 20530;
+inline constexpr std::int32_t kProfilerButtonAdd = 20531;
+inline constexpr std::int32_t kProfilerCheckCorrelations = 20532;
+inline constexpr std::int32_t kProfilerButtonEditCorrelation = 20533;
+inline constexpr std::int32_t kProfilerButtonFitBest = 20534;
+inline constexpr std::int32_t kProfilerFixed = 20535;
+inline constexpr std::int32_t kProfilerFixedValue = 20536;
+
+// The profiler: page of output and specifications.
+inline constexpr std::int32_t kProfilerGroupSpecs = 20540;
+inline constexpr std::int32_t kProfilerLabelRuns = 20541;
+inline constexpr std::int32_t kProfilerLabelEditSpec = 20542;
+inline constexpr std::int32_t kProfilerNoNoise = 20543;
+inline constexpr std::int32_t kProfilerRandomNoise = 20544;
+inline constexpr std::int32_t kProfilerMultivariateNoise = 20545;
+inline constexpr std::int32_t kProfilerLabelStandardDeviation = 20546;
+inline constexpr std::int32_t kProfilerButtonEditCorrelationY = 20547;
+inline constexpr std::int32_t kProfilerLabelModel = 20548;
+inline constexpr std::int32_t kProfilerNoModel = 20549;
+inline constexpr std::int32_t kProfilerLabelLsl = 20550;
+inline constexpr std::int32_t kProfilerLabelUsl = 20551;
+inline constexpr std::int32_t kProfilerLabelTarget = 20552;
+inline constexpr std::int32_t kProfilerButtonCapability = 20553;
+inline constexpr std::int32_t kProfilerButtonSummaryStats = 20554;
+inline constexpr std::int32_t kProfilerButtonSummaryGraph = 20555;
+inline constexpr std::int32_t kProfilerLabelFormula = 20556;
+inline constexpr std::int32_t kProfilerButtonSetFormula = 20557;
+inline constexpr std::int32_t kProfilerButtonUndoFormula = 20558;
+inline constexpr std::int32_t kProfilerOpenModelsTitle = 20559;
+inline constexpr std::int32_t kProfilerOpenModelsFilter = 20560;
+inline constexpr std::int32_t kProfilerOpenModelsExtension = 20561;
+
+// The profiler: messages and captions of message boxes.
+inline constexpr std::int32_t kMsgProfilerFileNames = 20570;
+inline constexpr std::int32_t kMsgProfilerMinimumMaximum = 20571;
+inline constexpr std::int32_t kMsgProfilerRunsReset = 20572;
+inline constexpr std::int32_t kMsgProfilerNoRandomPredictor = 20573;
+inline constexpr std::int32_t kMsgProfilerCheckFormula = 20574;
+inline constexpr std::int32_t kMsgProfilerInvalidSpec = 20575;
+inline constexpr std::int32_t kMsgProfilerCorrelationFailed = 20576;
+inline constexpr std::int32_t kCaptionBasicStatsError = 20577;
+inline constexpr std::int32_t kCaptionCorrelationsError = 20578;
+inline constexpr std::int32_t kCaptionRangeError = 20579;
+inline constexpr std::int32_t kCaptionProcessCapabilityError = 20580;
+inline constexpr std::int32_t kCaptionSummaryStatsError = 20581;
+inline constexpr std::int32_t kCaptionSummaryGraphError = 20582;
+inline constexpr std::int32_t kCaptionSimulationError = 20583;
+inline constexpr std::int32_t kMsgProfilerSingularNoise = 20584;
+inline constexpr std::int32_t kMsgProfilerTooManyGraphs = 20585;
+inline constexpr std::int32_t kMsgProfilerGraphFailed = 20586;
+inline constexpr std::int32_t kMsgProfilerEntriesReset = 20587;
+inline constexpr std::int32_t kMsgProfilerInvalidCorrelation = 20588;
+inline constexpr std::int32_t kMsgDefectProfileFailed = 20589;
+
+// The profiler: titles and headings of its results.
+inline constexpr std::int32_t kProfilerResultsTitle = 20600;
+inline constexpr std::int32_t kProfilerProfilesTitle = 20601;
+inline constexpr std::int32_t kProfilerCorrelationTitle = 20602;
+inline constexpr std::int32_t kProfilerCorrelationYTitle = 20603;
+inline constexpr std::int32_t kProfilerCorrelationNote = 20604;
+inline constexpr std::int32_t kDefectTitle = 20605;
+inline constexpr std::int32_t kDefectHeadingResponse = 20606;
+inline constexpr std::int32_t kDefectHeadingRate = 20607;
+inline constexpr std::int32_t kDefectHeadingPpm = 20608;
+inline constexpr std::int32_t kDefectRowOverall = 20609;
+inline constexpr std::int32_t kDefectGraphExpression = 20610;
+
+// The profiler: help texts of its automation members.
+inline constexpr std::int32_t kHelpProfiler = 20630;
+inline constexpr std::int32_t kHelpAutoProfiler = 20631;
+inline constexpr std::int32_t kHelpInputCorrMatrix = 20632;
+inline constexpr std::int32_t kHelpLoadModels = 20633;
+inline constexpr std::int32_t kHelpUserDefinedDesignMatrixValuesY = 20634;
+inline constexpr std::int32_t kHelpVariableDistributionParams = 20635;
+inline constexpr std::int32_t kHelpNumberOfSamples = 20636;
+inline constexpr std::int32_t kHelpDependentForResult = 20637;
+inline constexpr std::int32_t kHelpLsl = 20638;
+inline constexpr std::int32_t kHelpUsl = 20639;
+inline constexpr std::int32_t kHelpTarget = 20640;
+inline constexpr std::int32_t kHelpCapabilityStats = 20641;
+inline constexpr std::int32_t kHelpSummaryStats = 20642;
+inline constexpr std::int32_t kHelpSummaryGraph = 20643;
+inline constexpr std::int32_t kHelpAutoUpdateSameSheet = 20644;
+inline constexpr std::int32_t kHelpSimulationResults = 20645;
+inline constexpr std::int32_t kHelpDefectProfile = 20646;
+inline constexpr std::int32_t kHelpStdDevY = 20647;
+
+// The fit results dialog, the simulation dialogs, and messages of the frame.
+inline constexpr std::int32_t kMsgStepNotAvailable = 20700;
+inline constexpr std::int32_t kFitResultsTitle = 20710;
+inline constexpr std::int32_t kFitResultsVariable = 20711;
+inline constexpr std::int32_t kFitResultsDistribution = 20712;
+inline constexpr std::int32_t kFitResultsSummary = 20713;
+inline constexpr std::int32_t kFitResultsDistributionSummary = 20714;
+inline constexpr std::int32_t kFitResultsSave = 20715;
+inline constexpr std::int32_t kSimulationTitle = 20720;
+inline constexpr std::int32_t kSimulationSamples = 20721;
+inline constexpr std::int32_t kSimulationSeedSwitch = 20722;
+inline constexpr std::int32_t kSimulationSeed = 20723;
+inline constexpr std::int32_t kSimulationTruncate = 20724;
+inline constexpr std::int32_t kSimulationMethodGroup = 20725;
+inline constexpr std::int32_t kMsgNoDistributionsInInput = 20726;
+inline constexpr std::int32_t kSimulationResultsTitle = 20730;
+inline constexpr std::int32_t kSimulationSummary = 20731;
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,22 @@
+#include "brv_sra/simulation/simulation_results_dialog.h"
+
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/simulation/simulation_run.h"
+#include "brv_sra/simulation/simulation_state.h"
+
+namespace brenvolt::sra {
+
+// The interface declares no members of its own.
+CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
+    : CSimulationAndRiskModelessDialog(analysis, SimulationResultsTemplate()) {
+  EnableAutomation<CSimulationResults>("SRASimulationResults", "CSimulationResults", {});
+}
+
+bool CSimulationResults::OnOk() {
+  const auto& output = SimulationAndRisk().Simulation().output;
+  if (output == nullptr) return false;
+  Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(SimulationSummary(output->Table())));
+  return true;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,133 @@
+#include "brv_sra/simulation/simulation_run.h"
+
+#include <array>
+#include <new>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/distributions/variable_properties.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/sample_generation.h"
+#include "host/analysis/analysis_memory.h"
+#include "host/base/error.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr std::int64_t kSampleLimit = 2'000'000'000;  // bytes
+constexpr std::size_t kTitleLength = 80;
+constexpr std::size_t kHeaderLength = 12;
+// How many cases are copied between two looks at the clock.
+constexpr std::size_t kProgressStride = 4096;
+
+using Generate = bool (*)(const SimulationDesign&, std::span<double>, CKroProgressBar&);
+
+struct Method {
+  SimulationMethod method;
+  std::int32_t title;
+  Generate generate;
+};
+constexpr std::array<Method, 2> kMethods{{
+    {SimulationMethod::kMonteCarlo, kMethodMonteCarlo, GenerateMonteCarlo},
+    {SimulationMethod::kLatinHypercube, kMethodLatinHypercube, GenerateLatinHypercube},
+}};
+
+const Method* FindMethod(SimulationMethod method) {
+  for (const Method& candidate : kMethods) {
+    if (candidate.method == method) return &candidate;
+  }
+  return nullptr;
+}
+
+std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::span<const double> matrix,
+                                         std::int32_t title, ProgressPort& port) {
+  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
+  const std::size_t variables = design.variables.size();
+  const std::string name(ResourceString(title).substr(0, kTitleLength));
+  auto sheet = std::make_unique<Spreadsheet>(name, samples);
+  sheet->SetTitle(name);
+  sheet->SetHeader(std::string(ResourceString(kHeadingSample).substr(0, kHeaderLength)));
+  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressPreparingResults),
+                                                         static_cast<std::int64_t>(samples * variables + 1));
+  for (std::size_t j = 0; j < variables; ++j) {
+    if (design.IsExcluded(j)) continue;
+    Variable column(design.variables[j].name, samples);
+    const auto cells = column.MutableValues();
+    for (std::size_t i = 0; i < samples; ++i) {
+      if (i % kProgressStride == kProgressStride - 1) progress->Step(kProgressStride);
+      cells[i] = matrix[i * variables + j];
+    }
+    sheet->AddVariable(std::move(column));
+  }
+  std::vector<std::string> names(samples);
+  for (std::size_t i = 0; i < samples; ++i) names[i] = std::to_string(i + 1);
+  sheet->SetCaseNames(std::move(names));
+  return sheet;
+}
+
+}  // namespace
+
+std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet) {
+  std::vector<std::int16_t> numbers;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    if (sheet.VariableAt(i).Property(property_key::kOrder)) numbers.push_back(static_cast<std::int16_t>(i + 1));
+  }
+  return numbers;
+}
+
+SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options) {
+  const SheetPropertyStore store(sheet);
+  const std::vector<int> numbers(options.variables.begin(), options.variables.end());
+  SimulationDesign design;
+  design.numberOfSamples = options.numberOfSamples;
+  design.method = options.method;
+  design.truncate = options.truncate;
+  for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
+    if (variable.ranked.empty()) throw CDispatchException(std::string(ResourceString(kMsgInvalidOrderProperty)));
+    design.variables.push_back(
+        {variable.variableNumber, store.VariableName(variable.variableNumber), variable.ranked.front()});
+  }
+  std::ranges::stable_partition(design.variables, [](const SimulationVariable& variable) {
+    return IsContinuous(variable.specification.code);
+  });
+  return design;
+}
+
+bool FitsSampleLimit(std::size_t variables, std::int64_t samples) {
+  constexpr auto kCells = static_cast<std::int64_t>(kSampleLimit / sizeof(double));
+  return variables == 0 || samples <= kCells / static_cast<std::int64_t>(variables);
+}
+
+std::int32_t MethodTitle(SimulationMethod method) {
+  const Method* found = FindMethod(method);
+  return found != nullptr ? found->title : 0;
+}
+
+SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port) {
+  SimulationRun run;
+  const Method* method = FindMethod(design.method);
+  if (method == nullptr) return run;
+  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
+  const std::size_t variables = design.variables.size();
+  if (samples == 0 || variables == 0 || design.excluded.size() >= variables) {
+    run.status = SimulationStatus::kDistributionFailure;
+    return run;
+  }
+  try {
+    AnalysisArray<double> matrix(samples * variables);
+    SeedRandomStream(seeded, seed);
+    const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
+                                                           static_cast<std::int64_t>(samples * variables + 1));
+    if (method->generate(design, matrix.Span(), *progress)) {
+      run.output = BuildOutput(design, matrix.Span(), method->title, port);
+    } else {
+      run.status = SimulationStatus::kDistributionFailure;
+    }
+  } catch (const std::bad_alloc&) {
+    run.status = SimulationStatus::kMemoryFailure;
+  }
+  return run;
+}
+
+}  // namespace brenvolt::sra

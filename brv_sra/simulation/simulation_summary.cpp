@@ -1,0 +1,59 @@
+// The summary of simulated variables.
+#include <algorithm>
+#include <array>
+
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/simulation_run.h"
+#include "host/statistics/moments.h"
+#include "host/statistics/percentiles.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr std::array<int, 9> kPercents{1, 5, 10, 25, 50, 75, 90, 95, 99};
+constexpr std::array<std::string_view, 7> kMomentNames{"Valid N",  "Mean",    "Std.Dev.", "Skewness",
+                                                       "Kurtosis", "Minimum", "Maximum"};
+
+std::vector<double> SummaryOf(const Variable& variable) {
+  MomentAccumulator accumulator;
+  std::vector<double> valid;
+  valid.reserve(variable.Size());
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    if (variable.IsMissing(i)) continue;
+    accumulator.Add(variable.Values()[i], 1);
+    valid.push_back(variable.Values()[i]);
+  }
+  std::ranges::sort(valid);
+  const Moments moments = accumulator.Finish();
+  std::vector<double> summary{static_cast<double>(moments.count), moments.mean,    moments.standardDeviation,
+                              moments.skewness,                   moments.kurtosis, moments.minimum,
+                              moments.maximum};
+  for (const int percent : kPercents) summary.push_back(Percentile(valid, percent));
+  return summary;
+}
+
+}  // namespace
+
+std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output) {
+  std::vector<std::string> columns(kMomentNames.begin(), kMomentNames.end());
+  for (const int percent : kPercents) columns.push_back("P" + std::to_string(percent));
+  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), output.VariableCount());
+  sheet->SetTitle(output.Title());
+  std::vector<std::string> names;
+  std::vector<std::vector<double>> rows;
+  for (std::size_t i = 0; i < output.VariableCount(); ++i) {
+    names.push_back(output.VariableAt(i).Name());
+    rows.push_back(SummaryOf(output.VariableAt(i)));
+  }
+  for (std::size_t c = 0; c < columns.size(); ++c) {
+    Variable column(columns[c], rows.size());
+    const auto cells = column.MutableValues();
+    for (std::size_t i = 0; i < rows.size(); ++i) cells[i] = IsNotSet(rows[i][c]) ? GetDefaultMDValue() : rows[i][c];
+    sheet->AddVariable(std::move(column));
+  }
+  sheet->SetCaseNames(std::move(names));
+  return sheet;
+}
+
+}  // namespace brenvolt::sra

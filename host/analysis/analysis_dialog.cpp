@@ -1,0 +1,63 @@
+#include "host/analysis/analysis_dialog.h"
+
+#include "host/base/error.h"
+
+namespace brenvolt {
+
+CAnalysisDialog::CAnalysisDialog(CAnalysisSupport& analysis, const DialogTemplate& source)
+    : analysis_(analysis), template_(source), controls_(source) {}
+
+CAnalysisDialog::~CAnalysisDialog() = default;
+
+bool CAnalysisDialog::Takes(std::int32_t number) const {
+  const ControlState& control = controls_.At(number);
+  return control.enabled && control.visible;
+}
+
+bool CAnalysisDialog::Press(std::int32_t number) {
+  if (!Takes(number)) return false;
+  CAnalysisSupport& analysis = analysis_;
+  const bool taken = OnCommand(number);
+  analysis.CompleteTransition();
+  return taken;
+}
+
+bool CAnalysisDialog::OnCommand(std::int32_t number) {
+  if (number == kControlOk) return OnOk();
+  if (number == kControlCancel) GoBack();
+  return number == kControlCancel;
+}
+
+bool CAnalysisDialog::Check(std::int32_t number, bool checked) {
+  if (!Takes(number)) return false;
+  controls_.SetChecked(number, checked);
+  OnControlChanged(number);
+  return true;
+}
+
+bool CAnalysisDialog::Select(std::int32_t number, int index) {
+  if (!Takes(number) || !controls_.Select(number, index)) return false;
+  OnControlChanged(number);
+  return true;
+}
+
+bool CAnalysisDialog::Enter(std::int32_t number, const std::string& text) {
+  if (!Takes(number)) return false;
+  controls_.SetText(number, text);
+  OnControlChanged(number);
+  return true;
+}
+
+bool CAnalysisModelessDialog::CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog) {
+  try {
+    dialog->OnInitDialog();
+  } catch (const Error& error) {
+    dialog->Analysis().ShowMessage(error.what());
+    return false;
+  }
+  CAnalysisSupport& analysis = dialog->Analysis();
+  analysis.SetCurrentDialog(std::move(dialog));
+  return true;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,73 @@
+// The base of an analysis's dialogs: controls by number, commands, and the end of the dialog by a step of the
+// sequence. What a person does with a mouse and what automation does are the same operations.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "host/analysis/analysis_support.h"
+#include "host/controls/control_set.h"
+
+namespace brenvolt {
+
+class CAnalysisDialog {
+ public:
+  CAnalysisDialog(CAnalysisSupport& analysis, const DialogTemplate& source);
+  virtual ~CAnalysisDialog();
+  CAnalysisDialog(const CAnalysisDialog&) = delete;
+  CAnalysisDialog& operator=(const CAnalysisDialog&) = delete;
+
+  const DialogTemplate& Template() const { return template_; }
+  ControlSet& Controls() { return controls_; }
+  const ControlSet& Controls() const { return controls_; }
+  CAnalysisSupport& Analysis() const { return analysis_; }
+  Spreadsheet* GetInputTable() const { return analysis_.InputTable(); }
+
+  // The dialog's automation object; the base has none.
+  virtual std::shared_ptr<AutomationObject> AutomationInterface() { return nullptr; }
+
+  // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a control
+  // that is disabled or hidden refuses. After Press the dialog may no longer exist.
+  bool Press(std::int32_t number);
+  bool Check(std::int32_t number, bool checked);
+  bool Select(std::int32_t number, int index);
+  bool Enter(std::int32_t number, const std::string& text);
+
+  // A text of the module by number.
+  std::string szLoadResString(std::int32_t number) const { return analysis_.GetResourceString(number); }
+
+ protected:
+  // Called once, before the dialog is shown.
+  virtual void OnInitDialog() {}
+  // A button was pressed (OK and Cancel included). False refuses.
+  virtual bool OnCommand(std::int32_t number);
+  // OK: true when the dialog's checks passed and the work is done.
+  virtual bool OnOk() { return true; }
+  // A check box, radio button, list or field has its new state.
+  virtual void OnControlChanged(std::int32_t /*number*/) {}
+
+  void GoToStep(std::int32_t step) { analysis_.RequestStep(step); }
+  void GoBack() { analysis_.RequestReturn(); }
+  MessageAnswer ShowMessage(std::int32_t resource) const { return analysis_.ShowMessage(szLoadResString(resource)); }
+
+ private:
+  bool Takes(std::int32_t number) const;
+
+  CAnalysisSupport& analysis_;
+  const DialogTemplate& template_;
+  ControlSet controls_;
+};
+
+// A dialog of the sequence.
+class CAnalysisModelessDialog : public CAnalysisDialog {
+ public:
+  using CAnalysisDialog::CAnalysisDialog;
+
+  // Initialises the dialog and makes it the analysis's open one. False, and no dialog is open that was not before,
+  // when the initialisation failed.
+  static bool CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog);
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,79 @@
+#include "host/analysis/dialog_automation.h"
+
+#include <array>
+
+#include "host/base/error.h"
+
+namespace brenvolt {
+namespace {
+
+struct CommonMember {
+  std::string_view name;
+  DispatchId id;
+};
+constexpr std::array<CommonMember, 3> kCommonMembers{
+    {{"Name", common_member::kName}, {"OK", common_member::kOk}, {"Cancel", common_member::kCancel}}};
+
+std::string_view Prefix(CallKind kind) {
+  switch (kind) {
+    case CallKind::kGet:
+      return "get_";
+    case CallKind::kPut:
+      return "put_";
+    case CallKind::kMethod:
+      break;
+  }
+  return "";
+}
+
+}  // namespace
+
+DialogAutomationBase::DialogAutomationBase(CAnalysisDialog& dialog, std::string_view interfaceName,
+                                           std::string_view className, AutomationModule& module)
+    : dialog_(&dialog), interfaceName_(interfaceName), className_(className), module_(module) {
+  module_.Lock();
+}
+
+DialogAutomationBase::~DialogAutomationBase() { module_.Unlock(); }
+
+std::optional<DispatchId> DialogAutomationBase::FindMember(std::string_view name) const {
+  for (const CommonMember& member : kCommonMembers) {
+    if (member.name == name) return member.id;
+  }
+  return FindOwn(name);
+}
+
+Variant DialogAutomationBase::Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) {
+  if (dialog_ == nullptr) throw Error("the dialog is closed", std::string(interfaceName_));
+  const bool common = member <= common_member::kCancel && member >= 0;
+  try {
+    return common ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
+  } catch (const Error& error) {
+    const std::string name = common ? (member == common_member::kOk ? "OK" : "Cancel") : std::string(OwnName(member));
+    const std::string what = std::string(error.what()).empty() ? "Unexpected Error" : error.what();
+    throw Error("Exception in automation method [" + std::string(className_) + "::" + std::string(Prefix(kind)) + name +
+                    "]: " + what,
+                error.Where());
+  }
+}
+
+Variant DialogAutomationBase::InvokeCommon(DispatchId member) {
+  if (member == common_member::kName) return std::string(dialog_->Template().caption);
+  if (member == common_member::kOk) return Variant(std::int32_t{dialog_->Press(kControlOk) ? 1 : 0});
+  if (member == common_member::kCancel) return Variant(std::int32_t{dialog_->Press(kControlCancel) ? 1 : 0});
+  ThrowNoSuchCall(interfaceName_);
+}
+
+void* DialogAutomationBase::QueryInterface(InterfaceId id) {
+  return id == IID_IMFCPointer ? static_cast<IMFCPointer*>(this) : nullptr;
+}
+
+std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes, std::span<const Variant> arguments) {
+  const std::size_t expected = indexes + (kind == CallKind::kPut ? 1 : 0);
+  if (arguments.size() != expected) throw Error("wrong number of arguments");
+  return arguments.first(indexes);
+}
+
+void ThrowNoSuchCall(std::string_view member) { throw Error("no such call", std::string(member)); }
+
+}  // namespace brenvolt

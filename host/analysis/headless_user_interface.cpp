@@ -1,0 +1,40 @@
+#include "host/analysis/headless_user_interface.h"
+
+namespace brenvolt {
+namespace {
+
+template <class Answer>
+Answer Next(std::deque<Answer>& answers, Answer otherwise) {
+  if (answers.empty()) return otherwise;
+  Answer answer = std::move(answers.front());
+  answers.pop_front();
+  return answer;
+}
+
+}  // namespace
+
+MessageAnswer HeadlessUserInterface::ShowMessage(const Message& message) {
+  messages.push_back(message);
+  return Next(messageAnswers, MessageAnswer::kOk);
+}
+
+std::vector<std::filesystem::path> HeadlessUserInterface::ChooseFiles(const FileQuestion& /*question*/) {
+  return Next(fileAnswers, {});
+}
+
+bool HeadlessUserInterface::SelectVariables(VariableQuestion& question) {
+  const auto answer = Next<std::function<void(VariableQuestion&)>>(variableAnswers, nullptr);
+  if (!answer) return false;
+  answer(question);
+  return true;
+}
+
+void HeadlessUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) {
+  documents.push_back(std::move(document));
+}
+
+void HeadlessUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t /*total*/) {
+  if (done == 0) progressCaptions.emplace_back(caption);
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,38 @@
+// A user interface without a person: answers are scripted, every message and document is recorded.
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/analysis/user_interface.h"
+
+namespace brenvolt {
+
+class HeadlessUserInterface : public UserInterface {
+ public:
+  // Answers to come, used first to last; after them a message is answered by OK, a file or variable question by
+  // cancelling.
+  std::deque<MessageAnswer> messageAnswers;
+  std::deque<std::vector<std::filesystem::path>> fileAnswers;
+  std::deque<std::function<void(VariableQuestion&)>> variableAnswers;
+  // Set by a test or another thread's owner to ask a running operation to stop.
+  bool cancelled = false;
+
+  // What happened, in order.
+  std::vector<Message> messages;
+  std::vector<std::shared_ptr<CAnalysisTableDoc>> documents;
+  std::vector<std::string> progressCaptions;
+
+  MessageAnswer ShowMessage(const Message& message) override;
+  std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) override;
+  bool SelectVariables(VariableQuestion& question) override;
+  void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
+  void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
+  void EndProgress() override {}
+  bool IsExternallyCancelled() override { return cancelled; }
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,81 @@
+// What an analysis module registers with the host when it is loaded, and takes back when it is unloaded.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace brenvolt {
+
+// Where a library is loaded: identifies the module to the host.
+using InstanceHandle = const void*;
+
+// Serves a module's resource strings to the analysis objects that the module makes.
+class CAnalysisContext {
+ public:
+  using StringSource = std::string_view (*)(std::int32_t number);
+
+  CAnalysisContext(InstanceHandle instance, StringSource strings) : instance_(instance), strings_(strings) {}
+  InstanceHandle Instance() const { return instance_; }
+  // The text of a resource, or an empty text for a number without one.
+  std::string_view String(std::int32_t number) const { return strings_(number); }
+
+ private:
+  InstanceHandle instance_;
+  StringSource strings_;
+};
+
+// The framework's state of one extension module: initialised at attach, terminated at detach.
+struct ExtensionModule {
+  InstanceHandle instance = nullptr;
+  bool initialised = false;
+};
+bool InitExtensionModule(ExtensionModule& module, InstanceHandle instance);
+void TermExtensionModule(ExtensionModule& module);
+
+// Keeps a module in the framework's list of resource libraries while it exists.
+class CDynLinkLibrary {
+ public:
+  explicit CDynLinkLibrary(const ExtensionModule& module);
+  ~CDynLinkLibrary();
+  CDynLinkLibrary(const CDynLinkLibrary&) = delete;
+  CDynLinkLibrary& operator=(const CDynLinkLibrary&) = delete;
+
+ private:
+  InstanceHandle instance_;
+};
+std::vector<InstanceHandle> ResourceLibraries();
+
+// A class that automation clients can reach, with its hooks.
+struct ObjectMapEntry {
+  std::string_view interfaceName;
+  void (*initialise)();
+  void (*terminate)();
+};
+
+// A module's automation side: its object map and the count of automation objects alive.
+class AutomationModule {
+ public:
+  explicit AutomationModule(std::span<const ObjectMapEntry> objectMap) : objectMap_(objectMap) {}
+  std::span<const ObjectMapEntry> ObjectMap() const { return objectMap_; }
+  void Lock() noexcept { ++locks_; }
+  void Unlock() noexcept { --locks_; }
+  std::int32_t LockCount() const noexcept { return locks_; }
+
+ private:
+  std::span<const ObjectMapEntry> objectMap_;
+  std::atomic<std::int32_t> locks_{0};
+};
+
+// A type library's identity: 128 bits in their text form.
+struct LibraryId {
+  std::string_view text;
+};
+// Makes a module's type library known. The two last arguments are reserved and must be null. Returns true.
+bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, const void* path, const void* help);
+std::vector<std::string> RegisteredTypeLibraries();
+
+}  // namespace brenvolt

@@ -1,0 +1,56 @@
+// The user-interface port: everything that an analysis asks of the person in front of it. Dialog logic never knows
+// which implementation answers.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/controls/progress_bar.h"
+
+namespace brenvolt {
+
+class CAnalysisTableDoc;
+
+enum class MessageButtons : std::uint8_t { kOk, kOkCancel };
+enum class MessageIcon : std::uint8_t { kNone, kInformation, kWarning, kError };
+enum class MessageAnswer : std::uint8_t { kOk, kCancel };
+
+struct Message {
+  std::string text;
+  std::string caption;
+  MessageButtons buttons = MessageButtons::kOk;
+  MessageIcon icon = MessageIcon::kWarning;
+};
+
+struct FileQuestion {
+  std::string title;
+  std::string filter;
+  std::string defaultExtension;
+};
+
+// The two-list variable selection: variables are numbered from 1.
+struct VariableQuestion {
+  std::string caption;
+  std::string firstListCaption;
+  std::string secondListCaption;
+  std::vector<std::string> names;
+  std::vector<std::int16_t> first;
+  std::vector<std::int16_t> second;
+};
+
+class UserInterface : public ProgressPort {
+ public:
+  virtual MessageAnswer ShowMessage(const Message& message) = 0;
+  // The chosen files; none when the person cancelled.
+  virtual std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) = 0;
+  // Fills the two lists; false, and the lists as they were, when the person cancelled.
+  virtual bool SelectVariables(VariableQuestion& question) = 0;
+  // Shows a finished document, which the receiver may keep.
+  virtual void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) = 0;
+};
+
+}  // namespace brenvolt

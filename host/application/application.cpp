@@ -1,0 +1,74 @@
+#include "host/application/application.h"
+
+#include <cmath>
+#include <cstdlib>
+
+#include "host/base/error.h"
+#include "host/formula/expression.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr const char* kModuleFile = "libbrv_sra.so";
+constexpr const char* kModuleVariable = "BRENVOLT_MODULE";
+constexpr const char* kFactoryName = "Kro6NewAnalysis";
+constexpr std::int32_t kFirstStep = 100;
+
+using Factory = CAnalysisSupport*();
+
+}  // namespace
+
+std::filesystem::path Application::DefaultModulePath() {
+  if (const char* path = std::getenv(kModuleVariable); path != nullptr && *path != '\0') return path;
+  return LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path() / kModuleFile;
+}
+
+DynamicLibrary& Application::Module() {
+  if (module_ == nullptr) module_ = std::make_unique<DynamicLibrary>(DefaultModulePath());
+  return *module_;
+}
+
+std::unique_ptr<CAnalysisSupport> Application::NewAnalysis(CAnalysisDoc& document) {
+  std::unique_ptr<CAnalysisSupport> analysis(Module().Symbol<Factory>(kFactoryName)());
+  if (analysis == nullptr) throw Error("the module made no analysis", DefaultModulePath().string());
+  analysis->AttachDocument(&document);
+  if (!analysis->RunSequenceStep(kFirstStep)) {
+    throw Error("the analysis did not start", DefaultModulePath().string());
+  }
+  return analysis;
+}
+
+Spreadsheet& DataFile::Sheet(const std::string& name) {
+  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+    Spreadsheet& sheet = workbook.SheetAt(i);
+    if (name.empty() ? sheet.Kind() == SheetKind::kData : sheet.Name() == name) return sheet;
+  }
+  throw Error(name.empty() ? std::string("has no data sheet") : "has no sheet called " + name, path.string());
+}
+
+DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format) {
+  DataFile file;
+  file.path = path;
+  file.isProject = Workbook::IsWorkbookFile(path);
+  if (file.isProject) {
+    file.workbook = Workbook::Open(path);
+  } else {
+    file.workbook.Add(std::make_unique<Spreadsheet>(ReadCsv(path, format)));
+  }
+  return file;
+}
+
+void ApplySelection(Spreadsheet& sheet, const std::string& condition) {
+  CaseSelection selection{true, condition, {}};
+  std::vector<FormulaVariable> variables;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    variables.push_back({variable.Name(), variable.Values(), variable.MissingCode()});
+  }
+  const auto truth = EvaluateOverCases(condition, variables, sheet.CaseCount(), "selection condition");
+  selection.accepted.reserve(truth.size());
+  for (const double value : truth) selection.accepted.push_back(!std::isnan(value) && value != 0 ? 1 : 0);
+  sheet.SetSelection(std::move(selection));
+}
+
+}  // namespace brenvolt

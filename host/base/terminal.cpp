@@ -1,0 +1,9 @@
+#include "host/base/terminal.h"
+
+#include <unistd.h>
+
+namespace brenvolt {
+
+bool IsStandardErrorTerminal() { return isatty(STDERR_FILENO) == 1; }
+
+}  // namespace brenvolt

@@ -1,0 +1,51 @@
+// Summary moments of a sample in one pass.
+#pragma once
+
+#include <cstdint>
+
+#include "host/base/almost_equal.h"
+
+namespace brenvolt {
+
+struct Moments {
+  std::int64_t count = 0;    // valid values, each case as often as its weight
+  std::int64_t missing = 0;  // cases left out because the value is missing
+  double mean = kNotSet;
+  double standardDeviation = kNotSet;
+  double skewness = kNotSet;
+  double kurtosis = kNotSet;  // excess
+  double minimum = kNotSet;
+  double maximum = kNotSet;
+  double logMean = kNotSet;  // of the natural logarithms; not set where a value is not positive
+  double logStandardDeviation = kNotSet;
+};
+
+// Running central moments by one-pass updates (Welford 1962; third and fourth moments: Pébay 2008, eqs. 2.8-2.9),
+// each kept divided by the count, and running moments of the logarithms while every value is positive.
+class MomentAccumulator {
+ public:
+  // Takes a value `copies` times, copies >= 1.
+  void Add(double x, std::int64_t copies);
+  void CountMissing() { ++missing_; }
+  // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard deviations
+  // with divisor n - 1. All are kNotSet where the sample is too small for them.
+  Moments Finish() const;
+
+ private:
+  void AddOnce(double x);
+  void AddLogarithm(double x, std::int64_t copies);
+
+  std::int64_t count_ = 0;
+  std::int64_t missing_ = 0;
+  double mean_ = 0;
+  double m2_ = 0;
+  double m3_ = 0;
+  double m4_ = 0;
+  double minimum_ = 0;
+  double maximum_ = 0;
+  bool logarithms_ = true;
+  double logMean_ = 0;
+  double logSum_ = 0;
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,84 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+#include "host/statistics/moments.h"
+#include "host/statistics/percentiles.h"
+
+namespace brenvolt {
+namespace {
+
+Moments MomentsOf(const std::vector<double>& values) {
+  MomentAccumulator accumulator;
+  for (const double x : values) accumulator.Add(x, 1);
+  return accumulator.Finish();
+}
+
+// References: SciPy 1.10, skew(bias=False), kurtosis(bias=False), std(ddof=1), of the same numbers.
+TEST(Moments, AgreeWithReferencesAndIgnoreALargeShift) {
+  const std::vector<double> values{2, 8, 0, 4, 1, 9, 9, 0.5, 3.25, 7};
+  for (const double shift : {0.0, 1e6}) {
+    std::vector<double> shifted;
+    for (const double x : values) shifted.push_back(x + shift);
+    const Moments m = MomentsOf(shifted);
+    EXPECT_NEAR(m.mean - shift, 4.375, 1e-9);
+    EXPECT_NEAR(m.standardDeviation, 3.580910033310899, 1e-8);
+    EXPECT_NEAR(m.skewness, 0.206721705068322, 1e-8);
+    EXPECT_NEAR(m.kurtosis, -1.8301896379806526, 1e-8);
+    EXPECT_EQ(m.minimum, shift);
+    EXPECT_EQ(m.maximum, 9 + shift);
+  }
+}
+
+TEST(Moments, SmallSamplesLeaveWhatTheyCannotTell) {
+  const Moments none = MomentsOf({});
+  EXPECT_EQ(none.count, 0);
+  EXPECT_TRUE(IsNotSet(none.mean));
+  const Moments one = MomentsOf({5});
+  EXPECT_EQ(one.standardDeviation, 0);
+  EXPECT_EQ(one.logMean, std::log(5));
+  EXPECT_TRUE(IsNotSet(one.logStandardDeviation));
+  const Moments two = MomentsOf({5, 6});
+  EXPECT_TRUE(IsNotSet(two.skewness));
+  EXPECT_TRUE(IsNotSet(MomentsOf({5, 6, 8}).kurtosis));
+  const Moments constant = MomentsOf({3, 3, 3, 3, 3});
+  EXPECT_EQ(constant.standardDeviation, 0);
+  EXPECT_EQ(constant.kurtosis, 0);
+}
+
+TEST(Moments, LogarithmsEndAtTheFirstValueThatIsNotPositive) {
+  const Moments positive = MomentsOf({1, std::exp(1.0), std::exp(2.0)});
+  EXPECT_NEAR(positive.logMean, 1, 1e-15);
+  EXPECT_NEAR(positive.logStandardDeviation, 1, 1e-15);
+  EXPECT_TRUE(IsNotSet(MomentsOf({1, 2, 0, 3}).logMean));
+  EXPECT_TRUE(IsNotSet(MomentsOf({1, 2, -1}).logStandardDeviation));
+}
+
+TEST(Moments, WeightEqualsRepetition) {
+  MomentAccumulator weighted;
+  weighted.Add(1.5, 3);
+  weighted.Add(4, 1);
+  weighted.Add(2, 2);
+  const Moments a = weighted.Finish();
+  const Moments b = MomentsOf({1.5, 1.5, 1.5, 4, 2, 2});
+  EXPECT_EQ(a.count, b.count);
+  EXPECT_NEAR(a.standardDeviation, b.standardDeviation, 1e-15);
+  EXPECT_NEAR(a.kurtosis, b.kurtosis, 1e-12);
+  EXPECT_NEAR(a.logStandardDeviation, b.logStandardDeviation, 1e-14);
+}
+
+// References: NumPy 1.24, percentile(method="linear").
+TEST(Percentile, InterpolatesBetweenOrderStatistics) {
+  const std::vector<double> sorted{1, 2, 4, 8};
+  EXPECT_EQ(Percentile(sorted, 0), 1);
+  EXPECT_DOUBLE_EQ(Percentile(sorted, 25), 1.75);
+  EXPECT_DOUBLE_EQ(Percentile(sorted, 50), 3);
+  EXPECT_DOUBLE_EQ(Percentile(sorted, 90), 6.8);
+  EXPECT_EQ(Percentile(sorted, 100), 8);
+  EXPECT_EQ(Percentile(std::vector<double>{7}, 99), 7);
+  EXPECT_TRUE(IsNotSet(Percentile({}, 50)));
+}
+
+}  // namespace
+}  // namespace brenvolt
