@@ -41,7 +41,7 @@ double Horner(const double (&coefficients)[N], double x) {
 }
 
 // Q(a, x) when `isUpper`, else P(a, x) = 1 - Q(a, x), for large a. Temme (1979), with the coefficients of
-// DiDonato & Morris (1986), eq. 19: Q = erfc(eta sqrt(a / 2)) / 2 + R, with eta^2 / 2 = l - 1 - ln l, l = x /
+// DiDonato & Morris (1986): Q = erfc(eta sqrt(a / 2)) / 2 + R, with eta^2 / 2 = l - 1 - ln l, l = x /
 // a, and R = exp(-a eta^2 / 2) / sqrt(2 pi a) (C0(eta) + C1(eta) / a + C2(eta) / a^2 + ...).
 double LargeIncompleteGamma(double a, double x, bool isUpper) {
   constexpr double kC0[] = {-3.33333333333333315e-01, 8.33333333333333287e-02,  -1.48148148148148154e-02,
