@@ -31,12 +31,17 @@ void Import(const ImportOptions& options) {
               name.c_str());
 }
 
-// A file of the whole name comes first, so that a colon in a file's name does no harm.
+// Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
 std::pair<std::filesystem::path, std::string> SplitSource(const std::string& source) {
   std::error_code ignored;
-  const auto colon = source.rfind(':');
-  if (colon == std::string::npos || std::filesystem::exists(source, ignored)) return {source, {}};
-  return {source.substr(0, colon), source.substr(colon + 1)};
+  if (std::filesystem::exists(source, ignored)) return {source, {}};
+  for (auto colon = source.rfind(':'); colon != std::string::npos && colon > 0; colon = source.rfind(':', colon - 1)) {
+    if (std::filesystem::exists(source.substr(0, colon), ignored)) {
+      return {source.substr(0, colon), source.substr(colon + 1)};
+    }
+  }
+  const auto first = source.find(':');
+  return {source.substr(0, first), first == std::string::npos ? std::string() : source.substr(first + 1)};
 }
 
 void Export(const ExportOptions& options) {

@@ -19,6 +19,16 @@ void Complain(const std::string& what, const std::string& where = {}) {
   std::fprintf(stderr, "%s: %s%s\n", brenvolt::cli::kProgram, what.c_str(), place.c_str());
 }
 
+void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  std::string verbs;
+  for (const CLI::App* verb : program.get_subcommands({})) {
+    if (verb->get_name() == argv[1]) return;
+    verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
+  }
+  throw brenvolt::cli::WrongCall("no verb called " + std::string(argv[1]) + "; there are " + verbs);
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Fits probability distributions to data, ranks the fits, and simulates data from them.");
   program.name(brenvolt::cli::kProgram);
@@ -30,6 +40,7 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddShowCommand(program);
   brenvolt::cli::AddImportCommand(program);
   brenvolt::cli::AddExportCommand(program);
+  RefuseUnknownVerb(program, argc, argv);
   try {
     program.parse(argc, argv);
   } catch (const CLI::Success& help) {
@@ -56,6 +67,8 @@ int main(int argc, char** argv) {
     if (!brenvolt::InterruptionRequested()) return kJobFailed;
     Complain("interrupted");
     return kInterrupted;
+  } catch (const brenvolt::AutomationError& error) {
+    Complain(error.Reason(), error.Where());
   } catch (const brenvolt::Error& error) {
     Complain(error.what(), error.Where());
   } catch (const std::bad_alloc&) {

@@ -127,23 +127,25 @@ bool CFitDistribution::AskForVariables() {
       ShowMessage(kMsgTooFewVariables);
       question.first = specification.continuous;
       question.second = specification.discrete;
-    } else if (TakeLists(question.first, question.second)) {
-      return true;
-    } else {
+    } else if (const std::string texts = TextVariables(question.first) + TextVariables(question.second);
+               !texts.empty()) {
+      Analysis().ShowMessage(TextVariablesMessage(texts));
       question.first.clear();
       question.second.clear();
+    } else {
+      TakeLists(question.first, question.second);
+      return true;
     }
   }
   return false;
 }
 
-bool CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
+std::string CFitDistribution::TextVariablesMessage(const std::string& names) const {
+  return szLoadResString(kMsgTextVariablesSelected) + FormatResource(kFitListSentenceEnd, names);
+}
+
+void CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
                                  const std::vector<std::int16_t>& discrete) {
-  const std::string texts = TextVariables(continuous) + TextVariables(discrete);
-  if (!texts.empty()) {
-    Analysis().ShowMessage(szLoadResString(kMsgTextVariablesSelected) + FormatResource(kFitListSentenceEnd, texts));
-    return false;
-  }
   FitSpecification& specification = Specification();
   if (continuous != specification.continuous) {
     specification.continuous = continuous;
@@ -154,7 +156,6 @@ bool CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
     specification.discreteSpecifications.assign(discrete.size(), {});
   }
   RefreshLists();
-  return true;
 }
 
 std::string CFitDistribution::TextVariables(const std::vector<std::int16_t>& variables) const {
@@ -331,11 +332,19 @@ bool CFitDistribution::RunAndKeepResults() {
 }
 
 void CFitDistribution::SelectContinuous(const std::vector<std::int16_t>& variables) {
-  if (!ReadShown() || !TakeLists(variables, Specification().discrete)) throw Error("the list of variables was refused");
+  RequireTakeable(variables);
+  TakeLists(variables, Specification().discrete);
 }
 
 void CFitDistribution::SelectDiscrete(const std::vector<std::int16_t>& variables) {
-  if (!ReadShown() || !TakeLists(Specification().continuous, variables)) throw Error("the list of variables was refused");
+  RequireTakeable(variables);
+  TakeLists(Specification().continuous, variables);
+}
+
+void CFitDistribution::RequireTakeable(const std::vector<std::int16_t>& variables) {
+  const std::string texts = TextVariables(variables);
+  if (!texts.empty()) throw CDispatchException(TextVariablesMessage(texts));
+  if (!ReadShown()) throw CDispatchException(szLoadResString(kMsgInvalidOffsets));
 }
 
 namespace {

@@ -16,7 +16,7 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   explicit CFitDistribution(CSimulationAndRisk& analysis);
 
   // Operations of automation, each as the person's own action. Lists hold spreadsheet variable numbers from 1;
-  // `position` counts the variables of a list from 1. They throw Error for a variable that does not exist.
+  // `position` counts the variables of a list from 1. They throw Error for what the dialog refuses.
   void SelectContinuous(const std::vector<std::int16_t>& variables);
   void SelectDiscrete(const std::vector<std::int16_t>& variables);
   bool IsContinuousChecked(int position, std::int32_t control);
@@ -36,10 +36,12 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   FitSpecification& Specification() { return SimulationAndRisk().Fit().specification; }
 
   bool AskForVariables();
-  // Takes new lists; the state of a list that changed starts afresh. False, and nothing changes, when they name text
-  // variables, which are then shown.
-  bool TakeLists(const std::vector<std::int16_t>& continuous, const std::vector<std::int16_t>& discrete);
+  // Takes new lists; the state of a list that changed starts afresh.
+  void TakeLists(const std::vector<std::int16_t>& continuous, const std::vector<std::int16_t>& discrete);
+  // The names of the text variables of a list, each preceded by a blank; and the message that refuses them.
   std::string TextVariables(const std::vector<std::int16_t>& variables) const;
+  std::string TextVariablesMessage(const std::string& names) const;
+  void RequireTakeable(const std::vector<std::int16_t>& variables);
   std::vector<std::string> NamesOf(const std::vector<std::int16_t>& variables) const;
 
   void RefreshLists();

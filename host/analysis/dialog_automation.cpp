@@ -50,10 +50,9 @@ Variant DialogAutomationBase::Invoke(DispatchId member, CallKind kind, std::span
     return common ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
   } catch (const Error& error) {
     const std::string name = common ? (member == common_member::kOk ? "OK" : "Cancel") : std::string(OwnName(member));
-    const std::string what = std::string(error.what()).empty() ? "Unexpected Error" : error.what();
-    throw Error("Exception in automation method [" + std::string(className_) + "::" + std::string(Prefix(kind)) + name +
-                    "]: " + what,
-                error.Where());
+    const std::string method = std::string(className_) + "::" + std::string(Prefix(kind)) + name;
+    const std::string reason = std::string(error.what()).empty() ? "Unexpected Error" : error.what();
+    throw AutomationError("Exception in automation method [" + method + "]", reason, error.Where());
   }
 }
 

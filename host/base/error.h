@@ -25,6 +25,17 @@ class CDispatchException : public Error {
   using Error::Error;
 };
 
+// A call of an automation member that failed: the text names the method; the reason is what failed inside it.
+class AutomationError : public Error {
+ public:
+  AutomationError(const std::string& what, std::string reason, std::string where)
+      : Error(what, std::move(where)), reason_(std::move(reason)) {}
+  const std::string& Reason() const noexcept { return reason_; }
+
+ private:
+  std::string reason_;
+};
+
 // Raised by numeric code when its input admits no result.
 class NumericalException : public Error {
  public:
