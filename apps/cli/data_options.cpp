@@ -32,7 +32,7 @@ void AddFormatOption(CLI::App& command, ReportFormat& format) {
   static const std::map<std::string, ReportFormat> kFormats{{"table", ReportFormat::kTable},
                                                             {"json", ReportFormat::kJson}};
   command.add_option("--format", format, "table for people (default), json for programs")
-      ->transform(CLI::CheckedTransformer(kFormats))
+      ->transform(CLI::CheckedTransformer(kFormats).description(""))
       ->type_name("table|json");
 }
 

@@ -304,7 +304,7 @@ void AddFitCommand(CLI::App& program) {
   command->add_option("--offset", options->offsets, "Threshold of a distribution of a variable; default 0")
       ->type_name("V:DISTRIBUTION=NUMBER");
   command->add_option("--missing", options->missing, "Leave out a missing value alone, or its case for all variables")
-      ->check(CLI::IsMember({"pairwise", "casewise"}))
+      ->check(CLI::IsMember({"pairwise", "casewise"}).description(""))
       ->type_name("pairwise|casewise");
   command->add_option("--weights", options->weights, "Variable whose whole numbers say how often each case counts")
       ->type_name("V");

@@ -138,7 +138,7 @@ void AddSimulateCommand(CLI::App& program) {
       ->delimiter(',')
       ->type_name("V,V");
   command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
-      ->check(CLI::IsMember(kMethods))
+      ->check(CLI::IsMember(kMethods).description(""))
       ->type_name("monte-carlo|latin-hypercube");
   command->add_option("--samples", options->samples, "Number of samples (default 1000)")->type_name("N");
   command->add_option("--seed", options->seed, "Seed, 0 or more: the same seed gives the same samples")

@@ -16,7 +16,7 @@ Dl_info InfoOf(const void* address) {
 }  // namespace
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
-    : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) {
   if (handle_ == nullptr) throw Error(std::string("cannot be loaded: ") + dlerror(), path.string());
 }
 

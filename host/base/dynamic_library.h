@@ -8,7 +8,8 @@ namespace brenvolt {
 
 class DynamicLibrary {
  public:
-  // Loads a library with all its symbols resolved. Throws Error naming the file and the loader's reason.
+  // Loads a library with all its symbols resolved. It stays loaded until the process ends, since objects made by its
+  // code may live as long. Throws Error naming the file and the loader's reason.
   explicit DynamicLibrary(const std::filesystem::path& path);
   ~DynamicLibrary();
   DynamicLibrary(const DynamicLibrary&) = delete;

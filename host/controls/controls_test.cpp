@@ -2,6 +2,7 @@
 
 #include <thread>
 
+#include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/controls/control_set.h"

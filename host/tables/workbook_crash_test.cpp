@@ -13,7 +13,7 @@
 #include <utility>
 
 #include "host/tables/workbook.h"
-#include "host/tables/workbook_test_support.h"
+#include "host/tables/workbook_support_test.h"
 
 namespace brenvolt {
 namespace {

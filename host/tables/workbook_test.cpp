@@ -2,7 +2,7 @@
 
 #include <sys/stat.h>
 
-#include "host/tables/workbook_test_support.h"
+#include "host/tables/workbook_support_test.h"
 
 namespace brenvolt {
 namespace {

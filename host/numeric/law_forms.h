@@ -1,0 +1,49 @@
+// What all distribution types share around their formulas: the one check of parameters, arguments and
+// probabilities, and the one loop of the array forms. A type supplies the plain formula as a callable and
+// whether its parameters are valid; the formula then sees neither NaN nor a probability outside [0, 1].
+#pragma once
+
+#include <cassert>
+#include <cmath>
+#include <cstddef>
+#include <span>
+
+#include "host/numeric/distributions.h"
+
+namespace brenvolt {
+
+inline bool IsPositiveFinite(double x) {
+  return x > 0.0 && std::isfinite(x);
+}
+
+// `formula`(x) for a density or distribution function.
+template <class Formula>
+double ProbabilityAt(bool isValid, double x, const Formula& formula) {
+  if (!isValid) return kInvalidProbability;
+  if (std::isnan(x)) return x;
+  return formula(x);
+}
+
+// `formula`(p) for a quantile; p = 0 and p = 1 reach the formula.
+template <class Formula>
+double QuantileAt(bool isValid, double p, const Formula& formula) {
+  if (!isValid) return kInvalidQuantile;
+  if (std::isnan(p)) return p;
+  if (p < 0.0 || p > 1.0) return kInvalidQuantile;
+  return formula(p);
+}
+
+// The array forms: `out` is at least as long as the input and may be the input itself.
+template <class Formula>
+void ProbabilitiesAt(bool isValid, std::span<const double> x, std::span<double> out, const Formula& formula) {
+  assert(out.size() >= x.size());
+  for (std::size_t i = 0; i < x.size(); ++i) out[i] = ProbabilityAt(isValid, x[i], formula);
+}
+
+template <class Formula>
+void QuantilesAt(bool isValid, std::span<const double> p, std::span<double> out, const Formula& formula) {
+  assert(out.size() >= p.size());
+  for (std::size_t i = 0; i < p.size(); ++i) out[i] = QuantileAt(isValid, p[i], formula);
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,106 @@
+// Layout of the stream, fixed: results of a seed must never change.
+//   key     = {seed as unsigned 32 bits, kStreamTag}
+//   counter = {low half of the block, high half of the block, 0, 0}, block = position / 2
+//   an even position takes words 0 (low) and 1 (high) of the block's result, an odd one words 2 and 3
+//   deviate = (64 bits >> 11) 2^-53
+#include "host/numeric/random_stream.h"
+
+#include <Random123/philox.h>
+
+#include <array>
+#include <cassert>
+#include <cstddef>
+
+#include "host/numeric/standard_normal.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr std::uint32_t kStreamTag =
+    0x42525654;                           // tells this stream's keys from those of other uses of the cipher
+constexpr std::int32_t kInitialSeed = 1;  // the stream of a process that never seeded
+
+// The two deviates at positions 2 block and 2 block + 1.
+std::array<double, 2> Block(std::int32_t seed, std::uint64_t block) {
+  const r123::Philox4x32::key_type key = {{static_cast<std::uint32_t>(seed), kStreamTag}};
+  const r123::Philox4x32::ctr_type counter = {
+      {static_cast<std::uint32_t>(block), static_cast<std::uint32_t>(block >> 32), 0, 0}};
+  const r123::Philox4x32::ctr_type words = r123::Philox4x32{}(counter, key);
+  const auto deviate = [](std::uint32_t low, std::uint32_t high) {
+    const std::uint64_t bits = static_cast<std::uint64_t>(high) << 32 | low;
+    return static_cast<double>(bits >> 11) * 0x1p-53;
+  };
+  return {deviate(words[0], words[1]), deviate(words[2], words[3])};
+}
+
+// The process's stream: where it stands, and the block of the last draw, which holds the next one half of the
+// time.
+struct Process {
+  std::int32_t seed = kInitialSeed;
+  std::uint64_t position = 0;
+  std::array<double, 2> block = {};
+  bool isBlockCurrent = false;
+
+  void Restart(std::int32_t newSeed) { *this = Process{newSeed, 0, {}, false}; }
+
+  double Draw() {
+    const bool isSecondHalf = position % 2 == 1;
+    if (!isSecondHalf || !isBlockCurrent) block = Block(seed, position / 2);
+    isBlockCurrent = true;
+    ++position;
+    return block[isSecondHalf ? 1 : 0];
+  }
+};
+
+Process process;
+
+}  // namespace
+
+double rnd_(std::int32_t seed) {
+  if (seed != 0) process.Restart(seed);
+  return process.Draw();
+}
+
+double znormal_(double sd) {
+  return sd * NormalFromUniform(process.Draw());
+}
+
+void inirnd_(std::int32_t seed, [[maybe_unused]] std::int32_t reserved) {
+  assert(reserved == 0);
+  process.Restart(seed);
+}
+
+RandomStream ProcessStream() {
+  return RandomStream(process.seed);
+}
+
+std::uint64_t ProcessStreamPosition() {
+  return process.position;
+}
+
+void SetProcessStreamPosition(std::uint64_t position) {
+  process.position = position;
+  process.isBlockCurrent = false;
+}
+
+double RandomStream::Uniform(std::uint64_t position) const {
+  return Block(seed_, position / 2)[position % 2];
+}
+
+void RandomStream::FillUniform(std::uint64_t position, std::span<double> out) const {
+  std::size_t i = 0;
+  if (position % 2 == 1 && !out.empty()) out[i++] = Uniform(position);
+  for (; i + 1 < out.size(); i += 2) {
+    const auto pair = Block(seed_, (position + i) / 2);
+    out[i] = pair[0];
+    out[i + 1] = pair[1];
+  }
+  if (i < out.size()) out[i] = Uniform(position + i);
+}
+
+void RandomStream::FillNormal(std::uint64_t position, double sd, std::span<double> out) const {
+  FillUniform(position, out);
+  for (double& value : out) value = sd * NormalFromUniform(value);
+}
+
+}  // namespace brenvolt

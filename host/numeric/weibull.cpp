@@ -1,0 +1,86 @@
+// The Weibull distribution: P(X > x) = exp(-h), h = ((x - threshold) / scale)^shape, for x >= threshold.
+#include <limits>
+
+#include "host/numeric/law_forms.h"
+
+namespace brenvolt::weibull {
+
+bool IsValid(double scale, double shape) {
+  return IsPositiveFinite(scale) && IsPositiveFinite(shape);
+}
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+bool IsValid(double scale, double shape, double threshold) {
+  return weibull::IsValid(scale, shape) && std::isfinite(threshold);
+}
+
+// The cumulative hazard h; 0 below the support.
+double Hazard(double x, double scale, double shape, double threshold) {
+  const double y = x - threshold;
+  return y > 0.0 ? std::pow(y / scale, shape) : 0.0;
+}
+
+// The x at cumulative hazard h in [0, inf].
+double AtHazard(double hazard, double scale, double shape, double threshold) {
+  return threshold + scale * std::pow(hazard, 1.0 / shape);
+}
+
+auto CdfFormula(double scale, double shape, double threshold) {
+  return [=](double x) { return -std::expm1(-Hazard(x, scale, shape, threshold)); };
+}
+
+auto QuantileFormula(double scale, double shape, double threshold) {
+  return [=](double p) { return AtHazard(-std::log1p(-p), scale, shape, threshold); };
+}
+
+}  // namespace
+
+double Density(double x, double scale, double shape, double threshold) {
+  return ProbabilityAt(IsValid(scale, shape, threshold), x, [=](double at) {
+    if (at < threshold) return 0.0;
+    const double survival = std::exp(-Hazard(at, scale, shape, threshold));
+    if (survival == 0.0) return 0.0;  // also keeps an infinite power from meeting it
+    return shape / scale * std::pow((at - threshold) / scale, shape - 1.0) * survival;
+  });
+}
+
+double LogDensity(double x, double scale, double shape, double threshold) {
+  return ProbabilityAt(IsValid(scale, shape, threshold), x, [=](double at) {
+    if (at < threshold || std::isinf(at)) return -kInfinity;
+    // At the threshold itself ln u is infinite and counts only where the exponent is not 0.
+    const double power = shape == 1.0 ? 0.0 : (shape - 1.0) * std::log((at - threshold) / scale);
+    return std::log(shape) - std::log(scale) + power - Hazard(at, scale, shape, threshold);
+  });
+}
+
+double Cdf(double x, double scale, double shape, double threshold) {
+  return ProbabilityAt(IsValid(scale, shape, threshold), x, CdfFormula(scale, shape, threshold));
+}
+
+double Complement(double x, double scale, double shape, double threshold) {
+  return ProbabilityAt(IsValid(scale, shape, threshold), x,
+                       [=](double at) { return std::exp(-Hazard(at, scale, shape, threshold)); });
+}
+
+double Quantile(double p, double scale, double shape, double threshold) {
+  return QuantileAt(IsValid(scale, shape, threshold), p, QuantileFormula(scale, shape, threshold));
+}
+
+double ComplementQuantile(double q, double scale, double shape, double threshold) {
+  return QuantileAt(IsValid(scale, shape, threshold), q,
+                    [=](double tail) { return AtHazard(-std::log(tail), scale, shape, threshold); });
+}
+
+void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out) {
+  ProbabilitiesAt(IsValid(scale, shape, threshold), x, out, CdfFormula(scale, shape, threshold));
+}
+
+void Quantile(std::span<const double> p, double scale, double shape, double threshold,
+              std::span<double> out) {
+  QuantilesAt(IsValid(scale, shape, threshold), p, out, QuantileFormula(scale, shape, threshold));
+}
+
+}  // namespace brenvolt::weibull

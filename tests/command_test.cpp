@@ -1,0 +1,252 @@
+// The command as a user runs it: the main job on real data, and what it says when something is wrong.
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <map>
+
+#include "tests/program.h"
+
+namespace brenvolt::test {
+namespace {
+
+using Json = nlohmann::json;
+
+const std::string kExamples = BRENVOLT_SOURCE_DIR "/examples/";
+
+struct Command : testing::Test {
+  TemporaryFolder folder;
+
+  Outcome Run(const std::vector<std::string>& arguments) const { return RunBrenvolt(arguments, folder.Path()); }
+  Outcome MustRun(const std::vector<std::string>& arguments) const {
+    Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(outcome.err, "");
+    return outcome;
+  }
+  std::filesystem::path File(const std::string& name) const { return folder.Path() / name; }
+  void Sql(const std::string& project, const std::string& statement) const {
+    sqlite3* connection = nullptr;
+    ASSERT_EQ(sqlite3_open(File(project).c_str(), &connection), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(connection, statement.c_str(), nullptr, nullptr, nullptr), SQLITE_OK)
+        << sqlite3_errmsg(connection);
+    sqlite3_close(connection);
+  }
+};
+
+const Json& FitOf(const Json& variable, const std::string& distribution) {
+  for (const Json& fit : variable["fits"]) {
+    if (fit["distribution"] == distribution) return fit;
+  }
+  throw std::runtime_error("no fit of " + distribution);
+}
+
+// References: Weibull by mpmath; log-normal of the Danish losses as printed in the literature; Poisson mean likewise.
+TEST_F(Command, FitMeetsTheKnownAnswers) {
+  auto json = Json::parse(MustRun({"fit", kExamples + "groundbeef.csv", "--format", "json"}).out);
+  const Json& beef = json["variables"][0];
+  EXPECT_EQ(beef["n"], 254);
+  EXPECT_EQ(beef["kind"], "continuous");
+  EXPECT_EQ(beef["fits"][0]["distribution"], "Weibull") << "ranked first";
+  const Json& weibull = FitOf(beef, "Weibull");
+  EXPECT_EQ(weibull["code"], 5);
+  EXPECT_NEAR(weibull["parameters"][0], 83.34666883163219, 1e-9);
+  EXPECT_NEAR(weibull["parameters"][1], 2.185612332259384, 1e-9);
+  EXPECT_NEAR(weibull["logLikelihood"], -1255.224719863648206, 1e-9);
+  EXPECT_NEAR(weibull["kolmogorovSmirnov"]["statistic"], 0.13962622917, 1e-6);
+  EXPECT_TRUE(weibull["chiSquare"]["statistic"].is_null());
+
+  json = Json::parse(MustRun({"fit", kExamples + "danish_fire_losses.csv", "--format", "json"}).out);
+  const Json& lognormal = FitOf(json["variables"][0], "Log Normal");
+  EXPECT_NEAR(lognormal["parameters"][0], 0.78695, 5e-6);
+  EXPECT_NEAR(lognormal["parameters"][1], 0.71655, 5e-6);
+
+  json = Json::parse(
+      MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--format", "json"}).out);
+  EXPECT_NEAR(FitOf(json["variables"][0], "Poisson")["parameters"][0], 8.679, 5e-4);
+}
+
+TEST_F(Command, OptionsOfFitReachTheFit) {
+  WriteAll(File("d.csv"), "x,y,w,g\n1,2,1,1\n2,,2,1\n4,3,1,0\n8,9,1,1\nNA,5,3,0\n");
+  const auto fit = [&](std::vector<std::string> more) {
+    std::vector<std::string> arguments{"fit", "d.csv", "--continuous", "x", "--format", "json"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return Json::parse(MustRun(arguments).out)["variables"];
+  };
+  EXPECT_EQ(fit({})[0]["n"], 4);
+  EXPECT_EQ(fit({})[0]["missing"], 1);
+  EXPECT_EQ(fit({"--continuous", "y", "--missing", "casewise"})[0]["n"], 3);
+  EXPECT_EQ(fit({"--weights", "w"})[0]["n"], 5);
+  EXPECT_EQ(fit({"--select", "g = 1"})[0]["n"], 3);
+  const Json shifted = fit({"--distributions", "weibull", "--offset", "x:weibull=0.5"})[0]["fits"];
+  ASSERT_EQ(shifted.size(), 1U);
+  EXPECT_EQ(shifted[0]["offset"], 0.5);
+  const Json failed = fit({"--distributions", "weibull,normal", "--offset", "x:weibull=1"})[0]["fits"];
+  EXPECT_TRUE(failed[1]["parameters"].is_null()) << "a value equals the offset";
+  EXPECT_TRUE(failed[1]["kolmogorovSmirnov"]["statistic"].is_null());
+}
+
+TEST_F(Command, SavedFitsSimulateReproducibly) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "geyser.bvw"});
+  for (const std::string method : {"monte-carlo", "latin-hypercube"}) {
+    for (const char* name : {"a.csv", "b.csv"}) {
+      MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "7", "-o", name});
+    }
+    EXPECT_EQ(ReadAll(File("a.csv")), ReadAll(File("b.csv")));
+    MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "8", "-o", "b.csv"});
+    EXPECT_NE(ReadAll(File("a.csv")), ReadAll(File("b.csv")));
+  }
+  EXPECT_TRUE(ReadAll(File("a.csv")).starts_with("Sample #,eruptions,waiting\n1,"));
+  const auto report = Json::parse(
+      MustRun({"simulate", "geyser.bvw", "--samples", "20000", "--seed", "1", "--format", "json"}).out);
+  EXPECT_EQ(report["method"], "Monte Carlo method");
+  EXPECT_EQ(report["variables"][1]["n"], 20000);
+  EXPECT_NEAR(report["variables"][1]["mean"], 70.897, 0.5);
+}
+
+TEST_F(Command, EditedPropertyChangesTheSimulation) {
+  MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--distributions", "normal", "--save", "p.bvw"});
+  Sql("p.bvw", "UPDATE variable_property SET value = '(Location=5.0; Scale=0.001)' WHERE key = 'Normal'");
+  const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--seed", "1", "--format", "json"}).out);
+  EXPECT_NEAR(report["variables"][0]["mean"], 5, 0.001);
+}
+
+TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
+  MustRun({"fit", "p.bvw", "--continuous", "waiting", "--save", "p.bvw"});
+  const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out);
+  EXPECT_EQ(shown["sheets"].size(), 1U);
+  WriteAll(File("faithful.csv"), "eruptions\n1\n2\n4\n");
+  const std::string before = ReadAll(File("p.bvw"));
+  const Outcome refused = Run({"fit", "faithful.csv", "--save", "p.bvw"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(refused.err, "brenvolt: already has a sheet called faithful with other data (p.bvw)\n");
+  EXPECT_EQ(ReadAll(File("p.bvw")), before);
+}
+
+TEST_F(Command, ImportAndExportGiveTheDataBack) {
+  const std::string text = "name,value\n\"a, b\",0.1\nc,1e-300\n,\n";
+  WriteAll(File("in.csv"), text);
+  MustRun({"import", "in.csv", "-o", "p.bvw", "--sheet", "first: one"});
+  MustRun({"export", "p.bvw:first: one", "-o", "out.csv"});
+  EXPECT_EQ(ReadAll(File("out.csv")), text);
+  MustRun({"export", "p.bvw", "-o", "comma.csv", "--decimal-comma"});
+  EXPECT_EQ(ReadAll(File("comma.csv")), "name;value\na, b;0,1\nc;1e-300\n;\n");
+  MustRun({"import", "comma.csv", "-o", "p.bvw", "--decimal-comma"});
+  MustRun({"export", "p.bvw:comma", "-o", "again.csv"});
+  EXPECT_EQ(ReadAll(File("again.csv")), text);
+}
+
+TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
+  MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
+  const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
+  ASSERT_EQ(shown.size(), 3U);
+  EXPECT_EQ(shown[1]["name"], "Monte Carlo method");
+  EXPECT_EQ(shown[2]["name"], "Monte Carlo method (2)");
+}
+
+// What a wrong input is answered with. Every line says what and where, and nothing in the folder changes.
+TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "good.bvw"});
+  const std::string good = ReadAll(File("good.bvw"));
+  WriteAll(File("empty.csv"), "");
+  WriteAll(File("ragged.csv"), "a,b\n1,2\n3\n");
+  WriteAll(File("text.csv"), "a\nx\ny\n");
+  WriteAll(File("constant.csv"), "a\n3\n3\n3\n");
+  WriteAll(File("infinite.csv"), "a\n3\ninf\n4\n");
+  WriteAll(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n");
+  WriteAll(File("no_project.bvw"), "just text, long enough to look like something, but no project at all\n");
+  WriteAll(File("empty.bvw"), "");
+  WriteAll(File("cut.bvw"), good.substr(0, good.size() / 2));
+  WriteAll(File("newer.bvw"), good);
+  Sql("newer.bvw", "PRAGMA user_version = 99");
+  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw"}) WriteAll(File(name), good);
+  Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
+  Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
+  Sql("order.bvw", "DELETE FROM variable_property WHERE key = 'Normal'");
+  Sql("truncation.bvw", "UPDATE variable_property SET value = '(0; 0)' WHERE key = 'zTruncProp'");
+
+  struct Case {
+    std::vector<std::string> arguments;
+    int status;
+    const char* said;
+  };
+  const Case cases[] = {
+      {{"fit", "nowhere.csv"}, 1, "nowhere.csv"},
+      {{"fit", "."}, 1, "folder"},
+      {{"fit", "empty.csv"}, 1, "is empty (empty.csv)"},
+      {{"fit", "ragged.csv"}, 1, "ragged.csv, line 3, column"},
+      {{"fit", "text.csv"}, 1, "no numeric variable"},
+      {{"fit", "text.csv", "--continuous", "a"}, 1, "text variables selected"},
+      {{"fit", "constant.csv"}, 1, "No valid variables to proceed with the analysis"},
+      {{"fit", "infinite.csv"}, 1, "variable a holds an infinite value (case 2)"},
+      {{"fit", "weights.csv", "--weights", "w"}, 1, "Case weights should be integer."},
+      {{"fit", "weights.csv", "--weights", "v"}, 1, "no variable called v"},
+      {{"fit", "weights.csv", "--continuous", "b"}, 1, "no variable called b (sheet weights)"},
+      {{"fit", "weights.csv", "--select", "a > "}, 1, "selection condition, character"},
+      {{"fit", "weights.csv", "--distributions", "gauss"}, 2, "no distribution called gauss"},
+      {{"fit", "weights.csv", "--offset", "a=3"}, 2, "--offset"},
+      {{"fit", "weights.csv", "--missing", "never"}, 2, "--missing"},
+      {{"fit"}, 2, "DATA"},
+      {{"dance"}, 2, "dance"},
+      {{}, 2, "subcommand"},
+      {{"fit", "good.bvw", "--sheet", "other"}, 1, "has no sheet called other (good.bvw)"},
+      {{"show", "good.bvw", "other"}, 1, "has no sheet called other (good.bvw)"},
+      {{"show", "nowhere.bvw"}, 1, "nowhere.bvw"},
+      {{"show", "no_project.bvw"}, 1, "no_project.bvw"},
+      {{"show", "empty.bvw"}, 1, "empty.bvw"},
+      {{"show", "cut.bvw"}, 1, "cut.bvw"},
+      {{"show", "newer.bvw"}, 1, "newer"},
+      {{"simulate", "good.bvw", "--variables", "x"}, 1, "no variable called x"},
+      {{"simulate", "good.bvw", "--samples", "0"}, 1, "Invalid number of samples."},
+      {{"simulate", "good.bvw", "--samples", "999999999"}, 1, "Insufficient memory exists"},
+      {{"simulate", "good.bvw", "--seed", "-1"}, 1, "Invalid random seed value."},
+      {{"simulate", "good.bvw", "--seed", "x"}, 1, "Invalid random seed value."},
+      {{"simulate", "good.bvw", "--method", "magic"}, 2, "--method"},
+      {{"simulate", "good.bvw", "-o", "out.pdf"}, 2, "out.pdf"},
+      {{"simulate", "nonsense.bvw"}, 1, "One or more property values are invalid."},
+      {{"simulate", "zero.bvw"}, 1, "Invalid scale value for Normal distribution of variable"},
+      {{"simulate", "order.bvw"}, 1, "Normal in order of distribution property has its parameter property missing."},
+      {{"simulate", "truncation.bvw"}, 1, "Truncate property is missing or invalid."},
+      {{"simulate", "good.bvw", "-o", "/dev/full"}, 1, "/dev/full"},
+      {{"simulate", "good.bvw", "-o", "good.bvw/x.csv"}, 1, "good.bvw/x.csv"},
+      {{"export", "good.bvw", "-o", "/dev/full"}, 1, "/dev/full"},
+      {{"export", "good.bvw:none", "-o", "x.csv"}, 1, "has no sheet called none"},
+      {{"fit", "weights.csv", "--save", "no/such/folder/p.bvw"}, 1, "no/such/folder/p.bvw"},
+      {{"fit", "weights.csv", "--save", "/dev/full"}, 1, "/dev/full"},
+      {{"fit", "weights.csv", "--save", "no_project.bvw"}, 1, "no_project.bvw"},
+      {{"import", "ragged.csv", "-o", "good.bvw"}, 1, "ragged.csv, line 3"},
+  };
+  const auto contents = [&] {
+    std::map<std::string, std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
+      files[entry.path().filename()] = ReadAll(entry.path());
+    }
+    return files;
+  };
+  const auto before = contents();
+  for (const Case& c : cases) {
+    std::string call;
+    for (const std::string& argument : c.arguments) call += " " + argument;
+    const Outcome outcome = Run(c.arguments);
+    EXPECT_EQ(outcome.status, c.status) << call << ": " << outcome.err;
+    EXPECT_NE(outcome.err.find(c.said), std::string::npos) << call << ": " << outcome.err;
+    EXPECT_TRUE(outcome.err.starts_with("brenvolt: ")) << call << ": " << outcome.err;
+    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << call << ": " << outcome.err;
+  }
+  EXPECT_TRUE(contents() == before) << "a file appeared, vanished or changed";
+}
+
+TEST_F(Command, EveryVerbHasHelpWithAnExample) {
+  for (const std::string verb : {"fit", "simulate", "show", "import", "export"}) {
+    const Outcome help = MustRun({verb, "--help"});
+    EXPECT_NE(help.out.find("brenvolt " + verb), std::string::npos) << help.out;
+  }
+}
+
+}  // namespace
+}  // namespace brenvolt::test

@@ -1,0 +1,65 @@
+#include "tests/program.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+namespace brenvolt::test {
+namespace {
+
+void Redirect(const std::filesystem::path& file, int descriptor) {
+  const int target = open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+  if (target < 0 || dup2(target, descriptor) < 0) _exit(126);
+}
+
+}  // namespace
+
+Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+  const TemporaryFolder streams;
+  const auto out = streams.Path() / "out";
+  const auto err = streams.Path() / "err";
+  const std::string program = BRENVOLT_BUILD_DIR "/bin/brenvolt";
+  std::vector<char*> argv{const_cast<char*>(program.c_str())};
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  const pid_t child = fork();
+  if (child < 0) throw std::runtime_error("fork failed");
+  if (child == 0) {
+    Redirect(out, STDOUT_FILENO);
+    Redirect(err, STDERR_FILENO);
+    if (chdir(folder.c_str()) != 0) _exit(126);
+    execv(program.c_str(), argv.data());
+    _exit(127);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadAll(out), ReadAll(err)};
+}
+
+std::string ReadAll(const std::filesystem::path& path) {
+  std::ostringstream content;
+  content << std::ifstream(path, std::ios::binary).rdbuf();
+  return content.str();
+}
+
+void WriteAll(const std::filesystem::path& path, const std::string& content) {
+  std::ofstream(path, std::ios::binary) << content;
+}
+
+TemporaryFolder::TemporaryFolder() {
+  std::string pattern = (std::filesystem::temp_directory_path() / "brenvolt_test_XXXXXX").string();
+  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  path_ = pattern;
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+}  // namespace brenvolt::test
