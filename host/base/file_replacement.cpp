@@ -23,10 +23,18 @@ namespace fs = std::filesystem;
 constexpr mode_t kNewFileMode = 0666;
 constexpr mode_t kPermissionBits = 07777;
 constexpr int kMostLinks = 40;  // as the kernel follows
+// What a temporary name keeps of the target's: leaves room for its other parts in the 255 bytes of a file
+// name.
+constexpr std::size_t kLongestKeptName = 200;
+
+// What all temporary names for `target` begin with.
+std::string TemporaryPrefix(const fs::path& target) {
+  return "." + target.filename().string().substr(0, kLongestKeptName) + ".";
+}
 
 // True for the names that TemporaryNameBeside gives for `target`: ".name.<digits>-<digits>.tmp".
 bool IsTemporaryNameOf(const fs::path& target, std::string_view name) {
-  const std::string prefix = "." + target.filename().string() + ".";
+  const std::string prefix = TemporaryPrefix(target);
   constexpr std::string_view kSuffix = ".tmp";
   if (name.size() <= prefix.size() + kSuffix.size() || !name.starts_with(prefix) ||
       !name.ends_with(kSuffix)) {
@@ -79,8 +87,8 @@ fs::path FollowLinks(const fs::path& path) {
 fs::path TemporaryNameBeside(const fs::path& target) {
   for (int attempt = 0;; ++attempt) {
     fs::path name = target;
-    name.replace_filename("." + target.filename().string() + "." + std::to_string(getpid()) + "-" +
-                          std::to_string(attempt) + ".tmp");
+    name.replace_filename(TemporaryPrefix(target) + std::to_string(getpid()) + "-" + std::to_string(attempt) +
+                          ".tmp");
     std::error_code ignored;
     if (!fs::exists(fs::symlink_status(name, ignored))) return name;
   }

@@ -13,54 +13,64 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::size_t kReadSize = std::size_t{1} << 20U;
+constexpr std::size_t kFirstRead = std::size_t{1} << 16;
 
-[[noreturn]] void ThrowUnreadable(const std::filesystem::path& path) {
+[[noreturn]] void Fail(const std::filesystem::path& path) {
   throw Error(std::string("cannot be read: ") + std::strerror(errno), path.string());
 }
 
-// Closes the descriptor whichever way the reading ends.
-struct Descriptor {
-  int number;
-  ~Descriptor() { close(number); }
+class Descriptor {
+ public:
+  explicit Descriptor(const std::filesystem::path& path)
+      : number_(open(path.c_str(), O_RDONLY | O_CLOEXEC)) {}
+  ~Descriptor() {
+    if (number_ >= 0) close(number_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int Number() const { return number_; }
+
+ private:
+  int number_;
 };
+
+std::string ReadToEnd(int descriptor, const std::filesystem::path& path) {
+  std::string content;
+  std::size_t size = 0;
+  for (;;) {
+    if (size == content.size()) content.resize(std::max(kFirstRead, 2 * size));
+    const ssize_t got = read(descriptor, content.data() + size, content.size() - size);
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) Fail(path);
+    if (got == 0) break;
+    size += static_cast<std::size_t>(got);
+  }
+  content.resize(size);
+  return content;
+}
 
 }  // namespace
 
 MappedFile::MappedFile(const std::filesystem::path& path) {
-  const int number = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (number < 0) ThrowUnreadable(path);
-  const Descriptor descriptor{number};
+  const Descriptor file(path);
   struct stat status {};
-  if (fstat(number, &status) != 0) ThrowUnreadable(path);
+  if (file.Number() < 0 || fstat(file.Number(), &status) != 0) Fail(path);
   if (S_ISDIR(status.st_mode)) throw Error("is a folder, not a file", path.string());
-  const bool mappable = S_ISREG(status.st_mode) && status.st_size > 0;
-  if (mappable) {
+  if (S_ISREG(status.st_mode) && status.st_size > 0) {
     const auto size = static_cast<std::size_t>(status.st_size);
-    void* mapping = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, number, 0);
+    void* const mapping = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.Number(), 0);
     if (mapping != MAP_FAILED) {
       mapping_ = mapping;
-      text_ = {static_cast<const char*>(mapping), size};
+      mappedSize_ = size;
       return;
     }
   }
-  ReadAll(number, path);
-  text_ = content_;
+  // Also files of /proc, which are regular and claim to be empty, and file systems without mapping.
+  content_ = ReadToEnd(file.Number(), path);
 }
 
 MappedFile::~MappedFile() {
-  if (mapping_ != nullptr) munmap(mapping_, text_.size());
-}
-
-void MappedFile::ReadAll(int descriptor, const std::filesystem::path& path) {
-  for (;;) {
-    const std::size_t former = content_.size();
-    content_.resize(former + kReadSize);
-    const ssize_t got = read(descriptor, content_.data() + former, kReadSize);
-    content_.resize(former + (got > 0 ? static_cast<std::size_t>(got) : 0));
-    if (got == 0) return;
-    if (got < 0 && errno != EINTR) ThrowUnreadable(path);
-  }
+  if (mapping_ != nullptr) munmap(mapping_, mappedSize_);
 }
 
 }  // namespace brenvolt

@@ -1,12 +1,16 @@
-// A file's content as one text in memory: mapped where the file can be mapped, read where it cannot.
+// The bytes of a file for reading, without copying them where the system can map the file into memory.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
 namespace brenvolt {
 
+// The whole content of a file. A regular file is mapped: its pages come from the file as they are touched,
+// and it must not be shortened by others meanwhile. Pipes, devices and files without a known size are read
+// until they end.
 class MappedFile {
  public:
   // Throws Error naming the file when it is missing, a folder, or cannot be read.
@@ -15,14 +19,15 @@ class MappedFile {
   MappedFile(const MappedFile&) = delete;
   MappedFile& operator=(const MappedFile&) = delete;
 
-  std::string_view Text() const { return text_; }
+  // Valid as long as this object.
+  std::string_view Text() const {
+    return mapping_ != nullptr ? std::string_view(static_cast<const char*>(mapping_), mappedSize_) : content_;
+  }
 
  private:
-  void ReadAll(int descriptor, const std::filesystem::path& path);
-
   void* mapping_ = nullptr;
+  std::size_t mappedSize_ = 0;
   std::string content_;  // of a file that is not mapped
-  std::string_view text_;
 };
 
 }  // namespace brenvolt

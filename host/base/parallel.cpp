@@ -7,7 +7,8 @@
 
 namespace brenvolt {
 
-void ParallelBlocks(std::size_t count, std::size_t block, const std::function<void(std::size_t, std::size_t)>& body) {
+void ParallelBlocks(std::size_t count, std::size_t block,
+                    const std::function<void(std::size_t, std::size_t)>& body) {
   const std::size_t blocks = (count + block - 1) / block;
   ParallelFor(blocks, [&](std::size_t i) { body(i * block, std::min(count, (i + 1) * block)); });
 }

@@ -1,5 +1,5 @@
-// Loops over independent blocks on all cores. Results never depend on the number of threads: a block is a fixed
-// range of the problem, not a share of the machine.
+// Loops over independent blocks on all cores. Results never depend on the number of threads: a block is a
+// fixed range of the problem, not a share of the machine.
 #pragma once
 
 #include <cstddef>
@@ -7,9 +7,11 @@
 
 namespace brenvolt {
 
-// Calls body(begin, end) for consecutive blocks of at most `block` indices covering [0, count), in any order and
-// concurrently. The first exception thrown by a body is rethrown once all running blocks have ended.
-void ParallelBlocks(std::size_t count, std::size_t block, const std::function<void(std::size_t, std::size_t)>& body);
+// Calls body(begin, end) for consecutive blocks of at most `block` indices covering [0, count), in any order
+// and concurrently. `block` is at least 1. The first exception thrown by a body is rethrown once all running
+// blocks have ended.
+void ParallelBlocks(std::size_t count, std::size_t block,
+                    const std::function<void(std::size_t, std::size_t)>& body);
 
 // Calls body(i) for every i in [0, count).
 void ParallelFor(std::size_t count, const std::function<void(std::size_t)>& body);

@@ -1,11 +1,15 @@
-// Checks of text from outside.
+// Checks of text in UTF-8.
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace brenvolt {
 
-// True when the bytes are well-formed UTF-8 (RFC 3629: no overlong forms, no surrogates) without NUL characters.
-bool IsText(std::string_view bytes);
+inline constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+// The offset of the first byte that cannot stand in text: a zero byte, or the first byte of a sequence that
+// is not well-formed UTF-8 (The Unicode Standard, table 3-7); npos where all of `bytes` is text.
+std::size_t FindNonText(std::string_view bytes);
 
 }  // namespace brenvolt

@@ -1,305 +1,360 @@
-// Reading separated values: the text is cut into blocks at row ends, the blocks are parsed in parallel into their
-// places of the columns; columns that turned out not to be numeric are read again as text.
+// Reading: the text is cut into blocks of whole rows, each block is read as numbers on its own core, and
+// columns that turn out to hold text are read again for their texts.
+#include "host/tables/csv_reader.h"
+
 #include <algorithm>
-#include <charconv>
 #include <cmath>
+#include <deque>
 #include <limits>
+#include <map>
 #include <optional>
-#include <set>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/base/mapped_file.h"
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/base/utf8.h"
-#include "host/tables/csv.h"
+#include "host/tables/csv_cell.h"
 #include "host/tables/csv_scan.h"
 
 namespace brenvolt {
 namespace {
 
-constexpr std::size_t kBlockSize = std::size_t{1} << 20U;
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kMissingText = "NA";
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
+// The names of the columns from the cells of the header: cells without text become "Var" and the number of
+// the column, and of equal names the later ones get the first of "_2", "_3", … that leaves every name of the
+// header alone.
+std::vector<std::string> ColumnNames(std::vector<std::string> cells) {
+  const std::unordered_set<std::string> reserved(cells.begin(), cells.end());
+  std::unordered_set<std::string> taken;
+  std::unordered_map<std::string, std::size_t> lastNumber;
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    const bool unnamed = Trim(cells[c]).empty();
+    if (unnamed) cells[c] = "Var" + std::to_string(c + 1);
+    // An unnamed column yields to one that bears its name by right, also when that comes later.
+    const bool yields = unnamed && reserved.contains(cells[c]);
+    if (!yields && taken.insert(cells[c]).second) continue;
+    std::size_t& number = lastNumber.try_emplace(cells[c], 1).first->second;
+    std::string name;
+    do {
+      name = cells[c] + "_" + std::to_string(++number);
+    } while (reserved.contains(name) || taken.contains(name));
+    taken.insert(name);
+    cells[c] = std::move(name);
+  }
+  return cells;
+}
+
+// Codes of texts: 1, 2, … in the order in which they were met. Refers to the file's text where it can.
+class TextCodes {
+ public:
+  double CodeOf(const CsvField& field) {
+    const std::string_view text = CsvFieldText(field, buffer_);
+    const auto found = codes_.find(text);
+    if (found != codes_.end()) return found->second;
+    return Add(field.hasDoubledQuotes ? std::string_view(made_.emplace_back(text)) : text);
+  }
+  // `text` must outlive this object.
+  double CodeOf(std::string_view text) {
+    const auto found = codes_.find(text);
+    return found != codes_.end() ? found->second : Add(text);
+  }
+  // Texts by ascending code.
+  const std::vector<std::string_view>& Texts() const { return texts_; }
+
+ private:
+  double Add(std::string_view text) {
+    texts_.push_back(text);
+    return codes_.emplace(text, static_cast<double>(texts_.size())).first->second;
+  }
+
+  std::unordered_map<std::string_view, double> codes_;
+  std::vector<std::string_view> texts_;
+  std::deque<std::string> made_;  // texts that do not stand in the file as they are meant
+  std::string buffer_;
+};
+
+// What one core read from one block.
 struct Block {
   std::size_t begin = 0;
   std::size_t end = 0;
   std::size_t firstRow = 0;
   std::size_t rows = 0;
-  std::vector<std::uint8_t> isText;  // per column: a cell that is no number was met
+  std::vector<double> cells;          // row by row
+  std::vector<std::uint8_t> hasText;  // by column
+  std::map<std::size_t, std::size_t>
+      firstTooLarge;  // by column: the offset of the first number beyond the range
   std::optional<CsvFault> fault;
 };
 
-// What a cell is to a numeric column.
-struct Cell {
-  enum class Kind : std::uint8_t { kNumber, kMissing, kText, kOutOfRange } kind;
-  double value;
-};
-
-bool EqualsIgnoringCase(std::string_view text, std::string_view lower) {
-  return std::ranges::equal(text, lower, [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; });
-}
-
-// Words for what is no number: nan is missing, infinities are numbers.
-Cell WordCell(std::string_view text) {
-  const bool negative = text.starts_with('-');
-  const std::string_view word = negative || text.starts_with('+') ? text.substr(1) : text;
-  if (EqualsIgnoringCase(word, "inf") || EqualsIgnoringCase(word, "infinity")) {
-    const double infinity = std::numeric_limits<double>::infinity();
-    return {Cell::Kind::kNumber, negative ? -infinity : infinity};
-  }
-  return {EqualsIgnoringCase(word, "nan") ? Cell::Kind::kMissing : Cell::Kind::kText, 0};
-}
-
-bool LooksLikeNumber(std::string_view text, char decimalSeparator) {
-  bool digit = false;
-  for (const char c : text) {
-    digit = digit || (c >= '0' && c <= '9');
-    const bool allowed = (c >= '0' && c <= '9') || c == '+' || c == '-' || c == 'e' || c == 'E' || c == decimalSeparator;
-    if (!allowed) return false;
-  }
-  const char first = text.front();
-  return digit && first != 'e' && first != 'E';
-}
-
-Cell ClassifyCell(const CsvField& field, char decimalSeparator) {
-  const std::string_view trimmed = Trim(field.raw);
-  if (trimmed.empty() || (!field.quoted && trimmed == kMissingText)) return {Cell::Kind::kMissing, 0};
-  if (field.escaped) return {Cell::Kind::kText, 0};
-  if (const auto number = ParseNumber(trimmed, {decimalSeparator})) return {Cell::Kind::kNumber, *number};
-  if (!LooksLikeNumber(trimmed, decimalSeparator)) return WordCell(trimmed);
-  // A well-formed number is refused only when no double reaches that far; anything else is text.
-  std::string pointed(trimmed.starts_with('+') ? trimmed.substr(1) : trimmed);
-  std::ranges::replace(pointed, decimalSeparator, '.');
-  double ignored = 0;
-  const auto [end, error] = std::from_chars(pointed.data(), pointed.data() + pointed.size(), ignored);
-  const bool whole = end == pointed.data() + pointed.size();
-  return {whole && error == std::errc::result_out_of_range ? Cell::Kind::kOutOfRange : Cell::Kind::kText, 0};
-}
-
 class Reader {
  public:
-  Reader(std::string_view text, const std::string& name, const std::string& file, const CsvFormat& format)
-      : text_(text), name_(name), file_(file), format_(format) {}
+  Reader(std::string_view text, const CsvFormat& format, const std::string& fileName)
+      : text_(text), format_(format), fileName_(fileName) {}
 
-  Spreadsheet Read() {
-    try {
-      return ReadRows();
-    } catch (const CsvFault& fault) {
-      const auto line = std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(fault.rowOffset), '\n') + 1;
-      throw Error(fault.what, file_ + ", line " + std::to_string(line) + ", column " + std::to_string(fault.field));
-    }
-  }
+  Spreadsheet Read(const std::string& sheetName, std::size_t blockBytes) {
+    const std::size_t body = ReadHeader();
+    SplitBody(body, blockBytes);
+    ParallelFor(blocks_.size(), [&](std::size_t i) { ReadBlock(blocks_[i]); });
+    NumberRows();
+    FindTextColumns();
+    ThrowOnTooLargeNumber();
+    GatherColumns();
+    ReadTexts();
 
- private:
-  Spreadsheet ReadRows() {
-    while (text_.starts_with(kByteOrderMark)) text_.remove_prefix(kByteOrderMark.size());
-    if (Trim(text_).empty()) throw Error("is empty", file_);
-    ReadHeader();
-    CutIntoBlocks();
-    ParallelFor(blocks_.size(), [&](std::size_t i) { CountRows(blocks_[i]); });
-    PlaceRows();
-    ParallelFor(blocks_.size(), [&](std::size_t i) { ParseBlock(blocks_[i]); });
-    ThrowFirstFault();
-    return BuildSheet();
-  }
-
-  void ReadHeader() {
-    CsvScanner scanner(text_, 0, format_.separator);
-    while (scanner.SkipBlankLine()) continue;
-    if (scanner.AtEnd()) throw Error("is empty", file_);
-    scanner.BeginRow();
-    do {
-      const CsvField field = scanner.NextField();
-      const std::string name = field.quoted ? field.Text() : std::string(Trim(field.raw));
-      if (!IsText(name)) scanner.Fail("the file is not UTF-8 text");
-      names_.push_back(name.empty() ? "Var" + std::to_string(names_.size() + 1) : name);
-    } while (!scanner.AtRowEnd());
-    bodyStart_ = scanner.Position();
-    MakeNamesUnique();
-  }
-
-  void MakeNamesUnique() {
-    std::set<std::string> given(names_.begin(), names_.end());
-    std::set<std::string> taken;
-    for (std::string& name : names_) {
-      if (taken.insert(name).second) continue;
-      int number = 2;
-      while (given.contains(name + "_" + std::to_string(number))) ++number;
-      name += "_" + std::to_string(number);
-      given.insert(name);
-      taken.insert(name);
-    }
-  }
-
-  // Every block begins at the start of a row: whether a line end lies within quotes follows from the number of quotes
-  // before it.
-  void CutIntoBlocks() {
-    bool insideQuotes = false;
-    std::size_t counted = bodyStart_;
-    for (std::size_t begin = bodyStart_; begin < text_.size();) {
-      const std::size_t aim = std::min(begin + kBlockSize, text_.size());
-      const auto from = text_.begin() + static_cast<std::ptrdiff_t>(counted);
-      const auto to = text_.begin() + static_cast<std::ptrdiff_t>(aim);
-      insideQuotes = insideQuotes != (std::count(from, to, '"') % 2 == 1);
-      const std::size_t end = NextRowStart(text_, aim, insideQuotes);
-      insideQuotes = false;
-      counted = end;
-      Block block;
-      block.begin = begin;
-      block.end = end;
-      block.isText.resize(names_.size());
-      blocks_.push_back(std::move(block));
-      begin = end;
-    }
-  }
-
-  CsvScanner ScannerOf(const Block& block) const {
-    return {text_.substr(block.begin, block.end - block.begin), block.begin, format_.separator};
-  }
-
-  // In a file of one column an empty line is a missing value, else nothing.
-  bool SkipsBlankLines() const { return names_.size() > 1; }
-
-  void CountRows(Block& block) const {
-    const std::string_view text = text_.substr(block.begin, block.end - block.begin);
-    for (std::size_t start = 0; start < text.size();) {
-      const std::size_t next = NextRowStart(text, start, false);
-      const std::string_view line = text.substr(start, next - start);
-      const bool blank = line == "\n" || line == "\r\n" || line == "\r";
-      if (!blank || !SkipsBlankLines()) ++block.rows;
-      start = next;
-    }
-  }
-
-  void PlaceRows() {
-    for (Block& block : blocks_) {
-      block.firstRow = rows_;
-      rows_ += block.rows;
-    }
-    if (rows_ == 0) throw Error("has no lines of data below the header", file_);
-    columns_.assign(names_.size(), {});
-    ParallelFor(columns_.size(), [&](std::size_t i) { columns_[i].resize(rows_); });
-  }
-
-  void ParseBlock(Block& block) {
-    CsvScanner scanner = ScannerOf(block);
-    std::size_t row = block.firstRow;
-    try {
-      while (!scanner.AtEnd()) {
-        if (SkipsBlankLines() && scanner.SkipBlankLine()) continue;
-        ParseRow(scanner, row++, block);
-      }
-    } catch (CsvFault& fault) {
-      block.fault = std::move(fault);
-    }
-  }
-
-  void ParseRow(CsvScanner& scanner, std::size_t row, Block& block) {
-    scanner.BeginRow();
-    for (std::size_t column = 0; column < names_.size(); ++column) {
-      columns_[column][row] = ParseCell(scanner, block.isText[column]);
-      const bool last = column + 1 == names_.size();
-      if (scanner.AtRowEnd() == last) continue;
-      scanner.Fail(last ? "the line has more fields than the header (" + std::to_string(names_.size()) + ")"
-                        : "the line has " + std::to_string(column + 1) + " fields, the header " +
-                              std::to_string(names_.size()));
-    }
-  }
-
-  double ParseCell(CsvScanner& scanner, std::uint8_t& isText) const {
-    const std::string_view rest = scanner.Rest();
-    const bool plain = !rest.empty() && ((rest.front() >= '0' && rest.front() <= '9') || rest.front() == '-');
-    if (plain && format_.decimalSeparator == '.') {
-      double value = 0;
-      const auto [end, error] = std::from_chars(rest.data(), rest.data() + rest.size(), value);
-      const bool parsed = error == std::errc() && std::isfinite(value);
-      if (parsed && scanner.TakePlain(static_cast<std::size_t>(end - rest.data()))) return value;
-    }
-    const Cell cell = ClassifyCell(scanner.NextField(), format_.decimalSeparator);
-    if (cell.kind == Cell::Kind::kOutOfRange) scanner.Fail("the number is beyond the range of real numbers");
-    if (cell.kind == Cell::Kind::kText) isText = 1;
-    return cell.kind == Cell::Kind::kNumber ? cell.value : GetDefaultMDValue();
-  }
-
-  void ThrowFirstFault() const {
-    for (const Block& block : blocks_) {
-      if (block.fault) throw CsvFault(*block.fault);
-    }
-  }
-
-  Spreadsheet BuildSheet() {
-    std::vector<std::uint8_t> isText(names_.size());
-    for (const Block& block : blocks_) {
-      for (std::size_t c = 0; c < names_.size(); ++c) isText[c] |= block.isText[c];
-    }
-    std::vector<Variable> variables;
-    for (std::size_t c = 0; c < names_.size(); ++c) {
-      Variable& variable = variables.emplace_back(names_[c], 0);
-      if (isText[c] != 0) variable.SetType(VariableType::kText);
-    }
-    if (std::ranges::find(isText, 1) != isText.end()) ReadTexts(isText, variables);
-    Spreadsheet sheet(name_);
-    for (std::size_t c = 0; c < names_.size(); ++c) {
-      variables[c].AssignValues(std::move(columns_[c]));
-      sheet.AddVariable(std::move(variables[c]));
-    }
+    Spreadsheet sheet(sheetName);
+    for (std::size_t c = 0; c < names_.size(); ++c) sheet.AddVariable(MakeVariable(c));
     return sheet;
   }
 
-  // One more pass over the rows, for the columns of text.
-  void ReadTexts(const std::vector<std::uint8_t>& isText, std::vector<Variable>& variables) {
-    std::vector<std::unordered_map<std::string, double>> codes(names_.size());
-    for (const Block& block : blocks_) {
-      CsvScanner scanner = ScannerOf(block);
-      for (std::size_t row = block.firstRow; !scanner.AtEnd();) {
-        if (SkipsBlankLines() && scanner.SkipBlankLine()) continue;
-        scanner.BeginRow();
-        for (std::size_t c = 0; c < names_.size(); ++c) {
-          const CsvField field = scanner.NextField();
-          if (isText[c] == 0) continue;
-          const bool missing = ClassifyCell(field, format_.decimalSeparator).kind == Cell::Kind::kMissing;
-          columns_[c][row] = missing ? GetDefaultMDValue() : CodeOf(field, codes[c], variables[c], scanner);
-        }
-        ++row;
-      }
-    }
-  }
+ private:
+  [[noreturn]] void Fail(const std::string& what) const { throw Error(what, fileName_); }
+  [[noreturn]] void Fail(const CsvFault& fault) const;
 
-  static double CodeOf(const CsvField& field, std::unordered_map<std::string, double>& codes, Variable& variable,
-                       const CsvScanner& scanner) {
-    std::string text = field.Text();
-    const auto found = codes.find(text);
-    if (found != codes.end()) return found->second;
-    if (!IsText(text)) scanner.Fail("the file is not UTF-8 text");
-    const auto code = static_cast<double>(codes.size() + 1);
-    variable.SetLabel(code, text);
-    codes.emplace(std::move(text), code);
-    return code;
-  }
+  std::size_t ReadHeader();
+  void SplitBody(std::size_t body, std::size_t blockBytes);
+  void ReadBlock(Block& block) const;
+  void ReadRow(CsvScanner& scanner, Block& block) const;
+  void ReadCell(const CsvField& field, std::size_t column, std::size_t offset, Block& block) const;
+  void NumberRows();
+  void FindTextColumns();
+  void ThrowOnTooLargeNumber() const;
+  void GatherColumns();
+  void ReadTexts();
+  void ReadBlockTexts(const Block& block, std::vector<TextCodes>& codes);
+  void UniteCodes(std::size_t place);
+  Variable MakeVariable(std::size_t column);
+
+  // Lines without text are missing values where there is but one column.
+  bool SkipBlankLine(CsvScanner& scanner) const { return names_.size() > 1 && scanner.SkipBlankLine(); }
+  bool IsTextColumn(std::size_t column) const { return placeOfText_[column] != kNoText; }
+
+  static constexpr std::size_t kNoText = static_cast<std::size_t>(-1);
 
   std::string_view text_;
-  const std::string& name_;
-  const std::string& file_;
-  CsvFormat format_;
+  const CsvFormat& format_;
+  const std::string& fileName_;
   std::vector<std::string> names_;
-  std::size_t bodyStart_ = 0;
   std::vector<Block> blocks_;
   std::size_t rows_ = 0;
   std::vector<std::vector<double>> columns_;
+  std::vector<std::size_t> textColumns_;            // the numbers of the columns that hold text
+  std::vector<std::size_t> placeOfText_;            // by column: its place in textColumns_, or kNoText
+  std::vector<std::vector<TextCodes>> blockCodes_;  // by block and place
+  std::vector<TextCodes> codes_;                    // by place
 };
+
+void Reader::Fail(const CsvFault& fault) const {
+  const auto line =
+      1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(fault.offset), '\n');
+  throw Error(fault.what,
+              fileName_ + ", line " + std::to_string(line) + ", column " + std::to_string(fault.column));
+}
+
+// Returns where the header ends.
+std::size_t Reader::ReadHeader() {
+  const std::size_t begin = text_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  CsvScanner scanner(text_, begin, text_.size(), format_.separator);
+  while (!scanner.AtEnd() && scanner.SkipBlankLine()) {
+  }
+  if (scanner.AtEnd()) Fail("is empty");
+  std::vector<std::string> cells;
+  CsvField field;
+  std::string buffer;
+  CsvFieldEnd end = CsvFieldEnd::kSeparator;
+  try {
+    while (end == CsvFieldEnd::kSeparator) {
+      end = scanner.Next(field);
+      cells.emplace_back(CsvFieldText(field, buffer));
+    }
+  } catch (const CsvFault& fault) {
+    Fail(fault);
+  }
+  names_ = ColumnNames(std::move(cells));
+  return scanner.Offset();
+}
+
+void Reader::SplitBody(std::size_t body, std::size_t blockBytes) {
+  const std::vector<std::size_t> starts = SplitIntoRowBlocks(text_, body, blockBytes);
+  blocks_.resize(starts.size() - 1);
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    blocks_[i].begin = starts[i];
+    blocks_[i].end = starts[i + 1];
+  }
+}
+
+void Reader::ReadBlock(Block& block) const {
+  const std::string_view text = text_.substr(block.begin, block.end - block.begin);
+  const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
+  block.cells.reserve(names_.size() * std::min(lines, text.size() / names_.size() + 1));
+  block.hasText.assign(names_.size(), 0);
+  CsvScanner scanner(text_, block.begin, block.end, format_.separator);
+  try {
+    while (!scanner.AtEnd()) {
+      if (!SkipBlankLine(scanner)) ReadRow(scanner, block);
+    }
+  } catch (const CsvFault& fault) {
+    block.fault = fault;
+  }
+}
+
+void Reader::ReadRow(CsvScanner& scanner, Block& block) const {
+  const std::size_t begin = scanner.Offset();
+  const std::size_t columns = names_.size();
+  block.cells.resize(block.cells.size() + columns, kMissing);
+  CsvField field;
+  for (std::size_t column = 0; column < columns; ++column) {
+    const std::size_t offset = scanner.Offset();
+    const CsvFieldEnd end = scanner.Next(field);
+    ReadCell(field, column, offset, block);
+    const bool last = column + 1 == columns;
+    if (end == CsvFieldEnd::kRow && !last) {
+      throw CsvFault{"has " + std::to_string(column + 1) + (column == 0 ? " field" : " fields") +
+                         ", the header has " + std::to_string(columns),
+                     begin, column + 2};
+    }
+    if (end == CsvFieldEnd::kSeparator && last) {
+      throw CsvFault{"has more fields than the header, which has " + std::to_string(columns), begin,
+                     columns + 1};
+    }
+  }
+  ++block.rows;
+}
+
+// The cell is the one of this column in the last row of block.cells, where it is missing so far.
+void Reader::ReadCell(const CsvField& field, std::size_t column, std::size_t offset, Block& block) const {
+  double& value = block.cells[block.cells.size() - names_.size() + column];
+  switch (ReadCsvCell(field, format_, value)) {
+    case CsvCellKind::kMissing:
+    case CsvCellKind::kNumber:
+      return;
+    case CsvCellKind::kTooLarge:
+      block.firstTooLarge.try_emplace(column, offset);
+      break;
+    case CsvCellKind::kText:
+      block.hasText[column] = 1;
+      break;
+  }
+  value = 0;  // present; a code will take its place
+}
+
+// Throws the first fault; otherwise tells every block which rows it holds.
+void Reader::NumberRows() {
+  for (Block& block : blocks_) {
+    if (block.fault) Fail(*block.fault);
+    block.firstRow = rows_;
+    rows_ += block.rows;
+  }
+  if (rows_ == 0) Fail("has no data lines");
+}
+
+void Reader::FindTextColumns() {
+  placeOfText_.assign(names_.size(), kNoText);
+  for (std::size_t c = 0; c < names_.size(); ++c) {
+    if (std::ranges::none_of(blocks_, [c](const Block& block) { return block.hasText[c] != 0; })) continue;
+    placeOfText_[c] = textColumns_.size();
+    textColumns_.push_back(c);
+  }
+}
+
+// In a column of texts, what looks like such a number is a text.
+void Reader::ThrowOnTooLargeNumber() const {
+  for (const Block& block : blocks_) {
+    std::optional<CsvFault> first;
+    for (const auto& [column, offset] : block.firstTooLarge) {
+      if (IsTextColumn(column) || (first && first->offset < offset)) continue;
+      first = CsvFault{"has a number too large for a double", offset, column + 1};
+    }
+    if (first) Fail(*first);
+  }
+}
+
+void Reader::GatherColumns() {
+  const std::size_t width = names_.size();
+  columns_.resize(width);
+  ParallelFor(width, [&](std::size_t c) { columns_[c].resize(rows_); });
+  ParallelFor(blocks_.size(), [&](std::size_t i) {
+    Block& block = blocks_[i];
+    for (std::size_t c = 0; c < width; ++c) {
+      double* const column = columns_[c].data() + block.firstRow;
+      for (std::size_t row = 0; row < block.rows; ++row) column[row] = block.cells[row * width + c];
+    }
+    std::vector<double>().swap(block.cells);
+  });
+}
+
+void Reader::ReadTexts() {
+  if (textColumns_.empty()) return;
+  blockCodes_.resize(blocks_.size());
+  ParallelFor(blocks_.size(), [&](std::size_t i) {
+    blockCodes_[i].resize(textColumns_.size());
+    ReadBlockTexts(blocks_[i], blockCodes_[i]);
+  });
+  codes_.resize(textColumns_.size());
+  ParallelFor(textColumns_.size(), [&](std::size_t place) { UniteCodes(place); });
+}
+
+// Puts codes of this block into the text columns.
+void Reader::ReadBlockTexts(const Block& block, std::vector<TextCodes>& codes) {
+  CsvScanner scanner(text_, block.begin, block.end, format_.separator);
+  CsvField field;
+  for (std::size_t row = block.firstRow; row < block.firstRow + block.rows; ++row) {
+    while (SkipBlankLine(scanner)) {
+    }
+    for (std::size_t c = 0; c < names_.size(); ++c) {
+      scanner.Next(field);
+      if (!IsTextColumn(c)) continue;
+      double& value = columns_[c][row];
+      if (!std::isnan(value)) value = codes[placeOfText_[c]].CodeOf(field);
+    }
+  }
+}
+
+// Makes the codes of all blocks the codes of the whole column.
+void Reader::UniteCodes(std::size_t place) {
+  std::vector<double>& column = columns_[textColumns_[place]];
+  std::vector<double> codeInColumn;
+  for (std::size_t i = 0; i < blocks_.size(); ++i) {
+    codeInColumn.clear();
+    for (const std::string_view text : blockCodes_[i][place].Texts())
+      codeInColumn.push_back(codes_[place].CodeOf(text));
+    double* const values = column.data() + blocks_[i].firstRow;
+    for (std::size_t row = 0; row < blocks_[i].rows; ++row) {
+      if (!std::isnan(values[row])) values[row] = codeInColumn[static_cast<std::size_t>(values[row]) - 1];
+    }
+  }
+}
+
+Variable Reader::MakeVariable(std::size_t column) {
+  Variable variable(names_[column], 0);
+  variable.AssignValues(std::move(columns_[column]));
+  if (!IsTextColumn(column)) return variable;
+  variable.SetType(VariableType::kText);
+  double code = 0;
+  for (const std::string_view text : codes_[placeOfText_[column]].Texts())
+    variable.SetLabel(++code, std::string(text));
+  return variable;
+}
 
 }  // namespace
 
-Spreadsheet ReadCsv(const std::filesystem::path& path, const CsvFormat& format) {
-  const MappedFile file(path);
-  return Reader(file.Text(), path.stem().string(), path.string(), format).Read();
+Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
+                          const CsvFormat& format, std::size_t blockBytes) {
+  CheckCsvFormat(format);
+  return Reader(text, format, fileName).Read(sheetName, blockBytes);
 }
 
 Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const CsvFormat& format) {
-  return Reader(text, name, name, format).Read();
+  return ReadCsvBlocks(text, name, name, format);
+}
+
+Spreadsheet ReadCsv(const std::filesystem::path& path, const CsvFormat& format) {
+  const MappedFile file(path);
+  return ReadCsvBlocks(file.Text(), path.stem().string(), path.string(), format);
 }
 
 }  // namespace brenvolt

@@ -3,95 +3,93 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/base/parallel.h"
+#include "host/base/utf8.h"
+
 namespace brenvolt {
 
-std::string CsvField::Text() const {
-  if (!escaped) return std::string(raw);
-  std::string text;
-  text.reserve(raw.size());
-  for (std::size_t i = 0; i < raw.size(); ++i) {
-    text += raw[i];
-    if (raw[i] == '"') ++i;
-  }
-  return text;
+CsvScanner::CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator)
+    : text_(text), next_(text.data() + begin), end_(text.data() + end), separator_(separator) {
+  const std::size_t nonText = FindNonText(text.substr(begin, end - begin));
+  firstNonText_ = nonText == std::string_view::npos ? end_ : next_ + nonText;
+  for (const char c : {separator, '"', '\n'}) isSpecial_[static_cast<std::uint8_t>(c)] = true;
+}
+
+const char* CsvScanner::PastRowEnd(const char* from) const {
+  if (from != end_ && *from == '\r') ++from;
+  if (from == end_) return from;
+  return *from == '\n' ? from + 1 : nullptr;
 }
 
 bool CsvScanner::SkipBlankLine() {
-  const std::string_view rest = Rest();
-  const std::size_t length = rest.starts_with("\r\n") ? 2 : rest.starts_with('\n') ? 1 : rest == "\r" ? 1 : 0;
-  position_ += length;
-  return length > 0;
-}
-
-void CsvScanner::BeginRow() {
-  rowStart_ = position_;
-  fieldNumber_ = 0;
-  rowEnded_ = false;
-}
-
-bool CsvScanner::TakeDelimiter() {
-  const std::string_view rest = Rest();
-  rowEnded_ = rest.empty() || rest == "\r" || rest.front() == '\n' || rest.starts_with("\r\n");
-  if (rest.empty()) return true;
-  if (!rowEnded_ && rest.front() != separator_) return false;
-  position_ += rest.starts_with("\r\n") ? 2 : 1;
+  const char* const past = PastRowEnd(SkipBlanks(next_));
+  if (past == nullptr) return false;
+  next_ = past;
   return true;
 }
 
-bool CsvScanner::TakePlain(std::size_t length) {
-  const std::size_t former = position_;
-  position_ += length;
-  if (!TakeDelimiter()) {
-    position_ = former;
-    return false;
+CsvFieldEnd CsvScanner::NextQuoted(CsvField& field, const char* quote) {
+  if (SkipBlanks(next_) != quote) Fail("has a quote inside an unquoted field", quote);
+  const char* const begin = quote + 1;
+  field = {.text = {}, .quoted = true};
+  const char* close = begin;
+  for (;; close += 2) {
+    close = static_cast<const char*>(std::memchr(close, '"', static_cast<std::size_t>(end_ - close)));
+    if (close == nullptr) Fail("has a quoted field that is not closed", quote);
+    if (close + 1 == end_ || close[1] != '"') break;
+    field.hasDoubledQuotes = true;
   }
-  ++fieldNumber_;
-  return true;
+  field.text = {begin, close};
+
+  const char* const after = SkipBlanks(close + 1);
+  if (after != end_ && *after == separator_) return FinishField(after, true);
+  const char* const past = PastRowEnd(after);
+  if (past == nullptr) Fail("has text after a closing quote", after);
+  return FinishField(past == end_ && past[-1] != '\n' ? past : past - 1, false);
 }
 
-CsvField CsvScanner::NextField() {
-  ++fieldNumber_;
-  const std::string_view rest = Rest();
-  if (rest.starts_with('"')) return QuotedField();
-  std::size_t end = 0;
-  while (end < rest.size() && rest[end] != separator_ && rest[end] != '\n') {
-    if (rest[end] == '"') Fail("a quote stands inside an unquoted field");
-    ++end;
-  }
-  const bool rowEnd = end == rest.size() || rest[end] == '\n';
-  CsvField field;
-  field.raw = rest.substr(0, rowEnd && end > 0 && rest[end - 1] == '\r' ? end - 1 : end);
-  position_ += field.raw.size();
-  TakeDelimiter();
-  return field;
+void CsvScanner::Fail(const char* what, const char* where) const {
+  throw CsvFault{what, static_cast<std::size_t>(where - text_.data()), column_};
 }
 
-CsvField CsvScanner::QuotedField() {
-  CsvField field;
-  field.quoted = true;
-  const std::size_t start = position_ + 1;
-  std::size_t end = start;
-  for (;;) {
-    end = text_.find('"', end);
-    if (end == std::string_view::npos) Fail("a quoted field is not closed");
-    if (end + 1 >= text_.size() || text_[end + 1] != '"') break;
-    field.escaped = true;
-    end += 2;
+namespace {
+
+// The offset behind the first row end in text[begin, end), or npos. `quoted` tells whether begin lies in
+// quotes.
+std::size_t FindRowStart(std::string_view text, std::size_t begin, std::size_t end, bool quoted) {
+  while (begin != end) {
+    const std::size_t lineEnd = std::min(end, text.find('\n', begin));
+    if (std::count(text.begin() + begin, text.begin() + lineEnd, '"') % 2 != 0) quoted = !quoted;
+    if (lineEnd == end) break;
+    if (!quoted) return lineEnd + 1;
+    begin = lineEnd + 1;
   }
-  field.raw = text_.substr(start, end - start);
-  position_ = end + 1;
-  if (!TakeDelimiter()) Fail("text stands behind a quoted field");
-  return field;
+  return std::string_view::npos;
 }
 
-void CsvScanner::Fail(std::string what) const { throw CsvFault{std::move(what), RowOffset(), fieldNumber_}; }
+}  // namespace
 
-std::size_t NextRowStart(std::string_view text, std::size_t from, bool insideQuotes) {
-  for (; from < text.size(); ++from) {
-    if (text[from] == '"') insideQuotes = !insideQuotes;
-    if (text[from] == '\n' && !insideQuotes) return from + 1;
-  }
-  return text.size();
+std::vector<std::size_t> SplitIntoRowBlocks(std::string_view text, std::size_t begin,
+                                            std::size_t blockBytes) {
+  const std::size_t pieces = (text.size() - begin + blockBytes - 1) / blockBytes;
+  const auto pieceBegin = [&](std::size_t i) { return std::min(text.size(), begin + i * blockBytes); };
+
+  // Every quote that obeys the rules opens or closes, a doubled one both: an odd number before a place puts
+  // it inside a quoted field.
+  std::vector<std::uint8_t> quoted(pieces + 1, 0);
+  ParallelFor(pieces, [&](std::size_t i) {
+    quoted[i + 1] = std::count(text.begin() + pieceBegin(i), text.begin() + pieceBegin(i + 1), '"') % 2 != 0;
+  });
+  for (std::size_t i = 1; i <= pieces; ++i) quoted[i] ^= quoted[i - 1];
+
+  std::vector<std::size_t> starts(pieces, begin);
+  ParallelFor(pieces, [&](std::size_t i) {
+    if (i > 0) starts[i] = FindRowStart(text, pieceBegin(i), pieceBegin(i + 1), quoted[i] != 0);
+  });
+  // A row longer than a piece belongs to the block in which it begins.
+  std::erase(starts, std::string_view::npos);
+  if (starts.empty() || starts.back() != text.size()) starts.push_back(text.size());
+  return starts;
 }
 
 }  // namespace brenvolt

@@ -1,69 +1,109 @@
-// Rows and fields of a text of separated values.
+// Splits separated values (RFC 4180) into rows and fields, and long texts into blocks of whole rows that can
+// be read independently of each other. Knows nothing of what a field means.
 #pragma once
 
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brenvolt {
 
-// A fault of the text at a place: the byte offset of the row and the field's number in it, from 1.
+// A field as it stands in the text; valid as long as the text.
+struct CsvField {
+  // Of an unquoted field all but the blanks at its ends, of a quoted one all between its quotes.
+  std::string_view text;
+  bool quoted = false;
+  bool hasDoubledQuotes = false;  // each stands for one quote
+};
+
+enum class CsvFieldEnd : std::uint8_t { kSeparator, kRow };
+
+// Thrown where the text breaks the rules.
 struct CsvFault {
   std::string what;
-  std::size_t rowOffset;
-  std::size_t field;
+  std::size_t offset;  // into the text
+  std::size_t column;  // number of the field in its row, from 1
 };
 
-struct CsvField {
-  std::string_view raw;  // without the enclosing quotes
-  bool quoted = false;
-  bool escaped = false;  // holds doubled quotes
-
-  // The field's text with doubled quotes made single.
-  std::string Text() const;
-};
-
-// Walks the fields of a text from row to row.
+// Hands out the fields of text[begin, end), which must begin with a row and end with one.
+//
+// Rows end with LF or CRLF. Blanks (spaces and tabs) beside a quoted field are passed over. Text must be
+// UTF-8 without zero bytes.
 class CsvScanner {
  public:
-  // `base` is the offset of `text` in the whole file, for faults.
-  CsvScanner(std::string_view text, std::size_t base, char separator)
-      : text_(text), base_(base), separator_(separator) {}
+  CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator);
 
-  bool AtEnd() const { return position_ == text_.size(); }
-  std::size_t Position() const { return position_; }
-  // True, and the line is passed over, when the next line is empty.
+  bool AtEnd() const { return next_ == end_; }
+  // Where the next field begins.
+  std::size_t Offset() const { return static_cast<std::size_t>(next_ - text_.data()); }
+  // At the start of a row: passes over a line that holds at most blanks. False, and nothing moved, for
+  // others.
   bool SkipBlankLine();
-  // Begins a row at the present position.
-  void BeginRow();
-  // Reads the next field of the row; afterwards AtRowEnd tells whether it was the last. Throws CsvFault for an
-  // unclosed quote, text beside a quoted field, or a quote inside an unquoted one.
-  CsvField NextField();
-  bool AtRowEnd() const { return rowEnded_; }
-  std::size_t RowOffset() const { return base_ + rowStart_; }
-  std::size_t FieldNumber() const { return fieldNumber_; }
-  // The rest of the text from the next field on, for parsing a number in place; and taking that field.
-  std::string_view Rest() const { return text_.substr(position_); }
-  // Takes a field of `length` unquoted bytes if a separator or row end follows it; false, and nothing is taken, else.
-  bool TakePlain(std::size_t length);
-  [[noreturn]] void Fail(std::string what) const;
+  // Reads one field and tells what ended it. Throws CsvFault.
+  CsvFieldEnd Next(CsvField& field);
 
  private:
-  // Moves past a separator or row end at the position; false when there is neither.
-  bool TakeDelimiter();
-  CsvField QuotedField();
+  const char* FindSpecial(const char* from) const {
+    while (from != end_ && !isSpecial_[static_cast<std::uint8_t>(*from)]) ++from;
+    return from;
+  }
+  bool IsBlank(char c) const { return (c == ' ' || c == '\t') && c != separator_; }
+  const char* SkipBlanks(const char* from) const {
+    while (from != end_ && IsBlank(*from)) ++from;
+    return from;
+  }
+  // The position after the row end at `from`, or null when none stands there.
+  const char* PastRowEnd(const char* from) const;
+  CsvFieldEnd NextQuoted(CsvField& field, const char* quote);
+  CsvFieldEnd FinishField(const char* end, bool atSeparator);
+  [[noreturn]] void Fail(const char* what, const char* where) const;
 
   std::string_view text_;
-  std::size_t base_;
+  const char* next_;
+  const char* end_;
+  const char* firstNonText_;  // or end_
+  std::size_t column_ = 1;
   char separator_;
-  std::size_t position_ = 0;
-  std::size_t rowStart_ = 0;
-  std::size_t fieldNumber_ = 0;
-  bool rowEnded_ = false;
+  std::array<bool, 256> isSpecial_{};  // what ends an unquoted field or is a fault in it
 };
 
-// The offset just behind the row end that follows `from`, or the text's size; `insideQuotes` tells whether `from`
-// lies within a quoted field.
-std::size_t NextRowStart(std::string_view text, std::size_t from, bool insideQuotes);
+// Cuts text[begin, size) into blocks of whole rows, about `blockBytes` long each where rows are shorter than
+// that. Returns the offsets at which blocks begin, in ascending order, and the size of the text. In text that
+// breaks the rules, blocks up to the first fault are right: a scanner over the block with that fault meets
+// it.
+std::vector<std::size_t> SplitIntoRowBlocks(std::string_view text, std::size_t begin, std::size_t blockBytes);
+
+// ---- Inline: what runs for every field of a file of numbers. ----
+
+inline CsvFieldEnd CsvScanner::FinishField(const char* end, bool atSeparator) {
+  if (end > firstNonText_) [[unlikely]] {
+    Fail("is not text in UTF-8", firstNonText_);
+  }
+  if (atSeparator) {
+    next_ = end + 1;
+    ++column_;
+    return CsvFieldEnd::kSeparator;
+  }
+  next_ = end == end_ ? end : end + 1;
+  column_ = 1;
+  return CsvFieldEnd::kRow;
+}
+
+inline CsvFieldEnd CsvScanner::Next(CsvField& field) {
+  const char* begin = next_;
+  const char* const special = FindSpecial(begin);
+  if (special != end_ && *special == '"') return NextQuoted(field, special);
+
+  const bool atSeparator = special != end_ && *special == separator_;
+  const char* end = special;
+  if (!atSeparator && end != begin && end[-1] == '\r') --end;
+  while (begin != end && IsBlank(*begin)) ++begin;
+  while (end != begin && IsBlank(end[-1])) --end;
+  field = {.text = {begin, end}};
+  return FinishField(special, atSeparator);
+}
 
 }  // namespace brenvolt

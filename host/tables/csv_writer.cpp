@@ -1,107 +1,113 @@
-// Writing separated values: blocks of rows are formatted in parallel and written in order.
+// Writing: rows are formatted in blocks on all cores, a wave of blocks at a time, while the wave before goes
+// to the file.
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <cmath>
 #include <functional>
 
-#include "host/base/number_text.h"
 #include "host/base/output_file.h"
 #include "host/base/parallel.h"
 #include "host/tables/csv.h"
+#include "host/tables/csv_cell.h"
 
 namespace brenvolt {
 namespace {
 
-constexpr std::size_t kBlockRows = 4096;
-// Blocks formatted before they are written: bounds the memory, whatever the size of the sheet.
-constexpr std::size_t kBlocksAtOnce = 16;
+constexpr std::size_t kCellsPerBlock = std::size_t{1} << 15;
+// Bounds what stands in memory at a time: two waves of this many blocks.
+constexpr std::size_t kBlocksPerWave = 16;
+constexpr std::size_t kLikelyCellBytes = 20;
 
-class Writer {
- public:
-  Writer(const Spreadsheet& sheet, const CsvFormat& format) : sheet_(sheet), format_(format) {}
+using Sink = std::function<void(std::string_view)>;
 
-  void Write(const std::function<void(std::string_view)>& sink) const {
-    sink(HeaderLine());
-    const std::size_t rowsAtOnce = kBlockRows * kBlocksAtOnce;
-    for (std::size_t start = 0; start < sheet_.CaseCount(); start += rowsAtOnce) {
-      const std::size_t rows = std::min(rowsAtOnce, sheet_.CaseCount() - start);
-      std::array<std::string, kBlocksAtOnce> texts;
-      ParallelBlocks(rows, kBlockRows, [&](std::size_t begin, std::size_t end) {
-        texts[begin / kBlockRows] = Rows(start + begin, start + end);
-      });
-      for (const std::string& text : texts) sink(text);
-    }
+void AppendHeader(std::string& out, const Spreadsheet& sheet, const CsvFormat& format) {
+  const std::size_t begin = out.size();
+  if (sheet.HasCaseNames()) {
+    AppendCsvText(out, sheet.Header(), format.separator);
+    if (sheet.VariableCount() > 0) out += format.separator;
   }
-
- private:
-  std::string HeaderLine() const {
-    std::string line;
-    if (sheet_.HasCaseNames()) AppendText(line, sheet_.Header());
-    for (std::size_t c = 0; c < sheet_.VariableCount(); ++c) {
-      if (c > 0 || sheet_.HasCaseNames()) line += format_.separator;
-      AppendText(line, sheet_.VariableAt(c).Name());
-    }
-    return line + '\n';
+  for (std::size_t c = 0; c < sheet.VariableCount(); ++c) {
+    if (c > 0) out += format.separator;
+    AppendCsvText(out, sheet.VariableAt(c).Name(), format.separator);
   }
+  // An empty line would not count as a header.
+  if (out.size() == begin) out += "\"\"";
+  out += '\n';
+}
 
-  std::string Rows(std::size_t begin, std::size_t end) const {
-    std::string text;
-    for (std::size_t row = begin; row < end; ++row) {
-      if (sheet_.HasCaseNames()) AppendText(text, sheet_.CaseName(row));
-      for (std::size_t c = 0; c < sheet_.VariableCount(); ++c) {
-        if (c > 0 || sheet_.HasCaseNames()) text += format_.separator;
-        AppendCell(text, sheet_.VariableAt(c), row);
-      }
-      text += '\n';
-    }
-    return text;
-  }
-
-  void AppendCell(std::string& text, const Variable& variable, std::size_t row) const {
-    if (variable.IsMissing(row)) return;
-    const double value = variable.Values()[row];
-    if (variable.Type() == VariableType::kText) {
-      if (const auto label = variable.Label(value)) return AppendText(text, *label);
-    }
-    std::array<char, 32> buffer;
-    char* const end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
-    if (format_.decimalSeparator != '.') std::replace(buffer.data(), end, '.', format_.decimalSeparator);
-    text.append(buffer.data(), end);
-  }
-
-  // Quotes a text that would otherwise be read as something else.
-  void AppendText(std::string& out, std::string_view text) const {
-    const auto special = [&](char c) { return c == format_.separator || c == '"' || c == '\n' || c == '\r'; };
-    const bool quoted = std::ranges::any_of(text, special) || Trim(text) != text || text == "NA" ||
-                        text.starts_with('\xEF') || text.empty();
-    if (!quoted) {
-      out += text;
+void AppendCell(std::string& out, const Variable& variable, std::size_t row, const CsvFormat& format) {
+  if (variable.IsMissing(row)) return;
+  const double value = variable.Values()[row];
+  if (variable.Type() == VariableType::kText) {
+    if (const auto label = variable.Label(value)) {
+      AppendCsvText(out, *label, format.separator);
       return;
     }
-    out += '"';
-    for (const char c : text) {
-      out += c;
-      if (c == '"') out += c;
-    }
-    out += '"';
   }
+  AppendCsvNumber(out, value, format.decimalSeparator);
+}
 
-  const Spreadsheet& sheet_;
-  CsvFormat format_;
-};
+void AppendRows(std::string& out, const Spreadsheet& sheet, std::size_t begin, std::size_t end,
+                const CsvFormat& format) {
+  const std::size_t columns = sheet.VariableCount();
+  for (std::size_t row = begin; row < end; ++row) {
+    if (sheet.HasCaseNames()) {
+      AppendCsvText(out, sheet.CaseName(row), format.separator);
+      if (columns > 0) out += format.separator;
+    }
+    for (std::size_t c = 0; c < columns; ++c) {
+      if (c > 0) out += format.separator;
+      AppendCell(out, sheet.VariableAt(c), row, format);
+    }
+    out += '\n';
+  }
+}
+
+void WriteText(const Spreadsheet& sheet, const CsvFormat& format, const Sink& sink) {
+  std::string header;
+  AppendHeader(header, sheet, format);
+  sink(header);
+
+  const std::size_t columns = std::max<std::size_t>(1, sheet.VariableCount());
+  const std::size_t rowsPerBlock = std::max<std::size_t>(1, kCellsPerBlock / columns);
+  const std::size_t blocks = (sheet.CaseCount() + rowsPerBlock - 1) / rowsPerBlock;
+  std::array<std::string, kBlocksPerWave> ready;
+  std::array<std::string, kBlocksPerWave> coming;
+  std::size_t readyCount = 0;
+  const auto writeReady = [&] {
+    for (std::size_t i = 0; i < readyCount; ++i) sink(ready[i]);
+  };
+  for (std::size_t first = 0; first < blocks; first += kBlocksPerWave) {
+    const std::size_t count = std::min(kBlocksPerWave, blocks - first);
+    ParallelFor(count + 1, [&](std::size_t task) {
+      if (task == 0) {
+        writeReady();
+        return;
+      }
+      std::string& out = coming[task - 1];
+      out.clear();
+      out.reserve(rowsPerBlock * columns * kLikelyCellBytes);
+      const std::size_t begin = (first + task - 1) * rowsPerBlock;
+      AppendRows(out, sheet, begin, std::min(begin + rowsPerBlock, sheet.CaseCount()), format);
+    });
+    std::swap(ready, coming);
+    readyCount = count;
+  }
+  writeReady();
+}
 
 }  // namespace
 
 void WriteCsv(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+  CheckCsvFormat(format);
   OutputFile file(path);
-  Writer(sheet, format).Write([&](std::string_view text) { file.Write(text); });
+  WriteText(sheet, format, [&file](std::string_view bytes) { file.Write(bytes); });
   file.Commit();
 }
 
 std::string CsvText(const Spreadsheet& sheet, const CsvFormat& format) {
+  CheckCsvFormat(format);
   std::string text;
-  Writer(sheet, format).Write([&](std::string_view piece) { text += piece; });
+  WriteText(sheet, format, [&text](std::string_view bytes) { text += bytes; });
   return text;
 }
 

@@ -1,0 +1,102 @@
+#include "host/tables/csv_cell.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/base/utf8.h"
+
+namespace brenvolt {
+namespace {
+
+// Equal but for the case of letters; `word` is in lower case.
+bool SpellsWord(std::string_view text, std::string_view word) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::ranges::equal(text, word, {}, lower);
+}
+
+std::string_view WithoutSign(std::string_view text) {
+  return text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
+}
+
+bool IsMissingWord(std::string_view text) {
+  return text == "NA" || SpellsWord(WithoutSign(text), "nan");
+}
+
+bool IsInfinityWord(std::string_view text) {
+  const std::string_view word = WithoutSign(text);
+  return SpellsWord(word, "inf") || SpellsWord(word, "infinity");
+}
+
+bool NeedsQuotes(std::string_view text, char separator) {
+  const auto isSpecial = [separator](char c) { return c == separator || c == '"' || c == '\n' || c == '\r'; };
+  return std::ranges::any_of(text, isSpecial) || Trim(text).size() != text.size() || IsMissingWord(text) ||
+         text.starts_with(kByteOrderMark);
+}
+
+bool IsSafeMark(char c) {
+  constexpr std::string_view kUnsafe = "\"\r\n+-";
+  const auto byte = static_cast<unsigned char>(c);
+  const bool letterOrDigit = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+  return byte > 0 && byte < 0x80 && !letterOrDigit && kUnsafe.find(c) == std::string_view::npos;
+}
+
+}  // namespace
+
+void CheckCsvFormat(const CsvFormat& format) {
+  if (format.separator == format.decimalSeparator) throw Error("the separator is the decimal separator too");
+  if (!IsSafeMark(format.separator)) throw Error("the separator may stand inside a cell");
+  if (format.decimalSeparator != '.' && format.decimalSeparator != ',') {
+    throw Error("the decimal separator is neither point nor comma");
+  }
+}
+
+CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& value) {
+  const std::string_view text = field.quoted ? Trim(field.text) : field.text;
+  switch (ReadNumber(text, {format.decimalSeparator}, value)) {
+    case NumberReading::kNumber:
+      return CsvCellKind::kNumber;
+    case NumberReading::kTooLarge:
+      return CsvCellKind::kTooLarge;
+    case NumberReading::kNoNumber:
+      break;
+  }
+  if (field.text.empty() || (!field.quoted && IsMissingWord(text))) return CsvCellKind::kMissing;
+  if (!IsInfinityWord(text)) return CsvCellKind::kText;
+  value = std::numeric_limits<double>::infinity() * (text.front() == '-' ? -1 : 1);
+  return CsvCellKind::kNumber;
+}
+
+std::string_view CsvFieldText(const CsvField& field, std::string& buffer) {
+  if (!field.hasDoubledQuotes) return field.text;
+  buffer.clear();
+  for (std::size_t i = 0; i < field.text.size(); ++i) {
+    buffer += field.text[i];
+    if (field.text[i] == '"') ++i;
+  }
+  return buffer;
+}
+
+void AppendCsvText(std::string& out, std::string_view text, char separator) {
+  if (!NeedsQuotes(text, separator)) {
+    out += text;
+    return;
+  }
+  out += '"';
+  for (const char c : text) {
+    if (c == '"') out += '"';
+    out += c;
+  }
+  out += '"';
+}
+
+void AppendCsvNumber(std::string& out, double x, char decimalSeparator) {
+  std::array<char, kShortestNumberCapacity> buffer;
+  const std::size_t length = WriteShortestNumber(x, buffer);
+  if (decimalSeparator != '.') std::replace(buffer.begin(), buffer.begin() + length, '.', decimalSeparator);
+  out.append(buffer.data(), length);
+}
+
+}  // namespace brenvolt
