@@ -3,8 +3,8 @@
 #include <sqlite3.h>
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <map>
+#include <nlohmann/json.hpp>
 
 #include "tests/program.h"
 
@@ -18,7 +18,9 @@ const std::string kExamples = BRENVOLT_SOURCE_DIR "/examples/";
 struct Command : testing::Test {
   TemporaryFolder folder;
 
-  Outcome Run(const std::vector<std::string>& arguments) const { return RunBrenvolt(arguments, folder.Path()); }
+  Outcome Run(const std::vector<std::string>& arguments) const {
+    return RunBrenvolt(arguments, folder.Path());
+  }
   Outcome MustRun(const std::vector<std::string>& arguments) const {
     Outcome outcome = Run(arguments);
     EXPECT_EQ(outcome.status, 0) << outcome.err;
@@ -42,7 +44,8 @@ const Json& FitOf(const Json& variable, const std::string& distribution) {
   throw std::runtime_error("no fit of " + distribution);
 }
 
-// References: Weibull by mpmath; log-normal of the Danish losses as printed in the literature; Poisson mean likewise.
+// References: Weibull by mpmath; log-normal of the Danish losses as printed in the literature; Poisson mean
+// likewise.
 TEST_F(Command, FitMeetsTheKnownAnswers) {
   auto json = Json::parse(MustRun({"fit", kExamples + "groundbeef.csv", "--format", "json"}).out);
   const Json& beef = json["variables"][0];
@@ -106,7 +109,8 @@ TEST_F(Command, SavedFitsSimulateReproducibly) {
 }
 
 TEST_F(Command, EditedPropertyChangesTheSimulation) {
-  MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--distributions", "normal", "--save", "p.bvw"});
+  MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--distributions", "normal",
+           "--save", "p.bvw"});
   Sql("p.bvw", "UPDATE variable_property SET value = '(Location=5.0; Scale=0.001)' WHERE key = 'Normal'");
   const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--seed", "1", "--format", "json"}).out);
   EXPECT_NEAR(report["variables"][0]["mean"], 5, 0.001);
@@ -164,7 +168,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   WriteAll(File("cut.bvw"), good.substr(0, good.size() / 2));
   WriteAll(File("newer.bvw"), good);
   Sql("newer.bvw", "PRAGMA user_version = 99");
-  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw"}) WriteAll(File(name), good);
+  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw"})
+    WriteAll(File(name), good);
   Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
   Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
   Sql("order.bvw", "DELETE FROM variable_property WHERE key = 'Normal'");
@@ -210,7 +215,9 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"simulate", "good.bvw", "-o", "out.pdf"}, 2, "out.pdf"},
       {{"simulate", "nonsense.bvw"}, 1, "One or more property values are invalid."},
       {{"simulate", "zero.bvw"}, 1, "Invalid scale value for Normal distribution of variable"},
-      {{"simulate", "order.bvw"}, 1, "Normal in order of distribution property has its parameter property missing."},
+      {{"simulate", "order.bvw"},
+       1,
+       "Normal in order of distribution property has its parameter property missing."},
       {{"simulate", "truncation.bvw"}, 1, "Truncate property is missing or invalid."},
       {{"simulate", "good.bvw", "-o", "/dev/full"}, 1, "/dev/full"},
       {{"simulate", "good.bvw", "-o", "good.bvw/x.csv"}, 1, "good.bvw/x.csv"},

@@ -1,4 +1,5 @@
-// The verbs of the command. Each adds itself with its options and help to the program; its job runs after parsing.
+// The verbs of the command. Each adds itself with its options and help to the program; its job runs after
+// parsing.
 #pragma once
 
 #include <CLI/CLI.hpp>

@@ -19,8 +19,8 @@ bool SameData(const Spreadsheet& a, const Spreadsheet& b) {
   for (std::size_t i = 0; i < a.VariableCount(); ++i) {
     const Variable& left = a.VariableAt(i);
     const Variable& right = b.VariableAt(i);
-    const bool same = left.Name() == right.Name() && left.Type() == right.Type() && left.Labels() == right.Labels() &&
-                      SameBits(left.Values(), right.Values());
+    const bool same = left.Name() == right.Name() && left.Type() == right.Type() &&
+                      left.Labels() == right.Labels() && SameBits(left.Values(), right.Values());
     if (!same) return false;
   }
   return true;
@@ -37,7 +37,8 @@ void AddFormatOption(CLI::App& command, ReportFormat& format) {
 }
 
 void AddDecimalCommaOption(CLI::App& command, InputOptions& input) {
-  command.add_flag("--decimal-comma", input.decimalComma, "CSV with decimal commas, semicolons between the fields");
+  command.add_flag("--decimal-comma", input.decimalComma,
+                   "CSV with decimal commas, semicolons between the fields");
 }
 
 DataFile OpenProject(const std::filesystem::path& path) {
@@ -48,7 +49,8 @@ DataFile OpenProject(const std::filesystem::path& path) {
   return file;
 }
 
-std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet, NameClash clash) {
+std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet,
+                         NameClash clash) {
   Workbook workbook;
   if (std::filesystem::exists(path)) workbook = Workbook::Open(path);
   const Spreadsheet* former = workbook.Find(sheet->Name());
@@ -63,6 +65,8 @@ std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spre
   return name;
 }
 
-bool HasProjectEnding(const std::filesystem::path& path) { return path.extension() == kProjectEnding; }
+bool HasProjectEnding(const std::filesystem::path& path) {
+  return path.extension() == kProjectEnding;
+}
 
 }  // namespace brenvolt::cli

@@ -32,12 +32,13 @@ DataFile OpenProject(const std::filesystem::path& path);
 // What to do with a sheet of the same name that a project already has.
 enum class NameClash {
   kNewName,  // keep both: the new one gets a number behind its name
-  kRefuse    // keep the old one and throw, unless the two hold the same data: then the new one takes its place
+  kRefuse  // keep the old one and throw, unless the two hold the same data: then the new one takes its place
 };
 
-// Puts a sheet into the project at `path`, which is made when there is none, and saves it. Returns the sheet's name
-// in the project.
-std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet, NameClash clash);
+// Puts a sheet into the project at `path`, which is made when there is none, and saves it. Returns the
+// sheet's name in the project.
+std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet,
+                         NameClash clash);
 
 // Tells project files by their ending.
 bool HasProjectEnding(const std::filesystem::path& path);

@@ -27,15 +27,17 @@ void Import(const ImportOptions& options) {
   const std::size_t cases = sheet->CaseCount();
   const std::size_t variables = sheet->VariableCount();
   const std::string name = AddToProject(options.project, std::move(sheet), NameClash::kRefuse);
-  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", cases, variables, options.project.c_str(),
-              name.c_str());
+  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", cases, variables,
+              options.project.c_str(), name.c_str());
 }
 
-// Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
+// Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that
+// counts.
 std::pair<std::filesystem::path, std::string> SplitSource(const std::string& source) {
   std::error_code ignored;
   if (std::filesystem::exists(source, ignored)) return {source, {}};
-  for (auto colon = source.rfind(':'); colon != std::string::npos && colon > 0; colon = source.rfind(':', colon - 1)) {
+  for (auto colon = source.rfind(':'); colon != std::string::npos && colon > 0;
+       colon = source.rfind(':', colon - 1)) {
     if (std::filesystem::exists(source.substr(0, colon), ignored)) {
       return {source.substr(0, colon), source.substr(colon + 1)};
     }
@@ -70,7 +72,9 @@ void AddImportCommand(CLI::App& program) {
 void AddExportCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("export", "Write a sheet of a project as CSV");
   const auto options = std::make_shared<ExportOptions>();
-  command->add_option("PROJECT[:SHEET]", options->source, "Project (.bvw) and sheet; default: its first data sheet")
+  command
+      ->add_option("PROJECT[:SHEET]", options->source,
+                   "Project (.bvw) and sheet; default: its first data sheet")
       ->required();
   command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE");
   AddDecimalCommaOption(*command, options->format);

@@ -57,8 +57,8 @@ const FittedType& TypeNamed(std::string_view name) {
 std::vector<const FittedType*> ChosenTypes(const FitOptions& options) {
   std::vector<const FittedType*> chosen;
   for (const FittedType& type : kTypes) {
-    const bool wanted = options.distributions.empty() || std::ranges::find(options.distributions, type.name) !=
-                                                             options.distributions.end();
+    const bool wanted = options.distributions.empty() ||
+                        std::ranges::find(options.distributions, type.name) != options.distributions.end();
     if (wanted) chosen.push_back(&type);
   }
   return chosen;
@@ -116,13 +116,16 @@ void UncheckOthers(AutomationObject& dialog, const FitOptions& options, const Li
   }
 }
 
-void EnterOffsets(AutomationObject& dialog, const FitOptions& options, const Lists& lists, const Spreadsheet& sheet) {
+void EnterOffsets(AutomationObject& dialog, const FitOptions& options, const Lists& lists,
+                  const Spreadsheet& sheet) {
   for (const std::string& text : options.offsets) {
     const OffsetChoice offset = ParseOffset(text);
     const std::int16_t number = NumbersOf(sheet, {offset.variable}).front();
     const auto place = std::ranges::find(lists.continuous, number);
-    if (place == lists.continuous.end()) throw WrongCall(offset.variable + " is not fitted as a continuous variable");
-    dialog.Put(offset.type->offset, static_cast<std::int32_t>(place - lists.continuous.begin() + 1), offset.value);
+    if (place == lists.continuous.end())
+      throw WrongCall(offset.variable + " is not fitted as a continuous variable");
+    dialog.Put(offset.type->offset, static_cast<std::int32_t>(place - lists.continuous.begin() + 1),
+               offset.value);
   }
 }
 
@@ -162,7 +165,9 @@ std::optional<Spreadsheet> RankedTable(AutomationObject& dialog, std::size_t var
   return TableOf(dialog.Get("QuickTabDistributionSummaryStats"));
 }
 
-Json NumberOrNull(double value) { return std::isfinite(value) ? Json(value) : Json(nullptr); }
+Json NumberOrNull(double value) {
+  return std::isfinite(value) ? Json(value) : Json(nullptr);
+}
 
 Json FitJson(const Spreadsheet& table, std::size_t row) {
   const Columns columns(table);
@@ -188,7 +193,8 @@ Json FitJson(const Spreadsheet& table, std::size_t row) {
           {"andersonDarling", none}};
 }
 
-Json VariableJson(const Spreadsheet& summary, std::size_t variable, const std::optional<Spreadsheet>& ranked) {
+Json VariableJson(const Spreadsheet& summary, std::size_t variable,
+                  const std::optional<Spreadsheet>& ranked) {
   const Columns columns(summary);
   Json fits = Json::array();
   for (std::size_t row = 0; ranked && row < ranked->CaseCount(); ++row) fits.push_back(FitJson(*ranked, row));
@@ -217,7 +223,8 @@ std::string RankingText(const Spreadsheet& ranked) {
   table.AddColumn("Log-likelihood", TextTable::Align::kRight);
   for (std::size_t row = 0; row < ranked.CaseCount(); ++row) {
     const bool valid = !std::isnan(columns.Number("Parameter 1", row));
-    table.AddRow({std::to_string(row + 1), columns.Text("(Params Description)", row) + (valid ? "" : " (no fit)"),
+    table.AddRow({std::to_string(row + 1),
+                  columns.Text("(Params Description)", row) + (valid ? "" : " (no fit)"),
                   ReadableNumber(columns.Number("Offset", row)), ReadableNumber(columns.Number("K-S d", row)),
                   ReadableNumber(columns.Number("K-S p-value", row)),
                   ReadableNumber(columns.Number("Log-likelihood", row))});
@@ -225,13 +232,16 @@ std::string RankingText(const Spreadsheet& ranked) {
   return table.Text();
 }
 
-std::string VariableText(const Spreadsheet& summary, std::size_t variable, const std::optional<Spreadsheet>& ranked) {
+std::string VariableText(const Spreadsheet& summary, std::size_t variable,
+                         const std::optional<Spreadsheet>& ranked) {
   const Columns columns(summary);
-  const auto number = [&](std::string_view column) { return ReadableNumber(columns.Number(column, variable)); };
+  const auto number = [&](std::string_view column) {
+    return ReadableNumber(columns.Number(column, variable));
+  };
   std::string text = std::string(summary.CaseName(variable)) + " (" + columns.Text("Kind", variable) + ")\n";
-  text += "  n " + number("Valid N") + ", missing " + number("Missing") + ", mean " + number("Mean") + ", std.dev. " +
-          number("Std.Dev.") + ", skewness " + number("Skewness") + ", kurtosis " + number("Kurtosis") + ", range " +
-          number("Minimum") + " to " + number("Maximum") + "\n";
+  text += "  n " + number("Valid N") + ", missing " + number("Missing") + ", mean " + number("Mean") +
+          ", std.dev. " + number("Std.Dev.") + ", skewness " + number("Skewness") + ", kurtosis " +
+          number("Kurtosis") + ", range " + number("Minimum") + " to " + number("Maximum") + "\n";
   if (!ranked) return text + "  nothing to fit: no valid values, or all of them equal\n";
   return text + "  " + ranked->Title() + "\n" + RankingText(*ranked);
 }
@@ -288,7 +298,8 @@ void AddFitCommand(CLI::App& program) {
   const auto options = std::make_shared<FitOptions>();
   std::string names;
   for (const FittedType& type : kTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
-  command->add_option("DATA", options->input.path, "CSV file with a header row, or a project (.bvw)")->required();
+  command->add_option("DATA", options->input.path, "CSV file with a header row, or a project (.bvw)")
+      ->required();
   command->add_option("--sheet", options->input.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   AddDecimalCommaOption(*command, options->input);
@@ -297,16 +308,23 @@ void AddFitCommand(CLI::App& program) {
                    "Variables to fit as continuous; without this and --discrete, every numeric variable is")
       ->delimiter(',')
       ->type_name("V,V");
-  command->add_option("--discrete", options->discrete, "Variables to fit as discrete")->delimiter(',')->type_name("V,V");
-  command->add_option("--distributions", options->distributions, "Distributions to try; default all: " + names)
+  command->add_option("--discrete", options->discrete, "Variables to fit as discrete")
+      ->delimiter(',')
+      ->type_name("V,V");
+  command
+      ->add_option("--distributions", options->distributions, "Distributions to try; default all: " + names)
       ->delimiter(',')
       ->type_name("NAME,NAME");
   command->add_option("--offset", options->offsets, "Threshold of a distribution of a variable; default 0")
       ->type_name("V:DISTRIBUTION=NUMBER");
-  command->add_option("--missing", options->missing, "Leave out a missing value alone, or its case for all variables")
+  command
+      ->add_option("--missing", options->missing,
+                   "Leave out a missing value alone, or its case for all variables")
       ->check(CLI::IsMember({"pairwise", "casewise"}).description(""))
       ->type_name("pairwise|casewise");
-  command->add_option("--weights", options->weights, "Variable whose whole numbers say how often each case counts")
+  command
+      ->add_option("--weights", options->weights,
+                   "Variable whose whole numbers say how often each case counts")
       ->type_name("V");
   command->add_option("--select", options->selection, "Use only the cases that meet a condition")
       ->type_name("'X > 3 and Y = 1'");

@@ -17,9 +17,13 @@ struct ShowOptions {
   ReportFormat format = ReportFormat::kTable;
 };
 
-std::string KindName(SheetKind kind) { return kind == SheetKind::kMatrix ? "matrix" : "data"; }
+std::string KindName(SheetKind kind) {
+  return kind == SheetKind::kMatrix ? "matrix" : "data";
+}
 
-std::string TypeName(VariableType type) { return type == VariableType::kText ? "text" : "numeric"; }
+std::string TypeName(VariableType type) {
+  return type == VariableType::kText ? "text" : "numeric";
+}
 
 std::size_t CountMissing(const Variable& variable) {
   std::size_t missing = 0;
@@ -72,7 +76,8 @@ void ShowVariablesAsTable(const Spreadsheet& sheet) {
     const Variable& variable = sheet.VariableAt(i);
     if (variable.Properties().empty()) continue;
     std::printf("\nProperties of %s\n", variable.Name().c_str());
-    for (const auto& [key, value] : variable.Properties()) std::printf("  %s: %s\n", key.c_str(), value.c_str());
+    for (const auto& [key, value] : variable.Properties())
+      std::printf("  %s: %s\n", key.c_str(), value.c_str());
   }
 }
 
@@ -87,7 +92,9 @@ void ShowVariablesAsJson(const Spreadsheet& sheet) {
                          {"missing", CountMissing(variable)},
                          {"properties", properties}});
   }
-  std::printf("%s\n", Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}.dump(2).c_str());
+  std::printf(
+      "%s\n",
+      Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}.dump(2).c_str());
 }
 
 void Show(const ShowOptions& options) {

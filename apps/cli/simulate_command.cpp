@@ -59,8 +59,8 @@ std::string SummaryText(const Spreadsheet& summary) {
 
 Json SummaryJson(const Spreadsheet& summary) {
   // JSON names of the summary's columns, in their order; the percentiles follow.
-  static constexpr const char* kNames[] = {"n",        "mean",    "standardDeviation", "skewness",
-                                           "kurtosis", "minimum", "maximum"};
+  static constexpr const char* kNames[] = {"n",       "mean",   "standardDeviation", "skewness", "kurtosis",
+                                           "minimum", "maximum"};
   constexpr std::size_t kMoments = std::size(kNames);
   Json variables = Json::array();
   for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
@@ -90,7 +90,8 @@ void Write(const SimulateOptions& options, CAnalysisTableDoc& document) {
     return;
   }
   WriteCsv(document.Table(), options.output);
-  if (options.format == ReportFormat::kTable) std::printf("\nSimulated data written to %s\n", options.output.c_str());
+  if (options.format == ReportFormat::kTable)
+    std::printf("\nSimulated data written to %s\n", options.output.c_str());
 }
 
 // CSV also goes to devices and pipes, whatever they are called.
@@ -130,11 +131,14 @@ void AddSimulateCommand(CLI::App& program) {
   CLI::App* command =
       program.add_subcommand("simulate", "Draw samples from the distributions saved in a project");
   const auto options = std::make_shared<SimulateOptions>();
-  command->add_option("PROJECT", options->project, "Project (.bvw) whose variables carry fitted distributions")
+  command
+      ->add_option("PROJECT", options->project, "Project (.bvw) whose variables carry fitted distributions")
       ->required();
   command->add_option("--sheet", options->sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
-  command->add_option("--variables", options->variables, "Variables to simulate; default: all with distributions")
+  command
+      ->add_option("--variables", options->variables,
+                   "Variables to simulate; default: all with distributions")
       ->delimiter(',')
       ->type_name("V,V");
   command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
@@ -143,8 +147,11 @@ void AddSimulateCommand(CLI::App& program) {
   command->add_option("--samples", options->samples, "Number of samples (default 1000)")->type_name("N");
   command->add_option("--seed", options->seed, "Seed, 0 or more: the same seed gives the same samples")
       ->type_name("S");
-  command->add_flag("--truncate", options->truncate, "Keep each variable within its 0.5 % and 99.5 % quantiles");
-  command->add_option("-o,--output", options->output, "Where the data go, by ending: .csv, or .bvw for a project")
+  command->add_flag("--truncate", options->truncate,
+                    "Keep each variable within its 0.5 % and 99.5 % quantiles");
+  command
+      ->add_option("-o,--output", options->output,
+                   "Where the data go, by ending: .csv, or .bvw for a project")
       ->type_name("OUT");
   AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt simulate beef.bvw --samples 10000 --seed 7 -o simulated.csv");

@@ -23,7 +23,9 @@ std::string Padded(const std::string& text, std::size_t width, TextTable::Align 
 
 }  // namespace
 
-void TextTable::AddColumn(std::string heading, Align align) { columns_.push_back({std::move(heading), align}); }
+void TextTable::AddColumn(std::string heading, Align align) {
+  columns_.push_back({std::move(heading), align});
+}
 
 void TextTable::AddRow(std::vector<std::string> cells) {
   cells.resize(columns_.size());
@@ -54,6 +56,8 @@ std::string TextTable::Text() const {
   return text;
 }
 
-std::string ReadableNumber(double value) { return std::isnan(value) ? "-" : FormatNumber("%.6g", value); }
+std::string ReadableNumber(double value) {
+  return std::isnan(value) ? "-" : FormatNumber("%.6g", value);
+}
 
 }  // namespace brenvolt::cli

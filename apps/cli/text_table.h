@@ -14,8 +14,8 @@ class TextTable {
   void AddColumn(std::string heading, Align align);
   // One row; missing cells at its end are empty.
   void AddRow(std::vector<std::string> cells);
-  // The table with a heading line, each line indented by two blanks and ended by a newline. Widths count characters
-  // of UTF-8, not bytes.
+  // The table with a heading line, each line indented by two blanks and ended by a newline. Widths count
+  // characters of UTF-8, not bytes.
   std::string Text() const;
 
  private:

@@ -11,8 +11,8 @@
 namespace brenvolt::sra {
 namespace {
 
-// A Newton step of the shape below this ends the Weibull estimation: convergence is quadratic, so the shape is then
-// good to rounding.
+// A Newton step of the shape below this ends the Weibull estimation: convergence is quadratic, so the shape
+// is then good to rounding.
 constexpr double kWeibullTolerance = 1e-9;
 
 using Values = std::vector<double>;
@@ -93,12 +93,14 @@ double LogLikelihood(const Step& step, const Input& input, const Values& values)
 
 TestResult TestKolmogorovSmirnov(const Step& step, const Input& input, const Values& values, bool hasOffset) {
   TestResult result;
-  const auto tested = hasOffset
-                          ? ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, input.offset, result.statistic)
-                          : ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, result.statistic);
+  const auto tested =
+      hasOffset
+          ? ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, input.offset, result.statistic)
+          : ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, result.statistic);
   std::int32_t error = 0;
   if (tested == 0) return {};
-  result.pValue = ComputeKolmogorovSmirnovPvalue(static_cast<std::int64_t>(input.sorted.size()), result.statistic, error);
+  result.pValue =
+      ComputeKolmogorovSmirnovPvalue(static_cast<std::int64_t>(input.sorted.size()), result.statistic, error);
   return error == 0 ? result : TestResult{};
 }
 
@@ -131,10 +133,15 @@ DistributionFit RunStep(const Step& step, std::span<const double> sorted, double
 
 }  // namespace
 
-std::span<const DistributionCode> FittedContinuous() { return kContinuousCodes; }
-std::span<const DistributionCode> FittedDiscrete() { return kDiscreteCodes; }
+std::span<const DistributionCode> FittedContinuous() {
+  return kContinuousCodes;
+}
+std::span<const DistributionCode> FittedDiscrete() {
+  return kDiscreteCodes;
+}
 
-std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted, const Moments& moments,
+std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted,
+                                                        const Moments& moments,
                                                         const ContinuousSpecification& specification) {
   std::vector<DistributionFit> fits;
   for (const Step& step : kContinuousSteps) {

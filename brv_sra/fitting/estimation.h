@@ -12,15 +12,16 @@ namespace brenvolt::sra {
 std::span<const DistributionCode> FittedContinuous();
 std::span<const DistributionCode> FittedDiscrete();
 
-// Fits the checked distributions to sorted values (ascending, finite). A distribution whose estimate fails has
-// kNotSet as its first value and in its tests; the others are fitted all the same.
-std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted, const Moments& moments,
+// Fits the checked distributions to sorted values (ascending, finite). A distribution whose estimate fails
+// has kNotSet as its first value and in its tests; the others are fitted all the same.
+std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted,
+                                                        const Moments& moments,
                                                         const ContinuousSpecification& specification);
 std::vector<DistributionFit> FitDiscreteDistributions(std::span<const double> sorted,
                                                       const DiscreteSpecification& specification);
 
-// The mean of counts. Statuses: 0 success, 2 no values, 3 a value that is negative or not a whole number, 5 no value
-// accepted or a mean of 0, which no Poisson distribution has.
+// The mean of counts. Statuses: 0 success, 2 no values, 3 a value that is negative or not a whole number, 5
+// no value accepted or a mean of 0, which no Poisson distribution has.
 int EstimatePoissonMean(std::span<const double> data, double& mean);
 
 }  // namespace brenvolt::sra

@@ -53,11 +53,15 @@ void SetDiscrete(Dialog& dialog, Indexes indexes, const Variant& value) {
   dialog.CheckDiscrete(indexes[0].ToInteger(), Control, value.ToBoolean());
 }
 
-Variant GetContinuousList(Dialog& dialog, Indexes) { return dialog.Controls().Text(kContinuousList); }
+Variant GetContinuousList(Dialog& dialog, Indexes) {
+  return dialog.Controls().Text(kContinuousList);
+}
 void SetContinuousList(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SelectContinuous(VariableList(dialog, value));
 }
-Variant GetDiscreteList(Dialog& dialog, Indexes) { return dialog.Controls().Text(kDiscreteList); }
+Variant GetDiscreteList(Dialog& dialog, Indexes) {
+  return dialog.Controls().Text(kDiscreteList);
+}
 void SetDiscreteList(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SelectDiscrete(VariableList(dialog, value));
 }

@@ -38,14 +38,22 @@ constexpr double kDefaultOffset = 0.0;
 std::size_t Flag(const ContinuousControls& controls) {
   return static_cast<std::size_t>(FlagOfContinuous(controls.code));
 }
-std::size_t Flag(const DiscreteControls& controls) { return static_cast<std::size_t>(FlagOfDiscrete(controls.code)); }
+std::size_t Flag(const DiscreteControls& controls) {
+  return static_cast<std::size_t>(FlagOfDiscrete(controls.code));
+}
 double& OffsetOf(ContinuousSpecification& specification, const ContinuousControls& controls) {
   return specification.offsets[*OffsetIndex(controls.code)];
 }
 
-bool Always(bool) { return true; }
-bool Never(bool) { return false; }
-bool Opposite(bool checked) { return !checked; }
+bool Always(bool) {
+  return true;
+}
+bool Never(bool) {
+  return false;
+}
+bool Opposite(bool checked) {
+  return !checked;
+}
 
 }  // namespace
 
@@ -92,7 +100,8 @@ bool CFitDistribution::OnCommand(std::int32_t number) {
 
 void CFitDistribution::OnControlChanged(std::int32_t number) {
   if (number == kPairwise || number == kCasewise) {
-    Specification().deletion = Controls().IsChecked(kPairwise) ? DeletionMode::kPairwise : DeletionMode::kCasewise;
+    Specification().deletion =
+        Controls().IsChecked(kPairwise) ? DeletionMode::kPairwise : DeletionMode::kCasewise;
   }
   if (number == kContinuousVariable && !MoveContinuous(Controls().Selection(kContinuousVariable))) {
     Controls().Select(kContinuousVariable, shownContinuous_);
@@ -212,8 +221,8 @@ void CFitDistribution::ShowDiscrete(int index) {
   }
 }
 
-// Copies the shown controls into their variable's specification; false with a message where an offset that is needed
-// is not a number, and then the specification is as it was.
+// Copies the shown controls into their variable's specification; false with a message where an offset that is
+// needed is not a number, and then the specification is as it was.
 bool CFitDistribution::ReadShownContinuous() {
   if (shownContinuous_ < 0) return true;
   ContinuousSpecification& specification =

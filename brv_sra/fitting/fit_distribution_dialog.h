@@ -1,5 +1,5 @@
-// "Fit Distributions": the person picks variables, candidate distributions and the treatment of missing data, and
-// starts the fit. Sequence step 102.
+// "Fit Distributions": the person picks variables, candidate distributions and the treatment of missing data,
+// and starts the fit. Sequence step 102.
 #pragma once
 
 #include <cstdint>
@@ -15,8 +15,8 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
  public:
   explicit CFitDistribution(CSimulationAndRisk& analysis);
 
-  // Operations of automation, each as the person's own action. Lists hold spreadsheet variable numbers from 1;
-  // `position` counts the variables of a list from 1. They throw Error for what the dialog refuses.
+  // Operations of automation, each as the person's own action. Lists hold spreadsheet variable numbers from
+  // 1; `position` counts the variables of a list from 1. They throw Error for what the dialog refuses.
   void SelectContinuous(const std::vector<std::int16_t>& variables);
   void SelectDiscrete(const std::vector<std::int16_t>& variables);
   bool IsContinuousChecked(int position, std::int32_t control);

@@ -11,7 +11,9 @@
 namespace brenvolt::sra {
 namespace {
 
-double OrMissing(double value) { return IsNotSet(value) ? GetDefaultMDValue() : value; }
+double OrMissing(double value) {
+  return IsNotSet(value) ? GetDefaultMDValue() : value;
+}
 
 // Appends a column whose value in each case comes from a function of the case.
 void AddColumn(Spreadsheet& sheet, std::string_view name, const std::function<double(std::size_t)>& value) {
@@ -21,7 +23,8 @@ void AddColumn(Spreadsheet& sheet, std::string_view name, const std::function<do
   sheet.AddVariable(std::move(column));
 }
 
-void AddTextColumn(Spreadsheet& sheet, std::string_view name, const std::function<std::string(std::size_t)>& text) {
+void AddTextColumn(Spreadsheet& sheet, std::string_view name,
+                   const std::function<std::string(std::size_t)>& text) {
   Variable column(std::string(name), sheet.CaseCount());
   column.SetType(VariableType::kText);
   const auto cells = column.MutableValues();
@@ -36,10 +39,12 @@ struct MomentColumn {
   std::string_view name;
   double Moments::*member;
 };
-constexpr MomentColumn kMomentColumns[] = {
-    {fit_column::kMean, &Moments::mean},         {fit_column::kStandardDeviation, &Moments::standardDeviation},
-    {fit_column::kSkewness, &Moments::skewness}, {fit_column::kKurtosis, &Moments::kurtosis},
-    {fit_column::kMinimum, &Moments::minimum},   {fit_column::kMaximum, &Moments::maximum}};
+constexpr MomentColumn kMomentColumns[] = {{fit_column::kMean, &Moments::mean},
+                                           {fit_column::kStandardDeviation, &Moments::standardDeviation},
+                                           {fit_column::kSkewness, &Moments::skewness},
+                                           {fit_column::kKurtosis, &Moments::kurtosis},
+                                           {fit_column::kMinimum, &Moments::minimum},
+                                           {fit_column::kMaximum, &Moments::maximum}};
 
 }  // namespace
 
@@ -49,9 +54,11 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
   for (const VariableFit& fit : results) names.push_back(fit.name);
   sheet->SetTitle(sheet->Name());
   sheet->SetCaseNames(std::move(names));
-  AddTextColumn(*sheet, fit_column::kKind,
-                [&](std::size_t i) { return std::string(results[i].continuous ? "continuous" : "discrete"); });
-  AddColumn(*sheet, fit_column::kCount, [&](std::size_t i) { return static_cast<double>(results[i].moments.count); });
+  AddTextColumn(*sheet, fit_column::kKind, [&](std::size_t i) {
+    return std::string(results[i].continuous ? "continuous" : "discrete");
+  });
+  AddColumn(*sheet, fit_column::kCount,
+            [&](std::size_t i) { return static_cast<double>(results[i].moments.count); });
   AddColumn(*sheet, fit_column::kMissing,
             [&](std::size_t i) { return static_cast<double>(results[i].moments.missing); });
   for (const MomentColumn& column : kMomentColumns) {
@@ -72,13 +79,17 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
     if (candidate->IsValid()) parameters = std::max(parameters, candidate->specification.values.size());
   }
   sheet->SetCaseNames(std::move(names));
-  const auto specification = [&](std::size_t i) -> const DistributionSpecification& { return order[i]->specification; };
-  AddColumn(*sheet, fit_column::kCode, [&](std::size_t i) { return static_cast<double>(specification(i).code); });
+  const auto specification = [&](std::size_t i) -> const DistributionSpecification& {
+    return order[i]->specification;
+  };
+  AddColumn(*sheet, fit_column::kCode,
+            [&](std::size_t i) { return static_cast<double>(specification(i).code); });
   AddTextColumn(*sheet, fit_column::kDescription, [&](std::size_t i) {
     return order[i]->IsValid() ? Description(specification(i).code, specification(i).values)
                                : std::string(DisplayName(specification(i).code));
   });
-  AddColumn(*sheet, fit_column::kStatistic, [&](std::size_t i) { return order[i]->kolmogorovSmirnov.statistic; });
+  AddColumn(*sheet, fit_column::kStatistic,
+            [&](std::size_t i) { return order[i]->kolmogorovSmirnov.statistic; });
   AddColumn(*sheet, fit_column::kPValue, [&](std::size_t i) { return order[i]->kolmogorovSmirnov.pValue; });
   AddColumn(*sheet, fit_column::kLogLikelihood, [&](std::size_t i) { return order[i]->logLikelihood; });
   AddColumn(*sheet, fit_column::kOffset, [&](std::size_t i) { return specification(i).offset; });

@@ -32,7 +32,8 @@ inline constexpr std::string_view kParameter = "Parameter ";  // followed by its
 // One case per variable, named after it: its moments.
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results);
 
-// One case per fitted distribution of a variable, best first, named by its display name; titled by the criterion.
+// One case per fitted distribution of a variable, best first, named by its display name; titled by the
+// criterion.
 std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterion criterion);
 
 }  // namespace brenvolt::sra

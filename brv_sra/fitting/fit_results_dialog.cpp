@@ -25,11 +25,18 @@ Variant GetSelection(Dialog& dialog, Indexes) {
 }
 template <std::int32_t Control>
 void PutSelection(Dialog& dialog, Indexes, const Variant& value) {
-  if (!dialog.Select(Control, value.ToInteger() - 1)) throw Error("no entry " + value.ToText() + " in the list");
+  if (!dialog.Select(Control, value.ToInteger() - 1))
+    throw Error("no entry " + value.ToText() + " in the list");
 }
-Variant GetSummary(Dialog& dialog, Indexes) { return Variant::Object(dialog.ShowSummaryStatistics()); }
-Variant GetDistributionSummary(Dialog& dialog, Indexes) { return Variant::Object(dialog.ShowDistributionSummary()); }
-Variant SaveFit(Dialog& dialog, Indexes) { return std::int32_t{dialog.SaveFits()}; }
+Variant GetSummary(Dialog& dialog, Indexes) {
+  return Variant::Object(dialog.ShowSummaryStatistics());
+}
+Variant GetDistributionSummary(Dialog& dialog, Indexes) {
+  return Variant::Object(dialog.ShowDistributionSummary());
+}
+Variant SaveFit(Dialog& dialog, Indexes) {
+  return std::int32_t{dialog.SaveFits()};
+}
 
 constexpr std::array<Member, 5> kMembers{{
     {"QuickTabVariable", 0x60030000, 0, GetSelection<kVariable>, PutSelection<kVariable>},
@@ -101,7 +108,8 @@ RankingCriterion CFitDistributionResults::CriterionOf(const VariableFit& fit) co
 void CFitDistributionResults::ListDistributions() {
   const VariableFit& fit = ShownVariable();
   std::vector<std::string> names;
-  for (const std::size_t index : fit.ranked) names.emplace_back(DisplayName(fit.fits[index].specification.code));
+  for (const std::size_t index : fit.ranked)
+    names.emplace_back(DisplayName(fit.fits[index].specification.code));
   Controls().SetItems(kDistribution, std::move(names));
   Controls().Select(kDistribution, 0);
 }

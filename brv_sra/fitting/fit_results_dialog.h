@@ -1,5 +1,5 @@
-// The fit results: per variable the ranked distributions and the summary of moments, and the saving of fits onto the
-// variables of the input. Sequence step 103.
+// The fit results: per variable the ranked distributions and the summary of moments, and the saving of fits
+// onto the variables of the input. Sequence step 103.
 #pragma once
 
 #include <memory>
@@ -18,14 +18,15 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   explicit CFitDistributionResults(CSimulationAndRisk& analysis);
 
   const FitState& Results() const { return SimulationAndRisk().Fit(); }
-  // The display names of a variable's valid fits, best first; nothing where there is no such variable (from 0).
+  // The display names of a variable's valid fits, best first; nothing where there is no such variable (from
+  // 0).
   std::optional<std::vector<std::string>> FittedDistributions(int variable) const;
 
   // What the buttons of the same meaning do; each shows its document and returns it.
   std::shared_ptr<CAnalysisTableDoc> ShowSummaryStatistics();
   std::shared_ptr<CAnalysisTableDoc> ShowDistributionSummary();
-  // Writes the valid fits of every variable as properties of the input's variables. Returns the number of variables
-  // written.
+  // Writes the valid fits of every variable as properties of the input's variables. Returns the number of
+  // variables written.
   int SaveFits();
 
  protected:

@@ -29,8 +29,8 @@ VariableFit ReadVariable(const Spreadsheet& sheet, std::int16_t number, const Ca
 }
 
 // A continuous variable without spread (a single value included) has nothing to fit.
-VariableFit FitContinuousVariable(const Spreadsheet& sheet, const FitSpecification& specification, std::size_t i,
-                                  const CaseSet& cases, CKroProgressBar& progress) {
+VariableFit FitContinuousVariable(const Spreadsheet& sheet, const FitSpecification& specification,
+                                  std::size_t i, const CaseSet& cases, CKroProgressBar& progress) {
   std::vector<double> sorted;
   VariableFit fit = ReadVariable(sheet, specification.continuous[i], cases, true, progress, sorted);
   fit.invalid = fit.moments.standardDeviation <= 0;
@@ -40,8 +40,8 @@ VariableFit FitContinuousVariable(const Spreadsheet& sheet, const FitSpecificati
   return fit;
 }
 
-VariableFit FitDiscreteVariable(const Spreadsheet& sheet, const FitSpecification& specification, std::size_t i,
-                                const CaseSet& cases, CKroProgressBar& progress) {
+VariableFit FitDiscreteVariable(const Spreadsheet& sheet, const FitSpecification& specification,
+                                std::size_t i, const CaseSet& cases, CKroProgressBar& progress) {
   std::vector<double> sorted;
   VariableFit fit = ReadVariable(sheet, specification.discrete[i], cases, false, progress, sorted);
   fit.invalid = sorted.empty();
@@ -61,7 +61,8 @@ void FitList(std::size_t count, FitVariable fitVariable, std::int32_t caption, c
   const auto steps = static_cast<std::int64_t>(count * cases.cases.size() + 1);
   const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(caption), steps);
   progress->ShowNow();
-  for (std::size_t i = 0; i < count; ++i) results.push_back(fitVariable(sheet, specification, i, cases, *progress));
+  for (std::size_t i = 0; i < count; ++i)
+    results.push_back(fitVariable(sheet, specification, i, cases, *progress));
 }
 
 }  // namespace
@@ -84,12 +85,12 @@ std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification
     DropIncompleteCases(sheet, specification.discrete, cases);
   }
   std::vector<VariableFit> results;
-  FitList(specification.continuous.size(), FitContinuousVariable, kProgressContinuousVariables, sheet, specification,
-          cases, port, results);
-  FitList(specification.discrete.size(), FitDiscreteVariable, kProgressDiscreteVariables, sheet, specification, cases,
-          port, results);
-  const bool anyValid = std::ranges::any_of(
-      results, [](const VariableFit& fit) { return !fit.invalid && fit.HasValidFit(); });
+  FitList(specification.continuous.size(), FitContinuousVariable, kProgressContinuousVariables, sheet,
+          specification, cases, port, results);
+  FitList(specification.discrete.size(), FitDiscreteVariable, kProgressDiscreteVariables, sheet,
+          specification, cases, port, results);
+  const bool anyValid =
+      std::ranges::any_of(results, [](const VariableFit& fit) { return !fit.invalid && fit.HasValidFit(); });
   if (specification.deletion == DeletionMode::kPairwise && !anyValid) {
     throw CDispatchException(std::string(ResourceString(kMsgNoValidVariables)));
   }

@@ -15,12 +15,12 @@ struct CaseOptions {
   bool useWeights = true;
 };
 
-// True when the data of `variables` variables of `cases` cases are within the limit of a fit. The product is taken in
-// 32 bits, as the limit has always been.
+// True when the data of `variables` variables of `cases` cases are within the limit of a fit. The product is
+// taken in 32 bits, as the limit has always been.
 bool FitsDataLimit(std::size_t variables, std::size_t cases);
 
-// Fits the continuous variables, then the discrete ones. Throws CDispatchException with the text to show: data too
-// large (10013), case weights that are not whole (10012), no valid variable (10281, pairwise only);
+// Fits the continuous variables, then the discrete ones. Throws CDispatchException with the text to show:
+// data too large (10013), case weights that are not whole (10012), no valid variable (10281, pairwise only);
 // NumericalException from the data; UserCancelled.
 std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
                                 const CaseOptions& options, ProgressPort& port);

@@ -60,8 +60,13 @@ TEST_F(FitRun, WeightsRepeatCasesAndMustBeWholeNumbers) {
   sheet.SetWeightVariable(1);
   EXPECT_EQ(Run(sheet, Continuous({1}))[0].moments.count, 5);
   const auto nearlyTwo = std::nextafter(2.0, 3.0);
-  for (const auto& [weight, accepted] : {std::pair{nearlyTwo, true}, {std::nextafter(2.0, 1.0), true}, {2.5, false},
-                                         {-1.0, false}, {kNan, false}, {HUGE_VAL, false}, {1e12, false}}) {
+  for (const auto& [weight, accepted] : {std::pair{nearlyTwo, true},
+                                         {std::nextafter(2.0, 1.0), true},
+                                         {2.5, false},
+                                         {-1.0, false},
+                                         {kNan, false},
+                                         {HUGE_VAL, false},
+                                         {1e12, false}}) {
     sheet.VariableAt(1).MutableValues()[0] = weight;
     if (accepted) {
       EXPECT_EQ(Run(sheet, Continuous({1}))[0].moments.count, 5) << weight;

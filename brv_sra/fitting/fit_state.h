@@ -19,8 +19,8 @@ enum class DeletionMode : std::int32_t {
 
 enum class RankingCriterion : std::int32_t { kKolmogorovSmirnov = 1, kChiSquare = 2, kAndersonDarling = 3 };
 
-// The check boxes of a continuous variable, in their fixed order. Index 8 is an option of the Johnson fit, not a
-// distribution.
+// The check boxes of a continuous variable, in their fixed order. Index 8 is an option of the Johnson fit,
+// not a distribution.
 inline constexpr int kContinuousFlagCount = 12;
 inline constexpr int kPercentileFitFlag = 8;
 // The distributions with an offset, in the order of the offset fields.
@@ -34,7 +34,9 @@ constexpr int FlagOfContinuous(DistributionCode code) {
   const int index = static_cast<int>(code);
   return index < kPercentileFitFlag ? index : index + 1;
 }
-constexpr int FlagOfDiscrete(DistributionCode code) { return static_cast<int>(code) - kContinuousCount; }
+constexpr int FlagOfDiscrete(DistributionCode code) {
+  return static_cast<int>(code) - kContinuousCount;
+}
 
 // The place of a distribution's offset among the offset fields, or nothing.
 constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
@@ -44,11 +46,12 @@ constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
   return std::nullopt;
 }
 
-// A newly selected continuous variable has the distributions checked that need no further input; a newly selected
-// discrete one has the Poisson.
+// A newly selected continuous variable has the distributions checked that need no further input; a newly
+// selected discrete one has the Poisson.
 struct ContinuousSpecification {
   std::array<bool, kContinuousFlagCount> fit{true};
-  std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet, kNotSet, kNotSet, kNotSet};
+  std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet,
+                                                          kNotSet, kNotSet, kNotSet};
   std::int32_t mixtures = kNotSetCount;
 
   bool operator==(const ContinuousSpecification&) const = default;
@@ -78,7 +81,8 @@ struct TestResult {
   double pValue = kNotSet;
 };
 
-// One distribution of one variable. The values are in catalogue order; the first is kNotSet where the fit failed.
+// One distribution of one variable. The values are in catalogue order; the first is kNotSet where the fit
+// failed.
 struct DistributionFit {
   DistributionSpecification specification;
   double logLikelihood = kNotSet;

@@ -10,8 +10,8 @@
 
 namespace brenvolt::sra {
 
-// Indices into `fits`, best first: ascending by the criterion's statistic, equal statistics in the order of `fits`,
-// fits that failed or have no statistic last.
+// Indices into `fits`, best first: ascending by the criterion's statistic, equal statistics in the order of
+// `fits`, fits that failed or have no statistic last.
 std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, RankingCriterion criterion);
 
 // The title of a ranked table: "Ranked by: Kolmogorov-Smirnov".

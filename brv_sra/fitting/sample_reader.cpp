@@ -17,7 +17,9 @@ const Variable& VariableOf(const Spreadsheet& sheet, int number) {
   return sheet.VariableAt(static_cast<std::size_t>(number - 1));
 }
 
-[[noreturn]] void Throw(std::int32_t resource) { throw CDispatchException(std::string(ResourceString(resource))); }
+[[noreturn]] void Throw(std::int32_t resource) {
+  throw CDispatchException(std::string(ResourceString(resource)));
+}
 
 std::int32_t WholeWeight(double weight) {
   const bool whole = IsWholeNumber(weight) || AlmostEqual(weight, std::ceil(weight));
@@ -53,7 +55,8 @@ void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t>
   std::size_t kept = 0;
   for (std::size_t i = 0; i < set.cases.size(); ++i) {
     bool complete = true;
-    for (const std::int16_t number : variables) complete = complete && !VariableOf(sheet, number).IsMissing(set.cases[i]);
+    for (const std::int16_t number : variables)
+      complete = complete && !VariableOf(sheet, number).IsMissing(set.cases[i]);
     if (!complete) continue;
     set.cases[kept] = set.cases[i];
     if (!set.weights.empty()) set.weights[kept] = set.weights[i];
@@ -63,7 +66,8 @@ void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t>
   if (!set.weights.empty()) set.weights.resize(kept);
 }
 
-Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set, CKroProgressBar& progress) {
+Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
+                  CKroProgressBar& progress) {
   const Variable& variable = VariableOf(sheet, variableNumber);
   const std::span<const double> values = variable.Values();
   Sample sample;

@@ -14,13 +14,14 @@ namespace brenvolt::sra {
 
 // Which cases take part and how often, the same for all variables of a run.
 struct CaseSet {
-  std::vector<std::size_t> cases;      // accepted cases, ascending
-  std::vector<std::int32_t> weights;   // one per accepted case, or empty where every case counts once
+  std::vector<std::size_t> cases;     // accepted cases, ascending
+  std::vector<std::int32_t> weights;  // one per accepted case, or empty where every case counts once
 };
 
 // The cases that the sheet's selection accepts (all where `useSelection` is off), with their weights where
-// `useWeights` is on and the sheet has a weight variable. Throws CDispatchException 10012 when a weight is not a whole
-// number of at least 0 (within 15 units in the last place), 10013 when the weights add up to more than fits.
+// `useWeights` is on and the sheet has a weight variable. Throws CDispatchException 10012 when a weight is
+// not a whole number of at least 0 (within 15 units in the last place), 10013 when the weights add up to more
+// than fits.
 CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights);
 
 // Removes the cases in which any of the variables (numbers from 1) is missing.
@@ -31,8 +32,9 @@ struct Sample {
   Moments moments;
 };
 
-// Reads one variable, advancing the bar by one per case. Throws NumericalException naming variable and case when a
-// value is infinite; UserCancelled through the bar.
-Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set, CKroProgressBar& progress);
+// Reads one variable, advancing the bar by one per case. Throws NumericalException naming variable and case
+// when a value is infinite; UserCancelled through the bar.
+Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
+                  CKroProgressBar& progress);
 
 }  // namespace brenvolt::sra

@@ -31,9 +31,13 @@ struct PowerSums {
   double c = 0;  // sum of y^c (ln y)^2
 };
 
-bool IsZero(double y) { return std::abs(y) < kZeroUnits * std::numeric_limits<double>::denorm_min(); }
+bool IsZero(double y) {
+  return std::abs(y) < kZeroUnits * std::numeric_limits<double>::denorm_min();
+}
 
-bool SumVanishes(double a) { return std::bit_cast<std::uint64_t>(std::abs(a)) < kSmallestSumBits; }
+bool SumVanishes(double a) {
+  return std::bit_cast<std::uint64_t>(std::abs(a)) < kSmallestSumBits;
+}
 
 PowerSums SumPowers(std::span<const double> logarithms, double shape) {
   PowerSums sums;
@@ -51,7 +55,8 @@ double StartingShape(const Logarithms& logs) {
   double v = (logs.sumOfSquares - logs.sum * logs.sum / n) * 6 / ((n - 1) * kPiSquared);
   if (v == 0) v = kSmallestVariance;
   const double shape = 1 / std::sqrt(v);
-  const bool tooLarge = shape * std::log(logs.largestMagnitude) > kLargestExponent || shape > kLargestStartingShape;
+  const bool tooLarge =
+      shape * std::log(logs.largestMagnitude) > kLargestExponent || shape > kLargestStartingShape;
   return tooLarge ? 1.0 : shape;
 }
 

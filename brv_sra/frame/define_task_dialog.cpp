@@ -78,7 +78,8 @@ bool CDefineTask::OnOk() {
 }
 
 void CDefineTask::OnControlChanged(std::int32_t number) {
-  if (number == kTaskList) Controls().Enable(kAutoProfiler, Controls().Selection(kTaskList) == kProfilerEntry);
+  if (number == kTaskList)
+    Controls().Enable(kAutoProfiler, Controls().Selection(kTaskList) == kProfilerEntry);
   if (number == kAutoProfiler) SimulationAndRisk().SetAutoProfiler(Controls().IsChecked(kAutoProfiler));
 }
 

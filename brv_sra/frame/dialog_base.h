@@ -1,5 +1,5 @@
-// The module's thin base over the host's modeless dialog: every dialog of the sequence has the analysis object and an
-// automation object.
+// The module's thin base over the host's modeless dialog: every dialog of the sequence has the analysis
+// object and an automation object.
 #pragma once
 
 #include <memory>
@@ -24,13 +24,13 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
   std::shared_ptr<AutomationObject> AutomationInterface() override { return automation_; }
 
  protected:
-  // Gives the dialog its automation object over a table of members. The object outlives the dialog where a client
-  // still holds it; its calls then fail with the closed-dialog error.
+  // Gives the dialog its automation object over a table of members. The object outlives the dialog where a
+  // client still holds it; its calls then fail with the closed-dialog error.
   template <class Dialog>
   void EnableAutomation(std::string_view interfaceName, std::string_view className,
                         std::span<const AutomationMember<Dialog>> members) {
-    automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interfaceName, className,
-                                                             members, ModuleAutomation());
+    automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interfaceName,
+                                                             className, members, ModuleAutomation());
   }
 
  private:

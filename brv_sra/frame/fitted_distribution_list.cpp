@@ -21,7 +21,8 @@ brenvolt::sra::CFitDistributionResults* DialogBehind(const brenvolt::Variant& va
 
 }  // namespace
 
-std::int64_t GetFittedDistributionList(brenvolt::Variant dialog, brenvolt::Variant* result, std::int32_t variable) {
+std::int64_t GetFittedDistributionList(brenvolt::Variant dialog, brenvolt::Variant* result,
+                                       std::int32_t variable) {
   const auto* results = DialogBehind(dialog);
   if (results == nullptr || result == nullptr) return kNoFitResults;
   try {

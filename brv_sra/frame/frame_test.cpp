@@ -1,5 +1,5 @@
-// The module's frame through its exported faces: the factory, the sequence, the dialogs' automation, the list of
-// fitted distributions.
+// The module's frame through its exported faces: the factory, the sequence, the dialogs' automation, the list
+// of fitted distributions.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -26,13 +26,16 @@ struct Frame : testing::Test {
   Frame() {
     for (std::size_t v = 0; v < 3; ++v) {
       const auto values = sheet.VariableAt(v).MutableValues();
-      for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>((i * (v + 3) * 7) % 23 + 1);
+      for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = static_cast<double>((i * (v + 3) * 7) % 23 + 1);
     }
     analysis->AttachDocument(&document);
   }
   std::shared_ptr<AutomationObject> Dialog() { return analysis->GetDialgInterface(); }
   int Ok() { return Dialog()->Call("OK").ToInteger(); }
-  std::string LastMessage() { return userInterface.messages.empty() ? "" : userInterface.messages.back().text; }
+  std::string LastMessage() {
+    return userInterface.messages.empty() ? "" : userInterface.messages.back().text;
+  }
   void OpenFit() {
     ASSERT_TRUE(analysis->RunSequenceStep(step::kInit));
     Dialog()->Put("TypeOfAnalysis", 0);
@@ -63,7 +66,7 @@ TEST_F(Frame, SequenceTableHasItsNineRows) {
   struct Row {
     std::int32_t step, followOn, returnStep;
   };
-  const Row rows[] = {{100, 101, 0}, {101, 0, 0}, {102, 0, 101}, {103, 0, 0},  {104, 0, 0},
+  const Row rows[] = {{100, 101, 0}, {101, 0, 0},   {102, 0, 101}, {103, 0, 0},  {104, 0, 0},
                       {105, 0, 0},   {106, 0, 101}, {107, 0, 101}, {108, 0, 101}};
   const SEQFUNCTTBL* table = analysis->CAnalysisSupport::SequenceTable();
   for (const Row& row : rows) {
@@ -117,7 +120,8 @@ TEST_F(Frame, AutomationObjectOfAClosedDialogFailsAndChangesNothing) {
   closed->Call("Cancel");
   EXPECT_THROW(closed->Put("ContinuousVariable", 1), Error);
   EXPECT_THROW(closed->Call("OK"), Error);
-  EXPECT_EQ(closed->QueryInterface(IID_IMFCPointer), static_cast<IMFCPointer*>(dynamic_cast<IMFCPointer*>(closed.get())));
+  EXPECT_EQ(closed->QueryInterface(IID_IMFCPointer),
+            static_cast<IMFCPointer*>(dynamic_cast<IMFCPointer*>(closed.get())));
   EXPECT_EQ(ModuleAutomation().LockCount(), locks + 1) << "the closed one is still held";
   EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
 }
@@ -146,7 +150,8 @@ TEST_F(Frame, FitChecksRunInOrderAndKeepTheDialogOpen) {
   EXPECT_EQ(LastMessage(),
             "Please check to ensure at least one distribution is selected for each variable selected.");
   Dialog()->Put("IsWeibullDistribution", 1, true);
-  EXPECT_EQ(Dialog()->Get("WeibullOffset", std::vector<Variant>{1}).ToReal(), 0) << "checked: the usual offset";
+  EXPECT_EQ(Dialog()->Get("WeibullOffset", std::vector<Variant>{1}).ToReal(), 0)
+      << "checked: the usual offset";
   Dialog()->Put("WeibullOffset", 1, kNotSet);
   EXPECT_EQ(Ok(), 0);
   EXPECT_EQ(LastMessage(), "One or more invalid offset values found. Please enter valid offset values.");
@@ -162,7 +167,9 @@ TEST_F(Frame, FitChecksRunInOrderAndKeepTheDialogOpen) {
 TEST_F(Frame, SelectionDialogRefusesTextVariablesAndEmptyLists) {
   sheet.VariableAt(2).SetType(VariableType::kText);
   OpenFit();
-  userInterface.variableAnswers = {[](VariableQuestion& question) { question.first = {1, 3}; },
+  userInterface.variableAnswers = {[](VariableQuestion& question) {
+                                     question.first = {1, 3};
+                                   },
                                    [](VariableQuestion& question) { EXPECT_TRUE(question.first.empty()); },
                                    [](VariableQuestion& question) { question.first = {2}; }};
   EXPECT_EQ(Ok(), 0);
@@ -170,7 +177,8 @@ TEST_F(Frame, SelectionDialogRefusesTextVariablesAndEmptyLists) {
   EXPECT_EQ(userInterface.messages[0].text,
             "One or more text variables selected. To proceed, please remove these variable(s): Var3.");
   EXPECT_EQ(userInterface.messages[1].text,
-            "Too few variables selected. Select at least one variable from one of the two variable lists to continue.");
+            "Too few variables selected. Select at least one variable from one of the two variable lists to "
+            "continue.");
   EXPECT_EQ(Dialog()->Get("ContinuousVariable").ToText(), "2");
 }
 

@@ -51,10 +51,16 @@ __attribute__((destructor)) void DetachModule() {
 
 }  // namespace
 
-InstanceHandle ModuleInstance() { return instance; }
+InstanceHandle ModuleInstance() {
+  return instance;
+}
 
-const CAnalysisContext& ModuleContext() { return *context; }
+const CAnalysisContext& ModuleContext() {
+  return *context;
+}
 
-AutomationModule& ModuleAutomation() { return TheAutomationModule(); }
+AutomationModule& ModuleAutomation() {
+  return TheAutomationModule();
+}
 
 }  // namespace brenvolt::sra

@@ -25,7 +25,8 @@ constexpr SEQFUNCTTBL kSequence[] = {
     {step::kFitResults, Run<&CSimulationAndRisk::FitDistributionResultsDialog>, 0, 0},
     {step::kSimulation, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0, 0},
     {step::kSimulationResults, Run<&CSimulationAndRisk::SimulationResultsDialog>, 0, 0},
-    {step::kSimulationFromStartup, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0, step::kStartup},
+    {step::kSimulationFromStartup, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0,
+     step::kStartup},
     {step::kDesign, RefuseStep, 0, step::kStartup},
     {step::kProfiler, RefuseStep, 0, step::kStartup},
     {0, nullptr, 0, 0},
@@ -33,6 +34,8 @@ constexpr SEQFUNCTTBL kSequence[] = {
 
 }  // namespace
 
-const SEQFUNCTTBL* SequenceTable() { return kSequence; }
+const SEQFUNCTTBL* SequenceTable() {
+  return kSequence;
+}
 
 }  // namespace brenvolt::sra

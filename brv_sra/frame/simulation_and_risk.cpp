@@ -23,7 +23,8 @@ constexpr std::int32_t kDialogOpened = -1;
 template <class Dialog>
 std::int32_t OpenDialog(CSimulationAndRisk& analysis) {
   try {
-    return CAnalysisModelessDialog::CreateAnalysisDialog(std::make_unique<Dialog>(analysis)) ? kDialogOpened : 0;
+    return CAnalysisModelessDialog::CreateAnalysisDialog(std::make_unique<Dialog>(analysis)) ? kDialogOpened
+                                                                                             : 0;
   } catch (const std::bad_alloc&) {
     return 0;
   }
@@ -39,17 +40,27 @@ CSimulationAndRisk::CSimulationAndRisk(CAnalysisDoc* document)
 }
 
 // The open dialog works on the members below: it goes first.
-CSimulationAndRisk::~CSimulationAndRisk() { InitializeAfterFileChanged(); }
+CSimulationAndRisk::~CSimulationAndRisk() {
+  InitializeAfterFileChanged();
+}
 
 void CSimulationAndRisk::Initialize() {}
 
-bool CSimulationAndRisk::ForwardSequence(int from, int to) const { return CAnalysisSupport::ForwardSequence(from, to); }
+bool CSimulationAndRisk::ForwardSequence(int from, int to) const {
+  return CAnalysisSupport::ForwardSequence(from, to);
+}
 
-InstanceHandle CSimulationAndRisk::GetLibInstance() const { return ModuleInstance(); }
+InstanceHandle CSimulationAndRisk::GetLibInstance() const {
+  return ModuleInstance();
+}
 
-int CSimulationAndRisk::GetAnalysisID() const { return kAnalysisId; }
+int CSimulationAndRisk::GetAnalysisID() const {
+  return kAnalysisId;
+}
 
-std::string CSimulationAndRisk::GetAnalysisName() const { return std::string(ResourceString(kAnalysisName)); }
+std::string CSimulationAndRisk::GetAnalysisName() const {
+  return std::string(ResourceString(kAnalysisName));
+}
 
 std::int32_t CSimulationAndRisk::Init() {
   InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
@@ -57,17 +68,25 @@ std::int32_t CSimulationAndRisk::Init() {
   return 1;
 }
 
-std::int32_t CSimulationAndRisk::StartAnalysis() { return OpenDialog<CDefineTask>(*this); }
+std::int32_t CSimulationAndRisk::StartAnalysis() {
+  return OpenDialog<CDefineTask>(*this);
+}
 
-std::int32_t CSimulationAndRisk::FitDistributionDialog() { return OpenDialog<CFitDistribution>(*this); }
+std::int32_t CSimulationAndRisk::FitDistributionDialog() {
+  return OpenDialog<CFitDistribution>(*this);
+}
 
-std::int32_t CSimulationAndRisk::FitDistributionResultsDialog() { return OpenDialog<CFitDistributionResults>(*this); }
+std::int32_t CSimulationAndRisk::FitDistributionResultsDialog() {
+  return OpenDialog<CFitDistributionResults>(*this);
+}
 
 std::int32_t CSimulationAndRisk::SimulationFromDistributionDialog() {
   return OpenDialog<CSimulationFromDistribution>(*this);
 }
 
-std::int32_t CSimulationAndRisk::SimulationResultsDialog() { return OpenDialog<CSimulationResults>(*this); }
+std::int32_t CSimulationAndRisk::SimulationResultsDialog() {
+  return OpenDialog<CSimulationResults>(*this);
+}
 
 }  // namespace brenvolt::sra
 

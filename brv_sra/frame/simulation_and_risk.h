@@ -1,5 +1,5 @@
-// The analysis object: the one thing that the host asks the module for. It owns what outlives a single dialog and
-// starts every dialog of the analysis through a fixed table of sequence steps.
+// The analysis object: the one thing that the host asks the module for. It owns what outlives a single dialog
+// and starts every dialog of the analysis through a fixed table of sequence steps.
 #pragma once
 
 #include <cstdint>
@@ -27,8 +27,8 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   int GetAnalysisID() const override;
   std::string GetAnalysisName() const override;
 
-  // Step 100: hands the module's blocks to the base and clears the one-shot flag. Returns 1, however often it is
-  // called.
+  // Step 100: hands the module's blocks to the base and clears the one-shot flag. Returns 1, however often it
+  // is called.
   std::int32_t Init();
 
   // Entry methods of the sequence's dialogs: -1 when the dialog is open, 0 when it could not be made.
@@ -76,6 +76,6 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
 
 }  // namespace brenvolt::sra
 
-// The module's factory: a new analysis without a document, which the host owns and deletes through its virtual
-// destructor; null when memory is short.
+// The module's factory: a new analysis without a document, which the host owns and deletes through its
+// virtual destructor; null when memory is short.
 extern "C" BRENVOLT_EXPORT brenvolt::sra::CSimulationAndRisk* Kro6NewAnalysis();

@@ -8,7 +8,9 @@ namespace {
 
 using enum ControlKind;
 
-std::string_view Text(std::int32_t number) { return ResourceString(number); }
+std::string_view Text(std::int32_t number) {
+  return ResourceString(number);
+}
 
 RowTemplate OkAndCancel(std::int32_t okCaption) {
   return {{kControlOk, kButton, Text(okCaption)}, {kControlCancel, kButton, Text(kFitButtonCancel)}};
@@ -34,37 +36,39 @@ const DialogTemplate& DefineTaskTemplate() {
 
 const DialogTemplate& FitDistributionTemplate() {
   using namespace fit_dialog;
-  static const DialogTemplate result{
-      25974,
-      Text(kFitTitle),
-      {OkAndCancel(kFitButtonOk)},
-      {{Text(kFitTabQuick),
-        {{"",
-          {{{kVariables, kButton, Text(kFitButtonVariables)}},
-           {{kContinuousList, kLabel, Text(kFitListContinuous)}},
-           {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}},
-         {Text(kFitGroupMissingData),
-          {{{kPairwise, kRadioButton, Text(kFitRadioPairwise)}, {kCasewise, kRadioButton, Text(kFitRadioCasewise)}}}}}},
-       {Text(kFitTabContinuous),
-        {{"",
-          {{{kContinuousVariable, kComboBox, ""},
-            {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
-            {kContinuousNext, kButton, Text(kFitButtonNext)}},
-           {{kNormal, kCheckBox, Text(kFitCheckNormal)}},
-           {{kLogNormal, kCheckBox, Text(kFitCheckLogNormal)}, {kLogNormalOffset, kRealField, Text(kOffsetCaption)}},
-           {{kWeibull, kCheckBox, Text(kFitCheckWeibull)}, {kWeibullOffset, kRealField, Text(kOffsetCaption)}},
-           {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
-            {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
-            {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
-       {Text(kFitTabDiscrete),
-        {{"",
-          {{{kDiscreteVariable, kComboBox, ""},
-            {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
-            {kDiscreteNext, kButton, Text(kFitButtonNext)}},
-           {{kPoisson, kCheckBox, Text(kFitCheckPoisson)}},
-           {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
-            {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
-            {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
+  static const DialogTemplate result{25974,
+                                     Text(kFitTitle),
+                                     {OkAndCancel(kFitButtonOk)},
+                                     {{Text(kFitTabQuick),
+                                       {{"",
+                                         {{{kVariables, kButton, Text(kFitButtonVariables)}},
+                                          {{kContinuousList, kLabel, Text(kFitListContinuous)}},
+                                          {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}},
+                                        {Text(kFitGroupMissingData),
+                                         {{{kPairwise, kRadioButton, Text(kFitRadioPairwise)},
+                                           {kCasewise, kRadioButton, Text(kFitRadioCasewise)}}}}}},
+                                      {Text(kFitTabContinuous),
+                                       {{"",
+                                         {{{kContinuousVariable, kComboBox, ""},
+                                           {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
+                                           {kContinuousNext, kButton, Text(kFitButtonNext)}},
+                                          {{kNormal, kCheckBox, Text(kFitCheckNormal)}},
+                                          {{kLogNormal, kCheckBox, Text(kFitCheckLogNormal)},
+                                           {kLogNormalOffset, kRealField, Text(kOffsetCaption)}},
+                                          {{kWeibull, kCheckBox, Text(kFitCheckWeibull)},
+                                           {kWeibullOffset, kRealField, Text(kOffsetCaption)}},
+                                          {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
+                                           {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
+                                           {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
+                                      {Text(kFitTabDiscrete),
+                                       {{"",
+                                         {{{kDiscreteVariable, kComboBox, ""},
+                                           {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
+                                           {kDiscreteNext, kButton, Text(kFitButtonNext)}},
+                                          {{kPoisson, kCheckBox, Text(kFitCheckPoisson)}},
+                                          {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
+                                           {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
+                                           {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
   return result;
 }
 
@@ -94,7 +98,8 @@ const DialogTemplate& SimulationTemplate() {
         {{"",
           {{{kVariables, kButton, Text(kFitButtonVariables)}, {kVariableList, kLabel, ""}},
            {{kNumberOfSamples, kIntegerField, Text(kSimulationSamples)}},
-           {{kSeedSwitch, kCheckBox, Text(kSimulationSeedSwitch)}, {kSeed, kIntegerField, Text(kSimulationSeed)}},
+           {{kSeedSwitch, kCheckBox, Text(kSimulationSeedSwitch)},
+            {kSeed, kIntegerField, Text(kSimulationSeed)}},
            {{kTruncate, kCheckBox, Text(kSimulationTruncate)}}}},
          {Text(kSimulationMethodGroup),
           {{{kMonteCarlo, kRadioButton, Text(kMethodMonteCarlo)}},
@@ -103,7 +108,8 @@ const DialogTemplate& SimulationTemplate() {
 }
 
 const DialogTemplate& SimulationResultsTemplate() {
-  static const DialogTemplate result{25988, Text(kSimulationResultsTitle), {OkAndCancel(kSimulationSummary)}, {}};
+  static const DialogTemplate result{
+      25988, Text(kSimulationResultsTitle), {OkAndCancel(kSimulationSummary)}, {}};
   return result;
 }
 

@@ -7,11 +7,11 @@
 
 namespace brenvolt::sra {
 
-const DialogTemplate& DefineTaskTemplate();           // 25980
-const DialogTemplate& FitDistributionTemplate();      // 25974
-const DialogTemplate& FitResultsTemplate();           // 25983
-const DialogTemplate& SimulationTemplate();           // 25991
-const DialogTemplate& SimulationResultsTemplate();    // 25988
+const DialogTemplate& DefineTaskTemplate();         // 25980
+const DialogTemplate& FitDistributionTemplate();    // 25974
+const DialogTemplate& FitResultsTemplate();         // 25983
+const DialogTemplate& SimulationTemplate();         // 25991
+const DialogTemplate& SimulationResultsTemplate();  // 25988
 
 namespace define_task {
 inline constexpr std::int32_t kFitDistribution = 1004;

@@ -453,7 +453,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kSimulationSeed, "Seed:"},
     {kSimulationTruncate, "Truncate simulation data"},
     {kSimulationMethodGroup, "Method"},
-    {kMsgNoDistributionsInInput, "No variable of the input has a fitted distribution. Please fit distributions and save them first."},
+    {kMsgNoDistributionsInInput,
+     "No variable of the input has a fitted distribution. Please fit distributions and save them first."},
     {kSimulationResultsTitle, "Simulation Results"},
     {kSimulationSummary, "Simulation summary"},
 });

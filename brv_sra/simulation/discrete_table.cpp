@@ -16,7 +16,9 @@ constexpr std::array<int, 5> kShifts{24, 18, 12, 6, 0};
 constexpr double kDrawScale = 4294967295.0;
 constexpr std::uint32_t kLargestDraw = 4294967294U;
 
-std::uint32_t Rounded(double probability) { return static_cast<std::uint32_t>(std::round(probability * kProbabilityScale)); }
+std::uint32_t Rounded(double probability) {
+  return static_cast<std::uint32_t>(std::round(probability * kProbabilityScale));
+}
 
 std::vector<double> SmallMeanProbabilities(double mean) {
   std::vector<double> probabilities{std::exp(-mean)};
@@ -62,7 +64,8 @@ DiscreteTable DiscreteTable::Poisson(double mean) {
 
 DiscreteTable::DiscreteTable(double firstValue, const std::vector<std::uint32_t>& probabilities)
     : firstValue_(firstValue),
-      mostProbable_(static_cast<std::uint32_t>(std::ranges::max_element(probabilities) - probabilities.begin())) {
+      mostProbable_(
+          static_cast<std::uint32_t>(std::ranges::max_element(probabilities) - probabilities.begin())) {
   std::uint32_t end = 0;
   for (std::size_t digit = 0; digit < kDigits; ++digit) {
     // A probability of a whole 2^30 has 64 for its leading digit; all others stay below 64.

@@ -7,8 +7,8 @@
 
 namespace brenvolt::sra {
 
-// Marsaglia, Tsang & Wang (2004), "Fast generation of discrete random variables", J. Stat. Software 11(3): 30-bit
-// integer probabilities taken apart into five base-64 digits, with a table for each digit.
+// Marsaglia, Tsang & Wang (2004), "Fast generation of discrete random variables", J. Stat. Software 11(3):
+// 30-bit integer probabilities taken apart into five base-64 digits, with a table for each digit.
 //
 // Rounded probabilities need not add up to 2^30; draws beyond their sum give the most probable value.
 class DiscreteTable {

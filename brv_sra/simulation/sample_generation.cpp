@@ -53,8 +53,10 @@ bool GenerateColumns(const SimulationDesign& design, std::span<double> matrix, C
 }  // namespace
 
 void SeedRandomStream(bool seeded, double seed) {
-  const double negated = seeded ? -std::fmod(std::trunc(seed), kTwoTo32) : std::fmod(static_cast<double>(std::time(nullptr)), kTwoTo32);
-  const auto start = static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int64_t>(negated)));
+  const double negated = seeded ? -std::fmod(std::trunc(seed), kTwoTo32)
+                                : std::fmod(static_cast<double>(std::time(nullptr)), kTwoTo32);
+  const auto start =
+      static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int64_t>(negated)));
   if (start == 0) {
     inirnd_(0, 0);
   } else {
@@ -67,7 +69,8 @@ bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix
   return GenerateColumns(design, matrix, progress, DrawMonteCarloColumn);
 }
 
-bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress) {
+bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
+                            CKroProgressBar& progress) {
   return GenerateColumns(design, matrix, progress, DrawLatinHypercubeColumn);
 }
 

@@ -1,8 +1,8 @@
 // Raw simulated values: Monte Carlo and Latin hypercube sampling from the host's one random stream.
 //
-// The order of draws is part of the contract: columns in variable order, rows in order within a column, and every
-// Monte Carlo value draws one uniform deviate for its fallback first, used or not. The same seed, design and method
-// give the same samples.
+// The order of draws is part of the contract: columns in variable order, rows in order within a column, and
+// every Monte Carlo value draws one uniform deviate for its fallback first, used or not. The same seed,
+// design and method give the same samples.
 #pragma once
 
 #include <cstdint>
@@ -13,19 +13,21 @@
 
 namespace brenvolt::sra {
 
-// Seeds the stream for one run and passes over its first 100 draws: from the user's seed (at least 0, its integer
-// part, modulo 2^32 where it is larger) when `seeded`, else from the calendar time in seconds. A seed of 0 is as
-// reproducible as any other.
+// Seeds the stream for one run and passes over its first 100 draws: from the user's seed (at least 0, its
+// integer part, modulo 2^32 where it is larger) when `seeded`, else from the calendar time in seconds. A seed
+// of 0 is as reproducible as any other.
 void SeedRandomStream(bool seeded, double seed);
 
-// Fills the columns of the variables that are not excluded in the row-major matrix of numberOfSamples rows and one
-// column per variable of the design. False when a distribution cannot be sampled: its parameters are invalid, or its
-// truncation leaves nothing. Throws UserCancelled through the bar, std::bad_alloc when memory is short.
+// Fills the columns of the variables that are not excluded in the row-major matrix of numberOfSamples rows
+// and one column per variable of the design. False when a distribution cannot be sampled: its parameters are
+// invalid, or its truncation leaves nothing. Throws UserCancelled through the bar, std::bad_alloc when memory
+// is short.
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
-bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
+bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
+                            CKroProgressBar& progress);
 
-// A random permutation of 1 … n, n the size of `values`, by the shuffle of Fisher and Yates (Durstenfeld 1964);
-// n draws, none for n = 1.
+// A random permutation of 1 … n, n the size of `values`, by the shuffle of Fisher and Yates (Durstenfeld
+// 1964); n draws, none for n = 1.
 void RandomPermutation(std::span<double> values);
 
 }  // namespace brenvolt::sra

@@ -36,8 +36,9 @@ struct Generation : testing::Test {
     std::vector<double> matrix(static_cast<std::size_t>(samples) * design.variables.size());
     const auto progress = CKroProgressBar::new_ProgressBar(port, "", samples);
     SeedRandomStream(true, seed);
-    const bool done = method == SimulationMethod::kMonteCarlo ? GenerateMonteCarlo(design, matrix, *progress)
-                                                              : GenerateLatinHypercube(design, matrix, *progress);
+    const bool done = method == SimulationMethod::kMonteCarlo
+                          ? GenerateMonteCarlo(design, matrix, *progress)
+                          : GenerateLatinHypercube(design, matrix, *progress);
     EXPECT_TRUE(done);
     return matrix;
   }
@@ -48,7 +49,8 @@ struct Generation : testing::Test {
   }
 };
 
-// Written straight from the rules: columns in order; each value draws its fallback's uniform, then its candidate.
+// Written straight from the rules: columns in order; each value draws its fallback's uniform, then its
+// candidate.
 TEST_F(Generation, MonteCarloDrawsInTheFixedOrder) {
   design.variables = {Of(DistributionCode::kNormal, {10, 2}), Of(DistributionCode::kWeibull, {3, 1.5}, 1),
                       Of(DistributionCode::kLogNormal, {0, 1}, 2)};
@@ -116,7 +118,8 @@ TEST_F(Generation, SamplesFollowTheirLawUnderBothMethods) {
       auto sample = Generate(method, 5, 100'000);
       std::ranges::sort(sample);
       double d = 1;
-      ASSERT_NE(ComputeKolmogorovSmirnovTest(law.testCode, law.values, sample, IsNotSet(law.offset) ? 0 : law.offset, d),
+      ASSERT_NE(ComputeKolmogorovSmirnovTest(law.testCode, law.values, sample,
+                                             IsNotSet(law.offset) ? 0 : law.offset, d),
                 0);
       std::int32_t error = 0;
       EXPECT_GT(ComputeKolmogorovSmirnovPvalue(100'000, d, error), 1e-6) << law.name << " d = " << d;
@@ -189,7 +192,8 @@ TEST(RandomPermutation, IsAPermutationAndOneDrawsNothing) {
   EXPECT_EQ(ProcessStreamPosition(), before);
 }
 
-// Every 30-bit draw is equally likely: over an even grid of draws each value must come up as often as it should.
+// Every 30-bit draw is equally likely: over an even grid of draws each value must come up as often as it
+// should.
 TEST(DiscreteTable, ReproducesItsProbabilities) {
   for (const double mean : {0.01, 0.7, 21.3, 21.5, 300.0}) {
     const DiscreteTable table = DiscreteTable::Poisson(mean);

@@ -48,7 +48,9 @@ template <std::int32_t Control>
 void EnterNumber(Dialog& dialog, Indexes, const Variant& value) {
   dialog.Enter(Control, value.ToText());
 }
-Variant GetVariables(Dialog& dialog, Indexes) { return dialog.Controls().Text(kVariableList); }
+Variant GetVariables(Dialog& dialog, Indexes) {
+  return dialog.Controls().Text(kVariableList);
+}
 void PutVariables(Dialog& dialog, Indexes, const Variant& value) {
   if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
   dialog.SelectVariables(VariableNumbers(value, dialog.GetInputTable()->VariableCount()));
@@ -68,8 +70,8 @@ constexpr std::array<Member, 7> kMembers{{
 
 CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationTemplate()) {
-  EnableAutomation<CSimulationFromDistribution>("SRASimulationFromDistribution", "CSimulationFromDistribution",
-                                                kMembers);
+  EnableAutomation<CSimulationFromDistribution>("SRASimulationFromDistribution",
+                                                "CSimulationFromDistribution", kMembers);
 }
 
 void CSimulationFromDistribution::OnInitDialog() {
@@ -92,7 +94,8 @@ void CSimulationFromDistribution::OnInitDialog() {
 
 void CSimulationFromDistribution::ShowVariables() {
   const auto& variables = Options().variables;
-  Controls().SetText(kVariableList, variables.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(variables));
+  Controls().SetText(kVariableList,
+                     variables.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(variables));
 }
 
 bool CSimulationFromDistribution::OnCommand(std::int32_t number) {
@@ -127,7 +130,8 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
   const auto available = VariablesWithDistributions(*GetInputTable());
   for (const std::int16_t number : variables) {
     if (std::ranges::find(available, number) == available.end()) {
-      throw Error("variable " + Analysis().get_vn(number) + " has no fitted distribution", GetInputTable()->Name());
+      throw Error("variable " + Analysis().get_vn(number) + " has no fitted distribution",
+                  GetInputTable()->Name());
     }
   }
   Options().variables = variables;
@@ -203,7 +207,8 @@ bool CSimulationFromDistribution::Run() {
 
 bool CSimulationFromDistribution::Report(SimulationStatus status) const {
   if (status == SimulationStatus::kSuccess) return true;
-  ShowMessage(status == SimulationStatus::kMemoryFailure ? kMsgInsufficientMemory : kMsgSimulationFailedDistributions);
+  ShowMessage(status == SimulationStatus::kMemoryFailure ? kMsgInsufficientMemory
+                                                         : kMsgSimulationFailedDistributions);
   return false;
 }
 

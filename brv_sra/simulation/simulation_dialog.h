@@ -1,4 +1,5 @@
-// Simulation from distributions: the checks of the run's options, the run, and its report. Sequence steps 104 and 106.
+// Simulation from distributions: the checks of the run's options, the run, and its report. Sequence steps 104
+// and 106.
 #pragma once
 
 #include <cstdint>

@@ -15,7 +15,8 @@ CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
 bool CSimulationResults::OnOk() {
   const auto& output = SimulationAndRisk().Simulation().output;
   if (output == nullptr) return false;
-  Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(SimulationSummary(output->Table())));
+  Analysis().Interface().ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(SimulationSummary(output->Table())));
   return true;
 }
 

@@ -71,7 +71,8 @@ std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::sp
 std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet) {
   std::vector<std::int16_t> numbers;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    if (sheet.VariableAt(i).Property(property_key::kOrder)) numbers.push_back(static_cast<std::int16_t>(i + 1));
+    if (sheet.VariableAt(i).Property(property_key::kOrder))
+      numbers.push_back(static_cast<std::int16_t>(i + 1));
   }
   return numbers;
 }
@@ -84,7 +85,8 @@ SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options
   design.method = options.method;
   design.truncate = options.truncate;
   for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
-    if (variable.ranked.empty()) throw CDispatchException(std::string(ResourceString(kMsgInvalidOrderProperty)));
+    if (variable.ranked.empty())
+      throw CDispatchException(std::string(ResourceString(kMsgInvalidOrderProperty)));
     design.variables.push_back(
         {variable.variableNumber, store.VariableName(variable.variableNumber), variable.ranked.front()});
   }
@@ -117,8 +119,8 @@ SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double 
   try {
     AnalysisArray<double> matrix(samples * variables);
     SeedRandomStream(seeded, seed);
-    const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                                           static_cast<std::int64_t>(samples * variables + 1));
+    const auto progress = CKroProgressBar::new_ProgressBar(
+        port, ResourceString(kProgressComputing), static_cast<std::int64_t>(samples * variables + 1));
     if (method->generate(design, matrix.Span(), *progress)) {
       run.output = BuildOutput(design, matrix.Span(), method->title, port);
     } else {

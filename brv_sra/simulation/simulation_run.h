@@ -16,8 +16,8 @@ namespace brenvolt::sra {
 // The variables of a sheet that carry distribution properties, numbered from 1.
 std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet);
 
-// The design over the best distribution of each variable, continuous variables first. Throws CDispatchException with
-// the reader's message when a property is missing or invalid.
+// The design over the best distribution of each variable, continuous variables first. Throws
+// CDispatchException with the reader's message when a property is missing or invalid.
 SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options);
 
 // True when a sample matrix of this size is within the limit of 2,000,000,000 bytes.

@@ -26,8 +26,12 @@ std::vector<double> SummaryOf(const Variable& variable) {
   }
   std::ranges::sort(valid);
   const Moments moments = accumulator.Finish();
-  std::vector<double> summary{static_cast<double>(moments.count), moments.mean,    moments.standardDeviation,
-                              moments.skewness,                   moments.kurtosis, moments.minimum,
+  std::vector<double> summary{static_cast<double>(moments.count),
+                              moments.mean,
+                              moments.standardDeviation,
+                              moments.skewness,
+                              moments.kurtosis,
+                              moments.minimum,
                               moments.maximum};
   for (const int percent : kPercents) summary.push_back(Percentile(valid, percent));
   return summary;
@@ -38,7 +42,8 @@ std::vector<double> SummaryOf(const Variable& variable) {
 std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output) {
   std::vector<std::string> columns(kMomentNames.begin(), kMomentNames.end());
   for (const int percent : kPercents) columns.push_back("P" + std::to_string(percent));
-  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), output.VariableCount());
+  auto sheet =
+      std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), output.VariableCount());
   sheet->SetTitle(output.Title());
   std::vector<std::string> names;
   std::vector<std::vector<double>> rows;
@@ -49,7 +54,8 @@ std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output) {
   for (std::size_t c = 0; c < columns.size(); ++c) {
     Variable column(columns[c], rows.size());
     const auto cells = column.MutableValues();
-    for (std::size_t i = 0; i < rows.size(); ++i) cells[i] = IsNotSet(rows[i][c]) ? GetDefaultMDValue() : rows[i][c];
+    for (std::size_t i = 0; i < rows.size(); ++i)
+      cells[i] = IsNotSet(rows[i][c]) ? GetDefaultMDValue() : rows[i][c];
     sheet->AddVariable(std::move(column));
   }
   sheet->SetCaseNames(std::move(names));

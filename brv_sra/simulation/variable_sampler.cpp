@@ -20,8 +20,8 @@ using Values = std::vector<double>;
 
 }  // namespace
 
-// How one type is sampled. A type without a natural generator is always inverted; the discrete ones that have a table
-// draw their candidates from it.
+// How one type is sampled. A type without a natural generator is always inverted; the discrete ones that have
+// a table draw their candidates from it.
 struct SamplingMethod {
   DistributionCode code;
   bool (*isValid)(const Values&);
@@ -37,11 +37,13 @@ constexpr std::array<SamplingMethod, 4> kMethods{{
      [](double x, const Values& v, double) { return normal::Cdf(x, v[0], v[1]); },
      [](double p, const Values& v, double) { return normal::Quantile(p, v[0], v[1]); },
      [](const Values& v, double) { return znormal_(v[1]) + v[0]; }},
-    {DistributionCode::kLogNormal, [](const Values& v) { return v.size() == 2 && lognormal::IsValid(v[0], v[1]); },
+    {DistributionCode::kLogNormal,
+     [](const Values& v) { return v.size() == 2 && lognormal::IsValid(v[0], v[1]); },
      [](double x, const Values& v, double t) { return lognormal::Cdf(x, v[0], v[1], t); },
      [](double p, const Values& v, double t) { return lognormal::Quantile(p, v[0], v[1], t); },
      [](const Values& v, double t) { return std::exp(znormal_(v[1]) + v[0]) + t; }},
-    {DistributionCode::kWeibull, [](const Values& v) { return v.size() == 2 && weibull::IsValid(v[0], v[1]); },
+    {DistributionCode::kWeibull,
+     [](const Values& v) { return v.size() == 2 && weibull::IsValid(v[0], v[1]); },
      [](double x, const Values& v, double t) { return weibull::Cdf(x, v[0], v[1], t); },
      [](double p, const Values& v, double t) { return weibull::Quantile(p, v[0], v[1], t); }, nullptr},
     {DistributionCode::kPoisson, [](const Values& v) { return v.size() == 1 && poisson::IsValid(v[0]); },
@@ -54,11 +56,15 @@ const SamplingMethod* FindMethod(DistributionCode code) {
   return found != kMethods.end() ? &*found : nullptr;
 }
 
-bool IsSentinel(double x) { return std::isnan(x) || x == kInvalidQuantile; }
+bool IsSentinel(double x) {
+  return std::isnan(x) || x == kInvalidQuantile;
+}
 
 }  // namespace
 
-bool CanSample(DistributionCode code) { return FindMethod(code) != nullptr; }
+bool CanSample(DistributionCode code) {
+  return FindMethod(code) != nullptr;
+}
 
 VariableSampler::VariableSampler(const DistributionSpecification& specification, bool truncate)
     : specification_(specification),

@@ -12,8 +12,8 @@ struct SamplingMethod;
 
 class VariableSampler {
  public:
-  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the specification's own truncation
-  // narrows the range further.
+  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the specification's own
+  // truncation narrows the range further.
   VariableSampler(const DistributionSpecification& specification, bool truncate);
 
   // False when the distribution cannot be sampled; the other members must then not be called.
@@ -23,8 +23,8 @@ class VariableSampler {
   double UpperProbability() const { return upperProbability_; }
   // The value at a probability.
   double Inverse(double p) const;
-  // The next Monte Carlo value. Draws the fallback's uniform deviate first; a type with a natural generator then
-  // draws up to five candidates and takes the first within the range, else the fallback by inversion.
+  // The next Monte Carlo value. Draws the fallback's uniform deviate first; a type with a natural generator
+  // then draws up to five candidates and takes the first within the range, else the fallback by inversion.
   double DrawMonteCarlo() const;
 
  private:

@@ -28,8 +28,8 @@ class CAnalysisDialog {
   // The dialog's automation object; the base has none.
   virtual std::shared_ptr<AutomationObject> AutomationInterface() { return nullptr; }
 
-  // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a control
-  // that is disabled or hidden refuses. After Press the dialog may no longer exist.
+  // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a
+  // control that is disabled or hidden refuses. After Press the dialog may no longer exist.
   bool Press(std::int32_t number);
   bool Check(std::int32_t number, bool checked);
   bool Select(std::int32_t number, int index);
@@ -50,7 +50,9 @@ class CAnalysisDialog {
 
   void GoToStep(std::int32_t step) { analysis_.RequestStep(step); }
   void GoBack() { analysis_.RequestReturn(); }
-  MessageAnswer ShowMessage(std::int32_t resource) const { return analysis_.ShowMessage(szLoadResString(resource)); }
+  MessageAnswer ShowMessage(std::int32_t resource) const {
+    return analysis_.ShowMessage(szLoadResString(resource));
+  }
 
  private:
   bool Takes(std::int32_t number) const;
@@ -65,8 +67,8 @@ class CAnalysisModelessDialog : public CAnalysisDialog {
  public:
   using CAnalysisDialog::CAnalysisDialog;
 
-  // Initialises the dialog and makes it the analysis's open one. False, and no dialog is open that was not before,
-  // when the initialisation failed.
+  // Initialises the dialog and makes it the analysis's open one. False, and no dialog is open that was not
+  // before, when the initialisation failed.
   static bool CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog);
 };
 

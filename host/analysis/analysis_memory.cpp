@@ -35,8 +35,12 @@ void FreeAnalysisMemory(void* block) noexcept {
   --outstanding;
 }
 
-std::size_t OutstandingAnalysisBlocks() noexcept { return outstanding; }
+std::size_t OutstandingAnalysisBlocks() noexcept {
+  return outstanding;
+}
 
-void LimitAnalysisAllocations(std::size_t allocations) noexcept { allowed = allocations; }
+void LimitAnalysisAllocations(std::size_t allocations) noexcept {
+  allowed = allocations;
+}
 
 }  // namespace brenvolt

@@ -10,7 +10,8 @@
 
 namespace brenvolt {
 
-// A zero-filled block of `bytes`, or null when memory is short. Release with FreeAnalysisMemory; null may be released.
+// A zero-filled block of `bytes`, or null when memory is short. Release with FreeAnalysisMemory; null may be
+// released.
 void* AllocAnalysisMemory(std::size_t bytes) noexcept;
 void FreeAnalysisMemory(void* block) noexcept;
 

@@ -26,33 +26,49 @@ void CAnalysisSupport::InitializeAfterFileChanged() {
 
 void CAnalysisSupport::Initialize() {}
 
-CAnalysisDialog* CAnalysisSupport::GetDialog() const { return dialog_.get(); }
+CAnalysisDialog* CAnalysisSupport::GetDialog() const {
+  return dialog_.get();
+}
 
 std::shared_ptr<AutomationObject> CAnalysisSupport::GetDialgInterface() const {
   return dialog_ != nullptr ? dialog_->AutomationInterface() : nullptr;
 }
 
-int CAnalysisSupport::ContextEntry() { return ++contextDepth_; }
+int CAnalysisSupport::ContextEntry() {
+  return ++contextDepth_;
+}
 
-int CAnalysisSupport::ContextExit() { return --contextDepth_; }
+int CAnalysisSupport::ContextExit() {
+  return --contextDepth_;
+}
 
-std::string CAnalysisSupport::ContextWrite() const { return {}; }
+std::string CAnalysisSupport::ContextWrite() const {
+  return {};
+}
 
-bool CAnalysisSupport::ContextRead(std::string_view text) { return text.empty(); }
+bool CAnalysisSupport::ContextRead(std::string_view text) {
+  return text.empty();
+}
 
-void CAnalysisSupport::ContextInit() { contextDepth_ = 0; }
+void CAnalysisSupport::ContextInit() {
+  contextDepth_ = 0;
+}
 
 bool CAnalysisSupport::ForwardSequence(int from, int to) const {
   return (from == 0 || FindStep(from) != nullptr) && FindStep(to) != nullptr;
 }
 
-InstanceHandle CAnalysisSupport::GetLibInstance() const { return context_.Instance(); }
+InstanceHandle CAnalysisSupport::GetLibInstance() const {
+  return context_.Instance();
+}
 
 std::string CAnalysisSupport::GetResourceString(std::int32_t number) const {
   return std::string(context_.String(number));
 }
 
-int CAnalysisSupport::GetAnalysisID() const { return 0; }
+int CAnalysisSupport::GetAnalysisID() const {
+  return 0;
+}
 
 std::shared_ptr<AutomationObject> CAnalysisSupport::GetDialogAutomationInterface() const {
   return GetDialgInterface();
@@ -70,7 +86,8 @@ double CAnalysisSupport::get_md(int variable) const {
 
 std::string CAnalysisSupport::get_vn(int variable) const {
   const Spreadsheet* table = InputTable();
-  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount()) return {};
+  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount())
+    return {};
   return table->VariableAt(static_cast<std::size_t>(variable - 1)).Name();
 }
 
@@ -87,22 +104,34 @@ std::string CAnalysisSupport::dsplst(const std::vector<std::int16_t>& variables)
   return text;
 }
 
-void CAnalysisSupport::SetMessageErrorHandler(MessageErrorHandler handler) { messageHandler_ = handler; }
+void CAnalysisSupport::SetMessageErrorHandler(MessageErrorHandler handler) {
+  messageHandler_ = handler;
+}
 
-std::string CAnalysisSupport::GetAnalysisName() const { return {}; }
+std::string CAnalysisSupport::GetAnalysisName() const {
+  return {};
+}
 
 std::string CAnalysisSupport::GetInputTableDisplayName() const {
   const Spreadsheet* table = InputTable();
   return table != nullptr ? table->Name() : std::string();
 }
 
-std::string CAnalysisSupport::GetPlcmprStr() const { return "= <> < <= > >="; }
+std::string CAnalysisSupport::GetPlcmprStr() const {
+  return "= <> < <= > >=";
+}
 
-bool CAnalysisSupport::AnalysisQueryUpdate() const { return false; }
+bool CAnalysisSupport::AnalysisQueryUpdate() const {
+  return false;
+}
 
-std::vector<std::string> CAnalysisSupport::GetMacroReferences() const { return {}; }
+std::vector<std::string> CAnalysisSupport::GetMacroReferences() const {
+  return {};
+}
 
-bool CAnalysisSupport::BeforeRouteOutput(CAnalysisTableDoc& /*document*/) { return true; }
+bool CAnalysisSupport::BeforeRouteOutput(CAnalysisTableDoc& /*document*/) {
+  return true;
+}
 
 void CAnalysisSupport::OnCurrentDialogChange() {}
 
@@ -113,7 +142,8 @@ void CAnalysisSupport::AfterCallEventHandler() {}
 namespace {
 
 Variable* InputVariable(Spreadsheet* table, int variable) {
-  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount()) return nullptr;
+  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount())
+    return nullptr;
   return &table->VariableAt(static_cast<std::size_t>(variable - 1));
 }
 
@@ -176,15 +206,25 @@ bool CAnalysisSupport::InputTableTextValueEdit(int variable, double value, const
   return SetInputTableTextLabel(variable, value, text);
 }
 
-bool CAnalysisSupport::SupportsByGroup() const { return false; }
+bool CAnalysisSupport::SupportsByGroup() const {
+  return false;
+}
 
-bool CAnalysisSupport::SupportsCaseWeights() const { return true; }
+bool CAnalysisSupport::SupportsCaseWeights() const {
+  return true;
+}
 
-bool CAnalysisSupport::AcceptsMatrixInput() const { return true; }
+bool CAnalysisSupport::AcceptsMatrixInput() const {
+  return true;
+}
 
-void CAnalysisSupport::BeforeClose() { InitializeAfterFileChanged(); }
+void CAnalysisSupport::BeforeClose() {
+  InitializeAfterFileChanged();
+}
 
-Spreadsheet* CAnalysisSupport::InputTable() const { return document_ != nullptr ? document_->InputTable() : nullptr; }
+Spreadsheet* CAnalysisSupport::InputTable() const {
+  return document_ != nullptr ? document_->InputTable() : nullptr;
+}
 
 UserInterface& CAnalysisSupport::Interface() const {
   if (document_ == nullptr) throw Error("no document is attached to the analysis", GetAnalysisName());
@@ -213,9 +253,13 @@ void CAnalysisSupport::SetCurrentDialog(std::unique_ptr<CAnalysisDialog> dialog)
   OnCurrentDialogChange();
 }
 
-void CAnalysisSupport::RequestStep(std::int32_t step) { pending_ = step; }
+void CAnalysisSupport::RequestStep(std::int32_t step) {
+  pending_ = step;
+}
 
-void CAnalysisSupport::RequestReturn() { pending_ = 0; }
+void CAnalysisSupport::RequestReturn() {
+  pending_ = 0;
+}
 
 void CAnalysisSupport::CompleteTransition() {
   if (!pending_) return;
@@ -252,7 +296,8 @@ void CAnalysisSupport::MoveBack() {
   RunSequenceStep(former);
 }
 
-MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, MessageIcon icon, MessageButtons buttons) const {
+MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, MessageIcon icon,
+                                            MessageButtons buttons) const {
   if (messageHandler_ != nullptr) {
     messageHandler_(text);
     return MessageAnswer::kOk;
@@ -260,9 +305,13 @@ MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, MessageIcon
   return Interface().ShowMessage({text, GetResourceString(kCaptionResource), buttons, icon});
 }
 
-void* CAnalysisSupport::AllocMem(std::size_t bytes) { return AllocAnalysisMemory(bytes); }
+void* CAnalysisSupport::AllocMem(std::size_t bytes) {
+  return AllocAnalysisMemory(bytes);
+}
 
-void CAnalysisSupport::FreeMem(void* block) { FreeAnalysisMemory(block); }
+void CAnalysisSupport::FreeMem(void* block) {
+  FreeAnalysisMemory(block);
+}
 
 void CAnalysisSupport::InitCommons(KroTag* kroTag, Kro88Tag* kro88Tag, b1_com* b1, Wght_com* weights,
                                    _AddMenu* /*addMenu*/) {

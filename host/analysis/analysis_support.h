@@ -1,6 +1,6 @@
-// The base of every analysis: its input, its sequence of steps with the dialog that is open, and the services that
-// its dialogs use. The host drives an analysis through the virtual operations, whose order is part of the contract
-// between host and modules compiled apart from it.
+// The base of every analysis: its input, its sequence of steps with the dialog that is open, and the services
+// that its dialogs use. The host drives an analysis through the virtual operations, whose order is part of
+// the contract between host and modules compiled apart from it.
 #pragma once
 
 #include <cstddef>
@@ -22,9 +22,9 @@ class CAnalysisDialog;
 
 // One row of an analysis's sequence table; an all-zero row ends the table.
 //
-// `entry` carries out the step and returns 0 when it failed. After a step that succeeded, the follow-on step (0 =
-// none) runs at once. A dialog that the person leaves by Cancel goes to its step's return step; where that is 0, to
-// the step whose dialog opened it, and where there is none either, the sequence has ended.
+// `entry` carries out the step and returns 0 when it failed. After a step that succeeded, the follow-on step
+// (0 = none) runs at once. A dialog that the person leaves by Cancel goes to its step's return step; where
+// that is 0, to the step whose dialog opened it, and where there is none either, the sequence has ended.
 struct SEQFUNCTTBL {
   std::int32_t step;
   std::int32_t (*entry)(CAnalysisSupport& analysis);
@@ -56,7 +56,8 @@ class CAnalysisSupport {
   CAnalysisSupport(CAnalysisDoc* document, const CAnalysisContext& context);
 
   virtual ~CAnalysisSupport();
-  // The input file was changed behind the analysis: closes the open dialog, so that the sequence starts afresh.
+  // The input file was changed behind the analysis: closes the open dialog, so that the sequence starts
+  // afresh.
   virtual void InitializeAfterFileChanged();
   virtual void Initialize();
   // The open dialog, or null.
@@ -98,8 +99,8 @@ class CAnalysisSupport {
   virtual void OnCurrentDialogChange();
   virtual void BeforeCallEventHandler();
   virtual void AfterCallEventHandler();
-  // Changes of the input table; cases and variables count from 1. False, and nothing changes, where the table does not
-  // have the place.
+  // Changes of the input table; cases and variables count from 1. False, and nothing changes, where the table
+  // does not have the place.
   virtual bool SetInputTableValue(int caseNumber, int variable, const std::string& text);
   virtual bool SetInputTableValue(int caseNumber, int variable, double value);
   virtual bool SetInputTableTextLabel(int variable, double value, const std::string& text);
@@ -135,7 +136,8 @@ class CAnalysisSupport {
   void RequestStep(std::int32_t step);
   void RequestReturn();
   bool HasPendingTransition() const { return pending_.has_value(); }
-  // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists afterwards.
+  // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists
+  // afterwards.
   void CompleteTransition();
 
   // A message box with the given text under the host's caption, or the message handler.

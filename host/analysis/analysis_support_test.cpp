@@ -11,8 +11,8 @@
 namespace brenvolt {
 namespace {
 
-// The place of a virtual operation in the table of virtual functions (Itanium C++ ABI: a pointer to a virtual member
-// holds 1 plus the offset of its slot).
+// The place of a virtual operation in the table of virtual functions (Itanium C++ ABI: a pointer to a virtual
+// member holds 1 plus the offset of its slot).
 template <class Member>
 std::size_t SlotOf(Member member) {
   std::ptrdiff_t raw = 0;
@@ -67,14 +67,18 @@ TEST(AnalysisSupport, KeepsTheSlotOrderThatModulesAreCompiledAgainst) {
 }
 
 // A small analysis: 1 starts and goes on to 2; 2 and 3 have no return step, 4 returns to 2, 5 fails.
-const DialogTemplate kTemplate{1, "test", {{{kControlOk, ControlKind::kButton, ""}, {kControlCancel, ControlKind::kButton, ""}}}, {}};
+const DialogTemplate kTemplate{
+    1, "test", {{{kControlOk, ControlKind::kButton, ""}, {kControlCancel, ControlKind::kButton, ""}}}, {}};
 
-std::string_view NoStrings(std::int32_t) { return "text"; }
+std::string_view NoStrings(std::int32_t) {
+  return "text";
+}
 const CAnalysisContext kContext(nullptr, NoStrings);
 
 class StepDialog : public CAnalysisModelessDialog {
  public:
-  StepDialog(CAnalysisSupport& analysis, std::int32_t next) : CAnalysisModelessDialog(analysis, kTemplate), next_(next) {}
+  StepDialog(CAnalysisSupport& analysis, std::int32_t next)
+      : CAnalysisModelessDialog(analysis, kTemplate), next_(next) {}
 
  protected:
   bool OnOk() override {
@@ -99,7 +103,9 @@ const SEQFUNCTTBL kSequence[] = {{1, [](CAnalysisSupport&) { return 1; }, 2, 0},
 
 class SmallAnalysis : public CAnalysisSupport {
  public:
-  explicit SmallAnalysis(CAnalysisDoc* document) : CAnalysisSupport(document, kContext) { InstallSequence(kSequence); }
+  explicit SmallAnalysis(CAnalysisDoc* document) : CAnalysisSupport(document, kContext) {
+    InstallSequence(kSequence);
+  }
 };
 
 struct Fixture : testing::Test {

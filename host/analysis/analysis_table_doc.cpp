@@ -34,7 +34,8 @@ constexpr std::array<Member, 7> kMembers{{
      [](const Spreadsheet& t, Arguments) { return Variant(static_cast<std::int64_t>(t.CaseCount())); }},
     {"NumberOfVariables", 0,
      [](const Spreadsheet& t, Arguments) { return Variant(static_cast<std::int64_t>(t.VariableCount())); }},
-    {"VariableName", 1, [](const Spreadsheet& t, Arguments a) { return Variant(VariableOf(t, a[0]).Name()); }},
+    {"VariableName", 1,
+     [](const Spreadsheet& t, Arguments a) { return Variant(VariableOf(t, a[0]).Name()); }},
     {"CaseName", 1,
      [](const Spreadsheet& t, Arguments a) {
        return Variant(std::string(t.CaseName(IndexFrom(a[0], t.CaseCount(), "case"))));
@@ -61,10 +62,12 @@ std::optional<DispatchId> CAnalysisTableDoc::FindMember(std::string_view name) c
 }
 
 Variant CAnalysisTableDoc::Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) {
-  if (member < 1 || static_cast<std::size_t>(member) > kMembers.size()) throw Error("no such member", "Spreadsheet");
+  if (member < 1 || static_cast<std::size_t>(member) > kMembers.size())
+    throw Error("no such member", "Spreadsheet");
   const Member& found = kMembers[static_cast<std::size_t>(member - 1)];
   if (kind != CallKind::kGet) throw Error("is read-only", "Spreadsheet." + std::string(found.name));
-  if (arguments.size() != found.indexes) throw Error("wrong number of arguments", "Spreadsheet." + std::string(found.name));
+  if (arguments.size() != found.indexes)
+    throw Error("wrong number of arguments", "Spreadsheet." + std::string(found.name));
   return found.get(*table_, arguments);
 }
 

@@ -34,7 +34,9 @@ DialogAutomationBase::DialogAutomationBase(CAnalysisDialog& dialog, std::string_
   module_.Lock();
 }
 
-DialogAutomationBase::~DialogAutomationBase() { module_.Unlock(); }
+DialogAutomationBase::~DialogAutomationBase() {
+  module_.Unlock();
+}
 
 std::optional<DispatchId> DialogAutomationBase::FindMember(std::string_view name) const {
   for (const CommonMember& member : kCommonMembers) {
@@ -49,7 +51,8 @@ Variant DialogAutomationBase::Invoke(DispatchId member, CallKind kind, std::span
   try {
     return common ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
   } catch (const Error& error) {
-    const std::string name = common ? (member == common_member::kOk ? "OK" : "Cancel") : std::string(OwnName(member));
+    const std::string name =
+        common ? (member == common_member::kOk ? "OK" : "Cancel") : std::string(OwnName(member));
     const std::string method = std::string(className_) + "::" + std::string(Prefix(kind)) + name;
     const std::string reason = std::string(error.what()).empty() ? "Unexpected Error" : error.what();
     throw AutomationError("Exception in automation method [" + method + "]", reason, error.Where());
@@ -67,12 +70,15 @@ void* DialogAutomationBase::QueryInterface(InterfaceId id) {
   return id == IID_IMFCPointer ? static_cast<IMFCPointer*>(this) : nullptr;
 }
 
-std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes, std::span<const Variant> arguments) {
+std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes,
+                                        std::span<const Variant> arguments) {
   const std::size_t expected = indexes + (kind == CallKind::kPut ? 1 : 0);
   if (arguments.size() != expected) throw Error("wrong number of arguments");
   return arguments.first(indexes);
 }
 
-void ThrowNoSuchCall(std::string_view member) { throw Error("no such call", std::string(member)); }
+void ThrowNoSuchCall(std::string_view member) {
+  throw Error("no such call", std::string(member));
+}
 
 }  // namespace brenvolt

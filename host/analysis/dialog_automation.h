@@ -1,5 +1,6 @@
-// Automation of a dialog from one table per interface: the table names the members with their dispatch numbers and
-// index arguments; getters and putters are operations on the dialog. Every call runs through the one frame here.
+// Automation of a dialog from one table per interface: the table names the members with their dispatch
+// numbers and index arguments; getters and putters are operations on the dialog. Every call runs through the
+// one frame here.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +14,8 @@
 
 namespace brenvolt {
 
-// One member of an interface over dialogs of type Dialog. A null function is a kind of call that the member does not
-// allow.
+// One member of an interface over dialogs of type Dialog. A null function is a kind of call that the member
+// does not allow.
 template <class Dialog>
 struct AutomationMember {
   std::string_view name;
@@ -64,7 +65,8 @@ class DialogAutomationBase : public AutomationObject, public IMFCPointer {
 };
 
 // Splits the arguments of a call on a member with `indexes` index arguments; throws Error on a wrong number.
-std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes, std::span<const Variant> arguments);
+std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes,
+                                        std::span<const Variant> arguments);
 [[noreturn]] void ThrowNoSuchCall(std::string_view member);
 
 template <class Dialog>

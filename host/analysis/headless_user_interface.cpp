@@ -33,7 +33,8 @@ void HeadlessUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> docu
   documents.push_back(std::move(document));
 }
 
-void HeadlessUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t /*total*/) {
+void HeadlessUserInterface::ShowProgress(std::string_view caption, std::int64_t done,
+                                         std::int64_t /*total*/) {
   if (done == 0) progressCaptions.emplace_back(caption);
 }
 

@@ -13,8 +13,8 @@ namespace brenvolt {
 
 class HeadlessUserInterface : public UserInterface {
  public:
-  // Answers to come, used first to last; after them a message is answered by OK, a file or variable question by
-  // cancelling.
+  // Answers to come, used first to last; after them a message is answered by OK, a file or variable question
+  // by cancelling.
   std::deque<MessageAnswer> messageAnswers;
   std::deque<std::vector<std::filesystem::path>> fileAnswers;
   std::deque<std::function<void(VariableQuestion&)>> variableAnswers;

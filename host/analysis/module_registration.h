@@ -75,7 +75,8 @@ struct LibraryId {
   std::string_view text;
 };
 // Makes a module's type library known. The two last arguments are reserved and must be null. Returns true.
-bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, const void* path, const void* help);
+bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, const void* path,
+                           const void* help);
 std::vector<std::string> RegisteredTypeLibraries();
 
 }  // namespace brenvolt

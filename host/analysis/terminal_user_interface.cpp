@@ -18,7 +18,8 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
 
 void TerminalUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) {
   if (!terminal_ || done == 0) return;
-  const int percent = total > 0 ? static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total)) : 0;
+  const int percent =
+      total > 0 ? static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total)) : 0;
   std::fprintf(stderr, "\r%.*s %d %%", static_cast<int>(caption.size()), caption.data(), percent);
   lineOpen_ = true;
 }
@@ -28,6 +29,8 @@ void TerminalUserInterface::EndProgress() {
   lineOpen_ = false;
 }
 
-bool TerminalUserInterface::IsExternallyCancelled() { return InterruptionRequested(); }
+bool TerminalUserInterface::IsExternallyCancelled() {
+  return InterruptionRequested();
+}
 
 }  // namespace brenvolt

@@ -1,5 +1,5 @@
-// The user interface of the command line: messages and progress on standard error, documents kept for the command
-// that asked for them. Questions are answered without asking: a command has said all it wants.
+// The user interface of the command line: messages and progress on standard error, documents kept for the
+// command that asked for them. Questions are answered without asking: a command has said all it wants.
 #pragma once
 
 #include <chrono>

@@ -1,5 +1,5 @@
-// The user-interface port: everything that an analysis asks of the person in front of it. Dialog logic never knows
-// which implementation answers.
+// The user-interface port: everything that an analysis asks of the person in front of it. Dialog logic never
+// knows which implementation answers.
 #pragma once
 
 #include <cstdint>

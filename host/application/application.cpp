@@ -20,7 +20,8 @@ using Factory = CAnalysisSupport*();
 
 std::filesystem::path Application::DefaultModulePath() {
   if (const char* path = std::getenv(kModuleVariable); path != nullptr && *path != '\0') return path;
-  return LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path() / kModuleFile;
+  return LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path() /
+         kModuleFile;
 }
 
 DynamicLibrary& Application::Module() {

@@ -19,13 +19,14 @@ class Application {
 
   UserInterface& Interface() { return userInterface_; }
 
-  // The module's file as installed: BRENVOLT_MODULE where it is set, else libbrv_sra.so beside the host's own library.
+  // The module's file as installed: BRENVOLT_MODULE where it is set, else libbrv_sra.so beside the host's own
+  // library.
   static std::filesystem::path DefaultModulePath();
   // Loads the module at first use; throws Error when it cannot be loaded or is none.
   DynamicLibrary& Module();
 
-  // A new analysis over `document`, at its first step; `document` must outlive it. Throws Error when the module
-  // makes none.
+  // A new analysis over `document`, at its first step; `document` must outlive it. Throws Error when the
+  // module makes none.
   std::unique_ptr<CAnalysisSupport> NewAnalysis(CAnalysisDoc& document);
 
  private:
@@ -33,7 +34,8 @@ class Application {
   std::unique_ptr<DynamicLibrary> module_;
 };
 
-// A data file that is open: a project, or a sheet read from another format and kept in a project without a file.
+// A data file that is open: a project, or a sheet read from another format and kept in a project without a
+// file.
 struct DataFile {
   std::filesystem::path path;
   Workbook workbook;
@@ -46,8 +48,8 @@ struct DataFile {
 // Opens a project or a CSV file, told apart by content. Throws Error naming the file.
 DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format);
 
-// Evaluates a sheet's selection condition into its mask of accepted cases. Throws Error pointing at the fault of the
-// condition; the sheet's selection then stays as it was.
+// Evaluates a sheet's selection condition into its mask of accepted cases. Throws Error pointing at the fault
+// of the condition; the sheet's selection then stays as it was.
 void ApplySelection(Spreadsheet& sheet, const std::string& condition);
 
 }  // namespace brenvolt

@@ -28,6 +28,8 @@ void AutomationObject::Put(std::string_view name, std::int32_t index, const Vari
   Put(name, value, indexes);
 }
 
-Variant AutomationObject::Call(std::string_view name) { return Invoke(Require(name), CallKind::kMethod, {}); }
+Variant AutomationObject::Call(std::string_view name) {
+  return Invoke(Require(name), CallKind::kMethod, {});
+}
 
 }  // namespace brenvolt

@@ -29,8 +29,8 @@ class AutomationObject {
   virtual std::string_view InterfaceName() const = 0;
   // The number of a member, or nothing for a name that the object does not know.
   virtual std::optional<DispatchId> FindMember(std::string_view name) const = 0;
-  // Carries out one call. `arguments` are the indexes of an indexed property, then, for kPut, the value. Throws Error
-  // when the member does not exist, does not allow this kind of call, or fails.
+  // Carries out one call. `arguments` are the indexes of an indexed property, then, for kPut, the value.
+  // Throws Error when the member does not exist, does not allow this kind of call, or fails.
   virtual Variant Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) = 0;
   // Another interface of the object, or null.
   virtual void* QueryInterface(InterfaceId /*id*/) { return nullptr; }

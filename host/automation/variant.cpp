@@ -11,7 +11,9 @@ namespace {
 
 constexpr double kLargestExactInteger = 9007199254740992.0;  // 2^53
 
-[[noreturn]] void ThrowMismatch(const char* wanted) { throw Error(std::string("type mismatch: not ") + wanted); }
+[[noreturn]] void ThrowMismatch(const char* wanted) {
+  throw Error(std::string("type mismatch: not ") + wanted);
+}
 
 }  // namespace
 

@@ -12,7 +12,8 @@ namespace brenvolt {
 
 class AutomationObject;
 
-// Empty, boolean, 32- and 64-bit integer, real, text, object, array of variants, or a reference to another variant.
+// Empty, boolean, 32- and 64-bit integer, real, text, object, array of variants, or a reference to another
+// variant.
 class Variant {
  public:
   using Object = std::shared_ptr<AutomationObject>;
@@ -38,8 +39,8 @@ class Variant {
   bool IsText() const { return std::holds_alternative<std::string>(Resolved().value_); }
   bool IsArray() const { return std::holds_alternative<Array>(Resolved().value_); }
 
-  // The value as one type. Numbers and booleans convert into each other (a real to an integer only when it is whole
-  // and in range), numbers to text and back; anything else throws Error "type mismatch".
+  // The value as one type. Numbers and booleans convert into each other (a real to an integer only when it is
+  // whole and in range), numbers to text and back; anything else throws Error "type mismatch".
   bool ToBoolean() const;
   std::int32_t ToInteger() const;
   double ToReal() const;
@@ -52,7 +53,8 @@ class Variant {
  private:
   const Variant& Resolved() const;
 
-  std::variant<std::monostate, bool, std::int32_t, std::int64_t, double, std::string, Object, Array, Variant*> value_;
+  std::variant<std::monostate, bool, std::int32_t, std::int64_t, double, std::string, Object, Array, Variant*>
+      value_;
 };
 
 }  // namespace brenvolt

@@ -7,8 +7,8 @@
 
 namespace brenvolt {
 
-// A parameter, offset, statistic, p-value (the real) or count (the integer) that was not entered, not computed,
-// or is invalid. Always tested with IsNotSet, never with ==.
+// A parameter, offset, statistic, p-value (the real) or count (the integer) that was not entered, not
+// computed, or is invalid. Always tested with IsNotSet, never with ==.
 inline constexpr double kNotSet = -444.0;
 inline constexpr std::int32_t kNotSetCount = -444;
 
@@ -18,7 +18,8 @@ inline constexpr std::int64_t kAlmostEqualUlps = 15;
 // The place of a finite real in the order of all reals: neighbours differ by 1, both zeros are 0.
 constexpr std::int64_t OrderedBits(double x) noexcept {
   const auto bits = std::bit_cast<std::int64_t>(x);
-  return bits < 0 ? static_cast<std::int64_t>(0x8000000000000000ULL - static_cast<std::uint64_t>(bits)) : bits;
+  return bits < 0 ? static_cast<std::int64_t>(0x8000000000000000ULL - static_cast<std::uint64_t>(bits))
+                  : bits;
 }
 
 // True when a and b are finite and at most 15 representable doubles apart. A non-finite value equals nothing.
@@ -26,12 +27,15 @@ inline bool AlmostEqual(double a, double b) noexcept {
   if (!std::isfinite(a) || !std::isfinite(b)) return false;
   const std::int64_t left = OrderedBits(a);
   const std::int64_t right = OrderedBits(b);
-  const std::uint64_t distance = left > right ? static_cast<std::uint64_t>(left) - static_cast<std::uint64_t>(right)
-                                              : static_cast<std::uint64_t>(right) - static_cast<std::uint64_t>(left);
+  const std::uint64_t distance = left > right
+                                     ? static_cast<std::uint64_t>(left) - static_cast<std::uint64_t>(right)
+                                     : static_cast<std::uint64_t>(right) - static_cast<std::uint64_t>(left);
   return distance <= static_cast<std::uint64_t>(kAlmostEqualUlps);
 }
 
-inline bool IsNotSet(double x) noexcept { return AlmostEqual(x, kNotSet); }
+inline bool IsNotSet(double x) noexcept {
+  return AlmostEqual(x, kNotSet);
+}
 
 // True when a value of a variable is missing: not a number, or equal to the variable's missing-data code.
 inline bool IsMissingValue(double x, double missingCode) noexcept {
@@ -39,6 +43,8 @@ inline bool IsMissingValue(double x, double missingCode) noexcept {
 }
 
 // True when x lies within the tolerance of the whole number below it.
-inline bool IsWholeNumber(double x) noexcept { return AlmostEqual(x, std::floor(x)); }
+inline bool IsWholeNumber(double x) noexcept {
+  return AlmostEqual(x, std::floor(x));
+}
 
 }  // namespace brenvolt

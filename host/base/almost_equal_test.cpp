@@ -47,7 +47,8 @@ TEST(AlmostEqual, MissingIsNanOrTheCode) {
   EXPECT_TRUE(IsMissingValue(std::numeric_limits<double>::quiet_NaN(), -9999));
   EXPECT_TRUE(IsMissingValue(StepsFrom(-9999, 3), -9999));
   EXPECT_FALSE(IsMissingValue(-9998.9, -9999));
-  EXPECT_FALSE(IsMissingValue(std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()));
+  EXPECT_FALSE(
+      IsMissingValue(std::numeric_limits<double>::infinity(), std::numeric_limits<double>::infinity()));
 }
 
 }  // namespace

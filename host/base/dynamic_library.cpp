@@ -20,7 +20,9 @@ DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
   if (handle_ == nullptr) throw Error(std::string("cannot be loaded: ") + dlerror(), path.string());
 }
 
-DynamicLibrary::~DynamicLibrary() { dlclose(handle_); }
+DynamicLibrary::~DynamicLibrary() {
+  dlclose(handle_);
+}
 
 void* DynamicLibrary::Address(const std::string& name) const {
   void* address = dlsym(handle_, name.c_str());
@@ -28,8 +30,12 @@ void* DynamicLibrary::Address(const std::string& name) const {
   return address;
 }
 
-std::filesystem::path LibraryFileOf(const void* address) { return InfoOf(address).dli_fname; }
+std::filesystem::path LibraryFileOf(const void* address) {
+  return InfoOf(address).dli_fname;
+}
 
-const void* LibraryInstanceOf(const void* address) { return InfoOf(address).dli_fbase; }
+const void* LibraryInstanceOf(const void* address) {
+  return InfoOf(address).dli_fbase;
+}
 
 }  // namespace brenvolt

@@ -8,8 +8,8 @@ namespace brenvolt {
 
 class DynamicLibrary {
  public:
-  // Loads a library with all its symbols resolved. It stays loaded until the process ends, since objects made by its
-  // code may live as long. Throws Error naming the file and the loader's reason.
+  // Loads a library with all its symbols resolved. It stays loaded until the process ends, since objects made
+  // by its code may live as long. Throws Error naming the file and the loader's reason.
   explicit DynamicLibrary(const std::filesystem::path& path);
   ~DynamicLibrary();
   DynamicLibrary(const DynamicLibrary&) = delete;
@@ -28,8 +28,8 @@ class DynamicLibrary {
   void* handle_;
 };
 
-// The file of the library or program that holds the code or data at `address`, and the address at which it is loaded:
-// the instance handle of the library.
+// The file of the library or program that holds the code or data at `address`, and the address at which it is
+// loaded: the instance handle of the library.
 std::filesystem::path LibraryFileOf(const void* address);
 const void* LibraryInstanceOf(const void* address);
 

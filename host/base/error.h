@@ -1,5 +1,5 @@
-// The one family of exceptions. What happened is the text; where (a file with its line, a sheet, a variable) stands
-// beside it, so that a front end can print "what (where)".
+// The one family of exceptions. What happened is the text; where (a file with its line, a sheet, a variable)
+// stands beside it, so that a front end can print "what (where)".
 #pragma once
 
 #include <stdexcept>

@@ -7,7 +7,9 @@ namespace {
 
 volatile sig_atomic_t requested = 0;
 
-extern "C" void NoteInterruption(int /*signal*/) { requested = 1; }
+extern "C" void NoteInterruption(int /*signal*/) {
+  requested = 1;
+}
 
 }  // namespace
 
@@ -18,6 +20,8 @@ void CatchInterruptions() {
   sigaction(SIGINT, &action, nullptr);
 }
 
-bool InterruptionRequested() { return requested != 0; }
+bool InterruptionRequested() {
+  return requested != 0;
+}
 
 }  // namespace brenvolt

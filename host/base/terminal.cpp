@@ -4,6 +4,8 @@
 
 namespace brenvolt {
 
-bool IsStandardErrorTerminal() { return isatty(STDERR_FILENO) == 1; }
+bool IsStandardErrorTerminal() {
+  return isatty(STDERR_FILENO) == 1;
+}
 
 }  // namespace brenvolt

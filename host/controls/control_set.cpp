@@ -51,7 +51,8 @@ void ControlSet::SetChecked(std::int32_t number, bool checked) {
   ControlState& control = At(number);
   if (control.kind == ControlKind::kRadioButton && checked) {
     for (auto& [other, state] : controls_) {
-      if (state.kind == ControlKind::kRadioButton && state.radioGroup == control.radioGroup) state.checked = false;
+      if (state.kind == ControlKind::kRadioButton && state.radioGroup == control.radioGroup)
+        state.checked = false;
     }
   }
   control.checked = checked;

@@ -17,10 +17,10 @@ struct ControlState {
   int radioGroup = 0;
   bool enabled = true;
   bool visible = true;
-  bool checked = false;             // check boxes and radio buttons
-  int selection = -1;               // lists and combo boxes: the index of the selected item, -1 for none
-  std::vector<std::string> items;   // lists and combo boxes
-  std::string text;                 // fields, and the text that a label shows
+  bool checked = false;            // check boxes and radio buttons
+  int selection = -1;              // lists and combo boxes: the index of the selected item, -1 for none
+  std::vector<std::string> items;  // lists and combo boxes
+  std::string text;                // fields, and the text that a label shows
 };
 
 class ControlSet {
@@ -45,7 +45,8 @@ class ControlSet {
   // False, and nothing changes, for an index that the list does not have.
   bool Select(std::int32_t number, int index);
 
-  // The number in a field, in the user's locale. Non-zero: the field is empty or unreadable, and `value` is kept.
+  // The number in a field, in the user's locale. Non-zero: the field is empty or unreadable, and `value` is
+  // kept.
   int GetDlgItemDouble(std::int32_t number, double& value) const;
   int GetDlgItemLong(std::int32_t number, std::int32_t& value) const;
   // Shows a number in a field; kNotSet and its integer form empty the field.

@@ -11,14 +11,15 @@
 namespace brenvolt {
 namespace {
 
-const DialogTemplate kTemplate{7,
-                               "test",
-                               {{{kControlOk, ControlKind::kButton, "OK"}}},
-                               {{"tab",
-                                 {{"first",
-                                   {{{10, ControlKind::kRadioButton, ""}, {11, ControlKind::kRadioButton, ""}},
-                                    {{12, ControlKind::kRealField, ""}, {13, ControlKind::kListBox, ""}}}},
-                                  {"second", {{{20, ControlKind::kRadioButton, ""}}}}}}}};
+const DialogTemplate kTemplate{
+    7,
+    "test",
+    {{{kControlOk, ControlKind::kButton, "OK"}}},
+    {{"tab",
+      {{"first",
+        {{{10, ControlKind::kRadioButton, ""}, {11, ControlKind::kRadioButton, ""}},
+         {{12, ControlKind::kRealField, ""}, {13, ControlKind::kListBox, ""}}}},
+       {"second", {{{20, ControlKind::kRadioButton, ""}}}}}}}};
 
 TEST(ControlSet, RadioButtonsExcludeEachOtherWithinTheirGroupOnly) {
   ControlSet controls(kTemplate);

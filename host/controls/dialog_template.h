@@ -1,5 +1,5 @@
-// Dialogs as data: a template lists tabs, groups, rows and numbered controls. Front ends render templates; dialog
-// classes hold no widget.
+// Dialogs as data: a template lists tabs, groups, rows and numbered controls. Front ends render templates;
+// dialog classes hold no widget.
 #pragma once
 
 #include <cstdint>

@@ -9,7 +9,8 @@ constexpr std::chrono::milliseconds kPollInterval{1000};
 
 }  // namespace
 
-std::unique_ptr<CKroProgressBar> CKroProgressBar::new_ProgressBar(ProgressPort& port, std::string_view caption,
+std::unique_ptr<CKroProgressBar> CKroProgressBar::new_ProgressBar(ProgressPort& port,
+                                                                  std::string_view caption,
                                                                   std::int64_t steps) {
   return std::unique_ptr<CKroProgressBar>(new CKroProgressBar(port, caption, steps));
 }

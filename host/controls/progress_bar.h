@@ -22,7 +22,8 @@ class ProgressPort {
 
 class CKroProgressBar {
  public:
-  // A bar of `steps` steps on `port`, which must outlive it. Nothing is shown before ShowNow or the first poll.
+  // A bar of `steps` steps on `port`, which must outlive it. Nothing is shown before ShowNow or the first
+  // poll.
   static std::unique_ptr<CKroProgressBar> new_ProgressBar(ProgressPort& port, std::string_view caption,
                                                           std::int64_t steps);
   ~CKroProgressBar();
@@ -30,8 +31,8 @@ class CKroProgressBar {
   CKroProgressBar& operator=(const CKroProgressBar&) = delete;
 
   void ShowNow();
-  // Advances. When more than 1000 ms have passed since the last look, shows the progress and asks for cancellation;
-  // throws UserCancelled when the person cancelled.
+  // Advances. When more than 1000 ms have passed since the last look, shows the progress and asks for
+  // cancellation; throws UserCancelled when the person cancelled.
   void Step(std::int64_t steps = 1);
 
  private:

@@ -17,17 +17,26 @@ namespace {
 // `not` binds more loosely than a comparison and more tightly than `and`.
 constexpr int kNotPrecedence = mu::prLOGIC;
 
-double LogicalNot(double x) { return x == 0 ? 1 : 0; }
+double LogicalNot(double x) {
+  return x == 0 ? 1 : 0;
+}
 
-bool IsIdentifierStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_'; }
-bool IsIdentifierPart(char c) { return IsIdentifierStart(c) || (c >= '0' && c <= '9'); }
-bool IsNumberPart(char c) { return (c >= '0' && c <= '9') || c == '.'; }
+bool IsIdentifierStart(char c) {
+  return std::isalpha(static_cast<unsigned char>(c)) != 0 || c == '_';
+}
+bool IsIdentifierPart(char c) {
+  return IsIdentifierStart(c) || (c >= '0' && c <= '9');
+}
+bool IsNumberPart(char c) {
+  return (c >= '0' && c <= '9') || c == '.';
+}
 
-// Rewrites our grammar into the parser's: operators by their other names, variables as x0, x1, …, and keeps for every
-// character of the result the place that it came from.
+// Rewrites our grammar into the parser's: operators by their other names, variables as x0, x1, …, and keeps
+// for every character of the result the place that it came from.
 class Translation {
  public:
-  Translation(std::string_view source, std::span<const FormulaVariable> variables, std::string_view sourceName)
+  Translation(std::string_view source, std::span<const FormulaVariable> variables,
+              std::string_view sourceName)
       : source_(source), variables_(variables), sourceName_(sourceName) {
     while (position_ < source_.size()) TakeToken();
   }
@@ -89,7 +98,8 @@ class Translation {
   void TakeNumber() {
     const std::size_t start = position_;
     while (position_ < source_.size() && IsNumberPart(source_[position_])) ++position_;
-    const bool exponent = position_ < source_.size() && (source_[position_] == 'e' || source_[position_] == 'E');
+    const bool exponent =
+        position_ < source_.size() && (source_[position_] == 'e' || source_[position_] == 'E');
     if (exponent) {
       ++position_;
       if (position_ < source_.size() && (source_[position_] == '-' || source_[position_] == '+')) ++position_;
@@ -99,8 +109,9 @@ class Translation {
   }
 
   void TakeComparison() {
-    static constexpr std::string_view kSpellings[][2] = {{"<=", "<="}, {">=", ">="}, {"<>", "!="}, {"!=", "!="},
-                                                         {"==", "=="}, {"<", "<"},   {">", ">"},   {"=", "=="}};
+    static constexpr std::string_view kSpellings[][2] = {{"<=", "<="}, {">=", ">="}, {"<>", "!="},
+                                                         {"!=", "!="}, {"==", "=="}, {"<", "<"},
+                                                         {">", ">"},   {"=", "=="}};
     for (const auto& [ours, theirs] : kSpellings) {
       if (!source_.substr(position_).starts_with(ours)) continue;
       Emit(theirs, position_);
@@ -158,7 +169,8 @@ std::vector<std::vector<double>> CopyColumns(const Translation& translation,
 std::vector<double> EvaluateOverCases(std::string_view formula, std::span<const FormulaVariable> variables,
                                       std::size_t cases, std::string_view sourceName) {
   const Translation translation(formula, variables, sourceName);
-  if (translation.Text().find_first_not_of(" \t") == std::string::npos) translation.Fail("the formula is empty", 0);
+  if (translation.Text().find_first_not_of(" \t") == std::string::npos)
+    translation.Fail("the formula is empty", 0);
   std::vector<double> result(cases, std::numeric_limits<double>::quiet_NaN());
   auto columns = CopyColumns(translation, variables, cases);
   try {

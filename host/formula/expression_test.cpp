@@ -45,8 +45,9 @@ TEST(Expression, EvaluatesOverAllCasesWithMissingValuesPropagated) {
 
 TEST(Expression, FaultPointsAtItsCharacter) {
   const std::pair<const char*, const char*> cases[] = {
-      {"x > y", "condition, character 5"},  {"x ># 3", "condition, character 4"}, {"'wait", "condition, character 1"},
-      {"", "condition, character 1"},       {"v7 > 1", "condition, character 1"}, {"(x > 1", "condition, character 7"},
+      {"x > y", "condition, character 5"},    {"x ># 3", "condition, character 4"},
+      {"'wait", "condition, character 1"},    {"", "condition, character 1"},
+      {"v7 > 1", "condition, character 1"},   {"(x > 1", "condition, character 7"},
       {"x + + * 2", "condition, character 7"}};
   for (const auto& [formula, where] : cases) {
     try {

@@ -5,9 +5,9 @@
 //   Quantile(p), ComplementQuantile(q): the x with Complement(x) = q.
 // Discrete types: Density is the probability of x, Quantile the smallest value whose probability reaches p.
 //
-// NaN in, NaN out. p = 0 and p = 1 give the ends of the support. Invalid parameters give kInvalidProbability from the
-// first four and kInvalidQuantile from the quantiles, as does a p outside [0, 1].
-// Accuracy: 1e-13 relative in the body, 1e-10 in the tails down to probabilities of 1e-300.
+// NaN in, NaN out. p = 0 and p = 1 give the ends of the support. Invalid parameters give kInvalidProbability
+// from the first four and kInvalidQuantile from the quantiles, as does a p outside [0, 1]. Accuracy: 1e-13
+// relative in the body, 1e-10 in the tails down to probabilities of 1e-300.
 #pragma once
 
 #include <span>
@@ -21,8 +21,8 @@ inline constexpr double kInvalidProbability = kNotSet;
 // What a quantile returns for invalid parameters or an invalid probability.
 inline constexpr double kInvalidQuantile = -3e30;
 
-// The standard normal quantile with mean and standard deviation, and the others, per type. `threshold` shifts the
-// support: a type with threshold t at x is the type without one at x - t.
+// The standard normal quantile with mean and standard deviation, and the others, per type. `threshold` shifts
+// the support: a type with threshold t at x is the type without one at x - t.
 
 namespace normal {  // location in R, scale > 0
 bool IsValid(double location, double scale);

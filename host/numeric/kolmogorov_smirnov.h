@@ -7,27 +7,25 @@
 namespace brenvolt {
 
 // Distributions by the code under which the test knows them.
-enum class TestCode : std::int32_t {
-  kNormal = 1,
-  kLogNormal = 9,
-  kWeibull = 10,
-  kPoisson = 20
-};
+enum class TestCode : std::int32_t { kNormal = 1, kLogNormal = 9, kWeibull = 10, kPoisson = 20 };
 
 // The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite, at least one value) against the
-// distribution `code` with `parameters` in the catalogue's order; the second form shifts the data by `offset` first.
-// Both sides of every jump of the empirical and, for discrete types, of the fitted distribution function count.
-// Non-zero: success. Zero: the parameters are invalid or a probability could not be computed; `statistic` = kNotSet.
+// distribution `code` with `parameters` in the catalogue's order; the second form shifts the data by `offset`
+// first. Both sides of every jump of the empirical and, for discrete types, of the fitted distribution
+// function count. Non-zero: success. Zero: the parameters are invalid or a probability could not be computed;
+// `statistic` = kNotSet.
 std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double> parameters,
                                           std::span<const double> sortedData, double& statistic);
 std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double> parameters,
-                                          std::span<const double> sortedData, double offset, double& statistic);
+                                          std::span<const double> sortedData, double offset,
+                                          double& statistic);
 
-// The statistic of values z_i = F(x_i) of sorted data from a continuous distribution, D = max(i/n - z_i, z_i - (i-1)/n).
+// The statistic of values z_i = F(x_i) of sorted data from a continuous distribution, D = max(i/n - z_i, z_i
+// - (i-1)/n).
 double KolmogorovSmirnovStatistic(std::span<const double> sortedProbabilities);
 
-// P(D_n >= d) under the hypothesis, for n >= 1 and any d. `error` is 0, or 1 for n < 1 or a NaN d, where the result is
-// kNotSet. Method and accuracy stand with the definition.
+// P(D_n >= d) under the hypothesis, for n >= 1 and any d. `error` is 0, or 1 for n < 1 or a NaN d, where the
+// result is kNotSet. Method and accuracy stand with the definition.
 double ComputeKolmogorovSmirnovPvalue(std::int64_t n, double d, std::int32_t& error);
 
 }  // namespace brenvolt

@@ -1,8 +1,9 @@
 // The random stream: one per process, counter-based, so that any draw of it can be had at the same cost.
 //
-// The stream is Philox 4x32-10 (Salmon, Moraes, Dror & Shaw 2011) under a key made from the seed. Draw number i takes
-// half of block i / 2: 64 bits, of which the upper 53 make a uniform deviate in [0, 1). Every function here that
-// draws, draws from this one stream and moves its position on; none of them may be called from two threads at once.
+// The stream is Philox 4x32-10 (Salmon, Moraes, Dror & Shaw 2011) under a key made from the seed. Draw number
+// i takes half of block i / 2: 64 bits, of which the upper 53 make a uniform deviate in [0, 1). Every
+// function here that draws, draws from this one stream and moves its position on; none of them may be called
+// from two threads at once.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +11,8 @@
 
 namespace brenvolt {
 
-// rnd_(0): the next uniform deviate in [0, 1). rnd_(s), s != 0: starts the stream anew from the seed s and returns
-// the first uniform deviate of the new stream.
+// rnd_(0): the next uniform deviate in [0, 1). rnd_(s), s != 0: starts the stream anew from the seed s and
+// returns the first uniform deviate of the new stream.
 double rnd_(std::int32_t seed);
 
 // A normal deviate with mean 0 and standard deviation sd, by inversion of exactly one uniform deviate.
@@ -42,7 +43,8 @@ class RandomStream {
   std::int32_t seed_;
 };
 
-// The process's stream as it stands: its seed and the position of its next draw; and its continuation elsewhere.
+// The process's stream as it stands: its seed and the position of its next draw; and its continuation
+// elsewhere.
 RandomStream ProcessStream();
 std::uint64_t ProcessStreamPosition();
 void SetProcessStreamPosition(std::uint64_t position);

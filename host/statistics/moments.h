@@ -20,15 +20,16 @@ struct Moments {
   double logStandardDeviation = kNotSet;
 };
 
-// Running central moments by one-pass updates (Welford 1962; third and fourth moments: Pébay 2008, eqs. 2.8-2.9),
-// each kept divided by the count, and running moments of the logarithms while every value is positive.
+// Running central moments by one-pass updates (Welford 1962; third and fourth moments: Pébay 2008,
+// eqs. 2.8-2.9), each kept divided by the count, and running moments of the logarithms while every value is
+// positive.
 class MomentAccumulator {
  public:
   // Takes a value `copies` times, copies >= 1.
   void Add(double x, std::int64_t copies);
   void CountMissing() { ++missing_; }
-  // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard deviations
-  // with divisor n - 1. All are kNotSet where the sample is too small for them.
+  // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard
+  // deviations with divisor n - 1. All are kNotSet where the sample is too small for them.
   Moments Finish() const;
 
  private:

@@ -20,8 +20,8 @@ std::optional<std::size_t> Spreadsheet::FindVariable(std::string_view name) cons
 Variable& Spreadsheet::AddVariable(Variable variable) {
   if (variables_.empty() && cases_ == 0) cases_ = variable.Size();
   if (variable.Size() != cases_) {
-    throw Error("variable " + variable.Name() + " has " + std::to_string(variable.Size()) + " cases, the sheet has " +
-                    std::to_string(cases_),
+    throw Error("variable " + variable.Name() + " has " + std::to_string(variable.Size()) +
+                    " cases, the sheet has " + std::to_string(cases_),
                 name_);
   }
   return variables_.emplace_back(std::move(variable));

@@ -1,5 +1,6 @@
-// A spreadsheet: variables (columns) over common cases (rows), with names, a title, case weights and selection.
-// Variables and cases are numbered from 1 where a person or an automation client names them, from 0 in this class.
+// A spreadsheet: variables (columns) over common cases (rows), with names, a title, case weights and
+// selection. Variables and cases are numbered from 1 where a person or an automation client names them, from
+// 0 in this class.
 #pragma once
 
 #include <cstddef>
@@ -19,8 +20,8 @@ enum class SheetKind : std::uint8_t {
   kMatrix  // a matrix file: a square matrix followed by four rows of summaries
 };
 
-// Which cases an analysis may use. The text is what the person wrote; the mask is what it means for the present
-// values, made by whoever evaluates formulas. A selection without a mask admits every case.
+// Which cases an analysis may use. The text is what the person wrote; the mask is what it means for the
+// present values, made by whoever evaluates formulas. A selection without a mask admits every case.
 struct CaseSelection {
   bool enabled = false;
   std::string condition;
@@ -49,8 +50,8 @@ class Spreadsheet {
   // The index of the variable with exactly this name, or nothing.
   std::optional<std::size_t> FindVariable(std::string_view name) const;
 
-  // Appends a variable; its size must be the number of cases unless this is the first variable, which sets it.
-  // Throws Error on another size.
+  // Appends a variable; its size must be the number of cases unless this is the first variable, which sets
+  // it. Throws Error on another size.
   Variable& AddVariable(Variable variable);
   // Appends cases, missing in every variable.
   void AddCases(std::size_t count);

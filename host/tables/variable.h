@@ -17,7 +17,9 @@
 namespace brenvolt {
 
 // The missing-data code of a new variable. NaN is missing under every code; this one makes it the only one.
-inline double GetDefaultMDValue() { return std::numeric_limits<double>::quiet_NaN(); }
+inline double GetDefaultMDValue() {
+  return std::numeric_limits<double>::quiet_NaN();
+}
 
 enum class VariableType : std::uint8_t {
   kNumeric,
@@ -46,8 +48,8 @@ class Variable {
   void Resize(std::size_t cases, double fill);
   bool IsMissing(std::size_t index) const { return IsMissingValue(values_[index], missingCode_); }
 
-  // Identifies the content of the column within this process: two columns with equal stamps hold equal values.
-  // A copy keeps the stamp, every change takes a new one.
+  // Identifies the content of the column within this process: two columns with equal stamps hold equal
+  // values. A copy keeps the stamp, every change takes a new one.
   std::uint64_t ContentStamp() const { return stamp_; }
 
   // Text labels: the text shown for a value, in ascending order of values.
