@@ -1,4 +1,5 @@
 // brenvolt simulate: samples drawn from the distributions that a project's variables carry.
+#include <array>
 #include <cstdio>
 #include <map>
 #include <nlohmann/json.hpp>
@@ -9,6 +10,7 @@
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -41,27 +43,37 @@ void Specify(Session& session, const SimulateOptions& options, const Spreadsheet
   dialog->Put("TruncateSimulationData", options.truncate);
 }
 
-std::string SummaryText(const Spreadsheet& summary) {
+// JSON names of the summary's columns, in their order; the percentiles follow.
+constexpr std::array<const char*, 7> kMomentNames{
+    "n", "mean", "standardDeviation", "skewness", "kurtosis", "minimum", "maximum"};
+constexpr int kSummaryDigits = 5;
+
+// Some columns of the summary, a line per variable.
+std::string ColumnsText(const Spreadsheet& summary, std::size_t first, std::size_t last) {
   TextTable table;
   table.AddColumn("Variable", TextTable::Align::kLeft);
-  for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
+  for (std::size_t c = first; c < last; ++c) {
     table.AddColumn(summary.VariableAt(c).Name(), TextTable::Align::kRight);
   }
   for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
     std::vector<std::string> cells{std::string(summary.CaseName(row))};
-    for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
-      cells.push_back(ReadableNumber(summary.VariableAt(c).Values()[row]));
+    for (std::size_t c = first; c < last; ++c) {
+      // The count is a whole number, shown whole.
+      const double value = summary.VariableAt(c).Values()[row];
+      cells.push_back(c == 0 ? FormatNumber("%.0f", value) : ReadableNumber(value, kSummaryDigits));
     }
     table.AddRow(std::move(cells));
   }
   return table.Text();
 }
 
+// Moments and percentiles apart, so that a line fits a terminal.
+std::string SummaryText(const Spreadsheet& summary) {
+  return ColumnsText(summary, 0, kMomentNames.size()) + "\n" +
+         ColumnsText(summary, kMomentNames.size(), summary.VariableCount());
+}
+
 Json SummaryJson(const Spreadsheet& summary) {
-  // JSON names of the summary's columns, in their order; the percentiles follow.
-  static constexpr const char* kNames[] = {"n",       "mean",   "standardDeviation", "skewness", "kurtosis",
-                                           "minimum", "maximum"};
-  constexpr std::size_t kMoments = std::size(kNames);
   Json variables = Json::array();
   for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
     Json variable = {{"name", summary.CaseName(row)}};
@@ -69,8 +81,8 @@ Json SummaryJson(const Spreadsheet& summary) {
     for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
       const double value = summary.VariableAt(c).Values()[row];
       const Json number = std::isfinite(value) ? Json(value) : Json(nullptr);
-      if (c < kMoments) {
-        variable[kNames[c]] = number;
+      if (c < kMomentNames.size()) {
+        variable[kMomentNames[c]] = number;
       } else {
         percentiles[summary.VariableAt(c).Name().substr(1)] = number;
       }

@@ -56,8 +56,8 @@ std::string TextTable::Text() const {
   return text;
 }
 
-std::string ReadableNumber(double value) {
-  return std::isnan(value) ? "-" : FormatNumber("%.6g", value);
+std::string ReadableNumber(double value, int digits) {
+  return std::isnan(value) ? "-" : FormatNumber(("%." + std::to_string(digits) + "g").c_str(), value);
 }
 
 }  // namespace brenvolt::cli

@@ -27,7 +27,7 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-// A number for people: six significant digits; "-" for a value that does not exist (NaN).
-std::string ReadableNumber(double value);
+// A number for people, to so many significant digits; "-" for a value that does not exist (NaN).
+std::string ReadableNumber(double value, int digits = 6);
 
 }  // namespace brenvolt::cli

@@ -1,0 +1,65 @@
+// What changes, and what must not, where the decimal separator is a comma.
+#include <gtest/gtest.h>
+#include <locale.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+
+#include "host/base/number_text.h"
+#include "tests/program.h"
+
+namespace brenvolt::test {
+namespace {
+
+// Makes the German locale in a folder of its own and puts it into the environment.
+struct GermanLocale : testing::Test {
+  TemporaryFolder locales;
+  TemporaryFolder folder;
+
+  void SetUp() override {
+    const std::string make =
+        "localedef -i de_DE -f UTF-8 '" + (locales.Path() / "de_DE.UTF-8").string() + "' 2>/dev/null";
+    ASSERT_EQ(std::system(make.c_str()), 0) << make;
+    setenv("LOCPATH", locales.Path().c_str(), 1);
+    setenv("LC_ALL", "de_DE.UTF-8", 1);
+  }
+  void TearDown() override {
+    setlocale(LC_ALL, "C");
+    unsetenv("LC_ALL");
+    unsetenv("LOCPATH");
+  }
+};
+
+TEST_F(GermanLocale, PlainNumbersKeepTheirPointAndTheThreadItsLocale) {
+  ASSERT_NE(setlocale(LC_NUMERIC, "de_DE.UTF-8"), nullptr);
+  EXPECT_EQ(FormatNumber("%.1f", 1.5), "1.5");
+  std::array<char, 8> text{};
+  std::snprintf(text.data(), text.size(), "%.1f", 1.5);
+  EXPECT_STREQ(text.data(), "1,5");
+}
+
+TEST_F(GermanLocale, PropertiesAreWrittenAndReadWithACommaFilesAndReportsWithAPoint) {
+  const std::string faithful = BRENVOLT_SOURCE_DIR "/examples/faithful.csv";
+  const Outcome fit = RunBrenvolt(
+      {"fit", faithful, "--continuous", "waiting", "--distributions", "normal", "--save", "p.bvw"},
+      folder.Path());
+  ASSERT_EQ(fit.status, 0) << fit.err;
+  EXPECT_NE(fit.out.find("mean 70.8971"), std::string::npos) << fit.out;
+  const Outcome shown = RunBrenvolt({"show", "p.bvw", "faithful"}, folder.Path());
+  EXPECT_NE(shown.out.find("(Location=7,089705882353e+01; Scale=1,356996001759e+01)"), std::string::npos)
+      << shown.out;
+  const Outcome simulated =
+      RunBrenvolt({"simulate", "p.bvw", "--seed", "1", "--samples", "3", "-o", "s.csv"}, folder.Path());
+  EXPECT_EQ(simulated.status, 0) << simulated.err;
+  EXPECT_EQ(ReadAll(folder.Path() / "s.csv").find(';'), std::string::npos);
+
+  setenv("LC_ALL", "C", 1);
+  const Outcome elsewhere = RunBrenvolt({"simulate", "p.bvw"}, folder.Path());
+  EXPECT_EQ(elsewhere.status, 1);
+  EXPECT_NE(elsewhere.err.find("One or more property values are invalid."), std::string::npos)
+      << elsewhere.err;
+}
+
+}  // namespace
+}  // namespace brenvolt::test
