@@ -29,7 +29,10 @@ function(add_test_program target)
   target_compile_definitions(${target} PRIVATE BRENVOLT_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                                BRENVOLT_BUILD_DIR="${PROJECT_BINARY_DIR}")
   target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <string> <vector>)
-  gtest_discover_tests(${target} PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300 DISCOVERY_TIMEOUT 60)
+  gtest_discover_tests(${target} TEST_FILTER "-*Reference.*" DISCOVERY_TIMEOUT 60
+                       PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300)
+  gtest_discover_tests(${target} TEST_FILTER "*Reference.*" TEST_LIST ${target}_references DISCOVERY_TIMEOUT 60
+                       PROPERTIES LABELS reference TIMEOUT 300)
 endfunction()
 
 # add_fuzz_targets(folder...): every *_fuzz.cpp becomes a program that feeds its function seeds and mutations.

@@ -8,6 +8,7 @@
 
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -115,8 +116,11 @@ std::string VariableText(const Spreadsheet& summary, std::size_t variable,
   const auto number = [&](std::string_view column) {
     return ReadableNumber(columns.Number(column, variable));
   };
+  const auto count = [&](std::string_view column) {
+    return FormatNumber("%.0f", columns.Number(column, variable));
+  };
   std::string text = std::string(summary.CaseName(variable)) + " (" + columns.Text("Kind", variable) + ")\n";
-  text += "  n " + number("Valid N") + ", missing " + number("Missing") + ", mean " + number("Mean") +
+  text += "  n " + count("Valid N") + ", missing " + count("Missing") + ", mean " + number("Mean") +
           ", std.dev. " + number("Std.Dev.") + ", skewness " + number("Skewness") + ", kurtosis " +
           number("Kurtosis") + ", range " + number("Minimum") + " to " + number("Maximum") + "\n";
   if (!ranked) return text + "  nothing to fit: no valid values, or all of them equal\n";
