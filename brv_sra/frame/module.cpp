@@ -10,53 +10,64 @@
 namespace brenvolt::sra {
 namespace {
 
-InstanceHandle instance = nullptr;
-ExtensionModule extension;
-std::unique_ptr<CAnalysisContext> context;
-std::unique_ptr<CDynLinkLibrary> resources;
-
 void NoHook() {}
 
 // The automation classes, one per interface; a class with state of its own hooks in here.
-constexpr std::array<ObjectMapEntry, 4> kObjectMap{{{"SRAStartup", NoHook, NoHook},
+constexpr std::array<ObjectMapEntry, 5> kObjectMap{{{"SRAStartup", NoHook, NoHook},
                                                     {"SRAFitDistribution", NoHook, NoHook},
                                                     {"SRAFitDistributionResults", NoHook, NoHook},
-                                                    {"SRASimulationFromDistribution", NoHook, NoHook}}};
+                                                    {"SRASimulationFromDistribution", NoHook, NoHook},
+                                                    {"SRASimulationResults", NoHook, NoHook}}};
 
+// Lives until the process ends: automation objects that clients still hold count themselves out here.
 AutomationModule& TheAutomationModule() {
-  static AutomationModule module(kObjectMap);
-  return module;
+  static AutomationModule* const module = std::make_unique<AutomationModule>(kObjectMap).release();
+  return *module;
 }
 
-// Runs when the library is loaded, in this order; it always succeeds.
-__attribute__((constructor)) void AttachModule() {
-  instance = LibraryInstanceOf(reinterpret_cast<const void*>(&AttachModule));
-  InitExtensionModule(extension, instance);
-  context = std::make_unique<CAnalysisContext>(instance, &ResourceString);
-  LogLine("analysis context created");
-  resources = std::make_unique<CDynLinkLibrary>(extension);
-  for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.initialise();
-  LogLine("object map initialised");
-  KroOleRegisterTypeLib(instance, LIBID_BRVSRA, nullptr, nullptr);
-}
+// What the library does when it is loaded and unloaded, each in its order.
+class LoadedModule {
+ public:
+  LoadedModule() : instance_(LibraryInstanceOf(this)) {
+    InitExtensionModule(extension_, instance_);
+    context_ = std::make_unique<CAnalysisContext>(instance_, &ResourceString);
+    LogLine("analysis context created");
+    resources_ = std::make_unique<CDynLinkLibrary>(extension_);
+    for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.initialise();
+    LogLine("object map initialised");
+    KroOleRegisterTypeLib(instance_, LIBID_BRVSRA, nullptr, nullptr);
+  }
+  ~LoadedModule() {
+    for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.terminate();
+    LogLine("object map terminated");
+    context_.reset();
+    LogLine("analysis context deleted");
+    resources_.reset();
+    TermExtensionModule(extension_);
+  }
+  LoadedModule(const LoadedModule&) = delete;
+  LoadedModule& operator=(const LoadedModule&) = delete;
 
-// Runs when the library is unloaded.
-__attribute__((destructor)) void DetachModule() {
-  for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.terminate();
-  LogLine("object map terminated");
-  context.reset();
-  LogLine("analysis context deleted");
-  TermExtensionModule(extension);
-}
+  InstanceHandle Instance() const { return instance_; }
+  const CAnalysisContext& Context() const { return *context_; }
+
+ private:
+  InstanceHandle instance_;
+  ExtensionModule extension_;
+  std::unique_ptr<CAnalysisContext> context_;
+  std::unique_ptr<CDynLinkLibrary> resources_;
+};
+
+const LoadedModule loadedModule;
 
 }  // namespace
 
 InstanceHandle ModuleInstance() {
-  return instance;
+  return loadedModule.Instance();
 }
 
 const CAnalysisContext& ModuleContext() {
-  return *context;
+  return loadedModule.Context();
 }
 
 AutomationModule& ModuleAutomation() {
