@@ -122,6 +122,21 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   MustRun({"fit", "p.bvw", "--continuous", "waiting", "--save", "p.bvw"});
   const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out);
   EXPECT_EQ(shown["sheets"].size(), 1U);
+  const auto order = [&](std::size_t variable) {
+    const auto sheet = Json::parse(MustRun({"show", "p.bvw", "faithful", "--format", "json"}).out);
+    return sheet["variables"][variable]["properties"].value("zOrder", "");
+  };
+  EXPECT_EQ(order(0), "Normal;") << "a variable that was not fitted again keeps its fits";
+  EXPECT_EQ(order(1), "Weibull;Normal;Log Normal;");
+  MustRun({"import", kExamples + "faithful.csv", "-o", "p.bvw"});
+  EXPECT_EQ(order(0), "Normal;") << "importing the same data again loses nothing";
+  Sql("p.bvw", "UPDATE variable_property SET value = '(1; 0; 3.5; 0)' WHERE key = 'zTruncProp'");
+  MustRun({"fit", "p.bvw", "--continuous", "waiting", "--save", "p.bvw"});
+  EXPECT_NE(MustRun({"show", "p.bvw", "faithful"}).out.find("zTruncProp: (1; 0; 3.500000e+00; 0"),
+            std::string::npos)
+      << "fitting again keeps the truncation";
+  MustRun({"fit", "p.bvw", "--discrete", "eruptions,waiting", "--save", "p.bvw"});
+  EXPECT_EQ(order(0), "Normal;") << "a fit that failed does not displace one that did not";
   WriteAll(File("faithful.csv"), "eruptions\n1\n2\n4\n");
   const std::string before = ReadAll(File("p.bvw"));
   const Outcome refused = Run({"fit", "faithful.csv", "--save", "p.bvw"});
@@ -141,6 +156,26 @@ TEST_F(Command, ImportAndExportGiveTheDataBack) {
   MustRun({"import", "comma.csv", "-o", "p.bvw", "--decimal-comma"});
   MustRun({"export", "p.bvw:comma", "-o", "again.csv"});
   EXPECT_EQ(ReadAll(File("again.csv")), text);
+}
+
+TEST_F(Command, VariableWithoutFitsIsLeftOutOfTheSimulation) {
+  WriteAll(File("d.csv"), "a,b\n3,1\n3,2\n3,4\n3,7\n");
+  MustRun({"fit", "d.csv", "--save", "p.bvw"});
+  const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out);
+  ASSERT_EQ(report["variables"].size(), 1U);
+  EXPECT_EQ(report["variables"][0]["name"], "b");
+}
+
+TEST_F(Command, SavedCaseOptionsShowAndCanBeTakenAway) {
+  WriteAll(File("d.csv"), "x,w\n1,1\n2,2\n4,1\n8,1\n");
+  MustRun({"fit", "d.csv", "--continuous", "x", "--weights", "w", "--select", "x < 8", "--save", "p.bvw"});
+  const std::string said = "Cases weighted by w\nCases with x < 8\n";
+  EXPECT_TRUE(MustRun({"fit", "p.bvw", "--continuous", "x"}).out.starts_with(said));
+  const auto all = Json::parse(
+      MustRun({"fit", "p.bvw", "--continuous", "x", "--weights", "", "--select", "", "--format", "json"})
+          .out);
+  EXPECT_EQ(all["variables"][0]["n"], 4);
+  EXPECT_FALSE(all.contains("weights"));
 }
 
 TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
@@ -163,17 +198,25 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   WriteAll(File("constant.csv"), "a\n3\n3\n3\n");
   WriteAll(File("infinite.csv"), "a\n3\ninf\n4\n");
   WriteAll(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n");
+  WriteAll(File("labels.csv"), "a,t\n3,x\n4,y\n5,x\n");
   WriteAll(File("no_project.bvw"), "just text, long enough to look like something, but no project at all\n");
   WriteAll(File("empty.bvw"), "");
   WriteAll(File("cut.bvw"), good.substr(0, good.size() / 2));
   WriteAll(File("newer.bvw"), good);
   Sql("newer.bvw", "PRAGMA user_version = 99");
-  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw"})
+  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw", "endless.bvw",
+                           "rayleigh.bvw", "renamed.csv"})
     WriteAll(File(name), good);
   Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
   Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
   Sql("order.bvw", "DELETE FROM variable_property WHERE key = 'Normal'");
   Sql("truncation.bvw", "UPDATE variable_property SET value = '(0; 0)' WHERE key = 'zTruncProp'");
+
+  Sql("endless.bvw",
+      "UPDATE variable_property SET value = '(Scale=3; Shape=1e-300; Offset=0)' WHERE key = 'Weibull'");
+  Sql("rayleigh.bvw", "UPDATE variable_property SET value = 'Rayleigh;' WHERE key = 'zOrder'");
+  Sql("rayleigh.bvw",
+      "UPDATE variable_property SET key = 'Rayleigh', value = '(Scale=3; Offset=0)' WHERE key = 'Weibull'");
 
   struct Case {
     std::vector<std::string> arguments;
@@ -210,7 +253,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"simulate", "good.bvw", "--samples", "0"}, 1, "Invalid number of samples."},
       {{"simulate", "good.bvw", "--samples", "999999999"}, 1, "Insufficient memory exists"},
       {{"simulate", "good.bvw", "--seed", "-1"}, 1, "Invalid random seed value."},
-      {{"simulate", "good.bvw", "--seed", "x"}, 1, "Invalid random seed value."},
+      {{"simulate", "good.bvw", "--seed", "x"}, 2, "--seed wants a whole number"},
       {{"simulate", "good.bvw", "--method", "magic"}, 2, "--method"},
       {{"simulate", "good.bvw", "-o", "out.pdf"}, 2, "out.pdf"},
       {{"simulate", "nonsense.bvw"}, 1, "One or more property values are invalid."},
@@ -224,7 +267,21 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"export", "good.bvw", "-o", "/dev/full"}, 1, "/dev/full"},
       {{"export", "good.bvw:none", "-o", "x.csv"}, 1, "has no sheet called none"},
       {{"fit", "weights.csv", "--save", "no/such/folder/p.bvw"}, 1, "no/such/folder/p.bvw"},
-      {{"fit", "weights.csv", "--save", "/dev/full"}, 1, "/dev/full"},
+      {{"fit", "weights.csv", "--save", "/dev/full"}, 2, "--save wants a file ending in .bvw"},
+      {{"fit", "weights.csv", "--save", "/proc/p.bvw"}, 1, "/proc/p.bvw"},
+      {{"fit", "weights.csv", "--continuous", "a,a"}, 2, "variable a is named twice"},
+      {{"fit", "weights.csv", "--continuous", "a", "--discrete", "a"}, 2, "as continuous and as discrete"},
+      {{"fit", "labels.csv", "--weights", "t"}, 1, "Case weights should be integer."},
+      {{"fit", "good.bvw", "--format", "xml"}, 2, "--format"},
+      {{"export", "good.bvw", "-o", "good.bvw"}, 1, "is a project, which CSV would replace (good.bvw)"},
+      {{"export", "good.bvw", "-o", "renamed.csv"}, 1, "is a project, which CSV would replace (renamed.csv)"},
+      {{"simulate", "good.bvw", "-o", "/proc/x.csv"}, 1, "/proc/x.csv"},
+      {{"simulate", "weights.csv"}, 1, "weights.csv"},
+      {{"simulate", "endless.bvw"}, 1, "Simulation failed.  Please review"},
+      {{"simulate", "rayleigh.bvw"}, 1, "(variable eruptions, Rayleigh is not simulated)"},
+      {{"import", "good.bvw", "-o", "other.bvw"}, 1, "is a project already (good.bvw)"},
+      {{"import", "weights.csv", "-o", "other.csv"}, 2, "-o wants a file ending in .bvw"},
+      {{"import", "weights.csv", "-o", "other.bvw", "--sheet", "\xff"}, 2, "not UTF-8"},
       {{"fit", "weights.csv", "--save", "no_project.bvw"}, 1, "no_project.bvw"},
       {{"import", "ragged.csv", "-o", "good.bvw"}, 1, "ragged.csv, line 3"},
   };
@@ -248,10 +305,28 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   EXPECT_TRUE(contents() == before) << "a file appeared, vanished or changed";
 }
 
+TEST_F(Command, ModuleAttachesAndDetachesInOrder) {
+  setenv("BRENVOLT_LOG", File("log").c_str(), 1);
+  MustRun({"fit", kExamples + "faithful.csv"});
+  unsetenv("BRENVOLT_LOG");
+  EXPECT_EQ(ReadAll(File("log")),
+            "extension module initialised\n"
+            "analysis context created\n"
+            "resource library recorded\n"
+            "object map initialised\n"
+            "object classes initialised\n"
+            "type library registered {6C1E4F0A-93B7-4D58-9E21-5B0F7A2D8C34}\n"
+            "object map terminated\n"
+            "object classes terminated\n"
+            "automation module terminated\n"
+            "analysis context deleted\n"
+            "extension module terminated\n");
+}
+
 TEST_F(Command, EveryVerbHasHelpWithAnExample) {
   for (const std::string verb : {"fit", "simulate", "show", "import", "export"}) {
     const Outcome help = MustRun({verb, "--help"});
-    EXPECT_NE(help.out.find("brenvolt " + verb), std::string::npos) << help.out;
+    EXPECT_NE(help.out.find("Example:\n  brenvolt " + verb), std::string::npos) << help.out;
   }
 }
 

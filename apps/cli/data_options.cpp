@@ -1,8 +1,8 @@
 #include "apps/cli/data_options.h"
 
 #include <cstring>
-#include <map>
 
+#include "apps/cli/session.h"
 #include "host/base/error.h"
 
 namespace brenvolt::cli {
@@ -26,13 +26,31 @@ bool SameData(const Spreadsheet& a, const Spreadsheet& b) {
   return true;
 }
 
+Workbook ExistingOrNew(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::exists(path, ignored) ? Workbook::Open(path) : Workbook();
+}
+
+void TakeOver(Spreadsheet& former, const Spreadsheet& sheet) {
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    for (const auto& [key, value] : sheet.VariableAt(i).Properties())
+      former.VariableAt(i).SetProperty(key, value);
+  }
+  if (sheet.WeightVariable()) former.SetWeightVariable(sheet.WeightVariable());
+  if (!sheet.Selection().condition.empty()) former.SetSelection(sheet.Selection());
+}
+
 }  // namespace
 
 void AddFormatOption(CLI::App& command, ReportFormat& format) {
-  static const std::map<std::string, ReportFormat> kFormats{{"table", ReportFormat::kTable},
-                                                            {"json", ReportFormat::kJson}};
-  command.add_option("--format", format, "table for people (default), json for programs")
-      ->transform(CLI::CheckedTransformer(kFormats).description(""))
+  command
+      .add_option_function<std::string>(
+          "--format",
+          [&format](const std::string& name) {
+            format = name == "json" ? ReportFormat::kJson : ReportFormat::kTable;
+          },
+          "table for people (default), json for programs")
+      ->check(CLI::IsMember({"table", "json"}).description(""))
       ->type_name("table|json");
 }
 
@@ -49,20 +67,42 @@ DataFile OpenProject(const std::filesystem::path& path) {
   return file;
 }
 
-std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet,
-                         NameClash clash) {
-  Workbook workbook;
-  if (std::filesystem::exists(path)) workbook = Workbook::Open(path);
-  const Spreadsheet* former = workbook.Find(sheet->Name());
-  if (former != nullptr && clash == NameClash::kRefuse) {
-    if (!SameData(*former, *sheet)) {
-      throw Error("already has a sheet called " + sheet->Name() + " with other data", path.string());
-    }
-    workbook.Remove(sheet->Name());
+void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet) {
+  Workbook workbook = ExistingOrNew(path);
+  Spreadsheet* former = workbook.Find(sheet.Name());
+  if (former == nullptr) {
+    workbook.Add(std::make_unique<Spreadsheet>(sheet));
+  } else if (SameData(*former, sheet)) {
+    TakeOver(*former, sheet);
+  } else {
+    throw Error("already has a sheet called " + sheet.Name() + " with other data", path.string());
   }
+  workbook.Save(path);
+}
+
+std::string AppendToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet) {
+  Workbook workbook = ExistingOrNew(path);
   const std::string name = workbook.Add(std::move(sheet)).Name();
   workbook.Save(path);
   return name;
+}
+
+void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+  std::error_code ignored;
+  const bool regular = std::filesystem::is_regular_file(path, ignored);
+  if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
+    throw Error("is a project, which CSV would replace", path.string());
+  }
+  WriteCsv(sheet, path, format);
+}
+
+std::string JsonText(const nlohmann::ordered_json& report) {
+  constexpr int kIndent = 2;
+  return report.dump(kIndent, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {
+  if (!HasProjectEnding(path)) throw WrongCall(option + " wants a file ending in .bvw, not " + path.string());
 }
 
 bool HasProjectEnding(const std::filesystem::path& path) {

@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/application/application.h"
@@ -29,18 +30,23 @@ void AddDecimalCommaOption(CLI::App& command, InputOptions& input);
 // Opens an existing project; throws Error when the file is none.
 DataFile OpenProject(const std::filesystem::path& path);
 
-// What to do with a sheet of the same name that a project already has.
-enum class NameClash {
-  kNewName,  // keep both: the new one gets a number behind its name
-  kRefuse  // keep the old one and throw, unless the two hold the same data: then the new one takes its place
-};
-
-// Puts a sheet into the project at `path`, which is made when there is none, and saves it. Returns the
-// sheet's name in the project.
-std::string AddToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet,
-                         NameClash clash);
-
-// Tells project files by their ending.
+// Throws WrongCall unless `path` ends as project files do. `option` names the option that gave it.
+void RequireProjectEnding(const std::filesystem::path& path, const std::string& option);
 bool HasProjectEnding(const std::filesystem::path& path);
+
+// Takes a sheet of data into the project at `path`, which is made when there is none, and saves it. A sheet
+// of that name that holds the same data stays in its place and takes over what the new one adds: properties,
+// case weights, selection. Throws Error when a sheet of that name holds other data.
+void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet);
+
+// Adds a sheet to the project at `path`, which is made when there is none, and saves it. Returns the sheet's
+// name in the project: its own, or with a number behind it where that is taken.
+std::string AppendToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet);
+
+// Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
+void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);
+
+// A report for programs; bytes that are no text are replaced.
+std::string JsonText(const nlohmann::ordered_json& report);
 
 }  // namespace brenvolt::cli

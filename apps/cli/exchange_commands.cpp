@@ -6,6 +6,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/session.h"
 #include "host/base/error.h"
+#include "host/base/utf8.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -22,13 +23,15 @@ struct ExportOptions {
 };
 
 void Import(const ImportOptions& options) {
-  auto sheet = std::make_unique<Spreadsheet>(ReadCsv(options.input.path, options.input.Format()));
-  if (!options.input.sheet.empty()) sheet->SetName(options.input.sheet);
-  const std::size_t cases = sheet->CaseCount();
-  const std::size_t variables = sheet->VariableCount();
-  const std::string name = AddToProject(options.project, std::move(sheet), NameClash::kRefuse);
-  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", cases, variables,
-              options.project.c_str(), name.c_str());
+  RequireProjectEnding(options.project, "-o");
+  if (!IsText(options.input.sheet)) throw WrongCall("the sheet's name is not UTF-8 text");
+  if (Workbook::IsWorkbookFile(options.input.path))
+    throw Error("is a project already", options.input.path.string());
+  Spreadsheet sheet = ReadCsv(options.input.path, options.input.Format());
+  if (!options.input.sheet.empty()) sheet.SetName(options.input.sheet);
+  MergeIntoProject(options.project, sheet);
+  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", sheet.CaseCount(),
+              sheet.VariableCount(), options.project.c_str(), sheet.Name().c_str());
 }
 
 // Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that
@@ -50,7 +53,7 @@ void Export(const ExportOptions& options) {
   const auto [path, name] = SplitSource(options.source);
   DataFile project = OpenProject(path);
   const Spreadsheet& sheet = project.Sheet(name);
-  WriteCsv(sheet, options.output, options.format.Format());
+  WriteCsvFile(sheet, options.output, options.format.Format());
 }
 
 }  // namespace

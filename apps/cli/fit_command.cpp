@@ -1,6 +1,7 @@
 // brenvolt fit: distributions fitted to the variables of a data file, tested, ranked and saved.
 #include <array>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/session.h"
+#include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 
@@ -21,8 +23,8 @@ struct FitOptions {
   std::vector<std::string> distributions;
   std::vector<std::string> offsets;
   std::string missing = "pairwise";
-  std::string weights;
-  std::string selection;
+  std::optional<std::string> weights;
+  std::optional<std::string> selection;
   std::filesystem::path project;
   ReportFormat format = ReportFormat::kTable;
 };
@@ -86,10 +88,14 @@ struct Lists {
 // The variables named, or every numeric variable but the weights as continuous ones.
 Lists ChooseVariables(const FitOptions& options, const Spreadsheet& sheet) {
   Lists lists{NumbersOf(sheet, options.continuous), NumbersOf(sheet, options.discrete)};
+  for (const std::int16_t number : lists.discrete) {
+    if (std::ranges::find(lists.continuous, number) == lists.continuous.end()) continue;
+    throw WrongCall("a variable is named as continuous and as discrete");
+  }
   if (!lists.continuous.empty() || !lists.discrete.empty()) return lists;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const bool numeric = sheet.VariableAt(i).Type() == VariableType::kNumeric;
-    if (numeric && sheet.WeightVariable() != i) lists.continuous.push_back(static_cast<std::int16_t>(i + 1));
+    if (numeric && sheet.WeightVariable() != i) lists.continuous.push_back(VariableNumberOf(i));
   }
   if (lists.continuous.empty()) throw Error("has no numeric variable", "sheet " + sheet.Name());
   return lists;
@@ -136,32 +142,49 @@ void Specify(Session& session, const FitOptions& options, const Lists& lists, co
 }
 
 // The fits are on the sheet's variables by now; the sheet goes into the project.
-void Save(const FitOptions& options, DataFile& data, Spreadsheet& sheet) {
+void Save(const FitOptions& options, DataFile& data, const Spreadsheet& sheet) {
   std::error_code ignored;
   if (data.isProject && std::filesystem::equivalent(options.project, data.path, ignored)) {
     data.workbook.Save(options.project);
   } else {
-    AddToProject(options.project, std::make_unique<Spreadsheet>(sheet), NameClash::kRefuse);
+    MergeIntoProject(options.project, sheet);
   }
-  if (options.format == ReportFormat::kTable) std::printf("\nFits saved in %s\n", options.project.c_str());
 }
 
-void Fit(const FitOptions& options) {
+// Case weights and selection from the command; an empty text takes away what the project holds.
+void ApplyCaseOptions(const FitOptions& options, Spreadsheet& sheet) {
+  if (options.weights && options.weights->empty()) sheet.SetWeightVariable(std::nullopt);
+  if (options.weights && !options.weights->empty()) {
+    sheet.SetWeightVariable(static_cast<std::size_t>(NumbersOf(sheet, {*options.weights}).front() - 1));
+  }
+  if (options.selection && options.selection->empty()) sheet.SetSelection({});
+  if (options.selection && !options.selection->empty()) ApplySelection(sheet, *options.selection);
+}
+
+void CheckNames(const FitOptions& options) {
   for (const std::string& name : options.distributions) TypeNamed(name);
   for (const std::string& offset : options.offsets) ParseOffset(offset);
+  if (!options.project.empty()) RequireProjectEnding(options.project, "--save");
+}
+
+// The fits are saved before anything is reported, so that a report stands for a finished job.
+void Fit(const FitOptions& options) {
+  CheckNames(options);
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
   Spreadsheet& sheet = data.Sheet(options.input.sheet);
-  if (!options.weights.empty()) {
-    sheet.SetWeightVariable(static_cast<std::size_t>(NumbersOf(sheet, {options.weights}).front() - 1));
-  }
-  if (!options.selection.empty()) ApplySelection(sheet, options.selection);
-  Session session(sheet, Task::kFit);
+  ApplyCaseOptions(options, sheet);
   const Lists lists = ChooseVariables(options, sheet);
+  Session session(sheet, Task::kFit);
   Specify(session, options, lists, sheet);
   session.Ok();
-  if (!options.project.empty()) session.Dialog()->Get("SaveDistributionFit");
-  ReportFit(*session.Dialog(), options.format);
-  if (!options.project.empty()) Save(options, data, sheet);
+  if (!options.project.empty()) {
+    session.Dialog()->Get("SaveDistributionFit");
+    Save(options, data, sheet);
+  }
+  ReportFit(*session.Dialog(), sheet, options.format);
+  if (!options.project.empty() && options.format == ReportFormat::kTable) {
+    std::printf("\nFits saved in %s\n", options.project.c_str());
+  }
 }
 
 }  // namespace
@@ -197,9 +220,11 @@ void AddFitCommand(CLI::App& program) {
       ->type_name("pairwise|casewise");
   command
       ->add_option("--weights", options->weights,
-                   "Variable whose whole numbers say how often each case counts")
+                   "Variable whose whole numbers say how often each case counts; '' for none")
       ->type_name("V");
-  command->add_option("--select", options->selection, "Use only the cases that meet a condition")
+  command
+      ->add_option("--select", options->selection,
+                   "Use only the cases that meet a condition; names with blanks between single quotes")
       ->type_name("'X > 3 and Y = 1'");
   command->add_option("--save", options->project, "Project that takes the data with the fits as properties")
       ->type_name("PROJECT.bvw");

@@ -2,12 +2,14 @@
 
 #include <cmath>
 #include <cstdio>
-#include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <vector>
 
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
+#include "host/analysis/result_columns.h"
+#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::cli {
@@ -19,18 +21,30 @@ using Json = nlohmann::ordered_json;
 class Columns {
  public:
   explicit Columns(const Spreadsheet& table) : table_(table) {}
-  double Number(std::string_view column, std::size_t row) const {
-    const auto index = table_.FindVariable(column);
-    return index ? table_.VariableAt(*index).Values()[row] : std::numeric_limits<double>::quiet_NaN();
-  }
+  // The value in a row; NaN where it is missing. Throws Error for a column that the table does not have.
+  double Number(std::string_view column, std::size_t row) const { return Find(column).Values()[row]; }
   std::string Text(std::string_view column, std::size_t row) const {
-    const auto index = table_.FindVariable(column);
-    if (!index) return {};
-    const Variable& variable = table_.VariableAt(*index);
+    const Variable& variable = Find(column);
     return std::string(variable.Label(variable.Values()[row]).value_or(""));
+  }
+  // The values of the columns "Parameter 1", "Parameter 2", … in a row, up to the first that is missing.
+  std::vector<double> Parameters(std::size_t row) const {
+    std::vector<double> values;
+    for (;;) {
+      const auto column =
+          table_.FindVariable(std::string(result_column::kParameter) + std::to_string(values.size() + 1));
+      if (!column || table_.VariableAt(*column).IsMissing(row)) return values;
+      values.push_back(table_.VariableAt(*column).Values()[row]);
+    }
   }
 
  private:
+  const Variable& Find(std::string_view column) const {
+    const auto index = table_.FindVariable(column);
+    if (!index) throw Error("the table has no column " + std::string(column), table_.Name());
+    return table_.VariableAt(*index);
+  }
+
   const Spreadsheet& table_;
 };
 
@@ -47,24 +61,18 @@ Json NumberOrNull(double value) {
 
 Json FitJson(const Spreadsheet& table, std::size_t row) {
   const Columns columns(table);
-  Json parameters = Json::array();
-  for (int p = 1;; ++p) {
-    const double value = columns.Number("Parameter " + std::to_string(p), row);
-    if (std::isnan(value)) break;
-    parameters.push_back(value);
-  }
-  const bool valid = !parameters.empty();
-  Json none = {{"statistic", nullptr}, {"pValue", nullptr}};
+  const std::vector<double> parameters = columns.Parameters(row);
+  const Json none = {{"statistic", nullptr}, {"pValue", nullptr}};
   return {{"rank", row + 1},
-          {"code", static_cast<int>(columns.Number("Code", row))},
+          {"code", static_cast<int>(columns.Number(result_column::kCode, row))},
           {"distribution", table.CaseName(row)},
-          {"description", columns.Text("(Params Description)", row)},
-          {"parameters", valid ? parameters : Json(nullptr)},
-          {"offset", NumberOrNull(columns.Number("Offset", row))},
-          {"logLikelihood", NumberOrNull(columns.Number("Log-likelihood", row))},
+          {"description", columns.Text(result_column::kDescription, row)},
+          {"parameters", parameters.empty() ? Json(nullptr) : Json(parameters)},
+          {"offset", NumberOrNull(columns.Number(result_column::kOffset, row))},
+          {"logLikelihood", NumberOrNull(columns.Number(result_column::kLogLikelihood, row))},
           {"kolmogorovSmirnov",
-           {{"statistic", NumberOrNull(columns.Number("K-S d", row))},
-            {"pValue", NumberOrNull(columns.Number("K-S p-value", row))}}},
+           {{"statistic", NumberOrNull(columns.Number(result_column::kKolmogorovSmirnov, row))},
+            {"pValue", NumberOrNull(columns.Number(result_column::kKolmogorovSmirnovPValue, row))}}},
           {"chiSquare", {{"statistic", nullptr}, {"degreesOfFreedom", nullptr}, {"pValue", nullptr}}},
           {"andersonDarling", none}};
 }
@@ -75,15 +83,15 @@ Json VariableJson(const Spreadsheet& summary, std::size_t variable,
   Json fits = Json::array();
   for (std::size_t row = 0; ranked && row < ranked->CaseCount(); ++row) fits.push_back(FitJson(*ranked, row));
   return {{"name", summary.CaseName(variable)},
-          {"kind", columns.Text("Kind", variable)},
-          {"n", static_cast<std::int64_t>(columns.Number("Valid N", variable))},
-          {"missing", static_cast<std::int64_t>(columns.Number("Missing", variable))},
-          {"mean", NumberOrNull(columns.Number("Mean", variable))},
-          {"standardDeviation", NumberOrNull(columns.Number("Std.Dev.", variable))},
-          {"skewness", NumberOrNull(columns.Number("Skewness", variable))},
-          {"kurtosis", NumberOrNull(columns.Number("Kurtosis", variable))},
-          {"minimum", NumberOrNull(columns.Number("Minimum", variable))},
-          {"maximum", NumberOrNull(columns.Number("Maximum", variable))},
+          {"kind", columns.Text(result_column::kKind, variable)},
+          {"n", static_cast<std::int64_t>(columns.Number(result_column::kCount, variable))},
+          {"missing", static_cast<std::int64_t>(columns.Number(result_column::kMissing, variable))},
+          {"mean", NumberOrNull(columns.Number(result_column::kMean, variable))},
+          {"standardDeviation", NumberOrNull(columns.Number(result_column::kStandardDeviation, variable))},
+          {"skewness", NumberOrNull(columns.Number(result_column::kSkewness, variable))},
+          {"kurtosis", NumberOrNull(columns.Number(result_column::kKurtosis, variable))},
+          {"minimum", NumberOrNull(columns.Number(result_column::kMinimum, variable))},
+          {"maximum", NumberOrNull(columns.Number(result_column::kMaximum, variable))},
           {"rankedBy", "ks"},
           {"fits", fits}};
 }
@@ -100,12 +108,13 @@ std::string RankingText(const Spreadsheet& ranked) {
   table.AddColumn("p-value", TextTable::Align::kRight);
   table.AddColumn("Log-likelihood", TextTable::Align::kRight);
   for (std::size_t row = 0; row < ranked.CaseCount(); ++row) {
-    const bool valid = !std::isnan(columns.Number("Parameter 1", row));
+    const bool valid = !columns.Parameters(row).empty();
     table.AddRow({std::to_string(row + 1),
-                  columns.Text("(Params Description)", row) + (valid ? "" : " (no fit)"),
-                  ReadableNumber(columns.Number("Offset", row)), ReadableNumber(columns.Number("K-S d", row)),
-                  ReadableNumber(columns.Number("K-S p-value", row), kPValueDigits),
-                  ReadableNumber(columns.Number("Log-likelihood", row))});
+                  columns.Text(result_column::kDescription, row) + (valid ? "" : " (no fit)"),
+                  ReadableNumber(columns.Number(result_column::kOffset, row)),
+                  ReadableNumber(columns.Number(result_column::kKolmogorovSmirnov, row)),
+                  ReadableNumber(columns.Number(result_column::kKolmogorovSmirnovPValue, row), kPValueDigits),
+                  ReadableNumber(columns.Number(result_column::kLogLikelihood, row))});
   }
   return table.Text();
 }
@@ -119,29 +128,37 @@ std::string VariableText(const Spreadsheet& summary, std::size_t variable,
   const auto count = [&](std::string_view column) {
     return FormatNumber("%.0f", columns.Number(column, variable));
   };
-  std::string text = std::string(summary.CaseName(variable)) + " (" + columns.Text("Kind", variable) + ")\n";
-  text += "  n " + count("Valid N") + ", missing " + count("Missing") + ", mean " + number("Mean") +
-          ", std.dev. " + number("Std.Dev.") + ", skewness " + number("Skewness") + ", kurtosis " +
-          number("Kurtosis") + ", range " + number("Minimum") + " to " + number("Maximum") + "\n";
+  std::string text =
+      std::string(summary.CaseName(variable)) + " (" + columns.Text(result_column::kKind, variable) + ")\n";
+  text += "  n " + count(result_column::kCount) + ", missing " + count(result_column::kMissing) + ", mean " +
+          number(result_column::kMean) + ", std.dev. " + number(result_column::kStandardDeviation) +
+          ", skewness " + number(result_column::kSkewness) + ", kurtosis " +
+          number(result_column::kKurtosis) + ", range " + number(result_column::kMinimum) + " to " +
+          number(result_column::kMaximum) + "\n";
   if (!ranked) return text + "  nothing to fit: no valid values, or all of them equal\n";
   return text + "  " + ranked->Title() + "\n" + RankingText(*ranked);
 }
 
 }  // namespace
 
-void ReportFit(AutomationObject& dialog, ReportFormat format) {
+void ReportFit(AutomationObject& dialog, const Spreadsheet& input, ReportFormat format) {
   const Variant summaryDocument = dialog.Get("SummaryStats");
   const Spreadsheet& summary = TableOf(summaryDocument);
-  Json variables = Json::array();
+  const std::string weights = input.WeightVariable() ? input.VariableAt(*input.WeightVariable()).Name() : "";
+  const std::string selection = input.Selection().enabled ? input.Selection().condition : "";
+  Json report = {{"variables", Json::array()}};
+  if (!weights.empty()) report["weights"] = weights;
+  if (!selection.empty()) report["selection"] = selection;
+  std::string text;
+  if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
+  if (!selection.empty()) text += "Cases with " + selection + "\n";
   for (std::size_t i = 0; i < summary.CaseCount(); ++i) {
     const auto ranked = RankedTable(dialog, i);
-    if (format == ReportFormat::kJson) {
-      variables.push_back(VariableJson(summary, i, ranked));
-    } else {
-      std::printf("%s%s", i > 0 ? "\n" : "", VariableText(summary, i, ranked).c_str());
-    }
+    if (!text.empty()) text += '\n';
+    text += VariableText(summary, i, ranked);
+    report["variables"].push_back(VariableJson(summary, i, ranked));
   }
-  if (format == ReportFormat::kJson) std::printf("%s\n", Json{{"variables", variables}}.dump(2).c_str());
+  std::fputs(format == ReportFormat::kJson ? JsonText(report).c_str() : text.c_str(), stdout);
 }
 
 }  // namespace brenvolt::cli

@@ -7,7 +7,8 @@
 namespace brenvolt::cli {
 
 // Prints the results that the dialog behind `dialog` shows to standard output: per variable its moments and
-// its ranked distributions, as tables or as one JSON object.
-void ReportFit(AutomationObject& dialog, ReportFormat format);
+// its ranked distributions, as tables or as one JSON object. Says which of the input's cases were used and
+// how they were weighted, where that is not all of them alike.
+void ReportFit(AutomationObject& dialog, const Spreadsheet& input, ReportFormat format);
 
 }  // namespace brenvolt::cli

@@ -55,7 +55,6 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  brenvolt::CatchInterruptions();
   try {
     const int status = Run(argc, argv);
     if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");

@@ -1,5 +1,8 @@
 #include "apps/cli/session.h"
 
+#include <algorithm>
+
+#include "host/automation/variable_list.h"
 #include "host/base/error.h"
 
 namespace brenvolt::cli {
@@ -17,7 +20,7 @@ std::shared_ptr<AutomationObject> Session::Dialog() {
 }
 
 void Session::Ok() {
-  if (Dialog()->Call("OK").ToInteger() == 0) throw JobFailed();
+  if (Dialog()->Call("OK").ToInteger() == 0 || InterruptionRequested()) throw JobFailed();
 }
 
 const Spreadsheet& TableOf(const Variant& result) {
@@ -31,7 +34,9 @@ std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<
   for (const std::string& name : names) {
     const auto index = sheet.FindVariable(name);
     if (!index) throw Error("no variable called " + name, "sheet " + sheet.Name());
-    numbers.push_back(static_cast<std::int16_t>(*index + 1));
+    numbers.push_back(VariableNumberOf(*index));
+    if (std::ranges::count(numbers, numbers.back()) > 1)
+      throw WrongCall("variable " + name + " is named twice");
   }
   return numbers;
 }

@@ -9,6 +9,7 @@
 
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
+#include "host/base/interruption.h"
 
 namespace brenvolt::cli {
 
@@ -34,12 +35,14 @@ class Session {
 
   // The automation object of the open dialog.
   std::shared_ptr<AutomationObject> Dialog();
-  // OK on the open dialog. Throws JobFailed when the dialog refuses: it has then said why.
+  // OK on the open dialog. Throws JobFailed when the dialog refuses: it has then said why; and when the
+  // person pressed Ctrl-C meanwhile.
   void Ok();
   // Documents shown so far, oldest first.
   std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.documents; }
 
  private:
+  InterruptionCatcher interruptions_;
   TerminalUserInterface userInterface_{kProgram};
   Application application_{userInterface_};
   CAnalysisDoc document_;

@@ -56,7 +56,7 @@ void ShowSheetsAsJson(const Workbook& workbook) {
                       {"variables", sheet.VariableCount()},
                       {"title", sheet.Title()}});
   }
-  std::printf("%s\n", Json{{"sheets", sheets}}.dump(2).c_str());
+  std::fputs(JsonText(Json{{"sheets", sheets}}).c_str(), stdout);
 }
 
 void ShowVariablesAsTable(const Spreadsheet& sheet) {
@@ -72,6 +72,10 @@ void ShowVariablesAsTable(const Spreadsheet& sheet) {
                   std::to_string(missing)});
   }
   std::printf("%s, %zu cases\n%s", sheet.Name().c_str(), sheet.CaseCount(), table.Text().c_str());
+  if (sheet.WeightVariable()) {
+    std::printf("\nCases weighted by %s\n", sheet.VariableAt(*sheet.WeightVariable()).Name().c_str());
+  }
+  if (sheet.Selection().enabled) std::printf("\nCases with %s\n", sheet.Selection().condition.c_str());
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);
     if (variable.Properties().empty()) continue;
@@ -92,9 +96,9 @@ void ShowVariablesAsJson(const Spreadsheet& sheet) {
                          {"missing", CountMissing(variable)},
                          {"properties", properties}});
   }
-  std::printf(
-      "%s\n",
-      Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}.dump(2).c_str());
+  std::fputs(
+      JsonText(Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}).c_str(),
+      stdout);
 }
 
 void Show(const ShowOptions& options) {

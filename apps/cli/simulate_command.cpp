@@ -33,6 +33,15 @@ struct SimulateOptions {
 const std::map<std::string, std::string_view> kMethods{{"monte-carlo", "MonteCarloMethod"},
                                                        {"latin-hypercube", "LHSMethod"}};
 
+// The property that marks a variable with distributions.
+constexpr std::string_view kOrderProperty = "zOrder";
+
+void CheckSeed(const SimulateOptions& options) {
+  if (options.seed && !ParseInteger(*options.seed)) {
+    throw WrongCall("--seed wants a whole number from 0 to 2147483647, not " + *options.seed);
+  }
+}
+
 void Specify(Session& session, const SimulateOptions& options, const Spreadsheet& sheet) {
   const auto dialog = session.Dialog();
   if (!options.variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, options.variables)));
@@ -93,17 +102,26 @@ Json SummaryJson(const Spreadsheet& summary) {
   return variables;
 }
 
-void Write(const SimulateOptions& options, CAnalysisTableDoc& document) {
+// Writes the data and answers with the line that says where.
+std::string Write(const SimulateOptions& options, CAnalysisTableDoc& document) {
   if (HasProjectEnding(options.output)) {
-    const std::string name = AddToProject(options.output, document.ReleaseTable(), NameClash::kNewName);
-    if (options.format == ReportFormat::kTable) {
-      std::printf("\nSimulated data saved in %s, sheet %s\n", options.output.c_str(), name.c_str());
-    }
-    return;
+    const std::string name = AppendToProject(options.output, document.ReleaseTable());
+    return "Simulated data saved in " + options.output.string() + ", sheet " + name;
   }
-  WriteCsv(document.Table(), options.output);
-  if (options.format == ReportFormat::kTable)
-    std::printf("\nSimulated data written to %s\n", options.output.c_str());
+  WriteCsvFile(document.Table(), options.output, {});
+  return "Simulated data written to " + options.output.string();
+}
+
+// The sheet named, or the first data sheet whose variables carry distributions: simulated data stand beside
+// the sheet that they came from.
+Spreadsheet& InputSheet(const SimulateOptions& options, DataFile& data) {
+  for (std::size_t i = 0; options.sheet.empty() && i < data.workbook.SheetCount(); ++i) {
+    Spreadsheet& sheet = data.workbook.SheetAt(i);
+    for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
+      if (sheet.VariableAt(v).Property(kOrderProperty)) return sheet;
+    }
+  }
+  return data.Sheet(options.sheet);
 }
 
 // CSV also goes to devices and pipes, whatever they are called.
@@ -115,26 +133,38 @@ void CheckOutputEnding(const std::filesystem::path& output) {
   throw WrongCall("-o wants a file ending in .csv or .bvw, not " + output.string());
 }
 
+void Report(const SimulateOptions& options, const std::string& method, const Spreadsheet& summary,
+            const std::string& written) {
+  if (options.format == ReportFormat::kJson) {
+    const Json report = {
+        {"method", method}, {"samples", options.samples}, {"variables", SummaryJson(summary)}};
+    std::fputs(JsonText(report).c_str(), stdout);
+    return;
+  }
+  std::printf("%s, %lld samples\n%s", method.c_str(), static_cast<long long>(options.samples),
+              SummaryText(summary).c_str());
+  if (!written.empty()) std::printf("\n%s\n", written.c_str());
+}
+
+// The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateOptions& options) {
   CheckOutputEnding(options.output);
+  CheckSeed(options);
   DataFile data = OpenProject(options.project);
-  Spreadsheet& sheet = data.Sheet(options.sheet);
-  Session session(sheet, Task::kSimulate);
-  Specify(session, options, sheet);
-  session.Ok();
-  const auto output = session.Documents().back();
-  session.Ok();
-  const Spreadsheet& summary = session.Documents().back()->Table();
-  if (options.format == ReportFormat::kJson) {
-    const Json report = {{"method", output->Table().Title()},
-                         {"samples", output->Table().CaseCount()},
-                         {"variables", SummaryJson(summary)}};
-    std::printf("%s\n", report.dump(2).c_str());
-  } else {
-    std::printf("%s, %zu samples\n%s", output->Table().Title().c_str(), output->Table().CaseCount(),
-                SummaryText(summary).c_str());
+  Spreadsheet& sheet = InputSheet(options, data);
+  std::shared_ptr<CAnalysisTableDoc> output;
+  std::shared_ptr<CAnalysisTableDoc> summary;
+  {
+    Session session(sheet, Task::kSimulate);
+    Specify(session, options, sheet);
+    session.Ok();
+    output = session.Documents().back();
+    session.Ok();
+    summary = session.Documents().back();
   }
-  if (!options.output.empty()) Write(options, *output);
+  const std::string method = output->Table().Title();
+  const std::string written = options.output.empty() ? std::string() : Write(options, *output);
+  Report(options, method, summary->Table(), written);
 }
 
 }  // namespace

@@ -29,6 +29,11 @@ void TextTable::AddColumn(std::string heading, Align align) {
 
 void TextTable::AddRow(std::vector<std::string> cells) {
   cells.resize(columns_.size());
+  // A line break or another control character in a name must not break the table.
+  for (std::string& cell : cells) {
+    std::ranges::replace_if(
+        cell, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+  }
   rows_.push_back(std::move(cells));
 }
 

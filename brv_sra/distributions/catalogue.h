@@ -103,9 +103,9 @@ struct ValidityFault {
 // - Histogram: the proportions add up to 1 within kHistogramTotalTolerance; no class at all adds up to 0.
 // - Gaussian mixture: 2 to 20 components; the coefficients add up to 1 within kMixtureTotalTolerance.
 //
-// The text names the parameter and the distribution ("Invalid scale parameter entry for Normal distribution.
-// ", with its trailing blank), for a proportion followed by "Proportion should be between 0 and 1."; totals,
-// component counts and, in a simulation, numbers of trials have a text of their own.
+// The text names the parameter and the distribution, as in "Invalid scale parameter entry for Normal
+// distribution. " with its trailing blank; it is, for a proportion, followed by "Proportion should be between
+// 0 and 1."; totals, component counts and, in a simulation, numbers of trials have a text of their own.
 std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
                                          CheckPurpose purpose = CheckPurpose::kEntry);
 // The same including the offset of types that have one: it must be given and finite.

@@ -7,9 +7,9 @@
 //
 // The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
 // "Key=number" per value ("%.12e") and "Offset=…" last where the type has one. Three have bare numbers:
-//   Gaussian Mixture   coefficient, mean, deviation per component   "%e": seven digits is what the format
-//   keeps Johnson            type, gamma, delta, lambda, xi               "%e" Histogram          code,
-//   proportion per class                   "%.12e", so that proportions still add up to 1
+// - Gaussian Mixture: coefficient, mean and deviation per component, "%e", which keeps seven digits;
+// - Johnson: type, gamma, delta, lambda and xi, "%e";
+// - Histogram: code and proportion per class, "%.12e", so that the proportions still add up to 1.
 // The Folded Normal keeps its location under "Scale" and its scale under "Shape".
 //
 // Numbers follow the user's decimal separator, on writing and on reading. A value that the format rounds to
@@ -84,12 +84,18 @@ void WriteDistributionProperties(VariablePropertyStore* store, const VariableDis
 // its place.
 //
 // Messages by fault: truncation missing, not of four items, a flag other than 0 and 1, a bound in force that
-// is not set, bounds in force that cross: 10254. Order missing, empty or naming no distribution: 10255. A
-// name without its property: 10253; the property empty or "()": 10251. A name twice: 10252. Items too few,
-// too many, unknown, repeated or not a finite number: 10256, but a missing Offset counts as 0. A value that
-// the catalogue refuses: 10268 to 10274 by parameter (a deviation and lambda as scale, gamma and delta as
-// shape, xi as location), else the catalogue's own message. Bounds that are not in force are read and kept.
+// is not set, bounds in force that cross: 10254. Order missing or empty: 10255. A name without its property:
+// 10253; with a property, but no distribution's name: 10255; the property empty or "()": 10251. A name twice:
+// 10252. Items too few, too many, unknown, repeated or not a finite number: 10256, but a missing Offset
+// counts as 0. A value that the catalogue refuses: 10268 to 10274 by parameter (a deviation and lambda as
+// scale, gamma and delta as shape, xi as location), else the catalogue's own message. Bounds that are not in
+// force are read and kept.
 std::vector<VariableDistributions> ReadDistributionProperties(const VariablePropertyStore& store,
                                                               std::span<const int> variableNumbers);
+
+// The truncation that a variable carries; none in force where it carries none or an invalid one.
+Truncation StoredTruncation(const VariablePropertyStore& store, int variableNumber);
+// True when a variable carries an order of distributions that names any.
+bool HasStoredOrder(const VariablePropertyStore& store, int variableNumber);
 
 }  // namespace brenvolt::sra

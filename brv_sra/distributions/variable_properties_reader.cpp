@@ -59,14 +59,6 @@ class VariableReader {
     return result;
   }
 
- private:
-  [[noreturn]] void Fail(const std::string& message) const {
-    throw CDispatchException(message, store_.VariableName(variableNumber_));
-  }
-  [[noreturn]] void Fail(std::int32_t messageResource) const {
-    Fail(std::string(ResourceString(messageResource)));
-  }
-
   Truncation ReadTruncation() const {
     const auto text = store_.Get(variableNumber_, property_key::kTruncation);
     if (!text) Fail(kMsgInvalidTruncationProperty);
@@ -79,6 +71,14 @@ class VariableReader {
     const bool crossed = truncation.below && truncation.above && truncation.minimum > truncation.maximum;
     if (lacksBound || crossed) Fail(kMsgInvalidTruncationProperty);
     return truncation;
+  }
+
+ private:
+  [[noreturn]] void Fail(const std::string& message) const {
+    throw CDispatchException(message, store_.VariableName(variableNumber_));
+  }
+  [[noreturn]] void Fail(std::int32_t messageResource) const {
+    Fail(std::string(ResourceString(messageResource)));
   }
 
   bool ParseFlag(std::string_view item) const {
@@ -98,6 +98,7 @@ class VariableReader {
     if (!text) Fail(kMsgInvalidOrderProperty);
     std::vector<DistributionCode> codes;
     for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
+      if (!store_.Get(variableNumber_, name)) Fail(FormatResource(kMsgPropertyMissing, name));
       const auto code = CodeFromDisplayName(name);
       if (!code) Fail(kMsgInvalidOrderProperty);
       codes.push_back(*code);
@@ -112,9 +113,8 @@ class VariableReader {
     for (const DistributionCode code : order) {
       if (std::ranges::find(properties, code, &NamedProperty::code) != properties.end()) continue;
       const std::string_view name = DisplayName(code);
-      const auto text = store_.Get(variableNumber_, name);
-      if (!text) Fail(FormatResource(kMsgPropertyMissing, name));
-      const std::string_view value = WithoutEnclosure(*text);
+      const std::string text = *store_.Get(variableNumber_, name);
+      const std::string_view value = WithoutEnclosure(text);
       if (value.empty())
         Fail(FormatResource(kMsgPropertyValueMissing, name, store_.VariableName(variableNumber_)));
       properties.push_back({code, std::string(value)});
@@ -209,6 +209,19 @@ std::vector<VariableDistributions> ReadDistributionProperties(const VariableProp
   for (const int variableNumber : variableNumbers)
     result.push_back(VariableReader(store, variableNumber).Read());
   return result;
+}
+
+Truncation StoredTruncation(const VariablePropertyStore& store, int variableNumber) {
+  try {
+    return VariableReader(store, variableNumber).ReadTruncation();
+  } catch (const CDispatchException&) {
+    return {};
+  }
+}
+
+bool HasStoredOrder(const VariablePropertyStore& store, int variableNumber) {
+  const auto order = store.Get(variableNumber, property_key::kOrder);
+  return order && !Split(*order, kOrderDelimiters).empty();
 }
 
 }  // namespace brenvolt::sra

@@ -191,9 +191,10 @@ TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames)
   } rows[] = {
       {"", std::string(ResourceString(10255))},
       {";;", std::string(ResourceString(10255))},
-      {"Normal;Cauchy;", std::string(ResourceString(10255))},
-      {"Normal ;", std::string(ResourceString(10255))},
-      {"Normal Weibull;", std::string(ResourceString(10255))},
+      {"Normal;Cauchy;", "Cauchy in order of distribution property has its parameter property missing."},
+      {"Normal ;", "Normal  in order of distribution property has its parameter property missing."},
+      {"Normal Weibull;",
+       "Normal Weibull in order of distribution property has its parameter property missing."},
       {"Normal;Log Normal;",
        "Log Normal in order of distribution property has its parameter property missing."},
       {"Normal;Normal;", std::string(ResourceString(10252))},
@@ -201,6 +202,7 @@ TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames)
       {"(;  Normal;)", ""},
   };
   for (const auto& row : rows) EXPECT_EQ(Fault({{"zOrder", row.order}}), row.message) << row.order;
+  EXPECT_EQ(Fault({{"zOrder", "Cauchy;"}, {"Cauchy", "(Scale=1)"}}), ResourceString(10255));
   for (const std::string_view empty : {"", "()", " ( ) ", "("}) {
     EXPECT_EQ(Fault({{"Normal", std::string(empty)}}),
               "Normal distribution property exists for variable Var1 but its value is missing.");

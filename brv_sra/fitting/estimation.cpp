@@ -142,9 +142,11 @@ std::span<const DistributionCode> FittedDiscrete() {
 
 std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted,
                                                         const Moments& moments,
-                                                        const ContinuousSpecification& specification) {
+                                                        const ContinuousSpecification& specification,
+                                                        CKroProgressBar& progress) {
   std::vector<DistributionFit> fits;
   for (const Step& step : kContinuousSteps) {
+    progress.Step(0);
     if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(step.code))]) continue;
     const auto index = OffsetIndex(step.code);
     const double offset = index ? specification.offsets[*index] : kNotSet;
@@ -156,9 +158,11 @@ std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> 
 }
 
 std::vector<DistributionFit> FitDiscreteDistributions(std::span<const double> sorted,
-                                                      const DiscreteSpecification& specification) {
+                                                      const DiscreteSpecification& specification,
+                                                      CKroProgressBar& progress) {
   std::vector<DistributionFit> fits;
   for (const Step& step : kDiscreteSteps) {
+    progress.Step(0);
     if (!specification.fit[static_cast<std::size_t>(FlagOfDiscrete(step.code))]) continue;
     fits.push_back(RunStep(step, sorted, kNotSet));
   }

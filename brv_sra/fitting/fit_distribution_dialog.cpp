@@ -319,8 +319,7 @@ bool CFitDistribution::RunAndKeepResults() {
     const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
     results = RunFit(*GetInputTable(), state.specification, options, Analysis().Interface());
   } catch (const Error& error) {
-    const std::string where = error.Where().empty() ? std::string() : " (" + error.Where() + ")";
-    Analysis().ShowMessage(error.what() + where);
+    Analysis().ShowMessage(error.what(), error.Where());
     return false;
   } catch (const UserCancelled&) {
     return false;

@@ -19,7 +19,7 @@ double OrMissing(double value) {
 void AddColumn(Spreadsheet& sheet, std::string_view name, const std::function<double(std::size_t)>& value) {
   Variable column(std::string(name), sheet.CaseCount());
   const auto cells = column.MutableValues();
-  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = OrMissing(value(i));
+  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = value(i);
   sheet.AddVariable(std::move(column));
 }
 
@@ -35,16 +35,16 @@ void AddTextColumn(Spreadsheet& sheet, std::string_view name,
   sheet.AddVariable(std::move(column));
 }
 
+// A moment exists from a least number of values on; its value says nothing about that.
 struct MomentColumn {
-  std::string_view name;
+  std::int32_t name;
   double Moments::*member;
+  std::int64_t leastCount;
 };
-constexpr MomentColumn kMomentColumns[] = {{fit_column::kMean, &Moments::mean},
-                                           {fit_column::kStandardDeviation, &Moments::standardDeviation},
-                                           {fit_column::kSkewness, &Moments::skewness},
-                                           {fit_column::kKurtosis, &Moments::kurtosis},
-                                           {fit_column::kMinimum, &Moments::minimum},
-                                           {fit_column::kMaximum, &Moments::maximum}};
+constexpr MomentColumn kMomentColumns[] = {
+    {kColumnMean, &Moments::mean, 1},         {kColumnStandardDeviation, &Moments::standardDeviation, 1},
+    {kColumnSkewness, &Moments::skewness, 3}, {kColumnKurtosis, &Moments::kurtosis, 4},
+    {kColumnMinimum, &Moments::minimum, 1},   {kColumnMaximum, &Moments::maximum, 1}};
 
 }  // namespace
 
@@ -54,15 +54,18 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
   for (const VariableFit& fit : results) names.push_back(fit.name);
   sheet->SetTitle(sheet->Name());
   sheet->SetCaseNames(std::move(names));
-  AddTextColumn(*sheet, fit_column::kKind, [&](std::size_t i) {
-    return std::string(results[i].continuous ? "continuous" : "discrete");
+  AddTextColumn(*sheet, ResourceString(kColumnKind), [&](std::size_t i) {
+    return std::string(ResourceString(results[i].continuous ? kKindContinuous : kKindDiscrete));
   });
-  AddColumn(*sheet, fit_column::kCount,
+  AddColumn(*sheet, ResourceString(kColumnCount),
             [&](std::size_t i) { return static_cast<double>(results[i].moments.count); });
-  AddColumn(*sheet, fit_column::kMissing,
+  AddColumn(*sheet, ResourceString(kColumnMissing),
             [&](std::size_t i) { return static_cast<double>(results[i].moments.missing); });
   for (const MomentColumn& column : kMomentColumns) {
-    AddColumn(*sheet, column.name, [&](std::size_t i) { return results[i].moments.*column.member; });
+    AddColumn(*sheet, ResourceString(column.name), [&](std::size_t i) {
+      const Moments& moments = results[i].moments;
+      return moments.count >= column.leastCount ? moments.*column.member : GetDefaultMDValue();
+    });
   }
   return sheet;
 }
@@ -82,21 +85,26 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
   const auto specification = [&](std::size_t i) -> const DistributionSpecification& {
     return order[i]->specification;
   };
-  AddColumn(*sheet, fit_column::kCode,
+  AddColumn(*sheet, ResourceString(kColumnCode),
             [&](std::size_t i) { return static_cast<double>(specification(i).code); });
-  AddTextColumn(*sheet, fit_column::kDescription, [&](std::size_t i) {
+  AddTextColumn(*sheet, ResourceString(kColumnDescription), [&](std::size_t i) {
     return order[i]->IsValid() ? Description(specification(i).code, specification(i).values)
                                : std::string(DisplayName(specification(i).code));
   });
-  AddColumn(*sheet, fit_column::kStatistic,
-            [&](std::size_t i) { return order[i]->kolmogorovSmirnov.statistic; });
-  AddColumn(*sheet, fit_column::kPValue, [&](std::size_t i) { return order[i]->kolmogorovSmirnov.pValue; });
-  AddColumn(*sheet, fit_column::kLogLikelihood, [&](std::size_t i) { return order[i]->logLikelihood; });
-  AddColumn(*sheet, fit_column::kOffset, [&](std::size_t i) { return specification(i).offset; });
+  AddColumn(*sheet, ResourceString(kColumnKolmogorovSmirnov),
+            [&](std::size_t i) { return OrMissing(order[i]->kolmogorovSmirnov.statistic); });
+  AddColumn(*sheet, ResourceString(kColumnKolmogorovSmirnovPValue),
+            [&](std::size_t i) { return OrMissing(order[i]->kolmogorovSmirnov.pValue); });
+  AddColumn(*sheet, ResourceString(kColumnLogLikelihood),
+            [&](std::size_t i) { return OrMissing(order[i]->logLikelihood); });
+  AddColumn(*sheet, ResourceString(kColumnOffset),
+            [&](std::size_t i) { return OrMissing(specification(i).offset); });
   for (std::size_t p = 0; p < parameters; ++p) {
-    AddColumn(*sheet, std::string(fit_column::kParameter) + std::to_string(p + 1), [&](std::size_t i) {
-      return order[i]->IsValid() && p < specification(i).values.size() ? specification(i).values[p] : kNotSet;
-    });
+    AddColumn(*sheet, std::string(ResourceString(kColumnParameter)) + std::to_string(p + 1),
+              [&](std::size_t i) {
+                return order[i]->IsValid() && p < specification(i).values.size() ? specification(i).values[p]
+                                                                                 : GetDefaultMDValue();
+              });
   }
   return sheet;
 }

@@ -46,7 +46,8 @@ constexpr std::array<Member, 5> kMembers{{
     {"SaveDistributionFit", 0x60030011, 0, SaveFit, nullptr},
 }};
 
-VariableDistributions PropertiesOf(const VariableFit& fit) {
+// The valid fits of a variable, best first, without its truncation.
+VariableDistributions ValidFits(const VariableFit& fit) {
   VariableDistributions distributions;
   distributions.variableNumber = fit.variableNumber;
   for (const std::size_t index : fit.ranked) {
@@ -118,7 +119,7 @@ std::optional<std::vector<std::string>> CFitDistributionResults::FittedDistribut
   const auto& results = Results().results;
   if (variable < 0 || static_cast<std::size_t>(variable) >= results.size()) return std::nullopt;
   std::vector<std::string> names;
-  const VariableDistributions valid = PropertiesOf(results[static_cast<std::size_t>(variable)]);
+  const VariableDistributions valid = ValidFits(results[static_cast<std::size_t>(variable)]);
   for (const DistributionSpecification& fit : valid.ranked) names.emplace_back(DisplayName(fit.code));
   return names;
 }
@@ -144,7 +145,11 @@ int CFitDistributionResults::SaveFits() {
   SheetPropertyStore store(*GetInputTable());
   int saved = 0;
   for (const VariableFit& fit : Results().results) {
-    WriteDistributionProperties(&store, PropertiesOf(fit));
+    // Fits that failed do not displace those that the variable already carries.
+    if (!fit.HasValidFit() && HasStoredOrder(store, fit.variableNumber)) continue;
+    VariableDistributions distributions = ValidFits(fit);
+    distributions.truncation = StoredTruncation(store, fit.variableNumber);
+    WriteDistributionProperties(&store, distributions);
     saved += fit.HasValidFit() ? 1 : 0;
   }
   return saved;

@@ -35,7 +35,8 @@ VariableFit FitContinuousVariable(const Spreadsheet& sheet, const FitSpecificati
   VariableFit fit = ReadVariable(sheet, specification.continuous[i], cases, true, progress, sorted);
   fit.invalid = fit.moments.standardDeviation <= 0;
   if (fit.invalid) return fit;
-  fit.fits = FitContinuousDistributions(sorted, fit.moments, specification.continuousSpecifications[i]);
+  fit.fits =
+      FitContinuousDistributions(sorted, fit.moments, specification.continuousSpecifications[i], progress);
   fit.ranked = RankFits(fit.fits, specification.continuousCriterion);
   return fit;
 }
@@ -46,7 +47,7 @@ VariableFit FitDiscreteVariable(const Spreadsheet& sheet, const FitSpecification
   VariableFit fit = ReadVariable(sheet, specification.discrete[i], cases, false, progress, sorted);
   fit.invalid = sorted.empty();
   if (fit.invalid) return fit;
-  fit.fits = FitDiscreteDistributions(sorted, specification.discreteSpecifications[i]);
+  fit.fits = FitDiscreteDistributions(sorted, specification.discreteSpecifications[i], progress);
   fit.ranked = RankFits(fit.fits, specification.discreteCriterion);
   return fit;
 }

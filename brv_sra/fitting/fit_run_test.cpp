@@ -120,7 +120,9 @@ TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {
   const std::vector<double> sorted{-1, 2, 3, 5};
   Moments moments;
   moments.logMean = kNotSet;
-  const auto fits = FitContinuousDistributions(sorted, moments, specification);
+  HeadlessUserInterface port;
+  const auto progress = CKroProgressBar::new_ProgressBar(port, "", 1);
+  const auto fits = FitContinuousDistributions(sorted, moments, specification, *progress);
   ASSERT_EQ(fits.size(), 2U);
   EXPECT_TRUE(fits[0].IsValid());
   EXPECT_FALSE(fits[1].IsValid());

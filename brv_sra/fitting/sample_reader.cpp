@@ -34,6 +34,7 @@ CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeigh
   CaseSet set;
   const auto weightIndex = sheet.WeightVariable();
   const bool weighted = useWeights && weightIndex.has_value();
+  if (weighted && sheet.VariableAt(*weightIndex).Type() == VariableType::kText) Throw(kMsgWeightsNotIntegers);
   std::int64_t total = 0;
   for (std::size_t i = 0; i < sheet.CaseCount(); ++i) {
     if (useSelection && !sheet.IsCaseSelected(i)) continue;

@@ -92,13 +92,15 @@ TEST_F(Frame, InitClearsTheOneShotFlagEveryTime) {
 TEST_F(Frame, AttachRunsInItsOrder) {
   const auto lines = LogLines();
   const std::string_view expected[] = {"extension module initialised", "analysis context created",
-                                       "resource library recorded", "object map initialised",
-                                       "type library registered"};
+                                       "resource library recorded",    "object map initialised",
+                                       "object classes initialised",   "type library registered"};
   auto place = lines.begin();
   for (const std::string_view text : expected) {
     place = std::find_if(place, lines.end(), [&](const std::string& line) { return line.starts_with(text); });
     ASSERT_NE(place, lines.end()) << text;
   }
+  EXPECT_EQ(RegisteredInterfaces().size(), 5U);
+  EXPECT_EQ(RegisteredObjectClasses().size(), 5U);
   EXPECT_EQ(RegisteredTypeLibraries(), std::vector<std::string>{std::string(LIBID_BRVSRA.text)});
 }
 

@@ -10,18 +10,24 @@
 namespace brenvolt::sra {
 namespace {
 
-void NoHook() {}
+constexpr ObjectMapEntry Interface(std::string_view name) {
+  return {name, RegisterInterface, UnregisterInterface};
+}
+constexpr ObjectClass Class(std::string_view name) {
+  return {name, RegisterObjectClass, UnregisterObjectClass};
+}
 
-// The automation classes, one per interface; a class with state of its own hooks in here.
-constexpr std::array<ObjectMapEntry, 5> kObjectMap{{{"SRAStartup", NoHook, NoHook},
-                                                    {"SRAFitDistribution", NoHook, NoHook},
-                                                    {"SRAFitDistributionResults", NoHook, NoHook},
-                                                    {"SRASimulationFromDistribution", NoHook, NoHook},
-                                                    {"SRASimulationResults", NoHook, NoHook}}};
+constexpr std::array kObjectMap{
+    Interface("SRAStartup"), Interface("SRAFitDistribution"), Interface("SRAFitDistributionResults"),
+    Interface("SRASimulationFromDistribution"), Interface("SRASimulationResults")};
+constexpr std::array kObjectClasses{Class("CComDefineTask"), Class("CComFitDistribution"),
+                                    Class("CComFitDistributionResults"),
+                                    Class("CComSimulationFromDistribution"), Class("CComSimulationResults")};
 
 // Lives until the process ends: automation objects that clients still hold count themselves out here.
 AutomationModule& TheAutomationModule() {
-  static AutomationModule* const module = std::make_unique<AutomationModule>(kObjectMap).release();
+  static AutomationModule* const module =
+      std::make_unique<AutomationModule>(kObjectMap, kObjectClasses).release();
   return *module;
 }
 
@@ -33,13 +39,11 @@ class LoadedModule {
     context_ = std::make_unique<CAnalysisContext>(instance_, &ResourceString);
     LogLine("analysis context created");
     resources_ = std::make_unique<CDynLinkLibrary>(extension_);
-    for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.initialise();
-    LogLine("object map initialised");
+    TheAutomationModule().Initialise();
     KroOleRegisterTypeLib(instance_, LIBID_BRVSRA, nullptr, nullptr);
   }
   ~LoadedModule() {
-    for (const ObjectMapEntry& entry : TheAutomationModule().ObjectMap()) entry.terminate();
-    LogLine("object map terminated");
+    TheAutomationModule().Terminate();
     context_.reset();
     LogLine("analysis context deleted");
     resources_.reset();

@@ -424,4 +424,25 @@ inline constexpr std::int32_t kMsgNoDistributionsInInput = 20726;
 inline constexpr std::int32_t kSimulationResultsTitle = 20730;
 inline constexpr std::int32_t kSimulationSummary = 20731;
 
+// Columns of result tables, and the kinds of variables named in them.
+inline constexpr std::int32_t kColumnKind = 20740;
+inline constexpr std::int32_t kColumnCount = 20741;
+inline constexpr std::int32_t kColumnMissing = 20742;
+inline constexpr std::int32_t kColumnMean = 20743;
+inline constexpr std::int32_t kColumnStandardDeviation = 20744;
+inline constexpr std::int32_t kColumnSkewness = 20745;
+inline constexpr std::int32_t kColumnKurtosis = 20746;
+inline constexpr std::int32_t kColumnMinimum = 20747;
+inline constexpr std::int32_t kColumnMaximum = 20748;
+inline constexpr std::int32_t kColumnPercentile = 20749;
+inline constexpr std::int32_t kColumnCode = 20750;
+inline constexpr std::int32_t kColumnDescription = 20751;
+inline constexpr std::int32_t kColumnKolmogorovSmirnov = 20752;
+inline constexpr std::int32_t kColumnKolmogorovSmirnovPValue = 20753;
+inline constexpr std::int32_t kColumnLogLikelihood = 20754;
+inline constexpr std::int32_t kColumnOffset = 20755;
+inline constexpr std::int32_t kColumnParameter = 20756;
+inline constexpr std::int32_t kKindContinuous = 20760;
+inline constexpr std::int32_t kKindDiscrete = 20761;
+
 }  // namespace brenvolt::sra

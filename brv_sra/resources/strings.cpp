@@ -7,6 +7,7 @@
 #include <initializer_list>
 
 #include "brv_sra/resources/resource_numbers.h"
+#include "host/analysis/result_columns.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -457,6 +458,26 @@ constexpr auto kStrings = std::to_array<StringResource>({
      "No variable of the input has a fitted distribution. Please fit distributions and save them first."},
     {kSimulationResultsTitle, "Simulation Results"},
     {kSimulationSummary, "Simulation summary"},
+    // Columns of result tables.
+    {kColumnKind, result_column::kKind},
+    {kColumnCount, result_column::kCount},
+    {kColumnMissing, result_column::kMissing},
+    {kColumnMean, result_column::kMean},
+    {kColumnStandardDeviation, result_column::kStandardDeviation},
+    {kColumnSkewness, result_column::kSkewness},
+    {kColumnKurtosis, result_column::kKurtosis},
+    {kColumnMinimum, result_column::kMinimum},
+    {kColumnMaximum, result_column::kMaximum},
+    {kColumnPercentile, result_column::kPercentile},
+    {kColumnCode, result_column::kCode},
+    {kColumnDescription, result_column::kDescription},
+    {kColumnKolmogorovSmirnov, result_column::kKolmogorovSmirnov},
+    {kColumnKolmogorovSmirnovPValue, result_column::kKolmogorovSmirnovPValue},
+    {kColumnLogLikelihood, result_column::kLogLikelihood},
+    {kColumnOffset, result_column::kOffset},
+    {kColumnParameter, result_column::kParameter},
+    {kKindContinuous, "continuous"},
+    {kKindDiscrete, "discrete"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

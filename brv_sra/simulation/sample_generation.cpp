@@ -15,37 +15,53 @@ constexpr double kTwoTo32 = 4294967296.0;
 // How many values are drawn between two looks at the clock.
 constexpr std::size_t kProgressStride = 4096;
 
-// Values of one column; the row is its index.
-using DrawColumn = void (*)(const VariableSampler& sampler, std::span<double> column);
+// One column of the matrix, filled from row to row.
+struct Column {
+  std::span<double> matrix;
+  std::size_t variables;
+  std::size_t index;
+  std::size_t samples;
+};
 
-void DrawMonteCarloColumn(const VariableSampler& sampler, std::span<double> column) {
-  for (double& x : column) x = sampler.DrawMonteCarlo();
+// False when a value is not finite: the distribution reaches beyond what a double holds.
+template <class Draw>
+bool FillColumn(const Column& column, CKroProgressBar& progress, const Draw& draw) {
+  for (std::size_t i = 0; i < column.samples; ++i) {
+    if (i % kProgressStride == kProgressStride - 1) progress.Step(kProgressStride);
+    const double x = draw(i);
+    if (!std::isfinite(x)) return false;
+    column.matrix[i * column.variables + column.index] = x;
+  }
+  progress.Step(static_cast<std::int64_t>(column.samples % kProgressStride));
+  return true;
 }
 
-void DrawLatinHypercubeColumn(const VariableSampler& sampler, std::span<double> column) {
-  RandomPermutation(column);
+using DrawColumn = bool (*)(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress);
+
+bool DrawMonteCarloColumn(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress) {
+  return FillColumn(column, progress, [&](std::size_t) { return sampler.DrawMonteCarlo(); });
+}
+
+bool DrawLatinHypercubeColumn(const VariableSampler& sampler, const Column& column,
+                              CKroProgressBar& progress) {
+  std::vector<double> strata(column.samples);
+  RandomPermutation(strata);
   const double width =
-      (sampler.UpperProbability() - sampler.LowerProbability()) / static_cast<double>(column.size());
-  for (double& x : column) {
+      (sampler.UpperProbability() - sampler.LowerProbability()) / static_cast<double>(column.samples);
+  return FillColumn(column, progress, [&](std::size_t i) {
     const double uniform = rnd_(0);
-    x = sampler.Inverse(sampler.LowerProbability() + (x - 1) * width + uniform * width);
-  }
+    return sampler.Inverse(sampler.LowerProbability() + (strata[i] - 1) * width + uniform * width);
+  });
 }
 
 bool GenerateColumns(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress,
                      DrawColumn draw) {
   const auto samples = static_cast<std::size_t>(design.numberOfSamples);
   const std::size_t variables = design.variables.size();
-  std::vector<double> column(samples);
   for (std::size_t j = 0; j < variables; ++j) {
     if (design.IsExcluded(j)) continue;
     const VariableSampler sampler(design.variables[j].specification, design.truncate);
-    if (!sampler.IsValid()) return false;
-    draw(sampler, column);
-    for (std::size_t i = 0; i < samples; ++i) {
-      if (i % kProgressStride == kProgressStride - 1) progress.Step(kProgressStride);
-      matrix[i * variables + j] = column[i];
-    }
+    if (!sampler.IsValid() || !draw(sampler, {matrix, variables, j, samples}, progress)) return false;
   }
   return true;
 }

@@ -20,8 +20,8 @@ void SeedRandomStream(bool seeded, double seed);
 
 // Fills the columns of the variables that are not excluded in the row-major matrix of numberOfSamples rows
 // and one column per variable of the design. False when a distribution cannot be sampled: its parameters are
-// invalid, or its truncation leaves nothing. Throws UserCancelled through the bar, std::bad_alloc when memory
-// is short.
+// invalid, its truncation leaves nothing, or a value is beyond what a double holds. Throws UserCancelled
+// through the bar, std::bad_alloc when memory is short.
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
 bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
                             CKroProgressBar& progress);

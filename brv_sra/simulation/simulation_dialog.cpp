@@ -188,12 +188,12 @@ bool CSimulationFromDistribution::Run() {
     const SimulationDesign design = ReadDesign(*GetInputTable(), state.options);
     run = RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface());
   } catch (const Error& error) {
-    Analysis().ShowMessage(error.what());
+    Analysis().ShowMessage(error.what(), error.Where());
     return false;
   } catch (const UserCancelled&) {
     return false;
   }
-  if (!Report(run.status)) return false;
+  if (!Report(run)) return false;
   if (run.output == nullptr) return true;
   state.output = std::make_shared<CAnalysisTableDoc>(std::move(run.output));
   // Simulated data open as a spreadsheet of their own, whatever the option says.
@@ -205,10 +205,11 @@ bool CSimulationFromDistribution::Run() {
   return true;
 }
 
-bool CSimulationFromDistribution::Report(SimulationStatus status) const {
-  if (status == SimulationStatus::kSuccess) return true;
-  ShowMessage(status == SimulationStatus::kMemoryFailure ? kMsgInsufficientMemory
-                                                         : kMsgSimulationFailedDistributions);
+bool CSimulationFromDistribution::Report(const SimulationRun& run) const {
+  if (run.status == SimulationStatus::kSuccess) return true;
+  const bool memory = run.status == SimulationStatus::kMemoryFailure;
+  Analysis().ShowMessage(szLoadResString(memory ? kMsgInsufficientMemory : kMsgSimulationFailedDistributions),
+                         run.where);
   return false;
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/simulation_state.h"
 
 namespace brenvolt::sra {
@@ -32,7 +32,7 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   bool ValidateNumberOfSamples();
   bool ValidateSeed();
   bool Run();
-  bool Report(SimulationStatus status) const;
+  bool Report(const SimulationRun& run) const;
 };
 
 }  // namespace brenvolt::sra

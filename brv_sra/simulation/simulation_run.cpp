@@ -9,7 +9,9 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
+#include "host/automation/variable_list.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
@@ -20,6 +22,19 @@ constexpr std::size_t kTitleLength = 80;
 constexpr std::size_t kHeaderLength = 12;
 // How many cases are copied between two looks at the clock.
 constexpr std::size_t kProgressStride = 4096;
+
+// Which variable cannot be sampled, and why; empty where that showed only in its values.
+std::string FaultyVariable(const SimulationDesign& design) {
+  for (std::size_t j = 0; j < design.variables.size(); ++j) {
+    const SimulationVariable& variable = design.variables[j];
+    if (design.IsExcluded(j) || VariableSampler(variable.specification, design.truncate).IsValid()) continue;
+    const std::string place = "variable " + variable.name + ", ";
+    const auto code = variable.specification.code;
+    if (!CanSample(code)) return place + std::string(DisplayName(code)) + " is not simulated";
+    return place + Description(code, variable.specification.values) + " with its truncation";
+  }
+  return {};
+}
 
 using Generate = bool (*)(const SimulationDesign&, std::span<double>, CKroProgressBar&);
 
@@ -68,11 +83,12 @@ std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::sp
 
 }  // namespace
 
-std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet) {
+std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet) {
+  const SheetPropertyStore store(sheet);
   std::vector<std::int16_t> numbers;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    if (sheet.VariableAt(i).Property(property_key::kOrder))
-      numbers.push_back(static_cast<std::int16_t>(i + 1));
+    // An empty order marks a variable whose fits all failed.
+    if (HasStoredOrder(store, static_cast<int>(i + 1))) numbers.push_back(VariableNumberOf(i));
   }
   return numbers;
 }
@@ -101,11 +117,6 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples) {
   return variables == 0 || samples <= kCells / static_cast<std::int64_t>(variables);
 }
 
-std::int32_t MethodTitle(SimulationMethod method) {
-  const Method* found = FindMethod(method);
-  return found != nullptr ? found->title : 0;
-}
-
 SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port) {
   SimulationRun run;
   const Method* method = FindMethod(design.method);
@@ -125,6 +136,7 @@ SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double 
       run.output = BuildOutput(design, matrix.Span(), method->title, port);
     } else {
       run.status = SimulationStatus::kDistributionFailure;
+      run.where = FaultyVariable(design);
     }
   } catch (const std::bad_alloc&) {
     run.status = SimulationStatus::kMemoryFailure;

@@ -14,7 +14,7 @@
 namespace brenvolt::sra {
 
 // The variables of a sheet that carry distribution properties, numbered from 1.
-std::vector<std::int16_t> VariablesWithDistributions(const Spreadsheet& sheet);
+std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet);
 
 // The design over the best distribution of each variable, continuous variables first. Throws
 // CDispatchException with the reader's message when a property is missing or invalid.
@@ -26,14 +26,12 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples);
 struct SimulationRun {
   SimulationStatus status = SimulationStatus::kSuccess;
   std::unique_ptr<Spreadsheet> output;  // null on failure, and for the method that produces nothing
+  std::string where;                    // the variable at fault, where there is one
 };
 
 // Seeds the stream, generates the samples and builds the output sheet: titled by the method, one variable per
 // variable of the design that takes part, cases named 1, 2, … under "Sample #". Throws UserCancelled.
 SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port);
-
-// The resource number of a method's title.
-std::int32_t MethodTitle(SimulationMethod method);
 
 // One case per variable of a sheet: count, moments, extremes and percentiles.
 std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output);

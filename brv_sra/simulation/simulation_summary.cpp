@@ -12,8 +12,9 @@ namespace brenvolt::sra {
 namespace {
 
 constexpr std::array<int, 9> kPercents{1, 5, 10, 25, 50, 75, 90, 95, 99};
-constexpr std::array<std::string_view, 7> kMomentNames{"Valid N",  "Mean",    "Std.Dev.", "Skewness",
-                                                       "Kurtosis", "Minimum", "Maximum"};
+constexpr std::array<std::int32_t, 7> kMomentColumns{
+    kColumnCount,   kColumnMean,   kColumnStandardDeviation, kColumnSkewness, kColumnKurtosis,
+    kColumnMinimum, kColumnMaximum};
 
 std::vector<double> SummaryOf(const Variable& variable) {
   MomentAccumulator accumulator;
@@ -40,8 +41,10 @@ std::vector<double> SummaryOf(const Variable& variable) {
 }  // namespace
 
 std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output) {
-  std::vector<std::string> columns(kMomentNames.begin(), kMomentNames.end());
-  for (const int percent : kPercents) columns.push_back("P" + std::to_string(percent));
+  std::vector<std::string> columns;
+  for (const std::int32_t column : kMomentColumns) columns.emplace_back(ResourceString(column));
+  for (const int percent : kPercents)
+    columns.push_back(std::string(ResourceString(kColumnPercentile)) + std::to_string(percent));
   auto sheet =
       std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), output.VariableCount());
   sheet->SetTitle(output.Title());

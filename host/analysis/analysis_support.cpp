@@ -10,6 +10,26 @@ namespace {
 // The host's caption over message boxes, where the module's context has none.
 constexpr std::int32_t kCaptionResource = 10010;
 
+Variable* InputVariable(Spreadsheet* table, int variable) {
+  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount())
+    return nullptr;
+  return &table->VariableAt(static_cast<std::size_t>(variable - 1));
+}
+
+bool HasCase(const Variable* variable, int caseNumber) {
+  return variable != nullptr && caseNumber >= 1 && static_cast<std::size_t>(caseNumber) <= variable->Size();
+}
+
+// The value that carries a label with this text, a new one where there is none.
+double ValueOfLabel(Variable& variable, const std::string& text) {
+  for (const auto& [value, label] : variable.Labels()) {
+    if (label == text) return value;
+  }
+  const double next = variable.Labels().empty() ? 1.0 : variable.Labels().rbegin()->first + 1;
+  variable.SetLabel(next, text);
+  return next;
+}
+
 }  // namespace
 
 CAnalysisSupport::CAnalysisSupport(CAnalysisDoc* document, const CAnalysisContext& context)
@@ -77,18 +97,13 @@ std::shared_ptr<AutomationObject> CAnalysisSupport::GetDialogAutomationInterface
 void CAnalysisSupport::UpdateLastAutomationDefinition() {}
 
 double CAnalysisSupport::get_md(int variable) const {
-  const Spreadsheet* table = InputTable();
-  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount()) {
-    return GetDefaultMDValue();
-  }
-  return table->VariableAt(static_cast<std::size_t>(variable - 1)).MissingCode();
+  const Variable* found = InputVariable(InputTable(), variable);
+  return found != nullptr ? found->MissingCode() : GetDefaultMDValue();
 }
 
 std::string CAnalysisSupport::get_vn(int variable) const {
-  const Spreadsheet* table = InputTable();
-  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount())
-    return {};
-  return table->VariableAt(static_cast<std::size_t>(variable - 1)).Name();
+  const Variable* found = InputVariable(InputTable(), variable);
+  return found != nullptr ? found->Name() : std::string();
 }
 
 std::string CAnalysisSupport::dsplst(const std::vector<std::int16_t>& variables) const {
@@ -138,30 +153,6 @@ void CAnalysisSupport::OnCurrentDialogChange() {}
 void CAnalysisSupport::BeforeCallEventHandler() {}
 
 void CAnalysisSupport::AfterCallEventHandler() {}
-
-namespace {
-
-Variable* InputVariable(Spreadsheet* table, int variable) {
-  if (table == nullptr || variable < 1 || static_cast<std::size_t>(variable) > table->VariableCount())
-    return nullptr;
-  return &table->VariableAt(static_cast<std::size_t>(variable - 1));
-}
-
-bool HasCase(const Variable* variable, int caseNumber) {
-  return variable != nullptr && caseNumber >= 1 && static_cast<std::size_t>(caseNumber) <= variable->Size();
-}
-
-// The value that carries a label with this text, a new one where there is none.
-double ValueOfLabel(Variable& variable, const std::string& text) {
-  for (const auto& [value, label] : variable.Labels()) {
-    if (label == text) return value;
-  }
-  const double next = variable.Labels().empty() ? 1.0 : variable.Labels().rbegin()->first + 1;
-  variable.SetLabel(next, text);
-  return next;
-}
-
-}  // namespace
 
 bool CAnalysisSupport::SetInputTableValue(int caseNumber, int variable, const std::string& text) {
   Variable* target = InputVariable(InputTable(), variable);
@@ -296,13 +287,13 @@ void CAnalysisSupport::MoveBack() {
   RunSequenceStep(former);
 }
 
-MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, MessageIcon icon,
-                                            MessageButtons buttons) const {
+MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, const std::string& where,
+                                            MessageIcon icon, MessageButtons buttons) const {
   if (messageHandler_ != nullptr) {
     messageHandler_(text);
     return MessageAnswer::kOk;
   }
-  return Interface().ShowMessage({text, GetResourceString(kCaptionResource), buttons, icon});
+  return Interface().ShowMessage({text, where, GetResourceString(kCaptionResource), buttons, icon});
 }
 
 void* CAnalysisSupport::AllocMem(std::size_t bytes) {

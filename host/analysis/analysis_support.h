@@ -141,7 +141,8 @@ class CAnalysisSupport {
   void CompleteTransition();
 
   // A message box with the given text under the host's caption, or the message handler.
-  MessageAnswer ShowMessage(const std::string& text, MessageIcon icon = MessageIcon::kWarning,
+  MessageAnswer ShowMessage(const std::string& text, const std::string& where = {},
+                            MessageIcon icon = MessageIcon::kWarning,
                             MessageButtons buttons = MessageButtons::kOk) const;
 
   // Zero-filled work memory; null when memory is short.

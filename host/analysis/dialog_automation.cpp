@@ -1,5 +1,6 @@
 #include "host/analysis/dialog_automation.h"
 
+#include <algorithm>
 #include <array>
 
 #include "host/base/error.h"
@@ -47,16 +48,22 @@ std::optional<DispatchId> DialogAutomationBase::FindMember(std::string_view name
 
 Variant DialogAutomationBase::Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) {
   if (dialog_ == nullptr) throw Error("the dialog is closed", std::string(interfaceName_));
-  const bool common = member <= common_member::kCancel && member >= 0;
+  const auto common = std::ranges::find(kCommonMembers, member, &CommonMember::id);
+  const bool isCommon = common != kCommonMembers.end();
+  const std::string_view name = isCommon ? common->name : OwnName(member);
+  const std::string method = std::string(className_) + "::" + std::string(Prefix(kind)) + std::string(name);
+  const auto fail = [&](std::string reason, const std::string& where) {
+    if (reason.empty()) reason = "Unexpected Error";
+    throw AutomationError("Exception in automation method [" + method + "]", std::move(reason), where);
+  };
   try {
-    return common ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
+    return isCommon ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
   } catch (const Error& error) {
-    const std::string name =
-        common ? (member == common_member::kOk ? "OK" : "Cancel") : std::string(OwnName(member));
-    const std::string method = std::string(className_) + "::" + std::string(Prefix(kind)) + name;
-    const std::string reason = std::string(error.what()).empty() ? "Unexpected Error" : error.what();
-    throw AutomationError("Exception in automation method [" + method + "]", reason, error.Where());
+    fail(error.what(), error.Where());
+  } catch (const std::exception& error) {
+    fail(error.what(), {});
   }
+  return {};
 }
 
 Variant DialogAutomationBase::InvokeCommon(DispatchId member) {

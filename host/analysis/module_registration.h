@@ -49,24 +49,43 @@ class CDynLinkLibrary {
 };
 std::vector<InstanceHandle> ResourceLibraries();
 
-// A class that automation clients can reach, with its hooks.
+// An interface that automation clients can ask for, and a class whose objects implement one; each with what
+// it does when its module is loaded and unloaded.
 struct ObjectMapEntry {
   std::string_view interfaceName;
-  void (*initialise)();
-  void (*terminate)();
+  void (*initialise)(const ObjectMapEntry& entry);
+  void (*terminate)(const ObjectMapEntry& entry);
+};
+struct ObjectClass {
+  std::string_view className;
+  void (*initialise)(const ObjectClass& entry);
+  void (*terminate)(const ObjectClass& entry);
 };
 
-// A module's automation side: its object map and the count of automation objects alive.
+// The usual hooks: the host knows the interfaces and the classes of the modules that are loaded.
+void RegisterInterface(const ObjectMapEntry& entry);
+void UnregisterInterface(const ObjectMapEntry& entry);
+std::vector<std::string> RegisteredInterfaces();
+void RegisterObjectClass(const ObjectClass& entry);
+void UnregisterObjectClass(const ObjectClass& entry);
+std::vector<std::string> RegisteredObjectClasses();
+
+// A module's automation side: its object map, its object classes, and the count of automation objects alive.
 class AutomationModule {
  public:
-  explicit AutomationModule(std::span<const ObjectMapEntry> objectMap) : objectMap_(objectMap) {}
-  std::span<const ObjectMapEntry> ObjectMap() const { return objectMap_; }
+  AutomationModule(std::span<const ObjectMapEntry> objectMap, std::span<const ObjectClass> classes)
+      : objectMap_(objectMap), classes_(classes) {}
+  // Runs the hooks of the object map, then those of the classes.
+  void Initialise();
+  void Terminate();
+
   void Lock() noexcept { ++locks_; }
   void Unlock() noexcept { --locks_; }
   std::int32_t LockCount() const noexcept { return locks_; }
 
  private:
   std::span<const ObjectMapEntry> objectMap_;
+  std::span<const ObjectClass> classes_;
   std::atomic<std::int32_t> locks_{0};
 };
 

@@ -12,7 +12,8 @@ TerminalUserInterface::TerminalUserInterface(std::string program)
 
 MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   EndProgress();
-  std::fprintf(stderr, "%s: %s\n", program_.c_str(), message.text.c_str());
+  const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
+  std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
   return HeadlessUserInterface::ShowMessage(message);
 }
 

@@ -21,6 +21,7 @@ enum class MessageAnswer : std::uint8_t { kOk, kCancel };
 
 struct Message {
   std::string text;
+  std::string where;  // what the text is about, a variable or a case; may be empty
   std::string caption;
   MessageButtons buttons = MessageButtons::kOk;
   MessageIcon icon = MessageIcon::kWarning;

@@ -50,7 +50,9 @@ Spreadsheet& DataFile::Sheet(const std::string& name) {
 DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format) {
   DataFile file;
   file.path = path;
-  file.isProject = Workbook::IsWorkbookFile(path);
+  // Only a regular file can be looked at twice.
+  std::error_code ignored;
+  file.isProject = std::filesystem::is_regular_file(path, ignored) && Workbook::IsWorkbookFile(path);
   if (file.isProject) {
     file.workbook = Workbook::Open(path);
   } else {

@@ -37,6 +37,14 @@ void AddText(std::string_view text, std::size_t variables, std::vector<std::int1
 
 }  // namespace
 
+std::int16_t VariableNumberOf(std::size_t index) {
+  if (index >= INT16_MAX) {
+    throw Error("variable number " + std::to_string(index + 1) + " is beyond the " +
+                std::to_string(INT16_MAX) + " variables that an analysis reaches");
+  }
+  return static_cast<std::int16_t>(index + 1);
+}
+
 std::vector<std::int16_t> VariableNumbers(const Variant& value, std::size_t variables) {
   std::vector<std::int16_t> numbers;
   if (value.IsText()) {

@@ -13,4 +13,8 @@ namespace brenvolt {
 // Throws Error for anything else and for a number outside 1 to `variables`.
 std::vector<std::int16_t> VariableNumbers(const Variant& value, std::size_t variables);
 
+// The number (from 1) under which analyses know the variable at an index (from 0). Throws Error for an index
+// beyond what a 16-bit number reaches.
+std::int16_t VariableNumberOf(std::size_t index);
+
 }  // namespace brenvolt

@@ -13,10 +13,16 @@ extern "C" void NoteInterruption(int /*signal*/) {
 
 }  // namespace
 
-void CatchInterruptions() {
+InterruptionCatcher::InterruptionCatcher() {
   struct sigaction action {};
   action.sa_handler = NoteInterruption;
   action.sa_flags = static_cast<int>(SA_RESETHAND);
+  sigaction(SIGINT, &action, nullptr);
+}
+
+InterruptionCatcher::~InterruptionCatcher() {
+  struct sigaction action {};
+  action.sa_handler = SIG_DFL;
   sigaction(SIGINT, &action, nullptr);
 }
 

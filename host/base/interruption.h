@@ -3,8 +3,16 @@
 
 namespace brenvolt {
 
-// From now on the first interrupt signal is only noted; a second one ends the process as usual.
-void CatchInterruptions();
+// While it exists, the first interrupt signal is only noted; a second one ends the process as usual, and so
+// does any once the catcher is gone. There is at most one at a time.
+class InterruptionCatcher {
+ public:
+  InterruptionCatcher();
+  ~InterruptionCatcher();
+  InterruptionCatcher(const InterruptionCatcher&) = delete;
+  InterruptionCatcher& operator=(const InterruptionCatcher&) = delete;
+};
+
 // True once an interrupt signal was noted.
 bool InterruptionRequested();
 

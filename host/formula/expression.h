@@ -1,9 +1,9 @@
 // Formula text over columns, evaluated for all cases at once.
 //
 // Variables are named as they are where their name is a plain identifier, between single quotes otherwise
-// ('wait time'), or by number (v1, v2, …; v0 is the case number). Operators: + - * / ^, the comparisons = ==
-// <> != <
-// <= > >=, and, or, not, parentheses, and the usual mathematical functions (sqrt, ln, exp, abs, sin, …).
+// ('wait time'), or by number (v1, v2, …; v0 is the case number). There are arithmetic (+ - * / ^),
+// comparisons (= == <> != < <= > >=), and, or, not, parentheses, and the usual mathematical functions (sqrt,
+// ln, exp, abs, sin, …).
 #pragma once
 
 #include <cstddef>
