@@ -85,6 +85,16 @@ struct Lists {
   std::vector<std::int16_t> discrete;
 };
 
+// Text variables are no data to fit; a number misspelt in one line makes a column one.
+void SayWhatIsLeftOut(const Spreadsheet& sheet) {
+  std::string names;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    if (sheet.VariableAt(i).Type() != VariableType::kText) continue;
+    names += (names.empty() ? "" : ", ") + sheet.VariableAt(i).Name();
+  }
+  if (!names.empty()) std::fprintf(stderr, "%s: text variables are left out: %s\n", kProgram, names.c_str());
+}
+
 // The variables named, or every numeric variable but the weights as continuous ones.
 Lists ChooseVariables(const FitOptions& options, const Spreadsheet& sheet) {
   Lists lists{NumbersOf(sheet, options.continuous), NumbersOf(sheet, options.discrete)};
@@ -98,6 +108,7 @@ Lists ChooseVariables(const FitOptions& options, const Spreadsheet& sheet) {
     if (numeric && sheet.WeightVariable() != i) lists.continuous.push_back(VariableNumberOf(i));
   }
   if (lists.continuous.empty()) throw Error("has no numeric variable", "sheet " + sheet.Name());
+  SayWhatIsLeftOut(sheet);
   return lists;
 }
 

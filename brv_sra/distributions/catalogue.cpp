@@ -286,4 +286,9 @@ std::string MacroText(const DistributionSpecification& specification) {
   return std::string(Trim(text)) + ")";
 }
 
+std::string_view JohnsonFamilyName(int type) {
+  constexpr int kFamilies = 4;
+  return type >= 1 && type <= kFamilies ? ResourceString(kNameJohnsonSL + type - 1) : std::string_view();
+}
+
 }  // namespace brenvolt::sra

@@ -61,6 +61,10 @@ bool HasOffset(DistributionCode code);
 // The parameters of a type in order; of a repeated group for a user-defined type.
 std::span<const Parameter> Parameters(DistributionCode code);
 
+// The display name of a Johnson family by the type value, 1 to 4 ("Johnson SL", SU, SB, SN); empty for
+// another.
+std::string_view JohnsonFamilyName(int type);
+
 // The code of an untranslated key (either form, with or without its marker) or of an internal key.
 std::optional<DistributionCode> CodeFromKey(std::string_view key);
 // The code of the display name of a continuous type, compared as whole strings in code order. Throws

@@ -295,5 +295,14 @@ TEST(Catalogue, DescriptionAndWordsMatchTheNumberOfParameters) {
   }
 }
 
+TEST(Catalogue, JohnsonFamiliesAreNamedByTheirType) {
+  EXPECT_EQ(JohnsonFamilyName(1), "Johnson SL");
+  EXPECT_EQ(JohnsonFamilyName(2), "Johnson SU");
+  EXPECT_EQ(JohnsonFamilyName(3), "Johnson SB");
+  EXPECT_EQ(JohnsonFamilyName(4), "Johnson SN");
+  EXPECT_EQ(JohnsonFamilyName(0), "");
+  EXPECT_EQ(JohnsonFamilyName(5), "");
+}
+
 }  // namespace
 }  // namespace brenvolt::sra

@@ -218,8 +218,10 @@ void Reader::ReadRow(CsvScanner& scanner, Block& block) const {
                      begin, column + 2};
     }
     if (end == CsvFieldEnd::kSeparator && last) {
-      throw CsvFault{"has more fields than the header, which has " + std::to_string(columns), begin,
-                     columns + 1};
+      const bool semicolons = columns == 1 && names_[0].find(';') != std::string::npos;
+      throw CsvFault{"has more fields than the header, which has " + std::to_string(columns) +
+                         (semicolons ? "; fields separated by semicolons are another format" : ""),
+                     begin, columns + 1};
     }
   }
   ++block.rows;
