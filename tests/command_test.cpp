@@ -271,7 +271,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--save", "/proc/p.bvw"}, 1, "/proc/p.bvw"},
       {{"fit", "weights.csv", "--continuous", "a,a"}, 2, "variable a is named twice"},
       {{"fit", "weights.csv", "--continuous", "a", "--discrete", "a"}, 2, "as continuous and as discrete"},
-      {{"fit", "labels.csv", "--weights", "t"}, 1, "Case weights should be integer."},
+      {{"fit", "labels.csv", "--continuous", "a", "--weights", "t"}, 1, "Case weights should be integer."},
       {{"fit", "good.bvw", "--format", "xml"}, 2, "--format"},
       {{"export", "good.bvw", "-o", "good.bvw"}, 1, "is a project, which CSV would replace (good.bvw)"},
       {{"export", "good.bvw", "-o", "renamed.csv"}, 1, "is a project, which CSV would replace (renamed.csv)"},

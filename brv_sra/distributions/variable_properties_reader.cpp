@@ -95,7 +95,9 @@ class VariableReader {
 
   std::vector<DistributionCode> ReadOrder() const {
     const auto text = store_.Get(variableNumber_, property_key::kOrder);
-    if (!text) Fail(kMsgInvalidOrderProperty);
+    // No name holds a control character, and a message could not show one.
+    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+    if (!text || std::ranges::any_of(*text, isControl)) Fail(kMsgInvalidOrderProperty);
     std::vector<DistributionCode> codes;
     for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
       if (!store_.Get(variableNumber_, name)) Fail(FormatResource(kMsgPropertyMissing, name));

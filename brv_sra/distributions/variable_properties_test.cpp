@@ -191,6 +191,7 @@ TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames)
   } rows[] = {
       {"", std::string(ResourceString(10255))},
       {";;", std::string(ResourceString(10255))},
+      {std::string("\0Normal;", 8), std::string(ResourceString(10255))},
       {"Normal;Cauchy;", "Cauchy in order of distribution property has its parameter property missing."},
       {"Normal ;", "Normal  in order of distribution property has its parameter property missing."},
       {"Normal Weibull;",
