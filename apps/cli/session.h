@@ -39,7 +39,7 @@ class Session {
   // person pressed Ctrl-C meanwhile.
   void Ok();
   // Documents shown so far, oldest first.
-  std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.documents; }
+  std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.Documents(); }
 
  private:
   InterruptionCatcher interruptions_;

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "brv_sra/fitting/fit_distribution_dialog.h"
+#include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -20,14 +21,6 @@ std::vector<std::int16_t> VariableList(const Dialog& dialog, const Variant& valu
   return VariableNumbers(value, table->VariableCount());
 }
 
-template <std::int32_t Control>
-Variant IsChecked(Dialog& dialog, Indexes) {
-  return std::int32_t{dialog.Controls().IsChecked(Control) ? 1 : 0};
-}
-template <std::int32_t Control>
-void SetChecked(Dialog& dialog, Indexes, const Variant& value) {
-  if (value.ToBoolean()) dialog.Check(Control, true);
-}
 template <std::int32_t Control>
 Variant IsContinuous(Dialog& dialog, Indexes indexes) {
   return std::int32_t{dialog.IsContinuousChecked(indexes[0].ToInteger(), Control) ? 1 : 0};
@@ -68,8 +61,8 @@ void SetDiscreteList(Dialog& dialog, Indexes, const Variant& value) {
 
 // An index counts the variables of the list from 1.
 constexpr std::array<Member, 10> kMembers{{
-    {"IsPairwise", 0x60030010, 0, IsChecked<kPairwise>, SetChecked<kPairwise>},
-    {"IsCasewise", 0x60030012, 0, IsChecked<kCasewise>, SetChecked<kCasewise>},
+    {"IsPairwise", 0x60030010, 0, GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>},
+    {"IsCasewise", 0x60030012, 0, GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>},
     {"ContinuousVariable", 0x60030014, 0, GetContinuousList, SetContinuousList},
     {"IsNormalDistribution", 0x60030016, 1, IsContinuous<kNormal>, SetContinuous<kNormal>},
     {"IsLogNormalDistribution", 0x60030018, 1, IsContinuous<kLogNormal>, SetContinuous<kLogNormal>},

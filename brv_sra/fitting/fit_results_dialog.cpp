@@ -6,6 +6,7 @@
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/fitting/fit_documents.h"
+#include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/base/error.h"
@@ -18,16 +19,6 @@ using Dialog = CFitDistributionResults;
 using Indexes = std::span<const Variant>;
 using Member = AutomationMember<Dialog>;
 
-// Properties of lists count from 1.
-template <std::int32_t Control>
-Variant GetSelection(Dialog& dialog, Indexes) {
-  return std::int32_t{dialog.Controls().Selection(Control) + 1};
-}
-template <std::int32_t Control>
-void PutSelection(Dialog& dialog, Indexes, const Variant& value) {
-  if (!dialog.Select(Control, value.ToInteger() - 1))
-    throw Error("no entry " + value.ToText() + " in the list");
-}
 Variant GetSummary(Dialog& dialog, Indexes) {
   return Variant::Object(dialog.ShowSummaryStatistics());
 }
@@ -39,8 +30,10 @@ Variant SaveFit(Dialog& dialog, Indexes) {
 }
 
 constexpr std::array<Member, 5> kMembers{{
-    {"QuickTabVariable", 0x60030000, 0, GetSelection<kVariable>, PutSelection<kVariable>},
-    {"QuickTabDistribution", 0x60030002, 0, GetSelection<kDistribution>, PutSelection<kDistribution>},
+    {"QuickTabVariable", 0x60030000, 0, GetSelection<Dialog, kVariable, 1>,
+     PutSelection<Dialog, kVariable, 1>},
+    {"QuickTabDistribution", 0x60030002, 0, GetSelection<Dialog, kDistribution, 1>,
+     PutSelection<Dialog, kDistribution, 1>},
     {"SummaryStats", 0x60030004, 0, GetSummary, nullptr},
     {"QuickTabDistributionSummaryStats", 0x6003000f, 0, GetDistributionSummary, nullptr},
     {"SaveDistributionFit", 0x60030011, 0, SaveFit, nullptr},

@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -11,7 +12,6 @@ namespace brenvolt::sra {
 namespace {
 
 using namespace define_task;
-using Indexes = std::span<const Variant>;
 
 struct Task {
   std::int32_t command;
@@ -28,19 +28,10 @@ constexpr int kProfilerEntry = 3;
 // The command of the task started last, in this process.
 std::int32_t lastTask = kFitDistribution;
 
-Variant GetTypeOfAnalysis(CDefineTask& dialog, Indexes) {
-  return std::int32_t{dialog.Controls().Selection(kTaskList)};
-}
-void PutTypeOfAnalysis(CDefineTask& dialog, Indexes, const Variant& value) {
-  if (!dialog.Select(kTaskList, value.ToInteger())) throw Error("no task " + value.ToText());
-}
-void PutAutoProfiler(CDefineTask& dialog, Indexes, const Variant& value) {
-  if (!dialog.Check(kAutoProfiler, value.ToBoolean())) throw Error("the profiler is not selected");
-}
-
 constexpr std::array<AutomationMember<CDefineTask>, 2> kMembers{{
-    {"TypeOfAnalysis", 0x60030000, 0, GetTypeOfAnalysis, PutTypeOfAnalysis},
-    {"AutoProfiler", 0x60030002, 0, nullptr, PutAutoProfiler},
+    {"TypeOfAnalysis", 0x60030000, 0, GetSelection<CDefineTask, kTaskList, 0>,
+     PutSelection<CDefineTask, kTaskList, 0>},
+    {"AutoProfiler", 0x60030002, 0, nullptr, PutChecked<CDefineTask, kAutoProfiler>},
 }};
 
 }  // namespace

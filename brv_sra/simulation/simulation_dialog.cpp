@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -25,29 +26,6 @@ struct MethodButton {
 constexpr std::array<MethodButton, 2> kMethodButtons{
     {{kMonteCarlo, SimulationMethod::kMonteCarlo}, {kLatinHypercube, SimulationMethod::kLatinHypercube}}};
 
-template <std::int32_t Control>
-Variant IsChecked(Dialog& dialog, Indexes) {
-  return std::int32_t{dialog.Controls().IsChecked(Control) ? 1 : 0};
-}
-template <std::int32_t Control>
-void Check(Dialog& dialog, Indexes, const Variant& value) {
-  dialog.Check(Control, value.ToBoolean());
-}
-// A radio button is chosen, never cleared, by a put.
-template <std::int32_t Control>
-void Choose(Dialog& dialog, Indexes, const Variant& value) {
-  if (value.ToBoolean()) dialog.Check(Control, true);
-}
-template <std::int32_t Control>
-Variant Number(Dialog& dialog, Indexes) {
-  std::int32_t value = kNotSetCount;
-  dialog.Controls().GetDlgItemLong(Control, value);
-  return value;
-}
-template <std::int32_t Control>
-void EnterNumber(Dialog& dialog, Indexes, const Variant& value) {
-  dialog.Enter(Control, value.ToText());
-}
 Variant GetVariables(Dialog& dialog, Indexes) {
   return dialog.Controls().Text(kVariableList);
 }
@@ -58,12 +36,13 @@ void PutVariables(Dialog& dialog, Indexes, const Variant& value) {
 
 constexpr std::array<Member, 7> kMembers{{
     {"Variables", 0x60030000, 0, GetVariables, PutVariables},
-    {"MonteCarloMethod", 0x60030002, 0, IsChecked<kMonteCarlo>, Choose<kMonteCarlo>},
-    {"LHSMethod", 0x60030004, 0, IsChecked<kLatinHypercube>, Choose<kLatinHypercube>},
-    {"NumberOfSamples", 0x6003000c, 0, Number<kNumberOfSamples>, EnterNumber<kNumberOfSamples>},
-    {"IsSeedRandomNumber", 0x6003000e, 0, IsChecked<kSeedSwitch>, Check<kSeedSwitch>},
-    {"RandomSeedNumber", 0x60030010, 0, Number<kSeed>, EnterNumber<kSeed>},
-    {"TruncateSimulationData", 0x60030012, 0, IsChecked<kTruncate>, Check<kTruncate>},
+    {"MonteCarloMethod", 0x60030002, 0, GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
+    {"LHSMethod", 0x60030004, 0, GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
+    {"NumberOfSamples", 0x6003000c, 0, GetNumber<Dialog, kNumberOfSamples>,
+     PutText<Dialog, kNumberOfSamples>},
+    {"IsSeedRandomNumber", 0x6003000e, 0, GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
+    {"RandomSeedNumber", 0x60030010, 0, GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
+    {"TruncateSimulationData", 0x60030012, 0, GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
 }};
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "brv_sra/simulation/simulation_run.h"
 
+#include <algorithm>
 #include <array>
 #include <new>
 
@@ -106,9 +107,10 @@ SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options
     design.variables.push_back(
         {variable.variableNumber, store.VariableName(variable.variableNumber), variable.ranked.front()});
   }
-  std::ranges::stable_partition(design.variables, [](const SimulationVariable& variable) {
+  const auto isContinuous = [](const SimulationVariable& variable) {
     return IsContinuous(variable.specification.code);
-  });
+  };
+  std::stable_partition(design.variables.begin(), design.variables.end(), isContinuous);
   return design;
 }
 

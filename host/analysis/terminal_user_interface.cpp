@@ -14,7 +14,7 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   EndProgress();
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
-  return HeadlessUserInterface::ShowMessage(message);
+  return MessageAnswer::kOk;
 }
 
 void TerminalUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) {
@@ -32,6 +32,10 @@ void TerminalUserInterface::EndProgress() {
 
 bool TerminalUserInterface::IsExternallyCancelled() {
   return InterruptionRequested();
+}
+
+void TerminalUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) {
+  documents_.push_back(std::move(document));
 }
 
 }  // namespace brenvolt

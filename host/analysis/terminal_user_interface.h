@@ -2,19 +2,28 @@
 // command that asked for them. Questions are answered without asking: a command has said all it wants.
 #pragma once
 
-#include <chrono>
+#include <memory>
 #include <string>
+#include <vector>
 
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/user_interface.h"
 
 namespace brenvolt {
 
-class TerminalUserInterface : public HeadlessUserInterface {
+class TerminalUserInterface : public UserInterface {
  public:
   // `program` begins every message: "brenvolt: <text>".
   explicit TerminalUserInterface(std::string program);
 
+  // Documents shown so far, oldest first.
+  std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return documents_; }
+
+  // Prints the text; the answer is OK.
   MessageAnswer ShowMessage(const Message& message) override;
+  // Questions for files and variables are cancelled.
+  std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& /*question*/) override { return {}; }
+  bool SelectVariables(VariableQuestion& /*question*/) override { return false; }
+  void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   // Shows progress when standard error is a terminal and the work is longer than a second.
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override;
@@ -23,6 +32,7 @@ class TerminalUserInterface : public HeadlessUserInterface {
 
  private:
   std::string program_;
+  std::vector<std::shared_ptr<CAnalysisTableDoc>> documents_;
   bool terminal_;
   bool lineOpen_ = false;
 };

@@ -1,0 +1,55 @@
+// Automation members that stand for one control of their dialog: getters and putters for the tables of
+// members.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "host/analysis/analysis_dialog.h"
+#include "host/automation/variant.h"
+#include "host/base/error.h"
+
+namespace brenvolt::sra {
+
+template <class Dialog, std::int32_t Control>
+Variant GetChecked(Dialog& dialog, std::span<const Variant>) {
+  return std::int32_t{dialog.Controls().IsChecked(Control) ? 1 : 0};
+}
+
+template <class Dialog, std::int32_t Control>
+void PutChecked(Dialog& dialog, std::span<const Variant>, const Variant& value) {
+  if (!dialog.Check(Control, value.ToBoolean())) throw Error("the control is disabled");
+}
+
+// A radio button is chosen, never cleared, by a put.
+template <class Dialog, std::int32_t Control>
+void PutChosen(Dialog& dialog, std::span<const Variant>, const Variant& value) {
+  if (value.ToBoolean()) dialog.Check(Control, true);
+}
+
+// The number in a field; kNotSetCount where there is none.
+template <class Dialog, std::int32_t Control>
+Variant GetNumber(Dialog& dialog, std::span<const Variant>) {
+  std::int32_t value = kNotSetCount;
+  dialog.Controls().GetDlgItemLong(Control, value);
+  return value;
+}
+
+template <class Dialog, std::int32_t Control>
+void PutText(Dialog& dialog, std::span<const Variant>, const Variant& value) {
+  dialog.Enter(Control, value.ToText());
+}
+
+// The selected entry of a list, counted from `First`; First - 1 where none is selected.
+template <class Dialog, std::int32_t Control, std::int32_t First>
+Variant GetSelection(Dialog& dialog, std::span<const Variant>) {
+  return std::int32_t{dialog.Controls().Selection(Control) + First};
+}
+
+template <class Dialog, std::int32_t Control, std::int32_t First>
+void PutSelection(Dialog& dialog, std::span<const Variant>, const Variant& value) {
+  if (!dialog.Select(Control, value.ToInteger() - First))
+    throw Error("no entry " + value.ToText() + " in the list");
+}
+
+}  // namespace brenvolt::sra
