@@ -241,7 +241,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--missing", "never"}, 2, "--missing"},
       {{"fit"}, 2, "DATA"},
       {{"dance"}, 2, "dance"},
-      {{}, 2, "subcommand"},
+      {{}, 2, "The verbs are fit, simulate"},
       {{"fit", "good.bvw", "--sheet", "other"}, 1, "has no sheet called other (good.bvw)"},
       {{"show", "good.bvw", "other"}, 1, "has no sheet called other (good.bvw)"},
       {{"show", "nowhere.bvw"}, 1, "nowhere.bvw"},

@@ -20,12 +20,13 @@ void Complain(const std::string& what, const std::string& where = {}) {
 }
 
 void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
-  if (argc < 2 || argv[1][0] == '-') return;
+  if (argc >= 2 && argv[1][0] == '-') return;
   std::string verbs;
   for (const CLI::App* verb : program.get_subcommands({})) {
-    if (verb->get_name() == argv[1]) return;
+    if (argc >= 2 && verb->get_name() == argv[1]) return;
     verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
   }
+  if (argc < 2) throw brenvolt::cli::WrongCall("what shall be done? The verbs are " + verbs);
   throw brenvolt::cli::WrongCall("no verb called " + std::string(argv[1]) + "; there are " + verbs);
 }
 

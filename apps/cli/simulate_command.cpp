@@ -176,7 +176,9 @@ void AddSimulateCommand(CLI::App& program) {
   command
       ->add_option("PROJECT", options->project, "Project (.bvw) whose variables carry fitted distributions")
       ->required();
-  command->add_option("--sheet", options->sheet, "Sheet of the project; default: its first data sheet")
+  command
+      ->add_option("--sheet", options->sheet,
+                   "Sheet of the project; default: the first whose variables carry distributions")
       ->type_name("NAME");
   command
       ->add_option("--variables", options->variables,

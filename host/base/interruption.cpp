@@ -6,6 +6,7 @@ namespace brenvolt {
 namespace {
 
 volatile sig_atomic_t requested = 0;
+struct sigaction former {};
 
 extern "C" void NoteInterruption(int /*signal*/) {
   requested = 1;
@@ -14,6 +15,9 @@ extern "C" void NoteInterruption(int /*signal*/) {
 }  // namespace
 
 InterruptionCatcher::InterruptionCatcher() {
+  sigaction(SIGINT, nullptr, &former);
+  // A process told to ignore interruptions, as one in the background is, goes on ignoring them.
+  if (former.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = NoteInterruption;
   action.sa_flags = static_cast<int>(SA_RESETHAND);
@@ -21,9 +25,7 @@ InterruptionCatcher::InterruptionCatcher() {
 }
 
 InterruptionCatcher::~InterruptionCatcher() {
-  struct sigaction action {};
-  action.sa_handler = SIG_DFL;
-  sigaction(SIGINT, &action, nullptr);
+  sigaction(SIGINT, &former, nullptr);
 }
 
 bool InterruptionRequested() {
