@@ -82,7 +82,7 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
 
 std::string AppendToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet) {
   Workbook workbook = ExistingOrNew(path);
-  const std::string name = workbook.Add(std::move(sheet)).Name();
+  std::string name = workbook.Add(std::move(sheet)).Name();
   workbook.Save(path);
   return name;
 }

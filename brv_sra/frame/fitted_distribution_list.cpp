@@ -21,6 +21,7 @@ brenvolt::sra::CFitDistributionResults* DialogBehind(const brenvolt::Variant& va
 
 }  // namespace
 
+// The exported contract passes the object by value.  NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::int64_t GetFittedDistributionList(brenvolt::Variant dialog, brenvolt::Variant* result,
                                        std::int32_t variable) {
   const auto* results = DialogBehind(dialog);

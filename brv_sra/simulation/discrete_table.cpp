@@ -44,9 +44,11 @@ std::vector<double> LargeMeanProbabilities(double mean, double& first) {
   first = k;
   std::vector<double> probabilities(below.rbegin(), below.rend());
   p = atMode;
-  for (k = mode; p > kSmallestKept; p = p * mean / k) {
+  k = mode;
+  while (p > kSmallestKept) {
     probabilities.push_back(p);
     ++k;
+    p = p * mean / k;
   }
   return probabilities;
 }

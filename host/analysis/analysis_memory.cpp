@@ -31,7 +31,7 @@ void* AllocAnalysisMemory(std::size_t bytes) noexcept {
 
 void FreeAnalysisMemory(void* block) noexcept {
   if (block == nullptr) return;
-  std::free(block);
+  std::free(block);  // NOLINT(cppcoreguidelines-owning-memory): this is the allocator
   --outstanding;
 }
 
