@@ -71,7 +71,7 @@ TEST_F(Command, FitMeetsTheKnownAnswers) {
 }
 
 TEST_F(Command, OptionsOfFitReachTheFit) {
-  WriteAll(File("d.csv"), "x,y,w,g\n1,2,1,1\n2,,2,1\n4,3,1,0\n8,9,1,1\nNA,5,3,0\n");
+  WriteBytes(File("d.csv"), "x,y,w,g\n1,2,1,1\n2,,2,1\n4,3,1,0\n8,9,1,1\nNA,5,3,0\n");
   const auto fit = [&](std::vector<std::string> more) {
     std::vector<std::string> arguments{"fit", "d.csv", "--continuous", "x", "--format", "json"};
     arguments.insert(arguments.end(), more.begin(), more.end());
@@ -96,11 +96,11 @@ TEST_F(Command, SavedFitsSimulateReproducibly) {
     for (const char* name : {"a.csv", "b.csv"}) {
       MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "7", "-o", name});
     }
-    EXPECT_EQ(ReadAll(File("a.csv")), ReadAll(File("b.csv")));
+    EXPECT_EQ(BytesOf(File("a.csv")), BytesOf(File("b.csv")));
     MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "8", "-o", "b.csv"});
-    EXPECT_NE(ReadAll(File("a.csv")), ReadAll(File("b.csv")));
+    EXPECT_NE(BytesOf(File("a.csv")), BytesOf(File("b.csv")));
   }
-  EXPECT_TRUE(ReadAll(File("a.csv")).starts_with("Sample #,eruptions,waiting\n1,"));
+  EXPECT_TRUE(BytesOf(File("a.csv")).starts_with("Sample #,eruptions,waiting\n1,"));
   const auto report = Json::parse(
       MustRun({"simulate", "geyser.bvw", "--samples", "20000", "--seed", "1", "--format", "json"}).out);
   EXPECT_EQ(report["method"], "Monte Carlo method");
@@ -137,29 +137,29 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
       << "fitting again keeps the truncation";
   MustRun({"fit", "p.bvw", "--discrete", "eruptions,waiting", "--save", "p.bvw"});
   EXPECT_EQ(order(0), "Normal;") << "a fit that failed does not displace one that did not";
-  WriteAll(File("faithful.csv"), "eruptions\n1\n2\n4\n");
-  const std::string before = ReadAll(File("p.bvw"));
+  WriteBytes(File("faithful.csv"), "eruptions\n1\n2\n4\n");
+  const std::string before = BytesOf(File("p.bvw"));
   const Outcome refused = Run({"fit", "faithful.csv", "--save", "p.bvw"});
   EXPECT_EQ(refused.status, 1);
   EXPECT_EQ(refused.err, "brenvolt: already has a sheet called faithful with other data (p.bvw)\n");
-  EXPECT_EQ(ReadAll(File("p.bvw")), before);
+  EXPECT_EQ(BytesOf(File("p.bvw")), before);
 }
 
 TEST_F(Command, ImportAndExportGiveTheDataBack) {
   const std::string text = "name,value\n\"a, b\",0.1\nc,1e-300\n,\n";
-  WriteAll(File("in.csv"), text);
+  WriteBytes(File("in.csv"), text);
   MustRun({"import", "in.csv", "-o", "p.bvw", "--sheet", "first: one"});
   MustRun({"export", "p.bvw:first: one", "-o", "out.csv"});
-  EXPECT_EQ(ReadAll(File("out.csv")), text);
+  EXPECT_EQ(BytesOf(File("out.csv")), text);
   MustRun({"export", "p.bvw", "-o", "comma.csv", "--decimal-comma"});
-  EXPECT_EQ(ReadAll(File("comma.csv")), "name;value\na, b;0,1\nc;1e-300\n;\n");
+  EXPECT_EQ(BytesOf(File("comma.csv")), "name;value\na, b;0,1\nc;1e-300\n;\n");
   MustRun({"import", "comma.csv", "-o", "p.bvw", "--decimal-comma"});
   MustRun({"export", "p.bvw:comma", "-o", "again.csv"});
-  EXPECT_EQ(ReadAll(File("again.csv")), text);
+  EXPECT_EQ(BytesOf(File("again.csv")), text);
 }
 
 TEST_F(Command, VariableWithoutFitsIsLeftOutOfTheSimulation) {
-  WriteAll(File("d.csv"), "a,b\n3,1\n3,2\n3,4\n3,7\n");
+  WriteBytes(File("d.csv"), "a,b\n3,1\n3,2\n3,4\n3,7\n");
   MustRun({"fit", "d.csv", "--save", "p.bvw"});
   const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out);
   ASSERT_EQ(report["variables"].size(), 1U);
@@ -167,7 +167,7 @@ TEST_F(Command, VariableWithoutFitsIsLeftOutOfTheSimulation) {
 }
 
 TEST_F(Command, SavedCaseOptionsShowAndCanBeTakenAway) {
-  WriteAll(File("d.csv"), "x,w\n1,1\n2,2\n4,1\n8,1\n");
+  WriteBytes(File("d.csv"), "x,w\n1,1\n2,2\n4,1\n8,1\n");
   MustRun({"fit", "d.csv", "--continuous", "x", "--weights", "w", "--select", "x < 8", "--save", "p.bvw"});
   const std::string said = "Cases weighted by w\nCases with x < 8\n";
   EXPECT_TRUE(MustRun({"fit", "p.bvw", "--continuous", "x"}).out.starts_with(said));
@@ -191,22 +191,23 @@ TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
 // What a wrong input is answered with. Every line says what and where, and nothing in the folder changes.
 TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   MustRun({"fit", kExamples + "faithful.csv", "--save", "good.bvw"});
-  const std::string good = ReadAll(File("good.bvw"));
-  WriteAll(File("empty.csv"), "");
-  WriteAll(File("ragged.csv"), "a,b\n1,2\n3\n");
-  WriteAll(File("text.csv"), "a\nx\ny\n");
-  WriteAll(File("constant.csv"), "a\n3\n3\n3\n");
-  WriteAll(File("infinite.csv"), "a\n3\ninf\n4\n");
-  WriteAll(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n");
-  WriteAll(File("labels.csv"), "a,t\n3,x\n4,y\n5,x\n");
-  WriteAll(File("no_project.bvw"), "just text, long enough to look like something, but no project at all\n");
-  WriteAll(File("empty.bvw"), "");
-  WriteAll(File("cut.bvw"), good.substr(0, good.size() / 2));
-  WriteAll(File("newer.bvw"), good);
+  const std::string good = BytesOf(File("good.bvw"));
+  WriteBytes(File("empty.csv"), "");
+  WriteBytes(File("ragged.csv"), "a,b\n1,2\n3\n");
+  WriteBytes(File("text.csv"), "a\nx\ny\n");
+  WriteBytes(File("constant.csv"), "a\n3\n3\n3\n");
+  WriteBytes(File("infinite.csv"), "a\n3\ninf\n4\n");
+  WriteBytes(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n");
+  WriteBytes(File("labels.csv"), "a,t\n3,x\n4,y\n5,x\n");
+  WriteBytes(File("no_project.bvw"),
+             "just text, long enough to look like something, but no project at all\n");
+  WriteBytes(File("empty.bvw"), "");
+  WriteBytes(File("cut.bvw"), good.substr(0, good.size() / 2));
+  WriteBytes(File("newer.bvw"), good);
   Sql("newer.bvw", "PRAGMA user_version = 99");
   for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw", "endless.bvw",
                            "rayleigh.bvw", "renamed.csv"})
-    WriteAll(File(name), good);
+    WriteBytes(File(name), good);
   Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
   Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
   Sql("order.bvw", "DELETE FROM variable_property WHERE key = 'Normal'");
@@ -288,7 +289,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   const auto contents = [&] {
     std::map<std::string, std::string> files;
     for (const auto& entry : std::filesystem::directory_iterator(folder.Path())) {
-      files[entry.path().filename()] = ReadAll(entry.path());
+      files[entry.path().filename()] = BytesOf(entry.path());
     }
     return files;
   };
@@ -309,7 +310,7 @@ TEST_F(Command, ModuleAttachesAndDetachesInOrder) {
   setenv("BRENVOLT_LOG", File("log").c_str(), 1);
   MustRun({"fit", kExamples + "faithful.csv"});
   unsetenv("BRENVOLT_LOG");
-  EXPECT_EQ(ReadAll(File("log")),
+  EXPECT_EQ(BytesOf(File("log")),
             "extension module initialised\n"
             "analysis context created\n"
             "resource library recorded\n"

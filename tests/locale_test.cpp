@@ -52,7 +52,7 @@ TEST_F(GermanLocale, PropertiesAreWrittenAndReadWithACommaFilesAndReportsWithAPo
   const Outcome simulated =
       RunBrenvolt({"simulate", "p.bvw", "--seed", "1", "--samples", "3", "-o", "s.csv"}, folder.Path());
   EXPECT_EQ(simulated.status, 0) << simulated.err;
-  EXPECT_EQ(ReadAll(folder.Path() / "s.csv").find(';'), std::string::npos);
+  EXPECT_EQ(BytesOf(folder.Path() / "s.csv").find(';'), std::string::npos);
 
   setenv("LC_ALL", "C", 1);
   const Outcome elsewhere = RunBrenvolt({"simulate", "p.bvw"}, folder.Path());

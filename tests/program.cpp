@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <fstream>
-#include <sstream>
 #include <stdexcept>
 
 namespace brenvolt::test {
@@ -38,28 +36,7 @@ Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesy
   }
   int status = 0;
   waitpid(child, &status, 0);
-  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), ReadAll(out), ReadAll(err)};
-}
-
-std::string ReadAll(const std::filesystem::path& path) {
-  std::ostringstream content;
-  content << std::ifstream(path, std::ios::binary).rdbuf();
-  return content.str();
-}
-
-void WriteAll(const std::filesystem::path& path, const std::string& content) {
-  std::ofstream(path, std::ios::binary) << content;
-}
-
-TemporaryFolder::TemporaryFolder() {
-  std::string pattern = (std::filesystem::temp_directory_path() / "brenvolt_test_XXXXXX").string();
-  if (mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  path_ = pattern;
-}
-
-TemporaryFolder::~TemporaryFolder() {
-  std::error_code ignored;
-  std::filesystem::remove_all(path_, ignored);
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status), BytesOf(out), BytesOf(err)};
 }
 
 }  // namespace brenvolt::test

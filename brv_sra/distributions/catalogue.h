@@ -116,7 +116,7 @@ std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const 
 std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
                                                 CheckPurpose purpose = CheckPurpose::kEntry);
 
-// "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes the specification. The
+// "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes it. The
 // offset of types that have one follows the values as one more value; a value that is not set is "Nothing".
 std::string MacroText(const DistributionSpecification& specification);
 

@@ -222,7 +222,7 @@ void CFitDistribution::ShowDiscrete(int index) {
 }
 
 // Copies the shown controls into their variable's specification; false with a message where an offset that is
-// needed is not a number, and then the specification is as it was.
+// needed is not a number, and then nothing has changed.
 bool CFitDistribution::ReadShownContinuous() {
   if (shownContinuous_ < 0) return true;
   ContinuousSpecification& specification =

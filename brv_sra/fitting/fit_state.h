@@ -1,4 +1,4 @@
-// What the fit dialogs share through the analysis object: the specification of a fit, and its results.
+// What the fit dialogs share through the analysis object: what is to be fitted, and the results.
 #pragma once
 
 #include <array>
@@ -105,7 +105,7 @@ struct VariableFit {
 
 struct FitState {
   FitSpecification specification;
-  // The specification as it was when the fit started; the results belong to it.
+  // What was to be fitted when the fit started; the results belong to it.
   FitSpecification committed;
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
   std::size_t firstShown = 0;        // the first variable with a valid fit

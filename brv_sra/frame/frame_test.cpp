@@ -109,7 +109,7 @@ TEST_F(Frame, FitMovesThroughTheSequenceAndBack) {
   EXPECT_EQ(analysis->CurrentStep(), step::kFitResults);
   Dialog()->Call("Cancel");
   EXPECT_EQ(analysis->CurrentStep(), step::kFit);
-  EXPECT_EQ(Dialog()->Get("ContinuousVariable").ToText(), "1-2") << "the specification outlives its dialog";
+  EXPECT_EQ(Dialog()->Get("ContinuousVariable").ToText(), "1-2") << "the choice outlives its dialog";
   Dialog()->Call("Cancel");
   EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
   EXPECT_EQ(Dialog()->Get("TypeOfAnalysis").ToInteger(), 0);

@@ -12,6 +12,7 @@
 
 #include "host/base/error.h"
 #include "host/base/output_file.h"
+#include "host/base/temporary_folder_support_test.h"
 
 namespace brenvolt {
 namespace {
@@ -20,24 +21,17 @@ namespace fs = std::filesystem;
 
 class FileReplacementTest : public testing::Test {
  protected:
-  void SetUp() override {
-    std::string name = (fs::temp_directory_path() / "brenvolt_test_XXXXXX").string();
-    ASSERT_NE(mkdtemp(name.data()), nullptr);
-    folder_ = fs::canonical(name);
-  }
-  void TearDown() override { fs::remove_all(folder_); }
-
   std::set<std::string> Names() const {
-    std::set<std::string> names;
-    for (const auto& entry : fs::directory_iterator(folder_)) names.insert(entry.path().filename());
-    return names;
+    const auto names = temporary_.Names();
+    return {names.begin(), names.end()};
   }
   static std::string Text(const fs::path& path) {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
-  fs::path folder_;
+  TemporaryFolder temporary_;
+  const fs::path folder_ = temporary_.Path();
 };
 
 TEST_F(FileReplacementTest, OnlyFilesOfKilledWritersAreRemoved) {

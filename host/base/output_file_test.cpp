@@ -10,6 +10,7 @@
 
 #include "host/base/error.h"
 #include "host/base/mapped_file.h"
+#include "host/base/temporary_folder_support_test.h"
 
 namespace brenvolt {
 namespace {
@@ -18,25 +19,17 @@ using std::filesystem::path;
 
 class Files : public testing::Test {
  protected:
-  Files() {
-    std::string name = (std::filesystem::temp_directory_path() / "output_file_test_XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~Files() override { std::filesystem::remove_all(folder_); }
-
   path Put(const std::string& name, const std::string& content) const {
-    std::ofstream(folder_ / name, std::ios::binary) << content;
+    WriteBytes(folder_ / name, content);
     return folder_ / name;
   }
   // The names in the folder: shows temporary files left behind.
   std::set<std::string> Names() const {
-    std::set<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_))
-      names.insert(entry.path().filename());
-    return names;
+    const auto names = folder_.Names();
+    return {names.begin(), names.end()};
   }
 
-  path folder_;
+  TemporaryFolder folder_;
 };
 
 using OutputFiles = Files;
@@ -172,7 +165,7 @@ TEST_F(MappedFiles, ReadWhatClaimsToBeEmpty) {
 TEST_F(MappedFiles, FailuresNameTheFile) {
   Put("file", "x");
   for (const path& file :
-       {folder_, folder_ / "none", folder_ / "file/below", path("/proc/self/mem"), path()}) {
+       {folder_.Path(), folder_ / "none", folder_ / "file/below", path("/proc/self/mem"), path()}) {
     try {
       MappedFile{file};
       ADD_FAILURE() << file;

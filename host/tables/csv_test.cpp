@@ -13,6 +13,7 @@
 #include <thread>
 
 #include "host/base/error.h"
+#include "host/base/temporary_folder_support_test.h"
 #include "host/tables/csv_reader.h"
 
 namespace brenvolt {
@@ -21,25 +22,14 @@ namespace {
 constexpr double kInf = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
-// A folder of its own that vanishes with the test.
 class CsvFiles : public testing::Test {
  protected:
-  CsvFiles() {
-    std::string name = (std::filesystem::temp_directory_path() / "csv_test_XXXXXX").string();
-    folder_ = mkdtemp(name.data());
-  }
-  ~CsvFiles() override { std::filesystem::remove_all(folder_); }
-
   std::filesystem::path Put(const std::string& name, const std::string& content) const {
-    std::ofstream(folder_ / name, std::ios::binary) << content;
+    WriteBytes(folder_ / name, content);
     return folder_ / name;
   }
-  static std::string Content(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-  }
 
-  std::filesystem::path folder_;
+  TemporaryFolder folder_;
 };
 
 // What a person sees of a column: numbers, texts, "-" where a value is missing.
@@ -306,7 +296,7 @@ TEST_F(CsvFiles, SheetIsNamedAfterTheFileAndErrorsNameIt) {
     std::string place;
   } rows[] = {
       {missing, "cannot be read: No such file or directory", ""},
-      {folder_, "is a folder, not a file", ""},
+      {folder_.Path(), "is a folder, not a file", ""},
       {Put("empty.csv", ""), "is empty", ""},
       {Put("ragged.csv", "a,b\n1\n"), "has 1 field, the header has 2", ", line 2, column 2"},
   };
@@ -410,9 +400,9 @@ TEST(WriteCsv, LoneMissingCellsReadBack) {
 TEST_F(CsvFiles, FailedWriteLeavesTheFormerFile) {
   const std::filesystem::path path = Put("old.csv", "old");
   EXPECT_THROW(WriteCsv(Spreadsheet("s", 1, 1), path, {',', ','}), Error);
-  EXPECT_EQ(Content(path), "old");
+  EXPECT_EQ(BytesOf(path), "old");
   WriteCsv(Spreadsheet("s", 1, 1), path);
-  EXPECT_EQ(Content(path), "Var1\n0\n");
+  EXPECT_EQ(BytesOf(path), "Var1\n0\n");
   try {
     WriteCsv(Spreadsheet("s", 100'000, 1), "/dev/full");
     ADD_FAILURE();
