@@ -6,8 +6,10 @@
 #include <hwy/contrib/sort/vqsort.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -23,18 +25,6 @@ constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
 const hwy::Sorter& ThreadSorter() {
   thread_local const hwy::Sorter sorter;
   return sorter;
-}
-
-std::ptrdiff_t CountNegativeZeros(std::span<const double> values) {
-  return std::ranges::count_if(values, [](double x) { return std::bit_cast<std::uint64_t>(x) == kSignBit; });
-}
-
-// The minima and maxima of the vectorised sort take either of two zeros, so that not even the number of
-// negative ones is kept; the zeros are written anew.
-void OrderZeros(std::span<double> sorted, std::ptrdiff_t negative) {
-  const auto zeros = std::ranges::equal_range(sorted, 0.0);
-  std::fill(zeros.begin(), zeros.begin() + negative, -0.0);
-  std::fill(zeros.begin() + negative, zeros.end(), 0.0);
 }
 
 // An unsigned whole number that is ordered as the reals are; the largest for any NaN.
@@ -68,17 +58,29 @@ std::vector<hwy::uint128_t> SortedKeys(std::span<const double> values) {
 
 }  // namespace
 
+// The keys stand in the place of the values, so that no memory is needed. Highway's sort of doubles
+// themselves is of no use: its minima and maxima mix up the two zeros, and its padding turns infinity into
+// the largest double.
 void SortAscending(std::span<double> values) {
-  const auto isNumber = [](double x) { return !std::isnan(x); };
-  const auto end = std::partition(values.begin(), values.end(), isNumber);
-  const std::span<double> numbers(values.begin(), end);
-  const std::ptrdiff_t negativeZeros = CountNegativeZeros(numbers);
-  if (numbers.size() <= kSmall) {
-    std::sort(numbers.begin(), numbers.end());
-  } else {
-    ThreadSorter()(numbers.data(), numbers.size(), hwy::SortAscending());
+  static_assert(sizeof(double) == sizeof(std::uint64_t) && alignof(double) == alignof(std::uint64_t));
+  if (values.size() <= kSmall) {
+    std::array<std::uint64_t, kSmall> keys;
+    std::ranges::transform(values, keys.begin(), KeyOf);
+    std::sort(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(values.size()));
+    std::transform(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(values.size()), values.begin(),
+                   ValueOf);
+    return;
   }
-  OrderZeros(numbers, negativeZeros);
+  for (double& x : values) {
+    const std::uint64_t key = KeyOf(x);
+    std::memcpy(&x, &key, sizeof x);
+  }
+  ThreadSorter()(reinterpret_cast<std::uint64_t*>(values.data()), values.size(), hwy::SortAscending());
+  for (double& x : values) {
+    std::uint64_t key;
+    std::memcpy(&key, &x, sizeof x);
+    x = ValueOf(key);
+  }
 }
 
 void SortPairs(std::span<ValueIndex> pairs) {

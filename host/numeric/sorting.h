@@ -14,7 +14,7 @@ struct ValueIndex {
   std::uint64_t index = 0;
 };
 
-// Sorts in place, without allocating. NaNs keep their payloads; their order among themselves is open.
+// Sorts in place, without allocating. A NaN comes back as the quiet NaN.
 void SortAscending(std::span<double> values);
 
 // Sorts by value, then by index; so pairs whose indices ascend are sorted stably. A NaN comes back as the

@@ -26,12 +26,24 @@ std::vector<double> Values(Shape shape, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
     const double u = values[i];
     switch (shape) {
-      case Shape::kRandom: values[i] = u - 0.5; break;
-      case Shape::kTies: values[i] = std::floor(8 * u); break;
-      case Shape::kAscending: values[i] = static_cast<double>(i); break;
-      case Shape::kDescending: values[i] = -static_cast<double>(i); break;
-      case Shape::kConstant: values[i] = 3.25; break;
-      case Shape::kExtremes: values[i] = special[static_cast<std::size_t>(8 * u)]; break;
+      case Shape::kRandom:
+        values[i] = u - 0.5;
+        break;
+      case Shape::kTies:
+        values[i] = std::floor(8 * u);
+        break;
+      case Shape::kAscending:
+        values[i] = static_cast<double>(i);
+        break;
+      case Shape::kDescending:
+        values[i] = -static_cast<double>(i);
+        break;
+      case Shape::kConstant:
+        values[i] = 3.25;
+        break;
+      case Shape::kExtremes:
+        values[i] = special[static_cast<std::size_t>(8 * u)];
+        break;
     }
   }
   return values;
@@ -81,7 +93,8 @@ TEST_P(EveryShapeAndLength, OrderIsThatOfAStableSort) {
     SortPairs(pairs);
     for (std::size_t r = 0; r < n; ++r) {
       ASSERT_EQ(pairs[r].index, expected[r]) << n;
-      ASSERT_EQ(std::bit_cast<std::uint64_t>(pairs[r].value), std::bit_cast<std::uint64_t>(values[expected[r]]));
+      ASSERT_EQ(std::bit_cast<std::uint64_t>(pairs[r].value),
+                std::bit_cast<std::uint64_t>(values[expected[r]]));
     }
   }
 }
@@ -102,7 +115,7 @@ TEST(Sorting, RanksOfTiesAreTheirMeanAndZerosTie) {
 
 TEST(Sorting, NaNsOfEitherSignAreLast) {
   std::vector<double> values(200, 1.0);
-  values[0] = -kNaN;
+  values[0] = std::copysign(kNaN, -1.0);
   values[1] = kNaN;
   values[199] = kInfinity;
   SortAscending(values);
