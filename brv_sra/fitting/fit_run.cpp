@@ -9,6 +9,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
+#include "host/numeric/sorting.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -24,7 +25,7 @@ VariableFit ReadVariable(const Spreadsheet& sheet, std::int16_t number, const Ca
   Sample sample = ReadSample(sheet, number, cases, progress);
   fit.moments = sample.moments;
   sorted = std::move(sample.values);
-  std::ranges::sort(sorted);
+  SortAscending(sorted);
   return fit;
 }
 

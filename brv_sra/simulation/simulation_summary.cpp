@@ -1,10 +1,10 @@
 // The summary of simulated variables.
-#include <algorithm>
 #include <array>
 
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/simulation_run.h"
+#include "host/numeric/sorting.h"
 #include "host/statistics/moments.h"
 #include "host/statistics/percentiles.h"
 
@@ -25,7 +25,7 @@ std::vector<double> SummaryOf(const Variable& variable) {
     accumulator.Add(variable.Values()[i], 1);
     valid.push_back(variable.Values()[i]);
   }
-  std::ranges::sort(valid);
+  SortAscending(valid);
   const Moments moments = accumulator.Finish();
   std::vector<double> summary{static_cast<double>(moments.count),
                               moments.mean,

@@ -1,0 +1,32 @@
+// Sorting and ranking of reals, vectorised. One order everywhere: ascending, -0 before +0, every NaN last.
+// The result depends on the values alone, never on the instruction set that sorted them. All functions may be
+// called from several threads at once.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace brenvolt {
+
+struct ValueIndex {
+  double value = 0;
+  std::uint64_t index = 0;
+};
+
+// Sorts in place, without allocating. A NaN comes back as the quiet NaN.
+void SortAscending(std::span<double> values);
+
+// Sorts by value, then by index; so pairs whose indices ascend are sorted stably. A NaN comes back as the
+// quiet NaN. Needs a buffer of the size of `pairs`.
+void SortPairs(std::span<ValueIndex> pairs);
+
+// order[r] becomes the position of the value of rank r (both from 0); equal values keep their order. `order`
+// is as long as `values`.
+void SortedOrder(std::span<const double> values, std::span<std::size_t> order);
+
+// ranks[i] becomes the rank of values[i] from 1; equal values (the two zeros included) share the mean of
+// their ranks. The rank of a NaN is NaN. `ranks` is as long as `values`.
+void AverageRanks(std::span<const double> values, std::span<double> ranks);
+
+}  // namespace brenvolt
