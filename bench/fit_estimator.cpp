@@ -1,6 +1,7 @@
 // Fits one distribution to the first column of a separated-values file whose first line is a heading, and
 // prints the status and the parameters on one line, for comparison with other programs.
 //   fit_estimator ESTIMATOR FILE [OFFSET | NUMBER OF COMPONENTS | SPACING]
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -56,6 +57,48 @@ Fit FitGevMoments(const std::vector<double>& data, double /*option*/) {
   return result;
 }
 
+Fit FitMixture(const std::vector<double>& data, double components) {
+  auto count = static_cast<std::int32_t>(components);
+  Fit result{std::vector<double>(3 * static_cast<std::size_t>(count)), {}};
+  FitGaussianMixture(data, result.parameters, count, result.error);
+  return result;
+}
+
+// The sample's moments as the summary of a variable has them: divisor n - 1, skewness and kurtosis corrected
+// for n.
+Fit FitJohnsonMoments(const std::vector<double>& data, double /*option*/) {
+  const auto n = static_cast<double>(data.size());
+  long double mean = 0.0L;
+  for (const double x : data) mean += x / n;
+  long double m2 = 0.0L;
+  long double m3 = 0.0L;
+  long double m4 = 0.0L;
+  for (const double x : data) {
+    const long double d = x - mean;
+    m2 += d * d / n;
+    m3 += d * d * d / n;
+    m4 += d * d * d * d / n;
+  }
+  const auto variance = static_cast<double>(m2) * n / (n - 1);
+  const double skewness = static_cast<double>(m3) * n * n / ((n - 1) * (n - 2) * std::pow(variance, 1.5));
+  const double kurtosis = static_cast<double>((n + 1) * n * n * m4 - 3 * n * n * (n - 1) * m2 * m2) /
+                          (variance * variance * (n - 1) * (n - 2) * (n - 3));
+  Fit result{std::vector<double>(5), {}};
+  FitJohnsonFromMoments(static_cast<double>(mean), std::sqrt(variance), skewness, kurtosis,
+                        std::span<double, 5>(result.parameters), result.error);
+  result.parameters.insert(result.parameters.end(),
+                           {static_cast<double>(mean), std::sqrt(variance), skewness, kurtosis});
+  return result;
+}
+
+Fit FitJohnsonPercentiles(const std::vector<double>& data, double spacing) {
+  std::vector<double> sorted = data;
+  std::sort(sorted.begin(), sorted.end());
+  Fit result{std::vector<double>(5), {}};
+  FitJohnsonFromPercentiles(sorted, std::span<double, 5>(result.parameters), spacing, 1, result.error);
+  return result;
+}
+
 const std::map<std::string, Estimator>& Estimators() {
   static const std::map<std::string, Estimator> estimators = {
       {"lognormal", WithOffset<2>(FitLognormalDistribution)},
@@ -64,6 +107,9 @@ const std::map<std::string, Estimator>& Estimators() {
       {"folded_normal", WithOffset<2>(FitFoldedNormalDistribution)},
       {"gev", FitGev},
       {"gev_moments", FitGevMoments},
+      {"mixture", FitMixture},
+      {"johnson_moments", FitJohnsonMoments},
+      {"johnson_percentiles", FitJohnsonPercentiles},
       {"gpd", WithThreshold<3>(FitGPDMaximumLikelihood)},
       {"gpd_moments", WithThreshold<3>(FitGPDProbabilityWeightedMoments)},
   };

@@ -75,4 +75,36 @@ std::int32_t FitGPDMaximumLikelihood(std::span<const double> data, double thresh
 // Generalized Pareto from the probability-weighted moments of Hosking & Wallis (1987), unbiased forms.
 std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, double threshold,
                                               std::span<double, 3> parameters, EstimationError& error);
+
+// Gaussian mixture: `components` has room for 3 numberOfComponents values and receives {proportion, mean,
+// standard deviation} per component, means ascending. numberOfComponents from 1 to n / 2; it returns the
+// number fitted. Maximum likelihood by expectation-maximisation (Dempster, Laird & Rubin 1977), accelerated
+// after Varadhan & Roland (2008), from several starts that depend on the data alone; the greatest likelihood
+// wins. Converged when a step gains less than 1e-12 of the log-likelihood per value. A component that comes
+// to hold fewer than two values, or whose standard deviation falls below 1e-6 of that of the data, has
+// collapsed (the likelihood is unbounded there), and its start is dropped; so is one that ends with two
+// components in one place. kNoMaximum when none is left.
+std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
+                                std::int32_t& numberOfComponents, EstimationError& error);
+
+// The Johnson families, by the codes of their results: z = gamma + delta g((x - xi) / lambda) is standard
+// normal, with g = ln (SL), asinh (SU), logit (SB), identity (SN).
+enum class JohnsonFamily : std::int32_t { kLognormal = 1, kUnbounded = 2, kBounded = 3, kNormal = 4 };
+
+// Johnson: parameters = {family, gamma, delta > 0, lambda > 0, xi}; lambda is 1 for SL and SN. The member
+// with the given mean, standard deviation, skewness and excess kurtosis, after Hill, Hill & Holder (1976): SU
+// by the bracketed equation of Tuenter (2001), SB by two nested bracketed equations over moments by
+// quadrature. A kurtosis within 1e-6 (relative) of the lognormal line gives SL when the skewness is positive;
+// its mirror image is no member with lambda > 0, so that SU or SB beside it stands for it. kNoSolution when
+// no distribution, or only a two-point one, has the moments.
+std::int32_t FitJohnsonFromMoments(double mean, double standardDeviation, double skewness, double kurtosis,
+                                   std::span<double, 5> parameters, EstimationError& error);
+
+// Johnson from four percentiles, at -3z, -z, z and 3z of the standard normal scale, after Slifker & Shapiro
+// (1980). `sortedData` ascends. spacing > 0 is z itself; otherwise z is chosen from a grid between 0.25
+// and 1.25 as that of the greatest likelihood (a choice by the data, as in Chou, Polansky & Mason 1998).
+// Needs eight values. kNoSpread when ties make two of the percentiles equal; `flag` is 1.
+std::int32_t FitJohnsonFromPercentiles(std::span<const double> sortedData, std::span<double, 5> parameters,
+                                       double spacing, std::int32_t flag, EstimationError& error);
+
 }  // namespace brenvolt

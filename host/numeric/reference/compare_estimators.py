@@ -2,7 +2,7 @@
 """Compares the estimators with SciPy and R on real and simulated samples and writes docs/estimators.md.
 
 Run by hand, after building bench/fit_estimator (cmake -DBRENVOLT_BENCH=ON):
-    host/numeric/reference/compare_estimators.py [build/bin/fit_estimator]
+    host/numeric/reference/compare_estimators.py [build/bin/fit_estimator [estimator ...]]
 Needs SciPy; the columns of R need Rscript with the packages evd and mclust, and are left out without them.
 
 Every log-likelihood, ours and theirs, is computed here from the parameters by the same function. Maximum likelihood is
@@ -17,7 +17,7 @@ import tempfile
 import warnings
 
 import numpy as np
-from scipy import integrate, optimize, special, stats
+from scipy import optimize, special, stats
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 PROGRAM = ROOT / "build/bin/fit_estimator"
@@ -75,6 +75,12 @@ def gpd(data, p, _=0.0):
         return -math.inf
     w = z if abs(shape) < 1e-14 else np.log1p(shape * z) / shape
     return total(-math.log(scale) - (1 + shape) * w)
+
+
+def mixture(data, p, _=0.0):
+    logs = [math.log(w) - math.log(d) - 0.5 * math.log(2 * math.pi) - 0.5 * ((data - m) / d) ** 2
+            for w, m, d in np.reshape(p, (-1, 3)) if w > 0 and d > 0]
+    return total(special.logsumexp(logs, axis=0))
 
 
 # ---- the others' fits ---------------------------------------------------------------------------------------------
@@ -137,6 +143,30 @@ def scipy_gpd(data, threshold):
                 (-1 < p[2] < 20) == (-1 < best[2] < 20) and gpd(data, p) > gpd(data, best)):
             best = p
     return best
+
+
+def numpy_mixture(data, k):
+    """Plain expectation-maximisation from random values as means, ten times; the best run that has not collapsed."""
+    generator, k, best = rng(20), int(k), None
+    for _ in range(10):
+        m, d, w = generator.choice(data, k, replace=False), np.full(k, np.std(data) / k), np.full(k, 1 / k)
+        last = -math.inf
+        for _ in range(3000):
+            logs = np.log(w) - np.log(d) - 0.5 * ((data[:, None] - m) / d) ** 2
+            norm = special.logsumexp(logs, axis=1)
+            r = np.exp(logs - norm[:, None])
+            weight = r.sum(axis=0)
+            m = r.T @ data / weight
+            d = np.sqrt(np.maximum((r * (data[:, None] - m) ** 2).sum(axis=0) / weight, 0))
+            w = weight / len(data)
+            reached = norm.mean()
+            if not np.all(d > 0) or not np.isfinite(reached) or abs(reached - last) < 1e-12:
+                break
+            last = reached
+        p = np.column_stack([w, m, d]).ravel()
+        if is_regular("mixture", p, data) and (best is None or mixture(data, p) > mixture(data, best)):
+            best = p
+    return None if best is None else list(best)
 
 
 R_FITS = {
@@ -251,6 +281,36 @@ def gpd_samples():
     return sets
 
 
+def mixture_samples():
+    sets = [("eruptions", REAL["eruptions"], k) for k in (2, 3, 4)]
+    sets += [("waiting", REAL["waiting"], k) for k in (2, 3)]
+    sets += [("ground beef", REAL["ground beef"], k) for k in (2, 3)]
+    sets += [("Danish losses", REAL["Danish losses"], k) for k in (2, 3, 4)]
+    sets.append(("ln(Danish losses)", np.log(REAL["Danish losses"]), 3))
+    sets += [("Port Pirie", REAL["Port Pirie"], k) for k in (2, 3)]
+
+    def draw(seed, n, parts):
+        g = rng(seed)
+        c = g.choice(len(parts), size=n, p=[w for w, _, _ in parts])
+        return np.array([m for _, m, _ in parts])[c] + np.array([d for _, _, d in parts])[c] * g.standard_normal(n)
+
+    laws = {"apart": [(0.5, 0, 1), (0.5, 6, 1)], "overlapping": [(0.5, 0, 1), (0.5, 1.5, 1)],
+            "concentric": [(0.7, 0, 1), (0.3, 0, 4)], "rare": [(0.95, 0, 1), (0.05, 4, 0.3)],
+            "three, overlapping": [(0.3, 0, 1), (0.4, 2, 1), (0.3, 4, 0.7)],
+            "narrow beside wide": [(0.5, 0, 1e-3), (0.5, 1, 1)],
+            "five": [(0.2, 3.0 * i, 0.6) for i in range(5)]}
+    for seed, (name, parts) in enumerate(laws.items()):
+        for n in (40, 300, 3000):
+            sets.append((f"{name}, n = {n}", draw(100 * seed + n, n, parts), len(parts)))
+    x = draw(9, 150, laws["apart"])
+    for name, y in (("apart, times 1e-9", x * 1e-9), ("apart, times 1e9", x * 1e9), ("apart, + 1e6", x + 1e6),
+                    ("apart, rounded to 0.5, ties", np.round(2 * x) / 2), ("normal, one in truth", rng(8).normal(size=200)),
+                    ("nearly constant", 5 + 1e-9 * x), ("n = 6", np.array([0.0, 0.1, 0.25, 5.0, 5.2, 5.3])),
+                    ("two values only", np.array([1.0, 2.0] * 10))):
+        sets.append((name, y, 2))
+    return [(f"{name}; {k} components", x, k) for name, x, k in sets]
+
+
 # ---- the comparison -----------------------------------------------------------------------------------------------
 
 def run_ours(estimator, file, option):
@@ -259,8 +319,11 @@ def run_ours(estimator, file, option):
     return int(status), [float(v) for v in values]
 
 
-def is_regular(estimator, p):
+def is_regular(estimator, p, data):
     """Whether a reference stopped where the likelihood is bounded."""
+    if estimator == "mixture":
+        parts = np.reshape(p, (-1, 3))
+        return bool(np.all(parts[:, 0] * len(data) >= 2) and np.all(parts[:, 2] > 1e-6 * np.std(data)))
     return estimator not in ("gev", "gpd") or -1 < p[2] < 20
 
 
@@ -275,6 +338,7 @@ MAXIMUM_LIKELIHOOD = {
     "folded_normal": ("Folded Normal", positive_samples, folded_normal, scipy_folded_normal),
     "gev": ("Generalized extreme value", gev_samples, gev, scipy_gev),
     "gpd": ("Generalized Pareto", gpd_samples, gpd, scipy_gpd),
+    "mixture": ("Gaussian mixture", mixture_samples, mixture, numpy_mixture),
 }
 
 
@@ -298,16 +362,16 @@ def compare_likelihood(estimator, folder, lines):
         for p in others:
             value = None if p is None else log_likelihood(data, p, option)
             reached.append(None if value is None or not math.isfinite(value) else value)
-        notes = [f"{tool} ends at shape {p[2]:.3g}" for tool, p, value in zip(("SciPy", "R"), others, reached)
-                 if value is not None and not is_regular(estimator, p)]
-        regular = [value for p, value in zip(others, reached) if value is not None and is_regular(estimator, p)]
+        notes = [f"{tool} ends at shape {p[2]:.3g}" if estimator != "mixture" else f"{tool} collapsed" for tool, p, value in zip(("NumPy" if estimator == "mixture" else "SciPy", "R"), others, reached)
+                 if value is not None and not is_regular(estimator, p, data)]
+        regular = [value for p, value in zip(others, reached) if value is not None and is_regular(estimator, p, data)]
         difference = None
         if status != 0:
             none += 1
             mine = None
             notes.insert(0, STATUS[status])
             stopped = [f"{p[2]:.3g}" for p, value in zip(others, reached)
-                       if value is not None and estimator in ("gev", "gpd") and is_regular(estimator, p)]
+                       if value is not None and estimator in ("gev", "gpd") and is_regular(estimator, p, data)]
             if stopped:
                 notes.append("reference stops at shape " + ", ".join(stopped))
         else:
@@ -322,12 +386,119 @@ def compare_likelihood(estimator, folder, lines):
             cells.append(number(reached[1]))
         cells += ["–" if difference is None else f"{difference:.1e}", "; ".join(notes)]
         rows.append("| " + " | ".join(cells) + " |")
-    heads = ["sample", "n", "ours", "SciPy"] + (["R"] if estimator in R_FITS else []) + ["relative difference", "note"]
+    heads = ["sample", "n", "ours", "plain EM (NumPy)" if estimator == "mixture" else "SciPy"] + (["R"] if estimator in R_FITS else []) + ["relative difference", "note"]
     lines += [f"## {title}", "",
               f"{len(sets)} samples: {fitted} fitted, {none} with a status instead. Greatest relative shortfall "
               f"against the better reference: {-worst:.1e}; samples that fall short by more than {LIMIT:g}: {below}.",
               "", "| " + " | ".join(heads) + " |", "|---" * len(heads) + "|", *rows, ""]
     print(f"{title}: {len(sets)} samples, {fitted} fitted, {none} status, worst {-worst:.1e}, below {below}")
+
+
+# ---- estimators from moments: the moments of the fitted law against those of the sample ------------------------------
+
+def johnson(p):
+    """The value of a Johnson member at a standard normal deviate."""
+    family, gamma, delta, scale, xi = p[:5]
+    inverse = {1: np.exp, 2: np.sinh, 3: special.expit, 4: lambda t: t}[int(family)]
+    return lambda z: xi + scale * inverse((z - gamma) / delta)
+
+
+def weighted_moments(data, estimator, offset):
+    """The unbiased probability-weighted moments that the estimator matches."""
+    x = np.sort(data) - offset
+    n, j = len(x), np.arange(len(x))
+    if estimator == "gpd_moments":
+        return [np.mean(x), np.mean(x * (n - 1 - j) / (n - 1))]
+    return [np.mean(x), np.mean(x * j / (n - 1)), np.mean(x * j * (j - 1) / ((n - 1) * (n - 2)))]
+
+
+def law_moments(estimator, p, offset):
+    if estimator == "johnson_moments":
+        z = np.linspace(-30, 30, 300001)
+        w = np.exp(-0.5 * z * z) / math.sqrt(2 * math.pi) * (z[1] - z[0])
+        x = johnson(p)(z)
+        mean = np.sum(w * x)
+        d = x - mean
+        s = math.sqrt(np.sum(w * d * d))
+        return [mean, s, np.sum(w * d ** 3) / s ** 3, np.sum(w * d ** 4) / s ** 4 - 3]
+    # Over t = ln(p / (1 - p)), far enough for tails that fall slowly.
+    t = np.linspace(-60, 700, 760001)
+    low, high = -np.logaddexp(0, -t), -np.logaddexp(0, t)  # ln p, ln(1 - p)
+    y = -high if estimator == "gpd_moments" else -np.log(-low)
+    x = p[0] - offset + p[1] * (y if abs(p[2]) < 1e-14 else np.expm1(p[2] * y) / p[2])
+    weights = [high] * 2 if estimator == "gpd_moments" else [low] * 3
+    return [np.sum(x * np.exp(low + high + r * weight)) * (t[1] - t[0]) for r, weight in enumerate(weights)]
+
+
+MOMENTS = {
+    "gev_moments": ("Generalized extreme value, probability-weighted moments", gev_samples),
+    "gpd_moments": ("Generalized Pareto, probability-weighted moments", gpd_samples),
+    "johnson_moments": ("Johnson from moments",
+                        lambda: [(name, x, o) for name, x, o in gev_samples() if len(x) > 3]),
+}
+
+
+def compare_moments(estimator, folder, lines):
+    title, samples = MOMENTS[estimator]
+    sets = samples()
+    rows, worst, fitted = [], 0.0, 0
+    for i, (name, data, option) in enumerate(sets):
+        file = folder / f"{estimator}{i}.csv"
+        file.write_text("x\n" + "\n".join(repr(float(v)) for v in data) + "\n")
+        status, p = run_ours(estimator, file, option)
+        if status != 0:
+            rows.append(f"| {name} | {len(data)} | – | – | {STATUS[status]} |")
+            continue
+        fitted += 1
+        johnson = estimator == "johnson_moments"
+        wanted = p[5:] if johnson else weighted_moments(data, estimator, option)
+        found = law_moments(estimator, p, option)
+        units = [p[6], p[6], 1, max(1, abs(p[8]))] if johnson else [np.std(data)] * 3
+        error = max(abs(a - b) / u for a, b, u in zip(wanted, found, units))
+        note = ["", "SL", "SU", "SB", "SN"][int(p[0])] if johnson else ""
+        if not johnson and p[2] > 0.95:
+            note = "not judged: the mean hardly exists"
+        else:
+            worst = max(worst, error)
+        rows.append(f"| {name} | {len(data)} | {', '.join(f'{v:.6g}' for v in p[:5 if johnson else 3])} | {error:.1e} | "
+                    f"{note} |")
+    lines += [f"## {title}", "",
+              f"{len(sets)} samples: {fitted} fitted. Greatest difference between a moment of the fitted law, by "
+              f"quadrature, and that of the sample, in standard deviations of the sample (skewness and kurtosis: "
+              f"relative to max(1, value)): {worst:.1e}.", "",
+              "| sample | n | parameters | greatest difference | note |", "|---|---|---|---|---|", *rows, ""]
+    print(f"{title}: {len(sets)} samples, {fitted} fitted, worst {worst:.1e}")
+
+
+def compare_percentiles(folder, lines):
+    """Samples of known members: the distance between the fitted and the true law's quantiles."""
+    members = [(2, -0.8, 1.5, 3, 10), (2, 0.4, 0.9, 1, -2), (2, 0, 2.5, 1, 0), (3, 0.7, 1.2, 5, 1), (3, -0.3, 0.6, 2, 0),
+               (3, 1.5, 1.5, 1e9, 0), (1, 0.5, 1.8, 1, 4), (4, -3, 2, 1, 0)]
+    rows, count = [], 0
+    for k, member in enumerate(members):
+        truth = johnson(member)
+        for n in (30, 100, 1000, 10000):
+            data = truth(rng(300 + 10 * k + n).standard_normal(n))
+            file = folder / f"percentiles{count}.csv"
+            file.write_text("x\n" + "\n".join(repr(float(v)) for v in data) + "\n")
+            count += 1
+            status, p = run_ours("johnson_percentiles", file, -1.0)
+            q = run_ours("johnson_moments", file, 0.0)[1]
+            z = np.linspace(-1.6449, 1.6449, 41)
+            unit = truth(1.0) - truth(-1.0)
+            distance = [np.max(np.abs(johnson(fit)(z) - truth(z))) / unit if fit[0] > 0 else math.nan
+                        for fit in (p, q)]
+            empirical = np.max(np.abs(np.quantile(data, special.ndtr(z)) - truth(z))) / unit
+            names = ["", "SL", "SU", "SB", "SN"]
+            rows.append(f"| {names[member[0]]}({', '.join(f'{v:g}' for v in member[1:])}) | {n} | "
+                        f"{names[int(p[0])] if status == 0 else STATUS[status]} | {distance[0]:.3f} | {distance[1]:.3f} | "
+                        f"{empirical:.3f} |")
+    lines += ["## Johnson from percentiles", "",
+              "Samples of known members. The greatest distance between the fitted and the true quantiles from 5 % to 95 %, "
+              "in units of the true distance between 16 % and 84 %; beside it that of the fit from moments and that of the "
+              "plain sample quantiles.", "",
+              "| law | n | family found | percentiles | moments | sample quantiles |", "|---|---|---|---|---|---|", *rows, ""]
+    print(f"Johnson from percentiles: {count} samples")
 
 
 def main():
@@ -339,8 +510,14 @@ def main():
              "Log-likelihoods reached; the relative difference is (ours − the better reference) / max(1, |reference|). "
              "References that ended where the likelihood has no bound are named in the note and not compared.", ""]
     with tempfile.TemporaryDirectory() as name:
-        for estimator in MAXIMUM_LIKELIHOOD:
-            compare_likelihood(estimator, pathlib.Path(name), lines)
+        folder = pathlib.Path(name)
+        for estimator in sys.argv[2:] or [*MAXIMUM_LIKELIHOOD, *MOMENTS, "johnson_percentiles"]:
+            if estimator in MAXIMUM_LIKELIHOOD:
+                compare_likelihood(estimator, folder, lines)
+            elif estimator in MOMENTS:
+                compare_moments(estimator, folder, lines)
+            else:
+                compare_percentiles(folder, lines)
     OUTPUT.write_text("\n".join(lines))
 
 
