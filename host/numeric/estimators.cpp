@@ -7,35 +7,14 @@
 #include <cmath>
 #include <vector>
 
-#include "host/base/almost_equal.h"
+#include "host/numeric/estimator_support.h"
 
 namespace brenvolt {
 namespace {
 
-// Neumaier (1974): a sum that carries its rounding errors along.
-class CompensatedSum {
- public:
-  void Add(double x) {
-    const double next = sum_ + x;
-    rest_ += std::abs(sum_) >= std::abs(x) ? (sum_ - next) + x : (x - next) + sum_;
-    sum_ = next;
-  }
-  double Value() const { return sum_ + rest_; }
-
- private:
-  double sum_ = 0.0;
-  double rest_ = 0.0;
-};
-
-bool IsAnyNotFinite(std::span<const double> data) {
-  return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });
-}
-
-std::int32_t Fail(EstimationError reason, std::span<double, 2> parameters, EstimationError& error) {
-  std::fill(parameters.begin(), parameters.end(), kNotSet);
-  error = reason;
-  return static_cast<std::int32_t>(reason);
-}
+using estimation::CompensatedSum;
+using estimation::Fail;
+using estimation::IsAnyNotFinite;
 
 // Mean and standard deviation of at least two finite values.
 std::int32_t FitMoments(std::span<const double> data, std::span<double, 2> parameters,

@@ -1,0 +1,150 @@
+// Generalized Pareto above a threshold. Grimshaw (1993): with r = shape / scale and the excesses y, the
+// likelihood is greatest, for given r, at shape = mean(ln(1 + r y)), which leaves a function of r alone. With
+// w(y, r) = ln(1 + r y) / r and A = mean(w), so that scale = A and shape = r A, the mean log-likelihood is
+//   -(ln A + r A + 1),   with derivative   -(A' / A + mean(y / (1 + r y))),
+// both smooth through r = 0.
+#include <algorithm>
+#include <boost/math/tools/toms748_solve.hpp>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <vector>
+
+#include "host/numeric/estimator_support.h"
+#include "host/numeric/estimators.h"
+#include "host/numeric/log_one_plus.h"
+
+namespace brenvolt {
+namespace {
+
+using estimation::CheckSample;
+using estimation::CompensatedSum;
+using estimation::Fail;
+using estimation::Mean;
+using estimation::ScaledSample;
+using estimation::ScaleFrom;
+using estimation::Succeed;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kLeastShape = -1.0;  // the likelihood is unbounded beyond
+
+struct Profile {
+  double scale = 0.0;
+  double shape = 0.0;
+  double logLikelihood = -kInfinity;  // mean
+  double slope = 0.0;
+};
+
+Profile ProfileAt(std::span<const double> values, double ratio) {
+  CompensatedSum w;
+  CompensatedSum wByRatio;
+  CompensatedSum shapeByRatio;
+  for (const double y : values) {
+    const LogOnePlus term = DifferentiateLogOnePlus(y, ratio);
+    w.Add(term.value);
+    wByRatio.Add(term.byK);
+    shapeByRatio.Add(y * term.byZ);
+  }
+  const auto n = static_cast<double>(values.size());
+  Profile profile;
+  profile.scale = w.Value() / n;
+  profile.shape = ratio * profile.scale;
+  profile.logLikelihood = -(std::log(profile.scale) + profile.shape + 1.0);
+  profile.slope = -(wByRatio.Value() / w.Value() + shapeByRatio.Value() / n);
+  return profile;
+}
+
+// shape / scale from the end of the support, -1 / greatest, to far into heavy tails, dense near 0.
+std::vector<double> RatioGrid(double greatest, double mean) {
+  constexpr int kPerDecade = 6;
+  std::vector<double> grid;
+  for (int j = 14 * kPerDecade; j >= 1; --j) {
+    grid.push_back(-(1.0 - std::pow(10.0, -static_cast<double>(j) / kPerDecade)) / greatest);
+  }
+  for (int j = 1; j <= 4 * kPerDecade; ++j) {
+    grid.push_back(-(1.0 - std::pow(10.0, -1.0 / kPerDecade)) / greatest *
+                   std::pow(10.0, -static_cast<double>(j) / kPerDecade));
+  }
+  const double heaviest = 1e12 / mean;
+  for (double ratio = 1e-4 / greatest; ratio < heaviest; ratio *= std::pow(10.0, 1.0 / kPerDecade)) {
+    grid.push_back(ratio);
+  }
+  return grid;
+}
+
+Profile SolveSlope(std::span<const double> values, double low, double high) {
+  std::uintmax_t steps = 200;
+  const auto slope = [values](double ratio) { return ProfileAt(values, ratio).slope; };
+  const auto bracket = boost::math::tools::toms748_solve(
+      slope, low, high, boost::math::tools::eps_tolerance<double>(52), steps);
+  return ProfileAt(values, 0.5 * (bracket.first + bracket.second));
+}
+
+// The greatest local maximum with shape > -1; a log-likelihood of minus infinity when there is none.
+Profile GreatestMaximum(std::span<const double> values) {
+  const double greatest = *std::max_element(values.begin(), values.end());
+  const std::vector<double> grid = RatioGrid(greatest, Mean(values));
+  Profile best;
+  double previous = ProfileAt(values, grid[0]).slope;
+  for (std::size_t i = 1; i < grid.size(); ++i) {
+    const double slope = ProfileAt(values, grid[i]).slope;
+    if (previous > 0.0 && slope <= 0.0) {
+      const Profile maximum = SolveSlope(values, grid[i - 1], grid[i]);
+      if (maximum.shape > kLeastShape && maximum.logLikelihood > best.logLikelihood) best = maximum;
+    }
+    previous = slope;
+  }
+  return best;
+}
+
+EstimationError Prepare(std::span<const double> data, double threshold, ScaledSample& sample) {
+  const EstimationError reason = CheckSample(data, 2, threshold);
+  if (reason != EstimationError::kNone) return reason;
+  sample = ScaleFrom(data, threshold);
+  if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
+  std::sort(sample.values.begin(), sample.values.end());
+  if (sample.values.front() < 0.0) return EstimationError::kValueOutsideSupport;
+  if (sample.values.front() == sample.values.back()) return EstimationError::kNoSpread;
+  return EstimationError::kNone;
+}
+
+}  // namespace
+
+std::int32_t FitGPDMaximumLikelihood(std::span<const double> data, double threshold,
+                                     std::span<double, 3> parameters, EstimationError& error) {
+  ScaledSample sample;
+  const EstimationError reason = Prepare(data, threshold, sample);
+  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
+  const Profile maximum = GreatestMaximum(sample.values);
+  if (!(maximum.logLikelihood > -kInfinity)) return Fail(EstimationError::kNoMaximum, parameters, error);
+  parameters[0] = threshold;
+  parameters[1] = sample.InUnitsOfData(maximum.scale);
+  parameters[2] = maximum.shape;
+  return Succeed(parameters, error);
+}
+
+std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, double threshold,
+                                              std::span<double, 3> parameters, EstimationError& error) {
+  ScaledSample sample;
+  const EstimationError reason = Prepare(data, threshold, sample);
+  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
+
+  // Hosking & Wallis (1987), section 4: a_s is the moment of y (1 - F)^s.
+  const auto n = static_cast<double>(sample.values.size());
+  CompensatedSum sum0;
+  CompensatedSum sum1;
+  for (std::size_t i = 0; i < sample.values.size(); ++i) {
+    sum0.Add(sample.values[i] / n);
+    sum1.Add(sample.values[i] / n * ((n - 1.0 - static_cast<double>(i)) / (n - 1.0)));
+  }
+  const double a0 = sum0.Value();
+  const double a1 = sum1.Value();
+  const double spread = a0 - 2.0 * a1;
+  if (!(spread > 0.0) || !(a1 > 0.0)) return Fail(EstimationError::kNoSolution, parameters, error);
+  parameters[0] = threshold;
+  parameters[1] = sample.InUnitsOfData(2.0 * a0 * a1 / spread);
+  parameters[2] = 2.0 - a0 / spread;
+  return Succeed(parameters, error);
+}
+
+}  // namespace brenvolt
