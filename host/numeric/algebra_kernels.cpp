@@ -16,6 +16,10 @@ HWY_INLINE std::size_t Width() {
   return hn::Lanes(kTag);
 }
 
+bool HasWideRegisters() {
+  return HWY_MAX_BYTES >= 32;
+}
+
 HWY_INLINE double SumOfLanes(const double* sums) {
   return ((sums[0] + sums[4]) + (sums[2] + sums[6])) + ((sums[1] + sums[5]) + (sums[3] + sums[7]));
 }
@@ -157,11 +161,16 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 namespace brenvolt::kernels {
 
+HWY_EXPORT(HasWideRegisters);
 HWY_EXPORT(Dot);
 HWY_EXPORT(AddMultiple);
 HWY_EXPORT(UpdateAndMultiply);
 HWY_EXPORT(ApplyRotations);
 HWY_EXPORT(MultiplyTile);
+
+bool HasWideRegisters() {
+  return HWY_DYNAMIC_DISPATCH(HasWideRegisters)();
+}
 
 double Dot(const double* a, const double* b, std::size_t n) {
   return HWY_DYNAMIC_DISPATCH(Dot)(a, b, n);

@@ -9,6 +9,9 @@
 
 namespace brenvolt::kernels {
 
+// True when the instruction set in use has registers of at least 256 bits.
+bool HasWideRegisters();
+
 // The sum of a[i] * b[i].
 double Dot(const double* a, const double* b, std::size_t n);
 

@@ -1,6 +1,7 @@
 // The linear algebra against mpmath's values (reference/algebra.csv) and against the bounds that backward
 // stable methods keep on random matrices.
 #include <gtest/gtest.h>
+#include <hwy/highway.h>
 #include <tbb/global_control.h>
 
 #include <algorithm>
@@ -16,6 +17,7 @@
 #include "host/numeric/correlation.h"
 #include "host/numeric/matrix_product.h"
 #include "host/numeric/random_stream.h"
+#include "host/numeric/sorting.h"
 #include "host/numeric/symmetric_eigen.h"
 
 namespace brenvolt {
@@ -343,28 +345,48 @@ TEST(Correlation, UndefinedCoefficientsAreNaNAndSpareTheOthers) {
   EXPECT_TRUE(std::isnan(correlation[0]) && std::isnan(correlation[1]));
 }
 
-TEST(Algebra, ResultsDoNotDependOnTheNumberOfThreads) {
+// Correlation, eigenvalues and vectors, Cholesky factor, its inverse, and the sorted data of one large
+// problem.
+std::vector<Matrix> WholeJob() {
   constexpr std::size_t k = 340;
   constexpr std::size_t n = 700;
   Matrix data(n * k);
   RandomStream(6).FillNormal(0, 1.0, data);
   data[17] = kNaN;
-  const auto run = [&](std::size_t threads) {
+  std::vector<Matrix> results(4, Matrix(k * k));
+  Matrix values(k);
+  PearsonCorrelation(data, n, k, results[0]);
+  SymmetricEigen(results[0], k, values, results[1]);
+  results[2] = results[0];
+  Cholesky(results[2], k);
+  InvertLowerTriangle(results[2], k, results[3]);
+  results.push_back(values);
+  SortAscending(data);
+  data.pop_back();  // the NaN, which would equal nothing
+  results.push_back(data);
+  return results;
+}
+
+TEST(Algebra, ResultsDoNotDependOnTheNumberOfThreads) {
+  const auto run = [](std::size_t threads) {
     const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
-    std::vector<Matrix> results(4, Matrix(k * k));
-    Matrix values(k);
-    PearsonCorrelation(data, n, k, results[0]);
-    SymmetricEigen(results[0], k, values, results[1]);
-    results[2] = results[0];
-    Cholesky(results[2], k);
-    InvertLowerTriangle(results[2], k, results[3]);
-    results.push_back(values);
-    return results;
+    return WholeJob();
   };
   const std::vector<Matrix> one = run(1);
   EXPECT_NE(Largest(one[3]), 0);
   EXPECT_EQ(run(2), one);
   EXPECT_EQ(run(5), one);
+}
+
+TEST(Algebra, ResultsDoNotDependOnTheInstructionSet) {
+  const std::vector<Matrix> best = WholeJob();
+  for (const auto target : hwy::SupportedAndGeneratedTargets()) {
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+    EXPECT_EQ(WholeJob(), best) << hwy::TargetName(target);
+  }
+  hwy::SetSupportedTargetsForTest(0);
+  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
 }
 
 }  // namespace

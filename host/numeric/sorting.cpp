@@ -13,6 +13,8 @@
 #include <limits>
 #include <vector>
 
+#include "host/numeric/algebra_kernels.h"
+
 namespace brenvolt {
 namespace {
 
@@ -39,8 +41,13 @@ double ValueOf(std::uint64_t key) {
   return std::bit_cast<double>((key & kSignBit) != 0 ? key & ~kSignBit : ~key);
 }
 
+// Highway's sort has no form of 128 bits for narrower registers, and the standard sort takes its place there.
+bool SortsVectorised(std::size_t n) {
+  return n > kSmall && kernels::HasWideRegisters();
+}
+
 void SortKeys(std::vector<hwy::uint128_t>& keys) {
-  if (keys.size() > kSmall) return ThreadSorter()(keys.data(), keys.size(), hwy::SortAscending());
+  if (SortsVectorised(keys.size())) return ThreadSorter()(keys.data(), keys.size(), hwy::SortAscending());
   std::ranges::sort(keys, [](const hwy::uint128_t& a, const hwy::uint128_t& b) {
     return a.hi != b.hi ? a.hi < b.hi : a.lo < b.lo;
   });
@@ -56,6 +63,22 @@ std::vector<hwy::uint128_t> SortedKeys(std::span<const double> values) {
   return keys;
 }
 
+// Sorts through a buffer of keys, as long as `values`.
+void SortThroughKeys(std::span<double> values, std::span<std::uint64_t> keys) {
+  std::ranges::transform(values, keys.begin(), KeyOf);
+  std::ranges::sort(keys);
+  std::ranges::transform(keys, values.begin(), ValueOf);
+}
+
+void SortPlainly(std::span<double> values) {
+  if (values.size() <= kSmall) {
+    std::array<std::uint64_t, kSmall> keys;
+    return SortThroughKeys(values, std::span(keys).first(values.size()));
+  }
+  std::vector<std::uint64_t> keys(values.size());
+  SortThroughKeys(values, keys);
+}
+
 }  // namespace
 
 // The keys stand in the place of the values, so that no memory is needed. Highway's sort of doubles
@@ -63,14 +86,7 @@ std::vector<hwy::uint128_t> SortedKeys(std::span<const double> values) {
 // the largest double.
 void SortAscending(std::span<double> values) {
   static_assert(sizeof(double) == sizeof(std::uint64_t) && alignof(double) == alignof(std::uint64_t));
-  if (values.size() <= kSmall) {
-    std::array<std::uint64_t, kSmall> keys;
-    std::ranges::transform(values, keys.begin(), KeyOf);
-    std::sort(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(values.size()));
-    std::transform(keys.begin(), keys.begin() + static_cast<std::ptrdiff_t>(values.size()), values.begin(),
-                   ValueOf);
-    return;
-  }
+  if (!SortsVectorised(values.size())) return SortPlainly(values);
   for (double& x : values) {
     const std::uint64_t key = KeyOf(x);
     std::memcpy(&x, &key, sizeof x);

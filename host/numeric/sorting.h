@@ -14,7 +14,8 @@ struct ValueIndex {
   std::uint64_t index = 0;
 };
 
-// Sorts in place, without allocating. A NaN comes back as the quiet NaN.
+// Sorts in place. A NaN comes back as the quiet NaN. Allocates only on machines without registers of 256
+// bits.
 void SortAscending(std::span<double> values);
 
 // Sorts by value, then by index; so pairs whose indices ascend are sorted stably. A NaN comes back as the
