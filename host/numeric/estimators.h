@@ -94,9 +94,10 @@ enum class JohnsonFamily : std::int32_t { kLognormal = 1, kUnbounded = 2, kBound
 // Johnson: parameters = {family, gamma, delta > 0, lambda > 0, xi}; lambda is 1 for SL and SN. The member
 // with the given mean, standard deviation, skewness and excess kurtosis, after Hill, Hill & Holder (1976): SU
 // by the bracketed equation of Tuenter (2001), SB by two nested bracketed equations over moments by
-// quadrature. A kurtosis within 1e-6 (relative) of the lognormal line gives SL when the skewness is positive;
-// its mirror image is no member with lambda > 0, so that SU or SB beside it stands for it. kNoSolution when
-// no distribution, or only a two-point one, has the moments.
+// quadrature, each solved to 46 bits. A kurtosis within 1e-6 (relative) of the lognormal line gives SL when
+// the skewness is positive; its mirror image is no member with lambda > 0, so that SU beside it stands for
+// it. kNoSolution when no distribution has the moments, or only one that is nearly two points (an SB member
+// with delta below 0.002).
 std::int32_t FitJohnsonFromMoments(double mean, double standardDeviation, double skewness, double kurtosis,
                                    std::span<double, 5> parameters, EstimationError& error);
 

@@ -22,11 +22,15 @@ constexpr double kNormalTolerance = 1e-6;  // of skewness and kurtosis
 constexpr double kLineTolerance = 1e-6;    // of the kurtosis, relative
 constexpr int kRootBits = 46;
 
+// The root between two ends, or the end nearer to one where rounding hides the change of sign.
 template <typename Function>
 double SolveBetween(const Function& function, double low, double high) {
+  const double atLow = function(low);
+  const double atHigh = function(high);
+  if (!(atLow * atHigh < 0.0)) return std::abs(atLow) < std::abs(atHigh) ? low : high;
   std::uintmax_t steps = 200;
   const auto bracket = boost::math::tools::toms748_solve(
-      function, low, high, boost::math::tools::eps_tolerance<double>(kRootBits), steps);
+      function, low, high, atLow, atHigh, boost::math::tools::eps_tolerance<double>(kRootBits), steps);
   return 0.5 * (bracket.first + bracket.second);
 }
 
@@ -74,9 +78,7 @@ JohnsonFit FitUnbounded(double skewness, double kurtosis) {
     (LognormalKurtosis(middle) < kurtosis ? low : high) = middle;
   }
   const double lognormal = high;
-  const double e = excess(symmetric) >= 0.0 || skewness == 0.0 ? symmetric
-                   : excess(lognormal) <= 0.0                  ? lognormal
-                                                               : SolveBetween(excess, lognormal, symmetric);
+  const double e = skewness == 0.0 ? symmetric : SolveBetween(excess, lognormal, symmetric);
 
   const double omega = 1.0 + e;
   const double m = std::max(mOf(e), 1e-15);
@@ -139,7 +141,9 @@ Moments BoundedMoments(double gamma, double delta) {
 // more.
 double GammaOfSkewness(double skewness, double delta) {
   if (skewness == 0.0) return 0.0;
-  const double farthest = 34.0 * delta;  // exp(-34) is the last bit
+  // Where the bound is beyond the reach of the fourth moment, and its effect on the values beyond the last
+  // bit.
+  const double farthest = 34.0 * delta + 4.0 / delta;
   double high = std::min(1.0, farthest);
   while (BoundedMoments(high, delta).skewness < skewness) {
     if (high >= farthest) return farthest;
@@ -165,7 +169,7 @@ bool FitBounded(double skewness, double kurtosis, JohnsonFit& fit) {
     low *= 0.5;
     if (low < kLeastDelta) return false;
   }
-  const double delta = excess(high) <= 0.0 ? high : SolveBetween(excess, low, high);
+  const double delta = SolveBetween(excess, low, high);
   const double gamma = GammaOfSkewness(skewness, delta);
   const Moments moments = BoundedMoments(gamma, delta);
   fit = {JohnsonFamily::kBounded, gamma, delta, 1.0 / moments.deviation, -moments.mean / moments.deviation};

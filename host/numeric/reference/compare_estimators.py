@@ -311,6 +311,32 @@ def mixture_samples():
     return [(f"{name}; {k} components", x, k) for name, x, k in sets]
 
 
+# ---- whether there is a maximum at all ------------------------------------------------------------------------------
+
+def has_maximum(estimator, data, threshold):
+    """Whether the profile of the likelihood has an inner maximum with shape in (-1, 15), by brute force."""
+    if estimator == "gpd":
+        y = (data - threshold) / np.max(data - threshold)
+        ratios = np.concatenate([-1 + np.geomspace(1e-14, 1, 20000, endpoint=False), np.geomspace(1e-6, 1e12, 20000)])
+        shapes = np.array([np.mean(np.log1p(r * y)) for r in ratios])
+        values = -np.log(shapes / ratios) - shapes
+        inner = (values[1:-1] > values[:-2] + 1e-12) & (values[1:-1] > values[2:] + 1e-12)
+        return bool(np.any(inner & (shapes[1:-1] > -1) & (np.abs(ratios[1:-1]) > 1e-4)))
+    z = (data - np.median(data)) / np.ptp(data)
+    shapes, values = np.arange(-0.99, 15, 0.03), []
+    for shape in shapes:
+        best = -math.inf
+        for location, scale in ((0, 0.3), (np.min(z), 0.3), (0, 2.0), (np.min(z) + 0.1, 1.0)):
+            while not np.isfinite(gev(z, [location, scale, shape])) and scale < 1e4:
+                scale *= 1.5
+            result = optimize.minimize(lambda q: -gev(z, [q[0], math.exp(q[1]), shape]), [location, math.log(scale)],
+                                       method="Nelder-Mead", options={"xatol": 1e-9, "fatol": 1e-11, "maxiter": 2000})
+            best = max(best, -result.fun)
+        values.append(best)
+    values = np.array(values)
+    return bool(np.any((values[1:-1] > values[:-2] + 1e-7) & (values[1:-1] > values[2:] + 1e-7)))
+
+
 # ---- the comparison -----------------------------------------------------------------------------------------------
 
 def run_ours(estimator, file, option):
@@ -372,6 +398,9 @@ def compare_likelihood(estimator, folder, lines):
             notes.insert(0, STATUS[status])
             stopped = [f"{p[2]:.3g}" for p, value in zip(others, reached)
                        if value is not None and estimator in ("gev", "gpd") and is_regular(estimator, p, data)]
+            if status == 5 and estimator in ("gev", "gpd"):
+                found = has_maximum(estimator, data, option)
+                notes.append("PROFILE HAS ONE" if found else "none in the profile by brute force either")
             if stopped:
                 notes.append("reference stops at shape " + ", ".join(stopped))
         else:
@@ -416,7 +445,7 @@ def law_moments(estimator, p, offset):
     if estimator == "johnson_moments":
         z = np.linspace(-30, 30, 300001)
         w = np.exp(-0.5 * z * z) / math.sqrt(2 * math.pi) * (z[1] - z[0])
-        x = johnson(p)(z)
+        x = johnson([*p[:4], p[4] - offset])(z)
         mean = np.sum(w * x)
         d = x - mean
         s = math.sqrt(np.sum(w * d * d))
@@ -425,7 +454,7 @@ def law_moments(estimator, p, offset):
     t = np.linspace(-60, 700, 760001)
     low, high = -np.logaddexp(0, -t), -np.logaddexp(0, t)  # ln p, ln(1 - p)
     y = -high if estimator == "gpd_moments" else -np.log(-low)
-    x = p[0] - offset + p[1] * (y if abs(p[2]) < 1e-14 else np.expm1(p[2] * y) / p[2])
+    x = (p[0] - offset) + p[1] * (y if abs(p[2]) < 1e-14 else np.expm1(p[2] * y) / p[2])
     weights = [high] * 2 if estimator == "gpd_moments" else [low] * 3
     return [np.sum(x * np.exp(low + high + r * weight)) * (t[1] - t[0]) for r, weight in enumerate(weights)]
 
@@ -450,17 +479,18 @@ def compare_moments(estimator, folder, lines):
             rows.append(f"| {name} | {len(data)} | – | – | {STATUS[status]} |")
             continue
         fitted += 1
-        johnson = estimator == "johnson_moments"
-        wanted = p[5:] if johnson else weighted_moments(data, estimator, option)
-        found = law_moments(estimator, p, option)
-        units = [p[6], p[6], 1, max(1, abs(p[8]))] if johnson else [np.std(data)] * 3
+        is_johnson = estimator == "johnson_moments"
+        centre = option if estimator == "gpd_moments" else np.median(data)  # so that this arithmetic loses no digits
+        wanted = [p[5] - centre, *p[6:]] if is_johnson else weighted_moments(data, estimator, centre)
+        found = law_moments(estimator, p, centre)
+        units = [p[6], p[6], 1, max(1, abs(p[8]))] if is_johnson else [np.std(data)] * 3
         error = max(abs(a - b) / u for a, b, u in zip(wanted, found, units))
-        note = ["", "SL", "SU", "SB", "SN"][int(p[0])] if johnson else ""
-        if not johnson and p[2] > 0.95:
+        note = ["", "SL", "SU", "SB", "SN"][int(p[0])] if is_johnson else ""
+        if not is_johnson and p[2] > 0.95:
             note = "not judged: the mean hardly exists"
         else:
             worst = max(worst, error)
-        rows.append(f"| {name} | {len(data)} | {', '.join(f'{v:.6g}' for v in p[:5 if johnson else 3])} | {error:.1e} | "
+        rows.append(f"| {name} | {len(data)} | {', '.join(f'{v:.6g}' for v in p[:5 if is_johnson else 3])} | {error:.1e} | "
                     f"{note} |")
     lines += [f"## {title}", "",
               f"{len(sets)} samples: {fitted} fitted. Greatest difference between a moment of the fitted law, by "
