@@ -1,7 +1,11 @@
 // Time per value of the numeric functions that stand in hot loops, and per call of the Kolmogorov-Smirnov
-// p-value. The counter "perValue" is seconds for one value.
+// p-value. The counter "perValue" is seconds for one value. Names with Boost are the plain scalar loop over
+// Boost.Math that the array forms are measured against.
 #include <benchmark/benchmark.h>
 
+#include <boost/math/distributions/lognormal.hpp>
+#include <boost/math/distributions/normal.hpp>
+#include <boost/math/distributions/weibull.hpp>
 #include <cmath>
 #include <cstdint>
 #include <vector>
@@ -13,7 +17,7 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::size_t kValues = 10'000;
+constexpr std::size_t kValues = 1'000'000;
 constexpr std::int32_t kSeed = 20;
 
 std::vector<double> Uniforms() {
@@ -40,28 +44,45 @@ void OverArrays(benchmark::State& state, const std::vector<double>& in, const Fi
   CountValues(state);
 }
 
-void NormalCdf(benchmark::State& state) {
-  std::vector<double> x(kValues);
-  RandomStream(kSeed).FillNormal(0, 2.0, x);
-  OverArrays(state, x, [](const auto& in, auto& out) { normal::Cdf(in, 0.0, 2.0, out); });
+// Draws of a type, the arguments of its distribution function.
+template <class Quantile>
+std::vector<double> Draws(const Quantile& quantile) {
+  std::vector<double> values = Uniforms();
+  quantile(values);
+  return values;
 }
-BENCHMARK(NormalCdf);
 
-void NormalQuantile(benchmark::State& state) {
-  OverArrays(state, Uniforms(), [](const auto& in, auto& out) { normal::Quantile(in, 0.0, 2.0, out); });
-}
-BENCHMARK(NormalQuantile);
+// The four loops of a type: ours and Boost's, distribution function and quantile.
+#define LAW_BENCHMARKS(Name, law, boostLaw, ...)                                                           \
+  std::vector<double> Name##Draws() {                                                                      \
+    return Draws([](auto& values) { law::Quantile(values, __VA_ARGS__, values); });                        \
+  }                                                                                                        \
+  void Name##Cdf(benchmark::State& state) {                                                                \
+    OverArrays(state, Name##Draws(), [](const auto& in, auto& out) { law::Cdf(in, __VA_ARGS__, out); });   \
+  }                                                                                                        \
+  BENCHMARK(Name##Cdf);                                                                                    \
+  void Name##CdfBoost(benchmark::State& state) {                                                           \
+    OverArrays(state, Name##Draws(), [](const auto& in, auto& out) {                                       \
+      const auto boosted = boostLaw;                                                                       \
+      for (std::size_t i = 0; i < in.size(); ++i) out[i] = cdf(boosted, in[i]);                            \
+    });                                                                                                    \
+  }                                                                                                        \
+  BENCHMARK(Name##CdfBoost);                                                                               \
+  void Name##Quantile(benchmark::State& state) {                                                           \
+    OverArrays(state, Uniforms(), [](const auto& in, auto& out) { law::Quantile(in, __VA_ARGS__, out); }); \
+  }                                                                                                        \
+  BENCHMARK(Name##Quantile);                                                                               \
+  void Name##QuantileBoost(benchmark::State& state) {                                                      \
+    OverArrays(state, Uniforms(), [](const auto& in, auto& out) {                                          \
+      const auto boosted = boostLaw;                                                                       \
+      for (std::size_t i = 0; i < in.size(); ++i) out[i] = quantile(boosted, in[i]);                       \
+    });                                                                                                    \
+  }                                                                                                        \
+  BENCHMARK(Name##QuantileBoost)
 
-void LognormalQuantile(benchmark::State& state) {
-  OverArrays(state, Uniforms(),
-             [](const auto& in, auto& out) { lognormal::Quantile(in, 1.0, 0.5, 0.0, out); });
-}
-BENCHMARK(LognormalQuantile);
-
-void WeibullQuantile(benchmark::State& state) {
-  OverArrays(state, Uniforms(), [](const auto& in, auto& out) { weibull::Quantile(in, 2.0, 1.5, 0.0, out); });
-}
-BENCHMARK(WeibullQuantile);
+LAW_BENCHMARKS(Normal, normal, boost::math::normal(1.0, 2.0), 1.0, 2.0);
+LAW_BENCHMARKS(Lognormal, lognormal, boost::math::lognormal(1.0, 0.5), 1.0, 0.5, 0.0);
+LAW_BENCHMARKS(Weibull, weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
 
 void PoissonQuantile(benchmark::State& state) {
   OverArrays(state, Uniforms(), [](const auto& in, auto& out) { poisson::Quantile(in, 12.5, out); });

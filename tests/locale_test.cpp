@@ -23,11 +23,14 @@ struct GermanLocale : testing::Test {
     ASSERT_EQ(std::system(make.c_str()), 0) << make;
     setenv("LOCPATH", locales.Path().c_str(), 1);
     setenv("LC_ALL", "de_DE.UTF-8", 1);
+    setenv("LSAN_OPTIONS",
+           "suppressions=" BRENVOLT_SOURCE_DIR "/tests/leak_suppressions.txt:print_suppressions=0", 1);
   }
   void TearDown() override {
     setlocale(LC_ALL, "C");
     unsetenv("LC_ALL");
     unsetenv("LOCPATH");
+    unsetenv("LSAN_OPTIONS");
   }
 };
 

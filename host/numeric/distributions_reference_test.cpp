@@ -7,6 +7,7 @@
 #include <fstream>
 #include <functional>
 #include <map>
+#include <span>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -18,15 +19,28 @@ namespace {
 
 using Parameters = std::array<double, 3>;
 using Function = std::function<double(double, const Parameters&)>;
+using ArrayFunction = std::function<void(std::span<const double>, const Parameters&, std::span<double>)>;
+using In = std::span<const double>;
+using Out = std::span<double>;
 
-Function Bind(double (*f)(double, double)) {
+Function BindScalar(double (*f)(double, double)) {
   return [f](double x, const Parameters& p) { return f(x, p[0]); };
 }
-Function Bind(double (*f)(double, double, double)) {
+Function BindScalar(double (*f)(double, double, double)) {
   return [f](double x, const Parameters& p) { return f(x, p[0], p[1]); };
 }
-Function Bind(double (*f)(double, double, double, double)) {
+Function BindScalar(double (*f)(double, double, double, double)) {
   return [f](double x, const Parameters& p) { return f(x, p[0], p[1], p[2]); };
+}
+
+ArrayFunction BindArray(void (*f)(In, double, Out)) {
+  return [f](In x, const Parameters& p, Out out) { f(x, p[0], out); };
+}
+ArrayFunction BindArray(void (*f)(In, double, double, Out)) {
+  return [f](In x, const Parameters& p, Out out) { f(x, p[0], p[1], out); };
+}
+ArrayFunction BindArray(void (*f)(In, double, double, double, Out)) {
+  return [f](In x, const Parameters& p, Out out) { f(x, p[0], p[1], p[2], out); };
 }
 
 struct Type {
@@ -34,6 +48,7 @@ struct Type {
   std::size_t parameterCount;
   int origin;  // index of the location or threshold, to which a quantile is relative; -1 for none
   std::map<std::string, Function> functions;
+  std::map<std::string, ArrayFunction> arrays;
 };
 
 void PrintTo(const Type& type, std::ostream* out) {
@@ -44,39 +59,43 @@ std::vector<Type> AllTypes() {
   return {{"normal",
            2,
            0,
-           {{"Density", Bind(normal::Density)},
-            {"LogDensity", Bind(normal::LogDensity)},
-            {"Cdf", Bind(normal::Cdf)},
-            {"Complement", Bind(normal::Complement)},
-            {"Quantile", Bind(normal::Quantile)},
-            {"ComplementQuantile", Bind(normal::ComplementQuantile)}}},
+           {{"Density", BindScalar(normal::Density)},
+            {"LogDensity", BindScalar(normal::LogDensity)},
+            {"Cdf", BindScalar(normal::Cdf)},
+            {"Complement", BindScalar(normal::Complement)},
+            {"Quantile", BindScalar(normal::Quantile)},
+            {"ComplementQuantile", BindScalar(normal::ComplementQuantile)}},
+           {{"Cdf", BindArray(normal::Cdf)}, {"Quantile", BindArray(normal::Quantile)}}},
           {"lognormal",
            3,
            2,
-           {{"Density", Bind(lognormal::Density)},
-            {"LogDensity", Bind(lognormal::LogDensity)},
-            {"Cdf", Bind(lognormal::Cdf)},
-            {"Complement", Bind(lognormal::Complement)},
-            {"Quantile", Bind(lognormal::Quantile)},
-            {"ComplementQuantile", Bind(lognormal::ComplementQuantile)}}},
+           {{"Density", BindScalar(lognormal::Density)},
+            {"LogDensity", BindScalar(lognormal::LogDensity)},
+            {"Cdf", BindScalar(lognormal::Cdf)},
+            {"Complement", BindScalar(lognormal::Complement)},
+            {"Quantile", BindScalar(lognormal::Quantile)},
+            {"ComplementQuantile", BindScalar(lognormal::ComplementQuantile)}},
+           {{"Cdf", BindArray(lognormal::Cdf)}, {"Quantile", BindArray(lognormal::Quantile)}}},
           {"weibull",
            3,
            2,
-           {{"Density", Bind(weibull::Density)},
-            {"LogDensity", Bind(weibull::LogDensity)},
-            {"Cdf", Bind(weibull::Cdf)},
-            {"Complement", Bind(weibull::Complement)},
-            {"Quantile", Bind(weibull::Quantile)},
-            {"ComplementQuantile", Bind(weibull::ComplementQuantile)}}},
+           {{"Density", BindScalar(weibull::Density)},
+            {"LogDensity", BindScalar(weibull::LogDensity)},
+            {"Cdf", BindScalar(weibull::Cdf)},
+            {"Complement", BindScalar(weibull::Complement)},
+            {"Quantile", BindScalar(weibull::Quantile)},
+            {"ComplementQuantile", BindScalar(weibull::ComplementQuantile)}},
+           {{"Cdf", BindArray(weibull::Cdf)}, {"Quantile", BindArray(weibull::Quantile)}}},
           {"poisson",
            1,
            -1,
-           {{"Density", Bind(poisson::Density)},
-            {"LogDensity", Bind(poisson::LogDensity)},
-            {"Cdf", Bind(poisson::Cdf)},
-            {"Complement", Bind(poisson::Complement)},
-            {"Quantile", Bind(poisson::Quantile)},
-            {"ComplementQuantile", Bind(poisson::ComplementQuantile)}}}};
+           {{"Density", BindScalar(poisson::Density)},
+            {"LogDensity", BindScalar(poisson::LogDensity)},
+            {"Cdf", BindScalar(poisson::Cdf)},
+            {"Complement", BindScalar(poisson::Complement)},
+            {"Quantile", BindScalar(poisson::Quantile)},
+            {"ComplementQuantile", BindScalar(poisson::ComplementQuantile)}},
+           {{"Cdf", BindArray(poisson::Cdf)}, {"Quantile", BindArray(poisson::Quantile)}}}};
 }
 
 struct Row {
@@ -146,6 +165,24 @@ TEST_P(DistributionReference, AgreesWithTableInBodyAndTails) {
     std::ostringstream text;
     text << error;
     RecordProperty(place, text.str());
+  }
+}
+
+// Tables hold many parameters, so each row goes into an array of its own, long enough for whole vectors and a
+// rest.
+TEST_P(DistributionReference, ArrayFormsGiveTheBitsOfTheScalarForms) {
+  constexpr std::size_t kLength = 19;
+  const Type& type = GetParam();
+  for (const Row& row : ReadTable(type)) {
+    const auto array = type.arrays.find(row.function);
+    if (array == type.arrays.end()) continue;
+    std::vector<double> values(kLength, row.argument);
+    array->second(values, row.parameters, values);
+    const double expected = type.functions.at(row.function)(row.argument, row.parameters);
+    for (const double value : values) {
+      ASSERT_EQ(value, expected) << row.function << " at " << row.argument << " with "
+                                 << testing::PrintToString(row.parameters);
+    }
   }
 }
 

@@ -151,7 +151,7 @@ std::vector<double> SampleOf(const Fit& member) {
   std::vector<double> values;
   for (int i = 1; i <= kCount; ++i) {
     const double p = (i - 0.5) / kCount;
-    const double z = p < 0.5 ? StandardNormalLowerQuantile(p) : -StandardNormalLowerQuantile(1.0 - p);
+    const double z = StandardNormalQuantile(p);
     values.push_back(member.ValueAt(z));
   }
   return values;

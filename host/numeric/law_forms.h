@@ -3,6 +3,7 @@
 // whether its parameters are valid; the formula then sees neither NaN nor a probability outside [0, 1].
 #pragma once
 
+#include <algorithm>
 #include <cassert>
 #include <cmath>
 #include <cstddef>
@@ -44,6 +45,12 @@ template <class Formula>
 void QuantilesAt(bool isValid, std::span<const double> p, std::span<double> out, const Formula& formula) {
   assert(out.size() >= p.size());
   for (std::size_t i = 0; i < p.size(); ++i) out[i] = QuantileAt(isValid, p[i], formula);
+}
+
+// The array forms under invalid parameters.
+inline void FillInvalid(std::size_t count, double sentinel, std::span<double> out) {
+  assert(out.size() >= count);
+  std::fill_n(out.begin(), count, sentinel);
 }
 
 }  // namespace brenvolt

@@ -1,6 +1,10 @@
 // The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
+#include <limits>
+#include <numbers>
+
 #include "host/numeric/law_forms.h"
 #include "host/numeric/standard_normal.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::lognormal {
 
@@ -31,17 +35,6 @@ double Standardised(double y, double scale, double shape) {
   return ((exponent * kLogTwoHigh - scale) + rest) / shape;
 }
 
-auto CdfFormula(double scale, double shape, double threshold) {
-  return [=](double x) {
-    const double y = x - threshold;
-    return y > 0.0 ? StandardNormalCdf(Standardised(y, scale, shape)) : 0.0;
-  };
-}
-
-auto QuantileFormula(double scale, double shape, double threshold) {
-  return [=](double p) { return threshold + std::exp(scale + shape * StandardNormalQuantile(p)); };
-}
-
 }  // namespace
 
 double Density(double x, double scale, double shape, double threshold) {
@@ -64,7 +57,8 @@ double LogDensity(double x, double scale, double shape, double threshold) {
 }
 
 double Cdf(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x, CdfFormula(scale, shape, threshold));
+  return ProbabilityAt(IsValid(scale, shape, threshold), x,
+                       [=](double at) { return vector_forms::LognormalCdf(at, scale, shape, threshold); });
 }
 
 double Complement(double x, double scale, double shape, double threshold) {
@@ -75,7 +69,8 @@ double Complement(double x, double scale, double shape, double threshold) {
 }
 
 double Quantile(double p, double scale, double shape, double threshold) {
-  return QuantileAt(IsValid(scale, shape, threshold), p, QuantileFormula(scale, shape, threshold));
+  return QuantileAt(IsValid(scale, shape, threshold), p,
+                    [=](double at) { return vector_forms::LognormalQuantile(at, scale, shape, threshold); });
 }
 
 double ComplementQuantile(double q, double scale, double shape, double threshold) {
@@ -85,12 +80,14 @@ double ComplementQuantile(double q, double scale, double shape, double threshold
 }
 
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out) {
-  ProbabilitiesAt(IsValid(scale, shape, threshold), x, out, CdfFormula(scale, shape, threshold));
+  if (!IsValid(scale, shape, threshold)) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::LognormalCdf(x, scale, shape, threshold, out);
 }
 
 void Quantile(std::span<const double> p, double scale, double shape, double threshold,
               std::span<double> out) {
-  QuantilesAt(IsValid(scale, shape, threshold), p, out, QuantileFormula(scale, shape, threshold));
+  if (!IsValid(scale, shape, threshold)) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::LognormalQuantile(p, scale, shape, threshold, out);
 }
 
 }  // namespace brenvolt::lognormal

@@ -1,24 +1,13 @@
 // The normal distribution: z = (x - location) / scale, taken once.
 #include "host/numeric/law_forms.h"
 #include "host/numeric/standard_normal.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::normal {
 
 bool IsValid(double location, double scale) {
   return std::isfinite(location) && IsPositiveFinite(scale);
 }
-
-namespace {
-
-auto CdfFormula(double location, double scale) {
-  return [=](double x) { return StandardNormalCdf((x - location) / scale); };
-}
-
-auto QuantileFormula(double location, double scale) {
-  return [=](double p) { return location + scale * StandardNormalQuantile(p); };
-}
-
-}  // namespace
 
 double Density(double x, double location, double scale) {
   return ProbabilityAt(IsValid(location, scale), x, [=](double at) {
@@ -34,7 +23,8 @@ double LogDensity(double x, double location, double scale) {
 }
 
 double Cdf(double x, double location, double scale) {
-  return ProbabilityAt(IsValid(location, scale), x, CdfFormula(location, scale));
+  return ProbabilityAt(IsValid(location, scale), x,
+                       [=](double at) { return vector_forms::NormalCdf(at, location, scale); });
 }
 
 double Complement(double x, double location, double scale) {
@@ -43,7 +33,8 @@ double Complement(double x, double location, double scale) {
 }
 
 double Quantile(double p, double location, double scale) {
-  return QuantileAt(IsValid(location, scale), p, QuantileFormula(location, scale));
+  return QuantileAt(IsValid(location, scale), p,
+                    [=](double at) { return vector_forms::NormalQuantile(at, location, scale); });
 }
 
 double ComplementQuantile(double q, double location, double scale) {
@@ -52,11 +43,13 @@ double ComplementQuantile(double q, double location, double scale) {
 }
 
 void Cdf(std::span<const double> x, double location, double scale, std::span<double> out) {
-  ProbabilitiesAt(IsValid(location, scale), x, out, CdfFormula(location, scale));
+  if (!IsValid(location, scale)) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::NormalCdf(x, location, scale, out);
 }
 
 void Quantile(std::span<const double> p, double location, double scale, std::span<double> out) {
-  QuantilesAt(IsValid(location, scale), p, out, QuantileFormula(location, scale));
+  if (!IsValid(location, scale)) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::NormalQuantile(p, location, scale, out);
 }
 
 }  // namespace brenvolt::normal

@@ -7,11 +7,13 @@
 
 #include <Random123/philox.h>
 
+#include <algorithm>
 #include <array>
 #include <cassert>
 #include <cstddef>
 
 #include "host/numeric/standard_normal.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt {
 namespace {
@@ -88,19 +90,25 @@ double RandomStream::Uniform(std::uint64_t position) const {
 }
 
 void RandomStream::FillUniform(std::uint64_t position, std::span<double> out) const {
-  std::size_t i = 0;
-  if (position % 2 == 1 && !out.empty()) out[i++] = Uniform(position);
-  for (; i + 1 < out.size(); i += 2) {
-    const auto pair = Block(seed_, (position + i) / 2);
-    out[i] = pair[0];
-    out[i + 1] = pair[1];
+  if (out.empty()) return;
+  if (position % 2 == 1) {
+    out.front() = Uniform(position);
+    ++position;
+    out = out.subspan(1);
   }
-  if (i < out.size()) out[i] = Uniform(position + i);
+  const std::size_t paired = out.size() - out.size() % 2;
+  vector_forms::PhiloxUniforms(static_cast<std::uint32_t>(seed_), kStreamTag, position / 2,
+                               out.first(paired));
+  if (paired < out.size()) out.back() = Uniform(position + paired);
 }
 
 void RandomStream::FillNormal(std::uint64_t position, double sd, std::span<double> out) const {
-  FillUniform(position, out);
-  for (double& value : out) value = sd * NormalFromUniform(value);
+  constexpr std::size_t kBlock = 2048;  // stays in the nearest cache between the two steps
+  for (std::size_t begin = 0; begin < out.size(); begin += kBlock) {
+    const auto block = out.subspan(begin, std::min(kBlock, out.size() - begin));
+    FillUniform(position + begin, block);
+    vector_forms::NormalsFromUniforms(block, sd, block);
+  }
 }
 
 }  // namespace brenvolt

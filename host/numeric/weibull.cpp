@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "host/numeric/law_forms.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::weibull {
 
@@ -28,14 +29,6 @@ double AtHazard(double hazard, double scale, double shape, double threshold) {
   return threshold + scale * std::pow(hazard, 1.0 / shape);
 }
 
-auto CdfFormula(double scale, double shape, double threshold) {
-  return [=](double x) { return -std::expm1(-Hazard(x, scale, shape, threshold)); };
-}
-
-auto QuantileFormula(double scale, double shape, double threshold) {
-  return [=](double p) { return AtHazard(-std::log1p(-p), scale, shape, threshold); };
-}
-
 }  // namespace
 
 double Density(double x, double scale, double shape, double threshold) {
@@ -57,7 +50,8 @@ double LogDensity(double x, double scale, double shape, double threshold) {
 }
 
 double Cdf(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x, CdfFormula(scale, shape, threshold));
+  return ProbabilityAt(IsValid(scale, shape, threshold), x,
+                       [=](double at) { return vector_forms::WeibullCdf(at, scale, shape, threshold); });
 }
 
 double Complement(double x, double scale, double shape, double threshold) {
@@ -66,7 +60,8 @@ double Complement(double x, double scale, double shape, double threshold) {
 }
 
 double Quantile(double p, double scale, double shape, double threshold) {
-  return QuantileAt(IsValid(scale, shape, threshold), p, QuantileFormula(scale, shape, threshold));
+  return QuantileAt(IsValid(scale, shape, threshold), p,
+                    [=](double at) { return vector_forms::WeibullQuantile(at, scale, shape, threshold); });
 }
 
 double ComplementQuantile(double q, double scale, double shape, double threshold) {
@@ -75,12 +70,14 @@ double ComplementQuantile(double q, double scale, double shape, double threshold
 }
 
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out) {
-  ProbabilitiesAt(IsValid(scale, shape, threshold), x, out, CdfFormula(scale, shape, threshold));
+  if (!IsValid(scale, shape, threshold)) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::WeibullCdf(x, scale, shape, threshold, out);
 }
 
 void Quantile(std::span<const double> p, double scale, double shape, double threshold,
               std::span<double> out) {
-  QuantilesAt(IsValid(scale, shape, threshold), p, out, QuantileFormula(scale, shape, threshold));
+  if (!IsValid(scale, shape, threshold)) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::WeibullQuantile(p, scale, shape, threshold, out);
 }
 
 }  // namespace brenvolt::weibull

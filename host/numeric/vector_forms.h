@@ -1,0 +1,58 @@
+// The innermost formulas, as scalars and over arrays, on the widest vectors that the machine offers.
+//
+// Every formula has one source, written for any number of lanes; the scalar form runs it on one lane. It uses
+// only operations that IEEE 754 rounds correctly (+, -, *, /, square root, comparisons and bits), never a
+// fused multiply-add. So scalar and array forms give the same bits, on every instruction set.
+//
+// Arrays: `out` has the length of the input at least and may be the input itself. Parameters are taken as
+// valid; callers check them.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+namespace brenvolt::elementary {
+
+// The functions of the mathematical library, correct to about one unit in the last place, with its values for
+// zeros, infinities, NaN and arguments outside the domain.
+double Exp(double x);
+double Log(double x);
+double Expm1(double x);
+double Log1p(double x);
+void Exp(std::span<const double> x, std::span<double> out);
+void Log(std::span<const double> x, std::span<double> out);
+void Expm1(std::span<const double> x, std::span<double> out);
+void Log1p(std::span<const double> x, std::span<double> out);
+
+}  // namespace brenvolt::elementary
+
+namespace brenvolt::vector_forms {
+
+// Distribution functions: NaN in, NaN out.
+double NormalCdf(double x, double location, double scale);
+double LognormalCdf(double x, double scale, double shape, double threshold);
+double WeibullCdf(double x, double scale, double shape, double threshold);
+void NormalCdf(std::span<const double> x, double location, double scale, std::span<double> out);
+void LognormalCdf(std::span<const double> x, double scale, double shape, double threshold,
+                  std::span<double> out);
+void WeibullCdf(std::span<const double> x, double scale, double shape, double threshold,
+                std::span<double> out);
+
+// Quantiles: NaN in, NaN out; kInvalidQuantile for a p outside [0, 1].
+double NormalQuantile(double p, double location, double scale);
+double LognormalQuantile(double p, double scale, double shape, double threshold);
+double WeibullQuantile(double p, double scale, double shape, double threshold);
+void NormalQuantile(std::span<const double> p, double location, double scale, std::span<double> out);
+void LognormalQuantile(std::span<const double> p, double scale, double shape, double threshold,
+                       std::span<double> out);
+void WeibullQuantile(std::span<const double> p, double scale, double shape, double threshold,
+                     std::span<double> out);
+
+// sd times the normal deviate of each uniform deviate; see NormalFromUniform.
+void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out);
+
+// The uniform deviates of the Philox 4x32-10 blocks firstBlock, firstBlock + 1, … under a key, two of each
+// block. `out` has an even length. Layout: random_stream.cpp.
+void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out);
+
+}  // namespace brenvolt::vector_forms

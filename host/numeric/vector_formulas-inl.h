@@ -1,0 +1,244 @@
+// The formulas of vector_forms.h over vectors of any length; included once per instruction set.
+//
+// Source of the accuracy: reductions whose leading parts are exact, so that only small corrections round.
+#if defined(HOST_NUMERIC_VECTOR_FORMULAS_INL_H_) == defined(HWY_TARGET_TOGGLE)
+#ifdef HOST_NUMERIC_VECTOR_FORMULAS_INL_H_
+#undef HOST_NUMERIC_VECTOR_FORMULAS_INL_H_
+#else
+#define HOST_NUMERIC_VECTOR_FORMULAS_INL_H_
+#endif
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+
+#include "host/numeric/standard_normal.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace brenvolt {
+namespace HWY_NAMESPACE {
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+inline constexpr double kVectorInfinity = std::numeric_limits<double>::infinity();
+// Adding it rounds to a whole number, which then stands in the low bits.
+inline constexpr double kRounder = 0x1.8p52;
+inline constexpr int kMantissaBits = 52;
+
+// Polynomial with coefficients from the highest power down.
+template <class D, class V, std::size_t kSize>
+HWY_INLINE V Horner(D d, const double (&coefficients)[kSize], V x) {
+  V sum = hn::Set(d, coefficients[0]);
+  for (std::size_t i = 1; i < kSize; ++i) sum = hn::Add(hn::Mul(sum, x), hn::Set(d, coefficients[i]));
+  return sum;
+}
+
+// ln x = exponent ln 2 + (leading + rest) for positive finite x: x = 2^exponent m, m in [sqrt(1/2), sqrt 2),
+// leading = m - 1 exactly, ln m = 2 artanh s by its series.
+template <class V>
+struct Logarithm {
+  V exponent;
+  V leading;
+  V rest;
+};
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE Logarithm<V> SplitLog(D d, V x) {
+  static constexpr double kSeries[] = {1.0 / 23, 1.0 / 21, 1.0 / 19, 1.0 / 17, 1.0 / 15, 1.0 / 13,
+                                       1.0 / 11, 1.0 / 9,  1.0 / 7,  1.0 / 5,  1.0 / 3};
+  constexpr std::uint64_t kSqrtHalfBits = 0x3FE6A09E667F3BCDULL;
+  constexpr std::uint64_t kBias = std::uint64_t{1024} << kMantissaBits;
+  constexpr std::uint64_t kExponentMask = ~std::uint64_t{0} << kMantissaBits;
+  constexpr std::uint64_t kWholeBits = 0x4330000000000000ULL;  // 2^52, whose last mantissa bit counts 1
+  const hn::Rebind<std::uint64_t, D> du;
+  const auto isSubnormal = hn::Lt(x, hn::Set(d, std::numeric_limits<double>::min()));
+  const auto bits = hn::BitCast(du, hn::IfThenElse(isSubnormal, hn::Mul(x, hn::Set(d, 0x1p54)), x));
+  const auto biased = hn::Add(hn::Sub(bits, hn::Set(du, kSqrtHalfBits)), hn::Set(du, kBias));
+  const auto whole =
+      hn::BitCast(d, hn::Or(hn::template ShiftRight<kMantissaBits>(biased), hn::Set(du, kWholeBits)));
+  const V exponent =
+      hn::Sub(hn::Sub(whole, hn::Set(d, 0x1p52 + 1024.0)), hn::IfThenElseZero(isSubnormal, hn::Set(d, 54.0)));
+  const auto mBits = hn::Add(hn::Sub(bits, hn::And(biased, hn::Set(du, kExponentMask))), hn::Set(du, kBias));
+  const V m = hn::BitCast(d, mBits);
+  const V one = hn::Set(d, 1.0);
+  const V f = hn::Sub(m, one);
+  const V s = hn::Div(f, hn::Add(m, one));
+  const V s2 = hn::Mul(s, s);
+  // 2 s = f - s f, which keeps the leading part free of the division's rounding.
+  const V cubic = hn::Mul(hn::Mul(hn::Mul(hn::Set(d, 2.0), s), s2), Horner(d, kSeries, s2));
+  return {exponent, f, hn::Sub(cubic, hn::Mul(s, f))};
+}
+
+// ln x for positive finite x.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V LogOfPositive(D d, V x) {
+  const Logarithm<V> log = SplitLog(d, x);
+  const V rest = hn::Add(log.rest, hn::Mul(log.exponent, hn::Set(d, kLogTwoLow)));
+  return hn::Add(hn::Mul(log.exponent, hn::Set(d, kLogTwoHigh)), hn::Add(log.leading, rest));
+}
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V Log(D d, V x) {
+  const V infinity = hn::Set(d, kVectorInfinity);
+  const V zero = hn::Zero(d);
+  V y = LogOfPositive(d, x);
+  y = hn::IfThenElse(hn::Eq(x, infinity), infinity, y);
+  y = hn::IfThenElse(hn::Eq(x, zero), hn::Neg(infinity), y);
+  return hn::IfThenElse(hn::Ge(x, zero), y, hn::Set(d, std::numeric_limits<double>::quiet_NaN()));
+}
+
+// ln(1 + x): the rounding of u = 1 + x made good by c / u.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V Log1p(D d, V x) {
+  const V one = hn::Set(d, 1.0);
+  const V zero = hn::Zero(d);
+  const V u = hn::Add(one, x);
+  const V c = hn::IfThenElse(hn::Gt(x, one), hn::Sub(one, hn::Sub(u, x)), hn::Sub(x, hn::Sub(u, one)));
+  const V y = hn::Add(LogOfPositive(d, u), hn::Div(c, u));
+  const auto isRegular = hn::And(hn::Gt(u, zero), hn::Lt(u, hn::Set(d, kVectorInfinity)));
+  return hn::IfThenElse(hn::Eq(x, zero), x, hn::IfThenElse(isRegular, y, Log(d, u)));
+}
+
+// 2^k for whole k in [-1022, 1023].
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V PowerOfTwo(D d, V k) {
+  const hn::Rebind<std::uint64_t, D> du;
+  const auto bits = hn::BitCast(du, hn::Add(k, hn::Set(d, kRounder + 1023.0)));
+  return hn::BitCast(d, hn::template ShiftLeft<kMantissaBits>(bits));
+}
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V RoundToWhole(D d, V x) {
+  return hn::Sub(hn::Add(x, hn::Set(d, kRounder)), hn::Set(d, kRounder));
+}
+
+// exp(x + low) = 2^power (1 + excess), |excess| < 0.42, for |x| < 1e4 and a small low.
+template <class V>
+struct Exponential {
+  V power;
+  V excess;
+};
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE Exponential<V> SplitExp(D d, V x, V low) {
+  static constexpr double kSeries[] = {1.0 / 6227020800, 1.0 / 479001600, 1.0 / 39916800, 1.0 / 3628800,
+                                       1.0 / 362880,     1.0 / 40320,     1.0 / 5040,     1.0 / 720,
+                                       1.0 / 120,        1.0 / 24,        1.0 / 6,        1.0 / 2};
+  const V k = RoundToWhole(d, hn::Mul(x, hn::Set(d, std::numbers::log2e)));
+  const V main = hn::Sub(x, hn::Mul(k, hn::Set(d, kLogTwoHigh)));
+  const V r = hn::Add(hn::Sub(main, hn::Mul(k, hn::Set(d, kLogTwoLow))), low);
+  return {k, hn::Add(r, hn::Mul(hn::Mul(r, r), Horner(d, kSeries, r)))};
+}
+
+// v 2^k for |k| <= 2000, in two steps, so that the result may be subnormal.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V TimesPowerOfTwo(D d, V v, V k) {
+  const V half = RoundToWhole(d, hn::Mul(k, hn::Set(d, 0.5)));
+  return hn::Mul(hn::Mul(v, PowerOfTwo(d, half)), PowerOfTwo(d, hn::Sub(k, half)));
+}
+
+inline constexpr double kExpUnderflow = -746.0;
+inline constexpr double kExpOverflow = 710.0;
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V Exp(D d, V x) {
+  const V within = hn::Max(hn::Min(x, hn::Set(d, kExpOverflow)), hn::Set(d, kExpUnderflow));
+  const Exponential<V> e = SplitExp(d, within, hn::Zero(d));
+  const V y = TimesPowerOfTwo(d, hn::Add(hn::Set(d, 1.0), e.excess), e.power);
+  return hn::IfThenElse(hn::IsNaN(x), x, y);
+}
+
+// exp(x) - 1 = 2 (s excess + (s - 1/2)), s = 2^(power - 1): the halves keep s finite at the upper end.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V Expm1(D d, V x) {
+  constexpr double kAllButOne = -50.0;  // below it the result rounds to -1
+  constexpr double kTiny = 0x1p-60;     // below it the result is x
+  const V within = hn::Max(hn::Min(x, hn::Set(d, kExpOverflow)), hn::Set(d, kAllButOne));
+  const Exponential<V> e = SplitExp(d, within, hn::Zero(d));
+  const V s = PowerOfTwo(d, hn::Sub(e.power, hn::Set(d, 1.0)));
+  const V half = hn::Add(hn::Mul(s, e.excess), hn::Sub(s, hn::Set(d, 0.5)));
+  const auto isLarge = hn::Ge(hn::Abs(x), hn::Set(d, kTiny));
+  return hn::IfThenElse(isLarge, hn::Add(half, half), x);
+}
+
+// P(Z <= z). With a = |z|, (a + 5) exp(a^2 / 2) P(Z <= -a) is a polynomial in u = (5/4 a - 5) / (a + 5),
+// which runs from -1 at a = 0 to 1 at a = 40; its coefficients are those of the Chebyshev interpolant of
+// degree 20, relative error 4e-16. a^2 is formed exactly from a short leading part of a and the rest.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V StandardCdf(D d, V z) {
+  static constexpr double kScaledTail[] = {
+      2.3343889890540847e-10, -1.3408330191275695e-09, -3.6620795312196464e-09, 1.7329859278196154e-08,
+      3.72131887884614e-08,   -1.6292424336109805e-07, -3.1407499772142164e-07, 1.62950706771467e-06,
+      1.9813748441076537e-06, -1.8308474386299975e-05, 4.026944197191261e-06,   0.00019836118393340522,
+      -0.0005313521456081611, -0.0008922359409187841,  0.011238259242670889,    -0.046439848476985776,
+      0.12948165075057605,    -0.2781194819583972,     0.48437498414282854,     -0.7004649271683167,
+      0.8496957717177205};
+  constexpr std::uint64_t kShortMask = ~std::uint64_t{0} << 27;
+  constexpr double kReach = 40.0;  // P(Z <= -40) is below the smallest double
+  const hn::Rebind<std::uint64_t, D> du;
+  const V one = hn::Set(d, 1.0);
+  const V five = hn::Set(d, 5.0);
+  const V a = hn::Min(hn::Abs(z), hn::Set(d, kReach));
+  const V inverse = hn::Div(one, hn::Add(a, five));
+  const V u = hn::Mul(hn::Sub(hn::Mul(hn::Set(d, 1.25), a), five), inverse);
+  const V scaled = hn::Mul(Horner(d, kScaledTail, u), inverse);
+
+  const V leading = hn::BitCast(d, hn::And(hn::BitCast(du, a), hn::Set(du, kShortMask)));
+  const V minusHalf = hn::Set(d, -0.5);
+  const V high = hn::Mul(minusHalf, hn::Mul(leading, leading));
+  const V low = hn::Mul(minusHalf, hn::Mul(hn::Sub(a, leading), hn::Add(a, leading)));
+  const Exponential<V> e = SplitExp(d, high, low);
+  const V tail = TimesPowerOfTwo(d, hn::Mul(scaled, hn::Add(one, e.excess)), e.power);
+  const V result = hn::IfThenElse(hn::Gt(z, hn::Zero(d)), hn::Sub(one, tail), tail);
+  return hn::IfThenElse(hn::IsNaN(z), z, result);
+}
+
+// The z <= 0 with P(Z <= z) = p, for 0 < p <= 1/2: Wichura (1988), algorithm AS 241, routine PPND16. Its
+// centre, p >= 0.075, and its tail, apart, since the tail costs more and few values need it.
+inline constexpr double kCentre = -0.425;  // the least p - 1/2 of the centre
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V CentreQuantile(D d, V q) {
+  static constexpr double kA[] = {
+      2.5090809287301226727e+3, 3.3430575583588128105e+4, 6.7265770927008700853e+4, 4.5921953931549871457e+4,
+      1.3731693765509461125e+4, 1.9715909503065514427e+3, 1.3314166789178437745e+2, 3.3871328727963666080e+0};
+  static constexpr double kB[] = {
+      5.2264952788528545610e+3, 2.8729085735721942674e+4, 3.9307895800092710610e+4, 2.1213794301586595867e+4,
+      5.3941960214247511077e+3, 6.8718700749205790830e+2, 4.2313330701600911252e+1, 1.0};
+  const V r = hn::Sub(hn::Set(d, 0.180625), hn::Mul(q, q));
+  return hn::Mul(q, hn::Div(Horner(d, kA, r), Horner(d, kB, r)));
+}
+
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V TailQuantile(D d, V p) {
+  static constexpr double kC[] = {7.74545014278341407640e-4, 2.27238449892691845833e-2,
+                                  2.41780725177450611770e-1, 1.27045825245236838258e+0,
+                                  3.64784832476320460504e+0, 5.76949722146069140550e+0,
+                                  4.63033784615654529590e+0, 1.42343711074968357734e+0};
+  static constexpr double kD[] = {1.05075007164441684324e-9, 5.47593808499534494600e-4,
+                                  1.51986665636164571966e-2, 1.48103976427480074590e-1,
+                                  6.89767334985100004550e-1, 1.67638483018380384940e+0,
+                                  2.05319162663775882187e+0, 1.0};
+  static constexpr double kE[] = {2.01033439929228813265e-7, 2.71155556874348757815e-5,
+                                  1.24266094738807843860e-3, 2.65321895265761230930e-2,
+                                  2.96560571828504891230e-1, 1.78482653991729133580e+0,
+                                  5.46378491116411436990e+0, 6.65790464350110377720e+0};
+  static constexpr double kF[] = {2.04426310338993978564e-15, 1.42151175831644588870e-7,
+                                  1.84631831751005468180e-5,  7.86869131145613259100e-4,
+                                  1.48753612908506148525e-2,  1.36929880922735805310e-1,
+                                  5.99832206555887937690e-1,  1.0};
+  const V r = hn::Sqrt(hn::Neg(LogOfPositive(d, p)));
+  const V near = hn::Sub(r, hn::Set(d, 1.6));
+  const V nearZ = hn::Neg(hn::Div(Horner(d, kC, near), Horner(d, kD, near)));
+  const auto isNear = hn::Le(r, hn::Set(d, 5.0));
+  if (HWY_LIKELY(hn::AllTrue(d, isNear))) return nearZ;
+  const V far = hn::Sub(r, hn::Set(d, 5.0));
+  return hn::IfThenElse(isNear, nearZ, hn::Neg(hn::Div(Horner(d, kE, far), Horner(d, kF, far))));
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#endif
