@@ -80,10 +80,10 @@ std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, doub
 // standard deviation} per component, means ascending. numberOfComponents from 1 to n / 2; it returns the
 // number fitted. Maximum likelihood by expectation-maximisation (Dempster, Laird & Rubin 1977), accelerated
 // after Varadhan & Roland (2008), from several starts that depend on the data alone; the greatest likelihood
-// wins. Converged when a step gains less than 1e-12 of the log-likelihood per value. A component that comes
-// to hold fewer than two values, or whose standard deviation falls below 1e-6 of that of the data, has
-// collapsed (the likelihood is unbounded there), and its start is dropped; so is one that ends with two
-// components in one place. kNoMaximum when none is left.
+// wins. A run has converged when three cycles in a row gain less than 1e-12 in the log-likelihood per value;
+// after 1000 cycles it stands as it is. A run has collapsed, and is dropped, when a component comes to hold
+// fewer than two values or its standard deviation falls below 1e-6 of that of the data (the likelihood is
+// unbounded there); so is a run that ends with two components in one place. kNoMaximum when none is left.
 std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
                                 std::int32_t& numberOfComponents, EstimationError& error);
 

@@ -323,7 +323,7 @@ def has_maximum(estimator, data, threshold):
         inner = (values[1:-1] > values[:-2] + 1e-12) & (values[1:-1] > values[2:] + 1e-12)
         return bool(np.any(inner & (shapes[1:-1] > -1) & (np.abs(ratios[1:-1]) > 1e-4)))
     z = (data - np.median(data)) / np.ptp(data)
-    shapes, values = np.arange(-0.99, 15, 0.03), []
+    shapes, values = np.concatenate([np.arange(-0.99, 1, 0.04), np.arange(1, 15, 0.25)]), []
     for shape in shapes:
         best = -math.inf
         for location, scale in ((0, 0.3), (np.min(z), 0.3), (0, 2.0), (np.min(z) + 0.1, 1.0)):
