@@ -12,7 +12,7 @@ struct SamplingMethod;
 
 class VariableSampler {
  public:
-  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the specification's own
+  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the distribution's own
   // truncation narrows the range further.
   VariableSampler(const DistributionSpecification& specification, bool truncate);
 
