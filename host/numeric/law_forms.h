@@ -47,6 +47,30 @@ void QuantilesAt(bool isValid, std::span<const double> p, std::span<double> out,
   for (std::size_t i = 0; i < p.size(); ++i) out[i] = QuantileAt(isValid, p[i], formula);
 }
 
+// The same for a type given as a value that knows whether it is valid and has the formulas as its methods.
+template <class Law>
+using Formula = double (Law::*)(double) const;
+
+template <class Law>
+double ProbabilityAt(const Law& law, Formula<Law> formula, double x) {
+  return ProbabilityAt(law.IsValid(), x, [&](double at) { return (law.*formula)(at); });
+}
+
+template <class Law>
+double QuantileAt(const Law& law, Formula<Law> formula, double p) {
+  return QuantileAt(law.IsValid(), p, [&](double at) { return (law.*formula)(at); });
+}
+
+template <class Law>
+void ProbabilitiesAt(const Law& law, Formula<Law> formula, std::span<const double> x, std::span<double> out) {
+  ProbabilitiesAt(law.IsValid(), x, out, [&](double at) { return (law.*formula)(at); });
+}
+
+template <class Law>
+void QuantilesAt(const Law& law, Formula<Law> formula, std::span<const double> p, std::span<double> out) {
+  QuantilesAt(law.IsValid(), p, out, [&](double at) { return (law.*formula)(at); });
+}
+
 // The array forms under invalid parameters.
 inline void FillInvalid(std::size_t count, double sentinel, std::span<double> out) {
   assert(out.size() >= count);

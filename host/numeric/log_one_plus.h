@@ -4,6 +4,9 @@
 #pragma once
 
 #include <cmath>
+#include <limits>
+
+#include "host/numeric/exact_sums.h"
 
 namespace brenvolt {
 
@@ -46,6 +49,30 @@ inline LogOnePlus DifferentiateLogOnePlus(double z, double k) {
   w.byK = z * z * byK;
   w.byKK = z * z * z * byKK;
   return w;
+}
+
+// w((x - origin) / scale, k) for any x, infinite beyond the end of the support, where 1 + k z <= 0. The sum
+// scale + k (x - origin) is formed with its rounding errors, so that the result is good right up to that end.
+inline double LogOnePlusAt(double x, double origin, double scale, double k) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  constexpr double kTiny = 1e-290;  // below it, k z may lose digits, and w = z to all of them
+  if (std::isinf(x)) return x;
+  const TwoPartSum y = ExactDifference(x, origin);
+  const double z = y.high / scale;
+  const double slope = k * y.high;
+  if (std::abs(k * z) < kTiny) return z;
+  const TwoPartSum sum = ExactSum(scale, slope);
+  const double rest = std::fma(k, y.high, -slope) + k * y.low;
+  const double base = sum.high + (sum.low + rest);
+  if (base <= 0.0) return k > 0.0 ? -kInfinity : kInfinity;
+  const bool isNearOne = std::abs(slope) <= 0.5 * scale;
+  return (isNearOne ? std::log1p((slope + rest) / scale) : std::log(base / scale)) / k;
+}
+
+// The z with w(z, k) = w.
+inline double InverseLogOnePlus(double w, double k) {
+  constexpr double kTiny = 1e-290;
+  return std::abs(k) < kTiny || std::abs(k * w) < kTiny ? w : std::expm1(k * w) / k;
 }
 
 }  // namespace brenvolt

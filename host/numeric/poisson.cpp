@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "host/numeric/law_forms.h"
+#include "host/numeric/quantile_search.h"
 #include "host/numeric/saddle_point.h"
 #include "host/numeric/standard_normal.h"
 
@@ -90,38 +91,6 @@ double LogProbability(double k, double mean) {
 
 bool IsInSupport(double x) {
   return x >= 0.0 && x == std::floor(x) && !std::isinf(x);
-}
-
-// The smallest whole k >= 0 at which `isReached`(k) holds, for a predicate that stays true once it is;
-// `start` is a guess. Steps away from the guess double until they bracket the answer, then the bracket is
-// halved.
-template <class Predicate>
-double SmallestReached(double start, const Predicate& isReached) {
-  double step = 1.0;
-  double low = -1.0;  // not reached
-  double high = start;
-  if (isReached(start)) {
-    for (double k = start - step; k >= 0.0; k -= step) {
-      if (!isReached(k)) {
-        low = k;
-        break;
-      }
-      high = k;
-      step *= 2.0;
-    }
-  } else {
-    do {
-      low = high;
-      high += step;
-      step *= 2.0;
-    } while (!isReached(high));
-  }
-  while (high - low > 1.0) {
-    const double middle = std::floor(low + (high - low) / 2.0);
-    if (middle <= low || middle >= high) break;  // beyond 2^53 neighbours are more than 1 apart
-    (isReached(middle) ? high : low) = middle;
-  }
-  return high;
 }
 
 // Cornish & Fisher (1938) to the second term: a guess at the quantile whose normal counterpart is z.

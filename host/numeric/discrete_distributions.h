@@ -1,0 +1,74 @@
+// The distributions of counts and of classes. The vocabulary is that of distributions.h; Density is the
+// probability of x, Quantile the smallest value whose probability reaches p.
+#pragma once
+
+#include <span>
+
+#include "host/numeric/distribution_values.h"
+
+namespace brenvolt {
+
+// A tail takes time in proportion to the standard deviation: microseconds up to 1e5 trials, 1 ms at 1e9.
+namespace binomial {  // proportion in [0, 1] of successes in trials 1, 2, … up to 2^53
+bool IsValid(double proportion, double trials);
+double Density(double x, double proportion, double trials);
+double LogDensity(double x, double proportion, double trials);
+double Cdf(double x, double proportion, double trials);
+double Complement(double x, double proportion, double trials);
+double Quantile(double p, double proportion, double trials);
+double ComplementQuantile(double q, double proportion, double trials);
+void Cdf(std::span<const double> x, double proportion, double trials, std::span<double> out);
+void Quantile(std::span<const double> p, double proportion, double trials, std::span<double> out);
+}  // namespace binomial
+
+namespace poisson {  // mean > 0; support 0, 1, 2, …
+bool IsValid(double mean);
+double Density(double x, double mean);
+double LogDensity(double x, double mean);
+double Cdf(double x, double mean);
+double Complement(double x, double mean);
+double Quantile(double p, double mean);
+double ComplementQuantile(double q, double mean);
+void Cdf(std::span<const double> x, double mean, std::span<double> out);
+void Quantile(std::span<const double> p, double mean, std::span<double> out);
+}  // namespace poisson
+
+namespace geometric {  // failures before the first success, 0, 1, 2, …; proportion in (0, 1]
+bool IsValid(double proportion);
+double Density(double x, double proportion);
+double LogDensity(double x, double proportion);
+double Cdf(double x, double proportion);
+double Complement(double x, double proportion);
+double Quantile(double p, double proportion);
+double ComplementQuantile(double q, double proportion);
+void Cdf(std::span<const double> x, double proportion, std::span<double> out);
+void Quantile(std::span<const double> p, double proportion, std::span<double> out);
+}  // namespace geometric
+
+namespace bernoulli {  // 1 with the proportion in [0, 1], else 0
+bool IsValid(double proportion);
+double Density(double x, double proportion);
+double LogDensity(double x, double proportion);
+double Cdf(double x, double proportion);
+double Complement(double x, double proportion);
+double Quantile(double p, double proportion);
+double ComplementQuantile(double q, double proportion);
+void Cdf(std::span<const double> x, double proportion, std::span<double> out);
+void Quantile(std::span<const double> p, double proportion, std::span<double> out);
+}  // namespace bernoulli
+
+// Proportions count relative to their sum, which lies within 2e-5 of 1; codes that appear twice add up. The
+// array forms prepare the classes once; many values are better asked for together.
+namespace histogram {  // code, proportion >= 0, repeated, codes in any order
+bool IsValid(std::span<const double> classes);
+double Density(double x, std::span<const double> classes);
+double LogDensity(double x, std::span<const double> classes);
+double Cdf(double x, std::span<const double> classes);
+double Complement(double x, std::span<const double> classes);
+double Quantile(double p, std::span<const double> classes);
+double ComplementQuantile(double q, std::span<const double> classes);
+void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out);
+void Quantile(std::span<const double> p, std::span<const double> classes, std::span<double> out);
+}  // namespace histogram
+
+}  // namespace brenvolt

@@ -1,0 +1,72 @@
+// The distributions of lives, extremes and exceedances, and the triangular one. The vocabulary is that of
+// distributions.h. A positive shape of the generalized types means a heavy upper tail, a negative one a
+// finite upper end; both are smooth through shape 0, the Gumbel and the exponential distribution.
+#pragma once
+
+#include <span>
+
+#include "host/numeric/distribution_values.h"
+
+namespace brenvolt {
+
+namespace weibull {  // scale > 0: the characteristic life; shape > 0
+bool IsValid(double scale, double shape);
+double Density(double x, double scale, double shape, double threshold);
+double LogDensity(double x, double scale, double shape, double threshold);
+double Cdf(double x, double scale, double shape, double threshold);
+double Complement(double x, double scale, double shape, double threshold);
+double Quantile(double p, double scale, double shape, double threshold);
+double ComplementQuantile(double q, double scale, double shape, double threshold);
+void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
+void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+}  // namespace weibull
+
+namespace rayleigh {  // the length of a plane normal vector with scale > 0 along each axis
+bool IsValid(double scale);
+double Density(double x, double scale, double threshold);
+double LogDensity(double x, double scale, double threshold);
+double Cdf(double x, double scale, double threshold);
+double Complement(double x, double scale, double threshold);
+double Quantile(double p, double scale, double threshold);
+double ComplementQuantile(double q, double scale, double threshold);
+void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
+void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
+}  // namespace rayleigh
+
+namespace gev {  // generalized extreme value: location, shape in R; scale > 0
+bool IsValid(double location, double scale, double shape);
+double Density(double x, double location, double scale, double shape);
+double LogDensity(double x, double location, double scale, double shape);
+double Cdf(double x, double location, double scale, double shape);
+double Complement(double x, double location, double scale, double shape);
+double Quantile(double p, double location, double scale, double shape);
+double ComplementQuantile(double q, double location, double scale, double shape);
+void Cdf(std::span<const double> x, double location, double scale, double shape, std::span<double> out);
+void Quantile(std::span<const double> p, double location, double scale, double shape, std::span<double> out);
+}  // namespace gev
+
+namespace gpd {  // generalized Pareto: scale > 0, shape in R
+bool IsValid(double scale, double shape);
+double Density(double x, double scale, double shape, double threshold);
+double LogDensity(double x, double scale, double shape, double threshold);
+double Cdf(double x, double scale, double shape, double threshold);
+double Complement(double x, double scale, double shape, double threshold);
+double Quantile(double p, double scale, double shape, double threshold);
+double ComplementQuantile(double q, double scale, double shape, double threshold);
+void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
+void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+}  // namespace gpd
+
+namespace triangular {  // min <= mode <= max, min < max
+bool IsValid(double min, double max, double mode);
+double Density(double x, double min, double max, double mode);
+double LogDensity(double x, double min, double max, double mode);
+double Cdf(double x, double min, double max, double mode);
+double Complement(double x, double min, double max, double mode);
+double Quantile(double p, double min, double max, double mode);
+double ComplementQuantile(double q, double min, double max, double mode);
+void Cdf(std::span<const double> x, double min, double max, double mode, std::span<double> out);
+void Quantile(std::span<const double> p, double min, double max, double mode, std::span<double> out);
+}  // namespace triangular
+
+}  // namespace brenvolt

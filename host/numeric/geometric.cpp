@@ -1,0 +1,83 @@
+// The geometric distribution of the failures before the first success: P(N > k) = (1 - p)^(k + 1).
+#include <algorithm>
+#include <limits>
+
+#include "host/numeric/law_forms.h"
+#include "host/numeric/quantile_search.h"
+
+namespace brenvolt::geometric {
+
+bool IsValid(double proportion) {
+  return proportion > 0.0 && proportion <= 1.0;
+}
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+struct Law {
+  double p;
+
+  bool IsValid() const { return geometric::IsValid(p); }
+
+  static bool IsInSupport(double k) { return k >= 0.0 && k == std::floor(k) && !std::isinf(k); }
+
+  // count times ln(1 - p), also where that is -infinity and the count 0.
+  double LogOfFailures(double count) const { return count == 0.0 ? 0.0 : count * std::log1p(-p); }
+
+  double Density(double k) const { return IsInSupport(k) ? p * std::exp(LogOfFailures(k)) : 0.0; }
+  double LogDensity(double k) const { return IsInSupport(k) ? std::log(p) + LogOfFailures(k) : -kInfinity; }
+  double Cdf(double x) const { return x >= 0.0 ? -std::expm1(LogOfFailures(std::floor(x) + 1.0)) : 0.0; }
+  double Complement(double x) const { return x >= 0.0 ? std::exp(LogOfFailures(std::floor(x) + 1.0)) : 1.0; }
+
+  // The k at which ln P(N > k) has fallen to logTail, give or take rounding.
+  double Guess(double logTail) const { return std::max(0.0, std::ceil(logTail / std::log1p(-p)) - 1.0); }
+
+  double Quantile(double probability) const {
+    if (p == 1.0 || probability == 0.0) return 0.0;
+    if (probability == 1.0) return kInfinity;
+    return SmallestReached(Guess(std::log1p(-probability)), [&](double k) { return Cdf(k) >= probability; });
+  }
+
+  double ComplementQuantile(double tail) const {
+    if (p == 1.0 || tail == 1.0) return 0.0;
+    if (tail == 0.0) return kInfinity;
+    return SmallestReached(Guess(std::log(tail)), [&](double k) { return Complement(k) <= tail; });
+  }
+};
+
+}  // namespace
+
+double Density(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Density, x);
+}
+
+double LogDensity(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::LogDensity, x);
+}
+
+double Cdf(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Cdf, x);
+}
+
+double Complement(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Complement, x);
+}
+
+double Quantile(double p, double proportion) {
+  return QuantileAt(Law{proportion}, &Law::Quantile, p);
+}
+
+double ComplementQuantile(double q, double proportion) {
+  return QuantileAt(Law{proportion}, &Law::ComplementQuantile, q);
+}
+
+void Cdf(std::span<const double> x, double proportion, std::span<double> out) {
+  ProbabilitiesAt(Law{proportion}, &Law::Cdf, x, out);
+}
+
+void Quantile(std::span<const double> p, double proportion, std::span<double> out) {
+  QuantilesAt(Law{proportion}, &Law::Quantile, p, out);
+}
+
+}  // namespace brenvolt::geometric

@@ -1,0 +1,212 @@
+// For tests and measurements: every distribution type with its functions in one shape, its table of
+// high-precision values, and the error of a computed value against a row of it.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <map>
+#include <span>
+#include <sstream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "host/numeric/distributions.h"
+
+namespace brenvolt::references {
+
+using In = std::span<const double>;
+using Out = std::span<double>;
+using Parameters = std::vector<double>;
+using Function = std::function<double(double, In parameters)>;
+using ArrayFunction = std::function<void(In, In parameters, Out)>;
+
+// The limits that every type keeps.
+inline constexpr double kBodyTolerance = 1e-13;
+inline constexpr double kTailTolerance = 1e-10;
+inline constexpr double kRoundTripTolerance = 1e-12;
+
+struct Type {
+  std::string name;
+  bool isDiscrete;
+  std::vector<std::size_t> origins;  // parameters that are places, to which a quantile is relative
+  std::map<std::string, Function> functions;
+  std::map<std::string, ArrayFunction> arrays;
+};
+
+inline void PrintTo(const Type& type, std::ostream* out) {
+  *out << type.name;
+}
+
+// Functions of separate parameters, P = double…, or of one span of them.
+template <class... P>
+struct Shape {
+  using Scalar = double (*)(double, P...);
+  using Array = void (*)(In, P..., Out);
+
+  template <class Call>
+  static auto Spread(In parameters, const Call& call) {
+    if constexpr ((std::is_same_v<P, In> && ...)) {
+      return call(parameters);
+    } else {
+      return [&]<std::size_t... index>(std::index_sequence<index...>) {
+        return call(parameters[index]...);
+      }
+      (std::index_sequence_for<P...>());
+    }
+  }
+
+  static Function Bind(Scalar f) {
+    return [f](double x, In parameters) { return Spread(parameters, [&](P... p) { return f(x, p...); }); };
+  }
+
+  static ArrayFunction BindArray(Array f) {
+    return [f](In x, In parameters, Out out) { Spread(parameters, [&](P... p) { f(x, p..., out); }); };
+  }
+
+  static Type Make(std::string name, bool isDiscrete, std::vector<std::size_t> origins, Scalar density,
+                   Scalar logDensity, Scalar cdf, Scalar complement, Scalar quantile,
+                   Scalar complementQuantile, Array cdfs, Array quantiles) {
+    return {std::move(name),
+            isDiscrete,
+            std::move(origins),
+            {{"Density", Bind(density)},
+             {"LogDensity", Bind(logDensity)},
+             {"Cdf", Bind(cdf)},
+             {"Complement", Bind(complement)},
+             {"Quantile", Bind(quantile)},
+             {"ComplementQuantile", Bind(complementQuantile)}},
+            {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}}};
+  }
+};
+
+// In the order of the catalogue.
+inline std::vector<Type> AllTypes() {
+  return {
+      Shape<double, double>::Make("normal", false, {0}, normal::Density, normal::LogDensity, normal::Cdf,
+                                  normal::Complement, normal::Quantile, normal::ComplementQuantile,
+                                  normal::Cdf, normal::Quantile),
+      Shape<double, double, double>::Make("lognormal", false, {2}, lognormal::Density, lognormal::LogDensity,
+                                          lognormal::Cdf, lognormal::Complement, lognormal::Quantile,
+                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile),
+      Shape<double, double, double>::Make(
+          "folded_normal", false, {2}, folded_normal::Density, folded_normal::LogDensity, folded_normal::Cdf,
+          folded_normal::Complement, folded_normal::Quantile, folded_normal::ComplementQuantile,
+          folded_normal::Cdf, folded_normal::Quantile),
+      Shape<double, double>::Make("half_normal", false, {1}, half_normal::Density, half_normal::LogDensity,
+                                  half_normal::Cdf, half_normal::Complement, half_normal::Quantile,
+                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile),
+      Shape<double, double>::Make("rayleigh", false, {1}, rayleigh::Density, rayleigh::LogDensity,
+                                  rayleigh::Cdf, rayleigh::Complement, rayleigh::Quantile,
+                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile),
+      Shape<double, double, double>::Make("weibull", false, {2}, weibull::Density, weibull::LogDensity,
+                                          weibull::Cdf, weibull::Complement, weibull::Quantile,
+                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile),
+      Shape<In>::Make("gaussian_mixture", false, {}, gaussian_mixture::Density, gaussian_mixture::LogDensity,
+                      gaussian_mixture::Cdf, gaussian_mixture::Complement, gaussian_mixture::Quantile,
+                      gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
+                      gaussian_mixture::Quantile),
+      Shape<double, double, double, double, double>::Make(
+          "johnson", false, {4}, johnson::Density, johnson::LogDensity, johnson::Cdf, johnson::Complement,
+          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile),
+      Shape<double, double, double>::Make("gev", false, {0}, gev::Density, gev::LogDensity, gev::Cdf,
+                                          gev::Complement, gev::Quantile, gev::ComplementQuantile, gev::Cdf,
+                                          gev::Quantile),
+      Shape<double, double, double>::Make("gpd", false, {2}, gpd::Density, gpd::LogDensity, gpd::Cdf,
+                                          gpd::Complement, gpd::Quantile, gpd::ComplementQuantile, gpd::Cdf,
+                                          gpd::Quantile),
+      Shape<double, double, double>::Make("triangular", false, {0, 1}, triangular::Density,
+                                          triangular::LogDensity, triangular::Cdf, triangular::Complement,
+                                          triangular::Quantile, triangular::ComplementQuantile,
+                                          triangular::Cdf, triangular::Quantile),
+      Shape<double, double>::Make("binomial", true, {}, binomial::Density, binomial::LogDensity,
+                                  binomial::Cdf, binomial::Complement, binomial::Quantile,
+                                  binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile),
+      Shape<double>::Make("poisson", true, {}, poisson::Density, poisson::LogDensity, poisson::Cdf,
+                          poisson::Complement, poisson::Quantile, poisson::ComplementQuantile, poisson::Cdf,
+                          poisson::Quantile),
+      Shape<double>::Make("geometric", true, {}, geometric::Density, geometric::LogDensity, geometric::Cdf,
+                          geometric::Complement, geometric::Quantile, geometric::ComplementQuantile,
+                          geometric::Cdf, geometric::Quantile),
+      Shape<double>::Make("bernoulli", true, {}, bernoulli::Density, bernoulli::LogDensity, bernoulli::Cdf,
+                          bernoulli::Complement, bernoulli::Quantile, bernoulli::ComplementQuantile,
+                          bernoulli::Cdf, bernoulli::Quantile),
+      Shape<In>::Make("histogram", true, {}, histogram::Density, histogram::LogDensity, histogram::Cdf,
+                      histogram::Complement, histogram::Quantile, histogram::ComplementQuantile,
+                      histogram::Cdf, histogram::Quantile)};
+}
+
+struct Row {
+  std::string function;
+  bool isTail;
+  double argument;
+  Parameters parameters;
+  double value;
+};
+
+inline std::vector<std::string> Split(const std::string& text, char separator) {
+  std::vector<std::string> parts;
+  std::istringstream stream(text);
+  for (std::string part; std::getline(stream, part, separator);) parts.push_back(part);
+  return parts;
+}
+
+// The rows of <folder>/<type>.csv: function, region, argument, parameters…, value. A column may hold several
+// parameters, apart by blanks.
+inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
+  std::ifstream file(folder + "/" + type.name + ".csv");
+  std::vector<Row> rows;
+  std::string line;
+  std::getline(file, line);
+  while (std::getline(file, line)) {
+    const std::vector<std::string> fields = Split(line, ',');
+    Row row = {fields.at(0), fields.at(1) == "tail", std::stod(fields.at(2)), {}, std::stod(fields.back())};
+    for (std::size_t i = 3; i + 1 < fields.size(); ++i) {
+      for (const std::string& parameter : Split(fields[i], ' '))
+        row.parameters.push_back(std::stod(parameter));
+    }
+    rows.push_back(std::move(row));
+  }
+  return rows;
+}
+
+// The size to which an error of a value on the axis is relative: its own, or that of the type's places.
+inline double SizeOnAxis(const Type& type, double x, In parameters) {
+  double size = std::abs(x);
+  for (const std::size_t i : type.origins) size = std::max(size, std::abs(parameters[i]));
+  return size;
+}
+
+// The error relative to the value; of a logarithm, relative to 1 where it is small; of a quantile, relative
+// to the type's places where the sum of them and the rest is smaller.
+inline double RelativeError(const Type& type, const Row& row, double computed) {
+  const bool isQuantile = row.function == "Quantile" || row.function == "ComplementQuantile";
+  double size = isQuantile ? SizeOnAxis(type, row.value, row.parameters) : std::abs(row.value);
+  if (row.function == "LogDensity") size = std::max(size, 1.0);
+  const double error = std::abs(computed - row.value);
+  return error == 0.0 ? 0.0 : error / size;
+}
+
+struct RoundTrip {
+  double error = 0.0;      // of the quantile of the nearer tail at x, relative like a quantile's
+  double condition = 0.0;  // the error that four units in the last place of that probability make
+};
+
+// x to the probability of its nearer tail and back.
+inline RoundTrip GoRound(const Type& type, double x, In parameters) {
+  constexpr double kFourUlps = 4.0 * std::numeric_limits<double>::epsilon();
+  const double low = type.functions.at("Cdf")(x, parameters);
+  const double high = type.functions.at("Complement")(x, parameters);
+  const bool isLower = low <= high;
+  const double back =
+      type.functions.at(isLower ? "Quantile" : "ComplementQuantile")(isLower ? low : high, parameters);
+  const double size = SizeOnAxis(type, x, parameters);
+  const double density = type.functions.at("Density")(x, parameters);
+  const double error = std::abs(back - x);
+  return {error == 0.0 ? 0.0 : error / size, kFourUlps * std::min(low, high) / density / size};
+}
+
+}  // namespace brenvolt::references
