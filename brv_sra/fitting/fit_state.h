@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,6 +19,8 @@ enum class DeletionMode : std::int32_t {
 };
 
 enum class RankingCriterion : std::int32_t { kKolmogorovSmirnov = 1, kChiSquare = 2, kAndersonDarling = 3 };
+
+enum class ChiSquareBinning : std::int32_t { kEqualProbabilities = 0, kEqualIntervals = 1 };
 
 // The check boxes of a continuous variable, in their fixed order. Index 8 is an option of the Johnson fit,
 // not a distribution.
@@ -74,6 +77,10 @@ struct FitSpecification {
   DeletionMode deletion = DeletionMode::kPairwise;
   RankingCriterion continuousCriterion = RankingCriterion::kKolmogorovSmirnov;
   RankingCriterion discreteCriterion = RankingCriterion::kKolmogorovSmirnov;
+  ChiSquareBinning binning = ChiSquareBinning::kEqualProbabilities;
+  // Samples of the parametric bootstrap per distribution, 0 for none, and where its random numbers start.
+  std::int32_t bootstrapSamples = 0;
+  std::int32_t bootstrapSeed = 1;
 };
 
 struct TestResult {
@@ -81,14 +88,38 @@ struct TestResult {
   double pValue = kNotSet;
 };
 
+struct ChiSquareResult {
+  double statistic = kNotSet;
+  std::int32_t degreesOfFreedom = kNotSetCount;
+  double pValue = kNotSet;
+};
+
+// The p-values of the three tests by parametric bootstrap: the parameters are estimated anew from each
+// sample, as they were from the data. kNotSet where the test has no statistic or none was asked for.
+struct BootstrapResult {
+  double kolmogorovSmirnov = kNotSet;
+  double chiSquare = kNotSet;
+  double andersonDarling = kNotSet;
+  std::int32_t samples = 0;  // those whose fit succeeded
+};
+
 // One distribution of one variable. The values are in catalogue order; the first is kNotSet where the fit
 // failed.
 struct DistributionFit {
   DistributionSpecification specification;
+  std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
+  std::vector<double> covariance;      // of the values, row by row, or none
+  int estimatedParameters = 0;         // how many of the values the data determined
   double logLikelihood = kNotSet;
   TestResult kolmogorovSmirnov;
+  ChiSquareResult chiSquare;
+  TestResult andersonDarling;  // continuous types only
+  BootstrapResult bootstrap;
 
   bool IsValid() const { return !specification.values.empty() && !IsNotSet(specification.values.front()); }
+  // Akaike (1974) and Schwarz (1978), smaller is better; kNotSet for a fit that failed.
+  double Aic() const;
+  double Bic(std::int64_t count) const;
 };
 
 struct VariableFit {
@@ -97,8 +128,9 @@ struct VariableFit {
   bool continuous = true;
   bool invalid = false;  // no spread or no valid case: nothing was fitted
   Moments moments;
-  std::vector<DistributionFit> fits;  // the checked distributions in the fixed order
-  std::vector<std::size_t> ranked;    // indices into fits, best first
+  std::int32_t mixtures = kNotSetCount;  // the components fitted, where that is not what was asked for
+  std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
+  std::vector<std::size_t> ranked;       // indices into fits, best first
 
   bool HasValidFit() const;
 };
@@ -110,6 +142,15 @@ struct FitState {
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
   std::size_t firstShown = 0;        // the first variable with a valid fit
 };
+
+inline double DistributionFit::Aic() const {
+  return IsValid() ? 2.0 * (estimatedParameters - logLikelihood) : kNotSet;
+}
+
+inline double DistributionFit::Bic(std::int64_t count) const {
+  return IsValid() ? estimatedParameters * std::log(static_cast<double>(count)) - 2.0 * logLikelihood
+                   : kNotSet;
+}
 
 inline bool VariableFit::HasValidFit() const {
   for (const DistributionFit& fit : fits) {
