@@ -1,4 +1,5 @@
-// Boost.Math for small orders; Temme's uniform expansion for large ones, where Boost loses digits in the tails.
+// Boost.Math for small orders; Temme's uniform expansion for large ones, where Boost loses digits in the
+// tails.
 #include "host/numeric/incomplete_gamma.h"
 
 #include <boost/math/special_functions/gamma.hpp>
