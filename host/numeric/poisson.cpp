@@ -1,6 +1,7 @@
 // The Poisson distribution. P(N <= k) = Q(k + 1, mean), the regularised upper incomplete gamma function.
 #include <limits>
 
+#include "host/numeric/count_memo.h"
 #include "host/numeric/incomplete_gamma.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/quantile_search.h"
@@ -11,6 +12,14 @@ namespace brenvolt::poisson {
 
 bool IsValid(double mean) {
   return IsPositiveFinite(mean);
+}
+
+double Mean(double mean) {
+  return IsValid(mean) ? mean : kInvalidProbability;
+}
+
+double Variance(double mean) {
+  return Mean(mean);
 }
 
 namespace {
@@ -43,13 +52,12 @@ double Guess(double z, double mean) {
   return std::max(0.0, std::floor(mean + std::sqrt(mean) * z + (z * z - 1.0) / 6.0));
 }
 
-auto QuantileFormula(double mean) {
-  return [mean](double p) {
-    if (p == 0.0) return 0.0;
-    if (p == 1.0) return kInfinity;
-    return SmallestReached(Guess(StandardNormalQuantile(p), mean),
-                           [=](double k) { return CdfAt(k, mean) >= p; });
-  };
+// `cdf`(k): the distribution function at whole numbers.
+template <class Function>
+double QuantileFrom(double p, double mean, const Function& cdf) {
+  if (p == 0.0) return 0.0;
+  if (p == 1.0) return kInfinity;
+  return SmallestReached(Guess(StandardNormalQuantile(p), mean), [&](double k) { return cdf(k) >= p; });
 }
 
 }  // namespace
@@ -76,7 +84,9 @@ double Complement(double x, double mean) {
 }
 
 double Quantile(double p, double mean) {
-  return QuantileAt(IsValid(mean), p, QuantileFormula(mean));
+  return QuantileAt(IsValid(mean), p, [mean](double probability) {
+    return QuantileFrom(probability, mean, [mean](double k) { return CdfAt(k, mean); });
+  });
 }
 
 double ComplementQuantile(double q, double mean) {
@@ -89,11 +99,17 @@ double ComplementQuantile(double q, double mean) {
 }
 
 void Cdf(std::span<const double> x, double mean, std::span<double> out) {
-  ProbabilitiesAt(IsValid(mean), x, out, [mean](double at) { return CdfAt(at, mean); });
+  CountMemo memo(x.size());
+  ProbabilitiesAt(IsValid(mean), x, out, [&](double at) {
+    return memo.At(std::floor(at), [mean](double k) { return CdfAt(k, mean); });
+  });
 }
 
 void Quantile(std::span<const double> p, double mean, std::span<double> out) {
-  QuantilesAt(IsValid(mean), p, out, QuantileFormula(mean));
+  CountMemo memo(p.size());
+  const auto cdf = [&](double count) { return memo.At(count, [mean](double k) { return CdfAt(k, mean); }); };
+  QuantilesAt(IsValid(mean), p, out,
+              [&](double probability) { return QuantileFrom(probability, mean, cdf); });
 }
 
 }  // namespace brenvolt::poisson
