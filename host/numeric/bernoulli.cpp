@@ -44,6 +44,14 @@ struct Law {
 
 }  // namespace
 
+double Mean(double proportion) {
+  return IsValid(proportion) ? proportion : kInvalidProbability;
+}
+
+double Variance(double proportion) {
+  return IsValid(proportion) ? proportion * (1.0 - proportion) : kInvalidProbability;
+}
+
 double Density(double x, double proportion) {
   return ProbabilityAt(Law{proportion}, &Law::Density, x);
 }

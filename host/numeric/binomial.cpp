@@ -1,9 +1,11 @@
-// The binomial distribution. Probabilities after Loader (2000); a tail is the probability at its edge times a
-// sum of ratios of neighbours, which has no cancellation at any size and takes some standard deviations of
-// terms.
+// The binomial distribution. Probabilities after Loader (2000). A tail is the probability at its edge times
+// the sum of what the others are relative to it, which has no cancellation at any size: term by term where
+// they are few, else as an integral that a Gauss rule of fixed order resolves to the last digits.
 #include <algorithm>
+#include <boost/math/quadrature/gauss.hpp>
 #include <limits>
 
+#include "host/numeric/count_memo.h"
 #include "host/numeric/exact_sums.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/quantile_search.h"
@@ -21,6 +23,11 @@ bool IsValid(double proportion, double trials) {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+// Up to this many trials the coefficients and what leads to them are whole doubles, and probabilities are
+// plain products: those that are doubles come out exactly, so that quantiles at them find the jump.
+constexpr double kMostTrialsByProducts = 40.0;
+// The variance from which a tail is an integral.
+constexpr double kIntegralFrom = 5000.0;
 
 struct Law {
   double p;
@@ -29,21 +36,21 @@ struct Law {
   bool IsValid() const { return binomial::IsValid(p, n); }
 
   bool IsPoint() const { return p == 0.0 || p == 1.0; }
+  bool IsSmall() const { return n <= kMostTrialsByProducts && !IsPoint(); }
   bool IsInSupport(double k) const { return k >= 0.0 && k <= n && k == std::floor(k); }
 
   // n p and n (1 - p) with their rounding errors.
-  TwoPartSum ExpectedSuccesses() const {
-    const double m = n * p;
-    return {m, std::fma(n, p, -m)};
-  }
+  TwoPartSum ExpectedSuccesses() const { return ExactProduct(n, p); }
   TwoPartSum ExpectedFailures() const {
-    const TwoPartSum successes = ExpectedSuccesses();
-    const TwoPartSum failures = ExactDifference(n, successes.high);
-    return {failures.high, failures.low - successes.low};
+    const TwoPartSum q = ExactDifference(1.0, p);
+    const TwoPartSum failures = ExactProduct(n, q.high);
+    return {failures.high, failures.low + n * q.low};
   }
 
   // The deviance of a count from an expectation known beyond a double.
   static double DevianceFrom(double count, const TwoPartSum& expected) {
+    constexpr double kTiny = 1e-280;  // below it the rounding error may underflow
+    if (expected.high < kTiny) return Deviance(count, expected.high);
     return Deviance(count, expected.high) + (1.0 - count / expected.high) * expected.low;
   }
 
@@ -61,8 +68,25 @@ struct Law {
 
   bool IsEnd(double k) const { return k == 0.0 || k == n || IsPoint(); }
 
+  // The probability of the counts from first to last.
+  double SumOfProducts(double first, double last) const {
+    const TwoPartSum q = ExactDifference(1.0, p);
+    double coefficient = 1.0;
+    double sum = 0.0;
+    for (double k = 0.0; k <= last; ++k) {
+      const double failures = n - k;
+      if (k >= first) {
+        const double missing = 1.0 + failures * (q.low / q.high);
+        sum += coefficient * std::pow(p, k) * std::pow(q.high, failures) * missing;
+      }
+      coefficient = coefficient * failures / (k + 1.0);
+    }
+    return sum;
+  }
+
   double Density(double k) const {
     if (!IsInSupport(k)) return 0.0;
+    if (IsSmall()) return SumOfProducts(k, k);
     if (IsEnd(k)) return std::exp(LogAtEnd(k));
     return std::exp(Exponent(k)) * kInverseSqrtTwoPi * std::sqrt(n / k / (n - k));
   }
@@ -98,16 +122,51 @@ struct Law {
     return sum - odds.low * weighted;
   }
 
+  // The same sum from the incomplete beta function, (n - k) times the integral of (1 - v)^(n - k - 1) (1 +
+  // odds v)^k over v from 0 to 1, k = `first`. The logarithm of the integrand falls from 0, at first with
+  // `slope` = n - k - 1 - k odds, and ever faster.
+  double IntegralOfRatios(double first, double odds, double slope) const {
+    constexpr int kOrder = 30;
+    constexpr double kDepth = 45.0;       // where the parabola of the logarithm ends
+    constexpr double kNegligible = 40.0;  // where the logarithm itself may end
+    const double power = n - first - 1.0;
+    const auto depth = [&](double v) {
+      return slope * v + power * ExcessOverLog(-v) + first * ExcessOverLog(odds * v);
+    };
+    const double bend = power + first * odds * odds;
+    double reach = 2.0 * kDepth / (slope + std::sqrt(slope * slope + 2.0 * kDepth * bend));
+    while (reach < 1.0 && depth(reach) < kNegligible) reach *= 1.25;
+    const auto integrand = [&](double v) { return std::exp(-depth(v)); };
+    return (n - first) *
+           boost::math::quadrature::gauss<double, kOrder>::integrate(integrand, 0.0, std::min(reach, 1.0));
+  }
+
+  bool IsWide() const { return n * p * (1.0 - p) >= kIntegralFrom; }
+
   // P(N <= k) for k below the mean, P(N >= k) for k above it.
-  double LowerTail(double k) const { return Density(k) * SumOfRatios(k, Odds(true)); }
-  double UpperTail(double k) const { return Density(k) * SumOfRatios(n - k, Odds(false)); }
+  double LowerTail(double k) const {
+    if (IsSmall()) return SumOfProducts(0.0, k);
+    const TwoPartSum odds = Odds(true);
+    if (!IsWide()) return Density(k) * SumOfRatios(k, odds);
+    return Density(k) * IntegralOfRatios(k, odds.high, std::fma(n - 1.0, p, -k) / p);
+  }
+  double UpperTail(double k) const {
+    if (IsSmall()) return SumOfProducts(k, n);
+    const TwoPartSum odds = Odds(false);
+    if (!IsWide()) return Density(k) * SumOfRatios(n - k, odds);
+    return Density(k) * IntegralOfRatios(n - k, odds.high, std::fma(-(n - 1.0), p, k - 1.0) / (1.0 - p));
+  }
+
+  // Whether P(N <= k) is the one to sum. Half a count from the mean, neither tail is near 1, not even where
+  // the mean is near 0 or n.
+  bool IsLower(double k) const { return k + 0.5 < n * p; }
 
   double Cdf(double x) const {
     if (x < 0.0) return 0.0;
     if (x >= n) return 1.0;
     if (IsPoint()) return 1.0 - p;
     const double k = std::floor(x);
-    return k < n * p ? LowerTail(k) : 1.0 - UpperTail(k + 1.0);
+    return IsLower(k) ? LowerTail(k) : 1.0 - UpperTail(k + 1.0);
   }
 
   double Complement(double x) const {
@@ -115,7 +174,7 @@ struct Law {
     if (x >= n) return 0.0;
     if (IsPoint()) return p;
     const double k = std::floor(x);
-    return k < n * p ? 1.0 - LowerTail(k) : UpperTail(k + 1.0);
+    return IsLower(k) ? 1.0 - LowerTail(k) : UpperTail(k + 1.0);
   }
 
   // Cornish & Fisher (1938) to the second term: a guess at the quantile whose normal counterpart is z.
@@ -125,12 +184,17 @@ struct Law {
     return std::clamp(std::floor(guess), 0.0, n);
   }
 
-  double Quantile(double probability) const {
+  // `cdf`(k): the distribution function at whole numbers.
+  template <class Function>
+  double QuantileFrom(double probability, const Function& cdf) const {
     if (IsPoint()) return n * p;
     if (probability == 0.0) return 0.0;
     if (probability == 1.0) return n;
     return SmallestReached(Guess(StandardNormalQuantile(probability)),
-                           [&](double k) { return Cdf(k) >= probability; });
+                           [&](double k) { return cdf(k) >= probability; });
+  }
+  double Quantile(double probability) const {
+    return QuantileFrom(probability, [this](double k) { return Cdf(k); });
   }
 
   double ComplementQuantile(double tail) const {
@@ -143,6 +207,14 @@ struct Law {
 };
 
 }  // namespace
+
+double Mean(double proportion, double trials) {
+  return IsValid(proportion, trials) ? trials * proportion : kInvalidProbability;
+}
+
+double Variance(double proportion, double trials) {
+  return IsValid(proportion, trials) ? trials * proportion * (1.0 - proportion) : kInvalidProbability;
+}
 
 double Density(double x, double proportion, double trials) {
   return ProbabilityAt(Law{proportion, trials}, &Law::Density, x);
@@ -169,11 +241,17 @@ double ComplementQuantile(double q, double proportion, double trials) {
 }
 
 void Cdf(std::span<const double> x, double proportion, double trials, std::span<double> out) {
-  ProbabilitiesAt(Law{proportion, trials}, &Law::Cdf, x, out);
+  const Law law{proportion, trials};
+  CountMemo memo(x.size());
+  ProbabilitiesAt(law.IsValid(), x, out,
+                  [&](double at) { return memo.At(std::floor(at), [&](double k) { return law.Cdf(k); }); });
 }
 
 void Quantile(std::span<const double> p, double proportion, double trials, std::span<double> out) {
-  QuantilesAt(Law{proportion, trials}, &Law::Quantile, p, out);
+  const Law law{proportion, trials};
+  CountMemo memo(p.size());
+  const auto cdf = [&](double count) { return memo.At(count, [&](double k) { return law.Cdf(k); }); };
+  QuantilesAt(law.IsValid(), p, out, [&](double probability) { return law.QuantileFrom(probability, cdf); });
 }
 
 }  // namespace brenvolt::binomial

@@ -1,5 +1,8 @@
 // The distributions of counts and of classes. The vocabulary is that of distributions.h; Density is the
-// probability of x, Quantile the smallest value whose probability reaches p.
+// probability of x, Quantile the smallest value whose probability, as Cdf gives it, reaches p.
+// Mean and Variance of invalid parameters are kInvalidProbability. The array forms give the values of the
+// scalar ones and compute most probabilities that they need again only once, so that many values are better
+// asked for together.
 #pragma once
 
 #include <span>
@@ -8,9 +11,10 @@
 
 namespace brenvolt {
 
-// A tail takes time in proportion to the standard deviation: microseconds up to 1e5 trials, 1 ms at 1e9.
 namespace binomial {  // proportion in [0, 1] of successes in trials 1, 2, … up to 2^53
 bool IsValid(double proportion, double trials);
+double Mean(double proportion, double trials);
+double Variance(double proportion, double trials);
 double Density(double x, double proportion, double trials);
 double LogDensity(double x, double proportion, double trials);
 double Cdf(double x, double proportion, double trials);
@@ -23,6 +27,8 @@ void Quantile(std::span<const double> p, double proportion, double trials, std::
 
 namespace poisson {  // mean > 0; support 0, 1, 2, …
 bool IsValid(double mean);
+double Mean(double mean);
+double Variance(double mean);
 double Density(double x, double mean);
 double LogDensity(double x, double mean);
 double Cdf(double x, double mean);
@@ -35,6 +41,8 @@ void Quantile(std::span<const double> p, double mean, std::span<double> out);
 
 namespace geometric {  // failures before the first success, 0, 1, 2, …; proportion in (0, 1]
 bool IsValid(double proportion);
+double Mean(double proportion);
+double Variance(double proportion);
 double Density(double x, double proportion);
 double LogDensity(double x, double proportion);
 double Cdf(double x, double proportion);
@@ -47,6 +55,8 @@ void Quantile(std::span<const double> p, double proportion, std::span<double> ou
 
 namespace bernoulli {  // 1 with the proportion in [0, 1], else 0
 bool IsValid(double proportion);
+double Mean(double proportion);
+double Variance(double proportion);
 double Density(double x, double proportion);
 double LogDensity(double x, double proportion);
 double Cdf(double x, double proportion);
@@ -57,10 +67,12 @@ void Cdf(std::span<const double> x, double proportion, std::span<double> out);
 void Quantile(std::span<const double> p, double proportion, std::span<double> out);
 }  // namespace bernoulli
 
-// Proportions count relative to their sum, which lies within 2e-5 of 1; codes that appear twice add up. The
-// array forms prepare the classes once; many values are better asked for together.
+// Proportions count relative to their sum, which lies within 2e-5 of 1; codes that appear twice add up.
+// The array forms prepare the classes once.
 namespace histogram {  // code, proportion >= 0, repeated, codes in any order
 bool IsValid(std::span<const double> classes);
+double Mean(std::span<const double> classes);
+double Variance(std::span<const double> classes);
 double Density(double x, std::span<const double> classes);
 double LogDensity(double x, std::span<const double> classes);
 double Cdf(double x, std::span<const double> classes);

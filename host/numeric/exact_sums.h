@@ -1,4 +1,4 @@
-// Sums and differences of two doubles together with their rounding errors.
+// Sums, differences and products of two doubles together with their rounding errors.
 #pragma once
 
 #include <cmath>
@@ -21,6 +21,12 @@ inline TwoPartSum ExactSum(double a, double b) {
 
 inline TwoPartSum ExactDifference(double a, double b) {
   return ExactSum(a, -b);
+}
+
+// `low` is exact where the product is not near underflow.
+inline TwoPartSum ExactProduct(double a, double b) {
+  const double product = a * b;
+  return {product, std::fma(a, b, -product)};
 }
 
 }  // namespace brenvolt

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/numeric/exact_sums.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/quantile_search.h"
 
@@ -25,10 +26,24 @@ struct Law {
   // count times ln(1 - p), also where that is -infinity and the count 0.
   double LogOfFailures(double count) const { return count == 0.0 ? 0.0 : count * std::log1p(-p); }
 
-  double Density(double k) const { return IsInSupport(k) ? p * std::exp(LogOfFailures(k)) : 0.0; }
+  // (1 - p)^count. Where 1 - p is a double, a power that is one, too, comes out exactly, so that quantiles at
+  // such probabilities find the jump.
+  double Failures(double count) const {
+    const TwoPartSum q = ExactDifference(1.0, p);
+    return q.low == 0.0 ? std::pow(q.high, count) : std::exp(LogOfFailures(count));
+  }
+
+  double Density(double k) const { return IsInSupport(k) ? p * Failures(k) : 0.0; }
   double LogDensity(double k) const { return IsInSupport(k) ? std::log(p) + LogOfFailures(k) : -kInfinity; }
-  double Cdf(double x) const { return x >= 0.0 ? -std::expm1(LogOfFailures(std::floor(x) + 1.0)) : 0.0; }
-  double Complement(double x) const { return x >= 0.0 ? std::exp(LogOfFailures(std::floor(x) + 1.0)) : 1.0; }
+
+  double Cdf(double x) const {
+    constexpr double kFewDigitsLost = 0.99;
+    if (!(x >= 0.0)) return 0.0;
+    if (x < 1.0) return p;
+    const double tail = Complement(x);
+    return tail <= kFewDigitsLost ? 1.0 - tail : -std::expm1(LogOfFailures(std::floor(x) + 1.0));
+  }
+  double Complement(double x) const { return x >= 0.0 ? Failures(std::floor(x) + 1.0) : 1.0; }
 
   // The k at which ln P(N > k) has fallen to logTail, give or take rounding.
   double Guess(double logTail) const { return std::max(0.0, std::ceil(logTail / std::log1p(-p)) - 1.0); }
@@ -47,6 +62,14 @@ struct Law {
 };
 
 }  // namespace
+
+double Mean(double proportion) {
+  return IsValid(proportion) ? (1.0 - proportion) / proportion : kInvalidProbability;
+}
+
+double Variance(double proportion) {
+  return IsValid(proportion) ? (1.0 - proportion) / proportion / proportion : kInvalidProbability;
+}
 
 double Density(double x, double proportion) {
   return ProbabilityAt(Law{proportion}, &Law::Density, x);

@@ -1,6 +1,7 @@
 // The histogram: a distribution given by its classes, each a code and the proportion of it.
 #include <algorithm>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "host/numeric/exact_sums.h"
@@ -14,6 +15,26 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kClassSize = 2;
 constexpr double kTotalTolerance = 2e-5;
 
+// A sum with its rounding errors made good. Ogita, Rump & Oishi (2005), algorithms 4.4 and 5.3.
+class AccurateSum {
+ public:
+  void Add(double x) {
+    const TwoPartSum next = ExactSum(sum_, x);
+    sum_ = next.high;
+    rest_ += next.low;
+  }
+  void AddProduct(double a, double b) {
+    const TwoPartSum product = ExactProduct(a, b);
+    Add(product.high);
+    rest_ += product.low;
+  }
+  double Value() const { return sum_ + rest_; }
+
+ private:
+  double sum_ = 0.0;
+  double rest_ = 0.0;
+};
+
 struct Law {
   std::span<const double> values;
 
@@ -21,18 +42,33 @@ struct Law {
   double Code(std::size_t i) const { return values[kClassSize * i]; }
   double Proportion(std::size_t i) const { return values[kClassSize * i + 1]; }
 
-  // The sum of the proportions of the codes for which `isIn` holds, with the rounding errors made good.
+  // The sum of the proportions of the codes for which `isIn` holds.
   template <class Predicate>
   double Share(const Predicate& isIn) const {
-    double sum = 0.0;
-    double rest = 0.0;
+    AccurateSum sum;
     for (std::size_t i = 0; i < Classes(); ++i) {
-      if (!isIn(Code(i))) continue;
-      const TwoPartSum next = ExactSum(sum, Proportion(i));
-      sum = next.high;
-      rest += next.low;
+      if (isIn(Code(i))) sum.Add(Proportion(i));
     }
-    return sum + rest;
+    return sum.Value();
+  }
+
+  // The mean of the codes' distances from `origin`, each raised by `power`, 1 or 2.
+  double Moment(double origin, int power) const {
+    AccurateSum sum;
+    for (std::size_t i = 0; i < Classes(); ++i) {
+      const double distance = Code(i) - origin;
+      sum.AddProduct(power == 2 ? Proportion(i) * distance : Proportion(i), distance);
+    }
+    return sum.Value() / Total();
+  }
+
+  double Mean() const { return Moment(0.0, 1); }
+
+  // The second term takes the rounding of the mean back.
+  double Variance() const {
+    const double mean = Mean();
+    const double rest = Moment(mean, 1);
+    return Moment(mean, 2) - rest * rest;
   }
 
   double Total() const {
@@ -80,19 +116,27 @@ struct Law {
   }
 };
 
-// The codes with a share, ascending, and the distribution function at them: many values by binary search,
-// with the bits of the single ones.
+// The codes with a share, ascending, and the distribution function at them: many values by binary search.
 struct Prepared {
   std::vector<double> codes;
   std::vector<double> cdf;
 
   explicit Prepared(const Law& law) {
+    std::vector<std::pair<double, double>> classes;
     for (std::size_t i = 0; i < law.Classes(); ++i) {
-      if (law.Proportion(i) > 0.0) codes.push_back(law.Code(i));
+      if (law.Proportion(i) > 0.0) classes.emplace_back(law.Code(i), law.Proportion(i));
     }
-    std::sort(codes.begin(), codes.end());
-    codes.erase(std::unique(codes.begin(), codes.end()), codes.end());
-    for (const double code : codes) cdf.push_back(law.Cdf(code));
+    std::sort(classes.begin(), classes.end());
+    const double total = law.Total();
+    AccurateSum sum;
+    for (const auto& [code, proportion] : classes) {
+      if (codes.empty() || codes.back() != code) {
+        codes.push_back(code);
+        cdf.emplace_back();
+      }
+      sum.Add(proportion);
+      cdf.back() = sum.Value() / total;
+    }
   }
 
   double Cdf(double x) const {
@@ -111,6 +155,14 @@ struct Prepared {
 
 bool IsValid(std::span<const double> classes) {
   return Law{classes}.IsValid();
+}
+
+double Mean(std::span<const double> classes) {
+  return IsValid(classes) ? Law{classes}.Mean() : kInvalidProbability;
+}
+
+double Variance(std::span<const double> classes) {
+  return IsValid(classes) ? Law{classes}.Variance() : kInvalidProbability;
 }
 
 double Density(double x, std::span<const double> classes) {

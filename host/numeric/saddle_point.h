@@ -6,17 +6,30 @@
 
 namespace brenvolt {
 
-// The deviance x ln(x / m) + m - x of a count x > 0 from its expectation m > 0, at least 0. Near m, with
-// s = (m - x) / (m + x), x / m = (1 - s) / (1 + s) and the logarithm is -2 artanh s, whose first term cancels
-// m - x.
-inline double Deviance(double x, double m) {
-  constexpr double kSeriesLimit = 0.2;
-  const double s = (m - x) / (m + x);
-  if (!(std::abs(s) <= kSeriesLimit)) return x * std::log(x / m) + m - x;
+// Where |s| is at most this, the series below has all digits.
+inline constexpr double kDevianceSeriesLimit = 0.2;
+
+// The deviance of x from m = x + excess, with s = excess / (m + x): x / m = (1 - s) / (1 + s), and the
+// logarithm is -2 artanh s, whose first term cancels the excess.
+inline double DevianceSeries(double x, double excess, double s) {
   const double s2 = s * s;
   double series = 1.0 / 25.0;
   for (int odd = 23; odd >= 3; odd -= 2) series = series * s2 + 1.0 / odd;
-  return (m - x) * s - 2.0 * x * s * s2 * series;
+  return excess * s - 2.0 * x * s * s2 * series;
+}
+
+// The deviance x ln(x / m) + m - x of a count x > 0 from its expectation m > 0, at least 0.
+inline double Deviance(double x, double m) {
+  const double s = (m - x) / (m + x);
+  if (!(std::abs(s) <= kDevianceSeriesLimit)) return x * std::log(x / m) + m - x;
+  return DevianceSeries(x, m - x, s);
+}
+
+// v - ln(1 + v) for v > -1, at least 0: the deviance of 1 from 1 + v.
+inline double ExcessOverLog(double v) {
+  const double s = v / (2.0 + v);
+  if (!(std::abs(s) <= kDevianceSeriesLimit)) return v - std::log1p(v);
+  return DevianceSeries(1.0, v, s);
 }
 
 // ln n! - ln(sqrt(2 pi n) (n / e)^n) for whole n >= 1.
