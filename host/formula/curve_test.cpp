@@ -78,6 +78,7 @@ TEST(Curve, FaultPointsAtItsCharacter) {
       Curve{formula};
       ADD_FAILURE() << formula;
     } catch (const Error& error) {
+      EXPECT_EQ(std::string(error.what()).find("position"), std::string::npos) << error.what();
       EXPECT_EQ(error.Where(), where) << formula.substr(0, 40) << ": " << error.what();
     }
   }

@@ -2,6 +2,7 @@
 
 #include <muParser.h>
 
+#include <algorithm>
 #include <cctype>
 #include <utility>
 
@@ -33,6 +34,17 @@ constexpr std::string_view kOperators[][2] = {{"<=", "<="}, {">=", ">="}, {"<>",
                                               {"!=", "!="}, {"==", "=="}, {"<", "<"},
                                               {">", ">"},   {"=", "=="},  {"&", "&&"}};
 
+// The parser's text without its place, which counts characters of the translated text, and without our symbol
+// for a variable.
+std::string Reason(std::string text) {
+  constexpr std::string_view kVariable = "Unexpected variable";
+  if (text.starts_with(kVariable)) return std::string(kVariable);
+  for (const char* place : {" found at position", " at expression position", " at position", " (position"}) {
+    text.resize(std::min(text.find(place), text.size()));
+  }
+  return text;
+}
+
 }  // namespace
 
 Translation::Translation(std::string_view source, FindVariable findVariable, std::string_view sourceName)
@@ -60,7 +72,7 @@ void Translation::Checked(const std::function<void()>& evaluate) const {
   try {
     evaluate();
   } catch (const mu::Parser::exception_type& error) {
-    Fail(error.GetMsg(), SourcePosition(static_cast<std::size_t>(error.GetPos())));
+    Fail(Reason(error.GetMsg()), SourcePosition(static_cast<std::size_t>(error.GetPos())));
   }
 }
 
