@@ -28,8 +28,8 @@ ROOMS = (
     Room("host/statistics", "all", "host/numeric host/tables", "third-party"),
     Room("host/formula", "all", "host/numeric", "third-party"),
     Room("host/models", "all", "host/formula host/tables", "third-party"),
-    Room("host/graphs", "all", "host/tables host/formula", "third-party"),
-    Room("host/analysis", "all", "host/controls host/tables host/automation", "third-party"),
+    Room("host/graphs", "all", "host/tables host/statistics host/formula", "third-party"),
+    Room("host/analysis", "all", "host/controls host/tables host/graphs host/automation", "third-party"),
     Room("host/application", "all", "host", "third-party"),
     Room("host/drawing", "all", "host/graphs", "third-party drawing"),
     # Every folder may show the texts of resources. Dialogs also stand on the headers of frame; the engine beside them

@@ -33,6 +33,10 @@ void HeadlessUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> docu
   documents.push_back(std::move(document));
 }
 
+void HeadlessUserInterface::ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
+  graphs.push_back(std::move(graph));
+}
+
 void HeadlessUserInterface::ShowProgress(std::string_view caption, std::int64_t done,
                                          std::int64_t /*total*/) {
   if (done == 0) progressCaptions.emplace_back(caption);

@@ -1,4 +1,5 @@
-// A user interface without a person: answers are scripted, every message and document is recorded.
+// A user interface without a person: answers are scripted, every message, document and graph is
+// recorded.
 #pragma once
 
 #include <deque>
@@ -24,12 +25,14 @@ class HeadlessUserInterface : public UserInterface {
   // What happened, in order.
   std::vector<Message> messages;
   std::vector<std::shared_ptr<CAnalysisTableDoc>> documents;
+  std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs;
   std::vector<std::string> progressCaptions;
 
   MessageAnswer ShowMessage(const Message& message) override;
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) override;
   bool SelectVariables(VariableQuestion& question) override;
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
+  void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override {}
   bool IsExternallyCancelled() override { return cancelled; }

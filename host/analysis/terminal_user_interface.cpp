@@ -38,4 +38,8 @@ void TerminalUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> docu
   documents_.push_back(std::move(document));
 }
 
+void TerminalUserInterface::ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
+  graphs_.push_back(std::move(graph));
+}
+
 }  // namespace brenvolt

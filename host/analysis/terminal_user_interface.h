@@ -1,5 +1,6 @@
-// The user interface of the command line: messages and progress on standard error, documents kept for the
-// command that asked for them. Questions are answered without asking: a command has said all it wants.
+// The user interface of the command line: messages and progress on standard error, documents and graphs kept
+// for the command that asked for them. Questions are answered without asking: a command has said all it
+// wants.
 #pragma once
 
 #include <memory>
@@ -15,8 +16,9 @@ class TerminalUserInterface : public UserInterface {
   // `program` begins every message: "brenvolt: <text>".
   explicit TerminalUserInterface(std::string program);
 
-  // Documents shown so far, oldest first.
+  // Documents and graphs shown so far, oldest first.
   std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return documents_; }
+  std::vector<std::shared_ptr<CAnalysisGraphDoc>>& Graphs() { return graphs_; }
 
   // Prints the text; the answer is OK.
   MessageAnswer ShowMessage(const Message& message) override;
@@ -24,6 +26,7 @@ class TerminalUserInterface : public UserInterface {
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& /*question*/) override { return {}; }
   bool SelectVariables(VariableQuestion& /*question*/) override { return false; }
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
+  void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
   // Shows progress when standard error is a terminal and the work is longer than a second.
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override;
@@ -33,6 +36,7 @@ class TerminalUserInterface : public UserInterface {
  private:
   std::string program_;
   std::vector<std::shared_ptr<CAnalysisTableDoc>> documents_;
+  std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs_;
   bool terminal_;
   bool lineOpen_ = false;
 };

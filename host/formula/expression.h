@@ -2,8 +2,8 @@
 //
 // Variables are named as they are where their name is a plain identifier, between single quotes otherwise
 // ('wait time'), or by number (v1, v2, …; v0 is the case number). There are arithmetic (+ - * / ^),
-// comparisons (= == <> != < <= > >=), and, or, not, parentheses, and the usual mathematical functions (sqrt,
-// ln, exp, abs, sin, …).
+// comparisons (= == <> != < <= > >=), and (or &), or, not, parentheses, the usual mathematical functions
+// (sqrt, ln, exp, abs, sin, …) and those of distributions (curve_functions.h).
 #pragma once
 
 #include <cstddef>

@@ -1,0 +1,34 @@
+#!/usr/bin/env python3
+"""Writes curve_values.inc: the functions of curve formulas at x = 2 by SciPy, in its own parameters.
+
+    curve_values.py > curve_values.inc
+"""
+import numpy as np
+from scipy import stats
+
+X = 2.0
+ROWS = (
+    # density, distribution function, arguments, SciPy's distribution
+    (("Normal",), "iNormal", "x,1.5,0.7", stats.norm(1.5, 0.7)),
+    (("Lognorm",), "iLognorm", "x,0.4,0.6", stats.lognorm(0.6, scale=np.exp(0.4))),
+    (("Lognorm",), "iLognorm", "x--1.25,0.4,0.6", stats.lognorm(0.6, -1.25, np.exp(0.4))),
+    (("FoldedNormal", "FoldeNormal"), "iFoldedNormal", "x,1.2,0.8", stats.foldnorm(1.2 / 0.8, scale=0.8)),
+    (("HalfNormal",), "iHalfNormal", "x-0.5,1.3", stats.halfnorm(0.5, 1.3)),
+    (("Rayl",), "IRayl", "x,1.3", stats.rayleigh(scale=1.3)),
+    (("weibull",), "iWeibull", "x,3,1.7,-1", stats.weibull_min(1.7, -1, 3)),
+    (("Johnson",), "iJohnson", "x,2,0.5,1.5,2,-3", stats.johnsonsu(0.5, 1.5, -3, 2)),
+    (("Johnson",), "iJohnson", "x,3,0.5,1.5,6,-3", stats.johnsonsb(0.5, 1.5, -3, 6)),
+    (("GEV",), "IGEV", "x,1,2,0.2", stats.genextreme(-0.2, 1, 2)),
+    (("GPD",), "IGPD", "x,0.5,2,0.2", stats.genpareto(0.2, 0.5, 2)),
+    (("Triangular",), "iTriangular", "x,1,5,2.5", stats.triang((2.5 - 1) / (5 - 1), 1, 4)),
+    (("Binom",), "iBinom", "x,0.3,8", stats.binom(8, 0.3)),
+    (("Poisson",), "iPoisson", "x,2.5", stats.poisson(2.5)),
+    (("Geom",), "iGeom", "x,0.3", stats.geom(0.3, -1)),
+)
+
+print("// Made by curve_values.py with SciPy 1.10.")
+for densities, cumulative, arguments, law in ROWS:
+    density = law.pdf(X) if hasattr(law.dist, "pdf") and isinstance(law.dist, stats.rv_continuous) else law.pmf(X)
+    for name in densities:
+        print(f'{{"{name}({arguments})", {float(density)!r}}},')
+    print(f'{{"{cumulative}({arguments})", {float(law.cdf(X))!r}}},')
