@@ -8,6 +8,7 @@
 #include "brv_sra/matrix/matrix_state.h"
 #include "host/analysis/dialog_automation.h"
 #include "host/analysis/headless_user_interface.h"
+#include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -17,14 +18,20 @@ using Names = std::vector<std::string>;
 constexpr std::string_view kQuestion =
     "The input is not a valid Brenvolt matrix file. Do you want to create one?";
 
-// Notes what the document's options were when it was shown something.
+// Notes in what state it was shown something.
 struct Desk : HeadlessUserInterface {
+  const CAnalysisSupport* analysis = nullptr;
+  bool underAutomation = false;
   const CAnalysisDoc* document = nullptr;
   bool toWorkbook = true;
   const Spreadsheet* inputWhenShown = nullptr;
   bool takesTable = false;
   std::unique_ptr<Spreadsheet> taken;
 
+  MessageAnswer ShowMessage(const Message& message) override {
+    underAutomation = analysis->IsUnderAutomation();
+    return HeadlessUserInterface::ShowMessage(message);
+  }
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> shown) override {
     toWorkbook = document->ResultsToWorkbook();
     inputWhenShown = document->InputTable();
@@ -42,6 +49,7 @@ struct MatrixServices : testing::Test {
 
   MatrixServices() {
     userInterface.document = &document;
+    userInterface.analysis = analysis.get();
     for (std::size_t i = 0; i < 3; ++i) data.VariableAt(i).SetName(Names{"a", " b ", "c"}[i]);
     analysis->AttachDocument(&document);
   }
@@ -153,6 +161,20 @@ TEST_F(MatrixServices, UnderAutomationNothingIsAsked) {
   EXPECT_NE(analysis->UpdateFromInputSpreadsheet(), 0);
   EXPECT_NE(analysis->CreateAndAttachCorrelationInputFile(), 0);
   EXPECT_EQ(State().file.variables, (Names{"a", "b", "c"}));
+}
+
+TEST_F(MatrixServices, OnlyCallsOfAutomationCountAsAutomation) {
+  ASSERT_TRUE(analysis->RunSequenceStep(step::kInit));
+  const auto dialog = analysis->GetDialgInterface();
+  dialog->Put("TypeOfAnalysis", 2);  // a step without a dialog: OK says so
+  dialog->Call("OK");
+  EXPECT_EQ(userInterface.messages.size(), 1U);
+  EXPECT_TRUE(userInterface.underAutomation);
+  EXPECT_THROW(dialog->Put("TypeOfAnalysis", 99), Error);
+  EXPECT_FALSE(analysis->IsUnderAutomation()) << "after a call that failed";
+  analysis->GetDialog()->Press(kControlOk);
+  EXPECT_EQ(userInterface.messages.size(), 2U);
+  EXPECT_FALSE(userInterface.underAutomation) << "the person pressed the button";
 }
 
 TEST_F(MatrixServices, SelectionAndCancellationReachTheReading) {

@@ -300,7 +300,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgAndersonDarlingNoValues, "andersonDarling: n <= 0"},
     {kMsgAndersonDarlingCdfNoValues, "n <= 0"},
     // The correlation matrix file.
-    {kMatrixTitle, "Correlation matrix"},
+    {kMatrixTitle, kCorrelationMatrixTitle},
     {kMatrixRowMeans, matrix_row::kMeans},
     {kMatrixRowStandardDeviations, matrix_row::kStandardDeviations},
     {kMatrixRowCases, matrix_row::kValidCases},

@@ -40,6 +40,7 @@ class MatrixTable {
     CheckSummaries();
     auto matrix = std::make_unique<Spreadsheet>(table_.Name());
     matrix->SetKind(SheetKind::kMatrix);
+    matrix->SetTitle(std::string(kCorrelationMatrixTitle));
     for (std::size_t c = 0; c < size_; ++c) matrix->AddVariable(Column(c));
     for (std::size_t row = 0; row < table_.CaseCount(); ++row)
       matrix->SetCaseName(row, std::string(ExpectedName(row)));
@@ -98,8 +99,8 @@ class MatrixTable {
            row, c);
     }
     if (c < row && value != Value(c, row)) {
-      Fail("the matrix is not symmetric: " + FormatNumber("%.17g", value) + " here, " +
-               FormatNumber("%.17g", Value(c, row)) + " in row " + Column(c).Name(),
+      Fail("the matrix is not symmetric: " + ShortestNumber(value) + " here, " +
+               ShortestNumber(Value(c, row)) + " in row " + Column(c).Name(),
            row, c);
     }
   }

@@ -15,6 +15,9 @@
 
 namespace brenvolt {
 
+// The usual title of a matrix file.
+inline constexpr std::string_view kCorrelationMatrixTitle = "Correlation matrix";
+
 namespace matrix_row {
 inline constexpr std::string_view kMeans = "Means";
 inline constexpr std::string_view kStandardDeviations = "Std.Dev.";
