@@ -158,6 +158,31 @@ TEST_F(Command, ImportAndExportGiveTheDataBack) {
   EXPECT_EQ(BytesOf(File("again.csv")), text);
 }
 
+TEST_F(Command, MatrixGoesThroughAProjectAndBack) {
+  const std::string text =
+      ",load,\"width, mm\"\nload,1,-0.1\n\"width, mm\",-0.1,1\nMeans,2.5,20\nStd.Dev.,0.1,0.5\n"
+      "No.Cases,254,\nMatrix,1,\n";
+  WriteBytes(File("m.csv"), text);
+  EXPECT_EQ(MustRun({"import", "m.csv", "-o", "p.bvw", "--sheet", "Correlation matrix"}).out,
+            "correlation matrix of 2 variables imported into p.bvw, sheet Correlation matrix\n");
+  const auto sheets = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
+  EXPECT_EQ(sheets[0]["kind"], "matrix");
+  const auto shown = Json::parse(MustRun({"show", "p.bvw", "Correlation matrix", "--format", "json"}).out);
+  EXPECT_EQ(shown["validCases"], 254);
+  EXPECT_EQ(shown["variables"][1]["name"], "width, mm");
+  EXPECT_EQ(shown["variables"][1]["correlations"], Json({-0.1, 1}));
+  EXPECT_EQ(shown["variables"][1]["standardDeviation"], 0.5);
+  EXPECT_EQ(MustRun({"show", "p.bvw", "Correlation matrix"}).out,
+            "Correlation matrix, matrix of 2 variables, number of valid cases 254\n"
+            "  Variable   load  width, mm  Mean  Std.Dev.\n"
+            "  load          1       -0.1   2.5       0.1\n"
+            "  width, mm  -0.1          1    20       0.5\n");
+  MustRun({"export", "p.bvw:Correlation matrix", "-o", "out.csv"});
+  EXPECT_EQ(BytesOf(File("out.csv")), text);
+  MustRun({"import", "m.csv", "-o", "d.bvw", "--kind", "data"});
+  EXPECT_EQ(Json::parse(MustRun({"show", "d.bvw", "m", "--format", "json"}).out)["kind"], "data");
+}
+
 TEST_F(Command, VariableWithoutFitsIsLeftOutOfTheSimulation) {
   WriteBytes(File("d.csv"), "a,b\n3,1\n3,2\n3,4\n3,7\n");
   MustRun({"fit", "d.csv", "--save", "p.bvw"});
@@ -201,6 +226,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   WriteBytes(File("labels.csv"), "a,t\n3,x\n4,y\n5,x\n");
   WriteBytes(File("no_project.bvw"),
              "just text, long enough to look like something, but no project at all\n");
+  WriteBytes(File("mirror.csv"),
+             ",a,b\na,1,0.5\nb,0.26,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,9,\nMatrix,1,\n");
   WriteBytes(File("empty.bvw"), "");
   WriteBytes(File("cut.bvw"), good.substr(0, good.size() / 2));
   WriteBytes(File("newer.bvw"), good);
@@ -285,6 +312,11 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"import", "weights.csv", "-o", "other.bvw", "--sheet", "\xff"}, 2, "not UTF-8"},
       {{"fit", "weights.csv", "--save", "no_project.bvw"}, 1, "no_project.bvw"},
       {{"import", "ragged.csv", "-o", "good.bvw"}, 1, "ragged.csv, line 3"},
+      {{"import", "mirror.csv", "-o", "good.bvw"},
+       1,
+       "the matrix is not symmetric: 0.26 here, 0.5 in row a (mirror.csv, row b, column a)"},
+      {{"import", "weights.csv", "-o", "good.bvw", "--kind", "matrix"}, 1, "is no matrix"},
+      {{"import", "weights.csv", "-o", "good.bvw", "--kind", "graph"}, 2, "--kind"},
   };
   const auto contents = [&] {
     std::map<std::string, std::string> files;

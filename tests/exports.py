@@ -14,7 +14,9 @@ REQUIRED = {f"vtable for {CLASS}", f"typeinfo for {CLASS}", f"typeinfo name for 
 REQUIRED_MEMBERS = (
     "CSimulationAndRisk", "~CSimulationAndRisk", "Initialize", "Init", "GetAnalysisID", "GetAnalysisName", "GetLibInstance",
     "ForwardSequence", "StartAnalysis", "FitDistributionDialog", "FitDistributionResultsDialog",
-    "SimulationFromDistributionDialog", "SimulationResultsDialog")
+    "SimulationFromDistributionDialog", "SimulationResultsDialog", "ValidateInputMatrixFile",
+    "ValidateOrDesignInputMatrixFile", "CreateAndAttachCorrelationInputFile", "UpdateFromInputMatrixFile",
+    "UpdateFromInputSpreadsheet", "IsCorrelationMatrixSymmetric")
 OF_CLASS = re.compile(rf"((vtable|VTT|typeinfo|typeinfo name) for {CLASS}|"
                       rf"((non-)?virtual thunk to )?{CLASS}::(?P<member>~?\w+)(\(.*|\[abi:.*|::.*)?)$")
 

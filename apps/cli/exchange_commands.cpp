@@ -7,6 +7,7 @@
 #include "apps/cli/session.h"
 #include "host/base/error.h"
 #include "host/base/utf8.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 struct ImportOptions {
   InputOptions input;
   std::filesystem::path project;
+  std::string kind;  // "data" or "matrix"; empty: the file decides
 };
 
 struct ExportOptions {
@@ -22,16 +24,26 @@ struct ExportOptions {
   InputOptions format;
 };
 
+Spreadsheet ReadSheet(const ImportOptions& options) {
+  Spreadsheet table = ReadCsv(options.input.path, options.input.Format());
+  const bool isMatrix = options.kind.empty() ? LooksLikeMatrixTable(table) : options.kind == "matrix";
+  return isMatrix ? std::move(*MatrixFromTable(table, options.input.path.string())) : std::move(table);
+}
+
 void Import(const ImportOptions& options) {
   RequireProjectEnding(options.project, "-o");
   if (!IsText(options.input.sheet)) throw WrongCall("the sheet's name is not UTF-8 text");
   if (Workbook::IsWorkbookFile(options.input.path))
     throw Error("is a project already", options.input.path.string());
-  Spreadsheet sheet = ReadCsv(options.input.path, options.input.Format());
+  Spreadsheet sheet = ReadSheet(options);
   if (!options.input.sheet.empty()) sheet.SetName(options.input.sheet);
   MergeIntoProject(options.project, sheet);
-  std::printf("%zu cases of %zu variables imported into %s, sheet %s\n", sheet.CaseCount(),
-              sheet.VariableCount(), options.project.c_str(), sheet.Name().c_str());
+  const std::string what =
+      sheet.Kind() == SheetKind::kMatrix
+          ? "correlation matrix of " + std::to_string(sheet.VariableCount()) + " variables"
+          : std::to_string(sheet.CaseCount()) + " cases of " + std::to_string(sheet.VariableCount()) +
+                " variables";
+  std::printf("%s imported into %s, sheet %s\n", what.c_str(), options.project.c_str(), sheet.Name().c_str());
 }
 
 // Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that
@@ -61,12 +73,20 @@ void Export(const ExportOptions& options) {
 void AddImportCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("import", "Take a data file into a project");
   const auto options = std::make_shared<ImportOptions>();
-  command->add_option("FILE", options->input.path, "CSV file with a header row")->required();
+  command
+      ->add_option("FILE", options->input.path,
+                   "CSV file with a header row: data, or a matrix whose first column names the rows")
+      ->required();
   command->add_option("-o,--output", options->project, "Project, made when there is none")
       ->required()
       ->type_name("PROJECT.bvw");
   command->add_option("--sheet", options->input.sheet, "Name of the new sheet; default: the file's name")
       ->type_name("NAME");
+  command
+      ->add_option("--kind", options->kind,
+                   "What the file holds; default: a matrix where the names of rows are those of a matrix")
+      ->check(CLI::IsMember({"data", "matrix"}).description(""))
+      ->type_name("data|matrix");
   AddDecimalCommaOption(*command, options->input);
   command->footer("Example:\n  brenvolt import examples/faithful.csv -o geyser.bvw");
   command->callback([options] { Import(*options); });
@@ -77,7 +97,7 @@ void AddExportCommand(CLI::App& program) {
   const auto options = std::make_shared<ExportOptions>();
   command
       ->add_option("PROJECT[:SHEET]", options->source,
-                   "Project (.bvw) and sheet; default: its first data sheet")
+                   "Project (.bvw) and sheet, data or matrix; default: its first data sheet")
       ->required();
   command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE");
   AddDecimalCommaOption(*command, options->format);

@@ -1,15 +1,20 @@
 // brenvolt show: what a project holds.
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/text_table.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+// Enough to show any count whole.
+constexpr int kCountDigits = 15;
 
 struct ShowOptions {
   std::filesystem::path project;
@@ -96,9 +101,72 @@ void ShowVariablesAsJson(const Spreadsheet& sheet) {
                          {"missing", CountMissing(variable)},
                          {"properties", properties}});
   }
-  std::fputs(
-      JsonText(Json{{"name", sheet.Name()}, {"cases", sheet.CaseCount()}, {"variables", variables}}).c_str(),
-      stdout);
+  std::fputs(JsonText(Json{{"name", sheet.Name()},
+                           {"kind", KindName(sheet.Kind())},
+                           {"cases", sheet.CaseCount()},
+                           {"variables", variables}})
+                 .c_str(),
+             stdout);
+}
+
+double ValidCases(const Spreadsheet& matrix) {
+  return matrix.VariableAt(0).Values()[MatrixSummaryRows(matrix.CaseCount()).validCases];
+}
+
+void ShowMatrixAsTable(const Spreadsheet& matrix) {
+  const std::size_t size = matrix.VariableCount();
+  const MatrixSummaryRows rows(matrix.CaseCount());
+  TextTable table;
+  table.AddColumn("Variable", TextTable::Align::kLeft);
+  for (std::size_t c = 0; c < size; ++c)
+    table.AddColumn(matrix.VariableAt(c).Name(), TextTable::Align::kRight);
+  table.AddColumn("Mean", TextTable::Align::kRight);
+  table.AddColumn("Std.Dev.", TextTable::Align::kRight);
+  for (std::size_t row = 0; row < size; ++row) {
+    std::vector<std::string> cells{matrix.VariableAt(row).Name()};
+    for (std::size_t c = 0; c < size; ++c)
+      cells.push_back(ReadableNumber(matrix.VariableAt(c).Values()[row]));
+    cells.push_back(ReadableNumber(matrix.VariableAt(row).Values()[rows.means]));
+    cells.push_back(ReadableNumber(matrix.VariableAt(row).Values()[rows.standardDeviations]));
+    table.AddRow(std::move(cells));
+  }
+  std::printf("%s, matrix of %zu variables, number of valid cases %s\n%s", matrix.Name().c_str(), size,
+              ReadableNumber(ValidCases(matrix), kCountDigits).c_str(), table.Text().c_str());
+}
+
+Json NumberOrNull(double value) {
+  return std::isfinite(value) ? Json(value) : Json(nullptr);
+}
+
+void ShowMatrixAsJson(const Spreadsheet& matrix) {
+  const std::size_t size = matrix.VariableCount();
+  const MatrixSummaryRows rows(matrix.CaseCount());
+  Json variables = Json::array();
+  for (std::size_t row = 0; row < size; ++row) {
+    Json correlations = Json::array();
+    for (std::size_t c = 0; c < size; ++c)
+      correlations.push_back(NumberOrNull(matrix.VariableAt(c).Values()[row]));
+    const Variable& variable = matrix.VariableAt(row);
+    variables.push_back({{"name", variable.Name()},
+                         {"mean", NumberOrNull(variable.Values()[rows.means])},
+                         {"standardDeviation", NumberOrNull(variable.Values()[rows.standardDeviations])},
+                         {"correlations", correlations}});
+  }
+  std::fputs(JsonText(Json{{"name", matrix.Name()},
+                           {"kind", KindName(matrix.Kind())},
+                           {"validCases", NumberOrNull(ValidCases(matrix))},
+                           {"variables", variables}})
+                 .c_str(),
+             stdout);
+}
+
+// A matrix that lacks rows is shown as data are.
+void ShowSheet(const Spreadsheet& sheet, bool json) {
+  if (HasMatrixRows(sheet)) {
+    json ? ShowMatrixAsJson(sheet) : ShowMatrixAsTable(sheet);
+  } else {
+    json ? ShowVariablesAsJson(sheet) : ShowVariablesAsTable(sheet);
+  }
 }
 
 void Show(const ShowOptions& options) {
@@ -108,8 +176,7 @@ void Show(const ShowOptions& options) {
     json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
     return;
   }
-  const Spreadsheet& sheet = project.Sheet(options.sheet);
-  json ? ShowVariablesAsJson(sheet) : ShowVariablesAsTable(sheet);
+  ShowSheet(project.Sheet(options.sheet), json);
 }
 
 }  // namespace
@@ -118,7 +185,8 @@ void AddShowCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("show", "Show the sheets of a project, or a sheet's variables");
   const auto options = std::make_shared<ShowOptions>();
   command->add_option("PROJECT", options->project, "Project (.bvw)")->required();
-  command->add_option("SHEET", options->sheet, "Sheet whose variables and properties are shown");
+  command->add_option("SHEET", options->sheet,
+                      "Sheet whose variables and properties, or correlations, are shown");
   AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
   command->callback([options] { Show(*options); });

@@ -8,6 +8,7 @@
 #include "brv_sra/frame/define_task_dialog.h"
 #include "brv_sra/frame/module.h"
 #include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/simulation_dialog.h"
@@ -35,6 +36,7 @@ std::int32_t OpenDialog(CSimulationAndRisk& analysis) {
 CSimulationAndRisk::CSimulationAndRisk(CAnalysisDoc* document)
     : CAnalysisSupport(document, ModuleContext()),
       fit_(std::make_unique<FitState>()),
+      matrix_(std::make_unique<MatrixState>()),
       simulation_(std::make_unique<SimulationState>()) {
   InstallSequence(sra::SequenceTable());
 }

@@ -13,6 +13,7 @@
 namespace brenvolt::sra {
 
 struct FitState;
+struct MatrixState;
 struct SimulationState;
 
 class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
@@ -38,6 +39,23 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   std::int32_t SimulationFromDistributionDialog();
   std::int32_t SimulationResultsDialog();
 
+  // The correlation matrix file; each returns nonzero for success.
+  //
+  // Checks the input as a matrix file and reads it; shows a message for a fault. `parent` is the window that
+  // asks. Where it fails, no matrix file is attached and no values are kept.
+  std::int32_t ValidateInputMatrixFile(HWND parent = nullptr);
+  // The same, then the names of its variables; for an input that is no valid matrix file, asks whether to
+  // create one, except under automation.
+  std::int32_t ValidateOrDesignInputMatrixFile();
+  // Makes a matrix of uncorrelated variables, shows it, and attaches it as the input. The person chooses the
+  // variables from the input's; under automation they are those of Matrix().variables.
+  std::int32_t CreateAndAttachCorrelationInputFile();
+  // Reads number and names of variables of the input, which is a matrix file or data; 0 without an input.
+  std::int32_t UpdateFromInputMatrixFile();
+  std::int32_t UpdateFromInputSpreadsheet();
+  // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.
+  std::int32_t IsCorrelationMatrixSymmetric();
+
   // Defaults of numeric settings; everything around them starts at zero.
   struct NumericDefaults {
     std::int32_t reservedCount = 0;
@@ -57,13 +75,16 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   void RaiseOneShotFlag() { oneShot_ = 1; }
 
   DistributionSpecification& Specification() { return specification_; }
-  // What the fit dialogs share, and what the simulation dialogs share.
+  // What the fit dialogs share, what is known of the correlation matrix, and what the simulation dialogs
+  // share.
   FitState& Fit() { return *fit_; }
+  MatrixState& Matrix() { return *matrix_; }
   SimulationState& Simulation() { return *simulation_; }
 
  private:
   DistributionSpecification specification_;
   std::unique_ptr<FitState> fit_;
+  std::unique_ptr<MatrixState> matrix_;
   std::unique_ptr<SimulationState> simulation_;
   NumericDefaults defaults_;
   std::int16_t oneShot_ = 0;

@@ -285,6 +285,8 @@ inline constexpr std::int32_t kMsgMatrixMeansDeselected = 20311;
 inline constexpr std::int32_t kMsgMatrixStandardDeviation = 20312;
 inline constexpr std::int32_t kMsgMatrixDeviationsDeselected = 20313;
 inline constexpr std::int32_t kMsgMatrixValidCases = 20314;
+inline constexpr std::int32_t kMatrixSelectVariables = 20315;
+inline constexpr std::int32_t kMatrixSelectVariablesList = 20316;
 
 // The simulation, its design and its sampling.
 inline constexpr std::int32_t kMethodNormalToAnything = 20400;

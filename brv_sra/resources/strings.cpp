@@ -8,6 +8,7 @@
 
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/analysis/result_columns.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -299,10 +300,10 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgAndersonDarlingNoValues, "andersonDarling: n <= 0"},
     {kMsgAndersonDarlingCdfNoValues, "n <= 0"},
     // The correlation matrix file.
-    {kMatrixTitle, "Correlation matrix"},
-    {kMatrixRowMeans, "Means"},
-    {kMatrixRowStandardDeviations, "Std.Dev."},
-    {kMatrixRowCases, "No.Cases"},
+    {kMatrixTitle, kCorrelationMatrixTitle},
+    {kMatrixRowMeans, matrix_row::kMeans},
+    {kMatrixRowStandardDeviations, matrix_row::kStandardDeviations},
+    {kMatrixRowCases, matrix_row::kValidCases},
     {kMatrixRowType, "DontTranslate!!Matrix"},
     {kMsgMatrixCreateQuestion, "The input is not a valid Brenvolt matrix file. Do you want to create one?"},
     {kMsgMatrixWrongType, "Only correlation and covariance matrices can be processed."},
@@ -316,6 +317,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgMatrixDeviationsDeselected,
      "Case selection condition disabled variables' standard deviation information"},
     {kMsgMatrixValidCases, "Valid cases error"},
+    {kMatrixSelectVariables, "Select variables of the correlation matrix"},
+    {kMatrixSelectVariablesList, "Variables:"},
     // The simulation, its design and its sampling.
     {kMethodNormalToAnything, "Normal to anything method"},
     {kProgressComputing, "Computing..."},

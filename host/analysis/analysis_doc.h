@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/analysis/user_interface.h"
@@ -16,16 +17,57 @@ class CAnalysisDoc {
 
   UserInterface& Interface() const { return userInterface_; }
   Spreadsheet* InputTable() const { return inputTable_; }
-  void SetInputTable(Spreadsheet* table) { inputTable_ = table; }
+  // `owner` is kept as long as the table is the input: the document that the table is, or was, in. Who took
+  // the table out of it must let it live as long.
+  void SetInputTable(Spreadsheet* table, std::shared_ptr<CAnalysisTableDoc> owner = nullptr) {
+    inputTable_ = table;
+    inputOwner_ = std::move(owner);
+  }
 
   // The host option that sends results to a workbook instead of showing them as documents of their own.
   bool ResultsToWorkbook() const { return resultsToWorkbook_; }
   void SetResultsToWorkbook(bool on) { resultsToWorkbook_ = on; }
 
+  // While a lock is held, an exchange of the input leaves results as they are: a front end that follows the
+  // input must not close or renew what was made from the former one.
+  bool AreResultsLocked() const { return resultsLocks_ > 0; }
+
  private:
+  friend class ResultsLock;
+
   UserInterface& userInterface_;
   Spreadsheet* inputTable_;
   bool resultsToWorkbook_ = true;
+  int resultsLocks_ = 0;
+  std::shared_ptr<CAnalysisTableDoc> inputOwner_;
+};
+
+// Switches the sending of results to a workbook off while it exists.
+class ResultsToWorkbookOff {
+ public:
+  explicit ResultsToWorkbookOff(CAnalysisDoc& document)
+      : document_(document), former_(document.ResultsToWorkbook()) {
+    document_.SetResultsToWorkbook(false);
+  }
+  ~ResultsToWorkbookOff() { document_.SetResultsToWorkbook(former_); }
+  ResultsToWorkbookOff(const ResultsToWorkbookOff&) = delete;
+  ResultsToWorkbookOff& operator=(const ResultsToWorkbookOff&) = delete;
+
+ private:
+  CAnalysisDoc& document_;
+  bool former_;
+};
+
+// Locks a document's results while it exists. Locks nest.
+class ResultsLock {
+ public:
+  explicit ResultsLock(CAnalysisDoc& document) : document_(document) { ++document_.resultsLocks_; }
+  ~ResultsLock() { --document_.resultsLocks_; }
+  ResultsLock(const ResultsLock&) = delete;
+  ResultsLock& operator=(const ResultsLock&) = delete;
+
+ private:
+  CAnalysisDoc& document_;
 };
 
 }  // namespace brenvolt

@@ -3,6 +3,7 @@
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/base/error.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
 namespace {
@@ -215,6 +216,10 @@ void CAnalysisSupport::BeforeClose() {
 
 Spreadsheet* CAnalysisSupport::InputTable() const {
   return document_ != nullptr ? document_->InputTable() : nullptr;
+}
+
+bool CAnalysisSupport::MatrixIsOK() const {
+  return AcceptsMatrixInput() && InputTable() != nullptr && IsMatrixSheet(*InputTable());
 }
 
 UserInterface& CAnalysisSupport::Interface() const {

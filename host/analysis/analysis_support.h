@@ -48,6 +48,9 @@ struct Wght_com {
 };
 struct _AddMenu;
 
+// A window of the front end, null where it has none.
+using HWND = const void*;
+
 class CAnalysisSupport {
  public:
   using MessageErrorHandler = void (*)(const std::string& text);
@@ -121,6 +124,8 @@ class CAnalysisSupport {
   CAnalysisDoc* Document() const { return document_; }
   // The input spreadsheet, or null.
   Spreadsheet* InputTable() const;
+  // True when the input is a matrix file, whatever its values, and the analysis takes one.
+  bool MatrixIsOK() const;
   // The user interface of the document. Throws Error when no document is attached.
   UserInterface& Interface() const;
 
@@ -152,6 +157,21 @@ class CAnalysisSupport {
   // A variable's missing-data code, as getmd5 of the host's procedural interface.
   double getmd5(int variable) const { return get_md(variable); }
 
+  // While one exists, the analysis is driven by automation: no question is asked of the person. They nest.
+  class AutomationCall {
+   public:
+    explicit AutomationCall(CAnalysisSupport& analysis) : analysis_(analysis) {
+      ++analysis_.automationDepth_;
+    }
+    ~AutomationCall() { --analysis_.automationDepth_; }
+    AutomationCall(const AutomationCall&) = delete;
+    AutomationCall& operator=(const AutomationCall&) = delete;
+
+   private:
+    CAnalysisSupport& analysis_;
+  };
+  bool IsUnderAutomation() const { return automationDepth_ > 0; }
+
   bool CaseSelectionEnabled() const { return kroTag_ == nullptr || kroTag_->caseSelectionEnabled; }
   bool CaseWeightsEnabled() const { return weights_ == nullptr || weights_->caseWeightsEnabled; }
 
@@ -175,6 +195,7 @@ class CAnalysisSupport {
   std::optional<std::int32_t> pending_;  // the step asked for; 0 asks to go back
   MessageErrorHandler messageHandler_ = nullptr;
   int contextDepth_ = 0;
+  int automationDepth_ = 0;
   KroTag* kroTag_ = nullptr;
   b1_com* counts_ = nullptr;
   Wght_com* weights_ = nullptr;

@@ -56,6 +56,7 @@ Variant DialogAutomationBase::Invoke(DispatchId member, CallKind kind, std::span
     if (reason.empty()) reason = "Unexpected Error";
     throw AutomationError("Exception in automation method [" + method + "]", std::move(reason), where);
   };
+  const CAnalysisSupport::AutomationCall call(dialog_->Analysis());
   try {
     return isCommon ? InvokeCommon(member) : InvokeOwn(member, kind, arguments);
   } catch (const Error& error) {
