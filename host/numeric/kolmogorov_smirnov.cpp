@@ -6,45 +6,74 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <limits>
+#include <utility>
 
 #include "host/numeric/distributions.h"
 
 namespace brenvolt {
 namespace {
 
-using Parameters = std::span<const double>;
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-// Distribution functions over arrays; a threshold may follow the parameters of a type that has one.
-double ThresholdAt(Parameters p, std::size_t index) {
-  return p.size() > index ? p[index] : 0.0;
+using In = std::span<const double>;
+using Out = std::span<double>;
+
+// An array form whose parameters are P = double…; those that a caller leaves out at the end, thresholds, are
+// 0.
+template <class... P>
+struct Separate {
+  template <void (*cdf)(In, P..., Out)>
+  static void Cdf(In p, In x, Out out) {
+    [&]<std::size_t... i>(std::index_sequence<i...>) {
+      cdf(x, (i < p.size() ? p[i] : 0.0)..., out);
+    }
+    (std::index_sequence_for<P...>());
+  }
+};
+using One = Separate<double>;
+using Two = Separate<double, double>;
+using Three = Separate<double, double, double>;
+using Five = Separate<double, double, double, double, double>;
+
+template <void (*cdf)(In, In, Out)>
+void VectorCdf(In p, In x, Out out) {
+  cdf(x, p, out);
 }
 
-void NormalCdf(Parameters p, std::span<const double> x, std::span<double> out) {
-  normal::Cdf(x, p[0], p[1], out);
+// The threshold comes first, or not at all.
+void GpdCdf(In p, In x, Out out) {
+  const In law = p.last(2);
+  gpd::Cdf(x, law[0], law[1], p.size() > 2 ? p[0] : 0.0, out);
 }
-void LogNormalCdf(Parameters p, std::span<const double> x, std::span<double> out) {
-  lognormal::Cdf(x, p[0], p[1], ThresholdAt(p, 2), out);
-}
-void WeibullCdf(Parameters p, std::span<const double> x, std::span<double> out) {
-  weibull::Cdf(x, p[0], p[1], ThresholdAt(p, 2), out);
-}
-void PoissonCdf(Parameters p, std::span<const double> x, std::span<double> out) {
-  poisson::Cdf(x, p[0], out);
-}
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
 struct TestedLaw {
   TestCode code;
   std::size_t fewestParameters;
   std::size_t mostParameters;
-  bool isDiscrete;  // jumps at whole numbers only
-  void (*cdf)(Parameters, std::span<const double>, std::span<double>);
+  bool isDiscrete;
+  void (*cdf)(In parameters, In x, Out out);
 };
 
 constexpr TestedLaw kTestedLaws[] = {
-    {TestCode::kNormal, 2, 2, false, NormalCdf},
-    {TestCode::kLogNormal, 2, 3, false, LogNormalCdf},
-    {TestCode::kWeibull, 2, 3, false, WeibullCdf},
-    {TestCode::kPoisson, 1, 1, true, PoissonCdf},
+    {TestCode::kNormal, 2, 2, false, Two::Cdf<normal::Cdf>},
+    {TestCode::kLogNormal, 2, 3, false, Three::Cdf<lognormal::Cdf>},
+    {TestCode::kWeibull, 2, 3, false, Three::Cdf<weibull::Cdf>},
+    {TestCode::kRayleigh, 1, 2, false, Two::Cdf<rayleigh::Cdf>},
+    {TestCode::kFoldedNormal, 2, 3, false, Three::Cdf<folded_normal::Cdf>},
+    {TestCode::kHalfNormal, 1, 2, false, Two::Cdf<half_normal::Cdf>},
+    {TestCode::kGaussianMixture, 3, kAnyNumber, false, VectorCdf<gaussian_mixture::Cdf>},
+    {TestCode::kJohnson, 5, 5, false, Five::Cdf<johnson::Cdf>},
+    {TestCode::kGev, 3, 3, false, Three::Cdf<gev::Cdf>},
+    {TestCode::kGpd, 2, 3, false, GpdCdf},
+    {TestCode::kTriangular, 3, 3, false, Three::Cdf<triangular::Cdf>},
+    {TestCode::kPoisson, 1, 1, true, One::Cdf<poisson::Cdf>},
+    {TestCode::kBinomial, 2, 2, true, Two::Cdf<binomial::Cdf>},
+    {TestCode::kGeometric, 1, 1, true, One::Cdf<geometric::Cdf>},
+    {TestCode::kBernoulli, 1, 1, true, One::Cdf<bernoulli::Cdf>},
+    {TestCode::kHistogram, 2, kAnyNumber, true, VectorCdf<histogram::Cdf>},
 };
 
 const TestedLaw* FindLaw(TestCode code) {
@@ -98,7 +127,7 @@ std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double>
   if (law == nullptr || sortedData.empty() || !std::isfinite(offset)) return 0;
   if (parameters.size() < law->fewestParameters || parameters.size() > law->mostParameters) return 0;
 
-  constexpr std::size_t kPiece = 256;
+  constexpr std::size_t kPiece = 1024;
   std::array<double, kPiece> x;
   std::array<double, kPiece> at;
   std::array<double, kPiece> before;
@@ -109,7 +138,7 @@ std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double>
     const std::span<const double> values(x.data(), size);
     law->cdf(parameters, values, at);
     if (law->isDiscrete) {
-      for (std::size_t i = 0; i < size; ++i) x[i] = std::ceil(x[i]) - 1.0;
+      for (std::size_t i = 0; i < size; ++i) x[i] = std::nextafter(x[i], -kInfinity);
       law->cdf(parameters, values, before);
     }
     for (std::size_t i = 0; i < size; ++i) distance.Feed(at[i], law->isDiscrete ? before[i] : at[i]);
