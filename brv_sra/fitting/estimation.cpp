@@ -1,12 +1,21 @@
 #include "brv_sra/fitting/estimation.h"
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cmath>
+#include <exception>
 
+#include "brv_sra/fitting/discrete_estimation.h"
+#include "brv_sra/fitting/goodness_of_fit.h"
+#include "brv_sra/fitting/log_likelihood.h"
+#include "brv_sra/fitting/standard_errors.h"
+#include "brv_sra/fitting/triangular_estimation.h"
 #include "brv_sra/fitting/weibull_estimation.h"
-#include "host/numeric/distributions.h"
+#include "host/base/error.h"
+#include "host/base/floating_point_guard.h"
+#include "host/base/parallel.h"
 #include "host/numeric/estimators.h"
-#include "host/numeric/kolmogorov_smirnov.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -17,174 +26,361 @@ constexpr double kWeibullTolerance = 1e-9;
 
 using Values = std::vector<double>;
 
+// What an estimator may look at. The specification of the other kind is null.
 struct Input {
   std::span<const double> sorted;
-  double offset;
+  const Moments& moments;
+  double offset;  // 0 where the type has none
+  const ContinuousSpecification* continuous;
+  const DiscreteSpecification* discrete;
+  const Poll& poll;
+
+  double Count() const { return static_cast<double>(sorted.size()); }
 };
 
-// How one distribution is estimated and tested. An estimator answers no values for a fit that failed.
-struct Step {
-  DistributionCode code;
-  TestCode testCode;
-  Values (*estimate)(const Input& input);
-  double (*logDensity)(double x, const Values& values, double offset);
+// No values: the fit failed.
+struct Estimate {
+  Values values;
+  Values standardErrors;
+  Values covariance;
+  int estimatedParameters = 0;
+  double logLikelihood = kNotSet;  // where the estimator knows it
 };
 
-Values EstimateNormal(const Input& input) {
+Estimate WithCovariance(Values values, Values covariance) {
+  const std::size_t count = values.size();
+  Estimate estimate{std::move(values), {}, std::move(covariance), static_cast<int>(count)};
+  for (std::size_t i = 0; i < count; ++i)
+    estimate.standardErrors.push_back(std::sqrt(estimate.covariance[i * count + i]));
+  return estimate;
+}
+
+// Mean and standard deviation of normal values are uncorrelated, with variances s^2 / n and s^2 / (2 n).
+Estimate OfNormalValues(double mean, double deviation, double count) {
+  const double variance = deviation * deviation / count;
+  return WithCovariance({mean, deviation}, {variance, 0, 0, variance / 2});
+}
+
+Estimate EstimateNormal(const Input& input) {
   std::array<double, 2> parameters{};
   EstimationError error{};
   if (FitNormalDistribution(0, input.sorted, parameters, error) != 0) return {};
-  return {parameters[0], parameters[1]};
+  return OfNormalValues(parameters[0], parameters[1], input.Count());
 }
 
-Values EstimateLogNormal(const Input& input) {
+// A value without a logarithm rules the log-normal out, whatever its offset.
+Estimate EstimateLogNormal(const Input& input) {
   std::array<double, 2> parameters{};
   EstimationError error{};
+  if (IsNotSet(input.moments.logMean)) return {};
   if (FitLognormalDistribution(0, input.sorted, input.offset, parameters, error) != 0) return {};
-  return {parameters[0], parameters[1]};
+  return OfNormalValues(parameters[0], parameters[1], input.Count());
 }
 
-Values EstimateWeibullValues(const Input& input) {
-  const WeibullEstimate estimate = EstimateWeibull(input.sorted, input.offset, kWeibullTolerance);
-  if (estimate.status != WeibullStatus::kSuccess) return {};
-  return {estimate.scale, estimate.shape};
+Estimate EstimateFoldedNormal(const Input& input) {
+  std::array<double, 2> p{};
+  EstimationError error{};
+  if (FitFoldedNormalDistribution(0, input.sorted, input.offset, p, error) != 0) return {};
+  const auto covariance = FoldedNormalCovariance(input.sorted, p[0], p[1], input.offset);
+  if (!covariance) return {{p[0], p[1]}, {}, {}, 2};
+  return WithCovariance({p[0], p[1]}, {covariance->begin(), covariance->end()});
 }
 
-Values EstimatePoisson(const Input& input) {
-  double mean = kNotSet;
-  if (EstimatePoissonMean(input.sorted, mean) != 0) return {};
-  return {mean};
+// Scale, its standard error, the log-likelihood.
+Estimate OfScale(const std::array<double, 3>& results) {
+  return {{results[0]}, {results[1]}, {results[1] * results[1]}, 1, results[2]};
 }
 
-constexpr std::array<Step, 3> kContinuousSteps{{
-    {DistributionCode::kNormal, TestCode::kNormal, EstimateNormal,
-     [](double x, const Values& v, double) { return normal::LogDensity(x, v[0], v[1]); }},
-    {DistributionCode::kLogNormal, TestCode::kLogNormal, EstimateLogNormal,
-     [](double x, const Values& v, double offset) { return lognormal::LogDensity(x, v[0], v[1], offset); }},
-    {DistributionCode::kWeibull, TestCode::kWeibull, EstimateWeibullValues,
-     [](double x, const Values& v, double offset) { return weibull::LogDensity(x, v[0], v[1], offset); }},
-}};
-
-constexpr std::array<Step, 1> kDiscreteSteps{{
-    {DistributionCode::kPoisson, TestCode::kPoisson, EstimatePoisson,
-     [](double x, const Values& v, double) { return poisson::LogDensity(x, v[0]); }},
-}};
-
-template <std::size_t N>
-constexpr std::array<DistributionCode, N> CodesOf(const std::array<Step, N>& steps) {
-  std::array<DistributionCode, N> codes{};
-  for (std::size_t i = 0; i < N; ++i) codes[i] = steps[i].code;
-  return codes;
+Estimate EstimateHalfNormal(const Input& input) {
+  std::array<double, 3> results{};
+  EstimationError error{};
+  if (FitHalfNormalDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
+  return OfScale(results);
 }
-constexpr auto kContinuousCodes = CodesOf(kContinuousSteps);
-constexpr auto kDiscreteCodes = CodesOf(kDiscreteSteps);
 
-double LogLikelihood(const Step& step, const Input& input, const Values& values) {
-  double sum = 0;
-  double lost = 0;  // Neumaier (1974)
-  for (const double x : input.sorted) {
-    const double term = step.logDensity(x, values, input.offset);
-    const double total = sum + term;
-    lost += std::abs(sum) >= std::abs(term) ? (sum - total) + term : (term - total) + sum;
-    sum = total;
+Estimate EstimateRayleigh(const Input& input) {
+  std::array<double, 3> results{};
+  EstimationError error{};
+  if (FitRayleighDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
+  return OfScale(results);
+}
+
+Estimate EstimateWeibullValues(const Input& input) {
+  const WeibullEstimate fit = EstimateWeibull(input.sorted, input.offset, kWeibullTolerance);
+  if (fit.status != WeibullStatus::kSuccess) return {};
+  const double scaleError = fit.scaleStandardError;
+  const double shapeError = fit.shapeStandardError;
+  return {{fit.scale, fit.shape},
+          {scaleError, shapeError},
+          {scaleError * scaleError, fit.covariance, fit.covariance, shapeError * shapeError},
+          2};
+}
+
+// No standard errors: the likelihood of a mixture is too far from quadratic for them at usual sizes.
+Estimate EstimateGaussianMixture(const Input& input) {
+  std::int32_t components =
+      AllowedMixtures(input.continuous->mixtures, static_cast<std::int64_t>(input.sorted.size()));
+  Values values(3 * static_cast<std::size_t>(components), kNotSet);
+  EstimationError error{};
+  if (FitGaussianMixture(input.sorted, values, components, error) != 0) return {};
+  values.resize(3 * static_cast<std::size_t>(components));
+  for (std::size_t i = 2; i < values.size(); i += 3) {
+    if (AlmostEqual(values[i], 0)) return {};
   }
-  return sum + lost;
+  return {values, {}, {}, 3 * components - 1};
 }
 
-TestResult TestKolmogorovSmirnov(const Step& step, const Input& input, const Values& values, bool hasOffset) {
-  TestResult result;
-  const auto tested =
-      hasOffset
-          ? ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, input.offset, result.statistic)
-          : ComputeKolmogorovSmirnovTest(step.testCode, values, input.sorted, result.statistic);
-  std::int32_t error = 0;
-  if (tested == 0) return {};
-  result.pValue =
-      ComputeKolmogorovSmirnovPvalue(static_cast<std::int64_t>(input.sorted.size()), result.statistic, error);
-  return error == 0 ? result : TestResult{};
+// Family 5, the two-point limit of SB, is kept as SB.
+double StoredFamily(double family) {
+  constexpr double kTwoPoints = 5;
+  return family == kTwoPoints ? static_cast<double>(JohnsonFamily::kBounded) : family;
 }
+
+// SL and SN do without the scale, SN without the location, too.
+int JohnsonParameterCount(double family) {
+  if (family == static_cast<double>(JohnsonFamily::kNormal)) return 2;
+  return family == static_cast<double>(JohnsonFamily::kLognormal) ? 3 : 4;
+}
+
+// No standard errors: neither moments nor percentiles maximise the likelihood.
+Estimate EstimateJohnson(const Input& input) {
+  std::array<double, 5> p{};
+  EstimationError error{};
+  const Moments& m = input.moments;
+  if (input.continuous->fit[kPercentileFitFlag]) {
+    constexpr double kChosenByTheFit = -1;
+    if (FitJohnsonFromPercentiles(input.sorted, p, kChosenByTheFit, 1, error) != 0)
+      throw NumericalException("the Johnson distribution cannot be fitted from percentiles");
+  } else if (IsNotSet(m.kurtosis) ||
+             FitJohnsonFromMoments(m.mean, m.standardDeviation, m.skewness, m.kurtosis, p, error) != 0) {
+    return {};
+  }
+  p[0] = StoredFamily(p[0]);
+  return {{p.begin(), p.end()}, {}, {}, JohnsonParameterCount(p[0])};
+}
+
+Estimate EstimateGeneralExtremeValue(const Input& input) {
+  std::array<double, 3> p{};
+  std::array<double, 9> covariance{};
+  EstimationError error{};
+  const bool isLikelihood = GEV_MLE(input.sorted, p, covariance, error) == 0;
+  if (!isLikelihood && GEV_ProbWeightMoments(input.sorted, p, error) != 0) return {};
+  if (!(p[1] > 0)) return {};
+  if (!isLikelihood || IsNotSet(covariance[0])) return {{p.begin(), p.end()}, {}, {}, 3};
+  return WithCovariance({p.begin(), p.end()}, {covariance.begin(), covariance.end()});
+}
+
+Estimate EstimateGeneralPareto(const Input& input) {
+  std::array<double, 3> p{};
+  EstimationError error{};
+  const bool isLikelihood = FitGPDMaximumLikelihood(input.sorted, input.offset, p, error) == 0;
+  if (!isLikelihood && FitGPDProbabilityWeightedMoments(input.sorted, input.offset, p, error) != 0) return {};
+  if (!(p[1] > 0)) return {};
+  const auto covariance =
+      isLikelihood ? ParetoCovariance(input.sorted, p[1], p[2], input.offset) : std::optional<Covariance2>();
+  if (!covariance) return {{p[1], p[2]}, {}, {}, 2};
+  return WithCovariance({p[1], p[2]}, {covariance->begin(), covariance->end()});
+}
+
+// No standard errors: the extremes of a sample are not asymptotically normal.
+Estimate EstimateTriangularValues(const Input& input) {
+  const TriangularEstimate fit = EstimateTriangular(input.sorted, input.poll);
+  if (!fit.isValid) return {};
+  return {{fit.minimum, fit.maximum, fit.mode}, {}, {}, 3, fit.logLikelihood};
+}
+
+// A single value with its variance.
+Estimate OfRate(const RateEstimate& fit, double variance) {
+  if (fit.status != DiscreteStatus::kSuccess) return {};
+  return WithCovariance({fit.value}, {variance});
+}
+
+// The error of an estimated number of trials has no closed form; that of the proportion would be too small
+// without it.
+Estimate EstimateBinomialValues(const Input& input) {
+  const bool estimateTrials = !input.discrete->useTrials;
+  const BinomialEstimate fit = EstimateBinomial(input.sorted, input.discrete->trials, estimateTrials);
+  if (fit.status != DiscreteStatus::kSuccess) return {};
+  const auto trials = static_cast<double>(fit.trials);
+  if (estimateTrials) return {{fit.proportion, trials}, {}, {}, 2};
+  const double variance = fit.proportion * (1 - fit.proportion) / (input.Count() * trials);
+  return {{fit.proportion, trials}, {std::sqrt(variance), 0}, {variance, 0, 0, 0}, 1};
+}
+
+Estimate EstimatePoissonValues(const Input& input) {
+  const RateEstimate fit = EstimatePoisson(input.sorted);
+  return OfRate(fit, fit.value / input.Count());
+}
+
+Estimate EstimateGeometricValues(const Input& input) {
+  const RateEstimate fit = EstimateGeometric(input.sorted);
+  return OfRate(fit, fit.value * fit.value * (1 - fit.value) / input.Count());
+}
+
+Estimate EstimateBernoulliValues(const Input& input) {
+  const RateEstimate fit = EstimateBernoulli(input.sorted);
+  return OfRate(fit, fit.value * (1 - fit.value) / input.Count());
+}
+
+// No standard errors, which a table of classes has no place for.
+Estimate EstimateHistogramValues(const Input& input) {
+  HistogramEstimate fit = EstimateHistogram(input.sorted);
+  if (fit.status != DiscreteStatus::kSuccess) return {};
+  const int parameters = static_cast<int>(fit.classes.size() / 2) - 1;
+  return {std::move(fit.classes), {}, {}, parameters};
+}
+
+struct Step {
+  DistributionCode code;
+  Estimate (*estimate)(const Input& input);
+};
+
+// In the fixed order, which is that of the codes.
+constexpr std::array<Step, kDistributionCount> kSteps{{
+    {DistributionCode::kNormal, EstimateNormal},
+    {DistributionCode::kLogNormal, EstimateLogNormal},
+    {DistributionCode::kFoldedNormal, EstimateFoldedNormal},
+    {DistributionCode::kHalfNormal, EstimateHalfNormal},
+    {DistributionCode::kRayleigh, EstimateRayleigh},
+    {DistributionCode::kWeibull, EstimateWeibullValues},
+    {DistributionCode::kGaussianMixture, EstimateGaussianMixture},
+    {DistributionCode::kJohnson, EstimateJohnson},
+    {DistributionCode::kGeneralExtremeValue, EstimateGeneralExtremeValue},
+    {DistributionCode::kGeneralPareto, EstimateGeneralPareto},
+    {DistributionCode::kTriangular, EstimateTriangularValues},
+    {DistributionCode::kBinomial, EstimateBinomialValues},
+    {DistributionCode::kPoisson, EstimatePoissonValues},
+    {DistributionCode::kGeometric, EstimateGeometricValues},
+    {DistributionCode::kBernoulli, EstimateBernoulliValues},
+    {DistributionCode::kHistogram, EstimateHistogramValues},
+}};
+
+constexpr auto kCodes = [] {
+  std::array<DistributionCode, kSteps.size()> codes{};
+  for (std::size_t i = 0; i < codes.size(); ++i) codes[i] = kSteps[i].code;
+  return codes;
+}();
 
 bool AllFinite(const Values& values) {
-  for (const double value : values) {
-    if (!std::isfinite(value)) return false;
-  }
-  return true;
+  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
-DistributionFit FailedFit(DistributionCode code, double offset) {
+bool IsUsable(const Estimate& estimate) {
+  return !estimate.values.empty() && AllFinite(estimate.values) && AllFinite(estimate.standardErrors) &&
+         AllFinite(estimate.covariance);
+}
+
+DistributionFit RunStep(DistributionCode code, double offset, const Input& input) {
   DistributionFit fit;
   fit.specification.code = code;
   fit.specification.offset = offset;
   fit.specification.values = {kNotSet};
+  const FloatingPointGuard guard;
+  Estimate estimate = kSteps[static_cast<std::size_t>(code)].estimate(input);
+  if (!IsUsable(estimate)) return fit;
+  fit.specification.values = std::move(estimate.values);
+  fit.standardErrors = std::move(estimate.standardErrors);
+  fit.covariance = std::move(estimate.covariance);
+  fit.estimatedParameters = estimate.estimatedParameters;
+  const double logLikelihood = IsNotSet(estimate.logLikelihood)
+                                   ? LogLikelihood(code, fit.specification.values, offset, input.sorted)
+                                   : estimate.logLikelihood;
+  fit.logLikelihood = std::isfinite(logLikelihood) ? logLikelihood : kNotSet;
   return fit;
 }
 
-DistributionFit RunStep(const Step& step, std::span<const double> sorted, double offset) {
-  DistributionFit fit = FailedFit(step.code, offset);
-  const bool hasOffset = !IsNotSet(offset);
-  const Input input{sorted, hasOffset ? offset : 0.0};
-  Values values = step.estimate(input);
-  if (values.empty() || !AllFinite(values)) return fit;
-  fit.specification.values = std::move(values);
-  fit.logLikelihood = LogLikelihood(step, input, fit.specification.values);
-  fit.kolmogorovSmirnov = TestKolmogorovSmirnov(step, input, fit.specification.values, hasOffset);
-  return fit;
+// The places of `codes` in the order in which they are best begun: those that take longest first.
+std::vector<std::size_t> LongestFirst(std::span<const DistributionCode> codes) {
+  constexpr std::array kLong{DistributionCode::kGaussianMixture, DistributionCode::kGeneralExtremeValue,
+                             DistributionCode::kGeneralPareto, DistributionCode::kFoldedNormal,
+                             DistributionCode::kJohnson};
+  const auto rank = [&](std::size_t i) { return std::ranges::find(kLong, codes[i]) - kLong.begin(); };
+  std::vector<std::size_t> order(codes.size());
+  for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
+  std::ranges::stable_sort(order, {}, rank);
+  return order;
+}
+
+using EstimateOne = std::function<DistributionFit(DistributionCode)>;
+
+// Estimates and tests the given distributions, several at a time. The exception of the first in order that
+// threw is thrown again.
+std::vector<DistributionFit> FitAll(std::span<const DistributionCode> codes, std::span<const double> sorted,
+                                    ChiSquareBinning binning, const Poll& poll, const EstimateOne& estimate) {
+  constexpr std::size_t kLargeSample = 1'000'000;  // values, of which few copies are to exist at a time
+  std::vector<DistributionFit> fits(codes.size());
+  std::vector<std::exception_ptr> failures(codes.size());
+  const std::vector<std::size_t> order = LongestFirst(codes);
+  std::atomic<std::size_t> next{0};
+  const auto work = [&](std::size_t /*worker*/) {
+    for (std::size_t place = next++; place < order.size(); place = next++) {
+      const std::size_t i = order[place];
+      try {
+        poll();
+        fits[i] = estimate(codes[i]);
+        const FloatingPointGuard guard;
+        if (fits[i].IsValid()) TestFit(fits[i], sorted, binning);
+      } catch (...) {
+        failures[i] = std::current_exception();
+      }
+    }
+  };
+  ParallelFor(sorted.size() > kLargeSample ? 2 : codes.size(), work);
+  for (const std::exception_ptr& failure : failures) {
+    if (failure) std::rethrow_exception(failure);
+  }
+  return fits;
 }
 
 }  // namespace
 
 std::span<const DistributionCode> FittedContinuous() {
-  return kContinuousCodes;
+  return std::span(kCodes).first(kContinuousCount);
 }
 std::span<const DistributionCode> FittedDiscrete() {
-  return kDiscreteCodes;
+  return std::span(kCodes).subspan(kContinuousCount);
 }
 
-std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted,
-                                                        const Moments& moments,
+DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
+                                   const ContinuousSpecification& specification, const Poll& poll) {
+  const auto index = OffsetIndex(code);
+  const double offset = index ? specification.offsets[*index] : kNotSet;
+  const double shift = IsNotSet(offset) ? 0 : offset;
+  return RunStep(code, offset, {sample.values, sample.moments, shift, &specification, nullptr, poll});
+}
+
+DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& sample,
+                                 const DiscreteSpecification& specification) {
+  return RunStep(code, kNotSet, {sample.values, sample.moments, 0, nullptr, &specification, Poll([] {})});
+}
+
+std::vector<DistributionFit> FitContinuousDistributions(const SortedSample& sample,
                                                         const ContinuousSpecification& specification,
-                                                        CKroProgressBar& progress) {
-  std::vector<DistributionFit> fits;
-  for (const Step& step : kContinuousSteps) {
-    progress.Step(0);
-    if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(step.code))]) continue;
-    const auto index = OffsetIndex(step.code);
-    const double offset = index ? specification.offsets[*index] : kNotSet;
-    // A value without a logarithm rules the log-normal out, whatever its offset.
-    const bool excluded = step.code == DistributionCode::kLogNormal && IsNotSet(moments.logMean);
-    fits.push_back(excluded ? FailedFit(step.code, offset) : RunStep(step, sorted, offset));
+                                                        ChiSquareBinning binning, const Poll& poll) {
+  std::vector<DistributionCode> codes;
+  for (const DistributionCode code : FittedContinuous()) {
+    if (specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))]) codes.push_back(code);
   }
-  return fits;
+  return FitAll(codes, sample.values, binning, poll,
+                [&](DistributionCode code) { return EstimateContinuous(code, sample, specification, poll); });
 }
 
-std::vector<DistributionFit> FitDiscreteDistributions(std::span<const double> sorted,
+std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample,
                                                       const DiscreteSpecification& specification,
-                                                      CKroProgressBar& progress) {
-  std::vector<DistributionFit> fits;
-  for (const Step& step : kDiscreteSteps) {
-    progress.Step(0);
-    if (!specification.fit[static_cast<std::size_t>(FlagOfDiscrete(step.code))]) continue;
-    fits.push_back(RunStep(step, sorted, kNotSet));
+                                                      ChiSquareBinning binning, const Poll& poll) {
+  std::vector<DistributionCode> codes;
+  for (const DistributionCode code : FittedDiscrete()) {
+    if (specification.fit[static_cast<std::size_t>(FlagOfDiscrete(code))]) codes.push_back(code);
   }
-  return fits;
+  return FitAll(codes, sample.values, binning, poll,
+                [&](DistributionCode code) { return EstimateDiscrete(code, sample, specification); });
 }
 
-int EstimatePoissonMean(std::span<const double> data, double& mean) {
-  constexpr int kNoValues = 2;
-  constexpr int kNotACount = 3;
-  constexpr int kNothingAccepted = 5;
-  if (data.empty()) return kNoValues;
-  double running = 0;
-  double accepted = 0;
-  for (const double x : data) {
-    if (std::isnan(x)) continue;
-    if (x != std::floor(x) || (x < 0 && !AlmostEqual(x, 0))) return kNotACount;
-    ++accepted;
-    running += (x - running) / accepted;
-  }
-  if (accepted == 0 || running <= 0) return kNothingAccepted;
-  mean = running;
-  return 0;
+std::int32_t AllowedMixtures(std::int32_t asked, std::int64_t validCases) {
+  constexpr std::int64_t kMost = 20;
+  constexpr std::int32_t kLeast = 2;
+  const auto most = static_cast<std::int32_t>(std::min(validCases / 2, kMost));
+  return std::max(std::min(asked, most), kLeast);
 }
 
 }  // namespace brenvolt::sra

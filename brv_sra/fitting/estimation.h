@@ -1,11 +1,15 @@
-// Estimation of the checked distributions of one variable in their fixed order, each followed by its test.
+// Estimation of the checked distributions of one variable in their fixed order, each followed by its tests.
+//
+// An estimate that fails makes only its own distribution invalid: the first value, the log-likelihood and
+// every test are then kNotSet. So does a value or standard error that is not finite. Each estimate runs under
+// a FloatingPointGuard. All functions may be called from several threads at once.
 #pragma once
 
+#include <functional>
 #include <span>
 #include <vector>
 
 #include "brv_sra/fitting/fit_state.h"
-#include "host/controls/progress_bar.h"
 
 namespace brenvolt::sra {
 
@@ -13,19 +17,35 @@ namespace brenvolt::sra {
 std::span<const DistributionCode> FittedContinuous();
 std::span<const DistributionCode> FittedDiscrete();
 
-// Fits the checked distributions to sorted values (ascending, finite). A distribution whose estimate fails
-// has kNotSet as its first value and in its tests; the others are fitted all the same. Between two
-// distributions the bar looks for cancellation: UserCancelled.
-std::vector<DistributionFit> FitContinuousDistributions(std::span<const double> sorted,
-                                                        const Moments& moments,
-                                                        const ContinuousSpecification& specification,
-                                                        CKroProgressBar& progress);
-std::vector<DistributionFit> FitDiscreteDistributions(std::span<const double> sorted,
-                                                      const DiscreteSpecification& specification,
-                                                      CKroProgressBar& progress);
+// A variable's values, sorted ascending and finite, at least one, with their moments.
+struct SortedSample {
+  std::span<const double> values;
+  Moments moments;
+};
 
-// The mean of counts. Statuses: 0 success, 2 no values, 3 a value that is negative or not a whole number, 5
-// no value accepted or a mean of 0, which no Poisson distribution has.
-int EstimatePoissonMean(std::span<const double> data, double& mean);
+// Called between steps that take long; throws to end them.
+using Poll = std::function<void()>;
+
+// The estimate of one distribution: values in catalogue order, log-likelihood, and standard errors with
+// covariance where the table at the definition says so; no tests. The triangular log-likelihood leaves out
+// the values of vanishing density; any other is kNotSet where a value lies outside the fitted support.
+// Throws NumericalException when the Johnson fit from percentiles fails.
+DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
+                                   const ContinuousSpecification& specification, const Poll& poll);
+DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& sample,
+                                 const DiscreteSpecification& specification);
+
+// Estimates and tests the checked distributions, several at a time; the results do not depend on how many.
+// Memory: a copy of the values for each one at work, of which there are two for large samples.
+std::vector<DistributionFit> FitContinuousDistributions(const SortedSample& sample,
+                                                        const ContinuousSpecification& specification,
+                                                        ChiSquareBinning binning, const Poll& poll);
+std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample,
+                                                      const DiscreteSpecification& specification,
+                                                      ChiSquareBinning binning, const Poll& poll);
+
+// The number of mixture components that is fitted where `asked` were asked for: at most 20 and half the valid
+// cases, at least 2.
+std::int32_t AllowedMixtures(std::int32_t asked, std::int64_t validCases);
 
 }  // namespace brenvolt::sra

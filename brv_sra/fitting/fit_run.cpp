@@ -2,13 +2,16 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <exception>
 
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/fitting/sample_reader.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/base/cancellation.h"
 #include "host/base/error.h"
+#include "host/base/parallel.h"
 #include "host/numeric/sorting.h"
 
 namespace brenvolt::sra {
@@ -16,55 +19,125 @@ namespace {
 
 constexpr std::uint32_t kDataLimit = 262'144'001;  // bytes: 250 MiB and one
 
-VariableFit ReadVariable(const Spreadsheet& sheet, std::int16_t number, const CaseSet& cases, bool continuous,
-                         CKroProgressBar& progress, std::vector<double>& sorted) {
+// So many values are read before they are fitted together: enough to keep every processor busy, few enough to
+// bound the memory however many variables there are.
+constexpr std::size_t kBatchValues = 4'000'000;
+
+// One variable with its values between reading and fitting.
+struct ReadVariable {
   VariableFit fit;
-  fit.variableNumber = number;
-  fit.name = sheet.VariableAt(static_cast<std::size_t>(number - 1)).Name();
-  fit.continuous = continuous;
+  std::vector<double> values;
+};
+
+// The variables of one kind and what to fit to them.
+struct VariableList {
+  const std::vector<std::int16_t>& numbers;
+  bool continuous;
+  std::int32_t caption;
+};
+
+ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous, const CaseSet& cases,
+                  CKroProgressBar& progress) {
+  ReadVariable read;
+  read.fit.variableNumber = number;
+  read.fit.name = sheet.VariableAt(static_cast<std::size_t>(number - 1)).Name();
+  read.fit.continuous = continuous;
   Sample sample = ReadSample(sheet, number, cases, progress);
-  fit.moments = sample.moments;
-  sorted = std::move(sample.values);
-  SortAscending(sorted);
-  return fit;
+  read.fit.moments = sample.moments;
+  read.values = std::move(sample.values);
+  return read;
+}
+
+// The mixtures fitted, where they are asked for and not as many as asked.
+std::int32_t ChangedMixtures(const ContinuousSpecification& specification, std::int64_t validCases) {
+  if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))])
+    return kNotSetCount;
+  const std::int32_t allowed = AllowedMixtures(specification.mixtures, validCases);
+  return allowed == specification.mixtures ? kNotSetCount : allowed;
 }
 
 // A continuous variable without spread (a single value included) has nothing to fit.
-VariableFit FitContinuousVariable(const Spreadsheet& sheet, const FitSpecification& specification,
-                                  std::size_t i, const CaseSet& cases, CKroProgressBar& progress) {
-  std::vector<double> sorted;
-  VariableFit fit = ReadVariable(sheet, specification.continuous[i], cases, true, progress, sorted);
+void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& specification,
+                           const FitSpecification& all, const Poll& poll) {
+  VariableFit& fit = read.fit;
+  fit.mixtures = ChangedMixtures(specification, fit.moments.count);
   fit.invalid = fit.moments.standardDeviation <= 0;
-  if (fit.invalid) return fit;
-  fit.fits =
-      FitContinuousDistributions(sorted, fit.moments, specification.continuousSpecifications[i], progress);
-  fit.ranked = RankFits(fit.fits, specification.continuousCriterion);
-  return fit;
+  if (fit.invalid) return;
+  SortAscending(read.values);
+  fit.fits = FitContinuousDistributions({read.values, fit.moments}, specification, all.binning, poll);
+  fit.ranked = RankFits(fit.fits, all.continuousCriterion);
 }
 
-VariableFit FitDiscreteVariable(const Spreadsheet& sheet, const FitSpecification& specification,
-                                std::size_t i, const CaseSet& cases, CKroProgressBar& progress) {
-  std::vector<double> sorted;
-  VariableFit fit = ReadVariable(sheet, specification.discrete[i], cases, false, progress, sorted);
-  fit.invalid = sorted.empty();
-  if (fit.invalid) return fit;
-  fit.fits = FitDiscreteDistributions(sorted, specification.discreteSpecifications[i], progress);
-  fit.ranked = RankFits(fit.fits, specification.discreteCriterion);
-  return fit;
+void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specification,
+                         const FitSpecification& all, const Poll& poll) {
+  VariableFit& fit = read.fit;
+  fit.invalid = read.values.empty();
+  if (fit.invalid) return;
+  SortAscending(read.values);
+  fit.fits = FitDiscreteDistributions({read.values, fit.moments}, specification, all.binning, poll);
+  fit.ranked = RankFits(fit.fits, all.discreteCriterion);
 }
 
-using FitVariable = VariableFit (*)(const Spreadsheet&, const FitSpecification&, std::size_t, const CaseSet&,
-                                    CKroProgressBar&);
+// A numeric fault names its variable.
+void FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification, const Poll& poll) {
+  try {
+    if (read.fit.continuous) {
+      FitContinuousVariable(read, specification.continuousSpecifications[i], specification, poll);
+    } else {
+      FitDiscreteVariable(read, specification.discreteSpecifications[i], specification, poll);
+    }
+  } catch (const NumericalException& error) {
+    if (!error.Where().empty()) throw;
+    throw NumericalException(error.what(), "variable " + read.fit.name);
+  }
+  read.values = {};
+}
 
-void FitList(std::size_t count, FitVariable fitVariable, std::int32_t caption, const Spreadsheet& sheet,
-             const FitSpecification& specification, const CaseSet& cases, ProgressPort& port,
-             std::vector<VariableFit>& results) {
-  if (count == 0) return;
-  const auto steps = static_cast<std::int64_t>(count * cases.cases.size() + 1);
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(caption), steps);
+// Fits the variables of a batch, the first of which has the place `first` in its list, on all processors,
+// while this thread shows the progress and looks for cancellation. Of several exceptions, that of the first
+// variable is thrown.
+void FitBatch(std::vector<ReadVariable>& batch, std::size_t first, const FitSpecification& specification,
+              CKroProgressBar& progress) {
+  Cancellation cancellation;
+  const Poll poll = [&cancellation] { cancellation.Poll(); };
+  std::vector<std::exception_ptr> failures(batch.size());
+  const auto fit = [&](std::size_t i) {
+    try {
+      cancellation.Poll();
+      FitVariable(batch[i], first + i, specification, poll);
+    } catch (...) {
+      failures[i] = std::current_exception();
+    }
+  };
+  ParallelForWatched(batch.size(), fit, [&] {
+    try {
+      progress.Step(0);
+    } catch (...) {
+      cancellation.Request();
+      throw;
+    }
+  });
+  for (const std::exception_ptr& failure : failures) {
+    if (failure) std::rethrow_exception(failure);
+  }
+}
+
+void FitList(const VariableList& list, const Spreadsheet& sheet, const FitSpecification& specification,
+             const CaseSet& cases, ProgressPort& port, std::vector<VariableFit>& results) {
+  if (list.numbers.empty()) return;
+  const auto steps = static_cast<std::int64_t>(list.numbers.size() * cases.cases.size() + 1);
+  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(list.caption), steps);
   progress->ShowNow();
-  for (std::size_t i = 0; i < count; ++i)
-    results.push_back(fitVariable(sheet, specification, i, cases, *progress));
+  for (std::size_t next = 0; next < list.numbers.size();) {
+    const std::size_t first = next;
+    std::vector<ReadVariable> batch;
+    for (std::size_t held = 0; next < list.numbers.size() && held < kBatchValues; ++next) {
+      batch.push_back(Read(sheet, list.numbers[next], list.continuous, cases, *progress));
+      held += batch.back().values.size();
+    }
+    FitBatch(batch, first, specification, *progress);
+    for (ReadVariable& read : batch) results.push_back(std::move(read.fit));
+  }
 }
 
 }  // namespace
@@ -87,10 +160,10 @@ std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification
     DropIncompleteCases(sheet, specification.discrete, cases);
   }
   std::vector<VariableFit> results;
-  FitList(specification.continuous.size(), FitContinuousVariable, kProgressContinuousVariables, sheet,
-          specification, cases, port, results);
-  FitList(specification.discrete.size(), FitDiscreteVariable, kProgressDiscreteVariables, sheet,
-          specification, cases, port, results);
+  FitList({specification.continuous, true, kProgressContinuousVariables}, sheet, specification, cases, port,
+          results);
+  FitList({specification.discrete, false, kProgressDiscreteVariables}, sheet, specification, cases, port,
+          results);
   const bool anyValid =
       std::ranges::any_of(results, [](const VariableFit& fit) { return !fit.invalid && fit.HasValidFit(); });
   if (specification.deletion == DeletionMode::kPairwise && !anyValid) {

@@ -120,25 +120,13 @@ TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {
   const std::vector<double> sorted{-1, 2, 3, 5};
   Moments moments;
   moments.logMean = kNotSet;
-  HeadlessUserInterface port;
-  const auto progress = CKroProgressBar::new_ProgressBar(port, "", 1);
-  const auto fits = FitContinuousDistributions(sorted, moments, specification, *progress);
+  const auto fits = FitContinuousDistributions({sorted, moments}, specification,
+                                               ChiSquareBinning::kEqualProbabilities, [] {});
   ASSERT_EQ(fits.size(), 2U);
   EXPECT_TRUE(fits[0].IsValid());
   EXPECT_FALSE(fits[1].IsValid());
   EXPECT_TRUE(IsNotSet(fits[1].kolmogorovSmirnov.pValue));
   EXPECT_EQ(RankFits(fits, RankingCriterion::kKolmogorovSmirnov), (std::vector<std::size_t>{0, 1}));
-}
-
-TEST(Estimation, PoissonMeanHasAStatusForEveryFault) {
-  double mean = 0;
-  EXPECT_EQ(EstimatePoissonMean(std::vector<double>{0, 1, 2, kNan, 5}, mean), 0);
-  EXPECT_EQ(mean, 2);
-  EXPECT_EQ(EstimatePoissonMean({}, mean), 2);
-  EXPECT_EQ(EstimatePoissonMean(std::vector<double>{1, 2.5}, mean), 3);
-  EXPECT_EQ(EstimatePoissonMean(std::vector<double>{1, -2}, mean), 3);
-  EXPECT_EQ(EstimatePoissonMean(std::vector<double>{0, 0}, mean), 5);
-  EXPECT_EQ(EstimatePoissonMean(std::vector<double>{kNan}, mean), 5);
 }
 
 TEST(Ranking, FailedFitsComeLastAndTiesKeepTheFixedOrder) {

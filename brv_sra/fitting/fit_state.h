@@ -110,6 +110,7 @@ struct DistributionFit {
   std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
   std::vector<double> covariance;      // of the values, row by row, or none
   int estimatedParameters = 0;         // how many of the values the data determined
+  // At the values; kNotSet also where a value of the sample lies outside the fitted support.
   double logLikelihood = kNotSet;
   TestResult kolmogorovSmirnov;
   ChiSquareResult chiSquare;
@@ -117,7 +118,7 @@ struct DistributionFit {
   BootstrapResult bootstrap;
 
   bool IsValid() const { return !specification.values.empty() && !IsNotSet(specification.values.front()); }
-  // Akaike (1974) and Schwarz (1978), smaller is better; kNotSet for a fit that failed.
+  // Akaike (1974) and Schwarz (1978), smaller is better; kNotSet without a log-likelihood.
   double Aic() const;
   double Bic(std::int64_t count) const;
 };
@@ -144,12 +145,13 @@ struct FitState {
 };
 
 inline double DistributionFit::Aic() const {
-  return IsValid() ? 2.0 * (estimatedParameters - logLikelihood) : kNotSet;
+  return !IsNotSet(logLikelihood) ? 2.0 * (estimatedParameters - logLikelihood) : kNotSet;
 }
 
 inline double DistributionFit::Bic(std::int64_t count) const {
-  return IsValid() ? estimatedParameters * std::log(static_cast<double>(count)) - 2.0 * logLikelihood
-                   : kNotSet;
+  return !IsNotSet(logLikelihood)
+             ? estimatedParameters * std::log(static_cast<double>(count)) - 2.0 * logLikelihood
+             : kNotSet;
 }
 
 inline bool VariableFit::HasValidFit() const {

@@ -1,5 +1,6 @@
 #include "brv_sra/fitting/ranking.h"
 
+#include <cmath>
 #include <map>
 
 #include "brv_sra/resources/resource_numbers.h"
@@ -8,13 +9,23 @@
 namespace brenvolt::sra {
 namespace {
 
-// After every statistic that a valid fit can have.
-constexpr double kInvalidKey = 1000;
+double StatisticOf(const DistributionFit& fit, RankingCriterion criterion) {
+  switch (criterion) {
+    case RankingCriterion::kChiSquare:
+      return fit.chiSquare.statistic;
+    case RankingCriterion::kAndersonDarling:
+      return fit.andersonDarling.statistic;
+    case RankingCriterion::kKolmogorovSmirnov:
+      break;
+  }
+  return fit.kolmogorovSmirnov.statistic;
+}
 
+// No key is a NaN, which has no place in an order.
 double RankingKey(const DistributionFit& fit, RankingCriterion criterion) {
-  const double statistic =
-      criterion == RankingCriterion::kKolmogorovSmirnov ? fit.kolmogorovSmirnov.statistic : kNotSet;
-  return fit.IsValid() && !IsNotSet(statistic) ? statistic : kInvalidKey;
+  const double statistic = StatisticOf(fit, criterion);
+  const bool hasKey = fit.IsValid() && !IsNotSet(statistic) && !std::isnan(statistic);
+  return hasKey ? statistic : kInvalidRankingKey;
 }
 
 }  // namespace
@@ -25,6 +36,14 @@ std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, Ranking
   std::vector<std::size_t> ranked;
   for (const auto& [key, index] : order) ranked.push_back(index);
   return ranked;
+}
+
+std::optional<std::size_t> DefaultFit(std::span<const DistributionFit> fits,
+                                      std::span<const std::size_t> ranked) {
+  for (const std::size_t index : ranked) {
+    if (fits[index].IsValid()) return index;
+  }
+  return std::nullopt;
 }
 
 std::string RankingTitle(RankingCriterion criterion) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -10,9 +11,18 @@
 
 namespace brenvolt::sra {
 
-// Indices into `fits`, best first: ascending by the criterion's statistic, equal statistics in the order of
-// `fits`, fits that failed or have no statistic last.
+// The key of a fit that failed or has no statistic for the criterion.
+inline constexpr double kInvalidRankingKey = 1000.0;
+
+// Indices into `fits`, best first: ascending by the criterion's statistic, not its p-value; equal keys in the
+// order of `fits`. A fit that failed or has no statistic takes kInvalidRankingKey. No Kolmogorov-Smirnov
+// statistic reaches that key; a chi-square or Anderson-Darling statistic of a fit far from much data may
+// exceed it and then stands behind the failed fits.
 std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, RankingCriterion criterion);
+
+// The fit to save unless the person chooses another: the best-ranked one that is valid. Nothing where none is.
+std::optional<std::size_t> DefaultFit(std::span<const DistributionFit> fits,
+                                      std::span<const std::size_t> ranked);
 
 // The title of a ranked table: "Ranked by: Kolmogorov-Smirnov".
 std::string RankingTitle(RankingCriterion criterion);

@@ -1,13 +1,21 @@
 #include "brv_sra/fitting/weibull_estimation.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
 #include <vector>
 
+#include "host/numeric/estimator_support.h"
+#include "host/numeric/vector_forms.h"
+
 namespace brenvolt::sra {
 namespace {
+
+using estimation::CompensatedSum;
+using estimation::kBlock;
+using estimation::SumOfBlock;
 
 constexpr int kNewtonSteps = 100;
 constexpr double kLargestExponent = 300;
@@ -16,23 +24,26 @@ constexpr double kPiSquared = 9.86960440108936;
 constexpr double kSmallestVariance = 0.0001;
 // Below this the sum of powers counts as zero: 9.999999999999982e-51, compared by its bits.
 constexpr std::uint64_t kSmallestSumBits = 0x358DEE7A4AD4B810ULL;
-constexpr int kZeroUnits = 16;  // of the smallest subnormal
+constexpr std::uint64_t kZeroUnits = 16;  // of the smallest subnormal
 
 struct Logarithms {
   std::vector<double> values;
+  double smallest = std::numeric_limits<double>::infinity();
+  double greatest = -std::numeric_limits<double>::infinity();
   double sum = 0;
   double sumOfSquares = 0;
   double largestMagnitude = 0;  // of the shifted data
 };
 
 struct PowerSums {
-  double a = 0;  // sum of y^c
-  double b = 0;  // sum of y^c ln y
-  double c = 0;  // sum of y^c (ln y)^2
+  double a;  // sum of y^c
+  double b;  // sum of y^c ln y
+  double c;  // sum of y^c (ln y)^2
 };
 
+// By the bits, as a processor that takes subnormal numbers for zero would compare otherwise.
 bool IsZero(double y) {
-  return std::abs(y) < kZeroUnits * std::numeric_limits<double>::denorm_min();
+  return std::bit_cast<std::uint64_t>(std::abs(y)) < kZeroUnits;
 }
 
 bool SumVanishes(double a) {
@@ -40,14 +51,22 @@ bool SumVanishes(double a) {
 }
 
 PowerSums SumPowers(std::span<const double> logarithms, double shape) {
-  PowerSums sums;
-  for (const double l : logarithms) {
-    const double power = std::exp(shape * l);
-    sums.a += power;
-    sums.b += power * l;
-    sums.c += power * l * l;
+  CompensatedSum a;
+  CompensatedSum b;
+  CompensatedSum c;
+  std::array<double, kBlock> powers;
+  for (std::size_t begin = 0; begin < logarithms.size(); begin += kBlock) {
+    const auto l = logarithms.subspan(begin, std::min(kBlock, logarithms.size() - begin));
+    const std::span<double> term(powers.data(), l.size());
+    for (std::size_t i = 0; i < l.size(); ++i) term[i] = shape * l[i];
+    elementary::Exp(term, term);
+    a.Add(SumOfBlock(term));
+    for (std::size_t i = 0; i < l.size(); ++i) term[i] *= l[i];
+    b.Add(SumOfBlock(term));
+    for (std::size_t i = 0; i < l.size(); ++i) term[i] *= l[i];
+    c.Add(SumOfBlock(term));
   }
-  return sums;
+  return {a.Value(), b.Value(), c.Value()};
 }
 
 double StartingShape(const Logarithms& logs) {
@@ -63,10 +82,9 @@ double StartingShape(const Logarithms& logs) {
 // One attempt of Newton's method from `shape`, which it leaves at the solution.
 WeibullStatus Iterate(const Logarithms& logs, double tolerance, double& shape) {
   const auto n = static_cast<double>(logs.values.size());
-  const double largest = *std::ranges::max_element(logs.values);
-  const double smallest = *std::ranges::min_element(logs.values);
   for (int step = 0; step < kNewtonSteps; ++step) {
-    if (std::max(shape * largest, shape * smallest) > kLargestExponent) return WeibullStatus::kOverflow;
+    if (std::max(shape * logs.greatest, shape * logs.smallest) > kLargestExponent)
+      return WeibullStatus::kOverflow;
     const PowerSums sums = SumPowers(logs.values, shape);
     if (SumVanishes(sums.a)) return WeibullStatus::kSumVanishes;
     const double delta = (logs.sum / n + 1 / shape - sums.b / sums.a) /
@@ -100,6 +118,21 @@ WeibullEstimate Finish(const Logarithms& logs, double c) {
   return estimate;
 }
 
+// Of the shifted data, in place, with their sums.
+void TakeLogarithms(Logarithms& logs) {
+  elementary::Log(logs.values, logs.values);
+  CompensatedSum sum;
+  CompensatedSum squares;
+  for (const double l : logs.values) {
+    sum.Add(l);
+    squares.Add(l * l);
+    logs.smallest = std::min(logs.smallest, l);
+    logs.greatest = std::max(logs.greatest, l);
+  }
+  logs.sum = sum.Value();
+  logs.sumOfSquares = squares.Value();
+}
+
 }  // namespace
 
 WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, double tolerance) {
@@ -113,12 +146,10 @@ WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, dou
       failure.status = WeibullStatus::kValueAtOffset;
       return failure;
     }
-    const double logarithm = std::log(y);
-    logs.values.push_back(logarithm);
-    logs.sum += logarithm;
-    logs.sumOfSquares += logarithm * logarithm;
+    logs.values.push_back(y);
     logs.largestMagnitude = std::max(logs.largestMagnitude, std::abs(y));
   }
+  TakeLogarithms(logs);
   double shape = StartingShape(logs);
   WeibullStatus status = Iterate(logs, tolerance, shape);
   if (status != WeibullStatus::kSuccess || AlmostEqual(shape, 0)) {

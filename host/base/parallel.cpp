@@ -4,6 +4,9 @@
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
+#include <chrono>
+#include <exception>
+#include <future>
 
 namespace brenvolt {
 
@@ -15,6 +18,26 @@ void ParallelBlocks(std::size_t count, std::size_t block,
 
 void ParallelFor(std::size_t count, const std::function<void(std::size_t)>& body) {
   tbb::parallel_for(std::size_t{0}, count, [&](std::size_t i) { body(i); });
+}
+
+void ParallelForWatched(std::size_t count, const std::function<void(std::size_t)>& body,
+                        const std::function<void()>& watch) {
+  constexpr std::chrono::milliseconds kInterval{30};
+  std::future<void> work = std::async(std::launch::async, [&] { ParallelFor(count, body); });
+  std::exception_ptr stopped;
+  while (work.wait_for(kInterval) != std::future_status::ready) {
+    if (stopped) continue;
+    try {
+      watch();
+    } catch (...) {
+      stopped = std::current_exception();
+    }
+  }
+  if (stopped) {
+    work.wait();
+    std::rethrow_exception(stopped);
+  }
+  work.get();
 }
 
 }  // namespace brenvolt

@@ -22,11 +22,45 @@ class CompensatedSum {
     sum_ = next;
   }
   double Value() const { return sum_ + rest_; }
+  // The two parts of the value: differences of sums keep their digits when taken of each part.
+  double Sum() const { return sum_; }
+  double Rest() const { return rest_; }
 
  private:
   double sum_ = 0.0;
   double rest_ = 0.0;
 };
+
+inline constexpr std::size_t kBlock = 512;
+
+// The sum of at most a block of values, in an order that vector registers can follow.
+inline double SumOfBlock(std::span<const double> values) {
+  constexpr std::size_t kLanes = 8;
+  double lanes[kLanes] = {};
+  std::size_t i = 0;
+  for (; i + kLanes <= values.size(); i += kLanes) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) lanes[lane] += values[i + lane];
+  }
+  double rest = 0.0;
+  for (; i < values.size(); ++i) rest += values[i];
+  for (const double lane : lanes) rest += lane;
+  return rest;
+}
+
+// The sum of terms over many values: terms(part, out) writes those of up to kBlock values, which lets it use
+// the array forms of functions. Sums of blocks are compensated.
+template <class Terms>
+double SumOverBlocks(std::span<const double> values, const Terms& terms) {
+  double buffer[kBlock];
+  CompensatedSum sum;
+  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
+    const std::span<const double> part = values.subspan(begin, std::min(kBlock, values.size() - begin));
+    const std::span<double> out(buffer, part.size());
+    terms(part, out);
+    sum.Add(SumOfBlock(out));
+  }
+  return sum.Value();
+}
 
 inline bool IsAnyNotFinite(std::span<const double> data) {
   return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });

@@ -2,13 +2,16 @@
 // the sorted data into groups; the starts run a few steps (the short runs of Biernacki, Celeux & Govaert
 // 2003), the best of them to the end. Long runs are accelerated by squared extrapolation (Varadhan & Roland
 // 2008, scheme S3) in the logarithms of proportions and standard deviations and in the means; an
-// extrapolation that loses likelihood is taken back, so that the likelihood never falls.
+// extrapolation that loses likelihood is taken back, so that the likelihood never falls. Near a maximum
+// Newton's method for the fixed point of the step finishes the run.
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "host/numeric/bracketed_root.h"
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
 #include "host/numeric/standard_normal.h"
@@ -194,10 +197,122 @@ Candidate RunShort(Climber& climber, Mixture mixture) {
   return candidate;
 }
 
-// Until a cycle of two steps and an extrapolation gains nothing to speak of; collapsed runs return nothing.
+// A mixture as a point: ln proportion, mean and ln standard deviation of each component. The means' unit is
+// the component's standard deviation in the mixture that the point is seen from.
+using Coordinates = std::vector<double>;
+
+// To - from, in the coordinates seen from `from`.
+Coordinates Displacement(const Mixture& from, const Mixture& to) {
+  Coordinates moved;
+  for (std::size_t c = 0; c < from.size(); ++c) {
+    moved.push_back(std::log(to[c].proportion / from[c].proportion));
+    moved.push_back((to[c].mean - from[c].mean) / from[c].deviation);
+    moved.push_back(std::log(to[c].deviation / from[c].deviation));
+  }
+  return moved;
+}
+
+Mixture Moved(Mixture mixture, const Coordinates& step) {
+  double total = 0.0;
+  for (std::size_t c = 0; c < mixture.size(); ++c) {
+    mixture[c].proportion *= std::exp(step[3 * c]);
+    mixture[c].mean += step[3 * c + 1] * mixture[c].deviation;
+    mixture[c].deviation *= std::exp(step[3 * c + 2]);
+    total += mixture[c].proportion;
+  }
+  for (Component& component : mixture) component.proportion /= total;
+  return mixture;
+}
+
+// Solves the system of `rows` (each with its right-hand side as the last entry) by elimination with row
+// pivots; false when it is singular.
+bool SolveSystem(std::vector<Coordinates>& rows, Coordinates& solution) {
+  const std::size_t n = rows.size();
+  for (std::size_t k = 0; k < n; ++k) {
+    const auto pivot = std::max_element(
+        rows.begin() + static_cast<std::ptrdiff_t>(k), rows.end(),
+        [k](const Coordinates& a, const Coordinates& b) { return std::abs(a[k]) < std::abs(b[k]); });
+    std::swap(rows[k], *pivot);
+    if (!(std::abs(rows[k][k]) > 1e-12)) return false;
+    for (std::size_t i = k + 1; i < n; ++i) {
+      const double factor = rows[i][k] / rows[k][k];
+      for (std::size_t j = k; j <= n; ++j) rows[i][j] -= factor * rows[k][j];
+    }
+  }
+  solution.assign(n, 0.0);
+  for (std::size_t i = n; i-- > 0;) {
+    double rest = rows[i][n];
+    for (std::size_t j = i + 1; j < n; ++j) rest -= rows[i][j] * solution[j];
+    solution[i] = rest / rows[i][i];
+  }
+  return true;
+}
+
+// Identity minus the derivative of a step at `mixture`, by differences over the climber's values, with room
+// for a right-hand side.
+std::vector<Coordinates> SlopesOfStep(Climber& climber, const Mixture& mixture) {
+  constexpr double kDifference = 1e-6;
+  const std::size_t n = 3 * mixture.size();
+  Mixture image = mixture;
+  climber.Step(image);
+  const Coordinates there = Displacement(mixture, image);
+  std::vector<Coordinates> rows(n, Coordinates(n + 1, 0.0));
+  for (std::size_t j = 0; j < n; ++j) {
+    // Not through Moved, which would bring the proportions back to a sum of 1.
+    Mixture shifted = mixture;
+    Component& component = shifted[j / 3];
+    if (j % 3 == 0) component.proportion *= std::exp(kDifference);
+    if (j % 3 == 1) component.mean += kDifference * component.deviation;
+    if (j % 3 == 2) component.deviation *= std::exp(kDifference);
+    climber.Step(shifted);
+    const Coordinates moved = Displacement(mixture, shifted);
+    for (std::size_t i = 0; i < n; ++i) {
+      rows[i][j] = (i == j ? 1.0 : 0.0) - (moved[i] - there[i]) / kDifference;
+    }
+  }
+  return rows;
+}
+
+// Newton's method for the mixture that a step leaves where it is, from one near: the slopes come from
+// `sketch`, whose values may be a thinned sample of those of `climber` (the iteration then converges by a
+// constant factor). Nothing when a move is long, loses likelihood or collapses, or when the moves do not
+// vanish.
+std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at) {
+  constexpr int kMaxMoves = 12;
+  constexpr double kLongMove = 0.5;
+  constexpr double kLastMove = 1e-7;  // the likelihood then lacks about its square
+  constexpr double kRounding = 1e-13;
+  const bool isOwnSketch = &sketch == &climber;
+  std::vector<Coordinates> slopes = SlopesOfStep(sketch, at);
+  Mixture image = at;
+  double logLikelihood = climber.Step(image);
+  for (int move = 0; move < kMaxMoves; ++move) {
+    const Coordinates displacement = Displacement(at, image);
+    std::vector<Coordinates> rows = slopes;
+    for (std::size_t i = 0; i < rows.size(); ++i) rows[i].back() = displacement[i];
+    Coordinates step;
+    if (!SolveSystem(rows, step)) return std::nullopt;
+    double length = 0.0;
+    for (const double x : step) length = std::max(length, std::abs(x));
+    if (!(length < kLongMove)) return std::nullopt;
+    at = Moved(at, step);
+    if (climber.IsCollapsed(at)) return std::nullopt;
+    image = at;
+    const double next = climber.Step(image);
+    if (!(next >= logLikelihood - kRounding * std::abs(logLikelihood))) return std::nullopt;
+    logLikelihood = next;
+    if (length < kLastMove) return Candidate{at, logLikelihood};
+    if (isOwnSketch) slopes = SlopesOfStep(sketch, at);
+  }
+  return std::nullopt;
+}
+
+// Until a cycle of two steps and an extrapolation gains nothing to speak of, or until Newton's method, tried
+// now and then, converges; collapsed runs return nothing.
 Candidate RunToTheEnd(Climber& climber, const Mixture& start) {
   constexpr int kMaxCycles = 1000;
   constexpr double kGain = 1e-12;
+  constexpr int kCyclesToPolish = 15;
   constexpr int kIdleCycles = 3;  // one idle cycle may be an extrapolation that was taken back
   Mixture x0 = start;
   Candidate last;
@@ -209,6 +324,9 @@ Candidate RunToTheEnd(Climber& climber, const Mixture& start) {
     idle = logLikelihood - last.logLikelihood < kGain ? idle + 1 : 0;
     last = {x0, logLikelihood};
     if (idle >= kIdleCycles) return last;
+    if (cycle % kCyclesToPolish == kCyclesToPolish - 1) {
+      if (auto end = Polish(climber, climber, x0)) return *std::move(end);
+    }
     if (climber.IsCollapsed(x1)) return {};
     Mixture x2 = x1;
     climber.Step(x2);
@@ -284,14 +402,6 @@ std::vector<std::size_t> LeastSquaresEdges(std::span<const double> sorted, std::
   std::vector<std::size_t> edges(groups + 1, n);
   for (std::size_t c = groups; c-- > 0;) edges[c] = from[c][edges[c + 1]];
   return edges;
-}
-
-// About `count` of the sorted values, evenly placed.
-std::vector<double> Thinned(std::span<const double> sorted, std::size_t count) {
-  if (sorted.size() <= count) return {sorted.begin(), sorted.end()};
-  std::vector<double> values;
-  for (std::size_t i = 0; i < count; ++i) values.push_back(sorted[(2 * i + 1) * sorted.size() / (2 * count)]);
-  return values;
 }
 
 // Components on one mean, with deviations from narrow to wide: overlapping mixtures and heavy tails.
@@ -441,7 +551,7 @@ std::vector<Candidate> BestShortRuns(Climber& climber, const std::vector<Mixture
   return runs;
 }
 
-Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation) {
+Candidate SearchMixture(std::span<const double> sorted, std::size_t components, double deviation) {
   // A few components deserve a thorough search; with many, there is little to choose between the maxima.
   constexpr std::size_t kFew = 6;
   const bool isThorough = components <= kFew;
@@ -466,13 +576,36 @@ Candidate FitSorted(std::span<const double> sorted, std::size_t components, doub
   };
   std::vector<Mixture> starts = Starts(sorted, components, deviation);
   if (isThorough && components > 1) {
-    const Candidate fewer = FitSorted(sorted, components - 1, deviation);
+    const Candidate fewer = SearchMixture(sorted, components - 1, deviation);
     for (Mixture& start : WithOneMore(fewer.mixture)) starts.push_back(std::move(start));
   }
   improve(starts, longRuns);
   for (int round = 0; round < rounds && components > 2 && !best.mixture.empty(); ++round) {
     if (!improve(SplitAndMerged(best.mixture), neighbourRuns)) break;
   }
+  return best;
+}
+
+// A large sample is searched thinned, and the mixture found is polished over samples of rising size, each
+// with the slopes of the one before: their maxima lie close, as evenly placed values tell the distribution
+// far better than as many random ones.
+Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation) {
+  constexpr std::size_t kRise = 16;
+  if (sorted.size() <= kLargeSample) return SearchMixture(sorted, components, deviation);
+  std::vector<double> known = Thinned(sorted, kThinnedSample);
+  Candidate best = SearchMixture(known, components, deviation);
+  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation);
+  for (std::size_t count = known.size(); count < sorted.size();) {
+    count = std::min(count * kRise, sorted.size());
+    std::vector<double> thin = Thinned(sorted, count);
+    Climber sketch(known, components, deviation);
+    Climber climber(thin, components, deviation);
+    auto end = Polish(sketch, climber, best.mixture);
+    best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture);
+    if (best.mixture.empty()) return SearchMixture(sorted, components, deviation);
+    known = std::move(thin);
+  }
+  SortByMean(best.mixture);
   return best;
 }
 

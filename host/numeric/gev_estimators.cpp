@@ -13,9 +13,11 @@
 #include <span>
 #include <vector>
 
+#include "host/numeric/bracketed_root.h"
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
 #include "host/numeric/log_one_plus.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt {
 namespace {
@@ -23,6 +25,7 @@ namespace {
 using estimation::CheckSample;
 using estimation::CompensatedSum;
 using estimation::Fail;
+using estimation::kBlock;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
 using estimation::Succeed;
@@ -63,9 +66,9 @@ double MeanLogLikelihood(std::span<const double> values, const Point& at) {
   return std::isnan(mean) ? -kInfinity : mean;
 }
 
-// Requires a point of finite likelihood.
-Surface Differentiate(std::span<const double> values, const Point& at) {
-  const double inverseScale = std::exp(-at.logScale);
+// Sums over values of the log density's derivatives by z and the shape, the former with the powers of z that
+// those by location (l) and scale (s) take.
+struct DerivativeSums {
   double l = 0.0;
   double s = 0.0;
   double k = 0.0;
@@ -75,11 +78,9 @@ Surface Differentiate(std::span<const double> values, const Point& at) {
   double lk = 0.0;
   double sk = 0.0;
   double kk = 0.0;
-  for (const double x : values) {
-    const double z = (x - at.location) * inverseScale;
-    const LogOnePlus w = DifferentiateLogOnePlus(z, at.shape);
-    const double t = std::exp(-w.value);
-    const double byW = t - 1.0 - at.shape;
+
+  void Add(double z, double shape, const LogOnePlus& w, double t) {
+    const double byW = t - 1.0 - shape;
     // Of the log density by z and the shape, at fixed scale; -t is its second derivative by w.
     const double byZ = byW * w.byZ;
     const double byZZ = byW * w.byZZ - t * w.byZ * w.byZ;
@@ -94,15 +95,55 @@ Surface Differentiate(std::span<const double> values, const Point& at) {
     sk -= z * byZK;
     kk += byW * w.byKK - t * w.byK * w.byK - 2.0 * w.byK;
   }
-  const double inverseCount = 1.0 / static_cast<double>(values.size());
+};
+
+Surface SurfaceFrom(const DerivativeSums& sums, double value, double inverseScale, double inverseCount) {
   const double byLocation = inverseScale * inverseCount;
   Surface surface;
-  surface.value = MeanLogLikelihood(values, at);
-  surface.gradient = {l * byLocation, s * inverseCount - 1.0, k * inverseCount};
-  surface.information[0] = {-ll * byLocation * inverseScale, -ls * byLocation, -lk * byLocation};
-  surface.information[1] = {-ls * byLocation, -ss * inverseCount, -sk * inverseCount};
-  surface.information[2] = {-lk * byLocation, -sk * inverseCount, -kk * inverseCount};
+  surface.value = value;
+  surface.gradient = {sums.l * byLocation, sums.s * inverseCount - 1.0, sums.k * inverseCount};
+  surface.information[0] = {-sums.ll * byLocation * inverseScale, -sums.ls * byLocation,
+                            -sums.lk * byLocation};
+  surface.information[1] = {-sums.ls * byLocation, -sums.ss * inverseCount, -sums.sk * inverseCount};
+  surface.information[2] = {-sums.lk * byLocation, -sums.sk * inverseCount, -sums.kk * inverseCount};
   return surface;
+}
+
+// A value of -infinity and nothing else where a value lies outside the support.
+Surface Differentiate(std::span<const double> values, const Point& at) {
+  if (!(at.shape > kLeastShape) || !(at.shape < kGreatestShape)) return {};
+  const double inverseScale = std::exp(-at.logScale);
+  DerivativeSums sums;
+  CompensatedSum value;
+  double logs[kBlock];
+  double exponentials[kBlock];
+  LogOnePlus terms[kBlock];
+  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
+    const auto x = values.subspan(begin, std::min(kBlock, values.size() - begin));
+    const std::span<double> u(logs, x.size());
+    const std::span<double> t(exponentials, x.size());
+    double least = 0.0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      u[i] = at.shape * ((x[i] - at.location) * inverseScale);
+      least = std::min(least, u[i]);
+    }
+    if (!(1.0 + least > 0.0)) return {};
+    elementary::Log1p(u, u);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      terms[i] = DifferentiateLogOnePlus((x[i] - at.location) * inverseScale, at.shape, u[i]);
+      t[i] = -terms[i].value;
+    }
+    elementary::Exp(t, t);
+    double here = 0.0;
+    for (std::size_t i = 0; i < x.size(); ++i) {
+      sums.Add((x[i] - at.location) * inverseScale, at.shape, terms[i], t[i]);
+      here -= (1.0 + at.shape) * terms[i].value + t[i];
+    }
+    value.Add(here);
+  }
+  const double inverseCount = 1.0 / static_cast<double>(values.size());
+  const double mean = value.Value() * inverseCount - at.logScale;
+  return std::isfinite(mean) ? SurfaceFrom(sums, mean, inverseScale, inverseCount) : Surface{};
 }
 
 // Lower Cholesky factor; false when the matrix is not positive definite.
@@ -149,9 +190,10 @@ Matrix3 Damped(Matrix3 matrix, double damping) {
 // doubles the digits of the parameters.
 void TakeLastStep(std::span<const double> values, const Matrix3& lower, Point& at, Surface& surface) {
   const Point next = at.Moved(Solve(lower, surface.gradient));
-  if (!(MeanLogLikelihood(values, next) > -kInfinity)) return;
+  const Surface there = Differentiate(values, next);
+  if (!(there.value > -kInfinity)) return;
   at = next;
-  surface = Differentiate(values, at);
+  surface = there;
 }
 
 // Climbs from `at`. True when it ends at a maximum: information positive definite and nothing left to
@@ -163,6 +205,7 @@ bool Climb(std::span<const double> values, Point& at, Surface& surface) {
   constexpr double kMaxDamping = 1e12;
   double damping = 1e-3;
   surface = Differentiate(values, at);
+  if (!(surface.value > -kInfinity)) return false;
   for (int step = 0; step < kMaxSteps; ++step) {
     Matrix3 lower;
     double promise = kInfinity;
@@ -177,13 +220,14 @@ bool Climb(std::span<const double> values, Point& at, Surface& surface) {
     for (; !isHigher && damping < kMaxDamping; damping *= 10.0) {
       if (!Factorise(Damped(surface.information, damping), lower)) continue;
       const Point next = at.Moved(Solve(lower, surface.gradient));
-      if (!(MeanLogLikelihood(values, next) > surface.value)) continue;
+      const Surface there = Differentiate(values, next);
+      if (!(there.value > surface.value)) continue;
       at = next;
+      surface = there;
       isHigher = true;
     }
     if (!isHigher) return promise < kRoundingGain;
     damping = std::max(damping / 300.0, 1e-16);  // ten of which the loop added after the step that counts
-    surface = Differentiate(values, at);
   }
   return false;
 }
@@ -253,20 +297,34 @@ Point FromProbabilityWeightedMoments(std::span<const double> sorted) {
   return {b0.Value() + scale * (std::tgamma(1.0 + k) - 1.0) / k, std::log(scale), -k};
 }
 
-// The greatest of the maxima reached; shape infinite when there is none.
-Point GreatestMaximum(std::span<const double> sorted, Surface& best) {
+// The greatest of the maxima reached from all starts; shape infinite when there is none.
+Point SearchMaximum(std::span<const double> sorted, Surface& best) {
   std::vector<Point> starts = {FromProbabilityWeightedMoments(sorted)};
   for (const double shape : {0.1, -0.2, 0.5, -0.5, 1.0, -0.8, 2.0})
     starts.push_back(StartWithShape(sorted, shape));
   Point greatest = {0.0, 0.0, kInfinity};
   for (Point at : starts) {
-    if (!(MeanLogLikelihood(sorted, at) > -kInfinity)) continue;
     Surface surface;
     if (!Climb(sorted, at, surface) || !(surface.value > best.value)) continue;
     best = surface;
     greatest = at;
   }
   return greatest;
+}
+
+// The same; a large sample is climbed from the maximum of a thinned one, where there is one.
+Point GreatestMaximum(std::span<const double> sorted, Surface& best) {
+  if (sorted.size() > kLargeSample) {
+    const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+    Surface ofThin;
+    Point at = SearchMaximum(thin, ofThin);
+    // The extremes of all values may lie outside the support that fits the thinned ones.
+    if (std::isfinite(at.shape) && !(MeanLogLikelihood(sorted, at) > -kInfinity))
+      at = StartWithShape(sorted, at.shape);
+    if (std::isfinite(at.shape) && Climb(sorted, at, best)) return at;
+    best = {};
+  }
+  return SearchMaximum(sorted, best);
 }
 
 void Store(const ScaledSample& sample, const Point& at, std::span<double, 3> parameters) {
@@ -294,10 +352,14 @@ void StoreCovariance(const Surface& surface, double count, const Vector3& units,
 // Sorted, centred on the median, scaled.
 EstimationError Prepare(std::span<const double> data, ScaledSample& sample) {
   if (const EstimationError reason = CheckSample(data, 3); reason != EstimationError::kNone) return reason;
-  std::vector<double> sorted(data.begin(), data.end());
-  std::sort(sorted.begin(), sorted.end());
-  if (sorted.front() == sorted.back()) return EstimationError::kNoSpread;
-  sample = ScaleFrom(sorted, sorted[sorted.size() / 2]);
+  std::vector<double> sorted;
+  if (!std::ranges::is_sorted(data)) {
+    sorted.assign(data.begin(), data.end());
+    std::ranges::sort(sorted);
+    data = sorted;
+  }
+  if (data.front() == data.back()) return EstimationError::kNoSpread;
+  sample = ScaleFrom(data, data[data.size() / 2]);
   if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
   return EstimationError::kNone;
 }

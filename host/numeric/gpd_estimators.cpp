@@ -4,15 +4,17 @@
 //   -(ln A + r A + 1),   with derivative   -(A' / A + mean(y / (1 + r y))),
 // both smooth through r = 0.
 #include <algorithm>
-#include <boost/math/tools/toms748_solve.hpp>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "host/numeric/bracketed_root.h"
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
 #include "host/numeric/log_one_plus.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt {
 namespace {
@@ -20,6 +22,7 @@ namespace {
 using estimation::CheckSample;
 using estimation::CompensatedSum;
 using estimation::Fail;
+using estimation::kBlock;
 using estimation::Mean;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
@@ -39,11 +42,24 @@ Profile ProfileAt(std::span<const double> values, double ratio) {
   CompensatedSum w;
   CompensatedSum wByRatio;
   CompensatedSum shapeByRatio;
-  for (const double y : values) {
-    const LogOnePlus term = DifferentiateLogOnePlus(y, ratio);
-    w.Add(term.value);
-    wByRatio.Add(term.byK);
-    shapeByRatio.Add(y * term.byZ);
+  double buffer[kBlock];
+  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
+    const auto y = values.subspan(begin, std::min(kBlock, values.size() - begin));
+    const std::span<double> logs(buffer, y.size());
+    for (std::size_t i = 0; i < y.size(); ++i) logs[i] = ratio * y[i];
+    elementary::Log1p(logs, logs);
+    double value = 0.0;
+    double byRatio = 0.0;
+    double byShape = 0.0;
+    for (std::size_t i = 0; i < y.size(); ++i) {
+      const LogOnePlus term = DifferentiateLogOnePlus(y[i], ratio, logs[i]);
+      value += term.value;
+      byRatio += term.byK;
+      byShape += y[i] * term.byZ;
+    }
+    w.Add(value);
+    wByRatio.Add(byRatio);
+    shapeByRatio.Add(byShape);
   }
   const auto n = static_cast<double>(values.size());
   Profile profile;
@@ -72,27 +88,65 @@ std::vector<double> RatioGrid(double greatest, double mean) {
   return grid;
 }
 
-Profile SolveSlope(std::span<const double> values, double low, double high) {
-  std::uintmax_t steps = 200;
-  const auto slope = [values](double ratio) { return ProfileAt(values, ratio).slope; };
-  const auto bracket = boost::math::tools::toms748_solve(
-      slope, low, high, boost::math::tools::eps_tolerance<double>(52), steps);
-  return ProfileAt(values, 0.5 * (bracket.first + bracket.second));
+// Two neighbours of the grid between which the slope changes from positive to negative, and the root there.
+struct Peak {
+  double low;
+  double high;
+  double ratio;
+};
+
+double SlopeAt(std::span<const double> values, double ratio) {
+  return ProfileAt(values, ratio).slope;
+}
+
+std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double>& grid) {
+  std::vector<Peak> peaks;
+  double previous = SlopeAt(values, grid[0]);
+  for (std::size_t i = 1; i < grid.size(); ++i) {
+    const double slope = SlopeAt(values, grid[i]);
+    if (previous > 0.0 && slope <= 0.0) {
+      const double ratio =
+          SolveBracketed([&](double r) { return SlopeAt(values, r); }, grid[i - 1], grid[i], previous, slope);
+      peaks.push_back({grid[i - 1], grid[i], ratio});
+    }
+    previous = slope;
+  }
+  return peaks;
+}
+
+// The useful peaks of a large sample from those of a thinned one; nothing when one of them has no peak near.
+// Peaks beyond the least shape are left out: they hang on the extremes, which thinning moves.
+std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted, std::size_t count,
+                                                 const std::vector<double>& grid) {
+  constexpr double kMargin = 0.1;
+  const std::vector<double> thin = Thinned(sorted, count);
+  std::vector<Peak> peaks = Peaks(thin, grid);
+  std::erase_if(peaks,
+                [&](const Peak& peak) { return ProfileAt(thin, peak.ratio).shape < kLeastShape - kMargin; });
+  for (Peak& peak : peaks) {
+    const auto ratio =
+        SolveFallingNear([&](double r) { return SlopeAt(sorted, r); }, peak.ratio, peak.low, peak.high);
+    if (!ratio) return std::nullopt;
+    peak.ratio = *ratio;
+  }
+  return peaks;
+}
+
+// That a large sample has no peak is believed when two thinned ones, one of them finer, have none.
+std::vector<Peak> UsefulPeaks(std::span<const double> sorted) {
+  const std::vector<double> grid = RatioGrid(sorted.back(), Mean(sorted));
+  if (sorted.size() <= kLargeSample) return Peaks(sorted, grid);
+  auto peaks = PeaksByThinning(sorted, kThinnedSample, grid);
+  if (peaks && peaks->empty()) peaks = PeaksByThinning(sorted, 4 * kThinnedSample, grid);
+  return peaks ? *peaks : Peaks(sorted, grid);
 }
 
 // The greatest local maximum with shape > -1; a log-likelihood of minus infinity when there is none.
-Profile GreatestMaximum(std::span<const double> values) {
-  const double greatest = *std::max_element(values.begin(), values.end());
-  const std::vector<double> grid = RatioGrid(greatest, Mean(values));
+Profile GreatestMaximum(std::span<const double> sorted) {
   Profile best;
-  double previous = ProfileAt(values, grid[0]).slope;
-  for (std::size_t i = 1; i < grid.size(); ++i) {
-    const double slope = ProfileAt(values, grid[i]).slope;
-    if (previous > 0.0 && slope <= 0.0) {
-      const Profile maximum = SolveSlope(values, grid[i - 1], grid[i]);
-      if (maximum.shape > kLeastShape && maximum.logLikelihood > best.logLikelihood) best = maximum;
-    }
-    previous = slope;
+  for (const Peak& peak : UsefulPeaks(sorted)) {
+    const Profile maximum = ProfileAt(sorted, peak.ratio);
+    if (maximum.shape > kLeastShape && maximum.logLikelihood > best.logLikelihood) best = maximum;
   }
   return best;
 }
@@ -102,7 +156,7 @@ EstimationError Prepare(std::span<const double> data, double threshold, ScaledSa
   if (reason != EstimationError::kNone) return reason;
   sample = ScaleFrom(data, threshold);
   if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
-  std::sort(sample.values.begin(), sample.values.end());
+  if (!std::ranges::is_sorted(sample.values)) std::ranges::sort(sample.values);
   if (sample.values.front() < 0.0) return EstimationError::kValueOutsideSupport;
   if (sample.values.front() == sample.values.back()) return EstimationError::kNoSpread;
   return EstimationError::kNone;

@@ -7,27 +7,29 @@
 // without cancellation however small the spread is beside the mean. d = mean(x), which is location 0, always
 // solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
 #include <algorithm>
-#include <boost/math/tools/toms748_solve.hpp>
 #include <cmath>
 #include <numbers>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "host/numeric/bracketed_root.h"
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
 #include "host/numeric/standard_normal.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt {
 namespace {
 
 using estimation::CheckSample;
-using estimation::CompensatedSum;
 using estimation::Fail;
 using estimation::Mean;
 using estimation::MeanSquare;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
 using estimation::Succeed;
+using estimation::SumOverBlocks;
 
 // Prepares x - offset in `sample`; kNone when all of it is finite and within the support.
 EstimationError ShiftAboveOffset(std::span<const double> data, double offset, bool isOffsetInside,
@@ -54,21 +56,29 @@ class FoldedLikelihood {
   // Positive where the likelihood grows with d.
   double Excess(double d) const {
     const double slope = 2.0 * (mean_ - d) / ScaleSquared(d);
-    CompensatedSum sum;
-    for (const double x : values_) sum.Add(2.0 * x / (std::exp(slope * x) + 1.0));
-    return sum.Value() / static_cast<double>(values_.size()) - d;
+    const double sum = SumOverBlocks(values_, [slope](std::span<const double> x, std::span<double> out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
+      elementary::Exp(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = 2.0 * x[i] / (out[i] + 1.0);
+    });
+    return sum / static_cast<double>(values_.size()) - d;
   }
 
   // Mean log-likelihood, without constants.
   double LogLikelihood(double d) const {
     const double location = mean_ - d;
     const double scaleSquared = ScaleSquared(d);
-    CompensatedSum sum;
-    for (const double x : values_) {
-      const double z = x - location;
-      sum.Add(std::log1p(std::exp(-2.0 * x * location / scaleSquared)) - 0.5 * z * z / scaleSquared);
-    }
-    return sum.Value() / static_cast<double>(values_.size()) - 0.5 * std::log(scaleSquared);
+    const double slope = -2.0 * location / scaleSquared;
+    const double sum = SumOverBlocks(values_, [&](std::span<const double> x, std::span<double> out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
+      elementary::Exp(out, out);
+      elementary::Log1p(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const double z = x[i] - location;
+        out[i] -= 0.5 * z * z / scaleSquared;
+      }
+    });
+    return sum / static_cast<double>(values_.size()) - 0.5 * std::log(scaleSquared);
   }
 
  private:
@@ -76,15 +86,6 @@ class FoldedLikelihood {
   double mean_;
   double variance_;
 };
-
-// The d in [low, high] at which the excess changes from positive to negative.
-double SolveExcess(const FoldedLikelihood& likelihood, double low, double high) {
-  std::uintmax_t steps = 200;
-  const auto excess = [&](double d) { return likelihood.Excess(d); };
-  const auto bracket = boost::math::tools::toms748_solve(
-      excess, low, high, boost::math::tools::eps_tolerance<double>(52), steps);
-  return 0.5 * (bracket.first + bracket.second);
-}
 
 // d from nearly 0 to nearly the mean, in steps of a factor of two from either end.
 std::vector<double> FoldedGrid(double mean) {
@@ -96,22 +97,56 @@ std::vector<double> FoldedGrid(double mean) {
   return grid;
 }
 
-double BestFoldedRoot(const FoldedLikelihood& likelihood) {
+// Two neighbours of the grid between which the excess changes from positive to negative, and the root there.
+struct FoldedRoot {
+  double low;
+  double high;
+  double d;
+};
+
+std::vector<FoldedRoot> FoldedRoots(const FoldedLikelihood& likelihood) {
+  const auto excessAt = [&](double d) { return likelihood.Excess(d); };
+  const std::vector<double> grid = FoldedGrid(likelihood.SampleMean());
+  std::vector<FoldedRoot> roots;
+  double previous = excessAt(grid[0]);
+  for (std::size_t i = 1; i < grid.size(); ++i) {
+    const double excess = excessAt(grid[i]);
+    if (previous > 0.0 && excess <= 0.0)
+      roots.push_back(
+          {grid[i - 1], grid[i], SolveBracketed(excessAt, grid[i - 1], grid[i], previous, excess)});
+    previous = excess;
+  }
+  return roots;
+}
+
+// The roots of a large sample from those of a thinned one; nothing when one of them has no root near.
+std::optional<std::vector<FoldedRoot>> FoldedRootsByThinning(const FoldedLikelihood& likelihood,
+                                                             std::span<const double> sorted) {
+  const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+  std::vector<FoldedRoot> roots = FoldedRoots(FoldedLikelihood(thin));
+  for (FoldedRoot& root : roots) {
+    const double high = std::min(2.0 * root.high, likelihood.SampleMean());
+    const auto d = SolveFallingNear([&](double at) { return likelihood.Excess(at); }, std::min(root.d, high),
+                                    0.5 * root.low, high);
+    if (!d) return std::nullopt;
+    root.d = *d;
+  }
+  return roots;
+}
+
+double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double> values) {
+  std::optional<std::vector<FoldedRoot>> roots;
+  if (values.size() > kLargeSample && std::ranges::is_sorted(values))
+    roots = FoldedRootsByThinning(likelihood, values);
+  if (!roots) roots = FoldedRoots(likelihood);
+  if (likelihood.Excess(0.0) <= 0.0) roots->push_back({0.0, 0.0, 0.0});
   double best = likelihood.SampleMean();
   double bestLogLikelihood = likelihood.LogLikelihood(best);
-  const auto consider = [&](double d) {
-    const double value = likelihood.LogLikelihood(d);
-    if (!(value > bestLogLikelihood)) return;
-    best = d;
+  for (const FoldedRoot& root : *roots) {
+    const double value = likelihood.LogLikelihood(root.d);
+    if (!(value > bestLogLikelihood)) continue;
+    best = root.d;
     bestLogLikelihood = value;
-  };
-  const std::vector<double> grid = FoldedGrid(likelihood.SampleMean());
-  double previous = likelihood.Excess(grid[0]);
-  if (previous <= 0.0) consider(0.0);
-  for (std::size_t i = 1; i < grid.size(); ++i) {
-    const double excess = likelihood.Excess(grid[i]);
-    if (previous > 0.0 && excess <= 0.0) consider(SolveExcess(likelihood, grid[i - 1], grid[i]));
-    previous = excess;
   }
   return best;
 }
@@ -141,12 +176,16 @@ std::int32_t FitRayleighDistribution(std::int32_t /*flag*/, std::span<const doub
 
   const auto n = static_cast<double>(data.size());
   const double scaled = std::sqrt(0.5 * MeanSquare(sample.values));
-  CompensatedSum logs;  // of x / scale, which needs no units
-  for (const double x : sample.values) logs.Add(std::log(x / scaled));
+  // Of the logarithms of x / scale, which needs no units.
+  const double logs =
+      SumOverBlocks(sample.values, [scaled](std::span<const double> x, std::span<double> out) {
+        for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] / scaled;
+        elementary::Log(out, out);
+      });
   const double scale = sample.InUnitsOfData(scaled);
   parameters[0] = scale;
   parameters[1] = scale / std::sqrt(4.0 * n);
-  parameters[2] = logs.Value() - n * (std::log(scale) + 1.0);
+  parameters[2] = logs - n * (std::log(scale) + 1.0);
   return Succeed(parameters, error);
 }
 
@@ -161,7 +200,7 @@ std::int32_t FitFoldedNormalDistribution(std::int32_t /*flag*/, std::span<const 
     return Fail(EstimationError::kNoSpread, parameters, error);
   }
 
-  const double d = BestFoldedRoot(likelihood);
+  const double d = BestFoldedRoot(likelihood, sample.values);
   parameters[0] = sample.InUnitsOfData(likelihood.SampleMean() - d);
   parameters[1] = sample.InUnitsOfData(std::sqrt(likelihood.ScaleSquared(d)));
   return Succeed(parameters, error);

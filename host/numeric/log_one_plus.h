@@ -19,8 +19,8 @@ struct LogOnePlus {
   double byKK = 0.0;
 };
 
-// Requires 1 + k z > 0.
-inline LogOnePlus DifferentiateLogOnePlus(double z, double k) {
+// Requires 1 + k z > 0; logOnePlus = ln(1 + k z), which the caller may have from an array function.
+inline LogOnePlus DifferentiateLogOnePlus(double z, double k, double logOnePlus) {
   constexpr double kSeriesReach = 0.03;
   constexpr int kTerms = 11;  // 0.03^11 is below 2^-53
   const double u = k * z;
@@ -30,7 +30,7 @@ inline LogOnePlus DifferentiateLogOnePlus(double z, double k) {
   w.byZZ = -k * inverse * inverse;
   w.byZK = -z * inverse * inverse;
   if (std::abs(u) >= kSeriesReach) {
-    w.value = std::log1p(u) / k;
+    w.value = logOnePlus / k;
     w.byK = (z * inverse - w.value) / k;
     w.byKK = -(z * z * inverse * inverse + 2.0 * w.byK) / k;
     return w;
@@ -49,6 +49,10 @@ inline LogOnePlus DifferentiateLogOnePlus(double z, double k) {
   w.byK = z * z * byK;
   w.byKK = z * z * z * byKK;
   return w;
+}
+
+inline LogOnePlus DifferentiateLogOnePlus(double z, double k) {
+  return DifferentiateLogOnePlus(z, k, std::log1p(k * z));
 }
 
 // w((x - origin) / scale, k) for any x, infinite beyond the end of the support, where 1 + k z <= 0. The sum

@@ -1,0 +1,24 @@
+// Standard errors of maximum-likelihood estimates whose estimators do not give them: the inverse of the
+// observed information (Efron & Hinkley 1978).
+#pragma once
+
+#include <array>
+#include <optional>
+#include <span>
+
+namespace brenvolt::sra {
+
+// The covariance of two estimates, row by row.
+using Covariance2 = std::array<double, 4>;
+
+// Location and scale of the folded normal at its maximum over `data`. Nothing where the information is not
+// positive definite: location 0 is an end of the parameters.
+std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, double location, double scale,
+                                                  double offset);
+
+// Scale and shape of the generalized Pareto at its maximum. Nothing for a shape of -1/2 or less, where
+// estimates are not asymptotically normal (Smith 1985), nor where the information is not positive definite.
+std::optional<Covariance2> ParetoCovariance(std::span<const double> data, double scale, double shape,
+                                            double threshold);
+
+}  // namespace brenvolt::sra
