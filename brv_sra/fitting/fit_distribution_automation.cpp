@@ -151,11 +151,11 @@ constexpr Member Count(std::string_view name, DispatchId id) {
 
 // Settings without a control: the number of bootstrap samples (0 for none), and where their random numbers
 // start.
-template <std::int32_t FitSpecification::* Field>
+template <std::int32_t FitSpecification::*Field>
 Variant GetSetting(Dialog& dialog, Indexes) {
   return dialog.Specification().*Field;
 }
-template <std::int32_t FitSpecification::* Field>
+template <std::int32_t FitSpecification::*Field>
 void PutSetting(Dialog& dialog, Indexes, const Variant& value) {
   const std::int32_t setting = value.ToInteger();
   if (setting < 0) throw Error("less than 0: " + value.ToText());

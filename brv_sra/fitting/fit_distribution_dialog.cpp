@@ -198,7 +198,8 @@ void CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
 std::string CFitDistribution::NameOf(int variable) const {
   constexpr char kLastControlCharacter = 0x1F;
   std::string name = Analysis().get_vn(variable);
-  std::ranges::replace_if(name, [](char c) { return c >= 0 && c <= kLastControlCharacter; }, ' ');
+  std::ranges::replace_if(
+      name, [](char c) { return c >= 0 && c <= kLastControlCharacter; }, ' ');
   return std::string(Trim(name));
 }
 

@@ -48,8 +48,8 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   std::vector<std::string> NamesOf(const std::vector<std::int16_t>& variables) const;
   void RefreshLists();
 
-  // The shown variables. Reading returns 0, or the number of the message that says what is wrong; storing shows
-  // that message and returns whether all was well.
+  // The shown variables. Reading returns 0, or the number of the message that says what is wrong; storing
+  // shows that message and returns whether all was well.
   void ShowContinuous(int index);
   void ShowDiscrete(int index);
   std::int32_t ReadShownContinuous();

@@ -14,7 +14,7 @@ using namespace fit_options;
 template <class Value>
 struct Choice {
   std::int32_t control;
-  Value FitSpecification::* field;
+  Value FitSpecification::*field;
   Value value;
 };
 
@@ -51,7 +51,8 @@ void FitOptionsModalDlg::OnControlChanged(std::int32_t number) {
   FitSpecification& specification = SimulationAndRisk().Fit().specification;
   const auto take = [&](const auto& choices) {
     for (const auto& choice : choices) {
-      if (choice.control == number && Controls().IsChecked(number)) specification.*choice.field = choice.value;
+      if (choice.control == number && Controls().IsChecked(number))
+        specification.*choice.field = choice.value;
     }
   };
   take(kCriteria);

@@ -13,9 +13,8 @@ namespace {
 using namespace fit_dialog;
 
 constexpr std::array<std::int32_t, kContinuousFlagCount> kContinuousChecks{
-    kNormal,   kLogNormal,       kFoldedNormal, kHalfNormal,        kRayleigh,
-    kWeibull,  kGaussianMixture, kJohnson,      kJohnsonPercentile, kGeneralExtremeValue,
-    kGeneralPareto, kTriangular};
+    kNormal,          kLogNormal, kFoldedNormal,      kHalfNormal,          kRayleigh,      kWeibull,
+    kGaussianMixture, kJohnson,   kJohnsonPercentile, kGeneralExtremeValue, kGeneralPareto, kTriangular};
 constexpr std::array<std::int32_t, kDiscreteFlagCount> kDiscreteChecks{kBinomial, kPoisson, kGeometric,
                                                                        kBernoulli, kHistogram};
 
@@ -75,8 +74,9 @@ void ReadChecks(const ControlSet& controls, const std::array<std::int32_t, N>& c
 ContinuousSpecification NewContinuousSpecification() {
   ContinuousSpecification specification;
   specification.fit = {};
-  for (const DistributionCode code : {DistributionCode::kNormal, DistributionCode::kJohnson,
-                                      DistributionCode::kGeneralExtremeValue, DistributionCode::kTriangular}) {
+  for (const DistributionCode code :
+       {DistributionCode::kNormal, DistributionCode::kJohnson, DistributionCode::kGeneralExtremeValue,
+        DistributionCode::kTriangular}) {
     specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
   }
   return specification;

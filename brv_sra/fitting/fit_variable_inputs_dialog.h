@@ -11,10 +11,10 @@
 namespace brenvolt::sra {
 
 // What is checked for a newly selected variable: the distributions that need no further input. For a
-// continuous variable these are Normal, Johnson, General Extreme Value and Triangular, defined for data of any
-// sign; those that start at an offset wait for someone to say where, and the mixture for its components. For a
-// discrete variable these are all five, the binomial with the number of trials estimated: one that cannot
-// have made the data is reported as such and ranked last.
+// continuous variable these are Normal, Johnson, General Extreme Value and Triangular, defined for data of
+// any sign; those that start at an offset wait for someone to say where, and the mixture for its components.
+// For a discrete variable these are all five, the binomial with the number of trials estimated: one that
+// cannot have made the data is reported as such and ranked last.
 ContinuousSpecification NewContinuousSpecification();
 DiscreteSpecification NewDiscreteSpecification();
 
@@ -22,13 +22,13 @@ DiscreteSpecification NewDiscreteSpecification();
 void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown);
 void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown);
 
-// Reads the controls into `specification`. Returns 0; or the number of the message that says what is wrong, and
-// then nothing has changed. An empty field is an error where its distribution is checked, and not set
+// Reads the controls into `specification`. Returns 0; or the number of the message that says what is wrong,
+// and then nothing has changed. An empty field is an error where its distribution is checked, and not set
 // otherwise; what stands in a field must always be readable.
 //
-// Wrong offset: 10011. Wrong number of mixtures: 10083; its bounds depend on the valid cases and are the run's
-// business. Wrong number of trials: 10159; it is needed where the binomial is checked and shall use it, and is
-// a whole number greater than 0.
+// Wrong offset: 10011. Wrong number of mixtures: 10083; its bounds depend on the valid cases and are the
+// run's business. Wrong number of trials: 10159; it is needed where the binomial is checked and shall use it,
+// and is a whole number greater than 0.
 std::int32_t ReadInputs(const ControlSet& controls, ContinuousSpecification& specification);
 std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& specification);
 

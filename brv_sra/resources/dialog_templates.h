@@ -23,7 +23,8 @@ inline constexpr std::int32_t kProfiler = 1220;
 inline constexpr std::int32_t kAutoProfiler = 1254;
 }  // namespace define_task
 
-// The number of a distribution's check box, offset and count ends in its place among the check boxes of its tab.
+// The number of a distribution's check box, offset and count ends in its place among the check boxes of its
+// tab.
 namespace fit_dialog {
 inline constexpr std::int32_t kVariables = 1010;
 inline constexpr std::int32_t kContinuousList = 1011;
