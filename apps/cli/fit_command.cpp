@@ -312,16 +312,18 @@ void Fit(const FitOptions& options) {
   }
 }
 
-// A choice by name; the help lists the names, the default first.
+// A choice by name; the help lists the names and says the default.
 void AddChoice(CLI::App& command, const std::string& name, std::string& value, const Choices& choices,
                const std::string& help) {
-  std::string names = value;
   std::vector<std::string> all;
+  std::string names;
   for (const auto& [choice, member] : choices) {
     all.push_back(choice);
-    if (choice != value) names += "|" + choice;
+    names += (names.empty() ? "" : "|") + choice;
   }
-  command.add_option(name, value, help)->check(CLI::IsMember(all).description(""))->type_name(names);
+  command.add_option(name, value, help + "; default " + value)
+      ->check(CLI::IsMember(all).description(""))
+      ->type_name(names);
 }
 
 void AddVariableOptions(CLI::App& command, FitOptions& options) {

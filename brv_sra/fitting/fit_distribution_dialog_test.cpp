@@ -1,0 +1,539 @@
+// The fit specification as a person and as automation drive it: what is checked when, what each message
+// stands for, and what is remembered per variable.
+#include "brv_sra/fitting/fit_distribution_dialog.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "brv_sra/fitting/fit_options_dialog.h"
+#include "brv_sra/fitting/fit_variable_inputs_dialog.h"
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "host/analysis/headless_user_interface.h"
+#include "host/base/error.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace fit_dialog;
+using Indexes = std::vector<Variant>;
+using Numbers = std::vector<std::int16_t>;
+
+constexpr const char* kOffsetsText =
+    "One or more invalid offset values found. Please enter valid offset values.";
+constexpr const char* kMixturesText =
+    "Invalid number of mixtures for one or more variable(s). Please note that the value cannot be less than "
+    "2 "
+    "or greater than half the number (with the maximum of 20) of valid cases of a selected variable. Mixture "
+    "value reverted to the highest default value.";
+constexpr const char* kTrialsText =
+    "Invalid number of trials for currently selected discrete variable. Please check the discrete variables "
+    "tab to change the number of trials.";
+constexpr const char* kNoDistributionText =
+    "Please check to ensure at least one distribution is selected for each variable selected.";
+
+struct FitDialog : testing::Test {
+  static constexpr std::size_t kCases = 30;
+
+  HeadlessUserInterface userInterface;
+  Spreadsheet sheet{"data", kCases, 5};
+  CAnalysisDoc document{userInterface, &sheet};
+  std::unique_ptr<CSimulationAndRisk> analysis{Kro6NewAnalysis()};
+
+  FitDialog() {
+    for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
+      const auto values = sheet.VariableAt(v).MutableValues();
+      for (std::size_t i = 0; i < kCases; ++i) values[i] = static_cast<double>((i * (v + 3)) % 11 + 1);
+    }
+    analysis->AttachDocument(&document);
+    analysis->RunSequenceStep(step::kStartup);
+    StartFit();
+  }
+  void StartFit() { analysis->GetDialog()->Press(define_task::kFitDistribution); }
+  CAnalysisDialog& Dialog() { return *analysis->GetDialog(); }
+  AutomationObject& Automation() { return *analysis->GetDialgInterface(); }
+  FitSpecification& Specification() { return analysis->Fit().specification; }
+  bool Ok() { return Dialog().Press(kControlOk); }
+  bool Checked(std::int32_t control) { return Dialog().Controls().IsChecked(control); }
+  std::string Text(std::int32_t control) { return Dialog().Controls().Text(control); }
+  // The messages since the last call.
+  std::vector<std::string> Said() {
+    std::vector<std::string> texts;
+    for (const Message& message : userInterface.messages) texts.push_back(message.text);
+    userInterface.messages.clear();
+    return texts;
+  }
+  void Answer(Numbers continuous, Numbers discrete) {
+    userInterface.variableAnswers.emplace_back([=](VariableQuestion& question) {
+      question.first = continuous;
+      question.second = discrete;
+    });
+  }
+};
+
+// Name, number and access as recorded macros know them; the values are put one after the other.
+TEST_F(FitDialog, EveryMemberKeepsItsNumberAndGivesBackWhatWasPut) {
+  struct Row {
+    const char* name;
+    DispatchId id;
+    bool indexed;
+    std::vector<Variant> values;
+    std::vector<std::string> read;
+  };
+  const std::vector<Variant> onOff{true, false};
+  const std::vector<std::string> oneZero{"1", "0"};
+  const std::vector<Variant> reals{-444.0, 0.25, -1e300};
+  const std::vector<std::string> realTexts{"-444", "0.25", "-1e+300"};
+  const std::vector<Variant> counts{-444, 7};
+  const std::vector<std::string> countTexts{"-444", "7"};
+  const Row rows[] = {
+      {"Variables", 0x60030000, false, {"1-2 | 3 5", "2 1|3-4"}, {"1-2 | 3 5", "2 1 | 3-4"}},
+      {"ContinuousKolmogorovSmirovTest", 0x60030002, false, {true}, {"1"}},
+      {"ContinuousChiSquareTest", 0x60030004, false, {true}, {"1"}},
+      {"ContinuousAndersonDarlingTest", 0x60030006, false, {true, false}, {"1", "1"}},
+      {"DiscreteKolmogorovSmirovTest", 0x60030008, false, {true}, {"1"}},
+      {"DiscreteChiSquareTest", 0x6003000a, false, {true}, {"1"}},
+      {"EqualProbability", 0x6003000c, false, {true}, {"1"}},
+      {"EqualInterval", 0x6003000e, false, {true}, {"1"}},
+      {"IsPairwise", 0x60030010, false, {true}, {"1"}},
+      {"IsCasewise", 0x60030012, false, {true, false}, {"1", "1"}},
+      {"ContinuousVariable", 0x60030014, false, {"", "5", "1-2"}, {"", "5", "1-2"}},
+      {"IsNormalDistribution", 0x60030016, true, onOff, oneZero},
+      {"IsLogNormalDistribution", 0x60030018, true, onOff, oneZero},
+      {"IsFoldedNormalDistribution", 0x6003001a, true, onOff, oneZero},
+      {"IsHalfNormalDistribution", 0x6003001c, true, onOff, oneZero},
+      {"IsRayleighDistribution", 0x6003001e, true, onOff, oneZero},
+      {"IsWeibullDistribution", 0x60030020, true, onOff, oneZero},
+      {"IsGaussianMixtureDistribution", 0x60030022, true, onOff, oneZero},
+      {"NumberOfMixtures", 0x60030024, true, counts, countTexts},
+      {"IsJohnsonDistribution", 0x60030026, true, onOff, oneZero},
+      {"IsGeneralizedExtremeValueDistribution", 0x60030028, true, onOff, oneZero},
+      {"IsGeneralizedParetoDistribution", 0x6003002a, true, onOff, oneZero},
+      {"IsTriangularDistribution", 0x6003002c, true, onOff, oneZero},
+      {"LogNormalOffset", 0x6003002e, true, reals, realTexts},
+      {"FoldedNormalOffset", 0x60030030, true, reals, realTexts},
+      {"HalfNormalOffset", 0x60030032, true, reals, realTexts},
+      {"RayleighOffset", 0x60030034, true, reals, realTexts},
+      {"WeibullOffset", 0x60030036, true, reals, realTexts},
+      {"GeneralizedParetoOffset", 0x60030038, true, reals, realTexts},
+      {"DiscreteVariable", 0x6003003a, false, {4, "", "3-4"}, {"4", "", "3-4"}},
+      {"IsBinomialDistribution", 0x6003003c, true, onOff, oneZero},
+      {"NumberOfTrials", 0x60030040, true, counts, countTexts},
+      {"IsNumberOfTrials", 0x6003003e, true, onOff, oneZero},
+      {"IsPoissonDistribution", 0x60030042, true, onOff, oneZero},
+      {"IsGeometricDistribution", 0x60030044, true, onOff, oneZero},
+      {"IsBernoulliDistribution", 0x60030046, true, onOff, oneZero},
+      {"IsDiscreteDistribution", 0x60030048, true, onOff, oneZero},
+      {"FitJohnsonByPercentile", 0x6003004a, true, onOff, oneZero},
+      {"BootstrapSamples", 0x6003004c, false, {0, 999}, {"0", "999"}},
+      {"BootstrapSeed", 0x6003004e, false, {0, 2147483647}, {"0", "2147483647"}},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(Automation().FindMember(row.name), row.id) << row.name;
+    const Indexes first = row.indexed ? Indexes{1} : Indexes{};
+    const Indexes second{2};
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      const Variant other = row.indexed ? Automation().Get(row.name, second) : Variant(0);
+      Automation().Put(row.name, row.values[i], first);
+      EXPECT_EQ(Automation().Get(row.name, first).ToText(), row.read[i]) << row.name;
+      if (!row.indexed) continue;
+      EXPECT_EQ(Automation().Get(row.name, second).ToText(), other.ToText()) << row.name << " of another";
+      EXPECT_EQ(Automation().Get(row.name, first).ToText(), row.read[i]) << row.name << " when shown again";
+    }
+  }
+  EXPECT_EQ(Said(), std::vector<std::string>{});
+  // A choice takes its place from the one before.
+  for (const char* former : {"ContinuousKolmogorovSmirovTest", "ContinuousChiSquareTest",
+                             "DiscreteKolmogorovSmirovTest", "EqualProbability", "IsPairwise"}) {
+    EXPECT_EQ(Automation().Get(former).ToInteger(), 0) << former;
+  }
+}
+
+TEST_F(FitDialog, AutomationSaysWhatItRefusesAndChangesNothing) {
+  sheet.VariableAt(4).SetType(VariableType::kText);
+  Automation().Put("Variables", Variant::Array{Variant::Array{1, 2}, 3});
+  Automation().Put("WeibullOffset", 1, kNotSet);
+  Automation().Put("IsWeibullDistribution", 1, true);
+  Automation().Put("WeibullOffset", 1, kNotSet);
+  struct Row {
+    const char* member;
+    Indexes indexes;
+    Variant value;
+    const char* reason;
+  };
+  const Row rows[] = {
+      {"IsNormalDistribution", {0}, true, "no variable 0 in the list"},
+      {"IsNormalDistribution", {3}, true, "no variable 3 in the list"},
+      {"IsPoissonDistribution", {2}, true, "no variable 2 in the list"},
+      {"IsNormalDistribution", {}, true, "wrong number of arguments"},
+      {"NumberOfMixtures", {1}, 2.5, "type mismatch: not a 32-bit integer"},
+      {"BootstrapSamples", {}, -1, "less than 0: -1"},
+      {"Variables",
+       {},
+       "|",
+       "Too few variables selected. Select at least one variable from one of the two "
+       "variable lists to continue."},
+      {"Variables", {}, Variant::Array{1, 2, 3}, "not a list of continuous and a list of discrete variables"},
+      {"Variables", {}, "1-6", "no variable 6"},
+      {"DiscreteVariable",
+       {},
+       5,
+       "One or more text variables selected. To proceed, please remove these "
+       "variable(s): Var5."},
+      {"IsNormalDistribution", {2}, false, kOffsetsText},
+      {"ContinuousVariable", {}, 3, kOffsetsText},
+  };
+  const std::string before = Automation().Get("Variables").ToText();
+  for (const Row& row : rows) {
+    try {
+      Automation().Put(row.member, row.value, row.indexes);
+      ADD_FAILURE() << row.member << " took it";
+    } catch (const AutomationError& error) {
+      EXPECT_EQ(error.Reason(), row.reason) << row.member;
+      EXPECT_EQ(std::string(error.what()),
+                "Exception in automation method [CFitDistribution::put_" + std::string(row.member) + "]");
+    }
+  }
+  EXPECT_EQ(Automation().Get("Variables").ToText(), before);
+  EXPECT_EQ(Said(), std::vector<std::string>{}) << "the caller has the text, no box is shown";
+  Automation().Put("WeibullOffset", 1, 0.5);
+  EXPECT_EQ(Automation().Get("IsNormalDistribution", Indexes{2}).ToInteger(), 1);
+}
+
+TEST_F(FitDialog, OkChecksInItsOrderAndStaysOpen) {
+  EXPECT_FALSE(Ok());
+  EXPECT_EQ(Said(), std::vector<std::string>{}) << "no variables: the selection opens, and is cancelled here";
+  Answer({1, 2}, {3});
+  EXPECT_FALSE(Ok()) << "the selection is a step of its own";
+  ASSERT_EQ(Specification().continuous, (Numbers{1, 2}));
+  // Everything is wrong at once; each step puts one thing right.
+  Automation().Put("IsNormalDistribution", 2, false);
+  Dialog().Press(kContinuousClearAll);
+  Dialog().Check(kJohnsonPercentile, true);
+  Dialog().Press(kContinuousPrevious);
+  Dialog().Check(kRayleigh, true);
+  Dialog().Enter(kRayleighOffset, " ");
+  Dialog().Check(kGaussianMixture, true);
+  Dialog().Enter(kMixtures, "many");
+  Dialog().Check(kUseTrials, true);
+  Dialog().Enter(kTrials, "0");
+  const auto expectNext = [&](const char* message) {
+    EXPECT_FALSE(Ok());
+    EXPECT_EQ(Said(), std::vector<std::string>{message});
+    EXPECT_EQ(analysis->CurrentStep(), step::kFit);
+  };
+  expectNext(kOffsetsText);
+  Dialog().Enter(kRayleighOffset, "0.5");
+  expectNext(kMixturesText);
+  EXPECT_EQ(Text(kMixtures), "15") << "reverted to half the valid cases";
+  expectNext(kTrialsText);
+  Dialog().Enter(kTrials, "12");
+  expectNext(kNoDistributionText);
+  Automation().Put("IsTriangularDistribution", 2, true);
+  Automation().Put("IsNormalDistribution", 2, true);
+  Dialog().Press(kDiscreteClearAll);
+  expectNext(kNoDistributionText);
+  Dialog().Check(kPoisson, true);
+  EXPECT_TRUE(Ok());
+  EXPECT_EQ(Said(), std::vector<std::string>{});
+  EXPECT_EQ(analysis->CurrentStep(), step::kFitResults);
+  EXPECT_EQ(analysis->Fit().committed.discreteSpecifications[0].trials, 12);
+  EXPECT_EQ(userInterface.progressCaptions, (std::vector<std::string>{"Processing continuous variables...",
+                                                                      "Processing discrete variables..."}));
+}
+
+TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
+  struct Row {
+    std::int32_t field;
+    const char* text;
+    std::vector<std::int32_t> checks;
+    std::int32_t message;
+  };
+  const Row rows[] = {
+      {kLogNormalOffset, "", {}, 0},
+      {kLogNormalOffset, "", {kWeibull}, kMsgInvalidOffsets},  // its own field is empty, too
+      {kLogNormalOffset, "", {kLogNormal}, kMsgInvalidOffsets},
+      {kLogNormalOffset, "-444", {kLogNormal}, kMsgInvalidOffsets},
+      {kLogNormalOffset, "-444", {}, 0},
+      {kLogNormalOffset, "-443.9", {kLogNormal}, 0},
+      {kLogNormalOffset, "1e999", {}, kMsgInvalidOffsets},
+      {kLogNormalOffset, "nan", {kLogNormal}, kMsgInvalidOffsets},
+      {kFoldedNormalOffset, "x", {kFoldedNormal}, kMsgInvalidOffsets},
+      {kHalfNormalOffset, "", {kHalfNormal}, kMsgInvalidOffsets},
+      {kRayleighOffset, "", {kRayleigh}, kMsgInvalidOffsets},
+      {kGeneralParetoOffset, "", {kGeneralPareto}, kMsgInvalidOffsets},
+      {kGeneralParetoOffset, " 2 ", {kGeneralPareto}, 0},
+      {kMixtures, "", {kGaussianMixture}, kMsgInvalidMixtureCountReverted},
+      {kMixtures, "2.5", {}, kMsgInvalidMixtureCountReverted},
+      {kMixtures, "1", {kGaussianMixture}, 0},  // the bounds are the run's
+      {kMixtures, "", {kNormal, kJohnson, kJohnsonPercentile, kGeneralExtremeValue, kTriangular}, 0},
+      {kTrials, "", {kBinomial}, 0},
+      {kTrials, "", {kUseTrials}, 0},
+      {kTrials, "", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "0", {}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "-3", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "1.5", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "2147483648", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "1", {kBinomial, kUseTrials}, 0},
+  };
+  for (const Row& row : rows) {
+    ControlSet controls(FitDistributionTemplate());
+    controls.SetText(row.field, row.text);
+    for (const std::int32_t check : row.checks) controls.SetChecked(check, true);
+    ContinuousSpecification continuous;
+    continuous.mixtures = 5;
+    DiscreteSpecification discrete;
+    discrete.trials = 5;
+    const std::int32_t read = ReadInputs(controls, continuous);
+    EXPECT_EQ(read != 0 ? read : ReadInputs(controls, discrete), row.message)
+        << row.field << " \"" << row.text << "\"";
+    // What is wrong leaves its tab's specification as it was.
+    const bool trialsWrong = row.message == kMsgInvalidTrialsOfVariable;
+    EXPECT_EQ(discrete.trials == 5, row.message != 0) << row.field << " \"" << row.text << "\"";
+    EXPECT_EQ(continuous.mixtures == 5, row.message != 0 && !trialsWrong) << row.field;
+  }
+}
+
+TEST_F(FitDialog, EachVariableKeepsItsInputsUntilItsListChanges) {
+  Answer({1, 2}, {3, 4});
+  Dialog().Press(kVariables);
+  Dialog().Check(kLogNormal, true);
+  EXPECT_EQ(Text(kLogNormalOffset), "0") << "the usual offset comes with the check";
+  Dialog().Enter(kLogNormalOffset, "0.25");
+  Dialog().Check(kGaussianMixture, true);
+  EXPECT_EQ(Text(kMixtures), "2");
+  Dialog().Enter(kTrials, "20");
+  EXPECT_TRUE(Dialog().Press(kContinuousNext));
+  EXPECT_TRUE(Dialog().Press(kDiscreteNext));
+  EXPECT_FALSE(Checked(kLogNormal));
+  EXPECT_EQ(Text(kLogNormalOffset) + Text(kMixtures) + Text(kTrials), "");
+  EXPECT_FALSE(Dialog().Press(kContinuousNext)) << "there is no third";
+  EXPECT_FALSE(Dialog().Press(kDiscreteNext));
+  Dialog().Check(kRayleigh, true);
+  Dialog().Enter(kRayleighOffset, "?");
+  EXPECT_FALSE(Dialog().Press(kContinuousPrevious));
+  Dialog().Select(kContinuousVariable, 0);
+  EXPECT_EQ(Said(), (std::vector<std::string>{kOffsetsText, kOffsetsText}));
+  EXPECT_EQ(Dialog().Controls().Selection(kContinuousVariable), 1) << "wrong inputs stay in sight";
+  Dialog().Enter(kTrials, "-1");
+  Dialog().Select(kDiscreteVariable, 0);
+  EXPECT_EQ(Said(), std::vector<std::string>{kTrialsText});
+  EXPECT_EQ(Dialog().Controls().Selection(kDiscreteVariable), 1);
+  Dialog().Enter(kTrials, "");
+  Dialog().Enter(kRayleighOffset, "1");
+  Dialog().Select(kContinuousVariable, 0);
+  EXPECT_EQ(Text(kLogNormalOffset), "0.25");
+  EXPECT_TRUE(Checked(kLogNormal));
+
+  Dialog().Press(kVariables);  // cancelled
+  EXPECT_EQ(Text(kLogNormalOffset), "0.25");
+  Answer({1, 2}, {4});
+  Dialog().Press(kVariables);
+  EXPECT_EQ(Text(kLogNormalOffset), "0.25") << "the other list changed";
+  EXPECT_EQ(Specification().discreteSpecifications[0], NewDiscreteSpecification());
+  Answer({2, 1}, {4});
+  Dialog().Press(kVariables);
+  const ContinuousSpecification fresh = NewContinuousSpecification();
+  EXPECT_EQ(Specification().continuousSpecifications, (std::vector<ContinuousSpecification>{fresh, fresh}));
+  EXPECT_EQ(fresh.offsets[0], kNotSet);
+  EXPECT_EQ(fresh.mixtures, kNotSetCount);
+  EXPECT_EQ(Said(), std::vector<std::string>{});
+}
+
+TEST_F(FitDialog, ButtonsUnderTheChecksActOnAllOfTheShownVariable) {
+  Automation().Put("Variables", "1-2 | 3-4");
+  const auto before = Specification();
+  Dialog().Press(kContinuousToggle);
+  Dialog().Press(kDiscreteClearAll);
+  for (const std::int32_t check : ContinuousChecks()) {
+    const bool wasOff =
+        check != kNormal && check != kJohnson && check != kGeneralExtremeValue && check != kTriangular;
+    EXPECT_EQ(Checked(check), wasOff) << check;
+  }
+  for (const std::int32_t check : DiscreteChecks()) EXPECT_FALSE(Checked(check));
+  Dialog().Press(kContinuousSelectAll);
+  Dialog().Press(kDiscreteToggle);
+  for (const std::int32_t check : ContinuousChecks()) EXPECT_TRUE(Checked(check));
+  for (const std::int32_t check : DiscreteChecks()) EXPECT_TRUE(Checked(check));
+  EXPECT_TRUE(Dialog().Press(kContinuousNext)) << "all inputs that became needed are there";
+  EXPECT_EQ(Specification().continuousSpecifications[0].offsets, (std::array<double, 6>{}));
+  EXPECT_EQ(Specification().continuousSpecifications[0].mixtures, 2);
+  EXPECT_EQ(Specification().continuousSpecifications[1], before.continuousSpecifications[1]);
+}
+
+TEST_F(FitDialog, SelectionRefusesTextVariablesAndNothing) {
+  sheet.VariableAt(2).SetType(VariableType::kText);
+  sheet.VariableAt(4).SetType(VariableType::kText);
+  sheet.VariableAt(4).SetName("  shop\nfloor ");
+  Automation().Put("Variables", "1 | 4");
+  userInterface.variableAnswers = {
+      [](VariableQuestion& question) {
+        EXPECT_EQ(question.caption, "Select variables for the analysis");
+        EXPECT_EQ(question.names[4], "shop floor");
+        question.first = {1, 3};
+        question.second = {5};
+      },
+      [](VariableQuestion& question) { EXPECT_TRUE(question.first.empty() && question.second.empty()); },
+      [](VariableQuestion& question) {
+        EXPECT_EQ(question.first, Numbers{1});
+        EXPECT_EQ(question.second, Numbers{4});
+        question.first = {2};
+        question.second = {};
+      }};
+  EXPECT_TRUE(Dialog().Press(kVariables));
+  EXPECT_EQ(Said(),
+            (std::vector<std::string>{"One or more text variables selected. To proceed, please remove these "
+                                      "variable(s): Var3 shop floor.",
+                                      "Too few variables selected. Select at least one variable from one of "
+                                      "the two variable lists to continue."}));
+  EXPECT_EQ(Text(kContinuousList), "2");
+  EXPECT_EQ(Text(kDiscreteList), "none");
+  EXPECT_FALSE(Dialog().Check(kPoisson, false)) << "there is no discrete variable to act on";
+}
+
+TEST_F(FitDialog, RunThatFailsSaysWhyAndLeavesTheSpecification) {
+  const auto constant = [this](std::size_t variable) {
+    for (double& value : sheet.VariableAt(variable).MutableValues()) value = 3;
+  };
+  struct Row {
+    const char* message;
+    std::function<void()> arrange;
+  };
+  const Row rows[] = {
+      {"One or more invalid distribution offset (threshold/location) values found. Please check the input "
+       "offset values.",
+       [this] {
+         Specification().continuousSpecifications[1].fit[1] = true;  // of the variable that is not shown
+       }},
+      {"Case weights should be integer. Please check and enter a valid case weight variable.",
+       [this] {
+         sheet.VariableAt(4).MutableValues()[0] = 2.5;
+         sheet.SetWeightVariable(4);
+       }},
+      {"Too large dataset. Please consider to input a smaller dataset.",
+       [this] {
+         // More than 250 MiB, were they read: 32767 times 1001 values.
+         sheet.AddCases(1001 - kCases);
+         Specification().continuous.assign(32767, 1);
+         Specification().continuousSpecifications.assign(32767, NewContinuousSpecification());
+       }},
+      {"No valid variables to proceed with the analysis",
+       [&] {
+         constant(0);
+         constant(1);
+       }},
+      {"None of the variables selected has valid distributions to fit and hence invalid.  Please check to "
+       "have "
+       "a different variable selection with valid distributions.",
+       [&] {
+         constant(0);
+         constant(1);
+         Dialog().Check(kCasewise, true);
+       }},
+  };
+  const Spreadsheet original = sheet;
+  for (const Row& row : rows) {
+    sheet = original;
+    Specification() = {};
+    Dialog().Check(kPairwise, true);
+    Automation().Put("ContinuousVariable", "1-2");
+    row.arrange();
+    const FitSpecification before = Specification();
+    EXPECT_FALSE(Ok()) << row.message;
+    EXPECT_EQ(Said(), std::vector<std::string>{row.message});
+    EXPECT_EQ(analysis->CurrentStep(), step::kFit);
+    EXPECT_EQ(Specification().continuousSpecifications, before.continuousSpecifications);
+  }
+}
+
+TEST_F(FitDialog, OptionsSetTheirValuesAtOnce) {
+  const auto isOpenWith = [](CAnalysisModalDialog& options, std::vector<std::int32_t> chosen) {
+    using namespace fit_options;
+    EXPECT_TRUE(options.IsOpen());
+    for (std::int32_t radio = kContinuousKolmogorovSmirnov; radio <= kEqualIntervals; ++radio) {
+      if (radio == kDiscreteCaption) continue;
+      const bool expected = std::ranges::find(chosen, radio) != chosen.end();
+      EXPECT_EQ(options.Controls().IsChecked(radio), expected) << radio;
+    }
+  };
+  userInterface.modalAnswers.emplace_back([&](CAnalysisModalDialog& options) {
+    using namespace fit_options;
+    isOpenWith(options, {kContinuousKolmogorovSmirnov, kDiscreteKolmogorovSmirnov, kEqualProbabilities});
+    options.Check(kContinuousAndersonDarling, true);
+    EXPECT_EQ(Specification().continuousCriterion, RankingCriterion::kAndersonDarling);
+    options.Check(kDiscreteChiSquare, true);
+    EXPECT_EQ(Specification().discreteCriterion, RankingCriterion::kChiSquare);
+    options.Check(kEqualIntervals, true);
+    EXPECT_EQ(Specification().binning, ChiSquareBinning::kEqualIntervals);
+    EXPECT_TRUE(options.Press(kControlCancel));
+    EXPECT_FALSE(options.IsOpen());
+  });
+  userInterface.modalAnswers.emplace_back([&](CAnalysisModalDialog& options) {
+    using namespace fit_options;
+    isOpenWith(options, {kContinuousAndersonDarling, kDiscreteChiSquare, kEqualIntervals});
+    EXPECT_TRUE(options.Press(kControlOk));
+    EXPECT_FALSE(options.IsOpen());
+  });
+  EXPECT_TRUE(Dialog().Press(kOptions));
+  EXPECT_TRUE(Dialog().Press(kOptions));
+  EXPECT_EQ(analysis->CurrentStep(), step::kFit) << "leaving the options leaves nothing else";
+}
+
+// A sheet of two variables that is laid out as a correlation matrix file.
+Spreadsheet MatrixSheet() {
+  Spreadsheet matrix("matrix", 6, 2);
+  matrix.SetCaseNames({"Var1", "Var2", "Means", "Std.Dev.", "No.Cases", "Matrix"});
+  const double columns[2][6] = {{1, 0.5, 3, 2, 9, 1}, {0.5, 1, 4, 1, 0, 0}};
+  for (std::size_t v = 0; v < 2; ++v) matrix.VariableAt(v).AssignValues({columns[v], columns[v] + 6});
+  return matrix;
+}
+
+TEST_F(FitDialog, MatrixFileIsFittedOnlyWhenThatIsMeant) {
+  Dialog().Press(kControlCancel);
+  sheet = MatrixSheet();
+  userInterface.messageAnswers = {MessageAnswer::kCancel, MessageAnswer::kOk};
+  StartFit();
+  EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
+  ASSERT_EQ(userInterface.messages.size(), 1U);
+  EXPECT_EQ(userInterface.messages[0].text,
+            "Input is a valid Brenvolt matrix file. Do you want to run fit distribution on this?");
+  EXPECT_EQ(userInterface.messages[0].caption, "Brenvolt");
+  EXPECT_EQ(userInterface.messages[0].buttons, MessageButtons::kOkCancel);
+  EXPECT_EQ(userInterface.messages[0].icon, MessageIcon::kInformation);
+  StartFit();
+  ASSERT_EQ(analysis->CurrentStep(), step::kFit);
+  Automation().Put("ContinuousVariable", 1);
+  EXPECT_TRUE(Ok());
+  Dialog().Press(kControlCancel);
+  EXPECT_EQ(analysis->CurrentStep(), step::kFit);
+  EXPECT_EQ(userInterface.messages.size(), 2U) << "not asked again on the way back from the results";
+}
+
+TEST_F(FitDialog, OpenedDataStartAfreshAndAFailureKeepsWhatWas) {
+  Spreadsheet other("other", 4, 1);
+  Spreadsheet matrix = MatrixSheet();
+  document.SetDataOpener([&](const std::filesystem::path& path) {
+    if (path == "broken.csv") throw Error("is broken", "broken.csv");
+    return path == "matrix.bvw" ? &matrix : &other;
+  });
+  Automation().Put("Variables", "5 | 4");
+  EXPECT_FALSE(Dialog().Press(kOpenData)) << "cancelled";
+  userInterface.fileAnswers = {{"broken.csv"}, {"other.csv"}, {"matrix.bvw"}};
+  EXPECT_FALSE(Dialog().Press(kOpenData));
+  EXPECT_EQ(Said(), std::vector<std::string>{"is broken"});
+  EXPECT_EQ(Automation().Get("Variables").ToText(), "5 | 4");
+  EXPECT_TRUE(Dialog().Press(kOpenData));
+  EXPECT_EQ(Dialog().GetInputTable(), &other);
+  EXPECT_EQ(Text(kContinuousList) + Text(kDiscreteList), "nonenone");
+  EXPECT_FALSE(Ok()) << "no variables";
+  userInterface.messageAnswers = {MessageAnswer::kCancel};
+  Dialog().Press(kOpenData);
+  EXPECT_EQ(analysis->CurrentStep(), step::kStartup) << "a matrix, and not to be fitted";
+}
+
+}  // namespace
+}  // namespace brenvolt::sra
