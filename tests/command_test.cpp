@@ -92,7 +92,11 @@ TEST_F(Command, OptionsOfFitReachTheFit) {
 
 // A name that reached no member of the dialog, or the wrong one, would stop the job or rank otherwise.
 TEST_F(Command, EveryDistributionAndRankingIsKnownByItsName) {
-  WriteBytes(File("d.csv"), "x=1,n\n1.5,0\n2.5,1\n4,1\n8,3\n3,2\n");
+  std::string data = "x=1,n\n";
+  for (int i = 0; i < 60; ++i) {
+    data += std::to_string(10 + (i * 37) % 61) + ".5," + std::to_string(i * i % 4) + "\n";
+  }
+  WriteBytes(File("d.csv"), data);
   const auto fit = [&](std::vector<std::string> more) {
     std::vector<std::string> arguments{"fit", "d.csv", "--continuous", "x=1", "--discrete", "n"};
     arguments.insert(arguments.end(), more.begin(), more.end());

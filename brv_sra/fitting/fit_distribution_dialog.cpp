@@ -359,7 +359,10 @@ bool CFitDistribution::OnOk() {
 bool CFitDistribution::RunAndKeepResults() {
   std::vector<VariableFit> results;
   if (!Run(results)) return false;
-  TakeOverMixtures(results);
+  if (TakeOverMixtures(results, Specification().continuousSpecifications)) {
+    ShowContinuous(shownContinuous_);
+    ShowMessage(kMsgInvalidMixtureCountReverted);
+  }
   FitState& state = SimulationAndRisk().Fit();
   state.committed = state.specification;
   state.results = std::move(results);
@@ -390,22 +393,6 @@ bool CFitDistribution::Run(std::vector<VariableFit>& results) {
     return false;
   }
   return false;
-}
-
-// The run fits as many mixtures as the valid cases allow. Where that is not what was asked for, the
-// specification and the shown field follow, and the person is told once.
-void CFitDistribution::TakeOverMixtures(const std::vector<VariableFit>& results) {
-  FitSpecification& specification = Specification();
-  bool changed = false;
-  for (std::size_t i = 0; i < specification.continuousSpecifications.size(); ++i) {
-    std::int32_t& asked = specification.continuousSpecifications[i].mixtures;
-    if (results[i].mixtures == kNotSetCount || results[i].mixtures == asked) continue;
-    asked = results[i].mixtures;
-    changed = true;
-  }
-  if (!changed) return;
-  ShowContinuous(shownContinuous_);
-  ShowMessage(kMsgInvalidMixtureCountReverted);
 }
 
 }  // namespace brenvolt::sra

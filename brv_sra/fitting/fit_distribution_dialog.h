@@ -65,7 +65,6 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   bool EveryOffsetIsValid() const;
   bool RunAndKeepResults();
   bool Run(std::vector<VariableFit>& results);
-  void TakeOverMixtures(const std::vector<VariableFit>& results);
 
   int shownContinuous_ = -1;  // index in the list, -1 for none
   int shownDiscrete_ = -1;

@@ -230,6 +230,7 @@ TEST_F(FitDialog, OkChecksInItsOrderAndStaysOpen) {
   Dialog().Enter(kRayleighOffset, "0.5");
   expectNext(kMixturesText);
   EXPECT_EQ(Text(kMixtures), "15") << "reverted to half the valid cases";
+  Dialog().Check(kGaussianMixture, false);
   expectNext(kTrialsText);
   Dialog().Enter(kTrials, "12");
   expectNext(kNoDistributionText);
@@ -296,6 +297,21 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
     EXPECT_EQ(discrete.trials == 5, row.message != 0) << row.field << " \"" << row.text << "\"";
     EXPECT_EQ(continuous.mixtures == 5, row.message != 0 && !trialsWrong) << row.field;
   }
+}
+
+TEST(FitInputs, MixturesFollowTheRunOnlyWhereItFittedOthers) {
+  std::vector<VariableFit> results(4);  // the last is a discrete variable
+  std::vector<ContinuousSpecification> specifications(3);
+  specifications[0].mixtures = 30;
+  specifications[1].mixtures = 3;
+  results[0].mixtures = 20;
+  results[1].mixtures = 3;
+  results[3].mixtures = 7;
+  EXPECT_TRUE(TakeOverMixtures(results, specifications));
+  EXPECT_EQ(specifications[0].mixtures, 20);
+  EXPECT_EQ(specifications[1].mixtures, 3);
+  EXPECT_EQ(specifications[2].mixtures, kNotSetCount);
+  EXPECT_FALSE(TakeOverMixtures(results, specifications)) << "nothing is left to say";
 }
 
 TEST_F(FitDialog, EachVariableKeepsItsInputsUntilItsListChanges) {

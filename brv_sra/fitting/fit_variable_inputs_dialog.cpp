@@ -145,6 +145,18 @@ void FillUsualInput(ControlSet& controls, std::int32_t check) {
   }
 }
 
+bool TakeOverMixtures(std::span<const VariableFit> results,
+                      std::span<ContinuousSpecification> specifications) {
+  bool changed = false;
+  for (std::size_t i = 0; i < specifications.size(); ++i) {
+    std::int32_t& mixtures = specifications[i].mixtures;
+    if (results[i].mixtures == kNotSetCount || results[i].mixtures == mixtures) continue;
+    mixtures = results[i].mixtures;
+    changed = true;
+  }
+  return changed;
+}
+
 std::span<const std::int32_t> ContinuousChecks() {
   return kContinuousChecks;
 }

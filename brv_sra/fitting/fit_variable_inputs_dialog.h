@@ -36,6 +36,11 @@ std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& speci
 // gets the usual one, 0 or 2.
 void FillUsualInput(ControlSet& controls, std::int32_t check);
 
+// After a run: the mixtures that it fitted where they are not those asked for become the ones specified. True
+// when a number changed. `results` begins with those of the continuous variables, in their order.
+bool TakeOverMixtures(std::span<const VariableFit> results,
+                      std::span<ContinuousSpecification> specifications);
+
 // The check boxes of a tab, in their fixed order.
 std::span<const std::int32_t> ContinuousChecks();
 std::span<const std::int32_t> DiscreteChecks();

@@ -1,5 +1,5 @@
-// The module's thin bases over the host's dialogs. Every dialog of the sequence has the analysis object and an
-// automation object; a sub-editor has the analysis object.
+// The module's thin bases over the host's dialogs. Every dialog of the sequence has the analysis object and
+// an automation object; a sub-editor has the analysis object.
 #pragma once
 
 #include <memory>
