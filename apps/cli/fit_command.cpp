@@ -355,7 +355,7 @@ void AddDistributionOptions(CLI::App& command, FitOptions& options) {
       ->type_name("NAME,NAME");
   command
       .add_option("--offset", options.offsets,
-                  "Where a distribution of a variable starts; default 0. One that does not fit below all "
+                  "Where a distribution of a variable starts; default 0. One that is not below all "
                   "values makes that fit fail")
       ->type_name("V:DISTRIBUTION=NUMBER");
   command

@@ -55,9 +55,18 @@ void ChangeChecks(CAnalysisDialog& dialog, std::span<const std::int32_t> checks,
 }  // namespace
 
 void CFitDistribution::OnInitDialog() {
+  if (!ListsAreOfInput()) Specification() = {};
   const bool pairwise = Specification().deletion == DeletionMode::kPairwise;
   Controls().SetChecked(pairwise ? kPairwise : kCasewise, true);
   RefreshLists();
+}
+
+// False when the host has changed the input since the variables were selected, and some are no longer there.
+bool CFitDistribution::ListsAreOfInput() const {
+  const std::size_t count = GetInputTable() != nullptr ? GetInputTable()->VariableCount() : 0;
+  const auto isThere = [count](std::int16_t number) { return static_cast<std::size_t>(number) <= count; };
+  return std::ranges::all_of(Specification().continuous, isThere) &&
+         std::ranges::all_of(Specification().discrete, isThere);
 }
 
 bool CFitDistribution::OnCommand(std::int32_t number) {

@@ -35,6 +35,7 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
+  bool ListsAreOfInput() const;
   bool OpenData();
   bool EditOptions();
 

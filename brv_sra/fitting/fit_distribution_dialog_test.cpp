@@ -356,6 +356,16 @@ TEST_F(FitDialog, MatrixFileIsFittedOnlyWhenThatIsMeant) {
   EXPECT_EQ(userInterface.messages.size(), 2U) << "not asked again on the way back from the results";
 }
 
+TEST_F(FitDialog, SelectionOverAnotherInputIsNotCarriedOver) {
+  Automation().Put("Variables", "1 | 5");
+  Dialog().Press(kControlCancel);
+  Spreadsheet narrow("narrow", kCases, 4);
+  document.SetInputTable(&narrow);
+  StartFit();
+  EXPECT_EQ(Automation().Get("Variables").ToText(), " | ");
+  EXPECT_FALSE(Ok()) << "no variables";
+}
+
 TEST_F(FitDialog, OpenedDataStartAfreshAndAFailureKeepsWhatWas) {
   Spreadsheet other("other", 4, 1);
   Spreadsheet matrix = MatrixSheet();
