@@ -90,6 +90,49 @@ TEST_F(Command, OptionsOfFitReachTheFit) {
   EXPECT_TRUE(failed[1]["kolmogorovSmirnov"]["statistic"].is_null());
 }
 
+// A name that reached no member of the dialog, or the wrong one, would stop the job or rank otherwise.
+TEST_F(Command, EveryDistributionAndRankingIsKnownByItsName) {
+  std::string data = "x=1,n\n";
+  for (int i = 0; i < 60; ++i) {
+    data += std::to_string(10 + (i * 37) % 61) + ".5," + std::to_string(i * i % 4) + "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  const auto fit = [&](std::vector<std::string> more) {
+    std::vector<std::string> arguments{"fit", "d.csv", "--continuous", "x=1", "--discrete", "n"};
+    arguments.insert(arguments.end(), more.begin(), more.end());
+    return MustRun(arguments).out;
+  };
+  const Json all = Json::parse(fit({"--format", "json"}))["variables"];
+  const Json named =
+      Json::parse(fit({"--format", "json", "--distributions",
+                       "normal,lognormal,foldednormal,halfnormal,rayleigh,weibull,gaussianmixture,johnson,"
+                       "generalextremevalue,generalpareto,triangular",
+                       "--distributions", "binomial,poisson,geometric,bernoulli,histogram", "--mixtures",
+                       "x=1=2", "--trials", "n=3", "--johnson-percentiles", "--bootstrap", "1",
+                       "--bootstrap-seed", "0", "--binning", "equal-interval"}))["variables"];
+  for (const std::size_t v : {0U, 1U}) EXPECT_EQ(named[v]["fits"].size(), all[v]["fits"].size());
+  const struct {
+    std::vector<std::string> options;
+    const char* continuous;
+    const char* discrete;
+  } rankings[] = {
+      {{}, "Kolmogorov-Smirnov", "Kolmogorov-Smirnov"},
+      {{"--rank-by", "ks"}, "Kolmogorov-Smirnov", "Kolmogorov-Smirnov"},
+      {{"--rank-by", "chi-square"}, "Chi-square", "Kolmogorov-Smirnov"},
+      {{"--rank-by", "anderson-darling"}, "Anderson-Darling", "Kolmogorov-Smirnov"},
+      {{"--discrete-rank-by", "ks"}, "Kolmogorov-Smirnov", "Kolmogorov-Smirnov"},
+      {{"--discrete-rank-by", "chi-square"}, "Kolmogorov-Smirnov", "Chi-square"},
+  };
+  for (const auto& ranking : rankings) {
+    const std::string report = fit(ranking.options);
+    const auto second = report.find("n (discrete)");
+    ASSERT_NE(second, std::string::npos);
+    EXPECT_LT(report.find("Ranked by: " + std::string(ranking.continuous) + "\n"), second) << report;
+    EXPECT_NE(report.find("Ranked by: " + std::string(ranking.discrete) + "\n", second), std::string::npos)
+        << report;
+  }
+}
+
 TEST_F(Command, SavedFitsSimulateReproducibly) {
   MustRun({"fit", kExamples + "faithful.csv", "--save", "geyser.bvw"});
   for (const std::string method : {"monte-carlo", "latin-hypercube"}) {
@@ -267,6 +310,37 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--distributions", "gauss"}, 2, "no distribution called gauss"},
       {{"fit", "weights.csv", "--offset", "a=3"}, 2, "--offset"},
       {{"fit", "weights.csv", "--missing", "never"}, 2, "--missing"},
+      {{"fit", "weights.csv", "--offset", "a:weibull=-444"}, 2, "-444 stands for no offset"},
+      {{"fit", "weights.csv", "--offset", "a:normal=1"}, 2, "the normal distribution has no offset"},
+      {{"fit", "weights.csv", "--offset", "a:weibull=1,5"}, 2, "not a number in --offset"},
+      {{"fit", "weights.csv", "--distributions", "normal", "--offset", "a:weibull=1"},
+       2,
+       "--offset a:weibull=1 is about the weibull distribution, which --distributions leaves out"},
+      {{"fit", "weights.csv", "--continuous", "a", "--offset", "w:weibull=1"},
+       2,
+       "w is not fitted as a continuous variable"},
+      {{"fit", "weights.csv", "--offset", "b:weibull=1"}, 1, "no variable called b"},
+      {{"fit", "weights.csv", "--distributions", "poisson"}, 2, "none for continuous variables"},
+      {{"fit", "weights.csv", "--discrete", "a", "--distributions", "normal"}, 2, "none for discrete"},
+      {{"fit", "weights.csv", "--mixtures", "a"}, 2, "--mixtures wants VARIABLE=COUNT, not a"},
+      {{"fit", "weights.csv", "--mixtures", "a=1"}, 2, "--mixtures wants a whole number from 2 to 20"},
+      {{"fit", "weights.csv", "--mixtures", "a=21"}, 2, "from 2 to 20, not a=21"},
+      {{"fit", "weights.csv", "--mixtures", "a=2.5"}, 2, "from 2 to 20, not a=2.5"},
+      {{"fit", "weights.csv", "--distributions", "normal", "--mixtures", "a=3"}, 2, "leaves out"},
+      {{"fit", "weights.csv", "--discrete", "a", "--mixtures", "a=3"}, 2, "not fitted as a continuous"},
+      {{"fit", "weights.csv", "--trials", "a=4"}, 2, "a is not fitted as a discrete variable"},
+      {{"fit", "weights.csv", "--discrete", "a", "--trials", "a=0"}, 2, "from 1 to 2147483647, not a=0"},
+      {{"fit", "weights.csv", "--discrete", "a", "--trials", "a=9", "--distributions", "poisson"},
+       2,
+       "leaves out"},
+      {{"fit", "weights.csv", "--distributions", "normal", "--johnson-percentiles"}, 2, "leaves out"},
+      {{"fit", "weights.csv", "--rank-by", "best"}, 2, "--rank-by"},
+      {{"fit", "weights.csv", "--discrete-rank-by", "anderson-darling"}, 2, "--discrete-rank-by"},
+      {{"fit", "weights.csv", "--binning", "equal"}, 2, "--binning"},
+      {{"fit", "weights.csv", "--bootstrap", "0"}, 2, "--bootstrap"},
+      {{"fit", "weights.csv", "--bootstrap", "1000001"}, 2, "--bootstrap"},
+      {{"fit", "weights.csv", "--bootstrap-seed", "4"}, 2, "--bootstrap-seed requires --bootstrap"},
+      {{"fit", "weights.csv", "--bootstrap", "9", "--bootstrap-seed", "-1"}, 2, "--bootstrap-seed"},
       {{"fit"}, 2, "DATA"},
       {{"dance"}, 2, "dance"},
       {{}, 2, "The verbs are fit, simulate"},

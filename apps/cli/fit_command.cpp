@@ -1,6 +1,10 @@
 // brenvolt fit: distributions fitted to the variables of a data file, tested, ranked and saved.
+#include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdio>
+#include <limits>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -10,6 +14,7 @@
 #include "apps/cli/fit_report.h"
 #include "apps/cli/session.h"
 #include "host/automation/variable_list.h"
+#include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 
@@ -21,7 +26,15 @@ struct FitOptions {
   std::vector<std::string> continuous;
   std::vector<std::string> discrete;
   std::vector<std::string> distributions;
+  std::string rankBy = "ks";
+  std::string discreteRankBy = "ks";
+  std::string binning = "equal-probability";
   std::vector<std::string> offsets;
+  std::vector<std::string> mixtures;
+  std::vector<std::string> trials;
+  bool johnsonPercentiles = false;
+  std::int32_t bootstrapSamples = 0;
+  std::int32_t bootstrapSeed = 1;
   std::string missing = "pairwise";
   std::optional<std::string> weights;
   std::optional<std::string> selection;
@@ -36,30 +49,61 @@ struct FittedType {
   std::string_view check;
   std::string_view offset;  // empty: it has none
 };
-constexpr std::array<FittedType, 4> kTypes{{
+constexpr std::array<FittedType, 16> kTypes{{
     {"normal", true, "IsNormalDistribution", ""},
     {"lognormal", true, "IsLogNormalDistribution", "LogNormalOffset"},
+    {"foldednormal", true, "IsFoldedNormalDistribution", "FoldedNormalOffset"},
+    {"halfnormal", true, "IsHalfNormalDistribution", "HalfNormalOffset"},
+    {"rayleigh", true, "IsRayleighDistribution", "RayleighOffset"},
     {"weibull", true, "IsWeibullDistribution", "WeibullOffset"},
+    {"gaussianmixture", true, "IsGaussianMixtureDistribution", ""},
+    {"johnson", true, "IsJohnsonDistribution", ""},
+    {"generalextremevalue", true, "IsGeneralizedExtremeValueDistribution", ""},
+    {"generalpareto", true, "IsGeneralizedParetoDistribution", "GeneralizedParetoOffset"},
+    {"triangular", true, "IsTriangularDistribution", ""},
+    {"binomial", false, "IsBinomialDistribution", ""},
     {"poisson", false, "IsPoissonDistribution", ""},
+    {"geometric", false, "IsGeometricDistribution", ""},
+    {"bernoulli", false, "IsBernoulliDistribution", ""},
+    {"histogram", false, "IsDiscreteDistribution", ""},
 }};
 
-const FittedType& TypeNamed(std::string_view name) {
-  std::string known;
-  for (const FittedType& type : kTypes) {
-    if (type.name == name) return type;
-    known += (known.empty() ? "" : ", ") + std::string(type.name);
-  }
-  throw WrongCall("no distribution called " + std::string(name) + "; there are " + known);
+// A choice among radio buttons as the command names it, and the dialog's member.
+using Choices = std::map<std::string, std::string_view>;
+const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},
+                        {"chi-square", "ContinuousChiSquareTest"},
+                        {"anderson-darling", "ContinuousAndersonDarlingTest"}};
+const Choices kDiscreteCriteria{{"ks", "DiscreteKolmogorovSmirovTest"},
+                                {"chi-square", "DiscreteChiSquareTest"}};
+const Choices kBinnings{{"equal-probability", "EqualProbability"}, {"equal-interval", "EqualInterval"}};
+const Choices kDeletions{{"pairwise", "IsPairwise"}, {"casewise", "IsCasewise"}};
+
+constexpr std::int32_t kFewestMixtures = 2;
+constexpr std::int32_t kMostMixtures = 20;
+constexpr std::int32_t kMostBootstrapSamples = 1'000'000;
+
+std::string AllNames() {
+  std::string names;
+  for (const FittedType& type : kTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
+  return names;
 }
 
-std::vector<const FittedType*> ChosenTypes(const FitOptions& options) {
-  std::vector<const FittedType*> chosen;
-  for (const FittedType& type : kTypes) {
-    const bool wanted = options.distributions.empty() ||
-                        std::ranges::find(options.distributions, type.name) != options.distributions.end();
-    if (wanted) chosen.push_back(&type);
-  }
-  return chosen;
+const FittedType& TypeNamed(std::string_view name) {
+  const auto found = std::ranges::find(kTypes, name, &FittedType::name);
+  if (found != kTypes.end()) return *found;
+  throw WrongCall("no distribution called " + std::string(name) + "; there are " + AllNames());
+}
+
+bool IsChosen(const FitOptions& options, std::string_view name) {
+  return options.distributions.empty() ||
+         std::ranges::find(options.distributions, name) != options.distributions.end();
+}
+
+// An option about a distribution that is not tried would do nothing.
+void RequireChosen(const FitOptions& options, std::string_view name, const std::string& option) {
+  if (IsChosen(options, name)) return;
+  throw WrongCall(option + " is about the " + std::string(name) +
+                  " distribution, which --distributions leaves out");
 }
 
 struct OffsetChoice {
@@ -77,7 +121,34 @@ OffsetChoice ParseOffset(const std::string& text) {
   if (type.offset.empty()) throw WrongCall("the " + std::string(type.name) + " distribution has no offset");
   const auto value = ParseNumber(text.substr(equals + 1));
   if (!value) throw WrongCall("not a number in --offset " + text);
+  if (IsNotSet(*value))
+    throw WrongCall("-444 stands for no offset and cannot be one (--offset " + text + ")");
   return {text.substr(0, colon), &type, *value};
+}
+
+struct CountChoice {
+  std::string variable;
+  std::int32_t value;
+};
+
+// "V=COUNT" with a whole number in a range; the variable's name may itself hold equals signs.
+CountChoice ParseCount(const std::string& option, const std::string& text, std::int32_t least,
+                       std::int32_t most) {
+  const auto equals = text.rfind('=');
+  if (equals == std::string::npos) throw WrongCall(option + " wants VARIABLE=COUNT, not " + text);
+  const auto value = ParseInteger(text.substr(equals + 1));
+  if (!value || *value < least || *value > most) {
+    throw WrongCall(option + " wants a whole number from " + std::to_string(least) + " to " +
+                    std::to_string(most) + ", not " + text);
+  }
+  return {text.substr(0, equals), *value};
+}
+
+CountChoice ParseMixtures(const std::string& text) {
+  return ParseCount("--mixtures", text, kFewestMixtures, kMostMixtures);
+}
+CountChoice ParseTrials(const std::string& text) {
+  return ParseCount("--trials", text, 1, std::numeric_limits<std::int32_t>::max());
 }
 
 struct Lists {
@@ -112,33 +183,59 @@ Lists ChooseVariables(const FitOptions& options, const Spreadsheet& sheet) {
   return lists;
 }
 
+// A list without any distribution to try would end the job; the call is at fault.
+void RequireTypes(const FitOptions& options, const Lists& lists) {
+  for (const bool continuous : {true, false}) {
+    if ((continuous ? lists.continuous : lists.discrete).empty()) continue;
+    const bool any = std::ranges::any_of(kTypes, [&](const FittedType& type) {
+      return type.continuous == continuous && IsChosen(options, type.name);
+    });
+    if (any) continue;
+    throw WrongCall(continuous ? "--distributions names none for continuous variables; --discrete names "
+                                 "variables to fit as discrete"
+                               : "--distributions names none for discrete variables");
+  }
+}
+
+// The place of a variable in its list, from 1.
+std::int32_t PlaceOf(const std::string& variable, const std::vector<std::int16_t>& list, const char* kind,
+                     const Spreadsheet& sheet) {
+  const auto place = std::ranges::find(list, NumbersOf(sheet, {variable}).front());
+  if (place == list.end()) throw WrongCall(variable + " is not fitted as a " + kind + " variable");
+  return static_cast<std::int32_t>(place - list.begin() + 1);
+}
+
+// A new variable has some distributions checked: all are put, the ones not asked for as unchecked.
 void CheckDistributions(AutomationObject& dialog, const FitOptions& options, const Lists& lists) {
-  for (const FittedType* type : ChosenTypes(options)) {
-    const std::size_t count = (type->continuous ? lists.continuous : lists.discrete).size();
-    for (std::size_t i = 1; i <= count; ++i) dialog.Put(type->check, static_cast<std::int32_t>(i), true);
+  for (const bool continuous : {true, false}) {
+    const std::size_t count = (continuous ? lists.continuous : lists.discrete).size();
+    for (std::size_t i = 1; i <= count; ++i) {
+      const auto place = static_cast<std::int32_t>(i);
+      for (const FittedType& type : kTypes) {
+        if (type.continuous == continuous) dialog.Put(type.check, place, IsChosen(options, type.name));
+      }
+      if (continuous) dialog.Put("FitJohnsonByPercentile", place, options.johnsonPercentiles);
+    }
   }
 }
 
-// A new variable has some distributions checked: those not asked for are unchecked.
-void UncheckOthers(AutomationObject& dialog, const FitOptions& options, const Lists& lists) {
-  const auto chosen = ChosenTypes(options);
-  for (const FittedType& type : kTypes) {
-    if (std::ranges::find(chosen, &type) != chosen.end()) continue;
-    const std::size_t count = (type.continuous ? lists.continuous : lists.discrete).size();
-    for (std::size_t i = 1; i <= count; ++i) dialog.Put(type.check, static_cast<std::int32_t>(i), false);
-  }
-}
-
-void EnterOffsets(AutomationObject& dialog, const FitOptions& options, const Lists& lists,
+void EnterNumbers(AutomationObject& dialog, const FitOptions& options, const Lists& lists,
                   const Spreadsheet& sheet) {
   for (const std::string& text : options.offsets) {
     const OffsetChoice offset = ParseOffset(text);
-    const std::int16_t number = NumbersOf(sheet, {offset.variable}).front();
-    const auto place = std::ranges::find(lists.continuous, number);
-    if (place == lists.continuous.end())
-      throw WrongCall(offset.variable + " is not fitted as a continuous variable");
-    dialog.Put(offset.type->offset, static_cast<std::int32_t>(place - lists.continuous.begin() + 1),
-               offset.value);
+    const auto place = PlaceOf(offset.variable, lists.continuous, "continuous", sheet);
+    dialog.Put(offset.type->offset, place, offset.value);
+  }
+  for (const std::string& text : options.mixtures) {
+    const CountChoice mixtures = ParseMixtures(text);
+    const auto place = PlaceOf(mixtures.variable, lists.continuous, "continuous", sheet);
+    dialog.Put("NumberOfMixtures", place, mixtures.value);
+  }
+  for (const std::string& text : options.trials) {
+    const CountChoice trials = ParseTrials(text);
+    const auto place = PlaceOf(trials.variable, lists.discrete, "discrete", sheet);
+    dialog.Put("NumberOfTrials", place, trials.value);
+    dialog.Put("IsNumberOfTrials", place, true);
   }
 }
 
@@ -146,10 +243,14 @@ void Specify(Session& session, const FitOptions& options, const Lists& lists, co
   const auto dialog = session.Dialog();
   dialog->Put("ContinuousVariable", AsVariant(lists.continuous));
   dialog->Put("DiscreteVariable", AsVariant(lists.discrete));
-  dialog->Put(options.missing == "casewise" ? "IsCasewise" : "IsPairwise", true);
+  dialog->Put(kDeletions.at(options.missing), true);
+  dialog->Put(kCriteria.at(options.rankBy), true);
+  dialog->Put(kDiscreteCriteria.at(options.discreteRankBy), true);
+  dialog->Put(kBinnings.at(options.binning), true);
+  dialog->Put("BootstrapSamples", options.bootstrapSamples);
+  dialog->Put("BootstrapSeed", options.bootstrapSeed);
   CheckDistributions(*dialog, options, lists);
-  UncheckOthers(*dialog, options, lists);
-  EnterOffsets(*dialog, options, lists, sheet);
+  EnterNumbers(*dialog, options, lists, sheet);
 }
 
 // The fits are on the sheet's variables by now; the sheet goes into the project.
@@ -172,19 +273,32 @@ void ApplyCaseOptions(const FitOptions& options, Spreadsheet& sheet) {
   if (options.selection && !options.selection->empty()) ApplySelection(sheet, *options.selection);
 }
 
-void CheckNames(const FitOptions& options) {
+// What can be seen to be wrong before any data are read.
+void CheckCall(const FitOptions& options) {
   for (const std::string& name : options.distributions) TypeNamed(name);
-  for (const std::string& offset : options.offsets) ParseOffset(offset);
+  for (const std::string& text : options.offsets) {
+    RequireChosen(options, ParseOffset(text).type->name, "--offset " + text);
+  }
+  for (const std::string& text : options.mixtures) {
+    ParseMixtures(text);
+    RequireChosen(options, "gaussianmixture", "--mixtures");
+  }
+  for (const std::string& text : options.trials) {
+    ParseTrials(text);
+    RequireChosen(options, "binomial", "--trials");
+  }
+  if (options.johnsonPercentiles) RequireChosen(options, "johnson", "--johnson-percentiles");
   if (!options.project.empty()) RequireProjectEnding(options.project, "--save");
 }
 
 // The fits are saved before anything is reported, so that a report stands for a finished job.
 void Fit(const FitOptions& options) {
-  CheckNames(options);
+  CheckCall(options);
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
   Spreadsheet& sheet = data.Sheet(options.input.sheet);
   ApplyCaseOptions(options, sheet);
   const Lists lists = ChooseVariables(options, sheet);
+  RequireTypes(options, lists);
   Session session(sheet, Task::kFit);
   Specify(session, options, lists, sheet);
   session.Ok();
@@ -198,49 +312,106 @@ void Fit(const FitOptions& options) {
   }
 }
 
+// A choice by name; the help lists the names and says the default.
+void AddChoice(CLI::App& command, const std::string& name, std::string& value, const Choices& choices,
+               const std::string& help) {
+  std::vector<std::string> all;
+  std::string names;
+  for (const auto& [choice, member] : choices) {
+    all.push_back(choice);
+    names += (names.empty() ? "" : "|") + choice;
+  }
+  command.add_option(name, value, help + "; default " + value)
+      ->check(CLI::IsMember(all).description(""))
+      ->type_name(names);
+}
+
+void AddVariableOptions(CLI::App& command, FitOptions& options) {
+  command
+      .add_option("--continuous", options.continuous,
+                  "Variables to fit as continuous; without this and --discrete, every numeric variable is")
+      ->delimiter(',')
+      ->type_name("V,V");
+  command.add_option("--discrete", options.discrete, "Variables to fit as discrete")
+      ->delimiter(',')
+      ->type_name("V,V");
+  AddChoice(command, "--missing", options.missing, kDeletions,
+            "Leave out a missing value alone, or its case for all variables");
+  command
+      .add_option("--weights", options.weights,
+                  "Variable whose whole numbers say how often each case counts; '' for none")
+      ->type_name("V");
+  command
+      .add_option("--select", options.selection,
+                  "Use only the cases that meet a condition; names with blanks between single quotes")
+      ->type_name("'X > 3 and Y = 1'");
+}
+
+void AddDistributionOptions(CLI::App& command, FitOptions& options) {
+  command
+      .add_option("--distributions", options.distributions,
+                  "Distributions to try; default all that apply to a variable: " + AllNames())
+      ->delimiter(',')
+      ->type_name("NAME,NAME");
+  command
+      .add_option("--offset", options.offsets,
+                  "Where a distribution of a variable starts; default 0. One that is not below all "
+                  "values makes that fit fail")
+      ->type_name("V:DISTRIBUTION=NUMBER");
+  command
+      .add_option(
+          "--mixtures", options.mixtures,
+          "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2")
+      ->type_name("V=COUNT");
+  command
+      .add_option("--trials", options.trials,
+                  "Trials of a variable's binomial distribution; estimated where not given")
+      ->type_name("V=COUNT");
+  command.add_flag("--johnson-percentiles", options.johnsonPercentiles,
+                   "Fit the Johnson distribution from percentiles instead of moments");
+}
+
+void AddTestOptions(CLI::App& command, FitOptions& options) {
+  AddChoice(command, "--rank-by", options.rankBy, kCriteria,
+            "Test that ranks the fits of continuous variables");
+  AddChoice(command, "--discrete-rank-by", options.discreteRankBy, kDiscreteCriteria,
+            "Test that ranks the fits of discrete variables");
+  AddChoice(command, "--binning", options.binning, kBinnings, "Bins of the chi-square test");
+  CLI::Option* samples =
+      command
+          .add_option("--bootstrap", options.bootstrapSamples,
+                      "Samples of a parametric bootstrap that gives p-values for estimated parameters")
+          ->check(CLI::Range(1, kMostBootstrapSamples).description(""))
+          ->type_name("N");
+  command.add_option("--bootstrap-seed", options.bootstrapSeed, "Where its random numbers start; default 1")
+      ->check(CLI::Range(0, std::numeric_limits<std::int32_t>::max()).description(""))
+      ->needs(samples)
+      ->type_name("S");
+}
+
 }  // namespace
 
 void AddFitCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("fit", "Fit distributions to the variables of a data file");
   const auto options = std::make_shared<FitOptions>();
-  std::string names;
-  for (const FittedType& type : kTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
   command->add_option("DATA", options->input.path, "CSV file with a header row, or a project (.bvw)")
       ->required();
   command->add_option("--sheet", options->input.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   AddDecimalCommaOption(*command, options->input);
-  command
-      ->add_option("--continuous", options->continuous,
-                   "Variables to fit as continuous; without this and --discrete, every numeric variable is")
-      ->delimiter(',')
-      ->type_name("V,V");
-  command->add_option("--discrete", options->discrete, "Variables to fit as discrete")
-      ->delimiter(',')
-      ->type_name("V,V");
-  command
-      ->add_option("--distributions", options->distributions, "Distributions to try; default all: " + names)
-      ->delimiter(',')
-      ->type_name("NAME,NAME");
-  command->add_option("--offset", options->offsets, "Threshold of a distribution of a variable; default 0")
-      ->type_name("V:DISTRIBUTION=NUMBER");
-  command
-      ->add_option("--missing", options->missing,
-                   "Leave out a missing value alone, or its case for all variables")
-      ->check(CLI::IsMember({"pairwise", "casewise"}).description(""))
-      ->type_name("pairwise|casewise");
-  command
-      ->add_option("--weights", options->weights,
-                   "Variable whose whole numbers say how often each case counts; '' for none")
-      ->type_name("V");
-  command
-      ->add_option("--select", options->selection,
-                   "Use only the cases that meet a condition; names with blanks between single quotes")
-      ->type_name("'X > 3 and Y = 1'");
+  AddVariableOptions(*command, *options);
+  AddDistributionOptions(*command, *options);
+  AddTestOptions(*command, *options);
   command->add_option("--save", options->project, "Project that takes the data with the fits as properties")
       ->type_name("PROJECT.bvw");
   AddFormatOption(*command, options->format);
-  command->footer("Example:\n  brenvolt fit examples/groundbeef.csv --save beef.bvw");
+  command->footer(
+      "Example:\n"
+      "  brenvolt fit examples/groundbeef.csv --save beef.bvw\n"
+      "  brenvolt fit examples/toxocara.csv --discrete number --discrete-rank-by chi-square\n"
+      "  brenvolt fit examples/faithful.csv --distributions weibull,gaussianmixture --offset "
+      "eruptions:weibull=1 \\\n"
+      "      --mixtures waiting=3 --rank-by anderson-darling");
   command->callback([options] { Fit(*options); });
 }
 

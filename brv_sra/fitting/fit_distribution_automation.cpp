@@ -1,9 +1,19 @@
 // The automation interface of the fit specification: its members with their dispatch numbers.
+//
+// An index counts the variables of a list from 1; a call with one shows that variable on its tab, as a person
+// would, and works on its controls. A field that is empty reads as "not set" (-444) and is emptied by putting
+// that value.
+#include <algorithm>
 #include <array>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "brv_sra/fitting/fit_distribution_dialog.h"
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 
@@ -13,64 +23,195 @@ namespace {
 using Dialog = CFitDistribution;
 using Indexes = std::span<const Variant>;
 using Member = AutomationMember<Dialog>;
+using Numbers = std::vector<std::int16_t>;
 using namespace fit_dialog;
 
-std::vector<std::int16_t> VariableList(const Dialog& dialog, const Variant& value) {
+Numbers VariableList(const Dialog& dialog, const Variant& value) {
   const Spreadsheet* table = dialog.GetInputTable();
   if (table == nullptr) throw Error("no input spreadsheet");
   return VariableNumbers(value, table->VariableCount());
 }
 
-template <std::int32_t Control>
-Variant IsContinuous(Dialog& dialog, Indexes indexes) {
-  return std::int32_t{dialog.IsContinuousChecked(indexes[0].ToInteger(), Control) ? 1 : 0};
+// Both lists at once, as text: the continuous variables, a bar, the discrete ones, "1-3 | 5".
+constexpr char kListBar = '|';
+
+Variant GetLists(Dialog& dialog, Indexes) {
+  const FitSpecification& specification = dialog.Specification();
+  return dialog.Analysis().dsplst(specification.continuous) + " " + kListBar + " " +
+         dialog.Analysis().dsplst(specification.discrete);
 }
-template <std::int32_t Control>
-void SetContinuous(Dialog& dialog, Indexes indexes, const Variant& value) {
-  dialog.CheckContinuous(indexes[0].ToInteger(), Control, value.ToBoolean());
-}
-template <std::int32_t Control>
-Variant GetOffset(Dialog& dialog, Indexes indexes) {
-  return dialog.Offset(indexes[0].ToInteger(), Control);
-}
-template <std::int32_t Control>
-void SetOffset(Dialog& dialog, Indexes indexes, const Variant& value) {
-  dialog.EnterOffset(indexes[0].ToInteger(), Control, value.ToReal());
-}
-template <std::int32_t Control>
-Variant IsDiscrete(Dialog& dialog, Indexes indexes) {
-  return std::int32_t{dialog.IsDiscreteChecked(indexes[0].ToInteger(), Control) ? 1 : 0};
-}
-template <std::int32_t Control>
-void SetDiscrete(Dialog& dialog, Indexes indexes, const Variant& value) {
-  dialog.CheckDiscrete(indexes[0].ToInteger(), Control, value.ToBoolean());
+
+// Takes such a text, a text without a bar (continuous variables only), or an array of the two lists. Like the
+// selection dialog, it refuses a selection without any variable.
+void PutLists(Dialog& dialog, Indexes, const Variant& value) {
+  Variant::Array lists;
+  if (value.IsText()) {
+    const std::string text = value.ToText();
+    const auto bar = std::min(text.find(kListBar), text.size());
+    lists = {text.substr(0, bar), bar < text.size() ? text.substr(bar + 1) : std::string()};
+  } else {
+    lists = value.ToArray();
+  }
+  if (lists.size() != 2) throw Error("not a list of continuous and a list of discrete variables");
+  const Numbers continuous = VariableList(dialog, lists[0]);
+  const Numbers discrete = VariableList(dialog, lists[1]);
+  if (continuous.empty() && discrete.empty()) throw Error(dialog.szLoadResString(kMsgTooFewVariables));
+  dialog.SelectLists(continuous, discrete);
 }
 
 Variant GetContinuousList(Dialog& dialog, Indexes) {
-  return dialog.Controls().Text(kContinuousList);
+  return dialog.Analysis().dsplst(dialog.Specification().continuous);
 }
-void SetContinuousList(Dialog& dialog, Indexes, const Variant& value) {
-  dialog.SelectContinuous(VariableList(dialog, value));
-}
-Variant GetDiscreteList(Dialog& dialog, Indexes) {
-  return dialog.Controls().Text(kDiscreteList);
-}
-void SetDiscreteList(Dialog& dialog, Indexes, const Variant& value) {
-  dialog.SelectDiscrete(VariableList(dialog, value));
+void PutContinuousList(Dialog& dialog, Indexes, const Variant& value) {
+  dialog.SelectLists(VariableList(dialog, value), dialog.Specification().discrete);
 }
 
-// An index counts the variables of the list from 1.
-constexpr std::array<Member, 10> kMembers{{
+// The type library has a 32-bit integer here, which holds no more than one variable: a list of one is that
+// integer, any other is a text as the continuous list is. A put takes either, and an array of numbers.
+Variant GetDiscreteList(Dialog& dialog, Indexes) {
+  const Numbers& list = dialog.Specification().discrete;
+  if (list.size() == 1) return std::int32_t{list.front()};
+  return dialog.Analysis().dsplst(list);
+}
+void PutDiscreteList(Dialog& dialog, Indexes, const Variant& value) {
+  dialog.SelectLists(dialog.Specification().continuous, VariableList(dialog, value));
+}
+
+// What the options dialog's radio buttons set, without the dialog. A choice is made, never taken back, by a
+// put.
+template <auto Field, auto Value>
+Variant GetOption(Dialog& dialog, Indexes) {
+  return std::int32_t{dialog.Specification().*Field == Value ? 1 : 0};
+}
+template <auto Field, auto Value>
+void PutOption(Dialog& dialog, Indexes, const Variant& value) {
+  if (value.ToBoolean()) dialog.Specification().*Field = Value;
+}
+template <auto Field, auto Value>
+constexpr Member Option(std::string_view name, DispatchId id) {
+  return {name, id, 0, GetOption<Field, Value>, PutOption<Field, Value>};
+}
+
+using Show = void (Dialog::*)(int);
+
+template <Show ShowVariable, std::int32_t Control>
+Variant GetCheckOf(Dialog& dialog, Indexes indexes) {
+  (dialog.*ShowVariable)(indexes[0].ToInteger());
+  return GetChecked<Dialog, Control>(dialog, indexes);
+}
+template <Show ShowVariable, std::int32_t Control>
+void PutCheckOf(Dialog& dialog, Indexes indexes, const Variant& value) {
+  (dialog.*ShowVariable)(indexes[0].ToInteger());
+  PutChecked<Dialog, Control>(dialog, indexes, value);
+}
+template <std::int32_t Control>
+constexpr Member Continuous(std::string_view name, DispatchId id) {
+  return {name, id, 1, GetCheckOf<&Dialog::ShowContinuousVariable, Control>,
+          PutCheckOf<&Dialog::ShowContinuousVariable, Control>};
+}
+template <std::int32_t Control>
+constexpr Member Discrete(std::string_view name, DispatchId id) {
+  return {name, id, 1, GetCheckOf<&Dialog::ShowDiscreteVariable, Control>,
+          PutCheckOf<&Dialog::ShowDiscreteVariable, Control>};
+}
+
+template <std::int32_t Control>
+Variant GetOffset(Dialog& dialog, Indexes indexes) {
+  dialog.ShowContinuousVariable(indexes[0].ToInteger());
+  double value = kNotSet;
+  dialog.Controls().GetDlgItemDouble(Control, value);
+  return value;
+}
+template <std::int32_t Control>
+void PutOffset(Dialog& dialog, Indexes indexes, const Variant& value) {
+  const double offset = value.ToReal();
+  dialog.ShowContinuousVariable(indexes[0].ToInteger());
+  dialog.Controls().SetDlgItemDouble(Control, offset);
+}
+template <std::int32_t Control>
+constexpr Member Offset(std::string_view name, DispatchId id) {
+  return {name, id, 1, GetOffset<Control>, PutOffset<Control>};
+}
+
+template <Show ShowVariable, std::int32_t Control>
+Variant GetCount(Dialog& dialog, Indexes indexes) {
+  (dialog.*ShowVariable)(indexes[0].ToInteger());
+  return GetNumber<Dialog, Control>(dialog, indexes);
+}
+template <Show ShowVariable, std::int32_t Control>
+void PutCount(Dialog& dialog, Indexes indexes, const Variant& value) {
+  const std::int32_t count = value.ToInteger();
+  (dialog.*ShowVariable)(indexes[0].ToInteger());
+  dialog.Controls().SetDlgItemLong(Control, count);
+}
+template <Show ShowVariable, std::int32_t Control>
+constexpr Member Count(std::string_view name, DispatchId id) {
+  return {name, id, 1, GetCount<ShowVariable, Control>, PutCount<ShowVariable, Control>};
+}
+
+// Settings without a control: the number of bootstrap samples (0 for none), and where their random numbers
+// start.
+template <std::int32_t FitSpecification::*Field>
+Variant GetSetting(Dialog& dialog, Indexes) {
+  return dialog.Specification().*Field;
+}
+template <std::int32_t FitSpecification::*Field>
+void PutSetting(Dialog& dialog, Indexes, const Variant& value) {
+  const std::int32_t setting = value.ToInteger();
+  if (setting < 0) throw Error("less than 0: " + value.ToText());
+  dialog.Specification().*Field = setting;
+}
+
+using enum RankingCriterion;
+using enum ChiSquareBinning;
+constexpr auto kContinuousRank = &FitSpecification::continuousCriterion;
+constexpr auto kDiscreteRank = &FitSpecification::discreteCriterion;
+constexpr auto kBins = &FitSpecification::binning;
+
+// In the order of their numbers, which stand in recorded macros. The two behind the last of them are younger.
+constexpr std::array<Member, 40> kMembers{{
+    {"Variables", 0x60030000, 0, GetLists, PutLists},
+    Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest", 0x60030002),
+    Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest", 0x60030004),
+    Option<kContinuousRank, kAndersonDarling>("ContinuousAndersonDarlingTest", 0x60030006),
+    Option<kDiscreteRank, kKolmogorovSmirnov>("DiscreteKolmogorovSmirovTest", 0x60030008),
+    Option<kDiscreteRank, kChiSquare>("DiscreteChiSquareTest", 0x6003000a),
+    Option<kBins, kEqualProbabilities>("EqualProbability", 0x6003000c),
+    Option<kBins, kEqualIntervals>("EqualInterval", 0x6003000e),
     {"IsPairwise", 0x60030010, 0, GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>},
     {"IsCasewise", 0x60030012, 0, GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>},
-    {"ContinuousVariable", 0x60030014, 0, GetContinuousList, SetContinuousList},
-    {"IsNormalDistribution", 0x60030016, 1, IsContinuous<kNormal>, SetContinuous<kNormal>},
-    {"IsLogNormalDistribution", 0x60030018, 1, IsContinuous<kLogNormal>, SetContinuous<kLogNormal>},
-    {"IsWeibullDistribution", 0x60030020, 1, IsContinuous<kWeibull>, SetContinuous<kWeibull>},
-    {"LogNormalOffset", 0x6003002e, 1, GetOffset<kLogNormalOffset>, SetOffset<kLogNormalOffset>},
-    {"WeibullOffset", 0x60030036, 1, GetOffset<kWeibullOffset>, SetOffset<kWeibullOffset>},
-    {"DiscreteVariable", 0x6003003a, 0, GetDiscreteList, SetDiscreteList},
-    {"IsPoissonDistribution", 0x60030042, 1, IsDiscrete<kPoisson>, SetDiscrete<kPoisson>},
+    {"ContinuousVariable", 0x60030014, 0, GetContinuousList, PutContinuousList},
+    Continuous<kNormal>("IsNormalDistribution", 0x60030016),
+    Continuous<kLogNormal>("IsLogNormalDistribution", 0x60030018),
+    Continuous<kFoldedNormal>("IsFoldedNormalDistribution", 0x6003001a),
+    Continuous<kHalfNormal>("IsHalfNormalDistribution", 0x6003001c),
+    Continuous<kRayleigh>("IsRayleighDistribution", 0x6003001e),
+    Continuous<kWeibull>("IsWeibullDistribution", 0x60030020),
+    Continuous<kGaussianMixture>("IsGaussianMixtureDistribution", 0x60030022),
+    Count<&Dialog::ShowContinuousVariable, kMixtures>("NumberOfMixtures", 0x60030024),
+    Continuous<kJohnson>("IsJohnsonDistribution", 0x60030026),
+    Continuous<kGeneralExtremeValue>("IsGeneralizedExtremeValueDistribution", 0x60030028),
+    Continuous<kGeneralPareto>("IsGeneralizedParetoDistribution", 0x6003002a),
+    Continuous<kTriangular>("IsTriangularDistribution", 0x6003002c),
+    Offset<kLogNormalOffset>("LogNormalOffset", 0x6003002e),
+    Offset<kFoldedNormalOffset>("FoldedNormalOffset", 0x60030030),
+    Offset<kHalfNormalOffset>("HalfNormalOffset", 0x60030032),
+    Offset<kRayleighOffset>("RayleighOffset", 0x60030034),
+    Offset<kWeibullOffset>("WeibullOffset", 0x60030036),
+    Offset<kGeneralParetoOffset>("GeneralizedParetoOffset", 0x60030038),
+    {"DiscreteVariable", 0x6003003a, 0, GetDiscreteList, PutDiscreteList},
+    Discrete<kBinomial>("IsBinomialDistribution", 0x6003003c),
+    Discrete<kUseTrials>("IsNumberOfTrials", 0x6003003e),
+    Count<&Dialog::ShowDiscreteVariable, kTrials>("NumberOfTrials", 0x60030040),
+    Discrete<kPoisson>("IsPoissonDistribution", 0x60030042),
+    Discrete<kGeometric>("IsGeometricDistribution", 0x60030044),
+    Discrete<kBernoulli>("IsBernoulliDistribution", 0x60030046),
+    Discrete<kHistogram>("IsDiscreteDistribution", 0x60030048),
+    Continuous<kJohnsonPercentile>("FitJohnsonByPercentile", 0x6003004a),
+    {"BootstrapSamples", 0x6003004c, 0, GetSetting<&FitSpecification::bootstrapSamples>,
+     PutSetting<&FitSpecification::bootstrapSamples>},
+    {"BootstrapSeed", 0x6003004e, 0, GetSetting<&FitSpecification::bootstrapSeed>,
+     PutSetting<&FitSpecification::bootstrapSeed>},
 }};
 
 }  // namespace

@@ -1,98 +1,106 @@
 #include "brv_sra/fitting/fit_distribution_dialog.h"
 
-#include <array>
+#include <algorithm>
+#include <cmath>
 #include <new>
+#include <span>
 
+#include "brv_sra/fitting/fit_options_dialog.h"
 #include "brv_sra/fitting/fit_run.h"
+#include "brv_sra/fitting/fit_variable_inputs_dialog.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::sra {
 namespace {
 
 using namespace fit_dialog;
 
-// A continuous distribution's check box and, where it has one, its offset field.
-struct ContinuousControls {
-  DistributionCode code;
-  std::int32_t check;
-  std::int32_t offset;  // 0: none
-};
-constexpr std::array<ContinuousControls, 3> kContinuousControls{{
-    {DistributionCode::kNormal, kNormal, 0},
-    {DistributionCode::kLogNormal, kLogNormal, kLogNormalOffset},
-    {DistributionCode::kWeibull, kWeibull, kWeibullOffset},
-}};
-struct DiscreteControls {
-  DistributionCode code;
-  std::int32_t check;
-};
-constexpr std::array<DiscreteControls, 1> kDiscreteControls{{{DistributionCode::kPoisson, kPoisson}}};
+// A number of mixtures is at least 2 and at most 20, of which each needs two valid cases.
+constexpr std::int32_t kFewestMixtures = 2;
+constexpr std::int64_t kMostMixtures = 20;
+constexpr std::int64_t kCasesPerMixture = 2;
 
-// What a distribution that is checked without an offset starts with.
-constexpr double kDefaultOffset = 0.0;
-
-std::size_t Flag(const ContinuousControls& controls) {
-  return static_cast<std::size_t>(FlagOfContinuous(controls.code));
-}
-std::size_t Flag(const DiscreteControls& controls) {
-  return static_cast<std::size_t>(FlagOfDiscrete(controls.code));
-}
-double& OffsetOf(ContinuousSpecification& specification, const ContinuousControls& controls) {
-  return specification.offsets[*OffsetIndex(controls.code)];
+template <class Specification>
+Specification* At(std::vector<Specification>& specifications, int index) {
+  return index >= 0 ? &specifications[static_cast<std::size_t>(index)] : nullptr;
 }
 
-bool Always(bool) {
-  return true;
+int FirstOf(const std::vector<std::int16_t>& list) {
+  return list.empty() ? -1 : 0;
 }
-bool Never(bool) {
-  return false;
+
+bool IsPlaceIn(const std::vector<std::int16_t>& list, int index) {
+  return index >= 0 && index < static_cast<int>(list.size());
 }
-bool Opposite(bool checked) {
-  return !checked;
+
+void RequirePlace(const std::vector<std::int16_t>& list, int position) {
+  if (!IsPlaceIn(list, position - 1)) throw Error("no variable " + std::to_string(position) + " in the list");
+}
+
+// The three buttons under a tab's check boxes.
+enum class CheckAll : std::uint8_t { kSelect, kClear, kToggle };
+
+void ChangeChecks(CAnalysisDialog& dialog, std::span<const std::int32_t> checks, CheckAll how) {
+  for (const std::int32_t check : checks) {
+    const bool toggled = !dialog.Controls().IsChecked(check);
+    dialog.Check(check, how == CheckAll::kToggle ? toggled : how == CheckAll::kSelect);
+  }
 }
 
 }  // namespace
 
 void CFitDistribution::OnInitDialog() {
-  const FitSpecification& specification = Specification();
-  Controls().SetChecked(specification.deletion == DeletionMode::kPairwise ? kPairwise : kCasewise, true);
+  if (!ListsAreOfInput()) Specification() = {};
+  const bool pairwise = Specification().deletion == DeletionMode::kPairwise;
+  Controls().SetChecked(pairwise ? kPairwise : kCasewise, true);
   RefreshLists();
 }
 
+// False when the host has changed the input since the variables were selected, and some are no longer there.
+bool CFitDistribution::ListsAreOfInput() const {
+  const std::size_t count = GetInputTable() != nullptr ? GetInputTable()->VariableCount() : 0;
+  const auto isThere = [count](std::int16_t number) { return static_cast<std::size_t>(number) <= count; };
+  return std::ranges::all_of(Specification().continuous, isThere) &&
+         std::ranges::all_of(Specification().discrete, isThere);
+}
+
 bool CFitDistribution::OnCommand(std::int32_t number) {
+  const auto change = [this](std::span<const std::int32_t> checks, CheckAll how) {
+    ChangeChecks(*this, checks, how);
+    return true;
+  };
   switch (number) {
     case kVariables:
       return AskForVariables();
+    case kOptions:
+      return EditOptions();
+    case kOpenData:
+      return OpenData();
     case kContinuousPrevious:
       return MoveContinuous(shownContinuous_ - 1);
     case kContinuousNext:
       return MoveContinuous(shownContinuous_ + 1);
     case kContinuousSelectAll:
-      SetContinuousChecks(Always);
-      return true;
+      return change(ContinuousChecks(), CheckAll::kSelect);
     case kContinuousClearAll:
-      SetContinuousChecks(Never);
-      return true;
+      return change(ContinuousChecks(), CheckAll::kClear);
     case kContinuousToggle:
-      SetContinuousChecks(Opposite);
-      return true;
+      return change(ContinuousChecks(), CheckAll::kToggle);
     case kDiscretePrevious:
-      return Select(kDiscreteVariable, shownDiscrete_ - 1);
+      return MoveDiscrete(shownDiscrete_ - 1);
     case kDiscreteNext:
-      return Select(kDiscreteVariable, shownDiscrete_ + 1);
+      return MoveDiscrete(shownDiscrete_ + 1);
     case kDiscreteSelectAll:
-      SetDiscreteChecks(Always);
-      return true;
+      return change(DiscreteChecks(), CheckAll::kSelect);
     case kDiscreteClearAll:
-      SetDiscreteChecks(Never);
-      return true;
+      return change(DiscreteChecks(), CheckAll::kClear);
     case kDiscreteToggle:
-      SetDiscreteChecks(Opposite);
-      return true;
+      return change(DiscreteChecks(), CheckAll::kToggle);
     default:
       return CSimulationAndRiskModelessDialog::OnCommand(number);
   }
@@ -103,53 +111,81 @@ void CFitDistribution::OnControlChanged(std::int32_t number) {
     Specification().deletion =
         Controls().IsChecked(kPairwise) ? DeletionMode::kPairwise : DeletionMode::kCasewise;
   }
-  if (number == kContinuousVariable && !MoveContinuous(Controls().Selection(kContinuousVariable))) {
-    Controls().Select(kContinuousVariable, shownContinuous_);
+  // A variable whose inputs are wrong stays the shown one.
+  if (number == kContinuousVariable && !MoveContinuous(Controls().Selection(number))) {
+    Controls().Select(number, shownContinuous_);
   }
-  if (number == kDiscreteVariable) {
-    ReadShownDiscrete();
-    ShowDiscrete(Controls().Selection(kDiscreteVariable));
+  if (number == kDiscreteVariable && !MoveDiscrete(Controls().Selection(number))) {
+    Controls().Select(number, shownDiscrete_);
   }
-  // A distribution that needs an offset gets the usual one with its check.
-  for (const ContinuousControls& controls : kContinuousControls) {
-    if (number != controls.check || controls.offset == 0) continue;
-    if (Controls().IsChecked(number) && Controls().Text(controls.offset).empty()) {
-      Controls().SetDlgItemDouble(controls.offset, kDefaultOffset);
-    }
-  }
+  if (Controls().At(number).kind == ControlKind::kCheckBox) FillUsualInput(Controls(), number);
+}
+
+bool CFitDistribution::EditOptions() {
+  FitOptionsModalDlg options(SimulationAndRisk());
+  options.DoModal();
+  return true;
+}
+
+// A new input has a specification of its own. A person who does not want to fit it has no use for the dialog.
+bool CFitDistribution::OpenData() {
+  if (!SimulationAndRisk().OpenData()) return false;
+  OnInitDialog();
+  if (!SimulationAndRisk().MayFitInput()) GoBack();
+  return true;
 }
 
 bool CFitDistribution::AskForVariables() {
-  if (GetInputTable() == nullptr || !ReadShown()) return false;
-  FitSpecification& specification = Specification();
-  VariableQuestion question;
-  question.caption = szLoadResString(kFitSelectVariables);
-  question.firstListCaption = szLoadResString(kFitSelectContinuous);
-  question.secondListCaption = szLoadResString(kFitSelectDiscrete);
-  for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
-    question.names.push_back(GetInputTable()->VariableAt(i).Name());
+  if (GetInputTable() == nullptr || !StoreShownContinuous() || !StoreShownDiscrete()) return false;
+  try {
+    VariableQuestion question;
+    question.caption = szLoadResString(kFitSelectVariables);
+    question.firstListCaption = szLoadResString(kFitSelectContinuous);
+    question.secondListCaption = szLoadResString(kFitSelectDiscrete);
+    for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
+      question.names.push_back(NameOf(static_cast<int>(i + 1)));
+    }
+    question.first = Specification().continuous;
+    question.second = Specification().discrete;
+    if (!AskUntilTakeable(question)) return false;
+    TakeLists(question.first, question.second);
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
+    return false;
   }
-  question.first = specification.continuous;
-  question.second = specification.discrete;
+  return true;
+}
+
+// Asks again, with a message, until the answer has a variable and no text variable; false when cancelled.
+bool CFitDistribution::AskUntilTakeable(VariableQuestion& question) {
   while (Analysis().Interface().SelectVariables(question)) {
-    if (question.first.empty() && question.second.empty()) {
-      ShowMessage(kMsgTooFewVariables);
-      question.first = specification.continuous;
-      question.second = specification.discrete;
-    } else if (const std::string texts = TextVariables(question.first) + TextVariables(question.second);
-               !texts.empty()) {
-      Analysis().ShowMessage(TextVariablesMessage(texts));
+    const std::string texts = TextVariablesMessage(question.first, question.second);
+    if (!texts.empty()) {
+      Analysis().ShowMessage(texts);
       question.first.clear();
       question.second.clear();
+    } else if (question.first.empty() && question.second.empty()) {
+      ShowMessage(kMsgTooFewVariables);
+      question.first = Specification().continuous;
+      question.second = Specification().discrete;
     } else {
-      TakeLists(question.first, question.second);
       return true;
     }
   }
   return false;
 }
 
-std::string CFitDistribution::TextVariablesMessage(const std::string& names) const {
+// The message that refuses the text variables among those selected; empty where there are none.
+std::string CFitDistribution::TextVariablesMessage(const std::vector<std::int16_t>& first,
+                                                   const std::vector<std::int16_t>& second) const {
+  std::string names;
+  for (const auto* list : {&first, &second}) {
+    for (const std::int16_t number : *list) {
+      const Variable& variable = GetInputTable()->VariableAt(static_cast<std::size_t>(number - 1));
+      if (variable.Type() == VariableType::kText) names += " " + NameOf(number);
+    }
+  }
+  if (names.empty()) return {};
   return szLoadResString(kMsgTextVariablesSelected) + FormatResource(kFitListSentenceEnd, names);
 }
 
@@ -158,151 +194,168 @@ void CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
   FitSpecification& specification = Specification();
   if (continuous != specification.continuous) {
     specification.continuous = continuous;
-    specification.continuousSpecifications.assign(continuous.size(), {});
+    specification.continuousSpecifications.assign(continuous.size(), NewContinuousSpecification());
   }
   if (discrete != specification.discrete) {
     specification.discrete = discrete;
-    specification.discreteSpecifications.assign(discrete.size(), {});
+    specification.discreteSpecifications.assign(discrete.size(), NewDiscreteSpecification());
   }
   RefreshLists();
 }
 
-std::string CFitDistribution::TextVariables(const std::vector<std::int16_t>& variables) const {
-  std::string names;
-  for (const std::int16_t number : variables) {
-    const Variable& variable = GetInputTable()->VariableAt(static_cast<std::size_t>(number - 1));
-    if (variable.Type() == VariableType::kText) names += " " + variable.Name();
-  }
-  return names;
+// A variable's name on one line, without blanks around it.
+std::string CFitDistribution::NameOf(int variable) const {
+  constexpr char kLastControlCharacter = 0x1F;
+  std::string name = Analysis().get_vn(variable);
+  std::ranges::replace_if(
+      name, [](char c) { return c >= 0 && c <= kLastControlCharacter; }, ' ');
+  return std::string(Trim(name));
 }
 
 std::vector<std::string> CFitDistribution::NamesOf(const std::vector<std::int16_t>& variables) const {
   std::vector<std::string> names;
-  for (const std::int16_t number : variables) names.push_back(Analysis().get_vn(number));
+  names.reserve(variables.size());
+  for (const std::int16_t number : variables) names.push_back(NameOf(number));
   return names;
 }
 
 void CFitDistribution::RefreshLists() {
   const FitSpecification& specification = Specification();
-  const std::string none = szLoadResString(kFitListEmpty);
-  const auto shown = [&](const std::vector<std::int16_t>& list) {
-    return list.empty() ? none : Analysis().dsplst(list);
+  const auto shown = [this](const std::vector<std::int16_t>& list) {
+    return list.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(list);
   };
   Controls().SetText(kContinuousList, shown(specification.continuous));
   Controls().SetText(kDiscreteList, shown(specification.discrete));
   Controls().SetItems(kContinuousVariable, NamesOf(specification.continuous));
   Controls().SetItems(kDiscreteVariable, NamesOf(specification.discrete));
-  ShowContinuous(specification.continuous.empty() ? -1 : 0);
-  ShowDiscrete(specification.discrete.empty() ? -1 : 0);
+  ShowContinuous(FirstOf(specification.continuous));
+  ShowDiscrete(FirstOf(specification.discrete));
 }
 
 void CFitDistribution::ShowContinuous(int index) {
   shownContinuous_ = index;
   Controls().Select(kContinuousVariable, index);
-  ContinuousSpecification shown;
-  if (index >= 0) shown = Specification().continuousSpecifications[static_cast<std::size_t>(index)];
-  for (const ContinuousControls& controls : kContinuousControls) {
-    Controls().Enable(controls.check, index >= 0);
-    Controls().SetChecked(controls.check, index >= 0 && shown.fit[Flag(controls)]);
-    if (controls.offset == 0) continue;
-    Controls().Enable(controls.offset, index >= 0);
-    Controls().SetDlgItemDouble(controls.offset, OffsetOf(shown, controls));
-  }
+  ShowInputs(Controls(), At(Specification().continuousSpecifications, index));
 }
 
 void CFitDistribution::ShowDiscrete(int index) {
   shownDiscrete_ = index;
   Controls().Select(kDiscreteVariable, index);
-  DiscreteSpecification shown;
-  if (index >= 0) shown = Specification().discreteSpecifications[static_cast<std::size_t>(index)];
-  for (const DiscreteControls& controls : kDiscreteControls) {
-    Controls().Enable(controls.check, index >= 0);
-    Controls().SetChecked(controls.check, index >= 0 && shown.fit[Flag(controls)]);
-  }
+  ShowInputs(Controls(), At(Specification().discreteSpecifications, index));
 }
 
-// Copies the shown controls into their variable's specification; false with a message where an offset that is
-// needed is not a number, and then nothing has changed.
-bool CFitDistribution::ReadShownContinuous() {
-  if (shownContinuous_ < 0) return true;
-  ContinuousSpecification& specification =
-      Specification().continuousSpecifications[static_cast<std::size_t>(shownContinuous_)];
-  ContinuousSpecification read = specification;
-  for (const ContinuousControls& controls : kContinuousControls) {
-    const bool checked = Controls().IsChecked(controls.check);
-    read.fit[Flag(controls)] = checked;
-    if (controls.offset == 0) continue;
-    double offset = kNotSet;
-    const bool unreadable = Controls().GetDlgItemDouble(controls.offset, offset) != 0;
-    const bool empty = Controls().Text(controls.offset).empty();
-    if (unreadable && (checked || !empty)) {
-      ShowMessage(kMsgInvalidOffsets);
-      return false;
-    }
-    OffsetOf(read, controls) = offset;
+// The message about a number of mixtures says that it was reverted.
+std::int32_t CFitDistribution::ReadShownContinuous() {
+  ContinuousSpecification* specification = At(Specification().continuousSpecifications, shownContinuous_);
+  if (specification == nullptr) return 0;
+  const std::int32_t message = ReadInputs(Controls(), *specification);
+  if (message == kMsgInvalidMixtureCountReverted) {
+    const auto shown = static_cast<std::size_t>(shownContinuous_);
+    Controls().SetDlgItemLong(kMixtures, HighestMixtures(Specification().continuous[shown]));
   }
-  specification = read;
-  return true;
+  return message;
 }
 
-void CFitDistribution::ReadShownDiscrete() {
-  if (shownDiscrete_ < 0) return;
-  DiscreteSpecification& specification =
-      Specification().discreteSpecifications[static_cast<std::size_t>(shownDiscrete_)];
-  for (const DiscreteControls& controls : kDiscreteControls) {
-    specification.fit[Flag(controls)] = Controls().IsChecked(controls.check);
-  }
+std::int32_t CFitDistribution::ReadShownDiscrete() {
+  DiscreteSpecification* specification = At(Specification().discreteSpecifications, shownDiscrete_);
+  return specification != nullptr ? ReadInputs(Controls(), *specification) : 0;
 }
 
-bool CFitDistribution::ReadShown() {
-  if (!ReadShownContinuous()) return false;
-  ReadShownDiscrete();
-  return true;
+bool CFitDistribution::StoreShownContinuous() {
+  const std::int32_t message = ReadShownContinuous();
+  if (message != 0) ShowMessage(message);
+  return message == 0;
+}
+
+bool CFitDistribution::StoreShownDiscrete() {
+  const std::int32_t message = ReadShownDiscrete();
+  if (message != 0) ShowMessage(message);
+  return message == 0;
 }
 
 bool CFitDistribution::MoveContinuous(int index) {
-  if (index < 0 || index >= static_cast<int>(Specification().continuous.size())) return false;
-  if (!ReadShownContinuous()) return false;
+  if (!IsPlaceIn(Specification().continuous, index) || !StoreShownContinuous()) return false;
   ShowContinuous(index);
   return true;
 }
 
-void CFitDistribution::SetContinuousChecks(bool (*next)(bool)) {
-  for (const ContinuousControls& controls : kContinuousControls) {
-    Check(controls.check, next(Controls().IsChecked(controls.check)));
-  }
+bool CFitDistribution::MoveDiscrete(int index) {
+  if (!IsPlaceIn(Specification().discrete, index) || !StoreShownDiscrete()) return false;
+  ShowDiscrete(index);
+  return true;
 }
 
-void CFitDistribution::SetDiscreteChecks(bool (*next)(bool)) {
-  for (const DiscreteControls& controls : kDiscreteControls) {
-    Check(controls.check, next(Controls().IsChecked(controls.check)));
+void CFitDistribution::ShowContinuousVariable(int position) {
+  RequirePlace(Specification().continuous, position);
+  if (position - 1 == shownContinuous_) return;
+  if (const std::int32_t message = ReadShownContinuous(); message != 0) {
+    throw CDispatchException(szLoadResString(message));
   }
+  ShowContinuous(position - 1);
+}
+
+void CFitDistribution::ShowDiscreteVariable(int position) {
+  RequirePlace(Specification().discrete, position);
+  if (position - 1 == shownDiscrete_) return;
+  if (const std::int32_t message = ReadShownDiscrete(); message != 0) {
+    throw CDispatchException(szLoadResString(message));
+  }
+  ShowDiscrete(position - 1);
+}
+
+void CFitDistribution::SelectLists(const std::vector<std::int16_t>& continuous,
+                                   const std::vector<std::int16_t>& discrete) {
+  const std::string texts = TextVariablesMessage(continuous, discrete);
+  if (!texts.empty()) throw CDispatchException(texts);
+  for (const std::int32_t message : {ReadShownContinuous(), ReadShownDiscrete()}) {
+    if (message != 0) throw CDispatchException(szLoadResString(message));
+  }
+  TakeLists(continuous, discrete);
+}
+
+// As many as the variable's valid cases allow. The run, which also counts case weights, has the last word.
+std::int32_t CFitDistribution::HighestMixtures(std::int16_t variable) const {
+  const Spreadsheet& sheet = *GetInputTable();
+  const Variable& values = sheet.VariableAt(static_cast<std::size_t>(variable - 1));
+  std::int64_t valid = 0;
+  for (std::size_t i = 0; i < values.Size(); ++i) {
+    const bool accepted = !Analysis().CaseSelectionEnabled() || sheet.IsCaseSelected(i);
+    if (accepted && !values.IsMissing(i)) ++valid;
+  }
+  const std::int64_t allowed = std::min(valid / kCasesPerMixture, kMostMixtures);
+  return std::max(static_cast<std::int32_t>(allowed), kFewestMixtures);
 }
 
 bool CFitDistribution::EveryVariableHasDistribution() const {
-  const FitSpecification& specification = SimulationAndRisk().Fit().specification;
-  for (const ContinuousSpecification& variable : specification.continuousSpecifications) {
-    bool any = false;
-    for (int flag = 0; flag < kContinuousFlagCount; ++flag) {
-      any = any || (flag != kPercentileFitFlag && variable.fit[static_cast<std::size_t>(flag)]);
+  const auto hasDistribution = [](ContinuousSpecification variable) {
+    variable.fit[kPercentileFitFlag] = false;
+    return std::ranges::find(variable.fit, true) != variable.fit.end();
+  };
+  const auto hasDiscrete = [](const DiscreteSpecification& variable) {
+    return std::ranges::find(variable.fit, true) != variable.fit.end();
+  };
+  return std::ranges::all_of(Specification().continuousSpecifications, hasDistribution) &&
+         std::ranges::all_of(Specification().discreteSpecifications, hasDiscrete);
+}
+
+// Of all variables, also those that were not shown: what this dialog runs may have been specified elsewhere.
+bool CFitDistribution::EveryOffsetIsValid() const {
+  for (const ContinuousSpecification& variable : Specification().continuousSpecifications) {
+    for (std::size_t i = 0; i < kOffsetDistributions.size(); ++i) {
+      const bool checked = variable.fit[static_cast<std::size_t>(FlagOfContinuous(kOffsetDistributions[i]))];
+      const double offset = variable.offsets[i];
+      if (checked && (IsNotSet(offset) || !std::isfinite(offset))) return false;
     }
-    if (!any) return false;
-  }
-  for (const DiscreteSpecification& variable : specification.discreteSpecifications) {
-    bool any = false;
-    for (const bool checked : variable.fit) any = any || checked;
-    if (!any) return false;
   }
   return true;
 }
 
 bool CFitDistribution::OnOk() {
-  const FitSpecification& specification = Specification();
-  if (specification.continuous.empty() && specification.discrete.empty()) {
+  if (Specification().continuous.empty() && Specification().discrete.empty()) {
     AskForVariables();
     return false;
   }
-  if (!ReadShown()) return false;
+  if (!StoreShownContinuous() || !StoreShownDiscrete()) return false;
   if (!EveryVariableHasDistribution()) {
     ShowMessage(kMsgNoDistributionSelected);
     return false;
@@ -313,86 +366,42 @@ bool CFitDistribution::OnOk() {
 }
 
 bool CFitDistribution::RunAndKeepResults() {
-  FitState& state = SimulationAndRisk().Fit();
   std::vector<VariableFit> results;
-  try {
-    const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
-    results = RunFit(*GetInputTable(), state.specification, options, Analysis().Interface());
-  } catch (const Error& error) {
-    Analysis().ShowMessage(error.what(), error.Where());
-    return false;
-  } catch (const UserCancelled&) {
-    return false;
-  } catch (const std::bad_alloc&) {
-    ShowMessage(kMsgInsufficientMemory);
-    return false;
+  if (!Run(results)) return false;
+  if (TakeOverMixtures(results, Specification().continuousSpecifications)) {
+    ShowContinuous(shownContinuous_);
+    ShowMessage(kMsgInvalidMixtureCountReverted);
   }
-  std::size_t firstValid = 0;
-  while (firstValid < results.size() && !results[firstValid].HasValidFit()) ++firstValid;
-  if (firstValid == results.size()) {
+  FitState& state = SimulationAndRisk().Fit();
+  state.committed = state.specification;
+  state.results = std::move(results);
+  const auto firstValid = std::ranges::find_if(state.results, &VariableFit::HasValidFit);
+  if (firstValid == state.results.end()) {
     ShowMessage(kMsgNoValidFits);
     return false;
   }
-  state.committed = state.specification;
-  state.results = std::move(results);
-  state.firstShown = firstValid;
+  state.firstShown = static_cast<std::size_t>(firstValid - state.results.begin());
   return true;
 }
 
-void CFitDistribution::SelectContinuous(const std::vector<std::int16_t>& variables) {
-  RequireTakeable(variables);
-  TakeLists(variables, Specification().discrete);
-}
-
-void CFitDistribution::SelectDiscrete(const std::vector<std::int16_t>& variables) {
-  RequireTakeable(variables);
-  TakeLists(Specification().continuous, variables);
-}
-
-void CFitDistribution::RequireTakeable(const std::vector<std::int16_t>& variables) {
-  const std::string texts = TextVariables(variables);
-  if (!texts.empty()) throw CDispatchException(TextVariablesMessage(texts));
-  if (!ReadShown()) throw CDispatchException(szLoadResString(kMsgInvalidOffsets));
-}
-
-namespace {
-
-void Require(bool taken, int position) {
-  if (!taken) throw Error("no variable " + std::to_string(position) + " in the list");
-}
-
-}  // namespace
-
-bool CFitDistribution::IsContinuousChecked(int position, std::int32_t control) {
-  Require(Select(kContinuousVariable, position - 1), position);
-  return Controls().IsChecked(control);
-}
-
-void CFitDistribution::CheckContinuous(int position, std::int32_t control, bool checked) {
-  Require(Select(kContinuousVariable, position - 1), position);
-  Check(control, checked);
-}
-
-double CFitDistribution::Offset(int position, std::int32_t control) {
-  Require(Select(kContinuousVariable, position - 1), position);
-  double value = kNotSet;
-  Controls().GetDlgItemDouble(control, value);
-  return value;
-}
-
-void CFitDistribution::EnterOffset(int position, std::int32_t control, double value) {
-  Require(Select(kContinuousVariable, position - 1), position);
-  Controls().SetDlgItemDouble(control, value);
-}
-
-bool CFitDistribution::IsDiscreteChecked(int position, std::int32_t control) {
-  Require(Select(kDiscreteVariable, position - 1), position);
-  return Controls().IsChecked(control);
-}
-
-void CFitDistribution::CheckDiscrete(int position, std::int32_t control, bool checked) {
-  Require(Select(kDiscreteVariable, position - 1), position);
-  Check(control, checked);
+// False with a message where the run failed, without one where the person cancelled it.
+bool CFitDistribution::Run(std::vector<VariableFit>& results) {
+  if (!EveryOffsetIsValid()) {
+    ShowMessage(kMsgInvalidInputOffsets);
+    return false;
+  }
+  try {
+    const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
+    results = RunFit(*GetInputTable(), Specification(), options, Analysis().Interface());
+    return true;
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
+  } catch (const UserCancelled&) {
+    return false;
+  }
+  return false;
 }
 
 }  // namespace brenvolt::sra

@@ -15,16 +15,18 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
  public:
   explicit CFitDistribution(CSimulationAndRisk& analysis);
 
-  // Operations of automation, each as the person's own action. Lists hold spreadsheet variable numbers from
-  // 1; `position` counts the variables of a list from 1. They throw Error for what the dialog refuses.
-  void SelectContinuous(const std::vector<std::int16_t>& variables);
-  void SelectDiscrete(const std::vector<std::int16_t>& variables);
-  bool IsContinuousChecked(int position, std::int32_t control);
-  void CheckContinuous(int position, std::int32_t control, bool checked);
-  double Offset(int position, std::int32_t control);
-  void EnterOffset(int position, std::int32_t control, double value);
-  bool IsDiscreteChecked(int position, std::int32_t control);
-  void CheckDiscrete(int position, std::int32_t control, bool checked);
+  // Operations of automation, each as the person's own action. They throw Error for what the dialog refuses,
+  // and then nothing has changed.
+  //
+  // Takes both lists, of spreadsheet variable numbers from 1; a list that changed has its variables'
+  // specifications afresh.
+  void SelectLists(const std::vector<std::int16_t>& continuous, const std::vector<std::int16_t>& discrete);
+  // Shows a variable on its tab, by its place in its list from 1, and stores the inputs of the one left.
+  void ShowContinuousVariable(int position);
+  void ShowDiscreteVariable(int position);
+
+  FitSpecification& Specification() { return SimulationAndRisk().Fit().specification; }
+  const FitSpecification& Specification() const { return SimulationAndRisk().Fit().specification; }
 
  protected:
   void OnInitDialog() override;
@@ -33,30 +35,39 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
-  FitSpecification& Specification() { return SimulationAndRisk().Fit().specification; }
+  bool ListsAreOfInput() const;
+  bool OpenData();
+  bool EditOptions();
 
+  // Variable selection.
   bool AskForVariables();
-  // Takes new lists; the state of a list that changed starts afresh.
+  bool AskUntilTakeable(VariableQuestion& question);
   void TakeLists(const std::vector<std::int16_t>& continuous, const std::vector<std::int16_t>& discrete);
-  // The names of the text variables of a list, each preceded by a blank; and the message that refuses them.
-  std::string TextVariables(const std::vector<std::int16_t>& variables) const;
-  std::string TextVariablesMessage(const std::string& names) const;
-  void RequireTakeable(const std::vector<std::int16_t>& variables);
+  std::string TextVariablesMessage(const std::vector<std::int16_t>& first,
+                                   const std::vector<std::int16_t>& second) const;
+  std::string NameOf(int variable) const;
   std::vector<std::string> NamesOf(const std::vector<std::int16_t>& variables) const;
-
   void RefreshLists();
+
+  // The shown variables. Reading returns 0, or the number of the message that says what is wrong; storing
+  // shows that message and returns whether all was well.
   void ShowContinuous(int index);
   void ShowDiscrete(int index);
-  bool ReadShownContinuous();
-  void ReadShownDiscrete();
-  bool ReadShown();
+  std::int32_t ReadShownContinuous();
+  std::int32_t ReadShownDiscrete();
+  bool StoreShownContinuous();
+  bool StoreShownDiscrete();
   bool MoveContinuous(int index);
-  void SetContinuousChecks(bool (*next)(bool));
-  void SetDiscreteChecks(bool (*next)(bool));
-  bool EveryVariableHasDistribution() const;
-  bool RunAndKeepResults();
+  bool MoveDiscrete(int index);
+  std::int32_t HighestMixtures(std::int16_t variable) const;
 
-  int shownContinuous_ = -1;
+  // OK.
+  bool EveryVariableHasDistribution() const;
+  bool EveryOffsetIsValid() const;
+  bool RunAndKeepResults();
+  bool Run(std::vector<VariableFit>& results);
+
+  int shownContinuous_ = -1;  // index in the list, -1 for none
   int shownDiscrete_ = -1;
 };
 

@@ -49,8 +49,8 @@ constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
   return std::nullopt;
 }
 
-// A newly selected continuous variable has the distributions checked that need no further input; a newly
-// selected discrete one has the Poisson.
+// What is to be fitted to one variable: the normal and the Poisson distribution unless more is said. What the
+// dialog checks for a newly selected variable is its own choice.
 struct ContinuousSpecification {
   std::array<bool, kContinuousFlagCount> fit{true};
   std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet,

@@ -1,5 +1,5 @@
-// The module's thin base over the host's modeless dialog: every dialog of the sequence has the analysis
-// object and an automation object.
+// The module's thin bases over the host's dialogs. Every dialog of the sequence has the analysis object and
+// an automation object; a sub-editor has the analysis object.
 #pragma once
 
 #include <memory>
@@ -36,6 +36,18 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
  private:
   CSimulationAndRisk& analysis_;
   std::shared_ptr<DialogAutomationBase> automation_;
+};
+
+// The same over the host's modal dialog, for sub-editors.
+class CSimulationAndRiskModalDialog : public CAnalysisModalDialog {
+ public:
+  CSimulationAndRiskModalDialog(CSimulationAndRisk& analysis, const DialogTemplate& source)
+      : CAnalysisModalDialog(analysis, source), analysis_(analysis) {}
+
+  CSimulationAndRisk& SimulationAndRisk() const { return analysis_; }
+
+ private:
+  CSimulationAndRisk& analysis_;
 };
 
 }  // namespace brenvolt::sra

@@ -41,10 +41,18 @@ struct Frame : testing::Test {
     Dialog()->Put("TypeOfAnalysis", 0);
     ASSERT_EQ(Ok(), 1);
   }
+  // Normal distributions for the first two variables.
   void FitFirstTwo() {
     OpenFit();
     Dialog()->Put("ContinuousVariable", "1-2");
+    for (const int variable : {1, 2}) {
+      for (const char* other :
+           {"IsJohnsonDistribution", "IsGeneralizedExtremeValueDistribution", "IsTriangularDistribution"}) {
+        Dialog()->Put(other, variable, false);
+      }
+    }
     ASSERT_EQ(Ok(), 1);
+    EXPECT_THROW(Dialog()->Put("IsNormalDistribution", 1, true), Error) << "a member of another dialog";
   }
 };
 
@@ -140,48 +148,6 @@ TEST_F(Frame, StepsOfMissingDialogsSaySoAndStay) {
   EXPECT_THROW(Dialog()->Put("TypeOfAnalysis", 4), Error);
   Dialog()->Put("TypeOfAnalysis", 0);
   EXPECT_THROW(Dialog()->Put("AutoProfiler", 1), Error) << "disabled unless the profiler is selected";
-}
-
-TEST_F(Frame, FitChecksRunInOrderAndKeepTheDialogOpen) {
-  OpenFit();
-  EXPECT_EQ(Ok(), 0) << "no variables: the selection opens, and is cancelled here";
-  EXPECT_TRUE(userInterface.messages.empty());
-  Dialog()->Put("ContinuousVariable", 1);
-  Dialog()->Put("IsNormalDistribution", 1, false);
-  EXPECT_EQ(Ok(), 0);
-  EXPECT_EQ(LastMessage(),
-            "Please check to ensure at least one distribution is selected for each variable selected.");
-  Dialog()->Put("IsWeibullDistribution", 1, true);
-  EXPECT_EQ(Dialog()->Get("WeibullOffset", std::vector<Variant>{1}).ToReal(), 0)
-      << "checked: the usual offset";
-  Dialog()->Put("WeibullOffset", 1, kNotSet);
-  EXPECT_EQ(Ok(), 0);
-  EXPECT_EQ(LastMessage(), "One or more invalid offset values found. Please enter valid offset values.");
-  Dialog()->Put("WeibullOffset", 1, 1.0);
-  EXPECT_EQ(Ok(), 0) << "a value equals the offset: the only fit fails";
-  EXPECT_EQ(analysis->CurrentStep(), step::kFit);
-  Dialog()->Put("WeibullOffset", 1, 0.5);
-  EXPECT_EQ(Ok(), 1);
-  EXPECT_EQ(analysis->CurrentStep(), step::kFitResults);
-  EXPECT_THROW(Dialog()->Put("IsNormalDistribution", 1, true), Error) << "a member of another dialog";
-}
-
-TEST_F(Frame, SelectionDialogRefusesTextVariablesAndEmptyLists) {
-  sheet.VariableAt(2).SetType(VariableType::kText);
-  OpenFit();
-  userInterface.variableAnswers = {[](VariableQuestion& question) {
-                                     question.first = {1, 3};
-                                   },
-                                   [](VariableQuestion& question) { EXPECT_TRUE(question.first.empty()); },
-                                   [](VariableQuestion& question) { question.first = {2}; }};
-  EXPECT_EQ(Ok(), 0);
-  ASSERT_EQ(userInterface.messages.size(), 2U);
-  EXPECT_EQ(userInterface.messages[0].text,
-            "One or more text variables selected. To proceed, please remove these variable(s): Var3.");
-  EXPECT_EQ(userInterface.messages[1].text,
-            "Too few variables selected. Select at least one variable from one of the two variable lists to "
-            "continue.");
-  EXPECT_EQ(Dialog()->Get("ContinuousVariable").ToText(), "2");
 }
 
 TEST_F(Frame, ListOfFittedDistributionsAnswersForResultsOnly) {

@@ -8,12 +8,14 @@
 #include "brv_sra/frame/define_task_dialog.h"
 #include "brv_sra/frame/module.h"
 #include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/simulation_dialog.h"
 #include "brv_sra/simulation/simulation_results_dialog.h"
 #include "brv_sra/simulation/simulation_state.h"
+#include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -70,11 +72,37 @@ std::int32_t CSimulationAndRisk::Init() {
   return 1;
 }
 
+bool CSimulationAndRisk::OpenData() {
+  FileQuestion question;
+  question.title = ResourceString(kOpenDataTitle);
+  question.filter = ResourceString(kOpenDataFilter);
+  const auto files = Interface().ChooseFiles(question);
+  if (files.empty()) return false;
+  try {
+    Document()->OpenInput(files.front());
+  } catch (const Error& error) {
+    ShowMessage(error.what(), error.Where());
+    return false;
+  }
+  *fit_ = {};
+  *simulation_ = {};
+  InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
+  return true;
+}
+
+bool CSimulationAndRisk::MayFitInput() const {
+  if (InputTable() == nullptr || !IsMatrixFile(*InputTable())) return true;
+  return ShowMessage(GetResourceString(kMsgInputIsMatrixFile), {}, MessageIcon::kInformation,
+                     MessageButtons::kOkCancel) == MessageAnswer::kOk;
+}
+
 std::int32_t CSimulationAndRisk::StartAnalysis() {
   return OpenDialog<CDefineTask>(*this);
 }
 
+// Back from its results, the dialog stands over an input that the person has already agreed to.
 std::int32_t CSimulationAndRisk::FitDistributionDialog() {
+  if (CurrentStep() != step::kFitResults && !MayFitInput()) return 0;
   return OpenDialog<CFitDistribution>(*this);
 }
 

@@ -56,6 +56,14 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.
   std::int32_t IsCorrelationMatrixSymmetric();
 
+  // Lets the person choose a data file, which becomes the input; what was specified over the former input is
+  // forgotten. False, and nothing changed, when the person cancelled or the file could not be read: a message
+  // has then said why.
+  bool OpenData();
+  // A matrix file can be fitted like other data, which is seldom meant: where the input is one, asks. False
+  // when the person thinks better of it.
+  bool MayFitInput() const;
+
   // Defaults of numeric settings; everything around them starts at zero.
   struct NumericDefaults {
     std::int32_t reservedCount = 0;

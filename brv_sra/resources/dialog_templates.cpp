@@ -36,39 +36,84 @@ const DialogTemplate& DefineTaskTemplate() {
 
 const DialogTemplate& FitDistributionTemplate() {
   using namespace fit_dialog;
-  static const DialogTemplate result{25974,
-                                     Text(kFitTitle),
-                                     {OkAndCancel(kFitButtonOk)},
-                                     {{Text(kFitTabQuick),
-                                       {{"",
-                                         {{{kVariables, kButton, Text(kFitButtonVariables)}},
-                                          {{kContinuousList, kLabel, Text(kFitListContinuous)}},
-                                          {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}},
-                                        {Text(kFitGroupMissingData),
-                                         {{{kPairwise, kRadioButton, Text(kFitRadioPairwise)},
-                                           {kCasewise, kRadioButton, Text(kFitRadioCasewise)}}}}}},
-                                      {Text(kFitTabContinuous),
-                                       {{"",
-                                         {{{kContinuousVariable, kComboBox, ""},
-                                           {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
-                                           {kContinuousNext, kButton, Text(kFitButtonNext)}},
-                                          {{kNormal, kCheckBox, Text(kFitCheckNormal)}},
-                                          {{kLogNormal, kCheckBox, Text(kFitCheckLogNormal)},
-                                           {kLogNormalOffset, kRealField, Text(kOffsetCaption)}},
-                                          {{kWeibull, kCheckBox, Text(kFitCheckWeibull)},
-                                           {kWeibullOffset, kRealField, Text(kOffsetCaption)}},
-                                          {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
-                                           {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
-                                           {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
-                                      {Text(kFitTabDiscrete),
-                                       {{"",
-                                         {{{kDiscreteVariable, kComboBox, ""},
-                                           {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
-                                           {kDiscreteNext, kButton, Text(kFitButtonNext)}},
-                                          {{kPoisson, kCheckBox, Text(kFitCheckPoisson)}},
-                                          {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
-                                           {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
-                                           {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
+  const auto check = [](std::int32_t number, std::int32_t caption) {
+    return ControlTemplate{number, kCheckBox, Text(caption)};
+  };
+  const auto offset = [](std::int32_t number) {
+    return ControlTemplate{number, kRealField, Text(kOffsetCaption)};
+  };
+  static const DialogTemplate result{
+      25974,
+      Text(kFitTitle),
+      {OkAndCancel(kFitButtonOk),
+       {{kOptions, kButton, Text(kFitButtonOptions)}, {kOpenData, kButton, Text(kFitButtonOpenData)}},
+       {{kDeletionCaption, kLabel, Text(kFitGroupMissingData)},
+        {kPairwise, kRadioButton, Text(kFitRadioPairwise)},
+        {kCasewise, kRadioButton, Text(kFitRadioCasewise)}}},
+      {{Text(kFitTabQuick),
+        {{"",
+          {{{kVariables, kButton, Text(kFitButtonVariables)}},
+           {{kContinuousList, kLabel, Text(kFitListContinuous)}},
+           {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}}}},
+       {Text(kFitTabContinuous),
+        {{"",
+          {{{kContinuousVariable, kComboBox, ""},
+            {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
+            {kContinuousNext, kButton, Text(kFitButtonNext)}},
+           {check(kNormal, kFitCheckNormal)},
+           {check(kLogNormal, kFitCheckLogNormal), offset(kLogNormalOffset)},
+           {check(kFoldedNormal, kFitCheckFoldedNormal), offset(kFoldedNormalOffset)},
+           {check(kHalfNormal, kFitCheckHalfNormal), offset(kHalfNormalOffset)},
+           {check(kRayleigh, kFitCheckRayleigh), offset(kRayleighOffset)},
+           {check(kWeibull, kFitCheckWeibull), offset(kWeibullOffset)},
+           {check(kGaussianMixture, kFitCheckGaussianMixture),
+            {kMixtures, kIntegerField, Text(kFitLabelMixtures)}},
+           {check(kJohnson, kFitCheckJohnson), check(kJohnsonPercentile, kFitCheckJohnsonPercentile)},
+           {check(kGeneralExtremeValue, kFitCheckGeneralExtremeValue)},
+           {check(kGeneralPareto, kFitCheckGeneralPareto), offset(kGeneralParetoOffset)},
+           {check(kTriangular, kFitCheckTriangular)},
+           {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
+            {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
+            {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
+       {Text(kFitTabDiscrete),
+        {{"",
+          {{{kDiscreteVariable, kComboBox, ""},
+            {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
+            {kDiscreteNext, kButton, Text(kFitButtonNext)}},
+           {check(kBinomial, kFitCheckBinomial),
+            check(kUseTrials, kFitLabelTrials),
+            {kTrials, kIntegerField, ""}},
+           {check(kPoisson, kFitCheckPoisson)},
+           {check(kGeometric, kFitCheckGeometric)},
+           {check(kBernoulli, kFitCheckBernoulli)},
+           {check(kHistogram, kFitCheckHistogram)},
+           {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
+            {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
+            {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
+  return result;
+}
+
+// Radio buttons exclude each other within a group, so the two lists of tests are two groups; the second has
+// no caption and goes on under the first.
+const DialogTemplate& FitOptionsTemplate() {
+  using namespace fit_options;
+  static const DialogTemplate result{
+      25975,
+      Text(kFitButtonOptions),
+      {OkAndCancel(kFitButtonOk)},
+      {{"",
+        {{Text(kFitOptionsGroupRankBy),
+          {{{kContinuousCaption, kLabel, Text(kFitOptionsContinuous)}},
+           {{kContinuousKolmogorovSmirnov, kRadioButton, Text(kFitOptionsKolmogorovSmirnov)},
+            {kContinuousChiSquare, kRadioButton, Text(kFitOptionsChiSquare)},
+            {kContinuousAndersonDarling, kRadioButton, Text(kFitOptionsAndersonDarling)}}}},
+         {"",
+          {{{kDiscreteCaption, kLabel, Text(kFitOptionsDiscrete)}},
+           {{kDiscreteKolmogorovSmirnov, kRadioButton, Text(kFitOptionsKolmogorovSmirnov)},
+            {kDiscreteChiSquare, kRadioButton, Text(kFitOptionsChiSquare)}}}},
+         {Text(kFitOptionsGroupBinning),
+          {{{kEqualProbabilities, kRadioButton, Text(kFitOptionsEqualProbabilities)},
+            {kEqualIntervals, kRadioButton, Text(kFitOptionsEqualIntervals)}}}}}}}};
   return result;
 }
 

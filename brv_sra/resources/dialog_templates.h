@@ -9,6 +9,7 @@ namespace brenvolt::sra {
 
 const DialogTemplate& DefineTaskTemplate();         // 25980
 const DialogTemplate& FitDistributionTemplate();    // 25974
+const DialogTemplate& FitOptionsTemplate();         // 25975
 const DialogTemplate& FitResultsTemplate();         // 25983
 const DialogTemplate& SimulationTemplate();         // 25991
 const DialogTemplate& SimulationResultsTemplate();  // 25988
@@ -22,12 +23,17 @@ inline constexpr std::int32_t kProfiler = 1220;
 inline constexpr std::int32_t kAutoProfiler = 1254;
 }  // namespace define_task
 
+// The number of a distribution's check box, offset and count ends in its place among the check boxes of its
+// tab.
 namespace fit_dialog {
 inline constexpr std::int32_t kVariables = 1010;
 inline constexpr std::int32_t kContinuousList = 1011;
 inline constexpr std::int32_t kDiscreteList = 1012;
 inline constexpr std::int32_t kPairwise = 1013;
 inline constexpr std::int32_t kCasewise = 1014;
+inline constexpr std::int32_t kOptions = 1015;
+inline constexpr std::int32_t kOpenData = 1016;
+inline constexpr std::int32_t kDeletionCaption = 1017;
 inline constexpr std::int32_t kContinuousVariable = 1020;
 inline constexpr std::int32_t kContinuousPrevious = 1021;
 inline constexpr std::int32_t kContinuousNext = 1022;
@@ -36,17 +42,49 @@ inline constexpr std::int32_t kContinuousClearAll = 1024;
 inline constexpr std::int32_t kContinuousToggle = 1025;
 inline constexpr std::int32_t kNormal = 1030;
 inline constexpr std::int32_t kLogNormal = 1031;
+inline constexpr std::int32_t kFoldedNormal = 1032;
+inline constexpr std::int32_t kHalfNormal = 1033;
+inline constexpr std::int32_t kRayleigh = 1034;
 inline constexpr std::int32_t kWeibull = 1035;
+inline constexpr std::int32_t kGaussianMixture = 1036;
+inline constexpr std::int32_t kJohnson = 1037;
+inline constexpr std::int32_t kJohnsonPercentile = 1038;
+inline constexpr std::int32_t kGeneralExtremeValue = 1039;
+inline constexpr std::int32_t kGeneralPareto = 1040;
+inline constexpr std::int32_t kTriangular = 1041;
 inline constexpr std::int32_t kLogNormalOffset = 1051;
+inline constexpr std::int32_t kFoldedNormalOffset = 1052;
+inline constexpr std::int32_t kHalfNormalOffset = 1053;
+inline constexpr std::int32_t kRayleighOffset = 1054;
 inline constexpr std::int32_t kWeibullOffset = 1055;
+inline constexpr std::int32_t kMixtures = 1056;
+inline constexpr std::int32_t kGeneralParetoOffset = 1060;
 inline constexpr std::int32_t kDiscreteVariable = 1070;
 inline constexpr std::int32_t kDiscretePrevious = 1071;
 inline constexpr std::int32_t kDiscreteNext = 1072;
 inline constexpr std::int32_t kDiscreteSelectAll = 1073;
 inline constexpr std::int32_t kDiscreteClearAll = 1074;
 inline constexpr std::int32_t kDiscreteToggle = 1075;
+inline constexpr std::int32_t kBinomial = 1080;
 inline constexpr std::int32_t kPoisson = 1081;
+inline constexpr std::int32_t kGeometric = 1082;
+inline constexpr std::int32_t kBernoulli = 1083;
+inline constexpr std::int32_t kHistogram = 1084;
+inline constexpr std::int32_t kUseTrials = 1089;
+inline constexpr std::int32_t kTrials = 1090;
 }  // namespace fit_dialog
+
+namespace fit_options {
+inline constexpr std::int32_t kContinuousCaption = 1140;
+inline constexpr std::int32_t kContinuousKolmogorovSmirnov = 1141;
+inline constexpr std::int32_t kContinuousChiSquare = 1142;
+inline constexpr std::int32_t kContinuousAndersonDarling = 1143;
+inline constexpr std::int32_t kDiscreteCaption = 1144;
+inline constexpr std::int32_t kDiscreteKolmogorovSmirnov = 1145;
+inline constexpr std::int32_t kDiscreteChiSquare = 1146;
+inline constexpr std::int32_t kEqualProbabilities = 1147;
+inline constexpr std::int32_t kEqualIntervals = 1148;
+}  // namespace fit_options
 
 namespace fit_results {
 inline constexpr std::int32_t kVariable = 1100;

@@ -248,6 +248,8 @@ inline constexpr std::int32_t kFitCheckBernoulli = 20239;
 inline constexpr std::int32_t kFitCheckHistogram = 20240;
 inline constexpr std::int32_t kFitLabelTrials = 20241;
 inline constexpr std::int32_t kFitListSentenceEnd = 20242;
+inline constexpr std::int32_t kOpenDataTitle = 20243;
+inline constexpr std::int32_t kOpenDataFilter = 20244;
 
 // The options of the fit specification.
 inline constexpr std::int32_t kFitOptionsGroupRankBy = 20250;

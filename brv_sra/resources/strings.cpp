@@ -281,6 +281,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kFitCheckHistogram, "Histogram"},
     {kFitLabelTrials, "  Number of trials:"},
     {kFitListSentenceEnd, "%s."},
+    {kOpenDataTitle, "Open Data"},
+    {kOpenDataFilter, "Data files (*.csv;*.bvw)|*.csv;*.bvw|All files (*.*)|*.*||"},
     // The options of the fit specification.
     {kFitOptionsGroupRankBy, "Rank results by"},
     {kFitOptionsContinuous, "Continuous variables"},

@@ -48,6 +48,23 @@ bool CAnalysisDialog::Enter(std::int32_t number, const std::string& text) {
   return true;
 }
 
+bool CAnalysisModalDialog::DoModal() {
+  open_ = true;
+  accepted_ = false;
+  OnInitDialog();
+  Analysis().Interface().RunModal(*this);
+  open_ = false;
+  return accepted_;
+}
+
+bool CAnalysisModalDialog::OnCommand(std::int32_t number) {
+  if (number != kControlOk && number != kControlCancel) return false;
+  if (number == kControlOk && !OnOk()) return false;
+  accepted_ = number == kControlOk;
+  open_ = false;
+  return true;
+}
+
 bool CAnalysisModelessDialog::CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog) {
   try {
     dialog->OnInitDialog();

@@ -72,4 +72,23 @@ class CAnalysisModelessDialog : public CAnalysisDialog {
   static bool CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog);
 };
 
+// A dialog over the open one, which waits for it.
+class CAnalysisModalDialog : public CAnalysisDialog {
+ public:
+  using CAnalysisDialog::CAnalysisDialog;
+
+  // Initialises the dialog, lets the person act on it, and returns when they left it: true by OK, false by
+  // Cancel.
+  bool DoModal();
+  // True from the start of DoModal until OK was taken or Cancel pressed.
+  bool IsOpen() const { return open_; }
+
+ protected:
+  bool OnCommand(std::int32_t number) override;
+
+ private:
+  bool open_ = false;
+  bool accepted_ = false;
+};
+
 }  // namespace brenvolt

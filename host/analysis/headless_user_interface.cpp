@@ -29,6 +29,11 @@ bool HeadlessUserInterface::SelectVariables(VariableQuestion& question) {
   return true;
 }
 
+void HeadlessUserInterface::RunModal(CAnalysisModalDialog& dialog) {
+  const auto answer = Next<std::function<void(CAnalysisModalDialog&)>>(modalAnswers, nullptr);
+  if (answer) answer(dialog);
+}
+
 void HeadlessUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) {
   documents.push_back(std::move(document));
 }

@@ -22,9 +22,10 @@ class TerminalUserInterface : public UserInterface {
 
   // Prints the text; the answer is OK.
   MessageAnswer ShowMessage(const Message& message) override;
-  // Questions for files and variables are cancelled.
+  // Questions for files and variables, and modal dialogs, are cancelled.
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& /*question*/) override { return {}; }
   bool SelectVariables(VariableQuestion& /*question*/) override { return false; }
+  void RunModal(CAnalysisModalDialog& /*dialog*/) override {}
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
   // Shows progress when standard error is a terminal and the work is longer than a second.

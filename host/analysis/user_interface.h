@@ -14,6 +14,7 @@
 namespace brenvolt {
 
 class CAnalysisGraphDoc;
+class CAnalysisModalDialog;
 class CAnalysisTableDoc;
 
 enum class MessageButtons : std::uint8_t { kOk, kOkCancel };
@@ -51,6 +52,9 @@ class UserInterface : public ProgressPort {
   virtual std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) = 0;
   // Fills the two lists; false, and the lists as they were, when the person cancelled.
   virtual bool SelectVariables(VariableQuestion& question) = 0;
+  // Lets the person act on a modal dialog until it is no longer open. A front end that returns before has
+  // cancelled it.
+  virtual void RunModal(CAnalysisModalDialog& dialog) = 0;
   // Show a finished document, which the receiver may keep.
   virtual void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) = 0;
   virtual void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) = 0;

@@ -1,0 +1,48 @@
+// The tabs "Continuous variables" and "Discrete variables" of the fit specification: how the controls of one
+// variable show its specification, and how they are read back.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "brv_sra/fitting/fit_state.h"
+#include "host/controls/control_set.h"
+
+namespace brenvolt::sra {
+
+// What is checked for a newly selected variable: the distributions that need no further input. For a
+// continuous variable these are Normal, Johnson, General Extreme Value and Triangular, defined for data of
+// any sign; those that start at an offset wait for someone to say where, and the mixture for its components.
+// For a discrete variable these are all five, the binomial with the number of trials estimated: one that
+// cannot have made the data is reported as such and ranked last.
+ContinuousSpecification NewContinuousSpecification();
+DiscreteSpecification NewDiscreteSpecification();
+
+// Shows a specification; null stands for no variable, and disables the controls.
+void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown);
+void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown);
+
+// Reads the controls into `specification`. Returns 0; or the number of the message that says what is wrong,
+// and then nothing has changed. An empty field is an error where its distribution is checked, and not set
+// otherwise; what stands in a field must always be readable.
+//
+// Wrong offset: 10011. Wrong number of mixtures: 10083; its bounds depend on the valid cases and are the
+// run's business. Wrong number of trials: 10159; it is needed where the binomial is checked and shall use it,
+// and is a whole number greater than 0.
+std::int32_t ReadInputs(const ControlSet& controls, ContinuousSpecification& specification);
+std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& specification);
+
+// After a check box changed: a distribution that is checked while its offset or number of mixtures is empty
+// gets the usual one, 0 or 2.
+void FillUsualInput(ControlSet& controls, std::int32_t check);
+
+// After a run: the mixtures that it fitted where they are not those asked for become the ones specified. True
+// when a number changed. `results` begins with those of the continuous variables, in their order.
+bool TakeOverMixtures(std::span<const VariableFit> results,
+                      std::span<ContinuousSpecification> specifications);
+
+// The check boxes of a tab, in their fixed order.
+std::span<const std::int32_t> ContinuousChecks();
+std::span<const std::int32_t> DiscreteChecks();
+
+}  // namespace brenvolt::sra
