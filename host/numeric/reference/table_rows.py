@@ -8,6 +8,7 @@ import csv
 import functools
 import math
 import pathlib
+import sys
 
 from mpmath import erfc, exp, inf, isinf, log, mp, mpf, sqrt
 
@@ -89,6 +90,10 @@ def continuous_rows(law, values):
     yield from quantiles
 
 
+def is_subnormal(x):
+    return 0.0 < abs(x) < sys.float_info.min
+
+
 def text(value):
     return " ".join(map(repr, value)) if isinstance(value, tuple) else repr(value)
 
@@ -108,6 +113,8 @@ def write_table(kind, rows_of=continuous_rows):
             number = float(value)
             is_quantile = function.endswith("Quantile")
             if isinf(value) or abs(number) in (0.0, inf) or abs(number) < 1e-300 and not is_quantile:
+                continue
+            if is_subnormal(number) or is_subnormal(argument):
                 continue
             rows.append([function, where, repr(argument), *map(text, parameters), repr(number)])
     write(f"{kind.name}.csv", ["function", "region", "argument", *kind.parameters, "value"], rows)
