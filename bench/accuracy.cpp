@@ -24,12 +24,15 @@ figure serves both.
 
 An error is relative to the value; of a log-density, to 1 where the value is smaller; of a quantile or mean, to
 the type's locations and thresholds where these are larger than the value, because their rounding bounds it.
+A quantile of a mixture at just the share of
+components that lie far apart is not in the table: every x in the gap has that probability to the last bit.
 The tests hold every row to 1e-13 in the body and 1e-10 in the tails.
 
-The round trip is the quantile of the probability of the nearer tail at each x of the table. "Conditioned": the
-largest error where four units in the last place of that probability move x by less than 1e-12; elsewhere (the
-density so low, or the value so near a finite end, that doubles of the probability do not tell the values of
-x apart) it is in proportion to that movement, and the last column gives the largest such ratio.
+The round trip is the quantile of the probability of the nearer tail at each x of the table, as far as that is
+above 1e-300. "Of x": the largest error of the x that comes back where four units in the last place of the
+probability move x by less than 1e-12. Elsewhere the density is so low that doubles of the probability do not
+tell the values of x apart; "of the probability" gives the largest error of the probability at the x that comes
+back.
 
 This document is printed by a program; to make it again:
 
@@ -76,8 +79,7 @@ void PrintFunctions(const Type& type, const std::vector<Row>& rows) {
                                          Number(row.argument) + " with " + List(row.parameters));
   }
   std::puts("| Function | Points | Body | Worst at | Tail | Worst at |\n|---|---:|---:|---|---:|---|");
-  for (const char* name :
-       {"Density", "LogDensity", "Cdf", "Complement", "Quantile", "ComplementQuantile"}) {
+  for (const char* name : {"Density", "LogDensity", "Cdf", "Complement", "Quantile", "ComplementQuantile"}) {
     const Worst& body = worst[name][false];
     const Worst& tail = worst[name][true];
     std::printf("| %s | %d | %s | %s | %s | %s |\n", name, body.count + tail.count, Short(body.error).c_str(),
@@ -104,21 +106,21 @@ void PrintRoundTrips(const Type& type, const std::vector<Row>& rows) {
   Worst conditioned;
   Worst rest;
   for (const Row& row : rows) {
-    if (row.function != "Cdf" && row.function != "Complement") continue;
+    if (!IsForRoundTrip(row)) continue;
     const RoundTrip trip = GoRound(type, row.argument, row.parameters);
     const std::string place = Number(row.argument) + " with " + List(row.parameters);
-    if (trip.condition < kRoundTripTolerance) {
+    if (trip.isConditioned) {
       conditioned.Take(trip.error, place);
     } else {
-      rest.Take(trip.error / trip.condition, place);
+      rest.Take(trip.probability, place);
     }
   }
   std::puts("\n| Round trip | Points | Largest | Worst at |\n|---|---:|---:|---|");
-  std::printf("| Conditioned | %d | %s | %s |\n", conditioned.count, Short(conditioned.error).c_str(),
+  std::printf("| Of x | %d | %s | %s |\n", conditioned.count, Short(conditioned.error).c_str(),
               conditioned.where.c_str());
   if (rest.count == 0) return;
-  std::printf("| Elsewhere, as a share of the movement | %d | %s | %s |\n", rest.count,
-              Short(rest.error).c_str(), rest.where.c_str());
+  std::printf("| Of the probability | %d | %s | %s |\n", rest.count, Short(rest.error).c_str(),
+              rest.where.c_str());
 }
 
 void Print(const std::string& folder) {

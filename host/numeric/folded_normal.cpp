@@ -18,7 +18,7 @@ bool IsValid(double location, double scale) {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kSlack = 1e-12;  // for the rounding of the ends of a bracket
+constexpr double kSlack = 1e-12;  // for the rounding of the ends of a bracket, in its size and in scales
 
 struct Law {
   double location;
@@ -77,9 +77,9 @@ struct Law {
     const double high = Centre() - scale * StandardNormalQuantile(0.5 * (1.0 - p));
     const double flat = p / law.Density(0.0);
     return threshold + SolveTail(
-                           low * (1.0 - kSlack), high * (1.0 + kSlack), std::max(low, std::min(flat, high)),
-                           p, true, [&](double y) { return law.Cdf(y); },
-                           [&](double y) { return law.Density(y); });
+                           low * (1.0 - kSlack), high * (1.0 + kSlack) + scale * kSlack,
+                           std::max(low, std::min(flat, high + scale * kSlack)), p, true,
+                           [&](double y) { return law.Cdf(y); }, [&](double y) { return law.Density(y); });
   }
 
   double FromUpper(double q) const {

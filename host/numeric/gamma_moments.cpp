@@ -36,9 +36,10 @@ double LogGammaRatio(double k) {
 
 double GammaPowerMean(double k) {
   constexpr double kTiny = 1e-17;
+  constexpr double kNearOne = -2.0;  // Gamma is near 1 from here on
   if (k >= 1.0) return kInfinity;
   if (std::abs(k) < kTiny) return std::numbers::egamma;
-  return std::abs(k) < 0.5 ? boost::math::tgamma1pm1(-k) / k : (std::tgamma(1.0 - k) - 1.0) / k;
+  return k > kNearOne ? boost::math::tgamma1pm1(-k) / k : (std::tgamma(1.0 - k) - 1.0) / k;
 }
 
 double GammaPowerVariance(double k) {

@@ -1,6 +1,6 @@
-// Moments of the powers of an exponential variable E, of which the Weibull and the extreme value distributions
-// are made: with v(k) = (E^-k - 1) / k, which tends to -ln E at k = 0, the mean and variance of v. Both are
-// smooth in k, and no difference in them cancels.
+// Moments of the powers of an exponential variable E, of which the Weibull and the extreme value
+// distributions are made: with v(k) = (E^-k - 1) / k, which tends to -ln E at k = 0, the mean and variance of
+// v. Both are smooth in k, and no difference in them cancels.
 #pragma once
 
 namespace brenvolt {

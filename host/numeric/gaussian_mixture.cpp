@@ -90,12 +90,16 @@ struct Law {
     constexpr double kSlack = 1e-12;
     double low = kInfinity;
     double high = -kInfinity;
+    double slack = 0.0;
     ForEach([&](const Component& c) {
       const double x = c.mean + c.deviation * z;
-      const double slack = kSlack * (std::abs(c.mean) + c.deviation * std::abs(z));
-      low = std::min(low, x - slack);
-      high = std::max(high, x + slack);
+      slack = std::max(slack, kSlack * (std::abs(c.mean) + c.deviation * std::abs(z)));
+      low = std::min(low, x);
+      high = std::max(high, x);
     });
+    if (low == high) return low;
+    low -= slack;
+    high += slack;
     return SolveTail(
         low, high, low + 0.5 * (high - low), p, isLower,
         [&](double x) { return isLower ? Cdf(x) : Complement(x); }, [&](double x) { return Density(x); });

@@ -72,7 +72,8 @@ struct Law {
     return 0.0;  // IsFamily
   }
 
-  double Standardised(double x) const { return gamma + delta * Transformed(x); }
+  // Rounded once: gamma may be large, and the tails magnify every unit in the last place.
+  double Standardised(double x) const { return std::fma(delta, Transformed(x), gamma); }
 
   // The slope joins the exponent: exp(-z^2 / 2) may underflow where their product does not.
   double Density(double x) const {

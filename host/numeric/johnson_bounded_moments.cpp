@@ -1,9 +1,9 @@
 #include "host/numeric/johnson_bounded_moments.h"
 
 #include <algorithm>
+#include <boost/math/special_functions/zeta.hpp>
 #include <cmath>
 #include <limits>
-#include <numbers>
 #include <vector>
 
 #include "host/numeric/standard_normal.h"
@@ -48,24 +48,30 @@ BoundedMoments MomentsOfBounded(double gamma, double delta) {
 
 namespace {
 
-// For small delta, where y is nearly 1 for z > gamma and 0 below. Sommerfeld (1928): the mean of y is P(Z > g)
-// - sum of c_n delta^2n f^(2n-1)(g), f the normal density; of y^2, that and delta times its derivative by g,
-// because y - y^2 is delta dy/dz.
-MeanAndVariance NearStep(double gamma, double delta) {
-  constexpr double kSquare = std::numbers::pi * std::numbers::pi;
-  const double s = kSquare * delta * delta;
-  const double c[] = {s / 6.0, 7.0 * s * s / 360.0, 31.0 * s * s * s / 15120.0};
-  const double g = gamma;
+// For small delta, where y is nearly 1 for z > g and 0 below. Sommerfeld (1928): the mean of y is P(Z > g) -
+// the sum of c_n delta^2n f^(2n-1)(g), f the normal density, c_n = 2 (1 - 2^(1-2n)) zeta(2n); of y^2, that
+// and delta times its derivative by g, because y - y^2 is delta dy/dz. The m-th derivative of f is (-1)^m
+// He_m f, Hermite's polynomial.
+MeanAndVariance NearStep(double g, double delta) {
+  constexpr int kTerms = 6;
   const double density = kInverseSqrtTwoPi * ExpMinusHalfSquare(g);
   if (density == 0.0) return {StandardNormalCdf(-g), 0.0};
-  const double g2 = g * g;
-  // The derivatives of the density are Hermite's polynomials times the density, the odd ones negative.
-  const double odd = g * (c[0] + c[1] * (g2 - 3.0) + c[2] * ((g2 - 10.0) * g2 + 15.0));
-  const double even =
-      c[0] * (g2 - 1.0) + c[1] * ((g2 - 6.0) * g2 + 3.0) + c[2] * (((g2 - 15.0) * g2 + 45.0) * g2 - 15.0);
+  double odd = 0.0;             // sum of c_n delta^2n He_(2n-1)
+  double even = 1.0;            // the same of He_2n, and He_0
+  double hermite[] = {1.0, g};  // He_(2n-2), He_(2n-1)
+  double power = 1.0;
+  for (int n = 1; n <= kTerms; ++n) {
+    power *= delta * delta;
+    const double term = 2.0 * (1.0 - std::ldexp(2.0, -2 * n)) * boost::math::zeta(2.0 * n) * power;
+    const double nextEven = g * hermite[1] - (2 * n - 1) * hermite[0];
+    odd += term * hermite[1];
+    even += term * nextEven;
+    hermite[1] = g * nextEven - 2 * n * hermite[1];
+    hermite[0] = nextEven;
+  }
   const double mean = StandardNormalCdf(-g) + density * odd;
   const double rest = StandardNormalCdf(g) - density * odd;
-  return {mean, mean * rest - delta * density * (1.0 + even)};
+  return {mean, mean * rest - delta * density * even};
 }
 
 }  // namespace

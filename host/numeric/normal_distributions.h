@@ -65,7 +65,8 @@ double Variance(double scale, double threshold);
 }  // namespace half_normal
 
 // Proportions count relative to their sum, which lies within 2e-5 of 1. One component at least. The quantile
-// is a safeguarded iteration on the smaller tail and always ends with a value.
+// is a safeguarded iteration on the smaller tail and always ends with a value. Between components that lie
+// far apart the distribution function is flat: there the quantile is one of many x of the same probability.
 namespace gaussian_mixture {  // mixing coefficient >= 0, mean, standard deviation > 0, repeated
 bool IsValid(std::span<const double> components);
 double Density(double x, std::span<const double> components);

@@ -79,16 +79,16 @@ struct Shape {
                    Scalar complementQuantile, Array cdfs, Array quantiles, Moment mean = nullptr,
                    Moment variance = nullptr) {
     Type type = {std::move(name),
-            isDiscrete,
-            std::move(origins),
-            {{"Density", Bind(density)},
-             {"LogDensity", Bind(logDensity)},
-             {"Cdf", Bind(cdf)},
-             {"Complement", Bind(complement)},
-             {"Quantile", Bind(quantile)},
-             {"ComplementQuantile", Bind(complementQuantile)}},
-            {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
-            {}};
+                 isDiscrete,
+                 std::move(origins),
+                 {{"Density", Bind(density)},
+                  {"LogDensity", Bind(logDensity)},
+                  {"Cdf", Bind(cdf)},
+                  {"Complement", Bind(complement)},
+                  {"Quantile", Bind(quantile)},
+                  {"ComplementQuantile", Bind(complementQuantile)}},
+                 {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
+                 {}};
     if (mean) type.moments = {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}};
     return type;
   }
@@ -102,37 +102,42 @@ inline std::vector<Type> AllTypes() {
                                   normal::Cdf, normal::Quantile, normal::Mean, normal::Variance),
       Shape<double, double, double>::Make("lognormal", false, {2}, lognormal::Density, lognormal::LogDensity,
                                           lognormal::Cdf, lognormal::Complement, lognormal::Quantile,
-                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile, lognormal::Mean, lognormal::Variance),
+                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile,
+                                          lognormal::Mean, lognormal::Variance),
       Shape<double, double, double>::Make(
           "folded_normal", false, {2}, folded_normal::Density, folded_normal::LogDensity, folded_normal::Cdf,
           folded_normal::Complement, folded_normal::Quantile, folded_normal::ComplementQuantile,
           folded_normal::Cdf, folded_normal::Quantile, folded_normal::Mean, folded_normal::Variance),
       Shape<double, double>::Make("half_normal", false, {1}, half_normal::Density, half_normal::LogDensity,
                                   half_normal::Cdf, half_normal::Complement, half_normal::Quantile,
-                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile, half_normal::Mean, half_normal::Variance),
+                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile,
+                                  half_normal::Mean, half_normal::Variance),
       Shape<double, double>::Make("rayleigh", false, {1}, rayleigh::Density, rayleigh::LogDensity,
                                   rayleigh::Cdf, rayleigh::Complement, rayleigh::Quantile,
-                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile, rayleigh::Mean, rayleigh::Variance),
+                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile,
+                                  rayleigh::Mean, rayleigh::Variance),
       Shape<double, double, double>::Make("weibull", false, {2}, weibull::Density, weibull::LogDensity,
                                           weibull::Cdf, weibull::Complement, weibull::Quantile,
-                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile, weibull::Mean, weibull::Variance),
-      Shape<In>::Make("gaussian_mixture", false, {1, 4, 7}, gaussian_mixture::Density, gaussian_mixture::LogDensity,
-                      gaussian_mixture::Cdf, gaussian_mixture::Complement, gaussian_mixture::Quantile,
-                      gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
+                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile,
+                                          weibull::Mean, weibull::Variance),
+      Shape<In>::Make("gaussian_mixture", false, {1, 4, 7}, gaussian_mixture::Density,
+                      gaussian_mixture::LogDensity, gaussian_mixture::Cdf, gaussian_mixture::Complement,
+                      gaussian_mixture::Quantile, gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
                       gaussian_mixture::Quantile, gaussian_mixture::Mean, gaussian_mixture::Variance),
       Shape<double, double, double, double, double>::Make(
           "johnson", false, {4}, johnson::Density, johnson::LogDensity, johnson::Cdf, johnson::Complement,
-          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile, johnson::Mean, johnson::Variance),
+          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile, johnson::Mean,
+          johnson::Variance),
       Shape<double, double, double>::Make("gev", false, {0}, gev::Density, gev::LogDensity, gev::Cdf,
                                           gev::Complement, gev::Quantile, gev::ComplementQuantile, gev::Cdf,
                                           gev::Quantile, gev::Mean, gev::Variance),
       Shape<double, double, double>::Make("gpd", false, {2}, gpd::Density, gpd::LogDensity, gpd::Cdf,
                                           gpd::Complement, gpd::Quantile, gpd::ComplementQuantile, gpd::Cdf,
                                           gpd::Quantile, gpd::Mean, gpd::Variance),
-      Shape<double, double, double>::Make("triangular", false, {0, 1}, triangular::Density,
-                                          triangular::LogDensity, triangular::Cdf, triangular::Complement,
-                                          triangular::Quantile, triangular::ComplementQuantile,
-                                          triangular::Cdf, triangular::Quantile, triangular::Mean, triangular::Variance),
+      Shape<double, double, double>::Make(
+          "triangular", false, {0, 1}, triangular::Density, triangular::LogDensity, triangular::Cdf,
+          triangular::Complement, triangular::Quantile, triangular::ComplementQuantile, triangular::Cdf,
+          triangular::Quantile, triangular::Mean, triangular::Variance),
       Shape<double, double>::Make("binomial", true, {}, binomial::Density, binomial::LogDensity,
                                   binomial::Cdf, binomial::Complement, binomial::Quantile,
                                   binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile),
@@ -235,12 +240,21 @@ inline double RelativeError(const Type& type, const MomentRow& row, double compu
   return std::abs(computed - row.value) / size;
 }
 
+// What comes of taking x to the probability of its nearer tail and back. Where the density is low the
+// probability does not tell x from its neighbours; what can be asked there is that the x that comes back has
+// the same probability.
 struct RoundTrip {
-  double error = 0.0;      // of the quantile of the nearer tail at x, relative like a quantile's
-  double condition = 0.0;  // the error that four units in the last place of that probability make
+  double error = 0.0;         // of the x that comes back, relative like a quantile's
+  bool isConditioned = true;  // four units in the last place of the probability make less than the tolerance
+  double probability = 0.0;   // the relative error of the probability of the x that comes back
 };
 
-// x to the probability of its nearer tail and back.
+// Whether a row gives an x for the round trip: once each, where the nearer tail is in the table, hence above
+// 1e-300.
+inline bool IsForRoundTrip(const Row& row) {
+  return (row.function == "Cdf" || row.function == "Complement") && row.value <= 0.5;
+}
+
 inline RoundTrip GoRound(const Type& type, double x, In parameters) {
   constexpr double kFourUlps = 4.0 * std::numeric_limits<double>::epsilon();
   const double low = type.functions.at("Cdf")(x, parameters);
@@ -250,8 +264,11 @@ inline RoundTrip GoRound(const Type& type, double x, In parameters) {
       type.functions.at(isLower ? "Quantile" : "ComplementQuantile")(isLower ? low : high, parameters);
   const double size = SizeOnAxis(type, x, parameters);
   const double density = type.functions.at("Density")(x, parameters);
+  const double p = std::min(low, high);
+  const double again = type.functions.at(isLower ? "Cdf" : "Complement")(back, parameters);
   const double error = std::abs(back - x);
-  return {error == 0.0 ? 0.0 : error / size, kFourUlps * std::min(low, high) / density / size};
+  return {error == 0.0 ? 0.0 : error / size, kFourUlps * p < kRoundTripTolerance * density * size,
+          std::abs(again - p) / p};
 }
 
 }  // namespace brenvolt::references

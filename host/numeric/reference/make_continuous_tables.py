@@ -7,8 +7,8 @@ quantiles without closed form from bracketed root finding.
 """
 import math
 
-from mpmath import (asinh, cosh, erf, erfc, erfinv, euler, exp, expm1, gamma, inf, log, log1p, mp, mpf, pi, quad,
-                    sinh, sqrt)
+from mpmath import (asinh, chop, cosh, erf, erfc, erfinv, euler, exp, expm1, gamma, inf, log, log1p, mp, mpf, pi,
+                    quad, sinh, sqrt)
 
 from table_rows import normal_lower_quantile, root, write_moments, write_table
 
@@ -161,7 +161,7 @@ class GaussianMixture:
     sets = [((1.0, 0.0, 1.0),), ((0.5, -1.0, 1.0, 0.5, 1.0, 1.0),), ((0.3, 0.0, 1.0, 0.7, 50.0, 2.0),),
             ((0.999999, 0.0, 1.0, 1e-6, 1000.0, 0.01),), ((0.2, 5.0, 0.1, 0.5, 5.0, 10.0, 0.3, -20.0, 3.0),),
             ((0.33333, 1.0, 0.5, 0.33333, 2.0, 0.5, 0.33333, 3.0, 0.5),), ((0.0, 7.0, 1.0, 1.0, 1e6, 1e-3),),
-            ((0.25, 1e-8, 1e-9, 0.75, 2e-8, 5e-9),), ((0.1, -1e4, 100.0, 0.4, 0.0, 1e-3, 0.5, 3e5, 2e4),)]
+            ((0.25, 1e-8, 1e-9, 0.75, 2e-8, 5e-9),), ((0.13, -1e4, 100.0, 0.33, 0.0, 1e-3, 0.54, 3e5, 2e4),)]
     moment_sets = sets + [((w, a, s, 1 - w, a + d, 2 * s),) for w in (0.5, 0.125, 1e-9) for a in (0.0, -30.0)
                           for d, s in ((1.0, 3.0), (1e5, 0.01))]
 
@@ -195,11 +195,11 @@ class GaussianMixture:
 
     def quantile(self, p):
         p = mpf(p)
-        return self.from_lower(p) if p < HALF else self.from_upper(1 - p)
+        return chop(self.from_lower(p) if p < HALF else self.from_upper(1 - p))
 
     def complement_quantile(self, q):
         q = mpf(q)
-        return self.from_upper(q) if q < HALF else self.from_lower(1 - q)
+        return chop(self.from_upper(q) if q < HALF else self.from_lower(1 - q))
 
     def mean(self):
         return sum(w * m for w, m, _ in self.components)
@@ -217,7 +217,7 @@ class Johnson:
             (3.0, 0.0, 1.0, 1.0, 0.0), (3.0, 2.0, 0.7, 50.0, 10.0), (3.0, -1.0, 5.0, 1e-4, 2.0),
             (3.0, 25.0, 8.0, 900.0, -20.0), (3.0, 0.5, 0.05, 2.0, 1.0),
             (4.0, 0.0, 1.0, 1.0, 0.0), (4.0, -1000.0, 0.7, 1.0, 0.0), (4.0, 3.0, 2.0, 15.0, -4.0)]
-    moment_sets = sets + [(3.0, g, d, l, x) for g in (0.0, 0.3, -4.0, 15.0) for d in (0.002, 0.04, 0.3, 2.0, 40.0)
+    moment_sets = sets + [(3.0, g, d, l, x) for g in (0.0, 0.3, -4.0, 15.0) for d in (0.002, 0.0049, 0.006, 0.04, 0.3, 2.0, 40.0)
                           for l, x in ((1.0, 0.0), (30.0, -7.5))]
 
     def __init__(self, family, gamma, delta, lam, xi):
@@ -409,13 +409,15 @@ class Triangular:
         x = mpf(x)
         if x <= self.mode:
             return (x - self.low) ** 2 / self.width / (self.mode - self.low) if x > self.low else mpf(0)
-        return 1 - self.complement(x)
+        with mp.workdps(700):
+            return 1 - self.complement(x)
 
     def complement(self, x):
         x = mpf(x)
         if x >= self.mode:
             return (self.high - x) ** 2 / self.width / (self.high - self.mode) if x < self.high else mpf(0)
-        return 1 - self.cdf(x)
+        with mp.workdps(700):
+            return 1 - self.cdf(x)
 
     def quantile(self, p):
         with mp.workdps(700):
