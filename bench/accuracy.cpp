@@ -24,9 +24,8 @@ figure serves both.
 
 An error is relative to the value; of a log-density, to 1 where the value is smaller; of a quantile or mean, to
 the type's locations and thresholds where these are larger than the value, because their rounding bounds it.
-A quantile of a mixture at just the share of
-components that lie far apart is not in the table: every x in the gap has that probability to the last bit.
-The tests hold every row to 1e-13 in the body and 1e-10 in the tails.
+A quantile of a mixture at just the share of components that lie far apart is not in the table: every x in the
+gap has that probability to the last bit. The tests hold every row to 1e-13 in the body and 1e-10 in the tails.
 
 The round trip is the quantile of the probability of the nearer tail at each x of the table, as far as that is
 above 1e-300. "Of x": the largest error of the x that comes back where four units in the last place of the

@@ -17,7 +17,9 @@ BoundedMoments MomentsOfBounded(double gamma, double delta) {
   std::vector<double> logs;
   std::vector<double> weights;
   double greatest = -std::numeric_limits<double>::infinity();
-  for (double z = -kReach; z <= upper; z += step) {
+  const int count = static_cast<int>((upper + kReach) / step) + 1;
+  for (int i = 0; i < count; ++i) {
+    const double z = i * step - kReach;  // not by repeated addition, whose rounding shifts a steep y
     const double t = (z - gamma) / delta;
     const double logY = t > 0.0 ? -std::log1p(std::exp(-t)) : t - std::log1p(std::exp(t));
     logs.push_back(logY);

@@ -81,7 +81,8 @@ class FoldedNormal:
 
 class HalfNormal:
     name, parameters = "half_normal", ["scale", "threshold"]
-    sets = [(1.0, 0.0), (0.1, 10.0), (25.0, -3.7), (1e-9, 0.0), (1e9, 2.5), (3.25, -444.0), (1e-3, 1e6)]
+    sets = [(1.0, 0.0), (0.1, 10.0), (25.0, -3.7), (1e-9, 0.0), (1e9, 2.5), (3.25, -444.0), (1e-3, 1e6), (1e150, 0.0),
+            (1e-150, 0.0)]
     moment_sets = [(s, t) for s in (1.0, 0.3, 1e-9, 7e8, 41.7) for t in (0.0, 5.0, -12.5, 1e6)]
 
     def __init__(self, scale, threshold):
@@ -122,7 +123,8 @@ class HalfNormal:
 
 class Rayleigh:
     name, parameters = "rayleigh", ["scale", "threshold"]
-    sets = [(1.0, 0.0), (0.1, 10.0), (25.0, -3.7), (1e-9, 0.0), (1e9, 2.5), (3.25, -444.0), (1e-3, 1e6)]
+    sets = [(1.0, 0.0), (0.1, 10.0), (25.0, -3.7), (1e-9, 0.0), (1e9, 2.5), (3.25, -444.0), (1e-3, 1e6), (1e150, 0.0),
+            (1e-150, 0.0)]
     moment_sets = HalfNormal.moment_sets
 
     def __init__(self, scale, threshold):
@@ -291,7 +293,8 @@ MOMENT_SHAPES = [0.0, 1e-300, 1e-12, -1e-12, 1e-5, -1e-5, 0.01, -0.01, 0.07, -0.
 class Gev:
     name, parameters = "gev", ["location", "scale", "shape"]
     sets = shapes_with(SHAPES, 0.0, 1.0) + shapes_with(SHAPES, 50.0, 3.0) + [
-        (1e6, 1e-3, 0.1), (1e6, 1.0, -0.2), (-2e5, 0.5, 1e-9), (0.0, 1e-9, 0.05), (-3.0, 2e9, -0.5)]
+        (1e6, 1e-3, 0.1), (1e6, 1.0, -0.2), (-2e5, 0.5, 1e-9), (0.0, 1e-9, 0.05), (-3.0, 2e9, -0.5),
+        (0.0, 1e150, 0.3), (0.0, 1e-150, -0.3)]
     moment_sets = shapes_with(MOMENT_SHAPES, 0.0, 1.0) + shapes_with(MOMENT_SHAPES, 1e6, 0.25)
 
     def __init__(self, location, scale, shape):
@@ -344,7 +347,8 @@ class Gev:
 class Gpd:
     name, parameters = "gpd", ["scale", "shape", "threshold"]
     sets = [(1.0, k, 0.0) for k in SHAPES] + [(3.0, k, 50.0) for k in SHAPES] + [
-        (1e-3, 0.1, 1e6), (1.0, -0.2, 1e6), (0.5, 1e-9, -2e5), (1e-9, 0.05, 0.0), (2e9, -0.5, -3.0)]
+        (1e-3, 0.1, 1e6), (1.0, -0.2, 1e6), (0.5, 1e-9, -2e5), (1e-9, 0.05, 0.0), (2e9, -0.5, -3.0),
+        (1e150, 0.3, 0.0), (1e-150, -0.3, 0.0)]
     moment_sets = [(1.0, k, 0.0) for k in MOMENT_SHAPES] + [(0.25, k, 1e6) for k in MOMENT_SHAPES]
 
     def __init__(self, scale, shape, threshold):
@@ -387,7 +391,8 @@ class Gpd:
 class Triangular:
     name, parameters = "triangular", ["min", "max", "mode"]
     sets = [(0.0, 1.0, 0.5), (0.0, 1.0, 0.0), (0.0, 1.0, 1.0), (-3.0, 7.0, 6.9), (10.0, 11.0, 10.001), (0.0, 1e-9, 3e-10),
-            (-1e9, 1e9, 1.0), (1e6, 1000001.5, 1e6), (-5.0, -1.0, -1.0), (0.0, 1.0, 1e-200), (1.0, 2.0, 1.0000000001)]
+            (-1e9, 1e9, 1.0), (1e6, 1000001.5, 1e6), (-5.0, -1.0, -1.0), (0.0, 1.0, 1e-200), (1.0, 2.0, 1.0000000001),
+            (0.0, 1e150, 1e149)]
     moment_sets = sets + [(a, a + w, a + w * f) for a in (0.0, -2.5, 1e6) for w in (1.0, 75.0) for f in (0.0, 0.25, 1.0)]
 
     def __init__(self, low, high, mode):
