@@ -105,11 +105,11 @@ def write(name, header, rows):
         writer.writerows(rows)
 
 
-def write_table(kind, rows_of=continuous_rows):
+def write_table(kind):
     """<type>.csv: function, region, argument, the parameters, value. Values that a double cannot hold are left out."""
     rows = []
     for values in kind.sets:
-        for function, where, argument, parameters, value in rows_of(kind(*values), values):
+        for function, where, argument, parameters, value in continuous_rows(kind(*values), values):
             number = float(value)
             is_quantile = function.endswith("Quantile")
             if isinf(value) or abs(number) in (0.0, inf) or abs(number) < 1e-300 and not is_quantile:
