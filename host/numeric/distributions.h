@@ -2,12 +2,13 @@
 //
 // Every type offers, as scalars (and Cdf and Quantile over arrays, too):
 //   Density(x), LogDensity(x), Cdf(x), Complement(x) = 1 - Cdf(x) without cancellation,
-//   Quantile(p), ComplementQuantile(q): the x with Complement(x) = q.
+//   Quantile(p), ComplementQuantile(q): the x with Complement(x) = q,
+//   Mean(), Variance(): infinite where the integral is or a double cannot hold it, never NaN.
 // Discrete types: Density is the probability of x, Quantile the smallest value whose probability reaches p.
 // `threshold` shifts the support: a type with threshold t at x is the type without one at x - t.
 //
 // NaN in, NaN out. p = 0 and p = 1 give the ends of the support. Invalid parameters give kInvalidProbability
-// from the first four and kInvalidQuantile from the others, as does a p outside [0, 1] from the quantiles.
+// from all but the quantiles, and kInvalidQuantile from these, as does a p outside [0, 1].
 // Accuracy: 1e-13 relative in the body, 1e-10 in the tails down to probabilities of 1e-300.
 #pragma once
 

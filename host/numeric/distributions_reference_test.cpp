@@ -60,6 +60,34 @@ TEST_P(DistributionReference, ArrayFormsGiveTheBitsOfTheScalarForms) {
   }
 }
 
+TEST_P(DistributionReference, QuantileOfProbabilityReturnsTheValue) {
+  constexpr double kFewUlps = 1e-14;  // of the probability, where that is all it can be held to
+  const Type& type = GetParam();
+  if (type.isDiscrete) GTEST_SKIP() << "steps: see the tests of exact jumps";
+  for (const Row& row : ReadTable(kFolder, type)) {
+    if (!IsForRoundTrip(row)) continue;
+    const RoundTrip trip = GoRound(type, row.argument, row.parameters);
+    const double tolerance = row.isTail ? kTailTolerance : kFewUlps;
+    EXPECT_TRUE(trip.isConditioned ? trip.error <= kRoundTripTolerance : trip.probability <= tolerance)
+        << row.argument << " with " << testing::PrintToString(row.parameters) << ": error " << trip.error
+        << ", of the probability " << trip.probability;
+  }
+}
+
+TEST_P(DistributionReference, MeanAndVarianceAgreeWithTable) {
+  constexpr int kFewestSets = 20;
+  const Type& type = GetParam();
+  const std::vector<MomentRow> rows = ReadMoments(kFolder, type);
+  if (type.moments.empty()) GTEST_SKIP() << "no mean and variance";
+  EXPECT_GE(std::ssize(rows), 2 * kFewestSets);
+  for (const MomentRow& row : rows) {
+    const double computed = type.moments.at(row.function)(row.parameters);
+    const double error = RelativeError(type, row, computed);
+    EXPECT_TRUE(error <= kBodyTolerance) << row.function << " with " << testing::PrintToString(row.parameters)
+                                         << ": " << computed << " for " << row.value;
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(AllTypes, DistributionReference, testing::ValuesIn(AllTypes()),
                          [](const auto& info) { return info.param.name; });
 

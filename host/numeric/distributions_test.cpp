@@ -4,165 +4,209 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "host/numeric/reference/distribution_references.h"
 
 namespace brenvolt {
 namespace {
 
+using references::Parameters;
+using references::Type;
+
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// All functions of one type at one set of parameters.
-struct Bound {
+// A type with valid parameters, its support, and what makes its parameters invalid, beside values that are
+// not finite, which none takes.
+struct Case {
   std::string name;
-  double (*density)(double);
-  double (*logDensity)(double);
-  double (*cdf)(double);
-  double (*complement)(double);
-  double (*quantile)(double);
-  double (*complementQuantile)(double);
-  double supportBegin = 0.0;
-
-  std::vector<double (*)(double)> Probabilities() const { return {density, logDensity, cdf, complement}; }
-  std::vector<double (*)(double)> Quantiles() const { return {quantile, complementQuantile}; }
+  Parameters parameters;
+  double begin;
+  double end;
+  std::vector<std::size_t> positive;  // parameters that have to be above 0
+  std::vector<Parameters> invalid;    // further ones
 };
 
-constexpr double kThreshold = 40.0;
-
-const std::vector<Bound>& ValidTypes() {
-  static const std::vector<Bound> types = {
-      {"normal", [](double x) { return normal::Density(x, 3.0, 2.0); },
-       [](double x) { return normal::LogDensity(x, 3.0, 2.0); },
-       [](double x) { return normal::Cdf(x, 3.0, 2.0); },
-       [](double x) { return normal::Complement(x, 3.0, 2.0); },
-       [](double p) { return normal::Quantile(p, 3.0, 2.0); },
-       [](double q) { return normal::ComplementQuantile(q, 3.0, 2.0); }, -kInfinity},
-      {"lognormal", [](double x) { return lognormal::Density(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return lognormal::LogDensity(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return lognormal::Cdf(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return lognormal::Complement(x, 3.0, 2.0, kThreshold); },
-       [](double p) { return lognormal::Quantile(p, 3.0, 2.0, kThreshold); },
-       [](double q) { return lognormal::ComplementQuantile(q, 3.0, 2.0, kThreshold); }, kThreshold},
-      {"weibull", [](double x) { return weibull::Density(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return weibull::LogDensity(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return weibull::Cdf(x, 3.0, 2.0, kThreshold); },
-       [](double x) { return weibull::Complement(x, 3.0, 2.0, kThreshold); },
-       [](double p) { return weibull::Quantile(p, 3.0, 2.0, kThreshold); },
-       [](double q) { return weibull::ComplementQuantile(q, 3.0, 2.0, kThreshold); }, kThreshold},
-      {"poisson", [](double x) { return poisson::Density(x, 3.5); },
-       [](double x) { return poisson::LogDensity(x, 3.5); }, [](double x) { return poisson::Cdf(x, 3.5); },
-       [](double x) { return poisson::Complement(x, 3.5); },
-       [](double p) { return poisson::Quantile(p, 3.5); },
-       [](double q) { return poisson::ComplementQuantile(q, 3.5); }, 0.0},
+const std::vector<Case>& Cases() {
+  static const std::vector<Case> cases = {
+      {"normal", {3.0, 2.0}, -kInfinity, kInfinity, {1}, {}},
+      {"lognormal", {3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
+      {"folded_normal", {-3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
+      {"half_normal", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"rayleigh", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"weibull", {3.0, 2.0, 40.0}, 40.0, kInfinity, {0, 1}, {}},
+      {"gaussian_mixture",
+       {0.25, -1.0, 1.0, 0.75, 2.0, 0.5},
+       -kInfinity,
+       kInfinity,
+       {2, 5},
+       {{}, {1.0, 0.0}, {0.4, 0.0, 1.0, 0.5, 1.0, 1.0}, {-0.5, 0.0, 1.0, 1.5, 1.0, 1.0}, {0.0, 0.0, 1.0}}},
+      {"johnson",
+       {1.0, 0.5, 2.0, 3.0, 40.0},
+       40.0,
+       kInfinity,
+       {2, 3},
+       {{0.0, 0.5, 2.0, 3.0, 40.0}, {1.5, 0.5, 2.0, 3.0, 40.0}, {5.0, 0.5, 2.0, 3.0, 40.0}}},
+      {"johnson", {2.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
+      {"johnson", {3.0, 0.5, 2.0, 3.0, 40.0}, 40.0, 43.0, {2, 3}, {}},
+      {"johnson", {4.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
+      {"gev", {40.0, 2.0, 0.0}, -kInfinity, kInfinity, {1}, {}},
+      {"gev", {40.0, 2.0, 0.5}, 36.0, kInfinity, {1}, {}},
+      {"gev", {40.0, 2.0, -0.5}, -kInfinity, 44.0, {1}, {}},
+      {"gpd", {2.0, 0.0, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"gpd", {2.0, 0.5, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"gpd", {2.0, -0.5, 40.0}, 40.0, 44.0, {0}, {}},
+      {"triangular",
+       {3.0, 8.0, 4.0},
+       3.0,
+       8.0,
+       {},
+       {{3.0, 8.0, 2.9}, {3.0, 8.0, 8.1}, {3.0, 3.0, 3.0}, {8.0, 3.0, 5.0}}},
+      {"binomial", {0.3, 20.0}, 0.0, 20.0, {1}, {{-0.1, 20.0}, {1.1, 20.0}, {0.3, 2.5}}},
+      {"poisson", {3.5}, 0.0, kInfinity, {0}, {}},
+      {"geometric", {0.2}, 0.0, kInfinity, {0}, {{1.1}}},
+      {"bernoulli", {0.2}, 0.0, 1.0, {}, {{-0.1}, {1.1}}},
+      {"histogram", {4.0, 0.75, 1.0, 0.25}, 1.0, 4.0, {}, {{}, {1.0}, {1.0, 0.5}, {1.0, 1.5, 2.0, -0.5}}},
   };
-  return types;
+  return cases;
 }
 
-TEST(Distributions, InfinitiesAndEndsOfSupportGiveLimits) {
-  for (const Bound& type : ValidTypes()) {
-    SCOPED_TRACE(type.name);
-    for (const double x : {-kInfinity, kInfinity}) {
-      EXPECT_EQ(type.density(x), 0.0);
-      EXPECT_EQ(type.logDensity(x), -kInfinity);
-      EXPECT_EQ(type.cdf(x), x > 0.0 ? 1.0 : 0.0);
-      EXPECT_EQ(type.complement(x), x > 0.0 ? 0.0 : 1.0);
+const Type& TypeOf(const std::string& name) {
+  static const std::vector<Type> types = references::AllTypes();
+  return *std::find_if(types.begin(), types.end(), [&](const Type& type) { return type.name == name; });
+}
+
+bool IsQuantile(const std::string& function) {
+  return function.ends_with("Quantile");
+}
+
+void PrintTo(const Case& distribution, std::ostream* out) {
+  *out << distribution.name << testing::PrintToString(distribution.parameters);
+}
+
+class Distributions : public testing::TestWithParam<Case> {
+ protected:
+  const Type& type_ = TypeOf(GetParam().name);
+
+  double Call(const std::string& function, double x) const {
+    return type_.functions.at(function)(x, GetParam().parameters);
+  }
+};
+
+TEST(DistributionCases, HoldEveryType) {
+  for (const Type& type : references::AllTypes()) {
+    EXPECT_TRUE(std::any_of(Cases().begin(), Cases().end(), [&](const Case& c) {
+      return c.name == type.name;
+    })) << type.name;
+  }
+}
+
+TEST_P(Distributions, InfinitiesAndEndsOfSupportGiveLimits) {
+  const auto expectOutside = [&](double x, bool isAbove) {
+    SCOPED_TRACE(x);
+    EXPECT_EQ(Call("Density", x), 0.0);
+    EXPECT_EQ(Call("LogDensity", x), -kInfinity);
+    EXPECT_EQ(Call("Cdf", x), isAbove ? 1.0 : 0.0);
+    EXPECT_EQ(Call("Complement", x), isAbove ? 0.0 : 1.0);
+  };
+  const Case& distribution = GetParam();
+  expectOutside(-kInfinity, false);
+  expectOutside(kInfinity, true);
+  if (std::isfinite(distribution.begin)) expectOutside(distribution.begin - 0.5, false);
+  if (std::isfinite(distribution.end)) expectOutside(distribution.end + 0.5, true);
+  EXPECT_EQ(Call("Quantile", 0.0), distribution.begin);
+  EXPECT_EQ(Call("Quantile", 1.0), distribution.end);
+  EXPECT_EQ(Call("ComplementQuantile", 1.0), distribution.begin);
+  EXPECT_EQ(Call("ComplementQuantile", 0.0), distribution.end);
+}
+
+TEST_P(Distributions, NanStaysNanAndProbabilityOutsideUnitIntervalIsInvalid) {
+  for (const auto& [name, function] : type_.functions) {
+    SCOPED_TRACE(name);
+    EXPECT_TRUE(std::isnan(Call(name, kNan)));
+    if (!IsQuantile(name)) continue;
+    EXPECT_EQ(Call(name, -1e-300), kInvalidQuantile);
+    EXPECT_EQ(Call(name, 1.0000000000000002), kInvalidQuantile);
+  }
+}
+
+TEST_P(Distributions, InvalidParametersGiveSentinelsFromEveryFunction) {
+  const Case& distribution = GetParam();
+  std::vector<Parameters> invalid = distribution.invalid;
+  const auto addWith = [&](std::size_t index, double value) {
+    invalid.push_back(distribution.parameters);
+    invalid.back()[index] = value;
+  };
+  for (std::size_t i = 0; i < distribution.parameters.size(); ++i) {
+    for (const double bad : {kNan, kInfinity, -kInfinity}) addWith(i, bad);
+  }
+  for (const std::size_t i : distribution.positive) {
+    for (const double bad : {0.0, -1.0, kNotSet}) addWith(i, bad);
+  }
+  for (const Parameters& parameters : invalid) {
+    SCOPED_TRACE(testing::PrintToString(parameters));
+    const auto sentinel = [](const std::string& name) {
+      return IsQuantile(name) ? kInvalidQuantile : kInvalidProbability;
+    };
+    for (const auto& [name, function] : type_.functions) {
+      EXPECT_EQ(function(0.5, parameters), sentinel(name)) << name;
     }
-    EXPECT_EQ(type.quantile(0.0), type.supportBegin);
-    EXPECT_EQ(type.quantile(1.0), kInfinity);
-    EXPECT_EQ(type.complementQuantile(1.0), type.supportBegin);
-    EXPECT_EQ(type.complementQuantile(0.0), kInfinity);
-    if (!std::isinf(type.supportBegin)) {
-      const double below = type.supportBegin - 0.5;
-      EXPECT_EQ(type.density(below), 0.0);
-      EXPECT_EQ(type.logDensity(below), -kInfinity);
-      EXPECT_EQ(type.cdf(below), 0.0);
-      EXPECT_EQ(type.complement(below), 1.0);
+    for (const auto& [name, function] : type_.arrays) {
+      std::vector<double> values = {0.25, 0.5, kNan};
+      function(values, parameters, values);
+      EXPECT_EQ(values, std::vector<double>(3, sentinel(name))) << name;
+    }
+    for (const auto& [name, moment] : type_.moments)
+      EXPECT_EQ(moment(parameters), kInvalidProbability) << name;
+  }
+}
+
+TEST_P(Distributions, ArrayFormsInPlaceEqualScalars) {
+  const std::vector<double> values = {-kInfinity, -3.0, 0.0, 1e-300, 0.02, 0.5,       0.77, 1.0,
+                                      1.5,        7.25, 40., 41.0,   1e9,  kInfinity, kNan};
+  for (const auto& [name, function] : type_.arrays) {
+    std::vector<double> array = values;
+    function(array, GetParam().parameters, array);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const double scalar = Call(name, values[i]);
+      EXPECT_TRUE(array[i] == scalar || (std::isnan(array[i]) && std::isnan(scalar)))
+          << name << " at " << values[i] << ": " << array[i] << " for " << scalar;
     }
   }
 }
 
-TEST(Distributions, NanStaysNanAndProbabilityOutsideUnitIntervalIsInvalid) {
-  for (const Bound& type : ValidTypes()) {
-    SCOPED_TRACE(type.name);
-    for (const auto function : type.Probabilities()) EXPECT_TRUE(std::isnan(function(kNan)));
-    for (const auto function : type.Quantiles()) {
-      EXPECT_TRUE(std::isnan(function(kNan)));
-      EXPECT_EQ(function(-1e-300), kInvalidQuantile);
-      EXPECT_EQ(function(1.0000000000000002), kInvalidQuantile);
-    }
-  }
-}
+INSTANTIATE_TEST_SUITE_P(AllTypes, Distributions, testing::ValuesIn(Cases()),
+                         [](const auto& info) { return info.param.name + std::to_string(info.index); });
 
-TEST(Distributions, InvalidParametersGiveSentinelsFromEveryFunction) {
-  std::vector<double> x = {1.0, 2.0};
-  std::vector<double> out(2);
-  const auto expectInvalid = [&](std::array<double, 4> probabilities, std::array<double, 2> quantiles) {
-    for (const double p : probabilities) EXPECT_EQ(p, kInvalidProbability);
-    for (const double q : quantiles) EXPECT_EQ(q, kInvalidQuantile);
-  };
-  for (const double bad : {0.0, -1.0, kNotSet, kNan, kInfinity, -kInfinity}) {
-    SCOPED_TRACE(bad);
-    expectInvalid({normal::Density(1, 0, bad), normal::LogDensity(1, 0, bad), normal::Cdf(1, 0, bad),
-                   normal::Complement(1, 0, bad)},
-                  {normal::Quantile(0.5, 0, bad), normal::ComplementQuantile(0.5, 0, bad)});
-    expectInvalid({lognormal::Density(1, 0, bad, 0), lognormal::LogDensity(1, 0, bad, 0),
-                   lognormal::Cdf(1, 0, bad, 0), lognormal::Complement(1, 0, bad, 0)},
-                  {lognormal::Quantile(0.5, 0, bad, 0), lognormal::ComplementQuantile(0.5, 0, bad, 0)});
-    for (const auto& [scale, shape] : {std::pair(bad, 1.0), std::pair(1.0, bad)}) {
-      expectInvalid(
-          {weibull::Density(1, scale, shape, 0), weibull::LogDensity(1, scale, shape, 0),
-           weibull::Cdf(1, scale, shape, 0), weibull::Complement(1, scale, shape, 0)},
-          {weibull::Quantile(0.5, scale, shape, 0), weibull::ComplementQuantile(0.5, scale, shape, 0)});
+// Parameters at which the formulas of mean and variance meet 0 times or less infinity.
+TEST(DistributionMoments, OfExtremeParametersAreNeverNan) {
+  const std::vector<std::pair<std::string, Parameters>> extremes = {{"lognormal", {-1e300, 100.0, 0.0}},
+                                                                    {"lognormal", {700.0, 1e200, 0.0}},
+                                                                    {"weibull", {1.0, 1e-300, 0.0}},
+                                                                    {"weibull", {1.0, 1e300, 0.0}},
+                                                                    {"folded_normal", {1e300, 1e-300, 0.0}},
+                                                                    {"johnson", {1.0, 1e5, 1e-100, 1.0, 0.0}},
+                                                                    {"johnson", {2.0, 0.0, 1e-100, 1.0, 0.0}},
+                                                                    {"johnson", {2.0, 5.0, 1e-3, 1.0, 0.0}},
+                                                                    {"johnson", {3.0, 5.0, 1e-300, 1.0, 0.0}},
+                                                                    {"johnson", {3.0, -1e9, 0.5, 1.0, 0.0}},
+                                                                    {"johnson", {3.0, 0.5, 1e9, 1.0, 0.0}},
+                                                                    {"gev", {0.0, 1.0, -1e300}},
+                                                                    {"gev", {0.0, 1.0, 5e-324}},
+                                                                    {"gpd", {1.0, -1e300, 0.0}},
+                                                                    {"gpd", {1.0, 0.5, 0.0}},
+                                                                    {"triangular", {-8e307, 8e307, 0.0}}};
+  for (const auto& [name, parameters] : extremes) {
+    for (const auto& [moment, function] : TypeOf(name).moments) {
+      EXPECT_FALSE(std::isnan(function(parameters))) << name << testing::PrintToString(parameters) << moment;
     }
-    expectInvalid({poisson::Density(1, bad), poisson::LogDensity(1, bad), poisson::Cdf(1, bad),
-                   poisson::Complement(1, bad)},
-                  {poisson::Quantile(0.5, bad), poisson::ComplementQuantile(0.5, bad)});
-    weibull::Quantile(x, bad, 1.0, 0.0, out);
-    EXPECT_EQ(out, std::vector<double>(2, kInvalidQuantile));
   }
-  for (const double bad : {kNan, kInfinity}) {
-    EXPECT_EQ(normal::Cdf(1, bad, 1), kInvalidProbability);
-    EXPECT_EQ(lognormal::Cdf(1, bad, 1, 0), kInvalidProbability);
-    EXPECT_EQ(lognormal::Quantile(0.5, 0, 1, bad), kInvalidQuantile);
-    EXPECT_EQ(weibull::Cdf(1, 1, 1, bad), kInvalidProbability);
-    EXPECT_EQ(weibull::Quantile(0.5, 1, 1, bad), kInvalidQuantile);
-  }
-}
-
-TEST(Distributions, ArrayFormsInPlaceEqualScalars) {
-  const std::vector<double> x = {-3.0, 0.0, 0.5, 1.0, 7.25, 40.0, 1e9, kNan, kInfinity};
-  const std::vector<double> p = {0.0, 1e-300, 0.02, 0.5, 0.77, 1.0, 1.5, kNan};
-  const auto expectSame = [](const std::vector<double>& left, const std::vector<double>& right) {
-    for (std::size_t i = 0; i < left.size(); ++i) {
-      EXPECT_TRUE(left[i] == right[i] || (std::isnan(left[i]) && std::isnan(right[i]))) << i;
-    }
-  };
-  const auto check = [&](auto arrayCdf, auto scalarCdf, auto arrayQuantile, auto scalarQuantile) {
-    std::vector<double> array = x;
-    std::vector<double> scalar = x;
-    arrayCdf(array);
-    for (double& value : scalar) value = scalarCdf(value);
-    expectSame(array, scalar);
-    array = scalar = p;
-    arrayQuantile(array);
-    for (double& value : scalar) value = scalarQuantile(value);
-    expectSame(array, scalar);
-  };
-  check([](auto& v) { normal::Cdf(v, 1, 2, v); }, [](double v) { return normal::Cdf(v, 1, 2); },
-        [](auto& v) { normal::Quantile(v, 1, 2, v); }, [](double v) { return normal::Quantile(v, 1, 2); });
-  check([](auto& v) { lognormal::Cdf(v, 1, 2, 0.5, v); },
-        [](double v) { return lognormal::Cdf(v, 1, 2, 0.5); },
-        [](auto& v) { lognormal::Quantile(v, 1, 2, 0.5, v); },
-        [](double v) { return lognormal::Quantile(v, 1, 2, 0.5); });
-  check([](auto& v) { weibull::Cdf(v, 1, 2, 0.5, v); }, [](double v) { return weibull::Cdf(v, 1, 2, 0.5); },
-        [](auto& v) { weibull::Quantile(v, 1, 2, 0.5, v); },
-        [](double v) { return weibull::Quantile(v, 1, 2, 0.5); });
-  check([](auto& v) { poisson::Cdf(v, 6.5, v); }, [](double v) { return poisson::Cdf(v, 6.5); },
-        [](auto& v) { poisson::Quantile(v, 6.5, v); }, [](double v) { return poisson::Quantile(v, 6.5); });
 }
 
 TEST(Weibull, DensityAtThresholdDependsOnShape) {
@@ -177,6 +221,27 @@ TEST(Weibull, DensityAtThresholdDependsOnShape) {
 TEST(Lognormal, DensityNearThresholdSurvivesUnderflowOfItsNormalFactor) {
   // z = -38.4: exp(-z^2 / 2) is subnormal, its quotient by x is not. Value by 50-digit arithmetic.
   EXPECT_NEAR(lognormal::Density(1e-300, 0.0, 18.0, 0.0) / 3.4845959109324501e-22, 1.0, 1e-12);
+}
+
+TEST(GaussianMixture, QuantileEndsWithTheProbabilityAskedFor) {
+  constexpr double kRelative = 1e-13;
+  const std::vector<Parameters> mixtures = {{0.5, 0.0, 1.0, 0.5, 1e6, 1.0},
+                                            {0.45, -1e4, 100.0, 0.55, 3e5, 2e4},
+                                            {0.5, 0.0, 1e-300, 0.5, 0.0, 1e300},
+                                            {1e-300, 0.0, 1.0, 1.0, 1e9, 1e-9},
+                                            {0.5, -1.0, 1e-12, 0.5, 1.0, 1e-12}};
+  for (const Parameters& mixture : mixtures) {
+    for (const double p : {1e-300, 1e-20, 0.1, 0.25, 0.45, 0.5, 0.55, 0.75, 1.0 - 1e-15}) {
+      SCOPED_TRACE(testing::PrintToString(mixture) + " " + std::to_string(p));
+      // Neighbours, because one step of x may be a large one of the probability.
+      const double x = gaussian_mixture::Quantile(p, mixture);
+      EXPECT_LE(gaussian_mixture::Cdf(std::nextafter(x, -kInfinity), mixture), p * (1.0 + kRelative));
+      EXPECT_GE(gaussian_mixture::Cdf(std::nextafter(x, kInfinity), mixture), p * (1.0 - kRelative));
+      const double y = gaussian_mixture::ComplementQuantile(p, mixture);
+      EXPECT_GE(gaussian_mixture::Complement(std::nextafter(y, -kInfinity), mixture), p * (1.0 - kRelative));
+      EXPECT_LE(gaussian_mixture::Complement(std::nextafter(y, kInfinity), mixture), p * (1.0 + kRelative));
+    }
+  }
 }
 
 TEST(Poisson, QuantileAtExactJumpIsThatValueAndAboveItTheNext) {

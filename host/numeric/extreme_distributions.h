@@ -19,6 +19,8 @@ double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+double Mean(double scale, double shape, double threshold);
+double Variance(double scale, double shape, double threshold);
 }  // namespace weibull
 
 namespace rayleigh {  // the length of a plane normal vector with scale > 0 along each axis
@@ -31,6 +33,8 @@ double Quantile(double p, double scale, double threshold);
 double ComplementQuantile(double q, double scale, double threshold);
 void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
+double Mean(double scale, double threshold);
+double Variance(double scale, double threshold);
 }  // namespace rayleigh
 
 namespace gev {  // generalized extreme value: location, shape in R; scale > 0
@@ -43,6 +47,8 @@ double Quantile(double p, double location, double scale, double shape);
 double ComplementQuantile(double q, double location, double scale, double shape);
 void Cdf(std::span<const double> x, double location, double scale, double shape, std::span<double> out);
 void Quantile(std::span<const double> p, double location, double scale, double shape, std::span<double> out);
+double Mean(double location, double scale, double shape);
+double Variance(double location, double scale, double shape);
 }  // namespace gev
 
 namespace gpd {  // generalized Pareto: scale > 0, shape in R
@@ -55,6 +61,8 @@ double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+double Mean(double scale, double shape, double threshold);
+double Variance(double scale, double shape, double threshold);
 }  // namespace gpd
 
 namespace triangular {  // min <= mode <= max, min < max
@@ -67,6 +75,8 @@ double Quantile(double p, double min, double max, double mode);
 double ComplementQuantile(double q, double min, double max, double mode);
 void Cdf(std::span<const double> x, double min, double max, double mode, std::span<double> out);
 void Quantile(std::span<const double> p, double min, double max, double mode, std::span<double> out);
+double Mean(double min, double max, double mode);
+double Variance(double min, double max, double mode);
 }  // namespace triangular
 
 }  // namespace brenvolt

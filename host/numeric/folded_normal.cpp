@@ -18,7 +18,7 @@ bool IsValid(double location, double scale) {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kSlack = 1e-12;  // for the rounding of the ends of a bracket
+constexpr double kSlack = 1e-12;  // for the rounding of the ends of a bracket, in its size and in scales
 
 struct Law {
   double location;
@@ -77,9 +77,9 @@ struct Law {
     const double high = Centre() - scale * StandardNormalQuantile(0.5 * (1.0 - p));
     const double flat = p / law.Density(0.0);
     return threshold + SolveTail(
-                           low * (1.0 - kSlack), high * (1.0 + kSlack), std::max(low, std::min(flat, high)),
-                           p, true, [&](double y) { return law.Cdf(y); },
-                           [&](double y) { return law.Density(y); });
+                           low * (1.0 - kSlack), high * (1.0 + kSlack) + scale * kSlack,
+                           std::max(low, std::min(flat, high + scale * kSlack)), p, true,
+                           [&](double y) { return law.Cdf(y); }, [&](double y) { return law.Density(y); });
   }
 
   double FromUpper(double q) const {
@@ -95,6 +95,20 @@ struct Law {
 
   double Quantile(double p) const { return p < 0.5 ? FromLower(p) : FromUpper(1.0 - p); }
   double ComplementQuantile(double q) const { return q <= 0.5 ? FromUpper(q) : FromLower(1.0 - q); }
+
+  // By how much the mean of the magnitude exceeds that of the normal variable, in units of the scale.
+  double ExcessOfMean() const {
+    constexpr double kFar = 40.0;  // beyond it folding moves nothing
+    const double d = Centre() / scale;
+    return d < kFar ? 2.0 * (kInverseSqrtTwoPi * ExpMinusHalfSquare(d) - d * StandardNormalCdf(-d)) : 0.0;
+  }
+
+  double Mean() const { return threshold + (Centre() + scale * ExcessOfMean()); }
+
+  double Variance() const {
+    const double excess = ExcessOfMean();
+    return scale * scale * (excess > 0.0 ? 1.0 - excess * (2.0 * (Centre() / scale) + excess) : 1.0);
+  }
 };
 
 }  // namespace
@@ -130,6 +144,14 @@ void Cdf(std::span<const double> x, double location, double scale, double thresh
 void Quantile(std::span<const double> p, double location, double scale, double threshold,
               std::span<double> out) {
   QuantilesAt(Law{location, scale, threshold}, &Law::Quantile, p, out);
+}
+
+double Mean(double location, double scale, double threshold) {
+  return MomentAt(Law{location, scale, threshold}, &Law::Mean);
+}
+
+double Variance(double location, double scale, double threshold) {
+  return MomentAt(Law{location, scale, threshold}, &Law::Variance);
 }
 
 }  // namespace brenvolt::folded_normal

@@ -90,12 +90,16 @@ struct Law {
     constexpr double kSlack = 1e-12;
     double low = kInfinity;
     double high = -kInfinity;
+    double slack = 0.0;
     ForEach([&](const Component& c) {
       const double x = c.mean + c.deviation * z;
-      const double slack = kSlack * (std::abs(c.mean) + c.deviation * std::abs(z));
-      low = std::min(low, x - slack);
-      high = std::max(high, x + slack);
+      slack = std::max(slack, kSlack * (std::abs(c.mean) + c.deviation * std::abs(z)));
+      low = std::min(low, x);
+      high = std::max(high, x);
     });
+    if (low == high) return low;
+    low -= slack;
+    high += slack;
     return SolveTail(
         low, high, low + 0.5 * (high - low), p, isLower,
         [&](double x) { return isLower ? Cdf(x) : Complement(x); }, [&](double x) { return Density(x); });
@@ -110,6 +114,18 @@ struct Law {
 
   double Quantile(double p) const { return p <= 0.5 ? FromLower(p) : FromUpper(1.0 - p); }
   double ComplementQuantile(double q) const { return q <= 0.5 ? FromUpper(q) : FromLower(1.0 - q); }
+
+  double Mean() const {
+    return WeightedSum([](const Component& c) { return c.mean; }) / Total();
+  }
+
+  double Variance() const {
+    const double mean = Mean();
+    return WeightedSum([mean](const Component& c) {
+             return c.deviation * c.deviation + (c.mean - mean) * (c.mean - mean);
+           }) /
+           Total();
+  }
 };
 
 }  // namespace
@@ -148,6 +164,14 @@ void Cdf(std::span<const double> x, std::span<const double> components, std::spa
 
 void Quantile(std::span<const double> p, std::span<const double> components, std::span<double> out) {
   QuantilesAt(Law{components}, &Law::Quantile, p, out);
+}
+
+double Mean(std::span<const double> components) {
+  return MomentAt(Law{components}, &Law::Mean);
+}
+
+double Variance(std::span<const double> components) {
+  return MomentAt(Law{components}, &Law::Variance);
 }
 
 }  // namespace brenvolt::gaussian_mixture

@@ -2,6 +2,7 @@
 // - location) / scale; w = z, the Gumbel distribution, at shape 0. Jenkinson (1955).
 #include <limits>
 
+#include "host/numeric/gamma_moments.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/log_one_plus.h"
 
@@ -54,6 +55,9 @@ struct Law {
   double Complement(double x) const { return -std::expm1(-std::exp(-Reduced(x))); }
   double Quantile(double p) const { return AtReduced(-std::log(-std::log(p))); }
   double ComplementQuantile(double q) const { return AtReduced(-std::log(-std::log1p(-q))); }
+
+  double Mean() const { return location + scale * GammaPowerMean(shape); }
+  double Variance() const { return scale * scale * GammaPowerVariance(shape); }
 };
 
 }  // namespace
@@ -88,6 +92,14 @@ void Cdf(std::span<const double> x, double location, double scale, double shape,
 
 void Quantile(std::span<const double> p, double location, double scale, double shape, std::span<double> out) {
   QuantilesAt(Law{location, scale, shape}, &Law::Quantile, p, out);
+}
+
+double Mean(double location, double scale, double shape) {
+  return MomentAt(Law{location, scale, shape}, &Law::Mean);
+}
+
+double Variance(double location, double scale, double shape) {
+  return MomentAt(Law{location, scale, shape}, &Law::Variance);
 }
 
 }  // namespace brenvolt::gev

@@ -52,6 +52,13 @@ struct Law {
   double Complement(double x) const { return std::exp(-Hazard(x)); }
   double Quantile(double p) const { return AtHazard(-std::log1p(-p)); }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
+
+  double Mean() const { return shape < 1.0 ? threshold + scale / (1.0 - shape) : kInfinity; }
+
+  double Variance() const {
+    const double mean = scale / (1.0 - shape);
+    return shape < 0.5 ? mean * mean / (1.0 - 2.0 * shape) : kInfinity;
+  }
 };
 
 }  // namespace
@@ -87,6 +94,14 @@ void Cdf(std::span<const double> x, double scale, double shape, double threshold
 void Quantile(std::span<const double> p, double scale, double shape, double threshold,
               std::span<double> out) {
   QuantilesAt(Law{scale, shape, threshold}, &Law::Quantile, p, out);
+}
+
+double Mean(double scale, double shape, double threshold) {
+  return MomentAt(Law{scale, shape, threshold}, &Law::Mean);
+}
+
+double Variance(double scale, double shape, double threshold) {
+  return MomentAt(Law{scale, shape, threshold}, &Law::Variance);
 }
 
 }  // namespace brenvolt::gpd

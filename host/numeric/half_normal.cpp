@@ -52,6 +52,9 @@ struct Law {
   double ComplementQuantile(double q) const {
     return threshold + scale * (q <= 0.5 ? UpperZ(q) : LowerZ(1.0 - q));
   }
+
+  double Mean() const { return threshold + scale * (2.0 * kInverseSqrtTwoPi); }
+  double Variance() const { return scale * scale * (1.0 - 2.0 * std::numbers::inv_pi); }
 };
 
 }  // namespace
@@ -86,6 +89,14 @@ void Cdf(std::span<const double> x, double scale, double threshold, std::span<do
 
 void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out) {
   QuantilesAt(Law{scale, threshold}, &Law::Quantile, p, out);
+}
+
+double Mean(double scale, double threshold) {
+  return MomentAt(Law{scale, threshold}, &Law::Mean);
+}
+
+double Variance(double scale, double threshold) {
+  return MomentAt(Law{scale, threshold}, &Law::Variance);
 }
 
 }  // namespace brenvolt::half_normal

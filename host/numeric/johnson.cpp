@@ -3,6 +3,7 @@
 
 #include "host/numeric/estimators.h"
 #include "host/numeric/exact_sums.h"
+#include "host/numeric/johnson_bounded_moments.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/standard_normal.h"
 
@@ -71,7 +72,8 @@ struct Law {
     return 0.0;  // IsFamily
   }
 
-  double Standardised(double x) const { return gamma + delta * Transformed(x); }
+  // Rounded once: gamma may be large, and the tails magnify every unit in the last place.
+  double Standardised(double x) const { return std::fma(delta, Transformed(x), gamma); }
 
   // The slope joins the exponent: exp(-z^2 / 2) may underflow where their product does not.
   double Density(double x) const {
@@ -108,6 +110,44 @@ struct Law {
 
   double Quantile(double p) const { return AtNormal(StandardNormalQuantile(p)); }
   double ComplementQuantile(double q) const { return AtNormal(-StandardNormalQuantile(q)); }
+
+  double UnboundedMean() const {
+    return gamma == 0.0 ? xi : xi - lambda * std::exp(0.5 / delta / delta) * std::sinh(gamma / delta);
+  }
+
+  double UnboundedVariance() const {
+    const double excess = std::expm1(1.0 / delta / delta);  // omega - 1
+    return 0.5 * lambda * lambda * excess * ((1.0 + excess) * std::cosh(2.0 * gamma / delta) + 1.0);
+  }
+
+  // Johnson (1949), for SL, SU and SN; SB has no closed form.
+  double Mean() const {
+    switch (Family()) {
+      case JohnsonFamily::kLognormal:
+        return xi + lambda * std::exp((0.5 / delta - gamma) / delta);
+      case JohnsonFamily::kUnbounded:
+        return UnboundedMean();
+      case JohnsonFamily::kBounded:
+        return xi + lambda * BoundedMeanAndVariance(gamma, delta).mean;
+      case JohnsonFamily::kNormal:
+        return xi - lambda * (gamma / delta);
+    }
+    return kInvalidProbability;  // IsFamily
+  }
+
+  double Variance() const {
+    switch (Family()) {
+      case JohnsonFamily::kLognormal:
+        return lambda * lambda * LognormalVariance(1.0 / delta / delta, 2.0 * (1.0 / delta - gamma) / delta);
+      case JohnsonFamily::kUnbounded:
+        return UnboundedVariance();
+      case JohnsonFamily::kBounded:
+        return lambda * lambda * BoundedMeanAndVariance(gamma, delta).variance;
+      case JohnsonFamily::kNormal:
+        return (lambda / delta) * (lambda / delta);
+    }
+    return kInvalidProbability;  // IsFamily
+  }
 };
 
 }  // namespace
@@ -148,6 +188,14 @@ void Cdf(std::span<const double> x, double family, double gamma, double delta, d
 void Quantile(std::span<const double> p, double family, double gamma, double delta, double lambda, double xi,
               std::span<double> out) {
   QuantilesAt(Law{family, gamma, delta, lambda, xi}, &Law::Quantile, p, out);
+}
+
+double Mean(double family, double gamma, double delta, double lambda, double xi) {
+  return MomentAt(Law{family, gamma, delta, lambda, xi}, &Law::Mean);
+}
+
+double Variance(double family, double gamma, double delta, double lambda, double xi) {
+  return MomentAt(Law{family, gamma, delta, lambda, xi}, &Law::Variance);
 }
 
 }  // namespace brenvolt::johnson

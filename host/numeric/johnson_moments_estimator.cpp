@@ -6,10 +6,10 @@
 #include <cmath>
 #include <limits>
 #include <span>
-#include <vector>
 
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
+#include "host/numeric/johnson_bounded_moments.h"
 #include "host/numeric/johnson_fit.h"
 
 namespace brenvolt {
@@ -91,52 +91,6 @@ JohnsonFit FitUnbounded(double skewness, double kurtosis) {
   return fit;
 }
 
-struct Moments {
-  double mean = 0.0;
-  double deviation = 0.0;
-  double skewness = 0.0;
-  double kurtosis = 0.0;  // excess
-};
-
-// Of y = 1 / (1 + exp(-(z - gamma) / delta)), z standard normal, gamma >= 0. The trapezoidal rule, whose
-// error for a function analytic within pi delta of the real line is exp(-2 pi^2 delta / step); reaching far
-// enough for the fourth power of the lognormal that y is while it is small.
-Moments BoundedMoments(double gamma, double delta) {
-  constexpr double kReach = 9.5;
-  const double step = std::min(0.25, 0.4 * delta);
-  const double upper = kReach + std::min(4.0 / delta, gamma);
-  std::vector<double> logs;
-  std::vector<double> weights;
-  double greatest = -std::numeric_limits<double>::infinity();
-  for (double z = -kReach; z <= upper; z += step) {
-    const double t = (z - gamma) / delta;
-    const double logY = t > 0.0 ? -std::log1p(std::exp(-t)) : t - std::log1p(std::exp(t));
-    logs.push_back(logY);
-    weights.push_back(std::exp(-0.5 * z * z));
-    greatest = std::max(greatest, logY);
-  }
-  double total = 0.0;
-  double first = 0.0;
-  for (std::size_t i = 0; i < logs.size(); ++i) {
-    logs[i] = std::exp(logs[i] - greatest);
-    total += weights[i];
-    first += weights[i] * logs[i];
-  }
-  const double mean = first / total;
-  double m2 = 0.0;
-  double m3 = 0.0;
-  double m4 = 0.0;
-  for (std::size_t i = 0; i < logs.size(); ++i) {
-    const double d = logs[i] - mean;
-    m2 += weights[i] * d * d;
-    m3 += weights[i] * d * d * d;
-    m4 += weights[i] * d * d * d * d;
-  }
-  m2 /= total;
-  const double unit = std::exp(greatest);
-  return {mean * unit, std::sqrt(m2) * unit, m3 / total / (m2 * std::sqrt(m2)), m4 / total / (m2 * m2) - 3.0};
-}
-
 // The gamma >= 0 that gives the skewness at this delta; the farthest of use where the lognormal limit has no
 // more.
 double GammaOfSkewness(double skewness, double delta) {
@@ -145,18 +99,18 @@ double GammaOfSkewness(double skewness, double delta) {
   // bit.
   const double farthest = 34.0 * delta + 4.0 / delta;
   double high = std::min(1.0, farthest);
-  while (BoundedMoments(high, delta).skewness < skewness) {
+  while (MomentsOfBounded(high, delta).skewness < skewness) {
     if (high >= farthest) return farthest;
     high = std::min(2.0 * high, farthest);
   }
-  return SolveBetween([&](double g) { return BoundedMoments(g, delta).skewness - skewness; }, 0.0, high);
+  return SolveBetween([&](double g) { return MomentsOfBounded(g, delta).skewness - skewness; }, 0.0, high);
 }
 
 // False when the moments are too close to those of two points.
 bool FitBounded(double skewness, double kurtosis, JohnsonFit& fit) {
   constexpr double kLeastDelta = 2e-3;
   const auto excess = [&](double delta) {
-    return BoundedMoments(GammaOfSkewness(skewness, delta), delta).kurtosis - kurtosis;
+    return MomentsOfBounded(GammaOfSkewness(skewness, delta), delta).kurtosis - kurtosis;
   };
   // The lognormal of this skewness bounds delta; without skewness nothing does.
   double high = skewness > 0.0 ? 1.0 / std::sqrt(std::log1p(LognormalOmegaLessOne(skewness))) : 1.0;
@@ -171,7 +125,7 @@ bool FitBounded(double skewness, double kurtosis, JohnsonFit& fit) {
   }
   const double delta = SolveBetween(excess, low, high);
   const double gamma = GammaOfSkewness(skewness, delta);
-  const Moments moments = BoundedMoments(gamma, delta);
+  const BoundedMoments moments = MomentsOfBounded(gamma, delta);
   fit = {JohnsonFamily::kBounded, gamma, delta, 1.0 / moments.deviation, -moments.mean / moments.deviation};
   return true;
 }

@@ -25,6 +25,12 @@ double ProbabilityAt(bool isValid, double x, const Formula& formula) {
   return formula(x);
 }
 
+// `formula`() for a mean or variance.
+template <class Formula>
+double MomentAt(bool isValid, const Formula& formula) {
+  return isValid ? formula() : kInvalidProbability;
+}
+
 // `formula`(p) for a quantile; p = 0 and p = 1 reach the formula.
 template <class Formula>
 double QuantileAt(bool isValid, double p, const Formula& formula) {
@@ -57,6 +63,11 @@ double ProbabilityAt(const Law& law, Formula<Law> formula, double x) {
 }
 
 template <class Law>
+double MomentAt(const Law& law, double (Law::*moment)() const) {
+  return MomentAt(law.IsValid(), [&] { return (law.*moment)(); });
+}
+
+template <class Law>
 double QuantileAt(const Law& law, Formula<Law> formula, double p) {
   return QuantileAt(law.IsValid(), p, [&](double at) { return (law.*formula)(at); });
 }
@@ -69,6 +80,13 @@ void ProbabilitiesAt(const Law& law, Formula<Law> formula, std::span<const doubl
 template <class Law>
 void QuantilesAt(const Law& law, Formula<Law> formula, std::span<const double> p, std::span<double> out) {
   QuantilesAt(law.IsValid(), p, out, [&](double at) { return (law.*formula)(at); });
+}
+
+// The variance of exp(N), N normal, from the variance of N and twice the sum of mean and variance of N: the
+// two factors of the formula may over- and underflow where their product does not.
+inline double LognormalVariance(double variance, double exponent) {
+  constexpr double kLarge = 40.0;  // where exp(variance) - 1 is exp(variance)
+  return variance > kLarge ? std::exp(exponent) : std::expm1(variance) * std::exp(exponent - variance);
 }
 
 // The array forms under invalid parameters.

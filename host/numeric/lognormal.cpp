@@ -90,4 +90,14 @@ void Quantile(std::span<const double> p, double scale, double shape, double thre
   vector_forms::LognormalQuantile(p, scale, shape, threshold, out);
 }
 
+double Mean(double scale, double shape, double threshold) {
+  return MomentAt(IsValid(scale, shape, threshold),
+                  [=] { return threshold + std::exp(scale + 0.5 * shape * shape); });
+}
+
+double Variance(double scale, double shape, double threshold) {
+  return MomentAt(IsValid(scale, shape, threshold),
+                  [=] { return LognormalVariance(shape * shape, 2.0 * (scale + shape * shape)); });
+}
+
 }  // namespace brenvolt::lognormal

@@ -52,4 +52,12 @@ void Quantile(std::span<const double> p, double location, double scale, std::spa
   vector_forms::NormalQuantile(p, location, scale, out);
 }
 
+double Mean(double location, double scale) {
+  return MomentAt(IsValid(location, scale), [=] { return location; });
+}
+
+double Variance(double location, double scale) {
+  return MomentAt(IsValid(location, scale), [=] { return scale * scale; });
+}
+
 }  // namespace brenvolt::normal

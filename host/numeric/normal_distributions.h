@@ -17,6 +17,8 @@ double Quantile(double p, double location, double scale);
 double ComplementQuantile(double q, double location, double scale);
 void Cdf(std::span<const double> x, double location, double scale, std::span<double> out);
 void Quantile(std::span<const double> p, double location, double scale, std::span<double> out);
+double Mean(double location, double scale);
+double Variance(double location, double scale);
 }  // namespace normal
 
 namespace lognormal {  // scale: mean of ln(x - threshold), in R; shape > 0: its standard deviation
@@ -29,6 +31,8 @@ double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+double Mean(double scale, double shape, double threshold);
+double Variance(double scale, double shape, double threshold);
 }  // namespace lognormal
 
 namespace folded_normal {  // the magnitude of a normal variable with location in R, scale > 0
@@ -42,6 +46,8 @@ double ComplementQuantile(double q, double location, double scale, double thresh
 void Cdf(std::span<const double> x, double location, double scale, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double location, double scale, double threshold,
               std::span<double> out);
+double Mean(double location, double scale, double threshold);
+double Variance(double location, double scale, double threshold);
 }  // namespace folded_normal
 
 namespace half_normal {  // the magnitude of a normal variable about 0 with scale > 0
@@ -54,10 +60,13 @@ double Quantile(double p, double scale, double threshold);
 double ComplementQuantile(double q, double scale, double threshold);
 void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
 void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
+double Mean(double scale, double threshold);
+double Variance(double scale, double threshold);
 }  // namespace half_normal
 
 // Proportions count relative to their sum, which lies within 2e-5 of 1. One component at least. The quantile
-// is a safeguarded iteration on the smaller tail and always ends with a value.
+// is a safeguarded iteration on the smaller tail and always ends with a value. Between components that lie
+// far apart the distribution function is flat: there the quantile is one of many x of the same probability.
 namespace gaussian_mixture {  // mixing coefficient >= 0, mean, standard deviation > 0, repeated
 bool IsValid(std::span<const double> components);
 double Density(double x, std::span<const double> components);
@@ -68,10 +77,13 @@ double Quantile(double p, std::span<const double> components);
 double ComplementQuantile(double q, std::span<const double> components);
 void Cdf(std::span<const double> x, std::span<const double> components, std::span<double> out);
 void Quantile(std::span<const double> p, std::span<const double> components, std::span<double> out);
+double Mean(std::span<const double> components);
+double Variance(std::span<const double> components);
 }  // namespace gaussian_mixture
 
 // Johnson (1949): z = gamma + delta g((x - xi) / lambda) is standard normal; g is ln (code 1, SL), asinh (2,
-// SU), logit (3, SB), the identity (4, SN).
+// SU), logit (3, SB), the identity (4, SN). Mean and variance of SB are by quadrature; see
+// johnson_bounded_moments.h.
 namespace johnson {  // family: the code of a JohnsonFamily; gamma, xi in R; delta, lambda > 0
 bool IsValid(double family, double gamma, double delta, double lambda, double xi);
 double Density(double x, double family, double gamma, double delta, double lambda, double xi);
@@ -84,6 +96,8 @@ void Cdf(std::span<const double> x, double family, double gamma, double delta, d
          std::span<double> out);
 void Quantile(std::span<const double> p, double family, double gamma, double delta, double lambda, double xi,
               std::span<double> out);
+double Mean(double family, double gamma, double delta, double lambda, double xi);
+double Variance(double family, double gamma, double delta, double lambda, double xi);
 }  // namespace johnson
 
 }  // namespace brenvolt

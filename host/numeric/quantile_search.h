@@ -26,7 +26,8 @@ template <class Tail, class Density>
 double SolveTail(double low, double high, double start, double p, bool isLower, const Tail& tail,
                  const Density& density) {
   constexpr int kFreeSteps = 8;
-  constexpr double kConverged = 1e-12;  // of ln tail; one step more squares it
+  constexpr double kConverged = 1e-12;  // of ln tail; one step more squares it,
+  constexpr double kShort = 1e-8;       // if it is so short, in x, that the density hardly changes
   double x = start > low && start < high ? start : MiddleDouble(low, high);
   for (int step = 1; x != low && x != high; ++step) {
     const double t = tail(x);
@@ -36,7 +37,8 @@ double SolveTail(double low, double high, double start, double p, bool isLower, 
     const double move = difference * t / density(x);
     const double next = isLower ? x - move : x + move;
     const bool isInside = next > low && next < high;
-    if (isInside && std::abs(difference) < kConverged) return next;
+    const bool isShort = std::abs(move) <= kShort * std::abs(x);
+    if (isInside && isShort && std::abs(difference) < kConverged) return next;
     x = isInside && (step <= kFreeSteps || step % 2 == 0) ? next : MiddleDouble(low, high);
   }
   return x;

@@ -1,5 +1,6 @@
 // The Rayleigh distribution: P(X > x) = exp(-z^2 / 2), z = (x - threshold) / scale, for x >= threshold.
 #include <limits>
+#include <numbers>
 
 #include "host/numeric/law_forms.h"
 #include "host/numeric/standard_normal.h"
@@ -48,6 +49,9 @@ struct Law {
   double Quantile(double p) const { return threshold + scale * std::sqrt(-2.0 * std::log1p(-p)); }
 
   double ComplementQuantile(double q) const { return threshold + scale * std::sqrt(-2.0 * std::log(q)); }
+
+  double Mean() const { return threshold + scale * std::sqrt(0.5 * std::numbers::pi); }
+  double Variance() const { return scale * scale * (2.0 - 0.5 * std::numbers::pi); }
 };
 
 }  // namespace
@@ -82,6 +86,14 @@ void Cdf(std::span<const double> x, double scale, double threshold, std::span<do
 
 void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out) {
   QuantilesAt(Law{scale, threshold}, &Law::Quantile, p, out);
+}
+
+double Mean(double scale, double threshold) {
+  return MomentAt(Law{scale, threshold}, &Law::Mean);
+}
+
+double Variance(double scale, double threshold) {
+  return MomentAt(Law{scale, threshold}, &Law::Variance);
 }
 
 }  // namespace brenvolt::rayleigh

@@ -71,6 +71,9 @@ struct Law {
     if (q * Width() < Fall()) return max - FromEnd(q, Fall());
     return q < 0.5 ? mode - FromMode(q, Rise()) : min + FromEnd(1.0 - q, Rise());
   }
+
+  double Mean() const { return min + (Width() + Rise()) / 3.0; }
+  double Variance() const { return (Rise() * Width() + Fall() * Fall()) / 18.0; }
 };
 
 }  // namespace
@@ -105,6 +108,14 @@ void Cdf(std::span<const double> x, double min, double max, double mode, std::sp
 
 void Quantile(std::span<const double> p, double min, double max, double mode, std::span<double> out) {
   QuantilesAt(Law{min, max, mode}, &Law::Quantile, p, out);
+}
+
+double Mean(double min, double max, double mode) {
+  return MomentAt(Law{min, max, mode}, &Law::Mean);
+}
+
+double Variance(double min, double max, double mode) {
+  return MomentAt(Law{min, max, mode}, &Law::Variance);
 }
 
 }  // namespace brenvolt::triangular

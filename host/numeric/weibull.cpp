@@ -1,6 +1,7 @@
 // The Weibull distribution: P(X > x) = exp(-h), h = ((x - threshold) / scale)^shape, for x >= threshold.
 #include <limits>
 
+#include "host/numeric/gamma_moments.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/vector_forms.h"
 
@@ -78,6 +79,18 @@ void Quantile(std::span<const double> p, double scale, double shape, double thre
               std::span<double> out) {
   if (!IsValid(scale, shape, threshold)) return FillInvalid(p.size(), kInvalidQuantile, out);
   vector_forms::WeibullQuantile(p, scale, shape, threshold, out);
+}
+
+double Mean(double scale, double shape, double threshold) {
+  return MomentAt(IsValid(scale, shape, threshold),
+                  [=] { return threshold + scale * std::tgamma(1.0 + 1.0 / shape); });
+}
+
+double Variance(double scale, double shape, double threshold) {
+  return MomentAt(IsValid(scale, shape, threshold), [=] {
+    const double unit = scale / shape;
+    return unit * unit * GammaPowerVariance(-1.0 / shape);
+  });
 }
 
 }  // namespace brenvolt::weibull

@@ -23,6 +23,7 @@ using Out = std::span<double>;
 using Parameters = std::vector<double>;
 using Function = std::function<double(double, In parameters)>;
 using ArrayFunction = std::function<void(In, In parameters, Out)>;
+using Moment = std::function<double(In parameters)>;
 
 // The limits that every type keeps.
 inline constexpr double kBodyTolerance = 1e-13;
@@ -35,6 +36,7 @@ struct Type {
   std::vector<std::size_t> origins;  // parameters that are places, to which a quantile is relative
   std::map<std::string, Function> functions;
   std::map<std::string, ArrayFunction> arrays;
+  std::map<std::string, Moment> moments;
 };
 
 inline void PrintTo(const Type& type, std::ostream* out) {
@@ -46,6 +48,7 @@ template <class... P>
 struct Shape {
   using Scalar = double (*)(double, P...);
   using Array = void (*)(In, P..., Out);
+  using Moment = double (*)(P...);
 
   template <class Call>
   static auto Spread(In parameters, const Call& call) {
@@ -67,19 +70,27 @@ struct Shape {
     return [f](In x, In parameters, Out out) { Spread(parameters, [&](P... p) { f(x, p..., out); }); };
   }
 
+  static references::Moment BindMoment(Moment f) {
+    return [f](In parameters) { return Spread(parameters, f); };
+  }
+
   static Type Make(std::string name, bool isDiscrete, std::vector<std::size_t> origins, Scalar density,
                    Scalar logDensity, Scalar cdf, Scalar complement, Scalar quantile,
-                   Scalar complementQuantile, Array cdfs, Array quantiles) {
-    return {std::move(name),
-            isDiscrete,
-            std::move(origins),
-            {{"Density", Bind(density)},
-             {"LogDensity", Bind(logDensity)},
-             {"Cdf", Bind(cdf)},
-             {"Complement", Bind(complement)},
-             {"Quantile", Bind(quantile)},
-             {"ComplementQuantile", Bind(complementQuantile)}},
-            {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}}};
+                   Scalar complementQuantile, Array cdfs, Array quantiles, Moment mean = nullptr,
+                   Moment variance = nullptr) {
+    Type type = {std::move(name),
+                 isDiscrete,
+                 std::move(origins),
+                 {{"Density", Bind(density)},
+                  {"LogDensity", Bind(logDensity)},
+                  {"Cdf", Bind(cdf)},
+                  {"Complement", Bind(complement)},
+                  {"Quantile", Bind(quantile)},
+                  {"ComplementQuantile", Bind(complementQuantile)}},
+                 {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
+                 {}};
+    if (mean) type.moments = {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}};
+    return type;
   }
 };
 
@@ -88,40 +99,45 @@ inline std::vector<Type> AllTypes() {
   return {
       Shape<double, double>::Make("normal", false, {0}, normal::Density, normal::LogDensity, normal::Cdf,
                                   normal::Complement, normal::Quantile, normal::ComplementQuantile,
-                                  normal::Cdf, normal::Quantile),
+                                  normal::Cdf, normal::Quantile, normal::Mean, normal::Variance),
       Shape<double, double, double>::Make("lognormal", false, {2}, lognormal::Density, lognormal::LogDensity,
                                           lognormal::Cdf, lognormal::Complement, lognormal::Quantile,
-                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile),
+                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile,
+                                          lognormal::Mean, lognormal::Variance),
       Shape<double, double, double>::Make(
           "folded_normal", false, {2}, folded_normal::Density, folded_normal::LogDensity, folded_normal::Cdf,
           folded_normal::Complement, folded_normal::Quantile, folded_normal::ComplementQuantile,
-          folded_normal::Cdf, folded_normal::Quantile),
+          folded_normal::Cdf, folded_normal::Quantile, folded_normal::Mean, folded_normal::Variance),
       Shape<double, double>::Make("half_normal", false, {1}, half_normal::Density, half_normal::LogDensity,
                                   half_normal::Cdf, half_normal::Complement, half_normal::Quantile,
-                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile),
+                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile,
+                                  half_normal::Mean, half_normal::Variance),
       Shape<double, double>::Make("rayleigh", false, {1}, rayleigh::Density, rayleigh::LogDensity,
                                   rayleigh::Cdf, rayleigh::Complement, rayleigh::Quantile,
-                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile),
+                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile,
+                                  rayleigh::Mean, rayleigh::Variance),
       Shape<double, double, double>::Make("weibull", false, {2}, weibull::Density, weibull::LogDensity,
                                           weibull::Cdf, weibull::Complement, weibull::Quantile,
-                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile),
-      Shape<In>::Make("gaussian_mixture", false, {}, gaussian_mixture::Density, gaussian_mixture::LogDensity,
-                      gaussian_mixture::Cdf, gaussian_mixture::Complement, gaussian_mixture::Quantile,
-                      gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
-                      gaussian_mixture::Quantile),
+                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile,
+                                          weibull::Mean, weibull::Variance),
+      Shape<In>::Make("gaussian_mixture", false, {1, 4, 7}, gaussian_mixture::Density,
+                      gaussian_mixture::LogDensity, gaussian_mixture::Cdf, gaussian_mixture::Complement,
+                      gaussian_mixture::Quantile, gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
+                      gaussian_mixture::Quantile, gaussian_mixture::Mean, gaussian_mixture::Variance),
       Shape<double, double, double, double, double>::Make(
           "johnson", false, {4}, johnson::Density, johnson::LogDensity, johnson::Cdf, johnson::Complement,
-          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile),
+          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile, johnson::Mean,
+          johnson::Variance),
       Shape<double, double, double>::Make("gev", false, {0}, gev::Density, gev::LogDensity, gev::Cdf,
                                           gev::Complement, gev::Quantile, gev::ComplementQuantile, gev::Cdf,
-                                          gev::Quantile),
+                                          gev::Quantile, gev::Mean, gev::Variance),
       Shape<double, double, double>::Make("gpd", false, {2}, gpd::Density, gpd::LogDensity, gpd::Cdf,
                                           gpd::Complement, gpd::Quantile, gpd::ComplementQuantile, gpd::Cdf,
-                                          gpd::Quantile),
-      Shape<double, double, double>::Make("triangular", false, {0, 1}, triangular::Density,
-                                          triangular::LogDensity, triangular::Cdf, triangular::Complement,
-                                          triangular::Quantile, triangular::ComplementQuantile,
-                                          triangular::Cdf, triangular::Quantile),
+                                          gpd::Quantile, gpd::Mean, gpd::Variance),
+      Shape<double, double, double>::Make(
+          "triangular", false, {0, 1}, triangular::Density, triangular::LogDensity, triangular::Cdf,
+          triangular::Complement, triangular::Quantile, triangular::ComplementQuantile, triangular::Cdf,
+          triangular::Quantile, triangular::Mean, triangular::Variance),
       Shape<double, double>::Make("binomial", true, {}, binomial::Density, binomial::LogDensity,
                                   binomial::Cdf, binomial::Complement, binomial::Quantile,
                                   binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile),
@@ -154,21 +170,46 @@ inline std::vector<std::string> Split(const std::string& text, char separator) {
   return parts;
 }
 
-// The rows of <folder>/<type>.csv: function, region, argument, parameters…, value. A column may hold several
-// parameters, apart by blanks.
-inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
-  std::ifstream file(folder + "/" + type.name + ".csv");
-  std::vector<Row> rows;
+// The fields of the lines of a file after its first, the header; none where there is no file.
+inline std::vector<std::vector<std::string>> ReadFields(const std::string& path) {
+  std::ifstream file(path);
+  std::vector<std::vector<std::string>> lines;
   std::string line;
   std::getline(file, line);
-  while (std::getline(file, line)) {
-    const std::vector<std::string> fields = Split(line, ',');
-    Row row = {fields.at(0), fields.at(1) == "tail", std::stod(fields.at(2)), {}, std::stod(fields.back())};
-    for (std::size_t i = 3; i + 1 < fields.size(); ++i) {
-      for (const std::string& parameter : Split(fields[i], ' '))
-        row.parameters.push_back(std::stod(parameter));
-    }
-    rows.push_back(std::move(row));
+  while (std::getline(file, line)) lines.push_back(Split(line, ','));
+  return lines;
+}
+
+// The fields from `begin` up to the last one. A field may hold several parameters, apart by blanks.
+inline Parameters ReadParameters(const std::vector<std::string>& fields, std::size_t begin) {
+  Parameters parameters;
+  for (std::size_t i = begin; i + 1 < fields.size(); ++i) {
+    for (const std::string& parameter : Split(fields[i], ' ')) parameters.push_back(std::stod(parameter));
+  }
+  return parameters;
+}
+
+// The rows of <folder>/<type>.csv: function, region, argument, parameters…, value.
+inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
+  std::vector<Row> rows;
+  for (const auto& fields : ReadFields(folder + "/" + type.name + ".csv")) {
+    rows.push_back({fields.at(0), fields.at(1) == "tail", std::stod(fields.at(2)), ReadParameters(fields, 3),
+                    std::stod(fields.back())});
+  }
+  return rows;
+}
+
+struct MomentRow {
+  std::string function;
+  Parameters parameters;
+  double value;
+};
+
+// The rows of <folder>/<type>_moments.csv: function, parameters…, value.
+inline std::vector<MomentRow> ReadMoments(const std::string& folder, const Type& type) {
+  std::vector<MomentRow> rows;
+  for (const auto& fields : ReadFields(folder + "/" + type.name + "_moments.csv")) {
+    rows.push_back({fields.at(0), ReadParameters(fields, 1), std::stod(fields.back())});
   }
   return rows;
 }
@@ -176,7 +217,9 @@ inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
 // The size to which an error of a value on the axis is relative: its own, or that of the type's places.
 inline double SizeOnAxis(const Type& type, double x, In parameters) {
   double size = std::abs(x);
-  for (const std::size_t i : type.origins) size = std::max(size, std::abs(parameters[i]));
+  for (const std::size_t i : type.origins) {
+    if (i < parameters.size()) size = std::max(size, std::abs(parameters[i]));
+  }
   return size;
 }
 
@@ -190,12 +233,28 @@ inline double RelativeError(const Type& type, const Row& row, double computed) {
   return error == 0.0 ? 0.0 : error / size;
 }
 
+// The error of a mean, relative like a quantile's, or of a variance; none where both are infinite.
+inline double RelativeError(const Type& type, const MomentRow& row, double computed) {
+  if (computed == row.value) return 0.0;
+  const double size = row.function == "Mean" ? SizeOnAxis(type, row.value, row.parameters) : row.value;
+  return std::abs(computed - row.value) / size;
+}
+
+// What comes of taking x to the probability of its nearer tail and back. Where the density is low the
+// probability does not tell x from its neighbours; what can be asked there is that the x that comes back has
+// the same probability.
 struct RoundTrip {
-  double error = 0.0;      // of the quantile of the nearer tail at x, relative like a quantile's
-  double condition = 0.0;  // the error that four units in the last place of that probability make
+  double error = 0.0;         // of the x that comes back, relative like a quantile's
+  bool isConditioned = true;  // four units in the last place of the probability make less than the tolerance
+  double probability = 0.0;   // the relative error of the probability of the x that comes back
 };
 
-// x to the probability of its nearer tail and back.
+// Whether a row gives an x for the round trip: once each, where the nearer tail is in the table, hence above
+// 1e-300.
+inline bool IsForRoundTrip(const Row& row) {
+  return (row.function == "Cdf" || row.function == "Complement") && row.value <= 0.5;
+}
+
 inline RoundTrip GoRound(const Type& type, double x, In parameters) {
   constexpr double kFourUlps = 4.0 * std::numeric_limits<double>::epsilon();
   const double low = type.functions.at("Cdf")(x, parameters);
@@ -205,8 +264,11 @@ inline RoundTrip GoRound(const Type& type, double x, In parameters) {
       type.functions.at(isLower ? "Quantile" : "ComplementQuantile")(isLower ? low : high, parameters);
   const double size = SizeOnAxis(type, x, parameters);
   const double density = type.functions.at("Density")(x, parameters);
+  const double p = std::min(low, high);
+  const double again = type.functions.at(isLower ? "Cdf" : "Complement")(back, parameters);
   const double error = std::abs(back - x);
-  return {error == 0.0 ? 0.0 : error / size, kFourUlps * std::min(low, high) / density / size};
+  return {error == 0.0 ? 0.0 : error / size, kFourUlps * p < kRoundTripTolerance * density * size,
+          std::abs(again - p) / p};
 }
 
 }  // namespace brenvolt::references

@@ -1,49 +1,29 @@
 #!/usr/bin/env python3
-"""Writes the reference tables of the distribution types: <type>.csv beside this script.
+"""Writes the reference tables of the normal, lognormal and Weibull types: <type>.csv and <type>_moments.csv beside
+this script.
 
 Run by hand (needs mpmath); the tables are committed. Every argument is a double, taken exactly; every value is computed
 with at least 50 digits and rounded once to the nearest double. The functions are written down independently of the
-library's own methods: densities from their definitions, tails as erfc, exp and sums of series, quantiles by root finding.
+library's own methods: densities from their definitions, tails as erfc and exp, quantiles by root finding.
 
 Columns: function, region, argument, the parameters, value. The region is `tail` where the smaller of the two tail
 probabilities is below 1e-6, else `body`.
 """
-import csv
-import pathlib
+from mpmath import erfc, exp, expm1, gamma, log, log1p, mpf, pi, sqrt
 
-from mpmath import erfc, exp, expm1, findroot, floor, inf, isinf, log, log1p, loggamma, mp, mpf, pi, sqrt
-
-mp.dps = 60
-FOLDER = pathlib.Path(__file__).parent
-SMALL = ["1e-300", "1e-250", "3e-200", "1e-150", "7e-100", "1e-60", "1e-30", "4e-20", "1e-15", "1e-10", "1e-7"]
-MIDDLE = ["1e-5", "0.001", "0.01", "0.05", "0.074", "0.076", "0.2", "0.35", "0.45", "0.499", "0.5", "0.5000001",
-          "0.6", "0.75", "0.9", "0.925", "0.95", "0.99", "0.999", "0.99999", "0.999999999"]
-PROBABILITIES = [float(p) for p in SMALL + MIDDLE]
-TAIL = mpf("1e-6")
-
-
-def region(low, high):
-    return "tail" if min(low, high) < TAIL else "body"
-
-
-def normal_lower_quantile(p):
-    """The z with P(Z <= z) = p."""
-    p = mpf(p)
-    if p > mpf(1) / 2:
-        return -normal_lower_quantile(1 - p)
-    if p == mpf(1) / 2:
-        return mpf(0)
-    start = -sqrt(-2 * log(p)) * mpf("0.9") if p < mpf("0.1") else (p - mpf(1) / 2) * mpf("2.6")
-    return findroot(lambda z: log(erfc(-z / sqrt(2)) / 2) - log(p), start, tol=mpf(10) ** -100, maxsteps=100)
+from table_rows import normal_lower_quantile, write_moments, write_table
 
 
 class Normal:
     name, parameters = "normal", ["location", "scale"]
     sets = [(0.0, 1.0), (10.0, 0.1), (-3.7, 25.0), (1e6, 1e-3), (0.0, 1e-9), (2.5, 1e9), (-444.0, 3.25)]
-    discrete = False
+    moment_sets = [(m, s) for m in (0.0, -3.5, 10.0, 1e6, -444.0) for s in (1.0, 0.1, 1e-9, 3e8)]
 
     def __init__(self, location, scale):
         self.location, self.scale = mpf(location), mpf(scale)
+
+    def is_inside(self, x):
+        return True
 
     def z(self, x):
         return (mpf(x) - self.location) / self.scale
@@ -63,15 +43,24 @@ class Normal:
     def complement_quantile(self, q):
         return self.location - self.scale * normal_lower_quantile(q)
 
+    def mean(self):
+        return self.location
+
+    def variance(self):
+        return self.scale ** 2
+
 
 class LogNormal:
     name, parameters = "lognormal", ["scale", "shape", "threshold"]
     sets = [(0.0, 1.0, 0.0), (10.0, 0.01, 0.0), (-2.0, 0.5, 0.0), (3.0, 0.25, 100.0), (1.5, 3.0, -5.0),
             (-20.0, 1.0, 0.0), (12.5, 0.1, -1e4)]
-    discrete = False
+    moment_sets = [(m, s, t) for m in (0.0, -20.0, 12.5, 3.0) for s in (1.0, 1e-8, 0.01, 3.0) for t in (0.0, -50.0)]
 
     def __init__(self, scale, shape, threshold):
         self.scale, self.shape, self.threshold = mpf(scale), mpf(shape), mpf(threshold)
+
+    def is_inside(self, x):
+        return x > self.threshold
 
     def z(self, x):
         return (log(mpf(x) - self.threshold) - self.scale) / self.shape
@@ -91,15 +80,25 @@ class LogNormal:
     def complement_quantile(self, q):
         return self.threshold + exp(self.scale - self.shape * normal_lower_quantile(q))
 
+    def mean(self):
+        return self.threshold + exp(self.scale + self.shape ** 2 / 2)
+
+    def variance(self):
+        return exp(2 * self.scale + self.shape ** 2) * expm1(self.shape ** 2)
+
 
 class Weibull:
     name, parameters = "weibull", ["scale", "shape", "threshold"]
     sets = [(1.0, 1.0, 0.0), (100.0, 2.5, 0.0), (0.003, 0.7, 0.0), (5e6, 3.6, 0.0), (12.0, 1.5, 40.0),
             (2.0, 25.0, -7.0), (1e-8, 5.0, 0.0)]
-    discrete = False
+    moment_sets = [(s, k, t) for k in (0.05, 0.7, 1.0, 1.5, 2.5, 3.6, 6.0, 7.0, 25.0, 1e3, 1e8)
+                   for s, t in ((1.0, 0.0), (5e3, -40.0))]
 
     def __init__(self, scale, shape, threshold):
         self.scale, self.shape, self.threshold = mpf(scale), mpf(shape), mpf(threshold)
+
+    def is_inside(self, x):
+        return x > self.threshold
 
     def hazard(self, x):
         return ((mpf(x) - self.threshold) / self.scale) ** self.shape
@@ -120,106 +119,17 @@ class Weibull:
     def complement_quantile(self, q):
         return self.threshold + self.scale * (-log(mpf(q))) ** (1 / self.shape)
 
+    def mean(self):
+        return self.threshold + self.scale * gamma(1 + 1 / self.shape)
 
-class Poisson:
-    name, parameters = "poisson", ["mean"]
-    sets = [(0.01,), (0.5,), (1.0,), (3.7,), (20.0,), (150.0,), (1234.5,), (1e5,), (2.5e7,), (1e9,)]
-    discrete = True
-
-    def __init__(self, mean):
-        self.mean = mpf(mean)
-
-    def log_density(self, k):
-        with mp.workdps(90):
-            return mpf(k) * log(self.mean) - self.mean - loggamma(mpf(k) + 1)
-
-    def lower_sum(self, k):
-        """P(N <= k) as the density at k times 1 + k/m + k(k-1)/m^2 + ..."""
-        total = term = mpf(1)
-        while k > 0 and term > total * mpf("1e-55"):
-            term = term * k / self.mean
-            k -= 1
-            total += term
-        return total
-
-    def upper_sum(self, k):
-        """P(N > k) as the density at k times m/(k+1) + m^2/((k+1)(k+2)) + ..."""
-        total, term = mpf(0), mpf(1)
-        while term > total * mpf("1e-55"):
-            k += 1
-            term = term * self.mean / k
-            total += term
-        return total
-
-    def tails(self, k):
-        if k < 0:
-            return mpf(0), mpf(1)
-        density = exp(self.log_density(k))
-        if k < self.mean:
-            low = density * self.lower_sum(int(k))
-            return low, 1 - low
-        high = density * self.upper_sum(int(k))
-        return 1 - high, high
-
-
-def continuous_rows(law, values):
-    points = set()
-    for p in PROBABILITIES:
-        points.add(float(law.quantile(p)))
-        points.add(float(law.complement_quantile(p)))
-    for x in sorted(points):
-        if law.name != "normal" and mpf(x) <= law.threshold:
-            continue
-        low, high, log_density = law.cdf(x), law.complement(x), law.log_density(x)
-        where = region(low, high)
-        yield from probability_rows(where, x, log_density, low, high, values)
-    for p in PROBABILITIES:
-        where = region(mpf(p), 1 - mpf(p))
-        yield "Quantile", where, p, values, law.quantile(p)
-        yield "ComplementQuantile", where, p, values, law.complement_quantile(p)
-
-
-def probability_rows(where, x, log_density, low, high, values):
-    yield "Density", where, x, values, exp(log_density)
-    yield "LogDensity", where, x, values, log_density
-    yield "Cdf", where, x, values, low
-    yield "Complement", where, x, values, high
-
-
-def discrete_rows(law, values):
-    deviation = sqrt(law.mean)
-    steps = [-37, -30, -20, -12, -8, -5.5, -4, -3.5, -3, -2.6, -2.2, -1.8, -1.5, -1.2, -1, -0.8, -0.6, -0.3, -0.1, 0, 0.2, 0.5, 0.8, 1.2, 1.6, 2, 2.5, 3, 3.5, 4,
-             5, 7, 10, 15, 20, 28, 37]
-    points = {int(floor(law.mean + s * deviation)) for s in steps} | {0, 1, 2, 3, 4, 5, 6, 7, 9, 11, 13, 16, 20, 28, 40, 60, 80, 110, 140}
-    for k in sorted(points):
-        if k < 0 or abs(k - law.mean) > 60 * deviation + 140:
-            continue
-        low, high = law.tails(k)
-        density = exp(law.log_density(k))
-        if density < mpf("1e-300"):
-            continue
-        where = region(low, high)
-        yield from probability_rows(where, float(k), law.log_density(k), low, high, values)
-        below = low - density if k < law.mean else 1 - (high + density)
-        if low < 1 and density > low * mpf("1e-9") and below >= 0:
-            yield "Quantile", where, float((low + below) / 2), values, mpf(k)
-        if density > high * mpf("1e-9") and high > 0:
-            yield "ComplementQuantile", where, float(high + density / 2), values, mpf(k)
+    def variance(self):
+        return self.scale ** 2 * (gamma(1 + 2 / self.shape) - gamma(1 + 1 / self.shape) ** 2)
 
 
 def main():
-    for kind in (Normal, LogNormal, Weibull, Poisson):
-        with open(FOLDER / f"{kind.name}.csv", "w", newline="") as file:
-            writer = csv.writer(file, lineterminator="\n")
-            writer.writerow(["function", "region", "argument", *kind.parameters, "value"])
-            for values in kind.sets:
-                law = kind(*values)
-                for function, where, argument, parameters, value in (
-                        discrete_rows(law, values) if kind.discrete else continuous_rows(law, values)):
-                    number = float(value)
-                    if isinf(value) or abs(number) in (0.0, inf) or abs(number) < 1e-300 and function != "Quantile":
-                        continue
-                    writer.writerow([function, where, repr(argument), *map(repr, parameters), repr(number)])
+    for kind in (Normal, LogNormal, Weibull):
+        write_table(kind)
+        write_moments(kind)
 
 
 if __name__ == "__main__":
