@@ -82,6 +82,19 @@ TEST(ChiSquareBins, BoundariesFollowTheBinning) {
   for (const ChiSquareBin& bin : bins) EXPECT_NEAR(bin.expected, 101 / 20.0, 1e-9);
 }
 
+TEST(ChiSquareBins, RoundDataOnRoundBoundariesCountBelowWhateverTheOffset) {
+  // 4.1 - 3.5 is 0.5999999999999996, and 0.3 three times 0.1 is more than 0.3.
+  for (const double offset : {0.0, 3.5, -0.7}) {
+    const auto fit = FitOf(DistributionCode::kRayleigh, {1}, offset);
+    std::vector<double> data;
+    for (int i = 0; i <= 20; ++i) data.push_back(i / 10.0 + offset);
+    const auto bins = ChiSquareBins(fit.specification, data, ChiSquareBinning::kEqualIntervals);
+    ASSERT_EQ(bins.size(), 20U);
+    EXPECT_EQ(bins[0].observed, 2) << offset;
+    for (std::size_t i = 1; i < bins.size(); ++i) EXPECT_EQ(bins[i].observed, 1) << offset << ' ' << i;
+  }
+}
+
 TEST(ChiSquareBins, CountsGetWholeNumbersOrGroupsOfThem) {
   struct Case {
     DistributionFit fit;
