@@ -111,8 +111,8 @@ bool AreIncreasing(const Boundaries& boundaries) {
   return !boundaries.empty();
 }
 
-// How far rounding may part a value less the offset from a boundary that it equals on paper, as round data and
-// round boundaries often do.
+// How far rounding may part a value less the offset from a boundary that it equals on paper, as round data
+// and round boundaries often do.
 double RoundingOf(std::span<const double> sorted, double offset) {
   constexpr double kRelative = 16.0 * std::numeric_limits<double>::epsilon();
   return kRelative * std::max({std::abs(sorted.front()), std::abs(sorted.back()), std::abs(offset)});
@@ -225,8 +225,7 @@ ChiSquareResult ComputeChiSquareTest(const DistributionFit& fit, std::span<const
     result.statistic += difference * difference / bin.expected;
   }
   if (!std::isfinite(result.statistic)) return {};
-  result.degreesOfFreedom =
-      std::max(1, static_cast<std::int32_t>(bins.size()) - 1 - fit.estimatedParameters);
+  result.degreesOfFreedom = std::max(1, static_cast<std::int32_t>(bins.size()) - 1 - fit.estimatedParameters);
   if (withPValue) result.pValue = ChiSquareTail(result.statistic, result.degreesOfFreedom);
   return result;
 }

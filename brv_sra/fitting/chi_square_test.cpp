@@ -131,8 +131,8 @@ TEST(MergeSmallBins, GrowsFromBothTailsAndLeavesNoSmallMiddle) {
       {{1, 2, 3, 20, 3, 2, 1}, {6, 20, 6}},
       {{1, 2, 20, 2, 1}, {26}},
       {{4, 4, 20, 1}, {8, 21}},
-      {{6, 1, 7}, {7, 7}},        // 1 holds the median: it joins the smaller neighbour
-      {{9, 1, 6.5}, {10, 6.5}},   // what a tail has not finished joins the middle
+      {{6, 1, 7}, {7, 7}},       // 1 holds the median: it joins the smaller neighbour
+      {{9, 1, 6.5}, {10, 6.5}},  // what a tail has not finished joins the middle
       {{1, 1, 1, 1}, {4}},
       {{0, 0, 5, 5, 0, 0}, {5, 5}},
   };

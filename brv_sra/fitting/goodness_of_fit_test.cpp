@@ -175,9 +175,9 @@ TEST(GoodnessOfFit, WhatCannotBeTestedClearsEveryRecord) {
     fit.kolmogorovSmirnov = fit.andersonDarling = {0.5, 0.5};
     fit.chiSquare = {5, 5, 0.5};
     TestFit(fit, c.data, ChiSquareBinning::kEqualProbabilities);
-    for (const double value : {fit.kolmogorovSmirnov.statistic, fit.kolmogorovSmirnov.pValue,
-                               fit.andersonDarling.statistic, fit.andersonDarling.pValue,
-                               fit.chiSquare.statistic, fit.chiSquare.pValue})
+    for (const double value :
+         {fit.kolmogorovSmirnov.statistic, fit.kolmogorovSmirnov.pValue, fit.andersonDarling.statistic,
+          fit.andersonDarling.pValue, fit.chiSquare.statistic, fit.chiSquare.pValue})
       EXPECT_TRUE(IsNotSet(value)) << value;
     EXPECT_EQ(fit.chiSquare.degreesOfFreedom, kNotSetCount);
   }
