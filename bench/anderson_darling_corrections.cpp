@@ -31,9 +31,8 @@ int main(int argc, char** argv) {
                  kPoints);
     return 2;
   }
-  const auto counts =
-      brenvolt::bench::CountStatistics(static_cast<std::size_t>(n), samples,
-                                       kFirstSeed + static_cast<std::int32_t>(n), kSpacing, kPoints);
+  const auto counts = brenvolt::bench::CountStatistics(
+      static_cast<std::size_t>(n), samples, kFirstSeed + static_cast<std::int32_t>(n), kSpacing, kPoints);
   const std::vector<double> f = counts.DistributionFunction();
   std::printf("k,z,correction,standard_error\n");
   for (std::size_t k = 0; k < kPoints; ++k) {

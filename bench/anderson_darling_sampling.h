@@ -16,8 +16,7 @@
 
 namespace brenvolt::bench {
 
-// Points z = 0, spacing, 2 spacing, …, count of them; counts[i]: the samples with a statistic in (z_(i-1),
-// z_i].
+// Over the points z_i = i spacing: counts[i] samples of all have a statistic above z_(i-1), up to z_i.
 struct StatisticCounts {
   double spacing;
   std::vector<std::int64_t> counts;

@@ -25,22 +25,34 @@ struct Case {
 const std::vector<Case>& Cases() {
   using enum DistributionCode;
   static const std::vector<Case> kCases{
-      {kNormal, {1.5, 2.0}, kNotSet, 2.25, 0.6461697666727237},  // norm(1.5, 2)
-      {kLogNormal, {0.5, 0.75}, 3.0, 1.25, 0.356010967858525},  // lognorm(0.75, scale=exp(0.5))
+      {kNormal, {1.5, 2.0}, kNotSet, 2.25, 0.6461697666727237},    // norm(1.5, 2)
+      {kLogNormal, {0.5, 0.75}, 3.0, 1.25, 0.356010967858525},     // lognorm(0.75, scale=exp(0.5))
       {kFoldedNormal, {1.5, 2.0}, 3.0, 2.25, 0.6157734049074624},  // foldnorm(0.75, scale=2)
-      {kHalfNormal, {2.0}, -1.0, 1.25, 0.4680289419025989},  // halfnorm(scale=2)
-      {kRayleigh, {2.0}, -1.0, 1.25, 0.17742243760133541},  // rayleigh(scale=2)
-      {kWeibull, {2.0, 1.25}, 0.5, 1.75, 0.5709887702687955},  // weibull_min(1.25, scale=2)
-      {kGaussianMixture, {0.25, -1.0, 0.5, 0.75, 2.0, 1.5}, kNotSet, 0.75, 0.4016881284529734},  // 0.25 norm(-1, 0.5) + 0.75 norm(2, 1.5)
-      {kJohnson, {2.0, 0.5, 1.5, 2.0, 1.0}, kNotSet, 1.75, 0.8531609209292587},  // johnsonsu(0.5, 1.5, loc=1, scale=2)
-      {kGeneralExtremeValue, {1.0, 2.0, 0.25}, kNotSet, 2.5, 0.6047855498607708},  // genextreme(-0.25, loc=1, scale=2)
-      {kGeneralPareto, {2.0, 0.25}, 1.0, 2.5, 0.6630210663252452},  // genpareto(0.25, scale=2)
+      {kHalfNormal, {2.0}, -1.0, 1.25, 0.4680289419025989},        // halfnorm(scale=2)
+      {kRayleigh, {2.0}, -1.0, 1.25, 0.17742243760133541},         // rayleigh(scale=2)
+      {kWeibull, {2.0, 1.25}, 0.5, 1.75, 0.5709887702687955},      // weibull_min(1.25, scale=2)
+      {kGaussianMixture,
+       {0.25, -1.0, 0.5, 0.75, 2.0, 1.5},
+       kNotSet,
+       0.75,
+       0.4016881284529734},  // 0.25 norm(-1, 0.5) + 0.75 norm(2, 1.5)
+      {kJohnson,
+       {2.0, 0.5, 1.5, 2.0, 1.0},
+       kNotSet,
+       1.75,
+       0.8531609209292587},  // johnsonsu(0.5, 1.5, loc=1, scale=2)
+      {kGeneralExtremeValue,
+       {1.0, 2.0, 0.25},
+       kNotSet,
+       2.5,
+       0.6047855498607708},                                               // genextreme(-0.25, loc=1, scale=2)
+      {kGeneralPareto, {2.0, 0.25}, 1.0, 2.5, 0.6630210663252452},        // genpareto(0.25, scale=2)
       {kTriangular, {-1.0, 4.0, 1.0}, kNotSet, 2.5, 0.8499999999999999},  // triang(0.4, loc=-1, scale=5)
-      {kBinomial, {0.25, 12.0}, kNotSet, 4, 0.8423563241958618},  // binom(12, 0.25)
-      {kPoisson, {3.5}, kNotSet, 4, 0.7254449533096043},  // poisson(3.5)
-      {kGeometric, {0.25}, kNotSet, 2, 0.578125},  // geom(0.25, loc=-1)
-      {kBernoulli, {0.25}, kNotSet, 0, 0.75},  // bernoulli(0.25)
-      {kHistogram, {1.0, 0.25, 4.0, 0.5, 7.0, 0.25}, kNotSet, 4, 0.75},  // rv_discrete of (1, 4, 7)
+      {kBinomial, {0.25, 12.0}, kNotSet, 4, 0.8423563241958618},          // binom(12, 0.25)
+      {kPoisson, {3.5}, kNotSet, 4, 0.7254449533096043},                  // poisson(3.5)
+      {kGeometric, {0.25}, kNotSet, 2, 0.578125},                         // geom(0.25, loc=-1)
+      {kBernoulli, {0.25}, kNotSet, 0, 0.75},                             // bernoulli(0.25)
+      {kHistogram, {1.0, 0.25, 4.0, 0.5, 7.0, 0.25}, kNotSet, 4, 0.75},   // rv_discrete of (1, 4, 7)
   };
   return kCases;
 }

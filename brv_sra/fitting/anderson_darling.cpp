@@ -100,8 +100,7 @@ double AndersonDarlingDistribution(std::int64_t n, double statistic) {
   if (n == 1) return SingleDistribution(statistic);
   if (statistic <= 0.0) return 0.0;
   const auto size = static_cast<double>(n);
-  const double probability =
-      statistic > 5.0 ? 1.0 - Tail(size, statistic) : Interpolate(size, statistic);
+  const double probability = statistic > 5.0 ? 1.0 - Tail(size, statistic) : Interpolate(size, statistic);
   return std::clamp(probability, 0.0, 1.0);
 }
 

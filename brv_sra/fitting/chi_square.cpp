@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
@@ -110,6 +111,13 @@ bool AreIncreasing(const Boundaries& boundaries) {
   return !boundaries.empty();
 }
 
+// How far rounding may part a value less the offset from a boundary that it equals on paper, as round data
+// and round boundaries often do.
+double RoundingOf(std::span<const double> sorted, double offset) {
+  constexpr double kRelative = 16.0 * std::numeric_limits<double>::epsilon();
+  return kRelative * std::max({std::abs(sorted.front()), std::abs(sorted.back()), std::abs(offset)});
+}
+
 void AddTo(ChiSquareBin& bin, const ChiSquareBin& other) {
   bin.upper = std::max(bin.upper, other.upper);
   bin.observed += other.observed;
@@ -167,9 +175,10 @@ std::vector<ChiSquareBin> ChiSquareBins(const DistributionSpecification& fit, st
   std::vector<ChiSquareBin> bins;
   const auto n = static_cast<double>(sorted.size());
   double counted = 0;
+  const double slack = RoundingOf(sorted, offset);
   for (std::size_t i = 0; i < boundaries.size(); ++i) {
     const bool isLast = i + 1 == boundaries.size();
-    const auto end = std::upper_bound(sorted.begin(), sorted.end(), boundaries[i],
+    const auto end = std::upper_bound(sorted.begin(), sorted.end(), boundaries[i] + slack,
                                       [offset](double boundary, double x) { return boundary < x - offset; });
     const double upTo = isLast ? n : static_cast<double>(end - sorted.begin());
     bins.push_back({boundaries[i], upTo - counted, n * probabilities[i]});
@@ -216,8 +225,7 @@ ChiSquareResult ComputeChiSquareTest(const DistributionFit& fit, std::span<const
     result.statistic += difference * difference / bin.expected;
   }
   if (!std::isfinite(result.statistic)) return {};
-  result.degreesOfFreedom =
-      std::max(1, static_cast<std::int32_t>(bins.size()) - 1 - fit.estimatedParameters);
+  result.degreesOfFreedom = std::max(1, static_cast<std::int32_t>(bins.size()) - 1 - fit.estimatedParameters);
   if (withPValue) result.pValue = ChiSquareTail(result.statistic, result.degreesOfFreedom);
   return result;
 }

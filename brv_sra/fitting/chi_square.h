@@ -10,8 +10,9 @@
 // else a group of 1, 2 or 5 times a power of ten; of a histogram, one class.
 //
 // The first and the last bin are open outwards, so that the expected counts add up to the number of values.
-// A bin ends with its boundary included. Neighbours are merged from both tails inwards until every bin
-// expects 5 values (Cochran 1954); the bins that are left in the middle join the smaller neighbour.
+// A bin ends with its boundary included, within the rounding of the data. Neighbours are merged from both
+// tails inwards until every bin expects 5 values (Cochran 1954); the bins that are left in the middle join
+// the smaller neighbour.
 //
 // Degrees of freedom: the merged bins less 1 and less the parameters estimated from the data, 1 at least.
 // With parameters from single values rather than from the binned counts the true distribution lies between

@@ -14,10 +14,10 @@ namespace brenvolt::sra {
 namespace {
 
 constexpr std::array<TestCode, kDistributionCount> kTestCodes{
-    TestCode::kNormal,     TestCode::kLogNormal, TestCode::kFoldedNormal,    TestCode::kHalfNormal,
-    TestCode::kRayleigh,   TestCode::kWeibull,   TestCode::kGaussianMixture, TestCode::kJohnson,
-    TestCode::kGev,        TestCode::kGpd,       TestCode::kTriangular,      TestCode::kBinomial,
-    TestCode::kPoisson,    TestCode::kGeometric, TestCode::kBernoulli,       TestCode::kHistogram};
+    TestCode::kNormal,   TestCode::kLogNormal, TestCode::kFoldedNormal,    TestCode::kHalfNormal,
+    TestCode::kRayleigh, TestCode::kWeibull,   TestCode::kGaussianMixture, TestCode::kJohnson,
+    TestCode::kGev,      TestCode::kGpd,       TestCode::kTriangular,      TestCode::kBinomial,
+    TestCode::kPoisson,  TestCode::kGeometric, TestCode::kBernoulli,       TestCode::kHistogram};
 
 double OffsetOf(const DistributionSpecification& fit) {
   return HasOffset(fit.code) && !IsNotSet(fit.offset) ? fit.offset : 0.0;

@@ -20,7 +20,8 @@ inline constexpr double kInvalidRankingKey = 1000.0;
 // exceed it and then stands behind the failed fits.
 std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, RankingCriterion criterion);
 
-// The fit to save unless the person chooses another: the best-ranked one that is valid. Nothing where none is.
+// The fit to save unless the person chooses another: the best-ranked one that is valid. Nothing where none
+// is.
 std::optional<std::size_t> DefaultFit(std::span<const DistributionFit> fits,
                                       std::span<const std::size_t> ranked);
 
