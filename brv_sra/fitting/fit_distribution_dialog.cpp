@@ -25,9 +25,11 @@ constexpr std::int32_t kFewestMixtures = 2;
 constexpr std::int64_t kMostMixtures = 20;
 constexpr std::int64_t kCasesPerMixture = 2;
 
+// Null for no variable, and for one that is no longer there.
 template <class Specification>
 Specification* At(std::vector<Specification>& specifications, int index) {
-  return index >= 0 ? &specifications[static_cast<std::size_t>(index)] : nullptr;
+  const auto place = static_cast<std::size_t>(index);
+  return index >= 0 && place < specifications.size() ? &specifications[place] : nullptr;
 }
 
 int FirstOf(const std::vector<std::int16_t>& list) {

@@ -329,6 +329,7 @@ TEST_F(FitDialog, OptionsSetTheirValuesAtOnce) {
 // A sheet of two variables that is laid out as a correlation matrix file.
 Spreadsheet MatrixSheet() {
   Spreadsheet matrix("matrix", 6, 2);
+  matrix.SetKind(SheetKind::kMatrix);
   matrix.SetCaseNames({"Var1", "Var2", "Means", "Std.Dev.", "No.Cases", "Matrix"});
   const double columns[2][6] = {{1, 0.5, 3, 2, 9, 1}, {0.5, 1, 4, 1, 0, 0}};
   for (std::size_t v = 0; v < 2; ++v) matrix.VariableAt(v).AssignValues({columns[v], columns[v] + 6});

@@ -35,7 +35,7 @@ class CAnalysisDoc {
   void OpenInput(const std::filesystem::path& path) {
     Spreadsheet* table = dataOpener_ ? dataOpener_(path) : nullptr;
     if (table == nullptr) throw Error("no data file can be opened here", path.string());
-    inputTable_ = table;
+    SetInputTable(table);
   }
 
   // The host option that sends results to a workbook instead of showing them as documents of their own.
