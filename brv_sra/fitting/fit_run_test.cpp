@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
@@ -111,6 +112,90 @@ TEST_F(FitRun, DataLimitIsTakenIn32Bits) {
   EXPECT_TRUE(FitsDataLimit(1, 32'768'000));  // 262,144,000 bytes
   EXPECT_FALSE(FitsDataLimit(1, 32'768'001));
   EXPECT_TRUE(FitsDataLimit(1, 1ULL << 29U)) << "2^32 bytes are 0 in 32 bits";
+}
+
+std::vector<std::vector<double>> Columns(std::size_t count, std::size_t cases) {
+  std::mt19937_64 engine(17);
+  std::normal_distribution<double> normal;
+  std::vector<std::vector<double>> columns(count, std::vector<double>(cases));
+  for (auto& column : columns) {
+    for (double& x : column) x = std::exp(0.5 * normal(engine));
+  }
+  return columns;
+}
+
+void CheckAll(ContinuousSpecification& specification) {
+  specification.fit.fill(true);
+  specification.fit[kPercentileFitFlag] = false;
+  specification.offsets.fill(0);
+  specification.mixtures = 2;
+}
+
+// Every result in company equals the one alone, to the last bit, and stands in the order of the lists.
+TEST_F(FitRun, ResultsDoNotDependOnTheOtherVariables) {
+  const Spreadsheet sheet = SheetOf(Columns(9, 120));
+  FitSpecification together = Continuous({9, 1, 2, 3, 4, 5, 6, 7, 8});
+  for (auto& specification : together.continuousSpecifications) CheckAll(specification);
+  const auto results = Run(sheet, together);
+  ASSERT_EQ(results.size(), 9U);
+  for (std::size_t i = 0; i < results.size(); ++i) {
+    FitSpecification alone = Continuous({together.continuous[i]});
+    CheckAll(alone.continuousSpecifications[0]);
+    const VariableFit single = Run(sheet, alone)[0];
+    EXPECT_EQ(results[i].variableNumber, together.continuous[i]);
+    EXPECT_EQ(results[i].ranked, single.ranked);
+    ASSERT_EQ(results[i].fits.size(), 11U);
+    for (std::size_t f = 0; f < 11; ++f) {
+      EXPECT_EQ(results[i].fits[f].specification.values, single.fits[f].specification.values);
+      EXPECT_EQ(results[i].fits[f].standardErrors, single.fits[f].standardErrors);
+      EXPECT_EQ(results[i].fits[f].logLikelihood, single.fits[f].logLikelihood);
+      EXPECT_EQ(results[i].fits[f].kolmogorovSmirnov.pValue, single.fits[f].kolmogorovSmirnov.pValue);
+    }
+  }
+}
+
+TEST_F(FitRun, ChangedNumberOfMixturesIsReportedWhereTheMixtureIsChecked) {
+  const Spreadsheet sheet = SheetOf(Columns(4, 30));
+  FitSpecification specification = Continuous({1, 2, 3, 4});
+  for (auto& each : specification.continuousSpecifications) CheckAll(each);
+  specification.continuousSpecifications[0].mixtures = 16;
+  specification.continuousSpecifications[1].mixtures = 1;
+  specification.continuousSpecifications[2].mixtures = 16;
+  specification.continuousSpecifications[2].fit[6] = false;
+  const auto results = Run(sheet, specification);
+  EXPECT_EQ(results[0].mixtures, 15);
+  EXPECT_EQ(results[1].mixtures, 2);
+  EXPECT_EQ(results[2].mixtures, kNotSetCount);
+  EXPECT_EQ(results[3].mixtures, kNotSetCount);
+  EXPECT_EQ(results[1].fits[6].specification.values.size(), 6U);
+}
+
+TEST_F(FitRun, NumericFaultOfTheFirstVariableIsNamed) {
+  auto columns = Columns(3, 12);
+  for (const std::size_t tied : {1U, 2U}) columns[tied] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2};
+  FitSpecification specification = Continuous({1, 2, 3});
+  for (auto& each : specification.continuousSpecifications) {
+    each.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kJohnson))] = true;
+    each.fit[kPercentileFitFlag] = true;
+  }
+  try {
+    Run(SheetOf(columns), specification);
+    ADD_FAILURE() << "the percentiles of the second variable are tied";
+  } catch (const NumericalException& error) {
+    EXPECT_EQ(error.Where(), "variable V2");
+  }
+}
+
+TEST_F(FitRun, DiscreteVariablesFollowWithTheirFiveTypes) {
+  FitSpecification specification = Continuous({2});
+  specification.discrete = {1};
+  specification.discreteSpecifications.resize(1);
+  specification.discreteSpecifications[0].fit.fill(true);
+  const auto results = Run(SheetOf({{0, 1, 1, 0, 1, 1}, {1, 2, 4, 8, 9, 7}}), specification);
+  ASSERT_EQ(results.size(), 2U);
+  ASSERT_EQ(results[1].fits.size(), 5U);
+  for (const DistributionFit& fit : results[1].fits) EXPECT_TRUE(fit.IsValid());
+  EXPECT_EQ(results[1].fits[0].specification.values, (std::vector<double>{2.0 / 3, 1}));
 }
 
 TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "host/base/error.h"
@@ -48,6 +49,46 @@ TEST(Parallel, ExceptionReachesTheCallerAfterAllBodiesEnded) {
     EXPECT_EQ(error.Where(), "500");
   }
   EXPECT_EQ(running, 0);
+}
+
+TEST(ParallelWatched, WatchRunsOnTheCallingThreadWhileBodiesRun) {
+  const auto caller = std::this_thread::get_id();
+  std::atomic<bool> watched{false};
+  std::atomic<int> bodies{0};
+  ParallelForWatched(
+      2,
+      [&](std::size_t) {
+        while (!watched) std::this_thread::yield();
+        ++bodies;
+      },
+      [&] {
+        EXPECT_EQ(std::this_thread::get_id(), caller);
+        watched = true;
+      });
+  EXPECT_EQ(bodies, 2);
+}
+
+TEST(ParallelWatched, ExceptionOfTheWatchComesAfterTheLastBody) {
+  std::atomic<bool> stop{false};
+  std::atomic<int> running{0};
+  const auto body = [&](std::size_t) {
+    ++running;
+    while (!stop) std::this_thread::yield();
+    --running;
+    throw Error("a consequence of the stop");
+  };
+  const auto watch = [&] {
+    stop = true;
+    throw UserCancelled();
+  };
+  EXPECT_THROW(ParallelForWatched(3, body, watch), UserCancelled);
+  EXPECT_EQ(running, 0);
+}
+
+TEST(ParallelWatched, ExceptionOfABodyReachesTheCaller) {
+  EXPECT_THROW(ParallelForWatched(
+                   3, [](std::size_t) { throw Error("failed"); }, [] {}),
+               Error);
 }
 
 }  // namespace
