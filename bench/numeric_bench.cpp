@@ -5,6 +5,8 @@
 
 #include <boost/math/distributions/lognormal.hpp>
 #include <boost/math/distributions/normal.hpp>
+#include <boost/math/distributions/pareto.hpp>
+#include <boost/math/distributions/rayleigh.hpp>
 #include <boost/math/distributions/weibull.hpp>
 #include <cmath>
 #include <cstdint>
@@ -83,6 +85,36 @@ std::vector<double> Draws(const Quantile& quantile) {
 LAW_BENCHMARKS(Normal, normal, boost::math::normal(1.0, 2.0), 1.0, 2.0);
 LAW_BENCHMARKS(Lognormal, lognormal, boost::math::lognormal(1.0, 0.5), 1.0, 0.5, 0.0);
 LAW_BENCHMARKS(Weibull, weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
+LAW_BENCHMARKS(Rayleigh, rayleigh, boost::math::rayleigh(2.0), 2.0, 0.0);
+
+// Boost has neither generalized type: the textbook formulas, as one would write them in a scalar loop.
+struct PlainGev {
+  double location;
+  double scale;
+  double shape;
+};
+double cdf(const PlainGev& law, double x) {
+  return std::exp(-std::exp(-std::log1p(law.shape * (x - law.location) / law.scale) / law.shape));
+}
+double quantile(const PlainGev& law, double p) {
+  return law.location + law.scale * std::expm1(-law.shape * std::log(-std::log(p))) / law.shape;
+}
+LAW_BENCHMARKS(Gev, gev, (PlainGev{1.0, 2.0, 0.2}), 1.0, 2.0, 0.2);
+
+struct PlainGpd {
+  double scale;
+  double shape;
+  double threshold;
+};
+double cdf(const PlainGpd& law, double x) {
+  return -std::expm1(-std::log1p(law.shape * (x - law.threshold) / law.scale) / law.shape);
+}
+double quantile(const PlainGpd& law, double p) {
+  return law.threshold + law.scale * std::expm1(-law.shape * std::log1p(-p)) / law.shape;
+}
+LAW_BENCHMARKS(Gpd, gpd, (PlainGpd{2.0, 0.2, 1.0}), 2.0, 0.2, 1.0);
+// The Pareto distribution of Boost is the same law, moved: shape 1/5, scale 10.
+LAW_BENCHMARKS(GpdAsPareto, gpd, boost::math::pareto(10.0, 5.0), 2.0, 0.2, 10.0);
 
 void PoissonQuantile(benchmark::State& state) {
   OverArrays(state, Uniforms(), [](const auto& in, auto& out) { poisson::Quantile(in, 12.5, out); });
