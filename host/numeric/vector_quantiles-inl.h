@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <span>
 
+#include "host/numeric/place_list.h"
 #include "host/numeric/vector_loops-inl.h"
 #include "hwy/highway.h"
 
@@ -75,33 +76,31 @@ double QuantileAtOne(double x, Source source, Formula formula) {
   return hn::GetLane(formula(d, argument, z));
 }
 
-inline constexpr std::size_t kMostLanes = 64;  // room behind a block for whole vectors
+inline constexpr std::size_t kQuantileBlock = PlaceList::kMostPlaces;
+inline constexpr std::size_t kMostLanes = 64;       // room behind a block for whole vectors
 
 // The z of one block: the centre of all, then the few in the tails, packed.
 template <class Source>
 HWY_INLINE void QuantilesOfBlock(const double* x, std::size_t count, Source source, double* z) {
   const hn::ScalableTag<double> d;
-  const hn::Rebind<std::uint64_t, decltype(d)> du;
   const std::size_t lanes = hn::Lanes(d);
-  HWY_ALIGN double tails[kBlock + kMostLanes];
-  HWY_ALIGN std::uint64_t places[kBlock + kMostLanes];
-  std::size_t tailCount = 0;
+  PlaceList tails;
   for (std::size_t i = 0; i < count; i += lanes) {
     const auto tail = source(d, hn::LoadU(d, x + i));
     const auto q = hn::Sub(tail.probability, hn::Set(d, 0.5));
     hn::Store(WithSign(d, tail.isLower, CentreQuantile(d, q)), d, z + i);
-    const auto isTail = hn::Lt(q, hn::Set(d, kCentre));
-    const auto signedTail = WithSign(d, tail.isLower, hn::Abs(tail.probability));
-    // Whole vectors: a store of a part of one is slow on some processors.
-    hn::StoreU(hn::Compress(hn::Iota(du, i), hn::RebindMask(du, isTail)), du, places + tailCount);
-    hn::StoreU(hn::Compress(signedTail, isTail), d, tails + tailCount);
-    tailCount += hn::CountTrue(d, isTail);
+    std::uint8_t bits[kMostLanes / 8];
+    const std::size_t bytes = hn::StoreMaskBits(d, hn::Lt(q, hn::Set(d, kCentre)), bits);
+    for (std::size_t byte = 0; byte < bytes; ++byte) tails.Add(bits[byte], i + 8 * byte);
   }
-  std::fill_n(tails + tailCount, lanes, 0.01);
-  for (std::size_t i = 0; i < tailCount; i += lanes) {
-    hn::StoreU(SignedTailQuantile(d, hn::LoadU(d, tails + i)), d, tails + i);
+  HWY_ALIGN double packed[kQuantileBlock + kMostLanes];
+  for (std::size_t i = 0; i < tails.Size(); ++i) packed[i] = x[tails[i]];
+  std::fill_n(packed + tails.Size(), lanes, 0.01);
+  for (std::size_t i = 0; i < tails.Size(); i += lanes) {
+    const auto tail = source(d, hn::Load(d, packed + i));
+    hn::Store(SignedTailQuantile(d, WithSign(d, tail.isLower, hn::Abs(tail.probability))), d, packed + i);
   }
-  for (std::size_t i = 0; i < tailCount; ++i) z[places[i]] = tails[i];
+  for (std::size_t i = 0; i < tails.Size(); ++i) z[tails[i]] = packed[i];
 }
 
 template <class Source, class Formula>
@@ -110,12 +109,12 @@ void QuantilesOverArray(std::span<const double> x, std::span<double> out, Source
   const hn::ScalableTag<double> d;
   const std::size_t lanes = hn::Lanes(d);
   static_assert(hn::MaxLanes(d) <= kMostLanes);
-  HWY_ALIGN double z[kBlock + kMostLanes];
+  HWY_ALIGN double z[kQuantileBlock + kMostLanes];
   HWY_ALIGN double padded[kMostLanes];
   std::size_t begin = 0;
   const std::size_t whole = x.size() - x.size() % lanes;
   while (begin < whole) {
-    const std::size_t count = std::min(kBlock, whole - begin);
+    const std::size_t count = std::min(kQuantileBlock, whole - begin);
     QuantilesOfBlock(x.data() + begin, count, source, z);
     for (std::size_t i = 0; i < count; i += lanes) {
       const auto argument = hn::LoadU(d, x.data() + begin + i);

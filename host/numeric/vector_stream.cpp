@@ -37,24 +37,31 @@ HWY_INLINE V TimesWord([[maybe_unused]] D du, V v, std::uint32_t factor) {
 #endif
 }
 
-// Ten rounds on a vector of blocks, a 32-bit word in the low half of each lane; the upper halves hold
+// Vectors of blocks that go through the rounds together, so that none waits for its own last product.
+constexpr std::size_t kGroups = 2;
+
+// Ten rounds on vectors of blocks, a 32-bit word in the low half of each lane; the upper halves hold
 // anything. Multipliers and key increments: Salmon, Moraes, Dror & Shaw (2011).
 template <class D, class V = hn::Vec<D>>
-HWY_INLINE void PhiloxRounds(D du, std::uint32_t key0, std::uint32_t key1, V (&words)[4]) {
+HWY_INLINE void PhiloxRounds(D du, std::uint32_t key0, std::uint32_t key1, V (&words)[kGroups][4]) {
   constexpr std::uint32_t kMultiplier0 = 0xD2511F53;
   constexpr std::uint32_t kMultiplier1 = 0xCD9E8D57;
-  constexpr std::uint32_t kIncrement0 = 0x9E3779B9;
-  constexpr std::uint32_t kIncrement1 = 0xBB67AE85;
+  const V increment0 = hn::Set(du, std::uint64_t{0x9E3779B9});
+  const V increment1 = hn::Set(du, std::uint64_t{0xBB67AE85});
   constexpr int kRounds = 10;
+  V k0 = hn::Set(du, std::uint64_t{key0});
+  V k1 = hn::Set(du, std::uint64_t{key1});
   for (int round = 0; round < kRounds; ++round) {
-    const V product0 = TimesWord(du, words[0], kMultiplier0);
-    const V product1 = TimesWord(du, words[2], kMultiplier1);
-    words[0] = hn::Xor3(hn::template ShiftRight<32>(product1), words[1], hn::Set(du, std::uint64_t{key0}));
-    words[1] = product1;
-    words[2] = hn::Xor3(hn::template ShiftRight<32>(product0), words[3], hn::Set(du, std::uint64_t{key1}));
-    words[3] = product0;
-    key0 += kIncrement0;
-    key1 += kIncrement1;
+    for (V(&w)[4] : words) {
+      const V product0 = TimesWord(du, w[0], kMultiplier0);
+      const V product1 = TimesWord(du, w[2], kMultiplier1);
+      w[0] = hn::Xor3(hn::template ShiftRight<32>(product1), w[1], k0);
+      w[1] = product1;
+      w[2] = hn::Xor3(hn::template ShiftRight<32>(product0), w[3], k1);
+      w[3] = product0;
+    }
+    k0 = hn::Add(k0, increment0);
+    k1 = hn::Add(k1, increment1);
   }
 }
 
@@ -72,24 +79,45 @@ HWY_INLINE hn::Vec<hn::Rebind<double, D>> Deviates(D du, V low, V high) {
   return hn::Add(hn::Sub(highPart, hn::Set(d, 0x1p20 + 0.5)), lowPart);
 }
 
+// The deviates of one vector of blocks, which stand in the order that puts them in place: even lanes hold the
+// first half of the blocks, odd ones the second.
+template <class D, class V>
+HWY_INLINE void StoreDeviates(D du, const V (&words)[4], double* out) {
+  const hn::Rebind<double, D> d;
+  const auto even = Deviates(du, words[0], words[1]);
+  const auto odd = Deviates(du, words[2], words[3]);
+#if HWY_TARGET == HWY_SCALAR
+  hn::StoreU(even, d, out);
+  hn::StoreU(odd, d, out + 1);
+#else
+  hn::StoreU(hn::InterleaveLower(d, even, odd), d, out);
+  hn::StoreU(hn::InterleaveUpper(d, even, odd), d, out + hn::Lanes(d));
+#endif
+}
+
 void Philox(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   const hn::ScalableTag<std::uint64_t> du;
-  const hn::Rebind<double, decltype(du)> d;
   const std::size_t lanes = hn::Lanes(du);
-  HWY_ALIGN double buffer[2 * hn::MaxLanes(du)];
-  for (std::size_t i = 0; i < out.size(); i += 2 * lanes) {
-    const auto block = hn::Iota(du, firstBlock + i / 2);
-    hn::Vec<decltype(du)> words[4] = {block, hn::template ShiftRight<32>(block), hn::Zero(du), hn::Zero(du)};
-    PhiloxRounds(du, key0, key1, words);
-    const auto even = Deviates(du, words[0], words[1]);
-    const auto odd = Deviates(du, words[2], words[3]);
-    const std::size_t rest = out.size() - i;
-    if (rest >= 2 * lanes) {
-      hn::StoreInterleaved2(even, odd, d, out.data() + i);
-    } else {
-      hn::StoreInterleaved2(even, odd, d, buffer);
-      std::copy_n(buffer, rest, out.data() + i);
+  HWY_ALIGN std::uint64_t order[hn::MaxLanes(du)];
+  for (std::size_t i = 0; i < lanes; ++i) order[i] = i / 2 + (i % 2 == 1 ? lanes / 2 : 0);
+  HWY_ALIGN double buffer[2 * kGroups * hn::MaxLanes(du)];
+  for (std::size_t i = 0; i < out.size(); i += 2 * kGroups * lanes) {
+    hn::Vec<decltype(du)> words[kGroups][4];
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      const auto block = hn::Add(hn::Load(du, order), hn::Set(du, firstBlock + i / 2 + group * lanes));
+      words[group][0] = block;
+      words[group][1] = hn::template ShiftRight<32>(block);
+      words[group][2] = hn::Zero(du);
+      words[group][3] = hn::Zero(du);
     }
+    PhiloxRounds(du, key0, key1, words);
+    const std::size_t rest = out.size() - i;
+    const bool isWhole = rest >= 2 * kGroups * lanes;
+    double* to = isWhole ? out.data() + i : buffer;
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      StoreDeviates(du, words[group], to + 2 * group * lanes);
+    }
+    if (!isWhole) std::copy_n(buffer, rest, out.data() + i);
   }
 }
 
