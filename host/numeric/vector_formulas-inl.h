@@ -68,7 +68,7 @@ HWY_INLINE Logarithm<V> SplitLog(D d, V x) {
                                        0.666666666666667};
   constexpr std::uint64_t kSqrtHalfBits = 0x3FE6A09E667F3BCDULL;
   constexpr std::uint64_t kBias = std::uint64_t{1024} << kMantissaBits;
-  constexpr std::uint64_t kExponentMask = ~std::uint64_t{0} << kMantissaBits;
+  constexpr std::uint64_t kMantissaMask = (std::uint64_t{1} << kMantissaBits) - 1;
   constexpr std::uint64_t kWholeBits = 0x4330000000000000ULL;  // 2^52, whose last mantissa bit counts 1
   const hn::Rebind<std::uint64_t, D> du;
   auto bits = hn::BitCast(du, x);
@@ -82,7 +82,7 @@ HWY_INLINE Logarithm<V> SplitLog(D d, V x) {
   const auto whole =
       hn::BitCast(d, hn::Or(hn::template ShiftRight<kMantissaBits>(biased), hn::Set(du, kWholeBits)));
   const V exponent = hn::Sub(whole, offset);
-  const auto mBits = hn::Add(hn::Sub(bits, hn::And(biased, hn::Set(du, kExponentMask))), hn::Set(du, kBias));
+  const auto mBits = hn::Add(hn::And(biased, hn::Set(du, kMantissaMask)), hn::Set(du, kSqrtHalfBits));
   const V m = hn::BitCast(d, mBits);
   const V one = hn::Set(d, 1.0);
   const V f = hn::Sub(m, one);
@@ -188,6 +188,21 @@ HWY_INLINE V Exp(D d, V x) {
   const Exponential<V> e = SplitExp(d, within);
   const V y = TimesPowerOfTwo(d, hn::Add(hn::Set(d, 1.0), e.excess), e.power);
   return hn::IfThenElse(hn::IsNaN(x), x, y);
+}
+
+// exp(x) where only its place among normal numbers counts: x held to [-708, 709], a NaN to anything.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V ClampedExp(D d, V x) {
+  const V within = hn::Max(hn::Min(x, hn::Set(d, 709.0)), hn::Set(d, -708.0));
+  const Exponential<V> e = SplitExp(d, within);
+  return hn::Mul(hn::Add(hn::Set(d, 1.0), e.excess), PowerOfTwo(d, e.power));
+}
+
+// exp(x) for x <= 0; anything for a NaN.
+template <class D, class V = hn::Vec<D>>
+HWY_INLINE V ExpOfNegative(D d, V x) {
+  const Exponential<V> e = SplitExp(d, hn::Max(x, hn::Set(d, kExpUnderflow)));
+  return TimesPowerOfTwo(d, hn::Add(hn::Set(d, 1.0), e.excess), e.power);
 }
 
 // exp(x) - 1 = 2 (s excess + (s - 1/2)), s = 2^(power - 1): the halves keep s finite at the upper end.

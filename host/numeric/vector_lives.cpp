@@ -26,6 +26,13 @@ struct ExpStage {
   }
 };
 
+struct ClampedExpStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return ClampedExp(d, t);
+  }
+};
+
 struct MinusLogStage {
   template <class D, class V>
   HWY_INLINE V operator()(D d, V /*x*/, V t) const {
@@ -115,8 +122,9 @@ double ShapeOrZero(double shape) {
 }
 
 // sign w, w = ln(1 + shape z) / shape, z = (x - origin) / scale, for any x; infinite beyond the end of the
-// support. The sum scale + shape (x - origin) is formed with all its rounding errors (two-sums after Knuth
-// 1969, the product after Dekker 1971), so that the result is good right up to that end.
+// support. Where the sum scale + shape (x - origin) loses digits, on the way to that end, it is formed with
+// all its rounding errors (two-sums after Knuth 1969, the product after Dekker 1971), so that the result is
+// good right up to the end. A NaN passes as a tiny product.
 struct LogOnePlusStage {
   double origin;
   double scale;
@@ -154,27 +162,34 @@ struct LogOnePlusStage {
     return hn::Add(hn::Add(upper, hn::Mul(a2, b1)), hn::Mul(a2, b2));
   }
 
+  // The errors of scale + slope, slope = shape y, y = x - origin; 0 for an infinite slope.
+  template <class D, class V>
+  HWY_INLINE V Lost(D d, V x, V y, V slope) const {
+    const V k = hn::Set(d, shape);
+    const V unit = hn::Set(d, scale);
+    const V ofSlope =
+        hn::Add(ProductError(d, k, y, slope), hn::Mul(k, SumError(d, x, hn::Set(d, -origin), y)));
+    const V all = hn::Add(SumError(d, unit, slope, hn::Add(unit, slope)), ofSlope);
+    return hn::IfThenElseZero(hn::Lt(hn::Abs(slope), hn::Set(d, kVectorInfinity)), all);
+  }
+
   template <class D, class V>
   HWY_INLINE V operator()(D d, V x, V /*t*/) const {
     const V one = hn::Set(d, 1.0);
     const V infinity = hn::Set(d, kVectorInfinity);
-    const V minusOrigin = hn::Set(d, -origin);
-    const V k = hn::Set(d, shape);
     const V unit = hn::Set(d, scale);
-    const V y = hn::Add(x, minusOrigin);
-    const V slope = hn::Mul(k, y);
+    const V y = hn::Sub(x, hn::Set(d, origin));
+    const V slope = hn::Mul(hn::Set(d, shape), y);
     const V size = hn::Abs(slope);
-    const auto isFinite = hn::Lt(size, infinity);
-    const V lostOfSlope = hn::Add(ProductError(d, k, y, slope), hn::Mul(k, SumError(d, x, minusOrigin, y)));
-    const V sum = hn::Add(unit, slope);
-    const V lost = hn::IfThenElseZero(isFinite, hn::Add(SumError(d, unit, slope, sum), lostOfSlope));
-    const V base = hn::Add(sum, lost);
-
+    V base = hn::Add(unit, slope);
+    const auto isNearEnd = hn::Lt(slope, hn::Set(d, -0.5 * scale));
+    if (HWY_UNLIKELY(!hn::AllFalse(d, isNearEnd))) {
+      base = hn::IfThenElse(isNearEnd, hn::Add(base, Lost(d, x, y, slope)), base);
+    }
     // NaN, of shape 0 and infinite y, counts as tiny.
-    const auto isTiny = hn::Not(hn::Gt(size, hn::Set(d, kTiny * scale)));
+    const auto isRegular = hn::Gt(size, hn::Set(d, kTiny * scale));
     const auto isNearOne = hn::Le(size, hn::Set(d, 0.5 * scale));
-    const V regular = hn::IfThenElse(isNearOne, hn::Add(slope, lostOfSlope), base);
-    const V q = hn::Div(hn::IfThenElse(isTiny, y, regular), unit);
+    const V q = hn::Div(hn::IfThenElse(isRegular, hn::IfThenElse(isNearOne, slope, base), y), unit);
     // ln(1 + q) near one, where the rounding c of 1 + q counts, ln q elsewhere. For the |q| <= 1/2 there, c
     // is c / u to within 1e-16 of the result.
     const V u = hn::IfThenElse(isNearOne, hn::Add(one, q), q);
@@ -184,8 +199,7 @@ struct LogOnePlusStage {
     V w = hn::Mul(log, hn::Set(d, signOverShape));
     const double beyond = shape > 0.0 ? -sign * kVectorInfinity : sign * kVectorInfinity;
     w = hn::IfThenElse(hn::Le(base, hn::Zero(d)), hn::Set(d, beyond), w);
-    w = hn::IfThenElse(isTiny, hn::Mul(hn::Set(d, sign), q), w);
-    return hn::IfThenElse(hn::Lt(hn::Abs(x), infinity), w, hn::Mul(hn::Set(d, sign), x));
+    return hn::IfThenElse(isRegular, w, hn::Mul(hn::Set(d, sign), q));
   }
 };
 
@@ -193,7 +207,7 @@ struct LogOnePlusStage {
 struct GevCdfStage {
   template <class D, class V>
   HWY_INLINE V operator()(D d, V x, V t) const {
-    return hn::IfThenElse(hn::IsNaN(x), x, Exp(d, hn::Neg(t)));
+    return hn::IfThenElse(hn::IsNaN(x), x, ExpOfNegative(d, hn::Neg(t)));
   }
 };
 
@@ -241,7 +255,7 @@ auto RayleighQuantileStages(const Run& run, double scale, double threshold) {
 
 template <class Run>
 auto GevCdfStages(const Run& run, double location, double scale, double shape) {
-  return run(LogOnePlusStage(location, scale, shape, -1.0), ExpStage{}, GevCdfStage{});
+  return run(LogOnePlusStage(location, scale, shape, -1.0), ClampedExpStage{}, GevCdfStage{});
 }
 
 template <class Run>

@@ -77,7 +77,7 @@ double QuantileAtOne(double x, Source source, Formula formula) {
 }
 
 inline constexpr std::size_t kQuantileBlock = PlaceList::kMostPlaces;
-inline constexpr std::size_t kMostLanes = 64;       // room behind a block for whole vectors
+inline constexpr std::size_t kMostLanes = 64;  // room behind a block for whole vectors
 
 // The z of one block: the centre of all, then the few in the tails, packed.
 template <class Source>
