@@ -103,6 +103,9 @@ HWY_INLINE V LogOfPositive(D d, V x) {
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V Log(D d, V x) {
   const V infinity = hn::Set(d, kVectorInfinity);
+  const auto isNormal =
+      hn::And(hn::Ge(x, hn::Set(d, std::numeric_limits<double>::min())), hn::Lt(x, infinity));
+  if (HWY_LIKELY(hn::AllTrue(d, isNormal))) return LogOfPositive<!kMayBeSubnormal>(d, x);
   const V zero = hn::Zero(d);
   V y = LogOfPositive(d, x);
   y = hn::IfThenElse(hn::Eq(x, infinity), infinity, y);
@@ -182,27 +185,28 @@ HWY_INLINE V TimesPowerOfTwo(D d, V v, V k) {
 inline constexpr double kExpUnderflow = -746.0;
 inline constexpr double kExpOverflow = 710.0;
 
+// Below this size of x, exp(x) and all steps to it are normal numbers.
+inline constexpr double kExpNormal = 708.0;
+
+// The longer way gives the bits of the shorter one where both will do.
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V Exp(D d, V x) {
+  const V one = hn::Set(d, 1.0);
+  if (HWY_LIKELY(hn::AllTrue(d, hn::Lt(hn::Abs(x), hn::Set(d, kExpNormal))))) {
+    const Exponential<V> e = SplitExp(d, x);
+    return hn::Mul(hn::Add(one, e.excess), PowerOfTwo(d, e.power));
+  }
   const V within = hn::Max(hn::Min(x, hn::Set(d, kExpOverflow)), hn::Set(d, kExpUnderflow));
   const Exponential<V> e = SplitExp(d, within);
-  const V y = TimesPowerOfTwo(d, hn::Add(hn::Set(d, 1.0), e.excess), e.power);
-  return hn::IfThenElse(hn::IsNaN(x), x, y);
+  return hn::IfThenElse(hn::IsNaN(x), x, TimesPowerOfTwo(d, hn::Add(one, e.excess), e.power));
 }
 
 // exp(x) where only its place among normal numbers counts: x held to [-708, 709], a NaN to anything.
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V ClampedExp(D d, V x) {
-  const V within = hn::Max(hn::Min(x, hn::Set(d, 709.0)), hn::Set(d, -708.0));
+  const V within = hn::Max(hn::Min(x, hn::Set(d, 709.0)), hn::Set(d, -kExpNormal));
   const Exponential<V> e = SplitExp(d, within);
   return hn::Mul(hn::Add(hn::Set(d, 1.0), e.excess), PowerOfTwo(d, e.power));
-}
-
-// exp(x) for x <= 0; anything for a NaN.
-template <class D, class V = hn::Vec<D>>
-HWY_INLINE V ExpOfNegative(D d, V x) {
-  const Exponential<V> e = SplitExp(d, hn::Max(x, hn::Set(d, kExpUnderflow)));
-  return TimesPowerOfTwo(d, hn::Add(hn::Set(d, 1.0), e.excess), e.power);
 }
 
 // exp(x) - 1 = 2 (s excess + (s - 1/2)), s = 2^(power - 1): the halves keep s finite at the upper end.

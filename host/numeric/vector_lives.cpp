@@ -173,33 +173,38 @@ struct LogOnePlusStage {
     return hn::IfThenElseZero(hn::Lt(hn::Abs(slope), hn::Set(d, kVectorInfinity)), all);
   }
 
+  // sign w from the slope and the sum scale + slope, both regular.
   template <class D, class V>
-  HWY_INLINE V operator()(D d, V x, V /*t*/) const {
+  HWY_INLINE V Regular(D d, V slope, V base) const {
     const V one = hn::Set(d, 1.0);
-    const V infinity = hn::Set(d, kVectorInfinity);
-    const V unit = hn::Set(d, scale);
-    const V y = hn::Sub(x, hn::Set(d, origin));
-    const V slope = hn::Mul(hn::Set(d, shape), y);
-    const V size = hn::Abs(slope);
-    V base = hn::Add(unit, slope);
-    const auto isNearEnd = hn::Lt(slope, hn::Set(d, -0.5 * scale));
-    if (HWY_UNLIKELY(!hn::AllFalse(d, isNearEnd))) {
-      base = hn::IfThenElse(isNearEnd, hn::Add(base, Lost(d, x, y, slope)), base);
-    }
-    // NaN, of shape 0 and infinite y, counts as tiny.
-    const auto isRegular = hn::Gt(size, hn::Set(d, kTiny * scale));
-    const auto isNearOne = hn::Le(size, hn::Set(d, 0.5 * scale));
-    const V q = hn::Div(hn::IfThenElse(isRegular, hn::IfThenElse(isNearOne, slope, base), y), unit);
+    const auto isNearOne = hn::Le(hn::Abs(slope), hn::Set(d, 0.5 * scale));
+    const V q = hn::Div(hn::IfThenElse(isNearOne, slope, base), hn::Set(d, scale));
     // ln(1 + q) near one, where the rounding c of 1 + q counts, ln q elsewhere. For the |q| <= 1/2 there, c
     // is c / u to within 1e-16 of the result.
     const V u = hn::IfThenElse(isNearOne, hn::Add(one, q), q);
     const V c = hn::IfThenElseZero(isNearOne, hn::Sub(q, hn::Sub(u, one)));
-    V log = hn::Add(LogOfPositive<!kMayBeSubnormal>(d, u), c);
-    log = hn::IfThenElse(hn::Eq(u, infinity), infinity, log);
-    V w = hn::Mul(log, hn::Set(d, signOverShape));
-    const double beyond = shape > 0.0 ? -sign * kVectorInfinity : sign * kVectorInfinity;
-    w = hn::IfThenElse(hn::Le(base, hn::Zero(d)), hn::Set(d, beyond), w);
-    return hn::IfThenElse(isRegular, w, hn::Mul(hn::Set(d, sign), q));
+    return hn::Mul(hn::Add(LogOfPositive<!kMayBeSubnormal>(d, u), c), hn::Set(d, signOverShape));
+  }
+
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V x, V /*t*/) const {
+    const V infinity = hn::Set(d, kVectorInfinity);
+    const V y = hn::Sub(x, hn::Set(d, origin));
+    const V slope = hn::Mul(hn::Set(d, shape), y);
+    const V size = hn::Abs(slope);
+    const V base = hn::Add(hn::Set(d, scale), slope);
+    // NaN, of shape 0 and infinite y, counts as tiny.
+    const auto isNotTiny = hn::Gt(size, hn::Set(d, kTiny * scale));
+    const auto isRegular = hn::And(isNotTiny, hn::Lt(size, infinity));
+    const auto isFarFromEnd = hn::Ge(slope, hn::Set(d, -0.5 * scale));
+    if (HWY_LIKELY(hn::AllTrue(d, hn::And(isRegular, isFarFromEnd)))) return Regular(d, slope, base);
+
+    const V exact = hn::IfThenElse(isFarFromEnd, base, hn::Add(base, Lost(d, x, y, slope)));
+    const double endless = std::copysign(kVectorInfinity, signOverShape);
+    V w = Regular(d, slope, exact);
+    w = hn::IfThenElse(hn::Eq(exact, infinity), hn::Set(d, endless), w);
+    w = hn::IfThenElse(hn::Le(exact, hn::Zero(d)), hn::Set(d, -endless), w);
+    return hn::IfThenElse(isNotTiny, w, hn::Mul(hn::Set(d, sign), hn::Div(y, hn::Set(d, scale))));
   }
 };
 
@@ -207,7 +212,7 @@ struct LogOnePlusStage {
 struct GevCdfStage {
   template <class D, class V>
   HWY_INLINE V operator()(D d, V x, V t) const {
-    return hn::IfThenElse(hn::IsNaN(x), x, ExpOfNegative(d, hn::Neg(t)));
+    return hn::IfThenElse(hn::IsNaN(x), x, Exp(d, hn::Neg(t)));
   }
 };
 

@@ -33,12 +33,19 @@ HWY_INLINE V ForProbabilities(D d, V p, V result) {
 
 inline constexpr std::size_t kBlock = 512;  // values at a time, that stay in the nearest cache
 
+// Two vectors at a time, so that neither waits for its own last step.
 template <class Stage>
 HWY_INLINE void RunStage(const double* x, const double* t, std::size_t count, double* out, Stage stage) {
   const hn::ScalableTag<double> d;
-  for (std::size_t i = 0; i < count; i += hn::Lanes(d)) {
-    hn::StoreU(stage(d, hn::LoadU(d, x + i), hn::LoadU(d, t + i)), d, out + i);
+  const std::size_t lanes = hn::Lanes(d);
+  std::size_t i = 0;
+  for (; i + 2 * lanes <= count; i += 2 * lanes) {
+    const auto first = stage(d, hn::LoadU(d, x + i), hn::LoadU(d, t + i));
+    const auto second = stage(d, hn::LoadU(d, x + i + lanes), hn::LoadU(d, t + i + lanes));
+    hn::StoreU(first, d, out + i);
+    hn::StoreU(second, d, out + i + lanes);
   }
+  if (i < count) hn::StoreU(stage(d, hn::LoadU(d, x + i), hn::LoadU(d, t + i)), d, out + i);
 }
 
 // For a count of whole vectors. Only the last stage writes to `out`, which may be x.
