@@ -14,6 +14,7 @@
 
 #include "host/numeric/distributions.h"
 #include "host/numeric/kolmogorov_smirnov.h"
+#include "host/numeric/mixture_expectation.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt {
@@ -144,6 +145,71 @@ void NormalsOneByOne(benchmark::State& state) {
   });
 }
 BENCHMARK(NormalsOneByOne);
+
+// The expectation step of a mixture of range(0) components, and its plain loop.
+std::vector<MixtureComponent> MixtureOf(std::int64_t components) {
+  std::vector<MixtureComponent> mixture;
+  for (std::int64_t c = 0; c < components; ++c) {
+    mixture.push_back({1.0 / static_cast<double>(components), 3.0 * static_cast<double>(c), 1.0});
+  }
+  return mixture;
+}
+
+std::vector<double> MixtureDraws(std::int64_t components) {
+  std::vector<double> values(kValues);
+  RandomStream(kSeed).FillNormal(0, 1.0, values);
+  for (std::size_t i = 0; i < kValues; ++i) {
+    values[i] += 3.0 * static_cast<double>(i % static_cast<std::size_t>(components));
+  }
+  return values;
+}
+
+void MixtureStep(benchmark::State& state) {
+  const std::vector<MixtureComponent> mixture = MixtureOf(state.range(0));
+  const std::vector<double> values = MixtureDraws(state.range(0));
+  MixtureExpectation expectation(mixture.size());
+  std::vector<ResponsibilitySums> sums(mixture.size());
+  for (auto _ : state) benchmark::DoNotOptimize(expectation.Run(values, mixture, sums));
+  CountValues(state);
+}
+BENCHMARK(MixtureStep)->Arg(2)->Arg(3)->Arg(6);
+
+double PlainExpectation(const std::vector<double>& values, const std::vector<MixtureComponent>& mixture,
+                        std::vector<ResponsibilitySums>& sums) {
+  std::vector<double> factors(mixture.size());
+  for (std::size_t c = 0; c < mixture.size(); ++c) {
+    factors[c] = mixture[c].proportion / mixture[c].deviation / std::sqrt(2.0 * M_PI);
+  }
+  std::vector<double> densities(mixture.size());
+  std::fill(sums.begin(), sums.end(), ResponsibilitySums{});
+  double logLikelihood = 0.0;
+  for (const double x : values) {
+    double total = 0.0;
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      const double z = (x - mixture[c].mean) / mixture[c].deviation;
+      densities[c] = factors[c] * std::exp(-0.5 * z * z);
+      total += densities[c];
+    }
+    logLikelihood += std::log(total);
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      const double weight = densities[c] / total;
+      const double d = x - mixture[c].mean;
+      sums[c].weight += weight;
+      sums[c].first += weight * d;
+      sums[c].second += weight * d * d;
+    }
+  }
+  return logLikelihood;
+}
+
+void MixtureStepPlain(benchmark::State& state) {
+  const std::vector<MixtureComponent> mixture = MixtureOf(state.range(0));
+  const std::vector<double> values = MixtureDraws(state.range(0));
+  std::vector<ResponsibilitySums> sums(mixture.size());
+  for (auto _ : state) benchmark::DoNotOptimize(PlainExpectation(values, mixture, sums));
+  CountValues(state);
+}
+BENCHMARK(MixtureStepPlain)->Arg(2)->Arg(3)->Arg(6);
 
 // The p-value at n d^2 = range(1) / 100, which decides the method.
 void KolmogorovSmirnovPvalue(benchmark::State& state) {

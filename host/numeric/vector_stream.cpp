@@ -51,7 +51,16 @@ HWY_INLINE void PhiloxRounds(D du, std::uint32_t key0, std::uint32_t key1, V (&w
   constexpr int kRounds = 10;
   V k0 = hn::Set(du, std::uint64_t{key0});
   V k1 = hn::Set(du, std::uint64_t{key1});
-  for (int round = 0; round < kRounds; ++round) {
+  for (V(&w)[4] : words) {
+    const V product0 = TimesWord(du, w[0], kMultiplier0);
+    w[0] = hn::Xor(w[1], k0);
+    w[1] = hn::Zero(du);
+    w[2] = hn::Xor(hn::template ShiftRight<32>(product0), k1);
+    w[3] = product0;
+  }
+  for (int round = 1; round < kRounds; ++round) {
+    k0 = hn::Add(k0, increment0);
+    k1 = hn::Add(k1, increment1);
     for (V(&w)[4] : words) {
       const V product0 = TimesWord(du, w[0], kMultiplier0);
       const V product1 = TimesWord(du, w[2], kMultiplier1);
@@ -60,8 +69,6 @@ HWY_INLINE void PhiloxRounds(D du, std::uint32_t key0, std::uint32_t key1, V (&w
       w[2] = hn::Xor3(hn::template ShiftRight<32>(product0), w[3], k1);
       w[3] = product0;
     }
-    k0 = hn::Add(k0, increment0);
-    k1 = hn::Add(k1, increment1);
   }
 }
 
@@ -107,8 +114,6 @@ void Philox(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, st
       const auto block = hn::Add(hn::Load(du, order), hn::Set(du, firstBlock + i / 2 + group * lanes));
       words[group][0] = block;
       words[group][1] = hn::template ShiftRight<32>(block);
-      words[group][2] = hn::Zero(du);
-      words[group][3] = hn::Zero(du);
     }
     PhiloxRounds(du, key0, key1, words);
     const std::size_t rest = out.size() - i;
