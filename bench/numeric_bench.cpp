@@ -2,6 +2,7 @@
 // p-value. The counter "perValue" is seconds for one value. Names with Boost are the plain scalar loop over
 // Boost.Math that the array forms are measured against.
 #include <benchmark/benchmark.h>
+#include <tbb/global_control.h>
 
 #include <boost/math/distributions/lognormal.hpp>
 #include <boost/math/distributions/normal.hpp>
@@ -10,6 +11,8 @@
 #include <boost/math/distributions/weibull.hpp>
 #include <cmath>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/numeric/distributions.h"
@@ -223,4 +226,19 @@ BENCHMARK(KolmogorovSmirnovPvalue)->ArgsProduct({{10, 500, 10'000, 100'000}, {20
 }  // namespace
 }  // namespace brenvolt
 
-BENCHMARK_MAIN();
+// One thread, unless the first argument says otherwise: --threads=N.
+int main(int argc, char** argv) {
+  constexpr std::string_view kOption = "--threads=";
+  std::size_t threads = 1;
+  if (argc > 1 && std::string_view(argv[1]).starts_with(kOption)) {
+    threads = std::stoul(argv[1] + kOption.size());
+    argv[1] = argv[0];
+    ++argv;
+    --argc;
+  }
+  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}
