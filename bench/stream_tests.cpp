@@ -50,6 +50,7 @@ double EqualCellsPvalue(std::span<const double> counts) {
 }
 
 double MiddlePoissonPvalue(double count, double mean) {
+  if (count > 100.0 + 10.0 * mean) return 0.0;  // below 1e-40, and beyond the reach of the gamma function
   const double atMost = boost::math::gamma_q(count + 1.0, mean);
   const double below = count > 0.0 ? boost::math::gamma_q(count, mean) : 0.0;
   return 1.0 - 0.5 * (atMost + below);
