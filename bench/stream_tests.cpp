@@ -41,7 +41,10 @@ double ChiSquarePvalue(std::span<const double> counts, std::span<const double> p
     const double expected = n * probabilities[i];
     statistic += (counts[i] - expected) * (counts[i] - expected) / expected;
   }
-  return boost::math::gamma_q(0.5 * static_cast<double>(counts.size() - 1), 0.5 * statistic);
+  const auto freedom = static_cast<double>(counts.size() - 1);
+  // Below exp(-500) (Laurent & Massart 2000, lemma 1), and beyond the reach of the gamma function.
+  if (statistic > freedom + 60.0 * std::sqrt(freedom) + 2000.0) return 0.0;
+  return boost::math::gamma_q(0.5 * freedom, 0.5 * statistic);
 }
 
 double EqualCellsPvalue(std::span<const double> counts) {
@@ -50,7 +53,7 @@ double EqualCellsPvalue(std::span<const double> counts) {
 }
 
 double MiddlePoissonPvalue(double count, double mean) {
-  if (count > 100.0 + 10.0 * mean) return 0.0;  // below 1e-40, and beyond the reach of the gamma function
+  if (count > mean + 40.0 * std::sqrt(mean) + 100.0) return 0.0;  // beyond the reach of the gamma function
   const double atMost = boost::math::gamma_q(count + 1.0, mean);
   const double below = count > 0.0 ? boost::math::gamma_q(count, mean) : 0.0;
   return 1.0 - 0.5 * (atMost + below);
