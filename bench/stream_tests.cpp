@@ -53,10 +53,8 @@ double EqualCellsPvalue(std::span<const double> counts) {
 }
 
 double MiddlePoissonPvalue(double count, double mean) {
-  if (count > mean + 40.0 * std::sqrt(mean) + 100.0) return 0.0;  // beyond the reach of the gamma function
-  const double atMost = boost::math::gamma_q(count + 1.0, mean);
-  const double below = count > 0.0 ? boost::math::gamma_q(count, mean) : 0.0;
-  return 1.0 - 0.5 * (atMost + below);
+  const double below = count > 0.0 ? poisson::Cdf(count - 1.0, mean) : 0.0;
+  return 1.0 - 0.5 * (poisson::Cdf(count, mean) + below);
 }
 
 // Cells of a cube of kDimensions, each 2^kEach wide, from the part of each deviate that `part` takes.
