@@ -2,16 +2,22 @@
 // p-value. The counter "perValue" is seconds for one value. Names with Boost are the plain scalar loop over
 // Boost.Math that the array forms are measured against.
 #include <benchmark/benchmark.h>
+#include <tbb/global_control.h>
 
 #include <boost/math/distributions/lognormal.hpp>
 #include <boost/math/distributions/normal.hpp>
+#include <boost/math/distributions/pareto.hpp>
+#include <boost/math/distributions/rayleigh.hpp>
 #include <boost/math/distributions/weibull.hpp>
 #include <cmath>
 #include <cstdint>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/numeric/distributions.h"
 #include "host/numeric/kolmogorov_smirnov.h"
+#include "host/numeric/mixture_expectation.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt {
@@ -83,6 +89,36 @@ std::vector<double> Draws(const Quantile& quantile) {
 LAW_BENCHMARKS(Normal, normal, boost::math::normal(1.0, 2.0), 1.0, 2.0);
 LAW_BENCHMARKS(Lognormal, lognormal, boost::math::lognormal(1.0, 0.5), 1.0, 0.5, 0.0);
 LAW_BENCHMARKS(Weibull, weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
+LAW_BENCHMARKS(Rayleigh, rayleigh, boost::math::rayleigh(2.0), 2.0, 0.0);
+
+// Boost has neither generalized type: the textbook formulas, as one would write them in a scalar loop.
+struct PlainGev {
+  double location;
+  double scale;
+  double shape;
+};
+double cdf(const PlainGev& law, double x) {
+  return std::exp(-std::exp(-std::log1p(law.shape * (x - law.location) / law.scale) / law.shape));
+}
+double quantile(const PlainGev& law, double p) {
+  return law.location + law.scale * std::expm1(-law.shape * std::log(-std::log(p))) / law.shape;
+}
+LAW_BENCHMARKS(Gev, gev, (PlainGev{1.0, 2.0, 0.2}), 1.0, 2.0, 0.2);
+
+struct PlainGpd {
+  double scale;
+  double shape;
+  double threshold;
+};
+double cdf(const PlainGpd& law, double x) {
+  return -std::expm1(-std::log1p(law.shape * (x - law.threshold) / law.scale) / law.shape);
+}
+double quantile(const PlainGpd& law, double p) {
+  return law.threshold + law.scale * std::expm1(-law.shape * std::log1p(-p)) / law.shape;
+}
+LAW_BENCHMARKS(Gpd, gpd, (PlainGpd{2.0, 0.2, 1.0}), 2.0, 0.2, 1.0);
+// The Pareto distribution of Boost is the same law, moved: shape 1/5, scale 10.
+LAW_BENCHMARKS(GpdAsPareto, gpd, boost::math::pareto(10.0, 5.0), 2.0, 0.2, 10.0);
 
 void PoissonQuantile(benchmark::State& state) {
   OverArrays(state, Uniforms(), [](const auto& in, auto& out) { poisson::Quantile(in, 12.5, out); });
@@ -113,6 +149,71 @@ void NormalsOneByOne(benchmark::State& state) {
 }
 BENCHMARK(NormalsOneByOne);
 
+// The expectation step of a mixture of range(0) components, and its plain loop.
+std::vector<MixtureComponent> MixtureOf(std::int64_t components) {
+  std::vector<MixtureComponent> mixture;
+  for (std::int64_t c = 0; c < components; ++c) {
+    mixture.push_back({1.0 / static_cast<double>(components), 3.0 * static_cast<double>(c), 1.0});
+  }
+  return mixture;
+}
+
+std::vector<double> MixtureDraws(std::int64_t components) {
+  std::vector<double> values(kValues);
+  RandomStream(kSeed).FillNormal(0, 1.0, values);
+  for (std::size_t i = 0; i < kValues; ++i) {
+    values[i] += 3.0 * static_cast<double>(i % static_cast<std::size_t>(components));
+  }
+  return values;
+}
+
+void MixtureStep(benchmark::State& state) {
+  const std::vector<MixtureComponent> mixture = MixtureOf(state.range(0));
+  const std::vector<double> values = MixtureDraws(state.range(0));
+  MixtureExpectation expectation(mixture.size());
+  std::vector<ResponsibilitySums> sums(mixture.size());
+  for (auto _ : state) benchmark::DoNotOptimize(expectation.Run(values, mixture, sums));
+  CountValues(state);
+}
+BENCHMARK(MixtureStep)->Arg(2)->Arg(3)->Arg(6);
+
+double PlainExpectation(const std::vector<double>& values, const std::vector<MixtureComponent>& mixture,
+                        std::vector<ResponsibilitySums>& sums) {
+  std::vector<double> factors(mixture.size());
+  for (std::size_t c = 0; c < mixture.size(); ++c) {
+    factors[c] = mixture[c].proportion / mixture[c].deviation / std::sqrt(2.0 * M_PI);
+  }
+  std::vector<double> densities(mixture.size());
+  std::fill(sums.begin(), sums.end(), ResponsibilitySums{});
+  double logLikelihood = 0.0;
+  for (const double x : values) {
+    double total = 0.0;
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      const double z = (x - mixture[c].mean) / mixture[c].deviation;
+      densities[c] = factors[c] * std::exp(-0.5 * z * z);
+      total += densities[c];
+    }
+    logLikelihood += std::log(total);
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      const double weight = densities[c] / total;
+      const double d = x - mixture[c].mean;
+      sums[c].weight += weight;
+      sums[c].first += weight * d;
+      sums[c].second += weight * d * d;
+    }
+  }
+  return logLikelihood;
+}
+
+void MixtureStepPlain(benchmark::State& state) {
+  const std::vector<MixtureComponent> mixture = MixtureOf(state.range(0));
+  const std::vector<double> values = MixtureDraws(state.range(0));
+  std::vector<ResponsibilitySums> sums(mixture.size());
+  for (auto _ : state) benchmark::DoNotOptimize(PlainExpectation(values, mixture, sums));
+  CountValues(state);
+}
+BENCHMARK(MixtureStepPlain)->Arg(2)->Arg(3)->Arg(6);
+
 // The p-value at n d^2 = range(1) / 100, which decides the method.
 void KolmogorovSmirnovPvalue(benchmark::State& state) {
   const std::int64_t n = state.range(0);
@@ -125,4 +226,19 @@ BENCHMARK(KolmogorovSmirnovPvalue)->ArgsProduct({{10, 500, 10'000, 100'000}, {20
 }  // namespace
 }  // namespace brenvolt
 
-BENCHMARK_MAIN();
+// One thread, unless the first argument says otherwise: --threads=N.
+int main(int argc, char** argv) {
+  constexpr std::string_view kOption = "--threads=";
+  std::size_t threads = 1;
+  if (argc > 1 && std::string_view(argv[1]).starts_with(kOption)) {
+    threads = std::stoul(argv[1] + kOption.size());
+    argv[1] = argv[0];
+    ++argv;
+    --argc;
+  }
+  const tbb::global_control limit(tbb::global_control::max_allowed_parallelism, threads);
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  return 0;
+}

@@ -14,7 +14,7 @@
 #include "host/numeric/bracketed_root.h"
 #include "host/numeric/estimator_support.h"
 #include "host/numeric/estimators.h"
-#include "host/numeric/standard_normal.h"
+#include "host/numeric/mixture_expectation.h"
 
 namespace brenvolt {
 namespace {
@@ -32,12 +32,7 @@ constexpr double kLeastRelativeDeviation = 1e-6;  // of that of the data; a comp
 constexpr double kLeastCount = 2.0;               // the values that a component must hold
 constexpr std::size_t kValuesPerComponent = 3;
 
-struct Component {
-  double proportion = 0.0;
-  double mean = 0.0;
-  double deviation = 0.0;
-};
-
+using Component = MixtureComponent;
 using Mixture = std::vector<Component>;
 
 // Steps of expectation and maximisation over one sample, with the space that they need.
@@ -46,7 +41,8 @@ class Climber {
   Climber(std::span<const double> values, std::size_t components, double deviation)
       : values_(values),
         leastDeviation_(kLeastRelativeDeviation * deviation),
-        densities_(components * kBlock) {}
+        expectation_(components),
+        sums_(components) {}
 
   // Replaces the mixture by the next one and returns the mean log-likelihood of the one given.
   double Step(Mixture& mixture);
@@ -59,78 +55,20 @@ class Climber {
   }
 
  private:
-  static constexpr std::size_t kBlock = 256;
-
-  // Sums of a component's responsibilities, and of deviations from its present mean.
-  struct Sums {
-    double weight = 0.0;
-    double first = 0.0;
-    double second = 0.0;
-  };
-
-  double AddBlock(std::span<const double> block, const Mixture& mixture, std::vector<Sums>& sums);
-
   std::span<const double> values_;
   double leastDeviation_;
-  std::vector<double> densities_;  // per component, a block's logarithms and then responsibilities
+  MixtureExpectation expectation_;
+  std::vector<ResponsibilitySums> sums_;
 };
 
-double Climber::AddBlock(std::span<const double> block, const Mixture& mixture, std::vector<Sums>& sums) {
-  double greatest[kBlock];
-  double total[kBlock] = {};
-  std::fill(greatest, greatest + block.size(), -kInfinity);
-  for (std::size_t c = 0; c < mixture.size(); ++c) {
-    const double constant = std::log(mixture[c].proportion / mixture[c].deviation) - kLogSqrtTwoPi;
-    const double inverse = 1.0 / mixture[c].deviation;
-    double* row = &densities_[c * kBlock];
-    for (std::size_t i = 0; i < block.size(); ++i) {
-      const double z = (block[i] - mixture[c].mean) * inverse;
-      row[i] = constant - 0.5 * z * z;
-      greatest[i] = std::max(greatest[i], row[i]);
-    }
-  }
-  for (std::size_t c = 0; c < mixture.size(); ++c) {
-    double* row = &densities_[c * kBlock];
-    for (std::size_t i = 0; i < block.size(); ++i) {
-      row[i] = std::exp(row[i] - greatest[i]);
-      total[i] += row[i];
-    }
-  }
-  double logLikelihood = 0.0;
-  for (std::size_t i = 0; i < block.size(); ++i) {
-    logLikelihood += greatest[i] + std::log(total[i]);
-    total[i] = 1.0 / total[i];
-  }
-  for (std::size_t c = 0; c < mixture.size(); ++c) {
-    const double* row = &densities_[c * kBlock];
-    Sums here;
-    for (std::size_t i = 0; i < block.size(); ++i) {
-      const double weight = row[i] * total[i];
-      const double d = block[i] - mixture[c].mean;
-      here.weight += weight;
-      here.first += weight * d;
-      here.second += weight * d * d;
-    }
-    sums[c].weight += here.weight;
-    sums[c].first += here.first;
-    sums[c].second += here.second;
-  }
-  return logLikelihood;
-}
-
 double Climber::Step(Mixture& mixture) {
-  std::vector<Sums> sums(mixture.size());
-  double logLikelihood = 0.0;
-  for (std::size_t begin = 0; begin < values_.size(); begin += kBlock) {
-    logLikelihood +=
-        AddBlock(values_.subspan(begin, std::min(kBlock, values_.size() - begin)), mixture, sums);
-  }
+  const double logLikelihood = expectation_.Run(values_, mixture, sums_);
   const auto n = static_cast<double>(values_.size());
   for (std::size_t c = 0; c < mixture.size(); ++c) {
-    const double shift = sums[c].first / sums[c].weight;
-    mixture[c].proportion = sums[c].weight / n;
+    const double shift = sums_[c].first / sums_[c].weight;
+    mixture[c].proportion = sums_[c].weight / n;
     mixture[c].mean += shift;
-    mixture[c].deviation = std::sqrt(std::max(0.0, sums[c].second / sums[c].weight - shift * shift));
+    mixture[c].deviation = std::sqrt(std::max(0.0, sums_[c].second / sums_[c].weight - shift * shift));
   }
   return std::isnan(logLikelihood) ? -kInfinity : logLikelihood / n;
 }

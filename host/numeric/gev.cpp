@@ -5,6 +5,7 @@
 #include "host/numeric/gamma_moments.h"
 #include "host/numeric/law_forms.h"
 #include "host/numeric/log_one_plus.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::gev {
 
@@ -51,9 +52,9 @@ struct Law {
     return std::exp(-(1.0 + shape) * w - std::exp(-w)) / scale;
   }
 
-  double Cdf(double x) const { return std::exp(-std::exp(-Reduced(x))); }
+  double Cdf(double x) const { return vector_forms::GevCdf(x, location, scale, shape); }
   double Complement(double x) const { return -std::expm1(-std::exp(-Reduced(x))); }
-  double Quantile(double p) const { return AtReduced(-std::log(-std::log(p))); }
+  double Quantile(double p) const { return vector_forms::GevQuantile(p, location, scale, shape); }
   double ComplementQuantile(double q) const { return AtReduced(-std::log(-std::log1p(-q))); }
 
   double Mean() const { return location + scale * GammaPowerMean(shape); }
@@ -87,11 +88,13 @@ double ComplementQuantile(double q, double location, double scale, double shape)
 }
 
 void Cdf(std::span<const double> x, double location, double scale, double shape, std::span<double> out) {
-  ProbabilitiesAt(Law{location, scale, shape}, &Law::Cdf, x, out);
+  if (!Law{location, scale, shape}.IsValid()) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::GevCdf(x, location, scale, shape, out);
 }
 
 void Quantile(std::span<const double> p, double location, double scale, double shape, std::span<double> out) {
-  QuantilesAt(Law{location, scale, shape}, &Law::Quantile, p, out);
+  if (!Law{location, scale, shape}.IsValid()) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::GevQuantile(p, location, scale, shape, out);
 }
 
 double Mean(double location, double scale, double shape) {

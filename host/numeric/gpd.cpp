@@ -4,6 +4,7 @@
 
 #include "host/numeric/law_forms.h"
 #include "host/numeric/log_one_plus.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::gpd {
 
@@ -48,9 +49,9 @@ struct Law {
     return std::exp(-(1.0 + shape) * w) / scale;
   }
 
-  double Cdf(double x) const { return -std::expm1(-Hazard(x)); }
+  double Cdf(double x) const { return vector_forms::GpdCdf(x, scale, shape, threshold); }
   double Complement(double x) const { return std::exp(-Hazard(x)); }
-  double Quantile(double p) const { return AtHazard(-std::log1p(-p)); }
+  double Quantile(double p) const { return vector_forms::GpdQuantile(p, scale, shape, threshold); }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 
   double Mean() const { return shape < 1.0 ? threshold + scale / (1.0 - shape) : kInfinity; }
@@ -88,12 +89,14 @@ double ComplementQuantile(double q, double scale, double shape, double threshold
 }
 
 void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out) {
-  ProbabilitiesAt(Law{scale, shape, threshold}, &Law::Cdf, x, out);
+  if (!Law{scale, shape, threshold}.IsValid()) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::GpdCdf(x, scale, shape, threshold, out);
 }
 
 void Quantile(std::span<const double> p, double scale, double shape, double threshold,
               std::span<double> out) {
-  QuantilesAt(Law{scale, shape, threshold}, &Law::Quantile, p, out);
+  if (!Law{scale, shape, threshold}.IsValid()) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::GpdQuantile(p, scale, shape, threshold, out);
 }
 
 double Mean(double scale, double shape, double threshold) {

@@ -12,6 +12,7 @@
 #include <cassert>
 #include <cstddef>
 
+#include "host/base/parallel.h"
 #include "host/numeric/standard_normal.h"
 #include "host/numeric/vector_forms.h"
 
@@ -89,26 +90,53 @@ double RandomStream::Uniform(std::uint64_t position) const {
   return Block(seed_, position / 2)[position % 2];
 }
 
-void RandomStream::FillUniform(std::uint64_t position, std::span<double> out) const {
+namespace {
+
+// Long fills are shared among the cores in blocks of an even length, so that the blocks begin where Philox's
+// do.
+constexpr std::size_t kShare = std::size_t{1} << 15;
+
+template <class Fill>
+void InShares(std::span<double> out, const Fill& fill) {
+  if (out.size() <= 2 * kShare) return fill(0, out);
+  ParallelBlocks(out.size(), kShare,
+                 [&](std::size_t begin, std::size_t end) { fill(begin, out.subspan(begin, end - begin)); });
+}
+
+void FillUniformHere(const RandomStream& stream, std::uint64_t position, std::span<double> out) {
   if (out.empty()) return;
   if (position % 2 == 1) {
-    out.front() = Uniform(position);
+    out.front() = stream.Uniform(position);
     ++position;
     out = out.subspan(1);
   }
   const std::size_t paired = out.size() - out.size() % 2;
-  vector_forms::PhiloxUniforms(static_cast<std::uint32_t>(seed_), kStreamTag, position / 2,
+  vector_forms::PhiloxUniforms(static_cast<std::uint32_t>(stream.Seed()), kStreamTag, position / 2,
                                out.first(paired));
-  if (paired < out.size()) out.back() = Uniform(position + paired);
+  if (paired < out.size()) out.back() = stream.Uniform(position + paired);
 }
 
-void RandomStream::FillNormal(std::uint64_t position, double sd, std::span<double> out) const {
+void FillNormalHere(const RandomStream& stream, std::uint64_t position, double sd, std::span<double> out) {
   constexpr std::size_t kBlock = 2048;  // stays in the nearest cache between the two steps
   for (std::size_t begin = 0; begin < out.size(); begin += kBlock) {
     const auto block = out.subspan(begin, std::min(kBlock, out.size() - begin));
-    FillUniform(position + begin, block);
+    FillUniformHere(stream, position + begin, block);
     vector_forms::NormalsFromUniforms(block, sd, block);
   }
+}
+
+}  // namespace
+
+void RandomStream::FillUniform(std::uint64_t position, std::span<double> out) const {
+  InShares(out, [&](std::size_t begin, std::span<double> share) {
+    FillUniformHere(*this, position + begin, share);
+  });
+}
+
+void RandomStream::FillNormal(std::uint64_t position, double sd, std::span<double> out) const {
+  InShares(out, [&](std::size_t begin, std::span<double> share) {
+    FillNormalHere(*this, position + begin, sd, share);
+  });
 }
 
 }  // namespace brenvolt

@@ -35,7 +35,8 @@ class RandomStream {
   std::int32_t Seed() const { return seed_; }
   // The uniform deviate at a position.
   double Uniform(std::uint64_t position) const;
-  // The deviates at position, position + 1, …: bit for bit what one-by-one draws give.
+  // The deviates at position, position + 1, …: bit for bit what one-by-one draws give. Long
+  // fills run on all cores, with the same result at any number of threads.
   void FillUniform(std::uint64_t position, std::span<double> out) const;
   void FillNormal(std::uint64_t position, double sd, std::span<double> out) const;
 

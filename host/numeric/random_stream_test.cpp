@@ -3,6 +3,8 @@
 
 #include <Random123/philox.h>
 #include <gtest/gtest.h>
+#include <tbb/global_control.h>
+#include <tbb/task_arena.h>
 
 #include <algorithm>
 #include <cmath>
@@ -158,6 +160,30 @@ TEST(RandomStream, SeedsNextToEachOtherGiveUncorrelatedStreams) {
   double product = 0.0;
   for (std::size_t i = 0; i < kDraws; ++i) product += (left[i] - 0.5) * (right[i] - 0.5);
   EXPECT_LT(std::abs(product) * 12.0 / std::sqrt(static_cast<double>(kDraws)), kGreatestDeviation);
+}
+
+TEST(RandomStream, LongFillsAreTheSameOnAnyNumberOfThreads) {
+  constexpr std::size_t kLength = 300'001;
+  constexpr double kSd = 2.5;
+  const RandomStream stream(77);
+  for (const std::uint64_t position : {0ULL, 12'345ULL}) {
+    for (const int threads : {1, 2, 3, 7}) {
+      const tbb::global_control limit(tbb::global_control::max_allowed_parallelism,
+                                      static_cast<std::size_t>(threads));
+      tbb::task_arena arena(threads);
+      std::vector<double> uniforms(kLength);
+      std::vector<double> normals(kLength);
+      arena.execute([&] {
+        stream.FillUniform(position, uniforms);
+        stream.FillNormal(position, kSd, normals);
+      });
+      inirnd_(77, 0);
+      SetProcessStreamPosition(position);
+      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(uniforms[i], rnd_(0)) << threads << ' ' << i;
+      SetProcessStreamPosition(position);
+      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(normals[i], znormal_(kSd)) << threads << ' ' << i;
+    }
+  }
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "host/numeric/law_forms.h"
 #include "host/numeric/standard_normal.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::rayleigh {
 
@@ -35,18 +36,14 @@ struct Law {
     return std::log(z) - std::log(scale) - 0.5 * z * z;
   }
 
-  double Cdf(double x) const {
-    if (!(x > threshold)) return 0.0;
-    const double z = Standardised(x);
-    return -std::expm1(-0.5 * z * z);
-  }
+  double Cdf(double x) const { return vector_forms::RayleighCdf(x, scale, threshold); }
 
   double Complement(double x) const {
     if (std::isinf(x)) return x > 0.0 ? 0.0 : 1.0;
     return x > threshold ? ExpMinusHalfSquare(Standardised(x)) : 1.0;
   }
 
-  double Quantile(double p) const { return threshold + scale * std::sqrt(-2.0 * std::log1p(-p)); }
+  double Quantile(double p) const { return vector_forms::RayleighQuantile(p, scale, threshold); }
 
   double ComplementQuantile(double q) const { return threshold + scale * std::sqrt(-2.0 * std::log(q)); }
 
@@ -81,11 +78,13 @@ double ComplementQuantile(double q, double scale, double threshold) {
 }
 
 void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out) {
-  ProbabilitiesAt(Law{scale, threshold}, &Law::Cdf, x, out);
+  if (!Law{scale, threshold}.IsValid()) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::RayleighCdf(x, scale, threshold, out);
 }
 
 void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out) {
-  QuantilesAt(Law{scale, threshold}, &Law::Quantile, p, out);
+  if (!Law{scale, threshold}.IsValid()) return FillInvalid(p.size(), kInvalidQuantile, out);
+  vector_forms::RayleighQuantile(p, scale, threshold, out);
 }
 
 double Mean(double scale, double threshold) {

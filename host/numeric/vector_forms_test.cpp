@@ -80,7 +80,19 @@ std::vector<Form> Forms() {
           OF_LAW(lognormal, Cdf, 0.5, 0.75, -0.125),
           OF_LAW(lognormal, Quantile, 0.5, 0.75, -0.125),
           OF_LAW(weibull, Cdf, 2.0, 1.7, -0.125),
-          OF_LAW(weibull, Quantile, 2.0, 1.7, -0.125)};
+          OF_LAW(weibull, Quantile, 2.0, 1.7, -0.125),
+          OF_LAW(rayleigh, Cdf, 2.0, -0.125),
+          OF_LAW(rayleigh, Quantile, 2.0, -0.125),
+          OF_LAW(gev, Cdf, -0.125, 2.0, 0.3),
+          OF_LAW(gev, Cdf, -0.125, 2.0, 0.0),
+          OF_LAW(gev, Cdf, -0.125, 2.0, -0.7),
+          OF_LAW(gev, Quantile, -0.125, 2.0, 0.3),
+          OF_LAW(gev, Quantile, -0.125, 2.0, 0.0),
+          OF_LAW(gpd, Cdf, 2.0, 0.3, -0.125),
+          OF_LAW(gpd, Cdf, 2.0, -1e-9, -0.125),
+          OF_LAW(gpd, Cdf, 2.0, -0.7, -0.125),
+          OF_LAW(gpd, Quantile, 2.0, -0.3, -0.125),
+          OF_LAW(gpd, Quantile, 2.0, 0.0, -0.125)};
 }
 
 // Special values, values of all sizes and signs, and probabilities into both tails.
