@@ -42,8 +42,10 @@ double ChiSquarePvalue(std::span<const double> counts, std::span<const double> p
     statistic += (counts[i] - expected) * (counts[i] - expected) / expected;
   }
   const auto freedom = static_cast<double>(counts.size() - 1);
-  // Below exp(-500) (Laurent & Massart 2000, lemma 1), and beyond the reach of the gamma function.
+  // Below exp(-500), or as near to 1 (Laurent & Massart 2000, lemma 1), and beyond the reach of the gamma
+  // function.
   if (statistic > freedom + 60.0 * std::sqrt(freedom) + 2000.0) return 0.0;
+  if (statistic < freedom - 2.0 * std::sqrt(500.0 * freedom)) return 1.0;
   return boost::math::gamma_q(0.5 * freedom, 0.5 * statistic);
 }
 
