@@ -18,8 +18,8 @@ TEST(AxisScaling, RangesGetTheCoarsestRoundStepWithinBothCounts) {
     double roundedMinimum, roundedMaximum, step;
   };
   const Case cases[] = {
-      {0, 1, 0, 1, 0.05},                // 0.05: 20 steps
-      {0.3, 0.7, 0.3, 0.7, 0.02},        // limits on a multiple stay, though 0.3 / 0.02 is not whole in binary
+      {0, 1, 0, 1, 0.05},          // 0.05: 20 steps
+      {0.3, 0.7, 0.3, 0.7, 0.02},  // limits on a multiple stay, though 0.3 / 0.02 is not whole in binary
       {0.31, 0.69, 0.3, 0.7, 0.02},
       {1, 263.25, 0, 270, 10},
       {-3, 99, -5, 100, 5},
@@ -39,12 +39,20 @@ TEST(AxisScaling, RangesGetTheCoarsestRoundStepWithinBothCounts) {
 }
 
 TEST(AxisScaling, EveryFiniteRangeIsEnclosedInWholeSteps) {
-  std::vector<std::pair<double, double>> ranges = {
-      {5, 5},           {0, 0},          {-7, -7},
-      {kLargest, kLargest}, {-kLargest, kLargest}, {-kLargest, -kLargest},
-      {0, kSmallest},   {-kSmallest, kSmallest}, {1e-300, 2e-300},
-      {1e-279, 2e-279}, {1, std::nextafter(1.0, 2.0)}, {0, kLargest},
-      {1e300, 1.1e300}, {1.79e308, kLargest}};
+  std::vector<std::pair<double, double>> ranges = {{5, 5},
+                                                   {0, 0},
+                                                   {-7, -7},
+                                                   {kLargest, kLargest},
+                                                   {-kLargest, kLargest},
+                                                   {-kLargest, -kLargest},
+                                                   {0, kSmallest},
+                                                   {-kSmallest, kSmallest},
+                                                   {1e-300, 2e-300},
+                                                   {1e-279, 2e-279},
+                                                   {1, std::nextafter(1.0, 2.0)},
+                                                   {0, kLargest},
+                                                   {1e300, 1.1e300},
+                                                   {1.79e308, kLargest}};
   std::mt19937_64 engine(4);
   std::uniform_real_distribution<double> exponent(-250, 250);
   std::uniform_real_distribution<double> share(-1, 1);
