@@ -66,6 +66,7 @@ BENCHMARK(FitAll)
     ->ArgsProduct({{kLogNormalLike, kNormalLike}, {1'000, 10'000, 100'000, 1'000'000}})
     ->ArgNames({"shape", "n"})
     ->Unit(benchmark::kMillisecond)
+    ->MeasureProcessCPUTime()
     ->UseRealTime();
 
 // range(0): the distribution code.

@@ -35,6 +35,8 @@ CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeigh
   const auto weightIndex = sheet.WeightVariable();
   const bool weighted = useWeights && weightIndex.has_value();
   if (weighted && sheet.VariableAt(*weightIndex).Type() == VariableType::kText) Throw(kMsgWeightsNotIntegers);
+  if (sheet.CaseCount() > std::numeric_limits<std::uint32_t>::max()) Throw(kMsgDatasetTooLarge);
+  set.cases.reserve(sheet.CaseCount());
   std::int64_t total = 0;
   for (std::size_t i = 0; i < sheet.CaseCount(); ++i) {
     if (useSelection && !sheet.IsCaseSelected(i)) continue;
@@ -47,7 +49,7 @@ CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeigh
       if (weight == 0) continue;
       set.weights.push_back(weight);
     }
-    set.cases.push_back(i);
+    set.cases.push_back(static_cast<std::uint32_t>(i));
   }
   return set;
 }
@@ -83,7 +85,7 @@ Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& s
     }
     if (std::isinf(x)) {
       throw NumericalException("variable " + variable.Name() + " holds an infinite value",
-                               "case " + std::to_string(set.cases[i] + 1));
+                               "case " + std::to_string(std::uint64_t{set.cases[i]} + 1));
     }
     const std::int32_t copies = set.weights.empty() ? 1 : set.weights[i];
     sample.values.insert(sample.values.end(), static_cast<std::size_t>(copies), x);

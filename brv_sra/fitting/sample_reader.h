@@ -14,7 +14,7 @@ namespace brenvolt::sra {
 
 // Which cases take part and how often, the same for all variables of a run.
 struct CaseSet {
-  std::vector<std::size_t> cases;     // accepted cases, ascending
+  std::vector<std::uint32_t> cases;   // accepted cases, ascending
   std::vector<std::int32_t> weights;  // one per accepted case, or empty where every case counts once
 };
 

@@ -1,5 +1,6 @@
 #include "brv_sra/fitting/standard_errors.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "host/numeric/estimator_support.h"

@@ -535,9 +535,10 @@ Candidate FitSorted(std::span<const double> sorted, std::size_t components, doub
   if (best.mixture.empty()) return SearchMixture(sorted, components, deviation);
   for (std::size_t count = known.size(); count < sorted.size();) {
     count = std::min(count * kRise, sorted.size());
-    std::vector<double> thin = Thinned(sorted, count);
+    std::vector<double> thin;
+    if (count < sorted.size()) thin = Thinned(sorted, count);
     Climber sketch(known, components, deviation);
-    Climber climber(thin, components, deviation);
+    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation);
     auto end = Polish(sketch, climber, best.mixture);
     best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture);
     if (best.mixture.empty()) return SearchMixture(sorted, components, deviation);
@@ -558,10 +559,14 @@ std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> 
   if (count < 1 || 2 * count > data.size() || components.size() < kValuesPerComponent * count) {
     return Fail(EstimationError::kInvalidArgument, components, error);
   }
-  std::vector<double> sorted(data.begin(), data.end());
-  std::sort(sorted.begin(), sorted.end());
-  if (sorted.front() == sorted.back()) return Fail(EstimationError::kNoSpread, components, error);
-  const ScaledSample sample = ScaleFrom(sorted, sorted[sorted.size() / 2]);
+  std::vector<double> sorted;
+  if (!std::ranges::is_sorted(data)) {
+    sorted.assign(data.begin(), data.end());
+    std::ranges::sort(sorted);
+    data = sorted;
+  }
+  if (data.front() == data.back()) return Fail(EstimationError::kNoSpread, components, error);
+  const ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
   if (estimation::IsAnyNotFinite(sample.values)) return Fail(EstimationError::kNotFinite, components, error);
 
   const double deviation = std::sqrt(MeanSquare(sample.values, Mean(sample.values)));
