@@ -51,7 +51,7 @@ TEST_F(Command, FitMeetsTheKnownAnswers) {
   const Json& beef = json["variables"][0];
   EXPECT_EQ(beef["n"], 254);
   EXPECT_EQ(beef["kind"], "continuous");
-  EXPECT_EQ(beef["fits"][0]["distribution"], "Weibull") << "ranked first";
+  EXPECT_EQ(beef["fits"].size(), 11U);
   const Json& weibull = FitOf(beef, "Weibull");
   EXPECT_EQ(weibull["code"], 5);
   EXPECT_NEAR(weibull["parameters"][0], 83.34666883163219, 1e-9);
@@ -162,7 +162,8 @@ TEST_F(Command, EditedPropertyChangesTheSimulation) {
 TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
   MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
-  MustRun({"fit", "p.bvw", "--continuous", "waiting", "--save", "p.bvw"});
+  MustRun({"fit", "p.bvw", "--continuous", "waiting", "--distributions", "normal,lognormal,weibull", "--save",
+           "p.bvw"});
   const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out);
   EXPECT_EQ(shown["sheets"].size(), 1U);
   const auto order = [&](std::size_t variable) {
@@ -178,7 +179,8 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   EXPECT_NE(MustRun({"show", "p.bvw", "faithful"}).out.find("zTruncProp: (1; 0; 3.500000e+00; 0"),
             std::string::npos)
       << "fitting again keeps the truncation";
-  MustRun({"fit", "p.bvw", "--discrete", "eruptions,waiting", "--save", "p.bvw"});
+  MustRun(
+      {"fit", "p.bvw", "--discrete", "eruptions,waiting", "--distributions", "poisson", "--save", "p.bvw"});
   EXPECT_EQ(order(0), "Normal;") << "a fit that failed does not displace one that did not";
   WriteBytes(File("faithful.csv"), "eruptions\n1\n2\n4\n");
   const std::string before = BytesOf(File("p.bvw"));
@@ -275,8 +277,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   WriteBytes(File("cut.bvw"), good.substr(0, good.size() / 2));
   WriteBytes(File("newer.bvw"), good);
   Sql("newer.bvw", "PRAGMA user_version = 99");
-  for (const char* name : {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw", "endless.bvw",
-                           "rayleigh.bvw", "renamed.csv"})
+  for (const char* name :
+       {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw", "endless.bvw", "renamed.csv"})
     WriteBytes(File(name), good);
   Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
   Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
@@ -285,9 +287,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
 
   Sql("endless.bvw",
       "UPDATE variable_property SET value = '(Scale=3; Shape=1e-300; Offset=0)' WHERE key = 'Weibull'");
-  Sql("rayleigh.bvw", "UPDATE variable_property SET value = 'Rayleigh;' WHERE key = 'zOrder'");
-  Sql("rayleigh.bvw",
-      "UPDATE variable_property SET key = 'Rayleigh', value = '(Scale=3; Offset=0)' WHERE key = 'Weibull'");
+  Sql("endless.bvw", "UPDATE variable_property SET value = 'Weibull;' WHERE key = 'zOrder'");
 
   struct Case {
     std::vector<std::string> arguments;
@@ -380,7 +380,6 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"simulate", "good.bvw", "-o", "/proc/x.csv"}, 1, "/proc/x.csv"},
       {{"simulate", "weights.csv"}, 1, "weights.csv"},
       {{"simulate", "endless.bvw"}, 1, "Simulation failed.  Please review"},
-      {{"simulate", "rayleigh.bvw"}, 1, "(variable eruptions, Rayleigh is not simulated)"},
       {{"import", "good.bvw", "-o", "other.bvw"}, 1, "is a project already (good.bvw)"},
       {{"import", "weights.csv", "-o", "other.csv"}, 2, "-o wants a file ending in .bvw"},
       {{"import", "weights.csv", "-o", "other.bvw", "--sheet", "\xff"}, 2, "not UTF-8"},

@@ -53,7 +53,7 @@ struct MatrixServices : testing::Test {
     for (std::size_t i = 0; i < 3; ++i) data.VariableAt(i).SetName(Names{"a", " b ", "c"}[i]);
     analysis->AttachDocument(&document);
   }
-  void Choose(std::vector<std::int16_t> numbers) {
+  void Choose(const std::vector<std::int16_t>& numbers) {
     userInterface.variableAnswers.emplace_back([numbers](VariableQuestion& q) { q.first = numbers; });
   }
   Names Messages() const {

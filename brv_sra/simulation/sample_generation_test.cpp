@@ -168,7 +168,7 @@ TEST(Sampler, RefusesWhatCannotBeSampled) {
       {"scale 0", Of(DistributionCode::kNormal, {0, 0})},
       {"NaN", Of(DistributionCode::kWeibull, {NAN, 1}, 0)},
       {"too few values", Of(DistributionCode::kNormal, {0})},
-      {"a type without a sampler", Of(DistributionCode::kTriangular, {0, 1, 0.5})}};
+      {"a mode beyond the maximum", Of(DistributionCode::kTriangular, {0, 1, 1.5})}};
   for (const auto& [what, variable] : cases) {
     EXPECT_FALSE(VariableSampler(variable.specification, false).IsValid()) << what;
   }

@@ -31,7 +31,6 @@ std::string FaultyVariable(const SimulationDesign& design) {
     if (design.IsExcluded(j) || VariableSampler(variable.specification, design.truncate).IsValid()) continue;
     const std::string place = "variable " + variable.name + ", ";
     const auto code = variable.specification.code;
-    if (!CanSample(code)) return place + std::string(DisplayName(code)) + " is not simulated";
     return place + Description(code, variable.specification.values) + " with its truncation";
   }
   return {};

@@ -20,35 +20,34 @@ using Values = std::vector<double>;
 
 }  // namespace
 
-// How one type is sampled. A type without a natural generator is always inverted; the discrete ones that have
-// a table draw their candidates from it.
+// The candidate of a type with a natural generator. The others are always inverted; the discrete ones that
+// have a table draw their candidates from it.
 struct SamplingMethod {
   DistributionCode code;
-  bool (*isValid)(const Values&);
-  double (*cdf)(double x, const Values&, double offset);
-  double (*quantile)(double p, const Values&, double offset);
   double (*candidate)(const Values&, double offset);
 };
 
 namespace {
 
-constexpr std::array<SamplingMethod, 4> kMethods{{
-    {DistributionCode::kNormal, [](const Values& v) { return v.size() == 2 && normal::IsValid(v[0], v[1]); },
-     [](double x, const Values& v, double) { return normal::Cdf(x, v[0], v[1]); },
-     [](double p, const Values& v, double) { return normal::Quantile(p, v[0], v[1]); },
-     [](const Values& v, double) { return znormal_(v[1]) + v[0]; }},
+double MixtureCandidate(const Values& v, double /*offset*/) {
+  const double u = rnd_(0);
+  std::size_t component = 0;
+  double sum = v[0];
+  while (u > sum && component + 3 < v.size()) {
+    component += 3;
+    sum += v[component];
+  }
+  return znormal_(v[component + 2]) + v[component + 1];
+}
+
+constexpr std::array<SamplingMethod, 5> kMethods{{
+    {DistributionCode::kNormal, [](const Values& v, double) { return znormal_(v[1]) + v[0]; }},
     {DistributionCode::kLogNormal,
-     [](const Values& v) { return v.size() == 2 && lognormal::IsValid(v[0], v[1]); },
-     [](double x, const Values& v, double t) { return lognormal::Cdf(x, v[0], v[1], t); },
-     [](double p, const Values& v, double t) { return lognormal::Quantile(p, v[0], v[1], t); },
      [](const Values& v, double t) { return std::exp(znormal_(v[1]) + v[0]) + t; }},
-    {DistributionCode::kWeibull,
-     [](const Values& v) { return v.size() == 2 && weibull::IsValid(v[0], v[1]); },
-     [](double x, const Values& v, double t) { return weibull::Cdf(x, v[0], v[1], t); },
-     [](double p, const Values& v, double t) { return weibull::Quantile(p, v[0], v[1], t); }, nullptr},
-    {DistributionCode::kPoisson, [](const Values& v) { return v.size() == 1 && poisson::IsValid(v[0]); },
-     [](double x, const Values& v, double) { return poisson::Cdf(x, v[0]); },
-     [](double p, const Values& v, double) { return poisson::Quantile(p, v[0]); }, nullptr},
+    {DistributionCode::kFoldedNormal,
+     [](const Values& v, double t) { return std::abs(znormal_(v[1]) + v[0]) + t; }},
+    {DistributionCode::kHalfNormal, [](const Values& v, double t) { return std::abs(znormal_(v[0])) + t; }},
+    {DistributionCode::kGaussianMixture, MixtureCandidate},
 }};
 
 const SamplingMethod* FindMethod(DistributionCode code) {
@@ -62,22 +61,19 @@ bool IsSentinel(double x) {
 
 }  // namespace
 
-bool CanSample(DistributionCode code) {
-  return FindMethod(code) != nullptr;
-}
-
 VariableSampler::VariableSampler(const DistributionSpecification& specification, bool truncate)
     : specification_(specification),
+      law_(specification_),
       method_(FindMethod(specification.code)),
       offset_(IsNotSet(specification.offset) ? 0.0 : specification.offset),
       lowest_(-kUnbounded),
       highest_(kUnbounded) {
-  if (method_ == nullptr || !method_->isValid(specification_.values)) return;
+  if (!law_.IsValid()) return;
   if (specification_.code == DistributionCode::kPoisson &&
       specification_.values[0] <= DiscreteTable::kLargestPoissonMean) {
     table_ = DiscreteTable::Poisson(specification_.values[0]);
   }
-  natural_ = method_->candidate != nullptr || table_.has_value();
+  natural_ = method_ != nullptr || table_.has_value();
   SetRanges(truncate);
 }
 
@@ -89,23 +85,19 @@ void VariableSampler::SetRanges(bool truncate) {
     highest_ = Inverse(kTruncatedUpper);
   }
   if (specification_.truncateBelow) {
-    lowerProbability_ = std::max(lowerProbability_, Cdf(specification_.truncationMinimum));
+    lowerProbability_ = std::max(lowerProbability_, law_.Cdf(specification_.truncationMinimum));
     lowest_ = std::max(lowest_, specification_.truncationMinimum);
   }
   if (specification_.truncateAbove) {
-    upperProbability_ = std::min(upperProbability_, Cdf(specification_.truncationMaximum));
+    upperProbability_ = std::min(upperProbability_, law_.Cdf(specification_.truncationMaximum));
     highest_ = std::min(highest_, specification_.truncationMaximum);
   }
   valid_ = lowerProbability_ <= upperProbability_ && lowest_ <= highest_ && upperProbability_ > 0 &&
            lowerProbability_ < 1 && !IsSentinel(Inverse(0.5));
 }
 
-double VariableSampler::Cdf(double x) const {
-  return method_->cdf(x, specification_.values, offset_);
-}
-
 double VariableSampler::Inverse(double p) const {
-  return method_->quantile(p, specification_.values, offset_);
+  return law_.Quantile(p);
 }
 
 double VariableSampler::Candidate() const {

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "brv_sra/distributions/law.h"
 #include "brv_sra/distributions/specification.h"
 #include "brv_sra/simulation/discrete_table.h"
 
@@ -15,6 +16,8 @@ class VariableSampler {
   // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the distribution's own
   // truncation narrows the range further.
   VariableSampler(const DistributionSpecification& specification, bool truncate);
+  VariableSampler(const VariableSampler&) = delete;
+  VariableSampler& operator=(const VariableSampler&) = delete;
 
   // False when the distribution cannot be sampled; the other members must then not be called.
   bool IsValid() const { return valid_; }
@@ -30,9 +33,9 @@ class VariableSampler {
  private:
   void SetRanges(bool truncate);
   double Candidate() const;
-  double Cdf(double x) const;
 
   DistributionSpecification specification_;
+  Law law_;  // views specification_
   const SamplingMethod* method_;
   double offset_;
   bool natural_ = false;
@@ -43,8 +46,5 @@ class VariableSampler {
   double highest_;
   std::optional<DiscreteTable> table_;
 };
-
-// True where the sampler knows the type.
-bool CanSample(DistributionCode code);
 
 }  // namespace brenvolt::sra
