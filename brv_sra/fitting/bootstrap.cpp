@@ -112,6 +112,24 @@ void JudgeSample(const BootstrapJob& job, std::int64_t index, ChiSquareBinning b
   Compare(fit.andersonDarling, job.fit->andersonDarling, tallies.andersonDarling);
 }
 
+// Only estimates from probability-weighted moments have such a shape, mostly of data far from the type.
+bool IsUnboundedAtItsEnd(const DistributionSpecification& law) {
+  constexpr double kLeastShape = -1.0;
+  switch (law.code) {
+    case DistributionCode::kGeneralExtremeValue:
+      return law.values[2] < kLeastShape;
+    case DistributionCode::kGeneralPareto:
+      return law.values[1] < kLeastShape;
+    default:
+      return false;
+  }
+}
+
+bool CanBeJudged(const BootstrapJob& job) {
+  const DistributionSpecification& law = job.fit->specification;
+  return job.fit->IsValid() && job.count > 0 && Law(law).IsValid() && !IsUnboundedAtItsEnd(law);
+}
+
 // The samples of all jobs in blocks of consecutive ones, those of every job before the next of any, so that a
 // slow type is not left for the end.
 class Schedule {
@@ -124,8 +142,7 @@ class Schedule {
 
   Schedule(std::span<const BootstrapJob> jobs, std::int32_t samples) : samples_(samples) {
     for (std::size_t j = 0; j < jobs.size(); ++j) {
-      const DistributionFit& fit = *jobs[j].fit;
-      if (!fit.IsValid() || jobs[j].count <= 0 || !Law(fit.specification).IsValid()) continue;
+      if (!CanBeJudged(jobs[j])) continue;
       drawn_.push_back(j);
       largest_ = std::max(largest_, jobs[j].count);
     }

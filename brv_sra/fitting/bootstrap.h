@@ -9,6 +9,10 @@
 // A sample that cannot be fitted counts nowhere; one for which a test has no statistic does not count for
 // that test. Chi-square tests of different degrees of freedom are compared by their plain p-values.
 //
+// Extreme value and Pareto distributions of a shape below -1 are left out: their density is infinite at the
+// upper end, where no estimator follows it, so that samples, too, lie far from their estimates and every fit,
+// however bad, would pass.
+//
 // The samples of a fit depend on the seed, the variable's number, the distribution and the fit alone: neither
 // the process's random stream nor the number of threads nor what else is fitted touches them, and the first
 // samples of many are those of few.
@@ -36,7 +40,8 @@ struct BootstrapJob {
 };
 
 // Fills the bootstrap result of every job, on all processors, while the calling thread advances a bar on
-// `port`. Jobs without a valid fit are passed over. Memory: a sample, and what its estimate needs, per
+// `port`. Jobs without a valid fit, and those
+// left out, keep a result without samples. Memory: a sample, and what its estimate needs, per
 // thread; of large samples few are held at a time. Throws UserCancelled.
 void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiSquareBinning binning,
                   ProgressPort& port);
