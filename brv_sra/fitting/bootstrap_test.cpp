@@ -297,8 +297,8 @@ TEST(Bootstrap, SamplesWithoutAFitAreLeftOutOfThePValueAndOfTheCount) {
   EXPECT_TRUE(IsNotSet(fit.bootstrap.kolmogorovSmirnov));
 }
 
-// The moments of values far above the offset give such a shape; 99 of 100 samples were as far from their
-// estimate as these values, which no Pareto distribution describes.
+// The moments of values far above the offset give such a shape. Samples of such a fit are mostly as far from
+// their estimates as these values, which no Pareto distribution above 0 describes.
 TEST(Bootstrap, ParetoThatIsInfiniteAtItsEndGetsNoPValueRatherThanAFlatteringOne) {
   const SampleData data = Draw(LawOf(kGeneralExtremeValue, {3.87, 0.2, -0.05}), 65, RandomStream(7));
   DistributionFit fit = Estimate(kGeneralPareto, {data.values, data.moments});
