@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 
+#include "brv_sra/fitting/bootstrap.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/fitting/sample_reader.h"
@@ -169,6 +170,7 @@ std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification
   if (specification.deletion == DeletionMode::kPairwise && !anyValid) {
     throw CDispatchException(std::string(ResourceString(kMsgNoValidVariables)));
   }
+  BootstrapResults(results, specification, port);
   return results;
 }
 
