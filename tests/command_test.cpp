@@ -70,7 +70,8 @@ TEST_F(Command, FitMeetsTheKnownAnswers) {
   EXPECT_NEAR(FitOf(json["variables"][0], "Poisson")["parameters"][0], 8.679, 5e-4);
 }
 
-// Coles (2001), section 3.4.1, and the two components of the geyser's eruptions, as printed.
+// Coles (2001), section 3.4.1 (a location of 3.87475 to six digits, printed rounded up), and the two
+// components of the geyser's eruptions.
 TEST_F(Command, FitMeetsTheKnownAnswersOfTheSearchedTypes) {
   struct Case {
     const char* file;
@@ -79,7 +80,7 @@ TEST_F(Command, FitMeetsTheKnownAnswersOfTheSearchedTypes) {
     double tolerance;  // half a unit of the last printed digit
   };
   const Case cases[] = {
-      {"portpirie_sea_level.csv", "General Extreme Value", {3.8748, 0.1980, -0.0501}, 5e-5},
+      {"portpirie_sea_level.csv", "General Extreme Value", {3.8748, 0.1980, -0.0501}, 5.1e-5},
       {"faithful.csv", "Gaussian Mixture", {0.348, 2.019, 0.236, 0.652, 4.273, 0.437}, 5e-4}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.file);
