@@ -79,6 +79,18 @@ DataFile OpenProject(const std::filesystem::path& path) {
   return file;
 }
 
+void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet) {
+  const Workbook workbook = ExistingOrNew(path);
+  const Spreadsheet* former = workbook.Find(sheet.Name());
+  if (former == nullptr || !SameData(*former, sheet)) return;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    Variable& variable = sheet.VariableAt(i);
+    for (const auto& [key, value] : former->VariableAt(i).Properties()) {
+      if (!variable.Property(key)) variable.SetProperty(key, value);
+    }
+  }
+}
+
 void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
                           std::unique_ptr<Spreadsheet> matrix) {
   const std::string base = MatrixName(workbook, dataSheet);

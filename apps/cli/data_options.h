@@ -41,6 +41,11 @@ bool HasProjectEnding(const std::filesystem::path& path);
 void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet,
                       std::unique_ptr<Spreadsheet> matrix = nullptr);
 
+// Gives a sheet that is to be merged into the project at `path` the properties that the project holds for it
+// already, where its variables lack them. Nothing happens without such a file, or where its sheet of that
+// name holds other data. Throws Error when the file is no project.
+void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet);
+
 // Puts the correlation matrix that belongs to a data sheet of the workbook into it: as "Correlation matrix"
 // where that sheet is the first data sheet, as "Correlation matrix of SHEET" otherwise, in the place of a
 // former matrix of that name. A data sheet of that name stays; the matrix then gets the next free name.

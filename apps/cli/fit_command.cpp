@@ -345,12 +345,16 @@ void SpecifySaving(AutomationObject& dialog, const FitOptions& options, const Li
   }
 }
 
+bool IsInputProject(const FitOptions& options, const DataFile& data) {
+  std::error_code ignored;
+  return data.isProject && std::filesystem::equivalent(options.project, data.path, ignored);
+}
+
 // Puts the fits on the sheet's variables, and the sheet with its correlation matrix into the project.
 void Save(Session& session, const FitOptions& options, DataFile& data, const Spreadsheet& sheet) {
   const Variant document = session.Dialog()->Get("SaveDistributionFit");
   auto matrix = std::make_unique<Spreadsheet>(TableOf(document));
-  std::error_code ignored;
-  if (data.isProject && std::filesystem::equivalent(options.project, data.path, ignored)) {
+  if (IsInputProject(options, data)) {
     PutCorrelationMatrix(data.workbook, sheet.Name(), std::move(matrix));
     data.workbook.Save(options.project);
   } else {
@@ -397,6 +401,9 @@ void Fit(const FitOptions& options) {
   CheckCall(options);
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
   Spreadsheet& sheet = data.Sheet(options.input.sheet);
+  // What the project holds of these data, truncations and other variables' fits, is part of what is saved.
+  if (!options.project.empty() && !IsInputProject(options, data))
+    TakeFormerProperties(options.project, sheet);
   ApplyCaseOptions(options, sheet);
   const Lists lists = ChooseVariables(options, sheet);
   RequireTypes(options, lists);
