@@ -134,8 +134,8 @@ std::string VariableText(const ResultTable& summary, std::size_t variable,
   return text + "  " + ranked->Title() + "\n" + RankingText(*ranked, rankedBy, kind == "continuous").Text();
 }
 
-std::string Footnote(const FitReportOptions& options) {
-  if (options.bootstrapSamples > 0) {
+std::string Footnote(bool bootstrapped, const FitReportOptions& options) {
+  if (bootstrapped) {
     return "\nP-values by parametric bootstrap, " + std::to_string(options.bootstrapSamples) +
            " samples per distribution.\n";
   }
@@ -158,8 +158,10 @@ void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitRepo
   if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
   if (!selection.empty()) text += "Cases with " + selection + "\n";
   const ResultTable table(summary);
+  bool bootstrapped = false;
   for (std::size_t i = 0; i < table.RowCount(); ++i) {
     const auto ranked = RankedTable(dialog, i);
+    bootstrapped = bootstrapped || (ranked && ResultTable(*ranked).Has(kBootstrapSamples));
     const bool continuous = table.Text(kKind, i) == "continuous";
     const std::string& rankedBy = continuous ? options.rankBy : options.discreteRankBy;
     if (json) {
@@ -168,7 +170,7 @@ void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitRepo
       text += (text.empty() ? "" : "\n") + VariableText(table, i, ranked, rankedBy);
     }
   }
-  std::fputs(json ? JsonText(report).c_str() : (text + Footnote(options)).c_str(), stdout);
+  std::fputs(json ? JsonText(report).c_str() : (text + Footnote(bootstrapped, options)).c_str(), stdout);
 }
 
 }  // namespace brenvolt::cli

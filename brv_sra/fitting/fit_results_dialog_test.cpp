@@ -160,6 +160,20 @@ TEST_F(FitResults, RankedTableHoldsEveryTestAndSaysWhyAFitFailed) {
   EXPECT_FALSE(table.FindVariable(result_column::kBootstrapSamples)) << "no bootstrap was asked for";
 }
 
+TEST_F(FitResults, BootstrapColumnsAppearWhereItRan) {
+  VariableFit& variable = analysis->Fit().results[0];
+  variable.fits[variable.ranked[1]].bootstrap = {0.25, 0.5, kNotSet, 999};
+  Automation().Get("QuickTabDistributionSummaryStats");
+  const auto column = [&](std::string_view name) {
+    return Shown().VariableAt(Shown().FindVariable(name).value()).Values();
+  };
+  EXPECT_EQ(column(result_column::kBootstrapKolmogorovSmirnov)[1], 0.25);
+  EXPECT_EQ(column(result_column::kBootstrapChiSquare)[1], 0.5);
+  EXPECT_TRUE(std::isnan(column(result_column::kBootstrapAndersonDarling)[1]));
+  EXPECT_EQ(column(result_column::kBootstrapSamples)[1], 999);
+  EXPECT_TRUE(std::isnan(column(result_column::kBootstrapKolmogorovSmirnov)[0])) << "not of every fit";
+}
+
 TEST_F(FitResults, OrderIsThePersonsOwnAndChecked) {
   const std::string ranked = Order(1);
   EXPECT_NE(ranked.find("Weibull;"), std::string::npos);
