@@ -31,11 +31,11 @@ double AsWritten(double x) {
   return ParseNumber(FormatNumber("%.15g", x)).value_or(x);
 }
 
-std::vector<double> EvenBounds(double from, double step, std::size_t count) {
+std::vector<double> EvenBounds(double from, double to, std::size_t count) {
   std::vector<double> exact;
   std::vector<double> written;
   for (std::size_t i = 0; i <= count; ++i) {
-    exact.push_back(from + static_cast<double>(i) * step);
+    exact.push_back(std::lerp(from, to, static_cast<double>(i) / static_cast<double>(count)));
     written.push_back(AsWritten(exact.back()));
   }
   // Steps close to the spacing of doubles leave no room for rounding.
@@ -49,7 +49,9 @@ HistogramClasses ContinuousClasses(std::span<const double> sorted) {
   double from = sorted.front();
   double to = sorted.back();
   const double step = scling_double_QUA(from, to, static_cast<int>(kMostPerFewest * fewest), fewest);
-  return {EvenBounds(from, step, static_cast<std::size_t>(std::round((to - from) / step))), step};
+  // The difference of the limits may be beyond the largest double.
+  const auto count = static_cast<std::size_t>(std::round(to / step - from / step));
+  return {EvenBounds(from, to, count), step};
 }
 
 // Classes of `step` whole numbers each, the first of which begins with a multiple of the step.
@@ -62,7 +64,8 @@ HistogramClasses WholeNumberClasses(double least, double most) {
   }
   const double from = std::floor(least / step) * step;
   const auto count = static_cast<std::size_t>(std::floor((most - from) / step)) + 1;
-  return {EvenBounds(from - 0.5, step, count), step};
+  const double to = from + static_cast<double>(count) * step;
+  return {EvenBounds(from - 0.5, to - 0.5, count), step};
 }
 
 HistogramClasses DistinctValueClasses(const std::vector<double>& distinct) {

@@ -90,6 +90,7 @@ TEST(FitGraphs, ClassesHoldEveryValueOnce) {
   const Row rows[] = {
       {"continuous", kLives, true, {}, 0},
       {"a bound is what one writes", {0, 0.1, 0.3, 0.6, 0.7, 1}, true, {0, 0.2, 0.4, 0.6, 0.8, 1}, 0.2},
+      {"a range beyond the doubles", {-1e308, 0, 1e308}, true, {}, 0},
       {"far from zero", {1e9, 1e9 + 1e-6, 1e9 + 3e-6}, true, {}, 0},
       {"counts", {0, 1, 1, 3}, false, {-0.5, 0.5, 1.5, 2.5, 3.5}, 1},
       {"one count", {4, 4}, false, {3.5, 4.5}, 1},
