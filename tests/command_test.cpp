@@ -256,6 +256,10 @@ TEST_F(Command, GraphsOfAFitAreThereForPrograms) {
   EXPECT_EQ(cumulative.back(), 5);
   EXPECT_EQ(graphs[0]["graphs"][4]["series"][0]["x"], Json({1.0, 2.0, 3.0, 4.0, 7.0}));
   EXPECT_EQ(graphs[0]["graphs"][5]["boxes"][0]["median"], 3);
+  MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--discrete-rank-by", "chi-square",
+           "--graphs", "g.json"});
+  EXPECT_EQ(Json::parse(BytesOf(File("g.json")))["variables"][0]["distribution"], "Geometric")
+      << "a histogram of the data over themselves says nothing";
 }
 
 TEST_F(Command, SavedFitsSimulateReproducibly) {

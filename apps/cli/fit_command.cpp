@@ -533,7 +533,7 @@ void AddFitCommand(CLI::App& program) {
   AddSaveOptions(*command, *options);
   command
       ->add_option("--graphs", options->graphs,
-                   "File for the data of each variable's graphs with its best fit, as JSON")
+                   "File for the data of each variable's graphs with the fit that is saved first, as JSON")
       ->type_name("FILE.json");
   AddFormatOption(*command, options->format);
   command->footer(

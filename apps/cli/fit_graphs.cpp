@@ -9,7 +9,6 @@
 #include "apps/cli/result_table.h"
 #include "apps/cli/session.h"
 #include "host/analysis/analysis_graph_doc.h"
-#include "host/analysis/result_columns.h"
 #include "host/base/error.h"
 #include "host/base/output_file.h"
 
@@ -73,6 +72,20 @@ Json GraphJson(const Graph& graph) {
   return json;
 }
 
+// Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
+// and returns its name. Nothing changes where there is none.
+std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
+  const Variant index(place);
+  const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
+  const std::string first = order.substr(0, order.find(';'));
+  const Variant document = dialog.Get("QuickTabDistributionSummaryStats");
+  const ResultTable ranked(TableOf(document));
+  for (std::size_t row = 0; row < ranked.RowCount(); ++row) {
+    if (ranked.RowName(row) == first) dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(row + 1));
+  }
+  return first;
+}
+
 // The graphs of the variable that the Quick tab shows, with the fit that it shows. A graph that cannot be
 // made of this fit says why in its place.
 Json GraphsJson(AutomationObject& dialog) {
@@ -98,9 +111,8 @@ void WriteFitGraphs(AutomationObject& dialog, const std::filesystem::path& path)
   for (std::size_t i = 0; i < summary.RowCount(); ++i) {
     dialog.Put("QuickTabVariable", static_cast<std::int32_t>(i + 1));
     Json variable = {{"name", summary.RowName(i)}, {"distribution", nullptr}, {"graphs", Json::array()}};
-    if (const std::int32_t best = dialog.Get("QuickTabDistribution").ToInteger(); best != 0) {
-      const Variant ranked = dialog.Get("QuickTabDistributionSummaryStats");
-      variable["distribution"] = ResultTable(TableOf(ranked)).RowName(static_cast<std::size_t>(best - 1));
+    if (dialog.Get("QuickTabDistribution").ToInteger() != 0) {
+      variable["distribution"] = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
       variable["graphs"] = GraphsJson(dialog);
     }
     report["variables"].push_back(std::move(variable));
