@@ -5,6 +5,7 @@
 #include <cmath>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "tests/program.h"
 
@@ -58,7 +59,8 @@ TEST_F(Command, FitMeetsTheKnownAnswers) {
   EXPECT_NEAR(weibull["parameters"][1], 2.185612332259384, 1e-9);
   EXPECT_NEAR(weibull["logLikelihood"], -1255.224719863648206, 1e-9);
   EXPECT_NEAR(weibull["kolmogorovSmirnov"]["statistic"], 0.13962622917, 1e-6);
-  EXPECT_TRUE(weibull["chiSquare"]["statistic"].is_null());
+  EXPECT_NEAR(weibull["aic"], 2 * (2 + 1255.224719863648206), 1e-8);
+  EXPECT_NEAR(weibull["bic"], 2 * std::log(254.0) + 2 * 1255.224719863648206, 1e-8);
 
   json = Json::parse(MustRun({"fit", kExamples + "danish_fire_losses.csv", "--format", "json"}).out);
   const Json& lognormal = FitOf(json["variables"][0], "Log Normal");
@@ -156,6 +158,133 @@ TEST_F(Command, EveryDistributionAndRankingIsKnownByItsName) {
   }
 }
 
+// Programs read this by name; docs/fitting.md promises it.
+TEST_F(Command, JsonOfAFitHasItsShape) {
+  WriteBytes(File("d.csv"),
+             "x,n,c\n1,2,5\n2.5,0,5\n4,3,5\n8,1,5\n3,1,5\n3.5,2,5\n6,0,5\n5,1,5\n2,2,5\n7,1,5\n");
+  const auto variables =
+      Json::parse(MustRun({"fit", "d.csv", "--continuous", "x,c", "--discrete", "n", "--distributions",
+                           "weibull,normal,poisson,bernoulli", "--rank-by", "anderson-darling",
+                           "--discrete-rank-by", "chi-square", "--format", "json"})
+                      .out)["variables"];
+  ASSERT_EQ(variables.size(), 3U);
+  EXPECT_EQ(variables[0]["rankedBy"], "anderson-darling");
+  EXPECT_EQ(variables[1]["name"], "c");
+  EXPECT_EQ(variables[1]["fits"], Json::array()) << "a constant has nothing to fit";
+  EXPECT_EQ(variables[2]["rankedBy"], "chi-square");
+  const std::vector<std::string> keys{
+      "aic",           "andersonDarling", "bic",         "bootstrap",    "chiSquare",
+      "code",          "covariance",      "description", "distribution", "kolmogorovSmirnov",
+      "logLikelihood", "offset",          "parameters",  "rank",         "standardErrors"};
+  for (const Json& variable : variables) {
+    for (const Json& fit : variable["fits"]) {
+      std::vector<std::string> names;
+      for (const auto& [name, value] : fit.items()) names.push_back(name);
+      EXPECT_EQ(names, keys);
+    }
+  }
+  const Json& weibull = FitOf(variables[0], "Weibull");
+  EXPECT_LE(variables[0]["fits"][0]["andersonDarling"]["statistic"].get<double>(),
+            variables[0]["fits"][1]["andersonDarling"]["statistic"].get<double>());
+  EXPECT_EQ(weibull["standardErrors"].size(), 2U);
+  EXPECT_NEAR(weibull["covariance"][1][1].get<double>(),
+              std::pow(weibull["standardErrors"][1].get<double>(), 2), 1e-12);
+  EXPECT_EQ(weibull["covariance"][0][1], weibull["covariance"][1][0]);
+  EXPECT_EQ(weibull["offset"], 0);
+  EXPECT_TRUE(FitOf(variables[0], "Normal")["offset"].is_null());
+  EXPECT_TRUE(weibull["bootstrap"].is_null());
+  const Json& bernoulli = FitOf(variables[2], "Bernoulli");
+  EXPECT_EQ(bernoulli["rank"], 2);
+  for (const char* key : {"parameters", "aic", "bic", "logLikelihood", "standardErrors", "covariance"})
+    EXPECT_TRUE(bernoulli[key].is_null()) << key;
+  EXPECT_EQ(bernoulli["chiSquare"],
+            Json({{"statistic", nullptr}, {"degreesOfFreedom", nullptr}, {"pValue", nullptr}}));
+}
+
+TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {
+  for (const std::vector<std::string>& data :
+       {std::vector<std::string>{"groundbeef.csv"}, {"danish_fire_losses.csv"}, {"faithful.csv"}}) {
+    std::istringstream lines(MustRun({"fit", kExamples + data[0], "--rank-by", "chi-square"}).out);
+    for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 102U) << line;
+  }
+  const std::string report =
+      MustRun({"fit", kExamples + "faithful.csv", "--continuous", "eruptions", "--distributions",
+               "weibull,normal", "--offset", "eruptions:weibull=2", "--rank-by", "anderson-darling"})
+          .out;
+  EXPECT_NE(report.find("  Rank  Distribution                             A-D    A-D p    K-S p  Chi-sq. p"),
+            std::string::npos)
+      << report;
+  EXPECT_GT(report.find("  no fit: Weibull, a value is not above the offset 2\n"), report.find("Normal("));
+  EXPECT_NE(report.find("--bootstrap N"), std::string::npos);
+}
+
+TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
+  const auto matrix = [&](const std::string& name) {
+    return Json::parse(MustRun({"show", "p.bvw", name, "--format", "json"}).out);
+  };
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  Json shown = matrix("Correlation matrix");
+  EXPECT_EQ(shown["validCases"], 272);
+  // The correlation of Old Faithful's 272 eruptions and waits, as R's cor() prints it for its data set.
+  EXPECT_NEAR(shown["variables"][0]["correlations"][1], 0.9008112, 5e-8);
+  EXPECT_EQ(shown["variables"][1]["name"], "waiting");
+  MustRun({"fit", "p.bvw", "--continuous", "waiting", "--select", "waiting > 60", "--save", "p.bvw"});
+  shown = matrix("Correlation matrix");
+  EXPECT_EQ(shown["variables"].size(), 2U) << "what was saved before keeps its place";
+  EXPECT_EQ(shown["variables"][0]["name"], "waiting");
+  EXPECT_LT(shown["validCases"], 272);
+  MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--save", "p.bvw"});
+  shown = matrix("Correlation matrix");
+  EXPECT_EQ(shown["variables"].size(), 2U) << "also where the data come from their file again";
+  // Another sheet has a matrix of its own, and data that bear a matrix's name stay.
+  WriteBytes(File("d.csv"), "a,b\n1,5\n2,5\n4,5\n3,5\n7,5\n");
+  WriteBytes(File("m.csv"), "z\n1\n");
+  MustRun({"import", "m.csv", "-o", "p.bvw", "--sheet", "Correlation matrix of d"});
+  for (int again = 0; again < 2; ++again) MustRun({"fit", "d.csv", "--continuous", "a", "--save", "p.bvw"});
+  EXPECT_EQ(matrix("Correlation matrix"), shown);
+  const auto sheets = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
+  ASSERT_EQ(sheets.size(), 5U);
+  EXPECT_EQ(sheets[2]["kind"], "data");
+  EXPECT_EQ(sheets[4]["name"], "Correlation matrix of d (2)");
+  const Outcome constant = Run({"fit", "d.csv", "--continuous", "a", "--discrete", "b", "--save", "q.bvw"});
+  EXPECT_EQ(constant.status, 0);
+  EXPECT_EQ(constant.err, "brenvolt: The correlation of a and b is not defined and is taken as 0.\n");
+}
+
+TEST_F(Command, TruncationAndOrderAreSaved) {
+  const auto property = [&](std::size_t variable, const char* key) {
+    const auto sheet = Json::parse(MustRun({"show", "p.bvw", "faithful", "--format", "json"}).out);
+    return sheet["variables"][variable]["properties"].value(key, "");
+  };
+  MustRun({"fit", kExamples + "faithful.csv", "--truncate", "eruptions=-1.5:", "--truncate", "waiting=40:1e2",
+           "--order", "waiting=weibull,normal", "--save", "p.bvw"});
+  EXPECT_EQ(property(0, "zTruncProp"), "(1; 0; -1.500000e+00; -4.440000e+02)");
+  EXPECT_EQ(property(1, "zTruncProp"), "(1; 1; 4.000000e+01; 1.000000e+02)");
+  EXPECT_EQ(property(1, "zOrder"), "Weibull;Normal;");
+  MustRun({"fit", kExamples + "faithful.csv", "--truncate", "waiting=:", "--save", "p.bvw"});
+  EXPECT_EQ(property(0, "zTruncProp"), "(1; 0; -1.500000e+00; -4.440000e+02)") << "kept";
+  EXPECT_EQ(property(1, "zTruncProp"), "(0; 0; -4.440000e+02; -4.440000e+02)") << "taken away";
+}
+
+TEST_F(Command, GraphsOfAFitAreThereForPrograms) {
+  WriteBytes(File("d.csv"), "x,c\n1,5\n2,5\n4,5\n3,5\n7,5\n");
+  MustRun({"fit", "d.csv", "--graphs", "g.json"});
+  const Json graphs = Json::parse(BytesOf(File("g.json")))["variables"];
+  EXPECT_EQ(graphs[1]["graphs"], Json::array());
+  std::vector<std::string> kinds;
+  for (const Json& graph : graphs[0]["graphs"]) kinds.push_back(graph["kind"]);
+  EXPECT_EQ(kinds, (std::vector<std::string>{"histogram", "cumulative-histogram", "pp", "qq",
+                                             "empirical-distribution", "box-plot"}));
+  const Json& cumulative = graphs[0]["graphs"][1]["bars"][0]["heights"];
+  EXPECT_EQ(cumulative.back(), 5);
+  EXPECT_EQ(graphs[0]["graphs"][4]["series"][0]["x"], Json({1.0, 2.0, 3.0, 4.0, 7.0}));
+  EXPECT_EQ(graphs[0]["graphs"][5]["boxes"][0]["median"], 3);
+  MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--discrete-rank-by", "chi-square",
+           "--graphs", "g.json"});
+  EXPECT_EQ(Json::parse(BytesOf(File("g.json")))["variables"][0]["distribution"], "Geometric")
+      << "a histogram of the data over themselves says nothing";
+}
+
 TEST_F(Command, SavedFitsSimulateReproducibly) {
   MustRun({"fit", kExamples + "faithful.csv", "--save", "geyser.bvw"});
   for (const std::string method : {"monte-carlo", "latin-hypercube"}) {
@@ -188,7 +317,8 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   MustRun({"fit", "p.bvw", "--continuous", "waiting", "--distributions", "normal,lognormal,weibull", "--save",
            "p.bvw"});
   const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out);
-  EXPECT_EQ(shown["sheets"].size(), 1U);
+  ASSERT_EQ(shown["sheets"].size(), 2U);
+  EXPECT_EQ(shown["sheets"][1]["name"], "Correlation matrix");
   const auto order = [&](std::size_t variable) {
     const auto sheet = Json::parse(MustRun({"show", "p.bvw", "faithful", "--format", "json"}).out);
     return sheet["variables"][variable]["properties"].value("zOrder", "");
@@ -276,9 +406,9 @@ TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
   MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
   MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
   const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
-  ASSERT_EQ(shown.size(), 3U);
-  EXPECT_EQ(shown[1]["name"], "Monte Carlo method");
-  EXPECT_EQ(shown[2]["name"], "Monte Carlo method (2)");
+  ASSERT_EQ(shown.size(), 4U);
+  EXPECT_EQ(shown[2]["name"], "Monte Carlo method");
+  EXPECT_EQ(shown[3]["name"], "Monte Carlo method (2)");
 }
 
 // What a wrong input is answered with. Every line says what and where, and nothing in the folder changes.
@@ -357,6 +487,24 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
        2,
        "leaves out"},
       {{"fit", "weights.csv", "--distributions", "normal", "--johnson-percentiles"}, 2, "leaves out"},
+      {{"fit", "weights.csv", "--truncate", "a=1:2"}, 2, "--truncate requires --save"},
+      {{"fit", "weights.csv", "--truncate", "a=1", "--save", "n.bvw"}, 2, "wants VARIABLE=LOW:HIGH, not a=1"},
+      {{"fit", "weights.csv", "--truncate", "a=2:2", "--save", "n.bvw"}, 2, "less than the upper one"},
+      {{"fit", "weights.csv", "--truncate", "a=x:", "--save", "n.bvw"}, 2, "not a number in --truncate a=x:"},
+      {{"fit", "weights.csv", "--truncate", "a=-444:", "--save", "n.bvw"}, 2, "-444 stands for no bound"},
+      {{"fit", "weights.csv", "--truncate", "b=1:", "--save", "n.bvw"}, 1, "no variable called b"},
+      {{"fit", "weights.csv", "--continuous", "a", "--truncate", "w=1:", "--save", "n.bvw"},
+       2,
+       "w is not fitted"},
+      {{"fit", "weights.csv", "--order", "a=", "--save", "n.bvw"}, 2, "wants VARIABLE=NAME,NAME, not a="},
+      {{"fit", "weights.csv", "--order", "a=normal,normal", "--save", "n.bvw"}, 2, "normal stands twice"},
+      {{"fit", "weights.csv", "--order", "a=poisson", "--save", "n.bvw"},
+       1,
+       "Poisson is no valid fit of variable a."},
+      {{"fit", "weights.csv", "--distributions", "normal", "--order", "a=weibull", "--save", "n.bvw"},
+       2,
+       "leaves out"},
+      {{"fit", "weights.csv", "--graphs", "no/such/g.json"}, 1, "no/such/g.json"},
       {{"fit", "weights.csv", "--rank-by", "best"}, 2, "--rank-by"},
       {{"fit", "weights.csv", "--discrete-rank-by", "anderson-darling"}, 2, "--discrete-rank-by"},
       {{"fit", "weights.csv", "--binning", "equal"}, 2, "--binning"},

@@ -4,6 +4,7 @@
 
 #include "apps/cli/session.h"
 #include "host/base/error.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -40,6 +41,17 @@ void TakeOver(Spreadsheet& former, const Spreadsheet& sheet) {
   if (!sheet.Selection().condition.empty()) former.SetSelection(sheet.Selection());
 }
 
+// What the correlation matrix of a data sheet is called.
+std::string MatrixName(const Workbook& workbook, const std::string& dataSheet) {
+  const std::string usual(kCorrelationMatrixTitle);
+  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+    const Spreadsheet& sheet = workbook.SheetAt(i);
+    if (sheet.Kind() == SheetKind::kData)
+      return sheet.Name() == dataSheet ? usual : usual + " of " + dataSheet;
+  }
+  return usual;
+}
+
 }  // namespace
 
 void AddFormatOption(CLI::App& command, ReportFormat& format) {
@@ -67,7 +79,37 @@ DataFile OpenProject(const std::filesystem::path& path) {
   return file;
 }
 
-void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet) {
+void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet) {
+  const Workbook workbook = ExistingOrNew(path);
+  const Spreadsheet* former = workbook.Find(sheet.Name());
+  if (former == nullptr || !SameData(*former, sheet)) return;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    Variable& variable = sheet.VariableAt(i);
+    for (const auto& [key, value] : former->VariableAt(i).Properties()) {
+      if (!variable.Property(key)) variable.SetProperty(key, value);
+    }
+  }
+}
+
+void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
+                          std::unique_ptr<Spreadsheet> matrix) {
+  const std::string base = MatrixName(workbook, dataSheet);
+  std::string name = base;
+  Spreadsheet* former = workbook.Find(name);
+  for (int number = 2; former != nullptr && former->Kind() != SheetKind::kMatrix; ++number) {
+    name = base + " (" + std::to_string(number) + ")";
+    former = workbook.Find(name);
+  }
+  matrix->SetName(name);
+  if (former != nullptr) {
+    *former = std::move(*matrix);
+  } else {
+    workbook.Add(std::move(matrix));
+  }
+}
+
+void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet,
+                      std::unique_ptr<Spreadsheet> matrix) {
   Workbook workbook = ExistingOrNew(path);
   Spreadsheet* former = workbook.Find(sheet.Name());
   if (former == nullptr) {
@@ -77,6 +119,7 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
   } else {
     throw Error("already has a sheet called " + sheet.Name() + " with other data", path.string());
   }
+  if (matrix != nullptr) PutCorrelationMatrix(workbook, sheet.Name(), std::move(matrix));
   workbook.Save(path);
 }
 

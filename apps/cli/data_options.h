@@ -36,8 +36,21 @@ bool HasProjectEnding(const std::filesystem::path& path);
 
 // Takes a sheet of data into the project at `path`, which is made when there is none, and saves it. A sheet
 // of that name that holds the same data stays in its place and takes over what the new one adds: properties,
-// case weights, selection. Throws Error when a sheet of that name holds other data.
-void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet);
+// case weights, selection. Throws Error when a sheet of that name holds other data. Where a correlation
+// matrix comes with the sheet, it goes in by PutCorrelationMatrix.
+void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet,
+                      std::unique_ptr<Spreadsheet> matrix = nullptr);
+
+// Gives a sheet that is to be merged into the project at `path` the properties that the project holds for it
+// already, where its variables lack them. Nothing happens without such a file, or where its sheet of that
+// name holds other data. Throws Error when the file is no project.
+void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet);
+
+// Puts the correlation matrix that belongs to a data sheet of the workbook into it: as "Correlation matrix"
+// where that sheet is the first data sheet, as "Correlation matrix of SHEET" otherwise, in the place of a
+// former matrix of that name. A data sheet of that name stays; the matrix then gets the next free name.
+void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
+                          std::unique_ptr<Spreadsheet> matrix);
 
 // Adds a sheet to the project at `path`, which is made when there is none, and saves it. Returns the sheet's
 // name in the project: its own, or with a number behind it where that is taken.

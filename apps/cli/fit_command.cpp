@@ -11,6 +11,7 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/fit_graphs.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/session.h"
 #include "host/automation/variable_list.h"
@@ -38,7 +39,10 @@ struct FitOptions {
   std::string missing = "pairwise";
   std::optional<std::string> weights;
   std::optional<std::string> selection;
+  std::vector<std::string> truncations;
+  std::vector<std::string> orders;
   std::filesystem::path project;
+  std::filesystem::path graphs;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -151,6 +155,58 @@ CountChoice ParseTrials(const std::string& text) {
   return ParseCount("--trials", text, 1, std::numeric_limits<std::int32_t>::max());
 }
 
+struct TruncationChoice {
+  std::string variable;
+  std::optional<double> low;
+  std::optional<double> high;
+};
+
+std::optional<double> ParseBound(const std::string& text, const std::string& option) {
+  if (text.empty()) return std::nullopt;
+  const auto value = ParseNumber(text);
+  if (!value) throw WrongCall("not a number in --truncate " + option);
+  if (IsNotSet(*value))
+    throw WrongCall("-444 stands for no bound and cannot be one (--truncate " + option + ")");
+  return value;
+}
+
+// "V=LOW:HIGH", either bound left out where there is none; the variable's name may itself hold equals signs.
+TruncationChoice ParseTruncation(const std::string& text) {
+  const auto equals = text.rfind('=');
+  const auto colon = equals == std::string::npos ? equals : text.find(':', equals);
+  if (colon == std::string::npos) throw WrongCall("--truncate wants VARIABLE=LOW:HIGH, not " + text);
+  const TruncationChoice choice{text.substr(0, equals),
+                                ParseBound(text.substr(equals + 1, colon - equals - 1), text),
+                                ParseBound(text.substr(colon + 1), text)};
+  if (choice.low && choice.high && !(*choice.low < *choice.high)) {
+    throw WrongCall("the lower bound must be less than the upper one (--truncate " + text + ")");
+  }
+  return choice;
+}
+
+struct OrderChoice {
+  std::string variable;
+  std::vector<const FittedType*> types;
+};
+
+// "V=NAME,NAME".
+OrderChoice ParseOrder(const std::string& text) {
+  const auto equals = text.rfind('=');
+  if (equals == std::string::npos || equals + 1 == text.size()) {
+    throw WrongCall("--order wants VARIABLE=NAME,NAME, not " + text);
+  }
+  OrderChoice choice{text.substr(0, equals), {}};
+  for (std::size_t begin = equals + 1; begin <= text.size();) {
+    const std::size_t end = std::min(text.find(',', begin), text.size());
+    choice.types.push_back(&TypeNamed(text.substr(begin, end - begin)));
+    if (std::ranges::count(choice.types, choice.types.back()) > 1) {
+      throw WrongCall(std::string(choice.types.back()->name) + " stands twice in --order " + text);
+    }
+    begin = end + 1;
+  }
+  return choice;
+}
+
 struct Lists {
   std::vector<std::int16_t> continuous;
   std::vector<std::int16_t> discrete;
@@ -253,13 +309,56 @@ void Specify(Session& session, const FitOptions& options, const Lists& lists, co
   EnterNumbers(*dialog, options, lists, sheet);
 }
 
-// The fits are on the sheet's variables by now; the sheet goes into the project.
-void Save(const FitOptions& options, DataFile& data, const Spreadsheet& sheet) {
+// The place of a variable among the results: continuous ones first, from 1.
+std::int32_t ResultPlaceOf(const std::string& variable, const Lists& lists, const Spreadsheet& sheet) {
+  std::vector<std::int16_t> all = lists.continuous;
+  all.insert(all.end(), lists.discrete.begin(), lists.discrete.end());
+  const auto place = std::ranges::find(all, NumbersOf(sheet, {variable}).front());
+  if (place == all.end()) throw WrongCall(variable + " is not fitted");
+  return static_cast<std::int32_t>(place - all.begin() + 1);
+}
+
+// Codes are the places in the catalogue, whose order kTypes follows.
+Variant CodesOf(const std::vector<const FittedType*>& types) {
+  Variant::Array codes;
+  for (const FittedType* type : types) codes.emplace_back(static_cast<std::int32_t>(type - kTypes.data()));
+  return codes;
+}
+
+void PutBound(AutomationObject& dialog, std::int32_t place, const std::string& end,
+              const std::optional<double>& bound) {
+  dialog.Put("IsUserDefinedTrunc" + end, place, bound.has_value());
+  dialog.Put("UserDefinedTrunc" + end, place, bound.value_or(kNotSet));
+}
+
+void SpecifySaving(AutomationObject& dialog, const FitOptions& options, const Lists& lists,
+                   const Spreadsheet& sheet) {
+  for (const std::string& text : options.truncations) {
+    const TruncationChoice choice = ParseTruncation(text);
+    const auto place = ResultPlaceOf(choice.variable, lists, sheet);
+    PutBound(dialog, place, "Min", choice.low);
+    PutBound(dialog, place, "Max", choice.high);
+  }
+  for (const std::string& text : options.orders) {
+    const OrderChoice choice = ParseOrder(text);
+    dialog.Put("DistributionOrder", ResultPlaceOf(choice.variable, lists, sheet), CodesOf(choice.types));
+  }
+}
+
+bool IsInputProject(const FitOptions& options, const DataFile& data) {
   std::error_code ignored;
-  if (data.isProject && std::filesystem::equivalent(options.project, data.path, ignored)) {
+  return data.isProject && std::filesystem::equivalent(options.project, data.path, ignored);
+}
+
+// Puts the fits on the sheet's variables, and the sheet with its correlation matrix into the project.
+void Save(Session& session, const FitOptions& options, DataFile& data, const Spreadsheet& sheet) {
+  const Variant document = session.Dialog()->Get("SaveDistributionFit");
+  auto matrix = std::make_unique<Spreadsheet>(TableOf(document));
+  if (IsInputProject(options, data)) {
+    PutCorrelationMatrix(data.workbook, sheet.Name(), std::move(matrix));
     data.workbook.Save(options.project);
   } else {
-    MergeIntoProject(options.project, sheet);
+    MergeIntoProject(options.project, sheet, std::move(matrix));
   }
 }
 
@@ -288,14 +387,23 @@ void CheckCall(const FitOptions& options) {
     RequireChosen(options, "binomial", "--trials");
   }
   if (options.johnsonPercentiles) RequireChosen(options, "johnson", "--johnson-percentiles");
+  for (const std::string& text : options.truncations) ParseTruncation(text);
+  for (const std::string& text : options.orders) {
+    for (const FittedType* type : ParseOrder(text).types)
+      RequireChosen(options, type->name, "--order " + text);
+  }
   if (!options.project.empty()) RequireProjectEnding(options.project, "--save");
 }
 
-// The fits are saved before anything is reported, so that a report stands for a finished job.
+// The fits are saved and the graphs written before anything is reported, so that a report stands for a
+// finished job.
 void Fit(const FitOptions& options) {
   CheckCall(options);
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
   Spreadsheet& sheet = data.Sheet(options.input.sheet);
+  // What the project holds of these data, truncations and other variables' fits, is part of what is saved.
+  if (!options.project.empty() && !IsInputProject(options, data))
+    TakeFormerProperties(options.project, sheet);
   ApplyCaseOptions(options, sheet);
   const Lists lists = ChooseVariables(options, sheet);
   RequireTypes(options, lists);
@@ -303,10 +411,12 @@ void Fit(const FitOptions& options) {
   Specify(session, options, lists, sheet);
   session.Ok();
   if (!options.project.empty()) {
-    session.Dialog()->Get("SaveDistributionFit");
-    Save(options, data, sheet);
+    SpecifySaving(*session.Dialog(), options, lists, sheet);
+    Save(session, options, data, sheet);
   }
-  ReportFit(*session.Dialog(), sheet, options.format);
+  if (!options.graphs.empty()) WriteFitGraphs(*session.Dialog(), options.graphs);
+  ReportFit(*session.Dialog(), sheet,
+            {options.rankBy, options.discreteRankBy, options.bootstrapSamples, options.format});
   if (!options.project.empty() && options.format == ReportFormat::kTable) {
     std::printf("\nFits saved in %s\n", options.project.c_str());
   }
@@ -389,6 +499,24 @@ void AddTestOptions(CLI::App& command, FitOptions& options) {
       ->type_name("S");
 }
 
+void AddSaveOptions(CLI::App& command, FitOptions& options) {
+  CLI::Option* save = command
+                          .add_option("--save", options.project,
+                                      "Project that takes the data with the fits as properties, and their "
+                                      "correlation matrix")
+                          ->type_name("PROJECT.bvw");
+  command
+      .add_option("--truncate", options.truncations,
+                  "Bounds within which a variable is simulated, saved with its fits; either may be left out")
+      ->needs(save)
+      ->type_name("V=LOW:HIGH");
+  command
+      .add_option("--order", options.orders,
+                  "The fits of a variable to save, best first; default: all valid ones by rank")
+      ->needs(save)
+      ->type_name("V=NAME,NAME");
+}
+
 }  // namespace
 
 void AddFitCommand(CLI::App& program) {
@@ -402,8 +530,11 @@ void AddFitCommand(CLI::App& program) {
   AddVariableOptions(*command, *options);
   AddDistributionOptions(*command, *options);
   AddTestOptions(*command, *options);
-  command->add_option("--save", options->project, "Project that takes the data with the fits as properties")
-      ->type_name("PROJECT.bvw");
+  AddSaveOptions(*command, *options);
+  command
+      ->add_option("--graphs", options->graphs,
+                   "File for the data of each variable's graphs with the fit that is saved first, as JSON")
+      ->type_name("FILE.json");
   AddFormatOption(*command, options->format);
   command->footer(
       "Example:\n"

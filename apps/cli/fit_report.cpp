@@ -1,52 +1,23 @@
 #include "apps/cli/fit_report.h"
 
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <vector>
 
+#include "apps/cli/fit_json.h"
+#include "apps/cli/result_table.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
 #include "host/analysis/result_columns.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::cli {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
-// A column of a result table by its name.
-class Columns {
- public:
-  explicit Columns(const Spreadsheet& table) : table_(table) {}
-  // The value in a row; NaN where it is missing. Throws Error for a column that the table does not have.
-  double Number(std::string_view column, std::size_t row) const { return Find(column).Values()[row]; }
-  std::string Text(std::string_view column, std::size_t row) const {
-    const Variable& variable = Find(column);
-    return std::string(variable.Label(variable.Values()[row]).value_or(""));
-  }
-  // The values of the columns "Parameter 1", "Parameter 2", … in a row, up to the first that is missing.
-  std::vector<double> Parameters(std::size_t row) const {
-    std::vector<double> values;
-    for (;;) {
-      const auto column =
-          table_.FindVariable(std::string(result_column::kParameter) + std::to_string(values.size() + 1));
-      if (!column || table_.VariableAt(*column).IsMissing(row)) return values;
-      values.push_back(table_.VariableAt(*column).Values()[row]);
-    }
-  }
-
- private:
-  const Variable& Find(std::string_view column) const {
-    const auto index = table_.FindVariable(column);
-    if (!index) throw Error("the table has no column " + std::string(column), table_.Name());
-    return table_.VariableAt(*index);
-  }
-
-  const Spreadsheet& table_;
-};
+using namespace result_column;
 
 // The ranked table of a variable (from 0), or nothing where the variable has no fit.
 std::optional<Spreadsheet> RankedTable(AutomationObject& dialog, std::size_t variable) {
@@ -55,110 +26,151 @@ std::optional<Spreadsheet> RankedTable(AutomationObject& dialog, std::size_t var
   return TableOf(dialog.Get("QuickTabDistributionSummaryStats"));
 }
 
-Json NumberOrNull(double value) {
-  return std::isfinite(value) ? Json(value) : Json(nullptr);
-}
+// A test as the table for people shows it.
+struct TestColumns {
+  std::string_view name;  // as in the options of the command
+  const char* statisticHeading;
+  const char* pValueHeading;
+  std::string_view statistic;
+  std::string_view pValue;
+  std::string_view bootstrapPValue;
+};
+constexpr std::array<TestColumns, 3> kTests{
+    {{"ks", "K-S d", "K-S p", kKolmogorovSmirnov, kKolmogorovSmirnovPValue, kBootstrapKolmogorovSmirnov},
+     {"chi-square", "Chi-sq.", "Chi-sq. p", kChiSquare, kChiSquarePValue, kBootstrapChiSquare},
+     {"anderson-darling", "A-D", "A-D p", kAndersonDarling, kAndersonDarlingPValue,
+      kBootstrapAndersonDarling}}};
 
-Json FitJson(const Spreadsheet& table, std::size_t row) {
-  const Columns columns(table);
-  const std::vector<double> parameters = columns.Parameters(row);
-  const Json none = {{"statistic", nullptr}, {"pValue", nullptr}};
-  return {{"rank", row + 1},
-          {"code", static_cast<int>(columns.Number(result_column::kCode, row))},
-          {"distribution", table.CaseName(row)},
-          {"description", columns.Text(result_column::kDescription, row)},
-          {"parameters", parameters.empty() ? Json(nullptr) : Json(parameters)},
-          {"offset", NumberOrNull(columns.Number(result_column::kOffset, row))},
-          {"logLikelihood", NumberOrNull(columns.Number(result_column::kLogLikelihood, row))},
-          {"kolmogorovSmirnov",
-           {{"statistic", NumberOrNull(columns.Number(result_column::kKolmogorovSmirnov, row))},
-            {"pValue", NumberOrNull(columns.Number(result_column::kKolmogorovSmirnovPValue, row))}}},
-          {"chiSquare", {{"statistic", nullptr}, {"degreesOfFreedom", nullptr}, {"pValue", nullptr}}},
-          {"andersonDarling", none}};
-}
+// A description of more characters goes on in the next line, broken behind a comma.
+constexpr std::size_t kDescriptionWidth = 46;
 
-Json VariableJson(const Spreadsheet& summary, std::size_t variable,
-                  const std::optional<Spreadsheet>& ranked) {
-  const Columns columns(summary);
-  Json fits = Json::array();
-  for (std::size_t row = 0; ranked && row < ranked->CaseCount(); ++row) fits.push_back(FitJson(*ranked, row));
-  return {{"name", summary.CaseName(variable)},
-          {"kind", columns.Text(result_column::kKind, variable)},
-          {"n", static_cast<std::int64_t>(columns.Number(result_column::kCount, variable))},
-          {"missing", static_cast<std::int64_t>(columns.Number(result_column::kMissing, variable))},
-          {"mean", NumberOrNull(columns.Number(result_column::kMean, variable))},
-          {"standardDeviation", NumberOrNull(columns.Number(result_column::kStandardDeviation, variable))},
-          {"skewness", NumberOrNull(columns.Number(result_column::kSkewness, variable))},
-          {"kurtosis", NumberOrNull(columns.Number(result_column::kKurtosis, variable))},
-          {"minimum", NumberOrNull(columns.Number(result_column::kMinimum, variable))},
-          {"maximum", NumberOrNull(columns.Number(result_column::kMaximum, variable))},
-          {"rankedBy", "ks"},
-          {"fits", fits}};
-}
-
-constexpr int kPValueDigits = 4;
-
-std::string RankingText(const Spreadsheet& ranked) {
-  const Columns columns(ranked);
-  TextTable table;
-  table.AddColumn("Rank", TextTable::Align::kRight);
-  table.AddColumn("Distribution", TextTable::Align::kLeft);
-  table.AddColumn("Offset", TextTable::Align::kRight);
-  table.AddColumn("K-S d", TextTable::Align::kRight);
-  table.AddColumn("p-value", TextTable::Align::kRight);
-  table.AddColumn("Log-likelihood", TextTable::Align::kRight);
-  for (std::size_t row = 0; row < ranked.CaseCount(); ++row) {
-    const bool valid = !columns.Parameters(row).empty();
-    table.AddRow({std::to_string(row + 1),
-                  columns.Text(result_column::kDescription, row) + (valid ? "" : " (no fit)"),
-                  ReadableNumber(columns.Number(result_column::kOffset, row)),
-                  ReadableNumber(columns.Number(result_column::kKolmogorovSmirnov, row)),
-                  ReadableNumber(columns.Number(result_column::kKolmogorovSmirnovPValue, row), kPValueDigits),
-                  ReadableNumber(columns.Number(result_column::kLogLikelihood, row))});
+std::vector<std::string> BrokenAtCommas(std::string text) {
+  std::vector<std::string> lines;
+  while (text.size() > kDescriptionWidth) {
+    const std::size_t comma = text.rfind(", ", kDescriptionWidth - 1);
+    if (comma == std::string::npos) break;
+    lines.push_back(text.substr(0, comma + 1));
+    text = "  " + text.substr(comma + 2);
   }
-  return table.Text();
+  lines.push_back(std::move(text));
+  return lines;
 }
 
-std::string VariableText(const Spreadsheet& summary, std::size_t variable,
-                         const std::optional<Spreadsheet>& ranked) {
-  const Columns columns(summary);
+// Four decimals say all that one decides by; a smaller one is not 0.
+std::string PValueText(double p) {
+  constexpr double kSmallest = 0.0001;
+  if (std::isnan(p)) return "-";
+  return p < kSmallest ? "<0.0001" : FormatNumber("%.4f", p);
+}
+
+// The statistic of the ranking test with its p-value, then the p-values of the other tests, then the AIC. The
+// p-values are the bootstrap's where there are such.
+class RankingText {
+ public:
+  RankingText(const Spreadsheet& ranked, const std::string& rankedBy, bool continuous)
+      : ranked_(ranked), bootstrap_(ranked_.Has(kBootstrapSamples)) {
+    for (const TestColumns& test : kTests) {
+      if (test.name == rankedBy) tests_.insert(tests_.begin(), &test);
+      if (test.name != rankedBy && (continuous || test.name != "anderson-darling")) tests_.push_back(&test);
+    }
+  }
+
+  std::string Text() {
+    table_.AddColumn("Rank", TextTable::Align::kRight);
+    table_.AddColumn("Distribution", TextTable::Align::kLeft);
+    table_.AddColumn(tests_.front()->statisticHeading, TextTable::Align::kRight);
+    for (const TestColumns* test : tests_) table_.AddColumn(test->pValueHeading, TextTable::Align::kRight);
+    table_.AddColumn("AIC", TextTable::Align::kRight);
+    std::string failures;
+    for (std::size_t row = 0; row < ranked_.RowCount(); ++row) {
+      if (!ranked_.Numbered(kParameter, row).empty()) {
+        AddFit(row);
+      } else {
+        failures += "  no fit: " + ranked_.RowName(row) + ", " + ranked_.Text(kReason, row) + "\n";
+      }
+    }
+    return table_.Text() + failures;
+  }
+
+ private:
+  void AddFit(std::size_t row) {
+    constexpr int kStatisticDigits = 4;
+    std::string description = ranked_.Text(kDescription, row);
+    const double offset = ranked_.Number(kOffset, row);
+    if (!std::isnan(offset) && offset != 0) description += ", offset " + ReadableNumber(offset);
+    const std::vector<std::string> lines = BrokenAtCommas(std::move(description));
+    std::vector<std::string> cells{
+        std::to_string(row + 1), lines.front(),
+        ReadableNumber(ranked_.Number(tests_.front()->statistic, row), kStatisticDigits)};
+    for (const TestColumns* test : tests_) {
+      cells.push_back(PValueText(ranked_.Number(bootstrap_ ? test->bootstrapPValue : test->pValue, row)));
+    }
+    const double aic = ranked_.Number(kAic, row);
+    cells.push_back(std::isnan(aic) ? "-" : FormatNumber("%.2f", aic));
+    table_.AddRow(std::move(cells));
+    for (std::size_t i = 1; i < lines.size(); ++i) table_.AddRow({"", lines[i]});
+  }
+
+  ResultTable ranked_;
+  bool bootstrap_;
+  std::vector<const TestColumns*> tests_;
+  TextTable table_;
+};
+
+std::string VariableText(const ResultTable& summary, std::size_t variable,
+                         const std::optional<Spreadsheet>& ranked, const std::string& rankedBy) {
   const auto number = [&](std::string_view column) {
-    return ReadableNumber(columns.Number(column, variable));
+    return ReadableNumber(summary.Number(column, variable));
   };
   const auto count = [&](std::string_view column) {
-    return FormatNumber("%.0f", columns.Number(column, variable));
+    return FormatNumber("%.0f", summary.Number(column, variable));
   };
-  std::string text =
-      std::string(summary.CaseName(variable)) + " (" + columns.Text(result_column::kKind, variable) + ")\n";
-  text += "  n " + count(result_column::kCount) + ", missing " + count(result_column::kMissing) + ", mean " +
-          number(result_column::kMean) + ", std.dev. " + number(result_column::kStandardDeviation) +
-          ", skewness " + number(result_column::kSkewness) + ", kurtosis " +
-          number(result_column::kKurtosis) + ", range " + number(result_column::kMinimum) + " to " +
-          number(result_column::kMaximum) + "\n";
+  const std::string kind = summary.Text(kKind, variable);
+  std::string text = summary.RowName(variable) + " (" + kind + ")\n";
+  text += "  n " + count(kCount) + ", missing " + count(kMissing) + ", mean " + number(kMean) +
+          ", std.dev. " + number(kStandardDeviation) + "\n  skewness " + number(kSkewness) + ", kurtosis " +
+          number(kKurtosis) + ", range " + number(kMinimum) + " to " + number(kMaximum) + "\n";
   if (!ranked) return text + "  nothing to fit: no valid values, or all of them equal\n";
-  return text + "  " + ranked->Title() + "\n" + RankingText(*ranked);
+  return text + "  " + ranked->Title() + "\n" + RankingText(*ranked, rankedBy, kind == "continuous").Text();
+}
+
+std::string Footnote(bool bootstrapped, const FitReportOptions& options) {
+  if (bootstrapped) {
+    return "\nP-values by parametric bootstrap, " + std::to_string(options.bootstrapSamples) +
+           " samples per distribution.\n";
+  }
+  return "\nParameters were estimated from the same data, so the p-values are too large: they compare fits, "
+         "but\nprove none. --bootstrap N gives p-values that allow for the estimation.\n";
 }
 
 }  // namespace
 
-void ReportFit(AutomationObject& dialog, const Spreadsheet& input, ReportFormat format) {
+void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitReportOptions& options) {
   const Variant summaryDocument = dialog.Get("SummaryStats");
   const Spreadsheet& summary = TableOf(summaryDocument);
   const std::string weights = input.WeightVariable() ? input.VariableAt(*input.WeightVariable()).Name() : "";
   const std::string selection = input.Selection().enabled ? input.Selection().condition : "";
-  Json report = {{"variables", Json::array()}};
+  const bool json = options.format == ReportFormat::kJson;
+  nlohmann::ordered_json report = {{"variables", nlohmann::ordered_json::array()}};
   if (!weights.empty()) report["weights"] = weights;
   if (!selection.empty()) report["selection"] = selection;
   std::string text;
   if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
   if (!selection.empty()) text += "Cases with " + selection + "\n";
-  for (std::size_t i = 0; i < summary.CaseCount(); ++i) {
+  const ResultTable table(summary);
+  bool bootstrapped = false;
+  for (std::size_t i = 0; i < table.RowCount(); ++i) {
     const auto ranked = RankedTable(dialog, i);
-    if (!text.empty()) text += '\n';
-    text += VariableText(summary, i, ranked);
-    report["variables"].push_back(VariableJson(summary, i, ranked));
+    bootstrapped = bootstrapped || (ranked && ResultTable(*ranked).Has(kBootstrapSamples));
+    const bool continuous = table.Text(kKind, i) == "continuous";
+    const std::string& rankedBy = continuous ? options.rankBy : options.discreteRankBy;
+    if (json) {
+      report["variables"].push_back(VariableJson(dialog, summary, i, ranked, rankedBy));
+    } else {
+      text += (text.empty() ? "" : "\n") + VariableText(table, i, ranked, rankedBy);
+    }
   }
-  std::fputs(format == ReportFormat::kJson ? JsonText(report).c_str() : text.c_str(), stdout);
+  std::fputs(json ? JsonText(report).c_str() : (text + Footnote(bootstrapped, options)).c_str(), stdout);
 }
 
 }  // namespace brenvolt::cli

@@ -1,14 +1,25 @@
 // The report of a fit: what the fit results dialog's tables say, for people or for programs.
 #pragma once
 
+#include <cstdint>
+#include <string>
+
 #include "apps/cli/data_options.h"
 #include "host/automation/automation_object.h"
 
 namespace brenvolt::cli {
 
+// What was asked for, by the command's own names.
+struct FitReportOptions {
+  std::string rankBy;          // "ks", "chi-square" or "anderson-darling"
+  std::string discreteRankBy;  // of discrete variables
+  std::int32_t bootstrapSamples = 0;
+  ReportFormat format = ReportFormat::kTable;
+};
+
 // Prints the results that the dialog behind `dialog` shows to standard output: per variable its moments and
 // its ranked distributions, as tables or as one JSON object. Says which of the input's cases were used and
 // how they were weighted, where that is not all of them alike.
-void ReportFit(AutomationObject& dialog, const Spreadsheet& input, ReportFormat format);
+void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitReportOptions& options);
 
 }  // namespace brenvolt::cli

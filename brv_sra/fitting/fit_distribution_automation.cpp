@@ -3,7 +3,6 @@
 // An index counts the variables of a list from 1; a call with one shows that variable on its tab, as a person
 // would, and works on its controls. A field that is empty reads as "not set" (-444) and is emptied by putting
 // that value.
-#include <algorithm>
 #include <array>
 #include <span>
 #include <string>
@@ -11,6 +10,7 @@
 #include <vector>
 
 #include "brv_sra/fitting/fit_distribution_dialog.h"
+#include "brv_sra/fitting/variable_lists.h"
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -32,29 +32,17 @@ Numbers VariableList(const Dialog& dialog, const Variant& value) {
   return VariableNumbers(value, table->VariableCount());
 }
 
-// Both lists at once, as text: the continuous variables, a bar, the discrete ones, "1-3 | 5".
-constexpr char kListBar = '|';
-
 Variant GetLists(Dialog& dialog, Indexes) {
   const FitSpecification& specification = dialog.Specification();
   return dialog.Analysis().dsplst(specification.continuous) + " " + kListBar + " " +
          dialog.Analysis().dsplst(specification.discrete);
 }
 
-// Takes such a text, a text without a bar (continuous variables only), or an array of the two lists. Like the
-// selection dialog, it refuses a selection without any variable.
+// Like the selection dialog, refuses a selection without any variable.
 void PutLists(Dialog& dialog, Indexes, const Variant& value) {
-  Variant::Array lists;
-  if (value.IsText()) {
-    const std::string text = value.ToText();
-    const auto bar = std::min(text.find(kListBar), text.size());
-    lists = {text.substr(0, bar), bar < text.size() ? text.substr(bar + 1) : std::string()};
-  } else {
-    lists = value.ToArray();
-  }
-  if (lists.size() != 2) throw Error("not a list of continuous and a list of discrete variables");
-  const Numbers continuous = VariableList(dialog, lists[0]);
-  const Numbers discrete = VariableList(dialog, lists[1]);
+  const Spreadsheet* table = dialog.GetInputTable();
+  if (table == nullptr) throw Error("no input spreadsheet");
+  const auto [continuous, discrete] = VariableListsFrom(value, table->VariableCount());
   if (continuous.empty() && discrete.empty()) throw Error(dialog.szLoadResString(kMsgTooFewVariables));
   dialog.SelectLists(continuous, discrete);
 }

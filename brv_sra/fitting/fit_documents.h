@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <span>
+#include <string>
 
 #include "brv_sra/fitting/fit_state.h"
 #include "host/tables/spreadsheet.h"
@@ -14,8 +15,16 @@ namespace brenvolt::sra {
 // One case per variable, named after it: its moments.
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results);
 
-// One case per fitted distribution of a variable, best first, named by its display name; titled by the
-// criterion.
+// One case per checked distribution of a variable, best first, named by its display name; titled by the
+// criterion. Columns of the bootstrap only where it was asked for.
 std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterion criterion);
+
+// One case per value of a fit, named as in the catalogue ("Scale"; groups are numbered, "Mean 2"): value,
+// standard error, and covariances with the values in order, as far as the estimator gives them. An offset
+// stands last. Throws CDispatchException where the fit failed.
+std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const DistributionFit& fit);
+
+// Why a fit failed, as far as the variable's moments tell; empty for a valid fit.
+std::string FailureReason(const VariableFit& variable, const DistributionFit& fit);
 
 }  // namespace brenvolt::sra

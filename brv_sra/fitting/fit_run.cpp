@@ -7,7 +7,6 @@
 #include "brv_sra/fitting/bootstrap.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
-#include "brv_sra/fitting/sample_reader.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/cancellation.h"
@@ -149,17 +148,23 @@ bool FitsDataLimit(std::size_t variables, std::size_t cases) {
   return bytes < kDataLimit;
 }
 
+CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
+                    const CaseOptions& options) {
+  CaseSet cases = AcceptedCases(sheet, options.useSelection, options.useWeights);
+  if (specification.deletion == DeletionMode::kCasewise) {
+    DropIncompleteCases(sheet, specification.continuous, cases);
+    DropIncompleteCases(sheet, specification.discrete, cases);
+  }
+  return cases;
+}
+
 std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
                                 const CaseOptions& options, ProgressPort& port) {
   const std::size_t selected = specification.continuous.size() + specification.discrete.size();
   if (!FitsDataLimit(selected, sheet.CaseCount())) {
     throw CDispatchException(std::string(ResourceString(kMsgDatasetTooLarge)));
   }
-  CaseSet cases = AcceptedCases(sheet, options.useSelection, options.useWeights);
-  if (specification.deletion == DeletionMode::kCasewise) {
-    DropIncompleteCases(sheet, specification.continuous, cases);
-    DropIncompleteCases(sheet, specification.discrete, cases);
-  }
+  const CaseSet cases = FittedCases(sheet, specification, options);
   std::vector<VariableFit> results;
   FitList({specification.continuous, true, kProgressContinuousVariables}, sheet, specification, cases, port,
           results);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "brv_sra/fitting/fit_state.h"
+#include "brv_sra/fitting/sample_reader.h"
 #include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
@@ -18,6 +19,11 @@ struct CaseOptions {
 // True when the data of `variables` variables of `cases` cases are within the limit of a fit. The product is
 // taken in 32 bits, as the limit has always been.
 bool FitsDataLimit(std::size_t variables, std::size_t cases);
+
+// The cases that a fit uses, by the sheet's selection and weights and the specification's deletion mode.
+// Throws CDispatchException as AcceptedCases does.
+CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
+                    const CaseOptions& options);
 
 // Fits the continuous variables, then the discrete ones, on all processors; the results depend neither on
 // their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and

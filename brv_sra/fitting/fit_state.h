@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "brv_sra/distributions/specification.h"
+#include "brv_sra/distributions/variable_properties.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt::sra {
@@ -123,6 +124,15 @@ struct DistributionFit {
   double Bic(std::int64_t count) const;
 };
 
+// What is saved of a variable's fits (save_settings.h).
+struct SaveSettings {
+  bool selected = true;            // whether the variable takes part at all
+  std::vector<std::size_t> order;  // indices into the fits, best first; none: the default order
+  Truncation truncation;
+  std::vector<DistributionSpecification> userDefined;  // the person's own values, each type at most once
+  std::vector<DistributionCode> userDefinedOrder;      // none: the default order
+};
+
 struct VariableFit {
   int variableNumber = 0;
   std::string name;
@@ -132,6 +142,7 @@ struct VariableFit {
   std::int32_t mixtures = kNotSetCount;  // the components fitted, where that is not what was asked for
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
+  SaveSettings saving;
 
   bool HasValidFit() const;
 };
@@ -142,6 +153,7 @@ struct FitState {
   FitSpecification committed;
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
   std::size_t firstShown = 0;        // the first variable with a valid fit
+  bool saveUserDefined = false;      // save the person's own values and orders where there are any
 };
 
 inline double DistributionFit::Aic() const {

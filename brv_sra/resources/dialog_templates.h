@@ -92,6 +92,31 @@ inline constexpr std::int32_t kDistribution = 1101;
 inline constexpr std::int32_t kSummaryStatistics = 1102;
 inline constexpr std::int32_t kDistributionSummary = 1103;
 inline constexpr std::int32_t kSaveFit = 1104;
+inline constexpr std::int32_t kPrevious = 1105;
+inline constexpr std::int32_t kNext = 1106;
+inline constexpr std::int32_t kSummaryGraph = 1107;
+inline constexpr std::int32_t kHistogram = 1108;
+inline constexpr std::int32_t kCumulativeHistogram = 1109;
+inline constexpr std::int32_t kEmpiricalPlot = 1110;
+inline constexpr std::int32_t kProbabilityPlot = 1111;
+inline constexpr std::int32_t kQuantilePlot = 1112;
+inline constexpr std::int32_t kBoxPlot = 1113;
+inline constexpr std::int32_t kDetails = 1114;
+inline constexpr std::int32_t kSaveVariable = 1150;
+inline constexpr std::int32_t kSavePrevious = 1151;
+inline constexpr std::int32_t kSaveNext = 1152;
+inline constexpr std::int32_t kOrder = 1153;
+inline constexpr std::int32_t kMoveUp = 1154;
+inline constexpr std::int32_t kMoveDown = 1155;
+inline constexpr std::int32_t kLeaveOut = 1156;
+inline constexpr std::int32_t kDefaultOrder = 1157;
+inline constexpr std::int32_t kTruncateBelow = 1158;
+inline constexpr std::int32_t kTruncationMinimum = 1159;
+inline constexpr std::int32_t kTruncateAbove = 1160;
+inline constexpr std::int32_t kTruncationMaximum = 1161;
+inline constexpr std::int32_t kUserDefined = 1162;
+inline constexpr std::int32_t kSaveDistributionSummary = 1163;
+inline constexpr std::int32_t kCorrelationMatrix = 1164;
 }  // namespace fit_results
 
 namespace simulation_dialog {

@@ -1,0 +1,125 @@
+#include "apps/cli/fit_graphs.h"
+
+#include <cmath>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "apps/cli/data_options.h"
+#include "apps/cli/result_table.h"
+#include "apps/cli/session.h"
+#include "host/analysis/analysis_graph_doc.h"
+#include "host/base/error.h"
+#include "host/base/output_file.h"
+
+namespace brenvolt::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kPlots[] = {"HistogramWithFit", "CumulativeHistogram", "PPPlot",
+                                  "QQPlot",           "EmpiricalCDFPlot",    "BoxPlot"};
+
+Json BarsJson(const GraphBars& bars) {
+  return {{"name", bars.name}, {"bounds", bars.bounds}, {"heights", bars.heights}};
+}
+
+Json SeriesJson(const GraphSeries& series) {
+  static constexpr const char* kStyles[] = {"points", "line", "steps"};
+  return {{"name", series.name},
+          {"style", kStyles[static_cast<std::size_t>(series.style)]},
+          {"x", series.x},
+          {"y", series.y}};
+}
+
+Json CurveJson(const GraphCurve& curve) {
+  return {{"name", curve.name},
+          {"formula", curve.formula},
+          {"from", curve.from},
+          {"to", curve.to},
+          {"wholeNumbers", curve.wholeNumbers}};
+}
+
+Json BoxJson(const GraphBox& box) {
+  return {{"name", box.name},
+          {"lowerWhisker", box.lowerWhisker},
+          {"lowerQuartile", box.lowerQuartile},
+          {"median", box.median},
+          {"upperQuartile", box.upperQuartile},
+          {"upperWhisker", box.upperWhisker},
+          {"mean", box.mean},
+          {"outliers", box.outliers}};
+}
+
+template <class Part>
+void AddParts(const char* name, const std::vector<Part>& parts, Json (*json)(const Part&), Json& graph) {
+  if (parts.empty()) return;
+  Json list = Json::array();
+  for (const Part& part : parts) list.push_back(json(part));
+  graph[name] = list;
+}
+
+Json GraphJson(const Graph& graph) {
+  Json json = {{"kind", GraphKindName(graph.kind)},
+               {"title", graph.title},
+               {"xTitle", graph.xTitle},
+               {"yTitle", graph.yTitle}};
+  AddParts("bars", graph.bars, BarsJson, json);
+  AddParts("series", graph.series, SeriesJson, json);
+  AddParts("curves", graph.curves, CurveJson, json);
+  AddParts("boxes", graph.boxes, BoxJson, json);
+  if (!graph.notes.empty()) json["notes"] = graph.notes;
+  return json;
+}
+
+// Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
+// and returns its name. Nothing changes where there is none.
+std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
+  const Variant index(place);
+  const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
+  const std::string first = order.substr(0, order.find(';'));
+  const Variant document = dialog.Get("QuickTabDistributionSummaryStats");
+  const ResultTable ranked(TableOf(document));
+  for (std::size_t row = 0; row < ranked.RowCount(); ++row) {
+    if (ranked.RowName(row) == first) dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(row + 1));
+  }
+  return first;
+}
+
+// The graphs of the variable that the Quick tab shows, with the fit that it shows. A graph that cannot be
+// made of this fit says why in its place.
+Json GraphsJson(AutomationObject& dialog) {
+  Json graphs = Json::array();
+  for (const char* plot : kPlots) {
+    try {
+      const auto document = std::dynamic_pointer_cast<CAnalysisGraphDoc>(dialog.Get(plot).ToObject());
+      if (document == nullptr) throw Error("the analysis returned no graph");
+      graphs.push_back(GraphJson(document->Content()));
+    } catch (const AutomationError& error) {
+      graphs.push_back({{"kind", nullptr}, {"member", plot}, {"error", error.Reason()}});
+    }
+  }
+  return graphs;
+}
+
+}  // namespace
+
+void WriteFitGraphs(AutomationObject& dialog, const std::filesystem::path& path) {
+  const Variant document = dialog.Get("SummaryStats");
+  const ResultTable summary(TableOf(document));
+  Json report = {{"variables", Json::array()}};
+  for (std::size_t i = 0; i < summary.RowCount(); ++i) {
+    dialog.Put("QuickTabVariable", static_cast<std::int32_t>(i + 1));
+    Json variable = {{"name", summary.RowName(i)}, {"distribution", nullptr}, {"graphs", Json::array()}};
+    if (dialog.Get("QuickTabDistribution").ToInteger() != 0) {
+      variable["distribution"] = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
+      variable["graphs"] = GraphsJson(dialog);
+    }
+    report["variables"].push_back(std::move(variable));
+  }
+  OutputFile file(path);
+  file.Write(JsonText(report));
+  file.Commit();
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,31 @@
+#include "apps/cli/result_table.h"
+
+#include "host/base/error.h"
+
+namespace brenvolt::cli {
+
+const Variable& ResultTable::Find(std::string_view column) const {
+  const auto index = sheet_.FindVariable(column);
+  if (!index) throw Error("the table has no column " + std::string(column), sheet_.Name());
+  return sheet_.VariableAt(*index);
+}
+
+double ResultTable::Number(std::string_view column, std::size_t row) const {
+  return Find(column).Values()[row];
+}
+
+std::string ResultTable::Text(std::string_view column, std::size_t row) const {
+  const Variable& variable = Find(column);
+  return std::string(variable.Label(variable.Values()[row]).value_or(""));
+}
+
+std::vector<double> ResultTable::Numbered(std::string_view name, std::size_t row) const {
+  std::vector<double> values;
+  for (;;) {
+    const auto column = sheet_.FindVariable(std::string(name) + std::to_string(values.size() + 1));
+    if (!column || sheet_.VariableAt(*column).IsMissing(row)) return values;
+    values.push_back(sheet_.VariableAt(*column).Values()[row]);
+  }
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,33 @@
+// A result table of the analysis, read by the names of its columns (host/analysis/result_columns.h).
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt::cli {
+
+class ResultTable {
+ public:
+  // The sheet must outlive the table.
+  explicit ResultTable(const Spreadsheet& sheet) : sheet_(sheet) {}
+
+  std::size_t RowCount() const { return sheet_.CaseCount(); }
+  std::string RowName(std::size_t row) const { return std::string(sheet_.CaseName(row)); }
+  bool Has(std::string_view column) const { return sheet_.FindVariable(column).has_value(); }
+  // The value in a row; NaN where it is missing. Throws Error for a column that the table does not have.
+  double Number(std::string_view column, std::size_t row) const;
+  std::string Text(std::string_view column, std::size_t row) const;
+  // The values of the columns "NAME1", "NAME2", … in a row, up to the first that is missing.
+  std::vector<double> Numbered(std::string_view name, std::size_t row) const;
+
+ private:
+  const Variable& Find(std::string_view column) const;
+
+  const Spreadsheet& sheet_;
+};
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,244 @@
+// The automation interface of the fit results: its members with their dispatch numbers.
+//
+// An index counts the fitted variables, continuous ones first, from 1. A member that names an output makes,
+// shows and returns it as the button of the same meaning does: a spreadsheet or a graph document.
+// SaveDistributionFit saves and returns the correlation matrix file that goes beside the fits.
+//
+// Orders of distributions are read as "Weibull;Normal;" and put as such a text or as an array of names
+// (display names or keys) or codes; an empty one restores the default. Values of a distribution are an array
+// of numbers in catalogue order, the offset last where the type has one.
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/fitting/fit_results_dialog.h"
+#include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/fitting/variable_lists.h"
+#include "brv_sra/frame/control_members.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace fit_results;
+using Dialog = CFitDistributionResults;
+using Indexes = std::span<const Variant>;
+using Member = AutomationMember<Dialog>;
+using Codes = std::vector<DistributionCode>;
+
+// An output: what a button makes.
+template <auto Show>
+Variant GetOutput(Dialog& dialog, Indexes) {
+  return Variant::Object((dialog.*Show)());
+}
+template <FitPlot Plot>
+Variant GetPlot(Dialog& dialog, Indexes) {
+  return Variant::Object(dialog.ShowPlot(Plot));
+}
+template <auto Variable>
+Variant GetDistributionSummary(Dialog& dialog, Indexes) {
+  return Variant::Object(dialog.ShowDistributionSummary((dialog.*Variable)()));
+}
+
+// The variables that are summarised, correlated and saved: by default all that were fitted.
+Variant GetVariables(Dialog& dialog, Indexes) {
+  VariableLists lists;
+  for (const VariableFit& variable : dialog.Results().results) {
+    if (!variable.saving.selected) continue;
+    auto& list = variable.continuous ? lists.continuous : lists.discrete;
+    list.push_back(static_cast<std::int16_t>(variable.variableNumber));
+  }
+  return dialog.Analysis().dsplst(lists.continuous) + " " + kListBar + " " +
+         dialog.Analysis().dsplst(lists.discrete);
+}
+
+void PutVariables(Dialog& dialog, Indexes, const Variant& value) {
+  const Spreadsheet* table = dialog.GetInputTable();
+  if (table == nullptr) throw Error("no input spreadsheet");
+  const VariableLists lists = VariableListsFrom(value, table->VariableCount());
+  if (lists.continuous.empty() && lists.discrete.empty())
+    throw Error(dialog.szLoadResString(kMsgTooFewVariables));
+  auto& results = dialog.Results().results;
+  std::vector<bool> selected(results.size(), false);
+  for (const bool continuous : {true, false}) {
+    for (const std::int16_t number : continuous ? lists.continuous : lists.discrete) {
+      const auto found = std::ranges::find_if(results, [&](const VariableFit& variable) {
+        return variable.variableNumber == number && variable.continuous == continuous;
+      });
+      if (found == results.end()) {
+        throw Error(FormatResource(kMsgNotAmongResults, dialog.Analysis().get_vn(number)));
+      }
+      selected[static_cast<std::size_t>(found - results.begin())] = true;
+    }
+  }
+  for (std::size_t i = 0; i < results.size(); ++i) results[i].saving.selected = selected[i];
+}
+
+VariableFit& IndexedVariable(Dialog& dialog, Indexes indexes) {
+  return dialog.VariableAt(indexes[0].ToInteger());
+}
+
+DistributionCode CodeNamed(const std::string& name) {
+  const auto code = CodeFromDisplayName(name);
+  if (code) return *code;
+  if (const auto key = CodeFromKey(name)) return *key;
+  throw Error("no distribution called " + name);
+}
+
+DistributionCode CodeFrom(const Variant& value) {
+  if (value.IsText()) return CodeNamed(value.ToText());
+  const auto code = CodeFromNumber(value.ToInteger());
+  if (!code) throw Error("no distribution of code " + value.ToText());
+  return *code;
+}
+
+Codes OrderFrom(const Variant& value) {
+  Codes order;
+  if (!value.IsText()) {
+    for (const Variant& element : value.ToArray()) order.push_back(CodeFrom(element));
+    return order;
+  }
+  const std::string text = value.ToText();
+  for (std::size_t begin = 0; begin < text.size();) {
+    const std::size_t end = std::min(text.find(';', begin), text.size());
+    const std::string_view name = Trim(std::string_view(text).substr(begin, end - begin));
+    if (!name.empty()) order.push_back(CodeNamed(std::string(name)));
+    begin = end + 1;
+  }
+  return order;
+}
+
+Variant GetOrder(Dialog& dialog, Indexes indexes) {
+  const VariableFit& variable = IndexedVariable(dialog, indexes);
+  return OrderText(CodesOf(variable, SavedOrder(variable)));
+}
+void PutOrder(Dialog& dialog, Indexes indexes, const Variant& value) {
+  SetSavedOrder(IndexedVariable(dialog, indexes), OrderFrom(value));
+  dialog.ShowSaveSettings();
+}
+
+Variant GetUserDefinedOrder(Dialog& dialog, Indexes indexes) {
+  return OrderText(UserDefinedOrder(IndexedVariable(dialog, indexes)));
+}
+void PutUserDefinedOrder(Dialog& dialog, Indexes indexes, const Variant& value) {
+  SetUserDefinedOrder(IndexedVariable(dialog, indexes), OrderFrom(value));
+}
+
+// Whether a distribution of a variable is saved as fitted. True drops the person's own values; false takes
+// the fitted ones as a start for them.
+Variant GetIsDefault(Dialog& dialog, Indexes indexes) {
+  const bool own = HasUserDefinedValues(IndexedVariable(dialog, indexes), CodeFrom(indexes[1]));
+  return std::int32_t{own ? 0 : 1};
+}
+void PutIsDefault(Dialog& dialog, Indexes indexes, const Variant& value) {
+  VariableFit& variable = IndexedVariable(dialog, indexes);
+  const DistributionCode code = CodeFrom(indexes[1]);
+  if (value.ToBoolean()) return DropUserDefinedValues(variable, code);
+  const DistributionSpecification* fitted = UserDefinedSpecification(variable, code);
+  if (fitted == nullptr) throw Error(FormatResource(kMsgOrderUnknown, DisplayName(code), variable.name));
+  SetUserDefinedValues(variable, *fitted);
+}
+
+Variant GetUserDefined(Dialog& dialog, Indexes indexes) {
+  const DistributionSpecification* specification =
+      UserDefinedSpecification(IndexedVariable(dialog, indexes), CodeFrom(indexes[1]));
+  Variant::Array values;
+  if (specification == nullptr) return values;
+  for (const double value : specification->values) values.emplace_back(value);
+  if (HasOffset(specification->code)) {
+    values.emplace_back(IsNotSet(specification->offset) ? 0.0 : specification->offset);
+  }
+  return values;
+}
+// An offset that is left out is 0.
+void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
+  DistributionSpecification specification;
+  specification.code = CodeFrom(indexes[1]);
+  for (const Variant& element : value.ToArray()) specification.values.push_back(element.ToReal());
+  if (HasOffset(specification.code)) {
+    specification.offset = 0;
+    if (specification.values.size() > Parameters(specification.code).size()) {
+      specification.offset = specification.values.back();
+      specification.values.pop_back();
+    }
+  }
+  SetUserDefinedValues(IndexedVariable(dialog, indexes), std::move(specification));
+}
+
+template <bool Truncation::*Flag>
+Variant GetTruncated(Dialog& dialog, Indexes indexes) {
+  return std::int32_t{IndexedVariable(dialog, indexes).saving.truncation.*Flag ? 1 : 0};
+}
+template <bool Truncation::*Flag>
+void PutTruncated(Dialog& dialog, Indexes indexes, const Variant& value) {
+  IndexedVariable(dialog, indexes).saving.truncation.*Flag = value.ToBoolean();
+  dialog.ShowSaveSettings();
+}
+template <double Truncation::*Bound>
+Variant GetBound(Dialog& dialog, Indexes indexes) {
+  return IndexedVariable(dialog, indexes).saving.truncation.*Bound;
+}
+template <double Truncation::*Bound>
+void PutBound(Dialog& dialog, Indexes indexes, const Variant& value) {
+  const double bound = value.ToReal();
+  if (!std::isfinite(bound)) throw Error("no finite number: " + value.ToText());
+  IndexedVariable(dialog, indexes).saving.truncation.*Bound = bound;
+  dialog.ShowSaveSettings();
+}
+
+// In the order of their numbers, which stand in recorded macros. Those behind the last of them are younger.
+constexpr std::array<Member, 26> kMembers{{
+    {"QuickTabVariable", 0x60030000, 0, GetSelection<Dialog, kVariable, 1>,
+     PutSelection<Dialog, kVariable, 1>},
+    {"QuickTabDistribution", 0x60030002, 0, GetSelection<Dialog, kDistribution, 1>,
+     PutSelection<Dialog, kDistribution, 1>},
+    {"SummaryStats", 0x60030004, 0, GetOutput<&Dialog::ShowSummaryStatistics>, nullptr},
+    {"SummaryGraph", 0x60030005, 0, GetPlot<FitPlot::kSummary>, nullptr},
+    {"EmpiricalCDFPlot", 0x60030006, 0, GetPlot<FitPlot::kEmpiricalDistribution>, nullptr},
+    {"HistogramWithFit", 0x60030007, 0, GetPlot<FitPlot::kHistogram>, nullptr},
+    {"CumulativeHistogram", 0x60030008, 0, GetPlot<FitPlot::kCumulativeHistogram>, nullptr},
+    {"PPPlot", 0x60030009, 0, GetPlot<FitPlot::kProbabilityPlot>, nullptr},
+    {"QQPlot", 0x6003000a, 0, GetPlot<FitPlot::kQuantilePlot>, nullptr},
+    {"BoxPlot", 0x6003000b, 0, GetPlot<FitPlot::kBoxPlot>, nullptr},
+    {"SaveFitTabVariable", 0x6003000c, 0, GetSelection<Dialog, kSaveVariable, 1>,
+     PutSelection<Dialog, kSaveVariable, 1>},
+    {"CorrelationMatrix", 0x6003000e, 0, GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr},
+    {"QuickTabDistributionSummaryStats", 0x6003000f, 0, GetDistributionSummary<&Dialog::QuickVariable>,
+     nullptr},
+    {"SavePlotTabDistributionSummaryStats", 0x60030010, 0, GetDistributionSummary<&Dialog::SaveVariable>,
+     nullptr},
+    {"SaveDistributionFit", 0x60030011, 0, GetOutput<&Dialog::SaveFits>, nullptr},
+    {"DistributionOrder", 0x60030012, 1, GetOrder, PutOrder},
+    {"IsUserDefinedDistributions", 0x60030014, 0, GetChecked<Dialog, kUserDefined>,
+     PutChecked<Dialog, kUserDefined>},
+    {"UserDefinedDistributionOrder", 0x60030016, 1, GetUserDefinedOrder, PutUserDefinedOrder},
+    {"IsDefaultDistributionSettings", 0x60030018, 2, GetIsDefault, PutIsDefault},
+    {"UserDefinedDistributions", 0x6003001a, 2, GetUserDefined, PutUserDefined},
+    {"IsUserDefinedTruncMin", 0x6003001c, 1, GetTruncated<&Truncation::below>,
+     PutTruncated<&Truncation::below>},
+    {"UserDefinedTruncMin", 0x6003001e, 1, GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>},
+    {"IsUserDefinedTruncMax", 0x60030020, 1, GetTruncated<&Truncation::above>,
+     PutTruncated<&Truncation::above>},
+    {"UserDefinedTruncMax", 0x60030022, 1, GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>},
+    {"Variables", 0x60030024, 0, GetVariables, PutVariables},
+    {"DistributionDetails", 0x60030026, 0, GetOutput<&Dialog::ShowDetails>, nullptr},
+}};
+
+}  // namespace
+
+CFitDistributionResults::CFitDistributionResults(CSimulationAndRisk& analysis)
+    : CSimulationAndRiskModelessDialog(analysis, FitResultsTemplate()) {
+  EnableAutomation<CFitDistributionResults>("SRAFitDistributionResults", "CFitDistributionResults", kMembers);
+}
+
+}  // namespace brenvolt::sra

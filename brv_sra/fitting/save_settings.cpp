@@ -1,0 +1,169 @@
+#include "brv_sra/fitting/save_settings.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using Codes = std::span<const DistributionCode>;
+
+[[noreturn]] void Refuse(std::int32_t message, DistributionCode code, const VariableFit& variable) {
+  throw CDispatchException(FormatResource(message, DisplayName(code), variable.name));
+}
+
+void RequireDistinct(Codes order, const VariableFit& variable) {
+  for (const DistributionCode code : order) {
+    if (std::ranges::count(order, code) > 1) Refuse(kMsgOrderTwice, code, variable);
+  }
+}
+
+auto FindUserDefined(const VariableFit& variable, DistributionCode code) {
+  return std::ranges::find(variable.saving.userDefined, code, &DistributionSpecification::code);
+}
+
+// The valid fit of a type as an index; the number of fits where there is none.
+std::size_t FindValidFit(const VariableFit& variable, DistributionCode code) {
+  const auto found = std::ranges::find_if(variable.fits, [code](const DistributionFit& fit) {
+    return fit.specification.code == code && fit.IsValid();
+  });
+  return static_cast<std::size_t>(found - variable.fits.begin());
+}
+
+// A bound as it reads back from its property.
+double AsStored(double bound) {
+  return ParseNumber(FormatNumber("%e", bound)).value_or(bound);
+}
+
+bool IsBound(double value) {
+  return std::isfinite(value) && !IsNotSet(value);
+}
+
+}  // namespace
+
+std::vector<std::size_t> DefaultOrder(const VariableFit& variable) {
+  std::vector<std::size_t> order;
+  std::vector<std::size_t> histograms;
+  for (const std::size_t index : variable.ranked) {
+    const DistributionFit& fit = variable.fits[index];
+    if (!fit.IsValid()) continue;
+    const bool histogram = fit.specification.code == DistributionCode::kHistogram;
+    (histogram ? histograms : order).push_back(index);
+  }
+  return order.empty() ? histograms : order;
+}
+
+std::vector<std::size_t> SavedOrder(const VariableFit& variable) {
+  return variable.saving.order.empty() ? DefaultOrder(variable) : variable.saving.order;
+}
+
+void SetSavedOrder(VariableFit& variable, Codes order) {
+  RequireDistinct(order, variable);
+  std::vector<std::size_t> indices;
+  for (const DistributionCode code : order) {
+    indices.push_back(FindValidFit(variable, code));
+    if (indices.back() == variable.fits.size()) Refuse(kMsgOrderUnknown, code, variable);
+  }
+  variable.saving.order = std::move(indices);
+}
+
+std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<const std::size_t> fits) {
+  std::vector<DistributionCode> codes;
+  for (const std::size_t index : fits) codes.push_back(variable.fits[index].specification.code);
+  return codes;
+}
+
+std::string OrderText(Codes order) {
+  std::string text;
+  for (const DistributionCode code : order) text += std::string(DisplayName(code)) + ";";
+  return text;
+}
+
+const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable,
+                                                          DistributionCode code) {
+  const auto own = FindUserDefined(variable, code);
+  if (own != variable.saving.userDefined.end()) return &*own;
+  const std::size_t fit = FindValidFit(variable, code);
+  return fit < variable.fits.size() ? &variable.fits[fit].specification : nullptr;
+}
+
+bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code) {
+  return FindUserDefined(variable, code) != variable.saving.userDefined.end();
+}
+
+void SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification) {
+  if (IsContinuous(specification.code) != variable.continuous)
+    Refuse(kMsgOrderKind, specification.code, variable);
+  if (const auto fault = CheckSpecification(specification)) {
+    throw CDispatchException(fault->message, variable.name);
+  }
+  DropUserDefinedValues(variable, specification.code);
+  variable.saving.userDefined.push_back(std::move(specification));
+}
+
+void DropUserDefinedValues(VariableFit& variable, DistributionCode code) {
+  std::erase_if(variable.saving.userDefined,
+                [code](const DistributionSpecification& own) { return own.code == code; });
+  // An order names nothing that is no longer there.
+  if (UserDefinedSpecification(variable, code) == nullptr) {
+    std::erase(variable.saving.userDefinedOrder, code);
+  }
+}
+
+std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable) {
+  if (!variable.saving.userDefinedOrder.empty()) return variable.saving.userDefinedOrder;
+  std::vector<DistributionCode> order = CodesOf(variable, SavedOrder(variable));
+  for (const DistributionSpecification& own : variable.saving.userDefined) {
+    if (std::ranges::find(order, own.code) == order.end()) order.push_back(own.code);
+  }
+  return order;
+}
+
+void SetUserDefinedOrder(VariableFit& variable, Codes order) {
+  RequireDistinct(order, variable);
+  for (const DistributionCode code : order) {
+    if (UserDefinedSpecification(variable, code) == nullptr) Refuse(kMsgOrderUnknown, code, variable);
+  }
+  variable.saving.userDefinedOrder.assign(order.begin(), order.end());
+}
+
+void CheckTruncation(const VariableFit& variable) {
+  const Truncation& truncation = variable.saving.truncation;
+  const bool lacks = (truncation.below && !IsBound(truncation.minimum)) ||
+                     (truncation.above && !IsBound(truncation.maximum));
+  if (lacks) throw CDispatchException(FormatResource(kMsgTruncationBound, variable.name));
+  const bool both = truncation.below && truncation.above;
+  if (both && !(AsStored(truncation.minimum) < AsStored(truncation.maximum))) {
+    throw CDispatchException(FormatResource(kMsgTruncationCrossed, variable.name));
+  }
+}
+
+VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined) {
+  VariableDistributions distributions;
+  distributions.variableNumber = variable.variableNumber;
+  distributions.truncation = variable.saving.truncation;
+  if (userDefined) {
+    for (const DistributionCode code : UserDefinedOrder(variable)) {
+      distributions.ranked.push_back(*UserDefinedSpecification(variable, code));
+    }
+  } else {
+    for (const std::size_t index : SavedOrder(variable)) {
+      distributions.ranked.push_back(variable.fits[index].specification);
+    }
+  }
+  for (DistributionSpecification& specification : distributions.ranked) {
+    specification.truncateBelow = distributions.truncation.below;
+    specification.truncateAbove = distributions.truncation.above;
+    specification.truncationMinimum = distributions.truncation.minimum;
+    specification.truncationMaximum = distributions.truncation.maximum;
+  }
+  return distributions;
+}
+
+}  // namespace brenvolt::sra

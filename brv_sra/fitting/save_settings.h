@@ -1,0 +1,51 @@
+// What is saved of the fits of one variable: which, in which order, with which truncation, and with the
+// person's own values where there are any.
+//
+// Every function that changes settings checks first: on a fault it throws CDispatchException with the text to
+// show and leaves the settings as they were.
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "brv_sra/distributions/variable_properties.h"
+#include "brv_sra/fitting/fit_state.h"
+
+namespace brenvolt::sra {
+
+// The fits that are saved unless the person says otherwise, as indices, best first: the valid ones by rank.
+// The histogram of a discrete variable repeats the data and would always stand first, so it is saved only
+// where no other fit is valid, or where the person's order names it.
+std::vector<std::size_t> DefaultOrder(const VariableFit& variable);
+// The person's order where there is one, else the default.
+std::vector<std::size_t> SavedOrder(const VariableFit& variable);
+// Valid fits of the variable, each once, any of them left out; none for the default order.
+void SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
+std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<const std::size_t> fits);
+
+// "Weibull;Normal;", as the order is written.
+std::string OrderText(std::span<const DistributionCode> order);
+
+// The values of a distribution that are saved with user-defined distributions: the person's own, else the
+// valid fit's. Null where there are neither.
+const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable, DistributionCode code);
+bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code);
+// Takes the person's own values, which must be valid, of a type of the variable's kind.
+void SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification);
+void DropUserDefinedValues(VariableFit& variable, DistributionCode code);
+// The order with user-defined distributions: the person's, else the saved order followed by the types that
+// have own values only.
+std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable);
+// Types with own values or a valid fit, each once; none for the default order.
+void SetUserDefinedOrder(VariableFit& variable, std::span<const DistributionCode> order);
+
+// Throws when a bound in force is not set, or when bounds in force cross once they are rounded as they are
+// stored.
+void CheckTruncation(const VariableFit& variable);
+
+// What the writer of variable properties gets.
+VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined);
+
+}  // namespace brenvolt::sra
