@@ -376,10 +376,17 @@ void Complete(FitOptions& options, const CLI::App& command) {
   options.discreteRankByGiven = command.count("--discrete-rank-by") > 0;
 }
 
-// One argument with commas for each occurrence: the option must not swallow the name of the data file.
+// One argument for each occurrence: the option must not swallow the name of the data file. Names stand
+// between commas.
 void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
              const std::string& type, const std::string& help) {
   command.add_option(name, list, help)->delimiter(',')->allow_extra_args(false)->type_name(type);
+}
+
+// No commas: a name of a variable may hold one.
+void AddNumbers(CLI::App& command, const std::string& name, std::vector<std::string>& numbers,
+                const std::string& type, const std::string& help) {
+  command.add_option(name, numbers, help)->allow_extra_args(false)->type_name(type);
 }
 
 // A choice by name; the help lists the names and says the default.
@@ -415,13 +422,14 @@ void AddVariableOptions(CLI::App& command, FitOptions& options) {
 void AddDistributionOptions(CLI::App& command, FitOptions& options) {
   AddList(command, "--distributions", options.distributions, "NAME,NAME",
           "Distributions to try; default all that apply to a variable: " + AllNames());
-  AddList(command, "--offset", options.offsets, "V:DISTRIBUTION=NUMBER,...",
-          "Where a distribution of a variable starts; default 0. One that is not below all values makes that "
-          "fit fail");
-  AddList(command, "--mixtures", options.mixtures, "V=COUNT,...",
-          "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2");
-  AddList(command, "--trials", options.trials, "V=COUNT,...",
-          "Trials of a variable's binomial distribution; estimated where not given");
+  AddNumbers(
+      command, "--offset", options.offsets, "V:DISTRIBUTION=NUMBER",
+      "Where a distribution of a variable starts; default 0. One that is not below all values makes that "
+      "fit fail");
+  AddNumbers(command, "--mixtures", options.mixtures, "V=COUNT",
+             "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2");
+  AddNumbers(command, "--trials", options.trials, "V=COUNT",
+             "Trials of a variable's binomial distribution; estimated where not given");
   command.add_flag("--johnson-percentiles", options.johnsonPercentiles,
                    "Fit the Johnson distribution from percentiles instead of moments");
 }
