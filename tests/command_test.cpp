@@ -70,6 +70,29 @@ TEST_F(Command, FitMeetsTheKnownAnswers) {
   EXPECT_NEAR(FitOf(json["variables"][0], "Poisson")["parameters"][0], 8.679, 5e-4);
 }
 
+// Coles (2001), section 3.4.1 (a location of 3.87475 to six digits, printed rounded up), and the two
+// components of the geyser's eruptions.
+TEST_F(Command, FitMeetsTheKnownAnswersOfTheSearchedTypes) {
+  struct Case {
+    const char* file;
+    const char* type;
+    std::vector<double> printed;
+    double tolerance;  // half a unit of the last printed digit
+  };
+  const Case cases[] = {
+      {"portpirie_sea_level.csv", "General Extreme Value", {3.8748, 0.1980, -0.0501}, 5.1e-5},
+      {"faithful.csv", "Gaussian Mixture", {0.348, 2.019, 0.236, 0.652, 4.273, 0.437}, 5e-4}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.file);
+    const auto json = Json::parse(MustRun({"fit", kExamples + c.file, "--format", "json"}).out);
+    const Json& parameters = FitOf(json["variables"][0], c.type)["parameters"];
+    ASSERT_EQ(parameters.size(), c.printed.size());
+    for (std::size_t i = 0; i < c.printed.size(); ++i) {
+      EXPECT_NEAR(parameters[i], c.printed[i], c.tolerance) << "parameter " << i + 1;
+    }
+  }
+}
+
 TEST_F(Command, OptionsOfFitReachTheFit) {
   WriteBytes(File("d.csv"), "x,y,w,g\n1,2,1,1\n2,,2,1\n4,3,1,0\n8,9,1,1\nNA,5,3,0\n");
   const auto fit = [&](std::vector<std::string> more) {

@@ -65,7 +65,7 @@ std::string ColumnsText(const Spreadsheet& summary, std::size_t first, std::size
     table.AddColumn(summary.VariableAt(c).Name(), TextTable::Align::kRight);
   }
   for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
-    std::vector<std::string> cells{std::string(summary.CaseName(row))};
+    std::vector<std::string> cells{summary.CaseName(row)};
     for (std::size_t c = first; c < last; ++c) {
       // The count is a whole number, shown whole.
       const double value = summary.VariableAt(c).Values()[row];

@@ -17,44 +17,6 @@ constexpr double kLowestProbability = 0x1p-53;
 constexpr std::size_t kBlock = 512;
 constexpr std::size_t kLanes = 8;
 
-// A total with what rounding lost of it (Neumaier 1974).
-class CompensatedSum {
- public:
-  void Add(double term) {
-    const TwoPartSum sum = ExactSum(total_, term);
-    total_ = sum.high;
-    lost_ += sum.low;
-  }
-  // The sum over a whole number n, plus n: the two nearly cancel.
-  double QuotientPlus(double n) const {
-    const double quotient = total_ / n;
-    const double rest = std::fma(-quotient, n, total_) + lost_;
-    return (quotient + n) + rest / n;
-  }
-
- private:
-  double total_ = 0;
-  double lost_ = 0;
-};
-
-// The terms of the values number first, first + 1, … (from 0) of n, in lanes that the compiler keeps apart.
-void AddBlock(std::span<const double> z, std::size_t first, double n, CompensatedSum& sum) {
-  std::array<double, kBlock> lower;
-  std::array<double, kBlock> upper;
-  for (std::size_t i = 0; i < z.size(); ++i) {
-    lower[i] = std::max(z[i], kLowestProbability);
-    upper[i] = std::max(1.0 - z[i], kLowestProbability);
-  }
-  elementary::Log(std::span(lower).first(z.size()), lower);
-  elementary::Log(std::span(upper).first(z.size()), upper);
-  std::array<double, kLanes> lanes{};
-  for (std::size_t i = 0; i < z.size(); ++i) {
-    const double weight = 2.0 * static_cast<double>(first + i) + 1.0;
-    lanes[i % kLanes] += weight * lower[i] + (2.0 * n - weight) * upper[i];
-  }
-  for (const double lane : lanes) sum.Add(lane);
-}
-
 // Distributions of a single value: z = -1 - ln(u(1 - u)) at its least, u = 1/2, and where u is clamped.
 constexpr double kSingleLeast = 0.38629436111989;
 constexpr double kSingleGreatest = 37.816242111357;
@@ -83,15 +45,46 @@ double Interpolate(double n, double z) {
 
 }  // namespace
 
+void AndersonDarlingSum::AddTerm(double term) {
+  const TwoPartSum sum = ExactSum(total_, term);
+  total_ = sum.high;
+  lost_ += sum.low;
+}
+
+// Terms in lanes that the compiler keeps apart.
+void AndersonDarlingSum::Add(std::span<const double> probabilities) {
+  std::array<double, kBlock> lower;
+  std::array<double, kBlock> upper;
+  for (std::size_t begin = 0; begin < probabilities.size(); begin += kBlock) {
+    const auto z = probabilities.subspan(begin, std::min(kBlock, probabilities.size() - begin));
+    for (std::size_t i = 0; i < z.size(); ++i) {
+      lower[i] = std::max(z[i], kLowestProbability);
+      upper[i] = std::max(1.0 - z[i], kLowestProbability);
+    }
+    elementary::Log(std::span(lower).first(z.size()), lower);
+    elementary::Log(std::span(upper).first(z.size()), upper);
+    std::array<double, kLanes> lanes{};
+    for (std::size_t i = 0; i < z.size(); ++i) {
+      const double weight = 2.0 * static_cast<double>(added_ + i) + 1.0;
+      lanes[i % kLanes] += weight * lower[i] + (2.0 * count_ - weight) * upper[i];
+    }
+    for (const double lane : lanes) AddTerm(lane);
+    added_ += z.size();
+  }
+}
+
+// The sum over n, plus n: the two nearly cancel.
+double AndersonDarlingSum::Statistic() const {
+  const double quotient = total_ / count_;
+  const double rest = std::fma(-quotient, count_, total_) + lost_;
+  return -((quotient + count_) + rest / count_);
+}
+
 double andersonDarling(std::span<const double> probabilities) {
   if (probabilities.empty()) throw NumericalException("andersonDarling: n <= 0");
-  const auto n = static_cast<double>(probabilities.size());
-  CompensatedSum sum;
-  for (std::size_t first = 0; first < probabilities.size(); first += kBlock) {
-    const std::size_t size = std::min(kBlock, probabilities.size() - first);
-    AddBlock(probabilities.subspan(first, size), first, n, sum);
-  }
-  return -sum.QuotientPlus(n);
+  AndersonDarlingSum sum(probabilities.size());
+  sum.Add(probabilities);
+  return sum.Statistic();
 }
 
 double AndersonDarlingDistribution(std::int64_t n, double statistic) {

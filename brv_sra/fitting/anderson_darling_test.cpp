@@ -53,6 +53,10 @@ TEST(AndersonDarlingStatistic, LargeSamplesKeepTheirDigits) {
     for (std::size_t i = 0; i < n; ++i)
       z[i] = std::pow((static_cast<double>(i) + 0.5) / static_cast<double>(n), 1.01);
     EXPECT_NEAR(andersonDarling(z), ByDefinition(z), 1e-15 * static_cast<double>(n) + 1e-13) << n;
+    AndersonDarlingSum inParts(n);
+    for (std::size_t i = 0; i < n; i += 1024)
+      inParts.Add(std::span(z).subspan(i, std::min<std::size_t>(1024, n - i)));
+    EXPECT_EQ(inParts.Statistic(), andersonDarling(z)) << n;
   }
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cmath>
 #include <exception>
+#include <mutex>
+#include <optional>
+#include <utility>
 
 #include "brv_sra/fitting/discrete_estimation.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
@@ -295,12 +297,29 @@ DistributionFit RunStep(DistributionCode code, double offset, const Input& input
   return fit;
 }
 
-// The places of `codes` in the order in which they are best begun: those that take longest first.
+// Whose estimate works on a copy of all values.
+bool IsCopying(DistributionCode code) {
+  constexpr std::array kCopying{DistributionCode::kLogNormal,
+                                DistributionCode::kFoldedNormal,
+                                DistributionCode::kHalfNormal,
+                                DistributionCode::kRayleigh,
+                                DistributionCode::kWeibull,
+                                DistributionCode::kGaussianMixture,
+                                DistributionCode::kGeneralExtremeValue,
+                                DistributionCode::kGeneralPareto,
+                                DistributionCode::kJohnson};
+  return std::ranges::find(kCopying, code) != kCopying.end();
+}
+
+// The places of `codes` in the order in which they are best begun: those that take longest first,
+// those that copy the values before those that do not.
 std::vector<std::size_t> LongestFirst(std::span<const DistributionCode> codes) {
   constexpr std::array kLong{DistributionCode::kGaussianMixture, DistributionCode::kGeneralExtremeValue,
                              DistributionCode::kGeneralPareto, DistributionCode::kFoldedNormal,
                              DistributionCode::kJohnson};
-  const auto rank = [&](std::size_t i) { return std::ranges::find(kLong, codes[i]) - kLong.begin(); };
+  const auto rank = [&](std::size_t i) {
+    return std::pair(std::ranges::find(kLong, codes[i]) - kLong.begin(), !IsCopying(codes[i]));
+  };
   std::vector<std::size_t> order(codes.size());
   for (std::size_t i = 0; i < order.size(); ++i) order[i] = i;
   std::ranges::stable_sort(order, {}, rank);
@@ -309,21 +328,36 @@ std::vector<std::size_t> LongestFirst(std::span<const DistributionCode> codes) {
 
 using EstimateOne = std::function<DistributionFit(DistributionCode)>;
 
-// Estimates and tests the given distributions, several at a time. The exception of the first in order that
-// threw is thrown again.
+// Estimates and tests the given distributions, several at a time: of a large sample two, and one of those
+// that copy it. The exception of the first in order that threw is thrown again.
 std::vector<DistributionFit> FitAll(std::span<const DistributionCode> codes, std::span<const double> sorted,
                                     ChiSquareBinning binning, const Poll& poll, const EstimateOne& estimate) {
   constexpr std::size_t kLargeSample = 1'000'000;  // values, of which few copies are to exist at a time
+  const bool isLarge = sorted.size() > kLargeSample;
   std::vector<DistributionFit> fits(codes.size());
   std::vector<std::exception_ptr> failures(codes.size());
   const std::vector<std::size_t> order = LongestFirst(codes);
-  std::atomic<std::size_t> next{0};
-  const auto work = [&](std::size_t /*worker*/) {
-    for (std::size_t place = next++; place < order.size(); place = next++) {
-      const std::size_t i = order[place];
+  std::size_t front = 0;
+  std::size_t back = order.size();
+  std::mutex taking;
+  std::mutex copying;
+  const auto take = [&](bool fromBack) -> std::optional<std::size_t> {
+    const std::lock_guard<std::mutex> lock(taking);
+    if (front == back) return std::nullopt;
+    return order[fromBack ? --back : front++];
+  };
+  const auto estimateAt = [&](std::size_t i) {
+    std::unique_lock<std::mutex> lock(copying, std::defer_lock);
+    if (isLarge && IsCopying(codes[i])) lock.lock();
+    fits[i] = estimate(codes[i]);
+  };
+  const auto work = [&](std::size_t worker) {
+    const bool fromBack = isLarge && worker == 1;
+    while (const auto taken = take(fromBack)) {
+      const std::size_t i = *taken;
       try {
         poll();
-        fits[i] = estimate(codes[i]);
+        estimateAt(i);
         const FloatingPointGuard guard;
         if (fits[i].IsValid()) TestFit(fits[i], sorted, binning);
       } catch (...) {
@@ -331,7 +365,7 @@ std::vector<DistributionFit> FitAll(std::span<const DistributionCode> codes, std
       }
     }
   };
-  ParallelFor(sorted.size() > kLargeSample ? 2 : codes.size(), work);
+  ParallelFor(isLarge ? 2 : codes.size(), work);
   for (const std::exception_ptr& failure : failures) {
     if (failure) std::rethrow_exception(failure);
   }

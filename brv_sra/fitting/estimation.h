@@ -37,7 +37,7 @@ DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& samp
                                  const DiscreteSpecification& specification);
 
 // Estimates and tests the checked distributions, several at a time; the results do not depend on how many.
-// Memory: a copy of the values for each one at work, of which there are two for large samples.
+// Memory: a copy of the values for each one at work; one copy for large samples.
 std::vector<DistributionFit> FitContinuousDistributions(const SortedSample& sample,
                                                         const ContinuousSpecification& specification,
                                                         ChiSquareBinning binning, const Poll& poll);

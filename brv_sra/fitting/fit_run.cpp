@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/fitting/bootstrap.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/fitting/sample_reader.h"
@@ -214,6 +215,7 @@ std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification
     const std::string where = WhyNoneIsValid(results);
     throw NoValidVariables(std::string(ResourceString(kMsgNoValidVariables)), where, std::move(results));
   }
+  BootstrapResults(results, specification, port);
   return results;
 }
 

@@ -34,11 +34,12 @@ class NoValidVariables : public CDispatchException {
 };
 
 // Fits the continuous variables, then the discrete ones, on all processors; the results depend neither on
-// their number nor on the order of the work. Progress and cancellation reach `port` on the calling thread
-// only. Where a number of mixtures was out of its bounds, VariableFit::mixtures holds the number taken, and
-// the caller shows message 10083, once for all variables. `counts`, where given, takes the numbers of cases.
-// Throws CDispatchException with the text to show: data too large (10013), case weights that are not whole
-// (10012); NoValidVariables (pairwise only); NumericalException from the data; UserCancelled.
+// their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and
+// cancellation reach `port` on the calling thread only. Where a number of mixtures was out of its bounds,
+// VariableFit::mixtures holds the number taken, and the caller shows message 10083, once for all variables.
+// `counts`, where given, takes the numbers of cases. Throws CDispatchException with the text to show: data
+// too large (10013), case weights that are not whole (10012); NoValidVariables (pairwise only);
+// NumericalException from the data; UserCancelled.
 std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
                                 const CaseOptions& options, ProgressPort& port, CaseCounts* counts = nullptr);
 

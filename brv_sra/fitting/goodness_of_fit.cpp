@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
@@ -23,31 +22,27 @@ double OffsetOf(const DistributionSpecification& fit) {
   return HasOffset(fit.code) && !IsNotSet(fit.offset) ? fit.offset : 0.0;
 }
 
-// The fitted probabilities of all values, the offset subtracted from these as the Kolmogorov-Smirnov test
-// does. None for an invalid fit.
-std::vector<double> ProbabilitiesOf(const DistributionSpecification& fit, std::span<const double> sorted) {
-  const double offset = OffsetOf(fit);
-  const Law law(fit.code, fit.values, 0.0);
-  if (!law.IsValid() || !std::isfinite(offset)) return {};
-  std::vector<double> z(sorted.begin(), sorted.end());
-  if (offset != 0.0) {
-    for (double& x : z) x -= offset;
-  }
-  law.Cdf(z, z);
-  return z;
-}
-
-// kNotSet where a probability could not be computed.
-double AndersonDarlingStatistic(std::span<const double> z) {
-  const bool isComplete = std::ranges::all_of(z, [](double p) { return p >= 0.0 && p <= 1.0; });
-  return isComplete ? andersonDarling(z) : kNotSet;
-}
-
+// One pass over blocks of values, so that the probabilities of a large sample need no memory. The offset is
+// subtracted from the values, as the Kolmogorov-Smirnov test does.
 void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
-  const std::vector<double> z = ProbabilitiesOf(fit.specification, sorted);
-  if (z.empty()) return;
-  fit.kolmogorovSmirnov.statistic = KolmogorovSmirnovStatistic(z);
-  fit.andersonDarling.statistic = AndersonDarlingStatistic(z);
+  constexpr std::size_t kBlock = 2048;
+  const double offset = OffsetOf(fit.specification);
+  const Law law(fit.specification.code, fit.specification.values, 0.0);
+  if (!law.IsValid() || !std::isfinite(offset)) return;
+  std::array<double, kBlock> buffer;
+  KolmogorovSmirnovDistance distance(sorted.size());
+  AndersonDarlingSum sum(sorted.size());
+  for (std::size_t begin = 0; begin < sorted.size(); begin += kBlock) {
+    const auto x = sorted.subspan(begin, std::min(kBlock, sorted.size() - begin));
+    const std::span<double> z(buffer.data(), x.size());
+    for (std::size_t i = 0; i < x.size(); ++i) z[i] = x[i] - offset;
+    law.Cdf(z, z);
+    for (const double p : z) distance.Feed(p, p);
+    sum.Add(z);
+  }
+  if (!distance.IsComplete()) return;  // a probability could not be computed
+  fit.kolmogorovSmirnov.statistic = distance.Greatest();
+  fit.andersonDarling.statistic = sum.Statistic();
 }
 
 void TestDiscrete(DistributionFit& fit, std::span<const double> sorted) {

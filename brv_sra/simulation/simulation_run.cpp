@@ -75,9 +75,7 @@ std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::sp
     }
     sheet->AddVariable(std::move(column));
   }
-  std::vector<std::string> names(samples);
-  for (std::size_t i = 0; i < samples; ++i) names[i] = std::to_string(i + 1);
-  sheet->SetCaseNames(std::move(names));
+  sheet->NumberCases();
   return sheet;
 }
 

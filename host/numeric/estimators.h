@@ -1,6 +1,8 @@
 // Estimators of distribution parameters from one sample (and one from the moments of a sample). Each returns
 // 0 for success and a non-zero code, also stored in `error`, for failure; on failure the parameter slots hold
 // kNotSet. Nothing depends on the units of the data: scaled or shifted data give the scaled or shifted fit.
+// Where maximum likelihood needs a search, a sample of more than 20,000 values is searched thinned to some
+// thousand evenly placed ones, and the maximum found is solved for on all values.
 // `flag` arguments are reserved and must be 0.
 #pragma once
 
@@ -83,7 +85,8 @@ std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, doub
 // wins. A run has converged when three cycles in a row gain less than 1e-12 in the log-likelihood per value;
 // after 1000 cycles it stands as it is. A run has collapsed, and is dropped, when a component comes to hold
 // fewer than two values or its standard deviation falls below 1e-6 of that of the data (the likelihood is
-// unbounded there); so is a run that ends with two components in one place. kNoMaximum when none is left.
+// unbounded there); so is a run that ends with two components in one place. kNoMaximum when none is left. A
+// component of a few values that thinning a large sample leaves out is sought in its tails only.
 std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
                                 std::int32_t& numberOfComponents, EstimationError& error);
 

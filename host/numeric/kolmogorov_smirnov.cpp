@@ -82,39 +82,11 @@ const TestedLaw* FindLaw(TestCode code) {
   return found == std::end(kTestedLaws) ? nullptr : found;
 }
 
-bool IsProbability(double p) {
-  return p >= 0.0 && p <= 1.0;
-}
-
-// The largest distance so far, fed with F(x) and the limit F(x-) of one value after the other in ascending
-// order. With i values fed, F_n is i/n from this value on and at least (i-1)/n before it. F rises between
-// values, so its distance above F_n is greatest just before a value, its distance below at one; among equal
-// values the first and the last give the two.
-class Distance {
- public:
-  explicit Distance(std::size_t n) : n_(static_cast<double>(n)) {}
-
-  void Feed(double at, double before) {
-    isComplete_ = isComplete_ && IsProbability(at) && IsProbability(before);
-    const double above = before - fed_ / n_;
-    fed_ += 1.0;
-    greatest_ = std::max({greatest_, above, fed_ / n_ - at});
-  }
-  bool IsComplete() const { return isComplete_; }
-  double Greatest() const { return greatest_; }
-
- private:
-  double n_;
-  double fed_ = 0.0;
-  double greatest_ = 0.0;
-  bool isComplete_ = true;
-};
-
 }  // namespace
 
 double KolmogorovSmirnovStatistic(std::span<const double> sortedProbabilities) {
   if (sortedProbabilities.empty()) return kNotSet;
-  Distance distance(sortedProbabilities.size());
+  KolmogorovSmirnovDistance distance(sortedProbabilities.size());
   for (const double z : sortedProbabilities) distance.Feed(z, z);
   return distance.IsComplete() ? distance.Greatest() : kNotSet;
 }
@@ -131,7 +103,7 @@ std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double>
   std::array<double, kPiece> x;
   std::array<double, kPiece> at;
   std::array<double, kPiece> before;
-  Distance distance(sortedData.size());
+  KolmogorovSmirnovDistance distance(sortedData.size());
   for (std::size_t start = 0; start < sortedData.size(); start += kPiece) {
     const std::size_t size = std::min(kPiece, sortedData.size() - start);
     for (std::size_t i = 0; i < size; ++i) x[i] = sortedData[start + i] - offset;

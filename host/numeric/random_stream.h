@@ -6,6 +6,7 @@
 // from two threads at once.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 
@@ -27,12 +28,17 @@ class CRandomizer {
   double GetDouble() { return rnd_(0); }
 };
 
-// Access to any place of a stream, for bulk and parallel use. Pure functions of (seed, position).
+// Access to any place of a stream, for bulk and parallel use. Pure functions of the stream and the position.
 class RandomStream {
  public:
-  explicit RandomStream(std::int32_t seed) : seed_(seed) {}
+  // The stream of a seed, which the process's stream of that seed runs through.
+  explicit RandomStream(std::int32_t seed);
 
-  std::int32_t Seed() const { return seed_; }
+  std::int32_t Seed() const { return static_cast<std::int32_t>(key_[0]); }
+  // A stream that shares nothing with this one, nor with that of another pair of numbers: for work that must
+  // neither depend on what else draws nor repeat it. Its key is a value of the cipher; that two of a million
+  // streams share one has a probability of 3e-8.
+  RandomStream Substream(std::uint64_t first, std::uint64_t second) const;
   // The uniform deviate at a position.
   double Uniform(std::uint64_t position) const;
   // The deviates at position, position + 1, …: bit for bit what one-by-one draws give. Long
@@ -41,7 +47,9 @@ class RandomStream {
   void FillNormal(std::uint64_t position, double sd, std::span<double> out) const;
 
  private:
-  std::int32_t seed_;
+  explicit RandomStream(std::array<std::uint32_t, 2> key) : key_(key) {}
+
+  std::array<std::uint32_t, 2> key_;
 };
 
 // The process's stream as it stands: its seed and the position of its next draw; and its continuation

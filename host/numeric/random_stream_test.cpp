@@ -85,6 +85,26 @@ TEST(RandomStream, SeedingRestartsAndReturnsOrKeepsTheFirstDeviate) {
   EXPECT_EQ(rnd_(0), RandomStream(0).Uniform(0));
 }
 
+// A substream that ran through its parent, or through one of its neighbours, would repeat their draws.
+TEST(RandomStream, SubstreamsShareNoDrawWithEachOtherOrTheirParent) {
+  const RandomStream parent(9);
+  std::vector<double> draws;
+  const auto add = [&draws](const RandomStream& stream) {
+    std::vector<double> some(1001);
+    stream.FillUniform(3, some);
+    for (std::size_t i = 0; i < some.size(); ++i) ASSERT_EQ(some[i], stream.Uniform(3 + i));
+    draws.insert(draws.end(), some.begin(), some.end());
+  };
+  add(parent);
+  add(RandomStream(10).Substream(0, 0));
+  for (const std::uint64_t first : {0ULL, 1ULL, 1ULL << 40U}) {
+    for (const std::uint64_t second : {0ULL, 1ULL, 1ULL << 40U}) add(parent.Substream(first, second));
+  }
+  add(parent.Substream(0, 0).Substream(0, 0));
+  std::ranges::sort(draws);
+  EXPECT_EQ(std::ranges::adjacent_find(draws), draws.end());
+}
+
 TEST(RandomStream, JumpDiscardsTheHeldHalfOfABlock) {
   inirnd_(5, 0);
   rnd_(0);

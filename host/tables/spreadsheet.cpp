@@ -30,16 +30,21 @@ Variable& Spreadsheet::AddVariable(Variable variable) {
 void Spreadsheet::AddCases(std::size_t count) {
   cases_ += count;
   for (Variable& variable : variables_) variable.Resize(cases_, variable.MissingCode());
-  if (HasCaseNames()) caseNames_.resize(cases_);
+  if (!caseNames_.empty()) caseNames_.resize(cases_);
   if (!selection_.accepted.empty()) selection_.accepted.resize(cases_, 1);
 }
 
-std::string_view Spreadsheet::CaseName(std::size_t index) const {
-  return HasCaseNames() ? std::string_view(caseNames_[index]) : std::string_view();
+std::string Spreadsheet::CaseName(std::size_t index) const {
+  if (areCasesNumbered_) return std::to_string(index + 1);
+  return caseNames_.empty() ? std::string() : caseNames_[index];
 }
 
 void Spreadsheet::SetCaseName(std::size_t index, std::string name) {
-  if (!HasCaseNames()) caseNames_.resize(cases_);
+  if (areCasesNumbered_) {
+    for (std::size_t i = 0; i < cases_; ++i) caseNames_.push_back(CaseName(i));
+    areCasesNumbered_ = false;
+  }
+  caseNames_.resize(cases_);
   caseNames_[index] = std::move(name);
 }
 
@@ -48,6 +53,12 @@ void Spreadsheet::SetCaseNames(std::vector<std::string> names) {
     throw Error(std::to_string(names.size()) + " case names for " + std::to_string(cases_) + " cases", name_);
   }
   caseNames_ = std::move(names);
+  areCasesNumbered_ = false;
+}
+
+void Spreadsheet::NumberCases() {
+  caseNames_ = {};
+  areCasesNumbered_ = true;
 }
 
 }  // namespace brenvolt

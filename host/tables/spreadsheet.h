@@ -56,11 +56,14 @@ class Spreadsheet {
   // Appends cases, missing in every variable.
   void AddCases(std::size_t count);
 
-  // Case names. A sheet that never had one set has none; once one is set, the others are empty.
-  bool HasCaseNames() const { return !caseNames_.empty(); }
-  std::string_view CaseName(std::size_t index) const;
+  // Case names. A sheet that never had one set has none; once one is set, the others are empty. Numbered
+  // cases are named "1", "2", … without taking memory, until a name is set.
+  bool HasCaseNames() const { return areCasesNumbered_ || !caseNames_.empty(); }
+  bool AreCasesNumbered() const { return areCasesNumbered_; }
+  std::string CaseName(std::size_t index) const;
   void SetCaseName(std::size_t index, std::string name);
   void SetCaseNames(std::vector<std::string> names);
+  void NumberCases();
 
   // The index of the variable whose values weight the cases, or nothing.
   std::optional<std::size_t> WeightVariable() const { return weightVariable_; }
@@ -79,6 +82,7 @@ class Spreadsheet {
   std::size_t cases_ = 0;
   std::vector<Variable> variables_;
   std::vector<std::string> caseNames_;
+  bool areCasesNumbered_ = false;
   std::optional<std::size_t> weightVariable_;
   CaseSelection selection_;
 };

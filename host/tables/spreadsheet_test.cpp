@@ -112,6 +112,19 @@ TEST(SpreadsheetTest, CaseNamesAreForAllCasesOrNone) {
   EXPECT_FALSE(sheet.HasCaseNames());
 }
 
+TEST(SpreadsheetTest, NumberedCasesKeepTheirNumbersUntilNamed) {
+  Spreadsheet sheet("s", 2);
+  sheet.NumberCases();
+  sheet.AddCases(1);
+  EXPECT_TRUE(sheet.HasCaseNames());
+  EXPECT_EQ(sheet.CaseName(2), "3");
+  sheet.SetCaseName(1, "second");
+  EXPECT_FALSE(sheet.AreCasesNumbered());
+  EXPECT_EQ(sheet.CaseName(0), "1");
+  EXPECT_EQ(sheet.CaseName(1), "second");
+  EXPECT_EQ(sheet.CaseName(2), "3");
+}
+
 TEST(SpreadsheetTest, FindsVariablesByExactName) {
   const Spreadsheet sheet("s", 1, 12);
   EXPECT_EQ(sheet.FindVariable("Var12"), 11U);

@@ -78,6 +78,7 @@ TEST(WorkbookDamageTest, RefusesContentThatContradictsItself) {
       {"UPDATE variable SET missing_code = x'00'", "a text where a number should stand"},
       {"DELETE FROM case_name WHERE position = 3", "a case name is missing"},
       {"DELETE FROM case_name WHERE position = 6", "case names that do not match the number of cases"},
+      {"UPDATE sheet SET cases_numbered = 1 WHERE id = 1", "numbered cases with names"},
       {"INSERT INTO case_name VALUES (1, 7, 'x')", "case names that do not match the number of cases"},
       {"DROP TABLE label", "its table \"label\" is missing or not as it should be"},
       {"ALTER TABLE label ADD COLUMN more", "its table \"label\" is missing or not as it should be"},

@@ -163,7 +163,7 @@ WorkbookContent ContentReader::Read() {
   WorkbookContent content;
   Statement sheets = connection_.Prepare(
       "SELECT id, name, kind, title, header, cases, weight_variable, selection_enabled, selection_condition, "
-      "selection_accepted FROM sheet ORDER BY id");
+      "selection_accepted, cases_numbered FROM sheet ORDER BY id");
   while (Step(sheets)) content.sheets.push_back(ReadSheet(sheets));
   content.columns = std::move(columns_);
   content.header = ReadWorkbookHeader(connection_);
@@ -200,6 +200,10 @@ std::unique_ptr<Spreadsheet> ContentReader::ReadSheet(const Statement& row) {
   if (row.ColumnType(6) != SQLITE_NULL) weight = Integer(row, 6);
   sheet->SetSelection(ReadSelection(row, cases));
   ReadCaseNames(id, *sheet);
+  if (Integer(row, 10) != 0) {
+    if (sheet->HasCaseNames()) Damaged("numbered cases with names");
+    sheet->NumberCases();
+  }
   ReadVariables(id, weight, *sheet);
   return sheet;
 }

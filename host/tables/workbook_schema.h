@@ -39,6 +39,7 @@ inline constexpr std::array kWorkbookTables = {
                     "  title TEXT NOT NULL,\n"
                     "  header TEXT NOT NULL,  -- heading of the case names\n"
                     "  cases INTEGER NOT NULL,\n"
+                    "  cases_numbered INTEGER NOT NULL,  -- 1: the cases are named 1, 2, ...\n"
                     "  weight_variable INTEGER REFERENCES variable(id) ON DELETE SET NULL,\n"
                     "  selection_enabled INTEGER NOT NULL,\n"
                     "  selection_condition TEXT NOT NULL,\n"

@@ -109,6 +109,7 @@ inline void ExpectSameSheet(const Spreadsheet& a, const Spreadsheet& b) {
   EXPECT_EQ(a.Selection().condition, b.Selection().condition);
   EXPECT_EQ(a.Selection().accepted, b.Selection().accepted);
   ASSERT_EQ(a.HasCaseNames(), b.HasCaseNames());
+  EXPECT_EQ(a.AreCasesNumbered(), b.AreCasesNumbered());
   for (std::size_t i = 0; a.HasCaseNames() && i < a.CaseCount(); ++i) EXPECT_EQ(a.CaseName(i), b.CaseName(i));
   ASSERT_EQ(a.VariableCount(), b.VariableCount());
   for (std::size_t i = 0; i < a.VariableCount(); ++i) ExpectSameVariable(a.VariableAt(i), b.VariableAt(i));
@@ -156,6 +157,7 @@ inline Workbook RichWorkbook() {
   matrix->SetKind(SheetKind::kMatrix);
   auto caseless = std::make_unique<Spreadsheet>("Without variables", 12);
   caseless->SetSelection({false, "kept though off", {}});
+  caseless->NumberCases();
 
   Workbook workbook;
   workbook.Add(std::move(data));

@@ -68,7 +68,7 @@ void BindExactly(Statement& statement, int parameter, const double& value) {
 class ContentWriter {
  public:
   explicit ContentWriter(Connection& connection)
-      : sheet_(connection.Prepare("INSERT INTO sheet VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")),
+      : sheet_(connection.Prepare("INSERT INTO sheet VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)")),
         variable_(connection.Prepare("INSERT INTO variable VALUES (?, ?, ?, ?, ?, ?, ?)")),
         chunk_(connection.Prepare("INSERT INTO column_chunk(variable, position, doubles) VALUES (?, ?, ?)")),
         label_(connection.Prepare("INSERT INTO label VALUES (?, ?, ?)")),
@@ -117,16 +117,18 @@ void ContentWriter::WriteSheet(std::int64_t id, const Spreadsheet& sheet,
   sheet_.Bind(1, id).BindText(2, sheet.Name());
   sheet_.BindText(3, sheet.Kind() == SheetKind::kMatrix ? "matrix" : "data");
   sheet_.BindText(4, sheet.Title()).BindText(5, sheet.Header());
-  sheet_.Bind(6, static_cast<std::int64_t>(sheet.CaseCount())).BindNull(7);
-  if (sheet.WeightVariable()) sheet_.Bind(7, columns[*sheet.WeightVariable()].place.variable);
-  sheet_.Bind(8, std::int64_t{selection.enabled}).BindText(9, selection.condition).BindNull(10);
-  if (!selection.accepted.empty()) sheet_.BindBlob(10, std::as_bytes(std::span(selection.accepted)));
+  sheet_.Bind(6, static_cast<std::int64_t>(sheet.CaseCount()))
+      .Bind(7, std::int64_t{sheet.AreCasesNumbered()});
+  sheet_.BindNull(8);
+  if (sheet.WeightVariable()) sheet_.Bind(8, columns[*sheet.WeightVariable()].place.variable);
+  sheet_.Bind(9, std::int64_t{selection.enabled}).BindText(10, selection.condition).BindNull(11);
+  if (!selection.accepted.empty()) sheet_.BindBlob(11, std::as_bytes(std::span(selection.accepted)));
   sheet_.Run();
 
   for (std::size_t i = 0; i < columns.size(); ++i) {
     WriteVariable(id, static_cast<std::int64_t>(i) + 1, sheet.VariableAt(i), columns[i].place);
   }
-  if (!sheet.HasCaseNames()) return;
+  if (!sheet.HasCaseNames() || sheet.AreCasesNumbered()) return;
   for (std::size_t i = 0; i < sheet.CaseCount(); ++i) {
     caseName_.Bind(1, id).Bind(2, static_cast<std::int64_t>(i) + 1).BindText(3, sheet.CaseName(i)).Run();
   }
