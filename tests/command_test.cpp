@@ -104,9 +104,9 @@ TEST_F(Command, OptionsOfFitReachTheFit) {
   };
   EXPECT_EQ(fit({})[0]["n"], 4);
   EXPECT_EQ(fit({})[0]["missing"], 1);
-  EXPECT_EQ(fit({"--continuous", "y", "--missing", "casewise"})[0]["n"], 3);
+  EXPECT_EQ(fit({"--continuous", "y", "--missing", "casewise", "--distributions", "normal"})[0]["n"], 3);
   EXPECT_EQ(fit({"--weights", "w"})[0]["n"], 5);
-  EXPECT_EQ(fit({"--select", "g = 1"})[0]["n"], 3);
+  EXPECT_EQ(fit({"--select", "g = 1", "--distributions", "normal"})[0]["n"], 3);
   const Json shifted = fit({"--distributions", "weibull", "--offset", "x:weibull=0.5"})[0]["fits"];
   ASSERT_EQ(shifted.size(), 1U);
   EXPECT_EQ(shifted[0]["offset"], 0.5);
@@ -335,7 +335,7 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   MustRun(
       {"fit", "p.bvw", "--discrete", "eruptions,waiting", "--distributions", "poisson", "--save", "p.bvw"});
   EXPECT_EQ(order(0), "Normal;") << "a fit that failed does not displace one that did not";
-  WriteBytes(File("faithful.csv"), "eruptions\n1\n2\n4\n");
+  WriteBytes(File("faithful.csv"), "eruptions\n1\n2\n4\n8\n");
   const std::string before = BytesOf(File("p.bvw"));
   const Outcome refused = Run({"fit", "faithful.csv", "--save", "p.bvw"});
   EXPECT_EQ(refused.status, 1);
@@ -418,9 +418,9 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   WriteBytes(File("empty.csv"), "");
   WriteBytes(File("ragged.csv"), "a,b\n1,2\n3\n");
   WriteBytes(File("text.csv"), "a\nx\ny\n");
-  WriteBytes(File("constant.csv"), "a\n3\n3\n3\n");
+  WriteBytes(File("constant.csv"), "a,b\n3,NA\n3,NA\n3,NA\n3,NA\n");
   WriteBytes(File("infinite.csv"), "a\n3\ninf\n4\n");
-  WriteBytes(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n");
+  WriteBytes(File("weights.csv"), "a,w\n3,1\n4,1.5\n5,1\n8,1\n");
   WriteBytes(File("labels.csv"), "a,t\n3,x\n4,y\n5,x\n");
   WriteBytes(File("no_project.bvw"),
              "just text, long enough to look like something, but no project at all\n");
@@ -454,13 +454,26 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "ragged.csv"}, 1, "ragged.csv, line 3, column"},
       {{"fit", "text.csv"}, 1, "no numeric variable"},
       {{"fit", "text.csv", "--continuous", "a"}, 1, "text variables selected"},
-      {{"fit", "constant.csv"}, 1, "No valid variables to proceed with the analysis"},
-      {{"fit", "infinite.csv"}, 1, "variable a holds an infinite value (case 2)"},
+      {{"fit", "constant.csv", "--continuous", "a"},
+       1,
+       "No valid variables to proceed with the analysis (a: all values equal)"},
+      {{"fit", "infinite.csv"}, 1, "variable a holds an infinite value (case 2; leave"},
       {{"fit", "weights.csv", "--weights", "w"}, 1, "Case weights should be integer."},
-      {{"fit", "weights.csv", "--weights", "v"}, 1, "no variable called v"},
-      {{"fit", "weights.csv", "--continuous", "b"}, 1, "no variable called b (sheet weights)"},
+      {{"fit", "weights.csv", "--weights", "v"}, 1, "no variable called 'v'"},
+      {{"fit", "weights.csv", "--continuous", "b"}, 1, "no variable called 'b' (sheet weights)"},
       {{"fit", "weights.csv", "--select", "a > "}, 1, "selection condition, character"},
-      {{"fit", "weights.csv", "--distributions", "gauss"}, 2, "no distribution called gauss"},
+      {{"fit", "weights.csv", "--distributions", "gauss"},
+       2,
+       "no distribution called 'gauss'; there are normal,"},
+      {{"fit", "weights.csv", "--select", "not"}, 1, "the formula is incomplete (selection condition"},
+      {{"fit", "weights.csv", "--select", "a = w = 1"}, 1, "(selection condition, character 7)"},
+      {{"fit", "weights.csv", "--offset", "a:weibull=1", "--offset", "a:Weibull=2"},
+       2,
+       "--offset is given twice for 'a:weibull'"},
+      {{"fit", "weights.csv", "--trials", "a=3", "--trials", "a=4"}, 2, "--trials is given twice for 'a'"},
+      {{"fit", "weights.csv", "--discrete", "a", "--johnson-percentiles"}, 2, "of which none is fitted"},
+      {{"fit", "weights.csv", "--discrete", "a", "--rank-by", "ks"}, 2, "of which none is fitted"},
+      {{"fit", "weights.csv", "--discrete-rank-by", "ks"}, 2, "of which none is fitted"},
       {{"fit", "weights.csv", "--offset", "a=3"}, 2, "--offset"},
       {{"fit", "weights.csv", "--missing", "never"}, 2, "--missing"},
       {{"fit", "weights.csv", "--offset", "a:weibull=-444"}, 2, "-444 stands for no offset"},
@@ -468,21 +481,20 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--offset", "a:weibull=1,5"}, 2, "not a number in --offset"},
       {{"fit", "weights.csv", "--distributions", "normal", "--offset", "a:weibull=1"},
        2,
-       "--offset a:weibull=1 is about the weibull distribution, which --distributions leaves out"},
+       "--offset 'a:weibull=1' is about the weibull distribution, which --distributions leaves out"},
       {{"fit", "weights.csv", "--continuous", "a", "--offset", "w:weibull=1"},
        2,
-       "w is not fitted as a continuous variable"},
-      {{"fit", "weights.csv", "--offset", "b:weibull=1"}, 1, "no variable called b"},
+       "'w' is not fitted as a continuous variable"},
+      {{"fit", "weights.csv", "--offset", "b:weibull=1"}, 1, "no variable called 'b'"},
       {{"fit", "weights.csv", "--distributions", "poisson"}, 2, "none for continuous variables"},
       {{"fit", "weights.csv", "--discrete", "a", "--distributions", "normal"}, 2, "none for discrete"},
-      {{"fit", "weights.csv", "--mixtures", "a"}, 2, "--mixtures wants VARIABLE=COUNT, not a"},
-      {{"fit", "weights.csv", "--mixtures", "a=1"}, 2, "--mixtures wants a whole number from 2 to 20"},
-      {{"fit", "weights.csv", "--mixtures", "a=21"}, 2, "from 2 to 20, not a=21"},
-      {{"fit", "weights.csv", "--mixtures", "a=2.5"}, 2, "from 2 to 20, not a=2.5"},
+      {{"fit", "weights.csv", "--mixtures", "a"}, 2, "--mixtures wants VARIABLE=COUNT, not 'a'"},
+      {{"fit", "weights.csv", "--mixtures", "a=0"}, 2, "--mixtures wants a whole number from 1 to"},
+      {{"fit", "weights.csv", "--mixtures", "a=2.5"}, 2, "not 'a=2.5'"},
       {{"fit", "weights.csv", "--distributions", "normal", "--mixtures", "a=3"}, 2, "leaves out"},
       {{"fit", "weights.csv", "--discrete", "a", "--mixtures", "a=3"}, 2, "not fitted as a continuous"},
-      {{"fit", "weights.csv", "--trials", "a=4"}, 2, "a is not fitted as a discrete variable"},
-      {{"fit", "weights.csv", "--discrete", "a", "--trials", "a=0"}, 2, "from 1 to 2147483647, not a=0"},
+      {{"fit", "weights.csv", "--trials", "a=4"}, 2, "'a' is not fitted as a discrete variable"},
+      {{"fit", "weights.csv", "--discrete", "a", "--trials", "a=0"}, 2, "from 1 to 2147483647, not 'a=0'"},
       {{"fit", "weights.csv", "--discrete", "a", "--trials", "a=9", "--distributions", "poisson"},
        2,
        "leaves out"},
@@ -522,7 +534,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"show", "empty.bvw"}, 1, "empty.bvw"},
       {{"show", "cut.bvw"}, 1, "cut.bvw"},
       {{"show", "newer.bvw"}, 1, "newer"},
-      {{"simulate", "good.bvw", "--variables", "x"}, 1, "no variable called x"},
+      {{"simulate", "good.bvw", "--variables", "x"}, 1, "no variable called 'x'"},
       {{"simulate", "good.bvw", "--samples", "0"}, 1, "Invalid number of samples."},
       {{"simulate", "good.bvw", "--samples", "999999999"}, 1, "Insufficient memory exists"},
       {{"simulate", "good.bvw", "--seed", "-1"}, 1, "Invalid random seed value."},
@@ -542,7 +554,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--save", "no/such/folder/p.bvw"}, 1, "no/such/folder/p.bvw"},
       {{"fit", "weights.csv", "--save", "/dev/full"}, 2, "--save wants a file ending in .bvw"},
       {{"fit", "weights.csv", "--save", "/proc/p.bvw"}, 1, "/proc/p.bvw"},
-      {{"fit", "weights.csv", "--continuous", "a,a"}, 2, "variable a is named twice"},
+      {{"fit", "weights.csv", "--continuous", "a,a"}, 2, "variable 'a' is named twice"},
       {{"fit", "weights.csv", "--continuous", "a", "--discrete", "a"}, 2, "as continuous and as discrete"},
       {{"fit", "labels.csv", "--continuous", "a", "--weights", "t"}, 1, "Case weights should be integer."},
       {{"fit", "good.bvw", "--format", "xml"}, 2, "--format"},
@@ -600,10 +612,34 @@ TEST_F(Command, ModuleAttachesAndDetachesInOrder) {
             "extension module terminated\n");
 }
 
+TEST_F(Command, ListsLeaveTheDataFileAlone) {
+  std::string data = "x,n\n";
+  for (int i = 0; i < 10; ++i)
+    data += std::to_string(10 + (i * 37) % 61) + "," + std::to_string(i % 4) + "\n";
+  WriteBytes(File("d.csv"), data);
+  const auto fits = [&](const std::vector<std::string>& arguments) {
+    std::string names;
+    const Json report = Json::parse(MustRun(arguments).out);
+    for (const Json& variable : report["variables"]) {
+      names += variable["name"].get<std::string>() + ":" + std::to_string(variable["fits"].size()) + " ";
+    }
+    return names;
+  };
+  EXPECT_EQ(fits({"fit", "--format", "json", "--discrete", "n", "--continuous", "x", "d.csv"}), "x:11 n:5 ");
+  EXPECT_EQ(fits({"fit", "--continuous", "x,n", "--format", "json", "--distributions",
+                  "Log Normal,log-normal,GEV,gpd,Generalized Pareto", "d.csv"}),
+            "x:3 n:3 ");
+  const Outcome reverted = Run({"fit", "--continuous", "x", "--mixtures", "x=9", "d.csv"});
+  EXPECT_NE(reverted.err.find("Mixture value reverted to the highest default value. (x: 5)"),
+            std::string::npos)
+      << reverted.err;
+}
+
 TEST_F(Command, EveryVerbHasHelpWithAnExample) {
   for (const std::string verb : {"fit", "simulate", "show", "import", "export"}) {
     const Outcome help = MustRun({verb, "--help"});
     EXPECT_NE(help.out.find("Example:\n  brenvolt " + verb), std::string::npos) << help.out;
+    EXPECT_NE(help.out.find("Exit status: 0 done; 1 the job failed"), std::string::npos) << help.out;
   }
 }
 

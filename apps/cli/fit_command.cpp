@@ -1,6 +1,7 @@
 // brenvolt fit: distributions fitted to the variables of a data file, tested, ranked and saved.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
@@ -29,6 +30,8 @@ struct FitOptions {
   std::vector<std::string> distributions;
   std::string rankBy = "ks";
   std::string discreteRankBy = "ks";
+  bool rankByGiven = false;
+  bool discreteRankByGiven = false;
   std::string binning = "equal-probability";
   std::vector<std::string> offsets;
   std::vector<std::string> mixtures;
@@ -82,8 +85,7 @@ const Choices kDiscreteCriteria{{"ks", "DiscreteKolmogorovSmirovTest"},
 const Choices kBinnings{{"equal-probability", "EqualProbability"}, {"equal-interval", "EqualInterval"}};
 const Choices kDeletions{{"pairwise", "IsPairwise"}, {"casewise", "IsCasewise"}};
 
-constexpr std::int32_t kFewestMixtures = 2;
-constexpr std::int32_t kMostMixtures = 20;
+constexpr std::int32_t kMostCount = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMostBootstrapSamples = 1'000'000;
 
 std::string AllNames() {
@@ -92,10 +94,29 @@ std::string AllNames() {
   return names;
 }
 
+std::string Quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
+// Other names that people use.
+const std::map<std::string_view, std::string_view> kOtherNames{
+    {"gev", "generalextremevalue"},
+    {"generalizedextremevalue", "generalextremevalue"},
+    {"gpd", "generalpareto"},
+    {"generalizedpareto", "generalpareto"},
+};
+
+// In any case, with blanks or hyphens between its words, "Log-Normal".
 const FittedType& TypeNamed(std::string_view name) {
-  const auto found = std::ranges::find(kTypes, name, &FittedType::name);
+  std::string plain;
+  for (const char c : name) {
+    if (c != ' ' && c != '-') plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  const auto other = kOtherNames.find(plain);
+  const auto found =
+      std::ranges::find(kTypes, other != kOtherNames.end() ? other->second : plain, &FittedType::name);
   if (found != kTypes.end()) return *found;
-  throw WrongCall("no distribution called " + std::string(name) + "; there are " + AllNames());
+  throw WrongCall("no distribution called " + Quoted(name) + "; there are " + AllNames());
 }
 
 bool IsChosen(const FitOptions& options, std::string_view name) {
@@ -120,13 +141,14 @@ struct OffsetChoice {
 OffsetChoice ParseOffset(const std::string& text) {
   const auto equals = text.rfind('=');
   const auto colon = equals == std::string::npos ? equals : text.rfind(':', equals);
-  if (colon == std::string::npos) throw WrongCall("--offset wants VARIABLE:DISTRIBUTION=NUMBER, not " + text);
+  if (colon == std::string::npos)
+    throw WrongCall("--offset wants VARIABLE:DISTRIBUTION=NUMBER, not " + Quoted(text));
   const FittedType& type = TypeNamed(text.substr(colon + 1, equals - colon - 1));
   if (type.offset.empty()) throw WrongCall("the " + std::string(type.name) + " distribution has no offset");
   const auto value = ParseNumber(text.substr(equals + 1));
-  if (!value) throw WrongCall("not a number in --offset " + text);
+  if (!value) throw WrongCall("not a number in --offset " + Quoted(text));
   if (IsNotSet(*value))
-    throw WrongCall("-444 stands for no offset and cannot be one (--offset " + text + ")");
+    throw WrongCall("-444 stands for no offset and cannot be one (--offset " + Quoted(text) + ")");
   return {text.substr(0, colon), &type, *value};
 }
 
@@ -135,24 +157,24 @@ struct CountChoice {
   std::int32_t value;
 };
 
-// "V=COUNT" with a whole number in a range; the variable's name may itself hold equals signs.
-CountChoice ParseCount(const std::string& option, const std::string& text, std::int32_t least,
-                       std::int32_t most) {
+// "V=COUNT" with a whole number of at least 1; the variable's name may itself hold equals signs.
+CountChoice ParseCount(const std::string& option, const std::string& text) {
   const auto equals = text.rfind('=');
-  if (equals == std::string::npos) throw WrongCall(option + " wants VARIABLE=COUNT, not " + text);
+  if (equals == std::string::npos) throw WrongCall(option + " wants VARIABLE=COUNT, not " + Quoted(text));
   const auto value = ParseInteger(text.substr(equals + 1));
-  if (!value || *value < least || *value > most) {
-    throw WrongCall(option + " wants a whole number from " + std::to_string(least) + " to " +
-                    std::to_string(most) + ", not " + text);
+  if (!value || *value < 1) {
+    throw WrongCall(option + " wants a whole number from 1 to " + std::to_string(kMostCount) + ", not " +
+                    Quoted(text));
   }
   return {text.substr(0, equals), *value};
 }
 
+// How many components a variable's cases allow is the fit's business; it says which number it took instead.
 CountChoice ParseMixtures(const std::string& text) {
-  return ParseCount("--mixtures", text, kFewestMixtures, kMostMixtures);
+  return ParseCount("--mixtures", text);
 }
 CountChoice ParseTrials(const std::string& text) {
-  return ParseCount("--trials", text, 1, std::numeric_limits<std::int32_t>::max());
+  return ParseCount("--trials", text);
 }
 
 struct TruncationChoice {
@@ -253,11 +275,23 @@ void RequireTypes(const FitOptions& options, const Lists& lists) {
   }
 }
 
+// An option about a kind of variables of which there are none would do nothing.
+void RequireLists(const FitOptions& options, const Lists& lists) {
+  const auto require = [](bool given, const std::vector<std::int16_t>& list, const char* option,
+                          const char* kind) {
+    if (!given || !list.empty()) return;
+    throw WrongCall(std::string(option) + " is about " + kind + " variables, of which none is fitted");
+  };
+  require(options.johnsonPercentiles, lists.continuous, "--johnson-percentiles", "continuous");
+  require(options.rankByGiven, lists.continuous, "--rank-by", "continuous");
+  require(options.discreteRankByGiven, lists.discrete, "--discrete-rank-by", "discrete");
+}
+
 // The place of a variable in its list, from 1.
 std::int32_t PlaceOf(const std::string& variable, const std::vector<std::int16_t>& list, const char* kind,
                      const Spreadsheet& sheet) {
   const auto place = std::ranges::find(list, NumbersOf(sheet, {variable}).front());
-  if (place == list.end()) throw WrongCall(variable + " is not fitted as a " + kind + " variable");
+  if (place == list.end()) throw WrongCall(Quoted(variable) + " is not fitted as a " + kind + " variable");
   return static_cast<std::int32_t>(place - list.begin() + 1);
 }
 
@@ -372,11 +406,33 @@ void ApplyCaseOptions(const FitOptions& options, Spreadsheet& sheet) {
   if (options.selection && !options.selection->empty()) ApplySelection(sheet, *options.selection);
 }
 
+// Of two numbers for the same thing one would be ignored. `things` are texts of `option` without the number.
+void RequireOnce(std::vector<std::string> things, const std::string& option) {
+  std::ranges::sort(things);
+  const auto twice = std::ranges::adjacent_find(things);
+  if (twice != things.end()) throw WrongCall(option + " is given twice for " + Quoted(*twice));
+}
+
+void RequireEachNumberOnce(const FitOptions& options) {
+  std::vector<std::string> offsets;
+  std::vector<std::string> mixtures;
+  std::vector<std::string> trials;
+  for (const std::string& text : options.offsets) {
+    const OffsetChoice choice = ParseOffset(text);
+    offsets.push_back(choice.variable + ":" + std::string(choice.type->name));
+  }
+  for (const std::string& text : options.mixtures) mixtures.push_back(ParseMixtures(text).variable);
+  for (const std::string& text : options.trials) trials.push_back(ParseTrials(text).variable);
+  RequireOnce(std::move(offsets), "--offset");
+  RequireOnce(std::move(mixtures), "--mixtures");
+  RequireOnce(std::move(trials), "--trials");
+}
+
 // What can be seen to be wrong before any data are read.
 void CheckCall(const FitOptions& options) {
-  for (const std::string& name : options.distributions) TypeNamed(name);
+  RequireEachNumberOnce(options);
   for (const std::string& text : options.offsets) {
-    RequireChosen(options, ParseOffset(text).type->name, "--offset " + text);
+    RequireChosen(options, ParseOffset(text).type->name, "--offset " + Quoted(text));
   }
   for (const std::string& text : options.mixtures) {
     ParseMixtures(text);
@@ -407,6 +463,7 @@ void Fit(const FitOptions& options) {
   ApplyCaseOptions(options, sheet);
   const Lists lists = ChooseVariables(options, sheet);
   RequireTypes(options, lists);
+  RequireLists(options, lists);
   Session session(sheet, Task::kFit);
   Specify(session, options, lists, sheet);
   session.Ok();
@@ -420,6 +477,26 @@ void Fit(const FitOptions& options) {
   if (!options.project.empty() && options.format == ReportFormat::kTable) {
     std::printf("\nFits saved in %s\n", options.project.c_str());
   }
+}
+
+// What the command line says besides the values themselves.
+void Complete(FitOptions& options, const CLI::App& command) {
+  for (std::string& name : options.distributions) name = TypeNamed(name).name;
+  options.rankByGiven = command.count("--rank-by") > 0;
+  options.discreteRankByGiven = command.count("--discrete-rank-by") > 0;
+}
+
+// One argument for each occurrence: the option must not swallow the name of the data file. Names stand
+// between commas.
+void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
+             const std::string& type, const std::string& help) {
+  command.add_option(name, list, help)->delimiter(',')->allow_extra_args(false)->type_name(type);
+}
+
+// No commas: a name of a variable may hold one.
+CLI::Option* AddNumbers(CLI::App& command, const std::string& name, std::vector<std::string>& numbers,
+                        const std::string& type, const std::string& help) {
+  return command.add_option(name, numbers, help)->allow_extra_args(false)->type_name(type);
 }
 
 // A choice by name; the help lists the names and says the default.
@@ -437,14 +514,9 @@ void AddChoice(CLI::App& command, const std::string& name, std::string& value, c
 }
 
 void AddVariableOptions(CLI::App& command, FitOptions& options) {
-  command
-      .add_option("--continuous", options.continuous,
-                  "Variables to fit as continuous; without this and --discrete, every numeric variable is")
-      ->delimiter(',')
-      ->type_name("V,V");
-  command.add_option("--discrete", options.discrete, "Variables to fit as discrete")
-      ->delimiter(',')
-      ->type_name("V,V");
+  AddList(command, "--continuous", options.continuous, "V,V",
+          "Variables to fit as continuous; without this and --discrete, every numeric variable is");
+  AddList(command, "--discrete", options.discrete, "V,V", "Variables to fit as discrete");
   AddChoice(command, "--missing", options.missing, kDeletions,
             "Leave out a missing value alone, or its case for all variables");
   command
@@ -458,25 +530,16 @@ void AddVariableOptions(CLI::App& command, FitOptions& options) {
 }
 
 void AddDistributionOptions(CLI::App& command, FitOptions& options) {
-  command
-      .add_option("--distributions", options.distributions,
-                  "Distributions to try; default all that apply to a variable: " + AllNames())
-      ->delimiter(',')
-      ->type_name("NAME,NAME");
-  command
-      .add_option("--offset", options.offsets,
-                  "Where a distribution of a variable starts; default 0. One that is not below all "
-                  "values makes that fit fail")
-      ->type_name("V:DISTRIBUTION=NUMBER");
-  command
-      .add_option(
-          "--mixtures", options.mixtures,
-          "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2")
-      ->type_name("V=COUNT");
-  command
-      .add_option("--trials", options.trials,
-                  "Trials of a variable's binomial distribution; estimated where not given")
-      ->type_name("V=COUNT");
+  AddList(command, "--distributions", options.distributions, "NAME,NAME",
+          "Distributions to try; default all that apply to a variable: " + AllNames());
+  AddNumbers(
+      command, "--offset", options.offsets, "V:DISTRIBUTION=NUMBER",
+      "Where a distribution of a variable starts; default 0. One that is not below all values makes that "
+      "fit fail");
+  AddNumbers(command, "--mixtures", options.mixtures, "V=COUNT",
+             "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2");
+  AddNumbers(command, "--trials", options.trials, "V=COUNT",
+             "Trials of a variable's binomial distribution; estimated where not given");
   command.add_flag("--johnson-percentiles", options.johnsonPercentiles,
                    "Fit the Johnson distribution from percentiles instead of moments");
 }
@@ -505,16 +568,12 @@ void AddSaveOptions(CLI::App& command, FitOptions& options) {
                                       "Project that takes the data with the fits as properties, and their "
                                       "correlation matrix")
                           ->type_name("PROJECT.bvw");
-  command
-      .add_option("--truncate", options.truncations,
-                  "Bounds within which a variable is simulated, saved with its fits; either may be left out")
-      ->needs(save)
-      ->type_name("V=LOW:HIGH");
-  command
-      .add_option("--order", options.orders,
-                  "The fits of a variable to save, best first; default: all valid ones by rank")
-      ->needs(save)
-      ->type_name("V=NAME,NAME");
+  AddNumbers(command, "--truncate", options.truncations, "V=LOW:HIGH",
+             "Bounds within which a variable is simulated, saved with its fits; either may be left out")
+      ->needs(save);
+  AddNumbers(command, "--order", options.orders, "V=NAME,NAME",
+             "The fits of a variable to save, best first; default: all valid ones by rank")
+      ->needs(save);
 }
 
 }  // namespace
@@ -543,7 +602,10 @@ void AddFitCommand(CLI::App& program) {
       "  brenvolt fit examples/faithful.csv --distributions weibull,gaussianmixture --offset "
       "eruptions:weibull=1 \\\n"
       "      --mixtures waiting=3 --rank-by anderson-darling");
-  command->callback([options] { Fit(*options); });
+  command->callback([options, command] {
+    Complete(*options, *command);
+    Fit(*options);
+  });
 }
 
 }  // namespace brenvolt::cli

@@ -13,6 +13,8 @@ namespace {
 constexpr int kJobFailed = 1;
 constexpr int kWrongCall = 2;
 constexpr int kInterrupted = 130;
+const std::string kExitStatuses =
+    "\n\nExit status: 0 done; 1 the job failed; 2 the call was wrong, and nothing was done; 130 interrupted.";
 
 void Complain(const std::string& what, const std::string& where = {}) {
   const std::string place = where.empty() ? std::string() : " (" + where + ")";
@@ -35,12 +37,13 @@ int Run(int argc, char** argv) {
   program.name(brenvolt::cli::kProgram);
   program.set_version_flag("--version", BRENVOLT_VERSION);
   program.require_subcommand(1);
-  program.footer("brenvolt VERB --help tells more, with an example.");
+  program.footer("brenvolt VERB --help tells more, with an example." + kExitStatuses);
   brenvolt::cli::AddFitCommand(program);
   brenvolt::cli::AddSimulateCommand(program);
   brenvolt::cli::AddShowCommand(program);
   brenvolt::cli::AddImportCommand(program);
   brenvolt::cli::AddExportCommand(program);
+  for (CLI::App* verb : program.get_subcommands({})) verb->footer(verb->get_footer() + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);
   try {
     program.parse(argc, argv);

@@ -33,10 +33,10 @@ std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<
   std::vector<std::int16_t> numbers;
   for (const std::string& name : names) {
     const auto index = sheet.FindVariable(name);
-    if (!index) throw Error("no variable called " + name, "sheet " + sheet.Name());
+    if (!index) throw Error("no variable called '" + name + "'", "sheet " + sheet.Name());
     numbers.push_back(VariableNumberOf(*index));
     if (std::ranges::count(numbers, numbers.back()) > 1)
-      throw WrongCall("variable " + name + " is named twice");
+      throw WrongCall("variable '" + name + "' is named twice");
   }
   return numbers;
 }

@@ -184,6 +184,7 @@ void AddSimulateCommand(CLI::App& program) {
       ->add_option("--variables", options->variables,
                    "Variables to simulate; default: all with distributions")
       ->delimiter(',')
+      ->allow_extra_args(false)
       ->type_name("V,V");
   command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
       ->check(CLI::IsMember(kMethods).description(""))

@@ -8,8 +8,6 @@
 #include <string_view>
 #include <vector>
 
-#include "brv_sra/distributions/catalogue.h"
-
 namespace brenvolt::sra {
 namespace {
 
@@ -125,9 +123,19 @@ std::string FunctionPart(const DistributionSpecification& specification, CurveKi
     const std::string sum = FillGroups(form.plain, arguments, row.groupSize);
     return afterFactor ? "*(" + sum + ")" : sum;
   }
-  const double offset = IsNotSet(specification.offset) ? 0.0 : specification.offset;
-  const bool plain = form.shifted.empty() || AlmostEqual(offset, 0);
-  return Fill(plain ? form.plain : form.shifted, arguments, offset);
+  const bool none = IsNotSet(specification.offset) || AlmostEqual(specification.offset, 0);
+  const bool plain = form.shifted.empty() || none;
+  return Fill(plain ? form.plain : form.shifted, arguments, none ? 0.0 : specification.offset);
+}
+
+// False for a number that is no code at all, too.
+bool IsContinuousCode(DistributionCode code) {
+  const auto number = static_cast<std::int32_t>(code);
+  return number >= 0 && number < kContinuousCount;
+}
+bool IsDiscreteCode(DistributionCode code) {
+  const auto number = static_cast<std::int32_t>(code);
+  return number >= kContinuousCount && number < kDistributionCount;
 }
 
 std::string FactorText(CurveFactor factor) {
@@ -143,7 +151,7 @@ CurveFactor EffectiveFactor(CurveFactor asked, CurveFactor own) {
 std::string ContinuousCurveFormula(const DistributionSpecification& specification, CurveKind kind,
                                    CurveFactor factor) {
   const std::string text = FactorText(factor);
-  return IsContinuous(specification.code) ? text + FunctionPart(specification, kind, true) : text;
+  return IsContinuousCode(specification.code) ? text + FunctionPart(specification, kind, true) : text;
 }
 
 std::string DiscreteCurveFormula(const DistributionSpecification& specification, CurveKind kind,
@@ -155,7 +163,7 @@ std::string DiscreteCurveFormula(const DistributionSpecification& specification,
     text = "*" + FactorText(factor);
   }
   const bool afterFactor = !text.empty();
-  return IsContinuous(specification.code) ? text : text + FunctionPart(specification, kind, afterFactor);
+  return IsDiscreteCode(specification.code) ? text + FunctionPart(specification, kind, afterFactor) : text;
 }
 
 std::string DecimalText(double x) {

@@ -26,6 +26,11 @@ namespace {
 // is then good to rounding.
 constexpr double kWeibullTolerance = 1e-9;
 
+// The bounds of a number of mixture components.
+constexpr std::int32_t kFewestMixtures = 2;
+constexpr std::int64_t kMostMixtures = 20;
+constexpr std::int64_t kCasesPerMixture = 2;
+
 using Values = std::vector<double>;
 
 // What an estimator may look at. The specification of the other kind is null.
@@ -152,7 +157,8 @@ Estimate EstimateJohnson(const Input& input) {
   if (input.continuous->fit[kPercentileFitFlag]) {
     constexpr double kChosenByTheFit = -1;
     if (FitJohnsonFromPercentiles(input.sorted, p, kChosenByTheFit, 1, error) != 0)
-      throw NumericalException("the Johnson distribution cannot be fitted from percentiles");
+      throw NumericalException("the Johnson distribution cannot be fitted from percentiles",
+                               "fit it from moments or leave it out");
   } else if (IsNotSet(m.kurtosis) ||
              FitJohnsonFromMoments(m.mean, m.standardDeviation, m.skewness, m.kurtosis, p, error) != 0) {
     return {};
@@ -268,8 +274,8 @@ bool AllFinite(const Values& values) {
 }
 
 bool IsUsable(const Estimate& estimate) {
-  return !estimate.values.empty() && AllFinite(estimate.values) && AllFinite(estimate.standardErrors) &&
-         AllFinite(estimate.covariance);
+  return !estimate.values.empty() && !IsNotSet(estimate.values.front()) && AllFinite(estimate.values) &&
+         AllFinite(estimate.standardErrors) && AllFinite(estimate.covariance);
 }
 
 DistributionFit RunStep(DistributionCode code, double offset, const Input& input) {
@@ -410,11 +416,17 @@ std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample
                 [&](DistributionCode code) { return EstimateDiscrete(code, sample, specification); });
 }
 
+bool MixturesAreAllowed(std::int32_t asked, std::int64_t validCases) {
+  return asked >= kFewestMixtures && asked <= std::min(validCases / kCasesPerMixture, kMostMixtures);
+}
+
+std::int32_t HighestMixtures(std::int64_t validCases) {
+  const auto most = static_cast<std::int32_t>(std::min(validCases / kCasesPerMixture, kMostMixtures));
+  return std::max(most, kFewestMixtures);
+}
+
 std::int32_t AllowedMixtures(std::int32_t asked, std::int64_t validCases) {
-  constexpr std::int64_t kMost = 20;
-  constexpr std::int32_t kLeast = 2;
-  const auto most = static_cast<std::int32_t>(std::min(validCases / 2, kMost));
-  return std::max(std::min(asked, most), kLeast);
+  return std::clamp(asked, kFewestMixtures, HighestMixtures(validCases));
 }
 
 }  // namespace brenvolt::sra

@@ -1,7 +1,8 @@
 // Estimation of the checked distributions of one variable in their fixed order, each followed by its tests.
 //
 // An estimate that fails makes only its own distribution invalid: the first value, the log-likelihood and
-// every test are then kNotSet. So does a value or standard error that is not finite. Each estimate runs under
+// every test are then kNotSet. So does a value or standard error that is not finite, and a first value that
+// happens to be kNotSet, which no reader could tell from a failure. Each estimate runs under
 // a FloatingPointGuard. All functions may be called from several threads at once.
 #pragma once
 
@@ -44,8 +45,11 @@ std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample
                                                       const DiscreteSpecification& specification,
                                                       ChiSquareBinning binning, const Poll& poll);
 
-// The number of mixture components that is fitted where `asked` were asked for: at most 20 and half the valid
-// cases, at least 2.
+// The bounds of a number of mixture components: half the valid cases, but at most 20, and at least 2. Where
+// both cannot be met, 2 stand.
+bool MixturesAreAllowed(std::int32_t asked, std::int64_t validCases);
+std::int32_t HighestMixtures(std::int64_t validCases);
+// The number that is fitted where `asked` were asked for.
 std::int32_t AllowedMixtures(std::int32_t asked, std::int64_t validCases);
 
 }  // namespace brenvolt::sra

@@ -225,7 +225,23 @@ TEST(Estimation, JohnsonByPercentilesRaisesWhereItFails) {
   EXPECT_FALSE(Fit(Code::kJohnson, Data({1, 2, 4})).IsValid()) << "three values have no kurtosis";
 }
 
+// A mean of exactly kNotSet would read as a failure with a log-likelihood beside it.
+TEST(Estimation, FirstValueThatMeansNotSetIsAFailureThroughout) {
+  const DistributionFit fit = Fit(Code::kNormal, Data({-446, -444, -442}));
+  EXPECT_FALSE(fit.IsValid());
+  EXPECT_TRUE(IsNotSet(fit.logLikelihood));
+  EXPECT_TRUE(fit.standardErrors.empty());
+  EXPECT_EQ(fit.specification.values.size(), 1U);
+  EXPECT_TRUE(Fit(Code::kNormal, Data({-446, -444, -442.5})).IsValid());
+}
+
 TEST(Estimation, MixturesStayWithinTheirBounds) {
+  EXPECT_TRUE(MixturesAreAllowed(2, 4));
+  EXPECT_FALSE(MixturesAreAllowed(2, 3));
+  EXPECT_FALSE(MixturesAreAllowed(1, 50));
+  EXPECT_TRUE(MixturesAreAllowed(20, 40));
+  EXPECT_FALSE(MixturesAreAllowed(20, 39));
+  EXPECT_FALSE(MixturesAreAllowed(21, 1000));
   EXPECT_EQ(AllowedMixtures(30, 50), 20);
   EXPECT_EQ(AllowedMixtures(30, 21), 10);
   EXPECT_EQ(AllowedMixtures(3, 50), 3);

@@ -180,7 +180,6 @@ TEST_F(FitDialog, AutomationSaysWhatItRefusesAndChangesNothing) {
        "One or more text variables selected. To proceed, please remove these "
        "variable(s): Var5."},
       {"IsNormalDistribution", {2}, false, kOffsetsText},
-      {"ContinuousVariable", {}, 3, kOffsetsText},
   };
   const std::string before = Automation().Get("Variables").ToText();
   for (const Row& row : rows) {

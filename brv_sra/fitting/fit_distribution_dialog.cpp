@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
 #include <new>
 #include <span>
+#include <utility>
 
+#include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/fit_options_dialog.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/fit_variable_inputs_dialog.h"
@@ -13,17 +16,11 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
-#include "host/base/number_text.h"
 
 namespace brenvolt::sra {
 namespace {
 
 using namespace fit_dialog;
-
-// A number of mixtures is at least 2 and at most 20, of which each needs two valid cases.
-constexpr std::int32_t kFewestMixtures = 2;
-constexpr std::int64_t kMostMixtures = 20;
-constexpr std::int64_t kCasesPerMixture = 2;
 
 // Null for no variable, and for one that is no longer there.
 template <class Specification>
@@ -138,7 +135,7 @@ bool CFitDistribution::OpenData() {
 }
 
 bool CFitDistribution::AskForVariables() {
-  if (GetInputTable() == nullptr || !StoreShownContinuous() || !StoreShownDiscrete()) return false;
+  if (GetInputTable() == nullptr) return false;
   try {
     VariableQuestion question;
     question.caption = szLoadResString(kFitSelectVariables);
@@ -191,27 +188,30 @@ std::string CFitDistribution::TextVariablesMessage(const std::vector<std::int16_
   return szLoadResString(kMsgTextVariablesSelected) + FormatResource(kFitListSentenceEnd, names);
 }
 
+// The lists change together with their specifications, or not at all. The shown variable of a list that did
+// not change keeps what stands in its controls.
 void CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
                                  const std::vector<std::int16_t>& discrete) {
   FitSpecification& specification = Specification();
-  if (continuous != specification.continuous) {
-    specification.continuous = continuous;
-    specification.continuousSpecifications.assign(continuous.size(), NewContinuousSpecification());
+  const bool continuousChanged = continuous != specification.continuous;
+  const bool discreteChanged = discrete != specification.discrete;
+  FitSpecification taken = specification;
+  if (continuousChanged) {
+    taken.continuous = continuous;
+    taken.continuousSpecifications.assign(continuous.size(), NewContinuousSpecification());
   }
-  if (discrete != specification.discrete) {
-    specification.discrete = discrete;
-    specification.discreteSpecifications.assign(discrete.size(), NewDiscreteSpecification());
+  if (discreteChanged) {
+    taken.discrete = discrete;
+    taken.discreteSpecifications.assign(discrete.size(), NewDiscreteSpecification());
   }
-  RefreshLists();
+  std::swap(specification, taken);
+  ListVariables();
+  if (continuousChanged) ShowContinuous(FirstOf(continuous));
+  if (discreteChanged) ShowDiscrete(FirstOf(discrete));
 }
 
-// A variable's name on one line, without blanks around it.
 std::string CFitDistribution::NameOf(int variable) const {
-  constexpr char kLastControlCharacter = 0x1F;
-  std::string name = Analysis().get_vn(variable);
-  std::ranges::replace_if(
-      name, [](char c) { return c >= 0 && c <= kLastControlCharacter; }, ' ');
-  return std::string(Trim(name));
+  return OneLineName(*GetInputTable(), variable);
 }
 
 std::vector<std::string> CFitDistribution::NamesOf(const std::vector<std::int16_t>& variables) const {
@@ -221,7 +221,7 @@ std::vector<std::string> CFitDistribution::NamesOf(const std::vector<std::int16_
   return names;
 }
 
-void CFitDistribution::RefreshLists() {
+void CFitDistribution::ListVariables() {
   const FitSpecification& specification = Specification();
   const auto shown = [this](const std::vector<std::int16_t>& list) {
     return list.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(list);
@@ -230,8 +230,16 @@ void CFitDistribution::RefreshLists() {
   Controls().SetText(kDiscreteList, shown(specification.discrete));
   Controls().SetItems(kContinuousVariable, NamesOf(specification.continuous));
   Controls().SetItems(kDiscreteVariable, NamesOf(specification.discrete));
-  ShowContinuous(FirstOf(specification.continuous));
-  ShowDiscrete(FirstOf(specification.discrete));
+  if (IsPlaceIn(specification.continuous, shownContinuous_)) {
+    Controls().Select(kContinuousVariable, shownContinuous_);
+  }
+  if (IsPlaceIn(specification.discrete, shownDiscrete_)) Controls().Select(kDiscreteVariable, shownDiscrete_);
+}
+
+void CFitDistribution::RefreshLists() {
+  ListVariables();
+  ShowContinuous(FirstOf(Specification().continuous));
+  ShowDiscrete(FirstOf(Specification().discrete));
 }
 
 void CFitDistribution::ShowContinuous(int index) {
@@ -253,7 +261,8 @@ std::int32_t CFitDistribution::ReadShownContinuous() {
   const std::int32_t message = ReadInputs(Controls(), *specification);
   if (message == kMsgInvalidMixtureCountReverted) {
     const auto shown = static_cast<std::size_t>(shownContinuous_);
-    Controls().SetDlgItemLong(kMixtures, HighestMixtures(Specification().continuous[shown]));
+    const std::int64_t cases = ValidCases(Specification().continuous[shown]);
+    Controls().SetDlgItemLong(kMixtures, HighestMixtures(cases));
   }
   return message;
 }
@@ -309,14 +318,11 @@ void CFitDistribution::SelectLists(const std::vector<std::int16_t>& continuous,
                                    const std::vector<std::int16_t>& discrete) {
   const std::string texts = TextVariablesMessage(continuous, discrete);
   if (!texts.empty()) throw CDispatchException(texts);
-  for (const std::int32_t message : {ReadShownContinuous(), ReadShownDiscrete()}) {
-    if (message != 0) throw CDispatchException(szLoadResString(message));
-  }
   TakeLists(continuous, discrete);
 }
 
-// As many as the variable's valid cases allow. The run, which also counts case weights, has the last word.
-std::int32_t CFitDistribution::HighestMixtures(std::int16_t variable) const {
+// Without case weights, which the run counts, too.
+std::int64_t CFitDistribution::ValidCases(std::int16_t variable) const {
   const Spreadsheet& sheet = *GetInputTable();
   const Variable& values = sheet.VariableAt(static_cast<std::size_t>(variable - 1));
   std::int64_t valid = 0;
@@ -324,8 +330,7 @@ std::int32_t CFitDistribution::HighestMixtures(std::int16_t variable) const {
     const bool accepted = !Analysis().CaseSelectionEnabled() || sheet.IsCaseSelected(i);
     if (accepted && !values.IsMissing(i)) ++valid;
   }
-  const std::int64_t allowed = std::min(valid / kCasesPerMixture, kMostMixtures);
-  return std::max(static_cast<std::int32_t>(allowed), kFewestMixtures);
+  return valid;
 }
 
 bool CFitDistribution::EveryVariableHasDistribution() const {
@@ -353,8 +358,14 @@ bool CFitDistribution::EveryOffsetIsValid() const {
 }
 
 bool CFitDistribution::OnOk() {
+  if (!ListsAreOfInput()) OnInitDialog();
   if (Specification().continuous.empty() && Specification().discrete.empty()) {
     AskForVariables();
+    return false;
+  }
+  const std::string texts = TextVariablesMessage(Specification().continuous, Specification().discrete);
+  if (!texts.empty()) {
+    Analysis().ShowMessage(texts);
     return false;
   }
   if (!StoreShownContinuous() || !StoreShownDiscrete()) return false;
@@ -369,14 +380,14 @@ bool CFitDistribution::OnOk() {
 
 bool CFitDistribution::RunAndKeepResults() {
   std::vector<VariableFit> results;
-  if (!Run(results)) return false;
-  if (TakeOverMixtures(results, Specification().continuousSpecifications)) {
-    ShowContinuous(shownContinuous_);
-    ShowMessage(kMsgInvalidMixtureCountReverted);
-  }
+  CaseCounts cases;
+  if (!Run(results, cases)) return false;
+  TakeOverMixturesOf(results);
   FitState& state = SimulationAndRisk().Fit();
   state.committed = state.specification;
+  state.cases = cases;
   state.results = std::move(results);
+  state.firstShown = 0;
   const auto firstValid = std::ranges::find_if(state.results, &VariableFit::HasValidFit);
   if (firstValid == state.results.end()) {
     ShowMessage(kMsgNoValidFits);
@@ -386,22 +397,35 @@ bool CFitDistribution::RunAndKeepResults() {
   return true;
 }
 
+// The field of the shown variable follows.
+void CFitDistribution::TakeOverMixturesOf(const std::vector<VariableFit>& results) {
+  const std::string taken = TakeOverMixtures(results, Specification().continuousSpecifications);
+  if (taken.empty()) return;
+  ShowContinuous(shownContinuous_);
+  Analysis().ShowMessage(szLoadResString(kMsgInvalidMixtureCountReverted), taken);
+}
+
 // False with a message where the run failed, without one where the person cancelled it.
-bool CFitDistribution::Run(std::vector<VariableFit>& results) {
+bool CFitDistribution::Run(std::vector<VariableFit>& results, CaseCounts& cases) {
   if (!EveryOffsetIsValid()) {
     ShowMessage(kMsgInvalidInputOffsets);
     return false;
   }
   try {
     const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
-    results = RunFit(*GetInputTable(), Specification(), options, Analysis().Interface());
+    results = RunFit(*GetInputTable(), Specification(), options, Analysis().Interface(), &cases);
     return true;
+  } catch (const NoValidVariables& error) {
+    TakeOverMixturesOf(error.results);
+    Analysis().ShowMessage(error.what(), error.Where());
   } catch (const Error& error) {
     Analysis().ShowMessage(error.what(), error.Where());
   } catch (const std::bad_alloc&) {
     ShowMessage(kMsgInsufficientMemory);
   } catch (const UserCancelled&) {
     return false;
+  } catch (const std::exception& error) {
+    Analysis().ShowMessage(error.what());
   }
   return false;
 }

@@ -47,6 +47,7 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
                                    const std::vector<std::int16_t>& second) const;
   std::string NameOf(int variable) const;
   std::vector<std::string> NamesOf(const std::vector<std::int16_t>& variables) const;
+  void ListVariables();
   void RefreshLists();
 
   // The shown variables. Reading returns 0, or the number of the message that says what is wrong; storing
@@ -59,13 +60,14 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   bool StoreShownDiscrete();
   bool MoveContinuous(int index);
   bool MoveDiscrete(int index);
-  std::int32_t HighestMixtures(std::int16_t variable) const;
+  std::int64_t ValidCases(std::int16_t variable) const;
+  void TakeOverMixturesOf(const std::vector<VariableFit>& results);
 
   // OK.
   bool EveryVariableHasDistribution() const;
   bool EveryOffsetIsValid() const;
   bool RunAndKeepResults();
-  bool Run(std::vector<VariableFit>& results);
+  bool Run(std::vector<VariableFit>& results, CaseCounts& cases);
 
   int shownContinuous_ = -1;  // index in the list, -1 for none
   int shownDiscrete_ = -1;

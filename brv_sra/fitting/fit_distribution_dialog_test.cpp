@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <stdexcept>
 
 #include "brv_sra/fitting/fit_support_dialog_test.h"
 #include "brv_sra/fitting/fit_variable_inputs_dialog.h"
@@ -86,7 +87,9 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
       {kLogNormalOffset, "-444", {kLogNormal}, kMsgInvalidOffsets},
       {kLogNormalOffset, "-444", {}, 0},
       {kLogNormalOffset, "-443.9", {kLogNormal}, 0},
-      {kLogNormalOffset, "1e999", {}, kMsgInvalidOffsets},
+      {kLogNormalOffset, "1e999", {}, 0},
+      {kWeibullOffset, "x", {kLogNormal}, kMsgInvalidOffsets},  // its own field is empty
+      {kLogNormalOffset, "x", {kLogNormal}, kMsgInvalidOffsets},
       {kLogNormalOffset, "nan", {kLogNormal}, kMsgInvalidOffsets},
       {kFoldedNormalOffset, "x", {kFoldedNormal}, kMsgInvalidOffsets},
       {kHalfNormalOffset, "", {kHalfNormal}, kMsgInvalidOffsets},
@@ -94,7 +97,8 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
       {kGeneralParetoOffset, "", {kGeneralPareto}, kMsgInvalidOffsets},
       {kGeneralParetoOffset, " 2 ", {kGeneralPareto}, 0},
       {kMixtures, "", {kGaussianMixture}, kMsgInvalidMixtureCountReverted},
-      {kMixtures, "2.5", {}, kMsgInvalidMixtureCountReverted},
+      {kMixtures, "2.5", {}, 0},
+      {kMixtures, "2.5", {kGaussianMixture}, kMsgInvalidMixtureCountReverted},
       {kMixtures, "1", {kGaussianMixture}, 0},  // the bounds are the run's
       {kMixtures, "", {kNormal, kJohnson, kJohnsonPercentile, kGeneralExtremeValue, kTriangular}, 0},
       {kTrials, "", {kBinomial}, 0},
@@ -117,7 +121,9 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
     const std::int32_t read = ReadInputs(controls, continuous);
     EXPECT_EQ(read != 0 ? read : ReadInputs(controls, discrete), row.message)
         << row.field << " \"" << row.text << "\"";
-    // What is wrong leaves its tab's specification as it was.
+    // What is wrong leaves its tab's numbers as they were; the checks are taken.
+    const auto checked = std::ranges::find(row.checks, kLogNormal) != row.checks.end();
+    EXPECT_EQ(continuous.fit[1], checked) << row.field;
     const bool trialsWrong = row.message == kMsgInvalidTrialsOfVariable;
     EXPECT_EQ(discrete.trials == 5, row.message != 0) << row.field << " \"" << row.text << "\"";
     EXPECT_EQ(continuous.mixtures == 5, row.message != 0 && !trialsWrong) << row.field;
@@ -132,11 +138,14 @@ TEST(FitInputs, MixturesFollowTheRunOnlyWhereItFittedOthers) {
   results[0].mixtures = 20;
   results[1].mixtures = 3;
   results[3].mixtures = 7;
-  EXPECT_TRUE(TakeOverMixtures(results, specifications));
+  results[0].name = "a";
+  results[1].name = "b";
+  EXPECT_EQ(TakeOverMixtures(results, specifications), "a: 20; b: 3") << "also where the number stays";
   EXPECT_EQ(specifications[0].mixtures, 20);
   EXPECT_EQ(specifications[1].mixtures, 3);
   EXPECT_EQ(specifications[2].mixtures, kNotSetCount);
-  EXPECT_FALSE(TakeOverMixtures(results, specifications)) << "nothing is left to say";
+  results[0].mixtures = results[1].mixtures = kNotSetCount;
+  EXPECT_EQ(TakeOverMixtures(results, specifications), "") << "nothing is left to say";
 }
 
 TEST_F(FitDialog, EachVariableKeepsItsInputsUntilItsListChanges) {
@@ -291,6 +300,83 @@ TEST_F(FitDialog, RunThatFailsSaysWhyAndLeavesTheSpecification) {
     EXPECT_EQ(analysis->CurrentStep(), step::kFit);
     EXPECT_EQ(Specification().continuousSpecifications, before.continuousSpecifications);
   }
+}
+
+// The message about mixtures would be lost with the results.
+TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreSaidAndShown) {
+  for (double& value : sheet.VariableAt(0).MutableValues()) value = 3;
+  Automation().Put("ContinuousVariable", "1");
+  Dialog().Check(kGaussianMixture, true);
+  Dialog().Enter(kMixtures, "19");
+  EXPECT_FALSE(Ok());
+  ASSERT_EQ(userInterface.messages.size(), 2U);
+  EXPECT_EQ(userInterface.messages[0].text, kMixturesText);
+  EXPECT_EQ(userInterface.messages[0].where, "Var1: 15");
+  EXPECT_EQ(userInterface.messages[1].text, "No valid variables to proceed with the analysis");
+  EXPECT_EQ(userInterface.messages[1].where, "Var1: all values equal");
+  EXPECT_EQ(Text(kMixtures), "15");
+}
+
+TEST_F(FitDialog, VariablesCanBeChosenWhateverStandsInTheInputs) {
+  Automation().Put("Variables", "1 | 3");
+  Dialog().Check(kWeibull, true);
+  Dialog().Enter(kWeibullOffset, "?");
+  Dialog().Enter(kTrials, "-1");
+  Answer({1}, {3, 4});
+  EXPECT_TRUE(Dialog().Press(kVariables));
+  EXPECT_EQ(Text(kWeibullOffset), "?") << "the list did not change";
+  EXPECT_TRUE(Checked(kWeibull));
+  EXPECT_EQ(Text(kTrials), "") << "a new list";
+  Answer({2}, {3, 4});
+  EXPECT_TRUE(Dialog().Press(kVariables));
+  EXPECT_EQ(Text(kWeibullOffset), "");
+  EXPECT_EQ(Said(), std::vector<std::string>{});
+}
+
+TEST_F(FitDialog, InputThatChangedBehindTheDialogIsSeenAtOk) {
+  Automation().Put("Variables", "1-2 | 3");
+  sheet.VariableAt(1).SetType(VariableType::kText);
+  EXPECT_FALSE(Ok());
+  EXPECT_EQ(Said(), std::vector<std::string>{"One or more text variables selected. To proceed, please remove "
+                                             "these variable(s): Var2."});
+  Spreadsheet narrow("narrow", kCases, 1);
+  document.SetInputTable(&narrow);
+  EXPECT_FALSE(Ok()) << "the variables are no longer there: the selection opens, and is cancelled here";
+  EXPECT_EQ(Text(kContinuousList), "none");
+}
+
+TEST_F(FitDialog, StateTellsTheCasesAndShowsAVariableOfItsOwn) {
+  Automation().Put("ContinuousVariable", "1");
+  sheet.SetSelection({true, "", std::vector<std::uint8_t>(kCases, 1)});
+  EXPECT_TRUE(Ok());
+  EXPECT_EQ(analysis->Fit().cases.input, 30);
+  EXPECT_EQ(analysis->Fit().cases.accepted, 30);
+  EXPECT_FALSE(analysis->Fit().cases.weighted);
+  Dialog().Press(kControlCancel);
+  analysis->Fit().firstShown = 7;
+  for (double& value : sheet.VariableAt(0).MutableValues()) value = 3;
+  Dialog().Check(kCasewise, true);
+  EXPECT_FALSE(Ok());
+  EXPECT_EQ(analysis->Fit().firstShown, 0U) << "there is one variable";
+}
+
+TEST(FitDialogRun, AnyExceptionEndsTheRunWithItsText) {
+  struct BrokenInterface : HeadlessUserInterface {
+    void ShowProgress(std::string_view, std::int64_t, std::int64_t) override {
+      throw std::runtime_error("the bar broke");
+    }
+  } userInterface;
+  Spreadsheet sheet("data", 3, 1);
+  CAnalysisDoc document{userInterface, &sheet};
+  const std::unique_ptr<CSimulationAndRisk> analysis{Kro6NewAnalysis()};
+  analysis->AttachDocument(&document);
+  analysis->RunSequenceStep(step::kStartup);
+  analysis->GetDialog()->Press(define_task::kFitDistribution);
+  analysis->GetDialgInterface()->Put("ContinuousVariable", "1");
+  EXPECT_FALSE(analysis->GetDialog()->Press(kControlOk));
+  ASSERT_EQ(userInterface.messages.size(), 1U);
+  EXPECT_EQ(userInterface.messages[0].text, "the bar broke");
+  EXPECT_EQ(analysis->CurrentStep(), step::kFit);
 }
 
 TEST_F(FitDialog, OptionsSetTheirValuesAtOnce) {

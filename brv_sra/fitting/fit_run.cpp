@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <utility>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/bootstrap.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
@@ -11,6 +13,7 @@
 #include "brv_sra/resources/strings.h"
 #include "host/base/cancellation.h"
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/numeric/sorting.h"
 
@@ -40,7 +43,7 @@ ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous
                   CKroProgressBar& progress) {
   ReadVariable read;
   read.fit.variableNumber = number;
-  read.fit.name = sheet.VariableAt(static_cast<std::size_t>(number - 1)).Name();
+  read.fit.name = OneLineName(sheet, number);
   read.fit.continuous = continuous;
   Sample sample = ReadSample(sheet, number, cases, progress);
   read.fit.moments = sample.moments;
@@ -48,12 +51,12 @@ ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous
   return read;
 }
 
-// The mixtures fitted, where they are asked for and not as many as asked.
+// The mixtures taken, where they are asked for out of bounds.
 std::int32_t ChangedMixtures(const ContinuousSpecification& specification, std::int64_t validCases) {
   if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))])
     return kNotSetCount;
-  const std::int32_t allowed = AllowedMixtures(specification.mixtures, validCases);
-  return allowed == specification.mixtures ? kNotSetCount : allowed;
+  if (MixturesAreAllowed(specification.mixtures, validCases)) return kNotSetCount;
+  return AllowedMixtures(specification.mixtures, validCases);
 }
 
 // A continuous variable without spread (a single value included) has nothing to fit.
@@ -78,7 +81,7 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   fit.ranked = RankFits(fit.fits, all.discreteCriterion);
 }
 
-// A numeric fault names its variable.
+// A numeric fault names its variable before what else it says.
 void FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification, const Poll& poll) {
   try {
     if (read.fit.continuous) {
@@ -87,8 +90,8 @@ void FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& spec
       FitDiscreteVariable(read, specification.discreteSpecifications[i], specification, poll);
     }
   } catch (const NumericalException& error) {
-    if (!error.Where().empty()) throw;
-    throw NumericalException(error.what(), "variable " + read.fit.name);
+    const std::string remedy = error.Where().empty() ? "" : "; " + error.Where();
+    throw NumericalException(error.what(), "variable " + read.fit.name + remedy);
   }
   read.values = {};
 }
@@ -138,6 +141,35 @@ void FitList(const VariableList& list, const Spreadsheet& sheet, const FitSpecif
     FitBatch(batch, first, specification, *progress);
     for (ReadVariable& read : batch) results.push_back(std::move(read.fit));
   }
+  progress->Step();
+}
+
+std::string WhyInvalid(const VariableFit& fit) {
+  if (fit.moments.count == 0) return "no valid values";
+  if (fit.invalid) return fit.moments.count == 1 ? "a single valid value" : "all values equal";
+  if (fit.fits.size() == 1) {
+    return std::string(DisplayName(fit.fits.front().specification.code)) + " cannot be fitted";
+  }
+  return "no distribution can be fitted";
+}
+
+// "a, b: all values equal; c: no valid values", of many variables the first.
+std::string WhyNoneIsValid(const std::vector<VariableFit>& results) {
+  constexpr std::size_t kNamed = 8;
+  std::vector<std::pair<std::string, std::string>> reasons;  // with the names of their variables
+  for (std::size_t i = 0; i < results.size() && i < kNamed; ++i) {
+    const std::string why = WhyInvalid(results[i]);
+    const auto known = std::ranges::find(reasons, why, &std::pair<std::string, std::string>::first);
+    if (known == reasons.end()) {
+      reasons.emplace_back(why, results[i].name);
+    } else {
+      known->second += ", " + results[i].name;
+    }
+  }
+  std::string text;
+  for (const auto& [why, names] : reasons) text += (text.empty() ? "" : "; ") + names + ": " + why;
+  if (results.size() > kNamed) text += "; and " + std::to_string(results.size() - kNamed) + " more";
+  return text;
 }
 
 }  // namespace
@@ -158,13 +190,25 @@ CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specificat
   return cases;
 }
 
+std::string OneLineName(const Spreadsheet& sheet, int number) {
+  constexpr char kLastControlCharacter = 0x1F;
+  std::string name = sheet.VariableAt(static_cast<std::size_t>(number - 1)).Name();
+  std::ranges::replace_if(
+      name, [](char c) { return c >= 0 && c <= kLastControlCharacter; }, ' ');
+  return std::string(Trim(name));
+}
+
 std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
-                                const CaseOptions& options, ProgressPort& port) {
+                                const CaseOptions& options, ProgressPort& port, CaseCounts* counts) {
   const std::size_t selected = specification.continuous.size() + specification.discrete.size();
   if (!FitsDataLimit(selected, sheet.CaseCount())) {
     throw CDispatchException(std::string(ResourceString(kMsgDatasetTooLarge)));
   }
   const CaseSet cases = FittedCases(sheet, specification, options);
+  if (counts != nullptr) {
+    *counts = {static_cast<std::int32_t>(sheet.CaseCount()), cases.selected,
+               options.useWeights && sheet.WeightVariable().has_value()};
+  }
   std::vector<VariableFit> results;
   FitList({specification.continuous, true, kProgressContinuousVariables}, sheet, specification, cases, port,
           results);
@@ -173,7 +217,8 @@ std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification
   const bool anyValid =
       std::ranges::any_of(results, [](const VariableFit& fit) { return !fit.invalid && fit.HasValidFit(); });
   if (specification.deletion == DeletionMode::kPairwise && !anyValid) {
-    throw CDispatchException(std::string(ResourceString(kMsgNoValidVariables)));
+    const std::string where = WhyNoneIsValid(results);
+    throw NoValidVariables(std::string(ResourceString(kMsgNoValidVariables)), where, std::move(results));
   }
   BootstrapResults(results, specification, port);
   return results;

@@ -1,10 +1,13 @@
 // The run of a fit: reads every selected variable, estimates, tests and ranks.
 #pragma once
 
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/fitting/sample_reader.h"
+#include "host/base/error.h"
 #include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
@@ -25,13 +28,25 @@ bool FitsDataLimit(std::size_t variables, std::size_t cases);
 CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
                     const CaseOptions& options);
 
+// The name of a variable (number from 1) on one line, without blanks around it.
+std::string OneLineName(const Spreadsheet& sheet, int number);
+
+// Message 10281 with the reasons, and what is known of the variables all the same.
+class NoValidVariables : public CDispatchException {
+ public:
+  NoValidVariables(const std::string& what, std::string where, std::vector<VariableFit> fits)
+      : CDispatchException(what, std::move(where)), results(std::move(fits)) {}
+  std::vector<VariableFit> results;
+};
+
 // Fits the continuous variables, then the discrete ones, on all processors; the results depend neither on
 // their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and
 // cancellation reach `port` on the calling thread only. Where a number of mixtures was out of its bounds,
-// VariableFit::mixtures holds the number fitted, and the caller shows message 10083, once for all variables.
-// Throws CDispatchException with the text to show: data too large (10013), case weights that are not whole
-// (10012), no valid variable (10281, pairwise only); NumericalException from the data; UserCancelled.
+// VariableFit::mixtures holds the number taken, and the caller shows message 10083, once for all variables.
+// `counts`, where given, takes the numbers of cases. Throws CDispatchException with the text to show: data
+// too large (10013), case weights that are not whole (10012); NoValidVariables (pairwise only);
+// NumericalException from the data; UserCancelled.
 std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
-                                const CaseOptions& options, ProgressPort& port);
+                                const CaseOptions& options, ProgressPort& port, CaseCounts* counts = nullptr);
 
 }  // namespace brenvolt::sra

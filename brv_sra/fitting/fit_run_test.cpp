@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <random>
+#include <tuple>
 
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
@@ -32,6 +33,7 @@ FitSpecification Continuous(std::vector<std::int16_t> variables) {
   FitSpecification specification;
   specification.continuous = std::move(variables);
   specification.continuousSpecifications.resize(specification.continuous.size());
+  for (auto& each : specification.continuousSpecifications) each.fit[0] = true;
   return specification;
 }
 
@@ -62,7 +64,7 @@ TEST_F(FitRun, WeightsRepeatCasesAndMustBeWholeNumbers) {
   EXPECT_EQ(Run(sheet, Continuous({1}))[0].moments.count, 5);
   const auto nearlyTwo = std::nextafter(2.0, 3.0);
   for (const auto& [weight, accepted] : {std::pair{nearlyTwo, true},
-                                         {std::nextafter(2.0, 1.0), true},
+                                         {std::nextafter(2.0, 1.0), false},
                                          {2.5, false},
                                          {-1.0, false},
                                          {kNan, false},
@@ -75,6 +77,59 @@ TEST_F(FitRun, WeightsRepeatCasesAndMustBeWholeNumbers) {
       EXPECT_THROW(Run(sheet, Continuous({1})), CDispatchException) << weight;
     }
   }
+}
+
+TEST_F(FitRun, WeightsThatAreRefusedAreNamed) {
+  Spreadsheet sheet = SheetOf({{1, 2, 4}, {2, 0, 3}});
+  sheet.SetWeightVariable(1);
+  for (const auto& [weight, what, where] :
+       {std::tuple{2.5, "Case weights should be integer.", "variable V2, case 3"},
+        {2147483647.0, "Too large dataset.", "the weights in variable V2 add up to too many cases"},
+        {1e12, "Too large dataset.", "the weights in variable V2 add up to too many cases"}}) {
+    sheet.VariableAt(1).MutableValues()[2] = weight;
+    try {
+      Run(sheet, Continuous({1}));
+      ADD_FAILURE() << weight;
+    } catch (const CDispatchException& error) {
+      EXPECT_TRUE(std::string(error.what()).starts_with(what)) << error.what();
+      EXPECT_EQ(error.Where(), where);
+    }
+  }
+}
+
+TEST_F(FitRun, CaseOfLargeWeightIsCopiedWhole) {
+  Spreadsheet sheet = SheetOf({{1, 7}, {1, 2'500'001}});
+  sheet.SetWeightVariable(1);
+  const auto progress = CKroProgressBar::new_ProgressBar(port, "", 2);
+  const Sample sample = ReadSample(sheet, 1, AcceptedCases(sheet, true, true), *progress);
+  ASSERT_EQ(sample.values.size(), 2'500'002U);
+  EXPECT_EQ(sample.values.back(), 7);
+  EXPECT_EQ(sample.moments.count, 2'500'002);
+}
+
+TEST_F(FitRun, CasesAreCountedAsTheSelectionLeavesThem) {
+  Spreadsheet sheet = SheetOf({{1, 2, 4, 9, kNan}, {2, 0, 3, 1, 1}});
+  sheet.SetSelection({true, "", {1, 1, 1, 0, 1}});
+  CaseCounts counts;
+  RunFit(sheet, Continuous({1}), {}, port, &counts);
+  EXPECT_EQ(counts.input, 5);
+  EXPECT_EQ(counts.accepted, 4);
+  EXPECT_FALSE(counts.weighted);
+  sheet.SetWeightVariable(1);
+  FitSpecification casewise = Continuous({1});
+  casewise.deletion = DeletionMode::kCasewise;
+  RunFit(sheet, casewise, {}, port, &counts);
+  EXPECT_EQ(counts.accepted, 4) << "neither weight 0 nor missing data is a matter of selection";
+  EXPECT_TRUE(counts.weighted);
+  RunFit(sheet, Continuous({1}), {false, false}, port, &counts);
+  EXPECT_EQ(counts.accepted, 5);
+  EXPECT_FALSE(counts.weighted);
+}
+
+TEST_F(FitRun, NameOfAResultIsOneLine) {
+  Spreadsheet sheet = SheetOf({{1, 2, 4}});
+  sheet.VariableAt(0).SetName("  shop\nfloor ");
+  EXPECT_EQ(Run(sheet, Continuous({1}))[0].name, "shop floor");
 }
 
 TEST_F(FitRun, SelectionLeavesCasesOut) {
@@ -98,13 +153,33 @@ TEST_F(FitRun, VariableWithoutSpreadIsInvalidAndAloneEndsTheRun) {
   }
 }
 
+TEST_F(FitRun, NoValidVariableIsExplainedByVariable) {
+  const Spreadsheet sheet = SheetOf({{3, 3, 3}, {kNan, kNan, kNan}, {5, 5, 5}, {kNan, 7, kNan}, {-1, 0, 2}});
+  const auto why = [&](const FitSpecification& specification) {
+    try {
+      Run(sheet, specification);
+    } catch (const NoValidVariables& error) {
+      EXPECT_EQ(error.results.size(), specification.continuous.size());
+      return error.Where();
+    }
+    return std::string("valid");
+  };
+  EXPECT_EQ(why(Continuous({1, 2, 3, 4})),
+            "V1, V3: all values equal; V2: no valid values; V4: a single valid value");
+  FitSpecification logarithms = Continuous({5});
+  logarithms.continuousSpecifications[0].fit = {false, true};
+  EXPECT_EQ(why(logarithms), "V5: Log Normal cannot be fitted");
+  EXPECT_EQ(why(Continuous({1, 1, 1, 1, 1, 1, 1, 1, 1, 1})),
+            "V1, V1, V1, V1, V1, V1, V1, V1: all values equal; and 2 more");
+}
+
 TEST_F(FitRun, InfiniteValueIsNamed) {
   const Spreadsheet sheet = SheetOf({{3, HUGE_VAL, 5}});
   try {
     Run(sheet, Continuous({1}));
     ADD_FAILURE();
   } catch (const NumericalException& error) {
-    EXPECT_EQ(error.Where(), "case 2");
+    EXPECT_EQ(error.Where(), "case 2; leave the case out or make the value missing");
   }
 }
 
@@ -168,6 +243,12 @@ TEST_F(FitRun, ChangedNumberOfMixturesIsReportedWhereTheMixtureIsChecked) {
   EXPECT_EQ(results[2].mixtures, kNotSetCount);
   EXPECT_EQ(results[3].mixtures, kNotSetCount);
   EXPECT_EQ(results[1].fits[6].specification.values.size(), 6U);
+  FitSpecification two = Continuous({1, 2});
+  two.continuousSpecifications[0].fit[6] = true;
+  for (auto& each : two.continuousSpecifications) each.mixtures = 2;
+  const auto few = Run(SheetOf({{1, 2, 4}, {1, 2, 4}}), two);
+  EXPECT_EQ(few[0].mixtures, 2) << "two are too many for three cases, although two it remains";
+  EXPECT_EQ(few[1].mixtures, kNotSetCount);
 }
 
 TEST_F(FitRun, NumericFaultOfTheFirstVariableIsNamed) {
@@ -182,7 +263,7 @@ TEST_F(FitRun, NumericFaultOfTheFirstVariableIsNamed) {
     Run(SheetOf(columns), specification);
     ADD_FAILURE() << "the percentiles of the second variable are tied";
   } catch (const NumericalException& error) {
-    EXPECT_EQ(error.Where(), "variable V2");
+    EXPECT_EQ(error.Where(), "variable V2; fit it from moments or leave it out");
   }
 }
 
@@ -200,6 +281,7 @@ TEST_F(FitRun, DiscreteVariablesFollowWithTheirFiveTypes) {
 
 TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {
   ContinuousSpecification specification;
+  specification.fit[0] = true;
   specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kLogNormal))] = true;
   specification.offsets[0] = -10;
   const std::vector<double> sorted{-1, 2, 3, 5};

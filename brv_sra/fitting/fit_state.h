@@ -50,10 +50,10 @@ constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
   return std::nullopt;
 }
 
-// What is to be fitted to one variable: the normal and the Poisson distribution unless more is said. What the
-// dialog checks for a newly selected variable is its own choice.
+// What is to be fitted to one variable: nothing unless it is said. What is checked for a newly selected
+// variable is the dialog's choice.
 struct ContinuousSpecification {
-  std::array<bool, kContinuousFlagCount> fit{true};
+  std::array<bool, kContinuousFlagCount> fit{};
   std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet,
                                                           kNotSet, kNotSet, kNotSet};
   std::int32_t mixtures = kNotSetCount;
@@ -62,7 +62,7 @@ struct ContinuousSpecification {
 };
 
 struct DiscreteSpecification {
-  std::array<bool, kDiscreteFlagCount> fit{false, true};
+  std::array<bool, kDiscreteFlagCount> fit{};
   std::int32_t trials = kNotSetCount;
   bool useTrials = false;
 
@@ -139,7 +139,7 @@ struct VariableFit {
   bool continuous = true;
   bool invalid = false;  // no spread or no valid case: nothing was fitted
   Moments moments;
-  std::int32_t mixtures = kNotSetCount;  // the components fitted, where that is not what was asked for
+  std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
   SaveSettings saving;
@@ -147,12 +147,20 @@ struct VariableFit {
   bool HasValidFit() const;
 };
 
+// The cases that a run had before it.
+struct CaseCounts {
+  std::int32_t input = 0;     // of the input spreadsheet
+  std::int32_t accepted = 0;  // by its case selection
+  bool weighted = false;      // whether case weights were in force
+};
+
 struct FitState {
   FitSpecification specification;
   // What was to be fitted when the fit started; the results belong to it.
   FitSpecification committed;
+  CaseCounts cases;                  // of the results
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
-  std::size_t firstShown = 0;        // the first variable with a valid fit
+  std::size_t firstShown = 0;        // the first variable with a valid fit; 0 where none has
   bool saveUserDefined = false;      // save the person's own values and orders where there are any
 };
 

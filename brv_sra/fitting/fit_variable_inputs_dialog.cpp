@@ -42,15 +42,13 @@ bool IsEmpty(const ControlSet& controls, std::int32_t field) {
 // One offset: false where it is wrong. A typed value that stands for "not set" is none.
 bool ReadOffset(const ControlSet& controls, const OffsetInput& input, double& offset) {
   offset = kNotSet;
-  const bool readable = controls.GetDlgItemDouble(input.field, offset) == 0;
-  if (!readable && !IsEmpty(controls, input.field)) return false;
+  if (controls.GetDlgItemDouble(input.field, offset) != 0) offset = kNotSet;
   return !IsNotSet(offset) || !controls.IsChecked(input.check);
 }
 
 bool ReadMixtures(const ControlSet& controls, std::int32_t& mixtures) {
   mixtures = kNotSetCount;
-  const bool readable = controls.GetDlgItemLong(kMixtures, mixtures) == 0;
-  if (!readable && !IsEmpty(controls, kMixtures)) return false;
+  if (controls.GetDlgItemLong(kMixtures, mixtures) != 0) mixtures = kNotSetCount;
   return mixtures != kNotSetCount || !controls.IsChecked(kGaussianMixture);
 }
 
@@ -73,7 +71,6 @@ void ReadChecks(const ControlSet& controls, const std::array<std::int32_t, N>& c
 
 ContinuousSpecification NewContinuousSpecification() {
   ContinuousSpecification specification;
-  specification.fit = {};
   for (const DistributionCode code :
        {DistributionCode::kNormal, DistributionCode::kJohnson, DistributionCode::kGeneralExtremeValue,
         DistributionCode::kTriangular}) {
@@ -113,6 +110,7 @@ void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown) {
 std::int32_t ReadInputs(const ControlSet& controls, ContinuousSpecification& specification) {
   ContinuousSpecification read;
   ReadChecks(controls, kContinuousChecks, read.fit);
+  specification.fit = read.fit;
   for (std::size_t i = 0; i < kOffsetInputs.size(); ++i) {
     if (!ReadOffset(controls, kOffsetInputs[i], read.offsets[i])) return kMsgInvalidOffsets;
   }
@@ -145,16 +143,15 @@ void FillUsualInput(ControlSet& controls, std::int32_t check) {
   }
 }
 
-bool TakeOverMixtures(std::span<const VariableFit> results,
-                      std::span<ContinuousSpecification> specifications) {
-  bool changed = false;
+std::string TakeOverMixtures(std::span<const VariableFit> results,
+                             std::span<ContinuousSpecification> specifications) {
+  std::string taken;
   for (std::size_t i = 0; i < specifications.size(); ++i) {
-    std::int32_t& mixtures = specifications[i].mixtures;
-    if (results[i].mixtures == kNotSetCount || results[i].mixtures == mixtures) continue;
-    mixtures = results[i].mixtures;
-    changed = true;
+    if (results[i].mixtures == kNotSetCount) continue;
+    specifications[i].mixtures = results[i].mixtures;
+    taken += (taken.empty() ? "" : "; ") + results[i].name + ": " + std::to_string(results[i].mixtures);
   }
-  return changed;
+  return taken;
 }
 
 std::span<const std::int32_t> ContinuousChecks() {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 
 #include "brv_sra/fitting/fit_state.h"
 #include "host/controls/control_set.h"
@@ -23,8 +24,9 @@ void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown);
 void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown);
 
 // Reads the controls into `specification`. Returns 0; or the number of the message that says what is wrong,
-// and then nothing has changed. An empty field is an error where its distribution is checked, and not set
-// otherwise; what stands in a field must always be readable.
+// and then nothing has changed but the check boxes of a continuous variable, which are taken before its
+// numbers are judged. An offset or number of mixtures that is empty or unreadable is an error where its
+// distribution is checked, and not set otherwise; a number of trials must be readable wherever it stands.
 //
 // Wrong offset: 10011. Wrong number of mixtures: 10083; its bounds depend on the valid cases and are the
 // run's business. Wrong number of trials: 10159; it is needed where the binomial is checked and shall use it,
@@ -36,10 +38,11 @@ std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& speci
 // gets the usual one, 0 or 2.
 void FillUsualInput(ControlSet& controls, std::int32_t check);
 
-// After a run: the mixtures that it fitted where they are not those asked for become the ones specified. True
-// when a number changed. `results` begins with those of the continuous variables, in their order.
-bool TakeOverMixtures(std::span<const VariableFit> results,
-                      std::span<ContinuousSpecification> specifications);
+// After a run: the mixtures that it took where those asked for were out of bounds become the ones specified.
+// Returns which these are, "name: 2; name: 15", and nothing where there are none. `results` begins with those
+// of the continuous variables, in their order.
+std::string TakeOverMixtures(std::span<const VariableFit> results,
+                             std::span<ContinuousSpecification> specifications);
 
 // The check boxes of a tab, in their fixed order.
 std::span<const std::int32_t> ContinuousChecks();

@@ -1,7 +1,9 @@
 #include "brv_sra/fitting/sample_reader.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -12,20 +14,42 @@ namespace {
 
 // How many cases are read between two looks at the clock.
 constexpr std::size_t kProgressStride = 4096;
+// How many copies of a case are added between two looks.
+constexpr std::int32_t kCopiesPerLook = 1'000'000;
 
 const Variable& VariableOf(const Spreadsheet& sheet, int number) {
   return sheet.VariableAt(static_cast<std::size_t>(number - 1));
 }
 
-[[noreturn]] void Throw(std::int32_t resource) {
-  throw CDispatchException(std::string(ResourceString(resource)));
+[[noreturn]] void Throw(std::int32_t resource, const std::string& where = {}) {
+  throw CDispatchException(std::string(ResourceString(resource)), where);
 }
 
-std::int32_t WholeWeight(double weight) {
-  const bool whole = IsWholeNumber(weight) || AlmostEqual(weight, std::ceil(weight));
-  if (!std::isfinite(weight) || !whole || weight < 0) Throw(kMsgWeightsNotIntegers);
-  if (weight > std::numeric_limits<std::int32_t>::max()) Throw(kMsgDatasetTooLarge);
-  return static_cast<std::int32_t>(std::round(weight));
+// A weight that is no whole number, with its case; the sum of weights, with the variable alone.
+[[noreturn]] void RefuseWeight(const Variable& weights, std::size_t caseIndex) {
+  Throw(kMsgWeightsNotIntegers, "variable " + weights.Name() + ", case " + std::to_string(caseIndex + 1));
+}
+[[noreturn]] void RefuseWeightSum(const Variable& weights) {
+  Throw(kMsgDatasetTooLarge, "the weights in variable " + weights.Name() + " add up to too many cases");
+}
+
+std::int32_t WeightOfCase(const Variable& weights, std::size_t caseIndex) {
+  if (weights.IsMissing(caseIndex)) RefuseWeight(weights, caseIndex);
+  const double weight = weights.Values()[caseIndex];
+  if (!IsWholeNumber(weight) || weight < 0) RefuseWeight(weights, caseIndex);
+  if (weight > std::numeric_limits<std::int32_t>::max()) RefuseWeightSum(weights);
+  return static_cast<std::int32_t>(std::floor(weight));
+}
+
+void AddCopies(double x, std::int32_t copies, Sample& sample, MomentAccumulator& moments,
+               CKroProgressBar& progress) {
+  while (copies > 0) {
+    const std::int32_t now = std::min(copies, kCopiesPerLook);
+    sample.values.insert(sample.values.end(), static_cast<std::size_t>(now), x);
+    moments.Add(x, now);
+    copies -= now;
+    if (copies > 0) progress.Step(0);
+  }
 }
 
 }  // namespace
@@ -34,18 +58,20 @@ CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeigh
   CaseSet set;
   const auto weightIndex = sheet.WeightVariable();
   const bool weighted = useWeights && weightIndex.has_value();
-  if (weighted && sheet.VariableAt(*weightIndex).Type() == VariableType::kText) Throw(kMsgWeightsNotIntegers);
-  if (sheet.CaseCount() > std::numeric_limits<std::uint32_t>::max()) Throw(kMsgDatasetTooLarge);
+  if (weighted && sheet.VariableAt(*weightIndex).Type() == VariableType::kText) {
+    Throw(kMsgWeightsNotIntegers, "variable " + sheet.VariableAt(*weightIndex).Name());
+  }
+  if (sheet.CaseCount() > std::numeric_limits<std::int32_t>::max()) Throw(kMsgDatasetTooLarge);
   set.cases.reserve(sheet.CaseCount());
   std::int64_t total = 0;
   for (std::size_t i = 0; i < sheet.CaseCount(); ++i) {
     if (useSelection && !sheet.IsCaseSelected(i)) continue;
+    ++set.selected;
     if (weighted) {
       const Variable& weights = sheet.VariableAt(*weightIndex);
-      if (weights.IsMissing(i)) Throw(kMsgWeightsNotIntegers);
-      const std::int32_t weight = WholeWeight(weights.Values()[i]);
+      const std::int32_t weight = WeightOfCase(weights, i);
       total += weight;
-      if (total > std::numeric_limits<std::int32_t>::max()) Throw(kMsgDatasetTooLarge);
+      if (total > std::numeric_limits<std::int32_t>::max()) RefuseWeightSum(weights);
       if (weight == 0) continue;
       set.weights.push_back(weight);
     }
@@ -85,11 +111,11 @@ Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& s
     }
     if (std::isinf(x)) {
       throw NumericalException("variable " + variable.Name() + " holds an infinite value",
-                               "case " + std::to_string(std::uint64_t{set.cases[i]} + 1));
+                               "case " + std::to_string(std::uint64_t{set.cases[i]} + 1) +
+                                   "; leave the case out or make the value missing");
     }
     const std::int32_t copies = set.weights.empty() ? 1 : set.weights[i];
-    sample.values.insert(sample.values.end(), static_cast<std::size_t>(copies), x);
-    moments.Add(x, copies);
+    AddCopies(x, copies, sample, moments, progress);
   }
   progress.Step(static_cast<std::int64_t>(set.cases.size() % kProgressStride));
   sample.moments = moments.Finish();

@@ -16,12 +16,13 @@ namespace brenvolt::sra {
 struct CaseSet {
   std::vector<std::uint32_t> cases;   // accepted cases, ascending
   std::vector<std::int32_t> weights;  // one per accepted case, or empty where every case counts once
+  std::int32_t selected = 0;          // the cases that the selection accepts, those of weight 0 included
 };
 
 // The cases that the sheet's selection accepts (all where `useSelection` is off), with their weights where
 // `useWeights` is on and the sheet has a weight variable. Throws CDispatchException 10012 when a weight is
-// not a whole number of at least 0 (within 15 units in the last place), 10013 when the weights add up to more
-// than fits.
+// not a whole number of at least 0 (or at most 15 units in the last place above one), 10013 when the weights
+// add up to more than fits; both name the weight variable.
 CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights);
 
 // Removes the cases in which any of the variables (numbers from 1) is missing.
@@ -32,7 +33,8 @@ struct Sample {
   Moments moments;
 };
 
-// Reads one variable, advancing the bar by one per case. Throws NumericalException naming variable and case
+// Reads one variable, advancing the bar by one per case; the bar also looks for cancellation while a case of
+// large weight is copied. Throws NumericalException naming variable and case
 // when a value is infinite; UserCancelled through the bar.
 Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
                   CKroProgressBar& progress);

@@ -2,7 +2,8 @@
 //
 // Variables are named as they are where their name is a plain identifier, between single quotes otherwise
 // ('wait time'), or by number (v1, v2, …; v0 is the case number). There are arithmetic (+ - * / ^),
-// comparisons (= == <> != < <= > >=), and (or &), or, not, parentheses, the usual mathematical functions
+// comparisons (= == <> != < <= > >=), and (or &), or, not, parentheses (which a comparison of comparisons
+// needs: "a = b = 1" is refused), the usual mathematical functions
 // (sqrt, ln, exp, abs, sin, …) and those of distributions (curve_functions.h).
 #pragma once
 

@@ -25,6 +25,7 @@ TEST(Expression, EvaluatesOverAllCasesWithMissingValuesPropagated) {
       {"2*x^2", {2, 8, 18, 32}},
       {"x > 1 and x <= 3", {0, 1, 1, 0}},
       {"not x > 1 or x = 4", {1, 0, 0, 1}},
+      {"(x > 1) = (x < 4) and x = 2", {0, 1, 0, 0}},
       {"x <> 2", {1, 0, 1, 1}},
       {"'wait time' / 10", {1, kNan, 3, kNan}},
       {"v2 + v1", {11, kNan, 33, kNan}},
@@ -45,15 +46,22 @@ TEST(Expression, EvaluatesOverAllCasesWithMissingValuesPropagated) {
 
 TEST(Expression, FaultPointsAtItsCharacter) {
   const std::pair<const char*, const char*> cases[] = {
-      {"x > y", "condition, character 5"},    {"x ># 3", "condition, character 4"},
-      {"'wait", "condition, character 1"},    {"", "condition, character 1"},
-      {"v7 > 1", "condition, character 1"},   {"(x > 1", "condition, character 7"},
-      {"x + + * 2", "condition, character 7"}};
+      {"x > y", "condition, character 5"},
+      {"x ># 3", "condition, character 4"},
+      {"'wait", "condition, character 1"},
+      {"", "condition, character 1"},
+      {"v7 > 1", "condition, character 1"},
+      {"(x > 1", "condition, character 7"},
+      {"x + + * 2", "condition, character 7"},
+      {"1 < x < 3", "condition, character 7"},
+      {"x > 1 and (x = 2) = x = 1", "condition, character 23"},
+      {"not", "condition, character 4"}};
   for (const auto& [formula, where] : cases) {
     try {
       EvaluateOverCases(formula, kVariables, 4, "condition");
       ADD_FAILURE() << formula;
     } catch (const Error& error) {
+      EXPECT_EQ(std::string(error.what()).find("nternal"), std::string::npos) << formula;
       EXPECT_EQ(error.Where(), where) << formula << ": " << error.what();
     }
   }

@@ -36,7 +36,10 @@ constexpr std::string_view kOperators[][2] = {{"<=", "<="}, {">=", ">="}, {"<>",
 
 // The parser's text without its place, which counts characters of the translated text, and without our symbol
 // for a variable.
-std::string Reason(std::string text) {
+// An operator without what it works on is an internal error to the parser.
+std::string Reason(const mu::Parser::exception_type& error) {
+  if (error.GetCode() == mu::ecINTERNAL_ERROR) return "the formula is incomplete";
+  std::string text = error.GetMsg();
   constexpr std::string_view kVariable = "Unexpected variable";
   if (text.starts_with(kVariable)) return std::string(kVariable);
   for (const char* place : {" found at position", " at expression position", " at position", " (position"}) {
@@ -72,7 +75,7 @@ void Translation::Checked(const std::function<void()>& evaluate) const {
   try {
     evaluate();
   } catch (const mu::Parser::exception_type& error) {
-    Fail(Reason(error.GetMsg()), SourcePosition(static_cast<std::size_t>(error.GetPos())));
+    Fail(Reason(error), SourcePosition(static_cast<std::size_t>(error.GetPos())));
   }
 }
 
@@ -97,8 +100,10 @@ void Translation::TakeToken() {
   static constexpr std::string_view kPlain = "+-*/^(), \t";
   if (kPlain.find(c) == std::string_view::npos) return TakeOperator();
   // The parser would take several values one after the other and answer with the last.
-  if (c == ',' && depth_ <= 0) Fail("unexpected ','", position_);
-  depth_ += c == '(' ? 1 : c == ')' ? -1 : 0;
+  if (c == ',' && compared_.size() <= 1) Fail("unexpected ','", position_);
+  if (c == '(') compared_.push_back(false);
+  if (c == ')' && compared_.size() > 1) compared_.pop_back();
+  if (c == ',') compared_.back() = false;
   Emit(source_.substr(position_, 1), position_);
   ++position_;
 }
@@ -117,8 +122,10 @@ void Translation::TakeWord() {
   const std::size_t start = position_;
   while (position_ < source_.size() && IsIdentifierPart(source_[position_])) ++position_;
   const std::string_view word = source_.substr(start, position_ - start);
-  if (word == "and") return Emit("&&", start);
-  if (word == "or") return Emit("||", start);
+  if (word == "and" || word == "or") {
+    compared_.back() = false;
+    return Emit(word == "and" ? "&&" : "||", start);
+  }
   if (word == "not") return Emit("!", start);
   const auto next = source_.find_first_not_of(" \t", position_);
   if (next != std::string_view::npos && source_[next] == '(') return Emit(word, start);
@@ -143,11 +150,23 @@ void Translation::TakeNumber() {
 void Translation::TakeOperator() {
   for (const auto& [ours, theirs] : kOperators) {
     if (!source_.substr(position_).starts_with(ours)) continue;
+    if (ours == "&") {
+      compared_.back() = false;
+    } else {
+      NoteComparison();
+    }
     Emit(theirs, position_);
     position_ += ours.size();
     return;
   }
   Fail(std::string("unexpected '") + source_[position_] + "'", position_);
+}
+
+// "a = b = 1" would compare 1 with whether a equals b, which hardly anybody means.
+void Translation::NoteComparison() {
+  if (compared_.back())
+    Fail("a comparison follows another; join them by 'and', or use parentheses", position_);
+  compared_.back() = true;
 }
 
 void Translation::Use(std::size_t variable, std::size_t from) {

@@ -47,13 +47,16 @@ class Translation {
   void TakeWord();
   void TakeNumber();
   void TakeOperator();
+  void NoteComparison();
   void Use(std::size_t variable, std::size_t from);
 
   std::string_view source_;
   FindVariable findVariable_;
   std::string_view sourceName_;
   std::size_t position_ = 0;
-  int depth_ = 0;  // parentheses open at the position
+  // One for each parenthesis open at the position, and one for the whole: whether there was a comparison
+  // since the last and, or, comma.
+  std::vector<bool> compared_{false};
   std::string text_;
   std::vector<std::size_t> origin_;
   std::set<std::size_t> used_;
