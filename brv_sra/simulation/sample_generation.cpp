@@ -1,10 +1,21 @@
 #include "brv_sra/simulation/sample_generation.h"
 
+#include <algorithm>
+#include <array>
+#include <atomic>
 #include <cmath>
+#include <cstdint>
 #include <ctime>
+#include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
+#include "brv_sra/simulation/matrix_columns.h"
+#include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/variable_sampler.h"
+#include "host/analysis/analysis_memory.h"
+#include "host/base/parallel.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt::sra {
@@ -12,58 +23,127 @@ namespace {
 
 constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
-// How many values are drawn between two looks at the clock.
-constexpr std::size_t kProgressStride = 4096;
+// Rows between two looks at the clock, and rows whose values one task holds before it writes them.
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
+constexpr std::size_t kRowsPerTile = 512;
 
-// One column of the matrix, filled from row to row.
-struct Column {
-  std::span<double> matrix;
-  std::size_t variables;
-  std::size_t index;
-  std::size_t samples;
+// A value that is not finite: the distribution reaches beyond what a double holds.
+bool AreFinite(std::span<const double> values) {
+  double anomaly = 0;
+  for (const double x : values) anomaly += x - x;
+  return anomaly == 0;
+}
+
+using Sampler = std::unique_ptr<const VariableSampler>;
+
+// Null when the variable cannot be sampled.
+Sampler MakeSampler(const SimulationDesign& design, std::size_t variable) {
+  auto sampler = std::make_unique<const VariableSampler>(design.variables[variable].specification,
+                                                         design.truncate, design.source);
+  return sampler->IsValid() ? std::move(sampler) : nullptr;
+}
+
+// Monte Carlo columns whose values all take the same number of draws, so that any row can be drawn at once.
+struct FixedColumns {
+  std::vector<Sampler> samplers;
+  std::vector<std::uint64_t> positions;
+  std::vector<std::size_t> places;
 };
 
-// False when a value is not finite: the distribution reaches beyond what a double holds.
-template <class Draw>
-bool FillColumn(const Column& column, CKroProgressBar& progress, const Draw& draw) {
-  for (std::size_t i = 0; i < column.samples; ++i) {
-    if (i % kProgressStride == kProgressStride - 1) progress.Step(kProgressStride);
-    const double x = draw(i);
-    if (!std::isfinite(x)) return false;
-    column.matrix[i * column.variables + column.index] = x;
-  }
-  progress.Step(static_cast<std::int64_t>(column.samples % kProgressStride));
-  return true;
-}
-
-using DrawColumn = bool (*)(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress);
-
-bool DrawMonteCarloColumn(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress) {
-  return FillColumn(column, progress, [&](std::size_t) { return sampler.DrawMonteCarlo(); });
-}
-
-bool DrawLatinHypercubeColumn(const VariableSampler& sampler, const Column& column,
-                              CKroProgressBar& progress) {
-  std::vector<double> strata(column.samples);
-  RandomPermutation(strata);
-  const double width =
-      (sampler.UpperProbability() - sampler.LowerProbability()) / static_cast<double>(column.samples);
-  return FillColumn(column, progress, [&](std::size_t i) {
-    const double uniform = rnd_(0);
-    return sampler.Inverse(sampler.LowerProbability() + (strata[i] - 1) * width + uniform * width);
-  });
-}
-
-bool GenerateColumns(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress,
-                     DrawColumn draw) {
-  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
-  const std::size_t variables = design.variables.size();
-  for (std::size_t j = 0; j < variables; ++j) {
-    if (design.IsExcluded(j)) continue;
-    const VariableSampler sampler(design.variables[j].specification, design.truncate);
-    if (!sampler.IsValid() || !draw(sampler, {matrix, variables, j, samples}, progress)) return false;
+// One task's rows, a few at a time: column by column into a buffer in the cache, then row by row into the
+// matrix. False when a value is not finite.
+bool DrawRows(const FixedColumns& columns, const RandomStream& stream, std::size_t begin, std::size_t end,
+              std::size_t stride, std::span<double> matrix) {
+  std::array<double, kMostColumns * kRowsPerTile> buffer;
+  std::array<std::span<double>, kMostColumns> tile;
+  const std::size_t count = columns.places.size();
+  for (std::size_t row = begin; row < end; row += kRowsPerTile) {
+    const std::size_t rows = std::min(kRowsPerTile, end - row);
+    for (std::size_t c = 0; c < count; ++c) {
+      tile[c] = {buffer.data() + c * kRowsPerTile, rows};
+      const VariableSampler& sampler = *columns.samplers[c];
+      sampler.DrawFixed(stream, columns.positions[c] + *sampler.FixedDraws() * row, tile[c]);
+      if (!AreFinite(tile[c])) return false;
+    }
+    WriteRows({tile.data(), count}, columns.places, 0, rows, row, stride, matrix);
   }
   return true;
+}
+
+class MonteCarlo {
+ public:
+  MonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress)
+      : design_(design),
+        samples_(static_cast<std::size_t>(design.numberOfSamples)),
+        matrix_(matrix),
+        progress_(progress) {}
+
+  bool Run() {
+    for (const std::size_t j : design_.ActiveVariables()) {
+      Sampler sampler = MakeSampler(design_, j);
+      if (!sampler) return false;
+      const auto draws = sampler->FixedDraws();
+      if (!draws) {
+        if (!DrawInOrder(*sampler, j)) return false;
+        continue;
+      }
+      columns_.samplers.push_back(std::move(sampler));
+      columns_.positions.push_back(position_);
+      columns_.places.push_back(j);
+      position_ += *draws * samples_;
+      if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
+    }
+    if (!DrawGathered()) return false;
+    SetProcessStreamPosition(position_);
+    return true;
+  }
+
+ private:
+  // The columns gathered so far, all of them together.
+  bool DrawGathered() {
+    const FixedColumns columns = std::exchange(columns_, {});
+    if (columns.places.empty()) return true;
+    for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
+      const std::size_t rows = std::min(kRowsPerLook, samples_ - from);
+      std::atomic<bool> isFinite = true;
+      ParallelBlocks(rows, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+        if (!DrawRows(columns, stream_, from + begin, from + end, design_.variables.size(), matrix_))
+          isFinite = false;
+      });
+      if (!isFinite) return false;
+      progress_.Step(static_cast<std::int64_t>(rows * columns.places.size()));
+    }
+    return true;
+  }
+
+  bool DrawInOrder(const VariableSampler& sampler, std::size_t place) {
+    AnalysisArray<double> buffer(std::min(samples_, kRowsPerLook));
+    for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
+      const std::span<double> rows = buffer.Span().first(std::min(kRowsPerLook, samples_ - from));
+      position_ = sampler.DrawInOrder(stream_, position_, rows);
+      if (!AreFinite(rows)) return false;
+      WriteRows({&rows, 1}, {&place, 1}, 0, rows.size(), from, design_.variables.size(), matrix_);
+      progress_.Step(static_cast<std::int64_t>(rows.size()));
+    }
+    return true;
+  }
+
+  const SimulationDesign& design_;
+  std::size_t samples_;
+  std::span<double> matrix_;
+  CKroProgressBar& progress_;
+  RandomStream stream_ = ProcessStream();
+  std::uint64_t position_ = ProcessStreamPosition();
+  FixedColumns columns_;
+};
+
+// How many draws a column takes, where that is known before they are made.
+std::optional<std::uint64_t> ColumnDraws(const VariableSampler& sampler, bool latinHypercube,
+                                         std::uint64_t samples) {
+  if (latinHypercube) return samples + (samples > 1 ? samples : 0);
+  const auto draws = sampler.FixedDraws();
+  if (!draws) return std::nullopt;
+  return *draws * samples;
 }
 
 }  // namespace
@@ -82,23 +162,54 @@ void SeedRandomStream(bool seeded, double seed) {
 }
 
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress) {
-  return GenerateColumns(design, matrix, progress, DrawMonteCarloColumn);
+  return MonteCarlo(design, matrix, progress).Run();
 }
 
 bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
                             CKroProgressBar& progress) {
-  return GenerateColumns(design, matrix, progress, DrawLatinHypercubeColumn);
+  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
+  const std::vector<std::size_t> active = design.ActiveVariables();
+  ColumnBuffers buffers(samples, active.size());
+  for (std::size_t from = 0; from < active.size(); from += buffers.Most()) {
+    const auto variables = std::span(active).subspan(from, std::min(buffers.Most(), active.size() - from));
+    const auto columns = buffers.First(variables.size());
+    if (!GenerateColumns(design, true, variables, columns)) return false;
+    WriteColumns(columns, variables, design.variables.size(), matrix);
+    progress.Step(static_cast<std::int64_t>(samples * variables.size()));
+  }
+  return true;
+}
+
+bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
+                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns) {
+  const RandomStream stream = ProcessStream();
+  std::uint64_t position = ProcessStreamPosition();
+  std::vector<Sampler> samplers(variables.size());
+  std::vector<std::uint64_t> positions(variables.size());
+  for (std::size_t c = 0; c < variables.size(); ++c) {
+    samplers[c] = MakeSampler(design, variables[c]);
+    if (!samplers[c]) return false;
+    positions[c] = position;
+    if (const auto draws = ColumnDraws(*samplers[c], latinHypercube, columns[c].size())) {
+      position += *draws;
+    } else {  // where it ends shows only when it is drawn
+      position = samplers[c]->DrawInOrder(stream, position, columns[c]);
+      samplers[c].reset();
+    }
+  }
+  SetProcessStreamPosition(position);
+  std::atomic<bool> areFinite = true;
+  ParallelFor(variables.size(), [&](std::size_t c) {
+    if (samplers[c] && latinHypercube) samplers[c]->DrawStratified(stream, positions[c], columns[c]);
+    if (samplers[c] && !latinHypercube) samplers[c]->DrawInOrder(stream, positions[c], columns[c]);
+    if (!AreFinite(columns[c])) areFinite = false;
+  });
+  return areFinite;
 }
 
 void RandomPermutation(std::span<double> values) {
-  const std::size_t n = values.size();
-  for (std::size_t i = 0; i < n; ++i) values[i] = static_cast<double>(i + 1);
-  if (n <= 1) return;
-  for (std::size_t t = 1; t <= n; ++t) {
-    auto r = static_cast<std::size_t>(std::floor(rnd_(0) * static_cast<double>(n - t + 1)));
-    if (r == n) r = n - 1;
-    std::swap(values[r], values[n - t]);
-  }
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i + 1);
+  SetProcessStreamPosition(Shuffle(ProcessStream(), ProcessStreamPosition(), values));
 }
 
 }  // namespace brenvolt::sra

@@ -1,0 +1,68 @@
+// Columns between buffers of their own and a row-major matrix, a cache's worth of rows at a time.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "host/analysis/analysis_memory.h"
+#include "host/base/parallel.h"
+
+namespace brenvolt::sra {
+
+inline constexpr std::size_t kRowsPerCopy = 4096;
+// Columns handled together: their neighbours in a row share its cache lines.
+inline constexpr std::size_t kMostColumns = 16;
+
+// Buffers for some columns at a time, which take at most half of what a matrix of all of them takes (but one
+// column at least). Throws std::bad_alloc when memory is short.
+class ColumnBuffers {
+ public:
+  ColumnBuffers(std::size_t rows, std::size_t columns)
+      : values_(rows * std::clamp<std::size_t>(columns / 2, 1, kMostColumns)) {
+    const std::size_t most = std::clamp<std::size_t>(columns / 2, 1, kMostColumns);
+    for (std::size_t c = 0; c < most; ++c) columns_.push_back(values_.Span().subspan(c * rows, rows));
+  }
+
+  std::size_t Most() const { return columns_.size(); }
+  std::span<const std::span<double>> First(std::size_t count) const { return {columns_.data(), count}; }
+
+ private:
+  AnalysisArray<double> values_;
+  std::vector<std::span<double>> columns_;
+};
+
+// matrix[i * stride + places[c]] = columns[c][i] over the rows [begin, end) of the columns, which stand for
+// the rows from `firstRow` of the matrix.
+inline void WriteRows(std::span<const std::span<double>> columns, std::span<const std::size_t> places,
+                      std::size_t begin, std::size_t end, std::size_t firstRow, std::size_t stride,
+                      std::span<double> matrix) {
+  for (std::size_t i = begin; i < end; ++i) {
+    double* row = matrix.data() + (firstRow + i) * stride;
+    for (std::size_t c = 0; c < columns.size(); ++c) row[places[c]] = columns[c][i];
+  }
+}
+
+// The same for whole columns, on all cores.
+inline void WriteColumns(std::span<const std::span<double>> columns, std::span<const std::size_t> places,
+                         std::size_t stride, std::span<double> matrix) {
+  if (columns.empty()) return;
+  ParallelBlocks(columns[0].size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    WriteRows(columns, places, begin, end, 0, stride, matrix);
+  });
+}
+
+// columns[c][i] = matrix[i * stride + places[c]].
+inline void ReadColumns(std::span<const double> matrix, std::size_t stride,
+                        std::span<const std::size_t> places, std::span<const std::span<double>> columns) {
+  if (columns.empty()) return;
+  ParallelBlocks(columns[0].size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      const double* row = matrix.data() + i * stride;
+      for (std::size_t c = 0; c < columns.size(); ++c) columns[c][i] = row[places[c]];
+    }
+  });
+}
+
+}  // namespace brenvolt::sra
