@@ -44,8 +44,8 @@ CorrelationInduction InduceRankCorrelation(const SimulationDesign& design, std::
 void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size_t k,
                               CKroProgressBar& progress);
 
-// Replaces the values of each column (n x k, row-major, finite) by their ranks from 0. Equal values, which
-// continuous scores hardly ever give, are ranked by row.
+// Replaces the values of each column (n x k, row-major, finite) by their ranks from 0, -0 before +0. Equal
+// values, which continuous scores hardly ever give, are ranked by row: any sort would do for the rest.
 void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKroProgressBar& progress);
 
 // Generates the samples of the variables that take part and puts in each of their places the value of the

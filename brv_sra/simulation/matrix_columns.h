@@ -12,6 +12,7 @@
 namespace brenvolt::sra {
 
 inline constexpr std::size_t kRowsPerCopy = 4096;
+inline constexpr std::size_t kRowsInNearestCache = 64;
 // Columns handled together: their neighbours in a row share its cache lines.
 inline constexpr std::size_t kMostColumns = 16;
 
@@ -38,9 +39,13 @@ class ColumnBuffers {
 inline void WriteRows(std::span<const std::span<double>> columns, std::span<const std::size_t> places,
                       std::size_t begin, std::size_t end, std::size_t firstRow, std::size_t stride,
                       std::span<double> matrix) {
-  for (std::size_t i = begin; i < end; ++i) {
-    double* row = matrix.data() + (firstRow + i) * stride;
-    for (std::size_t c = 0; c < columns.size(); ++c) row[places[c]] = columns[c][i];
+  for (std::size_t from = begin; from < end; from += kRowsInNearestCache) {
+    const std::size_t rows = std::min(kRowsInNearestCache, end - from);
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+      const double* in = columns[c].data() + from;
+      double* out = matrix.data() + (firstRow + from) * stride + places[c];
+      for (std::size_t i = 0; i < rows; ++i) out[i * stride] = in[i];
+    }
   }
 }
 
@@ -58,9 +63,13 @@ inline void ReadColumns(std::span<const double> matrix, std::size_t stride,
                         std::span<const std::size_t> places, std::span<const std::span<double>> columns) {
   if (columns.empty()) return;
   ParallelBlocks(columns[0].size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
-    for (std::size_t i = begin; i < end; ++i) {
-      const double* row = matrix.data() + i * stride;
-      for (std::size_t c = 0; c < columns.size(); ++c) columns[c][i] = row[places[c]];
+    for (std::size_t from = begin; from < end; from += kRowsInNearestCache) {
+      const std::size_t rows = std::min(kRowsInNearestCache, end - from);
+      for (std::size_t c = 0; c < columns.size(); ++c) {
+        const double* in = matrix.data() + from * stride + places[c];
+        double* out = columns[c].data() + from;
+        for (std::size_t i = 0; i < rows; ++i) out[i] = in[i * stride];
+      }
     }
   });
 }

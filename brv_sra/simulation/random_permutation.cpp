@@ -7,7 +7,10 @@
 
 namespace brenvolt::sra {
 
-std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<double> values) {
+namespace {
+
+template <class T>
+std::uint64_t ShuffleValues(const RandomStream& stream, std::uint64_t position, std::span<T> values) {
   // Draws made together: places known before their swaps let the processor fetch them ahead.
   constexpr std::size_t kBatch = 1024;
   const std::size_t n = values.size();
@@ -26,6 +29,15 @@ std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::s
     for (std::size_t i = 0; i < count; ++i) std::swap(values[places[i]], values[n - 1 - done - i]);
   }
   return position + n;
+}
+
+}  // namespace
+
+std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<double> values) {
+  return ShuffleValues(stream, position, values);
+}
+std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<std::int32_t> values) {
+  return ShuffleValues(stream, position, values);
 }
 
 }  // namespace brenvolt::sra

@@ -13,5 +13,6 @@ namespace brenvolt::sra {
 // counted from 0, u the uniform deviate at position + t - 1. One value, or none, draws nothing. Returns the
 // position of the draw after the last one used.
 std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<double> values);
+std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<std::int32_t> values);
 
 }  // namespace brenvolt::sra

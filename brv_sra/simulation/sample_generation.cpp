@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <ctime>
 #include <memory>
+#include <numeric>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -25,13 +27,16 @@ constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
 // Rows between two looks at the clock, and rows whose values one task holds before it writes them.
 constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
-constexpr std::size_t kRowsPerTile = 512;
+constexpr std::size_t kRowsPerTile = 256;
 
 // A value that is not finite: the distribution reaches beyond what a double holds.
+// By the bits of the exponent, all set: integers, so that the loop is done with vectors.
 bool AreFinite(std::span<const double> values) {
-  double anomaly = 0;
-  for (const double x : values) anomaly += x - x;
-  return anomaly == 0;
+  constexpr std::uint64_t kMagnitude = ~std::uint64_t{0} >> 1;
+  constexpr std::uint64_t kLastExponentBit = std::uint64_t{1} << 52;
+  std::uint64_t carried = 0;
+  for (const double x : values) carried |= (std::bit_cast<std::uint64_t>(x) & kMagnitude) + kLastExponentBit;
+  return carried >> 63 == 0;
 }
 
 using Sampler = std::unique_ptr<const VariableSampler>;
@@ -43,16 +48,47 @@ Sampler MakeSampler(const SimulationDesign& design, std::size_t variable) {
   return sampler->IsValid() ? std::move(sampler) : nullptr;
 }
 
-// Monte Carlo columns whose values all take the same number of draws, so that any row can be drawn at once.
-struct FixedColumns {
+// Columns of which any row can be drawn at once: Monte Carlo columns whose values all take the same number of
+// draws, or Latin hypercube columns once their strata are known.
+struct OpenColumns {
   std::vector<Sampler> samplers;
   std::vector<std::uint64_t> positions;
   std::vector<std::size_t> places;
+  std::size_t samples = 0;
+  AnalysisArray<std::int32_t> strata;  // of the first column, then of the next, …; none under Monte Carlo
+
+  // The values of some rows of a column.
+  void Draw(const RandomStream& stream, std::size_t column, std::size_t row, std::span<double> out) const {
+    const VariableSampler& sampler = *samplers[column];
+    if (strata.size() == 0)
+      return sampler.DrawFixed(stream, positions[column] + *sampler.FixedDraws() * row, out);
+    sampler.DrawStrata(stream, positions[column] + row, samples,
+                       strata.Span().subspan(column * samples + row, out.size()), out);
+  }
+
+  // Draws the permutations at the columns' positions and moves these on to the draws of the rows.
+  void ShuffleStrata(const RandomStream& stream) {
+    strata = AnalysisArray<std::int32_t>(samples * places.size());
+    ParallelFor(places.size(), [&](std::size_t c) {
+      const std::span<std::int32_t> column = strata.Span().subspan(c * samples, samples);
+      std::iota(column.begin(), column.end(), 0);
+      positions[c] = Shuffle(stream, positions[c], column);
+    });
+  }
 };
+
+// How many draws a column takes, where that is known before they are made.
+std::optional<std::uint64_t> ColumnDraws(const VariableSampler& sampler, bool latinHypercube,
+                                         std::uint64_t samples) {
+  if (latinHypercube) return samples + (samples > 1 ? samples : 0);
+  const auto draws = sampler.FixedDraws();
+  if (!draws) return std::nullopt;
+  return *draws * samples;
+}
 
 // One task's rows, a few at a time: column by column into a buffer in the cache, then row by row into the
 // matrix. False when a value is not finite.
-bool DrawRows(const FixedColumns& columns, const RandomStream& stream, std::size_t begin, std::size_t end,
+bool DrawRows(const OpenColumns& columns, const RandomStream& stream, std::size_t begin, std::size_t end,
               std::size_t stride, std::span<double> matrix) {
   std::array<double, kMostColumns * kRowsPerTile> buffer;
   std::array<std::span<double>, kMostColumns> tile;
@@ -61,8 +97,7 @@ bool DrawRows(const FixedColumns& columns, const RandomStream& stream, std::size
     const std::size_t rows = std::min(kRowsPerTile, end - row);
     for (std::size_t c = 0; c < count; ++c) {
       tile[c] = {buffer.data() + c * kRowsPerTile, rows};
-      const VariableSampler& sampler = *columns.samplers[c];
-      sampler.DrawFixed(stream, columns.positions[c] + *sampler.FixedDraws() * row, tile[c]);
+      columns.Draw(stream, c, row, tile[c]);
       if (!AreFinite(tile[c])) return false;
     }
     WriteRows({tile.data(), count}, columns.places, 0, rows, row, stride, matrix);
@@ -70,10 +105,12 @@ bool DrawRows(const FixedColumns& columns, const RandomStream& stream, std::size
   return true;
 }
 
-class MonteCarlo {
+class MatrixGenerator {
  public:
-  MonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress)
+  MatrixGenerator(const SimulationDesign& design, bool latinHypercube, std::span<double> matrix,
+                  CKroProgressBar& progress)
       : design_(design),
+        latinHypercube_(latinHypercube),
         samples_(static_cast<std::size_t>(design.numberOfSamples)),
         matrix_(matrix),
         progress_(progress) {}
@@ -82,7 +119,7 @@ class MonteCarlo {
     for (const std::size_t j : design_.ActiveVariables()) {
       Sampler sampler = MakeSampler(design_, j);
       if (!sampler) return false;
-      const auto draws = sampler->FixedDraws();
+      const auto draws = ColumnDraws(*sampler, latinHypercube_, samples_);
       if (!draws) {
         if (!DrawInOrder(*sampler, j)) return false;
         continue;
@@ -90,7 +127,7 @@ class MonteCarlo {
       columns_.samplers.push_back(std::move(sampler));
       columns_.positions.push_back(position_);
       columns_.places.push_back(j);
-      position_ += *draws * samples_;
+      position_ += *draws;
       if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
     }
     if (!DrawGathered()) return false;
@@ -101,8 +138,10 @@ class MonteCarlo {
  private:
   // The columns gathered so far, all of them together.
   bool DrawGathered() {
-    const FixedColumns columns = std::exchange(columns_, {});
+    OpenColumns columns = std::exchange(columns_, OpenColumns());
     if (columns.places.empty()) return true;
+    columns.samples = samples_;
+    if (latinHypercube_) columns.ShuffleStrata(stream_);
     for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
       const std::size_t rows = std::min(kRowsPerLook, samples_ - from);
       std::atomic<bool> isFinite = true;
@@ -129,22 +168,14 @@ class MonteCarlo {
   }
 
   const SimulationDesign& design_;
+  bool latinHypercube_;
   std::size_t samples_;
   std::span<double> matrix_;
   CKroProgressBar& progress_;
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
-  FixedColumns columns_;
+  OpenColumns columns_;
 };
-
-// How many draws a column takes, where that is known before they are made.
-std::optional<std::uint64_t> ColumnDraws(const VariableSampler& sampler, bool latinHypercube,
-                                         std::uint64_t samples) {
-  if (latinHypercube) return samples + (samples > 1 ? samples : 0);
-  const auto draws = sampler.FixedDraws();
-  if (!draws) return std::nullopt;
-  return *draws * samples;
-}
 
 }  // namespace
 
@@ -162,22 +193,12 @@ void SeedRandomStream(bool seeded, double seed) {
 }
 
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress) {
-  return MonteCarlo(design, matrix, progress).Run();
+  return MatrixGenerator(design, false, matrix, progress).Run();
 }
 
 bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
                             CKroProgressBar& progress) {
-  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
-  const std::vector<std::size_t> active = design.ActiveVariables();
-  ColumnBuffers buffers(samples, active.size());
-  for (std::size_t from = 0; from < active.size(); from += buffers.Most()) {
-    const auto variables = std::span(active).subspan(from, std::min(buffers.Most(), active.size() - from));
-    const auto columns = buffers.First(variables.size());
-    if (!GenerateColumns(design, true, variables, columns)) return false;
-    WriteColumns(columns, variables, design.variables.size(), matrix);
-    progress.Step(static_cast<std::int64_t>(samples * variables.size()));
-  }
-  return true;
+  return MatrixGenerator(design, true, matrix, progress).Run();
 }
 
 bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,

@@ -72,7 +72,10 @@ bool VariableSampler::HasValues() const {
 }
 
 void VariableSampler::Invert(std::span<double> probabilities) const {
-  for (double& p : probabilities) p = std::clamp(p, leastProbability_, mostProbability_);
+  for (double& p : probabilities) {
+    const double raised = p < leastProbability_ ? leastProbability_ : p;
+    p = raised > mostProbability_ ? mostProbability_ : raised;
+  }
   law_.Quantile(probabilities, probabilities);
   if (!IsContinuous(specification_.code)) return;
   if (lowest_ > -kUnbounded)
@@ -170,20 +173,35 @@ void VariableSampler::InvertRejected(std::span<const std::size_t> rows, std::spa
   });
 }
 
+// stratum(i) is the stratum of out[i], counted from 0; it is asked for before out[i] is written.
+template <class Stratum>
+void VariableSampler::FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                                 const Stratum& stratum, std::span<double> out) const {
+  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(samples);
+  std::array<double, kTile> uniforms;
+  for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
+    const std::span<double> tile = out.subspan(begin, std::min(kTile, out.size() - begin));
+    stream.FillUniform(position + begin, {uniforms.data(), tile.size()});
+    for (std::size_t i = 0; i < tile.size(); ++i)
+      tile[i] = lowerProbability_ + stratum(begin + i) * width + uniforms[i] * width;
+    Invert(tile);
+  }
+}
+
+void VariableSampler::DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                                 std::span<const std::int32_t> strata, std::span<double> out) const {
+  FillStrata(
+      stream, position, samples, [&](std::size_t i) { return static_cast<double>(strata[i]); }, out);
+}
+
 std::uint64_t VariableSampler::DrawStratified(const RandomStream& stream, std::uint64_t position,
                                               std::span<double> out) const {
-  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(out.size());
-  for (std::size_t i = 0; i < out.size(); ++i) out[i] = static_cast<double>(i + 1);
+  for (std::size_t i = 0; i < out.size(); ++i) out[i] = static_cast<double>(i);
   position = Shuffle(stream, position, out);
   ParallelBlocks(out.size(), kBlock, [&](std::size_t begin, std::size_t end) {
-    std::array<double, kTile> uniforms;
-    for (std::size_t at = begin; at < end; at += kTile) {
-      const std::span<double> tile = out.subspan(at, std::min(kTile, end - at));
-      stream.FillUniform(position + at, {uniforms.data(), tile.size()});
-      for (std::size_t i = 0; i < tile.size(); ++i)
-        tile[i] = lowerProbability_ + (tile[i] - 1) * width + uniforms[i] * width;
-      Invert(tile);
-    }
+    const std::span<double> block = out.subspan(begin, end - begin);
+    FillStrata(
+        stream, position + begin, out.size(), [&](std::size_t i) { return block[i]; }, block);
   });
   return position + out.size();
 }

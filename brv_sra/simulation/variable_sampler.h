@@ -50,14 +50,21 @@ class VariableSampler {
   // Monte Carlo values of any type; returns the position of the draw after the last one used.
   std::uint64_t DrawInOrder(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
 
-  // A Latin hypercube column: a permutation of the strata, then one uniform deviate within each. Returns the
-  // position of the draw after the last one used.
+  // Latin hypercube values: out[i] is a uniform point, the draw at position + i, of the stratum strata[i],
+  // counted from 0, of `samples` strata of equal probability.
+  void DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                  std::span<const std::int32_t> strata, std::span<double> out) const;
+  // A whole column of them: a permutation of the strata, then one draw within each. Returns the position of
+  // the draw after the last one used.
   std::uint64_t DrawStratified(const RandomStream& stream, std::uint64_t position,
                                std::span<double> out) const;
 
  private:
   void SetRanges(bool truncate, ParameterSource source);
   bool HasValues() const;
+  template <class Stratum>
+  void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                  const Stratum& stratum, std::span<double> out) const;
   void InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const;
 
   DistributionSpecification specification_;
