@@ -57,13 +57,18 @@ struct OpenColumns {
   std::size_t samples = 0;
   AnalysisArray<std::int32_t> strata;  // of the first column, then of the next, …; none under Monte Carlo
 
-  // The values of some rows of a column.
-  void Draw(const RandomStream& stream, std::size_t column, std::size_t row, std::span<double> out) const {
+  // The values of some rows of a column. False when one is not finite; candidates of a fixed number of draws
+  // always are.
+  bool Draw(const RandomStream& stream, std::size_t column, std::size_t row, std::span<double> out) const {
     const VariableSampler& sampler = *samplers[column];
-    if (strata.size() == 0)
-      return sampler.DrawFixed(stream, positions[column] + *sampler.FixedDraws() * row, out);
+    if (strata.size() == 0) {
+      const std::size_t draws = *sampler.FixedDraws();
+      sampler.DrawFixed(stream, positions[column] + draws * row, out);
+      return draws > 1 || AreFinite(out);
+    }
     sampler.DrawStrata(stream, positions[column] + row, samples,
                        strata.Span().subspan(column * samples + row, out.size()), out);
+    return AreFinite(out);
   }
 
   // Draws the permutations at the columns' positions and moves these on to the draws of the rows.
@@ -95,10 +100,10 @@ bool DrawRows(const OpenColumns& columns, const RandomStream& stream, std::size_
   const std::size_t count = columns.places.size();
   for (std::size_t row = begin; row < end; row += kRowsPerTile) {
     const std::size_t rows = std::min(kRowsPerTile, end - row);
+    FetchForWriting(matrix.subspan(row * stride, rows * stride));
     for (std::size_t c = 0; c < count; ++c) {
       tile[c] = {buffer.data() + c * kRowsPerTile, rows};
-      columns.Draw(stream, c, row, tile[c]);
-      if (!AreFinite(tile[c])) return false;
+      if (!columns.Draw(stream, c, row, tile[c])) return false;
     }
     WriteRows({tile.data(), count}, columns.places, 0, rows, row, stride, matrix);
   }

@@ -51,29 +51,29 @@ struct Generation : testing::Test {
   }
 };
 
-// Tables of types, truncations, sources, methods and sizes at once; the thread limit in the outermost loop.
 TEST_F(Generation, FastEngineGivesTheBitsOfOneDrawAfterAnother) {
-  for (const std::size_t threads : {1, 4}) {
-    const ThreadLimit limit(threads);
-    for (const Truncation& truncation : kTruncations) {
-      design.variables.clear();
-      for (const SimulationVariable& law : SampledLaws())
-        design.variables.push_back(Truncated(law, truncation));
-      design.excluded = {2};
-      design.truncate = truncation.band;
-      for (const bool latinHypercube : {false, true}) {
-        for (const std::int32_t n : {1, 2, 5, 1000, 70'000}) {
-          if (n == 70'000 && (threads == 1) != latinHypercube) continue;
-          for (const auto source : {ParameterSource::kUserSpecified, ParameterSource::kFitted}) {
-            if (n > 5 && source == ParameterSource::kFitted) continue;
+  for (const Truncation& truncation : kTruncations) {
+    design.variables.clear();
+    for (const SimulationVariable& law : SampledLaws())
+      design.variables.push_back(Truncated(law, truncation));
+    design.excluded = {2};
+    design.truncate = truncation.band;
+    for (const bool latinHypercube : {false, true}) {
+      for (const std::int32_t n : {1, 2, 5, 1000, 70'000}) {
+        if (n == 70'000 && truncation.below > 0) continue;  // the plain way is slow there
+        for (const auto source : {ParameterSource::kUserSpecified, ParameterSource::kFitted}) {
+          if (n > 5 && source == ParameterSource::kFitted) continue;
+          design.source = source;
+          design.numberOfSamples = n;
+          SeedRandomStream(true, 7);
+          const auto expected = reference::Generate(design, latinHypercube);
+          const auto position = ProcessStreamPosition();
+          for (const std::size_t threads : {1, 4}) {
             SCOPED_TRACE(testing::Message() << truncation.name << ", hypercube " << latinHypercube << ", n "
                                             << n << ", threads " << threads);
-            design.source = source;
+            const ThreadLimit limit(threads);
             const auto matrix = Generate(MethodOf(latinHypercube), 7, n);
-            const auto position = ProcessStreamPosition();
-            SeedRandomStream(true, 7);
-            const auto expected = reference::Generate(design, latinHypercube);
-            EXPECT_EQ(position, ProcessStreamPosition());
+            EXPECT_EQ(ProcessStreamPosition(), position);
             for (std::size_t i = 0; i < matrix.size(); ++i) {
               const std::size_t j = i % design.variables.size();
               ASSERT_EQ(matrix[i], expected[i]) << "row " << i / design.variables.size() << ", column " << j;
@@ -165,7 +165,7 @@ double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler&
 }
 
 TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
-  for (const Truncation& truncation : {kTruncations[0], kTruncations[1], kTruncations[2]}) {
+  for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
     for (const SimulationVariable& plain : SampledLaws()) {
       for (const bool latinHypercube : {false, true}) {
         design.truncate = truncation.band;

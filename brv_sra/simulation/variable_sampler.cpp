@@ -99,6 +99,11 @@ void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t positi
   for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
     const std::size_t count = std::min(kTile, out.size() - begin);
     const std::span<double> tile = out.subspan(begin, count);
+    if (stride == 2) {  // the fallbacks' draws in between are never looked at
+      stream.FillAlternate(position + stride * begin + 1, {first.data(), count});
+      candidates_->Fill({first.data(), count}, tile, tile);
+      continue;
+    }
     const std::span<double> used(draws.data(), stride * count);
     stream.FillUniform(position + stride * begin, used);
     if (stride == 1) {
@@ -107,9 +112,10 @@ void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t positi
       Invert(tile);
       continue;
     }
-    for (std::size_t i = 0; i < count; ++i) first[i] = used[stride * i + 1];
-    if (stride == 3)
-      for (std::size_t i = 0; i < count; ++i) tile[i] = used[3 * i + 2];
+    for (std::size_t i = 0; i < count; ++i) {
+      first[i] = used[3 * i + 1];
+      tile[i] = used[3 * i + 2];
+    }
     candidates_->Fill({first.data(), count}, tile, tile);
   }
 }
