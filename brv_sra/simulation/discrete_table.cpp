@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "host/numeric/distributions.h"
 
@@ -20,54 +21,97 @@ std::uint32_t Rounded(double probability) {
   return static_cast<std::uint32_t>(std::round(probability * kProbabilityScale));
 }
 
-std::vector<double> SmallMeanProbabilities(double mean) {
-  std::vector<double> probabilities{std::exp(-mean)};
-  for (double k = 1;; ++k) {
-    const double next = probabilities.back() * mean / k;
-    if (!(next > kSmallestKept)) return probabilities;
-    probabilities.push_back(next);
+// The probabilities of first, first + 1, …
+struct Support {
+  double first = 0;
+  std::vector<double> probabilities;
+};
+
+// Walks from `start`, which has the probability p, up and then down over the values worth keeping.
+// up(p, k) turns the probability of k - 1 into that of k; down(p, k) that of k into that of k - 1. Gives up,
+// with more values than any table takes, where they are too many.
+template <class Up, class Down>
+Support Walk(double start, double atStart, const Up& up, const Down& down) {
+  Support support{start, {}};
+  std::vector<double>& kept = support.probabilities;
+  double p = atStart;
+  while (support.first > 0 && kept.size() <= DiscreteTable::kMostValues) {
+    p = down(p, support.first);
+    if (!(p >= kSmallestKept)) break;
+    kept.push_back(p);
+    --support.first;
   }
+  std::ranges::reverse(kept);
+  kept.push_back(atStart);
+  p = atStart;
+  for (double k = start + 1; kept.size() <= DiscreteTable::kMostValues; ++k) {
+    p = up(p, k);
+    if (!(p > kSmallestKept)) break;
+    kept.push_back(p);
+  }
+  return support;
 }
 
-// Walks from the mode up and down; `first` becomes the smallest value kept.
-std::vector<double> LargeMeanProbabilities(double mean, double& first) {
+Support PoissonSupport(double mean) {
+  const auto up = [mean](double p, double k) { return p * mean / k; };
+  const auto down = [mean](double p, double k) { return p * k / mean; };
+  if (mean < kSmallMean) return Walk(0, std::exp(-mean), up, down);
   const double mode = std::round(mean);
-  std::vector<double> below;
-  const double atMode = poisson::Density(mode, mean);
-  double p = atMode;
-  double k = mode;
-  while (k > 0 && p * k / mean >= kSmallestKept) {
-    p = p * k / mean;
-    --k;
-    below.push_back(p);
+  return Walk(mode, poisson::Density(mode, mean), up, down);
+}
+
+// Walks from 0 where its probability is worth keeping, as for a small Poisson mean, else from the mode.
+Support BinomialSupport(double proportion, double trials) {
+  const double q = 1 - proportion;
+  const auto up = [=](double p, double k) { return p * ((trials - k + 1) * proportion) / (k * q); };
+  const auto down = [=](double p, double k) { return p * (k * q) / ((trials - k + 1) * proportion); };
+  const double atZero = binomial::Density(0, proportion, trials);
+  if (atZero > kSmallestKept) return Walk(0, atZero, up, down);
+  const double mode = std::min(trials, std::floor((trials + 1) * proportion));
+  return Walk(mode, binomial::Density(mode, proportion, trials), up, down);
+}
+
+Support GeometricSupport(double proportion) {
+  const double q = 1 - proportion;
+  const auto up = [q](double p, double) { return p * q; };
+  return Walk(0, proportion, up, up);
+}
+
+Support SupportOf(const DistributionSpecification& specification) {
+  const std::vector<double>& v = specification.values;
+  switch (specification.code) {
+    case DistributionCode::kBinomial:
+      return BinomialSupport(v[0], v[1]);
+    case DistributionCode::kPoisson:
+      return PoissonSupport(v[0]);
+    case DistributionCode::kGeometric:
+      return GeometricSupport(v[0]);
+    default:
+      return {};
   }
-  first = k;
-  std::vector<double> probabilities(below.rbegin(), below.rend());
-  p = atMode;
-  k = mode;
-  while (p > kSmallestKept) {
-    probabilities.push_back(p);
-    ++k;
-    p = p * mean / k;
-  }
-  return probabilities;
 }
 
 }  // namespace
 
-DiscreteTable DiscreteTable::Poisson(double mean) {
-  double first = 0;
-  const std::vector<double> probabilities =
-      mean < kSmallMean ? SmallMeanProbabilities(mean) : LargeMeanProbabilities(mean, first);
-  std::vector<std::uint32_t> rounded(probabilities.size());
-  std::ranges::transform(probabilities, rounded.begin(), Rounded);
-  return {first, rounded};
+std::optional<DiscreteTable> DiscreteTable::Of(const DistributionSpecification& specification) {
+  const Support support = SupportOf(specification);
+  const std::size_t count = support.probabilities.size();
+  if (count == 0 || count > kMostValues) return std::nullopt;
+  std::vector<std::uint32_t> rounded(count);
+  std::ranges::transform(support.probabilities, rounded.begin(), Rounded);
+  const double total = std::accumulate(rounded.begin(), rounded.end(), 0.0) / kProbabilityScale;
+  if (std::abs(total - 1) > kTotalTolerance) return std::nullopt;
+  return DiscreteTable(support.first, rounded);
 }
 
 DiscreteTable::DiscreteTable(double firstValue, const std::vector<std::uint32_t>& probabilities)
     : firstValue_(firstValue),
       mostProbable_(
           static_cast<std::uint32_t>(std::ranges::max_element(probabilities) - probabilities.begin())) {
+  const auto isPossible = [](std::uint32_t probability) { return probability != 0; };
+  lowest_ = firstValue +
+            static_cast<double>(std::ranges::find_if(probabilities, isPossible) - probabilities.begin());
+  highest_ = firstValue + static_cast<double>(probabilities.size() - 1);
   std::uint32_t end = 0;
   for (std::size_t digit = 0; digit < kDigits; ++digit) {
     // A probability of a whole 2^30 has 64 for its leading digit; all others stay below 64.

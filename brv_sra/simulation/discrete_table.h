@@ -3,7 +3,11 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <vector>
+
+#include "brv_sra/distributions/specification.h"
 
 namespace brenvolt::sra {
 
@@ -13,22 +17,29 @@ namespace brenvolt::sra {
 // Rounded probabilities need not add up to 2^30; draws beyond their sum give the most probable value.
 class DiscreteTable {
  public:
-  // The largest Poisson mean with a table: beyond it the tables outgrow their use.
-  static constexpr double kLargestPoissonMean = 1e8;
+  // The largest support with a table: beyond it the tables outgrow every cache.
+  static constexpr std::size_t kMostValues = std::size_t{1} << 17;
+  // How far the rounded probabilities may be from adding up to 1.
+  static constexpr double kTotalTolerance = 1e-5;
 
-  // The table of the Poisson distribution, 0 < mean <= kLargestPoissonMean.
-  static DiscreteTable Poisson(double mean);
+  // The table of a valid binomial, Poisson or geometric distribution. Nothing for another type, and where 30
+  // bits cannot carry the distribution: too many values, or too large a share on values too rare to be kept.
+  static std::optional<DiscreteTable> Of(const DistributionSpecification& specification);
 
-  // The value for a uniform deviate in [0, 1).
+  // The value for a uniform deviate in [0, 1); the smallest and the largest that there is.
   double Lookup(double uniform) const;
+  double Lowest() const { return lowest_; }
+  double Highest() const { return highest_; }
 
  private:
+  static constexpr int kDigits = 5;
+
   // `probabilities[i]` is the 30-bit integer probability of firstValue + i.
   DiscreteTable(double firstValue, const std::vector<std::uint32_t>& probabilities);
 
-  static constexpr int kDigits = 5;
-
   double firstValue_;
+  double lowest_;
+  double highest_;
   std::uint32_t mostProbable_ = 0;
   std::array<std::uint32_t, kDigits> ends_{};  // where the share of each digit's table ends
   std::array<std::vector<std::uint32_t>, kDigits> tables_;

@@ -1,10 +1,23 @@
 #include "brv_sra/simulation/sample_generation.h"
 
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <ctime>
+#include <memory>
+#include <numeric>
+#include <optional>
+#include <utility>
 #include <vector>
 
+#include "brv_sra/simulation/matrix_columns.h"
+#include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/variable_sampler.h"
+#include "host/analysis/analysis_memory.h"
+#include "host/base/parallel.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt::sra {
@@ -12,59 +25,162 @@ namespace {
 
 constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
-// How many values are drawn between two looks at the clock.
-constexpr std::size_t kProgressStride = 4096;
+// Rows between two looks at the clock, and rows whose values one task holds before it writes them.
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
+constexpr std::size_t kRowsPerTile = 256;
 
-// One column of the matrix, filled from row to row.
-struct Column {
-  std::span<double> matrix;
-  std::size_t variables;
-  std::size_t index;
-  std::size_t samples;
+// A value that is not finite: the distribution reaches beyond what a double holds.
+// By the bits of the exponent, all set: integers, so that the loop is done with vectors.
+bool AreFinite(std::span<const double> values) {
+  constexpr std::uint64_t kMagnitude = ~std::uint64_t{0} >> 1;
+  constexpr std::uint64_t kLastExponentBit = std::uint64_t{1} << 52;
+  std::uint64_t carried = 0;
+  for (const double x : values) carried |= (std::bit_cast<std::uint64_t>(x) & kMagnitude) + kLastExponentBit;
+  return carried >> 63 == 0;
+}
+
+using Sampler = std::unique_ptr<const VariableSampler>;
+
+// Null when the variable cannot be sampled.
+Sampler MakeSampler(const SimulationDesign& design, std::size_t variable) {
+  auto sampler = std::make_unique<const VariableSampler>(design.variables[variable].specification,
+                                                         design.truncate, design.source);
+  return sampler->IsValid() ? std::move(sampler) : nullptr;
+}
+
+// Columns of which any row can be drawn at once: Monte Carlo columns whose values all take the same number of
+// draws, or Latin hypercube columns once their strata are known.
+struct OpenColumns {
+  std::vector<Sampler> samplers;
+  std::vector<std::uint64_t> positions;
+  std::vector<std::size_t> places;
+  std::size_t samples = 0;
+  AnalysisArray<std::int32_t> strata;  // of the first column, then of the next, …; none under Monte Carlo
+
+  // The values of some rows of a column. False when one is not finite; candidates of a fixed number of draws
+  // always are.
+  bool Draw(const RandomStream& stream, std::size_t column, std::size_t row, std::span<double> out) const {
+    const VariableSampler& sampler = *samplers[column];
+    if (strata.size() == 0) {
+      const std::size_t draws = *sampler.FixedDraws();
+      sampler.DrawFixed(stream, positions[column] + draws * row, out);
+      return draws > 1 || AreFinite(out);
+    }
+    sampler.DrawStrata(stream, positions[column] + row, samples,
+                       strata.Span().subspan(column * samples + row, out.size()), out);
+    return AreFinite(out);
+  }
+
+  // Draws the permutations at the columns' positions and moves these on to the draws of the rows.
+  void ShuffleStrata(const RandomStream& stream) {
+    strata = AnalysisArray<std::int32_t>(samples * places.size());
+    ParallelFor(places.size(), [&](std::size_t c) {
+      const std::span<std::int32_t> column = strata.Span().subspan(c * samples, samples);
+      std::iota(column.begin(), column.end(), 0);
+      positions[c] = Shuffle(stream, positions[c], column);
+    });
+  }
 };
 
-// False when a value is not finite: the distribution reaches beyond what a double holds.
-template <class Draw>
-bool FillColumn(const Column& column, CKroProgressBar& progress, const Draw& draw) {
-  for (std::size_t i = 0; i < column.samples; ++i) {
-    if (i % kProgressStride == kProgressStride - 1) progress.Step(kProgressStride);
-    const double x = draw(i);
-    if (!std::isfinite(x)) return false;
-    column.matrix[i * column.variables + column.index] = x;
-  }
-  progress.Step(static_cast<std::int64_t>(column.samples % kProgressStride));
-  return true;
+// How many draws a column takes, where that is known before they are made.
+std::optional<std::uint64_t> ColumnDraws(const VariableSampler& sampler, bool latinHypercube,
+                                         std::uint64_t samples) {
+  if (latinHypercube) return samples + (samples > 1 ? samples : 0);
+  const auto draws = sampler.FixedDraws();
+  if (!draws) return std::nullopt;
+  return *draws * samples;
 }
 
-using DrawColumn = bool (*)(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress);
-
-bool DrawMonteCarloColumn(const VariableSampler& sampler, const Column& column, CKroProgressBar& progress) {
-  return FillColumn(column, progress, [&](std::size_t) { return sampler.DrawMonteCarlo(); });
-}
-
-bool DrawLatinHypercubeColumn(const VariableSampler& sampler, const Column& column,
-                              CKroProgressBar& progress) {
-  std::vector<double> strata(column.samples);
-  RandomPermutation(strata);
-  const double width =
-      (sampler.UpperProbability() - sampler.LowerProbability()) / static_cast<double>(column.samples);
-  return FillColumn(column, progress, [&](std::size_t i) {
-    const double uniform = rnd_(0);
-    return sampler.Inverse(sampler.LowerProbability() + (strata[i] - 1) * width + uniform * width);
-  });
-}
-
-bool GenerateColumns(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress,
-                     DrawColumn draw) {
-  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
-  const std::size_t variables = design.variables.size();
-  for (std::size_t j = 0; j < variables; ++j) {
-    if (design.IsExcluded(j)) continue;
-    const VariableSampler sampler(design.variables[j].specification, design.truncate);
-    if (!sampler.IsValid() || !draw(sampler, {matrix, variables, j, samples}, progress)) return false;
+// One task's rows, a few at a time: column by column into a buffer in the cache, then row by row into the
+// matrix. False when a value is not finite.
+bool DrawRows(const OpenColumns& columns, const RandomStream& stream, std::size_t begin, std::size_t end,
+              std::size_t stride, std::span<double> matrix) {
+  std::array<double, kMostColumns * kRowsPerTile> buffer;
+  std::array<std::span<double>, kMostColumns> tile;
+  const std::size_t count = columns.places.size();
+  for (std::size_t row = begin; row < end; row += kRowsPerTile) {
+    const std::size_t rows = std::min(kRowsPerTile, end - row);
+    FetchForWriting(matrix.subspan(row * stride, rows * stride));
+    for (std::size_t c = 0; c < count; ++c) {
+      tile[c] = {buffer.data() + c * kRowsPerTile, rows};
+      if (!columns.Draw(stream, c, row, tile[c])) return false;
+    }
+    WriteRows({tile.data(), count}, columns.places, 0, rows, row, stride, matrix);
   }
   return true;
 }
+
+class MatrixGenerator {
+ public:
+  MatrixGenerator(const SimulationDesign& design, bool latinHypercube, std::span<double> matrix,
+                  CKroProgressBar& progress)
+      : design_(design),
+        latinHypercube_(latinHypercube),
+        samples_(static_cast<std::size_t>(design.numberOfSamples)),
+        matrix_(matrix),
+        progress_(progress) {}
+
+  bool Run() {
+    for (const std::size_t j : design_.ActiveVariables()) {
+      Sampler sampler = MakeSampler(design_, j);
+      if (!sampler) return false;
+      const auto draws = ColumnDraws(*sampler, latinHypercube_, samples_);
+      if (!draws) {
+        if (!DrawInOrder(*sampler, j)) return false;
+        continue;
+      }
+      columns_.samplers.push_back(std::move(sampler));
+      columns_.positions.push_back(position_);
+      columns_.places.push_back(j);
+      position_ += *draws;
+      if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
+    }
+    if (!DrawGathered()) return false;
+    SetProcessStreamPosition(position_);
+    return true;
+  }
+
+ private:
+  // The columns gathered so far, all of them together.
+  bool DrawGathered() {
+    OpenColumns columns = std::exchange(columns_, OpenColumns());
+    if (columns.places.empty()) return true;
+    columns.samples = samples_;
+    if (latinHypercube_) columns.ShuffleStrata(stream_);
+    for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
+      const std::size_t rows = std::min(kRowsPerLook, samples_ - from);
+      std::atomic<bool> isFinite = true;
+      ParallelBlocks(rows, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+        if (!DrawRows(columns, stream_, from + begin, from + end, design_.variables.size(), matrix_))
+          isFinite = false;
+      });
+      if (!isFinite) return false;
+      progress_.Step(static_cast<std::int64_t>(rows * columns.places.size()));
+    }
+    return true;
+  }
+
+  bool DrawInOrder(const VariableSampler& sampler, std::size_t place) {
+    AnalysisArray<double> buffer(std::min(samples_, kRowsPerLook));
+    for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
+      const std::span<double> rows = buffer.Span().first(std::min(kRowsPerLook, samples_ - from));
+      position_ = sampler.DrawInOrder(stream_, position_, rows);
+      if (!AreFinite(rows)) return false;
+      WriteRows({&rows, 1}, {&place, 1}, 0, rows.size(), from, design_.variables.size(), matrix_);
+      progress_.Step(static_cast<std::int64_t>(rows.size()));
+    }
+    return true;
+  }
+
+  const SimulationDesign& design_;
+  bool latinHypercube_;
+  std::size_t samples_;
+  std::span<double> matrix_;
+  CKroProgressBar& progress_;
+  RandomStream stream_ = ProcessStream();
+  std::uint64_t position_ = ProcessStreamPosition();
+  OpenColumns columns_;
+};
 
 }  // namespace
 
@@ -82,23 +198,44 @@ void SeedRandomStream(bool seeded, double seed) {
 }
 
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress) {
-  return GenerateColumns(design, matrix, progress, DrawMonteCarloColumn);
+  return MatrixGenerator(design, false, matrix, progress).Run();
 }
 
 bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
                             CKroProgressBar& progress) {
-  return GenerateColumns(design, matrix, progress, DrawLatinHypercubeColumn);
+  return MatrixGenerator(design, true, matrix, progress).Run();
+}
+
+bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
+                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns) {
+  const RandomStream stream = ProcessStream();
+  std::uint64_t position = ProcessStreamPosition();
+  std::vector<Sampler> samplers(variables.size());
+  std::vector<std::uint64_t> positions(variables.size());
+  for (std::size_t c = 0; c < variables.size(); ++c) {
+    samplers[c] = MakeSampler(design, variables[c]);
+    if (!samplers[c]) return false;
+    positions[c] = position;
+    if (const auto draws = ColumnDraws(*samplers[c], latinHypercube, columns[c].size())) {
+      position += *draws;
+    } else {  // where it ends shows only when it is drawn
+      position = samplers[c]->DrawInOrder(stream, position, columns[c]);
+      samplers[c].reset();
+    }
+  }
+  SetProcessStreamPosition(position);
+  std::atomic<bool> areFinite = true;
+  ParallelFor(variables.size(), [&](std::size_t c) {
+    if (samplers[c] && latinHypercube) samplers[c]->DrawStratified(stream, positions[c], columns[c]);
+    if (samplers[c] && !latinHypercube) samplers[c]->DrawInOrder(stream, positions[c], columns[c]);
+    if (!AreFinite(columns[c])) areFinite = false;
+  });
+  return areFinite;
 }
 
 void RandomPermutation(std::span<double> values) {
-  const std::size_t n = values.size();
-  for (std::size_t i = 0; i < n; ++i) values[i] = static_cast<double>(i + 1);
-  if (n <= 1) return;
-  for (std::size_t t = 1; t <= n; ++t) {
-    auto r = static_cast<std::size_t>(std::floor(rnd_(0) * static_cast<double>(n - t + 1)));
-    if (r == n) r = n - 1;
-    std::swap(values[r], values[n - t]);
-  }
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i + 1);
+  SetProcessStreamPosition(Shuffle(ProcessStream(), ProcessStreamPosition(), values));
 }
 
 }  // namespace brenvolt::sra

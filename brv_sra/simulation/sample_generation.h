@@ -1,11 +1,12 @@
 // Raw simulated values: Monte Carlo and Latin hypercube sampling from the host's one random stream.
 //
 // The order of draws is part of the contract: columns in variable order, rows in order within a column, and
-// every Monte Carlo value draws one uniform deviate for its fallback first, used or not. The same seed,
-// design and method give the same samples.
+// every Monte Carlo value draws one uniform deviate for its fallback first, used or not (variable_sampler.h).
+// The same seed, design and method give the same samples, bit for bit what one draw after another gives, at
+// any number of threads; and the process's stream then stands where these draws would have left it.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <span>
 
 #include "brv_sra/simulation/simulation_design.h"
@@ -25,6 +26,12 @@ void SeedRandomStream(bool seeded, double seed);
 bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
 bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
                             CKroProgressBar& progress);
+
+// Generates the columns of the variables `variables`, each into a buffer of its own: columns[c], as long as
+// the design has samples, receives the values of variables[c]. Called for all active variables in their
+// order, some at a time, it draws what the generators above draw. False as above.
+bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
+                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns);
 
 // A random permutation of 1 … n, n the size of `values`, by the shuffle of Fisher and Yates (Durstenfeld
 // 1964); n draws, none for n = 1.

@@ -6,25 +6,27 @@
 #include <cmath>
 #include <map>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/simulation/discrete_table.h"
+#include "brv_sra/simulation/reference_generator_test.h"
+#include "brv_sra/simulation/sampled_laws_test.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
+#include "host/base/parallel.h"
+#include "host/numeric/chi_square.h"
 #include "host/numeric/distributions.h"
 #include "host/numeric/kolmogorov_smirnov.h"
 #include "host/numeric/random_stream.h"
+#include "host/numeric/sorting.h"
 
 namespace brenvolt::sra {
 namespace {
 
-SimulationVariable Of(DistributionCode code, std::vector<double> values, double offset = kNotSet) {
-  SimulationVariable variable;
-  variable.specification.code = code;
-  variable.specification.values = std::move(values);
-  variable.specification.offset = offset;
-  return variable;
+SimulationMethod MethodOf(bool latinHypercube) {
+  return latinHypercube ? SimulationMethod::kLatinHypercube : SimulationMethod::kMonteCarlo;
 }
 
 struct Generation : testing::Test {
@@ -49,43 +51,53 @@ struct Generation : testing::Test {
   }
 };
 
-// Written straight from the rules: columns in order; each value draws its fallback's uniform, then its
-// candidate.
-TEST_F(Generation, MonteCarloDrawsInTheFixedOrder) {
-  design.variables = {Of(DistributionCode::kNormal, {10, 2}), Of(DistributionCode::kWeibull, {3, 1.5}, 1),
-                      Of(DistributionCode::kLogNormal, {0, 1}, 2)};
-  const auto matrix = Generate(SimulationMethod::kMonteCarlo, 7, 5);
-  rnd_(-7);
-  for (int i = 0; i < 100; ++i) rnd_(0);
-  for (std::size_t i = 0; i < 5; ++i) {
-    rnd_(0);
-    EXPECT_EQ(matrix[3 * i], znormal_(2) + 10);
-  }
-  for (std::size_t i = 0; i < 5; ++i) EXPECT_EQ(matrix[3 * i + 1], weibull::Quantile(rnd_(0), 3, 1.5, 1));
-  for (std::size_t i = 0; i < 5; ++i) {
-    rnd_(0);
-    EXPECT_EQ(matrix[3 * i + 2], std::exp(znormal_(1) + 0) + 2);
+TEST_F(Generation, FastEngineGivesTheBitsOfOneDrawAfterAnother) {
+  for (const Truncation& truncation : kTruncations) {
+    design.variables.clear();
+    for (const SimulationVariable& law : SampledLaws())
+      design.variables.push_back(Truncated(law, truncation));
+    design.excluded = {2};
+    design.truncate = truncation.band;
+    for (const bool latinHypercube : {false, true}) {
+      for (const std::int32_t n : {1, 2, 5, 1000, 70'000}) {
+        if (n == 70'000 && truncation.below > 0) continue;  // the plain way is slow there
+        for (const auto source : {ParameterSource::kUserSpecified, ParameterSource::kFitted}) {
+          if (n > 5 && source == ParameterSource::kFitted) continue;
+          design.source = source;
+          design.numberOfSamples = n;
+          SeedRandomStream(true, 7);
+          const auto expected = reference::Generate(design, latinHypercube);
+          const auto position = ProcessStreamPosition();
+          for (const std::size_t threads : {1, 4}) {
+            SCOPED_TRACE(testing::Message() << truncation.name << ", hypercube " << latinHypercube << ", n "
+                                            << n << ", threads " << threads);
+            const ThreadLimit limit(threads);
+            const auto matrix = Generate(MethodOf(latinHypercube), 7, n);
+            EXPECT_EQ(ProcessStreamPosition(), position);
+            for (std::size_t i = 0; i < matrix.size(); ++i) {
+              const std::size_t j = i % design.variables.size();
+              ASSERT_EQ(matrix[i], expected[i]) << "row " << i / design.variables.size() << ", column " << j;
+            }
+          }
+        }
+      }
+    }
   }
 }
 
-TEST_F(Generation, LatinHypercubeDrawsThePermutationFirst) {
-  design.variables = {Of(DistributionCode::kNormal, {0, 1})};
-  const auto matrix = Generate(SimulationMethod::kLatinHypercube, 11, 6);
-  rnd_(-11);
-  for (int i = 0; i < 100; ++i) rnd_(0);
-  std::vector<double> strata{1, 2, 3, 4, 5, 6};
-  for (std::size_t t = 1; t <= 6; ++t) {
-    const auto r = static_cast<std::size_t>(rnd_(0) * static_cast<double>(6 - t + 1));
-    std::swap(strata[r], strata[6 - t]);
-  }
-  for (std::size_t i = 0; i < 6; ++i) {
-    const double width = 1.0 / 6;
-    EXPECT_EQ(matrix[i], normal::Quantile((strata[i] - 1) * width + rnd_(0) * width, 0, 1)) << i;
-  }
+// Untruncated candidates that overflow are rejected, too, and move the draws of all later values.
+TEST_F(Generation, CandidatesBeyondWhatADoubleHoldsAreDrawnAgain) {
+  design.variables = {VariableOf(DistributionCode::kLogNormal, {600, 80}, 0),
+                      VariableOf(DistributionCode::kNormal, {0, 1})};
+  const auto matrix = Generate(SimulationMethod::kMonteCarlo, 3, 1000);
+  SeedRandomStream(true, 3);
+  EXPECT_EQ(matrix, reference::Generate(design, false));
+  EXPECT_LE(std::ranges::max(matrix), 1e300);
 }
 
 TEST_F(Generation, ExcludedVariableStaysZeroAndDrawsNothing) {
-  design.variables = {Of(DistributionCode::kNormal, {5, 1}), Of(DistributionCode::kNormal, {0, 1})};
+  design.variables = {VariableOf(DistributionCode::kNormal, {5, 1}),
+                      VariableOf(DistributionCode::kNormal, {0, 1})};
   design.excluded = {0};
   const auto matrix = Generate(SimulationMethod::kMonteCarlo, 3, 4);
   EXPECT_EQ(Column(matrix, 0), std::vector<double>(4, 0.0));
@@ -98,49 +110,106 @@ TEST_F(Generation, ExcludedVariableStaysZeroAndDrawsNothing) {
   }());
 }
 
-struct Law {
-  const char* name;
-  DistributionCode code;
-  std::vector<double> values;
-  double offset;
-  TestCode testCode;
-};
-const Law kLaws[] = {{"normal", DistributionCode::kNormal, {3, 0.5}, kNotSet, TestCode::kNormal},
-                     {"log-normal", DistributionCode::kLogNormal, {1, 0.3}, -2, TestCode::kLogNormal},
-                     {"Weibull", DistributionCode::kWeibull, {80, 2.2}, 5, TestCode::kWeibull},
-                     {"Poisson", DistributionCode::kPoisson, {4.5}, kNotSet, TestCode::kPoisson},
-                     {"Poisson, large mean", DistributionCode::kPoisson, {60}, kNotSet, TestCode::kPoisson}};
+// P(X <= x) of the values that a method draws. Inversion takes the range of probabilities; rejection the
+// range of values, the lower end included.
+double CdfOf(const VariableSampler& sampler, const Law& law, bool byInversion, double x) {
+  const double low = byInversion
+                         ? sampler.LowerProbability()
+                         : law.Cdf(std::nextafter(std::max(sampler.LowestValue(), -1e300), -INFINITY));
+  const double high = byInversion ? sampler.UpperProbability() : law.Cdf(sampler.HighestValue());
+  return std::clamp((law.Cdf(x) - low) / (high - low), 0.0, 1.0);
+}
 
-TEST_F(Generation, SamplesFollowTheirLawUnderBothMethods) {
-  for (const Law& law : kLaws) {
-    for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
-      design.variables = {Of(law.code, law.values, law.offset)};
-      auto sample = Generate(method, 5, 100'000);
-      std::ranges::sort(sample);
-      double d = 1;
-      ASSERT_NE(ComputeKolmogorovSmirnovTest(law.testCode, law.values, sample,
-                                             IsNotSet(law.offset) ? 0 : law.offset, d),
-                0);
-      std::int32_t error = 0;
-      EXPECT_GT(ComputeKolmogorovSmirnovPvalue(100'000, d, error), 1e-6) << law.name << " d = " << d;
+double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampler, const Law& law) {
+  SortAscending(sample);
+  const auto n = static_cast<double>(sample.size());
+  std::vector<double> cdf(sample.size());
+  law.Cdf(sample, cdf);
+  const double low = sampler.LowerProbability();
+  double d = 0;
+  for (std::size_t i = 0; i < cdf.size(); ++i) {
+    const double f = (cdf[i] - low) / (sampler.UpperProbability() - low);
+    d = std::max({d, f - static_cast<double>(i) / n, static_cast<double>(i + 1) / n - f});
+  }
+  std::int32_t error = 0;
+  return ComputeKolmogorovSmirnovPvalue(static_cast<std::int32_t>(sample.size()), d, error);
+}
+
+// Neighbouring values are pooled until 20 are expected. Zero when a value is drawn that cannot be.
+double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler& sampler, const Law& law,
+                       bool byInversion) {
+  std::map<double, double> counts;
+  for (const double x : sample) ++counts[x];
+  const auto n = static_cast<double>(sample.size());
+  double statistic = 0;
+  double cells = 0;
+  double seen = 0;
+  double before = 0;
+  for (double x = std::floor(counts.begin()->first); x <= counts.rbegin()->first; ++x) {
+    const double below = CdfOf(sampler, law, byInversion, x - 1);
+    const double here = CdfOf(sampler, law, byInversion, x);
+    const auto count = counts.find(x);
+    if (count != counts.end()) {
+      if (here <= below) return 0;
+      seen += count->second;
+    }
+    const bool isLast = x == counts.rbegin()->first;
+    const double expected = ((isLast ? 1 : here) - before) * n;
+    if ((expected < 20 || (1 - here) * n < 20) && !isLast) continue;
+    statistic += (seen - expected) * (seen - expected) / expected;
+    ++cells;
+    seen = 0;
+    before = here;
+  }
+  return cells > 1 ? ChiSquareTail(statistic, cells - 1) : 1;
+}
+
+TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
+  for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
+    for (const SimulationVariable& plain : SampledLaws()) {
+      for (const bool latinHypercube : {false, true}) {
+        design.truncate = truncation.band;
+        design.variables = {Truncated(plain, truncation)};
+        const DistributionSpecification& specification = design.variables[0].specification;
+        const auto sample =
+            Generate(MethodOf(latinHypercube), 5, latinHypercube && truncation.band ? 200'000 : 1'000'000);
+        const VariableSampler sampler(specification, truncation.band);
+        const Law law(specification);
+        const double p = IsContinuous(specification.code)
+                             ? KolmogorovPValue(sample, sampler, law)
+                             : ChiSquarePValue(sample, sampler, law, latinHypercube);
+        EXPECT_GT(p, 1e-6) << DisplayName(specification.code) << ", " << truncation.name << ", hypercube "
+                           << latinHypercube;
+      }
     }
   }
 }
 
 TEST_F(Generation, LatinHypercubeHoldsOneValuePerStratum) {
-  design.variables = {Of(DistributionCode::kWeibull, {80, 2.2}, 5)};
-  auto sample = Generate(SimulationMethod::kLatinHypercube, 5, 1000);
-  std::vector<int> strata;
-  for (const double x : sample) strata.push_back(static_cast<int>(weibull::Cdf(x, 80, 2.2, 5) * 1000));
-  std::ranges::sort(strata);
-  for (int i = 0; i < 1000; ++i) ASSERT_EQ(strata[static_cast<std::size_t>(i)], i);
+  constexpr int kStrata = 1000;
+  for (const Truncation& truncation : kTruncations) {
+    for (const SimulationVariable& plain : SampledLaws()) {
+      if (!IsContinuous(plain.specification.code)) continue;
+      design.truncate = truncation.band;
+      design.variables = {Truncated(plain, truncation)};
+      auto sample = Generate(SimulationMethod::kLatinHypercube, 5, kStrata);
+      const VariableSampler sampler(design.variables[0].specification, truncation.band);
+      const Law law(design.variables[0].specification);
+      SortAscending(sample);
+      for (int i = 0; i < kStrata; ++i) {
+        const double f = CdfOf(sampler, law, true, sample[static_cast<std::size_t>(i)]) * kStrata;
+        ASSERT_NEAR(f, i + 0.5, 0.5 + 1e-6)
+            << DisplayName(plain.specification.code) << ", " << truncation.name;
+      }
+    }
+  }
 }
 
 TEST_F(Generation, TruncationHoldsUnderBothMethods) {
   const double far = normal::Quantile(1 - 1e-9, 0, 1);
   for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
     design.truncate = true;
-    design.variables = {Of(DistributionCode::kNormal, {0, 1})};
+    design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
     auto sample = Generate(method, 9, 20'000);
     EXPECT_GE(std::ranges::min(sample), normal::Quantile(0.005, 0, 1));
     EXPECT_LE(std::ranges::max(sample), normal::Quantile(0.995, 0, 1));
@@ -148,13 +217,13 @@ TEST_F(Generation, TruncationHoldsUnderBothMethods) {
     design.variables[0].specification.truncateBelow = true;
     design.variables[0].specification.truncationMinimum = 4;
     sample = Generate(method, 9, 20'000);
-    EXPECT_GE(std::ranges::min(sample), 4 * (1 - 1e-12)) << "far out, where candidates are always rejected";
+    EXPECT_GE(std::ranges::min(sample), 4) << "far out, where candidates are always rejected";
     EXPECT_LT(std::ranges::max(sample), far + 3);
   }
 }
 
 TEST_F(Generation, SeedsReproduceZeroIncluded) {
-  design.variables = {Of(DistributionCode::kNormal, {0, 1})};
+  design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
   for (const double seed : {0.0, 1.0, 65535.0, 2147483647.0, 4294967296.0, 1e15}) {
     const auto first = Generate(SimulationMethod::kMonteCarlo, seed, 100);
     rnd_(12345);
@@ -165,18 +234,52 @@ TEST_F(Generation, SeedsReproduceZeroIncluded) {
 
 TEST(Sampler, RefusesWhatCannotBeSampled) {
   const std::pair<const char*, SimulationVariable> cases[] = {
-      {"scale 0", Of(DistributionCode::kNormal, {0, 0})},
-      {"NaN", Of(DistributionCode::kWeibull, {NAN, 1}, 0)},
-      {"too few values", Of(DistributionCode::kNormal, {0})},
-      {"a mode beyond the maximum", Of(DistributionCode::kTriangular, {0, 1, 1.5})}};
+      {"scale 0", VariableOf(DistributionCode::kNormal, {0, 0})},
+      {"NaN", VariableOf(DistributionCode::kWeibull, {NAN, 1}, 0)},
+      {"too few values", VariableOf(DistributionCode::kNormal, {0})},
+      {"a mode beyond the maximum", VariableOf(DistributionCode::kTriangular, {0, 1, 1.5})}};
   for (const auto& [what, variable] : cases) {
     EXPECT_FALSE(VariableSampler(variable.specification, false).IsValid()) << what;
   }
-  auto disjoint = Of(DistributionCode::kNormal, {0, 1}).specification;
-  disjoint.truncateBelow = disjoint.truncateAbove = true;
-  disjoint.truncationMinimum = 1;
-  disjoint.truncationMaximum = -1;
-  EXPECT_FALSE(VariableSampler(disjoint, false).IsValid());
+}
+
+TEST(Sampler, RefusesLimitsThatLeaveNothing) {
+  struct Case {
+    const char* what;
+    SimulationVariable variable;
+    double minimum;
+    double maximum;
+    bool isValid;
+  };
+  const auto normal = VariableOf(DistributionCode::kNormal, {0, 1});
+  const auto binomial = VariableOf(DistributionCode::kBinomial, {0.5, 5});
+  const Case cases[] = {{"disjoint", normal, 1, -1, false},
+                        {"beyond every probability", normal, 40, 50, false},
+                        {"where candidates hardly come", normal, 7, 50, true},
+                        {"between neighbouring counts", binomial, 3.2, 3.8, false},
+                        {"a single count", binomial, 3, 3.5, true},
+                        {"the last count", binomial, 5, 9, true},
+                        {"below all counts", binomial, -3, -1, false}};
+  for (const Case& c : cases) {
+    auto specification = c.variable.specification;
+    specification.truncateBelow = specification.truncateAbove = true;
+    specification.truncationMinimum = c.minimum;
+    specification.truncationMaximum = c.maximum;
+    const VariableSampler sampler(specification, false);
+    ASSERT_EQ(sampler.IsValid(), c.isValid) << c.what;
+    if (!c.isValid) continue;
+    std::vector<double> values(2000);
+    for (const bool latinHypercube : {false, true}) {
+      if (latinHypercube)
+        sampler.DrawStratified(RandomStream(3), 0, values);
+      else
+        sampler.DrawInOrder(RandomStream(3), 0, values);
+      EXPECT_GE(std::ranges::min(values), c.minimum) << c.what;
+      EXPECT_LE(std::ranges::max(values), c.maximum) << c.what;
+    }
+    EXPECT_TRUE(VariableSampler(specification, false, ParameterSource::kFitted).FixedDraws().has_value())
+        << "limits do not count for fitted distributions";
+  }
 }
 
 TEST(RandomPermutation, IsAPermutationAndOneDrawsNothing) {
@@ -195,18 +298,41 @@ TEST(RandomPermutation, IsAPermutationAndOneDrawsNothing) {
 // Every 30-bit draw is equally likely: over an even grid of draws each value must come up as often as it
 // should.
 TEST(DiscreteTable, ReproducesItsProbabilities) {
-  for (const double mean : {0.01, 0.7, 21.3, 21.5, 300.0}) {
-    const DiscreteTable table = DiscreteTable::Poisson(mean);
+  using enum DistributionCode;
+  const std::pair<DistributionCode, std::vector<double>> cases[] = {
+      {kPoisson, {0.01}},        {kPoisson, {0.7}},        {kPoisson, {21.3}},  {kPoisson, {21.5}},
+      {kPoisson, {300}},         {kBinomial, {0, 4}},      {kBinomial, {1, 4}}, {kBinomial, {0.999, 8}},
+      {kBinomial, {0.5, 10000}}, {kBinomial, {1e-9, 2e9}}, {kGeometric, {1}},   {kGeometric, {0.3}},
+      {kGeometric, {0.01}}};
+  for (const auto& [code, values] : cases) {
+    const auto variable = VariableOf(code, values);
+    const Law law(variable.specification);
+    const auto table = DiscreteTable::Of(variable.specification);
+    ASSERT_TRUE(table.has_value()) << DisplayName(code) << ' ' << values[0];
     constexpr int kDraws = 1 << 20;
     std::map<double, double> share;
-    for (int i = 0; i < kDraws; ++i) share[table.Lookup((i + 0.5) / kDraws)] += 1.0 / kDraws;
+    for (int i = 0; i < kDraws; ++i) share[table->Lookup((i + 0.5) / kDraws)] += 1.0 / kDraws;
     double total = 0;
     for (const auto& [value, measured] : share) {
-      EXPECT_NEAR(measured, poisson::Density(value, mean), 1e-4) << mean << " at " << value;
+      EXPECT_NEAR(measured, law.Density(value), 1e-4)
+          << DisplayName(code) << ' ' << values[0] << " at " << value;
       total += measured;
     }
     EXPECT_NEAR(total, 1, 1e-9);
-    EXPECT_GE(table.Lookup(std::nextafter(1.0, 0.0)), 0);
+    EXPECT_GE(share.begin()->first, table->Lowest());
+    EXPECT_LE(share.rbegin()->first, table->Highest());
+  }
+}
+
+TEST(DiscreteTable, IsRefusedWhereThirtyBitsDoNotCarryTheLaw) {
+  using enum DistributionCode;
+  for (const auto& [code, value] : {std::pair{kPoisson, 1e10}, {kGeometric, 1e-7}, {kGeometric, 1e-12}}) {
+    const auto variable = VariableOf(code, {value});
+    EXPECT_FALSE(DiscreteTable::Of(variable.specification).has_value()) << value;
+    const VariableSampler sampler(variable.specification, false);
+    std::vector<double> values(5);
+    EXPECT_EQ(sampler.DrawInOrder(RandomStream(1), 0, values), 5U) << "inverted, one draw each";
+    EXPECT_EQ(values[4], Law(variable.specification).Quantile(RandomStream(1).Uniform(4)));
   }
 }
 
@@ -214,7 +340,7 @@ TEST(SimulationRun, FailuresReleaseTheirMemoryAndProduceNothing) {
   HeadlessUserInterface port;
   SimulationDesign design;
   design.numberOfSamples = 10;
-  design.variables = {Of(DistributionCode::kNormal, {0, 1})};
+  design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
   const auto before = OutstandingAnalysisBlocks();
   LimitAnalysisAllocations(0);
   EXPECT_EQ(RunSimulation(design, true, 1, port).status, SimulationStatus::kMemoryFailure);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -18,7 +19,18 @@ enum class SimulationMethod : std::int32_t {
   kNormalToAnything = 4
 };
 
-enum class SimulationStatus : std::int32_t { kSuccess, kMemoryFailure, kDistributionFailure };
+// Where the distributions of a design come from.
+enum class ParameterSource : std::int32_t {
+  kFitted,        // the best fitted distribution; its truncation limits do not count
+  kUserSpecified  // the distribution specified for the simulation, with its truncation limits
+};
+
+enum class SimulationStatus : std::int32_t {
+  kSuccess,
+  kMemoryFailure,
+  kDistributionFailure,
+  kMatrixFailure  // the target correlations cannot be used
+};
 
 struct SimulationVariable {
   int variableNumber = 0;  // in the input spreadsheet, from 1
@@ -31,10 +43,18 @@ struct SimulationDesign {
   std::vector<std::int32_t> excluded;         // indices of variables that take no part
   std::int32_t numberOfSamples = 0;
   SimulationMethod method = SimulationMethod::kMonteCarlo;
+  ParameterSource source = ParameterSource::kUserSpecified;
   bool truncate = false;  // keep to the range between the probabilities 0.005 and 0.995
 
   bool IsExcluded(std::size_t variable) const {
     return std::ranges::find(excluded, static_cast<std::int32_t>(variable)) != excluded.end();
+  }
+  // The indices of the variables that take part, in order.
+  std::vector<std::size_t> ActiveVariables() const {
+    std::vector<std::size_t> active;
+    for (std::size_t j = 0; j < variables.size(); ++j)
+      if (!IsExcluded(j)) active.push_back(j);
+    return active;
   }
 };
 

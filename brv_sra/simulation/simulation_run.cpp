@@ -28,7 +28,9 @@ constexpr std::size_t kProgressStride = 4096;
 std::string FaultyVariable(const SimulationDesign& design) {
   for (std::size_t j = 0; j < design.variables.size(); ++j) {
     const SimulationVariable& variable = design.variables[j];
-    if (design.IsExcluded(j) || VariableSampler(variable.specification, design.truncate).IsValid()) continue;
+    if (design.IsExcluded(j) ||
+        VariableSampler(variable.specification, design.truncate, design.source).IsValid())
+      continue;
     const std::string place = "variable " + variable.name + ", ";
     const auto code = variable.specification.code;
     return place + Description(code, variable.specification.values) + " with its truncation";

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <vector>
 
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/simulation/random_permutation.h"
+#include "host/base/parallel.h"
 #include "host/numeric/distributions.h"
-#include "host/numeric/random_stream.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -14,46 +17,13 @@ namespace {
 constexpr double kTruncatedLower = 0.005;
 constexpr double kTruncatedUpper = 0.995;
 constexpr double kUnbounded = 1e300;
-constexpr int kMostCandidates = 5;
-
-using Values = std::vector<double>;
-
-}  // namespace
-
-// The candidate of a type with a natural generator. The others are always inverted; the discrete ones that
-// have a table draw their candidates from it.
-struct SamplingMethod {
-  DistributionCode code;
-  double (*candidate)(const Values&, double offset);
-};
-
-namespace {
-
-double MixtureCandidate(const Values& v, double /*offset*/) {
-  const double u = rnd_(0);
-  std::size_t component = 0;
-  double sum = v[0];
-  while (u > sum && component + 3 < v.size()) {
-    component += 3;
-    sum += v[component];
-  }
-  return znormal_(v[component + 2]) + v[component + 1];
-}
-
-constexpr std::array<SamplingMethod, 5> kMethods{{
-    {DistributionCode::kNormal, [](const Values& v, double) { return znormal_(v[1]) + v[0]; }},
-    {DistributionCode::kLogNormal,
-     [](const Values& v, double t) { return std::exp(znormal_(v[1]) + v[0]) + t; }},
-    {DistributionCode::kFoldedNormal,
-     [](const Values& v, double t) { return std::abs(znormal_(v[1]) + v[0]) + t; }},
-    {DistributionCode::kHalfNormal, [](const Values& v, double t) { return std::abs(znormal_(v[0])) + t; }},
-    {DistributionCode::kGaussianMixture, MixtureCandidate},
-}};
-
-const SamplingMethod* FindMethod(DistributionCode code) {
-  const auto found = std::ranges::find(kMethods, code, &SamplingMethod::code);
-  return found != kMethods.end() ? &*found : nullptr;
-}
+constexpr std::size_t kMostCandidates = 5;
+constexpr std::size_t kTile = 1024;           // values whose draws stay in the nearest caches
+constexpr std::size_t kBlock = 16 * kTile;    // values of one task
+constexpr std::size_t kMostPlaces = 1 << 17;  // draws looked at together where candidates may be rejected
+// The ends of what a uniform deviate stands for.
+constexpr double kSmallestProbability = 0x1p-54;
+constexpr double kLargestProbability = 1 - 0x1p-53;
 
 bool IsSentinel(double x) {
   return std::isnan(x) || x == kInvalidQuantile;
@@ -61,59 +31,185 @@ bool IsSentinel(double x) {
 
 }  // namespace
 
-VariableSampler::VariableSampler(const DistributionSpecification& specification, bool truncate)
-    : specification_(specification),
-      law_(specification_),
-      method_(FindMethod(specification.code)),
-      offset_(IsNotSet(specification.offset) ? 0.0 : specification.offset),
-      lowest_(-kUnbounded),
-      highest_(kUnbounded) {
+VariableSampler::VariableSampler(const DistributionSpecification& specification, bool truncate,
+                                 ParameterSource source)
+    : specification_(specification), law_(specification_), lowest_(-kUnbounded), highest_(kUnbounded) {
   if (!law_.IsValid()) return;
-  if (specification_.code == DistributionCode::kPoisson &&
-      specification_.values[0] <= DiscreteTable::kLargestPoissonMean) {
-    table_ = DiscreteTable::Poisson(specification_.values[0]);
-  }
-  natural_ = method_ != nullptr || table_.has_value();
-  SetRanges(truncate);
+  SetRanges(truncate, source);
+  valid_ = HasValues();
+  if (!valid_) return;
+  candidates_.emplace(specification_);
 }
 
-void VariableSampler::SetRanges(bool truncate) {
+void VariableSampler::SetRanges(bool truncate, ParameterSource source) {
   if (truncate) {
     lowerProbability_ = kTruncatedLower;
     upperProbability_ = kTruncatedUpper;
-    lowest_ = Inverse(kTruncatedLower);
-    highest_ = Inverse(kTruncatedUpper);
+    lowest_ = law_.Quantile(kTruncatedLower);
+    highest_ = law_.Quantile(kTruncatedUpper);
   }
-  if (specification_.truncateBelow) {
+  if (source == ParameterSource::kUserSpecified && specification_.truncateBelow) {
     lowerProbability_ = std::max(lowerProbability_, law_.Cdf(specification_.truncationMinimum));
     lowest_ = std::max(lowest_, specification_.truncationMinimum);
   }
-  if (specification_.truncateAbove) {
+  if (source == ParameterSource::kUserSpecified && specification_.truncateAbove) {
     upperProbability_ = std::min(upperProbability_, law_.Cdf(specification_.truncationMaximum));
     highest_ = std::min(highest_, specification_.truncationMaximum);
   }
-  valid_ = lowerProbability_ <= upperProbability_ && lowest_ <= highest_ && upperProbability_ > 0 &&
-           lowerProbability_ < 1 && !IsSentinel(Inverse(0.5));
+  leastProbability_ = std::max(lowerProbability_, std::min(kSmallestProbability, upperProbability_));
+  mostProbability_ = std::min(upperProbability_, std::max(lowerProbability_, kLargestProbability));
 }
 
-double VariableSampler::Inverse(double p) const {
-  return law_.Quantile(p);
+bool VariableSampler::HasValues() const {
+  if (IsSentinel(law_.Quantile(0.5)) || !(lowest_ <= highest_)) return false;
+  if (!(leastProbability_ <= mostProbability_) || upperProbability_ <= 0) return false;
+  // Beyond the last value whose probability a double tells from 1, nothing is left.
+  if (!(law_.Quantile(leastProbability_) < std::numeric_limits<double>::infinity())) return false;
+  if (IsContinuous(specification_.code)) return true;
+  // Limits between two neighbouring values leave none.
+  const double last = law_.Quantile(mostProbability_);
+  return last >= lowest_ && last <= highest_;
 }
 
-double VariableSampler::Candidate() const {
-  if (table_) return table_->Lookup(rnd_(0));
-  return method_->candidate(specification_.values, offset_);
-}
-
-double VariableSampler::DrawMonteCarlo() const {
-  const double fallback = lowerProbability_ + rnd_(0) * (upperProbability_ - lowerProbability_);
-  if (natural_) {
-    for (int i = 0; i < kMostCandidates; ++i) {
-      const double x = Candidate();
-      if (x >= lowest_ && x <= highest_) return x;
-    }
+void VariableSampler::Invert(std::span<double> probabilities) const {
+  for (double& p : probabilities) {
+    const double raised = p < leastProbability_ ? leastProbability_ : p;
+    p = raised > mostProbability_ ? mostProbability_ : raised;
   }
-  return Inverse(fallback);
+  law_.Quantile(probabilities, probabilities);
+  if (!IsContinuous(specification_.code)) return;
+  if (lowest_ > -kUnbounded)
+    for (double& x : probabilities) x = x < lowest_ ? lowest_ : x;
+  if (highest_ < kUnbounded)
+    for (double& x : probabilities) x = x > highest_ ? highest_ : x;
+}
+
+std::optional<std::size_t> VariableSampler::FixedDraws() const {
+  const std::size_t draws = candidates_->Draws();
+  if (draws > 0 && !(candidates_->Lowest() >= lowest_ && candidates_->Highest() <= highest_))
+    return std::nullopt;
+  return 1 + draws;
+}
+
+void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t position,
+                                std::span<double> out) const {
+  std::array<double, kTile*(1 + Candidates::kMostDraws)> draws;
+  std::array<double, kTile> first;
+  const std::size_t stride = 1 + candidates_->Draws();
+  for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
+    const std::size_t count = std::min(kTile, out.size() - begin);
+    const std::span<double> tile = out.subspan(begin, count);
+    if (stride == 2) {  // the fallbacks' draws in between are never looked at
+      stream.FillAlternate(position + stride * begin + 1, {first.data(), count});
+      candidates_->Fill({first.data(), count}, tile, tile);
+      continue;
+    }
+    const std::span<double> used(draws.data(), stride * count);
+    stream.FillUniform(position + stride * begin, used);
+    if (stride == 1) {
+      for (std::size_t i = 0; i < count; ++i)
+        tile[i] = lowerProbability_ + used[i] * (upperProbability_ - lowerProbability_);
+      Invert(tile);
+      continue;
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+      first[i] = used[3 * i + 1];
+      tile[i] = used[3 * i + 2];
+    }
+    candidates_->Fill({first.data(), count}, tile, tile);
+  }
+}
+
+std::uint64_t VariableSampler::DrawInOrder(const RandomStream& stream, std::uint64_t position,
+                                           std::span<double> out) const {
+  if (const auto fixed = FixedDraws()) {
+    ParallelBlocks(out.size(), kBlock, [&](std::size_t begin, std::size_t end) {
+      DrawFixed(stream, position + *fixed * begin, out.subspan(begin, end - begin));
+    });
+    return position + *fixed * out.size();
+  }
+  // Where a value draws depends on how many candidates were rejected before. So the candidates of every place
+  // in the stream are made in bulk, then the values hop over them.
+  const std::size_t draws = candidates_->Draws();
+  const std::size_t most = 1 + kMostCandidates * draws;  // places of one value
+  std::vector<double> uniforms;
+  std::vector<double> candidates;
+  std::vector<std::size_t> rejected;
+  std::size_t row = 0;
+  while (row < out.size()) {
+    const std::size_t places = std::clamp((out.size() - row) * (1 + draws), most, kMostPlaces);
+    uniforms.resize(places + draws - 1);
+    candidates.resize(places);
+    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
+      const std::size_t last = end == places ? uniforms.size() : end;
+      stream.FillUniform(position + begin, std::span(uniforms).subspan(begin, last - begin));
+    });
+    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
+      const std::span<const double> from(uniforms);
+      candidates_->Fill(from.subspan(begin, end - begin), from.subspan(begin + draws - 1, end - begin),
+                        std::span(candidates).subspan(begin, end - begin));
+    });
+    std::size_t place = 0;
+    rejected.clear();
+    for (; row < out.size() && place + most <= places; ++row) {
+      const double fallback = uniforms[place];
+      const std::size_t end = place + most;
+      for (++place; place < end; place += draws)
+        if (candidates[place] >= lowest_ && candidates[place] <= highest_) break;
+      if (place < end) {
+        out[row] = candidates[place];
+        place += draws;
+      } else {
+        out[row] = lowerProbability_ + fallback * (upperProbability_ - lowerProbability_);
+        rejected.push_back(row);
+      }
+    }
+    InvertRejected(rejected, out);
+    position += place;
+  }
+  return position;
+}
+
+void VariableSampler::InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const {
+  ParallelBlocks(rows.size(), kBlock, [&](std::size_t begin, std::size_t end) {
+    std::vector<double> values(end - begin);
+    for (std::size_t r = begin; r < end; ++r) values[r - begin] = out[rows[r]];
+    Invert(values);
+    for (std::size_t r = begin; r < end; ++r) out[rows[r]] = values[r - begin];
+  });
+}
+
+// stratum(i) is the stratum of out[i], counted from 0; it is asked for before out[i] is written.
+template <class Stratum>
+void VariableSampler::FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                                 const Stratum& stratum, std::span<double> out) const {
+  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(samples);
+  std::array<double, kTile> uniforms;
+  for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
+    const std::span<double> tile = out.subspan(begin, std::min(kTile, out.size() - begin));
+    stream.FillUniform(position + begin, {uniforms.data(), tile.size()});
+    for (std::size_t i = 0; i < tile.size(); ++i)
+      tile[i] = lowerProbability_ + stratum(begin + i) * width + uniforms[i] * width;
+    Invert(tile);
+  }
+}
+
+void VariableSampler::DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                                 std::span<const std::int32_t> strata, std::span<double> out) const {
+  FillStrata(
+      stream, position, samples, [&](std::size_t i) { return static_cast<double>(strata[i]); }, out);
+}
+
+std::uint64_t VariableSampler::DrawStratified(const RandomStream& stream, std::uint64_t position,
+                                              std::span<double> out) const {
+  for (std::size_t i = 0; i < out.size(); ++i) out[i] = static_cast<double>(i);
+  position = Shuffle(stream, position, out);
+  ParallelBlocks(out.size(), kBlock, [&](std::size_t begin, std::size_t end) {
+    const std::span<double> block = out.subspan(begin, end - begin);
+    FillStrata(
+        stream, position + begin, out.size(), [&](std::size_t i) { return block[i]; }, block);
+  });
+  return position + out.size();
 }
 
 }  // namespace brenvolt::sra

@@ -1,50 +1,82 @@
-// One variable of a simulation: its range of probabilities and values, and its draws.
+// One variable of a simulation: its range of probabilities and values, and its draws, whole columns at a
+// time.
+//
+// Everything here is a pure function of a place in the random stream; no call moves the process's stream. The
+// order of draws is that of values drawn one after another: a Monte Carlo value takes one uniform deviate u
+// for its fallback, used or not, then up to five candidates of one or two uniform deviates each
+// (candidates.h), and is the first candidate within the range of values, else the value at the probability
+// lower + u (upper - lower). Types without candidates are at that probability at once.
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <span>
 
 #include "brv_sra/distributions/law.h"
-#include "brv_sra/distributions/specification.h"
-#include "brv_sra/simulation/discrete_table.h"
+#include "brv_sra/simulation/candidates.h"
+#include "brv_sra/simulation/simulation_design.h"
+#include "host/numeric/random_stream.h"
 
 namespace brenvolt::sra {
 
-struct SamplingMethod;
-
 class VariableSampler {
  public:
-  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; the distribution's own
-  // truncation narrows the range further.
-  VariableSampler(const DistributionSpecification& specification, bool truncate);
+  // `truncate` keeps to the values between the probabilities 0.005 and 0.995; under kUserSpecified the
+  // distribution's own limits narrow the range further.
+  VariableSampler(const DistributionSpecification& specification, bool truncate,
+                  ParameterSource source = ParameterSource::kUserSpecified);
   VariableSampler(const VariableSampler&) = delete;
   VariableSampler& operator=(const VariableSampler&) = delete;
 
   // False when the distribution cannot be sampled; the other members must then not be called.
   bool IsValid() const { return valid_; }
-  // The range of probabilities, 0 <= lower <= upper <= 1.
+  // The range of probabilities, 0 <= lower <= upper <= 1. Of a discrete type the lower end is the
+  // distribution function at the lower limit, so inversion does not reach that limit itself.
   double LowerProbability() const { return lowerProbability_; }
   double UpperProbability() const { return upperProbability_; }
-  // The value at a probability.
-  double Inverse(double p) const;
-  // The next Monte Carlo value. Draws the fallback's uniform deviate first; a type with a natural generator
-  // then draws up to five candidates and takes the first within the range, else the fallback by inversion.
-  double DrawMonteCarlo() const;
+  // The range of values; -1e300 and 1e300 stand for no limit.
+  double LowestValue() const { return lowest_; }
+  double HighestValue() const { return highest_; }
+
+  // Replaces probabilities by the values at them. A probability that rounding has brought to 0 or 1, or
+  // beyond the range, counts as the nearest one inside; a continuous value that rounding has brought beyond
+  // the range becomes its end.
+  void Invert(std::span<double> probabilities) const;
+
+  // Uniform deviates of every Monte Carlo value, where no candidate can be rejected; else nothing.
+  std::optional<std::size_t> FixedDraws() const;
+  // Monte Carlo values, with FixedDraws() only: `out` takes values of which the first draws at `position`.
+  void DrawFixed(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
+  // Monte Carlo values of any type; returns the position of the draw after the last one used.
+  std::uint64_t DrawInOrder(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
+
+  // Latin hypercube values: out[i] is a uniform point, the draw at position + i, of the stratum strata[i],
+  // counted from 0, of `samples` strata of equal probability.
+  void DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                  std::span<const std::int32_t> strata, std::span<double> out) const;
+  // A whole column of them: a permutation of the strata, then one draw within each. Returns the position of
+  // the draw after the last one used.
+  std::uint64_t DrawStratified(const RandomStream& stream, std::uint64_t position,
+                               std::span<double> out) const;
 
  private:
-  void SetRanges(bool truncate);
-  double Candidate() const;
+  void SetRanges(bool truncate, ParameterSource source);
+  bool HasValues() const;
+  template <class Stratum>
+  void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
+                  const Stratum& stratum, std::span<double> out) const;
+  void InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const;
 
   DistributionSpecification specification_;
   Law law_;  // views specification_
-  const SamplingMethod* method_;
-  double offset_;
-  bool natural_ = false;
+  std::optional<Candidates> candidates_;
   bool valid_ = false;
   double lowerProbability_ = 0;
   double upperProbability_ = 1;
+  double leastProbability_ = 0;  // the ends to which probabilities are brought
+  double mostProbability_ = 1;
   double lowest_;
   double highest_;
-  std::optional<DiscreteTable> table_;
 };
 
 }  // namespace brenvolt::sra

@@ -1,6 +1,7 @@
 #include "host/base/parallel.h"
 
 #include <tbb/blocked_range.h>
+#include <tbb/global_control.h>
 #include <tbb/parallel_for.h>
 
 #include <algorithm>
@@ -39,5 +40,14 @@ void ParallelForWatched(std::size_t count, const std::function<void(std::size_t)
   }
   work.get();
 }
+
+struct ThreadLimit::Control {
+  tbb::global_control control;
+};
+
+ThreadLimit::ThreadLimit(std::size_t threads)
+    : control_(new Control{{tbb::global_control::max_allowed_parallelism, threads}}) {}
+
+ThreadLimit::~ThreadLimit() = default;
 
 }  // namespace brenvolt

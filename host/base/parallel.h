@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 
 namespace brenvolt {
 
@@ -21,5 +22,18 @@ void ParallelForWatched(std::size_t count, const std::function<void(std::size_t)
 
 // Calls body(i) for every i in [0, count).
 void ParallelFor(std::size_t count, const std::function<void(std::size_t)>& body);
+
+// While it lives, at most `threads` (at least 1) of the process work on loops.
+class ThreadLimit {
+ public:
+  explicit ThreadLimit(std::size_t threads);
+  ~ThreadLimit();
+  ThreadLimit(const ThreadLimit&) = delete;
+  ThreadLimit& operator=(const ThreadLimit&) = delete;
+
+ private:
+  struct Control;
+  std::unique_ptr<Control> control_;
+};
 
 }  // namespace brenvolt

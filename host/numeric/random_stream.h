@@ -45,6 +45,8 @@ class RandomStream {
   // fills run on all cores, with the same result at any number of threads.
   void FillUniform(std::uint64_t position, std::span<double> out) const;
   void FillNormal(std::uint64_t position, double sd, std::span<double> out) const;
+  // Every second uniform deviate: those at position, position + 2, …, on the calling thread.
+  void FillAlternate(std::uint64_t position, std::span<double> out) const;
 
  private:
   explicit RandomStream(std::array<std::uint32_t, 2> key) : key_(key) {}

@@ -70,6 +70,17 @@ TEST(RandomStream, BulkEqualsOneByOneAtAnyPositionAndLength) {
   }
 }
 
+TEST(RandomStream, EverySecondDrawIsThatOfTheWholeStream) {
+  const RandomStream stream(-3);
+  for (const std::uint64_t position : {0ULL, 1ULL, 6ULL, 8589934591ULL, 0x123456789ABCDEF0ULL}) {
+    for (const std::size_t size : {0U, 1U, 7U, 16U, 17U, 100U}) {
+      std::vector<double> alternate(size);
+      stream.FillAlternate(position, alternate);
+      for (std::size_t i = 0; i < size; ++i) ASSERT_EQ(alternate[i], stream.Uniform(position + 2 * i)) << i;
+    }
+  }
+}
+
 TEST(RandomStream, SeedingRestartsAndReturnsOrKeepsTheFirstDeviate) {
   const double first = rnd_(-42);
   EXPECT_EQ(ProcessStreamPosition(), 1U);

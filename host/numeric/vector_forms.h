@@ -68,5 +68,8 @@ void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double>
 // The uniform deviates of the Philox 4x32-10 blocks firstBlock, firstBlock + 1, … under a key, two of each
 // block. `out` has an even length. Layout: random_stream.cpp.
 void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out);
+// The same of the first or the second half of each block alone; `out` has any length.
+void PhiloxHalves(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
+                  std::span<double> out);
 
 }  // namespace brenvolt::vector_forms

@@ -126,8 +126,39 @@ void Philox(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, st
   }
 }
 
+// One deviate of each block, of its first or its second half.
+void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
+                std::span<double> out) {
+  const hn::ScalableTag<std::uint64_t> du;
+  const hn::Rebind<double, decltype(du)> d;
+  const std::size_t lanes = hn::Lanes(du);
+  HWY_ALIGN double buffer[kGroups * hn::MaxLanes(du)];
+  for (std::size_t i = 0; i < out.size(); i += kGroups * lanes) {
+    hn::Vec<decltype(du)> words[kGroups][4];
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      const auto block = hn::Iota(du, firstBlock + i + group * lanes);
+      words[group][0] = block;
+      words[group][1] = hn::template ShiftRight<32>(block);
+    }
+    PhiloxRounds(du, key0, key1, words);
+    const std::size_t rest = out.size() - i;
+    const bool isWhole = rest >= kGroups * lanes;
+    double* to = isWhole ? out.data() + i : buffer;
+    for (std::size_t group = 0; group < kGroups; ++group) {
+      const auto& w = words[group];
+      const auto deviates = second ? Deviates(du, w[2], w[3]) : Deviates(du, w[0], w[1]);
+      hn::StoreU(deviates, d, to + group * lanes);
+    }
+    if (!isWhole) std::copy_n(buffer, rest, out.data() + i);
+  }
+}
+
 }  // namespace
 
+void PhiloxHalfArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
+                     std::span<double> out) {
+  PhiloxHalf(key0, key1, firstBlock, second, out);
+}
 void NormalsArray(std::span<const double> u, double sd, std::span<double> out) {
   QuantilesOverArray(u, out, FromUniform{}, TimesFormula{sd});
 }
@@ -147,6 +178,7 @@ namespace brenvolt {
 
 HWY_EXPORT(NormalsArray);
 HWY_EXPORT(PhiloxArray);
+HWY_EXPORT(PhiloxHalfArray);
 
 double NormalFromUniform(double u) {
   return HWY_STATIC_DISPATCH(NormalOne)(u);
@@ -160,6 +192,10 @@ void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double>
 void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   assert(out.size() % 2 == 0);
   HWY_DYNAMIC_DISPATCH(PhiloxArray)(key0, key1, firstBlock, out);
+}
+void PhiloxHalves(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
+                  std::span<double> out) {
+  HWY_DYNAMIC_DISPATCH(PhiloxHalfArray)(key0, key1, firstBlock, second, out);
 }
 
 }  // namespace vector_forms
