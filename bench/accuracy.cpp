@@ -1,5 +1,5 @@
 // Prints docs/accuracy.md: the errors of the distribution functions against the tables of high-precision
-// values, per type and function, measured now. Types without a table are left out.
+// values, per type and function, measured now.
 //
 //   accuracy <folder of the tables>
 #include <algorithm>
@@ -19,8 +19,8 @@ const char* const kHead = R"(# Accuracy of the distribution functions
 Largest relative error of each function against tables of high-precision values (50 digits and more, made with
 mpmath by the scripts beside them in `host/numeric/reference`). The tables hold the body, both tails to
 1e-300 and extreme parameters; "tail" means that the smaller tail probability is below 1e-6. The array forms
-of Cdf and Quantile give the bits of the scalar forms (a test holds them to it on every row), so that one
-figure serves both.
+of Cdf and Quantile give the bits of the scalar forms: a test holds them to it on every row, another on every
+instruction set that the machine offers, so that one figure serves both.
 
 An error is relative to the value; of a log-density, to 1 where the value is smaller; of a quantile or mean, to
 the type's locations and thresholds where these are larger than the value, because their rounding bounds it.
@@ -31,7 +31,8 @@ The round trip is the quantile of the probability of the nearer tail at each x o
 above 1e-300. "Of x": the largest error of the x that comes back where four units in the last place of the
 probability move x by less than 1e-12. Elsewhere the density is so low that doubles of the probability do not
 tell the values of x apart; "of the probability" gives the largest error of the probability at the x that comes
-back.
+back. The quantile of a discrete type has no error but a wrong value: every row is held to give the value of the
+table, and the quantile of the probability of a count to be the least count that has it.
 
 This document is printed by a program; to make it again:
 
@@ -64,10 +65,16 @@ std::string Short(double error) {
   return text;
 }
 
+// Of long lists, the classes of histograms, the beginning.
 std::string List(In parameters) {
+  constexpr std::size_t kLong = 10;
+  constexpr std::size_t kBeginning = 4;
+  const bool isLong = parameters.size() > kLong;
   std::string text = "(";
-  for (const double parameter : parameters) text += (text.size() > 1 ? ", " : "") + Number(parameter);
-  return text + ")";
+  for (const double parameter : isLong ? parameters.first(kBeginning) : parameters) {
+    text += (text.size() > 1 ? ", " : "") + Number(parameter);
+  }
+  return text + (isLong ? ", …)" : ")");
 }
 
 void PrintFunctions(const Type& type, const std::vector<Row>& rows) {
@@ -87,7 +94,6 @@ void PrintFunctions(const Type& type, const std::vector<Row>& rows) {
 }
 
 void PrintMoments(const Type& type, const std::vector<MomentRow>& rows) {
-  if (rows.empty() || type.moments.empty()) return;
   std::map<std::string, Worst> worst;
   for (const MomentRow& row : rows) {
     worst[row.function].Take(RelativeError(type, row, type.moments.at(row.function)(row.parameters)),
@@ -122,16 +128,21 @@ void PrintRoundTrips(const Type& type, const std::vector<Row>& rows) {
               rest.where.c_str());
 }
 
-void Print(const std::string& folder) {
+// False when a table is missing.
+bool Print(const std::string& folder) {
   std::fputs(kHead, stdout);
   for (const Type& type : AllTypes()) {
     const std::vector<Row> rows = ReadTable(folder, type);
-    if (rows.empty()) continue;
+    if (rows.empty()) {
+      std::fprintf(stderr, "accuracy: no table of %s in %s\n", type.name.c_str(), folder.c_str());
+      return false;
+    }
     std::printf("\n## %s\n\n", type.name.c_str());
     PrintFunctions(type, rows);
     PrintMoments(type, ReadMoments(folder, type));
     PrintRoundTrips(type, rows);
   }
+  return true;
 }
 
 }  // namespace
@@ -142,6 +153,5 @@ int main(int argc, char** argv) {
     std::fputs("accuracy: give the folder of the tables\n", stderr);
     return 2;
   }
-  brenvolt::references::Print(argv[1]);
-  return 0;
+  return brenvolt::references::Print(argv[1]) ? 0 : 1;
 }

@@ -1,7 +1,6 @@
 // The linear algebra against mpmath's values (reference/algebra.csv) and against the bounds that backward
 // stable methods keep on random matrices.
 #include <gtest/gtest.h>
-#include <hwy/highway.h>
 #include <tbb/global_control.h>
 
 #include <algorithm>
@@ -15,6 +14,7 @@
 
 #include "host/numeric/cholesky.h"
 #include "host/numeric/correlation.h"
+#include "host/numeric/instruction_sets_support_test.h"
 #include "host/numeric/matrix_product.h"
 #include "host/numeric/random_stream.h"
 #include "host/numeric/sorting.h"
@@ -380,13 +380,7 @@ TEST(Algebra, ResultsDoNotDependOnTheNumberOfThreads) {
 
 TEST(Algebra, ResultsDoNotDependOnTheInstructionSet) {
   const std::vector<Matrix> best = WholeJob();
-  for (const auto target : hwy::SupportedAndGeneratedTargets()) {
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    EXPECT_EQ(WholeJob(), best) << hwy::TargetName(target);
-  }
-  hwy::SetSupportedTargetsForTest(0);
-  hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+  UnderEveryInstructionSet([&] { EXPECT_EQ(WholeJob(), best); });
 }
 
 }  // namespace

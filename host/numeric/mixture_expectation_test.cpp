@@ -1,13 +1,12 @@
 #include "host/numeric/mixture_expectation.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
 
 #include <cmath>
-#include <cstdint>
 #include <numbers>
 #include <vector>
 
+#include "host/numeric/instruction_sets_support_test.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt {
@@ -100,20 +99,15 @@ TEST(MixtureExpectation, EveryInstructionSetGivesTheSameBits) {
   std::vector<double> values = Draws(1003);
   values[500] = 200.0;
   const Result chosen = Evaluate(values, kMixture);
-  for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1) {
-    const std::int64_t set = rest & -rest;
-    hwy::SetSupportedTargetsForTest(set);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+  UnderEveryInstructionSet([&] {
     const Result result = Evaluate(values, kMixture);
-    hwy::SetSupportedTargetsForTest(0);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    EXPECT_EQ(result.logLikelihood, chosen.logLikelihood) << hwy::TargetName(set);
+    EXPECT_EQ(result.logLikelihood, chosen.logLikelihood);
     for (std::size_t c = 0; c < kMixture.size(); ++c) {
-      EXPECT_EQ(result.sums[c].weight, chosen.sums[c].weight) << hwy::TargetName(set);
-      EXPECT_EQ(result.sums[c].first, chosen.sums[c].first) << hwy::TargetName(set);
-      EXPECT_EQ(result.sums[c].second, chosen.sums[c].second) << hwy::TargetName(set);
+      EXPECT_EQ(result.sums[c].weight, chosen.sums[c].weight);
+      EXPECT_EQ(result.sums[c].first, chosen.sums[c].first);
+      EXPECT_EQ(result.sums[c].second, chosen.sums[c].second);
     }
-  }
+  });
 }
 
 TEST(MixtureExpectation, CollapsedComponentGivesNoLikelihood) {

@@ -3,7 +3,6 @@
 #include "host/numeric/vector_forms.h"
 
 #include <gtest/gtest.h>
-#include <hwy/targets.h>
 
 #include <bit>
 #include <cmath>
@@ -14,6 +13,7 @@
 #include <vector>
 
 #include "host/numeric/distributions.h"
+#include "host/numeric/instruction_sets_support_test.h"
 #include "host/numeric/random_stream.h"
 #include "host/numeric/standard_normal.h"
 
@@ -22,29 +22,6 @@ namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-
-// Runs the rest of a test under one instruction set; restores the choice at the end.
-class UnderInstructionSet {
- public:
-  explicit UnderInstructionSet(std::int64_t target) { Choose(target); }
-  ~UnderInstructionSet() { Choose(0); }
-  UnderInstructionSet(const UnderInstructionSet&) = delete;
-  UnderInstructionSet& operator=(const UnderInstructionSet&) = delete;
-
- private:
-  static void Choose(std::int64_t target) {
-    hwy::SetSupportedTargetsForTest(target);
-    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-  }
-};
-
-std::vector<std::int64_t> InstructionSets() {
-  std::vector<std::int64_t> sets;
-  for (std::int64_t rest = hwy::SupportedTargets() & HWY_TARGETS; rest != 0; rest &= rest - 1) {
-    sets.push_back(rest & -rest);
-  }
-  return sets;
-}
 
 // Equal bits; any NaN equals any other.
 bool IsSame(double a, double b) {
@@ -87,10 +64,14 @@ std::vector<Form> Forms() {
           OF_LAW(gev, Cdf, -0.125, 2.0, 0.0),
           OF_LAW(gev, Cdf, -0.125, 2.0, -0.7),
           OF_LAW(gev, Quantile, -0.125, 2.0, 0.3),
+          OF_LAW(gev, Cdf, -0.125, 2.0, 1e-9),
           OF_LAW(gev, Quantile, -0.125, 2.0, 0.0),
+          OF_LAW(gev, Quantile, -0.125, 2.0, -0.7),
           OF_LAW(gpd, Cdf, 2.0, 0.3, -0.125),
           OF_LAW(gpd, Cdf, 2.0, -1e-9, -0.125),
           OF_LAW(gpd, Cdf, 2.0, -0.7, -0.125),
+          OF_LAW(gpd, Cdf, 2.0, 0.0, -0.125),
+          OF_LAW(gpd, Quantile, 2.0, 0.3, -0.125),
           OF_LAW(gpd, Quantile, 2.0, -0.3, -0.125),
           OF_LAW(gpd, Quantile, 2.0, 0.0, -0.125)};
 }
@@ -114,9 +95,7 @@ std::vector<double> Arguments() {
 
 TEST(VectorForms, EveryInstructionSetGivesTheBitsOfTheScalarForm) {
   const std::vector<double> x = Arguments();
-  for (const std::int64_t set : InstructionSets()) {
-    SCOPED_TRACE(hwy::TargetName(set));
-    const UnderInstructionSet under(set);
+  UnderEveryInstructionSet([&] {
     for (const Form& form : Forms()) {
       std::vector<double> out = x;
       form.array(out, out);
@@ -125,14 +104,12 @@ TEST(VectorForms, EveryInstructionSetGivesTheBitsOfTheScalarForm) {
             << form.name << " at " << x[i] << ": " << out[i] << " for " << form.scalar(x[i]);
       }
     }
-  }
+  });
 }
 
 TEST(VectorForms, StreamIsTheSameOnEveryInstructionSetAtAnyPlaceAndLength) {
   const RandomStream stream(-9);
-  for (const std::int64_t set : InstructionSets()) {
-    SCOPED_TRACE(hwy::TargetName(set));
-    const UnderInstructionSet under(set);
+  UnderEveryInstructionSet([&] {
     for (const std::uint64_t position : {0ULL, 5ULL, 8589934580ULL, 0xFFFFFFFFFFULL}) {
       for (const std::size_t size : {1U, 2U, 7U, 16U, 33U, 5001U}) {
         std::vector<double> uniforms(size);
@@ -145,7 +122,7 @@ TEST(VectorForms, StreamIsTheSameOnEveryInstructionSetAtAnyPlaceAndLength) {
         }
       }
     }
-  }
+  });
 }
 
 TEST(VectorForms, ArraysOfAnyLengthLeaveTheRestOfTheOutputAlone) {

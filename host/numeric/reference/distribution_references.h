@@ -4,13 +4,16 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <fstream>
 #include <functional>
 #include <limits>
 #include <map>
 #include <span>
 #include <sstream>
+#include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -76,21 +79,18 @@ struct Shape {
 
   static Type Make(std::string name, bool isDiscrete, std::vector<std::size_t> origins, Scalar density,
                    Scalar logDensity, Scalar cdf, Scalar complement, Scalar quantile,
-                   Scalar complementQuantile, Array cdfs, Array quantiles, Moment mean = nullptr,
-                   Moment variance = nullptr) {
-    Type type = {std::move(name),
-                 isDiscrete,
-                 std::move(origins),
-                 {{"Density", Bind(density)},
-                  {"LogDensity", Bind(logDensity)},
-                  {"Cdf", Bind(cdf)},
-                  {"Complement", Bind(complement)},
-                  {"Quantile", Bind(quantile)},
-                  {"ComplementQuantile", Bind(complementQuantile)}},
-                 {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
-                 {}};
-    if (mean) type.moments = {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}};
-    return type;
+                   Scalar complementQuantile, Array cdfs, Array quantiles, Moment mean, Moment variance) {
+    return {std::move(name),
+            isDiscrete,
+            std::move(origins),
+            {{"Density", Bind(density)},
+             {"LogDensity", Bind(logDensity)},
+             {"Cdf", Bind(cdf)},
+             {"Complement", Bind(complement)},
+             {"Quantile", Bind(quantile)},
+             {"ComplementQuantile", Bind(complementQuantile)}},
+            {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
+            {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}}};
   }
 };
 
@@ -140,19 +140,20 @@ inline std::vector<Type> AllTypes() {
           triangular::Quantile, triangular::Mean, triangular::Variance),
       Shape<double, double>::Make("binomial", true, {}, binomial::Density, binomial::LogDensity,
                                   binomial::Cdf, binomial::Complement, binomial::Quantile,
-                                  binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile),
+                                  binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile,
+                                  binomial::Mean, binomial::Variance),
       Shape<double>::Make("poisson", true, {}, poisson::Density, poisson::LogDensity, poisson::Cdf,
                           poisson::Complement, poisson::Quantile, poisson::ComplementQuantile, poisson::Cdf,
-                          poisson::Quantile),
+                          poisson::Quantile, poisson::Mean, poisson::Variance),
       Shape<double>::Make("geometric", true, {}, geometric::Density, geometric::LogDensity, geometric::Cdf,
                           geometric::Complement, geometric::Quantile, geometric::ComplementQuantile,
-                          geometric::Cdf, geometric::Quantile),
+                          geometric::Cdf, geometric::Quantile, geometric::Mean, geometric::Variance),
       Shape<double>::Make("bernoulli", true, {}, bernoulli::Density, bernoulli::LogDensity, bernoulli::Cdf,
                           bernoulli::Complement, bernoulli::Quantile, bernoulli::ComplementQuantile,
-                          bernoulli::Cdf, bernoulli::Quantile),
+                          bernoulli::Cdf, bernoulli::Quantile, bernoulli::Mean, bernoulli::Variance),
       Shape<In>::Make("histogram", true, {}, histogram::Density, histogram::LogDensity, histogram::Cdf,
                       histogram::Complement, histogram::Quantile, histogram::ComplementQuantile,
-                      histogram::Cdf, histogram::Quantile)};
+                      histogram::Cdf, histogram::Quantile, histogram::Mean, histogram::Variance)};
 }
 
 struct Row {
@@ -180,11 +181,19 @@ inline std::vector<std::vector<std::string>> ReadFields(const std::string& path)
   return lines;
 }
 
+// The number that a field states. Unlike std::stod, takes subnormal numbers and infinities as they are.
+inline double ReadNumber(const std::string& text) {
+  char* end = nullptr;
+  const double number = std::strtod(text.c_str(), &end);
+  if (text.empty() || *end != '\0') throw std::invalid_argument("not a number: " + text);
+  return number;
+}
+
 // The fields from `begin` up to the last one. A field may hold several parameters, apart by blanks.
 inline Parameters ReadParameters(const std::vector<std::string>& fields, std::size_t begin) {
   Parameters parameters;
   for (std::size_t i = begin; i + 1 < fields.size(); ++i) {
-    for (const std::string& parameter : Split(fields[i], ' ')) parameters.push_back(std::stod(parameter));
+    for (const std::string& parameter : Split(fields[i], ' ')) parameters.push_back(ReadNumber(parameter));
   }
   return parameters;
 }
@@ -193,8 +202,8 @@ inline Parameters ReadParameters(const std::vector<std::string>& fields, std::si
 inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
   std::vector<Row> rows;
   for (const auto& fields : ReadFields(folder + "/" + type.name + ".csv")) {
-    rows.push_back({fields.at(0), fields.at(1) == "tail", std::stod(fields.at(2)), ReadParameters(fields, 3),
-                    std::stod(fields.back())});
+    rows.push_back({fields.at(0), fields.at(1) == "tail", ReadNumber(fields.at(2)), ReadParameters(fields, 3),
+                    ReadNumber(fields.back())});
   }
   return rows;
 }
@@ -209,7 +218,7 @@ struct MomentRow {
 inline std::vector<MomentRow> ReadMoments(const std::string& folder, const Type& type) {
   std::vector<MomentRow> rows;
   for (const auto& fields : ReadFields(folder + "/" + type.name + "_moments.csv")) {
-    rows.push_back({fields.at(0), ReadParameters(fields, 1), std::stod(fields.back())});
+    rows.push_back({fields.at(0), ReadParameters(fields, 1), ReadNumber(fields.back())});
   }
   return rows;
 }

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the reference tables of the discrete distribution types beside this script: <type>.csv, discrete_moments.csv.
+"""Writes the reference tables of the discrete distribution types beside this script: <type>.csv, <type>_moments.csv.
 
 Run by hand (needs mpmath, and gmpy2 unless you have hours); the tables are committed. Every argument and parameter is a
 double, taken exactly; every value is computed with at least 50 digits and rounded once to the nearest double.
@@ -9,11 +9,14 @@ from the integral of the incomplete beta function, which must agree with the sum
 Columns: function, region, argument, the parameters, value. The region is `tail` where the smaller of the two tail
 probabilities is below 1e-6, else `body`. Arguments of quantiles lie halfway up a jump, close to both its ends (2e-13,
 in tails 2e-10), at round numbers, and at the very end of a jump where the distribution function is a double there.
+
+With the argument `moments`, writes the tables of the moments only, which takes no time.
 """
 import csv
 import math
 import pathlib
 import random
+import sys
 
 from mpmath import exp, expm1, floor, inf, log, log1p, loggamma, mp, mpf, quad, sqrt
 
@@ -112,6 +115,7 @@ class Binomial(Counts):
 class Poisson(Counts):
     name, columns = "poisson", ["mean"]
     sets = [(1e-10,), (0.01,), (0.5,), (1.0,), (3.7,), (20.0,), (150.0,), (1234.5,), (19000.0,), (1e5,), (2.5e7,), (1e9,)]
+    moment_sets = sets + [(10.0 ** k,) for k in (-300, -150, -30, -5, 3, 6, 12, 30, 150)]
     last = inf
 
     def __init__(self, mean):
@@ -131,6 +135,7 @@ class Poisson(Counts):
 class Geometric(Counts):
     name, columns = "geometric", ["proportion"]
     sets = [(1e-300,), (1e-17,), (2.5e-9,), (0.0001,), (0.03,), (0.25,), (0.4,), (0.5,), (0.73,), (0.999,), (LAST_BELOW_ONE,)]
+    moment_sets = sets + [(10.0 ** k,) for k in (-150, -100, -50, -6, -3, -1)] + [(1 - 10.0 ** -k,) for k in (1, 5, 9, 13)]
     last = inf
 
     def __init__(self, proportion):
@@ -292,17 +297,23 @@ def write_probabilities(kind):
                 writer.writerow([function, where, repr(argument), *parameters_text(kind, values), repr(number)])
 
 
-def main():
-    check_integral()
-    kinds = (Bernoulli, Histogram, Geometric, Poisson, Binomial)
-    with open(FOLDER / "discrete_moments.csv", "w", newline="") as file:
+def write_moments(kind):
+    with open(FOLDER / f"{kind.name}_moments.csv", "w", newline="") as file:
         writer = csv.writer(file, lineterminator="\n")
-        writer.writerow(["type", "parameters", "mean", "variance"])
-        for kind in kinds:
-            for values in kind.sets:
-                law = kind(*values)
-                writer.writerow([kind.name, " ".join(repr(float(v)) for v in values), repr(float(law.mean)),
-                                 repr(float(law.variance))])
+        writer.writerow(["function", *kind.columns, "value"])
+        for values in getattr(kind, "moment_sets", kind.sets):
+            law = kind(*values)
+            for function, value in ("Mean", law.mean), ("Variance", law.variance):
+                writer.writerow([function, *parameters_text(kind, values), repr(float(value))])
+
+
+def main():
+    kinds = (Bernoulli, Histogram, Geometric, Poisson, Binomial)
+    for kind in kinds:
+        write_moments(kind)
+    if sys.argv[1:] == ["moments"]:
+        return
+    check_integral()
     for kind in kinds:
         write_probabilities(kind)
 
