@@ -132,6 +132,8 @@ struct VariableFit {
   std::int32_t mixtures = kNotSetCount;  // the components fitted, where that is not what was asked for
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
+  // The largest Kolmogorov-Smirnov p-value among the fits; kNotSet without one.
+  double bestKolmogorovSmirnovPValue = kNotSet;
 
   bool HasValidFit() const;
 };
