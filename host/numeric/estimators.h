@@ -98,7 +98,8 @@ std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, doub
 // after 1000 cycles (a sample that was searched thinned: 50,000,000 / n, 20 at least) it stands as it is. A
 // run has collapsed, and is dropped, when a component comes to hold fewer than two values or its standard
 // deviation falls below 1e-6 of that of the data (the likelihood is unbounded there); so is a run that ends
-// with two components in one place. kNoMaximum when none is left.
+// with two components in one place. kNoMaximum when none is left. A component of a few values that thinning a
+// large sample leaves out is sought in its tails only.
 std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
                                 std::int32_t& numberOfComponents, EstimationError& error,
                                 const EstimationPoll& poll = {});

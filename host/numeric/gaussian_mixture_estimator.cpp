@@ -34,6 +34,7 @@ using mixture::RunToTheEnd;
 using mixture::SplitAndMerged;
 using mixture::Starts;
 using mixture::WithOneMore;
+using mixture::WithTail;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kValuesPerComponent = 3;
@@ -59,7 +60,7 @@ bool HasTwins(const Mixture& mixture) {
   return false;
 }
 
-// The best short runs, best first, each a different mixture.
+// The best short runs, best first.
 std::vector<Candidate> BestShortRuns(Climber& climber, const std::vector<Mixture>& starts,
                                      std::size_t count) {
   std::vector<Candidate> runs;
@@ -117,17 +118,15 @@ int CyclesToFinish(std::size_t count) {
   return static_cast<int>(std::clamp<std::size_t>(kValues / count, 20, kMostCycles));
 }
 
-// A large sample is searched thinned, and the mixture found is polished over samples of rising size, each
-// with the slopes of the one before: their maxima lie close, as evenly placed values tell the distribution
-// far better than as many random ones.
-Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation,
-                    const EstimationPoll& poll) {
+// The mixture found in a thinned sample polished over samples of rising size, each with the slopes of the one
+// before: their maxima lie close, as evenly placed values tell the distribution far better than as many
+// random ones. Empty where the mixture collapses.
+Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mixture mixture,
+                  double deviation, const EstimationPoll& poll) {
   constexpr std::size_t kRise = 16;
-  if (sorted.size() <= kSearchedWhole) return SearchMixture(sorted, components, deviation, poll);
-  std::vector<double> known = Thinned(sorted, kThinnedSample);
-  Candidate best = SearchMixture(known, components, deviation, poll);
-  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
-  for (std::size_t count = known.size(); count < sorted.size();) {
+  Candidate best = {std::move(mixture)};
+  const std::size_t components = best.mixture.size();
+  for (std::size_t count = known.size(); count < sorted.size() && !best.mixture.empty();) {
     count = std::min(count * kRise, sorted.size());
     std::vector<double> thin;
     if (count < sorted.size()) thin = Thinned(sorted, count);
@@ -135,8 +134,47 @@ Candidate FitSorted(std::span<const double> sorted, std::size_t components, doub
     Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation, poll);
     auto end = Polish(sketch, climber, best.mixture);
     best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture, -kInfinity, CyclesToFinish(count));
-    if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
     known = std::move(thin);
+  }
+  return best;
+}
+
+// The mixture with a component of a few values in a tail, which thinning leaves out, if it is better.
+Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, double leastLogLikelihood,
+                       double deviation, const EstimationPoll& poll) {
+  constexpr int kSteps = 5;
+  constexpr std::size_t kSeen = 32;  // thinned values; a component of more is found among them
+  const std::size_t most = kSeen * sorted.size() / kThinnedSample;
+  Climber climber(sorted, fewer.size() + 1, deviation, poll);
+  Candidate best;
+  for (Mixture& start : WithTail(fewer, sorted, most, deviation)) {
+    Mixture image = start;
+    const double logLikelihood = climber.Step(image);
+    if (logLikelihood > best.logLikelihood) best = {std::move(image), logLikelihood};
+  }
+  for (int step = 0; step < kSteps && !best.mixture.empty(); ++step) {
+    if (climber.IsCollapsed(best.mixture)) return {};
+    best.logLikelihood = climber.Step(best.mixture);
+  }
+  if (!(best.logLikelihood > leastLogLikelihood)) return {};
+  return RunToTheEnd(climber, best.mixture, leastLogLikelihood, CyclesToFinish(sorted.size()));
+}
+
+// A large sample is searched thinned.
+Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation,
+                    const EstimationPoll& poll) {
+  if (sorted.size() <= kSearchedWhole) return SearchMixture(sorted, components, deviation, poll);
+  const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+  const Candidate ofThin = SearchMixture(thin, components, deviation, poll);
+  if (ofThin.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
+  Candidate best = Refined(sorted, thin, ofThin.mixture, deviation, poll);
+  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
+  if (components > 1) {
+    const Candidate fewer = SearchMixture(thin, components - 1, deviation, poll, true);
+    Candidate other;
+    if (!fewer.mixture.empty())
+      other = BestWithTail(sorted, fewer.mixture, best.logLikelihood, deviation, poll);
+    if (other.logLikelihood > best.logLikelihood && !HasTwins(other.mixture)) best = std::move(other);
   }
   SortByMean(best.mixture);
   return best;

@@ -136,13 +136,13 @@ std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted,
   return peaks;
 }
 
-// That a large sample has no peak is believed when two thinned ones, one of them finer, have none.
+// A thinned sample without its greatest values may have its peak beyond the support that these allow, so that
+// only the whole sample can be said to have none.
 std::vector<Peak> UsefulPeaks(std::span<const double> sorted, const EstimationPoll& poll) {
   const std::vector<double> grid = RatioGrid(sorted.back(), Mean(sorted));
   if (sorted.size() <= kLargeSample) return Peaks(sorted, grid, poll);
-  auto peaks = PeaksByThinning(sorted, kThinnedSample, grid, poll);
-  if (peaks && peaks->empty()) peaks = PeaksByThinning(sorted, 4 * kThinnedSample, grid, poll);
-  return peaks ? *peaks : Peaks(sorted, grid, poll);
+  const auto peaks = PeaksByThinning(sorted, kThinnedSample, grid, poll);
+  return peaks && !peaks->empty() ? *peaks : Peaks(sorted, grid, poll);
 }
 
 // The greatest local maximum with shape > -1; a log-likelihood of minus infinity when there is none.

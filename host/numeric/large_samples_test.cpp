@@ -107,6 +107,23 @@ TEST(LargeSamples, EndAtTheMaximumOfTheSampleSearchedWhole) {
   }
 }
 
+// Of so few values a thinned sample keeps one or two, which make no component.
+TEST(LargeSamples, ComponentOfAFewValuesInATailIsFound) {
+  for (const std::size_t count : {5U, 20U}) {
+    for (const double place : {-6.0, 6.0}) {
+      Values data = Sample(Normal);
+      data.insert(data.end(), data.begin(), data.end());
+      const auto n = static_cast<double>(data.size() + count);
+      for (std::size_t i = 0; i < count; ++i) data.push_back(place + 0.3 * std::sin(1.0 + 2.0 * i));
+      const Values p = FitMixture<2>(data);
+      const std::size_t few = place < 0.0 ? 0 : 3;
+      EXPECT_NEAR(p[few] * n, count, 0.1) << count;
+      EXPECT_NEAR(p[few + 1], place, 0.1) << count;
+      EXPECT_NEAR(p[few + 2], 0.3 / std::sqrt(2.0), 0.05) << count;
+    }
+  }
+}
+
 TEST(LargeSamples, OrderOfTheValuesDoesNotMatter) {
   Values data = Sample([](auto& e) { return std::abs(1 + Normal(e)); });
   data.insert(data.end(), data.begin(), data.end());

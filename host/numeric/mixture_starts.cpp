@@ -16,15 +16,19 @@ using estimation::MeanSquare;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
+// The component of a group of a sample of `count` values.
+Component FromGroup(std::span<const double> group, std::size_t count, double deviation) {
+  constexpr double kLeastStart = 1e-3;  // of the deviation of all, so that tied groups can grow
+  const double mean = Mean(group);
+  return {static_cast<double>(group.size()) / static_cast<double>(count), mean,
+          std::max(std::sqrt(MeanSquare(group, mean)), kLeastStart * deviation)};
+}
+
 // The mixture of the groups [edges[c], edges[c + 1]) of sorted values.
 Mixture FromGroups(std::span<const double> sorted, std::span<const std::size_t> edges, double deviation) {
-  constexpr double kLeastStart = 1e-3;  // of the deviation of all, so that tied groups can grow
   Mixture mixture;
   for (std::size_t c = 0; c + 1 < edges.size(); ++c) {
-    const std::span<const double> group = sorted.subspan(edges[c], edges[c + 1] - edges[c]);
-    const double mean = Mean(group);
-    mixture.push_back({static_cast<double>(group.size()) / static_cast<double>(sorted.size()), mean,
-                       std::max(std::sqrt(MeanSquare(group, mean)), kLeastStart * deviation)});
+    mixture.push_back(FromGroup(sorted.subspan(edges[c], edges[c + 1] - edges[c]), sorted.size(), deviation));
   }
   return mixture;
 }
@@ -183,6 +187,22 @@ std::vector<Mixture> WithOneMore(const Mixture& mixture) {
       next[split] = {0.5 * c.proportion, c.mean - distance * c.deviation, narrow * c.deviation};
       next.push_back({0.5 * c.proportion, c.mean + distance * c.deviation * wide, wide * c.deviation});
       starts.push_back(std::move(next));
+    }
+  }
+  return starts;
+}
+
+std::vector<Mixture> WithTail(const Mixture& mixture, std::span<const double> sorted, std::size_t most,
+                              double deviation) {
+  constexpr std::size_t kFewest = 4;
+  std::vector<Mixture> starts;
+  for (std::size_t count = kFewest; count <= most && 2 * count <= sorted.size(); count *= 2) {
+    for (const auto& group : {sorted.first(count), sorted.last(count)}) {
+      const Component tail = FromGroup(group, sorted.size(), deviation);
+      Mixture start = mixture;
+      for (Component& component : start) component.proportion *= 1.0 - tail.proportion;
+      start.push_back(tail);
+      starts.push_back(std::move(start));
     }
   }
   return starts;

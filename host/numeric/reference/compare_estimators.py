@@ -32,6 +32,8 @@ warnings.filterwarnings("ignore")
 
 def total(terms):
     terms = np.asarray(terms, dtype=float)
+    if len(terms) >= LARGE:  # extended precision, which is faster
+        return float(np.sum(terms, dtype=np.longdouble)) if np.all(np.isfinite(terms)) else -math.inf
     return math.fsum(terms) if np.all(np.isfinite(terms)) else -math.inf
 
 
@@ -146,7 +148,10 @@ def scipy_gpd(data, threshold):
 
 
 def numpy_mixture(data, k):
-    """Plain expectation-maximisation from random values as means, ten times; the best run that has not collapsed."""
+    """Plain expectation-maximisation from random values as means, ten times; the best run that has not collapsed. Large
+    samples, for which it is too slow, are left to R."""
+    if len(data) >= LARGE:
+        return None
     generator, k, best = rng(20), int(k), None
     for _ in range(10):
         m, d, w = generator.choice(data, k, replace=False), np.full(k, np.std(data) / k), np.full(k, 1 / k)
@@ -212,6 +217,9 @@ REAL = {"Port Pirie": example("portpirie_sea_level.csv"), "eruptions": example("
         "Danish losses": example("danish_fire_losses.csv")}
 
 
+LARGE = 40000  # above the size from which the estimators search a thinned sample
+
+
 def positive_samples():
     """(name, data, offset) for laws of a magnitude."""
     sets = [(name, x, 0.0) for name, x in REAL.items()]
@@ -233,6 +241,10 @@ def positive_samples():
     sets.append(("exponential", rng(5).exponential(size=200), 0.0))
     sets.append(("Pareto, shape 1", rng(6).pareto(1.0, size=200) + 0.01, 0.0))
     sets.append(("two clusters", np.concatenate([np.abs(z) * 0.1, 5 + 0.1 * z]), -1e-6))
+    for location in (0.3, 1.0, 3.0):
+        x = np.sort(np.abs(rng(LARGE).standard_normal(LARGE) + location))  # thinned only where sorted
+        sets.append((f"abs(normal + {location:g}), n = {LARGE}", x, 0.0))
+    sets.append((f"Gamma(2.5), n = {LARGE}", np.sort(rng(12).gamma(2.5, size=LARGE)), 0.0))
     return [(name, x, offset) for name, x, offset in sets if np.all(x > offset)]
 
 
@@ -255,6 +267,9 @@ def gev_samples():
                     ("three values, two tied", np.array([1.0, 1.0, 2.0])),
                     ("mostly one value", np.array([2.0] * 18 + [2.5, 3.0]))):
         sets.append((name, y, 0.0))
+    for shape in (-0.4, 0.05, 0.6):
+        sets.append((f"GEV({shape:g}), n = {LARGE}", stats.genextreme.rvs(-shape, size=LARGE, random_state=rng(13)), 0.0))
+    sets.append((f"normal, n = {LARGE}", rng(14).standard_normal(LARGE), 0.0))
     return sets
 
 
@@ -278,6 +293,9 @@ def gpd_samples():
                        ("three values, two tied", np.array([1.0, 1.0, 2.0]), 0.0),
                        ("three values, heavy", np.array([0.01, 0.1, 30.0]), 0.0)):
         sets.append((name, y, u))
+    for shape in (-0.4, 0.05, 0.6):
+        sets.append((f"GPD({shape:g}), n = {LARGE}", stats.genpareto.rvs(shape, size=LARGE, random_state=rng(15)), 0.0))
+    sets.append((f"abs(normal), n = {LARGE}", np.abs(rng(16).standard_normal(LARGE)), 0.0))
     return sets
 
 
@@ -302,6 +320,11 @@ def mixture_samples():
     for seed, (name, parts) in enumerate(laws.items()):
         for n in (40, 300, 3000):
             sets.append((f"{name}, n = {n}", draw(100 * seed + n, n, parts), len(parts)))
+    for name in ("apart", "concentric", "rare", "three, overlapping"):
+        sets.append((f"{name}, n = {LARGE}", draw(17, LARGE, laws[name]), len(laws[name])))
+    for count in (5, 20):
+        x = np.concatenate([rng(18).standard_normal(LARGE), 6 + 0.2 * rng(19).standard_normal(count)])
+        sets.append((f"normal and {count} values beyond 5 deviations, n = {len(x)}", x, 2))
     x = draw(9, 150, laws["apart"])
     for name, y in (("apart, times 1e-9", x * 1e-9), ("apart, times 1e9", x * 1e9), ("apart, + 1e6", x + 1e6),
                     ("apart, rounded to 0.5, ties", np.round(2 * x) / 2), ("normal, one in truth", rng(8).normal(size=200)),
