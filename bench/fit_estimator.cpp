@@ -9,6 +9,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "host/numeric/estimators.h"
@@ -24,22 +25,25 @@ struct Fit {
 using Estimator = std::function<Fit(const std::vector<double>& data, double option)>;
 
 // An estimator with a flag and an offset, as one of the table.
-template <std::size_t count>
+// `More`: a poll, which nobody needs here, where the estimator searches.
+template <std::size_t count, class... More>
 Estimator WithOffset(std::int32_t (*fit)(std::int32_t, std::span<const double>, double,
-                                         std::span<double, count>, EstimationError&)) {
+                                         std::span<double, count>, EstimationError&, More...)) {
   return [fit](const std::vector<double>& data, double offset) {
     Fit result{std::vector<double>(count), {}};
-    fit(0, data, offset, std::span<double, count>(result.parameters), result.error);
+    fit(0, data, offset, std::span<double, count>(result.parameters), result.error,
+        std::remove_cvref_t<More>{}...);
     return result;
   };
 }
 
-template <std::size_t count>
+template <std::size_t count, class... More>
 Estimator WithThreshold(std::int32_t (*fit)(std::span<const double>, double, std::span<double, count>,
-                                            EstimationError&)) {
+                                            EstimationError&, More...)) {
   return [fit](const std::vector<double>& data, double threshold) {
     Fit result{std::vector<double>(count), {}};
-    fit(data, threshold, std::span<double, count>(result.parameters), result.error);
+    fit(data, threshold, std::span<double, count>(result.parameters), result.error,
+        std::remove_cvref_t<More>{}...);
     return result;
   };
 }
@@ -101,17 +105,17 @@ Fit FitJohnsonPercentiles(const std::vector<double>& data, double spacing) {
 
 const std::map<std::string, Estimator>& Estimators() {
   static const std::map<std::string, Estimator> estimators = {
-      {"lognormal", WithOffset<2>(FitLognormalDistribution)},
-      {"half_normal", WithOffset<3>(FitHalfNormalDistribution)},
-      {"rayleigh", WithOffset<3>(FitRayleighDistribution)},
-      {"folded_normal", WithOffset<2>(FitFoldedNormalDistribution)},
+      {"lognormal", WithOffset(FitLognormalDistribution)},
+      {"half_normal", WithOffset(FitHalfNormalDistribution)},
+      {"rayleigh", WithOffset(FitRayleighDistribution)},
+      {"folded_normal", WithOffset(FitFoldedNormalDistribution)},
       {"gev", FitGev},
       {"gev_moments", FitGevMoments},
       {"mixture", FitMixture},
       {"johnson_moments", FitJohnsonMoments},
       {"johnson_percentiles", FitJohnsonPercentiles},
-      {"gpd", WithThreshold<3>(FitGPDMaximumLikelihood)},
-      {"gpd_moments", WithThreshold<3>(FitGPDProbabilityWeightedMoments)},
+      {"gpd", WithThreshold(FitGPDMaximumLikelihood)},
+      {"gpd_moments", WithThreshold(FitGPDProbabilityWeightedMoments)},
   };
   return estimators;
 }

@@ -1,5 +1,6 @@
 #include "brv_sra/distributions/law.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
@@ -22,8 +23,12 @@ struct LawFunctions {
   double (*complement)(double x, In values, double offset);
   double (*quantile)(double p, In values, double offset);
   double (*complementQuantile)(double q, In values, double offset);
+  void (*densities)(In x, In values, double offset, Out out);
+  void (*logDensities)(In x, In values, double offset, Out out);
   void (*cdfs)(In x, In values, double offset, Out out);
+  void (*complements)(In x, In values, double offset, Out out);
   void (*quantiles)(In p, In values, double offset, Out out);
+  void (*complementQuantiles)(In q, In values, double offset, Out out);
 };
 
 // How a type's functions take their values: `kCount` single ones, followed by the offset or not; or all as
@@ -71,8 +76,12 @@ auto Spread(In values, double offset, const Call& call) {
                         BRENVOLT_LAW_SCALAR(ns, Complement),                                              \
                         BRENVOLT_LAW_SCALAR(ns, Quantile),                                                \
                         BRENVOLT_LAW_SCALAR(ns, ComplementQuantile),                                      \
+                        BRENVOLT_LAW_ARRAY(ns, Density),                                                  \
+                        BRENVOLT_LAW_ARRAY(ns, LogDensity),                                               \
                         BRENVOLT_LAW_ARRAY(ns, Cdf),                                                      \
-                        BRENVOLT_LAW_ARRAY(ns, Quantile)};                                                \
+                        BRENVOLT_LAW_ARRAY(ns, Complement),                                               \
+                        BRENVOLT_LAW_ARRAY(ns, Quantile),                                                 \
+                        BRENVOLT_LAW_ARRAY(ns, ComplementQuantile)};                                      \
   }()
 
 const LawFunctions& FunctionsOf(DistributionCode code) {
@@ -148,15 +157,34 @@ double Law::ComplementQuantile(double q) const {
   return Evaluate(&LawFunctions::complementQuantile, code_, q, values_, offset_, kInvalidQuantile);
 }
 
+namespace {
+
+void EvaluateAll(void (*LawFunctions::*function)(In, In, double, Out), DistributionCode code, In x, In values,
+                 double offset, double invalid, Out out) {
+  const LawFunctions& functions = FunctionsOf(code);
+  if (HasItsValues(functions, values)) return (functions.*function)(x, values, offset, out);
+  std::fill_n(out.begin(), x.size(), invalid);
+}
+
+}  // namespace
+
+void Law::Density(std::span<const double> x, std::span<double> out) const {
+  EvaluateAll(&LawFunctions::densities, code_, x, values_, offset_, kInvalidProbability, out);
+}
+void Law::LogDensity(std::span<const double> x, std::span<double> out) const {
+  EvaluateAll(&LawFunctions::logDensities, code_, x, values_, offset_, kInvalidProbability, out);
+}
 void Law::Cdf(std::span<const double> x, std::span<double> out) const {
-  const LawFunctions& functions = FunctionsOf(code_);
-  if (HasItsValues(functions, values_)) return functions.cdfs(x, values_, offset_, out);
-  for (std::size_t i = 0; i < x.size(); ++i) out[i] = kInvalidProbability;
+  EvaluateAll(&LawFunctions::cdfs, code_, x, values_, offset_, kInvalidProbability, out);
+}
+void Law::Complement(std::span<const double> x, std::span<double> out) const {
+  EvaluateAll(&LawFunctions::complements, code_, x, values_, offset_, kInvalidProbability, out);
 }
 void Law::Quantile(std::span<const double> p, std::span<double> out) const {
-  const LawFunctions& functions = FunctionsOf(code_);
-  if (HasItsValues(functions, values_)) return functions.quantiles(p, values_, offset_, out);
-  for (std::size_t i = 0; i < p.size(); ++i) out[i] = kInvalidQuantile;
+  EvaluateAll(&LawFunctions::quantiles, code_, p, values_, offset_, kInvalidQuantile, out);
+}
+void Law::ComplementQuantile(std::span<const double> q, std::span<double> out) const {
+  EvaluateAll(&LawFunctions::complementQuantiles, code_, q, values_, offset_, kInvalidQuantile, out);
 }
 
 }  // namespace brenvolt::sra

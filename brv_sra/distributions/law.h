@@ -25,8 +25,12 @@ class Law {
   double Quantile(double p) const;
   double ComplementQuantile(double q) const;
   // `out` has the length of the input at least, and may be the input.
+  void Density(std::span<const double> x, std::span<double> out) const;
+  void LogDensity(std::span<const double> x, std::span<double> out) const;
   void Cdf(std::span<const double> x, std::span<double> out) const;
+  void Complement(std::span<const double> x, std::span<double> out) const;
   void Quantile(std::span<const double> p, std::span<double> out) const;
+  void ComplementQuantile(std::span<const double> q, std::span<double> out) const;
 
  private:
   DistributionCode code_;

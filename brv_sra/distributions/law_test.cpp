@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <limits>
+#include <span>
+#include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "host/numeric/distribution_values.h"
@@ -74,6 +76,9 @@ TEST(LawReference, EveryTypeAgreesWithSciPy) {
   }
 }
 
+using Scalar = double (Law::*)(double) const;
+using Array = void (Law::*)(std::span<const double>, std::span<double>) const;
+
 TEST(Law, FunctionsOfATypeBelongTogether) {
   for (const Case& c : Cases()) {
     SCOPED_TRACE(DisplayName(c.code));
@@ -93,12 +98,18 @@ TEST(Law, FunctionsOfATypeBelongTogether) {
       }
     }
     const std::vector<double> points{c.x + Shift(c), c.x + Shift(c) + 0.5};
-    std::vector<double> out(2);
-    law.Cdf(points, out);
-    EXPECT_EQ(out, (std::vector{law.Cdf(points[0]), law.Cdf(points[1])}));
     const std::vector<double> probabilities{0.25, 0.75};
-    law.Quantile(probabilities, out);
-    EXPECT_EQ(out, (std::vector{law.Quantile(0.25), law.Quantile(0.75)}));
+    const auto expectSame = [&law](const std::vector<double>& at, Scalar scalar, Array array) {
+      std::vector<double> out(2);
+      (law.*array)(at, out);
+      EXPECT_EQ(out, (std::vector{(law.*scalar)(at[0]), (law.*scalar)(at[1])}));
+    };
+    expectSame(points, &Law::Density, &Law::Density);
+    expectSame(points, &Law::LogDensity, &Law::LogDensity);
+    expectSame(points, &Law::Cdf, &Law::Cdf);
+    expectSame(points, &Law::Complement, &Law::Complement);
+    expectSame(probabilities, &Law::Quantile, &Law::Quantile);
+    expectSame(probabilities, &Law::ComplementQuantile, &Law::ComplementQuantile);
   }
 }
 

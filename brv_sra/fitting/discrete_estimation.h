@@ -35,7 +35,7 @@ struct HistogramEstimate {
 };
 
 // All skip NaN and take the values in any order, but for the histogram. A value is a count when it is whole
-// and at least 0 (15 units in the last place below 0 still pass).
+// and not below 0 by more than 15 units in the last place: a whole number below 0 always is.
 
 // Proportion = mean / trials. With `estimateTrials` the greatest value stands for the number of trials, which
 // is then not looked at.

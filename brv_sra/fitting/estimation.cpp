@@ -87,7 +87,7 @@ Estimate EstimateLogNormal(const Input& input) {
 Estimate EstimateFoldedNormal(const Input& input) {
   std::array<double, 2> p{};
   EstimationError error{};
-  if (FitFoldedNormalDistribution(0, input.sorted, input.offset, p, error) != 0) return {};
+  if (FitFoldedNormalDistribution(0, input.sorted, input.offset, p, error, input.poll) != 0) return {};
   const auto covariance = FoldedNormalCovariance(input.sorted, p[0], p[1], input.offset);
   if (!covariance) return {{p[0], p[1]}, {}, {}, 2};
   return WithCovariance({p[0], p[1]}, {covariance->begin(), covariance->end()});
@@ -129,7 +129,7 @@ Estimate EstimateGaussianMixture(const Input& input) {
       AllowedMixtures(input.continuous->mixtures, static_cast<std::int64_t>(input.sorted.size()));
   Values values(3 * static_cast<std::size_t>(components), kNotSet);
   EstimationError error{};
-  if (FitGaussianMixture(input.sorted, values, components, error) != 0) return {};
+  if (FitGaussianMixture(input.sorted, values, components, error, input.poll) != 0) return {};
   values.resize(3 * static_cast<std::size_t>(components));
   for (std::size_t i = 2; i < values.size(); i += 3) {
     if (AlmostEqual(values[i], 0)) return {};
@@ -167,21 +167,23 @@ Estimate EstimateJohnson(const Input& input) {
   return {{p.begin(), p.end()}, {}, {}, JohnsonParameterCount(p[0])};
 }
 
+// No standard errors for a shape of -1/2 or less, where estimates are not asymptotically normal (Smith 1985).
 Estimate EstimateGeneralExtremeValue(const Input& input) {
   std::array<double, 3> p{};
   std::array<double, 9> covariance{};
   EstimationError error{};
-  const bool isLikelihood = GEV_MLE(input.sorted, p, covariance, error) == 0;
+  const bool isLikelihood = GEV_MLE(input.sorted, p, covariance, error, input.poll) == 0;
   if (!isLikelihood && GEV_ProbWeightMoments(input.sorted, p, error) != 0) return {};
   if (!(p[1] > 0)) return {};
-  if (!isLikelihood || IsNotSet(covariance[0])) return {{p.begin(), p.end()}, {}, {}, 3};
+  const bool hasErrors = isLikelihood && p[2] > kLeastRegularShape && !IsNotSet(covariance[0]);
+  if (!hasErrors) return {{p.begin(), p.end()}, {}, {}, 3};
   return WithCovariance({p.begin(), p.end()}, {covariance.begin(), covariance.end()});
 }
 
 Estimate EstimateGeneralPareto(const Input& input) {
   std::array<double, 3> p{};
   EstimationError error{};
-  const bool isLikelihood = FitGPDMaximumLikelihood(input.sorted, input.offset, p, error) == 0;
+  const bool isLikelihood = FitGPDMaximumLikelihood(input.sorted, input.offset, p, error, input.poll) == 0;
   if (!isLikelihood && FitGPDProbabilityWeightedMoments(input.sorted, input.offset, p, error) != 0) return {};
   if (!(p[1] > 0)) return {};
   const auto covariance =
@@ -274,8 +276,14 @@ bool AllFinite(const Values& values) {
 }
 
 bool IsUsable(const Estimate& estimate) {
-  return !estimate.values.empty() && !IsNotSet(estimate.values.front()) && AllFinite(estimate.values) &&
-         AllFinite(estimate.standardErrors) && AllFinite(estimate.covariance);
+  return !estimate.values.empty() && !IsNotSet(estimate.values.front()) && AllFinite(estimate.values);
+}
+
+// Squares of errors overflow in units in which the values themselves do not.
+void DropErrorsThatAreNotFinite(Estimate& estimate) {
+  if (AllFinite(estimate.standardErrors) && AllFinite(estimate.covariance)) return;
+  estimate.standardErrors.clear();
+  estimate.covariance.clear();
 }
 
 DistributionFit RunStep(DistributionCode code, double offset, const Input& input) {
@@ -286,6 +294,7 @@ DistributionFit RunStep(DistributionCode code, double offset, const Input& input
   const FloatingPointGuard guard;
   Estimate estimate = kSteps[static_cast<std::size_t>(code)].estimate(input);
   if (!IsUsable(estimate)) return fit;
+  DropErrorsThatAreNotFinite(estimate);
   fit.specification.values = std::move(estimate.values);
   fit.standardErrors = std::move(estimate.standardErrors);
   fit.covariance = std::move(estimate.covariance);

@@ -1,9 +1,10 @@
 // Estimation of the checked distributions of one variable in their fixed order, each followed by its tests.
 //
 // An estimate that fails makes only its own distribution invalid: the first value, the log-likelihood and
-// every test are then kNotSet. So does a value or standard error that is not finite, and a first value that
-// happens to be kNotSet, which no reader could tell from a failure. Each estimate runs under
-// a FloatingPointGuard. All functions may be called from several threads at once.
+// every test are then kNotSet. So does a value that is not finite, and a first value that happens to be
+// kNotSet, which no reader could tell from a failure; standard errors or covariances that are not finite are
+// left out alone. Each estimate runs under a FloatingPointGuard. All functions may be called from several
+// threads at once.
 #pragma once
 
 #include <functional>
@@ -24,12 +25,12 @@ struct SortedSample {
   Moments moments;
 };
 
-// Called between steps that take long; throws to end them.
+// Called between steps that take long, from several threads at once; throws to end them.
 using Poll = std::function<void()>;
 
 // The estimate of one distribution: values in catalogue order, log-likelihood, and standard errors with
 // covariance where the table at the definition says so; no tests. The triangular log-likelihood leaves out
-// the values of vanishing density; any other is kNotSet where a value lies outside the fitted support.
+// the values at the extremes; any other is kNotSet where a value lies outside the fitted support.
 // Throws NumericalException when the Johnson fit from percentiles fails.
 DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
                                    const ContinuousSpecification& specification, const Poll& poll);

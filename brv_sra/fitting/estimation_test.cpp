@@ -182,6 +182,41 @@ TEST(Estimation, StandardErrorsOfTheOthers) {
 TEST(Estimation, NoStandardErrorsWhereTheTheoryGivesNone) {
   EXPECT_FALSE(FoldedNormalCovariance(Values{1, -1, 1, -1}, 0, 1, 0));
   EXPECT_FALSE(ParetoCovariance(Values{0.1, 0.5, 0.9}, 1, -0.6, 0));
+  // Quantiles of extreme value distributions on either side of shape -1/2.
+  for (const double shape : {-0.7, -0.3}) {
+    Values values;
+    for (int i = 0; i < 200; ++i)
+      values.push_back(std::expm1(-shape * std::log(-std::log((i + 0.5) / 200))) / shape);
+    const DistributionFit fit = Fit(Code::kGeneralExtremeValue, Data(values));
+    ASSERT_NEAR(fit.specification.values[2], shape, 0.1);
+    EXPECT_EQ(fit.standardErrors.empty(), shape < -0.5) << shape;
+    EXPECT_EQ(fit.covariance.empty(), shape < -0.5) << shape;
+  }
+}
+
+// Squares of standard errors leave the range of a double before the values do.
+TEST(Estimation, ExtremeUnitsCostTheErrorsAndNotTheFit) {
+  const Data plain = Mixed(200);
+  for (const double unit : {5e160, 1e100, 1e-100}) {
+    Values values = plain.values;
+    for (double& x : values) x *= unit;
+    const Data data(values);
+    for (const Code code :
+         {Code::kNormal, Code::kHalfNormal, Code::kRayleigh, Code::kJohnson, Code::kGeneralExtremeValue}) {
+      SCOPED_TRACE(std::to_string(unit) + " " + std::to_string(static_cast<int>(code)));
+      const DistributionFit fit = Fit(code, data);
+      const DistributionFit reference = Fit(code, plain);
+      ASSERT_TRUE(fit.IsValid());
+      const std::size_t scale = code == Code::kJohnson                                 ? 3
+                                : code == Code::kHalfNormal || code == Code::kRayleigh ? 0
+                                                                                       : 1;
+      EXPECT_NEAR(fit.specification.values[scale] / unit / reference.specification.values[scale], 1, 1e-9);
+      EXPECT_NEAR(fit.logLikelihood, reference.logLikelihood - 200 * std::log(unit),
+                  1e-8 * 200 * std::abs(std::log(unit)));
+      EXPECT_EQ(fit.standardErrors.empty(), fit.covariance.empty());
+      for (const double error : fit.standardErrors) EXPECT_TRUE(std::isfinite(error));
+    }
+  }
 }
 
 TEST(Estimation, OneFailureLeavesTheOtherFitsAlone) {
@@ -259,6 +294,22 @@ TEST(Estimation, ResultsDoNotDependOnTheCompany) {
     const DistributionFit alone = Fit(fit.specification.code, data);
     EXPECT_EQ(alone.specification.values, fit.specification.values);
     EXPECT_EQ(alone.logLikelihood, fit.logLikelihood);
+  }
+}
+
+// Each asks so often that some passes over the data lie between two questions, also where it thins them.
+TEST(Estimation, LongEstimatorsLookForCancellationOnTheWay) {
+  const Data data = Mixed(30'000);
+  for (const Code code :
+       {Code::kFoldedNormal, Code::kGaussianMixture, Code::kGeneralExtremeValue, Code::kGeneralPareto}) {
+    SCOPED_TRACE(static_cast<int>(code));
+    int asked = 0;
+    EXPECT_THROW(EstimateContinuous(code, data.Sample(), Everything(0),
+                                    [&asked] {
+                                      if (++asked == 20) throw UserCancelled();
+                                    }),
+                 UserCancelled);
+    EXPECT_EQ(asked, 20);
   }
 }
 

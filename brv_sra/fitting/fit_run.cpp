@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <span>
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
@@ -59,6 +60,16 @@ std::int32_t ChangedMixtures(const ContinuousSpecification& specification, std::
   return AllowedMixtures(specification.mixtures, validCases);
 }
 
+// The largest p-value of the test among the fits that have one.
+double BestKolmogorovSmirnovPValue(std::span<const DistributionFit> fits) {
+  double best = kNotSet;
+  for (const DistributionFit& fit : fits) {
+    const double pValue = fit.kolmogorovSmirnov.pValue;
+    if (!IsNotSet(pValue)) best = std::max(best, pValue);
+  }
+  return best;
+}
+
 // A continuous variable without spread (a single value included) has nothing to fit.
 void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& specification,
                            const FitSpecification& all, const Poll& poll) {
@@ -69,6 +80,7 @@ void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& sp
   SortAscending(read.values);
   fit.fits = FitContinuousDistributions({read.values, fit.moments}, specification, all.binning, poll);
   fit.ranked = RankFits(fit.fits, all.continuousCriterion);
+  fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 
 void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specification,
@@ -79,6 +91,7 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   SortAscending(read.values);
   fit.fits = FitDiscreteDistributions({read.values, fit.moments}, specification, all.binning, poll);
   fit.ranked = RankFits(fit.fits, all.discreteCriterion);
+  fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 
 // A numeric fault names its variable before what else it says.

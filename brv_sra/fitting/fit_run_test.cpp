@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -277,6 +278,12 @@ TEST_F(FitRun, DiscreteVariablesFollowWithTheirFiveTypes) {
   ASSERT_EQ(results[1].fits.size(), 5U);
   for (const DistributionFit& fit : results[1].fits) EXPECT_TRUE(fit.IsValid());
   EXPECT_EQ(results[1].fits[0].specification.values, (std::vector<double>{2.0 / 3, 1}));
+  for (const VariableFit& result : results) {
+    double best = -1;
+    for (const DistributionFit& fit : result.fits) best = std::max(best, fit.kolmogorovSmirnov.pValue);
+    EXPECT_EQ(result.bestKolmogorovSmirnovPValue, best);
+    EXPECT_GT(best, 0);
+  }
 }
 
 TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {

@@ -142,6 +142,8 @@ struct VariableFit {
   std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
+  // The largest Kolmogorov-Smirnov p-value among the fits; kNotSet without one.
+  double bestKolmogorovSmirnovPValue = kNotSet;
   SaveSettings saving;
 
   bool HasValidFit() const;

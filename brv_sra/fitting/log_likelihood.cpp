@@ -151,15 +151,24 @@ double GaussianMixture(In sorted, In v, double /*offset*/) {
   });
 }
 
-// Types without an array formula: the log-density of each distinct value, as often as it occurs.
+// Types without a formula of their own: the log-density of each distinct value, as often as it occurs.
 double ByDistinctValues(DistributionCode code, In values, double offset, In sorted) {
+  constexpr std::size_t kTogether = 65'536;  // distinct values: few calls, little memory
   const Law law(code, values, offset);
+  std::vector<double> distinct;
+  std::vector<double> occurrences;
   CompensatedSum sum;
   for (std::size_t i = 0; i < sorted.size();) {
     std::size_t end = i + 1;
     while (end < sorted.size() && sorted[end] == sorted[i]) ++end;
-    sum.Add(static_cast<double>(end - i) * law.LogDensity(sorted[i]));
+    distinct.push_back(sorted[i]);
+    occurrences.push_back(static_cast<double>(end - i));
     i = end;
+    if (distinct.size() < kTogether && i < sorted.size()) continue;
+    law.LogDensity(distinct, distinct);
+    for (std::size_t j = 0; j < distinct.size(); ++j) sum.Add(occurrences[j] * distinct[j]);
+    distinct.clear();
+    occurrences.clear();
   }
   return sum.Value();
 }

@@ -58,7 +58,7 @@ std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, 
 // The log-density is -ln scale - (1 + shape) w(z, shape), z = (x - threshold) / scale.
 std::optional<Covariance2> ParetoCovariance(std::span<const double> data, double scale, double shape,
                                             double threshold) {
-  if (shape <= -0.5) return std::nullopt;
+  if (shape <= kLeastRegularShape) return std::nullopt;
   const double a = 1 + shape;
   CompensatedSum byScale;
   CompensatedSum mixed;

@@ -8,6 +8,10 @@
 
 namespace brenvolt::sra {
 
+// At this shape and below, the estimates of a distribution with a finite upper end are not
+// asymptotically normal, and the information says nothing about their errors (Smith 1985).
+inline constexpr double kLeastRegularShape = -0.5;
+
 // The covariance of two estimates, row by row.
 using Covariance2 = std::array<double, 4>;
 
@@ -16,8 +20,8 @@ using Covariance2 = std::array<double, 4>;
 std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, double location, double scale,
                                                   double offset);
 
-// Scale and shape of the generalized Pareto at its maximum. Nothing for a shape of -1/2 or less, where
-// estimates are not asymptotically normal (Smith 1985), nor where the information is not positive definite.
+// Scale and shape of the generalized Pareto at its maximum. Nothing for a shape of kLeastRegularShape or
+// less, nor where the information is not positive definite.
 std::optional<Covariance2> ParetoCovariance(std::span<const double> data, double scale, double shape,
                                             double threshold);
 

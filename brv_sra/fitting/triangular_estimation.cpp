@@ -8,6 +8,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <numeric>
 #include <vector>
 
@@ -17,7 +18,7 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr double kLeastDensity = 1e-10;  // values below are left out
+constexpr double kLeastDensity = 1e-10;  // values below are left out of the search
 constexpr double kTolerance = 1e-8;      // of the log-likelihood at the ends of the bracket
 constexpr std::size_t kScanSteps = 100;
 
@@ -84,28 +85,52 @@ class Likelihood {
         aboveMinimum_(sorted, 1, a_),
         belowMaximum_(sorted, -1, b_) {}
 
+  // What the search compares: over the values whose density is not below kLeastDensity.
   double operator()(double c) const {
-    const auto below = static_cast<std::size_t>(std::ranges::lower_bound(sorted_, c) - sorted_.begin());
-    const auto above = static_cast<std::size_t>(std::ranges::upper_bound(sorted_, c) - sorted_.begin());
+    const std::size_t below = Place(std::ranges::lower_bound(sorted_, c));
+    const std::size_t above = Place(std::ranges::upper_bound(sorted_, c));
     const double top = 2 / (b_ - a_);
-    const double logTop = std::log(top);
     const auto isCounted = [top](double fraction) { return top * fraction >= kLeastDensity; };
     // The densities rise to c and fall from it: the values that count are next to c.
     const auto left = std::partition_point(sorted_.begin(), sorted_.begin() + Distance(below),
                                            [&](double x) { return !isCounted((x - a_) / (c - a_)); });
     const auto right = std::partition_point(sorted_.begin() + Distance(above), sorted_.end(),
                                             [&](double x) { return isCounted((b_ - x) / (b_ - c)); });
-    const auto first = static_cast<std::size_t>(left - sorted_.begin());
-    const auto last = static_cast<std::size_t>(right - sorted_.begin());
-    double sum = aboveMinimum_.Sum(first, below) + belowMaximum_.Sum(above, last);
-    if (first < below) sum += static_cast<double>(below - first) * (logTop - std::log(c - a_));
-    if (above < last) sum += static_cast<double>(last - above) * (logTop - std::log(b_ - c));
-    if (top >= kLeastDensity) sum += static_cast<double>(above - below) * logTop;
-    return sum;
+    const double sum = SumOfSides(c, {Place(left), below, above, Place(right)});
+    return top >= kLeastDensity ? sum + static_cast<double>(above - below) * LogTop() : sum;
+  }
+
+  // Over every value of positive density, however small; kNotSet without one.
+  double OverAllPositive(double c) const {
+    const std::size_t below = Place(std::ranges::lower_bound(sorted_, c));
+    const std::size_t above = Place(std::ranges::upper_bound(sorted_, c));
+    const std::size_t first = std::min(below, Place(std::ranges::upper_bound(sorted_, a_)));
+    const std::size_t last = std::max(above, Place(std::ranges::lower_bound(sorted_, b_)));
+    if (first == last) return kNotSet;
+    return SumOfSides(c, {first, below, above, last}) + static_cast<double>(above - below) * LogTop();
   }
 
  private:
+  // Places in the sorted values: [first, below) count on the left of the mode, [above, last) on its right.
+  struct Sides {
+    std::size_t first;
+    std::size_t below;
+    std::size_t above;
+    std::size_t last;
+  };
+
   static std::ptrdiff_t Distance(std::size_t places) { return static_cast<std::ptrdiff_t>(places); }
+  std::size_t Place(std::span<const double>::iterator at) const {
+    return static_cast<std::size_t>(at - sorted_.begin());
+  }
+  double LogTop() const { return std::numbers::ln2 - std::log(b_ - a_); }
+
+  double SumOfSides(double c, const Sides& at) const {
+    double sum = aboveMinimum_.Sum(at.first, at.below) + belowMaximum_.Sum(at.above, at.last);
+    if (at.first < at.below) sum += static_cast<double>(at.below - at.first) * (LogTop() - std::log(c - a_));
+    if (at.above < at.last) sum += static_cast<double>(at.last - at.above) * (LogTop() - std::log(b_ - c));
+    return sum;
+  }
 
   std::span<const double> sorted_;
   double a_;
@@ -189,7 +214,7 @@ TriangularEstimate EstimateTriangular(std::span<const double> sorted, const std:
   estimate.minimum = a;
   estimate.maximum = b;
   estimate.mode = RefineMode(a, b, start, likelihood, poll);
-  estimate.logLikelihood = likelihood(estimate.mode);
+  estimate.logLikelihood = likelihood.OverAllPositive(estimate.mode);
   estimate.isValid = true;
   return estimate;
 }

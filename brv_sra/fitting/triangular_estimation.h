@@ -12,15 +12,17 @@ struct TriangularEstimate {
   double minimum = kNotSet;
   double maximum = kNotSet;
   double mode = kNotSet;
-  // At the mode, without the values whose density is below 1e-10: the extremes always are among them, as
-  // their density is 0 and the full log-likelihood -infinity.
+  // At the mode, over the values whose density is positive, whatever the units: all but those at the two
+  // extremes, whose density is 0 and with which it would be -infinity. kNotSet where no value is left.
   double logLikelihood = kNotSet;
   bool isValid = false;
 };
 
 // Minimum and maximum are the extremes of `sorted` (ascending, finite); the mode is searched: a scan over
 // about a hundred midpoints between distinct values, then a shrinking bracket around the best of them, until
-// the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. `poll` is
+// the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. For the
+// search alone a value counts only where its density is 1e-10 or more, so that the mode depends on the units
+// of the data: where the range exceeds 2e10, no value counts and the first candidate is kept. `poll` is
 // called between candidates and may throw. Invalid where the extremes are equal within 15 units in the last
 // place.
 //

@@ -76,12 +76,8 @@ double ComplementQuantile(double q, double proportion) {
   return QuantileAt(Law{proportion}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, double proportion, std::span<double> out) {
-  ProbabilitiesAt(Law{proportion}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, double proportion, std::span<double> out) {
-  QuantilesAt(Law{proportion}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((double proportion), proportion);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double proportion), proportion);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double proportion), proportion);
 
 }  // namespace brenvolt::bernoulli

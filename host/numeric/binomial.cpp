@@ -197,12 +197,17 @@ struct Law {
     return QuantileFrom(probability, [this](double k) { return Cdf(k); });
   }
 
-  double ComplementQuantile(double tail) const {
+  // `complement`(k): the same of its complement.
+  template <class Function>
+  double ComplementQuantileFrom(double tail, const Function& complement) const {
     if (IsPoint()) return n * p;
     if (tail == 0.0) return n;
     if (tail == 1.0) return 0.0;
     return SmallestReached(Guess(-StandardNormalQuantile(tail)),
-                           [&](double k) { return Complement(k) <= tail; });
+                           [&](double k) { return complement(k) <= tail; });
+  }
+  double ComplementQuantile(double tail) const {
+    return ComplementQuantileFrom(tail, [this](double k) { return Complement(k); });
   }
 };
 
@@ -240,11 +245,24 @@ double ComplementQuantile(double q, double proportion, double trials) {
   return QuantileAt(Law{proportion, trials}, &Law::ComplementQuantile, q);
 }
 
+void Density(std::span<const double> x, double proportion, double trials, std::span<double> out) {
+  const Law law{proportion, trials};
+  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Density(k); });
+}
+
+void LogDensity(std::span<const double> x, double proportion, double trials, std::span<double> out) {
+  const Law law{proportion, trials};
+  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.LogDensity(k); });
+}
+
 void Cdf(std::span<const double> x, double proportion, double trials, std::span<double> out) {
   const Law law{proportion, trials};
-  CountMemo memo(x.size());
-  ProbabilitiesAt(law.IsValid(), x, out,
-                  [&](double at) { return memo.At(std::floor(at), [&](double k) { return law.Cdf(k); }); });
+  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Cdf(k); });
+}
+
+void Complement(std::span<const double> x, double proportion, double trials, std::span<double> out) {
+  const Law law{proportion, trials};
+  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Complement(k); });
 }
 
 void Quantile(std::span<const double> p, double proportion, double trials, std::span<double> out) {
@@ -252,6 +270,16 @@ void Quantile(std::span<const double> p, double proportion, double trials, std::
   CountMemo memo(p.size());
   const auto cdf = [&](double count) { return memo.At(count, [&](double k) { return law.Cdf(k); }); };
   QuantilesAt(law.IsValid(), p, out, [&](double probability) { return law.QuantileFrom(probability, cdf); });
+}
+
+void ComplementQuantile(std::span<const double> q, double proportion, double trials, std::span<double> out) {
+  const Law law{proportion, trials};
+  CountMemo memo(q.size());
+  const auto complement = [&](double count) {
+    return memo.At(count, [&](double k) { return law.Complement(k); });
+  };
+  QuantilesAt(law.IsValid(), q, out,
+              [&](double tail) { return law.ComplementQuantileFrom(tail, complement); });
 }
 
 }  // namespace brenvolt::binomial

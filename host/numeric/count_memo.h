@@ -7,7 +7,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <vector>
+
+#include "host/numeric/law_forms.h"
 
 namespace brenvolt {
 
@@ -19,7 +22,7 @@ class CountMemo {
   explicit CountMemo(std::size_t uses)
       : places_(std::bit_ceil(std::clamp<std::size_t>(uses, 1, kMostPlaces))) {}
 
-  // function(count), for any whole or infinite count.
+  // function(count).
   template <class Function>
   double At(double count, const Function& function) {
     Place& place = places_[IndexOf(count)];
@@ -43,5 +46,13 @@ class CountMemo {
 
   std::vector<Place> places_;
 };
+
+// The array form of a costly density or distribution function of counts.
+template <class Formula>
+void RememberedProbabilitiesAt(bool isValid, std::span<const double> x, std::span<double> out,
+                               const Formula& formula) {
+  CountMemo memo(x.size());
+  ProbabilitiesAt(isValid, x, out, [&](double at) { return memo.At(at, formula); });
+}
 
 }  // namespace brenvolt

@@ -7,6 +7,7 @@
 
 #include <span>
 
+#include "host/numeric/array_forms.h"
 #include "host/numeric/distribution_values.h"
 
 namespace brenvolt {
@@ -21,8 +22,7 @@ double Cdf(double x, double proportion, double trials);
 double Complement(double x, double proportion, double trials);
 double Quantile(double p, double proportion, double trials);
 double ComplementQuantile(double q, double proportion, double trials);
-void Cdf(std::span<const double> x, double proportion, double trials, std::span<double> out);
-void Quantile(std::span<const double> p, double proportion, double trials, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double proportion, double trials);
 }  // namespace binomial
 
 namespace poisson {  // mean > 0; support 0, 1, 2, …
@@ -35,8 +35,7 @@ double Cdf(double x, double mean);
 double Complement(double x, double mean);
 double Quantile(double p, double mean);
 double ComplementQuantile(double q, double mean);
-void Cdf(std::span<const double> x, double mean, std::span<double> out);
-void Quantile(std::span<const double> p, double mean, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double mean);
 }  // namespace poisson
 
 namespace geometric {  // failures before the first success, 0, 1, 2, …; proportion in (0, 1]
@@ -49,8 +48,7 @@ double Cdf(double x, double proportion);
 double Complement(double x, double proportion);
 double Quantile(double p, double proportion);
 double ComplementQuantile(double q, double proportion);
-void Cdf(std::span<const double> x, double proportion, std::span<double> out);
-void Quantile(std::span<const double> p, double proportion, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double proportion);
 }  // namespace geometric
 
 namespace bernoulli {  // 1 with the proportion in [0, 1], else 0
@@ -63,8 +61,7 @@ double Cdf(double x, double proportion);
 double Complement(double x, double proportion);
 double Quantile(double p, double proportion);
 double ComplementQuantile(double q, double proportion);
-void Cdf(std::span<const double> x, double proportion, std::span<double> out);
-void Quantile(std::span<const double> p, double proportion, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double proportion);
 }  // namespace bernoulli
 
 // Proportions count relative to their sum, which lies within 2e-5 of 1; codes that appear twice add up.
@@ -79,8 +76,7 @@ double Cdf(double x, std::span<const double> classes);
 double Complement(double x, std::span<const double> classes);
 double Quantile(double p, std::span<const double> classes);
 double ComplementQuantile(double q, std::span<const double> classes);
-void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out);
-void Quantile(std::span<const double> p, std::span<const double> classes, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(std::span<const double> classes);
 }  // namespace histogram
 
 }  // namespace brenvolt

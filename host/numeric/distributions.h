@@ -1,6 +1,6 @@
 // Density, distribution function and quantile of the sixteen distribution types, one vocabulary for all.
 //
-// Every type offers, as scalars (and Cdf and Quantile over arrays, too):
+// Every type offers, as scalars and (but for the moments) over arrays, which give the same bits:
 //   Density(x), LogDensity(x), Cdf(x), Complement(x) = 1 - Cdf(x) without cancellation,
 //   Quantile(p), ComplementQuantile(q): the x with Complement(x) = q,
 //   Mean(), Variance(): infinite where the integral is or a double cannot hold it, never NaN.

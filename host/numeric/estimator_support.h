@@ -62,6 +62,10 @@ double SumOverBlocks(std::span<const double> values, const Terms& terms) {
   return sum.Value();
 }
 
+inline void Ask(const EstimationPoll& poll) {
+  if (poll) poll();
+}
+
 inline bool IsAnyNotFinite(std::span<const double> data) {
   return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });
 }

@@ -5,6 +5,7 @@
 
 #include <span>
 
+#include "host/numeric/array_forms.h"
 #include "host/numeric/distribution_values.h"
 
 namespace brenvolt {
@@ -17,8 +18,7 @@ double Cdf(double x, double scale, double shape, double threshold);
 double Complement(double x, double scale, double shape, double threshold);
 double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
-void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double scale, double shape, double threshold);
 double Mean(double scale, double shape, double threshold);
 double Variance(double scale, double shape, double threshold);
 }  // namespace weibull
@@ -31,8 +31,7 @@ double Cdf(double x, double scale, double threshold);
 double Complement(double x, double scale, double threshold);
 double Quantile(double p, double scale, double threshold);
 double ComplementQuantile(double q, double scale, double threshold);
-void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double scale, double threshold);
 double Mean(double scale, double threshold);
 double Variance(double scale, double threshold);
 }  // namespace rayleigh
@@ -45,8 +44,7 @@ double Cdf(double x, double location, double scale, double shape);
 double Complement(double x, double location, double scale, double shape);
 double Quantile(double p, double location, double scale, double shape);
 double ComplementQuantile(double q, double location, double scale, double shape);
-void Cdf(std::span<const double> x, double location, double scale, double shape, std::span<double> out);
-void Quantile(std::span<const double> p, double location, double scale, double shape, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double location, double scale, double shape);
 double Mean(double location, double scale, double shape);
 double Variance(double location, double scale, double shape);
 }  // namespace gev
@@ -59,8 +57,7 @@ double Cdf(double x, double scale, double shape, double threshold);
 double Complement(double x, double scale, double shape, double threshold);
 double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
-void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double scale, double shape, double threshold);
 double Mean(double scale, double shape, double threshold);
 double Variance(double scale, double shape, double threshold);
 }  // namespace gpd
@@ -73,8 +70,7 @@ double Cdf(double x, double min, double max, double mode);
 double Complement(double x, double min, double max, double mode);
 double Quantile(double p, double min, double max, double mode);
 double ComplementQuantile(double q, double min, double max, double mode);
-void Cdf(std::span<const double> x, double min, double max, double mode, std::span<double> out);
-void Quantile(std::span<const double> p, double min, double max, double mode, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double min, double max, double mode);
 double Mean(double min, double max, double mode);
 double Variance(double min, double max, double mode);
 }  // namespace triangular

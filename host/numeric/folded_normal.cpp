@@ -137,14 +137,10 @@ double ComplementQuantile(double q, double location, double scale, double thresh
   return QuantileAt(Law{location, scale, threshold}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, double location, double scale, double threshold, std::span<double> out) {
-  ProbabilitiesAt(Law{location, scale, threshold}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, double location, double scale, double threshold,
-              std::span<double> out) {
-  QuantilesAt(Law{location, scale, threshold}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((double location, double scale, double threshold), location, scale, threshold);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double location, double scale, double threshold), location, scale, threshold);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double location, double scale, double threshold), location, scale,
+                         threshold);
 
 double Mean(double location, double scale, double threshold) {
   return MomentAt(Law{location, scale, threshold}, &Law::Mean);

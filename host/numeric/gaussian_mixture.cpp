@@ -158,13 +158,9 @@ double ComplementQuantile(double q, std::span<const double> components) {
   return QuantileAt(Law{components}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, std::span<const double> components, std::span<double> out) {
-  ProbabilitiesAt(Law{components}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, std::span<const double> components, std::span<double> out) {
-  QuantilesAt(Law{components}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((std::span<const double> components), components);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (std::span<const double> components), components);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (std::span<const double> components), components);
 
 double Mean(std::span<const double> components) {
   return MomentAt(Law{components}, &Law::Mean);

@@ -38,6 +38,8 @@ using mixture::WithTail;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kValuesPerComponent = 3;
+constexpr int kMostCycles = 1000;
+constexpr std::size_t kSearchedWhole = 5'000;  // the search costs thousands of passes over its values
 
 void SortByMean(Mixture& mixture) {
   std::sort(mixture.begin(), mixture.end(), [](const Component& a, const Component& b) {
@@ -72,22 +74,24 @@ std::vector<Candidate> BestShortRuns(Climber& climber, const std::vector<Mixture
   return runs;
 }
 
-Candidate SearchMixture(std::span<const double> sorted, std::size_t components, double deviation) {
+// `isStart`: the mixture found only gives starts for one with a component more.
+Candidate SearchMixture(std::span<const double> sorted, std::size_t components, double deviation,
+                        const EstimationPoll& poll, bool isStart = false) {
   // A few components deserve a thorough search; with many, there is little to choose between the maxima.
   constexpr std::size_t kFew = 6;
   const bool isThorough = components <= kFew;
-  const std::size_t longRuns = isThorough ? 8 : 3;
-  const std::size_t neighbourRuns = isThorough ? 3 : 1;
-  const int rounds = isThorough ? 3 : 1;
+  const std::size_t longRuns = !isThorough ? 3 : isStart ? 4 : 8;
+  const std::size_t neighbourRuns = !isThorough ? 1 : isStart ? 2 : 3;
+  const int rounds = isThorough && !isStart ? 3 : 1;
   const std::size_t sketchedValues = isThorough ? 4000 : 1000;  // that the short runs look at
   const std::vector<double> thin = Thinned(sorted, sketchedValues);
-  Climber sketch(thin, components, deviation);
-  Climber climber(sorted, components, deviation);
+  Climber sketch(thin, components, deviation, poll);
+  Climber climber(sorted, components, deviation, poll);
   Candidate best;
   const auto improve = [&](const std::vector<Mixture>& starts, std::size_t runs) {
     bool isBetter = false;
     for (const Candidate& run : BestShortRuns(sketch, starts, runs)) {
-      Candidate end = RunToTheEnd(climber, run.mixture);
+      Candidate end = RunToTheEnd(climber, run.mixture, best.logLikelihood, kMostCycles);
       if (!(end.logLikelihood > best.logLikelihood + 1e-10) || HasTwins(end.mixture)) continue;
       best = std::move(end);
       isBetter = true;
@@ -97,7 +101,7 @@ Candidate SearchMixture(std::span<const double> sorted, std::size_t components, 
   };
   std::vector<Mixture> starts = Starts(sorted, components, deviation);
   if (isThorough && components > 1) {
-    const Candidate fewer = SearchMixture(sorted, components - 1, deviation);
+    const Candidate fewer = SearchMixture(sorted, components - 1, deviation, poll, true);
     for (Mixture& start : WithOneMore(fewer.mixture)) starts.push_back(std::move(start));
   }
   improve(starts, longRuns);
@@ -107,11 +111,18 @@ Candidate SearchMixture(std::span<const double> sorted, std::size_t components, 
   return best;
 }
 
+// The cycles that a search over thinned values is followed by on all `count`, where the likelihood is so flat
+// that Newton's method fails: as many as cost some seconds.
+int CyclesToFinish(std::size_t count) {
+  constexpr std::size_t kValues = 50'000'000;
+  return static_cast<int>(std::clamp<std::size_t>(kValues / count, 20, kMostCycles));
+}
+
 // The mixture found in a thinned sample polished over samples of rising size, each with the slopes of the one
 // before: their maxima lie close, as evenly placed values tell the distribution far better than as many
 // random ones. Empty where the mixture collapses.
 Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mixture mixture,
-                  double deviation) {
+                  double deviation, const EstimationPoll& poll) {
   constexpr std::size_t kRise = 16;
   Candidate best = {std::move(mixture)};
   const std::size_t components = best.mixture.size();
@@ -119,10 +130,10 @@ Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mix
     count = std::min(count * kRise, sorted.size());
     std::vector<double> thin;
     if (count < sorted.size()) thin = Thinned(sorted, count);
-    Climber sketch(known, components, deviation);
-    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation);
+    Climber sketch(known, components, deviation, poll);
+    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation, poll);
     auto end = Polish(sketch, climber, best.mixture);
-    best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture);
+    best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture, -kInfinity, CyclesToFinish(count));
     known = std::move(thin);
   }
   return best;
@@ -130,11 +141,11 @@ Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mix
 
 // The mixture with a component of a few values in a tail, which thinning leaves out, if it is better.
 Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, double leastLogLikelihood,
-                       double deviation) {
+                       double deviation, const EstimationPoll& poll) {
   constexpr int kSteps = 5;
   constexpr std::size_t kSeen = 32;  // thinned values; a component of more is found among them
   const std::size_t most = kSeen * sorted.size() / kThinnedSample;
-  Climber climber(sorted, fewer.size() + 1, deviation);
+  Climber climber(sorted, fewer.size() + 1, deviation, poll);
   Candidate best;
   for (Mixture& start : WithTail(fewer, sorted, most, deviation)) {
     Mixture image = start;
@@ -146,20 +157,23 @@ Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, dou
     best.logLikelihood = climber.Step(best.mixture);
   }
   if (!(best.logLikelihood > leastLogLikelihood)) return {};
-  return RunToTheEnd(climber, best.mixture);
+  return RunToTheEnd(climber, best.mixture, leastLogLikelihood, CyclesToFinish(sorted.size()));
 }
 
 // A large sample is searched thinned.
-Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation) {
-  if (sorted.size() <= kLargeSample) return SearchMixture(sorted, components, deviation);
+Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation,
+                    const EstimationPoll& poll) {
+  if (sorted.size() <= kSearchedWhole) return SearchMixture(sorted, components, deviation, poll);
   const std::vector<double> thin = Thinned(sorted, kThinnedSample);
-  const Candidate ofThin = SearchMixture(thin, components, deviation);
-  if (ofThin.mixture.empty()) return SearchMixture(sorted, components, deviation);
-  Candidate best = Refined(sorted, thin, ofThin.mixture, deviation);
-  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation);
+  const Candidate ofThin = SearchMixture(thin, components, deviation, poll);
+  if (ofThin.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
+  Candidate best = Refined(sorted, thin, ofThin.mixture, deviation, poll);
+  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
   if (components > 1) {
-    const Candidate fewer = SearchMixture(thin, components - 1, deviation);
-    Candidate other = BestWithTail(sorted, fewer.mixture, best.logLikelihood, deviation);
+    const Candidate fewer = SearchMixture(thin, components - 1, deviation, poll, true);
+    Candidate other;
+    if (!fewer.mixture.empty())
+      other = BestWithTail(sorted, fewer.mixture, best.logLikelihood, deviation, poll);
     if (other.logLikelihood > best.logLikelihood && !HasTwins(other.mixture)) best = std::move(other);
   }
   SortByMean(best.mixture);
@@ -169,7 +183,8 @@ Candidate FitSorted(std::span<const double> sorted, std::size_t components, doub
 }  // namespace
 
 std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
-                                std::int32_t& numberOfComponents, EstimationError& error) {
+                                std::int32_t& numberOfComponents, EstimationError& error,
+                                const EstimationPoll& poll) {
   if (const EstimationError reason = CheckSample(data, 2); reason != EstimationError::kNone) {
     return Fail(reason, components, error);
   }
@@ -188,7 +203,7 @@ std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> 
   if (estimation::IsAnyNotFinite(sample.values)) return Fail(EstimationError::kNotFinite, components, error);
 
   const double deviation = std::sqrt(MeanSquare(sample.values, Mean(sample.values)));
-  const Candidate best = FitSorted(sample.values, count, deviation);
+  const Candidate best = FitSorted(sample.values, count, deviation, poll);
   if (best.mixture.empty()) return Fail(EstimationError::kNoMaximum, components, error);
   for (std::size_t c = 0; c < count; ++c) {
     components[3 * c] = best.mixture[c].proportion;

@@ -97,6 +97,8 @@ void Quantile(std::span<const double> p, double location, double scale, double s
   vector_forms::GevQuantile(p, location, scale, shape, out);
 }
 
+BRENVOLT_ARRAYS_BY_SCALARS((double location, double scale, double shape), location, scale, shape);
+
 double Mean(double location, double scale, double shape) {
   return MomentAt(Law{location, scale, shape}, &Law::Mean);
 }

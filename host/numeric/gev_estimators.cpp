@@ -22,6 +22,7 @@
 namespace brenvolt {
 namespace {
 
+using estimation::Ask;
 using estimation::CheckSample;
 using estimation::CompensatedSum;
 using estimation::Fail;
@@ -198,12 +199,13 @@ void TakeLastStep(std::span<const double> values, const Matrix3& lower, Point& a
 
 // Climbs from `at`. True when it ends at a maximum: information positive definite and nothing left to
 // gain.
-bool Climb(std::span<const double> values, Point& at, Surface& surface) {
+bool Climb(std::span<const double> values, Point& at, Surface& surface, const EstimationPoll& poll) {
   constexpr int kMaxSteps = 300;
   constexpr double kGain = 1e-15;          // of the mean log-likelihood, by the quadratic model
   constexpr double kRoundingGain = 1e-12;  // what rounding may hide
   constexpr double kMaxDamping = 1e12;
   double damping = 1e-3;
+  Ask(poll);
   surface = Differentiate(values, at);
   if (!(surface.value > -kInfinity)) return false;
   for (int step = 0; step < kMaxSteps; ++step) {
@@ -220,6 +222,7 @@ bool Climb(std::span<const double> values, Point& at, Surface& surface) {
     for (; !isHigher && damping < kMaxDamping; damping *= 10.0) {
       if (!Factorise(Damped(surface.information, damping), lower)) continue;
       const Point next = at.Moved(Solve(lower, surface.gradient));
+      Ask(poll);
       const Surface there = Differentiate(values, next);
       if (!(there.value > surface.value)) continue;
       at = next;
@@ -298,14 +301,16 @@ Point FromProbabilityWeightedMoments(std::span<const double> sorted) {
 }
 
 // The greatest of the maxima reached from all starts; shape infinite when there is none.
-Point SearchMaximum(std::span<const double> sorted, Surface& best) {
+Point SearchMaximum(std::span<const double> sorted, Surface& best, const EstimationPoll& poll) {
   std::vector<Point> starts = {FromProbabilityWeightedMoments(sorted)};
-  for (const double shape : {0.1, -0.2, 0.5, -0.5, 1.0, -0.8, 2.0})
+  for (const double shape : {0.1, -0.2, 0.5, -0.5, 1.0, -0.8, 2.0}) {
+    Ask(poll);
     starts.push_back(StartWithShape(sorted, shape));
+  }
   Point greatest = {0.0, 0.0, kInfinity};
   for (Point at : starts) {
     Surface surface;
-    if (!Climb(sorted, at, surface) || !(surface.value > best.value)) continue;
+    if (!Climb(sorted, at, surface, poll) || !(surface.value > best.value)) continue;
     best = surface;
     greatest = at;
   }
@@ -313,18 +318,18 @@ Point SearchMaximum(std::span<const double> sorted, Surface& best) {
 }
 
 // The same; a large sample is climbed from the maximum of a thinned one, where there is one.
-Point GreatestMaximum(std::span<const double> sorted, Surface& best) {
+Point GreatestMaximum(std::span<const double> sorted, Surface& best, const EstimationPoll& poll) {
   if (sorted.size() > kLargeSample) {
     const std::vector<double> thin = Thinned(sorted, kThinnedSample);
     Surface ofThin;
-    Point at = SearchMaximum(thin, ofThin);
+    Point at = SearchMaximum(thin, ofThin, poll);
     // The extremes of all values may lie outside the support that fits the thinned ones.
     if (std::isfinite(at.shape) && !(MeanLogLikelihood(sorted, at) > -kInfinity))
       at = StartWithShape(sorted, at.shape);
-    if (std::isfinite(at.shape) && Climb(sorted, at, best)) return at;
+    if (std::isfinite(at.shape) && Climb(sorted, at, best, poll)) return at;
     best = {};
   }
-  return SearchMaximum(sorted, best);
+  return SearchMaximum(sorted, best, poll);
 }
 
 void Store(const ScaledSample& sample, const Point& at, std::span<double, 3> parameters) {
@@ -367,14 +372,14 @@ EstimationError Prepare(std::span<const double> data, ScaledSample& sample) {
 }  // namespace
 
 std::int32_t GEV_MLE(std::span<const double> data, std::span<double, 3> parameters,
-                     std::span<double, 9> covariance, EstimationError& error) {
+                     std::span<double, 9> covariance, EstimationError& error, const EstimationPoll& poll) {
   std::fill(covariance.begin(), covariance.end(), kNotSet);
   ScaledSample sample;
   const EstimationError reason = Prepare(data, sample);
   if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
 
   Surface surface;
-  const Point maximum = GreatestMaximum(sample.values, surface);
+  const Point maximum = GreatestMaximum(sample.values, surface, poll);
   if (!std::isfinite(maximum.shape)) return Fail(EstimationError::kNoMaximum, parameters, error);
   Store(sample, maximum, parameters);
   StoreCovariance(surface, static_cast<double>(data.size()), {sample.InUnitsOfData(1.0), parameters[1], 1.0},

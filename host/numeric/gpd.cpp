@@ -99,6 +99,8 @@ void Quantile(std::span<const double> p, double scale, double shape, double thre
   vector_forms::GpdQuantile(p, scale, shape, threshold, out);
 }
 
+BRENVOLT_ARRAYS_BY_SCALARS((double scale, double shape, double threshold), scale, shape, threshold);
+
 double Mean(double scale, double shape, double threshold) {
   return MomentAt(Law{scale, shape, threshold}, &Law::Mean);
 }

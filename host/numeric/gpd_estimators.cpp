@@ -19,6 +19,7 @@
 namespace brenvolt {
 namespace {
 
+using estimation::Ask;
 using estimation::CheckSample;
 using estimation::CompensatedSum;
 using estimation::Fail;
@@ -95,18 +96,20 @@ struct Peak {
   double ratio;
 };
 
-double SlopeAt(std::span<const double> values, double ratio) {
+double SlopeAt(std::span<const double> values, double ratio, const EstimationPoll& poll) {
+  Ask(poll);
   return ProfileAt(values, ratio).slope;
 }
 
-std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double>& grid) {
+std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double>& grid,
+                        const EstimationPoll& poll) {
   std::vector<Peak> peaks;
-  double previous = SlopeAt(values, grid[0]);
+  double previous = SlopeAt(values, grid[0], poll);
   for (std::size_t i = 1; i < grid.size(); ++i) {
-    const double slope = SlopeAt(values, grid[i]);
+    const double slope = SlopeAt(values, grid[i], poll);
     if (previous > 0.0 && slope <= 0.0) {
-      const double ratio =
-          SolveBracketed([&](double r) { return SlopeAt(values, r); }, grid[i - 1], grid[i], previous, slope);
+      const double ratio = SolveBracketed([&](double r) { return SlopeAt(values, r, poll); }, grid[i - 1],
+                                          grid[i], previous, slope);
       peaks.push_back({grid[i - 1], grid[i], ratio});
     }
     previous = slope;
@@ -117,15 +120,16 @@ std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double
 // The useful peaks of a large sample from those of a thinned one; nothing when one of them has no peak near.
 // Peaks beyond the least shape are left out: they hang on the extremes, which thinning moves.
 std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted, std::size_t count,
-                                                 const std::vector<double>& grid) {
+                                                 const std::vector<double>& grid,
+                                                 const EstimationPoll& poll) {
   constexpr double kMargin = 0.1;
   const std::vector<double> thin = Thinned(sorted, count);
-  std::vector<Peak> peaks = Peaks(thin, grid);
+  std::vector<Peak> peaks = Peaks(thin, grid, poll);
   std::erase_if(peaks,
                 [&](const Peak& peak) { return ProfileAt(thin, peak.ratio).shape < kLeastShape - kMargin; });
   for (Peak& peak : peaks) {
     const auto ratio =
-        SolveFallingNear([&](double r) { return SlopeAt(sorted, r); }, peak.ratio, peak.low, peak.high);
+        SolveFallingNear([&](double r) { return SlopeAt(sorted, r, poll); }, peak.ratio, peak.low, peak.high);
     if (!ratio) return std::nullopt;
     peak.ratio = *ratio;
   }
@@ -134,17 +138,17 @@ std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted,
 
 // A thinned sample without its greatest values may have its peak beyond the support that these allow, so that
 // only the whole sample can be said to have none.
-std::vector<Peak> UsefulPeaks(std::span<const double> sorted) {
+std::vector<Peak> UsefulPeaks(std::span<const double> sorted, const EstimationPoll& poll) {
   const std::vector<double> grid = RatioGrid(sorted.back(), Mean(sorted));
-  if (sorted.size() <= kLargeSample) return Peaks(sorted, grid);
-  const auto peaks = PeaksByThinning(sorted, kThinnedSample, grid);
-  return peaks && !peaks->empty() ? *peaks : Peaks(sorted, grid);
+  if (sorted.size() <= kLargeSample) return Peaks(sorted, grid, poll);
+  const auto peaks = PeaksByThinning(sorted, kThinnedSample, grid, poll);
+  return peaks && !peaks->empty() ? *peaks : Peaks(sorted, grid, poll);
 }
 
 // The greatest local maximum with shape > -1; a log-likelihood of minus infinity when there is none.
-Profile GreatestMaximum(std::span<const double> sorted) {
+Profile GreatestMaximum(std::span<const double> sorted, const EstimationPoll& poll) {
   Profile best;
-  for (const Peak& peak : UsefulPeaks(sorted)) {
+  for (const Peak& peak : UsefulPeaks(sorted, poll)) {
     const Profile maximum = ProfileAt(sorted, peak.ratio);
     if (maximum.shape > kLeastShape && maximum.logLikelihood > best.logLikelihood) best = maximum;
   }
@@ -165,11 +169,12 @@ EstimationError Prepare(std::span<const double> data, double threshold, ScaledSa
 }  // namespace
 
 std::int32_t FitGPDMaximumLikelihood(std::span<const double> data, double threshold,
-                                     std::span<double, 3> parameters, EstimationError& error) {
+                                     std::span<double, 3> parameters, EstimationError& error,
+                                     const EstimationPoll& poll) {
   ScaledSample sample;
   const EstimationError reason = Prepare(data, threshold, sample);
   if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const Profile maximum = GreatestMaximum(sample.values);
+  const Profile maximum = GreatestMaximum(sample.values, poll);
   if (!(maximum.logLikelihood > -kInfinity)) return Fail(EstimationError::kNoMaximum, parameters, error);
   parameters[0] = threshold;
   parameters[1] = sample.InUnitsOfData(maximum.scale);

@@ -83,13 +83,9 @@ double ComplementQuantile(double q, double scale, double threshold) {
   return QuantileAt(Law{scale, threshold}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out) {
-  ProbabilitiesAt(Law{scale, threshold}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out) {
-  QuantilesAt(Law{scale, threshold}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((double scale, double threshold), scale, threshold);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double scale, double threshold), scale, threshold);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double scale, double threshold), scale, threshold);
 
 double Mean(double scale, double threshold) {
   return MomentAt(Law{scale, threshold}, &Law::Mean);

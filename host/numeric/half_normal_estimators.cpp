@@ -22,6 +22,7 @@
 namespace brenvolt {
 namespace {
 
+using estimation::Ask;
 using estimation::CheckSample;
 using estimation::Fail;
 using estimation::Mean;
@@ -46,8 +47,9 @@ EstimationError ShiftAboveOffset(std::span<const double> data, double offset, bo
 
 class FoldedLikelihood {
  public:
-  explicit FoldedLikelihood(std::span<const double> values)
-      : values_(values), mean_(Mean(values)), variance_(MeanSquare(values, mean_)) {}
+  // `poll` has to outlive it.
+  FoldedLikelihood(std::span<const double> values, const EstimationPoll& poll)
+      : values_(values), poll_(poll), mean_(Mean(values)), variance_(MeanSquare(values, mean_)) {}
 
   double SampleMean() const { return mean_; }
   double SampleVariance() const { return variance_; }
@@ -55,6 +57,7 @@ class FoldedLikelihood {
 
   // Positive where the likelihood grows with d.
   double Excess(double d) const {
+    Ask(poll_);
     const double slope = 2.0 * (mean_ - d) / ScaleSquared(d);
     const double sum = SumOverBlocks(values_, [slope](std::span<const double> x, std::span<double> out) {
       for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
@@ -66,6 +69,7 @@ class FoldedLikelihood {
 
   // Mean log-likelihood, without constants.
   double LogLikelihood(double d) const {
+    Ask(poll_);
     const double location = mean_ - d;
     const double scaleSquared = ScaleSquared(d);
     const double slope = -2.0 * location / scaleSquared;
@@ -83,6 +87,7 @@ class FoldedLikelihood {
 
  private:
   std::span<const double> values_;
+  const EstimationPoll& poll_;
   double mean_;
   double variance_;
 };
@@ -121,9 +126,10 @@ std::vector<FoldedRoot> FoldedRoots(const FoldedLikelihood& likelihood) {
 
 // The roots of a large sample from those of a thinned one; nothing when one of them has no root near.
 std::optional<std::vector<FoldedRoot>> FoldedRootsByThinning(const FoldedLikelihood& likelihood,
-                                                             std::span<const double> sorted) {
+                                                             std::span<const double> sorted,
+                                                             const EstimationPoll& poll) {
   const std::vector<double> thin = Thinned(sorted, kThinnedSample);
-  std::vector<FoldedRoot> roots = FoldedRoots(FoldedLikelihood(thin));
+  std::vector<FoldedRoot> roots = FoldedRoots(FoldedLikelihood(thin, poll));
   for (FoldedRoot& root : roots) {
     const double high = std::min(2.0 * root.high, likelihood.SampleMean());
     const auto d = SolveFallingNear([&](double at) { return likelihood.Excess(at); }, std::min(root.d, high),
@@ -134,10 +140,11 @@ std::optional<std::vector<FoldedRoot>> FoldedRootsByThinning(const FoldedLikelih
   return roots;
 }
 
-double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double> values) {
+double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double> values,
+                      const EstimationPoll& poll) {
   std::optional<std::vector<FoldedRoot>> roots;
   if (values.size() > kLargeSample && std::ranges::is_sorted(values))
-    roots = FoldedRootsByThinning(likelihood, values);
+    roots = FoldedRootsByThinning(likelihood, values, poll);
   if (!roots) roots = FoldedRoots(likelihood);
   if (likelihood.Excess(0.0) <= 0.0) roots->push_back({0.0, 0.0, 0.0});
   double best = likelihood.SampleMean();
@@ -190,17 +197,18 @@ std::int32_t FitRayleighDistribution(std::int32_t /*flag*/, std::span<const doub
 }
 
 std::int32_t FitFoldedNormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
-                                         std::span<double, 2> parameters, EstimationError& error) {
+                                         std::span<double, 2> parameters, EstimationError& error,
+                                         const EstimationPoll& poll) {
   ScaledSample sample;
   const EstimationError reason = ShiftAboveOffset(data, offset, true, sample);
   if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const FoldedLikelihood likelihood(sample.values);
+  const FoldedLikelihood likelihood(sample.values, poll);
   const auto [least, greatest] = std::minmax_element(sample.values.begin(), sample.values.end());
   if (*least == *greatest || !(likelihood.SampleVariance() > 0.0)) {
     return Fail(EstimationError::kNoSpread, parameters, error);
   }
 
-  const double d = BestFoldedRoot(likelihood, sample.values);
+  const double d = BestFoldedRoot(likelihood, sample.values, poll);
   parameters[0] = sample.InUnitsOfData(likelihood.SampleMean() - d);
   parameters[1] = sample.InUnitsOfData(std::sqrt(likelihood.ScaleSquared(d)));
   return Succeed(parameters, error);

@@ -116,10 +116,12 @@ struct Law {
   }
 };
 
-// The codes with a share, ascending, and the distribution function at them: many values by binary search.
+// The codes with a share, ascending, and the functions at them: many values by binary search.
 struct Prepared {
   std::vector<double> codes;
+  std::vector<double> density;
   std::vector<double> cdf;
+  std::vector<double> complement;
 
   explicit Prepared(const Law& law) {
     std::vector<std::pair<double, double>> classes;
@@ -128,26 +130,60 @@ struct Prepared {
     }
     std::sort(classes.begin(), classes.end());
     const double total = law.Total();
-    AccurateSum sum;
+    AccurateSum upTo;
+    AccurateSum here;
     for (const auto& [code, proportion] : classes) {
       if (codes.empty() || codes.back() != code) {
         codes.push_back(code);
+        density.emplace_back();
         cdf.emplace_back();
+        here = {};
       }
-      sum.Add(proportion);
-      cdf.back() = sum.Value() / total;
+      here.Add(proportion);
+      upTo.Add(proportion);
+      density.back() = here.Value() / total;
+      cdf.back() = upTo.Value() / total;
+    }
+    complement.resize(codes.size());
+    AccurateSum above;
+    std::size_t place = codes.size();
+    for (auto c = classes.rbegin(); c != classes.rend(); ++c) {
+      if (place == codes.size() || codes[place] != c->first) complement[--place] = above.Value() / total;
+      above.Add(c->second);
     }
   }
 
+  // The number of codes up to x.
+  std::size_t CountUpTo(double x) const {
+    return static_cast<std::size_t>(std::upper_bound(codes.begin(), codes.end(), x) - codes.begin());
+  }
+
+  double Density(double x) const {
+    const std::size_t count = CountUpTo(x);
+    return count > 0 && codes[count - 1] == x ? density[count - 1] : 0.0;
+  }
+  double LogDensity(double x) const { return std::log(Density(x)); }
+
   double Cdf(double x) const {
-    const auto above = std::upper_bound(codes.begin(), codes.end(), x) - codes.begin();
-    return above == 0 ? 0.0 : cdf[static_cast<std::size_t>(above) - 1];
+    const std::size_t count = CountUpTo(x);
+    return count == 0 ? 0.0 : cdf[count - 1];
+  }
+
+  double Complement(double x) const {
+    const std::size_t count = CountUpTo(x);
+    return count == 0 ? 1.0 : complement[count - 1];
   }
 
   double Quantile(double p) const {
     if (p == 1.0) return codes.back();
     const auto reached = std::lower_bound(cdf.begin(), cdf.end(), p) - cdf.begin();
     return codes[std::min(static_cast<std::size_t>(reached), codes.size() - 1)];
+  }
+
+  double ComplementQuantile(double q) const {
+    const auto reached =
+        std::partition_point(complement.begin(), complement.end(), [q](double tail) { return tail > q; });
+    return codes[static_cast<std::size_t>(reached - complement.begin())];
   }
 };
 
@@ -189,16 +225,46 @@ double ComplementQuantile(double q, std::span<const double> classes) {
   return QuantileAt(Law{classes}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+namespace {
+
+void PreparedProbabilities(std::span<const double> x, std::span<const double> classes, std::span<double> out,
+                           Formula<Prepared> formula) {
   if (!IsValid(classes)) return FillInvalid(x.size(), kInvalidProbability, out);
   const Prepared prepared(Law{classes});
-  ProbabilitiesAt(true, x, out, [&](double at) { return prepared.Cdf(at); });
+  ProbabilitiesAt(true, x, out, [&](double at) { return (prepared.*formula)(at); });
+}
+
+void PreparedQuantiles(std::span<const double> p, std::span<const double> classes, std::span<double> out,
+                       Formula<Prepared> formula) {
+  if (!IsValid(classes)) return FillInvalid(p.size(), kInvalidQuantile, out);
+  const Prepared prepared(Law{classes});
+  QuantilesAt(true, p, out, [&](double at) { return (prepared.*formula)(at); });
+}
+
+}  // namespace
+
+void Density(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Density);
+}
+
+void LogDensity(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::LogDensity);
+}
+
+void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Cdf);
+}
+
+void Complement(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Complement);
 }
 
 void Quantile(std::span<const double> p, std::span<const double> classes, std::span<double> out) {
-  if (!IsValid(classes)) return FillInvalid(p.size(), kInvalidQuantile, out);
-  const Prepared prepared(Law{classes});
-  QuantilesAt(true, p, out, [&](double at) { return prepared.Quantile(at); });
+  PreparedQuantiles(p, classes, out, &Prepared::Quantile);
+}
+
+void ComplementQuantile(std::span<const double> q, std::span<const double> classes, std::span<double> out) {
+  PreparedQuantiles(q, classes, out, &Prepared::ComplementQuantile);
 }
 
 }  // namespace brenvolt::histogram

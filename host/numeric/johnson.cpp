@@ -180,15 +180,12 @@ double ComplementQuantile(double q, double family, double gamma, double delta, d
   return QuantileAt(Law{family, gamma, delta, lambda, xi}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, double family, double gamma, double delta, double lambda, double xi,
-         std::span<double> out) {
-  ProbabilitiesAt(Law{family, gamma, delta, lambda, xi}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, double family, double gamma, double delta, double lambda, double xi,
-              std::span<double> out) {
-  QuantilesAt(Law{family, gamma, delta, lambda, xi}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((double family, double gamma, double delta, double lambda, double xi), family,
+                           gamma, delta, lambda, xi);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double family, double gamma, double delta, double lambda, double xi), family,
+                         gamma, delta, lambda, xi);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double family, double gamma, double delta, double lambda, double xi),
+                         family, gamma, delta, lambda, xi);
 
 double Mean(double family, double gamma, double delta, double lambda, double xi) {
   return MomentAt(Law{family, gamma, delta, lambda, xi}, &Law::Mean);

@@ -90,6 +90,8 @@ void Quantile(std::span<const double> p, double scale, double shape, double thre
   vector_forms::LognormalQuantile(p, scale, shape, threshold, out);
 }
 
+BRENVOLT_ARRAYS_BY_SCALARS((double scale, double shape, double threshold), scale, shape, threshold);
+
 double Mean(double scale, double shape, double threshold) {
   return MomentAt(IsValid(scale, shape, threshold),
                   [=] { return threshold + std::exp(scale + 0.5 * shape * shape); });

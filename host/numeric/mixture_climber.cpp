@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "host/numeric/estimator_support.h"
+
 namespace brenvolt::mixture {
 namespace {
 
@@ -135,13 +137,16 @@ std::vector<Coordinates> SlopesOfStep(Climber& climber, const Mixture& mixture) 
 
 }  // namespace
 
-Climber::Climber(std::span<const double> values, std::size_t components, double deviation)
+Climber::Climber(std::span<const double> values, std::size_t components, double deviation,
+                 const EstimationPoll& poll)
     : values_(values),
+      poll_(poll),
       leastDeviation_(kLeastRelativeDeviation * deviation),
       expectation_(components),
       sums_(components) {}
 
 double Climber::Step(Mixture& mixture) {
+  estimation::Ask(poll_);
   const double logLikelihood = expectation_.Run(values_, mixture, sums_);
   const auto n = static_cast<double>(values_.size());
   for (std::size_t c = 0; c < mixture.size(); ++c) {
@@ -176,7 +181,9 @@ std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at) {
   constexpr double kLongMove = 0.5;
   constexpr double kLastMove = 1e-7;  // the likelihood then lacks about its square
   constexpr double kRounding = 1e-13;
+  constexpr double kLeastProgress = 0.7;  // from a length to the next; slower moves lead nowhere
   const bool isOwnSketch = &sketch == &climber;
+  double previous = kLongMove;
   std::vector<Coordinates> slopes = SlopesOfStep(sketch, at);
   Mixture image = at;
   double logLikelihood = climber.Step(image);
@@ -188,7 +195,8 @@ std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at) {
     if (!SolveSystem(rows, step)) return std::nullopt;
     double length = 0.0;
     for (const double x : step) length = std::max(length, std::abs(x));
-    if (!(length < kLongMove)) return std::nullopt;
+    if (!(length < (isOwnSketch && move > 0 ? kLeastProgress * previous : kLongMove))) return std::nullopt;
+    previous = length;
     at = Moved(at, step);
     if (climber.IsCollapsed(at)) return std::nullopt;
     image = at;
@@ -201,23 +209,30 @@ std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at) {
   return std::nullopt;
 }
 
-Candidate RunToTheEnd(Climber& climber, const Mixture& start) {
-  constexpr int kMaxCycles = 1000;
+Candidate RunToTheEnd(Climber& climber, const Mixture& start, double known, int mostCycles) {
   constexpr double kGain = 1e-12;
-  constexpr int kCyclesToPolish = 15;
-  constexpr int kIdleCycles = 3;  // one idle cycle may be an extrapolation that was taken back
+  constexpr int kIdleCycles = 3;   // one idle cycle may be an extrapolation that was taken back
+  constexpr int kStage = 15;       // cycles after which Newton's method is tried and the hope is judged
+  constexpr double kHope = 100.0;  // stages at the pace of the last one that a run may lie behind
   Mixture x0 = start;
   Candidate last;
   int idle = 0;
-  for (int cycle = 0; cycle < kMaxCycles; ++cycle) {
+  int nextPolish = kStage;
+  double atStage = -kInfinity;
+  for (int cycle = 0; cycle < mostCycles; ++cycle) {
     if (climber.IsCollapsed(x0)) return {};
     Mixture x1 = x0;
     const double logLikelihood = climber.Step(x1);
     idle = logLikelihood - last.logLikelihood < kGain ? idle + 1 : 0;
     last = {x0, logLikelihood};
     if (idle >= kIdleCycles) return last;
-    if (cycle % kCyclesToPolish == kCyclesToPolish - 1) {
+    if (cycle + 1 == nextPolish) {
       if (auto end = Polish(climber, climber, x0)) return *std::move(end);
+      nextPolish *= 2;
+    }
+    if (cycle % kStage == kStage - 1) {
+      if (logLikelihood + kHope * (logLikelihood - atStage) < known) return {};
+      atStage = logLikelihood;
     }
     if (climber.IsCollapsed(x1)) return {};
     Mixture x2 = x1;

@@ -12,6 +12,7 @@
 #include <span>
 #include <vector>
 
+#include "host/numeric/estimators.h"
 #include "host/numeric/mixture_expectation.h"
 
 namespace brenvolt::mixture {
@@ -22,8 +23,10 @@ using Mixture = std::vector<Component>;
 // Steps of expectation and maximisation over one sample, with the space that they need.
 class Climber {
  public:
-  // `deviation` is the standard deviation of the values.
-  Climber(std::span<const double> values, std::size_t components, double deviation);
+  // `deviation` is the standard deviation of the values; `poll`, called before every step, has to outlive the
+  // climber.
+  Climber(std::span<const double> values, std::size_t components, double deviation,
+          const EstimationPoll& poll);
 
   // Replaces the mixture by the next one and returns the mean log-likelihood of the one given.
   double Step(Mixture& mixture);
@@ -34,6 +37,7 @@ class Climber {
 
  private:
   std::span<const double> values_;
+  const EstimationPoll& poll_;
   double leastDeviation_;
   MixtureExpectation expectation_;
   std::vector<ResponsibilitySums> sums_;
@@ -54,7 +58,8 @@ Candidate RunShort(Climber& climber, Mixture mixture);
 std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at);
 
 // Until a cycle of two steps and an extrapolation gains nothing to speak of, or until Newton's method, tried
-// now and then, converges; collapsed runs return nothing.
-Candidate RunToTheEnd(Climber& climber, const Mixture& start);
+// ever more seldom, converges. Returns nothing for a run that collapses, or that climbs so slowly that it
+// will not reach the mean log-likelihood `known`. After `mostCycles` it stands as it is.
+Candidate RunToTheEnd(Climber& climber, const Mixture& start, double known, int mostCycles);
 
 }  // namespace brenvolt::mixture

@@ -52,6 +52,19 @@ void Quantile(std::span<const double> p, double location, double scale, std::spa
   vector_forms::NormalQuantile(p, location, scale, out);
 }
 
+void Complement(std::span<const double> x, double location, double scale, std::span<double> out) {
+  if (!IsValid(location, scale)) return FillInvalid(x.size(), kInvalidProbability, out);
+  vector_forms::NormalCdf(x, location, -scale, out);
+}
+
+void ComplementQuantile(std::span<const double> q, double location, double scale, std::span<double> out) {
+  if (!IsValid(location, scale)) return FillInvalid(q.size(), kInvalidQuantile, out);
+  vector_forms::NormalQuantile(q, location, -scale, out);
+}
+
+BRENVOLT_ARRAY_BY_SCALAR(Density, (double location, double scale), location, scale);
+BRENVOLT_ARRAY_BY_SCALAR(LogDensity, (double location, double scale), location, scale);
+
 double Mean(double location, double scale) {
   return MomentAt(IsValid(location, scale), [=] { return location; });
 }

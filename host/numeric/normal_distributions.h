@@ -3,6 +3,7 @@
 
 #include <span>
 
+#include "host/numeric/array_forms.h"
 #include "host/numeric/distribution_values.h"
 
 namespace brenvolt {
@@ -15,8 +16,7 @@ double Cdf(double x, double location, double scale);
 double Complement(double x, double location, double scale);
 double Quantile(double p, double location, double scale);
 double ComplementQuantile(double q, double location, double scale);
-void Cdf(std::span<const double> x, double location, double scale, std::span<double> out);
-void Quantile(std::span<const double> p, double location, double scale, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double location, double scale);
 double Mean(double location, double scale);
 double Variance(double location, double scale);
 }  // namespace normal
@@ -29,8 +29,7 @@ double Cdf(double x, double scale, double shape, double threshold);
 double Complement(double x, double scale, double shape, double threshold);
 double Quantile(double p, double scale, double shape, double threshold);
 double ComplementQuantile(double q, double scale, double shape, double threshold);
-void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double scale, double shape, double threshold, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double scale, double shape, double threshold);
 double Mean(double scale, double shape, double threshold);
 double Variance(double scale, double shape, double threshold);
 }  // namespace lognormal
@@ -43,9 +42,7 @@ double Cdf(double x, double location, double scale, double threshold);
 double Complement(double x, double location, double scale, double threshold);
 double Quantile(double p, double location, double scale, double threshold);
 double ComplementQuantile(double q, double location, double scale, double threshold);
-void Cdf(std::span<const double> x, double location, double scale, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double location, double scale, double threshold,
-              std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double location, double scale, double threshold);
 double Mean(double location, double scale, double threshold);
 double Variance(double location, double scale, double threshold);
 }  // namespace folded_normal
@@ -58,8 +55,7 @@ double Cdf(double x, double scale, double threshold);
 double Complement(double x, double scale, double threshold);
 double Quantile(double p, double scale, double threshold);
 double ComplementQuantile(double q, double scale, double threshold);
-void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
-void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double scale, double threshold);
 double Mean(double scale, double threshold);
 double Variance(double scale, double threshold);
 }  // namespace half_normal
@@ -75,8 +71,7 @@ double Cdf(double x, std::span<const double> components);
 double Complement(double x, std::span<const double> components);
 double Quantile(double p, std::span<const double> components);
 double ComplementQuantile(double q, std::span<const double> components);
-void Cdf(std::span<const double> x, std::span<const double> components, std::span<double> out);
-void Quantile(std::span<const double> p, std::span<const double> components, std::span<double> out);
+BRENVOLT_ARRAY_FORMS(std::span<const double> components);
 double Mean(std::span<const double> components);
 double Variance(std::span<const double> components);
 }  // namespace gaussian_mixture
@@ -92,10 +87,7 @@ double Cdf(double x, double family, double gamma, double delta, double lambda, d
 double Complement(double x, double family, double gamma, double delta, double lambda, double xi);
 double Quantile(double p, double family, double gamma, double delta, double lambda, double xi);
 double ComplementQuantile(double q, double family, double gamma, double delta, double lambda, double xi);
-void Cdf(std::span<const double> x, double family, double gamma, double delta, double lambda, double xi,
-         std::span<double> out);
-void Quantile(std::span<const double> p, double family, double gamma, double delta, double lambda, double xi,
-              std::span<double> out);
+BRENVOLT_ARRAY_FORMS(double family, double gamma, double delta, double lambda, double xi);
 double Mean(double family, double gamma, double delta, double lambda, double xi);
 double Variance(double family, double gamma, double delta, double lambda, double xi);
 }  // namespace johnson

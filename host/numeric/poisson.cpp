@@ -60,19 +60,33 @@ double QuantileFrom(double p, double mean, const Function& cdf) {
   return SmallestReached(Guess(StandardNormalQuantile(p), mean), [&](double k) { return cdf(k) >= p; });
 }
 
+// `complement`(k): the same of its complement.
+template <class Function>
+double ComplementQuantileFrom(double tail, double mean, const Function& complement) {
+  if (tail == 0.0) return kInfinity;
+  if (tail == 1.0) return 0.0;
+  return SmallestReached(Guess(-StandardNormalQuantile(tail), mean),
+                         [&](double k) { return complement(k) <= tail; });
+}
+
+double DensityAt(double x, double mean) {
+  if (!IsInSupport(x)) return 0.0;
+  if (x == 0.0) return std::exp(-mean);
+  return std::exp(-Deviance(x, mean) - StirlingError(x)) * kInverseSqrtTwoPi / std::sqrt(x);
+}
+
+double LogDensityAt(double x, double mean) {
+  return IsInSupport(x) ? LogProbability(x, mean) : -kInfinity;
+}
+
 }  // namespace
 
 double Density(double x, double mean) {
-  return ProbabilityAt(IsValid(mean), x, [mean](double at) {
-    if (!IsInSupport(at)) return 0.0;
-    if (at == 0.0) return std::exp(-mean);
-    return std::exp(-Deviance(at, mean) - StirlingError(at)) * kInverseSqrtTwoPi / std::sqrt(at);
-  });
+  return ProbabilityAt(IsValid(mean), x, [mean](double at) { return DensityAt(at, mean); });
 }
 
 double LogDensity(double x, double mean) {
-  return ProbabilityAt(IsValid(mean), x,
-                       [mean](double at) { return IsInSupport(at) ? LogProbability(at, mean) : -kInfinity; });
+  return ProbabilityAt(IsValid(mean), x, [mean](double at) { return LogDensityAt(at, mean); });
 }
 
 double Cdf(double x, double mean) {
@@ -91,18 +105,28 @@ double Quantile(double p, double mean) {
 
 double ComplementQuantile(double q, double mean) {
   return QuantileAt(IsValid(mean), q, [mean](double tail) {
-    if (tail == 0.0) return kInfinity;
-    if (tail == 1.0) return 0.0;
-    return SmallestReached(Guess(-StandardNormalQuantile(tail), mean),
-                           [=](double k) { return ComplementAt(k, mean) <= tail; });
+    return ComplementQuantileFrom(tail, mean, [mean](double k) { return ComplementAt(k, mean); });
   });
 }
 
+void Density(std::span<const double> x, double mean, std::span<double> out) {
+  const auto density = [mean](double k) { return DensityAt(k, mean); };
+  RememberedProbabilitiesAt(IsValid(mean), x, out, density);
+}
+
+void LogDensity(std::span<const double> x, double mean, std::span<double> out) {
+  const auto density = [mean](double k) { return LogDensityAt(k, mean); };
+  RememberedProbabilitiesAt(IsValid(mean), x, out, density);
+}
+
 void Cdf(std::span<const double> x, double mean, std::span<double> out) {
-  CountMemo memo(x.size());
-  ProbabilitiesAt(IsValid(mean), x, out, [&](double at) {
-    return memo.At(std::floor(at), [mean](double k) { return CdfAt(k, mean); });
-  });
+  const auto cdf = [mean](double k) { return CdfAt(k, mean); };
+  RememberedProbabilitiesAt(IsValid(mean), x, out, cdf);
+}
+
+void Complement(std::span<const double> x, double mean, std::span<double> out) {
+  const auto complement = [mean](double k) { return ComplementAt(k, mean); };
+  RememberedProbabilitiesAt(IsValid(mean), x, out, complement);
 }
 
 void Quantile(std::span<const double> p, double mean, std::span<double> out) {
@@ -110,6 +134,15 @@ void Quantile(std::span<const double> p, double mean, std::span<double> out) {
   const auto cdf = [&](double count) { return memo.At(count, [mean](double k) { return CdfAt(k, mean); }); };
   QuantilesAt(IsValid(mean), p, out,
               [&](double probability) { return QuantileFrom(probability, mean, cdf); });
+}
+
+void ComplementQuantile(std::span<const double> q, double mean, std::span<double> out) {
+  CountMemo memo(q.size());
+  const auto complement = [&](double count) {
+    return memo.At(count, [mean](double k) { return ComplementAt(k, mean); });
+  };
+  QuantilesAt(IsValid(mean), q, out,
+              [&](double tail) { return ComplementQuantileFrom(tail, mean, complement); });
 }
 
 }  // namespace brenvolt::poisson

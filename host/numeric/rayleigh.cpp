@@ -87,6 +87,8 @@ void Quantile(std::span<const double> p, double scale, double threshold, std::sp
   vector_forms::RayleighQuantile(p, scale, threshold, out);
 }
 
+BRENVOLT_ARRAYS_BY_SCALARS((double scale, double threshold), scale, threshold);
+
 double Mean(double scale, double threshold) {
   return MomentAt(Law{scale, threshold}, &Law::Mean);
 }

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "host/base/almost_equal.h"
@@ -41,17 +42,20 @@ struct Estimator {
 
 using enum Kind;
 
-template <std::size_t count, class Function>
-auto AboveOffset(Function f) {
+// `More`: a poll, where the estimator searches.
+template <std::size_t count, class... More>
+auto AboveOffset(std::int32_t (*f)(std::int32_t, std::span<const double>, double, std::span<double, count>,
+                                   EstimationError&, More...)) {
   return [f](std::span<const double> data, double offset, std::span<double> out, EstimationError& error) {
-    f(0, data, offset, out.first<count>(), error);
+    f(0, data, offset, out.first<count>(), error, std::remove_cvref_t<More>{}...);
   };
 }
 
-template <class Function>
-auto AboveThreshold(Function f) {
+template <class... More>
+auto AboveThreshold(std::int32_t (*f)(std::span<const double>, double, std::span<double, 3>, EstimationError&,
+                                      More...)) {
   return [f](std::span<const double> data, double threshold, std::span<double> out, EstimationError& error) {
-    f(data, threshold, out.first<3>(), error);
+    f(data, threshold, out.first<3>(), error, std::remove_cvref_t<More>{}...);
   };
 }
 
@@ -92,11 +96,11 @@ void FitJohnsonQuantiles(std::span<const double> data, double /*offset*/, std::s
 
 const Estimator kEstimators[] = {
     {"normal", 2, FitNormal, {kLocation, kScale}},
-    {"lognormal", 2, AboveOffset<2>(FitLognormalDistribution), {kLogarithm, kNumber}},
+    {"lognormal", 2, AboveOffset(FitLognormalDistribution), {kLogarithm, kNumber}},
     // The third parameter of these two, a log-likelihood, is not compared.
-    {"half normal", 3, AboveOffset<3>(FitHalfNormalDistribution), {kScale, kScale}},
-    {"Rayleigh", 3, AboveOffset<3>(FitRayleighDistribution), {kScale, kScale}},
-    {"folded normal", 2, AboveOffset<2>(FitFoldedNormalDistribution), {kScale, kScale}},
+    {"half normal", 3, AboveOffset(FitHalfNormalDistribution), {kScale, kScale}},
+    {"Rayleigh", 3, AboveOffset(FitRayleighDistribution), {kScale, kScale}},
+    {"folded normal", 2, AboveOffset(FitFoldedNormalDistribution), {kScale, kScale}},
     {"extreme value, likelihood", 3, FitGev, {kLocation, kScale, kNumber}},
     {"extreme value, moments", 3, FitGevMoments, {kLocation, kScale, kNumber}},
     {"Pareto, likelihood", 3, AboveThreshold(FitGPDMaximumLikelihood), {kLocation, kScale, kNumber}},

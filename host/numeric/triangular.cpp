@@ -102,13 +102,9 @@ double ComplementQuantile(double q, double min, double max, double mode) {
   return QuantileAt(Law{min, max, mode}, &Law::ComplementQuantile, q);
 }
 
-void Cdf(std::span<const double> x, double min, double max, double mode, std::span<double> out) {
-  ProbabilitiesAt(Law{min, max, mode}, &Law::Cdf, x, out);
-}
-
-void Quantile(std::span<const double> p, double min, double max, double mode, std::span<double> out) {
-  QuantilesAt(Law{min, max, mode}, &Law::Quantile, p, out);
-}
+BRENVOLT_ARRAYS_BY_SCALARS((double min, double max, double mode), min, max, mode);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double min, double max, double mode), min, max, mode);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double min, double max, double mode), min, max, mode);
 
 double Mean(double min, double max, double mode) {
   return MomentAt(Law{min, max, mode}, &Law::Mean);

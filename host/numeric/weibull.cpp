@@ -81,6 +81,8 @@ void Quantile(std::span<const double> p, double scale, double shape, double thre
   vector_forms::WeibullQuantile(p, scale, shape, threshold, out);
 }
 
+BRENVOLT_ARRAYS_BY_SCALARS((double scale, double shape, double threshold), scale, shape, threshold);
+
 double Mean(double scale, double shape, double threshold) {
   return MomentAt(IsValid(scale, shape, threshold),
                   [=] { return threshold + scale * std::tgamma(1.0 + 1.0 / shape); });

@@ -22,7 +22,8 @@ struct Moments {
 
 // Running central moments by one-pass updates (Welford 1962; third and fourth moments: Pébay 2008,
 // eqs. 2.8-2.9), each kept divided by the count, and running moments of the logarithms while every value is
-// positive.
+// positive. Deviations count in a power of two near the greatest of them, so that their fourth powers neither
+// overflow nor vanish in any units.
 class MomentAccumulator {
  public:
   // Takes a value `copies` times, copies >= 1.
@@ -34,11 +35,15 @@ class MomentAccumulator {
 
  private:
   void AddOnce(double x);
+  void Rescale(double deviation);
   void AddLogarithm(double x, std::int64_t copies);
 
   std::int64_t count_ = 0;
   std::int64_t missing_ = 0;
   double mean_ = 0;
+  int exponent_ = 0;          // of the unit of the central moments
+  double inverseUnit_ = 0;    // 2^-exponent_
+  double longDeviation_ = 0;  // a deviation beyond it asks for a larger unit
   double m2_ = 0;
   double m3_ = 0;
   double m4_ = 0;

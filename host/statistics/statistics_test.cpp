@@ -31,6 +31,27 @@ TEST(Moments, AgreeWithReferencesAndIgnoreALargeShift) {
   }
 }
 
+TEST(Moments, FourthPowersNeitherOverflowNorVanishInExtremeUnits) {
+  const std::vector<double> values{2, 8, 0, 4, 1, 9, 9, 0.5, 3.25, 7};
+  const Moments reference = MomentsOf(values);
+  for (const int exponent : {-530, -400, -270, 270, 530, 1000}) {
+    SCOPED_TRACE(exponent);
+    std::vector<double> scaled;
+    for (const double x : values) scaled.push_back(std::scalbn(x, exponent));
+    const Moments m = MomentsOf(scaled);
+    EXPECT_EQ(m.standardDeviation, std::scalbn(reference.standardDeviation, exponent));
+    EXPECT_EQ(m.skewness, reference.skewness);
+    EXPECT_EQ(m.kurtosis, reference.kurtosis);
+  }
+  // A first value in another unit than the rest.
+  for (const double first : {1e-300, 1e-90, 5e-324}) {
+    const Moments m = MomentsOf({first, 2, 8, 0, 4, 1, 9, 9, 0.5, 3.25, 7});
+    const Moments zero = MomentsOf({0, 2, 8, 0, 4, 1, 9, 9, 0.5, 3.25, 7});
+    EXPECT_NEAR(m.skewness, zero.skewness, 1e-14);
+    EXPECT_NEAR(m.kurtosis, zero.kurtosis, 1e-13);
+  }
+}
+
 TEST(Moments, SmallSamplesLeaveWhatTheyCannotTell) {
   const Moments none = MomentsOf({});
   EXPECT_EQ(none.count, 0);

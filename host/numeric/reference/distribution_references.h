@@ -79,7 +79,9 @@ struct Shape {
 
   static Type Make(std::string name, bool isDiscrete, std::vector<std::size_t> origins, Scalar density,
                    Scalar logDensity, Scalar cdf, Scalar complement, Scalar quantile,
-                   Scalar complementQuantile, Array cdfs, Array quantiles, Moment mean, Moment variance) {
+                   Scalar complementQuantile, Array densities, Array logDensities, Array cdfs,
+                   Array complements, Array quantiles, Array complementQuantiles, Moment mean,
+                   Moment variance) {
     return {std::move(name),
             isDiscrete,
             std::move(origins),
@@ -89,72 +91,44 @@ struct Shape {
              {"Complement", Bind(complement)},
              {"Quantile", Bind(quantile)},
              {"ComplementQuantile", Bind(complementQuantile)}},
-            {{"Cdf", BindArray(cdfs)}, {"Quantile", BindArray(quantiles)}},
+            {{"Density", BindArray(densities)},
+             {"LogDensity", BindArray(logDensities)},
+             {"Cdf", BindArray(cdfs)},
+             {"Complement", BindArray(complements)},
+             {"Quantile", BindArray(quantiles)},
+             {"ComplementQuantile", BindArray(complementQuantiles)}},
             {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}}};
   }
 };
 
+// NOLINTBEGIN(cppcoreguidelines-macro-usage): overloads cannot be passed by name alone
+#define BRENVOLT_TYPE(ns, isDiscrete, origins, ...)                                                        \
+  Shape<__VA_ARGS__>::Make(#ns, isDiscrete, origins, ns::Density, ns::LogDensity, ns::Cdf, ns::Complement, \
+                           ns::Quantile, ns::ComplementQuantile, ns::Density, ns::LogDensity, ns::Cdf,     \
+                           ns::Complement, ns::Quantile, ns::ComplementQuantile, ns::Mean, ns::Variance)
+
 // In the order of the catalogue.
 inline std::vector<Type> AllTypes() {
-  return {
-      Shape<double, double>::Make("normal", false, {0}, normal::Density, normal::LogDensity, normal::Cdf,
-                                  normal::Complement, normal::Quantile, normal::ComplementQuantile,
-                                  normal::Cdf, normal::Quantile, normal::Mean, normal::Variance),
-      Shape<double, double, double>::Make("lognormal", false, {2}, lognormal::Density, lognormal::LogDensity,
-                                          lognormal::Cdf, lognormal::Complement, lognormal::Quantile,
-                                          lognormal::ComplementQuantile, lognormal::Cdf, lognormal::Quantile,
-                                          lognormal::Mean, lognormal::Variance),
-      Shape<double, double, double>::Make(
-          "folded_normal", false, {2}, folded_normal::Density, folded_normal::LogDensity, folded_normal::Cdf,
-          folded_normal::Complement, folded_normal::Quantile, folded_normal::ComplementQuantile,
-          folded_normal::Cdf, folded_normal::Quantile, folded_normal::Mean, folded_normal::Variance),
-      Shape<double, double>::Make("half_normal", false, {1}, half_normal::Density, half_normal::LogDensity,
-                                  half_normal::Cdf, half_normal::Complement, half_normal::Quantile,
-                                  half_normal::ComplementQuantile, half_normal::Cdf, half_normal::Quantile,
-                                  half_normal::Mean, half_normal::Variance),
-      Shape<double, double>::Make("rayleigh", false, {1}, rayleigh::Density, rayleigh::LogDensity,
-                                  rayleigh::Cdf, rayleigh::Complement, rayleigh::Quantile,
-                                  rayleigh::ComplementQuantile, rayleigh::Cdf, rayleigh::Quantile,
-                                  rayleigh::Mean, rayleigh::Variance),
-      Shape<double, double, double>::Make("weibull", false, {2}, weibull::Density, weibull::LogDensity,
-                                          weibull::Cdf, weibull::Complement, weibull::Quantile,
-                                          weibull::ComplementQuantile, weibull::Cdf, weibull::Quantile,
-                                          weibull::Mean, weibull::Variance),
-      Shape<In>::Make("gaussian_mixture", false, {1, 4, 7}, gaussian_mixture::Density,
-                      gaussian_mixture::LogDensity, gaussian_mixture::Cdf, gaussian_mixture::Complement,
-                      gaussian_mixture::Quantile, gaussian_mixture::ComplementQuantile, gaussian_mixture::Cdf,
-                      gaussian_mixture::Quantile, gaussian_mixture::Mean, gaussian_mixture::Variance),
-      Shape<double, double, double, double, double>::Make(
-          "johnson", false, {4}, johnson::Density, johnson::LogDensity, johnson::Cdf, johnson::Complement,
-          johnson::Quantile, johnson::ComplementQuantile, johnson::Cdf, johnson::Quantile, johnson::Mean,
-          johnson::Variance),
-      Shape<double, double, double>::Make("gev", false, {0}, gev::Density, gev::LogDensity, gev::Cdf,
-                                          gev::Complement, gev::Quantile, gev::ComplementQuantile, gev::Cdf,
-                                          gev::Quantile, gev::Mean, gev::Variance),
-      Shape<double, double, double>::Make("gpd", false, {2}, gpd::Density, gpd::LogDensity, gpd::Cdf,
-                                          gpd::Complement, gpd::Quantile, gpd::ComplementQuantile, gpd::Cdf,
-                                          gpd::Quantile, gpd::Mean, gpd::Variance),
-      Shape<double, double, double>::Make(
-          "triangular", false, {0, 1}, triangular::Density, triangular::LogDensity, triangular::Cdf,
-          triangular::Complement, triangular::Quantile, triangular::ComplementQuantile, triangular::Cdf,
-          triangular::Quantile, triangular::Mean, triangular::Variance),
-      Shape<double, double>::Make("binomial", true, {}, binomial::Density, binomial::LogDensity,
-                                  binomial::Cdf, binomial::Complement, binomial::Quantile,
-                                  binomial::ComplementQuantile, binomial::Cdf, binomial::Quantile,
-                                  binomial::Mean, binomial::Variance),
-      Shape<double>::Make("poisson", true, {}, poisson::Density, poisson::LogDensity, poisson::Cdf,
-                          poisson::Complement, poisson::Quantile, poisson::ComplementQuantile, poisson::Cdf,
-                          poisson::Quantile, poisson::Mean, poisson::Variance),
-      Shape<double>::Make("geometric", true, {}, geometric::Density, geometric::LogDensity, geometric::Cdf,
-                          geometric::Complement, geometric::Quantile, geometric::ComplementQuantile,
-                          geometric::Cdf, geometric::Quantile, geometric::Mean, geometric::Variance),
-      Shape<double>::Make("bernoulli", true, {}, bernoulli::Density, bernoulli::LogDensity, bernoulli::Cdf,
-                          bernoulli::Complement, bernoulli::Quantile, bernoulli::ComplementQuantile,
-                          bernoulli::Cdf, bernoulli::Quantile, bernoulli::Mean, bernoulli::Variance),
-      Shape<In>::Make("histogram", true, {}, histogram::Density, histogram::LogDensity, histogram::Cdf,
-                      histogram::Complement, histogram::Quantile, histogram::ComplementQuantile,
-                      histogram::Cdf, histogram::Quantile, histogram::Mean, histogram::Variance)};
+  using At = std::vector<std::size_t>;
+  return {BRENVOLT_TYPE(normal, false, (At{0}), double, double),
+          BRENVOLT_TYPE(lognormal, false, (At{2}), double, double, double),
+          BRENVOLT_TYPE(folded_normal, false, (At{2}), double, double, double),
+          BRENVOLT_TYPE(half_normal, false, (At{1}), double, double),
+          BRENVOLT_TYPE(rayleigh, false, (At{1}), double, double),
+          BRENVOLT_TYPE(weibull, false, (At{2}), double, double, double),
+          BRENVOLT_TYPE(gaussian_mixture, false, (At{1, 4, 7}), In),
+          BRENVOLT_TYPE(johnson, false, (At{4}), double, double, double, double, double),
+          BRENVOLT_TYPE(gev, false, (At{0}), double, double, double),
+          BRENVOLT_TYPE(gpd, false, (At{2}), double, double, double),
+          BRENVOLT_TYPE(triangular, false, (At{0, 1}), double, double, double),
+          BRENVOLT_TYPE(binomial, true, At{}, double, double),
+          BRENVOLT_TYPE(poisson, true, At{}, double),
+          BRENVOLT_TYPE(geometric, true, At{}, double),
+          BRENVOLT_TYPE(bernoulli, true, At{}, double),
+          BRENVOLT_TYPE(histogram, true, At{}, In)};
 }
+#undef BRENVOLT_TYPE
+// NOLINTEND(cppcoreguidelines-macro-usage)
 
 struct Row {
   std::string function;
