@@ -153,8 +153,7 @@ void RandomStream::FillUniform(std::uint64_t position, std::span<double> out) co
 }
 
 void RandomStream::FillAlternate(std::uint64_t position, std::span<double> out) const {
-  vector_forms::PhiloxHalves(static_cast<std::uint32_t>(seed_), kStreamTag, position / 2, position % 2 == 1,
-                             out);
+  vector_forms::PhiloxHalves(key_[0], key_[1], position / 2, position % 2 == 1, out);
 }
 
 void RandomStream::FillNormal(std::uint64_t position, double sd, std::span<double> out) const {
