@@ -504,7 +504,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--truncate", "a=2:2", "--save", "n.bvw"}, 2, "less than the upper one"},
       {{"fit", "weights.csv", "--truncate", "a=x:", "--save", "n.bvw"}, 2, "not a number in --truncate a=x:"},
       {{"fit", "weights.csv", "--truncate", "a=-444:", "--save", "n.bvw"}, 2, "-444 stands for no bound"},
-      {{"fit", "weights.csv", "--truncate", "b=1:", "--save", "n.bvw"}, 1, "no variable called b"},
+      {{"fit", "weights.csv", "--truncate", "b=1:", "--save", "n.bvw"}, 1, "no variable called 'b'"},
       {{"fit", "weights.csv", "--continuous", "a", "--truncate", "w=1:", "--save", "n.bvw"},
        2,
        "w is not fitted"},

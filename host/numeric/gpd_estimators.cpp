@@ -39,7 +39,30 @@ struct Profile {
   double slope = 0.0;
 };
 
-Profile ProfileAt(std::span<const double> values, double ratio) {
+// Values of which each stands for `weight` ones, and on both sides values that stand for themselves alone.
+struct WeightedValues {
+  std::vector<double> low;
+  std::vector<double> middle;
+  std::vector<double> high;
+  double weight = 1.0;
+};
+
+// The sums over values that make a profile.
+struct ProfileSums {
+  double count = 0.0;
+  double w = 0.0;
+  double wByRatio = 0.0;
+  double shapeByRatio = 0.0;
+
+  void Add(const ProfileSums& more, double weight) {
+    count += weight * more.count;
+    w += weight * more.w;
+    wByRatio += weight * more.wByRatio;
+    shapeByRatio += weight * more.shapeByRatio;
+  }
+};
+
+ProfileSums SumProfile(std::span<const double> values, double ratio) {
   CompensatedSum w;
   CompensatedSum wByRatio;
   CompensatedSum shapeByRatio;
@@ -62,13 +85,27 @@ Profile ProfileAt(std::span<const double> values, double ratio) {
     wByRatio.Add(byRatio);
     shapeByRatio.Add(byShape);
   }
-  const auto n = static_cast<double>(values.size());
+  return {static_cast<double>(values.size()), w.Value(), wByRatio.Value(), shapeByRatio.Value()};
+}
+
+Profile FromSums(const ProfileSums& sums, double ratio) {
   Profile profile;
-  profile.scale = w.Value() / n;
+  profile.scale = sums.w / sums.count;
   profile.shape = ratio * profile.scale;
   profile.logLikelihood = -(std::log(profile.scale) + profile.shape + 1.0);
-  profile.slope = -(wByRatio.Value() / w.Value() + shapeByRatio.Value() / n);
+  profile.slope = -(sums.wByRatio / sums.w + sums.shapeByRatio / sums.count);
   return profile;
+}
+
+Profile ProfileAt(std::span<const double> values, double ratio) {
+  return FromSums(SumProfile(values, ratio), ratio);
+}
+
+Profile ProfileAt(const WeightedValues& values, double ratio) {
+  ProfileSums sums = SumProfile(values.low, ratio);
+  sums.Add(SumProfile(values.high, ratio), 1.0);
+  sums.Add(SumProfile(values.middle, ratio), values.weight);
+  return FromSums(sums, ratio);
 }
 
 // shape / scale from the end of the support, -1 / greatest, to far into heavy tails, dense near 0.
@@ -96,13 +133,14 @@ struct Peak {
   double ratio;
 };
 
-double SlopeAt(std::span<const double> values, double ratio, const EstimationPoll& poll) {
+template <class Values>
+double SlopeAt(const Values& values, double ratio, const EstimationPoll& poll) {
   Ask(poll);
   return ProfileAt(values, ratio).slope;
 }
 
-std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double>& grid,
-                        const EstimationPoll& poll) {
+template <class Values>
+std::vector<Peak> Peaks(const Values& values, const std::vector<double>& grid, const EstimationPoll& poll) {
   std::vector<Peak> peaks;
   double previous = SlopeAt(values, grid[0], poll);
   for (std::size_t i = 1; i < grid.size(); ++i) {
@@ -117,13 +155,26 @@ std::vector<Peak> Peaks(std::span<const double> values, const std::vector<double
   return peaks;
 }
 
+// A large sample by some thousand values: evenly placed ones between its ends, and those at its ends as they
+// are, since the greatest ones decide where a bounded support may end.
+WeightedValues ThinnedBetweenEnds(std::span<const double> sorted, std::size_t count) {
+  constexpr std::size_t kEnd = 256;
+  const auto middle = sorted.subspan(kEnd, sorted.size() - 2 * kEnd);
+  const auto low = sorted.first(kEnd);
+  const auto high = sorted.last(kEnd);
+  return {{low.begin(), low.end()},
+          Thinned(middle, count),
+          {high.begin(), high.end()},
+          static_cast<double>(middle.size()) / static_cast<double>(count)};
+}
+
 // The useful peaks of a large sample from those of a thinned one; nothing when one of them has no peak near.
 // Peaks beyond the least shape are left out: they hang on the extremes, which thinning moves.
 std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted, std::size_t count,
                                                  const std::vector<double>& grid,
                                                  const EstimationPoll& poll) {
   constexpr double kMargin = 0.1;
-  const std::vector<double> thin = Thinned(sorted, count);
+  const WeightedValues thin = ThinnedBetweenEnds(sorted, count);
   std::vector<Peak> peaks = Peaks(thin, grid, poll);
   std::erase_if(peaks,
                 [&](const Peak& peak) { return ProfileAt(thin, peak.ratio).shape < kLeastShape - kMargin; });
@@ -136,13 +187,11 @@ std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted,
   return peaks;
 }
 
-// A thinned sample without its greatest values may have its peak beyond the support that these allow, so that
-// only the whole sample can be said to have none.
 std::vector<Peak> UsefulPeaks(std::span<const double> sorted, const EstimationPoll& poll) {
   const std::vector<double> grid = RatioGrid(sorted.back(), Mean(sorted));
   if (sorted.size() <= kLargeSample) return Peaks(sorted, grid, poll);
   const auto peaks = PeaksByThinning(sorted, kThinnedSample, grid, poll);
-  return peaks && !peaks->empty() ? *peaks : Peaks(sorted, grid, poll);
+  return peaks ? *peaks : Peaks(sorted, grid, poll);
 }
 
 // The greatest local maximum with shape > -1; a log-likelihood of minus infinity when there is none.
