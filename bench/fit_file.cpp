@@ -2,11 +2,13 @@
 // prints one line per fit, for comparison with other programs; or the time that it takes, without reading.
 //   fit_file FILE COLUMN continuous|discrete            COLUMN counts from 1
 //   fit_file FILE COLUMN continuous|discrete --time N   the shortest of N repetitions, in seconds
+//   fit_file FILE COLUMN continuous --time N CODE…      the same for the types of these codes alone
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <limits>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -29,7 +31,9 @@ std::vector<double> ReadColumn(const char* path, std::size_t column) {
   return values;
 }
 
-std::vector<DistributionFit> FitEverything(std::vector<double> values, bool continuous) {
+// All types where `codes` is empty.
+std::vector<DistributionFit> FitTypes(std::vector<double> values, bool continuous,
+                                      std::span<const DistributionCode> codes) {
   MomentAccumulator moments;
   for (const double x : values) moments.Add(x, 1);
   SortAscending(values);
@@ -37,8 +41,10 @@ std::vector<DistributionFit> FitEverything(std::vector<double> values, bool cont
   constexpr auto kBinning = ChiSquareBinning::kEqualProbabilities;
   if (continuous) {
     ContinuousSpecification specification;
-    specification.fit.fill(true);
+    specification.fit.fill(codes.empty());
     specification.fit[kPercentileFitFlag] = false;
+    for (const DistributionCode code : codes)
+      specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
     specification.offsets.fill(0);
     specification.mixtures = 2;
     return FitContinuousDistributions(sample, specification, kBinning, [] {});
@@ -78,31 +84,43 @@ void PrintFits(const std::vector<DistributionFit>& fits) {
   }
 }
 
-double ShortestSeconds(const std::vector<double>& values, bool continuous, int repetitions) {
+double ShortestSeconds(const std::vector<double>& values, bool continuous,
+                       std::span<const DistributionCode> codes, int repetitions) {
   double shortest = std::numeric_limits<double>::infinity();
   for (int i = 0; i < repetitions; ++i) {
     const auto start = std::chrono::steady_clock::now();
-    if (FitEverything(values, continuous).empty()) std::exit(EXIT_FAILURE);
+    if (FitTypes(values, continuous, codes).empty()) std::exit(EXIT_FAILURE);
     const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
     shortest = std::min(shortest, elapsed.count());
   }
   return shortest;
 }
 
-int Main(int argc, char** argv) {
-  const bool timed = argc == 6 && std::string_view(argv[4]) == "--time";
-  const std::string_view kind = argc >= 4 ? argv[3] : "";
-  const long column = argc >= 4 ? std::strtol(argv[2], nullptr, 10) : 0;
-  if ((argc != 4 && !timed) || column < 1 || (kind != "continuous" && kind != "discrete")) {
-    std::fprintf(stderr, "usage: fit_file FILE COLUMN continuous|discrete [--time N]\n");
+int Main(std::span<char*> arguments) {
+  constexpr std::size_t kTimed = 6;  // arguments of a timed run without codes
+  const std::size_t count = arguments.size();
+  const bool timed = count >= kTimed && std::string_view(arguments[4]) == "--time";
+  const std::string_view kind = count >= 4 ? arguments[3] : "";
+  const long column = count >= 4 ? std::strtol(arguments[2], nullptr, 10) : 0;
+  const bool isContinuous = kind == "continuous";
+  const bool areCodesOutOfPlace = count > kTimed && !isContinuous;
+  if ((count != 4 && !timed) || column < 1 || (!isContinuous && kind != "discrete") || areCodesOutOfPlace) {
+    std::fprintf(stderr, "usage: fit_file FILE COLUMN continuous|discrete [--time N [CODE...]]\n");
     return 2;
   }
-  const std::vector<double> values = ReadColumn(argv[1], static_cast<std::size_t>(column - 1));
-  if (timed) {
-    std::printf("%.6f\n", ShortestSeconds(values, kind == "continuous", std::max(1, std::atoi(argv[5]))));
-  } else {
-    PrintFits(FitEverything(values, kind == "continuous"));
+  const std::vector<double> values = ReadColumn(arguments[1], static_cast<std::size_t>(column - 1));
+  if (!timed) {
+    PrintFits(FitTypes(values, isContinuous, {}));
+    return 0;
   }
+  std::vector<DistributionCode> codes;
+  for (const char* code : arguments.subspan(kTimed)) {
+    const auto known = CodeFromNumber(std::atoi(code));
+    if (!known || !IsContinuous(*known)) throw Error("no continuous distribution has this code", code);
+    codes.push_back(*known);
+  }
+  const int repetitions = std::max(1, std::atoi(arguments[5]));
+  std::printf("%.6f\n", ShortestSeconds(values, isContinuous, codes, repetitions));
   return 0;
 }
 
@@ -111,7 +129,7 @@ int Main(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return brenvolt::sra::Main(argc, argv);
+    return brenvolt::sra::Main({argv, static_cast<std::size_t>(argc)});
   } catch (const std::exception& error) {
     std::fprintf(stderr, "fit_file: %s\n", error.what());
     return 1;

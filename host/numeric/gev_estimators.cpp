@@ -320,10 +320,12 @@ Point SearchMaximum(std::span<const double> sorted, Surface& best, const Estimat
 // The same; a large sample is climbed from the maximum of a thinned one, where there is one.
 Point GreatestMaximum(std::span<const double> sorted, Surface& best, const EstimationPoll& poll) {
   if (sorted.size() > kLargeSample) {
-    const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+    std::vector<double> thin = Thinned(sorted, kThinnedSample);
+    // With the extremes of all values among them, the thinned ones seldom fit a support that leaves some out.
+    thin.front() = sorted.front();
+    thin.back() = sorted.back();
     Surface ofThin;
     Point at = SearchMaximum(thin, ofThin, poll);
-    // The extremes of all values may lie outside the support that fits the thinned ones.
     if (std::isfinite(at.shape) && !(MeanLogLikelihood(sorted, at) > -kInfinity))
       at = StartWithShape(sorted, at.shape);
     if (std::isfinite(at.shape) && Climb(sorted, at, best, poll)) return at;

@@ -168,6 +168,16 @@ WeightedValues ThinnedBetweenEnds(std::span<const double> sorted, std::size_t co
           static_cast<double>(middle.size()) / static_cast<double>(count)};
 }
 
+// The part of the grid some steps to both sides of a peak.
+std::vector<double> GridAround(const std::vector<double>& grid, const Peak& peak) {
+  constexpr std::ptrdiff_t kSteps = 8;
+  const auto first = std::ranges::lower_bound(grid, peak.low) - grid.begin();
+  const auto last = std::ranges::lower_bound(grid, peak.high) - grid.begin();
+  const auto size = static_cast<std::ptrdiff_t>(grid.size());
+  return {grid.begin() + std::max<std::ptrdiff_t>(0, first - kSteps),
+          grid.begin() + std::min(size, last + kSteps + 1)};
+}
+
 // The useful peaks of a large sample from those of a thinned one; nothing when one of them has no peak near.
 // Peaks beyond the least shape are left out: they hang on the extremes, which thinning moves.
 std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted, std::size_t count,
@@ -175,14 +185,18 @@ std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted,
                                                  const EstimationPoll& poll) {
   constexpr double kMargin = 0.1;
   const WeightedValues thin = ThinnedBetweenEnds(sorted, count);
-  std::vector<Peak> peaks = Peaks(thin, grid, poll);
-  std::erase_if(peaks,
-                [&](const Peak& peak) { return ProfileAt(thin, peak.ratio).shape < kLeastShape - kMargin; });
-  for (Peak& peak : peaks) {
+  std::vector<Peak> peaks;
+  for (const Peak& peak : Peaks(thin, grid, poll)) {
+    if (ProfileAt(thin, peak.ratio).shape < kLeastShape - kMargin) continue;
     const auto ratio =
         SolveFallingNear([&](double r) { return SlopeAt(sorted, r, poll); }, peak.ratio, peak.low, peak.high);
-    if (!ratio) return std::nullopt;
-    peak.ratio = *ratio;
+    if (ratio) {
+      peaks.push_back({peak.low, peak.high, *ratio});
+      continue;
+    }
+    const std::vector<Peak> near = Peaks(sorted, GridAround(grid, peak), poll);
+    if (near.empty()) return std::nullopt;
+    peaks.insert(peaks.end(), near.begin(), near.end());
   }
   return peaks;
 }
