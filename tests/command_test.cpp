@@ -218,6 +218,21 @@ TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {
   EXPECT_NE(report.find("--bootstrap N"), std::string::npos);
 }
 
+TEST_F(Command, BootstrapPValuesStandBesideThePlainOnesAndInTheirPlaceInTheTable) {
+  const std::vector<std::string> call{
+      "fit", kExamples + "portpirie_sea_level.csv", "--bootstrap", "99", "--distributions", "normal,weibull"};
+  auto json = call;
+  json.insert(json.end(), {"--format", "json"});
+  const auto report = Json::parse(MustRun(json).out);
+  const Json& weibull = FitOf(report["variables"][0], "Weibull");
+  EXPECT_EQ(weibull["bootstrap"]["samples"], 99);
+  EXPECT_LT(weibull["bootstrap"]["kolmogorovSmirnov"], 0.06);
+  EXPECT_GT(weibull["kolmogorovSmirnov"]["pValue"], 0.25) << "the plain one does not refuse the fit";
+  const std::string table = MustRun(call).out;
+  EXPECT_NE(table.find("parametric bootstrap, 99 samples"), std::string::npos) << table;
+  EXPECT_EQ(table.find("too large"), std::string::npos);
+}
+
 TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
   const auto matrix = [&](const std::string& name) {
     return Json::parse(MustRun({"show", "p.bvw", name, "--format", "json"}).out);
