@@ -467,6 +467,23 @@ TEST_F(Command, SimulationWithoutMuchToCorrelate) {
   EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
 }
 
+TEST_F(Command, TableOfCorrelationsStaysShort) {
+  std::string data = "v0,v1,v2,v3,v4,v5,v6,v7,v8,v9,v10\n";
+  for (int i = 0; i < 40; ++i) {
+    for (int v = 0; v < 11; ++v) data += (v == 0 ? "" : ",") + std::to_string((i * (2 * v + 3)) % 41);
+    data += "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  const std::string text = MustRun({"simulate", "p.bvw", "--method", "iman-conover"}).out;
+  const std::string table = text.substr(text.find("Correlation of"));
+  EXPECT_EQ(std::ranges::count(table, '\n'), 1 + 45 + 1);
+  EXPECT_NE(table.find("Farthest off of 55 pairs; --format json has all."), std::string::npos) << table;
+  const Json report =
+      Json::parse(MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--format", "json"}).out);
+  EXPECT_EQ(report["correlations"].size(), 55U);
+}
+
 TEST_F(Command, RepairedMatrixIsSaidAndKept) {
   WriteBytes(File("d.csv"), "a,b,c\n1,2,5\n2,4,3\n4,1,9\n3,7,1\n7,5,2\n");
   WriteBytes(File("m.csv"),

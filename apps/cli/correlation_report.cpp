@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <numeric>
 #include <vector>
 
@@ -26,14 +27,16 @@ bool IsRepaired(const Spreadsheet& summary) {
   return !std::ranges::equal(summary.VariableAt(kAsked).Values(), summary.VariableAt(kUsed).Values());
 }
 
-// All pairs, or the ones that missed by most.
+// All pairs, or those whose ranks correlate least as those of normal scores would: 6/pi asin(r/2) (Pearson
+// 1907).
 std::vector<std::size_t> ShownPairs(const Spreadsheet& summary) {
   std::vector<std::size_t> pairs(summary.CaseCount());
   std::iota(pairs.begin(), pairs.end(), std::size_t{0});
   if (pairs.size() <= kMostPairsShown) return pairs;
   const auto miss = [&](std::size_t row) {
     const double reached = Value(summary, kSpearman, row);
-    return std::isnan(reached) ? 0.0 : std::abs(reached - Value(summary, kUsed, row));
+    const double expected = 6 / std::numbers::pi * std::asin(Value(summary, kUsed, row) / 2);
+    return std::isnan(reached) ? 0.0 : std::abs(reached - expected);
   };
   std::ranges::stable_sort(pairs, [&](std::size_t a, std::size_t b) { return miss(a) > miss(b); });
   pairs.resize(kMostPairsShown);

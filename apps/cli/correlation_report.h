@@ -12,7 +12,8 @@ namespace brenvolt::cli {
 inline constexpr std::size_t kMostPairsShown = 45;
 
 // `summary` is the analysis's table of pairs of variables, in the order (1, 2), (1, 3), …, (2, 3), ….
-// The text has a line for each pair; of too many it has those that are farthest from what was used.
+// The text has a line for each pair; of too many it has those whose Spearman correlation is
+// farthest from that of normal scores with the correlation used.
 std::string CorrelationsText(const Spreadsheet& summary);
 // One object per pair; `output` has the variables' names.
 nlohmann::ordered_json CorrelationsJson(const Spreadsheet& summary, const Spreadsheet& output);
