@@ -426,6 +426,107 @@ TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
   EXPECT_EQ(shown[3]["name"], "Monte Carlo method (2)");
 }
 
+// Old Faithful's waits follow its eruptions. The target is the correlation of normal scores, whose ranks
+// correlate by 6/pi asin(r/2) (Pearson 1907).
+TEST_F(Command, SimulationReachesTheCorrelationSavedWithTheFits) {
+  constexpr double kFitted = 0.9008112;
+  constexpr double kSpearman = 0.8923237;
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  for (const std::string method : {"iman-conover", "latin-hypercube-iman-conover"}) {
+    const auto simulate = [&](const std::vector<std::string>& more) {
+      std::vector<std::string> arguments{"simulate",  "p.bvw", "--method", method,
+                                         "--samples", "20000", "--seed",   "3"};
+      arguments.insert(arguments.end(), more.begin(), more.end());
+      return MustRun(arguments).out;
+    };
+    const Json report = Json::parse(simulate({"--format", "json", "-o", method + ".csv"}));
+    ASSERT_EQ(report["correlations"].size(), 1U);
+    const Json& pair = report["correlations"][0];
+    EXPECT_EQ(pair["variables"], Json({"eruptions", "waiting"}));
+    EXPECT_NEAR(pair["asked"], kFitted, 5e-8);
+    EXPECT_EQ(pair["used"], pair["asked"]);
+    EXPECT_NEAR(pair["spearman"], kSpearman, 0.005);
+    EXPECT_FALSE(report.contains("repairedMatrix"));
+    // What the file holds correlates as reported.
+    const Json fitted =
+        Json::parse(MustRun({"fit", method + ".csv", "--continuous", "eruptions,waiting", "--distributions",
+                             "normal", "--save", method + ".bvw", "--format", "json"})
+                        .out);
+    EXPECT_EQ(fitted["variables"][0]["n"], 20000);
+    const Json shown =
+        Json::parse(MustRun({"show", method + ".bvw", "Correlation matrix", "--format", "json"}).out);
+    EXPECT_NEAR(shown["variables"][0]["correlations"][1], pair["pearson"], 1e-12);
+    // The same matrix by other names of it gives the same samples.
+    MustRun({"export", "p.bvw:Correlation matrix", "-o", "m.csv"});
+    for (const char* matrix : {"Correlation matrix", "m.csv", "p.bvw", "p.bvw:Correlation matrix"}) {
+      simulate({"--matrix", matrix, "-o", "again.csv"});
+      EXPECT_EQ(BytesOf(File("again.csv")), BytesOf(File(method + ".csv"))) << matrix;
+    }
+    EXPECT_NE(simulate({}).find("  Correlation of      Asked for  Pearson  Spearman\n"), std::string::npos);
+  }
+  EXPECT_FALSE(Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out).contains("correlations"));
+}
+
+TEST_F(Command, SimulationWithoutMuchToCorrelate) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const auto one = Json::parse(
+      MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--variables", "waiting", "--format", "json"})
+          .out);
+  EXPECT_EQ(one["variables"].size(), 1U);
+  EXPECT_FALSE(one.contains("correlations")) << "one variable has no pair";
+  const Outcome few = Run({"simulate", "p.bvw", "--method", "iman-conover", "--samples", "2"});
+  EXPECT_EQ(few.status, 0);
+  EXPECT_TRUE(few.err.starts_with("brenvolt: There are too few samples to take back chance")) << few.err;
+  const std::string nothing = MustRun({"simulate", "p.bvw", "--method", "norta", "-o", "x.csv"}).out;
+  EXPECT_EQ(nothing, "Normal to anything method: nothing was produced; this method has no generator.\n");
+  EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
+}
+
+TEST_F(Command, TableOfCorrelationsStaysShort) {
+  std::string data = "v0,v1,v2,v3,v4,v5,v6,v7,v8,v9,v10\n";
+  for (int i = 0; i < 40; ++i) {
+    for (int v = 0; v < 11; ++v) data += (v == 0 ? "" : ",") + std::to_string((i * (2 * v + 3)) % 41);
+    data += "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  const std::string text = MustRun({"simulate", "p.bvw", "--method", "iman-conover"}).out;
+  const std::string table = text.substr(text.find("Correlation of"));
+  EXPECT_EQ(std::ranges::count(table, '\n'), 1 + 45 + 1);
+  EXPECT_NE(table.find("Farthest off of 55 pairs; --format json has all."), std::string::npos) << table;
+  const Json report =
+      Json::parse(MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--format", "json"}).out);
+  EXPECT_EQ(report["correlations"].size(), 55U);
+}
+
+TEST_F(Command, RepairedMatrixIsSaidAndKept) {
+  WriteBytes(File("d.csv"), "a,b,c\n1,2,5\n2,4,3\n4,1,9\n3,7,1\n7,5,2\n");
+  WriteBytes(File("m.csv"),
+             ",c,a,b\nc,1,-0.9,-0.9\na,-0.9,1,-0.9\nb,-0.9,-0.9,1\nMeans,1,2,3\nStd.Dev.,1,1,1\n"
+             "No.Cases,9,,\nMatrix,1,,\n");
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  const std::vector<std::string> call{"simulate", "p.bvw",  "--method", "iman-conover", "--matrix",
+                                      "m.csv",    "--seed", "1",        "--format",     "json"};
+  const Outcome told = Run(call);
+  EXPECT_EQ(told.status, 0);
+  EXPECT_TRUE(
+      told.err.starts_with("brenvolt: The correlation matrix is not positive definite and was "
+                           "repaired. (smallest eigenvalue -0.8, largest change "))
+      << told.err;
+  EXPECT_NE(told.err.find("from -0.9 to -0.5)\n"), std::string::npos) << told.err;
+  const Json repaired = Json::parse(told.out)["repairedMatrix"];
+  EXPECT_EQ(repaired["variables"], Json({"a", "b", "c"}));
+  EXPECT_NEAR(repaired["correlations"][2][0], -0.5, 1e-12);
+  std::vector<std::string> saving = call;
+  saving.insert(saving.end(), {"-o", "p.bvw"});
+  EXPECT_EQ(Run(saving).status, 0);
+  const Json shown =
+      Json::parse(MustRun({"show", "p.bvw", "Repaired correlation matrix", "--format", "json"}).out);
+  EXPECT_EQ(shown["variables"][0]["mean"], 2) << "the summaries follow their variables";
+  // The repaired matrix needs no second repair.
+  MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--matrix", "Repaired correlation matrix"});
+}
+
 // What a wrong input is answered with. Every line says what and where, and nothing in the folder changes.
 TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   MustRun({"fit", kExamples + "faithful.csv", "--save", "good.bvw"});
@@ -441,6 +542,11 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
              "just text, long enough to look like something, but no project at all\n");
   WriteBytes(File("mirror.csv"),
              ",a,b\na,1,0.5\nb,0.26,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,9,\nMatrix,1,\n");
+  WriteBytes(File("other_matrix.csv"),
+             ",x,eruptions\nx,1,0.5\neruptions,0.5,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,9,\nMatrix,1,\n");
+  WriteBytes(File("hole.csv"),
+             ",eruptions,waiting\neruptions,1,\nwaiting,0.5,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,9,\n"
+             "Matrix,1,\n");
   WriteBytes(File("empty.bvw"), "");
   WriteBytes(File("cut.bvw"), good.substr(0, good.size() / 2));
   WriteBytes(File("newer.bvw"), good);
@@ -448,6 +554,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
   for (const char* name :
        {"nonsense.bvw", "zero.bvw", "order.bvw", "truncation.bvw", "endless.bvw", "renamed.csv"})
     WriteBytes(File(name), good);
+  WriteBytes(File("alone.bvw"), good);
+  Sql("alone.bvw", "UPDATE sheet SET name = 'other matrix' WHERE name = 'Correlation matrix'");
   Sql("nonsense.bvw", "UPDATE variable_property SET value = 'tomorrow' WHERE key NOT LIKE 'z%'");
   Sql("zero.bvw", "UPDATE variable_property SET value = '(Location=1; Scale=-3)' WHERE key = 'Normal'");
   Sql("order.bvw", "DELETE FROM variable_property WHERE key = 'Normal'");
@@ -553,6 +661,25 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"simulate", "good.bvw", "--samples", "0"}, 1, "Invalid number of samples."},
       {{"simulate", "good.bvw", "--samples", "999999999"}, 1, "Insufficient memory exists"},
       {{"simulate", "good.bvw", "--seed", "-1"}, 1, "Invalid random seed value."},
+      {{"simulate", "good.bvw", "--seed", "99999999999"},
+       2,
+       "--seed wants a whole number from 0 to 2147483647"},
+      {{"simulate", "good.bvw", "--matrix", "Correlation matrix"}, 2, "which monte-carlo does not"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "nowhere"},
+       1,
+       "is neither a sheet of the project nor a file (--matrix nowhere)"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "faithful"},
+       1,
+       "Simulation failed. Please check the correlation matrix. (sheet faithful: is no matrix file)"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "good.bvw:none"}, 1, "called none"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "other_matrix.csv"},
+       1,
+       "The correlation matrix lacks variables of the simulation: waiting"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "hole.csv"},
+       1,
+       "(hole.csv, row eruptions, column waiting)"},
+      {{"simulate", "good.bvw", "--method", "iman-conover", "--matrix", "mirror.csv"}, 1, "not symmetric"},
+      {{"simulate", "alone.bvw", "--method", "iman-conover"}, 1, "no correlation matrix is given"},
       {{"simulate", "good.bvw", "--seed", "x"}, 2, "--seed wants a whole number"},
       {{"simulate", "good.bvw", "--method", "magic"}, 2, "--method"},
       {{"simulate", "good.bvw", "-o", "out.pdf"}, 2, "out.pdf"},

@@ -91,15 +91,21 @@ void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet)
   }
 }
 
-void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
-                          std::unique_ptr<Spreadsheet> matrix) {
+std::string CorrelationMatrixName(const Workbook& workbook, const std::string& dataSheet) {
   const std::string base = MatrixName(workbook, dataSheet);
   std::string name = base;
-  Spreadsheet* former = workbook.Find(name);
+  const Spreadsheet* former = workbook.Find(name);
   for (int number = 2; former != nullptr && former->Kind() != SheetKind::kMatrix; ++number) {
     name = base + " (" + std::to_string(number) + ")";
     former = workbook.Find(name);
   }
+  return name;
+}
+
+void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
+                          std::unique_ptr<Spreadsheet> matrix) {
+  const std::string name = CorrelationMatrixName(workbook, dataSheet);
+  Spreadsheet* former = workbook.Find(name);
   matrix->SetName(name);
   if (former != nullptr) {
     *former = std::move(*matrix);
@@ -123,11 +129,13 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
   workbook.Save(path);
 }
 
-std::string AppendToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet) {
+std::vector<std::string> AppendToProject(const std::filesystem::path& path,
+                                         std::vector<std::unique_ptr<Spreadsheet>> sheets) {
   Workbook workbook = ExistingOrNew(path);
-  std::string name = workbook.Add(std::move(sheet)).Name();
+  std::vector<std::string> names;
+  for (auto& sheet : sheets) names.push_back(workbook.Add(std::move(sheet)).Name());
   workbook.Save(path);
-  return name;
+  return names;
 }
 
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
@@ -142,6 +150,19 @@ void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, c
 std::string JsonText(const nlohmann::ordered_json& report) {
   constexpr int kIndent = 2;
   return report.dump(kIndent, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
+}
+
+std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source) {
+  std::error_code ignored;
+  if (std::filesystem::exists(source, ignored)) return {source, {}};
+  for (auto colon = source.rfind(':'); colon != std::string::npos && colon > 0;
+       colon = source.rfind(':', colon - 1)) {
+    if (std::filesystem::exists(source.substr(0, colon), ignored)) {
+      return {source.substr(0, colon), source.substr(colon + 1)};
+    }
+  }
+  const auto first = source.find(':');
+  return {source.substr(0, first), first == std::string::npos ? std::string() : source.substr(first + 1)};
 }
 
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {

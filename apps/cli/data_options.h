@@ -6,6 +6,8 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/application/application.h"
 
@@ -46,15 +48,24 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
 // name holds other data. Throws Error when the file is no project.
 void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet);
 
-// Puts the correlation matrix that belongs to a data sheet of the workbook into it: as "Correlation matrix"
-// where that sheet is the first data sheet, as "Correlation matrix of SHEET" otherwise, in the place of a
-// former matrix of that name. A data sheet of that name stays; the matrix then gets the next free name.
+// What the correlation matrix of a data sheet is called in the workbook, or would be: "Correlation matrix"
+// where that sheet is the first data sheet, "Correlation matrix of SHEET" otherwise, with a number behind it
+// where a data sheet bears that name.
+std::string CorrelationMatrixName(const Workbook& workbook, const std::string& dataSheet);
+
+// Puts the correlation matrix that belongs to a data sheet of the workbook into it under the name above,
+// in the place of a former matrix.
 void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
                           std::unique_ptr<Spreadsheet> matrix);
 
-// Adds a sheet to the project at `path`, which is made when there is none, and saves it. Returns the sheet's
-// name in the project: its own, or with a number behind it where that is taken.
-std::string AppendToProject(const std::filesystem::path& path, std::unique_ptr<Spreadsheet> sheet);
+// Adds sheets to the project at `path`, which is made when there is none, and saves it. Returns the sheets'
+// names in the project: their own, or with a number behind it where that is taken.
+std::vector<std::string> AppendToProject(const std::filesystem::path& path,
+                                         std::vector<std::unique_ptr<Spreadsheet>> sheets);
+
+// PROJECT.bvw or PROJECT.bvw:SHEET taken apart; the sheet is empty where none is named. Names of files and of
+// sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
+std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source);
 
 // Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);

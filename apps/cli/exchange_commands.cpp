@@ -1,6 +1,5 @@
 // brenvolt import and export: between projects and files of other formats.
 #include <cstdio>
-#include <utility>
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
@@ -46,23 +45,8 @@ void Import(const ImportOptions& options) {
   std::printf("%s imported into %s, sheet %s\n", what.c_str(), options.project.c_str(), sheet.Name().c_str());
 }
 
-// Names of files and of sheets may hold colons: the longest beginning that is a file ends at the colon that
-// counts.
-std::pair<std::filesystem::path, std::string> SplitSource(const std::string& source) {
-  std::error_code ignored;
-  if (std::filesystem::exists(source, ignored)) return {source, {}};
-  for (auto colon = source.rfind(':'); colon != std::string::npos && colon > 0;
-       colon = source.rfind(':', colon - 1)) {
-    if (std::filesystem::exists(source.substr(0, colon), ignored)) {
-      return {source.substr(0, colon), source.substr(colon + 1)};
-    }
-  }
-  const auto first = source.find(':');
-  return {source.substr(0, first), first == std::string::npos ? std::string() : source.substr(first + 1)};
-}
-
 void Export(const ExportOptions& options) {
-  const auto [path, name] = SplitSource(options.source);
+  const auto [path, name] = SplitSheetAddress(options.source);
   DataFile project = OpenProject(path);
   const Spreadsheet& sheet = project.Sheet(name);
   WriteCsvFile(sheet, options.output, options.format.Format());

@@ -6,11 +6,13 @@
 #include <optional>
 
 #include "apps/cli/commands.h"
+#include "apps/cli/correlation_report.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -25,13 +27,20 @@ struct SimulateOptions {
   std::int64_t samples = 1000;
   std::optional<std::string> seed;
   bool truncate = false;
+  std::string matrix;
   std::filesystem::path output;
   ReportFormat format = ReportFormat::kTable;
 };
 
 // Methods as the command names them, and the dialog's members.
 const std::map<std::string, std::string_view> kMethods{{"monte-carlo", "MonteCarloMethod"},
-                                                       {"latin-hypercube", "LHSMethod"}};
+                                                       {"latin-hypercube", "LHSMethod"},
+                                                       {"iman-conover", "ImanConoverMethod"},
+                                                       {"latin-hypercube-iman-conover", "LHSwithImanMethod"},
+                                                       {"norta", "NORTAMethod"}};
+bool InducesCorrelation(const std::string& method) {
+  return method == "iman-conover" || method == "latin-hypercube-iman-conover";
+}
 
 // The property that marks a variable with distributions.
 constexpr std::string_view kOrderProperty = "zOrder";
@@ -42,7 +51,39 @@ void CheckSeed(const SimulateOptions& options) {
   }
 }
 
-void Specify(Session& session, const SimulateOptions& options, const Spreadsheet& sheet) {
+// What --matrix names, in the order of trial: a matrix sheet of the project; a sheet of another project; a
+// CSV file. Of a project without a sheet's name the first data sheet's matrix counts.
+std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook& project) {
+  const Spreadsheet* own = project.Find(name);
+  const auto [path, sheetName] = SplitSheetAddress(name);
+  std::error_code ignored;
+  if (own != nullptr && (own->Kind() == SheetKind::kMatrix || !std::filesystem::exists(path, ignored)))
+    return std::make_unique<Spreadsheet>(*own);
+  if (!std::filesystem::exists(path, ignored)) {
+    throw Error("is neither a sheet of the project nor a file", "--matrix " + name);
+  }
+  if (!Workbook::IsWorkbookFile(path)) return MatrixFromTable(ReadCsv(path, {}), path.string());
+  DataFile other = OpenProject(path);
+  const std::string wanted =
+      sheetName.empty() ? CorrelationMatrixName(other.workbook, other.Sheet({}).Name()) : sheetName;
+  return std::make_unique<Spreadsheet>(other.Sheet(wanted));
+}
+
+// The design's correlation matrix: the one named, else the one saved beside the fits; null without either.
+std::unique_ptr<Spreadsheet> CorrelationMatrix(const SimulateOptions& options, const Workbook& project,
+                                               const Spreadsheet& sheet) {
+  if (!options.matrix.empty()) return NamedMatrix(options.matrix, project);
+  const Spreadsheet* saved = project.Find(CorrelationMatrixName(project, sheet.Name()));
+  return saved == nullptr ? nullptr : std::make_unique<Spreadsheet>(*saved);
+}
+
+void CheckMatrixOption(const SimulateOptions& options) {
+  if (options.matrix.empty() || InducesCorrelation(options.method)) return;
+  throw WrongCall("--matrix is for methods that induce correlation, which " + options.method + " does not");
+}
+
+void Specify(Session& session, const SimulateOptions& options, const Spreadsheet& sheet,
+             std::unique_ptr<Spreadsheet> matrix) {
   const auto dialog = session.Dialog();
   if (!options.variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, options.variables)));
   dialog->Put(kMethods.at(options.method), true);
@@ -50,6 +91,9 @@ void Specify(Session& session, const SimulateOptions& options, const Spreadsheet
   dialog->Put("IsSeedRandomNumber", options.seed.has_value());
   if (options.seed) dialog->Put("RandomSeedNumber", *options.seed);
   dialog->Put("TruncateSimulationData", options.truncate);
+  if (matrix != nullptr) {
+    dialog->Put("CorrelationMatrix", Variant::Object(std::make_shared<CAnalysisTableDoc>(std::move(matrix))));
+  }
 }
 
 // JSON names of the summary's columns, in their order; the percentiles follow.
@@ -102,14 +146,28 @@ Json SummaryJson(const Spreadsheet& summary) {
   return variables;
 }
 
-// Writes the data and answers with the line that says where.
-std::string Write(const SimulateOptions& options, CAnalysisTableDoc& document) {
-  if (HasProjectEnding(options.output)) {
-    const std::string name = AppendToProject(options.output, document.ReleaseTable());
-    return "Simulated data saved in " + options.output.string() + ", sheet " + name;
+// What a run produced; null what it did not.
+struct Products {
+  std::shared_ptr<CAnalysisTableDoc> output;
+  std::shared_ptr<CAnalysisTableDoc> repairedMatrix;
+  std::shared_ptr<CAnalysisTableDoc> summary;
+  std::shared_ptr<CAnalysisTableDoc> correlations;
+};
+
+// Writes the data and answers with the line that says where. A project also takes a repaired matrix.
+std::string Write(const SimulateOptions& options, const Products& products) {
+  if (options.output.empty()) return {};
+  if (!HasProjectEnding(options.output)) {
+    WriteCsvFile(products.output->Table(), options.output, {});
+    return "Simulated data written to " + options.output.string();
   }
-  WriteCsvFile(document.Table(), options.output, {});
-  return "Simulated data written to " + options.output.string();
+  std::vector<std::unique_ptr<Spreadsheet>> sheets;
+  sheets.push_back(std::make_unique<Spreadsheet>(products.output->Table()));
+  if (products.repairedMatrix != nullptr) sheets.push_back(products.repairedMatrix->ReleaseTable());
+  const auto names = AppendToProject(options.output, std::move(sheets));
+  std::string line = "Simulated data saved in " + options.output.string() + ", sheet " + names.front();
+  if (names.size() > 1) line += "; the repaired matrix in sheet " + names.back();
+  return line;
 }
 
 // The sheet named, or the first data sheet whose variables carry distributions: simulated data stand beside
@@ -133,38 +191,74 @@ void CheckOutputEnding(const std::filesystem::path& output) {
   throw WrongCall("-o wants a file ending in .csv or .bvw, not " + output.string());
 }
 
-void Report(const SimulateOptions& options, const std::string& method, const Spreadsheet& summary,
-            const std::string& written) {
+Json ReportJson(const SimulateOptions& options, const Products& products) {
+  const Spreadsheet& output = products.output->Table();
+  Json report = {{"method", output.Title()},
+                 {"samples", options.samples},
+                 {"variables", SummaryJson(products.summary->Table())}};
+  if (products.correlations != nullptr)
+    report["correlations"] = CorrelationsJson(products.correlations->Table(), output);
+  if (products.repairedMatrix != nullptr && products.repairedMatrix->HasTable())
+    report["repairedMatrix"] = MatrixJson(products.repairedMatrix->Table());
+  return report;
+}
+
+void Report(const SimulateOptions& options, const Products& products, const std::string& written) {
   if (options.format == ReportFormat::kJson) {
-    const Json report = {
-        {"method", method}, {"samples", options.samples}, {"variables", SummaryJson(summary)}};
+    std::fputs(JsonText(ReportJson(options, products)).c_str(), stdout);
+    return;
+  }
+  std::printf("%s, %lld samples\n%s", products.output->Table().Title().c_str(),
+              static_cast<long long>(options.samples), SummaryText(products.summary->Table()).c_str());
+  if (products.correlations != nullptr)
+    std::printf("\n%s", CorrelationsText(products.correlations->Table()).c_str());
+  if (!written.empty()) std::printf("\n%s\n", written.c_str());
+}
+
+void ReportNothing(const SimulateOptions& options) {
+  constexpr const char* kTitle = "Normal to anything method";
+  if (options.format == ReportFormat::kJson) {
+    const Json report = {{"method", kTitle}, {"samples", options.samples}, {"variables", Json::array()}};
     std::fputs(JsonText(report).c_str(), stdout);
     return;
   }
-  std::printf("%s, %lld samples\n%s", method.c_str(), static_cast<long long>(options.samples),
-              SummaryText(summary).c_str());
-  if (!written.empty()) std::printf("\n%s\n", written.c_str());
+  std::printf("%s: nothing was produced; this method has no generator.\n", kTitle);
+}
+
+// Drives the run and its results. A run shows its output, then a repaired matrix; the results show the
+// summary, then correlations.
+Products Run(const SimulateOptions& options, DataFile& data) {
+  Spreadsheet& sheet = InputSheet(options, data);
+  auto matrix =
+      InducesCorrelation(options.method) ? CorrelationMatrix(options, data.workbook, sheet) : nullptr;
+  Session session(sheet, Task::kSimulate);
+  Specify(session, options, sheet, std::move(matrix));
+  session.Ok();
+  Products products;
+  auto& documents = session.Documents();
+  if (documents.empty()) return products;
+  products.output = documents.front();
+  if (documents.size() > 1) products.repairedMatrix = documents.back();
+  const std::size_t produced = documents.size();
+  session.Ok();
+  products.summary = documents[produced];
+  if (documents.size() > produced + 1) products.correlations = documents.back();
+  return products;
 }
 
 // The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateOptions& options) {
   CheckOutputEnding(options.output);
   CheckSeed(options);
+  CheckMatrixOption(options);
   DataFile data = OpenProject(options.project);
-  Spreadsheet& sheet = InputSheet(options, data);
-  std::shared_ptr<CAnalysisTableDoc> output;
-  std::shared_ptr<CAnalysisTableDoc> summary;
-  {
-    Session session(sheet, Task::kSimulate);
-    Specify(session, options, sheet);
-    session.Ok();
-    output = session.Documents().back();
-    session.Ok();
-    summary = session.Documents().back();
+  const Products products = Run(options, data);
+  if (products.output == nullptr) {
+    ReportNothing(options);
+    return;
   }
-  const std::string method = output->Table().Title();
-  const std::string written = options.output.empty() ? std::string() : Write(options, *output);
-  Report(options, method, summary->Table(), written);
+  const std::string written = Write(options, products);
+  Report(options, products, written);
 }
 
 }  // namespace
@@ -188,7 +282,12 @@ void AddSimulateCommand(CLI::App& program) {
       ->type_name("V,V");
   command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
       ->check(CLI::IsMember(kMethods).description(""))
-      ->type_name("monte-carlo|latin-hypercube");
+      ->type_name("monte-carlo|latin-hypercube|iman-conover|latin-hypercube-iman-conover|norta");
+  command
+      ->add_option("--matrix", options->matrix,
+                   "Correlation matrix for the iman-conover methods: a sheet of the project, a CSV file, or "
+                   "PROJECT.bvw[:SHEET]; default: the one saved with the fits")
+      ->type_name("SHEET|FILE");
   command->add_option("--samples", options->samples, "Number of samples (default 1000)")->type_name("N");
   command->add_option("--seed", options->seed, "Seed, 0 or more: the same seed gives the same samples")
       ->type_name("S");
@@ -199,7 +298,9 @@ void AddSimulateCommand(CLI::App& program) {
                    "Where the data go, by ending: .csv, or .bvw for a project")
       ->type_name("OUT");
   AddFormatOption(*command, options->format);
-  command->footer("Example:\n  brenvolt simulate beef.bvw --samples 10000 --seed 7 -o simulated.csv");
+  command->footer(
+      "Example:\n  brenvolt simulate geyser.bvw --method iman-conover --samples 10000 --seed 7 -o "
+      "simulated.csv");
   command->callback([options] { Simulate(*options); });
 }
 

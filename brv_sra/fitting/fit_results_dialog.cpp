@@ -10,6 +10,7 @@
 #include "brv_sra/fitting/fit_correlation.h"
 #include "brv_sra/fitting/fit_documents.h"
 #include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -336,7 +337,14 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
     const bool before = HasStoredOrder(store, number) && std::ranges::find(saved, number) == saved.end();
     if (before) saved.push_back(number);
   }
-  return ShowCorrelations(saved);
+  auto correlations = ShowCorrelations(saved);
+  // A simulation of the same input goes on with them.
+  if (correlations->HasTable()) {
+    MatrixReading reading =
+        ReadMatrixFile(correlations->Table(), {.useCaseSelection = false, .isCancelled = {}});
+    SimulationAndRisk().Matrix().saved = std::move(reading.file);
+  }
+  return correlations;
 }
 
 }  // namespace brenvolt::sra

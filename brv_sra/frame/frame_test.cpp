@@ -199,6 +199,21 @@ TEST_F(Frame, SavedFitsFeedTheSimulation) {
   EXPECT_EQ(userInterface.documents.back()->Table().CaseCount(), 2U) << "a summary of two variables";
 }
 
+TEST_F(Frame, SavedFitsGiveTheSimulationTheirCorrelations) {
+  FitFirstTwo();
+  const auto saved = Dialog()->Get("SaveDistributionFit").ToObject();
+  const auto& matrix = dynamic_cast<CAnalysisTableDoc&>(*saved).Table();
+  Dialog()->Call("Cancel");
+  Dialog()->Call("Cancel");
+  Dialog()->Put("TypeOfAnalysis", 1);
+  Ok();
+  Dialog()->Put("LHSwithImanMethod", true);
+  ASSERT_EQ(Ok(), 1) << LastMessage();
+  ASSERT_EQ(Ok(), 1) << LastMessage();
+  const auto& reached = userInterface.documents.back()->Table();
+  EXPECT_EQ(reached.VariableAt(0).Values()[0], matrix.VariableAt(1).Values()[0]);
+}
+
 struct SimulationChecks : Frame {
   void SetUp() override {
     sheet.VariableAt(0).SetProperty("Normal", "(Location=0.0; Scale=1.0)");

@@ -86,6 +86,7 @@ bool CSimulationAndRisk::OpenData() {
   }
   *fit_ = {};
   *simulation_ = {};
+  matrix_->saved.reset();
   InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
   return true;
 }

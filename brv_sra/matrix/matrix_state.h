@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,8 +15,9 @@ struct MatrixState {
   std::int32_t numberOfVariables = 0;  // of the input as last read
   // Names of the design's variables: read from the input, or chosen for a new matrix file.
   std::vector<std::string> variables;
-  bool attached = false;   // a valid matrix file is the analysis input
-  bool symmetric = false;  // and its matrix is symmetric
+  std::optional<MatrixFile> saved;  // the one last saved beside fits of the input
+  bool attached = false;            // a valid matrix file is the analysis input
+  bool symmetric = false;           // and its matrix is symmetric
 };
 
 }  // namespace brenvolt::sra

@@ -174,10 +174,15 @@ const DialogTemplate& SimulationTemplate() {
            {{kNumberOfSamples, kIntegerField, Text(kSimulationSamples)}},
            {{kSeedSwitch, kCheckBox, Text(kSimulationSeedSwitch)},
             {kSeed, kIntegerField, Text(kSimulationSeed)}},
-           {{kTruncate, kCheckBox, Text(kSimulationTruncate)}}}},
+           {{kTruncate, kCheckBox, Text(kSimulationTruncate)}},
+           {{kAutoUpdate, kCheckBox, Text(kSimulationAutoUpdate)},
+            {kSimulate, kButton, Text(kProfilerButtonSimulate)}}}},
          {Text(kSimulationMethodGroup),
           {{{kMonteCarlo, kRadioButton, Text(kMethodMonteCarlo)}},
-           {{kLatinHypercube, kRadioButton, Text(kMethodLatinHypercube)}}}}}}}};
+           {{kLatinHypercube, kRadioButton, Text(kMethodLatinHypercube)}},
+           {{kImanConover, kRadioButton, Text(kMethodImanConover)}},
+           {{kLatinHypercubeImanConover, kRadioButton, Text(kMethodLatinHypercubeImanConover)}},
+           {{kNormalToAnything, kRadioButton, Text(kMethodNormalToAnything)}}}}}}}};
   return result;
 }
 

@@ -124,10 +124,15 @@ inline constexpr std::int32_t kVariables = 1120;
 inline constexpr std::int32_t kVariableList = 1121;
 inline constexpr std::int32_t kMonteCarlo = 1122;
 inline constexpr std::int32_t kLatinHypercube = 1123;
+inline constexpr std::int32_t kImanConover = 1124;
+inline constexpr std::int32_t kLatinHypercubeImanConover = 1125;
+inline constexpr std::int32_t kNormalToAnything = 1126;
 inline constexpr std::int32_t kNumberOfSamples = 1127;
 inline constexpr std::int32_t kSeedSwitch = 1128;
 inline constexpr std::int32_t kSeed = 1129;
 inline constexpr std::int32_t kTruncate = 1130;
+inline constexpr std::int32_t kAutoUpdate = 1131;
+inline constexpr std::int32_t kSimulate = 1132;
 }  // namespace simulation_dialog
 
 }  // namespace brenvolt::sra

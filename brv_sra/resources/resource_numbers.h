@@ -425,8 +425,19 @@ inline constexpr std::int32_t kSimulationSeed = 20723;
 inline constexpr std::int32_t kSimulationTruncate = 20724;
 inline constexpr std::int32_t kSimulationMethodGroup = 20725;
 inline constexpr std::int32_t kMsgNoDistributionsInInput = 20726;
+inline constexpr std::int32_t kMsgSimulationNoMatrix = 20727;
+inline constexpr std::int32_t kMsgMatrixLacksVariables = 20728;
+inline constexpr std::int32_t kMsgMatrixRepaired = 20729;
 inline constexpr std::int32_t kSimulationResultsTitle = 20730;
 inline constexpr std::int32_t kSimulationSummary = 20731;
+inline constexpr std::int32_t kSimulationCorrelations = 20732;
+inline constexpr std::int32_t kColumnCorrelationAsked = 20733;
+inline constexpr std::int32_t kColumnCorrelationUsed = 20734;
+inline constexpr std::int32_t kColumnPearson = 20735;
+inline constexpr std::int32_t kColumnSpearman = 20736;
+inline constexpr std::int32_t kMsgTooFewSamplesForCorrelation = 20737;
+inline constexpr std::int32_t kSimulationAutoUpdate = 20738;
+inline constexpr std::int32_t kRepairedMatrixTitle = 20739;
 
 // Columns of result tables, and the kinds of variables named in them.
 inline constexpr std::int32_t kColumnKind = 20740;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,10 @@ enum class SimulationMethod : std::int32_t {
   kLatinHypercubeImanConover = 3,
   kNormalToAnything = 4
 };
+
+inline bool InducesCorrelation(SimulationMethod method) {
+  return method == SimulationMethod::kImanConover || method == SimulationMethod::kLatinHypercubeImanConover;
+}
 
 // Where the distributions of a design come from.
 enum class ParameterSource : std::int32_t {
@@ -36,6 +41,7 @@ struct SimulationVariable {
   int variableNumber = 0;  // in the input spreadsheet, from 1
   std::string name;
   DistributionSpecification specification;
+  std::map<double, std::string> labels;  // texts of the levels of a user-defined discrete distribution
 };
 
 struct SimulationDesign {
@@ -45,6 +51,8 @@ struct SimulationDesign {
   SimulationMethod method = SimulationMethod::kMonteCarlo;
   ParameterSource source = ParameterSource::kUserSpecified;
   bool truncate = false;  // keep to the range between the probabilities 0.005 and 0.995
+  // k x k, row-major, over all variables, NaN where missing; for the methods that induce correlation only.
+  std::vector<double> correlations;
 
   bool IsExcluded(std::size_t variable) const {
     return std::ranges::find(excluded, static_cast<std::int32_t>(variable)) != excluded.end();

@@ -1,9 +1,12 @@
 #include "brv_sra/simulation/simulation_dialog.h"
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/simulation/simulation_run.h"
@@ -23,8 +26,12 @@ struct MethodButton {
   std::int32_t control;
   SimulationMethod method;
 };
-constexpr std::array<MethodButton, 2> kMethodButtons{
-    {{kMonteCarlo, SimulationMethod::kMonteCarlo}, {kLatinHypercube, SimulationMethod::kLatinHypercube}}};
+constexpr std::array<MethodButton, 5> kMethodButtons{
+    {{kMonteCarlo, SimulationMethod::kMonteCarlo},
+     {kLatinHypercube, SimulationMethod::kLatinHypercube},
+     {kImanConover, SimulationMethod::kImanConover},
+     {kLatinHypercubeImanConover, SimulationMethod::kLatinHypercubeImanConover},
+     {kNormalToAnything, SimulationMethod::kNormalToAnything}}};
 
 Variant GetVariables(Dialog& dialog, Indexes) {
   return dialog.Controls().Text(kVariableList);
@@ -34,16 +41,67 @@ void PutVariables(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SelectVariables(VariableNumbers(value, dialog.GetInputTable()->VariableCount()));
 }
 
-constexpr std::array<Member, 7> kMembers{{
+Variant GetSimulationResults(Dialog& dialog, Indexes) {
+  return std::shared_ptr<AutomationObject>(dialog.SimulationResults());
+}
+
+Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
+  const auto& matrix = dialog.SimulationAndRisk().Simulation().matrix;
+  if (!matrix) return {};
+  return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(*matrix)));
+}
+// Takes a spreadsheet; nothing takes the matrix away.
+void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
+  if (value.IsEmpty()) {
+    dialog.SimulationAndRisk().Simulation().matrix.reset();
+    return;
+  }
+  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
+  if (document == nullptr || !document->HasTable()) throw Error("no spreadsheet");
+  dialog.SetCorrelationMatrix(document->Table());
+}
+
+// CorrelationMatrix has no control; it stands behind the last member of the interface.
+constexpr std::array<Member, 13> kMembers{{
     {"Variables", 0x60030000, 0, GetVariables, PutVariables},
     {"MonteCarloMethod", 0x60030002, 0, GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
     {"LHSMethod", 0x60030004, 0, GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
+    {"ImanConoverMethod", 0x60030006, 0, GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
+    {"LHSwithImanMethod", 0x60030008, 0, GetChecked<Dialog, kLatinHypercubeImanConover>,
+     PutChosen<Dialog, kLatinHypercubeImanConover>},
+    {"NORTAMethod", 0x6003000a, 0, GetChecked<Dialog, kNormalToAnything>,
+     PutChosen<Dialog, kNormalToAnything>},
     {"NumberOfSamples", 0x6003000c, 0, GetNumber<Dialog, kNumberOfSamples>,
      PutText<Dialog, kNumberOfSamples>},
     {"IsSeedRandomNumber", 0x6003000e, 0, GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
     {"RandomSeedNumber", 0x60030010, 0, GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
     {"TruncateSimulationData", 0x60030012, 0, GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
+    {"IsAutoUpdateSameSheet", 0x60030014, 0, GetChecked<Dialog, kAutoUpdate>,
+     PutChecked<Dialog, kAutoUpdate>},
+    {"SimulationResults", 0x60030016, 0, GetSimulationResults, nullptr},
+    {"CorrelationMatrix", 0x60030017, 0, GetCorrelationMatrix, PutCorrelationMatrix},
 }};
+
+// "a, b, c"
+std::string Listed(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+std::string Readable(double x) {
+  return FormatNumber("%.4g", x);
+}
+
+// Means, standard deviations and number of cases for the variables of `file`, all of which `given` has.
+void TakeSummaries(const MatrixFile& given, MatrixFile& file) {
+  for (std::size_t i = 0; i < file.variables.size(); ++i) {
+    const auto place = std::ranges::find(given.variables, file.variables[i]) - given.variables.begin();
+    file.means[i] = given.means[static_cast<std::size_t>(place)];
+    file.standardDeviations[i] = given.standardDeviations[static_cast<std::size_t>(place)];
+  }
+  file.validCases = given.validCases;
+}
 
 }  // namespace
 
@@ -65,6 +123,7 @@ void CSimulationFromDistribution::OnInitDialog() {
   Controls().SetChecked(kSeedSwitch, options.seeded);
   Controls().SetText(kSeed, ShortestNumber(options.seed));
   Controls().SetChecked(kTruncate, options.truncate);
+  Controls().SetChecked(kAutoUpdate, options.autoUpdate);
   for (const MethodButton& button : kMethodButtons) {
     if (button.method == options.method) Controls().SetChecked(button.control, true);
   }
@@ -79,16 +138,19 @@ void CSimulationFromDistribution::ShowVariables() {
 
 bool CSimulationFromDistribution::OnCommand(std::int32_t number) {
   if (number == kVariables) return AskForVariables();
+  if (number == kSimulate) return ValidateAndRun() != Outcome::kFailed;
   return CSimulationAndRiskModelessDialog::OnCommand(number);
 }
 
 void CSimulationFromDistribution::OnControlChanged(std::int32_t number) {
   SimulationOptions& options = Options();
   for (const MethodButton& button : kMethodButtons) {
-    if (button.control == number) options.method = button.method;
+    if (button.control == number && options.method != button.method)
+      options.previousMethod = std::exchange(options.method, button.method);
   }
   if (number == kSeedSwitch) options.seeded = Controls().IsChecked(kSeedSwitch);
   if (number == kTruncate) options.truncate = Controls().IsChecked(kTruncate);
+  if (number == kAutoUpdate) options.autoUpdate = Controls().IsChecked(kAutoUpdate);
 }
 
 bool CSimulationFromDistribution::AskForVariables() {
@@ -117,17 +179,40 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
   ShowVariables();
 }
 
+void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
+  MatrixReading reading = ReadMatrixFile(sheet);
+  if (!reading.IsValid()) {
+    const std::string why = reading.Message() != 0 ? szLoadResString(reading.Message()) : "is no matrix file";
+    throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
+  }
+  SimulationAndRisk().Simulation().matrix = std::move(reading.file);
+}
+
+// The method that produces nothing succeeds and leaves the dialog open.
 bool CSimulationFromDistribution::OnOk() {
+  const Outcome outcome = ValidateAndRun();
+  if (outcome == Outcome::kProduced) GoToStep(step::kSimulationResults);
+  return outcome != Outcome::kFailed;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationResults() {
+  const Outcome outcome = ValidateAndRun();
+  if (outcome == Outcome::kFailed) throw Error("nothing was simulated");
+  return outcome == Outcome::kProduced ? SimulationAndRisk().Simulation().output : nullptr;
+}
+
+CSimulationFromDistribution::Outcome CSimulationFromDistribution::ValidateAndRun() {
+  return Validate() ? Run() : Outcome::kFailed;
+}
+
+// Every check runs, also after one that failed.
+bool CSimulationFromDistribution::Validate() {
   const bool samplesValid = ValidateNumberOfSamples();
   const bool seedValid = ValidateSeed();
   if (!samplesValid || !seedValid) return false;
-  if (Options().variables.empty()) {
-    ShowMessage(kMsgNoDistributionsInInput);
-    return false;
-  }
-  if (!Run()) return false;
-  if (SimulationAndRisk().Simulation().output != nullptr) GoToStep(step::kSimulationResults);
-  return true;
+  if (!Options().variables.empty()) return true;
+  ShowMessage(kMsgNoDistributionsInInput);
+  return false;
 }
 
 bool CSimulationFromDistribution::ValidateNumberOfSamples() {
@@ -160,36 +245,94 @@ bool CSimulationFromDistribution::ValidateSeed() {
   return false;
 }
 
-bool CSimulationFromDistribution::Run() {
-  SimulationState& state = SimulationAndRisk().Simulation();
-  SimulationRun run;
-  try {
-    const SimulationDesign design = ReadDesign(*GetInputTable(), state.options);
-    run = RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface());
-  } catch (const Error& error) {
-    Analysis().ShowMessage(error.what(), error.Where());
-    return false;
-  } catch (const UserCancelled&) {
+const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() const {
+  const SimulationState& state = SimulationAndRisk().Simulation();
+  if (state.matrix) return &*state.matrix;
+  const MatrixState& input = SimulationAndRisk().Matrix();
+  if (input.attached) return &input.file;
+  return input.saved ? &*input.saved : nullptr;
+}
+
+bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) const {
+  const MatrixFile* file = CorrelationMatrix();
+  if (file == nullptr) {
+    // One variable has nothing to be correlated with.
+    if (design.ActiveVariables().size() <= 1) return true;
+    ShowMessage(kMsgSimulationNoMatrix);
     return false;
   }
-  if (!Report(run)) return false;
-  if (run.output == nullptr) return true;
-  state.output = std::make_shared<CAnalysisTableDoc>(std::move(run.output));
-  // Simulated data open as a spreadsheet of their own, whatever the option says.
-  CAnalysisDoc& document = *Analysis().Document();
-  const bool toWorkbook = document.ResultsToWorkbook();
-  document.SetResultsToWorkbook(false);
-  Analysis().Interface().ShowDocument(state.output);
-  document.SetResultsToWorkbook(toWorkbook);
+  DesignCorrelations correlations = CorrelationsByName(design, *file);
+  if (!correlations.missing.empty()) {
+    Analysis().ShowMessage(szLoadResString(kMsgMatrixLacksVariables) + " " + Listed(correlations.missing));
+    return false;
+  }
+  design.correlations = std::move(correlations.matrix);
   return true;
 }
 
+CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
+  SimulationRun run;
+  SimulationDesign design;
+  try {
+    design = ReadDesign(*GetInputTable(), state.options);
+    if (InducesCorrelation(design.method) && !AttachCorrelations(design)) return Outcome::kFailed;
+    run = RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+    return Outcome::kFailed;
+  } catch (const UserCancelled&) {
+    return Outcome::kFailed;
+  }
+  if (!Report(run)) return Outcome::kFailed;
+  if (run.output == nullptr) return Outcome::kNothing;
+  ShowOutput(std::move(run.output));
+  state.correlations = std::move(run.correlations);
+  if (!state.correlations) return Outcome::kProduced;
+  if (!state.correlations->scoreCorrection) ShowMessage(kMsgTooFewSamplesForCorrelation);
+  if (state.correlations->repair) ShowRepair(*state.correlations);
+  return Outcome::kProduced;
+}
+
 bool CSimulationFromDistribution::Report(const SimulationRun& run) const {
+  const auto message = [](SimulationStatus status) {
+    if (status == SimulationStatus::kMemoryFailure) return kMsgInsufficientMemory;
+    return status == SimulationStatus::kMatrixFailure ? kMsgSimulationFailedMatrix
+                                                      : kMsgSimulationFailedDistributions;
+  };
   if (run.status == SimulationStatus::kSuccess) return true;
-  const bool memory = run.status == SimulationStatus::kMemoryFailure;
-  Analysis().ShowMessage(szLoadResString(memory ? kMsgInsufficientMemory : kMsgSimulationFailedDistributions),
-                         run.where);
+  Analysis().ShowMessage(szLoadResString(message(run.status)), run.where);
   return false;
+}
+
+// Simulated data open as a spreadsheet of their own, whatever the option says. A sheet that is refilled keeps
+// its name and its place: whoever shows it has it already.
+void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output) {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {
+    output->SetName(state.output->Table().Name());
+    state.output->Table() = std::move(*output);
+    return;
+  }
+  state.output = std::make_shared<CAnalysisTableDoc>(std::move(output));
+  const ResultsToWorkbookOff off(*Analysis().Document());
+  Analysis().Interface().ShowDocument(state.output);
+}
+
+void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correlations) {
+  const Spreadsheet& output = SimulationAndRisk().Simulation().output->Table();
+  const CorrelationRepair& repair = *correlations.repair;
+  MatrixFile file = MatrixFile::Identity(VariableNames(output));
+  file.SetCorrelations(repair.matrix);
+  TakeSummaries(*CorrelationMatrix(), file);
+  Analysis().ShowMessage(szLoadResString(kMsgMatrixRepaired),
+                         "smallest eigenvalue " + Readable(repair.smallestEigenvalue) + ", largest change " +
+                             file.variables[repair.column] + " with " + file.variables[repair.row] +
+                             " from " + Readable(repair.from) + " to " + Readable(repair.to),
+                         MessageIcon::kInformation);
+  Analysis().Interface().ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle))));
 }
 
 }  // namespace brenvolt::sra

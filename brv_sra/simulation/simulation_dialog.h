@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
@@ -17,6 +18,11 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
 
   // The variables to simulate, numbered from 1. Throws Error for one without distribution properties.
   void SelectVariables(const std::vector<std::int16_t>& variables);
+  // The correlation matrix of the design, read from a matrix sheet. Throws Error for a sheet that is none.
+  void SetCorrelationMatrix(const Spreadsheet& sheet);
+  // Validates, runs, shows the new spreadsheet and returns it; the dialog stays. Null for the method that
+  // produces nothing. Throws Error when a check or the run fails, which has then said why.
+  std::shared_ptr<CAnalysisTableDoc> SimulationResults();
 
  protected:
   void OnInitDialog() override;
@@ -29,10 +35,22 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   SimulationOptions& Options() { return SimulationAndRisk().Simulation().options; }
   bool AskForVariables();
   void ShowVariables();
+  enum class Outcome : std::uint8_t { kFailed, kNothing, kProduced };
+
+  bool Validate();
   bool ValidateNumberOfSamples();
   bool ValidateSeed();
-  bool Run();
+  Outcome ValidateAndRun();
+  // The matrix given, else that which the input is, else that saved with fits of the input; null without.
+  const MatrixFile* CorrelationMatrix() const;
+  // Gives the design its correlations by name; a message, and false, where they are not to be had.
+  bool AttachCorrelations(SimulationDesign& design) const;
+  Outcome Run();
   bool Report(const SimulationRun& run) const;
+  // Into the last output where that is to be updated, else as a new spreadsheet.
+  void ShowOutput(std::unique_ptr<Spreadsheet> output);
+  // The message about a repaired matrix, and the matrix as a document.
+  void ShowRepair(const SimulatedCorrelations& correlations);
 };
 
 }  // namespace brenvolt::sra

@@ -13,10 +13,16 @@ CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
 }
 
 bool CSimulationResults::OnOk() {
-  const auto& output = SimulationAndRisk().Simulation().output;
-  if (output == nullptr) return false;
+  const SimulationState& state = SimulationAndRisk().Simulation();
+  const auto& output = state.output;
+  if (output == nullptr || !output->HasTable()) return false;
   Analysis().Interface().ShowDocument(
       std::make_shared<CAnalysisTableDoc>(SimulationSummary(output->Table())));
+  const bool pairs = state.correlations && output->Table().VariableCount() > 1;
+  if (pairs) {
+    Analysis().Interface().ShowDocument(
+        std::make_shared<CAnalysisTableDoc>(CorrelationSummary(output->Table(), *state.correlations)));
+  }
   return true;
 }
 

@@ -1,4 +1,5 @@
-// The simulation results: OK shows the summary of the simulated variables. Sequence step 105.
+// The simulation results: OK shows the summary of the simulated variables and, where correlation
+// was induced, what was asked for and what was reached. Sequence step 105.
 #pragma once
 
 #include "brv_sra/frame/dialog_base.h"

@@ -2,13 +2,17 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <map>
 #include <new>
+#include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/correlation_induction.h"
 #include "brv_sra/simulation/sample_generation.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
@@ -38,18 +42,60 @@ std::string FaultyVariable(const SimulationDesign& design) {
   return {};
 }
 
-using Generate = bool (*)(const SimulationDesign&, std::span<double>, CKroProgressBar&);
+// Which correlation that takes part is missing; empty where all are there.
+std::string FaultyCorrelation(const SimulationDesign& design, std::span<const double> target) {
+  const std::vector<std::size_t> active = design.ActiveVariables();
+  for (std::size_t i = 0; i < active.size(); ++i) {
+    for (std::size_t j = 0; j < i; ++j) {
+      if (std::isfinite(target[i * active.size() + j])) continue;
+      return "the correlation of " + design.variables[active[j]].name + " and " +
+             design.variables[active[i]].name + " is missing";
+    }
+  }
+  return {};
+}
+
+// Fills the sample matrix; on failure `where` names what is at fault.
+using Generate = void (*)(const SimulationDesign&, std::span<double>, ProgressPort&, SimulationRun&);
+
+template <bool (*Generator)(const SimulationDesign&, std::span<double>, CKroProgressBar&)>
+void GenerateIndependent(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port,
+                         SimulationRun& run) {
+  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
+                                                         static_cast<std::int64_t>(matrix.size() + 1));
+  if (!Generator(design, matrix, *progress)) run.status = SimulationStatus::kDistributionFailure;
+}
+
+void GenerateCorrelated(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port,
+                        SimulationRun& run) {
+  SimulatedCorrelations correlations;
+  correlations.asked = ActiveCorrelations(design);
+  // Also for a single sample, which is generated without a look at the matrix.
+  run.where = FaultyCorrelation(design, correlations.asked);
+  if (!run.where.empty()) {
+    run.status = SimulationStatus::kMatrixFailure;
+    return;
+  }
+  CorrelationInduction induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+  run.status = induction.status;
+  correlations.scoreCorrection = induction.scoreCorrection;
+  correlations.repair = std::move(induction.repair);
+  run.correlations = std::move(correlations);
+}
 
 struct Method {
   SimulationMethod method;
   std::int32_t title;
   Generate generate;
 };
-constexpr std::array<Method, 2> kMethods{{
-    {SimulationMethod::kMonteCarlo, kMethodMonteCarlo, GenerateMonteCarlo},
-    {SimulationMethod::kLatinHypercube, kMethodLatinHypercube, GenerateLatinHypercube},
+constexpr std::array<Method, 4> kMethods{{
+    {SimulationMethod::kMonteCarlo, kMethodMonteCarlo, GenerateIndependent<GenerateMonteCarlo>},
+    {SimulationMethod::kLatinHypercube, kMethodLatinHypercube, GenerateIndependent<GenerateLatinHypercube>},
+    {SimulationMethod::kImanConover, kMethodImanConover, GenerateCorrelated},
+    {SimulationMethod::kLatinHypercubeImanConover, kMethodLatinHypercubeImanConover, GenerateCorrelated},
 }};
 
+// Null for the method that produces nothing.
 const Method* FindMethod(SimulationMethod method) {
   for (const Method& candidate : kMethods) {
     if (candidate.method == method) return &candidate;
@@ -57,16 +103,29 @@ const Method* FindMethod(SimulationMethod method) {
   return nullptr;
 }
 
+// The texts that the input shows for the levels of a user-defined discrete distribution.
+std::map<double, std::string> LevelLabels(const Variable& input, const DistributionSpecification& levels) {
+  std::map<double, std::string> labels;
+  if (levels.code != DistributionCode::kHistogram) return labels;
+  // Levels and their proportions in turn.
+  for (std::size_t i = 0; i < levels.values.size(); i += 2) {
+    if (const auto text = input.Label(levels.values[i])) labels.emplace(levels.values[i], *text);
+  }
+  return labels;
+}
+
 std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::span<const double> matrix,
-                                         std::int32_t title, ProgressPort& port) {
+                                         std::int32_t title, ProgressPort& port, bool updating) {
   const auto samples = static_cast<std::size_t>(design.numberOfSamples);
   const std::size_t variables = design.variables.size();
   const std::string name(ResourceString(title).substr(0, kTitleLength));
   auto sheet = std::make_unique<Spreadsheet>(name, samples);
   sheet->SetTitle(name);
   sheet->SetHeader(std::string(ResourceString(kHeadingSample).substr(0, kHeaderLength)));
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressPreparingResults),
+  const std::int32_t caption = updating ? kProgressAutoUpdating : kProgressPreparingResults;
+  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(caption),
                                                          static_cast<std::int64_t>(samples * variables + 1));
+  progress->ShowNow();
   for (std::size_t j = 0; j < variables; ++j) {
     if (design.IsExcluded(j)) continue;
     Variable column(design.variables[j].name, samples);
@@ -75,6 +134,7 @@ std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::sp
       if (i % kProgressStride == kProgressStride - 1) progress->Step(kProgressStride);
       cells[i] = matrix[i * variables + j];
     }
+    for (const auto& [level, text] : design.variables[j].labels) column.SetLabel(level, text);
     sheet->AddVariable(std::move(column));
   }
   sheet->NumberCases();
@@ -103,8 +163,10 @@ SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options
   for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
     if (variable.ranked.empty())
       throw CDispatchException(std::string(ResourceString(kMsgInvalidOrderProperty)));
-    design.variables.push_back(
-        {variable.variableNumber, store.VariableName(variable.variableNumber), variable.ranked.front()});
+    const DistributionSpecification& best = variable.ranked.front();
+    const Variable& input = sheet.VariableAt(static_cast<std::size_t>(variable.variableNumber - 1));
+    design.variables.push_back({variable.variableNumber, store.VariableName(variable.variableNumber), best,
+                                LevelLabels(input, best)});
   }
   const auto isContinuous = [](const SimulationVariable& variable) {
     return IsContinuous(variable.specification.code);
@@ -118,7 +180,8 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples) {
   return variables == 0 || samples <= kCells / static_cast<std::int64_t>(variables);
 }
 
-SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port) {
+SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port,
+                            bool updating) {
   SimulationRun run;
   const Method* method = FindMethod(design.method);
   if (method == nullptr) return run;
@@ -131,12 +194,10 @@ SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double 
   try {
     AnalysisArray<double> matrix(samples * variables);
     SeedRandomStream(seeded, seed);
-    const auto progress = CKroProgressBar::new_ProgressBar(
-        port, ResourceString(kProgressComputing), static_cast<std::int64_t>(samples * variables + 1));
-    if (method->generate(design, matrix.Span(), *progress)) {
-      run.output = BuildOutput(design, matrix.Span(), method->title, port);
-    } else {
-      run.status = SimulationStatus::kDistributionFailure;
+    method->generate(design, matrix.Span(), port, run);
+    if (run.status == SimulationStatus::kSuccess) {
+      run.output = BuildOutput(design, matrix.Span(), method->title, port, updating);
+    } else if (run.status == SimulationStatus::kDistributionFailure) {
       run.where = FaultyVariable(design);
     }
   } catch (const std::bad_alloc&) {

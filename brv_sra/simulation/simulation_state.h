@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "brv_sra/matrix/matrix_file.h"
+#include "brv_sra/simulation/design_correlations.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/analysis/analysis_table_doc.h"
 
@@ -17,11 +20,16 @@ struct SimulationOptions {
   double seed = kNotSet;
   bool truncate = false;
   SimulationMethod method = SimulationMethod::kMonteCarlo;
+  SimulationMethod previousMethod = SimulationMethod::kMonteCarlo;  // the one chosen before
+  bool autoUpdate = false;  // the next output takes the place of the last one
 };
 
 struct SimulationState {
   SimulationOptions options;
+  // The design's correlation matrix, where one was given.
+  std::optional<MatrixFile> matrix;
   std::shared_ptr<CAnalysisTableDoc> output;
+  std::optional<SimulatedCorrelations> correlations;  // of the output's run, where it induced any
 };
 
 }  // namespace brenvolt::sra

@@ -14,6 +14,8 @@ class CAnalysisTableDoc : public AutomationObject {
 
   Spreadsheet& Table() { return *table_; }
   const Spreadsheet& Table() const { return *table_; }
+  // False once the spreadsheet was handed out.
+  bool HasTable() const { return table_ != nullptr; }
   // Hands the spreadsheet out, for instance into a project; the document is empty afterwards.
   std::unique_ptr<Spreadsheet> ReleaseTable() { return std::move(table_); }
   // Puts other content into the document in the place of the present one.
