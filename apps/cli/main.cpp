@@ -7,6 +7,7 @@
 #include "apps/cli/session.h"
 #include "host/base/error.h"
 #include "host/base/interruption.h"
+#include "host/base/memory_policy.h"
 
 namespace {
 
@@ -59,6 +60,7 @@ int Run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  brenvolt::ReturnLargeBlocksAtOnce();
   try {
     const int status = Run(argc, argv);
     if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");
