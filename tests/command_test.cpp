@@ -175,7 +175,8 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
   const std::vector<std::string> keys{
       "aic",           "andersonDarling", "bic",         "bootstrap",    "chiSquare",
       "code",          "covariance",      "description", "distribution", "kolmogorovSmirnov",
-      "logLikelihood", "offset",          "parameters",  "rank",         "standardErrors"};
+      "logLikelihood", "offset",          "parameters",  "rank",         "reason",
+      "standardErrors"};
   for (const Json& variable : variables) {
     for (const Json& fit : variable["fits"]) {
       std::vector<std::string> names;
@@ -231,6 +232,12 @@ TEST_F(Command, BootstrapPValuesStandBesideThePlainOnesAndInTheirPlaceInTheTable
   const std::string table = MustRun(call).out;
   EXPECT_NE(table.find("parametric bootstrap, 99 samples"), std::string::npos) << table;
   EXPECT_EQ(table.find("too large"), std::string::npos);
+  const std::string leftOut = MustRun({"fit", kExamples + "portpirie_sea_level.csv", "--bootstrap", "9",
+                                       "--distributions", "generalpareto"})
+                                  .out;
+  EXPECT_NE(leftOut.find("  0.5849      -"), std::string::npos)
+      << "no plain p-value above the bootstrap's footnote\n"
+      << leftOut;
 }
 
 TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {

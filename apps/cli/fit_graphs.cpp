@@ -112,7 +112,8 @@ void WriteFitGraphs(AutomationObject& dialog, const std::filesystem::path& path)
     dialog.Put("QuickTabVariable", static_cast<std::int32_t>(i + 1));
     Json variable = {{"name", summary.RowName(i)}, {"distribution", nullptr}, {"graphs", Json::array()}};
     if (dialog.Get("QuickTabDistribution").ToInteger() != 0) {
-      variable["distribution"] = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
+      const std::string first = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
+      if (!first.empty()) variable["distribution"] = first;
       variable["graphs"] = GraphsJson(dialog);
     }
     report["variables"].push_back(std::move(variable));

@@ -55,6 +55,7 @@ Json FitJson(AutomationObject& dialog, const ResultTable& table, std::size_t row
           {"distribution", table.RowName(row)},
           {"description", table.Text(kDescription, row)},
           {"parameters", ListOrNull(parameters)},
+          {"reason", parameters.empty() ? Json(table.Text(kReason, row)) : Json(nullptr)},
           {"offset", number(kOffset)},
           {"standardErrors", ListOrNull(table.Numbered(kStandardError, row))},
           {"covariance", parameters.empty() ? Json(nullptr) : CovarianceJson(dialog, row)},

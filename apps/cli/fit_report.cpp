@@ -64,11 +64,11 @@ std::string PValueText(double p) {
 }
 
 // The statistic of the ranking test with its p-value, then the p-values of the other tests, then the AIC. The
-// p-values are the bootstrap's where there are such.
+// p-values are the bootstrap's when `bootstrapped`, none for a fit without.
 class RankingText {
  public:
-  RankingText(const Spreadsheet& ranked, const std::string& rankedBy, bool continuous)
-      : ranked_(ranked), bootstrap_(ranked_.Has(kBootstrapSamples)) {
+  RankingText(const Spreadsheet& ranked, const std::string& rankedBy, bool continuous, bool bootstrapped)
+      : ranked_(ranked), bootstrapped_(bootstrapped) {
     for (const TestColumns& test : kTests) {
       if (test.name == rankedBy) tests_.insert(tests_.begin(), &test);
       if (test.name != rankedBy && (continuous || test.name != "anderson-darling")) tests_.push_back(&test);
@@ -96,6 +96,7 @@ class RankingText {
   void AddFit(std::size_t row) {
     constexpr int kStatisticDigits = 4;
     std::string description = ranked_.Text(kDescription, row);
+    if (description.find('(') == std::string::npos) description += BareValues(row);
     const double offset = ranked_.Number(kOffset, row);
     if (!std::isnan(offset) && offset != 0) description += ", offset " + ReadableNumber(offset);
     const std::vector<std::string> lines = BrokenAtCommas(std::move(description));
@@ -103,7 +104,7 @@ class RankingText {
         std::to_string(row + 1), lines.front(),
         ReadableNumber(ranked_.Number(tests_.front()->statistic, row), kStatisticDigits)};
     for (const TestColumns* test : tests_) {
-      cells.push_back(PValueText(ranked_.Number(bootstrap_ ? test->bootstrapPValue : test->pValue, row)));
+      cells.push_back(PValueText(PValue(*test, row)));
     }
     const double aic = ranked_.Number(kAic, row);
     cells.push_back(std::isnan(aic) ? "-" : FormatNumber("%.2f", aic));
@@ -111,14 +112,33 @@ class RankingText {
     for (std::size_t i = 1; i < lines.size(); ++i) table_.AddRow({"", lines[i]});
   }
 
+  // The values of a fit whose description has none; of a histogram there would be too many.
+  std::string BareValues(std::size_t row) const {
+    constexpr double kHistogramCode = 15;
+    constexpr int kValueDigits = 5;
+    std::string text;
+    if (ranked_.Number(kCode, row) == kHistogramCode) return text;
+    for (const double value : ranked_.Numbered(kParameter, row)) {
+      text += (text.empty() ? "(" : ", ") + ReadableNumber(value, kValueDigits);
+    }
+    return text.empty() ? text : text + ")";
+  }
+
+  // NaN where there is none; a table in which no fit has a bootstrap lacks its columns.
+  double PValue(const TestColumns& test, std::size_t row) const {
+    if (!bootstrapped_) return ranked_.Number(test.pValue, row);
+    return ranked_.Has(kBootstrapSamples) ? ranked_.Number(test.bootstrapPValue, row) : std::nan("");
+  }
+
   ResultTable ranked_;
-  bool bootstrap_;
+  bool bootstrapped_;
   std::vector<const TestColumns*> tests_;
   TextTable table_;
 };
 
 std::string VariableText(const ResultTable& summary, std::size_t variable,
-                         const std::optional<Spreadsheet>& ranked, const std::string& rankedBy) {
+                         const std::optional<Spreadsheet>& ranked, const std::string& rankedBy,
+                         bool bootstrapped) {
   const auto number = [&](std::string_view column) {
     return ReadableNumber(summary.Number(column, variable));
   };
@@ -131,13 +151,14 @@ std::string VariableText(const ResultTable& summary, std::size_t variable,
           ", std.dev. " + number(kStandardDeviation) + "\n  skewness " + number(kSkewness) + ", kurtosis " +
           number(kKurtosis) + ", range " + number(kMinimum) + " to " + number(kMaximum) + "\n";
   if (!ranked) return text + "  nothing to fit: no valid values, or all of them equal\n";
-  return text + "  " + ranked->Title() + "\n" + RankingText(*ranked, rankedBy, kind == "continuous").Text();
+  return text + "  " + ranked->Title() + "\n" +
+         RankingText(*ranked, rankedBy, kind == "continuous", bootstrapped).Text();
 }
 
-std::string Footnote(bool bootstrapped, const FitReportOptions& options) {
-  if (bootstrapped) {
+std::string Footnote(const FitReportOptions& options) {
+  if (options.bootstrapSamples > 0) {
     return "\nP-values by parametric bootstrap, " + std::to_string(options.bootstrapSamples) +
-           " samples per distribution.\n";
+           " samples per distribution; - for a fit whose samples prove\nnothing (a shape below -1).\n";
   }
   return "\nParameters were estimated from the same data, so the p-values are too large: they compare fits, "
          "but\nprove none. --bootstrap N gives p-values that allow for the estimation.\n";
@@ -158,19 +179,18 @@ void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitRepo
   if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
   if (!selection.empty()) text += "Cases with " + selection + "\n";
   const ResultTable table(summary);
-  bool bootstrapped = false;
+  const bool bootstrapped = options.bootstrapSamples > 0;
   for (std::size_t i = 0; i < table.RowCount(); ++i) {
     const auto ranked = RankedTable(dialog, i);
-    bootstrapped = bootstrapped || (ranked && ResultTable(*ranked).Has(kBootstrapSamples));
     const bool continuous = table.Text(kKind, i) == "continuous";
     const std::string& rankedBy = continuous ? options.rankBy : options.discreteRankBy;
     if (json) {
       report["variables"].push_back(VariableJson(dialog, summary, i, ranked, rankedBy));
     } else {
-      text += (text.empty() ? "" : "\n") + VariableText(table, i, ranked, rankedBy);
+      text += (text.empty() ? "" : "\n") + VariableText(table, i, ranked, rankedBy, bootstrapped);
     }
   }
-  std::fputs(json ? JsonText(report).c_str() : (text + Footnote(bootstrapped, options)).c_str(), stdout);
+  std::fputs(json ? JsonText(report).c_str() : (text + Footnote(options)).c_str(), stdout);
 }
 
 }  // namespace brenvolt::cli

@@ -100,7 +100,10 @@ class VariableReader {
     if (!text || std::ranges::any_of(*text, isControl)) Fail(kMsgInvalidOrderProperty);
     std::vector<DistributionCode> codes;
     for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
-      if (!store_.Get(variableNumber_, name)) Fail(FormatResource(kMsgPropertyMissing, name));
+      const auto value = store_.Get(variableNumber_, name);
+      if (!value) Fail(FormatResource(kMsgPropertyMissing, name));
+      if (WithoutEnclosure(*value).empty())
+        Fail(FormatResource(kMsgPropertyValueMissing, name, store_.VariableName(variableNumber_)));
       const auto code = CodeFromDisplayName(name);
       if (!code) Fail(kMsgInvalidOrderProperty);
       codes.push_back(*code);
@@ -116,10 +119,7 @@ class VariableReader {
       if (std::ranges::find(properties, code, &NamedProperty::code) != properties.end()) continue;
       const std::string_view name = DisplayName(code);
       const std::string text = *store_.Get(variableNumber_, name);
-      const std::string_view value = WithoutEnclosure(text);
-      if (value.empty())
-        Fail(FormatResource(kMsgPropertyValueMissing, name, store_.VariableName(variableNumber_)));
-      properties.push_back({code, std::string(value)});
+      properties.push_back({code, std::string(WithoutEnclosure(text))});
     }
     if (properties.size() != order.size()) Fail(kMsgOrderCountMismatch);
     return properties;

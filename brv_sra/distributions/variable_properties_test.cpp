@@ -204,6 +204,8 @@ TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames)
   };
   for (const auto& row : rows) EXPECT_EQ(Fault({{"zOrder", row.order}}), row.message) << row.order;
   EXPECT_EQ(Fault({{"zOrder", "Cauchy;"}, {"Cauchy", "(Scale=1)"}}), ResourceString(10255));
+  EXPECT_EQ(Fault({{"zOrder", "Normal;Weibull;"}, {"Normal", "()"}}),
+            "Normal distribution property exists for variable Var1 but its value is missing.");
   for (const std::string_view empty : {"", "()", " ( ) ", "("}) {
     EXPECT_EQ(Fault({{"Normal", std::string(empty)}}),
               "Normal distribution property exists for variable Var1 but its value is missing.");

@@ -40,9 +40,8 @@ struct BootstrapJob {
 };
 
 // Fills the bootstrap result of every job, on all processors, while the calling thread advances a bar on
-// `port`. Jobs without a valid fit, and those
-// left out, keep a result without samples. Memory: a sample, and what its estimate needs, per
-// thread; of large samples few are held at a time. Throws UserCancelled.
+// `port`. Jobs without a valid fit, and those left out, keep a result without samples. Memory: a sample, and
+// what its estimate needs, per thread; of large samples few are held at a time. Throws UserCancelled.
 void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiSquareBinning binning,
                   ProgressPort& port);
 

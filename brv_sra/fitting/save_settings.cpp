@@ -135,8 +135,8 @@ void SetUserDefinedOrder(VariableFit& variable, Codes order) {
 
 void CheckTruncation(const VariableFit& variable) {
   const Truncation& truncation = variable.saving.truncation;
-  const bool lacks = (truncation.below && !IsBound(truncation.minimum)) ||
-                     (truncation.above && !IsBound(truncation.maximum));
+  const bool lacks = (truncation.below && !IsBound(AsStored(truncation.minimum))) ||
+                     (truncation.above && !IsBound(AsStored(truncation.maximum)));
   if (lacks) throw CDispatchException(FormatResource(kMsgTruncationBound, variable.name));
   const bool both = truncation.below && truncation.above;
   if (both && !(AsStored(truncation.minimum) < AsStored(truncation.maximum))) {
