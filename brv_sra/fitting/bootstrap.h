@@ -45,7 +45,7 @@ struct BootstrapJob {
 void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiSquareBinning binning,
                   ProgressPort& port);
 
-// The bootstrap of every valid fit of a run, as the specification asks for it.
+// The bootstrap of every valid fit of a run, as its fit specification asks for it.
 void BootstrapResults(std::vector<VariableFit>& results, const FitSpecification& specification,
                       ProgressPort& port);
 

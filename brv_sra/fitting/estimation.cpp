@@ -33,7 +33,7 @@ constexpr std::int64_t kCasesPerMixture = 2;
 
 using Values = std::vector<double>;
 
-// What an estimator may look at. The specification of the other kind is null.
+// What an estimator may look at. A fit specification of the other kind is null.
 struct Input {
   std::span<const double> sorted;
   const Moments& moments;

@@ -23,7 +23,7 @@ struct CaseOptions {
 // taken in 32 bits, as the limit has always been.
 bool FitsDataLimit(std::size_t variables, std::size_t cases);
 
-// The cases that a fit uses, by the sheet's selection and weights and the specification's deletion mode.
+// The cases that a fit uses, by the sheet's selection and weights and the fit specification's deletion mode.
 // Throws CDispatchException as AcceptedCases does.
 CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
                     const CaseOptions& options);

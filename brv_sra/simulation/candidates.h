@@ -26,7 +26,7 @@ class Candidates {
  public:
   static constexpr std::size_t kMostDraws = 2;
 
-  // The specification must outlive the object.
+  // A specification must outlive the object.
   explicit Candidates(const DistributionSpecification& specification);
 
   // Uniform deviates that a candidate takes; 0 where the type is always inverted.
