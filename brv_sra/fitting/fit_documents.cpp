@@ -37,12 +37,6 @@ void AddTextColumn(Spreadsheet& sheet, std::string_view name,
   sheet.AddVariable(std::move(column));
 }
 
-// A moment exists from a least number of values on; its value says nothing about that.
-struct MomentColumn {
-  std::int32_t name;
-  double Moments::*member;
-  std::int64_t leastCount;
-};
 constexpr MomentColumn kMomentColumns[] = {
     {kColumnMean, &Moments::mean, 1},         {kColumnStandardDeviation, &Moments::standardDeviation, 1},
     {kColumnSkewness, &Moments::skewness, 3}, {kColumnKurtosis, &Moments::kurtosis, 4},
@@ -123,6 +117,10 @@ std::vector<std::string> ValueNames(const DistributionSpecification& specificati
 
 }  // namespace
 
+std::span<const MomentColumn> MomentColumns() {
+  return kMomentColumns;
+}
+
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) {
   auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kFitResultsSummary)), results.size());
   std::vector<std::string> names;
@@ -139,7 +137,7 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
   for (const MomentColumn& column : kMomentColumns) {
     AddColumn(*sheet, ResourceString(column.name), [&](std::size_t i) {
       const Moments& moments = results[i].moments;
-      return moments.count >= column.leastCount ? moments.*column.member : GetDefaultMDValue();
+      return column.ExistsFor(moments) ? moments.*column.member : GetDefaultMDValue();
     });
   }
   return sheet;

@@ -1,6 +1,7 @@
 // The results of a fit as spreadsheets: what a person reads, a program takes, and automation returns.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -11,6 +12,18 @@
 namespace brenvolt::sra {
 
 // The columns are named by host/analysis/result_columns.h; a value that does not exist is missing.
+
+// A moment as tables and graphs show it, by the number of its text. It exists from a least number of values
+// on; its value says nothing about that.
+struct MomentColumn {
+  std::int32_t name;
+  double Moments::*member;
+  std::int64_t leastCount;
+
+  bool ExistsFor(const Moments& moments) const { return moments.count >= leastCount; }
+};
+// In the order in which they are shown.
+std::span<const MomentColumn> MomentColumns();
 
 // One case per variable, named after it: its moments.
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results);

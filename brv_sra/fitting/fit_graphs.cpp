@@ -11,6 +11,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/curve_formulas.h"
 #include "brv_sra/distributions/law.h"
+#include "brv_sra/fitting/fit_documents.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/axis_scaling.h"
@@ -187,15 +188,6 @@ Graph MakeBoxPlot(const VariableFit& variable, const DistributionFit& /*fit*/,
   return BoxPlot(sorted, texts);
 }
 
-struct SummaryLine {
-  std::int32_t name;
-  double Moments::*member;
-};
-constexpr SummaryLine kSummaryLines[] = {
-    {kColumnMean, &Moments::mean},         {kColumnStandardDeviation, &Moments::standardDeviation},
-    {kColumnSkewness, &Moments::skewness}, {kColumnKurtosis, &Moments::kurtosis},
-    {kColumnMinimum, &Moments::minimum},   {kColumnMaximum, &Moments::maximum}};
-
 Graph MakeSummary(const VariableFit& variable, const DistributionFit& fit, std::span<const double> sorted) {
   std::vector<Graph> panels{MakeHistogramPlot(variable, fit, sorted), MakeBoxPlot(variable, fit, sorted)};
   if (fit.IsValid()) {
@@ -204,10 +196,10 @@ Graph MakeSummary(const VariableFit& variable, const DistributionFit& fit, std::
   }
   std::vector<std::string> lines{std::string(ResourceString(kColumnCount)) + " " +
                                  std::to_string(variable.moments.count)};
-  for (const SummaryLine& line : kSummaryLines) {
-    const double value = variable.moments.*line.member;
+  for (const MomentColumn& moment : MomentColumns()) {
+    const double value = variable.moments.*moment.member;
     if (IsNotSet(value)) continue;
-    lines.push_back(std::string(ResourceString(line.name)) + " " + FormatNumber("%.6g", value));
+    lines.push_back(std::string(ResourceString(moment.name)) + " " + FormatNumber("%.6g", value));
   }
   return SummaryGraph(std::move(panels), std::move(lines), FormatResource(kTitleSummaryOf, variable.name));
 }
