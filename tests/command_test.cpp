@@ -666,7 +666,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"show", "newer.bvw"}, 1, "newer"},
       {{"simulate", "good.bvw", "--variables", "x"}, 1, "no variable called 'x'"},
       {{"simulate", "good.bvw", "--samples", "0"}, 1, "Invalid number of samples."},
-      {{"simulate", "good.bvw", "--samples", "999999999"}, 1, "Insufficient memory exists"},
+      {{"simulate", "good.bvw", "--samples", "999999999", "-o", "huge.bvw"}, 1, "Insufficient memory exists"},
       {{"simulate", "good.bvw", "--seed", "-1"}, 1, "Invalid random seed value."},
       {{"simulate", "good.bvw", "--seed", "99999999999"},
        2,

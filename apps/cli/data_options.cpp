@@ -1,5 +1,6 @@
 #include "apps/cli/data_options.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "apps/cli/session.h"
@@ -138,12 +139,16 @@ std::vector<std::string> AppendToProject(const std::filesystem::path& path,
   return names;
 }
 
-void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
     throw Error("is a project, which CSV would replace", path.string());
   }
+}
+
+void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+  RefuseProjectTarget(path);
   WriteCsv(sheet, path, format);
 }
 
@@ -169,8 +174,14 @@ void RequireProjectEnding(const std::filesystem::path& path, const std::string& 
   if (!HasProjectEnding(path)) throw WrongCall(option + " wants a file ending in .bvw, not " + path.string());
 }
 
+bool HasEnding(const std::filesystem::path& path, std::string_view ending) {
+  const std::string own = path.extension().string();
+  return std::ranges::equal(
+      own, ending, [](char a, char b) { return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b); });
+}
+
 bool HasProjectEnding(const std::filesystem::path& path) {
-  return path.extension() == kProjectEnding;
+  return HasEnding(path, kProjectEnding);
 }
 
 }  // namespace brenvolt::cli

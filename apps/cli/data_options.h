@@ -34,6 +34,8 @@ DataFile OpenProject(const std::filesystem::path& path);
 
 // Throws WrongCall unless `path` ends as project files do. `option` names the option that gave it.
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option);
+// True for a name that ends in `ending`, which is in lower case, in capitals or not.
+bool HasEnding(const std::filesystem::path& path, std::string_view ending);
 bool HasProjectEnding(const std::filesystem::path& path);
 
 // Takes a sheet of data into the project at `path`, which is made when there is none, and saves it. A sheet
@@ -67,6 +69,8 @@ std::vector<std::string> AppendToProject(const std::filesystem::path& path,
 // sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
 std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source);
 
+// Throws Error where writing another format to `path` would replace a project.
+void RefuseProjectTarget(const std::filesystem::path& path);
 // Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);
 

@@ -15,6 +15,7 @@
 #include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/sample_generation.h"
 #include "host/base/parallel.h"
+#include "host/controls/polled_loop.h"
 #include "host/numeric/cholesky.h"
 #include "host/numeric/correlation.h"
 #include "host/numeric/distributions.h"
@@ -144,10 +145,6 @@ void SpreadColumns(std::span<double> matrix, std::size_t n, std::span<const std:
   }
 }
 
-bool UsesLatinHypercube(const SimulationDesign& design) {
-  return design.method == SimulationMethod::kLatinHypercubeImanConover;
-}
-
 std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps) {
   return CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
                                           static_cast<std::int64_t>(steps));
@@ -155,8 +152,8 @@ std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps
 
 SimulationStatus GenerateOnly(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port) {
   const auto progress = Computing(port, matrix.size() + 1);
-  const bool done = UsesLatinHypercube(design) ? GenerateLatinHypercube(design, matrix, *progress)
-                                               : GenerateMonteCarlo(design, matrix, *progress);
+  const bool done = UsesLatinHypercube(design.method) ? GenerateLatinHypercube(design, matrix, *progress)
+                                                      : GenerateMonteCarlo(design, matrix, *progress);
   return done ? SimulationStatus::kSuccess : SimulationStatus::kDistributionFailure;
 }
 
@@ -175,7 +172,9 @@ void Induce(const SimulationDesign& design, std::span<const double> target, std:
   {
     const auto progress = Computing(port, 2 * n + 1);
     BuildVanDerWaerdenScores(scores, n, k, *progress);
-    result.scoreCorrection = CorrectTransform(scores, n, k, factor.factor);
+    PolledParallelFor(1, *progress, [&](std::size_t, const Cancellation&) {
+      result.scoreCorrection = CorrectTransform(scores, n, k, factor.factor);
+    });
     TransformScores(scores, n, k, factor.factor, *progress);
   }
   {
@@ -214,7 +213,8 @@ void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size
   std::size_t stepped = 0;
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
     // The scores themselves are shuffled: the permutation of 1 … n that the same draws make, looked up.
-    ParallelFor(places.size(), [&](std::size_t c) {
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      cancelled.Poll();
       FillNormalScores(batch[c]);
       Shuffle(stream, start + places[c] * draws, batch[c]);
     });
@@ -230,7 +230,8 @@ void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKro
   const ColumnBuffers buffers(n, k);
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
     ReadColumns(scores, k, places, batch);
-    ParallelFor(places.size(), [&](std::size_t c) {
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      cancelled.Poll();
       RankColumn(batch[c], [&, at = places[c]](std::size_t i) { return scores[i * k + at]; });
     });
     WriteColumns(batch, places, k, scores);
@@ -246,9 +247,12 @@ SimulationStatus ReorderByScoreRanks(const SimulationDesign& design, std::span<d
   const ColumnBuffers buffers(n, active.size());
   bool done = true;
   ForColumnBatches(active, buffers, [&](auto places, auto batch) {
-    done = done && GenerateColumns(design, UsesLatinHypercube(design), places, batch);
+    done = done && GenerateColumns(design, UsesLatinHypercube(design.method), places, batch, progress);
     if (!done) return;
-    ParallelFor(places.size(), [&](std::size_t c) { SortAscending(batch[c]); });
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      cancelled.Poll();
+      SortAscending(batch[c]);
+    });
     ParallelBlocks(n, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i) {
         double* row = matrix.data() + i * stride;

@@ -7,6 +7,7 @@
 #include <numbers>
 
 #include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/simulation_summary.h"
 #include "host/analysis/headless_user_interface.h"
 
 namespace brenvolt::sra {
@@ -59,7 +60,7 @@ TEST_F(SimulationRuns, EachMethodHasItsTitleAndCorrelatedOnesMeetTheirTarget) {
     ASSERT_EQ(run.correlations.has_value(), method.correlated);
     if (!method.correlated) continue;
     EXPECT_FALSE(run.correlations->repair);
-    const auto summary = CorrelationSummary(*run.output, *run.correlations);
+    const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
     ASSERT_EQ(summary->CaseCount(), 3U);
     EXPECT_EQ(summary->CaseName(1), "a, c");
     const double asked[] = {0.5, -0.3, 0.2};
@@ -117,7 +118,7 @@ TEST_F(SimulationRuns, IndefiniteMatrixIsRepairedAndSaidToBe) {
   ASSERT_EQ(run.status, SimulationStatus::kSuccess);
   ASSERT_TRUE(run.correlations->repair);
   EXPECT_NEAR(run.correlations->repair->smallestEigenvalue, 1 - 2 * 0.9, 1e-12);
-  const auto summary = CorrelationSummary(*run.output, *run.correlations);
+  const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
   EXPECT_EQ(Cell(*summary, 0, 2), -0.9);
   // Three equal correlations cannot be less than -1/2.
   EXPECT_NEAR(Cell(*summary, 1, 2), -0.5, 1e-12);
