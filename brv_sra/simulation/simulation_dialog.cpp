@@ -338,6 +338,7 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
     if (InducesCorrelation(design.method) && !AttachCorrelations(design)) return Outcome::kFailed;
     SimulationRun run =
         RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
+    if (!run.fault.empty()) Analysis().ShowMessage(run.fault);
     if (!Report(run.status, run.where)) return Outcome::kFailed;
     if (run.output == nullptr) return Outcome::kNothing;
     Produce(std::move(run));

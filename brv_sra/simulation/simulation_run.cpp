@@ -59,7 +59,13 @@ void GenerateCorrelated(const SimulationDesign& design, std::span<double> matrix
     run.status = SimulationStatus::kMatrixFailure;
     return;
   }
-  CorrelationInduction induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+  CorrelationInduction induction;
+  try {
+    induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+  } catch (const Error& error) {  // raised where progress is shown
+    run.fault = error.what();
+    induction.status = SimulationStatus::kDistributionFailure;
+  }
   run.status = induction.status;
   correlations.scoreCorrection = induction.scoreCorrection;
   correlations.repair = std::move(induction.repair);

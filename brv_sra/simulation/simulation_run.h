@@ -33,6 +33,7 @@ struct SimulationRun {
   SimulationStatus status = SimulationStatus::kSuccess;
   std::unique_ptr<Spreadsheet> output;  // null on failure, and for the method that produces nothing
   std::string where;                    // the variable or the correlation at fault, where there is one
+  std::string fault;                    // what to say before the status: an error that ended the re-ordering
   std::optional<SimulatedCorrelations> correlations;  // of a method that induces correlation
 };
 
