@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/frame/module.h"
 #include "brv_sra/frame/sequence_table.h"
@@ -265,6 +266,15 @@ TEST_F(Automation, DisabledControlsRefuseAndKeepTheirState) {
               AutomationCode::kControlRefused)
         << row.member;
     EXPECT_EQ(Shown(Dialog()->Get(row.member, row.indexes)), before) << row.member;
+  }
+}
+
+TEST_F(Automation, ConstantsOfDistributionTypesAreTheCataloguesKeys) {
+  const auto keys = FindEnumeration("SupportedDistributionsType")->constants;
+  ASSERT_EQ(keys.size(), 16U);
+  for (std::size_t code = 0; code < keys.size(); ++code) {
+    EXPECT_EQ(CodeFromKey(std::string(keys[code])), CodeFromNumber(static_cast<std::int32_t>(code)))
+        << keys[code];
   }
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "brv_sra/resources/strings.h"
+#include "host/base/crash_report.h"
 #include "host/base/dynamic_library.h"
 #include "host/base/logging.h"
 
@@ -48,6 +49,7 @@ class LoadedModule {
     resources_ = std::make_unique<CDynLinkLibrary>(extension_);
     TheAutomationModule().Initialise();
     KroOleRegisterTypeLib(instance_, LIBID_BRVSRA, nullptr, nullptr);
+    InstallCrashReports();
   }
   ~LoadedModule() {
     TheAutomationModule().Terminate();
