@@ -11,5 +11,6 @@ void AddSimulateCommand(CLI::App& program);
 void AddShowCommand(CLI::App& program);
 void AddImportCommand(CLI::App& program);
 void AddExportCommand(CLI::App& program);
+void AddTypelibCommand(CLI::App& program);
 
 }  // namespace brenvolt::cli

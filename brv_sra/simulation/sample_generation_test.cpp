@@ -250,7 +250,7 @@ TEST_F(Generation, DiscreteValuesStayWithinLimitsFarOut) {
       {VariableOf(kPoisson, {1}), 16.5, INFINITY},
       {VariableOf(kGeometric, {0.5}), 50.5, INFINITY},
       {VariableOf(kBinomial, {0.5, 60}), 56.5, INFINITY},
-      {VariableOf(kHistogram, {1, 0.5, 2.5, 0.5 - 1e-16, 4, 1e-16}), 3, INFINITY},
+      {VariableOf(kHistogram, {1, 0.5, 2.5, 0.5 - 1e-12, 4, 1e-12}), 3, INFINITY},
       {VariableOf(kPoisson, {100}), 5.5, 12.5}};
   for (const auto& [variable, minimum, maximum] : cases) {
     for (const bool latinHypercube : {false, true}) {

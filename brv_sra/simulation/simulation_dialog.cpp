@@ -11,6 +11,7 @@
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/simulation_interface.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -72,25 +73,23 @@ void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
 
 // The last two have no control; they stand behind the last member of the interface.
 constexpr std::array<Member, 14> kMembers{{
-    {"Variables", 0x60030000, 0, GetVariables, PutVariables},
-    {"MonteCarloMethod", 0x60030002, 0, GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
-    {"LHSMethod", 0x60030004, 0, GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
-    {"ImanConoverMethod", 0x60030006, 0, GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
-    {"LHSwithImanMethod", 0x60030008, 0, GetChecked<Dialog, kLatinHypercubeImanConover>,
+    {"Variables", GetVariables, PutVariables},
+    {"MonteCarloMethod", GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
+    {"LHSMethod", GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
+    {"ImanConoverMethod", GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
+    {"LHSwithImanMethod", GetChecked<Dialog, kLatinHypercubeImanConover>,
      PutChosen<Dialog, kLatinHypercubeImanConover>},
-    {"NORTAMethod", 0x6003000a, 0, GetChecked<Dialog, kNormalToAnything>,
-     PutChosen<Dialog, kNormalToAnything>},
-    {"NumberOfSamples", 0x6003000c, 0, GetNumber<Dialog, kNumberOfSamples>,
-     PutText<Dialog, kNumberOfSamples>},
-    {"IsSeedRandomNumber", 0x6003000e, 0, GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
-    {"RandomSeedNumber", 0x60030010, 0, GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
-    {"TruncateSimulationData", 0x60030012, 0, GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
-    {"IsAutoUpdateSameSheet", 0x60030014, 0, GetChecked<Dialog, kAutoUpdate>,
-     PutChecked<Dialog, kAutoUpdate>},
-    {"SimulationResults", 0x60030016, 0, GetSimulationResults, nullptr},
-    {"CorrelationMatrix", 0x60030017, 0, GetCorrelationMatrix, PutCorrelationMatrix},
-    {"SimulationFile", 0x60030019, 1, GetSimulationFile, nullptr},
+    {"NORTAMethod", GetChecked<Dialog, kNormalToAnything>, PutChosen<Dialog, kNormalToAnything>},
+    {"NumberOfSamples", GetNumber<Dialog, kNumberOfSamples>, PutText<Dialog, kNumberOfSamples>},
+    {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
+    {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
+    {"TruncateSimulationData", GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
+    {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
+    {"SimulationResults", GetSimulationResults, nullptr},
+    {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
+    {"SimulationFile", GetSimulationFile, nullptr},
 }};
+static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
 
 constexpr const char* kNothingSimulated = "nothing was simulated";
 
@@ -119,7 +118,7 @@ void TakeSummaries(const MatrixFile& given, MatrixFile& file) {
 
 CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationTemplate()) {
-  EnableAutomation<CSimulationFromDistribution>("SRASimulationFromDistribution",
+  EnableAutomation<CSimulationFromDistribution>(kSimulationFromDistributionInterface,
                                                 "CSimulationFromDistribution", kMembers);
 }
 
@@ -226,7 +225,9 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
     throw Error(kNothingSimulated);
   }
   if (!Report(run.status, run.where)) throw Error(kNothingSimulated);
-  return std::make_shared<CAnalysisTableDoc>(std::move(run.summary));
+  auto summary = std::make_shared<CAnalysisTableDoc>(std::move(run.summary));
+  Analysis().Interface().ShowDocument(summary);
+  return summary;
 }
 
 PiecewiseRun CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {

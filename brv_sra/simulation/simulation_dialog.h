@@ -28,9 +28,9 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   std::shared_ptr<CAnalysisTableDoc> SimulationResults();
   // Validates and runs, and writes the samples to a file instead of a spreadsheet, in pieces, so that the
   // limit of the sample matrix does not count: NumPy arrays where the name ends in .npz, else separated
-  // values; to no file where the name is empty. Returns the summary; null for the method that produces
-  // nothing. Throws Error when a check or the run fails, for the methods that induce correlation, and when
-  // the file cannot be written; it is then as it was.
+  // values; to no file where the name is empty. Shows and returns the summary; null for the method that
+  // produces nothing. Throws Error when a check or the run fails, for the methods that induce correlation,
+  // and when the file cannot be written; it is then as it was.
   std::shared_ptr<CAnalysisTableDoc> SimulationFile(const std::filesystem::path& file);
 
  protected:

@@ -4,16 +4,16 @@
 
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/type_library.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
 
-// The interface declares no members of its own.
 CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationResultsTemplate()) {
-  EnableAutomation<CSimulationResults>("SRASimulationResults", "CSimulationResults", {});
+  EnableAutomation<CSimulationResults>(kSimulationResultsInterface, "CSimulationResults", {});
 }
 
 bool CSimulationResults::OnOk() {
