@@ -68,8 +68,9 @@ bool Fill(const SimulationDesign& design, std::span<const double> target, std::s
     return InduceRankCorrelation(design, target, matrix, port).status == SimulationStatus::kSuccess;
   const auto progress =
       CKroProgressBar::new_ProgressBar(port, "", static_cast<std::int64_t>(matrix.size() + 1));
-  return design.method == SimulationMethod::kLatinHypercube ? GenerateLatinHypercube(design, matrix, *progress)
-                                                            : GenerateMonteCarlo(design, matrix, *progress);
+  return design.method == SimulationMethod::kLatinHypercube
+             ? GenerateLatinHypercube(design, matrix, *progress)
+             : GenerateMonteCarlo(design, matrix, *progress);
 }
 
 // The largest resident set so far, in bytes.
@@ -130,8 +131,8 @@ int Main(std::span<char*> arguments) {
   const int repetitions = std::max(1, std::atoi(arguments[4]));
   ReturnLargeBlocksAtOnce();  // as the program does
   const double base = LargestResidentSet();
-  const double seconds = writes ? TimeWriting(n, k, repetitions, arguments[5])
-                                : TimeGeneration(*job, n, k, repetitions);
+  const double seconds =
+      writes ? TimeWriting(n, k, repetitions, arguments[5]) : TimeGeneration(*job, n, k, repetitions);
   const double matrixBytes = static_cast<double>(n * k) * sizeof(double);
   std::printf("%.6f %.3f\n", seconds, (LargestResidentSet() - base) / matrixBytes);
   return 0;

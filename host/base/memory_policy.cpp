@@ -22,7 +22,7 @@ void ReturnLargeBlocksAtOnce() {
 void PreferLargePages([[maybe_unused]] void* block, [[maybe_unused]] std::size_t bytes) noexcept {
 #if defined(__linux__) && defined(MADV_HUGEPAGE)
   constexpr std::size_t kFewestBytes = std::size_t{4} << 20;  // less gains nothing
-  constexpr std::uintptr_t kPage = 4096;                      // what the system wants the start to be aligned to
+  constexpr std::uintptr_t kPage = 4096;  // what the system wants the start to be aligned to
   if (bytes < kFewestBytes) return;
   const auto start = reinterpret_cast<std::uintptr_t>(block);
   const std::uintptr_t skipped = (kPage - start % kPage) % kPage;
