@@ -9,7 +9,7 @@
 namespace brenvolt::sra {
 
 // Puts the values into a random order by the shuffle of Fisher and Yates (Durstenfeld 1964): for t = 1 … n,
-// n the number of values, the value at floor(u (n - t + 1)) changes places with the one at n - t, both
+// n < 2^31 the number of values, the value at floor(u (n - t + 1)) changes places with the one at n - t, both
 // counted from 0, u the uniform deviate at position + t - 1. One value, or none, draws nothing. Returns the
 // position of the draw after the last one used.
 std::uint64_t Shuffle(const RandomStream& stream, std::uint64_t position, std::span<double> values);

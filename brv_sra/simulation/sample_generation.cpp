@@ -26,7 +26,7 @@ namespace {
 constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
 // Rows between two looks at the clock, and rows whose values one task holds before it writes them.
-constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;
 constexpr std::size_t kRowsPerTile = 256;
 
 // A value that is not finite: the distribution reaches beyond what a double holds.

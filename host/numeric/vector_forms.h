@@ -64,6 +64,8 @@ void GpdQuantile(std::span<const double> p, double scale, double shape, double t
 
 // sd times the normal deviate of each uniform deviate; see NormalFromUniform.
 void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out);
+// The same plus a location.
+void NormalsFromUniforms(std::span<const double> u, double sd, double location, std::span<double> out);
 
 // The uniform deviates of the Philox 4x32-10 blocks firstBlock, firstBlock + 1, … under a key, two of each
 // block. `out` has an even length. Layout: random_stream.cpp.

@@ -26,6 +26,15 @@ struct TimesFormula {
   }
 };
 
+struct LineFormula {
+  double factor;
+  double constant;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*u*/, V z) const {
+    return hn::Add(hn::Mul(hn::Set(d, factor), z), hn::Set(d, constant));
+  }
+};
+
 // The products of the low halves of the lanes with a 32-bit number.
 template <class D, class V>
 HWY_INLINE V TimesWord([[maybe_unused]] D du, V v, std::uint32_t factor) {
@@ -126,9 +135,10 @@ void Philox(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, st
   }
 }
 
-// One deviate of each block, of its first or its second half.
-void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
-                std::span<double> out) {
+// One deviate of each block, of its first or its second half; a constant, so that the other half's last steps
+// are not taken.
+template <bool kSecond>
+void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   const hn::ScalableTag<std::uint64_t> du;
   const hn::Rebind<double, decltype(du)> d;
   const std::size_t lanes = hn::Lanes(du);
@@ -146,7 +156,7 @@ void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock
     double* to = isWhole ? out.data() + i : buffer;
     for (std::size_t group = 0; group < kGroups; ++group) {
       const auto& w = words[group];
-      const auto deviates = second ? Deviates(du, w[2], w[3]) : Deviates(du, w[0], w[1]);
+      const auto deviates = Deviates(du, w[kSecond ? 2 : 0], w[kSecond ? 3 : 1]);
       hn::StoreU(deviates, d, to + group * lanes);
     }
     if (!isWhole) std::copy_n(buffer, rest, out.data() + i);
@@ -157,10 +167,17 @@ void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock
 
 void PhiloxHalfArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
                      std::span<double> out) {
-  PhiloxHalf(key0, key1, firstBlock, second, out);
+  if (second) {
+    PhiloxHalf<true>(key0, key1, firstBlock, out);
+  } else {
+    PhiloxHalf<false>(key0, key1, firstBlock, out);
+  }
 }
 void NormalsArray(std::span<const double> u, double sd, std::span<double> out) {
   QuantilesOverArray(u, out, FromUniform{}, TimesFormula{sd});
+}
+void LocatedNormalsArray(std::span<const double> u, double sd, double location, std::span<double> out) {
+  QuantilesOverArray(u, out, FromUniform{}, LineFormula{sd, location});
 }
 void PhiloxArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   Philox(key0, key1, firstBlock, out);
@@ -177,6 +194,7 @@ HWY_AFTER_NAMESPACE();
 namespace brenvolt {
 
 HWY_EXPORT(NormalsArray);
+HWY_EXPORT(LocatedNormalsArray);
 HWY_EXPORT(PhiloxArray);
 HWY_EXPORT(PhiloxHalfArray);
 
@@ -188,6 +206,9 @@ namespace vector_forms {
 
 void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(NormalsArray)(u, sd, out);
+}
+void NormalsFromUniforms(std::span<const double> u, double sd, double location, std::span<double> out) {
+  HWY_DYNAMIC_DISPATCH(LocatedNormalsArray)(u, sd, location, out);
 }
 void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   assert(out.size() % 2 == 0);
