@@ -13,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/simulation/candidate_draws.h"
 #include "brv_sra/simulation/matrix_columns.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/variable_sampler.h"
@@ -135,6 +136,7 @@ class MatrixGenerator {
       position_ += *draws;
       if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
     }
+    WriteDrawn();
     if (!DrawGathered()) return false;
     SetProcessStreamPosition(position_);
     return true;
@@ -161,15 +163,31 @@ class MatrixGenerator {
   }
 
   bool DrawInOrder(const VariableSampler& sampler, std::size_t place) {
-    AnalysisArray<double> buffer(std::min(samples_, kRowsPerLook));
+    const std::span<double> column = ColumnToDraw();
+    CandidateDraws draws(sampler, stream_, position_);
     for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
-      const std::span<double> rows = buffer.Span().first(std::min(kRowsPerLook, samples_ - from));
-      position_ = sampler.DrawInOrder(stream_, position_, rows);
+      const std::span<double> rows = column.subspan(from, std::min(kRowsPerLook, samples_ - from));
+      draws.Draw(rows);
       if (!AreFinite(rows)) return false;
-      WriteRows({&rows, 1}, {&place, 1}, 0, rows.size(), from, design_.variables.size(), matrix_);
       progress_.Step(static_cast<std::int64_t>(rows.size()));
     }
+    position_ = draws.Position();
+    drawn_.push_back(place);
+    if (buffers_ && drawn_.size() == buffers_->Most()) WriteDrawn();
     return true;
+  }
+
+  // A single column is the matrix itself; of others some are drawn, then written together.
+  std::span<double> ColumnToDraw() {
+    if (design_.variables.size() == 1) return matrix_;
+    if (!buffers_) buffers_.emplace(samples_, design_.variables.size());
+    return buffers_->First(drawn_.size() + 1).back();
+  }
+
+  void WriteDrawn() {
+    if (!buffers_) return;
+    WriteColumns(buffers_->First(drawn_.size()), drawn_, design_.variables.size(), matrix_);
+    drawn_.clear();
   }
 
   const SimulationDesign& design_;
@@ -180,6 +198,8 @@ class MatrixGenerator {
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
   OpenColumns columns_;
+  std::optional<ColumnBuffers> buffers_;  // of columns drawn in order
+  std::vector<std::size_t> drawn_;        // their places in the matrix
 };
 
 }  // namespace

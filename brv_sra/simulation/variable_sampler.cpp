@@ -4,9 +4,9 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/simulation/candidate_draws.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "host/base/parallel.h"
 #include "host/numeric/distributions.h"
@@ -17,10 +17,8 @@ namespace {
 constexpr double kTruncatedLower = 0.005;
 constexpr double kTruncatedUpper = 0.995;
 constexpr double kUnbounded = 1e300;
-constexpr std::size_t kMostCandidates = 5;
-constexpr std::size_t kTile = 1024;           // values whose draws stay in the nearest caches
-constexpr std::size_t kBlock = 16 * kTile;    // values of one task
-constexpr std::size_t kMostPlaces = 1 << 17;  // draws looked at together where candidates may be rejected
+constexpr std::size_t kTile = 1024;         // values whose draws stay in the nearest caches
+constexpr std::size_t kBlock = 16 * kTile;  // values of one task
 // The ends of what a uniform deviate stands for.
 constexpr double kSmallestProbability = 0x1p-54;
 constexpr double kLargestProbability = 1 - 0x1p-53;
@@ -128,55 +126,9 @@ std::uint64_t VariableSampler::DrawInOrder(const RandomStream& stream, std::uint
     });
     return position + *fixed * out.size();
   }
-  // Where a value draws depends on how many candidates were rejected before. So the candidates of every place
-  // in the stream are made in bulk, then the values hop over them.
-  const std::size_t draws = candidates_->Draws();
-  const std::size_t most = 1 + kMostCandidates * draws;  // places of one value
-  std::vector<double> uniforms;
-  std::vector<double> candidates;
-  std::vector<std::size_t> rejected;
-  std::size_t row = 0;
-  while (row < out.size()) {
-    const std::size_t places = std::clamp((out.size() - row) * (1 + draws), most, kMostPlaces);
-    uniforms.resize(places + draws - 1);
-    candidates.resize(places);
-    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
-      const std::size_t last = end == places ? uniforms.size() : end;
-      stream.FillUniform(position + begin, std::span(uniforms).subspan(begin, last - begin));
-    });
-    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
-      const std::span<const double> from(uniforms);
-      candidates_->Fill(from.subspan(begin, end - begin), from.subspan(begin + draws - 1, end - begin),
-                        std::span(candidates).subspan(begin, end - begin));
-    });
-    std::size_t place = 0;
-    rejected.clear();
-    for (; row < out.size() && place + most <= places; ++row) {
-      const double fallback = uniforms[place];
-      const std::size_t end = place + most;
-      for (++place; place < end; place += draws)
-        if (candidates[place] >= lowest_ && candidates[place] <= highest_) break;
-      if (place < end) {
-        out[row] = candidates[place];
-        place += draws;
-      } else {
-        out[row] = lowerProbability_ + fallback * (upperProbability_ - lowerProbability_);
-        rejected.push_back(row);
-      }
-    }
-    InvertRejected(rejected, out);
-    position += place;
-  }
-  return position;
-}
-
-void VariableSampler::InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const {
-  ParallelBlocks(rows.size(), kBlock, [&](std::size_t begin, std::size_t end) {
-    std::vector<double> values(end - begin);
-    for (std::size_t r = begin; r < end; ++r) values[r - begin] = out[rows[r]];
-    Invert(values);
-    for (std::size_t r = begin; r < end; ++r) out[rows[r]] = values[r - begin];
-  });
+  CandidateDraws draws(*this, stream, position);
+  draws.Draw(out);
+  return draws.Position();
 }
 
 // stratum(i) is the stratum of out[i], counted from 0; it is asked for before out[i] is written.

@@ -43,6 +43,7 @@ class VariableSampler {
   // the range becomes its end.
   void Invert(std::span<double> probabilities) const;
 
+  const Candidates& NaturalGenerator() const { return *candidates_; }
   // Uniform deviates of every Monte Carlo value, where no candidate can be rejected; else nothing.
   std::optional<std::size_t> FixedDraws() const;
   // Monte Carlo values, with FixedDraws() only: `out` takes values of which the first draws at `position`.
@@ -65,7 +66,6 @@ class VariableSampler {
   template <class Stratum>
   void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
                   const Stratum& stratum, std::span<double> out) const;
-  void InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const;
 
   DistributionSpecification specification_;
   Law law_;  // views specification_
