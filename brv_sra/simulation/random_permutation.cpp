@@ -7,16 +7,11 @@
 #include <limits>
 #include <utility>
 
+#include "host/base/prefetch.h"
+
 namespace brenvolt::sra {
 
 namespace {
-
-// Asks for a value's memory, where the compiler knows how to.
-inline void FetchForSwap([[maybe_unused]] const void* place) {
-#if defined(__GNUC__)
-  __builtin_prefetch(place, 1, 3);
-#endif
-}
 
 // Draws made together, and swaps between asking for a value's memory and moving it. Beyond the nearest caches
 // a place takes longer to reach than a dozen swaps; as places are known before their swaps, none has to wait.
@@ -45,10 +40,10 @@ std::uint64_t ShuffleValues(const RandomStream& stream, std::uint64_t position, 
     const std::size_t count = std::min(kBatch, n - done);
     stream.FillUniform(position + done, {uniforms.data(), count});
     FillPlaces({uniforms.data(), count}, static_cast<std::int32_t>(n - done), places.data());
-    for (std::size_t i = 0; i < kAhead; ++i) FetchForSwap(first + places[i]);
+    for (std::size_t i = 0; i < kAhead; ++i) PrefetchForWriting(first + places[i]);
     T* last = first + (n - 1 - done);
     for (std::size_t i = 0; i < count; ++i, --last) {
-      FetchForSwap(first + places[i + kAhead]);
+      PrefetchForWriting(first + places[i + kAhead]);
       std::swap(first[places[i]], *last);
     }
   }
