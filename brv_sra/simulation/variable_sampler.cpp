@@ -74,6 +74,10 @@ void VariableSampler::Invert(std::span<double> probabilities) const {
     const double raised = p < leastProbability_ ? leastProbability_ : p;
     p = raised > mostProbability_ ? mostProbability_ : raised;
   }
+  InvertInside(probabilities);
+}
+
+void VariableSampler::InvertInside(std::span<double> probabilities) const {
   law_.Quantile(probabilities, probabilities);
   if (!IsContinuous(specification_.code)) return;
   if (lowest_ > -kUnbounded)
@@ -105,9 +109,8 @@ void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t positi
     const std::span<double> used(draws.data(), stride * count);
     stream.FillUniform(position + stride * begin, used);
     if (stride == 1) {
-      for (std::size_t i = 0; i < count; ++i)
-        tile[i] = lowerProbability_ + used[i] * (upperProbability_ - lowerProbability_);
-      Invert(tile);
+      vector_forms::ProbabilitiesInRange(used, RangeOfStrata(1), tile);
+      InvertInside(tile);
       continue;
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -131,25 +134,28 @@ std::uint64_t VariableSampler::DrawInOrder(const RandomStream& stream, std::uint
   return draws.Position();
 }
 
-// stratum(i) is the stratum of out[i], counted from 0; it is asked for before out[i] is written.
+vector_forms::ProbabilityRange VariableSampler::RangeOfStrata(std::size_t strata) const {
+  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(strata);
+  return {lowerProbability_, width, leastProbability_, mostProbability_};
+}
+
+// `out` may be `strata`.
 template <class Stratum>
 void VariableSampler::FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
-                                 const Stratum& stratum, std::span<double> out) const {
-  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(samples);
+                                 std::span<const Stratum> strata, std::span<double> out) const {
+  const vector_forms::ProbabilityRange range = RangeOfStrata(samples);
   std::array<double, kTile> uniforms;
   for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
     const std::span<double> tile = out.subspan(begin, std::min(kTile, out.size() - begin));
     stream.FillUniform(position + begin, {uniforms.data(), tile.size()});
-    for (std::size_t i = 0; i < tile.size(); ++i)
-      tile[i] = lowerProbability_ + stratum(begin + i) * width + uniforms[i] * width;
-    Invert(tile);
+    vector_forms::ProbabilitiesInStrata(uniforms, strata.subspan(begin, tile.size()), range, tile);
+    InvertInside(tile);
   }
 }
 
 void VariableSampler::DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
                                  std::span<const std::int32_t> strata, std::span<double> out) const {
-  FillStrata(
-      stream, position, samples, [&](std::size_t i) { return static_cast<double>(strata[i]); }, out);
+  FillStrata(stream, position, samples, strata, out);
 }
 
 std::uint64_t VariableSampler::DrawStratified(const RandomStream& stream, std::uint64_t position,
@@ -158,8 +164,7 @@ std::uint64_t VariableSampler::DrawStratified(const RandomStream& stream, std::u
   position = Shuffle(stream, position, out);
   ParallelBlocks(out.size(), kBlock, [&](std::size_t begin, std::size_t end) {
     const std::span<double> block = out.subspan(begin, end - begin);
-    FillStrata(
-        stream, position + begin, out.size(), [&](std::size_t i) { return block[i]; }, block);
+    FillStrata(stream, position + begin, out.size(), std::span<const double>(block), block);
   });
   return position + out.size();
 }

@@ -16,6 +16,7 @@
 #include "brv_sra/simulation/candidates.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/numeric/random_stream.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::sra {
 
@@ -65,7 +66,11 @@ class VariableSampler {
   bool HasValues() const;
   template <class Stratum>
   void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
-                  const Stratum& stratum, std::span<double> out) const;
+                  std::span<const Stratum> strata, std::span<double> out) const;
+  // The range, or one of so many strata of it.
+  vector_forms::ProbabilityRange RangeOfStrata(std::size_t strata) const;
+  // Of probabilities in the range.
+  void InvertInside(std::span<double> probabilities) const;
 
   DistributionSpecification specification_;
   Law law_;  // views specification_

@@ -88,10 +88,11 @@ HWY_INLINE hn::Vec<hn::Rebind<double, D>> Deviates(D du, V low, V high) {
   const hn::Rebind<double, D> d;
   constexpr std::uint64_t kHighBits = 0x4130000000000000ULL;  // 2^20
   constexpr std::uint64_t kLowBits = 0x3FE0000000000000ULL;   // 2^-1
-  const V highWord = hn::And(high, hn::Set(du, std::uint64_t{0xFFFFFFFF}));
-  const V lowWord = hn::template ShiftRight<43>(hn::template ShiftLeft<32>(low));
-  const auto highPart = hn::BitCast(d, hn::Or(highWord, hn::Set(du, kHighBits)));
-  const auto lowPart = hn::BitCast(d, hn::Or(lowWord, hn::Set(du, kLowBits)));
+  const V highBits = hn::OrAnd(hn::Set(du, kHighBits), high, hn::Set(du, std::uint64_t{0xFFFFFFFF}));
+  const V lowBits = hn::OrAnd(hn::Set(du, kLowBits), hn::template ShiftRight<11>(low),
+                              hn::Set(du, (std::uint64_t{1} << 21) - 1));
+  const auto highPart = hn::BitCast(d, highBits);
+  const auto lowPart = hn::BitCast(d, lowBits);
   return hn::Add(hn::Sub(highPart, hn::Set(d, 0x1p20 + 0.5)), lowPart);
 }
 
@@ -163,7 +164,49 @@ void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock
   }
 }
 
+// out[i] = least <= start(i) + u[i] width <= most, start(d, i) for a vector from i on.
+template <class Start>
+void Probabilities(std::span<const double> u, const vector_forms::ProbabilityRange& range, const Start& start,
+                   std::span<double> out) {
+  const auto fill = [&](auto d, std::size_t i) {
+    const auto p = hn::Add(start(d, i), hn::Mul(hn::LoadU(d, u.data() + i), hn::Set(d, range.width)));
+    const auto raised = hn::IfThenElse(hn::Lt(p, hn::Set(d, range.least)), hn::Set(d, range.least), p);
+    const auto isAbove = hn::Gt(raised, hn::Set(d, range.most));
+    hn::StoreU(hn::IfThenElse(isAbove, hn::Set(d, range.most), raised), d, out.data() + i);
+  };
+  const hn::ScalableTag<double> d;
+  const std::size_t whole = out.size() - out.size() % hn::Lanes(d);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) fill(d, i);
+  for (std::size_t i = whole; i < out.size(); ++i) fill(OneLane(), i);
+}
+
 }  // namespace
+
+void RangeArray(std::span<const double> u, const vector_forms::ProbabilityRange& range,
+                std::span<double> out) {
+  Probabilities(
+      u, range, [&](auto d, std::size_t /*i*/) { return hn::Set(d, range.lower); }, out);
+}
+void StrataArray(std::span<const double> u, const std::int32_t* strata,
+                 const vector_forms::ProbabilityRange& range, std::span<double> out) {
+  Probabilities(
+      u, range,
+      [&](auto d, std::size_t i) {
+        const hn::Rebind<std::int32_t, decltype(d)> d32;
+        const auto stratum = hn::PromoteTo(d, hn::LoadU(d32, strata + i));
+        return hn::Add(hn::Set(d, range.lower), hn::Mul(stratum, hn::Set(d, range.width)));
+      },
+      out);
+}
+void RealStrataArray(std::span<const double> u, const double* strata,
+                     const vector_forms::ProbabilityRange& range, std::span<double> out) {
+  Probabilities(
+      u, range,
+      [&](auto d, std::size_t i) {
+        return hn::Add(hn::Set(d, range.lower), hn::Mul(hn::LoadU(d, strata + i), hn::Set(d, range.width)));
+      },
+      out);
+}
 
 void PhiloxHalfArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
                      std::span<double> out) {
@@ -197,6 +240,9 @@ HWY_EXPORT(NormalsArray);
 HWY_EXPORT(LocatedNormalsArray);
 HWY_EXPORT(PhiloxArray);
 HWY_EXPORT(PhiloxHalfArray);
+HWY_EXPORT(RangeArray);
+HWY_EXPORT(StrataArray);
+HWY_EXPORT(RealStrataArray);
 
 double NormalFromUniform(double u) {
   return HWY_STATIC_DISPATCH(NormalOne)(u);
@@ -217,6 +263,21 @@ void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstB
 void PhiloxHalves(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
                   std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(PhiloxHalfArray)(key0, key1, firstBlock, second, out);
+}
+
+void ProbabilitiesInRange(std::span<const double> u, const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(RangeArray)(u, range, out);
+}
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const std::int32_t> strata,
+                           const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size() && strata.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(StrataArray)(u, strata.data(), range, out);
+}
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const double> strata,
+                           const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size() && strata.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(RealStrataArray)(u, strata.data(), range, out);
 }
 
 }  // namespace vector_forms
