@@ -164,48 +164,68 @@ void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock
   }
 }
 
-// out[i] = least <= start(i) + u[i] width <= most, start(d, i) for a vector from i on.
+// Where the part of the probabilities begins in which a uniform deviate picks a point: its range, or strata.
+struct RangeStart {
+  double lower;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t /*i*/) const {
+    return hn::Set(d, lower);
+  }
+};
+struct StratumStart {
+  double lower;
+  double width;
+  const std::int32_t* strata;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t i) const {
+    const auto stratum = hn::PromoteTo(d, hn::LoadU(hn::Rebind<std::int32_t, D>(), strata + i));
+    return hn::Add(hn::Set(d, lower), hn::Mul(stratum, hn::Set(d, width)));
+  }
+};
+struct RealStratumStart {
+  double lower;
+  double width;
+  const double* strata;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t i) const {
+    return hn::Add(hn::Set(d, lower), hn::Mul(hn::LoadU(d, strata + i), hn::Set(d, width)));
+  }
+};
+
+// One vector of start(i) + u[i] width, kept from least to most.
+template <class D, class Start>
+HWY_INLINE void StoreProbabilities(D d, const double* u, const vector_forms::ProbabilityRange& range,
+                                   Start start, std::size_t i, double* out) {
+  const auto p = hn::Add(start(d, i), hn::Mul(hn::LoadU(d, u + i), hn::Set(d, range.width)));
+  const auto raised = hn::IfThenElse(hn::Lt(p, hn::Set(d, range.least)), hn::Set(d, range.least), p);
+  const auto isAbove = hn::Gt(raised, hn::Set(d, range.most));
+  hn::StoreU(hn::IfThenElse(isAbove, hn::Set(d, range.most), raised), d, out + i);
+}
+
 template <class Start>
-void Probabilities(std::span<const double> u, const vector_forms::ProbabilityRange& range, const Start& start,
+void Probabilities(std::span<const double> u, const vector_forms::ProbabilityRange& range, Start start,
                    std::span<double> out) {
-  const auto fill = [&](auto d, std::size_t i) {
-    const auto p = hn::Add(start(d, i), hn::Mul(hn::LoadU(d, u.data() + i), hn::Set(d, range.width)));
-    const auto raised = hn::IfThenElse(hn::Lt(p, hn::Set(d, range.least)), hn::Set(d, range.least), p);
-    const auto isAbove = hn::Gt(raised, hn::Set(d, range.most));
-    hn::StoreU(hn::IfThenElse(isAbove, hn::Set(d, range.most), raised), d, out.data() + i);
-  };
   const hn::ScalableTag<double> d;
   const std::size_t whole = out.size() - out.size() % hn::Lanes(d);
-  for (std::size_t i = 0; i < whole; i += hn::Lanes(d)) fill(d, i);
-  for (std::size_t i = whole; i < out.size(); ++i) fill(OneLane(), i);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d))
+    StoreProbabilities(d, u.data(), range, start, i, out.data());
+  for (std::size_t i = whole; i < out.size(); ++i)
+    StoreProbabilities(OneLane(), u.data(), range, start, i, out.data());
 }
 
 }  // namespace
 
 void RangeArray(std::span<const double> u, const vector_forms::ProbabilityRange& range,
                 std::span<double> out) {
-  Probabilities(
-      u, range, [&](auto d, std::size_t /*i*/) { return hn::Set(d, range.lower); }, out);
+  Probabilities(u, range, RangeStart{range.lower}, out);
 }
 void StrataArray(std::span<const double> u, const std::int32_t* strata,
                  const vector_forms::ProbabilityRange& range, std::span<double> out) {
-  Probabilities(
-      u, range,
-      [&](auto d, std::size_t i) {
-        const hn::Rebind<std::int32_t, decltype(d)> d32;
-        const auto stratum = hn::PromoteTo(d, hn::LoadU(d32, strata + i));
-        return hn::Add(hn::Set(d, range.lower), hn::Mul(stratum, hn::Set(d, range.width)));
-      },
-      out);
+  Probabilities(u, range, StratumStart{range.lower, range.width, strata}, out);
 }
 void RealStrataArray(std::span<const double> u, const double* strata,
                      const vector_forms::ProbabilityRange& range, std::span<double> out) {
-  Probabilities(
-      u, range,
-      [&](auto d, std::size_t i) {
-        return hn::Add(hn::Set(d, range.lower), hn::Mul(hn::LoadU(d, strata + i), hn::Set(d, range.width)));
-      },
-      out);
+  Probabilities(u, range, RealStratumStart{range.lower, range.width, strata}, out);
 }
 
 void PhiloxHalfArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
