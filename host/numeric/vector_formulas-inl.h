@@ -26,6 +26,10 @@ inline constexpr double kVectorInfinity = std::numeric_limits<double>::infinity(
 inline constexpr double kRounder = 0x1.8p52;
 inline constexpr int kMantissaBits = 52;
 
+// Vectors that go through the steps of a long formula together, so that none waits for its own last step: as
+// many as the registers hold.
+inline constexpr std::size_t kTogether = HWY_TARGET <= HWY_AVX3 ? 4 : 2;
+
 // Polynomial with coefficients from the highest power down.
 template <class D, class V, std::size_t kSize>
 HWY_INLINE V Horner(D d, const double (&coefficients)[kSize], V x) {

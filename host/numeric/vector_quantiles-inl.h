@@ -132,7 +132,7 @@ HWY_INLINE void TailsOf(double* packed, std::size_t count, Source source) {
 // The z of one block of whole vectors: the centre of all, then the few in the tails, packed.
 template <class Source>
 HWY_INLINE void QuantilesOfBlock(const double* x, std::size_t count, Source source, double* z) {
-  constexpr std::size_t kTogether = 2;
+  constexpr std::size_t kTailsTogether = 2;  // of a few, which more would fill up for nothing
   const std::size_t lanes = hn::Lanes(hn::ScalableTag<double>());
   PlaceList tails;
   std::size_t i = 0;
@@ -141,9 +141,9 @@ HWY_INLINE void QuantilesOfBlock(const double* x, std::size_t count, Source sour
   HWY_ALIGN double packed[kQuantileBlock + kMostLanes];
   for (std::size_t t = 0; t < tails.Size(); ++t) packed[t] = x[tails[t]];
   const std::size_t padded =
-      (tails.Size() + kTogether * lanes - 1) / (kTogether * lanes) * (kTogether * lanes);
+      (tails.Size() + kTailsTogether * lanes - 1) / (kTailsTogether * lanes) * (kTailsTogether * lanes);
   std::fill_n(packed + tails.Size(), padded - tails.Size(), 0.01);
-  TailsOf<kTogether>(packed, padded, source);
+  TailsOf<kTailsTogether>(packed, padded, source);
   for (std::size_t t = 0; t < tails.Size(); ++t) z[tails[t]] = packed[t];
 }
 

@@ -47,7 +47,7 @@ HWY_INLINE V TimesWord([[maybe_unused]] D du, V v, std::uint32_t factor) {
 }
 
 // Vectors of blocks that go through the rounds together, so that none waits for its own last product.
-constexpr std::size_t kGroups = 2;
+constexpr std::size_t kGroups = kTogether;
 
 // Ten rounds on vectors of blocks, a 32-bit word in the low half of each lane; the upper halves hold
 // anything. Multipliers and key increments: Salmon, Moraes, Dror & Shaw (2011).
