@@ -26,7 +26,7 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;  // rows between two looks at the clock
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;  // rows between two looks at the clock
 
 // Calls body(places, buffers) for the columns 0 … k - 1 in order, as many at a time as there are buffers.
 template <class Body>
@@ -45,8 +45,11 @@ std::vector<std::size_t> FirstPlaces(std::size_t k) {
 
 void FillNormalScores(std::span<double> scores) {
   const auto cells = static_cast<double>(scores.size() + 1);
-  for (std::size_t i = 0; i < scores.size(); ++i) scores[i] = static_cast<double>(i + 1) / cells;
-  normal::Quantile(scores, 0, 1, scores);
+  ParallelBlocks(scores.size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    const std::span<double> block = scores.subspan(begin, end - begin);
+    for (std::size_t i = begin; i < end; ++i) scores[i] = static_cast<double>(i + 1) / cells;
+    normal::Quantile(block, 0, 1, block);
+  });
 }
 
 // M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing where that has none.
@@ -213,10 +216,10 @@ void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size
   std::size_t stepped = 0;
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
     // The scores themselves are shuffled: the permutation of 1 … n that the same draws make, looked up.
+    FillNormalScores(batch[0]);
+    ParallelFor(places.size() - 1, [&](std::size_t c) { std::ranges::copy(batch[0], batch[c + 1].begin()); });
     PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
-      cancelled.Poll();
-      FillNormalScores(batch[c]);
-      Shuffle(stream, start + places[c] * draws, batch[c]);
+      Shuffle(stream, start + places[c] * draws, batch[c], cancelled);
     });
     WriteColumns(batch, places, k, scores);
     const std::size_t done = n * (places.back() + 1) / k;

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/simulation/candidate_draws.h"
 #include "brv_sra/simulation/column_draws.h"
 #include "brv_sra/simulation/matrix_columns.h"
 #include "brv_sra/simulation/random_permutation.h"
@@ -27,7 +28,7 @@ namespace {
 constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
 // Rows between two looks at the clock, and rows whose values one task holds before it writes them.
-constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;
 constexpr std::size_t kRowsPerTile = 256;
 
 using Sampler = std::unique_ptr<const VariableSampler>;
@@ -66,10 +67,9 @@ struct OpenColumns {
   void ShuffleStrata(const RandomStream& stream, CKroProgressBar& progress) {
     strata = AnalysisArray<std::int32_t>(samples * places.size());
     PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
-      cancelled.Poll();
       const std::span<std::int32_t> column = strata.Span().subspan(c * samples, samples);
       std::iota(column.begin(), column.end(), 0);
-      positions[c] = Shuffle(stream, positions[c], column);
+      positions[c] = Shuffle(stream, positions[c], column, cancelled);
     });
   }
 };
@@ -118,6 +118,7 @@ class MatrixGenerator {
       position_ += *draws;
       if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
     }
+    WriteDrawn();
     if (!DrawGathered()) return false;
     SetProcessStreamPosition(position_);
     return true;
@@ -144,15 +145,31 @@ class MatrixGenerator {
   }
 
   bool DrawInOrder(const VariableSampler& sampler, std::size_t place) {
-    AnalysisArray<double> buffer(std::min(samples_, kRowsPerLook));
+    const std::span<double> column = ColumnToDraw();
+    CandidateDraws draws(sampler, stream_, position_);
     for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
-      const std::span<double> rows = buffer.Span().first(std::min(kRowsPerLook, samples_ - from));
-      position_ = sampler.DrawInOrder(stream_, position_, rows);
+      const std::span<double> rows = column.subspan(from, std::min(kRowsPerLook, samples_ - from));
+      draws.Draw(rows);
       if (!AreFinite(rows)) return false;
-      WriteRows({&rows, 1}, {&place, 1}, 0, rows.size(), from, design_.variables.size(), matrix_);
       progress_.Step(static_cast<std::int64_t>(rows.size()));
     }
+    position_ = draws.Position();
+    drawn_.push_back(place);
+    if (buffers_ && drawn_.size() == buffers_->Most()) WriteDrawn();
     return true;
+  }
+
+  // A single column is the matrix itself; of others some are drawn, then written together.
+  std::span<double> ColumnToDraw() {
+    if (design_.variables.size() == 1) return matrix_;
+    if (!buffers_) buffers_.emplace(samples_, design_.variables.size());
+    return buffers_->First(drawn_.size() + 1).back();
+  }
+
+  void WriteDrawn() {
+    if (!buffers_) return;
+    WriteColumns(buffers_->First(drawn_.size()), drawn_, design_.variables.size(), matrix_);
+    drawn_.clear();
   }
 
   const SimulationDesign& design_;
@@ -163,6 +180,8 @@ class MatrixGenerator {
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
   OpenColumns columns_;
+  std::optional<ColumnBuffers> buffers_;  // of columns drawn in order
+  std::vector<std::size_t> drawn_;        // their places in the matrix
 };
 
 }  // namespace

@@ -4,9 +4,9 @@
 #include <array>
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/simulation/candidate_draws.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "host/base/parallel.h"
 #include "host/numeric/distributions.h"
@@ -17,10 +17,9 @@ namespace {
 constexpr double kTruncatedLower = 0.005;
 constexpr double kTruncatedUpper = 0.995;
 constexpr double kUnbounded = 1e300;
-constexpr std::size_t kMostCandidates = 5;
-constexpr std::size_t kTile = 1024;           // values whose draws stay in the nearest caches
-constexpr std::size_t kBlock = 16 * kTile;    // values of one task
-constexpr std::size_t kMostPlaces = 1 << 17;  // draws looked at together where candidates may be rejected
+constexpr std::size_t kTile = 1024;         // values whose draws stay in the nearest caches
+constexpr std::size_t kBlock = 16 * kTile;  // values of one task
+constexpr std::size_t kValuesPerPoll = std::size_t{1} << 18;
 // A uniform deviate of 0 stands for those up to the next, 2^-53: for their middle.
 constexpr double kMiddleOfZero = 0x1p-54;
 constexpr double kLargestProbability = 1 - 0x1p-53;
@@ -100,9 +99,13 @@ double VariableSampler::LargestMagnitude() const {
 
 void VariableSampler::Invert(std::span<double> probabilities) const {
   for (double& p : probabilities) {
-    const double raised = p <= 0 || p < lowerProbability_ ? leastProbability_ : p;
+    const double raised = p <= lowerProbability_ ? leastProbability_ : p;
     p = raised > mostProbability_ ? mostProbability_ : raised;
   }
+  InvertInside(probabilities);
+}
+
+void VariableSampler::InvertInside(std::span<double> probabilities) const {
   law_.Quantile(probabilities, probabilities);
   if (leastValue_ > -kUnbounded)
     for (double& x : probabilities) x = x < leastValue_ ? leastValue_ : x;
@@ -133,9 +136,8 @@ void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t positi
     const std::span<double> used(draws.data(), stride * count);
     stream.FillUniform(position + stride * begin, used);
     if (stride == 1) {
-      for (std::size_t i = 0; i < count; ++i)
-        tile[i] = lowerProbability_ + used[i] * (upperProbability_ - lowerProbability_);
-      Invert(tile);
+      vector_forms::ProbabilitiesInRange(used, RangeOfStrata(1), tile);
+      InvertInside(tile);
       continue;
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -155,88 +157,46 @@ std::uint64_t VariableSampler::DrawInOrder(const RandomStream& stream, std::uint
     });
     return position + *fixed * out.size();
   }
-  // Where a value draws depends on how many candidates were rejected before. So the candidates of every place
-  // in the stream are made in bulk, then the values hop over them.
-  const std::size_t draws = candidates_->Draws();
-  const std::size_t most = 1 + kMostCandidates * draws;  // places of one value
-  std::vector<double> uniforms;
-  std::vector<double> candidates;
-  std::vector<std::size_t> rejected;
-  std::size_t row = 0;
-  while (row < out.size()) {
+  CandidateDraws draws(*this, stream, position);
+  for (std::size_t begin = 0; begin < out.size(); begin += kValuesPerPoll) {
     cancelled.Poll();
-    const std::size_t places = std::clamp((out.size() - row) * (1 + draws), most, kMostPlaces);
-    uniforms.resize(places + draws - 1);
-    candidates.resize(places);
-    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
-      const std::size_t last = end == places ? uniforms.size() : end;
-      stream.FillUniform(position + begin, std::span(uniforms).subspan(begin, last - begin));
-    });
-    ParallelBlocks(places, kBlock, [&](std::size_t begin, std::size_t end) {
-      const std::span<const double> from(uniforms);
-      candidates_->Fill(from.subspan(begin, end - begin), from.subspan(begin + draws - 1, end - begin),
-                        std::span(candidates).subspan(begin, end - begin));
-    });
-    std::size_t place = 0;
-    rejected.clear();
-    for (; row < out.size() && place + most <= places; ++row) {
-      const double fallback = uniforms[place];
-      const std::size_t end = place + most;
-      for (++place; place < end; place += draws)
-        if (candidates[place] >= lowest_ && candidates[place] <= highest_) break;
-      if (place < end) {
-        out[row] = candidates[place];
-        place += draws;
-      } else {
-        out[row] = lowerProbability_ + fallback * (upperProbability_ - lowerProbability_);
-        rejected.push_back(row);
-      }
-    }
-    InvertRejected(rejected, out);
-    position += place;
+    draws.Draw(out.subspan(begin, std::min(kValuesPerPoll, out.size() - begin)));
   }
-  return position;
+  return draws.Position();
 }
 
-void VariableSampler::InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const {
-  ParallelBlocks(rows.size(), kBlock, [&](std::size_t begin, std::size_t end) {
-    std::vector<double> values(end - begin);
-    for (std::size_t r = begin; r < end; ++r) values[r - begin] = out[rows[r]];
-    Invert(values);
-    for (std::size_t r = begin; r < end; ++r) out[rows[r]] = values[r - begin];
-  });
+vector_forms::ProbabilityRange VariableSampler::RangeOfStrata(std::size_t strata) const {
+  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(strata);
+  return {lowerProbability_, width, leastProbability_, mostProbability_};
 }
 
-// stratum(i) is the stratum of out[i], counted from 0; it is asked for before out[i] is written.
+// `out` may be `strata`.
 template <class Stratum>
 void VariableSampler::FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
-                                 const Stratum& stratum, std::span<double> out) const {
-  const double width = (upperProbability_ - lowerProbability_) / static_cast<double>(samples);
+                                 std::span<const Stratum> strata, std::span<double> out) const {
+  const vector_forms::ProbabilityRange range = RangeOfStrata(samples);
   std::array<double, kTile> uniforms;
   for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
     const std::span<double> tile = out.subspan(begin, std::min(kTile, out.size() - begin));
     stream.FillUniform(position + begin, {uniforms.data(), tile.size()});
-    for (std::size_t i = 0; i < tile.size(); ++i)
-      tile[i] = lowerProbability_ + stratum(begin + i) * width + uniforms[i] * width;
-    Invert(tile);
+    vector_forms::ProbabilitiesInStrata(uniforms, strata.subspan(begin, tile.size()), range, tile);
+    InvertInside(tile);
   }
 }
 
 void VariableSampler::DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
                                  std::span<const std::int32_t> strata, std::span<double> out) const {
-  FillStrata(
-      stream, position, samples, [&](std::size_t i) { return static_cast<double>(strata[i]); }, out);
+  FillStrata(stream, position, samples, strata, out);
 }
 
 std::uint64_t VariableSampler::DrawStratified(const RandomStream& stream, std::uint64_t position,
                                               std::span<double> out, const Cancellation& cancelled) const {
   for (std::size_t i = 0; i < out.size(); ++i) out[i] = static_cast<double>(i);
-  position = Shuffle(stream, position, out);
+  position = Shuffle(stream, position, out, cancelled);
   ParallelBlocks(out.size(), kBlock, [&](std::size_t begin, std::size_t end) {
     cancelled.Poll();
     const std::span<double> block = out.subspan(begin, end - begin);
-    FillStrata(
-        stream, position + begin, out.size(), [&](std::size_t i) { return block[i]; }, block);
+    FillStrata(stream, position + begin, out.size(), std::span<const double>(block), block);
   });
   return position + out.size();
 }

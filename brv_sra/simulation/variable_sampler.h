@@ -17,6 +17,7 @@
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/base/cancellation.h"
 #include "host/numeric/random_stream.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::sra {
 
@@ -47,6 +48,7 @@ class VariableSampler {
   // values becomes the nearest one inside.
   void Invert(std::span<double> probabilities) const;
 
+  const Candidates& NaturalGenerator() const { return *candidates_; }
   // Uniform deviates of every Monte Carlo value, where no candidate can be rejected; else nothing.
   std::optional<std::size_t> FixedDraws() const;
   // Monte Carlo values, with FixedDraws() only: `out` takes values of which the first draws at `position`.
@@ -70,8 +72,11 @@ class VariableSampler {
   bool HasValues() const;
   template <class Stratum>
   void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
-                  const Stratum& stratum, std::span<double> out) const;
-  void InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const;
+                  std::span<const Stratum> strata, std::span<double> out) const;
+  // The range, or one of so many strata of it.
+  vector_forms::ProbabilityRange RangeOfStrata(std::size_t strata) const;
+  // Of probabilities in the range.
+  void InvertInside(std::span<double> probabilities) const;
 
   DistributionSpecification specification_;
   Law law_;  // views specification_
