@@ -171,7 +171,7 @@ TEST(Formula, FaultNamesWhatIsWrongAndItsCharacter) {
       {"if(x, 1)", 8, "'if' takes 3 values, here are 2"},
       {"min()", 5, "'min' takes 1 or more values, here are 0"},
       {"LogNormalCdf(x, 1)", 18, "'LogNormalCdf' takes 3 to 4 values, here are 2"},
-      {"1 + ", 5, "the formula ends too soon"},
+      {"1 + ", 5, "the formula is incomplete"},
       {"sin(x", 6, "')' is missing"},
       {"(x, 1)", 3, "unexpected ','"},
       {"x 2", 3, "unexpected '2'"},

@@ -101,7 +101,7 @@ void Lexer::Fail(const std::string& what, std::size_t place) const {
 }
 
 void Lexer::FailUnexpected() const {
-  if (token_.kind == TokenKind::kEnd) Fail("the formula ends too soon", token_.begin);
+  if (token_.kind == TokenKind::kEnd) Fail("the formula is incomplete", token_.begin);
   Fail("unexpected '" + std::string(Text()) + "'", token_.begin);
 }
 
