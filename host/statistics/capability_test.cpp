@@ -147,8 +147,6 @@ TEST(Capability, IntervalsHoldTheIndexAsOftenAsTheySay) {
   EXPECT_NEAR(cp / double{kSamples}, 0.95, 0.02);
   EXPECT_NEAR(cpk / double{kSamples}, 0.95, 0.02);
   EXPECT_NEAR(ppk / double{kSamples}, 0.95, 0.02);
-  RecordProperty("coverage", std::to_string(cp) + " " + std::to_string(cpk) + " " + std::to_string(pp) + " " + std::to_string(ppk));
-  std::printf("COVER %d %d %d %d\n", cp, cpk, pp, ppk);
 }
 
 TEST(Capability, TargetOffTheMiddleCountsFromTheNearerLimit) {

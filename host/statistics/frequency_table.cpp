@@ -1,9 +1,8 @@
 #include "host/statistics/frequency_table.h"
 
 #include <algorithm>
-#include <cmath>
 
-#include "host/base/axis_scaling.h"
+#include "host/statistics/histogram_classes.h"
 
 namespace brenvolt {
 namespace {
@@ -29,7 +28,7 @@ std::size_t CountThrough(std::span<const double> sorted, double x) {
 std::vector<FrequencyClass> FrequencyTable(std::span<const double> sorted) {
   std::vector<FrequencyClass> table;
   for (std::size_t before = 0; before < sorted.size();) {
-    if (table.size() == kMostSingleValues) return FrequencyTable(sorted, RoundBounds(sorted));
+    if (table.size() == kMostSingleValues) return FrequencyTable(sorted, ClassesOf(sorted, true).bounds);
     const double value = sorted[before];
     const std::size_t through = CountThrough(sorted, value);
     table.push_back(MakeClass(value, value, before, through, sorted.size()));
@@ -48,22 +47,6 @@ std::vector<FrequencyClass> FrequencyTable(std::span<const double> sorted, std::
     before = through;
   }
   return table;
-}
-
-std::vector<double> RoundBounds(std::span<const double> sorted) {
-  double low = sorted.front();
-  double high = sorted.back();
-  const double classes = std::ceil(1 + std::log2(static_cast<double>(sorted.size())));
-  const double step =
-      scling_double_QUA(low, high, static_cast<int>(2.5 * classes), static_cast<int>(classes));
-  // Multiples of a tenth are quotients: 3/10, where 3 * 0.1 is above 0.3.
-  const double inverse = std::round(1 / step);
-  const auto multiple = [&](double k) { return step < 1 ? k / inverse : k * step; };
-  const double first = std::round(low / step);
-  const double last = std::round(high / step);
-  std::vector<double> bounds;
-  for (double k = first; k <= last; ++k) bounds.push_back(multiple(k));
-  return bounds;
 }
 
 }  // namespace brenvolt

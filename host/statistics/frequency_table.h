@@ -22,16 +22,12 @@ struct FrequencyClass {
 // A sample of no more different values than this has a class for each.
 inline constexpr std::size_t kMostSingleValues = 20;
 
-// The table of finite ascending values: a class for each value where there are few, classes between round
-// bounds otherwise. Empty for an empty sample.
+// The table of finite ascending values: a class for each value where there are few, otherwise the classes of
+// a histogram of continuous values (histogram_classes.h). Empty for an empty sample.
 std::vector<FrequencyClass> FrequencyTable(std::span<const double> sorted);
 
 // The same between given bounds, strictly ascending, two at least. Values outside count in the total alone,
 // those below also in the cumulative counts.
 std::vector<FrequencyClass> FrequencyTable(std::span<const double> sorted, std::span<const double> bounds);
-
-// Multiples of a round step that enclose finite ascending values, one at least. There are as many classes as
-// Sturges (1926) has, 1 + log2 n, up to two and a half times as many.
-std::vector<double> RoundBounds(std::span<const double> sorted);
 
 }  // namespace brenvolt
