@@ -44,8 +44,10 @@ struct CodeRange {
 
 void CopyWithoutCode(std::span<const double> values, const CodeRange& code, std::span<double> out) {
   for (std::size_t i = 0; i < out.size(); ++i) {
-    const bool missing = (values[i] >= code.low) & (values[i] <= code.high);
-    out[i] = missing ? kMissingResult : values[i];
+    // Without a branch, so that the loop is vectorised.
+    const int above = values[i] >= code.low ? 1 : 0;
+    const int below = values[i] <= code.high ? 1 : 0;
+    out[i] = (above & below) != 0 ? kMissingResult : values[i];
   }
 }
 
