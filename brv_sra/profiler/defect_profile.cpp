@@ -186,7 +186,8 @@ Graph MakeDefectGraph(std::span<const ProfiledResponse> responses,
     const std::string& predictor = predictors[profile.predictor].name;
     Graph panel;
     panel.kind = GraphKind::kProfile;
-    panel.title = response + " / " + predictor;
+    panel.title = response;
+    panel.title.append(" / ").append(predictor);
     panel.xTitle = predictor;
     panel.yTitle = ResourceString(kDefectHeadingRate);
     GraphSeries line;

@@ -113,6 +113,7 @@ TEST(Formula, FunctionsAnswerAtTheirEdges) {
       {"1 or missing", kNan},
       {"not missing", kNan},
       {"sign(missing)", kNan},
+      {"and(5) + or(-2, 0)", 2},
       {"ismissing(1/0) + ismissing(1)", 1},
       {"NormalQuantile(2, 0, 1)", kNan},
       {"NormalDensity(0, 0, -1)", kNan},

@@ -140,6 +140,13 @@ void FoldKernel(std::span<const BlockArgument> arguments, std::span<double> out)
   }
 }
 
+// Of a single value, too, the truth is 0 or 1.
+template <double (*kFunction)(double, double)>
+void TruthKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
+  FoldKernel<kFunction>(arguments, out);
+  for (double& value : out) value = kFunction(value, value);
+}
+
 void MeanKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
   FoldKernel<AddValues>(arguments, out);
   for (double& value : out) value /= static_cast<double>(arguments.size());
@@ -180,7 +187,7 @@ constexpr FormulaFunction kFunctions[] = {
     {"abs", UnaryKernel<std::abs>, 1, 1},
     {"acos", UnaryKernel<std::acos>, 1, 1},
     {"acosh", UnaryKernel<std::acosh>, 1, 1},
-    {"and", FoldKernel<BothTrue>, 1, kMostArguments},
+    {"and", TruthKernel<BothTrue>, 1, kMostArguments},
     {"asin", UnaryKernel<std::asin>, 1, 1},
     {"asinh", UnaryKernel<std::asinh>, 1, 1},
     {"atan", UnaryKernel<std::atan>, 1, 1},
@@ -203,7 +210,7 @@ constexpr FormulaFunction kFunctions[] = {
     {"min", FoldKernel<Smaller>, 1, kMostArguments},
     {"mod", BinaryKernel<Modulo>, 2, 2},
     {"not", UnaryKernel<NotTrue>, 1, 1},
-    {"or", FoldKernel<OneTrue>, 1, kMostArguments},
+    {"or", TruthKernel<OneTrue>, 1, kMostArguments},
     {"power", PowerKernel, 2, 2},
     {"rint", UnaryKernel<std::rint>, 1, 1},
     {"round", RoundKernel, 1, 2},
