@@ -1,6 +1,6 @@
 // The formula text that draws a fitted distribution over the histogram of its variable: a factor "N*w" of the
 // number of cases and the width of a class, then the distribution's function of x with its values. The names
-// of functions are those of the host's formulas (host/formula/curve_functions.h), irregular spellings
+// of functions are those of the host's formulas (host/formula/distribution_functions.h), irregular spellings
 // included; the host evaluates the text (host/formula/curve.h).
 //
 // Any specification has a text; that of one that is not valid (law.h) draws nothing meaningful. A value that

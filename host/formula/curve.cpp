@@ -1,41 +1,28 @@
 #include "host/formula/curve.h"
 
-#include <muParser.h>
-
+#include <algorithm>
+#include <array>
 #include <cmath>
-#include <limits>
 #include <optional>
-#include <string>
 
-#include "host/formula/translation.h"
+#include "host/formula/compiler.h"
 
 namespace brenvolt {
-namespace {
-
-// The formula with a blank in the place of its leading sign, so that places in it stay what they were.
-std::string WithoutLeadingSign(std::string_view formula) {
-  std::string text(formula);
-  const auto first = text.find_first_not_of(" \t");
-  if (first != std::string::npos && (text[first] == '=' || text[first] == '*')) text[first] = ' ';
-  return text;
-}
-
-}  // namespace
 
 struct Curve::Compiled {
-  double x = 0;  // where the parser finds its variable
-  std::unique_ptr<mu::Parser> parser;
+  Program program;
+  Program::Workspace workspace;
 };
 
 Curve::Curve(std::string_view formula, std::string_view sourceName)
     : compiled_(std::make_unique<Compiled>()) {
-  const std::string text = WithoutLeadingSign(formula);
-  const Translation translation(
-      text, [](std::string_view name) { return name == "x" ? std::optional<std::size_t>(0) : std::nullopt; },
-      sourceName);
-  compiled_->parser = translation.MakeParser([this](std::size_t) { return &compiled_->x; });
-  // The first evaluation parses; those that follow run what it made of the text.
-  translation.Checked([this] { compiled_->parser->Eval(); });
+  const std::size_t first = formula.find_first_not_of(" \t");
+  const bool continues = first != std::string_view::npos && formula[first] == '*';
+  compiled_->program = Compile(
+      formula,
+      [](std::string_view name, bool) { return name == "x" ? std::optional<std::size_t>(0) : std::nullopt; },
+      sourceName, continues ? first + 1 : 0);
+  compiled_->workspace = compiled_->program.MakeWorkspace();
 }
 
 Curve::~Curve() = default;
@@ -43,14 +30,22 @@ Curve::Curve(Curve&&) noexcept = default;
 Curve& Curve::operator=(Curve&&) noexcept = default;
 
 double Curve::At(double x) {
-  // A comparison would take NaN for a number.
-  if (std::isnan(x)) return std::numeric_limits<double>::quiet_NaN();
-  compiled_->x = x;
-  return compiled_->parser->Eval();
+  double y = 0;
+  Evaluate({&x, 1}, {&y, 1});
+  return y;
 }
 
 void Curve::Evaluate(std::span<const double> x, std::span<double> out) {
-  for (std::size_t i = 0; i < x.size(); ++i) out[i] = At(x[i]);
+  for (std::size_t done = 0; done < x.size(); done += Program::kBlock) {
+    const auto block = x.subspan(done, std::min(Program::kBlock, x.size() - done));
+    const double* column = block.data();
+    std::array<bool, Program::kBlock> missing{};
+    std::ranges::transform(block, missing.begin(), [](double value) { return std::isnan(value); });
+    const auto results = out.subspan(done, block.size());
+    compiled_->program.Run({&column, compiled_->program.Variables().size()}, compiled_->workspace, results);
+    // Not every formula needs its variable.
+    for (std::size_t i = 0; i < results.size(); ++i) results[i] = missing[i] ? kMissingResult : results[i];
+  }
 }
 
 }  // namespace brenvolt

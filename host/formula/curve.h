@@ -1,8 +1,8 @@
 // A formula in the one variable x: parsed once, evaluated over arrays.
 //
-// The grammar is that of expression.h with the functions of curve_functions.h. A sign at the beginning says
-// how the text is used and changes no value: "=" begins a formula, "*" continues a product that a graph
-// began.
+// The grammar and the functions are those of formula.h, but values that are not finite stay what they are. A
+// sign at the beginning says how the text is used and changes no value: "=" begins a formula, "*" continues a
+// product that a graph began.
 #pragma once
 
 #include <memory>

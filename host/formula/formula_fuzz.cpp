@@ -14,7 +14,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/formula/curve.h"
-#include "host/formula/expression.h"
+#include "host/formula/formula.h"
 
 namespace brenvolt {
 namespace {
@@ -46,11 +46,20 @@ void CheckCurve(std::string_view text) {
   for (std::size_t i = 0; i < kX.size(); ++i) Require(Same(curve.At(kX[i]), y[i]));
 }
 
-void CheckCases(std::string_view text) {
-  const std::array<double, 2> x{0.75, -2};
-  const FormulaVariable variable{"x", x, -9};
-  const std::vector<double> y = EvaluateOverCases(text, std::span(&variable, 1), x.size(), kSource);
-  Require(y.size() == x.size());
+// Over columns, with a variable that is missing, and case by case. An assignment is split first.
+void CheckFormula(std::string_view text) {
+  const std::array<std::string_view, 2> names{"x", "wait time"};
+  const std::array<double, 3> x{0.75, -2, 0};
+  const std::array<double, 3> wait{4, -9, 0.5};
+  const Formula formula(text, names, kSource, SplitAssignment(text, kSource).begin);
+  const std::vector<double> y = formula.Evaluate(std::array<FormulaColumn, 2>{{{x}, {wait, -9}}}, x.size());
+  for (std::size_t i = 0; i < y.size(); ++i) {
+    double single = 0;
+    const std::array<FormulaColumn, 2> columns{{{{&x[i], 1}}, {{&wait[i], 1}, -9}}};
+    formula.Evaluate(columns, {&single, 1}, i + 1);
+    Require(Same(single, y[i]));
+    Require(std::isfinite(y[i]) || std::isnan(y[i]));
+  }
 }
 
 }  // namespace
@@ -60,7 +69,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace brenvolt;
   if (size > kLongestText) return 0;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
-  for (const auto check : {CheckCurve, CheckCases}) {
+  for (const auto check : {CheckCurve, CheckFormula}) {
     try {
       check(text);
     } catch (const Error& error) {

@@ -11,8 +11,9 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::array<std::string_view, 7> kKindNames{
-    "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary"};
+constexpr std::array<std::string_view, 8> kKindNames{
+    "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary",
+    "profile"};
 
 // Columns of unequal lengths, made into a sheet once the longest is known.
 class Columns {

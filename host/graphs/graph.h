@@ -23,11 +23,12 @@ enum class GraphKind : std::uint8_t {
   kQuantilePlot,     // Q-Q
   kEmpiricalDistribution,
   kBoxPlot,
-  kSummary  // nothing of its own but panels and notes
+  kSummary,  // nothing of its own but panels and notes
+  kProfile   // a response against a predictor
 };
 
 // The name of a kind in output that programs read: "histogram", "cumulative-histogram", "pp", "qq",
-// "empirical-distribution", "box-plot", "summary".
+// "empirical-distribution", "box-plot", "summary", "profile".
 std::string_view GraphKindName(GraphKind kind);
 
 // Adjoining bars: bar i reaches from bounds[i] to bounds[i + 1] and up to heights[i].

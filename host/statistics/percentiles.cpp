@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "host/base/almost_equal.h"
+#include "host/numeric/distributions.h"
 
 namespace brenvolt {
 
@@ -18,6 +19,26 @@ double Percentile(std::span<const double> sorted, double percent) {
   const PercentilePlace place = PlaceOfPercentile(sorted.size(), percent);
   if (place.below + 1 == sorted.size()) return sorted.back();
   return std::lerp(sorted[place.below], sorted[place.below + 1], place.fraction);
+}
+
+// The number of values up to the percentile is binomial.
+PercentileEstimate EstimatePercentile(std::span<const double> sorted, double percent, double confidence) {
+  PercentileEstimate estimate;
+  if (sorted.empty()) return estimate;
+  estimate.value = Percentile(sorted, percent);
+  const auto n = static_cast<double>(sorted.size());
+  const double p = percent / 100;
+  const double tail = (1 - confidence) / 2;
+  // The greatest rank below the percentile, and the least above it, with the confidence of one side.
+  double low = binomial::Quantile(tail, p, n);
+  if (binomial::Cdf(low, p, n) <= tail) ++low;
+  const double high = binomial::ComplementQuantile(tail, p, n) + 1;
+  if (low >= 1) estimate.lower = sorted[static_cast<std::size_t>(low) - 1];
+  if (high <= n) estimate.upper = sorted[static_cast<std::size_t>(high) - 1];
+  const double missedBelow = low >= 1 ? binomial::Cdf(low - 1, p, n) : 0;
+  const double missedAbove = high <= n ? binomial::Complement(high - 1, p, n) : 0;
+  estimate.coverage = 1 - missedBelow - missedAbove;
+  return estimate;
 }
 
 }  // namespace brenvolt

@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "host/statistics/frequency_table.h"
 #include "host/statistics/moments.h"
 #include "host/statistics/order_statistics.h"
 #include "host/statistics/percentiles.h"
@@ -161,6 +162,64 @@ TEST(Percentile, InterpolatesBetweenOrderStatistics) {
   EXPECT_EQ(Percentile(sorted, 100), 8);
   EXPECT_EQ(Percentile(std::vector<double>{7}, 99), 7);
   EXPECT_TRUE(IsNotSet(Percentile({}, 50)));
+}
+
+// Ranks and coverage by trying all pairs with SciPy's binomial sums. For the median they are the ranks that
+// tables have had since long: 6 and 15 of 20, 18 and 33 of 50, 40 and 61 of 100 (Hahn & Meeker 1991).
+TEST(PercentileReference, IntervalsTakeTheNarrowestRanksThatCover) {
+  struct Row {
+    std::size_t count;
+    double percent, confidence;
+    std::size_t lower, upper;
+    double coverage;
+  };
+  const Row rows[] = {
+#include "host/statistics/reference/percentile_ranks.inc"
+  };
+  for (const Row& r : rows) {
+    std::vector<double> sorted(r.count);
+    for (std::size_t i = 0; i < r.count; ++i) sorted[i] = static_cast<double>(i + 1);
+    const PercentileEstimate estimate = EstimatePercentile(sorted, r.percent, r.confidence);
+    SCOPED_TRACE(std::to_string(r.count) + " at " + std::to_string(r.percent));
+    EXPECT_EQ(estimate.value, Percentile(sorted, r.percent));
+    EXPECT_EQ(estimate.lower, r.lower == 0 ? kNotSet : static_cast<double>(r.lower));
+    EXPECT_EQ(estimate.upper, r.upper == 0 ? kNotSet : static_cast<double>(r.upper));
+    EXPECT_NEAR(estimate.coverage, r.coverage, 1e-12);
+  }
+  EXPECT_TRUE(IsNotSet(EstimatePercentile({}, 50, 0.95).coverage));
+}
+
+TEST(FrequencyTable, ValueOnABoundBelongsToTheClassBelowIt) {
+  const std::vector<double> sorted{-1, 0, 0.1, 0.2, 0.25, 0.3, 0.3, 9};
+  const auto table = FrequencyTable(sorted, std::vector<double>{0, 0.1, 0.2, 0.3});
+  ASSERT_EQ(table.size(), 3U);
+  const std::int64_t counts[] = {2, 1, 3};
+  const std::int64_t cumulative[] = {3, 4, 7};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(table[i].count, counts[i]) << i;
+    EXPECT_EQ(table[i].cumulativeCount, cumulative[i]) << i;
+    EXPECT_DOUBLE_EQ(table[i].percent, 12.5 * static_cast<double>(counts[i]));
+    EXPECT_DOUBLE_EQ(table[i].cumulativePercent, 12.5 * static_cast<double>(cumulative[i]));
+  }
+}
+
+TEST(FrequencyTable, FewValuesHaveTheirOwnClassesAndManyHaveRoundOnes) {
+  const auto few = FrequencyTable(std::vector<double>{1, 1, 2, 5, 5, 5});
+  ASSERT_EQ(few.size(), 3U);
+  EXPECT_EQ(few[2].from, 5);
+  EXPECT_EQ(few[2].to, 5);
+  EXPECT_EQ(few[2].count, 3);
+  EXPECT_TRUE(FrequencyTable({}).empty());
+  for (const auto& [scale, shift] : {std::pair{1.0, 0.0}, {1e-7, 0.0}, {1e12, -3e14}, {1e-3, 1e6}}) {
+    std::vector<double> many;
+    for (int i = 0; i < 1000; ++i) many.push_back(shift + scale * (0.003 + 0.001 * i));
+    const auto table = FrequencyTable(many);
+    EXPECT_GE(table.size(), 10U);
+    EXPECT_LE(table.size(), 28U);
+    EXPECT_EQ(table.back().cumulativeCount, 1000) << scale;
+    EXPECT_EQ(table.front().count, table.front().cumulativeCount) << scale;
+    for (std::size_t i = 1; i < table.size(); ++i) EXPECT_EQ(table[i].from, table[i - 1].to);
+  }
 }
 
 }  // namespace

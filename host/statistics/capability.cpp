@@ -1,0 +1,180 @@
+#include "host/statistics/capability.h"
+
+#include <algorithm>
+#include <boost/math/distributions/chi_squared.hpp>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "host/base/error.h"
+#include "host/numeric/distributions.h"
+#include "host/statistics/moments.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr double kMillion = 1e6;
+// The points of ISO 22514-2: what a normal process leaves beyond three standard deviations, as the standard
+// rounds it.
+constexpr double kLowPoint = 0.00135;
+constexpr double kHighPoint = 0.99865;
+
+// The mean moving range of two over its expectation for a unit deviation.
+const double kD2 = 2 / std::sqrt(std::numbers::pi);
+
+// The variance of the estimate mean range / d2 is (a n - b) / (n - 1)^2 in units of the deviation squared
+// (Hoel 1946; Cryer & Ryan 1990 round a to 0.8264 and b to 1.082): from the variance 2 - 4/pi of a moving
+// range and the covariance of neighbouring ones, which are absolute values of normal variables of correlation
+// -1/2.
+double MovingRangeDegrees(double n) {
+  constexpr double kPi = std::numbers::pi;
+  const double variance = 2 - 4 / kPi;
+  const double covariance = 4 / kPi * (std::numbers::sqrt3 / 2 + kPi / 12 - 1);
+  const double ranges = n - 1;
+  const double estimate = (ranges * variance + 2 * (ranges - 1) * covariance) / (ranges * ranges * kD2 * kD2);
+  // A deviation with nu degrees of freedom has, to first order, the variance 1 / (2 nu).
+  return 1 / (2 * estimate);
+}
+
+// The index of one limit: its distance from the centre over half the spread.
+double OneSided(bool given, double distance, double halfSpread) {
+  return given ? distance / halfSpread : kNotSet;
+}
+
+CapabilityIndices IndicesFrom(double centre, double lowSpread, double highSpread,
+                              const SpecificationLimits& limits) {
+  CapabilityIndices indices;
+  if (limits.HasLower() && limits.HasUpper()) {
+    indices.potential = (limits.upper - limits.lower) / (lowSpread + highSpread);
+  }
+  indices.lower = OneSided(limits.HasLower(), centre - limits.lower, lowSpread);
+  indices.upper = OneSided(limits.HasUpper(), limits.upper - centre, highSpread);
+  if (!limits.HasLower()) {
+    indices.least = indices.upper;
+  } else {
+    indices.least = limits.HasUpper() ? std::min(indices.lower, indices.upper) : indices.lower;
+  }
+  return indices;
+}
+
+bool IsDeviation(double deviation) {
+  return !IsNotSet(deviation) && deviation > 0 && std::isfinite(deviation);
+}
+
+PartsPerMillion PartsFrom(double below, double above) {
+  return {below * kMillion, above * kMillion, (below + above) * kMillion};
+}
+
+void RequireValid(const SpecificationLimits& limits) {
+  if (!limits.IsValid()) throw Error("the specification limits are not valid", "process capability");
+}
+
+}  // namespace
+
+ProcessSample DescribeProcess(std::span<const double> values) {
+  MomentAccumulator accumulator;
+  MomentAccumulator ranges;
+  double former = std::numeric_limits<double>::quiet_NaN();
+  for (const double x : values) {
+    if (std::isnan(x)) continue;
+    accumulator.Add(x, 1);
+    if (!std::isnan(former)) ranges.Add(std::abs(x - former), 1);
+    former = x;
+  }
+  const Moments moments = accumulator.Finish();
+  ProcessSample sample{moments.count, moments.mean};
+  if (sample.count < 2) return sample;
+  sample.overall = moments.standardDeviation;
+  sample.within = ranges.Finish().mean / kD2;
+  sample.withinDegrees = MovingRangeDegrees(static_cast<double>(sample.count));
+  return sample;
+}
+
+CapabilityIndices NormalIndices(double mean, double deviation, const SpecificationLimits& limits) {
+  if (!IsDeviation(deviation)) return {};
+  return IndicesFrom(mean, 3 * deviation, 3 * deviation, limits);
+}
+
+double TaguchiIndex(double mean, double deviation, const SpecificationLimits& limits) {
+  if (!limits.HasTarget() || !IsDeviation(deviation)) return kNotSet;
+  double distance = std::numeric_limits<double>::infinity();
+  if (limits.HasLower()) distance = std::min(distance, limits.target - limits.lower);
+  if (limits.HasUpper()) distance = std::min(distance, limits.upper - limits.target);
+  return std::isinf(distance) ? kNotSet : distance / (3 * std::hypot(deviation, mean - limits.target));
+}
+
+ConfidenceInterval PotentialInterval(double potential, double degrees, double confidence) {
+  if (IsNotSet(potential) || IsNotSet(degrees)) return {};
+  const boost::math::chi_squared distribution(degrees);
+  const double tail = (1 - confidence) / 2;
+  return {potential * std::sqrt(quantile(distribution, tail) / degrees),
+          potential * std::sqrt(quantile(complement(distribution, tail)) / degrees)};
+}
+
+ConfidenceInterval LeastInterval(double least, std::int64_t count, double degrees, double confidence) {
+  if (IsNotSet(least) || IsNotSet(degrees)) return {};
+  const double z = normal::ComplementQuantile((1 - confidence) / 2, 0, 1);
+  const double reach = z * std::sqrt(1 / (9 * static_cast<double>(count)) + least * least / (2 * degrees));
+  return {least - reach, least + reach};
+}
+
+PartsPerMillion ObservedParts(std::span<const double> values, const SpecificationLimits& limits) {
+  std::int64_t count = 0;
+  std::int64_t below = 0;
+  std::int64_t above = 0;
+  for (const double x : values) {
+    count += std::isnan(x) ? 0 : 1;
+    below += limits.IsBelow(x) ? 1 : 0;
+    above += limits.IsAbove(x) ? 1 : 0;
+  }
+  if (count == 0) return {};
+  const auto n = static_cast<double>(count);
+  return {static_cast<double>(below) * kMillion / n, static_cast<double>(above) * kMillion / n,
+          static_cast<double>(below + above) * kMillion / n};
+}
+
+PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLimits& limits) {
+  if (!IsDeviation(deviation)) return {};
+  return PartsFrom(limits.HasLower() ? normal::Cdf(limits.lower, mean, deviation) : 0,
+                   limits.HasUpper() ? normal::Complement(limits.upper, mean, deviation) : 0);
+}
+
+CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
+                                   double confidence) {
+  RequireValid(limits);
+  if (!(confidence > 0 && confidence < 1)) {
+    throw Error("the confidence must lie between 0 and 1", "process capability");
+  }
+  CapabilityReport report;
+  report.sample = DescribeProcess(values);
+  const ProcessSample& sample = report.sample;
+  const double overallDegrees = sample.count < 2 ? kNotSet : static_cast<double>(sample.count - 1);
+  report.within = NormalIndices(sample.mean, sample.within, limits);
+  report.overall = NormalIndices(sample.mean, sample.overall, limits);
+  report.cpm = TaguchiIndex(sample.mean, sample.overall, limits);
+  report.cp = PotentialInterval(report.within.potential, sample.withinDegrees, confidence);
+  report.cpk = LeastInterval(report.within.least, sample.count, sample.withinDegrees, confidence);
+  report.pp = PotentialInterval(report.overall.potential, overallDegrees, confidence);
+  report.ppk = LeastInterval(report.overall.least, sample.count, overallDegrees, confidence);
+  report.observed = ObservedParts(values, limits);
+  report.expectedWithin = NormalParts(sample.mean, sample.within, limits);
+  report.expectedOverall = NormalParts(sample.mean, sample.overall, limits);
+  return report;
+}
+
+PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,
+                                        const SpecificationLimits& limits) {
+  RequireValid(limits);
+  const double low = distribution.quantile(kLowPoint);
+  const double median = distribution.quantile(0.5);
+  const double high = distribution.quantile(kHighPoint);
+  const bool usable = std::isfinite(low) && std::isfinite(high) && low < median && median < high;
+  if (!usable || low == kInvalidQuantile) return {};
+  PercentileCapability result{low, median, high, {}, {}};
+  result.indices = IndicesFrom(median, median - low, high - median, limits);
+  result.expected = PartsFrom(limits.HasLower() ? distribution.cdf(limits.lower) : 0,
+                              limits.HasUpper() ? distribution.complement(limits.upper) : 0);
+  return result;
+}
+
+}  // namespace brenvolt
