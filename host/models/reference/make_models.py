@@ -689,7 +689,7 @@ def transformations():
     names = {"+": "plus", "-": "minus", "*": "times", "/": "over"}
     for name, f in two.items():
         add(names.get(name, name), "double", call(name, x, z), lambda r, f=f: f(r[0], r[1]), "xz")
-    add("overZero", "double", call("/", x, c("0"), more=' defaultValue="-7"'), lambda r: -7.0, "x")
+    add("overZero", "double", call("/", x, c("0"), more=' defaultValue="-7"'), lambda r: -7.0, "")
     add("mapped", "double", call("+", x, z, more=' mapMissingTo="-1"'), lambda r: -1.0 if r[0] is MISSING or r[1] is MISSING else r[0] + r[1], "")
     add("refMapped", "double", '<FieldRef field="z" mapMissingTo="5"/>', lambda r: 5.0 if r[1] is MISSING else r[1], "")
     for name, f in (("normalCDF", stats.norm.cdf), ("normalPDF", stats.norm.pdf), ("normalIDF", stats.norm.ppf)):
