@@ -15,6 +15,25 @@ double NextAbove(double t) {
   return std::nextafter(t, std::numeric_limits<double>::infinity());
 }
 
+// The block's columns by their numbers.
+class Columns {
+ public:
+  Columns(const std::vector<Slot>& slots, const Frame& frame) {
+    if (slots.size() > kFew) many_.resize(slots.size());
+    columns_ = many_.empty() ? few_.data() : many_.data();
+    for (std::size_t k = 0; k < slots.size(); ++k) columns_[k] = frame.In(slots[k]);
+  }
+  Columns(const Columns&) = delete;
+  Columns& operator=(const Columns&) = delete;
+  const double* operator[](std::int32_t number) const { return columns_[number]; }
+
+ private:
+  static constexpr std::size_t kFew = 64;
+  std::array<const double*, kFew> few_;
+  std::vector<const double*> many_;
+  const double** columns_;
+};
+
 }  // namespace
 
 std::int32_t DecisionGraph::ColumnOf(Slot slot) {
@@ -83,6 +102,24 @@ void DecisionGraph::Link(DecisionNumber from, DecisionNumber ifTrue, DecisionNum
       swapped_[at] ? std::array{ifTrue, ifFalse, ifUnknown} : std::array{ifFalse, ifTrue, ifUnknown};
 }
 
+void DecisionGraph::Finish() {
+  if (!isFast_ || columns_.empty()) return;
+  // The two ways of a decision lie side by side; leaves that several decisions lead to are repeated.
+  std::vector<DecisionNumber> sources{root_};
+  for (std::size_t k = 0; k < sources.size(); ++k) {
+    const auto from = static_cast<std::size_t>(sources[k]);
+    const Decision& decision = decisions_[from];
+    packedOutcomes_.push_back(outcomes_[from]);
+    if (questions_[from] == Question::kLeaf) {
+      packed_.push_back({std::numeric_limits<double>::quiet_NaN(), 0, static_cast<DecisionNumber>(k)});
+      continue;
+    }
+    packed_.push_back({decision.threshold, decision.column, static_cast<DecisionNumber>(sources.size())});
+    sources.push_back(decision.next[1]);
+    sources.push_back(decision.next[0]);
+  }
+}
+
 DecisionNumber DecisionGraph::Answer(DecisionNumber at, const Predicates& predicates, const Frame& frame,
                                      std::size_t row, bool& isUnknown) const {
   const Decision& decision = decisions_[static_cast<std::size_t>(at)];
@@ -103,7 +140,13 @@ DecisionNumber DecisionGraph::Answer(DecisionNumber at, const Predicates& predic
 
 void DecisionGraph::Walk(const Predicates& predicates, const Frame& frame, std::int32_t* outcomes,
                          std::uint16_t* unknowns) const {
-  if (isFast_ && !columns_.empty() && unknowns == nullptr) return WalkFast(frame, outcomes);
+  if (!packed_.empty()) {
+    const bool isWhole =
+        std::ranges::none_of(columns_, [&](const Slot slot) { return frame.HasMissing(slot); });
+    if (isWhole && unknowns != nullptr) std::fill_n(unknowns, frame.Rows(), std::uint16_t{0});
+    if (isWhole) return WalkWhole(frame, outcomes);
+    if (unknowns == nullptr) return WalkFast(frame, outcomes);
+  }
   for (std::size_t row = 0; row < frame.Rows(); ++row) {
     DecisionNumber at = root_;
     std::uint16_t count = 0;
@@ -117,16 +160,31 @@ void DecisionGraph::Walk(const Predicates& predicates, const Frame& frame, std::
   }
 }
 
-void DecisionGraph::WalkFast(const Frame& frame, std::int32_t* outcomes) const {
-  constexpr std::size_t kMostColumns = 64;
-  std::array<const double*, kMostColumns> few;
-  std::vector<const double*> many;
-  const double** columns = few.data();
-  if (columns_.size() > kMostColumns) {
-    many.resize(columns_.size());
-    columns = many.data();
+void DecisionGraph::WalkWhole(const Frame& frame, std::int32_t* outcomes) const {
+  const Columns columns(columns_, frame);
+  const Packed* packed = packed_.data();
+  for (std::size_t first = 0; first < frame.Rows(); first += kTogether) {
+    std::array<DecisionNumber, kTogether> at{};
+    const std::size_t together = std::min(kTogether, frame.Rows() - first);
+    // Where the block ends, its last row walks several times.
+    DecisionNumber moved = 1;
+    while (moved != 0) {
+      moved = 0;
+      for (std::size_t k = 0; k < kTogether; ++k) {
+        const Packed& decision = packed[at[k]];
+        const double x = columns[decision.column][first + std::min(k, together - 1)];
+        const DecisionNumber next = decision.next + static_cast<DecisionNumber>(x >= decision.threshold);
+        moved |= next ^ at[k];
+        at[k] = next;
+      }
+    }
+    for (std::size_t k = 0; k < together; ++k)
+      outcomes[first + k] = packedOutcomes_[static_cast<std::size_t>(at[k])];
   }
-  for (std::size_t k = 0; k < columns_.size(); ++k) columns[k] = frame.In(columns_[k]);
+}
+
+void DecisionGraph::WalkFast(const Frame& frame, std::int32_t* outcomes) const {
+  const Columns columns(columns_, frame);
   const Decision* decisions = decisions_.data();
   for (std::size_t first = 0; first < frame.Rows(); first += kTogether) {
     std::array<DecisionNumber, kTogether> at;
@@ -137,7 +195,7 @@ void DecisionGraph::WalkFast(const Frame& frame, std::int32_t* outcomes) const {
       moved = 0;
       for (std::size_t k = 0; k < kTogether; ++k) {
         const Decision& decision = decisions[at[k]];
-        const double x = columns[decision.column][first + (k < together ? k : 0)];
+        const double x = columns[decision.column][first + std::min(k, together - 1)];
         const auto answer = static_cast<std::size_t>(x < decision.threshold);
         const DecisionNumber next = decision.next[std::isnan(x) ? 2 : answer];
         moved |= next ^ at[k];

@@ -33,7 +33,7 @@ struct Refusal {
 class Frame {
  public:
   Frame(std::size_t slots, std::size_t fixed, TextPool& pool)
-      : storage_(slots * kBlockRows), fixed_(fixed), pool_(&pool) {}
+      : storage_(slots * kBlockRows), fixed_(fixed), whole_(slots + fixed), pool_(&pool) {}
 
   std::size_t Rows() const { return rows_; }
   const double* In(Slot slot) const {
@@ -48,6 +48,21 @@ class Frame {
     first_ = first;
     rows_ = count;
     std::fill(invalid_.begin(), invalid_.end(), std::uint8_t{0});
+    std::fill(whole_.begin(), whole_.end(), Wholeness::kOpen);
+  }
+
+  // Whether a column has missing values. The answer is kept for the block: to be asked of columns that no
+  // later step writes again.
+  bool HasMissing(Slot slot) const {
+    Wholeness& known =
+        whole_[slot >= 0 ? static_cast<std::size_t>(slot) + fixed_.size() : static_cast<std::size_t>(~slot)];
+    if (known == Wholeness::kOpen) {
+      const double* x = In(slot);
+      bool whole = true;
+      for (std::size_t i = 0; i < rows_; ++i) whole = whole & (x[i] == x[i]);
+      known = whole ? Wholeness::kWhole : Wholeness::kMissing;
+    }
+    return known == Wholeness::kMissing;
   }
 
   // Rows without a result, because a field's value is refused.
@@ -59,8 +74,11 @@ class Frame {
   const Refusal& FirstRefusal() const { return refusal_; }
 
  private:
+  enum class Wholeness : std::uint8_t { kOpen, kWhole, kMissing };
+
   std::vector<double> storage_;
   std::vector<const double*> fixed_;
+  mutable std::vector<Wholeness> whole_;
   TextPool* pool_;
   std::size_t first_ = 0;
   std::size_t rows_ = 0;

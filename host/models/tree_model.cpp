@@ -59,14 +59,14 @@ class Tree {
   void BuildGraph() {
     leafOf_.assign(nodes.size(), -1);
     none_ = graph.AddLeaf(kNoPrediction);
-    const DecisionNumber root = Lead(0);
-    if (predicates[nodes[0].predicate].test == Test::kTrue) {
-      graph.SetRoot(root);
-      return;
+    DecisionNumber root = Lead(0);
+    if (predicates[nodes[0].predicate].test != Test::kTrue) {
+      const DecisionNumber gate = graph.AddDecision(nodes[0].predicate, predicates);
+      graph.Link(gate, root, none_, none_);
+      root = gate;
     }
-    const DecisionNumber gate = graph.AddDecision(nodes[0].predicate, predicates);
-    graph.Link(gate, root, none_, none_);
-    graph.SetRoot(gate);
+    graph.SetRoot(root);
+    graph.Finish();
   }
 
   // Shares by class of all children of the node that are not ruled out, together, into sums[0 … classes).
