@@ -31,7 +31,7 @@ struct PredictionModel::Content {
 namespace {
 
 // Rows that one task takes at a time.
-constexpr std::size_t kTaskRows = 64 * kBlockRows;
+constexpr std::size_t kTaskRows = 16 * kBlockRows;
 
 void DescribeValues(const Field& field, const ReadyModel& model, ModelField& description) {
   description.isText = field.type.IsText();

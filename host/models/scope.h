@@ -18,7 +18,7 @@ namespace brenvolt::pmml {
 
 // Beyond these a file is refused: columns that a model writes, expressions that its definitions unfold to,
 // and how deeply definitions and models stand in each other.
-inline constexpr Slot kMostSlots = 1 << 15;
+inline constexpr Slot kMostSlots = 1 << 14;
 inline constexpr std::size_t kMostExpressions = 1 << 20;
 inline constexpr int kDeepestDefinition = 200;
 

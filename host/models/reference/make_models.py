@@ -911,7 +911,105 @@ def choices():
               [[None if x is MISSING else (1 + 2 * x + 10) / 2 if x < 3 else 1 + 2 * x if treatment == "skipSegment" else None] for (x,) in xs])
 
 
+def extras():
+    """Smaller parts, each after its definition."""
+    xs = [[float(v) / 2] for v in range(-6, 7)]
+    t = field("t", "categorical", "string", '<Value value="A" displayValue="class A"/><Value value="B"/>')
+
+    def column(name, feature, more="", data="double"):
+        return f'<OutputField name="{name}" feature="{feature}" dataType="{data}"{more}/>'
+    # Priors where a predictor is missing; display values; probabilities without a value.
+    tables = '<RegressionTable intercept="0.2" targetCategory="A"><NumericPredictor name="x" coefficient="1.5"/></RegressionTable><RegressionTable intercept="0" targetCategory="B"/>'
+    targets = '<Targets><Target field="t"><TargetValue value="A" priorProbability="0.3"/><TargetValue value="B" displayValue="class B" priorProbability="0.7"/></Target></Targets>'
+    output = "<Output>" + column("shown", "predictedDisplayValue", data="string") + column("p", "probability") + column("pA", "probability", ' value="A"') + '<OutputField name="odds" feature="transformedValue" dataType="double"><Apply function="/"><FieldRef field="pA"/><Apply function="-"><Constant>1</Constant><FieldRef field="pA"/></Apply></Apply></OutputField></Output>'
+    body = f'<RegressionModel functionName="classification" normalizationMethod="logit">{schema(["x"], "t")}{output}{targets}{tables}</RegressionModel>'
+    answers = []
+    for x in [x for (x,) in xs] + [MISSING]:
+        p = 0.3 if x is MISSING else LINKS["logit"](0.2 + 1.5 * x)
+        answers.append(["A" if p >= 0.5 else "B", "class A" if p >= 0.5 else "class B", max(p, 1 - p), p, p / (1 - p)])
+    write("TargetPriors", pmml([field("x"), t], body), ["x"], xs + [[MISSING]], ["t", "shown", "p", "pA", "odds"], answers)
+    # Residuals need the observed target.
+    body = f'<RegressionModel functionName="regression">{schema(["x"], "y")}<Output>{column("r", "residual")}</Output><RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/></RegressionTable></RegressionModel>'
+    write("OutputResidual", pmml([field("x"), field("y")], body), ["x", "y"], [[x, 3.5] for (x,) in xs], ["y", "r"], [[1 + 2 * x, 3.5 - 1 - 2 * x] for (x,) in xs])
+    # Ordinal texts have the order of their values; truth values and dates compare as such.
+    fields = [field("size", "ordinal", "string", values(["S", "M", "L", "XL"])), field("ok", "categorical", "boolean"), field("day", "continuous", "date"), field("sec", "continuous", "dateTimeSecondsSince[1960]"), field("y")]
+    tests = {"lessThan": lambda k: k < 2, "lessOrEqual": lambda k: k <= 2, "greaterThan": lambda k: k > 2, "greaterOrEqual": lambda k: k >= 2}
+    segments, names = [], []
+    conditions = [f'<SimplePredicate field="size" operator="{o}" value="L"/>' for o in tests]
+    conditions += ['<SimplePredicate field="ok" operator="equal" value="true"/>', '<SimplePredicate field="day" operator="lessThan" value="2000-01-01"/>', '<SimplePredicate field="sec" operator="greaterThan" value="86400"/>']
+    for i, condition in enumerate(conditions):
+        segments.append(f'<TreeModel functionName="regression">{schema(["size", "ok", "day", "sec"])}<Node score="0"><True/><Node score="{2 ** i}">{condition}</Node><Node score="0"><True/></Node></Node></TreeModel>')
+    body = f'<MiningModel functionName="regression">{schema(["size", "ok", "day", "sec"], "y")}{segmentation("sum", segments)}</MiningModel>'
+    rows = [[s, ok, d, sec] for s in ("S", "M", "L", "XL") for ok, d, sec in (("true", "1999-12-31", "1960-01-02T00:00:00"), ("false", "2000-01-01", "1960-01-02T00:00:01"))]
+    answers = [[float(sum(2 ** i for i, f in enumerate(tests.values()) if f("S M L XL".split().index(s))) + 16 * (ok == "true") + 32 * (d < "2000") + 64 * sec.endswith("1"))] for s, ok, d, sec in rows]
+    write("TypesOrdered", pmml(fields, body), ["size", "ok", "day", "sec"], rows, ["y"], answers)
+    # A penalty for each missing answer on the way.
+    body = (f'<TreeModel functionName="classification" missingValueStrategy="defaultChild" missingValuePenalty="0.8">{schema(["x", "z"], "t")}<Output>{column("sure", "confidence")}</Output>'
+            '<Node id="0" defaultChild="1"><True/><Node id="1" defaultChild="3"><SimplePredicate field="x" operator="lessThan" value="0"/><Node id="3" score="A"><SimplePredicate field="z" operator="lessThan" value="0"/><ScoreDistribution value="A" recordCount="9"/><ScoreDistribution value="B" recordCount="1"/></Node>'
+            '<Node id="4" score="B"><SimplePredicate field="z" operator="greaterOrEqual" value="0"/><ScoreDistribution value="A" recordCount="2" confidence="0.25"/><ScoreDistribution value="B" recordCount="6" confidence="0.6"/></Node></Node>'
+            '<Node id="2" score="B"><SimplePredicate field="x" operator="greaterOrEqual" value="0"/><ScoreDistribution value="A" recordCount="1"/><ScoreDistribution value="B" recordCount="3"/></Node></Node></TreeModel>')
+    rows = [[x, z] for x in (-1.0, 1.0, MISSING) for z in (-1.0, 1.0, MISSING)]
+    answers = []
+    for x, z in rows:
+        penalty = 0.8 ** ((x is MISSING) + ((x is MISSING or x < 0) and z is MISSING))
+        answers.append(["B", 0.75] if x is not MISSING and x >= 0 else ["A", 0.9 * penalty] if z is MISSING or z < 0 else ["B", 0.6 * penalty])
+    write("TreePenalty", pmml([field("x"), field("z"), t], body), ["x", "z"], rows, ["t", "sure"], answers)
+    # Machines of coefficients with a category among the inputs, each against all others, the least or greatest winning.
+    group = field("g", "categorical", "string", values("uv"))
+    inputs = '<VectorDictionary><VectorFields><FieldRef field="x"/><CategoricalPredictor name="g" value="v" coefficient="2"/></VectorFields></VectorDictionary>'
+    lines = {"A": (0.5, 1.0, 0.3), "B": (-0.2, -0.7, 0.4), "C": (0.1, 0.2, -0.9)}
+    three = field("t", "categorical", "string", values(lines))
+    rows = [[x, g] for (x,) in xs for g in "uv"]
+    for wins, best in (("true", max), ("false", min)):
+        machines_xml = "".join(f'<SupportVectorMachine targetCategory="{c}"><Coefficients absoluteValue="{b}"><Coefficient value="{u}"/><Coefficient value="{v}"/></Coefficients></SupportVectorMachine>' for c, (b, u, v) in lines.items())
+        body = f'<SupportVectorMachineModel functionName="classification" svmRepresentation="Coefficients" classificationMethod="OneAgainstAll" maxWins="{wins}">{schema(["x", "g"], "t")}<LinearKernelType/>{inputs}{machines_xml}</SupportVectorMachineModel>'
+        write("MachineCoefficients" + ("Greatest" if wins == "true" else "Least"), pmml([field("x"), group, three], body), ["x", "g"], rows, ["t"],
+              [[best(lines, key=lambda c: lines[c][0] + lines[c][1] * x + lines[c][2] * (2 if g == "v" else 0))] for x, g in rows])
+    # One machine for two classes, with a threshold; sparse vectors.
+    body = (f'<SupportVectorMachineModel functionName="classification" threshold="0.4">{schema(["x", "z"], "t")}<RadialBasisKernelType gamma="0.5"/><VectorDictionary><VectorFields><FieldRef field="x"/><FieldRef field="z"/></VectorFields>'
+            '<VectorInstance id="1"><REAL-SparseArray n="2"><Indices>2</Indices><REAL-Entries>1.5</REAL-Entries></REAL-SparseArray></VectorInstance><VectorInstance id="2"><REAL-SparseArray n="2" defaultValue="-1"><Indices>1</Indices><REAL-Entries>0.5</REAL-Entries></REAL-SparseArray></VectorInstance></VectorDictionary>'
+            + '<SupportVectorMachine targetCategory="A" alternateTargetCategory="B"><SupportVectors><SupportVector vectorId="1"/><SupportVector vectorId="2"/></SupportVectors><Coefficients absoluteValue="0.1"><Coefficient value="1"/><Coefficient value="-0.8"/></Coefficients></SupportVectorMachine></SupportVectorMachineModel>')
+    rows = [[x, z / 2] for (x,) in xs for z in range(-3, 4)]
+    answers = [["A" if 0.1 + math.exp(-0.5 * (x ** 2 + (z - 1.5) ** 2)) - 0.8 * math.exp(-0.5 * ((x - 0.5) ** 2 + (z + 1) ** 2)) < 0.4 else "B"] for x, z in rows]
+    write("MachineTwo", pmml([field("x"), field("z"), t], body), ["x", "z"], rows, ["t"], answers)
+    # Naive Bayes with other distributions, and counts of a discretised input.
+    body = (f'<NaiveBayesModel functionName="classification" threshold="0.0001">{schema(["n", "u", "x"], "t")}<BayesInputs><BayesInput fieldName="n"><TargetValueStats><TargetValueStat value="A"><PoissonDistribution mean="2.5"/></TargetValueStat><TargetValueStat value="B"><PoissonDistribution mean="4"/></TargetValueStat></TargetValueStats></BayesInput>'
+            '<BayesInput fieldName="u"><TargetValueStats><TargetValueStat value="A"><UniformDistribution lower="0" upper="2"/></TargetValueStat><TargetValueStat value="B"><UniformDistribution lower="1" upper="5"/></TargetValueStat></TargetValueStats></BayesInput>'
+            '<BayesInput fieldName="x"><DerivedField name="bin" optype="categorical" dataType="string"><Discretize field="x"><DiscretizeBin binValue="low"><Interval closure="openClosed" rightMargin="0"/></DiscretizeBin><DiscretizeBin binValue="high"><Interval closure="openOpen" leftMargin="0"/></DiscretizeBin></Discretize></DerivedField>'
+            '<PairCounts value="low"><TargetValueCounts><TargetValueCount value="A" count="3"/><TargetValueCount value="B" count="8"/></TargetValueCounts></PairCounts><PairCounts value="high"><TargetValueCounts><TargetValueCount value="A" count="7"/><TargetValueCount value="B" count="2"/></TargetValueCounts></PairCounts></BayesInput></BayesInputs>'
+            '<BayesOutput fieldName="t"><TargetValueCounts><TargetValueCount value="A" count="10"/><TargetValueCount value="B" count="10"/></TargetValueCounts></BayesOutput></NaiveBayesModel>')
+    rows = [[n, u, x] for n in (0, 3, 7) for u in (0.5, 1.5, 4.5, 9.0) for x in (-1.0, 1.0, MISSING)]
+    answers = []
+    for n, u, x in rows:
+        like = [stats.poisson.pmf(n, 2.5) * max(0.5 if 0 <= u <= 2 else 0, 1e-4) * (1 if x is MISSING else 0.3 if x <= 0 else 0.7),
+                stats.poisson.pmf(n, 4) * max(0.25 if 1 <= u <= 5 else 0, 1e-4) * (1 if x is MISSING else 0.8 if x <= 0 else 0.2)]
+        p = [float(v / sum(like)) for v in like]
+        answers.append(["A" if p[0] >= p[1] else "B", *p])
+    write("BayesDistributions", pmml([field("n"), field("u"), field("x"), t], body), ["n", "u", "x"], rows, ["t"] + probabilities("AB"), answers)
+    # Neighbours among texts.
+    train = [("u", "p", 1.0), ("u", "q", 2.0), ("v", "p", 4.0), ("v", "q", 8.0)]
+    table = "".join(f"<row><a>{a}</a><b>{b}</b><v>{v}</v></row>" for a, b, v in train)
+    body = (f'<NearestNeighborModel functionName="regression" numberOfNeighbors="1" instanceIdVariable="y">{schema(["g", "h"], "y")}<Output>{column("who", "entityId", data="string")}</Output><TrainingInstances><InstanceFields><InstanceField field="g" column="a"/><InstanceField field="h" column="b"/><InstanceField field="y" column="v"/></InstanceFields><InlineTable>{table}</InlineTable></TrainingInstances>'
+            '<ComparisonMeasure kind="similarity" compareFunction="equal"><cityBlock/></ComparisonMeasure><KNNInputs><KNNInput field="g" fieldWeight="3"/><KNNInput field="h"/></KNNInputs></NearestNeighborModel>')
+    write("NeighboursTexts", pmml([group, field("h", "categorical", "string", values("pq")), field("y")], body), ["g", "h"], [r[:2] for r in train], ["y", "who"], [[v, v] for _, _, v in train])
+    # A network that norms its layer by the sum.
+    body = (f'<NeuralNetwork functionName="classification" activationFunction="logistic" normalizationMethod="simplemax">{schema(["x"], "t")}<NeuralInputs><NeuralInput id="i"><DerivedField optype="continuous" dataType="double"><FieldRef field="x"/></DerivedField></NeuralInput></NeuralInputs>'
+            '<NeuralLayer><Neuron id="a" bias="0.1"><Con from="i" weight="0.9"/></Neuron><Neuron id="b" bias="-0.2"><Con from="i" weight="-0.5"/></Neuron></NeuralLayer><NeuralOutputs>'
+            + "".join(f'<NeuralOutput outputNeuron="{n}"><DerivedField optype="categorical" dataType="string"><NormDiscrete field="t" value="{c}"/></DerivedField></NeuralOutput>' for n, c in (("b", "A"), ("a", "B"))) + '</NeuralOutputs></NeuralNetwork>')
+    answers = []
+    for (x,) in xs:
+        a, b = LINKS["logit"](0.1 + 0.9 * x), LINKS["logit"](-0.2 - 0.5 * x)
+        answers.append(["A" if b >= a else "B", b / (a + b), a / (a + b)])
+    write("NetworkSimplemax", pmml([field("x"), t], body), ["x"], xs, ["t"] + probabilities("AB"), answers)
+    # Clusters by vote.
+    centres = [[0.0, 2.0], [0.5, 2.5], [-1.0, 1.0]]
+    models = [f'<ClusteringModel functionName="clustering" modelClass="centerBased">{schema(["x"])}<ComparisonMeasure kind="distance"><squaredEuclidean/></ComparisonMeasure><ClusteringField field="x"/>' + "".join(f'<Cluster name="c{k}"><Array type="real">{v}</Array></Cluster>' for k, v in enumerate(c)) + "</ClusteringModel>" for c in centres]
+    body = f'<MiningModel functionName="clustering">{schema(["x"])}{segmentation("majorityVote", models)}</MiningModel>'
+    rows = [[float(x) / 4 + 0.01] for x in range(-8, 12)]
+    write("ClustersVote", pmml([field("x")], body), ["x"], rows, ["cluster"], [["c1" if sum(abs(x - c[1]) < abs(x - c[0]) for c in centres) > 1 else "c0"] for (x,) in rows])
+
+
 if __name__ == "__main__":
     for make in (forests, logistic, networks, machines, bayes, clusters, neighbours, regressions, general_regressions, activations, trees,
-                 transformations, schemas, rules, scorecards, choices):
+                 transformations, schemas, rules, scorecards, choices, extras):
         make()
