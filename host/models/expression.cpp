@@ -353,18 +353,44 @@ Operand CompileApply(const Element& element, const Place& place) {
   return final;
 }
 
+// The value of an input some rows before.
+Operand CompileLag(const Element& element, const Place& place) {
+  Operand result = place.scope.Resolve(element.Text("field"), element);
+  const int lag = element.FindInteger("n").value_or(1);
+  element.Choice<int>("aggregate", {{"none", 0}}, 0);
+  element.RefuseAnythingElse();
+  if (lag < 1) element.Fail("a Lag goes back a row or more");
+  if (result.slot >= 0) element.Fail("a Lag of a field that is derived or treated is not supported");
+  const Slot in = result.slot;
+  result.slot = place.Build().NewSlot(element);
+  AddStep(place.program, [in, out = result.slot, lag = static_cast<std::size_t>(lag)](Frame& frame) {
+    const double* x = frame.In(in);
+    double* y = frame.Out(out);
+    for (std::size_t i = 0; i < frame.Rows(); ++i) {
+      const bool isThere = frame.FirstRow() + i >= lag;
+      y[i] = isThere ? *(x + static_cast<std::ptrdiff_t>(i) - static_cast<std::ptrdiff_t>(lag)) : kMissing;
+    }
+  });
+  return result;
+}
+
 using Compiler = Operand (*)(const Element&, const Place&, std::optional<TypeInfo>);
-constexpr std::array<std::pair<std::string_view, Compiler>, 7> kExpressions{{
+// A compiler that has no use for the expected type.
+template <Operand (*compile)(const Element&, const Place&)>
+Operand Untyped(const Element& element, const Place& place, std::optional<TypeInfo>) {
+  return compile(element, place);
+}
+
+constexpr std::array<std::pair<std::string_view, Compiler>, 9> kExpressions{{
     {"Constant", CompileConstant},
-    {"FieldRef",
-     [](const Element& e, const Place& p, std::optional<TypeInfo>) { return CompileFieldRef(e, p); }},
-    {"NormContinuous",
-     [](const Element& e, const Place& p, std::optional<TypeInfo>) { return CompileNormContinuous(e, p); }},
-    {"NormDiscrete",
-     [](const Element& e, const Place& p, std::optional<TypeInfo>) { return CompileNormDiscrete(e, p); }},
+    {"FieldRef", Untyped<CompileFieldRef>},
+    {"NormContinuous", Untyped<CompileNormContinuous>},
+    {"NormDiscrete", Untyped<CompileNormDiscrete>},
     {"Discretize", CompileDiscretize},
     {"MapValues", CompileMapValues},
-    {"Apply", [](const Element& e, const Place& p, std::optional<TypeInfo>) { return CompileApply(e, p); }},
+    {"TextIndex", Untyped<CompileTextIndex>},
+    {"Apply", Untyped<CompileApply>},
+    {"Lag", Untyped<CompileLag>},
 }};
 
 Operand ToText(const Operand& operand, const Place& place, const Element& at) {

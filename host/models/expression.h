@@ -46,6 +46,9 @@ std::optional<Operand> CompileBuiltIn(const std::string& name, std::span<const O
 std::optional<Operand> CompileTextFunction(const std::string& name, std::span<const Operand> arguments,
                                            const Place& place, const Element& at);
 
+// How often a term stands in a text.
+Operand CompileTextIndex(const Element& element, const Place& place);
+
 // Rows of an InlineTable, each the texts of the named columns; a cell that a row lacks is nothing.
 std::vector<std::vector<std::optional<std::string>>> ReadInlineTable(const Element& table,
                                                                      std::span<const std::string> columns);

@@ -37,6 +37,8 @@ class Frame {
       : storage_(slots * kBlockRows), fixed_(fixed), whole_(slots + fixed), pool_(&pool) {}
 
   std::size_t Rows() const { return rows_; }
+  // The number of rows before the block; inputs hold these before the block's values.
+  std::size_t FirstRow() const { return first_; }
   const double* In(Slot slot) const {
     return slot >= 0 ? storage_.data() + static_cast<std::size_t>(slot) * kBlockRows
                      : fixed_[static_cast<std::size_t>(~slot)];

@@ -62,8 +62,10 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
       {Regression("", " normalizationMethod=\"odd\""),
        "the attribute normalizationMethod of RegressionModel is \"odd\", which is not supported (m.pmml, "
        "line 7)"},
-      {Regression(Local(Derived("d", "<Lag field=\"x\"/>"))),
-       "the element Lag is not supported (m.pmml, line 10)"},
+      {Regression(Local(Derived("d", "<Aggregate field=\"x\" function=\"sum\"/>"))),
+       "the element Aggregate is not supported (m.pmml, line 10)"},
+      {Regression(Local(Derived("d", "<Lag field=\"c\"/>"))),
+       "a Lag of a field that is derived or treated is not supported (m.pmml, line 10)"},
       {Regression(Local(Derived("d", "<Apply function=\"odd\">" + ref + "</Apply>"))),
        "the function odd is not supported (m.pmml, line 10)"},
       {Regression(Local(Derived("d", "<Apply function=\"exp\">" + ref + ref + "</Apply>"))),
@@ -159,6 +161,32 @@ TEST(Pmml, RefusesFunctionsThatUnfoldWithoutEnd) {
   EXPECT_TRUE(RefusalOf(Regression(Local(
                             own + Derived("d", "<Apply function=\"g\"><FieldRef field=\"x\"/></Apply>"))))
                   .starts_with("the function g calls itself"));
+}
+
+// Each text is twice the one before: after forty of them no memory would hold it.
+TEST(Pmml, TextsThatGrowWithoutEndAreMissing) {
+  std::string fields;
+  std::string former = "c";
+  constexpr int kDoublings = 40;
+  for (int i = 0; i < kDoublings; ++i) {
+    const std::string name = "t" + std::to_string(i);
+    const std::string ref = "<FieldRef field=\"" + former + "\"/>";
+    fields += "<DerivedField name=\"" + name +
+              "\" optype=\"categorical\" dataType=\"string\"><Apply function=\"concat\">" + ref + ref +
+              "</Apply></DerivedField>\n";
+    former = name;
+  }
+  const auto output = [](const std::string& field) {
+    return "<OutputField name=\"" + field +
+           "\" feature=\"transformedValue\" dataType=\"string\"><FieldRef field=\"" + field +
+           "\"/></OutputField>";
+  };
+  const std::string model =
+      Regression("<Output>" + output("t3") + output("t39") + "</Output>" + Local(fields));
+  const Spreadsheet found =
+      PredictionModel::Parse(model, "m.pmml").Score(ReadCsvText("x,c\n0,u\n", "data"), "out");
+  EXPECT_EQ(found.VariableAt(1).Label(found.VariableAt(1).Values()[0]), std::string(16, 'u'));
+  EXPECT_TRUE(found.VariableAt(2).IsMissing(0));
 }
 
 // "what (where)" of a failed scoring of CSV text.

@@ -20,6 +20,14 @@ constexpr TypeInfo kInteger{DataType::kInteger};
 constexpr TypeInfo kTruth{DataType::kBoolean};
 constexpr double kSecondsPerDay = 86400;
 
+// Longer results are missing: functions of functions could make texts that no memory holds.
+constexpr std::size_t kLongestText = std::size_t{1} << 16;
+constexpr std::size_t kLongestReplacement = 1024;
+
+double NumberOf(const std::string& text, Frame& frame) {
+  return text.size() > kLongestText ? kMissing : frame.Pool().Number(text);
+}
+
 std::string WithCase(std::string_view text, char first, int shift) {
   constexpr int kLetters = 26;
   std::string result(text);
@@ -266,9 +274,9 @@ class Call {
         for (const Slot slot : slots) {
           const double x = frame.In(slot)[i];
           isMissing = isMissing || std::isnan(x);
-          if (!isMissing) text += frame.Pool().Text(x);
+          if (!isMissing && text.size() <= kLongestText) text += frame.Pool().Text(x);
         }
-        frame.Out(out)[i] = isMissing ? kMissing : frame.Pool().Number(text);
+        frame.Out(out)[i] = isMissing ? kMissing : NumberOf(text, frame);
       }
     });
     return result;
@@ -287,13 +295,15 @@ class Call {
     Want(3);
     const std::shared_ptr<re2::RE2> pattern = CompilePattern(arguments_[1], at_);
     if (!arguments_[2].literal) at_.Fail("a replacement must be a constant");
+    if (arguments_[2].literal->size() > kLongestReplacement) at_.Fail("the replacement is too long");
     const std::string rewrite = Rewrite(*arguments_[2].literal);
     std::string error;
     if (!pattern->CheckRewriteString(rewrite, &error)) at_.Fail("the replacement is not supported: " + error);
     return Over(TextSlot(arguments_[0], place_, at_), kText, [pattern, rewrite](Frame& frame, double x) {
       std::string text(frame.Pool().Text(x));
+      if (text.size() > kLongestText) return kMissing;
       re2::RE2::GlobalReplace(&text, *pattern, rewrite);
-      return frame.Pool().Number(text);
+      return NumberOf(text, frame);
     });
   }
 

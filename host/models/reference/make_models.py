@@ -1009,7 +1009,36 @@ def extras():
     write("ClustersVote", pmml([field("x")], body), ["x"], rows, ["cluster"], [["c1" if sum(abs(x - c[1]) < abs(x - c[0]) for c in centres) > 1 else "c0"] for (x,) in rows])
 
 
+def texts():
+    """Words in texts, and values of rows before, by their definitions."""
+    rows = [["The cat, the dog; the END.", 1.0], ["the  theme of the cat", 2.0], [MISSING, 3.0], ["dog", MISSING], ["!", 5.0]] * 600
+    weights = {"termFrequency": lambda c, most: c, "binary": lambda c, most: min(c, 1), "logarithmic": lambda c, most: math.log10(1 + c),
+               "augmentedNormalizedTermFrequency": lambda c, most: 0.5 * (min(c, 1) + c / most) if c else 0}
+
+    def words(text, lower=True):
+        return [w.strip(",;.!") for w in (text.lower() if lower else text).split() if w.strip(",;.!")]
+    output, columns = "", []
+    for term in ("the", "the cat"):
+        for sensitive in ("false", "true"):
+            for weight, f in weights.items():
+                name = f"{weight}{len(columns)}"
+                output += (f'<OutputField name="{name}" feature="transformedValue" dataType="double"><TextIndex textField="s" localTermWeights="{weight}" isCaseSensitive="{sensitive}">'
+                           f'<Constant>{term}</Constant></TextIndex></OutputField>')
+
+                def value(rows, i, f=f, term=term.split(), lower=sensitive == "false"):
+                    if rows[i][0] is MISSING:
+                        return None
+                    w = words(rows[i][0], lower)
+                    return float(f(sum(w[k:k + len(term)] == term for k in range(len(w))), max((w.count(v) for v in w), default=1)))
+                columns.append((name, value))
+    for n in (1, 3):
+        output += f'<OutputField name="lag{n}" feature="transformedValue" dataType="double"><Lag field="x" n="{n}"/></OutputField>'
+        columns.append((f"lag{n}", lambda rows, i, n=n: rows[i - n][1] if i >= n else None))
+    body = f'<RegressionModel functionName="regression">{schema(["s", "x"], "y")}<Output>{output}</Output><RegressionTable intercept="1"/></RegressionModel>'
+    write("TextsAndLags", pmml([field("s", "categorical", "string"), field("x"), field("y")], body), ["s", "x"], rows, [n for n, _ in columns], [[f(rows, i) for _, f in columns] for i in range(len(rows))])
+
+
 if __name__ == "__main__":
     for make in (forests, logistic, networks, machines, bayes, clusters, neighbours, regressions, general_regressions, activations, trees,
-                 transformations, schemas, rules, scorecards, choices, extras):
+                 transformations, schemas, rules, scorecards, choices, extras, texts):
         make()
