@@ -7,6 +7,7 @@ namespace brenvolt::pmml {
 namespace {
 
 constexpr TypeInfo kDouble{DataType::kDouble};
+constexpr TypeInfo kText{DataType::kText};
 
 void CheckVersion(const Element& root) {
   constexpr double kOldest = 3.0;
@@ -49,8 +50,9 @@ void ReadDataField(const Element& element, Builder& builder) {
   auto field = std::make_unique<Field>();
   field->name = element.Text("name");
   field->displayName = element.Text("displayName", "");
-  field->type = ReadDataType(element, kDouble);
   field->opType = ReadOpType(element, OpType::kContinuous);
+  // Old files leave the type out where the kind says enough.
+  field->type = ReadDataType(element, field->opType == OpType::kContinuous ? kDouble : kText);
   element.PassOver({"isCyclic"});
   element.RefuseOtherAttributes();
   for (const Element& child : element.Children()) {

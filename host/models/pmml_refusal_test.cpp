@@ -112,6 +112,23 @@ TEST(Pmml, TakesWhatTheStandardLeavesToOthers) {
     prefixed.insert(at + (prefixed[at + 1] == '/' ? 2 : 1), "p:");
   }
   EXPECT_EQ(RefusalOf(prefixed), "");
+  for (const char* version : {"3.0", "3.2", "4.0", "4.2.1", "4.3", "4.4", "4.4.1"}) {
+    std::string text = Regression("");
+    text.replace(text.find("4.2"), 3, version);
+    EXPECT_EQ(RefusalOf(text), "") << version;
+  }
+  std::string untyped = Regression("");
+  const std::string type = " dataType=\"string\"";
+  untyped.erase(untyped.find(type), type.size());
+  EXPECT_EQ(RefusalOf(untyped), "");
+}
+
+TEST(Pmml, ReadsLatin1AsItDeclares) {
+  const std::string text =
+      "<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n" + Regression("", " modelName=\"Temp\xE9rature\"");
+  EXPECT_EQ(PredictionModel::Parse(text, "m.pmml").Name(), "Temp\xC3\xA9rature");
+  EXPECT_EQ(PredictionModel::Parse("\xEF\xBB\xBF" + Regression("", " modelName=\"x\""), "m.pmml").Name(),
+            "x");
 }
 
 std::string Repeated(const std::string& text, int count) {
