@@ -82,7 +82,7 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
     EXPECT_NE(outcome.err.find(wrong.message), std::string::npos) << outcome.err;
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "out.csv"));
   }
-  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "prediction\n3\n\"\"\n");
+  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "prediction\n3\n\n");
   EXPECT_EQ(Run({"score", "model.pmml"}).status, 2);
 }
 

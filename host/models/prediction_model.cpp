@@ -199,16 +199,16 @@ class Converted {
 
 std::vector<Converted> Bind(const ReadyModel& model, const Spreadsheet& data, TextPool& pool) {
   std::string lacking;
-  std::vector<const Variable*> variables;
-  for (const pmml::InputColumn& input : model.inputs) {
-    const auto index = data.FindVariable(input.field->name);
-    if (!index) lacking += (lacking.empty() ? "" : ", ") + input.field->name;
-    variables.push_back(index ? &data.VariableAt(*index) : nullptr);
+  // In the order of the data dictionary.
+  for (const auto& field : model.fields) {
+    const bool isRead =
+        std::ranges::any_of(model.inputs, [&](const auto& input) { return input.field == field.get(); });
+    if (isRead && !data.FindVariable(field->name)) lacking += (lacking.empty() ? "" : ", ") + field->name;
   }
   if (!lacking.empty()) throw Error("the data lack fields that the model needs: " + lacking, data.Name());
   std::vector<Converted> columns;
-  for (std::size_t k = 0; k < variables.size(); ++k) {
-    columns.emplace_back(*variables[k], *model.inputs[k].field, pool);
+  for (const pmml::InputColumn& input : model.inputs) {
+    columns.emplace_back(data.VariableAt(*data.FindVariable(input.field->name)), *input.field, pool);
   }
   return columns;
 }
