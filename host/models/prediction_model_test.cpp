@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
-#include <map>
 
-#include "host/base/error.h"
+#include "host/base/parallel.h"
 #include "host/tables/csv.h"
 
 namespace brenvolt {
@@ -83,6 +83,51 @@ TEST_P(PmmlMadeReference, AgreesWithTheLibraryOrTheDefinitionWrittenOut) {
 }
 INSTANTIATE_TEST_SUITE_P(Models, PmmlMadeReference, testing::ValuesIn(MadeModels()),
                          [](const auto& info) { return info.param; });
+
+// Two fields, one of them text, and an output that makes a new text of both.
+const std::string kTextModel = R"(<PMML version="4.4"><DataDictionary>
+<DataField name="x" optype="continuous" dataType="double"/><DataField name="c" optype="categorical" dataType="string"/>
+</DataDictionary><RegressionModel functionName="regression">
+<MiningSchema><MiningField name="x"/><MiningField name="c"/></MiningSchema>
+<Output><OutputField name="both" feature="transformedValue" optype="categorical" dataType="string"><Apply function="concat">
+<FieldRef field="c"/><Constant dataType="string">:</Constant><FieldRef field="x"/></Apply></OutputField></Output>
+<RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/></RegressionTable></RegressionModel></PMML>)";
+
+// More rows than several threads take at a time; texts get their numbers in whatever order threads meet them.
+TEST(PmmlScoring, ResultsDoNotDependOnTheNumberOfThreads) {
+  constexpr std::size_t kRows = 70'000;
+  constexpr std::size_t kTexts = 97;
+  Variable x("x", kRows);
+  Variable c("c", kRows);
+  c.SetType(VariableType::kText);
+  for (std::size_t k = 0; k < kTexts; ++k) c.SetLabel(static_cast<double>(k), "text " + std::to_string(k));
+  for (std::size_t i = 0; i < kRows; ++i) {
+    x.MutableValues()[i] = static_cast<double>(i % 13);
+    c.MutableValues()[i] = static_cast<double>(i * i % kTexts);
+  }
+  Spreadsheet data("data");
+  data.AddVariable(x);
+  data.AddVariable(c);
+  const PredictionModel model = PredictionModel::Parse(kTextModel, "m.pmml");
+  const Spreadsheet many = model.Score(data, "out");
+  const ThreadLimit one(1);
+  const Spreadsheet single = model.Score(data, "out");
+  EXPECT_EQ(CsvText(many), CsvText(single));
+  EXPECT_EQ(many.VariableAt(1).Labels(), single.VariableAt(1).Labels());
+  EXPECT_EQ(
+      many.VariableAt(1).Label(many.VariableAt(1).Values()[kRows - 1]),
+      "text " + std::to_string((kRows - 1) * (kRows - 1) % kTexts) + ":" + std::to_string((kRows - 1) % 13));
+}
+
+TEST(PmmlScoring, MissingDataCodesOfVariablesAreMissing) {
+  Spreadsheet data = ReadCsvText("x,c\n-9,a\n3,b\n", "data");
+  data.VariableAt(0).SetMissingCode(-9);
+  const Spreadsheet found = PredictionModel::Parse(kTextModel, "m.pmml").Score(data, "out");
+  EXPECT_TRUE(found.VariableAt(0).IsMissing(0));
+  EXPECT_TRUE(found.VariableAt(1).IsMissing(0));
+  EXPECT_EQ(found.VariableAt(0).Values()[1], 7);
+  EXPECT_EQ(found.VariableAt(1).Label(found.VariableAt(1).Values()[1]), "b:3");
+}
 
 }  // namespace
 }  // namespace brenvolt
