@@ -151,7 +151,8 @@ class OutputReader {
       const double* x = frame.In(winner);
       double* y = frame.Out(out);
       for (std::size_t i = 0; i < frame.Rows(); ++i) {
-        y[i] = std::isnan(x[i]) ? kMissing : frame.In(columns[static_cast<std::size_t>(x[i])])[i];
+        const bool hasColumn = x[i] < static_cast<double>(columns.size());
+        y[i] = hasColumn ? frame.In(columns[static_cast<std::size_t>(x[i])])[i] : kMissing;
       }
     });
     return operand;

@@ -301,6 +301,26 @@ TEST(Pmml, ClassesKeepTheOrderOfTheDictionary) {
   EXPECT_EQ(species.Values()[149], 3);
 }
 
+// The priors name a class that no table predicts, and it is the likeliest where nothing else is known.
+TEST(Pmml, PriorsMayNameAClassThatTheModelHasNoColumnFor) {
+  const std::string model = R"(<PMML version="4.2"><DataDictionary>
+<DataField name="x" optype="continuous" dataType="double"/>
+<DataField name="t" optype="categorical" dataType="string"><Value value="A"/><Value value="B"/><Value value="C"/></DataField>
+</DataDictionary><RegressionModel functionName="classification" normalizationMethod="logit">
+<MiningSchema><MiningField name="x"/><MiningField name="t" usageType="target"/></MiningSchema>
+<Output><OutputField name="p" feature="probability"/><OutputField name="sure" feature="confidence"/></Output>
+<Targets><Target field="t"><TargetValue value="D" priorProbability="0.6"/><TargetValue value="C" priorProbability="0.4"/></Target></Targets>
+<RegressionTable intercept="1" targetCategory="A"><NumericPredictor name="x" coefficient="2"/></RegressionTable>
+<RegressionTable intercept="0" targetCategory="B"/></RegressionModel></PMML>)";
+  const Spreadsheet found =
+      PredictionModel::Parse(model, "m.pmml").Score(ReadCsvText("x,z\n-0.5,1\n,2\n", "data"), "out");
+  EXPECT_EQ(found.VariableAt(0).Label(found.VariableAt(0).Values()[0]), "A");
+  EXPECT_EQ(found.VariableAt(0).Label(found.VariableAt(0).Values()[1]), "D");
+  EXPECT_EQ(found.VariableAt(1).Values()[0], 0.5);
+  EXPECT_EQ(found.VariableAt(1).Values()[1], 0.6);
+  EXPECT_TRUE(found.VariableAt(2).IsMissing(1));
+}
+
 TEST(Pmml, ArraysKeepTextsInQuotesWhole) {
   EXPECT_EQ(pmml::SplitArray(R"( a "b c" "d \"e\"" 1.5 "")"),
             (std::vector<std::string>{"a", "b c", "d \"e\"", "1.5", ""}));

@@ -56,18 +56,24 @@ void UsePriors(const Element& at, const std::vector<double>& priors, ModelPlace&
   for (std::size_t k = 1; k < priors.size(); ++k) best = priors[k] > priors[best] ? k : best;
   const Slot in = result.value;
   result.value = place.Build().NewSlot(at);
-  AddStep(place.program,
-          [in, out = result.value, priors, best, probabilities = result.probabilities](Frame& frame) {
-            const double* x = frame.In(in);
-            double* y = frame.Out(out);
-            for (std::size_t i = 0; i < frame.Rows(); ++i) {
-              const bool isMissing = std::isnan(x[i]);
-              y[i] = isMissing ? static_cast<double>(best) : x[i];
-              for (std::size_t k = 0; isMissing && k < probabilities.size() && k < priors.size(); ++k) {
-                frame.Out(probabilities[k])[i] = priors[k];
-              }
-            }
-          });
+  AddStep(place.program, [in, out = result.value, best](Frame& frame) {
+    const double* x = frame.In(in);
+    double* y = frame.Out(out);
+    for (std::size_t i = 0; i < frame.Rows(); ++i) y[i] = std::isnan(x[i]) ? static_cast<double>(best) : x[i];
+  });
+  // Columns of its own: the model's may be constants, and lack classes that only the priors know.
+  if (result.probabilities.empty()) return;
+  result.probabilities.resize(priors.size(), place.Build().Constant(0));
+  for (std::size_t k = 0; k < priors.size(); ++k) {
+    const Slot own = result.probabilities[k];
+    result.probabilities[k] = place.Build().NewSlot(at);
+    AddStep(place.program, [in, own, out = result.probabilities[k], prior = priors[k]](Frame& frame) {
+      const double* x = frame.In(in);
+      const double* p = frame.In(own);
+      double* y = frame.Out(out);
+      for (std::size_t i = 0; i < frame.Rows(); ++i) y[i] = std::isnan(x[i]) ? prior : p[i];
+    });
+  }
 }
 
 TargetValue ReadTargetValue(const Element& element, Adjustment& adjustment) {
