@@ -169,7 +169,10 @@ ModelResult Classify(const Element& model, const std::vector<std::pair<std::stri
   AddStep(place.program, [ready, slots, norm, isOrdinal](Frame& frame) {
     FillProbabilities(ready, slots, norm, isOrdinal, frame);
   });
-  AddGreatest(result.probabilities, result.value, place.program);
+  // A class without a table wins never, not even where the others are missing.
+  std::vector<Slot> candidates(result.classes.Count(), place.Build().Constant(kMissing));
+  for (std::size_t k = 0; k < slots.size(); ++k) candidates[numbers[k]] = slots[k];
+  AddGreatest(candidates, result.value, place.program);
   result.confidences = result.probabilities;
   return result;
 }
