@@ -1,0 +1,166 @@
+// Scoring of prediction models, on one thread: a forest of 500 trees in visits of tree nodes a second, a
+// regression formula in rows a second. The counter "visits" counts the nodes that rows pass through, found by
+// walking the same trees one row at a time.
+#include <benchmark/benchmark.h>
+#include <tbb/global_control.h>
+
+#include <cstdint>
+#include <memory>
+#include <random>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "host/models/prediction_model.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr std::size_t kFields = 10;
+constexpr std::size_t kTrees = 500;
+constexpr std::size_t kForestRows = 20'000;
+constexpr std::size_t kFormulaRows = 1'000'000;
+
+using Columns = std::vector<std::vector<double>>;
+
+Columns Uniforms(std::size_t rows) {
+  std::mt19937_64 engine(11);
+  std::uniform_real_distribution<double> uniform(0, 1);
+  Columns columns(kFields, std::vector<double>(rows));
+  for (auto& column : columns) {
+    for (double& x : column) x = uniform(engine);
+  }
+  return columns;
+}
+
+std::string Head() {
+  std::string text = "<PMML version=\"4.4\"><DataDictionary>";
+  for (std::size_t k = 0; k <= kFields; ++k) {
+    text += "<DataField name=\"x" + std::to_string(k) + "\" optype=\"continuous\" dataType=\"double\"/>";
+  }
+  return text + "</DataDictionary>";
+}
+
+std::string Schema() {
+  std::string text = "<MiningSchema>";
+  for (std::size_t k = 0; k < kFields; ++k) text += "<MiningField name=\"x" + std::to_string(k) + "\"/>";
+  return text + "<MiningField name=\"x" + std::to_string(kFields) +
+         "\" usageType=\"target\"/></MiningSchema>";
+}
+
+// A tree as data, to count its visits, and as text. Splits halve what is left of a field's range at random
+// places, as those of a forest trained on uniform data do.
+struct Node {
+  std::size_t field = 0;
+  double threshold = 0;
+  std::unique_ptr<Node> left;
+  std::unique_ptr<Node> right;
+};
+
+struct Forest {
+  std::vector<std::unique_ptr<Node>> trees;
+  std::string text;
+};
+
+class Planter {
+ public:
+  Forest Plant(int depth) {
+    Forest forest;
+    std::string& text = forest.text;
+    text = Head() + "<MiningModel functionName=\"regression\">" + Schema() +
+           "<Segmentation multipleModelMethod=\"average\">";
+    for (std::size_t t = 0; t < kTrees; ++t) {
+      text += "<Segment><True/><TreeModel functionName=\"regression\">" + Schema();
+      std::vector<std::pair<double, double>> ranges(kFields, {0, 1});
+      forest.trees.push_back(Grow(depth, ranges, "<True/>", text));
+      text += "</TreeModel></Segment>";
+    }
+    text += "</Segmentation></MiningModel></PMML>";
+    return forest;
+  }
+
+ private:
+  std::unique_ptr<Node> Grow(int depth, std::vector<std::pair<double, double>>& ranges,
+                             const std::string& predicate, std::string& text) {
+    auto node = std::make_unique<Node>();
+    text += "<Node score=\"" + std::to_string(uniform_(engine_)) + "\">" + predicate;
+    // Branches end early now and then, so that depths differ as they do in grown trees.
+    constexpr double kEnds = 0.07;
+    if (depth > 0 && uniform_(engine_) > kEnds) {
+      node->field = engine_() % kFields;
+      const auto [low, high] = ranges[node->field];
+      node->threshold = std::stod(std::to_string(low + (high - low) * (0.25 + 0.5 * uniform_(engine_))));
+      const auto test = [&](const char* word) {
+        return "<SimplePredicate field=\"x" + std::to_string(node->field) + "\" operator=\"" + word +
+               "\" value=\"" + std::to_string(node->threshold) + "\"/>";
+      };
+      ranges[node->field] = {low, node->threshold};
+      node->left = Grow(depth - 1, ranges, test("lessOrEqual"), text);
+      ranges[node->field] = {node->threshold, high};
+      node->right = Grow(depth - 1, ranges, test("greaterThan"), text);
+      ranges[node->field] = {low, high};
+    }
+    text += "</Node>";
+    return node;
+  }
+
+  std::mt19937_64 engine_{12};
+  std::uniform_real_distribution<double> uniform_{0, 1};
+};
+
+double CountVisits(const Forest& forest, const Columns& columns) {
+  double visits = 0;
+  for (const auto& tree : forest.trees) {
+    for (std::size_t i = 0; i < columns[0].size(); ++i) {
+      for (const Node* at = tree.get(); at != nullptr; ++visits) {
+        if (!at->left) break;
+        at = columns[at->field][i] <= at->threshold ? at->left.get() : at->right.get();
+      }
+    }
+  }
+  return visits;
+}
+
+void Predict(const PredictionModel& model, const Columns& columns, std::vector<double>& answer) {
+  const std::vector<std::span<const double>> predictors(columns.begin(), columns.end());
+  const std::span<double> dependent(answer);
+  model.Predict(predictors, std::span(&dependent, 1));
+  benchmark::DoNotOptimize(answer.data());
+}
+
+void ForestOf500Trees(benchmark::State& state) {
+  const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
+  const Forest forest = Planter().Plant(static_cast<int>(state.range(0)));
+  const Columns columns = Uniforms(kForestRows);
+  const double visits = CountVisits(forest, columns);
+  const PredictionModel model = PredictionModel::Parse(forest.text, "forest.pmml");
+  std::vector<double> answer(kForestRows);
+  for (auto _ : state) Predict(model, columns, answer);
+  state.counters["visits"] = benchmark::Counter(visits, benchmark::Counter::kIsIterationInvariantRate);
+  state.counters["rows"] =
+      benchmark::Counter(static_cast<double>(kForestRows), benchmark::Counter::kIsIterationInvariantRate);
+}
+BENCHMARK(ForestOf500Trees)->Arg(6)->Arg(8)->Arg(10)->Arg(12)->Unit(benchmark::kMillisecond);
+
+void RegressionFormula(benchmark::State& state) {
+  const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
+  std::string text = Head() + "<RegressionModel functionName=\"regression\">" + Schema() +
+                     "<RegressionTable intercept=\"1\">";
+  for (int k = 0; k < state.range(0); ++k) {
+    text += "<NumericPredictor name=\"x" + std::to_string(k) + "\" coefficient=\"0." + std::to_string(k + 1) +
+            "\"/>";
+  }
+  text += "</RegressionTable></RegressionModel></PMML>";
+  const PredictionModel model = PredictionModel::Parse(text, "formula.pmml");
+  const Columns columns = Uniforms(kFormulaRows);
+  std::vector<double> answer(kFormulaRows);
+  for (auto _ : state) Predict(model, columns, answer);
+  state.counters["rows"] =
+      benchmark::Counter(static_cast<double>(kFormulaRows), benchmark::Counter::kIsIterationInvariantRate);
+}
+BENCHMARK(RegressionFormula)->Arg(3)->Arg(10)->Unit(benchmark::kMillisecond);
+
+}  // namespace
+}  // namespace brenvolt
+
+BENCHMARK_MAIN();

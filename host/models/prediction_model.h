@@ -1,0 +1,100 @@
+// Prediction models from PMML files (versions 3.0 to 4.4): what they predict from what, and the predictions
+// for columns of values.
+//
+// A file is read and checked as a whole when it is loaded; docs/models.md lists what is supported. An element
+// or attribute that is not is refused then, by name and line. A loaded model does not change; threads may use
+// it at the same time.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt {
+
+enum class ModelFieldKind : std::uint8_t { kContinuous, kCategorical };
+
+// A field of a model as its file describes it.
+struct ModelField {
+  std::string name;
+  bool isPredictor = true;  // else a dependent
+  ModelFieldKind kind = ModelFieldKind::kContinuous;
+  bool isText = false;
+  // Of a categorical field: its values as codes with their texts, in the order of the data dictionary. The
+  // codes of texts are 1, 2, …; those of numbers are the numbers. A dependent's codes are 1, 2, … always.
+  std::vector<double> codes;
+  std::vector<std::string> labels;
+  // The relative frequencies of the codes in the data of training, where the file tells; else empty.
+  std::vector<double> frequencies;
+  // The range of valid values that the file declares.
+  std::optional<double> lowest;
+  std::optional<double> highest;
+  // False for a predictor that the file lists but no formula of it reads.
+  bool isUsed = true;
+
+  // "In;Cont", "In;Cat", "Out;Cont" or "Out;Cat".
+  std::string Type() const;
+};
+
+enum class InvalidValues : std::uint8_t {
+  kError,   // a value that the model's treatment of invalid values refuses is an Error naming field, value,
+            // case
+  kMissing  // the predictions of that case are missing
+};
+
+struct ScoreOptions {
+  InvalidValues invalid = InvalidValues::kError;
+  bool classProbabilities = false;  // adds a column "probability(CLASS)" for every class
+};
+
+class PredictionModel {
+ public:
+  // Throws Error naming the file, and the line where the fault has one.
+  static PredictionModel Load(const std::filesystem::path& path);
+  // The same over text in memory; `name` stands for the file in errors.
+  static PredictionModel Parse(std::string_view text, const std::string& name);
+  ~PredictionModel();
+  PredictionModel(PredictionModel&&) noexcept;
+  PredictionModel& operator=(PredictionModel&&) noexcept;
+
+  // The model's name in the file; the file's name without folder and ending where it has none.
+  const std::string& Name() const;
+  // The active fields in the order of the mining schema.
+  const std::vector<ModelField>& Predictors() const;
+  // The targets; one, as models with several are refused.
+  const std::vector<ModelField>& Dependents() const;
+  // The columns of the model's Output element, in its order.
+  const std::vector<std::string>& Outputs() const;
+  // The mean squared error that the file reports of its training, if it does.
+  std::optional<double> MeanSquaredError() const;
+
+  // Predicts columns from columns: predictors[k] holds the values of Predictors()[k], in codes for texts,
+  // dependents[k] receives those of Dependents()[k]; all of one length. NaN is missing; a code that stands
+  // for no text is an unknown value. Cases whose values the model refuses as invalid get NaN. Throws Error
+  // for columns of wrong number or length.
+  void Predict(std::span<const std::span<const double>> predictors,
+               std::span<const std::span<double>> dependents) const;
+
+  // Predicts from a sheet whose variables have the names of the model's fields, in any order; variables that
+  // the model does not know are left alone. Returns a sheet named `name` of the dependents, the outputs, and
+  // what the options ask for. A categorical dependent is a text variable: the code of its class in the order
+  // of the data dictionary, from 1, with the class as label. Throws Error naming every field that the sheet
+  // lacks, and a text where a field wants numbers with its case.
+  Spreadsheet Score(const Spreadsheet& data, const std::string& name, const ScoreOptions& options = {}) const;
+
+ private:
+  struct Content;
+  explicit PredictionModel(std::unique_ptr<const Content> content);
+
+  std::unique_ptr<const Content> content_;
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,90 @@
+// brenvolt score as a user runs it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+
+#include "host/tables/csv.h"
+#include "tests/program.h"
+
+namespace brenvolt::test {
+namespace {
+
+const std::string kModels = BRENVOLT_SOURCE_DIR "/host/models/reference/interchange/";
+
+struct ScoreCommand : testing::Test {
+  TemporaryFolder folder;
+
+  Outcome Run(const std::vector<std::string>& arguments) const {
+    return RunBrenvolt(arguments, folder.Path());
+  }
+  void Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder.Path() / name) << text;
+  }
+};
+
+TEST_F(ScoreCommand, WritesThePredictionsThatTheModelsProgramMade) {
+  const Outcome outcome =
+      Run({"score", kModels + "RegressionOzone.pmml", kModels + "Ozone.csv", "-o", "out.csv"});
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_EQ(outcome.out, "Predictions of 330 cases written to out.csv\n");
+  const Spreadsheet found = ReadCsv(folder.Path() / "out.csv");
+  const Spreadsheet expected = ReadCsv(kModels + "RegressionOzone.expected.csv");
+  ASSERT_EQ(found.CaseCount(), expected.CaseCount());
+  EXPECT_EQ(found.VariableAt(0).Name(), "O3");
+  for (std::size_t i = 0; i < found.CaseCount(); ++i) {
+    const double x = expected.VariableAt(0).Values()[i];
+    EXPECT_NEAR(found.VariableAt(0).Values()[i], x, 1e-10 * std::fabs(x));
+  }
+}
+
+TEST_F(ScoreCommand, PrintsClassesAsTheirNamesAndProbabilitiesWhenAsked) {
+  Write("one.csv",
+        "Petal.Width,Petal.Length,Sepal.Width,Sepal.Length,Species\n0.2,1.4,3.5,5.1,setosa\n2,5,3,6,x\n");
+  EXPECT_EQ(Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv"}).out, "Species\nsetosa\nvirginica\n");
+  EXPECT_EQ(Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv", "--probabilities"}).out,
+            "Species,probability(setosa),probability(versicolor),probability(virginica)\nsetosa,1,0,0\n"
+            "virginica,0,0.021739130434782608,0.9782608695652174\n");
+}
+
+TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
+  Write("lacking.csv", "Sepal.Length,Sepal.Width\n1,2\n");
+  Write("texts.csv", "temp,ibh,ibt\n40,2693,87\n41,many,128\n");
+  Write("model.pmml",
+        "<PMML version=\"4.4\"><DataDictionary><DataField name=\"c\" optype=\"categorical\" "
+        "dataType=\"string\">"
+        "<Value value=\"u\"/></DataField></DataDictionary>\n<RegressionModel functionName=\"regression\">"
+        "<MiningSchema><MiningField name=\"c\"/></MiningSchema><RegressionTable intercept=\"1\">"
+        "<CategoricalPredictor name=\"c\" value=\"u\" "
+        "coefficient=\"2\"/></RegressionTable></RegressionModel></PMML>");
+  Write("odd.pmml", "<PMML version=\"4.4\"><DataDictionary/>\n<Oddity/></PMML>");
+  Write("unseen.csv", "c,d\nu,1\nw,2\n");
+  struct Case {
+    std::vector<std::string> arguments;
+    std::string message;
+  };
+  const Case cases[] = {
+      {{kModels + "DecisionTreeIris.pmml", "lacking.csv"},
+       "brenvolt: the data lack fields that the model needs: Petal.Length, Petal.Width (lacking)\n"},
+      {{kModels + "RegressionOzone.pmml", "texts.csv"},
+       "brenvolt: the model wants numbers in the field ibh, which has the text \"many\" in case 2 (ibh)\n"},
+      {{"model.pmml", "unseen.csv"},
+       "brenvolt: the model refuses the value \"w\" of field c in case 2, which it does not know as valid "
+       "(unseen)\n"},
+      {{"odd.pmml", "unseen.csv"}, "brenvolt: the element Oddity is not supported (odd.pmml, line 2)\n"},
+      {{"nowhere.pmml", "unseen.csv"}, "nowhere.pmml"},
+  };
+  for (const Case& wrong : cases) {
+    std::vector<std::string> arguments{"score", "-o", "out.csv"};
+    arguments.insert(arguments.end(), wrong.arguments.begin(), wrong.arguments.end());
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.err.find(wrong.message), std::string::npos) << outcome.err;
+    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "out.csv"));
+  }
+  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "prediction\n3\n\n");
+  EXPECT_EQ(Run({"score", "model.pmml"}).status, 2);
+}
+
+}  // namespace
+}  // namespace brenvolt::test
