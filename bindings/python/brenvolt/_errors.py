@@ -1,0 +1,22 @@
+"""What the package raises and warns of."""
+
+
+class Error(RuntimeError):
+    """The system refused, or could not do, what was asked; nothing was changed.
+
+    text: what happened, in the system's words; where: the file, sheet or variable that it is about, may be
+    empty; method: of a failed call on a dialog, the system's name for it, else empty.
+    """
+
+    def __init__(self, text, where="", method=""):
+        super().__init__(text, where, method)
+        self.text = text
+        self.where = where
+        self.method = method
+
+    def __str__(self):
+        return f"{self.text} ({self.where})" if self.where else self.text
+
+
+class MessageWarning(UserWarning):
+    """A message that the system shows while it goes on."""
