@@ -1,12 +1,13 @@
 // The loaded library as a whole: its start-up and shut-down, and the state of which there is one per process.
 #pragma once
 
+#include "brv_sra/resources/type_library.h"
 #include "host/analysis/module_registration.h"
 
 namespace brenvolt::sra {
 
-// The identity of the module's type library.
-inline constexpr LibraryId LIBID_BRVSRA{"{6C1E4F0A-93B7-4D58-9E21-5B0F7A2D8C34}"};
+// The module's type library.
+inline constexpr LibraryId LIBID_BRVSRA{kTypeLibraryIdentifier, &ModuleTypeLibrary};
 
 // Where the library is loaded, remembered at attach.
 InstanceHandle ModuleInstance();

@@ -84,6 +84,7 @@ bool KroOleRegisterTypeLib(InstanceHandle /*instance*/, const LibraryId& library
   if (std::ranges::find(registry.typeLibraries, text) == registry.typeLibraries.end()) {
     registry.typeLibraries.push_back(text);
   }
+  if (library.contents != nullptr) AddTypeLibrary(library.contents());
   LogLine("type library registered " + text);
   return true;
 }

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include "host/automation/type_library.h"
+
 namespace brenvolt {
 
 // Where a library is loaded: identifies the module to the host.
@@ -89,11 +91,14 @@ class AutomationModule {
   std::atomic<std::int32_t> locks_{0};
 };
 
-// A type library's identity: 128 bits in their text form.
+// A type library's identity, 128 bits in their text form, and where the module keeps what stands in it; null
+// for a library without a description.
 struct LibraryId {
   std::string_view text;
+  const TypeLibrary& (*contents)() = nullptr;
 };
-// Makes a module's type library known. The two last arguments are reserved and must be null. Returns true.
+// Makes a module's type library known: from then on FindTypeLibrary and its kin answer for it. The two last
+// arguments are reserved and must be null. Returns true.
 bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, const void* path,
                            const void* help);
 std::vector<std::string> RegisteredTypeLibraries();

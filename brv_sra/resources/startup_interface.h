@@ -1,0 +1,32 @@
+// The automation interface SRAStartup: its members with their numbers, types and help.
+#pragma once
+
+#include <array>
+
+#include "host/automation/type_library.h"
+
+namespace brenvolt::sra {
+namespace startup_interface {
+
+using enum AutomationType;
+
+inline constexpr std::array<MemberDescription, 2> kMembers{{
+    {"TypeOfAnalysis",
+     0x60030000,
+     MemberKind::kProperty,
+     {},
+     kEnumeration,
+     kEnumeration,
+     "SRAOptions",
+     "The selected task, which OK starts."},
+    Property("AutoProfiler", 0x60030002, kNone, kInteger,
+             "Checks or clears \"AutoProfiler\". Refused unless the profiler is the selected task."),
+}};
+
+}  // namespace startup_interface
+
+inline constexpr InterfaceDescription kStartupInterface{
+    "SRAStartup", "{2AE55290-8EAE-45B0-A487-560F2C412404}", "The startup dialog: the choice of a task.",
+    startup_interface::kMembers};
+
+}  // namespace brenvolt::sra
