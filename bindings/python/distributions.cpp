@@ -178,7 +178,7 @@ py::object At(const Distribution& distribution, const py::object& x) {
     if constexpr (kOfProbability) MarkOutside({from + begin, size}, {to + begin, size});
   });
   if (in.ndim() == 0) return py::float_(*to);
-  return std::move(out);
+  return out;
 }
 
 // A uniform deviate of 0 would give the end of the support, infinite for many types.
@@ -210,7 +210,7 @@ py::object Draw(const Distribution& distribution, const py::object& size, std::o
     DrawInto(distribution, stream, begin, {to + begin, count});
   });
   if (size.is_none()) return py::float_(*to);
-  return std::move(out);
+  return out;
 }
 
 // The values by name; of groups, one list for each name.

@@ -266,6 +266,8 @@ void BindSheet(py::module_& module) {
                         },
                         InHost()),
                     "The names of the cases; None where they have none.")
+      .def_property_readonly("_cases_numbered", [](const Sheet& s) { return s->Sheet().AreCasesNumbered(); })
+      .def_property_readonly("_cases_numbered", [](const Sheet& s) { return s->Sheet().AreCasesNumbered(); })
       .def_property("weight_variable", py::cpp_function(&WeightName, InHost()),
                     py::cpp_function(&SetWeight, InHost()),
                     "The name of the variable whose whole numbers say how often a case counts, or None.")
