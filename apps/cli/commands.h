@@ -11,5 +11,8 @@ void AddSimulateCommand(CLI::App& program);
 void AddShowCommand(CLI::App& program);
 void AddImportCommand(CLI::App& program);
 void AddExportCommand(CLI::App& program);
+// Everything behind the file of a macro is the macro's; who parses the command line sees to that.
+inline constexpr const char* kMacroVerb = "macro";
+void AddMacroCommand(CLI::App& program);
 
 }  // namespace brenvolt::cli
