@@ -167,8 +167,7 @@ void MarkOutside(std::span<const double> p, std::span<double> out) {
 // A function of the distribution at a number, or at each of an array of any shape.
 template <Distribution::ArrayForm kForm, bool kOfProbability>
 py::object At(const Distribution& distribution, const py::object& x) {
-  const Numbers in = Numbers::ensure(x);
-  if (!in) throw py::error_already_set();
+  const Numbers in(x);
   py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));
   const auto count = static_cast<std::size_t>(in.size());
   const double* from = in.data();

@@ -12,12 +12,12 @@ namespace py = pybind11;
 namespace brenvolt::python {
 namespace {
 
-py::object Class(const char* name) {
+py::object InPackage(const char* name) {
   return py::module_::import("brenvolt._errors").attr(name);
 }
 
 void SetError(const std::string& text, const std::string& where, const std::string& method) {
-  const py::object type = Class("Error");
+  const py::object type = InPackage("Error");
   const py::object error = type(text, where, method);
   PyErr_SetObject(type.ptr(), error.ptr());
 }
@@ -43,7 +43,7 @@ void RaiseError(const std::string& text, const std::string& where) {
 
 void Warn(const Message& message) {
   const std::string text = message.where.empty() ? message.text : message.text + " (" + message.where + ")";
-  if (PyErr_WarnEx(Class("MessageWarning").ptr(), text.c_str(), 1) != 0) throw py::error_already_set();
+  InPackage("warn")(text);
 }
 
 void BindErrors(py::module_& /*module*/) {

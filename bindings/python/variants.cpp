@@ -56,14 +56,14 @@ py::object ToPython(const Variant& value, const std::shared_ptr<AnalysisRef>& an
 Variant FromPython(const py::handle& value) {
   if (value.is_none()) return {};
   if (py::isinstance<py::bool_>(value)) return value.cast<bool>();
-  if (PyIndex_Check(value.ptr())) return value.cast<std::int64_t>();
-  if (py::isinstance<py::str>(value)) return value.cast<std::string>();
-  if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
-  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<const SheetRef&>());
   if (py::hasattr(value, "tolist")) {
     const py::object plain = value.attr("tolist")();
     if (!py::hasattr(plain, "tolist")) return FromPython(plain);
   }
+  if (PyIndex_Check(value.ptr())) return value.cast<std::int64_t>();
+  if (py::isinstance<py::str>(value)) return value.cast<std::string>();
+  if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
+  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<const SheetRef&>());
   if (py::isinstance<py::sequence>(value)) return ArrayFrom(value);
   if (IsNumber(value)) return value.cast<double>();
   throw py::type_error("an automation call cannot pass a " + std::string(py::str(py::type::of(value))));

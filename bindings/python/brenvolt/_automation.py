@@ -28,6 +28,9 @@ class AutomationObject:
         object.__setattr__(self, "_automation", automation)
 
     def __getattr__(self, name):
+        member = getattr(type(self), name, None)
+        if isinstance(member, _Member):
+            return member.__get__(self)  # came here by its AttributeError, which it raises again
         if name.startswith("_") or not self._automation.has(name):
             raise AttributeError(self._unknown(name))
         return wrapped(self._automation.get(name))

@@ -1,5 +1,11 @@
 """What the package raises and warns of."""
 
+import os
+import sys
+import warnings
+
+_PACKAGE = os.path.dirname(__file__)
+
 
 class Error(RuntimeError):
     """The system refused, or could not do, what was asked; nothing was changed.
@@ -20,3 +26,11 @@ class Error(RuntimeError):
 
 class MessageWarning(UserWarning):
     """A message that the system shows while it goes on."""
+
+
+def warn(text):
+    """Warns of a message at the line outside the package that led to it."""
+    level, frame = 2, sys._getframe(1)
+    while frame is not None and os.path.dirname(frame.f_code.co_filename) == _PACKAGE:
+        level, frame = level + 1, frame.f_back
+    warnings.warn(text, MessageWarning, stacklevel=level)

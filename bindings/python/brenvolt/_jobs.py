@@ -1,11 +1,10 @@
 """The common jobs in one call. They drive the dialogs by the members that macros use; pandas is imported on use."""
 
 import os
-import warnings
 
 from . import _automation, _brenvolt, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
-from ._errors import Error, MessageWarning
+from ._errors import Error, warn
 
 _FIT, _SIMULATE = 0, 1
 _TYPES = _brenvolt._fitted_types
@@ -64,7 +63,7 @@ def _choose_variables(sheet, continuous, discrete):
     if not chosen:
         raise Error("has no numeric variable", f"sheet {sheet.name}")
     if text:
-        warnings.warn(f"text variables are left out: {', '.join(text)}", MessageWarning, stacklevel=3)
+        warn(f"text variables are left out: {', '.join(text)}")
     return chosen, []
 
 

@@ -2,8 +2,6 @@
 
 from ._brenvolt import Spreadsheet
 
-_MOST_SHOWN = 5
-
 
 def _numbers(series):
     return series.to_numpy(dtype=float, na_value=float("nan"))
@@ -55,6 +53,8 @@ def _from_pandas(frame, name="Sheet"):
         frame = frame.to_frame(name=frame.name if frame.name is not None else "x")
     sheet = Spreadsheet(name)
     for place, column in enumerate(frame.columns):
+        if str(column) in sheet:
+            raise ValueError(f"{str(column)!r} names two columns")
         _set_column(sheet, str(column), frame.iloc[:, place])
     if not isinstance(frame.index, pandas.RangeIndex):
         sheet.case_names = [str(label) for label in frame.index]
