@@ -30,7 +30,7 @@ dialog.IsGaussianMixtureDistribution[1] = False
 dialog.ContinuousAndersonDarlingTest = True
 dialog.OK()
 
-# The results: the ranked fits, a Q-Q plot of the best, and an own distribution in the place of one.
+# The results: the ranked fits, a Q-Q plot of the best, and own values in the place of the fitted Normal distribution.
 dialog = analysis.Dialog
 dialog.QuickTabVariable = 1
 fits = dialog.QuickTabDistributionSummaryStats
@@ -39,7 +39,7 @@ for rank in range(1, fits.NumberOfCases + 1):
 plot = dialog.QQPlot
 print(f"{plot.Title}: {len(plot.series[0]['x'])} points")
 
-dialog.IsDefaultDistributionSettings[1, "Normal"] = False
+dialog.IsUserDefinedDistributions = True
 dialog.UserDefinedDistributions[1, "Normal"] = Array(4.0, 0.25)
 dialog.IsUserDefinedTruncMin[1] = True
 dialog.UserDefinedTruncMin[1] = 3.5

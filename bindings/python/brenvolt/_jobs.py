@@ -175,8 +175,7 @@ def fit(data, continuous=None, discrete=None, distributions=None, *, rank_by="ks
 class FitResult:
     """The fits of some variables.
 
-    variables: {name: FittedVariable}; best: {name: the distribution ranked first}, without variables that no
-    distribution fits; sheet: the data; dialog: the results dialog, for everything else that it offers.
+    variables: {name: FittedVariable}; best: {name: its best distribution}, without variables that no distribution fits; sheet: the data; dialog: the results dialog, for everything else that it offers.
     """
 
     def __init__(self, analysis, names):
@@ -253,8 +252,10 @@ class FittedVariable:
 
     @property
     def best(self):
-        """The distribution ranked first, or None."""
-        return next((distribution for distribution in self.distributions if distribution is not None), None)
+        """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
+        ones the first that does not merely repeat the data as a histogram. None where no distribution fits."""
+        first = self._result.dialog.DistributionOrder[self._place].split(";")[0]
+        return self.distribution(first) if first else None
 
     @property
     def fits(self):
@@ -295,7 +296,7 @@ class FittedVariable:
         return dict(zip(_scalars(distribution), errors))
 
     def graph(self, kind, distribution=None):
-        """A GraphDocument of the fit ranked first, or of a named distribution: "histogram", "cumulative-histogram", "pp",
+        """A GraphDocument of the fit ranked first, or of that of a named distribution: "histogram", "cumulative-histogram", "pp",
         "qq", "empirical-distribution", "box-plot" or "summary"."""
         member = _choice(kind, _GRAPHS, "kind")
         dialog = self._shown()

@@ -115,6 +115,13 @@ class Fits(Folder):
         self.assertEqual(result.variables["same"].fits.shape[0], 0)
         self.assertIsNone(result.variables["same"].best)
 
+    def test_the_best_fit_of_counts_is_no_histogram(self):
+        toxocara = brenvolt.fit(example("toxocara"), discrete="number").variables["number"]
+        self.assertEqual(toxocara.fits["distribution"][0], "Histogram")
+        self.assertEqual(type(toxocara.best).__name__, toxocara.fits["distribution"][1])
+        self.assertAlmostEqual(toxocara.distribution("poisson").mean(), 8.679, places=3)
+        self.assertEqual(toxocara.distribution("histogram").pmf(0), 14 / 53)
+
     def test_weights_count_cases(self):
         plain = brenvolt.fit({"x": [1.0, 2, 2, 4, 4, 4]}, distributions="normal").best["x"]
         weighted = brenvolt.fit({"x": [1.0, 2, 4], "w": [1, 2, 3]}, weights="w", distributions="normal")
