@@ -57,6 +57,7 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddImportCommand(program);
   brenvolt::cli::AddExportCommand(program);
   brenvolt::cli::AddMacroCommand(program);
+  brenvolt::cli::AddTypelibCommand(program);
   for (CLI::App* verb : program.get_subcommands({})) verb->footer(verb->get_footer() + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);
   try {

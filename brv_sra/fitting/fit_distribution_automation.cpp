@@ -1,4 +1,4 @@
-// The automation interface of the fit specification: its members with their dispatch numbers.
+// The automation interface of the fit specification: what its members do.
 //
 // An index counts the variables of a list from 1; a call with one shows that variable on its tab, as a person
 // would, and works on its controls. A field that is empty reads as "not set" (-444) and is emptied by putting
@@ -13,6 +13,7 @@
 #include "brv_sra/fitting/variable_lists.h"
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/fit_distribution_interface.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -76,8 +77,8 @@ void PutOption(Dialog& dialog, Indexes, const Variant& value) {
   if (value.ToBoolean()) dialog.Specification().*Field = Value;
 }
 template <auto Field, auto Value>
-constexpr Member Option(std::string_view name, DispatchId id) {
-  return {name, id, 0, GetOption<Field, Value>, PutOption<Field, Value>};
+constexpr Member Option(std::string_view name) {
+  return {name, GetOption<Field, Value>, PutOption<Field, Value>};
 }
 
 using Show = void (Dialog::*)(int);
@@ -93,13 +94,13 @@ void PutCheckOf(Dialog& dialog, Indexes indexes, const Variant& value) {
   PutChecked<Dialog, Control>(dialog, indexes, value);
 }
 template <std::int32_t Control>
-constexpr Member Continuous(std::string_view name, DispatchId id) {
-  return {name, id, 1, GetCheckOf<&Dialog::ShowContinuousVariable, Control>,
+constexpr Member Continuous(std::string_view name) {
+  return {name, GetCheckOf<&Dialog::ShowContinuousVariable, Control>,
           PutCheckOf<&Dialog::ShowContinuousVariable, Control>};
 }
 template <std::int32_t Control>
-constexpr Member Discrete(std::string_view name, DispatchId id) {
-  return {name, id, 1, GetCheckOf<&Dialog::ShowDiscreteVariable, Control>,
+constexpr Member Discrete(std::string_view name) {
+  return {name, GetCheckOf<&Dialog::ShowDiscreteVariable, Control>,
           PutCheckOf<&Dialog::ShowDiscreteVariable, Control>};
 }
 
@@ -112,13 +113,12 @@ Variant GetOffset(Dialog& dialog, Indexes indexes) {
 }
 template <std::int32_t Control>
 void PutOffset(Dialog& dialog, Indexes indexes, const Variant& value) {
-  const double offset = value.ToReal();
   dialog.ShowContinuousVariable(indexes[0].ToInteger());
-  dialog.Controls().SetDlgItemDouble(Control, offset);
+  EnterNumber(dialog, Control, value.ToReal());
 }
 template <std::int32_t Control>
-constexpr Member Offset(std::string_view name, DispatchId id) {
-  return {name, id, 1, GetOffset<Control>, PutOffset<Control>};
+constexpr Member Offset(std::string_view name) {
+  return {name, GetOffset<Control>, PutOffset<Control>};
 }
 
 template <Show ShowVariable, std::int32_t Control>
@@ -128,13 +128,12 @@ Variant GetCount(Dialog& dialog, Indexes indexes) {
 }
 template <Show ShowVariable, std::int32_t Control>
 void PutCount(Dialog& dialog, Indexes indexes, const Variant& value) {
-  const std::int32_t count = value.ToInteger();
   (dialog.*ShowVariable)(indexes[0].ToInteger());
-  dialog.Controls().SetDlgItemLong(Control, count);
+  EnterCount(dialog, Control, value.ToInteger());
 }
 template <Show ShowVariable, std::int32_t Control>
-constexpr Member Count(std::string_view name, DispatchId id) {
-  return {name, id, 1, GetCount<ShowVariable, Control>, PutCount<ShowVariable, Control>};
+constexpr Member Count(std::string_view name) {
+  return {name, GetCount<ShowVariable, Control>, PutCount<ShowVariable, Control>};
 }
 
 // Settings without a control: the number of bootstrap samples (0 for none), and where their random numbers
@@ -156,57 +155,57 @@ constexpr auto kContinuousRank = &FitSpecification::continuousCriterion;
 constexpr auto kDiscreteRank = &FitSpecification::discreteCriterion;
 constexpr auto kBins = &FitSpecification::binning;
 
-// In the order of their numbers, which stand in recorded macros. The two behind the last of them are younger.
 constexpr std::array<Member, 40> kMembers{{
-    {"Variables", 0x60030000, 0, GetLists, PutLists},
-    Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest", 0x60030002),
-    Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest", 0x60030004),
-    Option<kContinuousRank, kAndersonDarling>("ContinuousAndersonDarlingTest", 0x60030006),
-    Option<kDiscreteRank, kKolmogorovSmirnov>("DiscreteKolmogorovSmirovTest", 0x60030008),
-    Option<kDiscreteRank, kChiSquare>("DiscreteChiSquareTest", 0x6003000a),
-    Option<kBins, kEqualProbabilities>("EqualProbability", 0x6003000c),
-    Option<kBins, kEqualIntervals>("EqualInterval", 0x6003000e),
-    {"IsPairwise", 0x60030010, 0, GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>},
-    {"IsCasewise", 0x60030012, 0, GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>},
-    {"ContinuousVariable", 0x60030014, 0, GetContinuousList, PutContinuousList},
-    Continuous<kNormal>("IsNormalDistribution", 0x60030016),
-    Continuous<kLogNormal>("IsLogNormalDistribution", 0x60030018),
-    Continuous<kFoldedNormal>("IsFoldedNormalDistribution", 0x6003001a),
-    Continuous<kHalfNormal>("IsHalfNormalDistribution", 0x6003001c),
-    Continuous<kRayleigh>("IsRayleighDistribution", 0x6003001e),
-    Continuous<kWeibull>("IsWeibullDistribution", 0x60030020),
-    Continuous<kGaussianMixture>("IsGaussianMixtureDistribution", 0x60030022),
-    Count<&Dialog::ShowContinuousVariable, kMixtures>("NumberOfMixtures", 0x60030024),
-    Continuous<kJohnson>("IsJohnsonDistribution", 0x60030026),
-    Continuous<kGeneralExtremeValue>("IsGeneralizedExtremeValueDistribution", 0x60030028),
-    Continuous<kGeneralPareto>("IsGeneralizedParetoDistribution", 0x6003002a),
-    Continuous<kTriangular>("IsTriangularDistribution", 0x6003002c),
-    Offset<kLogNormalOffset>("LogNormalOffset", 0x6003002e),
-    Offset<kFoldedNormalOffset>("FoldedNormalOffset", 0x60030030),
-    Offset<kHalfNormalOffset>("HalfNormalOffset", 0x60030032),
-    Offset<kRayleighOffset>("RayleighOffset", 0x60030034),
-    Offset<kWeibullOffset>("WeibullOffset", 0x60030036),
-    Offset<kGeneralParetoOffset>("GeneralizedParetoOffset", 0x60030038),
-    {"DiscreteVariable", 0x6003003a, 0, GetDiscreteList, PutDiscreteList},
-    Discrete<kBinomial>("IsBinomialDistribution", 0x6003003c),
-    Discrete<kUseTrials>("IsNumberOfTrials", 0x6003003e),
-    Count<&Dialog::ShowDiscreteVariable, kTrials>("NumberOfTrials", 0x60030040),
-    Discrete<kPoisson>("IsPoissonDistribution", 0x60030042),
-    Discrete<kGeometric>("IsGeometricDistribution", 0x60030044),
-    Discrete<kBernoulli>("IsBernoulliDistribution", 0x60030046),
-    Discrete<kHistogram>("IsDiscreteDistribution", 0x60030048),
-    Continuous<kJohnsonPercentile>("FitJohnsonByPercentile", 0x6003004a),
-    {"BootstrapSamples", 0x6003004c, 0, GetSetting<&FitSpecification::bootstrapSamples>,
+    {"Variables", GetLists, PutLists},
+    Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest"),
+    Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest"),
+    Option<kContinuousRank, kAndersonDarling>("ContinuousAndersonDarlingTest"),
+    Option<kDiscreteRank, kKolmogorovSmirnov>("DiscreteKolmogorovSmirovTest"),
+    Option<kDiscreteRank, kChiSquare>("DiscreteChiSquareTest"),
+    Option<kBins, kEqualProbabilities>("EqualProbability"),
+    Option<kBins, kEqualIntervals>("EqualInterval"),
+    {"IsPairwise", GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>},
+    {"IsCasewise", GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>},
+    {"ContinuousVariable", GetContinuousList, PutContinuousList},
+    Continuous<kNormal>("IsNormalDistribution"),
+    Continuous<kLogNormal>("IsLogNormalDistribution"),
+    Continuous<kFoldedNormal>("IsFoldedNormalDistribution"),
+    Continuous<kHalfNormal>("IsHalfNormalDistribution"),
+    Continuous<kRayleigh>("IsRayleighDistribution"),
+    Continuous<kWeibull>("IsWeibullDistribution"),
+    Continuous<kGaussianMixture>("IsGaussianMixtureDistribution"),
+    Count<&Dialog::ShowContinuousVariable, kMixtures>("NumberOfMixtures"),
+    Continuous<kJohnson>("IsJohnsonDistribution"),
+    Continuous<kGeneralExtremeValue>("IsGeneralizedExtremeValueDistribution"),
+    Continuous<kGeneralPareto>("IsGeneralizedParetoDistribution"),
+    Continuous<kTriangular>("IsTriangularDistribution"),
+    Offset<kLogNormalOffset>("LogNormalOffset"),
+    Offset<kFoldedNormalOffset>("FoldedNormalOffset"),
+    Offset<kHalfNormalOffset>("HalfNormalOffset"),
+    Offset<kRayleighOffset>("RayleighOffset"),
+    Offset<kWeibullOffset>("WeibullOffset"),
+    Offset<kGeneralParetoOffset>("GeneralizedParetoOffset"),
+    {"DiscreteVariable", GetDiscreteList, PutDiscreteList},
+    Discrete<kBinomial>("IsBinomialDistribution"),
+    Discrete<kUseTrials>("IsNumberOfTrials"),
+    Count<&Dialog::ShowDiscreteVariable, kTrials>("NumberOfTrials"),
+    Discrete<kPoisson>("IsPoissonDistribution"),
+    Discrete<kGeometric>("IsGeometricDistribution"),
+    Discrete<kBernoulli>("IsBernoulliDistribution"),
+    Discrete<kHistogram>("IsDiscreteDistribution"),
+    Continuous<kJohnsonPercentile>("FitJohnsonByPercentile"),
+    {"BootstrapSamples", GetSetting<&FitSpecification::bootstrapSamples>,
      PutSetting<&FitSpecification::bootstrapSamples>},
-    {"BootstrapSeed", 0x6003004e, 0, GetSetting<&FitSpecification::bootstrapSeed>,
+    {"BootstrapSeed", GetSetting<&FitSpecification::bootstrapSeed>,
      PutSetting<&FitSpecification::bootstrapSeed>},
 }};
+static_assert(Binds(kFitDistributionInterface, kMembers));
 
 }  // namespace
 
 CFitDistribution::CFitDistribution(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, FitDistributionTemplate()) {
-  EnableAutomation<CFitDistribution>("SRAFitDistribution", "CFitDistribution", kMembers);
+  EnableAutomation<CFitDistribution>(kFitDistributionInterface, "CFitDistribution", kMembers);
 }
 
 }  // namespace brenvolt::sra

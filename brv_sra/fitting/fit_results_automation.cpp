@@ -1,4 +1,4 @@
-// The automation interface of the fit results: its members with their dispatch numbers.
+// The automation interface of the fit results: what its members do.
 //
 // An index counts the fitted variables, continuous ones first, from 1. A member that names an output makes,
 // shows and returns it as the button of the same meaning does: a spreadsheet or a graph document.
@@ -22,6 +22,7 @@
 #include "brv_sra/fitting/variable_lists.h"
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/fit_results_interface.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -196,49 +197,46 @@ void PutBound(Dialog& dialog, Indexes indexes, const Variant& value) {
   dialog.ShowSaveSettings();
 }
 
-// In the order of their numbers, which stand in recorded macros. Those behind the last of them are younger.
 constexpr std::array<Member, 26> kMembers{{
-    {"QuickTabVariable", 0x60030000, 0, GetSelection<Dialog, kVariable, 1>,
-     PutSelection<Dialog, kVariable, 1>},
-    {"QuickTabDistribution", 0x60030002, 0, GetSelection<Dialog, kDistribution, 1>,
-     PutSelection<Dialog, kDistribution, 1>},
-    {"SummaryStats", 0x60030004, 0, GetOutput<&Dialog::ShowSummaryStatistics>, nullptr},
-    {"SummaryGraph", 0x60030005, 0, GetPlot<FitPlot::kSummary>, nullptr},
-    {"EmpiricalCDFPlot", 0x60030006, 0, GetPlot<FitPlot::kEmpiricalDistribution>, nullptr},
-    {"HistogramWithFit", 0x60030007, 0, GetPlot<FitPlot::kHistogram>, nullptr},
-    {"CumulativeHistogram", 0x60030008, 0, GetPlot<FitPlot::kCumulativeHistogram>, nullptr},
-    {"PPPlot", 0x60030009, 0, GetPlot<FitPlot::kProbabilityPlot>, nullptr},
-    {"QQPlot", 0x6003000a, 0, GetPlot<FitPlot::kQuantilePlot>, nullptr},
-    {"BoxPlot", 0x6003000b, 0, GetPlot<FitPlot::kBoxPlot>, nullptr},
-    {"SaveFitTabVariable", 0x6003000c, 0, GetSelection<Dialog, kSaveVariable, 1>,
-     PutSelection<Dialog, kSaveVariable, 1>},
-    {"CorrelationMatrix", 0x6003000e, 0, GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr},
-    {"QuickTabDistributionSummaryStats", 0x6003000f, 0, GetDistributionSummary<&Dialog::QuickVariable>,
-     nullptr},
-    {"SavePlotTabDistributionSummaryStats", 0x60030010, 0, GetDistributionSummary<&Dialog::SaveVariable>,
-     nullptr},
-    {"SaveDistributionFit", 0x60030011, 0, GetOutput<&Dialog::SaveFits>, nullptr},
-    {"DistributionOrder", 0x60030012, 1, GetOrder, PutOrder},
-    {"IsUserDefinedDistributions", 0x60030014, 0, GetChecked<Dialog, kUserDefined>,
-     PutChecked<Dialog, kUserDefined>},
-    {"UserDefinedDistributionOrder", 0x60030016, 1, GetUserDefinedOrder, PutUserDefinedOrder},
-    {"IsDefaultDistributionSettings", 0x60030018, 2, GetIsDefault, PutIsDefault},
-    {"UserDefinedDistributions", 0x6003001a, 2, GetUserDefined, PutUserDefined},
-    {"IsUserDefinedTruncMin", 0x6003001c, 1, GetTruncated<&Truncation::below>,
-     PutTruncated<&Truncation::below>},
-    {"UserDefinedTruncMin", 0x6003001e, 1, GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>},
-    {"IsUserDefinedTruncMax", 0x60030020, 1, GetTruncated<&Truncation::above>,
-     PutTruncated<&Truncation::above>},
-    {"UserDefinedTruncMax", 0x60030022, 1, GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>},
-    {"Variables", 0x60030024, 0, GetVariables, PutVariables},
-    {"DistributionDetails", 0x60030026, 0, GetOutput<&Dialog::ShowDetails>, nullptr},
+    {"QuickTabVariable", GetSelection<Dialog, kVariable, 1>, PutSelection<Dialog, kVariable, 1>},
+    {"QuickTabDistribution", GetSelection<Dialog, kDistribution, 1>, PutSelection<Dialog, kDistribution, 1>},
+    {"SummaryStats", GetOutput<&Dialog::ShowSummaryStatistics>, nullptr},
+    {"SummaryGraph", GetPlot<FitPlot::kSummary>, nullptr},
+    {"EmpiricalCDFPlot", GetPlot<FitPlot::kEmpiricalDistribution>, nullptr},
+    {"HistogramWithFit", GetPlot<FitPlot::kHistogram>, nullptr},
+    {"CumulativeHistogram", GetPlot<FitPlot::kCumulativeHistogram>, nullptr},
+    {"PPPlot", GetPlot<FitPlot::kProbabilityPlot>, nullptr},
+    {"QQPlot", GetPlot<FitPlot::kQuantilePlot>, nullptr},
+    {"BoxPlot", GetPlot<FitPlot::kBoxPlot>, nullptr},
+    {"SaveFitTabVariable", GetSelection<Dialog, kSaveVariable, 1>, PutSelection<Dialog, kSaveVariable, 1>},
+    {"CorrelationMatrix", GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr},
+    {"QuickTabDistributionSummaryStats", GetDistributionSummary<&Dialog::QuickVariable>, nullptr},
+    {"SavePlotTabDistributionSummaryStats", GetDistributionSummary<&Dialog::SaveVariable>, nullptr},
+    {"SaveDistributionFit", GetOutput<&Dialog::SaveFits>, nullptr},
+    {"DistributionOrder", GetOrder, PutOrder},
+    {"IsUserDefinedDistributions", GetChecked<Dialog, kUserDefined>, PutChecked<Dialog, kUserDefined>},
+    {"UserDefinedDistributionOrder", GetUserDefinedOrder, PutUserDefinedOrder},
+    {"IsDefaultDistributionSettings", GetIsDefault, PutIsDefault},
+    {"UserDefinedDistributions", GetUserDefined, PutUserDefined},
+    {"IsUserDefinedTruncMin", GetTruncated<&Truncation::below>, PutTruncated<&Truncation::below>},
+    {"UserDefinedTruncMin", GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>},
+    {"IsUserDefinedTruncMax", GetTruncated<&Truncation::above>, PutTruncated<&Truncation::above>},
+    {"UserDefinedTruncMax", GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>},
+    {"Variables", GetVariables, PutVariables},
+    {"DistributionDetails", GetOutput<&Dialog::ShowDetails>, nullptr},
 }};
+static_assert(Binds(kFitDistributionResultsInterface, kMembers));
 
 }  // namespace
 
 CFitDistributionResults::CFitDistributionResults(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, FitResultsTemplate()) {
-  EnableAutomation<CFitDistributionResults>("SRAFitDistributionResults", "CFitDistributionResults", kMembers);
+  EnableAutomation<CFitDistributionResults>(kFitDistributionResultsInterface, "CFitDistributionResults",
+                                            kMembers);
+}
+
+void CFitDistributionResults::PutResultsVariables(const Variant& variables) {
+  PutVariables(*this, {}, variables);
 }
 
 }  // namespace brenvolt::sra

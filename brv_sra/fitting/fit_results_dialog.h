@@ -54,6 +54,9 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   // variables as without a fit.
   std::shared_ptr<CAnalysisTableDoc> SaveFits();
 
+  // The same variables as the member Variables.
+  void PutResultsVariables(const Variant& variables) override;
+
   // Shows the settings of the Save/plot tab's variable after a change of them.
   void ShowSaveSettings();
 

@@ -1,15 +1,21 @@
 // Automation members that stand for one control of their dialog: getters and putters for the tables of
-// members.
+// members. A control operation that the dialog refuses is refused to the caller.
 #pragma once
 
 #include <cstdint>
 #include <span>
 
 #include "host/analysis/analysis_dialog.h"
+#include "host/automation/automation_failure.h"
 #include "host/automation/variant.h"
-#include "host/base/error.h"
+#include "host/base/almost_equal.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::sra {
+
+inline void RequireTaken(bool taken) {
+  if (!taken) ThrowControlRefused("the control is disabled");
+}
 
 template <class Dialog, std::int32_t Control>
 Variant GetChecked(Dialog& dialog, std::span<const Variant>) {
@@ -18,13 +24,13 @@ Variant GetChecked(Dialog& dialog, std::span<const Variant>) {
 
 template <class Dialog, std::int32_t Control>
 void PutChecked(Dialog& dialog, std::span<const Variant>, const Variant& value) {
-  if (!dialog.Check(Control, value.ToBoolean())) throw Error("the control is disabled");
+  RequireTaken(dialog.Check(Control, value.ToBoolean()));
 }
 
 // A radio button is chosen, never cleared, by a put.
 template <class Dialog, std::int32_t Control>
 void PutChosen(Dialog& dialog, std::span<const Variant>, const Variant& value) {
-  if (value.ToBoolean()) dialog.Check(Control, true);
+  if (value.ToBoolean()) RequireTaken(dialog.Check(Control, true));
 }
 
 // The number in a field; kNotSetCount where there is none.
@@ -37,7 +43,16 @@ Variant GetNumber(Dialog& dialog, std::span<const Variant>) {
 
 template <class Dialog, std::int32_t Control>
 void PutText(Dialog& dialog, std::span<const Variant>, const Variant& value) {
-  dialog.Enter(Control, value.ToText());
+  RequireTaken(dialog.Enter(Control, value.ToText()));
+}
+
+// Types a number into a field, in the user's locale; "not set" empties it.
+inline void EnterNumber(CAnalysisDialog& dialog, std::int32_t control, double value) {
+  RequireTaken(
+      dialog.Enter(control, IsNotSet(value) ? std::string() : ParseTextBuffer(ShortestNumber(value))));
+}
+inline void EnterCount(CAnalysisDialog& dialog, std::int32_t control, std::int32_t value) {
+  RequireTaken(dialog.Enter(control, value == kNotSetCount ? std::string() : std::to_string(value)));
 }
 
 // The selected entry of a list, counted from `First`; First - 1 where none is selected.
@@ -49,7 +64,7 @@ Variant GetSelection(Dialog& dialog, std::span<const Variant>) {
 template <class Dialog, std::int32_t Control, std::int32_t First>
 void PutSelection(Dialog& dialog, std::span<const Variant>, const Variant& value) {
   if (!dialog.Select(Control, value.ToInteger() - First))
-    throw Error("no entry " + value.ToText() + " in the list");
+    ThrowControlRefused("no entry " + value.ToText() + " in the list");
 }
 
 }  // namespace brenvolt::sra

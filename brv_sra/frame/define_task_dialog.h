@@ -16,6 +16,8 @@ class CDefineTask : public CSimulationAndRiskModelessDialog {
   bool OnCommand(std::int32_t number) override;
   // Sends the command of the selected list entry.
   bool OnOk() override;
+  // On the list: as OK.
+  bool OnDoubleClick(std::int32_t number) override;
   void OnControlChanged(std::int32_t number) override;
 };
 

@@ -24,12 +24,12 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
   std::shared_ptr<AutomationObject> AutomationInterface() override { return automation_; }
 
  protected:
-  // Gives the dialog its automation object over a table of members. The object outlives the dialog where a
-  // client still holds it; its calls then fail with the closed-dialog error.
+  // Gives the dialog its automation object over a table that binds the interface. The object outlives the
+  // dialog where a client still holds it; its calls then fail with the closed-dialog error.
   template <class Dialog>
-  void EnableAutomation(std::string_view interfaceName, std::string_view className,
+  void EnableAutomation(const InterfaceDescription& interface, std::string_view className,
                         std::span<const AutomationMember<Dialog>> members) {
-    automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interfaceName,
+    automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interface,
                                                              className, members, ModuleAutomation());
   }
 

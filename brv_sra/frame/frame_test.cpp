@@ -8,6 +8,7 @@
 #include "brv_sra/frame/module.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/headless_user_interface.h"
@@ -107,8 +108,8 @@ TEST_F(Frame, AttachRunsInItsOrder) {
     place = std::find_if(place, lines.end(), [&](const std::string& line) { return line.starts_with(text); });
     ASSERT_NE(place, lines.end()) << text;
   }
-  EXPECT_EQ(RegisteredInterfaces().size(), 5U);
-  EXPECT_EQ(RegisteredObjectClasses().size(), 5U);
+  EXPECT_EQ(RegisteredInterfaces().size(), 6U);
+  EXPECT_EQ(RegisteredObjectClasses().size(), 6U);
   EXPECT_EQ(RegisteredTypeLibraries(), std::vector<std::string>{std::string(LIBID_BRVSRA.text)});
 }
 
@@ -238,7 +239,7 @@ TEST_F(SimulationChecks, OptionsAreValidatedWithEveryMessage) {
   userInterface.messages.clear();
   Dialog()->Put("NumberOfSamples", 10);
   Dialog()->Put("IsSeedRandomNumber", false);
-  Dialog()->Put("RandomSeedNumber", "");
+  analysis->GetDialog()->Enter(simulation_dialog::kSeed, "");
   EXPECT_EQ(Ok(), 1) << "an empty seed is no error while seeding is off";
   EXPECT_TRUE(userInterface.messages.empty());
 }

@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "brv_sra/resources/strings.h"
+#include "host/base/crash_report.h"
 #include "host/base/dynamic_library.h"
 #include "host/base/logging.h"
 
@@ -17,12 +18,19 @@ constexpr ObjectClass Class(std::string_view name) {
   return {name, RegisterObjectClass, UnregisterObjectClass};
 }
 
-constexpr std::array kObjectMap{
-    Interface("SRAStartup"), Interface("SRAFitDistribution"), Interface("SRAFitDistributionResults"),
-    Interface("SRASimulationFromDistribution"), Interface("SRASimulationResults")};
-constexpr std::array kObjectClasses{Class("CComDefineTask"), Class("CComFitDistribution"),
+// Of the dialogs that this version of the module has.
+constexpr std::array kObjectMap{Interface("SRAStartup"),
+                                Interface("SRASimulation"),
+                                Interface("SRAFitDistribution"),
+                                Interface("SRAFitDistributionResults"),
+                                Interface("SRASimulationFromDistribution"),
+                                Interface("SRASimulationResults")};
+constexpr std::array kObjectClasses{Class("CComDefineTask"),
+                                    Class("CComSimulation"),
+                                    Class("CComFitDistribution"),
                                     Class("CComFitDistributionResults"),
-                                    Class("CComSimulationFromDistribution"), Class("CComSimulationResults")};
+                                    Class("CComSimulationFromDistribution"),
+                                    Class("CComSimulationResults")};
 
 // Lives until the process ends: automation objects that clients still hold count themselves out here.
 AutomationModule& TheAutomationModule() {
@@ -41,6 +49,7 @@ class LoadedModule {
     resources_ = std::make_unique<CDynLinkLibrary>(extension_);
     TheAutomationModule().Initialise();
     KroOleRegisterTypeLib(instance_, LIBID_BRVSRA, nullptr, nullptr);
+    InstallCrashReports();
   }
   ~LoadedModule() {
     TheAutomationModule().Terminate();

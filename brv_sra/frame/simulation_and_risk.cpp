@@ -8,6 +8,7 @@
 #include "brv_sra/frame/define_task_dialog.h"
 #include "brv_sra/frame/module.h"
 #include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/simulation_startup_dialog.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -99,6 +100,10 @@ bool CSimulationAndRisk::MayFitInput() const {
 
 std::int32_t CSimulationAndRisk::StartAnalysis() {
   return OpenDialog<CDefineTask>(*this);
+}
+
+std::int32_t CSimulationAndRisk::SimulationStartupDialog() {
+  return OpenDialog<CSimulation>(*this);
 }
 
 // Back from its results, the dialog stands over an input that the person has already agreed to.

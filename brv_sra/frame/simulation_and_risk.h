@@ -34,6 +34,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
 
   // Entry methods of the sequence's dialogs: -1 when the dialog is open, 0 when it could not be made.
   std::int32_t StartAnalysis();
+  std::int32_t SimulationStartupDialog();
   std::int32_t FitDistributionDialog();
   std::int32_t FitDistributionResultsDialog();
   std::int32_t SimulationFromDistributionDialog();
@@ -77,6 +78,14 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // The startup dialog's "AutoProfiler" choice, read by the profiler.
   bool AutoProfiler() const { return autoProfiler_; }
   void SetAutoProfiler(bool on) { autoProfiler_ = on; }
+
+  // The host's startup menus, and its case selection conditions and case weights, for this analysis; all are
+  // on until a task is started that has no use for them.
+  void EnableStartupMenus(bool on) { kro88Tag_.startupMenusEnabled = on; }
+  void EnableCaseSettings(bool on) {
+    kroTag_.caseSelectionEnabled = on;
+    weights_.caseWeightsEnabled = on;
+  }
 
   // Set by whoever wants the next Init noticed; every Init clears it.
   std::int16_t OneShotFlag() const { return oneShot_; }

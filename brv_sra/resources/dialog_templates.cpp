@@ -23,7 +23,10 @@ const DialogTemplate& DefineTaskTemplate() {
   static const DialogTemplate result{
       25980,
       Text(kAnalysisTitle),
-      {OkAndCancel(kFitButtonOk)},
+      {OkAndCancel(kFitButtonOk),
+       {{kSelectionConditions, kButton, Text(kStartupSelection)},
+        {kCaseWeights, kButton, Text(kStartupWeights)},
+        {kOpenData, kButton, Text(kFitButtonOpenData)}}},
       {{Text(kFitTabQuick),
         {{"", {{{kTaskList, kListBox, ""}}, {{kAutoProfiler, kCheckBox, Text(kCommandAutoProfiler)}}}},
          {"",
@@ -31,6 +34,19 @@ const DialogTemplate& DefineTaskTemplate() {
             {kRunSimulation, kButton, Text(kCommandRunSimulation)}},
            {{kDesignSimulation, kButton, Text(kCommandDesignSimulation)},
             {kProfiler, kButton, Text(kCommandProfiler)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& SimulationStartupTemplate() {
+  using namespace define_task;
+  static const DialogTemplate result{25977,
+                                     Text(kSimulationTitle),
+                                     {OkAndCancel(kFitButtonOk)},
+                                     {{Text(kFitTabQuick),
+                                       {{"",
+                                         {{{kRunSimulation, kButton, Text(kCommandRunSimulation)}},
+                                          {{kDesignSimulation, kButton, Text(kCommandDesignSimulation)}},
+                                          {{kProfiler, kButton, Text(kCommandProfiler)}}}}}}}};
   return result;
 }
 

@@ -8,13 +8,18 @@
 namespace brenvolt::sra {
 
 const DialogTemplate& DefineTaskTemplate();         // 25980
+const DialogTemplate& SimulationStartupTemplate();  // 25977
 const DialogTemplate& FitDistributionTemplate();    // 25974
 const DialogTemplate& FitOptionsTemplate();         // 25975
 const DialogTemplate& FitResultsTemplate();         // 25983
 const DialogTemplate& SimulationTemplate();         // 25991
 const DialogTemplate& SimulationResultsTemplate();  // 25988
 
+// The startup dialogs.
 namespace define_task {
+inline constexpr std::int32_t kSelectionConditions = 1001;
+inline constexpr std::int32_t kCaseWeights = 1002;
+inline constexpr std::int32_t kOpenData = 1003;
 inline constexpr std::int32_t kFitDistribution = 1004;
 inline constexpr std::int32_t kRunSimulation = 1005;
 inline constexpr std::int32_t kTaskList = 1006;

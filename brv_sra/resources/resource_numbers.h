@@ -194,15 +194,9 @@ inline constexpr std::int32_t kCompactKeyGeometric = 20013;
 inline constexpr std::int32_t kCompactKeyBernoulli = 20014;
 inline constexpr std::int32_t kCompactKeyHistogram = 20015;
 
-// Automation: how a fault inside a call is described, and the log line of a crash report. The two texts with
-// a code
-// ("%d", "%0lX") take a number.
-inline constexpr std::int32_t kAutomationExceptionPrefix = 20100;
-inline constexpr std::int32_t kAutomationExceptionSuffix = 20101;
-inline constexpr std::int32_t kAutomationUnexpectedError = 20102;
-inline constexpr std::int32_t kAutomationDispatchError = 20103;
-inline constexpr std::int32_t kAutomationUnknownError = 20104;
-inline constexpr std::int32_t kLogDumpGenerated = 20105;
+// The startup dialog.
+inline constexpr std::int32_t kStartupSelection = 20110;
+inline constexpr std::int32_t kStartupWeights = 20111;
 
 // The fit specification dialog.
 inline constexpr std::int32_t kFitTitle = 20200;

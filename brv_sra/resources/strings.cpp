@@ -228,15 +228,9 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kCompactKeyGeometric, "DontTranslate!!Geometric"},
     {kCompactKeyBernoulli, "DontTranslate!!Bernoulli"},
     {kCompactKeyHistogram, "DontTranslate!!Histogram"},
-    // Automation: how a fault inside a call is described, and the log line of a crash report. The two texts
-    // with a code
-    // ("%d", "%0lX") take a number.
-    {kAutomationExceptionPrefix, "Exception in automation method ["},
-    {kAutomationExceptionSuffix, "]"},
-    {kAutomationUnexpectedError, "Unexpected Error"},
-    {kAutomationDispatchError, "IDispatch error #%d"},
-    {kAutomationUnknownError, "Unknown error 0x%0lX"},
-    {kLogDumpGenerated, "Process dump was generated in [%s]"},
+    // The startup dialog.
+    {kStartupSelection, "&Selection conditions"},
+    {kStartupWeights, "Case &weights"},
     // The fit specification dialog.
     {kFitTitle, "Fit Distributions"},
     {kFitTabQuick, "Quick"},

@@ -42,7 +42,7 @@ constexpr Constants<3> kBins{"iEquiProbable", "iEqualIntervals", "iCustom"};
 
 // The names are kept as recorded macros know them, odd spellings included.
 constexpr std::array<EnumerationDescription, 9> kEnumerations{{
-    {"SRAOptions", "The tasks of the startup dialog.", kOptions},
+    {"SRAOptions", "The tasks of the startup dialog.", kOptions, true},
     {"OuptutType", "The outputs of the fit results.", kOutputs},
     {"SupportedDistributionsType", "The distribution types by their code.", kKeys},
     {"Distributions", "The continuous distribution types.", kContinuous},

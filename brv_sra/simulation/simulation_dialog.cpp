@@ -9,6 +9,7 @@
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/simulation_interface.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -61,26 +62,23 @@ void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SetCorrelationMatrix(document->Table());
 }
 
-// CorrelationMatrix has no control; it stands behind the last member of the interface.
 constexpr std::array<Member, 13> kMembers{{
-    {"Variables", 0x60030000, 0, GetVariables, PutVariables},
-    {"MonteCarloMethod", 0x60030002, 0, GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
-    {"LHSMethod", 0x60030004, 0, GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
-    {"ImanConoverMethod", 0x60030006, 0, GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
-    {"LHSwithImanMethod", 0x60030008, 0, GetChecked<Dialog, kLatinHypercubeImanConover>,
+    {"Variables", GetVariables, PutVariables},
+    {"MonteCarloMethod", GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
+    {"LHSMethod", GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
+    {"ImanConoverMethod", GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
+    {"LHSwithImanMethod", GetChecked<Dialog, kLatinHypercubeImanConover>,
      PutChosen<Dialog, kLatinHypercubeImanConover>},
-    {"NORTAMethod", 0x6003000a, 0, GetChecked<Dialog, kNormalToAnything>,
-     PutChosen<Dialog, kNormalToAnything>},
-    {"NumberOfSamples", 0x6003000c, 0, GetNumber<Dialog, kNumberOfSamples>,
-     PutText<Dialog, kNumberOfSamples>},
-    {"IsSeedRandomNumber", 0x6003000e, 0, GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
-    {"RandomSeedNumber", 0x60030010, 0, GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
-    {"TruncateSimulationData", 0x60030012, 0, GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
-    {"IsAutoUpdateSameSheet", 0x60030014, 0, GetChecked<Dialog, kAutoUpdate>,
-     PutChecked<Dialog, kAutoUpdate>},
-    {"SimulationResults", 0x60030016, 0, GetSimulationResults, nullptr},
-    {"CorrelationMatrix", 0x60030017, 0, GetCorrelationMatrix, PutCorrelationMatrix},
+    {"NORTAMethod", GetChecked<Dialog, kNormalToAnything>, PutChosen<Dialog, kNormalToAnything>},
+    {"NumberOfSamples", GetNumber<Dialog, kNumberOfSamples>, PutText<Dialog, kNumberOfSamples>},
+    {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
+    {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
+    {"TruncateSimulationData", GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
+    {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
+    {"SimulationResults", GetSimulationResults, nullptr},
+    {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
 }};
+static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
 
 // "a, b, c"
 std::string Listed(const std::vector<std::string>& names) {
@@ -107,7 +105,7 @@ void TakeSummaries(const MatrixFile& given, MatrixFile& file) {
 
 CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationTemplate()) {
-  EnableAutomation<CSimulationFromDistribution>("SRASimulationFromDistribution",
+  EnableAutomation<CSimulationFromDistribution>(kSimulationFromDistributionInterface,
                                                 "CSimulationFromDistribution", kMembers);
 }
 

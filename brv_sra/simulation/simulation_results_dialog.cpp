@@ -1,15 +1,15 @@
 #include "brv_sra/simulation/simulation_results_dialog.h"
 
 #include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/type_library.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/simulation_state.h"
 
 namespace brenvolt::sra {
 
-// The interface declares no members of its own.
 CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationResultsTemplate()) {
-  EnableAutomation<CSimulationResults>("SRASimulationResults", "CSimulationResults", {});
+  EnableAutomation<CSimulationResults>(kSimulationResultsInterface, "CSimulationResults", {});
 }
 
 bool CSimulationResults::OnOk() {

@@ -1,5 +1,6 @@
 #include "host/analysis/analysis_dialog.h"
 
+#include "host/automation/automation_failure.h"
 #include "host/base/error.h"
 
 namespace brenvolt {
@@ -11,15 +12,18 @@ CAnalysisDialog::~CAnalysisDialog() = default;
 
 bool CAnalysisDialog::Takes(std::int32_t number) const {
   const ControlState& control = controls_.At(number);
-  return control.enabled && control.visible;
+  return disabled_ == 0 && control.enabled && control.visible;
 }
 
 bool CAnalysisDialog::Press(std::int32_t number) {
   if (!Takes(number)) return false;
   CAnalysisSupport& analysis = analysis_;
   const bool taken = OnCommand(number);
-  analysis.CompleteTransition();
-  return taken;
+  return analysis.CompleteTransition() && taken;
+}
+
+void CAnalysisDialog::PutResultsVariables(const Variant& /*variables*/) {
+  ThrowNotAvailable("ResultsVariables");
 }
 
 bool CAnalysisDialog::OnCommand(std::int32_t number) {
@@ -46,6 +50,13 @@ bool CAnalysisDialog::Enter(std::int32_t number, const std::string& text) {
   controls_.SetText(number, text);
   OnControlChanged(number);
   return true;
+}
+
+bool CAnalysisDialog::DoubleClick(std::int32_t number) {
+  if (!Takes(number)) return false;
+  CAnalysisSupport& analysis = analysis_;
+  const bool taken = OnDoubleClick(number);
+  return analysis.CompleteTransition() && taken;
 }
 
 bool CAnalysisModalDialog::DoModal() {

@@ -28,12 +28,31 @@ class CAnalysisDialog {
   // The dialog's automation object; the base has none.
   virtual std::shared_ptr<AutomationObject> AutomationInterface() { return nullptr; }
 
+  // The variables that the next results are made of, as automation passes them. The base makes none of chosen
+  // variables: throws AutomationFailure kNotAvailable.
+  virtual void PutResultsVariables(const Variant& variables);
+
   // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a
-  // control that is disabled or hidden refuses. After Press the dialog may no longer exist.
+  // control that is disabled or hidden refuses, and so does a button whose step of the sequence fails. After
+  // Press the dialog may no longer exist.
   bool Press(std::int32_t number);
   bool Check(std::int32_t number, bool checked);
   bool Select(std::int32_t number, int index);
   bool Enter(std::int32_t number, const std::string& text);
+  // A double click on a list's selected entry; the dialog may no longer exist afterwards.
+  bool DoubleClick(std::int32_t number);
+
+  // While one exists, the dialog refuses every control operation.
+  class Disabled {
+   public:
+    explicit Disabled(CAnalysisDialog& dialog) : dialog_(dialog) { ++dialog_.disabled_; }
+    ~Disabled() { --dialog_.disabled_; }
+    Disabled(const Disabled&) = delete;
+    Disabled& operator=(const Disabled&) = delete;
+
+   private:
+    CAnalysisDialog& dialog_;
+  };
 
   // A text of the module by number.
   std::string szLoadResString(std::int32_t number) const { return analysis_.GetResourceString(number); }
@@ -43,6 +62,8 @@ class CAnalysisDialog {
   virtual void OnInitDialog() {}
   // A button was pressed (OK and Cancel included). False refuses.
   virtual bool OnCommand(std::int32_t number);
+  // A list was double-clicked. False refuses.
+  virtual bool OnDoubleClick(std::int32_t /*number*/) { return false; }
   // OK: true when the dialog's checks passed and the work is done.
   virtual bool OnOk() { return true; }
   // A check box, radio button, list or field has its new state.
@@ -60,6 +81,7 @@ class CAnalysisDialog {
   CAnalysisSupport& analysis_;
   const DialogTemplate& template_;
   ControlSet controls_;
+  int disabled_ = 0;
 };
 
 // A dialog of the sequence.

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "host/analysis/analysis_table_doc.h"
@@ -27,6 +28,12 @@ class CAnalysisDoc {
     inputOwner_ = std::move(owner);
   }
 
+  // The automation object of the application that the analysis runs in, null where none has attached itself.
+  const std::shared_ptr<AutomationObject>& Application() const { return application_; }
+  void SetApplication(std::shared_ptr<AutomationObject> application) {
+    application_ = std::move(application);
+  }
+
   // How the host opens a data file for the analysis: returns the sheet that becomes the input, which the host
   // keeps at least as long as the one before. Throws Error for a file that it cannot read.
   using DataOpener = std::function<Spreadsheet*(const std::filesystem::path& path)>;
@@ -36,6 +43,15 @@ class CAnalysisDoc {
     Spreadsheet* table = dataOpener_ ? dataOpener_(path) : nullptr;
     if (table == nullptr) throw Error("no data file can be opened here", path.string());
     SetInputTable(table);
+  }
+
+  // How the host evaluates a selection condition over a sheet, whose selection it becomes. Throws Error for a
+  // faulty condition, and the sheet's selection stays as it was.
+  using SelectionApplier = std::function<void(Spreadsheet& sheet, const std::string& condition)>;
+  void SetSelectionApplier(SelectionApplier applier) { selectionApplier_ = std::move(applier); }
+  void ApplySelection(const std::string& condition) {
+    if (!selectionApplier_ || inputTable_ == nullptr) throw Error("no case can be selected here", condition);
+    selectionApplier_(*inputTable_, condition);
   }
 
   // The host option that sends results to a workbook instead of showing them as documents of their own.
@@ -52,9 +68,11 @@ class CAnalysisDoc {
   UserInterface& userInterface_;
   Spreadsheet* inputTable_;
   DataOpener dataOpener_;
+  SelectionApplier selectionApplier_;
   bool resultsToWorkbook_ = true;
   int resultsLocks_ = 0;
   std::shared_ptr<CAnalysisTableDoc> inputOwner_;
+  std::shared_ptr<AutomationObject> application_;
 };
 
 // Switches the sending of results to a workbook off while it exists.

@@ -1,7 +1,9 @@
 #include "host/analysis/analysis_support.h"
 
+#include "host/analysis/analysis_automation.h"
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/analysis_memory.h"
+#include "host/automation/automation_failure.h"
 #include "host/base/error.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -36,7 +38,9 @@ double ValueOfLabel(Variable& variable, const std::string& text) {
 CAnalysisSupport::CAnalysisSupport(CAnalysisDoc* document, const CAnalysisContext& context)
     : document_(document), context_(context) {}
 
-CAnalysisSupport::~CAnalysisSupport() = default;
+CAnalysisSupport::~CAnalysisSupport() {
+  if (automation_ != nullptr) automation_->AnalysisClosed();
+}
 
 void CAnalysisSupport::InitializeAfterFileChanged() {
   dialog_.reset();
@@ -257,22 +261,21 @@ void CAnalysisSupport::RequestReturn() {
   pending_ = 0;
 }
 
-void CAnalysisSupport::CompleteTransition() {
-  if (!pending_) return;
+bool CAnalysisSupport::CompleteTransition() {
+  if (!pending_) return true;
   const std::int32_t target = *pending_;
   pending_.reset();
-  if (target != 0) {
-    MoveForward(target);
-  } else {
-    MoveBack();
-  }
+  if (target != 0) return MoveForward(target);
+  MoveBack();
+  return true;
 }
 
 // A step that fails leaves the present dialog open.
-void CAnalysisSupport::MoveForward(std::int32_t step) {
+bool CAnalysisSupport::MoveForward(std::int32_t step) {
   const std::int32_t from = currentStep_;
-  if (!ForwardSequence(from, step)) return;
-  if (RunSequenceStep(step)) path_.push_back(from);
+  if (!ForwardSequence(from, step) || !RunSequenceStep(step)) return false;
+  path_.push_back(from);
+  return true;
 }
 
 void CAnalysisSupport::MoveBack() {
@@ -299,6 +302,17 @@ MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, const std::
     return MessageAnswer::kOk;
   }
   return Interface().ShowMessage({text, where, GetResourceString(kCaptionResource), buttons, icon});
+}
+
+std::shared_ptr<AutomationObject> CAnalysisSupport::AutomationInterface() {
+  if (automation_ == nullptr) automation_ = std::make_shared<AnalysisAutomation>(*this);
+  return automation_;
+}
+
+std::shared_ptr<AutomationObject> CAnalysisSupport::ApplicationInterface() const {
+  auto application = document_ != nullptr ? document_->Application() : nullptr;
+  if (application == nullptr) ThrowNotAvailable("Application");
+  return application;
 }
 
 void* CAnalysisSupport::AllocMem(std::size_t bytes) {

@@ -17,6 +17,7 @@
 
 namespace brenvolt {
 
+class AnalysisAutomation;
 class CAnalysisSupport;
 class CAnalysisDialog;
 
@@ -142,8 +143,8 @@ class CAnalysisSupport {
   void RequestReturn();
   bool HasPendingTransition() const { return pending_.has_value(); }
   // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists
-  // afterwards.
-  void CompleteTransition();
+  // afterwards, unless the answer is false: the step failed, and the dialog stays.
+  bool CompleteTransition();
 
   // A message box with the given text under the host's caption, or the message handler.
   MessageAnswer ShowMessage(const std::string& text, const std::string& where = {},
@@ -157,13 +158,23 @@ class CAnalysisSupport {
   // A variable's missing-data code, as getmd5 of the host's procedural interface.
   double getmd5(int variable) const { return get_md(variable); }
 
-  // While one exists, the analysis is driven by automation: no question is asked of the person. They nest.
+  // The automation objects of the analysis itself and of the application that it runs in; the latter throws
+  // AutomationFailure kNotAvailable where no application has attached a document.
+  std::shared_ptr<AutomationObject> AutomationInterface();
+  std::shared_ptr<AutomationObject> ApplicationInterface() const;
+
+  // While one exists, the analysis is entered and driven by automation: no question is asked of the person.
+  // They nest.
   class AutomationCall {
    public:
     explicit AutomationCall(CAnalysisSupport& analysis) : analysis_(analysis) {
+      analysis_.ContextEntry();
       ++analysis_.automationDepth_;
     }
-    ~AutomationCall() { --analysis_.automationDepth_; }
+    ~AutomationCall() {
+      --analysis_.automationDepth_;
+      analysis_.ContextExit();
+    }
     AutomationCall(const AutomationCall&) = delete;
     AutomationCall& operator=(const AutomationCall&) = delete;
 
@@ -174,6 +185,7 @@ class CAnalysisSupport {
 
   bool CaseSelectionEnabled() const { return kroTag_ == nullptr || kroTag_->caseSelectionEnabled; }
   bool CaseWeightsEnabled() const { return weights_ == nullptr || weights_->caseWeightsEnabled; }
+  bool StartupMenusEnabled() const { return kro88Tag_ == nullptr || kro88Tag_->startupMenusEnabled; }
 
  protected:
   void InstallSequence(const SEQFUNCTTBL* table) { sequence_ = table; }
@@ -183,7 +195,7 @@ class CAnalysisSupport {
 
  private:
   const SEQFUNCTTBL* FindStep(std::int32_t step) const;
-  void MoveForward(std::int32_t step);
+  bool MoveForward(std::int32_t step);
   void MoveBack();
 
   CAnalysisDoc* document_;
@@ -200,6 +212,7 @@ class CAnalysisSupport {
   b1_com* counts_ = nullptr;
   Wght_com* weights_ = nullptr;
   Kro88Tag* kro88Tag_ = nullptr;
+  std::shared_ptr<AnalysisAutomation> automation_;
 };
 
 }  // namespace brenvolt

@@ -1,112 +1,108 @@
-// Automation of a dialog from one table per interface: the table names the members with their dispatch
-// numbers and index arguments; getters and putters are operations on the dialog. Every call runs through the
-// one frame here.
+// Automation of a dialog. The interface's description (host/automation/type_library.h) says what members
+// there are, with their numbers, arguments and types; a table of the dialog's binds getters and putters to
+// them, which are operations on the dialog. Every call runs through the one frame here.
 #pragma once
 
-#include <cstdint>
+#include <array>
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
 #include "host/analysis/analysis_dialog.h"
+#include "host/automation/automation_failure.h"
 #include "host/automation/automation_object.h"
+#include "host/automation/type_library.h"
 
 namespace brenvolt {
 
-// One member of an interface over dialogs of type Dialog. A null function is a kind of call that the member
-// does not allow.
+// What a member of an interface does over dialogs of type Dialog. The arguments have the described types.
 template <class Dialog>
 struct AutomationMember {
   std::string_view name;
-  DispatchId id;
-  std::size_t indexes;  // leading index arguments
+  // A get, or the call of a method; null where the description allows neither.
   Variant (*get)(Dialog& dialog, std::span<const Variant> indexes);
   void (*put)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
 };
 
-// Dispatch numbers of the members that every dialog interface has.
-namespace common_member {
-inline constexpr DispatchId kName = 0;
-inline constexpr DispatchId kOk = 3;
-inline constexpr DispatchId kCancel = 4;
-}  // namespace common_member
+// Whether a table binds an interface completely: every member, in the order of the description, with a
+// function for exactly the calls that it allows. For use in a static_assert.
+template <class Dialog, std::size_t Count>
+constexpr bool Binds(const InterfaceDescription& interface,
+                     const std::array<AutomationMember<Dialog>, Count>& members) {
+  if (interface.members.size() != Count) return false;
+  for (std::size_t i = 0; i < Count; ++i) {
+    const MemberDescription& described = interface.members[i];
+    const bool calls = Allows(described, CallKind::kGet) || Allows(described, CallKind::kMethod);
+    if (members[i].name != described.name) return false;
+    if ((members[i].get != nullptr) != calls) return false;
+    if ((members[i].put != nullptr) != Allows(described, CallKind::kPut)) return false;
+  }
+  return true;
+}
 
 // The part that does not depend on the dialog's type.
+//
+// A call, in this order: enters the analysis's state for its duration; clears the thread's error information;
+// fails with AutomationFailure kDialogClosed when the dialog is closed; converts the arguments to the
+// described types; carries the member out; returns its result as the described type. A refused control
+// operation and a "not available" come back as they are (AutomationFailure). Every other exception becomes an
+// AutomationError "Exception in automation method [Class::put_Member]", whose reason is the exception's text,
+// or "Unexpected Error" where it has none.
 class DialogAutomationBase : public AutomationObject, public IMFCPointer {
  public:
-  DialogAutomationBase(CAnalysisDialog& dialog, std::string_view interfaceName, std::string_view className,
-                       AutomationModule& module);
+  DialogAutomationBase(CAnalysisDialog& dialog, const InterfaceDescription& interface,
+                       std::string_view className, AutomationModule& module);
   ~DialogAutomationBase() override;
 
   // Called by the dialog when it goes away: from then on every call fails with the closed-dialog error.
   void DialogClosed() { dialog_ = nullptr; }
 
-  std::string_view InterfaceName() const override { return interfaceName_; }
+  const InterfaceDescription& Interface() const { return interface_; }
+  std::string_view InterfaceName() const override { return interface_.name; }
   std::optional<DispatchId> FindMember(std::string_view name) const override;
   Variant Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) override;
   void* QueryInterface(InterfaceId id) override;
   CAnalysisDialog* GetMFCPointer() override { return dialog_; }
 
  protected:
-  // One call on a member of the dialog's own interface; and its number by name.
-  virtual Variant InvokeOwn(DispatchId member, CallKind kind, std::span<const Variant> arguments) = 0;
-  virtual std::optional<DispatchId> FindOwn(std::string_view name) const = 0;
-  virtual std::string_view OwnName(DispatchId member) const = 0;
+  // One call on a member of the dialog's own interface, by its place in the description.
+  virtual Variant InvokeOwn(std::size_t place, CallKind kind, std::span<const Variant> indexes,
+                            const Variant& value) = 0;
 
   CAnalysisDialog* dialog_;
 
  private:
-  Variant InvokeCommon(DispatchId member);
+  Variant CarryOut(const MemberDescription& member, CallKind kind, std::span<const Variant> arguments);
+  Variant InvokeCommon(const MemberDescription& member, const Variant& value);
 
-  std::string_view interfaceName_;
+  const InterfaceDescription& interface_;
   std::string_view className_;
   AutomationModule& module_;
 };
 
-// Splits the arguments of a call on a member with `indexes` index arguments; throws Error on a wrong number.
-std::span<const Variant> IndexArguments(CallKind kind, std::size_t indexes,
-                                        std::span<const Variant> arguments);
-[[noreturn]] void ThrowNoSuchCall(std::string_view member);
-
 template <class Dialog>
 class DialogAutomation final : public DialogAutomationBase {
  public:
-  DialogAutomation(Dialog& dialog, std::string_view interfaceName, std::string_view className,
+  DialogAutomation(Dialog& dialog, const InterfaceDescription& interface, std::string_view className,
                    std::span<const AutomationMember<Dialog>> members, AutomationModule& module)
-      : DialogAutomationBase(dialog, interfaceName, className, module), members_(members) {}
+      : DialogAutomationBase(dialog, interface, className, module), members_(members) {}
 
  private:
-  const AutomationMember<Dialog>* FindById(DispatchId id) const {
-    for (const auto& member : members_) {
-      if (member.id == id) return &member;
-    }
-    return nullptr;
-  }
-  std::optional<DispatchId> FindOwn(std::string_view name) const override {
-    for (const auto& member : members_) {
-      if (member.name == name) return member.id;
-    }
-    return std::nullopt;
-  }
-  std::string_view OwnName(DispatchId id) const override {
-    const auto* member = FindById(id);
-    return member != nullptr ? member->name : std::string_view();
-  }
-  Variant InvokeOwn(DispatchId id, CallKind kind, std::span<const Variant> arguments) override {
-    const auto* member = FindById(id);
-    if (member == nullptr) ThrowNoSuchCall(InterfaceName());
-    const auto indexes = IndexArguments(kind, member->indexes, arguments);
+  Variant InvokeOwn(std::size_t place, CallKind kind, std::span<const Variant> indexes,
+                    const Variant& value) override {
     auto& dialog = static_cast<Dialog&>(*dialog_);
-    if (kind == CallKind::kGet && member->get != nullptr) return member->get(dialog, indexes);
-    if (kind == CallKind::kPut && member->put != nullptr) {
-      member->put(dialog, indexes, arguments.back());
-      return {};
-    }
-    ThrowNoSuchCall(member->name);
+    const AutomationMember<Dialog>& member = members_[place];
+    if (kind != CallKind::kPut) return member.get(dialog, indexes);
+    member.put(dialog, indexes, value);
+    return {};
   }
 
   std::span<const AutomationMember<Dialog>> members_;
 };
+
+// An interface whose dialog cannot be reached: it knows its members, and every call of one fails with `code`.
+std::shared_ptr<AutomationObject> MakeUnreachable(const InterfaceDescription& interface, AutomationCode code);
 
 }  // namespace brenvolt

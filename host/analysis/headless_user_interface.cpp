@@ -11,6 +11,15 @@ Answer Next(std::deque<Answer>& answers, Answer otherwise) {
   return answer;
 }
 
+// Lets the next answer fill the question in; false where there is none.
+template <class Question>
+bool Fill(std::deque<std::function<void(Question&)>>& answers, Question& question) {
+  const auto answer = Next<std::function<void(Question&)>>(answers, nullptr);
+  if (!answer) return false;
+  answer(question);
+  return true;
+}
+
 }  // namespace
 
 MessageAnswer HeadlessUserInterface::ShowMessage(const Message& message) {
@@ -23,10 +32,15 @@ std::vector<std::filesystem::path> HeadlessUserInterface::ChooseFiles(const File
 }
 
 bool HeadlessUserInterface::SelectVariables(VariableQuestion& question) {
-  const auto answer = Next<std::function<void(VariableQuestion&)>>(variableAnswers, nullptr);
-  if (!answer) return false;
-  answer(question);
-  return true;
+  return Fill(variableAnswers, question);
+}
+
+bool HeadlessUserInterface::EditSelection(SelectionQuestion& question) {
+  return Fill(selectionAnswers, question);
+}
+
+bool HeadlessUserInterface::EditWeights(WeightQuestion& question) {
+  return Fill(weightAnswers, question);
 }
 
 void HeadlessUserInterface::RunModal(CAnalysisModalDialog& dialog) {

@@ -14,11 +14,13 @@ namespace brenvolt {
 
 class HeadlessUserInterface : public UserInterface {
  public:
-  // Answers to come, used first to last; after them a message is answered by OK, a file or variable question
-  // and a modal dialog by cancelling.
+  // Answers to come, used first to last; after them a message is answered by OK, every other question and a
+  // modal dialog by cancelling.
   std::deque<MessageAnswer> messageAnswers;
   std::deque<std::vector<std::filesystem::path>> fileAnswers;
   std::deque<std::function<void(VariableQuestion&)>> variableAnswers;
+  std::deque<std::function<void(SelectionQuestion&)>> selectionAnswers;
+  std::deque<std::function<void(WeightQuestion&)>> weightAnswers;
   std::deque<std::function<void(CAnalysisModalDialog&)>> modalAnswers;
   // Set by a test or another thread's owner to ask a running operation to stop.
   bool cancelled = false;
@@ -32,6 +34,8 @@ class HeadlessUserInterface : public UserInterface {
   MessageAnswer ShowMessage(const Message& message) override;
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) override;
   bool SelectVariables(VariableQuestion& question) override;
+  bool EditSelection(SelectionQuestion& question) override;
+  bool EditWeights(WeightQuestion& question) override;
   void RunModal(CAnalysisModalDialog& dialog) override;
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;

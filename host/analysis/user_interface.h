@@ -45,6 +45,18 @@ struct VariableQuestion {
   std::vector<std::int16_t> second;
 };
 
+// The selection conditions of the input: which cases an analysis uses.
+struct SelectionQuestion {
+  bool enabled = false;
+  std::string condition;
+};
+
+// The case weights of the input: the number of the variable that weights the cases, 0 for none.
+struct WeightQuestion {
+  std::vector<std::string> names;
+  std::int16_t variable = 0;
+};
+
 class UserInterface : public ProgressPort {
  public:
   virtual MessageAnswer ShowMessage(const Message& message) = 0;
@@ -52,6 +64,10 @@ class UserInterface : public ProgressPort {
   virtual std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) = 0;
   // Fills the two lists; false, and the lists as they were, when the person cancelled.
   virtual bool SelectVariables(VariableQuestion& question) = 0;
+  // The editors of the selection conditions and of the case weights; the same answers. A front end without
+  // them cancels.
+  virtual bool EditSelection(SelectionQuestion& /*question*/) { return false; }
+  virtual bool EditWeights(WeightQuestion& /*question*/) { return false; }
   // Lets the person act on a modal dialog until it is no longer open. A front end that returns before has
   // cancelled it.
   virtual void RunModal(CAnalysisModalDialog& dialog) = 0;

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "host/application/application_automation.h"
 #include "host/base/error.h"
 #include "host/formula/expression.h"
 
@@ -32,6 +33,8 @@ DynamicLibrary& Application::Module() {
 std::unique_ptr<CAnalysisSupport> Application::NewAnalysis(CAnalysisDoc& document) {
   std::unique_ptr<CAnalysisSupport> analysis(Module().Symbol<Factory>(kFactoryName)());
   if (analysis == nullptr) throw Error("the module made no analysis", DefaultModulePath().string());
+  document.SetSelectionApplier(ApplySelection);
+  document.SetApplication(std::make_shared<ApplicationAutomation>(DefaultModulePath().string()));
   analysis->AttachDocument(&document);
   if (!analysis->RunSequenceStep(kFirstStep)) {
     throw Error("the analysis did not start", DefaultModulePath().string());

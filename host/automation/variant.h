@@ -39,6 +39,8 @@ class Variant {
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
   bool IsText() const { return std::holds_alternative<std::string>(Resolved().value_); }
   bool IsArray() const { return std::holds_alternative<Array>(Resolved().value_); }
+  // True for the object that is none, too.
+  bool IsObject() const { return std::holds_alternative<Object>(Resolved().value_); }
 
   // The value as one type. Numbers and booleans convert into each other (a real to an integer only when it is
   // whole and in range), numbers to text and back; anything else throws Error "type mismatch".

@@ -24,8 +24,12 @@ DynamicLibrary::~DynamicLibrary() {
   dlclose(handle_);
 }
 
+void* DynamicLibrary::FindAddress(const std::string& name) const {
+  return dlsym(handle_, name.c_str());
+}
+
 void* DynamicLibrary::Address(const std::string& name) const {
-  void* address = dlsym(handle_, name.c_str());
+  void* address = FindAddress(name);
   if (address == nullptr) throw Error("does not export " + name, path_.string());
   return address;
 }

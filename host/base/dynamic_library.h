@@ -20,9 +20,15 @@ class DynamicLibrary {
   Function* Symbol(const std::string& name) const {
     return reinterpret_cast<Function*>(Address(name));
   }
+  // The same; null when there is none.
+  template <class Function>
+  Function* FindSymbol(const std::string& name) const {
+    return reinterpret_cast<Function*>(FindAddress(name));
+  }
 
  private:
   void* Address(const std::string& name) const;
+  void* FindAddress(const std::string& name) const;
 
   std::filesystem::path path_;
   void* handle_;

@@ -1,0 +1,34 @@
+#include "brv_sra/frame/simulation_startup_dialog.h"
+
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/startup_tasks.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/type_library.h"
+
+namespace brenvolt::sra {
+
+using namespace define_task;
+
+CSimulation::CSimulation(CSimulationAndRisk& analysis)
+    : CSimulationAndRiskModelessDialog(analysis, SimulationStartupTemplate()) {
+  EnableAutomation<CSimulation>(kSimulationStartupInterface, "CSimulation", {});
+}
+
+void CSimulation::OnInitDialog() {
+  SimulationAndRisk().EnableStartupMenus(true);
+}
+
+// The simulation is started as from the startup dialog, and returns there.
+bool CSimulation::OnCommand(std::int32_t number) {
+  const StartupTask* task = FindStartupTask(number);
+  if (task == nullptr) return CSimulationAndRiskModelessDialog::OnCommand(number);
+  const bool runs = number == kRunSimulation;
+  StartTask(SimulationAndRisk(), *task, runs ? step::kSimulationFromStartup : task->step);
+  return true;
+}
+
+bool CSimulation::OnOk() {
+  return OnCommand(kRunSimulation);
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,22 @@
+// The simulation startup dialog: starts a simulation, its design, or the profiler. It stands outside the
+// sequence; a host opens it for a person who has fitted before.
+#pragma once
+
+#include <cstdint>
+
+#include "brv_sra/frame/dialog_base.h"
+
+namespace brenvolt::sra {
+
+class CSimulation : public CSimulationAndRiskModelessDialog {
+ public:
+  explicit CSimulation(CSimulationAndRisk& analysis);
+
+ protected:
+  void OnInitDialog() override;
+  bool OnCommand(std::int32_t number) override;
+  // Runs a simulation, as the button does.
+  bool OnOk() override;
+};
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,32 @@
+// The tasks that the startup dialogs offer.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "brv_sra/frame/simulation_and_risk.h"
+
+namespace brenvolt::sra {
+
+struct StartupTask {
+  std::int32_t command;  // the button that starts it
+  std::int32_t text;
+  std::int32_t step;
+  // Case selection conditions and case weights of the input mean nothing to it: the host's are off for the
+  // analysis while it runs.
+  bool ignoresCaseSettings;
+};
+
+// In the order of the startup dialog's list; the last is the profiler.
+std::span<const StartupTask> StartupTasks();
+// The task of a command, or null.
+const StartupTask* FindStartupTask(std::int32_t command);
+
+// The command of the task started last in this process; "Fit Distribution" before the first.
+std::int32_t LastTask();
+
+// Remembers the task, switches the host's startup menus off, its case selection and weights on or off as the
+// task needs them, and asks the sequence for `step`.
+void StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step);
+
+}  // namespace brenvolt::sra
