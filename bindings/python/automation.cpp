@@ -10,7 +10,7 @@
 #include "bindings/python/module.h"
 #include "bindings/python/variants.h"
 #include "host/analysis/analysis_graph_doc.h"
-#include "host/analysis/document_interfaces.h"
+#include "host/analysis/host_interfaces.h"
 #include "host/automation/type_library.h"
 #include "host/base/error.h"
 
@@ -171,8 +171,8 @@ py::dict DescriptionOf(const MemberDescription& member) {
                   "variable_list"_a = member.variableList);
 }
 
-// The interfaces of the documents, the dialog interface first among the others, and enumerations, as
-// dictionaries. Loads the analysis module.
+// The interfaces of the host's own objects, those of the dialogs with the base of all first, and the
+// enumerations, as dictionaries. Loads the analysis module.
 py::dict TypeLibraryParts() {
   const TypeLibrary* library = nullptr;
   {
@@ -183,15 +183,17 @@ py::dict TypeLibraryParts() {
     library = FindTypeLibrary("BrvSRA");
   }
   if (library == nullptr) RaiseError("the analysis module describes no interfaces", {});
-  py::list interfaces;
-  const auto add = [&](const InterfaceDescription& description) {
+  const auto described = [](const InterfaceDescription& description) {
     py::list members;
     for (const MemberDescription& member : description.members) members.append(DescriptionOf(member));
-    interfaces.append(py::dict("name"_a = std::string(description.name),
-                               "help"_a = std::string(description.help), "members"_a = members));
+    return py::dict("name"_a = std::string(description.name), "help"_a = std::string(description.help),
+                    "members"_a = members);
   };
-  for (const InterfaceDescription* description : kDocumentInterfaces) add(*description);
-  for (const InterfaceDescription& description : library->interfaces) add(description);
+  py::list host;
+  for (const InterfaceDescription* description : kHostInterfaces) host.append(described(*description));
+  py::list interfaces;
+  for (const InterfaceDescription& description : library->interfaces)
+    interfaces.append(described(description));
   py::list enumerations;
   for (const EnumerationDescription& description : library->enumerations) {
     py::list constants;
@@ -199,7 +201,7 @@ py::dict TypeLibraryParts() {
     enumerations.append(py::dict("name"_a = std::string(description.name),
                                  "help"_a = std::string(description.help), "constants"_a = constants));
   }
-  return py::dict("interfaces"_a = interfaces, "enumerations"_a = enumerations);
+  return py::dict("host"_a = host, "interfaces"_a = interfaces, "enumerations"_a = enumerations);
 }
 
 // --- analyses

@@ -4,17 +4,23 @@ The classes of the dialogs are made from the analysis module's type library when
 an attribute with its help text, an indexed one takes its indexes in brackets.
 """
 
+from __future__ import annotations
+
 import difflib
 import enum
 import functools
+import os
+from typing import TYPE_CHECKING, Any
 
 from . import _brenvolt
-from ._errors import Error
+
+if TYPE_CHECKING:
+    import pandas
 
 Nothing = None
 
 
-def Array(*values):
+def Array(*values: Any) -> list:
     """The values as one value of a macro: Array(scWeibull, 83.3, 2.19, Nothing, 0, 0, 0, 0)."""
     return list(values)
 
@@ -27,7 +33,7 @@ class AutomationObject:
     def __init__(self, automation):
         object.__setattr__(self, "_automation", automation)
 
-    def __getattr__(self, name):
+    def __getattr__(self, name: str) -> Any:
         member = getattr(type(self), name, None)
         if isinstance(member, _Member):
             return member.__get__(self)  # came here by its AttributeError, which it raises again
@@ -35,7 +41,7 @@ class AutomationObject:
             raise AttributeError(self._unknown(name))
         return wrapped(self._automation.get(name))
 
-    def __setattr__(self, name, value):
+    def __setattr__(self, name: str, value: Any) -> None:
         if isinstance(getattr(type(self), name, None), _Member):
             object.__setattr__(self, name, value)
         elif not name.startswith("_") and self._automation.has(name):
@@ -87,13 +93,13 @@ class IndexedProperty:
         self._description = description
         self.__doc__ = _signature(description) + "\n\n" + description["help"]
 
-    def __getitem__(self, indexes):
+    def __getitem__(self, indexes: Any) -> Any:
         return _get(self._owner, self._description, *self._checked(indexes))
 
-    def __setitem__(self, indexes, value):
+    def __setitem__(self, indexes: Any, value: Any) -> None:
         _put(self._owner, self._description, value, *self._checked(indexes))
 
-    def __call__(self, *indexes):
+    def __call__(self, *indexes: Any) -> Any:
         return self[indexes]
 
     def __iter__(self):
@@ -189,11 +195,11 @@ class TableDocument(AutomationObject):
     __slots__ = ()
 
     @property
-    def sheet(self):
+    def sheet(self) -> _brenvolt.Spreadsheet:
         """The spreadsheet; its columns are views of the document's."""
         return self._automation.sheet()
 
-    def to_pandas(self):
+    def to_pandas(self) -> pandas.DataFrame:
         """A DataFrame of the spreadsheet."""
         return self.sheet.to_pandas()
 
@@ -210,36 +216,36 @@ class GraphDocument(AutomationObject):
     __slots__ = ()
 
     @property
-    def bars(self):
+    def bars(self) -> list[dict[str, Any]]:
         """Adjoining bars: name, bounds (one more than heights), heights."""
         return self._automation.graph()["bars"]
 
     @property
-    def series(self):
+    def series(self) -> list[dict[str, Any]]:
         """Points, lines and steps: name, style, x, y."""
         return self._automation.graph()["series"]
 
     @property
-    def curves(self):
+    def curves(self) -> list[dict[str, Any]]:
         """Curves drawn by a formula: name, formula, and points x, y along it."""
         return self._automation.graph()["curves"]
 
     @property
-    def boxes(self):
+    def boxes(self) -> list[dict[str, Any]]:
         """Boxes: name, quartiles, median, whiskers, mean, outliers."""
         return self._automation.graph()["boxes"]
 
     @property
-    def panels(self):
+    def panels(self) -> list[GraphDocument]:
         """The graphs that this one is made of."""
         return [self.Panel[i] for i in range(1, self.NumberOfPanels + 1)]
 
     @property
-    def notes(self):
+    def notes(self) -> list[str]:
         """What a reader must know of the data shown."""
         return [self.Note[i] for i in range(1, self.NumberOfNotes + 1)]
 
-    def to_pandas(self):
+    def to_pandas(self) -> pandas.DataFrame:
         """A DataFrame with the data of all parts side by side."""
         return self.Data.to_pandas()
 
@@ -250,27 +256,31 @@ class GraphDocument(AutomationObject):
 _DOCUMENTS = {"Spreadsheet": TableDocument, "Graph": GraphDocument}
 
 
-def _settable(name, members):
-    """Descriptors for the members of one interface."""
-    return {member["name"]: _method(member) if member["method"] else _Member(member) for member in members}
+def _descriptors(description):
+    return {member["name"]: _method(member) if member["method"] else _Member(member) for member in description["members"]}
+
+
+def _class(description, base):
+    return type(description["name"], (base,), {"__slots__": (), "__doc__": description["help"],
+                                               "__module__": "brenvolt.dialogs", **_descriptors(description)})
 
 
 @functools.cache
 def classes():
-    """The classes of the interfaces by name: the documents', the base of all dialogs, the dialogs'."""
-    found, dialog = {}, None
-    for description in _library()["interfaces"]:
+    """The classes of the interfaces by name: the host's own objects, the base of all dialogs, the dialogs."""
+    found = {}
+    for description in _library()["host"]:
         name = description["name"]
-        members = _settable(name, description["members"])
-        if name in _DOCUMENTS:
-            for member, descriptor in members.items():
-                setattr(_DOCUMENTS[name], member, descriptor)
-            found[name] = _DOCUMENTS[name]
+        if name not in _DOCUMENTS:
+            found[name] = _class(description, AutomationObject)
             continue
-        base = AutomationObject if dialog is None else dialog
-        found[name] = type(name, (base,), {"__slots__": (), "__doc__": description["help"],
-                                           "__module__": "brenvolt.dialogs", **members})
-        dialog = dialog or found[name]
+        found[name] = _DOCUMENTS[name]
+        for member, descriptor in _descriptors(description).items():
+            setattr(found[name], member, descriptor)
+    dialog, *others = _library()["interfaces"]
+    base = found[dialog["name"]] = _class(dialog, AutomationObject)
+    for description in others:
+        found[description["name"]] = _class(description, base)
     return found
 
 
@@ -291,27 +301,26 @@ class Analysis:
     was.
     """
 
-    def __init__(self, sheet):
-        self._analysis = _brenvolt.AnalysisRef(getattr(sheet, "sheet", sheet) if isinstance(
-            sheet, TableDocument) else sheet)
+    def __init__(self, sheet: _brenvolt.Spreadsheet | TableDocument):
+        self._analysis = _brenvolt.AnalysisRef(sheet.sheet if isinstance(sheet, TableDocument) else sheet)
 
     @property
-    def dialog(self):
+    def dialog(self) -> AutomationObject:
         """The open dialog."""
         return wrapped(self._analysis.dialog)
 
     @property
-    def documents(self):
+    def documents(self) -> list[TableDocument | GraphDocument]:
         """The documents shown so far, oldest first."""
         return [wrapped(document) for document in self._analysis.documents]
 
     @property
-    def messages(self):
+    def messages(self) -> list[_brenvolt.Message]:
         """The messages shown so far, oldest first."""
         return self._analysis.messages
 
     @property
-    def sheet(self):
+    def sheet(self) -> _brenvolt.Spreadsheet:
         """The input spreadsheet."""
         return self._analysis.sheet
 
@@ -326,15 +335,15 @@ class Analysis:
 class Application:
     """What macros start from: opens data files and starts analyses."""
 
-    def open(self, path, decimal_comma=False):
+    def open(self, path: str | os.PathLike, decimal_comma: bool = False) -> _brenvolt.Workbook:
         """Opens a project (.bvw), or a CSV file as a workbook of one sheet."""
         return _brenvolt.open_workbook(path, decimal_comma)
 
-    def new_workbook(self):
+    def new_workbook(self) -> _brenvolt.Workbook:
         """An empty project without a file."""
         return _brenvolt.Workbook()
 
-    def analysis(self, sheet):
+    def analysis(self, sheet: _brenvolt.Spreadsheet | TableDocument) -> Analysis:
         """A new analysis over a spreadsheet: its startup dialog is open."""
         return Analysis(sheet)
 
@@ -354,9 +363,6 @@ def startup(sheet, task):
     dialog.OK()
     return analysis
 
-
-__all__ = ["Analysis", "Application", "Array", "AutomationObject", "Error", "GraphDocument", "IndexedProperty",
-           "Nothing", "TableDocument"]
 
 _brenvolt.Workbook.Sheet = _brenvolt.Workbook.sheet
 _brenvolt.Workbook.Add = _brenvolt.Workbook.add

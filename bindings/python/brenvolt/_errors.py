@@ -14,13 +14,13 @@ class Error(RuntimeError):
     empty; method: of a failed call on a dialog, the system's name for it, else empty.
     """
 
-    def __init__(self, text, where="", method=""):
+    def __init__(self, text: str, where: str = "", method: str = "") -> None:
         super().__init__(text, where, method)
         self.text = text
         self.where = where
         self.method = method
 
-    def __str__(self):
+    def __str__(self) -> str:
         return f"{self.text} ({self.where})" if self.where else self.text
 
 
@@ -28,7 +28,7 @@ class MessageWarning(UserWarning):
     """A message that the system shows while it goes on."""
 
 
-def warn(text):
+def warn(text: str) -> None:
     """Warns of a message at the line outside the package that led to it."""
     level, frame = 2, sys._getframe(1)
     while frame is not None and os.path.dirname(frame.f_code.co_filename) == _PACKAGE:

@@ -1,10 +1,19 @@
 """The common jobs in one call. They drive the dialogs by the members that macros use; pandas is imported on use."""
 
+from __future__ import annotations
+
 import os
+from collections.abc import Iterable, Mapping
+from typing import TYPE_CHECKING, Any
 
 from . import _automation, _brenvolt, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
 from ._errors import Error, warn
+
+if TYPE_CHECKING:
+    import pandas
+
+Names = str | Iterable[str] | None
 
 _FIT, _SIMULATE = 0, 1
 _TYPES = _brenvolt._fitted_types
@@ -120,9 +129,12 @@ class _Specification:
             dialog.IsNumberOfTrials[place] = True
 
 
-def fit(data, continuous=None, discrete=None, distributions=None, *, rank_by="ks", discrete_rank_by="ks",
-        binning="equal-probability", missing="pairwise", weights=None, select=None, offsets=None, mixtures=None,
-        trials=None, johnson_percentiles=False, bootstrap=0, bootstrap_seed=1, sheet=None, save=None):
+def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *, rank_by: str = "ks",
+        discrete_rank_by: str = "ks", binning: str = "equal-probability", missing: str = "pairwise",
+        weights: str | None = None, select: str | None = None,
+        offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
+        trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False, bootstrap: int = 0,
+        bootstrap_seed: int = 1, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array, Spreadsheet, Workbook, or the path of a CSV file or project.
@@ -182,25 +194,26 @@ class FitResult:
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet
-        self._matrix = None
+        self._matrix: Spreadsheet | None = None
         rows = self.dialog.SummaryStats.sheet
         self.variables = {name: FittedVariable(self, row, rows) for row, name in enumerate(names)}
 
     @property
-    def best(self):
+    def best(self) -> dict[str, _distributions.Distribution]:
         return {name: variable.best for name, variable in self.variables.items() if variable.best is not None}
 
     @property
-    def summary(self):
+    def summary(self) -> pandas.DataFrame:
         """A DataFrame with the moments of the variables."""
         return self.dialog.SummaryStats.to_pandas()
 
-    def correlations(self):
+    def correlations(self) -> pandas.DataFrame:
         """A DataFrame with the correlations between the fitted variables."""
         frame = self.dialog.CorrelationMatrix.to_pandas()
         return frame.iloc[:frame.shape[1]]
 
-    def keep(self, truncate=None, order=None):
+    def keep(self, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
+             order: Mapping[str, Names] | None = None) -> Spreadsheet | None:
         """Puts the fits on the variables of the sheet as properties, and returns their correlation matrix.
 
         truncate: {variable: (low, high)}, bounds within which it is simulated, either None; order: {variable:
@@ -217,7 +230,8 @@ class FitResult:
         self._matrix = document.sheet if document is not None else None
         return self._matrix
 
-    def save(self, path, truncate=None, order=None):
+    def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
+             order: Mapping[str, Names] | None = None) -> None:
         """Saves the data with the fits and their correlation matrix in a project (.bvw), which is made if there is none.
 
         A sheet of that name with the same data takes the fits over; one with other data is an Error. See keep for
@@ -251,14 +265,14 @@ class FittedVariable:
         self.distributions = [self._distribution(rank) for rank in range(len(self._table))] if fitted else []
 
     @property
-    def best(self):
+    def best(self) -> _distributions.Distribution | None:
         """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
         ones the first that does not merely repeat the data as a histogram. None where no distribution fits."""
         first = self._result.dialog.DistributionOrder[self._place].split(";")[0]
         return self.distribution(first) if first else None
 
     @property
-    def fits(self):
+    def fits(self) -> pandas.DataFrame:
         """A DataFrame of the fits by rank: distribution, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
         ad: Anderson-Darling), log-likelihood, AIC and BIC; `reason` says why a fit failed.
 
@@ -280,7 +294,7 @@ class FittedVariable:
         frame["reason"] = [_text(self._table, "reason", place) for place in range(len(frame))]
         return frame
 
-    def distribution(self, name):
+    def distribution(self, name: str) -> _distributions.Distribution | None:
         """The fitted distribution of that name; None where its fit failed. Raises KeyError where it was not tried."""
         code = _brenvolt._code_of(name)
         for place, fitted in enumerate(self.distributions):
@@ -288,14 +302,14 @@ class FittedVariable:
                 return fitted
         raise KeyError(name)
 
-    def standard_errors(self, name):
+    def standard_errors(self, name: str) -> dict[str, float]:
         """{parameter: standard error} of the fit of a distribution; empty where its estimator gives none."""
         distribution = self.distribution(name)
         place = self.distributions.index(distribution)
         errors = _numbered(self._table, "standard_error", place)
         return dict(zip(_scalars(distribution), errors))
 
-    def graph(self, kind, distribution=None):
+    def graph(self, kind: str, distribution: str | None = None) -> _automation.GraphDocument:
         """A GraphDocument of the fit ranked first, or of that of a named distribution: "histogram", "cumulative-histogram", "pp",
         "qq", "empirical-distribution", "box-plot" or "summary"."""
         member = _choice(kind, _GRAPHS, "kind")
@@ -347,8 +361,9 @@ def _scalars(distribution):
     return {name: value for name, value in parameters.items() if not isinstance(value, list)}
 
 
-def simulate(source, samples=1000, method="monte-carlo", *, seed=None, truncate=False, matrix=None, variables=None,
-             sheet=None):
+def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, samples: int = 1000,
+             method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
+             variables: Names = None, sheet: str | None = None) -> pandas.DataFrame:
     """Draws samples from the best fit of each variable.
 
     source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one.

@@ -10,10 +10,17 @@ the discrete ones pmf and logpmf, too. A parameter that is not valid raises Valu
 `offset` (threshold) shifts a distribution: with an offset c, its density at x is that of the plain one at x - c.
 """
 
+from __future__ import annotations
+
 import sys as _sys
+from collections.abc import Iterable, Mapping
+from typing import TYPE_CHECKING, Any
 
 from ._brenvolt import Distribution as _Functions
 from ._brenvolt import _distribution_names
+
+if TYPE_CHECKING:
+    from numpy.typing import ArrayLike
 
 __all__ = ["Distribution", "from_code", *_distribution_names]
 
@@ -23,13 +30,13 @@ _JOHNSON_TYPES = ("SL", "SU", "SB", "SN")
 class Distribution(_Functions):
     """The base of the sixteen distributions. Parameters are attributes, and stand in `parameters`."""
 
-    def __getattr__(self, name):
+    def __getattr__(self, name: str) -> Any:
         parameters = {} if name.startswith("_") else self.parameters
         if name in parameters:
             return parameters[name]
         raise AttributeError(f"{type(self).__name__!r} object has no attribute {name!r}")
 
-    def median(self):
+    def median(self) -> float:
         """The median, ppf(0.5)."""
         return self.ppf(0.5)
 
@@ -50,11 +57,11 @@ class Distribution(_Functions):
 
 
 class _Discrete(Distribution):
-    def pmf(self, x):
+    def pmf(self, x: ArrayLike) -> Any:
         """The probability of x."""
         return self.pdf(x)
 
-    def logpmf(self, x):
+    def logpmf(self, x: ArrayLike) -> Any:
         """The logarithm of pmf(x)."""
         return self.logpdf(x)
 
@@ -65,7 +72,7 @@ class Normal(Distribution):
     pdf(x) = exp(-z**2 / 2) / (scale * sqrt(2 pi)), z = (x - location) / scale
     """
 
-    def __init__(self, location, scale):
+    def __init__(self, location: float, scale: float) -> None:
         super().__init__(0, (location, scale))
 
 
@@ -75,7 +82,7 @@ class LogNormal(Distribution):
     cdf(x) = Phi((ln(x - offset) - scale) / shape) for x > offset
     """
 
-    def __init__(self, scale, shape, offset=0.0):
+    def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
         super().__init__(1, (scale, shape), offset)
 
 
@@ -85,7 +92,7 @@ class FoldedNormal(Distribution):
     pdf(x) = phi((y - location) / scale) / scale + phi((y + location) / scale) / scale, y = x - offset >= 0
     """
 
-    def __init__(self, location, scale, offset=0.0):
+    def __init__(self, location: float, scale: float, offset: float = 0.0) -> None:
         super().__init__(2, (location, scale), offset)
 
 
@@ -95,7 +102,7 @@ class HalfNormal(Distribution):
     cdf(x) = erf((x - offset) / (scale * sqrt(2))) for x >= offset
     """
 
-    def __init__(self, scale, offset=0.0):
+    def __init__(self, scale: float, offset: float = 0.0) -> None:
         super().__init__(3, (scale,), offset)
 
 
@@ -105,7 +112,7 @@ class Rayleigh(Distribution):
     cdf(x) = 1 - exp(-((x - offset) / scale)**2 / 2) for x >= offset
     """
 
-    def __init__(self, scale, offset=0.0):
+    def __init__(self, scale: float, offset: float = 0.0) -> None:
         super().__init__(4, (scale,), offset)
 
 
@@ -115,7 +122,7 @@ class Weibull(Distribution):
     cdf(x) = 1 - exp(-((x - offset) / scale)**shape) for x >= offset
     """
 
-    def __init__(self, scale, shape, offset=0.0):
+    def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
         super().__init__(5, (scale, shape), offset)
 
 
@@ -125,7 +132,7 @@ class GaussianMixture(Distribution):
     cdf(x) = sum of proportion * Phi((x - mean) / standard deviation); the proportions add up to 1.
     """
 
-    def __init__(self, components):
+    def __init__(self, components: Iterable[tuple[float, float, float]]) -> None:
         super().__init__(6, _flat(components, 3, "components"))
 
     def _arguments(self):
@@ -142,7 +149,7 @@ class Johnson(Distribution):
     its code 1 to 4; delta and lambda_ > 0.
     """
 
-    def __init__(self, type, gamma, delta, lambda_, xi):
+    def __init__(self, type: str | float, gamma: float, delta: float, lambda_: float, xi: float) -> None:
         if isinstance(type, str):
             if type.upper() not in _JOHNSON_TYPES:
                 raise ValueError(f"type must be one of {', '.join(_JOHNSON_TYPES)}, not {type!r}")
@@ -157,7 +164,7 @@ class GeneralExtremeValue(Distribution):
     shape < 0 a finite upper end (Weibull), 0 the Gumbel distribution. SciPy's genextreme has the opposite sign.
     """
 
-    def __init__(self, location, scale, shape):
+    def __init__(self, location: float, scale: float, shape: float) -> None:
         super().__init__(8, (location, scale, shape))
 
 
@@ -168,14 +175,14 @@ class GeneralPareto(Distribution):
     finite upper end, 0 the exponential distribution.
     """
 
-    def __init__(self, scale, shape, offset=0.0):
+    def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
         super().__init__(9, (scale, shape), offset)
 
 
 class Triangular(Distribution):
     """Triangular distribution from `min` to `max` with its peak at `mode`; note the order of the parameters."""
 
-    def __init__(self, min, max, mode):
+    def __init__(self, min: float, max: float, mode: float) -> None:
         super().__init__(10, (min, max, mode))
 
 
@@ -185,7 +192,7 @@ class Binomial(_Discrete):
     pmf(k) = C(trials, k) * proportion**k * (1 - proportion)**(trials - k)
     """
 
-    def __init__(self, proportion, trials):
+    def __init__(self, proportion: float, trials: float) -> None:
         super().__init__(11, (proportion, trials))
 
 
@@ -195,7 +202,7 @@ class Poisson(_Discrete):
     pmf(k) = exp(-mean) * mean**k / k!
     """
 
-    def __init__(self, mean):
+    def __init__(self, mean: float) -> None:
         super().__init__(12, (mean,))
 
 
@@ -205,14 +212,14 @@ class Geometric(_Discrete):
     pmf(k) = proportion * (1 - proportion)**k for k = 0, 1, 2, ...; SciPy's geom counts the trials, from 1.
     """
 
-    def __init__(self, proportion):
+    def __init__(self, proportion: float) -> None:
         super().__init__(13, (proportion,))
 
 
 class Bernoulli(_Discrete):
     """1 with the probability `proportion`, else 0."""
 
-    def __init__(self, proportion):
+    def __init__(self, proportion: float) -> None:
         super().__init__(14, (proportion,))
 
 
@@ -222,7 +229,7 @@ class Histogram(_Discrete):
     The proportions add up to 1.
     """
 
-    def __init__(self, classes):
+    def __init__(self, classes: Mapping[float, float] | Iterable[tuple[float, float]]) -> None:
         pairs = classes.items() if hasattr(classes, "items") else classes
         super().__init__(15, _flat(pairs, 2, "classes"))
 
@@ -244,7 +251,7 @@ def _groups(values, size):
     return [tuple(values[i:i + size]) for i in range(0, len(values), size)]
 
 
-def from_code(code, values, offset=0.0):
+def from_code(code: int, values: Iterable[float], offset: float = 0.0) -> Distribution:
     """The distribution of a code (0 to 15) with its values in catalogue order, as result tables and properties list
     them."""
     names = _distribution_names

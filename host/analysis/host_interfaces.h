@@ -1,4 +1,5 @@
-// The interfaces of the documents that analyses hand out, as the type library describes those of the dialogs.
+// The interfaces of the host's own automation objects, documents, analysis and application, described as the
+// type library describes those of the dialogs.
 #pragma once
 
 #include <array>
@@ -7,7 +8,7 @@
 
 namespace brenvolt {
 
-namespace document_interface {
+namespace host_interface {
 
 using enum AutomationType;
 
@@ -42,15 +43,40 @@ inline constexpr std::array<MemberDescription, 12> kGraphMembers{{
     Property("Data", 12, kObject, kNone, "The data as a spreadsheet document."),
 }};
 
-}  // namespace document_interface
+inline constexpr std::array<ArgumentDescription, 1> kName{{{"Name", kText}}};
+
+inline constexpr std::array<MemberDescription, 7> kAnalysisMembers{{
+    Property("Name", 1, kText, kNone, "The name of the analysis."),
+    Property("ID", 2, kInteger, kNone, "The number of the analysis."),
+    Property("Application", 3, kObject, kNone, "The application that the analysis runs in."),
+    Property("CurrentStep", 4, kInteger, kNone, "The step of the sequence whose dialog is open, else 0."),
+    Property("Dialog", 5, kObject, kNone, "The open dialog; nothing where none is open."),
+    Property("DialogInterface", 6, kObject, kNone, "The open dialog, where it is of the named interface.",
+             kName),
+    Property("InputName", 7, kText, kNone, "The name of the input spreadsheet."),
+}};
+
+inline constexpr std::array<MemberDescription, 3> kApplicationMembers{{
+    Property("Name", 1, kText, kNone, "The name of the application."),
+    Property("Version", 2, kText, kNone, "The version of the application."),
+    Property("Module", 3, kText, kNone, "The file of the analysis module."),
+}};
+
+}  // namespace host_interface
 
 inline constexpr InterfaceDescription kSpreadsheetInterface{
     "Spreadsheet", "{0C5F5E1B-52C0-4A8A-9B8E-6C57A1B2D301}", "A spreadsheet as a document, to read.",
-    document_interface::kSpreadsheetMembers};
+    host_interface::kSpreadsheetMembers};
 inline constexpr InterfaceDescription kGraphInterface{"Graph", "{0C5F5E1B-52C0-4A8A-9B8E-6C57A1B2D302}",
                                                       "A graph as a document, to read.",
-                                                      document_interface::kGraphMembers};
-inline constexpr std::array<const InterfaceDescription*, 2> kDocumentInterfaces{&kSpreadsheetInterface,
-                                                                                &kGraphInterface};
+                                                      host_interface::kGraphMembers};
+inline constexpr InterfaceDescription kAnalysisInterface{
+    "BrvAnalysis", "{0C5F5E1B-52C0-4A8A-9B8E-6C57A1B2D303}", "An analysis, as its dialogs know it.",
+    host_interface::kAnalysisMembers};
+inline constexpr InterfaceDescription kApplicationInterface{
+    "BrvApplication", "{0C5F5E1B-52C0-4A8A-9B8E-6C57A1B2D304}", "The application, as its dialogs know it.",
+    host_interface::kApplicationMembers};
+inline constexpr std::array<const InterfaceDescription*, 4> kHostInterfaces{
+    &kSpreadsheetInterface, &kGraphInterface, &kAnalysisInterface, &kApplicationInterface};
 
 }  // namespace brenvolt
