@@ -233,8 +233,9 @@ void BindAutomation(py::module_& module) {
       .def("call", &Call)
       .def("sheet", &SheetOf)
       .def("graph", &GraphParts)
-      .def("is_same",
-           [](const AutomationRef& ref, const AutomationRef& other) { return ref.object == other.object; });
+      .def_property_readonly("identity", [](const AutomationRef& ref) {
+        return reinterpret_cast<std::uintptr_t>(ref.object.get());
+      });
   py::class_<Message>(module, "Message", "A message that the system showed.")
       .def_readonly("text", &Message::text, "What it says.")
       .def_readonly("where", &Message::where, "What it is about; may be empty.")

@@ -50,9 +50,10 @@ class AutomationObject:
             raise AttributeError(self._unknown(name))
 
     def __eq__(self, other):
-        return isinstance(other, AutomationObject) and self._automation.is_same(other._automation)
+        return isinstance(other, AutomationObject) and self._automation.identity == other._automation.identity
 
-    __hash__ = None
+    def __hash__(self):
+        return hash(self._automation.identity)
 
     def __repr__(self):
         return f"<{type(self).__name__}>"
@@ -324,9 +325,22 @@ class Analysis:
         """The input spreadsheet."""
         return self._analysis.sheet
 
-    Dialog = dialog
-    Documents = documents
-    Sheet = sheet
+    # As macros write them.
+
+    @property
+    def Dialog(self) -> AutomationObject:
+        """The open dialog."""
+        return self.dialog
+
+    @property
+    def Documents(self) -> list[TableDocument | GraphDocument]:
+        """The documents shown so far, oldest first."""
+        return self.documents
+
+    @property
+    def Sheet(self) -> _brenvolt.Spreadsheet:
+        """The input spreadsheet."""
+        return self.sheet
 
     def __repr__(self):
         return f"<Analysis of {self.sheet.name}>"
@@ -364,6 +378,5 @@ def startup(sheet, task):
     return analysis
 
 
-_brenvolt.Workbook.Sheet = _brenvolt.Workbook.sheet
-_brenvolt.Workbook.Add = _brenvolt.Workbook.add
-_brenvolt.Workbook.Save = _brenvolt.Workbook.save
+for _name in ("sheet", "add", "save"):
+    setattr(_brenvolt.Workbook, _name.capitalize(), getattr(_brenvolt.Workbook, _name))

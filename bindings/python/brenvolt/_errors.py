@@ -30,7 +30,8 @@ class MessageWarning(UserWarning):
 
 def warn(text: str) -> None:
     """Warns of a message at the line outside the package that led to it."""
-    level, frame = 2, sys._getframe(1)
-    while frame is not None and os.path.dirname(frame.f_code.co_filename) == _PACKAGE:
+    level = 2
+    frame = sys._getframe(1)
+    while frame.f_back is not None and os.path.dirname(frame.f_code.co_filename) == _PACKAGE:
         level, frame = level + 1, frame.f_back
     warnings.warn(text, MessageWarning, stacklevel=level)

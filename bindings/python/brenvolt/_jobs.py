@@ -162,12 +162,12 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         table.selection = select or None
     if save is not None:
         _brenvolt._take_former_properties(table, save)
-    continuous, discrete = _choose_variables(table, _names(continuous), _names(discrete))
-    specification = _Specification(table, continuous, discrete, _names(distributions))
+    chosen, counts = _choose_variables(table, _names(continuous), _names(discrete))
+    specification = _Specification(table, chosen, counts, _names(distributions))
     analysis = _automation.startup(table, _FIT)
     dialog = analysis.dialog
-    dialog.ContinuousVariable = _numbers_of(table, continuous)
-    dialog.DiscreteVariable = _numbers_of(table, discrete)
+    dialog.ContinuousVariable = _numbers_of(table, chosen)
+    dialog.DiscreteVariable = _numbers_of(table, counts)
     for word, choices, what in ((missing, _brenvolt._deletions, "missing"), (rank_by, _brenvolt._criteria, "rank_by"),
                                 (discrete_rank_by, _brenvolt._discrete_criteria, "discrete_rank_by"),
                                 (binning, _brenvolt._binnings, "binning")):
@@ -178,7 +178,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     specification.enter_offsets(dialog, offsets or {})
     specification.enter_counts(dialog, mixtures or {}, trials or {})
     dialog.OK()
-    result = FitResult(analysis, continuous + discrete)
+    result = FitResult(analysis, chosen + counts)
     if save is not None:
         result.save(save)
     return result
@@ -190,7 +190,7 @@ class FitResult:
     variables: {name: FittedVariable}; best: {name: its best distribution}, without variables that no distribution fits; sheet: the data; dialog: the results dialog, for everything else that it offers.
     """
 
-    def __init__(self, analysis, names):
+    def __init__(self, analysis: _automation.Analysis, names: list[str]) -> None:
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet

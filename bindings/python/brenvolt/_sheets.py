@@ -87,6 +87,5 @@ def _to_pandas(self):
     return pandas.DataFrame(columns, index=index)
 
 
-Spreadsheet.__setitem__ = _setitem
-Spreadsheet.to_pandas = _to_pandas
-Spreadsheet.from_pandas = staticmethod(_from_pandas)
+for _name, _method in (("__setitem__", _setitem), ("to_pandas", _to_pandas), ("from_pandas", staticmethod(_from_pandas))):
+    setattr(Spreadsheet, _name, _method)

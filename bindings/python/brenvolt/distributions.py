@@ -22,7 +22,9 @@ from ._brenvolt import _distribution_names
 if TYPE_CHECKING:
     from numpy.typing import ArrayLike
 
-__all__ = ["Distribution", "from_code", *_distribution_names]
+__all__ = ["Distribution", "from_code", "Normal", "LogNormal", "FoldedNormal", "HalfNormal", "Rayleigh", "Weibull",
+           "GaussianMixture", "Johnson", "GeneralExtremeValue", "GeneralPareto", "Triangular", "Binomial", "Poisson",
+           "Geometric", "Bernoulli", "Histogram"]
 
 _JOHNSON_TYPES = ("SL", "SU", "SB", "SN")
 

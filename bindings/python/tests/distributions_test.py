@@ -53,6 +53,16 @@ class References(unittest.TestCase):
             compared += 1
         self.assertGreater(compared, 10, name)
 
+    def test_every_distribution_is_offered_under_its_code(self):
+        self.assertEqual(tuple(distributions.__all__[2:]), distributions._distribution_names)
+        for code, name in enumerate(distributions.__all__[2:]):
+            values = {"GaussianMixture": [1, 0, 1], "Johnson": [2, 0, 1, 1, 0], "Histogram": [1, 1],
+                      "Triangular": [0, 2, 1], "GeneralExtremeValue": [0, 1, 0.1]}.get(name, [0.5, 1.0])
+            kind = getattr(distributions, name)
+            single = name in ("HalfNormal", "Rayleigh", "Poisson", "Geometric", "Bernoulli")
+            fitted = distributions.from_code(code, values[:1] if single else values)
+            self.assertEqual((type(fitted), fitted.code), (kind, code))
+
     def test_parameters_arrive_where_they_belong(self):
         for name, file in FILES.items():
             with self.subTest(name):

@@ -1,5 +1,6 @@
 """brenvolt macro, and the package as it is installed."""
 
+import ast
 import os
 import subprocess
 import sys
@@ -79,6 +80,27 @@ class Package(unittest.TestCase):
         for name in brenvolt.__all__:
             self.assertTrue(hasattr(brenvolt, name), name)
             self.assertIn(name, dir(brenvolt))
+
+    def test_stubs_name_what_there_is(self):
+        """The classes of the extension module, whose stub is written by hand, and the constants and dialogs."""
+        folder = os.path.dirname(brenvolt.__file__)
+
+        def stubbed(file):
+            with open(os.path.join(folder, file), encoding="utf-8") as text:
+                return {node.name: node for node in ast.parse(text.read()).body if isinstance(node, ast.ClassDef)}
+
+        def members(node):
+            targets = [part.target if isinstance(part, ast.AnnAssign) else part.targets[0] for part in node.body
+                       if isinstance(part, (ast.AnnAssign, ast.Assign))]
+            functions = [part.name for part in node.body if isinstance(part, ast.FunctionDef)]
+            return {name for name in [*(target.id for target in targets), *functions] if not name.startswith("_")}
+
+        for module, file in ((brenvolt._brenvolt, "_brenvolt.pyi"), (brenvolt.dialogs, "dialogs.pyi"),
+                             (brenvolt, "__init__.pyi")):
+            for name, node in stubbed(file).items():
+                kind = getattr(module, name)
+                own = {member for member in vars(kind) if not member.startswith("_")}
+                self.assertEqual(members(node), own, f"{file}: {name}")
 
 
 if __name__ == "__main__":
