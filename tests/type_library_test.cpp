@@ -8,6 +8,7 @@
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 
 #include "host/analysis/headless_user_interface.h"
 #include "host/application/application.h"
@@ -165,6 +166,16 @@ TEST_F(TypeLibraryText, CompiledNumbersAreThoseOfTheCalls) {
       EXPECT_EQ(members[i].name, enumeration.constants[i]);
       EXPECT_EQ(members[i].value, static_cast<std::int32_t>(i)) << members[i].name;
     }
+  }
+}
+
+TEST_F(TypeLibraryText, DocumentationHasTheMembersAsPrinted) {
+  const Outcome printed = RunBrenvolt({"typelib"}, folder.Path());
+  ASSERT_EQ(printed.status, 0) << printed.err;
+  const std::string documentation = BytesOf(BRENVOLT_SOURCE_DIR "/docs/automation.md");
+  std::istringstream lines(printed.out);
+  for (std::string line; std::getline(lines, line);) {
+    EXPECT_NE(documentation.find("\n" + line + "\n"), std::string::npos) << line;
   }
 }
 

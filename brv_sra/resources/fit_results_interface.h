@@ -24,9 +24,10 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property("QuickTabDistribution", 0x60030002, kInteger, kInteger,
              "The distribution of the Quick tab: its place among the ranked fits of the variable, from 1."),
     Property("SummaryStats", 0x60030004, kObject, kNone,
-             "Shows and gives the summary statistics of the fitted variables, a spreadsheet."),
+             "Shows and gives the summary statistics of the selected variables, a spreadsheet."),
     Property("SummaryGraph", 0x60030005, kObject, kNone,
-             "Shows and gives the graphs of all plots of the distribution of the Quick tab in one."),
+             "Shows and gives one graph with the histogram, the box plot, the P-P plot, the Q-Q plot and the "
+             "moments of the fit of the Quick tab."),
     Property("EmpiricalCDFPlot", 0x60030006, kObject, kNone,
              "Shows and gives the empirical distribution function with the fitted one, a graph."),
     Property("HistogramWithFit", 0x60030007, kObject, kNone,
