@@ -3,6 +3,8 @@
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <exception>
+
 #include "bindings/python/analysis.h"
 #include "bindings/python/arrays.h"
 #include "bindings/python/errors.h"
@@ -25,44 +27,50 @@ using Analysis = std::shared_ptr<AnalysisRef>;
 
 // --- calls
 
-// Shows the messages from `first` on as warnings. Where the call failed, its last message is why, and not
-// shown.
-void ShowMessages(const std::vector<Message>& messages, std::size_t first, bool failed) {
-  const std::size_t end = failed && messages.size() > first ? messages.size() - 1 : messages.size();
-  for (std::size_t i = first; i < end; ++i) Warn(Message(messages[i]));
-}
+// What a call gave, and the messages shown meanwhile.
+struct Outcome {
+  Variant result;
+  std::vector<Message> messages;
+  std::exception_ptr failure;
+};
 
-[[noreturn]] void RaiseRefusal(const std::vector<Message>& messages, std::size_t first) {
-  if (messages.size() == first) RaiseError("the dialog refused", {});
-  RaiseError(messages.back().text, messages.back().where);
-}
-
-Variant InvokeInHost(const AutomationRef& ref, const std::string& name, CallKind kind,
+Outcome InvokeInHost(const AutomationRef& ref, const std::string& name, CallKind kind,
                      const std::vector<Variant>& arguments) {
   const HostCall call;
-  const auto member = ref.object->FindMember(name);
-  if (!member) throw Error("no such member", std::string(ref.object->InterfaceName()) + "." + name);
-  return ref.object->Invoke(*member, kind, arguments);
+  PythonInterface* interface = ref.analysis != nullptr ? &ref.analysis->Interface() : nullptr;
+  const std::size_t shown = interface != nullptr ? interface->Messages().size() : 0;
+  Outcome outcome;
+  try {
+    const auto member = ref.object->FindMember(name);
+    if (!member) throw Error("no such member", std::string(ref.object->InterfaceName()) + "." + name);
+    outcome.result = ref.object->Invoke(*member, kind, arguments);
+  } catch (...) {
+    outcome.failure = std::current_exception();
+  }
+  if (interface != nullptr) {
+    const auto& messages = interface->Messages();
+    outcome.messages.assign(messages.begin() + static_cast<std::ptrdiff_t>(shown), messages.end());
+  }
+  return outcome;
 }
 
-// One call; afterwards what it showed, and whether the person interrupted it.
+// One call. An interruption ends it before all else. Its messages become warnings; where a dialog refused,
+// the last one says why, and is raised.
 Variant Invoke(const AutomationRef& ref, const std::string& name, CallKind kind,
                const std::vector<Variant>& arguments) {
-  if (ref.analysis == nullptr) return InvokeInHost(ref, name, kind, arguments);
-  PythonInterface& interface = ref.analysis->Interface();
-  const std::size_t shown = interface.Messages().size();
-  try {
-    Variant result = InvokeInHost(ref, name, kind, arguments);
-    interface.ThrowIfInterrupted();
-    const bool refused = kind == CallKind::kMethod && !result.IsEmpty() && !result.ToBoolean();
-    ShowMessages(interface.Messages(), shown, refused);
-    if (refused) RaiseRefusal(interface.Messages(), shown);
-    return result;
-  } catch (const Error&) {
-    interface.ThrowIfInterrupted();
-    ShowMessages(interface.Messages(), shown, false);
-    throw;
+  Outcome outcome = InvokeInHost(ref, name, kind, arguments);
+  if (ref.analysis != nullptr) ref.analysis->Interface().ThrowIfInterrupted();
+  const bool refused = outcome.failure == nullptr && kind == CallKind::kMethod && !outcome.result.IsEmpty() &&
+                       !outcome.result.ToBoolean();
+  Message why{"the dialog refused", {}, {}};
+  if (refused && !outcome.messages.empty()) {
+    why = outcome.messages.back();
+    outcome.messages.pop_back();
   }
+  for (const Message& message : outcome.messages) Warn(message);
+  if (outcome.failure != nullptr) std::rethrow_exception(outcome.failure);
+  if (refused) RaiseError(why.text, why.where);
+  return outcome.result;
 }
 
 std::vector<Variant> ArgumentsFrom(const py::tuple& arguments) {
@@ -245,8 +253,10 @@ void BindAutomation(py::module_& module) {
       .def(py::init<std::shared_ptr<SheetRef>>(), InHost(), py::arg("sheet"))
       .def_property_readonly("dialog", py::cpp_function(&DialogOf, InHost()))
       .def_property_readonly("documents", py::cpp_function(&DocumentsOf, InHost()))
-      .def_property_readonly("messages", [](const Analysis& a) { return a->Interface().Messages(); })
-      .def_property_readonly("sheet", &AnalysisRef::Input);
+      .def_property_readonly(
+          "messages", py::cpp_function(
+                          [](const Analysis& a) { return std::vector(a->Interface().Messages()); }, InHost()))
+      .def_property_readonly("sheet", py::cpp_function(&AnalysisRef::Input, InHost()));
   module.def("_type_library", &TypeLibraryParts);
 }
 

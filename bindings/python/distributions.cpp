@@ -146,8 +146,9 @@ class Distribution {
   double offset_;
 };
 
-// Values a call takes at once before it looks whether the person wants to stop.
-constexpr std::size_t kChunk = std::size_t{1} << 20;
+// Values a call takes at once before it looks whether the person wants to stop: less than a second of the
+// slowest function.
+constexpr std::size_t kChunk = std::size_t{1} << 16;
 
 template <class Work>
 void InChunks(std::size_t count, const Work& work) {

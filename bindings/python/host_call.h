@@ -28,4 +28,11 @@ class HostCall {
   std::scoped_lock<std::recursive_mutex> turn_;
 };
 
+// The result of host code, which a HostCall frames.
+template <class Work>
+auto InTurn(const Work& work) {
+  const HostCall call;
+  return work();
+}
+
 }  // namespace brenvolt::python

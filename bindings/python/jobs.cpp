@@ -119,22 +119,34 @@ void BindJobs(py::module_& module) {
   module.def("_code_of", &CodeOf);
   module.def("_induces_correlation", &InducesCorrelation);
   module.def("_save_fits", &SaveFits, InHost());
-  module.def("_fitted_sheet", [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
-    Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
-    return sheet == nullptr ? nullptr : workbook->RefTo(*sheet);
-  });
-  module.def("_saved_matrix", [](const Sheet& sheet) -> Sheet {
-    const auto& workbook = sheet->Workbook();
-    return workbook == nullptr ? nullptr : Free(SavedMatrix(workbook->Content(), sheet->Sheet()));
-  });
-  module.def("_named_matrix", [](const std::string& name, const Sheet& sheet) {
-    const Workbook none;
-    const auto& workbook = sheet->Workbook();
-    return Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
-  });
-  module.def("_matrix_from_table", [](const Sheet& table) {
-    return Free(MatrixFromTable(table->Sheet(), "matrix " + table->Sheet().Name()));
-  });
+  module.def(
+      "_fitted_sheet",
+      [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
+        Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
+        return sheet == nullptr ? nullptr : workbook->RefTo(*sheet);
+      },
+      InHost());
+  module.def(
+      "_saved_matrix",
+      [](const Sheet& sheet) -> Sheet {
+        const auto& workbook = sheet->Workbook();
+        return workbook == nullptr ? nullptr : Free(SavedMatrix(workbook->Content(), sheet->Sheet()));
+      },
+      InHost());
+  module.def(
+      "_named_matrix",
+      [](const std::string& name, const Sheet& sheet) {
+        const Workbook none;
+        const auto& workbook = sheet->Workbook();
+        return Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
+      },
+      InHost());
+  module.def(
+      "_matrix_from_table",
+      [](const Sheet& table) {
+        return Free(MatrixFromTable(table->Sheet(), "matrix " + table->Sheet().Name()));
+      },
+      InHost());
 }
 
 }  // namespace brenvolt::python

@@ -22,12 +22,12 @@ using Texts = std::map<double, std::string>;
 
 // --- variables
 
-py::array_t<double> Values(const VariableRef& variable) {
-  const auto values = [&] {
-    const HostCall call;
-    return variable.Get().SharedValues();
-  }();
+py::array_t<double> View(const std::shared_ptr<const std::vector<double>>& values) {
   return ReadOnlyView(*values, values);
+}
+
+py::array_t<double> Values(const VariableRef& variable) {
+  return View(InTurn([&] { return variable.Get().SharedValues(); }));
 }
 
 void SetValues(const VariableRef& variable, const Numbers& numbers) {
@@ -42,13 +42,12 @@ void SetValues(const VariableRef& variable, const Numbers& numbers) {
 }
 
 py::array_t<bool> Missing(const VariableRef& variable) {
-  std::vector<std::uint8_t> missing;
-  {
-    const HostCall call;
+  const auto missing = InTurn([&] {
     const Variable& content = variable.Get();
-    missing.resize(content.Size());
-    for (std::size_t i = 0; i < missing.size(); ++i) missing[i] = content.IsMissing(i) ? 1 : 0;
-  }
+    std::vector<std::uint8_t> flags(content.Size());
+    for (std::size_t i = 0; i < flags.size(); ++i) flags[i] = content.IsMissing(i) ? 1 : 0;
+    return flags;
+  });
   py::array_t<bool> mask(static_cast<py::ssize_t>(missing.size()));
   std::ranges::copy(missing, mask.mutable_data());
   return mask;
@@ -59,11 +58,7 @@ void SetLabels(const VariableRef& variable, const Texts& labels) {
 }
 
 py::dict Properties(const VariableRef& variable) {
-  std::vector<std::pair<std::string, std::string>> properties;
-  {
-    const HostCall call;
-    properties = variable.Get().Properties();
-  }
+  const auto properties = InTurn([&] { return std::vector(variable.Get().Properties()); });
   py::dict result;
   for (const auto& [key, value] : properties) result[py::str(key)] = value;
   return result;
@@ -85,6 +80,15 @@ VariableRef VariableNumber(const Sheet& sheet, std::size_t number) {
   if (number < 1 || number > sheet->Sheet().VariableCount())
     throw Error("no variable " + std::to_string(number), "sheet " + sheet->Sheet().Name());
   return {sheet, number - 1};
+}
+
+py::array_t<double> Column(const Sheet& sheet, const std::string& name) {
+  return View(InTurn([&] {
+    const Spreadsheet& table = sheet->Sheet();
+    const auto index = table.FindVariable(name);
+    if (!index) throw py::key_error(name);
+    return table.VariableAt(*index).SharedValues();
+  }));
 }
 
 std::vector<std::string> VariableNames(const Sheet& sheet) {
@@ -207,8 +211,10 @@ void BindVariable(py::module_& module) {
           "remove_property",
           [](const VariableRef& v, const std::string& key) { return v.Get().RemoveProperty(key); }, InHost(),
           py::arg("name"), "Removes a text property; False where there was none.")
-      .def("__len__", [](const VariableRef& v) { return v.Get().Size(); })
-      .def("__repr__", [](const VariableRef& v) { return "<Variable " + v.Get().Name() + ">"; });
+      .def(
+          "__len__", [](const VariableRef& v) { return v.Get().Size(); }, InHost())
+      .def(
+          "__repr__", [](const VariableRef& v) { return "<Variable " + v.Get().Name() + ">"; }, InHost());
 }
 
 void BindSheet(py::module_& module) {
@@ -240,11 +246,7 @@ void BindSheet(py::module_& module) {
            py::arg("name"), "The variable of that name, or of that number from 1.")
       .def("variable", py::overload_cast<const Sheet&, std::size_t>(&VariableNumber), InHost(),
            py::arg("number"))
-      .def("__getitem__",
-           [](const Sheet& s, const std::string& name) {
-             if (!s->Sheet().FindVariable(name)) throw py::key_error(name);
-             return Values(VariableCalled(s, name));
-           })
+      .def("__getitem__", &Column)
       .def("_set_column", &SetColumn, py::arg("name"), py::arg("values"), py::arg("labels") = Texts())
       .def(
           "__contains__",
@@ -252,13 +254,16 @@ void BindSheet(py::module_& module) {
           InHost())
       .def(
           "__len__", [](const Sheet& s) { return s->Sheet().CaseCount(); }, InHost())
-      .def("__iter__", [](const Sheet& s) { return py::iter(py::cast(VariableNames(s))); })
-      .def("__repr__",
-           [](const Sheet& s) {
-             const Spreadsheet& t = s->Sheet();
-             return "<Spreadsheet " + t.Name() + ": " + std::to_string(t.CaseCount()) + " cases, " +
-                    std::to_string(t.VariableCount()) + " variables>";
-           })
+      .def("__iter__",
+           [](const Sheet& s) { return py::iter(py::cast(InTurn([&] { return VariableNames(s); }))); })
+      .def(
+          "__repr__",
+          [](const Sheet& s) {
+            const Spreadsheet& t = s->Sheet();
+            return "<Spreadsheet " + t.Name() + ": " + std::to_string(t.CaseCount()) + " cases, " +
+                   std::to_string(t.VariableCount()) + " variables>";
+          },
+          InHost())
       .def_property("case_names", py::cpp_function(&CaseNames, InHost()),
                     py::cpp_function(
                         [](const Sheet& s, const std::optional<std::vector<std::string>>& names) {
@@ -266,8 +271,9 @@ void BindSheet(py::module_& module) {
                         },
                         InHost()),
                     "The names of the cases; None where they have none.")
-      .def_property_readonly("_cases_numbered", [](const Sheet& s) { return s->Sheet().AreCasesNumbered(); })
-      .def_property_readonly("_cases_numbered", [](const Sheet& s) { return s->Sheet().AreCasesNumbered(); })
+      .def_property_readonly(
+          "_cases_numbered",
+          py::cpp_function([](const Sheet& s) { return s->Sheet().AreCasesNumbered(); }, InHost()))
       .def_property("weight_variable", py::cpp_function(&WeightName, InHost()),
                     py::cpp_function(&SetWeight, InHost()),
                     "The name of the variable whose whole numbers say how often a case counts, or None.")
@@ -306,12 +312,14 @@ void BindWorkbook(py::module_& module) {
                              "The names of the sheets in their order.")
       .def("sheet", &WorkbookRef::SheetCalled, InHost(), py::arg("name") = "",
            "The sheet of that name; without one, the first data sheet.")
-      .def("__getitem__",
-           [](const Book& book, const std::string& name) {
-             Spreadsheet* sheet = book->Content().Find(name);
-             if (sheet == nullptr) throw py::key_error(name);
-             return book->RefTo(*sheet);
-           })
+      .def(
+          "__getitem__",
+          [](const Book& book, const std::string& name) {
+            Spreadsheet* sheet = book->Content().Find(name);
+            if (sheet == nullptr) throw py::key_error(name);
+            return book->RefTo(*sheet);
+          },
+          InHost())
       .def("__getitem__", &WorkbookRef::SheetAt, InHost(), py::arg("index"))
       .def(
           "__contains__",
@@ -319,7 +327,8 @@ void BindWorkbook(py::module_& module) {
           InHost())
       .def(
           "__len__", [](const Book& book) { return book->Content().SheetCount(); }, InHost())
-      .def("__iter__", [](const Book& book) { return py::iter(py::cast(book->Names())); })
+      .def("__iter__",
+           [](const Book& book) { return py::iter(py::cast(InTurn([&] { return book->Names(); }))); })
       .def("add", &WorkbookRef::Add, InHost(), py::arg("sheet"),
            "Appends a sheet and returns the one in the workbook: a free sheet itself, of any other a copy. "
            "Where "
@@ -330,15 +339,18 @@ void BindWorkbook(py::module_& module) {
             if (book->Content().Find(name) == nullptr) throw py::key_error(name);
             return book->Remove(name);
           },
-          py::arg("name"), "Takes a sheet out and returns it.")
+          InHost(), py::arg("name"), "Takes a sheet out and returns it.")
       .def("save", &WorkbookRef::Save, InHost(), py::arg("path") = std::nullopt,
            "Writes the project in one step: the file holds its former or its new content, never a mixture. "
            "Without a path, to the file that it was read from or last saved to.")
-      .def("__repr__", [](const Book& book) {
-        const auto path = book->Path();
-        return "<Workbook " + (path ? path->string() : std::string("without a file")) + ": " +
-               std::to_string(book->Content().SheetCount()) + " sheets>";
-      });
+      .def(
+          "__repr__",
+          [](const Book& book) {
+            const auto path = book->Path();
+            return "<Workbook " + (path ? path->string() : std::string("without a file")) + ": " +
+                   std::to_string(book->Content().SheetCount()) + " sheets>";
+          },
+          InHost());
   module.def(
       "open_workbook",
       [](const std::filesystem::path& path, bool decimalComma) {

@@ -69,14 +69,13 @@ def _to_pandas(self):
     columns = {}
     for number, name in enumerate(self.names, start=1):
         variable = self.variable(number)
-        missing = variable.missing
         if variable.is_text:
             labels = variable.labels
-            cells = [labels.get(value, value) for value in variable.values]
-            column = numpy.array(cells, dtype=object)
+            column = numpy.array([labels.get(value, value) for value in variable.values], dtype=object)
         else:
             column = variable.values.copy()
-        column[missing] = numpy.nan
+        if not numpy.isnan(variable.missing_code):
+            column[variable.missing] = numpy.nan
         columns[name] = column
     if self._cases_numbered:
         index = pandas.RangeIndex(1, len(self) + 1, name=self.header or None)

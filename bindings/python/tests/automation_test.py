@@ -208,26 +208,52 @@ class Interruption(unittest.TestCase):
 
 
 class Threads(unittest.TestCase):
-    def test_jobs_of_several_threads_take_turns(self):
-        """The random stream is the process's: samples drawn at the same time would share it."""
-        fitted = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions=["normal", "weibull"])
-        fitted.keep()
-        alone = brenvolt.simulate(fitted.sheet, 20_000, seed=11)["waiting"].to_numpy()
-        drawn, failures = [], []
+    def together(self, *jobs):
+        """Runs the jobs at the same time, and fails where one of them does."""
+        failures = []
 
-        def draw():
+        def guarded(job):
             try:
-                drawn.append(brenvolt.simulate(fitted.sheet, 20_000, seed=11)["waiting"].to_numpy())
-            except Exception as error:  # noqa: BLE001 - shown by the assertion below
+                job()
+            except BaseException as error:
                 failures.append(error)
 
-        threads = [threading.Thread(target=draw) for _ in range(8)]
+        threads = [threading.Thread(target=guarded, args=(job,)) for job in jobs]
         for thread in threads:
             thread.start()
         for thread in threads:
             thread.join()
         self.assertEqual(failures, [])
-        self.assertTrue(all((samples == alone).all() for samples in drawn))
+
+    def test_jobs_take_turns(self):
+        """The random stream is the process's: samples drawn at the same time would share it."""
+        fitted = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions=["normal", "weibull"])
+        fitted.keep()
+        drawn = []
+
+        def draw():
+            drawn.append(brenvolt.simulate(fitted.sheet, 20_000, seed=11)["waiting"].to_numpy())
+
+        draw()
+        self.together(*[draw] * 8)
+        self.assertEqual(len(drawn), 9)
+        self.assertTrue(all((samples == drawn[0]).all() for samples in drawn))
+
+    def test_a_sheet_grows_while_others_look_at_it(self):
+        sheet = Spreadsheet("s")
+        sheet["first"] = numpy.ones(50)
+
+        def grow(letter):
+            for i in range(200):
+                sheet[f"{letter}{i}"] = numpy.ones(50)
+
+        def look():
+            for _ in range(50):
+                for name in sheet:
+                    self.assertEqual(sheet[name].sum(), 50)
+
+        self.together(lambda: grow("a"), lambda: grow("b"), look, look)
+        self.assertEqual(len(sheet.names), 401)
 
 
 if __name__ == "__main__":

@@ -144,7 +144,7 @@ class RandomValues(unittest.TestCase):
     def test_values_follow_their_distribution(self):
         # More than one chunk of a call; the Kolmogorov-Smirnov distance of n values exceeds 2 / sqrt(n) once in 1500.
         for kind in (LogNormal(1, 0.5, offset=3), GeneralPareto(2, 0.3)):
-            count = (1 << 20) + 1000
+            count = (1 << 18) + 1000
             u = numpy.sort(kind.cdf(kind.rvs(count, seed=3)))
             steps = numpy.arange(1, count + 1) / count
             self.assertLess(abs(u - steps).max(), 2 / math.sqrt(count))
