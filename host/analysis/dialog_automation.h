@@ -20,10 +20,23 @@ namespace brenvolt {
 // What a member of an interface does over dialogs of type Dialog. The arguments have the described types.
 template <class Dialog>
 struct AutomationMember {
+  // `Get` is a get, or the call of a method.
+  using Get = Variant (*)(Dialog& dialog, std::span<const Variant> indexes);
+  using Put = void (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
+
+  constexpr AutomationMember(std::string_view member, Get getter, Put putter)
+      : name(member), get(getter), put(putter), gets(true), puts(true) {}
+  constexpr AutomationMember(std::string_view member, Get getter, std::nullptr_t)
+      : name(member), get(getter), gets(true) {}
+  constexpr AutomationMember(std::string_view member, std::nullptr_t, Put putter)
+      : name(member), put(putter), puts(true) {}
+
   std::string_view name;
-  // A get, or the call of a method; null where the description allows neither.
-  Variant (*get)(Dialog& dialog, std::span<const Variant> indexes);
-  void (*put)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
+  Get get = nullptr;
+  Put put = nullptr;
+  // Which of the two there are: a constant also where the address of a function is none.
+  bool gets = false;
+  bool puts = false;
 };
 
 // Whether a table binds an interface completely: every member, in the order of the description, with a
@@ -36,8 +49,7 @@ constexpr bool Binds(const InterfaceDescription& interface,
     const MemberDescription& described = interface.members[i];
     const bool calls = Allows(described, CallKind::kGet) || Allows(described, CallKind::kMethod);
     if (members[i].name != described.name) return false;
-    if ((members[i].get != nullptr) != calls) return false;
-    if ((members[i].put != nullptr) != Allows(described, CallKind::kPut)) return false;
+    if (members[i].gets != calls || members[i].puts != Allows(described, CallKind::kPut)) return false;
   }
   return true;
 }
