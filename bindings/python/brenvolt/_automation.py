@@ -204,6 +204,9 @@ class TableDocument(AutomationObject):
         """A DataFrame of the spreadsheet."""
         return self.sheet.to_pandas()
 
+    def _repr_html_(self):
+        return self.to_pandas()._repr_html_()
+
     def __repr__(self):
         return f"<TableDocument {self.Title}: {self.NumberOfCases} cases, {self.NumberOfVariables} variables>"
 

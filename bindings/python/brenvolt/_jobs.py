@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+import html
 import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
@@ -13,7 +14,7 @@ from ._errors import Error, warn
 if TYPE_CHECKING:
     import pandas
 
-Names = str | Iterable[str] | None
+Names = str | int | Iterable[str] | Iterable[int] | None
 
 _FIT, _SIMULATE = 0, 1
 _TYPES = _brenvolt._fitted_types
@@ -37,14 +38,19 @@ def _sheet_of(data, name):
         return _brenvolt.open_workbook(data).sheet(name or "")
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet")
+    if not hasattr(data, "items"):
+        columns = data.T if getattr(data, "ndim", 1) == 2 else [data]
+        data = {"x" if len(columns) == 1 else f"x{i}": column for i, column in enumerate(columns, start=1)}
     sheet = Spreadsheet(name or "Sheet")
-    for column, values in (data.items() if hasattr(data, "items") else {"x": data}.items()):
-        sheet[column] = values
+    for column, values in data.items():
+        sheet[str(column)] = values
     return sheet
 
 
 def _names(names):
-    return [names] if isinstance(names, str) else list(names or ())
+    if names is None:
+        return []
+    return [str(names)] if isinstance(names, (str, int)) else [str(name) for name in names]
 
 
 def _numbers_of(sheet, names):
@@ -137,7 +143,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         bootstrap_seed: int = 1, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
-    data: a Series, DataFrame, mapping of arrays, array, Spreadsheet, Workbook, or the path of a CSV file or project.
+    data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV file or project.
     continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
     rank_by: "ks", "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
@@ -240,6 +246,9 @@ class FitResult:
         _brenvolt._take_former_properties(self.sheet, path)
         _brenvolt._save_fits(self.sheet, self.keep(truncate, order), path)
 
+    def _repr_html_(self):
+        return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}" for name, variable in self.variables.items())
+
     def __repr__(self):
         lines = [f"  {name}: {variable.best!r}" for name, variable in self.variables.items()]
         return "\n".join(["<FitResult, best fits", *lines]) + ">"
@@ -329,6 +338,9 @@ class FittedVariable:
             return None
         return _distributions.from_code(int(_number(self._table, "code", place)), values,
                                         _number(self._table, "offset", place))
+
+    def _repr_html_(self):
+        return self.fits.dropna(axis="columns", how="all").to_html(index=False)
 
     def __repr__(self):
         return f"<FittedVariable {self.name}: {self.best!r}>"

@@ -74,6 +74,13 @@ class Members(unittest.TestCase):
                 if not member.startswith("_"):
                     self.assertGreater(len(descriptor.__doc__ or ""), 10, f"{name}.{member}")
 
+    def test_a_dialog_leads_to_its_analysis(self):
+        dialog = fit_dialog().Dialog
+        self.assertEqual(dialog.Parent.Dialog, dialog)
+        self.assertEqual((dialog.Parent.CurrentStep, dialog.Application.Name), (102, "Brenvolt"))
+        with self.assertRaisesRegex(Error, "the dialog is closed"):
+            dialog.Parent.DialogInterface["SRAStartup"].TypeOfAnalysis
+
     def test_a_closed_dialog_refuses(self):
         analysis = fit_dialog()
         former = analysis.Dialog

@@ -4,6 +4,7 @@ import csv
 import math
 import os
 import pickle
+import signal
 import threading
 import unittest
 
@@ -170,6 +171,17 @@ class Interpreter(unittest.TestCase):
         finally:
             done.set()
             thread.join()
+
+    def test_ctrl_c_ends_a_call(self):
+        """Unheeded, the call would go on for minutes, and the test run into its time limit."""
+        former = signal.signal(signal.SIGINT, signal.default_int_handler)
+        self.addCleanup(signal.signal, signal.SIGINT, former)
+        timer = threading.Timer(0.2, os.kill, (os.getpid(), signal.SIGINT))
+        timer.start()
+        self.addCleanup(timer.join)
+        mixture = GaussianMixture([(0.5, 4, 1), (0.5, 9, 2)])
+        with self.assertRaises(KeyboardInterrupt):
+            mixture.rvs(1 << 27, seed=1)
 
 
 if __name__ == "__main__":

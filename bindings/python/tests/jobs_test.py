@@ -105,6 +105,8 @@ class Fits(Folder):
                      Spreadsheet.from_pandas(frame)):
             self.assertEqual(brenvolt.fit(data, "waiting").best["waiting"], expected)
         self.assertEqual(brenvolt.fit(frame["waiting"].to_numpy()).best["x"], expected)
+        self.assertEqual(brenvolt.fit(frame.to_numpy()).best["x2"], expected)
+        self.assertEqual(brenvolt.fit(pandas.DataFrame(frame.to_numpy()), 1).best["1"], expected)
 
     def test_texts_are_left_out_and_a_variable_without_a_fit_has_none(self):
         frame = pandas.DataFrame({"x": numpy.arange(20.0), "same": 3.0, "machine": ["a", "b"] * 10})
@@ -145,6 +147,13 @@ class Fits(Folder):
         for arguments, kind, message in cases:
             with self.assertRaisesRegex(kind, message):
                 brenvolt.fit(data, **arguments)
+
+    def test_a_notebook_shows_all_fits(self):
+        result = brenvolt.fit({"a<b": [1.0, 2, 3, 5]}, distributions=["normal", "weibull"])
+        html = result._repr_html_()
+        for shown in ("a&lt;b", "Normal", "Weibull", "ks_p"):
+            self.assertIn(shown, html)
+        self.assertIn("Mean", result.dialog.SummaryStats._repr_html_())
 
     def test_graphs_are_of_the_variable_and_fit_asked_for(self):
         result = brenvolt.fit(example("faithful"))
