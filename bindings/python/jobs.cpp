@@ -85,11 +85,15 @@ py::dict DictOf(const Choices& choices) {
   return dictionary;
 }
 
+void RequireProjectEnding(const std::filesystem::path& path) {
+  if (!HasProjectEnding(path))
+    throw std::invalid_argument("a project's file ends in .bvw, not as " + path.string());
+}
+
 // Saves a fitted sheet with its correlation matrix. A sheet of a project that is saved to the project's own
 // file stays where it is; otherwise it is merged into the project at `path`.
 void SaveFits(const Sheet& sheet, const Sheet& matrix, const std::filesystem::path& path) {
-  if (!HasProjectEnding(path))
-    throw std::invalid_argument("a project's file ends in .bvw, not as " + path.string());
+  RequireProjectEnding(path);
   const auto& workbook = sheet->Workbook();
   std::error_code ignored;
   const bool own = workbook != nullptr && workbook->Path() &&
@@ -116,6 +120,7 @@ void BindJobs(py::module_& module) {
         TakeFormerProperties(path, sheet->Sheet());
       },
       InHost());
+  module.def("_require_project_ending", &RequireProjectEnding);
   module.def("_code_of", &CodeOf);
   module.def("_induces_correlation", &InducesCorrelation);
   module.def("_save_fits", &SaveFits, InHost());

@@ -261,7 +261,8 @@ _DOCUMENTS = {"Spreadsheet": TableDocument, "Graph": GraphDocument}
 
 
 def _descriptors(description):
-    return {member["name"]: _method(member) if member["method"] else _Member(member) for member in description["members"]}
+    return {member["name"]: _method(member) if member["method"] else _Member(member)
+            for member in description["members"]}
 
 
 def _class(description, base):

@@ -19,7 +19,8 @@ Names = str | int | Iterable[str] | Iterable[int] | None
 _FIT, _SIMULATE = 0, 1
 _TYPES = _brenvolt._fitted_types
 _COLUMNS = _brenvolt._result_columns
-_STATISTICS = ("ks", "ks_p", "chi_square", "chi_square_df", "chi_square_p", "ad", "ad_p", "log_likelihood", "aic", "bic")
+_STATISTICS = ("ks", "ks_p", "chi_square", "chi_square_df", "chi_square_p", "ad", "ad_p", "log_likelihood", "aic",
+               "bic")
 _BOOTSTRAP = ("bootstrap_ks_p", "bootstrap_chi_square_p", "bootstrap_ad_p", "bootstrap_samples")
 _GRAPHS = {"histogram": "HistogramWithFit", "cumulative-histogram": "CumulativeHistogram", "pp": "PPPlot",
            "qq": "QQPlot", "empirical-distribution": "EmpiricalCDFPlot", "box-plot": "BoxPlot",
@@ -135,15 +136,16 @@ class _Specification:
             dialog.IsNumberOfTrials[place] = True
 
 
-def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *, rank_by: str = "ks",
-        discrete_rank_by: str = "ks", binning: str = "equal-probability", missing: str = "pairwise",
+def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *,
+        rank_by: str = "ks", discrete_rank_by: str = "ks", binning: str = "equal-probability", missing: str = "pairwise",
         weights: str | None = None, select: str | None = None,
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False, bootstrap: int = 0,
         bootstrap_seed: int = 1, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
-    data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV file or project.
+    data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
+    file or project.
     continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
     rank_by: "ks", "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
@@ -161,6 +163,11 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
     """
+    choices = (_choice(missing, _brenvolt._deletions, "missing"), _choice(rank_by, _brenvolt._criteria, "rank_by"),
+               _choice(discrete_rank_by, _brenvolt._discrete_criteria, "discrete_rank_by"),
+               _choice(binning, _brenvolt._binnings, "binning"))
+    if save is not None:
+        _brenvolt._require_project_ending(save)
     table = _sheet_of(data, sheet)
     if weights is not None:
         table.weight_variable = weights or None
@@ -174,10 +181,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     dialog = analysis.dialog
     dialog.ContinuousVariable = _numbers_of(table, chosen)
     dialog.DiscreteVariable = _numbers_of(table, counts)
-    for word, choices, what in ((missing, _brenvolt._deletions, "missing"), (rank_by, _brenvolt._criteria, "rank_by"),
-                                (discrete_rank_by, _brenvolt._discrete_criteria, "discrete_rank_by"),
-                                (binning, _brenvolt._binnings, "binning")):
-        setattr(dialog, _choice(word, choices, what), True)
+    for member in choices:
+        setattr(dialog, member, True)
     dialog.BootstrapSamples = bootstrap
     dialog.BootstrapSeed = bootstrap_seed
     specification.check_distributions(dialog, johnson_percentiles)
@@ -193,19 +198,19 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
 class FitResult:
     """The fits of some variables.
 
-    variables: {name: FittedVariable}; best: {name: its best distribution}, without variables that no distribution fits; sheet: the data; dialog: the results dialog, for everything else that it offers.
+    variables: {name: FittedVariable}; sheet: the data; dialog: the results dialog, for everything else that it offers.
     """
 
     def __init__(self, analysis: _automation.Analysis, names: list[str]) -> None:
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet
-        self._matrix: Spreadsheet | None = None
         rows = self.dialog.SummaryStats.sheet
         self.variables = {name: FittedVariable(self, row, rows) for row, name in enumerate(names)}
 
     @property
     def best(self) -> dict[str, _distributions.Distribution]:
+        """{name: the variable's best distribution}, without variables that no distribution fits."""
         return {name: variable.best for name, variable in self.variables.items() if variable.best is not None}
 
     @property
@@ -233,21 +238,22 @@ class FitResult:
         for variable, names in (order or {}).items():
             self.dialog.DistributionOrder[places[variable]] = [_brenvolt._code_of(name) for name in _names(names)]
         document = self.dialog.SaveDistributionFit
-        self._matrix = document.sheet if document is not None else None
-        return self._matrix
+        return document.sheet if document is not None else None
 
     def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
              order: Mapping[str, Names] | None = None) -> None:
-        """Saves the data with the fits and their correlation matrix in a project (.bvw), which is made if there is none.
+        """Saves the data with the fits and their correlation matrix in a project (.bvw).
 
-        A sheet of that name with the same data takes the fits over; one with other data is an Error. See keep for
+        A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with other data is an Error. See keep for
         truncate and order.
         """
+        _brenvolt._require_project_ending(path)
         _brenvolt._take_former_properties(self.sheet, path)
         _brenvolt._save_fits(self.sheet, self.keep(truncate, order), path)
 
     def _repr_html_(self):
-        return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}" for name, variable in self.variables.items())
+        return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}"
+                       for name, variable in self.variables.items())
 
     def __repr__(self):
         lines = [f"  {name}: {variable.best!r}" for name, variable in self.variables.items()]
@@ -305,27 +311,31 @@ class FittedVariable:
 
     def distribution(self, name: str) -> _distributions.Distribution | None:
         """The fitted distribution of that name; None where its fit failed. Raises KeyError where it was not tried."""
-        code = _brenvolt._code_of(name)
-        for place, fitted in enumerate(self.distributions):
-            if int(_number(self._table, "code", place)) == code:
-                return fitted
-        raise KeyError(name)
+        return self.distributions[self._place_of(name)]
 
     def standard_errors(self, name: str) -> dict[str, float]:
         """{parameter: standard error} of the fit of a distribution; empty where its estimator gives none."""
-        distribution = self.distribution(name)
-        place = self.distributions.index(distribution)
-        errors = _numbered(self._table, "standard_error", place)
-        return dict(zip(_scalars(distribution), errors))
+        place = self._place_of(name)
+        return dict(zip(_scalars(self.distributions[place]), _numbered(self._table, "standard_error", place)))
 
     def graph(self, kind: str, distribution: str | None = None) -> _automation.GraphDocument:
-        """A GraphDocument of the fit ranked first, or of that of a named distribution: "histogram", "cumulative-histogram", "pp",
-        "qq", "empirical-distribution", "box-plot" or "summary"."""
+        """A GraphDocument of the fit ranked first, or of that of a named distribution.
+
+        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot" or "summary".
+        """
         member = _choice(kind, _GRAPHS, "kind")
+        place = 0 if distribution is None else self._place_of(distribution)
         dialog = self._shown()
-        place = 0 if distribution is None else self.distributions.index(self.distribution(distribution))
         dialog.QuickTabDistribution = place + 1
         return getattr(dialog, member)
+
+    def _place_of(self, name):
+        """The place of a distribution among the fits, from 0."""
+        code = _brenvolt._code_of(name)
+        for place in range(len(self.distributions)):
+            if int(_number(self._table, "code", place)) == code:
+                return place
+        raise KeyError(name)
 
     def _shown(self):
         dialog = self._result.dialog
@@ -385,7 +395,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
     matrix: the correlations that samples follow: a square DataFrame, a matrix Spreadsheet, or the name of a matrix
     sheet or file; without, the correlations that belong to the fits.
-    variables: names of those to simulate; without, all with distributions.
+    variables: names of those to simulate; without, those of the FitResult, or all with distributions.
 
     Returns a DataFrame with a row per sample, numbered from 1.
     """
@@ -394,6 +404,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     if matrix is not None and not correlated:
         raise ValueError(f"matrix is for methods that induce correlation, which {method} does not")
     table, own_matrix = _fitted_sheet(source, sheet)
+    if variables is None and isinstance(source, FitResult):
+        variables = sorted(source.best, key=lambda name: table.variable(name).number)
     analysis = _automation.startup(table, _SIMULATE)
     dialog = analysis.dialog
     if variables is not None:
@@ -416,7 +428,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
 def _fitted_sheet(source, name):
     """The sheet with the fits and the correlation matrix that belongs to them, or None."""
     if isinstance(source, FitResult):
-        return source.sheet, source._matrix if source._matrix is not None else source.keep()
+        return source.sheet, source.keep()
     if isinstance(source, Spreadsheet):
         return source, _brenvolt._saved_matrix(source)
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)

@@ -86,5 +86,6 @@ def _to_pandas(self):
     return pandas.DataFrame(columns, index=index)
 
 
-for _name, _method in (("__setitem__", _setitem), ("to_pandas", _to_pandas), ("from_pandas", staticmethod(_from_pandas))):
+for _name, _method in (("__setitem__", _setitem), ("to_pandas", _to_pandas),
+                       ("from_pandas", staticmethod(_from_pandas))):
     setattr(Spreadsheet, _name, _method)

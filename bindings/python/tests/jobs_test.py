@@ -64,8 +64,9 @@ class Fits(Folder):
                 variable = result.variables[expected["name"]]
                 self.assertEqual((variable.kind, variable.n, variable.missing),
                                  (expected["kind"], expected["n"], expected["missing"]))
-                for place, (fit, row) in enumerate(zip(expected["fits"], variable.fits.to_dict("records"), strict=True)):
-                    self.compare(fit, row, variable.distributions[place])
+                fits = variable.fits.to_dict("records")
+                for fit, row, fitted in zip(expected["fits"], fits, variable.distributions, strict=True):
+                    self.compare(fit, row, fitted)
 
     def compare(self, fit, row, distribution):
         self.assertEqual((row["rank"], row["distribution"]), (fit["rank"], fit["distribution"]))
@@ -74,8 +75,9 @@ class Fits(Folder):
             self.assertEqual(row["reason"], fit["reason"])
             return
         self.assertEqual((distribution.code, distribution._values), (fit["code"], fit["parameters"]))
-        for column, expected in (("ks", fit["kolmogorovSmirnov"]["statistic"]), ("ad_p", fit["andersonDarling"]["pValue"]),
+        for column, expected in (("ks", fit["kolmogorovSmirnov"]["statistic"]),
                                  ("ks_p", fit["kolmogorovSmirnov"]["pValue"]), ("aic", fit["aic"]),
+                                 ("ad_p", fit["andersonDarling"]["pValue"]),
                                  ("chi_square", fit["chiSquare"]["statistic"]), ("bic", fit["bic"]),
                                  ("chi_square_df", fit["chiSquare"]["degreesOfFreedom"]),
                                  ("log_likelihood", fit["logLikelihood"]), ("offset", fit["offset"])):
@@ -141,6 +143,7 @@ class Fits(Folder):
                  ({"offsets": {"z": {"weibull": 1}}}, ValueError, "'z' is not fitted"),
                  ({"offsets": {"x": {"weibull": 1}}, "distributions": "gev"}, ValueError, "not tried"),
                  ({"trials": {"x": 3}}, ValueError, "not fitted as a discrete"),
+                 ({"save": "p.csv"}, ValueError, "ends in .bvw"),
                  ({"continuous": "z"}, Error, "no variable called 'z'"),
                  ({"select": "x >"}, Error, "selection condition"),
                  ({"bootstrap": -1}, Error, "less than 0")]
@@ -200,6 +203,18 @@ class Simulations(Folder):
         samples = brenvolt.simulate(self.file("sea.bvw"), 5000, seed=1)["sealevel"]
         self.assertGreaterEqual(samples.min(), 3.6)
         self.assertEqual(samples.index[[0, -1]].tolist(), [1, 5000])
+
+    def test_results_of_one_sheet_do_not_mix(self):
+        sheet = brenvolt.read_csv(example("faithful"))
+        weibull = brenvolt.fit(sheet, "waiting", distributions="weibull")
+        normal = brenvolt.fit(sheet, "waiting", distributions="normal")
+        other = brenvolt.fit(sheet, "eruptions", distributions="normal")
+        expected = [brenvolt.simulate(result, 50, seed=1) for result in (weibull, normal, other)]
+        self.assertEqual([list(samples) for samples in expected], [["waiting"], ["waiting"], ["eruptions"]])
+        self.assertFalse((expected[0] == expected[1]).to_numpy().any())
+        again = [brenvolt.simulate(result, 50, seed=1) for result in (weibull, normal, other)]
+        for former, latter in zip(expected, again):
+            pandas.testing.assert_frame_equal(former, latter)
 
     def test_fit_saves_as_the_command_does(self):
         frame = pandas.read_csv(example("faithful"))

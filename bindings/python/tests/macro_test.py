@@ -34,7 +34,8 @@ class Macro(unittest.TestCase):
         self.assertEqual((done.returncode, done.stderr), (0, ""))
         self.assertIn("saved in sea.bvw: portpirie_sea_level, Correlation matrix", done.stdout)
         self.assertIn("1000 samples, mean ", done.stdout)
-        properties = brenvolt.open_workbook(os.path.join(self.folder, "sea.bvw")).sheet().variable("sealevel").properties
+        sheet = brenvolt.open_workbook(os.path.join(self.folder, "sea.bvw")).sheet()
+        properties = sheet.variable("sealevel").properties
         self.assertIn("Location=4.000000000000e+00; Scale=2.500000000000e-01", properties["Normal"])
         self.assertIn("Offset=3.500000000000e+00", properties["Weibull"])
         self.assertTrue(properties["zTruncProp"].startswith("(1; "))
@@ -55,7 +56,8 @@ class Macro(unittest.TestCase):
     def test_what_cannot_be_run_is_told_in_one_line(self):
         self.write("m.py", "")
         os.mkdir(os.path.join(self.folder, "folder"))
-        cases = [(("none.py",), {}, 1, "no such macro (none.py)"), (("folder",), {}, 1, "is a folder"), ((), {}, 2, "FILE.py"),
+        cases = [(("none.py",), {}, 1, "no such macro (none.py)"), (("folder",), {}, 1, "is a folder"),
+                 ((), {}, 2, "FILE.py"),
                  (("m.py",), {"BRENVOLT_PYTHON": "/none/python3"}, 1, "cannot be started: No such file or directory")]
         for arguments, environment, status, said in cases:
             done = self.run_program("macro", *arguments, **environment)

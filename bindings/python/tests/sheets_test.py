@@ -59,7 +59,8 @@ class Views(unittest.TestCase):
 
 class Pandas(unittest.TestCase):
     frame = pandas.DataFrame({
-        "strength": [1.5, numpy.nan, -2.0], "count": pandas.array([1, None, 3], dtype="Int64"), "good": [True, False, True],
+        "strength": [1.5, numpy.nan, -2.0], "count": pandas.array([1, None, 3], dtype="Int64"),
+        "good": [True, False, True],
         "machine": ["b", None, "a"], "shift": pandas.Categorical(["early", "late", "early"])}, index=["p", "q", "r"])
 
     def test_a_frame_comes_back_as_it_went(self):
