@@ -4,8 +4,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
+#include <csignal>
 #include <stdexcept>
+#include <thread>
 
 namespace brenvolt::test {
 namespace {
@@ -17,11 +18,16 @@ void Redirect(const std::filesystem::path& file, int descriptor) {
 
 }  // namespace
 
-Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesystem::path& folder) {
+Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                    std::optional<std::chrono::milliseconds> interrupt) {
+  return RunProgram(BRENVOLT_BUILD_DIR "/bin/brenvolt", arguments, folder, interrupt);
+}
+
+Outcome RunProgram(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::filesystem::path& folder, std::optional<std::chrono::milliseconds> interrupt) {
   const TemporaryFolder streams;
   const auto out = streams.Path() / "out";
   const auto err = streams.Path() / "err";
-  const std::string program = BRENVOLT_BUILD_DIR "/bin/brenvolt";
   std::vector<char*> argv{const_cast<char*>(program.c_str())};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
@@ -33,6 +39,10 @@ Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesy
     if (chdir(folder.c_str()) != 0) _exit(126);
     execv(program.c_str(), argv.data());
     _exit(127);
+  }
+  if (interrupt) {
+    std::this_thread::sleep_for(*interrupt);
+    kill(child, SIGINT);
   }
   int status = 0;
   waitpid(child, &status, 0);

@@ -1,7 +1,9 @@
 // Runs the command as a user does, in a folder of its own.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,13 @@ struct Outcome {
   std::string err;
 };
 
-// Runs brenvolt with the arguments in `folder` and waits for it.
-Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesystem::path& folder);
+// Runs a program with the arguments in `folder` and waits for it; after `interrupt`, where given, it gets an
+// interrupt signal. A program ended by a signal has the status 128 and the signal's number.
+Outcome RunProgram(const std::string& program, const std::vector<std::string>& arguments,
+                   const std::filesystem::path& folder,
+                   std::optional<std::chrono::milliseconds> interrupt = std::nullopt);
+// The same for brenvolt.
+Outcome RunBrenvolt(const std::vector<std::string>& arguments, const std::filesystem::path& folder,
+                    std::optional<std::chrono::milliseconds> interrupt = std::nullopt);
 
 }  // namespace brenvolt::test

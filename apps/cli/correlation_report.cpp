@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <numeric>
 #include <vector>
 
 #include "apps/cli/text_table.h"
 #include "host/base/number_text.h"
+#include "host/numeric/symmetric_eigen.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -83,6 +85,29 @@ Json CorrelationsJson(const Spreadsheet& summary, const Spreadsheet& output) {
     }
   }
   return pairs;
+}
+
+Json RepairJson(const Spreadsheet& summary, const Spreadsheet& output) {
+  const std::size_t k = output.VariableCount();
+  std::vector<double> asked(k * k, 1.0);
+  std::size_t row = 0;
+  double largest = 0;
+  Json change;
+  for (std::size_t i = 0; i < k; ++i) {
+    for (std::size_t j = i + 1; j < k; ++j, ++row) {
+      const double from = Value(summary, kAsked, row);
+      const double to = Value(summary, kUsed, row);
+      asked[i * k + j] = asked[j * k + i] = from;
+      if (!change.is_null() && std::abs(to - from) <= largest) continue;
+      largest = std::abs(to - from);
+      change = {{"variables", {output.VariableAt(i).Name(), output.VariableAt(j).Name()}},
+                {"from", from},
+                {"to", to}};
+    }
+  }
+  std::vector<double> eigenvalues(k, std::numeric_limits<double>::quiet_NaN());
+  SymmetricEigen(asked, k, eigenvalues);
+  return {{"smallestEigenvalue", Number(eigenvalues.front())}, {"largestChange", change}};
 }
 
 Json MatrixJson(const Spreadsheet& matrix) {

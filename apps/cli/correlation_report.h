@@ -17,6 +17,9 @@ inline constexpr std::size_t kMostPairsShown = 45;
 std::string CorrelationsText(const Spreadsheet& summary);
 // One object per pair; `output` has the variables' names.
 nlohmann::ordered_json CorrelationsJson(const Spreadsheet& summary, const Spreadsheet& output);
+// What a repair did to the correlations asked for: the smallest eigenvalue that they had, and the one that
+// changed most.
+nlohmann::ordered_json RepairJson(const Spreadsheet& summary, const Spreadsheet& output);
 // The names and the rows of a correlation matrix.
 nlohmann::ordered_json MatrixJson(const Spreadsheet& matrix);
 

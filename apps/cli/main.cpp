@@ -71,10 +71,16 @@ int Run(int argc, char** argv) {
   return 0;
 }
 
+int Interrupted() {
+  Complain("interrupted");
+  return kInterrupted;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   brenvolt::ReturnLargeBlocksAtOnce();
+  const brenvolt::InterruptionCatcher interruptions;
   try {
     const int status = Run(argc, argv);
     if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");
@@ -83,10 +89,11 @@ int main(int argc, char** argv) {
     Complain(error.what());
     return kWrongCall;
   } catch (const brenvolt::cli::JobFailed&) {
-    if (!brenvolt::InterruptionRequested()) return kJobFailed;
-    Complain("interrupted");
-    return kInterrupted;
+    return brenvolt::InterruptionRequested() ? Interrupted() : kJobFailed;
+  } catch (const brenvolt::UserCancelled&) {
+    return Interrupted();
   } catch (const brenvolt::AutomationError& error) {
+    if (brenvolt::InterruptionRequested()) return Interrupted();
     Complain(error.Reason(), error.Where());
   } catch (const brenvolt::Error& error) {
     Complain(error.what(), error.Where());

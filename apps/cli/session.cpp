@@ -4,6 +4,7 @@
 
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
+#include "host/base/interruption.h"
 
 namespace brenvolt::cli {
 
@@ -21,6 +22,16 @@ std::shared_ptr<AutomationObject> Session::Dialog() {
 
 void Session::Ok() {
   if (Dialog()->Call("OK").ToInteger() == 0 || InterruptionRequested()) throw JobFailed();
+}
+
+Variant::Object Session::Produce(std::string_view member, const Variant& index) {
+  const int messages = userInterface_.MessageCount();
+  try {
+    return Dialog()->Get(member, {&index, 1}).ToObject();
+  } catch (const AutomationError&) {
+    if (userInterface_.MessageCount() > messages) throw JobFailed();
+    throw;
+  }
 }
 
 const Spreadsheet& TableOf(const Variant& result) {

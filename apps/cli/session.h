@@ -9,7 +9,6 @@
 
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
-#include "host/base/interruption.h"
 
 namespace brenvolt::cli {
 
@@ -38,11 +37,13 @@ class Session {
   // OK on the open dialog. Throws JobFailed when the dialog refuses: it has then said why; and when the
   // person pressed Ctrl-C meanwhile.
   void Ok();
+  // The object that a member of the open dialog, with an index, makes; null where it makes none. Throws
+  // JobFailed when the dialog refuses and has said why.
+  Variant::Object Produce(std::string_view member, const Variant& index);
   // Documents shown so far, oldest first.
   std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.Documents(); }
 
  private:
-  InterruptionCatcher interruptions_;
   TerminalUserInterface userInterface_{kProgram};
   Application application_{userInterface_};
   CAnalysisDoc document_;

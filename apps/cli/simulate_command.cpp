@@ -1,5 +1,6 @@
 // brenvolt simulate: samples drawn from the distributions that a project's variables carry.
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -12,6 +13,7 @@
 #include "host/application/dialog_words.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -101,7 +103,9 @@ Json SummaryJson(const Spreadsheet& summary) {
     for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
       const double value = summary.VariableAt(c).Values()[row];
       const Json number = std::isfinite(value) ? Json(value) : Json(nullptr);
-      if (c < kMomentNames.size()) {
+      if (c == 0) {
+        variable[kMomentNames[c]] = static_cast<std::int64_t>(value);
+      } else if (c < kMomentNames.size()) {
         variable[kMomentNames[c]] = number;
       } else {
         percentiles[summary.VariableAt(c).Name().substr(1)] = number;
@@ -113,7 +117,8 @@ Json SummaryJson(const Spreadsheet& summary) {
   return variables;
 }
 
-// What a run produced; null what it did not.
+// What a run produced; null what it did not. The data of the methods without correlation go to their file
+// while they are drawn, so that there is no sheet of them unless they go into a project.
 struct Products {
   std::shared_ptr<CAnalysisTableDoc> output;
   std::shared_ptr<CAnalysisTableDoc> repairedMatrix;
@@ -121,20 +126,55 @@ struct Products {
   std::shared_ptr<CAnalysisTableDoc> correlations;
 };
 
-// Writes the data and answers with the line that says where. A project also takes a repaired matrix.
-std::string Write(const SimulateOptions& options, const Products& products) {
-  if (options.output.empty()) return {};
-  if (!HasProjectEnding(options.output)) {
-    WriteCsvFile(products.output->Table(), options.output, {});
-    return "Simulated data written to " + options.output.string();
+// Where what went: a file, and the sheets in it where it is a project.
+struct Destination {
+  std::filesystem::path file;
+  std::string sheet;
+  std::filesystem::path matrixFile;
+  std::string matrixSheet;
+
+  std::string Text() const {
+    if (file.empty()) return {};
+    if (!sheet.empty()) {
+      return "Simulated data saved in " + file.string() + ", sheet " + sheet +
+             (matrixSheet.empty() ? "" : "; the repaired matrix in sheet " + matrixSheet);
+    }
+    return "Simulated data written to " + file.string() +
+           (matrixFile.empty() ? "" : "; the repaired matrix to " + matrixFile.string());
   }
+};
+
+bool IsRegularTarget(const std::filesystem::path& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+Destination WriteIntoProject(const std::filesystem::path& path, const Products& products) {
   std::vector<std::unique_ptr<Spreadsheet>> sheets;
   sheets.push_back(std::make_unique<Spreadsheet>(products.output->Table()));
-  if (products.repairedMatrix != nullptr) sheets.push_back(products.repairedMatrix->ReleaseTable());
-  const auto names = AppendToProject(options.output, std::move(sheets));
-  std::string line = "Simulated data saved in " + options.output.string() + ", sheet " + names.front();
-  if (names.size() > 1) line += "; the repaired matrix in sheet " + names.back();
-  return line;
+  const bool isRepaired = products.repairedMatrix != nullptr;
+  if (isRepaired) sheets.push_back(std::make_unique<Spreadsheet>(products.repairedMatrix->Table()));
+  const auto names = AppendToProject(path, std::move(sheets));
+  return {path, names.front(), {}, isRepaired ? names.back() : ""};
+}
+
+// Writes what is not written yet. A repaired matrix goes beside the data: "x.csv" and
+// "x-repaired-matrix.csv".
+Destination Write(const SimulateOptions& options, const Products& products) {
+  const std::filesystem::path& path = options.output;
+  if (path.empty()) return {};
+  if (HasProjectEnding(path)) return WriteIntoProject(path, products);
+  if (products.output == nullptr) return {path, {}, {}, {}};
+  if (IsNumpyArchiveName(path)) {
+    WriteNumpyArchive(products.output->Table(), path);
+  } else {
+    WriteCsvFile(products.output->Table(), path, {});
+  }
+  if (products.repairedMatrix == nullptr || !IsRegularTarget(path)) return {path, {}, {}, {}};
+  const auto matrix = path.parent_path() / (path.stem().string() + "-repaired-matrix.csv");
+  WriteCsvFile(products.repairedMatrix->Table(), matrix, {});
+  return {path, {}, matrix, {}};
 }
 
 // The sheet named, or the first data sheet whose variables carry distributions: simulated data stand beside
@@ -145,55 +185,62 @@ Spreadsheet& InputSheet(const SimulateOptions& options, DataFile& data) {
 }
 
 // CSV also goes to devices and pipes, whatever they are called.
-void CheckOutputEnding(const std::filesystem::path& output) {
-  if (output.empty() || HasProjectEnding(output) || output.extension() == ".csv") return;
-  std::error_code ignored;
-  const auto status = std::filesystem::status(output, ignored);
-  if (std::filesystem::is_character_file(status) || std::filesystem::is_fifo(status)) return;
-  throw WrongCall("-o wants a file ending in .csv or .bvw, not " + output.string());
+void CheckOutput(const std::filesystem::path& output) {
+  if (output.empty() || HasProjectEnding(output)) return;
+  RefuseProjectTarget(output);
+  if (HasEnding(output, ".csv") || IsNumpyArchiveName(output) || !IsRegularTarget(output)) return;
+  throw WrongCall("-o wants a file ending in .csv, .npz or .bvw, not " + output.string());
 }
 
-Json ReportJson(const SimulateOptions& options, const Products& products) {
-  const Spreadsheet& output = products.output->Table();
-  Json report = {{"method", output.Title()},
+Json ReportJson(const SimulateOptions& options, const Products& products, const Destination& written) {
+  Json report = {{"method", products.summary->Table().Title()},
                  {"samples", options.samples},
                  {"variables", SummaryJson(products.summary->Table())}};
   if (products.correlations != nullptr)
-    report["correlations"] = CorrelationsJson(products.correlations->Table(), output);
-  if (products.repairedMatrix != nullptr && products.repairedMatrix->HasTable())
+    report["correlations"] = CorrelationsJson(products.correlations->Table(), products.output->Table());
+  if (products.repairedMatrix != nullptr) {
+    report["repair"] = RepairJson(products.correlations->Table(), products.output->Table());
     report["repairedMatrix"] = MatrixJson(products.repairedMatrix->Table());
+  }
+  if (written.file.empty()) return report;
+  report["output"] = {{"file", written.file.string()}};
+  if (!written.sheet.empty()) report["output"]["sheet"] = written.sheet;
+  if (!written.matrixFile.empty()) report["output"]["matrixFile"] = written.matrixFile.string();
+  if (!written.matrixSheet.empty()) report["output"]["matrixSheet"] = written.matrixSheet;
   return report;
 }
 
-void Report(const SimulateOptions& options, const Products& products, const std::string& written) {
+std::string Samples(std::int64_t count) {
+  return std::to_string(count) + (count == 1 ? " sample" : " samples");
+}
+
+void Report(const SimulateOptions& options, const Products& products, const Destination& written) {
   if (options.format == ReportFormat::kJson) {
-    std::fputs(JsonText(ReportJson(options, products)).c_str(), stdout);
+    std::fputs(JsonText(ReportJson(options, products, written)).c_str(), stdout);
     return;
   }
-  std::printf("%s, %lld samples\n%s", products.output->Table().Title().c_str(),
-              static_cast<long long>(options.samples), SummaryText(products.summary->Table()).c_str());
+  const Spreadsheet& summary = products.summary->Table();
+  std::printf("%s, %s\n%s", summary.Title().c_str(), Samples(options.samples).c_str(),
+              SummaryText(summary).c_str());
   if (products.correlations != nullptr)
     std::printf("\n%s", CorrelationsText(products.correlations->Table()).c_str());
-  if (!written.empty()) std::printf("\n%s\n", written.c_str());
+  if (!written.file.empty()) std::printf("\n%s\n", written.Text().c_str());
 }
 
 void ReportNothing(const SimulateOptions& options) {
   constexpr const char* kTitle = "Normal to anything method";
+  constexpr const char* kNothing = "nothing was produced; this method has no generator";
   if (options.format == ReportFormat::kJson) {
-    const Json report = {{"method", kTitle}, {"samples", options.samples}, {"variables", Json::array()}};
+    const Json report = {
+        {"method", kTitle}, {"samples", 0}, {"variables", Json::array()}, {"note", kNothing}};
     std::fputs(JsonText(report).c_str(), stdout);
     return;
   }
-  std::printf("%s: nothing was produced; this method has no generator.\n", kTitle);
+  std::printf("%s: %s.\n", kTitle, kNothing);
 }
 
-// Drives the run and its results. A run shows its output, then a repaired matrix; the results show the
-// summary, then correlations.
-Products Run(const SimulateOptions& options, DataFile& data) {
-  Spreadsheet& sheet = InputSheet(options, data);
-  auto matrix = InducesCorrelation(options.method) ? ChosenMatrix(options, data.workbook, sheet) : nullptr;
-  Session session(sheet, Task::kSimulate);
-  Specify(session, options, sheet, std::move(matrix));
+// The run shows its output, then a repaired matrix; its results show the summary, then correlations.
+Products RunToSheet(Session& session) {
   session.Ok();
   Products products;
   auto& documents = session.Documents();
@@ -207,18 +254,32 @@ Products Run(const SimulateOptions& options, DataFile& data) {
   return products;
 }
 
+Products RunToFile(Session& session, const std::filesystem::path& file) {
+  Products products;
+  products.summary =
+      std::dynamic_pointer_cast<CAnalysisTableDoc>(session.Produce("SimulationFile", file.string()));
+  return products;
+}
+
 // The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateOptions& options) {
-  CheckOutputEnding(options.output);
+  CheckOutput(options.output);
   CheckSeed(options);
   CheckMatrixOption(options);
   DataFile data = OpenProject(options.project);
-  const Products products = Run(options, data);
-  if (products.output == nullptr) {
+  Spreadsheet& sheet = InputSheet(options, data);
+  const bool isCorrelated = InducesCorrelation(options.method);
+  auto matrix = isCorrelated ? ChosenMatrix(options, data.workbook, sheet) : nullptr;
+  Session session(sheet, Task::kSimulate);
+  Specify(session, options, sheet, std::move(matrix));
+  const Products products = isCorrelated || HasProjectEnding(options.output)
+                                ? RunToSheet(session)
+                                : RunToFile(session, options.output);
+  if (products.summary == nullptr) {
     ReportNothing(options);
     return;
   }
-  const std::string written = Write(options, products);
+  const Destination written = Write(options, products);
   Report(options, products, written);
 }
 
@@ -255,8 +316,10 @@ void AddSimulateCommand(CLI::App& program) {
   command->add_flag("--truncate", options->truncate,
                     "Keep each variable within its 0.5 % and 99.5 % quantiles");
   command
-      ->add_option("-o,--output", options->output,
-                   "Where the data go, by ending: .csv, or .bvw for a project")
+      ->add_option(
+          "-o,--output", options->output,
+          "Where the data go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the first "
+          "two take any number of samples of the methods without correlation")
       ->type_name("OUT");
   AddFormatOption(*command, options->format);
   command->footer(

@@ -73,11 +73,13 @@ struct Automation : testing::Test {
             {"SRASimulationResults", [this] { OpenSimulationResults(); }}};
   }
 
-  // Arguments that a call on the member takes: place 1, the normal distribution.
+  static bool IsFileName(const ArgumentDescription& index) { return index.name == "sFileName"; }
+  // Arguments that a call on the member takes: place 1, the normal distribution, no file.
   static std::vector<Variant> Arguments(const MemberDescription& member) {
     std::vector<Variant> arguments;
     for (const ArgumentDescription& index : member.indexes) {
-      arguments.push_back(index.type == kText ? Variant("Normal") : Variant(1));
+      const char* text = IsFileName(index) ? "" : "Normal";
+      arguments.push_back(index.type == kText ? Variant(text) : Variant(1));
     }
     return arguments;
   }
@@ -133,7 +135,7 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 80U);
+  EXPECT_EQ(read, 81U);
   EXPECT_EQ(put, 67U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }
@@ -160,13 +162,18 @@ TEST_F(Automation, EveryMemberRefusesWrongArgumentsAndKeepsItsValue) {
       const bool readable = Allows(member, CallKind::kGet) && member.get != kObject;
       const Variant before = readable ? dialog->Invoke(member.id, CallKind::kGet, arguments) : Variant();
       for (std::size_t i = 0; i < arguments.size(); ++i) {
-        for (const Variant& wrong :
-             {Variant("nonsense"), Variant(0), Variant(99), Variant(Variant::Array{})}) {
+        std::vector<Variant> wrongs{Variant("nonsense"), Variant(0), Variant(99), Variant(Variant::Array{})};
+        if (IsFileName(member.indexes[i]))
+          wrongs = {Variant("no/such/folder/x.csv"), Variant(Variant::Array{})};
+        for (const Variant& wrong : wrongs) {
           std::vector<Variant> given = arguments;
           given[i] = wrong;
           EXPECT_EQ(invoke(CallKind::kGet, given), AutomationCode::kException) << Shown(wrong);
           given.push_back(before);
-          EXPECT_EQ(invoke(CallKind::kPut, given), AutomationCode::kException) << Shown(wrong);
+          EXPECT_EQ(invoke(CallKind::kPut, given), Allows(member, CallKind::kPut)
+                                                       ? AutomationCode::kException
+                                                       : AutomationCode::kMemberNotFound)
+              << Shown(wrong);
         }
       }
       if (!Allows(member, CallKind::kPut)) continue;

@@ -431,6 +431,7 @@ inline constexpr std::int32_t kColumnPearson = 20735;
 inline constexpr std::int32_t kColumnSpearman = 20736;
 inline constexpr std::int32_t kMsgTooFewSamplesForCorrelation = 20737;
 inline constexpr std::int32_t kSimulationAutoUpdate = 20738;
+inline constexpr std::int32_t kMsgMatrixNamesRepeated = 20762;
 inline constexpr std::int32_t kRepairedMatrixTitle = 20739;
 
 // Columns of result tables, and the kinds of variables named in them.

@@ -10,8 +10,10 @@ namespace simulation_interface {
 
 using enum AutomationType;
 
-// CorrelationMatrix is younger than the members before, whose numbers stand in recorded macros.
-inline constexpr std::array<MemberDescription, 13> kMembers{{
+inline constexpr std::array<ArgumentDescription, 1> kFile{{{"sFileName", kText}}};
+
+// The last two are younger than the members before, whose numbers stand in recorded macros.
+inline constexpr std::array<MemberDescription, 14> kMembers{{
     Property("Variables", 0x60030000, kText, kVariant,
              "The variables to simulate: their numbers as a text (\"1-3 5\"). Takes such a text, a number or "
              "an array of numbers; each must have a saved distribution."),
@@ -47,6 +49,11 @@ inline constexpr std::array<MemberDescription, 13> kMembers{{
     Property("CorrelationMatrix", 0x60030017, kVariant, kVariant,
              "The correlation matrix file that correlated methods reach for, a spreadsheet; nothing where "
              "none was given. Putting nothing takes it away."),
+    Property("SimulationFile", 0x60030019, kObject, kNone,
+             "Simulates by a method without correlation into a file, in pieces and without the limit of a "
+             "spreadsheet: NumPy arrays where the name ends in .npz, else separated values, nothing for an "
+             "empty name. Gives the summary, a spreadsheet.",
+             kFile),
 }};
 
 }  // namespace simulation_interface

@@ -490,6 +490,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kKindContinuous, "continuous"},
     {kKindDiscrete, "discrete"},
     // The fit results dialog.
+    {kMsgMatrixNamesRepeated, "Correlations cannot be told apart, because variables have the same name:"},
     {kFitResultsTabSave, "Save/plot"},
     {kFitResultsSummaryGraph, "Summary graph"},
     {kFitResultsHistogram, "Histogram with fit"},

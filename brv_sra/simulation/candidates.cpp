@@ -45,14 +45,8 @@ double LargestNormal() {
   return -NormalFromUniform(0.0);
 }
 
-// location + sd z.
-void FillNormals(In uniforms, double sd, double location, Out out) {
-  vector_forms::NormalsFromUniforms(uniforms, sd, out);
-  for (double& x : out) x += location;
-}
-
 void FillNormal(const Source& s, In first, In /*second*/, Out out) {
-  FillNormals(first, s.values[1], s.values[0], out);
+  vector_forms::NormalsFromUniforms(first, s.values[1], s.values[0], out);
 }
 Bounds NormalBounds(const Source& s) {
   const double reach = s.values[1] * LargestNormal();
@@ -60,7 +54,7 @@ Bounds NormalBounds(const Source& s) {
 }
 
 void FillLogNormal(const Source& s, In first, In /*second*/, Out out) {
-  FillNormals(first, s.values[1], s.values[0], out);
+  vector_forms::NormalsFromUniforms(first, s.values[1], s.values[0], out);
   elementary::Exp(out, out);
   for (double& x : out) x += s.offset;
 }
@@ -70,7 +64,7 @@ Bounds LogNormalBounds(const Source& s) {
 }
 
 void FillFolded(In uniforms, double sd, double location, double offset, Out out) {
-  FillNormals(uniforms, sd, location, out);
+  vector_forms::NormalsFromUniforms(uniforms, sd, location, out);
   for (double& x : out) x = std::abs(x) + offset;
 }
 void FillFoldedNormal(const Source& s, In first, In /*second*/, Out out) {

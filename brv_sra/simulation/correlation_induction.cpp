@@ -15,6 +15,7 @@
 #include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/sample_generation.h"
 #include "host/base/parallel.h"
+#include "host/controls/polled_loop.h"
 #include "host/numeric/cholesky.h"
 #include "host/numeric/correlation.h"
 #include "host/numeric/distributions.h"
@@ -25,7 +26,7 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;  // rows between two looks at the clock
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;  // rows between two looks at the clock
 
 // Calls body(places, buffers) for the columns 0 … k - 1 in order, as many at a time as there are buffers.
 template <class Body>
@@ -44,8 +45,11 @@ std::vector<std::size_t> FirstPlaces(std::size_t k) {
 
 void FillNormalScores(std::span<double> scores) {
   const auto cells = static_cast<double>(scores.size() + 1);
-  for (std::size_t i = 0; i < scores.size(); ++i) scores[i] = static_cast<double>(i + 1) / cells;
-  normal::Quantile(scores, 0, 1, scores);
+  ParallelBlocks(scores.size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    const std::span<double> block = scores.subspan(begin, end - begin);
+    for (std::size_t i = begin; i < end; ++i) scores[i] = static_cast<double>(i + 1) / cells;
+    normal::Quantile(block, 0, 1, block);
+  });
 }
 
 // M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing where that has none.
@@ -144,10 +148,6 @@ void SpreadColumns(std::span<double> matrix, std::size_t n, std::span<const std:
   }
 }
 
-bool UsesLatinHypercube(const SimulationDesign& design) {
-  return design.method == SimulationMethod::kLatinHypercubeImanConover;
-}
-
 std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps) {
   return CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
                                           static_cast<std::int64_t>(steps));
@@ -155,8 +155,8 @@ std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps
 
 SimulationStatus GenerateOnly(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port) {
   const auto progress = Computing(port, matrix.size() + 1);
-  const bool done = UsesLatinHypercube(design) ? GenerateLatinHypercube(design, matrix, *progress)
-                                               : GenerateMonteCarlo(design, matrix, *progress);
+  const bool done = UsesLatinHypercube(design.method) ? GenerateLatinHypercube(design, matrix, *progress)
+                                                      : GenerateMonteCarlo(design, matrix, *progress);
   return done ? SimulationStatus::kSuccess : SimulationStatus::kDistributionFailure;
 }
 
@@ -175,7 +175,9 @@ void Induce(const SimulationDesign& design, std::span<const double> target, std:
   {
     const auto progress = Computing(port, 2 * n + 1);
     BuildVanDerWaerdenScores(scores, n, k, *progress);
-    result.scoreCorrection = CorrectTransform(scores, n, k, factor.factor);
+    PolledParallelFor(1, *progress, [&](std::size_t, const Cancellation&) {
+      result.scoreCorrection = CorrectTransform(scores, n, k, factor.factor);
+    });
     TransformScores(scores, n, k, factor.factor, *progress);
   }
   {
@@ -214,9 +216,10 @@ void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size
   std::size_t stepped = 0;
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
     // The scores themselves are shuffled: the permutation of 1 … n that the same draws make, looked up.
-    ParallelFor(places.size(), [&](std::size_t c) {
-      FillNormalScores(batch[c]);
-      Shuffle(stream, start + places[c] * draws, batch[c]);
+    FillNormalScores(batch[0]);
+    ParallelFor(places.size() - 1, [&](std::size_t c) { std::ranges::copy(batch[0], batch[c + 1].begin()); });
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      Shuffle(stream, start + places[c] * draws, batch[c], cancelled);
     });
     WriteColumns(batch, places, k, scores);
     const std::size_t done = n * (places.back() + 1) / k;
@@ -230,7 +233,8 @@ void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKro
   const ColumnBuffers buffers(n, k);
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
     ReadColumns(scores, k, places, batch);
-    ParallelFor(places.size(), [&](std::size_t c) {
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      cancelled.Poll();
       RankColumn(batch[c], [&, at = places[c]](std::size_t i) { return scores[i * k + at]; });
     });
     WriteColumns(batch, places, k, scores);
@@ -246,9 +250,12 @@ SimulationStatus ReorderByScoreRanks(const SimulationDesign& design, std::span<d
   const ColumnBuffers buffers(n, active.size());
   bool done = true;
   ForColumnBatches(active, buffers, [&](auto places, auto batch) {
-    done = done && GenerateColumns(design, UsesLatinHypercube(design), places, batch);
+    done = done && GenerateColumns(design, UsesLatinHypercube(design.method), places, batch, progress);
     if (!done) return;
-    ParallelFor(places.size(), [&](std::size_t c) { SortAscending(batch[c]); });
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+      cancelled.Poll();
+      SortAscending(batch[c]);
+    });
     ParallelBlocks(n, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
       for (std::size_t i = begin; i < end; ++i) {
         double* row = matrix.data() + i * stride;

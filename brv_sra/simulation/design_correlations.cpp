@@ -10,6 +10,12 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 
+bool IsShared(const SimulationDesign& design, const MatrixFile& file, const std::string& name) {
+  const auto isNamed = [&](std::size_t j) { return Trim(design.variables[j].name) == name; };
+  return std::ranges::count_if(design.ActiveVariables(), isNamed) > 1 ||
+         std::ranges::count(file.variables, name) > 1;
+}
+
 }  // namespace
 
 DesignCorrelations CorrelationsByName(const SimulationDesign& design, const MatrixFile& file) {
@@ -17,8 +23,11 @@ DesignCorrelations CorrelationsByName(const SimulationDesign& design, const Matr
   DesignCorrelations result;
   std::vector<std::optional<std::size_t>> places(k);
   for (std::size_t j = 0; j < k; ++j) {
-    const auto found = std::ranges::find(file.variables, Trim(design.variables[j].name));
-    if (found != file.variables.end()) {
+    const std::string name(Trim(design.variables[j].name));
+    const auto found = std::ranges::find(file.variables, name);
+    if (!design.IsExcluded(j) && IsShared(design, file, name)) {
+      result.ambiguous.push_back(design.variables[j].name);
+    } else if (found != file.variables.end()) {
       places[j] = static_cast<std::size_t>(found - file.variables.begin());
     } else if (!design.IsExcluded(j)) {
       result.missing.push_back(design.variables[j].name);

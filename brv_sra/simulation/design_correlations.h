@@ -12,8 +12,11 @@
 namespace brenvolt::sra {
 
 struct DesignCorrelations {
-  std::vector<double> matrix;        // k x k, row-major, over all variables of the design, symmetric
-  std::vector<std::string> missing;  // the variables that take part and that the file does not have
+  std::vector<double> matrix;  // k x k, row-major, over all variables of the design, symmetric
+  // Of the variables that take part: those that the file does not have, and those whose name is not theirs
+  // alone in the design and in the file.
+  std::vector<std::string> missing;
+  std::vector<std::string> ambiguous;
 };
 
 // The design's correlations out of a matrix file, which may have them in another order and may have further

@@ -8,6 +8,7 @@
 
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"
+#include "host/base/prefetch.h"
 
 namespace brenvolt::sra {
 
@@ -34,12 +35,10 @@ class ColumnBuffers {
   std::vector<std::span<double>> columns_;
 };
 
-// Asks for the values' memory ahead of their being written, where the compiler knows how to.
-inline void FetchForWriting([[maybe_unused]] std::span<double> values) {
-#if defined(__GNUC__)
+// Asks for the values' memory ahead of their being written.
+inline void FetchForWriting(std::span<double> values) {
   constexpr std::size_t kCacheLine = 8;
-  for (std::size_t i = 0; i < values.size(); i += kCacheLine) __builtin_prefetch(values.data() + i, 1, 2);
-#endif
+  for (std::size_t i = 0; i < values.size(); i += kCacheLine) PrefetchForWriting(values.data() + i);
 }
 
 // matrix[i * stride + places[c]] = columns[c][i] over the rows [begin, end) of the columns, which stand for

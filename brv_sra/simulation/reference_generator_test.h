@@ -122,11 +122,18 @@ struct Variable {
 
   // The inverse; rounding never leads out of the range, nor to a probability of 0 or 1 where others are left.
   double Inverse(double p) const {
-    if (p < 0x1p-54 && pHi > 0x1p-54) p = std::max(pLo, 0x1p-54);
+    if (p <= 0 || p < pLo) p = pLo > 0 ? pLo : 0x1p-54 * pHi;
     if (p > 1 - 0x1p-53 && pLo < 1 - 0x1p-53) p = 1 - 0x1p-53;
-    p = std::min(std::max(p, pLo), pHi);
-    const double x = law.Quantile(p);
-    return IsContinuous(s.code) ? std::min(std::max(x, lo), hi) : x;
+    const double x = law.Quantile(std::min(p, pHi));
+    if (x >= lo && x <= hi) return x;
+    if (IsContinuous(s.code)) return x < lo ? lo : hi;
+    if (s.code != DistributionCode::kHistogram) return x < lo ? std::ceil(lo) : std::floor(hi);
+    double nearest = x < lo ? INFINITY : -INFINITY;
+    for (std::size_t i = 0; i < s.values.size(); i += 2) {
+      if (x < lo && s.values[i] >= lo) nearest = std::min(nearest, s.values[i]);
+      if (x > hi && s.values[i] <= hi) nearest = std::max(nearest, s.values[i]);
+    }
+    return nearest;
   }
 
   bool IsNatural() const {

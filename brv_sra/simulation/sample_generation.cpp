@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
-#include <bit>
 #include <cmath>
 #include <cstdint>
 #include <ctime>
@@ -13,11 +12,14 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/simulation/candidate_draws.h"
+#include "brv_sra/simulation/column_draws.h"
 #include "brv_sra/simulation/matrix_columns.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"
+#include "host/controls/polled_loop.h"
 #include "host/numeric/random_stream.h"
 
 namespace brenvolt::sra {
@@ -26,18 +28,8 @@ namespace {
 constexpr int kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
 // Rows between two looks at the clock, and rows whose values one task holds before it writes them.
-constexpr std::size_t kRowsPerLook = std::size_t{1} << 16;
+constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;
 constexpr std::size_t kRowsPerTile = 256;
-
-// A value that is not finite: the distribution reaches beyond what a double holds.
-// By the bits of the exponent, all set: integers, so that the loop is done with vectors.
-bool AreFinite(std::span<const double> values) {
-  constexpr std::uint64_t kMagnitude = ~std::uint64_t{0} >> 1;
-  constexpr std::uint64_t kLastExponentBit = std::uint64_t{1} << 52;
-  std::uint64_t carried = 0;
-  for (const double x : values) carried |= (std::bit_cast<std::uint64_t>(x) & kMagnitude) + kLastExponentBit;
-  return carried >> 63 == 0;
-}
 
 using Sampler = std::unique_ptr<const VariableSampler>;
 
@@ -72,24 +64,15 @@ struct OpenColumns {
   }
 
   // Draws the permutations at the columns' positions and moves these on to the draws of the rows.
-  void ShuffleStrata(const RandomStream& stream) {
+  void ShuffleStrata(const RandomStream& stream, CKroProgressBar& progress) {
     strata = AnalysisArray<std::int32_t>(samples * places.size());
-    ParallelFor(places.size(), [&](std::size_t c) {
+    PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
       const std::span<std::int32_t> column = strata.Span().subspan(c * samples, samples);
       std::iota(column.begin(), column.end(), 0);
-      positions[c] = Shuffle(stream, positions[c], column);
+      positions[c] = Shuffle(stream, positions[c], column, cancelled);
     });
   }
 };
-
-// How many draws a column takes, where that is known before they are made.
-std::optional<std::uint64_t> ColumnDraws(const VariableSampler& sampler, bool latinHypercube,
-                                         std::uint64_t samples) {
-  if (latinHypercube) return samples + (samples > 1 ? samples : 0);
-  const auto draws = sampler.FixedDraws();
-  if (!draws) return std::nullopt;
-  return *draws * samples;
-}
 
 // One task's rows, a few at a time: column by column into a buffer in the cache, then row by row into the
 // matrix. False when a value is not finite.
@@ -124,7 +107,7 @@ class MatrixGenerator {
     for (const std::size_t j : design_.ActiveVariables()) {
       Sampler sampler = MakeSampler(design_, j);
       if (!sampler) return false;
-      const auto draws = ColumnDraws(*sampler, latinHypercube_, samples_);
+      const auto draws = ColumnDrawCount(*sampler, latinHypercube_, samples_);
       if (!draws) {
         if (!DrawInOrder(*sampler, j)) return false;
         continue;
@@ -135,6 +118,7 @@ class MatrixGenerator {
       position_ += *draws;
       if (columns_.places.size() == kMostColumns && !DrawGathered()) return false;
     }
+    WriteDrawn();
     if (!DrawGathered()) return false;
     SetProcessStreamPosition(position_);
     return true;
@@ -146,7 +130,7 @@ class MatrixGenerator {
     OpenColumns columns = std::exchange(columns_, OpenColumns());
     if (columns.places.empty()) return true;
     columns.samples = samples_;
-    if (latinHypercube_) columns.ShuffleStrata(stream_);
+    if (latinHypercube_) columns.ShuffleStrata(stream_, progress_);
     for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
       const std::size_t rows = std::min(kRowsPerLook, samples_ - from);
       std::atomic<bool> isFinite = true;
@@ -161,15 +145,31 @@ class MatrixGenerator {
   }
 
   bool DrawInOrder(const VariableSampler& sampler, std::size_t place) {
-    AnalysisArray<double> buffer(std::min(samples_, kRowsPerLook));
+    const std::span<double> column = ColumnToDraw();
+    CandidateDraws draws(sampler, stream_, position_);
     for (std::size_t from = 0; from < samples_; from += kRowsPerLook) {
-      const std::span<double> rows = buffer.Span().first(std::min(kRowsPerLook, samples_ - from));
-      position_ = sampler.DrawInOrder(stream_, position_, rows);
+      const std::span<double> rows = column.subspan(from, std::min(kRowsPerLook, samples_ - from));
+      draws.Draw(rows);
       if (!AreFinite(rows)) return false;
-      WriteRows({&rows, 1}, {&place, 1}, 0, rows.size(), from, design_.variables.size(), matrix_);
       progress_.Step(static_cast<std::int64_t>(rows.size()));
     }
+    position_ = draws.Position();
+    drawn_.push_back(place);
+    if (buffers_ && drawn_.size() == buffers_->Most()) WriteDrawn();
     return true;
+  }
+
+  // A single column is the matrix itself; of others some are drawn, then written together.
+  std::span<double> ColumnToDraw() {
+    if (design_.variables.size() == 1) return matrix_;
+    if (!buffers_) buffers_.emplace(samples_, design_.variables.size());
+    return buffers_->First(drawn_.size() + 1).back();
+  }
+
+  void WriteDrawn() {
+    if (!buffers_) return;
+    WriteColumns(buffers_->First(drawn_.size()), drawn_, design_.variables.size(), matrix_);
+    drawn_.clear();
   }
 
   const SimulationDesign& design_;
@@ -180,6 +180,8 @@ class MatrixGenerator {
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
   OpenColumns columns_;
+  std::optional<ColumnBuffers> buffers_;  // of columns drawn in order
+  std::vector<std::size_t> drawn_;        // their places in the matrix
 };
 
 }  // namespace
@@ -207,7 +209,8 @@ bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> ma
 }
 
 bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
-                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns) {
+                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns,
+                     CKroProgressBar& progress) {
   const RandomStream stream = ProcessStream();
   std::uint64_t position = ProcessStreamPosition();
   std::vector<Sampler> samplers(variables.size());
@@ -216,18 +219,22 @@ bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
     samplers[c] = MakeSampler(design, variables[c]);
     if (!samplers[c]) return false;
     positions[c] = position;
-    if (const auto draws = ColumnDraws(*samplers[c], latinHypercube, columns[c].size())) {
+    if (const auto draws = ColumnDrawCount(*samplers[c], latinHypercube, columns[c].size())) {
       position += *draws;
-    } else {  // where it ends shows only when it is drawn
-      position = samplers[c]->DrawInOrder(stream, position, columns[c]);
-      samplers[c].reset();
+      continue;
     }
+    // Where it ends shows only when it is drawn.
+    PolledParallelFor(1, progress, [&](std::size_t, const Cancellation& cancelled) {
+      position = samplers[c]->DrawInOrder(stream, position, columns[c], cancelled);
+    });
+    samplers[c].reset();
   }
   SetProcessStreamPosition(position);
   std::atomic<bool> areFinite = true;
-  ParallelFor(variables.size(), [&](std::size_t c) {
-    if (samplers[c] && latinHypercube) samplers[c]->DrawStratified(stream, positions[c], columns[c]);
-    if (samplers[c] && !latinHypercube) samplers[c]->DrawInOrder(stream, positions[c], columns[c]);
+  PolledParallelFor(variables.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
+    if (samplers[c] && latinHypercube)
+      samplers[c]->DrawStratified(stream, positions[c], columns[c], cancelled);
+    if (samplers[c] && !latinHypercube) samplers[c]->DrawInOrder(stream, positions[c], columns[c], cancelled);
     if (!AreFinite(columns[c])) areFinite = false;
   });
   return areFinite;

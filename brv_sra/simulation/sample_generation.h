@@ -14,7 +14,7 @@
 
 namespace brenvolt::sra {
 
-// Seeds the stream for one run and passes over its first 100 draws: from the user's seed (at least 0, its
+// Seeds the stream for one run and discards 100 draws: from the user's seed (at least 0, its
 // integer part, modulo 2^32 where it is larger) when `seeded`, else from the calendar time in seconds. A seed
 // of 0 is as reproducible as any other.
 void SeedRandomStream(bool seeded, double seed);
@@ -29,9 +29,11 @@ bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> ma
 
 // Generates the columns of the variables `variables`, each into a buffer of its own: columns[c], as long as
 // the design has samples, receives the values of variables[c]. Called for all active variables in their
-// order, some at a time, it draws what the generators above draw. False as above.
+// order, some at a time, it draws what the generators above draw. Does not step the bar. False and throws as
+// above.
 bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
-                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns);
+                     std::span<const std::size_t> variables, std::span<const std::span<double>> columns,
+                     CKroProgressBar& progress);
 
 // A random permutation of 1 … n, n the size of `values`, by the shuffle of Fisher and Yates (Durstenfeld
 // 1964); n draws, none for n = 1.

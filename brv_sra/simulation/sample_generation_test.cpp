@@ -165,14 +165,13 @@ double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler&
 }
 
 TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
-  for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
+  for (const Truncation& truncation : {kTruncations[0], kTruncations[2], kTruncations[3]}) {
     for (const SimulationVariable& plain : SampledLaws()) {
       for (const bool latinHypercube : {false, true}) {
         design.truncate = truncation.band;
         design.variables = {Truncated(plain, truncation)};
         const DistributionSpecification& specification = design.variables[0].specification;
-        const auto sample =
-            Generate(MethodOf(latinHypercube), 5, latinHypercube && truncation.band ? 200'000 : 1'000'000);
+        const auto sample = Generate(MethodOf(latinHypercube), 5, 1'000'000);
         const VariableSampler sampler(specification, truncation.band);
         const Law law(specification);
         const double p = IsContinuous(specification.code)
@@ -222,6 +221,53 @@ TEST_F(Generation, TruncationHoldsUnderBothMethods) {
   }
 }
 
+// Limits so far out that the range of probabilities is much smaller than the steps of a uniform deviate.
+TEST_F(Generation, DeepUpperLimitSpreadsTheValuesBelowIt) {
+  using enum DistributionCode;
+  const std::pair<SimulationVariable, double> cases[] = {{VariableOf(kNormal, {0, 1}), -9},
+                                                         {VariableOf(kNormal, {0, 1}), -30},
+                                                         {VariableOf(kLogNormal, {1, 0.3}, 0), 0.18},
+                                                         {VariableOf(kWeibull, {80, 5}, 0), 0.04},
+                                                         {VariableOf(kGeneralExtremeValue, {1, 2, 0}), -8}};
+  for (const auto& [variable, limit] : cases) {
+    for (const bool latinHypercube : {false, true}) {
+      design.variables = {variable};
+      DistributionSpecification& specification = design.variables[0].specification;
+      specification.truncateAbove = true;
+      specification.truncationMaximum = limit;
+      const auto sample = Generate(MethodOf(latinHypercube), 5, 100'000);
+      EXPECT_GT(KolmogorovPValue(sample, VariableSampler(specification, false), Law(specification)), 1e-6)
+          << DisplayName(specification.code) << " below " << limit << ", hypercube " << latinHypercube;
+    }
+  }
+}
+
+// Where the probability at the limit is rounded to that of a value before it.
+TEST_F(Generation, DiscreteValuesStayWithinLimitsFarOut) {
+  using enum DistributionCode;
+  const std::tuple<SimulationVariable, double, double> cases[] = {
+      {VariableOf(kPoisson, {1}), 14.5, INFINITY},
+      {VariableOf(kPoisson, {1}), 16.5, INFINITY},
+      {VariableOf(kGeometric, {0.5}), 50.5, INFINITY},
+      {VariableOf(kBinomial, {0.5, 60}), 56.5, INFINITY},
+      {VariableOf(kHistogram, {1, 0.5, 2.5, 0.5 - 1e-12, 4, 1e-12}), 3, INFINITY},
+      {VariableOf(kPoisson, {100}), 5.5, 12.5}};
+  for (const auto& [variable, minimum, maximum] : cases) {
+    for (const bool latinHypercube : {false, true}) {
+      SCOPED_TRACE(testing::Message() << DisplayName(variable.specification.code) << " from " << minimum);
+      design.variables = {variable};
+      DistributionSpecification& specification = design.variables[0].specification;
+      specification.truncateBelow = true;
+      specification.truncationMinimum = minimum;
+      specification.truncateAbove = std::isfinite(maximum);
+      specification.truncationMaximum = maximum;
+      const auto sample = Generate(MethodOf(latinHypercube), 5, 100'000);
+      EXPECT_GE(std::ranges::min(sample), minimum);
+      EXPECT_LE(std::ranges::max(sample), maximum);
+    }
+  }
+}
+
 TEST_F(Generation, SeedsReproduceZeroIncluded) {
   design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
   for (const double seed : {0.0, 1.0, 65535.0, 2147483647.0, 4294967296.0, 1e15}) {
@@ -256,6 +302,7 @@ TEST(Sampler, RefusesLimitsThatLeaveNothing) {
   const Case cases[] = {{"disjoint", normal, 1, -1, false},
                         {"beyond every probability", normal, 40, 50, false},
                         {"where candidates hardly come", normal, 7, 50, true},
+                        {"no number", normal, NAN, 50, false},
                         {"between neighbouring counts", binomial, 3.2, 3.8, false},
                         {"a single count", binomial, 3, 3.5, true},
                         {"the last count", binomial, 5, 9, true},

@@ -23,6 +23,10 @@ enum class SimulationMethod : std::int32_t {
 inline bool InducesCorrelation(SimulationMethod method) {
   return method == SimulationMethod::kImanConover || method == SimulationMethod::kLatinHypercubeImanConover;
 }
+inline bool UsesLatinHypercube(SimulationMethod method) {
+  return method == SimulationMethod::kLatinHypercube ||
+         method == SimulationMethod::kLatinHypercubeImanConover;
+}
 
 // Where the distributions of a design come from.
 enum class ParameterSource : std::int32_t {

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
+#include <optional>
 #include <utility>
 
 #include "brv_sra/frame/control_members.h"
@@ -14,6 +16,8 @@
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/tables/csv.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -51,6 +55,11 @@ Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
   if (!matrix) return {};
   return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(*matrix)));
 }
+// Indexed by the name of the file that the samples go to.
+Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
+  return std::shared_ptr<AutomationObject>(dialog.SimulationFile(indexes[0].ToText()));
+}
+
 // Takes a spreadsheet; nothing takes the matrix away.
 void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
   if (value.IsEmpty()) {
@@ -62,7 +71,8 @@ void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SetCorrelationMatrix(document->Table());
 }
 
-constexpr std::array<Member, 13> kMembers{{
+// The last two have no control; they stand behind the last member of the interface.
+constexpr std::array<Member, 14> kMembers{{
     {"Variables", GetVariables, PutVariables},
     {"MonteCarloMethod", GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
     {"LHSMethod", GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
@@ -77,8 +87,11 @@ constexpr std::array<Member, 13> kMembers{{
     {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
     {"SimulationResults", GetSimulationResults, nullptr},
     {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
+    {"SimulationFile", GetSimulationFile, nullptr},
 }};
 static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
+
+constexpr const char* kNothingSimulated = "nothing was simulated";
 
 // "a, b, c"
 std::string Listed(const std::vector<std::string>& names) {
@@ -195,17 +208,65 @@ bool CSimulationFromDistribution::OnOk() {
 
 std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationResults() {
   const Outcome outcome = ValidateAndRun();
-  if (outcome == Outcome::kFailed) throw Error("nothing was simulated");
+  if (outcome == Outcome::kFailed) throw Error(kNothingSimulated);
   return outcome == Outcome::kProduced ? SimulationAndRisk().Simulation().output : nullptr;
 }
 
+std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
+    const std::filesystem::path& file) {
+  if (!Validate(OutputLimit::kNone)) throw Error(kNothingSimulated);
+  if (Options().method == SimulationMethod::kNormalToAnything) return nullptr;
+  if (InducesCorrelation(Options().method))
+    throw Error("samples that are correlated with each other cannot be written in pieces");
+  PiecewiseRun run;
+  try {
+    run = RunInPieces(file);
+  } catch (const UserCancelled&) {
+    throw Error(kNothingSimulated);
+  }
+  if (!Report(run.status, run.where)) throw Error(kNothingSimulated);
+  auto summary = std::make_shared<CAnalysisTableDoc>(std::move(run.summary));
+  Analysis().Interface().ShowDocument(summary);
+  return summary;
+}
+
+PiecewiseRun CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
+  const SimulationOptions& options = Options();
+  const SimulationDesign design = ReadDesign(*GetInputTable(), options);
+  UserInterface& interface = Analysis().Interface();
+  const auto byColumns = [&](const ColumnSink& take) {
+    return SimulateByColumns(design, options.seeded, options.seed, take, interface);
+  };
+  if (file.empty()) return byColumns([](std::size_t, std::span<const double>) {});
+  if (IsNumpyArchiveName(file)) {
+    NumpyArchive archive(file);
+    std::optional<std::size_t> current;
+    PiecewiseRun run = byColumns([&](std::size_t variable, std::span<const double> values) {
+      if (current != variable) {
+        archive.BeginColumn(design.variables[design.ActiveVariables()[variable]].name,
+                            static_cast<std::uint64_t>(design.numberOfSamples));
+      }
+      current = variable;
+      archive.Append(values);
+    });
+    if (run.status == SimulationStatus::kSuccess) archive.Commit();
+    return run;
+  }
+  CsvPieces pieces(file);
+  PiecewiseRun run = SimulateByCases(
+      design, options.seeded, options.seed, [&](const Spreadsheet& piece) { pieces.Append(piece); },
+      interface);
+  if (run.status == SimulationStatus::kSuccess) pieces.Commit();
+  return run;
+}
+
 CSimulationFromDistribution::Outcome CSimulationFromDistribution::ValidateAndRun() {
-  return Validate() ? Run() : Outcome::kFailed;
+  return Validate(OutputLimit::kSheet) ? Run() : Outcome::kFailed;
 }
 
 // Every check runs, also after one that failed.
-bool CSimulationFromDistribution::Validate() {
-  const bool samplesValid = ValidateNumberOfSamples();
+bool CSimulationFromDistribution::Validate(OutputLimit limit) {
+  const bool samplesValid = ValidateNumberOfSamples(limit);
   const bool seedValid = ValidateSeed();
   if (!samplesValid || !seedValid) return false;
   if (!Options().variables.empty()) return true;
@@ -213,14 +274,14 @@ bool CSimulationFromDistribution::Validate() {
   return false;
 }
 
-bool CSimulationFromDistribution::ValidateNumberOfSamples() {
+bool CSimulationFromDistribution::ValidateNumberOfSamples(OutputLimit limit) {
   std::int32_t samples = 0;
   if (Controls().GetDlgItemLong(kNumberOfSamples, samples) != 0 || samples < 1) {
     ShowMessage(kMsgInvalidNumberOfSamples);
     return false;
   }
   Options().numberOfSamples = samples;
-  if (FitsSampleLimit(Options().variables.size(), samples)) return true;
+  if (limit == OutputLimit::kNone || FitsSampleLimit(Options().variables.size(), samples)) return true;
   ShowMessage(kMsgTooManySamples);
   return false;
 }
@@ -260,8 +321,10 @@ bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) c
     return false;
   }
   DesignCorrelations correlations = CorrelationsByName(design, *file);
-  if (!correlations.missing.empty()) {
-    Analysis().ShowMessage(szLoadResString(kMsgMatrixLacksVariables) + " " + Listed(correlations.missing));
+  for (const auto& [names, message] : {std::pair(&correlations.missing, kMsgMatrixLacksVariables),
+                                       std::pair(&correlations.ambiguous, kMsgMatrixNamesRepeated)}) {
+    if (names->empty()) continue;
+    Analysis().ShowMessage(szLoadResString(message) + " " + Listed(*names));
     return false;
   }
   design.correlations = std::move(correlations.matrix);
@@ -271,36 +334,42 @@ bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) c
 CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
   SimulationState& state = SimulationAndRisk().Simulation();
   const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
-  SimulationRun run;
-  SimulationDesign design;
   try {
-    design = ReadDesign(*GetInputTable(), state.options);
+    SimulationDesign design = ReadDesign(*GetInputTable(), state.options);
     if (InducesCorrelation(design.method) && !AttachCorrelations(design)) return Outcome::kFailed;
-    run = RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
+    SimulationRun run =
+        RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
+    if (!run.fault.empty()) Analysis().ShowMessage(run.fault);
+    if (!Report(run.status, run.where)) return Outcome::kFailed;
+    if (run.output == nullptr) return Outcome::kNothing;
+    Produce(std::move(run));
+    return Outcome::kProduced;
   } catch (const Error& error) {
     Analysis().ShowMessage(error.what(), error.Where());
-    return Outcome::kFailed;
-  } catch (const UserCancelled&) {
-    return Outcome::kFailed;
+  } catch (const UserCancelled&) {  // without a message
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
   }
-  if (!Report(run)) return Outcome::kFailed;
-  if (run.output == nullptr) return Outcome::kNothing;
-  ShowOutput(std::move(run.output));
-  state.correlations = std::move(run.correlations);
-  if (!state.correlations) return Outcome::kProduced;
-  if (!state.correlations->scoreCorrection) ShowMessage(kMsgTooFewSamplesForCorrelation);
-  if (state.correlations->repair) ShowRepair(*state.correlations);
-  return Outcome::kProduced;
+  return Outcome::kFailed;
 }
 
-bool CSimulationFromDistribution::Report(const SimulationRun& run) const {
-  const auto message = [](SimulationStatus status) {
+void CSimulationFromDistribution::Produce(SimulationRun run) {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  ShowOutput(std::move(run.output));
+  state.correlations = std::move(run.correlations);
+  if (!state.correlations) return;
+  if (!state.correlations->scoreCorrection) ShowMessage(kMsgTooFewSamplesForCorrelation);
+  if (state.correlations->repair) ShowRepair(*state.correlations);
+}
+
+bool CSimulationFromDistribution::Report(SimulationStatus status, const std::string& where) const {
+  const auto message = [status] {
     if (status == SimulationStatus::kMemoryFailure) return kMsgInsufficientMemory;
     return status == SimulationStatus::kMatrixFailure ? kMsgSimulationFailedMatrix
                                                       : kMsgSimulationFailedDistributions;
   };
-  if (run.status == SimulationStatus::kSuccess) return true;
-  Analysis().ShowMessage(szLoadResString(message(run.status)), run.where);
+  if (status == SimulationStatus::kSuccess) return true;
+  Analysis().ShowMessage(szLoadResString(message()), where);
   return false;
 }
 
@@ -326,8 +395,9 @@ void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correl
   TakeSummaries(*CorrelationMatrix(), file);
   Analysis().ShowMessage(szLoadResString(kMsgMatrixRepaired),
                          "smallest eigenvalue " + Readable(repair.smallestEigenvalue) + ", largest change " +
-                             file.variables[repair.column] + " with " + file.variables[repair.row] +
-                             " from " + Readable(repair.from) + " to " + Readable(repair.to),
+                             Readable(repair.to - repair.from) + ", " + file.variables[repair.column] +
+                             " with " + file.variables[repair.row] + " from " + Readable(repair.from) +
+                             " to " + Readable(repair.to),
                          MessageIcon::kInformation);
   Analysis().Interface().ShowDocument(
       std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle))));

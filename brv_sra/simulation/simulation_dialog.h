@@ -3,10 +3,13 @@
 #pragma once
 
 #include <cstdint>
+#include <filesystem>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
+#include "brv_sra/simulation/simulation_pieces.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/simulation_state.h"
 
@@ -23,6 +26,12 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // Validates, runs, shows the new spreadsheet and returns it; the dialog stays. Null for the method that
   // produces nothing. Throws Error when a check or the run fails, which has then said why.
   std::shared_ptr<CAnalysisTableDoc> SimulationResults();
+  // Validates and runs, and writes the samples to a file instead of a spreadsheet, in pieces, so that the
+  // limit of the sample matrix does not count: NumPy arrays where the name ends in .npz, else separated
+  // values; to no file where the name is empty. Shows and returns the summary; null for the method that
+  // produces nothing. Throws Error when a check or the run fails, for the methods that induce correlation,
+  // and when the file cannot be written; it is then as it was.
+  std::shared_ptr<CAnalysisTableDoc> SimulationFile(const std::filesystem::path& file);
 
  protected:
   void OnInitDialog() override;
@@ -37,8 +46,11 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   void ShowVariables();
   enum class Outcome : std::uint8_t { kFailed, kNothing, kProduced };
 
-  bool Validate();
-  bool ValidateNumberOfSamples();
+  // What bounds the number of samples.
+  enum class OutputLimit : std::uint8_t { kSheet, kNone };
+
+  bool Validate(OutputLimit limit);
+  bool ValidateNumberOfSamples(OutputLimit limit);
   bool ValidateSeed();
   Outcome ValidateAndRun();
   // The matrix given, else that which the input is, else that saved with fits of the input; null without.
@@ -46,7 +58,11 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // Gives the design its correlations by name; a message, and false, where they are not to be had.
   bool AttachCorrelations(SimulationDesign& design) const;
   Outcome Run();
-  bool Report(const SimulationRun& run) const;
+  PiecewiseRun RunInPieces(const std::filesystem::path& file);
+  // True on success; else the message.
+  bool Report(SimulationStatus status, const std::string& where) const;
+  // Shows what a run made and keeps it.
+  void Produce(SimulationRun run);
   // Into the last output where that is to be updated, else as a new spreadsheet.
   void ShowOutput(std::unique_ptr<Spreadsheet> output);
   // The message about a repaired matrix, and the matrix as a document.

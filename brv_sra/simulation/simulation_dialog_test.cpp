@@ -4,8 +4,12 @@
 
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
+#include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
+#include "host/base/temporary_folder_support_test.h"
+#include "host/tables/csv.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -130,7 +134,8 @@ TEST_F(SimulationDialog, RepairIsSaidAndItsMatrixShown) {
   ASSERT_EQ(userInterface.messages.size(), 1U);
   EXPECT_EQ(userInterface.messages[0].text,
             "The correlation matrix is not positive definite and was repaired.");
-  EXPECT_TRUE(userInterface.messages[0].where.starts_with("smallest eigenvalue -0.8, largest change Var"))
+  EXPECT_TRUE(
+      userInterface.messages[0].where.starts_with("smallest eigenvalue -0.8, largest change 0.4, Var"))
       << userInterface.messages[0].where;
   ASSERT_EQ(userInterface.documents.size(), 2U);
   const MatrixReading repaired = ReadMatrixFile(userInterface.documents[1]->Table());
@@ -178,6 +183,89 @@ TEST_F(SimulationDialog, NormalToAnythingSucceedsAndStays) {
   EXPECT_EQ(analysis->CurrentStep(), step::kSimulationFromStartup);
   EXPECT_EQ(userInterface.documents.size(), 1U) << "only what was there before";
   EXPECT_EQ(Dialog().Get("SimulationResults").ToObject(), nullptr);
+}
+
+TEST_F(SimulationDialog, FileTakesTheSamplesOfTheSheetAndMoreThanASheetMayHold) {
+  const TemporaryFolder folder;
+  for (const char* method : {"MonteCarloMethod", "LHSMethod"}) {
+    Dialog().Put(method, true);
+    Dialog().Put("NumberOfSamples", 500);
+    const Variant output = Dialog().Get("SimulationResults");
+    const auto& sheet = std::dynamic_pointer_cast<CAnalysisTableDoc>(output.ToObject())->Table();
+    WriteCsv(sheet, folder / "sheet.csv");
+    WriteNumpyArchive(sheet, folder / "sheet.npz");
+    for (const std::string ending : {".csv", ".npz"}) {
+      const Variant path = (folder / ("pieces" + ending)).string();
+      Dialog().Get("SimulationFile", {&path, 1});
+      EXPECT_EQ(BytesOf(folder / ("pieces" + ending)), BytesOf(folder / ("sheet" + ending)));
+    }
+  }
+  const Variant nowhere = "";
+  Dialog().Put("NumberOfSamples", 90'000'000);
+  EXPECT_THROW(Dialog().Get("SimulationResults"), AutomationError) << "beyond the limit of a sheet";
+  userInterface.pollInterval = std::chrono::milliseconds(0);
+  userInterface.cancelled = true;
+  Said();
+  EXPECT_THROW(Dialog().Get("SimulationFile", {&nowhere, 1}), AutomationError);
+  EXPECT_EQ(Said(), std::vector<std::string>{}) << "it was under way when it was cancelled";
+}
+
+TEST_F(SimulationDialog, FileIsRefusedWhereItCannotBe) {
+  const TemporaryFolder folder;
+  const Variant path = (folder / "out.csv").string();
+  const Variant full = "/dev/full";
+  Dialog().Put("NumberOfSamples", 100'000);
+  EXPECT_THROW(Dialog().Get("SimulationFile", {&full, 1}), AutomationError);
+  Dialog().Put("NumberOfSamples", 0);
+  EXPECT_THROW(Dialog().Get("SimulationFile", {&path, 1}), AutomationError);
+  Dialog().Put("NumberOfSamples", 10);
+  Dialog().Put("ImanConoverMethod", true);
+  EXPECT_THROW(Dialog().Get("SimulationFile", {&path, 1}), AutomationError);
+  Dialog().Put("NORTAMethod", true);
+  EXPECT_EQ(Dialog().Get("SimulationFile", {&path, 1}).ToObject(), nullptr);
+  EXPECT_TRUE(folder.Names().empty());
+}
+
+// Cancels at the first look, at the second, … until a run goes through.
+TEST_F(SimulationDialog, CancelAtAnyMomentLeavesEverythingAsItWas) {
+  const TemporaryFolder folder;
+  userInterface.pollInterval = std::chrono::milliseconds(0);
+  Dialog().Put("NumberOfSamples", 30'000);
+  Dialog().Put("TruncateSimulationData", true);
+  Dialog().Put("IsAutoUpdateSameSheet", true);
+  PutMatrix(Matrix({"Var1", "Var2", "Var3"}, 0.5));
+  const std::size_t blocks = OutstandingAnalysisBlocks();
+  struct Case {
+    const char* method;
+    std::string file;
+  };
+  const Case cases[] = {{"MonteCarloMethod", ""},      {"LHSMethod", ""},
+                        {"ImanConoverMethod", ""},     {"LHSwithImanMethod", ""},
+                        {"MonteCarloMethod", "a.csv"}, {"LHSMethod", "b.csv"},
+                        {"MonteCarloMethod", "c.npz"}, {"LHSMethod", "d.npz"}};
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.method + (" " + c.file));
+    Dialog().Put(c.method, true);
+    const auto former = analysis->Simulation().output;
+    const Variant path = (folder / c.file).string();
+    int cancelled = 0;
+    for (;; ++cancelled) {
+      userInterface.looksBeforeCancel = cancelled;
+      try {
+        c.file.empty() ? Dialog().Get("SimulationResults") : Dialog().Get("SimulationFile", {&path, 1});
+        break;
+      } catch (const AutomationError& error) {
+        ASSERT_EQ(error.Reason(), "nothing was simulated");
+      }
+      ASSERT_EQ(Said(), std::vector<std::string>{});
+      ASSERT_EQ(analysis->Simulation().output, former);
+      ASSERT_EQ(analysis->CurrentStep(), step::kSimulationFromStartup);
+      ASSERT_FALSE(std::filesystem::exists(folder / c.file) && !c.file.empty());
+      ASSERT_EQ(OutstandingAnalysisBlocks(), blocks);
+    }
+    EXPECT_GT(cancelled, 1);
+  }
+  EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.csv", "b.csv", "c.npz", "d.npz"}));
 }
 
 }  // namespace

@@ -12,6 +12,9 @@ class CSimulationResults : public CSimulationAndRiskModelessDialog {
 
  protected:
   bool OnOk() override;
+
+ private:
+  bool ShowSummaries();
 };
 
 }  // namespace brenvolt::sra

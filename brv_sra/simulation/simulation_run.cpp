@@ -14,6 +14,7 @@
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/correlation_induction.h"
 #include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/simulation_output.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/automation/variable_list.h"
@@ -23,24 +24,6 @@ namespace brenvolt::sra {
 namespace {
 
 constexpr std::int64_t kSampleLimit = 2'000'000'000;  // bytes
-constexpr std::size_t kTitleLength = 80;
-constexpr std::size_t kHeaderLength = 12;
-// How many cases are copied between two looks at the clock.
-constexpr std::size_t kProgressStride = 4096;
-
-// Which variable cannot be sampled, and why; empty where that showed only in its values.
-std::string FaultyVariable(const SimulationDesign& design) {
-  for (std::size_t j = 0; j < design.variables.size(); ++j) {
-    const SimulationVariable& variable = design.variables[j];
-    if (design.IsExcluded(j) ||
-        VariableSampler(variable.specification, design.truncate, design.source).IsValid())
-      continue;
-    const std::string place = "variable " + variable.name + ", ";
-    const auto code = variable.specification.code;
-    return place + Description(code, variable.specification.values) + " with its truncation";
-  }
-  return {};
-}
 
 // Which correlation that takes part is missing; empty where all are there.
 std::string FaultyCorrelation(const SimulationDesign& design, std::span<const double> target) {
@@ -70,38 +53,29 @@ void GenerateCorrelated(const SimulationDesign& design, std::span<double> matrix
                         SimulationRun& run) {
   SimulatedCorrelations correlations;
   correlations.asked = ActiveCorrelations(design);
-  // Also for a single sample, which is generated without a look at the matrix.
-  run.where = FaultyCorrelation(design, correlations.asked);
+  // A single sample is generated without a look at the matrix.
+  if (design.numberOfSamples > 1) run.where = FaultyCorrelation(design, correlations.asked);
   if (!run.where.empty()) {
     run.status = SimulationStatus::kMatrixFailure;
     return;
   }
-  CorrelationInduction induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+  CorrelationInduction induction;
+  try {
+    induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+  } catch (const Error& error) {  // raised where progress is shown
+    run.fault = error.what();
+    induction.status = SimulationStatus::kDistributionFailure;
+  }
   run.status = induction.status;
   correlations.scoreCorrection = induction.scoreCorrection;
   correlations.repair = std::move(induction.repair);
   run.correlations = std::move(correlations);
 }
 
-struct Method {
-  SimulationMethod method;
-  std::int32_t title;
-  Generate generate;
-};
-constexpr std::array<Method, 4> kMethods{{
-    {SimulationMethod::kMonteCarlo, kMethodMonteCarlo, GenerateIndependent<GenerateMonteCarlo>},
-    {SimulationMethod::kLatinHypercube, kMethodLatinHypercube, GenerateIndependent<GenerateLatinHypercube>},
-    {SimulationMethod::kImanConover, kMethodImanConover, GenerateCorrelated},
-    {SimulationMethod::kLatinHypercubeImanConover, kMethodLatinHypercubeImanConover, GenerateCorrelated},
-}};
-
-// Null for the method that produces nothing.
-const Method* FindMethod(SimulationMethod method) {
-  for (const Method& candidate : kMethods) {
-    if (candidate.method == method) return &candidate;
-  }
-  return nullptr;
-}
+// By method code; null for the method that produces nothing.
+constexpr std::array<Generate, 5> kGenerators{GenerateIndependent<GenerateMonteCarlo>,
+                                              GenerateIndependent<GenerateLatinHypercube>, GenerateCorrelated,
+                                              GenerateCorrelated, nullptr};
 
 // The texts that the input shows for the levels of a user-defined discrete distribution.
 std::map<double, std::string> LevelLabels(const Variable& input, const DistributionSpecification& levels) {
@@ -114,34 +88,20 @@ std::map<double, std::string> LevelLabels(const Variable& input, const Distribut
   return labels;
 }
 
-std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::span<const double> matrix,
-                                         std::int32_t title, ProgressPort& port, bool updating) {
-  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
-  const std::size_t variables = design.variables.size();
-  const std::string name(ResourceString(title).substr(0, kTitleLength));
-  auto sheet = std::make_unique<Spreadsheet>(name, samples);
-  sheet->SetTitle(name);
-  sheet->SetHeader(std::string(ResourceString(kHeadingSample).substr(0, kHeaderLength)));
-  const std::int32_t caption = updating ? kProgressAutoUpdating : kProgressPreparingResults;
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(caption),
-                                                         static_cast<std::int64_t>(samples * variables + 1));
-  progress->ShowNow();
-  for (std::size_t j = 0; j < variables; ++j) {
-    if (design.IsExcluded(j)) continue;
-    Variable column(design.variables[j].name, samples);
-    const auto cells = column.MutableValues();
-    for (std::size_t i = 0; i < samples; ++i) {
-      if (i % kProgressStride == kProgressStride - 1) progress->Step(kProgressStride);
-      cells[i] = matrix[i * variables + j];
-    }
-    for (const auto& [level, text] : design.variables[j].labels) column.SetLabel(level, text);
-    sheet->AddVariable(std::move(column));
-  }
-  sheet->NumberCases();
-  return sheet;
-}
-
 }  // namespace
+
+std::string FaultyVariable(const SimulationDesign& design) {
+  for (const std::size_t j : design.ActiveVariables()) {
+    const SimulationVariable& variable = design.variables[j];
+    const VariableSampler sampler(variable.specification, design.truncate, design.source);
+    const std::string place =
+        "variable " + variable.name + ", " +
+        std::string(Description(variable.specification.code, variable.specification.values));
+    if (!sampler.IsValid()) return place + " with its truncation";
+    if (!std::isfinite(sampler.LargestMagnitude())) return place + " reaches beyond the largest number";
+  }
+  return {};
+}
 
 std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet) {
   const SheetPropertyStore store(sheet);
@@ -183,20 +143,18 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples) {
 SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port,
                             bool updating) {
   SimulationRun run;
-  const Method* method = FindMethod(design.method);
-  if (method == nullptr) return run;
-  const auto samples = static_cast<std::size_t>(design.numberOfSamples);
-  const std::size_t variables = design.variables.size();
-  if (samples == 0 || variables == 0 || design.excluded.size() >= variables) {
+  const Generate generate = kGenerators[static_cast<std::size_t>(design.method)];
+  if (generate == nullptr) return run;
+  if (design.numberOfSamples < 1 || design.ActiveVariables().empty()) {
     run.status = SimulationStatus::kDistributionFailure;
     return run;
   }
   try {
-    AnalysisArray<double> matrix(samples * variables);
+    AnalysisArray<double> matrix(static_cast<std::size_t>(design.numberOfSamples) * design.variables.size());
     SeedRandomStream(seeded, seed);
-    method->generate(design, matrix.Span(), port, run);
+    generate(design, matrix.Span(), port, run);
     if (run.status == SimulationStatus::kSuccess) {
-      run.output = BuildOutput(design, matrix.Span(), method->title, port, updating);
+      run.output = BuildOutput(design, matrix.Span(), port, updating);
     } else if (run.status == SimulationStatus::kDistributionFailure) {
       run.where = FaultyVariable(design);
     }

@@ -26,27 +26,22 @@ SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options
 // True when a sample matrix of this size is within the limit of 2,000,000,000 bytes.
 bool FitsSampleLimit(std::size_t variables, std::int64_t samples);
 
+// Which variable cannot be sampled, and why; empty where none shows a fault.
+std::string FaultyVariable(const SimulationDesign& design);
+
 struct SimulationRun {
   SimulationStatus status = SimulationStatus::kSuccess;
   std::unique_ptr<Spreadsheet> output;  // null on failure, and for the method that produces nothing
   std::string where;                    // the variable or the correlation at fault, where there is one
+  std::string fault;                    // what to say before the status: an error that ended the re-ordering
   std::optional<SimulatedCorrelations> correlations;  // of a method that induces correlation
 };
 
-// Seeds the stream, generates the samples and builds the output sheet: titled by the method, one variable per
-// variable of the design that takes part, cases named 1, 2, … under "Sample #". The methods that induce
-// correlation take the design's, where its variables are two or more; kMatrixFailure without them. The
-// normal-to-anything method succeeds and produces nothing. `updating` says that the output takes the place of
-// a former one, which changes what the progress is called. Throws UserCancelled.
+// Seeds the stream, generates the samples and builds the output sheet (simulation_output.h). The methods that
+// induce correlation take the design's, where its variables are two or more; kMatrixFailure without them. The
+// normal-to-anything method succeeds and produces nothing. `updating` as of BuildOutput. Throws
+// UserCancelled.
 SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port,
                             bool updating = false);
-
-// One case per variable of a sheet: count, moments, extremes and percentiles.
-std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output);
-
-// One case per pair of variables of an output, (1, 2), (1, 3), …, (2, 3), …: the correlation asked for, the
-// one used after a repair, and those reached, Pearson's and Spearman's; missing where they are not defined.
-std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
-                                                const SimulatedCorrelations& correlations);
 
 }  // namespace brenvolt::sra

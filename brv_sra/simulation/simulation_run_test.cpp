@@ -7,7 +7,9 @@
 #include <numbers>
 
 #include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/simulation_summary.h"
 #include "host/analysis/headless_user_interface.h"
+#include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -59,7 +61,7 @@ TEST_F(SimulationRuns, EachMethodHasItsTitleAndCorrelatedOnesMeetTheirTarget) {
     ASSERT_EQ(run.correlations.has_value(), method.correlated);
     if (!method.correlated) continue;
     EXPECT_FALSE(run.correlations->repair);
-    const auto summary = CorrelationSummary(*run.output, *run.correlations);
+    const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
     ASSERT_EQ(summary->CaseCount(), 3U);
     EXPECT_EQ(summary->CaseName(1), "a, c");
     const double asked[] = {0.5, -0.3, 0.2};
@@ -117,11 +119,32 @@ TEST_F(SimulationRuns, IndefiniteMatrixIsRepairedAndSaidToBe) {
   ASSERT_EQ(run.status, SimulationStatus::kSuccess);
   ASSERT_TRUE(run.correlations->repair);
   EXPECT_NEAR(run.correlations->repair->smallestEigenvalue, 1 - 2 * 0.9, 1e-12);
-  const auto summary = CorrelationSummary(*run.output, *run.correlations);
+  const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
   EXPECT_EQ(Cell(*summary, 0, 2), -0.9);
   // Three equal correlations cannot be less than -1/2.
   EXPECT_NEAR(Cell(*summary, 1, 2), -0.5, 1e-12);
   EXPECT_NEAR(Cell(*summary, 3, 2), SpearmanOfNormal(-0.5), 0.02);
+}
+
+TEST_F(SimulationRuns, ErrorWhileProgressIsShownEndsTheReorderingWithItsText) {
+  struct FailingPort : HeadlessUserInterface {
+    void ShowProgress(std::string_view, std::int64_t, std::int64_t) override { throw Error("no display"); }
+    std::chrono::milliseconds PollInterval() const override { return std::chrono::milliseconds(0); }
+  } port;
+  const SimulationRun run = RunSimulation(design, true, kSeed, port);
+  EXPECT_EQ(run.status, SimulationStatus::kDistributionFailure);
+  EXPECT_EQ(run.fault, "no display");
+  EXPECT_EQ(run.output, nullptr);
+}
+
+TEST_F(SimulationRuns, EqualNamesHaveNoCorrelationOfTheirOwn) {
+  const MatrixFile file = MatrixFile::Identity({"a", "b", "c"});
+  design.variables[2].name = " a";
+  EXPECT_EQ(CorrelationsByName(design, file).ambiguous, (std::vector<std::string>{"a", " a"}));
+  design.excluded = {0};
+  EXPECT_TRUE(CorrelationsByName(design, file).ambiguous.empty());
+  EXPECT_EQ(CorrelationsByName(design, MatrixFile::Identity({"a", "a", "b"})).ambiguous,
+            std::vector<std::string>{" a"});
 }
 
 TEST_F(SimulationRuns, CorrelationsAreFoundByNameInAnyOrder) {

@@ -1,12 +1,16 @@
-// The summary of simulated variables, and of their correlations.
+#include "brv_sra/simulation/simulation_summary.h"
+
+#include <algorithm>
 #include <array>
+#include <cmath>
+#include <exception>
+#include <utility>
 
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "brv_sra/simulation/simulation_run.h"
+#include "host/controls/polled_loop.h"
 #include "host/numeric/correlation.h"
 #include "host/numeric/sorting.h"
-#include "host/statistics/moments.h"
 #include "host/statistics/percentiles.h"
 
 namespace brenvolt::sra {
@@ -17,90 +21,128 @@ constexpr std::array<std::int32_t, 7> kMomentColumns{
     kColumnCount,   kColumnMean,   kColumnStandardDeviation, kColumnSkewness, kColumnKurtosis,
     kColumnMinimum, kColumnMaximum};
 
+std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps) {
+  return CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
+                                          static_cast<std::int64_t>(steps));
+}
+
 std::vector<double> SummaryOf(const Variable& variable) {
-  MomentAccumulator accumulator;
   std::vector<double> valid;
   valid.reserve(variable.Size());
-  for (std::size_t i = 0; i < variable.Size(); ++i) {
-    if (variable.IsMissing(i)) continue;
-    accumulator.Add(variable.Values()[i], 1);
-    valid.push_back(variable.Values()[i]);
+  for (std::size_t i = 0; i < variable.Size(); ++i)
+    if (!variable.IsMissing(i)) valid.push_back(variable.Values()[i]);
+  SampleSummary summary(valid.size());
+  while (!summary.IsDone()) {
+    summary.Add(valid);
+    summary.EndPass();
   }
-  SortAscending(valid);
-  const Moments moments = accumulator.Finish();
-  std::vector<double> summary{static_cast<double>(moments.count),
-                              moments.mean,
-                              moments.standardDeviation,
-                              moments.skewness,
-                              moments.kurtosis,
-                              moments.minimum,
-                              moments.maximum};
-  for (const int percent : kPercents) summary.push_back(Percentile(valid, percent));
-  return summary;
+  return summary.Values();
 }
 
-// All columns of an output, row-major.
-std::vector<double> RowMajorValues(const Spreadsheet& output) {
+// Pearson's correlations of the columns of an output, or of their ranks: Spearman's.
+std::vector<double> Correlate(const Spreadsheet& output, bool ofRanks, CKroProgressBar& progress) {
+  const std::size_t n = output.CaseCount();
   const std::size_t k = output.VariableCount();
-  std::vector<double> matrix(output.CaseCount() * k);
-  for (std::size_t j = 0; j < k; ++j) {
-    const auto values = output.VariableAt(j).Values();
-    for (std::size_t i = 0; i < values.size(); ++i) matrix[i * k + j] = values[i];
-  }
-  return matrix;
-}
-
-// Spearman's correlation is Pearson's of the ranks.
-std::vector<double> RankMatrix(const Spreadsheet& output) {
-  const std::size_t k = output.VariableCount();
-  std::vector<double> matrix(output.CaseCount() * k);
-  std::vector<double> ranks(output.CaseCount());
-  for (std::size_t j = 0; j < k; ++j) {
-    AverageRanks(output.VariableAt(j).Values(), ranks);
-    for (std::size_t i = 0; i < ranks.size(); ++i) matrix[i * k + j] = ranks[i];
-  }
-  return matrix;
-}
-
-std::vector<double> Correlate(const std::vector<double>& data, std::size_t n, std::size_t k) {
+  std::vector<double> matrix(n * k);
+  PolledParallelFor(k, progress, [&](std::size_t j, const Cancellation& cancelled) {
+    cancelled.Poll();
+    const std::span<const double> values = output.VariableAt(j).Values();
+    std::vector<double> ranks(ofRanks ? n : 0);
+    if (ofRanks) AverageRanks(values, ranks);
+    const std::span<const double> column = ofRanks ? std::span<const double>(ranks) : values;
+    for (std::size_t i = 0; i < n; ++i) matrix[i * k + j] = column[i];
+  });
   std::vector<double> correlation(k * k);
-  PearsonCorrelation(data, n, k, correlation);
+  PolledParallelFor(1, progress,
+                    [&](std::size_t, const Cancellation&) { PearsonCorrelation(matrix, n, k, correlation); });
   return correlation;
 }
 
 }  // namespace
 
-std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output) {
+SampleSummary::SampleSummary(std::uint64_t count) : count_(count) {
+  if (count == 0) return;
+  std::vector<std::uint64_t> ranks;
+  for (const int percent : kPercents) {
+    const std::uint64_t below = PlaceOfPercentile(count, percent).below;
+    ranks.push_back(below);
+    ranks.push_back(std::min(below + 1, count - 1));
+  }
+  search_.emplace(ranks);
+}
+
+void SampleSummary::Add(std::span<const double> values) {
+  if (isFirstPass_) {
+    for (std::size_t from = 0; from < values.size(); from += kBlock)
+      moments_.Add(values.subspan(from, std::min(kBlock, values.size() - from)));
+  }
+  search_->Add(values);
+}
+
+void SampleSummary::EndPass() {
+  isFirstPass_ = false;
+  search_->EndPass();
+}
+
+std::vector<double> SampleSummary::Values() const {
+  const Moments moments = moments_.Finish();
+  std::vector<double> values{static_cast<double>(moments.count),
+                             moments.mean,
+                             moments.standardDeviation,
+                             moments.skewness,
+                             moments.kurtosis,
+                             moments.minimum,
+                             moments.maximum};
+  for (std::size_t i = 0; i < kPercents.size(); ++i) {
+    if (!search_) {
+      values.push_back(kNotSet);
+      continue;
+    }
+    const double fraction = PlaceOfPercentile(count_, kPercents[i]).fraction;
+    values.push_back(std::lerp(search_->Value(2 * i), search_->Value(2 * i + 1), fraction));
+  }
+  return values;
+}
+
+std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, std::vector<std::string> names,
+                                          std::span<const std::vector<double>> values) {
   std::vector<std::string> columns;
   for (const std::int32_t column : kMomentColumns) columns.emplace_back(ResourceString(column));
   for (const int percent : kPercents)
     columns.push_back(std::string(ResourceString(kColumnPercentile)) + std::to_string(percent));
-  auto sheet =
-      std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), output.VariableCount());
-  sheet->SetTitle(output.Title());
-  std::vector<std::string> names;
-  std::vector<std::vector<double>> rows;
-  for (std::size_t i = 0; i < output.VariableCount(); ++i) {
-    names.push_back(output.VariableAt(i).Name());
-    rows.push_back(SummaryOf(output.VariableAt(i)));
-  }
+  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), names.size());
+  sheet->SetTitle(title);
   for (std::size_t c = 0; c < columns.size(); ++c) {
-    Variable column(columns[c], rows.size());
+    Variable column(columns[c], values.size());
     const auto cells = column.MutableValues();
-    for (std::size_t i = 0; i < rows.size(); ++i)
-      cells[i] = IsNotSet(rows[i][c]) ? GetDefaultMDValue() : rows[i][c];
+    for (std::size_t i = 0; i < values.size(); ++i)
+      cells[i] = IsNotSet(values[i][c]) ? GetDefaultMDValue() : values[i][c];
     sheet->AddVariable(std::move(column));
   }
   sheet->SetCaseNames(std::move(names));
   return sheet;
 }
 
-std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
-                                                const SimulatedCorrelations& correlations) {
+std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output, ProgressPort& port) {
   const std::size_t k = output.VariableCount();
-  const std::size_t n = output.CaseCount();
-  const std::vector<double> pearson = Correlate(RowMajorValues(output), n, k);
-  const std::vector<double> spearman = Correlate(RankMatrix(output), n, k);
+  const auto progress = Computing(port, k + 1);
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < k; ++i) names.push_back(output.VariableAt(i).Name());
+  std::vector<std::vector<double>> values(k);
+  PolledParallelFor(k, *progress, [&](std::size_t i, const Cancellation& cancelled) {
+    cancelled.Poll();
+    values[i] = SummaryOf(output.VariableAt(i));
+  });
+  return SummarySheet(output.Title(), std::move(names), values);
+}
+
+std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
+                                                const SimulatedCorrelations& correlations,
+                                                ProgressPort& port) {
+  const std::size_t k = output.VariableCount();
+  const auto progress = Computing(port, 2 * k + 1);
+  const std::vector<double> pearson = Correlate(output, false, *progress);
+  const std::vector<double> spearman = Correlate(output, true, *progress);
   const struct {
     std::int32_t name;
     const std::vector<double>& matrix;

@@ -15,7 +15,9 @@
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/simulation/candidates.h"
 #include "brv_sra/simulation/simulation_design.h"
+#include "host/base/cancellation.h"
 #include "host/numeric/random_stream.h"
+#include "host/numeric/vector_forms.h"
 
 namespace brenvolt::sra {
 
@@ -38,34 +40,43 @@ class VariableSampler {
   double LowestValue() const { return lowest_; }
   double HighestValue() const { return highest_; }
 
+  // The largest magnitude of the values at the ends of the range of probabilities.
+  double LargestMagnitude() const;
+
   // Replaces probabilities by the values at them. A probability that rounding has brought to 0 or 1, or
-  // beyond the range, counts as the nearest one inside; a continuous value that rounding has brought beyond
-  // the range becomes its end.
+  // beyond the range, counts as the nearest one inside; a value that rounding has brought beyond the range of
+  // values becomes the nearest one inside.
   void Invert(std::span<double> probabilities) const;
 
+  const Candidates& NaturalGenerator() const { return *candidates_; }
   // Uniform deviates of every Monte Carlo value, where no candidate can be rejected; else nothing.
   std::optional<std::size_t> FixedDraws() const;
   // Monte Carlo values, with FixedDraws() only: `out` takes values of which the first draws at `position`.
   void DrawFixed(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
-  // Monte Carlo values of any type; returns the position of the draw after the last one used.
-  std::uint64_t DrawInOrder(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
+  // Monte Carlo values of any type; returns the position of the draw after the last one used. Throws
+  // UserCancelled soon after a request.
+  std::uint64_t DrawInOrder(const RandomStream& stream, std::uint64_t position, std::span<double> out,
+                            const Cancellation& cancelled = kNeverCancelled) const;
 
   // Latin hypercube values: out[i] is a uniform point, the draw at position + i, of the stratum strata[i],
   // counted from 0, of `samples` strata of equal probability.
   void DrawStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
                   std::span<const std::int32_t> strata, std::span<double> out) const;
   // A whole column of them: a permutation of the strata, then one draw within each. Returns the position of
-  // the draw after the last one used.
-  std::uint64_t DrawStratified(const RandomStream& stream, std::uint64_t position,
-                               std::span<double> out) const;
+  // the draw after the last one used. Throws UserCancelled soon after a request.
+  std::uint64_t DrawStratified(const RandomStream& stream, std::uint64_t position, std::span<double> out,
+                               const Cancellation& cancelled = kNeverCancelled) const;
 
  private:
   void SetRanges(bool truncate, ParameterSource source);
   bool HasValues() const;
   template <class Stratum>
   void FillStrata(const RandomStream& stream, std::uint64_t position, std::size_t samples,
-                  const Stratum& stratum, std::span<double> out) const;
-  void InvertRejected(std::span<const std::size_t> rows, std::span<double> out) const;
+                  std::span<const Stratum> strata, std::span<double> out) const;
+  // The range, or one of so many strata of it.
+  vector_forms::ProbabilityRange RangeOfStrata(std::size_t strata) const;
+  // Of probabilities in the range.
+  void InvertInside(std::span<double> probabilities) const;
 
   DistributionSpecification specification_;
   Law law_;  // views specification_
@@ -77,6 +88,12 @@ class VariableSampler {
   double mostProbability_ = 1;
   double lowest_;
   double highest_;
+  double leastValue_;  // the first and the last value of the type within these
+  double mostValue_;
 };
+
+// How many draws a column of `samples` values takes, where that is known before they are made.
+std::optional<std::uint64_t> ColumnDrawCount(const VariableSampler& sampler, bool latinHypercube,
+                                             std::uint64_t samples);
 
 }  // namespace brenvolt::sra

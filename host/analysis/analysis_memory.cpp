@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstdlib>
 
+#include "host/base/memory_policy.h"
+
 namespace brenvolt {
 namespace {
 
@@ -25,7 +27,9 @@ bool TakeAllowance() {
 void* AllocAnalysisMemory(std::size_t bytes) noexcept {
   if (!TakeAllowance()) return nullptr;
   void* block = std::calloc(std::max<std::size_t>(bytes, 1), 1);
-  if (block != nullptr) ++outstanding;
+  if (block == nullptr) return nullptr;
+  PreferLargePages(block, bytes);
+  ++outstanding;
   return block;
 }
 

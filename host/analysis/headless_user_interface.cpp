@@ -61,4 +61,8 @@ void HeadlessUserInterface::ShowProgress(std::string_view caption, std::int64_t 
   if (done == 0) progressCaptions.emplace_back(caption);
 }
 
+bool HeadlessUserInterface::IsExternallyCancelled() {
+  return cancelled || (looksBeforeCancel && (*looksBeforeCancel)-- <= 0);
+}
+
 }  // namespace brenvolt

@@ -2,9 +2,11 @@
 // recorded.
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,8 +24,11 @@ class HeadlessUserInterface : public UserInterface {
   std::deque<std::function<void(SelectionQuestion&)>> selectionAnswers;
   std::deque<std::function<void(WeightQuestion&)>> weightAnswers;
   std::deque<std::function<void(CAnalysisModalDialog&)>> modalAnswers;
-  // Set by a test or another thread's owner to ask a running operation to stop.
+  // Set by a test or another thread's owner to ask a running operation to stop; or how many looks at it find
+  // nothing before the next one does.
   bool cancelled = false;
+  std::optional<int> looksBeforeCancel;
+  std::chrono::milliseconds pollInterval{1000};
 
   // What happened, in order.
   std::vector<Message> messages;
@@ -41,7 +46,8 @@ class HeadlessUserInterface : public UserInterface {
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override {}
-  bool IsExternallyCancelled() override { return cancelled; }
+  bool IsExternallyCancelled() override;
+  std::chrono::milliseconds PollInterval() const override { return pollInterval; }
 };
 
 }  // namespace brenvolt

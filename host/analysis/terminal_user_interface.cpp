@@ -11,6 +11,7 @@ TerminalUserInterface::TerminalUserInterface(std::string program)
     : program_(std::move(program)), terminal_(IsStandardErrorTerminal()) {}
 
 MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
+  ++messageCount_;
   EndProgress();
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());

@@ -20,6 +20,9 @@ class TerminalUserInterface : public UserInterface {
   std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return documents_; }
   std::vector<std::shared_ptr<CAnalysisGraphDoc>>& Graphs() { return graphs_; }
 
+  // Messages printed so far.
+  int MessageCount() const { return messageCount_; }
+
   // Prints the text; the answer is OK.
   MessageAnswer ShowMessage(const Message& message) override;
   // Questions for files and variables, and modal dialogs, are cancelled.
@@ -40,6 +43,7 @@ class TerminalUserInterface : public UserInterface {
   std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs_;
   bool terminal_;
   bool lineOpen_ = false;
+  int messageCount_ = 0;
 };
 
 }  // namespace brenvolt

@@ -1,5 +1,6 @@
 #include "host/application/project_files.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "host/application/dialog_words.h"
@@ -54,8 +55,14 @@ std::string MatrixName(const Workbook& workbook, const std::string& dataSheet) {
 
 }  // namespace
 
+bool HasEnding(const std::filesystem::path& path, std::string_view ending) {
+  const std::string own = path.extension().string();
+  return std::ranges::equal(
+      own, ending, [](char a, char b) { return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b); });
+}
+
 bool HasProjectEnding(const std::filesystem::path& path) {
-  return path.extension() == kProjectEnding;
+  return HasEnding(path, kProjectEnding);
 }
 
 DataFile OpenProject(const std::filesystem::path& path) {
@@ -170,12 +177,16 @@ std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::strin
   return {source.substr(0, first), first == std::string::npos ? std::string() : source.substr(first + 1)};
 }
 
-void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
     throw Error("is a project, which CSV would replace", path.string());
   }
+}
+
+void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
+  RefuseProjectTarget(path);
   WriteCsv(sheet, path, format);
 }
 

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -12,6 +13,8 @@
 
 namespace brenvolt {
 
+// True for a name that ends in `ending`, which is in lower case, in capitals or not.
+bool HasEnding(const std::filesystem::path& path, std::string_view ending);
 // True where the name ends as those of project files do.
 bool HasProjectEnding(const std::filesystem::path& path);
 
@@ -59,6 +62,8 @@ std::vector<std::string> AppendToProject(const std::filesystem::path& path,
 // sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
 std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source);
 
+// Throws Error where writing another format to `path` would replace a project.
+void RefuseProjectTarget(const std::filesystem::path& path);
 // Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);
 

@@ -19,4 +19,7 @@ class Cancellation {
   std::atomic<bool> requested_{false};
 };
 
+// For work that nobody stops.
+inline const Cancellation kNeverCancelled;
+
 }  // namespace brenvolt

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "host/base/error.h"
+#include "host/base/interruption.h"
 
 namespace brenvolt {
 
@@ -32,6 +33,7 @@ void OutputFile::Fail(const char* what) const {
 }
 
 void OutputFile::Write(std::string_view bytes) {
+  if (InterruptionRequested()) throw UserCancelled();
   const int descriptor = replacement_ ? replacement_->Descriptor() : direct_;
   while (!bytes.empty()) {
     const ssize_t written = write(descriptor, bytes.data(), bytes.size());

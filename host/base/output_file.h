@@ -21,7 +21,8 @@ class OutputFile {
   OutputFile(const OutputFile&) = delete;
   OutputFile& operator=(const OutputFile&) = delete;
 
-  // Appends. Throws Error naming the target when the device is full or fails.
+  // Appends. Throws Error naming the target when the device is full or fails, and UserCancelled once an
+  // interruption was noted (interruption.h).
   void Write(std::string_view bytes);
   // Flushes to the device and puts the file in the target's place, keeping the permissions of a file that it
   // replaces. Throws Error naming the target.

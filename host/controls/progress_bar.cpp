@@ -3,11 +3,6 @@
 #include "host/base/error.h"
 
 namespace brenvolt {
-namespace {
-
-constexpr std::chrono::milliseconds kPollInterval{1000};
-
-}  // namespace
 
 std::unique_ptr<CKroProgressBar> CKroProgressBar::new_ProgressBar(ProgressPort& port,
                                                                   std::string_view caption,
@@ -30,7 +25,7 @@ void CKroProgressBar::ShowNow() {
 void CKroProgressBar::Step(std::int64_t steps) {
   done_ += steps;
   const auto now = std::chrono::steady_clock::now();
-  if (now - lastLook_ <= kPollInterval) return;
+  if (now - lastLook_ <= port_.PollInterval()) return;
   lastLook_ = now;
   ShowNow();
   if (port_.IsExternallyCancelled()) throw UserCancelled();

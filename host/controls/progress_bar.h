@@ -18,6 +18,8 @@ class ProgressPort {
   virtual void EndProgress() = 0;
   // True once the person asked to stop.
   virtual bool IsExternallyCancelled() = 0;
+  // The least time between two looks at whether they did.
+  virtual std::chrono::milliseconds PollInterval() const { return std::chrono::milliseconds(1000); }
 };
 
 class CKroProgressBar {
@@ -31,8 +33,8 @@ class CKroProgressBar {
   CKroProgressBar& operator=(const CKroProgressBar&) = delete;
 
   void ShowNow();
-  // Advances. When more than 1000 ms have passed since the last look, shows the progress and asks for
-  // cancellation; throws UserCancelled when the person cancelled.
+  // Advances. When more than the port's interval has passed since the last look, shows the progress and asks
+  // for cancellation; throws UserCancelled when the person cancelled.
   void Step(std::int64_t steps = 1);
 
  private:

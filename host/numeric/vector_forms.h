@@ -64,6 +64,23 @@ void GpdQuantile(std::span<const double> p, double scale, double shape, double t
 
 // sd times the normal deviate of each uniform deviate; see NormalFromUniform.
 void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out);
+// The same plus a location.
+void NormalsFromUniforms(std::span<const double> u, double sd, double location, std::span<double> out);
+
+// Probabilities that uniform deviates stand for.
+struct ProbabilityRange {
+  double lower = 0;  // the probability of 0
+  double width = 1;  // of the range, or of one of its strata of equal probability
+  double least = 0;  // what stands for `lower`, and for what rounding leads below it
+  double most = 1;   // rounding leads not above this
+};
+// out[i] = lower + u[i] width.
+void ProbabilitiesInRange(std::span<const double> u, const ProbabilityRange& range, std::span<double> out);
+// out[i] = lower + strata[i] width + u[i] width, strata counted from 0. `out` may be `strata`.
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const std::int32_t> strata,
+                           const ProbabilityRange& range, std::span<double> out);
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const double> strata,
+                           const ProbabilityRange& range, std::span<double> out);
 
 // The uniform deviates of the Philox 4x32-10 blocks firstBlock, firstBlock + 1, … under a key, two of each
 // block. `out` has an even length. Layout: random_stream.cpp.

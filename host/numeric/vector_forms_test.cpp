@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -120,6 +121,37 @@ TEST(VectorForms, StreamIsTheSameOnEveryInstructionSetAtAnyPlaceAndLength) {
           ASSERT_EQ(uniforms[i], stream.Uniform(position + i));
           ASSERT_EQ(normals[i], 1.5 * NormalFromUniform(uniforms[i]));
         }
+      }
+    }
+  });
+}
+
+// Also where the output takes the place of the strata, and where rounding leads out of the range.
+TEST(VectorForms, ProbabilitiesOfStrataHaveTheBitsOfThePlainFormulaAndStayInTheRange) {
+  const vector_forms::ProbabilityRange range{0.005, 0.99 / 3, 0.04, 0.95};
+  const auto brought = [&](double p) { return p <= range.lower ? range.least : std::min(p, range.most); };
+  UnderEveryInstructionSet([&] {
+    for (const std::size_t size : {0U, 1U, 7U, 16U, 33U}) {
+      std::vector<double> uniforms(size);
+      RandomStream(4).FillUniform(0, uniforms);
+      for (std::size_t i = 0; i < size; i += 6) uniforms[i] = 0;
+      std::vector<std::int32_t> strata(size);
+      for (std::size_t i = 0; i < size; ++i) strata[i] = static_cast<std::int32_t>(i % 3);
+      std::vector<double> inRange(size);
+      std::vector<double> inStrata(size);
+      std::vector<double> inPlace(strata.begin(), strata.end());
+      std::vector<double> normals(size);
+      vector_forms::ProbabilitiesInRange(uniforms, range, inRange);
+      vector_forms::ProbabilitiesInStrata(uniforms, strata, range, inStrata);
+      vector_forms::ProbabilitiesInStrata(uniforms, inPlace, range, inPlace);
+      vector_forms::NormalsFromUniforms(uniforms, 1.5, -3.0, normals);
+      for (std::size_t i = 0; i < size; ++i) {
+        const double shift = uniforms[i] * range.width;
+        const double inStratum = range.lower + strata[i] * range.width + shift;
+        ASSERT_EQ(inRange[i], brought(range.lower + shift));
+        ASSERT_EQ(inStrata[i], brought(inStratum));
+        ASSERT_EQ(inPlace[i], inStrata[i]);
+        ASSERT_EQ(normals[i], 1.5 * NormalFromUniform(uniforms[i]) + -3.0);
       }
     }
   });

@@ -26,12 +26,35 @@ inline constexpr double kVectorInfinity = std::numeric_limits<double>::infinity(
 inline constexpr double kRounder = 0x1.8p52;
 inline constexpr int kMantissaBits = 52;
 
+// Vectors that go through the steps of a long formula together, so that none waits for its own last step: as
+// many as the registers hold.
+inline constexpr std::size_t kTogether = HWY_TARGET <= HWY_AVX3 ? 4 : 2;
+
 // Polynomial with coefficients from the highest power down.
 template <class D, class V, std::size_t kSize>
 HWY_INLINE V Horner(D d, const double (&coefficients)[kSize], V x) {
   V sum = hn::Set(d, coefficients[0]);
   for (std::size_t i = 1; i < kSize; ++i) sum = hn::Add(hn::Mul(sum, x), hn::Set(d, coefficients[i]));
   return sum;
+}
+
+// Ratios of two polynomials of one degree at several vectors. They go through the steps together, as the
+// processor's window is too short for it to find a second vector's steps behind those of the first.
+template <class D, class V, std::size_t kGroups, std::size_t kSize>
+HWY_INLINE void HornerRatios(D d, const double (&above)[kSize], const double (&below)[kSize],
+                             const V (&x)[kGroups], V (&ratios)[kGroups]) {
+  V divisors[kGroups];
+  for (std::size_t g = 0; g < kGroups; ++g) {
+    ratios[g] = hn::Set(d, above[0]);
+    divisors[g] = hn::Set(d, below[0]);
+  }
+  for (std::size_t i = 1; i < kSize; ++i) {
+    for (std::size_t g = 0; g < kGroups; ++g) {
+      ratios[g] = hn::Add(hn::Mul(ratios[g], x[g]), hn::Set(d, above[i]));
+      divisors[g] = hn::Add(hn::Mul(divisors[g], x[g]), hn::Set(d, below[i]));
+    }
+  }
+  for (std::size_t g = 0; g < kGroups; ++g) ratios[g] = hn::Div(ratios[g], divisors[g]);
 }
 
 // The same as two sums in x^2, of the odd and the even powers, that do not wait for each other.
@@ -255,23 +278,32 @@ HWY_INLINE V StandardCdf(D d, V z) {
 }
 
 // The z <= 0 with P(Z <= z) = p, for 0 < p <= 1/2: Wichura (1988), algorithm AS 241, routine PPND16. Its
-// centre, p >= 0.075, and its tail, apart, since the tail costs more and few values need it.
+// centre, p >= 0.075, and its tail, apart, since the tail costs more and few values need it. Several vectors
+// at a time.
 inline constexpr double kCentre = -0.425;  // the least p - 1/2 of the centre
 
-template <class D, class V = hn::Vec<D>>
-HWY_INLINE V CentreQuantile(D d, V q) {
+template <class D, class V, std::size_t kGroups>
+HWY_INLINE void CentreQuantiles(D d, const V (&q)[kGroups], V (&z)[kGroups]) {
   static constexpr double kA[] = {
       2.5090809287301226727e+3, 3.3430575583588128105e+4, 6.7265770927008700853e+4, 4.5921953931549871457e+4,
       1.3731693765509461125e+4, 1.9715909503065514427e+3, 1.3314166789178437745e+2, 3.3871328727963666080e+0};
   static constexpr double kB[] = {
       5.2264952788528545610e+3, 2.8729085735721942674e+4, 3.9307895800092710610e+4, 2.1213794301586595867e+4,
       5.3941960214247511077e+3, 6.8718700749205790830e+2, 4.2313330701600911252e+1, 1.0};
-  const V r = hn::Sub(hn::Set(d, 0.180625), hn::Mul(q, q));
-  return hn::Mul(q, hn::Div(Horner(d, kA, r), Horner(d, kB, r)));
+  V r[kGroups];
+  for (std::size_t g = 0; g < kGroups; ++g) r[g] = hn::Sub(hn::Set(d, 0.180625), hn::Mul(q[g], q[g]));
+  HornerRatios(d, kA, kB, r, z);
+  for (std::size_t g = 0; g < kGroups; ++g) z[g] = hn::Mul(q[g], z[g]);
 }
 
+// The tail in two steps: its argument of p > 0, then the z of the argument.
 template <class D, class V = hn::Vec<D>>
-HWY_INLINE V TailQuantile(D d, V p) {
+HWY_INLINE V TailArgument(D d, V p) {
+  return hn::Sqrt(hn::Neg(LogOfPositive(d, p)));
+}
+
+template <class D, class V, std::size_t kGroups>
+HWY_INLINE void TailQuantiles(D d, const V (&r)[kGroups], V (&z)[kGroups]) {
   static constexpr double kC[] = {7.74545014278341407640e-4, 2.27238449892691845833e-2,
                                   2.41780725177450611770e-1, 1.27045825245236838258e+0,
                                   3.64784832476320460504e+0, 5.76949722146069140550e+0,
@@ -288,13 +320,16 @@ HWY_INLINE V TailQuantile(D d, V p) {
                                   1.84631831751005468180e-5,  7.86869131145613259100e-4,
                                   1.48753612908506148525e-2,  1.36929880922735805310e-1,
                                   5.99832206555887937690e-1,  1.0};
-  const V r = hn::Sqrt(hn::Neg(LogOfPositive(d, p)));
-  const V near = hn::Sub(r, hn::Set(d, 1.6));
-  const V nearZ = hn::Neg(hn::Div(Horner(d, kC, near), Horner(d, kD, near)));
-  const auto isNear = hn::Le(r, hn::Set(d, 5.0));
-  if (HWY_LIKELY(hn::AllTrue(d, isNear))) return nearZ;
-  const V far = hn::Sub(r, hn::Set(d, 5.0));
-  return hn::IfThenElse(isNear, nearZ, hn::Neg(hn::Div(Horner(d, kE, far), Horner(d, kF, far))));
+  V near[kGroups];
+  for (std::size_t g = 0; g < kGroups; ++g) near[g] = hn::Sub(r[g], hn::Set(d, 1.6));
+  HornerRatios(d, kC, kD, near, z);
+  for (std::size_t g = 0; g < kGroups; ++g) {
+    z[g] = hn::Neg(z[g]);
+    const auto isNear = hn::Le(r[g], hn::Set(d, 5.0));
+    if (HWY_LIKELY(hn::AllTrue(d, isNear))) continue;
+    const V far = hn::Sub(r[g], hn::Set(d, 5.0));
+    z[g] = hn::IfThenElse(isNear, z[g], hn::Neg(hn::Div(Horner(d, kE, far), Horner(d, kF, far))));
+  }
 }
 
 }  // namespace HWY_NAMESPACE

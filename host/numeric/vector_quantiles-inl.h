@@ -34,7 +34,7 @@ struct FromProbability {
   template <class D, class V>
   HWY_INLINE auto operator()(D d, V p) const {
     const auto isLower = hn::Le(p, hn::Set(d, 0.5));
-    return Tail<V, decltype(isLower)>{hn::IfThenElse(isLower, p, hn::Sub(hn::Set(d, 1.0), p)), isLower};
+    return Tail<V, hn::Mask<D>>{hn::IfThenElse(isLower, p, hn::Sub(hn::Set(d, 1.0), p)), isLower};
   }
 };
 
@@ -45,62 +45,106 @@ struct FromUniform {
     const auto isLower = hn::Lt(u, hn::Set(d, 0.5));
     const V half = hn::Set(d, 0x1p-54);
     const V upper = hn::Sub(hn::Sub(hn::Set(d, 1.0), u), half);
-    return Tail<V, decltype(isLower)>{hn::IfThenElse(isLower, hn::Add(u, half), upper), isLower};
+    return Tail<V, hn::Mask<D>>{hn::IfThenElse(isLower, hn::Add(u, half), upper), isLower};
   }
 };
-
-// The z of signed tail probabilities: negative for the upper tail; zeros count as well.
-template <class D, class V>
-HWY_INLINE V SignedTailQuantile(D d, V signedTail) {
-  const V tail = hn::Abs(signedTail);
-  const V z = hn::IfThenElse(hn::Eq(tail, hn::Zero(d)), hn::Set(d, -kVectorInfinity), TailQuantile(d, tail));
-  const hn::Rebind<std::uint64_t, D> du;
-  const auto sign = hn::And(hn::BitCast(du, signedTail), hn::Set(du, std::uint64_t{1} << 63));
-  return hn::BitCast(d, hn::Xor(hn::BitCast(du, z), sign));
-}
 
 template <class D, class V, class M>
 HWY_INLINE V WithSign(D /*d*/, M isLower, V v) {
   return hn::IfThenElse(isLower, v, hn::Neg(v));
 }
 
+// The z of tail probabilities, of which `arguments` are the arguments; infinite at zero.
+template <class D, class V, class M, std::size_t kGroups>
+HWY_INLINE void SignedTailQuantiles(D d, const Tail<V, M> (&tails)[kGroups], const V (&arguments)[kGroups],
+                                    V (&z)[kGroups]) {
+  TailQuantiles(d, arguments, z);
+  for (std::size_t g = 0; g < kGroups; ++g) {
+    const auto isZero = hn::Eq(tails[g].probability, hn::Zero(d));
+    z[g] = WithSign(d, tails[g].isLower, hn::IfThenElse(isZero, hn::Set(d, -kVectorInfinity), z[g]));
+  }
+}
+
 template <class Source, class Formula>
 double QuantileAtOne(double x, Source source, Formula formula) {
+  using V = hn::Vec<OneLane>;
   const OneLane d;
-  const auto argument = hn::Set(d, x);
+  const V argument = hn::Set(d, x);
   const auto tail = source(d, argument);
-  const auto q = hn::Sub(tail.probability, hn::Set(d, 0.5));
-  const bool isTail = hn::AllTrue(d, hn::Lt(q, hn::Set(d, kCentre)));
-  const auto z = isTail ? SignedTailQuantile(d, WithSign(d, tail.isLower, hn::Abs(tail.probability)))
-                        : WithSign(d, tail.isLower, CentreQuantile(d, q));
-  return hn::GetLane(formula(d, argument, z));
+  const V q = hn::Sub(tail.probability, hn::Set(d, 0.5));
+  V z[1];
+  if (hn::AllTrue(d, hn::Lt(q, hn::Set(d, kCentre)))) {
+    SignedTailQuantiles(d, {tail}, {TailArgument(d, tail.probability)}, z);
+  } else {
+    CentreQuantiles(d, {q}, z);
+    z[0] = WithSign(d, tail.isLower, z[0]);
+  }
+  return hn::GetLane(formula(d, argument, z[0]));
 }
 
 inline constexpr std::size_t kQuantileBlock = PlaceList::kMostPlaces;
 inline constexpr std::size_t kMostLanes = 64;  // room behind a block for whole vectors
 
-// The z of one block: the centre of all, then the few in the tails, packed.
+// The z of the centre at some vectors; where it is not the centre is added to the tails.
+template <std::size_t kGroups, class Source>
+HWY_INLINE void CentresAt(const double* x, std::size_t i, Source source, double* z, PlaceList& tails) {
+  const hn::ScalableTag<double> d;
+  using V = hn::Vec<decltype(d)>;
+  const std::size_t lanes = hn::Lanes(d);
+  Tail<V, hn::Mask<decltype(d)>> tail[kGroups];
+  V q[kGroups];
+  V centre[kGroups];
+  for (std::size_t g = 0; g < kGroups; ++g) {
+    tail[g] = source(d, hn::LoadU(d, x + i + g * lanes));
+    q[g] = hn::Sub(tail[g].probability, hn::Set(d, 0.5));
+  }
+  CentreQuantiles(d, q, centre);
+  for (std::size_t g = 0; g < kGroups; ++g) {
+    hn::Store(WithSign(d, tail[g].isLower, centre[g]), d, z + i + g * lanes);
+    std::uint8_t bits[kMostLanes / 8];
+    const std::size_t bytes = hn::StoreMaskBits(d, hn::Lt(q[g], hn::Set(d, kCentre)), bits);
+    for (std::size_t byte = 0; byte < bytes; ++byte) tails.Add(bits[byte], i + g * lanes + 8 * byte);
+  }
+}
+
+// Replaces arguments of the source that lie in the tails, kGroups vectors at a time, by their z.
+template <std::size_t kGroups, class Source>
+HWY_INLINE void TailsOf(double* packed, std::size_t count, Source source) {
+  const hn::ScalableTag<double> d;
+  using V = hn::Vec<decltype(d)>;
+  const std::size_t lanes = hn::Lanes(d);
+  HWY_ALIGN double arguments[kQuantileBlock + kMostLanes];
+  for (std::size_t i = 0; i < count; i += lanes)
+    hn::Store(TailArgument(d, source(d, hn::Load(d, packed + i)).probability), d, arguments + i);
+  for (std::size_t i = 0; i < count; i += kGroups * lanes) {
+    Tail<V, hn::Mask<decltype(d)>> tail[kGroups];
+    V r[kGroups];
+    V z[kGroups];
+    for (std::size_t g = 0; g < kGroups; ++g) {
+      tail[g] = source(d, hn::Load(d, packed + i + g * lanes));
+      r[g] = hn::Load(d, arguments + i + g * lanes);
+    }
+    SignedTailQuantiles(d, tail, r, z);
+    for (std::size_t g = 0; g < kGroups; ++g) hn::Store(z[g], d, packed + i + g * lanes);
+  }
+}
+
+// The z of one block of whole vectors: the centre of all, then the few in the tails, packed.
 template <class Source>
 HWY_INLINE void QuantilesOfBlock(const double* x, std::size_t count, Source source, double* z) {
-  const hn::ScalableTag<double> d;
-  const std::size_t lanes = hn::Lanes(d);
+  constexpr std::size_t kTailsTogether = 2;  // of a few, which more would fill up for nothing
+  const std::size_t lanes = hn::Lanes(hn::ScalableTag<double>());
   PlaceList tails;
-  for (std::size_t i = 0; i < count; i += lanes) {
-    const auto tail = source(d, hn::LoadU(d, x + i));
-    const auto q = hn::Sub(tail.probability, hn::Set(d, 0.5));
-    hn::Store(WithSign(d, tail.isLower, CentreQuantile(d, q)), d, z + i);
-    std::uint8_t bits[kMostLanes / 8];
-    const std::size_t bytes = hn::StoreMaskBits(d, hn::Lt(q, hn::Set(d, kCentre)), bits);
-    for (std::size_t byte = 0; byte < bytes; ++byte) tails.Add(bits[byte], i + 8 * byte);
-  }
+  std::size_t i = 0;
+  for (; i + kTogether * lanes <= count; i += kTogether * lanes) CentresAt<kTogether>(x, i, source, z, tails);
+  for (; i < count; i += lanes) CentresAt<1>(x, i, source, z, tails);
   HWY_ALIGN double packed[kQuantileBlock + kMostLanes];
-  for (std::size_t i = 0; i < tails.Size(); ++i) packed[i] = x[tails[i]];
-  std::fill_n(packed + tails.Size(), lanes, 0.01);
-  for (std::size_t i = 0; i < tails.Size(); i += lanes) {
-    const auto tail = source(d, hn::Load(d, packed + i));
-    hn::Store(SignedTailQuantile(d, WithSign(d, tail.isLower, hn::Abs(tail.probability))), d, packed + i);
-  }
-  for (std::size_t i = 0; i < tails.Size(); ++i) z[tails[i]] = packed[i];
+  for (std::size_t t = 0; t < tails.Size(); ++t) packed[t] = x[tails[t]];
+  const std::size_t padded =
+      (tails.Size() + kTailsTogether * lanes - 1) / (kTailsTogether * lanes) * (kTailsTogether * lanes);
+  std::fill_n(packed + tails.Size(), padded - tails.Size(), 0.01);
+  TailsOf<kTailsTogether>(packed, padded, source);
+  for (std::size_t t = 0; t < tails.Size(); ++t) z[tails[t]] = packed[t];
 }
 
 template <class Source, class Formula>
@@ -108,7 +152,7 @@ void QuantilesOverArray(std::span<const double> x, std::span<double> out, Source
   assert(out.size() >= x.size());
   const hn::ScalableTag<double> d;
   const std::size_t lanes = hn::Lanes(d);
-  static_assert(hn::MaxLanes(d) <= kMostLanes);
+  static_assert(2 * hn::MaxLanes(d) <= kMostLanes);
   HWY_ALIGN double z[kQuantileBlock + kMostLanes];
   HWY_ALIGN double padded[kMostLanes];
   std::size_t begin = 0;

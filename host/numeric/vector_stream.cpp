@@ -26,6 +26,15 @@ struct TimesFormula {
   }
 };
 
+struct LineFormula {
+  double factor;
+  double constant;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*u*/, V z) const {
+    return hn::Add(hn::Mul(hn::Set(d, factor), z), hn::Set(d, constant));
+  }
+};
+
 // The products of the low halves of the lanes with a 32-bit number.
 template <class D, class V>
 HWY_INLINE V TimesWord([[maybe_unused]] D du, V v, std::uint32_t factor) {
@@ -38,7 +47,7 @@ HWY_INLINE V TimesWord([[maybe_unused]] D du, V v, std::uint32_t factor) {
 }
 
 // Vectors of blocks that go through the rounds together, so that none waits for its own last product.
-constexpr std::size_t kGroups = 2;
+constexpr std::size_t kGroups = kTogether;
 
 // Ten rounds on vectors of blocks, a 32-bit word in the low half of each lane; the upper halves hold
 // anything. Multipliers and key increments: Salmon, Moraes, Dror & Shaw (2011).
@@ -79,10 +88,11 @@ HWY_INLINE hn::Vec<hn::Rebind<double, D>> Deviates(D du, V low, V high) {
   const hn::Rebind<double, D> d;
   constexpr std::uint64_t kHighBits = 0x4130000000000000ULL;  // 2^20
   constexpr std::uint64_t kLowBits = 0x3FE0000000000000ULL;   // 2^-1
-  const V highWord = hn::And(high, hn::Set(du, std::uint64_t{0xFFFFFFFF}));
-  const V lowWord = hn::template ShiftRight<43>(hn::template ShiftLeft<32>(low));
-  const auto highPart = hn::BitCast(d, hn::Or(highWord, hn::Set(du, kHighBits)));
-  const auto lowPart = hn::BitCast(d, hn::Or(lowWord, hn::Set(du, kLowBits)));
+  const V highBits = hn::OrAnd(hn::Set(du, kHighBits), high, hn::Set(du, std::uint64_t{0xFFFFFFFF}));
+  const V lowBits = hn::OrAnd(hn::Set(du, kLowBits), hn::template ShiftRight<11>(low),
+                              hn::Set(du, (std::uint64_t{1} << 21) - 1));
+  const auto highPart = hn::BitCast(d, highBits);
+  const auto lowPart = hn::BitCast(d, lowBits);
   return hn::Add(hn::Sub(highPart, hn::Set(d, 0x1p20 + 0.5)), lowPart);
 }
 
@@ -126,9 +136,10 @@ void Philox(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, st
   }
 }
 
-// One deviate of each block, of its first or its second half.
-void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
-                std::span<double> out) {
+// One deviate of each block, of its first or its second half; a constant, so that the other half's last steps
+// are not taken.
+template <bool kSecond>
+void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   const hn::ScalableTag<std::uint64_t> du;
   const hn::Rebind<double, decltype(du)> d;
   const std::size_t lanes = hn::Lanes(du);
@@ -146,21 +157,90 @@ void PhiloxHalf(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock
     double* to = isWhole ? out.data() + i : buffer;
     for (std::size_t group = 0; group < kGroups; ++group) {
       const auto& w = words[group];
-      const auto deviates = second ? Deviates(du, w[2], w[3]) : Deviates(du, w[0], w[1]);
+      const auto deviates = Deviates(du, w[kSecond ? 2 : 0], w[kSecond ? 3 : 1]);
       hn::StoreU(deviates, d, to + group * lanes);
     }
     if (!isWhole) std::copy_n(buffer, rest, out.data() + i);
   }
 }
 
+// Where the part of the probabilities begins in which a uniform deviate picks a point: its range, or strata.
+struct RangeStart {
+  double lower;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t /*i*/) const {
+    return hn::Set(d, lower);
+  }
+};
+struct StratumStart {
+  double lower;
+  double width;
+  const std::int32_t* strata;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t i) const {
+    const auto stratum = hn::PromoteTo(d, hn::LoadU(hn::Rebind<std::int32_t, D>(), strata + i));
+    return hn::Add(hn::Set(d, lower), hn::Mul(stratum, hn::Set(d, width)));
+  }
+};
+struct RealStratumStart {
+  double lower;
+  double width;
+  const double* strata;
+  template <class D>
+  HWY_INLINE hn::Vec<D> operator()(D d, std::size_t i) const {
+    return hn::Add(hn::Set(d, lower), hn::Mul(hn::LoadU(d, strata + i), hn::Set(d, width)));
+  }
+};
+
+// One vector of start(i) + u[i] width, kept from least to most.
+template <class D, class Start>
+HWY_INLINE void StoreProbabilities(D d, const double* u, const vector_forms::ProbabilityRange& range,
+                                   Start start, std::size_t i, double* out) {
+  const auto p = hn::Add(start(d, i), hn::Mul(hn::LoadU(d, u + i), hn::Set(d, range.width)));
+  const auto raised = hn::IfThenElse(hn::Le(p, hn::Set(d, range.lower)), hn::Set(d, range.least), p);
+  const auto isAbove = hn::Gt(raised, hn::Set(d, range.most));
+  hn::StoreU(hn::IfThenElse(isAbove, hn::Set(d, range.most), raised), d, out + i);
+}
+
+template <class Start>
+void Probabilities(std::span<const double> u, const vector_forms::ProbabilityRange& range, Start start,
+                   std::span<double> out) {
+  const hn::ScalableTag<double> d;
+  const std::size_t whole = out.size() - out.size() % hn::Lanes(d);
+  for (std::size_t i = 0; i < whole; i += hn::Lanes(d))
+    StoreProbabilities(d, u.data(), range, start, i, out.data());
+  for (std::size_t i = whole; i < out.size(); ++i)
+    StoreProbabilities(OneLane(), u.data(), range, start, i, out.data());
+}
+
 }  // namespace
+
+void RangeArray(std::span<const double> u, const vector_forms::ProbabilityRange& range,
+                std::span<double> out) {
+  Probabilities(u, range, RangeStart{range.lower}, out);
+}
+void StrataArray(std::span<const double> u, const std::int32_t* strata,
+                 const vector_forms::ProbabilityRange& range, std::span<double> out) {
+  Probabilities(u, range, StratumStart{range.lower, range.width, strata}, out);
+}
+void RealStrataArray(std::span<const double> u, const double* strata,
+                     const vector_forms::ProbabilityRange& range, std::span<double> out) {
+  Probabilities(u, range, RealStratumStart{range.lower, range.width, strata}, out);
+}
 
 void PhiloxHalfArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
                      std::span<double> out) {
-  PhiloxHalf(key0, key1, firstBlock, second, out);
+  if (second) {
+    PhiloxHalf<true>(key0, key1, firstBlock, out);
+  } else {
+    PhiloxHalf<false>(key0, key1, firstBlock, out);
+  }
 }
 void NormalsArray(std::span<const double> u, double sd, std::span<double> out) {
   QuantilesOverArray(u, out, FromUniform{}, TimesFormula{sd});
+}
+void LocatedNormalsArray(std::span<const double> u, double sd, double location, std::span<double> out) {
+  QuantilesOverArray(u, out, FromUniform{}, LineFormula{sd, location});
 }
 void PhiloxArray(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   Philox(key0, key1, firstBlock, out);
@@ -177,8 +257,12 @@ HWY_AFTER_NAMESPACE();
 namespace brenvolt {
 
 HWY_EXPORT(NormalsArray);
+HWY_EXPORT(LocatedNormalsArray);
 HWY_EXPORT(PhiloxArray);
 HWY_EXPORT(PhiloxHalfArray);
+HWY_EXPORT(RangeArray);
+HWY_EXPORT(StrataArray);
+HWY_EXPORT(RealStrataArray);
 
 double NormalFromUniform(double u) {
   return HWY_STATIC_DISPATCH(NormalOne)(u);
@@ -189,6 +273,9 @@ namespace vector_forms {
 void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(NormalsArray)(u, sd, out);
 }
+void NormalsFromUniforms(std::span<const double> u, double sd, double location, std::span<double> out) {
+  HWY_DYNAMIC_DISPATCH(LocatedNormalsArray)(u, sd, location, out);
+}
 void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, std::span<double> out) {
   assert(out.size() % 2 == 0);
   HWY_DYNAMIC_DISPATCH(PhiloxArray)(key0, key1, firstBlock, out);
@@ -196,6 +283,21 @@ void PhiloxUniforms(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstB
 void PhiloxHalves(std::uint32_t key0, std::uint32_t key1, std::uint64_t firstBlock, bool second,
                   std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(PhiloxHalfArray)(key0, key1, firstBlock, second, out);
+}
+
+void ProbabilitiesInRange(std::span<const double> u, const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(RangeArray)(u, range, out);
+}
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const std::int32_t> strata,
+                           const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size() && strata.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(StrataArray)(u, strata.data(), range, out);
+}
+void ProbabilitiesInStrata(std::span<const double> u, std::span<const double> strata,
+                           const ProbabilityRange& range, std::span<double> out) {
+  assert(u.size() >= out.size() && strata.size() >= out.size());
+  HWY_DYNAMIC_DISPATCH(RealStrataArray)(u, strata.data(), range, out);
 }
 
 }  // namespace vector_forms

@@ -1,7 +1,9 @@
 #include "host/statistics/moments.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numeric>
 
 namespace brenvolt {
 
@@ -38,6 +40,92 @@ void MomentAccumulator::AddOnce(double x) {
   m4_ = (m4_ + step * step * step * d * (k * k - 3 * k + 3) + 6 * step * step * m2_ - 4 * step * m3_) * r;
   m3_ = (m3_ + step * step * d * (k - 2) - 3 * step * m2_) * r;
   m2_ = (d * step + m2_) * r;
+}
+
+void MomentAccumulator::Add(std::span<const double> block) {
+  logarithms_ = false;
+  if (block.empty()) return;
+  // Sums in lanes of their own, which the compiler keeps in vectors.
+  constexpr std::size_t kLanes = 8;
+  const auto n = static_cast<double>(block.size());
+  const std::size_t whole = block.size() / kLanes * kLanes;
+  const double origin = block[0];
+  std::array<double, kLanes> sums{};
+  std::array<double, kLanes> least;
+  std::array<double, kLanes> most;
+  least.fill(origin);
+  most.fill(origin);
+  const auto look = [&](double x, std::size_t lane) {
+    sums[lane] += x - origin;
+    least[lane] = x < least[lane] ? x : least[lane];
+    most[lane] = x > most[lane] ? x : most[lane];
+  };
+  for (std::size_t i = 0; i < whole; i += kLanes)
+    for (std::size_t lane = 0; lane < kLanes; ++lane) look(block[i + lane], lane);
+  for (std::size_t i = whole; i < block.size(); ++i) look(block[i], i - whole);
+
+  const double sum = std::accumulate(sums.begin(), sums.end(), 0.0);
+  if (!std::isfinite(sum)) {  // near the largest doubles
+    for (const double x : block) Add(x, 1);
+    return;
+  }
+  MomentAccumulator own;
+  own.count_ = static_cast<std::int64_t>(block.size());
+  own.mean_ = origin + sum / n;
+  own.minimum_ = *std::ranges::min_element(least);
+  own.maximum_ = *std::ranges::max_element(most);
+  const double longest = std::max(own.maximum_ - own.mean_, own.mean_ - own.minimum_);
+  if (longest > 0) own.Rescale(longest);
+  std::array<double, kLanes> squares{};
+  std::array<double, kLanes> cubes{};
+  std::array<double, kLanes> fourths{};
+  const auto add = [&](double x, std::size_t lane) {
+    const double d = (x - own.mean_) * own.inverseUnit_;
+    squares[lane] += d * d;
+    cubes[lane] += d * d * d;
+    fourths[lane] += d * d * d * d;
+  };
+  for (std::size_t i = 0; i < whole; i += kLanes)
+    for (std::size_t lane = 0; lane < kLanes; ++lane) add(block[i + lane], lane);
+  for (std::size_t i = whole; i < block.size(); ++i) add(block[i], i - whole);
+  own.m2_ = std::accumulate(squares.begin(), squares.end(), 0.0) / n;
+  own.m3_ = std::accumulate(cubes.begin(), cubes.end(), 0.0) / n;
+  own.m4_ = std::accumulate(fourths.begin(), fourths.end(), 0.0) / n;
+  Join(own);
+}
+
+double MomentAccumulator::Unit() const {
+  return inverseUnit_ > 0 ? std::scalbn(1.0, exponent_) : 0;
+}
+
+void MomentAccumulator::Join(const MomentAccumulator& block) {
+  if (count_ == 0) {
+    const std::int64_t missing = missing_;
+    *this = block;
+    missing_ = missing;
+    logarithms_ = false;
+    return;
+  }
+  MomentAccumulator other = block;
+  minimum_ = std::min(minimum_, other.minimum_);
+  maximum_ = std::max(maximum_, other.maximum_);
+  const double distance = other.mean_ - mean_;
+  // Both in the larger unit, which must also suit the distance of the means.
+  const double length = std::max({std::abs(distance), Unit(), other.Unit()});
+  if (length > 0) {
+    Rescale(length);
+    other.Rescale(length);
+  }
+  const auto total = static_cast<double>(count_ + other.count_);
+  const double a = static_cast<double>(count_) / total;
+  const double b = static_cast<double>(other.count_) / total;
+  const double d = distance * inverseUnit_;
+  m4_ = a * m4_ + b * other.m4_ + a * b * (a * a - a * b + b * b) * d * d * d * d +
+        6 * a * b * (a * other.m2_ + b * m2_) * d * d + 4 * a * b * (other.m3_ - m3_) * d;
+  m3_ = a * m3_ + b * other.m3_ + a * b * (a - b) * d * d * d + 3 * a * b * (other.m2_ - m2_) * d;
+  m2_ = a * m2_ + b * other.m2_ + a * b * d * d;
+  mean_ += distance * b;
+  count_ += other.count_;
 }
 
 // The first value that is not positive ends the logarithms for good.

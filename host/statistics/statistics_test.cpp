@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "host/statistics/moments.h"
+#include "host/statistics/order_statistics.h"
 #include "host/statistics/percentiles.h"
 
 namespace brenvolt {
@@ -87,6 +90,65 @@ TEST(Moments, WeightEqualsRepetition) {
   EXPECT_NEAR(a.standardDeviation, b.standardDeviation, 1e-15);
   EXPECT_NEAR(a.kurtosis, b.kurtosis, 1e-12);
   EXPECT_NEAR(a.logStandardDeviation, b.logStandardDeviation, 1e-14);
+}
+
+TEST(Moments, BlocksAgreeWithOneValueAtATime) {
+  std::vector<double> values;
+  for (int i = 0; i < 1003; ++i) values.push_back(std::exp(2 * std::sin(1.7 * i)) - (i % 5));
+  for (const int exponent : {-500, -270, 0, 270, 1000}) {
+    for (const double shift : {0.0, 1e5}) {
+      std::vector<double> scaled;
+      for (const double x : values) scaled.push_back(std::scalbn(x + shift, exponent));
+      const Moments one = MomentsOf(scaled);
+      for (const std::size_t piece : {1, 7, 64, 500, 1003}) {
+        SCOPED_TRACE(testing::Message() << exponent << " " << shift << " " << piece);
+        MomentAccumulator accumulator;
+        for (std::size_t i = 0; i < scaled.size(); i += piece)
+          accumulator.Add(std::span(scaled).subspan(i, std::min(piece, scaled.size() - i)));
+        const Moments blocks = accumulator.Finish();
+        EXPECT_EQ(blocks.count, one.count);
+        EXPECT_EQ(blocks.minimum, one.minimum);
+        EXPECT_EQ(blocks.maximum, one.maximum);
+        EXPECT_NEAR(blocks.mean / one.mean, 1, 1e-13);
+        EXPECT_NEAR(blocks.standardDeviation / one.standardDeviation, 1, 1e-11);
+        EXPECT_NEAR(blocks.skewness, one.skewness, 1e-8);
+        EXPECT_NEAR(blocks.kurtosis, one.kurtosis, 1e-8);
+      }
+    }
+  }
+  MomentAccumulator constant;
+  for (int i = 0; i < 3; ++i) constant.Add(std::vector<double>{1e-150, 1e-150});
+  constant.Add(std::vector<double>{2e-150, 4e-150});
+  EXPECT_NEAR(constant.Finish().skewness, MomentsOf({1, 1, 1, 1, 1, 1, 2, 4}).skewness, 1e-12);
+}
+
+TEST(OrderStatisticSearch, FindsWhatSortingFinds) {
+  std::vector<double> spread;    // every part is kept at once
+  std::vector<double> crowded;   // two hundred thousand values share their first bits
+  std::vector<double> repeated;  // and their last ones
+  for (int i = 0; i < 200'000; ++i) {
+    const double u = std::fmod(0.5 + i * 0.6180339887498949, 1.0);
+    spread.push_back(std::tan(3 * (u - 0.5)));
+    crowded.push_back(1e6 + u);
+    repeated.push_back(i % 3 == 0 ? -7.0 : std::floor(4 * u));
+  }
+  repeated[5] = -std::numeric_limits<double>::infinity();
+  repeated[6] = std::numeric_limits<double>::infinity();
+  for (const auto& values : {spread, crowded, repeated, std::vector<double>{3}}) {
+    std::vector<double> sorted = values;
+    std::ranges::sort(sorted);
+    const std::size_t n = sorted.size();
+    const std::vector<std::uint64_t> ranks{n / 2, 0, n - 1, n / 100, n / 100, 99 * (n / 100), n / 3};
+    OrderStatisticSearch search(ranks);
+    int passes = 0;
+    for (; !search.IsDone(); ++passes) {
+      search.Add(std::span(values).first(n / 3));
+      search.Add(std::span(values).subspan(n / 3));
+      search.EndPass();
+    }
+    EXPECT_LE(passes, 4);
+    for (std::size_t i = 0; i < ranks.size(); ++i) EXPECT_EQ(search.Value(i), sorted[ranks[i]]) << i;
+  }
 }
 
 // References: NumPy 1.24, percentile(method="linear").

@@ -2,10 +2,12 @@
 // byte-order mark.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <string_view>
 
+#include "host/base/output_file.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
@@ -47,6 +49,22 @@ Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const Cs
 // first column headed by the sheet's header. A regular file is replaced only when everything was written; a
 // pipe or device is written directly. Throws Error naming the file.
 void WriteCsv(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format = {});
+
+// The same for a table that comes in pieces, sheets of the same variables in their order: the file is what
+// WriteCsv makes of all their cases together. Numbered cases go on being numbered from piece to piece.
+// Without Commit the target stays as it was.
+class CsvPieces {
+ public:
+  explicit CsvPieces(const std::filesystem::path& path, const CsvFormat& format = {});
+  void Append(const Spreadsheet& piece);
+  void Commit() { file_.Commit(); }
+
+ private:
+  CsvFormat format_;
+  OutputFile file_;
+  bool hasHeader_ = false;
+  std::uint64_t cases_ = 0;
+};
 
 // The same as text.
 std::string CsvText(const Spreadsheet& sheet, const CsvFormat& format = {});

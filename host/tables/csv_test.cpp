@@ -397,6 +397,27 @@ TEST(WriteCsv, LoneMissingCellsReadBack) {
   EXPECT_EQ(ReadCsvText(CsvText(sheet), "s").CaseCount(), 4u);
 }
 
+TEST_F(CsvFiles, PiecesMakeTheFileOfTheWhole) {
+  Spreadsheet whole("s", 10);
+  whole.SetHeader("Sample #");
+  whole.AddVariable(Variable("x", 10)).AssignValues({0, 1, 2, 3, 4, 5, 6, 7, 8, 9});
+  whole.NumberCases();
+  WriteCsv(whole, folder_ / "whole.csv");
+  CsvPieces pieces(folder_ / "pieces.csv");
+  for (const auto& [first, count] : {std::pair(0, 4), std::pair(4, 1), std::pair(5, 5)}) {
+    Spreadsheet piece("s", static_cast<std::size_t>(count));
+    piece.SetHeader("Sample #");
+    std::vector<double> values;
+    for (int i = 0; i < count; ++i) values.push_back(first + i);
+    piece.AddVariable(Variable("x", values.size())).AssignValues(values);
+    piece.NumberCases();
+    pieces.Append(piece);
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder_ / "pieces.csv"));
+  pieces.Commit();
+  EXPECT_EQ(BytesOf(folder_ / "pieces.csv"), BytesOf(folder_ / "whole.csv"));
+}
+
 TEST_F(CsvFiles, FailedWriteLeavesTheFormerFile) {
   const std::filesystem::path path = Put("old.csv", "old");
   EXPECT_THROW(WriteCsv(Spreadsheet("s", 1, 1), path, {',', ','}), Error);

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <utility>
 
-#include "host/base/output_file.h"
 #include "host/base/parallel.h"
 #include "host/tables/csv.h"
 #include "host/tables/csv_cell.h"
@@ -46,12 +46,17 @@ void AppendCell(std::string& out, const Variable& variable, std::size_t row, con
   AppendCsvNumber(out, value, format.decimalSeparator);
 }
 
-void AppendRows(std::string& out, const Spreadsheet& sheet, std::size_t begin, std::size_t end,
-                const CsvFormat& format) {
+// `precedingCases` stand before the sheet's own where its cases are numbered.
+void AppendRows(std::string& out, const Spreadsheet& sheet, std::uint64_t precedingCases, std::size_t begin,
+                std::size_t end, const CsvFormat& format) {
   const std::size_t columns = sheet.VariableCount();
   for (std::size_t row = begin; row < end; ++row) {
     if (sheet.HasCaseNames()) {
-      AppendCsvText(out, sheet.CaseName(row), format.separator);
+      if (sheet.AreCasesNumbered()) {
+        out += std::to_string(precedingCases + row + 1);
+      } else {
+        AppendCsvText(out, sheet.CaseName(row), format.separator);
+      }
       if (columns > 0) out += format.separator;
     }
     for (std::size_t c = 0; c < columns; ++c) {
@@ -62,11 +67,14 @@ void AppendRows(std::string& out, const Spreadsheet& sheet, std::size_t begin, s
   }
 }
 
-void WriteText(const Spreadsheet& sheet, const CsvFormat& format, const Sink& sink) {
+void WriteHeader(const Spreadsheet& sheet, const CsvFormat& format, const Sink& sink) {
   std::string header;
   AppendHeader(header, sheet, format);
   sink(header);
+}
 
+void WriteRows(const Spreadsheet& sheet, std::uint64_t precedingCases, const CsvFormat& format,
+               const Sink& sink) {
   const std::size_t columns = std::max<std::size_t>(1, sheet.VariableCount());
   const std::size_t rowsPerBlock = std::max<std::size_t>(1, kCellsPerBlock / columns);
   const std::size_t blocks = (sheet.CaseCount() + rowsPerBlock - 1) / rowsPerBlock;
@@ -87,7 +95,8 @@ void WriteText(const Spreadsheet& sheet, const CsvFormat& format, const Sink& si
       out.clear();
       out.reserve(rowsPerBlock * columns * kLikelyCellBytes);
       const std::size_t begin = (first + task - 1) * rowsPerBlock;
-      AppendRows(out, sheet, begin, std::min(begin + rowsPerBlock, sheet.CaseCount()), format);
+      AppendRows(out, sheet, precedingCases, begin, std::min(begin + rowsPerBlock, sheet.CaseCount()),
+                 format);
     });
     std::swap(ready, coming);
     readyCount = count;
@@ -97,17 +106,28 @@ void WriteText(const Spreadsheet& sheet, const CsvFormat& format, const Sink& si
 
 }  // namespace
 
+CsvPieces::CsvPieces(const std::filesystem::path& path, const CsvFormat& format)
+    : format_(format), file_((CheckCsvFormat(format), path)) {}
+
+void CsvPieces::Append(const Spreadsheet& piece) {
+  const Sink sink = [this](std::string_view bytes) { file_.Write(bytes); };
+  if (!std::exchange(hasHeader_, true)) WriteHeader(piece, format_, sink);
+  WriteRows(piece, cases_, format_, sink);
+  cases_ += piece.CaseCount();
+}
+
 void WriteCsv(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
-  CheckCsvFormat(format);
-  OutputFile file(path);
-  WriteText(sheet, format, [&file](std::string_view bytes) { file.Write(bytes); });
-  file.Commit();
+  CsvPieces pieces(path, format);
+  pieces.Append(sheet);
+  pieces.Commit();
 }
 
 std::string CsvText(const Spreadsheet& sheet, const CsvFormat& format) {
   CheckCsvFormat(format);
   std::string text;
-  WriteText(sheet, format, [&text](std::string_view bytes) { text += bytes; });
+  const Sink sink = [&text](std::string_view bytes) { text += bytes; };
+  WriteHeader(sheet, format, sink);
+  WriteRows(sheet, 0, format, sink);
   return text;
 }
 

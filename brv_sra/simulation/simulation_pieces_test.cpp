@@ -1,0 +1,111 @@
+#include "brv_sra/simulation/simulation_pieces.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "brv_sra/simulation/sampled_laws_test.h"
+#include "brv_sra/simulation/simulation_run.h"
+#include "brv_sra/simulation/simulation_summary.h"
+#include "host/analysis/analysis_memory.h"
+#include "host/analysis/headless_user_interface.h"
+#include "host/base/error.h"
+#include "host/numeric/random_stream.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr double kSeed = 4;
+
+struct Pieces : testing::Test {
+  HeadlessUserInterface userInterface;
+  SimulationDesign design;
+
+  // All laws, one of them left out; more cells than a piece holds.
+  void UseAllLaws(const Truncation& truncation) {
+    design = {};
+    for (const SimulationVariable& law : SampledLaws()) {
+      design.variables.push_back(Truncated(law, truncation));
+      design.variables.back().name = "v" + std::to_string(design.variables.size());
+    }
+    design.truncate = truncation.band;
+    design.excluded = {2};
+    design.numberOfSamples = 70'001;
+  }
+  PiecewiseRun ByCases(const CaseSink& take) {
+    return SimulateByCases(design, true, kSeed, take, userInterface);
+  }
+  PiecewiseRun ByColumns(const ColumnSink& take) {
+    return SimulateByColumns(design, true, kSeed, take, userInterface);
+  }
+};
+
+std::vector<std::vector<double>> ColumnsOf(const Spreadsheet& sheet) {
+  std::vector<std::vector<double>> columns;
+  for (std::size_t c = 0; c < sheet.VariableCount(); ++c)
+    columns.emplace_back(sheet.VariableAt(c).Values().begin(), sheet.VariableAt(c).Values().end());
+  return columns;
+}
+
+TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
+  for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
+    for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
+      SCOPED_TRACE(testing::Message() << truncation.name << ", method " << static_cast<int>(method));
+      UseAllLaws(truncation);
+      design.method = method;
+      const SimulationRun whole = RunSimulation(design, true, kSeed, userInterface);
+      const std::uint64_t end = ProcessStreamPosition();
+      const auto expected = ColumnsOf(*whole.output);
+      const auto summary = ColumnsOf(*SimulationSummary(*whole.output, userInterface));
+
+      std::vector<std::vector<double>> found(expected.size());
+      int pieces = 0;
+      const PiecewiseRun byCases = ByCases([&](const Spreadsheet& piece) {
+        ++pieces;
+        EXPECT_EQ(piece.VariableAt(2).Name(), "v4");
+        for (std::size_t c = 0; c < found.size(); ++c)
+          found[c].insert(found[c].end(), piece.VariableAt(c).Values().begin(),
+                          piece.VariableAt(c).Values().end());
+      });
+      EXPECT_GT(pieces, 1);
+      EXPECT_EQ(found, expected);
+      EXPECT_EQ(ColumnsOf(*byCases.summary), summary);
+      EXPECT_EQ(byCases.summary->CaseName(2), "v4");
+      EXPECT_EQ(ProcessStreamPosition(), end);
+
+      found.assign(expected.size(), {});
+      const PiecewiseRun byColumns = ByColumns([&](std::size_t variable, std::span<const double> values) {
+        found[variable].insert(found[variable].end(), values.begin(), values.end());
+      });
+      EXPECT_EQ(found, expected);
+      EXPECT_EQ(ColumnsOf(*byColumns.summary), summary);
+      EXPECT_EQ(ProcessStreamPosition(), end);
+    }
+  }
+}
+
+TEST_F(Pieces, FailuresNameTheVariableAndLeaveNothing) {
+  UseAllLaws(kTruncations[0]);
+  design.variables[4].specification.values[0] = -1;
+  const PiecewiseRun run = ByCases([](const Spreadsheet&) { ADD_FAILURE() << "a piece of a failed run"; });
+  EXPECT_EQ(run.status, SimulationStatus::kDistributionFailure);
+  EXPECT_TRUE(run.where.starts_with("variable v5, ")) << run.where;
+  EXPECT_EQ(run.summary, nullptr);
+
+  UseAllLaws(kTruncations[0]);
+  design.method = SimulationMethod::kLatinHypercube;
+  LimitAnalysisAllocations(3);
+  const PiecewiseRun starved = ByCases([](const Spreadsheet&) {});
+  LimitAnalysisAllocations(kNoAllocationLimit);
+  EXPECT_EQ(starved.status, SimulationStatus::kMemoryFailure);
+  EXPECT_EQ(OutstandingAnalysisBlocks(), 0U);
+}
+
+TEST_F(Pieces, AFullTargetEndsTheRun) {
+  UseAllLaws(kTruncations[0]);
+  EXPECT_THROW(ByColumns([](std::size_t, std::span<const double>) { throw Error("full"); }), Error);
+  EXPECT_THROW(ByCases([](const Spreadsheet&) { throw Error("full"); }), Error);
+}
+
+}  // namespace
+}  // namespace brenvolt::sra

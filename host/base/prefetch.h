@@ -1,0 +1,18 @@
+// Asking for memory ahead of its use; nothing where the compiler does not know how to.
+#pragma once
+
+namespace brenvolt {
+
+inline void Prefetch([[maybe_unused]] const void* place) {
+#if defined(__GNUC__)
+  __builtin_prefetch(place, 0, 3);
+#endif
+}
+
+inline void PrefetchForWriting([[maybe_unused]] const void* place) {
+#if defined(__GNUC__)
+  __builtin_prefetch(place, 1, 3);
+#endif
+}
+
+}  // namespace brenvolt

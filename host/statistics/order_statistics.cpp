@@ -1,0 +1,107 @@
+#include "host/statistics/order_statistics.h"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace brenvolt {
+namespace {
+
+constexpr int kKeyBits = 64;
+constexpr int kBitsPerPass = 16;
+constexpr std::size_t kParts = std::size_t{1} << kBitsPerPass;
+constexpr std::uint64_t kMostKept = kParts;
+constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
+
+// Whole numbers in the order of the doubles; the two zeros stand side by side.
+std::uint64_t KeyOf(double x) {
+  const auto bits = std::bit_cast<std::uint64_t>(x);
+  return (bits & kSign) != 0 ? ~bits : bits | kSign;
+}
+double ValueOf(std::uint64_t key) {
+  return std::bit_cast<double>((key & kSign) != 0 ? key & ~kSign : ~key);
+}
+
+}  // namespace
+
+OrderStatisticSearch::OrderStatisticSearch(std::span<const std::uint64_t> ranks)
+    : ranks_(ranks.begin(), ranks.end()), values_(ranks.size()) {
+  if (ranks.empty()) return;
+  Group all;
+  for (std::size_t i = 0; i < ranks.size(); ++i) all.sought.push_back(i);
+  all.counts.assign(kParts, 0);
+  groups_.push_back(std::move(all));
+}
+
+void OrderStatisticSearch::Add(std::span<const double> values) {
+  if (IsDone()) return;
+  if (knownBits_ == 0) {
+    std::vector<std::uint64_t>& counts = groups_.front().counts;
+    for (const double x : values) ++counts[KeyOf(x) >> (kKeyBits - kBitsPerPass)];
+    return;
+  }
+  for (const double x : values) {
+    const std::uint64_t key = KeyOf(x);
+    if (isTopSought_[key >> (kKeyBits - kBitsPerPass)] == 0) continue;
+    const std::uint64_t prefix = key >> (kKeyBits - knownBits_);
+    const auto group = std::ranges::lower_bound(groups_, prefix, {}, &Group::prefix);
+    if (group == groups_.end() || group->prefix != prefix) continue;
+    if (group->keeps) {
+      group->members.push_back(x);
+    } else {
+      ++group->counts[(key >> (kKeyBits - knownBits_ - kBitsPerPass)) % kParts];
+    }
+  }
+}
+
+void OrderStatisticSearch::EndPass() {
+  std::vector<Group> parts;
+  for (Group& group : groups_) {
+    if (group.keeps) {
+      FinishKept(group);
+    } else {
+      Divide(group, parts);
+    }
+  }
+  knownBits_ += kBitsPerPass;
+  StartPass(std::move(parts));
+}
+
+void OrderStatisticSearch::FinishKept(Group& group) {
+  std::ranges::sort(group.members, {}, KeyOf);
+  for (const std::size_t i : group.sought) values_[i] = group.members[ranks_[i] - group.below];
+}
+
+// The parts of a group that hold an order statistic sought; those of which every bit is known are found.
+void OrderStatisticSearch::Divide(const Group& group, std::vector<Group>& parts) {
+  std::vector<std::size_t> sought = group.sought;
+  std::ranges::sort(sought, {}, [this](std::size_t i) { return ranks_[i]; });
+  std::uint64_t below = group.below;
+  std::size_t next = 0;
+  for (std::size_t part = 0; part < kParts && next < sought.size(); ++part) {
+    const std::uint64_t end = below + group.counts[part];
+    Group found;
+    found.prefix = group.prefix << kBitsPerPass | part;
+    found.below = below;
+    found.keeps = group.counts[part] <= kMostKept;
+    while (next < sought.size() && ranks_[sought[next]] < end) found.sought.push_back(sought[next++]);
+    below = end;
+    if (found.sought.empty()) continue;
+    if (knownBits_ + kBitsPerPass == kKeyBits) {
+      for (const std::size_t i : found.sought) values_[i] = ValueOf(found.prefix);
+    } else {
+      parts.push_back(std::move(found));
+    }
+  }
+}
+
+void OrderStatisticSearch::StartPass(std::vector<Group> groups) {
+  groups_ = std::move(groups);
+  isTopSought_.assign(groups_.empty() ? 0 : kParts, 0);
+  for (Group& group : groups_) {
+    isTopSought_[group.prefix >> (knownBits_ - kBitsPerPass)] = 1;
+    if (!group.keeps) group.counts.assign(kParts, 0);
+  }
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,46 @@
+// Archives of NumPy arrays: a zip file, not compressed, that holds one .npy file per column, as numpy.savez
+// writes and numpy.load reads. Each column can be taken out as a file of its own and mapped into memory.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "host/base/output_file.h"
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt {
+
+// An archive written column by column, each in pieces. Without Commit the target stays as it was; a pipe or
+// device is written directly. All members throw Error naming the target when it cannot be written.
+class NumpyArchive {
+ public:
+  explicit NumpyArchive(const std::filesystem::path& path);
+  ~NumpyArchive();
+  NumpyArchive(const NumpyArchive&) = delete;
+  NumpyArchive& operator=(const NumpyArchive&) = delete;
+
+  // Starts the next column: `length` doubles, which Append then takes, all of them before the next column.
+  void BeginColumn(const std::string& name, std::uint64_t length);
+  void Append(std::span<const double> values);
+  void Commit();
+
+ private:
+  struct Stream;
+
+  void Check(std::int64_t result) const;
+
+  std::filesystem::path path_;
+  OutputFile file_;
+  std::unique_ptr<Stream> stream_;
+};
+
+// True for names that end in .npz.
+bool IsNumpyArchiveName(const std::filesystem::path& path);
+
+// Writes the variables of a sheet, missing values as NaN; case names and texts are left out.
+void WriteNumpyArchive(const Spreadsheet& sheet, const std::filesystem::path& path);
+
+}  // namespace brenvolt

@@ -1,0 +1,258 @@
+// brenvolt simulate as a user runs it.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <iterator>
+#include <sstream>
+
+#include "tests/command_fixture.h"
+
+namespace brenvolt::test {
+namespace {
+
+TEST_F(Command, SavedFitsSimulateReproducibly) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "geyser.bvw"});
+  for (const std::string method : {"monte-carlo", "latin-hypercube"}) {
+    for (const char* name : {"a.csv", "b.csv"}) {
+      MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "7", "-o", name});
+    }
+    EXPECT_EQ(BytesOf(File("a.csv")), BytesOf(File("b.csv")));
+    MustRun({"simulate", "geyser.bvw", "--method", method, "--samples", "500", "--seed", "8", "-o", "b.csv"});
+    EXPECT_NE(BytesOf(File("a.csv")), BytesOf(File("b.csv")));
+  }
+  EXPECT_TRUE(BytesOf(File("a.csv")).starts_with("Sample #,eruptions,waiting\n1,"));
+  const auto report = Json::parse(
+      MustRun({"simulate", "geyser.bvw", "--samples", "20000", "--seed", "1", "--format", "json"}).out);
+  EXPECT_EQ(report["method"], "Monte Carlo method");
+  EXPECT_EQ(report["variables"][1]["n"], 20000);
+  EXPECT_NEAR(report["variables"][1]["mean"], 70.897, 0.5);
+}
+
+TEST_F(Command, EditedPropertyChangesTheSimulation) {
+  MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--distributions", "normal",
+           "--save", "p.bvw"});
+  Sql("p.bvw", "UPDATE variable_property SET value = '(Location=5.0; Scale=0.001)' WHERE key = 'Normal'");
+  const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--seed", "1", "--format", "json"}).out);
+  EXPECT_NEAR(report["variables"][0]["mean"], 5, 0.001);
+}
+
+TEST_F(Command, VariableWithoutFitsIsLeftOutOfTheSimulation) {
+  WriteBytes(File("d.csv"), "a,b\n3,1\n3,2\n3,4\n3,7\n");
+  MustRun({"fit", "d.csv", "--save", "p.bvw"});
+  const auto report = Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out);
+  ASSERT_EQ(report["variables"].size(), 1U);
+  EXPECT_EQ(report["variables"][0]["name"], "b");
+}
+
+TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
+  MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
+  const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
+  ASSERT_EQ(shown.size(), 4U);
+  EXPECT_EQ(shown[2]["name"], "Monte Carlo method");
+  EXPECT_EQ(shown[3]["name"], "Monte Carlo method (2)");
+}
+
+// Old Faithful's waits follow its eruptions. The target is the correlation of normal scores, whose ranks
+// correlate by 6/pi asin(r/2) (Pearson 1907).
+TEST_F(Command, SimulationReachesTheCorrelationSavedWithTheFits) {
+  constexpr double kFitted = 0.9008112;
+  constexpr double kSpearman = 0.8923237;
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  for (const std::string method : {"iman-conover", "latin-hypercube-iman-conover"}) {
+    const auto simulate = [&](const std::vector<std::string>& more) {
+      std::vector<std::string> arguments{"simulate",  "p.bvw", "--method", method,
+                                         "--samples", "20000", "--seed",   "3"};
+      arguments.insert(arguments.end(), more.begin(), more.end());
+      return MustRun(arguments).out;
+    };
+    const Json report = Json::parse(simulate({"--format", "json", "-o", method + ".csv"}));
+    ASSERT_EQ(report["correlations"].size(), 1U);
+    const Json& pair = report["correlations"][0];
+    EXPECT_EQ(pair["variables"], Json({"eruptions", "waiting"}));
+    EXPECT_NEAR(pair["asked"], kFitted, 5e-8);
+    EXPECT_EQ(pair["used"], pair["asked"]);
+    EXPECT_NEAR(pair["spearman"], kSpearman, 0.005);
+    EXPECT_FALSE(report.contains("repairedMatrix"));
+    // What the file holds correlates as reported.
+    const Json fitted =
+        Json::parse(MustRun({"fit", method + ".csv", "--continuous", "eruptions,waiting", "--distributions",
+                             "normal", "--save", method + ".bvw", "--format", "json"})
+                        .out);
+    EXPECT_EQ(fitted["variables"][0]["n"], 20000);
+    const Json shown =
+        Json::parse(MustRun({"show", method + ".bvw", "Correlation matrix", "--format", "json"}).out);
+    EXPECT_NEAR(shown["variables"][0]["correlations"][1], pair["pearson"], 1e-12);
+    // The same matrix by other names of it gives the same samples.
+    MustRun({"export", "p.bvw:Correlation matrix", "-o", "m.csv"});
+    for (const char* matrix : {"Correlation matrix", "m.csv", "p.bvw", "p.bvw:Correlation matrix"}) {
+      simulate({"--matrix", matrix, "-o", "again.csv"});
+      EXPECT_EQ(BytesOf(File("again.csv")), BytesOf(File(method + ".csv"))) << matrix;
+    }
+    EXPECT_NE(simulate({}).find("  Correlation of      Asked for  Pearson  Spearman\n"), std::string::npos);
+  }
+  EXPECT_FALSE(Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out).contains("correlations"));
+}
+
+TEST_F(Command, SimulationWithoutMuchToCorrelate) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const auto one = Json::parse(
+      MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--variables", "waiting", "--format", "json"})
+          .out);
+  EXPECT_EQ(one["variables"].size(), 1U);
+  EXPECT_FALSE(one.contains("correlations")) << "one variable has no pair";
+  const Outcome few = Run({"simulate", "p.bvw", "--method", "iman-conover", "--samples", "2"});
+  EXPECT_EQ(few.status, 0);
+  EXPECT_TRUE(few.err.starts_with("brenvolt: There are too few samples to take back chance")) << few.err;
+  const std::string nothing = MustRun({"simulate", "p.bvw", "--method", "norta", "-o", "x.csv"}).out;
+  EXPECT_EQ(nothing, "Normal to anything method: nothing was produced; this method has no generator.\n");
+  EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
+}
+
+TEST_F(Command, TableOfCorrelationsStaysShort) {
+  std::string data = "v0,v1,v2,v3,v4,v5,v6,v7,v8,v9,v10\n";
+  for (int i = 0; i < 40; ++i) {
+    for (int v = 0; v < 11; ++v) data += (v == 0 ? "" : ",") + std::to_string((i * (2 * v + 3)) % 41);
+    data += "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  const std::string text = MustRun({"simulate", "p.bvw", "--method", "iman-conover"}).out;
+  const std::string table = text.substr(text.find("Correlation of"));
+  EXPECT_EQ(std::ranges::count(table, '\n'), 1 + 45 + 1);
+  EXPECT_NE(table.find("Farthest off of 55 pairs; --format json has all."), std::string::npos) << table;
+  const Json report =
+      Json::parse(MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--format", "json"}).out);
+  EXPECT_EQ(report["correlations"].size(), 55U);
+}
+
+TEST_F(Command, RepairedMatrixIsSaidAndKept) {
+  WriteBytes(File("d.csv"), "a,b,c\n1,2,5\n2,4,3\n4,1,9\n3,7,1\n7,5,2\n");
+  WriteBytes(File("m.csv"),
+             ",c,a,b\nc,1,-0.9,-0.9\na,-0.9,1,-0.9\nb,-0.9,-0.9,1\nMeans,1,2,3\nStd.Dev.,1,1,1\n"
+             "No.Cases,9,,\nMatrix,1,,\n");
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  const std::vector<std::string> call{"simulate", "p.bvw",  "--method", "iman-conover", "--matrix",
+                                      "m.csv",    "--seed", "1",        "--format",     "json"};
+  const Outcome told = Run(call);
+  EXPECT_EQ(told.status, 0);
+  EXPECT_TRUE(
+      told.err.starts_with("brenvolt: The correlation matrix is not positive definite and was "
+                           "repaired. (smallest eigenvalue -0.8, largest change "))
+      << told.err;
+  EXPECT_NE(told.err.find("from -0.9 to -0.5)\n"), std::string::npos) << told.err;
+  const Json repaired = Json::parse(told.out)["repairedMatrix"];
+  EXPECT_EQ(repaired["variables"], Json({"a", "b", "c"}));
+  EXPECT_NEAR(repaired["correlations"][2][0], -0.5, 1e-12);
+  const Json repair = Json::parse(told.out)["repair"];
+  EXPECT_NEAR(repair["smallestEigenvalue"], -0.8, 1e-12);
+  EXPECT_EQ(repair["largestChange"]["from"], -0.9);
+  EXPECT_NEAR(repair["largestChange"]["to"], -0.5, 1e-12);
+  std::vector<std::string> writing = call;
+  writing.insert(writing.end(), {"-o", "s.csv"});
+  EXPECT_EQ(Json::parse(Run(writing).out)["output"]["matrixFile"], "s-repaired-matrix.csv");
+  std::vector<std::string> saving = call;
+  saving.insert(saving.end(), {"-o", "p.bvw"});
+  EXPECT_EQ(Run(saving).status, 0);
+  const Json shown =
+      Json::parse(MustRun({"show", "p.bvw", "Repaired correlation matrix", "--format", "json"}).out);
+  EXPECT_EQ(shown["variables"][0]["mean"], 2) << "the summaries follow their variables";
+  // The repaired matrix needs no second repair.
+  for (const char* matrix : {"Repaired correlation matrix", "s-repaired-matrix.csv"})
+    MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--matrix", matrix});
+}
+
+// By the reader that NumPy itself uses for archives, and its description of arrays.
+constexpr const char* kReadArchive = R"(
+import ast, struct, sys, zipfile
+archive = zipfile.ZipFile(sys.argv[1])
+assert archive.testzip() is None
+for name in archive.namelist():
+    data = archive.read(name)
+    assert data[:8] == b'\x93NUMPY\x01\x00'
+    length = struct.unpack('<H', data[8:10])[0]
+    header = ast.literal_eval(data[10:10 + length].decode('latin1'))
+    assert header['descr'] == '<f8' and not header['fortran_order'] and (10 + length) % 64 == 0
+    values = struct.unpack('<%dd' % header['shape'][0], data[10 + length:])
+    print(name, *map(repr, values))
+)";
+
+TEST_F(Command, ArchiveHoldsWhatTheTextFileHolds) {
+  WriteBytes(File("d.csv"), "größe,b\n1.5,2\n2,4\n4,1\n3,7\n7,5\n");
+  MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
+  WriteBytes(File("read.py"), kReadArchive);
+  for (const std::string method : {"monte-carlo", "latin-hypercube", "iman-conover"}) {
+    const std::vector<std::string> call{"simulate", "p.bvw",     "--method", method, "--seed",
+                                        "5",        "--samples", "20",       "-o"};
+    for (const char* name : {"x.csv", "x.NPZ"}) {
+      auto arguments = call;
+      arguments.emplace_back(name);
+      MustRun(arguments);
+    }
+    const Outcome read = RunProgram("/usr/bin/python3", {"read.py", "x.NPZ"}, folder.Path());
+    ASSERT_EQ(read.status, 0) << read.err;
+    std::istringstream lines(read.out);
+    std::vector<std::vector<double>> columns;
+    for (std::string line; std::getline(lines, line);) {
+      std::istringstream words(line);
+      std::string name;
+      words >> name;
+      EXPECT_EQ(name, columns.empty() ? "größe.npy" : "b.npy");
+      columns.emplace_back(std::istream_iterator<double>(words), std::istream_iterator<double>());
+    }
+    ASSERT_EQ(columns.size(), 2U);
+    std::istringstream text(BytesOf(File("x.csv")));
+    std::string line;
+    std::getline(text, line);
+    for (std::size_t i = 0; i < 20; ++i) {
+      double sample = 0;
+      double first = 0;
+      double second = 0;
+      char comma = 0;
+      text >> sample >> comma >> first >> comma >> second;
+      EXPECT_EQ(sample, i + 1);
+      EXPECT_EQ(first, columns[0][i]);
+      EXPECT_EQ(second, columns[1][i]);
+    }
+  }
+}
+
+TEST_F(Command, JsonOfASimulationSaysWhereTheDataWent) {
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
+  EXPECT_FALSE(JsonOf({"simulate", "p.bvw"}).contains("output"));
+  EXPECT_EQ(JsonOf({"simulate", "p.bvw", "-o", "x.csv"})["output"], Json({{"file", "x.csv"}}));
+  for (const char* sheet : {"Monte Carlo method", "Monte Carlo method (2)"}) {
+    EXPECT_EQ(JsonOf({"simulate", "p.bvw", "-o", "p.bvw"})["output"],
+              Json({{"file", "p.bvw"}, {"sheet", sheet}}));
+  }
+  EXPECT_EQ(JsonOf({"simulate", "p.bvw", "--method", "norta"})["samples"], 0);
+}
+
+TEST_F(Command, ProjectIsNotReplacedBySamples) {
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
+  std::filesystem::copy(File("p.bvw"), File("project.npz"));
+  const Outcome refused = Run({"simulate", "p.bvw", "-o", "project.npz"});
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_EQ(BytesOf(File("project.npz")), BytesOf(File("p.bvw")));
+}
+
+// Ctrl-C while samples are drawn and written.
+TEST_F(Command, InterruptedSimulationLeavesNoFile) {
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
+  WriteBytes(File("x.csv"), "former\n");
+  for (const std::string output : {"x.csv", "y.npz", "p.bvw"}) {
+    const auto before = folder.Names();
+    const Outcome stopped = RunBrenvolt(
+        {"simulate", "p.bvw", "--samples", output == "p.bvw" ? "60000000" : "1500000000", "-o", output},
+        folder.Path(), std::chrono::milliseconds(400));
+    EXPECT_EQ(stopped.status, 130) << output;
+    EXPECT_EQ(stopped.err, "brenvolt: interrupted\n");
+    EXPECT_EQ(folder.Names(), before);
+  }
+  EXPECT_EQ(BytesOf(File("x.csv")), "former\n");
+}
+
+}  // namespace
+}  // namespace brenvolt::test
