@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 
@@ -135,6 +136,24 @@ double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampl
   return ComputeKolmogorovSmirnovPvalue(static_cast<std::int32_t>(sample.size()), d, error);
 }
 
+// Over bins of equal probability within the range.
+double ChiSquarePValueOfBins(const std::vector<double>& sample, const VariableSampler& sampler,
+                             const Law& law) {
+  constexpr std::size_t kBins = 200;
+  std::vector<double> cdf(sample.size());
+  law.Cdf(sample, cdf);
+  std::array<double, kBins> counts{};
+  const double low = sampler.LowerProbability();
+  for (const double f : cdf) {
+    const double within = (f - low) / (sampler.UpperProbability() - low);
+    ++counts[std::min(kBins - 1, static_cast<std::size_t>(within * kBins))];
+  }
+  const double expected = static_cast<double>(sample.size()) / kBins;
+  double statistic = 0;
+  for (const double count : counts) statistic += (count - expected) * (count - expected) / expected;
+  return ChiSquareTail(statistic, kBins - 1);
+}
+
 // Neighbouring values are pooled until 20 are expected. Zero when a value is drawn that cannot be.
 double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler& sampler, const Law& law,
                        bool byInversion) {
@@ -175,7 +194,8 @@ TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
         const VariableSampler sampler(specification, truncation.band);
         const Law law(specification);
         const double p = IsContinuous(specification.code)
-                             ? KolmogorovPValue(sample, sampler, law)
+                             ? std::min(KolmogorovPValue(sample, sampler, law),
+                                        ChiSquarePValueOfBins(sample, sampler, law))
                              : ChiSquarePValue(sample, sampler, law, latinHypercube);
         EXPECT_GT(p, 1e-6) << DisplayName(specification.code) << ", " << truncation.name << ", hypercube "
                            << latinHypercube;
