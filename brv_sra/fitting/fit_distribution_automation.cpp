@@ -4,6 +4,7 @@
 // would, and works on its controls. A field that is empty reads as "not set" (-444) and is emptied by putting
 // that value.
 #include <array>
+#include <cmath>
 #include <span>
 #include <string>
 #include <string_view>
@@ -114,6 +115,7 @@ Variant GetOffset(Dialog& dialog, Indexes indexes) {
 template <std::int32_t Control>
 void PutOffset(Dialog& dialog, Indexes indexes, const Variant& value) {
   dialog.ShowContinuousVariable(indexes[0].ToInteger());
+  if (!std::isfinite(value.ToReal())) throw Error("not a finite number");
   EnterNumber(dialog, Control, value.ToReal());
 }
 template <std::int32_t Control>

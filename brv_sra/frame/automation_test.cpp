@@ -2,6 +2,7 @@
 // wrong, and none reaches a dialog that is closed.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <functional>
 
 #include "brv_sra/distributions/catalogue.h"
@@ -140,6 +141,23 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
   EXPECT_TRUE(analysis->AutoProfiler());
 }
 
+// No dialog sends its results elsewhere; the fit results alone select the variables of results.
+TEST_F(Automation, CommonPutsOfResultsAreNotAvailable) {
+  for (const Opening& opening : Openings()) {
+    opening.open();
+    for (const char* name :
+         {"ResultsSelection", "ResultsSelectionOption", "ResultsVariables", "ResultsOption", "ResultsCodes",
+          "ResultsSaveFileName", "ResultsValues", "ResultsOutputFields"}) {
+      const bool selects = std::string_view(opening.interface) == "SRAFitDistributionResults" &&
+                           std::string_view(name) == "ResultsVariables";
+      const Variant value = selects ? Dialog()->Get("Variables") : Variant(1);
+      EXPECT_EQ(CodeOf([&] { Dialog()->Put(name, value); }),
+                selects ? AutomationCode::kNone : AutomationCode::kNotAvailable)
+          << opening.interface << "." << name;
+    }
+  }
+}
+
 TEST_F(Automation, EveryMemberRefusesWrongArgumentsAndKeepsItsValue) {
   for (const Opening& opening : Openings()) {
     opening.open();
@@ -181,6 +199,7 @@ TEST_F(Automation, EveryMemberRefusesWrongArgumentsAndKeepsItsValue) {
       if (member.put != kVariant && !member.variableList) wrong.emplace_back(Variant::Array{1, 2});
       if (member.put == kInteger && !member.variableList) wrong.emplace_back(1.5);
       if (member.put == kEnumeration) wrong.emplace_back(4);
+      if (member.put == kReal) wrong.insert(wrong.end(), {Variant(INFINITY), Variant(NAN)});
       for (const Variant& value : wrong) {
         std::vector<Variant> given = arguments;
         given.push_back(value);

@@ -3,7 +3,6 @@
 #include <array>
 
 #include "brv_sra/frame/control_members.h"
-#include "brv_sra/frame/startup_tasks.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/startup_interface.h"
 #include "host/analysis/case_editors.h"
@@ -47,10 +46,14 @@ bool CDefineTask::OnCommand(std::int32_t number) {
     return SimulationAndRisk().OpenData();
   }
   if (const StartupTask* task = FindStartupTask(number)) {
-    StartTask(SimulationAndRisk(), *task, task->step);
+    former_ = StartTask(SimulationAndRisk(), *task, task->step);
     return true;
   }
   return CSimulationAndRiskModelessDialog::OnCommand(number);
+}
+
+void CDefineTask::OnStepRefused() {
+  UndoTask(SimulationAndRisk(), former_);
 }
 
 bool CDefineTask::OnOk() {

@@ -1,7 +1,6 @@
 #include "brv_sra/frame/simulation_startup_dialog.h"
 
 #include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/startup_tasks.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/type_library.h"
 
@@ -23,8 +22,12 @@ bool CSimulation::OnCommand(std::int32_t number) {
   const StartupTask* task = FindStartupTask(number);
   if (task == nullptr) return CSimulationAndRiskModelessDialog::OnCommand(number);
   const bool runs = number == kRunSimulation;
-  StartTask(SimulationAndRisk(), *task, runs ? step::kSimulationFromStartup : task->step);
+  former_ = StartTask(SimulationAndRisk(), *task, runs ? step::kSimulationFromStartup : task->step);
   return true;
+}
+
+void CSimulation::OnStepRefused() {
+  UndoTask(SimulationAndRisk(), former_);
 }
 
 bool CSimulation::OnOk() {

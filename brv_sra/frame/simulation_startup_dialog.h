@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "brv_sra/frame/dialog_base.h"
+#include "brv_sra/frame/startup_tasks.h"
 
 namespace brenvolt::sra {
 
@@ -15,8 +16,12 @@ class CSimulation : public CSimulationAndRiskModelessDialog {
  protected:
   void OnInitDialog() override;
   bool OnCommand(std::int32_t number) override;
+  void OnStepRefused() override;
   // Runs a simulation, as the button does.
   bool OnOk() override;
+
+ private:
+  StartupSettings former_;  // before the task that was started last
 };
 
 }  // namespace brenvolt::sra

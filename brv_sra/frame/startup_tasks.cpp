@@ -36,11 +36,19 @@ std::int32_t LastTask() {
   return lastTask;
 }
 
-void StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step) {
+StartupSettings StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step) {
+  const StartupSettings former{lastTask, analysis.StartupMenusEnabled(), analysis.CaseSelectionEnabled()};
   lastTask = task.command;
   analysis.EnableStartupMenus(false);
   analysis.EnableCaseSettings(!task.ignoresCaseSettings);
   analysis.RequestStep(step);
+  return former;
+}
+
+void UndoTask(CSimulationAndRisk& analysis, const StartupSettings& former) {
+  lastTask = former.lastTask;
+  analysis.EnableStartupMenus(former.startupMenus);
+  analysis.EnableCaseSettings(former.caseSettings);
 }
 
 }  // namespace brenvolt::sra

@@ -25,8 +25,16 @@ const StartupTask* FindStartupTask(std::int32_t command);
 // The command of the task started last in this process; "Fit Distribution" before the first.
 std::int32_t LastTask();
 
+// What starting a task changes.
+struct StartupSettings {
+  std::int32_t lastTask = 0;
+  bool startupMenus = true;
+  bool caseSettings = true;
+};
+
 // Remembers the task, switches the host's startup menus off, its case selection and weights on or off as the
-// task needs them, and asks the sequence for `step`.
-void StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step);
+// task needs them, and asks the sequence for `step`. Returns what was before, for a step that is refused.
+StartupSettings StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step);
+void UndoTask(CSimulationAndRisk& analysis, const StartupSettings& former);
 
 }  // namespace brenvolt::sra

@@ -19,7 +19,14 @@ bool CAnalysisDialog::Press(std::int32_t number) {
   if (!Takes(number)) return false;
   CAnalysisSupport& analysis = analysis_;
   const bool taken = OnCommand(number);
-  return analysis.CompleteTransition() && taken;
+  return Conclude(analysis) && taken;
+}
+
+// The dialog may be gone: a step that was refused has left it open.
+bool CAnalysisDialog::Conclude(CAnalysisSupport& analysis) {
+  if (analysis.CompleteTransition()) return true;
+  if (analysis.GetDialog() == this) OnStepRefused();
+  return false;
 }
 
 void CAnalysisDialog::PutResultsVariables(const Variant& /*variables*/) {
@@ -56,7 +63,7 @@ bool CAnalysisDialog::DoubleClick(std::int32_t number) {
   if (!Takes(number)) return false;
   CAnalysisSupport& analysis = analysis_;
   const bool taken = OnDoubleClick(number);
-  return analysis.CompleteTransition() && taken;
+  return Conclude(analysis) && taken;
 }
 
 bool CAnalysisModalDialog::DoModal() {

@@ -64,6 +64,9 @@ class CAnalysisDialog {
   virtual bool OnCommand(std::int32_t number);
   // A list was double-clicked. False refuses.
   virtual bool OnDoubleClick(std::int32_t /*number*/) { return false; }
+  // The step that a command asked for could not be taken, and the dialog is still open: what was done for the
+  // step is to be undone.
+  virtual void OnStepRefused() {}
   // OK: true when the dialog's checks passed and the work is done.
   virtual bool OnOk() { return true; }
   // A check box, radio button, list or field has its new state.
@@ -77,6 +80,8 @@ class CAnalysisDialog {
 
  private:
   bool Takes(std::int32_t number) const;
+  // Carries out what a command asked the sequence for.
+  bool Conclude(CAnalysisSupport& analysis);
 
   CAnalysisSupport& analysis_;
   const DialogTemplate& template_;

@@ -37,7 +37,7 @@ TEST(VariableNumbers, ReadsEveryFormAndRefusesTheRest) {
   EXPECT_EQ(VariableNumbers(2, 5), List{2});
   EXPECT_EQ(VariableNumbers(Variant::Array{Variant(1), Variant(5.0)}, 5), (List{1, 5}));
   EXPECT_EQ(VariableNumbers(Variant(), 5), List{});
-  for (const char* text : {"0", "6", "3-1", "1-", "a", "1-2000000000", "1--2"}) {
+  for (const char* text : {"0", "6", "3-1", "1-", "a", "1-2000000000", "1--2", "1-3 2", "4 4"}) {
     EXPECT_THROW(VariableNumbers(text, 5), Error) << text;
   }
 }

@@ -1,5 +1,6 @@
 #include "host/automation/variable_list.h"
 
+#include <algorithm>
 #include <optional>
 #include <string_view>
 
@@ -49,9 +50,13 @@ std::vector<std::int16_t> VariableNumbers(const Variant& value, std::size_t vari
   std::vector<std::int16_t> numbers;
   if (value.IsText()) {
     AddText(value.ToText(), variables, numbers);
-    return numbers;
+  } else {
+    for (const Variant& element : value.ToArray()) numbers.push_back(Checked(element.ToInteger(), variables));
   }
-  for (const Variant& element : value.ToArray()) numbers.push_back(Checked(element.ToInteger(), variables));
+  std::vector<std::int16_t> sorted = numbers;
+  std::ranges::sort(sorted);
+  const auto twice = std::ranges::adjacent_find(sorted);
+  if (twice != sorted.end()) throw Error("variable " + std::to_string(*twice) + " is named twice");
   return numbers;
 }
 
