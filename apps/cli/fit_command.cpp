@@ -1,11 +1,8 @@
 // brenvolt fit: distributions fitted to the variables of a data file, tested, ranked and saved.
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,6 +12,7 @@
 #include "apps/cli/fit_graphs.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/session.h"
+#include "host/application/dialog_words.h"
 #include "host/automation/variable_list.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
@@ -49,74 +47,16 @@ struct FitOptions {
   ReportFormat format = ReportFormat::kTable;
 };
 
-// A distribution as the command names it, and the members of the fit dialog that stand for it.
-struct FittedType {
-  std::string_view name;
-  bool continuous;
-  std::string_view check;
-  std::string_view offset;  // empty: it has none
-};
-constexpr std::array<FittedType, 16> kTypes{{
-    {"normal", true, "IsNormalDistribution", ""},
-    {"lognormal", true, "IsLogNormalDistribution", "LogNormalOffset"},
-    {"foldednormal", true, "IsFoldedNormalDistribution", "FoldedNormalOffset"},
-    {"halfnormal", true, "IsHalfNormalDistribution", "HalfNormalOffset"},
-    {"rayleigh", true, "IsRayleighDistribution", "RayleighOffset"},
-    {"weibull", true, "IsWeibullDistribution", "WeibullOffset"},
-    {"gaussianmixture", true, "IsGaussianMixtureDistribution", ""},
-    {"johnson", true, "IsJohnsonDistribution", ""},
-    {"generalextremevalue", true, "IsGeneralizedExtremeValueDistribution", ""},
-    {"generalpareto", true, "IsGeneralizedParetoDistribution", "GeneralizedParetoOffset"},
-    {"triangular", true, "IsTriangularDistribution", ""},
-    {"binomial", false, "IsBinomialDistribution", ""},
-    {"poisson", false, "IsPoissonDistribution", ""},
-    {"geometric", false, "IsGeometricDistribution", ""},
-    {"bernoulli", false, "IsBernoulliDistribution", ""},
-    {"histogram", false, "IsDiscreteDistribution", ""},
-}};
-
-// A choice among radio buttons as the command names it, and the dialog's member.
-using Choices = std::map<std::string, std::string_view>;
-const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},
-                        {"chi-square", "ContinuousChiSquareTest"},
-                        {"anderson-darling", "ContinuousAndersonDarlingTest"}};
-const Choices kDiscreteCriteria{{"ks", "DiscreteKolmogorovSmirovTest"},
-                                {"chi-square", "DiscreteChiSquareTest"}};
-const Choices kBinnings{{"equal-probability", "EqualProbability"}, {"equal-interval", "EqualInterval"}};
-const Choices kDeletions{{"pairwise", "IsPairwise"}, {"casewise", "IsCasewise"}};
-
 constexpr std::int32_t kMostCount = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMostBootstrapSamples = 1'000'000;
-
-std::string AllNames() {
-  std::string names;
-  for (const FittedType& type : kTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
-  return names;
-}
 
 std::string Quoted(std::string_view text) {
   return "'" + std::string(text) + "'";
 }
 
-// Other names that people use.
-const std::map<std::string_view, std::string_view> kOtherNames{
-    {"gev", "generalextremevalue"},
-    {"generalizedextremevalue", "generalextremevalue"},
-    {"gpd", "generalpareto"},
-    {"generalizedpareto", "generalpareto"},
-};
-
-// In any case, with blanks or hyphens between its words, "Log-Normal".
 const FittedType& TypeNamed(std::string_view name) {
-  std::string plain;
-  for (const char c : name) {
-    if (c != ' ' && c != '-') plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  }
-  const auto other = kOtherNames.find(plain);
-  const auto found =
-      std::ranges::find(kTypes, other != kOtherNames.end() ? other->second : plain, &FittedType::name);
-  if (found != kTypes.end()) return *found;
-  throw WrongCall("no distribution called " + Quoted(name) + "; there are " + AllNames());
+  if (const FittedType* type = FindFittedType(name)) return *type;
+  throw WrongCall("no distribution called " + Quoted(name) + "; there are " + FittedTypeNames());
 }
 
 bool IsChosen(const FitOptions& options, std::string_view name) {
@@ -265,7 +205,7 @@ Lists ChooseVariables(const FitOptions& options, const Spreadsheet& sheet) {
 void RequireTypes(const FitOptions& options, const Lists& lists) {
   for (const bool continuous : {true, false}) {
     if ((continuous ? lists.continuous : lists.discrete).empty()) continue;
-    const bool any = std::ranges::any_of(kTypes, [&](const FittedType& type) {
+    const bool any = std::ranges::any_of(kFittedTypes, [&](const FittedType& type) {
       return type.continuous == continuous && IsChosen(options, type.name);
     });
     if (any) continue;
@@ -301,7 +241,7 @@ void CheckDistributions(AutomationObject& dialog, const FitOptions& options, con
     const std::size_t count = (continuous ? lists.continuous : lists.discrete).size();
     for (std::size_t i = 1; i <= count; ++i) {
       const auto place = static_cast<std::int32_t>(i);
-      for (const FittedType& type : kTypes) {
+      for (const FittedType& type : kFittedTypes) {
         if (type.continuous == continuous) dialog.Put(type.check, place, IsChosen(options, type.name));
       }
       if (continuous) dialog.Put("FitJohnsonByPercentile", place, options.johnsonPercentiles);
@@ -352,10 +292,11 @@ std::int32_t ResultPlaceOf(const std::string& variable, const Lists& lists, cons
   return static_cast<std::int32_t>(place - all.begin() + 1);
 }
 
-// Codes are the places in the catalogue, whose order kTypes follows.
+// Codes are the places in the catalogue, whose order kFittedTypes follows.
 Variant CodesOf(const std::vector<const FittedType*>& types) {
   Variant::Array codes;
-  for (const FittedType* type : types) codes.emplace_back(static_cast<std::int32_t>(type - kTypes.data()));
+  for (const FittedType* type : types)
+    codes.emplace_back(static_cast<std::int32_t>(type - kFittedTypes.data()));
   return codes;
 }
 
@@ -531,7 +472,7 @@ void AddVariableOptions(CLI::App& command, FitOptions& options) {
 
 void AddDistributionOptions(CLI::App& command, FitOptions& options) {
   AddList(command, "--distributions", options.distributions, "NAME,NAME",
-          "Distributions to try; default all that apply to a variable: " + AllNames());
+          "Distributions to try; default all that apply to a variable: " + FittedTypeNames());
   AddNumbers(
       command, "--offset", options.offsets, "V:DISTRIBUTION=NUMBER",
       "Where a distribution of a variable starts; default 0. One that is not below all values makes that "

@@ -1,7 +1,9 @@
 // The command brenvolt. Exit status 0: done; 1: the job failed; 2: the call was wrong; 130: interrupted.
+#include <algorithm>
 #include <cstdio>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "apps/cli/commands.h"
 #include "apps/cli/session.h"
@@ -33,6 +35,16 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
   throw brenvolt::cli::WrongCall("no verb called " + std::string(argv[1]) + "; there are " + verbs);
 }
 
+// The arguments as the parser takes them, last first. What stands behind a macro's file is the macro's, also
+// where it looks like an option.
+std::vector<std::string> Arguments(int argc, char** argv) {
+  std::vector<std::string> arguments(argv + 1, argv + argc);
+  if (arguments.size() > 1 && arguments[0] == brenvolt::cli::kMacroVerb && arguments[1][0] != '-')
+    arguments.insert(arguments.begin() + 1, "--");
+  std::ranges::reverse(arguments);
+  return arguments;
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Fits probability distributions to data, ranks the fits, and simulates data from them.");
   program.name(brenvolt::cli::kProgram);
@@ -45,11 +57,12 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddShowCommand(program);
   brenvolt::cli::AddImportCommand(program);
   brenvolt::cli::AddExportCommand(program);
+  brenvolt::cli::AddMacroCommand(program);
   brenvolt::cli::AddTypelibCommand(program);
   for (CLI::App* verb : program.get_subcommands({})) verb->footer(verb->get_footer() + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);
   try {
-    program.parse(argc, argv);
+    program.parse(Arguments(argc, argv));
   } catch (const CLI::Success& help) {
     return program.exit(help);
   } catch (const CLI::ParseError& error) {

@@ -2,7 +2,6 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 
@@ -11,9 +10,9 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
+#include "host/application/dialog_words.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
-#include "host/tables/matrix_sheet.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {
@@ -34,49 +33,17 @@ struct SimulateOptions {
   ReportFormat format = ReportFormat::kTable;
 };
 
-// Methods as the command names them, and the dialog's members.
-const std::map<std::string, std::string_view> kMethods{{"monte-carlo", "MonteCarloMethod"},
-                                                       {"latin-hypercube", "LHSMethod"},
-                                                       {"iman-conover", "ImanConoverMethod"},
-                                                       {"latin-hypercube-iman-conover", "LHSwithImanMethod"},
-                                                       {"norta", "NORTAMethod"}};
-bool InducesCorrelation(const std::string& method) {
-  return method == "iman-conover" || method == "latin-hypercube-iman-conover";
-}
-
-// The property that marks a variable with distributions.
-constexpr std::string_view kOrderProperty = "zOrder";
-
 void CheckSeed(const SimulateOptions& options) {
   if (options.seed && !ParseInteger(*options.seed)) {
     throw WrongCall("--seed wants a whole number from 0 to 2147483647, not " + *options.seed);
   }
 }
 
-// What --matrix names, in the order of trial: a matrix sheet of the project; a sheet of another project; a
-// CSV file. Of a project without a sheet's name the first data sheet's matrix counts.
-std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook& project) {
-  const Spreadsheet* own = project.Find(name);
-  const auto [path, sheetName] = SplitSheetAddress(name);
-  std::error_code ignored;
-  if (own != nullptr && (own->Kind() == SheetKind::kMatrix || !std::filesystem::exists(path, ignored)))
-    return std::make_unique<Spreadsheet>(*own);
-  if (!std::filesystem::exists(path, ignored)) {
-    throw Error("is neither a sheet of the project nor a file", "--matrix " + name);
-  }
-  if (!Workbook::IsWorkbookFile(path)) return MatrixFromTable(ReadCsv(path, {}), path.string());
-  DataFile other = OpenProject(path);
-  const std::string wanted =
-      sheetName.empty() ? CorrelationMatrixName(other.workbook, other.Sheet({}).Name()) : sheetName;
-  return std::make_unique<Spreadsheet>(other.Sheet(wanted));
-}
-
 // The design's correlation matrix: the one named, else the one saved beside the fits; null without either.
-std::unique_ptr<Spreadsheet> CorrelationMatrix(const SimulateOptions& options, const Workbook& project,
-                                               const Spreadsheet& sheet) {
-  if (!options.matrix.empty()) return NamedMatrix(options.matrix, project);
-  const Spreadsheet* saved = project.Find(CorrelationMatrixName(project, sheet.Name()));
-  return saved == nullptr ? nullptr : std::make_unique<Spreadsheet>(*saved);
+std::unique_ptr<Spreadsheet> ChosenMatrix(const SimulateOptions& options, const Workbook& project,
+                                          const Spreadsheet& sheet) {
+  if (!options.matrix.empty()) return NamedMatrix(options.matrix, project, "--matrix " + options.matrix);
+  return SavedMatrix(project, sheet);
 }
 
 void CheckMatrixOption(const SimulateOptions& options) {
@@ -88,7 +55,7 @@ void Specify(Session& session, const SimulateOptions& options, const Spreadsheet
              std::unique_ptr<Spreadsheet> matrix) {
   const auto dialog = session.Dialog();
   if (!options.variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, options.variables)));
-  dialog->Put(kMethods.at(options.method), true);
+  dialog->Put(kSimulationMethods.at(options.method), true);
   dialog->Put("NumberOfSamples", options.samples);
   dialog->Put("IsSeedRandomNumber", options.seed.has_value());
   if (options.seed) dialog->Put("RandomSeedNumber", *options.seed);
@@ -213,13 +180,8 @@ Destination Write(const SimulateOptions& options, const Products& products) {
 // The sheet named, or the first data sheet whose variables carry distributions: simulated data stand beside
 // the sheet that they came from.
 Spreadsheet& InputSheet(const SimulateOptions& options, DataFile& data) {
-  for (std::size_t i = 0; options.sheet.empty() && i < data.workbook.SheetCount(); ++i) {
-    Spreadsheet& sheet = data.workbook.SheetAt(i);
-    for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
-      if (sheet.VariableAt(v).Property(kOrderProperty)) return sheet;
-    }
-  }
-  return data.Sheet(options.sheet);
+  Spreadsheet* fitted = options.sheet.empty() ? FirstFittedSheet(data.workbook) : nullptr;
+  return fitted != nullptr ? *fitted : data.Sheet(options.sheet);
 }
 
 // CSV also goes to devices and pipes, whatever they are called.
@@ -307,7 +269,7 @@ void Simulate(const SimulateOptions& options) {
   DataFile data = OpenProject(options.project);
   Spreadsheet& sheet = InputSheet(options, data);
   const bool isCorrelated = InducesCorrelation(options.method);
-  auto matrix = isCorrelated ? CorrelationMatrix(options, data.workbook, sheet) : nullptr;
+  auto matrix = isCorrelated ? ChosenMatrix(options, data.workbook, sheet) : nullptr;
   Session session(sheet, Task::kSimulate);
   Specify(session, options, sheet, std::move(matrix));
   const Products products = isCorrelated || HasProjectEnding(options.output)
@@ -341,7 +303,7 @@ void AddSimulateCommand(CLI::App& program) {
       ->allow_extra_args(false)
       ->type_name("V,V");
   command->add_option("--method", options->method, "How samples are drawn (default monte-carlo)")
-      ->check(CLI::IsMember(kMethods).description(""))
+      ->check(CLI::IsMember(kSimulationMethods).description(""))
       ->type_name("monte-carlo|latin-hypercube|iman-conover|latin-hypercube-iman-conover|norta");
   command
       ->add_option("--matrix", options->matrix,

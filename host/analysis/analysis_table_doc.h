@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 
 #include "host/automation/automation_object.h"
 #include "host/tables/spreadsheet.h"
@@ -18,8 +19,15 @@ class CAnalysisTableDoc : public AutomationObject {
   bool HasTable() const { return table_ != nullptr; }
   // Hands the spreadsheet out, for instance into a project; the document is empty afterwards.
   std::unique_ptr<Spreadsheet> ReleaseTable() { return std::move(table_); }
-  // Puts other content into the document in the place of the present one.
-  void ReplaceTable(std::unique_ptr<Spreadsheet> table) { table_ = std::move(table); }
+  // Puts other content into the document in the place of the present one: who holds the spreadsheet finds the
+  // new content in it.
+  void ReplaceTable(std::unique_ptr<Spreadsheet> table) {
+    if (table_ != nullptr && table != nullptr) {
+      *table_ = std::move(*table);
+    } else {
+      table_ = std::move(table);
+    }
+  }
 
   std::string_view InterfaceName() const override { return "Spreadsheet"; }
   std::optional<DispatchId> FindMember(std::string_view name) const override;

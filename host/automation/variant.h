@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -49,6 +50,20 @@ class Variant {
   std::string ToText() const;
   // The object, or null when there is none.
   Object ToObject() const;
+  // Calls `visitor` with the value as what it is: std::monostate where it is empty, bool, std::int32_t,
+  // std::int64_t, double, std::string, Object or Array.
+  template <class Visitor>
+  auto Visit(const Visitor& visitor) const {
+    return std::visit(
+        [&]<class Value>(const Value& value) {
+          if constexpr (std::is_same_v<Value, Variant*>) {
+            return visitor(std::monostate());  // resolved above, never a reference
+          } else {
+            return visitor(value);
+          }
+        },
+        Resolved().value_);
+  }
   // The elements; a single value is an array of one, empty is an array of none.
   Array ToArray() const;
 

@@ -36,6 +36,30 @@ TEST(VariableTest, StampFollowsTheContentAndNothingElse) {
   EXPECT_NE(Variable("a", 1).ContentStamp(), Variable("a", 1).ContentStamp());
 }
 
+// Whoever looks at values must never look at freed memory, nor see values that are no longer the variable's.
+TEST(VariableTest, SharedValuesOutliveWhatTheyWereSharedFrom) {
+  std::shared_ptr<const std::vector<double>> single;
+  std::shared_ptr<const std::vector<double>> former;
+  std::shared_ptr<const std::vector<double>> shorter;
+  {
+    Variable variable("v", 0);
+    variable.AssignValues({1, 2});
+    former = variable.SharedValues();
+    variable.AssignValues({3, 4});
+    shorter = variable.SharedValues();
+    variable.Resize(1000, 5);
+    single = variable.SharedValues();
+    Variable copy = variable;
+    copy.MutableValues()[0] = 7;
+    variable.MutableValues()[1] = 8;
+    EXPECT_EQ(copy.Values()[1], 4);
+  }
+  EXPECT_EQ(*former, (std::vector<double>{1, 2}));
+  EXPECT_EQ(*shorter, (std::vector<double>{3, 4}));
+  EXPECT_EQ((*single)[0], 3);
+  EXPECT_EQ((*single)[1], 8);
+}
+
 TEST(VariableTest, MissingMeansNaNOrTheCode) {
   Variable variable("v", 0);
   variable.AssignValues({std::nan(""), -9, -9.0000000000000018, 0});

@@ -14,20 +14,38 @@ std::uint64_t NextStamp() {
 }  // namespace
 
 Variable::Variable(std::string name, std::size_t cases)
-    : name_(std::move(name)), values_(cases, 0.0), stamp_(NextStamp()) {}
+    : name_(std::move(name)),
+      values_(std::make_shared<std::vector<double>>(cases, 0.0)),
+      stamp_(NextStamp()) {}
+
+Variable::Variable(const Variable& other)
+    : name_(other.name_),
+      type_(other.type_),
+      missingCode_(other.missingCode_),
+      values_(std::make_shared<std::vector<double>>(*other.values_)),
+      stamp_(other.stamp_),
+      labels_(other.labels_),
+      properties_(other.properties_) {}
+
+Variable& Variable::operator=(const Variable& other) {
+  if (this != &other) *this = Variable(other);
+  return *this;
+}
 
 std::span<double> Variable::MutableValues() {
   stamp_ = NextStamp();
-  return values_;
+  return *values_;
 }
 
 void Variable::AssignValues(std::vector<double> values) {
-  values_ = std::move(values);
+  values_ = std::make_shared<std::vector<double>>(std::move(values));
   stamp_ = NextStamp();
 }
 
+// Values that somebody shares stay where they are.
 void Variable::Resize(std::size_t cases, double fill) {
-  values_.resize(cases, fill);
+  if (values_.use_count() > 1) values_ = std::make_shared<std::vector<double>>(*values_);
+  values_->resize(cases, fill);
   stamp_ = NextStamp();
 }
 

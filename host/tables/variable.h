@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -30,6 +31,12 @@ class Variable {
  public:
   // A column of `cases` zeros.
   Variable(std::string name, std::size_t cases);
+  // A copy has values of its own.
+  Variable(const Variable& other);
+  Variable& operator=(const Variable& other);
+  Variable(Variable&&) = default;
+  Variable& operator=(Variable&&) = default;
+  ~Variable() = default;
 
   const std::string& Name() const { return name_; }
   void SetName(std::string name) { name_ = std::move(name); }
@@ -40,13 +47,17 @@ class Variable {
   double MissingCode() const { return missingCode_; }
   void SetMissingCode(double code) { missingCode_ = code; }
 
-  std::size_t Size() const { return values_.size(); }
-  std::span<const double> Values() const { return values_; }
+  std::size_t Size() const { return values_->size(); }
+  std::span<const double> Values() const { return *values_; }
+  // The values for one who may look at them longer than the variable, or its sheet, lives. Single values that
+  // change later change there too; where all are assigned anew, or their number changes, what was shared
+  // stays as it was.
+  std::shared_ptr<const std::vector<double>> SharedValues() const { return values_; }
   // For writing; marks the content as changed, also where nothing is written.
   std::span<double> MutableValues();
   void AssignValues(std::vector<double> values);
   void Resize(std::size_t cases, double fill);
-  bool IsMissing(std::size_t index) const { return IsMissingValue(values_[index], missingCode_); }
+  bool IsMissing(std::size_t index) const { return IsMissingValue((*values_)[index], missingCode_); }
 
   // Identifies the content of the column within this process: two columns with equal stamps hold equal
   // values. A copy keeps the stamp, every change takes a new one.
@@ -67,7 +78,7 @@ class Variable {
   std::string name_;
   VariableType type_ = VariableType::kNumeric;
   double missingCode_ = GetDefaultMDValue();
-  std::vector<double> values_;
+  std::shared_ptr<std::vector<double>> values_;  // never null but in a variable moved from
   std::uint64_t stamp_;
   std::map<double, std::string> labels_;
   std::vector<std::pair<std::string, std::string>> properties_;

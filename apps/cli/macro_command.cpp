@@ -1,0 +1,68 @@
+// brenvolt macro: runs a macro, which is a Python program over the package brenvolt.
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "apps/cli/commands.h"
+#include "apps/cli/session.h"
+#include "host/base/dynamic_library.h"
+#include "host/base/error.h"
+#include "host/base/program_start.h"
+
+namespace brenvolt::cli {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Takes the place of the interpreter that the package was built for.
+constexpr const char* kInterpreterVariable = "BRENVOLT_PYTHON";
+constexpr const char* kPathVariable = "PYTHONPATH";
+
+std::string Environment(const char* name) {
+  const char* value = std::getenv(name);
+  return value != nullptr ? value : "";
+}
+
+// The folder that holds the package: that of an installation, or of a built tree.
+fs::path PackageFolder() {
+  const fs::path libraries =
+      LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path();
+  const std::array<fs::path, 2> places{libraries / BRENVOLT_PYTHON_PACKAGES,
+                                       libraries.parent_path() / "python"};
+  std::error_code ignored;
+  for (const fs::path& place : places) {
+    if (fs::exists(place / "brenvolt" / "__init__.py", ignored)) return place;
+  }
+  throw Error("the Python package brenvolt, which macros need, is not installed", places.front().string());
+}
+
+[[noreturn]] void RunMacro(const std::vector<std::string>& arguments) {
+  if (arguments.empty()) throw WrongCall("macro wants the file of a macro, FILE.py");
+  std::error_code ignored;
+  const fs::path file = arguments.front();
+  if (!fs::exists(file, ignored)) throw Error("no such macro", file.string());
+  if (fs::is_directory(file, ignored)) throw Error("is a folder, not a macro", file.string());
+  const std::string chosen = Environment(kInterpreterVariable);
+  const std::string former = Environment(kPathVariable);
+  const std::string path = PackageFolder().string() + (former.empty() ? "" : ":" + former);
+  ContinueAs({chosen.empty() ? BRENVOLT_PYTHON_INTERPRETER : chosen, arguments, {{kPathVariable, path}}});
+}
+
+}  // namespace
+
+void AddMacroCommand(CLI::App& program) {
+  CLI::App* command =
+      program.add_subcommand(kMacroVerb, "Run a macro: a Python program over the package brenvolt");
+  const auto arguments = std::make_shared<std::vector<std::string>>();
+  command->add_option("FILE.py ARGUMENT", *arguments, "The macro, and what it is given as its arguments")
+      ->type_name("");
+  command->footer(
+      "The exit status is the macro's. BRENVOLT_PYTHON names another Python interpreter.\n"
+      "Example:\n  brenvolt macro examples/sea_level_macro.py sea.bvw");
+  command->callback([arguments] { RunMacro(*arguments); });
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,39 @@
+"""Brenvolt Distributions & Simulation: fits probability distributions to data, ranks the fits, simulates from them.
+
+The common jobs, each in one call:
+
+    result = brenvolt.fit(frame)                    # every numeric column, all distributions
+    result.variables["strength"].fits               # a DataFrame, best first
+    result.best["strength"].cdf(100)
+    samples = brenvolt.simulate(result, 10000, method="latin-hypercube", seed=7)
+
+`brenvolt.distributions` has the sixteen distributions. Everything else the system offers is driven through its
+dialogs, as macros do; see Application and Analysis.
+"""
+
+from ._automation import (Analysis, Application, Array, AutomationObject, GraphDocument, IndexedProperty, Nothing,
+                          TableDocument)
+from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv
+from ._errors import Error, MessageWarning
+from ._jobs import FitResult, FittedVariable, fit, simulate
+from . import _automation, _sheets, dialogs, distributions
+
+_OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "Error", "FitResult", "FittedVariable",
+            "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing", "Spreadsheet",
+            "TableDocument", "Variable", "Workbook", "dialogs", "distributions", "fit", "open_workbook", "read_csv",
+            "simulate")
+
+
+def __getattr__(name):
+    """The enumerations and constants of the type library, and with them __all__, which lists everything."""
+    if name == "__all__":
+        return [*_OFFERED, *_automation.enumerations(), *_automation.constants()]
+    if not name.startswith("_"):
+        for offered in (_automation.enumerations, _automation.constants):
+            if name in offered():
+                return offered()[name]
+    raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+
+
+def __dir__():
+    return sorted([*_OFFERED, "__version__", *_automation.enumerations(), *_automation.constants()])

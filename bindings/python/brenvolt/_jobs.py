@@ -1,0 +1,461 @@
+"""The common jobs in one call. They drive the dialogs by the members that macros use; pandas is imported on use."""
+
+from __future__ import annotations
+
+import html
+import os
+from collections.abc import Iterable, Mapping
+from typing import TYPE_CHECKING, Any
+
+from . import _automation, _brenvolt, distributions as _distributions
+from ._brenvolt import Spreadsheet, Workbook
+from ._errors import Error, warn
+
+if TYPE_CHECKING:
+    import pandas
+
+Names = str | int | Iterable[str] | Iterable[int] | None
+
+_FIT, _SIMULATE = 0, 1
+_TYPES = _brenvolt._fitted_types
+_COLUMNS = _brenvolt._result_columns
+_STATISTICS = ("ks", "ks_p", "chi_square", "chi_square_df", "chi_square_p", "ad", "ad_p", "log_likelihood", "aic",
+               "bic")
+_BOOTSTRAP = ("bootstrap_ks_p", "bootstrap_chi_square_p", "bootstrap_ad_p", "bootstrap_samples")
+_GRAPHS = {"histogram": "HistogramWithFit", "cumulative-histogram": "CumulativeHistogram", "pp": "PPPlot",
+           "qq": "QQPlot", "empirical-distribution": "EmpiricalCDFPlot", "box-plot": "BoxPlot",
+           "summary": "SummaryGraph"}
+
+
+def _sheet_of(data, name):
+    """The spreadsheet in whatever people have their data in."""
+    if isinstance(data, Spreadsheet):
+        return data
+    if isinstance(data, _automation.TableDocument):
+        return data.sheet
+    if isinstance(data, Workbook):
+        return data.sheet(name or "")
+    if isinstance(data, (str, os.PathLike)):
+        return _brenvolt.open_workbook(data).sheet(name or "")
+    if hasattr(data, "iloc"):
+        return Spreadsheet.from_pandas(data, name or "Sheet")
+    if not hasattr(data, "items"):
+        columns = data.T if getattr(data, "ndim", 1) == 2 else [data]
+        data = {"x" if len(columns) == 1 else f"x{i}": column for i, column in enumerate(columns, start=1)}
+    sheet = Spreadsheet(name or "Sheet")
+    for column, values in data.items():
+        sheet[str(column)] = values
+    return sheet
+
+
+def _names(names):
+    if names is None:
+        return []
+    return [str(names)] if isinstance(names, (str, int)) else [str(name) for name in names]
+
+
+def _numbers_of(sheet, names):
+    return [sheet.variable(name).number for name in names]
+
+
+def _choice(word, choices, what):
+    if word not in choices:
+        raise ValueError(f"{what} must be one of {', '.join(choices)}, not {word!r}")
+    return choices[word]
+
+
+def _choose_variables(sheet, continuous, discrete):
+    """The variables named, or every numeric variable but the weights as continuous ones."""
+    both = set(continuous) & set(discrete)
+    if both:
+        raise ValueError(f"{sorted(both)[0]!r} is named as continuous and as discrete")
+    for names in (continuous, discrete):
+        if len(set(names)) < len(names):
+            raise ValueError("a variable is named twice")
+    if continuous or discrete:
+        return continuous, discrete
+    text = [name for name in sheet if sheet.variable(name).is_text]
+    chosen = [name for name in sheet if name not in text and name != sheet.weight_variable]
+    if not chosen:
+        raise Error("has no numeric variable", f"sheet {sheet.name}")
+    if text:
+        warn(f"text variables are left out: {', '.join(text)}")
+    return chosen, []
+
+
+class _Specification:
+    """What fit() was asked for, checked and put into the dialog of the fit specification."""
+
+    def __init__(self, sheet, continuous, discrete, names):
+        self.sheet = sheet
+        self.lists = {True: continuous, False: discrete}
+        self.codes = [_brenvolt._code_of(name) for name in names] or range(len(_TYPES))
+        for kind, of in ((True, "continuous"), (False, "discrete")):
+            if self.lists[kind] and not any(_TYPES[code]["continuous"] == kind for code in self.codes):
+                raise ValueError(f"distributions names none for {of} variables")
+
+    def require_chosen(self, name, option):
+        code = _brenvolt._code_of(name)
+        if code not in self.codes:
+            raise ValueError(f"{option} is about the {_TYPES[code]['name']} distribution, which is not tried")
+        return code
+
+    def place(self, variable, continuous, option):
+        """The place of a variable in its list, from 1."""
+        if variable not in self.lists[continuous]:
+            kind = "continuous" if continuous else "discrete"
+            raise ValueError(f"{option}: {variable!r} is not fitted as a {kind} variable")
+        return self.lists[continuous].index(variable) + 1
+
+    def check_distributions(self, dialog, percentiles):
+        for continuous, variables in self.lists.items():
+            for place in range(1, len(variables) + 1):
+                for code, kind in enumerate(_TYPES):
+                    if kind["continuous"] == continuous:
+                        getattr(dialog, kind["check"])[place] = code in self.codes
+                if continuous:
+                    dialog.FitJohnsonByPercentile[place] = percentiles
+
+    def enter_offsets(self, dialog, offsets):
+        for variable, given in offsets.items():
+            place = self.place(variable, True, "offsets")
+            for name, offset in given.items():
+                member = _TYPES[self.require_chosen(name, "offsets")]["offset"]
+                if not member:
+                    raise ValueError(f"the {name} distribution has no offset")
+                getattr(dialog, member)[place] = float(offset)
+
+    def enter_counts(self, dialog, mixtures, trials):
+        for variable, count in mixtures.items():
+            self.require_chosen("gaussianmixture", "mixtures")
+            dialog.NumberOfMixtures[self.place(variable, True, "mixtures")] = int(count)
+        for variable, count in trials.items():
+            self.require_chosen("binomial", "trials")
+            place = self.place(variable, False, "trials")
+            dialog.NumberOfTrials[place] = int(count)
+            dialog.IsNumberOfTrials[place] = True
+
+
+def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *,
+        rank_by: str = "ks", discrete_rank_by: str = "ks", binning: str = "equal-probability", missing: str = "pairwise",
+        weights: str | None = None, select: str | None = None,
+        offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
+        trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False, bootstrap: int = 0,
+        bootstrap_seed: int = 1, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
+    """Fits distributions to variables, tests every fit, and ranks the fits.
+
+    data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
+    file or project.
+    continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
+    distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
+    rank_by: "ks", "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
+    binning: of the chi-square test, "equal-probability" or "equal-interval".
+    missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
+    weights: variable whose whole numbers say how often each case counts.
+    select: condition that a case must meet, such as "x > 3 and y = 1".
+    offsets: {variable: {distribution: offset}}, where the distribution starts.
+    mixtures: {variable: components} of the Gaussian mixture; trials: {variable: trials} of the binomial.
+    johnson_percentiles: fits the Johnson distribution from percentiles instead of moments.
+    bootstrap: samples of a parametric bootstrap, which gives p-values that allow for the estimation.
+    sheet: name of the sheet of a workbook; without, its first data sheet.
+    save: project file that takes the data with the fits; see FitResult.save.
+
+    Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
+    arguments that make no sense.
+    """
+    choices = (_choice(missing, _brenvolt._deletions, "missing"), _choice(rank_by, _brenvolt._criteria, "rank_by"),
+               _choice(discrete_rank_by, _brenvolt._discrete_criteria, "discrete_rank_by"),
+               _choice(binning, _brenvolt._binnings, "binning"))
+    if save is not None:
+        _brenvolt._require_project_ending(save)
+    table = _sheet_of(data, sheet)
+    if weights is not None:
+        table.weight_variable = weights or None
+    if select is not None:
+        table.selection = select or None
+    if save is not None:
+        _brenvolt._take_former_properties(table, save)
+    chosen, counts = _choose_variables(table, _names(continuous), _names(discrete))
+    specification = _Specification(table, chosen, counts, _names(distributions))
+    analysis = _automation.startup(table, _FIT)
+    dialog = analysis.dialog
+    dialog.ContinuousVariable = _numbers_of(table, chosen)
+    dialog.DiscreteVariable = _numbers_of(table, counts)
+    for member in choices:
+        setattr(dialog, member, True)
+    dialog.BootstrapSamples = bootstrap
+    dialog.BootstrapSeed = bootstrap_seed
+    specification.check_distributions(dialog, johnson_percentiles)
+    specification.enter_offsets(dialog, offsets or {})
+    specification.enter_counts(dialog, mixtures or {}, trials or {})
+    dialog.OK()
+    result = FitResult(analysis, chosen + counts)
+    if save is not None:
+        result.save(save)
+    return result
+
+
+class FitResult:
+    """The fits of some variables.
+
+    variables: {name: FittedVariable}; sheet: the data; dialog: the results dialog, for everything else that it offers.
+    """
+
+    def __init__(self, analysis: _automation.Analysis, names: list[str]) -> None:
+        self.analysis = analysis
+        self.dialog = analysis.dialog
+        self.sheet = analysis.sheet
+        rows = self.dialog.SummaryStats.sheet
+        self.variables = {name: FittedVariable(self, row, rows) for row, name in enumerate(names)}
+
+    @property
+    def best(self) -> dict[str, _distributions.Distribution]:
+        """{name: the variable's best distribution}, without variables that no distribution fits."""
+        return {name: variable.best for name, variable in self.variables.items() if variable.best is not None}
+
+    @property
+    def summary(self) -> pandas.DataFrame:
+        """A DataFrame with the moments of the variables."""
+        return self.dialog.SummaryStats.to_pandas()
+
+    def correlations(self) -> pandas.DataFrame:
+        """A DataFrame with the correlations between the fitted variables."""
+        frame = self.dialog.CorrelationMatrix.to_pandas()
+        return frame.iloc[:frame.shape[1]]
+
+    def keep(self, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
+             order: Mapping[str, Names] | None = None) -> Spreadsheet | None:
+        """Puts the fits on the variables of the sheet as properties, and returns their correlation matrix.
+
+        truncate: {variable: (low, high)}, bounds within which it is simulated, either None; order: {variable:
+        [distribution, ...]}, the fits to keep, best first.
+        """
+        places = {name: place for place, name in enumerate(self.variables, start=1)}
+        for variable, bounds in (truncate or {}).items():
+            for end, bound in zip(("Min", "Max"), bounds):
+                getattr(self.dialog, "IsUserDefinedTrunc" + end)[places[variable]] = bound is not None
+                getattr(self.dialog, "UserDefinedTrunc" + end)[places[variable]] = bound
+        for variable, names in (order or {}).items():
+            self.dialog.DistributionOrder[places[variable]] = [_brenvolt._code_of(name) for name in _names(names)]
+        document = self.dialog.SaveDistributionFit
+        return document.sheet if document is not None else None
+
+    def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
+             order: Mapping[str, Names] | None = None) -> None:
+        """Saves the data with the fits and their correlation matrix in a project (.bvw).
+
+        A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with other data is an Error. See keep for
+        truncate and order.
+        """
+        _brenvolt._require_project_ending(path)
+        _brenvolt._take_former_properties(self.sheet, path)
+        _brenvolt._save_fits(self.sheet, self.keep(truncate, order), path)
+
+    def _repr_html_(self):
+        return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}"
+                       for name, variable in self.variables.items())
+
+    def __repr__(self):
+        lines = [f"  {name}: {variable.best!r}" for name, variable in self.variables.items()]
+        return "\n".join(["<FitResult, best fits", *lines]) + ">"
+
+
+class FittedVariable:
+    """A variable with its ranked fits.
+
+    name, kind ("continuous" or "discrete"), n and missing; `distributions` lists the fitted distributions, best first,
+    and None where a fit failed.
+    """
+
+    def __init__(self, result, row, summary):
+        self._result = result
+        self._place = row + 1
+        self.name = summary.case_names[row]
+        self.kind = _text(summary, "kind", row)
+        self.n = int(_number(summary, "n", row))
+        self.missing = int(_number(summary, "missing", row))
+        dialog = self._shown()
+        fitted = dialog.QuickTabDistribution != 0
+        self._table = dialog.QuickTabDistributionSummaryStats.sheet if fitted else None
+        self.distributions = [self._distribution(rank) for rank in range(len(self._table))] if fitted else []
+
+    @property
+    def best(self) -> _distributions.Distribution | None:
+        """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
+        ones the first that does not merely repeat the data as a histogram. None where no distribution fits."""
+        first = self._result.dialog.DistributionOrder[self._place].split(";")[0]
+        return self.distribution(first) if first else None
+
+    @property
+    def fits(self) -> pandas.DataFrame:
+        """A DataFrame of the fits by rank: distribution, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
+        ad: Anderson-Darling), log-likelihood, AIC and BIC; `reason` says why a fit failed.
+
+        p-values take the parameters for known; those of a bootstrap allow for their estimation.
+        """
+        import pandas
+
+        rows = []
+        for place, distribution in enumerate(self.distributions):
+            row = {"rank": place + 1, "distribution": self._table.case_names[place]}
+            row.update(_scalars(distribution))
+            rows.append(row)
+        frame = pandas.DataFrame(rows, columns=None if rows else ["rank", "distribution"])
+        if self._table is None:
+            return frame
+        for name in _STATISTICS + _BOOTSTRAP:
+            if _COLUMNS[name] in self._table:
+                frame[name] = self._table[_COLUMNS[name]]
+        frame["reason"] = [_text(self._table, "reason", place) for place in range(len(frame))]
+        return frame
+
+    def distribution(self, name: str) -> _distributions.Distribution | None:
+        """The fitted distribution of that name; None where its fit failed. Raises KeyError where it was not tried."""
+        return self.distributions[self._place_of(name)]
+
+    def standard_errors(self, name: str) -> dict[str, float]:
+        """{parameter: standard error} of the fit of a distribution; empty where its estimator gives none."""
+        place = self._place_of(name)
+        return dict(zip(_scalars(self.distributions[place]), _numbered(self._table, "standard_error", place)))
+
+    def graph(self, kind: str, distribution: str | None = None) -> _automation.GraphDocument:
+        """A GraphDocument of the fit ranked first, or of that of a named distribution.
+
+        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot" or "summary".
+        """
+        member = _choice(kind, _GRAPHS, "kind")
+        place = 0 if distribution is None else self._place_of(distribution)
+        dialog = self._shown()
+        dialog.QuickTabDistribution = place + 1
+        return getattr(dialog, member)
+
+    def _place_of(self, name):
+        """The place of a distribution among the fits, from 0."""
+        code = _brenvolt._code_of(name)
+        for place in range(len(self.distributions)):
+            if int(_number(self._table, "code", place)) == code:
+                return place
+        raise KeyError(name)
+
+    def _shown(self):
+        dialog = self._result.dialog
+        dialog.QuickTabVariable = self._place
+        return dialog
+
+    def _distribution(self, place):
+        values = _numbered(self._table, "parameter", place)
+        if not values:
+            return None
+        return _distributions.from_code(int(_number(self._table, "code", place)), values,
+                                        _number(self._table, "offset", place))
+
+    def _repr_html_(self):
+        return self.fits.dropna(axis="columns", how="all").to_html(index=False)
+
+    def __repr__(self):
+        return f"<FittedVariable {self.name}: {self.best!r}>"
+
+
+def _number(table, column, row):
+    return float(table[_COLUMNS[column]][row])
+
+
+def _text(table, column, row):
+    if _COLUMNS[column] not in table:
+        return ""
+    return table.variable(_COLUMNS[column]).labels.get(_number(table, column, row), "")
+
+
+def _numbered(table, column, row):
+    """The values of the columns "column 1", "column 2", ... up to the first that is missing."""
+    values = []
+    while (name := f"{_COLUMNS[column]}{len(values) + 1}") in table:
+        value = float(table[name][row])
+        if value != value:
+            break
+        values.append(value)
+    return values
+
+
+def _scalars(distribution):
+    """Parameters that fit a cell: groups of a mixture or histogram do not."""
+    parameters = {} if distribution is None else distribution.parameters
+    return {name: value for name, value in parameters.items() if not isinstance(value, list)}
+
+
+def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, samples: int = 1000,
+             method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
+             variables: Names = None, sheet: str | None = None) -> pandas.DataFrame:
+    """Draws samples from the best fit of each variable.
+
+    source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one.
+    method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
+    "latin-hypercube-iman-conover".
+    seed: 0 to 2147483647; the same seed gives the same samples. Without, they differ each time.
+    truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
+    matrix: the correlations that samples follow: a square DataFrame, a matrix Spreadsheet, or the name of a matrix
+    sheet or file; without, the correlations that belong to the fits.
+    variables: names of those to simulate; without, those of the FitResult, or all with distributions.
+
+    Returns a DataFrame with a row per sample, numbered from 1.
+    """
+    member = _choice(method, _brenvolt._simulation_methods, "method")
+    correlated = _brenvolt._induces_correlation(method)
+    if matrix is not None and not correlated:
+        raise ValueError(f"matrix is for methods that induce correlation, which {method} does not")
+    table, own_matrix = _fitted_sheet(source, sheet)
+    if variables is None and isinstance(source, FitResult):
+        variables = sorted(source.best, key=lambda name: table.variable(name).number)
+    analysis = _automation.startup(table, _SIMULATE)
+    dialog = analysis.dialog
+    if variables is not None:
+        dialog.Variables = _numbers_of(table, _names(variables))
+    setattr(dialog, member, True)
+    dialog.NumberOfSamples = samples
+    dialog.IsSeedRandomNumber = seed is not None
+    if seed is not None:
+        dialog.RandomSeedNumber = seed
+    dialog.TruncateSimulationData = truncate
+    chosen = _matrix_of(matrix, table) if matrix is not None else own_matrix
+    if correlated and chosen is not None:
+        dialog.CorrelationMatrix = chosen
+    dialog.OK()
+    if not analysis.documents:
+        raise Error("nothing was produced; this method has no generator", method)
+    return analysis.documents[0].to_pandas()
+
+
+def _fitted_sheet(source, name):
+    """The sheet with the fits and the correlation matrix that belongs to them, or None."""
+    if isinstance(source, FitResult):
+        return source.sheet, source.keep()
+    if isinstance(source, Spreadsheet):
+        return source, _brenvolt._saved_matrix(source)
+    workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
+    table = _brenvolt._fitted_sheet(workbook) if name is None else None
+    if table is None:
+        table = workbook.sheet(name or "")
+    return table, _brenvolt._saved_matrix(table)
+
+
+
+
+def _matrix_of(matrix, table):
+    if isinstance(matrix, Spreadsheet):
+        return matrix
+    if isinstance(matrix, (str, os.PathLike)):
+        return _brenvolt._named_matrix(os.fspath(matrix), table)
+    import pandas
+
+    frame = pandas.DataFrame(matrix)
+    names = [str(name) for name in frame.columns]
+    if frame.shape[0] != frame.shape[1]:
+        raise ValueError(f"matrix must be square, not {frame.shape[0]} by {frame.shape[1]}")
+    if not isinstance(frame.index, pandas.RangeIndex) and [str(name) for name in frame.index] != names:
+        raise ValueError("the rows of matrix must have the names of its columns, in the same order")
+    sheet = Spreadsheet("matrix")
+    sheet["name"] = names + ["Means", "Std.Dev.", "No.Cases", "Matrix"]
+    for place, name in enumerate(names):
+        last = [1.0, 1.0] if place == 0 else [float("nan"), float("nan")]
+        sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
+    return _brenvolt._matrix_from_table(sheet)

@@ -1,0 +1,53 @@
+#include "bindings/python/errors.h"
+
+#include <pybind11/pybind11.h>
+
+#include <exception>
+
+#include "bindings/python/module.h"
+#include "host/base/error.h"
+
+namespace py = pybind11;
+
+namespace brenvolt::python {
+namespace {
+
+py::object InPackage(const char* name) {
+  return py::module_::import("brenvolt._errors").attr(name);
+}
+
+void SetError(const std::string& text, const std::string& where, const std::string& method) {
+  const py::object type = InPackage("Error");
+  const py::object error = type(text, where, method);
+  PyErr_SetObject(type.ptr(), error.ptr());
+}
+
+void Translate(std::exception_ptr thrown) {
+  try {
+    if (thrown) std::rethrow_exception(thrown);
+  } catch (const AutomationError& error) {
+    SetError(error.Reason(), error.Where(), error.what());
+  } catch (const Error& error) {
+    SetError(error.what(), error.Where(), {});
+  } catch (const UserCancelled&) {
+    PyErr_SetNone(PyExc_KeyboardInterrupt);
+  }
+}
+
+}  // namespace
+
+void RaiseError(const std::string& text, const std::string& where) {
+  SetError(text, where, {});
+  throw py::error_already_set();
+}
+
+void Warn(const Message& message) {
+  const std::string text = message.where.empty() ? message.text : message.text + " (" + message.where + ")";
+  InPackage("warn")(text);
+}
+
+void BindErrors(py::module_& /*module*/) {
+  py::register_exception_translator(&Translate);
+}
+
+}  // namespace brenvolt::python

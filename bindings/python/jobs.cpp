@@ -1,0 +1,157 @@
+// What jobs in Python share with the command: the words for what dialogs offer, and how projects are saved.
+#include <pybind11/stl.h>
+#include <pybind11/stl/filesystem.h>
+
+#include "bindings/python/host_call.h"
+#include "bindings/python/module.h"
+#include "bindings/python/sheets.h"
+#include "host/analysis/result_columns.h"
+#include "host/application/dialog_words.h"
+#include "host/application/project_files.h"
+#include "host/base/almost_equal.h"
+#include "host/tables/matrix_sheet.h"
+
+namespace py = pybind11;
+using namespace pybind11::literals;
+
+namespace brenvolt::python {
+namespace {
+
+using InHost = py::call_guard<HostCall>;
+using Sheet = std::shared_ptr<SheetRef>;
+
+Sheet Free(std::unique_ptr<Spreadsheet> sheet) {
+  return sheet == nullptr ? nullptr : std::make_shared<SheetRef>(std::move(sheet));
+}
+
+std::unique_ptr<Spreadsheet> CopyOf(const Sheet& sheet) {
+  return sheet == nullptr ? nullptr : std::make_unique<Spreadsheet>(sheet->Sheet());
+}
+
+py::list FittedTypes() {
+  py::list types;
+  for (const FittedType& type : kFittedTypes) {
+    types.append(py::dict("name"_a = std::string(type.name), "continuous"_a = type.continuous,
+                          "check"_a = std::string(type.check), "offset"_a = std::string(type.offset)));
+  }
+  return types;
+}
+
+// The code of a distribution that a person names. Throws ValueError that lists the names.
+std::size_t CodeOf(const std::string& name) {
+  const FittedType* type = FindFittedType(name);
+  if (type == nullptr)
+    throw py::value_error("no distribution called '" + name + "'; there are " + FittedTypeNames());
+  return static_cast<std::size_t>(type - kFittedTypes.data());
+}
+
+// The columns of result tables by the names that frames give them.
+py::dict ResultColumns() {
+  using namespace result_column;
+  const std::pair<const char*, std::string_view> columns[] = {
+      {"kind", kKind},
+      {"n", kCount},
+      {"missing", kMissing},
+      {"code", kCode},
+      {"description", kDescription},
+      {"offset", kOffset},
+      {"ks", kKolmogorovSmirnov},
+      {"ks_p", kKolmogorovSmirnovPValue},
+      {"chi_square", kChiSquare},
+      {"chi_square_df", kChiSquareDegrees},
+      {"chi_square_p", kChiSquarePValue},
+      {"ad", kAndersonDarling},
+      {"ad_p", kAndersonDarlingPValue},
+      {"log_likelihood", kLogLikelihood},
+      {"aic", kAic},
+      {"bic", kBic},
+      {"bootstrap_ks_p", kBootstrapKolmogorovSmirnov},
+      {"bootstrap_chi_square_p", kBootstrapChiSquare},
+      {"bootstrap_ad_p", kBootstrapAndersonDarling},
+      {"bootstrap_samples", kBootstrapSamples},
+      {"reason", kReason},
+      {"parameter", kParameter},
+      {"standard_error", kStandardError},
+      {"covariance", kCovariance},
+  };
+  py::dict dictionary;
+  for (const auto& [name, column] : columns) dictionary[name] = std::string(column);
+  return dictionary;
+}
+
+py::dict DictOf(const Choices& choices) {
+  py::dict dictionary;
+  for (const auto& [word, member] : choices) dictionary[py::str(word)] = std::string(member);
+  return dictionary;
+}
+
+void RequireProjectEnding(const std::filesystem::path& path) {
+  if (!HasProjectEnding(path))
+    throw std::invalid_argument("a project's file ends in .bvw, not as " + path.string());
+}
+
+// Saves a fitted sheet with its correlation matrix. A sheet of a project that is saved to the project's own
+// file stays where it is; otherwise it is merged into the project at `path`.
+void SaveFits(const Sheet& sheet, const Sheet& matrix, const std::filesystem::path& path) {
+  RequireProjectEnding(path);
+  const auto& workbook = sheet->Workbook();
+  std::error_code ignored;
+  const bool own = workbook != nullptr && workbook->Path() &&
+                   std::filesystem::equivalent(*workbook->Path(), path, ignored);
+  if (!own) return MergeIntoProject(path, sheet->Sheet(), CopyOf(matrix));
+  if (matrix != nullptr) PutCorrelationMatrix(workbook->Content(), sheet->Sheet().Name(), CopyOf(matrix));
+  workbook->Save(path);
+}
+
+}  // namespace
+
+void BindJobs(py::module_& module) {
+  module.attr("_fitted_types") = FittedTypes();
+  module.attr("_criteria") = DictOf(kCriteria);
+  module.attr("_discrete_criteria") = DictOf(kDiscreteCriteria);
+  module.attr("_binnings") = DictOf(kBinnings);
+  module.attr("_deletions") = DictOf(kDeletions);
+  module.attr("_simulation_methods") = DictOf(kSimulationMethods);
+  module.attr("_result_columns") = ResultColumns();
+  module.attr("NotSet") = kNotSet;
+  module.def(
+      "_take_former_properties",
+      [](const Sheet& sheet, const std::filesystem::path& path) {
+        TakeFormerProperties(path, sheet->Sheet());
+      },
+      InHost());
+  module.def("_require_project_ending", &RequireProjectEnding);
+  module.def("_code_of", &CodeOf);
+  module.def("_induces_correlation", &InducesCorrelation);
+  module.def("_save_fits", &SaveFits, InHost());
+  module.def(
+      "_fitted_sheet",
+      [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
+        Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
+        return sheet == nullptr ? nullptr : workbook->RefTo(*sheet);
+      },
+      InHost());
+  module.def(
+      "_saved_matrix",
+      [](const Sheet& sheet) -> Sheet {
+        const auto& workbook = sheet->Workbook();
+        return workbook == nullptr ? nullptr : Free(SavedMatrix(workbook->Content(), sheet->Sheet()));
+      },
+      InHost());
+  module.def(
+      "_named_matrix",
+      [](const std::string& name, const Sheet& sheet) {
+        const Workbook none;
+        const auto& workbook = sheet->Workbook();
+        return Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
+      },
+      InHost());
+  module.def(
+      "_matrix_from_table",
+      [](const Sheet& table) {
+        return Free(MatrixFromTable(table->Sheet(), "matrix " + table->Sheet().Name()));
+      },
+      InHost());
+}
+
+}  // namespace brenvolt::python

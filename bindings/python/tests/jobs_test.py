@@ -1,0 +1,251 @@
+"""The common jobs in one call: the same numbers as the command, known answers, and clear faults."""
+
+import json
+import os
+import subprocess
+import tempfile
+import unittest
+
+import numpy
+import pandas
+
+import brenvolt
+from brenvolt import Error, MessageWarning, Spreadsheet
+
+EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
+
+
+def example(name):
+    return os.path.join(EXAMPLES, name + ".csv")
+
+
+class Folder(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def file(self, name):
+        return os.path.join(self.folder, name)
+
+    def command(self, *arguments):
+        done = subprocess.run([os.environ["BRENVOLT_PROGRAM"], *arguments], cwd=self.folder, check=True,
+                              capture_output=True, text=True)
+        return done.stdout
+
+
+# Arguments of fit() and what they are for the command.
+SAME_JOBS = (
+    ("groundbeef", {}, ()),
+    ("faithful", {"rank_by": "anderson-darling", "binning": "equal-interval", "distributions": ["weibull", "gev"],
+                  "offsets": {"eruptions": {"Weibull": 1}}},
+     ("--rank-by", "anderson-darling", "--binning", "equal-interval", "--distributions", "weibull,gev", "--offset",
+      "eruptions:weibull=1")),
+    ("faithful", {"mixtures": {"waiting": 3}, "johnson_percentiles": True, "select": "waiting > 60",
+                  "missing": "casewise"},
+     ("--mixtures", "waiting=3", "--johnson-percentiles", "--select", "waiting > 60", "--missing", "casewise")),
+    ("toxocara", {"discrete": "number", "discrete_rank_by": "chi-square", "trials": {"number": 100}},
+     ("--discrete", "number", "--discrete-rank-by", "chi-square", "--trials", "number=100")),
+    ("portpirie_sea_level", {"bootstrap": 20, "bootstrap_seed": 5, "distributions": "normal"},
+     ("--bootstrap", "20", "--bootstrap-seed", "5", "--distributions", "normal")),
+)
+
+
+class Fits(Folder):
+    def same(self, value, expected, what):
+        self.assertTrue(value == expected or (expected is None and numpy.isnan(value)), f"{what}: {value}, {expected}")
+
+    def test_a_fit_is_the_commands(self):
+        for name, arguments, options in SAME_JOBS:
+            report = json.loads(self.command("fit", example(name), *options, "--format", "json"))
+            result = brenvolt.fit(example(name), **arguments)
+            self.assertEqual([variable["name"] for variable in report["variables"]], list(result.variables))
+            for expected in report["variables"]:
+                variable = result.variables[expected["name"]]
+                self.assertEqual((variable.kind, variable.n, variable.missing),
+                                 (expected["kind"], expected["n"], expected["missing"]))
+                fits = variable.fits.to_dict("records")
+                for fit, row, fitted in zip(expected["fits"], fits, variable.distributions, strict=True):
+                    self.compare(fit, row, fitted)
+
+    def compare(self, fit, row, distribution):
+        self.assertEqual((row["rank"], row["distribution"]), (fit["rank"], fit["distribution"]))
+        if fit["parameters"] is None:
+            self.assertIsNone(distribution)
+            self.assertEqual(row["reason"], fit["reason"])
+            return
+        self.assertEqual((distribution.code, distribution._values), (fit["code"], fit["parameters"]))
+        for column, expected in (("ks", fit["kolmogorovSmirnov"]["statistic"]),
+                                 ("ks_p", fit["kolmogorovSmirnov"]["pValue"]), ("aic", fit["aic"]),
+                                 ("ad_p", fit["andersonDarling"]["pValue"]),
+                                 ("chi_square", fit["chiSquare"]["statistic"]), ("bic", fit["bic"]),
+                                 ("chi_square_df", fit["chiSquare"]["degreesOfFreedom"]),
+                                 ("log_likelihood", fit["logLikelihood"]), ("offset", fit["offset"])):
+            if column in row:
+                self.same(row[column], expected, column)
+        if fit["bootstrap"]:
+            self.assertEqual(row["bootstrap_ks_p"], fit["bootstrap"]["kolmogorovSmirnov"])
+
+    def test_known_answers(self):
+        """Weibull by mpmath, generalized extreme value as printed by Coles (2001)."""
+        beef = brenvolt.fit(pandas.read_csv(example("groundbeef")))
+        weibull = beef.variables["serving"].distribution("weibull")
+        self.assertAlmostEqual(weibull.scale, 83.34666883163219, places=9)
+        self.assertAlmostEqual(weibull.shape, 2.185612332259384, places=9)
+        sea = brenvolt.fit(example("portpirie_sea_level")).variables["sealevel"]
+        self.assertEqual([round(sea.best.parameters[name], 3) for name in ("location", "scale", "shape")],
+                         [3.875, 0.198, -0.05])
+        errors = sea.standard_errors("gev")
+        self.assertEqual([round(errors[name], 2) for name in ("location", "scale", "shape")], [0.03, 0.02, 0.10])
+
+    def test_data_in_any_form_give_the_same_fit(self):
+        frame = pandas.read_csv(example("faithful"))
+        sheet = brenvolt.read_csv(example("faithful"))
+        workbook = brenvolt.open_workbook(example("faithful"))
+        expected = brenvolt.fit(frame, "waiting").best["waiting"]
+        for data in (sheet, workbook, example("faithful"), frame["waiting"], {"waiting": frame["waiting"].tolist()},
+                     Spreadsheet.from_pandas(frame)):
+            self.assertEqual(brenvolt.fit(data, "waiting").best["waiting"], expected)
+        self.assertEqual(brenvolt.fit(frame["waiting"].to_numpy()).best["x"], expected)
+        self.assertEqual(brenvolt.fit(frame.to_numpy()).best["x2"], expected)
+        self.assertEqual(brenvolt.fit(pandas.DataFrame(frame.to_numpy()), 1).best["1"], expected)
+
+    def test_texts_are_left_out_and_a_variable_without_a_fit_has_none(self):
+        frame = pandas.DataFrame({"x": numpy.arange(20.0), "same": 3.0, "machine": ["a", "b"] * 10})
+        with self.assertWarnsRegex(MessageWarning, "text variables are left out: machine") as warned:
+            result = brenvolt.fit(frame)
+        self.assertEqual(warned.filename, __file__)
+        self.assertEqual(list(result.best), ["x"])
+        self.assertEqual(result.variables["same"].fits.shape[0], 0)
+        self.assertIsNone(result.variables["same"].best)
+
+    def test_the_best_fit_of_counts_is_no_histogram(self):
+        toxocara = brenvolt.fit(example("toxocara"), discrete="number").variables["number"]
+        self.assertEqual(toxocara.fits["distribution"][0], "Histogram")
+        self.assertEqual(type(toxocara.best).__name__, toxocara.fits["distribution"][1])
+        self.assertAlmostEqual(toxocara.distribution("poisson").mean(), 8.679, places=3)
+        self.assertEqual(toxocara.distribution("histogram").pmf(0), 14 / 53)
+
+    def test_weights_count_cases(self):
+        plain = brenvolt.fit({"x": [1.0, 2, 2, 4, 4, 4]}, distributions="normal").best["x"]
+        weighted = brenvolt.fit({"x": [1.0, 2, 4], "w": [1, 2, 3]}, weights="w", distributions="normal")
+        self.assertEqual(list(weighted.variables), ["x"])
+        self.assertAlmostEqual(weighted.best["x"].scale, plain.scale, places=12)
+
+    def test_calls_that_make_no_sense_are_refused(self):
+        data = {"x": [1.0, 2, 3, 4], "y": [1.0, 2, 3, 5]}
+        cases = [({"distributions": "weibul"}, ValueError, "no distribution called 'weibul'; there are normal"),
+                 ({"continuous": "x", "discrete": "x"}, ValueError, "as continuous and as discrete"),
+                 ({"continuous": ["x", "x"]}, ValueError, "named twice"),
+                 ({"distributions": "poisson"}, ValueError, "none for continuous"),
+                 ({"rank_by": "aic"}, ValueError, "rank_by must be one of anderson-darling, chi-square, ks"),
+                 ({"offsets": {"x": {"normal": 1}}}, ValueError, "has no offset"),
+                 ({"offsets": {"z": {"weibull": 1}}}, ValueError, "'z' is not fitted"),
+                 ({"offsets": {"x": {"weibull": 1}}, "distributions": "gev"}, ValueError, "not tried"),
+                 ({"trials": {"x": 3}}, ValueError, "not fitted as a discrete"),
+                 ({"save": "p.csv"}, ValueError, "ends in .bvw"),
+                 ({"continuous": "z"}, Error, "no variable called 'z'"),
+                 ({"select": "x >"}, Error, "selection condition"),
+                 ({"bootstrap": -1}, Error, "less than 0")]
+        for arguments, kind, message in cases:
+            with self.assertRaisesRegex(kind, message):
+                brenvolt.fit(data, **arguments)
+
+    def test_a_notebook_shows_all_fits(self):
+        result = brenvolt.fit({"a<b": [1.0, 2, 3, 5]}, distributions=["normal", "weibull"])
+        html = result._repr_html_()
+        for shown in ("a&lt;b", "Normal", "Weibull", "ks_p"):
+            self.assertIn(shown, html)
+        self.assertIn("Mean", result.dialog.SummaryStats._repr_html_())
+
+    def test_graphs_are_of_the_variable_and_fit_asked_for(self):
+        result = brenvolt.fit(example("faithful"))
+        for name, variable in result.variables.items():
+            title = variable.graph("histogram", "weibull")
+            self.assertIn(name, f"{title.Title} {title.XAxisTitle}")
+            self.assertRegex(title.curves[0]["formula"], "(?i)weib")
+        with self.assertRaisesRegex(ValueError, "kind must be one of histogram"):
+            variable.graph("pie")
+
+
+class Simulations(Folder):
+    def test_samples_are_the_commands(self):
+        self.command("fit", example("faithful"), "--save", "geyser.bvw")
+        result = brenvolt.fit(example("faithful"))
+        result.save(self.file("own.bvw"))
+        for method, more in (("monte-carlo", {}), ("latin-hypercube", {"truncate": True}), ("iman-conover", {}),
+                             ("latin-hypercube-iman-conover", {"variables": ["waiting", "eruptions"]})):
+            options = ["--truncate"] if "truncate" in more else []
+            options += ["--variables", ",".join(more["variables"])] if "variables" in more else []
+            self.command("simulate", "geyser.bvw", "--method", method, "--seed", "7", *options, "-o", "s.csv")
+            expected = pandas.read_csv(self.file("s.csv"), index_col="Sample #", float_precision="round_trip")
+            for source in (result, self.file("geyser.bvw"), self.file("own.bvw"),
+                           brenvolt.open_workbook(self.file("geyser.bvw"))):
+                samples = brenvolt.simulate(source, 1000, method, seed=7, **more)
+                pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
+
+    def test_samples_follow_a_matrix(self):
+        result = brenvolt.fit(example("faithful"))
+        names = ["eruptions", "waiting"]
+        wanted = pandas.DataFrame([[1, -0.5], [-0.5, 1]], names, names)
+        for matrix in (wanted, wanted.to_numpy().tolist()):
+            if isinstance(matrix, list):
+                matrix = pandas.DataFrame(matrix, columns=names)
+            samples = brenvolt.simulate(result, 5000, "iman-conover", seed=1, matrix=matrix)
+            self.assertAlmostEqual(samples.corr("spearman").iloc[0, 1], -0.5, delta=0.03)
+        self.assertAlmostEqual(result.correlations().loc["eruptions", "waiting"], 0.9008, places=4)
+
+    def test_bounds_and_order_are_kept(self):
+        result = brenvolt.fit(example("portpirie_sea_level"))
+        result.save(self.file("sea.bvw"), truncate={"sealevel": (3.6, None)}, order={"sealevel": ["weibull", "gev"]})
+        variable = brenvolt.open_workbook(self.file("sea.bvw")).sheet().variable("sealevel")
+        self.assertEqual(variable.properties["zOrder"], "Weibull;General Extreme Value;")
+        samples = brenvolt.simulate(self.file("sea.bvw"), 5000, seed=1)["sealevel"]
+        self.assertGreaterEqual(samples.min(), 3.6)
+        self.assertEqual(samples.index[[0, -1]].tolist(), [1, 5000])
+
+    def test_results_of_one_sheet_do_not_mix(self):
+        sheet = brenvolt.read_csv(example("faithful"))
+        weibull = brenvolt.fit(sheet, "waiting", distributions="weibull")
+        normal = brenvolt.fit(sheet, "waiting", distributions="normal")
+        other = brenvolt.fit(sheet, "eruptions", distributions="normal")
+        expected = [brenvolt.simulate(result, 50, seed=1) for result in (weibull, normal, other)]
+        self.assertEqual([list(samples) for samples in expected], [["waiting"], ["waiting"], ["eruptions"]])
+        self.assertFalse((expected[0] == expected[1]).to_numpy().any())
+        again = [brenvolt.simulate(result, 50, seed=1) for result in (weibull, normal, other)]
+        for former, latter in zip(expected, again):
+            pandas.testing.assert_frame_equal(former, latter)
+
+    def test_fit_saves_as_the_command_does(self):
+        frame = pandas.read_csv(example("faithful"))
+        sheet = Spreadsheet.from_pandas(frame, "faithful")
+        brenvolt.fit(sheet, save=self.file("own.bvw"))
+        self.command("fit", example("faithful"), "--save", "geyser.bvw")
+        with open(self.file("own.bvw"), "rb") as own, open(self.file("geyser.bvw"), "rb") as commands:
+            self.assertEqual(own.read(), commands.read())
+        # A second save into the project leaves one sheet, whose fits it renews.
+        workbook = brenvolt.open_workbook(self.file("own.bvw"))
+        brenvolt.fit(workbook, distributions="weibull", save=self.file("own.bvw"))
+        self.assertEqual(brenvolt.open_workbook(self.file("own.bvw")).names, ["faithful", "Correlation matrix"])
+        sheet["waiting"] = sheet["waiting"] + 1
+        with self.assertRaisesRegex(Error, "with other data"):
+            brenvolt.fit(sheet, save=self.file("own.bvw"))
+
+    def test_what_cannot_be_simulated_is_told(self):
+        result = brenvolt.fit(example("faithful"))
+        cases = [(lambda: brenvolt.simulate(result, method="sobol"), ValueError, "method must be one of"),
+                 (lambda: brenvolt.simulate(result, matrix="m.csv"), ValueError, "matrix is for methods"),
+                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix="none.csv"), Error, "neither a sheet"),
+                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), ValueError, "square"),
+                 (lambda: brenvolt.simulate(result, 0), Error, "."),
+                 (lambda: brenvolt.simulate(result, 10, "norta"), Error, "no generator"),
+                 (lambda: brenvolt.simulate(result, variables="none"), Error, "no variable called 'none'"),
+                 (lambda: brenvolt.simulate(example("faithful"), 10), Error, "."),
+                 (lambda: result.save(self.file("p.csv")), ValueError, "ends in .bvw")]
+        for call, kind, message in cases:
+            with self.assertRaisesRegex(kind, message):
+                call()
+
+
+if __name__ == "__main__":
+    unittest.main()

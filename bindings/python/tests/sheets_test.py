@@ -1,0 +1,161 @@
+"""Spreadsheets and workbooks: views that are safe, pandas there and back, files."""
+
+import gc
+import os
+import tempfile
+import unittest
+
+import numpy
+import pandas
+
+import brenvolt
+from brenvolt import Error, Spreadsheet, Workbook
+
+EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
+
+
+class Views(unittest.TestCase):
+    def test_a_view_shows_the_sheets_own_values(self):
+        sheet = brenvolt.read_csv(os.path.join(EXAMPLES, "faithful.csv"))
+        first, second = sheet["waiting"], sheet.variable("waiting").values
+        self.assertEqual(first.__array_interface__["data"], second.__array_interface__["data"])
+        self.assertEqual((first.size, first[0]), (272, 79))
+        with self.assertRaises(ValueError):
+            first[0] = 1
+        with self.assertRaises(ValueError):
+            first.setflags(write=True)
+
+    def test_a_view_outlives_everything_it_came_from(self):
+        def views():
+            workbook = brenvolt.open_workbook(os.path.join(EXAMPLES, "faithful.csv"))
+            sheet = workbook.sheet()
+            before = sheet["waiting"]
+            sheet["waiting"] = numpy.zeros(272)
+            assigned = sheet["waiting"]
+            sheet.add_cases(100_000)
+            longer = sheet["waiting"]
+            workbook.remove("faithful")
+            return before, assigned, longer
+
+        before, assigned, longer = views()
+        gc.collect()
+        ballast = [numpy.full(272, 7.0) for _ in range(1000)]
+        self.assertEqual((before.sum(), before.size), (19284, 272))
+        self.assertEqual((assigned.sum(), assigned.size), (0, 272))
+        self.assertEqual((longer.size, numpy.isnan(longer[-1])), (100_272, True))
+        del ballast
+
+    def test_a_sheet_outlives_its_workbook(self):
+        sheet = brenvolt.open_workbook(os.path.join(EXAMPLES, "faithful.csv")).sheet()
+        gc.collect()
+        self.assertEqual(sheet.shape, (272, 2))
+        workbook = Workbook()
+        self.assertIs(workbook.add(sheet.copy()), workbook[0])
+        taken = workbook.remove("faithful")
+        del workbook
+        gc.collect()
+        self.assertEqual(taken.names, ["eruptions", "waiting"])
+
+
+class Pandas(unittest.TestCase):
+    frame = pandas.DataFrame({
+        "strength": [1.5, numpy.nan, -2.0], "count": pandas.array([1, None, 3], dtype="Int64"),
+        "good": [True, False, True],
+        "machine": ["b", None, "a"], "shift": pandas.Categorical(["early", "late", "early"])}, index=["p", "q", "r"])
+
+    def test_a_frame_comes_back_as_it_went(self):
+        sheet = Spreadsheet.from_pandas(self.frame, "parts")
+        back = sheet.to_pandas()
+        self.assertEqual([sheet.variable(name).is_text for name in sheet], [False, False, False, True, True])
+        expected = self.frame.astype({"count": float, "good": float, "shift": object})
+        expected["machine"] = expected["machine"].where(expected["machine"].notna(), numpy.nan)
+        pandas.testing.assert_frame_equal(back, expected)
+
+    def test_missing_codes_become_missing(self):
+        sheet = Spreadsheet("s")
+        sheet["x"] = [1, -999, 3]
+        sheet.variable("x").missing_code = -999
+        self.assertEqual(sheet.variable("x").missing.tolist(), [False, True, False])
+        self.assertTrue(numpy.isnan(sheet.to_pandas()["x"][1]))
+        self.assertEqual(sheet["x"][1], -999)
+
+    def test_what_is_neither_numbers_nor_texts_is_refused(self):
+        for column in (pandas.to_datetime(["2020-01-01"]), numpy.array([1j])):
+            with self.assertRaisesRegex(TypeError, "column 'x' is of type"):
+                Spreadsheet.from_pandas(pandas.DataFrame({"x": column}))
+
+    def test_columns_of_another_length_are_refused(self):
+        sheet = Spreadsheet("s")
+        sheet["x"] = numpy.arange(3)
+        for name in ("x", "y"):
+            with self.assertRaises(Error):
+                sheet[name] = numpy.arange(4)
+        with self.assertRaises(ValueError):
+            sheet["y"] = numpy.zeros((3, 1))
+        self.assertEqual(sheet.names, ["x"])
+
+    def test_columns_of_one_name_stay_apart(self):
+        frame = pandas.DataFrame([[1.0, 2.0]], columns=["x", "x"])
+        with self.assertRaisesRegex(ValueError, "'x' names two columns"):
+            Spreadsheet.from_pandas(frame)
+
+
+class Files(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = folder.name
+
+    def file(self, name):
+        return os.path.join(self.folder, name)
+
+    def test_a_project_keeps_everything(self):
+        sheet = Spreadsheet.from_pandas(Pandas.frame, "parts")
+        sheet.weight_variable, sheet.selection = "count", "count = 1 or count = 3"
+        sheet.variable("strength").set_property("note", "tensile")
+        workbook = Workbook()
+        workbook.add(sheet)
+        with self.assertRaisesRegex(ValueError, "no file yet"):
+            workbook.save()
+        workbook.save(self.file("p.bvw"))
+        sheet["strength"] = [1.0, 2.0, 3.0]
+        workbook.save()
+        again = brenvolt.open_workbook(self.file("p.bvw"))["parts"]
+        self.assertEqual(again["strength"].tolist(), [1, 2, 3])
+        self.assertEqual(again["machine"].tolist()[0::2], [1, 2])
+        self.assertEqual(again.variable("machine").labels, {1: "b", 2: "a"})
+        self.assertEqual((again.weight_variable, again.selection), ("count", "count = 1 or count = 3"))
+        self.assertEqual(again.case_names, ["p", "q", "r"])
+
+    def test_csv_reads_back_exactly(self):
+        sheet = Spreadsheet("s")
+        sheet["x"] = [0.1, 1e-300, numpy.nan]
+        sheet["t"] = ["a,b", "c\nd", "e"]
+        for comma in (False, True):
+            sheet.to_csv(self.file("s.csv"), decimal_comma=comma)
+            again = brenvolt.read_csv(self.file("s.csv"), decimal_comma=comma).to_pandas()
+            pandas.testing.assert_frame_equal(again, sheet.to_pandas())
+
+    def test_errors_say_what_and_where(self):
+        sheet = brenvolt.read_csv(os.path.join(EXAMPLES, "faithful.csv"))
+        cases = [(lambda: brenvolt.open_workbook(self.file("none.bvw")), "No such file", "none.bvw"),
+                 (lambda: sheet.variable("eruption"), "no variable called 'eruption'", "sheet faithful"),
+                 (lambda: sheet.variable(3), "no variable 3", "sheet faithful"),
+                 (lambda: setattr(sheet, "selection", "waiting >"), "", "selection condition"),
+                 (lambda: sheet.to_csv(self.file("no/such/folder.csv")), "", "folder.csv")]
+        for call, text, where in cases:
+            with self.assertRaises(Error) as raised:
+                call()
+            self.assertIn(text, raised.exception.text)
+            self.assertIn(where, raised.exception.where)
+            self.assertEqual(str(raised.exception), f"{raised.exception.text} ({raised.exception.where})")
+        workbook = Workbook()
+        for call in (lambda: workbook["x"], lambda: sheet["x"], lambda: workbook.remove("x")):
+            with self.assertRaises(KeyError):
+                call()
+        with self.assertRaises(IndexError):
+            workbook[0]
+
+
+if __name__ == "__main__":
+    unittest.main()

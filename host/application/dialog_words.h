@@ -1,0 +1,46 @@
+// The words by which people name what the dialogs of an analysis offer, and the automation members that stand
+// for them: one vocabulary for the command and the Python package, which both drive the dialogs by these
+// members.
+#pragma once
+
+#include <array>
+#include <map>
+#include <string>
+#include <string_view>
+
+namespace brenvolt {
+
+// A distribution, and its members in the dialog of the fit specification.
+struct FittedType {
+  std::string_view name;
+  bool continuous;
+  std::string_view check;
+  std::string_view offset;  // empty: it has none
+};
+
+// In the order of the distributions' codes, which are the places here.
+extern const std::array<FittedType, 16> kFittedTypes;
+
+// The distribution that a person names, in any case, with blanks or hyphens between its words ("Log-Normal"),
+// or by another usual name ("gev"); null when there is none.
+const FittedType* FindFittedType(std::string_view name);
+// All names, separated by commas.
+std::string FittedTypeNames();
+
+// A choice among radio buttons, and the dialog's member.
+using Choices = std::map<std::string, std::string_view>;
+// Of the fit specification: the test that ranks continuous and discrete variables, the bins of the chi-square
+// test, and what is left out with a missing value.
+extern const Choices kCriteria;
+extern const Choices kDiscreteCriteria;
+extern const Choices kBinnings;
+extern const Choices kDeletions;
+// Of the simulation: how samples are drawn.
+extern const Choices kSimulationMethods;
+// True for a method whose samples follow a correlation matrix.
+bool InducesCorrelation(const std::string& method);
+
+// The property that marks a variable with saved distributions.
+inline constexpr std::string_view kOrderProperty = "zOrder";
+
+}  // namespace brenvolt
