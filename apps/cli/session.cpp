@@ -8,8 +8,9 @@
 
 namespace brenvolt::cli {
 
-Session::Session(Spreadsheet& sheet, Task task)
+Session::Session(Spreadsheet& sheet, Task task, JobRecorder& job)
     : document_(userInterface_, &sheet), analysis_(application_.NewAnalysis(document_)) {
+  job.Started(&sheet, *analysis_);
   Dialog()->Put("TypeOfAnalysis", static_cast<std::int32_t>(task));
   Ok();
 }

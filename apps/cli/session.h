@@ -9,6 +9,7 @@
 
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
+#include "host/application/job_recorder.h"
 
 namespace brenvolt::cli {
 
@@ -29,8 +30,11 @@ enum class Task : std::int32_t { kFit = 0, kSimulate = 1 };
 
 class Session {
  public:
-  // Starts an analysis over a sheet, which must outlive the session, and moves to the dialog of a task.
-  Session(Spreadsheet& sheet, Task task);
+  // Starts an analysis over a sheet, which must outlive the session, as must what records it, and moves to the
+  // dialog of a task.
+  Session(Spreadsheet& sheet, Task task, JobRecorder& job);
+
+  CAnalysisSupport& Analysis() { return *analysis_; }
 
   // The automation object of the open dialog.
   std::shared_ptr<AutomationObject> Dialog();

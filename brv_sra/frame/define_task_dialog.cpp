@@ -53,6 +53,15 @@ bool CDefineTask::OnCommand(std::int32_t number) {
   return CSimulationAndRiskModelessDialog::OnCommand(number);
 }
 
+std::vector<CAnalysisDialog::StandIn> CDefineTask::StandInsOf(std::int32_t number) const {
+  const StandIn start{"OK", CallKind::kMethod, {}};
+  if (number == kTaskList) return {start};
+  const StartupTask* task = FindStartupTask(number);
+  if (task == nullptr) return {};
+  const auto place = static_cast<std::int32_t>(task - StartupTasks().data());
+  return {{"TypeOfAnalysis", CallKind::kPut, place}, start};
+}
+
 bool CDefineTask::OnOk() {
   const int selected = Controls().Selection(kTaskList);
   return selected >= 0 && OnCommand(StartupTasks()[static_cast<std::size_t>(selected)].command);

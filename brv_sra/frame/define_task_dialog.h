@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
 
@@ -10,6 +11,9 @@ namespace brenvolt::sra {
 class CDefineTask : public CSimulationAndRiskModelessDialog {
  public:
   explicit CDefineTask(CSimulationAndRisk& analysis);
+
+  // A task's button selects and starts it.
+  std::vector<StandIn> StandInsOf(std::int32_t number) const override;
 
  protected:
   void OnInitDialog() override;
