@@ -9,7 +9,7 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/fit_graphs.h"
+#include "host/application/fit_graphs.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/recording.h"
 #include "apps/cli/session.h"
@@ -428,7 +428,7 @@ void Fit(const FitOptions& options) {
     SpecifySaving(*session.Dialog(), options, lists, sheet);
     Save(session, options, data, sheet, job);
   }
-  if (!options.graphs.empty()) WriteFitGraphs(*session.Dialog(), options.graphs);
+  if (!options.graphs.empty()) WriteFitGraphs(session.Analysis(), options.graphs, job);
   ReportFit(*session.Dialog(), sheet,
             {options.rankBy, options.discreteRankBy, options.bootstrapSamples, options.format});
   if (!options.project.empty() && options.format == ReportFormat::kTable) {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "apps/cli/result_table.h"
+#include "host/application/result_table.h"
 #include "apps/cli/session.h"
 #include "host/analysis/result_columns.h"
 

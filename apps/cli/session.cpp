@@ -35,12 +35,6 @@ Variant::Object Session::Produce(std::string_view member, const Variant& index) 
   }
 }
 
-const Spreadsheet& TableOf(const Variant& result) {
-  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(result.ToObject());
-  if (document == nullptr) throw Error("the analysis returned no table");
-  return document->Table();
-}
-
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names) {
   std::vector<std::int16_t> numbers;
   for (const std::string& name : names) {

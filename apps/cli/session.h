@@ -10,6 +10,7 @@
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
 #include "host/application/job_recorder.h"
+#include "host/application/result_table.h"
 
 namespace brenvolt::cli {
 
@@ -53,9 +54,6 @@ class Session {
   CAnalysisDoc document_;
   std::unique_ptr<CAnalysisSupport> analysis_;
 };
-
-// The spreadsheet behind an automation call's result.
-const Spreadsheet& TableOf(const Variant& result);
 
 // The numbers (from 1) of variables by name. Throws Error for a name that the sheet does not have.
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names);

@@ -9,6 +9,7 @@
 #include "host/analysis/result_columns.h"
 #include "host/application/dialog_words.h"
 #include "host/application/exchange.h"
+#include "host/application/fit_graphs.h"
 #include "host/application/project_files.h"
 #include "host/base/almost_equal.h"
 #include "host/tables/matrix_sheet.h"
@@ -207,12 +208,18 @@ void BindJobs(py::module_& module) {
       "_fitted_sheet",
       [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
         Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
-        return sheet == nullptr ? nullptr : Recorded(workbook->RefTo(*sheet));
+        return sheet == nullptr ? nullptr : Recorded(workbook->RefTo(*sheet), sheet->Name());
       },
       InHost());
   module.def("_saved_matrix", &SavedMatrixOf, InHost());
   module.def("_named_matrix", &MatrixNamed, InHost());
   module.def("_append", &Append, InHost());
+  module.def(
+      "_write_fit_graphs",
+      [](const std::shared_ptr<AnalysisRef>& analysis, const std::filesystem::path& path) {
+        WriteFitGraphs(analysis->Analysis(), path, TheJob());
+      },
+      InHost());
   module.def("_import", &Import, InHost());
   module.def("_export", &Export, InHost());
   module.def("_score", &Score, InHost());

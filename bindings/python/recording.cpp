@@ -66,12 +66,12 @@ void RecordMade(const std::shared_ptr<WorkbookRef>& workbook) {
   TheJob().Gave("workbook", nullptr, "NewWorkbook", {}, workbook.get());
 }
 
-std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet) {
+std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet, const std::string& name) {
   MacroRecorder* recorder = TheJob().Recorder();
   const WorkbookRef* workbook = sheet->Workbook().get();
   if (recorder == nullptr || recorder->Knows(sheet.get()) || !recorder->Knows(workbook)) return sheet;
   Keep(sheet);
-  TheJob().Took(workbook, sheet->Sheet().Name(), sheet.get());
+  TheJob().Took(workbook, name, sheet.get());
   return sheet;
 }
 

@@ -21,8 +21,9 @@ JobRecorder& TheJob();
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,
                   bool decimalComma);
 void RecordMade(const std::shared_ptr<WorkbookRef>& workbook);
-// A sheet of a workbook; nothing where the macro has it already.
-std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet);
+// A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing where the macro has
+// it already.
+std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet, const std::string& name);
 void RecordGiven(std::string_view name, const void* object, std::string_view function,
                  const JobRecorder::Arguments& arguments, const std::shared_ptr<SheetRef>& sheet);
 // How the macro reaches a sheet or what a call gave; "" while nothing is recorded. Throws Error where nothing

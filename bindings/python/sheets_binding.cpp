@@ -364,7 +364,7 @@ void BindWorkbook(py::module_& module) {
                              "The names of the sheets in their order.")
       .def(
           "sheet",
-          [](const Book& book, const std::string& name) { return Recorded(book->SheetCalled(name)); },
+          [](const Book& book, const std::string& name) { return Recorded(book->SheetCalled(name), name); },
           InHost(), py::arg("name") = "",
            "The sheet of that name; without one, the first data sheet.")
       .def(
@@ -372,12 +372,16 @@ void BindWorkbook(py::module_& module) {
           [](const Book& book, const std::string& name) {
             Spreadsheet* sheet = book->Content().Find(name);
             if (sheet == nullptr) throw py::key_error(name);
-            return Recorded(book->RefTo(*sheet));
+            return Recorded(book->RefTo(*sheet), name);
           },
           InHost())
       .def(
           "__getitem__",
-          [](const Book& book, std::ptrdiff_t index) { return Recorded(book->SheetAt(index)); }, InHost(),
+          [](const Book& book, std::ptrdiff_t index) {
+            const Sheet sheet = book->SheetAt(index);
+            return Recorded(sheet, sheet->Sheet().Name());
+          },
+          InHost(),
           py::arg("index"))
       .def(
           "__contains__",

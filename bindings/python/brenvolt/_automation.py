@@ -384,6 +384,10 @@ class Application:
         """Saves a fitted sheet with the correlation matrix of its fits in a project (.bvw), made when there is none."""
         _brenvolt._save_fits(sheet, _sheet(matrix), path)
 
+    def write_fit_graphs(self, analysis: Analysis, path: str | os.PathLike) -> None:
+        """Writes the data of the graphs of fits, whose results are the open dialog, as JSON."""
+        _brenvolt._write_fit_graphs(analysis._analysis, path)
+
     def saved_matrix(self, sheet: _brenvolt.Spreadsheet) -> _brenvolt.Spreadsheet | None:
         """A copy of the correlation matrix saved with the fits of a sheet of a project."""
         return _brenvolt._saved_matrix(sheet)
@@ -423,6 +427,7 @@ class Application:
     ReadCsv = read_csv
     TakeFormerProperties = take_former_properties
     SaveFits = save_fits
+    WriteFitGraphs = write_fit_graphs
     SavedMatrix = saved_matrix
     NamedMatrix = named_matrix
     Append = append
