@@ -54,12 +54,11 @@ bool CDefineTask::OnCommand(std::int32_t number) {
 }
 
 std::vector<CAnalysisDialog::StandIn> CDefineTask::StandInsOf(std::int32_t number) const {
-  const StandIn start{"OK", CallKind::kMethod, {}};
-  if (number == kTaskList) return {start};
   const StartupTask* task = FindStartupTask(number);
-  if (task == nullptr) return {};
-  const auto place = static_cast<std::int32_t>(task - StartupTasks().data());
-  return {{"TypeOfAnalysis", CallKind::kPut, place}, start};
+  std::int32_t place = Controls().Selection(kTaskList);
+  if (task != nullptr) place = static_cast<std::int32_t>(task - StartupTasks().data());
+  if (task == nullptr && number != kControlOk && number != kTaskList) return {};
+  return {{"TypeOfAnalysis", CallKind::kPut, place}, {"OK", CallKind::kMethod, {}}};
 }
 
 bool CDefineTask::OnOk() {

@@ -12,7 +12,8 @@ class CDefineTask : public CSimulationAndRiskModelessDialog {
  public:
   explicit CDefineTask(CSimulationAndRisk& analysis);
 
-  // A task's button selects and starts it.
+  // A task's button selects and starts it. So does OK: what is selected at first is the task that the process
+  // started last, which need not be the same when a macro runs.
   std::vector<StandIn> StandInsOf(std::int32_t number) const override;
 
  protected:

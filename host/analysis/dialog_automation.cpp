@@ -215,7 +215,7 @@ std::vector<MacroCall> DialogAutomationBase::Settings() {
 
 std::vector<MacroCall> DialogAutomationBase::StandIns(std::int32_t button) const {
   std::vector<CAnalysisDialog::StandIn> calls = dialog_->StandInsOf(button);
-  if (button == kControlOk) calls = {{"OK", CallKind::kMethod, {}}};
+  if (calls.empty() && button == kControlOk) calls = {{"OK", CallKind::kMethod, {}}};
   if (button == kControlCancel) calls = {{"Cancel", CallKind::kMethod, {}}};
   if (const auto place = MemberOfButton(button))
     calls = {{interface_.members[*place].name, CallKind::kGet, {}}};
