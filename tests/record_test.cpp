@@ -1,4 +1,5 @@
-// Recordings as a user makes and runs them: what a replay leaves is what the recorded job left, byte for byte.
+// Recordings as a user makes and runs them: what a replay leaves is what the recorded job left, byte for
+// byte.
 #include <gtest/gtest.h>
 
 #include "tests/command_fixture.h"
@@ -79,7 +80,8 @@ TEST_F(Recordings, FitIsRecordedAsOnePersonWouldWriteIt) {
   MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "my p.bvw", "--record", "m.py"});
   const std::string macro = BytesOf(File("m.py"));
   for (const char* part :
-       {"\n# brenvolt fit d.csv --distributions normal --save 'my p.bvw' --record m.py\nfrom brenvolt import *\n",
+       {"\n# brenvolt fit d.csv --distributions normal --save 'my p.bvw' --record m.py\nfrom brenvolt import "
+        "*\n",
         "\napplication = Application()\nworkbook = application.Open(\"d.csv\")\nsheet = workbook.Sheet()\n",
         "\nanalysis = application.Analysis(sheet)\n\ndialog = analysis.Dialog\n"
         "dialog.TypeOfAnalysis = scSRAFitDistribution\ndialog.OK()\n\ndialog = analysis.Dialog\n"

@@ -9,11 +9,11 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "host/application/fit_graphs.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/application/dialog_words.h"
+#include "host/application/fit_graphs.h"
 #include "host/automation/variable_list.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"

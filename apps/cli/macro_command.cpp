@@ -68,7 +68,9 @@ std::vector<std::string> InterpreterArguments(const MacroArguments& macro) {
   const std::string chosen = Environment(kInterpreterVariable);
   const std::string former = Environment(kPathVariable);
   const std::string path = PackageFolder().string() + (former.empty() ? "" : ":" + former);
-  ContinueAs({chosen.empty() ? BRENVOLT_PYTHON_INTERPRETER : chosen, InterpreterArguments(macro), {{kPathVariable, path}}});
+  ContinueAs({chosen.empty() ? BRENVOLT_PYTHON_INTERPRETER : chosen,
+              InterpreterArguments(macro),
+              {{kPathVariable, path}}});
 }
 
 }  // namespace

@@ -45,7 +45,8 @@ std::vector<std::string> Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (!arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb) {
     auto file = arguments.begin() + 1;
-    if (file != arguments.end() && *file == kRecordOption) file += std::min<std::ptrdiff_t>(2, arguments.end() - file);
+    if (file != arguments.end() && *file == kRecordOption)
+      file += std::min<std::ptrdiff_t>(2, arguments.end() - file);
     if (file != arguments.end() && file->starts_with(kRecordOption + "=")) ++file;
     if (file != arguments.end() && !file->starts_with('-')) arguments.insert(file, "--");
   }

@@ -31,8 +31,8 @@ enum class Task : std::int32_t { kFit = 0, kSimulate = 1 };
 
 class Session {
  public:
-  // Starts an analysis over a sheet, which must outlive the session, as must what records it, and moves to the
-  // dialog of a task.
+  // Starts an analysis over a sheet, which must outlive the session, as must what records it, and moves to
+  // the dialog of a task.
   Session(Spreadsheet& sheet, Task task, JobRecorder& job);
 
   CAnalysisSupport& Analysis() { return *analysis_; }

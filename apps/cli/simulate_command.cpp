@@ -169,9 +169,9 @@ Destination WriteIntoProject(const std::filesystem::path& path, const Products& 
   const bool isRepaired = products.repairedMatrix != nullptr;
   if (isRepaired) sheets.push_back(std::make_unique<Spreadsheet>(products.repairedMatrix->Table()));
   const auto names = AppendToProject(path, std::move(sheets));
-  job.Called(
-      nullptr, "Append",
-      {PythonPath(path), job.NameOf(products.output.get()), isRepaired ? job.NameOf(products.repairedMatrix.get()) : ""});
+  job.Called(nullptr, "Append",
+             {PythonPath(path), job.NameOf(products.output.get()),
+              isRepaired ? job.NameOf(products.repairedMatrix.get()) : ""});
   return {path, names.front(), {}, isRepaired ? names.back() : ""};
 }
 

@@ -122,8 +122,7 @@ Sheet SavedMatrixOf(const Sheet& sheet) {
 Sheet MatrixNamed(const std::string& name, const Sheet& sheet) {
   const Workbook none;
   const auto& workbook = sheet->Workbook();
-  Sheet matrix =
-      Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
+  Sheet matrix = Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
   RecordGiven("matrix", nullptr, "NamedMatrix", {PythonText(name), RecordedName(sheet)}, matrix);
   return matrix;
 }
@@ -172,8 +171,8 @@ Sheet Score(const std::filesystem::path& model, const std::filesystem::path& dat
   ScoreOptions options;
   options.classProbabilities = probabilities;
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
-  Sheet predictions = Free(
-      std::make_unique<Spreadsheet>(ScoreFile(model, data, Format(decimalComma), sheet, options)));
+  Sheet predictions =
+      Free(std::make_unique<Spreadsheet>(ScoreFile(model, data, Format(decimalComma), sheet, options)));
   RecordGiven("predictions", nullptr, "Score",
               {PythonPath(model), PythonPath(data), Keyword("sheet=", sheet),
                probabilities ? "probabilities=True" : "", leaveInvalid ? "leave_invalid=True" : "",

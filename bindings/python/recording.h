@@ -16,13 +16,13 @@ namespace brenvolt::python {
 // What records the process's calls; it does nothing while no macro is recorded. Called in the host's turn.
 JobRecorder& TheJob();
 
-// Names for what Python holds. While a macro is recorded, what it names stays alive, so that no address becomes
-// another object's.
+// Names for what Python holds. While a macro is recorded, what it names stays alive, so that no address
+// becomes another object's.
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,
                   bool decimalComma);
 void RecordMade(const std::shared_ptr<WorkbookRef>& workbook);
-// A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing where the macro has
-// it already.
+// A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing where the macro
+// has it already.
 std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet, const std::string& name);
 void RecordGiven(std::string_view name, const void* object, std::string_view function,
                  const JobRecorder::Arguments& arguments, const std::shared_ptr<SheetRef>& sheet);

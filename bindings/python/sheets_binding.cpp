@@ -170,28 +170,27 @@ Sheet FreeSheet(Spreadsheet sheet) {
 
 template <auto Get, auto Set, class Class>
 void TextProperty(Class& type, const char* name, const char* doc) {
-  type.def_property(
-      name, py::cpp_function([](const Sheet& sheet) { return (sheet->Sheet().*Get)(); }, InHost()),
-      py::cpp_function(
-          [name](const Sheet& sheet, const std::string& text) {
-            (sheet->Sheet().*Set)(text);
-            RecordAttribute(sheet, name, text);
-          },
-          InHost()),
-      doc);
+  type.def_property(name,
+                    py::cpp_function([](const Sheet& sheet) { return (sheet->Sheet().*Get)(); }, InHost()),
+                    py::cpp_function(
+                        [name](const Sheet& sheet, const std::string& text) {
+                          (sheet->Sheet().*Set)(text);
+                          RecordAttribute(sheet, name, text);
+                        },
+                        InHost()),
+                    doc);
 }
 
 void BindVariable(py::module_& module) {
   py::class_<VariableRef>(module, "Variable", "A variable (column) of a spreadsheet.")
-      .def_property(
-          "name", py::cpp_function([](const VariableRef& v) { return v.Get().Name(); }, InHost()),
-          py::cpp_function(
-              [](const VariableRef& v, std::string name) {
-                RefuseRecordedChange(v.sheet);
-                v.Get().SetName(std::move(name));
-              },
-              InHost()),
-          "The name by which the sheet, fits and formulas know the variable.")
+      .def_property("name", py::cpp_function([](const VariableRef& v) { return v.Get().Name(); }, InHost()),
+                    py::cpp_function(
+                        [](const VariableRef& v, std::string name) {
+                          RefuseRecordedChange(v.sheet);
+                          v.Get().SetName(std::move(name));
+                        },
+                        InHost()),
+                    "The name by which the sheet, fits and formulas know the variable.")
       .def_property_readonly(
           "number", [](const VariableRef& v) { return v.index + 1; },
           "The number of the variable in its sheet, from 1, as dialogs count.")
@@ -204,16 +203,15 @@ void BindVariable(py::module_& module) {
           "values", &Values, &SetValues,
           "The values as a NumPy array, a read-only view without a copy. Assign an array to replace "
           "them all; a view made before keeps the former ones.")
-      .def_property(
-          "missing_code",
-          py::cpp_function([](const VariableRef& v) { return v.Get().MissingCode(); }, InHost()),
-          py::cpp_function(
-              [](const VariableRef& v, double code) {
-                RefuseRecordedChange(v.sheet);
-                v.Get().SetMissingCode(code);
-              },
-              InHost()),
-          "The value that stands for a missing one, beside NaN, which always does.")
+      .def_property("missing_code",
+                    py::cpp_function([](const VariableRef& v) { return v.Get().MissingCode(); }, InHost()),
+                    py::cpp_function(
+                        [](const VariableRef& v, double code) {
+                          RefuseRecordedChange(v.sheet);
+                          v.Get().SetMissingCode(code);
+                        },
+                        InHost()),
+                    "The value that stands for a missing one, beside NaN, which always does.")
       .def_property_readonly("missing", &Missing, "True for each case whose value is missing.")
       .def_property("labels",
                     py::cpp_function([](const VariableRef& v) { return v.Get().Labels(); }, InHost()),
@@ -234,8 +232,7 @@ void BindVariable(py::module_& module) {
             RefuseRecordedChange(v.sheet);
             return v.Get().RemoveProperty(key);
           },
-          InHost(),
-          py::arg("name"), "Removes a text property; False where there was none.")
+          InHost(), py::arg("name"), "Removes a text property; False where there was none.")
       .def(
           "__len__", [](const VariableRef& v) { return v.Get().Size(); }, InHost())
       .def(
@@ -315,8 +312,7 @@ void BindSheet(py::module_& module) {
             RefuseRecordedChange(s);
             s->Sheet().AddCases(count);
           },
-          InHost(),
-          py::arg("count"), "Appends cases, missing in every variable.")
+          InHost(), py::arg("count"), "Appends cases, missing in every variable.")
       .def(
           "copy", [](const Sheet& s) { return FreeSheet(s->Sheet()); }, InHost(), "A copy in no workbook.")
       .def(
@@ -335,7 +331,8 @@ void BindSheet(py::module_& module) {
             RecordCall(s, "to_npz", {PythonPath(path)});
           },
           InHost(), py::arg("path"),
-          "Writes an archive of NumPy arrays, one per variable, which numpy.load reads. Replaces no project.");
+          "Writes an archive of NumPy arrays, one per variable, which numpy.load reads. Replaces no "
+          "project.");
   module.def(
       "read_csv",
       [](const std::filesystem::path& path, bool decimalComma) {
@@ -365,8 +362,7 @@ void BindWorkbook(py::module_& module) {
       .def(
           "sheet",
           [](const Book& book, const std::string& name) { return Recorded(book->SheetCalled(name), name); },
-          InHost(), py::arg("name") = "",
-           "The sheet of that name; without one, the first data sheet.")
+          InHost(), py::arg("name") = "", "The sheet of that name; without one, the first data sheet.")
       .def(
           "__getitem__",
           [](const Book& book, const std::string& name) {
@@ -381,8 +377,7 @@ void BindWorkbook(py::module_& module) {
             const Sheet sheet = book->SheetAt(index);
             return Recorded(sheet, sheet->Sheet().Name());
           },
-          InHost(),
-          py::arg("index"))
+          InHost(), py::arg("index"))
       .def(
           "__contains__",
           [](const Book& book, const std::string& name) { return book->Content().Find(name) != nullptr; },
@@ -418,8 +413,8 @@ void BindWorkbook(py::module_& module) {
             TheJob().Called(book.get(), "Save", {path ? PythonPath(*path) : ""});
           },
           InHost(), py::arg("path") = std::nullopt,
-           "Writes the project in one step: the file holds its former or its new content, never a mixture. "
-           "Without a path, to the file that it was read from or last saved to.")
+          "Writes the project in one step: the file holds its former or its new content, never a mixture. "
+          "Without a path, to the file that it was read from or last saved to.")
       .def(
           "__repr__",
           [](const Book& book) {

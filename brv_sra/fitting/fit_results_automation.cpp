@@ -6,7 +6,8 @@
 //
 // Orders of distributions are read as "Weibull;Normal;" and put as such a text or as an array of names
 // (display names or keys) or codes; an empty one restores the default. Values of a distribution are an array
-// of numbers in catalogue order, the offset last where the type has one, alone or as the catalogue's macro text.
+// of numbers in catalogue order, the offset last where the type has one, alone or as the catalogue's macro
+// text.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -170,8 +171,7 @@ bool IsMacroArray(const Variant::Array& elements, DistributionCode code) {
   if (elements.size() <= kMacroFrame || elements[0].IsText()) return false;
   const std::size_t values = elements.size() - kMacroFrame;
   const std::size_t group = Parameters(code).size();
-  const bool isRepeated =
-      code == DistributionCode::kGaussianMixture || code == DistributionCode::kHistogram;
+  const bool isRepeated = code == DistributionCode::kGaussianMixture || code == DistributionCode::kHistogram;
   return isRepeated ? values % group == 0 : values == group + (HasOffset(code) ? 1 : 0);
 }
 
@@ -242,24 +242,32 @@ constexpr std::array<Member, 26> kMembers{{
     Member{"SummaryGraph", GetPlot<FitPlot::kSummary>, nullptr}.ByButton(kSummaryGraph),
     Member{"EmpiricalCDFPlot", GetPlot<FitPlot::kEmpiricalDistribution>, nullptr}.ByButton(kEmpiricalPlot),
     Member{"HistogramWithFit", GetPlot<FitPlot::kHistogram>, nullptr}.ByButton(kHistogram),
-    Member{"CumulativeHistogram", GetPlot<FitPlot::kCumulativeHistogram>, nullptr}.ByButton(kCumulativeHistogram),
+    Member{"CumulativeHistogram", GetPlot<FitPlot::kCumulativeHistogram>, nullptr}.ByButton(
+        kCumulativeHistogram),
     Member{"PPPlot", GetPlot<FitPlot::kProbabilityPlot>, nullptr}.ByButton(kProbabilityPlot),
     Member{"QQPlot", GetPlot<FitPlot::kQuantilePlot>, nullptr}.ByButton(kQuantilePlot),
     Member{"BoxPlot", GetPlot<FitPlot::kBoxPlot>, nullptr}.ByButton(kBoxPlot),
     {"SaveFitTabVariable", GetSelection<Dialog, kSaveVariable, 1>, PutSelection<Dialog, kSaveVariable, 1>},
-    Member{"CorrelationMatrix", GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr}.ByButton(kCorrelationMatrix),
-    Member{"QuickTabDistributionSummaryStats", GetDistributionSummary<&Dialog::QuickVariable>, nullptr}.ByButton(kDistributionSummary),
-    Member{"SavePlotTabDistributionSummaryStats", GetDistributionSummary<&Dialog::SaveVariable>, nullptr}.ByButton(kSaveDistributionSummary),
+    Member{"CorrelationMatrix", GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr}.ByButton(
+        kCorrelationMatrix),
+    Member{"QuickTabDistributionSummaryStats", GetDistributionSummary<&Dialog::QuickVariable>, nullptr}
+        .ByButton(kDistributionSummary),
+    Member{"SavePlotTabDistributionSummaryStats", GetDistributionSummary<&Dialog::SaveVariable>, nullptr}
+        .ByButton(kSaveDistributionSummary),
     Member{"SaveDistributionFit", GetOutput<&Dialog::SaveFits>, nullptr}.ByButton(kSaveFit),
     Member{"DistributionOrder", GetOrder, PutOrder}.ShownAt(SavePlace),
     {"IsUserDefinedDistributions", GetChecked<Dialog, kUserDefined>, PutChecked<Dialog, kUserDefined>},
     {"UserDefinedDistributionOrder", GetUserDefinedOrder, PutUserDefinedOrder},
     {"IsDefaultDistributionSettings", GetIsDefault, PutIsDefault},
     Member{"UserDefinedDistributions", GetUserDefined, PutUserDefined}.WrittenBy(UserDefinedText),
-    Member{"IsUserDefinedTruncMin", GetTruncated<&Truncation::below>, PutTruncated<&Truncation::below>}.ShownAt(SavePlace),
-    Member{"UserDefinedTruncMin", GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>}.ShownAt(SavePlace),
-    Member{"IsUserDefinedTruncMax", GetTruncated<&Truncation::above>, PutTruncated<&Truncation::above>}.ShownAt(SavePlace),
-    Member{"UserDefinedTruncMax", GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>}.ShownAt(SavePlace),
+    Member{"IsUserDefinedTruncMin", GetTruncated<&Truncation::below>, PutTruncated<&Truncation::below>}
+        .ShownAt(SavePlace),
+    Member{"UserDefinedTruncMin", GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>}.ShownAt(
+        SavePlace),
+    Member{"IsUserDefinedTruncMax", GetTruncated<&Truncation::above>, PutTruncated<&Truncation::above>}
+        .ShownAt(SavePlace),
+    Member{"UserDefinedTruncMax", GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>}.ShownAt(
+        SavePlace),
     {"Variables", GetVariables, PutVariables},
     Member{"DistributionDetails", GetOutput<&Dialog::ShowDetails>, nullptr}.ByButton(kDetails),
 }};

@@ -95,7 +95,8 @@ class Replay {
     const std::string name = call.substr(0, nameEnd);
     const std::size_t equals = call.find(" = ");
     std::vector<Variant> indexes;
-    if (call[nameEnd] == '[') indexes.emplace_back(Value(call.substr(nameEnd + 1, call.find(']') - nameEnd - 1)));
+    if (call[nameEnd] == '[')
+      indexes.emplace_back(Value(call.substr(nameEnd + 1, call.find(']') - nameEnd - 1)));
     if (equals != std::string::npos) {
       dialog_->Put(name, Value(call.substr(equals + 3)), indexes);
     } else if (call.ends_with("()")) {

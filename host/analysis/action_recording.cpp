@@ -9,7 +9,8 @@ namespace brenvolt {
 namespace {
 
 bool SameIndexes(const std::vector<Variant>& a, const std::vector<Variant>& b) {
-  return std::ranges::equal(a, b, [](const Variant& x, const Variant& y) { return x.ToText() == y.ToText(); });
+  return std::ranges::equal(a, b,
+                            [](const Variant& x, const Variant& y) { return x.ToText() == y.ToText(); });
 }
 
 std::string OptionalText(const std::optional<std::string>& text) {
@@ -46,8 +47,7 @@ void ControlRecording::Done() {
         return call.member == setting.member && SameIndexes(call.indexes, setting.indexes);
       });
       const bool changed = former != before_.end() && former->text != setting.text;
-      if (changed && !setting.text.empty())
-        recorder.Call(&analysis_, automation_->Number(), setting);
+      if (changed && !setting.text.empty()) recorder.Call(&analysis_, automation_->Number(), setting);
     }
   }
   for (const MacroCall& call : standIns_) recorder.Call(&analysis_, automation_->Number(), call);

@@ -23,9 +23,9 @@ Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesyste
 void ExportFromProject(const std::string& source, const std::filesystem::path& output,
                        const CsvFormat& format);
 
-// The predictions of a model file for the cases of a data file's sheet (the first data sheet where the name is
-// empty). The model is read first: a file that is no model is the nearer fault than one of its data. Throws
-// Error.
+// The predictions of a model file for the cases of a data file's sheet (the first data sheet where the name
+// is empty). The model is read first: a file that is no model is the nearer fault than one of its data.
+// Throws Error.
 Spreadsheet ScoreFile(const std::filesystem::path& model, const std::filesystem::path& data,
                       const CsvFormat& format, const std::string& sheet, const ScoreOptions& options);
 

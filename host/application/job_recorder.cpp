@@ -17,8 +17,7 @@ std::string JobRecorder::NameOf(const void* object) const {
   return recorder_ != nullptr ? recorder_->NameOf(object) : std::string();
 }
 
-std::string JobRecorder::CallText(const void* object, std::string_view function,
-                                  const Arguments& arguments) {
+std::string JobRecorder::CallText(const void* object, std::string_view function, const Arguments& arguments) {
   if (object == nullptr && !recorder_->Knows(&kApplication))
     recorder_->Assign(kApplicationName, "Application()", &kApplication);
   std::string text;

@@ -1,5 +1,6 @@
-// What a front end does around the dialogs as lines of a macro: data opened, an analysis started, results saved.
-// The command and the Python package record alike because they record here. Without a recorder nothing happens.
+// What a front end does around the dialogs as lines of a macro: data opened, an analysis started, results
+// saved. The command and the Python package record alike because they record here. Without a recorder nothing
+// happens.
 #pragma once
 
 #include <filesystem>

@@ -130,7 +130,8 @@ bool MacroRecorder::Knows(const void* object) const {
 
 std::string MacroRecorder::NameOf(const void* object) {
   const Known* known = Find(object);
-  if (known == nullptr) throw Error("a macro cannot be recorded: nothing in it leads to an object that is used");
+  if (known == nullptr)
+    throw Error("a macro cannot be recorded: nothing in it leads to an object that is used");
   if (!known->expression.empty()) return known->expression;
   std::string& name = lines_[known->line].name;
   if (name.empty()) name = FreeName(known->base);
@@ -179,7 +180,9 @@ std::string MacroRecorder::Text(std::string_view origin) const {
       text += byte < kFirstPrintable || byte == kDelete ? '?' : c;
     }
   }
-  if (!IsText(text)) std::ranges::replace_if(text, [](char c) { return static_cast<unsigned char>(c) > kDelete; }, '?');
+  if (!IsText(text))
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) > kDelete; }, '?');
   text += "\nfrom brenvolt import *\n\n";
   for (const MacroLine& line : lines_) {
     if (!line.name.empty()) text += line.name + " = ";

@@ -28,9 +28,9 @@ struct MacroCall {
   const MemberDescription* member = nullptr;
   CallKind kind = CallKind::kGet;
   std::vector<Variant> indexes;
-  Variant value;      // of a put
-  std::string text;   // of a put whose value a macro writes in another way than PutText does; else empty
-  Variant result;     // of a get and a method
+  Variant value;     // of a put
+  std::string text;  // of a put whose value a macro writes in another way than PutText does; else empty
+  Variant result;    // of a get and a method
 };
 
 class MacroRecorder {
