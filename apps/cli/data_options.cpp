@@ -20,11 +20,6 @@ void AddDecimalCommaOption(CLI::App& command, InputOptions& input) {
                    "CSV with decimal commas, semicolons between the fields");
 }
 
-std::string JsonText(const nlohmann::ordered_json& report) {
-  constexpr int kIndent = 2;
-  return report.dump(kIndent, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + "\n";
-}
-
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {
   if (!HasProjectEnding(path)) throw WrongCall(option + " wants a file ending in .bvw, not " + path.string());
 }

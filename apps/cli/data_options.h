@@ -3,9 +3,9 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 
+#include "host/application/json_text.h"
 #include "host/application/project_files.h"
 
 namespace brenvolt::cli {
@@ -28,8 +28,5 @@ void AddDecimalCommaOption(CLI::App& command, InputOptions& input);
 
 // Throws WrongCall unless `path` ends as project files do. `option` names the option that gave it.
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option);
-
-// A report for programs; bytes that are no text are replaced.
-std::string JsonText(const nlohmann::ordered_json& report);
 
 }  // namespace brenvolt::cli

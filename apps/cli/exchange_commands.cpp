@@ -3,10 +3,10 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
-#include "host/base/error.h"
+#include "host/application/exchange.h"
 #include "host/base/utf8.h"
-#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -15,41 +15,43 @@ struct ImportOptions {
   InputOptions input;
   std::filesystem::path project;
   std::string kind;  // "data" or "matrix"; empty: the file decides
+  std::filesystem::path record;
 };
 
 struct ExportOptions {
   std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
   std::filesystem::path output;
   InputOptions format;
+  std::filesystem::path record;
 };
-
-Spreadsheet ReadSheet(const ImportOptions& options) {
-  Spreadsheet table = ReadCsv(options.input.path, options.input.Format());
-  const bool isMatrix = options.kind.empty() ? LooksLikeMatrixTable(table) : options.kind == "matrix";
-  return isMatrix ? std::move(*MatrixFromTable(table, options.input.path.string())) : std::move(table);
-}
 
 void Import(const ImportOptions& options) {
   RequireProjectEnding(options.project, "-o");
   if (!IsText(options.input.sheet)) throw WrongCall("the sheet's name is not UTF-8 text");
-  if (Workbook::IsWorkbookFile(options.input.path))
-    throw Error("is a project already", options.input.path.string());
-  Spreadsheet sheet = ReadSheet(options);
-  if (!options.input.sheet.empty()) sheet.SetName(options.input.sheet);
-  MergeIntoProject(options.project, sheet);
+  Recording recording(options.record);
+  const Spreadsheet sheet = ImportIntoProject(
+      {options.input.path, options.input.Format(), options.input.sheet, options.kind}, options.project);
+  recording.Job().Called(nullptr, "Import",
+                         {PythonPath(options.input.path), PythonPath(options.project),
+                          options.input.sheet.empty() ? "" : "sheet=" + PythonText(options.input.sheet),
+                          options.kind.empty() ? "" : "kind=" + PythonText(options.kind),
+                          DecimalCommaArgument(options.input.decimalComma)});
   const std::string what =
       sheet.Kind() == SheetKind::kMatrix
           ? "correlation matrix of " + std::to_string(sheet.VariableCount()) + " variables"
           : std::to_string(sheet.CaseCount()) + " cases of " + std::to_string(sheet.VariableCount()) +
                 " variables";
   std::printf("%s imported into %s, sheet %s\n", what.c_str(), options.project.c_str(), sheet.Name().c_str());
+  recording.Commit();
 }
 
 void Export(const ExportOptions& options) {
-  const auto [path, name] = SplitSheetAddress(options.source);
-  DataFile project = OpenProject(path);
-  const Spreadsheet& sheet = project.Sheet(name);
-  WriteCsvFile(sheet, options.output, options.format.Format());
+  Recording recording(options.record);
+  ExportFromProject(options.source, options.output, options.format.Format());
+  recording.Job().Called(nullptr, "Export",
+                         {PythonText(options.source), PythonPath(options.output),
+                          DecimalCommaArgument(options.format.decimalComma)});
+  recording.Commit();
 }
 
 }  // namespace
@@ -72,6 +74,7 @@ void AddImportCommand(CLI::App& program) {
       ->check(CLI::IsMember({"data", "matrix"}).description(""))
       ->type_name("data|matrix");
   AddDecimalCommaOption(*command, options->input);
+  AddRecordOption(*command, options->record);
   command->footer("Example:\n  brenvolt import examples/faithful.csv -o geyser.bvw");
   command->callback([options] { Import(*options); });
 }
@@ -85,6 +88,7 @@ void AddExportCommand(CLI::App& program) {
       ->required();
   command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE");
   AddDecimalCommaOption(*command, options->format);
+  AddRecordOption(*command, options->record);
   command->footer("Example:\n  brenvolt export geyser.bvw:faithful -o faithful.csv");
   command->callback([options] { Export(*options); });
 }

@@ -9,10 +9,11 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/fit_graphs.h"
 #include "apps/cli/fit_report.h"
+#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/application/dialog_words.h"
+#include "host/application/fit_graphs.h"
 #include "host/automation/variable_list.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
@@ -44,6 +45,7 @@ struct FitOptions {
   std::vector<std::string> orders;
   std::filesystem::path project;
   std::filesystem::path graphs;
+  std::filesystem::path record;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -326,7 +328,8 @@ bool IsInputProject(const FitOptions& options, const DataFile& data) {
 }
 
 // Puts the fits on the sheet's variables, and the sheet with its correlation matrix into the project.
-void Save(Session& session, const FitOptions& options, DataFile& data, const Spreadsheet& sheet) {
+void Save(Session& session, const FitOptions& options, DataFile& data, const Spreadsheet& sheet,
+          JobRecorder& job) {
   const Variant document = session.Dialog()->Get("SaveDistributionFit");
   auto matrix = std::make_unique<Spreadsheet>(TableOf(document));
   if (IsInputProject(options, data)) {
@@ -335,16 +338,23 @@ void Save(Session& session, const FitOptions& options, DataFile& data, const Spr
   } else {
     MergeIntoProject(options.project, sheet, std::move(matrix));
   }
+  job.Called(nullptr, "SaveFits",
+             {job.NameOf(&sheet), job.NameOf(document.ToObject().get()), PythonPath(options.project)});
 }
 
 // Case weights and selection from the command; an empty text takes away what the project holds.
-void ApplyCaseOptions(const FitOptions& options, Spreadsheet& sheet) {
+void ApplyCaseOptions(const FitOptions& options, Spreadsheet& sheet, JobRecorder& job) {
   if (options.weights && options.weights->empty()) sheet.SetWeightVariable(std::nullopt);
   if (options.weights && !options.weights->empty()) {
     sheet.SetWeightVariable(static_cast<std::size_t>(NumbersOf(sheet, {*options.weights}).front() - 1));
   }
   if (options.selection && options.selection->empty()) sheet.SetSelection({});
   if (options.selection && !options.selection->empty()) ApplySelection(sheet, *options.selection);
+  const auto orNone = [](const std::optional<std::string>& text) {
+    return text->empty() ? std::nullopt : text;
+  };
+  if (options.weights) job.Set(&sheet, "weight_variable", orNone(options.weights));
+  if (options.selection) job.Set(&sheet, "selection", orNone(options.selection));
 }
 
 // Of two numbers for the same thing one would be ignored. `things` are texts of `option` without the number.
@@ -396,28 +406,35 @@ void CheckCall(const FitOptions& options) {
 // finished job.
 void Fit(const FitOptions& options) {
   CheckCall(options);
+  Recording recording(options.record);
+  JobRecorder& job = recording.Job();
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
   Spreadsheet& sheet = data.Sheet(options.input.sheet);
   // What the project holds of these data, truncations and other variables' fits, is part of what is saved.
-  if (!options.project.empty() && !IsInputProject(options, data))
+  job.Opened(options.input.path, options.input.decimalComma, &data.workbook);
+  job.Took(&data.workbook, data.isProject ? sheet.Name() : "", &sheet);
+  if (!options.project.empty() && !IsInputProject(options, data)) {
     TakeFormerProperties(options.project, sheet);
-  ApplyCaseOptions(options, sheet);
+    job.Called(nullptr, "TakeFormerProperties", {job.NameOf(&sheet), PythonPath(options.project)});
+  }
+  ApplyCaseOptions(options, sheet, job);
   const Lists lists = ChooseVariables(options, sheet);
   RequireTypes(options, lists);
   RequireLists(options, lists);
-  Session session(sheet, Task::kFit);
+  Session session(sheet, Task::kFit, job);
   Specify(session, options, lists, sheet);
   session.Ok();
   if (!options.project.empty()) {
     SpecifySaving(*session.Dialog(), options, lists, sheet);
-    Save(session, options, data, sheet);
+    Save(session, options, data, sheet, job);
   }
-  if (!options.graphs.empty()) WriteFitGraphs(*session.Dialog(), options.graphs);
+  if (!options.graphs.empty()) WriteFitGraphs(session.Analysis(), options.graphs, job);
   ReportFit(*session.Dialog(), sheet,
             {options.rankBy, options.discreteRankBy, options.bootstrapSamples, options.format});
   if (!options.project.empty() && options.format == ReportFormat::kTable) {
     std::printf("\nFits saved in %s\n", options.project.c_str());
   }
+  recording.Commit();
 }
 
 // What the command line says besides the values themselves.
@@ -535,6 +552,7 @@ void AddFitCommand(CLI::App& program) {
       ->add_option("--graphs", options->graphs,
                    "File for the data of each variable's graphs with the fit that is saved first, as JSON")
       ->type_name("FILE.json");
+  AddRecordOption(*command, options->record);
   AddFormatOption(*command, options->format);
   command->footer(
       "Example:\n"

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "apps/cli/result_table.h"
 #include "apps/cli/session.h"
 #include "host/analysis/result_columns.h"
+#include "host/application/result_table.h"
 
 namespace brenvolt::cli {
 namespace {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "apps/cli/commands.h"
+#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/base/dynamic_library.h"
 #include "host/base/error.h"
@@ -39,16 +40,37 @@ fs::path PackageFolder() {
   throw Error("the Python package brenvolt, which macros need, is not installed", places.front().string());
 }
 
-[[noreturn]] void RunMacro(const std::vector<std::string>& arguments) {
-  if (arguments.empty()) throw WrongCall("macro wants the file of a macro, FILE.py");
+struct MacroArguments {
+  std::vector<std::string> all;  // the macro's file and what it is given
+  fs::path record;
+};
+
+// The package's program that runs a macro and records it.
+constexpr const char* kRecordingProgram = "brenvolt._record_macro";
+
+std::vector<std::string> InterpreterArguments(const MacroArguments& macro) {
+  if (macro.record.empty()) return macro.all;
+  RequireMacroEnding(macro.record);
   std::error_code ignored;
-  const fs::path file = arguments.front();
+  if (fs::equivalent(macro.record, macro.all.front(), ignored))
+    throw WrongCall("--record would replace the macro " + macro.record.string());
+  std::vector<std::string> arguments{"-m", kRecordingProgram, macro.record.string()};
+  arguments.insert(arguments.end(), macro.all.begin(), macro.all.end());
+  return arguments;
+}
+
+[[noreturn]] void RunMacro(const MacroArguments& macro) {
+  if (macro.all.empty()) throw WrongCall("macro wants the file of a macro, FILE.py");
+  std::error_code ignored;
+  const fs::path file = macro.all.front();
   if (!fs::exists(file, ignored)) throw Error("no such macro", file.string());
   if (fs::is_directory(file, ignored)) throw Error("is a folder, not a macro", file.string());
   const std::string chosen = Environment(kInterpreterVariable);
   const std::string former = Environment(kPathVariable);
   const std::string path = PackageFolder().string() + (former.empty() ? "" : ":" + former);
-  ContinueAs({chosen.empty() ? BRENVOLT_PYTHON_INTERPRETER : chosen, arguments, {{kPathVariable, path}}});
+  ContinueAs({chosen.empty() ? BRENVOLT_PYTHON_INTERPRETER : chosen,
+              InterpreterArguments(macro),
+              {{kPathVariable, path}}});
 }
 
 }  // namespace
@@ -56,13 +78,14 @@ fs::path PackageFolder() {
 void AddMacroCommand(CLI::App& program) {
   CLI::App* command =
       program.add_subcommand(kMacroVerb, "Run a macro: a Python program over the package brenvolt");
-  const auto arguments = std::make_shared<std::vector<std::string>>();
-  command->add_option("FILE.py ARGUMENT", *arguments, "The macro, and what it is given as its arguments")
+  const auto macro = std::make_shared<MacroArguments>();
+  AddRecordOption(*command, macro->record);
+  command->add_option("FILE.py ARGUMENT", macro->all, "The macro, and what it is given as its arguments")
       ->type_name("");
   command->footer(
       "The exit status is the macro's. BRENVOLT_PYTHON names another Python interpreter.\n"
       "Example:\n  brenvolt macro examples/sea_level_macro.py sea.bvw");
-  command->callback([arguments] { RunMacro(*arguments); });
+  command->callback([macro] { RunMacro(*macro); });
 }
 
 }  // namespace brenvolt::cli

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "apps/cli/commands.h"
+#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/base/error.h"
 #include "host/base/interruption.h"
@@ -18,6 +19,9 @@ constexpr int kWrongCall = 2;
 constexpr int kInterrupted = 130;
 const std::string kExitStatuses =
     "\n\nExit status: 0 done; 1 the job failed; 2 the call was wrong, and nothing was done; 130 interrupted.";
+
+// Of the options of the verb macro the one that takes a file.
+const std::string kRecordOption = "--record";
 
 void Complain(const std::string& what, const std::string& where = {}) {
   const std::string place = where.empty() ? std::string() : " (" + where + ")";
@@ -39,8 +43,13 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
 // where it looks like an option.
 std::vector<std::string> Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (arguments.size() > 1 && arguments[0] == brenvolt::cli::kMacroVerb && arguments[1][0] != '-')
-    arguments.insert(arguments.begin() + 1, "--");
+  if (!arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb) {
+    auto file = arguments.begin() + 1;
+    if (file != arguments.end() && *file == kRecordOption)
+      file += std::min<std::ptrdiff_t>(2, arguments.end() - file);
+    if (file != arguments.end() && file->starts_with(kRecordOption + "=")) ++file;
+    if (file != arguments.end() && !file->starts_with('-')) arguments.insert(file, "--");
+  }
   std::ranges::reverse(arguments);
   return arguments;
 }
@@ -83,6 +92,7 @@ int main(int argc, char** argv) {
   brenvolt::ReturnLargeBlocksAtOnce();
   const brenvolt::InterruptionCatcher interruptions;
   try {
+    brenvolt::cli::RememberCall(argc, argv);
     const int status = Run(argc, argv);
     if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");
     return status;

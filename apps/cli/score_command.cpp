@@ -3,9 +3,8 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/session.h"
-#include "host/base/error.h"
-#include "host/models/prediction_model.h"
+#include "apps/cli/recording.h"
+#include "host/application/exchange.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -16,24 +15,33 @@ struct ScoreArguments {
   std::filesystem::path output;
   bool classProbabilities = false;
   bool leavesInvalid = false;
+  std::filesystem::path record;
 };
 
-// The model is read first: a file that is no model is the nearer fault than one of its data.
 void Score(const ScoreArguments& arguments) {
-  const PredictionModel model = PredictionModel::Load(arguments.model);
-  DataFile data = OpenDataFile(arguments.input.path, arguments.input.Format());
-  const Spreadsheet& sheet = data.Sheet(arguments.input.sheet);
-  if (sheet.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", sheet.Name());
+  Recording recording(arguments.record);
   ScoreOptions options;
   options.classProbabilities = arguments.classProbabilities;
   options.invalid = arguments.leavesInvalid ? InvalidValues::kMissing : InvalidValues::kError;
-  const Spreadsheet predictions = model.Score(sheet, model.Name(), options);
+  const InputOptions& input = arguments.input;
+  const Spreadsheet predictions =
+      ScoreFile(arguments.model, input.path, input.Format(), input.sheet, options);
+  const std::string comma = DecimalCommaArgument(input.decimalComma);
+  recording.Job().Gave("predictions", nullptr, "Score",
+                       {PythonPath(arguments.model), PythonPath(input.path),
+                        input.sheet.empty() ? "" : "sheet=" + PythonText(input.sheet),
+                        arguments.classProbabilities ? "probabilities=True" : "",
+                        arguments.leavesInvalid ? "leave_invalid=True" : "", comma},
+                       &predictions);
   if (arguments.output.empty()) {
-    std::fputs(CsvText(predictions, arguments.input.Format()).c_str(), stdout);
-    return;
+    std::fputs(CsvText(predictions, input.Format()).c_str(), stdout);
+  } else {
+    WriteCsvFile(predictions, arguments.output, input.Format());
+    recording.Job().Called(&predictions, "to_csv", {PythonPath(arguments.output), comma});
+    std::printf("Predictions of %zu cases written to %s\n", predictions.CaseCount(),
+                arguments.output.c_str());
   }
-  WriteCsvFile(predictions, arguments.output, arguments.input.Format());
-  std::printf("Predictions of %zu cases written to %s\n", predictions.CaseCount(), arguments.output.c_str());
+  recording.Commit();
 }
 
 }  // namespace
@@ -59,6 +67,7 @@ void AddScoreCommand(CLI::App& program) {
       "--leave-invalid", arguments->leavesInvalid,
       "Leave a case without predictions where the model refuses one of its values; default: fail");
   AddDecimalCommaOption(*command, arguments->input);
+  AddRecordOption(*command, arguments->record);
   command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv -o predicted.csv");
   command->callback([arguments] { Score(*arguments); });
 }

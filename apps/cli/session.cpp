@@ -8,8 +8,9 @@
 
 namespace brenvolt::cli {
 
-Session::Session(Spreadsheet& sheet, Task task)
+Session::Session(Spreadsheet& sheet, Task task, JobRecorder& job)
     : document_(userInterface_, &sheet), analysis_(application_.NewAnalysis(document_)) {
+  job.Started(&sheet, *analysis_);
   Dialog()->Put("TypeOfAnalysis", static_cast<std::int32_t>(task));
   Ok();
 }
@@ -32,12 +33,6 @@ Variant::Object Session::Produce(std::string_view member, const Variant& index) 
     if (userInterface_.MessageCount() > messages) throw JobFailed();
     throw;
   }
-}
-
-const Spreadsheet& TableOf(const Variant& result) {
-  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(result.ToObject());
-  if (document == nullptr) throw Error("the analysis returned no table");
-  return document->Table();
 }
 
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names) {

@@ -9,6 +9,8 @@
 
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
+#include "host/application/job_recorder.h"
+#include "host/application/result_table.h"
 
 namespace brenvolt::cli {
 
@@ -29,8 +31,11 @@ enum class Task : std::int32_t { kFit = 0, kSimulate = 1 };
 
 class Session {
  public:
-  // Starts an analysis over a sheet, which must outlive the session, and moves to the dialog of a task.
-  Session(Spreadsheet& sheet, Task task);
+  // Starts an analysis over a sheet, which must outlive the session, as must what records it, and moves to
+  // the dialog of a task.
+  Session(Spreadsheet& sheet, Task task, JobRecorder& job);
+
+  CAnalysisSupport& Analysis() { return *analysis_; }
 
   // The automation object of the open dialog.
   std::shared_ptr<AutomationObject> Dialog();
@@ -49,9 +54,6 @@ class Session {
   CAnalysisDoc document_;
   std::unique_ptr<CAnalysisSupport> analysis_;
 };
-
-// The spreadsheet behind an automation call's result.
-const Spreadsheet& TableOf(const Variant& result);
 
 // The numbers (from 1) of variables by name. Throws Error for a name that the sheet does not have.
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names);

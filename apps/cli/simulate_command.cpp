@@ -8,6 +8,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/correlation_report.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
 #include "host/application/dialog_words.h"
@@ -30,6 +31,7 @@ struct SimulateOptions {
   bool truncate = false;
   std::string matrix;
   std::filesystem::path output;
+  std::filesystem::path record;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -51,8 +53,17 @@ void CheckMatrixOption(const SimulateOptions& options) {
   throw WrongCall("--matrix is for methods that induce correlation, which " + options.method + " does not");
 }
 
+void RecordMatrix(const SimulateOptions& options, const Spreadsheet& sheet, const void* matrix,
+                  JobRecorder& job) {
+  if (options.matrix.empty()) {
+    job.Gave("matrix", nullptr, "SavedMatrix", {job.NameOf(&sheet)}, matrix);
+  } else {
+    job.Gave("matrix", nullptr, "NamedMatrix", {PythonText(options.matrix), job.NameOf(&sheet)}, matrix);
+  }
+}
+
 void Specify(Session& session, const SimulateOptions& options, const Spreadsheet& sheet,
-             std::unique_ptr<Spreadsheet> matrix) {
+             std::unique_ptr<Spreadsheet> matrix, JobRecorder& job) {
   const auto dialog = session.Dialog();
   if (!options.variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, options.variables)));
   dialog->Put(kSimulationMethods.at(options.method), true);
@@ -61,7 +72,9 @@ void Specify(Session& session, const SimulateOptions& options, const Spreadsheet
   if (options.seed) dialog->Put("RandomSeedNumber", *options.seed);
   dialog->Put("TruncateSimulationData", options.truncate);
   if (matrix != nullptr) {
-    dialog->Put("CorrelationMatrix", Variant::Object(std::make_shared<CAnalysisTableDoc>(std::move(matrix))));
+    const Variant::Object document = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
+    RecordMatrix(options, sheet, document.get(), job);
+    dialog->Put("CorrelationMatrix", document);
   }
 }
 
@@ -150,30 +163,36 @@ bool IsRegularTarget(const std::filesystem::path& path) {
   return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
 }
 
-Destination WriteIntoProject(const std::filesystem::path& path, const Products& products) {
+Destination WriteIntoProject(const std::filesystem::path& path, const Products& products, JobRecorder& job) {
   std::vector<std::unique_ptr<Spreadsheet>> sheets;
   sheets.push_back(std::make_unique<Spreadsheet>(products.output->Table()));
   const bool isRepaired = products.repairedMatrix != nullptr;
   if (isRepaired) sheets.push_back(std::make_unique<Spreadsheet>(products.repairedMatrix->Table()));
   const auto names = AppendToProject(path, std::move(sheets));
+  job.Called(nullptr, "Append",
+             {PythonPath(path), job.NameOf(products.output.get()),
+              isRepaired ? job.NameOf(products.repairedMatrix.get()) : ""});
   return {path, names.front(), {}, isRepaired ? names.back() : ""};
 }
 
 // Writes what is not written yet. A repaired matrix goes beside the data: "x.csv" and
 // "x-repaired-matrix.csv".
-Destination Write(const SimulateOptions& options, const Products& products) {
+Destination Write(const SimulateOptions& options, const Products& products, JobRecorder& job) {
   const std::filesystem::path& path = options.output;
   if (path.empty()) return {};
-  if (HasProjectEnding(path)) return WriteIntoProject(path, products);
+  if (HasProjectEnding(path)) return WriteIntoProject(path, products, job);
   if (products.output == nullptr) return {path, {}, {}, {}};
   if (IsNumpyArchiveName(path)) {
     WriteNumpyArchive(products.output->Table(), path);
+    job.Called(products.output.get(), "sheet.to_npz", {PythonPath(path)});
   } else {
     WriteCsvFile(products.output->Table(), path, {});
+    job.Called(products.output.get(), "sheet.to_csv", {PythonPath(path)});
   }
   if (products.repairedMatrix == nullptr || !IsRegularTarget(path)) return {path, {}, {}, {}};
   const auto matrix = path.parent_path() / (path.stem().string() + "-repaired-matrix.csv");
   WriteCsvFile(products.repairedMatrix->Table(), matrix, {});
+  job.Called(products.repairedMatrix.get(), "sheet.to_csv", {PythonPath(matrix)});
   return {path, {}, matrix, {}};
 }
 
@@ -266,21 +285,29 @@ void Simulate(const SimulateOptions& options) {
   CheckOutput(options.output);
   CheckSeed(options);
   CheckMatrixOption(options);
+  Recording recording(options.record);
   DataFile data = OpenProject(options.project);
   Spreadsheet& sheet = InputSheet(options, data);
   const bool isCorrelated = InducesCorrelation(options.method);
   auto matrix = isCorrelated ? ChosenMatrix(options, data.workbook, sheet) : nullptr;
-  Session session(sheet, Task::kSimulate);
-  Specify(session, options, sheet, std::move(matrix));
+  JobRecorder& job = recording.Job();
+  job.Opened(options.project, false, &data.workbook);
+  job.Took(&data.workbook, sheet.Name(), &sheet);
+  Session session(sheet, Task::kSimulate, job);
+  Specify(session, options, sheet, std::move(matrix), job);
   const Products products = isCorrelated || HasProjectEnding(options.output)
                                 ? RunToSheet(session)
                                 : RunToFile(session, options.output);
   if (products.summary == nullptr) {
     ReportNothing(options);
+    recording.Commit();
     return;
   }
-  const Destination written = Write(options, products);
+  for (std::size_t i = 0; i < session.Documents().size(); ++i)
+    job.Shown(session.Analysis(), i, session.Documents()[i].get());
+  const Destination written = Write(options, products, job);
   Report(options, products, written);
+  recording.Commit();
 }
 
 }  // namespace
@@ -321,6 +348,7 @@ void AddSimulateCommand(CLI::App& program) {
           "Where the data go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the first "
           "two take any number of samples of the methods without correlation")
       ->type_name("OUT");
+  AddRecordOption(*command, options->record);
   AddFormatOption(*command, options->format);
   command->footer(
       "Example:\n  brenvolt simulate geyser.bvw --method iman-conover --samples 10000 --seed 7 -o "

@@ -1,5 +1,7 @@
 #include "bindings/python/analysis.h"
 
+#include "bindings/python/recording.h"
+
 namespace brenvolt::python {
 
 AnalysisRef::AnalysisRef(std::shared_ptr<SheetRef> input)
@@ -7,9 +9,11 @@ AnalysisRef::AnalysisRef(std::shared_ptr<SheetRef> input)
   document_.SetInputTable(&input_->Sheet(), input_->Document());
   document_.SetDataOpener([this](const std::filesystem::path& path) { return OpenInput(path); });
   analysis_ = application_.NewAnalysis(document_);
+  RecordStarted(*this);
 }
 
 AnalysisRef::~AnalysisRef() {
+  ForgetAnalysis(*this);
   if (analysis_ != nullptr) analysis_->BeforeClose();
 }
 

@@ -10,6 +10,7 @@
 #include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/recording.h"
 #include "bindings/python/variants.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/analysis/host_interfaces.h"
@@ -222,8 +223,10 @@ AutomationRef DialogOf(const Analysis& analysis) {
 
 std::vector<AutomationRef> DocumentsOf(const Analysis& analysis) {
   std::vector<AutomationRef> documents;
-  for (const Variant::Object& document : analysis->Interface().Documents())
+  for (const Variant::Object& document : analysis->Interface().Documents()) {
+    RecordShown(*analysis, documents.size(), document);
     documents.push_back({document, analysis});
+  }
   return documents;
 }
 

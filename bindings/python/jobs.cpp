@@ -4,9 +4,12 @@
 
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/analysis/result_columns.h"
 #include "host/application/dialog_words.h"
+#include "host/application/exchange.h"
+#include "host/application/fit_graphs.h"
 #include "host/application/project_files.h"
 #include "host/base/almost_equal.h"
 #include "host/tables/matrix_sheet.h"
@@ -98,9 +101,84 @@ void SaveFits(const Sheet& sheet, const Sheet& matrix, const std::filesystem::pa
   std::error_code ignored;
   const bool own = workbook != nullptr && workbook->Path() &&
                    std::filesystem::equivalent(*workbook->Path(), path, ignored);
-  if (!own) return MergeIntoProject(path, sheet->Sheet(), CopyOf(matrix));
-  if (matrix != nullptr) PutCorrelationMatrix(workbook->Content(), sheet->Sheet().Name(), CopyOf(matrix));
-  workbook->Save(path);
+  if (own) {
+    if (matrix != nullptr) PutCorrelationMatrix(workbook->Content(), sheet->Sheet().Name(), CopyOf(matrix));
+    workbook->Save(path);
+  } else {
+    MergeIntoProject(path, sheet->Sheet(), CopyOf(matrix));
+  }
+  TheJob().Called(nullptr, "SaveFits",
+                  {RecordedName(sheet), matrix != nullptr ? RecordedName(matrix) : "None", PythonPath(path)});
+}
+
+Sheet SavedMatrixOf(const Sheet& sheet) {
+  const auto& workbook = sheet->Workbook();
+  if (workbook == nullptr) return nullptr;
+  Sheet matrix = Free(SavedMatrix(workbook->Content(), sheet->Sheet()));
+  RecordGiven("matrix", nullptr, "SavedMatrix", {RecordedName(sheet)}, matrix);
+  return matrix;
+}
+
+Sheet MatrixNamed(const std::string& name, const Sheet& sheet) {
+  const Workbook none;
+  const auto& workbook = sheet->Workbook();
+  Sheet matrix = Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
+  RecordGiven("matrix", nullptr, "NamedMatrix", {PythonText(name), RecordedName(sheet)}, matrix);
+  return matrix;
+}
+
+std::vector<std::string> Append(const std::filesystem::path& path, const std::vector<Sheet>& sheets) {
+  RequireProjectEnding(path);
+  std::vector<std::unique_ptr<Spreadsheet>> copies;
+  JobRecorder::Arguments arguments{PythonPath(path)};
+  for (const Sheet& sheet : sheets) {
+    copies.push_back(CopyOf(sheet));
+    arguments.push_back(RecordedName(sheet));
+  }
+  auto names = AppendToProject(path, std::move(copies));
+  TheJob().Called(nullptr, "Append", arguments);
+  return names;
+}
+
+CsvFormat Format(bool decimalComma) {
+  return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{};
+}
+
+std::string Keyword(const char* name, const std::string& text) {
+  return text.empty() ? text : name + PythonText(text);
+}
+
+std::string Import(const std::filesystem::path& file, const std::filesystem::path& project,
+                   const std::string& sheet, const std::string& kind, bool decimalComma) {
+  RequireProjectEnding(project);
+  if (!kind.empty() && kind != "data" && kind != "matrix")
+    throw std::invalid_argument("kind is 'data' or 'matrix', not '" + kind + "'");
+  const Spreadsheet imported = ImportIntoProject({file, Format(decimalComma), sheet, kind}, project);
+  TheJob().Called(nullptr, "Import",
+                  {PythonPath(file), PythonPath(project), Keyword("sheet=", sheet), Keyword("kind=", kind),
+                   DecimalCommaArgument(decimalComma)});
+  return imported.Name();
+}
+
+void Export(const std::string& source, const std::filesystem::path& output, bool decimalComma) {
+  ExportFromProject(source, output, Format(decimalComma));
+  TheJob().Called(nullptr, "Export",
+                  {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma)});
+}
+
+Sheet Score(const std::filesystem::path& model, const std::filesystem::path& data, const std::string& sheet,
+            bool probabilities, bool leaveInvalid, bool decimalComma) {
+  ScoreOptions options;
+  options.classProbabilities = probabilities;
+  options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
+  Sheet predictions =
+      Free(std::make_unique<Spreadsheet>(ScoreFile(model, data, Format(decimalComma), sheet, options)));
+  RecordGiven("predictions", nullptr, "Score",
+              {PythonPath(model), PythonPath(data), Keyword("sheet=", sheet),
+               probabilities ? "probabilities=True" : "", leaveInvalid ? "leave_invalid=True" : "",
+               DecimalCommaArgument(decimalComma)},
+              predictions);
+  return predictions;
 }
 
 }  // namespace
@@ -118,6 +196,7 @@ void BindJobs(py::module_& module) {
       "_take_former_properties",
       [](const Sheet& sheet, const std::filesystem::path& path) {
         TakeFormerProperties(path, sheet->Sheet());
+        TheJob().Called(nullptr, "TakeFormerProperties", {RecordedName(sheet), PythonPath(path)});
       },
       InHost());
   module.def("_require_project_ending", &RequireProjectEnding);
@@ -128,24 +207,21 @@ void BindJobs(py::module_& module) {
       "_fitted_sheet",
       [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
         Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
-        return sheet == nullptr ? nullptr : workbook->RefTo(*sheet);
+        return sheet == nullptr ? nullptr : Recorded(workbook->RefTo(*sheet), sheet->Name());
       },
       InHost());
+  module.def("_saved_matrix", &SavedMatrixOf, InHost());
+  module.def("_named_matrix", &MatrixNamed, InHost());
+  module.def("_append", &Append, InHost());
   module.def(
-      "_saved_matrix",
-      [](const Sheet& sheet) -> Sheet {
-        const auto& workbook = sheet->Workbook();
-        return workbook == nullptr ? nullptr : Free(SavedMatrix(workbook->Content(), sheet->Sheet()));
+      "_write_fit_graphs",
+      [](const std::shared_ptr<AnalysisRef>& analysis, const std::filesystem::path& path) {
+        WriteFitGraphs(analysis->Analysis(), path, TheJob());
       },
       InHost());
-  module.def(
-      "_named_matrix",
-      [](const std::string& name, const Sheet& sheet) {
-        const Workbook none;
-        const auto& workbook = sheet->Workbook();
-        return Free(NamedMatrix(name, workbook == nullptr ? none : workbook->Content(), "matrix " + name));
-      },
-      InHost());
+  module.def("_import", &Import, InHost());
+  module.def("_export", &Export, InHost());
+  module.def("_score", &Score, InHost());
   module.def(
       "_matrix_from_table",
       [](const Sheet& table) {

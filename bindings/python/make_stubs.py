@@ -14,7 +14,7 @@ import brenvolt  # noqa: E402 - found by the line before
 from brenvolt import _automation  # noqa: E402
 
 # The modules that offer what is no constant, and their names.
-SOURCES = ("_automation", "_brenvolt", "_errors", "_jobs")
+SOURCES = ("_automation", "_brenvolt", "_errors", "_jobs", "_recording")
 TYPES = {"document": "Any", "object": "Any", "enumeration": "int", "": "None"}
 
 

@@ -10,4 +10,5 @@ PYBIND11_MODULE(_brenvolt, module) {
   brenvolt::python::BindDistributions(module);
   brenvolt::python::BindAutomation(module);
   brenvolt::python::BindJobs(module);
+  brenvolt::python::BindRecording(module);
 }

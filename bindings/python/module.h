@@ -16,5 +16,7 @@ void BindDistributions(pybind11::module_& module);
 void BindAutomation(pybind11::module_& module);
 // What jobs share with the command: its words, and how projects are saved.
 void BindJobs(pybind11::module_& module);
+// Recording what is done as a macro.
+void BindRecording(pybind11::module_& module);
 
 }  // namespace brenvolt::python

@@ -7,9 +7,11 @@
 #include "bindings/python/arrays.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/application/project_files.h"
 #include "host/base/error.h"
+#include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;
 
@@ -33,6 +35,7 @@ py::array_t<double> Values(const VariableRef& variable) {
 void SetValues(const VariableRef& variable, const Numbers& numbers) {
   std::vector<double> values = VectorFrom(numbers);
   const HostCall call;
+  RefuseRecordedChange(variable.sheet);
   const std::size_t cases = variable.sheet->Sheet().CaseCount();
   if (values.size() != cases) {
     throw Error(std::to_string(values.size()) + " values for " + std::to_string(cases) + " cases",
@@ -54,6 +57,7 @@ py::array_t<bool> Missing(const VariableRef& variable) {
 }
 
 void SetLabels(const VariableRef& variable, const Texts& labels) {
+  RefuseRecordedChange(variable.sheet);
   for (const auto& [value, text] : labels) variable.Get().SetLabel(value, text);
 }
 
@@ -103,6 +107,7 @@ std::vector<std::string> VariableNames(const Sheet& sheet) {
 void SetColumn(const Sheet& sheet, const std::string& name, const Numbers& numbers, const Texts& labels) {
   std::vector<double> values = VectorFrom(numbers);
   const HostCall call;
+  RefuseRecordedChange(sheet);
   Spreadsheet& table = sheet->Sheet();
   Variable column(name, 0);
   column.AssignValues(std::move(values));
@@ -137,6 +142,7 @@ std::optional<std::string> WeightName(const Sheet& sheet) {
 void SetWeight(const Sheet& sheet, const std::optional<std::string>& name) {
   Spreadsheet& table = sheet->Sheet();
   table.SetWeightVariable(name ? std::optional(IndexOf(table, *name)) : std::nullopt);
+  RecordAttribute(sheet, "weight_variable", name);
 }
 
 std::optional<std::string> Selection(const Sheet& sheet) {
@@ -151,6 +157,7 @@ void SetSelection(const Sheet& sheet, const std::optional<std::string>& conditio
   } else {
     sheet->Sheet().SetSelection({});
   }
+  RecordAttribute(sheet, "selection", condition);
 }
 
 CsvFormat Format(bool decimalComma) {
@@ -163,20 +170,27 @@ Sheet FreeSheet(Spreadsheet sheet) {
 
 template <auto Get, auto Set, class Class>
 void TextProperty(Class& type, const char* name, const char* doc) {
-  type.def_property(
-      name, py::cpp_function([](const Sheet& sheet) { return (sheet->Sheet().*Get)(); }, InHost()),
-      py::cpp_function([](const Sheet& sheet, std::string text) { (sheet->Sheet().*Set)(std::move(text)); },
-                       InHost()),
-      doc);
+  type.def_property(name,
+                    py::cpp_function([](const Sheet& sheet) { return (sheet->Sheet().*Get)(); }, InHost()),
+                    py::cpp_function(
+                        [name](const Sheet& sheet, const std::string& text) {
+                          (sheet->Sheet().*Set)(text);
+                          RecordAttribute(sheet, name, text);
+                        },
+                        InHost()),
+                    doc);
 }
 
 void BindVariable(py::module_& module) {
   py::class_<VariableRef>(module, "Variable", "A variable (column) of a spreadsheet.")
-      .def_property(
-          "name", py::cpp_function([](const VariableRef& v) { return v.Get().Name(); }, InHost()),
-          py::cpp_function([](const VariableRef& v, std::string name) { v.Get().SetName(std::move(name)); },
-                           InHost()),
-          "The name by which the sheet, fits and formulas know the variable.")
+      .def_property("name", py::cpp_function([](const VariableRef& v) { return v.Get().Name(); }, InHost()),
+                    py::cpp_function(
+                        [](const VariableRef& v, std::string name) {
+                          RefuseRecordedChange(v.sheet);
+                          v.Get().SetName(std::move(name));
+                        },
+                        InHost()),
+                    "The name by which the sheet, fits and formulas know the variable.")
       .def_property_readonly(
           "number", [](const VariableRef& v) { return v.index + 1; },
           "The number of the variable in its sheet, from 1, as dialogs count.")
@@ -189,11 +203,15 @@ void BindVariable(py::module_& module) {
           "values", &Values, &SetValues,
           "The values as a NumPy array, a read-only view without a copy. Assign an array to replace "
           "them all; a view made before keeps the former ones.")
-      .def_property(
-          "missing_code",
-          py::cpp_function([](const VariableRef& v) { return v.Get().MissingCode(); }, InHost()),
-          py::cpp_function([](const VariableRef& v, double code) { v.Get().SetMissingCode(code); }, InHost()),
-          "The value that stands for a missing one, beside NaN, which always does.")
+      .def_property("missing_code",
+                    py::cpp_function([](const VariableRef& v) { return v.Get().MissingCode(); }, InHost()),
+                    py::cpp_function(
+                        [](const VariableRef& v, double code) {
+                          RefuseRecordedChange(v.sheet);
+                          v.Get().SetMissingCode(code);
+                        },
+                        InHost()),
+                    "The value that stands for a missing one, beside NaN, which always does.")
       .def_property_readonly("missing", &Missing, "True for each case whose value is missing.")
       .def_property("labels",
                     py::cpp_function([](const VariableRef& v) { return v.Get().Labels(); }, InHost()),
@@ -204,13 +222,17 @@ void BindVariable(py::module_& module) {
       .def(
           "set_property",
           [](const VariableRef& v, const std::string& key, std::string value) {
+            RefuseRecordedChange(v.sheet);
             v.Get().SetProperty(key, std::move(value));
           },
           InHost(), py::arg("name"), py::arg("value"), "Sets a text property.")
       .def(
           "remove_property",
-          [](const VariableRef& v, const std::string& key) { return v.Get().RemoveProperty(key); }, InHost(),
-          py::arg("name"), "Removes a text property; False where there was none.")
+          [](const VariableRef& v, const std::string& key) {
+            RefuseRecordedChange(v.sheet);
+            return v.Get().RemoveProperty(key);
+          },
+          InHost(), py::arg("name"), "Removes a text property; False where there was none.")
       .def(
           "__len__", [](const VariableRef& v) { return v.Get().Size(); }, InHost())
       .def(
@@ -231,7 +253,10 @@ void BindSheet(py::module_& module) {
           "is_matrix",
           py::cpp_function([](const Sheet& s) { return s->Sheet().Kind() == SheetKind::kMatrix; }, InHost()),
           py::cpp_function(
-              [](const Sheet& s, bool on) { s->Sheet().SetKind(on ? SheetKind::kMatrix : SheetKind::kData); },
+              [](const Sheet& s, bool on) {
+                RefuseRecordedChange(s);
+                s->Sheet().SetKind(on ? SheetKind::kMatrix : SheetKind::kData);
+              },
               InHost()),
           "True for a matrix file: a square matrix with four rows of summaries below.")
       .def_property_readonly("names", py::cpp_function(&VariableNames, InHost()),
@@ -267,6 +292,7 @@ void BindSheet(py::module_& module) {
       .def_property("case_names", py::cpp_function(&CaseNames, InHost()),
                     py::cpp_function(
                         [](const Sheet& s, const std::optional<std::vector<std::string>>& names) {
+                          RefuseRecordedChange(s);
                           s->Sheet().SetCaseNames(names.value_or(std::vector<std::string>()));
                         },
                         InHost()),
@@ -281,21 +307,39 @@ void BindSheet(py::module_& module) {
                     py::cpp_function(&SetSelection, InHost()),
                     "The condition that a case meets to be used, such as \"x > 3 and y = 1\", or None.")
       .def(
-          "add_cases", [](const Sheet& s, std::size_t count) { s->Sheet().AddCases(count); }, InHost(),
-          py::arg("count"), "Appends cases, missing in every variable.")
+          "add_cases",
+          [](const Sheet& s, std::size_t count) {
+            RefuseRecordedChange(s);
+            s->Sheet().AddCases(count);
+          },
+          InHost(), py::arg("count"), "Appends cases, missing in every variable.")
       .def(
           "copy", [](const Sheet& s) { return FreeSheet(s->Sheet()); }, InHost(), "A copy in no workbook.")
       .def(
           "to_csv",
           [](const Sheet& s, const std::filesystem::path& path, bool decimalComma) {
             WriteCsvFile(s->Sheet(), path, Format(decimalComma));
+            RecordCall(s, "to_csv", {PythonPath(path), DecimalCommaArgument(decimalComma)});
           },
           InHost(), py::arg("path"), py::arg("decimal_comma") = false,
-          "Writes a CSV file whose numbers read back exactly. Replaces no project.");
+          "Writes a CSV file whose numbers read back exactly. Replaces no project.")
+      .def(
+          "to_npz",
+          [](const Sheet& s, const std::filesystem::path& path) {
+            RefuseProjectTarget(path);
+            WriteNumpyArchive(s->Sheet(), path);
+            RecordCall(s, "to_npz", {PythonPath(path)});
+          },
+          InHost(), py::arg("path"),
+          "Writes an archive of NumPy arrays, one per variable, which numpy.load reads. Replaces no "
+          "project.");
   module.def(
       "read_csv",
       [](const std::filesystem::path& path, bool decimalComma) {
-        return FreeSheet(ReadCsv(path, Format(decimalComma)));
+        const Sheet sheet = FreeSheet(ReadCsv(path, Format(decimalComma)));
+        RecordGiven("sheet", nullptr, "ReadCsv", {PythonPath(path), DecimalCommaArgument(decimalComma)},
+                    sheet);
+        return sheet;
       },
       InHost(), py::arg("path"), py::arg("decimal_comma") = false,
       "The spreadsheet in a CSV file with a header row.");
@@ -306,21 +350,34 @@ using Book = std::shared_ptr<WorkbookRef>;
 void BindWorkbook(py::module_& module) {
   py::class_<WorkbookRef, Book> type(module, "Workbook",
                                      "A project: spreadsheets and matrix files in one file, by name.");
-  type.def(py::init([] { return std::make_shared<WorkbookRef>(); }), "An empty project without a file.")
+  type.def(py::init([] {
+             auto workbook = std::make_shared<WorkbookRef>();
+             RecordMade(workbook);
+             return workbook;
+           }),
+           InHost(), "An empty project without a file.")
       .def_property_readonly("path", &WorkbookRef::Path, InHost(), "The project's file, or None.")
       .def_property_readonly("names", py::cpp_function(&WorkbookRef::Names, InHost()),
                              "The names of the sheets in their order.")
-      .def("sheet", &WorkbookRef::SheetCalled, InHost(), py::arg("name") = "",
-           "The sheet of that name; without one, the first data sheet.")
+      .def(
+          "sheet",
+          [](const Book& book, const std::string& name) { return Recorded(book->SheetCalled(name), name); },
+          InHost(), py::arg("name") = "", "The sheet of that name; without one, the first data sheet.")
       .def(
           "__getitem__",
           [](const Book& book, const std::string& name) {
             Spreadsheet* sheet = book->Content().Find(name);
             if (sheet == nullptr) throw py::key_error(name);
-            return book->RefTo(*sheet);
+            return Recorded(book->RefTo(*sheet), name);
           },
           InHost())
-      .def("__getitem__", &WorkbookRef::SheetAt, InHost(), py::arg("index"))
+      .def(
+          "__getitem__",
+          [](const Book& book, std::ptrdiff_t index) {
+            const Sheet sheet = book->SheetAt(index);
+            return Recorded(sheet, sheet->Sheet().Name());
+          },
+          InHost(), py::arg("index"))
       .def(
           "__contains__",
           [](const Book& book, const std::string& name) { return book->Content().Find(name) != nullptr; },
@@ -329,20 +386,35 @@ void BindWorkbook(py::module_& module) {
           "__len__", [](const Book& book) { return book->Content().SheetCount(); }, InHost())
       .def("__iter__",
            [](const Book& book) { return py::iter(py::cast(InTurn([&] { return book->Names(); }))); })
-      .def("add", &WorkbookRef::Add, InHost(), py::arg("sheet"),
-           "Appends a sheet and returns the one in the workbook: a free sheet itself, of any other a copy. "
-           "Where "
-           "its name is taken, a number is put behind it.")
+      .def(
+          "add",
+          [](const Book& book, const Sheet& sheet) {
+            const std::string name = RecordedName(sheet);
+            Sheet added = book->Add(sheet);
+            RecordGiven("sheet", book.get(), "Add", {name}, added);
+            return added;
+          },
+          InHost(), py::arg("sheet"),
+          "Appends a sheet and returns the one in the workbook: a free sheet itself, of any other a copy. "
+          "Where its name is taken, a number is put behind it.")
       .def(
           "remove",
           [](const Book& book, const std::string& name) {
             if (book->Content().Find(name) == nullptr) throw py::key_error(name);
-            return book->Remove(name);
+            Sheet removed = book->Remove(name);
+            RecordGiven("sheet", book.get(), "remove", {PythonText(name)}, removed);
+            return removed;
           },
           InHost(), py::arg("name"), "Takes a sheet out and returns it.")
-      .def("save", &WorkbookRef::Save, InHost(), py::arg("path") = std::nullopt,
-           "Writes the project in one step: the file holds its former or its new content, never a mixture. "
-           "Without a path, to the file that it was read from or last saved to.")
+      .def(
+          "save",
+          [](const Book& book, const std::optional<std::filesystem::path>& path) {
+            book->Save(path);
+            TheJob().Called(book.get(), "Save", {path ? PythonPath(*path) : ""});
+          },
+          InHost(), py::arg("path") = std::nullopt,
+          "Writes the project in one step: the file holds its former or its new content, never a mixture. "
+          "Without a path, to the file that it was read from or last saved to.")
       .def(
           "__repr__",
           [](const Book& book) {
@@ -354,7 +426,9 @@ void BindWorkbook(py::module_& module) {
   module.def(
       "open_workbook",
       [](const std::filesystem::path& path, bool decimalComma) {
-        return std::make_shared<WorkbookRef>(OpenDataFile(path, Format(decimalComma)));
+        auto workbook = std::make_shared<WorkbookRef>(OpenDataFile(path, Format(decimalComma)));
+        RecordOpened(workbook, path, decimalComma);
+        return workbook;
       },
       InHost(), py::arg("path"), py::arg("decimal_comma") = false,
       "Opens a project, or a CSV file as a workbook of one sheet.");

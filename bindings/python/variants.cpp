@@ -3,6 +3,7 @@
 #include <string>
 
 #include "bindings/python/analysis.h"
+#include "bindings/python/recording.h"
 #include "host/base/almost_equal.h"
 
 namespace py = pybind11;
@@ -30,9 +31,11 @@ struct PythonMaker {
   }
 };
 
-Variant::Object DocumentOf(const SheetRef& sheet) {
-  if (sheet.Document() != nullptr) return sheet.Document();
-  return std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(sheet.Sheet()));
+Variant::Object DocumentOf(const std::shared_ptr<SheetRef>& sheet) {
+  if (sheet->Document() != nullptr) return sheet->Document();
+  auto document = std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(sheet->Sheet()));
+  RecordPassed(sheet, document);
+  return document;
 }
 
 Variant ArrayFrom(const py::handle& sequence) {
@@ -63,7 +66,7 @@ Variant FromPython(const py::handle& value) {
   if (PyIndex_Check(value.ptr())) return value.cast<std::int64_t>();
   if (py::isinstance<py::str>(value)) return value.cast<std::string>();
   if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
-  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<const SheetRef&>());
+  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<std::shared_ptr<SheetRef>>());
   if (py::isinstance<py::sequence>(value)) return ArrayFrom(value);
   if (IsNumber(value)) return value.cast<double>();
   throw py::type_error("an automation call cannot pass a " + std::string(py::str(py::type::of(value))));

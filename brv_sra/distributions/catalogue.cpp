@@ -172,12 +172,30 @@ std::optional<ValidityFault> CheckTogether(const CatalogueEntry& entry, std::spa
   }
 }
 
+using NumberText = std::string (*)(double);
+
 std::string MacroNumber(double x) {
   return IsNotSet(x) ? "Nothing" : FormatNumber("%e", x);
 }
 
-std::string MacroBound(bool inForce, double bound) {
-  return inForce ? ", 1, " + MacroNumber(bound) : ", 0, 0";
+std::string ExactMacroNumber(double x) {
+  const std::string usual = MacroNumber(x);
+  if (IsNotSet(x) || ParseNumber(usual) == x) return usual;
+  return FormatNumber("%.16e", x);
+}
+
+std::string MacroBound(bool inForce, double bound, NumberText number) {
+  return inForce ? ", 1, " + number(bound) : ", 0, 0";
+}
+
+std::string MacroTextWith(const DistributionSpecification& specification, NumberText number) {
+  const CatalogueEntry& entry = Entry(specification.code);
+  std::string text = "Array(" + std::string(entry.internalKey);
+  for (const double value : specification.values) text += ", " + number(value);
+  if (entry.hasOffset) text += ", " + number(specification.offset);
+  text += MacroBound(specification.truncateBelow, specification.truncationMinimum, number);
+  text += MacroBound(specification.truncateAbove, specification.truncationMaximum, number);
+  return std::string(Trim(text)) + ")";
 }
 
 }  // namespace
@@ -277,13 +295,11 @@ std::optional<ValidityFault> CheckSpecification(const DistributionSpecification&
 }
 
 std::string MacroText(const DistributionSpecification& specification) {
-  const CatalogueEntry& entry = Entry(specification.code);
-  std::string text = "Array(" + std::string(entry.internalKey);
-  for (const double value : specification.values) text += ", " + MacroNumber(value);
-  if (entry.hasOffset) text += ", " + MacroNumber(specification.offset);
-  text += MacroBound(specification.truncateBelow, specification.truncationMinimum);
-  text += MacroBound(specification.truncateAbove, specification.truncationMaximum);
-  return std::string(Trim(text)) + ")";
+  return MacroTextWith(specification, MacroNumber);
+}
+
+std::string ExactMacroText(const DistributionSpecification& specification) {
+  return MacroTextWith(specification, ExactMacroNumber);
 }
 
 std::string_view JohnsonFamilyName(int type) {

@@ -119,5 +119,7 @@ std::optional<ValidityFault> CheckSpecification(const DistributionSpecification&
 // "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes it. The
 // offset of types that have one follows the values as one more value; a value that is not set is "Nothing".
 std::string MacroText(const DistributionSpecification& specification);
+// The same, with more digits for a value that would not read back exactly from six decimals.
+std::string ExactMacroText(const DistributionSpecification& specification);
 
 }  // namespace brenvolt::sra

@@ -283,6 +283,11 @@ TEST(Catalogue, MacroTextWritesOffsetsBoundsAndValuesNotGiven) {
   for (const auto& row : rows) EXPECT_EQ(MacroText(row.specification), row.text);
 }
 
+TEST(Catalogue, ExactMacroTextHasMoreDigitsOnlyWhereSixDecimalsLoseSome) {
+  EXPECT_EQ(ExactMacroText({.code = kWeibull, .values = {1.0 / 3, 0.5}, .offset = kNotSet}),
+            "Array(scWeibull, 3.3333333333333331e-01, 5.000000e-01, Nothing, 0, 0, 0, 0)");
+}
+
 TEST(Catalogue, DescriptionAndWordsMatchTheNumberOfParameters) {
   for (const DistributionCode code : AllCodes()) {
     const CatalogueEntry& entry = Entry(code);

@@ -79,10 +79,21 @@ void PutOption(Dialog& dialog, Indexes, const Variant& value) {
 }
 template <auto Field, auto Value>
 constexpr Member Option(std::string_view name) {
-  return {name, GetOption<Field, Value>, PutOption<Field, Value>};
+  return Member{name, GetOption<Field, Value>, PutOption<Field, Value>}.AsChoice();
 }
 
 using Show = void (Dialog::*)(int);
+
+// Where the tabs' controls stand.
+template <Show ShowVariable>
+std::int32_t ShownPlace(Dialog& dialog) {
+  return ShowVariable == &Dialog::ShowContinuousVariable ? dialog.ShownContinuousVariable()
+                                                         : dialog.ShownDiscreteVariable();
+}
+template <Show ShowVariable>
+constexpr Member OfVariable(std::string_view name, Member::Get get, Member::Put put) {
+  return Member{name, get, put}.ShownAt(ShownPlace<ShowVariable>);
+}
 
 template <Show ShowVariable, std::int32_t Control>
 Variant GetCheckOf(Dialog& dialog, Indexes indexes) {
@@ -96,13 +107,13 @@ void PutCheckOf(Dialog& dialog, Indexes indexes, const Variant& value) {
 }
 template <std::int32_t Control>
 constexpr Member Continuous(std::string_view name) {
-  return {name, GetCheckOf<&Dialog::ShowContinuousVariable, Control>,
-          PutCheckOf<&Dialog::ShowContinuousVariable, Control>};
+  constexpr Show kShow = &Dialog::ShowContinuousVariable;
+  return OfVariable<kShow>(name, GetCheckOf<kShow, Control>, PutCheckOf<kShow, Control>);
 }
 template <std::int32_t Control>
 constexpr Member Discrete(std::string_view name) {
-  return {name, GetCheckOf<&Dialog::ShowDiscreteVariable, Control>,
-          PutCheckOf<&Dialog::ShowDiscreteVariable, Control>};
+  constexpr Show kShow = &Dialog::ShowDiscreteVariable;
+  return OfVariable<kShow>(name, GetCheckOf<kShow, Control>, PutCheckOf<kShow, Control>);
 }
 
 template <std::int32_t Control>
@@ -120,7 +131,7 @@ void PutOffset(Dialog& dialog, Indexes indexes, const Variant& value) {
 }
 template <std::int32_t Control>
 constexpr Member Offset(std::string_view name) {
-  return {name, GetOffset<Control>, PutOffset<Control>};
+  return OfVariable<&Dialog::ShowContinuousVariable>(name, GetOffset<Control>, PutOffset<Control>);
 }
 
 template <Show ShowVariable, std::int32_t Control>
@@ -135,7 +146,7 @@ void PutCount(Dialog& dialog, Indexes indexes, const Variant& value) {
 }
 template <Show ShowVariable, std::int32_t Control>
 constexpr Member Count(std::string_view name) {
-  return {name, GetCount<ShowVariable, Control>, PutCount<ShowVariable, Control>};
+  return OfVariable<ShowVariable>(name, GetCount<ShowVariable, Control>, PutCount<ShowVariable, Control>);
 }
 
 // Settings without a control: the number of bootstrap samples (0 for none), and where their random numbers
@@ -158,7 +169,7 @@ constexpr auto kDiscreteRank = &FitSpecification::discreteCriterion;
 constexpr auto kBins = &FitSpecification::binning;
 
 constexpr std::array<Member, 40> kMembers{{
-    {"Variables", GetLists, PutLists},
+    Member{"Variables", GetLists, PutLists}.SaidByOthers(),
     Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest"),
     Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest"),
     Option<kContinuousRank, kAndersonDarling>("ContinuousAndersonDarlingTest"),
@@ -166,8 +177,8 @@ constexpr std::array<Member, 40> kMembers{{
     Option<kDiscreteRank, kChiSquare>("DiscreteChiSquareTest"),
     Option<kBins, kEqualProbabilities>("EqualProbability"),
     Option<kBins, kEqualIntervals>("EqualInterval"),
-    {"IsPairwise", GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>},
-    {"IsCasewise", GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>},
+    Member{"IsPairwise", GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>}.AsChoice(),
+    Member{"IsCasewise", GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>}.AsChoice(),
     {"ContinuousVariable", GetContinuousList, PutContinuousList},
     Continuous<kNormal>("IsNormalDistribution"),
     Continuous<kLogNormal>("IsLogNormalDistribution"),

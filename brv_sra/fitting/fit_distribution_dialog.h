@@ -24,6 +24,9 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   // Shows a variable on its tab, by its place in its list from 1, and stores the inputs of the one left.
   void ShowContinuousVariable(int position);
   void ShowDiscreteVariable(int position);
+  // The place of the variable that a tab shows, from 1; 0 for none.
+  int ShownContinuousVariable() const { return shownContinuous_ + 1; }
+  int ShownDiscreteVariable() const { return shownDiscrete_ + 1; }
 
   FitSpecification& Specification() { return SimulationAndRisk().Fit().specification; }
   const FitSpecification& Specification() const { return SimulationAndRisk().Fit().specification; }

@@ -6,7 +6,8 @@
 //
 // Orders of distributions are read as "Weibull;Normal;" and put as such a text or as an array of names
 // (display names or keys) or codes; an empty one restores the default. Values of a distribution are an array
-// of numbers in catalogue order, the offset last where the type has one.
+// of numbers in catalogue order, the offset last where the type has one, alone or as the catalogue's macro
+// text.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -161,19 +162,56 @@ Variant GetUserDefined(Dialog& dialog, Indexes indexes) {
   }
   return values;
 }
+// The catalogue's macro text begins with the distribution's constant and ends with the truncation.
+constexpr std::size_t kMacroFrame = 5;
+constexpr std::size_t kMacroTruncation = 4;
+
+// Whether an array is that of a macro text: no array of values alone has its length.
+bool IsMacroArray(const Variant::Array& elements, DistributionCode code) {
+  if (elements.size() <= kMacroFrame || elements[0].IsText()) return false;
+  const std::size_t values = elements.size() - kMacroFrame;
+  const std::size_t group = Parameters(code).size();
+  const bool isRepeated = code == DistributionCode::kGaussianMixture || code == DistributionCode::kHistogram;
+  return isRepeated ? values % group == 0 : values == group + (HasOffset(code) ? 1 : 0);
+}
+
+// Takes the values out of the array of a macro text.
+Variant::Array ValuesOfMacroArray(const Variant::Array& elements, DistributionCode code) {
+  if (CodeFrom(elements[0]) != code)
+    throw Error("values of another distribution: " + std::string(DisplayName(CodeFrom(elements[0]))));
+  const auto truncation = elements.end() - kMacroTruncation;
+  if (truncation[0].ToBoolean() || truncation[2].ToBoolean())
+    throw Error("bounds are put by UserDefinedTruncMin and UserDefinedTruncMax");
+  return {elements.begin() + 1, truncation};
+}
+
 // An offset that is left out is 0.
-void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
+DistributionSpecification UserDefinedFrom(DistributionCode code, const Variant& value) {
   DistributionSpecification specification;
-  specification.code = CodeFrom(indexes[1]);
-  for (const Variant& element : value.ToArray()) specification.values.push_back(element.ToReal());
-  if (HasOffset(specification.code)) {
+  specification.code = code;
+  Variant::Array elements = value.ToArray();
+  if (IsMacroArray(elements, code)) elements = ValuesOfMacroArray(elements, code);
+  for (const Variant& element : elements) specification.values.push_back(element.ToReal());
+  if (HasOffset(code)) {
     specification.offset = 0;
-    if (specification.values.size() > Parameters(specification.code).size()) {
+    if (specification.values.size() > Parameters(code).size()) {
       specification.offset = specification.values.back();
       specification.values.pop_back();
     }
   }
-  SetUserDefinedValues(IndexedVariable(dialog, indexes), std::move(specification));
+  return specification;
+}
+
+void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
+  SetUserDefinedValues(IndexedVariable(dialog, indexes), UserDefinedFrom(CodeFrom(indexes[1]), value));
+}
+std::string UserDefinedText(Dialog&, Indexes indexes, const Variant& value) {
+  return ExactMacroText(UserDefinedFrom(CodeFrom(indexes[1]), value));
+}
+
+// The variable of the Save/plot tab.
+std::int32_t SavePlace(Dialog& dialog) {
+  return dialog.Controls().Selection(kSaveVariable) + 1;
 }
 
 template <bool Truncation::*Flag>
@@ -200,30 +238,38 @@ void PutBound(Dialog& dialog, Indexes indexes, const Variant& value) {
 constexpr std::array<Member, 26> kMembers{{
     {"QuickTabVariable", GetSelection<Dialog, kVariable, 1>, PutSelection<Dialog, kVariable, 1>},
     {"QuickTabDistribution", GetSelection<Dialog, kDistribution, 1>, PutSelection<Dialog, kDistribution, 1>},
-    {"SummaryStats", GetOutput<&Dialog::ShowSummaryStatistics>, nullptr},
-    {"SummaryGraph", GetPlot<FitPlot::kSummary>, nullptr},
-    {"EmpiricalCDFPlot", GetPlot<FitPlot::kEmpiricalDistribution>, nullptr},
-    {"HistogramWithFit", GetPlot<FitPlot::kHistogram>, nullptr},
-    {"CumulativeHistogram", GetPlot<FitPlot::kCumulativeHistogram>, nullptr},
-    {"PPPlot", GetPlot<FitPlot::kProbabilityPlot>, nullptr},
-    {"QQPlot", GetPlot<FitPlot::kQuantilePlot>, nullptr},
-    {"BoxPlot", GetPlot<FitPlot::kBoxPlot>, nullptr},
+    Member{"SummaryStats", GetOutput<&Dialog::ShowSummaryStatistics>, nullptr}.ByButton(kSummaryStatistics),
+    Member{"SummaryGraph", GetPlot<FitPlot::kSummary>, nullptr}.ByButton(kSummaryGraph),
+    Member{"EmpiricalCDFPlot", GetPlot<FitPlot::kEmpiricalDistribution>, nullptr}.ByButton(kEmpiricalPlot),
+    Member{"HistogramWithFit", GetPlot<FitPlot::kHistogram>, nullptr}.ByButton(kHistogram),
+    Member{"CumulativeHistogram", GetPlot<FitPlot::kCumulativeHistogram>, nullptr}.ByButton(
+        kCumulativeHistogram),
+    Member{"PPPlot", GetPlot<FitPlot::kProbabilityPlot>, nullptr}.ByButton(kProbabilityPlot),
+    Member{"QQPlot", GetPlot<FitPlot::kQuantilePlot>, nullptr}.ByButton(kQuantilePlot),
+    Member{"BoxPlot", GetPlot<FitPlot::kBoxPlot>, nullptr}.ByButton(kBoxPlot),
     {"SaveFitTabVariable", GetSelection<Dialog, kSaveVariable, 1>, PutSelection<Dialog, kSaveVariable, 1>},
-    {"CorrelationMatrix", GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr},
-    {"QuickTabDistributionSummaryStats", GetDistributionSummary<&Dialog::QuickVariable>, nullptr},
-    {"SavePlotTabDistributionSummaryStats", GetDistributionSummary<&Dialog::SaveVariable>, nullptr},
-    {"SaveDistributionFit", GetOutput<&Dialog::SaveFits>, nullptr},
-    {"DistributionOrder", GetOrder, PutOrder},
+    Member{"CorrelationMatrix", GetOutput<&Dialog::ShowCorrelationMatrix>, nullptr}.ByButton(
+        kCorrelationMatrix),
+    Member{"QuickTabDistributionSummaryStats", GetDistributionSummary<&Dialog::QuickVariable>, nullptr}
+        .ByButton(kDistributionSummary),
+    Member{"SavePlotTabDistributionSummaryStats", GetDistributionSummary<&Dialog::SaveVariable>, nullptr}
+        .ByButton(kSaveDistributionSummary),
+    Member{"SaveDistributionFit", GetOutput<&Dialog::SaveFits>, nullptr}.ByButton(kSaveFit),
+    Member{"DistributionOrder", GetOrder, PutOrder}.ShownAt(SavePlace),
     {"IsUserDefinedDistributions", GetChecked<Dialog, kUserDefined>, PutChecked<Dialog, kUserDefined>},
     {"UserDefinedDistributionOrder", GetUserDefinedOrder, PutUserDefinedOrder},
     {"IsDefaultDistributionSettings", GetIsDefault, PutIsDefault},
-    {"UserDefinedDistributions", GetUserDefined, PutUserDefined},
-    {"IsUserDefinedTruncMin", GetTruncated<&Truncation::below>, PutTruncated<&Truncation::below>},
-    {"UserDefinedTruncMin", GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>},
-    {"IsUserDefinedTruncMax", GetTruncated<&Truncation::above>, PutTruncated<&Truncation::above>},
-    {"UserDefinedTruncMax", GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>},
+    Member{"UserDefinedDistributions", GetUserDefined, PutUserDefined}.WrittenBy(UserDefinedText),
+    Member{"IsUserDefinedTruncMin", GetTruncated<&Truncation::below>, PutTruncated<&Truncation::below>}
+        .ShownAt(SavePlace),
+    Member{"UserDefinedTruncMin", GetBound<&Truncation::minimum>, PutBound<&Truncation::minimum>}.ShownAt(
+        SavePlace),
+    Member{"IsUserDefinedTruncMax", GetTruncated<&Truncation::above>, PutTruncated<&Truncation::above>}
+        .ShownAt(SavePlace),
+    Member{"UserDefinedTruncMax", GetBound<&Truncation::maximum>, PutBound<&Truncation::maximum>}.ShownAt(
+        SavePlace),
     {"Variables", GetVariables, PutVariables},
-    {"DistributionDetails", GetOutput<&Dialog::ShowDetails>, nullptr},
+    Member{"DistributionDetails", GetOutput<&Dialog::ShowDetails>, nullptr}.ByButton(kDetails),
 }};
 static_assert(Binds(kFitDistributionResultsInterface, kMembers));
 

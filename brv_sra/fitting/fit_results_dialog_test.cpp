@@ -290,6 +290,31 @@ TEST_F(FitResults, OwnValuesAreSavedWhenAskedFor) {
   EXPECT_EQ(Automation().Get("UserDefinedDistributionOrder", {&first, 1}).ToText(), "Weibull;Normal;");
 }
 
+// As recorded macros write them. The constant goes by its value, as scripts pass it.
+TEST_F(FitResults, OwnValuesAreTakenAsMacroText) {
+  const struct {
+    const char* name;
+    Variant::Array values;
+    const char* refusal;
+  } rows[] = {
+      {"Weibull", {5, 3.0, 2.0, -1.0, 0, 0, 0, 0}, ""},
+      {"GaussianMixture", {6, 0.5, 1.0, 2.0, 0.5, 3.0, 1.0, 0, 0, 0, 0}, ""},
+      {"Normal", {5, 3.0, 2.0, 0, 0, 0, 0}, "values of another distribution: Weibull"},
+      {"Normal",
+       {0, 3.0, 2.0, 1, 1.0, 0, 0},
+       "bounds are put by UserDefinedTruncMin and UserDefinedTruncMax"},
+      {"Normal", {0, 3.0, 0.0, 0, 0, 0, 0}, "Invalid scale parameter entry for Normal distribution. "},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(Refusal("UserDefinedDistributions", row.values, {1, row.name}), row.refusal);
+    if (*row.refusal != '\0') continue;
+    const Variant::Array indexes{1, row.name};
+    const auto own = Automation().Get("UserDefinedDistributions", indexes).ToArray();
+    ASSERT_EQ(own.size(), row.values.size() - 5) << row.name;
+    for (std::size_t i = 0; i < own.size(); ++i) EXPECT_EQ(own[i].ToReal(), row.values[i + 1].ToReal());
+  }
+}
+
 TEST_F(FitResults, SelectedVariablesAloneAreSavedAndSummarised) {
   EXPECT_EQ(Automation().Get("Variables").ToText(), "1-3 | 4-5");
   EXPECT_EQ(Refusal("Variables", "1 | 2", {}), "Variable Var2 is not among the fitted ones.");

@@ -56,6 +56,14 @@ void CDefineTask::OnStepRefused() {
   UndoTask(SimulationAndRisk(), former_);
 }
 
+std::vector<CAnalysisDialog::StandIn> CDefineTask::StandInsOf(std::int32_t number) const {
+  const StartupTask* task = FindStartupTask(number);
+  std::int32_t place = Controls().Selection(kTaskList);
+  if (task != nullptr) place = static_cast<std::int32_t>(task - StartupTasks().data());
+  if (task == nullptr && number != kControlOk && number != kTaskList) return {};
+  return {{"TypeOfAnalysis", CallKind::kPut, place}, {"OK", CallKind::kMethod, {}}};
+}
+
 bool CDefineTask::OnOk() {
   const int selected = Controls().Selection(kTaskList);
   return selected >= 0 && OnCommand(StartupTasks()[static_cast<std::size_t>(selected)].command);

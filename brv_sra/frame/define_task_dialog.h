@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
 #include "brv_sra/frame/startup_tasks.h"
@@ -11,6 +12,10 @@ namespace brenvolt::sra {
 class CDefineTask : public CSimulationAndRiskModelessDialog {
  public:
   explicit CDefineTask(CSimulationAndRisk& analysis);
+
+  // A task's button selects and starts it. So does OK: what is selected at first is the task that the process
+  // started last, which need not be the same when a macro runs.
+  std::vector<StandIn> StandInsOf(std::int32_t number) const override;
 
  protected:
   void OnInitDialog() override;

@@ -17,6 +17,11 @@ void CSimulation::OnInitDialog() {
   SimulationAndRisk().EnableStartupMenus(true);
 }
 
+std::vector<CAnalysisDialog::StandIn> CSimulation::StandInsOf(std::int32_t number) const {
+  if (number != kRunSimulation) return {};
+  return {{"OK", CallKind::kMethod, {}}};
+}
+
 // The simulation is started as from the startup dialog, and returns there.
 bool CSimulation::OnCommand(std::int32_t number) {
   const StartupTask* task = FindStartupTask(number);

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "brv_sra/frame/dialog_base.h"
 #include "brv_sra/frame/startup_tasks.h"
@@ -12,6 +13,9 @@ namespace brenvolt::sra {
 class CSimulation : public CSimulationAndRiskModelessDialog {
  public:
   explicit CSimulation(CSimulationAndRisk& analysis);
+
+  // The button that starts the simulation is OK.
+  std::vector<StandIn> StandInsOf(std::int32_t number) const override;
 
  protected:
   void OnInitDialog() override;

@@ -72,7 +72,9 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property(
         "UserDefinedDistributions", 0x6003001a, kVariant, kVariant,
         "The person's own values of a distribution of the fitted variable at place VarNo (continuous ones "
-        "first): an array of its parameters in catalogue order, the offset last where the type has one.",
+        "first): an array of its parameters in catalogue order, the offset last where the type has one. "
+        "Takes also such an array between the distribution's constant and four zeros, as recorded macros "
+        "have it: Array(scNormalDistr, 4.0, 0.25, 0, 0, 0, 0).",
         kVariableAndDistribution),
     Property("IsUserDefinedTruncMin", 0x6003001c, kInteger, kBoolean,
              "Whether the fitted variable at place VarNo (continuous ones first) is truncated below.",

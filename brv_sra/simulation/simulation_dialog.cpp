@@ -71,21 +71,25 @@ void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
   dialog.SetCorrelationMatrix(document->Table());
 }
 
+template <std::int32_t Control>
+constexpr Member Method(std::string_view name) {
+  return Member{name, GetChecked<Dialog, Control>, PutChosen<Dialog, Control>}.AsChoice();
+}
+
 // The last two have no control; they stand behind the last member of the interface.
 constexpr std::array<Member, 14> kMembers{{
     {"Variables", GetVariables, PutVariables},
-    {"MonteCarloMethod", GetChecked<Dialog, kMonteCarlo>, PutChosen<Dialog, kMonteCarlo>},
-    {"LHSMethod", GetChecked<Dialog, kLatinHypercube>, PutChosen<Dialog, kLatinHypercube>},
-    {"ImanConoverMethod", GetChecked<Dialog, kImanConover>, PutChosen<Dialog, kImanConover>},
-    {"LHSwithImanMethod", GetChecked<Dialog, kLatinHypercubeImanConover>,
-     PutChosen<Dialog, kLatinHypercubeImanConover>},
-    {"NORTAMethod", GetChecked<Dialog, kNormalToAnything>, PutChosen<Dialog, kNormalToAnything>},
+    Method<kMonteCarlo>("MonteCarloMethod"),
+    Method<kLatinHypercube>("LHSMethod"),
+    Method<kImanConover>("ImanConoverMethod"),
+    Method<kLatinHypercubeImanConover>("LHSwithImanMethod"),
+    Method<kNormalToAnything>("NORTAMethod"),
     {"NumberOfSamples", GetNumber<Dialog, kNumberOfSamples>, PutText<Dialog, kNumberOfSamples>},
     {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
     {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
     {"TruncateSimulationData", GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
     {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
-    {"SimulationResults", GetSimulationResults, nullptr},
+    Member{"SimulationResults", GetSimulationResults, nullptr}.ByButton(kSimulate),
     {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
     {"SimulationFile", GetSimulationFile, nullptr},
 }};

@@ -1,5 +1,6 @@
 #include "host/analysis/analysis_dialog.h"
 
+#include "host/analysis/action_recording.h"
 #include "host/automation/automation_failure.h"
 #include "host/base/error.h"
 
@@ -18,8 +19,11 @@ bool CAnalysisDialog::Takes(std::int32_t number) const {
 bool CAnalysisDialog::Press(std::int32_t number) {
   if (!Takes(number)) return false;
   CAnalysisSupport& analysis = analysis_;
+  ControlRecording recording(*this, number);
   const bool taken = OnCommand(number);
-  return Conclude(analysis) && taken;
+  const bool done = Conclude(analysis) && taken;
+  if (done) recording.Done();
+  return done;
 }
 
 // The dialog may be gone: a step that was refused has left it open.
@@ -41,29 +45,39 @@ bool CAnalysisDialog::OnCommand(std::int32_t number) {
 
 bool CAnalysisDialog::Check(std::int32_t number, bool checked) {
   if (!Takes(number)) return false;
+  ControlRecording recording(*this, {});
   controls_.SetChecked(number, checked);
   OnControlChanged(number);
+  recording.Done();
   return true;
 }
 
 bool CAnalysisDialog::Select(std::int32_t number, int index) {
-  if (!Takes(number) || !controls_.Select(number, index)) return false;
+  if (!Takes(number)) return false;
+  ControlRecording recording(*this, {});
+  if (!controls_.Select(number, index)) return false;
   OnControlChanged(number);
+  recording.Done();
   return true;
 }
 
 bool CAnalysisDialog::Enter(std::int32_t number, const std::string& text) {
   if (!Takes(number)) return false;
+  ControlRecording recording(*this, {});
   controls_.SetText(number, text);
   OnControlChanged(number);
+  recording.Done();
   return true;
 }
 
 bool CAnalysisDialog::DoubleClick(std::int32_t number) {
   if (!Takes(number)) return false;
   CAnalysisSupport& analysis = analysis_;
+  ControlRecording recording(*this, number);
   const bool taken = OnDoubleClick(number);
-  return Conclude(analysis) && taken;
+  const bool done = Conclude(analysis) && taken;
+  if (done) recording.Done();
+  return done;
 }
 
 bool CAnalysisModalDialog::DoModal() {
@@ -85,6 +99,7 @@ bool CAnalysisModalDialog::OnCommand(std::int32_t number) {
 
 bool CAnalysisModelessDialog::CreateAnalysisDialog(std::unique_ptr<CAnalysisModelessDialog> dialog) {
   try {
+    const ActionRecording initialisation(dialog->Analysis());
     dialog->OnInitDialog();
   } catch (const Error& error) {
     dialog->Analysis().ShowMessage(error.what());

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/analysis/analysis_support.h"
 #include "host/controls/control_set.h"
@@ -31,6 +32,15 @@ class CAnalysisDialog {
   // The variables that the next results are made of, as automation passes them. The base makes none of chosen
   // variables: throws AutomationFailure kNotAvailable.
   virtual void PutResultsVariables(const Variant& variables);
+
+  // What a recorded macro writes for the press of a button, or the double click on a list, where that is not
+  // simply OK, Cancel or a member of automation: calls of members, as name and, for a put, value.
+  struct StandIn {
+    std::string_view member;
+    CallKind kind;
+    Variant value;
+  };
+  virtual std::vector<StandIn> StandInsOf(std::int32_t /*number*/) const { return {}; }
 
   // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a
   // control that is disabled or hidden refuses, and so does a button whose step of the sequence fails. After

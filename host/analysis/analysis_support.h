@@ -18,6 +18,7 @@
 namespace brenvolt {
 
 class AnalysisAutomation;
+class MacroRecorder;
 class CAnalysisSupport;
 class CAnalysisDialog;
 
@@ -81,7 +82,8 @@ class CAnalysisSupport {
   virtual std::string GetResourceString(std::int32_t number) const;
   virtual int GetAnalysisID() const;
   virtual std::shared_ptr<AutomationObject> GetDialogAutomationInterface() const;
-  // Records that the person's settings changed, for the macro that is being recorded.
+  // Records that the person's settings changed, for the macro that is being recorded. The base does nothing:
+  // dialogs record every action themselves (Recorder).
   virtual void UpdateLastAutomationDefinition();
   // The missing-data code and the name of an input variable, counted from 1.
   virtual double get_md(int variable) const;
@@ -183,6 +185,14 @@ class CAnalysisSupport {
   };
   bool IsUnderAutomation() const { return automationDepth_ > 0; }
 
+  // What records the actions on this analysis's dialogs as a macro; null while none is recorded. It must
+  // outlive the analysis, or be taken away before.
+  MacroRecorder* Recorder() const { return recorder_; }
+  void SetRecorder(MacroRecorder* recorder) { recorder_ = recorder; }
+  // Around each action on a dialog (action_recording.h). True for one that is not inside another.
+  bool BeginAction() { return ++actionDepth_ == 1; }
+  void EndAction() { --actionDepth_; }
+
   bool CaseSelectionEnabled() const { return kroTag_ == nullptr || kroTag_->caseSelectionEnabled; }
   bool CaseWeightsEnabled() const { return weights_ == nullptr || weights_->caseWeightsEnabled; }
   bool StartupMenusEnabled() const { return kro88Tag_ == nullptr || kro88Tag_->startupMenusEnabled; }
@@ -213,6 +223,8 @@ class CAnalysisSupport {
   Wght_com* weights_ = nullptr;
   Kro88Tag* kro88Tag_ = nullptr;
   std::shared_ptr<AnalysisAutomation> automation_;
+  MacroRecorder* recorder_ = nullptr;
+  int actionDepth_ = 0;
 };
 
 }  // namespace brenvolt

@@ -1,10 +1,12 @@
 #include "host/analysis/dialog_automation.h"
 
 #include <algorithm>
+#include <atomic>
 #include <memory>
 #include <utility>
 #include <vector>
 
+#include "host/analysis/action_recording.h"
 #include "host/automation/conversion.h"
 #include "host/automation/dialog_interface.h"
 #include "host/base/error.h"
@@ -56,6 +58,18 @@ const MemberDescription& Called(const InterfaceDescription& interface, DispatchI
   throw AutomationError(text, std::move(reason), where);
 }
 
+std::uint64_t NextDialogNumber() {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
+}
+
+// The value of a setting, which is a plain one, as a macro puts it.
+std::string SettingText(const MemberDescription& member, const Variant& value) {
+  MacroRecorder writer;
+  const bool isTruth = member.put == AutomationType::kBoolean;
+  return writer.PutText(member, isTruth ? Variant(value.ToBoolean()) : value);
+}
+
 class Unreachable final : public AutomationObject {
  public:
   Unreachable(const InterfaceDescription& interface, AutomationCode code)
@@ -81,7 +95,11 @@ class Unreachable final : public AutomationObject {
 
 DialogAutomationBase::DialogAutomationBase(CAnalysisDialog& dialog, const InterfaceDescription& interface,
                                            std::string_view className, AutomationModule& module)
-    : dialog_(&dialog), interface_(interface), className_(className), module_(module) {
+    : dialog_(&dialog),
+      interface_(interface),
+      className_(className),
+      module_(module),
+      number_(NextDialogNumber()) {
   module_.Lock();
 }
 
@@ -94,14 +112,24 @@ std::optional<DispatchId> DialogAutomationBase::FindMember(std::string_view name
 }
 
 Variant DialogAutomationBase::Invoke(DispatchId id, CallKind kind, std::span<const Variant> arguments) {
-  std::optional<CAnalysisSupport::AutomationCall> call;
-  if (dialog_ != nullptr) call.emplace(dialog_->Analysis());
+  std::optional<CAnalysisSupport::AutomationCall> entered;
+  std::optional<ActionRecording> recording;
+  CAnalysisSupport* analysis = dialog_ != nullptr ? &dialog_->Analysis() : nullptr;
+  if (analysis != nullptr) {
+    entered.emplace(*analysis);
+    recording.emplace(*analysis);
+  }
   ClearThreadErrorInfo();
   const MemberDescription& member = Called(interface_, id, kind);
   const std::string method = QualifiedName(className_, kind, member.name);
   try {
     if (dialog_ == nullptr) ThrowDialogClosed(interface_.name);
-    return CarryOut(member, kind, arguments);
+    MacroCall call = Converted(member, kind, arguments);
+    CarryOut(call);
+    Variant result = call.result;
+    if (MacroRecorder* recorder = recording->Recorder())
+      Record(*recorder, *analysis, std::move(call), arguments);
+    return result;
   } catch (const AutomationFailure& failure) {
     SetThreadErrorInfo({failure.Code(), failure.what(), method});
     throw;
@@ -114,25 +142,93 @@ Variant DialogAutomationBase::Invoke(DispatchId id, CallKind kind, std::span<con
   }
 }
 
-Variant DialogAutomationBase::CarryOut(const MemberDescription& member, CallKind kind,
-                                       std::span<const Variant> arguments) {
+MacroCall DialogAutomationBase::Converted(const MemberDescription& member, CallKind kind,
+                                          std::span<const Variant> arguments) const {
   const bool put = kind == CallKind::kPut;
   if (arguments.size() != member.indexes.size() + (put ? 1 : 0)) throw Error("wrong number of arguments");
-  std::vector<Variant> indexes;
+  MacroCall call;
+  call.member = &member;
+  call.kind = kind;
   for (std::size_t i = 0; i < member.indexes.size(); ++i) {
-    indexes.push_back(ConvertTo(member.indexes[i].type, arguments[i]));
+    call.indexes.push_back(ConvertTo(member.indexes[i].type, arguments[i]));
   }
-  Variant value;
   if (put) {
     const AutomationType type = member.variableList ? AutomationType::kVariant : member.put;
-    value = ConvertTo(type, arguments.back(), member.enumeration);
+    call.value = ConvertTo(type, arguments.back(), member.enumeration);
   }
+  return call;
+}
+
+std::optional<std::size_t> DialogAutomationBase::OwnPlace(const MemberDescription& member) const {
   const auto own = std::ranges::find(interface_.members, member.id, &MemberDescription::id);
-  const auto place = static_cast<std::size_t>(own - interface_.members.begin());
+  if (own == interface_.members.end()) return std::nullopt;
+  return static_cast<std::size_t>(own - interface_.members.begin());
+}
+
+void DialogAutomationBase::CarryOut(MacroCall& call) {
+  const MemberDescription& member = *call.member;
+  const auto place = OwnPlace(member);
   const Variant result =
-      own != interface_.members.end() ? InvokeOwn(place, kind, indexes, value) : InvokeCommon(member, value);
-  if (put || member.get == AutomationType::kNone) return {};
-  return member.variableList ? result : ConvertTo(member.get, result, member.enumeration);
+      place ? InvokeOwn(*place, call.kind, call.indexes, call.value) : InvokeCommon(member, call.value);
+  if (call.kind == CallKind::kPut || member.get == AutomationType::kNone) return;
+  call.result = member.variableList ? result : ConvertTo(member.get, result, member.enumeration);
+}
+
+// A put, a method that was not refused, and an output are actions; a get of anything else is a question. A
+// truth value that is put into a number is written as it was put.
+void DialogAutomationBase::Record(MacroRecorder& recorder, const CAnalysisSupport& analysis, MacroCall call,
+                                  std::span<const Variant> arguments) {
+  const MemberDescription& member = *call.member;
+  const auto place = OwnPlace(member);
+  const bool isOutput = place && member.get == AutomationType::kObject && member.put == AutomationType::kNone;
+  if (call.kind == CallKind::kGet && !isOutput) return;
+  const bool refused = call.kind == CallKind::kMethod && !call.result.IsEmpty() && !call.result.ToBoolean();
+  if (refused) return;
+  if (call.kind == CallKind::kPut) {
+    if (arguments.back().IsBoolean()) call.value = arguments.back();
+    if (place) call.text = TextOf(*place, call.indexes, call.value);
+  }
+  recorder.Call(&analysis, number_, call);
+}
+
+std::vector<MacroCall> DialogAutomationBase::Settings() {
+  std::vector<MacroCall> settings;
+  for (std::size_t i = 0; i < interface_.members.size(); ++i) {
+    const MemberDescription& member = interface_.members[i];
+    const Treatment treatment = TreatmentOf(i);
+    const bool isShown = member.indexes.empty() || (member.indexes.size() == 1 && treatment.place > 0);
+    if (!treatment.isCompared || !isShown) continue;
+    MacroCall setting;
+    setting.member = &member;
+    setting.kind = CallKind::kPut;
+    if (!member.indexes.empty()) setting.indexes.emplace_back(treatment.place);
+    setting.value = InvokeOwn(i, CallKind::kGet, setting.indexes, {});
+    if (setting.value.IsObject()) continue;  // a document, which no control changes
+    setting.text = SettingText(member, setting.value);
+    // What was chosen before is no setting any more; it follows from the other choice.
+    if (treatment.isChoice && !setting.value.ToBoolean()) setting.text.clear();
+    settings.push_back(std::move(setting));
+  }
+  return settings;
+}
+
+std::vector<MacroCall> DialogAutomationBase::StandIns(std::int32_t button) const {
+  std::vector<CAnalysisDialog::StandIn> calls = dialog_->StandInsOf(button);
+  if (calls.empty() && button == kControlOk) calls = {{"OK", CallKind::kMethod, {}}};
+  if (button == kControlCancel) calls = {{"Cancel", CallKind::kMethod, {}}};
+  if (const auto place = MemberOfButton(button))
+    calls = {{interface_.members[*place].name, CallKind::kGet, {}}};
+  std::vector<MacroCall> standIns;
+  for (const CAnalysisDialog::StandIn& call : calls) {
+    const MemberDescription* member = brenvolt::FindMember(kDialogInterface.members, call.member);
+    if (member == nullptr) member = brenvolt::FindMember(interface_.members, call.member);
+    MacroCall standIn;
+    standIn.member = member;
+    standIn.kind = call.kind;
+    standIn.value = call.value;
+    standIns.push_back(std::move(standIn));
+  }
+  return standIns;
 }
 
 Variant DialogAutomationBase::InvokeCommon(const MemberDescription& member, const Variant& value) {

@@ -9,10 +9,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/analysis/analysis_dialog.h"
 #include "host/automation/automation_failure.h"
 #include "host/automation/automation_object.h"
+#include "host/automation/macro_recorder.h"
 #include "host/automation/type_library.h"
 
 namespace brenvolt {
@@ -23,6 +25,10 @@ struct AutomationMember {
   // `Get` is a get, or the call of a method.
   using Get = Variant (*)(Dialog& dialog, std::span<const Variant> indexes);
   using Put = void (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
+  // The index for which the dialog's controls show an indexed member at present; 0 for none.
+  using Place = std::int32_t (*)(Dialog& dialog);
+  // How a macro writes a value that was put, where that is not what the value is.
+  using Text = std::string (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
 
   constexpr AutomationMember(std::string_view member, Get getter, Put putter)
       : name(member), get(getter), put(putter), gets(true), puts(true) {}
@@ -31,12 +37,36 @@ struct AutomationMember {
   constexpr AutomationMember(std::string_view member, std::nullptr_t, Put putter)
       : name(member), put(putter), puts(true) {}
 
+  // What recording knows beside: where the dialog's controls show the member; which button makes the output;
+  // that putting false changes nothing, so that only a change to true is worth a line; that other members say
+  // the same; how a value is written.
+  constexpr AutomationMember ShownAt(Place where) const { return With(&AutomationMember::place, where); }
+  constexpr AutomationMember ByButton(std::int32_t number) const {
+    return With(&AutomationMember::button, number);
+  }
+  constexpr AutomationMember AsChoice() const { return With(&AutomationMember::isChoice, true); }
+  constexpr AutomationMember SaidByOthers() const { return With(&AutomationMember::isSaidByOthers, true); }
+  constexpr AutomationMember WrittenBy(Text writer) const { return With(&AutomationMember::text, writer); }
+
   std::string_view name;
   Get get = nullptr;
   Put put = nullptr;
   // Which of the two there are: a constant also where the address of a function is none.
   bool gets = false;
   bool puts = false;
+  Place place = nullptr;
+  Text text = nullptr;
+  std::int32_t button = 0;
+  bool isChoice = false;
+  bool isSaidByOthers = false;
+
+ private:
+  template <class Field, class Value>
+  constexpr AutomationMember With(Field field, Value value) const {
+    AutomationMember changed = *this;
+    changed.*field = value;
+    return changed;
+  }
 };
 
 // Whether a table binds an interface completely: every member, in the order of the description, with a
@@ -61,7 +91,8 @@ constexpr bool Binds(const InterfaceDescription& interface,
 // described types; carries the member out; returns its result as the described type. A refused control
 // operation and a "not available" come back as they are (AutomationFailure). Every other exception becomes an
 // AutomationError "Exception in automation method [Class::put_Member]", whose reason is the exception's text,
-// or "Unexpected Error" where it has none.
+// or "Unexpected Error" where it has none. While a macro is recorded, a call that succeeded is a line of it,
+// unless it only asked for something.
 class DialogAutomationBase : public AutomationObject, public IMFCPointer {
  public:
   DialogAutomationBase(CAnalysisDialog& dialog, const InterfaceDescription& interface,
@@ -78,20 +109,45 @@ class DialogAutomationBase : public AutomationObject, public IMFCPointer {
   void* QueryInterface(InterfaceId id) override;
   CAnalysisDialog* GetMFCPointer() override { return dialog_; }
 
+  // For recording, while the dialog is open. Its number, which no other dialog of the process has; every
+  // member that can be read and put, where the dialog shows it, as the put that gives it its value; and the
+  // calls that stand for pressing a button.
+  std::uint64_t Number() const { return number_; }
+  std::vector<MacroCall> Settings();
+  std::vector<MacroCall> StandIns(std::int32_t button) const;
+
  protected:
   // One call on a member of the dialog's own interface, by its place in the description.
   virtual Variant InvokeOwn(std::size_t place, CallKind kind, std::span<const Variant> indexes,
                             const Variant& value) = 0;
+  // How recording treats a member of the dialog's own interface.
+  struct Treatment {
+    bool isCompared = false;  // its value is looked at before and after an action
+    std::int32_t place = 0;   // of an indexed member
+    bool isChoice = false;
+  };
+  virtual Treatment TreatmentOf(std::size_t place) = 0;
+  // The member whose output a button makes, as its place in the description.
+  virtual std::optional<std::size_t> MemberOfButton(std::int32_t button) const = 0;
+  // How a macro writes a put value; empty where that is what the value is.
+  virtual std::string TextOf(std::size_t place, std::span<const Variant> indexes, const Variant& value) = 0;
 
   CAnalysisDialog* dialog_;
 
  private:
-  Variant CarryOut(const MemberDescription& member, CallKind kind, std::span<const Variant> arguments);
+  // A call with its arguments as the described types.
+  MacroCall Converted(const MemberDescription& member, CallKind kind,
+                      std::span<const Variant> arguments) const;
+  std::optional<std::size_t> OwnPlace(const MemberDescription& member) const;
+  void CarryOut(MacroCall& call);
+  void Record(MacroRecorder& recorder, const CAnalysisSupport& analysis, MacroCall call,
+              std::span<const Variant> arguments);
   Variant InvokeCommon(const MemberDescription& member, const Variant& value);
 
   const InterfaceDescription& interface_;
   std::string_view className_;
   AutomationModule& module_;
+  std::uint64_t number_;
 };
 
 template <class Dialog>
@@ -109,6 +165,22 @@ class DialogAutomation final : public DialogAutomationBase {
     if (kind != CallKind::kPut) return member.get(dialog, indexes);
     member.put(dialog, indexes, value);
     return {};
+  }
+  Treatment TreatmentOf(std::size_t place) override {
+    const AutomationMember<Dialog>& member = members_[place];
+    const bool isCompared = member.gets && member.puts && !member.isSaidByOthers;
+    const bool isShown = isCompared && member.place != nullptr;
+    return {isCompared, isShown ? member.place(static_cast<Dialog&>(*dialog_)) : 0, member.isChoice};
+  }
+  std::optional<std::size_t> MemberOfButton(std::int32_t button) const override {
+    for (std::size_t i = 0; i < members_.size(); ++i) {
+      if (members_[i].button == button) return i;
+    }
+    return std::nullopt;
+  }
+  std::string TextOf(std::size_t place, std::span<const Variant> indexes, const Variant& value) override {
+    const auto text = members_[place].text;
+    return text != nullptr ? text(static_cast<Dialog&>(*dialog_), indexes, value) : std::string();
   }
 
   std::span<const AutomationMember<Dialog>> members_;

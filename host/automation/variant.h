@@ -37,6 +37,7 @@ class Variant {
   }
 
   bool IsEmpty() const { return std::holds_alternative<std::monostate>(value_); }
+  bool IsBoolean() const { return std::holds_alternative<bool>(Resolved().value_); }
   bool IsText() const { return std::holds_alternative<std::string>(Resolved().value_); }
   bool IsArray() const { return std::holds_alternative<Array>(Resolved().value_); }
   // True for the object that is none, too.

@@ -16,12 +16,13 @@ from ._automation import (Analysis, Application, Array, AutomationObject, GraphD
 from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv
 from ._errors import Error, MessageWarning
 from ._jobs import FitResult, FittedVariable, fit, simulate
+from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
 
 _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing", "Spreadsheet",
             "TableDocument", "Variable", "Workbook", "dialogs", "distributions", "fit", "open_workbook", "read_csv",
-            "simulate")
+            "record", "simulate")
 
 
 def __getattr__(name):

@@ -307,7 +307,7 @@ class Analysis:
     """
 
     def __init__(self, sheet: _brenvolt.Spreadsheet | TableDocument):
-        self._analysis = _brenvolt.AnalysisRef(sheet.sheet if isinstance(sheet, TableDocument) else sheet)
+        self._analysis = _brenvolt.AnalysisRef(_sheet(sheet))
 
     @property
     def dialog(self) -> AutomationObject:
@@ -350,6 +350,10 @@ class Analysis:
         return f"<Analysis of {self.sheet.name}>"
 
 
+def _sheet(table):
+    return table.sheet if isinstance(table, TableDocument) else table
+
+
 class Application:
     """What macros start from: opens data files and starts analyses."""
 
@@ -365,9 +369,71 @@ class Application:
         """A new analysis over a spreadsheet: its startup dialog is open."""
         return Analysis(sheet)
 
+    def read_csv(self, path: str | os.PathLike, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:
+        """The spreadsheet in a CSV file with a header row, in no workbook."""
+        return _brenvolt.read_csv(path, decimal_comma)
+
+    # What the command does beside the dialogs; recorded jobs are made of these.
+
+    def take_former_properties(self, sheet: _brenvolt.Spreadsheet, path: str | os.PathLike) -> None:
+        """Gives a sheet what a project holds for the same data: fits and truncations of its variables."""
+        _brenvolt._take_former_properties(sheet, path)
+
+    def save_fits(self, sheet: _brenvolt.Spreadsheet, matrix: _brenvolt.Spreadsheet | TableDocument | None,
+                  path: str | os.PathLike) -> None:
+        """Saves a fitted sheet with the correlation matrix of its fits in a project (.bvw), made when there is none."""
+        _brenvolt._save_fits(sheet, _sheet(matrix), path)
+
+    def write_fit_graphs(self, analysis: Analysis, path: str | os.PathLike) -> None:
+        """Writes the data of the graphs of fits, whose results are the open dialog, as JSON."""
+        _brenvolt._write_fit_graphs(analysis._analysis, path)
+
+    def saved_matrix(self, sheet: _brenvolt.Spreadsheet) -> _brenvolt.Spreadsheet | None:
+        """A copy of the correlation matrix saved with the fits of a sheet of a project."""
+        return _brenvolt._saved_matrix(sheet)
+
+    def named_matrix(self, name: str, sheet: _brenvolt.Spreadsheet) -> _brenvolt.Spreadsheet:
+        """The correlation matrix of that name: a sheet of the sheet's project, PROJECT.bvw[:SHEET], or a CSV file."""
+        return _brenvolt._named_matrix(name, sheet)
+
+    def append(self, path: str | os.PathLike, *sheets: _brenvolt.Spreadsheet | TableDocument) -> list[str]:
+        """Adds sheets to a project (.bvw), made when there is none, and returns their names there."""
+        return _brenvolt._append(path, [_sheet(sheet) for sheet in sheets])
+
+    def import_file(self, file: str | os.PathLike, project: str | os.PathLike, sheet: str = "", kind: str = "",
+                    decimal_comma: bool = False) -> str:
+        """Takes a CSV file into a project (.bvw), made when there is none, and returns the sheet's name.
+
+        kind: "data" or "matrix"; by default the file decides.
+        """
+        return _brenvolt._import(file, project, sheet, kind, decimal_comma)
+
+    def export_sheet(self, source: str, file: str | os.PathLike, decimal_comma: bool = False) -> None:
+        """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""
+        _brenvolt._export(source, file, decimal_comma)
+
+    def score(self, model: str | os.PathLike, data: str | os.PathLike, sheet: str = "", probabilities: bool = False,
+              leave_invalid: bool = False, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:
+        """The predictions of a PMML model for the cases of a CSV file or of a project's sheet.
+
+        probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
+        the model refuses a value.
+        """
+        return _brenvolt._score(model, data, sheet, probabilities, leave_invalid, decimal_comma)
+
     Open = open
     NewWorkbook = new_workbook
     Analysis = analysis
+    ReadCsv = read_csv
+    TakeFormerProperties = take_former_properties
+    SaveFits = save_fits
+    WriteFitGraphs = write_fit_graphs
+    SavedMatrix = saved_matrix
+    NamedMatrix = named_matrix
+    Append = append
+    Import = import_file
+    Export = export_sheet
+    Score = score
 
     def __repr__(self):
         return "<Application>"

@@ -37,7 +37,7 @@ class Automating(unittest.TestCase):
             return file.read()
 
     def test_command_and_macro_do_the_same_job(self):
-        commands, macro_run = blocks("console")
+        commands, macro_run, recorded = blocks("console")
         self.console(commands)
         made = {name: self.file(name) for name in ("sea.bvw", "simulated.csv")}
         for name in made:
@@ -47,6 +47,12 @@ class Automating(unittest.TestCase):
         self.console(macro_run)
         for name, bytes_ in made.items():
             self.assertEqual(self.file(name), bytes_, name)
+        self.console(recorded)
+        self.assertEqual(self.file("simulation.py").decode(), blocks("py")[0])
+        self.assertEqual(self.file("again.csv"), made["simulated.csv"])
+        os.remove(os.path.join(self.folder, "again.csv"))
+        subprocess.run([os.environ["BRENVOLT_PROGRAM"], "macro", "simulation.py"], cwd=self.folder, check=True)
+        self.assertEqual(self.file("again.csv"), made["simulated.csv"])
 
     def test_the_notebook_shows_what_its_cells_give(self):
         cells = [cell for cell in blocks("python")[1:] if "matplotlib" not in cell]

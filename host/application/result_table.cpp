@@ -1,8 +1,15 @@
-#include "apps/cli/result_table.h"
+#include "host/application/result_table.h"
 
+#include "host/analysis/analysis_table_doc.h"
 #include "host/base/error.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
+
+const Spreadsheet& TableOf(const Variant& result) {
+  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(result.ToObject());
+  if (document == nullptr) throw Error("the analysis returned no table");
+  return document->Table();
+}
 
 const Variable& ResultTable::Find(std::string_view column) const {
   const auto index = sheet_.FindVariable(column);
@@ -28,4 +35,4 @@ std::vector<double> ResultTable::Numbered(std::string_view name, std::size_t row
   }
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

@@ -6,9 +6,13 @@
 #include <string_view>
 #include <vector>
 
+#include "host/automation/variant.h"
 #include "host/tables/spreadsheet.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
+
+// The spreadsheet behind an automation call's result. Throws Error where there is none.
+const Spreadsheet& TableOf(const Variant& result);
 
 class ResultTable {
  public:
@@ -30,4 +34,4 @@ class ResultTable {
   const Spreadsheet& sheet_;
 };
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

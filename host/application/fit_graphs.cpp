@@ -1,18 +1,18 @@
-#include "apps/cli/fit_graphs.h"
+#include "host/application/fit_graphs.h"
 
 #include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "apps/cli/data_options.h"
-#include "apps/cli/result_table.h"
-#include "apps/cli/session.h"
+#include "host/analysis/action_recording.h"
 #include "host/analysis/analysis_graph_doc.h"
+#include "host/application/json_text.h"
+#include "host/application/result_table.h"
 #include "host/base/error.h"
 #include "host/base/output_file.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -104,7 +104,11 @@ Json GraphsJson(AutomationObject& dialog) {
 
 }  // namespace
 
-void WriteFitGraphs(AutomationObject& dialog, const std::filesystem::path& path) {
+void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& path, JobRecorder& job) {
+  const auto open = analysis.GetDialgInterface();
+  if (open == nullptr) throw Error("the analysis has no open dialog");
+  AutomationObject& dialog = *open;
+  const ActionRecording whole(analysis);
   const Variant document = dialog.Get("SummaryStats");
   const ResultTable summary(TableOf(document));
   Json report = {{"variables", Json::array()}};
@@ -121,6 +125,7 @@ void WriteFitGraphs(AutomationObject& dialog, const std::filesystem::path& path)
   OutputFile file(path);
   file.Write(JsonText(report));
   file.Commit();
+  job.Called(nullptr, "WriteFitGraphs", {job.NameOf(&analysis), PythonPath(path)});
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

@@ -1,0 +1,59 @@
+#include "apps/cli/recording.h"
+
+#include <string>
+
+#include "apps/cli/session.h"
+#include "host/application/project_files.h"
+#include "host/base/output_file.h"
+
+namespace brenvolt::cli {
+namespace {
+
+constexpr const char* kMacroEnding = ".py";
+// Of these no shell makes anything but themselves.
+constexpr const char* kPlainCharacters =
+    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+=./,:@%";
+
+std::string& TheCall() {
+  static std::string call;
+  return call;
+}
+
+std::string ShellWord(const std::string& argument) {
+  if (!argument.empty() && argument.find_first_not_of(kPlainCharacters) == std::string::npos) return argument;
+  std::string word = "'";
+  for (const char c : argument) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return word + "'";
+}
+
+}  // namespace
+
+void AddRecordOption(CLI::App& command, std::filesystem::path& file) {
+  command.add_option("--record", file, "Write the job as a macro, which brenvolt macro runs again")
+      ->type_name("FILE.py");
+}
+
+void RememberCall(int argc, const char* const* argv) {
+  TheCall() = kProgram;
+  for (int i = 1; i < argc; ++i) TheCall() += " " + ShellWord(argv[i]);
+}
+
+void RequireMacroEnding(const std::filesystem::path& file) {
+  if (!HasEnding(file, kMacroEnding))
+    throw WrongCall("--record wants a file ending in .py, not " + file.string());
+}
+
+Recording::Recording(std::filesystem::path file) : file_(std::move(file)) {
+  if (file_.empty()) return;
+  RequireMacroEnding(file_);
+  job_ = JobRecorder(&recorder_);
+}
+
+void Recording::Commit() const {
+  if (file_.empty()) return;
+  OutputFile file(file_);
+  file.Write(recorder_.Text("Recorded by brenvolt " BRENVOLT_VERSION ":\n" + TheCall()));
+  file.Commit();
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,33 @@
+// --record: a verb's job as a macro.
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+
+#include "host/application/job_recorder.h"
+
+namespace brenvolt::cli {
+
+// Adds --record FILE.py.
+void AddRecordOption(CLI::App& command, std::filesystem::path& file);
+// Keeps the call, of which a recorded macro tells. Once, by main.
+void RememberCall(int argc, const char* const* argv);
+// Throws WrongCall unless the file's name ends as those of macros do.
+void RequireMacroEnding(const std::filesystem::path& file);
+
+class Recording {
+ public:
+  // An empty name records nothing. Throws WrongCall for a name that is no macro's.
+  explicit Recording(std::filesystem::path file);
+
+  JobRecorder& Job() { return job_; }
+  // Writes the file, once the job has succeeded. Throws Error naming it.
+  void Commit() const;
+
+ private:
+  std::filesystem::path file_;
+  MacroRecorder recorder_;
+  JobRecorder job_;
+};
+
+}  // namespace brenvolt::cli

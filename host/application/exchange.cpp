@@ -1,0 +1,44 @@
+#include "host/application/exchange.h"
+
+#include <utility>
+
+#include "host/application/project_files.h"
+#include "host/base/error.h"
+#include "host/tables/matrix_sheet.h"
+
+namespace brenvolt {
+namespace {
+
+Spreadsheet ReadSheet(const ImportRequest& request) {
+  Spreadsheet table = ReadCsv(request.file, request.format);
+  const bool isMatrix = request.kind.empty() ? LooksLikeMatrixTable(table) : request.kind == "matrix";
+  return isMatrix ? std::move(*MatrixFromTable(table, request.file.string())) : std::move(table);
+}
+
+}  // namespace
+
+Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesystem::path& project) {
+  if (Workbook::IsWorkbookFile(request.file)) throw Error("is a project already", request.file.string());
+  Spreadsheet sheet = ReadSheet(request);
+  if (!request.sheet.empty()) sheet.SetName(request.sheet);
+  MergeIntoProject(project, sheet);
+  return sheet;
+}
+
+void ExportFromProject(const std::string& source, const std::filesystem::path& output,
+                       const CsvFormat& format) {
+  const auto [path, name] = SplitSheetAddress(source);
+  DataFile project = OpenProject(path);
+  WriteCsvFile(project.Sheet(name), output, format);
+}
+
+Spreadsheet ScoreFile(const std::filesystem::path& model, const std::filesystem::path& data,
+                      const CsvFormat& format, const std::string& sheet, const ScoreOptions& options) {
+  const PredictionModel prediction = PredictionModel::Load(model);
+  DataFile file = OpenDataFile(data, format);
+  const Spreadsheet& cases = file.Sheet(sheet);
+  if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
+  return prediction.Score(cases, prediction.Name(), options);
+}
+
+}  // namespace brenvolt
