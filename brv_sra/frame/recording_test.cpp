@@ -194,6 +194,19 @@ TEST(Recording, ActionsOnControlsReplayToTheSameResults) {
   EXPECT_EQ(desk.person.graphs.size(), 1U);
 }
 
+// Going on over the former data would be another job.
+TEST(Recording, MacroStopsWhereOtherDataWereOpenedFromADialog) {
+  Desk desk;
+  Spreadsheet other{"other", 3, 1};
+  desk.document.SetDataOpener([&](const std::filesystem::path&) { return &other; });
+  MacroRecorder recorder;
+  desk.analysis->SetRecorder(&recorder);
+  desk.person.fileAnswers.push_back({"other.csv"});
+  EXPECT_TRUE(desk.Dialog().Press(define_task::kOpenData));
+  EXPECT_TRUE(recorder.Text("x").starts_with("# x\nfrom brenvolt import *\n\nraise SystemExit("));
+  desk.analysis->SetRecorder(nullptr);
+}
+
 // The lines themselves: nothing for what changes nothing, or is refused; nothing of actions inside actions.
 TEST(Recording, OnlyWhatAnActionChangedBecomesALine) {
   Desk desk;

@@ -13,6 +13,10 @@ bool SameIndexes(const std::vector<Variant>& a, const std::vector<Variant>& b) {
                             [](const Variant& x, const Variant& y) { return x.ToText() == y.ToText(); });
 }
 
+// A macro that went on without the data that a person opened would do something else.
+constexpr const char* kOtherData =
+    "raise SystemExit(\"other data were opened in a dialog here: open them by application.Open instead\")";
+
 std::string OptionalText(const std::optional<std::string>& text) {
   return text ? PythonText(*text) : "None";
 }
@@ -66,7 +70,10 @@ ControlRecording::CaseSettings ControlRecording::ReadCaseSettings() const {
 
 void ControlRecording::RecordCaseSettings(MacroRecorder& recorder) const {
   const CaseSettings now = ReadCaseSettings();
-  if (now.sheet != casesBefore_.sheet) return;
+  if (now.sheet != casesBefore_.sheet) {
+    recorder.Line(kOtherData);
+    return;
+  }
   const std::string sheet = recorder.AnalysisName(&analysis_) + ".Sheet";
   if (now.selection != casesBefore_.selection)
     recorder.Line(sheet + ".selection = " + OptionalText(now.selection));
