@@ -51,7 +51,8 @@ def _sheet_of(data, name):
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet")
     if not hasattr(data, "items"):
-        if isinstance(data, (bytes, bytearray)) or not hasattr(data, "__len__") or getattr(data, "ndim", 1) not in (1, 2):
+        values = hasattr(data, "__len__") and not isinstance(data, (bytes, bytearray))
+        if not values or getattr(data, "ndim", 1) not in (1, 2):
             _refuse("data", _DATA, data)
         if len(data) == 0:
             raise TypeError(f"data must be {_DATA}, and not empty")
