@@ -4,6 +4,7 @@
 #include <pybind11/stl/filesystem.h>
 
 #include <exception>
+#include <optional>
 
 #include "bindings/python/analysis.h"
 #include "bindings/python/arrays.h"
