@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cmath>
+#include <limits>
 #include <random>
 #include <string>
 #include <vector>
@@ -98,6 +99,20 @@ void Require(const char* name, Domain domain, double value) {
     throw py::value_error(std::string(name) + " must be " + requirement + ", not " + ShortestNumber(value));
 }
 
+[[noreturn]] void RefuseType(const std::string& name, const char* wanted, const py::handle& value) {
+  throw py::type_error(name + " must be " + wanted + ", not " +
+                       std::string(py::str(py::type::of(value).attr("__name__"))));
+}
+
+double NumberFrom(const char* name, const py::handle& value) {
+  const double number = PyFloat_AsDouble(value.ptr());
+  if (number != -1 || !PyErr_Occurred()) return number;
+  const bool tooLarge = PyErr_ExceptionMatches(PyExc_OverflowError) != 0;
+  PyErr_Clear();
+  if (tooLarge) throw py::value_error(std::string(name) + " is too large for a number");
+  RefuseType(name, "a number", value);
+}
+
 // What remains to be wrong when each value is in its domain.
 const char* WrongTogether(std::size_t code, std::span<const double> values) {
   if (Descriptions()[code].name != std::string_view("Triangular")) return "proportions must add up to 1";
@@ -107,12 +122,14 @@ const char* WrongTogether(std::size_t code, std::span<const double> values) {
 
 class Distribution {
  public:
-  // Throws ValueError that names the parameter at fault.
-  Distribution(std::size_t code, std::vector<double> values, double offset)
-      : code_(code), values_(std::move(values)), offset_(offset) {
+  // Throws ValueError or TypeError that names the parameter at fault.
+  Distribution(std::size_t code, const py::sequence& values, const py::object& offset) : code_(code) {
     if (code_ >= Descriptions().size())
       throw py::value_error("no distribution of code " + std::to_string(code_));
     const auto& parameters = Descriptions()[code_].parameters;
+    for (const py::handle value : values)
+      values_.push_back(NumberFrom(parameters[values_.size() % parameters.size()].name, value));
+    offset_ = NumberFrom("offset", offset);
     const bool fits = Functions().valueCount == 0
                           ? !values_.empty() && values_.size() % parameters.size() == 0
                           : values_.size() == parameters.size();
@@ -143,7 +160,7 @@ class Distribution {
  private:
   std::size_t code_;
   std::vector<double> values_;
-  double offset_;
+  double offset_ = 0;
 };
 
 // Values a call takes at once before it looks whether the person wants to stop: less than a second of the
@@ -165,10 +182,27 @@ void MarkOutside(std::span<const double> p, std::span<double> out) {
   }
 }
 
+// Numbers, real ones, that a function is asked for. Throws TypeError for anything else.
+Numbers NumbersFrom(const char* name, const py::object& x) {
+  const py::array given = py::array::ensure(x);
+  constexpr std::string_view kKinds = "biufO";
+  if (given && kKinds.find(given.dtype().kind()) != std::string_view::npos) {
+    if (Numbers numbers = Numbers::ensure(given)) return numbers;
+  }
+  PyErr_Clear();
+  RefuseType(name, "a number or an array of numbers", x);
+}
+
+template <Distribution::ArrayForm kForm>
+constexpr const char* ArgumentName() {
+  if (kForm == &LawFunctions::quantiles) return "p";
+  return kForm == &LawFunctions::complementQuantiles ? "q" : "x";
+}
+
 // A function of the distribution at a number, or at each of an array of any shape.
 template <Distribution::ArrayForm kForm, bool kOfProbability>
 py::object At(const Distribution& distribution, const py::object& x) {
-  const Numbers in(x);
+  const Numbers in = NumbersFrom(ArgumentName<kForm>(), x);
   py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));
   const auto count = static_cast<std::size_t>(in.size());
   const double* from = in.data();
@@ -191,19 +225,37 @@ void DrawInto(const Distribution& distribution, const RandomStream& stream, std:
   distribution.Apply(&LawFunctions::quantiles, out, out);
 }
 
-py::object Draw(const Distribution& distribution, const py::object& size, std::optional<std::int32_t> seed) {
-  if (seed && *seed < 0) throw py::value_error("seed must be from 0 to 2147483647");
-  const auto entropy = [] { return static_cast<std::int32_t>(std::random_device()() & 0x7fffffffU); };
-  const RandomStream stream(seed ? *seed : entropy());
+// The seed asked for, or one that nobody knows.
+std::int32_t SeedFrom(const py::object& seed) {
+  if (seed.is_none()) return static_cast<std::int32_t>(std::random_device()() & 0x7fffffffU);
+  if (!PyIndex_Check(seed.ptr())) RefuseType("seed", "a whole number", seed);
+  const py::int_ whole(seed);
+  int overflow = 0;
+  const long long number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
+  if (overflow != 0 || number < 0 || number > std::numeric_limits<std::int32_t>::max())
+    throw py::value_error("seed must be from 0 to 2147483647");
+  return static_cast<std::int32_t>(number);
+}
+
+py::ssize_t ExtentFrom(const py::handle& size) {
+  if (!PyIndex_Check(size.ptr())) RefuseType("size", "a whole number or a sequence of these", size);
+  const py::ssize_t extent = PyNumber_AsSsize_t(size.ptr(), PyExc_ValueError);
+  if (extent == -1 && PyErr_Occurred() != nullptr) throw py::error_already_set();
+  if (extent < 0) throw py::value_error("size must not be negative");
+  return extent;
+}
+
+std::vector<py::ssize_t> ShapeFrom(const py::object& size) {
   std::vector<py::ssize_t> shape;
-  if (py::isinstance<py::int_>(size)) {
-    shape.push_back(size.cast<py::ssize_t>());
-  } else if (!size.is_none()) {
-    shape = size.cast<std::vector<py::ssize_t>>();
-  }
-  for (const py::ssize_t extent : shape) {
-    if (extent < 0) throw py::value_error("size must not be negative");
-  }
+  if (size.is_none()) return shape;
+  if (!py::isinstance<py::sequence>(size)) return {ExtentFrom(size)};
+  for (const py::handle extent : size) shape.push_back(ExtentFrom(extent));
+  return shape;
+}
+
+py::object Draw(const Distribution& distribution, const py::object& size, const py::object& seed) {
+  const RandomStream stream(SeedFrom(seed));
+  const std::vector<py::ssize_t> shape = ShapeFrom(size);
   py::array_t<double> out(shape);
   double* to = out.mutable_data();
   InChunks(static_cast<std::size_t>(out.size()), [&](std::size_t begin, std::size_t count) {
@@ -235,7 +287,7 @@ py::dict Parameters(const Distribution& distribution) {
 
 void BindDistributions(py::module_& module) {
   py::class_<Distribution>(module, "Distribution", "The base of the sixteen distributions.")
-      .def(py::init<std::size_t, std::vector<double>, double>(), py::arg("code"), py::arg("values"),
+      .def(py::init<std::size_t, py::sequence, py::object>(), py::arg("code"), py::arg("values"),
            py::arg("offset") = 0.0)
       .def("pdf", &At<&LawFunctions::densities, false>, py::arg("x"),
            "The density at x; of a discrete distribution, the probability of x.")

@@ -16,19 +16,18 @@ py::object InPackage(const char* name) {
   return py::module_::import("brenvolt._errors").attr(name);
 }
 
-void SetError(const std::string& text, const std::string& where, const std::string& method) {
+void SetError(const CallFailure& failure) {
   const py::object type = InPackage("Error");
-  const py::object error = type(text, where, method);
+  const py::object error = type(failure.text, failure.where, failure.method, failure.code);
+  if (!failure.note.empty()) error.attr("add_note")(failure.note);
   PyErr_SetObject(type.ptr(), error.ptr());
 }
 
 void Translate(std::exception_ptr thrown) {
   try {
     if (thrown) std::rethrow_exception(thrown);
-  } catch (const AutomationError& error) {
-    SetError(error.Reason(), error.Where(), error.what());
   } catch (const Error& error) {
-    SetError(error.what(), error.Where(), {});
+    SetError({error.what(), error.Where(), {}, {}, {}});
   } catch (const UserCancelled&) {
     PyErr_SetNone(PyExc_KeyboardInterrupt);
   }
@@ -37,7 +36,11 @@ void Translate(std::exception_ptr thrown) {
 }  // namespace
 
 void RaiseError(const std::string& text, const std::string& where) {
-  SetError(text, where, {});
+  RaiseError(CallFailure{text, where, {}, {}, {}});
+}
+
+void RaiseError(const CallFailure& failure) {
+  SetError(failure);
   throw py::error_already_set();
 }
 

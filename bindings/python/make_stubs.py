@@ -47,12 +47,14 @@ def member_stub(member):
         return [f"    def {member['name']}(self) -> {'bool' if member['get'] == 'int' else annotation(member['get'])}:"]
     if member["indexes"]:
         return ["    @property", f"    def {member['name']}(self) -> IndexedProperty:"]
+    if not member["get"]:
+        return [f"    {member['name']}: _WriteOnly"]
     lines = ["    @property", f"    def {member['name']}(self) -> {value}:"]
     return lines
 
 
 def setter_stub(member):
-    if member["method"] or member["indexes"] or not member["put"]:
+    if member["method"] or member["indexes"] or not member["get"] or not member["put"]:
         return []
     return [f"    @{member['name']}.setter", f"    def {member['name']}(self, value: Any) -> None: ..."]
 
@@ -61,6 +63,8 @@ def dialogs_stub():
     lines = ['"""Made from the type library."""', "", "from typing import Any", "", "import brenvolt",
              "from brenvolt import AutomationObject, IndexedProperty",
              "from brenvolt import GraphDocument as Graph, TableDocument as Spreadsheet"]
+    lines += ["", "class _WriteOnly:", '    """A member that can be set, but not read."""',
+              "    def __set__(self, instance: Any, value: Any) -> None: ..."]
     library = _automation._library()
     for description in library["host"] + library["interfaces"]:
         if description["name"] in _automation._DOCUMENTS:
@@ -68,7 +72,8 @@ def dialogs_stub():
         base = _automation.classes()[description["name"]].__base__.__name__
         lines += ["", f"class {description['name']}({base}):", f'    """{description["help"]}"""']
         for member in description["members"]:
-            lines += [*member_stub(member), f'        """{member["help"]}"""', *setter_stub(member)]
+            indent = "        " if member["get"] or member["method"] else "    "
+            lines += [*member_stub(member), f'{indent}"""{_automation.help_of(member)}"""', *setter_stub(member)]
     return "\n".join(lines) + "\n"
 
 

@@ -160,6 +160,21 @@ void SetSelection(const Sheet& sheet, const std::optional<std::string>& conditio
   RecordAttribute(sheet, "selection", condition);
 }
 
+// What limits and weighs the cases, to be put back as it was.
+struct Conditions {
+  std::optional<std::size_t> weight;
+  CaseSelection selection;
+};
+
+Conditions ConditionsOf(const Sheet& sheet) {
+  return {sheet->Sheet().WeightVariable(), sheet->Sheet().Selection()};
+}
+
+void SetConditions(const Sheet& sheet, const Conditions& conditions) {
+  sheet->Sheet().SetWeightVariable(conditions.weight);
+  sheet->Sheet().SetSelection(conditions.selection);
+}
+
 CsvFormat Format(bool decimalComma) {
   return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{};
 }
@@ -240,6 +255,7 @@ void BindVariable(py::module_& module) {
 }
 
 void BindSheet(py::module_& module) {
+  py::class_<Conditions>(module, "_Conditions");
   py::class_<SheetRef, Sheet> type(
       module, "Spreadsheet",
       "Variables (columns) over common cases (rows). sheet[name] is a column as a NumPy array.");
@@ -306,6 +322,8 @@ void BindSheet(py::module_& module) {
       .def_property("selection", py::cpp_function(&Selection, InHost()),
                     py::cpp_function(&SetSelection, InHost()),
                     "The condition that a case meets to be used, such as \"x > 3 and y = 1\", or None.")
+      .def_property("_conditions", py::cpp_function(&ConditionsOf, InHost()),
+                    py::cpp_function(&SetConditions, InHost()))
       .def(
           "add_cases",
           [](const Sheet& s, std::size_t count) {

@@ -38,16 +38,70 @@ Variant::Object DocumentOf(const std::shared_ptr<SheetRef>& sheet) {
   return document;
 }
 
-Variant ArrayFrom(const py::handle& sequence) {
+// How deep sequences may lie in each other; a list that holds itself has no end.
+constexpr int kMostDepth = 32;
+
+Variant From(const py::handle& value, int depth);
+
+Variant ArrayFrom(const py::handle& sequence, int depth) {
+  if (depth >= kMostDepth) {
+    throw py::value_error("an automation call passes at most " + std::to_string(kMostDepth) +
+                          " sequences inside each other");
+  }
   Variant::Array array;
   for (const py::handle element : sequence) {
-    array.push_back(element.is_none() ? Variant(kNotSet) : FromPython(element));
+    array.push_back(element.is_none() ? Variant(kNotSet) : From(element, depth + 1));
   }
   return array;
 }
 
-bool IsNumber(const py::handle& value) {
-  return PyFloat_Check(value.ptr()) || PyNumber_Check(value.ptr());
+std::string TextFrom(const py::handle& text) {
+  Py_ssize_t size = 0;
+  const char* characters = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
+  if (characters != nullptr) return {characters, static_cast<std::size_t>(size)};
+  PyErr_Clear();
+  throw py::value_error("the text holds half a surrogate pair, which is no character");
+}
+
+std::int64_t IntegerFrom(const py::handle& value) {
+  const auto whole = py::reinterpret_steal<py::object>(PyNumber_Index(value.ptr()));
+  if (!whole) throw py::error_already_set();
+  int overflow = 0;
+  const long long number = PyLong_AsLongLongAndOverflow(whole.ptr(), &overflow);
+  if (overflow != 0) throw py::value_error("an automation call passes whole numbers of at most 64 bits");
+  return number;
+}
+
+[[noreturn]] void Refuse(const py::handle& value) {
+  throw py::type_error("an automation call cannot pass a " + std::string(py::str(py::type::of(value))));
+}
+
+// Single bytes are no numbers that anybody meant.
+bool IsBytes(const py::handle& value) {
+  return PyBytes_Check(value.ptr()) || PyByteArray_Check(value.ptr()) || PyMemoryView_Check(value.ptr());
+}
+
+double NumberFrom(const py::handle& value) {
+  const double number = PyFloat_AsDouble(value.ptr());
+  if (number != -1 || !PyErr_Occurred()) return number;
+  PyErr_Clear();
+  Refuse(value);
+}
+
+Variant From(const py::handle& value, int depth) {
+  if (value.is_none()) return {};
+  if (py::isinstance<py::bool_>(value)) return value.cast<bool>();
+  if (IsBytes(value)) Refuse(value);
+  if (py::hasattr(value, "tolist")) {
+    const py::object plain = value.attr("tolist")();
+    if (!py::hasattr(plain, "tolist")) return From(plain, depth);
+  }
+  if (PyIndex_Check(value.ptr())) return IntegerFrom(value);
+  if (py::isinstance<py::str>(value)) return TextFrom(value);
+  if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
+  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<std::shared_ptr<SheetRef>>());
+  if (py::isinstance<py::sequence>(value)) return ArrayFrom(value, depth);
+  return NumberFrom(value);
 }
 
 }  // namespace
@@ -57,19 +111,7 @@ py::object ToPython(const Variant& value, const std::shared_ptr<AnalysisRef>& an
 }
 
 Variant FromPython(const py::handle& value) {
-  if (value.is_none()) return {};
-  if (py::isinstance<py::bool_>(value)) return value.cast<bool>();
-  if (py::hasattr(value, "tolist")) {
-    const py::object plain = value.attr("tolist")();
-    if (!py::hasattr(plain, "tolist")) return FromPython(plain);
-  }
-  if (PyIndex_Check(value.ptr())) return value.cast<std::int64_t>();
-  if (py::isinstance<py::str>(value)) return value.cast<std::string>();
-  if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
-  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<std::shared_ptr<SheetRef>>());
-  if (py::isinstance<py::sequence>(value)) return ArrayFrom(value);
-  if (IsNumber(value)) return value.cast<double>();
-  throw py::type_error("an automation call cannot pass a " + std::string(py::str(py::type::of(value))));
+  return From(value, 0);
 }
 
 }  // namespace brenvolt::python

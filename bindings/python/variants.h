@@ -16,7 +16,9 @@ class AnalysisRef;
 pybind11::object ToPython(const Variant& value, const std::shared_ptr<AnalysisRef>& analysis);
 
 // The reverse, also of NumPy's numbers and of any sequence. A spreadsheet is passed as a document: its own,
-// or one of a copy. None inside a sequence is a value that is not set. Throws TypeError for anything else.
+// or one of a copy. None inside a sequence is a value that is not set. Throws TypeError for anything else,
+// bytes among them, and ValueError for what cannot be passed of these: a text that is no Unicode, a whole
+// number of more than 64 bits, sequences more than 32 deep.
 Variant FromPython(const pybind11::handle& value);
 
 }  // namespace brenvolt::python

@@ -163,8 +163,15 @@ def _method(description):
         return bool(result) if description["get"] == "int" else wrapped(result)
 
     method.__name__ = method.__qualname__ = description["name"]
-    method.__doc__ = description["help"]
+    method.__doc__ = help_of(description)
     return method
+
+
+def help_of(description):
+    """The help of a member, with what is otherwise in Python."""
+    if description["method"] and description["get"] == "int":
+        return description["help"] + " Here it returns True, or raises Error with the message that says why."
+    return description["help"]
 
 
 @functools.cache

@@ -11,14 +11,19 @@ class Error(RuntimeError):
     """The system refused, or could not do, what was asked; nothing was changed.
 
     text: what happened, in the system's words; where: the file, sheet or variable that it is about, may be
-    empty; method: of a failed call on a dialog, the system's name for it, else empty.
+    empty. Of a failed call on a dialog or document, method is the system's name for it, such as
+    "CFitDistribution::put_WeibullOffset" (with the name of the interface instead of the class where the system tells
+    none, as for a refused OK), and code tells how it failed: "closed" (the dialog), "refused" (by the dialog),
+    "not available", "no such call", or "exception" (anything else). Both are empty for other errors. Where a message
+    of the system says why, it is the text, and what failed is among __notes__.
     """
 
-    def __init__(self, text: str, where: str = "", method: str = "") -> None:
-        super().__init__(text, where, method)
+    def __init__(self, text: str, where: str = "", method: str = "", code: str = "") -> None:
+        super().__init__(text, where, method, code)
         self.text = text
         self.where = where
         self.method = method
+        self.code = code
 
     def __str__(self) -> str:
         return f"{self.text} ({self.where})" if self.where else self.text

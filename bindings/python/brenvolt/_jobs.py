@@ -2,7 +2,9 @@
 
 from __future__ import annotations
 
+import contextlib
 import html
+import numbers
 import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
@@ -27,8 +29,17 @@ _GRAPHS = {"histogram": "HistogramWithFit", "cumulative-histogram": "CumulativeH
            "summary": "SummaryGraph"}
 
 
+_DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
+
+
+def _refuse(what, wanted, value):
+    raise TypeError(f"{what} must be {wanted}, not {type(value).__name__}")
+
+
 def _sheet_of(data, name):
     """The spreadsheet in whatever people have their data in."""
+    if name is not None and not isinstance(name, str):
+        _refuse("sheet", "a name", name)
     if isinstance(data, Spreadsheet):
         return data
     if isinstance(data, _automation.TableDocument):
@@ -40,6 +51,11 @@ def _sheet_of(data, name):
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet")
     if not hasattr(data, "items"):
+        values = hasattr(data, "__len__") and not isinstance(data, (bytes, bytearray))
+        if not values or getattr(data, "ndim", 1) not in (1, 2):
+            _refuse("data", _DATA, data)
+        if len(data) == 0:
+            raise TypeError(f"data must be {_DATA}, and not empty")
         columns = data.T if getattr(data, "ndim", 1) == 2 else [data]
         data = {"x" if len(columns) == 1 else f"x{i}": column for i, column in enumerate(columns, start=1)}
     sheet = Spreadsheet(name or "Sheet")
@@ -48,10 +64,46 @@ def _sheet_of(data, name):
     return sheet
 
 
-def _names(names):
+def _set_conditions(table, weights, select):
+    if weights is not None:
+        table.weight_variable = weights or None
+    if select is not None:
+        table.selection = select or None
+
+
+@contextlib.contextmanager
+def _conditions(table, weights, select):
+    """The sheet with these conditions; afterwards it has its former ones again, whatever happened."""
+    former = table._conditions
+    try:
+        _set_conditions(table, weights, select)
+        yield
+    finally:
+        table._conditions = former
+
+
+def _names(names, what):
     if names is None:
         return []
-    return [str(names)] if isinstance(names, (str, int)) else [str(name) for name in names]
+    if isinstance(names, (str, int)):
+        return [str(names)]
+    if not isinstance(names, Iterable) or isinstance(names, (bytes, bytearray)):
+        _refuse(what, "a name or names", names)
+    return [str(name) for name in names]
+
+
+def _require_number(value, what):
+    if not isinstance(value, numbers.Real):
+        _refuse(what, "a number", value)
+
+
+def _mapping(value, what, of):
+    """The items of an argument that is a mapping, or None for none."""
+    if value is None:
+        return []
+    if not hasattr(value, "items"):
+        _refuse(what, f"a mapping {of}", value)
+    return value.items()
 
 
 def _numbers_of(sheet, names):
@@ -117,22 +169,25 @@ class _Specification:
                     dialog.FitJohnsonByPercentile[place] = percentiles
 
     def enter_offsets(self, dialog, offsets):
-        for variable, given in offsets.items():
+        for variable, given in _mapping(offsets, "offsets", "{variable: {distribution: offset}}"):
             place = self.place(variable, True, "offsets")
-            for name, offset in given.items():
+            for name, offset in _mapping(given, f"offsets[{variable!r}]", "{distribution: offset}"):
                 member = _TYPES[self.require_chosen(name, "offsets")]["offset"]
                 if not member:
                     raise ValueError(f"the {name} distribution has no offset")
-                getattr(dialog, member)[place] = float(offset)
+                _require_number(offset, f"offsets[{variable!r}][{name!r}]")
+                getattr(dialog, member)[place] = offset
 
     def enter_counts(self, dialog, mixtures, trials):
-        for variable, count in mixtures.items():
+        for variable, count in _mapping(mixtures, "mixtures", "{variable: components}"):
+            _require_number(count, f"mixtures[{variable!r}]")
             self.require_chosen("gaussianmixture", "mixtures")
-            dialog.NumberOfMixtures[self.place(variable, True, "mixtures")] = int(count)
-        for variable, count in trials.items():
+            dialog.NumberOfMixtures[self.place(variable, True, "mixtures")] = count
+        for variable, count in _mapping(trials, "trials", "{variable: trials}"):
+            _require_number(count, f"trials[{variable!r}]")
             self.require_chosen("binomial", "trials")
             place = self.place(variable, False, "trials")
-            dialog.NumberOfTrials[place] = int(count)
+            dialog.NumberOfTrials[place] = count
             dialog.IsNumberOfTrials[place] = True
 
 
@@ -151,13 +206,15 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     rank_by: "ks", "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
     binning: of the chi-square test, "equal-probability" or "equal-interval".
     missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
-    weights: variable whose whole numbers say how often each case counts.
+    weights: variable whose whole numbers say how often each case counts. It and select leave a Spreadsheet or
+    Workbook with the weights and selection that it had.
     select: condition that a case must meet, such as "x > 3 and y = 1".
     offsets: {variable: {distribution: offset}}, where the distribution starts.
     mixtures: {variable: components} of the Gaussian mixture; trials: {variable: trials} of the binomial.
     johnson_percentiles: fits the Johnson distribution from percentiles instead of moments.
     bootstrap: samples of a parametric bootstrap, which gives p-values that allow for the estimation.
-    sheet: name of the sheet of a workbook; without, its first data sheet.
+    sheet: name of the sheet of a workbook; without, its first data sheet. Of a frame, mapping or array, the name that
+    its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
 
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
@@ -168,30 +225,33 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                _choice(binning, _brenvolt._binnings, "binning"))
     if save is not None:
         _brenvolt._require_project_ending(save)
+    for what, text in (("weights", weights), ("select", select)):
+        if text is not None and not isinstance(text, str):
+            _refuse(what, "a text", text)
     table = _sheet_of(data, sheet)
-    if weights is not None:
-        table.weight_variable = weights or None
-    if select is not None:
-        table.selection = select or None
-    if save is not None:
-        _brenvolt._take_former_properties(table, save)
-    chosen, counts = _choose_variables(table, _names(continuous), _names(discrete))
-    specification = _Specification(table, chosen, counts, _names(distributions))
-    analysis = _automation.startup(table, _FIT)
-    dialog = analysis.dialog
-    dialog.ContinuousVariable = _numbers_of(table, chosen)
-    dialog.DiscreteVariable = _numbers_of(table, counts)
-    for member in choices:
-        setattr(dialog, member, True)
-    dialog.BootstrapSamples = bootstrap
-    dialog.BootstrapSeed = bootstrap_seed
-    specification.check_distributions(dialog, johnson_percentiles)
-    specification.enter_offsets(dialog, offsets or {})
-    specification.enter_counts(dialog, mixtures or {}, trials or {})
-    dialog.OK()
-    result = FitResult(analysis, chosen + counts)
-    if save is not None:
-        result.save(save)
+    if not isinstance(data, (Spreadsheet, _automation.TableDocument, Workbook)):
+        _set_conditions(table, weights, select)  # for good: the sheet is the result's own
+        weights = select = None
+    with _conditions(table, weights, select):
+        chosen, counts = _choose_variables(table, _names(continuous, "continuous"), _names(discrete, "discrete"))
+        specification = _Specification(table, chosen, counts, _names(distributions, "distributions"))
+        if save is not None:
+            _brenvolt._take_former_properties(table, save)
+        analysis = _automation.startup(table, _FIT)
+        dialog = analysis.dialog
+        dialog.ContinuousVariable = _numbers_of(table, chosen)
+        dialog.DiscreteVariable = _numbers_of(table, counts)
+        for member in choices:
+            setattr(dialog, member, True)
+        dialog.BootstrapSamples = bootstrap
+        dialog.BootstrapSeed = bootstrap_seed
+        specification.check_distributions(dialog, johnson_percentiles)
+        specification.enter_offsets(dialog, offsets)
+        specification.enter_counts(dialog, mixtures, trials)
+        dialog.OK()
+        result = FitResult(analysis, chosen + counts, weights, select)
+        if save is not None:
+            result.save(save)
     return result
 
 
@@ -199,9 +259,15 @@ class FitResult:
     """The fits of some variables.
 
     variables: {name: FittedVariable}; sheet: the data; dialog: the results dialog, for everything else that it offers.
+
+    Where a Spreadsheet or Workbook was fitted, weights and a selection given to fit() are in force while the methods of
+    this class and of FittedVariable work, and the sheet has its own again afterwards; what `dialog` makes follows those
+    of the sheet.
     """
 
-    def __init__(self, analysis: _automation.Analysis, names: list[str]) -> None:
+    def __init__(self, analysis: _automation.Analysis, names: list[str], weights: str | None = None,
+                 select: str | None = None) -> None:
+        self._weights, self._select = weights, select
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet
@@ -216,11 +282,16 @@ class FitResult:
     @property
     def summary(self) -> pandas.DataFrame:
         """A DataFrame with the moments of the variables."""
-        return self.dialog.SummaryStats.to_pandas()
+        with self._conditions():
+            return self.dialog.SummaryStats.to_pandas()
+
+    def _conditions(self):
+        return _conditions(self.sheet, self._weights, self._select)
 
     def correlations(self) -> pandas.DataFrame:
         """A DataFrame with the correlations between the fitted variables."""
-        frame = self.dialog.CorrelationMatrix.to_pandas()
+        with self._conditions():
+            frame = self.dialog.CorrelationMatrix.to_pandas()
         return frame.iloc[:frame.shape[1]]
 
     def keep(self, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
@@ -231,25 +302,37 @@ class FitResult:
         [distribution, ...]}, the fits to keep, best first.
         """
         places = {name: place for place, name in enumerate(self.variables, start=1)}
-        for variable, bounds in (truncate or {}).items():
+        for variable, bounds in _mapping(truncate, "truncate", "{variable: (low, high)}"):
+            self._require_variable(variable, "truncate")
+            if not isinstance(bounds, (tuple, list)) or len(bounds) != 2:
+                _refuse(f"truncate[{variable!r}]", "a pair (low, high)", bounds)
             for end, bound in zip(("Min", "Max"), bounds):
                 getattr(self.dialog, "IsUserDefinedTrunc" + end)[places[variable]] = bound is not None
                 getattr(self.dialog, "UserDefinedTrunc" + end)[places[variable]] = bound
-        for variable, names in (order or {}).items():
-            self.dialog.DistributionOrder[places[variable]] = [_brenvolt._code_of(name) for name in _names(names)]
-        document = self.dialog.SaveDistributionFit
+        for variable, names in _mapping(order, "order", "{variable: [distribution, ...]}"):
+            self._require_variable(variable, "order")
+            codes = [_brenvolt._code_of(name) for name in _names(names, f"order[{variable!r}]")]
+            self.dialog.DistributionOrder[places[variable]] = codes
+        with self._conditions():
+            document = self.dialog.SaveDistributionFit
         return document.sheet if document is not None else None
+
+    def _require_variable(self, name, option):
+        if name not in self.variables:
+            raise ValueError(f"{option}: {name!r} is not fitted")
 
     def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
              order: Mapping[str, Names] | None = None) -> None:
         """Saves the data with the fits and their correlation matrix in a project (.bvw).
 
-        A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with other data is an Error. See keep for
-        truncate and order.
+        A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with
+        other data is an Error. See keep for truncate and order.
         """
         _brenvolt._require_project_ending(path)
         _brenvolt._take_former_properties(self.sheet, path)
-        _brenvolt._save_fits(self.sheet, self.keep(truncate, order), path)
+        matrix = self.keep(truncate, order)
+        with self._conditions():
+            _brenvolt._save_fits(self.sheet, matrix, path)
 
     def _repr_html_(self):
         return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}"
@@ -327,7 +410,8 @@ class FittedVariable:
         place = 0 if distribution is None else self._place_of(distribution)
         dialog = self._shown()
         dialog.QuickTabDistribution = place + 1
-        return getattr(dialog, member)
+        with self._result._conditions():
+            return getattr(dialog, member)
 
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
@@ -409,7 +493,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     analysis = _automation.startup(table, _SIMULATE)
     dialog = analysis.dialog
     if variables is not None:
-        dialog.Variables = _numbers_of(table, _names(variables))
+        dialog.Variables = _numbers_of(table, _names(variables, "variables"))
     setattr(dialog, member, True)
     dialog.NumberOfSamples = samples
     dialog.IsSeedRandomNumber = seed is not None
@@ -431,12 +515,13 @@ def _fitted_sheet(source, name):
         return source.sheet, source.keep()
     if isinstance(source, Spreadsheet):
         return source, _brenvolt._saved_matrix(source)
+    if not isinstance(source, (Workbook, str, os.PathLike)):
+        raise TypeError(f"simulate wants a project or a fit result, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
     table = _brenvolt._fitted_sheet(workbook) if name is None else None
     if table is None:
         table = workbook.sheet(name or "")
     return table, _brenvolt._saved_matrix(table)
-
 
 
 

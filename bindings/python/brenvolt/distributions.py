@@ -243,10 +243,13 @@ class Histogram(_Discrete):
 
 
 def _flat(groups, size, name):
-    groups = [tuple(group) for group in groups]
+    try:
+        groups = [tuple(group) for group in groups]
+    except TypeError:
+        raise TypeError(f"{name} must be one or more groups of {size} numbers") from None
     if not groups or any(len(group) != size for group in groups):
         raise ValueError(f"{name} must be one or more groups of {size} numbers")
-    return [float(number) for group in groups for number in group]
+    return [number for group in groups for number in group]
 
 
 def _groups(values, size):

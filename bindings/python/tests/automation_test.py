@@ -2,6 +2,7 @@
 
 import gc
 import os
+import pickle
 import pydoc
 import signal
 import threading
@@ -54,21 +55,66 @@ class Members(unittest.TestCase):
                  (lambda: list(dialog.IsWeibullDistribution), TypeError, "cannot be iterated"),
                  (lambda: setattr(dialog, "ContinuousVariable", {}), TypeError, "cannot pass a"),
                  (lambda: setattr(dialog, "ContinuousVariable", "7"), Error, "no variable 7"),
-                 (lambda: setattr(dialog, "BootstrapSamples", "x"), Error, "type mismatch")]
+                 (lambda: setattr(dialog, "BootstrapSamples", "x"), Error, "type mismatch"),
+                 *((lambda value=value: setattr(dialog, "ContinuousVariable", value), kind, message)
+                   for value, kind, message in self.unpassable())]
         for call, kind, message in cases:
             with self.assertRaisesRegex(kind, message):
                 call()
 
-    def test_an_error_names_the_systems_method(self):
-        with self.assertRaises(Error) as raised:
-            fit_dialog().Dialog.ContinuousVariable = "7"
-        self.assertEqual(raised.exception.method,
-                         "Exception in automation method [CFitDistribution::put_ContinuousVariable]")
+    @staticmethod
+    def unpassable():
+        endless = [1]
+        endless.append(endless)
+        deep = []
+        for _ in range(32):
+            deep = [deep]
+        yield from ((value, ValueError, "at most 32 sequences") for value in (endless, deep))
+        yield from ((value, TypeError, "cannot pass a")
+                    for value in (1 + 1j, numpy.array([1j]), b"1", [b"1"], bytearray(b"1"), memoryview(b"1"), object()))
+        yield "\ud800", ValueError, "surrogate"
+        yield 10**30, ValueError, "at most 64 bits"
+
+    def test_sequences_may_lie_deep(self):
+        """That many reach the system, whose refusal it is."""
+        deep = []
+        for _ in range(31):
+            deep = [deep]
+        with self.assertRaises(Error):
+            fit_dialog().Dialog.ContinuousVariable = deep
+
+    def test_an_error_tells_the_systems_method_and_how_it_failed(self):
+        analysis = Analysis(brenvolt.read_csv(os.path.join(EXAMPLES, "faithful.csv")))
+        closed = analysis.Dialog
+        with self.assertRaises(Error) as disabled:
+            closed.AutoProfiler = True
+        analysis.Dialog.OK()
+        dialog = analysis.Dialog
+        cases = [(lambda: setattr(dialog, "ContinuousVariable", "7"), "CFitDistribution::put_ContinuousVariable",
+                  "exception"),
+                 (lambda: dialog.WeibullOffset[1], "CFitDistribution::get_WeibullOffset", "exception"),
+                 (lambda: setattr(dialog, "ResultsOption", 1), "CFitDistribution::put_ResultsOption", "not available"),
+                 (lambda: closed.TypeOfAnalysis, "CDefineTask::get_TypeOfAnalysis", "closed"),
+                 (closed.OK, "CDefineTask::OK", "closed"),
+                 (dialog.OK, "SRAFitDistribution::OK", "refused"),
+                 (lambda: dialog.Parent.DialogInterface["SRAStartup"].TypeOfAnalysis,
+                  "SRAStartup::get_TypeOfAnalysis", "closed"),
+                 (lambda: dialog.Parent.DialogInterface["none"], "BrvAnalysis::get_DialogInterface", "exception"),
+                 (lambda: brenvolt.read_csv("none.csv"), "", "")]
+        for call, method, code in cases:
+            with self.assertRaises(Error) as raised:
+                call()
+            self.assertEqual((raised.exception.method, raised.exception.code), (method, code))
+        self.assertEqual((disabled.exception.method, disabled.exception.code),
+                         ("CDefineTask::put_AutoProfiler", "refused"))
+        copy = pickle.loads(pickle.dumps(raised.exception))
+        self.assertEqual((copy.text, copy.where, copy.code), (raised.exception.text, "none.csv", ""))
 
     def test_help_texts_are_docstrings(self):
         text = pydoc.render_doc(dialogs.SRAFitDistribution, renderer=pydoc.plaintext)
         self.assertIn("IsWeibullDistribution[iID: int]: bool", text)
         self.assertIn("OK", dir(fit_dialog().Dialog))
+        self.assertIn("returns True, or raises Error", dialogs.SRAFitDistribution.OK.__doc__)
         for name in dir(dialogs):
             for member, descriptor in vars(getattr(dialogs, name)).items():
                 if not member.startswith("_"):
@@ -114,10 +160,15 @@ class Messages(unittest.TestCase):
         analysis = Analysis(Spreadsheet.from_pandas(__import__("pandas").DataFrame({"x": ["a", "b"]})))
         analysis.Dialog.TypeOfAnalysis = brenvolt.scSRARunSimulation
         analysis.Dialog.OK()
-        with self.assertRaises(Error) as raised:
-            analysis.Dialog.OK()
-        self.assertEqual(raised.exception.text, analysis.messages[-1].text)
-        self.assertGreater(len(raised.exception.text), 10)
+        calls = ((analysis.Dialog.OK, []), (lambda: analysis.Dialog.SimulationResults, ["nothing was simulated"]))
+        for call, notes in calls:
+            with self.subTest(notes), warnings.catch_warnings():
+                warnings.simplefilter("error", MessageWarning)
+                with self.assertRaises(Error) as raised:
+                    call()
+                self.assertEqual(raised.exception.text, analysis.messages[-1].text)
+                self.assertRegex(raised.exception.text, "^No variable of the input has a fitted distribution")
+                self.assertEqual(getattr(raised.exception, "__notes__", []), notes)
 
     def test_a_message_on_the_way_is_a_warning(self):
         analysis = fit_dialog()

@@ -91,6 +91,35 @@ class Arguments(unittest.TestCase):
             with self.assertRaisesRegex(ValueError, message):
                 make()
 
+    def test_arguments_of_a_wrong_type_are_named(self):
+        normal = Normal(0, 1)
+        cases = [(lambda: Normal("1", 1), TypeError, "location must be a number, not str"),
+                 (lambda: Normal(1, None), TypeError, "scale must be a number, not NoneType"),
+                 (lambda: Normal(1j, 1), TypeError, "location must be a number, not complex"),
+                 (lambda: Normal(10**400, 1), ValueError, "location is too large"),
+                 (lambda: Weibull(1, 2, offset=[1]), TypeError, "offset must be a number, not list"),
+                 (lambda: GaussianMixture(5), TypeError, "components must be one or more groups"),
+                 (lambda: GaussianMixture([(1, "0", 1)]), TypeError, "mean must be a number, not str"),
+                 (lambda: Histogram({1: "1"}), TypeError, "proportion must be a number, not str"),
+                 (lambda: Johnson(None, 1, 1, 1, 1), TypeError, "type must be a number"),
+                 (lambda: normal.pdf("many"), TypeError, "x must be a number or an array"),
+                 (lambda: normal.cdf([[1], [2, 3]]), TypeError, "x must be a number or an array"),
+                 (lambda: normal.ppf(1j), TypeError, "p must be a number or an array"),
+                 (lambda: normal.isf({}), TypeError, "q must be a number or an array"),
+                 *((lambda seed=seed: normal.rvs(seed=seed), ValueError, "seed must be from 0 to 2147483647")
+                   for seed in (-1, 2**31, 10**30)),
+                 *((lambda seed=seed: normal.rvs(seed=seed), TypeError, "seed must be a whole number")
+                   for seed in (1.5, "1")),
+                 (lambda: normal.rvs(-1), ValueError, "size must not be negative"),
+                 *((lambda size=size: normal.rvs(size), TypeError, "size must be a whole number or a sequence")
+                   for size in (2.5, "ab", [1, None]))]
+        for call, kind, message in cases:
+            with self.assertRaisesRegex(kind, message):
+                call()
+        expected = normal.rvs((2, 3), seed=7)
+        numpy.testing.assert_array_equal(normal.rvs(numpy.array([2, 3]), seed=numpy.int64(7)), expected)
+        numpy.testing.assert_array_equal(normal.rvs(numpy.int32(6), seed=7), expected.ravel())
+
     def test_numbers_give_numbers_and_arrays_arrays_of_their_shape(self):
         weibull = Weibull(83.35, 2.186)
         self.assertIs(type(weibull.cdf(100)), float)
@@ -101,8 +130,6 @@ class Arguments(unittest.TestCase):
             self.assertEqual(values.shape, numpy.shape(given))
             for index in numpy.ndindex(values.shape):
                 self.assertEqual(values[index], weibull.pdf(float(numpy.asarray(given)[index])))
-        with self.assertRaises((TypeError, ValueError)):
-            weibull.cdf("many")
 
     def test_probabilities_outside_0_to_1_have_no_quantile(self):
         for kind in (Normal(0, 1), Poisson(3)):

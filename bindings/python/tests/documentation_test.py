@@ -1,4 +1,4 @@
-"""docs/automating.md: what it shows is what happens."""
+"""docs/automating.md and docs/python.md: what they show is what happens."""
 
 import ast
 import os
@@ -7,13 +7,16 @@ import subprocess
 import tempfile
 import unittest
 
+import numpy
+import pandas
+
 import brenvolt
 
 SOURCE = os.environ["BRENVOLT_SOURCE_DIR"]
 
 
-def blocks(kind):
-    with open(os.path.join(SOURCE, "docs", "automating.md"), encoding="utf-8") as file:
+def blocks(kind, page="automating.md"):
+    with open(os.path.join(SOURCE, "docs", page), encoding="utf-8") as file:
         fenced = re.findall(r"^```(\w*)\n(.*?)^```$", file.read(), re.MULTILINE | re.DOTALL)
     return [text for language, text in fenced if language == kind]
 
@@ -67,6 +70,32 @@ class Automating(unittest.TestCase):
             exec(compile(ast.Module(statements, []), "cell", "exec"), names)
             value = eval(compile(ast.Expression(last.value), "cell", "eval"), names)
             self.assertEqual(str(value), text.rstrip("\n"))
+
+
+class Package(unittest.TestCase):
+    def test_the_page_of_the_package_can_be_followed(self):
+        """Its examples one after the other, as a reader enters them."""
+        former = os.getcwd()
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.addCleanup(os.chdir, former)
+        os.chdir(folder.name)
+        strength = numpy.random.default_rng(1).weibull(2.2, 60) * 80
+        names = {"brenvolt": brenvolt, "frame": pandas.DataFrame({"strength": strength}), "new_values": strength + 1}
+        fit, sheets, dialogs = [block for block in blocks("python", "python.md") if ">>>" not in block]
+        exec(fit, names)
+        self.assertEqual(names["samples"].shape, (10000, 1))
+        exec(sheets, names)
+        self.assertEqual(names["workbook"].names, ["parts", "Correlation matrix", "copy"])
+        self.assertIs(names["workbook"]["parts"], names["sheet"])
+        self.assertEqual(names["sheet"].variable("strength").properties, {})
+        exec(dialogs, names)
+        self.assertEqual(names["table"].NumberOfCases, 1)
+
+    def test_constants_are_not_the_classes_of_distributions(self):
+        names = {}
+        exec("from brenvolt import *", names)
+        self.assertEqual((names["Weibull"], names["distributions"].Weibull(2, 3).code), (5, 5))
 
 
 if __name__ == "__main__":

@@ -5,6 +5,7 @@ import os
 import subprocess
 import tempfile
 import unittest
+import warnings
 
 import numpy
 import pandas
@@ -132,6 +133,42 @@ class Fits(Folder):
         self.assertEqual(list(weighted.variables), ["x"])
         self.assertAlmostEqual(weighted.best["x"].scale, plain.scale, places=12)
 
+    def test_a_sheet_keeps_its_own_weights_and_selection(self):
+        sheet = Spreadsheet.from_pandas(pandas.DataFrame({"x": [1.0, 2, 3, 5, 8, 13], "w": [1, 1, 1, 2, 2, 2],
+                                                          "v": [1, 1, 1, 1, 1, 2]}))
+        workbook = brenvolt.Workbook()
+        workbook.add(sheet)
+        wanted = {"weights": "w", "select": "x > 2", "distributions": "normal"}
+        for weight, selection in ((None, None), ("v", "x < 9")):
+            sheet.weight_variable, sheet.selection = weight, selection
+            result = brenvolt.fit(workbook, "x", **wanted, save=self.file("own.bvw"))
+            with self.assertRaises(Error):
+                brenvolt.fit(sheet, "x", **wanted, bootstrap=-1)
+            with self.assertRaises(ValueError):
+                brenvolt.fit(sheet, "x", **wanted, offsets={"x": {"normal": 1}})
+            with self.assertRaises(Error):
+                brenvolt.fit(sheet, "x", weights="w", select="x >")
+            self.assertEqual((sheet.weight_variable, sheet.selection), (weight, selection))
+            # Outputs are still those of the fit.
+            self.assertEqual(result.variables["x"].n, 7)
+            self.assertEqual(result.variables["x"].graph("histogram").bars[0]["heights"].sum(), 7)
+            self.assertEqual(result.keep().to_pandas().loc["No.Cases", "x"], 7)
+            self.assertEqual((sheet.weight_variable, sheet.selection), (weight, selection))
+            saved = brenvolt.open_workbook(self.file("own.bvw")).sheet()
+            self.assertEqual((saved.weight_variable, saved.selection), ("w", "x > 2"))
+        own = brenvolt.fit({"x": [1.0, 2, 3, 5]}, select="x > 1", distributions="normal")
+        self.assertEqual(own.sheet.selection, "x > 1")
+
+    def test_data_of_a_wrong_type_are_refused_at_once(self):
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            for data in (None, [], 5, b"12", numpy.zeros((2, 2, 2)), object()):
+                with self.assertRaisesRegex(TypeError, "data must be a Series, DataFrame, mapping"):
+                    brenvolt.fit(data)
+            for source in (pandas.DataFrame({"x": [1.0]}), None, 5):
+                with self.assertRaisesRegex(TypeError, "simulate wants a project or a fit result, not "):
+                    brenvolt.simulate(source)
+
     def test_calls_that_make_no_sense_are_refused(self):
         data = {"x": [1.0, 2, 3, 4], "y": [1.0, 2, 3, 5]}
         cases = [({"distributions": "weibul"}, ValueError, "no distribution called 'weibul'; there are normal"),
@@ -146,7 +183,18 @@ class Fits(Folder):
                  ({"save": "p.csv"}, ValueError, "ends in .bvw"),
                  ({"continuous": "z"}, Error, "no variable called 'z'"),
                  ({"select": "x >"}, Error, "selection condition"),
-                 ({"bootstrap": -1}, Error, "less than 0")]
+                 ({"bootstrap": -1}, Error, "less than 0"),
+                 ({"mixtures": {"x": 2.9}}, Error, "not a 32-bit integer"),
+                 ({"discrete": "x", "trials": {"x": 2.7}}, Error, "not a 32-bit integer"),
+                 ({"mixtures": 3}, TypeError, "mixtures must be a mapping {variable: components}, not int"),
+                 ({"mixtures": {"x": "3"}}, TypeError, r"mixtures\['x'\] must be a number, not str"),
+                 ({"trials": [1]}, TypeError, "trials must be a mapping"),
+                 ({"offsets": {"x": 1}}, TypeError, r"offsets\['x'\] must be a mapping {distribution: offset}"),
+                 ({"offsets": {"x": {"weibull": "1"}}}, TypeError, r"offsets\['x'\]\['weibull'\] must be a number"),
+                 ({"continuous": 3.5}, TypeError, "continuous must be a name or names, not float"),
+                 ({"weights": 3}, TypeError, "weights must be a text, not int"),
+                 ({"select": ["x > 1"]}, TypeError, "select must be a text, not list"),
+                 ({"sheet": 3}, TypeError, "sheet must be a name, not int")]
         for arguments, kind, message in cases:
             with self.assertRaisesRegex(kind, message):
                 brenvolt.fit(data, **arguments)
@@ -241,6 +289,9 @@ class Simulations(Folder):
                  (lambda: brenvolt.simulate(result, 10, "norta"), Error, "no generator"),
                  (lambda: brenvolt.simulate(result, variables="none"), Error, "no variable called 'none'"),
                  (lambda: brenvolt.simulate(example("faithful"), 10), Error, "."),
+                 (lambda: result.keep(truncate={"z": (1, 2)}), ValueError, "truncate: 'z' is not fitted"),
+                 (lambda: result.keep(truncate={"waiting": 50}), TypeError, r"must be a pair \(low, high\), not int"),
+                 (lambda: result.keep(order=["weibull"]), TypeError, "order must be a mapping"),
                  (lambda: result.save(self.file("p.csv")), ValueError, "ends in .bvw")]
         for call, kind, message in cases:
             with self.assertRaisesRegex(kind, message):

@@ -100,9 +100,14 @@ class Package(unittest.TestCase):
         for module, file in ((brenvolt._brenvolt, "_brenvolt.pyi"), (brenvolt.dialogs, "dialogs.pyi"),
                              (brenvolt, "__init__.pyi")):
             for name, node in stubbed(file).items():
+                if name.startswith("_"):
+                    continue
                 kind = getattr(module, name)
                 own = {member for member in vars(kind) if not member.startswith("_")}
                 self.assertEqual(members(node), own, f"{file}: {name}")
+        readable = {part.name for part in stubbed("dialogs.pyi")["BrvAnalysisDialog"].body
+                    if isinstance(part, ast.FunctionDef)}
+        self.assertEqual(readable, {"Name", "Application", "Parent", "OK", "Cancel"})
 
 
 if __name__ == "__main__":
