@@ -121,6 +121,20 @@ PercentileCapability PercentilesOf(const DistributionFit& fit, const Specificati
       limits);
 }
 
+// The distribution that a row is of: a text in the rows by percentiles.
+Variable DescriptionColumn(const DistributionFit* best) {
+  Variable column(std::string(ResourceString(kColumnDescription)), std::size(kCapabilityRows));
+  column.SetType(VariableType::kText);
+  const auto cells = column.MutableValues();
+  std::ranges::fill(cells, GetDefaultMDValue());
+  if (best == nullptr) return column;
+  const DistributionSpecification& specification = best->specification;
+  column.SetLabel(1, Description(specification.code, specification.values));
+  const auto* first = std::ranges::find(kCapabilityRows, kResponseLowPoint, &CapabilityRow::name);
+  for (auto i = static_cast<std::size_t>(first - kCapabilityRows); i < cells.size(); ++i) cells[i] = 1;
+  return column;
+}
+
 std::unique_ptr<Spreadsheet> StatisticsTable(const SimulatedResponse& response) {
   const Moments moments = MomentsOf(response);
   auto sheet = NewTable(kResponseTitleStatistics, response.Column(), {response.Column().Name()});
@@ -258,11 +272,6 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   std::vector<std::string> names;
   for (const CapabilityRow& row : kCapabilityRows) names.emplace_back(ResourceString(row.name));
   auto sheet = NewTable(kResponseTitleCapability, response.Column(), std::move(names));
-  if (best != nullptr) {
-    const DistributionSpecification& law = best->specification;
-    sheet->SetTitle(FormatResource(kResponseTitleCapabilityFit, response.Column().Name(),
-                                   Description(law.code, law.values)));
-  }
   const auto limit = [&](std::size_t i, double ConfidenceInterval::*side) {
     const auto interval = kCapabilityRows[i].interval;
     return interval == nullptr ? GetDefaultMDValue() : capability.report.*interval.*side;
@@ -272,6 +281,7 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
             [&](std::size_t i) { return limit(i, &ConfidenceInterval::lower); });
   AddColumn(*sheet, kResponseUpperConfidence,
             [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
+  sheet->AddVariable(DescriptionColumn(best));
   return sheet;
 }
 

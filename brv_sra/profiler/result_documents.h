@@ -39,7 +39,7 @@ VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port);
 // Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
 // where the specification is not valid. With fits of which the best is not the normal distribution and the
 // normal one is rejected at 5 % (Anderson & Darling), indices and parts per million by the points of the best
-// distribution follow, which the title names; they are missing otherwise.
+// distribution follow, which the column "(Params Description)" names; they are missing otherwise.
 std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& response, const VariableFit& fit);
 
 // In the order in which they are shown; kept apart by their place.

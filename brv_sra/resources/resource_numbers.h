@@ -564,7 +564,6 @@ inline constexpr std::int32_t kResponseStandardizedCoefficient = 20915;
 inline constexpr std::int32_t kResponseLinearContribution = 20916;
 inline constexpr std::int32_t kResponseFirstOrder = 20917;
 inline constexpr std::int32_t kResponseTitleCapability = 20930;
-inline constexpr std::int32_t kResponseTitleCapabilityFit = 20931;
 inline constexpr std::int32_t kResponseTitleStatistics = 20932;
 inline constexpr std::int32_t kResponseTitleCorrelations = 20933;
 inline constexpr std::int32_t kResponseTitlePercentiles = 20934;

@@ -598,7 +598,6 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponseLinearContribution, response_table::kLinearContribution},
     {kResponseFirstOrder, response_table::kFirstOrder},
     {kResponseTitleCapability, "Process capability of %s"},
-    {kResponseTitleCapabilityFit, "Process capability of %s; best fit: %s"},
     {kResponseTitleStatistics, "Statistics of %s"},
     {kResponseTitleCorrelations, "Correlations with %s"},
     {kResponseTitlePercentiles, "Percentiles of %s"},
