@@ -50,6 +50,8 @@ struct ProfilerDependent {
   std::shared_ptr<const PredictionModel> model;
   // Takes precedence over the model; empty where there is none. The expression alone: "A + 2*B".
   std::string formula;
+  // The formulas before, the last one last: what taking a formula back goes back to.
+  std::vector<std::string> formerFormulas;
   bool addNoise = false;
   double standardDeviation = kNotSet;  // of the noise
   SpecificationLimits limits;          // NaN where not given
