@@ -63,7 +63,7 @@ struct ProfilerDesign {
   std::vector<ProfilerDependent> dependents;
   std::int32_t runs = kUsualRuns;
   bool seeded = false;
-  std::int32_t seed = 1;
+  std::int32_t seed = 1000;
   bool simulateCorrelations = false;
   // Row-major, symmetric with unit diagonal: of the predictors, and of the noise of the dependents.
   std::vector<double> correlations;

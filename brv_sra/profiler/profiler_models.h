@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "brv_sra/profiler/profiler_design.h"
+#include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
