@@ -24,11 +24,12 @@ enum class GraphKind : std::uint8_t {
   kEmpiricalDistribution,
   kBoxPlot,
   kSummary,  // nothing of its own but panels and notes
-  kProfile   // a response against a predictor
+  kProfile,  // a response against a predictor
+  kTornado   // a bar for each predictor, named after it, the longest first
 };
 
 // The name of a kind in output that programs read: "histogram", "cumulative-histogram", "pp", "qq",
-// "empirical-distribution", "box-plot", "summary", "profile".
+// "empirical-distribution", "box-plot", "summary", "profile", "tornado".
 std::string_view GraphKindName(GraphKind kind);
 
 // Adjoining bars: bar i reaches from bounds[i] to bounds[i + 1] and up to heights[i].
