@@ -575,4 +575,17 @@ inline constexpr std::int32_t kResponseAxisRankCorrelation = 20939;
 inline constexpr std::int32_t kResponseAxisPredictors = 20940;
 inline constexpr std::int32_t kResponseAllPredictors = 20941;
 
+// The profiler: what goes beyond the texts above.
+inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;
+inline constexpr std::int32_t kMsgProfilerNoValues = 21001;
+inline constexpr std::int32_t kMsgProfilerFieldTypes = 21002;
+inline constexpr std::int32_t kMsgProfilerNothingToFit = 21003;
+inline constexpr std::int32_t kMsgProfilerNoSpecification = 21004;
+inline constexpr std::int32_t kMsgProfilerNoiseDeviation = 21005;
+inline constexpr std::int32_t kMsgProfilerNotSimulated = 21006;
+inline constexpr std::int32_t kMsgProfilerNoDependent = 21007;
+inline constexpr std::int32_t kMsgProfilerInvalidSeed = 21008;
+inline constexpr std::int32_t kProfilerMean = 21009;
+inline constexpr std::int32_t kProfilerNoSpecification = 21010;
+
 }  // namespace brenvolt::sra

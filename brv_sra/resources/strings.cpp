@@ -608,6 +608,18 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponseAxisRankCorrelation, "Rank correlation"},
     {kResponseAxisPredictors, "Predictors"},
     {kResponseAllPredictors, "All predictors"},
+    // The profiler: what goes beyond the texts above.
+    {kMsgProfilerInfiniteValue, "The data hold a value that is not finite."},
+    {kMsgProfilerNoValues, "The data hold no valid value."},
+    {kMsgProfilerFieldTypes, "%s holds numbers in one model and texts in another."},
+    {kMsgProfilerNothingToFit, "The input data hold no predictor that a distribution fits."},
+    {kMsgProfilerNoSpecification, "Please specify a distribution for "},
+    {kMsgProfilerNoiseDeviation, "Please set a valid standard deviation of the noise of "},
+    {kMsgProfilerNotSimulated, "Nothing has been simulated yet."},
+    {kMsgProfilerNoDependent, "There is no dependent. Please load a model or set a formula first."},
+    {kMsgProfilerInvalidSeed, "Invalid random seed. Valid range is 1<=x<=2147483647."},
+    {kProfilerMean, "Mean"},
+    {kProfilerNoSpecification, "none"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.
