@@ -175,15 +175,20 @@ std::size_t PlaceOf(const Statement& statement, const std::vector<std::string>& 
 
 void Prepare(ProfilerSession& profiler, const Request& request, const ProfileOptions& options) {
   if (!request.models.empty()) profiler.LoadModels(request.models);
-  std::vector<std::string> fixed;
-  for (const Statement& one : request.fixed) fixed.push_back(one.name);
-  if (!request.formulas.empty()) profiler.SetFormulas(request.formulas, fixed);
+  if (!request.formulas.empty()) profiler.SetFormulas(request.formulas);
   profiler.SetRuns(request.runs);
   if (request.seed) profiler.SetSeed(*request.seed);
   if (options.correlated) profiler.Correlate();
   if (options.fitBest) profiler.FitBest();
   for (const Statement& one : request.fixed) {
     profiler.Fix(PlaceOf(one, profiler.Predictors(), "predictor"), *one.values[0]);
+  }
+  for (std::size_t i = 0; i < profiler.Predictors().size(); ++i) {
+    const std::string& name = profiler.Predictors()[i];
+    if (profiler.IsPredictorSpecified(i)) continue;
+    throw Error(
+        "no variable called " + Quoted(name) + " to start the predictor from; --fix may give it a value",
+        options.input.path.string());
   }
   for (const Statement& one : request.truncations) {
     profiler.Truncate(PlaceOf(one, profiler.Predictors(), "predictor"), *one.values[0], *one.values[1]);

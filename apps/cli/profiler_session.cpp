@@ -1,23 +1,16 @@
 #include "apps/cli/profiler_session.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <string_view>
 
 #include "host/base/error.h"
-#include "host/formula/formula.h"
-#include "host/models/prediction_model.h"
 
 namespace brenvolt::cli {
 namespace {
 
 // What the array of a predictor ends with: whether it is truncated below, where, whether above, where.
 constexpr std::size_t kTruncationItems = 4;
-
-void Append(std::vector<std::string>& names, const std::string& name) {
-  if (std::ranges::find(names, name) == names.end()) names.push_back(name);
-}
 
 constexpr std::string_view kSpecification = "VariableDistributionParams";
 
@@ -41,34 +34,37 @@ Variant Limit(double value) {
 }  // namespace
 
 ProfilerSession::ProfilerSession(Spreadsheet& sheet)
-    : sheet_(sheet), session_(sheet, Task::kProfile), dialog_(session_.Dialog()) {}
+    : session_(sheet, Task::kProfile), dialog_(session_.Dialog()) {}
 
-// A name in several models or formulas stands where it is met first.
 void ProfilerSession::LoadModels(const std::vector<std::filesystem::path>& files) {
   Variant::Array names;
-  for (const auto& file : files) {
-    const PredictionModel model = PredictionModel::Load(file);
-    for (const ModelField& field : model.Predictors()) Append(predictors_, field.name);
-    for (const ModelField& field : model.Dependents()) Append(responses_, field.name);
-    names.emplace_back(file.string());
-  }
+  for (const auto& file : files) names.emplace_back(file.string());
   Put("LoadModels", names);
+  TakeNames();
 }
 
-void ProfilerSession::SetFormulas(const std::vector<ResponseFormula>& formulas,
-                                  const std::vector<std::string>& otherPredictors) {
-  std::vector<std::string> known = predictors_;
-  for (std::size_t i = 0; i < sheet_.VariableCount(); ++i) Append(known, sheet_.VariableAt(i).Name());
-  for (const std::string& name : otherPredictors) Append(known, name);
-  const std::vector<std::string_view> names(known.begin(), known.end());
+void ProfilerSession::SetFormulas(const std::vector<ResponseFormula>& formulas) {
   Variant::Array texts;
   for (const ResponseFormula& formula : formulas) {
-    const Formula parsed(formula.expression, names, "formula for " + formula.response);
-    for (const std::size_t used : parsed.Used()) Append(predictors_, known[used]);
-    Append(responses_, formula.response);
     texts.emplace_back(QuotedName(formula.response) + " = " + formula.expression);
   }
   Put("PredictionFormula", texts);
+  TakeNames();
+}
+
+void ProfilerSession::TakeNames() {
+  const auto names = [this](std::string_view member) {
+    std::vector<std::string> list;
+    for (const Variant& name : dialog_->Get(member).ToArray()) list.push_back(name.ToText());
+    return list;
+  };
+  predictors_ = names("Predictors");
+  responses_ = names("Dependents");
+}
+
+bool ProfilerSession::IsPredictorSpecified(std::size_t predictor) const {
+  const Variant place = Place(predictor);
+  return !dialog_->Get(kSpecification, {&place, 1}).IsEmpty();
 }
 
 void ProfilerSession::SetRuns(std::int32_t runs) {
@@ -129,13 +125,6 @@ void ProfilerSession::Specify(std::size_t response, const SpecificationLimits& l
 Table ProfilerSession::Simulate() {
   const Shown shown = Show("SimulationResults");
   if (shown.tables.empty()) throw Error("the analysis returned no table");
-  const Spreadsheet& sheet = shown.tables.front()->Table();
-  std::vector<std::string> columns = predictors_;
-  columns.insert(columns.end(), responses_.begin(), responses_.end());
-  for (std::size_t i = 0; i < std::max(columns.size(), sheet.VariableCount()); ++i) {
-    if (i < columns.size() && i < sheet.VariableCount() && sheet.VariableAt(i).Name() == columns[i]) continue;
-    throw Error("the simulated columns are not those of the models and formulas", sheet.Name());
-  }
   return shown.tables.front();
 }
 

@@ -29,15 +29,15 @@ class ProfilerSession {
 
   // All members throw JobFailed where the dialog refuses and has said why. Models come before formulas.
   void LoadModels(const std::vector<std::filesystem::path>& files);
-  // A formula may name the predictors of the models, the variables of the sheet, and `otherPredictors`.
-  // Throws Error that points at its fault.
-  void SetFormulas(const std::vector<ResponseFormula>& formulas,
-                   const std::vector<std::string>& otherPredictors);
+  // In the place of a model of the same response.
+  void SetFormulas(const std::vector<ResponseFormula>& formulas);
   // In the profiler's order.
   const std::vector<std::string>& Predictors() const { return predictors_; }
   const std::vector<std::string>& Responses() const { return responses_; }
 
   // The places below are those in the lists above.
+  // Whether it is known what the predictor is drawn from.
+  bool IsPredictorSpecified(std::size_t predictor) const;
   void SetRuns(std::int32_t runs);
   void SetSeed(std::int32_t seed);
   void Correlate();
@@ -55,6 +55,7 @@ class ProfilerSession {
   std::pair<Table, Graph> Defects(std::size_t specifiedResponse);
 
  private:
+  void TakeNames();
   void PutSpecification(std::size_t predictor, const Variant& specification);
   void Put(std::string_view member, const Variant& value);
   void Select(std::size_t response);
@@ -65,7 +66,6 @@ class ProfilerSession {
   };
   Shown Show(std::string_view member);
 
-  Spreadsheet& sheet_;
   Session session_;
   std::shared_ptr<AutomationObject> dialog_;
   std::vector<std::string> predictors_;
