@@ -153,12 +153,24 @@ Variant GetFitBest(Dialog& dialog, Indexes) {
   return std::int32_t{1};
 }
 
+Variant NameArray(const std::vector<std::string>& names) {
+  Variant::Array array;
+  for (const std::string& name : names) array.emplace_back(name);
+  return array;
+}
+Variant GetPredictors(Dialog& dialog, Indexes) {
+  return NameArray(NamesOf(dialog.Design().predictors));
+}
+Variant GetDependents(Dialog& dialog, Indexes) {
+  return NameArray(NamesOf(dialog.Design().dependents));
+}
+
 template <auto Make>
 Variant GetOutput(Dialog& dialog, Indexes) {
   return Variant::Object((dialog.*Make)());
 }
 
-constexpr std::array<Member, 23> kMembers{{
+constexpr std::array<Member, 25> kMembers{{
     {"InputCorrMatrix", nullptr, PutCorrelations},
     {"LoadModels", GetModels, PutModels},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
@@ -183,6 +195,8 @@ constexpr std::array<Member, 23> kMembers{{
     {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
     {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutSeed},
     {"StdDevY", GetReal<DeviationOf>, PutReal<DeviationOf>},
+    {"Predictors", GetPredictors, nullptr},
+    {"Dependents", GetDependents, nullptr},
 }};
 static_assert(Binds(kSimulationProfilerInterface, kMembers));
 

@@ -241,7 +241,10 @@ void CSimulationProfiler::LoadModels(const std::vector<std::filesystem::path>& f
   for (const std::filesystem::path& file : files)
     models.push_back(std::make_shared<const PredictionModel>(PredictionModel::Load(file)));
   const auto notes = MergeModels(Design(), models, GetInputTable());
-  for (const std::filesystem::path& file : files) State().modelFiles.push_back(file.string());
+  for (const std::filesystem::path& file : files) {
+    auto& known = State().modelFiles;
+    if (std::ranges::find(known, file.string()) == known.end()) known.push_back(file.string());
+  }
   Refresh();
   ShowNotes(notes);
 }
