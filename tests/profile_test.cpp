@@ -232,12 +232,11 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
     const char* message;
   } cases[] = {
       {{}, 2, "--model"},
-      {{"--model"}, 2, "--model"},
       {{"--model", "none.pmml"}, 1, "none.pmml"},
       {{"--formula", "A+B"}, 2, "RESPONSE=EXPRESSION"},
       {{"--formula", "Y="}, 2, "RESPONSE=EXPRESSION"},
       {{"--formula", "Y=A+C"}, 1, "no variable called 'C'"},
-      {{"--formula", "Y=A+"}, 1, "Please check the formula for Y"},
+      {{"--formula", "Y=A+"}, 1, "formula for Y, character 5"},
       {{"--formula", "Y=A", "--spec", "Z=1,,2"}, 2, "no response called 'Z'"},
       {{"--formula", "Y=A", "--spec", "Y=5,,2"}, 2, "not below"},
       {{"--formula", "Y=A", "--spec", "Y=1,7,2"}, 2, "target"},

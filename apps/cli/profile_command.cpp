@@ -12,6 +12,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/output_file.h"
+#include "host/formula/compiler.h"
 #include "host/formula/formula.h"
 #include "host/tables/numpy_archive.h"
 
@@ -113,6 +114,9 @@ ResponseFormula ParseFormula(const std::string& text) {
   if (!assignment.name || expression.empty()) {
     throw WrongCall("--formula wants RESPONSE=EXPRESSION, not " + Quoted(text));
   }
+  // Which names there are is the profiler's business; here only the grammar counts.
+  const auto anyName = [](std::string_view, bool) { return std::optional<std::size_t>(0); };
+  Compile(text, anyName, "formula for " + *assignment.name, assignment.begin);
   return {*assignment.name, expression};
 }
 
@@ -340,7 +344,7 @@ void AddProfileCommand(CLI::App& program) {
   AddFormatOption(*command, options->format);
   command->footer(
       "Example:\n  brenvolt profile examples/ozone.csv --model examples/ozone_regression.pmml --fit-best "
-      "--correlated --noise O3=4.4 --spec O3=,,25 --seed 7");
+      "--correlated --noise O3=4.75 --spec O3=,,25 --seed 7");
   command->callback([options] { Profile(*options); });
 }
 

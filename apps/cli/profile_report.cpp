@@ -9,6 +9,7 @@
 #include "apps/cli/text_table.h"
 #include "host/analysis/response_columns.h"
 #include "host/analysis/result_columns.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -24,19 +25,25 @@ struct Shown {
   std::string_view heading;
 };
 
-std::string Cell(const ResultTable& table, const Shown& shown, std::size_t row, int digits) {
-  return ReadableNumber(table.Number(shown.column, row), digits);
+std::string ToFiveDigits(double value) {
+  return ReadableNumber(value, kDigits);
+}
+
+// For numbers about 1.
+std::string ToFourDecimals(double value) {
+  const std::string text = std::isnan(value) ? "-" : FormatNumber("%.4f", value);
+  return text == "-0.0000" ? "0.0000" : text;
 }
 
 // A line for each row.
 std::string RowsText(const ResultTable& table, std::string_view heading, std::span<const Shown> columns,
-                     int digits) {
+                     std::string (*number)(double)) {
   TextTable text;
   text.AddColumn(std::string(heading), TextTable::Align::kLeft);
   for (const Shown& column : columns) text.AddColumn(std::string(column.heading), TextTable::Align::kRight);
   for (std::size_t row = 0; row < table.RowCount(); ++row) {
     std::vector<std::string> cells{table.RowName(row)};
-    for (const Shown& column : columns) cells.push_back(Cell(table, column, row, digits));
+    for (const Shown& column : columns) cells.push_back(number(table.Number(column.column, row)));
     text.AddRow(std::move(cells));
   }
   return text.Text();
@@ -54,7 +61,7 @@ std::string StatisticsText(const ResultTable& table) {
                      ReadableNumber(table.Number(result_column::kMissing, 0), 12);
   for (const Shown& moment : kMoments) {
     text += moment.column == result_column::kSkewness ? "\n  " : ", ";
-    text += std::string(moment.heading) + " " + Cell(table, moment, 0, kDigits);
+    text += std::string(moment.heading) + " " + ToFiveDigits(table.Number(moment.column, 0));
   }
   return text + "\n";
 }
@@ -162,9 +169,10 @@ std::string DefectsText(const Spreadsheet& defects) {
 std::string ResponseText(const ResponseResults& response) {
   std::string text = response.name + "\n" + StatisticsText(ResultTable(response.statistics->Table())) + "\n";
   text +=
-      RowsText(ResultTable(response.percentiles->Table()), "Percentile", kPercentileColumns, kDigits) + "\n";
+      RowsText(ResultTable(response.percentiles->Table()), "Percentile", kPercentileColumns, ToFiveDigits) +
+      "\n";
   text +=
-      RowsText(ResultTable(response.sensitivity->Table()), "Predictor", kSensitivityColumns, kShortDigits);
+      RowsText(ResultTable(response.sensitivity->Table()), "Predictor", kSensitivityColumns, ToFourDecimals);
   if (response.capability == nullptr) return text;
   return text + "\n" + CapabilityText(ResultTable(response.capability->Table()));
 }
