@@ -207,6 +207,23 @@ TEST_F(ProfileCommand, FitBestDrawsFromTheShapeOfTheData) {
   EXPECT_LT(percentiles["ppu"], 1);
 }
 
+// Half of the draws of a normal predictor lie above its mean; a class has its name.
+TEST_F(ProfileCommand, ResponsesOfFewValuesAreListedOneByOne) {
+  WriteData();
+  const Arguments call{"profile", "ab.csv", "--formula", "Y=A>10", "--spec", "Y=,,0.5", "--seed", "4"};
+  const Json response = JsonOf(call)["responses"][0];
+  ASSERT_EQ(response["frequencies"].size(), 2U);
+  EXPECT_EQ(response["frequencies"][1]["to"], 1);
+  EXPECT_NEAR(response["frequencies"][1]["percent"], 50, 3);
+  EXPECT_EQ(response["capability"]["percentiles"], nullptr);
+  EXPECT_EQ(MustRun(call).out.find("Percentile"), std::string::npos);
+  const std::string folderOfModels = BRENVOLT_SOURCE_DIR "/host/models/reference/interchange/";
+  const std::string text = MustRun({"profile", folderOfModels + "Iris.csv", "--model",
+                                    folderOfModels + "DecisionTreeIris.pmml", "--seed", "1"})
+                               .out;
+  EXPECT_NE(text.find("\n  virginica "), std::string::npos) << text;
+}
+
 TEST_F(ProfileCommand, GraphsAndProjectsAreWritten) {
   const Outcome outcome = MustRun({"profile", kOzone, "--model", kModel, "--noise", "O3=4.75", "--spec",
                                    "O3=,,25", "--seed", "1", "-o", "out.bvw", "--graphs", "graphs.json"});
@@ -237,6 +254,7 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y="}, 2, "RESPONSE=EXPRESSION"},
       {{"--formula", "Y=A+C"}, 1, "no variable called 'C'"},
       {{"--formula", "Y=A+"}, 1, "formula for Y, character 5"},
+      {{"--formula", "Y=A", "--formula", "Y=B"}, 2, "twice for 'Y'"},
       {{"--formula", "Y=A", "--spec", "Z=1,,2"}, 2, "no response called 'Z'"},
       {{"--formula", "Y=A", "--spec", "Y=5,,2"}, 2, "not below"},
       {{"--formula", "Y=A", "--spec", "Y=1,7,2"}, 2, "target"},

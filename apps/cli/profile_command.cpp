@@ -144,7 +144,13 @@ Request Read(const ProfileOptions& options) {
   }
   Request request;
   request.models.assign(options.models.begin(), options.models.end());
-  for (const std::string& text : options.formulas) request.formulas.push_back(ParseFormula(text));
+  for (const std::string& text : options.formulas) {
+    request.formulas.push_back(ParseFormula(text));
+    const std::string& response = request.formulas.back().response;
+    if (std::ranges::count(request.formulas, response, &ResponseFormula::response) > 1) {
+      throw WrongCall("--formula is given twice for " + Quoted(response));
+    }
+  }
   request.runs = WholeNumber("--samples", options.samples, kFewestRuns, kMostRuns);
   if (options.seed) {
     request.seed = WholeNumber("--seed", *options.seed, 1, std::numeric_limits<std::int32_t>::max());

@@ -68,12 +68,11 @@ Json StatisticsJson(const ResultTable& table) {
   return json;
 }
 
-// One object for each of the first `count` rows, with the row's name where `nameKey` is given.
+// One object for each of the first `count` rows, the row's name under `nameKey`.
 Json RowsJson(const ResultTable& table, std::size_t count, const char* nameKey, std::span<const Key> keys) {
   Json list = Json::array();
   for (std::size_t row = 0; row < count; ++row) {
-    Json json = Json::object();
-    if (nameKey != nullptr) json[nameKey] = table.RowName(row);
+    Json json = {{nameKey, table.RowName(row)}};
     AddColumns(table, row, keys, json);
     list.push_back(std::move(json));
   }
@@ -169,7 +168,7 @@ Json ResponseJson(const ResponseResults& response) {
       {"name", response.name},
       {"statistics", StatisticsJson(ResultTable(response.statistics->Table()))},
       {"percentiles", PercentilesJson(ResultTable(response.percentiles->Table()))},
-      {"frequencies", RowsJson(frequencies, frequencies.RowCount(), nullptr, kFrequencyKeys)},
+      {"frequencies", RowsJson(frequencies, frequencies.RowCount(), "class", kFrequencyKeys)},
       {"correlations", RowsJson(correlations, correlations.RowCount(), "predictor", kCorrelationKeys)},
       {"sensitivity", RowsJson(sensitivity, predictors, "predictor", kSensitivityKeys)},
       {"rSquared", Number(sensitivity.Number(rows::kLinearContribution, predictors))},

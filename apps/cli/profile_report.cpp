@@ -70,6 +70,23 @@ constexpr std::array<Shown, 3> kPercentileColumns{{{result_column::kValue, "Valu
                                                    {rows::kLowerConfidence, "Lower 95 %"},
                                                    {rows::kUpperConfidence, "Upper 95 %"}}};
 
+constexpr std::array<Shown, 3> kFrequencyColumns{
+    {{rows::kClassFrom, "Value"}, {rows::kClassCount, "Count"}, {rows::kClassPercent, "Percent"}}};
+
+// Whether each class of the frequencies is one value: few values say more one by one than in percentiles.
+bool HasFewValues(const ResultTable& frequencies) {
+  for (std::size_t row = 0; row < frequencies.RowCount(); ++row) {
+    if (frequencies.Number(rows::kClassFrom, row) != frequencies.Number(rows::kClassTo, row)) return false;
+  }
+  return true;
+}
+
+std::string ValuesText(const ResponseResults& response) {
+  const ResultTable frequencies(response.frequencies->Table());
+  if (HasFewValues(frequencies)) return RowsText(frequencies, "Class", kFrequencyColumns, ToFiveDigits);
+  return RowsText(ResultTable(response.percentiles->Table()), "Percentile", kPercentileColumns, ToFiveDigits);
+}
+
 constexpr std::array<Shown, 5> kSensitivityColumns{{{rows::kSpearman, "Rank corr."},
                                                     {rows::kRankContribution, "Contribution"},
                                                     {rows::kStandardizedCoefficient, "Std.coeff."},
@@ -168,9 +185,7 @@ std::string DefectsText(const Spreadsheet& defects) {
 
 std::string ResponseText(const ResponseResults& response) {
   std::string text = response.name + "\n" + StatisticsText(ResultTable(response.statistics->Table())) + "\n";
-  text +=
-      RowsText(ResultTable(response.percentiles->Table()), "Percentile", kPercentileColumns, ToFiveDigits) +
-      "\n";
+  text += ValuesText(response) + "\n";
   text +=
       RowsText(ResultTable(response.sensitivity->Table()), "Predictor", kSensitivityColumns, ToFourDecimals);
   if (response.capability == nullptr) return text;

@@ -34,7 +34,7 @@ struct ProfileResults {
 };
 
 std::string ProfileText(const ProfileResults& results);
-// Frequencies are for programs alone.
+// Correlations are for programs alone, and the frequencies of a response of many values.
 nlohmann::ordered_json ProfileJson(const ProfileResults& results);
 
 }  // namespace brenvolt::cli

@@ -186,7 +186,10 @@ std::unique_ptr<Spreadsheet> FrequencySheet(const SimulatedResponse& response,
                                             std::span<const double> sorted) {
   const std::vector<FrequencyClass> classes = FrequencyTable(sorted);
   std::vector<std::string> names;
-  for (std::size_t i = 0; i < classes.size(); ++i) names.push_back(std::to_string(i + 1));
+  for (const FrequencyClass& one : classes) {
+    const auto label = one.from == one.to ? response.Column().Label(one.from) : std::nullopt;
+    names.push_back(label ? std::string(*label) : std::to_string(names.size() + 1));
+  }
   auto sheet = NewTable(kResponseTitleFrequencies, response.Column(), std::move(names));
   AddColumn(*sheet, kResponseClassFrom, [&](std::size_t i) { return classes[i].from; });
   AddColumn(*sheet, kResponseClassTo, [&](std::size_t i) { return classes[i].to; });
