@@ -409,6 +409,36 @@ TEST_F(ProfilerDialog, StoppedRunsSayWhyAndLeaveTheLastOutput) {
   EXPECT_EQ(analysis->Profiler().output, output);
 }
 
+TEST_F(ProfilerDialog, TooManyProfilesLeaveTheSpreadsheet) {
+  std::string sum = "0";
+  for (int j = 0; j < 33; ++j) sum += " + x" + std::to_string(j);
+  for (int k = 0; k < 32; ++k) Put("PredictionFormula", "y" + std::to_string(k) + " = " + sum);
+  for (int j = 1; j <= 33; ++j) Specify(j, Array{"Normal", 0, 1});
+  Put("NumberOfSamples", 100);
+  EXPECT_TRUE(Simulate());
+  EXPECT_EQ(Said(), (std::vector<std::string>{"Too Many Graphs to plot. Maximum allowed is 32 predictors."}));
+  EXPECT_EQ(userInterface.documents.size(), 1U);
+  EXPECT_TRUE(userInterface.graphs.empty());
+  Put("LSL", 0);
+  EXPECT_EQ(Reason([&] { Automation().Get("DefectProfile"); }), "Defect profile creation failed.");
+}
+
+// A fault that no text of the dialog tells of has the caption of what was tried.
+TEST_F(ProfilerDialog, UnexpectedFaultsNameWhatWasTried) {
+  Put("PredictionFormula", "Y = x");
+  Specify(1, Array{"Normal", 0, 1});
+  EXPECT_FALSE(Dialog().Press(kFitBest));
+  ASSERT_EQ(userInterface.messages.size(), 1U);
+  EXPECT_EQ(userInterface.messages[0].caption, "BasicStats Error");
+  EXPECT_EQ(userInterface.messages[0].text, "The input data hold no predictor that a distribution fits.");
+  Put("PredictionFormula", "Y = x / 0");
+  EXPECT_TRUE(Simulate());
+  EXPECT_EQ(Said().back(),
+            "Graph creation failed.  Please review distribution parameters for appropriate values.");
+  EXPECT_FALSE(Dialog().Press(kSummaryGraph));
+  EXPECT_EQ(userInterface.messages.back().caption, "SummaryGraph Error");
+}
+
 TEST_F(ProfilerDialog, FormulaModeShowsFormulasInThePlaceOfModels) {
   EXPECT_FALSE(Controls().At(kFormula).visible);
   EXPECT_EQ(analysis->UpdateFromInputSpreadsheet(), 1);
