@@ -56,7 +56,7 @@ struct Automation : testing::Test {
     OpenSimulation();
     EXPECT_EQ(Dialog()->Call("OK").ToInteger(), 1);
   }
-  // A model whose predictors the data lack, one of them random, and one simulation.
+  // A model whose predictors the data lack, one of them random, a formula, and one simulation.
   void OpenProfiler() {
     analysis->RunSequenceStep(step::kProfiler);
     Dialog()->Put("LoadModels",
@@ -68,6 +68,7 @@ struct Automation : testing::Test {
     }
     const std::vector<Variant> first{1};
     Dialog()->Put("VariableDistributionParams", Variant::Array{"Normal", 10.0, 2.0}, std::span(first));
+    Dialog()->Put("PredictionFormula", "Other = Var1");  // a predictor that the data have
     Dialog()->Put("LSL", -100);
     Dialog()->Put("USL", 100);
     Dialog()->Put("Target", 0);
@@ -120,7 +121,7 @@ std::string Shown(const Variant& value) {
   if (value.IsObject()) return value.ToObject() != nullptr ? "object" : "no object";
   if (!value.IsArray()) return value.ToText();
   std::string text;
-  for (const Variant& element : value.ToArray()) text += element.ToText() + " ";
+  for (const Variant& element : value.ToArray()) text += Shown(element) + " ";
   return text;
 }
 
@@ -155,8 +156,8 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 81U);
-  EXPECT_EQ(put, 67U);
+  EXPECT_EQ(read, 105U);
+  EXPECT_EQ(put, 84U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }
 

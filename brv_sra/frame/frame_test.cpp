@@ -108,8 +108,8 @@ TEST_F(Frame, AttachRunsInItsOrder) {
     place = std::find_if(place, lines.end(), [&](const std::string& line) { return line.starts_with(text); });
     ASSERT_NE(place, lines.end()) << text;
   }
-  EXPECT_EQ(RegisteredInterfaces().size(), 6U);
-  EXPECT_EQ(RegisteredObjectClasses().size(), 6U);
+  EXPECT_EQ(RegisteredInterfaces().size(), 7U);
+  EXPECT_EQ(RegisteredObjectClasses().size(), 7U);
   EXPECT_EQ(RegisteredTypeLibraries(), std::vector<std::string>{std::string(LIBID_BRVSRA.text)});
 }
 

@@ -50,15 +50,10 @@ ProfilerDependent& CSimulationProfiler::Selected() const {
   return Design().dependents[State().selected];
 }
 
-// The analysis is in formula mode only while the profiler is open.
-CSimulationProfiler::~CSimulationProfiler() {
-  State().mode = ProfilerMode::kModels;
-}
-
 void CSimulationProfiler::OnInitDialog() {
   State().mode = SimulationAndRisk().AutoProfiler() ? ProfilerMode::kFormulas : ProfilerMode::kModels;
-  SimulationAndRisk().UpdateFromInputSpreadsheet();
   const bool formulas = State().mode == ProfilerMode::kFormulas;
+  if (!formulas) SimulationAndRisk().UpdateFromInputSpreadsheet();
   for (const std::int32_t control : {kFormula, kSetFormula, kUndoFormula}) Controls().Show(control, formulas);
   Controls().Show(kModel, !formulas);
   Controls().Enable(kOptions, false);  // those of the host, which has none for this dialog

@@ -28,7 +28,6 @@ namespace brenvolt::sra {
 class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
  public:
   explicit CSimulationProfiler(CSimulationAndRisk& analysis);
-  ~CSimulationProfiler() override;
 
   ProfilerState& State() const { return SimulationAndRisk().Profiler(); }
   ProfilerDesign& Design() const { return State().design; }

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_file.h"
+#include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/automation/automation_failure.h"
@@ -160,19 +162,23 @@ TEST_F(ProfilerDialog, SpecificationsArePutAndReadAsMacroArrays) {
       {{"scNormalDistr", 1, 2, 1, 0, 1, 5.5},
        "scNormalDistr 1 2 1 0 1 5.5 ",
        "A: Normal(location=1.0000, scale=2.0000) [0, 5.5]"},
-      {{5, 2, 3}, "scWeibullDistr 2 3 0 0 0 0 0 ", nullptr},
-      {{"Weibull", 2, 3, 0.5}, "scWeibullDistr 2 3 0.5 0 0 0 0 ", nullptr},
-      {{"Weibull", 2, 3, 0.5, 0, 0, 1, 9}, "scWeibullDistr 2 3 0.5 0 0 1 9 ", nullptr},
+      {{5, 2, 3}, "scWeibull 2 3 0 0 0 0 0 ", nullptr},
+      {{"Weibull", 2, 3, 0.5}, "scWeibull 2 3 0.5 0 0 0 0 ", nullptr},
+      {{"Weibull", 2, 3, 0.5, 0, 0, 1, 9}, "scWeibull 2 3 0.5 0 0 1 9 ", nullptr},
       {{"Gaussian Mixture", 0.4, 0, 1, 0.6, 5, 2},
-       "scGaussianMixtureDistr 0.4 0 1 0.6 5 2 0 0 0 0 ",
+       "scGaussianMixture 0.4 0 1 0.6 5 2 0 0 0 0 ",
        "A: Gaussian Mixture (0.4;0;1;0.6;5;2;)"},
-      {{15, 1, 0.25, 2, 0.75, 0, 0, 0, 0}, nullptr, "A: Discrete (1;2; 0.25;0.75;)"},
+      {{15, 1, 0.25, 2, 0.75, 0, 0, 0, 0}, nullptr, "A: Histogram (1;2; 0.25;0.75;)"},
       {{"Fixed", 3}, "Fixed 3 ", "A: Fixed (3.000000)"},
   };
   for (const auto& row : rows) {
     Specify(1, row.put);
-    if (row.read != nullptr) EXPECT_EQ(Shown(Specification(1)), row.read);
-    if (row.line != nullptr) EXPECT_EQ(Controls().At(kSelected).items[0], row.line);
+    if (row.read != nullptr) {
+      EXPECT_EQ(Shown(Specification(1)), row.read);
+    }
+    if (row.line != nullptr) {
+      EXPECT_EQ(Controls().At(kSelected).items[0], row.line);
+    }
     const std::string once = Shown(Specification(1));
     Specify(1, Specification(1));
     EXPECT_EQ(Shown(Specification(1)), once) << "takes back what it gives";
@@ -226,7 +232,7 @@ TEST_F(ProfilerDialog, PageAppliesTheFieldsOfTheHighlightedDistribution) {
   Dialog().Enter(kMinimum, "0.5");
   Dialog().Enter(kMaximum, "");
   EXPECT_TRUE(Dialog().Press(kAddDistribution));
-  EXPECT_EQ(Shown(Specification(2)), "scWeibullDistr 2 1.5 0 1 0.5 0 0 ");
+  EXPECT_EQ(Shown(Specification(2)), "scWeibull 2 1.5 0 1 0.5 0 0 ");
   // A mixture of three, one component at a time.
   Dialog().Select(kDistributions, static_cast<int>(DistributionCode::kGaussianMixture));
   Dialog().Enter(kMixtures, "21");
@@ -240,7 +246,7 @@ TEST_F(ProfilerDialog, PageAppliesTheFieldsOfTheHighlightedDistribution) {
     Dialog().Enter(kParameter + 2, "1");
   }
   EXPECT_TRUE(Dialog().Press(kAddDistribution));
-  EXPECT_EQ(Shown(Specification(2)), "scGaussianMixtureDistr 0.5 0 1 0.25 1 1 0.25 2 1 0 0 0 0 ");
+  EXPECT_EQ(Shown(Specification(2)), "scGaussianMixture 0.5 0 1 0.25 1 1 0.25 2 1 0 0 0 0 ");
   Dialog().Select(kDistributions, kDistributionCount);
   EXPECT_EQ(Controls().Text(kParameterLabel), "Value:");
   Dialog().Enter(kParameter, "12");
@@ -294,9 +300,10 @@ TEST_F(ProfilerDialog, CorrelationMatricesArePutInEveryFormAndChecked) {
   EXPECT_EQ(Shown(Automation().Get("UserDefinedDesignMatrixValues")), "1 0.3  0.3 1  ");
   const std::string invalid = "Invalid input correlation. Please use a valid correlation to continue.";
   const auto foreign = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(MatrixFile::Identity({"x", "y"})));
-  for (const Variant& wrong :
-       {Variant(Array{1, 0.1, 0.1}), Variant(Array{1, 0.1, 0.2, 1}), Variant(Array{1, 1.1, 1.1, 1}),
-        Variant(Array{2, 0, 0, 1}), Variant(Array{Array{1}, Array{1}}), Variant::Object(foreign)}) {
+  const Variant wrongs[] = {Variant(Array{1, 0.1, 0.1}),        Variant(Array{1, 0.1, 0.2, 1}),
+                            Variant(Array{1, 1.1, 1.1, 1}),     Variant(Array{2, 0, 0, 1}),
+                            Variant(Array{Array{1}, Array{1}}), Variant::Object(foreign)};
+  for (const Variant& wrong : wrongs) {
     EXPECT_EQ(Reason([&] { Put("InputCorrMatrix", wrong); }), invalid);
   }
   EXPECT_EQ(Design().correlations[1], 0.3);
@@ -400,6 +407,36 @@ TEST_F(ProfilerDialog, StoppedRunsSayWhyAndLeaveTheLastOutput) {
   EXPECT_FALSE(Simulate());
   EXPECT_EQ(Said(), std::vector<std::string>{}) << "cancelling is no fault";
   EXPECT_EQ(analysis->Profiler().output, output);
+}
+
+TEST_F(ProfilerDialog, TooManyProfilesLeaveTheSpreadsheet) {
+  std::string sum = "0";
+  for (int j = 0; j < 33; ++j) sum += " + x" + std::to_string(j);
+  for (int k = 0; k < 32; ++k) Put("PredictionFormula", "y" + std::to_string(k) + " = " + sum);
+  for (int j = 1; j <= 33; ++j) Specify(j, Array{"Normal", 0, 1});
+  Put("NumberOfSamples", 100);
+  EXPECT_TRUE(Simulate());
+  EXPECT_EQ(Said(), (std::vector<std::string>{"Too Many Graphs to plot. Maximum allowed is 32 predictors."}));
+  EXPECT_EQ(userInterface.documents.size(), 1U);
+  EXPECT_TRUE(userInterface.graphs.empty());
+  Put("LSL", 0);
+  EXPECT_EQ(Reason([&] { Automation().Get("DefectProfile"); }), "Defect profile creation failed.");
+}
+
+// A fault that no text of the dialog tells of has the caption of what was tried.
+TEST_F(ProfilerDialog, UnexpectedFaultsNameWhatWasTried) {
+  Put("PredictionFormula", "Y = x");
+  Specify(1, Array{"Normal", 0, 1});
+  EXPECT_FALSE(Dialog().Press(kFitBest));
+  ASSERT_EQ(userInterface.messages.size(), 1U);
+  EXPECT_EQ(userInterface.messages[0].caption, "BasicStats Error");
+  EXPECT_EQ(userInterface.messages[0].text, "The input data hold no predictor that a distribution fits.");
+  Put("PredictionFormula", "Y = x / 0");
+  EXPECT_TRUE(Simulate());
+  EXPECT_EQ(Said().back(),
+            "Graph creation failed.  Please review distribution parameters for appropriate values.");
+  EXPECT_FALSE(Dialog().Press(kSummaryGraph));
+  EXPECT_EQ(userInterface.messages.back().caption, "SummaryGraph Error");
 }
 
 TEST_F(ProfilerDialog, FormulaModeShowsFormulasInThePlaceOfModels) {

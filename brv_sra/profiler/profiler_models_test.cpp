@@ -58,6 +58,12 @@ Variable Numbers(const std::string& name, const std::vector<double>& values) {
   return variable;
 }
 
+ProfilerDependent Dependent(const std::string& name) {
+  ProfilerDependent dependent;
+  dependent.name = name;
+  return dependent;
+}
+
 std::vector<ProfilerNote> Merge(ProfilerDesign& design, const std::vector<Model>& models,
                                 const Spreadsheet* data = nullptr) {
   return MergeModels(design, models, data);
@@ -196,7 +202,7 @@ TEST(ProfilerModels, CorrelationThatIsNotDefinedIsNotedAndTakenAsZero) {
   data.AddVariable(Numbers("A", {1, 2, none, none}));
   data.AddVariable(Numbers("B", {none, none, 1, 5}));
   ProfilerDesign design;
-  design.AddDependent({.name = "Y"});
+  design.AddDependent(Dependent("Y"));
   const auto notes = SetFormula(design, 0, "A + B", &data);
   ASSERT_EQ(notes.size(), 1U);
   EXPECT_EQ(notes[0].text, "Correlation Failed!");
@@ -266,7 +272,7 @@ TEST(ProfilerModels, FormulaBringsItsNamesAndGoesBackToTheOneBefore) {
   data.AddVariable(Numbers("A", {1, 2, 3}));
   data.AddVariable(Texts("Kind", {1, 2, 2}, {"old", "new"}));
   ProfilerDesign design;
-  design.AddDependent({.name = "Y"});
+  design.AddDependent(Dependent("Y"));
   SetFormula(design, 0, "A + 2 * Pi + 'wait time' * Kind + v1", &data);
   ASSERT_EQ(design.predictors.size(), 3U);
   EXPECT_EQ(design.predictors[0].specification.values, (std::vector<double>{2, 1}));
