@@ -6,6 +6,7 @@
 #include "apps/cli/session.h"
 #include "host/base/error.h"
 #include "host/tables/matrix_sheet.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -145,6 +146,19 @@ void RefuseProjectTarget(const std::filesystem::path& path) {
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
     throw Error("is a project, which CSV would replace", path.string());
   }
+}
+
+bool IsRegularTarget(const std::filesystem::path& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+void CheckSimulatedTarget(const std::filesystem::path& path) {
+  if (path.empty() || HasProjectEnding(path)) return;
+  RefuseProjectTarget(path);
+  if (HasEnding(path, ".csv") || IsNumpyArchiveName(path) || !IsRegularTarget(path)) return;
+  throw WrongCall("-o wants a file ending in .csv, .npz or .bvw, not " + path.string());
 }
 
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {

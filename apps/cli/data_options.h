@@ -74,6 +74,12 @@ void RefuseProjectTarget(const std::filesystem::path& path);
 // Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);
 
+// True for a regular file, and where there is nothing yet.
+bool IsRegularTarget(const std::filesystem::path& path);
+// What simulated data may go to: a project, CSV or NumPy arrays by the ending, CSV to devices and pipes, or
+// nothing for an empty path. Throws WrongCall otherwise; Error where a project would be replaced.
+void CheckSimulatedTarget(const std::filesystem::path& path);
+
 // A report for programs; bytes that are no text are replaced.
 std::string JsonText(const nlohmann::ordered_json& report);
 

@@ -216,17 +216,6 @@ bool IsSpecified(const Request& request, const std::string& response) {
          request.specifications.end();
 }
 
-// CSV also goes to devices and pipes, whatever they are called.
-void CheckOutput(const std::filesystem::path& output) {
-  if (output.empty() || HasProjectEnding(output)) return;
-  RefuseProjectTarget(output);
-  std::error_code ignored;
-  const auto status = std::filesystem::status(output, ignored);
-  const bool isRegular = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
-  if (HasEnding(output, ".csv") || IsNumpyArchiveName(output) || !isRegular) return;
-  throw WrongCall("-o wants a file ending in .csv, .npz or .bvw, not " + output.string());
-}
-
 // Returns the sheet's name where it goes into a project.
 std::string WriteSimulated(const std::filesystem::path& path, const Spreadsheet& sheet) {
   if (HasProjectEnding(path)) {
@@ -274,7 +263,7 @@ void Report(const ProfileOptions& options, const ProfileResults& results, const 
 
 // The files are written before anything is reported, so that a report stands for a finished job.
 void Profile(const ProfileOptions& options) {
-  CheckOutput(options.output);
+  CheckSimulatedTarget(options.output);
   if (!options.graphs.empty()) RefuseProjectTarget(options.graphs);
   const Request request = Read(options);
   DataFile data = OpenDataFile(options.input.path, options.input.Format());

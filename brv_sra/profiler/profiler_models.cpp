@@ -9,6 +9,7 @@
 
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/profiler/best_fit_candidates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/automation/variable_list.h"
@@ -261,14 +262,9 @@ bool IsVariableNumber(std::string_view name) {
 }
 
 FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) {
-  ContinuousSpecification one;
-  one.fit.fill(true);
-  one.fit[kPercentileFitFlag] = false;
-  one.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))] = false;
-  one.offsets.fill(0.0);
   FitSpecification specification;
   specification.continuous = numbers;
-  specification.continuousSpecifications.assign(numbers.size(), one);
+  specification.continuousSpecifications.assign(numbers.size(), BestFitCandidates());
   return specification;
 }
 

@@ -12,8 +12,8 @@
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/fitting/fit_documents.h"
 #include "brv_sra/fitting/fit_run.h"
-#include "brv_sra/fitting/fit_variable_inputs_dialog.h"
 #include "brv_sra/fitting/ranking.h"
+#include "brv_sra/profiler/best_fit_candidates.h"
 #include "brv_sra/profiler/response_values.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -226,18 +226,6 @@ std::unique_ptr<Spreadsheet> SensitivitySheet(const SimulatedResponse& response,
   return sheet;
 }
 
-// What is fitted: the distributions that the fit dialog checks for a new variable, and where all values are
-// positive, those that start at an offset, from 0.
-ContinuousSpecification ResponseSpecification(double minimum) {
-  ContinuousSpecification specification = NewContinuousSpecification();
-  if (!(minimum > 0)) return specification;
-  for (std::size_t i = 0; i < kOffsetDistributions.size(); ++i) {
-    specification.fit[static_cast<std::size_t>(FlagOfContinuous(kOffsetDistributions[i]))] = true;
-    specification.offsets[i] = 0;
-  }
-  return specification;
-}
-
 }  // namespace
 
 VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port) {
@@ -254,7 +242,7 @@ VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port) {
   single.AddVariable(std::move(column));
   FitSpecification specification;
   specification.continuous = {1};
-  specification.continuousSpecifications = {ResponseSpecification(none.moments.minimum)};
+  specification.continuousSpecifications = {BestFitCandidates()};
   try {
     return std::move(RunFit(single, specification, {false, false}, port).front());
   } catch (const NoValidVariables&) {

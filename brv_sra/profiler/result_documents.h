@@ -30,10 +30,10 @@ struct SimulatedResponse {
   const Variable& Column() const { return sheet.VariableAt(predictors + response); }
 };
 
-// The fits of the response with every distribution, tests and ranks that the fit dialog gives a continuous
-// variable at first. No fits, and `invalid`, where the runs are too few or too alike for a density: no more
-// different values than a frequency table lists one by one. Makes up to a dozen fits: keep the result as long
-// as the sheet. Progress and cancellation reach `port`; throws UserCancelled.
+// The fits of the response with the distributions of best_fit_candidates.h, with tests and ranks. No fits,
+// and `invalid`, where the runs are too few or too alike for a density: no more different values than a
+// frequency table lists one by one. Makes up to a dozen fits: keep the result as long as the sheet. Progress
+// and cancellation reach `port`; throws UserCancelled.
 VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port);
 
 // Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
