@@ -12,7 +12,7 @@
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/fitting/fit_documents.h"
 #include "brv_sra/fitting/fit_run.h"
-#include "brv_sra/fitting/fit_variable_inputs_dialog.h"
+#include "brv_sra/fitting/new_specification.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/profiler/response_values.h"
 #include "brv_sra/resources/resource_numbers.h"
