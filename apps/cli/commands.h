@@ -8,6 +8,7 @@ namespace brenvolt::cli {
 
 void AddFitCommand(CLI::App& program);
 void AddSimulateCommand(CLI::App& program);
+void AddProfileCommand(CLI::App& program);
 void AddScoreCommand(CLI::App& program);
 void AddShowCommand(CLI::App& program);
 void AddImportCommand(CLI::App& program);

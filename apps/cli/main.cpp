@@ -62,6 +62,7 @@ int Run(int argc, char** argv) {
   program.footer("brenvolt VERB --help tells more, with an example." + kExitStatuses);
   brenvolt::cli::AddFitCommand(program);
   brenvolt::cli::AddSimulateCommand(program);
+  brenvolt::cli::AddProfileCommand(program);
   brenvolt::cli::AddScoreCommand(program);
   brenvolt::cli::AddShowCommand(program);
   brenvolt::cli::AddImportCommand(program);

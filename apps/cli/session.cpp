@@ -26,13 +26,7 @@ void Session::Ok() {
 }
 
 Variant::Object Session::Produce(std::string_view member, const Variant& index) {
-  const int messages = userInterface_.MessageCount();
-  try {
-    return Dialog()->Get(member, {&index, 1}).ToObject();
-  } catch (const AutomationError&) {
-    if (userInterface_.MessageCount() > messages) throw JobFailed();
-    throw;
-  }
+  return Attempt([&] { return Dialog()->Get(member, {&index, 1}).ToObject(); });
 }
 
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<std::string>& names) {

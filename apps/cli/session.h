@@ -11,6 +11,7 @@
 #include "host/application/application.h"
 #include "host/application/job_recorder.h"
 #include "host/application/result_table.h"
+#include "host/base/error.h"
 
 namespace brenvolt::cli {
 
@@ -27,7 +28,7 @@ class WrongCall : public std::runtime_error {
 class JobFailed : public std::exception {};
 
 // The tasks of the startup dialog.
-enum class Task : std::int32_t { kFit = 0, kSimulate = 1 };
+enum class Task : std::int32_t { kFit = 0, kSimulate = 1, kProfile = 3 };
 
 class Session {
  public:
@@ -45,8 +46,20 @@ class Session {
   // The object that a member of the open dialog, with an index, makes; null where it makes none. Throws
   // JobFailed when the dialog refuses and has said why.
   Variant::Object Produce(std::string_view member, const Variant& index);
+  // Carries an automation call out. Throws JobFailed where it fails after the dialog has said why.
+  template <class Call>
+  auto Attempt(const Call& call) {
+    const int messages = userInterface_.MessageCount();
+    try {
+      return call();
+    } catch (const AutomationError&) {
+      if (userInterface_.MessageCount() > messages) throw JobFailed();
+      throw;
+    }
+  }
   // Documents shown so far, oldest first.
   std::vector<std::shared_ptr<CAnalysisTableDoc>>& Documents() { return userInterface_.Documents(); }
+  std::vector<std::shared_ptr<CAnalysisGraphDoc>>& Graphs() { return userInterface_.Graphs(); }
 
  private:
   TerminalUserInterface userInterface_{kProgram};

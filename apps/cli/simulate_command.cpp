@@ -157,12 +157,6 @@ struct Destination {
   }
 };
 
-bool IsRegularTarget(const std::filesystem::path& path) {
-  std::error_code ignored;
-  const auto status = std::filesystem::status(path, ignored);
-  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
-}
-
 Destination WriteIntoProject(const std::filesystem::path& path, const Products& products, JobRecorder& job) {
   std::vector<std::unique_ptr<Spreadsheet>> sheets;
   sheets.push_back(std::make_unique<Spreadsheet>(products.output->Table()));
@@ -201,14 +195,6 @@ Destination Write(const SimulateOptions& options, const Products& products, JobR
 Spreadsheet& InputSheet(const SimulateOptions& options, DataFile& data) {
   Spreadsheet* fitted = options.sheet.empty() ? FirstFittedSheet(data.workbook) : nullptr;
   return fitted != nullptr ? *fitted : data.Sheet(options.sheet);
-}
-
-// CSV also goes to devices and pipes, whatever they are called.
-void CheckOutput(const std::filesystem::path& output) {
-  if (output.empty() || HasProjectEnding(output)) return;
-  RefuseProjectTarget(output);
-  if (HasEnding(output, ".csv") || IsNumpyArchiveName(output) || !IsRegularTarget(output)) return;
-  throw WrongCall("-o wants a file ending in .csv, .npz or .bvw, not " + output.string());
 }
 
 Json ReportJson(const SimulateOptions& options, const Products& products, const Destination& written) {
@@ -282,7 +268,7 @@ Products RunToFile(Session& session, const std::filesystem::path& file) {
 
 // The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateOptions& options) {
-  CheckOutput(options.output);
+  CheckSimulatedTarget(options.output);
   CheckSeed(options);
   CheckMatrixOption(options);
   Recording recording(options.record);

@@ -69,22 +69,6 @@ void ReadChecks(const ControlSet& controls, const std::array<std::int32_t, N>& c
 
 }  // namespace
 
-ContinuousSpecification NewContinuousSpecification() {
-  ContinuousSpecification specification;
-  for (const DistributionCode code :
-       {DistributionCode::kNormal, DistributionCode::kJohnson, DistributionCode::kGeneralExtremeValue,
-        DistributionCode::kTriangular}) {
-    specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
-  }
-  return specification;
-}
-
-DiscreteSpecification NewDiscreteSpecification() {
-  DiscreteSpecification specification;
-  specification.fit.fill(true);
-  return specification;
-}
-
 void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown) {
   const bool enabled = shown != nullptr;
   const ContinuousSpecification specification = enabled ? *shown : ContinuousSpecification{};

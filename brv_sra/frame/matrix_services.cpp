@@ -4,6 +4,7 @@
 
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/profiler/profiler_dialog.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/automation/variable_list.h"
@@ -92,6 +93,8 @@ std::int32_t CSimulationAndRisk::UpdateFromInputMatrixFile() {
 
 // Names of variables are kept as they read, never hashed nor coded: blanks at their ends are all that goes.
 std::int32_t CSimulationAndRisk::UpdateFromInputSpreadsheet() {
+  const bool profiling = dynamic_cast<const CSimulationProfiler*>(GetDialog()) != nullptr;
+  if (profiling && profiler_->mode == ProfilerMode::kFormulas) return 1;
   if (InputTable() == nullptr) return 0;
   matrix_->variables = VariableNames(*InputTable());
   matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->variables.size());

@@ -24,12 +24,14 @@ constexpr std::array kObjectMap{Interface("SRAStartup"),
                                 Interface("SRAFitDistribution"),
                                 Interface("SRAFitDistributionResults"),
                                 Interface("SRASimulationFromDistribution"),
+                                Interface("SRASimulationProfiler"),
                                 Interface("SRASimulationResults")};
 constexpr std::array kObjectClasses{Class("CComDefineTask"),
                                     Class("CComSimulation"),
                                     Class("CComFitDistribution"),
                                     Class("CComFitDistributionResults"),
                                     Class("CComSimulationFromDistribution"),
+                                    Class("CComSimulationProfiler"),
                                     Class("CComSimulationResults")};
 
 // Lives until the process ends: automation objects that clients still hold count themselves out here.

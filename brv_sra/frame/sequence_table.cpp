@@ -28,7 +28,7 @@ constexpr SEQFUNCTTBL kSequence[] = {
     {step::kSimulationFromStartup, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0,
      step::kStartup},
     {step::kDesign, RefuseStep, 0, step::kStartup},
-    {step::kProfiler, RefuseStep, 0, step::kStartup},
+    {step::kProfiler, Run<&CSimulationAndRisk::SimulationProfilerDialog>, 0, step::kStartup},
     {0, nullptr, 0, 0},
 };
 

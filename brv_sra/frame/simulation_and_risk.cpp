@@ -11,6 +11,8 @@
 #include "brv_sra/frame/simulation_startup_dialog.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/profiler/profiler_dialog.h"
+#include "brv_sra/profiler/profiler_state.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/simulation_dialog.h"
@@ -40,7 +42,8 @@ CSimulationAndRisk::CSimulationAndRisk(CAnalysisDoc* document)
     : CAnalysisSupport(document, ModuleContext()),
       fit_(std::make_unique<FitState>()),
       matrix_(std::make_unique<MatrixState>()),
-      simulation_(std::make_unique<SimulationState>()) {
+      simulation_(std::make_unique<SimulationState>()),
+      profiler_(std::make_unique<ProfilerState>()) {
   InstallSequence(sra::SequenceTable());
 }
 
@@ -87,6 +90,7 @@ bool CSimulationAndRisk::OpenData() {
   }
   *fit_ = {};
   *simulation_ = {};
+  *profiler_ = {};
   matrix_->saved.reset();
   InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
   return true;
@@ -122,6 +126,10 @@ std::int32_t CSimulationAndRisk::SimulationFromDistributionDialog() {
 
 std::int32_t CSimulationAndRisk::SimulationResultsDialog() {
   return OpenDialog<CSimulationResults>(*this);
+}
+
+std::int32_t CSimulationAndRisk::SimulationProfilerDialog() {
+  return OpenDialog<CSimulationProfiler>(*this);
 }
 
 }  // namespace brenvolt::sra

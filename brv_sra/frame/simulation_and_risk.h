@@ -14,6 +14,7 @@ namespace brenvolt::sra {
 
 struct FitState;
 struct MatrixState;
+struct ProfilerState;
 struct SimulationState;
 
 class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
@@ -39,6 +40,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   std::int32_t FitDistributionResultsDialog();
   std::int32_t SimulationFromDistributionDialog();
   std::int32_t SimulationResultsDialog();
+  std::int32_t SimulationProfilerDialog();
 
   // The correlation matrix file; each returns nonzero for success.
   //
@@ -52,6 +54,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // variables from the input's; under automation they are those of Matrix().variables.
   std::int32_t CreateAndAttachCorrelationInputFile();
   // Reads number and names of variables of the input, which is a matrix file or data; 0 without an input.
+  // Nothing is read, and the answer is 1, while the profiler works with formulas.
   std::int32_t UpdateFromInputMatrixFile();
   std::int32_t UpdateFromInputSpreadsheet();
   // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.
@@ -92,17 +95,19 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   void RaiseOneShotFlag() { oneShot_ = 1; }
 
   DistributionSpecification& Specification() { return specification_; }
-  // What the fit dialogs share, what is known of the correlation matrix, and what the simulation dialogs
-  // share.
+  // What the fit dialogs share, what is known of the correlation matrix, what the simulation dialogs share,
+  // and what the profiler keeps.
   FitState& Fit() { return *fit_; }
   MatrixState& Matrix() { return *matrix_; }
   SimulationState& Simulation() { return *simulation_; }
+  ProfilerState& Profiler() { return *profiler_; }
 
  private:
   DistributionSpecification specification_;
   std::unique_ptr<FitState> fit_;
   std::unique_ptr<MatrixState> matrix_;
   std::unique_ptr<SimulationState> simulation_;
+  std::unique_ptr<ProfilerState> profiler_;
   NumericDefaults defaults_;
   std::int16_t oneShot_ = 0;
   bool autoProfiler_ = false;

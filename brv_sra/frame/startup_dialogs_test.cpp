@@ -62,7 +62,7 @@ TEST_F(StartupDialogs, EveryEntryStartsItsStepByButtonOkAndDoubleClick) {
     bool usesCases;
   };
   const Row rows[] = {
-      {0, 1004, 102, true}, {1, 1005, 104, true}, {2, 1180, 101, false}, {3, 1220, 101, false}};
+      {0, 1004, 102, true}, {1, 1005, 104, true}, {2, 1180, 101, false}, {3, 1220, 108, false}};
   for (const Row& row : rows) {
     for (const int way : {0, 1, 2}) {
       Open();

@@ -208,4 +208,57 @@ const DialogTemplate& SimulationResultsTemplate() {
   return result;
 }
 
+const DialogTemplate& ProfilerTemplate() {
+  using namespace profiler_dialog;
+  const auto parameter = [](std::int32_t place) {
+    return RowTemplate{{kParameterLabel + place, kLabel, ""}, {kParameter + place, kRealField, ""}};
+  };
+  static const DialogTemplate result{
+      25994,
+      Text(kProfilerTitle),
+      {OkAndCancel(kProfilerButtonSimulate),
+       {{kDefects, kButton, Text(kProfilerButtonDefects)},
+        {kLoadModels, kButton, Text(kProfilerButtonLoadModels)},
+        {kOptions, kButton, Text(kProfilerButtonOptions)}},
+       {{kSeedSwitch, kCheckBox, Text(kProfilerCheckSeed)}, {kSeed, kIntegerField, ""}},
+       {{kAutoUpdate, kCheckBox, Text(kProfilerCheckAutoUpdate)}},
+       {{kInstructions, kLabel, ""}}},
+      {{Text(kProfilerTabProfiler),
+        {{"",
+          {{{kPredictors, kListBox, Text(kProfilerListPredictors)},
+            {kDistributions, kListBox, Text(kProfilerListDistributions)}},
+           parameter(0),
+           parameter(1),
+           parameter(2),
+           parameter(3),
+           parameter(4),
+           {{kMinimum, kRealField, Text(kProfilerLabelMin)}, {kMaximum, kRealField, Text(kProfilerLabelMax)}},
+           {{kGroup, kComboBox, ""}}}},
+         {Text(kProfilerGroupMixture), {{{kMixtures, kIntegerField, Text(kProfilerLabelMixtures)}}}},
+         {Text(kProfilerGroupHistogram), {{{kLevels, kIntegerField, Text(kProfilerLabelLevels)}}}},
+         {"",
+          {{{kAddDistribution, kButton, Text(kProfilerButtonAdd)}},
+           {{kSelected, kListBox, Text(kProfilerListSelected)}},
+           {{kSimulateCorrelations, kCheckBox, Text(kProfilerCheckCorrelations)},
+            {kEditCorrelation, kButton, Text(kProfilerButtonEditCorrelation)}},
+           {{kFitBest, kButton, Text(kProfilerButtonFitBest)}}}}}},
+       {Text(kProfilerTabOutput),
+        {{"", {{{kRuns, kIntegerField, Text(kProfilerLabelRuns)}}}},
+         {Text(kProfilerGroupSpecs),
+          {{{kDependent, kComboBox, Text(kProfilerLabelEditSpec)}},
+           {{kNoise, kComboBox, ""}, {kDeviation, kRealField, Text(kProfilerLabelStandardDeviation)}},
+           {{kEditCorrelationY, kButton, Text(kProfilerButtonEditCorrelationY)}},
+           {{kModel, kLabel, Text(kProfilerLabelModel)}},
+           {{kFormula, kTextField, Text(kProfilerLabelFormula)}},
+           {{kSetFormula, kButton, Text(kProfilerButtonSetFormula)},
+            {kUndoFormula, kButton, Text(kProfilerButtonUndoFormula)}},
+           {{kLsl, kRealField, Text(kProfilerLabelLsl)},
+            {kUsl, kRealField, Text(kProfilerLabelUsl)},
+            {kTarget, kRealField, Text(kProfilerLabelTarget)}},
+           {{kCapability, kButton, Text(kProfilerButtonCapability)},
+            {kSummaryStats, kButton, Text(kProfilerButtonSummaryStats)},
+            {kSummaryGraph, kButton, Text(kProfilerButtonSummaryGraph)}}}}}}}};
+  return result;
+}
+
 }  // namespace brenvolt::sra

@@ -14,6 +14,7 @@ const DialogTemplate& FitOptionsTemplate();         // 25975
 const DialogTemplate& FitResultsTemplate();         // 25983
 const DialogTemplate& SimulationTemplate();         // 25991
 const DialogTemplate& SimulationResultsTemplate();  // 25988
+const DialogTemplate& ProfilerTemplate();           // 25994
 
 // The startup dialogs.
 namespace define_task {
@@ -139,5 +140,46 @@ inline constexpr std::int32_t kTruncate = 1130;
 inline constexpr std::int32_t kAutoUpdate = 1131;
 inline constexpr std::int32_t kSimulate = 1132;
 }  // namespace simulation_dialog
+
+namespace profiler_dialog {
+inline constexpr std::int32_t kInstructions = 1300;
+inline constexpr std::int32_t kDefects = 1301;
+inline constexpr std::int32_t kLoadModels = 1302;
+inline constexpr std::int32_t kOptions = 1303;
+inline constexpr std::int32_t kSeedSwitch = 1304;
+inline constexpr std::int32_t kSeed = 1305;
+inline constexpr std::int32_t kAutoUpdate = 1306;
+// The page of predictors.
+inline constexpr std::int32_t kPredictors = 1310;
+inline constexpr std::int32_t kDistributions = 1311;
+inline constexpr std::int32_t kSelected = 1312;
+inline constexpr std::int32_t kParameter = 1320;       // the first of five
+inline constexpr std::int32_t kParameterLabel = 1325;  // the first of five
+inline constexpr std::int32_t kMinimum = 1330;
+inline constexpr std::int32_t kMaximum = 1331;
+inline constexpr std::int32_t kMixtures = 1332;
+inline constexpr std::int32_t kLevels = 1333;
+inline constexpr std::int32_t kGroup = 1334;  // the component or level that the fields show
+inline constexpr std::int32_t kAddDistribution = 1335;
+inline constexpr std::int32_t kSimulateCorrelations = 1336;
+inline constexpr std::int32_t kEditCorrelation = 1337;
+inline constexpr std::int32_t kFitBest = 1338;
+// The page of output.
+inline constexpr std::int32_t kRuns = 1340;
+inline constexpr std::int32_t kDependent = 1341;
+inline constexpr std::int32_t kNoise = 1342;
+inline constexpr std::int32_t kDeviation = 1343;
+inline constexpr std::int32_t kEditCorrelationY = 1344;
+inline constexpr std::int32_t kModel = 1345;
+inline constexpr std::int32_t kLsl = 1346;
+inline constexpr std::int32_t kUsl = 1347;
+inline constexpr std::int32_t kTarget = 1348;
+inline constexpr std::int32_t kCapability = 1349;
+inline constexpr std::int32_t kSummaryStats = 1350;
+inline constexpr std::int32_t kSummaryGraph = 1351;
+inline constexpr std::int32_t kFormula = 1352;
+inline constexpr std::int32_t kSetFormula = 1353;
+inline constexpr std::int32_t kUndoFormula = 1354;
+}  // namespace profiler_dialog
 
 }  // namespace brenvolt::sra

@@ -296,12 +296,14 @@ void CAnalysisSupport::MoveBack() {
 }
 
 MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, const std::string& where,
-                                            MessageIcon icon, MessageButtons buttons) const {
+                                            MessageIcon icon, MessageButtons buttons,
+                                            const std::string& caption) const {
   if (messageHandler_ != nullptr) {
     messageHandler_(text);
     return MessageAnswer::kOk;
   }
-  return Interface().ShowMessage({text, where, GetResourceString(kCaptionResource), buttons, icon});
+  const std::string shown = caption.empty() ? GetResourceString(kCaptionResource) : caption;
+  return Interface().ShowMessage({text, where, shown, buttons, icon});
 }
 
 std::shared_ptr<AutomationObject> CAnalysisSupport::AutomationInterface() {

@@ -148,10 +148,11 @@ class CAnalysisSupport {
   // afterwards, unless the answer is false: the step failed, and the dialog stays.
   bool CompleteTransition();
 
-  // A message box with the given text under the host's caption, or the message handler.
+  // A message box with the given text under a caption, by default the host's, or the message handler.
   MessageAnswer ShowMessage(const std::string& text, const std::string& where = {},
                             MessageIcon icon = MessageIcon::kWarning,
-                            MessageButtons buttons = MessageButtons::kOk) const;
+                            MessageButtons buttons = MessageButtons::kOk,
+                            const std::string& caption = {}) const;
 
   // Zero-filled work memory; null when memory is short.
   static void* AllocMem(std::size_t bytes);

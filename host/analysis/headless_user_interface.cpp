@@ -43,6 +43,10 @@ bool HeadlessUserInterface::EditWeights(WeightQuestion& question) {
   return Fill(weightAnswers, question);
 }
 
+bool HeadlessUserInterface::EditMatrix(MatrixQuestion& question) {
+  return Fill(matrixAnswers, question);
+}
+
 void HeadlessUserInterface::RunModal(CAnalysisModalDialog& dialog) {
   const auto answer = Next<std::function<void(CAnalysisModalDialog&)>>(modalAnswers, nullptr);
   if (answer) answer(dialog);

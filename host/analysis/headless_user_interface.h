@@ -23,6 +23,7 @@ class HeadlessUserInterface : public UserInterface {
   std::deque<std::function<void(VariableQuestion&)>> variableAnswers;
   std::deque<std::function<void(SelectionQuestion&)>> selectionAnswers;
   std::deque<std::function<void(WeightQuestion&)>> weightAnswers;
+  std::deque<std::function<void(MatrixQuestion&)>> matrixAnswers;
   std::deque<std::function<void(CAnalysisModalDialog&)>> modalAnswers;
   // Set by a test or another thread's owner to ask a running operation to stop; or how many looks at it find
   // nothing before the next one does.
@@ -41,6 +42,7 @@ class HeadlessUserInterface : public UserInterface {
   bool SelectVariables(VariableQuestion& question) override;
   bool EditSelection(SelectionQuestion& question) override;
   bool EditWeights(WeightQuestion& question) override;
+  bool EditMatrix(MatrixQuestion& question) override;
   void RunModal(CAnalysisModalDialog& dialog) override;
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;

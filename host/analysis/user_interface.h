@@ -57,6 +57,14 @@ struct WeightQuestion {
   std::int16_t variable = 0;
 };
 
+// The editor of a symmetric matrix: its cells as they are typed, row by row.
+struct MatrixQuestion {
+  std::string title;
+  std::string note;
+  std::vector<std::string> names;  // of the rows and of the columns
+  std::vector<std::string> cells;
+};
+
 class UserInterface : public ProgressPort {
  public:
   virtual MessageAnswer ShowMessage(const Message& message) = 0;
@@ -64,10 +72,11 @@ class UserInterface : public ProgressPort {
   virtual std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) = 0;
   // Fills the two lists; false, and the lists as they were, when the person cancelled.
   virtual bool SelectVariables(VariableQuestion& question) = 0;
-  // The editors of the selection conditions and of the case weights; the same answers. A front end without
-  // them cancels.
+  // The editors of the selection conditions, of the case weights and of a matrix; the same answers. A front
+  // end without them cancels.
   virtual bool EditSelection(SelectionQuestion& /*question*/) { return false; }
   virtual bool EditWeights(WeightQuestion& /*question*/) { return false; }
+  virtual bool EditMatrix(MatrixQuestion& /*question*/) { return false; }
   // Lets the person act on a modal dialog until it is no longer open. A front end that returns before has
   // cancelled it.
   virtual void RunModal(CAnalysisModalDialog& dialog) = 0;

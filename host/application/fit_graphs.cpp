@@ -1,12 +1,12 @@
 #include "host/application/fit_graphs.h"
 
-#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/analysis/action_recording.h"
 #include "host/analysis/analysis_graph_doc.h"
+#include "host/application/graph_json.h"
 #include "host/application/json_text.h"
 #include "host/application/result_table.h"
 #include "host/base/error.h"
@@ -19,58 +19,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr const char* kPlots[] = {"HistogramWithFit", "CumulativeHistogram", "PPPlot",
                                   "QQPlot",           "EmpiricalCDFPlot",    "BoxPlot"};
-
-Json BarsJson(const GraphBars& bars) {
-  return {{"name", bars.name}, {"bounds", bars.bounds}, {"heights", bars.heights}};
-}
-
-Json SeriesJson(const GraphSeries& series) {
-  static constexpr const char* kStyles[] = {"points", "line", "steps"};
-  return {{"name", series.name},
-          {"style", kStyles[static_cast<std::size_t>(series.style)]},
-          {"x", series.x},
-          {"y", series.y}};
-}
-
-Json CurveJson(const GraphCurve& curve) {
-  return {{"name", curve.name},
-          {"formula", curve.formula},
-          {"from", curve.from},
-          {"to", curve.to},
-          {"wholeNumbers", curve.wholeNumbers}};
-}
-
-Json BoxJson(const GraphBox& box) {
-  return {{"name", box.name},
-          {"lowerWhisker", box.lowerWhisker},
-          {"lowerQuartile", box.lowerQuartile},
-          {"median", box.median},
-          {"upperQuartile", box.upperQuartile},
-          {"upperWhisker", box.upperWhisker},
-          {"mean", box.mean},
-          {"outliers", box.outliers}};
-}
-
-template <class Part>
-void AddParts(const char* name, const std::vector<Part>& parts, Json (*json)(const Part&), Json& graph) {
-  if (parts.empty()) return;
-  Json list = Json::array();
-  for (const Part& part : parts) list.push_back(json(part));
-  graph[name] = list;
-}
-
-Json GraphJson(const Graph& graph) {
-  Json json = {{"kind", GraphKindName(graph.kind)},
-               {"title", graph.title},
-               {"xTitle", graph.xTitle},
-               {"yTitle", graph.yTitle}};
-  AddParts("bars", graph.bars, BarsJson, json);
-  AddParts("series", graph.series, SeriesJson, json);
-  AddParts("curves", graph.curves, CurveJson, json);
-  AddParts("boxes", graph.boxes, BoxJson, json);
-  if (!graph.notes.empty()) json["notes"] = graph.notes;
-  return json;
-}
 
 // Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
 // and returns its name. Nothing changes where there is none.

@@ -17,6 +17,13 @@ const Variable& ResultTable::Find(std::string_view column) const {
   return sheet_.VariableAt(*index);
 }
 
+std::size_t ResultTable::RowNamed(std::string_view name) const {
+  for (std::size_t row = 0; row < RowCount(); ++row) {
+    if (RowName(row) == name) return row;
+  }
+  throw Error("the table has no row " + std::string(name), sheet_.Name());
+}
+
 double ResultTable::Number(std::string_view column, std::size_t row) const {
   return Find(column).Values()[row];
 }

@@ -21,6 +21,8 @@ class ResultTable {
 
   std::size_t RowCount() const { return sheet_.CaseCount(); }
   std::string RowName(std::size_t row) const { return std::string(sheet_.CaseName(row)); }
+  // Throws Error for a row that the table does not have.
+  std::size_t RowNamed(std::string_view name) const;
   bool Has(std::string_view column) const { return sheet_.FindVariable(column).has_value(); }
   // The value in a row; NaN where it is missing. Throws Error for a column that the table does not have.
   double Number(std::string_view column, std::size_t row) const;

@@ -11,9 +11,15 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::array<std::string_view, 8> kKindNames{
-    "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary",
-    "profile"};
+constexpr std::array<std::string_view, 9> kKindNames{"histogram",
+                                                     "cumulative-histogram",
+                                                     "pp",
+                                                     "qq",
+                                                     "empirical-distribution",
+                                                     "box-plot",
+                                                     "summary",
+                                                     "profile",
+                                                     "tornado"};
 
 // Columns of unequal lengths, made into a sheet once the longest is known.
 class Columns {

@@ -24,11 +24,12 @@ enum class GraphKind : std::uint8_t {
   kEmpiricalDistribution,
   kBoxPlot,
   kSummary,  // nothing of its own but panels and notes
-  kProfile   // a response against a predictor
+  kProfile,  // a response against a predictor
+  kTornado   // a bar for each predictor, named after it, the longest first
 };
 
 // The name of a kind in output that programs read: "histogram", "cumulative-histogram", "pp", "qq",
-// "empirical-distribution", "box-plot", "summary", "profile".
+// "empirical-distribution", "box-plot", "summary", "profile", "tornado".
 std::string_view GraphKindName(GraphKind kind);
 
 // Adjoining bars: bar i reaches from bounds[i] to bounds[i + 1] and up to heights[i].
@@ -83,6 +84,11 @@ struct Graph {
   std::vector<Graph> panels;
   // What a reader must know of the data shown ("2200 of 1000000 points are shown").
   std::vector<std::string> notes;
+  // How many panels stand side by side, row after row; 0 leaves it to whoever draws. And by how many layout
+  // units the window is to be larger than the usual one.
+  std::size_t panelColumns = 0;
+  std::int32_t extraWidth = 0;
+  std::int32_t extraHeight = 0;
 };
 
 // The texts of a graph, which its maker has in the reader's language.

@@ -1,0 +1,120 @@
+#include "brv_sra/profiler/profiler_correlation.h"
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include "brv_sra/matrix/matrix_file.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/analysis/analysis_table_doc.h"
+#include "host/base/almost_equal.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::sra {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw Error(std::string(ResourceString(kMsgProfilerInvalidCorrelation)), why);
+}
+
+// Below -1 there is a tolerance, above 1 there is none.
+bool IsEntry(double value) {
+  return value <= 1 && (value >= -1 || AlmostEqual(value, -1)) && !IsNotSet(value);
+}
+
+std::optional<double> EntryOf(const std::string& cell) {
+  const auto value = ParseNumber(Trim(cell), UserNumberLocale());
+  return value && IsEntry(*value) ? value : std::nullopt;
+}
+
+void Check(std::span<const double> matrix, std::size_t k) {
+  for (std::size_t i = 0; i < k; ++i) {
+    if (!AlmostEqual(matrix[i * k + i], 1.0))
+      Refuse("row " + std::to_string(i + 1) + " is not 1 with itself");
+    for (std::size_t j = 0; j < k; ++j) {
+      const std::string place = "row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
+      if (!IsEntry(matrix[i * k + j])) Refuse(place + " is no correlation");
+      if (!AlmostEqual(matrix[i * k + j], matrix[j * k + i])) Refuse(place + " differs from its mirror");
+    }
+  }
+}
+
+std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::string> names) {
+  const MatrixReading reading = ReadMatrixFile(sheet);
+  if (!reading.IsValid()) Refuse("sheet " + sheet.Name());
+  const auto& variables = reading.file.variables;
+  const std::size_t k = names.size();
+  std::vector<double> matrix(k * k, 0.0);
+  bool any = false;
+  const auto placeOf = [&](std::size_t i) {
+    return static_cast<std::size_t>(std::ranges::find(variables, names[i]) - variables.begin());
+  };
+  for (std::size_t i = 0; i < k; ++i) {
+    matrix[i * k + i] = 1.0;
+    any = any || placeOf(i) < variables.size();
+    for (std::size_t j = 0; j < k; ++j) {
+      if (i != j && placeOf(i) < variables.size() && placeOf(j) < variables.size())
+        matrix[i * k + j] = reading.file.correlations[placeOf(i)][placeOf(j)];
+    }
+  }
+  if (!any) Refuse("sheet " + sheet.Name() + " has none of the variables");
+  return matrix;
+}
+
+}  // namespace
+
+std::vector<std::string> CorrelationCells(std::span<const double> matrix) {
+  std::vector<std::string> cells;
+  for (const double value : matrix) cells.push_back(ParseTextBuffer(ShortestNumber(value)));
+  return cells;
+}
+
+bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<double>& matrix) {
+  if (cells.size() != k * k) return false;
+  std::vector<double> taken = matrix;
+  for (std::size_t i = 0; i < k; ++i) {
+    for (std::size_t j = i; j < k; ++j) {
+      const auto entry = EntryOf(cells[i * k + j]);
+      if (!entry) return false;
+      if (j > i) taken[i * k + j] = taken[j * k + i] = std::max(*entry, -1.0);
+    }
+  }
+  matrix = std::move(taken);
+  return true;
+}
+
+std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::string> names) {
+  const std::size_t k = names.size();
+  std::vector<double> matrix;
+  if (value.IsObject()) {
+    const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
+    if (document == nullptr || !document->HasTable()) Refuse("no spreadsheet");
+    matrix = FromFile(document->Table(), names);
+  } else {
+    for (const Variant& item : value.ToArray()) {
+      const Variant::Array row = item.ToArray();
+      if (item.IsArray() && row.size() != k) Refuse("a row has " + std::to_string(row.size()) + " values");
+      for (const Variant& cell : row) matrix.push_back(cell.ToReal());
+    }
+  }
+  if (matrix.size() != k * k)
+    Refuse(std::to_string(matrix.size()) + " values for " + std::to_string(k) + " variables");
+  Check(matrix, k);
+  for (double& entry : matrix) entry = std::max(entry, -1.0);
+  for (std::size_t i = 0; i < k; ++i) matrix[i * k + i] = 1.0;
+  return matrix;
+}
+
+Variant CorrelationArray(std::span<const double> matrix, std::size_t k) {
+  Variant::Array rows;
+  for (std::size_t i = 0; i < k; ++i) {
+    Variant::Array row;
+    for (std::size_t j = 0; j < k; ++j) row.emplace_back(matrix[i * k + j]);
+    rows.emplace_back(std::move(row));
+  }
+  return rows;
+}
+
+}  // namespace brenvolt::sra

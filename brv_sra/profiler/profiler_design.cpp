@@ -1,0 +1,48 @@
+#include "brv_sra/profiler/profiler_design.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace brenvolt::sra {
+namespace {
+
+template <class Named>
+std::optional<std::size_t> Find(const std::vector<Named>& list, std::string_view name) {
+  const auto found = std::ranges::find(list, name, &Named::name);
+  if (found == list.end()) return std::nullopt;
+  return static_cast<std::size_t>(found - list.begin());
+}
+
+// The k x k matrix with one more row and column, of an element that is uncorrelated with the others.
+std::vector<double> Extended(const std::vector<double>& matrix, std::size_t k) {
+  std::vector<double> result((k + 1) * (k + 1), 0.0);
+  for (std::size_t i = 0; i < k; ++i) {
+    for (std::size_t j = 0; j < k; ++j) result[i * (k + 1) + j] = matrix[i * k + j];
+  }
+  result.back() = 1.0;
+  return result;
+}
+
+}  // namespace
+
+std::optional<std::size_t> ProfilerDesign::FindPredictor(std::string_view name) const {
+  return Find(predictors, name);
+}
+
+std::optional<std::size_t> ProfilerDesign::FindDependent(std::string_view name) const {
+  return Find(dependents, name);
+}
+
+std::size_t ProfilerDesign::AddPredictor(ProfilerPredictor predictor) {
+  correlations = Extended(correlations, predictors.size());
+  predictors.push_back(std::move(predictor));
+  return predictors.size() - 1;
+}
+
+std::size_t ProfilerDesign::AddDependent(ProfilerDependent dependent) {
+  correlationsY = Extended(correlationsY, dependents.size());
+  dependents.push_back(std::move(dependent));
+  return dependents.size() - 1;
+}
+
+}  // namespace brenvolt::sra

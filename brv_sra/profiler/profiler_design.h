@@ -1,0 +1,81 @@
+// What the profiler simulates: predictors with their distributions, dependents with what predicts them, how
+// many runs, and the correlations. Knows no dialog.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "brv_sra/distributions/specification.h"
+#include "host/models/prediction_model.h"
+#include "host/statistics/specification_limits.h"
+
+namespace brenvolt::sra {
+
+inline constexpr std::int32_t kFewestRuns = 100;
+inline constexpr std::int32_t kMostRuns = 100000;
+inline constexpr std::int32_t kUsualRuns = 5000;  // what takes the place of an invalid number
+
+enum class PredictorSetting : std::uint8_t {
+  kNone,   // nothing is specified; no run is possible
+  kFixed,  // one value in every run
+  kRandom  // drawn from the specification
+};
+
+struct ProfilerPredictor {
+  std::string name;
+  PredictorSetting setting = PredictorSetting::kNone;
+  double fixedValue = 0;
+  DistributionSpecification specification;  // with its truncation
+  // What the data say where they do: the range, for people to go by; NaN where it is not known.
+  double lowest = std::numeric_limits<double>::quiet_NaN();
+  double highest = std::numeric_limits<double>::quiet_NaN();
+  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that told. Values of the
+  // specification, of the fixed value and of the output stand for these.
+  std::map<double, std::string> labels;
+  bool categorical = false;
+
+  bool IsRandom() const { return setting == PredictorSetting::kRandom; }
+};
+
+struct ProfilerDependent {
+  std::string name;
+  // The model that predicts it; null where it has none.
+  std::shared_ptr<const PredictionModel> model;
+  // Takes precedence over the model; empty where there is none. The expression alone: "A + 2*B".
+  std::string formula;
+  // The formulas before, the last one last: what taking a formula back goes back to.
+  std::vector<std::string> formerFormulas;
+  bool addNoise = false;
+  double standardDeviation = kNotSet;  // of the noise
+  SpecificationLimits limits;          // NaN where not given
+  std::map<double, std::string> labels;
+};
+
+struct ProfilerDesign {
+  std::vector<ProfilerPredictor> predictors;  // in the order in which they were first met
+  std::vector<ProfilerDependent> dependents;
+  std::int32_t runs = kUsualRuns;
+  bool seeded = false;
+  std::int32_t seed = 1000;
+  bool simulateCorrelations = false;
+  // Row-major, symmetric with unit diagonal: of the predictors, and of the noise of the dependents.
+  std::vector<double> correlations;
+  std::vector<double> correlationsY;
+
+  // With one dependent noise is drawn for it alone, with several jointly for those that have any.
+  bool IsNoiseMultivariate() const { return dependents.size() > 1; }
+  std::optional<std::size_t> FindPredictor(std::string_view name) const;
+  std::optional<std::size_t> FindDependent(std::string_view name) const;
+  // Appends one, uncorrelated with the others, and returns its place.
+  std::size_t AddPredictor(ProfilerPredictor predictor);
+  std::size_t AddDependent(ProfilerDependent dependent);
+};
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,364 @@
+#include "brv_sra/profiler/profiler_models.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <map>
+#include <optional>
+#include <utility>
+
+#include "brv_sra/fitting/fit_run.h"
+#include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/profiler/best_fit_candidates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/automation/variable_list.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/formula/compiler.h"
+#include "host/formula/formula_error.h"
+#include "host/formula/functions.h"
+#include "host/numeric/correlation.h"
+#include "host/statistics/moments.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+constexpr char kNameBar = '|';
+
+using Notes = std::vector<ProfilerNote>;
+
+std::string Text(std::int32_t number) {
+  return std::string(ResourceString(number));
+}
+
+std::string VariablePlace(const std::string& name) {
+  return "variable " + name;
+}
+
+const Variable* DataOf(const ProfilerPredictor& predictor, const Spreadsheet* data) {
+  const auto place = data != nullptr ? data->FindVariable(predictor.name) : std::nullopt;
+  return place ? &data->VariableAt(*place) : nullptr;
+}
+
+std::string TextOf(const Variable& variable, double value) {
+  const auto label = variable.Label(value);
+  return label ? std::string(*label) : ShortestNumber(value);
+}
+
+// The data of a predictor in its own values, NaN where missing; empty where there are none for it: no such
+// variable, or texts where it holds numbers.
+std::vector<double> ColumnOf(const ProfilerPredictor& predictor, const Spreadsheet* data) {
+  const Variable* variable = DataOf(predictor, data);
+  if (variable == nullptr) return {};
+  const bool texts = !predictor.labels.empty();
+  if (!texts && variable->Type() == VariableType::kText) return {};
+  std::map<std::string, double> codes;
+  for (const auto& [code, text] : predictor.labels) codes.emplace(text, code);
+  std::vector<double> column(variable->Size(), kMissing);
+  for (std::size_t i = 0; i < column.size(); ++i) {
+    if (variable->IsMissing(i)) continue;
+    const double value = variable->Values()[i];
+    if (!texts) {
+      column[i] = value;
+    } else if (const auto found = codes.find(TextOf(*variable, value)); found != codes.end()) {
+      column[i] = found->second;
+    }
+  }
+  return column;
+}
+
+// Codes and weights in turn, the weights made proportions of twelve digits.
+std::optional<DistributionSpecification> DiscreteOf(const std::map<double, double>& weights) {
+  double total = 0;
+  for (const auto& [code, weight] : weights) total += weight;
+  if (!(total > 0)) return std::nullopt;
+  DistributionSpecification specification;
+  specification.code = DistributionCode::kHistogram;
+  for (const auto& [code, weight] : weights) {
+    const double proportion = weight / total;
+    specification.values.push_back(code);
+    specification.values.push_back(
+        ParseNumber(FormatNumber(kProfilerListFormat, proportion)).value_or(proportion));
+  }
+  return specification;
+}
+
+void MakeRandom(ProfilerPredictor& predictor, DistributionSpecification specification) {
+  predictor.setting = PredictorSetting::kRandom;
+  predictor.specification = std::move(specification);
+}
+
+void StartDiscrete(ProfilerPredictor& predictor, std::span<const double> column) {
+  std::map<double, double> counts;
+  for (const double value : column) {
+    if (std::isfinite(value)) counts[value] += 1.0;
+  }
+  if (auto discrete = DiscreteOf(counts)) MakeRandom(predictor, *std::move(discrete));
+}
+
+void StartContinuous(ProfilerPredictor& predictor, std::span<const double> column, Notes& notes) {
+  MomentAccumulator sums;
+  for (const double value : column) {
+    if (std::isnan(value)) continue;
+    if (std::isinf(value)) {
+      notes.push_back(
+          {kCaptionBasicStatsError, Text(kMsgProfilerInfiniteValue), VariablePlace(predictor.name)});
+      return;
+    }
+    sums.Add(value, 1);
+  }
+  const Moments moments = sums.Finish();
+  if (moments.count == 0) {
+    notes.push_back({kCaptionRangeError, Text(kMsgProfilerNoValues), VariablePlace(predictor.name)});
+    return;
+  }
+  predictor.lowest = moments.minimum;
+  predictor.highest = moments.maximum;
+  if (moments.minimum == moments.maximum) {
+    predictor.setting = PredictorSetting::kFixed;
+    predictor.fixedValue = moments.mean;
+    return;
+  }
+  DistributionSpecification normal;
+  normal.values = {moments.mean, moments.standardDeviation};
+  MakeRandom(predictor, std::move(normal));
+}
+
+void Start(ProfilerPredictor& predictor, std::span<const double> column, Notes& notes) {
+  if (column.empty()) return;
+  predictor.setting = PredictorSetting::kNone;
+  if (predictor.categorical) {
+    StartDiscrete(predictor, column);
+  } else {
+    StartContinuous(predictor, column, notes);
+  }
+}
+
+ProfilerPredictor PredictorOf(const ModelField& field) {
+  ProfilerPredictor predictor;
+  predictor.name = field.name;
+  predictor.categorical = field.kind == ModelFieldKind::kCategorical;
+  predictor.lowest = field.lowest.value_or(kMissing);
+  predictor.highest = field.highest.value_or(kMissing);
+  std::map<double, double> weights;
+  for (std::size_t i = 0; i < field.codes.size(); ++i) {
+    if (field.isText) predictor.labels.emplace(field.codes[i], field.labels[i]);
+    weights.emplace(field.codes[i], field.frequencies.empty() ? 1.0 : field.frequencies[i]);
+  }
+  if (!predictor.categorical) return predictor;
+  if (auto discrete = DiscreteOf(weights)) MakeRandom(predictor, *std::move(discrete));
+  return predictor;
+}
+
+// A further model knows the predictor, too.
+void Join(ProfilerPredictor& predictor, const ModelField& field) {
+  if (predictor.labels.empty() == field.isText)
+    throw Error(FormatResource(kMsgProfilerFieldTypes, predictor.name));
+  for (const std::string& label : field.labels) {
+    if (!field.isText) return;
+    const auto isLabel = [&](const auto& entry) { return entry.second == label; };
+    if (std::ranges::any_of(predictor.labels, isLabel)) continue;
+    predictor.labels.emplace(std::floor(predictor.labels.rbegin()->first) + 1.0, label);
+  }
+}
+
+void MergePredictors(ProfilerDesign& design, const PredictionModel& model) {
+  for (const ModelField& field : model.Predictors()) {
+    if (const auto place = design.FindPredictor(field.name)) {
+      Join(design.predictors[*place], field);
+    } else {
+      design.AddPredictor(PredictorOf(field));
+    }
+  }
+}
+
+void MergeDependents(ProfilerDesign& design, const std::shared_ptr<const PredictionModel>& model) {
+  for (const ModelField& field : model->Dependents()) {
+    auto place = design.FindDependent(field.name);
+    if (!place) {
+      ProfilerDependent added;
+      added.name = field.name;
+      place = design.AddDependent(std::move(added));
+    }
+    ProfilerDependent& dependent = design.dependents[*place];
+    dependent.model = model;
+    dependent.labels.clear();
+    for (std::size_t i = 0; field.isText && i < field.codes.size(); ++i)
+      dependent.labels.emplace(field.codes[i], field.labels[i]);
+    const auto error = model->MeanSquaredError();
+    if (error && *error >= 0 && IsNotSet(dependent.standardDeviation))
+      dependent.standardDeviation = std::sqrt(*error);
+  }
+}
+
+// The correlations in the data of the predictors from `first` on with all others.
+void StartCorrelations(ProfilerDesign& design, std::size_t first,
+                       const std::vector<std::vector<double>>& columns, Notes& notes) {
+  std::vector<std::size_t> places;
+  for (std::size_t j = 0; j < columns.size(); ++j) {
+    if (!columns[j].empty() && design.predictors[j].IsRandom()) places.push_back(j);
+  }
+  if (places.size() < 2) return;
+  const std::size_t k = places.size();
+  const std::size_t n = columns[places[0]].size();
+  std::vector<double> matrix(n * k);
+  for (std::size_t c = 0; c < k; ++c) {
+    for (std::size_t i = 0; i < n; ++i) matrix[i * k + c] = columns[places[c]][i];
+  }
+  std::vector<double> correlation(k * k);
+  PearsonCorrelation(matrix, n, k, correlation);
+  const std::size_t m = design.predictors.size();
+  for (std::size_t a = 0; a < k; ++a) {
+    for (std::size_t b = 0; b < a; ++b) {
+      if (places[a] < first) continue;
+      const double r = correlation[a * k + b];
+      if (std::isnan(r)) {
+        const std::string pair = design.predictors[places[b]].name + ", " + design.predictors[places[a]].name;
+        notes.push_back({kCaptionCorrelationsError, Text(kMsgProfilerCorrelationFailed), pair});
+        continue;
+      }
+      design.correlations[places[a] * m + places[b]] = r;
+      design.correlations[places[b] * m + places[a]] = r;
+    }
+  }
+}
+
+// Specifications and correlations of the predictors from `first` on.
+Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* data) {
+  Notes notes;
+  if (data == nullptr || first == design.predictors.size()) return notes;
+  std::vector<std::vector<double>> columns;
+  for (std::size_t j = 0; j < design.predictors.size(); ++j) {
+    columns.push_back(ColumnOf(design.predictors[j], data));
+    if (j >= first) Start(design.predictors[j], columns.back(), notes);
+  }
+  StartCorrelations(design, first, columns, notes);
+  return notes;
+}
+
+// The names that a formula uses and that are no constants; none where it is not valid.
+std::vector<std::string> NamesIn(const std::string& formula) {
+  std::vector<std::string> names;
+  const auto take = [&](std::string_view name, bool quoted) -> std::optional<std::size_t> {
+    if (!quoted && FormulaConstant(name)) return std::nullopt;
+    const auto place = std::ranges::find(names, name);
+    const auto index = static_cast<std::size_t>(place - names.begin());
+    if (place == names.end()) names.emplace_back(name);
+    return index;
+  };
+  try {
+    Compile(formula, take, "formula");
+  } catch (const FormulaError&) {
+    return {};
+  }
+  return names;
+}
+
+// "v1", "v2", …: a variable by its number, as formulas name them.
+bool IsVariableNumber(std::string_view name) {
+  return name.size() > 1 && (name[0] == 'v' || name[0] == 'V') && ParseInteger(name.substr(1)).has_value();
+}
+
+FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) {
+  FitSpecification specification;
+  specification.continuous = numbers;
+  specification.continuousSpecifications.assign(numbers.size(), BestFitCandidates());
+  return specification;
+}
+
+std::vector<VariableFit> FitAll(const Spreadsheet& data, const std::vector<std::int16_t>& numbers,
+                                ProgressPort& port) {
+  if (numbers.empty()) return {};
+  try {
+    return RunFit(data, BestFitSpecification(numbers), {.useSelection = false, .useWeights = false}, port);
+  } catch (const NoValidVariables&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+std::vector<std::filesystem::path> SplitFileNames(std::string_view text) {
+  std::vector<std::filesystem::path> files;
+  for (std::size_t begin = 0; begin <= text.size();) {
+    const std::size_t end = std::min(text.find(kNameBar, begin), text.size());
+    const std::string_view name = Trim(text.substr(begin, end - begin));
+    if (name.empty()) throw Error(Text(kMsgProfilerFileNames));
+    files.emplace_back(name);
+    begin = end + 1;
+  }
+  return files;
+}
+
+std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
+                                      std::span<const std::shared_ptr<const PredictionModel>> models,
+                                      const Spreadsheet* data) {
+  ProfilerDesign merged = design;
+  for (const auto& model : models) {
+    MergePredictors(merged, *model);
+    MergeDependents(merged, model);
+  }
+  Notes notes = StartFrom(merged, design.predictors.size(), data);
+  design = std::move(merged);
+  return notes;
+}
+
+std::vector<ProfilerNote> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                                     const Spreadsheet* data) {
+  const std::size_t known = design.predictors.size();
+  for (const std::string& name : NamesIn(formula)) {
+    if (design.FindPredictor(name) || IsVariableNumber(name)) continue;
+    ProfilerPredictor predictor;
+    predictor.name = name;
+    const Variable* variable = DataOf(predictor, data);
+    if (variable != nullptr && variable->Type() == VariableType::kText) {
+      predictor.categorical = true;
+      predictor.labels = variable->Labels();
+    }
+    design.AddPredictor(std::move(predictor));
+  }
+  ProfilerDependent& changed = design.dependents[dependent];
+  changed.formerFormulas.push_back(std::exchange(changed.formula, std::move(formula)));
+  return StartFrom(design, known, data);
+}
+
+bool UndoFormula(ProfilerDependent& dependent) {
+  if (dependent.formerFormulas.empty()) return false;
+  dependent.formula = std::move(dependent.formerFormulas.back());
+  dependent.formerFormulas.pop_back();
+  return true;
+}
+
+std::size_t FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data, ProgressPort& port) {
+  std::vector<std::int16_t> numbers;
+  std::vector<std::size_t> places;
+  std::size_t fitted = 0;
+  ProfilerDesign changed = design;
+  for (std::size_t j = 0; j < changed.predictors.size(); ++j) {
+    ProfilerPredictor& predictor = changed.predictors[j];
+    const std::vector<double> column = ColumnOf(predictor, &data);
+    if (column.empty()) continue;
+    if (predictor.categorical) {
+      Notes none;
+      Start(predictor, column, none);
+      fitted += predictor.IsRandom() ? 1 : 0;
+      continue;
+    }
+    numbers.push_back(VariableNumberOf(*data.FindVariable(predictor.name)));
+    places.push_back(j);
+  }
+  const std::vector<VariableFit> fits = FitAll(data, numbers, port);
+  for (std::size_t i = 0; i < fits.size(); ++i) {
+    const std::vector<std::size_t> order = DefaultOrder(fits[i]);
+    if (order.empty()) continue;
+    MakeRandom(changed.predictors[places[i]], fits[i].fits[order.front()].specification);
+    ++fitted;
+  }
+  if (fitted == 0) throw Error(Text(kMsgProfilerNothingToFit));
+  design = std::move(changed);
+  return fitted;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,64 @@
+// Where the profiler's predictors and dependents come from: models and formulas, merged by name, and the
+// specifications that predictors start with. Knows no dialog.
+//
+// A predictor starts as the data say, where they have a numeric variable of its name:
+// - a continuous one as Normal of their mean and standard deviation; as Fixed where they are constant;
+// - a categorical one as Discrete of its codes and their relative frequencies.
+// A predictor of texts takes the texts of a text variable, and those of a numeric one as numbers are written
+// ("1", "2.5"); texts that its model does not know are passed over. Without data a categorical predictor
+// starts from the codes and frequencies of its model (equal ones where the file tells none); a continuous one
+// has no specification. All cases of the data count, whatever their selection and weights.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "brv_sra/profiler/profiler_design.h"
+#include "host/controls/progress_bar.h"
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt::sra {
+
+// How lists of codes and proportions are written, number after number.
+inline constexpr const char* kProfilerListFormat = "%.12g";
+
+// Something that a person should hear of and that stops nothing.
+struct ProfilerNote {
+  std::int32_t caption = 0;  // a text by its number
+  std::string text;
+  std::string where;
+};
+
+// The names in a text of file names separated by "|". Throws Error "Improper string provided for PMML file
+// names." where there is none, or one of them is empty.
+std::vector<std::filesystem::path> SplitFileNames(std::string_view text);
+
+// Merges models into a design, in their order. A predictor that is known keeps its specification; a dependent
+// that is known is predicted by the later model, unless it has a formula. `data` may be null. The
+// correlations of new predictors with all others are those of the data. Throws Error, and the design stays as
+// it was, where a field holds numbers in one model and texts in another.
+std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
+                                      std::span<const std::shared_ptr<const PredictionModel>> models,
+                                      const Spreadsheet* data);
+
+// Sets the formula of a dependent; names of it that are no predictors become predictors. A formula that is
+// not valid is kept all the same: the run will say so.
+std::vector<ProfilerNote> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                                     const Spreadsheet* data);
+// Goes back to the formula before, which may be none; false where nothing was set.
+bool UndoFormula(ProfilerDependent& dependent);
+
+// Specifies every predictor that the data have by the distribution that fits them best. Continuous predictors
+// try all continuous distributions but the Gaussian mixture, with offset 0, ranked by the Kolmogorov-Smirnov
+// test; a categorical one takes the Discrete of its data, whose codes its models know. A predictor that no
+// distribution fits stays as it is. Returns how many were fitted. Throws Error, and nothing changes, where
+// there are none; UserCancelled.
+std::size_t FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data, ProgressPort& port);
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,48 @@
+// The profiler's page of predictors: which distribution each is drawn from.
+//
+// The fields show the distribution that is highlighted for the predictor that is highlighted: its values
+// where it is the predictor's own, else nothing. Of a type of repeated groups they show one group at a time,
+// which the combo box chooses. "Fixed" stands behind the distributions.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "brv_sra/profiler/profiler_design.h"
+#include "host/analysis/analysis_dialog.h"
+
+namespace brenvolt::sra {
+
+class PredictorPage {
+ public:
+  // Both must outlive the page.
+  PredictorPage(CAnalysisDialog& dialog, ProfilerDesign& design) : dialog_(dialog), design_(design) {}
+
+  // Shows the lists anew, after predictors or specifications have changed.
+  void Refresh();
+  // A control of the page has its new state; false for one of another page.
+  bool OnChanged(std::int32_t control);
+  // Applies what the fields hold to the highlighted predictor. A message, and false, where it is not valid.
+  bool Apply();
+
+ private:
+  ControlSet& Controls() { return dialog_.Controls(); }
+  bool IsFixedHighlighted();
+  ProfilerPredictor* Highlighted();
+  void HighlightPredictor();
+  void StartEditing();
+  void ShowFields();
+  void TakeField(std::size_t field);
+  void Resize(std::int32_t control);
+  std::size_t Groups() const;
+  std::size_t GroupSize() const;
+
+  CAnalysisDialog& dialog_;
+  ProfilerDesign& design_;
+  // What is being edited: the distribution's values, the offset where it has one, or the fixed value alone.
+  DistributionSpecification edited_;
+  double fixed_ = kNotSet;
+};
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,296 @@
+#include "brv_sra/profiler/profiler_run.h"
+
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/profiler/profiler_prediction.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/correlation_induction.h"
+#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/simulation_run.h"
+#include "host/analysis/analysis_memory.h"
+#include "host/base/parallel.h"
+#include "host/numeric/cholesky.h"
+#include "host/numeric/random_stream.h"
+
+namespace brenvolt::sra {
+namespace {
+
+constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+constexpr std::size_t kRowsPerCopy = 4096;
+
+ProfilerFault Fault(std::int32_t message, const std::string& name = {}, std::string where = {}) {
+  return {std::string(ResourceString(message)) + name, std::move(where)};
+}
+
+std::string Quoted(const std::string& name) {
+  return "'" + name + "'";
+}
+
+// The random predictors as a design of the simulation.
+SimulationDesign DesignOfDraws(const ProfilerDesign& design, std::vector<std::size_t>& places) {
+  SimulationDesign draws;
+  for (std::size_t j = 0; j < design.predictors.size(); ++j) {
+    const ProfilerPredictor& predictor = design.predictors[j];
+    if (!predictor.IsRandom()) continue;
+    places.push_back(j);
+    draws.variables.push_back({static_cast<int>(j + 1), predictor.name, predictor.specification, {}});
+  }
+  draws.numberOfSamples = design.runs;
+  const bool correlated = design.simulateCorrelations && places.size() > 1;
+  draws.method = correlated ? SimulationMethod::kLatinHypercubeImanConover : SimulationMethod::kMonteCarlo;
+  if (!correlated) return draws;
+  const std::size_t m = design.predictors.size();
+  for (const std::size_t i : places) {
+    for (const std::size_t j : places) draws.correlations.push_back(design.correlations[i * m + j]);
+  }
+  return draws;
+}
+
+// The dependents that noise moves: those with the choice and a deviation above 0.
+std::vector<std::size_t> Noisy(const ProfilerDesign& design) {
+  std::vector<std::size_t> noisy;
+  for (std::size_t k = 0; k < design.dependents.size(); ++k) {
+    const ProfilerDependent& dependent = design.dependents[k];
+    if (dependent.addNoise && dependent.standardDeviation > 0) noisy.push_back(k);
+  }
+  return noisy;
+}
+
+// The lower triangular L of the noise's covariance matrix L L', over the given dependents; empty where that
+// is singular.
+std::vector<double> NoiseFactor(const ProfilerDesign& design, std::span<const std::size_t> noisy) {
+  const std::size_t d = design.dependents.size();
+  std::vector<double> covariance;
+  for (const std::size_t i : noisy) {
+    for (const std::size_t j : noisy) {
+      covariance.push_back(design.dependents[i].standardDeviation * design.correlationsY[i * d + j] *
+                           design.dependents[j].standardDeviation);
+    }
+  }
+  if (Cholesky(covariance, noisy.size()).status != brenvolt::MatrixStatus::kSuccess) return {};
+  return covariance;
+}
+
+std::optional<ProfilerFault> CheckPredictors(const ProfilerDesign& design) {
+  for (const ProfilerPredictor& predictor : design.predictors) {
+    const std::string where = "variable " + predictor.name;
+    if (predictor.setting == PredictorSetting::kFixed && !std::isfinite(predictor.fixedValue))
+      return Fault(kMsgProfilerNoSpecification, predictor.name, "the fixed value is not finite");
+    if (!predictor.IsRandom()) continue;
+    if (auto fault = CheckSpecification(predictor.specification, CheckPurpose::kSimulation))
+      return ProfilerFault{fault->message, where};
+  }
+  std::vector<std::size_t> places;
+  const std::string faulty = FaultyVariable(DesignOfDraws(design, places));
+  if (!faulty.empty()) return Fault(kMsgSimulationFailedDistributions, {}, faulty);
+  return std::nullopt;
+}
+
+// A name in a formula that nothing is known of is the formula's fault; a model's predictor is its own.
+std::optional<ProfilerFault> CheckPrediction(const ProfilerDesign& design,
+                                             const ProfilerPrediction& prediction, std::size_t k) {
+  const ProfilerDependent& dependent = design.dependents[k];
+  if (!prediction.IsPredicted(k))
+    return Fault(kMsgProfilerCheckFormula, dependent.name, "there is neither a formula nor a model");
+  for (const std::size_t j : prediction.ReadBy(k)) {
+    const ProfilerPredictor& predictor = design.predictors[j];
+    if (predictor.setting != PredictorSetting::kNone) continue;
+    if (dependent.formula.empty())
+      return Fault(kMsgProfilerNoSpecification, predictor.name, "model " + dependent.model->Name());
+    return Fault(kMsgProfilerCheckFormula, dependent.name,
+                 "no distribution is specified for " + Quoted(predictor.name));
+  }
+  return std::nullopt;
+}
+
+std::optional<ProfilerFault> CheckPredictions(const ProfilerDesign& design) {
+  // One formula after the other, so that the fault has its dependent.
+  ProfilerDesign one;
+  one.predictors = design.predictors;
+  for (const ProfilerDependent& dependent : design.dependents) {
+    one.dependents = {dependent};
+    try {
+      if (auto fault = CheckPrediction(one, ProfilerPrediction(one), 0)) return fault;
+    } catch (const FormulaError& error) {
+      return Fault(kMsgProfilerCheckFormula, dependent.name, error.Where() + ": " + error.what());
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<ProfilerFault> CheckNoise(const ProfilerDesign& design) {
+  for (const ProfilerDependent& dependent : design.dependents) {
+    const double deviation = dependent.standardDeviation;
+    if (dependent.addNoise && !(std::isfinite(deviation) && deviation >= 0))  // kNotSet is negative
+      return Fault(kMsgProfilerNoiseDeviation, dependent.name);
+  }
+  const std::vector<std::size_t> noisy = Noisy(design);
+  if (design.IsNoiseMultivariate() && !noisy.empty() && NoiseFactor(design, noisy).empty())
+    return Fault(kMsgProfilerSingularNoise);
+  return std::nullopt;
+}
+
+// Random predictors from the stream into their columns.
+void DrawRandom(const ProfilerDesign& design, std::span<const std::span<double>> columns, ProgressPort& port,
+                ProfilerRun& run) {
+  std::vector<std::size_t> places;
+  const SimulationDesign draws = DesignOfDraws(design, places);
+  const std::size_t k = places.size();
+  const auto runs = static_cast<std::size_t>(design.runs);
+  AnalysisArray<double> matrix(runs * k);
+  SimulationStatus status = SimulationStatus::kSuccess;
+  if (InducesCorrelation(draws.method)) {
+    CorrelationInduction induction = InduceRankCorrelation(draws, draws.correlations, matrix.Span(), port);
+    status = induction.status;
+    run.repair = std::move(induction.repair);
+    run.scoreCorrection = induction.scoreCorrection;
+  } else {
+    const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
+                                                           static_cast<std::int64_t>(runs * k + 1));
+    if (!GenerateMonteCarlo(draws, matrix.Span(), *progress)) status = SimulationStatus::kDistributionFailure;
+  }
+  if (status == SimulationStatus::kMemoryFailure) throw std::bad_alloc();
+  if (status != SimulationStatus::kSuccess) {
+    const bool isMatrix = status == SimulationStatus::kMatrixFailure;
+    run.message = ResourceString(isMatrix ? kMsgSimulationFailedMatrix : kMsgSimulationFailedDistributions);
+    if (!isMatrix) run.where = FaultyVariable(draws);
+    return;
+  }
+  const std::span<const double> drawn = matrix.Span();
+  ParallelBlocks(runs, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t c = 0; c < k; ++c) {
+      double* column = columns[places[c]].data();
+      for (std::size_t i = begin; i < end; ++i) column[i] = drawn[i * k + c];
+    }
+  });
+}
+
+// Adds L z to every run, z standard normal deviates; the deviates of a run stand side by side in the stream.
+void AddNoise(const ProfilerDesign& design, std::span<const std::span<double>> dependents) {
+  const std::vector<std::size_t> noisy = Noisy(design);
+  if (noisy.empty()) return;
+  const std::size_t k = noisy.size();
+  const auto runs = static_cast<std::size_t>(design.runs);
+  const std::vector<double> factor = design.IsNoiseMultivariate()
+                                         ? NoiseFactor(design, noisy)
+                                         : std::vector<double>{design.dependents[0].standardDeviation};
+  const std::uint64_t start = ProcessStreamPosition();
+  AnalysisArray<double> deviates(runs * k);
+  ProcessStream().FillNormal(start, 1.0, deviates.Span());
+  SetProcessStreamPosition(start + runs * k);
+  const std::span<const double> z = deviates.Span();
+  ParallelBlocks(runs, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
+    for (std::size_t i = begin; i < end; ++i) {
+      for (std::size_t row = 0; row < k; ++row) {
+        double noise = 0;
+        for (std::size_t c = 0; c <= row; ++c) noise += factor[row * k + c] * z[i * k + c];
+        dependents[noisy[row]][i] += noise;
+      }
+    }
+  });
+}
+
+// A column of `value`s. Its values are texts where labels are known and nothing is added to the codes.
+Variable MakeColumn(const std::string& name, std::size_t runs, double value,
+                    const std::map<double, std::string>& labels, bool exact) {
+  Variable column(name, 0);
+  column.AssignValues(std::vector<double>(runs, value));
+  if (!exact || labels.empty()) return column;
+  column.SetType(VariableType::kText);
+  for (const auto& [code, text] : labels) column.SetLabel(code, text);
+  return column;
+}
+
+std::unique_ptr<Spreadsheet> MakeOutput(const ProfilerDesign& design) {
+  const auto runs = static_cast<std::size_t>(design.runs);
+  const std::string name(ResourceString(kProfilerResultsTitle));
+  auto sheet = std::make_unique<Spreadsheet>(name, runs);
+  sheet->SetTitle(name);
+  for (const ProfilerPredictor& predictor : design.predictors) {
+    const bool fixed = predictor.setting == PredictorSetting::kFixed;
+    sheet->AddVariable(
+        MakeColumn(predictor.name, runs, fixed ? predictor.fixedValue : kMissing, predictor.labels, true));
+  }
+  for (const ProfilerDependent& dependent : design.dependents) {
+    sheet->AddVariable(MakeColumn(
+        dependent.name, runs, kMissing,
+        dependent.formula.empty() ? dependent.labels : std::map<double, std::string>(), !dependent.addNoise));
+  }
+  sheet->NumberCases();
+  return sheet;
+}
+
+std::vector<std::span<double>> ColumnsFrom(Spreadsheet& sheet, std::size_t first, std::size_t count) {
+  std::vector<std::span<double>> columns;
+  for (std::size_t j = 0; j < count; ++j) columns.push_back(sheet.VariableAt(first + j).MutableValues());
+  return columns;
+}
+
+void Seed(const ProfilerDesign& design) {
+  const auto now = static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::time(nullptr)));
+  inirnd_(design.seeded ? design.seed : static_cast<std::int32_t>(now), 0);
+}
+
+}  // namespace
+
+std::optional<ProfilerFault> CheckDesign(const ProfilerDesign& design) {
+  if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom))
+    return Fault(kMsgProfilerNoRandomPredictor);
+  if (auto fault = CheckPredictors(design)) return fault;
+  if (auto fault = CheckPredictions(design)) return fault;
+  return CheckNoise(design);
+}
+
+ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port) {
+  ProfilerRun run;
+  if (auto fault = CheckDesign(design)) {
+    run.message = std::move(fault->message);
+    run.where = std::move(fault->where);
+    return run;
+  }
+  const std::size_t m = design.predictors.size();
+  const std::size_t d = design.dependents.size();
+  const ProfilerPrediction prediction(design);
+  auto output = MakeOutput(design);
+  const std::vector<std::span<double>> predictors = ColumnsFrom(*output, 0, m);
+  const std::vector<std::span<double>> dependents = ColumnsFrom(*output, m, d);
+  Seed(design);
+  DrawRandom(design, predictors, port, run);
+  if (!run.message.empty()) return run;
+  const auto progress = CKroProgressBar::new_ProgressBar(
+      port, ResourceString(kProgressComputing),
+      static_cast<std::int64_t>(design.runs) * static_cast<std::int64_t>(d) + 1);
+  progress->ShowNow();
+  const std::vector<std::span<const double>> drawn(predictors.begin(), predictors.end());
+  prediction.Predict(drawn, dependents, *progress);
+  for (const auto& dependent : dependents)
+    run.missingPredictions.push_back(
+        std::ranges::count_if(dependent, [](double y) { return std::isnan(y); }));
+  AddNoise(design, dependents);
+  run.output = std::move(output);
+  return run;
+}
+
+ProfiledColumns ColumnsOf(const Spreadsheet& output, std::size_t predictors, const ProfilerDesign& design) {
+  ProfiledColumns columns;
+  for (std::size_t j = 0; j < output.VariableCount(); ++j) {
+    const Variable& column = output.VariableAt(j);
+    if (j < predictors) {
+      columns.predictors.push_back({column.Name(), column.Values()});
+      continue;
+    }
+    const auto place = design.FindDependent(column.Name());
+    columns.responses.push_back(
+        {column.Name(), column.Values(), place ? design.dependents[*place].limits : SpecificationLimits()});
+  }
+  return columns;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,69 @@
+// The profiler's run: draws the predictors, correlates them, lets models and formulas predict, adds noise,
+// and makes the spreadsheet of all that. Knows no dialog.
+//
+// The order of draws is part of the contract, so that a seed stands for its results at any number of threads:
+// - inirnd_(seed, 0) once;
+// - without correlations, Monte Carlo values of the random predictors, column after column in their order
+//   (sample_generation.h);
+// - with them, and two random predictors or more: for each random predictor the permutation of its van der
+//   Waerden scores, then Latin hypercube values of the random predictors, column after column
+//   (correlation_induction.h);
+// - normal deviates: for one dependent with noise, one per run; for several, for each run in order one for
+//   each dependent that has noise, in their order. A run whose prediction is missing takes its deviates, too.
+// A fixed predictor draws nothing.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "brv_sra/profiler/defect_profile.h"
+#include "brv_sra/profiler/profiler_design.h"
+#include "brv_sra/simulation/correlation_target.h"
+#include "host/controls/progress_bar.h"
+#include "host/tables/spreadsheet.h"
+
+namespace brenvolt::sra {
+
+struct ProfilerRun {
+  // What stopped the run, in the words to show, and what it is about; both empty where it completed.
+  std::string message;
+  std::string where;
+  // Titled "Simulated Results": the predictors, then the dependents, in the order of the design; one case for
+  // each run. A prediction that is not a number is missing (NaN). Null where the run was stopped.
+  std::unique_ptr<Spreadsheet> output;
+  // Where the correlations of the predictors were not positive definite: what was used for them, over the
+  // random predictors in order.
+  std::optional<CorrelationRepair> repair;
+  // False where chance correlations could not be taken back, because there are too few runs.
+  bool scoreCorrection = true;
+  // The cases of each dependent without a prediction.
+  std::vector<std::int64_t> missingPredictions;
+};
+
+// Runs a design, whose number of runs may be any from 1 on. Faults of the design come as messages. Throws
+// UserCancelled through the port, Error where a model refuses its input, std::bad_alloc.
+ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port);
+
+// Why the design cannot be run, as RunProfiler says it; nothing where it can, as far as it shows before.
+struct ProfilerFault {
+  std::string message;
+  std::string where;
+};
+std::optional<ProfilerFault> CheckDesign(const ProfilerDesign& design);
+
+// The columns of a run's output, with the specifications that the design has now: what capability, summaries,
+// sensitivity and the defect profile are made of. Dependents by name; those that the design does not have (or
+// no longer) have no specification. The views live as long as the output is not changed.
+struct ProfiledColumns {
+  std::vector<ProfiledPredictor> predictors;
+  std::vector<ProfiledResponse> responses;
+};
+// `predictors`: how many columns of the output are predictors; the others are dependents.
+ProfiledColumns ColumnsOf(const Spreadsheet& output, std::size_t predictors, const ProfilerDesign& design);
+
+}  // namespace brenvolt::sra

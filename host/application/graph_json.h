@@ -1,0 +1,14 @@
+// A graph for programs.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "host/graphs/graph.h"
+
+namespace brenvolt {
+
+// The kind, the titles, and the parts that there are; the panels as graphs of their own. docs/fitting.md has
+// its shape.
+nlohmann::ordered_json GraphJson(const Graph& graph);
+
+}  // namespace brenvolt

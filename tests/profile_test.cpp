@@ -1,0 +1,290 @@
+// brenvolt profile as a user runs it.
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <fstream>
+#include <numeric>
+
+#include "host/tables/csv.h"
+#include "tests/command_fixture.h"
+
+namespace brenvolt::test {
+namespace {
+
+const std::string kOzone = kExamples + "ozone.csv";
+const std::string kModel = kExamples + "ozone_regression.pmml";
+// The same prediction as the model's, written out.
+const std::string kFormula =
+    "O3 = -7.727982213955437 + 0.3804408287168912*temp - 0.001186227769643128*ibh - "
+    "0.005821484614040797*ibt";
+
+using Arguments = std::vector<std::string>;
+
+struct ProfileCommand : Command {
+  // A and B: means 10 and 4; standard deviations (divisor n - 1) 2 and 1; correlation 0.8 as near as 200
+  // values come.
+  void WriteData() const {
+    constexpr int kCases = 200;
+    std::vector<double> a(kCases);
+    std::vector<double> b(kCases);
+    for (int i = 0; i < kCases; ++i) {
+      a[static_cast<std::size_t>(i)] = std::sin(i * 12.9898);
+      b[static_cast<std::size_t>(i)] = std::sin(i * 78.233 + 1);
+    }
+    Standardize(a);
+    Standardize(b);
+    std::ofstream file(File("ab.csv"));
+    file.precision(17);
+    file << "A,B\n";
+    for (std::size_t i = 0; i < a.size(); ++i) b[i] = 0.8 * a[i] + 0.6 * b[i];
+    Standardize(b);
+    for (std::size_t i = 0; i < a.size(); ++i) file << 10 + 2 * a[i] << "," << 4 + b[i] << "\n";
+  }
+  static void Standardize(std::vector<double>& x) {
+    const auto n = static_cast<double>(x.size());
+    const double mean = std::accumulate(x.begin(), x.end(), 0.0) / n;
+    double squares = 0;
+    for (double& value : x) {
+      value -= mean;
+      squares += value * value;
+    }
+    for (double& value : x) value /= std::sqrt(squares / (n - 1));
+  }
+  std::vector<double> Column(const std::string& file, const std::string& name) const {
+    const Spreadsheet sheet = ReadCsv(File(file));
+    const auto variable = sheet.FindVariable(name);
+    EXPECT_TRUE(variable.has_value()) << name;
+    if (!variable) return {};
+    const auto values = sheet.VariableAt(*variable).Values();
+    return {values.begin(), values.end()};
+  }
+};
+
+double Share(const std::vector<double>& values, const auto& condition) {
+  return static_cast<double>(std::ranges::count_if(values, condition)) / static_cast<double>(values.size());
+}
+
+// Y = 3 A - 2 B: the mean is 22 in every case, the standard deviation follows from the parts.
+TEST_F(ProfileCommand, VarianceIsThatOfThePredictorsTheirCorrelationAndTheNoise) {
+  WriteData();
+  constexpr double kRuns = 20000;
+  const struct {
+    Arguments options;
+    double variance;
+  } cases[] = {{{}, 36 + 4},
+               {{"--correlated"}, 36 + 4 - 2 * 3 * 2 * 2 * 0.8},
+               {{"--noise", "Y=5"}, 36 + 4 + 25},
+               {{"--correlated", "--noise", "Y=5"}, 36 + 4 - 19.2 + 25},
+               {{"--fix", "A=10"}, 4}};
+  for (const auto& c : cases) {
+    Arguments arguments{"profile", "ab.csv", "--formula", "Y=3*A-2*B", "--samples", "20000", "--seed", "11"};
+    arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+    const Json response = JsonOf(arguments)["responses"][0];
+    const double deviation = std::sqrt(c.variance);
+    EXPECT_EQ(response["statistics"]["n"], kRuns);
+    EXPECT_NEAR(response["statistics"]["mean"], 22, 4.5 * deviation / std::sqrt(kRuns));
+    // Five standard errors; the correlation of 200 values is 0.8 but for some hundredths.
+    const double margin = 5 / std::sqrt(2 * kRuns) + (c.options.empty() ? 0 : 0.02);
+    EXPECT_NEAR(response["statistics"]["standardDeviation"].get<double>() / deviation, 1, margin)
+        << testing::PrintToString(c.options);
+  }
+}
+
+TEST_F(ProfileCommand, ModelAndFormulaOfTheSamePredictionAgreeRunByRun) {
+  const Arguments common{"--seed", "3", "--samples", "1000", "--noise", "O3=4.75", "--correlated"};
+  const auto run = [&](const Arguments& prediction, const std::string& out) {
+    Arguments arguments{"profile", kOzone};
+    arguments.insert(arguments.end(), prediction.begin(), prediction.end());
+    arguments.insert(arguments.end(), common.begin(), common.end());
+    arguments.insert(arguments.end(), {"-o", out});
+    MustRun(arguments);
+    return Column(out, "O3");
+  };
+  const auto model = run({"--model", kModel}, "model.csv");
+  const auto formula = run({"--formula", kFormula}, "formula.csv");
+  ASSERT_EQ(model.size(), 1000U);
+  ASSERT_EQ(formula.size(), model.size());
+  for (std::size_t i = 0; i < model.size(); ++i) EXPECT_NEAR(model[i], formula[i], 1e-9);
+  EXPECT_EQ(run({"--model", kModel}, "again.csv"), model) << "the same seed gave other runs";
+  // The model with a residual deviation of 4.75 gives the ozone of the data back.
+  const Json o3 = JsonOf({"profile", kOzone, "--model", kModel, "--seed", "3", "--samples", "20000",
+                          "--noise", "O3=4.75", "--correlated"})["responses"][0]["statistics"];
+  EXPECT_NEAR(o3["mean"], 11.776, 0.3);
+  EXPECT_NEAR(o3["standardDeviation"], 8.01, 0.4);
+}
+
+TEST_F(ProfileCommand, DefectsAndCapabilityAreThoseOfTheRunsWritten) {
+  WriteData();
+  const Json report =
+      JsonOf({"profile", "ab.csv", "--formula", "Y=3*A-2*B", "--formula", "Z=A", "--formula", "W=B", "--spec",
+              "Y=10,22,34", "--spec", "Z=,,12", "--samples", "5000", "--seed", "2", "-o", "runs.csv"});
+  const auto y = Column("runs.csv", "Y");
+  const auto z = Column("runs.csv", "Z");
+  const double rateY = Share(y, [](double v) { return v < 10 || v > 34; });
+  const double rateZ = Share(z, [](double v) { return v > 12; });
+  double both = 0;
+  for (std::size_t i = 0; i < y.size(); ++i) both += y[i] < 10 || y[i] > 34 || z[i] > 12 ? 1 : 0;
+  const Json& defects = report["defects"];
+  ASSERT_EQ(defects.size(), 3U);
+  const struct {
+    const char* response;
+    double rate;
+  } rows[] = {{"Y", rateY}, {"Z", rateZ}, {"Overall Rate", both / 5000}};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_EQ(defects[i]["response"], rows[i].response);
+    EXPECT_DOUBLE_EQ(defects[i]["rate"], rows[i].rate);
+    EXPECT_DOUBLE_EQ(defects[i]["ppm"], rows[i].rate * 1e6);
+  }
+  EXPECT_EQ(defects[1]["lower"], nullptr);
+  EXPECT_EQ(defects[1]["upper"], 12);
+  EXPECT_EQ(defects[2]["upper"], nullptr);
+
+  const Json& capability = report["responses"][0]["capability"];
+  EXPECT_EQ(capability["specification"]["target"], 22);
+  EXPECT_DOUBLE_EQ(capability["observedPpm"]["total"], rateY * 1e6);
+  const double deviation = report["responses"][0]["statistics"]["standardDeviation"];
+  EXPECT_NEAR(capability["overall"]["pp"]["value"], 24 / (6 * deviation), 1e-12);
+  EXPECT_LT(capability["overall"]["ppk"]["lower"], capability["overall"]["ppk"]["value"]);
+  EXPECT_NEAR(capability["overall"]["pp"]["value"], 12 / (3 * std::sqrt(40)), 0.03);
+  const Json& oneSided = report["responses"][1]["capability"];
+  EXPECT_EQ(oneSided["within"]["cp"], nullptr);
+  EXPECT_EQ(oneSided["within"]["cpl"], nullptr);
+  EXPECT_EQ(report["responses"][2]["capability"], nullptr);
+}
+
+TEST_F(ProfileCommand, SensitivityNamesTheDriverFirst) {
+  WriteData();
+  const Json response = JsonOf({"profile", "ab.csv", "--formula", "Y=B-5*A", "--seed", "5"})["responses"][0];
+  const Json& rows = response["sensitivity"];
+  ASSERT_EQ(rows.size(), 2U);
+  EXPECT_EQ(rows[0]["predictor"], "A");
+  EXPECT_LT(rows[0]["rankCorrelation"], -0.9);
+  EXPECT_NEAR(rows[0]["standardizedCoefficient"], -10 / std::sqrt(101), 0.02);
+  EXPECT_NEAR(rows[1]["standardizedCoefficient"], 1 / std::sqrt(101), 0.02);
+  EXPECT_NEAR(response["rSquared"], 1, 1e-9);
+  const std::string text = MustRun({"profile", "ab.csv", "--formula", "Y=B-5*A", "--seed", "5"}).out;
+  EXPECT_LT(text.find("\n  A "), text.find("\n  B "));
+  EXPECT_EQ(text.find("Capability"), std::string::npos);
+}
+
+TEST_F(ProfileCommand, FixedAndTruncatedPredictorsStayWhereTheyArePut) {
+  WriteData();
+  MustRun({"profile", "ab.csv", "--formula", "Y=A+B", "--fix", "A=7.5", "--truncate", "B=3.5,4.5", "--seed",
+           "1", "-o", "runs.csv"});
+  const auto a = Column("runs.csv", "A");
+  const auto b = Column("runs.csv", "B");
+  EXPECT_EQ(Share(a, [](double v) { return v == 7.5; }), 1);
+  EXPECT_EQ(Share(b, [](double v) { return v >= 3.5 && v <= 4.5; }), 1);
+  EXPECT_NEAR(*std::ranges::max_element(b), 4.5, 0.01);
+  EXPECT_NEAR(*std::ranges::min_element(b), 3.5, 0.01);
+}
+
+// A predictor that is no column of the data is one all the same once it is fixed.
+TEST_F(ProfileCommand, FormulaMayUseAFixedValueThatTheDataLack) {
+  WriteData();
+  MustRun({"profile", "ab.csv", "--formula", "Y=A*k", "--fix", "k=2", "--seed", "1", "-o", "runs.csv"});
+  const auto a = Column("runs.csv", "A");
+  const auto y = Column("runs.csv", "Y");
+  for (std::size_t i = 0; i < a.size(); ++i) ASSERT_DOUBLE_EQ(y[i], 2 * a[i]);
+}
+
+// Fire losses have a long upper tail; the normal distribution that predictors start from has none.
+TEST_F(ProfileCommand, FitBestDrawsFromTheShapeOfTheData) {
+  const Arguments call{
+      "profile", kExamples + "danish_fire_losses.csv", "--formula", "Y=Loss", "--spec", "Y=,,20", "--seed",
+      "1"};
+  const Json normal = JsonOf(call)["responses"][0];
+  EXPECT_NEAR(normal["statistics"]["skewness"], 0, 0.2);
+  EXPECT_EQ(normal["capability"]["percentiles"], nullptr);
+  Arguments best = call;
+  best.emplace_back("--fit-best");
+  const Json fitted = JsonOf(best)["responses"][0];
+  EXPECT_GT(fitted["statistics"]["skewness"], 1);
+  const Json& percentiles = fitted["capability"]["percentiles"];
+  ASSERT_FALSE(percentiles.is_null());
+  EXPECT_GT(percentiles["p99.865"], 20);
+  EXPECT_EQ(percentiles["pp"], nullptr);
+  EXPECT_LT(percentiles["ppu"], 1);
+}
+
+// Half of the draws of a normal predictor lie above its mean; a class has its name.
+TEST_F(ProfileCommand, ResponsesOfFewValuesAreListedOneByOne) {
+  WriteData();
+  const Arguments call{"profile", "ab.csv", "--formula", "Y=A>10", "--spec", "Y=,,0.5", "--seed", "4"};
+  const Json response = JsonOf(call)["responses"][0];
+  ASSERT_EQ(response["frequencies"].size(), 2U);
+  EXPECT_EQ(response["frequencies"][1]["to"], 1);
+  EXPECT_NEAR(response["frequencies"][1]["percent"], 50, 3);
+  EXPECT_EQ(response["capability"]["percentiles"], nullptr);
+  EXPECT_EQ(MustRun(call).out.find("Percentile"), std::string::npos);
+  const std::string folderOfModels = BRENVOLT_SOURCE_DIR "/host/models/reference/interchange/";
+  const std::string text = MustRun({"profile", folderOfModels + "Iris.csv", "--model",
+                                    folderOfModels + "DecisionTreeIris.pmml", "--seed", "1"})
+                               .out;
+  EXPECT_NE(text.find("\n  virginica "), std::string::npos) << text;
+}
+
+TEST_F(ProfileCommand, GraphsAndProjectsAreWritten) {
+  const Outcome outcome = MustRun({"profile", kOzone, "--model", kModel, "--noise", "O3=4.75", "--spec",
+                                   "O3=,,25", "--seed", "1", "-o", "out.bvw", "--graphs", "graphs.json"});
+  EXPECT_NE(outcome.out.find("saved in out.bvw, sheet Simulated Results"), std::string::npos) << outcome.out;
+  EXPECT_EQ(JsonOf({"show", "out.bvw"})["sheets"].size(), 1U);
+  std::ifstream file(File("graphs.json"));
+  const Json graphs = Json::parse(file);
+  const Json& panels = graphs["responses"][0]["graphs"];
+  ASSERT_EQ(panels.size(), 2U);
+  EXPECT_EQ(panels[0]["kind"], "histogram");
+  EXPECT_EQ(panels[0]["series"][0]["name"], "USL");
+  EXPECT_EQ(panels[1]["kind"], "tornado");
+  EXPECT_EQ(panels[1]["bars"][0]["name"], "temp");
+  EXPECT_EQ(graphs["defectProfile"]["panels"].size(), 3U);
+}
+
+TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
+  WriteData();
+  const Arguments start{"profile", "ab.csv"};
+  const struct {
+    Arguments rest;
+    int status;
+    const char* message;
+  } cases[] = {
+      {{}, 2, "--model"},
+      {{"--model", "none.pmml"}, 1, "none.pmml"},
+      {{"--formula", "A+B"}, 2, "RESPONSE=EXPRESSION"},
+      {{"--formula", "Y="}, 2, "RESPONSE=EXPRESSION"},
+      {{"--formula", "Y=A+C"}, 1, "no variable called 'C'"},
+      {{"--formula", "Y=A+"}, 1, "formula for Y, character 5"},
+      {{"--formula", "Y=A", "--formula", "Y=B"}, 2, "twice for 'Y'"},
+      {{"--formula", "Y=A", "--spec", "Z=1,,2"}, 2, "no response called 'Z'"},
+      {{"--formula", "Y=A", "--spec", "Y=5,,2"}, 2, "not below"},
+      {{"--formula", "Y=A", "--spec", "Y=1,7,2"}, 2, "target"},
+      {{"--formula", "Y=A", "--spec", "Y=,1,"}, 2, "neither limit"},
+      {{"--formula", "Y=A", "--spec", "Y=1,2"}, 2, "LSL,TARGET,USL"},
+      {{"--formula", "Y=A", "--spec", "Y=1,,x"}, 2, "'x' is no number"},
+      {{"--formula", "Y=A", "--spec", "Y=1,,2", "--spec", "Y=1,,3"}, 2, "twice"},
+      {{"--formula", "Y=A", "--noise", "Y=-1"}, 2, "not below 0"},
+      {{"--formula", "Y=A", "--noise", "Q=1"}, 2, "no response called 'Q'"},
+      {{"--formula", "Y=A", "--fix", "Q=1"}, 2, "no predictor called 'Q'"},
+      {{"--formula", "Y=A", "--truncate", "A=3,1"}, 2, "not below the maximum"},
+      {{"--formula", "Y=A", "--fix", "A=1"}, 1, "must be random"},
+      {{"--formula", "Y=A", "--fix", "A=1", "--truncate", "A=0,1"}, 1, "cannot be truncated"},
+      {{"--formula", "Y=A", "--samples", "99"}, 2, "100 to 100000"},
+      {{"--formula", "Y=A", "--seed", "0"}, 2, "--seed"},
+      {{"--formula", "Y=A", "-o", "out.txt"}, 2, ".csv, .npz or .bvw"},
+  };
+  for (const auto& c : cases) {
+    Arguments arguments = start;
+    arguments.insert(arguments.end(), c.rest.begin(), c.rest.end());
+    if (std::ranges::find(c.rest, "-o") == c.rest.end()) arguments.insert(arguments.end(), {"-o", "out.csv"});
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, c.status) << testing::PrintToString(c.rest) << outcome.err;
+    EXPECT_NE(outcome.err.find(c.message), std::string::npos)
+        << testing::PrintToString(c.rest) << outcome.err;
+    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_FALSE(std::filesystem::exists(File("out.csv")));
+  }
+}
+
+}  // namespace
+}  // namespace brenvolt::test
