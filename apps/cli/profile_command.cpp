@@ -1,6 +1,7 @@
 // brenvolt profile: how predictions vary when their predictors do, and how often they miss a specification.
 #include <algorithm>
 #include <cstdio>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <optional>
 

@@ -1,6 +1,7 @@
 // The report of the profiler for programs.
 #include <array>
 #include <cmath>
+#include <span>
 #include <sstream>
 #include <string_view>
 

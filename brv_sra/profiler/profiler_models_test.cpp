@@ -82,7 +82,6 @@ TEST(ProfilerModels, FileNamesAreSplitAtBarsAndImproperTextsRefused) {
   }
 }
 
-// The means and deviations are those that R gives for the data.
 TEST(ProfilerModels, PredictorsStartFromTheDataWithTheirCorrelations) {
   const Spreadsheet data = ReadCsv(std::filesystem::path(kInterchange) / "Ozone.csv");
   ProfilerDesign design;

@@ -1,4 +1,5 @@
 // The graphs of result_documents.h.
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
