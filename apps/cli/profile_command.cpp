@@ -9,6 +9,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/profiler_session.h"
+#include "apps/cli/recording.h"
 #include "host/application/graph_json.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -39,6 +40,7 @@ struct ProfileOptions {
   std::vector<std::string> truncations;
   std::filesystem::path output;
   std::filesystem::path graphs;
+  std::filesystem::path record;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -218,16 +220,20 @@ bool IsSpecified(const Request& request, const std::string& response) {
 }
 
 // Returns the sheet's name where it goes into a project.
-std::string WriteSimulated(const std::filesystem::path& path, const Spreadsheet& sheet) {
+std::string WriteSimulated(const std::filesystem::path& path, CAnalysisTableDoc& simulated,
+                           JobRecorder& job) {
   if (HasProjectEnding(path)) {
     std::vector<std::unique_ptr<Spreadsheet>> sheets;
-    sheets.push_back(std::make_unique<Spreadsheet>(sheet));
+    sheets.push_back(std::make_unique<Spreadsheet>(simulated.Table()));
+    job.Called(nullptr, "Append", {PythonPath(path), job.NameOf(&simulated)});
     return AppendToProject(path, std::move(sheets)).front();
   }
   if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(sheet, path);
+    WriteNumpyArchive(simulated.Table(), path);
+    job.Called(&simulated, "sheet.to_npz", {PythonPath(path)});
   } else {
-    WriteCsvFile(sheet, path, {});
+    WriteCsvFile(simulated.Table(), path, {});
+    job.Called(&simulated, "sheet.to_csv", {PythonPath(path)});
   }
   return {};
 }
@@ -266,9 +272,16 @@ void Report(const ProfileOptions& options, const ProfileResults& results, const 
 void Profile(const ProfileOptions& options) {
   CheckSimulatedTarget(options.output);
   if (!options.graphs.empty()) RefuseProjectTarget(options.graphs);
+  if (!options.graphs.empty() && !options.record.empty())
+    throw WrongCall("--graphs cannot be recorded; leave out --record");
   const Request request = Read(options);
+  Recording recording(options.record);
+  JobRecorder& job = recording.Job();
   DataFile data = OpenDataFile(options.input.path, options.input.Format());
-  ProfilerSession profiler(data.Sheet(options.input.sheet));
+  Spreadsheet& input = data.Sheet(options.input.sheet);
+  job.Opened(options.input.path, options.input.decimalComma, &data.workbook);
+  job.Took(&data.workbook, options.input.sheet, &input);
+  ProfilerSession profiler(input, job);
   Prepare(profiler, request, options);
   const Table simulated = profiler.Simulate();
   ProfileResults results;
@@ -284,9 +297,10 @@ void Profile(const ProfileOptions& options) {
     }
   }
   const std::string sheet =
-      options.output.empty() ? std::string() : WriteSimulated(options.output, simulated->Table());
+      options.output.empty() ? std::string() : WriteSimulated(options.output, *simulated, job);
   if (!options.graphs.empty()) WriteGraphs(options.graphs, profiler, defectProfile);
   Report(options, results, sheet);
+  recording.Commit();
 }
 
 // An option that takes one value and may be repeated.
@@ -337,6 +351,7 @@ void AddProfileCommand(CLI::App& program) {
                    "tornado graphs, defect profiles")
       ->type_name("FILE.json");
   AddDecimalCommaOption(*command, options->input);
+  AddRecordOption(*command, options->record);
   AddFormatOption(*command, options->format);
   command->footer(
       "Example:\n  brenvolt profile examples/ozone.csv --model examples/ozone_regression.pmml --fit-best "

@@ -33,8 +33,8 @@ Variant Limit(double value) {
 
 }  // namespace
 
-ProfilerSession::ProfilerSession(Spreadsheet& sheet)
-    : session_(sheet, Task::kProfile), dialog_(session_.Dialog()) {}
+ProfilerSession::ProfilerSession(Spreadsheet& sheet, JobRecorder& job)
+    : session_(sheet, Task::kProfile, job), dialog_(session_.Dialog()) {}
 
 void ProfilerSession::LoadModels(const std::vector<std::filesystem::path>& files) {
   Variant::Array names;

@@ -25,7 +25,7 @@ struct ResponseFormula {
 class ProfilerSession {
  public:
   // Over a sheet, which must outlive the session.
-  explicit ProfilerSession(Spreadsheet& sheet);
+  ProfilerSession(Spreadsheet& sheet, JobRecorder& job);
 
   // All members throw JobFailed where the dialog refuses and has said why. Models come before formulas.
   void LoadModels(const std::vector<std::filesystem::path>& files);
