@@ -66,6 +66,17 @@ TEST_F(Recordings, ReplayedSimulationLeavesTheSameFiles) {
                   {"p.bvw"});
 }
 
+TEST_F(Recordings, ReplayedProfileLeavesTheSameFiles) {
+  ExpectSameFiles({"profile", kExamples + "ozone.csv", "--model", kExamples + "ozone_regression.pmml",
+                   "--fit-best", "--correlated", "--truncate", "ibh=111,5000", "--noise", "O3=4.75", "--spec",
+                   "O3=,,25", "--seed", "7", "-o", "s.csv"},
+                  {"s.csv"});
+  ExpectSameFiles({"profile", kExamples + "ozone.csv", "--formula", "cost = 2 * temp + ibh / 100",
+                   "--formula", "'twice ibt' = 2 * ibt", "--fix", "ibt=120", "--noise", "cost=3", "--noise",
+                   "twice ibt=1", "--seed", "3", "--samples", "500", "-o", "p.bvw"},
+                  {"p.bvw"});
+}
+
 TEST_F(Recordings, ReplayedExchangeLeavesTheSameFiles) {
   WriteBytes(File("comma.csv"), "a;b\n1,5;2\n3;4,25\n");
   ExpectSameFiles({"import", "comma.csv", "-o", "p.bvw", "--sheet", "a \"b\"", "--decimal-comma"}, {"p.bvw"});

@@ -170,27 +170,32 @@ Variant GetOutput(Dialog& dialog, Indexes) {
   return Variant::Object((dialog.*Make)());
 }
 
+// The predictor that is highlighted, whose specification the fields make.
+std::int32_t ShownPredictor(Dialog& dialog) {
+  return dialog.Controls().Selection(kPredictors) + 1;
+}
+
 constexpr std::array<Member, 25> kMembers{{
     {"InputCorrMatrix", nullptr, PutCorrelations},
     {"LoadModels", GetModels, PutModels},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
     {"UserDefinedDesignMatrixValuesY", GetCorrelationsY, PutCorrelationsY},
-    {"VariableDistributionParams", GetSpecification, PutSpecification},
+    Member{"VariableDistributionParams", GetSpecification, PutSpecification}.ShownAt(ShownPredictor),
     {"NumberOfSamples", GetNumber<Dialog, kRuns>, PutRuns},
     {"DependentforResult", GetSelection<Dialog, kDependent, 1>, PutSelection<Dialog, kDependent, 1>},
     {"LSL", GetReal<LowerOf>, PutReal<LowerOf>},
     {"USL", GetReal<UpperOf>, PutReal<UpperOf>},
     {"Target", GetReal<TargetOf>, PutReal<TargetOf>},
-    {"CapabilityStats", GetOutput<&Dialog::CapabilityStats>, nullptr},
-    {"SummaryStats", GetOutput<&Dialog::SummaryStats>, nullptr},
-    {"SummaryGraph", GetOutput<&Dialog::SummaryGraph>, nullptr},
+    Member{"CapabilityStats", GetOutput<&Dialog::CapabilityStats>, nullptr}.ByButton(kCapability),
+    Member{"SummaryStats", GetOutput<&Dialog::SummaryStats>, nullptr}.ByButton(kSummaryStats),
+    Member{"SummaryGraph", GetOutput<&Dialog::SummaryGraph>, nullptr}.ByButton(kSummaryGraph),
     {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
     {"SimulationResults", GetOutput<&Dialog::SimulationResults>, nullptr},
-    {"DefectProfile", GetOutput<&Dialog::DefectProfile>, nullptr},
+    Member{"DefectProfile", GetOutput<&Dialog::DefectProfile>, nullptr}.ByButton(kDefects),
     {"IsEditCorrelation", GetChecked<Dialog, kSimulateCorrelations>,
      PutChecked<Dialog, kSimulateCorrelations>},
     {"DependentNoise", GetSelection<Dialog, kNoise, 0>, PutSelection<Dialog, kNoise, 0>},
-    {"FitBestDistributions", GetFitBest, nullptr},
+    Member{"FitBestDistributions", GetFitBest, nullptr}.ByButton(kFitBest),
     {"PredictionFormula", GetFormula, PutFormula},
     {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
     {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutSeed},

@@ -180,7 +180,8 @@ void DialogAutomationBase::Record(MacroRecorder& recorder, const CAnalysisSuppor
                                   std::span<const Variant> arguments) {
   const MemberDescription& member = *call.member;
   const auto place = OwnPlace(member);
-  const bool isOutput = place && member.get == AutomationType::kObject && member.put == AutomationType::kNone;
+  const bool isOutput = place && member.put == AutomationType::kNone &&
+                        (member.get == AutomationType::kObject || TreatmentOf(*place).hasButton);
   if (call.kind == CallKind::kGet && !isOutput) return;
   const bool refused = call.kind == CallKind::kMethod && !call.result.IsEmpty() && !call.result.ToBoolean();
   if (refused) return;

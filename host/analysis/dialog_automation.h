@@ -125,6 +125,7 @@ class DialogAutomationBase : public AutomationObject, public IMFCPointer {
     bool isCompared = false;  // its value is looked at before and after an action
     std::int32_t place = 0;   // of an indexed member
     bool isChoice = false;
+    bool hasButton = false;  // a get does what the button does
   };
   virtual Treatment TreatmentOf(std::size_t place) = 0;
   // The member whose output a button makes, as its place in the description.
@@ -170,7 +171,8 @@ class DialogAutomation final : public DialogAutomationBase {
     const AutomationMember<Dialog>& member = members_[place];
     const bool isCompared = member.gets && member.puts && !member.isSaidByOthers;
     const bool isShown = isCompared && member.place != nullptr;
-    return {isCompared, isShown ? member.place(static_cast<Dialog&>(*dialog_)) : 0, member.isChoice};
+    return {isCompared, isShown ? member.place(static_cast<Dialog&>(*dialog_)) : 0, member.isChoice,
+            member.button != 0};
   }
   std::optional<std::size_t> MemberOfButton(std::int32_t button) const override {
     for (std::size_t i = 0; i < members_.size(); ++i) {
