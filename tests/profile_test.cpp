@@ -286,5 +286,42 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
   }
 }
 
+TEST_F(Command, FormulasOfProfilesUseColumnsByNameAndNoResponses) {
+  WriteBytes(File("v.csv"), "v1,v2,v3\n1,2,3\n2,3,5\n4,1,2\n3,3,1\n");
+  const Json report =
+      JsonOf({"profile", "v.csv", "--formula", "Y = v1 + v3", "--samples", "200", "--seed", "1"});
+  EXPECT_NEAR(report["responses"][0]["statistics"]["mean"], 5.25, 0.5) << "means of the columns v1 and v3";
+  for (const char* formula : {"v2 = v2 + 1", "B = A + 1"}) {
+    const Outcome refused =
+        Run({"profile", "v.csv", "--formula", "A = v1", "--formula", formula, "-o", "x.csv"});
+    EXPECT_EQ(refused.status, 1) << formula;
+    EXPECT_NE(refused.err.find("a formula cannot use a response"), std::string::npos) << refused.err;
+    EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
+  }
+}
+
+TEST_F(Command, DefectRatesStandWhereTheirGraphHasTooManyCells) {
+  std::string header;
+  std::string rows[3];
+  for (int x = 1; x <= 33; ++x) {
+    header += (x > 1 ? ",x" : "x") + std::to_string(x);
+    for (int i = 0; i < 3; ++i) rows[i] += (x > 1 ? "," : "") + std::to_string((i * x) % 7);
+  }
+  WriteBytes(File("d.csv"), header + "\n" + rows[0] + "\n" + rows[1] + "\n" + rows[2] + "\n");
+  std::string sum = "x1";
+  for (int x = 2; x <= 33; ++x) sum += "+x" + std::to_string(x);
+  std::vector<std::string> call{"profile", "d.csv", "--samples", "100", "--seed", "1", "--spec", "y1=,,50"};
+  for (int y = 1; y <= 32; ++y) {
+    call.emplace_back("--formula");
+    call.push_back("y" + std::to_string(y) + " = " + sum);
+  }
+  call.insert(call.end(), {"-o", "s.csv", "--format", "json"});
+  const Outcome outcome = Run(call);
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.err.find("Defect profile creation failed."), std::string::npos) << outcome.err;
+  EXPECT_TRUE(Json::parse(outcome.out).contains("defects")) << outcome.out.substr(0, 200);
+  EXPECT_TRUE(std::filesystem::exists(File("s.csv")));
+}
+
 }  // namespace
 }  // namespace brenvolt::test

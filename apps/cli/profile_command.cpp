@@ -199,9 +199,9 @@ void Prepare(ProfilerSession& profiler, const Request& request, const ProfileOpt
   for (std::size_t i = 0; i < profiler.Predictors().size(); ++i) {
     const std::string& name = profiler.Predictors()[i];
     if (profiler.IsPredictorSpecified(i)) continue;
-    throw Error(
-        "no variable called " + Quoted(name) + " to start the predictor from; --fix may give it a value",
-        options.input.path.string());
+    throw Error("the data have no variable called " + Quoted(name) +
+                    " with values to start the predictor from; --fix may give it a value",
+                options.input.path.string());
   }
   for (const Statement& one : request.truncations) {
     profiler.Truncate(PlaceOf(one, profiler.Predictors(), "predictor"), *one.values[0], *one.values[1]);

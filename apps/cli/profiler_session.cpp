@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
+#include <cstdio>
 #include <string_view>
 
 #include "host/base/error.h"
@@ -154,11 +155,19 @@ Graph ProfilerSession::GraphsOf(std::size_t response) {
   return shown.graphs.front()->Content();
 }
 
-std::pair<Table, Graph> ProfilerSession::Defects(std::size_t specifiedResponse) {
+std::pair<Table, std::optional<Graph>> ProfilerSession::Defects(std::size_t specifiedResponse) {
   Select(specifiedResponse);
-  const Shown shown = Show("DefectProfile");
-  if (shown.tables.empty() || shown.graphs.empty()) throw Error("the analysis returned no defects");
-  return {shown.tables.front(), shown.graphs.front()->Content()};
+  const std::size_t shownBefore = session_.Documents().size();
+  try {
+    const Shown shown = Show("DefectProfile");
+    if (shown.tables.empty() || shown.graphs.empty()) throw Error("the analysis returned no defects");
+    return {shown.tables.front(), shown.graphs.front()->Content()};
+  } catch (const AutomationError& error) {
+    // The table stands where only its graph cannot be drawn.
+    if (session_.Documents().size() == shownBefore) throw;
+    std::fprintf(stderr, "%s: %s (%s)\n", kProgram, error.Reason().c_str(), error.Where().c_str());
+    return {session_.Documents()[shownBefore], std::nullopt};
+  }
 }
 
 void ProfilerSession::Select(std::size_t response) {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -52,7 +53,7 @@ class ProfilerSession {
   // The histogram with its best fit and the tornado graph of a response.
   Graph GraphsOf(std::size_t response);
   // The table of defect rates and the graph of the profiles, for which at least one response is specified.
-  std::pair<Table, Graph> Defects(std::size_t specifiedResponse);
+  std::pair<Table, std::optional<Graph>> Defects(std::size_t specifiedResponse);
 
  private:
   void TakeNames();

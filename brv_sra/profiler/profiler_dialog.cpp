@@ -256,15 +256,19 @@ bool CSimulationProfiler::SetShownFormula() {
 
 void CSimulationProfiler::PutFormula(const std::string& text, std::size_t dependent) {
   const FormulaAssignment assignment = SplitAssignment(text);
+  ProfilerDesign changed = Design();
   if (assignment.name) {
-    const auto known = Design().FindDependent(*assignment.name);
+    if (changed.FindPredictor(*assignment.name))
+      throw Error("a response cannot have the name of a predictor", *assignment.name);
+    const auto known = changed.FindDependent(*assignment.name);
     ProfilerDependent added;
     added.name = *assignment.name;
-    dependent = known ? *known : Design().AddDependent(std::move(added));
+    dependent = known ? *known : changed.AddDependent(std::move(added));
   }
-  if (dependent >= Design().dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
+  if (dependent >= changed.dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
   const std::string expression(Trim(std::string_view(text).substr(assignment.begin)));
-  const auto notes = SetFormula(Design(), dependent, expression, GetInputTable());
+  const auto notes = SetFormula(changed, dependent, expression, GetInputTable());
+  Design() = std::move(changed);
   Refresh();
   ShowNotes(notes);
 }
@@ -424,12 +428,12 @@ std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::DefectProfile() {
   RequireSpecification();
   const SimulatedResponse response = Response();
   const ProfiledColumns columns = ColumnsOf(response.sheet, response.predictors, Design());
+  Analysis().Interface().ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(MakeDefectSheet(MakeDefectTable(columns.responses))));
   if (!FitsProfileLimit(columns.predictors.size(), columns.responses.size()))
     throw CDispatchException(szLoadResString(kMsgDefectProfileFailed),
                              szLoadResString(kMsgProfilerTooManyGraphs));
   auto graph = std::make_shared<CAnalysisGraphDoc>(MakeDefectGraph(columns.responses, columns.predictors));
-  Analysis().Interface().ShowDocument(
-      std::make_shared<CAnalysisTableDoc>(MakeDefectSheet(MakeDefectTable(columns.responses))));
   Analysis().Interface().ShowGraph(graph);
   return graph;
 }

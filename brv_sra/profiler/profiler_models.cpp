@@ -238,14 +238,21 @@ Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* da
   return notes;
 }
 
+// A name that a formula uses, and whether it stands in quotes somewhere.
+struct UsedName {
+  std::string text;
+  bool quoted = false;
+};
+
 // The names that a formula uses and that are no constants; none where it is not valid.
-std::vector<std::string> NamesIn(const std::string& formula) {
-  std::vector<std::string> names;
+std::vector<UsedName> NamesIn(const std::string& formula) {
+  std::vector<UsedName> names;
   const auto take = [&](std::string_view name, bool quoted) -> std::optional<std::size_t> {
     if (!quoted && FormulaConstant(name)) return std::nullopt;
-    const auto place = std::ranges::find(names, name);
+    const auto place = std::ranges::find(names, name, &UsedName::text);
     const auto index = static_cast<std::size_t>(place - names.begin());
-    if (place == names.end()) names.emplace_back(name);
+    if (place == names.end()) names.push_back({std::string(name)});
+    names[index].quoted = names[index].quoted || quoted;
     return index;
   };
   try {
@@ -256,7 +263,7 @@ std::vector<std::string> NamesIn(const std::string& formula) {
   return names;
 }
 
-// "v1", "v2", …: a variable by its number, as formulas name them.
+// "v1", "v2", …: a predictor by its number, where neither the data nor quotes make it a name.
 bool IsVariableNumber(std::string_view name) {
   return name.size() > 1 && (name[0] == 'v' || name[0] == 'V') && ParseInteger(name.substr(1)).has_value();
 }
@@ -308,11 +315,17 @@ std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
 std::vector<ProfilerNote> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
                                      const Spreadsheet* data) {
   const std::size_t known = design.predictors.size();
-  for (const std::string& name : NamesIn(formula)) {
-    if (design.FindPredictor(name) || IsVariableNumber(name)) continue;
+  const std::vector<UsedName> names = NamesIn(formula);
+  for (const UsedName& name : names) {
+    if (design.FindPredictor(name.text) || !design.FindDependent(name.text)) continue;
+    throw Error("a formula cannot use a response, '" + name.text + "'", design.dependents[dependent].name);
+  }
+  for (const UsedName& name : names) {
+    if (design.FindPredictor(name.text)) continue;
     ProfilerPredictor predictor;
-    predictor.name = name;
+    predictor.name = name.text;
     const Variable* variable = DataOf(predictor, data);
+    if (variable == nullptr && !name.quoted && IsVariableNumber(name.text)) continue;
     if (variable != nullptr && variable->Type() == VariableType::kText) {
       predictor.categorical = true;
       predictor.labels = variable->Labels();
