@@ -8,6 +8,7 @@
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/profiler/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/automation/automation_failure.h"
@@ -478,6 +479,20 @@ TEST_F(ProfilerDialog, DesignOutlivesTheDialogButNotItsInput) {
   EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
   Open();
   EXPECT_EQ(Get("PredictionFormula"), "A + B");
+}
+
+TEST(ProfilerSpecification, CategoriesAreFixedByNameOrByACodeThatThereIs) {
+  ProfilerPredictor predictor;
+  predictor.name = "grade";
+  predictor.labels = {{1, "low"}, {2, "high"}};
+  SetSpecification(predictor, Variant::Array{"Fixed", "high"});
+  EXPECT_EQ(predictor.fixedValue, 2);
+  SetSpecification(predictor, Variant::Array{"Fixed", 1});
+  EXPECT_EQ(predictor.fixedValue, 1);
+  for (const Variant& wrong : {Variant(7), Variant("middle")}) {
+    EXPECT_THROW(SetSpecification(predictor, Variant::Array{"Fixed", wrong}), Error);
+    EXPECT_EQ(predictor.fixedValue, 1);
+  }
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "brv_sra/profiler/profiler_specification.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <span>
@@ -69,9 +70,18 @@ bool IsFixedKey(const Variant& key) {
   return key.IsText() && key.ToText() == ResourceString(kProfilerFixed);
 }
 
+// The code of a class by its name; a number as it is.
+double FixedValue(const ProfilerPredictor& predictor, const Variant& value) {
+  const auto named = std::ranges::find_if(
+      predictor.labels, [&](const auto& label) { return value.IsText() && label.second == value.ToText(); });
+  return named != predictor.labels.end() ? named->first : value.ToReal();
+}
+
 void Fix(ProfilerPredictor& predictor, const Variant& value) {
-  const double fixed = value.ToReal();
+  const double fixed = FixedValue(predictor, value);
   if (!std::isfinite(fixed)) throw Error("no finite number: " + value.ToText());
+  if (!predictor.labels.empty() && !predictor.labels.contains(fixed))
+    throw Error("no class of the predictor: " + value.ToText(), predictor.name);
   predictor.setting = PredictorSetting::kFixed;
   predictor.fixedValue = fixed;
 }
