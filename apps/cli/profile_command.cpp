@@ -228,13 +228,7 @@ std::string WriteSimulated(const std::filesystem::path& path, CAnalysisTableDoc&
     job.Called(nullptr, "Append", {PythonPath(path), job.NameOf(&simulated)});
     return AppendToProject(path, std::move(sheets)).front();
   }
-  if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(simulated.Table(), path);
-    job.Called(&simulated, "sheet.to_npz", {PythonPath(path)});
-  } else {
-    WriteCsvFile(simulated.Table(), path, {});
-    job.Called(&simulated, "sheet.to_csv", {PythonPath(path)});
-  }
+  WriteRecorded(path, simulated, job);
   return {};
 }
 

@@ -5,6 +5,7 @@
 #include "apps/cli/session.h"
 #include "host/application/project_files.h"
 #include "host/base/output_file.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -54,6 +55,16 @@ void Recording::Commit() const {
   OutputFile file(file_);
   file.Write(recorder_.Text("Recorded by brenvolt " BRENVOLT_VERSION ":\n" + TheCall()));
   file.Commit();
+}
+
+void WriteRecorded(const std::filesystem::path& path, const CAnalysisTableDoc& document, JobRecorder& job) {
+  if (IsNumpyArchiveName(path)) {
+    WriteNumpyArchive(document.Table(), path);
+    job.Called(&document, "sheet.to_npz", {PythonPath(path)});
+    return;
+  }
+  WriteCsvFile(document.Table(), path, {});
+  job.Called(&document, "sheet.to_csv", {PythonPath(path)});
 }
 
 }  // namespace brenvolt::cli

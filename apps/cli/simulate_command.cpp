@@ -176,17 +176,10 @@ Destination Write(const SimulateOptions& options, const Products& products, JobR
   if (path.empty()) return {};
   if (HasProjectEnding(path)) return WriteIntoProject(path, products, job);
   if (products.output == nullptr) return {path, {}, {}, {}};
-  if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(products.output->Table(), path);
-    job.Called(products.output.get(), "sheet.to_npz", {PythonPath(path)});
-  } else {
-    WriteCsvFile(products.output->Table(), path, {});
-    job.Called(products.output.get(), "sheet.to_csv", {PythonPath(path)});
-  }
+  WriteRecorded(path, *products.output, job);
   if (products.repairedMatrix == nullptr || !IsRegularTarget(path)) return {path, {}, {}, {}};
   const auto matrix = path.parent_path() / (path.stem().string() + "-repaired-matrix.csv");
-  WriteCsvFile(products.repairedMatrix->Table(), matrix, {});
-  job.Called(products.repairedMatrix.get(), "sheet.to_csv", {PythonPath(matrix)});
+  WriteRecorded(matrix, *products.repairedMatrix, job);
   return {path, {}, matrix, {}};
 }
 

@@ -8,6 +8,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/cancellation.h"
@@ -196,8 +197,7 @@ void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiS
       }
     }
   };
-  const auto progress =
-      CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing), schedule.Samples() + 1);
+  const auto progress = Computing(port, static_cast<std::size_t>(schedule.Samples()) + 1);
   progress->ShowNow();
   ParallelForWatched(schedule.Workers(), work, [&] {
     try {

@@ -25,7 +25,7 @@ inline constexpr std::int32_t kUsualRuns = 5000;  // what takes the place of an 
 enum class PredictorSetting : std::uint8_t {
   kNone,   // nothing is specified; no run is possible
   kFixed,  // one value in every run
-  kRandom  // drawn from the specification
+  kRandom  // drawn from its distribution
 };
 
 struct ProfilerPredictor {

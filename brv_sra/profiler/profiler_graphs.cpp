@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -113,8 +114,7 @@ Graph ProfileGraph(const ProfiledColumns& columns, ProgressPort& port) {
   const std::size_t m = columns.predictors.size();
   const std::size_t d = columns.responses.size();
   if (!FitsProfileLimit(m, d)) throw Error(std::string(ResourceString(kMsgProfilerTooManyGraphs)));
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                                         static_cast<std::int64_t>(m * d + 1));
+  const auto progress = Computing(port, m * d + 1);
   progress->ShowNow();
   Graph graph;
   graph.kind = GraphKind::kSummary;

@@ -9,6 +9,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/profiler/profiler_prediction.h"
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/correlation_induction.h"
@@ -152,8 +153,7 @@ void DrawRandom(const ProfilerDesign& design, std::span<const std::span<double>>
     run.repair = std::move(induction.repair);
     run.scoreCorrection = induction.scoreCorrection;
   } else {
-    const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                                           static_cast<std::int64_t>(runs * k + 1));
+    const auto progress = Computing(port, runs * k + 1);
     if (!GenerateMonteCarlo(draws, matrix.Span(), *progress)) status = SimulationStatus::kDistributionFailure;
   }
   if (status == SimulationStatus::kMemoryFailure) throw std::bad_alloc();
@@ -264,9 +264,7 @@ ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port) {
   Seed(design);
   DrawRandom(design, predictors, port, run);
   if (!run.message.empty()) return run;
-  const auto progress = CKroProgressBar::new_ProgressBar(
-      port, ResourceString(kProgressComputing),
-      static_cast<std::int64_t>(design.runs) * static_cast<std::int64_t>(d) + 1);
+  const auto progress = Computing(port, static_cast<std::size_t>(design.runs) * d + 1);
   progress->ShowNow();
   const std::vector<std::span<const double>> drawn(predictors.begin(), predictors.end());
   prediction.Predict(drawn, dependents, *progress);

@@ -56,7 +56,7 @@ struct ProfilerFault {
 };
 std::optional<ProfilerFault> CheckDesign(const ProfilerDesign& design);
 
-// The columns of a run's output, with the specifications that the design has now: what capability, summaries,
+// The columns of a run's output, with the limits that the design has now: what capability, summaries,
 // sensitivity and the defect profile are made of. Dependents by name; those that the design does not have (or
 // no longer) have no specification. The views live as long as the output is not changed.
 struct ProfiledColumns {

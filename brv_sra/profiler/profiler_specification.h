@@ -3,7 +3,7 @@
 //
 // A predictor is written as an array: the key of a distribution ("scNormalDistr", "Normal", or its code), its
 // values in catalogue order, the offset where the type has one, then its truncation: below (0 or 1), minimum,
-// above (0 or 1), maximum; or "Fixed" and the value; or nothing, which takes the specification away. The
+// above (0 or 1), maximum; or "Fixed" and the value; or nothing, which takes the distribution away. The
 // truncation may be left out, but for the user-defined discrete distribution, whose values come in pairs; a
 // value that is left out is empty.
 #pragma once
@@ -17,7 +17,7 @@
 namespace brenvolt::sra {
 
 // Sets the predictor from its array; a number alone fixes it. Throws Error with the message to show, and the
-// predictor stays as it was, where the array is none or the specification is not valid.
+// predictor stays as it was, where the array is none or the distribution is not valid.
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value);
 Variant SpecificationArray(const ProfilerPredictor& predictor);
 

@@ -37,7 +37,7 @@ struct SimulatedResponse {
 VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port);
 
 // Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
-// where the specification is not valid. With fits of which the best is not the normal distribution and the
+// where the limits are not valid. With fits of which the best is not the normal distribution and the
 // normal one is rejected at 5 % (Anderson & Darling), indices and parts per million by the points of the best
 // distribution follow, which the column "(Params Description)" names; they are missing otherwise.
 std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& response, const VariableFit& fit);
@@ -54,8 +54,8 @@ inline constexpr std::size_t kSummaryDocuments = 5;
 std::vector<std::unique_ptr<Spreadsheet>> SummaryDocuments(const SimulatedResponse& response);
 
 // A graph of two panels: the histogram with the best fit, where there is one, and a line for each value of
-// the specification that is given; and a tornado graph, a bar of the rank correlation for each predictor, the
-// longest first. Throws Error where no run has a prediction.
+// the limits and the target that is given; and a tornado graph, a bar of the rank correlation for each
+// predictor, the longest first. Throws Error where no run has a prediction.
 Graph SummaryGraphs(const SimulatedResponse& response, const VariableFit& fit);
 
 }  // namespace brenvolt::sra

@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/matrix_columns.h"
@@ -146,11 +147,6 @@ void SpreadColumns(std::span<double> matrix, std::size_t n, std::span<const std:
     std::fill_n(matrix.data() + i * stride, stride, 0.0);
     for (std::size_t c = 0; c < k; ++c) matrix[i * stride + places[c]] = row[c];
   }
-}
-
-std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps) {
-  return CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                          static_cast<std::int64_t>(steps));
 }
 
 SimulationStatus GenerateOnly(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port) {

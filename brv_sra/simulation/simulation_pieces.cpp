@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/column_draws.h"
@@ -31,9 +32,7 @@ class PiecewiseSimulation {
       : design_(design),
         active_(design.ActiveVariables()),
         samples_(static_cast<std::size_t>(design.numberOfSamples)),
-        progress_(
-            CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                             static_cast<std::int64_t>(samples_ * active_.size() + 1))) {
+        progress_(Computing(port, samples_ * active_.size() + 1)) {
     summaries_.resize(active_.size());
   }
 

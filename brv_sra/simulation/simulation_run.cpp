@@ -10,6 +10,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/variable_properties.h"
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/correlation_induction.h"
@@ -44,8 +45,7 @@ using Generate = void (*)(const SimulationDesign&, std::span<double>, ProgressPo
 template <bool (*Generator)(const SimulationDesign&, std::span<double>, CKroProgressBar&)>
 void GenerateIndependent(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port,
                          SimulationRun& run) {
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                                         static_cast<std::int64_t>(matrix.size() + 1));
+  const auto progress = Computing(port, matrix.size() + 1);
   if (!Generator(design, matrix, *progress)) run.status = SimulationStatus::kDistributionFailure;
 }
 

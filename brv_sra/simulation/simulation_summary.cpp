@@ -6,6 +6,7 @@
 #include <exception>
 #include <utility>
 
+#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/controls/polled_loop.h"
@@ -20,11 +21,6 @@ constexpr std::array<int, 9> kPercents{1, 5, 10, 25, 50, 75, 90, 95, 99};
 constexpr std::array<std::int32_t, 7> kMomentColumns{
     kColumnCount,   kColumnMean,   kColumnStandardDeviation, kColumnSkewness, kColumnKurtosis,
     kColumnMinimum, kColumnMaximum};
-
-std::unique_ptr<CKroProgressBar> Computing(ProgressPort& port, std::size_t steps) {
-  return CKroProgressBar::new_ProgressBar(port, ResourceString(kProgressComputing),
-                                          static_cast<std::int64_t>(steps));
-}
 
 std::vector<double> SummaryOf(const Variable& variable) {
   std::vector<double> valid;
