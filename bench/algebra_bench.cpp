@@ -7,12 +7,12 @@
 #include <numeric>
 #include <vector>
 
-#include "host/numeric/cholesky.h"
-#include "host/numeric/correlation.h"
-#include "host/numeric/matrix_product.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/sorting.h"
-#include "host/numeric/symmetric_eigen.h"
+#include "host/numeric/algebra/cholesky.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/algebra/matrix_product.h"
+#include "host/numeric/algebra/symmetric_eigen.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt {
 namespace {

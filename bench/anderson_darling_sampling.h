@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "host/base/parallel.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::bench {
 

@@ -12,7 +12,7 @@
 
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -12,7 +12,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "host/numeric/estimators.h"
+#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {

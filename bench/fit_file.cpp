@@ -15,7 +15,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/estimation.h"
 #include "host/base/error.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/vector/sorting.h"
 #include "host/tables/csv.h"
 
 namespace brenvolt::sra {

@@ -8,7 +8,7 @@
 #include "host/base/parallel.h"
 #include "host/formula/expression.h"
 #include "host/formula/formula.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt {
 namespace {

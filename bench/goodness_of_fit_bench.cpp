@@ -7,7 +7,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/anderson_darling.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace {
 

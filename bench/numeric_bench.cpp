@@ -15,10 +15,10 @@
 #include <string_view>
 #include <vector>
 
-#include "host/numeric/distributions.h"
-#include "host/numeric/kolmogorov_smirnov.h"
-#include "host/numeric/mixture_expectation.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/estimation/mixture_expectation.h"
+#include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt {
 namespace {

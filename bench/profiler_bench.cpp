@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "bench/forest.h"
-#include "brv_sra/profiler/profiler_graphs.h"
+#include "brv_sra/profiler/dialogs/profiler_graphs.h"
 #include "brv_sra/profiler/profiler_models.h"
 #include "brv_sra/profiler/profiler_run.h"
 #include "host/analysis/headless_user_interface.h"

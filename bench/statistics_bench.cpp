@@ -4,7 +4,7 @@
 #include <span>
 #include <vector>
 
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 #include "host/statistics/capability.h"
 #include "host/statistics/sensitivity.h"
 

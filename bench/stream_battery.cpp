@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "host/base/parallel.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 #include "stream_tests.h"
 
 namespace brenvolt {

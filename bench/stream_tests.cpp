@@ -8,11 +8,11 @@
 #include <cstdint>
 #include <numeric>
 
-#include "host/numeric/distributions.h"
-#include "host/numeric/kolmogorov_smirnov.h"
-#include "host/numeric/sorting.h"
-#include "host/numeric/standard_normal.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
+#include "host/numeric/vector/sorting.h"
+#include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::stream_tests {
 namespace {

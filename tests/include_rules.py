@@ -13,48 +13,57 @@ from typing import NamedTuple
 
 class Room(NamedTuple):
     folder: str
-    files: str  # "all", or the kind that this row is for: "headers", "sources", "engine", "dialogs"
     folders: str  # whose files they may include, and through these what those may include; their own folder always
     foreign: str  # headers from outside the tree, beside the standard library: "system", "third-party", "drawing"
 
 
-# "host" stands for every folder of host/ but drawing, which is a library of its own; "brv_sra" for all of brv_sra/.
+# A name stands for all the folders of the table below it, but "host" leaves out drawing, a library of its own.
 ROOMS = (
-    Room("host/base", "all", "", "system third-party"),
-    Room("host/numeric", "all", "host/base", "third-party"),
-    Room("host/tables", "all", "host/base", "third-party"),
-    Room("host/controls", "all", "host/base", "third-party"),
-    Room("host/automation", "all", "host/base", "third-party"),
-    Room("host/statistics", "all", "host/numeric host/tables", "third-party"),
-    Room("host/formula", "all", "host/numeric", "third-party"),
-    Room("host/models", "all", "host/formula host/tables", "third-party"),
-    Room("host/graphs", "all", "host/tables host/statistics host/formula", "third-party"),
-    Room("host/analysis", "all", "host/controls host/tables host/graphs host/automation", "third-party"),
-    Room("host/application", "all", "host", "third-party"),
-    Room("host/drawing", "all", "host/graphs", "third-party drawing"),
-    # Every folder may show the texts of resources. Dialogs also stand on the headers of frame; the engine beside them
-    # knows no dialog.
-    Room("brv_sra/resources", "all", "host", ""),
-    Room("brv_sra/frame", "headers", "brv_sra/distributions host", ""),
-    Room("brv_sra/frame", "sources", "brv_sra", ""),
-    Room("brv_sra/distributions", "all", "brv_sra/resources host", ""),
-    Room("brv_sra/matrix", "engine", "brv_sra/resources host", ""),
-    Room("brv_sra/matrix", "dialogs", "brv_sra/frame brv_sra/resources host", ""),
-    Room("brv_sra/fitting", "engine", "brv_sra/distributions brv_sra/matrix host", ""),
-    Room("brv_sra/fitting", "dialogs", "brv_sra/frame brv_sra/distributions brv_sra/matrix host", ""),
-    Room("brv_sra/simulation", "engine", "brv_sra/distributions brv_sra/matrix host", ""),
-    Room("brv_sra/simulation", "dialogs", "brv_sra/frame brv_sra/distributions brv_sra/matrix host", ""),
-    Room("brv_sra/profiler", "engine", "brv_sra/distributions brv_sra/fitting brv_sra/matrix brv_sra/simulation host",
-         ""),
-    Room("brv_sra/profiler", "dialogs",
-         "brv_sra/frame brv_sra/distributions brv_sra/fitting brv_sra/simulation host", ""),
-    Room("apps/cli", "all", "host", "third-party"),
-    Room("apps/desktop", "all", "host host/drawing", "third-party drawing"),
-    Room("bindings/python", "all", "host", "third-party"),
-    Room("bench", "all", "host brv_sra", "third-party"),
-    Room("tests", "all", "host brv_sra", "system third-party"),
+    Room("host/base", "", "system third-party"),
+    Room("host/numeric/special", "host/base", "third-party"),
+    Room("host/numeric/vector", "host/numeric/special", "third-party"),
+    Room("host/numeric/random", "host/numeric/vector", "third-party"),
+    Room("host/numeric/algebra", "host/numeric/vector", "third-party"),
+    Room("host/numeric/estimation", "host/numeric/vector", "third-party"),
+    Room("host/numeric/distributions", "host/numeric/estimation", "third-party"),
+    Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
+    Room("host/numeric/goodness_of_fit", "host/numeric/distributions", "third-party"),
+    Room("host/tables", "host/base", "third-party"),
+    Room("host/controls", "host/base", "third-party"),
+    Room("host/automation", "host/base", "third-party"),
+    Room("host/statistics", "host/numeric host/tables", "third-party"),
+    Room("host/formula", "host/numeric", "third-party"),
+    Room("host/models/document", "host/base", "third-party"),
+    Room("host/models/transformations", "host/models/document host/formula host/tables", "third-party"),
+    Room("host/models/kinds", "host/models/transformations", "third-party"),
+    Room("host/models", "host/models/kinds", "third-party"),
+    Room("host/graphs", "host/tables host/statistics host/formula", "third-party"),
+    Room("host/analysis", "host/controls host/tables host/graphs host/automation", "third-party"),
+    Room("host/application", "host", "third-party"),
+    Room("host/drawing", "host/graphs", "third-party drawing"),
+    # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
+    # meet in the folder module alone.
+    Room("brv_sra/resources", "host", ""),
+    Room("brv_sra/distributions", "brv_sra/resources", ""),
+    Room("brv_sra/matrix", "brv_sra/resources", ""),
+    Room("brv_sra/fitting", "brv_sra/distributions brv_sra/matrix", ""),
+    Room("brv_sra/simulation", "brv_sra/distributions brv_sra/matrix", ""),
+    Room("brv_sra/profiler", "brv_sra/fitting brv_sra/simulation", ""),
+    Room("brv_sra/frame", "brv_sra/distributions", ""),
+    Room("brv_sra/fitting/dialogs", "brv_sra/frame brv_sra/fitting", ""),
+    Room("brv_sra/simulation/dialogs", "brv_sra/frame brv_sra/simulation", ""),
+    Room("brv_sra/profiler/dialogs", "brv_sra/frame brv_sra/profiler brv_sra/fitting/dialogs", ""),
+    Room("brv_sra/module", "brv_sra", ""),
+    Room("apps/cli", "host", "third-party"),
+    Room("apps/desktop", "host host/drawing", "third-party drawing"),
+    Room("bindings/python", "host", "third-party"),
+    Room("bench", "host brv_sra", "third-party"),
+    Room("tests", "host brv_sra", "system third-party"),
 )
-# What a *_test file may include beyond what its subject may: the test framework's headers and these.
+# Where the table names no folder below it, a name that stands for several.
+GROUPS = ("host", "host/numeric", "brv_sra")
+# What a *_test file may include beyond what its subject may: the other folders of the same part of the tree
+# (host/numeric, brv_sra/profiler), the test framework's headers and these.
 TEST_FRAMEWORK = ("gtest/", "gmock/")
 TEST_FOREIGN = "system"
 
@@ -84,10 +93,6 @@ TOPS = ("host", "brv_sra", "apps", "bindings", "bench", "tests")
 ENDINGS = (".h", ".hpp", ".inc", ".cpp", ".cc")
 
 
-def is_source(path):
-    return path.endswith((".cpp", ".cc"))
-
-
 def subject(path):
     """The name of the file without its ending, a test taken for what it tests."""
     return re.sub(r"_(test|fuzz)$", "", os.path.splitext(os.path.basename(path))[0])
@@ -102,15 +107,6 @@ def is_dialog(path):
     return path.startswith("brv_sra/") and subject(path).endswith(("_dialog", "_automation"))
 
 
-KINDS = {
-    "all": lambda path: True,
-    "headers": lambda path: not is_source(path),
-    "sources": is_source,
-    "engine": lambda path: not is_dialog(path),
-    "dialogs": is_dialog,
-}
-
-
 def folder_of(path):
     """The folder of the table that the path lies in; for one outside the table, its own directory."""
     named = [room.folder for room in ROOMS if path.startswith(room.folder + "/")]
@@ -119,40 +115,41 @@ def folder_of(path):
 
 def room_of(path):
     folder = folder_of(path)
-    return next((room for room in ROOMS if room.folder == folder and KINDS[room.files](path)), None)
+    return next((room for room in ROOMS if room.folder == folder), None)
 
 
 def named_folders(text):
-    groups = {"host": lambda folder: folder.startswith("host/") and folder != "host/drawing",
-              "brv_sra": lambda folder: folder.startswith("brv_sra/")}
     for name in text.split():
-        yield from ({room.folder for room in ROOMS if groups[name](room.folder)} if name in groups else {name})
+        if name not in GROUPS:
+            yield name
+            continue
+        for room in ROOMS:
+            if room.folder.startswith(name + "/") and (name, room.folder) != ("host", "host/drawing"):
+                yield room.folder
 
 
 def reachable(folders):
-    """The folders, and those that what they offer others (headers, engine) may include."""
+    """The folders, and those that they may include."""
     seen, waiting = set(), list(folders)
     while waiting:
         folder = waiting.pop()
         if folder not in seen:
             seen.add(folder)
-            waiting += [further for room in ROOMS if room.folder == folder and room.files in ("all", "headers", "engine")
-                        for further in named_folders(room.folders)]
+            waiting += [further for room in ROOMS if room.folder == folder for further in named_folders(room.folders)]
     return seen
+
+
+def is_beside(path, folder):
+    """A test may include what lies beside its subject in the same part of the tree."""
+    return is_test(path) and folder.split("/")[:2] == path.split("/")[:2]
 
 
 def fault(path, target):
     """Why the file may not include the file `target` of the tree: the text for "may not include", or None."""
     room, folder = room_of(path), folder_of(target)
-    if folder != room.folder and folder not in reachable(named_folders(room.folders)):
+    if folder != room.folder and folder not in reachable(named_folders(room.folders)) and not is_beside(path, folder):
         return folder
-    if not is_dialog(target) or room.files == "sources":
-        return None
-    if room.files == "headers":
-        return f"{target}: a header of {room.folder} knows no dialog"
-    if path.startswith("brv_sra/") and not is_dialog(path):
-        return f"{target}: an engine file knows no dialog"
-    if is_dialog(path) and folder not in (room.folder, "brv_sra/frame"):
+    if is_dialog(target) and path.startswith("brv_sra/") and folder != room.folder and room.folder != "brv_sra/module":
         return f"{target}: a dialog of another folder"
     return None
 
@@ -206,14 +203,19 @@ def violations(root):
 # A file, an include line in it, and what the checker must say after "may not include"; None where it is clean.
 SELF_TESTS = (
     ("host/base/a.cpp", "<unistd.h>", None),
-    ("host/base/a.cpp", '"host/numeric/n.h"', "host/numeric"),
-    ("host/numeric/a.cpp", '"host/base/b.h"', None),
-    ("host/numeric/a.cpp", "<sys/stat.h>", "<sys/stat.h>: system header"),
-    ("host/numeric/a.cpp", "  <boost/math/x.hpp>", None),
-    ("host/numeric/a.h", '"host/tables/t.h"', "host/tables"),
+    ("host/base/a.cpp", '"host/numeric/special/n.h"', "host/numeric/special"),
+    ("host/numeric/algebra/a.cpp", '"host/base/b.h"', None),
+    ("host/numeric/algebra/a.cpp", "<sys/stat.h>", "<sys/stat.h>: system header"),
+    ("host/numeric/algebra/a.cpp", "  <boost/math/x.hpp>", None),
+    ("host/numeric/algebra/a.h", '"host/tables/t.h"', "host/tables"),
+    ("host/numeric/estimation/a.h", '"host/numeric/distributions/d.h"', "host/numeric/distributions"),
+    ("host/numeric/estimation/a_test.cpp", '"host/numeric/distributions/d.h"', None),
     ("host/statistics/a.cpp", '"host/base/b.h"', None),
-    ("host/tables/a.cpp", '"../numeric/n.h"', "host/numeric"),
+    ("host/statistics/a.cpp", '"host/numeric/algebra/b.h"', None),
+    ("host/tables/a.cpp", '"../numeric/special/n.h"', "host/numeric/special"),
     ("host/tables/a.cpp", '"brv_sra/fitting/estimation.h"', "brv_sra/fitting"),
+    ("host/models/kinds/a.cpp", '"host/models/b.h"', "host/models"),
+    ("host/models/a.cpp", '"host/models/kinds/b.h"', None),
     ("host/application/a.cpp", '"host/analysis/b.h"', None),
     ("host/application/a.cpp", '"host/drawing/d.h"', "host/drawing"),
     ("host/application/a.cpp", "<brv_sra/frame/f.h>", "brv_sra/frame"),
@@ -234,18 +236,17 @@ SELF_TESTS = (
     ("brv_sra/distributions/a.cpp", '"brv_sra/fitting/estimation.h"', "brv_sra/fitting"),
     ("brv_sra/simulation/a.cpp", '"brv_sra/matrix/m.h"', None),
     ("brv_sra/simulation/a.cpp", '"brv_sra/frame/f.h"', "brv_sra/frame"),
-    ("brv_sra/simulation/run_dialog.cpp", '"brv_sra/frame/f.h"', None),
-    ("brv_sra/simulation/run_automation.cpp", '"brv_sra/simulation/run_dialog.h"', None),
-    ("brv_sra/simulation/run_dialog_test.cpp", '"brv_sra/simulation/run_dialog.h"', None),
-    ("brv_sra/fitting/estimation.cpp", '"brv_sra/fitting/fit_dialog.h"',
-     "brv_sra/fitting/fit_dialog.h: an engine file knows no dialog"),
-    ("brv_sra/profiler/profiler_dialog.cpp", '"brv_sra/fitting/fit_dialog.h"',
-     "brv_sra/fitting/fit_dialog.h: a dialog of another folder"),
-    ("brv_sra/profiler/profiler_dialog.cpp", '"brv_sra/fitting/estimation.h"', None),
-    ("brv_sra/frame/f.cpp", '"brv_sra/fitting/fit_dialog.h"', None),
+    ("brv_sra/simulation/dialogs/run_dialog.cpp", '"brv_sra/frame/f.h"', None),
+    ("brv_sra/simulation/dialogs/run_automation.cpp", '"brv_sra/simulation/dialogs/run_dialog.h"', None),
+    ("brv_sra/fitting/estimation.cpp", '"brv_sra/fitting/dialogs/fit_dialog.h"', "brv_sra/fitting/dialogs"),
+    ("brv_sra/profiler/run_test.cpp", '"brv_sra/profiler/dialogs/graphs.h"', None),
+    ("brv_sra/profiler/dialogs/profiler_dialog.cpp", '"brv_sra/fitting/dialogs/fit_dialog.h"',
+     "brv_sra/fitting/dialogs/fit_dialog.h: a dialog of another folder"),
+    ("brv_sra/profiler/dialogs/profiler_dialog.cpp", '"brv_sra/fitting/dialogs/fit_documents.h"', None),
+    ("brv_sra/profiler/dialogs/profiler_dialog.cpp", '"brv_sra/fitting/estimation.h"', None),
+    ("brv_sra/module/f.cpp", '"brv_sra/fitting/dialogs/fit_dialog.h"', None),
     ("brv_sra/frame/f.h", '"brv_sra/fitting/estimation.h"', "brv_sra/fitting"),
-    ("brv_sra/frame/f.h", '"brv_sra/frame/start_dialog.h"',
-     "brv_sra/frame/start_dialog.h: a header of brv_sra/frame knows no dialog"),
+    ("brv_sra/frame/f.cpp", '"brv_sra/module/start.h"', "brv_sra/module"),
     ("apps/cli/a.cpp", '"host/application/b.h"', None),
     ("apps/cli/a.cpp", "<CLI/CLI.hpp>", None),
     ("apps/cli/a.cpp", "<unistd.h>", "<unistd.h>: system header"),
@@ -262,7 +263,7 @@ def self_test():
     failures = []
     for path, include, expected in SELF_TESTS:
         with tempfile.TemporaryDirectory() as root:
-            for name, text in (("host/numeric/n.h", ""), (path, f"// first line\n#include {include}\n")):
+            for name, text in (("host/numeric/special/n.h", ""), (path, f"// first line\n#include {include}\n")):
                 os.makedirs(os.path.join(root, os.path.dirname(name)), exist_ok=True)
                 with open(os.path.join(root, name), "w", encoding="utf-8") as file:
                     file.write(text)

@@ -9,7 +9,7 @@
 
 #include "apps/cli/text_table.h"
 #include "host/base/number_text.h"
-#include "host/numeric/symmetric_eigen.h"
+#include "host/numeric/algebra/symmetric_eigen.h"
 
 namespace brenvolt::cli {
 namespace {

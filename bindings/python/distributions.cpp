@@ -12,9 +12,9 @@
 #include "bindings/python/arrays.h"
 #include "bindings/python/module.h"
 #include "host/base/number_text.h"
-#include "host/numeric/distribution_values.h"
-#include "host/numeric/law_functions.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/distributions/law_functions.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace py = pybind11;
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/distribution_values.h"
-#include "host/numeric/law_functions.h"
+#include "host/numeric/distributions/law_functions.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {
 namespace {

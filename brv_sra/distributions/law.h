@@ -10,7 +10,7 @@ namespace brenvolt::sra {
 
 // A view of a type with its values in catalogue order and its offset; the values must outlive it. An offset
 // that is not set counts as 0; types without one ignore it. Functions, their accuracy, and what they answer
-// for invalid values (kInvalidProbability, kInvalidQuantile): host/numeric/distributions.h.
+// for invalid values (kInvalidProbability, kInvalidQuantile): host/numeric/distributions/distributions.h.
 class Law {
  public:
   explicit Law(const DistributionSpecification& specification);

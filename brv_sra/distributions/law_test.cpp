@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "host/numeric/distribution_values.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -7,8 +7,8 @@
 
 #include "brv_sra/fitting/anderson_darling_tables.h"
 #include "host/base/error.h"
-#include "host/numeric/exact_sums.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/special/exact_sums.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -26,7 +26,7 @@
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "host/controls/progress_bar.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 

@@ -14,8 +14,8 @@
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
-#include "host/numeric/kolmogorov_smirnov.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

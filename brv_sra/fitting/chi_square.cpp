@@ -8,8 +8,8 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
 #include "host/base/axis_scaling.h"
-#include "host/numeric/chi_square.h"
-#include "host/numeric/distribution_values.h"
+#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -17,7 +17,7 @@
 #include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
-#include "host/numeric/estimators.h"
+#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "host/base/number_text.h"
-#include "host/numeric/correlation.h"
+#include "host/numeric/algebra/correlation.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt::sra {

@@ -16,7 +16,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -5,7 +5,7 @@
 #include <span>
 
 #include "brv_sra/fitting/fit_state.h"
-#include "host/numeric/kolmogorov_smirnov.h"
+#include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 
 namespace brenvolt::sra {
 

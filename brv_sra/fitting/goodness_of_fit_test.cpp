@@ -11,7 +11,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "brv_sra/distributions/law.h"
-#include "host/numeric/estimator_support.h"
-#include "host/numeric/standard_normal.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 namespace {

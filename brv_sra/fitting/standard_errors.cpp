@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/estimator_support.h"
-#include "host/numeric/log_one_plus.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/special/log_one_plus.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -12,8 +12,8 @@
 #include <numeric>
 #include <vector>
 
-#include "host/numeric/estimator_support.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 namespace {

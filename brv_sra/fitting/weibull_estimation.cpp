@@ -7,8 +7,8 @@
 #include <limits>
 #include <vector>
 
-#include "host/numeric/estimator_support.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 namespace {

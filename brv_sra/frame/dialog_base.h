@@ -6,7 +6,7 @@
 #include <span>
 #include <string_view>
 
-#include "brv_sra/frame/module.h"
+#include "brv_sra/frame/loaded_module.h"
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "host/analysis/dialog_automation.h"
 

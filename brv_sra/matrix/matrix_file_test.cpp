@@ -8,7 +8,7 @@
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/utf8.h"
-#include "host/numeric/correlation.h"
+#include "host/numeric/algebra/correlation.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::sra {

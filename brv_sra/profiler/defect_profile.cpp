@@ -7,7 +7,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/number_text.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/vector/sorting.h"
 #include "host/statistics/equal_count_classes.h"
 
 namespace brenvolt::sra {

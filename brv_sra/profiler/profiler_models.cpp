@@ -18,7 +18,7 @@
 #include "host/formula/compiler.h"
 #include "host/formula/formula_error.h"
 #include "host/formula/functions.h"
-#include "host/numeric/correlation.h"
+#include "host/numeric/algebra/correlation.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt::sra {

@@ -17,8 +17,8 @@
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"
-#include "host/numeric/cholesky.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/algebra/cholesky.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 namespace {

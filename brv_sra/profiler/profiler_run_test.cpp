@@ -6,12 +6,12 @@
 #include <cmath>
 #include <functional>
 
-#include "brv_sra/profiler/profiler_graphs.h"
+#include "brv_sra/profiler/dialogs/profiler_graphs.h"
 #include "brv_sra/profiler/profiler_models.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt::sra {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "brv_sra/simulation/variable_sampler.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 

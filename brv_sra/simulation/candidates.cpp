@@ -5,8 +5,8 @@
 #include <cmath>
 #include <vector>
 
-#include "host/numeric/standard_normal.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 

@@ -10,7 +10,7 @@
 #include "brv_sra/simulation/simulation_design.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 

@@ -17,12 +17,12 @@
 #include "brv_sra/simulation/sample_generation.h"
 #include "host/base/parallel.h"
 #include "host/controls/polled_loop.h"
-#include "host/numeric/cholesky.h"
-#include "host/numeric/correlation.h"
-#include "host/numeric/distributions.h"
-#include "host/numeric/matrix_product.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/algebra/cholesky.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/algebra/matrix_product.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

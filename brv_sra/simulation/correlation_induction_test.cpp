@@ -15,10 +15,10 @@
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
-#include "host/numeric/correlation.h"
-#include "host/numeric/distributions.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

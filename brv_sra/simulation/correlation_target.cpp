@@ -5,8 +5,8 @@
 #include <limits>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/cholesky.h"
-#include "host/numeric/symmetric_eigen.h"
+#include "host/numeric/algebra/cholesky.h"
+#include "host/numeric/algebra/symmetric_eigen.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 
 namespace brenvolt::sra {
 namespace {

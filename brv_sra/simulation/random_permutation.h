@@ -5,7 +5,7 @@
 #include <span>
 
 #include "host/base/cancellation.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 

@@ -11,9 +11,9 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/simulation/simulation_design.h"
-#include "host/numeric/distributions.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra::reference {
 

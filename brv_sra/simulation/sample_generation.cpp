@@ -20,7 +20,7 @@
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"
 #include "host/controls/polled_loop.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -17,11 +17,11 @@
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
-#include "host/numeric/chi_square.h"
-#include "host/numeric/distributions.h"
-#include "host/numeric/kolmogorov_smirnov.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {

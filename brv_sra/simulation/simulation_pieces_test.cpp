@@ -10,7 +10,7 @@
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -10,8 +10,8 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/controls/polled_loop.h"
-#include "host/numeric/correlation.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/vector/sorting.h"
 #include "host/statistics/percentiles.h"
 
 namespace brenvolt::sra {

@@ -16,8 +16,8 @@
 #include "brv_sra/simulation/candidates.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/base/cancellation.h"
-#include "host/numeric/random_stream.h"
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/random/random_stream.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt::sra {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 
 namespace brenvolt {
 namespace {

@@ -5,7 +5,7 @@
 #include <numbers>
 #include <string>
 
-#include "host/numeric/vector_forms.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "host/base/error.h"
 #include "host/graphs/sorted_values.h"
-#include "host/numeric/distribution_values.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt {
 namespace {

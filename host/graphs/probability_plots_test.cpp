@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 
 namespace brenvolt {
 namespace {

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/models/model.h"
+#include "host/models/kinds/model.h"
 
 namespace brenvolt::pmml {
 

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/base/error.h"
-#include "host/models/pmml_document.h"
+#include "host/models/document/pmml_document.h"
 #include "host/models/prediction_model.h"
 #include "host/tables/csv.h"
 

@@ -7,7 +7,7 @@
 #include <numbers>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt {

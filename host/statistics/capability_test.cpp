@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions.h"
-#include "host/numeric/random_stream.h"
+#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/random/random_stream.h"
 
 namespace brenvolt {
 namespace {

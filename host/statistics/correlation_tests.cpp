@@ -6,8 +6,8 @@
 #include <cmath>
 #include <vector>
 
-#include "host/numeric/correlation.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/vector/sorting.h"
 
 namespace brenvolt {
 namespace {

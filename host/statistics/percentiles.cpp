@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 
 namespace brenvolt {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "host/base/parallel.h"
-#include "host/numeric/cholesky.h"
-#include "host/numeric/correlation.h"
-#include "host/numeric/sorting.h"
+#include "host/numeric/algebra/cholesky.h"
+#include "host/numeric/algebra/correlation.h"
+#include "host/numeric/vector/sorting.h"
 #include "host/statistics/equal_count_classes.h"
 #include "host/statistics/moments.h"
 

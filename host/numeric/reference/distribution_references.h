@@ -17,7 +17,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions.h"
+#include "host/numeric/distributions/distributions.h"
 
 namespace brenvolt::references {
 

@@ -1,0 +1,23 @@
+#include "brv_sra/fitting/dialogs/new_specification.h"
+
+#include <cstddef>
+
+namespace brenvolt::sra {
+
+ContinuousSpecification NewContinuousSpecification() {
+  ContinuousSpecification specification;
+  for (const DistributionCode code :
+       {DistributionCode::kNormal, DistributionCode::kJohnson, DistributionCode::kGeneralExtremeValue,
+        DistributionCode::kTriangular}) {
+    specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
+  }
+  return specification;
+}
+
+DiscreteSpecification NewDiscreteSpecification() {
+  DiscreteSpecification specification;
+  specification.fit.fill(true);
+  return specification;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,108 @@
+// The analysis object's members for the correlation matrix file: questions, messages and the exchange of the
+// input around the engine in brv_sra/matrix.
+#include <algorithm>
+
+#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/profiler/dialogs/profiler_dialog.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/automation/variable_list.h"
+
+namespace brenvolt::sra {
+namespace {
+
+// The variables chosen from `names`; none when the person cancelled. Those in `preset` are chosen beforehand.
+std::vector<std::string> AskForVariables(UserInterface& userInterface, const std::vector<std::string>& names,
+                                         const std::vector<std::string>& preset) {
+  VariableQuestion question;
+  question.caption = ResourceString(kMatrixSelectVariables);
+  question.firstListCaption = ResourceString(kMatrixSelectVariablesList);
+  question.names = names;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (std::ranges::find(preset, names[i]) != preset.end()) question.first.push_back(VariableNumberOf(i));
+  }
+  if (!userInterface.SelectVariables(question)) return {};
+  std::vector<std::string> chosen;
+  for (const std::int16_t number : question.first) {
+    if (number >= 1 && static_cast<std::size_t>(number) <= names.size())
+      chosen.push_back(names[static_cast<std::size_t>(number - 1)]);
+  }
+  return chosen;
+}
+
+}  // namespace
+
+std::int32_t CSimulationAndRisk::ValidateInputMatrixFile(HWND /*parent*/) {
+  matrix_->attached = false;
+  matrix_->file = {};
+  if (!MatrixIsOK()) return 0;
+  MatrixReading reading =
+      ReadMatrixFile(*InputTable(), {.useCaseSelection = CaseSelectionEnabled(),
+                                     .isCancelled = [this] { return Interface().IsExternallyCancelled(); }});
+  if (!reading.IsValid()) {
+    if (reading.Message() != 0) ShowMessage(std::string(ResourceString(reading.Message())));
+    return 0;
+  }
+  matrix_->file = std::move(reading.file);
+  matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->file.variables.size());
+  matrix_->attached = true;
+  matrix_->symmetric = IsCorrelationMatrixSymmetric() != 0;
+  return 1;
+}
+
+std::int32_t CSimulationAndRisk::ValidateOrDesignInputMatrixFile() {
+  if (ValidateInputMatrixFile() != 0) {
+    UpdateFromInputMatrixFile();
+    return 1;
+  }
+  if (IsUnderAutomation() || Document() == nullptr) return 0;
+  const MessageAnswer answer = ShowMessage(std::string(ResourceString(kMsgMatrixCreateQuestion)), {},
+                                           MessageIcon::kInformation, MessageButtons::kOkCancel);
+  return answer == MessageAnswer::kOk ? CreateAndAttachCorrelationInputFile() : 0;
+}
+
+std::int32_t CSimulationAndRisk::CreateAndAttachCorrelationInputFile() {
+  if (Document() == nullptr) return 0;
+  std::vector<std::string> variables = matrix_->variables;
+  if (!IsUnderAutomation()) {
+    const Spreadsheet* input = InputTable();
+    const auto names = input != nullptr ? VariableNames(*input) : std::vector<std::string>();
+    variables = AskForVariables(Interface(), names, variables);
+  }
+  if (variables.empty()) return 0;
+
+  const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(MatrixFile::Identity(variables)));
+  matrix_->variables = std::move(variables);
+  // Who is shown the document may take the table out of it.
+  Spreadsheet* const table = &document->Table();
+  {
+    const ResultsToWorkbookOff off(*Document());
+    Interface().ShowDocument(document);
+  }
+  {
+    const ResultsLock lock(*Document());
+    Document()->SetInputTable(table, document);
+  }
+  return ValidateInputMatrixFile();
+}
+
+std::int32_t CSimulationAndRisk::UpdateFromInputMatrixFile() {
+  return UpdateFromInputSpreadsheet();
+}
+
+// Names of variables are kept as they read, never hashed nor coded: blanks at their ends are all that goes.
+std::int32_t CSimulationAndRisk::UpdateFromInputSpreadsheet() {
+  const bool profiling = dynamic_cast<const CSimulationProfiler*>(GetDialog()) != nullptr;
+  if (profiling && profiler_->mode == ProfilerMode::kFormulas) return 1;
+  if (InputTable() == nullptr) return 0;
+  matrix_->variables = VariableNames(*InputTable());
+  matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->variables.size());
+  return 1;
+}
+
+std::int32_t CSimulationAndRisk::IsCorrelationMatrixSymmetric() {
+  return IsSymmetricCorrelationMatrix(matrix_->file.correlations) ? 1 : 0;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,31 @@
+// The simulation startup dialog: starts a simulation, its design, or the profiler. It stands outside the
+// sequence; a host opens it for a person who has fitted before.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "brv_sra/frame/dialog_base.h"
+#include "brv_sra/module/startup_tasks.h"
+
+namespace brenvolt::sra {
+
+class CSimulation : public CSimulationAndRiskModelessDialog {
+ public:
+  explicit CSimulation(CSimulationAndRisk& analysis);
+
+  // The button that starts the simulation is OK.
+  std::vector<StandIn> StandInsOf(std::int32_t number) const override;
+
+ protected:
+  void OnInitDialog() override;
+  bool OnCommand(std::int32_t number) override;
+  void OnStepRefused() override;
+  // Runs a simulation, as the button does.
+  bool OnOk() override;
+
+ private:
+  StartupSettings former_;  // before the task that was started last
+};
+
+}  // namespace brenvolt::sra

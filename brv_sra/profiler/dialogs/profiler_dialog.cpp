@@ -1,0 +1,441 @@
+#include "brv_sra/profiler/dialogs/profiler_dialog.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <new>
+
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/profiler/dialogs/profiler_graphs.h"
+#include "brv_sra/profiler/profiler_correlation.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/formula/formula.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace profiler_dialog;
+
+constexpr double kLargestLimit = 1e30;
+
+// A number that is not given is NaN in the design and not set in a field.
+double ToField(double value) {
+  return std::isnan(value) ? kNotSet : value;
+}
+double FromField(double value) {
+  return IsNotSet(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+}
+
+std::vector<std::string> NamesOf(const auto& list) {
+  std::vector<std::string> names;
+  for (const auto& item : list) names.push_back(item.name);
+  return names;
+}
+
+double* LimitOf(std::int32_t control, SpecificationLimits& limits) {
+  if (control == kLsl) return &limits.lower;
+  return control == kUsl ? &limits.upper : &limits.target;
+}
+
+constexpr const char* kNotDone = "nothing was produced";
+
+}  // namespace
+
+ProfilerDependent& CSimulationProfiler::Selected() const {
+  if (State().selected >= Design().dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
+  return Design().dependents[State().selected];
+}
+
+void CSimulationProfiler::OnInitDialog() {
+  State().mode = SimulationAndRisk().AutoProfiler() ? ProfilerMode::kFormulas : ProfilerMode::kModels;
+  const bool formulas = State().mode == ProfilerMode::kFormulas;
+  if (!formulas) SimulationAndRisk().UpdateFromInputSpreadsheet();
+  for (const std::int32_t control : {kFormula, kSetFormula, kUndoFormula}) Controls().Show(control, formulas);
+  Controls().Show(kModel, !formulas);
+  Controls().Enable(kOptions, false);  // those of the host, which has none for this dialog
+  Controls().SetText(kInstructions, szLoadResString(kProfilerInstructionsDistributions) +
+                                        szLoadResString(kProfilerInstructionsSimulate) +
+                                        szLoadResString(kProfilerInstructionsDefects));
+  Refresh();
+}
+
+void CSimulationProfiler::Refresh() {
+  Controls().SetChecked(kSeedSwitch, Design().seeded);
+  Controls().SetDlgItemLong(kSeed, Design().seed);
+  Controls().SetChecked(kAutoUpdate, State().autoUpdate);
+  Controls().SetDlgItemLong(kRuns, Design().runs);
+  predictors_.Refresh();
+  ShowDependents();
+}
+
+void CSimulationProfiler::ShowDependents() {
+  Controls().SetItems(kDependent, NamesOf(Design().dependents));
+  Controls().Select(kDependent, static_cast<int>(State().selected));
+  const bool multivariate = Design().IsNoiseMultivariate();
+  Controls().SetItems(kNoise,
+                      {szLoadResString(kProfilerNoNoise),
+                       szLoadResString(multivariate ? kProfilerMultivariateNoise : kProfilerRandomNoise)});
+  ShowSelected();
+}
+
+void CSimulationProfiler::ShowSelected() {
+  const bool any = State().selected < Design().dependents.size();
+  const ProfilerDependent none;
+  const ProfilerDependent& shown = any ? Design().dependents[State().selected] : none;
+  for (const std::int32_t control : {kNoise, kLsl, kUsl, kTarget, kDependent})
+    Controls().Enable(control, any);
+  Controls().Select(kNoise, shown.addNoise ? 1 : 0);
+  Controls().SetText(kModel,
+                     shown.model != nullptr ? shown.model->Name() : szLoadResString(kProfilerNoModel));
+  Controls().SetText(kFormula, shown.formula);
+  Controls().SetDlgItemDouble(kLsl, ToField(shown.limits.lower));
+  Controls().SetDlgItemDouble(kUsl, ToField(shown.limits.upper));
+  Controls().SetDlgItemDouble(kTarget, ToField(shown.limits.target));
+  ShowNoise();
+  EnableOutputs();
+}
+
+void CSimulationProfiler::ShowNoise() {
+  const bool any = State().selected < Design().dependents.size();
+  const bool noise = any && Selected().addNoise;
+  Controls().SetDlgItemDouble(kDeviation, any ? Selected().standardDeviation : kNotSet);
+  Controls().Enable(kDeviation, noise);
+  Controls().Enable(kEditCorrelationY, noise && Design().IsNoiseMultivariate());
+}
+
+void CSimulationProfiler::EnableOutputs() {
+  const bool any = State().selected < Design().dependents.size();
+  const bool simulated = State().output != nullptr && State().output->HasTable();
+  Controls().Show(kDefects, any && Selected().limits.IsValid());
+  for (const std::int32_t control : {kCapability, kSummaryStats, kSummaryGraph})
+    Controls().Enable(control, any && simulated);
+  Controls().Enable(kUndoFormula, any && !Selected().formerFormulas.empty());
+}
+
+// ---- What a person does
+
+bool CSimulationProfiler::OnCommand(std::int32_t number) {
+  const auto outputs = [this](auto member, std::int32_t caption) {
+    return Attempt(caption, [&] { (this->*member)(); });
+  };
+  switch (number) {
+    case kLoadModels:
+      return AskForModels();
+    case kAddDistribution:
+      return predictors_.Apply();
+    case kFitBest:
+      return Attempt(kCaptionBasicStatsError, [this] { FitBest(); });
+    case kEditCorrelation:
+      return EditCorrelations(kProfilerCorrelationTitle, NamesOf(Design().predictors), Design().correlations);
+    case kEditCorrelationY:
+      return EditCorrelations(kProfilerCorrelationYTitle, NamesOf(Design().dependents),
+                              Design().correlationsY);
+    case kSetFormula:
+      return SetShownFormula();
+    case kUndoFormula:
+      if (!UndoFormula(Selected())) return false;
+      ShowSelected();
+      return true;
+    case kDefects:
+      return outputs(&CSimulationProfiler::DefectProfile, kCaptionProcessCapabilityError);
+    case kCapability:
+      return outputs(&CSimulationProfiler::CapabilityStats, kCaptionProcessCapabilityError);
+    case kSummaryStats:
+      return outputs(&CSimulationProfiler::SummaryStats, kCaptionSummaryStatsError);
+    case kSummaryGraph:
+      return outputs(&CSimulationProfiler::SummaryGraph, kCaptionSummaryGraphError);
+    default:
+      return CSimulationAndRiskModelessDialog::OnCommand(number);
+  }
+}
+
+void CSimulationProfiler::OnControlChanged(std::int32_t number) {
+  if (predictors_.OnChanged(number)) return;
+  switch (number) {
+    case kSeedSwitch:
+      Design().seeded = Controls().IsChecked(kSeedSwitch);
+      return;
+    case kSeed:
+      return TakeSeed();
+    case kAutoUpdate:
+      State().autoUpdate = Controls().IsChecked(kAutoUpdate);
+      return;
+    case kRuns:
+      return TakeRuns();
+    case kDependent:
+      State().selected = static_cast<std::size_t>(std::max(0, Controls().Selection(kDependent)));
+      return ShowSelected();
+    case kNoise:
+      Selected().addNoise = Controls().Selection(kNoise) == 1;
+      return ShowNoise();
+    case kDeviation:
+    case kLsl:
+    case kUsl:
+    case kTarget:
+      return TakeReal(number);
+    default:
+      return;
+  }
+}
+
+void CSimulationProfiler::TakeRuns() {
+  std::int32_t runs = 0;
+  const bool read = Controls().GetDlgItemLong(kRuns, runs) == 0;
+  if (read && runs >= kFewestRuns && runs <= kMostRuns) {
+    Design().runs = runs;
+    return;
+  }
+  Design().runs = kUsualRuns;
+  Controls().SetDlgItemLong(kRuns, kUsualRuns);
+  ShowMessage(kMsgProfilerRunsReset);
+}
+
+// The field takes 1 to the largest 32-bit integer and refuses all else.
+void CSimulationProfiler::TakeSeed() {
+  std::int32_t seed = 0;
+  if (Controls().GetDlgItemLong(kSeed, seed) == 0 && seed >= 1) Design().seed = seed;
+  Controls().SetDlgItemLong(kSeed, Design().seed);
+}
+
+// An empty field takes the number away. What is no number, or out of range, is refused.
+void CSimulationProfiler::TakeReal(std::int32_t control) {
+  const bool deviation = control == kDeviation;
+  double& target = deviation ? Selected().standardDeviation : *LimitOf(control, Selected().limits);
+  double value = kNotSet;
+  const bool empty = Trim(Controls().Text(control)).empty();
+  const bool read = !empty && Controls().GetDlgItemDouble(control, value) == 0;
+  const bool valid = read && std::isfinite(value) && value >= (deviation ? 0 : -kLargestLimit) &&
+                     (deviation || value <= kLargestLimit);
+  if (valid || empty) target = deviation ? value : FromField(value);
+  Controls().SetDlgItemDouble(control, deviation ? target : ToField(target));
+  EnableOutputs();
+}
+
+bool CSimulationProfiler::AskForModels() {
+  FileQuestion question;
+  question.title = szLoadResString(kProfilerOpenModelsTitle);
+  question.filter = szLoadResString(kProfilerOpenModelsFilter);
+  question.defaultExtension = szLoadResString(kProfilerOpenModelsExtension);
+  const auto files = Analysis().Interface().ChooseFiles(question);
+  if (files.empty()) return false;
+  try {
+    LoadModels(files);
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+    return false;
+  }
+  return true;
+}
+
+void CSimulationProfiler::LoadModels(const std::vector<std::filesystem::path>& files) {
+  std::vector<std::shared_ptr<const PredictionModel>> models;
+  for (const std::filesystem::path& file : files)
+    models.push_back(std::make_shared<const PredictionModel>(PredictionModel::Load(file)));
+  const auto notes = MergeModels(Design(), models, GetInputTable());
+  for (const std::filesystem::path& file : files) {
+    auto& known = State().modelFiles;
+    if (std::ranges::find(known, file.string()) == known.end()) known.push_back(file.string());
+  }
+  Refresh();
+  ShowNotes(notes);
+}
+
+bool CSimulationProfiler::SetShownFormula() {
+  try {
+    PutFormula(Controls().Text(kFormula), State().selected);
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+    return false;
+  }
+  return true;
+}
+
+void CSimulationProfiler::PutFormula(const std::string& text, std::size_t dependent) {
+  const FormulaAssignment assignment = SplitAssignment(text);
+  ProfilerDesign changed = Design();
+  if (assignment.name) {
+    if (changed.FindPredictor(*assignment.name))
+      throw Error("a response cannot have the name of a predictor", *assignment.name);
+    const auto known = changed.FindDependent(*assignment.name);
+    ProfilerDependent added;
+    added.name = *assignment.name;
+    dependent = known ? *known : changed.AddDependent(std::move(added));
+  }
+  if (dependent >= changed.dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
+  const std::string expression(Trim(std::string_view(text).substr(assignment.begin)));
+  const auto notes = SetFormula(changed, dependent, expression, GetInputTable());
+  Design() = std::move(changed);
+  Refresh();
+  ShowNotes(notes);
+}
+
+void CSimulationProfiler::FitBest() {
+  if (GetInputTable() == nullptr) throw Error("no input spreadsheet");
+  FitBestDistributions(Design(), *GetInputTable(), Analysis().Interface());
+  Refresh();
+}
+
+bool CSimulationProfiler::EditCorrelations(std::int32_t title, const std::vector<std::string>& names,
+                                           std::vector<double>& matrix) const {
+  MatrixQuestion question;
+  question.title = szLoadResString(title);
+  question.note = szLoadResString(kProfilerCorrelationNote);
+  question.names = names;
+  question.cells = CorrelationCells(matrix);
+  if (!Analysis().Interface().EditMatrix(question)) return false;
+  if (TakeCells(question.cells, names.size(), matrix)) return true;
+  ShowMessage(kMsgProfilerEntriesReset);
+  return false;
+}
+
+void CSimulationProfiler::ShowCaptioned(std::int32_t caption, const std::string& text,
+                                        const std::string& where) const {
+  Analysis().ShowMessage(text, where, MessageIcon::kWarning, MessageButtons::kOk, szLoadResString(caption));
+}
+
+void CSimulationProfiler::ShowNotes(const std::vector<ProfilerNote>& notes) const {
+  for (const ProfilerNote& note : notes) ShowCaptioned(note.caption, note.text, note.where);
+}
+
+// ---- The run
+
+bool CSimulationProfiler::OnOk() {
+  return Simulate();
+}
+
+bool CSimulationProfiler::Simulate() {
+  return Attempt(kCaptionSimulationError, [this] {
+    ProfilerRun run = RunProfiler(Design(), Analysis().Interface());
+    if (run.output == nullptr) throw CDispatchException(run.message, run.where);
+    Produce(std::move(run));
+  });
+}
+
+// A sheet that is refilled keeps its name and its place: whoever shows it has it already.
+void CSimulationProfiler::Produce(ProfilerRun run) {
+  ProfilerState& state = State();
+  fit_.reset();
+  state.outputPredictors = Design().predictors.size();
+  if (state.autoUpdate && state.output != nullptr && state.output->HasTable()) {
+    run.output->SetName(state.output->Table().Name());
+    state.output->Table() = std::move(*run.output);
+  } else {
+    state.output = std::make_shared<CAnalysisTableDoc>(std::move(run.output));
+    const ResultsToWorkbookOff off(*Analysis().Document());
+    Analysis().Interface().ShowDocument(state.output);
+  }
+  if (run.repair) {
+    Analysis().ShowMessage(szLoadResString(kMsgMatrixRepaired),
+                           "smallest eigenvalue " + FormatNumber("%.4g", run.repair->smallestEigenvalue) +
+                               ", largest change " + FormatNumber("%.4g", run.repair->to - run.repair->from),
+                           MessageIcon::kInformation);
+  }
+  if (!run.scoreCorrection) ShowMessage(kMsgTooFewSamplesForCorrelation);
+  EnableOutputs();
+  ShowProfiles();
+}
+
+// The spreadsheet stays whatever becomes of the graph.
+void CSimulationProfiler::ShowProfiles() const {
+  if (!State().output->HasTable()) return;  // whoever was shown it has taken it
+  const ProfiledColumns columns = ColumnsOf(State().output->Table(), State().outputPredictors, Design());
+  try {
+    Graph graph = ProfileGraph(columns, Analysis().Interface());
+    Analysis().Interface().ShowGraph(std::make_shared<CAnalysisGraphDoc>(std::move(graph)));
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+  } catch (const UserCancelled&) {  // without a message
+  }
+}
+
+template <class Make>
+bool CSimulationProfiler::Attempt(std::int32_t caption, const Make& make) const {
+  try {
+    make();
+    return true;
+  } catch (const CDispatchException& error) {  // a text of this dialog's own
+    Analysis().ShowMessage(error.what(), error.Where());
+  } catch (const Error& error) {
+    ShowCaptioned(caption, error.what(), error.Where());
+  } catch (const UserCancelled&) {  // without a message
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
+  }
+  return false;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::SimulationResults() {
+  if (!Simulate()) throw Error(kNotDone);
+  return State().output;
+}
+
+// ---- Results of the selected dependent
+
+SimulatedResponse CSimulationProfiler::Response() const {
+  const ProfilerState& state = State();
+  const ProfilerDependent& selected = Selected();
+  if (state.output == nullptr || !state.output->HasTable())
+    throw CDispatchException(szLoadResString(kMsgProfilerNotSimulated));
+  const Spreadsheet& sheet = state.output->Table();
+  for (std::size_t j = state.outputPredictors; j < sheet.VariableCount(); ++j) {
+    if (sheet.VariableAt(j).Name() == selected.name)
+      return {sheet, state.outputPredictors, j - state.outputPredictors, selected.limits};
+  }
+  throw CDispatchException(szLoadResString(kMsgProfilerNotSimulated), selected.name);
+}
+
+const VariableFit& CSimulationProfiler::FitOfResponse(const SimulatedResponse& response) {
+  if (!fit_ || fit_->first != response.response)
+    fit_.emplace(response.response, FitResponse(response, Analysis().Interface()));
+  return fit_->second;
+}
+
+void CSimulationProfiler::RequireSpecification() const {
+  if (!Selected().limits.IsValid())
+    throw CDispatchException(szLoadResString(kMsgProfilerInvalidSpec), Selected().name);
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::CapabilityStats() {
+  RequireSpecification();
+  const SimulatedResponse response = Response();
+  auto document = std::make_shared<CAnalysisTableDoc>(CapabilityDocument(response, FitOfResponse(response)));
+  Analysis().Interface().ShowDocument(document);
+  return document;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::SummaryStats() {
+  std::shared_ptr<CAnalysisTableDoc> first;
+  for (auto& table : SummaryDocuments(Response())) {
+    auto document = std::make_shared<CAnalysisTableDoc>(std::move(table));
+    if (first == nullptr) first = document;
+    Analysis().Interface().ShowDocument(std::move(document));
+  }
+  return first;
+}
+
+std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::SummaryGraph() {
+  const SimulatedResponse response = Response();
+  auto graph = std::make_shared<CAnalysisGraphDoc>(SummaryGraphs(response, FitOfResponse(response)));
+  Analysis().Interface().ShowGraph(graph);
+  return graph;
+}
+
+std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::DefectProfile() {
+  RequireSpecification();
+  const SimulatedResponse response = Response();
+  const ProfiledColumns columns = ColumnsOf(response.sheet, response.predictors, Design());
+  Analysis().Interface().ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(MakeDefectSheet(MakeDefectTable(columns.responses))));
+  if (!FitsProfileLimit(columns.predictors.size(), columns.responses.size()))
+    throw CDispatchException(szLoadResString(kMsgDefectProfileFailed),
+                             szLoadResString(kMsgProfilerTooManyGraphs));
+  auto graph = std::make_shared<CAnalysisGraphDoc>(MakeDefectGraph(columns.responses, columns.predictors));
+  Analysis().Interface().ShowGraph(graph);
+  return graph;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,96 @@
+// The profiler: models and formulas predict dependents from predictors that vary at random. Sequence step
+// 108.
+//
+// States: no dependents yet; dependents listed, predictors to be specified; simulated, when the output
+// buttons act on the spreadsheet of the last run. The predictors' page is profiler_predictors_dialog.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "brv_sra/frame/dialog_base.h"
+#include "brv_sra/profiler/dialogs/profiler_predictors_dialog.h"
+#include "brv_sra/profiler/dialogs/result_documents.h"
+#include "brv_sra/profiler/profiler_models.h"
+#include "brv_sra/profiler/profiler_run.h"
+#include "brv_sra/profiler/profiler_state.h"
+#include "host/analysis/analysis_graph_doc.h"
+#include "host/analysis/analysis_table_doc.h"
+
+namespace brenvolt::sra {
+
+class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
+ public:
+  explicit CSimulationProfiler(CSimulationAndRisk& analysis);
+
+  ProfilerState& State() const { return SimulationAndRisk().Profiler(); }
+  ProfilerDesign& Design() const { return State().design; }
+  // The dependent that is edited and shown. Throws Error where there is none.
+  ProfilerDependent& Selected() const;
+
+  // Loads models from files, all or none. Throws Error.
+  void LoadModels(const std::vector<std::filesystem::path>& files);
+  // "Y = expression" for the dependent Y, which is made where there is none; or an expression for a dependent
+  // by its place. Throws Error where there is no such dependent.
+  void PutFormula(const std::string& text, std::size_t dependent);
+  // Throws Error where the input has nothing to fit.
+  void FitBest();
+  // Shows the controls anew after the design has changed.
+  void Refresh();
+
+  // What the buttons make; shown and returned. They throw Error that says why they fail; a run has then shown
+  // it as a message.
+  std::shared_ptr<CAnalysisTableDoc> SimulationResults();
+  std::shared_ptr<CAnalysisTableDoc> CapabilityStats();
+  // The tables of the selected dependent are shown; returned is the first, its moments.
+  std::shared_ptr<CAnalysisTableDoc> SummaryStats();
+  std::shared_ptr<CAnalysisGraphDoc> SummaryGraph();
+  // The table of defect rates is shown, too; returned is the graph.
+  std::shared_ptr<CAnalysisGraphDoc> DefectProfile();
+
+ protected:
+  void OnInitDialog() override;
+  bool OnCommand(std::int32_t number) override;
+  // Simulates; the dialog stays.
+  bool OnOk() override;
+  void OnControlChanged(std::int32_t number) override;
+
+ private:
+  bool AskForModels();
+  void ShowNotes(const std::vector<ProfilerNote>& notes) const;
+  void ShowCaptioned(std::int32_t caption, const std::string& text, const std::string& where = {}) const;
+  void ShowDependents();
+  void ShowNoise();
+  void ShowSelected();
+  void EnableOutputs();
+  void TakeRuns();
+  void TakeSeed();
+  void TakeReal(std::int32_t control);
+  bool SetShownFormula();
+  bool EditCorrelations(std::int32_t title, const std::vector<std::string>& names,
+                        std::vector<double>& matrix) const;
+
+  // Runs and shows the outcome; false, after a message, where the run was stopped.
+  bool Simulate();
+  void Produce(ProfilerRun run);
+  void ShowProfiles() const;
+  // What a button does: carries `make` out; a message under the caption where it throws.
+  template <class Make>
+  bool Attempt(std::int32_t caption, const Make& make) const;
+  // The selected dependent in the last output. Throws Error where that is not there.
+  SimulatedResponse Response() const;
+  const VariableFit& FitOfResponse(const SimulatedResponse& response);
+  void RequireSpecification() const;
+
+  PredictorPage predictors_;
+  // The fit of a dependent of the present output, by its place.
+  std::optional<std::pair<std::size_t, VariableFit>> fit_;
+};
+
+}  // namespace brenvolt::sra

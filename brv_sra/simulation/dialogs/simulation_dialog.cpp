@@ -1,0 +1,410 @@
+#include "brv_sra/simulation/dialogs/simulation_dialog.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+#include <optional>
+#include <utility>
+
+#include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/simulation_interface.h"
+#include "brv_sra/simulation/simulation_run.h"
+#include "host/automation/variable_list.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/tables/csv.h"
+#include "host/tables/numpy_archive.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace simulation_dialog;
+using Dialog = CSimulationFromDistribution;
+using Indexes = std::span<const Variant>;
+using Member = AutomationMember<Dialog>;
+
+struct MethodButton {
+  std::int32_t control;
+  SimulationMethod method;
+};
+constexpr std::array<MethodButton, 5> kMethodButtons{
+    {{kMonteCarlo, SimulationMethod::kMonteCarlo},
+     {kLatinHypercube, SimulationMethod::kLatinHypercube},
+     {kImanConover, SimulationMethod::kImanConover},
+     {kLatinHypercubeImanConover, SimulationMethod::kLatinHypercubeImanConover},
+     {kNormalToAnything, SimulationMethod::kNormalToAnything}}};
+
+Variant GetVariables(Dialog& dialog, Indexes) {
+  return dialog.Controls().Text(kVariableList);
+}
+void PutVariables(Dialog& dialog, Indexes, const Variant& value) {
+  if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
+  dialog.SelectVariables(VariableNumbers(value, dialog.GetInputTable()->VariableCount()));
+}
+
+Variant GetSimulationResults(Dialog& dialog, Indexes) {
+  return std::shared_ptr<AutomationObject>(dialog.SimulationResults());
+}
+
+Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
+  const auto& matrix = dialog.SimulationAndRisk().Simulation().matrix;
+  if (!matrix) return {};
+  return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(*matrix)));
+}
+// Indexed by the name of the file that the samples go to.
+Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
+  return std::shared_ptr<AutomationObject>(dialog.SimulationFile(indexes[0].ToText()));
+}
+
+// Takes a spreadsheet; nothing takes the matrix away.
+void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
+  if (value.IsEmpty()) {
+    dialog.SimulationAndRisk().Simulation().matrix.reset();
+    return;
+  }
+  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
+  if (document == nullptr || !document->HasTable()) throw Error("no spreadsheet");
+  dialog.SetCorrelationMatrix(document->Table());
+}
+
+template <std::int32_t Control>
+constexpr Member Method(std::string_view name) {
+  return Member{name, GetChecked<Dialog, Control>, PutChosen<Dialog, Control>}.AsChoice();
+}
+
+// The last two have no control; they stand behind the last member of the interface.
+constexpr std::array<Member, 14> kMembers{{
+    {"Variables", GetVariables, PutVariables},
+    Method<kMonteCarlo>("MonteCarloMethod"),
+    Method<kLatinHypercube>("LHSMethod"),
+    Method<kImanConover>("ImanConoverMethod"),
+    Method<kLatinHypercubeImanConover>("LHSwithImanMethod"),
+    Method<kNormalToAnything>("NORTAMethod"),
+    {"NumberOfSamples", GetNumber<Dialog, kNumberOfSamples>, PutText<Dialog, kNumberOfSamples>},
+    {"IsSeedRandomNumber", GetChecked<Dialog, kSeedSwitch>, PutChecked<Dialog, kSeedSwitch>},
+    {"RandomSeedNumber", GetNumber<Dialog, kSeed>, PutText<Dialog, kSeed>},
+    {"TruncateSimulationData", GetChecked<Dialog, kTruncate>, PutChecked<Dialog, kTruncate>},
+    {"IsAutoUpdateSameSheet", GetChecked<Dialog, kAutoUpdate>, PutChecked<Dialog, kAutoUpdate>},
+    Member{"SimulationResults", GetSimulationResults, nullptr}.ByButton(kSimulate),
+    {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
+    {"SimulationFile", GetSimulationFile, nullptr},
+}};
+static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
+
+constexpr const char* kNothingSimulated = "nothing was simulated";
+
+// "a, b, c"
+std::string Listed(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+std::string Readable(double x) {
+  return FormatNumber("%.4g", x);
+}
+
+// Means, standard deviations and number of cases for the variables of `file`, all of which `given` has.
+void TakeSummaries(const MatrixFile& given, MatrixFile& file) {
+  for (std::size_t i = 0; i < file.variables.size(); ++i) {
+    const auto place = std::ranges::find(given.variables, file.variables[i]) - given.variables.begin();
+    file.means[i] = given.means[static_cast<std::size_t>(place)];
+    file.standardDeviations[i] = given.standardDeviations[static_cast<std::size_t>(place)];
+  }
+  file.validCases = given.validCases;
+}
+
+}  // namespace
+
+CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& analysis)
+    : CSimulationAndRiskModelessDialog(analysis, SimulationTemplate()) {
+  EnableAutomation<CSimulationFromDistribution>(kSimulationFromDistributionInterface,
+                                                "CSimulationFromDistribution", kMembers);
+}
+
+void CSimulationFromDistribution::OnInitDialog() {
+  SimulationOptions& options = Options();
+  const CSimulationAndRisk::NumericDefaults& defaults = SimulationAndRisk().Defaults();
+  if (options.numberOfSamples == 0) options.numberOfSamples = defaults.numberOfSamples;
+  if (IsNotSet(options.seed)) options.seed = defaults.randomSeed;
+  if (options.variables.empty() && GetInputTable() != nullptr) {
+    options.variables = VariablesWithDistributions(*GetInputTable());
+  }
+  Controls().SetDlgItemLong(kNumberOfSamples, options.numberOfSamples);
+  Controls().SetChecked(kSeedSwitch, options.seeded);
+  Controls().SetText(kSeed, ShortestNumber(options.seed));
+  Controls().SetChecked(kTruncate, options.truncate);
+  Controls().SetChecked(kAutoUpdate, options.autoUpdate);
+  for (const MethodButton& button : kMethodButtons) {
+    if (button.method == options.method) Controls().SetChecked(button.control, true);
+  }
+  ShowVariables();
+}
+
+void CSimulationFromDistribution::ShowVariables() {
+  const auto& variables = Options().variables;
+  Controls().SetText(kVariableList,
+                     variables.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(variables));
+}
+
+bool CSimulationFromDistribution::OnCommand(std::int32_t number) {
+  if (number == kVariables) return AskForVariables();
+  if (number == kSimulate) return ValidateAndRun() != Outcome::kFailed;
+  return CSimulationAndRiskModelessDialog::OnCommand(number);
+}
+
+void CSimulationFromDistribution::OnControlChanged(std::int32_t number) {
+  SimulationOptions& options = Options();
+  for (const MethodButton& button : kMethodButtons) {
+    if (button.control == number && options.method != button.method)
+      options.previousMethod = std::exchange(options.method, button.method);
+  }
+  if (number == kSeedSwitch) options.seeded = Controls().IsChecked(kSeedSwitch);
+  if (number == kTruncate) options.truncate = Controls().IsChecked(kTruncate);
+  if (number == kAutoUpdate) options.autoUpdate = Controls().IsChecked(kAutoUpdate);
+}
+
+bool CSimulationFromDistribution::AskForVariables() {
+  if (GetInputTable() == nullptr) return false;
+  VariableQuestion question;
+  question.caption = szLoadResString(kFitSelectVariables);
+  question.firstListCaption = szLoadResString(kFitSelectContinuous);
+  for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
+    question.names.push_back(GetInputTable()->VariableAt(i).Name());
+  }
+  question.first = Options().variables;
+  if (!Analysis().Interface().SelectVariables(question)) return false;
+  SelectVariables(question.first);
+  return true;
+}
+
+void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t>& variables) {
+  const auto available = VariablesWithDistributions(*GetInputTable());
+  for (const std::int16_t number : variables) {
+    if (std::ranges::find(available, number) == available.end()) {
+      throw Error("variable " + Analysis().get_vn(number) + " has no fitted distribution",
+                  GetInputTable()->Name());
+    }
+  }
+  Options().variables = variables;
+  ShowVariables();
+}
+
+void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
+  MatrixReading reading = ReadMatrixFile(sheet);
+  if (!reading.IsValid()) {
+    const std::string why = reading.Message() != 0 ? szLoadResString(reading.Message()) : "is no matrix file";
+    throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
+  }
+  SimulationAndRisk().Simulation().matrix = std::move(reading.file);
+}
+
+// The method that produces nothing succeeds and leaves the dialog open.
+bool CSimulationFromDistribution::OnOk() {
+  const Outcome outcome = ValidateAndRun();
+  if (outcome == Outcome::kProduced) GoToStep(step::kSimulationResults);
+  return outcome != Outcome::kFailed;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationResults() {
+  const Outcome outcome = ValidateAndRun();
+  if (outcome == Outcome::kFailed) throw Error(kNothingSimulated);
+  return outcome == Outcome::kProduced ? SimulationAndRisk().Simulation().output : nullptr;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
+    const std::filesystem::path& file) {
+  if (!Validate(OutputLimit::kNone)) throw Error(kNothingSimulated);
+  if (Options().method == SimulationMethod::kNormalToAnything) return nullptr;
+  if (InducesCorrelation(Options().method))
+    throw Error("samples that are correlated with each other cannot be written in pieces");
+  PiecewiseRun run;
+  try {
+    run = RunInPieces(file);
+  } catch (const UserCancelled&) {
+    throw Error(kNothingSimulated);
+  }
+  if (!Report(run.status, run.where)) throw Error(kNothingSimulated);
+  auto summary = std::make_shared<CAnalysisTableDoc>(std::move(run.summary));
+  Analysis().Interface().ShowDocument(summary);
+  return summary;
+}
+
+PiecewiseRun CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
+  const SimulationOptions& options = Options();
+  const SimulationDesign design = ReadDesign(*GetInputTable(), options);
+  UserInterface& interface = Analysis().Interface();
+  const auto byColumns = [&](const ColumnSink& take) {
+    return SimulateByColumns(design, options.seeded, options.seed, take, interface);
+  };
+  if (file.empty()) return byColumns([](std::size_t, std::span<const double>) {});
+  if (IsNumpyArchiveName(file)) {
+    NumpyArchive archive(file);
+    std::optional<std::size_t> current;
+    PiecewiseRun run = byColumns([&](std::size_t variable, std::span<const double> values) {
+      if (current != variable) {
+        archive.BeginColumn(design.variables[design.ActiveVariables()[variable]].name,
+                            static_cast<std::uint64_t>(design.numberOfSamples));
+      }
+      current = variable;
+      archive.Append(values);
+    });
+    if (run.status == SimulationStatus::kSuccess) archive.Commit();
+    return run;
+  }
+  CsvPieces pieces(file);
+  PiecewiseRun run = SimulateByCases(
+      design, options.seeded, options.seed, [&](const Spreadsheet& piece) { pieces.Append(piece); },
+      interface);
+  if (run.status == SimulationStatus::kSuccess) pieces.Commit();
+  return run;
+}
+
+CSimulationFromDistribution::Outcome CSimulationFromDistribution::ValidateAndRun() {
+  return Validate(OutputLimit::kSheet) ? Run() : Outcome::kFailed;
+}
+
+// Every check runs, also after one that failed.
+bool CSimulationFromDistribution::Validate(OutputLimit limit) {
+  const bool samplesValid = ValidateNumberOfSamples(limit);
+  const bool seedValid = ValidateSeed();
+  if (!samplesValid || !seedValid) return false;
+  if (!Options().variables.empty()) return true;
+  ShowMessage(kMsgNoDistributionsInInput);
+  return false;
+}
+
+bool CSimulationFromDistribution::ValidateNumberOfSamples(OutputLimit limit) {
+  std::int32_t samples = 0;
+  if (Controls().GetDlgItemLong(kNumberOfSamples, samples) != 0 || samples < 1) {
+    ShowMessage(kMsgInvalidNumberOfSamples);
+    return false;
+  }
+  Options().numberOfSamples = samples;
+  if (limit == OutputLimit::kNone || FitsSampleLimit(Options().variables.size(), samples)) return true;
+  ShowMessage(kMsgTooManySamples);
+  return false;
+}
+
+// Only the lower bound of a seed is enforced, although the message names an upper one.
+bool CSimulationFromDistribution::ValidateSeed() {
+  std::int32_t seed = 0;
+  const bool readable = Controls().GetDlgItemLong(kSeed, seed) == 0;
+  if (readable && seed >= 0) {
+    Options().seed = seed;
+    return true;
+  }
+  if (!Options().seeded) {
+    Options().seed = readable ? seed : kNotSet;
+    return true;
+  }
+  ShowMessage(kMsgInvalidSeed);
+  Options().seed = SimulationAndRisk().Defaults().randomSeed;
+  Controls().SetText(kSeed, ShortestNumber(Options().seed));
+  return false;
+}
+
+const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() const {
+  const SimulationState& state = SimulationAndRisk().Simulation();
+  if (state.matrix) return &*state.matrix;
+  const MatrixState& input = SimulationAndRisk().Matrix();
+  if (input.attached) return &input.file;
+  return input.saved ? &*input.saved : nullptr;
+}
+
+bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) const {
+  const MatrixFile* file = CorrelationMatrix();
+  if (file == nullptr) {
+    // One variable has nothing to be correlated with.
+    if (design.ActiveVariables().size() <= 1) return true;
+    ShowMessage(kMsgSimulationNoMatrix);
+    return false;
+  }
+  DesignCorrelations correlations = CorrelationsByName(design, *file);
+  for (const auto& [names, message] : {std::pair(&correlations.missing, kMsgMatrixLacksVariables),
+                                       std::pair(&correlations.ambiguous, kMsgMatrixNamesRepeated)}) {
+    if (names->empty()) continue;
+    Analysis().ShowMessage(szLoadResString(message) + " " + Listed(*names));
+    return false;
+  }
+  design.correlations = std::move(correlations.matrix);
+  return true;
+}
+
+CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
+  try {
+    SimulationDesign design = ReadDesign(*GetInputTable(), state.options);
+    if (InducesCorrelation(design.method) && !AttachCorrelations(design)) return Outcome::kFailed;
+    SimulationRun run =
+        RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
+    if (!run.fault.empty()) Analysis().ShowMessage(run.fault);
+    if (!Report(run.status, run.where)) return Outcome::kFailed;
+    if (run.output == nullptr) return Outcome::kNothing;
+    Produce(std::move(run));
+    return Outcome::kProduced;
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+  } catch (const UserCancelled&) {  // without a message
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
+  }
+  return Outcome::kFailed;
+}
+
+void CSimulationFromDistribution::Produce(SimulationRun run) {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  ShowOutput(std::move(run.output));
+  state.correlations = std::move(run.correlations);
+  if (!state.correlations) return;
+  if (!state.correlations->scoreCorrection) ShowMessage(kMsgTooFewSamplesForCorrelation);
+  if (state.correlations->repair) ShowRepair(*state.correlations);
+}
+
+bool CSimulationFromDistribution::Report(SimulationStatus status, const std::string& where) const {
+  const auto message = [status] {
+    if (status == SimulationStatus::kMemoryFailure) return kMsgInsufficientMemory;
+    return status == SimulationStatus::kMatrixFailure ? kMsgSimulationFailedMatrix
+                                                      : kMsgSimulationFailedDistributions;
+  };
+  if (status == SimulationStatus::kSuccess) return true;
+  Analysis().ShowMessage(szLoadResString(message()), where);
+  return false;
+}
+
+// Simulated data open as a spreadsheet of their own, whatever the option says. A sheet that is refilled keeps
+// its name and its place: whoever shows it has it already.
+void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output) {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {
+    output->SetName(state.output->Table().Name());
+    state.output->Table() = std::move(*output);
+    return;
+  }
+  state.output = std::make_shared<CAnalysisTableDoc>(std::move(output));
+  const ResultsToWorkbookOff off(*Analysis().Document());
+  Analysis().Interface().ShowDocument(state.output);
+}
+
+void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correlations) {
+  const Spreadsheet& output = SimulationAndRisk().Simulation().output->Table();
+  const CorrelationRepair& repair = *correlations.repair;
+  MatrixFile file = MatrixFile::Identity(VariableNames(output));
+  file.SetCorrelations(repair.matrix);
+  TakeSummaries(*CorrelationMatrix(), file);
+  Analysis().ShowMessage(szLoadResString(kMsgMatrixRepaired),
+                         "smallest eigenvalue " + Readable(repair.smallestEigenvalue) + ", largest change " +
+                             Readable(repair.to - repair.from) + ", " + file.variables[repair.column] +
+                             " with " + file.variables[repair.row] + " from " + Readable(repair.from) +
+                             " to " + Readable(repair.to),
+                         MessageIcon::kInformation);
+  Analysis().Interface().ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle))));
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,260 @@
+#include "host/models/document/pmml_document.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/base/utf8.h"
+
+namespace brenvolt::pmml {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+// The encoding that the XML declaration names, in lower case; empty where it names none.
+std::string DeclaredEncoding(std::string_view text) {
+  if (!text.starts_with("<?xml")) return {};
+  const std::string_view declaration = text.substr(0, std::min(text.find("?>"), text.size()));
+  const auto at = declaration.find("encoding");
+  if (at == std::string_view::npos) return {};
+  const auto begin = declaration.find_first_of("\"'", at);
+  if (begin == std::string_view::npos) return {};
+  const auto end = declaration.find(declaration[begin], begin + 1);
+  std::string name(declaration.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1));
+  for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return name;
+}
+
+std::string FromLatin1(std::string_view text) {
+  std::string utf8;
+  utf8.reserve(text.size());
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80U) {
+      utf8 += c;
+    } else {
+      utf8 += static_cast<char>(0xC0U | (byte >> 6U));
+      utf8 += static_cast<char>(0x80U | (byte & 0x3FU));
+    }
+  }
+  return utf8;
+}
+
+std::string_view LocalName(std::string_view name) {
+  const auto colon = name.find(':');
+  return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+bool IsForeign(std::string_view attribute) {
+  return attribute == "xmlns" || attribute.starts_with("x-") || attribute.find(':') != std::string_view::npos;
+}
+
+}  // namespace
+
+Document::Document(std::string_view text, std::string file) : file_(std::move(file)) {
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
+  CheckLimits(text, file_);
+  const std::string encoding = DeclaredEncoding(text);
+  std::string converted;
+  if (encoding == "iso-8859-1" || encoding == "latin1") {
+    converted = FromLatin1(text);
+    text = converted;
+  } else if (!encoding.empty() && encoding != "utf-8" && encoding != "us-ascii" && encoding != "ascii") {
+    throw Error("is in the encoding " + encoding + "; UTF-8 and ISO-8859-1 are read", file_);
+  }
+  for (auto at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
+    lineEnds_.push_back(at);
+  }
+  if (const std::size_t bad = FindNonText(text); bad != std::string_view::npos) {
+    throw Error("is no text in UTF-8",
+                file_ + ", line " + std::to_string(LineAt(static_cast<std::ptrdiff_t>(bad))));
+  }
+  const auto outcome =
+      document_.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+  if (!outcome) {
+    throw Error(std::string("is no well-formed XML: ") + outcome.description(),
+                file_ + ", line " + std::to_string(LineAt(outcome.offset)));
+  }
+}
+
+std::size_t Document::LineAt(std::ptrdiff_t offset) const {
+  const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
+  return static_cast<std::size_t>(std::ranges::lower_bound(lineEnds_, at) - lineEnds_.begin()) + 1;
+}
+
+std::string_view Element::Name() const {
+  return LocalName(node_.name());
+}
+
+std::string Element::Where() const {
+  return document_->File() + ", line " + std::to_string(document_->LineAt(node_.offset_debug()));
+}
+
+void Element::Fail(const std::string& what) const {
+  throw Error(what, Where());
+}
+
+void Element::Refuse() const {
+  Fail("the element " + std::string(Name()) + " is not supported");
+}
+
+std::optional<std::string_view> Element::Find(const char* name) const {
+  std::uint64_t bit = 1;
+  for (const pugi::xml_attribute attribute : node_.attributes()) {
+    if (std::string_view(attribute.name()) == name) {
+      read_ |= bit;
+      return std::string_view(attribute.value());
+    }
+    bit <<= 1U;
+  }
+  return std::nullopt;
+}
+
+std::string Element::Text(const char* name) const {
+  const auto text = Find(name);
+  if (!text) Fail("the element " + std::string(Name()) + " lacks its attribute " + name);
+  return std::string(*text);
+}
+
+std::string Element::Text(const char* name, std::string_view otherwise) const {
+  return std::string(Find(name).value_or(otherwise));
+}
+
+void Element::FailOnValue(const char* name, std::string_view text) const {
+  Fail("the attribute " + std::string(name) + " of " + std::string(Name()) + " is \"" + std::string(text) +
+       "\", which is not supported");
+}
+
+double Element::RealOf(const char* name, std::string_view text) const {
+  const auto number = ReadReal(text);
+  if (!number) {
+    Fail("the attribute " + std::string(name) + " of " + std::string(Name()) + " is \"" + std::string(text) +
+         "\", which is no number");
+  }
+  return *number;
+}
+
+std::optional<double> Element::FindReal(const char* name) const {
+  const auto text = Find(name);
+  return text ? std::optional(RealOf(name, *text)) : std::nullopt;
+}
+
+double Element::Real(const char* name) const {
+  return RealOf(name, Text(name));
+}
+
+double Element::Real(const char* name, double otherwise) const {
+  return FindReal(name).value_or(otherwise);
+}
+
+std::optional<int> Element::FindInteger(const char* name) const {
+  const auto text = Find(name);
+  if (!text) return std::nullopt;
+  const auto number = ParseInteger(TrimXml(*text));
+  if (!number) {
+    Fail("the attribute " + std::string(name) + " of " + std::string(Name()) + " is \"" + std::string(*text) +
+         "\", which is no whole number");
+  }
+  return *number;
+}
+
+bool Element::Flag(const char* name, bool otherwise) const {
+  return Choice<bool>(name, {{"true", true}, {"false", false}, {"1", true}, {"0", false}}, otherwise);
+}
+
+void Element::PassOver(std::initializer_list<const char*> names) const {
+  for (const char* name : names) Find(name);
+}
+
+void Element::RefuseOtherAttributes() const {
+  std::uint64_t bit = 1;
+  for (const pugi::xml_attribute attribute : node_.attributes()) {
+    if ((read_ & bit) == 0 && !IsForeign(attribute.name())) {
+      Fail("the attribute " + std::string(attribute.name()) + " of " + std::string(Name()) +
+           " is not supported");
+    }
+    bit <<= 1U;
+  }
+}
+
+void Element::RefuseAnythingElse() const {
+  RefuseOtherAttributes();
+  for (const Element& child : Children()) child.Refuse();
+}
+
+std::vector<Element> Element::Children() const {
+  std::vector<Element> children;
+  for (const pugi::xml_node node : node_.children()) {
+    if (node.type() != pugi::node_element) continue;
+    if (LocalName(node.name()) != "Extension") children.emplace_back(*document_, node);
+  }
+  return children;
+}
+
+std::optional<Element> Element::FindChild(std::string_view name) const {
+  for (const pugi::xml_node node : node_.children()) {
+    if (node.type() == pugi::node_element && LocalName(node.name()) == name) return Element(*document_, node);
+  }
+  return std::nullopt;
+}
+
+Element Element::Child(std::string_view name) const {
+  const auto child = FindChild(name);
+  if (!child) Fail("the element " + std::string(Name()) + " lacks its element " + std::string(name));
+  return *child;
+}
+
+Element Element::OnlyChild() const {
+  const std::vector<Element> children = Children();
+  if (children.empty()) Fail("the element " + std::string(Name()) + " is empty");
+  if (children.size() > 1) children[1].Refuse();
+  return children.front();
+}
+
+std::string Element::Content() const {
+  std::string content;
+  for (const pugi::xml_node node : node_.children()) {
+    if (node.type() == pugi::node_pcdata || node.type() == pugi::node_cdata) content += node.value();
+  }
+  return content;
+}
+
+std::string_view TrimXml(std::string_view text) {
+  const auto begin = text.find_first_not_of(kBlanks);
+  if (begin == std::string_view::npos) return {};
+  return text.substr(begin, text.find_last_not_of(kBlanks) - begin + 1);
+}
+
+std::optional<double> ReadReal(std::string_view text) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  text = TrimXml(text);
+  if (text.starts_with('+')) text.remove_prefix(1);
+  if (text == "INF") return kInfinity;
+  if (text == "-INF") return -kInfinity;
+  return ParseNumber(text);
+}
+
+std::vector<std::string> SplitArray(std::string_view content) {
+  std::vector<std::string> items;
+  std::size_t at = 0;
+  while ((at = content.find_first_not_of(kBlanks, at)) != std::string_view::npos) {
+    if (content[at] != '"') {
+      const auto end = std::min(content.find_first_of(kBlanks, at), content.size());
+      items.emplace_back(content.substr(at, end - at));
+      at = end;
+      continue;
+    }
+    std::string item;
+    for (++at; at < content.size() && content[at] != '"'; ++at) {
+      if (content[at] == '\\' && at + 1 < content.size() && content[at + 1] == '"') ++at;
+      item += content[at];
+    }
+    items.push_back(std::move(item));
+    at = std::min(at + 1, content.size());
+  }
+  return items;
+}
+
+}  // namespace brenvolt::pmml

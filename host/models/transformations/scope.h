@@ -1,0 +1,151 @@
+// Building a program: slots, the data dictionary, functions that the file defines, and which names mean which
+// columns at a place of the file.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/models/transformations/frame.h"
+#include "host/models/transformations/values.h"
+
+namespace brenvolt::pmml {
+
+// Beyond these a file is refused: columns that a model writes, expressions that its definitions unfold to,
+// and how deeply definitions and models stand in each other.
+inline constexpr Slot kMostSlots = 1 << 14;
+inline constexpr std::size_t kMostExpressions = 1 << 20;
+inline constexpr int kDeepestDefinition = 200;
+
+// A column with what is known about its values.
+struct Operand {
+  Slot slot = kNoSlot;
+  TypeInfo type;
+  OpType opType = OpType::kContinuous;
+  const Field* field = nullptr;        // where the values are those of a declared field
+  std::optional<std::string> literal;  // what a constant was written as
+};
+
+// A raw column that the data must bring.
+struct InputColumn {
+  const Field* field;
+  Slot slot;
+};
+
+class Scope;
+
+class Builder {
+ public:
+  explicit Builder(TextPool& pool);
+  ~Builder();
+  Builder(const Builder&) = delete;
+  Builder& operator=(const Builder&) = delete;
+
+  TextPool& Pool() { return *pool_; }
+  Slot NewSlot(const Element& at);
+  // A column of one value.
+  Slot Constant(double value);
+  // The raw column of a field of the dictionary.
+  Slot Input(const Field& field);
+
+  Field& AddField(std::unique_ptr<Field> field) { return *fields_.emplace_back(std::move(field)); }
+  // Hands over the fields, to which operands and refusals refer.
+  std::vector<std::unique_ptr<Field>> TakeFields() { return std::move(fields_); }
+  void Declare(const Field& field, const Element& at);
+  const Field* FindDeclared(std::string_view name) const;
+  // Declared fields in the order of the dictionary.
+  const std::vector<const Field*>& Declared() const { return order_; }
+
+  void DefineFunction(const Element& function);
+  const Element* FindFunction(const std::string& name) const;
+  std::set<std::string>& FunctionsInUse() { return inUse_; }
+
+  // A scope that lives as long as the builder.
+  Scope& NewScope(Scope* parent, Program& program);
+  // Settles every name of every scope, so that faults in definitions that nothing uses are found, and then
+  // forgets the steps and inputs that this brought.
+  void CheckUnused(const Element& at);
+
+  // Counts an expression against the limit.
+  void CountExpression(const Element& at);
+
+  std::size_t Slots() const { return static_cast<std::size_t>(nextSlot_); }
+  const std::vector<double>& Constants() const { return constants_; }
+  const std::vector<Slot>& ConstantSlots() const { return constantSlots_; }
+  const std::vector<InputColumn>& Inputs() const { return inputs_; }
+  std::size_t FixedSlots() const { return static_cast<std::size_t>(fixed_); }
+
+  // The number that a text means as a value of a type: its place in the pool where the type is text. Throws
+  // where the text is no value of the type.
+  double ValueOf(std::string_view text, TypeInfo type, const Element& at);
+
+  // Guards against definitions that stand in each other too deeply.
+  class Depth {
+   public:
+    Depth(Builder& builder, const Element& at);
+    ~Depth() { --builder_.depth_; }
+    Depth(const Depth&) = delete;
+    Depth& operator=(const Depth&) = delete;
+
+   private:
+    Builder& builder_;
+  };
+
+ private:
+  TextPool* pool_;
+  Slot nextSlot_ = 0;
+  Slot fixed_ = 0;
+  std::vector<double> constants_;
+  std::vector<Slot> constantSlots_;
+  std::map<std::uint64_t, Slot> knownConstants_;
+  std::vector<InputColumn> inputs_;
+  std::vector<std::unique_ptr<Field>> fields_;
+  std::vector<const Field*> order_;
+  std::map<std::string, const Field*, std::less<>> declared_;
+  std::vector<std::unique_ptr<Scope>> scopes_;
+  std::map<std::string, Element> functions_;
+  std::set<std::string> inUse_;
+  std::size_t expressions_ = 0;
+  int depth_ = 0;
+};
+
+// The fields that a part of the file can name. What a name means is settled when it is first asked for, so
+// that nothing is computed that no model reads.
+class Scope {
+ public:
+  // Steps that compute the fields of this scope go to `program`.
+  Scope(Builder& builder, Scope* parent, Program& program)
+      : builder_(&builder), parent_(parent), program_(&program) {}
+
+  Builder& Build() { return *builder_; }
+  Program& Steps() { return *program_; }
+
+  void Define(const std::string& name, Operand operand);
+  // `make` is called once, when the name is first asked for.
+  void DefineLater(const std::string& name, std::function<Operand()> make, const Element& at);
+  bool Knows(const std::string& name) const;
+  // Throws, naming the line of `at`, for a name that nothing has and for one defined by itself.
+  Operand Resolve(const std::string& name, const Element& at);
+  // Asks for every name of this scope, so that faults in definitions that nothing uses are found.
+  void SettleAll(const Element& at);
+
+ private:
+  struct Entry {
+    std::optional<Operand> operand;
+    std::function<Operand()> make;
+    bool isBusy = false;
+  };
+  Operand Settle(Entry& entry, const std::string& name, const Element& at);
+
+  Builder* builder_;
+  Scope* parent_;
+  Program* program_;
+  std::map<std::string, Entry> entries_;
+};
+
+}  // namespace brenvolt::pmml

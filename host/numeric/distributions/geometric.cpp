@@ -1,0 +1,102 @@
+// The geometric distribution of the failures before the first success: P(N > k) = (1 - p)^(k + 1).
+#include <algorithm>
+#include <limits>
+
+#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/special/exact_sums.h"
+
+namespace brenvolt::geometric {
+
+bool IsValid(double proportion) {
+  return proportion > 0.0 && proportion <= 1.0;
+}
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+struct Law {
+  double p;
+
+  bool IsValid() const { return geometric::IsValid(p); }
+
+  static bool IsInSupport(double k) { return k >= 0.0 && k == std::floor(k) && !std::isinf(k); }
+
+  // count times ln(1 - p), also where that is -infinity and the count 0.
+  double LogOfFailures(double count) const { return count == 0.0 ? 0.0 : count * std::log1p(-p); }
+
+  // (1 - p)^count. Where 1 - p is a double, a power that is one, too, comes out exactly, so that quantiles at
+  // such probabilities find the jump.
+  double Failures(double count) const {
+    const TwoPartSum q = ExactDifference(1.0, p);
+    return q.low == 0.0 ? std::pow(q.high, count) : std::exp(LogOfFailures(count));
+  }
+
+  double Density(double k) const { return IsInSupport(k) ? p * Failures(k) : 0.0; }
+  double LogDensity(double k) const { return IsInSupport(k) ? std::log(p) + LogOfFailures(k) : -kInfinity; }
+
+  double Cdf(double x) const {
+    constexpr double kFewDigitsLost = 0.99;
+    if (!(x >= 0.0)) return 0.0;
+    if (x < 1.0) return p;
+    const double tail = Complement(x);
+    return tail <= kFewDigitsLost ? 1.0 - tail : -std::expm1(LogOfFailures(std::floor(x) + 1.0));
+  }
+  double Complement(double x) const { return x >= 0.0 ? Failures(std::floor(x) + 1.0) : 1.0; }
+
+  // The k at which ln P(N > k) has fallen to logTail, give or take rounding.
+  double Guess(double logTail) const { return std::max(0.0, std::ceil(logTail / std::log1p(-p)) - 1.0); }
+
+  double Quantile(double probability) const {
+    if (p == 1.0 || probability == 0.0) return 0.0;
+    if (probability == 1.0) return kInfinity;
+    return SmallestReached(Guess(std::log1p(-probability)), [&](double k) { return Cdf(k) >= probability; });
+  }
+
+  double ComplementQuantile(double tail) const {
+    if (p == 1.0 || tail == 1.0) return 0.0;
+    if (tail == 0.0) return kInfinity;
+    return SmallestReached(Guess(std::log(tail)), [&](double k) { return Complement(k) <= tail; });
+  }
+};
+
+}  // namespace
+
+double Mean(double proportion) {
+  return IsValid(proportion) ? (1.0 - proportion) / proportion : kInvalidProbability;
+}
+
+double Variance(double proportion) {
+  return IsValid(proportion) ? (1.0 - proportion) / proportion / proportion : kInvalidProbability;
+}
+
+double Density(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Density, x);
+}
+
+double LogDensity(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::LogDensity, x);
+}
+
+double Cdf(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Cdf, x);
+}
+
+double Complement(double x, double proportion) {
+  return ProbabilityAt(Law{proportion}, &Law::Complement, x);
+}
+
+double Quantile(double p, double proportion) {
+  return QuantileAt(Law{proportion}, &Law::Quantile, p);
+}
+
+double ComplementQuantile(double q, double proportion) {
+  return QuantileAt(Law{proportion}, &Law::ComplementQuantile, q);
+}
+
+BRENVOLT_ARRAYS_BY_SCALARS((double proportion), proportion);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double proportion), proportion);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double proportion), proportion);
+
+}  // namespace brenvolt::geometric

@@ -1,0 +1,270 @@
+// The histogram: a distribution given by its classes, each a code and the proportion of it.
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/special/exact_sums.h"
+
+namespace brenvolt::histogram {
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kClassSize = 2;
+constexpr double kTotalTolerance = 2e-5;
+
+// A sum with its rounding errors made good. Ogita, Rump & Oishi (2005), algorithms 4.4 and 5.3.
+class AccurateSum {
+ public:
+  void Add(double x) {
+    const TwoPartSum next = ExactSum(sum_, x);
+    sum_ = next.high;
+    rest_ += next.low;
+  }
+  void AddProduct(double a, double b) {
+    const TwoPartSum product = ExactProduct(a, b);
+    Add(product.high);
+    rest_ += product.low;
+  }
+  double Value() const { return sum_ + rest_; }
+
+ private:
+  double sum_ = 0.0;
+  double rest_ = 0.0;
+};
+
+struct Law {
+  std::span<const double> values;
+
+  std::size_t Classes() const { return values.size() / kClassSize; }
+  double Code(std::size_t i) const { return values[kClassSize * i]; }
+  double Proportion(std::size_t i) const { return values[kClassSize * i + 1]; }
+
+  // The sum of the proportions of the codes for which `isIn` holds.
+  template <class Predicate>
+  double Share(const Predicate& isIn) const {
+    AccurateSum sum;
+    for (std::size_t i = 0; i < Classes(); ++i) {
+      if (isIn(Code(i))) sum.Add(Proportion(i));
+    }
+    return sum.Value();
+  }
+
+  // The mean of the codes' distances from `origin`, each raised by `power`, 1 or 2.
+  double Moment(double origin, int power) const {
+    AccurateSum sum;
+    for (std::size_t i = 0; i < Classes(); ++i) {
+      const double distance = Code(i) - origin;
+      sum.AddProduct(power == 2 ? Proportion(i) * distance : Proportion(i), distance);
+    }
+    return sum.Value() / Total();
+  }
+
+  double Mean() const { return Moment(0.0, 1); }
+
+  // The second term takes the rounding of the mean back.
+  double Variance() const {
+    const double mean = Mean();
+    const double rest = Moment(mean, 1);
+    return Moment(mean, 2) - rest * rest;
+  }
+
+  double Total() const {
+    return Share([](double) { return true; });
+  }
+
+  bool IsValid() const {
+    if (values.empty() || values.size() % kClassSize != 0) return false;
+    for (std::size_t i = 0; i < Classes(); ++i) {
+      if (!std::isfinite(Code(i)) || !(Proportion(i) >= 0.0)) return false;
+    }
+    return std::abs(Total() - 1.0) <= kTotalTolerance;
+  }
+
+  double Density(double x) const {
+    return Share([x](double code) { return code == x; }) / Total();
+  }
+  double LogDensity(double x) const { return std::log(Density(x)); }
+  double Cdf(double x) const {
+    return Share([x](double code) { return code <= x; }) / Total();
+  }
+  double Complement(double x) const {
+    return Share([x](double code) { return code > x; }) / Total();
+  }
+
+  // The least code with a share at which `isReached`(code) holds; else the greatest with a share.
+  template <class Predicate>
+  double LeastReached(const Predicate& isReached) const {
+    double least = kInfinity;
+    double greatest = -kInfinity;
+    for (std::size_t i = 0; i < Classes(); ++i) {
+      if (Proportion(i) == 0.0) continue;
+      greatest = std::max(greatest, Code(i));
+      if (Code(i) < least && isReached(Code(i))) least = Code(i);
+    }
+    return std::min(least, greatest);
+  }
+
+  // At p = 1 the greatest, even where its share is lost in rounding.
+  double Quantile(double p) const {
+    return LeastReached([&](double code) { return p < 1.0 && Cdf(code) >= p; });
+  }
+  double ComplementQuantile(double q) const {
+    return LeastReached([&](double code) { return Complement(code) <= q; });
+  }
+};
+
+// The codes with a share, ascending, and the functions at them: many values by binary search.
+struct Prepared {
+  std::vector<double> codes;
+  std::vector<double> density;
+  std::vector<double> cdf;
+  std::vector<double> complement;
+
+  explicit Prepared(const Law& law) {
+    std::vector<std::pair<double, double>> classes;
+    for (std::size_t i = 0; i < law.Classes(); ++i) {
+      if (law.Proportion(i) > 0.0) classes.emplace_back(law.Code(i), law.Proportion(i));
+    }
+    std::sort(classes.begin(), classes.end());
+    const double total = law.Total();
+    AccurateSum upTo;
+    AccurateSum here;
+    for (const auto& [code, proportion] : classes) {
+      if (codes.empty() || codes.back() != code) {
+        codes.push_back(code);
+        density.emplace_back();
+        cdf.emplace_back();
+        here = {};
+      }
+      here.Add(proportion);
+      upTo.Add(proportion);
+      density.back() = here.Value() / total;
+      cdf.back() = upTo.Value() / total;
+    }
+    complement.resize(codes.size());
+    AccurateSum above;
+    std::size_t place = codes.size();
+    for (auto c = classes.rbegin(); c != classes.rend(); ++c) {
+      if (place == codes.size() || codes[place] != c->first) complement[--place] = above.Value() / total;
+      above.Add(c->second);
+    }
+  }
+
+  // The number of codes up to x.
+  std::size_t CountUpTo(double x) const {
+    return static_cast<std::size_t>(std::upper_bound(codes.begin(), codes.end(), x) - codes.begin());
+  }
+
+  double Density(double x) const {
+    const std::size_t count = CountUpTo(x);
+    return count > 0 && codes[count - 1] == x ? density[count - 1] : 0.0;
+  }
+  double LogDensity(double x) const { return std::log(Density(x)); }
+
+  double Cdf(double x) const {
+    const std::size_t count = CountUpTo(x);
+    return count == 0 ? 0.0 : cdf[count - 1];
+  }
+
+  double Complement(double x) const {
+    const std::size_t count = CountUpTo(x);
+    return count == 0 ? 1.0 : complement[count - 1];
+  }
+
+  double Quantile(double p) const {
+    if (p == 1.0) return codes.back();
+    const auto reached = std::lower_bound(cdf.begin(), cdf.end(), p) - cdf.begin();
+    return codes[std::min(static_cast<std::size_t>(reached), codes.size() - 1)];
+  }
+
+  double ComplementQuantile(double q) const {
+    const auto reached =
+        std::partition_point(complement.begin(), complement.end(), [q](double tail) { return tail > q; });
+    return codes[static_cast<std::size_t>(reached - complement.begin())];
+  }
+};
+
+}  // namespace
+
+bool IsValid(std::span<const double> classes) {
+  return Law{classes}.IsValid();
+}
+
+double Mean(std::span<const double> classes) {
+  return IsValid(classes) ? Law{classes}.Mean() : kInvalidProbability;
+}
+
+double Variance(std::span<const double> classes) {
+  return IsValid(classes) ? Law{classes}.Variance() : kInvalidProbability;
+}
+
+double Density(double x, std::span<const double> classes) {
+  return ProbabilityAt(Law{classes}, &Law::Density, x);
+}
+
+double LogDensity(double x, std::span<const double> classes) {
+  return ProbabilityAt(Law{classes}, &Law::LogDensity, x);
+}
+
+double Cdf(double x, std::span<const double> classes) {
+  return ProbabilityAt(Law{classes}, &Law::Cdf, x);
+}
+
+double Complement(double x, std::span<const double> classes) {
+  return ProbabilityAt(Law{classes}, &Law::Complement, x);
+}
+
+double Quantile(double p, std::span<const double> classes) {
+  return QuantileAt(Law{classes}, &Law::Quantile, p);
+}
+
+double ComplementQuantile(double q, std::span<const double> classes) {
+  return QuantileAt(Law{classes}, &Law::ComplementQuantile, q);
+}
+
+namespace {
+
+void PreparedProbabilities(std::span<const double> x, std::span<const double> classes, std::span<double> out,
+                           Formula<Prepared> formula) {
+  if (!IsValid(classes)) return FillInvalid(x.size(), kInvalidProbability, out);
+  const Prepared prepared(Law{classes});
+  ProbabilitiesAt(true, x, out, [&](double at) { return (prepared.*formula)(at); });
+}
+
+void PreparedQuantiles(std::span<const double> p, std::span<const double> classes, std::span<double> out,
+                       Formula<Prepared> formula) {
+  if (!IsValid(classes)) return FillInvalid(p.size(), kInvalidQuantile, out);
+  const Prepared prepared(Law{classes});
+  QuantilesAt(true, p, out, [&](double at) { return (prepared.*formula)(at); });
+}
+
+}  // namespace
+
+void Density(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Density);
+}
+
+void LogDensity(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::LogDensity);
+}
+
+void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Cdf);
+}
+
+void Complement(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
+  PreparedProbabilities(x, classes, out, &Prepared::Complement);
+}
+
+void Quantile(std::span<const double> p, std::span<const double> classes, std::span<double> out) {
+  PreparedQuantiles(p, classes, out, &Prepared::Quantile);
+}
+
+void ComplementQuantile(std::span<const double> q, std::span<const double> classes, std::span<double> out) {
+  PreparedQuantiles(q, classes, out, &Prepared::ComplementQuantile);
+}
+
+}  // namespace brenvolt::histogram

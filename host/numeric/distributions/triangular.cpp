@@ -1,0 +1,117 @@
+// The triangular distribution: its density rises in a line from min to mode and falls in one to max.
+#include <algorithm>
+#include <cmath>
+
+#include "host/numeric/distributions/law_forms.h"
+
+namespace brenvolt::triangular {
+
+bool IsValid(double min, double max, double mode) {
+  return min <= mode && mode <= max && min < max && std::isfinite(max - min);
+}
+
+namespace {
+
+struct Law {
+  double min;
+  double max;
+  double mode;
+
+  bool IsValid() const { return triangular::IsValid(min, max, mode); }
+
+  double Width() const { return max - min; }
+  double Rise() const { return mode - min; }
+  double Fall() const { return max - mode; }
+
+  double Density(double x) const {
+    if (x < min || x > max) return 0.0;
+    const double peak = 2.0 / Width();
+    if (x < mode) return peak * ((x - min) / Rise());
+    return x > mode ? peak * ((max - x) / Fall()) : peak;
+  }
+
+  double LogDensity(double x) const { return std::log(Density(x)); }
+
+  // Sums of areas, never a difference, so that neither tail cancels where the mode lies at its end.
+  double Cdf(double x) const {
+    if (x <= min) return 0.0;
+    if (x >= max) return 1.0;
+    if (x < mode) return (x - min) / Width() * ((x - min) / Rise());
+    return x == mode ? Rise() / Width()
+                     : Rise() / Width() + (x - mode) / Width() * (((max - x) + Fall()) / Fall());
+  }
+
+  double Complement(double x) const {
+    if (x <= min) return 1.0;
+    if (x >= max) return 0.0;
+    if (x > mode) return (max - x) / Width() * ((max - x) / Fall());
+    return x == mode ? Fall() / Width()
+                     : Fall() / Width() + (mode - x) / Width() * (((x - min) + Rise()) / Rise());
+  }
+
+  // The distance from an end that leaves the area p on its side, before the mode.
+  double FromEnd(double p, double side) const { return std::sqrt(p) * std::sqrt(Width()) * std::sqrt(side); }
+
+  // The distance from the mode, on a side, at which the area between is p - (Width() - side) / Width().
+  double FromMode(double p, double side) const {
+    const double excess = std::max(0.0, p * Width() - (Width() - side));
+    return excess / (1.0 + std::sqrt(std::max(0.0, 1.0 - excess / side)));
+  }
+
+  double Quantile(double p) const {
+    if (p == 0.0) return min;
+    if (p == 1.0) return max;
+    if (p * Width() < Rise()) return min + FromEnd(p, Rise());
+    return p < 0.5 ? mode + FromMode(p, Fall()) : max - FromEnd(1.0 - p, Fall());
+  }
+
+  double ComplementQuantile(double q) const {
+    if (q == 0.0) return max;
+    if (q == 1.0) return min;
+    if (q * Width() < Fall()) return max - FromEnd(q, Fall());
+    return q < 0.5 ? mode - FromMode(q, Rise()) : min + FromEnd(1.0 - q, Rise());
+  }
+
+  double Mean() const { return min + (Width() + Rise()) / 3.0; }
+  double Variance() const { return (Rise() * Width() + Fall() * Fall()) / 18.0; }
+};
+
+}  // namespace
+
+double Density(double x, double min, double max, double mode) {
+  return ProbabilityAt(Law{min, max, mode}, &Law::Density, x);
+}
+
+double LogDensity(double x, double min, double max, double mode) {
+  return ProbabilityAt(Law{min, max, mode}, &Law::LogDensity, x);
+}
+
+double Cdf(double x, double min, double max, double mode) {
+  return ProbabilityAt(Law{min, max, mode}, &Law::Cdf, x);
+}
+
+double Complement(double x, double min, double max, double mode) {
+  return ProbabilityAt(Law{min, max, mode}, &Law::Complement, x);
+}
+
+double Quantile(double p, double min, double max, double mode) {
+  return QuantileAt(Law{min, max, mode}, &Law::Quantile, p);
+}
+
+double ComplementQuantile(double q, double min, double max, double mode) {
+  return QuantileAt(Law{min, max, mode}, &Law::ComplementQuantile, q);
+}
+
+BRENVOLT_ARRAYS_BY_SCALARS((double min, double max, double mode), min, max, mode);
+BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double min, double max, double mode), min, max, mode);
+BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double min, double max, double mode), min, max, mode);
+
+double Mean(double min, double max, double mode) {
+  return MomentAt(Law{min, max, mode}, &Law::Mean);
+}
+
+double Variance(double min, double max, double mode) {
+  return MomentAt(Law{min, max, mode}, &Law::Variance);
+}
+
+}  // namespace brenvolt::triangular

@@ -1,0 +1,133 @@
+// What the estimators of distribution parameters share: sums that keep their digits, checks of the sample,
+// the way a failure is reported, and the change of units that makes every fit follow the data's units.
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "host/base/almost_equal.h"
+#include "host/numeric/estimation/estimators.h"
+
+namespace brenvolt::estimation {
+
+// Neumaier (1974): a sum that carries its rounding errors along.
+class CompensatedSum {
+ public:
+  void Add(double x) {
+    const double next = sum_ + x;
+    rest_ += std::abs(sum_) >= std::abs(x) ? (sum_ - next) + x : (x - next) + sum_;
+    sum_ = next;
+  }
+  double Value() const { return sum_ + rest_; }
+  // The two parts of the value: differences of sums keep their digits when taken of each part.
+  double Sum() const { return sum_; }
+  double Rest() const { return rest_; }
+
+ private:
+  double sum_ = 0.0;
+  double rest_ = 0.0;
+};
+
+inline constexpr std::size_t kBlock = 512;
+
+// The sum of at most a block of values, in an order that vector registers can follow.
+inline double SumOfBlock(std::span<const double> values) {
+  constexpr std::size_t kLanes = 8;
+  double lanes[kLanes] = {};
+  std::size_t i = 0;
+  for (; i + kLanes <= values.size(); i += kLanes) {
+    for (std::size_t lane = 0; lane < kLanes; ++lane) lanes[lane] += values[i + lane];
+  }
+  double rest = 0.0;
+  for (; i < values.size(); ++i) rest += values[i];
+  for (const double lane : lanes) rest += lane;
+  return rest;
+}
+
+// The sum of terms over many values: terms(part, out) writes those of up to kBlock values, which lets it use
+// the array forms of functions. Sums of blocks are compensated.
+template <class Terms>
+double SumOverBlocks(std::span<const double> values, const Terms& terms) {
+  double buffer[kBlock];
+  CompensatedSum sum;
+  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
+    const std::span<const double> part = values.subspan(begin, std::min(kBlock, values.size() - begin));
+    const std::span<double> out(buffer, part.size());
+    terms(part, out);
+    sum.Add(SumOfBlock(out));
+  }
+  return sum.Value();
+}
+
+inline void Ask(const EstimationPoll& poll) {
+  if (poll) poll();
+}
+
+inline bool IsAnyNotFinite(std::span<const double> data) {
+  return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });
+}
+
+// Clears the slots to kNotSet and reports the reason.
+inline std::int32_t Fail(EstimationError reason, std::span<double> slots, EstimationError& error) {
+  std::fill(slots.begin(), slots.end(), kNotSet);
+  error = reason;
+  return static_cast<std::int32_t>(reason);
+}
+
+// Reports success, unless a slot did not come out finite.
+inline std::int32_t Succeed(std::span<double> slots, EstimationError& error) {
+  if (IsAnyNotFinite(slots)) return Fail(EstimationError::kNotFinite, slots, error);
+  error = EstimationError::kNone;
+  return 0;
+}
+
+// kNone, or why a sample (and what shifts it) cannot be fitted at all.
+inline EstimationError CheckSample(std::span<const double> data, std::size_t leastCount,
+                                   double offset = 0.0) {
+  if (data.size() < leastCount) return EstimationError::kTooFewValues;
+  if (IsAnyNotFinite(data) || !std::isfinite(offset)) return EstimationError::kNotFinite;
+  return EstimationError::kNone;
+}
+
+// A sample in units of its own: values = (data - origin) 2^-exponent. The power of two is exact and the
+// largest magnitude lies in [1, 2), so that no power of a value overflows and nothing depends on the units.
+struct ScaledSample {
+  std::vector<double> values;
+  double origin = 0.0;
+  int exponent = 0;
+
+  double InUnitsOfData(double length) const { return std::scalbn(length, exponent); }
+};
+
+// Values stay as they are (not finite, or all zero) when there is nothing to scale by.
+inline ScaledSample ScaleFrom(std::span<const double> data, double origin) {
+  ScaledSample sample;
+  sample.origin = origin;
+  sample.values.reserve(data.size());
+  double greatest = 0.0;
+  for (const double x : data) {
+    sample.values.push_back(x - origin);
+    greatest = std::max(greatest, std::abs(sample.values.back()));
+  }
+  if (!(greatest > 0.0) || !std::isfinite(greatest)) return sample;
+  sample.exponent = std::ilogb(greatest);
+  for (double& x : sample.values) x = std::scalbn(x, -sample.exponent);
+  return sample;
+}
+
+inline double Mean(std::span<const double> values) {
+  CompensatedSum sum;
+  for (const double x : values) sum.Add(x);
+  return sum.Value() / static_cast<double>(values.size());
+}
+
+inline double MeanSquare(std::span<const double> values, double centre = 0.0) {
+  CompensatedSum sum;
+  for (const double x : values) sum.Add((x - centre) * (x - centre));
+  return sum.Value() / static_cast<double>(values.size());
+}
+
+}  // namespace brenvolt::estimation

@@ -1,0 +1,217 @@
+// Half normal, Rayleigh and folded normal: laws of a magnitude above an offset.
+//
+// The folded normal has the likelihood equations (Leone, Nelson & Nottingham 1961)
+//   location = mean(x tanh(x location / scale^2)),  scale^2 = mean(x^2) - location^2.
+// With d = mean(x) - location they become one equation in d on [0, mean(x)],
+//   d = mean(2 x / (exp(2 x location / scale^2) + 1)),  scale^2 = variance(x) + d (2 mean(x) - d),
+// without cancellation however small the spread is beside the mean. d = mean(x), which is location 0, always
+// solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/special/bracketed_root.h"
+#include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
+
+namespace brenvolt {
+namespace {
+
+using estimation::Ask;
+using estimation::CheckSample;
+using estimation::Fail;
+using estimation::Mean;
+using estimation::MeanSquare;
+using estimation::ScaledSample;
+using estimation::ScaleFrom;
+using estimation::Succeed;
+using estimation::SumOverBlocks;
+
+// Prepares x - offset in `sample`; kNone when all of it is finite and within the support.
+EstimationError ShiftAboveOffset(std::span<const double> data, double offset, bool isOffsetInside,
+                                 ScaledSample& sample) {
+  if (const EstimationError reason = CheckSample(data, 2, offset); reason != EstimationError::kNone)
+    return reason;
+  sample = ScaleFrom(data, offset);
+  if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
+  for (const double x : sample.values) {
+    if (x < 0.0 || (x == 0.0 && !isOffsetInside)) return EstimationError::kValueOutsideSupport;
+  }
+  return EstimationError::kNone;
+}
+
+class FoldedLikelihood {
+ public:
+  // `poll` has to outlive it.
+  FoldedLikelihood(std::span<const double> values, const EstimationPoll& poll)
+      : values_(values), poll_(poll), mean_(Mean(values)), variance_(MeanSquare(values, mean_)) {}
+
+  double SampleMean() const { return mean_; }
+  double SampleVariance() const { return variance_; }
+  double ScaleSquared(double d) const { return variance_ + d * (2.0 * mean_ - d); }
+
+  // Positive where the likelihood grows with d.
+  double Excess(double d) const {
+    Ask(poll_);
+    const double slope = 2.0 * (mean_ - d) / ScaleSquared(d);
+    const double sum = SumOverBlocks(values_, [slope](std::span<const double> x, std::span<double> out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
+      elementary::Exp(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = 2.0 * x[i] / (out[i] + 1.0);
+    });
+    return sum / static_cast<double>(values_.size()) - d;
+  }
+
+  // Mean log-likelihood, without constants.
+  double LogLikelihood(double d) const {
+    Ask(poll_);
+    const double location = mean_ - d;
+    const double scaleSquared = ScaleSquared(d);
+    const double slope = -2.0 * location / scaleSquared;
+    const double sum = SumOverBlocks(values_, [&](std::span<const double> x, std::span<double> out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
+      elementary::Exp(out, out);
+      elementary::Log1p(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const double z = x[i] - location;
+        out[i] -= 0.5 * z * z / scaleSquared;
+      }
+    });
+    return sum / static_cast<double>(values_.size()) - 0.5 * std::log(scaleSquared);
+  }
+
+ private:
+  std::span<const double> values_;
+  const EstimationPoll& poll_;
+  double mean_;
+  double variance_;
+};
+
+// d from nearly 0 to nearly the mean, in steps of a factor of two from either end.
+std::vector<double> FoldedGrid(double mean) {
+  constexpr int kNearZero = 60;
+  constexpr int kNearMean = 17;  // nearer than 2^-17 the likelihood is flat to its last bits
+  std::vector<double> grid = {0.0};
+  for (int k = kNearZero; k >= 1; --k) grid.push_back(std::scalbn(mean, -k));
+  for (int k = 2; k <= kNearMean; ++k) grid.push_back(mean - std::scalbn(mean, -k));
+  return grid;
+}
+
+// Two neighbours of the grid between which the excess changes from positive to negative, and the root there.
+struct FoldedRoot {
+  double low;
+  double high;
+  double d;
+};
+
+std::vector<FoldedRoot> FoldedRoots(const FoldedLikelihood& likelihood) {
+  const auto excessAt = [&](double d) { return likelihood.Excess(d); };
+  const std::vector<double> grid = FoldedGrid(likelihood.SampleMean());
+  std::vector<FoldedRoot> roots;
+  double previous = excessAt(grid[0]);
+  for (std::size_t i = 1; i < grid.size(); ++i) {
+    const double excess = excessAt(grid[i]);
+    if (previous > 0.0 && excess <= 0.0)
+      roots.push_back(
+          {grid[i - 1], grid[i], SolveBracketed(excessAt, grid[i - 1], grid[i], previous, excess)});
+    previous = excess;
+  }
+  return roots;
+}
+
+// The roots of a large sample from those of a thinned one; nothing when one of them has no root near.
+std::optional<std::vector<FoldedRoot>> FoldedRootsByThinning(const FoldedLikelihood& likelihood,
+                                                             std::span<const double> sorted,
+                                                             const EstimationPoll& poll) {
+  const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+  std::vector<FoldedRoot> roots = FoldedRoots(FoldedLikelihood(thin, poll));
+  for (FoldedRoot& root : roots) {
+    const double high = std::min(2.0 * root.high, likelihood.SampleMean());
+    const auto d = SolveFallingNear([&](double at) { return likelihood.Excess(at); }, std::min(root.d, high),
+                                    0.5 * root.low, high);
+    if (!d) return std::nullopt;
+    root.d = *d;
+  }
+  return roots;
+}
+
+double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double> values,
+                      const EstimationPoll& poll) {
+  std::optional<std::vector<FoldedRoot>> roots;
+  if (values.size() > kLargeSample && std::ranges::is_sorted(values))
+    roots = FoldedRootsByThinning(likelihood, values, poll);
+  if (!roots) roots = FoldedRoots(likelihood);
+  if (likelihood.Excess(0.0) <= 0.0) roots->push_back({0.0, 0.0, 0.0});
+  double best = likelihood.SampleMean();
+  double bestLogLikelihood = likelihood.LogLikelihood(best);
+  for (const FoldedRoot& root : *roots) {
+    const double value = likelihood.LogLikelihood(root.d);
+    if (!(value > bestLogLikelihood)) continue;
+    best = root.d;
+    bestLogLikelihood = value;
+  }
+  return best;
+}
+
+}  // namespace
+
+std::int32_t FitHalfNormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
+                                       std::span<double, 3> parameters, EstimationError& error) {
+  ScaledSample sample;
+  const EstimationError reason = ShiftAboveOffset(data, offset, true, sample);
+  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
+  const double scale = sample.InUnitsOfData(std::sqrt(MeanSquare(sample.values)));
+  if (!(scale > 0.0)) return Fail(EstimationError::kNoSpread, parameters, error);
+
+  const auto n = static_cast<double>(data.size());
+  parameters[0] = scale;
+  parameters[1] = scale / std::sqrt(2.0 * n);
+  parameters[2] = n * (std::numbers::ln2 - kLogSqrtTwoPi - std::log(scale) - 0.5);
+  return Succeed(parameters, error);
+}
+
+std::int32_t FitRayleighDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
+                                     std::span<double, 3> parameters, EstimationError& error) {
+  ScaledSample sample;
+  const EstimationError reason = ShiftAboveOffset(data, offset, false, sample);
+  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
+
+  const auto n = static_cast<double>(data.size());
+  const double scaled = std::sqrt(0.5 * MeanSquare(sample.values));
+  // Of the logarithms of x / scale, which needs no units.
+  const double logs =
+      SumOverBlocks(sample.values, [scaled](std::span<const double> x, std::span<double> out) {
+        for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] / scaled;
+        elementary::Log(out, out);
+      });
+  const double scale = sample.InUnitsOfData(scaled);
+  parameters[0] = scale;
+  parameters[1] = scale / std::sqrt(4.0 * n);
+  parameters[2] = logs - n * (std::log(scale) + 1.0);
+  return Succeed(parameters, error);
+}
+
+std::int32_t FitFoldedNormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
+                                         std::span<double, 2> parameters, EstimationError& error,
+                                         const EstimationPoll& poll) {
+  ScaledSample sample;
+  const EstimationError reason = ShiftAboveOffset(data, offset, true, sample);
+  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
+  const FoldedLikelihood likelihood(sample.values, poll);
+  const auto [least, greatest] = std::minmax_element(sample.values.begin(), sample.values.end());
+  if (*least == *greatest || !(likelihood.SampleVariance() > 0.0)) {
+    return Fail(EstimationError::kNoSpread, parameters, error);
+  }
+
+  const double d = BestFoldedRoot(likelihood, sample.values, poll);
+  parameters[0] = sample.InUnitsOfData(likelihood.SampleMean() - d);
+  parameters[1] = sample.InUnitsOfData(std::sqrt(likelihood.ScaleSquared(d)));
+  return Succeed(parameters, error);
+}
+
+}  // namespace brenvolt

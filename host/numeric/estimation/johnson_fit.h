@@ -1,0 +1,45 @@
+// A member of the Johnson system in units of the sample's own, as the two ways of fitting it find it.
+#pragma once
+
+#include <cmath>
+#include <span>
+
+#include "host/numeric/estimation/estimators.h"
+
+namespace brenvolt {
+
+struct JohnsonFit {
+  JohnsonFamily family = JohnsonFamily::kNormal;
+  double gamma = 0.0;
+  double delta = 1.0;
+  double lambda = 1.0;
+  double xi = 0.0;
+};
+
+// The member of x = origin + unit y when `fit` is that of y. SL and SN have no lambda to take the unit up: it
+// goes into gamma or delta.
+inline void StoreJohnson(const JohnsonFit& fit, double origin, double unit, std::span<double, 5> parameters) {
+  JohnsonFit scaled = fit;
+  scaled.xi = origin + unit * fit.xi;
+  switch (fit.family) {
+    case JohnsonFamily::kLognormal:
+      scaled.gamma = fit.gamma - fit.delta * std::log(unit);
+      break;
+    case JohnsonFamily::kNormal:
+      scaled.delta = fit.delta / unit;
+      scaled.gamma = fit.gamma - scaled.delta * scaled.xi;
+      scaled.xi = 0.0;
+      break;
+    case JohnsonFamily::kUnbounded:
+    case JohnsonFamily::kBounded:
+      scaled.lambda = unit * fit.lambda;
+      break;
+  }
+  parameters[0] = static_cast<double>(fit.family);
+  parameters[1] = scaled.gamma;
+  parameters[2] = scaled.delta;
+  parameters[3] = scaled.lambda;
+  parameters[4] = scaled.xi;
+}
+
+}  // namespace brenvolt
