@@ -26,8 +26,14 @@ function(add_test_program target)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "LABEL" "SOURCES;LIBRARIES")
   add_executable(${target} ${arg_SOURCES})
   target_link_libraries(${target} PRIVATE ${arg_LIBRARIES} GTest::gtest GTest::gtest_main)
-  target_compile_definitions(${target} PRIVATE BRENVOLT_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
-                                               BRENVOLT_BUILD_DIR="${PROJECT_BINARY_DIR}")
+  # Only sources that name the folders get them: the objects of all others are the same wherever the tree lies.
+  foreach(source IN LISTS arg_SOURCES)
+    file(STRINGS ${source} naming REGEX "BRENVOLT_(SOURCE|BUILD)_DIR" LIMIT_COUNT 1)
+    if(naming)
+      set_source_files_properties(${source} PROPERTIES COMPILE_DEFINITIONS
+        "BRENVOLT_SOURCE_DIR=\"${PROJECT_SOURCE_DIR}\";BRENVOLT_BUILD_DIR=\"${PROJECT_BINARY_DIR}\"")
+    endif()
+  endforeach()
   target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <string> <vector>)
   gtest_discover_tests(${target} TEST_FILTER "-*Reference.*" DISCOVERY_TIMEOUT 60
                        PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300)
