@@ -1,5 +1,5 @@
-// Prints docs/accuracy.md: the errors of the distribution functions against the tables of high-precision
-// values, per type and function, measured now.
+// Prints docs/evidence/accuracy.md: the errors of the distribution functions against the tables of
+// high-precision values, per type and function, measured now.
 //
 //   accuracy <folder of the tables>
 #include <algorithm>
@@ -37,7 +37,7 @@ table, and the quantile of the probability of a count to be the least count that
 This document is printed by a program; to make it again:
 
     cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target accuracy
-    build/bin/accuracy host/numeric/reference > docs/accuracy.md
+    build/bin/accuracy host/numeric/reference > docs/evidence/accuracy.md
 )";
 
 struct Worst {

@@ -1,5 +1,5 @@
 // Sorting against the standard library, and the linear algebra by its size. Times are of the wall clock; on a
-// shared machine take the minima of repetitions (docs/benchmarks-algebra.md says how).
+// shared machine take the minima of repetitions (docs/evidence/benchmarks-algebra.md says how).
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 // Sampling and correlation induction over n samples of k variables; what is timed is the filling of a matrix
 // that is there already.
 //   simulation_bench --benchmark_filter=MonteCarlo
-// docs/benchmarks-simulation.md compares it with other tools.
+// docs/evidence/benchmarks-simulation.md compares it with other tools.
 #include <benchmark/benchmark.h>
 
 #include <vector>

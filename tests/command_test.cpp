@@ -130,7 +130,7 @@ TEST_F(Command, EveryDistributionAndRankingIsKnownByItsName) {
   }
 }
 
-// Programs read this by name; docs/fitting.md promises it.
+// Programs read this by name; docs/guide/fitting.md promises it.
 TEST_F(Command, JsonOfAFitHasItsShape) {
   WriteBytes(File("d.csv"),
              "x,n,c\n1,2,5\n2.5,0,5\n4,3,5\n8,1,5\n3,1,5\n3.5,2,5\n6,0,5\n5,1,5\n2,2,5\n7,1,5\n");

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks the #include lines of the tree against its layers (docs/design.md, "Rooms").
+"""Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms").
 
     include_rules.py ROOT         prints each violation as `file:line: folder X may not include Y`; exit status 1 if any
     include_rules.py --self-test  runs the checks over small trees, one per kind of violation

@@ -172,7 +172,7 @@ TEST_F(TypeLibraryText, CompiledNumbersAreThoseOfTheCalls) {
 TEST_F(TypeLibraryText, DocumentationHasTheMembersAsPrinted) {
   const Outcome printed = RunBrenvolt({"typelib"}, folder.Path());
   ASSERT_EQ(printed.status, 0) << printed.err;
-  const std::string documentation = BytesOf(BRENVOLT_SOURCE_DIR "/docs/automation.md");
+  const std::string documentation = BytesOf(BRENVOLT_SOURCE_DIR "/docs/reference/automation.md");
   std::istringstream lines(printed.out);
   for (std::string line; std::getline(lines, line);) {
     EXPECT_NE(documentation.find("\n" + line + "\n"), std::string::npos) << line;

@@ -1,4 +1,4 @@
-// The report of a fit for programs. Its shape stands in docs/fitting.md.
+// The report of a fit for programs. Its shape stands in docs/guide/fitting.md.
 #pragma once
 
 #include <nlohmann/json.hpp>

@@ -34,7 +34,7 @@ double andersonDarling(std::span<const double> probabilities);
 // P(A² <= statistic) under the hypothesis for n values, in [0, 1]; NaN for a NaN statistic. Throws
 // NumericalException "n <= 0" for n < 1. Exact for n = 1. Otherwise the limiting distribution with a
 // correction proportional to 1/n from tables up to 5, an exponential tail beyond; 0 below 0.05. Its distance
-// from the exact distribution by n: docs/anderson-darling.md.
+// from the exact distribution by n: docs/evidence/anderson-darling.md.
 double AndersonDarlingDistribution(std::int64_t n, double statistic);
 
 }  // namespace brenvolt::sra

@@ -1,5 +1,6 @@
 // The tables of the distribution function of the Anderson-Darling statistic, at z = 0, 0.05, …, 5.10.
-// Written by reference/make_anderson_darling_tables.py; where the values come from: docs/anderson-darling.md.
+// Written by reference/make_anderson_darling_tables.py; docs/evidence/anderson-darling.md says where the values
+// come from.
 #pragma once
 
 #include <array>

@@ -133,7 +133,7 @@ TEST(AndersonDarlingDistributionReference, AgreesWithSimulation) {
     fields >> n >> comma >> z >> comma >> simulated;
     const double difference = std::abs(AndersonDarlingDistribution(n, z) - simulated);
     double limit = z < 0.4 ? 0.002 : 0.0005;
-    if (n == 2) limit = z < 0.4 ? 0.03 : 0.011;  // docs/anderson-darling.md
+    if (n == 2) limit = z < 0.4 ? 0.03 : 0.011;  // docs/evidence/anderson-darling.md
     EXPECT_LT(difference, limit) << line;
     largest[n] = std::max(largest[n], difference);
     ++rows;

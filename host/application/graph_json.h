@@ -7,8 +7,8 @@
 
 namespace brenvolt {
 
-// The kind, the titles, and the parts that there are; the panels as graphs of their own. docs/fitting.md has
-// its shape.
+// The kind, the titles, and the parts that there are; the panels as graphs of their own.
+// docs/guide/fitting.md has its shape.
 nlohmann::ordered_json GraphJson(const Graph& graph);
 
 }  // namespace brenvolt

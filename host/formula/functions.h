@@ -1,5 +1,5 @@
 // The operators, the mathematical functions and the constants of formulas. The list for people, with what
-// each does, is docs/formulas.md.
+// each does, is docs/reference/formulas.md.
 #pragma once
 
 #include <cstdint>

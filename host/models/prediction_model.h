@@ -1,9 +1,9 @@
 // Prediction models from PMML files (versions 3.0 to 4.4): what they predict from what, and the predictions
 // for columns of values.
 //
-// A file is read and checked as a whole when it is loaded; docs/models.md lists what is supported. An element
-// or attribute that is not is refused then, by name and line. A loaded model does not change; threads may use
-// it at the same time.
+// A file is read and checked as a whole when it is loaded; docs/reference/models.md lists what is supported.
+// An element or attribute that is not is refused then, by name and line. A loaded model does not change;
+// threads may use it at the same time.
 #pragma once
 
 #include <cstddef>

@@ -1,5 +1,5 @@
-// Process capability and performance against a specification. docs/capability.md gives every formula with its
-// source.
+// Process capability and performance against a specification. docs/reference/capability.md gives every
+// formula with its source.
 //
 // Two estimates of the standard deviation stand side by side (AIAG 2005, Statistical Process Control, 2nd
 // ed.): `within`, from the moving ranges of neighbouring values, for the indices whose names begin with C,

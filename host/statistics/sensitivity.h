@@ -1,4 +1,5 @@
-// Which predictor drives the variation of a response. docs/capability.md says how to read the measures.
+// Which predictor drives the variation of a response. docs/reference/capability.md says how to read the
+// measures.
 #pragma once
 
 #include <cstddef>

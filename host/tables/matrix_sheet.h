@@ -3,7 +3,7 @@
 //
 // For m variables a matrix has m + 4 cases: one for each variable, of its name and in its order, then the
 // means, the standard deviations, the number of valid cases and the type of the matrix (1 for correlations),
-// the last two in the first variable. See docs/matrix-file.md.
+// the last two in the first variable. See docs/reference/matrix-file.md.
 #pragma once
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 // The project file, format 1: an SQLite database of these tables and nothing that they do not say. Reader and
-// writer share this description; docs/workbook-format.md explains it to people who read or edit projects with
-// other tools.
+// writer share this description; docs/reference/workbook-format.md explains it to people who read or edit
+// projects with other tools.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-"""docs/automating.md and docs/python.md: what they show is what happens."""
+"""docs/guide/automating.md and docs/guide/python.md: what they show is what happens."""
 
 import ast
 import os
@@ -16,7 +16,7 @@ SOURCE = os.environ["BRENVOLT_SOURCE_DIR"]
 
 
 def blocks(kind, page="automating.md"):
-    with open(os.path.join(SOURCE, "docs", page), encoding="utf-8") as file:
+    with open(os.path.join(SOURCE, "docs/guide", page), encoding="utf-8") as file:
         fenced = re.findall(r"^```(\w*)\n(.*?)^```$", file.read(), re.MULTILINE | re.DOTALL)
     return [text for language, text in fenced if language == kind]
 

@@ -1,5 +1,7 @@
 #!/usr/bin/env python3
-"""Fits of the same data by SciPy and R, beside ours: writes compare_fits.csv, data/ and docs/comparison-fits.md.
+"""Fits of the same data by SciPy and R, beside ours.
+
+Writes compare_fits.csv, data/ and docs/evidence/comparison-fits.md.
 
 Run by hand (Debian: python3-scipy, r-cran-fitdistrplus, r-cran-evd, r-cran-mclust, r-cran-goftest), after building
 bench/fit_file (cmake -DBRENVOLT_BENCH=ON):
@@ -30,7 +32,7 @@ FOLDER = pathlib.Path(__file__).resolve().parent
 ROOT = FOLDER.parents[2]
 DATA = FOLDER / "data"
 PROGRAM = ROOT / "build/bin/fit_file"
-OUTPUT = ROOT / "docs/comparison-fits.md"
+OUTPUT = ROOT / "docs/evidence/comparison-fits.md"
 SHORTFALL = 1e-8  # relative, of a likelihood, that counts
 LEAST_DENSITY = 1e-10  # values with less are no part of a triangular likelihood
 CLOSED_FORM = ("Normal", "Log Normal", "Half Normal", "Rayleigh", "Binomial", "Poisson", "Geometric", "Bernoulli")

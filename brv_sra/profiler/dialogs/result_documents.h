@@ -2,7 +2,7 @@
 // no dialog.
 //
 // Runs without a prediction (missing or not finite) take part in nothing and are counted where a table has a
-// place for them. docs/capability.md gives the formulas; the names of rows and columns are those of
+// place for them. docs/reference/capability.md gives the formulas; the names of rows and columns are those of
 // host/analysis/response_columns.h.
 #pragma once
 
@@ -37,8 +37,8 @@ struct SimulatedResponse {
 VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port);
 
 // Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
-// where the limits are not valid. With fits of which the best is not the normal distribution and the
-// normal one is rejected at 5 % (Anderson & Darling), indices and parts per million by the points of the best
+// where the limits are not valid. With fits of which the best is not the normal distribution and the normal
+// one is rejected at 5 % (Anderson & Darling), indices and parts per million by the points of the best
 // distribution follow, which the column "(Params Description)" names; they are missing otherwise.
 std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& response, const VariableFit& fit);
 

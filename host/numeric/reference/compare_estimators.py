@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares the estimators with SciPy and R on real and simulated samples and writes docs/estimators.md.
+"""Compares the estimators with SciPy and R on real and simulated samples and writes docs/evidence/estimators.md.
 
 Run by hand, after building bench/fit_estimator (cmake -DBRENVOLT_BENCH=ON):
     host/numeric/reference/compare_estimators.py [build/bin/fit_estimator [estimator ...]]
@@ -21,7 +21,7 @@ from scipy import optimize, special, stats
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
 PROGRAM = ROOT / "build/bin/fit_estimator"
-OUTPUT = ROOT / "docs/estimators.md"
+OUTPUT = ROOT / "docs/evidence/estimators.md"
 LIMIT = 1e-8  # the relative shortfall of a likelihood that counts
 STATUS = {1: "too few values", 2: "value outside the support", 3: "no spread", 4: "not finite", 5: "no maximum",
           6: "no solution", 7: "invalid argument"}
