@@ -150,6 +150,11 @@ class Constants(unittest.TestCase):
         self.assertEqual((names["scDiscrete"], names["Norta"], names["iCustom"]), (15, 4, 2))
         self.assertNotIn("open", names)
 
+    def test_constants_are_not_the_classes_of_distributions(self):
+        names = {}
+        exec("from brenvolt import *", names)
+        self.assertEqual((names["Weibull"], names["distributions"].Weibull(2, 3).code), (5, 5))
+
     def test_unknown_names_are_no_constants(self):
         with self.assertRaisesRegex(AttributeError, "no attribute 'scNothing'"):
             brenvolt.scNothing
