@@ -4,8 +4,8 @@
 //     anderson_darling_corrections LIMIT [N [SAMPLES]] > CORRECTIONS
 //
 // LIMIT: the limiting distribution function F at z = 0, 0.05, …, 5.10, one line each (the script prints it).
-// Writes n (F_n - F) at each point, with its standard error. The committed table is that of the defaults, n =
-// 8 with 4e8 samples; docs/evidence/anderson-darling.md says why n = 8.
+// Writes n (F_n - F) at each point, with its standard error. The committed table is that of the defaults,
+// n = 8 with 4e8 samples; docs/evidence/anderson-darling.md says why n = 8.
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>

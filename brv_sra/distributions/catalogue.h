@@ -98,10 +98,9 @@ struct ValidityFault {
 // Nothing when the values are valid, else the first fault in the order of the values. The rules:
 //
 // - Each parameter is given (not kNotSet), finite, and in the range that the table names. Locations, xi,
-// gamma, means
-//   of mixture components, the shapes of the extreme-value and Pareto types and the scale of the Log Normal
-//   (the mean of a logarithm) may have any sign; every other scale, shape, deviation and mean is greater than
-//   zero, Johnson's delta and lambda included.
+//   gamma, means of mixture components, the shapes of the extreme-value and Pareto types and the scale of the
+//   Log Normal (the mean of a logarithm) may have any sign; every other scale, shape, deviation and mean is
+//   greater than zero, Johnson's delta and lambda included.
 // - Fixed types hold exactly their values; the last group of a user-defined type is complete.
 // - Triangular: minimum <= mode <= maximum.
 // - Histogram: the proportions add up to 1 within kHistogramTotalTolerance; no class at all adds up to 0.

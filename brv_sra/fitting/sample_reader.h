@@ -34,8 +34,8 @@ struct Sample {
 };
 
 // Reads one variable, advancing the bar by one per case; the bar also looks for cancellation while a case of
-// large weight is copied. Throws NumericalException naming variable and case
-// when a value is infinite; UserCancelled through the bar.
+// large weight is copied. Throws NumericalException naming variable and case when a value is infinite;
+// UserCancelled through the bar.
 Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
                   CKroProgressBar& progress);
 

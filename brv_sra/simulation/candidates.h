@@ -20,8 +20,8 @@ struct NaturalGenerator;
 //   Gaussian mixture                            one that picks the component, one for the normal deviate
 //   binomial, Poisson, geometric                one, looked up in the table; none without a table
 //   Bernoulli                                   one, u: 1 where u < proportion, else 0
-//   user-defined levels                         one, u: the lowest level whose cumulative proportion reaches
-//   u all others                                  none: they are always inverted
+//   user-defined levels                         one, u: the first level whose cumulative proportion reaches u
+//   all others                                  none: they are always inverted
 class Candidates {
  public:
   static constexpr std::size_t kMostDraws = 2;

@@ -11,8 +11,8 @@ namespace brenvolt {
 // Never fails:
 // - A limit within 15 units in the last place of a multiple stands there; otherwise the rounded range
 //   encloses the one given. Limits in the wrong order are exchanged.
-// - A range too narrow for doubles to tell the steps apart counts as the point x in its middle and becomes x
-//   - |x|/10 to x + |x|/10 before rounding; -1 to 1 about 0.
+// - A range too narrow for doubles to tell the steps apart counts as the point x in its middle, and becomes
+//   the range from x - |x|/10 to x + |x|/10 before rounding; -1 to 1 about 0.
 // - A rounded limit beyond the largest double becomes the largest multiple that is none.
 // - Limits that are not finite come back as they are, with step 0.
 double scling_double_QUA(double& minimum, double& maximum, int mostSteps, int fewestSteps);

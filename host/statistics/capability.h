@@ -89,10 +89,9 @@ struct ProcessDistribution {
   std::function<double(double x)> cdf;
   std::function<double(double x)> complement;
 };
-// Indices by percentiles (ISO 22514-2; Clements 1989): the
-// distances of the limits from the median over the distances of the 0.135 % and 99.865 % points from it. The
-// points are those of the distribution, never order statistics of the sample, whose extremes say little of
-// such tails.
+// Indices by percentiles (ISO 22514-2; Clements 1989): the distances of the limits from the median over the
+// distances of the 0.135 % and 99.865 % points from it. The points are those of the distribution, never order
+// statistics of the sample, whose extremes say little of such tails.
 struct PercentileCapability {
   double low = kNotSet;     // the 0.135 % point
   double median = kNotSet;  // the 50 % point

@@ -23,8 +23,7 @@ enum class CsvCellKind : std::uint8_t {
 };
 
 // Reads a field; `value` is written for numbers only. Quoted or not, a number is a number, and so are "inf"
-// and
-// "-inf" in any case; the words for missing values are text where they are quoted.
+// and "-inf" in any case; the words for missing values are text where they are quoted.
 CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& value);
 
 // The field's text as a person means it: doubled quotes made single. `buffer` keeps the text where it must be

@@ -1,5 +1,5 @@
-// Generalized extreme value. With z = (x - location) / scale and w = ln(1 + shape z) / shape (w = z for shape
-// 0),
+// Generalized extreme value. With z = (x - location) / scale and w = ln(1 + shape z) / shape, which is z for
+// shape 0,
 //   log density = -ln(scale) - (1 + shape) w - exp(-w).
 // The likelihood is climbed in (location, ln scale, shape) by Newton's method, held to its region of
 // quadratic behaviour by the damping of Levenberg (1944) and Marquardt (1963). Data are centred on their
