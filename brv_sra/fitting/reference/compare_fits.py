@@ -489,8 +489,13 @@ def table(heading, rows):
 
 PREFACE = """# Fits beside SciPy and R
 
-Written by `brv_sra/fitting/reference/compare_fits.py`, which says what each source is; the numbers of the others are in
-`compare_fits.csv` beside it, the {count} data sets with their sources in `data/`. A test holds our fits to them.
+This page is written by
+
+    cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target fit_file
+    brv_sra/fitting/reference/compare_fits.py
+
+The script says what each source is; the numbers of the others are in `compare_fits.csv` beside it, the {count} data sets with
+their sources in `data/`. A test holds our fits to them.
 
 Greatest differences between our fits and the optimum: log-likelihood relative to max(1, value); parameters relative to
 max(0.001, value); statistics as they are; fits where ours is a higher maximum left out. The last columns count the fits

@@ -566,7 +566,9 @@ def main():
     if len(sys.argv) > 1:
         PROGRAM = pathlib.Path(sys.argv[1])
     lines = ["# Estimators beside SciPy and R", "",
-             "Written by `host/numeric/reference/compare_estimators.py`.", "",
+             "This page is written by", "",
+             "    cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target fit_estimator",
+             "    host/numeric/reference/compare_estimators.py", "",
              "Log-likelihoods reached; the relative difference is (ours − the better reference) / max(1, |reference|). "
              "References that ended where the likelihood has no bound are named in the note and not compared.", ""]
     with tempfile.TemporaryDirectory() as name:
