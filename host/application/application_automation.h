@@ -2,7 +2,7 @@
 // Everything is read-only.
 //
 //   Name      "Brenvolt"
-//   Version   "0.1.0"
+//   Version   of the system, such as "1.2.0"
 //   Module    the file of the analysis module
 #pragma once
 
