@@ -41,9 +41,10 @@ function(add_test_program target)
                        PROPERTIES LABELS reference TIMEOUT 300)
 endfunction()
 
-# add_fuzz_targets(folder...): every *_fuzz.cpp becomes a program that feeds its function seeds and mutations.
-# With Clang it is a libFuzzer target; otherwise the driver in tests/fuzz_driver.cpp stands in. ctest runs each
-# for some seconds over the seeds in <folder>/fuzz_seeds/<name>/.
+# add_fuzz_targets(library folder...): every *_fuzz.cpp becomes a program that feeds its function the inputs in
+# <folder>/fuzz_seeds/<name>/ and in the folders of the variable <name>_corpus. With Clang it is a libFuzzer target,
+# which ctest lets mutate them for some seconds, leaving what it finds in the build folder; with other compilers
+# tests/fuzz_replay.cpp gives it each input once.
 function(add_fuzz_targets library)
   foreach(folder IN LISTS ARGN)
     file(GLOB here CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/*_fuzz.cpp)
@@ -51,15 +52,19 @@ function(add_fuzz_targets library)
       get_filename_component(name ${source} NAME_WE)
       add_executable(${name} ${source})
       target_link_libraries(${name} PRIVATE ${library})
+      string(REGEX REPLACE "_fuzz$" "" subject ${name})
+      list(TRANSFORM ${subject}_corpus PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ OUTPUT_VARIABLE corpus)
+      list(PREPEND corpus ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/fuzz_seeds/${subject})
       if(CMAKE_CXX_COMPILER_ID MATCHES Clang AND BRENVOLT_SANITIZE)
         target_link_options(${name} PRIVATE -fsanitize=fuzzer)
         target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+        set(found ${CMAKE_CURRENT_BINARY_DIR}/fuzz_found/${subject})
+        file(MAKE_DIRECTORY ${found})
+        add_test(NAME ${name} COMMAND ${name} -max_total_time=5 -seed=1 ${found} ${corpus})
       else()
-        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz_driver.cpp)
+        target_sources(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests/fuzz_replay.cpp)
+        add_test(NAME ${name} COMMAND ${name} ${corpus})
       endif()
-      string(REGEX REPLACE "_fuzz$" "" subject ${name})
-      add_test(NAME ${name} COMMAND ${name} -max_total_time=5 -seed=1
-                                    ${CMAKE_CURRENT_SOURCE_DIR}/${folder}/fuzz_seeds/${subject})
       set_tests_properties(${name} PROPERTIES LABELS fuzz TIMEOUT 120)
     endforeach()
   endforeach()

@@ -32,6 +32,10 @@ if(BRENVOLT_SANITIZE)
     # GCC 12 takes members of temporaries for uninitialised where the sanitizers watch them; its manual warns of that.
     add_compile_options(-Wno-maybe-uninitialized)
   endif()
+  if(CMAKE_CXX_COMPILER_ID MATCHES Clang)
+    # libFuzzer is led by the branches that an input takes, in the libraries as well as in the target.
+    add_compile_options(-fsanitize=fuzzer-no-link)
+  endif()
 endif()
 if(BRENVOLT_COVERAGE)
   add_compile_options(--coverage)
