@@ -4,7 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
 
 #include "host/base/parallel.h"
 #include "host/tables/csv.h"
@@ -32,17 +35,17 @@ void ExpectSame(const Variable& expected, const Variable& found) {
   }
 }
 
-void ExpectAgreement(const std::string& model, const std::string& data, const std::string& answers) {
+// Paths are in the folder of references.
+void ExpectAgreement(const PredictionModel& model, const std::string& data, const std::string& answers) {
   const Spreadsheet expected = ReadCsv(kReference + answers);
   ScoreOptions options;
   options.invalid = InvalidValues::kMissing;
   options.classProbabilities = true;
-  const Spreadsheet found =
-      PredictionModel::Load(kReference + model).Score(ReadCsv(kReference + data), "predictions", options);
+  const Spreadsheet found = model.Score(ReadCsv(kReference + data), "predictions", options);
   for (std::size_t k = 0; k < expected.VariableCount(); ++k) {
     const Variable& column = expected.VariableAt(k);
     const auto index = found.FindVariable(column.Name());
-    ASSERT_TRUE(index) << model << " gives no " << column.Name();
+    ASSERT_TRUE(index) << "there is no " << column.Name();
     ExpectSame(column, found.VariableAt(*index));
   }
 }
@@ -55,7 +58,8 @@ class PmmlInterchangeReference : public testing::TestWithParam<Interchange> {};
 
 TEST_P(PmmlInterchangeReference, AgreesWithTheProgramThatWroteTheModel) {
   const std::string stem = std::string("interchange/") + GetParam().model;
-  ExpectAgreement(stem + ".pmml", std::string("interchange/") + GetParam().data, stem + ".expected.csv");
+  ExpectAgreement(PredictionModel::Load(kReference + stem + ".pmml"),
+                  std::string("interchange/") + GetParam().data, stem + ".expected.csv");
 }
 INSTANTIATE_TEST_SUITE_P(Models, PmmlInterchangeReference,
                          testing::Values(Interchange{"RegressionOzone", "Ozone.csv"},
@@ -66,23 +70,146 @@ INSTANTIATE_TEST_SUITE_P(Models, PmmlInterchangeReference,
                                          Interchange{"SupportVectorMachineIris", "Iris.csv"}),
                          [](const auto& info) { return std::string(info.param.model); });
 
-// Every NAME.pmml of made/ has NAME.csv and NAME.expected.csv beside it.
-std::vector<std::string> MadeModels() {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(kReference + "made")) {
-    if (entry.path().extension() == ".pmml") names.push_back(entry.path().stem().string());
-  }
-  std::sort(names.begin(), names.end());
-  return names;
+struct MadeCase {
+  std::string name;
+  std::string data;
+};
+// GoogleTest would print the bytes of the strings.
+void PrintTo(const MadeCase& made, std::ostream* out) {
+  *out << made.name;
 }
-class PmmlMadeReference : public testing::TestWithParam<std::string> {};
+
+std::vector<MadeCase> MadeCases() {
+  std::ifstream table(kReference + "made/cases.csv");
+  std::string line;
+  std::getline(table, line);
+  std::vector<MadeCase> cases;
+  while (std::getline(table, line)) {
+    const std::size_t comma = line.find(',');
+    cases.push_back({line.substr(0, comma), line.substr(comma + 1)});
+  }
+  return cases;
+}
+
+void ExpectMadeAgreement(const PredictionModel& model, const std::string& name, const std::string& data) {
+  ExpectAgreement(model, "made/data/" + data + ".csv", "made/expected/" + name + ".csv");
+}
+
+class PmmlMadeReference : public testing::TestWithParam<MadeCase> {};
 
 TEST_P(PmmlMadeReference, AgreesWithTheLibraryOrTheDefinitionWrittenOut) {
-  const std::string stem = "made/" + GetParam();
-  ExpectAgreement(stem + ".pmml", stem + ".csv", stem + ".expected.csv");
+  const auto& [name, data] = GetParam();
+  ExpectMadeAgreement(PredictionModel::Load(kReference + "made/models/" + name + ".pmml"), name, data);
 }
-INSTANTIATE_TEST_SUITE_P(Models, PmmlMadeReference, testing::ValuesIn(MadeModels()),
-                         [](const auto& info) { return info.param; });
+INSTANTIATE_TEST_SUITE_P(Models, PmmlMadeReference, testing::ValuesIn(MadeCases()),
+                         [](const auto& info) { return info.param.name; });
+
+// The forests of made/forests/, a line per tree, every node before its branches: a split as its field and
+// threshold, a leaf as its number, or as its class and the shares of all classes.
+class Forest {
+ public:
+  // `target` is the field that is predicted, `function` the functionName of models of it.
+  Forest(std::string target, std::string function, std::vector<std::string> classes)
+      : target_(std::move(target)), function_(std::move(function)), classes_(std::move(classes)) {}
+
+  // The model that combines the trees of a file by a multipleModelMethod; tree i has the weight 1 + i % 3.
+  std::string Model(const std::string& file, const std::string& method) const {
+    std::ifstream lines(kReference + "made/forests/" + file + ".txt");
+    std::string segments;
+    std::string line;
+    for (int tree = 0; std::getline(lines, line); ++tree) {
+      std::istringstream words(line);
+      segments += "<Segment weight=\"" + std::to_string(1 + tree % 3) +
+                  "\"><True/><TreeModel functionName=\"" + function_ + "\">" + Schema("") +
+                  Node(words, "<True/>") + "</TreeModel></Segment>";
+    }
+    return "<PMML version=\"4.4\"><DataDictionary>" + Dictionary() +
+           "</DataDictionary><MiningModel functionName=\"" + function_ + "\">" +
+           Schema("<MiningField name=\"" + target_ + "\" usageType=\"target\"/>") +
+           "<Segmentation multipleModelMethod=\"" + method + "\">" + segments +
+           "</Segmentation></MiningModel></PMML>";
+  }
+
+ private:
+  static constexpr std::string_view kFields = "abcd";
+
+  // The trees were grown for predictors in single precision.
+  std::string Dictionary() const {
+    std::string text;
+    for (const char field : kFields)
+      text += std::string("<DataField name=\"") + field + "\" optype=\"continuous\" dataType=\"float\"/>";
+    if (classes_.empty())
+      return text + "<DataField name=\"" + target_ + "\" optype=\"continuous\" dataType=\"double\"/>";
+    text += "<DataField name=\"" + target_ + "\" optype=\"categorical\" dataType=\"string\">";
+    for (const std::string& name : classes_) text += "<Value value=\"" + name + "\"/>";
+    return text + "</DataField>";
+  }
+
+  static std::string Schema(const std::string& target) {
+    std::string text = "<MiningSchema>";
+    for (const char field : kFields) text += std::string("<MiningField name=\"") + field + "\"/>";
+    return text + target + "</MiningSchema>";
+  }
+
+  std::string Node(std::istringstream& words, const std::string& predicate) const {
+    std::string word;
+    words >> word;
+    if (word.size() > 1 || kFields.find(word) == std::string_view::npos) {
+      return "<Node score=\"" + word + "\">" + predicate + Shares(words) + "</Node>";
+    }
+    std::string threshold;
+    words >> threshold;
+    const auto test = [&](const std::string& comparison) {
+      return "<SimplePredicate field=\"" + word + "\" operator=\"" + comparison + "\" value=\"" + threshold +
+             "\"/>";
+    };
+    const std::string left = Node(words, test("lessOrEqual"));
+    return "<Node>" + predicate + left + Node(words, test("greaterThan")) + "</Node>";
+  }
+
+  std::string Shares(std::istringstream& words) const {
+    std::string text;
+    for (const std::string& name : classes_) {
+      std::string share;
+      words >> share;
+      text += "<ScoreDistribution value=\"" + name + "\" recordCount=\"" + share + "\"/>";
+    }
+    return text;
+  }
+
+  std::string target_;
+  std::string function_;
+  std::vector<std::string> classes_;
+};
+
+struct ForestCase {
+  const char* name;
+  const char* data;
+  const char* method;
+};
+class PmmlForestReference : public testing::TestWithParam<ForestCase> {};
+
+TEST_P(PmmlForestReference, CombinesItsTreesAsTheLibraryOrTheDefinitionDoes) {
+  const auto& [name, data, method] = GetParam();
+  const Forest forest = std::string(data) == "Iris"
+                            ? Forest("species", "classification", {"setosa", "versicolor", "virginica"})
+                            : Forest("y", "regression", {});
+  ExpectMadeAgreement(PredictionModel::Parse(forest.Model(data, method), name), name, data);
+}
+INSTANTIATE_TEST_SUITE_P(
+    Models, PmmlForestReference,
+    testing::Values(ForestCase{"ForestAverage", "Iris", "average"},
+                    ForestCase{"ForestVote", "Iris", "majorityVote"},
+                    ForestCase{"ForestWeightedAverage", "Iris", "weightedAverage"},
+                    ForestCase{"ForestWeightedVote", "Iris", "weightedMajorityVote"},
+                    ForestCase{"ForestNumberAverage", "Diabetes", "average"},
+                    ForestCase{"ForestNumberSum", "Diabetes", "sum"},
+                    ForestCase{"ForestNumberMedian", "Diabetes", "median"},
+                    ForestCase{"ForestNumberMax", "Diabetes", "max"},
+                    ForestCase{"ForestNumberWeightedAverage", "Diabetes", "weightedAverage"},
+                    ForestCase{"ForestNumberWeightedSum", "Diabetes", "weightedSum"},
+                    ForestCase{"ForestNumberWeightedMedian", "Diabetes", "weightedMedian"}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 // Two fields, one of them text, and an output that makes a new text of both.
 const std::string kTextModel = R"(<PMML version="4.4"><DataDictionary>

@@ -1,13 +1,20 @@
 #!/usr/bin/env python3
-"""Writes made/NAME.pmml, NAME.csv and NAME.expected.csv: models with predictions that are not from our own code.
+"""Makes the folder made/: models with predictions that are not from our own code.
 
-    make_models.py        needs NumPy, SciPy and scikit-learn
+    make_models.py        needs NumPy, SciPy and scikit-learn (Debian: python3-sklearn)
+
+    made/models/CASE.pmml      a model
+    made/expected/CASE.csv     its predictions
+    made/data/NAME.csv         what they are made from, the same file for all cases with the same data
+    made/forests/NAME.txt      a trained forest, of which the test makes one model for each way to combine trees
+    made/cases.csv             which data each case has
 
 Where a library can train the model its own predictions are the expectation; elsewhere the published definition of
 the element is written out below, one row at a time.
 """
 import math
 import os
+import shutil
 import numpy as np
 from scipy import stats
 from sklearn.cluster import KMeans
@@ -51,15 +58,30 @@ def pmml(fields, body, transformations="", version="4.4"):
             f'<Header/>\n<DataDictionary>\n' + "\n".join(fields) + f'\n</DataDictionary>\n{transformations}\n{body}\n</PMML>\n')
 
 
-def write(name, text, columns, rows, expected, answers):
-    os.makedirs(FOLDER, exist_ok=True)
-    text = text.replace("><", ">\n<")
-    with open(os.path.join(FOLDER, name + ".pmml"), "w") as file:
-        file.write(text)
-    for ending, head, lines in ((".csv", columns, rows), (".expected.csv", expected, answers)):
-        with open(os.path.join(FOLDER, name + ending), "w") as file:
-            for line in [head] + list(lines):
-                file.write(",".join(map(cell, line)) + "\n")
+FILES = {}  # the text of each file by its path in FOLDER
+CASES = []  # name and data of each case that has a model file
+
+
+def put(path, text):
+    """Files are written once, and never with two contents."""
+    if FILES.setdefault(path, text) != text:
+        raise SystemExit(f"{path} would have two contents")
+
+
+def put_table(path, head, lines):
+    put(path, "".join(",".join(map(cell, line)) + "\n" for line in [head] + list(lines)))
+
+
+def write(name, text, columns, rows, expected, answers, data=None):
+    """A case; `data` is the name of its data where other cases have the same."""
+    put(f"models/{name}.pmml", text.replace("><", ">\n<"))
+    write_answers(name, columns, rows, expected, answers, data)
+    CASES.append([name, data or name])
+
+
+def write_answers(name, columns, rows, expected, answers, data=None):
+    put_table(f"data/{data or name}.csv", columns, rows)
+    put_table(f"expected/{name}.csv", expected, answers)
 
 
 def cell(value):
@@ -81,43 +103,42 @@ DIABETES_SCHEMA = schema(NAMES, "y")
 
 def iris(name, body, predicted, chances=None):
     answers = [[CLASSES[k]] + (list(chances[i]) if chances is not None else []) for i, k in enumerate(predicted)]
-    write(name, pmml(IRIS_FIELDS, body), NAMES, X.tolist(), ["species"] + (probabilities() if chances is not None else []), answers)
-
-
-def diabetes(name, body, predicted):
-    write(name, pmml(DIABETES_FIELDS, body), NAMES, DX.tolist(), ["y"], [[float(v)] for v in predicted])
+    write(name, pmml(IRIS_FIELDS, body), NAMES, X.tolist(), ["species"] + (probabilities() if chances is not None else []), answers, "Iris")
 
 
 # ---- scikit-learn ----
 
-def tree_nodes(tree, leaf, node=0, predicate="<True/>"):
+def tree_nodes(tree, node=0, predicate="<True/>"):
     """Thresholds as scikit-learn compares them: inputs rounded to single precision, x <= t goes left."""
     if tree.children_left[node] < 0:
-        return f'<Node {leaf(tree, node)[0]}>{predicate}{leaf(tree, node)[1]}</Node>'
+        return f'<Node score="{number(tree.value[node][0][0])}">{predicate}</Node>'
     t = number(tree.threshold[node])
     f = NAMES[tree.feature[node]]
-    left = tree_nodes(tree, leaf, tree.children_left[node], f'<SimplePredicate field="{f}" operator="lessOrEqual" value="{t}"/>')
-    right = tree_nodes(tree, leaf, tree.children_right[node], f'<SimplePredicate field="{f}" operator="greaterThan" value="{t}"/>')
+    left = tree_nodes(tree, tree.children_left[node], f'<SimplePredicate field="{f}" operator="lessOrEqual" value="{t}"/>')
+    right = tree_nodes(tree, tree.children_right[node], f'<SimplePredicate field="{f}" operator="greaterThan" value="{t}"/>')
     return f'<Node>{predicate}{left}{right}</Node>'
 
 
-def tree_model(tree, leaf, function, schema_text):
-    return (f'<TreeModel functionName="{function}" splitCharacteristic="binarySplit">{schema_text}{tree_nodes(tree, leaf)}</TreeModel>')
+def tree_model(tree):
+    return f'<TreeModel functionName="regression" splitCharacteristic="binarySplit">{schema(NAMES)}{tree_nodes(tree)}</TreeModel>'
 
 
-def class_leaf(tree, node):
-    share = tree.value[node][0] / tree.value[node][0].sum()
-    records = share * 1000
-    text = "".join(f'<ScoreDistribution value="{c}" recordCount="{number(r)}" probability="{number(p)}"/>' for c, r, p in zip(CLASSES, records, share))
-    return f'score="{CLASSES[int(np.argmax(share))]}"', text
+def tree_line(tree, leaf, node=0):
+    """The tree in one line, every node before its branches: a split as field and threshold, a leaf as `leaf` has it."""
+    if tree.children_left[node] < 0:
+        return leaf(tree.value[node][0])
+    branches = (tree_line(tree, leaf, branch[node]) for branch in (tree.children_left, tree.children_right))
+    return " ".join([NAMES[tree.feature[node]], number(tree.threshold[node]), *branches])
 
 
-def number_leaf(factor=1.0):
-    return lambda tree, node: (f'score="{number(tree.value[node][0][0] * factor)}"', "")
+def class_leaf(counts):
+    """The class, and the shares of all."""
+    share = counts / counts.sum()
+    return " ".join([CLASSES[int(np.argmax(share))], *map(number, share)])
 
 
-def segmentation(method, models, predicates=None, weights=None):
-    parts = "".join(f'<Segment id="{i + 1}"' + (f' weight="{weights[i]}"' if weights else "") + f'>{predicates[i] if predicates else "<True/>"}{m}</Segment>'
+def segmentation(method, models, predicates=None):
+    parts = "".join(f'<Segment id="{i + 1}">{predicates[i] if predicates else "<True/>"}{m}</Segment>'
                     for i, m in enumerate(models))
     return f'<Segmentation multipleModelMethod="{method}">{parts}</Segmentation>'
 
@@ -127,55 +148,42 @@ def as_single(fields):
 
 
 def forests():
+    """Forests, whose trees the test combines in several ways; tree number i, from 0, has the weight 1 + i % 3."""
     forest = RandomForestClassifier(n_estimators=12, max_depth=5, random_state=1).fit(X, Y)
-    models = [tree_model(t.tree_, class_leaf, "classification", schema(NAMES)) for t in forest.estimators_]
-    body = f'<MiningModel functionName="classification">{IRIS_SCHEMA}{segmentation("average", models)}</MiningModel>'
-    chances = forest.predict_proba(X)
-    fields = as_single(IRIS_FIELDS)
-    answers = [[CLASSES[int(np.argmax(p))], *p] for p in chances]
-    write("ForestAverage", pmml(fields, body), NAMES, X.tolist(), ["species"] + probabilities(), answers)
-    # The same trees by vote.
-    votes = np.array([[np.argmax(t.predict_proba(X), axis=1) == k for t in forest.estimators_] for k in range(3)]).mean(axis=1).T
-    body = f'<MiningModel functionName="classification">{IRIS_SCHEMA}{segmentation("majorityVote", models)}</MiningModel>'
-    write("ForestVote", pmml(fields, body), NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in votes])
-    # With weights.
-    weights = [1 + (i % 3) for i in range(12)]
-    w = np.array(weights, float)
+    put("forests/Iris.txt", "".join(tree_line(t.tree_, class_leaf) + "\n" for t in forest.estimators_))
+    w = np.array([1 + i % 3 for i in range(12)], float)
     each = np.array([t.predict_proba(X) for t in forest.estimators_])
-    mean = np.tensordot(w, each, axes=1) / w.sum()
-    body = f'<MiningModel functionName="classification">{IRIS_SCHEMA}{segmentation("weightedAverage", models, weights=weights)}</MiningModel>'
-    write("ForestWeightedAverage", pmml(fields, body), NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in mean])
-    winners = np.argmax(each, axis=2)
-    share = np.array([[(w * (winners[:, i] == k)).sum() for k in range(3)] for i in range(len(X))]) / w.sum()
-    body = f'<MiningModel functionName="classification">{IRIS_SCHEMA}{segmentation("weightedMajorityVote", models, weights=weights)}</MiningModel>'
-    write("ForestWeightedVote", pmml(fields, body), NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in share])
+    winners = np.eye(3)[np.argmax(each, axis=2)]
+    for method, chances in (("Average", forest.predict_proba(X)), ("Vote", winners.mean(axis=0)),
+                            ("WeightedAverage", np.tensordot(w, each, axes=1) / w.sum()), ("WeightedVote", np.tensordot(w, winners, axes=1) / w.sum())):
+        write_answers("Forest" + method, NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in chances], "Iris")
 
     forest = RandomForestRegressor(n_estimators=9, max_depth=6, random_state=2).fit(DX, DY)
-    models = [tree_model(t.tree_, number_leaf(), "regression", schema(NAMES)) for t in forest.estimators_]
+    put("forests/Diabetes.txt", "".join(tree_line(t.tree_, lambda mean: number(mean[0])) + "\n" for t in forest.estimators_))
+    w = np.array([1 + i % 3 for i in range(9)], float)
     each = np.array([t.predict(DX) for t in forest.estimators_])
-    fields = as_single(DIABETES_FIELDS[:4]) + DIABETES_FIELDS[4:]
-    weights = [1, 2, 3, 1, 2, 3, 1, 2, 3]
-    w = np.array(weights, float)
     weighted_median = [sorted(zip(column, w))[int(np.searchsorted(np.cumsum([b for _, b in sorted(zip(column, w))]), w.sum() / 2))][0] for column in each.T]
-    for method, answer in (("average", each.mean(axis=0)), ("sum", each.sum(axis=0)), ("median", np.median(each, axis=0)),
-                           ("max", each.max(axis=0)), ("weightedAverage", w @ each / w.sum()), ("weightedSum", w @ each),
-                           ("weightedMedian", weighted_median)):
-        body = f'<MiningModel functionName="regression">{DIABETES_SCHEMA}{segmentation(method, models, weights=weights)}</MiningModel>'
-        write("ForestNumber" + method[0].upper() + method[1:], pmml(fields, body), NAMES, DX.tolist(), ["y"], [[float(v)] for v in answer])
+    for method, answer in (("Average", each.mean(axis=0)), ("Sum", each.sum(axis=0)), ("Median", np.median(each, axis=0)),
+                           ("Max", each.max(axis=0)), ("WeightedAverage", w @ each / w.sum()), ("WeightedSum", w @ each),
+                           ("WeightedMedian", weighted_median)):
+        write_answers("ForestNumber" + method, NAMES, DX.tolist(), ["y"], [[float(v)] for v in answer], "Diabetes")
 
-    boosted = GradientBoostingRegressor(n_estimators=20, max_depth=3, learning_rate=0.2, random_state=3).fit(DX, DY)
-    models = [tree_model(t[0].tree_, number_leaf(), "regression", schema(NAMES)) for t in boosted.estimators_]
+
+def boosted_trees():
+    boosted = GradientBoostingRegressor(n_estimators=4, max_depth=2, learning_rate=0.2, random_state=3).fit(DX, DY)
+    models = [tree_model(t[0].tree_) for t in boosted.estimators_]
     start = float(boosted.init_.constant_[0][0])
     targets = f'<Targets><Target field="y" rescaleFactor="0.2" rescaleConstant="{number(start)}"/></Targets>'
     body = f'<MiningModel functionName="regression">{DIABETES_SCHEMA}{targets}{segmentation("sum", models)}</MiningModel>'
-    write("BoostedNumber", pmml(fields, body), NAMES, DX.tolist(), ["y"], [[float(v)] for v in boosted.predict(DX)])
+    fields = as_single(DIABETES_FIELDS[:4]) + DIABETES_FIELDS[4:]
+    write("BoostedNumber", pmml(fields, body), NAMES, DX.tolist(), ["y"], [[float(v)] for v in boosted.predict(DX)], "Diabetes")
 
     # Boosted classes: one sum of trees per class, and a softmax over them at the end of a chain.
-    boosted = GradientBoostingClassifier(n_estimators=6, max_depth=2, learning_rate=0.3, random_state=4).fit(X, Y)
+    boosted = GradientBoostingClassifier(n_estimators=2, max_depth=2, learning_rate=0.3, random_state=4).fit(X, Y)
     start = boosted._raw_predict_init(X[:1].astype(np.float32))[0]
     segments = []
     for k in range(3):
-        models = [tree_model(t[k].tree_, number_leaf(), "regression", schema(NAMES)) for t in boosted.estimators_]
+        models = [tree_model(t[k].tree_) for t in boosted.estimators_]
         targets = f'<Targets><Target rescaleFactor="0.3" rescaleConstant="{number(start[k])}"/></Targets>'
         output = f'<Output><OutputField name="f{k}" optype="continuous" dataType="double" feature="predictedValue" isFinalResult="false"/></Output>'
         segments.append(f'<MiningModel functionName="regression">{schema(NAMES)}{output}{targets}{segmentation("sum", models)}</MiningModel>')
@@ -183,7 +191,7 @@ def forests():
     segments.append(f'<RegressionModel functionName="classification" normalizationMethod="softmax">{schema(["f0", "f1", "f2"], "species")}{tables}</RegressionModel>')
     body = f'<MiningModel functionName="classification">{IRIS_SCHEMA}{segmentation("modelChain", segments)}</MiningModel>'
     chances = boosted.predict_proba(X)
-    write("BoostedClasses", pmml(as_single(IRIS_FIELDS), body), NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in chances])
+    write("BoostedClasses", pmml(as_single(IRIS_FIELDS), body), NAMES, X.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in chances], "Iris")
 
 
 def logistic():
@@ -202,7 +210,7 @@ def logistic():
             '<RegressionTable intercept="0" targetCategory="0"/></RegressionModel>')
     chances = two.predict_proba(X)
     write("LogisticTwo", pmml(fields, body), NAMES, X.tolist(), ["t", "probability(0)", "probability(1)"],
-          [[int(v), *p] for v, p in zip(two.predict(X), chances)])
+          [[int(v), *p] for v, p in zip(two.predict(X), chances)], "Iris")
 
 
 def networks():
@@ -218,7 +226,7 @@ def networks():
             former = [f"n{l}_{j}" for j in range(w.shape[1])]
         outputs = f'<NeuralOutputs><NeuralOutput outputNeuron="{former[0]}"><DerivedField optype="continuous" dataType="double"><FieldRef field="d"/></DerivedField></NeuralOutput></NeuralOutputs>'
         body = f'<NeuralNetwork functionName="regression" activationFunction="{name}">{schema(NAMES[:3], "d")}<NeuralInputs>{inputs}</NeuralInputs>{layers}{outputs}</NeuralNetwork>'
-        write("Network" + name.capitalize(), pmml(IRIS_FIELDS[:4], body), NAMES[:3], X[:, :3].tolist(), ["d"], [[float(v)] for v in model.predict(X[:, :3])])
+        write("Network" + name.capitalize(), pmml(IRIS_FIELDS[:4], body), NAMES[:3], X[:, :3].tolist(), ["d"], [[float(v)] for v in model.predict(X[:, :3])], "IrisThree")
     model = MLPClassifier((4,), activation="tanh", random_state=6, max_iter=200, solver="lbfgs").fit(X, Y)
     inputs = "".join(f'<NeuralInput id="{n}"><DerivedField optype="continuous" dataType="double"><FieldRef field="{n}"/></DerivedField></NeuralInput>' for n in NAMES)
     layers, former = "", NAMES
@@ -256,7 +264,7 @@ def machines():
         svr = SVR(kernel=kernel, gamma=gamma, coef0=0.5, degree=2, C=2).fit(X[:, :3], X[:, 3])
         body = (f'<SupportVectorMachineModel functionName="regression">{schema(NAMES[:3], "d")}{xml(svr)}{vectors(svr.support_vectors_)}'
                 f'{machine(range(len(svr.support_)), svr.dual_coef_[0], svr.intercept_[0])}</SupportVectorMachineModel>')
-        write("MachineNumber" + kernel.capitalize(), pmml(IRIS_FIELDS[:4], body), NAMES[:3], X[:, :3].tolist(), ["d"], [[float(v)] for v in svr.predict(X[:, :3])])
+        write("MachineNumber" + kernel.capitalize(), pmml(IRIS_FIELDS[:4], body), NAMES[:3], X[:, :3].tolist(), ["d"], [[float(v)] for v in svr.predict(X[:, :3])], "IrisThree")
         svc = SVC(kernel=kernel, gamma=gamma, coef0=0.5, degree=2, C=1).fit(X, Y)
         start = np.concatenate([[0], np.cumsum(svc.n_support_)])
         duels, number_of = "", 0
@@ -313,7 +321,7 @@ def clusters():
     output = "".join(f'<OutputField name="distance{k}" feature="affinity" value="k{k}" dataType="double"/>' for k in range(4))
     body = f'<ClusteringModel functionName="clustering" modelClass="centerBased" numberOfClusters="4">{schema(NAMES)}<Output>{output}</Output><ComparisonMeasure kind="distance"><euclidean/></ComparisonMeasure>{fields}{centres}</ClusteringModel>'
     answers = [[f"k{k}", *d] for k, d in zip(model.predict(X), model.transform(X))]
-    write("ClustersEuclidean", pmml(IRIS_FIELDS[:4], body), NAMES, X.tolist(), ["cluster"] + [f"distance{k}" for k in range(4)], answers)
+    write("ClustersEuclidean", pmml(IRIS_FIELDS[:4], body), NAMES, X.tolist(), ["cluster"] + [f"distance{k}" for k in range(4)], answers, "Iris")
 
     # The other measures after their definitions, with weights and missing values.
     weights, missing = [1.0, 2.0, 0.5, 1.5], [1.0, 2.0, 1.0, 3.0]
@@ -339,7 +347,7 @@ def clusters():
             d = [measures[metric]([compares[compare](row[k], c[k]) for k in there], [weights[k] for k in there], sum(missing) / sum(missing[k] for k in there)) for c in centres3]
             best = int(np.argmax(d)) if similar else int(np.argmin(d))
             answers.append([f"k{best}", *d])
-        write("Clusters" + metric[0].upper() + metric[1:] + ("Similarity" if similar else ""), pmml(IRIS_FIELDS[:4], body), NAMES, rows, ["cluster"] + [f"m{k}" for k in range(3)], answers)
+        write("Clusters" + metric[0].upper() + metric[1:] + ("Similarity" if similar else ""), pmml(IRIS_FIELDS[:4], body), NAMES, rows, ["cluster"] + [f"m{k}" for k in range(3)], answers, "ClustersWeighted")
 
     # Binary measures, after their definitions.
     centres2 = [[1, 1, 0, 0, 1], [0, 1, 1, 0, 0], [0, 0, 0, 1, 1]]
@@ -363,7 +371,7 @@ def clusters():
         for row in rows:
             m = [formula(counts(row, v)) for v in centres2]
             answers.append([f"k{int(np.argmax(m))}", *map(float, m)])
-        write("Clusters" + metric[0].upper() + metric[1:], pmml([field(n) for n in names], body), names, rows, ["cluster", "m0", "m1", "m2"], answers)
+        write("Clusters" + metric[0].upper() + metric[1:], pmml([field(n) for n in names], body), names, rows, ["cluster", "m0", "m1", "m2"], answers, "ClustersBinary")
 
 
 def neighbours():
@@ -379,7 +387,7 @@ def neighbours():
                 f'<TrainingInstances><InstanceFields>{instance}<InstanceField field="species" column="t"/></InstanceFields><InlineTable>{rows}</InlineTable></TrainingInstances>'
                 f'<ComparisonMeasure kind="distance"><euclidean/></ComparisonMeasure><KNNInputs>{inputs}</KNNInputs></NearestNeighborModel>')
         chances = model.predict_proba(queries)
-        write("Neighbours" + method[0].upper() + method[1:], pmml(IRIS_FIELDS, body), NAMES, queries.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in chances])
+        write("Neighbours" + method[0].upper() + method[1:], pmml(IRIS_FIELDS, body), NAMES, queries.tolist(), ["species"] + probabilities(), [[CLASSES[int(np.argmax(p))], *p] for p in chances], "NeighboursIris")
     rows = "".join("<row>" + "".join(f"<{n}>{number(v)}</{n}>" for n, v in zip(NAMES, x)) + f"<t>{number(y)}</t></row>" for x, y in zip(DX[:80], DY[:80]))
     queries = DX[80:140] * 1.0071 + 0.0137
     for weights, method in (("uniform", "average"), (lambda d: 1 / (d + 0.001), "weightedAverage"), (None, "median")):
@@ -393,7 +401,7 @@ def neighbours():
                 f'<TrainingInstances><InstanceFields>{instance}<InstanceField field="y" column="t"/></InstanceFields><InlineTable>{rows}</InlineTable></TrainingInstances>'
                 f'<ComparisonMeasure kind="distance"><cityBlock/></ComparisonMeasure><KNNInputs>{inputs}</KNNInputs></NearestNeighborModel>')
         write("Neighbours" + method[0].upper() + method[1:], pmml(DIABETES_FIELDS, body), NAMES, queries.tolist(), ["y", "n1", "n2"],
-              [[float(v), int(k[0]) + 1, int(k[1]) + 1] for v, k in zip(answer, nearest)])
+              [[float(v), int(k[0]) + 1, int(k[1]) + 1] for v, k in zip(answer, nearest)], "NeighboursDiabetes")
 
 
 # ---- Definitions written out ----
@@ -430,7 +438,7 @@ def regressions():
         body = f'<RegressionModel functionName="regression" normalizationMethod="{norm}">{schema(["x", "g"], "y")}{local}{table.format("")}</RegressionModel>'
         answers = [[inverse(eta(x, g))] for x, g in rows]
         # A missing number leaves no sum; a missing category adds nothing, but the product of isW is missing.
-        write("Regression" + norm.capitalize(), pmml(fields, body), ["x", "g"], rows + missing[:1], ["y"], answers + [[None]])
+        write("Regression" + norm.capitalize(), pmml(fields, body), ["x", "g"], rows + missing[:1], ["y"], answers + [[None]], "Regression")
     # Classes: each but the last by its own table, the last what they leave; ordinal ones by differences.
     plain = ('<RegressionTable intercept="{0}" targetCategory="{1}"><NumericPredictor name="x" coefficient="{2}"/></RegressionTable>')
     xs = [[k / 5] for k in range(-10, 11)]
@@ -454,7 +462,7 @@ def regressions():
                     f = [LINKS["identity" if norm == "none" else norm](v) for v in y[:-1]]
                     p = f + [1 - sum(f)] if kind == "categorical" else [b - a for a, b in zip([0] + f, f + [1])]
                 answers.append([labels[int(np.argmax(p))], *p])
-            write("Classes" + norm.capitalize() + kind.capitalize(), pmml([field("x"), field("t", kind, "string", values(labels))], body), ["x"], xs, ["t"] + probabilities(labels), answers)
+            write("Classes" + norm.capitalize() + kind.capitalize(), pmml([field("x"), field("t", kind, "string", values(labels))], body), ["x"], xs, ["t"] + probabilities(labels), answers, "Classes")
 
 
 def general_regressions():
@@ -477,7 +485,7 @@ def general_regressions():
         parameter = ' linkParameter="0.4"' if link in ("oddspower", "power") else ' distParameter="2.5" distribution="negbin"' if link == "negbin" else ""
         body = (f'<GeneralRegressionModel functionName="regression" modelType="generalizedLinear" linkFunction="{link}"{parameter} offsetValue="{offset}" trialsValue="3">'
                 f'{schema(["x", "g"], "y")}{head}<ParamMatrix>{cells}</ParamMatrix></GeneralRegressionModel>')
-        write("General" + link.capitalize(), pmml(fields, body), ["x", "g"], [r[:2] for r in rows], ["y"], [[3 * inverse(eta(x, g, beta) + offset)] for x, g, o in rows])
+        write("General" + link.capitalize(), pmml(fields, body), ["x", "g"], [r[:2] for r in rows], ["y"], [[3 * inverse(eta(x, g, beta) + offset)] for x, g, o in rows], "General")
     beta = [0.3, 0.2, 0.05, 0.1, 0.15]
     cells = "".join(f'<PCell parameterName="p{k}" beta="{number(b)}"/>' for k, b in enumerate(beta))
     body = f'<GeneralRegressionModel functionName="regression" modelType="generalLinear" offsetVariable="o">{schema(["x", "g", "o"], "y")}{head}<ParamMatrix>{cells}</ParamMatrix></GeneralRegressionModel>'
@@ -503,7 +511,7 @@ def general_regressions():
             a, b = (LINKS[link](t - 0.9 * x) for t in (-0.6, 0.8))
             p = [a, b - a, 1 - b]
             answers.append([labels[int(np.argmax(p))], *p])
-        write("GeneralOrdinal" + link.capitalize(), pmml([field("x"), field("t", "ordinal", "string", values(labels))], body), ["x"], xs, ["t"] + probabilities(labels), answers)
+        write("GeneralOrdinal" + link.capitalize(), pmml([field("x"), field("t", "ordinal", "string", values(labels))], body), ["x"], xs, ["t"] + probabilities(labels), answers, "GeneralOrdinal")
     # Two classes by a generalised linear model.
     body = (f'<GeneralRegressionModel functionName="classification" modelType="generalizedLinear" linkFunction="probit" targetReferenceCategory="no">{schema(["x"], "t")}'
             '<ParameterList><Parameter name="p0"/><Parameter name="p1"/></ParameterList><FactorList/><CovariateList><Predictor name="x"/></CovariateList><PPMatrix><PPCell value="1" predictorName="x" parameterName="p1"/></PPMatrix>'
@@ -512,7 +520,7 @@ def general_regressions():
     for (x,) in xs:
         p = LINKS["probit"](0.2 + 0.7 * x)
         answers.append(["yes" if p > 0.5 else "no", 1 - p, p])
-    write("GeneralTwo", pmml([field("x"), field("t", "categorical", "string", values(["no", "yes"]))], body), ["x"], xs, ["t"] + probabilities(["no", "yes"]), answers)
+    write("GeneralTwo", pmml([field("x"), field("t", "categorical", "string", values(["no", "yes"]))], body), ["x"], xs, ["t"] + probabilities(["no", "yes"]), answers, "GeneralOrdinal")
 
 
 def activations():
@@ -524,7 +532,7 @@ def activations():
         body = (f'<NeuralNetwork functionName="regression" activationFunction="{name}" threshold="0.25">{schema(["x"], "y")}<NeuralInputs><NeuralInput id="i"><DerivedField optype="continuous" dataType="double"><FieldRef field="x"/></DerivedField></NeuralInput></NeuralInputs>'
                 '<NeuralLayer><Neuron id="n" bias="0.1"><Con from="i" weight="0.7"/></Neuron></NeuralLayer>'
                 '<NeuralOutputs><NeuralOutput outputNeuron="n"><DerivedField optype="continuous" dataType="double"><NormContinuous field="y"><LinearNorm orig="10" norm="0"/><LinearNorm orig="30" norm="1"/></NormContinuous></DerivedField></NeuralOutput></NeuralOutputs></NeuralNetwork>')
-        write("Activation" + name.capitalize(), pmml([field("x"), field("y")], body), ["x"], xs, ["y"], [[10 + 20 * function(0.1 + 0.7 * x)] for (x,) in xs])
+        write("Activation" + name.capitalize(), pmml([field("x"), field("y")], body), ["x"], xs, ["y"], [[10 + 20 * function(0.1 + 0.7 * x)] for (x,) in xs], "Activation")
     rows = [[x / 4, z / 3] for x in range(-4, 5) for z in range(-3, 4)]
     centres = [(0.1, 0.2, 0.9, 1.1), (-0.5, 0.4, 0.6, 1.0)]
     neurons = "".join(f'<Neuron id="n{k}" width="{w}" altitude="{a}"><Con from="x" weight="{u}"/><Con from="z" weight="{v}"/></Neuron>' for k, (u, v, w, a) in enumerate(centres))
@@ -619,7 +627,7 @@ def trees():
                     found = single(tree, row, strategy, last)
                     answers.append([found[0], *found[1], found[2]] if found else [None] * 4)
             name = "Tree" + strategy[0].upper() + strategy[1:] + ("Last" if last else "")
-            write(name, pmml(fields, body), ["x", "z", "c"], xs, ["t"] + probabilities("AB") + ([] if grouped else ["node"]), answers)
+            write(name, pmml(fields, body), ["x", "z", "c"], xs, ["t"] + probabilities("AB") + ([] if grouped else ["node"]), answers, "Tree")
 
     # Each predicate as the first of two children; the second is True.
     simple = {f"{o}": f'<SimplePredicate field="x" operator="{o}"' + ('' if "issing" in o else ' value="4"') + "/>"
@@ -792,18 +800,18 @@ def schemas():
                 continue
             x, c = xs.get(x, x), cs.get(c, c)
             answers.append([None if x is MISSING else 1 + 2 * x + (100 if c == "u" else 0), x, c])
-        write("Schema" + name, pmml(fields, body), ["x", "c"], rows, ["y", "x2", "c2"], answers)
+        write("Schema" + name, pmml(fields, body), ["x", "c"], rows, ["y", "x2", "c2"], answers, "Schema")
     for treatment, f in (("asIs", lambda v: v), ("asMissingValues", lambda v: v if 2 <= v <= 8 else 4.0), ("asExtremeValues", lambda v: min(max(v, 2.0), 8.0))):
         active = [f'<MiningField name="x" outliers="{treatment}" lowValue="2" highValue="8" missingValueReplacement="4"/>']
         body = f'<RegressionModel functionName="regression">{schema(active, "y")}<RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/></RegressionTable></RegressionModel>'
         xs = [[v] for v in (MISSING, 0.0, 2.0, 5.0, 8.0, 9.0)]
-        write("Outliers" + treatment[0].upper() + treatment[1:], pmml(fields, body), ["x"], xs, ["y"], [[1 + 2 * (4.0 if v is MISSING else f(v))] for (v,) in xs])
+        write("Outliers" + treatment[0].upper() + treatment[1:], pmml(fields, body), ["x"], xs, ["y"], [[1 + 2 * (4.0 if v is MISSING else f(v))] for (v,) in xs], "Outliers")
     for name, attributes, f in (("Round", 'castInteger="round" rescaleFactor="3" rescaleConstant="0.5" min="-2" max="2"', lambda v: math.floor(min(max(v, -2), 2) * 3 + 0.5 + 0.5)),
                                 ("Ceiling", 'castInteger="ceiling"', math.ceil), ("Floor", 'castInteger="floor"', math.floor)):
         targets = f'<Targets><Target field="y" {attributes}><TargetValue defaultValue="-5"/></Target></Targets>'
         xs = [[v / 3] for v in range(-10, 11)] + [[MISSING]]
         body = f'<RegressionModel functionName="regression">{schema(["x"], "y")}{targets}<RegressionTable intercept="0.1"><NumericPredictor name="x" coefficient="1"/></RegressionTable></RegressionModel>'
-        write("Target" + name, pmml([field("x"), field("y")], body), ["x"], xs, ["y"], [[float(f(0.1 + v)) if v is not MISSING else -5.0] for (v,) in xs])
+        write("Target" + name, pmml([field("x"), field("y")], body), ["x"], xs, ["y"], [[float(f(0.1 + v)) if v is not MISSING else -5.0] for (v,) in xs], "Target")
 
 
 def rules():
@@ -836,7 +844,7 @@ def rules():
                 sums = {k: sum(r[2] for r in fired if r[1] == k) for k in "ABC"}
                 best = max("ABC", key=lambda k: sums[k])
                 answers.append([best, max((r for r in fired if r[1] == best), key=lambda r: r[2])[0], sums[best] / len(fired)])
-        write("Rules" + criterion[0].upper() + criterion[1:], pmml(fields, body), ["x", "c"], rows, ["t", "rule", "sure"], answers)
+        write("Rules" + criterion[0].upper() + criterion[1:], pmml(fields, body), ["x", "c"], rows, ["t", "rule", "sure"], answers, "Rules")
 
 
 def scorecards():
@@ -865,7 +873,7 @@ def scorecards():
             sign = 1 if algorithm == "pointsBelow" else -1
             points = sorted(((sign * (b - p), code) for (p, code), b in zip(parts, (18, 10, 6))), key=lambda v: -v[0])
             answers.append([float(5 + sum(p for p, _ in parts))] + [code for _, code in points])
-        write("Scorecard" + algorithm[0].upper() + algorithm[1:], pmml(fields, body), ["age", "job", "income"], rows, ["y", "reason1", "reason2", "reason3"], answers)
+        write("Scorecard" + algorithm[0].upper() + algorithm[1:], pmml(fields, body), ["age", "job", "income"], rows, ["y", "reason1", "reason2", "reason3"], answers, "Scorecard")
 
 
 def choices():
@@ -881,7 +889,7 @@ def choices():
     output = '<Output><OutputField name="which" feature="entityId" dataType="string"/></Output>'
     body = f'<MiningModel functionName="regression">{schema(["x"], "y")}{output}{segmentation("selectFirst", [regression(2), regression(3)], [below(0), below(5)])}</MiningModel>'
     write("SelectFirst", pmml(fields[:2], body), ["x"], xs, ["y", "which"],
-          [[None, None] if x is MISSING or x >= 5 else [1 + 2 * x, 1] if x < 0 else [1 + 3 * x, 2] for (x,) in xs])
+          [[None, None] if x is MISSING or x >= 5 else [1 + 2 * x, 1] if x < 0 else [1 + 3 * x, 2] for (x,) in xs], "Choices")
 
     def logistic_of(a, b):
         return (f'<RegressionModel functionName="classification" normalizationMethod="logit">{schema(["x"])}<RegressionTable intercept="{a}" targetCategory="A"><NumericPredictor name="x" coefficient="{b}"/></RegressionTable>'
@@ -902,13 +910,13 @@ def choices():
                 chosen = [v for v in p if max(v, 1 - v) == best]
                 chances = [sum(chosen) / len(chosen), 1 - sum(chosen) / len(chosen)]
             answers.append(["A" if chances[0] >= chances[1] else "B", *chances])
-        write("Classes" + method.capitalize(), pmml([fields[0], fields[2]], body), ["x"], xs, ["t", "probability(A)", "probability(B)"], answers)
+        write("Classes" + method.capitalize(), pmml([fields[0], fields[2]], body), ["x"], xs, ["t", "probability(A)", "probability(B)"], answers, "Choices")
     for treatment in ("continue", "skipSegment", "returnMissing"):
         only = f'<TreeModel functionName="regression">{schema(["x"])}<Node><True/><Node score="10">{below(3)}</Node></Node></TreeModel>'
         segments = segmentation("average", [regression(2), only]).replace('Method="average"', f'Method="average" missingPredictionTreatment="{treatment}"')
         body = f'<MiningModel functionName="regression">{schema(["x"], "y")}{segments}</MiningModel>'
         write("Missing" + treatment[0].upper() + treatment[1:], pmml(fields[:2], body), ["x"], xs, ["y"],
-              [[None if x is MISSING else (1 + 2 * x + 10) / 2 if x < 3 else 1 + 2 * x if treatment == "skipSegment" else None] for (x,) in xs])
+              [[None if x is MISSING else (1 + 2 * x + 10) / 2 if x < 3 else 1 + 2 * x if treatment == "skipSegment" else None] for (x,) in xs], "Choices")
 
 
 def extras():
@@ -964,7 +972,7 @@ def extras():
         machines_xml = "".join(f'<SupportVectorMachine targetCategory="{c}"><Coefficients absoluteValue="{b}"><Coefficient value="{u}"/><Coefficient value="{v}"/></Coefficients></SupportVectorMachine>' for c, (b, u, v) in lines.items())
         body = f'<SupportVectorMachineModel functionName="classification" svmRepresentation="Coefficients" classificationMethod="OneAgainstAll" maxWins="{wins}">{schema(["x", "g"], "t")}<LinearKernelType/>{inputs}{machines_xml}</SupportVectorMachineModel>'
         write("MachineCoefficients" + ("Greatest" if wins == "true" else "Least"), pmml([field("x"), group, three], body), ["x", "g"], rows, ["t"],
-              [[best(lines, key=lambda c: lines[c][0] + lines[c][1] * x + lines[c][2] * (2 if g == "v" else 0))] for x, g in rows])
+              [[best(lines, key=lambda c: lines[c][0] + lines[c][1] * x + lines[c][2] * (2 if g == "v" else 0))] for x, g in rows], "MachineCoefficients")
     # One machine for two classes, with a threshold; sparse vectors.
     body = (f'<SupportVectorMachineModel functionName="classification" threshold="0.4">{schema(["x", "z"], "t")}<RadialBasisKernelType gamma="0.5"/><VectorDictionary><VectorFields><FieldRef field="x"/><FieldRef field="z"/></VectorFields>'
             '<VectorInstance id="1"><REAL-SparseArray n="2"><Indices>2</Indices><REAL-Entries>1.5</REAL-Entries></REAL-SparseArray></VectorInstance><VectorInstance id="2"><REAL-SparseArray n="2" defaultValue="-1"><Indices>1</Indices><REAL-Entries>0.5</REAL-Entries></REAL-SparseArray></VectorInstance></VectorDictionary>'
@@ -1010,8 +1018,8 @@ def extras():
 
 
 def texts():
-    """Words in texts, and values of rows before, by their definitions."""
-    rows = [["The cat, the dog; the END.", 1.0], ["the  theme of the cat", 2.0], [MISSING, 3.0], ["dog", MISSING], ["!", 5.0]] * 600
+    """Words in texts, and values of rows before, by their definitions; more rows than a block of a program has."""
+    rows = [["The cat, the dog; the END.", 1.0], ["the  theme of the cat", 2.0], [MISSING, 3.0], ["dog", MISSING], ["!", 5.0]] * 206
     weights = {"termFrequency": lambda c, most: c, "binary": lambda c, most: min(c, 1), "logarithmic": lambda c, most: math.log10(1 + c),
                "augmentedNormalizedTermFrequency": lambda c, most: 0.5 * (min(c, 1) + c / most) if c else 0}
 
@@ -1039,6 +1047,12 @@ def texts():
 
 
 if __name__ == "__main__":
-    for make in (forests, logistic, networks, machines, bayes, clusters, neighbours, regressions, general_regressions, activations, trees,
+    for make in (forests, boosted_trees, logistic, networks, machines, bayes, clusters, neighbours, regressions, general_regressions, activations, trees,
                  transformations, schemas, rules, scorecards, choices, extras, texts):
         make()
+    put_table("cases.csv", ["case", "data"], sorted(CASES))
+    shutil.rmtree(FOLDER, ignore_errors=True)
+    for path, text in FILES.items():
+        os.makedirs(os.path.dirname(os.path.join(FOLDER, path)), exist_ok=True)
+        with open(os.path.join(FOLDER, path), "w") as file:
+            file.write(text)
