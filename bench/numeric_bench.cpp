@@ -15,7 +15,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/all_distributions.h"
 #include "host/numeric/estimation/mixture_expectation.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/random/random_stream.h"
@@ -59,37 +59,40 @@ std::vector<double> Draws(const Quantile& quantile) {
 }
 
 // The four loops of a type: ours and Boost's, distribution function and quantile.
-#define LAW_BENCHMARKS(Name, law, boostLaw, ...)                                                           \
-  std::vector<double> Name##Draws() {                                                                      \
-    return Draws([](auto& values) { law::Quantile(values, __VA_ARGS__, values); });                        \
-  }                                                                                                        \
-  void Name##Cdf(benchmark::State& state) {                                                                \
-    OverArrays(state, Name##Draws(), [](const auto& in, auto& out) { law::Cdf(in, __VA_ARGS__, out); });   \
-  }                                                                                                        \
-  BENCHMARK(Name##Cdf);                                                                                    \
-  void Name##CdfBoost(benchmark::State& state) {                                                           \
-    OverArrays(state, Name##Draws(), [](const auto& in, auto& out) {                                       \
-      const auto boosted = boostLaw;                                                                       \
-      for (std::size_t i = 0; i < in.size(); ++i) out[i] = cdf(boosted, in[i]);                            \
-    });                                                                                                    \
-  }                                                                                                        \
-  BENCHMARK(Name##CdfBoost);                                                                               \
-  void Name##Quantile(benchmark::State& state) {                                                           \
-    OverArrays(state, Uniforms(), [](const auto& in, auto& out) { law::Quantile(in, __VA_ARGS__, out); }); \
-  }                                                                                                        \
-  BENCHMARK(Name##Quantile);                                                                               \
-  void Name##QuantileBoost(benchmark::State& state) {                                                      \
-    OverArrays(state, Uniforms(), [](const auto& in, auto& out) {                                          \
-      const auto boosted = boostLaw;                                                                       \
-      for (std::size_t i = 0; i < in.size(); ++i) out[i] = quantile(boosted, in[i]);                       \
-    });                                                                                                    \
-  }                                                                                                        \
+#define DISTRIBUTION_BENCHMARKS(Name, distribution, boostDistribution, ...)                               \
+  std::vector<double> Name##Draws() {                                                                     \
+    return Draws([](auto& values) { Distribution<distribution>(__VA_ARGS__).Quantile(values, values); }); \
+  }                                                                                                       \
+  void Name##Cdf(benchmark::State& state) {                                                               \
+    OverArrays(state, Name##Draws(),                                                                      \
+               [](const auto& in, auto& out) { Distribution<distribution>(__VA_ARGS__).Cdf(in, out); });  \
+  }                                                                                                       \
+  BENCHMARK(Name##Cdf);                                                                                   \
+  void Name##CdfBoost(benchmark::State& state) {                                                          \
+    OverArrays(state, Name##Draws(), [](const auto& in, auto& out) {                                      \
+      const auto boosted = boostDistribution;                                                             \
+      for (std::size_t i = 0; i < in.size(); ++i) out[i] = cdf(boosted, in[i]);                           \
+    });                                                                                                   \
+  }                                                                                                       \
+  BENCHMARK(Name##CdfBoost);                                                                              \
+  void Name##Quantile(benchmark::State& state) {                                                          \
+    OverArrays(state, Uniforms(), [](const auto& in, auto& out) {                                         \
+      Distribution<distribution>(__VA_ARGS__).Quantile(in, out);                                          \
+    });                                                                                                   \
+  }                                                                                                       \
+  BENCHMARK(Name##Quantile);                                                                              \
+  void Name##QuantileBoost(benchmark::State& state) {                                                     \
+    OverArrays(state, Uniforms(), [](const auto& in, auto& out) {                                         \
+      const auto boosted = boostDistribution;                                                             \
+      for (std::size_t i = 0; i < in.size(); ++i) out[i] = quantile(boosted, in[i]);                      \
+    });                                                                                                   \
+  }                                                                                                       \
   BENCHMARK(Name##QuantileBoost)
 
-LAW_BENCHMARKS(Normal, normal, boost::math::normal(1.0, 2.0), 1.0, 2.0);
-LAW_BENCHMARKS(Lognormal, lognormal, boost::math::lognormal(1.0, 0.5), 1.0, 0.5, 0.0);
-LAW_BENCHMARKS(Weibull, weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
-LAW_BENCHMARKS(Rayleigh, rayleigh, boost::math::rayleigh(2.0), 2.0, 0.0);
+DISTRIBUTION_BENCHMARKS(Normal, Normal, boost::math::normal(1.0, 2.0), 1.0, 2.0);
+DISTRIBUTION_BENCHMARKS(Lognormal, LogNormal, boost::math::lognormal(1.0, 0.5), 1.0, 0.5, 0.0);
+DISTRIBUTION_BENCHMARKS(Weibull, Weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
+DISTRIBUTION_BENCHMARKS(Rayleigh, Rayleigh, boost::math::rayleigh(2.0), 2.0, 0.0);
 
 // Boost has neither generalized type: the textbook formulas, as one would write them in a scalar loop.
 struct PlainGev {
@@ -103,7 +106,7 @@ double cdf(const PlainGev& law, double x) {
 double quantile(const PlainGev& law, double p) {
   return law.location + law.scale * std::expm1(-law.shape * std::log(-std::log(p))) / law.shape;
 }
-LAW_BENCHMARKS(Gev, gev, (PlainGev{1.0, 2.0, 0.2}), 1.0, 2.0, 0.2);
+DISTRIBUTION_BENCHMARKS(Gev, GeneralExtremeValue, (PlainGev{1.0, 2.0, 0.2}), 1.0, 2.0, 0.2);
 
 struct PlainGpd {
   double scale;
@@ -116,12 +119,13 @@ double cdf(const PlainGpd& law, double x) {
 double quantile(const PlainGpd& law, double p) {
   return law.threshold + law.scale * std::expm1(-law.shape * std::log1p(-p)) / law.shape;
 }
-LAW_BENCHMARKS(Gpd, gpd, (PlainGpd{2.0, 0.2, 1.0}), 2.0, 0.2, 1.0);
+DISTRIBUTION_BENCHMARKS(Gpd, GeneralPareto, (PlainGpd{2.0, 0.2, 1.0}), 2.0, 0.2, 1.0);
 // The Pareto distribution of Boost is the same law, moved: shape 1/5, scale 10.
-LAW_BENCHMARKS(GpdAsPareto, gpd, boost::math::pareto(10.0, 5.0), 2.0, 0.2, 10.0);
+DISTRIBUTION_BENCHMARKS(GpdAsPareto, GeneralPareto, boost::math::pareto(10.0, 5.0), 2.0, 0.2, 10.0);
 
 void PoissonQuantile(benchmark::State& state) {
-  OverArrays(state, Uniforms(), [](const auto& in, auto& out) { poisson::Quantile(in, 12.5, out); });
+  OverArrays(state, Uniforms(),
+             [](const auto& in, auto& out) { Distribution<Poisson>(12.5).Quantile(in, out); });
 }
 BENCHMARK(PoissonQuantile);
 

@@ -8,7 +8,8 @@
 #include <cstdint>
 #include <numeric>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
+#include "host/numeric/distributions/poisson.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/vector/sorting.h"
 #include "host/numeric/vector/standard_normal.h"
@@ -55,8 +56,9 @@ double EqualCellsPvalue(std::span<const double> counts) {
 }
 
 double MiddlePoissonPvalue(double count, double mean) {
-  const double below = count > 0.0 ? poisson::Cdf(count - 1.0, mean) : 0.0;
-  return 1.0 - 0.5 * (poisson::Cdf(count, mean) + below);
+  const Distribution<Poisson> poisson(mean);
+  const double below = count > 0.0 ? poisson.Cdf(count - 1.0) : 0.0;
+  return 1.0 - 0.5 * (poisson.Cdf(count) + below);
 }
 
 // Cells of a cube of kDimensions, each 2^kEach wide, from the part of each deviate that `part` takes.
@@ -295,7 +297,7 @@ std::vector<double> Normals(Sample sample) {
 
 double NormalBody(Sample sample) {
   std::vector<double> values = Normals(sample);
-  normal::Cdf(values, 0.0, 1.0, values);
+  Distribution<Normal>(0.0, 1.0).Cdf(values, values);
   return UniformityPvalue(values);
 }
 

@@ -2,7 +2,6 @@
 // offers under the names and signatures of each.
 #include <pybind11/stl.h>
 
-#include <array>
 #include <cmath>
 #include <limits>
 #include <random>
@@ -12,91 +11,43 @@
 #include "bindings/python/arrays.h"
 #include "bindings/python/module.h"
 #include "host/base/number_text.h"
-#include "host/numeric/distributions/law_functions.h"
+#include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/random/random_stream.h"
-#include "host/numeric/vector/distribution_values.h"
 
 namespace py = pybind11;
 
 namespace brenvolt::python {
 namespace {
 
-enum class Domain { kReal, kPositive, kProportion, kPositiveProportion, kTrials, kJohnsonType };
+using enum DistributionFunction;
 
-struct Parameter {
-  const char* name;
-  Domain domain;
-};
-
-// What the numeric library does not say of a type: the names of its values, in catalogue order, and where
-// each may lie. A type of repeated groups names one group.
-struct Description {
-  const char* name;
-  bool continuous;
-  bool hasOffset;
-  std::vector<Parameter> parameters;
-};
-
-using enum Domain;
-
-// In the order of the codes.
-const std::array<Description, 16>& Descriptions() {
-  static const std::array<Description, 16> descriptions{{
-      {"Normal", true, false, {{"location", kReal}, {"scale", kPositive}}},
-      {"LogNormal", true, true, {{"scale", kReal}, {"shape", kPositive}}},
-      {"FoldedNormal", true, true, {{"location", kReal}, {"scale", kPositive}}},
-      {"HalfNormal", true, true, {{"scale", kPositive}}},
-      {"Rayleigh", true, true, {{"scale", kPositive}}},
-      {"Weibull", true, true, {{"scale", kPositive}, {"shape", kPositive}}},
-      {"GaussianMixture",
-       true,
-       false,
-       {{"proportion", kProportion}, {"mean", kReal}, {"standard deviation", kPositive}}},
-      {"Johnson",
-       true,
-       false,
-       {{"type", kJohnsonType},
-        {"gamma", kReal},
-        {"delta", kPositive},
-        {"lambda_", kPositive},
-        {"xi", kReal}}},
-      {"GeneralExtremeValue", true, false, {{"location", kReal}, {"scale", kPositive}, {"shape", kReal}}},
-      {"GeneralPareto", true, true, {{"scale", kPositive}, {"shape", kReal}}},
-      {"Triangular", true, false, {{"min", kReal}, {"max", kReal}, {"mode", kReal}}},
-      {"Binomial", false, false, {{"proportion", kProportion}, {"trials", kTrials}}},
-      {"Poisson", false, false, {{"mean", kPositive}}},
-      {"Geometric", false, false, {{"proportion", kPositiveProportion}}},
-      {"Bernoulli", false, false, {{"proportion", kProportion}}},
-      {"Histogram", false, false, {{"code", kReal}, {"proportion", kProportion}}},
-  }};
-  return descriptions;
+// The name of a parameter; "lambda" is a word of the language.
+std::string NameOf(const ParameterFacts& parameter) {
+  return std::string(parameter.name) + (parameter.name == "lambda" ? "_" : "");
 }
 
-constexpr double kMostTrials = 9007199254740992.0;  // 2^53
-
-// What a value of the domain must be; null where it is.
-const char* Requirement(Domain domain, double value) {
-  const bool whole = value == std::floor(value);
-  switch (domain) {
-    case kReal:
-      return std::isfinite(value) ? nullptr : "a finite number";
-    case kPositive:
-      return std::isfinite(value) && value > 0 ? nullptr : "greater than 0";
-    case kProportion:
-      return value >= 0 && value <= 1 ? nullptr : "between 0 and 1";
-    case kPositiveProportion:
-      return value > 0 && value <= 1 ? nullptr : "greater than 0 and at most 1";
-    case kTrials:
-      return whole && value >= 1 && value <= kMostTrials ? nullptr : "a whole number from 1 to 2**53";
-    case kJohnsonType:
-      return whole && value >= 1 && value <= 4 ? nullptr : "1 (SL), 2 (SU), 3 (SB) or 4 (SN)";
+// What a value in the range is.
+const char* Requirement(ParameterRange range) {
+  switch (range) {
+    case ParameterRange::kFinite:
+      return "a finite number";
+    case ParameterRange::kPositive:
+      return "greater than 0";
+    case ParameterRange::kProportion:
+      return "between 0 and 1";
+    case ParameterRange::kPositiveProportion:
+      return "greater than 0 and at most 1";
+    case ParameterRange::kTrials:
+      return "a whole number from 1 to 2**53";
+    case ParameterRange::kJohnsonFamily:
+      return "1 (SL), 2 (SU), 3 (SB) or 4 (SN)";
   }
-  return nullptr;
+  return "";
 }
 
-void Require(const char* name, Domain domain, double value) {
-  if (const char* requirement = Requirement(domain, value))
-    throw py::value_error(std::string(name) + " must be " + requirement + ", not " + ShortestNumber(value));
+void Require(const std::string& name, ParameterRange range, double value) {
+  if (!IsInRange(value, range))
+    throw py::value_error(name + " must be " + Requirement(range) + ", not " + ShortestNumber(value));
 }
 
 [[noreturn]] void RefuseType(const std::string& name, const char* wanted, const py::handle& value) {
@@ -104,61 +55,54 @@ void Require(const char* name, Domain domain, double value) {
                        std::string(py::str(py::type::of(value).attr("__name__"))));
 }
 
-double NumberFrom(const char* name, const py::handle& value) {
+double NumberFrom(const std::string& name, const py::handle& value) {
   const double number = PyFloat_AsDouble(value.ptr());
   if (number != -1 || !PyErr_Occurred()) return number;
   const bool tooLarge = PyErr_ExceptionMatches(PyExc_OverflowError) != 0;
   PyErr_Clear();
-  if (tooLarge) throw py::value_error(std::string(name) + " is too large for a number");
+  if (tooLarge) throw py::value_error(name + " is too large for a number");
   RefuseType(name, "a number", value);
 }
 
-// What remains to be wrong when each value is in its domain.
-const char* WrongTogether(std::size_t code, std::span<const double> values) {
-  if (Descriptions()[code].name != std::string_view("Triangular")) return "proportions must add up to 1";
+// What remains to be wrong when each value is in its range.
+const char* WrongTogether(DistributionCode code, std::span<const double> values) {
+  if (code != DistributionCode::kTriangular) return "proportions must add up to 1";
   return values[2] < values[0] || values[2] > values[1] ? "mode must lie between min and max"
                                                         : "min must be less than max";
 }
 
-class Distribution {
+class BoundDistribution {
  public:
   // Throws ValueError or TypeError that names the parameter at fault.
-  Distribution(std::size_t code, const py::sequence& values, const py::object& offset) : code_(code) {
-    if (code_ >= Descriptions().size())
-      throw py::value_error("no distribution of code " + std::to_string(code_));
-    const auto& parameters = Descriptions()[code_].parameters;
+  BoundDistribution(std::size_t code, const py::sequence& values, const py::object& offset)
+      : code_(static_cast<DistributionCode>(code)) {
+    if (code >= DistributionTypes().size())
+      throw py::value_error("no distribution of code " + std::to_string(code));
     for (const py::handle value : values)
-      values_.push_back(NumberFrom(parameters[values_.size() % parameters.size()].name, value));
+      values_.push_back(NumberFrom(NameOf(ParameterAt(values_.size())), value));
     offset_ = NumberFrom("offset", offset);
-    const bool fits = Functions().valueCount == 0
-                          ? !values_.empty() && values_.size() % parameters.size() == 0
-                          : values_.size() == parameters.size();
+    const std::size_t count = Facts().ParameterCount();
+    const bool fits =
+        Facts().isUserDefined ? !values_.empty() && values_.size() % count == 0 : values_.size() == count;
     if (!fits) throw py::value_error("wrong number of parameters");
-    for (std::size_t i = 0; i < values_.size(); ++i) {
-      const Parameter& parameter = parameters[i % parameters.size()];
-      Require(parameter.name, parameter.domain, values_[i]);
-    }
-    Require("offset", kReal, offset_);
-    if (!Functions().isValid(values_)) throw py::value_error(WrongTogether(code_, values_));
+    for (std::size_t i = 0; i < values_.size(); ++i)
+      Require(NameOf(ParameterAt(i)), ParameterAt(i).range, values_[i]);
+    Require("offset", ParameterRange::kFinite, offset_);
+    if (!View().IsValid()) throw py::value_error(WrongTogether(code_, values_));
   }
 
-  std::size_t Code() const { return code_; }
-  bool IsContinuous() const { return Descriptions()[code_].continuous; }
-  bool HasOffset() const { return Descriptions()[code_].hasOffset; }
+  const DistributionFacts& Facts() const { return TypeOf(code_).facts; }
+  AnyDistribution View() const { return {code_, values_, offset_}; }
   double Offset() const { return offset_; }
   const std::vector<double>& Values() const { return values_; }
-  const LawFunctions& Functions() const { return AllLawFunctions()[code_]; }
-
-  double Mean() const { return Functions().mean(values_, offset_); }
-  double Variance() const { return Functions().variance(values_, offset_); }
-
-  using ArrayForm = void (*LawFunctions::*)(LawFunctions::In, LawFunctions::In, double, LawFunctions::Out);
-  void Apply(ArrayForm form, std::span<const double> in, std::span<double> out) const {
-    (Functions().*form)(in, values_, offset_, out);
-  }
 
  private:
-  std::size_t code_;
+  // Of value i; of user-defined distributions each group has the same parameters.
+  const ParameterFacts& ParameterAt(std::size_t i) const {
+    return Facts().parameters[i % Facts().ParameterCount()];
+  }
+
+  DistributionCode code_;
   std::vector<double> values_;
   double offset_ = 0;
 };
@@ -193,23 +137,22 @@ Numbers NumbersFrom(const char* name, const py::object& x) {
   RefuseType(name, "a number or an array of numbers", x);
 }
 
-template <Distribution::ArrayForm kForm>
-constexpr const char* ArgumentName() {
-  if (kForm == &LawFunctions::quantiles) return "p";
-  return kForm == &LawFunctions::complementQuantiles ? "q" : "x";
+constexpr const char* ArgumentName(DistributionFunction function) {
+  if (function == DistributionFunction::kQuantile) return "p";
+  return function == DistributionFunction::kComplementQuantile ? "q" : "x";
 }
 
 // A function of the distribution at a number, or at each of an array of any shape.
-template <Distribution::ArrayForm kForm, bool kOfProbability>
-py::object At(const Distribution& distribution, const py::object& x) {
-  const Numbers in = NumbersFrom(ArgumentName<kForm>(), x);
+template <DistributionFunction kFunction>
+py::object At(const BoundDistribution& distribution, const py::object& x) {
+  const Numbers in = NumbersFrom(ArgumentName(kFunction), x);
   py::array_t<double> out(std::vector<py::ssize_t>(in.shape(), in.shape() + in.ndim()));
   const auto count = static_cast<std::size_t>(in.size());
   const double* from = in.data();
   double* to = out.mutable_data();
   InChunks(count, [&](std::size_t begin, std::size_t size) {
-    distribution.Apply(kForm, {from + begin, size}, {to + begin, size});
-    if constexpr (kOfProbability) MarkOutside({from + begin, size}, {to + begin, size});
+    distribution.View().At(kFunction, {from + begin, size}, {to + begin, size});
+    if constexpr (TakesProbability(kFunction)) MarkOutside({from + begin, size}, {to + begin, size});
   });
   if (in.ndim() == 0) return py::float_(*to);
   return out;
@@ -218,11 +161,11 @@ py::object At(const Distribution& distribution, const py::object& x) {
 // A uniform deviate of 0 would give the end of the support, infinite for many types.
 constexpr double kLeastProbability = 0x1p-54;
 
-void DrawInto(const Distribution& distribution, const RandomStream& stream, std::size_t begin,
+void DrawInto(const BoundDistribution& distribution, const RandomStream& stream, std::size_t begin,
               std::span<double> out) {
   stream.FillUniform(begin, out);
   for (double& u : out) u = std::max(u, kLeastProbability);
-  distribution.Apply(&LawFunctions::quantiles, out, out);
+  distribution.View().Quantile(out, out);
 }
 
 // The seed asked for, or one that nobody knows.
@@ -253,7 +196,7 @@ std::vector<py::ssize_t> ShapeFrom(const py::object& size) {
   return shape;
 }
 
-py::object Draw(const Distribution& distribution, const py::object& size, const py::object& seed) {
+py::object Draw(const BoundDistribution& distribution, const py::object& size, const py::object& seed) {
   const RandomStream stream(SeedFrom(seed));
   const std::vector<py::ssize_t> shape = ShapeFrom(size);
   py::array_t<double> out(shape);
@@ -266,57 +209,68 @@ py::object Draw(const Distribution& distribution, const py::object& size, const 
 }
 
 // The values by name; of groups, one list for each name.
-py::dict Parameters(const Distribution& distribution) {
-  const auto& parameters = Descriptions()[distribution.Code()].parameters;
+py::dict Parameters(const BoundDistribution& distribution) {
+  const DistributionFacts& facts = distribution.Facts();
   const auto& values = distribution.Values();
+  const std::size_t count = facts.ParameterCount();
   py::dict result;
-  for (std::size_t p = 0; p < parameters.size(); ++p) {
-    if (distribution.Functions().valueCount != 0) {
-      result[parameters[p].name] = values[p];
+  for (std::size_t p = 0; p < count; ++p) {
+    const py::str name(NameOf(facts.parameters[p]));
+    if (!facts.isUserDefined) {
+      result[name] = values[p];
       continue;
     }
     py::list group;
-    for (std::size_t i = p; i < values.size(); i += parameters.size()) group.append(values[i]);
-    result[parameters[p].name] = group;
+    for (std::size_t i = p; i < values.size(); i += count) group.append(values[i]);
+    result[name] = group;
   }
-  if (distribution.HasOffset()) result["offset"] = distribution.Offset();
+  if (facts.HasOffset()) result["offset"] = distribution.Offset();
   return result;
 }
 
 }  // namespace
 
 void BindDistributions(py::module_& module) {
-  py::class_<Distribution>(module, "Distribution", "The base of the sixteen distributions.")
+  py::class_<BoundDistribution>(module, "Distribution", "The base of the sixteen distributions.")
       .def(py::init<std::size_t, py::sequence, py::object>(), py::arg("code"), py::arg("values"),
            py::arg("offset") = 0.0)
-      .def("pdf", &At<&LawFunctions::densities, false>, py::arg("x"),
+      .def("pdf", &At<kDensity>, py::arg("x"),
            "The density at x; of a discrete distribution, the probability of x.")
-      .def("logpdf", &At<&LawFunctions::logDensities, false>, py::arg("x"),
+      .def("logpdf", &At<kLogDensity>, py::arg("x"),
            "The logarithm of pdf(x), also where pdf(x) is too small for a number.")
-      .def("cdf", &At<&LawFunctions::cdfs, false>, py::arg("x"), "The probability of values up to x.")
-      .def("sf", &At<&LawFunctions::complements, false>, py::arg("x"),
+      .def("cdf", &At<kCdf>, py::arg("x"), "The probability of values up to x.")
+      .def("sf", &At<kComplement>, py::arg("x"),
            "The probability of values above x, 1 - cdf(x) without cancellation.")
-      .def("ppf", &At<&LawFunctions::quantiles, true>, py::arg("p"),
+      .def("ppf", &At<kQuantile>, py::arg("p"),
            "The quantile: the smallest x with cdf(x) >= p. NaN outside 0 to 1; 0 and 1 give the ends of the "
            "support.")
-      .def("isf", &At<&LawFunctions::complementQuantiles, true>, py::arg("q"),
+      .def("isf", &At<kComplementQuantile>, py::arg("q"),
            "The x with sf(x) = q, exact also where 1 - q is not. NaN outside 0 to 1.")
-      .def("mean", &Distribution::Mean, "The mean, infinite where the integral is.")
-      .def("var", &Distribution::Variance, "The variance, infinite where the integral is.")
       .def(
-          "std", [](const Distribution& d) { return std::sqrt(d.Variance()); }, "The standard deviation.")
+          "mean", [](const BoundDistribution& d) { return d.View().Mean(); },
+          "The mean, infinite where the integral is.")
+      .def(
+          "var", [](const BoundDistribution& d) { return d.View().Variance(); },
+          "The variance, infinite where the integral is.")
+      .def(
+          "std", [](const BoundDistribution& d) { return std::sqrt(d.View().Variance()); },
+          "The standard deviation.")
       .def(
           "rvs", &Draw, py::arg("size") = py::none(), py::arg("seed") = py::none(),
           "Random values by inversion: one number, or an array of the size (a number or a shape). The same "
           "seed, 0 to 2147483647, gives the same values on every machine; without one they differ each time.")
-      .def_property_readonly("code", &Distribution::Code, "The code of the type in macros and project files.")
-      .def_property_readonly("is_continuous", &Distribution::IsContinuous, "False for a discrete type.")
+      .def_property_readonly(
+          "code", [](const BoundDistribution& d) { return static_cast<int>(d.Facts().code); },
+          "The code of the type in macros and project files.")
+      .def_property_readonly(
+          "is_continuous", [](const BoundDistribution& d) { return d.Facts().isContinuous; },
+          "False for a discrete type.")
       .def_property_readonly("parameters", &Parameters, "The parameters by name.")
-      .def_property_readonly("_values", &Distribution::Values)
-      .def_property_readonly("_offset", &Distribution::Offset)
-      .def_property_readonly("_has_offset", &Distribution::HasOffset);
+      .def_property_readonly("_values", &BoundDistribution::Values)
+      .def_property_readonly("_offset", &BoundDistribution::Offset)
+      .def_property_readonly("_has_offset", [](const BoundDistribution& d) { return d.Facts().HasOffset(); });
   py::list names;
-  for (const Description& description : Descriptions()) names.append(description.name);
+  for (const DistributionType* type : DistributionTypes()) names.append(std::string(type->facts.name));
   module.attr("_distribution_names") = py::tuple(names);
 }
 

@@ -8,9 +8,9 @@
 #include <optional>
 #include <utility>
 
+#include "brv_sra/distributions/law.h"
 #include "brv_sra/fitting/discrete_estimation.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "brv_sra/fitting/log_likelihood.h"
 #include "brv_sra/fitting/standard_errors.h"
 #include "brv_sra/fitting/triangular_estimation.h"
 #include "brv_sra/fitting/weibull_estimation.h"
@@ -300,7 +300,7 @@ DistributionFit RunStep(DistributionCode code, double offset, const Input& input
   fit.covariance = std::move(estimate.covariance);
   fit.estimatedParameters = estimate.estimatedParameters;
   const double logLikelihood = IsNotSet(estimate.logLikelihood)
-                                   ? LogLikelihood(code, fit.specification.values, offset, input.sorted)
+                                   ? Law(fit.specification).LogLikelihood(input.sorted)
                                    : estimate.logLikelihood;
   fit.logLikelihood = std::isfinite(logLikelihood) ? logLikelihood : kNotSet;
   return fit;

@@ -12,12 +12,6 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr std::array<TestCode, kDistributionCount> kTestCodes{
-    TestCode::kNormal,   TestCode::kLogNormal, TestCode::kFoldedNormal,    TestCode::kHalfNormal,
-    TestCode::kRayleigh, TestCode::kWeibull,   TestCode::kGaussianMixture, TestCode::kJohnson,
-    TestCode::kGev,      TestCode::kGpd,       TestCode::kTriangular,      TestCode::kBinomial,
-    TestCode::kPoisson,  TestCode::kGeometric, TestCode::kBernoulli,       TestCode::kHistogram};
-
 double OffsetOf(const DistributionSpecification& fit) {
   return HasOffset(fit.code) && !IsNotSet(fit.offset) ? fit.offset : 0.0;
 }
@@ -48,8 +42,8 @@ void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
 void TestDiscrete(DistributionFit& fit, std::span<const double> sorted) {
   const Law law(fit.specification);
   if (!law.IsValid()) return;
-  ComputeKolmogorovSmirnovTest(TestCodeOf(fit.specification.code), fit.specification.values, sorted,
-                               fit.kolmogorovSmirnov.statistic);
+  ComputeKolmogorovSmirnovTest(TypeOf(fit.specification.code).facts.testCode, fit.specification.values,
+                               sorted, fit.kolmogorovSmirnov.statistic);
 }
 
 void RunTests(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinning binning,
@@ -86,10 +80,6 @@ void TestFit(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinn
 
 void TestFitStatistics(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinning binning) {
   RunTests(fit, sorted, binning, false);
-}
-
-TestCode TestCodeOf(DistributionCode code) {
-  return kTestCodes[static_cast<std::size_t>(code)];
 }
 
 }  // namespace brenvolt::sra

@@ -17,7 +17,4 @@ void TestFit(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinn
 // The same without p-values, which stay kNotSet: for the bootstrap, which compares statistics.
 void TestFitStatistics(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinning binning);
 
-// The code under which the Kolmogorov-Smirnov test knows a type; it takes the values in catalogue order.
-TestCode TestCodeOf(DistributionCode code);
-
 }  // namespace brenvolt::sra

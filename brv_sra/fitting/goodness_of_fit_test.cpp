@@ -127,8 +127,9 @@ TEST(GoodnessOfFit, KolmogorovSmirnovIsThatOfTheTestCodeForEveryType) {
     TestFit(fit, data, ChiSquareBinning::kEqualProbabilities);
     const double offset = HasOffset(code) ? fit.specification.offset : 0.0;
     double statistic = 0;
-    ASSERT_NE(
-        ComputeKolmogorovSmirnovTest(TestCodeOf(code), fit.specification.values, data, offset, statistic), 0);
+    ASSERT_NE(ComputeKolmogorovSmirnovTest(TypeOf(code).facts.testCode, fit.specification.values, data,
+                                           offset, statistic),
+              0);
     EXPECT_EQ(fit.kolmogorovSmirnov.statistic, statistic);
     EXPECT_EQ(IsNotSet(fit.andersonDarling.statistic), !IsContinuous(code));
     EXPECT_EQ(IsNotSet(fit.andersonDarling.pValue), !IsContinuous(code));

@@ -20,7 +20,7 @@
 #include "host/numeric/algebra/cholesky.h"
 #include "host/numeric/algebra/correlation.h"
 #include "host/numeric/algebra/matrix_product.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 #include "host/numeric/random/random_stream.h"
 #include "host/numeric/vector/sorting.h"
 
@@ -49,7 +49,7 @@ void FillNormalScores(std::span<double> scores) {
   ParallelBlocks(scores.size(), kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
     const std::span<double> block = scores.subspan(begin, end - begin);
     for (std::size_t i = begin; i < end; ++i) scores[i] = static_cast<double>(i + 1) / cells;
-    normal::Quantile(block, 0, 1, block);
+    Distribution<Normal>(0, 1).Quantile(block, block);
   });
 }
 

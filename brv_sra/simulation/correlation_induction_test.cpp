@@ -16,7 +16,7 @@
 #include "host/base/error.h"
 #include "host/base/parallel.h"
 #include "host/numeric/algebra/correlation.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 #include "host/numeric/random/random_stream.h"
 #include "host/numeric/vector/sorting.h"
 
@@ -90,7 +90,7 @@ Matrix PlainInduction(const SimulationDesign& design, const Matrix& target) {
   for (std::size_t c = 0; c < k; ++c) {
     const std::vector<double> perm = reference::Permutation(n);
     for (std::size_t i = 0; i < n; ++i)
-      s[c][i] = normal::Quantile(perm[i] / static_cast<double>(n + 1), 0, 1);
+      s[c][i] = Distribution<Normal>(0, 1).Quantile(perm[i] / static_cast<double>(n + 1));
   }
   Matrix e(k * k);
   Matrix wanted(k * k);
@@ -200,7 +200,7 @@ TEST_F(Induction, ReachesTheTargetAndKeepsEveryColumnsValues) {
       AverageRanks(after, rank);
       for (std::size_t i = 0; i < rank.size(); ++i) {
         ranks[i * k + j] = rank[i];
-        scores[i * k + j] = normal::Quantile(rank[i] / 10'001, 0, 1);
+        scores[i * k + j] = Distribution<Normal>(0, 1).Quantile(rank[i] / 10'001);
       }
       std::ranges::sort(before);
       std::ranges::sort(after);

@@ -4,7 +4,8 @@
 #include <cmath>
 #include <numeric>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/binomial.h"
+#include "host/numeric/distributions/poisson.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -57,7 +58,7 @@ Support PoissonSupport(double mean) {
   const auto down = [mean](double p, double k) { return p * k / mean; };
   if (mean < kSmallMean) return Walk(0, std::exp(-mean), up, down);
   const double mode = std::round(mean);
-  return Walk(mode, poisson::Density(mode, mean), up, down);
+  return Walk(mode, Distribution<Poisson>(mean).Density(mode), up, down);
 }
 
 // Walks from 0 where its probability is worth keeping, as for a small Poisson mean, else from the mode.
@@ -65,10 +66,11 @@ Support BinomialSupport(double proportion, double trials) {
   const double q = 1 - proportion;
   const auto up = [=](double p, double k) { return p * ((trials - k + 1) * proportion) / (k * q); };
   const auto down = [=](double p, double k) { return p * (k * q) / ((trials - k + 1) * proportion); };
-  const double atZero = binomial::Density(0, proportion, trials);
+  const Distribution<Binomial> binomial(proportion, trials);
+  const double atZero = binomial.Density(0);
   if (atZero > kSmallestKept) return Walk(0, atZero, up, down);
   const double mode = std::min(trials, std::floor((trials + 1) * proportion));
-  return Walk(mode, binomial::Density(mode, proportion, trials), up, down);
+  return Walk(mode, binomial.Density(mode), up, down);
 }
 
 Support GeometricSupport(double proportion) {

@@ -11,7 +11,8 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/simulation/simulation_design.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/binomial.h"
+#include "host/numeric/distributions/poisson.h"
 #include "host/numeric/random/random_stream.h"
 #include "host/numeric/vector/vector_forms.h"
 
@@ -62,10 +63,10 @@ inline Table MakeTable(const DistributionSpecification& s) {
   const double n = s.values.size() > 1 ? s.values[1] : 0;
   if (s.code == DistributionCode::kPoisson) {
     start = a < 21.4 ? 0 : std::round(a);
-    atStart = a < 21.4 ? std::exp(-a) : poisson::Density(start, a);
+    atStart = a < 21.4 ? std::exp(-a) : Distribution<Poisson>(a).Density(start);
   } else if (s.code == DistributionCode::kBinomial) {
-    if (!(binomial::Density(0, a, n) * kTwo31 > 1)) start = std::min(n, std::floor((n + 1) * a));
-    atStart = binomial::Density(start, a, n);
+    if (!(Distribution<Binomial>(a, n).Density(0) * kTwo31 > 1)) start = std::min(n, std::floor((n + 1) * a));
+    atStart = Distribution<Binomial>(a, n).Density(start);
   } else {
     atStart = a;
   }

@@ -17,7 +17,7 @@
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 #include "host/numeric/goodness_of_fit/chi_square.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/random/random_stream.h"
@@ -225,13 +225,13 @@ TEST_F(Generation, LatinHypercubeHoldsOneValuePerStratum) {
 }
 
 TEST_F(Generation, TruncationHoldsUnderBothMethods) {
-  const double far = normal::Quantile(1 - 1e-9, 0, 1);
+  const double far = Distribution<Normal>(0, 1).Quantile(1 - 1e-9);
   for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
     design.truncate = true;
     design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
     auto sample = Generate(method, 9, 20'000);
-    EXPECT_GE(std::ranges::min(sample), normal::Quantile(0.005, 0, 1));
-    EXPECT_LE(std::ranges::max(sample), normal::Quantile(0.995, 0, 1));
+    EXPECT_GE(std::ranges::min(sample), Distribution<Normal>(0, 1).Quantile(0.005));
+    EXPECT_LE(std::ranges::max(sample), Distribution<Normal>(0, 1).Quantile(0.995));
     design.truncate = false;
     design.variables[0].specification.truncateBelow = true;
     design.variables[0].specification.truncationMinimum = 4;

@@ -9,7 +9,7 @@
 #include "brv_sra/simulation/candidate_draws.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "host/base/parallel.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -2,147 +2,104 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdint>
-#include <utility>
+#include <deque>
+#include <string>
+#include <vector>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/all_distributions.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 namespace {
 
-template <std::size_t>
-using Real = double;
+using enum DistributionFunction;
 
-// Calls a distribution's functions with their parameters from an array.
-template <class Places>
-struct Unpacked;
-template <std::size_t... kPlaces>
-struct Unpacked<std::index_sequence<kPlaces...>> {
-  using Scalar = double(double, Real<kPlaces>...);
-  using Array = void(std::span<const double>, Real<kPlaces>..., std::span<double>);
-  static double Call(Scalar* function, double x, const double* p) { return function(x, p[kPlaces]...); }
-  static void Call(Array* function, std::span<const double> x, const double* p, std::span<double> out) {
-    function(x, p[kPlaces]..., out);
-  }
-};
-template <std::size_t kParameters>
-using WithParameters = Unpacked<std::make_index_sequence<kParameters>>;
-
-enum class Answer : std::uint8_t { kProbability, kQuantile };
-
-// A type's sentinels become missing values.
-template <Answer kAnswer>
+// The sentinels of a function become missing values.
+template <DistributionFunction kFunction>
 double OrMissing(double value) {
-  const bool invalid = kAnswer == Answer::kQuantile ? value == kInvalidQuantile : IsNotSet(value);
-  return invalid ? kMissingResult : value;
+  const bool isInvalid = TakesProbability(kFunction) ? value == kInvalidQuantile : IsNotSet(value);
+  return isInvalid ? kMissingResult : value;
 }
 
-// The kernel of a function whose array form takes the parameters once; the scalar form serves parameters that
-// change from case to case. Parameters that are left out are 0.
-template <std::size_t kParameters, Answer kAnswer, typename WithParameters<kParameters>::Scalar* kScalar,
-          typename WithParameters<kParameters>::Array* kArray>
+// A function whose form over arrays takes the parameters once; that at one value serves parameters that
+// change from case to case. A threshold comes after the parameters, but for curves that take it first.
+template <class D, DistributionFunction kFunction, bool kIsCurve>
 void Kernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  using Functions = WithParameters<kParameters>;
+  constexpr bool kThresholdFirst = kIsCurve && D::kFacts.offset == OffsetPlace::kFirst;
   const BlockArgument x = arguments[0];
   const auto given = arguments.subspan(1);
-  std::array<double, kParameters> values{};
-  const auto gather = [&](std::size_t i) {
-    for (std::size_t p = 0; p < given.size(); ++p) values[p] = given[p].At(i);
+  std::array<double, kMostArguments> storage;
+  const std::span<const double> parameters(storage.data(), given.size());
+  const auto distributionOf = [&](std::size_t i) {
+    for (std::size_t p = 0; p < given.size(); ++p) storage[p] = given[p].At(i);
+    const std::size_t count = D::kFacts.isUserDefined ? given.size() : D::kFacts.ParameterCount();
+    const bool hasThreshold = given.size() > count;
+    if constexpr (kThresholdFirst) return AnyDistribution(D::kFacts.code, parameters.last(count), storage[0]);
+    return AnyDistribution(D::kFacts.code, parameters.first(count), hasThreshold ? storage[count] : 0.0);
   };
   if (!x.constant && std::ranges::all_of(given, &BlockArgument::constant)) {
-    gather(0);
-    Functions::Call(kArray, std::span(x.values, out.size()), values.data(), out);
-    for (double& value : out) value = OrMissing<kAnswer>(value);
+    distributionOf(0).At(kFunction, std::span(x.values, out.size()), out);
+    for (double& value : out) value = OrMissing<kFunction>(value);
     return;
   }
   for (std::size_t i = 0; i < out.size(); ++i) {
-    gather(i);
-    out[i] = OrMissing<kAnswer>(Functions::Call(kScalar, x.At(i), values.data()));
+    out[i] = OrMissing<kFunction>(distributionOf(i).At(kFunction, x.At(i)));
   }
 }
 
-template <Answer kAnswer, double (*kFunction)(double, std::span<const double>)>
-void ListKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  std::array<double, kMostArguments> storage{};
-  const std::span<double> values(storage.data(), arguments.size() - 1);
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    for (std::size_t p = 0; p < values.size(); ++p) values[p] = arguments[p + 1].At(i);
-    out[i] = OrMissing<kAnswer>(kFunction(arguments[0].At(i), values));
-  }
-}
+class Functions {
+ public:
+  std::span<const FormulaFunction> All() const { return all_; }
 
-// The parameters of the generalized Pareto curves begin with the threshold.
-namespace threshold_first {
-double Density(double x, double threshold, double scale, double shape) {
-  return gpd::Density(x, scale, shape, threshold);
-}
-double Cdf(double x, double threshold, double scale, double shape) {
-  return gpd::Cdf(x, scale, shape, threshold);
-}
-void Density(std::span<const double> x, double threshold, double scale, double shape, std::span<double> out) {
-  gpd::Density(x, scale, shape, threshold, out);
-}
-void Cdf(std::span<const double> x, double threshold, double scale, double shape, std::span<double> out) {
-  gpd::Cdf(x, scale, shape, threshold, out);
-}
-}  // namespace threshold_first
-
-// The kernels of the three functions of a type. A function's scalar and array form have one name.
-// NOLINTBEGIN(cppcoreguidelines-macro-usage): an overloaded name cannot be passed on otherwise
-#define BRENVOLT_DENSITY(type, parameters) \
-  Kernel<parameters, Answer::kProbability, type::Density, type::Density>
-#define BRENVOLT_CDF(type, parameters) Kernel<parameters, Answer::kProbability, type::Cdf, type::Cdf>
-#define BRENVOLT_QUANTILE(type, parameters) \
-  Kernel<parameters, Answer::kQuantile, type::Quantile, type::Quantile>
-#define BRENVOLT_FUNCTIONS(name, type, optional, parameters)                                              \
-  {name "Density", BRENVOLT_DENSITY(type, parameters), 1 + (parameters) - (optional), 1 + (parameters)},  \
-      {name "Cdf", BRENVOLT_CDF(type, parameters), 1 + (parameters) - (optional), 1 + (parameters)}, {    \
-    name "Quantile", BRENVOLT_QUANTILE(type, parameters), 1 + (parameters) - (optional), 1 + (parameters) \
+  // Steps draw a distribution without curves; its functions have no names in formulas either, unless it is
+  // continuous.
+  template <class D>
+  void AddNamed() {
+    constexpr const DistributionFacts& kFacts = D::kFacts;
+    if (!kFacts.isContinuous && kFacts.curves.density.empty()) return;
+    const std::size_t fewest = 1 + kFacts.ParameterCount();
+    const std::size_t most = kFacts.isUserDefined ? kMostArguments : fewest + (kFacts.HasOffset() ? 1 : 0);
+    Add(kFacts.formulaName, "Density", Kernel<D, kDensity, false>, fewest, most);
+    Add(kFacts.formulaName, "Cdf", Kernel<D, kCdf, false>, fewest, most);
+    Add(kFacts.formulaName, "Quantile", Kernel<D, kQuantile, false>, fewest, most);
   }
-#define BRENVOLT_CURVES(density, cdf, type, fewest, parameters)                    \
-  {density, BRENVOLT_DENSITY(type, parameters), 1 + (fewest), 1 + (parameters)}, { \
-    cdf, BRENVOLT_CDF(type, parameters), 1 + (fewest), 1 + (parameters)            \
-  }
-// NOLINTEND(cppcoreguidelines-macro-usage)
 
-constexpr FormulaFunction kFunctions[] = {
-    BRENVOLT_FUNCTIONS("Normal", normal, 0, 2),
-    BRENVOLT_FUNCTIONS("LogNormal", lognormal, 1, 3),
-    BRENVOLT_FUNCTIONS("FoldedNormal", folded_normal, 1, 3),
-    BRENVOLT_FUNCTIONS("HalfNormal", half_normal, 1, 2),
-    BRENVOLT_FUNCTIONS("Rayleigh", rayleigh, 1, 2),
-    BRENVOLT_FUNCTIONS("Weibull", weibull, 1, 3),
-    BRENVOLT_FUNCTIONS("Johnson", johnson, 0, 5),
-    BRENVOLT_FUNCTIONS("GeneralizedExtremeValue", gev, 0, 3),
-    BRENVOLT_FUNCTIONS("GeneralizedPareto", gpd, 1, 3),
-    BRENVOLT_FUNCTIONS("Triangular", triangular, 0, 3),
-    BRENVOLT_FUNCTIONS("Binomial", binomial, 0, 2),
-    BRENVOLT_FUNCTIONS("Poisson", poisson, 0, 1),
-    BRENVOLT_FUNCTIONS("Geometric", geometric, 0, 1),
-    {"GaussianMixtureDensity", ListKernel<Answer::kProbability, gaussian_mixture::Density>, 4,
-     kMostArguments},
-    {"GaussianMixtureCdf", ListKernel<Answer::kProbability, gaussian_mixture::Cdf>, 4, kMostArguments},
-    {"GaussianMixtureQuantile", ListKernel<Answer::kQuantile, gaussian_mixture::Quantile>, 4, kMostArguments},
-    BRENVOLT_CURVES("Normal", "iNormal", normal, 2, 2),
-    BRENVOLT_CURVES("Lognorm", "iLognorm", lognormal, 2, 3),
-    BRENVOLT_CURVES("FoldedNormal", "iFoldedNormal", folded_normal, 2, 3),
-    {"FoldeNormal", BRENVOLT_DENSITY(folded_normal, 3), 3, 4},
-    BRENVOLT_CURVES("HalfNormal", "iHalfNormal", half_normal, 1, 2),
-    BRENVOLT_CURVES("Rayl", "IRayl", rayleigh, 1, 2),
-    BRENVOLT_CURVES("weibull", "iWeibull", weibull, 3, 3),
-    BRENVOLT_CURVES("Johnson", "iJohnson", johnson, 5, 5),
-    BRENVOLT_CURVES("GEV", "IGEV", gev, 3, 3),
-    BRENVOLT_CURVES("GPD", "IGPD", threshold_first, 3, 3),
-    BRENVOLT_CURVES("Triangular", "iTriangular", triangular, 3, 3),
-    BRENVOLT_CURVES("Binom", "iBinom", binomial, 2, 2),
-    BRENVOLT_CURVES("Poisson", "iPoisson", poisson, 1, 1),
-    BRENVOLT_CURVES("Geom", "iGeom", geometric, 1, 1),
+  template <class D>
+  void AddCurves() {
+    constexpr const DistributionFacts& kFacts = D::kFacts;
+    if (kFacts.curves.density.empty()) return;
+    const std::size_t most = 1 + kFacts.ParameterCount() + (kFacts.HasOffset() ? 1 : 0);
+    const std::size_t fewest = most - (kFacts.offset == OffsetPlace::kWithX ? 1 : 0);
+    Add(kFacts.curves.density, "", Kernel<D, kDensity, true>, fewest, most);
+    Add(kFacts.curves.cumulative, "", Kernel<D, kCdf, true>, fewest, most);
+    if (kFacts.curves.shiftedDensity != kFacts.curves.density)
+      Add(kFacts.curves.shiftedDensity, "", Kernel<D, kDensity, true>, fewest, most);
+  }
+
+ private:
+  void Add(std::string_view name, std::string_view ending, BlockKernel kernel, std::size_t fewest,
+           std::size_t most) {
+    names_.push_back(std::string(name) + std::string(ending));
+    all_.push_back({names_.back().c_str(), kernel, fewest, most});
+  }
+
+  std::deque<std::string> names_;  // where they stay
+  std::vector<FormulaFunction> all_;
 };
+
+template <class... D>
+Functions FunctionsOf(DistributionList<D...> /*list*/) {
+  Functions functions;
+  (functions.AddNamed<D>(), ...);
+  (functions.AddCurves<D>(), ...);
+  return functions;
+}
 
 }  // namespace
 
 std::span<const FormulaFunction> DistributionFunctions() {
-  return kFunctions;
+  static const Functions kFunctions = FunctionsOf(AllDistributions());
+  return kFunctions.All();
 }
 
 }  // namespace brenvolt

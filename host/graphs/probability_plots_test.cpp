@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 
 namespace brenvolt {
 namespace {
@@ -14,16 +14,16 @@ namespace {
 const GraphTexts kTexts{"Title", "X", "Y", "Observed", "Reference"};
 
 const ArrayFunction kNormalCdf = [](std::span<const double> x, std::span<double> p) {
-  normal::Cdf(x, 0, 1, p);
+  Distribution<Normal>(0, 1).Cdf(x, p);
 };
 const ArrayFunction kNormalQuantile = [](std::span<const double> p, std::span<double> x) {
-  normal::Quantile(p, 0, 1, x);
+  Distribution<Normal>(0, 1).Quantile(p, x);
 };
 const ArrayFunction kInvalidCdf = [](std::span<const double> x, std::span<double> p) {
-  normal::Cdf(x, 0, -1, p);
+  Distribution<Normal>(0, -1).Cdf(x, p);
 };
 const ArrayFunction kInvalidNormalQuantile = [](std::span<const double> p, std::span<double> x) {
-  normal::Quantile(p, 0, -1, x);
+  Distribution<Normal>(0, -1).Quantile(p, x);
 };
 
 // References: SciPy 1.10, norm.cdf and norm.ppf.

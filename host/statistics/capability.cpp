@@ -7,7 +7,7 @@
 #include <numbers>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt {
@@ -113,7 +113,7 @@ ConfidenceInterval PotentialInterval(double potential, double degrees, double co
 
 ConfidenceInterval LeastInterval(double least, std::int64_t count, double degrees, double confidence) {
   if (IsNotSet(least) || IsNotSet(degrees)) return {};
-  const double z = normal::ComplementQuantile((1 - confidence) / 2, 0, 1);
+  const double z = Distribution<Normal>(0, 1).ComplementQuantile((1 - confidence) / 2);
   const double reach = z * std::sqrt(1 / (9 * static_cast<double>(count)) + least * least / (2 * degrees));
   return {least - reach, least + reach};
 }
@@ -135,8 +135,9 @@ PartsPerMillion ObservedParts(std::span<const double> values, const Specificatio
 
 PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLimits& limits) {
   if (!IsDeviation(deviation)) return {};
-  return PartsFrom(limits.HasLower() ? normal::Cdf(limits.lower, mean, deviation) : 0,
-                   limits.HasUpper() ? normal::Complement(limits.upper, mean, deviation) : 0);
+  const Distribution<Normal> normal(mean, deviation);
+  return PartsFrom(limits.HasLower() ? normal.Cdf(limits.lower) : 0,
+                   limits.HasUpper() ? normal.Complement(limits.upper) : 0);
 }
 
 CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,

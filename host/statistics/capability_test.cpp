@@ -8,7 +8,8 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
+#include "host/numeric/distributions/weibull.h"
 #include "host/numeric/random/random_stream.h"
 
 namespace brenvolt {
@@ -196,15 +197,15 @@ TEST(Capability, SamplesThatTellNothingGiveNoIndex) {
   EXPECT_THROW(AnalyseCapability(std::vector<double>{1, 2}, limits, 1.0), Error);
 }
 
-ProcessDistribution Weibull() {
-  return {[](double p) { return weibull::Quantile(p, 10, 1.7, 0); },
-          [](double x) { return weibull::Cdf(x, 10, 1.7, 0); },
-          [](double x) { return weibull::Complement(x, 10, 1.7, 0); }};
+ProcessDistribution WeibullProcess() {
+  return {[](double p) { return Distribution<Weibull>(10, 1.7).Quantile(p); },
+          [](double x) { return Distribution<Weibull>(10, 1.7).Cdf(x); },
+          [](double x) { return Distribution<Weibull>(10, 1.7).Complement(x); }};
 }
 
 // SciPy 1.10, weibull_min(1.7, 0, 10): ppf, cdf and sf; limits 1 and 35.
 TEST(Capability, PercentileIndicesStandOnTheDistribution) {
-  const PercentileCapability c = AnalysePercentiles(Weibull(), {1, 35, kNone});
+  const PercentileCapability c = AnalysePercentiles(WeibullProcess(), {1, 35, kNone});
   const std::pair<double, double> values[] = {
       {c.low, 0.20517931606399886},
       {c.median, 8.060610171859208},
@@ -217,21 +218,21 @@ TEST(Capability, PercentileIndicesStandOnTheDistribution) {
   };
   for (const auto& [value, expected] : values) EXPECT_NEAR(value, expected, 1e-12 * expected);
   EXPECT_EQ(c.indices.least, std::min(c.indices.lower, c.indices.upper));
-  const PercentileCapability oneSided = AnalysePercentiles(Weibull(), {kNone, 35, kNone});
+  const PercentileCapability oneSided = AnalysePercentiles(WeibullProcess(), {kNone, 35, kNone});
   EXPECT_EQ(oneSided.indices.least, c.indices.upper);
   EXPECT_TRUE(IsNotSet(oneSided.indices.potential));
   EXPECT_EQ(oneSided.expected.below, 0);
   // A normal distribution has the indices by deviations, but for the rounding of the standard's percentages.
-  const ProcessDistribution normalProcess{[](double p) { return normal::Quantile(p, 5, 2); },
-                                          [](double x) { return normal::Cdf(x, 5, 2); },
-                                          [](double x) { return normal::Complement(x, 5, 2); }};
+  const ProcessDistribution normalProcess{[](double p) { return Distribution<Normal>(5, 2).Quantile(p); },
+                                          [](double x) { return Distribution<Normal>(5, 2).Cdf(x); },
+                                          [](double x) { return Distribution<Normal>(5, 2).Complement(x); }};
   const SpecificationLimits limits{1, 12, kNone};
   EXPECT_NEAR(AnalysePercentiles(normalProcess, limits).indices.least, NormalIndices(5, 2, limits).least,
               1e-5);
 }
 
 TEST(Capability, PercentilesThatAreNoneGiveNoIndex) {
-  ProcessDistribution process = Weibull();
+  ProcessDistribution process = WeibullProcess();
   for (const double value : {std::numeric_limits<double>::infinity(), kNone, kInvalidQuantile}) {
     const std::array<double, 3> points =
         value < 0 ? std::array{value, 3.0, 9.0} : std::array{1.0, 3.0, value};

@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/binomial.h"
 
 namespace brenvolt {
 
@@ -30,13 +30,14 @@ PercentileEstimate EstimatePercentile(std::span<const double> sorted, double per
   const double p = percent / 100;
   const double tail = (1 - confidence) / 2;
   // The greatest rank below the percentile, and the least above it, with the confidence of one side.
-  double low = binomial::Quantile(tail, p, n);
-  if (binomial::Cdf(low, p, n) <= tail) ++low;
-  const double high = binomial::ComplementQuantile(tail, p, n) + 1;
+  const Distribution<Binomial> hits(p, n);  // values up to the percentile
+  double low = hits.Quantile(tail);
+  if (hits.Cdf(low) <= tail) ++low;
+  const double high = hits.ComplementQuantile(tail) + 1;
   if (low >= 1) estimate.lower = sorted[static_cast<std::size_t>(low) - 1];
   if (high <= n) estimate.upper = sorted[static_cast<std::size_t>(high) - 1];
-  const double missedBelow = low >= 1 ? binomial::Cdf(low - 1, p, n) : 0;
-  const double missedAbove = high <= n ? binomial::Complement(high - 1, p, n) : 0;
+  const double missedBelow = low >= 1 ? hits.Cdf(low - 1) : 0;
+  const double missedAbove = high <= n ? hits.Complement(high - 1) : 0;
   estimate.coverage = 1 - missedBelow - missedAbove;
   return estimate;
 }

@@ -1,20 +1,15 @@
 // The Bernoulli distribution: 1 with probability `proportion`, else 0.
+#include "host/numeric/distributions/bernoulli.h"
+
 #include <cmath>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 
-namespace brenvolt::bernoulli {
+namespace brenvolt {
 
-bool IsValid(double proportion) {
-  return proportion >= 0.0 && proportion <= 1.0;
-}
-
-namespace {
-
-struct Law {
+template <>
+struct FormulasOf<Bernoulli> {
   double p;
-
-  bool IsValid() const { return bernoulli::IsValid(p); }
 
   double Density(double x) const {
     if (x == 1.0) return p;
@@ -40,44 +35,11 @@ struct Law {
     return probability <= 1.0 - p && probability < 1.0 ? Lowest() : Highest();
   }
   double ComplementQuantile(double tail) const { return tail >= p && tail > 0.0 ? Lowest() : Highest(); }
+
+  double Mean() const { return p; }
+  double Variance() const { return p * (1.0 - p); }
 };
 
-}  // namespace
+template class Distribution<Bernoulli>;
 
-double Mean(double proportion) {
-  return IsValid(proportion) ? proportion : kInvalidProbability;
-}
-
-double Variance(double proportion) {
-  return IsValid(proportion) ? proportion * (1.0 - proportion) : kInvalidProbability;
-}
-
-double Density(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Density, x);
-}
-
-double LogDensity(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Cdf, x);
-}
-
-double Complement(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Complement, x);
-}
-
-double Quantile(double p, double proportion) {
-  return QuantileAt(Law{proportion}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double proportion) {
-  return QuantileAt(Law{proportion}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double proportion), proportion);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double proportion), proportion);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double proportion), proportion);
-
-}  // namespace brenvolt::bernoulli
+}  // namespace brenvolt

@@ -1,39 +1,33 @@
 // The binomial distribution. Probabilities after Loader (2000). A tail is the probability at its edge times
 // the sum of what the others are relative to it, which has no cancellation at any size: term by term where
 // they are few, else as an integral that a Gauss rule of fixed order resolves to the last digits.
+#include "host/numeric/distributions/binomial.h"
+
 #include <algorithm>
 #include <boost/math/quadrature/gauss.hpp>
-#include <limits>
 
 #include "host/numeric/distributions/count_memo.h"
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/special/saddle_point.h"
 #include "host/numeric/vector/standard_normal.h"
 
-namespace brenvolt::binomial {
-
-bool IsValid(double proportion, double trials) {
-  constexpr double kMostTrials = 0x1p53;
-  return proportion >= 0.0 && proportion <= 1.0 && trials >= 1.0 && trials <= kMostTrials &&
-         trials == std::floor(trials);
-}
-
+namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // Up to this many trials the coefficients and what leads to them are whole doubles, and probabilities are
 // plain products: those that are doubles come out exactly, so that quantiles at them find the jump.
 constexpr double kMostTrialsByProducts = 40.0;
 // The variance from which a tail is an integral.
 constexpr double kIntegralFrom = 5000.0;
 
-struct Law {
+}  // namespace
+
+template <>
+struct FormulasOf<Binomial> {
   double p;
   double n;
-
-  bool IsValid() const { return binomial::IsValid(p, n); }
 
   bool IsPoint() const { return p == 0.0 || p == 1.0; }
   bool IsSmall() const { return n <= kMostTrialsByProducts && !IsPoint(); }
@@ -209,77 +203,13 @@ struct Law {
   double ComplementQuantile(double tail) const {
     return ComplementQuantileFrom(tail, [this](double k) { return Complement(k); });
   }
+
+  Remembering<FormulasOf> Prepared(std::size_t uses) const { return {*this, uses}; }
+
+  double Mean() const { return n * p; }
+  double Variance() const { return n * p * (1.0 - p); }
 };
 
-}  // namespace
+template class Distribution<Binomial>;
 
-double Mean(double proportion, double trials) {
-  return IsValid(proportion, trials) ? trials * proportion : kInvalidProbability;
-}
-
-double Variance(double proportion, double trials) {
-  return IsValid(proportion, trials) ? trials * proportion * (1.0 - proportion) : kInvalidProbability;
-}
-
-double Density(double x, double proportion, double trials) {
-  return ProbabilityAt(Law{proportion, trials}, &Law::Density, x);
-}
-
-double LogDensity(double x, double proportion, double trials) {
-  return ProbabilityAt(Law{proportion, trials}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double proportion, double trials) {
-  return ProbabilityAt(Law{proportion, trials}, &Law::Cdf, x);
-}
-
-double Complement(double x, double proportion, double trials) {
-  return ProbabilityAt(Law{proportion, trials}, &Law::Complement, x);
-}
-
-double Quantile(double p, double proportion, double trials) {
-  return QuantileAt(Law{proportion, trials}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double proportion, double trials) {
-  return QuantileAt(Law{proportion, trials}, &Law::ComplementQuantile, q);
-}
-
-void Density(std::span<const double> x, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Density(k); });
-}
-
-void LogDensity(std::span<const double> x, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.LogDensity(k); });
-}
-
-void Cdf(std::span<const double> x, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Cdf(k); });
-}
-
-void Complement(std::span<const double> x, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  RememberedProbabilitiesAt(law.IsValid(), x, out, [&](double k) { return law.Complement(k); });
-}
-
-void Quantile(std::span<const double> p, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  CountMemo memo(p.size());
-  const auto cdf = [&](double count) { return memo.At(count, [&](double k) { return law.Cdf(k); }); };
-  QuantilesAt(law.IsValid(), p, out, [&](double probability) { return law.QuantileFrom(probability, cdf); });
-}
-
-void ComplementQuantile(std::span<const double> q, double proportion, double trials, std::span<double> out) {
-  const Law law{proportion, trials};
-  CountMemo memo(q.size());
-  const auto complement = [&](double count) {
-    return memo.At(count, [&](double k) { return law.Complement(k); });
-  };
-  QuantilesAt(law.IsValid(), q, out,
-              [&](double tail) { return law.ComplementQuantileFrom(tail, complement); });
-}
-
-}  // namespace brenvolt::binomial
+}  // namespace brenvolt

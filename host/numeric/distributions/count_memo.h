@@ -7,10 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
-#include <span>
 #include <vector>
-
-#include "host/numeric/distributions/law_forms.h"
 
 namespace brenvolt {
 
@@ -47,12 +44,34 @@ class CountMemo {
   std::vector<Place> places_;
 };
 
-// The array form of a costly density or distribution function of counts.
-template <class Formula>
-void RememberedProbabilitiesAt(bool isValid, std::span<const double> x, std::span<double> out,
-                               const Formula& formula) {
-  CountMemo memo(x.size());
-  ProbabilitiesAt(isValid, x, out, [&](double at) { return memo.At(at, formula); });
-}
+// The formulas of a distribution of counts, each value computed once: for one of the functions at a time.
+template <class Formulas>
+class Remembering {
+ public:
+  Remembering(const Formulas& formulas, std::size_t uses) : formulas_(formulas), memo_(uses) {}
+
+  double Density(double k) {
+    return memo_.At(k, [this](double at) { return formulas_.Density(at); });
+  }
+  double LogDensity(double k) {
+    return memo_.At(k, [this](double at) { return formulas_.LogDensity(at); });
+  }
+  double Cdf(double k) {
+    return memo_.At(k, [this](double at) { return formulas_.Cdf(at); });
+  }
+  double Complement(double k) {
+    return memo_.At(k, [this](double at) { return formulas_.Complement(at); });
+  }
+  double Quantile(double p) {
+    return formulas_.QuantileFrom(p, [this](double k) { return Cdf(k); });
+  }
+  double ComplementQuantile(double q) {
+    return formulas_.ComplementQuantileFrom(q, [this](double k) { return Complement(k); });
+  }
+
+ private:
+  Formulas formulas_;
+  CountMemo memo_;
+};
 
 }  // namespace brenvolt

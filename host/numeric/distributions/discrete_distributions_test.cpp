@@ -1,7 +1,5 @@
 // What is peculiar to the discrete types: jumps, ties, point laws, codes in any order, counts that come
 // again.
-#include "host/numeric/distributions/discrete_distributions.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/numeric/distributions/all_distributions.h"
 #include "host/numeric/distributions/count_memo.h"
 #include "host/numeric/reference/distribution_references.h"
 
@@ -270,19 +269,19 @@ TEST(Histogram, CodesInAnyOrderTwiceOrWithoutShareCountOnce) {
   const std::pair<double, double> quantiles[] = {{0.0, -2.0}, {0.25, -2.0}, {0.2500000001, 1.5},
                                                  {0.5, 1.5},  {0.75, 6.0},  {1.0, 6.0}};
   for (const auto& [p, code] : quantiles) {
-    EXPECT_EQ(histogram::Quantile(p, tidy), code);
-    EXPECT_EQ(histogram::Quantile(p, untidy), code);
+    EXPECT_EQ(Distribution<Histogram>(tidy).Quantile(p), code);
+    EXPECT_EQ(Distribution<Histogram>(untidy).Quantile(p), code);
     std::vector<double> values = {p};
-    histogram::Quantile(values, untidy, values);
+    Distribution<Histogram>(untidy).Quantile(values, values);
     EXPECT_EQ(values[0], code);
   }
-  EXPECT_EQ(histogram::Mean(untidy), 2.875);
-  EXPECT_EQ(histogram::Variance(untidy), histogram::Variance(tidy));
+  EXPECT_EQ(Distribution<Histogram>(untidy).Mean(), 2.875);
+  EXPECT_EQ(Distribution<Histogram>(untidy).Variance(), Distribution<Histogram>(tidy).Variance());
 }
 
 TEST(Histogram, VarianceSurvivesCodesFarFromZero) {
-  EXPECT_NEAR(histogram::Variance(std::vector{1e9, 0.5, 1e9 + 1.0, 0.5}), 0.25, 1e-14);
-  EXPECT_NEAR(histogram::Mean(std::vector{-1e15, 0.25, 0.1, 0.5, 1e15, 0.25}), 0.05, 1e-16);
+  EXPECT_NEAR(Distribution<Histogram>(std::vector{1e9, 0.5, 1e9 + 1.0, 0.5}).Variance(), 0.25, 1e-14);
+  EXPECT_NEAR(Distribution<Histogram>(std::vector{-1e15, 0.25, 0.1, 0.5, 1e15, 0.25}).Mean(), 0.05, 1e-16);
 }
 
 }  // namespace

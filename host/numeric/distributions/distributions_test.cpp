@@ -1,7 +1,5 @@
 // What the tables of values cannot show: invalid parameters, NaN, ends of the support, exact jumps, array
 // forms.
-#include "host/numeric/distributions/distributions.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/numeric/distributions/all_distributions.h"
 #include "host/numeric/reference/distribution_references.h"
 
 namespace brenvolt {
@@ -36,7 +35,7 @@ struct Case {
 const std::vector<Case>& Cases() {
   static const std::vector<Case> cases = {
       {"normal", {3.0, 2.0}, -kInfinity, kInfinity, {1}, {}},
-      {"lognormal", {3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
+      {"log_normal", {3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
       {"folded_normal", {-3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
       {"half_normal", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
       {"rayleigh", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
@@ -56,12 +55,12 @@ const std::vector<Case>& Cases() {
       {"johnson", {2.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
       {"johnson", {3.0, 0.5, 2.0, 3.0, 40.0}, 40.0, 43.0, {2, 3}, {}},
       {"johnson", {4.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
-      {"gev", {40.0, 2.0, 0.0}, -kInfinity, kInfinity, {1}, {}},
-      {"gev", {40.0, 2.0, 0.5}, 36.0, kInfinity, {1}, {}},
-      {"gev", {40.0, 2.0, -0.5}, -kInfinity, 44.0, {1}, {}},
-      {"gpd", {2.0, 0.0, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"gpd", {2.0, 0.5, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"gpd", {2.0, -0.5, 40.0}, 40.0, 44.0, {0}, {}},
+      {"general_extreme_value", {40.0, 2.0, 0.0}, -kInfinity, kInfinity, {1}, {}},
+      {"general_extreme_value", {40.0, 2.0, 0.5}, 36.0, kInfinity, {1}, {}},
+      {"general_extreme_value", {40.0, 2.0, -0.5}, -kInfinity, 44.0, {1}, {}},
+      {"general_pareto", {2.0, 0.0, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"general_pareto", {2.0, 0.5, 40.0}, 40.0, kInfinity, {0}, {}},
+      {"general_pareto", {2.0, -0.5, 40.0}, 40.0, 44.0, {0}, {}},
       {"triangular",
        {3.0, 8.0, 4.0},
        3.0,
@@ -186,22 +185,23 @@ INSTANTIATE_TEST_SUITE_P(AllTypes, Distributions, testing::ValuesIn(Cases()),
 
 // Parameters at which the formulas of mean and variance meet 0 times or less infinity.
 TEST(DistributionMoments, OfExtremeParametersAreNeverNan) {
-  const std::vector<std::pair<std::string, Parameters>> extremes = {{"lognormal", {-1e300, 100.0, 0.0}},
-                                                                    {"lognormal", {700.0, 1e200, 0.0}},
-                                                                    {"weibull", {1.0, 1e-300, 0.0}},
-                                                                    {"weibull", {1.0, 1e300, 0.0}},
-                                                                    {"folded_normal", {1e300, 1e-300, 0.0}},
-                                                                    {"johnson", {1.0, 1e5, 1e-100, 1.0, 0.0}},
-                                                                    {"johnson", {2.0, 0.0, 1e-100, 1.0, 0.0}},
-                                                                    {"johnson", {2.0, 5.0, 1e-3, 1.0, 0.0}},
-                                                                    {"johnson", {3.0, 5.0, 1e-300, 1.0, 0.0}},
-                                                                    {"johnson", {3.0, -1e9, 0.5, 1.0, 0.0}},
-                                                                    {"johnson", {3.0, 0.5, 1e9, 1.0, 0.0}},
-                                                                    {"gev", {0.0, 1.0, -1e300}},
-                                                                    {"gev", {0.0, 1.0, 5e-324}},
-                                                                    {"gpd", {1.0, -1e300, 0.0}},
-                                                                    {"gpd", {1.0, 0.5, 0.0}},
-                                                                    {"triangular", {-8e307, 8e307, 0.0}}};
+  const std::vector<std::pair<std::string, Parameters>> extremes = {
+      {"log_normal", {-1e300, 100.0, 0.0}},
+      {"log_normal", {700.0, 1e200, 0.0}},
+      {"weibull", {1.0, 1e-300, 0.0}},
+      {"weibull", {1.0, 1e300, 0.0}},
+      {"folded_normal", {1e300, 1e-300, 0.0}},
+      {"johnson", {1.0, 1e5, 1e-100, 1.0, 0.0}},
+      {"johnson", {2.0, 0.0, 1e-100, 1.0, 0.0}},
+      {"johnson", {2.0, 5.0, 1e-3, 1.0, 0.0}},
+      {"johnson", {3.0, 5.0, 1e-300, 1.0, 0.0}},
+      {"johnson", {3.0, -1e9, 0.5, 1.0, 0.0}},
+      {"johnson", {3.0, 0.5, 1e9, 1.0, 0.0}},
+      {"general_extreme_value", {0.0, 1.0, -1e300}},
+      {"general_extreme_value", {0.0, 1.0, 5e-324}},
+      {"general_pareto", {1.0, -1e300, 0.0}},
+      {"general_pareto", {1.0, 0.5, 0.0}},
+      {"triangular", {-8e307, 8e307, 0.0}}};
   for (const auto& [name, parameters] : extremes) {
     for (const auto& [moment, function] : TypeOf(name).moments) {
       EXPECT_FALSE(std::isnan(function(parameters))) << name << testing::PrintToString(parameters) << moment;
@@ -210,17 +210,17 @@ TEST(DistributionMoments, OfExtremeParametersAreNeverNan) {
 }
 
 TEST(Weibull, DensityAtThresholdDependsOnShape) {
-  EXPECT_EQ(weibull::Density(5.0, 2.0, 1.0, 5.0), 0.5);
-  EXPECT_EQ(weibull::LogDensity(5.0, 2.0, 1.0, 5.0), -std::log(2.0));
-  EXPECT_EQ(weibull::Density(5.0, 2.0, 0.5, 5.0), kInfinity);
-  EXPECT_EQ(weibull::LogDensity(5.0, 2.0, 0.5, 5.0), kInfinity);
-  EXPECT_EQ(weibull::Density(5.0, 2.0, 3.0, 5.0), 0.0);
-  EXPECT_EQ(weibull::LogDensity(5.0, 2.0, 3.0, 5.0), -kInfinity);
+  EXPECT_EQ(Distribution<Weibull>(2.0, 1.0, 5.0).Density(5.0), 0.5);
+  EXPECT_EQ(Distribution<Weibull>(2.0, 1.0, 5.0).LogDensity(5.0), -std::log(2.0));
+  EXPECT_EQ(Distribution<Weibull>(2.0, 0.5, 5.0).Density(5.0), kInfinity);
+  EXPECT_EQ(Distribution<Weibull>(2.0, 0.5, 5.0).LogDensity(5.0), kInfinity);
+  EXPECT_EQ(Distribution<Weibull>(2.0, 3.0, 5.0).Density(5.0), 0.0);
+  EXPECT_EQ(Distribution<Weibull>(2.0, 3.0, 5.0).LogDensity(5.0), -kInfinity);
 }
 
 TEST(Lognormal, DensityNearThresholdSurvivesUnderflowOfItsNormalFactor) {
   // z = -38.4: exp(-z^2 / 2) is subnormal, its quotient by x is not. Value by 50-digit arithmetic.
-  EXPECT_NEAR(lognormal::Density(1e-300, 0.0, 18.0, 0.0) / 3.4845959109324501e-22, 1.0, 1e-12);
+  EXPECT_NEAR(Distribution<LogNormal>(0.0, 18.0).Density(1e-300) / 3.4845959109324501e-22, 1.0, 1e-12);
 }
 
 TEST(GaussianMixture, QuantileEndsWithTheProbabilityAskedFor) {
@@ -231,15 +231,16 @@ TEST(GaussianMixture, QuantileEndsWithTheProbabilityAskedFor) {
                                             {1e-300, 0.0, 1.0, 1.0, 1e9, 1e-9},
                                             {0.5, -1.0, 1e-12, 0.5, 1.0, 1e-12}};
   for (const Parameters& mixture : mixtures) {
+    const Distribution<GaussianMixture> distribution(mixture);
     for (const double p : {1e-300, 1e-20, 0.1, 0.25, 0.45, 0.5, 0.55, 0.75, 1.0 - 1e-15}) {
       SCOPED_TRACE(testing::PrintToString(mixture) + " " + std::to_string(p));
       // Neighbours, because one step of x may be a large one of the probability.
-      const double x = gaussian_mixture::Quantile(p, mixture);
-      EXPECT_LE(gaussian_mixture::Cdf(std::nextafter(x, -kInfinity), mixture), p * (1.0 + kRelative));
-      EXPECT_GE(gaussian_mixture::Cdf(std::nextafter(x, kInfinity), mixture), p * (1.0 - kRelative));
-      const double y = gaussian_mixture::ComplementQuantile(p, mixture);
-      EXPECT_GE(gaussian_mixture::Complement(std::nextafter(y, -kInfinity), mixture), p * (1.0 - kRelative));
-      EXPECT_LE(gaussian_mixture::Complement(std::nextafter(y, kInfinity), mixture), p * (1.0 + kRelative));
+      const double x = distribution.Quantile(p);
+      EXPECT_LE(distribution.Cdf(std::nextafter(x, -kInfinity)), p * (1.0 + kRelative));
+      EXPECT_GE(distribution.Cdf(std::nextafter(x, kInfinity)), p * (1.0 - kRelative));
+      const double y = distribution.ComplementQuantile(p);
+      EXPECT_GE(distribution.Complement(std::nextafter(y, -kInfinity)), p * (1.0 - kRelative));
+      EXPECT_LE(distribution.Complement(std::nextafter(y, kInfinity)), p * (1.0 + kRelative));
     }
   }
 }
@@ -247,25 +248,26 @@ TEST(GaussianMixture, QuantileEndsWithTheProbabilityAskedFor) {
 TEST(Poisson, QuantileAtExactJumpIsThatValueAndAboveItTheNext) {
   for (const double mean : {0.01, 1.0, 3.7, 20.0, 150.0, 1234.5, 1e5, 1e9}) {
     SCOPED_TRACE(mean);
+    const Distribution<Poisson> poisson(mean);
     const double deviation = std::sqrt(mean);
     for (const double z : {-6.0, -3.0, -1.0, 0.0, 1.0, 3.0, 4.5}) {
       const double k = std::floor(mean + z * deviation);
       if (k < 0.0) continue;
-      const double p = poisson::Cdf(k, mean);
-      EXPECT_EQ(poisson::Quantile(p, mean), k);
-      EXPECT_EQ(poisson::Quantile(std::nextafter(p, 1.0), mean), k + 1.0);
-      const double q = poisson::Complement(k, mean);
-      EXPECT_EQ(poisson::ComplementQuantile(q, mean), k);
-      EXPECT_EQ(poisson::ComplementQuantile(std::nextafter(q, 0.0), mean), k + 1.0);
+      const double p = poisson.Cdf(k);
+      EXPECT_EQ(poisson.Quantile(p), k);
+      EXPECT_EQ(poisson.Quantile(std::nextafter(p, 1.0)), k + 1.0);
+      const double q = poisson.Complement(k);
+      EXPECT_EQ(poisson.ComplementQuantile(q), k);
+      EXPECT_EQ(poisson.ComplementQuantile(std::nextafter(q, 0.0)), k + 1.0);
     }
   }
 }
 
 TEST(Poisson, ProbabilityBetweenWholeNumbersIsThatOfTheOneBelow) {
-  EXPECT_EQ(poisson::Density(2.5, 3.0), 0.0);
-  EXPECT_EQ(poisson::LogDensity(2.5, 3.0), -kInfinity);
-  EXPECT_EQ(poisson::Cdf(2.999, 3.0), poisson::Cdf(2.0, 3.0));
-  EXPECT_EQ(poisson::Complement(2.999, 3.0), poisson::Complement(2.0, 3.0));
+  EXPECT_EQ(Distribution<Poisson>(3.0).Density(2.5), 0.0);
+  EXPECT_EQ(Distribution<Poisson>(3.0).LogDensity(2.5), -kInfinity);
+  EXPECT_EQ(Distribution<Poisson>(3.0).Cdf(2.999), Distribution<Poisson>(3.0).Cdf(2.0));
+  EXPECT_EQ(Distribution<Poisson>(3.0).Complement(2.999), Distribution<Poisson>(3.0).Complement(2.0));
 }
 
 }  // namespace

@@ -1,31 +1,28 @@
 // The folded normal distribution: the magnitude of a normal variable, shifted by the threshold. Leone, Nelson
 // & Nottingham (1961).
+#include "host/numeric/distributions/folded_normal.h"
+
 #include <algorithm>
 #include <boost/math/quadrature/gauss.hpp>
-#include <limits>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::folded_normal {
-
-bool IsValid(double location, double scale) {
-  return std::isfinite(location) && IsPositiveFinite(scale);
-}
-
+namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kSlack = 1e-12;  // for the rounding of the ends of a bracket, in its size and in scales
 
-struct Law {
+}  // namespace
+
+template <>
+struct FormulasOf<FoldedNormal> {
   double location;
   double scale;
   double threshold;
-
-  bool IsValid() const { return folded_normal::IsValid(location, scale) && std::isfinite(threshold); }
 
   double Centre() const { return std::abs(location); }
 
@@ -66,31 +63,32 @@ struct Law {
   }
 
   // The same without threshold, whose rounding the search must not see.
-  Law Unshifted() const { return {location, scale, 0.0}; }
+  FormulasOf Unshifted() const { return {location, scale, 0.0}; }
 
   // The quantile of a tail lies between the normal one and that of half the upper tail; near 0 the
   // probability grows in a line at first.
   double FromLower(double p) const {
     if (p == 0.0) return threshold;
-    const Law law = Unshifted();
+    const FormulasOf plain = Unshifted();
     const double low = std::max(0.0, Centre() + scale * StandardNormalQuantile(p));
     const double high = Centre() - scale * StandardNormalQuantile(0.5 * (1.0 - p));
-    const double flat = p / law.Density(0.0);
+    const double flat = p / plain.Density(0.0);
     return threshold + SolveTail(
                            low * (1.0 - kSlack), high * (1.0 + kSlack) + scale * kSlack,
                            std::max(low, std::min(flat, high + scale * kSlack)), p, true,
-                           [&](double y) { return law.Cdf(y); }, [&](double y) { return law.Density(y); });
+                           [&](double y) { return plain.Cdf(y); },
+                           [&](double y) { return plain.Density(y); });
   }
 
   double FromUpper(double q) const {
     if (q == 0.0) return kInfinity;
-    const Law law = Unshifted();
+    const FormulasOf plain = Unshifted();
     const double low = std::max(0.0, Centre() - scale * StandardNormalQuantile(q));
     const double high = Centre() - scale * StandardNormalQuantile(0.5 * q);
     return threshold + SolveTail(
                            low * (1.0 - kSlack), high * (1.0 + kSlack), high, q, false,
-                           [&](double y) { return law.Complement(y); },
-                           [&](double y) { return law.Density(y); });
+                           [&](double y) { return plain.Complement(y); },
+                           [&](double y) { return plain.Density(y); });
   }
 
   double Quantile(double p) const { return p < 0.5 ? FromLower(p) : FromUpper(1.0 - p); }
@@ -109,45 +107,22 @@ struct Law {
     const double excess = ExcessOfMean();
     return scale * scale * (excess > 0.0 ? 1.0 - excess * (2.0 * (Centre() / scale) + excess) : 1.0);
   }
+
+  double LogLikelihood(In sorted) const {
+    const double apart = -2 * (Centre() / scale) / scale;
+    const double sum = estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = apart * (x[i] - threshold);
+      elementary::Exp(out, out);
+      elementary::Log1p(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const double z = ((x[i] - threshold) - Centre()) / scale;
+        out[i] -= 0.5 * z * z;
+      }
+    });
+    return sum - static_cast<double>(sorted.size()) * (std::log(scale) + kLogSqrtTwoPi);
+  }
 };
 
-}  // namespace
+template class Distribution<FoldedNormal>;
 
-double Density(double x, double location, double scale, double threshold) {
-  return ProbabilityAt(Law{location, scale, threshold}, &Law::Density, x);
-}
-
-double LogDensity(double x, double location, double scale, double threshold) {
-  return ProbabilityAt(Law{location, scale, threshold}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double location, double scale, double threshold) {
-  return ProbabilityAt(Law{location, scale, threshold}, &Law::Cdf, x);
-}
-
-double Complement(double x, double location, double scale, double threshold) {
-  return ProbabilityAt(Law{location, scale, threshold}, &Law::Complement, x);
-}
-
-double Quantile(double p, double location, double scale, double threshold) {
-  return QuantileAt(Law{location, scale, threshold}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double location, double scale, double threshold) {
-  return QuantileAt(Law{location, scale, threshold}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double location, double scale, double threshold), location, scale, threshold);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double location, double scale, double threshold), location, scale, threshold);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double location, double scale, double threshold), location, scale,
-                         threshold);
-
-double Mean(double location, double scale, double threshold) {
-  return MomentAt(Law{location, scale, threshold}, &Law::Mean);
-}
-
-double Variance(double location, double scale, double threshold) {
-  return MomentAt(Law{location, scale, threshold}, &Law::Variance);
-}
-
-}  // namespace brenvolt::folded_normal
+}  // namespace brenvolt

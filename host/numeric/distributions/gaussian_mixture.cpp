@@ -1,44 +1,52 @@
 // Mixtures of normal distributions. Every probability is a sum of positive terms, each from its own nearer
 // tail.
-#include <algorithm>
-#include <limits>
+#include "host/numeric/distributions/gaussian_mixture.h"
 
-#include "host/numeric/distributions/law_forms.h"
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
 #include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::gaussian_mixture {
-
+namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kComponentSize = 3;
-constexpr double kTotalTolerance = 2e-5;
 
 struct Component {
-  double coefficient;
+  double proportion;
   double mean;
   double deviation;
 
-  bool IsValid() const { return coefficient >= 0.0 && std::isfinite(mean) && IsPositiveFinite(deviation); }
   double Standardised(double x) const { return (x - mean) / deviation; }
 };
 
-struct Law {
-  std::span<const double> values;
+}  // namespace
+
+template <>
+struct FormulasOf<GaussianMixture> {
+  In values;
+
+  Component At(std::size_t i) const {
+    const In component = values.subspan(kComponentSize * i, kComponentSize);
+    return {component[0], component[1], component[2]};
+  }
 
   // `visit`(component) for the components that have a share.
   template <class Visit>
   void ForEach(const Visit& visit) const {
-    for (std::size_t i = 0; i < values.size(); i += kComponentSize) {
-      if (values[i] > 0.0) visit(Component{values[i], values[i + 1], values[i + 2]});
+    for (std::size_t i = 0; i < values.size() / kComponentSize; ++i) {
+      if (At(i).proportion > 0.0) visit(At(i));
     }
   }
 
   template <class Term>
   double WeightedSum(const Term& term) const {
     double sum = 0.0;
-    ForEach([&](const Component& c) { sum += c.coefficient * term(c); });
+    ForEach([&](const Component& c) { sum += c.proportion * term(c); });
     return sum;
   }
 
@@ -46,13 +54,7 @@ struct Law {
     return WeightedSum([](const Component&) { return 1.0; });
   }
 
-  bool IsValid() const {
-    if (values.empty() || values.size() % kComponentSize != 0) return false;
-    for (std::size_t i = 0; i < values.size(); i += kComponentSize) {
-      if (!Component{values[i], values[i + 1], values[i + 2]}.IsValid()) return false;
-    }
-    return std::abs(Total() - 1.0) <= kTotalTolerance;
-  }
+  bool AreConsistent() const { return std::abs(Total() - 1.0) <= kTotalTolerance; }
 
   double Density(double x) const {
     if (std::isinf(x)) return 0.0;
@@ -66,7 +68,7 @@ struct Law {
     if (std::isinf(x)) return -kInfinity;
     const auto logTerm = [x](const Component& c) {
       const double z = c.Standardised(x);
-      return std::log(c.coefficient / c.deviation) - 0.5 * z * z;
+      return std::log(c.proportion / c.deviation) - 0.5 * z * z;
     };
     double largest = -kInfinity;
     ForEach([&](const Component& c) { largest = std::max(largest, logTerm(c)); });
@@ -126,48 +128,38 @@ struct Law {
            }) /
            Total();
   }
+
+  // ln of the sum of the components' densities, the greatest taken out before the exponentials.
+  double LogLikelihood(In sorted) const {
+    using estimation::kBlock;
+    const std::size_t components = values.size() / kComponentSize;
+    std::vector<double> rows(components * kBlock);
+    std::array<double, kBlock> greatest;
+    return estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      std::fill_n(greatest.begin(), x.size(), -kInfinity);
+      for (std::size_t c = 0; c < components; ++c) {
+        const Out row(&rows[c * kBlock], x.size());
+        const Component component = At(c);
+        const double constant = std::log(component.proportion / component.deviation) - kLogSqrtTwoPi;
+        HalfSquares(x, component.mean, component.deviation, row);
+        for (std::size_t i = 0; i < x.size(); ++i) {
+          row[i] += constant;
+          greatest[i] = std::max(greatest[i], row[i]);
+        }
+      }
+      std::ranges::fill(out, 0.0);
+      for (std::size_t c = 0; c < components; ++c) {
+        const Out row(&rows[c * kBlock], x.size());
+        for (std::size_t i = 0; i < x.size(); ++i) row[i] -= greatest[i];
+        elementary::Exp(row, row);
+        for (std::size_t i = 0; i < x.size(); ++i) out[i] += row[i];
+      }
+      elementary::Log(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] += greatest[i];
+    });
+  }
 };
 
-}  // namespace
+template class Distribution<GaussianMixture>;
 
-bool IsValid(std::span<const double> components) {
-  return Law{components}.IsValid();
-}
-
-double Density(double x, std::span<const double> components) {
-  return ProbabilityAt(Law{components}, &Law::Density, x);
-}
-
-double LogDensity(double x, std::span<const double> components) {
-  return ProbabilityAt(Law{components}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, std::span<const double> components) {
-  return ProbabilityAt(Law{components}, &Law::Cdf, x);
-}
-
-double Complement(double x, std::span<const double> components) {
-  return ProbabilityAt(Law{components}, &Law::Complement, x);
-}
-
-double Quantile(double p, std::span<const double> components) {
-  return QuantileAt(Law{components}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, std::span<const double> components) {
-  return QuantileAt(Law{components}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((std::span<const double> components), components);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (std::span<const double> components), components);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (std::span<const double> components), components);
-
-double Mean(std::span<const double> components) {
-  return MomentAt(Law{components}, &Law::Mean);
-}
-
-double Variance(std::span<const double> components) {
-  return MomentAt(Law{components}, &Law::Variance);
-}
-
-}  // namespace brenvolt::gaussian_mixture
+}  // namespace brenvolt

@@ -1,25 +1,16 @@
 // The geometric distribution of the failures before the first success: P(N > k) = (1 - p)^(k + 1).
-#include <algorithm>
-#include <limits>
+#include "host/numeric/distributions/geometric.h"
 
-#include "host/numeric/distributions/law_forms.h"
+#include <algorithm>
+
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
 #include "host/numeric/special/exact_sums.h"
 
-namespace brenvolt::geometric {
-
-bool IsValid(double proportion) {
-  return proportion > 0.0 && proportion <= 1.0;
-}
-
-namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-struct Law {
+namespace brenvolt {
+template <>
+struct FormulasOf<Geometric> {
   double p;
-
-  bool IsValid() const { return geometric::IsValid(p); }
 
   static bool IsInSupport(double k) { return k >= 0.0 && k == std::floor(k) && !std::isinf(k); }
 
@@ -59,44 +50,11 @@ struct Law {
     if (tail == 0.0) return kInfinity;
     return SmallestReached(Guess(std::log(tail)), [&](double k) { return Complement(k) <= tail; });
   }
+
+  double Mean() const { return (1.0 - p) / p; }
+  double Variance() const { return (1.0 - p) / p / p; }
 };
 
-}  // namespace
+template class Distribution<Geometric>;
 
-double Mean(double proportion) {
-  return IsValid(proportion) ? (1.0 - proportion) / proportion : kInvalidProbability;
-}
-
-double Variance(double proportion) {
-  return IsValid(proportion) ? (1.0 - proportion) / proportion / proportion : kInvalidProbability;
-}
-
-double Density(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Density, x);
-}
-
-double LogDensity(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Cdf, x);
-}
-
-double Complement(double x, double proportion) {
-  return ProbabilityAt(Law{proportion}, &Law::Complement, x);
-}
-
-double Quantile(double p, double proportion) {
-  return QuantileAt(Law{proportion}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double proportion) {
-  return QuantileAt(Law{proportion}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double proportion), proportion);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double proportion), proportion);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double proportion), proportion);
-
-}  // namespace brenvolt::geometric
+}  // namespace brenvolt

@@ -1,26 +1,17 @@
 // The half normal distribution: the magnitude of a normal variable about 0, shifted by the threshold.
+#include "host/numeric/distributions/half_normal.h"
+
 #include <boost/math/special_functions/erf.hpp>
-#include <limits>
 #include <numbers>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 
-namespace brenvolt::half_normal {
-
-bool IsValid(double scale) {
-  return IsPositiveFinite(scale);
-}
-
-namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-struct Law {
+namespace brenvolt {
+template <>
+struct FormulasOf<HalfNormal> {
   double scale;
   double threshold;
-
-  bool IsValid() const { return half_normal::IsValid(scale) && std::isfinite(threshold); }
 
   double Standardised(double x) const { return (x - threshold) / scale; }
 
@@ -55,44 +46,14 @@ struct Law {
 
   double Mean() const { return threshold + scale * (2.0 * kInverseSqrtTwoPi); }
   double Variance() const { return scale * scale * (1.0 - 2.0 * std::numbers::inv_pi); }
+
+  double LogLikelihood(In sorted) const {
+    const double sum =
+        estimation::SumOverBlocks(sorted, [&](In x, Out out) { HalfSquares(x, threshold, scale, out); });
+    return sum + static_cast<double>(sorted.size()) * (std::numbers::ln2 - std::log(scale) - kLogSqrtTwoPi);
+  }
 };
 
-}  // namespace
+template class Distribution<HalfNormal>;
 
-double Density(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Density, x);
-}
-
-double LogDensity(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Cdf, x);
-}
-
-double Complement(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Complement, x);
-}
-
-double Quantile(double p, double scale, double threshold) {
-  return QuantileAt(Law{scale, threshold}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double scale, double threshold) {
-  return QuantileAt(Law{scale, threshold}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double scale, double threshold), scale, threshold);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double scale, double threshold), scale, threshold);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double scale, double threshold), scale, threshold);
-
-double Mean(double scale, double threshold) {
-  return MomentAt(Law{scale, threshold}, &Law::Mean);
-}
-
-double Variance(double scale, double threshold) {
-  return MomentAt(Law{scale, threshold}, &Law::Variance);
-}
-
-}  // namespace brenvolt::half_normal
+}  // namespace brenvolt

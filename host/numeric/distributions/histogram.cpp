@@ -1,19 +1,17 @@
 // The histogram: a distribution given by its classes, each a code and the proportion of it.
+#include "host/numeric/distributions/histogram.h"
+
 #include <algorithm>
-#include <limits>
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/special/exact_sums.h"
 
-namespace brenvolt::histogram {
-
+namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kClassSize = 2;
-constexpr double kTotalTolerance = 2e-5;
 
 // A sum with its rounding errors made good. Ogita, Rump & Oishi (2005), algorithms 4.4 and 5.3.
 class AccurateSum {
@@ -35,8 +33,13 @@ class AccurateSum {
   double rest_ = 0.0;
 };
 
-struct Law {
-  std::span<const double> values;
+}  // namespace
+
+struct PreparedHistogram;
+
+template <>
+struct FormulasOf<Histogram> {
+  In values;
 
   std::size_t Classes() const { return values.size() / kClassSize; }
   double Code(std::size_t i) const { return values[kClassSize * i]; }
@@ -75,13 +78,7 @@ struct Law {
     return Share([](double) { return true; });
   }
 
-  bool IsValid() const {
-    if (values.empty() || values.size() % kClassSize != 0) return false;
-    for (std::size_t i = 0; i < Classes(); ++i) {
-      if (!std::isfinite(Code(i)) || !(Proportion(i) >= 0.0)) return false;
-    }
-    return std::abs(Total() - 1.0) <= kTotalTolerance;
-  }
+  bool AreConsistent() const { return std::abs(Total() - 1.0) <= kTotalTolerance; }
 
   double Density(double x) const {
     return Share([x](double code) { return code == x; }) / Total();
@@ -114,22 +111,24 @@ struct Law {
   double ComplementQuantile(double q) const {
     return LeastReached([&](double code) { return Complement(code) <= q; });
   }
+
+  PreparedHistogram Prepared(std::size_t uses) const;
 };
 
 // The codes with a share, ascending, and the functions at them: many values by binary search.
-struct Prepared {
+struct PreparedHistogram {
   std::vector<double> codes;
   std::vector<double> density;
   std::vector<double> cdf;
   std::vector<double> complement;
 
-  explicit Prepared(const Law& law) {
+  explicit PreparedHistogram(const FormulasOf<Histogram>& histogram) {
     std::vector<std::pair<double, double>> classes;
-    for (std::size_t i = 0; i < law.Classes(); ++i) {
-      if (law.Proportion(i) > 0.0) classes.emplace_back(law.Code(i), law.Proportion(i));
+    for (std::size_t i = 0; i < histogram.Classes(); ++i) {
+      if (histogram.Proportion(i) > 0.0) classes.emplace_back(histogram.Code(i), histogram.Proportion(i));
     }
     std::sort(classes.begin(), classes.end());
-    const double total = law.Total();
+    const double total = histogram.Total();
     AccurateSum upTo;
     AccurateSum here;
     for (const auto& [code, proportion] : classes) {
@@ -187,84 +186,10 @@ struct Prepared {
   }
 };
 
-}  // namespace
-
-bool IsValid(std::span<const double> classes) {
-  return Law{classes}.IsValid();
+PreparedHistogram FormulasOf<Histogram>::Prepared(std::size_t /*uses*/) const {
+  return PreparedHistogram(*this);
 }
 
-double Mean(std::span<const double> classes) {
-  return IsValid(classes) ? Law{classes}.Mean() : kInvalidProbability;
-}
+template class Distribution<Histogram>;
 
-double Variance(std::span<const double> classes) {
-  return IsValid(classes) ? Law{classes}.Variance() : kInvalidProbability;
-}
-
-double Density(double x, std::span<const double> classes) {
-  return ProbabilityAt(Law{classes}, &Law::Density, x);
-}
-
-double LogDensity(double x, std::span<const double> classes) {
-  return ProbabilityAt(Law{classes}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, std::span<const double> classes) {
-  return ProbabilityAt(Law{classes}, &Law::Cdf, x);
-}
-
-double Complement(double x, std::span<const double> classes) {
-  return ProbabilityAt(Law{classes}, &Law::Complement, x);
-}
-
-double Quantile(double p, std::span<const double> classes) {
-  return QuantileAt(Law{classes}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, std::span<const double> classes) {
-  return QuantileAt(Law{classes}, &Law::ComplementQuantile, q);
-}
-
-namespace {
-
-void PreparedProbabilities(std::span<const double> x, std::span<const double> classes, std::span<double> out,
-                           Formula<Prepared> formula) {
-  if (!IsValid(classes)) return FillInvalid(x.size(), kInvalidProbability, out);
-  const Prepared prepared(Law{classes});
-  ProbabilitiesAt(true, x, out, [&](double at) { return (prepared.*formula)(at); });
-}
-
-void PreparedQuantiles(std::span<const double> p, std::span<const double> classes, std::span<double> out,
-                       Formula<Prepared> formula) {
-  if (!IsValid(classes)) return FillInvalid(p.size(), kInvalidQuantile, out);
-  const Prepared prepared(Law{classes});
-  QuantilesAt(true, p, out, [&](double at) { return (prepared.*formula)(at); });
-}
-
-}  // namespace
-
-void Density(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
-  PreparedProbabilities(x, classes, out, &Prepared::Density);
-}
-
-void LogDensity(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
-  PreparedProbabilities(x, classes, out, &Prepared::LogDensity);
-}
-
-void Cdf(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
-  PreparedProbabilities(x, classes, out, &Prepared::Cdf);
-}
-
-void Complement(std::span<const double> x, std::span<const double> classes, std::span<double> out) {
-  PreparedProbabilities(x, classes, out, &Prepared::Complement);
-}
-
-void Quantile(std::span<const double> p, std::span<const double> classes, std::span<double> out) {
-  PreparedQuantiles(p, classes, out, &Prepared::Quantile);
-}
-
-void ComplementQuantile(std::span<const double> q, std::span<const double> classes, std::span<double> out) {
-  PreparedQuantiles(q, classes, out, &Prepared::ComplementQuantile);
-}
-
-}  // namespace brenvolt::histogram
+}  // namespace brenvolt

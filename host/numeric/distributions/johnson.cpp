@@ -1,35 +1,22 @@
 // The four families of Johnson (1949): z = gamma + delta g(u), u = (x - xi) / lambda, is standard normal.
-#include <limits>
+#include "host/numeric/distributions/johnson.h"
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/estimation/estimators.h"
 #include "host/numeric/estimation/johnson_bounded_moments.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"
 
-namespace brenvolt::johnson {
-
-namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-bool IsFamily(double code) {
-  return code >= 1.0 && code <= 4.0 && code == std::floor(code);
-}
-
-struct Law {
-  double code;
+namespace brenvolt {
+template <>
+struct FormulasOf<Johnson> {
+  double type;
   double gamma;
   double delta;
   double lambda;
   double xi;
 
-  bool IsValid() const {
-    return IsFamily(code) && std::isfinite(gamma) && IsPositiveFinite(delta) && IsPositiveFinite(lambda) &&
-           std::isfinite(xi);
-  }
-
-  JohnsonFamily Family() const { return static_cast<JohnsonFamily>(static_cast<int>(code)); }
+  JohnsonFamily Family() const { return static_cast<JohnsonFamily>(static_cast<int>(type)); }
 
   // lambda - (x - xi), as good near the upper end of SB as x - xi near the lower.
   double BelowEnd(double x) const {
@@ -53,7 +40,7 @@ struct Law {
       case JohnsonFamily::kNormal:
         return y / lambda;
     }
-    return kInfinity;  // IsFamily
+    return kInfinity;  // no other is valid
   }
 
   // ln g'(u), for x inside the support.
@@ -69,7 +56,7 @@ struct Law {
       case JohnsonFamily::kNormal:
         return 0.0;
     }
-    return 0.0;  // IsFamily
+    return 0.0;  // no other is valid
   }
 
   // Rounded once: gamma may be large, and the tails magnify every unit in the last place.
@@ -105,7 +92,7 @@ struct Law {
       case JohnsonFamily::kNormal:
         return xi + lambda * g;
     }
-    return kInvalidQuantile;  // IsFamily
+    return kInvalidQuantile;  // no other is valid
   }
 
   double Quantile(double p) const { return AtNormal(StandardNormalQuantile(p)); }
@@ -132,7 +119,7 @@ struct Law {
       case JohnsonFamily::kNormal:
         return xi - lambda * (gamma / delta);
     }
-    return kInvalidProbability;  // IsFamily
+    return kInvalidProbability;  // no other is valid
   }
 
   double Variance() const {
@@ -146,53 +133,10 @@ struct Law {
       case JohnsonFamily::kNormal:
         return (lambda / delta) * (lambda / delta);
     }
-    return kInvalidProbability;  // IsFamily
+    return kInvalidProbability;  // no other is valid
   }
 };
 
-}  // namespace
+template class Distribution<Johnson>;
 
-bool IsValid(double family, double gamma, double delta, double lambda, double xi) {
-  return Law{family, gamma, delta, lambda, xi}.IsValid();
-}
-
-double Density(double x, double family, double gamma, double delta, double lambda, double xi) {
-  return ProbabilityAt(Law{family, gamma, delta, lambda, xi}, &Law::Density, x);
-}
-
-double LogDensity(double x, double family, double gamma, double delta, double lambda, double xi) {
-  return ProbabilityAt(Law{family, gamma, delta, lambda, xi}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double family, double gamma, double delta, double lambda, double xi) {
-  return ProbabilityAt(Law{family, gamma, delta, lambda, xi}, &Law::Cdf, x);
-}
-
-double Complement(double x, double family, double gamma, double delta, double lambda, double xi) {
-  return ProbabilityAt(Law{family, gamma, delta, lambda, xi}, &Law::Complement, x);
-}
-
-double Quantile(double p, double family, double gamma, double delta, double lambda, double xi) {
-  return QuantileAt(Law{family, gamma, delta, lambda, xi}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double family, double gamma, double delta, double lambda, double xi) {
-  return QuantileAt(Law{family, gamma, delta, lambda, xi}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double family, double gamma, double delta, double lambda, double xi), family,
-                           gamma, delta, lambda, xi);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double family, double gamma, double delta, double lambda, double xi), family,
-                         gamma, delta, lambda, xi);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double family, double gamma, double delta, double lambda, double xi),
-                         family, gamma, delta, lambda, xi);
-
-double Mean(double family, double gamma, double delta, double lambda, double xi) {
-  return MomentAt(Law{family, gamma, delta, lambda, xi}, &Law::Mean);
-}
-
-double Variance(double family, double gamma, double delta, double lambda, double xi) {
-  return MomentAt(Law{family, gamma, delta, lambda, xi}, &Law::Variance);
-}
-
-}  // namespace brenvolt::johnson
+}  // namespace brenvolt

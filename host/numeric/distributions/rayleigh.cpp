@@ -1,26 +1,17 @@
 // The Rayleigh distribution: P(X > x) = exp(-z^2 / 2), z = (x - threshold) / scale, for x >= threshold.
-#include <limits>
+#include "host/numeric/distributions/rayleigh.h"
+
 #include <numbers>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::rayleigh {
-
-bool IsValid(double scale) {
-  return IsPositiveFinite(scale);
-}
-
-namespace {
-
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-struct Law {
+namespace brenvolt {
+template <>
+struct FormulasOf<Rayleigh> {
   double scale;
   double threshold;
-
-  bool IsValid() const { return rayleigh::IsValid(scale) && std::isfinite(threshold); }
 
   double Standardised(double x) const { return (x - threshold) / scale; }
 
@@ -37,6 +28,7 @@ struct Law {
   }
 
   double Cdf(double x) const { return vector_forms::RayleighCdf(x, scale, threshold); }
+  void Cdf(In x, Out out) const { vector_forms::RayleighCdf(x, scale, threshold, out); }
 
   double Complement(double x) const {
     if (std::isinf(x)) return x > 0.0 ? 0.0 : 1.0;
@@ -44,57 +36,26 @@ struct Law {
   }
 
   double Quantile(double p) const { return vector_forms::RayleighQuantile(p, scale, threshold); }
+  void Quantile(In p, Out out) const { vector_forms::RayleighQuantile(p, scale, threshold, out); }
 
   double ComplementQuantile(double q) const { return threshold + scale * std::sqrt(-2.0 * std::log(q)); }
 
   double Mean() const { return threshold + scale * std::sqrt(0.5 * std::numbers::pi); }
   double Variance() const { return scale * scale * (2.0 - 0.5 * std::numbers::pi); }
+
+  double LogLikelihood(In sorted) const {
+    const double sum = estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = (x[i] - threshold) / scale;
+      elementary::Log(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) {
+        const double z = (x[i] - threshold) / scale;
+        out[i] -= 0.5 * z * z;
+      }
+    });
+    return sum - static_cast<double>(sorted.size()) * std::log(scale);
+  }
 };
 
-}  // namespace
+template class Distribution<Rayleigh>;
 
-double Density(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Density, x);
-}
-
-double LogDensity(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Cdf, x);
-}
-
-double Complement(double x, double scale, double threshold) {
-  return ProbabilityAt(Law{scale, threshold}, &Law::Complement, x);
-}
-
-double Quantile(double p, double scale, double threshold) {
-  return QuantileAt(Law{scale, threshold}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double scale, double threshold) {
-  return QuantileAt(Law{scale, threshold}, &Law::ComplementQuantile, q);
-}
-
-void Cdf(std::span<const double> x, double scale, double threshold, std::span<double> out) {
-  if (!Law{scale, threshold}.IsValid()) return FillInvalid(x.size(), kInvalidProbability, out);
-  vector_forms::RayleighCdf(x, scale, threshold, out);
-}
-
-void Quantile(std::span<const double> p, double scale, double threshold, std::span<double> out) {
-  if (!Law{scale, threshold}.IsValid()) return FillInvalid(p.size(), kInvalidQuantile, out);
-  vector_forms::RayleighQuantile(p, scale, threshold, out);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double scale, double threshold), scale, threshold);
-
-double Mean(double scale, double threshold) {
-  return MomentAt(Law{scale, threshold}, &Law::Mean);
-}
-
-double Variance(double scale, double threshold) {
-  return MomentAt(Law{scale, threshold}, &Law::Variance);
-}
-
-}  // namespace brenvolt::rayleigh
+}  // namespace brenvolt

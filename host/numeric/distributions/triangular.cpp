@@ -1,23 +1,20 @@
 // The triangular distribution: its density rises in a line from min to mode and falls in one to max.
+#include "host/numeric/distributions/triangular.h"
+
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/distributions/law_forms.h"
+#include "host/numeric/distributions/distribution_forms.h"
 
-namespace brenvolt::triangular {
+namespace brenvolt {
 
-bool IsValid(double min, double max, double mode) {
-  return min <= mode && mode <= max && min < max && std::isfinite(max - min);
-}
-
-namespace {
-
-struct Law {
+template <>
+struct FormulasOf<Triangular> {
   double min;
   double max;
   double mode;
 
-  bool IsValid() const { return triangular::IsValid(min, max, mode); }
+  bool AreConsistent() const { return min <= mode && mode <= max && min < max && std::isfinite(max - min); }
 
   double Width() const { return max - min; }
   double Rise() const { return mode - min; }
@@ -76,42 +73,6 @@ struct Law {
   double Variance() const { return (Rise() * Width() + Fall() * Fall()) / 18.0; }
 };
 
-}  // namespace
+template class Distribution<Triangular>;
 
-double Density(double x, double min, double max, double mode) {
-  return ProbabilityAt(Law{min, max, mode}, &Law::Density, x);
-}
-
-double LogDensity(double x, double min, double max, double mode) {
-  return ProbabilityAt(Law{min, max, mode}, &Law::LogDensity, x);
-}
-
-double Cdf(double x, double min, double max, double mode) {
-  return ProbabilityAt(Law{min, max, mode}, &Law::Cdf, x);
-}
-
-double Complement(double x, double min, double max, double mode) {
-  return ProbabilityAt(Law{min, max, mode}, &Law::Complement, x);
-}
-
-double Quantile(double p, double min, double max, double mode) {
-  return QuantileAt(Law{min, max, mode}, &Law::Quantile, p);
-}
-
-double ComplementQuantile(double q, double min, double max, double mode) {
-  return QuantileAt(Law{min, max, mode}, &Law::ComplementQuantile, q);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double min, double max, double mode), min, max, mode);
-BRENVOLT_ARRAY_BY_SCALAR(Cdf, (double min, double max, double mode), min, max, mode);
-BRENVOLT_ARRAY_BY_SCALAR(Quantile, (double min, double max, double mode), min, max, mode);
-
-double Mean(double min, double max, double mode) {
-  return MomentAt(Law{min, max, mode}, &Law::Mean);
-}
-
-double Variance(double min, double max, double mode) {
-  return MomentAt(Law{min, max, mode}, &Law::Variance);
-}
-
-}  // namespace brenvolt::triangular
+}  // namespace brenvolt

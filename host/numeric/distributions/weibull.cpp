@@ -1,98 +1,71 @@
 // The Weibull distribution: P(X > x) = exp(-h), h = ((x - threshold) / scale)^shape, for x >= threshold.
-#include <limits>
+#include "host/numeric/distributions/weibull.h"
 
-#include "host/numeric/distributions/law_forms.h"
+#include <array>
+
+#include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::weibull {
+namespace brenvolt {
 
-bool IsValid(double scale, double shape) {
-  return IsPositiveFinite(scale) && IsPositiveFinite(shape);
-}
+template <>
+struct FormulasOf<Weibull> {
+  double scale;
+  double shape;
+  double threshold;
 
-namespace {
+  // The cumulative hazard h; 0 below the support.
+  double Hazard(double x) const {
+    const double y = x - threshold;
+    return y > 0.0 ? std::pow(y / scale, shape) : 0.0;
+  }
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  // The x at cumulative hazard h in [0, inf].
+  double AtHazard(double hazard) const { return threshold + scale * std::pow(hazard, 1.0 / shape); }
 
-bool IsValid(double scale, double shape, double threshold) {
-  return weibull::IsValid(scale, shape) && std::isfinite(threshold);
-}
-
-// The cumulative hazard h; 0 below the support.
-double Hazard(double x, double scale, double shape, double threshold) {
-  const double y = x - threshold;
-  return y > 0.0 ? std::pow(y / scale, shape) : 0.0;
-}
-
-// The x at cumulative hazard h in [0, inf].
-double AtHazard(double hazard, double scale, double shape, double threshold) {
-  return threshold + scale * std::pow(hazard, 1.0 / shape);
-}
-
-}  // namespace
-
-double Density(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x, [=](double at) {
-    if (at < threshold) return 0.0;
-    const double survival = std::exp(-Hazard(at, scale, shape, threshold));
+  double Density(double x) const {
+    if (x < threshold) return 0.0;
+    const double survival = std::exp(-Hazard(x));
     if (survival == 0.0) return 0.0;  // also keeps an infinite power from meeting it
-    return shape / scale * std::pow((at - threshold) / scale, shape - 1.0) * survival;
-  });
-}
+    return shape / scale * std::pow((x - threshold) / scale, shape - 1.0) * survival;
+  }
 
-double LogDensity(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x, [=](double at) {
-    if (at < threshold || std::isinf(at)) return -kInfinity;
+  double LogDensity(double x) const {
+    if (x < threshold || std::isinf(x)) return -kInfinity;
     // At the threshold itself ln u is infinite and counts only where the exponent is not 0.
-    const double power = shape == 1.0 ? 0.0 : (shape - 1.0) * std::log((at - threshold) / scale);
-    return std::log(shape) - std::log(scale) + power - Hazard(at, scale, shape, threshold);
-  });
-}
+    const double power = shape == 1.0 ? 0.0 : (shape - 1.0) * std::log((x - threshold) / scale);
+    return std::log(shape) - std::log(scale) + power - Hazard(x);
+  }
 
-double Cdf(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x,
-                       [=](double at) { return vector_forms::WeibullCdf(at, scale, shape, threshold); });
-}
+  double Cdf(double x) const { return vector_forms::WeibullCdf(x, scale, shape, threshold); }
+  void Cdf(In x, Out out) const { vector_forms::WeibullCdf(x, scale, shape, threshold, out); }
+  double Complement(double x) const { return std::exp(-Hazard(x)); }
+  double Quantile(double p) const { return vector_forms::WeibullQuantile(p, scale, shape, threshold); }
+  void Quantile(In p, Out out) const { vector_forms::WeibullQuantile(p, scale, shape, threshold, out); }
+  double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 
-double Complement(double x, double scale, double shape, double threshold) {
-  return ProbabilityAt(IsValid(scale, shape, threshold), x,
-                       [=](double at) { return std::exp(-Hazard(at, scale, shape, threshold)); });
-}
+  double Mean() const { return threshold + scale * std::tgamma(1.0 + 1.0 / shape); }
 
-double Quantile(double p, double scale, double shape, double threshold) {
-  return QuantileAt(IsValid(scale, shape, threshold), p,
-                    [=](double at) { return vector_forms::WeibullQuantile(at, scale, shape, threshold); });
-}
-
-double ComplementQuantile(double q, double scale, double shape, double threshold) {
-  return QuantileAt(IsValid(scale, shape, threshold), q,
-                    [=](double tail) { return AtHazard(-std::log(tail), scale, shape, threshold); });
-}
-
-void Cdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out) {
-  if (!IsValid(scale, shape, threshold)) return FillInvalid(x.size(), kInvalidProbability, out);
-  vector_forms::WeibullCdf(x, scale, shape, threshold, out);
-}
-
-void Quantile(std::span<const double> p, double scale, double shape, double threshold,
-              std::span<double> out) {
-  if (!IsValid(scale, shape, threshold)) return FillInvalid(p.size(), kInvalidQuantile, out);
-  vector_forms::WeibullQuantile(p, scale, shape, threshold, out);
-}
-
-BRENVOLT_ARRAYS_BY_SCALARS((double scale, double shape, double threshold), scale, shape, threshold);
-
-double Mean(double scale, double shape, double threshold) {
-  return MomentAt(IsValid(scale, shape, threshold),
-                  [=] { return threshold + scale * std::tgamma(1.0 + 1.0 / shape); });
-}
-
-double Variance(double scale, double shape, double threshold) {
-  return MomentAt(IsValid(scale, shape, threshold), [=] {
+  double Variance() const {
     const double unit = scale / shape;
     return unit * unit * GammaPowerVariance(-1.0 / shape);
-  });
-}
+  }
 
-}  // namespace brenvolt::weibull
+  double LogLikelihood(In sorted) const {
+    std::array<double, estimation::kBlock> buffer;
+    const double sum = estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      const Out logarithms(buffer.data(), x.size());
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = (x[i] - threshold) / scale;
+      elementary::Log(out, logarithms);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = shape * logarithms[i];
+      elementary::Exp(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = (shape - 1) * logarithms[i] - out[i];
+    });
+    return sum + static_cast<double>(sorted.size()) * std::log(shape / scale);
+  }
+};
+
+template class Distribution<Weibull>;
+
+}  // namespace brenvolt

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/johnson.h"
 #include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
@@ -90,7 +90,8 @@ void FitJohnsonQuantiles(std::span<const double> data, double /*offset*/, std::s
   FitJohnsonFromPercentiles(sorted, p, -1.0, 1, error);
   const double probabilities[] = {0.2, 0.5, 0.8};
   for (std::size_t i = 0; i < out.size(); ++i) {
-    out[i] = IsNotSet(p[0]) ? kNotSet : johnson::Quantile(probabilities[i], p[0], p[1], p[2], p[3], p[4]);
+    out[i] = IsNotSet(p[0]) ? kNotSet
+                            : Distribution<Johnson>(p[0], p[1], p[2], p[3], p[4]).Quantile(probabilities[i]);
   }
 }
 

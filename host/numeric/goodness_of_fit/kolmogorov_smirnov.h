@@ -8,36 +8,15 @@
 
 namespace brenvolt {
 
-// Distributions by the code under which the test knows them, each with the parameters that the test takes. In
-// brackets: a threshold that may follow, from which the values count; it counts from the offset, where the
-// form with an offset is called. Half normal and Rayleigh estimates carry further results, which are no
-// parameters of the test.
-enum class TestCode : std::int32_t {
-  kNormal = 1,            // mean, standard deviation
-  kLogNormal = 9,         // mean and standard deviation of the logarithm [, threshold]
-  kWeibull = 10,          // scale, shape [, threshold]
-  kRayleigh = 12,         // scale [, threshold]
-  kFoldedNormal = 13,     // location, scale [, threshold]
-  kHalfNormal = 14,       // scale [, threshold]
-  kGaussianMixture = 15,  // per component: mixing coefficient, mean, standard deviation
-  kJohnson = 16,          // family, gamma, delta, lambda, xi
-  kGev = 17,              // location, scale, shape, as its estimators give them
-  kGpd = 18,              // threshold, scale, shape, as its estimators give them; or scale, shape
-  kTriangular = 19,       // minimum, maximum, mode
-  kPoisson = 20,          // mean
-  kBinomial = 21,         // proportion, trials
-  kGeometric = 22,        // proportion
-  kBernoulli = 23,        // proportion
-  kHistogram = 24         // per class: code, proportion
-};
-
 // The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite, at least one value) against the
-// distribution `code` with its `parameters`; the second form shifts the data by `offset` first. Both sides of
-// every jump of the empirical and, for discrete types, of the fitted distribution function count. Non-zero:
-// success. Zero: the parameters are invalid or a probability could not be computed; `statistic` = kNotSet.
-std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double> parameters,
+// distribution that the test knows under `testCode` (DistributionFacts) with all its `parameters`. The second
+// form shifts the data by `offset` first. A threshold among the parameters may be left out; it counts from
+// the offset. Both sides of every jump of the empirical and, for discrete distributions, of the fitted
+// distribution function count. Non-zero: success. Zero: there is no such code, the parameters are invalid or
+// a probability could not be computed; `statistic` = kNotSet.
+std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
                                           std::span<const double> sortedData, double& statistic);
-std::int32_t ComputeKolmogorovSmirnovTest(TestCode code, std::span<const double> parameters,
+std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
                                           std::span<const double> sortedData, double offset,
                                           double& statistic);
 

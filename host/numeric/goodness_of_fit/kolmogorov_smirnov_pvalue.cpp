@@ -24,7 +24,7 @@
 #include <numbers>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/poisson.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/special/saddle_point.h"
 
@@ -88,7 +88,7 @@ class Crossing {
         below += 1.0;
       }
     }
-    return std::min(1.0, left_ / poisson::Density(n_, n_));
+    return std::min(1.0, left_ / Distribution<Poisson>(n_).Density(n_));
   }
 
  private:
@@ -112,7 +112,7 @@ class Crossing {
   // The probability of the jumps that remain between a state now and n at the end.
   double Rest(int state) const {
     const double time = n_ - time_;
-    if (time > 0.0) return poisson::Density(n_ - state, time);
+    if (time > 0.0) return Distribution<Poisson>(time).Density(n_ - state);
     return state == n_ ? 1.0 : 0.0;
   }
 

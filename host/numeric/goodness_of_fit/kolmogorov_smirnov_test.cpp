@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/base/almost_equal.h"
+#include "host/numeric/distributions/all_distributions.h"
 
 namespace brenvolt {
 namespace {
@@ -153,8 +154,8 @@ TEST(KolmogorovSmirnovStatisticReference, AgreesWithTableForEveryCode) {
     std::getline(fields, value, ',');
     double statistic = 0.0;
     const std::int32_t number = std::stoi(code);
-    EXPECT_NE(ComputeKolmogorovSmirnovTest(static_cast<TestCode>(number), Numbers(parameters), Numbers(data),
-                                           std::stod(offset), statistic),
+    EXPECT_NE(ComputeKolmogorovSmirnovTest(number, Numbers(parameters), Numbers(data), std::stod(offset),
+                                           statistic),
               0);
     const double error = std::abs(statistic - std::stod(value));
     EXPECT_TRUE(error <= 1e-13) << line << ": " << statistic << ", error " << error;
@@ -169,26 +170,26 @@ TEST(KolmogorovSmirnovStatisticReference, AgreesWithTableForEveryCode) {
 
 TEST(KolmogorovSmirnovTest, WrongCallsGiveNotSet) {
   struct Case {
-    TestCode code;
+    std::int32_t code;
     std::vector<double> parameters;
     std::vector<double> data;
     double offset;
   };
   const Case cases[] = {
-      {TestCode::kNormal, {0.0, 0.0}, {1.0, 2.0}, 0.0},                // invalid scale
-      {TestCode::kNormal, {0.0}, {1.0, 2.0}, 0.0},                     // a parameter too few
-      {TestCode::kNormal, {0.0, 1.0, 2.0}, {1.0}, 0.0},                // one too many
-      {TestCode::kPoisson, {kNotSet}, {1.0}, 0.0},                     // not set
-      {TestCode::kWeibull, {1.0, 1.0}, {}, 0.0},                       // no data
-      {TestCode::kLogNormal, {0.0, 1.0}, {kNan}, 0.0},                 // no probability
-      {TestCode::kLogNormal, {0.0, 1.0}, {1.0}, kNan},                 // no offset
-      {static_cast<TestCode>(99), {0.0, 1.0}, {1.0}, 0.0},             // no such code
-      {TestCode::kHalfNormal, {1.0, 0.1, -5.0}, {1.0}, 0.0},           // further results of the estimator
-      {TestCode::kGpd, {1.0}, {1.0}, 0.0},                             // no shape
-      {TestCode::kJohnson, {5.0, 0.0, 1.0, 1.0, 0.0}, {1.0}, 0.0},     // no such family
-      {TestCode::kGaussianMixture, {1.0, 0.0, 1.0, 0.0}, {1.0}, 0.0},  // a piece of a component
-      {TestCode::kHistogram, {1.0, 0.5}, {1.0}, 0.0},                  // proportions short of 1
-      {TestCode::kBinomial, {0.5, 2.5}, {1.0}, 0.0},                   // trials not whole
+      {Normal::kFacts.testCode, {0.0, 0.0}, {1.0, 2.0}, 0.0},             // invalid scale
+      {Normal::kFacts.testCode, {0.0}, {1.0, 2.0}, 0.0},                  // a parameter too few
+      {Normal::kFacts.testCode, {0.0, 1.0, 2.0}, {1.0}, 0.0},             // one too many
+      {Poisson::kFacts.testCode, {kNotSet}, {1.0}, 0.0},                  // not set
+      {Weibull::kFacts.testCode, {1.0, 1.0}, {}, 0.0},                    // no data
+      {LogNormal::kFacts.testCode, {0.0, 1.0}, {kNan}, 0.0},              // no probability
+      {LogNormal::kFacts.testCode, {0.0, 1.0}, {1.0}, kNan},              // no offset
+      {99, {0.0, 1.0}, {1.0}, 0.0},                                       // no such code
+      {HalfNormal::kFacts.testCode, {1.0, 0.1, -5.0}, {1.0}, 0.0},        // further results of the estimator
+      {GeneralPareto::kFacts.testCode, {1.0}, {1.0}, 0.0},                // no shape
+      {Johnson::kFacts.testCode, {5.0, 0.0, 1.0, 1.0, 0.0}, {1.0}, 0.0},  // no such family
+      {GaussianMixture::kFacts.testCode, {1.0, 0.0, 1.0, 0.0}, {1.0}, 0.0},  // a piece of a component
+      {Histogram::kFacts.testCode, {1.0, 0.5}, {1.0}, 0.0},                  // proportions short of 1
+      {Binomial::kFacts.testCode, {0.5, 2.5}, {1.0}, 0.0},                   // trials not whole
   };
   for (const Case& c : cases) {
     double statistic = 0.0;

@@ -11,7 +11,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/normal.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 
 namespace brenvolt {
@@ -178,7 +178,7 @@ TEST(RandomStream, NormalsAreNormal) {
     const Moments m = MomentsOf(x);
     EXPECT_LT(std::abs(m.mean) * root / kSd, kGreatestDeviation);
     EXPECT_LT(std::abs(m.variance / (kSd * kSd) - 1.0) * root / std::sqrt(2.0), kGreatestDeviation);
-    normal::Cdf(x, 0.0, kSd, x);
+    Distribution<Normal>(0.0, kSd).Cdf(x, x);
     EXPECT_GT(KolmogorovSmirnov(x), kLeastPvalue);
   }
 }

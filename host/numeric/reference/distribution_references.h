@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <cstdlib>
 #include <fstream>
@@ -13,11 +14,11 @@
 #include <sstream>
 #include <stdexcept>
 #include <string>
-#include <type_traits>
+#include <string_view>
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::references {
 
@@ -46,89 +47,68 @@ inline void PrintTo(const Type& type, std::ostream* out) {
   *out << type.name;
 }
 
-// Functions of separate parameters, P = double…, or of one span of them.
-template <class... P>
-struct Shape {
-  using Scalar = double (*)(double, P...);
-  using Array = void (*)(In, P..., Out);
-  using Moment = double (*)(P...);
-
-  template <class Call>
-  static auto Spread(In parameters, const Call& call) {
-    if constexpr ((std::is_same_v<P, In> && ...)) {
-      return call(parameters);
-    } else {
-      return [&]<std::size_t... index>(std::index_sequence<index...>) {
-        return call(parameters[index]...);
-      }
-      (std::index_sequence_for<P...>());
-    }
+// "GeneralPareto" as "general_pareto".
+inline std::string WithUnderscores(std::string_view name) {
+  std::string text;
+  for (const char c : name) {
+    if (std::isupper(static_cast<unsigned char>(c)) != 0 && !text.empty()) text += '_';
+    text += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   }
-
-  static Function Bind(Scalar f) {
-    return [f](double x, In parameters) { return Spread(parameters, [&](P... p) { return f(x, p...); }); };
-  }
-
-  static ArrayFunction BindArray(Array f) {
-    return [f](In x, In parameters, Out out) { Spread(parameters, [&](P... p) { f(x, p..., out); }); };
-  }
-
-  static references::Moment BindMoment(Moment f) {
-    return [f](In parameters) { return Spread(parameters, f); };
-  }
-
-  static Type Make(std::string name, bool isDiscrete, std::vector<std::size_t> origins, Scalar density,
-                   Scalar logDensity, Scalar cdf, Scalar complement, Scalar quantile,
-                   Scalar complementQuantile, Array densities, Array logDensities, Array cdfs,
-                   Array complements, Array quantiles, Array complementQuantiles, Moment mean,
-                   Moment variance) {
-    return {std::move(name),
-            isDiscrete,
-            std::move(origins),
-            {{"Density", Bind(density)},
-             {"LogDensity", Bind(logDensity)},
-             {"Cdf", Bind(cdf)},
-             {"Complement", Bind(complement)},
-             {"Quantile", Bind(quantile)},
-             {"ComplementQuantile", Bind(complementQuantile)}},
-            {{"Density", BindArray(densities)},
-             {"LogDensity", BindArray(logDensities)},
-             {"Cdf", BindArray(cdfs)},
-             {"Complement", BindArray(complements)},
-             {"Quantile", BindArray(quantiles)},
-             {"ComplementQuantile", BindArray(complementQuantiles)}},
-            {{"Mean", BindMoment(mean)}, {"Variance", BindMoment(variance)}}};
-  }
-};
-
-// NOLINTBEGIN(cppcoreguidelines-macro-usage): overloads cannot be passed by name alone
-#define BRENVOLT_TYPE(ns, isDiscrete, origins, ...)                                                        \
-  Shape<__VA_ARGS__>::Make(#ns, isDiscrete, origins, ns::Density, ns::LogDensity, ns::Cdf, ns::Complement, \
-                           ns::Quantile, ns::ComplementQuantile, ns::Density, ns::LogDensity, ns::Cdf,     \
-                           ns::Complement, ns::Quantile, ns::ComplementQuantile, ns::Mean, ns::Variance)
-
-// In the order of the catalogue.
-inline std::vector<Type> AllTypes() {
-  using At = std::vector<std::size_t>;
-  return {BRENVOLT_TYPE(normal, false, (At{0}), double, double),
-          BRENVOLT_TYPE(lognormal, false, (At{2}), double, double, double),
-          BRENVOLT_TYPE(folded_normal, false, (At{2}), double, double, double),
-          BRENVOLT_TYPE(half_normal, false, (At{1}), double, double),
-          BRENVOLT_TYPE(rayleigh, false, (At{1}), double, double),
-          BRENVOLT_TYPE(weibull, false, (At{2}), double, double, double),
-          BRENVOLT_TYPE(gaussian_mixture, false, (At{1, 4, 7}), In),
-          BRENVOLT_TYPE(johnson, false, (At{4}), double, double, double, double, double),
-          BRENVOLT_TYPE(gev, false, (At{0}), double, double, double),
-          BRENVOLT_TYPE(gpd, false, (At{2}), double, double, double),
-          BRENVOLT_TYPE(triangular, false, (At{0, 1}), double, double, double),
-          BRENVOLT_TYPE(binomial, true, At{}, double, double),
-          BRENVOLT_TYPE(poisson, true, At{}, double),
-          BRENVOLT_TYPE(geometric, true, At{}, double),
-          BRENVOLT_TYPE(bernoulli, true, At{}, double),
-          BRENVOLT_TYPE(histogram, true, At{}, In)};
+  return text;
 }
-#undef BRENVOLT_TYPE
-// NOLINTEND(cppcoreguidelines-macro-usage)
+
+// Of the parameters of a table, a threshold stands last.
+inline AnyDistribution DistributionOf(const DistributionType& type, In parameters) {
+  const bool hasThreshold = type.facts.HasOffset() && !parameters.empty();
+  return {type.facts.code, hasThreshold ? parameters.first(parameters.size() - 1) : parameters,
+          hasThreshold ? parameters.back() : 0.0};
+}
+
+inline const std::vector<std::pair<std::string, DistributionFunction>>& FunctionNames() {
+  using enum DistributionFunction;
+  static const std::vector<std::pair<std::string, DistributionFunction>> names = {
+      {"Density", kDensity},       {"LogDensity", kLogDensity}, {"Cdf", kCdf},
+      {"Complement", kComplement}, {"Quantile", kQuantile},     {"ComplementQuantile", kComplementQuantile}};
+  return names;
+}
+
+// The parameters that are places: locations and thresholds, ends and means.
+inline std::vector<std::size_t> PlacesOf(const DistributionFacts& facts) {
+  constexpr std::size_t kGroups = 3;  // of repeated parameters, as many as count
+  if (!facts.isContinuous) return {};
+  const std::size_t count = facts.ParameterCount();
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < count * (facts.isUserDefined ? kGroups : 1); ++i) {
+    const std::string_view name = facts.parameters[i % count].name;
+    const bool isFolded = facts.code == DistributionCode::kFoldedNormal;  // its location is none
+    if ((name == "location" && !isFolded) || name == "mean" || name == "min" || name == "max" || name == "xi")
+      places.push_back(i);
+  }
+  if (facts.HasOffset()) places.push_back(count);
+  return places;
+}
+
+inline Type Bind(const DistributionType& type) {
+  Type bound{WithUnderscores(type.facts.name), !type.facts.isContinuous, PlacesOf(type.facts), {}, {}, {}};
+  for (const auto& [name, function] : FunctionNames()) {
+    bound.functions[name] = [&type, f = function](double x, In parameters) {
+      return DistributionOf(type, parameters).At(f, x);
+    };
+    bound.arrays[name] = [&type, f = function](In x, In parameters, Out out) {
+      DistributionOf(type, parameters).At(f, x, out);
+    };
+  }
+  bound.moments["Mean"] = [&type](In parameters) { return DistributionOf(type, parameters).Mean(); };
+  bound.moments["Variance"] = [&type](In parameters) { return DistributionOf(type, parameters).Variance(); };
+  return bound;
+}
+
+// In the order of the codes.
+inline std::vector<Type> AllTypes() {
+  std::vector<Type> types;
+  for (const DistributionType* type : DistributionTypes()) types.push_back(Bind(*type));
+  return types;
+}
 
 struct Row {
   std::string function;

@@ -291,7 +291,7 @@ MOMENT_SHAPES = [0.0, 1e-300, 1e-12, -1e-12, 1e-5, -1e-5, 0.01, -0.01, 0.07, -0.
 
 
 class Gev:
-    name, parameters = "gev", ["location", "scale", "shape"]
+    name, parameters = "general_extreme_value", ["location", "scale", "shape"]
     sets = shapes_with(SHAPES, 0.0, 1.0) + shapes_with(SHAPES, 50.0, 3.0) + [
         (1e6, 1e-3, 0.1), (1e6, 1.0, -0.2), (-2e5, 0.5, 1e-9), (0.0, 1e-9, 0.05), (-3.0, 2e9, -0.5),
         (0.0, 1e150, 0.3), (0.0, 1e-150, -0.3)]
@@ -345,7 +345,7 @@ class Gev:
 
 
 class Gpd:
-    name, parameters = "gpd", ["scale", "shape", "threshold"]
+    name, parameters = "general_pareto", ["scale", "shape", "threshold"]
     sets = [(1.0, k, 0.0) for k in SHAPES] + [(3.0, k, 50.0) for k in SHAPES] + [
         (1e-3, 0.1, 1e6), (1.0, -0.2, 1e6), (0.5, 1e-9, -2e5), (1e-9, 0.05, 0.0), (2e9, -0.5, -3.0),
         (1e150, 0.3, 0.0), (1e-150, -0.3, 0.0)]

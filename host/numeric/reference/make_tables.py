@@ -51,7 +51,7 @@ class Normal:
 
 
 class LogNormal:
-    name, parameters = "lognormal", ["scale", "shape", "threshold"]
+    name, parameters = "log_normal", ["scale", "shape", "threshold"]
     sets = [(0.0, 1.0, 0.0), (10.0, 0.01, 0.0), (-2.0, 0.5, 0.0), (3.0, 0.25, 100.0), (1.5, 3.0, -5.0),
             (-20.0, 1.0, 0.0), (12.5, 0.1, -1e4)]
     moment_sets = [(m, s, t) for m in (0.0, -20.0, 12.5, 3.0) for s in (1.0, 1e-8, 0.01, 3.0) for t in (0.0, -50.0)]

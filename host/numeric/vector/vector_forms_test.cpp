@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "host/numeric/distributions/distributions.h"
+#include "host/numeric/distributions/all_distributions.h"
 #include "host/numeric/random/random_stream.h"
 #include "host/numeric/vector/instruction_sets_support_test.h"
 #include "host/numeric/vector/standard_normal.h"
@@ -41,40 +41,45 @@ struct Form {
 #f, [](std::span <const double> x,                                                                   \
            std::span <double> out) { elementary::f(x, out); }, [](double x) { return elementary::f(x); } \
   }
-#define OF_LAW(law, f, ...)                                                                                \
-  {                                                                                                        \
-#law #f, [](std::span <const double> x,                                                                \
-                std::span <double>                                                                         \
-                    out) { law::f(x, __VA_ARGS__, out); }, [](double x) { return law::f(x, __VA_ARGS__); } \
-  }
+template <class D>
+Form OfCdf(std::string name, const Distribution<D>& distribution) {
+  return {std::move(name), [distribution](auto x, auto out) { distribution.Cdf(x, out); },
+          [distribution](double x) { return distribution.Cdf(x); }};
+}
+
+template <class D>
+Form OfQuantile(std::string name, const Distribution<D>& distribution) {
+  return {std::move(name), [distribution](auto p, auto out) { distribution.Quantile(p, out); },
+          [distribution](double p) { return distribution.Quantile(p); }};
+}
 
 std::vector<Form> Forms() {
   return {ELEMENTARY(Exp),
           ELEMENTARY(Log),
           ELEMENTARY(Expm1),
           ELEMENTARY(Log1p),
-          OF_LAW(normal, Cdf, 0.25, 1.5),
-          OF_LAW(normal, Quantile, 0.25, 1.5),
-          OF_LAW(lognormal, Cdf, 0.5, 0.75, -0.125),
-          OF_LAW(lognormal, Quantile, 0.5, 0.75, -0.125),
-          OF_LAW(weibull, Cdf, 2.0, 1.7, -0.125),
-          OF_LAW(weibull, Quantile, 2.0, 1.7, -0.125),
-          OF_LAW(rayleigh, Cdf, 2.0, -0.125),
-          OF_LAW(rayleigh, Quantile, 2.0, -0.125),
-          OF_LAW(gev, Cdf, -0.125, 2.0, 0.3),
-          OF_LAW(gev, Cdf, -0.125, 2.0, 0.0),
-          OF_LAW(gev, Cdf, -0.125, 2.0, -0.7),
-          OF_LAW(gev, Quantile, -0.125, 2.0, 0.3),
-          OF_LAW(gev, Cdf, -0.125, 2.0, 1e-9),
-          OF_LAW(gev, Quantile, -0.125, 2.0, 0.0),
-          OF_LAW(gev, Quantile, -0.125, 2.0, -0.7),
-          OF_LAW(gpd, Cdf, 2.0, 0.3, -0.125),
-          OF_LAW(gpd, Cdf, 2.0, -1e-9, -0.125),
-          OF_LAW(gpd, Cdf, 2.0, -0.7, -0.125),
-          OF_LAW(gpd, Cdf, 2.0, 0.0, -0.125),
-          OF_LAW(gpd, Quantile, 2.0, 0.3, -0.125),
-          OF_LAW(gpd, Quantile, 2.0, -0.3, -0.125),
-          OF_LAW(gpd, Quantile, 2.0, 0.0, -0.125)};
+          OfCdf("Cdf of normal", Distribution<Normal>(0.25, 1.5)),
+          OfQuantile("Quantile of normal", Distribution<Normal>(0.25, 1.5)),
+          OfCdf("Cdf of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
+          OfQuantile("Quantile of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
+          OfCdf("Cdf of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
+          OfQuantile("Quantile of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
+          OfCdf("Cdf of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
+          OfQuantile("Quantile of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
+          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
+          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
+          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
+          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
+          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 1e-9)),
+          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
+          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
+          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
+          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -1e-9, -0.125)),
+          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -0.7, -0.125)),
+          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125)),
+          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
+          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, -0.3, -0.125)),
+          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125))};
 }
 
 // Special values, values of all sizes and signs, and probabilities into both tails.

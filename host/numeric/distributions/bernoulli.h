@@ -1,0 +1,18 @@
+// The Bernoulli distribution: 1 with probability `proportion`, else 0.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Bernoulli {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kBernoulli,
+                                            .name = "Bernoulli",
+                                            .isContinuous = false,
+                                            .parameters = {{{"proportion", ParameterRange::kProportion}}},
+                                            .testCode = 23};
+};
+
+extern template class Distribution<Bernoulli>;
+
+}  // namespace brenvolt

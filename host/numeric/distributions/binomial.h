@@ -1,0 +1,20 @@
+// The binomial distribution: successes, each of probability `proportion`, in a number of trials.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Binomial {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kBinomial,
+      .name = "Binomial",
+      .isContinuous = false,
+      .parameters = {{{"proportion", ParameterRange::kProportion}, {"trials", ParameterRange::kTrials}}},
+      .testCode = 21,
+      .curves = {"Binom", "iBinom"}};
+};
+
+extern template class Distribution<Binomial>;
+
+}  // namespace brenvolt

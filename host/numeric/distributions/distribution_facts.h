@@ -1,0 +1,112 @@
+// What is known of a distribution apart from its functions.
+#pragma once
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+namespace brenvolt {
+
+// Persisted and visible to automation: the values must not change.
+enum class DistributionCode : std::int32_t {
+  kNormal = 0,
+  kLogNormal,
+  kFoldedNormal,
+  kHalfNormal,
+  kRayleigh,
+  kWeibull,
+  kGaussianMixture,
+  kJohnson,
+  kGeneralExtremeValue,
+  kGeneralPareto,
+  kTriangular,
+  kBinomial,
+  kPoisson,
+  kGeometric,
+  kBernoulli,
+  kHistogram
+};
+
+inline constexpr int kDistributionCount = static_cast<int>(DistributionCode::kHistogram) + 1;
+// The codes below it are continuous.
+inline constexpr int kContinuousCount = static_cast<int>(DistributionCode::kBinomial);
+
+// What a parameter may be. No range holds an infinity or NaN.
+enum class ParameterRange : std::uint8_t {
+  kFinite,
+  kPositive,
+  kProportion,          // from 0 to 1
+  kPositiveProportion,  // above 0 and up to 1
+  kTrials,              // a whole number from 1 to 2^53
+  kJohnsonFamily        // 1 (SL), 2 (SU), 3 (SB), 4 (SN)
+};
+
+inline bool IsInRange(double x, ParameterRange range) {
+  constexpr double kMostTrials = 0x1p53;
+  switch (range) {
+    case ParameterRange::kFinite:
+      return std::isfinite(x);
+    case ParameterRange::kPositive:
+      return x > 0.0 && std::isfinite(x);
+    case ParameterRange::kProportion:
+      return x >= 0.0 && x <= 1.0;
+    case ParameterRange::kPositiveProportion:
+      return x > 0.0 && x <= 1.0;
+    case ParameterRange::kTrials:
+      return x >= 1.0 && x <= kMostTrials && x == std::floor(x);
+    case ParameterRange::kJohnsonFamily:
+      return x == 1.0 || x == 2.0 || x == 3.0 || x == 4.0;
+  }
+  return false;
+}
+
+// The widest distance from 1 of the total of a histogram's proportions or a mixture's coefficients: above the
+// rounding of twenty numbers typed with six decimals, far below a share that someone forgot to enter. The
+// functions take each share relative to the total.
+inline constexpr double kTotalTolerance = 2e-5;
+
+struct ParameterFacts {
+  std::string_view name;
+  ParameterRange range = ParameterRange::kFinite;
+};
+
+// Where the formula of a curve takes the offset, a threshold that shifts the support. A list of parameters
+// holds the threshold at its end, but for kFirst.
+enum class OffsetPlace : std::uint8_t {
+  kNone,   // the distribution has none
+  kWithX,  // beside x, as x - offset
+  kFirst,  // before the parameters
+  kLast    // after them
+};
+
+// The names of a distribution's curves in formulas, spelled as graphs know them.
+struct CurveNames {
+  std::string_view density;
+  std::string_view cumulative;
+  std::string_view shiftedDensity = density;  // of x - offset
+};
+
+struct DistributionFacts {
+  static constexpr std::size_t kMostParameters = 5;
+
+  DistributionCode code;
+  std::string_view name;                // in one word
+  std::string_view formulaName = name;  // begins the names of its functions in formulas
+  bool isContinuous = true;
+  OffsetPlace offset = OffsetPlace::kNone;
+  bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes
+  std::array<ParameterFacts, kMostParameters> parameters;  // in the order of the values; of one group
+  std::int32_t testCode;                                   // under which the Kolmogorov-Smirnov test knows it
+  CurveNames curves{};                                     // none where steps draw it
+
+  constexpr bool HasOffset() const { return offset != OffsetPlace::kNone; }
+  constexpr std::size_t ParameterCount() const {
+    std::size_t count = 0;
+    while (count < kMostParameters && !parameters[count].name.empty()) ++count;
+    return count;
+  }
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,20 @@
+// The folded normal distribution: the magnitude of a normal variable, shifted by the threshold.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct FoldedNormal {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kFoldedNormal,
+      .name = "FoldedNormal",
+      .offset = OffsetPlace::kWithX,
+      .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
+      .testCode = 13,
+      .curves = {"FoldedNormal", "iFoldedNormal", "FoldeNormal"}};
+};
+
+extern template class Distribution<FoldedNormal>;
+
+}  // namespace brenvolt

@@ -1,0 +1,24 @@
+// Mixtures of normal distributions, one component at least; the proportions add up to 1 within
+// kTotalTolerance and count relative to their sum. The quantile is a safeguarded iteration on the smaller
+// tail and always ends with a value. Between components that lie far apart the distribution function is flat:
+// there the quantile is one of many x of the same probability.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct GaussianMixture {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kGaussianMixture,
+      .name = "GaussianMixture",
+      .isUserDefined = true,
+      .parameters = {{{"proportion", ParameterRange::kProportion},
+                      {"mean", ParameterRange::kFinite},
+                      {"standard deviation", ParameterRange::kPositive}}},
+      .testCode = 15};
+};
+
+extern template class Distribution<GaussianMixture>;
+
+}  // namespace brenvolt

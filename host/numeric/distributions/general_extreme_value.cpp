@@ -1,0 +1,72 @@
+// The generalized extreme value distribution: P(X <= x) = exp(-exp(-w)), w = ln(1 + shape z) / shape, z = (x
+// - location) / scale; w = z, the Gumbel distribution, at shape 0. Jenkinson (1955).
+#include "host/numeric/distributions/general_extreme_value.h"
+
+#include <array>
+
+#include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/special/gamma_moments.h"
+#include "host/numeric/special/log_one_plus.h"
+#include "host/numeric/vector/vector_forms.h"
+
+namespace brenvolt {
+template <>
+struct FormulasOf<GeneralExtremeValue> {
+  double location;
+  double scale;
+  double shape;
+
+  // w; infinite beyond the ends of the support.
+  double Reduced(double x) const { return LogOnePlusAt(x, location, scale, shape); }
+
+  // The x at the reduced value w.
+  double AtReduced(double w) const { return location + scale * InverseLogOnePlus(w, shape); }
+
+  // At a finite upper end the density is 0, finite or infinite as the shape is above, at or below -1; beyond
+  // an end, and at a lower one, it is 0.
+  double LogDensityAtEnd(double x) const {
+    const bool isUpperEnd = shape <= -1.0 && x == location - scale / shape;
+    if (!isUpperEnd) return -kInfinity;
+    return shape == -1.0 ? -std::log(scale) : kInfinity;
+  }
+
+  double LogDensity(double x) const {
+    if (std::isinf(x)) return -kInfinity;
+    const double w = Reduced(x);
+    if (std::isinf(w)) return LogDensityAtEnd(x);
+    return -(1.0 + shape) * w - std::exp(-w) - std::log(scale);
+  }
+
+  double Density(double x) const {
+    if (std::isinf(x)) return 0.0;
+    const double w = Reduced(x);
+    if (std::isinf(w)) return std::exp(LogDensityAtEnd(x));
+    return std::exp(-(1.0 + shape) * w - std::exp(-w)) / scale;
+  }
+
+  double Cdf(double x) const { return vector_forms::GevCdf(x, location, scale, shape); }
+  void Cdf(In x, Out out) const { vector_forms::GevCdf(x, location, scale, shape, out); }
+  double Complement(double x) const { return -std::expm1(-std::exp(-Reduced(x))); }
+  double Quantile(double p) const { return vector_forms::GevQuantile(p, location, scale, shape); }
+  void Quantile(In p, Out out) const { vector_forms::GevQuantile(p, location, scale, shape, out); }
+  double ComplementQuantile(double q) const { return AtReduced(-std::log(-std::log1p(-q))); }
+
+  double Mean() const { return location + scale * GammaPowerMean(shape); }
+  double Variance() const { return scale * scale * GammaPowerVariance(shape); }
+
+  double LogLikelihood(In sorted) const {
+    std::array<double, estimation::kBlock> buffer;
+    const double sum = estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      const Out w(buffer.data(), x.size());
+      LogOnePlusOverShape(x, location, scale, shape, w);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = -w[i];
+      elementary::Exp(out, out);
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = -(1 + shape) * w[i] - out[i];
+    });
+    return sum - static_cast<double>(sorted.size()) * std::log(scale);
+  }
+};
+
+template class Distribution<GeneralExtremeValue>;
+
+}  // namespace brenvolt

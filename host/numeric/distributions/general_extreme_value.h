@@ -1,0 +1,22 @@
+// The generalized extreme value distribution. A positive shape means a heavy upper tail, a negative one a
+// finite upper end; smooth through shape 0, the Gumbel distribution.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct GeneralExtremeValue {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kGeneralExtremeValue,
+                                            .name = "GeneralExtremeValue",
+                                            .formulaName = "GeneralizedExtremeValue",
+                                            .parameters = {{{"location", ParameterRange::kFinite},
+                                                            {"scale", ParameterRange::kPositive},
+                                                            {"shape", ParameterRange::kFinite}}},
+                                            .testCode = 17,
+                                            .curves = {"GEV", "IGEV"}};
+};
+
+extern template class Distribution<GeneralExtremeValue>;
+
+}  // namespace brenvolt

@@ -1,0 +1,22 @@
+// The generalized Pareto distribution. A positive shape means a heavy upper tail, a negative one a finite
+// upper end; smooth through shape 0, the exponential distribution.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct GeneralPareto {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kGeneralPareto,
+      .name = "GeneralPareto",
+      .formulaName = "GeneralizedPareto",
+      .offset = OffsetPlace::kFirst,
+      .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kFinite}}},
+      .testCode = 18,
+      .curves = {"GPD", "IGPD"}};
+};
+
+extern template class Distribution<GeneralPareto>;
+
+}  // namespace brenvolt

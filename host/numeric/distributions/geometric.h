@@ -1,0 +1,21 @@
+// The geometric distribution: failures, 0, 1, 2, …, before the first success, of probability `proportion`.
+// There is none at proportion 0, where no success ever comes.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Geometric {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kGeometric,
+      .name = "Geometric",
+      .isContinuous = false,
+      .parameters = {{{"proportion", ParameterRange::kPositiveProportion}}},
+      .testCode = 22,
+      .curves = {"Geom", "iGeom"}};
+};
+
+extern template class Distribution<Geometric>;
+
+}  // namespace brenvolt

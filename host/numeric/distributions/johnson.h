@@ -1,0 +1,24 @@
+// The four families of Johnson (1949): z = gamma + delta g((x - xi) / lambda) is standard normal; g is ln
+// (type 1, SL), asinh (2, SU), logit (3, SB), the identity (4, SN). Mean and variance of SB are by
+// quadrature; see johnson_bounded_moments.h.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Johnson {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kJohnson,
+                                            .name = "Johnson",
+                                            .parameters = {{{"type", ParameterRange::kJohnsonFamily},
+                                                            {"gamma", ParameterRange::kFinite},
+                                                            {"delta", ParameterRange::kPositive},
+                                                            {"lambda", ParameterRange::kPositive},
+                                                            {"xi", ParameterRange::kFinite}}},
+                                            .testCode = 16,
+                                            .curves = {"Johnson", "iJohnson"}};
+};
+
+extern template class Distribution<Johnson>;
+
+}  // namespace brenvolt

@@ -1,0 +1,81 @@
+// The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
+#include "host/numeric/distributions/log_normal.h"
+
+#include <numbers>
+
+#include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
+
+namespace brenvolt {
+
+template <>
+struct FormulasOf<LogNormal> {
+  double scale;
+  double shape;
+  double threshold;
+
+  // (ln y - scale) / shape for y >= 0. The exponent's share of ln y is an exact product from which `scale` is
+  // taken first, so that a small shape does not magnify the rounding of a large logarithm.
+  double Standardised(double y) const {
+    if (y == 0.0) return -kInfinity;
+    if (std::isinf(y)) return kInfinity;
+    int exponent = 0;
+    double mantissa = std::frexp(y, &exponent);
+    if (mantissa < std::numbers::sqrt2 / 2.0) {
+      mantissa *= 2.0;
+      --exponent;
+    }
+    const double rest = std::fma(exponent, kLogTwoLow, std::log(mantissa));
+    return ((exponent * kLogTwoHigh - scale) + rest) / shape;
+  }
+
+  double Density(double x) const {
+    const double y = x - threshold;
+    if (!(y > 0.0) || std::isinf(y)) return 0.0;
+    const double z = Standardised(y);
+    // y joins the exponent: for a wide shape exp(-z^2 / 2) may underflow where its quotient by y does not.
+    return std::exp(-0.5 * z * z - std::log(y)) * kInverseSqrtTwoPi / shape;
+  }
+
+  double LogDensity(double x) const {
+    const double y = x - threshold;
+    if (!(y > 0.0) || std::isinf(y)) return -kInfinity;
+    const double z = Standardised(y);
+    return -0.5 * z * z - std::log(y) - std::log(shape) - kLogSqrtTwoPi;
+  }
+
+  double Cdf(double x) const { return vector_forms::LognormalCdf(x, scale, shape, threshold); }
+  void Cdf(In x, Out out) const { vector_forms::LognormalCdf(x, scale, shape, threshold, out); }
+
+  double Complement(double x) const {
+    const double y = x - threshold;
+    return y > 0.0 ? StandardNormalCdf(-Standardised(y)) : 1.0;
+  }
+
+  double Quantile(double p) const { return vector_forms::LognormalQuantile(p, scale, shape, threshold); }
+  void Quantile(In p, Out out) const { vector_forms::LognormalQuantile(p, scale, shape, threshold, out); }
+
+  double ComplementQuantile(double q) const {
+    return threshold + std::exp(scale - shape * StandardNormalQuantile(q));
+  }
+
+  double Mean() const { return threshold + std::exp(scale + 0.5 * shape * shape); }
+  double Variance() const { return LognormalVariance(shape * shape, 2.0 * (scale + shape * shape)); }
+
+  double LogLikelihood(In sorted) const {
+    const double sum = estimation::SumOverBlocks(sorted, [&](In x, Out out) {
+      for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] - threshold;
+      elementary::Log(out, out);
+      for (double& l : out) {
+        const double z = (l - scale) / shape;
+        l = -0.5 * z * z - l;
+      }
+    });
+    return sum - static_cast<double>(sorted.size()) * (std::log(shape) + kLogSqrtTwoPi);
+  }
+};
+
+template class Distribution<LogNormal>;
+
+}  // namespace brenvolt

@@ -1,0 +1,20 @@
+// The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct LogNormal {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kLogNormal,
+      .name = "LogNormal",
+      .offset = OffsetPlace::kWithX,
+      .parameters = {{{"scale", ParameterRange::kFinite}, {"shape", ParameterRange::kPositive}}},
+      .testCode = 9,
+      .curves = {"Lognorm", "iLognorm"}};
+};
+
+extern template class Distribution<LogNormal>;
+
+}  // namespace brenvolt

@@ -1,0 +1,19 @@
+// The normal distribution: mean `location`, standard deviation `scale`.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Normal {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kNormal,
+      .name = "Normal",
+      .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
+      .testCode = 1,
+      .curves = {"Normal", "iNormal"}};
+};
+
+extern template class Distribution<Normal>;
+
+}  // namespace brenvolt

@@ -1,0 +1,19 @@
+// The Poisson distribution of counts 0, 1, 2, …
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Poisson {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kPoisson,
+                                            .name = "Poisson",
+                                            .isContinuous = false,
+                                            .parameters = {{{"mean", ParameterRange::kPositive}}},
+                                            .testCode = 20,
+                                            .curves = {"Poisson", "iPoisson"}};
+};
+
+extern template class Distribution<Poisson>;
+
+}  // namespace brenvolt

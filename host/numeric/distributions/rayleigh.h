@@ -1,0 +1,19 @@
+// The Rayleigh distribution: the length of a plane normal vector with deviation `scale` along each axis.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Rayleigh {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kRayleigh,
+                                            .name = "Rayleigh",
+                                            .offset = OffsetPlace::kWithX,
+                                            .parameters = {{{"scale", ParameterRange::kPositive}}},
+                                            .testCode = 12,
+                                            .curves = {"Rayl", "IRayl"}};
+};
+
+extern template class Distribution<Rayleigh>;
+
+}  // namespace brenvolt

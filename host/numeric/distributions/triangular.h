@@ -1,0 +1,20 @@
+// The triangular distribution: min <= mode <= max, min < max.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Triangular {
+  static constexpr DistributionFacts kFacts{.code = DistributionCode::kTriangular,
+                                            .name = "Triangular",
+                                            .parameters = {{{"min", ParameterRange::kFinite},
+                                                            {"max", ParameterRange::kFinite},
+                                                            {"mode", ParameterRange::kFinite}}},
+                                            .testCode = 19,
+                                            .curves = {"Triangular", "iTriangular"}};
+};
+
+extern template class Distribution<Triangular>;
+
+}  // namespace brenvolt

@@ -1,0 +1,20 @@
+// The Weibull distribution: `scale` is the characteristic life.
+#pragma once
+
+#include "host/numeric/distributions/distribution.h"
+
+namespace brenvolt {
+
+struct Weibull {
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kWeibull,
+      .name = "Weibull",
+      .offset = OffsetPlace::kLast,
+      .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kPositive}}},
+      .testCode = 10,
+      .curves = {"weibull", "iWeibull"}};
+};
+
+extern template class Distribution<Weibull>;
+
+}  // namespace brenvolt
