@@ -39,7 +39,8 @@ ROOMS = (
     Room("host/models", "host/models/kinds", "third-party"),
     Room("host/graphs", "host/tables host/statistics host/formula", "third-party"),
     Room("host/analysis", "host/controls host/tables host/graphs host/automation", "third-party"),
-    Room("host/application", "host", "third-party"),
+    Room("host/application", "host/models host/analysis", "third-party"),
+    Room("host/jobs", "host/application", "third-party"),
     Room("host/drawing", "host/graphs", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.
@@ -218,6 +219,8 @@ SELF_TESTS = (
     ("host/models/a.cpp", '"host/models/kinds/b.h"', None),
     ("host/application/a.cpp", '"host/analysis/b.h"', None),
     ("host/application/a.cpp", '"host/drawing/d.h"', "host/drawing"),
+    ("host/application/a.cpp", '"host/jobs/j.h"', "host/jobs"),
+    ("host/jobs/a.cpp", '"host/application/b.h"', None),
     ("host/application/a.cpp", "<brv_sra/frame/f.h>", "brv_sra/frame"),
     ("host/graphs/a.cpp", "<QPainter>", "<QPainter>: drawing header"),
     ("host/drawing/a.cpp", "<QPainter>", None),

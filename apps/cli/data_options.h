@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/application/json_text.h"
-#include "host/application/project_files.h"
+#include "host/jobs/project_files.h"
 
 namespace brenvolt::cli {
 

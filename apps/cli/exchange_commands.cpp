@@ -5,8 +5,8 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/recording.h"
 #include "apps/cli/session.h"
-#include "host/application/exchange.h"
 #include "host/base/utf8.h"
+#include "host/jobs/exchange.h"
 
 namespace brenvolt::cli {
 namespace {

@@ -12,12 +12,12 @@
 #include "apps/cli/fit_report.h"
 #include "apps/cli/recording.h"
 #include "apps/cli/session.h"
-#include "host/application/dialog_words.h"
-#include "host/application/fit_graphs.h"
 #include "host/automation/variable_list.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/jobs/dialog_words.h"
+#include "host/jobs/fit_graphs.h"
 
 namespace brenvolt::cli {
 namespace {

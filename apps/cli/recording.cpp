@@ -3,8 +3,8 @@
 #include <string>
 
 #include "apps/cli/session.h"
-#include "host/application/project_files.h"
 #include "host/base/output_file.h"
+#include "host/jobs/project_files.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "host/analysis/analysis_table_doc.h"
-#include "host/application/job_recorder.h"
+#include "host/jobs/job_recorder.h"
 
 namespace brenvolt::cli {
 

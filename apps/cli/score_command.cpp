@@ -4,7 +4,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/recording.h"
-#include "host/application/exchange.h"
+#include "host/jobs/exchange.h"
 
 namespace brenvolt::cli {
 namespace {

@@ -9,9 +9,9 @@
 
 #include "host/analysis/terminal_user_interface.h"
 #include "host/application/application.h"
-#include "host/application/job_recorder.h"
 #include "host/application/result_table.h"
 #include "host/base/error.h"
+#include "host/jobs/job_recorder.h"
 
 namespace brenvolt::cli {
 

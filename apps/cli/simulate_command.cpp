@@ -11,9 +11,9 @@
 #include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
-#include "host/application/dialog_words.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/jobs/dialog_words.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {

@@ -7,11 +7,11 @@
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/analysis/result_columns.h"
-#include "host/application/dialog_words.h"
-#include "host/application/exchange.h"
-#include "host/application/fit_graphs.h"
-#include "host/application/project_files.h"
 #include "host/base/almost_equal.h"
+#include "host/jobs/dialog_words.h"
+#include "host/jobs/exchange.h"
+#include "host/jobs/fit_graphs.h"
+#include "host/jobs/project_files.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace py = pybind11;

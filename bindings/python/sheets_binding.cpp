@@ -9,8 +9,8 @@
 #include "bindings/python/module.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
-#include "host/application/project_files.h"
 #include "host/base/error.h"
+#include "host/jobs/project_files.h"
 #include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "host/application/job_recorder.h"
+#include "host/jobs/job_recorder.h"
 
 namespace brenvolt {
 

@@ -1,10 +1,10 @@
-#include "host/application/project_files.h"
+#include "host/jobs/project_files.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "host/application/dialog_words.h"
 #include "host/base/error.h"
+#include "host/jobs/dialog_words.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
@@ -63,6 +63,11 @@ bool HasEnding(const std::filesystem::path& path, std::string_view ending) {
 
 bool HasProjectEnding(const std::filesystem::path& path) {
   return HasEnding(path, kProjectEnding);
+}
+
+void CheckProjectEnding(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  if (HasProjectEnding(path)) return;
+  faults.push_back({std::string(field), "expected a file ending in .bvw, got " + path.string()});
 }
 
 DataFile OpenProject(const std::filesystem::path& path) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/application/application.h"
+#include "host/jobs/job_fault.h"
 
 namespace brenvolt {
 
@@ -17,6 +18,9 @@ namespace brenvolt {
 bool HasEnding(const std::filesystem::path& path, std::string_view ending);
 // True where the name ends as those of project files do.
 bool HasProjectEnding(const std::filesystem::path& path);
+
+// Adds a fault of the field where the name does not end so.
+void CheckProjectEnding(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
 // Opens an existing project; throws Error when the file is none.
 DataFile OpenProject(const std::filesystem::path& path);

@@ -1,4 +1,4 @@
-#include "host/application/fit_graphs.h"
+#include "host/jobs/fit_graphs.h"
 
 #include <memory>
 #include <nlohmann/json.hpp>

@@ -1,9 +1,9 @@
-#include "host/application/exchange.h"
+#include "host/jobs/exchange.h"
 
 #include <utility>
 
-#include "host/application/project_files.h"
 #include "host/base/error.h"
+#include "host/jobs/project_files.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {

@@ -1,4 +1,4 @@
-#include "host/application/dialog_words.h"
+#include "host/jobs/dialog_words.h"
 
 #include <gtest/gtest.h>
 

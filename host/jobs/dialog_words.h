@@ -4,9 +4,10 @@
 #pragma once
 
 #include <array>
-#include <map>
 #include <string>
 #include <string_view>
+
+#include "host/jobs/job_fault.h"
 
 namespace brenvolt {
 
@@ -27,8 +28,6 @@ const FittedType* FindFittedType(std::string_view name);
 // All names, separated by commas.
 std::string FittedTypeNames();
 
-// A choice among radio buttons, and the dialog's member.
-using Choices = std::map<std::string, std::string_view>;
 // Of the fit specification: the test that ranks continuous and discrete variables, the bins of the chi-square
 // test, and what is left out with a missing value.
 extern const Choices kCriteria;

@@ -1,4 +1,4 @@
-#include "host/application/job_recorder.h"
+#include "host/jobs/job_recorder.h"
 
 namespace brenvolt {
 namespace {

@@ -1,0 +1,48 @@
+#include "host/jobs/job_fault.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "host/base/number_text.h"
+
+namespace brenvolt {
+namespace {
+
+std::string Prefix(const std::string& about) {
+  return about.empty() ? about : Quoted(about) + ": ";
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view text) {
+  return "'" + std::string(text) + "'";
+}
+
+void CheckWord(std::string_view field, const std::string& word, const Choices& choices, JobFaults& faults) {
+  if (choices.contains(word)) return;
+  std::string words;
+  for (const auto& [choice, member] : choices) words += (words.empty() ? "" : ", ") + choice;
+  faults.push_back({std::string(field), "expected one of " + words + "; got " + Quoted(word)});
+}
+
+void CheckWholeNumber(std::string_view field, double value, double fewest, double most, JobFaults& faults,
+                      const std::string& about) {
+  if (value == std::floor(value) && value >= fewest && value <= most) return;
+  faults.push_back({std::string(field), Prefix(about) + "expected a whole number from " +
+                                            ShortestNumber(fewest) + " to " + ShortestNumber(most) +
+                                            ", got " + ShortestNumber(value)});
+}
+
+void CheckNumber(std::string_view field, double value, JobFaults& faults, const std::string& about) {
+  if (std::isfinite(value)) return;
+  faults.push_back(
+      {std::string(field), Prefix(about) + "expected a finite number, got " + ShortestNumber(value)});
+}
+
+void CheckOnce(std::string_view field, std::vector<std::string> things, JobFaults& faults) {
+  std::ranges::sort(things);
+  const auto twice = std::ranges::adjacent_find(things);
+  if (twice != things.end()) faults.push_back({std::string(field), Quoted(*twice) + " is given twice"});
+}
+
+}  // namespace brenvolt
