@@ -17,7 +17,7 @@ ProfilerDesign ForestDesign(int depth) {
   ProfilerDesign design;
   const auto model =
       std::make_shared<const PredictionModel>(PredictionModel::Parse(Planter().Plant(depth).text, "forest"));
-  MergeModels(design, std::span(&model, 1), nullptr);
+  (void)MergeModels(design, std::span(&model, 1), nullptr);
   for (ProfilerPredictor& predictor : design.predictors) {
     predictor.setting = PredictorSetting::kRandom;
     predictor.specification.values = {0.5, 0.2};
@@ -33,9 +33,9 @@ void RunForest(benchmark::State& state) {
   design.simulateCorrelations = state.range(1) != 0;
   HeadlessUserInterface port;
   for (auto _ : state) {
-    const ProfilerRun run = RunProfiler(design, port);
-    if (run.output == nullptr) return state.SkipWithError(run.message.c_str());
-    const Graph graph = ProfileGraph(ColumnsOf(*run.output, design.predictors.size(), design), port);
+    const Result<ProfilerRun> run = RunProfiler(design, port);
+    if (!run) return state.SkipWithError("failed");
+    const Graph graph = ProfileGraph(ColumnsOf(*run->output, design.predictors.size(), design), port);
     benchmark::DoNotOptimize(graph.panels.data());
   }
 }

@@ -65,7 +65,7 @@ bool Fill(const SimulationDesign& design, std::span<const double> target, std::s
   HeadlessUserInterface port;
   SeedRandomStream(true, 1);
   if (InducesCorrelation(design.method))
-    return InduceRankCorrelation(design, target, matrix, port).status == SimulationStatus::kSuccess;
+    return static_cast<bool>(InduceRankCorrelation(design, target, matrix, port));
   const auto progress =
       CKroProgressBar::new_ProgressBar(port, "", static_cast<std::int64_t>(matrix.size() + 1));
   return design.method == SimulationMethod::kLatinHypercube

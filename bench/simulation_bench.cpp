@@ -36,7 +36,7 @@ struct Job {
   bool Run() {
     SeedRandomStream(true, 1);
     if (design.method >= SimulationMethod::kImanConover)
-      return InduceRankCorrelation(design, target, matrix, port).status == SimulationStatus::kSuccess;
+      return static_cast<bool>(InduceRankCorrelation(design, target, matrix, port));
     const auto progress =
         CKroProgressBar::new_ProgressBar(port, "", static_cast<std::int64_t>(matrix.size()));
     return design.method == SimulationMethod::kLatinHypercube

@@ -44,9 +44,10 @@ ROOMS = (
     Room("host/drawing", "host/graphs", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.
+    Room("brv_sra/base", "host", ""),
     Room("brv_sra/resources", "host", ""),
-    Room("brv_sra/distributions", "brv_sra/resources", ""),
-    Room("brv_sra/matrix", "brv_sra/resources", ""),
+    Room("brv_sra/distributions", "brv_sra/base brv_sra/resources", ""),
+    Room("brv_sra/matrix", "brv_sra/base", ""),
     Room("brv_sra/fitting", "brv_sra/distributions brv_sra/matrix", ""),
     Room("brv_sra/simulation", "brv_sra/distributions brv_sra/matrix", ""),
     Room("brv_sra/profiler", "brv_sra/fitting brv_sra/simulation", ""),
@@ -63,6 +64,9 @@ ROOMS = (
 )
 # Where the table names no folder below it, a name that stands for several.
 GROUPS = ("host", "host/numeric", "brv_sra")
+# The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
+TEXTS = "brv_sra/resources"
+WITHOUT_TEXTS = ("brv_sra/base", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation", "brv_sra/profiler")
 # What a *_test file may include beyond what its subject may: the other folders of the same part of the tree
 # (host/numeric, brv_sra/profiler), the test framework's headers and these.
 TEST_FRAMEWORK = ("gtest/", "gmock/")
@@ -150,6 +154,8 @@ def fault(path, target):
     room, folder = room_of(path), folder_of(target)
     if folder != room.folder and folder not in reachable(named_folders(room.folders)) and not is_beside(path, folder):
         return folder
+    if folder == TEXTS and room.folder in WITHOUT_TEXTS:
+        return f"{target}: texts belong to dialogs"
     if is_dialog(target) and path.startswith("brv_sra/") and folder != room.folder and room.folder != "brv_sra/module":
         return f"{target}: a dialog of another folder"
     return None
@@ -229,6 +235,13 @@ SELF_TESTS = (
     ("host/tables/a_test.cpp", '"host/formula/f.h"', "host/formula"),
     ("brv_sra/distributions/a.cpp", "<cmath>", None),
     ("brv_sra/distributions/a.cpp", '"brv_sra/resources/strings.h"', None),
+    ("brv_sra/fitting/a.cpp", '"brv_sra/resources/strings.h"',
+     "brv_sra/resources/strings.h: texts belong to dialogs"),
+    ("brv_sra/profiler/a_test.cpp", '"brv_sra/resources/resource_numbers.h"',
+     "brv_sra/resources/resource_numbers.h: texts belong to dialogs"),
+    ("brv_sra/profiler/dialogs/a.cpp", '"brv_sra/resources/strings.h"', None),
+    ("brv_sra/matrix/a.cpp", '"brv_sra/base/fault.h"', None),
+    ("brv_sra/base/a.h", '"brv_sra/distributions/catalogue.h"', "brv_sra/distributions"),
     ("brv_sra/resources/a.cpp", '"brv_sra/distributions/catalogue.h"', "brv_sra/distributions"),
     ("brv_sra/distributions/a.cpp", "<boost/math/x.hpp>", "<boost/math/x.hpp>: third-party header"),
     ("brv_sra/distributions/a.cpp", '"json.hpp"', "<json.hpp>: third-party header"),

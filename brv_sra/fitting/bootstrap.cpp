@@ -8,9 +8,6 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/law.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "brv_sra/resources/computing_progress.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/base/cancellation.h"
 #include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
@@ -178,7 +175,7 @@ RandomStream StreamOf(std::int32_t seed, const VariableFit& variable, Distributi
 }  // namespace
 
 void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiSquareBinning binning,
-                  ProgressPort& port) {
+                  const RunProgress& bars) {
   const Schedule schedule(jobs, samples);
   if (schedule.Samples() == 0) return;
   std::vector<Tallies> tallies(jobs.size());
@@ -197,7 +194,7 @@ void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiS
       }
     }
   };
-  const auto progress = Computing(port, static_cast<std::size_t>(schedule.Samples()) + 1);
+  const auto progress = Computing(bars, static_cast<std::size_t>(schedule.Samples()) + 1);
   progress->ShowNow();
   ParallelForWatched(schedule.Workers(), work, [&] {
     try {
@@ -215,7 +212,7 @@ void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiS
 }
 
 void BootstrapResults(std::vector<VariableFit>& results, const FitSpecification& specification,
-                      ProgressPort& port) {
+                      const RunProgress& bars) {
   if (specification.bootstrapSamples <= 0) return;
   const std::size_t continuous = specification.continuous.size();
   std::vector<BootstrapJob> jobs;
@@ -238,7 +235,7 @@ void BootstrapResults(std::vector<VariableFit>& results, const FitSpecification&
       jobs.push_back(std::move(job));
     }
   }
-  RunBootstrap(jobs, specification.bootstrapSamples, specification.binning, port);
+  RunBootstrap(jobs, specification.bootstrapSamples, specification.binning, bars);
 }
 
 }  // namespace brenvolt::sra

@@ -23,9 +23,9 @@
 #include <span>
 #include <vector>
 
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/fit_state.h"
-#include "host/controls/progress_bar.h"
 #include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {
@@ -39,14 +39,14 @@ struct BootstrapJob {
   std::function<DistributionFit(const SortedSample& sample, const Poll& poll)> estimate;
 };
 
-// Fills the bootstrap result of every job, on all processors, while the calling thread advances a bar on
-// `port`. Jobs without a valid fit, and those left out, keep a result without samples. Memory: a sample, and
-// what its estimate needs, per thread; of large samples few are held at a time. Throws UserCancelled.
+// Fills the bootstrap result of every job, on all processors, while the calling thread advances a bar. Jobs
+// without a valid fit, and those left out, keep a result without samples. Memory: a sample, and what its
+// estimate needs, per thread; of large samples few are held at a time. Throws UserCancelled.
 void RunBootstrap(std::span<const BootstrapJob> jobs, std::int32_t samples, ChiSquareBinning binning,
-                  ProgressPort& port);
+                  const RunProgress& bars);
 
 // The bootstrap of every valid fit of a run, as its fit specification asks for it.
 void BootstrapResults(std::vector<VariableFit>& results, const FitSpecification& specification,
-                      ProgressPort& port);
+                      const RunProgress& bars);
 
 }  // namespace brenvolt::sra

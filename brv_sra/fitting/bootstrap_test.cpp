@@ -197,7 +197,7 @@ struct BootstrapRun : testing::Test {
     variable.AssignValues(values);
     sheet.AddVariable(std::move(variable));
   }
-  std::vector<VariableFit> Run() { return RunFit(sheet, specification, {}, port); }
+  std::vector<VariableFit> Run() { return *RunFit(sheet, specification, {}, port); }
 };
 
 TEST_F(BootstrapRun, EveryTypeIsDrawnEstimatedAndTested) {
@@ -264,7 +264,7 @@ TEST_F(BootstrapRun, FitThatReproducesTheDataHasPValueOne) {
   specification.discrete = {1};
   specification.discreteSpecifications[0].fit.fill(true);
   specification.bootstrapSamples = 200;
-  const auto results = RunFit(bits, specification, {}, port);
+  const auto results = *RunFit(bits, specification, {}, port);
   for (const DistributionCode code : {kBernoulli, kHistogram}) {
     const DistributionFit& fit = results[0].fits[static_cast<std::size_t>(FlagOfDiscrete(code))];
     EXPECT_EQ(fit.bootstrap.kolmogorovSmirnov, 1);

@@ -20,14 +20,14 @@ Spreadsheet SheetOf(const std::vector<std::vector<double>>& columns) {
 
 FitCorrelations Correlate(const Spreadsheet& sheet, const std::vector<int>& variables,
                           bool casewise = false) {
-  CaseSet cases = AcceptedCases(sheet, true, true);
+  CaseSet cases = *AcceptedCases(sheet, true, true);
   std::vector<std::int16_t> numbers(variables.begin(), variables.end());
   if (casewise) DropIncompleteCases(sheet, numbers, cases);
   return CorrelateVariables(sheet, variables, cases);
 }
 
 bool IsReadable(const FitCorrelations& correlations) {
-  return ReadMatrixFile(*MakeMatrixFile(correlations.file)).IsValid();
+  return static_cast<bool>(ReadMatrixFile(*MakeMatrixFile(correlations.file)));
 }
 
 // Anscombe (1973), the first and the third set: published mean 9 and 7.50, correlation 0.816.

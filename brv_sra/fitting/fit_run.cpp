@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <span>
 #include <utility>
 
-#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/bootstrap.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/base/cancellation.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -37,18 +35,19 @@ struct ReadVariable {
 struct VariableList {
   const std::vector<std::int16_t>& numbers;
   bool continuous;
-  std::int32_t caption;
+  ProgressStage stage;
 };
 
-ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous, const CaseSet& cases,
-                  CKroProgressBar& progress) {
+Result<ReadVariable> Read(const Spreadsheet& sheet, std::int16_t number, bool continuous,
+                          const CaseSet& cases, CKroProgressBar& progress) {
   ReadVariable read;
   read.fit.variableNumber = number;
   read.fit.name = OneLineName(sheet, number);
   read.fit.continuous = continuous;
-  Sample sample = ReadSample(sheet, number, cases, progress);
-  read.fit.moments = sample.moments;
-  read.values = std::move(sample.values);
+  Result<Sample> sample = ReadSample(sheet, number, cases, progress);
+  if (!sample) return sample.Reason();
+  read.fit.moments = sample->moments;
+  read.values = std::move(sample->values);
   return read;
 }
 
@@ -94,35 +93,42 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 
-// A numeric fault names its variable before what else it says.
-void FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification, const Poll& poll) {
+Result<void> FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification,
+                         const Poll& poll) {
   try {
     if (read.fit.continuous) {
       FitContinuousVariable(read, specification.continuousSpecifications[i], specification, poll);
     } else {
       FitDiscreteVariable(read, specification.discreteSpecifications[i], specification, poll);
     }
-  } catch (const NumericalException& error) {
-    const std::string remedy = error.Where().empty() ? "" : "; " + error.Where();
-    throw NumericalException(error.what(), "variable " + read.fit.name + remedy);
+  } catch (const NumericalException&) {
+    return Fault{FaultIdentifier::kPercentilesNotFitted, read.fit.name};
   }
   read.values = {};
+  return {};
 }
 
+// How the fit of a variable ended where it has no result.
+struct Failure {
+  std::exception_ptr exception;
+  std::optional<Fault> fault;
+};
+
 // Fits the variables of a batch, the first of which has the place `first` in its list, on all processors,
-// while this thread shows the progress and looks for cancellation. Of several exceptions, that of the first
-// variable is thrown.
-void FitBatch(std::vector<ReadVariable>& batch, std::size_t first, const FitSpecification& specification,
-              CKroProgressBar& progress) {
+// while this thread shows the progress and looks for cancellation. Of several failures, that of the first
+// variable counts.
+Result<void> FitBatch(std::vector<ReadVariable>& batch, std::size_t first,
+                      const FitSpecification& specification, CKroProgressBar& progress) {
   Cancellation cancellation;
   const Poll poll = [&cancellation] { cancellation.Poll(); };
-  std::vector<std::exception_ptr> failures(batch.size());
+  std::vector<Failure> failures(batch.size());
   const auto fit = [&](std::size_t i) {
     try {
       cancellation.Poll();
-      FitVariable(batch[i], first + i, specification, poll);
+      auto fitted = FitVariable(batch[i], first + i, specification, poll);
+      if (!fitted) failures[i].fault = std::move(fitted).Reason();
     } catch (...) {
-      failures[i] = std::current_exception();
+      failures[i].exception = std::current_exception();
     }
   };
   ParallelForWatched(batch.size(), fit, [&] {
@@ -133,56 +139,33 @@ void FitBatch(std::vector<ReadVariable>& batch, std::size_t first, const FitSpec
       throw;
     }
   });
-  for (const std::exception_ptr& failure : failures) {
-    if (failure) std::rethrow_exception(failure);
+  for (const Failure& failure : failures) {
+    if (failure.exception) std::rethrow_exception(failure.exception);
+    if (failure.fault) return *failure.fault;
   }
+  return {};
 }
 
-void FitList(const VariableList& list, const Spreadsheet& sheet, const FitSpecification& specification,
-             const CaseSet& cases, ProgressPort& port, std::vector<VariableFit>& results) {
-  if (list.numbers.empty()) return;
-  const auto steps = static_cast<std::int64_t>(list.numbers.size() * cases.cases.size() + 1);
-  const auto progress = CKroProgressBar::new_ProgressBar(port, ResourceString(list.caption), steps);
+Result<void> FitList(const VariableList& list, const Spreadsheet& sheet,
+                     const FitSpecification& specification, const CaseSet& cases, const RunProgress& bars,
+                     std::vector<VariableFit>& results) {
+  if (list.numbers.empty()) return {};
+  const auto progress = bars.Bar(list.stage, list.numbers.size() * cases.cases.size() + 1);
   progress->ShowNow();
   for (std::size_t next = 0; next < list.numbers.size();) {
     const std::size_t first = next;
     std::vector<ReadVariable> batch;
     for (std::size_t held = 0; next < list.numbers.size() && held < kBatchValues; ++next) {
-      batch.push_back(Read(sheet, list.numbers[next], list.continuous, cases, *progress));
+      Result<ReadVariable> read = Read(sheet, list.numbers[next], list.continuous, cases, *progress);
+      if (!read) return read.Reason();
+      batch.push_back(*std::move(read));
       held += batch.back().values.size();
     }
-    FitBatch(batch, first, specification, *progress);
+    if (auto fitted = FitBatch(batch, first, specification, *progress); !fitted) return fitted;
     for (ReadVariable& read : batch) results.push_back(std::move(read.fit));
   }
   progress->Step();
-}
-
-std::string WhyInvalid(const VariableFit& fit) {
-  if (fit.moments.count == 0) return "no valid values";
-  if (fit.invalid) return fit.moments.count == 1 ? "a single valid value" : "all values equal";
-  if (fit.fits.size() == 1) {
-    return std::string(DisplayName(fit.fits.front().specification.code)) + " cannot be fitted";
-  }
-  return "no distribution can be fitted";
-}
-
-// "a, b: all values equal; c: no valid values", of many variables the first.
-std::string WhyNoneIsValid(const std::vector<VariableFit>& results) {
-  constexpr std::size_t kNamed = 8;
-  std::vector<std::pair<std::string, std::string>> reasons;  // with the names of their variables
-  for (std::size_t i = 0; i < results.size() && i < kNamed; ++i) {
-    const std::string why = WhyInvalid(results[i]);
-    const auto known = std::ranges::find(reasons, why, &std::pair<std::string, std::string>::first);
-    if (known == reasons.end()) {
-      reasons.emplace_back(why, results[i].name);
-    } else {
-      known->second += ", " + results[i].name;
-    }
-  }
-  std::string text;
-  for (const auto& [why, names] : reasons) text += (text.empty() ? "" : "; ") + names + ": " + why;
-  if (results.size() > kNamed) text += "; and " + std::to_string(results.size() - kNamed) + " more";
-  return text;
+  return {};
 }
 
 }  // namespace
@@ -193,12 +176,12 @@ bool FitsDataLimit(std::size_t variables, std::size_t cases) {
   return bytes < kDataLimit;
 }
 
-CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
-                    const CaseOptions& options) {
-  CaseSet cases = AcceptedCases(sheet, options.useSelection, options.useWeights);
-  if (specification.deletion == DeletionMode::kCasewise) {
-    DropIncompleteCases(sheet, specification.continuous, cases);
-    DropIncompleteCases(sheet, specification.discrete, cases);
+Result<CaseSet> FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
+                            const CaseOptions& options) {
+  Result<CaseSet> cases = AcceptedCases(sheet, options.useSelection, options.useWeights);
+  if (cases && specification.deletion == DeletionMode::kCasewise) {
+    DropIncompleteCases(sheet, specification.continuous, *cases);
+    DropIncompleteCases(sheet, specification.discrete, *cases);
   }
   return cases;
 }
@@ -211,30 +194,30 @@ std::string OneLineName(const Spreadsheet& sheet, int number) {
   return std::string(Trim(name));
 }
 
-std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
-                                const CaseOptions& options, ProgressPort& port, CaseCounts* counts) {
+Result<std::vector<VariableFit>> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
+                                        const CaseOptions& options, const RunProgress& bars,
+                                        CaseCounts* counts) {
   const std::size_t selected = specification.continuous.size() + specification.discrete.size();
-  if (!FitsDataLimit(selected, sheet.CaseCount())) {
-    throw CDispatchException(std::string(ResourceString(kMsgDatasetTooLarge)));
-  }
-  const CaseSet cases = FittedCases(sheet, specification, options);
+  if (!FitsDataLimit(selected, sheet.CaseCount())) return Fault{FaultIdentifier::kDataTooLarge};
+  const Result<CaseSet> cases = FittedCases(sheet, specification, options);
+  if (!cases) return cases.Reason();
   if (counts != nullptr) {
-    *counts = {static_cast<std::int32_t>(sheet.CaseCount()), cases.selected,
+    *counts = {static_cast<std::int32_t>(sheet.CaseCount()), cases->selected,
                options.useWeights && sheet.WeightVariable().has_value()};
   }
   std::vector<VariableFit> results;
-  FitList({specification.continuous, true, kProgressContinuousVariables}, sheet, specification, cases, port,
-          results);
-  FitList({specification.discrete, false, kProgressDiscreteVariables}, sheet, specification, cases, port,
-          results);
-  const bool anyValid =
-      std::ranges::any_of(results, [](const VariableFit& fit) { return !fit.invalid && fit.HasValidFit(); });
-  if (specification.deletion == DeletionMode::kPairwise && !anyValid) {
-    const std::string where = WhyNoneIsValid(results);
-    throw NoValidVariables(std::string(ResourceString(kMsgNoValidVariables)), where, std::move(results));
+  for (const VariableList& list :
+       {VariableList{specification.continuous, true, ProgressStage::kContinuousVariables},
+        VariableList{specification.discrete, false, ProgressStage::kDiscreteVariables}}) {
+    auto fitted = FitList(list, sheet, specification, *cases, bars, results);
+    if (!fitted) return fitted.Reason();
   }
-  BootstrapResults(results, specification, port);
+  BootstrapResults(results, specification, bars);
   return results;
+}
+
+bool AnyIsFitted(const std::vector<VariableFit>& results) {
+  return std::ranges::any_of(results, &VariableFit::HasValidFit);
 }
 
 }  // namespace brenvolt::sra

@@ -2,13 +2,12 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/fitting/sample_reader.h"
-#include "host/base/error.h"
-#include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
@@ -24,29 +23,24 @@ struct CaseOptions {
 bool FitsDataLimit(std::size_t variables, std::size_t cases);
 
 // The cases that a fit uses, by the sheet's selection and weights and the fit specification's deletion mode.
-// Throws CDispatchException as AcceptedCases does.
-CaseSet FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
-                    const CaseOptions& options);
+// The faults are those of AcceptedCases.
+Result<CaseSet> FittedCases(const Spreadsheet& sheet, const FitSpecification& specification,
+                            const CaseOptions& options);
 
 // The name of a variable (number from 1) on one line, without blanks around it.
 std::string OneLineName(const Spreadsheet& sheet, int number);
 
-// Message 10281 with the reasons, and what is known of the variables all the same.
-class NoValidVariables : public CDispatchException {
- public:
-  NoValidVariables(const std::string& what, std::string where, std::vector<VariableFit> fits)
-      : CDispatchException(what, std::move(where)), results(std::move(fits)) {}
-  std::vector<VariableFit> results;
-};
-
 // Fits the continuous variables, then the discrete ones, on all processors; the results depend neither on
 // their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and
-// cancellation reach `port` on the calling thread only. Where a number of mixtures was out of its bounds,
-// VariableFit::mixtures holds the number taken, and the caller shows message 10083, once for all variables.
-// `counts`, where given, takes the numbers of cases. Throws CDispatchException with the text to show: data
-// too large (10013), case weights that are not whole (10012); NoValidVariables (pairwise only);
-// NumericalException from the data; UserCancelled.
-std::vector<VariableFit> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
-                                const CaseOptions& options, ProgressPort& port, CaseCounts* counts = nullptr);
+// cancellation reach the port on the calling thread only. Where a number of mixtures was out of its bounds,
+// VariableFit::mixtures holds the number taken, and the caller says so, once for all variables. `counts`,
+// where given, takes the numbers of cases. kDataTooLarge, or a fault of the weights, of a value or of a
+// variable's percentiles; of several variables that of the first. Throws UserCancelled.
+Result<std::vector<VariableFit>> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
+                                        const CaseOptions& options, const RunProgress& bars,
+                                        CaseCounts* counts = nullptr);
+
+// Whether any variable has a valid fit.
+bool AnyIsFitted(const std::vector<VariableFit>& results);
 
 }  // namespace brenvolt::sra

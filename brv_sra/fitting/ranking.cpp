@@ -3,9 +3,6 @@
 #include <cmath>
 #include <map>
 
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
-
 namespace brenvolt::sra {
 namespace {
 
@@ -44,18 +41,6 @@ std::optional<std::size_t> DefaultFit(std::span<const DistributionFit> fits,
     if (fits[index].IsValid()) return index;
   }
   return std::nullopt;
-}
-
-std::string RankingTitle(RankingCriterion criterion) {
-  switch (criterion) {
-    case RankingCriterion::kChiSquare:
-      return std::string(ResourceString(kTitleRankedByChiSquare));
-    case RankingCriterion::kAndersonDarling:
-      return std::string(ResourceString(kTitleRankedByAndersonDarling));
-    case RankingCriterion::kKolmogorovSmirnov:
-      break;
-  }
-  return std::string(ResourceString(kTitleRankedByKolmogorovSmirnov));
 }
 
 }  // namespace brenvolt::sra

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "brv_sra/fitting/fit_state.h"
@@ -24,8 +23,5 @@ std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, Ranking
 // is.
 std::optional<std::size_t> DefaultFit(std::span<const DistributionFit> fits,
                                       std::span<const std::size_t> ranked);
-
-// The title of a ranked table: "Ranked by: Kolmogorov-Smirnov".
-std::string RankingTitle(RankingCriterion criterion);
 
 }  // namespace brenvolt::sra

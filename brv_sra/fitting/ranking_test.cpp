@@ -34,8 +34,8 @@ TEST(RankingOrder, EveryCriterionUsesItsOwnStatisticAndTiesKeepTheFixedOrder) {
   };
   for (const Case& c : cases) {
     const auto ranked = RankFits(fits, c.criterion);
-    EXPECT_EQ(ranked, c.ranked) << RankingTitle(c.criterion);
-    EXPECT_EQ(DefaultFit(fits, ranked), c.best) << RankingTitle(c.criterion);
+    EXPECT_EQ(ranked, c.ranked) << static_cast<int>(c.criterion);
+    EXPECT_EQ(DefaultFit(fits, ranked), c.best) << static_cast<int>(c.criterion);
   }
 }
 

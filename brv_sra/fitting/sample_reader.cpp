@@ -5,13 +5,12 @@
 #include <limits>
 #include <string>
 
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
-#include "host/base/error.h"
-
 namespace brenvolt::sra {
 namespace {
 
+using enum FaultIdentifier;
+
+constexpr std::int32_t kMostCases = std::numeric_limits<std::int32_t>::max();
 // How many cases are read between two looks at the clock.
 constexpr std::size_t kProgressStride = 4096;
 // How many copies of a case are added between two looks.
@@ -21,23 +20,11 @@ const Variable& VariableOf(const Spreadsheet& sheet, int number) {
   return sheet.VariableAt(static_cast<std::size_t>(number - 1));
 }
 
-[[noreturn]] void Throw(std::int32_t resource, const std::string& where = {}) {
-  throw CDispatchException(std::string(ResourceString(resource)), where);
-}
-
-// A weight that is no whole number, with its case; the sum of weights, with the variable alone.
-[[noreturn]] void RefuseWeight(const Variable& weights, std::size_t caseIndex) {
-  Throw(kMsgWeightsNotIntegers, "variable " + weights.Name() + ", case " + std::to_string(caseIndex + 1));
-}
-[[noreturn]] void RefuseWeightSum(const Variable& weights) {
-  Throw(kMsgDatasetTooLarge, "the weights in variable " + weights.Name() + " add up to too many cases");
-}
-
-std::int32_t WeightOfCase(const Variable& weights, std::size_t caseIndex) {
-  if (weights.IsMissing(caseIndex)) RefuseWeight(weights, caseIndex);
+Result<std::int32_t> WeightOfCase(const Variable& weights, std::size_t caseIndex) {
   const double weight = weights.Values()[caseIndex];
-  if (!IsWholeNumber(weight) || weight < 0) RefuseWeight(weights, caseIndex);
-  if (weight > std::numeric_limits<std::int32_t>::max()) RefuseWeightSum(weights);
+  if (weights.IsMissing(caseIndex) || !IsWholeNumber(weight) || weight < 0)
+    return Fault{kWeightNotWhole, weights.Name(), std::to_string(caseIndex + 1)};
+  if (weight > kMostCases) return Fault{kWeightsTooLarge, weights.Name()};
   return static_cast<std::int32_t>(std::floor(weight));
 }
 
@@ -54,14 +41,14 @@ void AddCopies(double x, std::int32_t copies, Sample& sample, MomentAccumulator&
 
 }  // namespace
 
-CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights) {
+Result<CaseSet> AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights) {
   CaseSet set;
   const auto weightIndex = sheet.WeightVariable();
   const bool weighted = useWeights && weightIndex.has_value();
   if (weighted && sheet.VariableAt(*weightIndex).Type() == VariableType::kText) {
-    Throw(kMsgWeightsNotIntegers, "variable " + sheet.VariableAt(*weightIndex).Name());
+    return Fault{kWeightsAreText, sheet.VariableAt(*weightIndex).Name()};
   }
-  if (sheet.CaseCount() > std::numeric_limits<std::int32_t>::max()) Throw(kMsgDatasetTooLarge);
+  if (sheet.CaseCount() > kMostCases) return Fault{kDataTooLarge};
   set.cases.reserve(sheet.CaseCount());
   std::int64_t total = 0;
   for (std::size_t i = 0; i < sheet.CaseCount(); ++i) {
@@ -69,11 +56,12 @@ CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeigh
     ++set.selected;
     if (weighted) {
       const Variable& weights = sheet.VariableAt(*weightIndex);
-      const std::int32_t weight = WeightOfCase(weights, i);
-      total += weight;
-      if (total > std::numeric_limits<std::int32_t>::max()) RefuseWeightSum(weights);
-      if (weight == 0) continue;
-      set.weights.push_back(weight);
+      const Result<std::int32_t> weight = WeightOfCase(weights, i);
+      if (!weight) return weight.Reason();
+      total += *weight;
+      if (total > kMostCases) return Fault{kWeightsTooLarge, weights.Name()};
+      if (*weight == 0) continue;
+      set.weights.push_back(*weight);
     }
     set.cases.push_back(static_cast<std::uint32_t>(i));
   }
@@ -95,8 +83,8 @@ void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t>
   if (!set.weights.empty()) set.weights.resize(kept);
 }
 
-Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                  CKroProgressBar& progress) {
+Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
+                          CKroProgressBar& progress) {
   const Variable& variable = VariableOf(sheet, variableNumber);
   const std::span<const double> values = variable.Values();
   Sample sample;
@@ -109,11 +97,8 @@ Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& s
       moments.CountMissing();
       continue;
     }
-    if (std::isinf(x)) {
-      throw NumericalException("variable " + variable.Name() + " holds an infinite value",
-                               "case " + std::to_string(std::uint64_t{set.cases[i]} + 1) +
-                                   "; leave the case out or make the value missing");
-    }
+    if (std::isinf(x))
+      return Fault{kInfiniteValue, variable.Name(), std::to_string(std::uint64_t{set.cases[i]} + 1)};
     const std::int32_t copies = set.weights.empty() ? 1 : set.weights[i];
     AddCopies(x, copies, sample, moments, progress);
   }

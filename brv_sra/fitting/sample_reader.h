@@ -6,6 +6,7 @@
 #include <span>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
@@ -20,10 +21,10 @@ struct CaseSet {
 };
 
 // The cases that the sheet's selection accepts (all where `useSelection` is off), with their weights where
-// `useWeights` is on and the sheet has a weight variable. Throws CDispatchException 10012 when a weight is
-// not a whole number of at least 0 (or at most 15 units in the last place above one), 10013 when the weights
-// add up to more than fits; both name the weight variable.
-CaseSet AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights);
+// `useWeights` is on and the sheet has a weight variable. kWeightNotWhole or kWeightsAreText when a weight is
+// not a whole number of at least 0 (or at most 15 units in the last place above one), kWeightsTooLarge when
+// the weights add up to more than fits; kDataTooLarge.
+Result<CaseSet> AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights);
 
 // Removes the cases in which any of the variables (numbers from 1) is missing.
 void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t> variables, CaseSet& set);
@@ -34,9 +35,8 @@ struct Sample {
 };
 
 // Reads one variable, advancing the bar by one per case; the bar also looks for cancellation while a case of
-// large weight is copied. Throws NumericalException naming variable and case when a value is infinite;
-// UserCancelled through the bar.
-Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                  CKroProgressBar& progress);
+// large weight is copied. kInfiniteValue. Throws UserCancelled through the bar.
+Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
+                          CKroProgressBar& progress);
 
 }  // namespace brenvolt::sra

@@ -4,24 +4,23 @@
 #include <cmath>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::sra {
 namespace {
 
+using enum FaultIdentifier;
 using Codes = std::span<const DistributionCode>;
 
-[[noreturn]] void Refuse(std::int32_t message, DistributionCode code, const VariableFit& variable) {
-  throw CDispatchException(FormatResource(message, DisplayName(code), variable.name));
+Fault Refusal(FaultIdentifier fault, DistributionCode code, const VariableFit& variable) {
+  return {fault, std::string(DisplayName(code)), variable.name};
 }
 
-void RequireDistinct(Codes order, const VariableFit& variable) {
+Result<void> CheckDistinct(Codes order, const VariableFit& variable) {
   for (const DistributionCode code : order) {
-    if (std::ranges::count(order, code) > 1) Refuse(kMsgOrderTwice, code, variable);
+    if (std::ranges::count(order, code) > 1) return Refusal(kDistributionTwice, code, variable);
   }
+  return {};
 }
 
 auto FindUserDefined(const VariableFit& variable, DistributionCode code) {
@@ -63,14 +62,15 @@ std::vector<std::size_t> SavedOrder(const VariableFit& variable) {
   return variable.saving.order.empty() ? DefaultOrder(variable) : variable.saving.order;
 }
 
-void SetSavedOrder(VariableFit& variable, Codes order) {
-  RequireDistinct(order, variable);
+Result<void> SetSavedOrder(VariableFit& variable, Codes order) {
+  if (auto distinct = CheckDistinct(order, variable); !distinct) return distinct;
   std::vector<std::size_t> indices;
   for (const DistributionCode code : order) {
     indices.push_back(FindValidFit(variable, code));
-    if (indices.back() == variable.fits.size()) Refuse(kMsgOrderUnknown, code, variable);
+    if (indices.back() == variable.fits.size()) return Refusal(kDistributionNotFitted, code, variable);
   }
   variable.saving.order = std::move(indices);
+  return {};
 }
 
 std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<const std::size_t> fits) {
@@ -97,14 +97,15 @@ bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code) {
   return FindUserDefined(variable, code) != variable.saving.userDefined.end();
 }
 
-void SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification) {
+Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification) {
   if (IsContinuous(specification.code) != variable.continuous)
-    Refuse(kMsgOrderKind, specification.code, variable);
+    return Refusal(kDistributionOfOtherKind, specification.code, variable);
   if (const auto fault = CheckSpecification(specification)) {
-    throw CDispatchException(fault->message, variable.name);
+    return Fault{kInvalidOwnValues, variable.name, fault->message};
   }
   DropUserDefinedValues(variable, specification.code);
   variable.saving.userDefined.push_back(std::move(specification));
+  return {};
 }
 
 void DropUserDefinedValues(VariableFit& variable, DistributionCode code) {
@@ -125,23 +126,26 @@ std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable) {
   return order;
 }
 
-void SetUserDefinedOrder(VariableFit& variable, Codes order) {
-  RequireDistinct(order, variable);
+Result<void> SetUserDefinedOrder(VariableFit& variable, Codes order) {
+  if (auto distinct = CheckDistinct(order, variable); !distinct) return distinct;
   for (const DistributionCode code : order) {
-    if (UserDefinedSpecification(variable, code) == nullptr) Refuse(kMsgOrderUnknown, code, variable);
+    if (UserDefinedSpecification(variable, code) == nullptr)
+      return Refusal(kDistributionNotFitted, code, variable);
   }
   variable.saving.userDefinedOrder.assign(order.begin(), order.end());
+  return {};
 }
 
-void CheckTruncation(const VariableFit& variable) {
+Result<void> CheckTruncation(const VariableFit& variable) {
   const Truncation& truncation = variable.saving.truncation;
   const bool lacks = (truncation.below && !IsBound(AsStored(truncation.minimum))) ||
                      (truncation.above && !IsBound(AsStored(truncation.maximum)));
-  if (lacks) throw CDispatchException(FormatResource(kMsgTruncationBound, variable.name));
+  if (lacks) return Fault{kTruncationLacksBound, variable.name};
   const bool both = truncation.below && truncation.above;
   if (both && !(AsStored(truncation.minimum) < AsStored(truncation.maximum))) {
-    throw CDispatchException(FormatResource(kMsgTruncationCrossed, variable.name));
+    return Fault{kTruncationBoundsCrossed, variable.name};
   }
+  return {};
 }
 
 VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined) {

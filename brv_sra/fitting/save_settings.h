@@ -1,8 +1,7 @@
 // What is saved of the fits of one variable: which, in which order, with which truncation, and with the
 // person's own values where there are any.
 //
-// Every function that changes settings checks first: on a fault it throws CDispatchException with the text to
-// show and leaves the settings as they were.
+// Every function that changes settings checks first: on a fault the settings stay as they were.
 #pragma once
 
 #include <cstddef>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/fitting/fit_state.h"
 
@@ -22,7 +22,7 @@ std::vector<std::size_t> DefaultOrder(const VariableFit& variable);
 // The person's order where there is one, else the default.
 std::vector<std::size_t> SavedOrder(const VariableFit& variable);
 // Valid fits of the variable, each once, any of them left out; none for the default order.
-void SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
+Result<void> SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
 std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<const std::size_t> fits);
 
 // "Weibull;Normal;", as the order is written.
@@ -33,17 +33,17 @@ std::string OrderText(std::span<const DistributionCode> order);
 const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable, DistributionCode code);
 bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code);
 // Takes the person's own values, which must be valid, of a type of the variable's kind.
-void SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification);
+Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification);
 void DropUserDefinedValues(VariableFit& variable, DistributionCode code);
 // The order with user-defined distributions: the person's, else the saved order followed by the types that
 // have own values only.
 std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable);
 // Types with own values or a valid fit, each once; none for the default order.
-void SetUserDefinedOrder(VariableFit& variable, std::span<const DistributionCode> order);
+Result<void> SetUserDefinedOrder(VariableFit& variable, std::span<const DistributionCode> order);
 
-// Throws when a bound in force is not set, or when bounds in force cross once they are rounded as they are
+// A fault when a bound in force is not set, or when bounds in force cross once they are rounded as they are
 // stored.
-void CheckTruncation(const VariableFit& variable);
+Result<void> CheckTruncation(const VariableFit& variable);
 
 // What the writer of variable properties gets.
 VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined);

@@ -5,8 +5,6 @@
 #include <limits>
 #include <optional>
 
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -37,7 +35,7 @@ void CheckSizes(const MatrixFile& file) {
       file.standardDeviations.size() == m) {
     return;
   }
-  throw Error("the values do not match the number of variables", std::string(ResourceString(kMatrixTitle)));
+  throw Error("the values do not match the number of variables", std::string(kCorrelationMatrixTitle));
 }
 
 Variable MatrixColumn(const MatrixFile& file, std::size_t c) {
@@ -56,21 +54,21 @@ Variable MatrixColumn(const MatrixFile& file, std::size_t c) {
   return variable;
 }
 
-// One check or reading after the other; each returns a status, kValid to go on.
+// One check or reading after the other; the first fault ends it.
 class Reader {
  public:
   Reader(const Spreadsheet& sheet, const MatrixReadOptions& options)
       : sheet_(sheet), options_(options), size_(sheet.VariableCount()) {}
 
-  MatrixReading Read() {
-    constexpr MatrixStatus (Reader::*kSteps[])() = {&Reader::CheckLayout, &Reader::ReadCorrelations,
+  Result<MatrixFile> Read() {
+    constexpr Result<void> (Reader::*kSteps[])() = {&Reader::CheckLayout, &Reader::ReadCorrelations,
                                                     &Reader::ReadMeans, &Reader::ReadStandardDeviations,
                                                     &Reader::ReadValidCases};
     for (const auto step : kSteps) {
-      if (const MatrixStatus status = (this->*step)(); status != MatrixStatus::kValid) return {status, {}};
+      if (const auto done = (this->*step)(); !done) return done.Reason();
     }
     file_.variables = VariableNames(sheet_);
-    return {MatrixStatus::kValid, std::move(file_)};
+    return std::move(file_);
   }
 
  private:
@@ -79,58 +77,60 @@ class Reader {
   bool IsSelected(std::size_t row) const { return !options_.useCaseSelection || sheet_.IsCaseSelected(row); }
   MatrixSummaryRows Summaries() const { return MatrixSummaryRows(sheet_.CaseCount()); }
 
-  MatrixStatus CheckLayout() {
-    if (!IsMatrixSheet(sheet_)) return MatrixStatus::kRefused;
+  Result<void> CheckLayout() {
+    if (!IsMatrixSheet(sheet_)) return Fault{FaultIdentifier::kNotAMatrixFile};
     const double type = Value(sheet_.CaseCount() - 1, 0);
     if (AlmostEqual(type, kCovarianceType) || AlmostEqual(type, kFurtherType))
-      return MatrixStatus::kWrongType;
-    if (!HasMatrixRows(sheet_)) return MatrixStatus::kTooFewCases;
-    return AlmostEqual(type, kCorrelationMatrixType) ? MatrixStatus::kValid : MatrixStatus::kRefused;
+      return Fault{FaultIdentifier::kMatrixOfOtherType};
+    if (!HasMatrixRows(sheet_)) return Fault{FaultIdentifier::kMatrixLacksCases};
+    if (!AlmostEqual(type, kCorrelationMatrixType)) return Fault{FaultIdentifier::kNotAMatrixFile};
+    return {};
   }
 
-  MatrixStatus ReadCorrelations() {
+  Result<void> ReadCorrelations() {
     file_.correlations.assign(size_, std::vector<double>(size_));
     for (std::size_t row = 0; row < size_; ++row) {
       for (std::size_t c = 0; c < size_; ++c) {
         const double value = Value(row, c);
         if (!IsCorrelation(value, sheet_.VariableAt(c).MissingCode(), row == c))
-          return MatrixStatus::kInvalidMatrix;
+          return Fault{FaultIdentifier::kMatrixLacksCorrelation};
         file_.correlations[row][c] = value;
       }
     }
-    return MatrixStatus::kValid;
+    return {};
   }
 
-  // The statuses of a row that cannot be read, that the selection leaves out, and that lacks a value.
-  MatrixStatus ReadSummary(std::size_t row, MatrixStatus deselected, MatrixStatus missing,
+  // The faults of a row that cannot be read, that the selection leaves out, and that lacks a value.
+  Result<void> ReadSummary(std::size_t row, FaultIdentifier deselected, FaultIdentifier missing,
                            std::vector<double>& values) {
-    if (options_.isCancelled && options_.isCancelled()) return MatrixStatus::kCancelled;
-    if (!IsSelected(row)) return deselected;
+    if (options_.isCancelled && options_.isCancelled())
+      return Fault{FaultIdentifier::kMatrixReadingCancelled};
+    if (!IsSelected(row)) return Fault{deselected};
     for (std::size_t c = 0; c < size_; ++c) {
-      if (IsMissing(row, c)) return missing;
+      if (IsMissing(row, c)) return Fault{missing};
       values.push_back(Value(row, c));
     }
-    return MatrixStatus::kValid;
+    return {};
   }
 
-  MatrixStatus ReadMeans() {
-    return ReadSummary(Summaries().means, MatrixStatus::kMeansDeselected, MatrixStatus::kInvalidMean,
-                       file_.means);
+  Result<void> ReadMeans() {
+    return ReadSummary(Summaries().means, FaultIdentifier::kMatrixMeansDeselected,
+                       FaultIdentifier::kMatrixLacksMean, file_.means);
   }
 
-  MatrixStatus ReadStandardDeviations() {
-    return ReadSummary(Summaries().standardDeviations, MatrixStatus::kDeviationsDeselected,
-                       MatrixStatus::kInvalidStandardDeviation, file_.standardDeviations);
+  Result<void> ReadStandardDeviations() {
+    return ReadSummary(Summaries().standardDeviations, FaultIdentifier::kMatrixDeviationsDeselected,
+                       FaultIdentifier::kMatrixLacksStandardDeviation, file_.standardDeviations);
   }
 
-  MatrixStatus ReadValidCases() {
+  Result<void> ReadValidCases() {
     const std::size_t row = Summaries().validCases;
-    if (!IsSelected(row)) return MatrixStatus::kDeviationsDeselected;
+    if (!IsSelected(row)) return Fault{FaultIdentifier::kMatrixDeviationsDeselected};
     const double count = Value(row, 0);
-    if (IsMissing(row, 0) || count < 1.0) return MatrixStatus::kInvalidValidCases;
+    if (IsMissing(row, 0) || count < 1.0) return Fault{FaultIdentifier::kMatrixLacksValidCases};
     constexpr double kMost = std::numeric_limits<std::int32_t>::max();
     file_.validCases = static_cast<std::int32_t>(std::min(count, kMost));
-    return MatrixStatus::kValid;
+    return {};
   }
 
   const Spreadsheet& sheet_;
@@ -155,7 +155,7 @@ MatrixFile MatrixFile::Identity(std::vector<std::string> variables) {
 void MatrixFile::SetCorrelations(std::span<const double> rowMajor) {
   const std::size_t m = variables.size();
   if (rowMajor.size() != m * m)
-    throw Error("the values do not match the number of variables", std::string(ResourceString(kMatrixTitle)));
+    throw Error("the values do not match the number of variables", std::string(kCorrelationMatrixTitle));
   correlations.clear();
   for (std::size_t i = 0; i < m; ++i) {
     const auto row = rowMajor.subspan(i * m, m);
@@ -165,53 +165,26 @@ void MatrixFile::SetCorrelations(std::span<const double> rowMajor) {
 
 std::unique_ptr<Spreadsheet> MakeMatrixFile(const MatrixFile& file, std::string_view title) {
   CheckSizes(file);
-  const std::string text(CutTitle(title.empty() ? ResourceString(kMatrixTitle) : title));
+  const std::string text(CutTitle(title.empty() ? kCorrelationMatrixTitle : title));
   auto sheet = std::make_unique<Spreadsheet>(text);
   sheet->SetKind(SheetKind::kMatrix);
   sheet->SetTitle(text);
   for (std::size_t c = 0; c < file.variables.size(); ++c) sheet->AddVariable(MatrixColumn(file, c));
   std::vector<std::string> names = file.variables;
-  for (const std::int32_t row :
-       {kMatrixRowMeans, kMatrixRowStandardDeviations, kMatrixRowCases, kMatrixRowType}) {
-    names.emplace_back(StripDontTranslate(ResourceString(row)));
+  for (const std::string_view row :
+       {matrix_row::kMeans, matrix_row::kStandardDeviations, matrix_row::kValidCases, matrix_row::kType}) {
+    names.emplace_back(row);
   }
   sheet->SetCaseNames(std::move(names));
   return sheet;
 }
 
-std::int32_t MatrixMessage(MatrixStatus status) {
-  switch (status) {
-    case MatrixStatus::kValid:
-    case MatrixStatus::kRefused:
-      return 0;
-    case MatrixStatus::kWrongType:
-      return kMsgMatrixWrongType;
-    case MatrixStatus::kTooFewCases:
-      return kMsgMatrixCases;
-    case MatrixStatus::kInvalidMatrix:
-      return kMsgMatrixInvalid;
-    case MatrixStatus::kInvalidMean:
-      return kMsgMatrixMean;
-    case MatrixStatus::kCancelled:
-      return kMsgMatrixReadCancelled;
-    case MatrixStatus::kMeansDeselected:
-      return kMsgMatrixMeansDeselected;
-    case MatrixStatus::kInvalidStandardDeviation:
-      return kMsgMatrixStandardDeviation;
-    case MatrixStatus::kDeviationsDeselected:
-      return kMsgMatrixDeviationsDeselected;
-    case MatrixStatus::kInvalidValidCases:
-      return kMsgMatrixValidCases;
-  }
-  return 0;
-}
-
-MatrixReading ReadMatrixFile(const Spreadsheet& sheet, const MatrixReadOptions& options) {
+Result<MatrixFile> ReadMatrixFile(const Spreadsheet& sheet, const MatrixReadOptions& options) {
   return Reader(sheet, options).Read();
 }
 
 bool IsMatrixFile(const Spreadsheet& sheet) {
-  return ReadMatrixFile(sheet, {.useCaseSelection = false, .isCancelled = {}}).IsValid();
+  return static_cast<bool>(ReadMatrixFile(sheet, {.useCaseSelection = false, .isCancelled = {}}));
 }
 
 std::vector<std::string> VariableNames(const Spreadsheet& sheet) {

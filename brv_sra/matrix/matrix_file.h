@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
@@ -35,31 +36,6 @@ struct MatrixFile {
 // differ.
 std::unique_ptr<Spreadsheet> MakeMatrixFile(const MatrixFile& file, std::string_view title = {});
 
-enum class MatrixStatus : std::uint8_t {
-  kValid,
-  kRefused,          // without a message: no matrix sheet, or of a type that is none
-  kWrongType,        // covariances or another known type (2 or 3)
-  kTooFewCases,      // fewer than m + 4
-  kInvalidMatrix,    // a correlation that is missing or out of range
-  kInvalidMean,      // a mean is missing
-  kCancelled,        // the person cancelled the reading
-  kMeansDeselected,  // the case selection leaves out the means
-  kInvalidStandardDeviation,
-  kDeviationsDeselected,  // the case selection leaves out the standard deviations or the number of cases
-  kInvalidValidCases
-};
-
-// The number of the status's message in the string resources, 0 for a status without one.
-std::int32_t MatrixMessage(MatrixStatus status);
-
-struct MatrixReading {
-  MatrixStatus status = MatrixStatus::kRefused;
-  MatrixFile file;  // empty unless the status is kValid
-
-  bool IsValid() const { return status == MatrixStatus::kValid; }
-  std::int32_t Message() const { return MatrixMessage(status); }
-};
-
 struct MatrixReadOptions {
   bool useCaseSelection = true;
   std::function<bool()>
@@ -68,7 +44,7 @@ struct MatrixReadOptions {
 
 // Checks a sheet and reads it; the first fault in the order of the rows decides. Names of variables come
 // without the blanks at their ends. Names of cases do not count, symmetry is not asked for.
-MatrixReading ReadMatrixFile(const Spreadsheet& sheet, const MatrixReadOptions& options = {});
+Result<MatrixFile> ReadMatrixFile(const Spreadsheet& sheet, const MatrixReadOptions& options = {});
 
 // True when a sheet is a matrix file that ReadMatrixFile accepts, whatever cases are selected.
 bool IsMatrixFile(const Spreadsheet& sheet);

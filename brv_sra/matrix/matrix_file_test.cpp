@@ -4,8 +4,8 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 
-#include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/utf8.h"
 #include "host/numeric/algebra/correlation.h"
@@ -13,6 +13,8 @@
 
 namespace brenvolt::sra {
 namespace {
+
+using Id = FaultIdentifier;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -35,11 +37,10 @@ MatrixFile Sample() {
   return file;
 }
 
-std::string MessageOf(const Spreadsheet& sheet) {
-  const MatrixReading reading = ReadMatrixFile(sheet);
-  if (reading.IsValid()) return "valid";
-  EXPECT_TRUE(reading.file.correlations.empty());
-  return reading.Message() == 0 ? "refused" : std::string(ResourceString(reading.Message()));
+// The fault of a sheet, or nothing where it reads.
+std::optional<Id> FaultOf(const Spreadsheet& sheet) {
+  const Result<MatrixFile> read = ReadMatrixFile(sheet);
+  return read ? std::nullopt : std::optional(read.Reason().identifier);
 }
 
 TEST(MatrixFile, LayoutHoldsEveryValueInItsPlace) {
@@ -65,67 +66,66 @@ TEST(MatrixFile, LayoutHoldsEveryValueInItsPlace) {
 
 TEST(MatrixFile, ReadingGivesBackWhatWasMade) {
   const MatrixFile made = Sample();
-  const MatrixReading reading = ReadMatrixFile(*MakeMatrixFile(made));
-  ASSERT_TRUE(reading.IsValid());
-  EXPECT_EQ(reading.file.variables, made.variables);
-  EXPECT_EQ(reading.file.correlations, made.correlations);
-  EXPECT_EQ(reading.file.means, made.means);
-  EXPECT_EQ(reading.file.standardDeviations, made.standardDeviations);
-  EXPECT_EQ(reading.file.validCases, 77);
+  const Result<MatrixFile> read = ReadMatrixFile(*MakeMatrixFile(made));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->variables, made.variables);
+  EXPECT_EQ(read->correlations, made.correlations);
+  EXPECT_EQ(read->means, made.means);
+  EXPECT_EQ(read->standardDeviations, made.standardDeviations);
+  EXPECT_EQ(read->validCases, 77);
 }
 
 // Rows in the file of three variables: 0-2 matrix, 3 means, 4 deviations, 5 number of cases, 6 type.
-TEST(MatrixFile, OneDamagedCellGivesItsMessage) {
+TEST(MatrixFile, OneDamagedCellGivesItsFault) {
   constexpr double kCode = -9999;
-  const std::string invalid =
-      "Invalid correlation matrix. Please check the validity of the input correlation matrix.";
-  const std::string wrongType = "Only correlation and covariance matrices can be processed.";
+  constexpr auto kInvalid = Id::kMatrixLacksCorrelation;
+  constexpr std::nullopt_t kValid = std::nullopt;
   const struct {
     std::size_t row, column;
     double value;
-    std::string message;
+    std::optional<Id> fault;
   } rows[] = {
-      {0, 1, kNaN, invalid},
-      {0, 1, kCode, invalid},
-      {0, 1, Above(kCode, 15), invalid},
-      {2, 0, 1.001, invalid},
-      {2, 0, -1.001, invalid},
-      {0, 2, Above(1, 15), "valid"},
-      {0, 2, Above(1, 16), invalid},
-      {0, 2, Below(-1, 1), "valid"},
-      {0, 2, kInfinity, invalid},
-      {1, 1, Below(1, 1), "valid"},
-      {1, 1, Below(1, 15), "valid"},
-      {1, 1, Below(1, 16), invalid},
-      {1, 1, Above(1, 1), "valid"},
-      {1, 1, -1, invalid},
-      {1, 1, kNaN, invalid},
-      {2, 2, kCode, invalid},
-      {3, 0, kNaN, "Mean error"},
-      {3, 2, kCode, "Mean error"},
-      {3, 1, kInfinity, "valid"},
-      {4, 2, kNaN, "Std. Dev error"},
-      {4, 0, kCode, "Std. Dev error"},
-      {4, 0, -1, "valid"},
-      {5, 0, kNaN, "Valid cases error"},
-      {5, 0, kCode, "Valid cases error"},
-      {5, 0, Below(1, 1), "Valid cases error"},
-      {5, 0, 1, "valid"},
-      {5, 1, kNaN, "valid"},
-      {6, 0, 2, wrongType},
-      {6, 0, 3, wrongType},
-      {6, 0, 5, "refused"},
-      {6, 0, kNaN, "refused"},
-      {6, 0, Above(1, 15), "valid"},
-      {6, 0, Above(1, 16), "refused"},
-      {6, 1, 2, "valid"},
+      {0, 1, kNaN, kInvalid},
+      {0, 1, kCode, kInvalid},
+      {0, 1, Above(kCode, 15), kInvalid},
+      {2, 0, 1.001, kInvalid},
+      {2, 0, -1.001, kInvalid},
+      {0, 2, Above(1, 15), kValid},
+      {0, 2, Above(1, 16), kInvalid},
+      {0, 2, Below(-1, 1), kValid},
+      {0, 2, kInfinity, kInvalid},
+      {1, 1, Below(1, 1), kValid},
+      {1, 1, Below(1, 15), kValid},
+      {1, 1, Below(1, 16), kInvalid},
+      {1, 1, Above(1, 1), kValid},
+      {1, 1, -1, kInvalid},
+      {1, 1, kNaN, kInvalid},
+      {2, 2, kCode, kInvalid},
+      {3, 0, kNaN, Id::kMatrixLacksMean},
+      {3, 2, kCode, Id::kMatrixLacksMean},
+      {3, 1, kInfinity, kValid},
+      {4, 2, kNaN, Id::kMatrixLacksStandardDeviation},
+      {4, 0, kCode, Id::kMatrixLacksStandardDeviation},
+      {4, 0, -1, kValid},
+      {5, 0, kNaN, Id::kMatrixLacksValidCases},
+      {5, 0, kCode, Id::kMatrixLacksValidCases},
+      {5, 0, Below(1, 1), Id::kMatrixLacksValidCases},
+      {5, 0, 1, kValid},
+      {5, 1, kNaN, kValid},
+      {6, 0, 2, Id::kMatrixOfOtherType},
+      {6, 0, 3, Id::kMatrixOfOtherType},
+      {6, 0, 5, Id::kNotAMatrixFile},
+      {6, 0, kNaN, Id::kNotAMatrixFile},
+      {6, 0, Above(1, 15), kValid},
+      {6, 0, Above(1, 16), Id::kNotAMatrixFile},
+      {6, 1, 2, kValid},
   };
   for (const auto& row : rows) {
     const auto sheet = MakeMatrixFile(Sample());
     for (std::size_t c = 0; c < 3; ++c) sheet->VariableAt(c).SetMissingCode(kCode);
     sheet->VariableAt(row.column).MutableValues()[row.row] = row.value;
-    EXPECT_EQ(MessageOf(*sheet), row.message) << row.value << " at " << row.row << ',' << row.column;
-    EXPECT_EQ(IsMatrixFile(*sheet), row.message == "valid");
+    EXPECT_TRUE(FaultOf(*sheet) == row.fault) << row.value << " at " << row.row << ',' << row.column;
+    EXPECT_EQ(IsMatrixFile(*sheet), !row.fault);
   }
 }
 
@@ -134,32 +134,30 @@ TEST(MatrixFile, FirstFaultInTheOrderOfChecksDecides) {
   const auto values = sheet->VariableAt(0).MutableValues();
   const struct {
     std::size_t row;
-    std::string message;
-  } faults[] = {
-      {5, "Valid cases error"},
-      {4, "Std. Dev error"},
-      {3, "Mean error"},
-      {1, "Invalid correlation matrix. Please check the validity of the input correlation matrix."}};
+    Id fault;
+  } faults[] = {{5, Id::kMatrixLacksValidCases},
+                {4, Id::kMatrixLacksStandardDeviation},
+                {3, Id::kMatrixLacksMean},
+                {1, Id::kMatrixLacksCorrelation}};
   for (const auto& fault : faults) {
     values[fault.row] = kNaN;
-    EXPECT_EQ(MessageOf(*sheet), fault.message);
+    EXPECT_TRUE(FaultOf(*sheet) == fault.fault) << fault.row;
   }
   values[6] = 5;
-  EXPECT_EQ(MessageOf(*sheet), "refused");
+  EXPECT_TRUE(FaultOf(*sheet) == Id::kNotAMatrixFile);
   values[6] = 2;
-  EXPECT_EQ(MessageOf(*sheet), "Only correlation and covariance matrices can be processed.");
+  EXPECT_TRUE(FaultOf(*sheet) == Id::kMatrixOfOtherType);
   sheet->SetKind(SheetKind::kData);
-  EXPECT_EQ(MessageOf(*sheet), "refused");
+  EXPECT_TRUE(FaultOf(*sheet) == Id::kNotAMatrixFile);
 }
 
 TEST(MatrixFile, MissingCasesAreFoundBeforeTheTypeButAfterOtherTypes) {
-  for (const auto& [type, message] : {std::pair{1.0, "Cases error"},
-                                      {5.0, "Cases error"},
-                                      {2.0, "Only correlation and covariance matrices can be processed."}}) {
+  for (const auto& [type, fault] :
+       {std::pair{1.0, Id::kMatrixLacksCases}, {5.0, Id::kMatrixLacksCases}, {2.0, Id::kMatrixOfOtherType}}) {
     Spreadsheet sheet("m", 6, 3);
     sheet.SetKind(SheetKind::kMatrix);
     sheet.VariableAt(0).MutableValues()[5] = type;
-    EXPECT_EQ(MessageOf(sheet), message) << type;
+    EXPECT_TRUE(FaultOf(sheet) == fault) << type;
   }
 }
 
@@ -176,44 +174,43 @@ TEST(MatrixFile, SummariesAreTheLastRows) {
   }
   sheet.VariableAt(0).MutableValues()[6] = 12.9;
   sheet.VariableAt(0).MutableValues()[7] = 1;
-  const MatrixReading reading = ReadMatrixFile(sheet);
-  ASSERT_TRUE(reading.IsValid());
-  EXPECT_EQ(reading.file.means, (std::vector<double>{6, 6}));
-  EXPECT_EQ(reading.file.standardDeviations, (std::vector<double>{7, 7}));
-  EXPECT_EQ(reading.file.validCases, 12) << "truncated";
+  const Result<MatrixFile> read = ReadMatrixFile(sheet);
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->means, (std::vector<double>{6, 6}));
+  EXPECT_EQ(read->standardDeviations, (std::vector<double>{7, 7}));
+  EXPECT_EQ(read->validCases, 12) << "truncated";
   sheet.VariableAt(0).MutableValues()[6] = 1e300;
-  EXPECT_EQ(ReadMatrixFile(sheet).file.validCases, std::numeric_limits<std::int32_t>::max());
+  EXPECT_EQ(ReadMatrixFile(sheet)->validCases, std::numeric_limits<std::int32_t>::max());
 }
 
 TEST(MatrixFile, DeselectedAndCancelledReadsSaySo) {
   const struct {
     std::size_t deselected;
-    std::string_view message;
+    std::optional<Id> fault;
   } rows[] = {
-      {0, ""},
-      {3, "Case selection condition disabled variables' mean information"},
-      {4, "Case selection condition disabled variables' standard deviation information"},
-      {5, "Case selection condition disabled variables' standard deviation information"},
-      {6, ""},
+      {0, {}},
+      {3, Id::kMatrixMeansDeselected},
+      {4, Id::kMatrixDeviationsDeselected},
+      {5, Id::kMatrixDeviationsDeselected},
+      {6, {}},
   };
   const auto sheet = MakeMatrixFile(Sample());
   for (const auto& row : rows) {
     CaseSelection selection{true, "some", std::vector<std::uint8_t>(7, 1)};
     selection.accepted[row.deselected] = 0;
     sheet->SetSelection(selection);
-    const MatrixReading reading = ReadMatrixFile(*sheet);
-    EXPECT_EQ(ResourceString(reading.Message()), row.message);
-    EXPECT_EQ(reading.IsValid(), row.message.empty());
-    EXPECT_TRUE(ReadMatrixFile(*sheet, {.useCaseSelection = false, .isCancelled = {}}).IsValid());
+    EXPECT_TRUE(FaultOf(*sheet) == row.fault) << row.deselected;
+    EXPECT_TRUE(ReadMatrixFile(*sheet, {.useCaseSelection = false, .isCancelled = {}}));
     EXPECT_TRUE(IsMatrixFile(*sheet));
   }
   sheet->SetSelection({});
   for (const int pollsBefore : {0, 1, 2}) {
     int polls = 0;
-    const MatrixReading reading = ReadMatrixFile(
+    const Result<MatrixFile> read = ReadMatrixFile(
         *sheet, {.useCaseSelection = true, .isCancelled = [&] { return polls++ == pollsBefore; }});
-    EXPECT_EQ(ResourceString(reading.Message()),
-              pollsBefore < 2 ? "User cancelled the progress while reading mean." : "");
+    ASSERT_EQ(static_cast<bool>(read), pollsBefore == 2);
+    if (read) continue;
+    EXPECT_EQ(read.Reason().identifier, Id::kMatrixReadingCancelled);
   }
 }
 
@@ -244,7 +241,7 @@ TEST(MatrixFile, ValuesThatDoNotMatchAreNotWritten) {
 TEST(MatrixFile, BlanksAroundNamesOfVariablesAreDropped) {
   const auto sheet = MakeMatrixFile(Sample());
   sheet->VariableAt(1).SetName("  b 2\t");
-  EXPECT_EQ(ReadMatrixFile(*sheet).file.variables, (std::vector<std::string>{"a", "b 2", "c"}));
+  EXPECT_EQ(ReadMatrixFile(*sheet)->variables, (std::vector<std::string>{"a", "b 2", "c"}));
 }
 
 // What the fits write: correlations of data, of which a constant variable has none.
@@ -254,12 +251,12 @@ TEST(MatrixFile, CorrelationsOfDataAreReadBackUnlessOneIsMissing) {
   PearsonCorrelation(data, 4, 3, correlation);
   MatrixFile file = MatrixFile::Identity({"x", "y", "constant"});
   file.SetCorrelations(correlation);
-  EXPECT_EQ(ReadMatrixFile(*MakeMatrixFile(file)).status, MatrixStatus::kInvalidMatrix);
+  EXPECT_TRUE(FaultOf(*MakeMatrixFile(file)) == Id::kMatrixLacksCorrelation);
   file = MatrixFile::Identity({"x", "y"});
   file.SetCorrelations(std::vector<double>{correlation[0], correlation[1], correlation[3], correlation[4]});
-  const MatrixReading reading = ReadMatrixFile(*MakeMatrixFile(file));
-  ASSERT_TRUE(reading.IsValid());
-  EXPECT_TRUE(IsSymmetricCorrelationMatrix(reading.file.correlations));
+  const Result<MatrixFile> read = ReadMatrixFile(*MakeMatrixFile(file));
+  ASSERT_TRUE(read);
+  EXPECT_TRUE(IsSymmetricCorrelationMatrix(read->correlations));
 }
 
 TEST(MatrixFile, SymmetryIsExact) {

@@ -2,6 +2,7 @@
 // input around the engine in brv_sra/matrix.
 #include <algorithm>
 
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/profiler/dialogs/profiler_dialog.h"
@@ -37,14 +38,14 @@ std::int32_t CSimulationAndRisk::ValidateInputMatrixFile(HWND /*parent*/) {
   matrix_->attached = false;
   matrix_->file = {};
   if (!MatrixIsOK()) return 0;
-  MatrixReading reading =
+  Result<MatrixFile> read =
       ReadMatrixFile(*InputTable(), {.useCaseSelection = CaseSelectionEnabled(),
                                      .isCancelled = [this] { return Interface().IsExternallyCancelled(); }});
-  if (!reading.IsValid()) {
-    if (reading.Message() != 0) ShowMessage(std::string(ResourceString(reading.Message())));
+  if (!read) {
+    ShowFault(*this, read.Reason());
     return 0;
   }
-  matrix_->file = std::move(reading.file);
+  matrix_->file = *std::move(read);
   matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->file.variables.size());
   matrix_->attached = true;
   matrix_->symmetric = IsCorrelationMatrixSymmetric() != 0;

@@ -1,5 +1,5 @@
-// How many of the simulated runs fall outside specification: counts, the table of defect rates, and the
-// defect profile of the responses against the predictors. Knows no dialog.
+// How many of the simulated runs fall outside specification: counts, and the defect profile of the responses
+// against the predictors.
 //
 // A run is a defect of a response when its value lies strictly outside the response's limits. NaN is a
 // prediction that is missing: such a run counts neither as a defect nor among the response's runs.
@@ -8,14 +8,11 @@
 
 #include <cstdint>
 #include <limits>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "host/graphs/graph.h"
 #include "host/statistics/specification_limits.h"
-#include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
 
@@ -44,23 +41,6 @@ struct DefectCounts {
 // The columns are of one length.
 DefectCounts CountDefects(std::span<const ProfiledResponse> responses);
 
-// A row of the table of defect rates. The rate is the sixteen-bit count over the runs, NaN where there are no
-// runs. A rate whose count is saturated is too low; a note then tells the exact count and rate.
-struct DefectRate {
-  std::string name;
-  double rate = 0;
-  double partsPerMillion = 0;
-  double lower = 0;  // the limits of the response; NaN where not given, and in the last row
-  double upper = 0;
-};
-struct DefectTable {
-  std::vector<DefectRate> rows;  // of the responses that take part, then "Overall Rate"
-  std::vector<std::string> notes;
-};
-DefectTable MakeDefectTable(std::span<const ProfiledResponse> responses);
-// As a spreadsheet, titled "Defect Profiler", its notes as further lines of the title.
-std::unique_ptr<Spreadsheet> MakeDefectSheet(const DefectTable& table);
-
 // A class of the runs by the values of a predictor.
 struct DefectClass {
   double minimum = 0;
@@ -80,9 +60,5 @@ struct DefectProfile {
 std::vector<DefectProfile> ProfileDefects(std::span<const ProfiledResponse> responses,
                                           std::span<const ProfiledPredictor> predictors,
                                           std::size_t classes = 0);
-// A graph titled "Defect Profiler" with a panel for each profile: the defect rate as a line over the medians
-// of the classes.
-Graph MakeDefectGraph(std::span<const ProfiledResponse> responses,
-                      std::span<const ProfiledPredictor> predictors, std::size_t classes = 0);
 
 }  // namespace brenvolt::sra

@@ -10,10 +10,7 @@
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/profiler/best_fit_candidates.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/automation/variable_list.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula_error.h"
@@ -27,15 +24,8 @@ namespace {
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 constexpr char kNameBar = '|';
 
-using Notes = std::vector<ProfilerNote>;
-
-std::string Text(std::int32_t number) {
-  return std::string(ResourceString(number));
-}
-
-std::string VariablePlace(const std::string& name) {
-  return "variable " + name;
-}
+using enum FaultIdentifier;
+using Notes = ProfilerNotes;
 
 const Variable* DataOf(const ProfilerPredictor& predictor, const Spreadsheet* data) {
   const auto place = data != nullptr ? data->FindVariable(predictor.name) : std::nullopt;
@@ -103,15 +93,14 @@ void StartContinuous(ProfilerPredictor& predictor, std::span<const double> colum
   for (const double value : column) {
     if (std::isnan(value)) continue;
     if (std::isinf(value)) {
-      notes.push_back(
-          {kCaptionBasicStatsError, Text(kMsgProfilerInfiniteValue), VariablePlace(predictor.name)});
+      notes.push_back({kInfiniteData, predictor.name});
       return;
     }
     sums.Add(value, 1);
   }
   const Moments moments = sums.Finish();
   if (moments.count == 0) {
-    notes.push_back({kCaptionRangeError, Text(kMsgProfilerNoValues), VariablePlace(predictor.name)});
+    notes.push_back({kNoValidData, predictor.name});
     return;
   }
   predictor.lowest = moments.minimum;
@@ -153,25 +142,26 @@ ProfilerPredictor PredictorOf(const ModelField& field) {
 }
 
 // A further model knows the predictor, too.
-void Join(ProfilerPredictor& predictor, const ModelField& field) {
-  if (predictor.labels.empty() == field.isText)
-    throw Error(FormatResource(kMsgProfilerFieldTypes, predictor.name));
+Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
+  if (predictor.labels.empty() == field.isText) return Fault{kFieldTypesDiffer, predictor.name};
   for (const std::string& label : field.labels) {
-    if (!field.isText) return;
+    if (!field.isText) break;
     const auto isLabel = [&](const auto& entry) { return entry.second == label; };
     if (std::ranges::any_of(predictor.labels, isLabel)) continue;
     predictor.labels.emplace(std::floor(predictor.labels.rbegin()->first) + 1.0, label);
   }
+  return {};
 }
 
-void MergePredictors(ProfilerDesign& design, const PredictionModel& model) {
+Result<void> MergePredictors(ProfilerDesign& design, const PredictionModel& model) {
   for (const ModelField& field : model.Predictors()) {
     if (const auto place = design.FindPredictor(field.name)) {
-      Join(design.predictors[*place], field);
+      if (auto joined = Join(design.predictors[*place], field); !joined) return joined;
     } else {
       design.AddPredictor(PredictorOf(field));
     }
   }
+  return {};
 }
 
 void MergeDependents(ProfilerDesign& design, const std::shared_ptr<const PredictionModel>& model) {
@@ -215,8 +205,8 @@ void StartCorrelations(ProfilerDesign& design, std::size_t first,
       if (places[a] < first) continue;
       const double r = correlation[a * k + b];
       if (std::isnan(r)) {
-        const std::string pair = design.predictors[places[b]].name + ", " + design.predictors[places[a]].name;
-        notes.push_back({kCaptionCorrelationsError, Text(kMsgProfilerCorrelationFailed), pair});
+        notes.push_back(
+            {kCorrelationUndefined, design.predictors[places[b]].name, design.predictors[places[a]].name});
         continue;
       }
       design.correlations[places[a] * m + places[b]] = r;
@@ -275,36 +265,32 @@ FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) 
   return specification;
 }
 
-std::vector<VariableFit> FitAll(const Spreadsheet& data, const std::vector<std::int16_t>& numbers,
-                                ProgressPort& port) {
-  if (numbers.empty()) return {};
-  try {
-    return RunFit(data, BestFitSpecification(numbers), {.useSelection = false, .useWeights = false}, port);
-  } catch (const NoValidVariables&) {
-    return {};
-  }
+Result<std::vector<VariableFit>> FitAll(const Spreadsheet& data, const std::vector<std::int16_t>& numbers,
+                                        const RunProgress& bars) {
+  if (numbers.empty()) return std::vector<VariableFit>();
+  return RunFit(data, BestFitSpecification(numbers), {.useSelection = false, .useWeights = false}, bars);
 }
 
 }  // namespace
 
-std::vector<std::filesystem::path> SplitFileNames(std::string_view text) {
+Result<std::vector<std::filesystem::path>> SplitFileNames(std::string_view text) {
   std::vector<std::filesystem::path> files;
   for (std::size_t begin = 0; begin <= text.size();) {
     const std::size_t end = std::min(text.find(kNameBar, begin), text.size());
     const std::string_view name = Trim(text.substr(begin, end - begin));
-    if (name.empty()) throw Error(Text(kMsgProfilerFileNames));
+    if (name.empty()) return Fault{kInvalidFileNames};
     files.emplace_back(name);
     begin = end + 1;
   }
   return files;
 }
 
-std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
-                                      std::span<const std::shared_ptr<const PredictionModel>> models,
-                                      const Spreadsheet* data) {
+Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
+                                  std::span<const std::shared_ptr<const PredictionModel>> models,
+                                  const Spreadsheet* data) {
   ProfilerDesign merged = design;
   for (const auto& model : models) {
-    MergePredictors(merged, *model);
+    if (auto known = MergePredictors(merged, *model); !known) return known.Reason();
     MergeDependents(merged, model);
   }
   Notes notes = StartFrom(merged, design.predictors.size(), data);
@@ -312,13 +298,13 @@ std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
   return notes;
 }
 
-std::vector<ProfilerNote> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
-                                     const Spreadsheet* data) {
+Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                                 const Spreadsheet* data) {
   const std::size_t known = design.predictors.size();
   const std::vector<UsedName> names = NamesIn(formula);
   for (const UsedName& name : names) {
     if (design.FindPredictor(name.text) || !design.FindDependent(name.text)) continue;
-    throw Error("a formula cannot use a response, '" + name.text + "'", design.dependents[dependent].name);
+    return Fault{kResponseInFormula, name.text, design.dependents[dependent].name};
   }
   for (const UsedName& name : names) {
     if (design.FindPredictor(name.text)) continue;
@@ -344,7 +330,8 @@ bool UndoFormula(ProfilerDependent& dependent) {
   return true;
 }
 
-std::size_t FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data, ProgressPort& port) {
+Result<std::size_t> FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data,
+                                         const RunProgress& bars) {
   std::vector<std::int16_t> numbers;
   std::vector<std::size_t> places;
   std::size_t fitted = 0;
@@ -362,14 +349,16 @@ std::size_t FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data
     numbers.push_back(VariableNumberOf(*data.FindVariable(predictor.name)));
     places.push_back(j);
   }
-  const std::vector<VariableFit> fits = FitAll(data, numbers, port);
-  for (std::size_t i = 0; i < fits.size(); ++i) {
-    const std::vector<std::size_t> order = DefaultOrder(fits[i]);
+  const Result<std::vector<VariableFit>> fits = FitAll(data, numbers, bars);
+  if (!fits) return fits.Reason();
+  for (std::size_t i = 0; i < fits->size(); ++i) {
+    const VariableFit& fit = (*fits)[i];
+    const std::vector<std::size_t> order = DefaultOrder(fit);
     if (order.empty()) continue;
-    MakeRandom(changed.predictors[places[i]], fits[i].fits[order.front()].specification);
+    MakeRandom(changed.predictors[places[i]], fit.fits[order.front()].specification);
     ++fitted;
   }
-  if (fitted == 0) throw Error(Text(kMsgProfilerNothingToFit));
+  if (fitted == 0) return Fault{kNoPredictorFitted};
   design = std::move(changed);
   return fitted;
 }

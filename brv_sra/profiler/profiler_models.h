@@ -11,7 +11,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <span>
@@ -19,8 +18,9 @@
 #include <string_view>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/profiler/profiler_design.h"
-#include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
@@ -28,37 +28,35 @@ namespace brenvolt::sra {
 // How lists of codes and proportions are written, number after number.
 inline constexpr const char* kProfilerListFormat = "%.12g";
 
-// Something that a person should hear of and that stops nothing.
-struct ProfilerNote {
-  std::int32_t caption = 0;  // a text by its number
-  std::string text;
-  std::string where;
-};
+// What a person should hear of and what stops nothing.
+using ProfilerNotes = std::vector<Fault>;
 
-// The names in a text of file names separated by "|". Throws Error "Improper string provided for PMML file
-// names." where there is none, or one of them is empty.
-std::vector<std::filesystem::path> SplitFileNames(std::string_view text);
+// The names in a text of file names separated by "|". kInvalidFileNames where there is none, or one of them
+// is empty.
+Result<std::vector<std::filesystem::path>> SplitFileNames(std::string_view text);
 
 // Merges models into a design, in their order. A predictor that is known keeps its specification; a dependent
 // that is known is predicted by the later model, unless it has a formula. `data` may be null. The
-// correlations of new predictors with all others are those of the data. Throws Error, and the design stays as
-// it was, where a field holds numbers in one model and texts in another.
-std::vector<ProfilerNote> MergeModels(ProfilerDesign& design,
-                                      std::span<const std::shared_ptr<const PredictionModel>> models,
-                                      const Spreadsheet* data);
+// correlations of new predictors with all others are those of the data. kFieldTypesDiffer, and the design
+// stays as it was, where a field holds numbers in one model and texts in another.
+Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
+                                  std::span<const std::shared_ptr<const PredictionModel>> models,
+                                  const Spreadsheet* data);
 
 // Sets the formula of a dependent; names of it that are no predictors become predictors. A formula that is
-// not valid is kept all the same: the run will say so.
-std::vector<ProfilerNote> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
-                                     const Spreadsheet* data);
+// not valid is kept all the same: the run will say so. kResponseInFormula, and the design stays as it was,
+// where it uses the name of a dependent.
+Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                                 const Spreadsheet* data);
 // Goes back to the formula before, which may be none; false where nothing was set.
 bool UndoFormula(ProfilerDependent& dependent);
 
 // Specifies every predictor that the data have by the distribution that fits them best. Continuous predictors
 // try all continuous distributions but the Gaussian mixture, with offset 0, ranked by the Kolmogorov-Smirnov
 // test; a categorical one takes the Discrete of its data, whose codes its models know. A predictor that no
-// distribution fits stays as it is. Returns how many were fitted. Throws Error, and nothing changes, where
-// there are none; UserCancelled.
-std::size_t FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data, ProgressPort& port);
+// distribution fits stays as it is. Returns how many were fitted. kNoPredictorFitted or a fault of the fit,
+// and nothing changes, where there are none. Throws UserCancelled.
+Result<std::size_t> FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data,
+                                         const RunProgress& bars);
 
 }  // namespace brenvolt::sra

@@ -4,14 +4,11 @@
 #include <cmath>
 #include <ctime>
 #include <limits>
-#include <new>
+#include <string>
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/profiler/profiler_prediction.h"
-#include "brv_sra/resources/computing_progress.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/correlation_induction.h"
 #include "brv_sra/simulation/sample_generation.h"
 #include "brv_sra/simulation/simulation_run.h"
@@ -23,16 +20,10 @@
 namespace brenvolt::sra {
 namespace {
 
+using enum FaultIdentifier;
+
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kRowsPerCopy = 4096;
-
-ProfilerFault Fault(std::int32_t message, const std::string& name = {}, std::string where = {}) {
-  return {std::string(ResourceString(message)) + name, std::move(where)};
-}
-
-std::string Quoted(const std::string& name) {
-  return "'" + name + "'";
-}
 
 // The random predictors as a design of the simulation.
 SimulationDesign DesignOfDraws(const ProfilerDesign& design, std::vector<std::size_t>& places) {
@@ -75,94 +66,80 @@ std::vector<double> NoiseFactor(const ProfilerDesign& design, std::span<const st
                            design.dependents[j].standardDeviation);
     }
   }
-  if (Cholesky(covariance, noisy.size()).status != brenvolt::MatrixStatus::kSuccess) return {};
+  if (Cholesky(covariance, noisy.size()).status != MatrixStatus::kSuccess) return {};
   return covariance;
 }
 
-std::optional<ProfilerFault> CheckPredictors(const ProfilerDesign& design) {
+Result<void> CheckPredictors(const ProfilerDesign& design) {
   for (const ProfilerPredictor& predictor : design.predictors) {
-    const std::string where = "variable " + predictor.name;
     if (predictor.setting == PredictorSetting::kFixed && !std::isfinite(predictor.fixedValue))
-      return Fault(kMsgProfilerNoSpecification, predictor.name, "the fixed value is not finite");
+      return Fault{kFixedValueNotFinite, predictor.name};
     if (!predictor.IsRandom()) continue;
     if (auto fault = CheckSpecification(predictor.specification, CheckPurpose::kSimulation))
-      return ProfilerFault{fault->message, where};
+      return Fault{kInvalidPredictor, predictor.name, std::move(fault->message)};
   }
   std::vector<std::size_t> places;
-  const std::string faulty = FaultyVariable(DesignOfDraws(design, places));
-  if (!faulty.empty()) return Fault(kMsgSimulationFailedDistributions, {}, faulty);
-  return std::nullopt;
+  return CheckSampling(DesignOfDraws(design, places));
 }
 
 // A name in a formula that nothing is known of is the formula's fault; a model's predictor is its own.
-std::optional<ProfilerFault> CheckPrediction(const ProfilerDesign& design,
-                                             const ProfilerPrediction& prediction, std::size_t k) {
+Result<void> CheckPrediction(const ProfilerDesign& design, const ProfilerPrediction& prediction,
+                             std::size_t k) {
   const ProfilerDependent& dependent = design.dependents[k];
-  if (!prediction.IsPredicted(k))
-    return Fault(kMsgProfilerCheckFormula, dependent.name, "there is neither a formula nor a model");
+  if (!prediction.IsPredicted(k)) return Fault{kNothingPredicts, dependent.name};
   for (const std::size_t j : prediction.ReadBy(k)) {
     const ProfilerPredictor& predictor = design.predictors[j];
     if (predictor.setting != PredictorSetting::kNone) continue;
     if (dependent.formula.empty())
-      return Fault(kMsgProfilerNoSpecification, predictor.name, "model " + dependent.model->Name());
-    return Fault(kMsgProfilerCheckFormula, dependent.name,
-                 "no distribution is specified for " + Quoted(predictor.name));
+      return Fault{kModelPredictorUnspecified, predictor.name, dependent.model->Name()};
+    return Fault{kFormulaPredictorUnspecified, dependent.name, predictor.name};
   }
-  return std::nullopt;
+  return {};
 }
 
-std::optional<ProfilerFault> CheckPredictions(const ProfilerDesign& design) {
+Result<void> CheckPredictions(const ProfilerDesign& design) {
   // One formula after the other, so that the fault has its dependent.
   ProfilerDesign one;
   one.predictors = design.predictors;
   for (const ProfilerDependent& dependent : design.dependents) {
     one.dependents = {dependent};
     try {
-      if (auto fault = CheckPrediction(one, ProfilerPrediction(one), 0)) return fault;
+      if (auto checked = CheckPrediction(one, ProfilerPrediction(one), 0); !checked) return checked;
     } catch (const FormulaError& error) {
-      return Fault(kMsgProfilerCheckFormula, dependent.name, error.Where() + ": " + error.what());
+      return Fault{kFormulaInvalid, dependent.name, error.Where() + ": " + error.what()};
     }
   }
-  return std::nullopt;
+  return {};
 }
 
-std::optional<ProfilerFault> CheckNoise(const ProfilerDesign& design) {
+Result<void> CheckNoise(const ProfilerDesign& design) {
   for (const ProfilerDependent& dependent : design.dependents) {
     const double deviation = dependent.standardDeviation;
     if (dependent.addNoise && !(std::isfinite(deviation) && deviation >= 0))  // kNotSet is negative
-      return Fault(kMsgProfilerNoiseDeviation, dependent.name);
+      return Fault{kInvalidNoise, dependent.name};
   }
   const std::vector<std::size_t> noisy = Noisy(design);
   if (design.IsNoiseMultivariate() && !noisy.empty() && NoiseFactor(design, noisy).empty())
-    return Fault(kMsgProfilerSingularNoise);
-  return std::nullopt;
+    return Fault{kSingularNoise};
+  return {};
 }
 
-// Random predictors from the stream into their columns.
-void DrawRandom(const ProfilerDesign& design, std::span<const std::span<double>> columns, ProgressPort& port,
-                ProfilerRun& run) {
+// Random predictors from the stream into their columns; tells what became of their correlations.
+Result<CorrelationInduction> DrawRandom(const ProfilerDesign& design,
+                                        std::span<const std::span<double>> columns, const RunProgress& bars) {
   std::vector<std::size_t> places;
   const SimulationDesign draws = DesignOfDraws(design, places);
   const std::size_t k = places.size();
   const auto runs = static_cast<std::size_t>(design.runs);
   AnalysisArray<double> matrix(runs * k);
-  SimulationStatus status = SimulationStatus::kSuccess;
+  Result<CorrelationInduction> induction = CorrelationInduction();
   if (InducesCorrelation(draws.method)) {
-    CorrelationInduction induction = InduceRankCorrelation(draws, draws.correlations, matrix.Span(), port);
-    status = induction.status;
-    run.repair = std::move(induction.repair);
-    run.scoreCorrection = induction.scoreCorrection;
+    induction = InduceRankCorrelation(draws, draws.correlations, matrix.Span(), bars);
   } else {
-    const auto progress = Computing(port, runs * k + 1);
-    if (!GenerateMonteCarlo(draws, matrix.Span(), *progress)) status = SimulationStatus::kDistributionFailure;
+    const auto progress = Computing(bars, runs * k + 1);
+    if (!GenerateMonteCarlo(draws, matrix.Span(), *progress)) induction = Fault{kNotSampled};
   }
-  if (status == SimulationStatus::kMemoryFailure) throw std::bad_alloc();
-  if (status != SimulationStatus::kSuccess) {
-    const bool isMatrix = status == SimulationStatus::kMatrixFailure;
-    run.message = ResourceString(isMatrix ? kMsgSimulationFailedMatrix : kMsgSimulationFailedDistributions);
-    if (!isMatrix) run.where = FaultyVariable(draws);
-    return;
-  }
+  if (!induction) return induction.Reason().identifier == kNotSampled ? SamplingFault(draws) : induction;
   const std::span<const double> drawn = matrix.Span();
   ParallelBlocks(runs, kRowsPerCopy, [&](std::size_t begin, std::size_t end) {
     for (std::size_t c = 0; c < k; ++c) {
@@ -170,6 +147,7 @@ void DrawRandom(const ProfilerDesign& design, std::span<const std::span<double>>
       for (std::size_t i = begin; i < end; ++i) column[i] = drawn[i * k + c];
     }
   });
+  return induction;
 }
 
 // Adds L z to every run, z standard normal deviates; the deviates of a run stand side by side in the stream.
@@ -210,9 +188,7 @@ Variable MakeColumn(const std::string& name, std::size_t runs, double value,
 
 std::unique_ptr<Spreadsheet> MakeOutput(const ProfilerDesign& design) {
   const auto runs = static_cast<std::size_t>(design.runs);
-  const std::string name(ResourceString(kProfilerResultsTitle));
-  auto sheet = std::make_unique<Spreadsheet>(name, runs);
-  sheet->SetTitle(name);
+  auto sheet = std::make_unique<Spreadsheet>("", runs);
   for (const ProfilerPredictor& predictor : design.predictors) {
     const bool fixed = predictor.setting == PredictorSetting::kFixed;
     sheet->AddVariable(
@@ -240,31 +216,29 @@ void Seed(const ProfilerDesign& design) {
 
 }  // namespace
 
-std::optional<ProfilerFault> CheckDesign(const ProfilerDesign& design) {
-  if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom))
-    return Fault(kMsgProfilerNoRandomPredictor);
-  if (auto fault = CheckPredictors(design)) return fault;
-  if (auto fault = CheckPredictions(design)) return fault;
-  return CheckNoise(design);
+Result<void> CheckDesign(const ProfilerDesign& design) {
+  if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom)) return Fault{kNoRandomPredictor};
+  for (const auto check : {CheckPredictors, CheckPredictions, CheckNoise}) {
+    if (auto checked = check(design); !checked) return checked;
+  }
+  return {};
 }
 
-ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port) {
+Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress& bars) {
+  if (auto checked = CheckDesign(design); !checked) return checked.Reason();
   ProfilerRun run;
-  if (auto fault = CheckDesign(design)) {
-    run.message = std::move(fault->message);
-    run.where = std::move(fault->where);
-    return run;
-  }
   const std::size_t m = design.predictors.size();
   const std::size_t d = design.dependents.size();
   const ProfilerPrediction prediction(design);
-  auto output = MakeOutput(design);
-  const std::vector<std::span<double>> predictors = ColumnsFrom(*output, 0, m);
-  const std::vector<std::span<double>> dependents = ColumnsFrom(*output, m, d);
+  run.output = MakeOutput(design);
+  const std::vector<std::span<double>> predictors = ColumnsFrom(*run.output, 0, m);
+  const std::vector<std::span<double>> dependents = ColumnsFrom(*run.output, m, d);
   Seed(design);
-  DrawRandom(design, predictors, port, run);
-  if (!run.message.empty()) return run;
-  const auto progress = Computing(port, static_cast<std::size_t>(design.runs) * d + 1);
+  auto induction = DrawRandom(design, predictors, bars);
+  if (!induction) return induction.Reason();
+  run.repair = std::move(induction->repair);
+  run.scoreCorrection = induction->scoreCorrection;
+  const auto progress = Computing(bars, static_cast<std::size_t>(design.runs) * d + 1);
   progress->ShowNow();
   const std::vector<std::span<const double>> drawn(predictors.begin(), predictors.end());
   prediction.Predict(drawn, dependents, *progress);
@@ -272,7 +246,6 @@ ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port) {
     run.missingPredictions.push_back(
         std::ranges::count_if(dependent, [](double y) { return std::isnan(y); }));
   AddNoise(design, dependents);
-  run.output = std::move(output);
   return run;
 }
 

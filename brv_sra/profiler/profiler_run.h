@@ -18,23 +18,20 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/profiler/defect_profile.h"
 #include "brv_sra/profiler/profiler_design.h"
 #include "brv_sra/simulation/correlation_target.h"
-#include "host/controls/progress_bar.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
 
 struct ProfilerRun {
-  // What stopped the run, in the words to show, and what it is about; both empty where it completed.
-  std::string message;
-  std::string where;
-  // Titled "Simulated Results": the predictors, then the dependents, in the order of the design; one case for
-  // each run. A prediction that is not a number is missing (NaN). Null where the run was stopped.
+  // Without a title: the predictors, then the dependents, in the order of the design; one case for each run.
+  // A prediction that is not a number is missing (NaN).
   std::unique_ptr<Spreadsheet> output;
   // Where the correlations of the predictors were not positive definite: what was used for them, over the
   // random predictors in order.
@@ -45,16 +42,12 @@ struct ProfilerRun {
   std::vector<std::int64_t> missingPredictions;
 };
 
-// Runs a design, whose number of runs may be any from 1 on. Faults of the design come as messages. Throws
-// UserCancelled through the port, Error where a model refuses its input, std::bad_alloc.
-ProfilerRun RunProfiler(const ProfilerDesign& design, ProgressPort& port);
+// Runs a design, whose number of runs may be any from 1 on. Throws UserCancelled, Error where a model refuses
+// its input, std::bad_alloc.
+Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress& bars);
 
-// Why the design cannot be run, as RunProfiler says it; nothing where it can, as far as it shows before.
-struct ProfilerFault {
-  std::string message;
-  std::string where;
-};
-std::optional<ProfilerFault> CheckDesign(const ProfilerDesign& design);
+// Whether the design can be run, as far as it shows before.
+Result<void> CheckDesign(const ProfilerDesign& design);
 
 // The columns of a run's output, with the limits that the design has now: what capability, summaries,
 // sensitivity and the defect profile are made of. Dependents by name; those that the design does not have (or

@@ -80,9 +80,8 @@ struct ProfilerRuns : testing::Test {
 
 // The order of draws in the header is what makes a seed stand for its results.
 TEST_F(ProfilerRuns, OutputHoldsDrawsFixedValuesAndPredictionsInTheOrderOfTheStream) {
-  const ProfilerRun run = RunProfiler(Design(), port);
-  ASSERT_NE(run.output, nullptr) << run.message;
-  EXPECT_EQ(run.output->Title(), "Simulated Results");
+  const ProfilerRun run = *RunProfiler(Design(), port);
+  ASSERT_NE(run.output, nullptr);
   ASSERT_EQ(run.output->VariableCount(), 4U);
   ASSERT_EQ(run.output->CaseCount(), 2000U);
   const std::vector<double> a = Values(run, 0);
@@ -95,7 +94,7 @@ TEST_F(ProfilerRuns, OutputHoldsDrawsFixedValuesAndPredictionsInTheOrderOfTheStr
   ProfilerDesign noisy = Design();
   noisy.dependents[0].addNoise = true;
   noisy.dependents[0].standardDeviation = 0.5;
-  const ProfilerRun second = RunProfiler(noisy, port);
+  const ProfilerRun second = *RunProfiler(noisy, port);
   const std::uint64_t end = ProcessStreamPosition();
   std::vector<double> deviates(2000);
   RandomStream(7).FillNormal(end - 2000, 1.0, deviates);
@@ -112,22 +111,22 @@ TEST_F(ProfilerRuns, SameSeedGivesTheSameBytesAtAnyNumberOfThreads) {
     Correlate(design.correlations, 3, 0, 1, 0.7);
     design.dependents[0].addNoise = true;
     design.dependents[0].standardDeviation = 1;
-    const ProfilerRun all = RunProfiler(design, port);
+    const ProfilerRun all = *RunProfiler(design, port);
     const ThreadLimit one(1);
-    const ProfilerRun alone = RunProfiler(design, port);
+    const ProfilerRun alone = *RunProfiler(design, port);
     for (std::size_t j = 0; j < 4; ++j) EXPECT_EQ(Values(all, j), Values(alone, j)) << correlated;
     design.seed = 8;
-    EXPECT_NE(Values(RunProfiler(design, port), 0), Values(all, 0)) << "another seed";
+    EXPECT_NE(Values(*RunProfiler(design, port), 0), Values(all, 0)) << "another seed";
   }
 }
 
 TEST_F(ProfilerRuns, CorrelationsAreImposedOnStratifiedDrawsOnlyWhereTheyAreAskedFor) {
   ProfilerDesign design = Design();
   Correlate(design.correlations, 3, 0, 1, -0.6);
-  EXPECT_NEAR(Correlation(Values(RunProfiler(design, port), 0), Values(RunProfiler(design, port), 1)), 0,
+  EXPECT_NEAR(Correlation(Values(*RunProfiler(design, port), 0), Values(*RunProfiler(design, port), 1)), 0,
               0.06);
   design.simulateCorrelations = true;
-  const ProfilerRun run = RunProfiler(design, port);
+  const ProfilerRun run = *RunProfiler(design, port);
   EXPECT_NEAR(Correlation(Values(run, 0), Values(run, 1)), -0.6, 0.01);
   EXPECT_FALSE(run.repair.has_value());
   // One value in each of the strata of equal probability.
@@ -147,8 +146,8 @@ TEST_F(ProfilerRuns, MatrixThatIsNotPositiveDefiniteIsRepairedAndReported) {
   Correlate(design.correlations, 3, 0, 1, 0.9);
   Correlate(design.correlations, 3, 0, 2, 0.9);
   Correlate(design.correlations, 3, 1, 2, -0.9);
-  const ProfilerRun run = RunProfiler(design, port);
-  ASSERT_NE(run.output, nullptr) << run.message;
+  const ProfilerRun run = *RunProfiler(design, port);
+  ASSERT_NE(run.output, nullptr);
   ASSERT_TRUE(run.repair.has_value());
   EXPECT_LT(run.repair->smallestEigenvalue, 0);
   EXPECT_NEAR(Correlation(Values(run, 0), Values(run, 1)), run.repair->matrix[3], 0.03);
@@ -166,8 +165,8 @@ TEST_F(ProfilerRuns, MultivariateNoiseHasTheCovarianceOfMatrixAndDeviations) {
   design.dependents[1].standardDeviation = 0.5;
   design.dependents[3].standardDeviation = 0;  // has none, and makes nothing singular
   Correlate(design.correlationsY, 4, 0, 1, 0.8);
-  const ProfilerRun run = RunProfiler(design, port);
-  ASSERT_NE(run.output, nullptr) << run.message;
+  const ProfilerRun run = *RunProfiler(design, port);
+  ASSERT_NE(run.output, nullptr);
   EXPECT_NEAR(MomentsOf(Values(run, 3)).standardDeviation, 2, 0.03);
   EXPECT_NEAR(MomentsOf(Values(run, 4)).standardDeviation, 0.5, 0.01);
   EXPECT_NEAR(Correlation(Values(run, 3), Values(run, 4)), 0.8, 0.01);
@@ -181,8 +180,8 @@ TEST_F(ProfilerRuns, MissingPredictionsAreKeptAndCounted) {
   design.dependents[0].addNoise = true;
   design.dependents[0].standardDeviation = 1;
   design.AddDependent(ByFormula("None", "1 / (C - 3)"));
-  const ProfilerRun run = RunProfiler(design, port);
-  ASSERT_NE(run.output, nullptr) << run.message;
+  const ProfilerRun run = *RunProfiler(design, port);
+  ASSERT_NE(run.output, nullptr);
   const std::vector<double> a = Values(run, 0);
   const std::vector<double> y = Values(run, 3);
   std::int64_t missing = 0;
@@ -194,12 +193,8 @@ TEST_F(ProfilerRuns, MissingPredictionsAreKeptAndCounted) {
   EXPECT_TRUE(std::ranges::all_of(Values(run, 4), [](double v) { return std::isnan(v); }));
 }
 
-TEST_F(ProfilerRuns, FaultyDesignsAreRefusedInTheirWordsAndDrawNothing) {
-  const std::string random = "At least one variable distribution specification must be random.";
-  const std::string formula = "Please check the formula for Y";
-  const std::string noise =
-      "Unable to add multivariate noise, the response covariance matrix maybe singular. Check the Y "
-      "correlation matrix.";
+TEST_F(ProfilerRuns, FaultyDesignsAreRefusedWithTheirFaultAndDrawNothing) {
+  using enum FaultIdentifier;
   const auto second = [](ProfilerDesign& design) {
     design.AddDependent(ByFormula("Z", "B"));
     for (ProfilerDependent& dependent : design.dependents) {
@@ -208,37 +203,33 @@ TEST_F(ProfilerRuns, FaultyDesignsAreRefusedInTheirWordsAndDrawNothing) {
     }
   };
   const struct {
-    std::string message;
-    std::string where;
+    Fault fault;
     std::function<void(ProfilerDesign&)> spoil;
   } rows[] = {
-      {random, "", [](auto& design) { design = ProfilerDesign(); }},
-      {random, "",
+      {{kNoRandomPredictor}, [](auto& design) { design = ProfilerDesign(); }},
+      {{kNoRandomPredictor},
        [](auto& design) {
          for (auto& predictor : design.predictors) predictor.setting = PredictorSetting::kFixed;
        }},
-      {formula, "formula for Y, character 5: ')' is missing",
+      {{kFormulaInvalid, "Y", "formula for Y, character 5: ')' is missing"},
        [](auto& design) { design.dependents[0].formula = "(A+1"; }},
-      {formula, "formula for Y, character 1: unknown name 'Q'",
+      {{kFormulaInvalid, "Y", "formula for Y, character 1: unknown name 'Q'"},
        [](auto& design) { design.dependents[0].formula = "Q"; }},
-      {formula, "there is neither a formula nor a model",
-       [](auto& design) { design.dependents[0].formula = ""; }},
-      {formula, "no distribution is specified for 'C'",
+      {{kNothingPredicts, "Y"}, [](auto& design) { design.dependents[0].formula = ""; }},
+      {{kFormulaPredictorUnspecified, "Y", "C"},
        [](auto& design) { design.predictors[2].setting = PredictorSetting::kNone; }},
-      {"Please set a valid standard deviation of the noise of Y", "",
-       [](auto& design) { design.dependents[0].addNoise = true; }},
-      {noise, "",
+      {{kInvalidNoise, "Y"}, [](auto& design) { design.dependents[0].addNoise = true; }},
+      {{kSingularNoise},
        [&](auto& design) {
          second(design);
          Correlate(design.correlationsY, 2, 0, 1, 1.0);
        }},
-      {"Simulation failed.  Please review best fitting distributions for appropriate parameters.",
-       "variable A, Normal(location=0.0000, scale=1.0000) with its truncation",
+      {{kTruncationNotSampled, "A", "Normal(location=0.0000, scale=1.0000)"},
        [](auto& design) {
          design.predictors[0].specification.truncateBelow = true;
          design.predictors[0].specification.truncationMinimum = 2000;
        }},
-      {"Simulation failed. Please check the correlation matrix.", "",
+      {{kCorrelationsUnusable},
        [](auto& design) {
          design.simulateCorrelations = true;
          Correlate(design.correlations, 3, 0, 1, kNone);
@@ -247,10 +238,7 @@ TEST_F(ProfilerRuns, FaultyDesignsAreRefusedInTheirWordsAndDrawNothing) {
   for (const auto& row : rows) {
     ProfilerDesign design = Design();
     row.spoil(design);
-    const ProfilerRun run = RunProfiler(design, port);
-    EXPECT_EQ(run.message, row.message);
-    EXPECT_EQ(run.where, row.where);
-    EXPECT_EQ(run.output, nullptr);
+    EXPECT_EQ(RunProfiler(design, port).Reason(), row.fault);
   }
 }
 
@@ -259,7 +247,7 @@ TEST_F(ProfilerRuns, CancellingEndsTheRun) {
   port.cancelled = true;
   ProfilerDesign design = Design();
   design.runs = 100000;
-  EXPECT_THROW(RunProfiler(design, port), UserCancelled);
+  EXPECT_THROW((void)RunProfiler(design, port), UserCancelled);
 }
 
 // ---- Graphs
@@ -267,7 +255,7 @@ TEST_F(ProfilerRuns, CancellingEndsTheRun) {
 TEST_F(ProfilerRuns, ProfilesStandInAMatrixAndSayWhatTheyLeaveOut) {
   ProfilerDesign design = Design();
   design.AddDependent(ByFormula("Z", "sqrt(B)"));
-  const ProfilerRun run = RunProfiler(design, port);
+  const ProfilerRun run = *RunProfiler(design, port);
   const Graph graph = ProfileGraph(ColumnsOf(*run.output, 3, design), port);
   EXPECT_EQ(graph.title, "Profiles for predicted values");
   ASSERT_EQ(graph.panels.size(), 6U);

@@ -266,11 +266,6 @@ inline constexpr std::int32_t kMsgAndersonDarlingNoValues = 20275;
 inline constexpr std::int32_t kMsgAndersonDarlingCdfNoValues = 20276;
 
 // The correlation matrix file.
-inline constexpr std::int32_t kMatrixTitle = 20300;
-inline constexpr std::int32_t kMatrixRowMeans = 20301;
-inline constexpr std::int32_t kMatrixRowStandardDeviations = 20302;
-inline constexpr std::int32_t kMatrixRowCases = 20303;
-inline constexpr std::int32_t kMatrixRowType = 20304;
 inline constexpr std::int32_t kMsgMatrixCreateQuestion = 20305;
 inline constexpr std::int32_t kMsgMatrixWrongType = 20306;
 inline constexpr std::int32_t kMsgMatrixCases = 20307;
@@ -513,6 +508,8 @@ inline constexpr std::int32_t kMsgCorrelationUndefined = 20854;
 inline constexpr std::int32_t kMsgCorrelationsUndefined = 20855;
 inline constexpr std::int32_t kMsgNotAmongResults = 20856;
 inline constexpr std::int32_t kMsgNothingToSave = 20857;
+inline constexpr std::int32_t kMsgInfiniteValue = 20858;
+inline constexpr std::int32_t kMsgPercentilesNotFitted = 20859;
 
 // The profiler: rows, columns, titles and axes of what it tells of a response.
 inline constexpr std::int32_t kResponseLowerLimit = 20870;
@@ -587,5 +584,6 @@ inline constexpr std::int32_t kMsgProfilerNoDependent = 21007;
 inline constexpr std::int32_t kMsgProfilerInvalidSeed = 21008;
 inline constexpr std::int32_t kProfilerMean = 21009;
 inline constexpr std::int32_t kProfilerNoSpecification = 21010;
+inline constexpr std::int32_t kMsgProfilerResponseInFormula = 21011;
 
 }  // namespace brenvolt::sra

@@ -9,7 +9,6 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/analysis/response_columns.h"
 #include "host/analysis/result_columns.h"
-#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -297,11 +296,6 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgAndersonDarlingNoValues, "andersonDarling: n <= 0"},
     {kMsgAndersonDarlingCdfNoValues, "n <= 0"},
     // The correlation matrix file.
-    {kMatrixTitle, kCorrelationMatrixTitle},
-    {kMatrixRowMeans, matrix_row::kMeans},
-    {kMatrixRowStandardDeviations, matrix_row::kStandardDeviations},
-    {kMatrixRowCases, matrix_row::kValidCases},
-    {kMatrixRowType, "DontTranslate!!Matrix"},
     {kMsgMatrixCreateQuestion, "The input is not a valid Brenvolt matrix file. Do you want to create one?"},
     {kMsgMatrixWrongType, "Only correlation and covariance matrices can be processed."},
     {kMsgMatrixCases, "Cases error"},
@@ -549,6 +543,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgCorrelationsUndefined, "%s more correlations are not defined and are taken as 0."},
     {kMsgNotAmongResults, "Variable %s is not among the fitted ones."},
     {kMsgNothingToSave, "None of the selected variables has a valid fit."},
+    {kMsgInfiniteValue, "variable %s holds an infinite value"},
+    {kMsgPercentilesNotFitted, "the Johnson distribution cannot be fitted from percentiles"},
     {kResponseLowerLimit, response_table::kLowerLimit},
     {kResponseTarget, response_table::kTarget},
     {kResponseUpperLimit, response_table::kUpperLimit},
@@ -620,6 +616,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgProfilerInvalidSeed, "Invalid random seed. Valid range is 1<=x<=2147483647."},
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
+    {kMsgProfilerResponseInFormula, "a formula cannot use a response, '%s'"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -5,13 +5,9 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <new>
 #include <utility>
 #include <vector>
 
-#include "brv_sra/resources/computing_progress.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/matrix_columns.h"
 #include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/sample_generation.h"
@@ -149,56 +145,51 @@ void SpreadColumns(std::span<double> matrix, std::size_t n, std::span<const std:
   }
 }
 
-SimulationStatus GenerateOnly(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port) {
-  const auto progress = Computing(port, matrix.size() + 1);
-  const bool done = UsesLatinHypercube(design.method) ? GenerateLatinHypercube(design, matrix, *progress)
-                                                      : GenerateMonteCarlo(design, matrix, *progress);
-  return done ? SimulationStatus::kSuccess : SimulationStatus::kDistributionFailure;
+bool GenerateOnly(const SimulationDesign& design, std::span<double> matrix, const RunProgress& bars) {
+  const auto progress = Computing(bars, matrix.size() + 1);
+  return UsesLatinHypercube(design.method) ? GenerateLatinHypercube(design, matrix, *progress)
+                                           : GenerateMonteCarlo(design, matrix, *progress);
 }
 
-void Induce(const SimulationDesign& design, std::span<const double> target, std::span<double> matrix,
-            ProgressPort& port, CorrelationInduction& result) {
+// Puts the ranks of the transformed scores into the sample matrix, in the places of the samples.
+CorrelationInduction RankScores(const SimulationDesign& design, TargetFactor factor, std::span<double> matrix,
+                                const RunProgress& bars) {
   const auto n = static_cast<std::size_t>(design.numberOfSamples);
   const std::vector<std::size_t> active = design.ActiveVariables();
   const std::size_t k = active.size();
-  TargetFactor factor = FactorTarget(target, k);
-  if (factor.factor.empty()) {
-    result.status = SimulationStatus::kMatrixFailure;
-    return;
-  }
+  CorrelationInduction result;
   result.repair = std::move(factor.repair);
   const std::span<double> scores = matrix.first(n * k);
   {
-    const auto progress = Computing(port, 2 * n + 1);
+    const auto progress = Computing(bars, 2 * n + 1);
     BuildVanDerWaerdenScores(scores, n, k, *progress);
     PolledParallelFor(1, *progress, [&](std::size_t, const Cancellation&) {
       result.scoreCorrection = CorrectTransform(scores, n, k, factor.factor);
     });
     TransformScores(scores, n, k, factor.factor, *progress);
   }
-  {
-    const auto progress = Computing(port, (design.variables.size() + 1) * n + 1);
-    ReplaceByRanks(scores, n, k, *progress);
-    SpreadColumns(matrix, n, active, design.variables.size());
-  }
-  const auto progress = Computing(port, matrix.size() + 1);
-  result.status = ReorderByScoreRanks(design, matrix, *progress);
+  const auto progress = Computing(bars, (design.variables.size() + 1) * n + 1);
+  ReplaceByRanks(scores, n, k, *progress);
+  SpreadColumns(matrix, n, active, design.variables.size());
+  return result;
 }
 
 }  // namespace
 
-CorrelationInduction InduceRankCorrelation(const SimulationDesign& design, std::span<const double> target,
-                                           std::span<double> matrix, ProgressPort& port) {
-  CorrelationInduction result;
-  try {
-    if (design.numberOfSamples == 1 || design.ActiveVariables().empty()) {
-      result.status = GenerateOnly(design, matrix, port);
-    } else {
-      Induce(design, target, matrix, port, result);
-    }
-  } catch (const std::bad_alloc&) {
-    result.status = SimulationStatus::kMemoryFailure;
+Result<CorrelationInduction> InduceRankCorrelation(const SimulationDesign& design,
+                                                   std::span<const double> target, std::span<double> matrix,
+                                                   const RunProgress& bars) {
+  const Fault notSampled{FaultIdentifier::kNotSampled};
+  const std::size_t k = design.ActiveVariables().size();
+  if (design.numberOfSamples == 1 || k == 0) {
+    if (!GenerateOnly(design, matrix, bars)) return notSampled;
+    return CorrelationInduction();
   }
+  Result<TargetFactor> factor = FactorTarget(target, k);
+  if (!factor) return factor.Reason();
+  CorrelationInduction result = RankScores(design, *std::move(factor), matrix, bars);
+  const auto progress = Computing(bars, matrix.size() + 1);
+  if (!ReorderByScoreRanks(design, matrix, *progress)) return notSampled;
   return result;
 }
 
@@ -238,8 +229,8 @@ void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKro
   });
 }
 
-SimulationStatus ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix,
-                                     CKroProgressBar& progress) {
+bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix,
+                         CKroProgressBar& progress) {
   const auto n = static_cast<std::size_t>(design.numberOfSamples);
   const std::size_t stride = design.variables.size();
   const std::vector<std::size_t> active = design.ActiveVariables();
@@ -263,7 +254,7 @@ SimulationStatus ReorderByScoreRanks(const SimulationDesign& design, std::span<d
     });
     progress.Step(static_cast<std::int64_t>(n * places.size()));
   });
-  return done ? SimulationStatus::kSuccess : SimulationStatus::kDistributionFailure;
+  return done;
 }
 
 }  // namespace brenvolt::sra

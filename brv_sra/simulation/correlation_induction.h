@@ -12,6 +12,8 @@
 #include <optional>
 #include <span>
 
+#include "brv_sra/base/fault.h"
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/simulation/correlation_target.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/controls/progress_bar.h"
@@ -19,7 +21,6 @@
 namespace brenvolt::sra {
 
 struct CorrelationInduction {
-  SimulationStatus status = SimulationStatus::kSuccess;
   // False when the scores' own chance correlation could not be taken back, because there are too few samples
   // for the variables (as many samples as variables, or fewer) or a column of scores is constant; the target
   // is then met only as closely as chance allows.
@@ -32,12 +33,12 @@ struct CorrelationInduction {
 // design's method (kLatinHypercubeImanConover: Latin hypercube; else Monte Carlo) and induces the target.
 // `target` is k x k, row-major, over the k variables that take part, in order; only the part below the
 // diagonal is read. Draws the k permutations of the scores, then the samples, on from where the process's
-// stream stands; a single sample is only generated. Never fails silently: kMatrixFailure when the target
-// cannot be used (correlation_target.h), kDistributionFailure when a variable cannot be sampled,
-// kMemoryFailure when memory is short. On failure the sample matrix holds nothing of use. Throws
+// stream stands; a single sample is only generated. Never fails silently: kCorrelationsUnusable
+// (correlation_target.h), kNotSampled. On failure the sample matrix holds nothing of use. Throws
 // UserCancelled.
-CorrelationInduction InduceRankCorrelation(const SimulationDesign& design, std::span<const double> target,
-                                           std::span<double> matrix, ProgressPort& port);
+Result<CorrelationInduction> InduceRankCorrelation(const SimulationDesign& design,
+                                                   std::span<const double> target, std::span<double> matrix,
+                                                   const RunProgress& progress);
 
 // scores (n x k, row-major): column after column the normal quantiles of i / (n + 1), i = 1 … n, in the order
 // of a random permutation (van der Waerden 1952).
@@ -49,8 +50,7 @@ void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size
 void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKroProgressBar& progress);
 
 // Generates the samples of the variables that take part and puts in each of their places the value of the
-// rank, from 0, that stands there in the sample matrix.
-SimulationStatus ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix,
-                                     CKroProgressBar& progress);
+// rank, from 0, that stands there in the sample matrix. False when a variable cannot be sampled.
+bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
 
 }  // namespace brenvolt::sra

@@ -135,6 +135,7 @@ struct Induction : testing::Test {
   HeadlessUserInterface port;
   SimulationDesign design;
   CorrelationInduction result;
+  std::optional<FaultIdentifier> fault;  // where there is no result
 
   void SetUp() override {
     for (std::size_t j = 0; j < 8; ++j)
@@ -147,7 +148,9 @@ struct Induction : testing::Test {
   Matrix Run(const Matrix& target, double seed = 9) {
     Matrix matrix(static_cast<std::size_t>(design.numberOfSamples) * design.variables.size());
     SeedRandomStream(true, seed);
-    result = InduceRankCorrelation(design, target, matrix, port);
+    const Result<CorrelationInduction> induction = InduceRankCorrelation(design, target, matrix, port);
+    fault = induction ? std::nullopt : std::optional(induction.Reason().identifier);
+    result = induction ? *induction : CorrelationInduction();
     return matrix;
   }
 };
@@ -167,8 +170,7 @@ TEST_F(Induction, AgreesWithTheMethodStepByStep) {
           design.numberOfSamples = n;
           const Matrix matrix = Run(target);
           const auto position = ProcessStreamPosition();
-          EXPECT_TRUE(result.status == SimulationStatus::kSuccess && result.scoreCorrection &&
-                      !result.repair);
+          EXPECT_TRUE(!fault && result.scoreCorrection && !result.repair);
           SeedRandomStream(true, 9);
           EXPECT_EQ(matrix, PlainInduction(design, target)) << "n " << n << ", threads " << threads;
           EXPECT_EQ(position, ProcessStreamPosition());
@@ -186,7 +188,7 @@ TEST_F(Induction, ReachesTheTargetAndKeepsEveryColumnsValues) {
     design.method =
         seed % 2 == 0 ? SimulationMethod::kImanConover : SimulationMethod::kLatinHypercubeImanConover;
     const Matrix matrix = Run(target, seed);
-    ASSERT_EQ(result.status, SimulationStatus::kSuccess);
+    ASSERT_FALSE(fault);
     // What the generator drew, after the draws of the permutations.
     SeedRandomStream(true, seed);
     SetProcessStreamPosition(ProcessStreamPosition() + k * 10'000);
@@ -222,23 +224,23 @@ TEST_F(Induction, TargetsThatAreNotPositiveDefinite) {
   struct Case {
     const char* what;
     double correlation;  // of every pair of three
-    SimulationStatus status;
+    bool usable;
     bool repaired;
     double used;
   };
-  const Case cases[] = {{"fine", -0.4, SimulationStatus::kSuccess, false, -0.4},
-                        {"indefinite", -0.9, SimulationStatus::kSuccess, true, -0.5},
-                        {"a missing entry", kNaN, SimulationStatus::kMatrixFailure, false, 0},
-                        {"infinite", INFINITY, SimulationStatus::kMatrixFailure, false, 0}};
+  const Case cases[] = {{"fine", -0.4, true, false, -0.4},
+                        {"indefinite", -0.9, true, true, -0.5},
+                        {"a missing entry", kNaN, false, false, 0},
+                        {"infinite", INFINITY, false, false, 0}};
   design.variables.resize(3);
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     // Above the diagonal and on it nothing is read.
     const Matrix target{7, kNaN, kNaN, c.correlation, 7, kNaN, c.correlation, c.correlation, 7};
     const Matrix matrix = Run(target);
-    ASSERT_EQ(result.status, c.status);
+    ASSERT_TRUE(fault == (c.usable ? std::nullopt : std::optional(FaultIdentifier::kCorrelationsUnusable)));
     ASSERT_EQ(result.repair.has_value(), c.repaired);
-    if (c.status != SimulationStatus::kSuccess) continue;
+    if (!c.usable) continue;
     Matrix ranks(matrix.size());
     for (std::size_t j = 0; j < 3; ++j) {
       std::vector<double> rank(1000);
@@ -262,7 +264,9 @@ TEST_F(Induction, EveryRepairedMatrixCanBeUsed) {
       Matrix target(k * k);
       RandomStream(seed).FillUniform(0, target);
       for (double& r : target) r = 2 * r - 1;
-      const TargetFactor factor = FactorTarget(target, k);
+      const Result<TargetFactor> factored = FactorTarget(target, k);
+      ASSERT_TRUE(factored) << "size " << k << ", seed " << seed;
+      const TargetFactor& factor = *factored;
       ASSERT_EQ(factor.factor.size(), k * k) << "size " << k << ", seed " << seed;
       if (!factor.repair) continue;
       EXPECT_LT(factor.repair->smallestEigenvalue, 0);
@@ -281,7 +285,7 @@ TEST_F(Induction, PerfectCorrelationPutsBothColumnsInOneOrder) {
   design.variables.resize(2);
   for (const double r : {1.0, -1.0}) {
     const Matrix matrix = Run({1, r, r, 1});
-    ASSERT_EQ(result.status, SimulationStatus::kSuccess);
+    ASSERT_FALSE(fault);
     std::vector<double> first = ColumnOf(matrix, 2, 0);
     for (double& x : first) x *= r;
     EXPECT_EQ(OrderOf(first), OrderOf(ColumnOf(matrix, 2, 1)));
@@ -293,7 +297,7 @@ TEST_F(Induction, TooFewSamplesForTheCorrectionStillGiveTheirValues) {
   for (const std::int32_t n : {1, 2, 3, 8, 9}) {
     design.numberOfSamples = n;
     const Matrix matrix = Run(target);
-    EXPECT_EQ(result.status, SimulationStatus::kSuccess);
+    EXPECT_FALSE(fault);
     EXPECT_EQ(result.scoreCorrection, n == 1 || n > 8) << n;
     SeedRandomStream(true, 9);
     const auto draws = static_cast<std::uint64_t>(n > 1 ? 8 * n : 0);
@@ -328,13 +332,12 @@ TEST_F(Induction, FailuresAreToldApartAndReleaseTheirMemory) {
   const auto before = OutstandingAnalysisBlocks();
   for (const std::size_t allocations : {0, 1, 2}) {
     LimitAnalysisAllocations(allocations);
-    Run(target);
+    EXPECT_THROW(Run(target), std::bad_alloc) << allocations;
     LimitAnalysisAllocations(kNoAllocationLimit);
-    EXPECT_EQ(result.status, SimulationStatus::kMemoryFailure) << allocations;
   }
   design.variables[5].specification.values = {-1, 1};
   Run(target);
-  EXPECT_EQ(result.status, SimulationStatus::kDistributionFailure);
+  EXPECT_TRUE(fault == FaultIdentifier::kNotSampled);
   EXPECT_EQ(OutstandingAnalysisBlocks(), before);
 }
 

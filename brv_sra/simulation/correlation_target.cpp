@@ -72,7 +72,8 @@ void RepairCorrelationMatrix(std::span<double> matrix, std::size_t k, std::span<
   for (std::size_t i = 0; i < k; ++i) matrix[i * k + i] = 1;
 }
 
-TargetFactor FactorTarget(std::span<const double> matrix, std::size_t k) {
+Result<TargetFactor> FactorTarget(std::span<const double> matrix, std::size_t k) {
+  const Fault unusable{FaultIdentifier::kCorrelationsUnusable};
   TargetFactor result;
   std::vector<double> target(k * k);
   for (std::size_t i = 0; i < k; ++i) {
@@ -80,15 +81,15 @@ TargetFactor FactorTarget(std::span<const double> matrix, std::size_t k) {
     for (std::size_t j = 0; j < i; ++j) target[i * k + j] = target[j * k + i] = matrix[i * k + j];
   }
   Decomposition eigen(k);
-  if (!eigen.Of(target)) return result;
+  if (!eigen.Of(target)) return unusable;
   if (!std::ranges::all_of(eigen.values, IsPositive)) {
     const std::vector<double> given = target;
     const double smallest = eigen.values.front();
     RepairCorrelationMatrix(target, k, eigen.values, eigen.vectors);
-    if (!eigen.Of(target) || !ArePositiveUpToRounding(eigen.values)) return result;
+    if (!eigen.Of(target) || !ArePositiveUpToRounding(eigen.values)) return unusable;
     result.repair = DescribeRepair(given, target, k, smallest);
   }
-  if (Cholesky(target, k, SmallPivot::kLift).status != MatrixStatus::kSuccess) return result;
+  if (Cholesky(target, k, SmallPivot::kLift).status != MatrixStatus::kSuccess) return unusable;
   result.factor = std::move(target);
   return result;
 }

@@ -6,6 +6,8 @@
 #include <span>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
+
 namespace brenvolt::sra {
 
 // What a repair did.
@@ -27,14 +29,15 @@ void RepairCorrelationMatrix(std::span<double> matrix, std::size_t k, std::span<
 
 // The Cholesky factor of a target, and what had to be done for it.
 struct TargetFactor {
-  std::vector<double> factor;  // k x k, lower triangular; empty when the target cannot be used
+  std::vector<double> factor;  // k x k, lower triangular
   std::optional<CorrelationRepair> repair;
 };
 
 // Takes the coefficients from below the diagonal of the k x k matrix; nothing else of it is read. A target
 // with an eigenvalue that is not positive (by 15 units in the last place) is repaired. The repaired matrix is
 // singular up to rounding, so that eigenvalues count as positive then unless they are negative by more than
-// k epsilon of the largest. A target that fails even that, or holds NaN or infinity, cannot be used.
-TargetFactor FactorTarget(std::span<const double> matrix, std::size_t k);
+// k epsilon of the largest. A target that fails even that, or holds NaN or infinity, is
+// kCorrelationsUnusable.
+Result<TargetFactor> FactorTarget(std::span<const double> matrix, std::size_t k);
 
 }  // namespace brenvolt::sra

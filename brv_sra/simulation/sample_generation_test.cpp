@@ -410,10 +410,10 @@ TEST(SimulationRun, FailuresReleaseTheirMemoryAndProduceNothing) {
   design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
   const auto before = OutstandingAnalysisBlocks();
   LimitAnalysisAllocations(0);
-  EXPECT_EQ(RunSimulation(design, true, 1, port).status, SimulationStatus::kMemoryFailure);
+  EXPECT_THROW((void)RunSimulation(design, true, 1, port), std::bad_alloc);
   LimitAnalysisAllocations(kNoAllocationLimit);
   design.excluded = {0};
-  EXPECT_EQ(RunSimulation(design, true, 1, port).status, SimulationStatus::kDistributionFailure);
+  EXPECT_EQ(RunSimulation(design, true, 1, port).Reason(), Fault{FaultIdentifier::kNotSampled});
   EXPECT_EQ(OutstandingAnalysisBlocks(), before);
   EXPECT_TRUE(FitsSampleLimit(1, 250'000'000));
   EXPECT_FALSE(FitsSampleLimit(1, 250'000'001));

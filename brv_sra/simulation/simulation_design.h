@@ -34,13 +34,6 @@ enum class ParameterSource : std::int32_t {
   kUserSpecified  // the distribution specified for the simulation, with its truncation limits
 };
 
-enum class SimulationStatus : std::int32_t {
-  kSuccess,
-  kMemoryFailure,
-  kDistributionFailure,
-  kMatrixFailure  // the target correlations cannot be used
-};
-
 struct SimulationVariable {
   int variableNumber = 0;  // in the input spreadsheet, from 1
   std::string name;

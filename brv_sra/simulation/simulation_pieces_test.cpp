@@ -32,10 +32,10 @@ struct Pieces : testing::Test {
     design.excluded = {2};
     design.numberOfSamples = 70'001;
   }
-  PiecewiseRun ByCases(const CaseSink& take) {
+  Result<SampleSummaries> ByCases(const CaseSink& take) {
     return SimulateByCases(design, true, kSeed, take, userInterface);
   }
-  PiecewiseRun ByColumns(const ColumnSink& take) {
+  Result<SampleSummaries> ByColumns(const ColumnSink& take) {
     return SimulateByColumns(design, true, kSeed, take, userInterface);
   }
 };
@@ -53,14 +53,14 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
       SCOPED_TRACE(testing::Message() << truncation.name << ", method " << static_cast<int>(method));
       UseAllLaws(truncation);
       design.method = method;
-      const SimulationRun whole = RunSimulation(design, true, kSeed, userInterface);
+      const SimulationRun whole = *RunSimulation(design, true, kSeed, userInterface);
       const std::uint64_t end = ProcessStreamPosition();
       const auto expected = ColumnsOf(*whole.output);
-      const auto summary = ColumnsOf(*SimulationSummary(*whole.output, userInterface));
+      const SampleSummaries summary = SummarizeOutput(*whole.output, userInterface);
 
       std::vector<std::vector<double>> found(expected.size());
       int pieces = 0;
-      const PiecewiseRun byCases = ByCases([&](const Spreadsheet& piece) {
+      const auto byCases = ByCases([&](const Spreadsheet& piece) {
         ++pieces;
         EXPECT_EQ(piece.VariableAt(2).Name(), "v4");
         for (std::size_t c = 0; c < found.size(); ++c)
@@ -69,16 +69,17 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
       });
       EXPECT_GT(pieces, 1);
       EXPECT_EQ(found, expected);
-      EXPECT_EQ(ColumnsOf(*byCases.summary), summary);
-      EXPECT_EQ(byCases.summary->CaseName(2), "v4");
+      EXPECT_EQ(byCases->values, summary.values);
+      EXPECT_EQ(byCases->names, summary.names);
+      EXPECT_EQ(summary.names[2], "v4");
       EXPECT_EQ(ProcessStreamPosition(), end);
 
       found.assign(expected.size(), {});
-      const PiecewiseRun byColumns = ByColumns([&](std::size_t variable, std::span<const double> values) {
+      const auto byColumns = ByColumns([&](std::size_t variable, std::span<const double> values) {
         found[variable].insert(found[variable].end(), values.begin(), values.end());
       });
       EXPECT_EQ(found, expected);
-      EXPECT_EQ(ColumnsOf(*byColumns.summary), summary);
+      EXPECT_EQ(byColumns->values, summary.values);
       EXPECT_EQ(ProcessStreamPosition(), end);
     }
   }
@@ -87,24 +88,22 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
 TEST_F(Pieces, FailuresNameTheVariableAndLeaveNothing) {
   UseAllLaws(kTruncations[0]);
   design.variables[4].specification.values[0] = -1;
-  const PiecewiseRun run = ByCases([](const Spreadsheet&) { ADD_FAILURE() << "a piece of a failed run"; });
-  EXPECT_EQ(run.status, SimulationStatus::kDistributionFailure);
-  EXPECT_TRUE(run.where.starts_with("variable v5, ")) << run.where;
-  EXPECT_EQ(run.summary, nullptr);
+  const auto run = ByCases([](const Spreadsheet&) { ADD_FAILURE() << "a piece of a failed run"; });
+  EXPECT_EQ(run.Reason().identifier, FaultIdentifier::kTruncationNotSampled);
+  EXPECT_EQ(run.Reason().about, "v5");
 
   UseAllLaws(kTruncations[0]);
   design.method = SimulationMethod::kLatinHypercube;
   LimitAnalysisAllocations(3);
-  const PiecewiseRun starved = ByCases([](const Spreadsheet&) {});
+  EXPECT_THROW((void)ByCases([](const Spreadsheet&) {}), std::bad_alloc);
   LimitAnalysisAllocations(kNoAllocationLimit);
-  EXPECT_EQ(starved.status, SimulationStatus::kMemoryFailure);
   EXPECT_EQ(OutstandingAnalysisBlocks(), 0U);
 }
 
 TEST_F(Pieces, AFullTargetEndsTheRun) {
   UseAllLaws(kTruncations[0]);
-  EXPECT_THROW(ByColumns([](std::size_t, std::span<const double>) { throw Error("full"); }), Error);
-  EXPECT_THROW(ByCases([](const Spreadsheet&) { throw Error("full"); }), Error);
+  EXPECT_THROW((void)ByColumns([](std::size_t, std::span<const double>) { throw Error("full"); }), Error);
+  EXPECT_THROW((void)ByCases([](const Spreadsheet&) { throw Error("full"); }), Error);
 }
 
 }  // namespace

@@ -4,15 +4,11 @@
 #include <array>
 #include <cmath>
 #include <map>
-#include <new>
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/variable_properties.h"
-#include "brv_sra/resources/computing_progress.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/correlation_induction.h"
 #include "brv_sra/simulation/sample_generation.h"
 #include "brv_sra/simulation/simulation_output.h"
@@ -26,50 +22,51 @@ namespace {
 
 constexpr std::int64_t kSampleLimit = 2'000'000'000;  // bytes
 
-// Which correlation that takes part is missing; empty where all are there.
-std::string FaultyCorrelation(const SimulationDesign& design, std::span<const double> target) {
+// The correlations among the variables that take part, all of which must be there.
+Result<void> CheckCorrelations(const SimulationDesign& design, std::span<const double> target) {
   const std::vector<std::size_t> active = design.ActiveVariables();
   for (std::size_t i = 0; i < active.size(); ++i) {
     for (std::size_t j = 0; j < i; ++j) {
       if (std::isfinite(target[i * active.size() + j])) continue;
-      return "the correlation of " + design.variables[active[j]].name + " and " +
-             design.variables[active[i]].name + " is missing";
+      return Fault{FaultIdentifier::kCorrelationMissing, design.variables[active[j]].name,
+                   design.variables[active[i]].name};
     }
   }
   return {};
 }
 
-// Fills the sample matrix; on failure `where` names what is at fault.
-using Generate = void (*)(const SimulationDesign&, std::span<double>, ProgressPort&, SimulationRun&);
+// Fills the sample matrix.
+using Correlations = std::optional<SimulatedCorrelations>;
+using Generate = Result<Correlations> (*)(const SimulationDesign&, std::span<double>, const RunProgress&);
 
 template <bool (*Generator)(const SimulationDesign&, std::span<double>, CKroProgressBar&)>
-void GenerateIndependent(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port,
-                         SimulationRun& run) {
-  const auto progress = Computing(port, matrix.size() + 1);
-  if (!Generator(design, matrix, *progress)) run.status = SimulationStatus::kDistributionFailure;
+Result<Correlations> GenerateIndependent(const SimulationDesign& design, std::span<double> matrix,
+                                         const RunProgress& bars) {
+  const auto progress = Computing(bars, matrix.size() + 1);
+  if (!Generator(design, matrix, *progress)) return SamplingFault(design);
+  return Correlations();
 }
 
-void GenerateCorrelated(const SimulationDesign& design, std::span<double> matrix, ProgressPort& port,
-                        SimulationRun& run) {
+Result<Correlations> GenerateCorrelated(const SimulationDesign& design, std::span<double> matrix,
+                                        const RunProgress& bars) {
   SimulatedCorrelations correlations;
   correlations.asked = ActiveCorrelations(design);
   // A single sample is generated without a look at the matrix.
-  if (design.numberOfSamples > 1) run.where = FaultyCorrelation(design, correlations.asked);
-  if (!run.where.empty()) {
-    run.status = SimulationStatus::kMatrixFailure;
-    return;
+  if (design.numberOfSamples > 1) {
+    if (auto complete = CheckCorrelations(design, correlations.asked); !complete) return complete.Reason();
   }
-  CorrelationInduction induction;
   try {
-    induction = InduceRankCorrelation(design, correlations.asked, matrix, port);
+    auto induction = InduceRankCorrelation(design, correlations.asked, matrix, bars);
+    if (!induction) {
+      const bool sampled = induction.Reason().identifier != FaultIdentifier::kNotSampled;
+      return sampled ? induction.Reason() : SamplingFault(design);
+    }
+    correlations.scoreCorrection = induction->scoreCorrection;
+    correlations.repair = std::move(induction->repair);
   } catch (const Error& error) {  // raised where progress is shown
-    run.fault = error.what();
-    induction.status = SimulationStatus::kDistributionFailure;
+    return Fault{FaultIdentifier::kReorderingEnded, error.what()};
   }
-  run.status = induction.status;
-  correlations.scoreCorrection = induction.scoreCorrection;
-  correlations.repair = std::move(induction.repair);
-  run.correlations = std::move(correlations);
+  return Correlations(std::move(correlations));
 }
 
 // By method code; null for the method that produces nothing.
@@ -90,17 +87,21 @@ std::map<double, std::string> LevelLabels(const Variable& input, const Distribut
 
 }  // namespace
 
-std::string FaultyVariable(const SimulationDesign& design) {
+Result<void> CheckSampling(const SimulationDesign& design) {
   for (const std::size_t j : design.ActiveVariables()) {
-    const SimulationVariable& variable = design.variables[j];
-    const VariableSampler sampler(variable.specification, design.truncate, design.source);
-    const std::string place =
-        "variable " + variable.name + ", " +
-        std::string(Description(variable.specification.code, variable.specification.values));
-    if (!sampler.IsValid()) return place + " with its truncation";
-    if (!std::isfinite(sampler.LargestMagnitude())) return place + " reaches beyond the largest number";
+    const auto& [number, name, specification, labels] = design.variables[j];
+    const VariableSampler sampler(specification, design.truncate, design.source);
+    if (sampler.IsValid() && std::isfinite(sampler.LargestMagnitude())) continue;
+    return Fault{sampler.IsValid() ? FaultIdentifier::kSampleBeyondLargestNumber
+                                   : FaultIdentifier::kTruncationNotSampled,
+                 name, std::string(Description(specification.code, specification.values))};
   }
   return {};
+}
+
+Fault SamplingFault(const SimulationDesign& design) {
+  const Result<void> checked = CheckSampling(design);
+  return checked ? Fault{FaultIdentifier::kNotSampled} : checked.Reason();
 }
 
 std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet) {
@@ -113,7 +114,7 @@ std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet) {
   return numbers;
 }
 
-SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options) {
+Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions& options) {
   const SheetPropertyStore store(sheet);
   const std::vector<int> numbers(options.variables.begin(), options.variables.end());
   SimulationDesign design;
@@ -121,8 +122,7 @@ SimulationDesign ReadDesign(Spreadsheet& sheet, const SimulationOptions& options
   design.method = options.method;
   design.truncate = options.truncate;
   for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
-    if (variable.ranked.empty())
-      throw CDispatchException(std::string(ResourceString(kMsgInvalidOrderProperty)));
+    if (variable.ranked.empty()) return Fault{FaultIdentifier::kDistributionMissing};
     const DistributionSpecification& best = variable.ranked.front();
     const Variable& input = sheet.VariableAt(static_cast<std::size_t>(variable.variableNumber - 1));
     design.variables.push_back({variable.variableNumber, store.VariableName(variable.variableNumber), best,
@@ -140,28 +140,17 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples) {
   return variables == 0 || samples <= kCells / static_cast<std::int64_t>(variables);
 }
 
-SimulationRun RunSimulation(const SimulationDesign& design, bool seeded, double seed, ProgressPort& port,
-                            bool updating) {
-  SimulationRun run;
+Result<SimulationRun> RunSimulation(const SimulationDesign& design, bool seeded, double seed,
+                                    const RunProgress& bars, bool updating) {
   const Generate generate = kGenerators[static_cast<std::size_t>(design.method)];
-  if (generate == nullptr) return run;
-  if (design.numberOfSamples < 1 || design.ActiveVariables().empty()) {
-    run.status = SimulationStatus::kDistributionFailure;
-    return run;
-  }
-  try {
-    AnalysisArray<double> matrix(static_cast<std::size_t>(design.numberOfSamples) * design.variables.size());
-    SeedRandomStream(seeded, seed);
-    generate(design, matrix.Span(), port, run);
-    if (run.status == SimulationStatus::kSuccess) {
-      run.output = BuildOutput(design, matrix.Span(), port, updating);
-    } else if (run.status == SimulationStatus::kDistributionFailure) {
-      run.where = FaultyVariable(design);
-    }
-  } catch (const std::bad_alloc&) {
-    run.status = SimulationStatus::kMemoryFailure;
-  }
-  return run;
+  if (generate == nullptr) return SimulationRun();
+  if (design.numberOfSamples < 1 || design.ActiveVariables().empty())
+    return Fault{FaultIdentifier::kNotSampled};
+  AnalysisArray<double> matrix(static_cast<std::size_t>(design.numberOfSamples) * design.variables.size());
+  SeedRandomStream(seeded, seed);
+  Result<Correlations> correlations = generate(design, matrix.Span(), bars);
+  if (!correlations) return correlations.Reason();
+  return SimulationRun{BuildOutput(design, matrix.Span(), bars, updating), *std::move(correlations)};
 }
 
 }  // namespace brenvolt::sra

@@ -31,7 +31,9 @@ struct SimulationRuns : testing::Test {
                         {3, "c", {.code = kNormal, .values = {-1, 0.5}}, {}}};
     design.correlations = {1, 0.5, -0.3, 0.5, 1, 0.2, -0.3, 0.2, 1};
   }
-  SimulationRun Run() { return RunSimulation(design, true, kSeed, userInterface); }
+  Result<SimulationRun> Run() { return RunSimulation(design, true, kSeed, userInterface); }
+  // Of a run that must fail.
+  Fault FaultOfRun() { return Run().Reason(); }
 };
 
 // Spearman's correlation of normal scores of correlation r (Pearson 1907).
@@ -39,91 +41,77 @@ double SpearmanOfNormal(double r) {
   return 6 / std::numbers::pi * std::asin(r / 2);
 }
 
-double Cell(const Spreadsheet& sheet, std::size_t column, std::size_t row) {
-  return sheet.VariableAt(column).Values()[row];
-}
-
-TEST_F(SimulationRuns, EachMethodHasItsTitleAndCorrelatedOnesMeetTheirTarget) {
+TEST_F(SimulationRuns, OnlyCorrelatedMethodsCorrelateAndTheyMeetTheirTarget) {
   const struct {
     SimulationMethod method;
-    const char* title;
     bool correlated;
-  } methods[] = {{SimulationMethod::kMonteCarlo, "Monte Carlo method", false},
-                 {SimulationMethod::kLatinHypercube, "Latin Hypercube Sampling method", false},
-                 {SimulationMethod::kImanConover, "Iman Conover method", true},
-                 {SimulationMethod::kLatinHypercubeImanConover, "LHS with Iman Conover method", true}};
+  } methods[] = {{SimulationMethod::kMonteCarlo, false},
+                 {SimulationMethod::kLatinHypercube, false},
+                 {SimulationMethod::kImanConover, true},
+                 {SimulationMethod::kLatinHypercubeImanConover, true}};
   for (const auto& method : methods) {
-    SCOPED_TRACE(method.title);
+    SCOPED_TRACE(static_cast<int>(method.method));
     design.method = method.method;
-    const SimulationRun run = Run();
-    ASSERT_EQ(run.status, SimulationStatus::kSuccess);
-    EXPECT_EQ(run.output->Title(), method.title);
-    ASSERT_EQ(run.correlations.has_value(), method.correlated);
+    const Result<SimulationRun> run = Run();
+    ASSERT_TRUE(run);
+    ASSERT_EQ(run->correlations.has_value(), method.correlated);
     if (!method.correlated) continue;
-    EXPECT_FALSE(run.correlations->repair);
-    const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
-    ASSERT_EQ(summary->CaseCount(), 3U);
-    EXPECT_EQ(summary->CaseName(1), "a, c");
-    const double asked[] = {0.5, -0.3, 0.2};
-    for (std::size_t row = 0; row < 3; ++row) {
-      EXPECT_EQ(Cell(*summary, 0, row), asked[row]);
-      EXPECT_EQ(Cell(*summary, 1, row), asked[row]);
-      EXPECT_NEAR(Cell(*summary, 3, row), SpearmanOfNormal(asked[row]), 0.02);
-    }
+    EXPECT_FALSE(run->correlations->repair);
+    EXPECT_EQ(run->correlations->asked, design.correlations);
+    EXPECT_EQ(run->correlations->Used(), design.correlations);
+    const ReachedCorrelations reached = CorrelateOutput(*run->output, userInterface);
+    for (std::size_t i = 0; i < 9; ++i)
+      EXPECT_NEAR(reached.spearman[i], SpearmanOfNormal(design.correlations[i]), 0.02);
     // Two normal variables: the scores' correlation is that of the values.
-    EXPECT_NEAR(Cell(*summary, 2, 1), -0.3, 0.02);
+    EXPECT_NEAR(reached.pearson[2], -0.3, 0.02);
   }
 }
 
 TEST_F(SimulationRuns, NormalToAnythingSucceedsAndProducesNothing) {
   design.method = SimulationMethod::kNormalToAnything;
   design.correlations.clear();
-  const SimulationRun run = Run();
-  EXPECT_EQ(run.status, SimulationStatus::kSuccess);
-  EXPECT_EQ(run.output, nullptr);
+  const Result<SimulationRun> run = Run();
+  ASSERT_TRUE(run);
+  EXPECT_EQ(run->output, nullptr);
 }
 
 TEST_F(SimulationRuns, ExcludedVariableTakesItsCorrelationsAlong) {
   design.excluded = {1};
   for (const std::size_t entry : {1U, 3U, 5U, 7U}) design.correlations[entry] = kNaN;
-  const SimulationRun run = Run();
-  ASSERT_EQ(run.status, SimulationStatus::kSuccess) << run.where;
-  ASSERT_EQ(run.output->VariableCount(), 2U);
-  EXPECT_EQ(run.output->VariableAt(1).Name(), "c");
-  EXPECT_EQ(run.correlations->asked, (std::vector<double>{1, -0.3, -0.3, 1}));
+  const Result<SimulationRun> run = Run();
+  ASSERT_TRUE(run);
+  ASSERT_EQ(run->output->VariableCount(), 2U);
+  EXPECT_EQ(run->output->VariableAt(1).Name(), "c");
+  EXPECT_EQ(run->correlations->asked, (std::vector<double>{1, -0.3, -0.3, 1}));
 }
 
-TEST_F(SimulationRuns, WhatCannotBeSimulatedFailsWithItsStatus) {
+TEST_F(SimulationRuns, WhatCannotBeSimulatedFailsWithItsFault) {
+  using enum FaultIdentifier;
   design.correlations[7] = kNaN;
-  SimulationRun run = Run();
-  EXPECT_EQ(run.status, SimulationStatus::kMatrixFailure) << "the triangle above the diagonal is not read";
-  EXPECT_EQ(run.where, "the correlation of b and c is missing");
-  EXPECT_EQ(run.output, nullptr);
+  EXPECT_EQ(FaultOfRun(), (Fault{kCorrelationMissing, "b", "c"})) << "only the triangle below is read";
   design.correlations.clear();
-  EXPECT_EQ(Run().status, SimulationStatus::kMatrixFailure) << "no matrix";
+  EXPECT_EQ(FaultOfRun().identifier, kCorrelationMissing) << "no matrix";
   design.excluded = {0, 1};
-  EXPECT_EQ(Run().status, SimulationStatus::kSuccess) << "one variable needs none";
+  EXPECT_TRUE(Run()) << "one variable needs none";
   design.excluded = {0, 1, 2};
-  EXPECT_EQ(Run().status, SimulationStatus::kDistributionFailure);
+  EXPECT_EQ(FaultOfRun(), Fault{kNotSampled});
   design.excluded.clear();
   design.correlations.assign(9, 0);
   design.variables[2].specification.values[1] = -1;
-  run = Run();
-  EXPECT_EQ(run.status, SimulationStatus::kDistributionFailure);
-  EXPECT_TRUE(run.where.starts_with("variable c, ")) << run.where;
+  EXPECT_EQ(FaultOfRun().identifier, kTruncationNotSampled);
+  EXPECT_EQ(FaultOfRun().about, "c");
 }
 
 TEST_F(SimulationRuns, IndefiniteMatrixIsRepairedAndSaidToBe) {
   for (const std::size_t entry : {1U, 2U, 3U, 5U, 6U, 7U}) design.correlations[entry] = -0.9;
-  const SimulationRun run = Run();
-  ASSERT_EQ(run.status, SimulationStatus::kSuccess);
-  ASSERT_TRUE(run.correlations->repair);
-  EXPECT_NEAR(run.correlations->repair->smallestEigenvalue, 1 - 2 * 0.9, 1e-12);
-  const auto summary = CorrelationSummary(*run.output, *run.correlations, userInterface);
-  EXPECT_EQ(Cell(*summary, 0, 2), -0.9);
+  const Result<SimulationRun> run = Run();
+  ASSERT_TRUE(run);
+  ASSERT_TRUE(run->correlations->repair);
+  EXPECT_NEAR(run->correlations->repair->smallestEigenvalue, 1 - 2 * 0.9, 1e-12);
+  EXPECT_EQ(run->correlations->asked[5], -0.9);
   // Three equal correlations cannot be less than -1/2.
-  EXPECT_NEAR(Cell(*summary, 1, 2), -0.5, 1e-12);
-  EXPECT_NEAR(Cell(*summary, 3, 2), SpearmanOfNormal(-0.5), 0.02);
+  EXPECT_NEAR(run->correlations->Used()[5], -0.5, 1e-12);
+  EXPECT_NEAR(CorrelateOutput(*run->output, userInterface).spearman[5], SpearmanOfNormal(-0.5), 0.02);
 }
 
 TEST_F(SimulationRuns, ErrorWhileProgressIsShownEndsTheReorderingWithItsText) {
@@ -131,10 +119,8 @@ TEST_F(SimulationRuns, ErrorWhileProgressIsShownEndsTheReorderingWithItsText) {
     void ShowProgress(std::string_view, std::int64_t, std::int64_t) override { throw Error("no display"); }
     std::chrono::milliseconds PollInterval() const override { return std::chrono::milliseconds(0); }
   } port;
-  const SimulationRun run = RunSimulation(design, true, kSeed, port);
-  EXPECT_EQ(run.status, SimulationStatus::kDistributionFailure);
-  EXPECT_EQ(run.fault, "no display");
-  EXPECT_EQ(run.output, nullptr);
+  EXPECT_EQ(RunSimulation(design, true, kSeed, port).Reason(),
+            (Fault{FaultIdentifier::kReorderingEnded, "no display"}));
 }
 
 TEST_F(SimulationRuns, EqualNamesHaveNoCorrelationOfTheirOwn) {
@@ -178,7 +164,7 @@ TEST_F(SimulationRuns, UserDefinedLevelsKeepTheirTexts) {
   SimulationOptions options;
   options.variables = {1, 2};
   options.numberOfSamples = 50;
-  const SimulationRun run = RunSimulation(ReadDesign(sheet, options), true, kSeed, userInterface);
+  const SimulationRun run = *RunSimulation(*ReadDesign(sheet, options), true, kSeed, userInterface);
   ASSERT_NE(run.output, nullptr);
   EXPECT_EQ(run.output->VariableAt(0).Labels(), (std::map<double, std::string>{{1, "pass"}}));
   EXPECT_TRUE(run.output->VariableAt(1).Labels().empty());

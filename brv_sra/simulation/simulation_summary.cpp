@@ -1,14 +1,9 @@
 #include "brv_sra/simulation/simulation_summary.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <exception>
 #include <utility>
 
-#include "brv_sra/resources/computing_progress.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/controls/polled_loop.h"
 #include "host/numeric/algebra/correlation.h"
 #include "host/numeric/vector/sorting.h"
@@ -16,11 +11,6 @@
 
 namespace brenvolt::sra {
 namespace {
-
-constexpr std::array<int, 9> kPercents{1, 5, 10, 25, 50, 75, 90, 95, 99};
-constexpr std::array<std::int32_t, 7> kMomentColumns{
-    kColumnCount,   kColumnMean,   kColumnStandardDeviation, kColumnSkewness, kColumnKurtosis,
-    kColumnMinimum, kColumnMaximum};
 
 std::vector<double> SummaryOf(const Variable& variable) {
   std::vector<double> valid;
@@ -59,7 +49,7 @@ std::vector<double> Correlate(const Spreadsheet& output, bool ofRanks, CKroProgr
 SampleSummary::SampleSummary(std::uint64_t count) : count_(count) {
   if (count == 0) return;
   std::vector<std::uint64_t> ranks;
-  for (const int percent : kPercents) {
+  for (const int percent : kSummaryPercents) {
     const std::uint64_t below = PlaceOfPercentile(count, percent).below;
     ranks.push_back(below);
     ranks.push_back(std::min(below + 1, count - 1));
@@ -89,80 +79,34 @@ std::vector<double> SampleSummary::Values() const {
                              moments.kurtosis,
                              moments.minimum,
                              moments.maximum};
-  for (std::size_t i = 0; i < kPercents.size(); ++i) {
+  for (std::size_t i = 0; i < kSummaryPercents.size(); ++i) {
     if (!search_) {
       values.push_back(kNotSet);
       continue;
     }
-    const double fraction = PlaceOfPercentile(count_, kPercents[i]).fraction;
+    const double fraction = PlaceOfPercentile(count_, kSummaryPercents[i]).fraction;
     values.push_back(std::lerp(search_->Value(2 * i), search_->Value(2 * i + 1), fraction));
   }
   return values;
 }
 
-std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, std::vector<std::string> names,
-                                          std::span<const std::vector<double>> values) {
-  std::vector<std::string> columns;
-  for (const std::int32_t column : kMomentColumns) columns.emplace_back(ResourceString(column));
-  for (const int percent : kPercents)
-    columns.push_back(std::string(ResourceString(kColumnPercentile)) + std::to_string(percent));
-  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), names.size());
-  sheet->SetTitle(title);
-  for (std::size_t c = 0; c < columns.size(); ++c) {
-    Variable column(columns[c], values.size());
-    const auto cells = column.MutableValues();
-    for (std::size_t i = 0; i < values.size(); ++i)
-      cells[i] = IsNotSet(values[i][c]) ? GetDefaultMDValue() : values[i][c];
-    sheet->AddVariable(std::move(column));
-  }
-  sheet->SetCaseNames(std::move(names));
-  return sheet;
-}
-
-std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output, ProgressPort& port) {
+SampleSummaries SummarizeOutput(const Spreadsheet& output, const RunProgress& bars) {
   const std::size_t k = output.VariableCount();
-  const auto progress = Computing(port, k + 1);
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < k; ++i) names.push_back(output.VariableAt(i).Name());
-  std::vector<std::vector<double>> values(k);
+  const auto progress = Computing(bars, k + 1);
+  SampleSummaries summaries;
+  for (std::size_t i = 0; i < k; ++i) summaries.names.push_back(output.VariableAt(i).Name());
+  summaries.values.resize(k);
   PolledParallelFor(k, *progress, [&](std::size_t i, const Cancellation& cancelled) {
     cancelled.Poll();
-    values[i] = SummaryOf(output.VariableAt(i));
+    summaries.values[i] = SummaryOf(output.VariableAt(i));
   });
-  return SummarySheet(output.Title(), std::move(names), values);
+  return summaries;
 }
 
-std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
-                                                const SimulatedCorrelations& correlations,
-                                                ProgressPort& port) {
-  const std::size_t k = output.VariableCount();
-  const auto progress = Computing(port, 2 * k + 1);
-  const std::vector<double> pearson = Correlate(output, false, *progress);
-  const std::vector<double> spearman = Correlate(output, true, *progress);
-  const struct {
-    std::int32_t name;
-    const std::vector<double>& matrix;
-  } columns[] = {{kColumnCorrelationAsked, correlations.asked},
-                 {kColumnCorrelationUsed, correlations.Used()},
-                 {kColumnPearson, pearson},
-                 {kColumnSpearman, spearman}};
-  std::vector<std::string> names;
-  for (std::size_t i = 0; i < k; ++i) {
-    for (std::size_t j = i + 1; j < k; ++j)
-      names.push_back(output.VariableAt(i).Name() + ", " + output.VariableAt(j).Name());
-  }
-  auto sheet =
-      std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationCorrelations)), names.size());
-  sheet->SetTitle(output.Title());
-  for (const auto& column : columns) {
-    std::vector<double> values;
-    for (std::size_t i = 0; i < k; ++i)
-      for (std::size_t j = i + 1; j < k; ++j) values.push_back(column.matrix[i * k + j]);
-    sheet->AddVariable(Variable(std::string(ResourceString(column.name)), names.size()))
-        .AssignValues(std::move(values));
-  }
-  sheet->SetCaseNames(std::move(names));
-  return sheet;
+ReachedCorrelations CorrelateOutput(const Spreadsheet& output, const RunProgress& bars) {
+  const auto progress = Computing(bars, 2 * output.VariableCount() + 1);
+  std::vector<double> pearson = Correlate(output, false, *progress);
+  return {std::move(pearson), Correlate(output, true, *progress)};
 }
 
 }  // namespace brenvolt::sra

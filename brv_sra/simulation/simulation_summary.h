@@ -1,20 +1,22 @@
-// What is told of simulated variables: moments, extremes and percentiles, and correlations.
+// What is told of simulated variables: moments, extremes and percentiles, and the correlations reached.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "brv_sra/simulation/design_correlations.h"
-#include "host/controls/progress_bar.h"
+#include "brv_sra/base/run_progress.h"
 #include "host/statistics/moments.h"
 #include "host/statistics/order_statistics.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
+
+// The percentiles of a summary.
+inline constexpr std::array<int, 9> kSummaryPercents{1, 5, 10, 25, 50, 75, 90, 95, 99};
 
 // The summary of one variable's values, which are given in passes: all of them, in their order and in pieces
 // that hold whole blocks of kBlock values (but for the last), until no more are wanted. In memory that does
@@ -29,8 +31,8 @@ class SampleSummary {
   bool IsDone() const { return !search_ || search_->IsDone(); }
   void Add(std::span<const double> values);
   void EndPass();
-  // Count, moments, extremes and percentiles in the order of the summary's columns, kNotSet where they are
-  // not defined; when no more values are wanted.
+  // Count, mean, standard deviation, skewness, kurtosis, minimum, maximum and the percentiles, kNotSet where
+  // they are not defined; when no more values are wanted.
   std::vector<double> Values() const;
 
  private:
@@ -40,18 +42,20 @@ class SampleSummary {
   std::optional<OrderStatisticSearch> search_;
 };
 
-// One case per variable, by name; `values` as SampleSummary gives them.
-std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, std::vector<std::string> names,
-                                          std::span<const std::vector<double>> values);
+// The values of some variables' summaries, by name.
+struct SampleSummaries {
+  std::vector<std::string> names;
+  std::vector<std::vector<double>> values;  // as SampleSummary gives them
+};
+// Of an output's variables. Throws UserCancelled.
+SampleSummaries SummarizeOutput(const Spreadsheet& output, const RunProgress& bars);
 
-// The summary of an output's variables. Throws UserCancelled.
-std::unique_ptr<Spreadsheet> SimulationSummary(const Spreadsheet& output, ProgressPort& port);
-
-// One case per pair of variables of an output, (1, 2), (1, 3), …, (2, 3), …: the correlation asked for, the
-// one used after a repair, and those reached, Pearson's and Spearman's; missing where they are not defined.
-// Throws UserCancelled.
-std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
-                                                const SimulatedCorrelations& correlations,
-                                                ProgressPort& port);
+// The correlations between the variables of an output, k x k; NaN where they are not defined. Throws
+// UserCancelled.
+struct ReachedCorrelations {
+  std::vector<double> pearson;
+  std::vector<double> spearman;
+};
+ReachedCorrelations CorrelateOutput(const Spreadsheet& output, const RunProgress& bars);
 
 }  // namespace brenvolt::sra

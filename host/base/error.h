@@ -19,7 +19,7 @@ class Error : public std::runtime_error {
   std::string where_;
 };
 
-// Raised deep inside a run with the text to show; caught once, at the end of the run.
+// What a dialog refuses or fails by, with the text to show. Engines return a Result instead (result.h).
 class CDispatchException : public Error {
  public:
   using Error::Error;
@@ -36,7 +36,7 @@ class AutomationError : public Error {
   std::string reason_;
 };
 
-// Raised by numeric code when its input admits no result.
+// Raised by numeric code whose caller broke a contract, or whose input admits no result.
 class NumericalException : public Error {
  public:
   using Error::Error;

@@ -9,8 +9,11 @@
 
 #include "brv_sra/fitting/dialogs/fit_options_dialog.h"
 #include "brv_sra/fitting/dialogs/fit_variable_inputs_dialog.h"
+#include "brv_sra/fitting/dialogs/no_valid_variables.h"
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/fit_run.h"
+#include "brv_sra/frame/captioned_progress.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -413,11 +416,16 @@ bool CFitDistribution::Run(std::vector<VariableFit>& results, CaseCounts& cases)
   }
   try {
     const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
-    results = RunFit(*GetInputTable(), Specification(), options, Analysis().Interface(), &cases);
-    return true;
-  } catch (const NoValidVariables& error) {
-    TakeOverMixturesOf(error.results);
-    Analysis().ShowMessage(error.what(), error.Where());
+    auto fitted =
+        RunFit(*GetInputTable(), Specification(), options, CaptionedProgress(Analysis().Interface()), &cases);
+    if (!fitted) {
+      ShowFault(Analysis(), fitted.Reason());
+      return false;
+    }
+    results = *std::move(fitted);
+    if (Specification().deletion != DeletionMode::kPairwise || AnyIsFitted(results)) return true;
+    TakeOverMixturesOf(results);
+    ShowFault(Analysis(), NoValidVariables(results));
   } catch (const Error& error) {
     Analysis().ShowMessage(error.what(), error.Where());
   } catch (const std::bad_alloc&) {

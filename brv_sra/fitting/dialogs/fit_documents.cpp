@@ -4,7 +4,6 @@
 #include <functional>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/fitting/ranking.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -12,6 +11,19 @@
 
 namespace brenvolt::sra {
 namespace {
+
+// "Ranked by: Kolmogorov-Smirnov".
+std::string RankingTitle(RankingCriterion criterion) {
+  switch (criterion) {
+    case RankingCriterion::kChiSquare:
+      return std::string(ResourceString(kTitleRankedByChiSquare));
+    case RankingCriterion::kAndersonDarling:
+      return std::string(ResourceString(kTitleRankedByAndersonDarling));
+    case RankingCriterion::kKolmogorovSmirnov:
+      break;
+  }
+  return std::string(ResourceString(kTitleRankedByKolmogorovSmirnov));
+}
 
 double OrMissing(double value) {
   return IsNotSet(value) ? GetDefaultMDValue() : value;

@@ -22,6 +22,7 @@
 #include "brv_sra/fitting/dialogs/variable_lists.h"
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/fit_results_interface.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -125,7 +126,7 @@ Variant GetOrder(Dialog& dialog, Indexes indexes) {
   return OrderText(CodesOf(variable, SavedOrder(variable)));
 }
 void PutOrder(Dialog& dialog, Indexes indexes, const Variant& value) {
-  SetSavedOrder(IndexedVariable(dialog, indexes), OrderFrom(value));
+  ValueOrThrow(SetSavedOrder(IndexedVariable(dialog, indexes), OrderFrom(value)));
   dialog.ShowSaveSettings();
 }
 
@@ -133,7 +134,7 @@ Variant GetUserDefinedOrder(Dialog& dialog, Indexes indexes) {
   return OrderText(UserDefinedOrder(IndexedVariable(dialog, indexes)));
 }
 void PutUserDefinedOrder(Dialog& dialog, Indexes indexes, const Variant& value) {
-  SetUserDefinedOrder(IndexedVariable(dialog, indexes), OrderFrom(value));
+  ValueOrThrow(SetUserDefinedOrder(IndexedVariable(dialog, indexes), OrderFrom(value)));
 }
 
 // Whether a distribution of a variable is saved as fitted. True drops the person's own values; false takes
@@ -148,7 +149,7 @@ void PutIsDefault(Dialog& dialog, Indexes indexes, const Variant& value) {
   if (value.ToBoolean()) return DropUserDefinedValues(variable, code);
   const DistributionSpecification* fitted = UserDefinedSpecification(variable, code);
   if (fitted == nullptr) throw Error(FormatResource(kMsgOrderUnknown, DisplayName(code), variable.name));
-  SetUserDefinedValues(variable, *fitted);
+  ValueOrThrow(SetUserDefinedValues(variable, *fitted));
 }
 
 Variant GetUserDefined(Dialog& dialog, Indexes indexes) {
@@ -203,7 +204,8 @@ DistributionSpecification UserDefinedFrom(DistributionCode code, const Variant& 
 }
 
 void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
-  SetUserDefinedValues(IndexedVariable(dialog, indexes), UserDefinedFrom(CodeFrom(indexes[1]), value));
+  ValueOrThrow(
+      SetUserDefinedValues(IndexedVariable(dialog, indexes), UserDefinedFrom(CodeFrom(indexes[1]), value)));
 }
 std::string UserDefinedText(Dialog&, Indexes indexes, const Variant& value) {
   return ExactMacroText(UserDefinedFrom(CodeFrom(indexes[1]), value));

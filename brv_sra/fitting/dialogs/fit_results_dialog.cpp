@@ -10,6 +10,7 @@
 #include "brv_sra/fitting/dialogs/fit_documents.h"
 #include "brv_sra/fitting/fit_correlation.h"
 #include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -89,7 +90,7 @@ bool CFitDistributionResults::OnCommand(std::int32_t number) {
       return Attempt([this] { LeaveOutOfOrder(); });
     case kDefaultOrder:
       return Attempt([this] {
-        SetSavedOrder(SaveVariable(), {});
+        ValueOrThrow(SetSavedOrder(SaveVariable(), {}));
         ShowSaveSettings();
       });
     default:
@@ -210,7 +211,7 @@ void CFitDistributionResults::MoveInOrder(int by) {
   const int to = from + by;
   if (from < 0 || to < 0 || static_cast<std::size_t>(to) >= order.size()) return;
   std::swap(order[static_cast<std::size_t>(from)], order[static_cast<std::size_t>(to)]);
-  SetSavedOrder(variable, CodesOf(variable, order));
+  ValueOrThrow(SetSavedOrder(variable, CodesOf(variable, order)));
   Controls().Select(kOrder, to);
   ShowSaveSettings();
 }
@@ -222,7 +223,7 @@ void CFitDistributionResults::LeaveOutOfOrder() {
   const int chosen = Controls().Selection(kOrder);
   if (chosen < 0 || order.size() < 2) return;
   order.erase(order.begin() + chosen);
-  SetSavedOrder(variable, CodesOf(variable, order));
+  ValueOrThrow(SetSavedOrder(variable, CodesOf(variable, order)));
   ShowSaveSettings();
 }
 
@@ -240,7 +241,7 @@ std::optional<std::vector<std::string>> CFitDistributionResults::FittedDistribut
 CaseSet CFitDistributionResults::Cases() const {
   if (GetInputTable() == nullptr) throw Error("no input spreadsheet");
   const CaseOptions options{Analysis().CaseSelectionEnabled(), Analysis().CaseWeightsEnabled()};
-  return FittedCases(*GetInputTable(), Results().committed, options);
+  return ValueOrThrow(FittedCases(*GetInputTable(), Results().committed, options));
 }
 
 std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& variable) const {
@@ -250,7 +251,7 @@ std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& var
   const auto progress =
       CKroProgressBar::new_ProgressBar(Analysis().Interface(), szLoadResString(kProgressPreparingResults),
                                        static_cast<std::int64_t>(cases.cases.size()) + 1);
-  Sample sample = ReadSample(*GetInputTable(), variable.variableNumber, cases, *progress);
+  Sample sample = ValueOrThrow(ReadSample(*GetInputTable(), variable.variableNumber, cases, *progress));
   SortAscending(sample.values);
   return std::move(sample.values);
 }
@@ -319,7 +320,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
   if (GetInputTable() == nullptr) return nullptr;
   SheetPropertyStore store(*GetInputTable());
   for (const VariableFit& variable : Results().results) {
-    if (variable.saving.selected) CheckTruncation(variable);
+    if (variable.saving.selected) ValueOrThrow(CheckTruncation(variable));
   }
   std::vector<int> saved;
   for (const VariableFit& variable : Results().results) {
@@ -340,9 +341,8 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
   auto correlations = ShowCorrelations(saved);
   // A simulation of the same input goes on with them.
   if (correlations->HasTable()) {
-    MatrixReading reading =
-        ReadMatrixFile(correlations->Table(), {.useCaseSelection = false, .isCancelled = {}});
-    SimulationAndRisk().Matrix().saved = std::move(reading.file);
+    SimulationAndRisk().Matrix().saved =
+        ValueOrThrow(ReadMatrixFile(correlations->Table(), {.useCaseSelection = false, .isCancelled = {}}));
   }
   return correlations;
 }

@@ -246,9 +246,9 @@ TEST_F(FitResults, SaveWritesOrderTruncationAndMarks) {
   EXPECT_EQ(Property(2, "zOrder"), "");
   EXPECT_EQ(Property(3, "Histogram"), "none");
   EXPECT_EQ(Shown().VariableCount(), 4U) << "the constant variable has no place in the matrix";
-  const MatrixReading matrix = ReadMatrixFile(Shown());
-  ASSERT_TRUE(matrix.IsValid());
-  EXPECT_EQ(matrix.file.variables, (std::vector<std::string>{"Var1", "Var2", "Var4", "Var5"}));
+  const Result<MatrixFile> matrix = ReadMatrixFile(Shown());
+  ASSERT_TRUE(matrix);
+  EXPECT_EQ(matrix->variables, (std::vector<std::string>{"Var1", "Var2", "Var4", "Var5"}));
 }
 
 TEST_F(FitResults, OwnValuesAreSavedWhenAskedFor) {
@@ -329,7 +329,7 @@ TEST_F(FitResults, SelectedVariablesAloneAreSavedAndSummarised) {
   Automation().Get("CorrelationMatrix");
   EXPECT_EQ(Shown().VariableCount(), 1U);
   Automation().Get("SaveDistributionFit");
-  EXPECT_EQ(ReadMatrixFile(Shown()).file.variables, (std::vector<std::string>{"Var1", "Var2", "Var5"}))
+  EXPECT_EQ(ReadMatrixFile(Shown())->variables, (std::vector<std::string>{"Var1", "Var2", "Var5"}))
       << "the matrix covers what was saved before";
 }
 
@@ -340,7 +340,7 @@ TEST_F(FitResults, UndefinedCorrelationsAreSaid) {
   Automation().Get("CorrelationMatrix");
   EXPECT_EQ(Said(),
             std::vector<std::string>{"The correlation of Var1 and Var2 is not defined and is taken as 0."});
-  EXPECT_TRUE(ReadMatrixFile(Shown()).IsValid());
+  EXPECT_TRUE(ReadMatrixFile(Shown()));
 }
 
 }  // namespace

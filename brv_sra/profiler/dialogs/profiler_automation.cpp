@@ -14,9 +14,10 @@
 #include <vector>
 
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/fault_message.h"
+#include "brv_sra/profiler/dialogs/profiler_correlation.h"
 #include "brv_sra/profiler/dialogs/profiler_dialog.h"
-#include "brv_sra/profiler/profiler_correlation.h"
-#include "brv_sra/profiler/profiler_specification.h"
+#include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/profiler_interface.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -49,7 +50,7 @@ Variant GetModels(Dialog& dialog, Indexes) {
 void PutModels(Dialog& dialog, Indexes, const Variant& value) {
   std::vector<std::filesystem::path> files;
   for (const Variant& name : value.ToArray()) {
-    for (auto& file : SplitFileNames(name.ToText())) files.push_back(std::move(file));
+    for (auto& file : ValueOrThrow(SplitFileNames(name.ToText()))) files.push_back(std::move(file));
   }
   if (files.empty()) throw Error(dialog.szLoadResString(kMsgProfilerFileNames));
   dialog.LoadModels(files);

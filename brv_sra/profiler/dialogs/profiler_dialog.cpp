@@ -5,9 +5,12 @@
 #include <limits>
 #include <new>
 
+#include "brv_sra/frame/captioned_progress.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/profiler/dialogs/defect_documents.h"
+#include "brv_sra/profiler/dialogs/profiler_correlation.h"
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
-#include "brv_sra/profiler/profiler_correlation.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -235,7 +238,7 @@ void CSimulationProfiler::LoadModels(const std::vector<std::filesystem::path>& f
   std::vector<std::shared_ptr<const PredictionModel>> models;
   for (const std::filesystem::path& file : files)
     models.push_back(std::make_shared<const PredictionModel>(PredictionModel::Load(file)));
-  const auto notes = MergeModels(Design(), models, GetInputTable());
+  const auto notes = ValueOrThrow(MergeModels(Design(), models, GetInputTable()));
   for (const std::filesystem::path& file : files) {
     auto& known = State().modelFiles;
     if (std::ranges::find(known, file.string()) == known.end()) known.push_back(file.string());
@@ -267,7 +270,7 @@ void CSimulationProfiler::PutFormula(const std::string& text, std::size_t depend
   }
   if (dependent >= changed.dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
   const std::string expression(Trim(std::string_view(text).substr(assignment.begin)));
-  const auto notes = SetFormula(changed, dependent, expression, GetInputTable());
+  const auto notes = ValueOrThrow(SetFormula(changed, dependent, expression, GetInputTable()));
   Design() = std::move(changed);
   Refresh();
   ShowNotes(notes);
@@ -275,7 +278,12 @@ void CSimulationProfiler::PutFormula(const std::string& text, std::size_t depend
 
 void CSimulationProfiler::FitBest() {
   if (GetInputTable() == nullptr) throw Error("no input spreadsheet");
-  FitBestDistributions(Design(), *GetInputTable(), Analysis().Interface());
+  const auto fitted =
+      FitBestDistributions(Design(), *GetInputTable(), CaptionedProgress(Analysis().Interface()));
+  if (!fitted) {
+    const FaultMessage message = MessageOf(fitted.Reason());
+    throw Error(message.text, message.where);
+  }
   Refresh();
 }
 
@@ -297,8 +305,8 @@ void CSimulationProfiler::ShowCaptioned(std::int32_t caption, const std::string&
   Analysis().ShowMessage(text, where, MessageIcon::kWarning, MessageButtons::kOk, szLoadResString(caption));
 }
 
-void CSimulationProfiler::ShowNotes(const std::vector<ProfilerNote>& notes) const {
-  for (const ProfilerNote& note : notes) ShowCaptioned(note.caption, note.text, note.where);
+void CSimulationProfiler::ShowNotes(const ProfilerNotes& notes) const {
+  for (const Fault& note : notes) ShowFault(Analysis(), note);
 }
 
 // ---- The run
@@ -309,8 +317,9 @@ bool CSimulationProfiler::OnOk() {
 
 bool CSimulationProfiler::Simulate() {
   return Attempt(kCaptionSimulationError, [this] {
-    ProfilerRun run = RunProfiler(Design(), Analysis().Interface());
-    if (run.output == nullptr) throw CDispatchException(run.message, run.where);
+    ProfilerRun run = ValueOrThrow(RunProfiler(Design(), CaptionedProgress(Analysis().Interface())));
+    run.output->SetName(szLoadResString(kProfilerResultsTitle));
+    run.output->SetTitle(run.output->Name());
     Produce(std::move(run));
   });
 }
@@ -344,7 +353,7 @@ void CSimulationProfiler::ShowProfiles() const {
   if (!State().output->HasTable()) return;  // whoever was shown it has taken it
   const ProfiledColumns columns = ColumnsOf(State().output->Table(), State().outputPredictors, Design());
   try {
-    Graph graph = ProfileGraph(columns, Analysis().Interface());
+    Graph graph = ProfileGraph(columns, CaptionedProgress(Analysis().Interface()));
     Analysis().Interface().ShowGraph(std::make_shared<CAnalysisGraphDoc>(std::move(graph)));
   } catch (const Error& error) {
     Analysis().ShowMessage(error.what(), error.Where());
@@ -390,7 +399,7 @@ SimulatedResponse CSimulationProfiler::Response() const {
 
 const VariableFit& CSimulationProfiler::FitOfResponse(const SimulatedResponse& response) {
   if (!fit_ || fit_->first != response.response)
-    fit_.emplace(response.response, FitResponse(response, Analysis().Interface()));
+    fit_.emplace(response.response, FitResponse(response, CaptionedProgress(Analysis().Interface())));
   return fit_->second;
 }
 

@@ -63,7 +63,7 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
 
  private:
   bool AskForModels();
-  void ShowNotes(const std::vector<ProfilerNote>& notes) const;
+  void ShowNotes(const ProfilerNotes& notes) const;
   void ShowCaptioned(std::int32_t caption, const std::string& text, const std::string& where = {}) const;
   void ShowDependents();
   void ShowNoise();

@@ -8,7 +8,7 @@
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
-#include "brv_sra/profiler/profiler_specification.h"
+#include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/automation/automation_failure.h"

@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/resources/computing_progress.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -110,11 +109,11 @@ bool FitsProfileLimit(std::size_t predictors, std::size_t dependents) {
   return predictors == 0 || dependents <= kMostProfiles / predictors;
 }
 
-Graph ProfileGraph(const ProfiledColumns& columns, ProgressPort& port) {
+Graph ProfileGraph(const ProfiledColumns& columns, const RunProgress& bars) {
   const std::size_t m = columns.predictors.size();
   const std::size_t d = columns.responses.size();
   if (!FitsProfileLimit(m, d)) throw Error(std::string(ResourceString(kMsgProfilerTooManyGraphs)));
-  const auto progress = Computing(port, m * d + 1);
+  const auto progress = Computing(bars, m * d + 1);
   progress->ShowNow();
   Graph graph;
   graph.kind = GraphKind::kSummary;

@@ -3,8 +3,8 @@
 
 #include <cstddef>
 
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/profiler/profiler_run.h"
-#include "host/controls/progress_bar.h"
 #include "host/graphs/graph.h"
 
 namespace brenvolt::sra {
@@ -18,6 +18,6 @@ bool FitsProfileLimit(std::size_t predictors, std::size_t dependents);
 // random order, and the mean of the dependent over classes of the predictor that hold equally many runs as a
 // line. Runs without a prediction are left out. Throws Error where the matrix has too many cells, or where no
 // run of a dependent has a prediction; UserCancelled.
-Graph ProfileGraph(const ProfiledColumns& columns, ProgressPort& port);
+Graph ProfileGraph(const ProfiledColumns& columns, const RunProgress& bars);
 
 }  // namespace brenvolt::sra

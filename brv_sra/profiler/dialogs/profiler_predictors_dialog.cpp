@@ -6,7 +6,7 @@
 #include <string>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/profiler/profiler_specification.h"
+#include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"

@@ -13,6 +13,7 @@
 #include "brv_sra/fitting/dialogs/fit_documents.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/ranking.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/profiler/best_fit_candidates.h"
 #include "brv_sra/profiler/dialogs/response_values.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -228,7 +229,7 @@ std::unique_ptr<Spreadsheet> SensitivitySheet(const SimulatedResponse& response,
 
 }  // namespace
 
-VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port) {
+VariableFit FitResponse(const SimulatedResponse& response, const RunProgress& bars) {
   const std::vector<double> values = ResponseValues(response);
   const std::vector<double> sorted = SortedValues(values);
   VariableFit none;
@@ -243,11 +244,8 @@ VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port) {
   FitSpecification specification;
   specification.continuous = {1};
   specification.continuousSpecifications = {BestFitCandidates()};
-  try {
-    return std::move(RunFit(single, specification, {false, false}, port).front());
-  } catch (const NoValidVariables&) {
-    return none;
-  }
+  VariableFit fit = std::move(ValueOrThrow(RunFit(single, specification, {false, false}, bars)).front());
+  return fit.HasValidFit() ? fit : none;
 }
 
 std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& response, const VariableFit& fit) {

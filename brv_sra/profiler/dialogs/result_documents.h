@@ -11,8 +11,8 @@
 #include <string>
 #include <vector>
 
+#include "brv_sra/base/run_progress.h"
 #include "brv_sra/fitting/fit_state.h"
-#include "host/controls/progress_bar.h"
 #include "host/graphs/graph.h"
 #include "host/statistics/specification_limits.h"
 #include "host/tables/spreadsheet.h"
@@ -34,7 +34,7 @@ struct SimulatedResponse {
 // and `invalid`, where the runs are too few or too alike for a density: no more different values than a
 // frequency table lists one by one. Makes up to a dozen fits: keep the result as long as the sheet. Progress
 // and cancellation reach `port`; throws UserCancelled.
-VariableFit FitResponse(const SimulatedResponse& response, ProgressPort& port);
+VariableFit FitResponse(const SimulatedResponse& response, const RunProgress& bars);
 
 // Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
 // where the limits are not valid. With fits of which the best is not the normal distribution and the normal

@@ -6,12 +6,15 @@
 #include <optional>
 #include <utility>
 
+#include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/simulation_interface.h"
+#include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -195,12 +198,13 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
 }
 
 void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
-  MatrixReading reading = ReadMatrixFile(sheet);
-  if (!reading.IsValid()) {
-    const std::string why = reading.Message() != 0 ? szLoadResString(reading.Message()) : "is no matrix file";
+  Result<MatrixFile> read = ReadMatrixFile(sheet);
+  if (!read) {
+    std::string why = MessageOf(read.Reason()).text;
+    if (why.empty()) why = "is no matrix file";
     throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
   }
-  SimulationAndRisk().Simulation().matrix = std::move(reading.file);
+  SimulationAndRisk().Simulation().matrix = *std::move(read);
 }
 
 // The method that produces nothing succeeds and leaves the dialog open.
@@ -222,30 +226,34 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
   if (Options().method == SimulationMethod::kNormalToAnything) return nullptr;
   if (InducesCorrelation(Options().method))
     throw Error("samples that are correlated with each other cannot be written in pieces");
-  PiecewiseRun run;
   try {
-    run = RunInPieces(file);
-  } catch (const UserCancelled&) {
-    throw Error(kNothingSimulated);
+    Result<SampleSummaries> run = RunInPieces(file);
+    if (run) {
+      auto summary =
+          std::make_shared<CAnalysisTableDoc>(SummarySheet(MethodTitle(Options().method), *std::move(run)));
+      Analysis().Interface().ShowDocument(summary);
+      return summary;
+    }
+    ShowFault(Analysis(), run.Reason());
+  } catch (const UserCancelled&) {  // without a message
+  } catch (const std::bad_alloc&) {
+    ShowMessage(kMsgInsufficientMemory);
   }
-  if (!Report(run.status, run.where)) throw Error(kNothingSimulated);
-  auto summary = std::make_shared<CAnalysisTableDoc>(std::move(run.summary));
-  Analysis().Interface().ShowDocument(summary);
-  return summary;
+  throw Error(kNothingSimulated);
 }
 
-PiecewiseRun CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
+Result<SampleSummaries> CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
   const SimulationOptions& options = Options();
-  const SimulationDesign design = ReadDesign(*GetInputTable(), options);
-  UserInterface& interface = Analysis().Interface();
+  const SimulationDesign design = ValueOrThrow(ReadDesign(*GetInputTable(), options));
+  const RunProgress bars = CaptionedProgress(Analysis().Interface());
   const auto byColumns = [&](const ColumnSink& take) {
-    return SimulateByColumns(design, options.seeded, options.seed, take, interface);
+    return SimulateByColumns(design, options.seeded, options.seed, take, bars);
   };
   if (file.empty()) return byColumns([](std::size_t, std::span<const double>) {});
   if (IsNumpyArchiveName(file)) {
     NumpyArchive archive(file);
     std::optional<std::size_t> current;
-    PiecewiseRun run = byColumns([&](std::size_t variable, std::span<const double> values) {
+    Result<SampleSummaries> run = byColumns([&](std::size_t variable, std::span<const double> values) {
       if (current != variable) {
         archive.BeginColumn(design.variables[design.ActiveVariables()[variable]].name,
                             static_cast<std::uint64_t>(design.numberOfSamples));
@@ -253,14 +261,16 @@ PiecewiseRun CSimulationFromDistribution::RunInPieces(const std::filesystem::pat
       current = variable;
       archive.Append(values);
     });
-    if (run.status == SimulationStatus::kSuccess) archive.Commit();
+    if (run) archive.Commit();
     return run;
   }
   CsvPieces pieces(file);
-  PiecewiseRun run = SimulateByCases(
-      design, options.seeded, options.seed, [&](const Spreadsheet& piece) { pieces.Append(piece); },
-      interface);
-  if (run.status == SimulationStatus::kSuccess) pieces.Commit();
+  const auto append = [&](Spreadsheet& piece) {
+    TitleOutput(piece, design.method);
+    pieces.Append(piece);
+  };
+  Result<SampleSummaries> run = SimulateByCases(design, options.seeded, options.seed, append, bars);
+  if (run) pieces.Commit();
   return run;
 }
 
@@ -339,14 +349,15 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
   SimulationState& state = SimulationAndRisk().Simulation();
   const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
   try {
-    SimulationDesign design = ReadDesign(*GetInputTable(), state.options);
-    if (InducesCorrelation(design.method) && !AttachCorrelations(design)) return Outcome::kFailed;
-    SimulationRun run =
-        RunSimulation(design, state.options.seeded, state.options.seed, Analysis().Interface(), updating);
-    if (!run.fault.empty()) Analysis().ShowMessage(run.fault);
-    if (!Report(run.status, run.where)) return Outcome::kFailed;
-    if (run.output == nullptr) return Outcome::kNothing;
-    Produce(std::move(run));
+    Result<SimulationDesign> design = ReadDesign(*GetInputTable(), state.options);
+    if (!design) return Report(design.Reason());
+    if (InducesCorrelation(design->method) && !AttachCorrelations(*design)) return Outcome::kFailed;
+    Result<SimulationRun> run = RunSimulation(*design, state.options.seeded, state.options.seed,
+                                              CaptionedProgress(Analysis().Interface()), updating);
+    if (!run) return Report(run.Reason());
+    if (run->output == nullptr) return Outcome::kNothing;
+    TitleOutput(*run->output, design->method);
+    Produce(*std::move(run));
     return Outcome::kProduced;
   } catch (const Error& error) {
     Analysis().ShowMessage(error.what(), error.Where());
@@ -366,15 +377,10 @@ void CSimulationFromDistribution::Produce(SimulationRun run) {
   if (state.correlations->repair) ShowRepair(*state.correlations);
 }
 
-bool CSimulationFromDistribution::Report(SimulationStatus status, const std::string& where) const {
-  const auto message = [status] {
-    if (status == SimulationStatus::kMemoryFailure) return kMsgInsufficientMemory;
-    return status == SimulationStatus::kMatrixFailure ? kMsgSimulationFailedMatrix
-                                                      : kMsgSimulationFailedDistributions;
-  };
-  if (status == SimulationStatus::kSuccess) return true;
-  Analysis().ShowMessage(szLoadResString(message()), where);
-  return false;
+CSimulationFromDistribution::Outcome CSimulationFromDistribution::Report(const Fault& fault) const {
+  if (fault.identifier == FaultIdentifier::kReorderingEnded) Analysis().ShowMessage(fault.about);
+  ShowFault(Analysis(), fault);
+  return Outcome::kFailed;
 }
 
 // Simulated data open as a spreadsheet of their own, whatever the option says. A sheet that is refilled keeps

@@ -58,9 +58,9 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // Gives the design its correlations by name; a message, and false, where they are not to be had.
   bool AttachCorrelations(SimulationDesign& design) const;
   Outcome Run();
-  PiecewiseRun RunInPieces(const std::filesystem::path& file);
-  // True on success; else the message.
-  bool Report(SimulationStatus status, const std::string& where) const;
+  Result<SampleSummaries> RunInPieces(const std::filesystem::path& file);
+  // Shows what a run failed by.
+  Outcome Report(const Fault& fault) const;
   // Shows what a run made and keeps it.
   void Produce(SimulationRun run);
   // Into the last output where that is to be updated, else as a new spreadsheet.

@@ -138,9 +138,9 @@ TEST_F(SimulationDialog, RepairIsSaidAndItsMatrixShown) {
       userInterface.messages[0].where.starts_with("smallest eigenvalue -0.8, largest change 0.4, Var"))
       << userInterface.messages[0].where;
   ASSERT_EQ(userInterface.documents.size(), 2U);
-  const MatrixReading repaired = ReadMatrixFile(userInterface.documents[1]->Table());
-  ASSERT_TRUE(repaired.IsValid());
-  EXPECT_NEAR(repaired.file.correlations[2][0], -0.5, 1e-12);
+  const Result<MatrixFile> repaired = ReadMatrixFile(userInterface.documents[1]->Table());
+  ASSERT_TRUE(repaired);
+  EXPECT_NEAR(repaired->correlations[2][0], -0.5, 1e-12);
 }
 
 TEST_F(SimulationDialog, AutoUpdateRefillsTheSheetThatIsThere) {

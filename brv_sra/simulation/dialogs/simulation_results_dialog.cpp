@@ -2,11 +2,12 @@
 
 #include <new>
 
+#include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/type_library.h"
+#include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/simulation_state.h"
-#include "brv_sra/simulation/simulation_summary.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
@@ -32,10 +33,13 @@ bool CSimulationResults::ShowSummaries() {
   const auto& output = state.output;
   if (output == nullptr || !output->HasTable()) return false;
   UserInterface& interface = Analysis().Interface();
-  interface.ShowDocument(std::make_shared<CAnalysisTableDoc>(SimulationSummary(output->Table(), interface)));
-  if (!state.correlations || output->Table().VariableCount() < 2) return true;
+  const Spreadsheet& table = output->Table();
+  const RunProgress bars = CaptionedProgress(interface);
+  interface.ShowDocument(
+      std::make_shared<CAnalysisTableDoc>(SummarySheet(table.Title(), SummarizeOutput(table, bars))));
+  if (!state.correlations || table.VariableCount() < 2) return true;
   interface.ShowDocument(std::make_shared<CAnalysisTableDoc>(
-      CorrelationSummary(output->Table(), *state.correlations, interface)));
+      CorrelationSummary(table, *state.correlations, CorrelateOutput(table, bars))));
   return true;
 }
 

@@ -1,5 +1,4 @@
 // Specifications of predictors as automation and macros write them, their checks, and how lists show them.
-// Knows no dialog.
 //
 // A predictor is written as an array: the key of a distribution ("scNormalDistr", "Normal", or its code), its
 // values in catalogue order, the offset where the type has one, then its truncation: below (0 or 1), minimum,

@@ -1,4 +1,4 @@
-#include "brv_sra/profiler/profiler_correlation.h"
+#include "brv_sra/profiler/dialogs/profiler_correlation.h"
 
 #include <algorithm>
 #include <memory>
@@ -42,9 +42,9 @@ void Check(std::span<const double> matrix, std::size_t k) {
 }
 
 std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::string> names) {
-  const MatrixReading reading = ReadMatrixFile(sheet);
-  if (!reading.IsValid()) Refuse("sheet " + sheet.Name());
-  const auto& variables = reading.file.variables;
+  const Result<MatrixFile> file = ReadMatrixFile(sheet);
+  if (!file) Refuse("sheet " + sheet.Name());
+  const auto& variables = file->variables;
   const std::size_t k = names.size();
   std::vector<double> matrix(k * k, 0.0);
   bool any = false;
@@ -56,7 +56,7 @@ std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::stri
     any = any || placeOf(i) < variables.size();
     for (std::size_t j = 0; j < k; ++j) {
       if (i != j && placeOf(i) < variables.size() && placeOf(j) < variables.size())
-        matrix[i * k + j] = reading.file.correlations[placeOf(i)][placeOf(j)];
+        matrix[i * k + j] = file->correlations[placeOf(i)][placeOf(j)];
     }
   }
   if (!any) Refuse("sheet " + sheet.Name() + " has none of the variables");

@@ -1,4 +1,4 @@
-#include "brv_sra/profiler/profiler_specification.h"
+#include "brv_sra/profiler/dialogs/profiler_specification.h"
 
 #include <algorithm>
 #include <cmath>

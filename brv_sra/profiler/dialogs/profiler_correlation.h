@@ -1,4 +1,4 @@
-// The correlation matrices of a design as people edit them and automation passes them. Knows no dialog.
+// The correlation matrices of a design as people edit them and automation passes them.
 #pragma once
 
 #include <cstddef>

@@ -1,0 +1,70 @@
+// What can go wrong in the engines of the module. Their texts stand in one table (frame/fault_message.h).
+#pragma once
+
+#include <cstdint>
+
+#include "host/base/result.h"
+
+namespace brenvolt::sra {
+
+enum class FaultIdentifier : std::uint8_t {
+  // A correlation matrix file.
+  kNotAMatrixFile,
+  kMatrixOfOtherType,  // covariances or another known type
+  kMatrixLacksCases,
+  kMatrixLacksCorrelation,  // one is missing or out of range
+  kMatrixLacksMean,
+  kMatrixReadingCancelled,
+  kMatrixMeansDeselected,  // by the case selection
+  kMatrixLacksStandardDeviation,
+  kMatrixDeviationsDeselected,  // or the number of cases
+  kMatrixLacksValidCases,
+  // A fit.
+  kDataTooLarge,
+  kWeightsAreText,  // about the variable, as the next ones
+  kWeightNotWhole,  // the detail is the number of the case
+  kWeightsTooLarge,
+  kInfiniteValue,         // the detail is the number of the case
+  kPercentilesNotFitted,  // the Johnson distribution
+  kNoValidVariables,      // the detail says why
+  // What is saved of fits; about a distribution, the detail is the variable.
+  kDistributionTwice,
+  kDistributionNotFitted,
+  kDistributionOfOtherKind,
+  kInvalidOwnValues,         // about the variable, the detail says why
+  kTruncationLacksBound,     // about the variable
+  kTruncationBoundsCrossed,  // the same
+  // A simulation.
+  kDistributionMissing,        // of a variable whose fits all failed
+  kNotSampled,                 // no variable, or one that cannot be sampled
+  kTruncationNotSampled,       // about the variable, the detail describes its distribution
+  kSampleBeyondLargestNumber,  // the same
+  kReorderingEnded,            // about an error in showing progress, by its text
+  kCorrelationMissing,         // about one variable, the detail is the other
+  kCorrelationsUnusable,
+  // A design of the profiler; about a predictor or a dependent.
+  kNoRandomPredictor,
+  kFixedValueNotFinite,
+  kInvalidPredictor,             // the detail says why
+  kNothingPredicts,              // the dependent has neither a formula nor a model
+  kFormulaInvalid,               // the detail says why
+  kFormulaPredictorUnspecified,  // about the dependent, the detail is the predictor
+  kModelPredictorUnspecified,    // about the predictor, the detail is the model
+  kInvalidNoise,
+  kSingularNoise,
+  // Models, formulas and data of the profiler.
+  kInvalidFileNames,
+  kFieldTypesDiffer,   // between two models, of a predictor
+  kResponseInFormula,  // about the response, the detail is the dependent that has the formula
+  kNoPredictorFitted,
+  // What stops nothing: a predictor whose data are not used, a correlation that is taken as 0.
+  kInfiniteData,
+  kNoValidData,
+  kCorrelationUndefined,  // about one predictor, the detail is the other
+};
+
+using Fault = brenvolt::Fault<FaultIdentifier>;
+template <class T>
+using Result = brenvolt::Result<T, FaultIdentifier>;
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,140 @@
+#include "brv_sra/frame/fault_message.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using enum FaultIdentifier;
+
+// How a text takes what the fault is about.
+enum class Form : std::uint8_t {
+  kPlain,     // not at all
+  kInserted,  // in the places of its conversions, the detail after what it is about
+  kAppended,  // at its end
+  kDetail     // the detail is the text
+};
+
+struct Row {
+  FaultIdentifier identifier;
+  std::int32_t resource;  // 0 for a fault of which nothing is shown
+  Form form = Form::kPlain;
+  std::string_view where = {};  // with {about} and {detail}
+  std::int32_t caption = 0;
+};
+
+// In the order of the identifiers.
+constexpr Row kRows[] = {
+    {kNotAMatrixFile, 0},
+    {kMatrixOfOtherType, kMsgMatrixWrongType},
+    {kMatrixLacksCases, kMsgMatrixCases},
+    {kMatrixLacksCorrelation, kMsgMatrixInvalid},
+    {kMatrixLacksMean, kMsgMatrixMean},
+    {kMatrixReadingCancelled, kMsgMatrixReadCancelled},
+    {kMatrixMeansDeselected, kMsgMatrixMeansDeselected},
+    {kMatrixLacksStandardDeviation, kMsgMatrixStandardDeviation},
+    {kMatrixDeviationsDeselected, kMsgMatrixDeviationsDeselected},
+    {kMatrixLacksValidCases, kMsgMatrixValidCases},
+    {kDataTooLarge, kMsgDatasetTooLarge},
+    {kWeightsAreText, kMsgWeightsNotIntegers, Form::kPlain, "variable {about}"},
+    {kWeightNotWhole, kMsgWeightsNotIntegers, Form::kPlain, "variable {about}, case {detail}"},
+    {kWeightsTooLarge, kMsgDatasetTooLarge, Form::kPlain,
+     "the weights in variable {about} add up to too many cases"},
+    {kInfiniteValue, kMsgInfiniteValue, Form::kInserted,
+     "case {detail}; leave the case out or make the value missing"},
+    {kPercentilesNotFitted, kMsgPercentilesNotFitted, Form::kPlain,
+     "variable {about}; fit it from moments or leave it out"},
+    {kNoValidVariables, kMsgNoValidVariables, Form::kPlain, "{detail}"},
+    {kDistributionTwice, kMsgOrderTwice, Form::kInserted},
+    {kDistributionNotFitted, kMsgOrderUnknown, Form::kInserted},
+    {kDistributionOfOtherKind, kMsgOrderKind, Form::kInserted},
+    {kInvalidOwnValues, 0, Form::kDetail, "{about}"},
+    {kTruncationLacksBound, kMsgTruncationBound, Form::kInserted},
+    {kTruncationBoundsCrossed, kMsgTruncationCrossed, Form::kInserted},
+    {kDistributionMissing, kMsgInvalidOrderProperty},
+    {kNotSampled, kMsgSimulationFailedDistributions},
+    {kTruncationNotSampled, kMsgSimulationFailedDistributions, Form::kPlain,
+     "variable {about}, {detail} with its truncation"},
+    {kSampleBeyondLargestNumber, kMsgSimulationFailedDistributions, Form::kPlain,
+     "variable {about}, {detail} reaches beyond the largest number"},
+    {kReorderingEnded, kMsgSimulationFailedDistributions},
+    {kCorrelationMissing, kMsgSimulationFailedMatrix, Form::kPlain,
+     "the correlation of {about} and {detail} is missing"},
+    {kCorrelationsUnusable, kMsgSimulationFailedMatrix},
+    {kNoRandomPredictor, kMsgProfilerNoRandomPredictor},
+    {kFixedValueNotFinite, kMsgProfilerNoSpecification, Form::kAppended, "the fixed value is not finite"},
+    {kInvalidPredictor, 0, Form::kDetail, "variable {about}"},
+    {kNothingPredicts, kMsgProfilerCheckFormula, Form::kAppended, "there is neither a formula nor a model"},
+    {kFormulaInvalid, kMsgProfilerCheckFormula, Form::kAppended, "{detail}"},
+    {kFormulaPredictorUnspecified, kMsgProfilerCheckFormula, Form::kAppended,
+     "no distribution is specified for '{detail}'"},
+    {kModelPredictorUnspecified, kMsgProfilerNoSpecification, Form::kAppended, "model {detail}"},
+    {kInvalidNoise, kMsgProfilerNoiseDeviation, Form::kAppended},
+    {kSingularNoise, kMsgProfilerSingularNoise},
+    {kInvalidFileNames, kMsgProfilerFileNames},
+    {kFieldTypesDiffer, kMsgProfilerFieldTypes, Form::kInserted},
+    {kResponseInFormula, kMsgProfilerResponseInFormula, Form::kInserted, "{detail}"},
+    {kNoPredictorFitted, kMsgProfilerNothingToFit},
+    {kInfiniteData, kMsgProfilerInfiniteValue, Form::kPlain, "variable {about}", kCaptionBasicStatsError},
+    {kNoValidData, kMsgProfilerNoValues, Form::kPlain, "variable {about}", kCaptionRangeError},
+    {kCorrelationUndefined, kMsgProfilerCorrelationFailed, Form::kPlain, "{about}, {detail}",
+     kCaptionCorrelationsError},
+};
+static_assert([] {
+  for (std::size_t i = 0; i < std::size(kRows); ++i) {
+    if (static_cast<std::size_t>(kRows[i].identifier) != i) return false;
+  }
+  return true;
+}());
+
+std::string TextOf(const Row& row, const Fault& fault) {
+  switch (row.form) {
+    case Form::kPlain:
+      return std::string(ResourceString(row.resource));
+    case Form::kInserted:
+      return FormatResource(row.resource, fault.about, fault.detail);
+    case Form::kAppended:
+      return std::string(ResourceString(row.resource)) + fault.about;
+    case Form::kDetail:
+      return fault.detail;
+  }
+  return {};
+}
+
+std::string Filled(std::string_view pattern, const Fault& fault) {
+  std::string text;
+  while (!pattern.empty()) {
+    const std::size_t open = std::min(pattern.find('{'), pattern.size());
+    text += pattern.substr(0, open);
+    if (open == pattern.size()) break;
+    const std::size_t close = pattern.find('}', open);
+    text += pattern.substr(open, close - open + 1) == "{about}" ? fault.about : fault.detail;
+    pattern.remove_prefix(close + 1);
+  }
+  return text;
+}
+
+}  // namespace
+
+FaultMessage MessageOf(const Fault& fault) {
+  const Row& row = kRows[static_cast<std::size_t>(fault.identifier)];
+  return {TextOf(row, fault), Filled(row.where, fault), row.caption};
+}
+
+void ShowFault(const CAnalysisSupport& analysis, const Fault& fault) {
+  const FaultMessage message = MessageOf(fault);
+  if (message.text.empty()) return;
+  const std::string caption(ResourceString(message.caption));
+  analysis.ShowMessage(message.text, message.where, MessageIcon::kWarning, MessageButtons::kOk, caption);
+}
+
+void ThrowFault(const Fault& fault) {
+  FaultMessage message = MessageOf(fault);
+  throw CDispatchException(message.text, std::move(message.where));
+}
+
+}  // namespace brenvolt::sra
