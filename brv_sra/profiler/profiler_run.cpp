@@ -66,7 +66,7 @@ std::vector<double> NoiseFactor(const ProfilerDesign& design, std::span<const st
                            design.dependents[j].standardDeviation);
     }
   }
-  if (Cholesky(covariance, noisy.size()).status != MatrixStatus::kSuccess) return {};
+  if (!Cholesky(covariance, noisy.size())) return {};
   return covariance;
 }
 

@@ -55,9 +55,9 @@ bool CorrectTransform(std::span<const double> scores, std::size_t n, std::size_t
   std::vector<double> correlation(k * k);
   PearsonCorrelation(scores, n, k, correlation);
   if (std::ranges::any_of(correlation, [](double r) { return std::isnan(r); })) return false;
-  if (Cholesky(correlation, k).status != MatrixStatus::kSuccess) return false;
+  if (!Cholesky(correlation, k)) return false;
   std::vector<double> inverse(k * k);
-  if (InvertLowerTriangle(correlation, k, inverse) != MatrixStatus::kSuccess) return false;
+  if (!InvertLowerTriangle(correlation, k, inverse)) return false;
   const std::vector<double> factor = std::exchange(transform, std::vector<double>(k * k));
   Multiply(RowMajor(factor, k, k), RowMajor(inverse, k, k), transform);
   return true;

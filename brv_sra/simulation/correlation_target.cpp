@@ -27,7 +27,7 @@ struct Decomposition {
 
   explicit Decomposition(std::size_t k) : values(k), vectors(k * k) {}
   bool Of(std::span<const double> matrix) {
-    return SymmetricEigen(matrix, values.size(), values, vectors) == MatrixStatus::kSuccess;
+    return static_cast<bool>(SymmetricEigen(matrix, values.size(), values, vectors));
   }
 };
 
@@ -89,7 +89,7 @@ Result<TargetFactor> FactorTarget(std::span<const double> matrix, std::size_t k)
     if (!eigen.Of(target) || !ArePositiveUpToRounding(eigen.values)) return unusable;
     result.repair = DescribeRepair(given, target, k, smallest);
   }
-  if (Cholesky(target, k, SmallPivot::kLift).status != MatrixStatus::kSuccess) return unusable;
+  if (!Cholesky(target, k, SmallPivot::kLift)) return unusable;
   result.factor = std::move(target);
   return result;
 }

@@ -80,7 +80,7 @@ void Regress(const std::vector<double>& correlations, std::size_t columns, Sensi
     for (std::size_t j = 0; j < k; ++j) matrix[i * k + j] = correlations[varying[i] * columns + varying[j]];
     right[i] = correlations[varying[i] * columns + response];
   }
-  if (Cholesky(matrix, k).status != MatrixStatus::kSuccess) return;
+  if (!Cholesky(matrix, k)) return;
   const std::vector<double> coefficients = SolveFactored(matrix, right);
   table.rSquared = 0;
   for (std::size_t i = 0; i < k; ++i) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "host/base/parallel.h"
@@ -38,8 +39,8 @@ void SolveRow(double* matrix, std::size_t k, std::size_t i, std::size_t begin, s
 
 }  // namespace
 
-CholeskyResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule) {
-  if (!IsFiniteLowerTriangle(matrix, k)) return {MatrixStatus::kNotFinite, 0};
+MatrixResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule) {
+  if (!IsFiniteLowerTriangle(matrix, k)) return Fault{MatrixFault::kNotFinite};
   double* a = matrix.data();
   std::vector<double> rounding(k);
   for (std::size_t i = 0; i < k; ++i)
@@ -51,7 +52,7 @@ CholeskyResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule
       const double* row = a + i * k;
       const double rest = row[i] - kernels::Dot(row + begin, row + begin, i - begin);
       const double pivot = AcceptedPivot(rest, rounding[i], rule);
-      if (!(pivot > 0)) return {MatrixStatus::kNotPositiveDefinite, i};
+      if (!(pivot > 0)) return Fault{MatrixFault::kNotPositiveDefinite, std::to_string(i)};
       a[i * k + i] = std::sqrt(pivot);
     }
     if (end == k) break;
@@ -65,10 +66,10 @@ CholeskyResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule
   return {};
 }
 
-MatrixStatus InvertLowerTriangle(std::span<const double> factor, std::size_t k, std::span<double> inverse) {
-  if (!IsFiniteLowerTriangle(factor, k)) return MatrixStatus::kNotFinite;
+MatrixResult InvertLowerTriangle(std::span<const double> factor, std::size_t k, std::span<double> inverse) {
+  if (!IsFiniteLowerTriangle(factor, k)) return Fault{MatrixFault::kNotFinite};
   for (std::size_t i = 0; i < k; ++i)
-    if (factor[i * k + i] == 0) return MatrixStatus::kSingular;
+    if (factor[i * k + i] == 0) return Fault{MatrixFault::kSingular};
   std::ranges::fill(inverse, 0.0);
   // Forward substitution for the columns of the unit matrix; panels of columns are independent.
   ParallelBlocks(k, kBlock / 2, [&](std::size_t begin, std::size_t end) {
@@ -82,7 +83,7 @@ MatrixStatus InvertLowerTriangle(std::span<const double> factor, std::size_t k, 
       for (std::size_t j = 0; j < width; ++j) row[j] /= factor[i * k + i];
     }
   });
-  return MatrixStatus::kSuccess;
+  return {};
 }
 
 }  // namespace brenvolt

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-#include "host/numeric/algebra/matrix_status.h"
+#include "host/numeric/algebra/matrix_fault.h"
 
 namespace brenvolt {
 
@@ -14,20 +14,15 @@ enum class SmallPivot {
   kLift,    // the pivot is set to that size; for a matrix known to be semidefinite up to rounding
 };
 
-struct CholeskyResult {
-  MatrixStatus status = MatrixStatus::kSuccess;
-  std::size_t pivot = 0;  // from 0, the refused pivot
-};
-
 // Replaces the symmetric k x k matrix A (row-major; only the lower triangle is read) by the lower triangular
 // L with A = L L' and positive diagonal; zeros above it. A pivot that is negative, or small and refused,
-// gives kNotPositiveDefinite and its index; an entry that is NaN or infinite gives kNotFinite. On failure the
-// matrix holds nothing of use. (Golub & Van Loan 2013, section 4.2.6, block outer product form.)
-CholeskyResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule = SmallPivot::kRefuse);
+// gives kNotPositiveDefinite about its number, from 0; an entry that is NaN or infinite gives kNotFinite. On
+// failure the matrix holds nothing of use. (Golub & Van Loan 2013, section 4.2.6, block outer product form.)
+MatrixResult Cholesky(std::span<double> matrix, std::size_t k, SmallPivot rule = SmallPivot::kRefuse);
 
 // inverse (k x k) = the inverse of the lower triangular `factor` (row-major; above the diagonal nothing is
 // read), lower triangular with zeros above. kSingular for a zero on the diagonal, kNotFinite for NaN or
 // infinity. (Higham 2002, section 14.2, method 1.)
-MatrixStatus InvertLowerTriangle(std::span<const double> factor, std::size_t k, std::span<double> inverse);
+MatrixResult InvertLowerTriangle(std::span<const double> factor, std::size_t k, std::span<double> inverse);
 
 }  // namespace brenvolt

@@ -206,7 +206,7 @@ void SweepBlock(std::size_t first, std::size_t last, std::vector<double>& d, std
 }
 
 // Diagonalises the tridiagonal matrix (d, e), where e[i] couples i and i + 1.
-MatrixStatus ImplicitQl(std::vector<double>& d, std::vector<double>& e, RotationBatch& rotations) {
+MatrixResult ImplicitQl(std::vector<double>& d, std::vector<double>& e, RotationBatch& rotations) {
   const std::size_t k = d.size();
   for (std::size_t first = 0; first < k; ++first) {
     for (std::size_t iteration = 0;; ++iteration) {
@@ -217,13 +217,13 @@ MatrixStatus ImplicitQl(std::vector<double>& d, std::vector<double>& e, Rotation
       };
       while (last + 1 < k && coupled(last)) ++last;
       if (last == first) break;
-      if (iteration == kMaxIterations) return MatrixStatus::kNoConvergence;
+      if (iteration == kMaxIterations) return Fault{MatrixFault::kNoConvergence};
       SweepBlock(first, last, d, e, rotations);
       rotations.ApplyIfFull();
     }
   }
   rotations.Apply();
-  return MatrixStatus::kSuccess;
+  return {};
 }
 
 // The exponent that brings the largest entry of the lower triangle near 1; false when an entry is not finite.
@@ -242,11 +242,11 @@ bool FindScale(std::span<const double> matrix, std::size_t k, int& exponent) {
 
 }  // namespace
 
-MatrixStatus SymmetricEigen(std::span<const double> matrix, std::size_t k, std::span<double> values,
+MatrixResult SymmetricEigen(std::span<const double> matrix, std::size_t k, std::span<double> values,
                             std::span<double> vectors) {
-  if (k == 0) return MatrixStatus::kSuccess;
+  if (k == 0) return {};
   int exponent = 0;
-  if (!FindScale(matrix, k, exponent)) return MatrixStatus::kNotFinite;
+  if (!FindScale(matrix, k, exponent)) return Fault{MatrixFault::kNotFinite};
   std::vector<double> work(matrix.begin(), matrix.begin() + static_cast<std::ptrdiff_t>(k * k));
   for (std::size_t i = 0; i < k; ++i)
     for (std::size_t j = 0; j <= i; ++j) work[i * k + j] = std::ldexp(work[i * k + j], -exponent);
@@ -257,8 +257,7 @@ MatrixStatus SymmetricEigen(std::span<const double> matrix, std::size_t k, std::
   std::vector<double> coupling(k);
   std::copy(form.subdiagonal.begin() + 1, form.subdiagonal.end(), coupling.begin());
   RotationBatch rotations(rows, k);
-  const MatrixStatus status = ImplicitQl(form.diagonal, coupling, rotations);
-  if (status != MatrixStatus::kSuccess) return status;
+  if (auto diagonalised = ImplicitQl(form.diagonal, coupling, rotations); !diagonalised) return diagonalised;
 
   std::vector<std::size_t> order(k);
   SortedOrder(form.diagonal, order);
@@ -266,7 +265,7 @@ MatrixStatus SymmetricEigen(std::span<const double> matrix, std::size_t k, std::
     values[j] = std::ldexp(form.diagonal[order[j]], exponent);
     if (!vectors.empty()) std::copy_n(rows.data() + order[j] * k, k, vectors.data() + j * k);
   }
-  return MatrixStatus::kSuccess;
+  return {};
 }
 
 void RebuildSymmetric(std::span<const double> values, std::span<const double> vectors, std::size_t k,
