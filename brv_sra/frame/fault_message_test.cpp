@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "brv_sra/resources/resource_numbers.h"
+
 namespace brenvolt::sra {
 namespace {
 
@@ -24,12 +26,45 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
       {{kCorrelationMissing, "b", "{about}"},
        "Simulation failed. Please check the correlation matrix.",
        "the correlation of b and {about} is missing"},
+      {{kWeightNotWhole, "w", "3"},
+       "Case weights should be integer. Please check and enter a valid case weight variable.",
+       "variable w, case 3"},
+      {{kWeightsTooLarge, "w"},
+       "Too large dataset. Please consider to input a smaller dataset.",
+       "the weights in variable w add up to too many cases"},
+      {{kInfiniteValue, "x", "2"},
+       "variable x contains an infinite value",
+       "case 2; leave the case out or make the value missing"},
+      {{kPercentilesNotFitted, "x"},
+       "the Johnson distribution cannot be fitted from percentiles",
+       "variable x; fit it from moments or leave it out"},
+      {{kNoValidVariables, "", "x: all values equal"},
+       "No valid variables to proceed with the analysis",
+       "x: all values equal"},
+      {{kTruncationBoundsCrossed, "x"},
+       "The truncation minimum of variable x must be less than its maximum.",
+       ""},
+      {{kInvalidPredictor, "A", "Invalid scale."}, "Invalid scale.", "variable A"},
+      {{kFixedValueNotFinite, "A"}, "Please specify a distribution for A", "the fixed value is not finite"},
+      {{kNothingPredicts, "Y"}, "Please check the formula for Y", "there is neither a formula nor a model"},
+      {{kFormulaPredictorUnspecified, "Y", "C"},
+       "Please check the formula for Y",
+       "no distribution is specified for 'C'"},
+      {{kModelPredictorUnspecified, "A", "forest"}, "Please specify a distribution for A", "model forest"},
+      {{kInvalidNoise, "Y"}, "Please set a valid standard deviation of the noise of Y", ""},
+      {{kResponseInFormula, "Y", "Z"}, "a formula cannot use a response, 'Y'", "Z"},
+      {{kCorrelationUndefined, "A", "B"}, "Correlation Failed!", "A, B"},
   };
   for (const auto& row : rows) {
     const FaultMessage message = MessageOf(row.fault);
     EXPECT_EQ(message.text, row.text);
     EXPECT_EQ(message.where, row.where) << row.text;
   }
+}
+
+TEST(FaultMessage, OnlyNotesHaveTheirOwnCaption) {
+  EXPECT_EQ(MessageOf({kCorrelationUndefined}).caption, kCaptionCorrelationsError);
+  EXPECT_EQ(MessageOf({kNoPredictorFitted}).caption, 0);
 }
 
 TEST(FaultMessage, AutomationGetsTheMessageAsAnException) {

@@ -101,7 +101,7 @@ DistributionCode CodeNamed(const std::string& name) {
 DistributionCode CodeFrom(const Variant& value) {
   if (value.IsText()) return CodeNamed(value.ToText());
   const auto code = CodeFromNumber(value.ToInteger());
-  if (!code) throw Error("no distribution of code " + value.ToText());
+  if (!code) throw Error("unknown distribution code: " + value.ToText());
   return *code;
 }
 
@@ -232,7 +232,7 @@ Variant GetBound(Dialog& dialog, Indexes indexes) {
 template <double Truncation::*Bound>
 void PutBound(Dialog& dialog, Indexes indexes, const Variant& value) {
   const double bound = value.ToReal();
-  if (!std::isfinite(bound)) throw Error("no finite number: " + value.ToText());
+  if (!std::isfinite(bound)) throw Error("expected a finite number, got " + value.ToText());
   IndexedVariable(dialog, indexes).saving.truncation.*Bound = bound;
   dialog.ShowSaveSettings();
 }

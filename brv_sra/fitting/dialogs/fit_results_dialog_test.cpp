@@ -185,18 +185,18 @@ TEST_F(FitResults, OrderIsThePersonsOwnAndChecked) {
       {"Weibull;Normal;", "Weibull;Normal;", ""},
       {Variant::Array{Variant(0), Variant("scWeibull")}, "Normal;Weibull;", ""},
       {" Weibull ", "Weibull;", ""},
-      {"Normal;Normal", "Weibull;", "Normal stands twice in the order of distributions of variable Var1."},
-      {"Rayleigh", "Weibull;", "Rayleigh is no valid fit of variable Var1."},
-      {Variant::Array{Variant(12)}, "Weibull;", "Poisson is no valid fit of variable Var1."},
+      {"Normal;Normal", "Weibull;", "Normal appears twice in the order of distributions of variable Var1."},
+      {"Rayleigh", "Weibull;", "Rayleigh is not a valid fit of variable Var1."},
+      {Variant::Array{Variant(12)}, "Weibull;", "Poisson is not a valid fit of variable Var1."},
       {"Gauss", "Weibull;", "no distribution called Gauss"},
-      {Variant(16), "Weibull;", "no distribution of code 16"},
+      {Variant(16), "Weibull;", "unknown distribution code: 16"},
       {"", nullptr, ""},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(Refusal("DistributionOrder", row.value, {1}), row.refusal);
     EXPECT_EQ(Order(1), row.order != nullptr ? row.order : ranked);
   }
-  EXPECT_EQ(Refusal("DistributionOrder", "Weibull", {2}), "Weibull is no valid fit of variable Var2.");
+  EXPECT_EQ(Refusal("DistributionOrder", "Weibull", {2}), "Weibull is not a valid fit of variable Var2.");
   EXPECT_EQ(Refusal("DistributionOrder", "Normal", {6}), "no variable 6 among the results");
   // The buttons.
   Automation().Put("DistributionOrder", 1, "Normal;Weibull");
@@ -271,7 +271,7 @@ TEST_F(FitResults, OwnValuesAreSavedWhenAskedFor) {
   EXPECT_EQ(put("Rayleigh", {2.5}), "");
   EXPECT_EQ(put("Weibull", {3.0, 2.0, -1.0}), "");
   EXPECT_EQ(put("Normal", {3.0, 0.0}), "Invalid scale parameter entry for Normal distribution. ");
-  EXPECT_EQ(put("Poisson", {3.0}), "Poisson is no distribution for variable Var1.");
+  EXPECT_EQ(put("Poisson", {3.0}), "Poisson is not a distribution for variable Var1.");
   EXPECT_EQ(own("Rayleigh"), (std::vector<double>{2.5, 0}));
   EXPECT_EQ(isDefault("Rayleigh"), 0);
   EXPECT_EQ(isDefault("Normal"), 1);
@@ -280,7 +280,7 @@ TEST_F(FitResults, OwnValuesAreSavedWhenAskedFor) {
   Automation().Put("IsUserDefinedDistributions", 1);
   Automation().Put("UserDefinedDistributionOrder", 1, "Rayleigh;Weibull;Normal");
   EXPECT_EQ(Refusal("UserDefinedDistributionOrder", "Half Normal", {1}),
-            "Half Normal is no valid fit of variable Var1.");
+            "Half Normal is not a valid fit of variable Var1.");
   Automation().Get("SaveDistributionFit");
   EXPECT_EQ(Property(0, "zOrder"), "Rayleigh;Weibull;Normal;");
   EXPECT_EQ(Property(0, "Weibull"),

@@ -35,7 +35,7 @@ void Check(std::span<const double> matrix, std::size_t k) {
       Refuse("row " + std::to_string(i + 1) + " is not 1 with itself");
     for (std::size_t j = 0; j < k; ++j) {
       const std::string place = "row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
-      if (!IsEntry(matrix[i * k + j])) Refuse(place + " is no correlation");
+      if (!IsEntry(matrix[i * k + j])) Refuse(place + " is not a correlation");
       if (!AlmostEqual(matrix[i * k + j], matrix[j * k + i])) Refuse(place + " differs from its mirror");
     }
   }
@@ -59,7 +59,7 @@ std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::stri
         matrix[i * k + j] = file->correlations[placeOf(i)][placeOf(j)];
     }
   }
-  if (!any) Refuse("sheet " + sheet.Name() + " has none of the variables");
+  if (!any) Refuse("sheet " + sheet.Name() + " contains none of the variables");
   return matrix;
 }
 
@@ -90,7 +90,7 @@ std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::
   std::vector<double> matrix;
   if (value.IsObject()) {
     const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
-    if (document == nullptr || !document->HasTable()) Refuse("no spreadsheet");
+    if (document == nullptr || !document->HasTable()) Refuse("expected a spreadsheet");
     matrix = FromFile(document->Table(), names);
   } else {
     for (const Variant& item : value.ToArray()) {

@@ -205,8 +205,8 @@ TEST_F(ProfilerDialog, WrongSpecificationsAreRefusedAndNotApplied) {
       {Array{"Normal", 1, 0}, "Invalid scale parameter entry for Normal distribution. "},
       {Array{"Gaussian Mixture", 1, 0, 1}, "Invalid number of mixtures. Valid Range is 1<x<21"},
       {Array{"Gamma", 1, 0}, "no distribution called Gamma"},
-      {Array{"Fixed"}, "a fixed predictor has one value"},
-      {Array{}, "the array is empty"},
+      {Array{"Fixed"}, "expected one value for a fixed predictor"},
+      {Array{}, "expected a distribution or a fixed value, got an empty array"},
   };
   for (const auto& row : rows) {
     EXPECT_EQ(Reason([&] { Specify(1, row.put); }), row.reason);
@@ -431,7 +431,8 @@ TEST_F(ProfilerDialog, UnexpectedFaultsNameWhatWasTried) {
   EXPECT_FALSE(Dialog().Press(kFitBest));
   ASSERT_EQ(userInterface.messages.size(), 1U);
   EXPECT_EQ(userInterface.messages[0].caption, "BasicStats Error");
-  EXPECT_EQ(userInterface.messages[0].text, "The input data hold no predictor that a distribution fits.");
+  EXPECT_EQ(userInterface.messages[0].text,
+            "No predictor of the input data can be fitted by a distribution.");
   Put("PredictionFormula", "Y = x / 0");
   EXPECT_TRUE(Simulate());
   EXPECT_EQ(Said().back(),

@@ -22,7 +22,7 @@ constexpr std::size_t kTruncationItems = 4;
 DistributionCode CodeFrom(const Variant& key) {
   if (!key.IsText()) {
     if (const auto code = CodeFromNumber(key.ToInteger())) return *code;
-    throw Error("no distribution of code " + key.ToText());
+    throw Error("unknown distribution code: " + key.ToText());
   }
   const std::string name = key.ToText();
   if (const auto code = CodeFromKey(name)) return *code;
@@ -79,9 +79,9 @@ double FixedValue(const ProfilerPredictor& predictor, const Variant& value) {
 
 void Fix(ProfilerPredictor& predictor, const Variant& value) {
   const double fixed = FixedValue(predictor, value);
-  if (!std::isfinite(fixed)) throw Error("no finite number: " + value.ToText());
+  if (!std::isfinite(fixed)) throw Error("expected a finite number, got " + value.ToText());
   if (!predictor.labels.empty() && !predictor.labels.contains(fixed))
-    throw Error("no class of the predictor: " + value.ToText(), predictor.name);
+    throw Error("unknown class: " + value.ToText(), predictor.name);
   predictor.setting = PredictorSetting::kFixed;
   predictor.fixedValue = fixed;
 }
@@ -133,9 +133,9 @@ void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
   }
   if (!value.IsArray()) return Fix(predictor, value);
   const Variant::Array array = value.ToArray();
-  if (array.empty()) throw Error("the array is empty");
+  if (array.empty()) throw Error("expected a distribution or a fixed value, got an empty array");
   if (IsFixedKey(array[0])) {
-    if (array.size() != 2) throw Error("a fixed predictor has one value");
+    if (array.size() != 2) throw Error("expected one value for a fixed predictor");
     return Fix(predictor, array[1]);
   }
   DistributionSpecification specification = SpecificationFrom(array);

@@ -70,7 +70,7 @@ void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
     return;
   }
   const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
-  if (document == nullptr || !document->HasTable()) throw Error("no spreadsheet");
+  if (document == nullptr || !document->HasTable()) throw Error("expected a spreadsheet");
   dialog.SetCorrelationMatrix(document->Table());
 }
 
@@ -201,7 +201,7 @@ void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet)
   Result<MatrixFile> read = ReadMatrixFile(sheet);
   if (!read) {
     std::string why = MessageOf(read.Reason()).text;
-    if (why.empty()) why = "is no matrix file";
+    if (why.empty()) why = "is not a matrix file";
     throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
   }
   SimulationAndRisk().Simulation().matrix = *std::move(read);
