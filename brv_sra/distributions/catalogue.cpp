@@ -3,91 +3,95 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <stdexcept>
 
+#include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::sra {
 namespace {
 
 using enum DistributionCode;
-using enum ParameterRange;
 
-// Parameters: heading, label, word, message of a stored value, range.
+// Parameters: heading, label, word, message of a stored value, key of a stored value.
 constexpr Parameter kLocation{kHeadingLocation, kLabelLocation, kLowerLocation, kMsgStoredLocationInvalid,
-                              kFinite};
-constexpr Parameter kScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid, kPositive};
-constexpr Parameter kLogScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid, kFinite};
-constexpr Parameter kShape{kHeadingShape, kLabelShape, kLowerShape, kMsgStoredShapeInvalid, kPositive};
-constexpr Parameter kTailShape{kHeadingShape, kLabelShape, kLowerShape, kMsgStoredShapeInvalid, kFinite};
-constexpr Parameter kMinimum{kHeadingMin, kLabelMinimum, kWordMinimumOrMode, 0, kFinite};
-constexpr Parameter kMaximum{kHeadingMax, kLabelMaximum, kWordModeOrMaximum, 0, kFinite};
-constexpr Parameter kMode{kHeadingMode, kLabelMode, kWordMinimumOrMode, 0, kFinite};
+                              property_key::kLocation};
+constexpr Parameter kScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid,
+                           property_key::kScale};
+constexpr Parameter kShape{kHeadingShape, kLabelShape, kLowerShape, kMsgStoredShapeInvalid,
+                           property_key::kShape};
+constexpr Parameter kMinimum{kHeadingMin, kLabelMinimum, kWordMinimumOrMode, 0, property_key::kMin};
+constexpr Parameter kMaximum{kHeadingMax, kLabelMaximum, kWordModeOrMaximum, 0, property_key::kMax};
+constexpr Parameter kMode{kHeadingMode, kLabelMode, kWordMinimumOrMode, 0, property_key::kMode};
 constexpr Parameter kProportionOfTrials{kHeadingProportion, kLabelProportion, kWordProportion,
-                                        kMsgStoredProportionInvalid, kProportion};
-constexpr Parameter kTrialCount{kHeadingTrials, kLabelTrials, kWordTrials, kMsgStoredTrialsInvalid, kTrials};
+                                        kMsgStoredProportionInvalid, property_key::kProportion};
+constexpr Parameter kTrialCount{kHeadingTrials, kLabelTrials, kWordTrials, kMsgStoredTrialsInvalid,
+                                property_key::kNumberOfTrials};
 constexpr Parameter kPoissonMean{kHeadingPoissonMean, kLabelMean, kWordMean, kMsgStoredMeanInvalid,
-                                 kPositive};
-constexpr Parameter kCoefficient{kHeadingMixingCoefficient, 0, kWordMixingCoefficient, 0, kPositive};
-constexpr Parameter kComponentMean{kHeadingMixtureMean, 0, kWordMean, kMsgStoredMeanInvalid, kFinite};
-constexpr Parameter kDeviation{kHeadingStandardDeviation, 0, kWordStandardDeviation, kMsgStoredScaleInvalid,
-                               kPositive};
-constexpr Parameter kFamily{kHeadingJohnsonType, kLabelJohnsonType, kHeadingJohnsonType, 0, kJohnsonFamily};
-constexpr Parameter kGamma{kHeadingGamma, kLabelJohnsonGamma, kHeadingGamma, kMsgStoredShapeInvalid, kFinite};
-constexpr Parameter kDelta{kHeadingDelta, kLabelJohnsonDelta, kWordShape2, kMsgStoredShapeInvalid, kPositive};
-constexpr Parameter kLambda{kHeadingLambda, kLabelJohnsonLambda, kWordScale, kMsgStoredScaleInvalid,
-                            kPositive};
-constexpr Parameter kXi{kHeadingXi, kLabelJohnsonXi, kHeadingXi, kMsgStoredLocationInvalid, kFinite};
-constexpr Parameter kClassCode{kHeadingCode, 0, kWordCodeOrProportion, 0, kFinite};
-constexpr Parameter kClassProportion{kHeadingClassProportion, 0, kWordCodeOrProportion,
-                                     kMsgStoredProportionInvalid, kProportion};
+                                 property_key::kMean};
+constexpr Parameter kCoefficient{kHeadingMixingCoefficient, 0, kWordMixingCoefficient, 0, {}};
+constexpr Parameter kComponentMean{kHeadingMixtureMean, 0, kWordMean, kMsgStoredMeanInvalid, {}};
+constexpr Parameter kDeviation{
+    kHeadingStandardDeviation, 0, kWordStandardDeviation, kMsgStoredScaleInvalid, {}};
+constexpr Parameter kFamily{kHeadingJohnsonType, kLabelJohnsonType, kHeadingJohnsonType, 0, {}};
+constexpr Parameter kGamma{kHeadingGamma, kLabelJohnsonGamma, kHeadingGamma, kMsgStoredShapeInvalid, {}};
+constexpr Parameter kDelta{kHeadingDelta, kLabelJohnsonDelta, kWordShape2, kMsgStoredShapeInvalid, {}};
+constexpr Parameter kLambda{kHeadingLambda, kLabelJohnsonLambda, kWordScale, kMsgStoredScaleInvalid, {}};
+constexpr Parameter kXi{kHeadingXi, kLabelJohnsonXi, kHeadingXi, kMsgStoredLocationInvalid, {}};
+constexpr Parameter kClassCode{kHeadingCode, 0, kWordCodeOrProportion, 0, {}};
+constexpr Parameter kClassProportion{
+    kHeadingClassProportion, 0, kWordCodeOrProportion, kMsgStoredProportionInvalid, {}};
+// The folded normal keeps its location and scale under other keys.
+constexpr Parameter kFoldedLocation{kHeadingLocation, kLabelLocation, kLowerLocation,
+                                    kMsgStoredLocationInvalid, property_key::kScale};
+constexpr Parameter kFoldedScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid,
+                                 property_key::kShape};
+
+// Of values that are stored with seven digits.
+constexpr const char* kShortFormat = "%e";
 
 // clang-format off
-// Columns: code, internal key, compact key, spaced key, display name, continuous, has an offset, values,
-// repeated groups; description; parameters.
+// Columns: code, internal key, compact key, spaced key, display name; description; parameters; format of stored
+// values.
 constexpr std::array<CatalogueEntry, kDistributionCount> kCatalogue{{
-    {kNormal, "scNormalDistr", kCompactKeyNormal, 0, kNameNormal, true, false, 2, false,
+    {kNormal, "scNormalDistr", kCompactKeyNormal, 0, kNameNormal,
      "Normal(location=%.4f, scale=%.4f)", {kLocation, kScale}},
     {kLogNormal, "scLogNormal", kCompactKeyLogNormal, kSpacedKeyLogNormal, kNameLogNormal,
-     true, true, 2, false,
-     "Log Normal(scale=%.4f, shape=%.4f)", {kLogScale, kShape}},
+     "Log Normal(scale=%.4f, shape=%.4f)", {kScale, kShape}},
     {kFoldedNormal, "scFoldedNormal", kCompactKeyFoldedNormal, kSpacedKeyFoldedNormal, kNameFoldedNormal,
-     true, true, 2, false,
-     "Folded Normal(location=%.4f, scale=%.4f)", {kLocation, kScale}},
+     "Folded Normal(location=%.4f, scale=%.4f)", {kFoldedLocation, kFoldedScale}},
     {kHalfNormal, "scHalfNormal", kCompactKeyHalfNormal, kSpacedKeyHalfNormal, kNameHalfNormal,
-     true, true, 1, false,
      "Half Normal(scale=%.4f)", {kScale}},
-    {kRayleigh, "scRayleigh", kCompactKeyRayleigh, 0, kNameRayleigh, true, true, 1, false,
+    {kRayleigh, "scRayleigh", kCompactKeyRayleigh, 0, kNameRayleigh,
      "Rayleigh(scale=%.4f)", {kScale}},
-    {kWeibull, "scWeibull", kCompactKeyWeibull, 0, kNameWeibull, true, true, 2, false,
+    {kWeibull, "scWeibull", kCompactKeyWeibull, 0, kNameWeibull,
      "Weibull(scale=%.4f, shape=%.4f)", {kScale, kShape}},
     {kGaussianMixture, "scGaussianMixture", kCompactKeyGaussianMixture, kSpacedKeyGaussianMixture,
-     kNameGaussianMixture, true, false, 3, true,
-     "Gaussian Mixture", {kCoefficient, kComponentMean, kDeviation}},
-    {kJohnson, "scJohnson", kCompactKeyJohnson, 0, kNameJohnson, true, false, 5, false,
-     "Johnson", {kFamily, kGamma, kDelta, kLambda, kXi}},
+     kNameGaussianMixture,
+     "Gaussian Mixture", {kCoefficient, kComponentMean, kDeviation}, kShortFormat},
+    {kJohnson, "scJohnson", kCompactKeyJohnson, 0, kNameJohnson,
+     "Johnson", {kFamily, kGamma, kDelta, kLambda, kXi}, kShortFormat},
     {kGeneralExtremeValue, "scGenExtreme", kCompactKeyGeneralExtremeValue, kSpacedKeyGeneralExtremeValue,
-     kNameGeneralExtremeValue, true, false, 3, false,
-     "General Extreme Value(location=%.4f, scale=%.4f, shape=%.4f)", {kLocation, kScale, kTailShape}},
+     kNameGeneralExtremeValue,
+     "General Extreme Value(location=%.4f, scale=%.4f, shape=%.4f)", {kLocation, kScale, kShape}},
     {kGeneralPareto, "scGenPareto", kCompactKeyGeneralPareto, kSpacedKeyGeneralPareto, kNameGeneralPareto,
-     true, true, 2, false,
-     "General Pareto(scale=%.4f, shape=%.4f)", {kScale, kTailShape}},
+     "General Pareto(scale=%.4f, shape=%.4f)", {kScale, kShape}},
     // The description has no equals sign after "mode".
-    {kTriangular, "scTriangular", kCompactKeyTriangular, 0, kNameTriangular, true, false, 3, false,
+    {kTriangular, "scTriangular", kCompactKeyTriangular, 0, kNameTriangular,
      "Triangular(min=%.4f, max=%.4f, mode%.4f)", {kMinimum, kMaximum, kMode}},
-    {kBinomial, "scBinomial", kCompactKeyBinomial, 0, kNameBinomial, false, false, 2, false,
+    {kBinomial, "scBinomial", kCompactKeyBinomial, 0, kNameBinomial,
      "Binomial(proportion=%.4f, N=%.4f)", {kProportionOfTrials, kTrialCount}},
-    {kPoisson, "scPoisson", kCompactKeyPoisson, 0, kNamePoisson, false, false, 1, false,
+    {kPoisson, "scPoisson", kCompactKeyPoisson, 0, kNamePoisson,
      "Poisson(mean=%.4f)", {kPoissonMean}},
-    {kGeometric, "scGeometric", kCompactKeyGeometric, 0, kNameGeometric, false, false, 1, false,
+    {kGeometric, "scGeometric", kCompactKeyGeometric, 0, kNameGeometric,
      "Geometric(proportion=%.4f)", {kProportionOfTrials}},
-    {kBernoulli, "scBernoulli", kCompactKeyBernoulli, 0, kNameBernoulli, false, false, 1, false,
+    {kBernoulli, "scBernoulli", kCompactKeyBernoulli, 0, kNameBernoulli,
      "Bernoulli(proportion=%.4f)", {kProportionOfTrials}},
-    {kHistogram, "scDiscrete", kCompactKeyHistogram, 0, kNameHistogram, false, false, 2, true,
+    {kHistogram, "scDiscrete", kCompactKeyHistogram, 0, kNameHistogram,
      "Histogram", {kClassCode, kClassProportion}},
 }};
 // clang-format on
@@ -95,7 +99,6 @@ constexpr std::array<CatalogueEntry, kDistributionCount> kCatalogue{{
 constexpr bool CodesAreTheirPlaces() {
   for (std::size_t i = 0; i < kCatalogue.size(); ++i) {
     if (static_cast<std::size_t>(kCatalogue[i].code) != i) return false;
-    if (kCatalogue[i].continuous != (i < kContinuousCount)) return false;
   }
   return true;
 }
@@ -112,49 +115,38 @@ bool IsGiven(double x) {
   return std::isfinite(x) && !IsNotSet(x);
 }
 
-bool IsInRange(double x, ParameterRange range) {
-  if (!IsGiven(x)) return false;
-  switch (range) {
-    case kFinite:
-      return true;
-    case kPositive:
-      return x > 0;
-    case kProportion:
-      return x >= 0 && x <= 1;
-    case kTrials:
-      return x > 0 && x <= std::numeric_limits<std::int32_t>::max() && IsWholeNumber(x);
-    case kJohnsonFamily:
-      return x == 1 || x == 2 || x == 3 || x == 4;
-  }
-  return false;
-}
-
 ValidityFault ParameterFault(const CatalogueEntry& entry, std::size_t index, std::int32_t wordResource) {
   return {FormatResource(kMsgInvalidParameter, ResourceString(wordResource),
                          ResourceString(entry.displayNameResource)),
           index};
 }
 
+bool IsProportion(ParameterRange range) {
+  return range == ParameterRange::kProportion || range == ParameterRange::kPositiveProportion;
+}
+
 ValidityFault ParameterFault(const CatalogueEntry& entry, std::size_t index, double value,
                              CheckPurpose purpose) {
-  const Parameter& parameter = entry.parameters[index % static_cast<std::size_t>(entry.valueCount)];
-  if (parameter.range == kTrials && purpose == CheckPurpose::kSimulation) {
+  const std::size_t place = index % Facts(entry.code).ParameterCount();
+  const ParameterRange range = Facts(entry.code).parameters[place].range;
+  const std::int32_t word = entry.parameters[place].wordResource;
+  if (range == ParameterRange::kTrials && purpose == CheckPurpose::kSimulation) {
     return {std::string(ResourceString(kMsgInvalidTrialsInSimulation)), index};
   }
-  ValidityFault fault = ParameterFault(entry, index, parameter.wordResource);
-  if (parameter.range == kProportion && IsGiven(value)) fault.message += ResourceString(kMsgProportionRange);
+  ValidityFault fault = ParameterFault(entry, index, word);
+  const bool isCalledProportion = IsProportion(range) && word != kWordMixingCoefficient;
+  if (isCalledProportion && IsGiven(value)) fault.message += ResourceString(kMsgProportionRange);
   return fault;
 }
 
-// The distance from 1 of the sum of every valueCount-th value, beginning with `first`.
-double TotalError(const CatalogueEntry& entry, std::size_t first, std::span<const double> values) {
+// Whether every group-th value, beginning with `first`, adds up to 1.
+bool AddUpToOne(std::span<const double> values, std::size_t first, std::size_t group) {
   double total = 0;
-  for (std::size_t i = first; i < values.size(); i += static_cast<std::size_t>(entry.valueCount))
-    total += values[i];
-  return std::abs(total - 1);
+  for (std::size_t i = first; i < values.size(); i += group) total += values[i];
+  return std::abs(total - 1) <= kTotalTolerance;
 }
 
-// The rules about several values of a type, once each value is in its range.
+// The rules about several values of a distribution, once each value is in its range.
 std::optional<ValidityFault> CheckTogether(const CatalogueEntry& entry, std::span<const double> values) {
   switch (entry.code) {
     case kTriangular:
@@ -162,10 +154,10 @@ std::optional<ValidityFault> CheckTogether(const CatalogueEntry& entry, std::spa
       if (values[2] > values[1]) return ParameterFault(entry, 2, kWordModeOrMaximum);
       return std::nullopt;
     case kGaussianMixture:
-      if (TotalError(entry, 0, values) <= kMixtureTotalTolerance) return std::nullopt;
+      if (AddUpToOne(values, 0, Parameters(entry.code).size())) return std::nullopt;
       return ParameterFault(entry, values.size(), kWordMixingCoefficient);
     case kHistogram:
-      if (TotalError(entry, 1, values) <= kHistogramTotalTolerance) return std::nullopt;
+      if (AddUpToOne(values, 1, Parameters(entry.code).size())) return std::nullopt;
       return ValidityFault{std::string(ResourceString(kMsgInvalidTotalProportion)), values.size()};
     default:
       return std::nullopt;
@@ -192,7 +184,7 @@ std::string MacroTextWith(const DistributionSpecification& specification, Number
   const CatalogueEntry& entry = Entry(specification.code);
   std::string text = "Array(" + std::string(entry.internalKey);
   for (const double value : specification.values) text += ", " + number(value);
-  if (entry.hasOffset) text += ", " + number(specification.offset);
+  if (HasOffset(entry.code)) text += ", " + number(specification.offset);
   text += MacroBound(specification.truncateBelow, specification.truncationMinimum, number);
   text += MacroBound(specification.truncateAbove, specification.truncationMaximum, number);
   return std::string(Trim(text)) + ")";
@@ -202,6 +194,10 @@ std::string MacroTextWith(const DistributionSpecification& specification, Number
 
 const CatalogueEntry& Entry(DistributionCode code) {
   return kCatalogue.at(static_cast<std::size_t>(code));
+}
+
+const DistributionFacts& Facts(DistributionCode code) {
+  return TypeOf(code).facts;
 }
 
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number) {
@@ -223,16 +219,23 @@ std::string_view SpacedKey(DistributionCode code) {
 }
 
 bool IsContinuous(DistributionCode code) {
-  return Entry(code).continuous;
+  return Facts(code).isContinuous;
 }
 
 bool HasOffset(DistributionCode code) {
-  return Entry(code).hasOffset;
+  return Facts(code).HasOffset();
 }
 
 std::span<const Parameter> Parameters(DistributionCode code) {
-  const CatalogueEntry& entry = Entry(code);
-  return std::span(entry.parameters).first(static_cast<std::size_t>(entry.valueCount));
+  return std::span(Entry(code).parameters).first(Facts(code).ParameterCount());
+}
+
+std::vector<std::string_view> StoredKeys(DistributionCode code) {
+  std::vector<std::string_view> keys;
+  for (const Parameter& parameter : Parameters(code)) {
+    if (!parameter.storedKey.empty()) keys.push_back(parameter.storedKey);
+  }
+  return keys;
 }
 
 std::optional<DistributionCode> CodeFromKey(std::string_view key) {
@@ -270,16 +273,17 @@ std::string Description(DistributionCode code, std::span<const double> values) {
 std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
                                          CheckPurpose purpose) {
   const CatalogueEntry& entry = Entry(code);
-  const auto groupSize = static_cast<std::size_t>(entry.valueCount);
-  const std::size_t groups = entry.repeatedGroups ? (values.size() + groupSize - 1) / groupSize : 1;
+  const DistributionFacts& facts = Facts(code);
+  const std::size_t groupSize = facts.ParameterCount();
+  const std::size_t groups = facts.isUserDefined ? (values.size() + groupSize - 1) / groupSize : 1;
   if (code == kGaussianMixture && (groups < kMinimumMixtures || groups > kMaximumMixtures)) {
     return ValidityFault{std::string(ResourceString(kMsgInvalidMixtureCount)), values.size()};
   }
   const std::size_t expected = groups * groupSize;
   for (std::size_t i = 0; i < expected; ++i) {
     const double value = i < values.size() ? values[i] : kNotSet;
-    const ParameterRange range = entry.parameters[i % groupSize].range;
-    if (!IsInRange(value, range)) return ParameterFault(entry, i, value, purpose);
+    const bool isValid = IsGiven(value) && IsInRange(value, facts.parameters[i % groupSize].range);
+    if (!isValid) return ParameterFault(entry, i, value, purpose);
   }
   if (values.size() > expected)
     return ParameterFault(entry, expected, entry.parameters[groupSize - 1].wordResource);

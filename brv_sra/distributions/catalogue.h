@@ -1,5 +1,5 @@
-// The catalogue of the sixteen distribution types: names, keys, parameters, descriptions, validity. One
-// table; everything here derives from it.
+// The catalogue of the distributions: the keys and texts of each, and what is said of values that are not
+// valid. What the distributions are stands in host/numeric/distributions/.
 #pragma once
 
 #include <array>
@@ -9,19 +9,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "brv_sra/distributions/specification.h"
+#include "host/numeric/distributions/distribution_facts.h"
 
 namespace brenvolt::sra {
-
-// What a parameter may hold. Every range excludes values that are not set and values that are not finite.
-enum class ParameterRange : std::uint8_t {
-  kFinite,
-  kPositive,
-  kProportion,    // 0 to 1, both included
-  kTrials,        // a whole number from 1 to the largest 32-bit integer
-  kJohnsonFamily  // 1, 2, 3, 4: SL, SU, SB, SN (Hill, Hill & Holder 1976, AS 99)
-};
 
 // A parameter as tables, editors and messages know it: numbers of string resources, 0 where there is none.
 struct Parameter {
@@ -29,27 +22,23 @@ struct Parameter {
   std::int32_t labelResource;          // beside an edit field: "Scale:"
   std::int32_t wordResource;           // inside a message: "scale"
   std::int32_t storedMessageResource;  // of a stored value that is not valid: "Invalid scale value for %s …"
-  ParameterRange range;
+  std::string_view storedKey;          // in a property of a variable: "Scale"; empty for a bare number
 };
-
-inline constexpr std::size_t kMaximumParameters = 5;
 
 struct CatalogueEntry {
   DistributionCode code;
-  std::string_view internalKey;      // "scLogNormal"
-  std::int32_t compactKeyResource;   // "DontTranslate!!LogNormal"
-  std::int32_t spacedKeyResource;    // "DontTranslate!!Log Normal", or 0 where the name holds no blank
-  std::int32_t displayNameResource;  // "Log Normal"
-  bool continuous;
-  bool hasOffset;
-  int valueCount;                      // parameters held; for a user-defined type, values per repeated group
-  bool repeatedGroups;                 // Gaussian mixture and histogram: any number of groups
+  std::string_view internalKey;        // "scLogNormal"
+  std::int32_t compactKeyResource;     // "DontTranslate!!LogNormal"
+  std::int32_t spacedKeyResource;      // "DontTranslate!!Log Normal", or 0 where the name holds no blank
+  std::int32_t displayNameResource;    // "Log Normal"
   std::string_view descriptionFormat;  // one "%.4f" per value, or none
-  std::array<Parameter, kMaximumParameters> parameters;  // the first valueCount are in use
+  std::array<Parameter, DistributionFacts::kMostParameters> parameters;
+  const char* storedFormat = "%.12e";  // of the values in a property of a variable
 };
 
-// Lookups. A code outside 0 to 15 has no entry: std::out_of_range.
+// Lookups. A code that is none has no entry: std::out_of_range.
 const CatalogueEntry& Entry(DistributionCode code);
+const DistributionFacts& Facts(DistributionCode code);
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number);
 std::string_view DisplayName(DistributionCode code);
 // The untranslated key without its marker: compact ("LogNormal"), and spaced where there is one, else
@@ -58,8 +47,10 @@ std::string_view CompactKey(DistributionCode code);
 std::string_view SpacedKey(DistributionCode code);
 bool IsContinuous(DistributionCode code);
 bool HasOffset(DistributionCode code);
-// The parameters of a type in order; of a repeated group for a user-defined type.
+// The parameters of a distribution in order; of a repeated group for a user-defined one.
 std::span<const Parameter> Parameters(DistributionCode code);
+// The keys of the values in a property of a variable; none where the values are bare numbers.
+std::vector<std::string_view> StoredKeys(DistributionCode code);
 
 // The display name of a Johnson family by the type value, 1 to 4 ("Johnson SL", SU, SB, SN); empty for
 // another.
@@ -77,12 +68,6 @@ std::optional<DistributionCode> CodeFromDisplayName(std::string_view name);
 // set.
 std::string Description(DistributionCode code, std::span<const double> values);
 
-// The widest distance from 1 of a histogram's total proportion: far above the rounding of proportions written
-// with twelve decimals, far below a share that someone forgot to enter.
-inline constexpr double kHistogramTotalTolerance = 1e-6;
-// The same for the mixing coefficients of a Gaussian mixture, which are stored with seven digits and often
-// typed with six.
-inline constexpr double kMixtureTotalTolerance = 1e-5;
 inline constexpr std::size_t kMinimumMixtures = 2;
 inline constexpr std::size_t kMaximumMixtures = 20;
 
@@ -97,14 +82,11 @@ struct ValidityFault {
 };
 // Nothing when the values are valid, else the first fault in the order of the values. The rules:
 //
-// - Each parameter is given (not kNotSet), finite, and in the range that the table names. Locations, xi,
-//   gamma, means of mixture components, the shapes of the extreme-value and Pareto types and the scale of the
-//   Log Normal (the mean of a logarithm) may have any sign; every other scale, shape, deviation and mean is
-//   greater than zero, Johnson's delta and lambda included.
-// - Fixed types hold exactly their values; the last group of a user-defined type is complete.
-// - Triangular: minimum <= mode <= maximum.
-// - Histogram: the proportions add up to 1 within kHistogramTotalTolerance; no class at all adds up to 0.
-// - Gaussian mixture: 2 to 20 components; the coefficients add up to 1 within kMixtureTotalTolerance.
+// - Each parameter is given (not kNotSet) and in the range of the distribution's facts.
+// - A distribution holds exactly its values; the last group of a user-defined one is complete.
+// - Triangular: minimum <= mode <= maximum; all three may be equal, though no function has a value then.
+// - Histogram: the proportions add up to 1 within kTotalTolerance; no class at all adds up to 0.
+// - Gaussian mixture: 2 to 20 components; the coefficients add up to 1 within kTotalTolerance.
 //
 // The text names the parameter and the distribution, as in "Invalid scale parameter entry for Normal
 // distribution. " with its trailing blank; it is, for a proportion, followed by "Proportion should be between

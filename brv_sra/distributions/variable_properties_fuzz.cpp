@@ -9,7 +9,6 @@
 #include <string_view>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/property_items.h"
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/error.h"
@@ -44,7 +43,7 @@ VariableDistributions Rounded(VariableDistributions distributions) {
   truncation.minimum = Rounded(truncation.minimum, "%e");
   truncation.maximum = Rounded(truncation.maximum, "%e");
   for (DistributionSpecification& specification : distributions.ranked) {
-    const char* const format = ItemFormat(specification.code);
+    const char* const format = Entry(specification.code).storedFormat;
     for (double& value : specification.values) value = Rounded(value, format);
     specification.offset = Rounded(specification.offset, format);
     specification.truncationMinimum = truncation.minimum;

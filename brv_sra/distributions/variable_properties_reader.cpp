@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/property_items.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -133,7 +132,7 @@ class VariableReader {
     specification.truncationMinimum = truncation.minimum;
     specification.truncationMaximum = truncation.maximum;
     const auto items = Split(property.text, kItemDelimiters);
-    if (ItemKeys(property.code).empty()) {
+    if (StoredKeys(property.code).empty()) {
       ParseBareItems(items, specification);
     } else {
       ParseKeyedItems(items, specification);
@@ -150,16 +149,16 @@ class VariableReader {
 
   void ParseBareItems(const std::vector<std::string_view>& items,
                       DistributionSpecification& specification) const {
-    const CatalogueEntry& entry = Entry(specification.code);
-    const auto groupSize = static_cast<std::size_t>(entry.valueCount);
-    const bool complete = entry.repeatedGroups ? items.size() % groupSize == 0 : items.size() == groupSize;
+    const DistributionFacts& facts = Facts(specification.code);
+    const std::size_t groupSize = facts.ParameterCount();
+    const bool complete = facts.isUserDefined ? items.size() % groupSize == 0 : items.size() == groupSize;
     if (items.empty() || !complete) Fail(kMsgInvalidPropertyValues);
     for (const std::string_view item : items) specification.values.push_back(ParseValue(item));
   }
 
   void ParseKeyedItems(const std::vector<std::string_view>& items,
                        DistributionSpecification& specification) const {
-    const auto keys = ItemKeys(specification.code);
+    const auto keys = StoredKeys(specification.code);
     std::vector<std::optional<double>> values(keys.size());
     std::optional<double> offset;
     for (const std::string_view item : items) {

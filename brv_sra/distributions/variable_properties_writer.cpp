@@ -3,7 +3,6 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/property_items.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
 
@@ -43,7 +42,7 @@ double AsStored(double x, const char* format) {
 // A fit can be stored when the reader will take it back, since one bad property ends the read of all
 // variables.
 bool IsStorable(DistributionSpecification specification) {
-  const char* const format = ItemFormat(specification.code);
+  const char* const format = Entry(specification.code).storedFormat;
   for (double& value : specification.values) value = AsStored(value, format);
   specification.offset = AsStored(OffsetOrNone(specification), format);
   return !CheckSpecification(specification);
@@ -59,8 +58,8 @@ void MarkInvalidFit(VariablePropertyStore& store, int variableNumber, bool inval
 }  // namespace
 
 std::string DistributionPropertyText(const DistributionSpecification& specification) {
-  const auto keys = ItemKeys(specification.code);
-  const char* const format = ItemFormat(specification.code);
+  const auto keys = StoredKeys(specification.code);
+  const char* const format = Entry(specification.code).storedFormat;
   std::vector<std::string> items;
   for (std::size_t i = 0; i < specification.values.size(); ++i) {
     const double value = specification.values[i];

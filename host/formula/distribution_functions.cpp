@@ -59,9 +59,9 @@ class Functions {
     if (!kFacts.isContinuous && kFacts.curves.density.empty()) return;
     const std::size_t fewest = 1 + kFacts.ParameterCount();
     const std::size_t most = kFacts.isUserDefined ? kMostArguments : fewest + (kFacts.HasOffset() ? 1 : 0);
-    Add(kFacts.formulaName, "Density", Kernel<D, kDensity, false>, fewest, most);
-    Add(kFacts.formulaName, "Cdf", Kernel<D, kCdf, false>, fewest, most);
-    Add(kFacts.formulaName, "Quantile", Kernel<D, kQuantile, false>, fewest, most);
+    Add(kFacts.longName, "Density", Kernel<D, kDensity, false>, fewest, most);
+    Add(kFacts.longName, "Cdf", Kernel<D, kCdf, false>, fewest, most);
+    Add(kFacts.longName, "Quantile", Kernel<D, kQuantile, false>, fewest, most);
   }
 
   template <class D>

@@ -1,55 +1,53 @@
 #include "host/jobs/dialog_words.h"
 
-#include <algorithm>
 #include <cctype>
+
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 
-const std::array<FittedType, 16> kFittedTypes{{
-    {"normal", true, "IsNormalDistribution", ""},
-    {"lognormal", true, "IsLogNormalDistribution", "LogNormalOffset"},
-    {"foldednormal", true, "IsFoldedNormalDistribution", "FoldedNormalOffset"},
-    {"halfnormal", true, "IsHalfNormalDistribution", "HalfNormalOffset"},
-    {"rayleigh", true, "IsRayleighDistribution", "RayleighOffset"},
-    {"weibull", true, "IsWeibullDistribution", "WeibullOffset"},
-    {"gaussianmixture", true, "IsGaussianMixtureDistribution", ""},
-    {"johnson", true, "IsJohnsonDistribution", ""},
-    {"generalextremevalue", true, "IsGeneralizedExtremeValueDistribution", ""},
-    {"generalpareto", true, "IsGeneralizedParetoDistribution", "GeneralizedParetoOffset"},
-    {"triangular", true, "IsTriangularDistribution", ""},
-    {"binomial", false, "IsBinomialDistribution", ""},
-    {"poisson", false, "IsPoissonDistribution", ""},
-    {"geometric", false, "IsGeometricDistribution", ""},
-    {"bernoulli", false, "IsBernoulliDistribution", ""},
-    {"histogram", false, "IsDiscreteDistribution", ""},
-}};
-
 namespace {
 
-// Other names that people use.
-const std::map<std::string_view, std::string_view> kOtherNames{
-    {"gev", "generalextremevalue"},
-    {"generalizedextremevalue", "generalextremevalue"},
-    {"gpd", "generalpareto"},
-    {"generalizedpareto", "generalpareto"},
-};
+std::string LowerCase(std::string_view text) {
+  std::string lower;
+  for (const char c : text) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return lower;
+}
+
+std::vector<FittedType> TypesFromFacts() {
+  std::vector<FittedType> types;
+  for (const DistributionType* type : DistributionTypes()) {
+    const DistributionFacts& facts = type->facts;
+    const std::string longName(facts.longName);
+    types.push_back({LowerCase(facts.name), facts.isContinuous, "Is" + longName + "Distribution",
+                     facts.HasOffset() ? longName + "Offset" : ""});
+  }
+  return types;
+}
+
+// A distribution with an abbreviation goes by its long name, too.
+bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
+  if (lowerCase == LowerCase(facts.name)) return true;
+  if (facts.shortName.empty()) return false;
+  return lowerCase == LowerCase(facts.shortName) || lowerCase == LowerCase(facts.longName);
+}
 
 }  // namespace
 
+const std::vector<FittedType> kFittedTypes = TypesFromFacts();
+
 const FittedType* FindFittedType(std::string_view name) {
-  std::string plain;
-  for (const char c : name) {
-    if (c != ' ' && c != '-') plain += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  std::string plain = LowerCase(name);
+  std::erase_if(plain, [](char c) { return c == ' ' || c == '-'; });
+  for (const DistributionType* type : DistributionTypes()) {
+    if (IsCalled(type->facts, plain)) return &kFittedTypes[static_cast<std::size_t>(type->facts.code)];
   }
-  const auto other = kOtherNames.find(plain);
-  const auto found = std::ranges::find(
-      kFittedTypes, other != kOtherNames.end() ? other->second : std::string_view(plain), &FittedType::name);
-  return found != kFittedTypes.end() ? &*found : nullptr;
+  return nullptr;
 }
 
 std::string FittedTypeNames() {
   std::string names;
-  for (const FittedType& type : kFittedTypes) names += (names.empty() ? "" : ", ") + std::string(type.name);
+  for (const FittedType& type : kFittedTypes) names += (names.empty() ? "" : ", ") + type.name;
   return names;
 }
 

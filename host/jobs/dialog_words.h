@@ -6,6 +6,7 @@
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "host/jobs/job_fault.h"
 
@@ -13,14 +14,14 @@ namespace brenvolt {
 
 // A distribution, and its members in the dialog of the fit specification.
 struct FittedType {
-  std::string_view name;
+  std::string name;  // that of its facts in lower case
   bool continuous;
-  std::string_view check;
-  std::string_view offset;  // empty: it has none
+  std::string check;
+  std::string offset;  // empty: it has none
 };
 
 // In the order of the distributions' codes, which are the places here.
-extern const std::array<FittedType, 16> kFittedTypes;
+extern const std::vector<FittedType> kFittedTypes;
 
 // The distribution that a person names, in any case, with blanks or hyphens between its words ("Log-Normal"),
 // or by another usual name ("gev"); null when there is none.

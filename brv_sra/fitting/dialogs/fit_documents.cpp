@@ -117,7 +117,7 @@ void AddNumbered(Spreadsheet& sheet, std::int32_t name, std::span<const Distribu
 // The headings of the values of a specification; those of repeated groups are numbered.
 std::vector<std::string> ValueNames(const DistributionSpecification& specification) {
   const auto parameters = Parameters(specification.code);
-  const bool grouped = Entry(specification.code).repeatedGroups;
+  const bool grouped = Facts(specification.code).isUserDefined;
   std::vector<std::string> names;
   for (std::size_t i = 0; i < specification.values.size(); ++i) {
     std::string name(Trim(ResourceString(parameters[i % parameters.size()].headingResource)));

@@ -26,7 +26,7 @@ std::size_t Unsigned(int index) {
 }
 
 std::int32_t LabelOf(const CatalogueEntry& entry, std::size_t field) {
-  if (field == static_cast<std::size_t>(entry.valueCount)) return kProfilerLabelOffset;
+  if (field == Parameters(entry.code).size()) return kProfilerLabelOffset;
   if (entry.code == DistributionCode::kHistogram && field == 0) return kProfilerLabelValue;
   return entry.parameters[field].labelResource;
 }
@@ -44,7 +44,7 @@ ProfilerPredictor* PredictorPage::Highlighted() {
 }
 
 std::size_t PredictorPage::GroupSize() const {
-  return static_cast<std::size_t>(Entry(edited_.code).valueCount);
+  return Parameters(edited_.code).size();
 }
 
 std::size_t PredictorPage::Groups() const {
@@ -97,7 +97,7 @@ void PredictorPage::StartEditing() {
   edited_.code = static_cast<DistributionCode>(selected);
   if (predictor != nullptr && predictor->IsRandom() && predictor->specification.code == edited_.code)
     edited_ = predictor->specification;
-  const std::size_t groups = Entry(edited_.code).repeatedGroups ? kMinimumMixtures : 1;
+  const std::size_t groups = Facts(edited_.code).isUserDefined ? kMinimumMixtures : 1;
   if (edited_.values.empty()) edited_.values.assign(GroupSize() * groups, kNotSet);
   if (HasOffset(edited_.code) && IsNotSet(edited_.offset)) edited_.offset = 0;
   ShowFields();
@@ -106,7 +106,7 @@ void PredictorPage::StartEditing() {
 void PredictorPage::ShowFields() {
   const CatalogueEntry& entry = Entry(edited_.code);
   const bool fixed = IsFixedHighlighted();
-  const std::size_t shown = fixed ? 1 : GroupSize() + (entry.hasOffset ? 1 : 0);
+  const std::size_t shown = fixed ? 1 : GroupSize() + (HasOffset(entry.code) ? 1 : 0);
   std::vector<std::string> groups;
   for (std::size_t g = 1; g <= Groups(); ++g) groups.push_back(std::to_string(g));
   const int group = std::clamp(Controls().Selection(kGroup), 0, static_cast<int>(Groups()) - 1);

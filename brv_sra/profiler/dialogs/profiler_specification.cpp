@@ -35,9 +35,9 @@ double NumberFrom(const Variant& value) {
 }
 
 // Whether so many items, the key not counted, are the values with the offset and a truncation.
-bool HasTruncation(const CatalogueEntry& entry, std::size_t items) {
-  const auto group = static_cast<std::size_t>(entry.valueCount);
-  if (!entry.repeatedGroups) return items == group + (entry.hasOffset ? 1 : 0) + kTruncationItems;
+bool HasTruncation(const DistributionFacts& facts, std::size_t items) {
+  const std::size_t group = facts.ParameterCount();
+  if (!facts.isUserDefined) return items == group + (facts.HasOffset() ? 1 : 0) + kTruncationItems;
   return items >= kTruncationItems && (items - kTruncationItems) % group == 0;
 }
 
@@ -51,16 +51,16 @@ void TakeTruncation(std::span<const Variant> items, DistributionSpecification& s
 DistributionSpecification SpecificationFrom(std::span<const Variant> array) {
   DistributionSpecification specification;
   specification.code = CodeFrom(array[0]);
-  const CatalogueEntry& entry = Entry(specification.code);
+  const DistributionFacts& facts = Facts(specification.code);
   std::span<const Variant> items = array.subspan(1);
-  if (HasTruncation(entry, items.size())) {
+  if (HasTruncation(facts, items.size())) {
     TakeTruncation(items.last(kTruncationItems), specification);
     items = items.first(items.size() - kTruncationItems);
   }
   for (const Variant& item : items) specification.values.push_back(NumberFrom(item));
-  if (!entry.hasOffset) return specification;
+  if (!facts.HasOffset()) return specification;
   specification.offset = 0;  // where it is left out
-  if (specification.values.size() <= static_cast<std::size_t>(entry.valueCount)) return specification;
+  if (specification.values.size() <= facts.ParameterCount()) return specification;
   specification.offset = specification.values.back();
   specification.values.pop_back();
   return specification;

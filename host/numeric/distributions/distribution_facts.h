@@ -92,8 +92,9 @@ struct DistributionFacts {
   static constexpr std::size_t kMostParameters = 5;
 
   DistributionCode code;
-  std::string_view name;                // in one word
-  std::string_view formulaName = name;  // begins the names of its functions in formulas
+  std::string_view name;             // in one word
+  std::string_view longName = name;  // in the names of its functions in formulas and of automation members
+  std::string_view shortName = {};   // by which people call it, too
   bool isContinuous = true;
   OffsetPlace offset = OffsetPlace::kNone;
   bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes

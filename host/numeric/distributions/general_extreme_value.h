@@ -9,7 +9,8 @@ namespace brenvolt {
 struct GeneralExtremeValue {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kGeneralExtremeValue,
                                             .name = "GeneralExtremeValue",
-                                            .formulaName = "GeneralizedExtremeValue",
+                                            .longName = "GeneralizedExtremeValue",
+                                            .shortName = "GEV",
                                             .parameters = {{{"location", ParameterRange::kFinite},
                                                             {"scale", ParameterRange::kPositive},
                                                             {"shape", ParameterRange::kFinite}}},

@@ -10,7 +10,8 @@ struct GeneralPareto {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kGeneralPareto,
       .name = "GeneralPareto",
-      .formulaName = "GeneralizedPareto",
+      .longName = "GeneralizedPareto",
+      .shortName = "GPD",
       .offset = OffsetPlace::kFirst,
       .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kFinite}}},
       .testCode = 18,

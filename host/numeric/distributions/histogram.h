@@ -11,6 +11,7 @@ struct Histogram {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kHistogram,
       .name = "Histogram",
+      .longName = "Discrete",
       .isContinuous = false,
       .isUserDefined = true,
       .parameters = {{{"code", ParameterRange::kFinite}, {"proportion", ParameterRange::kProportion}}},
