@@ -9,8 +9,8 @@
 #include <random>
 
 #include "brv_sra/distributions/law.h"
-#include "brv_sra/fitting/standard_errors.h"
 #include "host/base/error.h"
+#include "host/numeric/estimation/standard_errors.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 
 namespace brenvolt {
 
@@ -38,6 +39,12 @@ struct FormulasOf<Bernoulli> {
 
   double Mean() const { return p; }
   double Variance() const { return p * (1.0 - p); }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    const RateEstimate fit = EstimateBernoulli(input.sorted);
+    if (fit.status != DiscreteStatus::kSuccess) return {};
+    return EstimateWithCovariance({fit.value}, {fit.value * (1 - fit.value) / input.Count()});
+  }
 };
 
 template class Distribution<Bernoulli>;

@@ -9,6 +9,7 @@
 #include "host/numeric/distributions/count_memo.h"
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/special/saddle_point.h"
 #include "host/numeric/vector/standard_normal.h"
@@ -208,6 +209,17 @@ struct FormulasOf<Binomial> {
 
   double Mean() const { return n * p; }
   double Variance() const { return n * p * (1.0 - p); }
+
+  // The error of an estimated number of trials has no closed form; that of the proportion would be too small
+  // without it.
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    const BinomialEstimate fit = EstimateBinomial(input.sorted, input.trials.value_or(0), !input.trials);
+    if (fit.status != DiscreteStatus::kSuccess) return {};
+    const auto trials = static_cast<double>(fit.trials);
+    if (!input.trials) return {{fit.proportion, trials}, {}, {}, 2};
+    const double variance = fit.proportion * (1 - fit.proportion) / (input.Count() * trials);
+    return {{fit.proportion, trials}, {std::sqrt(variance), 0}, {variance, 0, 0, 0}, 1};
+  }
 };
 
 template class Distribution<Binomial>;

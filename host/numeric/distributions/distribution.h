@@ -26,6 +26,7 @@
 #include <type_traits>
 
 #include "host/numeric/distributions/distribution_facts.h"
+#include "host/numeric/estimation/distribution_estimate.h"
 #include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt {
@@ -65,6 +66,7 @@ struct DistributionType {
   double (*mean)(In values, double offset);
   double (*variance)(In values, double offset);
   double (*logLikelihood)(In sorted, In values, double offset);
+  DistributionEstimate (*estimate)(const EstimationInput& input);
 };
 
 // The formulas of the distribution D, beside which they are defined.
@@ -109,6 +111,9 @@ class Distribution {
   // Over finite values in ascending order, of which equal ones are evaluated once where there is no formula
   // for arrays. -infinity or NaN where one lies outside the support.
   double LogLikelihood(In sorted) const;
+
+  // The fit to a sample. What is estimated how stands with the formulas.
+  static DistributionEstimate Estimate(const EstimationInput& input);
 
   static constinit const DistributionType kType;
 

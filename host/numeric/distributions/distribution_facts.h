@@ -88,6 +88,12 @@ struct CurveNames {
   std::string_view shiftedDensity = density;  // of x - offset
 };
 
+// What a fit costs, for callers that run several.
+struct EstimationCost {
+  bool copiesSample = false;
+  int slowness = 0;  // the higher, the longer it takes
+};
+
 struct DistributionFacts {
   static constexpr std::size_t kMostParameters = 5;
 
@@ -101,6 +107,7 @@ struct DistributionFacts {
   std::array<ParameterFacts, kMostParameters> parameters;  // in the order of the values; of one group
   std::int32_t testCode;                                   // under which the Kolmogorov-Smirnov test knows it
   CurveNames curves{};                                     // none where steps draw it
+  EstimationCost estimation{};
 
   constexpr bool HasOffset() const { return offset != OffsetPlace::kNone; }
   constexpr std::size_t ParameterCount() const {

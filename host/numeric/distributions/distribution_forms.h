@@ -3,8 +3,8 @@
 //
 // A distribution D is defined by a structure with its facts, D::kFacts, and beside it by FormulasOf<D>: an
 // aggregate of its parameters in order and its threshold (or, of repeated groups, of the span of them) with a
-// method for each function. The methods see neither invalid parameters, nor NaN, nor a probability outside
-// [0, 1]. FormulasOf<D> may further have
+// method for each function, and the static Estimate(input). The methods see neither invalid parameters, nor
+// NaN, nor a probability outside [0, 1]. FormulasOf<D> may further have
 //
 // - AreConsistent(): what makes parameters valid together, once each lies in its range;
 // - Cdf(x, out) and others: a form over arrays, which itself answers NaN and probabilities outside [0, 1];
@@ -254,6 +254,11 @@ double Distribution<D>::LogLikelihood(In sorted) const {
 }
 
 template <class D>
+DistributionEstimate Distribution<D>::Estimate(const EstimationInput& input) {
+  return FormulasOf<D>::Estimate(input);
+}
+
+template <class D>
 const DistributionType Distribution<D>::kType = [
 ]<std::size_t... function>(std::index_sequence<function...>) {
   return DistributionType{
@@ -267,7 +272,8 @@ const DistributionType Distribution<D>::kType = [
       }...},
       [](In values, double offset) { return OfValues(values, offset).Mean(); },
       [](In values, double offset) { return OfValues(values, offset).Variance(); },
-      [](In sorted, In values, double offset) { return OfValues(values, offset).LogLikelihood(sorted); }};
+      [](In sorted, In values, double offset) { return OfValues(values, offset).LogLikelihood(sorted); },
+      Estimate};
 }
 (std::make_index_sequence<kDistributionFunctionCount>());
 

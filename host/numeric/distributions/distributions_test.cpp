@@ -21,57 +21,49 @@ using references::Type;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// A type with valid parameters, its support, and what makes its parameters invalid, beside values that are
-// not finite, which none takes.
+// A type with valid parameters, its support, and what makes its parameters invalid, beside values outside
+// their ranges.
 struct Case {
   std::string name;
   Parameters parameters;
   double begin;
   double end;
-  std::vector<std::size_t> positive;  // parameters that have to be above 0
-  std::vector<Parameters> invalid;    // further ones
+  std::vector<Parameters> invalid;
 };
 
 const std::vector<Case>& Cases() {
   static const std::vector<Case> cases = {
-      {"normal", {3.0, 2.0}, -kInfinity, kInfinity, {1}, {}},
-      {"log_normal", {3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
-      {"folded_normal", {-3.0, 2.0, 40.0}, 40.0, kInfinity, {1}, {}},
-      {"half_normal", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"rayleigh", {2.0, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"weibull", {3.0, 2.0, 40.0}, 40.0, kInfinity, {0, 1}, {}},
+      {"normal", {3.0, 2.0}, -kInfinity, kInfinity, {}},
+      {"log_normal", {3.0, 2.0, 40.0}, 40.0, kInfinity, {}},
+      {"folded_normal", {-3.0, 2.0, 40.0}, 40.0, kInfinity, {}},
+      {"half_normal", {2.0, 40.0}, 40.0, kInfinity, {}},
+      {"rayleigh", {2.0, 40.0}, 40.0, kInfinity, {}},
+      {"weibull", {3.0, 2.0, 40.0}, 40.0, kInfinity, {}},
       {"gaussian_mixture",
        {0.25, -1.0, 1.0, 0.75, 2.0, 0.5},
        -kInfinity,
        kInfinity,
-       {2, 5},
        {{}, {1.0, 0.0}, {0.4, 0.0, 1.0, 0.5, 1.0, 1.0}, {-0.5, 0.0, 1.0, 1.5, 1.0, 1.0}, {0.0, 0.0, 1.0}}},
-      {"johnson",
-       {1.0, 0.5, 2.0, 3.0, 40.0},
-       40.0,
-       kInfinity,
-       {2, 3},
-       {{0.0, 0.5, 2.0, 3.0, 40.0}, {1.5, 0.5, 2.0, 3.0, 40.0}, {5.0, 0.5, 2.0, 3.0, 40.0}}},
-      {"johnson", {2.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
-      {"johnson", {3.0, 0.5, 2.0, 3.0, 40.0}, 40.0, 43.0, {2, 3}, {}},
-      {"johnson", {4.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {2, 3}, {}},
-      {"general_extreme_value", {40.0, 2.0, 0.0}, -kInfinity, kInfinity, {1}, {}},
-      {"general_extreme_value", {40.0, 2.0, 0.5}, 36.0, kInfinity, {1}, {}},
-      {"general_extreme_value", {40.0, 2.0, -0.5}, -kInfinity, 44.0, {1}, {}},
-      {"general_pareto", {2.0, 0.0, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"general_pareto", {2.0, 0.5, 40.0}, 40.0, kInfinity, {0}, {}},
-      {"general_pareto", {2.0, -0.5, 40.0}, 40.0, 44.0, {0}, {}},
+      {"johnson", {1.0, 0.5, 2.0, 3.0, 40.0}, 40.0, kInfinity, {}},
+      {"johnson", {2.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {}},
+      {"johnson", {3.0, 0.5, 2.0, 3.0, 40.0}, 40.0, 43.0, {}},
+      {"johnson", {4.0, 0.5, 2.0, 3.0, 40.0}, -kInfinity, kInfinity, {}},
+      {"general_extreme_value", {40.0, 2.0, 0.0}, -kInfinity, kInfinity, {}},
+      {"general_extreme_value", {40.0, 2.0, 0.5}, 36.0, kInfinity, {}},
+      {"general_extreme_value", {40.0, 2.0, -0.5}, -kInfinity, 44.0, {}},
+      {"general_pareto", {2.0, 0.0, 40.0}, 40.0, kInfinity, {}},
+      {"general_pareto", {2.0, 0.5, 40.0}, 40.0, kInfinity, {}},
+      {"general_pareto", {2.0, -0.5, 40.0}, 40.0, 44.0, {}},
       {"triangular",
        {3.0, 8.0, 4.0},
        3.0,
        8.0,
-       {},
        {{3.0, 8.0, 2.9}, {3.0, 8.0, 8.1}, {3.0, 3.0, 3.0}, {8.0, 3.0, 5.0}}},
-      {"binomial", {0.3, 20.0}, 0.0, 20.0, {1}, {{-0.1, 20.0}, {1.1, 20.0}, {0.3, 2.5}}},
-      {"poisson", {3.5}, 0.0, kInfinity, {0}, {}},
-      {"geometric", {0.2}, 0.0, kInfinity, {0}, {{1.1}}},
-      {"bernoulli", {0.2}, 0.0, 1.0, {}, {{-0.1}, {1.1}}},
-      {"histogram", {4.0, 0.75, 1.0, 0.25}, 1.0, 4.0, {}, {{}, {1.0}, {1.0, 0.5}, {1.0, 1.5, 2.0, -0.5}}},
+      {"binomial", {0.3, 20.0}, 0.0, 20.0, {}},
+      {"poisson", {3.5}, 0.0, kInfinity, {}},
+      {"geometric", {0.2}, 0.0, kInfinity, {}},
+      {"bernoulli", {0.2}, 0.0, 1.0, {}},
+      {"histogram", {4.0, 0.75, 1.0, 0.25}, 1.0, 4.0, {{}, {1.0}, {1.0, 0.5}, {1.0, 1.5, 2.0, -0.5}}},
   };
   return cases;
 }
@@ -83,6 +75,27 @@ const Type& TypeOf(const std::string& name) {
 
 bool IsQuantile(const std::string& function) {
   return function.ends_with("Quantile");
+}
+
+// Just outside a range, and far.
+std::vector<double> OutsideOf(ParameterRange range) {
+  constexpr double kLeast = 0x1p-1074;
+  constexpr double kAboveOne = 1.0000000000000002;
+  switch (range) {
+    case ParameterRange::kFinite:
+      return {};
+    case ParameterRange::kPositive:
+      return {0.0, -kLeast, -1.0, kNotSet};
+    case ParameterRange::kProportion:
+      return {-kLeast, kAboveOne, kNotSet};
+    case ParameterRange::kPositiveProportion:
+      return {0.0, -kLeast, kAboveOne, kNotSet};
+    case ParameterRange::kTrials:
+      return {0.0, -1.0, 0.5, 2.5, 0x1p54, kNotSet};
+    case ParameterRange::kJohnsonFamily:
+      return {0.0, 1.5, 5.0, kNotSet};
+  }
+  return {};
 }
 
 void PrintTo(const Case& distribution, std::ostream* out) {
@@ -144,9 +157,7 @@ TEST_P(Distributions, InvalidParametersGiveSentinelsFromEveryFunction) {
   };
   for (std::size_t i = 0; i < distribution.parameters.size(); ++i) {
     for (const double bad : {kNan, kInfinity, -kInfinity}) addWith(i, bad);
-  }
-  for (const std::size_t i : distribution.positive) {
-    for (const double bad : {0.0, -1.0, kNotSet}) addWith(i, bad);
+    for (const double bad : OutsideOf(type_.RangeOf(i))) addWith(i, bad);
   }
   for (const Parameters& parameters : invalid) {
     SCOPED_TRACE(testing::PrintToString(parameters));

@@ -3,10 +3,12 @@
 #include "host/numeric/distributions/folded_normal.h"
 
 #include <algorithm>
+#include <array>
 #include <boost/math/quadrature/gauss.hpp>
 
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
@@ -120,6 +122,15 @@ struct FormulasOf<FoldedNormal> {
       }
     });
     return sum - static_cast<double>(sorted.size()) * (std::log(scale) + kLogSqrtTwoPi);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 2> p{};
+    EstimationError error{};
+    if (FitFoldedNormalDistribution(0, input.sorted, input.offset, p, error, input.poll) != 0) return {};
+    const auto covariance = FoldedNormalCovariance(input.sorted, p[0], p[1], input.offset);
+    if (!covariance) return {{p[0], p[1]}, {}, {}, 2};
+    return EstimateWithCovariance({p[0], p[1]}, {covariance->begin(), covariance->end()});
   }
 };
 

@@ -12,7 +12,8 @@ struct FoldedNormal {
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
       .testCode = 13,
-      .curves = {"FoldedNormal", "iFoldedNormal", "FoldeNormal"}};
+      .curves = {"FoldedNormal", "iFoldedNormal", "FoldeNormal"},
+      .estimation = {.copiesSample = true, .slowness = 2}};
 };
 
 extern template class Distribution<FoldedNormal>;

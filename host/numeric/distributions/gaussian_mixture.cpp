@@ -158,6 +158,19 @@ struct FormulasOf<GaussianMixture> {
       for (std::size_t i = 0; i < x.size(); ++i) out[i] += greatest[i];
     });
   }
+
+  // No standard errors: the likelihood of a mixture is too far from quadratic for them at usual sizes.
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::int32_t components = input.components;
+    std::vector<double> values(kComponentSize * static_cast<std::size_t>(components), kNotSet);
+    EstimationError error{};
+    if (FitGaussianMixture(input.sorted, values, components, error, input.poll) != 0) return {};
+    values.resize(kComponentSize * static_cast<std::size_t>(components));
+    for (std::size_t i = 2; i < values.size(); i += kComponentSize) {
+      if (AlmostEqual(values[i], 0)) return {};
+    }
+    return {values, {}, {}, 3 * components - 1};
+  }
 };
 
 template class Distribution<GaussianMixture>;

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"
@@ -64,6 +65,20 @@ struct FormulasOf<GeneralExtremeValue> {
       for (std::size_t i = 0; i < x.size(); ++i) out[i] = -(1 + shape) * w[i] - out[i];
     });
     return sum - static_cast<double>(sorted.size()) * std::log(scale);
+  }
+
+  // No standard errors for a shape of -1/2 or less, where estimates are not asymptotically normal (Smith
+  // 1985).
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 3> p{};
+    std::array<double, 9> covariance{};
+    EstimationError error{};
+    const bool isLikelihood = GEV_MLE(input.sorted, p, covariance, error, input.poll) == 0;
+    if (!isLikelihood && GEV_ProbWeightMoments(input.sorted, p, error) != 0) return {};
+    if (!(p[1] > 0)) return {};
+    const bool hasErrors = isLikelihood && p[2] > kLeastRegularShape && !IsNotSet(covariance[0]);
+    if (!hasErrors) return {{p.begin(), p.end()}, {}, {}, 3};
+    return EstimateWithCovariance({p.begin(), p.end()}, {covariance.begin(), covariance.end()});
   }
 };
 

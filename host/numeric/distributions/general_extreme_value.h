@@ -15,7 +15,8 @@ struct GeneralExtremeValue {
                                                             {"scale", ParameterRange::kPositive},
                                                             {"shape", ParameterRange::kFinite}}},
                                             .testCode = 17,
-                                            .curves = {"GEV", "IGEV"}};
+                                            .curves = {"GEV", "IGEV"},
+                                            .estimation = {.copiesSample = true, .slowness = 4}};
 };
 
 extern template class Distribution<GeneralExtremeValue>;

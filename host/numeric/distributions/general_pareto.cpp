@@ -2,7 +2,10 @@
 // scale >= 0; w = z, the exponential distribution, at shape 0. Pickands (1975).
 #include "host/numeric/distributions/general_pareto.h"
 
+#include <array>
+
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"
 
@@ -59,6 +62,19 @@ struct FormulasOf<GeneralPareto> {
       for (double& w : out) w *= -(1 + shape);
     });
     return sum - static_cast<double>(sorted.size()) * std::log(scale);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 3> p{};
+    EstimationError error{};
+    const bool isLikelihood = FitGPDMaximumLikelihood(input.sorted, input.offset, p, error, input.poll) == 0;
+    if (!isLikelihood && FitGPDProbabilityWeightedMoments(input.sorted, input.offset, p, error) != 0)
+      return {};
+    if (!(p[1] > 0)) return {};
+    const auto covariance = isLikelihood ? ParetoCovariance(input.sorted, p[1], p[2], input.offset)
+                                         : std::optional<Covariance2>();
+    if (!covariance) return {{p[1], p[2]}, {}, {}, 2};
+    return EstimateWithCovariance({p[1], p[2]}, {covariance->begin(), covariance->end()});
   }
 };
 

@@ -15,7 +15,8 @@ struct GeneralPareto {
       .offset = OffsetPlace::kFirst,
       .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kFinite}}},
       .testCode = 18,
-      .curves = {"GPD", "IGPD"}};
+      .curves = {"GPD", "IGPD"},
+      .estimation = {.copiesSample = true, .slowness = 3}};
 };
 
 extern template class Distribution<GeneralPareto>;

@@ -5,6 +5,7 @@
 
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 
 namespace brenvolt {
@@ -53,6 +54,12 @@ struct FormulasOf<Geometric> {
 
   double Mean() const { return (1.0 - p) / p; }
   double Variance() const { return (1.0 - p) / p / p; }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    const RateEstimate fit = EstimateGeometric(input.sorted);
+    if (fit.status != DiscreteStatus::kSuccess) return {};
+    return EstimateWithCovariance({fit.value}, {fit.value * fit.value * (1 - fit.value) / input.Count()});
+  }
 };
 
 template class Distribution<Geometric>;

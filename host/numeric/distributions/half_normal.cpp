@@ -1,6 +1,7 @@
 // The half normal distribution: the magnitude of a normal variable about 0, shifted by the threshold.
 #include "host/numeric/distributions/half_normal.h"
 
+#include <array>
 #include <boost/math/special_functions/erf.hpp>
 #include <numbers>
 
@@ -51,6 +52,13 @@ struct FormulasOf<HalfNormal> {
     const double sum =
         estimation::SumOverBlocks(sorted, [&](In x, Out out) { HalfSquares(x, threshold, scale, out); });
     return sum + static_cast<double>(sorted.size()) * (std::numbers::ln2 - std::log(scale) - kLogSqrtTwoPi);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 3> results{};
+    EstimationError error{};
+    if (FitHalfNormalDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
+    return EstimateOfScale(results);
   }
 };
 

@@ -11,7 +11,8 @@ struct HalfNormal {
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
                                             .testCode = 14,
-                                            .curves = {"HalfNormal", "iHalfNormal"}};
+                                            .curves = {"HalfNormal", "iHalfNormal"},
+                                            .estimation = {.copiesSample = true}};
 };
 
 extern template class Distribution<HalfNormal>;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 
 namespace brenvolt {
@@ -113,6 +114,14 @@ struct FormulasOf<Histogram> {
   }
 
   PreparedHistogram Prepared(std::size_t uses) const;
+
+  // No standard errors, which a table of classes has no place for.
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    HistogramEstimate fit = EstimateHistogram(input.sorted);
+    if (fit.status != DiscreteStatus::kSuccess) return {};
+    const int parameters = static_cast<int>(fit.classes.size() / kClassSize) - 1;
+    return {std::move(fit.classes), {}, {}, parameters};
+  }
 };
 
 // The codes with a share, ascending, and the functions at them: many values by binary search.

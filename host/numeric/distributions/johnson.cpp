@@ -1,6 +1,8 @@
 // The four families of Johnson (1949): z = gamma + delta g(u), u = (x - xi) / lambda, is standard normal.
 #include "host/numeric/distributions/johnson.h"
 
+#include <array>
+
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/estimation/estimators.h"
 #include "host/numeric/estimation/johnson_bounded_moments.h"
@@ -134,6 +136,34 @@ struct FormulasOf<Johnson> {
         return (lambda / delta) * (lambda / delta);
     }
     return kInvalidProbability;  // no other is valid
+  }
+
+  // Family 5, the two-point limit of SB, is kept as SB.
+  static double StoredFamily(double family) {
+    constexpr double kTwoPoints = 5;
+    return family == kTwoPoints ? static_cast<double>(JohnsonFamily::kBounded) : family;
+  }
+
+  // SL and SN do without the scale, SN without the location, too.
+  static int ParameterCount(double family) {
+    if (family == static_cast<double>(JohnsonFamily::kNormal)) return 2;
+    return family == static_cast<double>(JohnsonFamily::kLognormal) ? 3 : 4;
+  }
+
+  // No standard errors: neither moments nor percentiles maximise the likelihood.
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 5> p{};
+    EstimationError error{};
+    if (input.isByPercentiles) {
+      constexpr double kChosenByTheFit = -1;
+      if (FitJohnsonFromPercentiles(input.sorted, p, kChosenByTheFit, 1, error) != 0) return {};
+    } else if (IsNotSet(input.kurtosis) ||
+               FitJohnsonFromMoments(input.mean, input.standardDeviation, input.skewness, input.kurtosis, p,
+                                     error) != 0) {
+      return {};
+    }
+    p[0] = StoredFamily(p[0]);
+    return {{p.begin(), p.end()}, {}, {}, ParameterCount(p[0])};
   }
 };
 

@@ -16,7 +16,8 @@ struct Johnson {
                                                             {"lambda", ParameterRange::kPositive},
                                                             {"xi", ParameterRange::kFinite}}},
                                             .testCode = 16,
-                                            .curves = {"Johnson", "iJohnson"}};
+                                            .curves = {"Johnson", "iJohnson"},
+                                            .estimation = {.copiesSample = true, .slowness = 1}};
 };
 
 extern template class Distribution<Johnson>;

@@ -1,6 +1,7 @@
 // The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
 #include "host/numeric/distributions/log_normal.h"
 
+#include <array>
 #include <numbers>
 
 #include "host/numeric/distributions/distribution_forms.h"
@@ -73,6 +74,13 @@ struct FormulasOf<LogNormal> {
       }
     });
     return sum - static_cast<double>(sorted.size()) * (std::log(shape) + kLogSqrtTwoPi);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 2> p{};
+    EstimationError error{};
+    if (FitLognormalDistribution(0, input.sorted, input.offset, p, error) != 0) return {};
+    return EstimateOfNormalValues(p, input.Count());
   }
 };
 

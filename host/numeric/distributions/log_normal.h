@@ -12,7 +12,8 @@ struct LogNormal {
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"scale", ParameterRange::kFinite}, {"shape", ParameterRange::kPositive}}},
       .testCode = 9,
-      .curves = {"Lognorm", "iLognorm"}};
+      .curves = {"Lognorm", "iLognorm"},
+      .estimation = {.copiesSample = true}};
 };
 
 extern template class Distribution<LogNormal>;

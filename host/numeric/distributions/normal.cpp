@@ -1,6 +1,8 @@
 // The normal distribution: z = (x - location) / scale, taken once.
 #include "host/numeric/distributions/normal.h"
 
+#include <array>
+
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
@@ -40,6 +42,13 @@ struct FormulasOf<Normal> {
     const double sum =
         estimation::SumOverBlocks(sorted, [&](In x, Out out) { HalfSquares(x, location, scale, out); });
     return sum - static_cast<double>(sorted.size()) * (std::log(scale) + kLogSqrtTwoPi);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 2> p{};
+    EstimationError error{};
+    if (FitNormalDistribution(0, input.sorted, p, error) != 0) return {};
+    return EstimateOfNormalValues(p, input.Count());
   }
 };
 

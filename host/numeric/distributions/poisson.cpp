@@ -4,6 +4,7 @@
 #include "host/numeric/distributions/count_memo.h"
 #include "host/numeric/distributions/distribution_forms.h"
 #include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/incomplete_gamma.h"
 #include "host/numeric/special/saddle_point.h"
 #include "host/numeric/vector/standard_normal.h"
@@ -72,6 +73,12 @@ struct FormulasOf<Poisson> {
 
   double Mean() const { return mean; }
   double Variance() const { return mean; }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    const RateEstimate fit = EstimatePoisson(input.sorted);
+    if (fit.status != DiscreteStatus::kSuccess) return {};
+    return EstimateWithCovariance({fit.value}, {fit.value / input.Count()});
+  }
 };
 
 template class Distribution<Poisson>;

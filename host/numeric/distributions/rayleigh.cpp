@@ -1,6 +1,7 @@
 // The Rayleigh distribution: P(X > x) = exp(-z^2 / 2), z = (x - threshold) / scale, for x >= threshold.
 #include "host/numeric/distributions/rayleigh.h"
 
+#include <array>
 #include <numbers>
 
 #include "host/numeric/distributions/distribution_forms.h"
@@ -53,6 +54,13 @@ struct FormulasOf<Rayleigh> {
       }
     });
     return sum - static_cast<double>(sorted.size()) * std::log(scale);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    std::array<double, 3> results{};
+    EstimationError error{};
+    if (FitRayleighDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
+    return EstimateOfScale(results);
   }
 };
 

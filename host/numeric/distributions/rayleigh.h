@@ -11,7 +11,8 @@ struct Rayleigh {
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
                                             .testCode = 12,
-                                            .curves = {"Rayl", "IRayl"}};
+                                            .curves = {"Rayl", "IRayl"},
+                                            .estimation = {.copiesSample = true}};
 };
 
 extern template class Distribution<Rayleigh>;

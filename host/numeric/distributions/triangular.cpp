@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/triangular_estimator.h"
 
 namespace brenvolt {
 
@@ -71,6 +72,13 @@ struct FormulasOf<Triangular> {
 
   double Mean() const { return min + (Width() + Rise()) / 3.0; }
   double Variance() const { return (Rise() * Width() + Fall() * Fall()) / 18.0; }
+
+  // No standard errors: the extremes of a sample are not asymptotically normal.
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    const TriangularEstimate fit = EstimateTriangular(input.sorted, input.poll);
+    if (!fit.isValid) return {};
+    return {{fit.minimum, fit.maximum, fit.mode}, {}, {}, 3, fit.logLikelihood};
+  }
 };
 
 template class Distribution<Triangular>;

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/estimation/weibull_estimator.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/vector/vector_forms.h"
 
@@ -63,6 +64,20 @@ struct FormulasOf<Weibull> {
       for (std::size_t i = 0; i < x.size(); ++i) out[i] = (shape - 1) * logarithms[i] - out[i];
     });
     return sum + static_cast<double>(sorted.size()) * std::log(shape / scale);
+  }
+
+  static DistributionEstimate Estimate(const EstimationInput& input) {
+    // A Newton step of the shape below this ends the estimation: convergence is quadratic, so the shape is
+    // then good to rounding.
+    constexpr double kTolerance = 1e-9;
+    const WeibullEstimate fit = EstimateWeibull(input.sorted, input.offset, kTolerance);
+    if (fit.status != WeibullStatus::kSuccess) return {};
+    const double scaleError = fit.scaleStandardError;
+    const double shapeError = fit.shapeStandardError;
+    return {{fit.scale, fit.shape},
+            {scaleError, shapeError},
+            {scaleError * scaleError, fit.covariance, fit.covariance, shapeError * shapeError},
+            2};
   }
 };
 

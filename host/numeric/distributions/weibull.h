@@ -12,7 +12,8 @@ struct Weibull {
       .offset = OffsetPlace::kLast,
       .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kPositive}}},
       .testCode = 10,
-      .curves = {"weibull", "iWeibull"}};
+      .curves = {"weibull", "iWeibull"},
+      .estimation = {.copiesSample = true}};
 };
 
 extern template class Distribution<Weibull>;

@@ -1,9 +1,9 @@
-#include "brv_sra/fitting/discrete_estimation.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 
 #include <cmath>
 #include <limits>
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 struct CountSummary {
@@ -88,4 +88,4 @@ HistogramEstimate EstimateHistogram(std::span<const double> sorted) {
   return estimate;
 }
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -7,7 +7,7 @@
 
 #include "host/base/almost_equal.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 
 enum class DiscreteStatus : std::int32_t {
   kSuccess = 0,
@@ -49,4 +49,4 @@ RateEstimate EstimateBernoulli(std::span<const double> data);
 // Each distinct value (any real) with its share of the values. `sorted` ascends, NaN last.
 HistogramEstimate EstimateHistogram(std::span<const double> sorted);
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

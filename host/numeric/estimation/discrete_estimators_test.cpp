@@ -1,10 +1,10 @@
-#include "brv_sra/fitting/discrete_estimation.h"
+#include "host/numeric/estimation/discrete_estimators.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 const double kNan = std::numeric_limits<double>::quiet_NaN();
@@ -85,4 +85,4 @@ TEST(HistogramFit, ClassesAreTheDistinctValuesWithTheirShares) {
 }
 
 }  // namespace
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

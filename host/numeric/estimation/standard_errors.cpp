@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/standard_errors.h"
+#include "host/numeric/estimation/standard_errors.h"
 
 #include <algorithm>
 #include <cmath>
@@ -7,7 +7,7 @@
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 using estimation::CompensatedSum;
@@ -73,4 +73,4 @@ std::optional<Covariance2> ParetoCovariance(std::span<const double> data, double
   return Inverse(byScale.Value() / (scale * scale), mixed.Value() / scale, byShape.Value());
 }
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

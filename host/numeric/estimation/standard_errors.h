@@ -6,7 +6,7 @@
 #include <optional>
 #include <span>
 
-namespace brenvolt::sra {
+namespace brenvolt {
 
 // At this shape and below, the estimates of a distribution with a finite upper end are not
 // asymptotically normal, and the information says nothing about their errors (Smith 1985).
@@ -25,4 +25,4 @@ std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, 
 std::optional<Covariance2> ParetoCovariance(std::span<const double> data, double scale, double shape,
                                             double threshold);
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -2,7 +2,7 @@
 // 2 / (b - a) at c and 2 (b - x) / ((b - a)(b - c)) above. On either side ln f is ln(x - a) or ln(b - x) plus
 // a term without x, and the values of low density are those nearest the extreme, so that running sums of the
 // two logarithms answer for every c.
-#include "brv_sra/fitting/triangular_estimation.h"
+#include "host/numeric/estimation/triangular_estimator.h"
 
 #include <algorithm>
 #include <array>
@@ -15,7 +15,7 @@
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 constexpr double kLeastDensity = 1e-10;  // values below are left out of the search
@@ -219,4 +219,4 @@ TriangularEstimate EstimateTriangular(std::span<const double> sorted, const std:
   return estimate;
 }
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -6,7 +6,7 @@
 
 #include "host/base/almost_equal.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 
 struct TriangularEstimate {
   double minimum = kNotSet;
@@ -30,4 +30,4 @@ struct TriangularEstimate {
 // is n / 64 reals.
 TriangularEstimate EstimateTriangular(std::span<const double> sorted, const std::function<void()>& poll);
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

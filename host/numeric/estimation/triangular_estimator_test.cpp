@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/triangular_estimation.h"
+#include "host/numeric/estimation/triangular_estimator.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,7 @@
 
 #include "host/base/error.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 // The estimation spelled out, value by value.
@@ -213,4 +213,4 @@ TEST(TriangularFit, ScanVisitsEverySecondOf250AndStopsWhenAsked) {
 }
 
 }  // namespace
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

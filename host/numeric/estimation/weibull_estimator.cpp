@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/weibull_estimation.h"
+#include "host/numeric/estimation/weibull_estimator.h"
 
 #include <algorithm>
 #include <array>
@@ -10,7 +10,7 @@
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/vector/vector_forms.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 using estimation::CompensatedSum;
@@ -163,4 +163,4 @@ WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, dou
   return Finish(logs, shape);
 }
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -7,7 +7,7 @@
 
 #include "host/base/almost_equal.h"
 
-namespace brenvolt::sra {
+namespace brenvolt {
 
 enum class WeibullStatus : std::int32_t {
   kSuccess = 0,
@@ -34,4 +34,4 @@ struct WeibullEstimate {
 // starting value uses the variance of the logarithms, pi^2 / (6 shape^2) (Menon 1963).
 WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, double tolerance);
 
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/weibull_estimation.h"
+#include "host/numeric/estimation/weibull_estimator.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <limits>
 #include <vector>
 
-namespace brenvolt::sra {
+namespace brenvolt {
 namespace {
 
 constexpr double kTolerance = 1e-9;
@@ -89,4 +89,4 @@ TEST(WeibullFit, SteepDataStartsFromOneAndStillConverges) {
 }
 
 }  // namespace
-}  // namespace brenvolt::sra
+}  // namespace brenvolt

@@ -35,12 +35,20 @@ inline constexpr double kTailTolerance = 1e-10;
 inline constexpr double kRoundTripTolerance = 1e-12;
 
 struct Type {
+  const DistributionFacts* facts = nullptr;
   std::string name;
   bool isDiscrete;
   std::vector<std::size_t> origins;  // parameters that are places, to which a quantile is relative
   std::map<std::string, Function> functions;
   std::map<std::string, ArrayFunction> arrays;
   std::map<std::string, Moment> moments;
+
+  // Of parameter i of a list, in which a threshold stands last.
+  ParameterRange RangeOf(std::size_t i) const {
+    const std::size_t count = facts->ParameterCount();
+    if (i >= count && !facts->isUserDefined) return ParameterRange::kFinite;
+    return facts->parameters[i % count].range;
+  }
 };
 
 inline void PrintTo(const Type& type, std::ostream* out) {
@@ -89,7 +97,9 @@ inline std::vector<std::size_t> PlacesOf(const DistributionFacts& facts) {
 }
 
 inline Type Bind(const DistributionType& type) {
-  Type bound{WithUnderscores(type.facts.name), !type.facts.isContinuous, PlacesOf(type.facts), {}, {}, {}};
+  Type bound{
+      &type.facts, WithUnderscores(type.facts.name), !type.facts.isContinuous, PlacesOf(type.facts), {}, {},
+      {}};
   for (const auto& [name, function] : FunctionNames()) {
     bound.functions[name] = [&type, f = function](double x, In parameters) {
       return DistributionOf(type, parameters).At(f, x);
