@@ -11,6 +11,7 @@
 
 namespace {
 
+using namespace brenvolt;
 using namespace brenvolt::sra;
 
 // Values in (0, 10), inside every support below.

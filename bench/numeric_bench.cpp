@@ -100,11 +100,14 @@ struct PlainGev {
   double scale;
   double shape;
 };
-double cdf(const PlainGev& law, double x) {
-  return std::exp(-std::exp(-std::log1p(law.shape * (x - law.location) / law.scale) / law.shape));
+double cdf(const PlainGev& distribution, double x) {
+  return std::exp(
+      -std::exp(-std::log1p(distribution.shape * (x - distribution.location) / distribution.scale) /
+                distribution.shape));
 }
-double quantile(const PlainGev& law, double p) {
-  return law.location + law.scale * std::expm1(-law.shape * std::log(-std::log(p))) / law.shape;
+double quantile(const PlainGev& distribution, double p) {
+  return distribution.location +
+         distribution.scale * std::expm1(-distribution.shape * std::log(-std::log(p))) / distribution.shape;
 }
 DISTRIBUTION_BENCHMARKS(Gev, GeneralExtremeValue, (PlainGev{1.0, 2.0, 0.2}), 1.0, 2.0, 0.2);
 
@@ -113,14 +116,16 @@ struct PlainGpd {
   double shape;
   double threshold;
 };
-double cdf(const PlainGpd& law, double x) {
-  return -std::expm1(-std::log1p(law.shape * (x - law.threshold) / law.scale) / law.shape);
+double cdf(const PlainGpd& distribution, double x) {
+  return -std::expm1(-std::log1p(distribution.shape * (x - distribution.threshold) / distribution.scale) /
+                     distribution.shape);
 }
-double quantile(const PlainGpd& law, double p) {
-  return law.threshold + law.scale * std::expm1(-law.shape * std::log1p(-p)) / law.shape;
+double quantile(const PlainGpd& distribution, double p) {
+  return distribution.threshold +
+         distribution.scale * std::expm1(-distribution.shape * std::log1p(-p)) / distribution.shape;
 }
 DISTRIBUTION_BENCHMARKS(Gpd, GeneralPareto, (PlainGpd{2.0, 0.2, 1.0}), 2.0, 0.2, 1.0);
-// The Pareto distribution of Boost is the same law, moved: shape 1/5, scale 10.
+// The Pareto distribution of Boost is the same distribution, moved: shape 1/5, scale 10.
 DISTRIBUTION_BENCHMARKS(GpdAsPareto, GeneralPareto, boost::math::pareto(10.0, 5.0), 2.0, 0.2, 10.0);
 
 void PoissonQuantile(benchmark::State& state) {

@@ -3,9 +3,9 @@
 // of functions are those of the host's formulas (host/formula/distribution_functions.h), irregular spellings
 // included; the host evaluates the text (host/formula/curve.h).
 //
-// Any specification has a text; that of one that is not valid (law.h) draws nothing meaningful. A value that
-// is not there is written as kNotSet. An offset that is zero within 15 units in the last place, or not set,
-// is none.
+// Any specification has a text; that of one that is not valid (specified_distribution.h) draws nothing
+// meaningful. A value that is not there is written as kNotSet. An offset that is zero within 15 units in the
+// last place, or not set, is none.
 #pragma once
 
 #include <cstdint>

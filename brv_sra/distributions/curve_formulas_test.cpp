@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/formula/curve.h"
@@ -137,8 +137,8 @@ TEST(CurveFormulas, NumbersReadBackExactlyAndHaveNoExponent) {
 
 // The text evaluated is the catalogue's function times the factor.
 void ExpectAgreement(const DistributionSpecification& specification, const std::vector<double>& x) {
-  const Law law(specification);
-  ASSERT_TRUE(law.IsValid()) << DisplayName(specification.code);
+  const SpecifiedDistribution distribution(specification);
+  ASSERT_TRUE(distribution.IsValid()) << DisplayName(specification.code);
   for (const CurveKind kind : {CurveKind::kDensity, CurveKind::kCumulative}) {
     const std::string text = IsContinuous(specification.code)
                                  ? ContinuousCurveFormula(specification, kind, kFactor)
@@ -147,17 +147,18 @@ void ExpectAgreement(const DistributionSpecification& specification, const std::
     std::vector<double> y(x.size());
     curve.Evaluate(x, y);
     for (std::size_t i = 0; i < x.size(); ++i) {
-      const double expected = 50 * (kind == CurveKind::kDensity ? law.Density(x[i]) : law.Cdf(x[i]));
+      const double expected =
+          50 * (kind == CurveKind::kDensity ? distribution.Density(x[i]) : distribution.Cdf(x[i]));
       ASSERT_NEAR(y[i], expected, std::max(1e-10 * std::abs(expected), 1e-300)) << text << " at " << x[i];
     }
   }
 }
 
 // 1000 values over the support and a little beyond.
-std::vector<double> Grid(const Law& law) {
+std::vector<double> Grid(const SpecifiedDistribution& distribution) {
   constexpr std::size_t kPoints = 1000;
-  const double from = law.Quantile(1e-6);
-  const double to = law.ComplementQuantile(1e-6);
+  const double from = distribution.Quantile(1e-6);
+  const double to = distribution.ComplementQuantile(1e-6);
   const double margin = 0.05 * (to - from);
   std::vector<double> x(kPoints);
   for (std::size_t i = 0; i < kPoints; ++i)
@@ -187,7 +188,7 @@ TEST(CurveFormulas, ContinuousTextsDrawTheCatalogueFunctions) {
   for (DistributionSpecification specification : continuous) {
     for (const double offset : {kNotSet, 0.0, 2.5, -1234.5678901234567, 1e-9}) {
       specification.offset = offset;
-      ExpectAgreement(specification, Grid(Law(specification)));
+      ExpectAgreement(specification, Grid(SpecifiedDistribution(specification)));
     }
   }
 }

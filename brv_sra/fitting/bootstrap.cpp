@@ -6,7 +6,7 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/cancellation.h"
 #include "host/base/error.h"
@@ -65,14 +65,15 @@ void Compare(const ChiSquareResult& sample, const ChiSquareResult& data, Tally& 
   tally.Count(IsAsExtreme(sample, data));
 }
 
-// Sample number `index` of a job, sorted, in `values`; false where the law gave a value that is not finite.
+// Sample number `index` of a job, sorted, in `values`; false where the distribution gave a value that is not
+// finite.
 bool Draw(const BootstrapJob& job, std::int64_t index, std::vector<double>& values, Moments& moments) {
   constexpr double kLeastProbability = 0x1p-54;           // for a deviate of 0, which has no quantile
   const std::int64_t stride = job.count + job.count % 2;  // samples begin where the stream's blocks do
   values.resize(static_cast<std::size_t>(job.count));
   job.stream.FillUniform(static_cast<std::uint64_t>(index * stride), values);
   for (double& u : values) u = std::max(u, kLeastProbability);
-  Law(job.fit->specification).Quantile(values, values);
+  SpecifiedDistribution(job.fit->specification).Quantile(values, values);
   MomentAccumulator accumulator;
   for (const double x : values) {
     if (!std::isfinite(x)) return false;
@@ -111,21 +112,22 @@ void JudgeSample(const BootstrapJob& job, std::int64_t index, ChiSquareBinning b
 }
 
 // Only estimates from probability-weighted moments have such a shape, mostly of data far from the type.
-bool IsUnboundedAtItsEnd(const DistributionSpecification& law) {
+bool IsUnboundedAtItsEnd(const DistributionSpecification& specification) {
   constexpr double kLeastShape = -1.0;
-  switch (law.code) {
+  switch (specification.code) {
     case DistributionCode::kGeneralExtremeValue:
-      return law.values[2] < kLeastShape;
+      return specification.values[2] < kLeastShape;
     case DistributionCode::kGeneralPareto:
-      return law.values[1] < kLeastShape;
+      return specification.values[1] < kLeastShape;
     default:
       return false;
   }
 }
 
 bool CanBeJudged(const BootstrapJob& job) {
-  const DistributionSpecification& law = job.fit->specification;
-  return job.fit->IsValid() && job.count > 0 && Law(law).IsValid() && !IsUnboundedAtItsEnd(law);
+  const DistributionSpecification& specification = job.fit->specification;
+  return job.fit->IsValid() && job.count > 0 && SpecifiedDistribution(specification).IsValid() &&
+         !IsUnboundedAtItsEnd(specification);
 }
 
 // The samples of all jobs in blocks of consecutive ones, those of every job before the next of any, so that a

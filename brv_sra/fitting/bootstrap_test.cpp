@@ -9,7 +9,7 @@
 #include <cmath>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/analysis/headless_user_interface.h"
@@ -23,11 +23,11 @@ namespace {
 using enum DistributionCode;
 constexpr auto kBinning = ChiSquareBinning::kEqualProbabilities;
 
-DistributionSpecification LawOf(DistributionCode code, std::vector<double> values) {
-  DistributionSpecification law;
-  law.code = code;
-  law.values = std::move(values);
-  return law;
+DistributionSpecification SpecificationOf(DistributionCode code, std::vector<double> values) {
+  DistributionSpecification specification;
+  specification.code = code;
+  specification.values = std::move(values);
+  return specification;
 }
 
 DistributionFit Estimate(DistributionCode code, const SortedSample& sample) {
@@ -41,7 +41,7 @@ DistributionFit Estimate(DistributionCode code, const SortedSample& sample) {
 // The normal distribution with the standard deviation of divisor n - 1, on which published tables rest.
 DistributionFit EstimateUnbiasedNormal(const SortedSample& sample) {
   DistributionFit fit;
-  fit.specification = LawOf(kNormal, {sample.moments.mean, sample.moments.standardDeviation});
+  fit.specification = SpecificationOf(kNormal, {sample.moments.mean, sample.moments.standardDeviation});
   fit.estimatedParameters = 2;
   return fit;
 }
@@ -57,11 +57,12 @@ struct SampleData {
   Moments moments;
 };
 
-SampleData Draw(const DistributionSpecification& law, std::size_t count, const RandomStream& stream) {
+SampleData Draw(const DistributionSpecification& specification, std::size_t count,
+                const RandomStream& stream) {
   SampleData data;
   data.values.resize(count);
   stream.FillUniform(0, data.values);
-  Law(law).Quantile(data.values, data.values);
+  SpecifiedDistribution(specification).Quantile(data.values, data.values);
   MomentAccumulator moments;
   for (const double x : data.values) moments.Add(x, 1);
   data.moments = moments.Finish();
@@ -83,7 +84,7 @@ TEST(Bootstrap, GivesThePublishedLevelsOfCriticalValues) {
   };
   const auto of = [](DistributionCode code, std::vector<double> values) {
     DistributionFit fit;
-    fit.specification = LawOf(code, std::move(values));
+    fit.specification = SpecificationOf(code, std::move(values));
     return fit;
   };
   const auto normalCase = [](double n) { return 1 + 0.75 / n + 2.25 / (n * n); };
@@ -131,8 +132,9 @@ double Uniformity(std::vector<double> pValues) {
 TEST(Bootstrap, PValuesAreUniformUnderTheHypothesisWherePlainOnesAreNot) {
   constexpr std::size_t kSets = 200;
   constexpr double kLeast = 1e-4;
-  for (const auto& law : {LawOf(kNormal, {10, 3}), LawOf(kWeibull, {2, 1.7}), LawOf(kPoisson, {30})}) {
-    SCOPED_TRACE(DisplayName(law.code));
+  for (const auto& specification : {SpecificationOf(kNormal, {10, 3}), SpecificationOf(kWeibull, {2, 1.7}),
+                                    SpecificationOf(kPoisson, {30})}) {
+    SCOPED_TRACE(DisplayName(specification.code));
     std::vector<double> plain;
     std::vector<double> kolmogorovSmirnov;
     std::vector<double> chiSquare;
@@ -140,8 +142,8 @@ TEST(Bootstrap, PValuesAreUniformUnderTheHypothesisWherePlainOnesAreNot) {
     std::vector<DistributionFit> fits;
     std::vector<BootstrapJob> jobs;
     for (std::size_t set = 0; set < kSets; ++set) {
-      const SampleData data = Draw(law, 50, RandomStream(11).Substream(set, 0));
-      fits.push_back(Estimate(law.code, {data.values, data.moments}));
+      const SampleData data = Draw(specification, 50, RandomStream(11).Substream(set, 0));
+      fits.push_back(Estimate(specification.code, {data.values, data.moments}));
       TestFit(fits.back(), data.values, kBinning);
     }
     for (std::size_t set = 0; set < kSets; ++set)
@@ -157,7 +159,7 @@ TEST(Bootstrap, PValuesAreUniformUnderTheHypothesisWherePlainOnesAreNot) {
     EXPECT_LT(Uniformity(plain), 1e-6);
     EXPECT_GT(Uniformity(kolmogorovSmirnov), kLeast);
     EXPECT_GT(Uniformity(chiSquare), kLeast);
-    if (IsContinuous(law.code)) {
+    if (IsContinuous(specification.code)) {
       EXPECT_GT(Uniformity(andersonDarling), kLeast);
     }
   }
@@ -175,9 +177,9 @@ struct BootstrapRun : testing::Test {
 
   void SetUp() override {
     const RandomStream stream(21);
-    Add(Draw(LawOf(kWeibull, {4, 1.4}), 60, stream.Substream(1, 0)).values);
-    Add(Draw(LawOf(kPoisson, {3}), 60, stream.Substream(2, 0)).values);
-    Add(Draw(LawOf(kGaussianMixture, {0.4, 5, 1, 0.6, 9, 1}), 60, stream.Substream(3, 0)).values);
+    Add(Draw(SpecificationOf(kWeibull, {4, 1.4}), 60, stream.Substream(1, 0)).values);
+    Add(Draw(SpecificationOf(kPoisson, {3}), 60, stream.Substream(2, 0)).values);
+    Add(Draw(SpecificationOf(kGaussianMixture, {0.4, 5, 1, 0.6, 9, 1}), 60, stream.Substream(3, 0)).values);
     specification.continuous = {1, 3};
     specification.continuousSpecifications.resize(2);
     for (ContinuousSpecification& each : specification.continuousSpecifications) {
@@ -257,7 +259,7 @@ TEST_F(BootstrapRun, ResultsDependNeitherOnCompanyNorOnTheProcessStream) {
 TEST_F(BootstrapRun, FitThatReproducesTheDataHasPValueOne) {
   Spreadsheet bits("data");
   Variable variable("V1", 0);
-  variable.AssignValues(Draw(LawOf(kBernoulli, {0.3}), 70, RandomStream(8)).values);
+  variable.AssignValues(Draw(SpecificationOf(kBernoulli, {0.3}), 70, RandomStream(8)).values);
   bits.AddVariable(std::move(variable));
   specification.continuous.clear();
   specification.continuousSpecifications.clear();
@@ -275,7 +277,7 @@ TEST_F(BootstrapRun, FitThatReproducesTheDataHasPValueOne) {
 
 TEST(Bootstrap, SamplesWithoutAFitAreLeftOutOfThePValueAndOfTheCount) {
   DistributionFit fit;
-  fit.specification = LawOf(kNormal, {0, 1});
+  fit.specification = SpecificationOf(kNormal, {0, 1});
   fit.kolmogorovSmirnov.statistic = 1e9;
   std::atomic<int> fitted{0};
   BootstrapJob job{&fit, 5, RandomStream(3), [&](const SortedSample& sample, const Poll&) {
@@ -300,7 +302,8 @@ TEST(Bootstrap, SamplesWithoutAFitAreLeftOutOfThePValueAndOfTheCount) {
 // The moments of values far above the offset give such a shape. Samples of such a fit are mostly as far from
 // their estimates as these values, which no Pareto distribution above 0 describes.
 TEST(Bootstrap, ParetoThatIsInfiniteAtItsEndGetsNoPValueRatherThanAFlatteringOne) {
-  const SampleData data = Draw(LawOf(kGeneralExtremeValue, {3.87, 0.2, -0.05}), 65, RandomStream(7));
+  const SampleData data =
+      Draw(SpecificationOf(kGeneralExtremeValue, {3.87, 0.2, -0.05}), 65, RandomStream(7));
   DistributionFit fit = Estimate(kGeneralPareto, {data.values, data.moments});
   TestFit(fit, data.values, kBinning);
   ASSERT_TRUE(fit.IsValid());
@@ -316,7 +319,8 @@ TEST(Bootstrap, ParetoThatIsInfiniteAtItsEndGetsNoPValueRatherThanAFlatteringOne
 TEST(Bootstrap, CancellationEndsARunThatWouldTakeHours) {
   HeadlessUserInterface port;
   port.cancelled = true;
-  const SampleData data = Draw(LawOf(kGaussianMixture, {0.5, 0, 1, 0.5, 4, 1}), 2000, RandomStream(2));
+  const SampleData data =
+      Draw(SpecificationOf(kGaussianMixture, {0.5, 0, 1, 0.5, 4, 1}), 2000, RandomStream(2));
   DistributionFit fit = Estimate(kGaussianMixture, {data.values, data.moments});
   const BootstrapJob job = JobOf(fit, 2000, RandomStream(3));
   EXPECT_THROW(RunBootstrap({&job, 1}, 1'000'000, kBinning, port), UserCancelled);

@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/axis_scaling.h"
 #include "host/numeric/goodness_of_fit/chi_square.h"
 #include "host/numeric/vector/distribution_values.h"
@@ -32,10 +32,10 @@ Range RoundRange(double minimum, double maximum) {
   return range;
 }
 
-Boundaries EqualProbabilities(const Law& law, const Range& range) {
+Boundaries EqualProbabilities(const SpecifiedDistribution& distribution, const Range& range) {
   Boundaries boundaries;
   const double share = 1.0 / range.steps;
-  for (int i = 1; i < range.steps; ++i) boundaries.push_back(law.Quantile(i * share));
+  for (int i = 1; i < range.steps; ++i) boundaries.push_back(distribution.Quantile(i * share));
   return boundaries;
 }
 
@@ -68,8 +68,8 @@ Boundaries HistogramCodes(std::span<const double> values) {
   return codes;
 }
 
-Boundaries BoundariesOf(const DistributionSpecification& fit, const Law& law, double minimum, double maximum,
-                        ChiSquareBinning binning) {
+Boundaries BoundariesOf(const DistributionSpecification& fit, const SpecifiedDistribution& distribution,
+                        double minimum, double maximum, ChiSquareBinning binning) {
   if (!IsContinuous(fit.code)) {
     Boundaries codes;
     if (fit.code == DistributionCode::kHistogram) codes = HistogramCodes(fit.values);
@@ -79,27 +79,29 @@ Boundaries BoundariesOf(const DistributionSpecification& fit, const Law& law, do
   }
   const Range range = RoundRange(minimum, maximum);
   if (range.steps < 1) return {};
-  Boundaries boundaries =
-      binning == ChiSquareBinning::kEqualIntervals ? EqualIntervals(range) : EqualProbabilities(law, range);
+  Boundaries boundaries = binning == ChiSquareBinning::kEqualIntervals
+                              ? EqualIntervals(range)
+                              : EqualProbabilities(distribution, range);
   boundaries.push_back(binning == ChiSquareBinning::kEqualIntervals ? range.maximum : kTopBoundary);
   return boundaries;
 }
 
 // P(low < X <= high) from the smaller tail, where the difference does not cancel.
-double Probability(const Law& law, double low, double high) {
-  const double below = law.Cdf(low);
-  return below < 0.5 ? law.Cdf(high) - below : law.Complement(low) - law.Complement(high);
+double Probability(const SpecifiedDistribution& distribution, double low, double high) {
+  const double below = distribution.Cdf(low);
+  return below < 0.5 ? distribution.Cdf(high) - below
+                     : distribution.Complement(low) - distribution.Complement(high);
 }
 
 // Index by index over the boundaries: the first bin open below, the last above.
-std::vector<double> Probabilities(const Law& law, const Boundaries& boundaries) {
+std::vector<double> Probabilities(const SpecifiedDistribution& distribution, const Boundaries& boundaries) {
   std::vector<double> probabilities;
   const std::size_t last = boundaries.size() - 1;
   if (last == 0) return {1.0};
-  probabilities.push_back(law.Cdf(boundaries[0]));
+  probabilities.push_back(distribution.Cdf(boundaries[0]));
   for (std::size_t i = 1; i < last; ++i)
-    probabilities.push_back(Probability(law, boundaries[i - 1], boundaries[i]));
-  probabilities.push_back(law.Complement(boundaries[last - 1]));
+    probabilities.push_back(Probability(distribution, boundaries[i - 1], boundaries[i]));
+  probabilities.push_back(distribution.Complement(boundaries[last - 1]));
   return probabilities;
 }
 
@@ -165,12 +167,12 @@ std::size_t MiddleOf(std::span<const ChiSquareBin> bins) {
 std::vector<ChiSquareBin> ChiSquareBins(const DistributionSpecification& fit, std::span<const double> sorted,
                                         ChiSquareBinning binning) {
   const double offset = HasOffset(fit.code) && !IsNotSet(fit.offset) ? fit.offset : 0.0;
-  const Law law(fit.code, fit.values, 0.0);
-  if (sorted.empty() || !law.IsValid() || !std::isfinite(offset)) return {};
+  const SpecifiedDistribution distribution(fit.code, fit.values, 0.0);
+  if (sorted.empty() || !distribution.IsValid() || !std::isfinite(offset)) return {};
   const Boundaries boundaries =
-      BoundariesOf(fit, law, sorted.front() - offset, sorted.back() - offset, binning);
+      BoundariesOf(fit, distribution, sorted.front() - offset, sorted.back() - offset, binning);
   if (!AreIncreasing(boundaries)) return {};
-  const std::vector<double> probabilities = Probabilities(law, boundaries);
+  const std::vector<double> probabilities = Probabilities(distribution, boundaries);
 
   std::vector<ChiSquareBin> bins;
   const auto n = static_cast<double>(sorted.size());

@@ -6,7 +6,7 @@
 #include <numeric>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -19,12 +19,12 @@ DistributionFit FitOf(DistributionCode code, std::vector<double> values, double 
   return fit;
 }
 
-// The quantiles at (i - 1/2) / n: data that a fit of the same law meets.
+// The quantiles at (i - 1/2) / n: data that a fit of the same distribution meets.
 std::vector<double> QuantilesOf(const DistributionFit& fit, std::size_t n) {
-  const Law law(fit.specification);
+  const SpecifiedDistribution distribution(fit.specification);
   std::vector<double> data;
   for (std::size_t i = 0; i < n; ++i)
-    data.push_back(law.Quantile((static_cast<double>(i) + 0.5) / static_cast<double>(n)));
+    data.push_back(distribution.Quantile((static_cast<double>(i) + 0.5) / static_cast<double>(n)));
   return data;
 }
 

@@ -8,7 +8,7 @@
 #include <sstream>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/estimation.h"
 
 namespace brenvolt::sra {
@@ -128,7 +128,8 @@ double AndersonDarlingTolerance(const DistributionFit& fit, const Sample& sample
                                 const Tolerance& tolerance) {
   constexpr double kLeastProbability = 0x1p-53;
   constexpr double kClamped = 0.01;
-  const bool clamped = Law(fit.specification).Cdf(sample.sorted.front()) < kLeastProbability;
+  const bool clamped =
+      SpecifiedDistribution(fit.specification).Cdf(sample.sorted.front()) < kLeastProbability;
   const double relative = clamped ? kClamped : tolerance.andersonDarling;
   return relative * std::max(1.0, reference.andersonDarling.statistic);
 }

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
@@ -20,8 +20,8 @@ namespace brenvolt::sra {
 namespace {
 
 // The bounds of a number of mixture components.
-constexpr std::int32_t kFewestMixtures = 2;
-constexpr std::int64_t kMostMixtures = 20;
+constexpr auto kFewestMixtures = static_cast<std::int32_t>(kMinimumMixtures);
+constexpr auto kMostMixtures = static_cast<std::int64_t>(kMaximumMixtures);
 constexpr std::int64_t kCasesPerMixture = 2;
 
 using Values = std::vector<double>;
@@ -76,7 +76,7 @@ DistributionFit RunStep(DistributionCode code, double offset, const EstimationIn
   fit.covariance = std::move(estimate.covariance);
   fit.estimatedParameters = estimate.estimatedParameters;
   const double logLikelihood = IsNotSet(estimate.logLikelihood)
-                                   ? Law(fit.specification).LogLikelihood(input.sorted)
+                                   ? SpecifiedDistribution(fit.specification).LogLikelihood(input.sorted)
                                    : estimate.logLikelihood;
   fit.logLikelihood = std::isfinite(logLikelihood) ? logLikelihood : kNotSet;
   return fit;

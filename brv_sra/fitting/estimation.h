@@ -29,7 +29,7 @@ struct SortedSample {
 using Poll = std::function<void()>;
 
 // The estimate of one distribution: values in catalogue order, log-likelihood, and standard errors with
-// covariance where the table at the definition says so; no tests. The triangular log-likelihood leaves out
+// covariance where the distribution has them; no tests. The triangular log-likelihood leaves out
 // the values at the extremes; any other is kNotSet where a value lies outside the fitted support.
 // Throws NumericalException when the Johnson fit from percentiles fails.
 DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,

@@ -8,7 +8,7 @@
 #include <fstream>
 #include <random>
 
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/error.h"
 #include "host/numeric/estimation/standard_errors.h"
 
@@ -97,9 +97,9 @@ TEST(Estimation, LogLikelihoodIsTheSumOfTheLogDensities) {
     const Data& data = i < kContinuousCount ? continuous : discrete;
     const DistributionFit fit = Fit(code, data, 0.05);
     ASSERT_TRUE(fit.IsValid()) << i;
-    const Law law(fit.specification);
+    const SpecifiedDistribution distribution(fit.specification);
     long double sum = 0;
-    for (const double x : data.values) sum += law.LogDensity(x);
+    for (const double x : data.values) sum += distribution.LogDensity(x);
     EXPECT_NEAR(fit.logLikelihood, static_cast<double>(sum), 1e-11 * std::abs(static_cast<double>(sum))) << i;
     EXPECT_EQ(fit.Aic(), 2 * (fit.estimatedParameters - fit.logLikelihood));
   }
@@ -240,9 +240,9 @@ TEST(Estimation, FitOutsideItsOwnSupportHasNoLogLikelihood) {
     values[i] = i % 10 == 0 ? 1 + 0.001 * double(i) : 0.01 * double(i % 7);
   const DistributionFit fit = Fit(Code::kJohnson, Data(values));
   if (fit.IsValid()) {
-    const Law law(fit.specification);
+    const SpecifiedDistribution distribution(fit.specification);
     bool isInside = true;
-    for (const double x : values) isInside = isInside && std::isfinite(law.LogDensity(x));
+    for (const double x : values) isInside = isInside && std::isfinite(distribution.LogDensity(x));
     EXPECT_EQ(IsNotSet(fit.logLikelihood), !isInside);
     EXPECT_EQ(IsNotSet(fit.Aic()), !isInside);
   }

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/anderson_darling.h"
 #include "brv_sra/fitting/chi_square.h"
 
@@ -21,8 +21,8 @@ double OffsetOf(const DistributionSpecification& fit) {
 void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
   constexpr std::size_t kBlock = 2048;
   const double offset = OffsetOf(fit.specification);
-  const Law law(fit.specification.code, fit.specification.values, 0.0);
-  if (!law.IsValid() || !std::isfinite(offset)) return;
+  const SpecifiedDistribution distribution(fit.specification.code, fit.specification.values, 0.0);
+  if (!distribution.IsValid() || !std::isfinite(offset)) return;
   std::array<double, kBlock> buffer;
   KolmogorovSmirnovDistance distance(sorted.size());
   AndersonDarlingSum sum(sorted.size());
@@ -30,7 +30,7 @@ void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
     const auto x = sorted.subspan(begin, std::min(kBlock, sorted.size() - begin));
     const std::span<double> z(buffer.data(), x.size());
     for (std::size_t i = 0; i < x.size(); ++i) z[i] = x[i] - offset;
-    law.Cdf(z, z);
+    distribution.Cdf(z, z);
     for (const double p : z) distance.Feed(p, p);
     sum.Add(z);
   }
@@ -40,8 +40,8 @@ void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
 }
 
 void TestDiscrete(DistributionFit& fit, std::span<const double> sorted) {
-  const Law law(fit.specification);
-  if (!law.IsValid()) return;
+  const SpecifiedDistribution distribution(fit.specification);
+  if (!distribution.IsValid()) return;
   ComputeKolmogorovSmirnovTest(TypeOf(fit.specification.code).facts.testCode, fit.specification.values,
                                sorted, fit.kolmogorovSmirnov.statistic);
 }

@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/numeric/random/random_stream.h"
 
 namespace brenvolt::sra {

@@ -6,7 +6,7 @@
 
 #include "brv_sra/simulation/reference_generator_test.h"
 #include "brv_sra/simulation/sample_generation.h"
-#include "brv_sra/simulation/sampled_laws_test.h"
+#include "brv_sra/simulation/sampled_distributions_test.h"
 #include "host/analysis/headless_user_interface.h"
 
 namespace brenvolt::sra {

@@ -120,7 +120,7 @@ Bounds BernoulliBounds(const Source& /*s*/) {
 }
 
 void FillLevels(const Source& s, In first, In /*second*/, Out out) {
-  Law(DistributionCode::kHistogram, s.values, 0.0).Quantile(first, out);
+  SpecifiedDistribution(DistributionCode::kHistogram, s.values, 0.0).Quantile(first, out);
 }
 Bounds LevelBounds(const Source& s) {
   Bounds bounds{s.values[0], s.values[0]};

@@ -6,8 +6,8 @@
 #include <optional>
 #include <span>
 
-#include "brv_sra/distributions/law.h"
 #include "brv_sra/distributions/specification.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/simulation/discrete_table.h"
 
 namespace brenvolt::sra {

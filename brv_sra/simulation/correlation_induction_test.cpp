@@ -10,7 +10,7 @@
 
 #include "brv_sra/simulation/reference_generator_test.h"
 #include "brv_sra/simulation/sample_generation.h"
-#include "brv_sra/simulation/sampled_laws_test.h"
+#include "brv_sra/simulation/sampled_distributions_test.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
@@ -156,7 +156,7 @@ struct Induction : testing::Test {
 };
 
 TEST_F(Induction, AgreesWithTheMethodStepByStep) {
-  design.variables = SampledLaws();
+  design.variables = SampledDistributions();
   design.excluded = {3, 11};
   const std::size_t k = design.variables.size() - 2;
   const Matrix target = RandomTarget(k, 4);

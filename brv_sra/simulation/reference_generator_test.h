@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/numeric/distributions/binomial.h"
 #include "host/numeric/distributions/poisson.h"
@@ -95,7 +95,7 @@ inline Table MakeTable(const DistributionSpecification& s) {
 
 struct Variable {
   DistributionSpecification s;
-  Law law;
+  SpecifiedDistribution distribution;
   double offset;
   double pLo = 0;
   double pHi = 1;
@@ -104,16 +104,18 @@ struct Variable {
   Table table;
 
   Variable(const DistributionSpecification& specification, bool truncate, ParameterSource source)
-      : s(specification), law(specification), offset(IsNotSet(s.offset) ? 0 : s.offset) {
+      : s(specification), distribution(specification), offset(IsNotSet(s.offset) ? 0 : s.offset) {
     if (truncate) {
       pLo = 0.005;
       pHi = 0.995;
-      lo = law.Quantile(0.005);
-      hi = law.Quantile(0.995);
+      lo = distribution.Quantile(0.005);
+      hi = distribution.Quantile(0.995);
     }
     if (source == ParameterSource::kUserSpecified) {
-      if (s.truncateBelow && law.Cdf(s.truncationMinimum) > pLo) pLo = law.Cdf(s.truncationMinimum);
-      if (s.truncateAbove && law.Cdf(s.truncationMaximum) < pHi) pHi = law.Cdf(s.truncationMaximum);
+      if (s.truncateBelow && distribution.Cdf(s.truncationMinimum) > pLo)
+        pLo = distribution.Cdf(s.truncationMinimum);
+      if (s.truncateAbove && distribution.Cdf(s.truncationMaximum) < pHi)
+        pHi = distribution.Cdf(s.truncationMaximum);
       if (s.truncateBelow) lo = std::max(lo, s.truncationMinimum);
       if (s.truncateAbove) hi = std::min(hi, s.truncationMaximum);
     }
@@ -125,7 +127,7 @@ struct Variable {
   double Inverse(double p) const {
     if (p <= 0 || p < pLo) p = pLo > 0 ? pLo : 0x1p-54 * pHi;
     if (p > 1 - 0x1p-53 && pLo < 1 - 0x1p-53) p = 1 - 0x1p-53;
-    const double x = law.Quantile(std::min(p, pHi));
+    const double x = distribution.Quantile(std::min(p, pHi));
     if (x >= lo && x <= hi) return x;
     if (IsContinuous(s.code)) return x < lo ? lo : hi;
     if (s.code != DistributionCode::kHistogram) return x < lo ? std::ceil(lo) : std::floor(hi);
@@ -164,7 +166,7 @@ struct Variable {
       case DistributionCode::kBernoulli:
         return rnd_(0) < v[0] ? 1 : 0;
       case DistributionCode::kHistogram:
-        return law.Quantile(rnd_(0));
+        return distribution.Quantile(rnd_(0));
       default:
         return table.Lookup(rnd_(0));
     }

@@ -10,7 +10,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/simulation/discrete_table.h"
 #include "brv_sra/simulation/reference_generator_test.h"
-#include "brv_sra/simulation/sampled_laws_test.h"
+#include "brv_sra/simulation/sampled_distributions_test.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/variable_sampler.h"
 #include "host/analysis/analysis_memory.h"
@@ -55,8 +55,8 @@ struct Generation : testing::Test {
 TEST_F(Generation, FastEngineGivesTheBitsOfOneDrawAfterAnother) {
   for (const Truncation& truncation : kTruncations) {
     design.variables.clear();
-    for (const SimulationVariable& law : SampledLaws())
-      design.variables.push_back(Truncated(law, truncation));
+    for (const SimulationVariable& distribution : SampledDistributions())
+      design.variables.push_back(Truncated(distribution, truncation));
     design.excluded = {2};
     design.truncate = truncation.band;
     for (const bool latinHypercube : {false, true}) {
@@ -113,19 +113,21 @@ TEST_F(Generation, ExcludedVariableStaysZeroAndDrawsNothing) {
 
 // P(X <= x) of the values that a method draws. Inversion takes the range of probabilities; rejection the
 // range of values, the lower end included.
-double CdfOf(const VariableSampler& sampler, const Law& law, bool byInversion, double x) {
-  const double low = byInversion
-                         ? sampler.LowerProbability()
-                         : law.Cdf(std::nextafter(std::max(sampler.LowestValue(), -1e300), -INFINITY));
-  const double high = byInversion ? sampler.UpperProbability() : law.Cdf(sampler.HighestValue());
-  return std::clamp((law.Cdf(x) - low) / (high - low), 0.0, 1.0);
+double CdfOf(const VariableSampler& sampler, const SpecifiedDistribution& distribution, bool byInversion,
+             double x) {
+  const double low =
+      byInversion ? sampler.LowerProbability()
+                  : distribution.Cdf(std::nextafter(std::max(sampler.LowestValue(), -1e300), -INFINITY));
+  const double high = byInversion ? sampler.UpperProbability() : distribution.Cdf(sampler.HighestValue());
+  return std::clamp((distribution.Cdf(x) - low) / (high - low), 0.0, 1.0);
 }
 
-double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampler, const Law& law) {
+double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampler,
+                        const SpecifiedDistribution& distribution) {
   SortAscending(sample);
   const auto n = static_cast<double>(sample.size());
   std::vector<double> cdf(sample.size());
-  law.Cdf(sample, cdf);
+  distribution.Cdf(sample, cdf);
   const double low = sampler.LowerProbability();
   double d = 0;
   for (std::size_t i = 0; i < cdf.size(); ++i) {
@@ -138,10 +140,10 @@ double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampl
 
 // Over bins of equal probability within the range.
 double ChiSquarePValueOfBins(const std::vector<double>& sample, const VariableSampler& sampler,
-                             const Law& law) {
+                             const SpecifiedDistribution& distribution) {
   constexpr std::size_t kBins = 200;
   std::vector<double> cdf(sample.size());
-  law.Cdf(sample, cdf);
+  distribution.Cdf(sample, cdf);
   std::array<double, kBins> counts{};
   const double low = sampler.LowerProbability();
   for (const double f : cdf) {
@@ -155,8 +157,8 @@ double ChiSquarePValueOfBins(const std::vector<double>& sample, const VariableSa
 }
 
 // Neighbouring values are pooled until 20 are expected. Zero when a value is drawn that cannot be.
-double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler& sampler, const Law& law,
-                       bool byInversion) {
+double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler& sampler,
+                       const SpecifiedDistribution& distribution, bool byInversion) {
   std::map<double, double> counts;
   for (const double x : sample) ++counts[x];
   const auto n = static_cast<double>(sample.size());
@@ -165,8 +167,8 @@ double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler&
   double seen = 0;
   double before = 0;
   for (double x = std::floor(counts.begin()->first); x <= counts.rbegin()->first; ++x) {
-    const double below = CdfOf(sampler, law, byInversion, x - 1);
-    const double here = CdfOf(sampler, law, byInversion, x);
+    const double below = CdfOf(sampler, distribution, byInversion, x - 1);
+    const double here = CdfOf(sampler, distribution, byInversion, x);
     const auto count = counts.find(x);
     if (count != counts.end()) {
       if (here <= below) return 0;
@@ -183,20 +185,20 @@ double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler&
   return cells > 1 ? ChiSquareTail(statistic, cells - 1) : 1;
 }
 
-TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
+TEST_F(Generation, SamplesFollowTheirDistributionUnderBothMethodsTruncatedOrNot) {
   for (const Truncation& truncation : {kTruncations[0], kTruncations[2], kTruncations[3]}) {
-    for (const SimulationVariable& plain : SampledLaws()) {
+    for (const SimulationVariable& plain : SampledDistributions()) {
       for (const bool latinHypercube : {false, true}) {
         design.truncate = truncation.band;
         design.variables = {Truncated(plain, truncation)};
         const DistributionSpecification& specification = design.variables[0].specification;
         const auto sample = Generate(MethodOf(latinHypercube), 5, 1'000'000);
         const VariableSampler sampler(specification, truncation.band);
-        const Law law(specification);
+        const SpecifiedDistribution distribution(specification);
         const double p = IsContinuous(specification.code)
-                             ? std::min(KolmogorovPValue(sample, sampler, law),
-                                        ChiSquarePValueOfBins(sample, sampler, law))
-                             : ChiSquarePValue(sample, sampler, law, latinHypercube);
+                             ? std::min(KolmogorovPValue(sample, sampler, distribution),
+                                        ChiSquarePValueOfBins(sample, sampler, distribution))
+                             : ChiSquarePValue(sample, sampler, distribution, latinHypercube);
         EXPECT_GT(p, 1e-6) << DisplayName(specification.code) << ", " << truncation.name << ", hypercube "
                            << latinHypercube;
       }
@@ -207,16 +209,16 @@ TEST_F(Generation, SamplesFollowTheirLawUnderBothMethodsTruncatedOrNot) {
 TEST_F(Generation, LatinHypercubeHoldsOneValuePerStratum) {
   constexpr int kStrata = 1000;
   for (const Truncation& truncation : kTruncations) {
-    for (const SimulationVariable& plain : SampledLaws()) {
+    for (const SimulationVariable& plain : SampledDistributions()) {
       if (!IsContinuous(plain.specification.code)) continue;
       design.truncate = truncation.band;
       design.variables = {Truncated(plain, truncation)};
       auto sample = Generate(SimulationMethod::kLatinHypercube, 5, kStrata);
       const VariableSampler sampler(design.variables[0].specification, truncation.band);
-      const Law law(design.variables[0].specification);
+      const SpecifiedDistribution distribution(design.variables[0].specification);
       SortAscending(sample);
       for (int i = 0; i < kStrata; ++i) {
-        const double f = CdfOf(sampler, law, true, sample[static_cast<std::size_t>(i)]) * kStrata;
+        const double f = CdfOf(sampler, distribution, true, sample[static_cast<std::size_t>(i)]) * kStrata;
         ASSERT_NEAR(f, i + 0.5, 0.5 + 1e-6)
             << DisplayName(plain.specification.code) << ", " << truncation.name;
       }
@@ -256,7 +258,9 @@ TEST_F(Generation, DeepUpperLimitSpreadsTheValuesBelowIt) {
       specification.truncateAbove = true;
       specification.truncationMaximum = limit;
       const auto sample = Generate(MethodOf(latinHypercube), 5, 100'000);
-      EXPECT_GT(KolmogorovPValue(sample, VariableSampler(specification, false), Law(specification)), 1e-6)
+      EXPECT_GT(KolmogorovPValue(sample, VariableSampler(specification, false),
+                                 SpecifiedDistribution(specification)),
+                1e-6)
           << DisplayName(specification.code) << " below " << limit << ", hypercube " << latinHypercube;
     }
   }
@@ -373,7 +377,7 @@ TEST(DiscreteTable, ReproducesItsProbabilities) {
       {kGeometric, {0.01}}};
   for (const auto& [code, values] : cases) {
     const auto variable = VariableOf(code, values);
-    const Law law(variable.specification);
+    const SpecifiedDistribution distribution(variable.specification);
     const auto table = DiscreteTable::Of(variable.specification);
     ASSERT_TRUE(table.has_value()) << DisplayName(code) << ' ' << values[0];
     constexpr int kDraws = 1 << 20;
@@ -381,7 +385,7 @@ TEST(DiscreteTable, ReproducesItsProbabilities) {
     for (int i = 0; i < kDraws; ++i) share[table->Lookup((i + 0.5) / kDraws)] += 1.0 / kDraws;
     double total = 0;
     for (const auto& [value, measured] : share) {
-      EXPECT_NEAR(measured, law.Density(value), 1e-4)
+      EXPECT_NEAR(measured, distribution.Density(value), 1e-4)
           << DisplayName(code) << ' ' << values[0] << " at " << value;
       total += measured;
     }
@@ -391,7 +395,7 @@ TEST(DiscreteTable, ReproducesItsProbabilities) {
   }
 }
 
-TEST(DiscreteTable, IsRefusedWhereThirtyBitsDoNotCarryTheLaw) {
+TEST(DiscreteTable, IsRefusedWhereThirtyBitsDoNotCarryTheDistribution) {
   using enum DistributionCode;
   for (const auto& [code, value] : {std::pair{kPoisson, 1e10}, {kGeometric, 1e-7}, {kGeometric, 1e-12}}) {
     const auto variable = VariableOf(code, {value});
@@ -399,7 +403,7 @@ TEST(DiscreteTable, IsRefusedWhereThirtyBitsDoNotCarryTheLaw) {
     const VariableSampler sampler(variable.specification, false);
     std::vector<double> values(5);
     EXPECT_EQ(sampler.DrawInOrder(RandomStream(1), 0, values), 5U) << "inverted, one draw each";
-    EXPECT_EQ(values[4], Law(variable.specification).Quantile(RandomStream(1).Uniform(4)));
+    EXPECT_EQ(values[4], SpecifiedDistribution(variable.specification).Quantile(RandomStream(1).Uniform(4)));
   }
 }
 

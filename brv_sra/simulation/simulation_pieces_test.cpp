@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "brv_sra/simulation/sampled_laws_test.h"
+#include "brv_sra/simulation/sampled_distributions_test.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/analysis/analysis_memory.h"
@@ -21,11 +21,11 @@ struct Pieces : testing::Test {
   HeadlessUserInterface userInterface;
   SimulationDesign design;
 
-  // All laws, one of them left out; more cells than a piece holds.
-  void UseAllLaws(const Truncation& truncation) {
+  // All distributions, one of them left out; more cells than a piece holds.
+  void UseAllDistributions(const Truncation& truncation) {
     design = {};
-    for (const SimulationVariable& law : SampledLaws()) {
-      design.variables.push_back(Truncated(law, truncation));
+    for (const SimulationVariable& distribution : SampledDistributions()) {
+      design.variables.push_back(Truncated(distribution, truncation));
       design.variables.back().name = "v" + std::to_string(design.variables.size());
     }
     design.truncate = truncation.band;
@@ -51,7 +51,7 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
   for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
     for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
       SCOPED_TRACE(testing::Message() << truncation.name << ", method " << static_cast<int>(method));
-      UseAllLaws(truncation);
+      UseAllDistributions(truncation);
       design.method = method;
       const SimulationRun whole = *RunSimulation(design, true, kSeed, userInterface);
       const std::uint64_t end = ProcessStreamPosition();
@@ -86,13 +86,13 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
 }
 
 TEST_F(Pieces, FailuresNameTheVariableAndLeaveNothing) {
-  UseAllLaws(kTruncations[0]);
+  UseAllDistributions(kTruncations[0]);
   design.variables[4].specification.values[0] = -1;
   const auto run = ByCases([](const Spreadsheet&) { ADD_FAILURE() << "a piece of a failed run"; });
   EXPECT_EQ(run.Reason().identifier, FaultIdentifier::kTruncationNotSampled);
   EXPECT_EQ(run.Reason().about, "v5");
 
-  UseAllLaws(kTruncations[0]);
+  UseAllDistributions(kTruncations[0]);
   design.method = SimulationMethod::kLatinHypercube;
   LimitAnalysisAllocations(3);
   EXPECT_THROW((void)ByCases([](const Spreadsheet&) {}), std::bad_alloc);
@@ -101,7 +101,7 @@ TEST_F(Pieces, FailuresNameTheVariableAndLeaveNothing) {
 }
 
 TEST_F(Pieces, AFullTargetEndsTheRun) {
-  UseAllLaws(kTruncations[0]);
+  UseAllDistributions(kTruncations[0]);
   EXPECT_THROW((void)ByColumns([](std::size_t, std::span<const double>) { throw Error("full"); }), Error);
   EXPECT_THROW((void)ByCases([](const Spreadsheet&) { throw Error("full"); }), Error);
 }

@@ -49,12 +49,12 @@ double LastUpTo(const DistributionSpecification& specification, double limit) {
 VariableSampler::VariableSampler(const DistributionSpecification& specification, bool truncate,
                                  ParameterSource source)
     : specification_(specification),
-      law_(specification_),
+      distribution_(specification_),
       lowest_(-kUnbounded),
       highest_(kUnbounded),
       leastValue_(-kUnbounded),
       mostValue_(kUnbounded) {
-  if (!law_.IsValid()) return;
+  if (!distribution_.IsValid()) return;
   SetRanges(truncate, source);
   valid_ = HasValues();
   if (!valid_) return;
@@ -65,15 +65,15 @@ void VariableSampler::SetRanges(bool truncate, ParameterSource source) {
   if (truncate) {
     lowerProbability_ = kTruncatedLower;
     upperProbability_ = kTruncatedUpper;
-    lowest_ = law_.Quantile(kTruncatedLower);
-    highest_ = law_.Quantile(kTruncatedUpper);
+    lowest_ = distribution_.Quantile(kTruncatedLower);
+    highest_ = distribution_.Quantile(kTruncatedUpper);
   }
   if (source == ParameterSource::kUserSpecified && specification_.truncateBelow) {
-    lowerProbability_ = std::max(lowerProbability_, law_.Cdf(specification_.truncationMinimum));
+    lowerProbability_ = std::max(lowerProbability_, distribution_.Cdf(specification_.truncationMinimum));
     lowest_ = specification_.truncationMinimum <= lowest_ ? lowest_ : specification_.truncationMinimum;
   }
   if (source == ParameterSource::kUserSpecified && specification_.truncateAbove) {
-    upperProbability_ = std::min(upperProbability_, law_.Cdf(specification_.truncationMaximum));
+    upperProbability_ = std::min(upperProbability_, distribution_.Cdf(specification_.truncationMaximum));
     highest_ = specification_.truncationMaximum >= highest_ ? highest_ : specification_.truncationMaximum;
   }
   leastProbability_ = lowerProbability_ > 0 ? lowerProbability_ : kMiddleOfZero * upperProbability_;
@@ -86,15 +86,16 @@ void VariableSampler::SetRanges(bool truncate, ParameterSource source) {
 bool VariableSampler::HasValues() const {
   // Not so where a limit is NaN. Of a discrete type, limits between two neighbouring values leave none.
   if (!(leastValue_ <= mostValue_)) return false;
-  if (IsSentinel(law_.Quantile(0.5))) return false;
+  if (IsSentinel(distribution_.Quantile(0.5))) return false;
   if (!(leastProbability_ <= mostProbability_) || upperProbability_ <= 0) return false;
   // Beyond the last value whose probability a double tells from 1, nothing is left.
-  if (!(law_.Quantile(leastProbability_) < std::numeric_limits<double>::infinity())) return false;
-  return IsContinuous(specification_.code) || law_.Quantile(mostProbability_) >= lowest_;
+  if (!(distribution_.Quantile(leastProbability_) < std::numeric_limits<double>::infinity())) return false;
+  return IsContinuous(specification_.code) || distribution_.Quantile(mostProbability_) >= lowest_;
 }
 
 double VariableSampler::LargestMagnitude() const {
-  return std::max(std::abs(law_.Quantile(leastProbability_)), std::abs(law_.Quantile(mostProbability_)));
+  return std::max(std::abs(distribution_.Quantile(leastProbability_)),
+                  std::abs(distribution_.Quantile(mostProbability_)));
 }
 
 void VariableSampler::Invert(std::span<double> probabilities) const {
@@ -106,7 +107,7 @@ void VariableSampler::Invert(std::span<double> probabilities) const {
 }
 
 void VariableSampler::InvertInside(std::span<double> probabilities) const {
-  law_.Quantile(probabilities, probabilities);
+  distribution_.Quantile(probabilities, probabilities);
   if (leastValue_ > -kUnbounded)
     for (double& x : probabilities) x = x < leastValue_ ? leastValue_ : x;
   if (mostValue_ < kUnbounded)

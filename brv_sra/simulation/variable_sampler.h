@@ -12,7 +12,7 @@
 #include <optional>
 #include <span>
 
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/simulation/candidates.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/base/cancellation.h"
@@ -79,7 +79,7 @@ class VariableSampler {
   void InvertInside(std::span<double> probabilities) const;
 
   DistributionSpecification specification_;
-  Law law_;  // views specification_
+  SpecifiedDistribution distribution_;  // views specification_
   std::optional<Candidates> candidates_;
   bool valid_ = false;
   double lowerProbability_ = 0;

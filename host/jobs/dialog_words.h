@@ -3,7 +3,6 @@
 // members.
 #pragma once
 
-#include <array>
 #include <string>
 #include <string_view>
 #include <vector>

@@ -7,7 +7,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/curve_formulas.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/dialogs/fit_documents.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -94,9 +94,9 @@ GraphTexts PointTexts(const VariableFit& variable, const DistributionFit& fit, s
 Graph MakeProbabilityPlot(const VariableFit& variable, const DistributionFit& fit,
                           std::span<const double> sorted) {
   RequireValid(variable, fit);
-  const Law law(fit.specification);
+  const SpecifiedDistribution distribution(fit.specification);
   return ProbabilityPlot(
-      sorted, [&law](std::span<const double> x, std::span<double> p) { law.Cdf(x, p); },
+      sorted, [&distribution](std::span<const double> x, std::span<double> p) { distribution.Cdf(x, p); },
       PointTexts(variable, fit, kTitleProbabilityPlotOf, kAxisTheoreticalProbability,
                  kAxisObservedProbability));
 }
@@ -104,9 +104,10 @@ Graph MakeProbabilityPlot(const VariableFit& variable, const DistributionFit& fi
 Graph MakeQuantilePlot(const VariableFit& variable, const DistributionFit& fit,
                        std::span<const double> sorted) {
   RequireValid(variable, fit);
-  const Law law(fit.specification);
+  const SpecifiedDistribution distribution(fit.specification);
   return QuantilePlot(
-      sorted, [&law](std::span<const double> p, std::span<double> x) { law.Quantile(p, x); },
+      sorted,
+      [&distribution](std::span<const double> p, std::span<double> x) { distribution.Quantile(p, x); },
       PointTexts(variable, fit, kTitleQuantilePlotOf, kAxisTheoreticalQuantile, kAxisObservedQuantile));
 }
 

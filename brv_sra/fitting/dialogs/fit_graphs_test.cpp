@@ -1,4 +1,4 @@
-// The graphs of a fit: classes that hold all values, and curves and points that are the law's own.
+// The graphs of a fit: classes that hold all values, and curves and points that are the distribution's own.
 #include "brv_sra/fitting/dialogs/fit_graphs.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@
 #include <cmath>
 #include <numeric>
 
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/error.h"
 #include "host/formula/curve.h"
 
@@ -35,7 +35,7 @@ const std::vector<double> kLives{1.2, 1.5, 2, 2, 2.25, 2.5, 3, 3.75, 4, 6.5};
 const std::vector<double> kCounts{0, 0, 0, 1, 1, 2, 2, 2, 3, 5};
 
 // Every type, shifted and not; discrete ones at whole numbers.
-TEST(FitGraphs, CurvesOfEveryTypeAreThoseOfTheLaw) {
+TEST(FitGraphs, CurvesOfEveryTypeAreThoseOfTheDistribution) {
   const DistributionFit fits[] = {Fit(kNormal, {3, 1.5}),
                                   Fit(kLogNormal, {1, 0.5}, 0.5),
                                   Fit(kFoldedNormal, {2, 1.5}, 1),
@@ -57,7 +57,7 @@ TEST(FitGraphs, CurvesOfEveryTypeAreThoseOfTheLaw) {
     const auto& values = continuous ? kLives : kCounts;
     const double n = static_cast<double>(values.size());
     const VariableFit variable = Named(continuous);
-    const Law law(fit.specification);
+    const SpecifiedDistribution distribution(fit.specification);
     const auto plot = [&](FitPlot kind) { return MakeFitPlot(kind, variable, fit, values); };
     const Graph histogram = plot(FitPlot::kHistogram);
     const double width = histogram.bars[0].bounds[1] - histogram.bars[0].bounds[0];
@@ -69,9 +69,9 @@ TEST(FitGraphs, CurvesOfEveryTypeAreThoseOfTheLaw) {
     for (const double x : values) {
       if (x > last) break;
       const int code = static_cast<int>(fit.specification.code);
-      EXPECT_NEAR(density.At(x), n * width * law.Density(x), 1e-11 * n) << code << " at " << x;
-      EXPECT_NEAR(cumulative.At(x), n * law.Cdf(x), 1e-11 * n) << code << " at " << x;
-      EXPECT_NEAR(probability.At(x), law.Cdf(x), 1e-11) << code << " at " << x;
+      EXPECT_NEAR(density.At(x), n * width * distribution.Density(x), 1e-11 * n) << code << " at " << x;
+      EXPECT_NEAR(cumulative.At(x), n * distribution.Cdf(x), 1e-11 * n) << code << " at " << x;
+      EXPECT_NEAR(probability.At(x), distribution.Cdf(x), 1e-11) << code << " at " << x;
     }
     EXPECT_EQ(histogram.curves[0].wholeNumbers, !continuous);
   }
@@ -116,14 +116,14 @@ TEST(FitGraphs, ClassesHoldEveryValueOnce) {
 
 TEST(FitGraphs, PointsPairTheoryWithObservation) {
   const DistributionFit fit = Fit(kWeibull, {3, 1.7}, 0.25);
-  const Law law(fit.specification);
+  const SpecifiedDistribution distribution(fit.specification);
   const Graph pp = MakeFitPlot(FitPlot::kProbabilityPlot, Named(true), fit, kLives);
   const Graph qq = MakeFitPlot(FitPlot::kQuantilePlot, Named(true), fit, kLives);
   for (std::size_t i = 0; i < kLives.size(); ++i) {
     const double position = (static_cast<double>(i) + 0.5) / 10;
-    EXPECT_NEAR(pp.series[0].x[i], law.Cdf(kLives[i]), 1e-14);
+    EXPECT_NEAR(pp.series[0].x[i], distribution.Cdf(kLives[i]), 1e-14);
     EXPECT_NEAR(pp.series[0].y[i], position, 1e-15);
-    EXPECT_NEAR(qq.series[0].x[i], law.Quantile(position), 1e-12);
+    EXPECT_NEAR(qq.series[0].x[i], distribution.Quantile(position), 1e-12);
     EXPECT_EQ(qq.series[0].y[i], kLives[i]);
   }
   EXPECT_EQ(qq.title, "Q-Q Plot of life");

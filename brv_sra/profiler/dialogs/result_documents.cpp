@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/dialogs/fit_documents.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/ranking.h"
@@ -115,11 +115,11 @@ const DistributionFit* BestInsteadOfNormal(const VariableFit& fit) {
 }
 
 PercentileCapability PercentilesOf(const DistributionFit& fit, const SpecificationLimits& limits) {
-  const Law law(fit.specification);
-  return AnalysePercentiles(
-      {[&law](double p) { return law.Quantile(p); }, [&law](double x) { return law.Cdf(x); },
-       [&law](double x) { return law.Complement(x); }},
-      limits);
+  const SpecifiedDistribution distribution(fit.specification);
+  return AnalysePercentiles({[&distribution](double p) { return distribution.Quantile(p); },
+                             [&distribution](double x) { return distribution.Cdf(x); },
+                             [&distribution](double x) { return distribution.Complement(x); }},
+                            limits);
 }
 
 // The distribution that a row is of: a text in the rows by percentiles.

@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "host/analysis/response_columns.h"
 #include "host/analysis/result_columns.h"
 #include "host/base/error.h"
@@ -31,15 +31,15 @@ struct NoProgress : ProgressPort {
   bool IsExternallyCancelled() override { return false; }
 };
 
-// The quantiles of a law at evenly spread probabilities, in an order that hides it; `step` has no divisor in
-// common with `count`.
+// The quantiles of a distribution at evenly spread probabilities, in an order that hides it; `step` has no
+// divisor in common with `count`.
 std::vector<double> Quantiles(DistributionCode code, std::vector<double> values, std::size_t count,
                               std::size_t step) {
-  const Law law(code, values, 0);
+  const SpecifiedDistribution distribution(code, values, 0);
   std::vector<double> quantiles(count);
   for (std::size_t i = 0; i < count; ++i) {
     const double rank = static_cast<double>((i * step) % count) + 0.5;
-    quantiles[i] = law.Quantile(rank / static_cast<double>(count));
+    quantiles[i] = distribution.Quantile(rank / static_cast<double>(count));
   }
   return quantiles;
 }
@@ -83,7 +83,7 @@ TEST(CapabilityDocument, NormalResponseHasNoIndicesByPercentiles) {
   const auto table = CapabilityOf(values, {4, 19, 10});
   EXPECT_EQ(table->Title(), "Process capability of Y");
   EXPECT_GE(Cell(*table, rows::kNormalPValue), 0.05);
-  // The quantiles of 2000 evenly spread probabilities scatter a little less than their law.
+  // The quantiles of 2000 evenly spread probabilities scatter a little less than their distribution.
   EXPECT_NEAR(Cell(*table, rows::kPpl), 1, 2e-3);
   EXPECT_NEAR(Cell(*table, rows::kPpu), 1.5, 3e-3);
   EXPECT_NEAR(Cell(*table, rows::kPp), 1.25, 3e-3);
@@ -97,8 +97,8 @@ TEST(CapabilityDocument, NormalResponseHasNoIndicesByPercentiles) {
     EXPECT_TRUE(std::isnan(Cell(*table, row))) << row;
 }
 
-// The law's own points, exp(-3 s), 1 and exp(3 s), make every index by percentiles 1 at these limits; the
-// sample of 400 ends far inside of them.
+// The distribution's own points, exp(-3 s), 1 and exp(3 s), make every index by percentiles 1 at these
+// limits; the sample of 400 ends far inside of them.
 TEST(CapabilityDocument, SkewedResponseTakesPercentilesFromItsBestFitNotFromItsExtremes) {
   constexpr double kShape = 0.4;
   const double low = std::exp(-3 * kShape);

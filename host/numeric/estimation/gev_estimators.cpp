@@ -261,8 +261,9 @@ Point StartWithShape(std::span<const double> sorted, double shape) {
   return {0.0, 0.0, kInfinity};
 }
 
-// The shape of the extreme value law whose unbiased probability-weighted moments have (3 b2 - b0) / (2 b1 -
-// b0) equal to `ratio`: with k = -shape it is (1 - 3^-k) / (1 - 2^-k). NaN when the ratio is out of reach.
+// The shape of the extreme value distribution whose unbiased probability-weighted moments have (3 b2 - b0) /
+// (2 b1 - b0) equal to `ratio`: with k = -shape it is (1 - 3^-k) / (1 - 2^-k). NaN when the ratio is out of
+// reach.
 double ShapeOfMomentRatio(double ratio) {
   const auto ratioOf = [](double k) {
     return std::abs(k) < 1e-12 ? std::log(3.0) / std::numbers::ln2

@@ -29,7 +29,7 @@ Fit FitMoments(const std::vector<double>& data) {
   return fit;
 }
 
-// Values at the plotting positions of a law: a sample without chance.
+// Values at the plotting positions of a distribution: a sample without chance.
 std::vector<double> QuantilesOf(double location, double scale, double shape, int n) {
   std::vector<double> values;
   for (int i = 1; i <= n; ++i) {
@@ -106,17 +106,17 @@ TEST(GevFit, FollowsScaleAndShift) {
   }
 }
 
-TEST(GevMoments, LawHasTheMomentsOfTheSample) {
-  // b0 = E x, b1 = E x F, b2 = E x F^2 of the fitted law by the midpoint rule over -ln(-ln F).
+TEST(GevMoments, DistributionHasTheMomentsOfTheSample) {
+  // b0 = E x, b1 = E x F, b2 = E x F^2 of the fitted distribution by the midpoint rule over -ln(-ln F).
   const Fit fit = FitMoments(kPortPirie);
   ASSERT_EQ(fit.error, EstimationError::kNone);
-  double law[3] = {};
+  double distribution[3] = {};
   constexpr double kStep = 1e-3;
   for (double y = -4.0; y < 40.0; y += kStep) {
     const double x =
         fit.parameters[0] + fit.parameters[1] * std::expm1(fit.parameters[2] * y) / fit.parameters[2];
     const double f = std::exp(-std::exp(-y));
-    for (int r = 0; r < 3; ++r) law[r] += x * std::pow(f, r) * f * std::exp(-y) * kStep;
+    for (int r = 0; r < 3; ++r) distribution[r] += x * std::pow(f, r) * f * std::exp(-y) * kStep;
   }
   std::vector<double> sorted = kPortPirie;
   std::sort(sorted.begin(), sorted.end());
@@ -128,7 +128,7 @@ TEST(GevMoments, LawHasTheMomentsOfTheSample) {
     sample[1] += sorted[i] * j / (n * (n - 1));
     sample[2] += sorted[i] * j * (j - 1) / (n * (n - 1) * (n - 2));
   }
-  for (int r = 0; r < 3; ++r) EXPECT_NEAR(law[r], sample[r], 1e-6) << r;
+  for (int r = 0; r < 3; ++r) EXPECT_NEAR(distribution[r], sample[r], 1e-6) << r;
 }
 
 TEST(GevFit, NamesWhatIsWrongWithTheData) {

@@ -61,7 +61,7 @@ TEST(GpdFit, EndsAtAMaximumForEveryShape) {
   }
 }
 
-TEST(GpdMoments, LawHasTheMomentsOfTheSample) {
+TEST(GpdMoments, DistributionHasTheMomentsOfTheSample) {
   // E y = scale / (1 - shape), E y (1 - F) = scale / (2 (2 - shape)); Hosking & Wallis (1987).
   const Fit fit = FitMoments({11.0, 12.0, 14.0, 19.0}, 10.0);  // a0 = 4, a1 = (1 + 2 * 2/3 + 4 * 1/3) / 4
   ASSERT_EQ(fit.error, EstimationError::kNone);

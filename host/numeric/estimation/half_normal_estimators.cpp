@@ -1,4 +1,4 @@
-// Half normal, Rayleigh and folded normal: laws of a magnitude above an offset.
+// Half normal, Rayleigh and folded normal: distributions of a magnitude above an offset.
 //
 // The folded normal has the likelihood equations (Leone, Nelson & Nottingham 1961)
 //   location = mean(x tanh(x location / scale^2)),  scale^2 = mean(x^2) - location^2.

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/distributions/law.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/simulation/simulation_design.h"
 
 namespace brenvolt::sra {
@@ -19,7 +19,7 @@ inline SimulationVariable VariableOf(DistributionCode code, std::vector<double> 
   return variable;
 }
 
-inline std::vector<SimulationVariable> SampledLaws() {
+inline std::vector<SimulationVariable> SampledDistributions() {
   using enum DistributionCode;
   return {VariableOf(kNormal, {3, 0.5}),
           VariableOf(kLogNormal, {1, 0.3}, -2),
@@ -61,11 +61,11 @@ inline SimulationVariable Truncated(SimulationVariable variable, const Truncatio
   const double between = isDiscrete ? 0.5 : 0;
   if (truncation.below > 0) {
     s.truncateBelow = true;
-    s.truncationMinimum = Law(s).Quantile(truncation.below) - between;
+    s.truncationMinimum = SpecifiedDistribution(s).Quantile(truncation.below) - between;
   }
   if (truncation.above < 1) {
     s.truncateAbove = true;
-    s.truncationMaximum = Law(s).Quantile(truncation.above) + between;
+    s.truncationMaximum = SpecifiedDistribution(s).Quantile(truncation.above) + between;
   }
   return variable;
 }

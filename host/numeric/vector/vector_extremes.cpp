@@ -1,9 +1,9 @@
-// The distributions of lives and extremes: Weibull, Rayleigh, generalized extreme value and generalized
+// The distributions of lifetimes and extremes: Weibull, Rayleigh, generalized extreme value and generalized
 // Pareto. Compiled once per instruction set, like vector_forms.cpp.
 #include "host/numeric/vector/vector_forms.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "host/numeric/vector/vector_lives.cpp"
+#define HWY_TARGET_INCLUDE "host/numeric/vector/vector_extremes.cpp"
 #include "hwy/foreach_target.h"
 // After foreach_target.h:
 #include <cmath>

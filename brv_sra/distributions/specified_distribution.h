@@ -7,11 +7,11 @@
 namespace brenvolt::sra {
 
 // A view of a specification, which must outlive it. An offset that is not set counts as 0.
-class Law : public AnyDistribution {
+class SpecifiedDistribution : public AnyDistribution {
  public:
-  explicit Law(const DistributionSpecification& specification)
-      : Law(specification.code, specification.values, specification.offset) {}
-  Law(DistributionCode code, std::span<const double> values, double offset)
+  explicit SpecifiedDistribution(const DistributionSpecification& specification)
+      : SpecifiedDistribution(specification.code, specification.values, specification.offset) {}
+  SpecifiedDistribution(DistributionCode code, std::span<const double> values, double offset)
       : AnyDistribution(code, values, IsNotSet(offset) ? 0.0 : offset) {}
 };
 
