@@ -242,9 +242,6 @@ Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress&
   progress->ShowNow();
   const std::vector<std::span<const double>> drawn(predictors.begin(), predictors.end());
   prediction.Predict(drawn, dependents, *progress);
-  for (const auto& dependent : dependents)
-    run.missingPredictions.push_back(
-        std::ranges::count_if(dependent, [](double y) { return std::isnan(y); }));
   AddNoise(design, dependents);
   return run;
 }

@@ -38,8 +38,6 @@ struct ProfilerRun {
   std::optional<CorrelationRepair> repair;
   // False where chance correlations could not be taken back, because there are too few runs.
   bool scoreCorrection = true;
-  // The cases of each dependent without a prediction.
-  std::vector<std::int64_t> missingPredictions;
 };
 
 // Runs a design, whose number of runs may be any from 1 on. Throws UserCancelled, Error where a model refuses

@@ -240,9 +240,4 @@ bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
   return areFinite;
 }
 
-void RandomPermutation(std::span<double> values) {
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = static_cast<double>(i + 1);
-  SetProcessStreamPosition(Shuffle(ProcessStream(), ProcessStreamPosition(), values));
-}
-
 }  // namespace brenvolt::sra

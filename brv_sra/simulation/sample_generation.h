@@ -35,8 +35,4 @@ bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
                      std::span<const std::size_t> variables, std::span<const std::span<double>> columns,
                      CKroProgressBar& progress);
 
-// A random permutation of 1 … n, n the size of `values`, by the shuffle of Fisher and Yates (Durstenfeld
-// 1964); n draws, none for n = 1.
-void RandomPermutation(std::span<double> values);
-
 }  // namespace brenvolt::sra

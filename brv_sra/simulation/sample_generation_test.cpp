@@ -9,6 +9,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/simulation/discrete_table.h"
+#include "brv_sra/simulation/random_permutation.h"
 #include "brv_sra/simulation/reference_generator_test.h"
 #include "brv_sra/simulation/sampled_distributions_test.h"
 #include "brv_sra/simulation/simulation_run.h"
@@ -354,16 +355,16 @@ TEST(Sampler, RefusesLimitsThatLeaveNothing) {
 }
 
 TEST(RandomPermutation, IsAPermutationAndOneDrawsNothing) {
-  inirnd_(5, 0);
+  const RandomStream stream(5);
   std::vector<double> values(1000);
-  RandomPermutation(values);
+  std::iota(values.begin(), values.end(), 1.0);
+  EXPECT_EQ(Shuffle(stream, 7, std::span(values)), 1007U);
+  EXPECT_FALSE(std::ranges::is_sorted(values));
   std::ranges::sort(values);
   for (std::size_t i = 0; i < values.size(); ++i) ASSERT_EQ(values[i], static_cast<double>(i + 1));
-  const auto before = ProcessStreamPosition();
-  std::vector<double> one(1);
-  RandomPermutation(one);
+  std::vector<double> one{1.0};
+  EXPECT_EQ(Shuffle(stream, 7, std::span(one)), 7U);
   EXPECT_EQ(one[0], 1.0);
-  EXPECT_EQ(ProcessStreamPosition(), before);
 }
 
 // Every 30-bit draw is equally likely: over an even grid of draws each value must come up as often as it

@@ -143,7 +143,6 @@ class CAnalysisSupport {
   // For dialogs: what shall happen once the command being carried out has returned.
   void RequestStep(std::int32_t step);
   void RequestReturn();
-  bool HasPendingTransition() const { return pending_.has_value(); }
   // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists
   // afterwards, unless the answer is false: the step failed, and the dialog stays.
   bool CompleteTransition();
@@ -157,9 +156,6 @@ class CAnalysisSupport {
   // Zero-filled work memory; null when memory is short.
   static void* AllocMem(std::size_t bytes);
   static void FreeMem(void* block);
-
-  // A variable's missing-data code, as getmd5 of the host's procedural interface.
-  double getmd5(int variable) const { return get_md(variable); }
 
   // The automation objects of the analysis itself and of the application that it runs in; the latter throws
   // AutomationFailure kNotAvailable where no application has attached a document.

@@ -19,15 +19,6 @@ class CAnalysisTableDoc : public AutomationObject {
   bool HasTable() const { return table_ != nullptr; }
   // Hands the spreadsheet out, for instance into a project; the document is empty afterwards.
   std::unique_ptr<Spreadsheet> ReleaseTable() { return std::move(table_); }
-  // Puts other content into the document in the place of the present one: who holds the spreadsheet finds the
-  // new content in it.
-  void ReplaceTable(std::unique_ptr<Spreadsheet> table) {
-    if (table_ != nullptr && table != nullptr) {
-      *table_ = std::move(*table);
-    } else {
-      table_ = std::move(table);
-    }
-  }
 
   std::string_view InterfaceName() const override { return "Spreadsheet"; }
   std::optional<DispatchId> FindMember(std::string_view name) const override;

@@ -73,7 +73,6 @@ class MacroRecorder {
   };
   const Known* Find(const void* object) const;
   std::string FreeName(std::string_view base);
-  std::string ValueText(const Variant& value);
 
   std::vector<MacroLine> lines_;
   std::vector<Known> known_;

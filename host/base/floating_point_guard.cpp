@@ -31,8 +31,4 @@ FloatingPointGuard::~FloatingPointGuard() {
   std::fesetenv(&previous_);
 }
 
-void FloatingPointGuard::ClearFlags() {
-  std::feclearexcept(FE_ALL_EXCEPT);
-}
-
 }  // namespace brenvolt

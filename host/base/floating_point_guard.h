@@ -19,9 +19,6 @@ class FloatingPointGuard {
   FloatingPointGuard(const FloatingPointGuard&) = delete;
   FloatingPointGuard& operator=(const FloatingPointGuard&) = delete;
 
-  // Clears the flags that former operations raised.
-  static void ClearFlags();
-
  private:
   std::fenv_t previous_;
 };

@@ -56,9 +56,6 @@ TEST(FloatingPointGuard, FlushesNestsAndLeavesOtherThreadsAlone) {
     EXPECT_EQ(HalfOfTheSmallestNormal(), kFlushed);
   }
   EXPECT_EQ(HalfOfTheSmallestNormal(), kFlushed) << "the inner guard took the outer one's environment";
-  Raise(FE_DIVBYZERO);
-  FloatingPointGuard::ClearFlags();
-  EXPECT_EQ(std::fetestexcept(FE_ALL_EXCEPT), 0);
 }
 
 #if defined(__GLIBC__)

@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 #include <map>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -31,6 +33,10 @@ Columns AirQuality() {
   return columns;
 }
 
+CorrelationTest Pearson(std::span<const double> x, std::span<const double> y) {
+  return AnalyseSensitivity(y, std::array{x}).rows.front().linear;
+}
+
 // R 4.2: cor.test of real data with missing values.
 TEST(CorrelationTestsReference, CoefficientsAndPValuesAgreeWithR) {
   struct Row {
@@ -43,7 +49,7 @@ TEST(CorrelationTestsReference, CoefficientsAndPValuesAgreeWithR) {
   };
   Columns data = AirQuality();
   for (const Row& r : rows) {
-    const CorrelationTest pearson = PearsonTest(data[r.name], data["Ozone"]);
+    const CorrelationTest pearson = Pearson(data[r.name], data["Ozone"]);
     const CorrelationTest spearman = SpearmanTest(data[r.name], data["Ozone"]);
     EXPECT_EQ(pearson.count, r.count) << r.name;
     EXPECT_NEAR(pearson.coefficient, r.pearson, 1e-14) << r.name;
@@ -55,13 +61,13 @@ TEST(CorrelationTestsReference, CoefficientsAndPValuesAgreeWithR) {
 
 TEST(CorrelationTests, WithoutVariationThereIsNoCoefficient) {
   const std::vector<double> x{1, 2, 3};
-  EXPECT_TRUE(IsNotSet(PearsonTest(x, std::vector<double>{4, 4, 4}).coefficient));
+  EXPECT_TRUE(IsNotSet(Pearson(x, std::vector<double>{4, 4, 4}).coefficient));
   EXPECT_TRUE(IsNotSet(SpearmanTest(x, std::vector<double>{kNan, kNan, 4}).coefficient));
   EXPECT_TRUE(IsNotSet(SpearmanTest({}, {}).coefficient));
-  const CorrelationTest two = PearsonTest(x, std::vector<double>{4, kNan, 5});
+  const CorrelationTest two = Pearson(x, std::vector<double>{4, kNan, 5});
   EXPECT_NEAR(two.coefficient, 1, 1e-15);
   EXPECT_TRUE(IsNotSet(two.pValue));
-  const CorrelationTest line = PearsonTest(x, std::vector<double>{-1, -2, -3});
+  const CorrelationTest line = Pearson(x, std::vector<double>{-1, -2, -3});
   EXPECT_NEAR(line.coefficient, -1, 1e-15);
   EXPECT_LT(line.pValue, 1e-7);
 }

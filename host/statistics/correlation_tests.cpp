@@ -56,10 +56,6 @@ double CorrelationPValue(double coefficient, std::int64_t count) {
   return std::min(1.0, 2 * cdf(complement(boost::math::students_t(degrees), t)));
 }
 
-CorrelationTest PearsonTest(std::span<const double> x, std::span<const double> y) {
-  return Correlate(CompletePairs(x, y));
-}
-
 CorrelationTest SpearmanTest(std::span<const double> x, std::span<const double> y) {
   Pairs pairs = CompletePairs(x, y);
   std::vector<double> ranks(pairs.x.size());

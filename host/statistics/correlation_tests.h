@@ -18,7 +18,7 @@ struct CorrelationTest {
 // cases are left or either variable is constant; no p-value below three cases. The p-value is that of
 // Student's t with count - 2 degrees of freedom, for Spearman's coefficient an approximation (Kendall &
 // Stuart 1979, section 31.19) that is good from ten cases on.
-CorrelationTest PearsonTest(std::span<const double> x, std::span<const double> y);
+//
 // Spearman's coefficient: Pearson's of the ranks, equal values sharing the mean of their ranks.
 CorrelationTest SpearmanTest(std::span<const double> x, std::span<const double> y);
 

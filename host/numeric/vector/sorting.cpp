@@ -99,16 +99,6 @@ void SortAscending(std::span<double> values) {
   }
 }
 
-void SortPairs(std::span<ValueIndex> pairs) {
-  std::vector<hwy::uint128_t> keys(pairs.size());
-  for (std::size_t i = 0; i < pairs.size(); ++i) {
-    keys[i].hi = KeyOf(pairs[i].value);
-    keys[i].lo = pairs[i].index;
-  }
-  SortKeys(keys);
-  for (std::size_t i = 0; i < pairs.size(); ++i) pairs[i] = {ValueOf(keys[i].hi), keys[i].lo};
-}
-
 void SortedOrder(std::span<const double> values, std::span<std::size_t> order) {
   const std::vector<hwy::uint128_t> keys = SortedKeys(values);
   for (std::size_t r = 0; r < keys.size(); ++r) order[r] = keys[r].lo;

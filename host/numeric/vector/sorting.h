@@ -4,23 +4,13 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <span>
 
 namespace brenvolt {
 
-struct ValueIndex {
-  double value = 0;
-  std::uint64_t index = 0;
-};
-
 // Sorts in place. A NaN comes back as the quiet NaN. Allocates only on machines without registers of 256
 // bits.
 void SortAscending(std::span<double> values);
-
-// Sorts by value, then by index; so pairs whose indices ascend are sorted stably. A NaN comes back as the
-// quiet NaN. Needs a buffer of the size of `pairs`.
-void SortPairs(std::span<ValueIndex> pairs);
 
 // order[r] becomes the position of the value of rank r (both from 0); equal values keep their order. `order`
 // is as long as `values`.
