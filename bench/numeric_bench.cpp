@@ -141,7 +141,7 @@ BENCHMARK(UniformsInBulk);
 
 void UniformsOneByOne(benchmark::State& state) {
   OverArrays(state, Uniforms(), [](const auto&, auto& out) {
-    for (double& value : out) value = rnd_(0);
+    for (double& value : out) value = NextUniform();
   });
 }
 BENCHMARK(UniformsOneByOne);
@@ -153,7 +153,7 @@ BENCHMARK(NormalsInBulk);
 
 void NormalsOneByOne(benchmark::State& state) {
   OverArrays(state, Uniforms(), [](const auto&, auto& out) {
-    for (double& value : out) value = znormal_(2.0);
+    for (double& value : out) value = NextNormal(2.0);
   });
 }
 BENCHMARK(NormalsOneByOne);

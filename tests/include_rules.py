@@ -39,6 +39,7 @@ ROOMS = (
     Room("host/models", "host/models/kinds", "third-party"),
     Room("host/graphs", "host/tables host/statistics host/formula", "third-party"),
     Room("host/analysis", "host/controls host/tables host/graphs host/automation", "third-party"),
+    Room("host/contract", "host/numeric host/analysis", ""),
     Room("host/application", "host/models host/analysis", "third-party"),
     Room("host/jobs", "host/application", "third-party"),
     Room("host/drawing", "host/graphs", "third-party drawing"),
@@ -62,6 +63,8 @@ ROOMS = (
     Room("bench", "host brv_sra", "third-party"),
     Room("tests", "host brv_sra", "system third-party"),
 )
+# Names for callers outside the tree: no file in it includes them, whatever its room may include.
+CONTRACT = "host/contract"
 # Where the table names no folder below it, a name that stands for several.
 GROUPS = ("host", "host/numeric", "brv_sra")
 # The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
@@ -152,6 +155,8 @@ def is_beside(path, folder):
 def fault(path, target):
     """Why the file may not include the file `target` of the tree: the text for "may not include", or None."""
     room, folder = room_of(path), folder_of(target)
+    if folder == CONTRACT and room.folder != CONTRACT:
+        return folder
     if folder != room.folder and folder not in reachable(named_folders(room.folders)) and not is_beside(path, folder):
         return folder
     if folder == TEXTS and room.folder in WITHOUT_TEXTS:
@@ -227,6 +232,8 @@ SELF_TESTS = (
     ("host/application/a.cpp", '"host/drawing/d.h"', "host/drawing"),
     ("host/application/a.cpp", '"host/jobs/j.h"', "host/jobs"),
     ("host/jobs/a.cpp", '"host/application/b.h"', None),
+    ("host/application/a.cpp", '"host/contract/c.h"', "host/contract"),
+    ("host/contract/c.cpp", '"host/analysis/b.h"', None),
     ("host/application/a.cpp", "<brv_sra/frame/f.h>", "brv_sra/frame"),
     ("host/graphs/a.cpp", "<QPainter>", "<QPainter>: drawing header"),
     ("host/drawing/a.cpp", "<QPainter>", None),

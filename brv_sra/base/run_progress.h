@@ -27,9 +27,9 @@ class RunProgress {
   RunProgress(ProgressPort& port, Caption caption = nullptr) : port_(port), caption_(caption) {}
 
   // A bar of `steps` steps.
-  std::unique_ptr<CKroProgressBar> Bar(ProgressStage stage, std::size_t steps) const {
-    return CKroProgressBar::new_ProgressBar(port_, caption_ != nullptr ? caption_(stage) : std::string_view(),
-                                            static_cast<std::int64_t>(steps));
+  std::unique_ptr<ProgressBar> Bar(ProgressStage stage, std::size_t steps) const {
+    return ProgressBar::new_ProgressBar(port_, caption_ != nullptr ? caption_(stage) : std::string_view(),
+                                        static_cast<std::int64_t>(steps));
   }
 
  private:
@@ -38,7 +38,7 @@ class RunProgress {
 };
 
 // A bar of a computation.
-inline std::unique_ptr<CKroProgressBar> Computing(const RunProgress& progress, std::size_t steps) {
+inline std::unique_ptr<ProgressBar> Computing(const RunProgress& progress, std::size_t steps) {
   return progress.Bar(ProgressStage::kComputing, steps);
 }
 

@@ -227,10 +227,10 @@ TEST_F(BootstrapRun, EveryTypeIsDrawnEstimatedAndTested) {
 }
 
 TEST_F(BootstrapRun, ResultsDependNeitherOnCompanyNorOnTheProcessStream) {
-  inirnd_(5, 0);
+  SeedProcessStream(5);
   const auto together = Run();
   EXPECT_EQ(ProcessStreamPosition(), 0U) << "a simulation in between would go on elsewhere";
-  inirnd_(6, 0);
+  SeedProcessStream(6);
   FitSpecification all = specification;
   specification.discrete.clear();
   specification.discreteSpecifications.clear();

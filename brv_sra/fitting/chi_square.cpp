@@ -26,7 +26,7 @@ struct Range {
 // Whole steps by construction; what rounding leaves of the quotient does not lose one.
 Range RoundRange(double minimum, double maximum) {
   Range range{minimum, maximum, 0.0, 0};
-  range.step = scling_double_QUA(range.minimum, range.maximum, kMostBins, kFewestBins);
+  range.step = RoundAxis(range.minimum, range.maximum, kMostBins, kFewestBins);
   const double steps = range.maximum / range.step - range.minimum / range.step;
   if (range.step > 0 && steps < 2.0 * kMostBins) range.steps = static_cast<int>(std::lround(steps));
   return range;
@@ -51,7 +51,7 @@ Boundaries WholeNumbers(double minimum, double maximum) {
   double first = std::floor(minimum);
   double last = std::ceil(maximum);
   double step = 1.0;
-  if (last - first >= kMostBins) step = scling_double_QUA(first, last, kMostBins, kFewestBins);
+  if (last - first >= kMostBins) step = RoundAxis(first, last, kMostBins, kFewestBins);
   Boundaries boundaries;
   for (int i = 0; i < kMostBins && first + i * step < last; ++i) boundaries.push_back(first + i * step);
   return boundaries;

@@ -39,7 +39,7 @@ struct VariableList {
 };
 
 Result<ReadVariable> Read(const Spreadsheet& sheet, std::int16_t number, bool continuous,
-                          const CaseSet& cases, CKroProgressBar& progress) {
+                          const CaseSet& cases, ProgressBar& progress) {
   ReadVariable read;
   read.fit.variableNumber = number;
   read.fit.name = OneLineName(sheet, number);
@@ -118,7 +118,7 @@ struct Failure {
 // while this thread shows the progress and looks for cancellation. Of several failures, that of the first
 // variable counts.
 Result<void> FitBatch(std::vector<ReadVariable>& batch, std::size_t first,
-                      const FitSpecification& specification, CKroProgressBar& progress) {
+                      const FitSpecification& specification, ProgressBar& progress) {
   Cancellation cancellation;
   const Poll poll = [&cancellation] { cancellation.Poll(); };
   std::vector<Failure> failures(batch.size());

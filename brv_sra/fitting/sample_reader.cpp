@@ -29,7 +29,7 @@ Result<std::int32_t> WeightOfCase(const Variable& weights, std::size_t caseIndex
 }
 
 void AddCopies(double x, std::int32_t copies, Sample& sample, MomentAccumulator& moments,
-               CKroProgressBar& progress) {
+               ProgressBar& progress) {
   while (copies > 0) {
     const std::int32_t now = std::min(copies, kCopiesPerLook);
     sample.values.insert(sample.values.end(), static_cast<std::size_t>(now), x);
@@ -84,7 +84,7 @@ void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t>
 }
 
 Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                          CKroProgressBar& progress) {
+                          ProgressBar& progress) {
   const Variable& variable = VariableOf(sheet, variableNumber);
   const std::span<const double> values = variable.Values();
   Sample sample;

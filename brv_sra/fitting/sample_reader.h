@@ -37,6 +37,6 @@ struct Sample {
 // Reads one variable, advancing the bar by one per case; the bar also looks for cancellation while a case of
 // large weight is copied. kInfiniteValue. Throws UserCancelled through the bar.
 Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                          CKroProgressBar& progress);
+                          ProgressBar& progress);
 
 }  // namespace brenvolt::sra

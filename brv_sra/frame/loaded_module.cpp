@@ -50,7 +50,7 @@ class LoadedModule {
     LogLine("analysis context created");
     resources_ = std::make_unique<CDynLinkLibrary>(extension_);
     TheAutomationModule().Initialise();
-    KroOleRegisterTypeLib(instance_, LIBID_BRVSRA, nullptr, nullptr);
+    RegisterTypeLibrary(LIBID_BRVSRA);
     InstallCrashReports();
   }
   ~LoadedModule() {

@@ -18,7 +18,7 @@ std::int32_t RefuseStep(CAnalysisSupport& analysis) {
   return 0;
 }
 
-constexpr SEQFUNCTTBL kSequence[] = {
+constexpr SequenceStep kSequence[] = {
     {step::kInit, Run<&CSimulationAndRisk::Init>, step::kStartup, 0},
     {step::kStartup, Run<&CSimulationAndRisk::StartAnalysis>, 0, 0},
     {step::kFit, Run<&CSimulationAndRisk::FitDistributionDialog>, 0, step::kStartup},
@@ -34,7 +34,7 @@ constexpr SEQFUNCTTBL kSequence[] = {
 
 }  // namespace
 
-const SEQFUNCTTBL* SequenceTable() {
+const SequenceStep* SequenceTable() {
   return kSequence;
 }
 

@@ -19,6 +19,6 @@ inline constexpr std::int32_t kProfiler = 108;
 }  // namespace step
 
 // Nine rows and a terminating all-zero row.
-const SEQFUNCTTBL* SequenceTable();
+const SequenceStep* SequenceTable();
 
 }  // namespace brenvolt::sra

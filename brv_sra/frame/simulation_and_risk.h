@@ -46,7 +46,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   //
   // Checks the input as a matrix file and reads it; shows a message for a fault. `parent` is the window that
   // asks. Where it fails, no matrix file is attached and no values are kept.
-  std::int32_t ValidateInputMatrixFile(HWND parent = nullptr);
+  std::int32_t ValidateInputMatrixFile(WindowHandle parent = nullptr);
   // The same, then the names of its variables; for an input that is no valid matrix file, asks whether to
   // create one, except under automation.
   std::int32_t ValidateOrDesignInputMatrixFile();
@@ -84,9 +84,9 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
 
   // The host's startup menus, and its case selection conditions and case weights, for this analysis; all are
   // on until a task is started that has no use for them.
-  void EnableStartupMenus(bool on) { kro88Tag_.startupMenusEnabled = on; }
+  void EnableStartupMenus(bool on) { startupMenus_.startupMenusEnabled = on; }
   void EnableCaseSettings(bool on) {
-    kroTag_.caseSelectionEnabled = on;
+    caseSelection_.caseSelectionEnabled = on;
     weights_.caseWeightsEnabled = on;
   }
 
@@ -111,10 +111,10 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   NumericDefaults defaults_;
   std::int16_t oneShot_ = 0;
   bool autoProfiler_ = false;
-  KroTag kroTag_;
-  Kro88Tag kro88Tag_;
-  b1_com counts_;
-  Wght_com weights_;
+  CaseSelectionBlock caseSelection_;
+  StartupMenuBlock startupMenus_;
+  CaseCountBlock counts_;
+  CaseWeightBlock weights_;
 };
 
 }  // namespace brenvolt::sra

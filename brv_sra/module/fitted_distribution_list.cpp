@@ -14,9 +14,9 @@ constexpr std::int64_t kNoFitResults = 2;
 brenvolt::sra::CFitDistributionResults* DialogBehind(const brenvolt::Variant& variant) {
   const auto object = variant.ToObject();
   if (object == nullptr) return nullptr;
-  auto* pointer = static_cast<brenvolt::IMFCPointer*>(object->QueryInterface(brenvolt::IID_IMFCPointer));
+  auto* pointer = static_cast<brenvolt::DialogPointer*>(object->QueryInterface(brenvolt::kDialogPointer));
   if (pointer == nullptr) return nullptr;
-  return dynamic_cast<brenvolt::sra::CFitDistributionResults*>(pointer->GetMFCPointer());
+  return dynamic_cast<brenvolt::sra::CFitDistributionResults*>(pointer->PointedDialog());
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ TEST_F(Frame, SequenceTableHasItsNineRows) {
   };
   const Row rows[] = {{100, 101, 0}, {101, 0, 0},   {102, 0, 101}, {103, 0, 0},  {104, 0, 0},
                       {105, 0, 0},   {106, 0, 101}, {107, 0, 101}, {108, 0, 101}};
-  const SEQFUNCTTBL* table = analysis->CAnalysisSupport::SequenceTable();
+  const SequenceStep* table = analysis->CAnalysisSupport::SequenceTable();
   for (const Row& row : rows) {
     EXPECT_EQ(table->step, row.step);
     EXPECT_EQ(table->followOn, row.followOn);
@@ -86,7 +86,7 @@ TEST_F(Frame, SequenceTableHasItsNineRows) {
   }
   EXPECT_EQ(table->step, 0);
   EXPECT_EQ(table->entry, nullptr);
-  const SEQFUNCTTBL* steps = analysis->CAnalysisSupport::SequenceTable();
+  const SequenceStep* steps = analysis->CAnalysisSupport::SequenceTable();
   EXPECT_EQ(steps[4].entry, steps[6].entry) << "104 and 106 open the same dialog";
 }
 
@@ -131,8 +131,8 @@ TEST_F(Frame, AutomationObjectOfAClosedDialogFailsAndChangesNothing) {
   closed->Call("Cancel");
   EXPECT_THROW(closed->Put("ContinuousVariable", 1), Error);
   EXPECT_THROW(closed->Call("OK"), Error);
-  EXPECT_EQ(closed->QueryInterface(IID_IMFCPointer),
-            static_cast<IMFCPointer*>(dynamic_cast<IMFCPointer*>(closed.get())));
+  EXPECT_EQ(closed->QueryInterface(kDialogPointer),
+            static_cast<DialogPointer*>(dynamic_cast<DialogPointer*>(closed.get())));
   EXPECT_EQ(ModuleAutomation().LockCount(), locks + 1) << "the closed one is still held";
   EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
 }

@@ -34,7 +34,7 @@ std::vector<std::string> AskForVariables(UserInterface& userInterface, const std
 
 }  // namespace
 
-std::int32_t CSimulationAndRisk::ValidateInputMatrixFile(HWND /*parent*/) {
+std::int32_t CSimulationAndRisk::ValidateInputMatrixFile(WindowHandle /*parent*/) {
   matrix_->attached = false;
   matrix_->file = {};
   if (!MatrixIsOK()) return 0;

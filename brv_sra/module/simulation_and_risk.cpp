@@ -71,7 +71,7 @@ std::string CSimulationAndRisk::GetAnalysisName() const {
 }
 
 std::int32_t CSimulationAndRisk::Init() {
-  InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
+  InitCommons(&caseSelection_, &startupMenus_, &counts_, &weights_, nullptr);
   oneShot_ = 0;
   return 1;
 }
@@ -92,7 +92,7 @@ bool CSimulationAndRisk::OpenData() {
   *simulation_ = {};
   *profiler_ = {};
   matrix_->saved.reset();
-  InitCommons(&kroTag_, &kro88Tag_, &counts_, &weights_, nullptr);
+  InitCommons(&caseSelection_, &startupMenus_, &counts_, &weights_, nullptr);
   return true;
 }
 

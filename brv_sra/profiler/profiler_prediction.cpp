@@ -112,8 +112,7 @@ void ProfilerPrediction::PredictRows(const ModelUse& use, std::span<const std::s
 }
 
 void ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,
-                                 std::span<const std::span<double>> dependents,
-                                 CKroProgressBar& progress) const {
+                                 std::span<const std::span<double>> dependents, ProgressBar& progress) const {
   const std::size_t runs = dependents.empty() ? 0 : dependents[0].size();
   const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
   for (const ModelUse& use : models_) {

@@ -28,7 +28,7 @@ class ProfilerPrediction {
   // Fills a column for each dependent from a column for each predictor, all of one length, on all cores. NaN
   // where there is no prediction that is finite. Steps the bar by the cells filled; throws UserCancelled.
   void Predict(std::span<const std::span<const double>> predictors,
-               std::span<const std::span<double>> dependents, CKroProgressBar& progress) const;
+               std::span<const std::span<double>> dependents, ProgressBar& progress) const;
 
  private:
   // A model's predictor: its place in the design; where its texts have other codes in the model, those by the

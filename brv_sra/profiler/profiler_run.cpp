@@ -211,7 +211,7 @@ std::vector<std::span<double>> ColumnsFrom(Spreadsheet& sheet, std::size_t first
 
 void Seed(const ProfilerDesign& design) {
   const auto now = static_cast<std::uint32_t>(static_cast<std::uint64_t>(std::time(nullptr)));
-  inirnd_(design.seeded ? design.seed : static_cast<std::int32_t>(now), 0);
+  SeedProcessStream(design.seeded ? design.seed : static_cast<std::int32_t>(now));
 }
 
 }  // namespace

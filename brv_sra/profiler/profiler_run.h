@@ -2,7 +2,7 @@
 // and makes the spreadsheet of all that. Knows no dialog.
 //
 // The order of draws is part of the contract, so that a seed stands for its results at any number of threads:
-// - inirnd_(seed, 0) once;
+// - the stream is seeded once;
 // - without correlations, Monte Carlo values of the random predictors, column after column in their order
 //   (sample_generation.h);
 // - with them, and two random predictors or more: for each random predictor the permutation of its van der

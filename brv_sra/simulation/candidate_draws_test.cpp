@@ -43,7 +43,7 @@ TEST(CandidateDraws, ValuesInPartsAreThoseOfOneDrawAfterAnother) {
     const DistributionSpecification specification = Specification(c);
     const reference::Variable plain(specification, false, ParameterSource::kUserSpecified);
     std::vector<double> expected(kValues);
-    inirnd_(8, 0);
+    SeedProcessStream(8);
     SetProcessStreamPosition(kStart);
     for (double& x : expected) x = plain.MonteCarlo();
     const VariableSampler sampler(specification, false);
@@ -73,11 +73,11 @@ TEST(CandidateDraws, ColumnsOfAMatrixComeToTheirPlaces) {
     }
     if (columns == 7) design.excluded = {5};
     std::vector<double> matrix(300 * columns);
-    const auto progress = CKroProgressBar::new_ProgressBar(port, "", 1);
-    inirnd_(8, 0);
+    const auto progress = std::make_unique<ProgressBar>(port, "", 1);
+    SeedProcessStream(8);
     ASSERT_TRUE(GenerateMonteCarlo(design, matrix, *progress));
     const auto position = ProcessStreamPosition();
-    inirnd_(8, 0);
+    SeedProcessStream(8);
     EXPECT_EQ(matrix, reference::Generate(design, false)) << columns;
     EXPECT_EQ(position, ProcessStreamPosition());
   }

@@ -65,7 +65,7 @@ bool CorrectTransform(std::span<const double> scores, std::size_t n, std::size_t
 
 // T = S M', in place, some rows at a time.
 void TransformScores(std::span<double> scores, std::size_t n, std::size_t k,
-                     std::span<const double> transform, CKroProgressBar& progress) {
+                     std::span<const double> transform, ProgressBar& progress) {
   const std::size_t blockRows = std::clamp<std::size_t>(40'000 / (k * k), 64, 1024);
   const MatrixView transposed = RowMajor(transform, k, k).Transposed();
   for (std::size_t from = 0; from < n; from += kRowsPerLook) {
@@ -193,8 +193,7 @@ Result<CorrelationInduction> InduceRankCorrelation(const SimulationDesign& desig
   return result;
 }
 
-void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size_t k,
-                              CKroProgressBar& progress) {
+void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size_t k, ProgressBar& progress) {
   const std::vector<std::size_t> columns = FirstPlaces(k);
   const RandomStream stream = ProcessStream();
   const std::uint64_t draws = n > 1 ? n : 0;  // of a column
@@ -215,7 +214,7 @@ void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size
   SetProcessStreamPosition(start + k * draws);
 }
 
-void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKroProgressBar& progress) {
+void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, ProgressBar& progress) {
   const std::vector<std::size_t> columns = FirstPlaces(k);
   const ColumnBuffers buffers(n, k);
   ForColumnBatches(columns, buffers, [&](auto places, auto batch) {
@@ -229,8 +228,7 @@ void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKro
   });
 }
 
-bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix,
-                         CKroProgressBar& progress) {
+bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress) {
   const auto n = static_cast<std::size_t>(design.numberOfSamples);
   const std::size_t stride = design.variables.size();
   const std::vector<std::size_t> active = design.ActiveVariables();

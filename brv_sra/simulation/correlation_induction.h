@@ -42,15 +42,14 @@ Result<CorrelationInduction> InduceRankCorrelation(const SimulationDesign& desig
 
 // scores (n x k, row-major): column after column the normal quantiles of i / (n + 1), i = 1 … n, in the order
 // of a random permutation (van der Waerden 1952).
-void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size_t k,
-                              CKroProgressBar& progress);
+void BuildVanDerWaerdenScores(std::span<double> scores, std::size_t n, std::size_t k, ProgressBar& progress);
 
 // Replaces the values of each column (n x k, row-major, finite) by their ranks from 0, -0 before +0. Equal
 // values, which continuous scores hardly ever give, are ranked by row: any sort would do for the rest.
-void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, CKroProgressBar& progress);
+void ReplaceByRanks(std::span<double> scores, std::size_t n, std::size_t k, ProgressBar& progress);
 
 // Generates the samples of the variables that take part and puts in each of their places the value of the
 // rank, from 0, that stands there in the sample matrix. False when a variable cannot be sampled.
-bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
+bool ReorderByScoreRanks(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress);
 
 }  // namespace brenvolt::sra

@@ -320,7 +320,7 @@ TEST_F(Induction, RanksTellNeighbouringValuesApart) {
     }
   }
   std::vector<double> ranks = values;
-  const auto progress = CKroProgressBar::new_ProgressBar(port, "", 1);
+  const auto progress = std::make_unique<ProgressBar>(port, "", 1);
   ReplaceByRanks(ranks, ranks.size(), 1, *progress);
   std::vector<std::size_t> order(values.size());
   SortedOrder(values, order);

@@ -150,30 +150,30 @@ struct Variable {
     const std::vector<double>& v = s.values;
     switch (s.code) {
       case DistributionCode::kNormal:
-        return znormal_(v[1]) + v[0];
+        return NextNormal(v[1]) + v[0];
       case DistributionCode::kLogNormal:
-        return elementary::Exp(znormal_(v[1]) + v[0]) + offset;
+        return elementary::Exp(NextNormal(v[1]) + v[0]) + offset;
       case DistributionCode::kFoldedNormal:
-        return std::abs(znormal_(v[1]) + v[0]) + offset;
+        return std::abs(NextNormal(v[1]) + v[0]) + offset;
       case DistributionCode::kHalfNormal:
-        return std::abs(znormal_(v[0])) + offset;
+        return std::abs(NextNormal(v[0])) + offset;
       case DistributionCode::kGaussianMixture: {
-        const double u = rnd_(0);
+        const double u = NextUniform();
         std::size_t c = 0;
         for (double sum = v[0]; u > sum && 3 * c + 3 < v.size(); sum += v[3 * c]) ++c;
-        return znormal_(v[3 * c + 2]) + v[3 * c + 1];
+        return NextNormal(v[3 * c + 2]) + v[3 * c + 1];
       }
       case DistributionCode::kBernoulli:
-        return rnd_(0) < v[0] ? 1 : 0;
+        return NextUniform() < v[0] ? 1 : 0;
       case DistributionCode::kHistogram:
-        return distribution.Quantile(rnd_(0));
+        return distribution.Quantile(NextUniform());
       default:
-        return table.Lookup(rnd_(0));
+        return table.Lookup(NextUniform());
     }
   }
 
   double MonteCarlo() const {
-    const double u = rnd_(0);
+    const double u = NextUniform();
     const double p = pLo + u * (pHi - pLo);
     for (int i = 0; IsNatural() && i < 5; ++i) {
       const double x = Candidate();
@@ -188,7 +188,7 @@ inline std::vector<double> Permutation(std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) a[i] = static_cast<double>(i + 1);
   if (n == 1) return a;
   for (std::size_t t = 1; t <= n; ++t) {
-    auto r = static_cast<std::size_t>(std::floor(rnd_(0) * static_cast<double>(n - t + 1)));
+    auto r = static_cast<std::size_t>(std::floor(NextUniform() * static_cast<double>(n - t + 1)));
     if (r == n) r = n - 1;
     std::swap(a[r], a[n - t]);
   }
@@ -210,7 +210,7 @@ inline std::vector<double> Generate(const SimulationDesign& design, bool latinHy
     const std::vector<double> perm = Permutation(n);
     const double d = (v.pHi - v.pLo) / static_cast<double>(n);
     for (std::size_t i = 0; i < n; ++i) {
-      const double u = rnd_(0);
+      const double u = NextUniform();
       matrix[i * k + j] = v.Inverse(v.pLo + (perm[i] - 1) * d + u * d);
     }
   }

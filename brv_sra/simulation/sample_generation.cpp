@@ -25,7 +25,7 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr int kDiscardedDraws = 100;
+constexpr std::uint64_t kDiscardedDraws = 100;
 constexpr double kTwoTo32 = 4294967296.0;
 // Rows between two looks at the clock, and rows whose values one task holds before it writes them.
 constexpr std::size_t kRowsPerLook = std::size_t{1} << 18;
@@ -64,7 +64,7 @@ struct OpenColumns {
   }
 
   // Draws the permutations at the columns' positions and moves these on to the draws of the rows.
-  void ShuffleStrata(const RandomStream& stream, CKroProgressBar& progress) {
+  void ShuffleStrata(const RandomStream& stream, ProgressBar& progress) {
     strata = AnalysisArray<std::int32_t>(samples * places.size());
     PolledParallelFor(places.size(), progress, [&](std::size_t c, const Cancellation& cancelled) {
       const std::span<std::int32_t> column = strata.Span().subspan(c * samples, samples);
@@ -96,7 +96,7 @@ bool DrawRows(const OpenColumns& columns, const RandomStream& stream, std::size_
 class MatrixGenerator {
  public:
   MatrixGenerator(const SimulationDesign& design, bool latinHypercube, std::span<double> matrix,
-                  CKroProgressBar& progress)
+                  ProgressBar& progress)
       : design_(design),
         latinHypercube_(latinHypercube),
         samples_(static_cast<std::size_t>(design.numberOfSamples)),
@@ -176,7 +176,7 @@ class MatrixGenerator {
   bool latinHypercube_;
   std::size_t samples_;
   std::span<double> matrix_;
-  CKroProgressBar& progress_;
+  ProgressBar& progress_;
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
   OpenColumns columns_;
@@ -191,26 +191,21 @@ void SeedRandomStream(bool seeded, double seed) {
                                 : std::fmod(static_cast<double>(std::time(nullptr)), kTwoTo32);
   const auto start =
       static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::int64_t>(negated)));
-  if (start == 0) {
-    inirnd_(0, 0);
-  } else {
-    rnd_(start);
-  }
-  for (int i = 0; i < kDiscardedDraws; ++i) rnd_(0);
+  SeedProcessStream(start);
+  SetProcessStreamPosition(start == 0 ? kDiscardedDraws : kDiscardedDraws + 1);
 }
 
-bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress) {
+bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress) {
   return MatrixGenerator(design, false, matrix, progress).Run();
 }
 
-bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
-                            CKroProgressBar& progress) {
+bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress) {
   return MatrixGenerator(design, true, matrix, progress).Run();
 }
 
 bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
                      std::span<const std::size_t> variables, std::span<const std::span<double>> columns,
-                     CKroProgressBar& progress) {
+                     ProgressBar& progress) {
   const RandomStream stream = ProcessStream();
   std::uint64_t position = ProcessStreamPosition();
   std::vector<Sampler> samplers(variables.size());

@@ -23,9 +23,8 @@ void SeedRandomStream(bool seeded, double seed);
 // and one column per variable of the design. False when a distribution cannot be sampled: its parameters are
 // invalid, its truncation leaves nothing, or a value is beyond what a double holds. Throws UserCancelled
 // through the bar, std::bad_alloc when memory is short.
-bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, CKroProgressBar& progress);
-bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix,
-                            CKroProgressBar& progress);
+bool GenerateMonteCarlo(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress);
+bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> matrix, ProgressBar& progress);
 
 // Generates the columns of the variables `variables`, each into a buffer of its own: columns[c], as long as
 // the design has samples, receives the values of variables[c]. Called for all active variables in their
@@ -33,6 +32,6 @@ bool GenerateLatinHypercube(const SimulationDesign& design, std::span<double> ma
 // above.
 bool GenerateColumns(const SimulationDesign& design, bool latinHypercube,
                      std::span<const std::size_t> variables, std::span<const std::span<double>> columns,
-                     CKroProgressBar& progress);
+                     ProgressBar& progress);
 
 }  // namespace brenvolt::sra

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <map>
+#include <numeric>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/simulation/discrete_table.h"
@@ -38,7 +39,7 @@ struct Generation : testing::Test {
   std::vector<double> Generate(SimulationMethod method, double seed, std::int32_t samples) {
     design.numberOfSamples = samples;
     std::vector<double> matrix(static_cast<std::size_t>(samples) * design.variables.size());
-    const auto progress = CKroProgressBar::new_ProgressBar(port, "", samples);
+    const auto progress = std::make_unique<ProgressBar>(port, "", samples);
     SeedRandomStream(true, seed);
     const bool done = method == SimulationMethod::kMonteCarlo
                           ? GenerateMonteCarlo(design, matrix, *progress)
@@ -297,7 +298,7 @@ TEST_F(Generation, SeedsReproduceZeroIncluded) {
   design.variables = {VariableOf(DistributionCode::kNormal, {0, 1})};
   for (const double seed : {0.0, 1.0, 65535.0, 2147483647.0, 4294967296.0, 1e15}) {
     const auto first = Generate(SimulationMethod::kMonteCarlo, seed, 100);
-    rnd_(12345);
+    SeedProcessStream(12345);
     EXPECT_EQ(Generate(SimulationMethod::kMonteCarlo, seed, 100), first) << seed;
   }
   EXPECT_NE(Generate(SimulationMethod::kMonteCarlo, 0, 100), Generate(SimulationMethod::kMonteCarlo, 1, 100));

@@ -128,7 +128,7 @@ class PiecewiseSimulation {
   const SimulationDesign& design_;
   std::vector<std::size_t> active_;
   std::size_t samples_;
-  std::unique_ptr<CKroProgressBar> progress_;
+  std::unique_ptr<ProgressBar> progress_;
   RandomStream stream_ = ProcessStream();
   std::uint64_t position_ = ProcessStreamPosition();
   std::vector<std::vector<double>> summaries_;

@@ -39,7 +39,7 @@ Result<void> CheckCorrelations(const SimulationDesign& design, std::span<const d
 using Correlations = std::optional<SimulatedCorrelations>;
 using Generate = Result<Correlations> (*)(const SimulationDesign&, std::span<double>, const RunProgress&);
 
-template <bool (*Generator)(const SimulationDesign&, std::span<double>, CKroProgressBar&)>
+template <bool (*Generator)(const SimulationDesign&, std::span<double>, ProgressBar&)>
 Result<Correlations> GenerateIndependent(const SimulationDesign& design, std::span<double> matrix,
                                          const RunProgress& bars) {
   const auto progress = Computing(bars, matrix.size() + 1);

@@ -26,7 +26,7 @@ std::vector<double> SummaryOf(const Variable& variable) {
 }
 
 // Pearson's correlations of the columns of an output, or of their ranks: Spearman's.
-std::vector<double> Correlate(const Spreadsheet& output, bool ofRanks, CKroProgressBar& progress) {
+std::vector<double> Correlate(const Spreadsheet& output, bool ofRanks, ProgressBar& progress) {
   const std::size_t n = output.CaseCount();
   const std::size_t k = output.VariableCount();
   std::vector<double> matrix(n * k);

@@ -45,7 +45,7 @@ void ControlRecording::Done() {
   if (automation_ == nullptr) return;
   MacroRecorder& recorder = *recording_.Recorder();
   RecordCaseSettings(recorder);
-  if (automation_->GetMFCPointer() != nullptr) {
+  if (automation_->PointedDialog() != nullptr) {
     for (const MacroCall& setting : automation_->Settings()) {
       const auto former = std::ranges::find_if(before_, [&](const MacroCall& call) {
         return call.member == setting.member && SameIndexes(call.indexes, setting.indexes);

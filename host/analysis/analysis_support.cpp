@@ -231,16 +231,16 @@ UserInterface& CAnalysisSupport::Interface() const {
   return document_->Interface();
 }
 
-const SEQFUNCTTBL* CAnalysisSupport::FindStep(std::int32_t step) const {
+const SequenceStep* CAnalysisSupport::FindStep(std::int32_t step) const {
   if (sequence_ == nullptr || step == 0) return nullptr;
-  for (const SEQFUNCTTBL* row = sequence_; row->step != 0; ++row) {
+  for (const SequenceStep* row = sequence_; row->step != 0; ++row) {
     if (row->step == step) return row;
   }
   return nullptr;
 }
 
 bool CAnalysisSupport::RunSequenceStep(std::int32_t step) {
-  const SEQFUNCTTBL* row = FindStep(step);
+  const SequenceStep* row = FindStep(step);
   if (row == nullptr) return false;
   const CAnalysisDialog* before = dialog_.get();
   if (row->entry(*this) == 0) return false;
@@ -279,7 +279,7 @@ bool CAnalysisSupport::MoveForward(std::int32_t step) {
 }
 
 void CAnalysisSupport::MoveBack() {
-  const SEQFUNCTTBL* row = FindStep(currentStep_);
+  const SequenceStep* row = FindStep(currentStep_);
   const std::int32_t returnStep = row != nullptr ? row->returnStep : 0;
   if (returnStep != 0) {
     path_.clear();
@@ -325,11 +325,11 @@ void CAnalysisSupport::FreeMem(void* block) {
   FreeAnalysisMemory(block);
 }
 
-void CAnalysisSupport::InitCommons(KroTag* kroTag, Kro88Tag* kro88Tag, b1_com* b1, Wght_com* weights,
-                                   _AddMenu* /*addMenu*/) {
-  kroTag_ = kroTag;
-  kro88Tag_ = kro88Tag;
-  counts_ = b1;
+void CAnalysisSupport::InitCommons(CaseSelectionBlock* caseSelection, StartupMenuBlock* startupMenus,
+                                   CaseCountBlock* counts, CaseWeightBlock* weights, MenuBlock* /*menu*/) {
+  caseSelection_ = caseSelection;
+  startupMenus_ = startupMenus;
+  counts_ = counts;
   weights_ = weights;
   if (counts_ != nullptr && InputTable() != nullptr) {
     counts_->numberOfCases = static_cast<std::int32_t>(InputTable()->CaseCount());

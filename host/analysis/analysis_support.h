@@ -1,6 +1,6 @@
 // The base of every analysis: its input, its sequence of steps with the dialog that is open, and the services
-// that its dialogs use. The host drives an analysis through the virtual operations, whose order is part of
-// the contract between host and modules compiled apart from it.
+// that its dialogs use. The host drives an analysis through the virtual operations; their names and order are
+// part of the contract with modules compiled apart from the host (host/contract/module_contract.h).
 #pragma once
 
 #include <cstddef>
@@ -27,7 +27,7 @@ class CAnalysisDialog;
 // `entry` carries out the step and returns 0 when it failed. After a step that succeeded, the follow-on step
 // (0 = none) runs at once. A dialog that the person leaves by Cancel goes to its step's return step; where
 // that is 0, to the step whose dialog opened it, and where there is none either, the sequence has ended.
-struct SEQFUNCTTBL {
+struct SequenceStep {
   std::int32_t step;
   std::int32_t (*entry)(CAnalysisSupport& analysis);
   std::int32_t followOn;
@@ -35,23 +35,23 @@ struct SEQFUNCTTBL {
 };
 
 // Blocks that the host shares with the analysis.
-struct KroTag {
+struct CaseSelectionBlock {
   bool caseSelectionEnabled = true;
 };
-struct Kro88Tag {
+struct StartupMenuBlock {
   bool startupMenusEnabled = true;
 };
-struct b1_com {
+struct CaseCountBlock {
   std::int32_t numberOfCases = 0;
   std::int32_t numberOfVariables = 0;
 };
-struct Wght_com {
+struct CaseWeightBlock {
   bool caseWeightsEnabled = true;
 };
-struct _AddMenu;
+struct MenuBlock;
 
 // A window of the front end, null where it has none.
-using HWND = const void*;
+using WindowHandle = const void*;
 
 class CAnalysisSupport {
  public:
@@ -136,7 +136,7 @@ class CAnalysisSupport {
   bool RunSequenceStep(std::int32_t step);
   // The step whose dialog is open, 0 when none is.
   std::int32_t CurrentStep() const { return currentStep_; }
-  const SEQFUNCTTBL* SequenceTable() const { return sequence_; }
+  const SequenceStep* SequenceTable() const { return sequence_; }
 
   // For dialogs: makes a dialog the open one; what it was before is closed.
   void SetCurrentDialog(std::unique_ptr<CAnalysisDialog> dialog);
@@ -190,24 +190,27 @@ class CAnalysisSupport {
   bool BeginAction() { return ++actionDepth_ == 1; }
   void EndAction() { --actionDepth_; }
 
-  bool CaseSelectionEnabled() const { return kroTag_ == nullptr || kroTag_->caseSelectionEnabled; }
+  bool CaseSelectionEnabled() const {
+    return caseSelection_ == nullptr || caseSelection_->caseSelectionEnabled;
+  }
   bool CaseWeightsEnabled() const { return weights_ == nullptr || weights_->caseWeightsEnabled; }
-  bool StartupMenusEnabled() const { return kro88Tag_ == nullptr || kro88Tag_->startupMenusEnabled; }
+  bool StartupMenusEnabled() const { return startupMenus_ == nullptr || startupMenus_->startupMenusEnabled; }
 
  protected:
-  void InstallSequence(const SEQFUNCTTBL* table) { sequence_ = table; }
+  void InstallSequence(const SequenceStep* table) { sequence_ = table; }
   // Hands the host's blocks to the base. Null stands for a block that the analysis does not use.
-  void InitCommons(KroTag* kroTag, Kro88Tag* kro88Tag, b1_com* b1, Wght_com* weights, _AddMenu* addMenu);
+  void InitCommons(CaseSelectionBlock* caseSelection, StartupMenuBlock* startupMenus, CaseCountBlock* counts,
+                   CaseWeightBlock* weights, MenuBlock* menu);
   const CAnalysisContext& Context() const { return context_; }
 
  private:
-  const SEQFUNCTTBL* FindStep(std::int32_t step) const;
+  const SequenceStep* FindStep(std::int32_t step) const;
   bool MoveForward(std::int32_t step);
   void MoveBack();
 
   CAnalysisDoc* document_;
   const CAnalysisContext& context_;
-  const SEQFUNCTTBL* sequence_ = nullptr;
+  const SequenceStep* sequence_ = nullptr;
   std::unique_ptr<CAnalysisDialog> dialog_;
   std::int32_t currentStep_ = 0;
   std::vector<std::int32_t> path_;       // the steps whose dialogs led, one from the other, to the open one
@@ -215,10 +218,10 @@ class CAnalysisSupport {
   MessageErrorHandler messageHandler_ = nullptr;
   int contextDepth_ = 0;
   int automationDepth_ = 0;
-  KroTag* kroTag_ = nullptr;
-  b1_com* counts_ = nullptr;
-  Wght_com* weights_ = nullptr;
-  Kro88Tag* kro88Tag_ = nullptr;
+  CaseSelectionBlock* caseSelection_ = nullptr;
+  CaseCountBlock* counts_ = nullptr;
+  CaseWeightBlock* weights_ = nullptr;
+  StartupMenuBlock* startupMenus_ = nullptr;
   std::shared_ptr<AnalysisAutomation> automation_;
   MacroRecorder* recorder_ = nullptr;
   int actionDepth_ = 0;

@@ -2,69 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 
 namespace brenvolt {
 namespace {
-
-// The place of a virtual operation in the table of virtual functions (Itanium C++ ABI: a pointer to a virtual
-// member holds 1 plus the offset of its slot).
-template <class Member>
-std::size_t SlotOf(Member member) {
-  std::ptrdiff_t raw = 0;
-  std::memcpy(&raw, &member, sizeof(raw));
-  return static_cast<std::size_t>(raw - 1) / sizeof(void*);
-}
-
-TEST(AnalysisSupport, KeepsTheSlotOrderThatModulesAreCompiledAgainst) {
-  using S = CAnalysisSupport;
-  using SetText = bool (S::*)(int, int, const std::string&);
-  using SetNumber = bool (S::*)(int, int, double);
-  // The destructor takes the first two slots.
-  const std::size_t slots[] = {SlotOf(&S::InitializeAfterFileChanged),
-                               SlotOf(&S::Initialize),
-                               SlotOf(&S::GetDialog),
-                               SlotOf(&S::GetDialgInterface),
-                               SlotOf(&S::ContextEntry),
-                               SlotOf(&S::ContextExit),
-                               SlotOf(&S::ContextWrite),
-                               SlotOf(&S::ContextRead),
-                               SlotOf(&S::ContextInit),
-                               SlotOf(&S::ForwardSequence),
-                               SlotOf(&S::GetLibInstance),
-                               SlotOf(&S::GetResourceString),
-                               SlotOf(&S::GetAnalysisID),
-                               SlotOf(&S::GetDialogAutomationInterface),
-                               SlotOf(&S::UpdateLastAutomationDefinition),
-                               SlotOf(&S::get_md),
-                               SlotOf(&S::get_vn),
-                               SlotOf(&S::dsplst),
-                               SlotOf(&S::SetMessageErrorHandler),
-                               SlotOf(&S::GetAnalysisName),
-                               SlotOf(&S::GetInputTableDisplayName),
-                               SlotOf(&S::GetPlcmprStr),
-                               SlotOf(&S::AnalysisQueryUpdate),
-                               SlotOf(&S::GetMacroReferences),
-                               SlotOf(&S::BeforeRouteOutput),
-                               SlotOf(&S::OnCurrentDialogChange),
-                               SlotOf(&S::BeforeCallEventHandler),
-                               SlotOf(&S::AfterCallEventHandler),
-                               SlotOf(static_cast<SetText>(&S::SetInputTableValue)),
-                               SlotOf(static_cast<SetNumber>(&S::SetInputTableValue)),
-                               SlotOf(&S::SetInputTableTextLabel),
-                               SlotOf(&S::InputTableAddCases),
-                               SlotOf(&S::InputTableAddVariables),
-                               SlotOf(&S::InputTableTextValueEdit),
-                               SlotOf(&S::SupportsByGroup),
-                               SlotOf(&S::SupportsCaseWeights),
-                               SlotOf(&S::AcceptsMatrixInput),
-                               SlotOf(&S::BeforeClose)};
-  for (std::size_t i = 0; i < std::size(slots); ++i) EXPECT_EQ(slots[i], i + 2) << "operation " << i;
-}
 
 // A small analysis: 1 starts and goes on to 2; 2 and 3 have no return step, 4 returns to 2, 5 fails.
 const DialogTemplate kTemplate{
@@ -94,12 +37,12 @@ template <std::int32_t Next>
 std::int32_t Open(CAnalysisSupport& analysis) {
   return CAnalysisModelessDialog::CreateAnalysisDialog(std::make_unique<StepDialog>(analysis, Next)) ? -1 : 0;
 }
-const SEQFUNCTTBL kSequence[] = {{1, [](CAnalysisSupport&) { return 1; }, 2, 0},
-                                 {2, Open<3>, 0, 0},
-                                 {3, Open<4>, 0, 0},
-                                 {4, Open<5>, 0, 2},
-                                 {5, [](CAnalysisSupport&) { return 0; }, 0, 0},
-                                 {0, nullptr, 0, 0}};
+const SequenceStep kSequence[] = {{1, [](CAnalysisSupport&) { return 1; }, 2, 0},
+                                  {2, Open<3>, 0, 0},
+                                  {3, Open<4>, 0, 0},
+                                  {4, Open<5>, 0, 2},
+                                  {5, [](CAnalysisSupport&) { return 0; }, 0, 0},
+                                  {0, nullptr, 0, 0}};
 
 class SmallAnalysis : public CAnalysisSupport {
  public:

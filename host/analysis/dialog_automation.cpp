@@ -254,7 +254,7 @@ Variant DialogAutomationBase::InvokeCommon(const MemberDescription& member, cons
 }
 
 void* DialogAutomationBase::QueryInterface(InterfaceId id) {
-  return id == IID_IMFCPointer ? static_cast<IMFCPointer*>(this) : nullptr;
+  return id == kDialogPointer ? static_cast<DialogPointer*>(this) : nullptr;
 }
 
 std::shared_ptr<AutomationObject> MakeUnreachable(const InterfaceDescription& interface,

@@ -93,7 +93,7 @@ constexpr bool Binds(const InterfaceDescription& interface,
 // AutomationError "Exception in automation method [Class::put_Member]", whose reason is the exception's text,
 // or "Unexpected Error" where it has none. While a macro is recorded, a call that succeeded is a line of it,
 // unless it only asked for something.
-class DialogAutomationBase : public AutomationObject, public IMFCPointer {
+class DialogAutomationBase : public AutomationObject, public DialogPointer {
  public:
   DialogAutomationBase(CAnalysisDialog& dialog, const InterfaceDescription& interface,
                        std::string_view className, AutomationModule& module);
@@ -107,7 +107,7 @@ class DialogAutomationBase : public AutomationObject, public IMFCPointer {
   std::optional<DispatchId> FindMember(std::string_view name) const override;
   Variant Invoke(DispatchId member, CallKind kind, std::span<const Variant> arguments) override;
   void* QueryInterface(InterfaceId id) override;
-  CAnalysisDialog* GetMFCPointer() override { return dialog_; }
+  CAnalysisDialog* PointedDialog() override { return dialog_; }
 
   // For recording, while the dialog is open. Its number, which no other dialog of the process has; every
   // member that can be read and put, where the dialog shows it, as the put that gives it its value; and the

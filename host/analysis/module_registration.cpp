@@ -76,8 +76,7 @@ std::vector<InstanceHandle> ResourceLibraries() {
   return registry.resourceLibraries;
 }
 
-bool KroOleRegisterTypeLib(InstanceHandle /*instance*/, const LibraryId& library, const void* /*path*/,
-                           const void* /*help*/) {
+void RegisterTypeLibrary(const LibraryId& library) {
   Registry& registry = TheRegistry();
   const std::lock_guard lock(registry.mutex);
   const std::string text(library.text);
@@ -86,7 +85,6 @@ bool KroOleRegisterTypeLib(InstanceHandle /*instance*/, const LibraryId& library
   }
   if (library.contents != nullptr) AddTypeLibrary(library.contents());
   LogLine("type library registered " + text);
-  return true;
 }
 
 std::vector<std::string> RegisteredTypeLibraries() {

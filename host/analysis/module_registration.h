@@ -97,10 +97,8 @@ struct LibraryId {
   std::string_view text;
   const TypeLibrary& (*contents)() = nullptr;
 };
-// Makes a module's type library known: from then on FindTypeLibrary and its kin answer for it. The two last
-// arguments are reserved and must be null. Returns true.
-bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, const void* path,
-                           const void* help);
+// Makes a module's type library known: from then on FindTypeLibrary and its kin answer for it.
+void RegisterTypeLibrary(const LibraryId& library);
 std::vector<std::string> RegisteredTypeLibraries();
 
 }  // namespace brenvolt

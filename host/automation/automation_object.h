@@ -46,15 +46,15 @@ class AutomationObject {
 };
 
 // The interface through which an automation object of a dialog leads to the dialog.
-inline constexpr InterfaceId IID_IMFCPointer{"IMFCPointer"};
+inline constexpr InterfaceId kDialogPointer{"IMFCPointer"};
 
 class CAnalysisDialog;
 
-class IMFCPointer {
+class DialogPointer {
  public:
-  virtual ~IMFCPointer() = default;
+  virtual ~DialogPointer() = default;
   // The dialog, or null when it is closed.
-  virtual CAnalysisDialog* GetMFCPointer() = 0;
+  virtual CAnalysisDialog* PointedDialog() = 0;
 };
 
 }  // namespace brenvolt

@@ -113,7 +113,7 @@ constexpr bool Allows(const MemberDescription& member, CallKind kind) {
   return (kind == CallKind::kGet ? member.get : member.put) != AutomationType::kNone;
 }
 
-// The type libraries that loaded modules have registered (KroOleRegisterTypeLib), by name or identifier; and
+// The type libraries that loaded modules have registered (RegisterTypeLibrary), by name or identifier; and
 // what stands in them. Null where there is none. Safe from any thread.
 const TypeLibrary* FindTypeLibrary(std::string_view nameOrIdentifier);
 const InterfaceDescription* FindInterface(std::string_view name);

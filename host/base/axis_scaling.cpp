@@ -69,7 +69,7 @@ RoundStep Coarsest(double minimum, double maximum) {
 
 }  // namespace
 
-double scling_double_QUA(double& minimum, double& maximum, int mostSteps, int fewestSteps) {
+double RoundAxis(double& minimum, double& maximum, int mostSteps, int fewestSteps) {
   if (!std::isfinite(minimum) || !std::isfinite(maximum)) return 0.0;
   if (minimum > maximum) std::swap(minimum, maximum);
   WidenPoint(minimum, maximum);

@@ -15,6 +15,6 @@ namespace brenvolt {
 //   the range from x - |x|/10 to x + |x|/10 before rounding; -1 to 1 about 0.
 // - A rounded limit beyond the largest double becomes the largest multiple that is none.
 // - Limits that are not finite come back as they are, with step 0.
-double scling_double_QUA(double& minimum, double& maximum, int mostSteps, int fewestSteps);
+double RoundAxis(double& minimum, double& maximum, int mostSteps, int fewestSteps);
 
 }  // namespace brenvolt

@@ -30,7 +30,7 @@ TEST(AxisScaling, RangesGetTheCoarsestRoundStepWithinBothCounts) {
   for (const Case& c : cases) {
     double low = c.minimum;
     double high = c.maximum;
-    const double step = scling_double_QUA(low, high, 50, 20);
+    const double step = RoundAxis(low, high, 50, 20);
     SCOPED_TRACE(testing::Message() << c.minimum << " to " << c.maximum);
     EXPECT_DOUBLE_EQ(step, c.step);
     EXPECT_DOUBLE_EQ(low, c.roundedMinimum);
@@ -64,7 +64,7 @@ TEST(AxisScaling, EveryFiniteRangeIsEnclosedInWholeSteps) {
   for (const auto& [minimum, maximum] : ranges) {
     double low = minimum;
     double high = maximum;
-    const double step = scling_double_QUA(low, high, 50, 20);
+    const double step = RoundAxis(low, high, 50, 20);
     SCOPED_TRACE(testing::Message() << minimum << " to " << maximum);
     ASSERT_GT(step, 0);
     const double steps = high / step - low / step;
@@ -81,14 +81,14 @@ TEST(AxisScaling, EveryFiniteRangeIsEnclosedInWholeSteps) {
 TEST(AxisScaling, OddCountsAndLimitsThatAreNotFiniteEnd) {
   double low = 0;
   double high = 10;
-  EXPECT_DOUBLE_EQ(scling_double_QUA(low, high, 0, -3), 10);
-  EXPECT_DOUBLE_EQ(scling_double_QUA(low, high, 4, 9), 5) << "no step gives exactly four";
+  EXPECT_DOUBLE_EQ(RoundAxis(low, high, 0, -3), 10);
+  EXPECT_DOUBLE_EQ(RoundAxis(low, high, 4, 9), 5) << "no step gives exactly four";
   high = 10;
   low = -HUGE_VAL;
-  EXPECT_EQ(scling_double_QUA(low, high, 50, 20), 0);
+  EXPECT_EQ(RoundAxis(low, high, 50, 20), 0);
   EXPECT_EQ(high, 10);
   low = std::numeric_limits<double>::quiet_NaN();
-  EXPECT_EQ(scling_double_QUA(low, high, 50, 20), 0);
+  EXPECT_EQ(RoundAxis(low, high, 50, 20), 0);
 }
 
 }  // namespace

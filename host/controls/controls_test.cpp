@@ -79,7 +79,7 @@ TEST(ProgressBar, PollsForCancellationOnlyAfterASecond) {
   RecordingPort port;
   port.cancel = true;
   {
-    const auto bar = CKroProgressBar::new_ProgressBar(port, "work", 10);
+    const auto bar = std::make_unique<ProgressBar>(port, "work", 10);
     bar->Step();
     EXPECT_TRUE(port.shown.empty()) << "the first second is silent";
     std::this_thread::sleep_for(std::chrono::milliseconds(1020));

@@ -12,7 +12,7 @@ namespace brenvolt {
 
 // Calls body(i, cancelled) for every i in [0, count) on all cores while the progress bar looks for a request
 // to stop. `body` polls `cancelled` at least every second; the loop then ends by UserCancelled.
-inline void PolledParallelFor(std::size_t count, CKroProgressBar& progress,
+inline void PolledParallelFor(std::size_t count, ProgressBar& progress,
                               const std::function<void(std::size_t, const Cancellation&)>& body) {
   Cancellation cancelled;
   ParallelForWatched(

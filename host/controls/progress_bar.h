@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <string>
 #include <string_view>
 
@@ -22,15 +21,14 @@ class ProgressPort {
   virtual std::chrono::milliseconds PollInterval() const { return std::chrono::milliseconds(1000); }
 };
 
-class CKroProgressBar {
+class ProgressBar {
  public:
   // A bar of `steps` steps on `port`, which must outlive it. Nothing is shown before ShowNow or the first
   // poll.
-  static std::unique_ptr<CKroProgressBar> new_ProgressBar(ProgressPort& port, std::string_view caption,
-                                                          std::int64_t steps);
-  ~CKroProgressBar();
-  CKroProgressBar(const CKroProgressBar&) = delete;
-  CKroProgressBar& operator=(const CKroProgressBar&) = delete;
+  ProgressBar(ProgressPort& port, std::string_view caption, std::int64_t steps);
+  ~ProgressBar();
+  ProgressBar(const ProgressBar&) = delete;
+  ProgressBar& operator=(const ProgressBar&) = delete;
 
   void ShowNow();
   // Advances. When more than the port's interval has passed since the last look, shows the progress and asks
@@ -38,8 +36,6 @@ class CKroProgressBar {
   void Step(std::int64_t steps = 1);
 
  private:
-  CKroProgressBar(ProgressPort& port, std::string_view caption, std::int64_t steps);
-
   ProgressPort& port_;
   std::string caption_;
   std::int64_t total_;

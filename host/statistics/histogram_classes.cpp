@@ -37,7 +37,7 @@ HistogramClasses ContinuousClasses(std::span<const double> sorted) {
   const int fewest = std::min(static_cast<int>(sturges), static_cast<int>(kMostClasses / kMostPerFewest));
   double from = sorted.front();
   double to = sorted.back();
-  const double step = scling_double_QUA(from, to, static_cast<int>(kMostPerFewest * fewest), fewest);
+  const double step = RoundAxis(from, to, static_cast<int>(kMostPerFewest * fewest), fewest);
   // The difference of the limits may be beyond the largest double.
   const auto count = static_cast<std::size_t>(std::round(to / step - from / step));
   return {EvenBounds(from, to, count), step};
@@ -49,7 +49,7 @@ HistogramClasses WholeNumberClasses(double least, double most) {
   if (most - least >= kMostClasses) {
     double from = least;
     double to = most;
-    step = std::max(1.0, scling_double_QUA(from, to, kMostClasses - 1, kMostClasses / 3));
+    step = std::max(1.0, RoundAxis(from, to, kMostClasses - 1, kMostClasses / 3));
   }
   const double from = std::floor(least / step) * step;
   const auto count = static_cast<std::size_t>(std::floor((most - from) / step)) + 1;

@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cassert>
 #include <cstddef>
 
 #include "host/base/parallel.h"
@@ -72,17 +71,15 @@ Process process;
 
 }  // namespace
 
-double rnd_(std::int32_t seed) {
-  if (seed != 0) process.Restart(seed);
+double NextUniform() {
   return process.Draw();
 }
 
-double znormal_(double sd) {
+double NextNormal(double sd) {
   return sd * NormalFromUniform(process.Draw());
 }
 
-void inirnd_(std::int32_t seed, [[maybe_unused]] std::int32_t reserved) {
-  assert(reserved == 0);
+void SeedProcessStream(std::int32_t seed) {
   process.Restart(seed);
 }
 

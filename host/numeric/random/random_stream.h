@@ -12,21 +12,14 @@
 
 namespace brenvolt {
 
-// rnd_(0): the next uniform deviate in [0, 1). rnd_(s), s != 0: starts the stream anew from the seed s and
-// returns the first uniform deviate of the new stream.
-double rnd_(std::int32_t seed);
+// The next uniform deviate in [0, 1).
+double NextUniform();
 
 // A normal deviate with mean 0 and standard deviation sd, by inversion of exactly one uniform deviate.
-double znormal_(double sd);
+double NextNormal(double sd);
 
-// Starts the stream anew from `seed`, 0 included, without drawing. `reserved` must be 0.
-void inirnd_(std::int32_t seed, std::int32_t reserved);
-
-// Uniform deviates from the process's stream.
-class CRandomizer {
- public:
-  double GetDouble() { return rnd_(0); }
-};
+// Starts the stream anew from `seed`, without drawing.
+void SeedProcessStream(std::int32_t seed);
 
 // Access to any place of a stream, for bulk and parallel use. Pure functions of the stream and the position.
 class RandomStream {

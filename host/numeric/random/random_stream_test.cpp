@@ -60,11 +60,11 @@ TEST(RandomStream, BulkEqualsOneByOneAtAnyPositionAndLength) {
       std::vector<double> normals(size);
       stream.FillUniform(position, uniforms);
       stream.FillNormal(position, kSd, normals);
-      inirnd_(kSeed, 0);
+      SeedProcessStream(kSeed);
       SetProcessStreamPosition(position);
-      for (const double value : uniforms) EXPECT_EQ(value, rnd_(0));
+      for (const double value : uniforms) EXPECT_EQ(value, NextUniform());
       SetProcessStreamPosition(position);
-      for (const double value : normals) EXPECT_EQ(value, znormal_(kSd));
+      for (const double value : normals) EXPECT_EQ(value, NextNormal(kSd));
       EXPECT_EQ(ProcessStreamPosition(), position + size);
     }
   }
@@ -81,19 +81,20 @@ TEST(RandomStream, EverySecondDrawIsThatOfTheWholeStream) {
   }
 }
 
-TEST(RandomStream, SeedingRestartsAndReturnsOrKeepsTheFirstDeviate) {
-  const double first = rnd_(-42);
-  EXPECT_EQ(ProcessStreamPosition(), 1U);
-  const double second = rnd_(0);
-  EXPECT_NE(first, second);
-  EXPECT_EQ(rnd_(-42), first);
-  EXPECT_EQ(CRandomizer().GetDouble(), second);
-  EXPECT_NE(rnd_(42), first);
-
-  inirnd_(0, 0);
-  EXPECT_EQ(ProcessStream().Seed(), 0);
+TEST(RandomStream, SeedingRestartsWithoutDrawing) {
+  SeedProcessStream(-42);
   EXPECT_EQ(ProcessStreamPosition(), 0U);
-  EXPECT_EQ(rnd_(0), RandomStream(0).Uniform(0));
+  const double first = NextUniform();
+  EXPECT_EQ(ProcessStreamPosition(), 1U);
+  EXPECT_NE(NextUniform(), first);
+  SeedProcessStream(-42);
+  EXPECT_EQ(NextUniform(), first);
+  SeedProcessStream(42);
+  EXPECT_NE(NextUniform(), first);
+
+  SeedProcessStream(0);
+  EXPECT_EQ(ProcessStream().Seed(), 0);
+  EXPECT_EQ(NextUniform(), RandomStream(0).Uniform(0));
 }
 
 // A substream that ran through its parent, or through one of its neighbours, would repeat their draws.
@@ -117,10 +118,10 @@ TEST(RandomStream, SubstreamsShareNoDrawWithEachOtherOrTheirParent) {
 }
 
 TEST(RandomStream, JumpDiscardsTheHeldHalfOfABlock) {
-  inirnd_(5, 0);
-  rnd_(0);
+  SeedProcessStream(5);
+  NextUniform();
   SetProcessStreamPosition(1001);
-  EXPECT_EQ(rnd_(0), RandomStream(5).Uniform(1001));
+  EXPECT_EQ(NextUniform(), RandomStream(5).Uniform(1001));
 }
 
 // P-values of a million draws under the hypothesis; a sound stream falls below the limit once in a million
@@ -208,11 +209,11 @@ TEST(RandomStream, LongFillsAreTheSameOnAnyNumberOfThreads) {
         stream.FillUniform(position, uniforms);
         stream.FillNormal(position, kSd, normals);
       });
-      inirnd_(77, 0);
+      SeedProcessStream(77);
       SetProcessStreamPosition(position);
-      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(uniforms[i], rnd_(0)) << threads << ' ' << i;
+      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(uniforms[i], NextUniform()) << threads << ' ' << i;
       SetProcessStreamPosition(position);
-      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(normals[i], znormal_(kSd)) << threads << ' ' << i;
+      for (std::size_t i = 0; i < kLength; ++i) ASSERT_EQ(normals[i], NextNormal(kSd)) << threads << ' ' << i;
     }
   }
 }
