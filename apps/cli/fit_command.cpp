@@ -16,6 +16,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/base/quoted.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/fit_graphs.h"
 
@@ -51,10 +52,6 @@ struct FitOptions {
 
 constexpr std::int32_t kMostCount = std::numeric_limits<std::int32_t>::max();
 constexpr std::int32_t kMostBootstrapSamples = 1'000'000;
-
-std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
 
 const FittedType& TypeNamed(std::string_view name) {
   if (const FittedType* type = FindFittedType(name)) return *type;

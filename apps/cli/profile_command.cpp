@@ -14,6 +14,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/output_file.h"
+#include "host/base/quoted.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula.h"
 #include "host/tables/numpy_archive.h"
@@ -50,10 +51,6 @@ struct Statement {
   std::string name;
   std::vector<std::optional<double>> values;
 };
-
-std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
 
 // A name may itself hold equals signs; the values hold none. A value may be empty where `mayBeEmpty`.
 Statement ParseStatement(const std::string& option, const std::string& wanted, const std::string& text,

@@ -5,6 +5,7 @@
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/interruption.h"
+#include "host/base/quoted.h"
 
 namespace brenvolt::cli {
 
@@ -33,10 +34,10 @@ std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, const std::vector<
   std::vector<std::int16_t> numbers;
   for (const std::string& name : names) {
     const auto index = sheet.FindVariable(name);
-    if (!index) throw Error("no variable called '" + name + "'", "sheet " + sheet.Name());
+    if (!index) throw Error("no variable called " + Quoted(name), "sheet " + sheet.Name());
     numbers.push_back(VariableNumberOf(*index));
     if (std::ranges::count(numbers, numbers.back()) > 1)
-      throw WrongCall("variable '" + name + "' is named twice");
+      throw WrongCall("variable " + Quoted(name) + " is named twice");
   }
   return numbers;
 }

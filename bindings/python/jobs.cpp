@@ -8,6 +8,7 @@
 #include "bindings/python/sheets.h"
 #include "host/analysis/result_columns.h"
 #include "host/base/almost_equal.h"
+#include "host/base/quoted.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/exchange.h"
 #include "host/jobs/fit_graphs.h"
@@ -44,7 +45,7 @@ py::list FittedTypes() {
 std::size_t CodeOf(const std::string& name) {
   const FittedType* type = FindFittedType(name);
   if (type == nullptr)
-    throw py::value_error("no distribution called '" + name + "'; there are " + FittedTypeNames());
+    throw py::value_error("no distribution called " + Quoted(name) + "; there are " + FittedTypeNames());
   return static_cast<std::size_t>(type - kFittedTypes.data());
 }
 
@@ -152,7 +153,7 @@ std::string Import(const std::filesystem::path& file, const std::filesystem::pat
                    const std::string& sheet, const std::string& kind, bool decimalComma) {
   RequireProjectEnding(project);
   if (!kind.empty() && kind != "data" && kind != "matrix")
-    throw std::invalid_argument("kind is 'data' or 'matrix', not '" + kind + "'");
+    throw std::invalid_argument("kind is 'data' or 'matrix', not " + Quoted(kind));
   const Spreadsheet imported = ImportIntoProject({file, Format(decimalComma), sheet, kind}, project);
   TheJob().Called(nullptr, "Import",
                   {PythonPath(file), PythonPath(project), Keyword("sheet=", sheet), Keyword("kind=", kind),

@@ -10,6 +10,7 @@
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"
+#include "host/base/quoted.h"
 #include "host/jobs/project_files.h"
 #include "host/tables/numpy_archive.h"
 
@@ -72,7 +73,7 @@ py::dict Properties(const VariableRef& variable) {
 
 std::size_t IndexOf(const Spreadsheet& sheet, const std::string& name) {
   const auto index = sheet.FindVariable(name);
-  if (!index) throw Error("no variable called '" + name + "'", "sheet " + sheet.Name());
+  if (!index) throw Error("no variable called " + Quoted(name), "sheet " + sheet.Name());
   return *index;
 }
 

@@ -14,6 +14,7 @@
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"
+#include "host/base/quoted.h"
 #include "host/numeric/algebra/cholesky.h"
 #include "host/numeric/random/random_stream.h"
 

@@ -6,7 +6,8 @@
 namespace brenvolt {
 namespace {
 
-std::string Quoted(std::string_view text) {
+// A string literal of the description.
+std::string Literal(std::string_view text) {
   std::string quoted = "\"";
   for (const char c : text) {
     if (c == '"' || c == '\\') quoted += '\\';
@@ -37,7 +38,7 @@ std::string Indexes(const MemberDescription& member) {
 
 // One line for a call: `kind` is "", ", propget" or ", propput".
 std::string CallText(const MemberDescription& member, std::string_view kind, const std::string& arguments) {
-  return "    [id(" + Number(member.id) + ")" + std::string(kind) + ", helpstring(" + Quoted(member.help) +
+  return "    [id(" + Number(member.id) + ")" + std::string(kind) + ", helpstring(" + Literal(member.help) +
          ")]\n    HRESULT " + std::string(member.name) + "(" + arguments + ");\n";
 }
 
@@ -56,7 +57,7 @@ std::string MemberText(const MemberDescription& member) {
 
 std::string EnumerationText(const EnumerationDescription& enumeration) {
   const std::string name(enumeration.name);
-  std::string text = "  typedef [helpstring(" + Quoted(enumeration.help) + ")]\n  enum " +
+  std::string text = "  typedef [helpstring(" + Literal(enumeration.help) + ")]\n  enum " +
                      (enumeration.unnamed ? std::string() : name + " ") + "{\n";
   for (std::size_t i = 0; i < enumeration.constants.size(); ++i) {
     const char* separator = i + 1 < enumeration.constants.size() ? ",\n" : "\n";
@@ -67,7 +68,7 @@ std::string EnumerationText(const EnumerationDescription& enumeration) {
 
 std::string InterfaceBlock(const InterfaceDescription& interface, std::string_view base) {
   std::string text = "  [object, uuid(" + std::string(Bare(interface.identifier)) +
-                     "), dual, oleautomation, helpstring(" + Quoted(interface.help) + ")]\n  interface " +
+                     "), dual, oleautomation, helpstring(" + Literal(interface.help) + ")]\n  interface " +
                      std::string(interface.name) + " : " + std::string(base) + " {\n";
   for (const MemberDescription& member : interface.members) text += MemberText(member);
   return text + "  };\n";
@@ -100,7 +101,7 @@ std::string_view InterfaceTypeName(AutomationType type, std::string_view enumera
 std::string InterfaceText(const TypeLibrary& library) {
   std::string text = "import \"oaidl.idl\";\n\n[uuid(" + std::string(Bare(library.identifier)) +
                      "), version(" + std::to_string(library.version.major) + "." +
-                     std::to_string(library.version.minor) + "), helpstring(" + Quoted(library.help) +
+                     std::to_string(library.version.minor) + "), helpstring(" + Literal(library.help) +
                      ")]\nlibrary " + std::string(library.name) + " {\n  importlib(\"stdole2.tlb\");\n";
   for (const EnumerationDescription& enumeration : library.enumerations) {
     text += "\n" + EnumerationText(enumeration);

@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/base/quoted.h"
 #include "host/formula/distribution_functions.h"
 #include "host/formula/functions.h"
 #include "host/formula/lexer.h"
@@ -23,10 +24,6 @@ const FormulaFunction* FindFunction(std::string_view name) {
     if (IsWord(name, function.name)) return &function;
   }
   return nullptr;
-}
-
-std::string Quoted(std::string_view name) {
-  return "'" + std::string(name) + "'";
 }
 
 std::string ArgumentCounts(const FormulaFunction& function) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/base/number_text.h"
+#include "host/base/quoted.h"
 #include "host/formula/formula_error.h"
 
 namespace brenvolt {
@@ -75,7 +76,7 @@ void Lexer::TakeNumber() {
     case NumberReading::kTooLarge:
       Fail("the number " + text + " is too large", token_.begin);
     case NumberReading::kNoNumber:
-      Fail("'" + text + "' is not a number", token_.begin);
+      Fail(Quoted(text) + " is not a number", token_.begin);
   }
 }
 
@@ -102,7 +103,7 @@ void Lexer::Fail(const std::string& what, std::size_t place) const {
 
 void Lexer::FailUnexpected() const {
   if (token_.kind == TokenKind::kEnd) Fail("the formula is incomplete", token_.begin);
-  Fail("unexpected '" + std::string(Text()) + "'", token_.begin);
+  Fail("unexpected " + Quoted(Text()), token_.begin);
 }
 
 }  // namespace brenvolt

@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "host/base/almost_equal.h"
+#include "host/base/quoted.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/project_files.h"
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/base/number_text.h"
+#include "host/base/quoted.h"
 
 namespace brenvolt {
 namespace {
@@ -13,10 +14,6 @@ std::string Prefix(const std::string& about) {
 }
 
 }  // namespace
-
-std::string Quoted(std::string_view text) {
-  return "'" + std::string(text) + "'";
-}
 
 void CheckWord(std::string_view field, const std::string& word, const Choices& choices, JobFaults& faults) {
   if (choices.contains(word)) return;

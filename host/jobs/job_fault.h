@@ -37,8 +37,6 @@ inline void RequireNone(JobFaults faults) {
   if (!faults.empty()) throw WrongJob(std::move(faults));
 }
 
-std::string Quoted(std::string_view text);
-
 // A choice among radio buttons by its word, and the dialog's member.
 using Choices = std::map<std::string, std::string_view, std::less<>>;
 
