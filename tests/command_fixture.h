@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/program.h"
+#include "tests/run_program.h"
 
 namespace brenvolt::test {
 

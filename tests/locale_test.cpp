@@ -7,7 +7,7 @@
 #include <cstdlib>
 
 #include "host/base/number_text.h"
-#include "tests/program.h"
+#include "tests/run_program.h"
 
 namespace brenvolt::test {
 namespace {

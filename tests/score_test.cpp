@@ -5,7 +5,7 @@
 #include <fstream>
 
 #include "host/tables/csv.h"
-#include "tests/program.h"
+#include "tests/run_program.h"
 
 namespace brenvolt::test {
 namespace {

@@ -1,9 +1,9 @@
 // brenvolt import and export: between projects and files of other formats.
 #include <cstdio>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/base/utf8.h"
 #include "host/jobs/exchange.h"

@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
-#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/automation/variable_list.h"
 #include "host/base/almost_equal.h"

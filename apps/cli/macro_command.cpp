@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
-#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "host/base/dynamic_library.h"
 #include "host/base/error.h"

@@ -5,11 +5,11 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/profiler_session.h"
-#include "apps/cli/recording.h"
 #include "host/application/graph_json.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"

@@ -1,9 +1,9 @@
 // brenvolt score: the predictions of a PMML model for the cases of a data file.
 #include <cstdio>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/recording.h"
 #include "host/jobs/exchange.h"
 
 namespace brenvolt::cli {

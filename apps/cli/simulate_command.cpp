@@ -5,10 +5,10 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/correlation_report.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/recording.h"
 #include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
 #include "host/base/error.h"

@@ -7,10 +7,10 @@
 #include <optional>
 
 #include "bindings/python/analysis.h"
-#include "bindings/python/arrays.h"
 #include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/numpy_arrays.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/variants.h"
 #include "host/analysis/analysis_graph_doc.h"

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "bindings/python/arrays.h"
 #include "bindings/python/module.h"
+#include "bindings/python/numpy_arrays.h"
 #include "host/base/number_text.h"
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/random/random_stream.h"

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 
-#include "bindings/python/arrays.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/numpy_arrays.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"

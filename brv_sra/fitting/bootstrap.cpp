@@ -12,7 +12,7 @@
 #include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
-#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/chi_square_tail.h"
 #include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {

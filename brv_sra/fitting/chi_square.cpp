@@ -8,7 +8,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/axis_scaling.h"
-#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/chi_square_tail.h"
 #include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {

@@ -1,7 +1,7 @@
 // The loaded library as a whole: its start-up and shut-down, and the state of which there is one per process.
 #pragma once
 
-#include "brv_sra/resources/type_library.h"
+#include "brv_sra/resources/module_type_library.h"
 #include "host/analysis/module_registration.h"
 
 namespace brenvolt::sra {

@@ -2,7 +2,7 @@
 
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
-#include "brv_sra/resources/type_library.h"
+#include "brv_sra/resources/module_type_library.h"
 
 namespace brenvolt::sra {
 

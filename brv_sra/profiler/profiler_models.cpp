@@ -12,7 +12,6 @@
 #include "brv_sra/profiler/best_fit_candidates.h"
 #include "host/automation/variable_list.h"
 #include "host/base/number_text.h"
-#include "host/base/quoted.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula_error.h"
 #include "host/formula/functions.h"

@@ -20,7 +20,7 @@
 #include "host/base/error.h"
 #include "host/base/parallel.h"
 #include "host/numeric/distributions/normal.h"
-#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/chi_square_tail.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/random/random_stream.h"
 #include "host/numeric/vector/sorting.h"

@@ -6,7 +6,7 @@
 
 #include "host/base/error.h"
 #include "host/graphs/box_plot.h"
-#include "host/graphs/histogram.h"
+#include "host/graphs/histogram_graph.h"
 
 namespace brenvolt {
 namespace {

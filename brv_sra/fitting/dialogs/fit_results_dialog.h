@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "brv_sra/fitting/dialogs/fit_graphs.h"
+#include "brv_sra/fitting/dialogs/fit_result_graphs.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/frame/dialog_base.h"

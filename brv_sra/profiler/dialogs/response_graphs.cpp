@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "brv_sra/fitting/dialogs/fit_graphs.h"
+#include "brv_sra/fitting/dialogs/fit_result_graphs.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/profiler/dialogs/response_values.h"
 #include "brv_sra/profiler/dialogs/result_documents.h"

@@ -4,8 +4,8 @@
 
 #include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/module_type_library.h"
 #include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/type_library.h"
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/base/error.h"

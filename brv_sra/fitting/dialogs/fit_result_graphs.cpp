@@ -1,4 +1,4 @@
-#include "brv_sra/fitting/dialogs/fit_graphs.h"
+#include "brv_sra/fitting/dialogs/fit_result_graphs.h"
 
 #include <algorithm>
 #include <array>
@@ -14,7 +14,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/graphs/box_plot.h"
-#include "host/graphs/histogram.h"
+#include "host/graphs/histogram_graph.h"
 #include "host/graphs/probability_plots.h"
 
 namespace brenvolt::sra {

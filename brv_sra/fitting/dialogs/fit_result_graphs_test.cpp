@@ -1,5 +1,5 @@
 // The graphs of a fit: classes that hold all values, and curves and points that are the distribution's own.
-#include "brv_sra/fitting/dialogs/fit_graphs.h"
+#include "brv_sra/fitting/dialogs/fit_result_graphs.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The type library against what recorded macros and compiled clients rely on (reference/members.txt).
-#include "brv_sra/resources/type_library.h"
+#include "brv_sra/resources/module_type_library.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "apps/cli/recording.h"
+#include "apps/cli/command_recording.h"
 
 #include <string>
 

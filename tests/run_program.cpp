@@ -1,4 +1,4 @@
-#include "tests/program.h"
+#include "tests/run_program.h"
 
 #include <fcntl.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-#include "brv_sra/resources/type_library.h"
+#include "brv_sra/resources/module_type_library.h"
 
 #include <array>
 

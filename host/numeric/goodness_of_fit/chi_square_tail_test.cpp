@@ -1,4 +1,4 @@
-#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/chi_square_tail.h"
 
 #include <gtest/gtest.h>
 

@@ -12,7 +12,7 @@
 
 #include "host/analysis/headless_user_interface.h"
 #include "host/application/application.h"
-#include "tests/program.h"
+#include "tests/run_program.h"
 
 namespace brenvolt::test {
 namespace {

@@ -1,5 +1,5 @@
 // The chi-square distribution is the gamma distribution of half the degrees of freedom at half the statistic.
-#include "host/numeric/goodness_of_fit/chi_square.h"
+#include "host/numeric/goodness_of_fit/chi_square_tail.h"
 
 #include <cmath>
 

@@ -1,4 +1,4 @@
-#include "host/graphs/histogram.h"
+#include "host/graphs/histogram_graph.h"
 
 #include <algorithm>
 #include <functional>
