@@ -20,6 +20,7 @@ class Room(NamedTuple):
 # A name stands for all the folders of the table below it, but "host" leaves out drawing, a library of its own.
 ROOMS = (
     Room("host/base", "", "system third-party"),
+    Room("host/base/files", "host/base", "system third-party"),
     Room("host/numeric/special", "host/base", "third-party"),
     Room("host/numeric/vector", "host/numeric/special", "third-party"),
     Room("host/numeric/random", "host/numeric/vector", "third-party"),
@@ -28,7 +29,7 @@ ROOMS = (
     Room("host/numeric/distributions", "host/numeric/estimation", "third-party"),
     Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
     Room("host/numeric/goodness_of_fit", "host/numeric/distributions", "third-party"),
-    Room("host/tables", "host/base", "third-party"),
+    Room("host/tables", "host/base/files", "third-party"),
     Room("host/controls", "host/base", "third-party"),
     Room("host/automation", "host/base", "third-party"),
     Room("host/statistics", "host/numeric host/tables", "third-party"),

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/temporary_folder_support_test.h"
 
 namespace brenvolt::test {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "apps/cli/session.h"
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 #include "host/jobs/project_files.h"
 #include "host/tables/numpy_archive.h"
 

@@ -9,7 +9,7 @@
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
 #include "host/base/error.h"
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 
 namespace py = pybind11;
 

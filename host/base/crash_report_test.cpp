@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <fstream>
 
+#include "host/base/files/temporary_folder_support_test.h"
 #include "host/base/logging.h"
-#include "host/base/temporary_folder_support_test.h"
 
 namespace brenvolt {
 namespace {

@@ -10,7 +10,7 @@
 #include "host/application/json_text.h"
 #include "host/application/result_table.h"
 #include "host/base/error.h"
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 
 namespace brenvolt {
 namespace {

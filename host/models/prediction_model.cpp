@@ -5,7 +5,7 @@
 #include <mutex>
 
 #include "host/base/error.h"
-#include "host/base/mapped_file.h"
+#include "host/base/files/mapped_file.h"
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/models/model_file.h"

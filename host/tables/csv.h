@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {

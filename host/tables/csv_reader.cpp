@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/base/mapped_file.h"
+#include "host/base/files/mapped_file.h"
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/base/utf8.h"

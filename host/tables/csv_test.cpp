@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "host/base/error.h"
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/temporary_folder_support_test.h"
 #include "host/tables/csv_reader.h"
 
 namespace brenvolt {

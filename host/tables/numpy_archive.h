@@ -8,7 +8,7 @@
 #include <span>
 #include <string>
 
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {

@@ -5,7 +5,7 @@
 #include <system_error>
 
 #include "host/base/error.h"
-#include "host/base/file_replacement.h"
+#include "host/base/files/file_replacement.h"
 #include "host/tables/sqlite_connection.h"
 #include "host/tables/workbook_reader.h"
 #include "host/tables/workbook_writer.h"

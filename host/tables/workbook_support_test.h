@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "host/base/error.h"
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/temporary_folder_support_test.h"
 #include "host/tables/workbook.h"
 
 namespace brenvolt {

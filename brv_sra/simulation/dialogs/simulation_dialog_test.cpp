@@ -7,7 +7,7 @@
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/headless_user_interface.h"
 #include "host/base/error.h"
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/temporary_folder_support_test.h"
 #include "host/tables/csv.h"
 #include "host/tables/numpy_archive.h"
 

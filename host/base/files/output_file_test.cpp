@@ -1,4 +1,4 @@
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "host/base/error.h"
-#include "host/base/mapped_file.h"
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/mapped_file.h"
+#include "host/base/files/temporary_folder_support_test.h"
 
 namespace brenvolt {
 namespace {

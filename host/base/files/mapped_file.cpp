@@ -1,4 +1,4 @@
-#include "host/base/mapped_file.h"
+#include "host/base/files/mapped_file.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

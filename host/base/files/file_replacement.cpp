@@ -1,4 +1,4 @@
-#include "host/base/file_replacement.h"
+#include "host/base/files/file_replacement.h"
 
 #include <fcntl.h>
 #include <sys/file.h>

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "host/base/file_replacement.h"
+#include "host/base/files/file_replacement.h"
 
 namespace brenvolt {
 

@@ -1,4 +1,4 @@
-#include "host/base/file_replacement.h"
+#include "host/base/files/file_replacement.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -11,8 +11,8 @@
 #include <string>
 
 #include "host/base/error.h"
-#include "host/base/output_file.h"
-#include "host/base/temporary_folder_support_test.h"
+#include "host/base/files/output_file.h"
+#include "host/base/files/temporary_folder_support_test.h"
 
 namespace brenvolt {
 namespace {

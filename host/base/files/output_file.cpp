@@ -1,4 +1,4 @@
-#include "host/base/output_file.h"
+#include "host/base/files/output_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>
