@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/vector/sorting.h"
 #include "host/statistics/equal_count_classes.h"
 
 namespace brenvolt::sra {
@@ -13,25 +12,7 @@ std::size_t RunCount(std::span<const ProfiledResponse> responses) {
   return responses.empty() ? 0 : responses.front().values.size();
 }
 
-// The runs in the order of a predictor, and its classes over them; runs without a value are left out.
-struct OrderedRuns {
-  std::vector<std::size_t> order;
-  std::vector<EqualCountClass> classes;
-};
-
-OrderedRuns OrderRuns(std::span<const double> predictor, std::size_t classes) {
-  OrderedRuns runs;
-  runs.order.resize(predictor.size());
-  SortedOrder(predictor, runs.order);
-  std::vector<double> sorted;
-  for (const std::size_t run : runs.order) {
-    if (!std::isnan(predictor[run])) sorted.push_back(predictor[run]);
-  }
-  runs.classes = EqualCountClasses(sorted, classes == 0 ? UsualClassCount(sorted.size()) : classes);
-  return runs;
-}
-
-std::vector<DefectClass> ProfileOf(const ProfiledResponse& response, const OrderedRuns& runs) {
+std::vector<DefectClass> ProfileOf(const ProfiledResponse& response, const OrderedCases& runs) {
   std::vector<DefectClass> profile;
   for (const EqualCountClass& one : runs.classes) {
     DefectClass counted{one.minimum, one.median, one.maximum, 0, 0};
@@ -77,9 +58,9 @@ DefectCounts CountDefects(std::span<const ProfiledResponse> responses) {
 std::vector<DefectProfile> ProfileDefects(std::span<const ProfiledResponse> responses,
                                           std::span<const ProfiledPredictor> predictors,
                                           std::size_t classes) {
-  std::vector<OrderedRuns> ordered;
+  std::vector<OrderedCases> ordered;
   for (const ProfiledPredictor& predictor : predictors) {
-    ordered.push_back(OrderRuns(predictor.values, classes));
+    ordered.push_back(OrderCases(predictor.values, classes));
   }
   std::vector<DefectProfile> profiles;
   for (std::size_t k = 0; k < responses.size(); ++k) {

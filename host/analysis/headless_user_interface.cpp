@@ -1,5 +1,7 @@
 #include "host/analysis/headless_user_interface.h"
 
+#include <utility>
+
 namespace brenvolt {
 namespace {
 
@@ -21,6 +23,13 @@ bool Fill(std::deque<std::function<void(Question&)>>& answers, Question& questio
 }
 
 }  // namespace
+
+std::vector<std::string> HeadlessUserInterface::TakeTexts() {
+  std::vector<std::string> texts;
+  for (Message& message : messages) texts.push_back(std::move(message.text));
+  messages.clear();
+  return texts;
+}
 
 MessageAnswer HeadlessUserInterface::ShowMessage(const Message& message) {
   messages.push_back(message);

@@ -37,6 +37,9 @@ class HeadlessUserInterface : public UserInterface {
   std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs;
   std::vector<std::string> progressCaptions;
 
+  // The texts of the messages since the last call, which takes them.
+  std::vector<std::string> TakeTexts();
+
   MessageAnswer ShowMessage(const Message& message) override;
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) override;
   bool SelectVariables(VariableQuestion& question) override;

@@ -1,10 +1,21 @@
 #include "host/statistics/equal_count_classes.h"
 
 #include <algorithm>
+#include <cmath>
 
+#include "host/numeric/vector/sorting.h"
 #include "host/statistics/percentiles.h"
 
 namespace brenvolt {
+namespace {
+
+std::size_t UsualClassCount(std::size_t cases) {
+  constexpr std::size_t kUsual = 20;
+  constexpr std::size_t kCasesOfAClass = 50;
+  return std::clamp<std::size_t>(cases / kCasesOfAClass, 2, kUsual);
+}
+
+}  // namespace
 
 std::vector<EqualCountClass> EqualCountClasses(std::span<const double> sorted, std::size_t classes) {
   std::vector<EqualCountClass> result;
@@ -21,10 +32,16 @@ std::vector<EqualCountClass> EqualCountClasses(std::span<const double> sorted, s
   return result;
 }
 
-std::size_t UsualClassCount(std::size_t cases) {
-  constexpr std::size_t kUsual = 20;
-  constexpr std::size_t kCasesOfAClass = 50;
-  return std::clamp<std::size_t>(cases / kCasesOfAClass, 2, kUsual);
+OrderedCases OrderCases(std::span<const double> variable, std::size_t classes) {
+  OrderedCases cases;
+  cases.order.resize(variable.size());
+  SortedOrder(variable, cases.order);
+  std::vector<double> sorted;
+  for (const std::size_t i : cases.order) {
+    if (!std::isnan(variable[i])) sorted.push_back(variable[i]);
+  }
+  cases.classes = EqualCountClasses(sorted, classes == 0 ? UsualClassCount(sorted.size()) : classes);
+  return cases;
 }
 
 }  // namespace brenvolt

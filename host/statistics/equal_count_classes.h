@@ -19,7 +19,12 @@ struct EqualCountClass {
 // few values has a class for each; no class is empty.
 std::vector<EqualCountClass> EqualCountClasses(std::span<const double> sorted, std::size_t classes);
 
-// A number of classes for so many cases: 20, as long as each holds some 50.
-std::size_t UsualClassCount(std::size_t cases);
+// The cases in the order of a variable, those where it is NaN last, and its classes over the others.
+struct OrderedCases {
+  std::vector<std::size_t> order;
+  std::vector<EqualCountClass> classes;
+};
+// Without a number of classes (0) there are 20, as long as each holds some 50 cases.
+OrderedCases OrderCases(std::span<const double> variable, std::size_t classes = 0);
 
 }  // namespace brenvolt

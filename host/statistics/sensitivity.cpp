@@ -6,7 +6,6 @@
 #include "host/base/parallel.h"
 #include "host/numeric/algebra/cholesky.h"
 #include "host/numeric/algebra/correlation.h"
-#include "host/numeric/vector/sorting.h"
 #include "host/statistics/equal_count_classes.h"
 #include "host/statistics/moments.h"
 
@@ -30,11 +29,7 @@ std::vector<std::vector<double>> CompleteColumns(std::span<const double> respons
 // The means of the classes against the mean of all, as a share of the sum of squares.
 double FirstOrder(std::span<const double> predictor, std::span<const double> response) {
   const std::size_t n = response.size();
-  std::vector<std::size_t> order(n);
-  SortedOrder(predictor, order);
-  std::vector<double> sorted(n);
-  for (std::size_t r = 0; r < n; ++r) sorted[r] = predictor[order[r]];
-  const auto classes = EqualCountClasses(sorted, UsualClassCount(n));
+  const auto [order, classes] = OrderCases(predictor);
   MomentAccumulator all;
   for (const double y : response) all.Add(y, 1);
   const Moments moments = all.Finish();

@@ -47,12 +47,7 @@ struct FitDialog : testing::Test {
   bool Checked(std::int32_t control) { return Dialog().Controls().IsChecked(control); }
   std::string Text(std::int32_t control) { return Dialog().Controls().Text(control); }
   // The messages since the last call.
-  std::vector<std::string> Said() {
-    std::vector<std::string> texts;
-    for (const Message& message : userInterface.messages) texts.push_back(message.text);
-    userInterface.messages.clear();
-    return texts;
-  }
+  std::vector<std::string> Said() { return userInterface.TakeTexts(); }
   void Answer(const Numbers& continuous, const Numbers& discrete) {
     userInterface.variableAnswers.emplace_back([=](VariableQuestion& question) {
       question.first = continuous;

@@ -62,12 +62,7 @@ struct ProfilerDialog : testing::Test {
     Put("NumberOfSamples", 500);
   }
   bool Simulate() { return Dialog().Press(kControlOk); }
-  std::vector<std::string> Said() {
-    std::vector<std::string> texts;
-    for (const Message& message : userInterface.messages) texts.push_back(message.text);
-    userInterface.messages.clear();
-    return texts;
-  }
+  std::vector<std::string> Said() { return userInterface.TakeTexts(); }
   // Why a call failed; empty where it did not.
   static std::string Reason(const std::function<void()>& call) {
     try {

@@ -9,7 +9,6 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
-#include "host/numeric/vector/sorting.h"
 #include "host/statistics/equal_count_classes.h"
 
 namespace brenvolt::sra {
@@ -25,25 +24,7 @@ std::int32_t Growth(std::size_t count, std::size_t fitting) {
   return count > fitting ? static_cast<std::int32_t>(count - fitting) * kLayoutStep : 0;
 }
 
-// The runs in the order of a predictor, and its classes.
-struct OrderedRuns {
-  std::vector<std::size_t> order;
-  std::vector<EqualCountClass> classes;
-};
-
-OrderedRuns OrderRuns(std::span<const double> predictor) {
-  OrderedRuns runs;
-  runs.order.resize(predictor.size());
-  SortedOrder(predictor, runs.order);
-  std::vector<double> sorted;
-  for (const std::size_t run : runs.order) {
-    if (!std::isnan(predictor[run])) sorted.push_back(predictor[run]);
-  }
-  runs.classes = EqualCountClasses(sorted, UsualClassCount(sorted.size()));
-  return runs;
-}
-
-GraphSeries MeanLine(const OrderedRuns& runs, std::span<const double> response) {
+GraphSeries MeanLine(const OrderedCases& runs, std::span<const double> response) {
   GraphSeries line;
   line.name = ResourceString(kProfilerMean);
   line.style = SeriesStyle::kLine;
@@ -74,7 +55,7 @@ GraphSeries Points(const ProfiledPredictor& predictor, const ProfiledResponse& r
   return points;
 }
 
-Graph Panel(const ProfiledPredictor& predictor, const ProfiledResponse& response, const OrderedRuns& runs) {
+Graph Panel(const ProfiledPredictor& predictor, const ProfiledResponse& response, const OrderedCases& runs) {
   Graph panel;
   panel.kind = GraphKind::kProfile;
   panel.title = response.name;
@@ -124,7 +105,7 @@ Graph ProfileGraph(const ProfiledColumns& columns, const RunProgress& bars) {
   AddNotes(columns, graph);
   graph.panels.resize(m * d);
   for (std::size_t j = 0; j < m; ++j) {
-    const OrderedRuns runs = OrderRuns(columns.predictors[j].values);
+    const OrderedCases runs = OrderCases(columns.predictors[j].values);
     for (std::size_t k = 0; k < d; ++k) {
       graph.panels[k * m + j] = Panel(columns.predictors[j], columns.responses[k], runs);
       progress->Step();

@@ -50,12 +50,7 @@ struct SimulationDialog : testing::Test {
     Dialog().Put("CorrelationMatrix", Variant::Object(matrix));
   }
   // The messages since the last call.
-  std::vector<std::string> Said() {
-    std::vector<std::string> texts;
-    for (const Message& message : userInterface.messages) texts.push_back(message.text);
-    userInterface.messages.clear();
-    return texts;
-  }
+  std::vector<std::string> Said() { return userInterface.TakeTexts(); }
 };
 
 // Recorded macros rely on the names and numbers.
