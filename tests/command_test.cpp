@@ -547,7 +547,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"import", "mirror.csv", "-o", "good.bvw"},
        1,
        "the matrix is not symmetric: 0.26 here, 0.5 in row a (mirror.csv, row b, column a)"},
-      {{"import", "weights.csv", "-o", "good.bvw", "--kind", "matrix"}, 1, "is no matrix"},
+      {{"import", "weights.csv", "-o", "good.bvw", "--kind", "matrix"}, 1, "is not a matrix"},
       {{"import", "weights.csv", "-o", "good.bvw", "--kind", "graph"}, 2, "--kind"},
   };
   const auto contents = [&] {

@@ -13,7 +13,7 @@ bool SameIndexes(const std::vector<Variant>& a, const std::vector<Variant>& b) {
                             [](const Variant& x, const Variant& y) { return x.ToText() == y.ToText(); });
 }
 
-// A macro that went on without the data that a person opened would do something else.
+// A macro that went on without the data that a user opened would do something else.
 constexpr const char* kOtherData =
     "raise SystemExit(\"other data were opened in a dialog here: open them by application.Open instead\")";
 

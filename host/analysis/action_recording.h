@@ -1,4 +1,4 @@
-// Actions on a dialog, as a macro records them: what a person does to a control, and what a program does by a
+// Actions on a dialog, as a macro records them: what a user does to a control, and what a program does by a
 // member of automation. Of actions inside each other only the outermost is recorded.
 #pragma once
 
@@ -32,7 +32,7 @@ class ActionRecording {
   MacroRecorder* recorder_;
 };
 
-// A person's action on a control of the open dialog. What it changed of the members that can be put, and of
+// A user's action on a control of the open dialog. What it changed of the members that can be put, and of
 // the input's case selection and weights, becomes lines once it is done; then what the pressed button or the
 // double click on a list itself stands for.
 class ControlRecording {

@@ -1,5 +1,5 @@
 // The base of an analysis's dialogs: controls by number, commands, and the end of the dialog by a step of the
-// sequence. What a person does with a mouse and what automation does are the same operations.
+// sequence. What a user does with a mouse and what automation does are the same operations.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +42,7 @@ class CAnalysisDialog {
   };
   virtual std::vector<StandIn> StandInsOf(std::int32_t /*number*/) const { return {}; }
 
-  // Control operations. Each acts as the person's own action would and answers whether the dialog took it: a
+  // Control operations. Each acts as the user's own action would and answers whether the dialog took it: a
   // control that is disabled or hidden refuses, and so does a button whose step of the sequence fails. After
   // Press the dialog may no longer exist.
   bool Press(std::int32_t number);
@@ -114,7 +114,7 @@ class CAnalysisModalDialog : public CAnalysisDialog {
  public:
   using CAnalysisDialog::CAnalysisDialog;
 
-  // Initialises the dialog, lets the person act on it, and returns when they left it: true by OK, false by
+  // Initialises the dialog, lets the user act on it, and returns when they left it: true by OK, false by
   // Cancel.
   bool DoModal();
   // True from the start of DoModal until OK was taken or Cancel pressed.

@@ -1,4 +1,4 @@
-// What the host attaches to an analysis: the input spreadsheet and the person's user interface.
+// What the host attaches to an analysis: the input spreadsheet and the user interface.
 #pragma once
 
 #include <filesystem>

@@ -25,7 +25,7 @@ class CAnalysisDialog;
 // One row of an analysis's sequence table; an all-zero row ends the table.
 //
 // `entry` carries out the step and returns 0 when it failed. After a step that succeeded, the follow-on step
-// (0 = none) runs at once. A dialog that the person leaves by Cancel goes to its step's return step; where
+// (0 = none) runs at once. A dialog that the user leaves by Cancel goes to its step's return step; where
 // that is 0, to the step whose dialog opened it, and where there is none either, the sequence has ended.
 struct SequenceStep {
   std::int32_t step;
@@ -82,7 +82,7 @@ class CAnalysisSupport {
   virtual std::string GetResourceString(std::int32_t number) const;
   virtual int GetAnalysisID() const;
   virtual std::shared_ptr<AutomationObject> GetDialogAutomationInterface() const;
-  // Records that the person's settings changed, for the macro that is being recorded. The base does nothing:
+  // Records that the user's settings changed, for the macro that is being recorded. The base does nothing:
   // dialogs record every action themselves (Recorder).
   virtual void UpdateLastAutomationDefinition();
   // The missing-data code and the name of an input variable, counted from 1.
@@ -140,7 +140,7 @@ class CAnalysisSupport {
 
   // For dialogs: makes a dialog the open one; what it was before is closed.
   void SetCurrentDialog(std::unique_ptr<CAnalysisDialog> dialog);
-  // For dialogs: what shall happen once the command being carried out has returned.
+  // For dialogs: what will happen once the command being carried out has returned.
   void RequestStep(std::int32_t step);
   void RequestReturn();
   // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists
@@ -162,7 +162,7 @@ class CAnalysisSupport {
   std::shared_ptr<AutomationObject> AutomationInterface();
   std::shared_ptr<AutomationObject> ApplicationInterface() const;
 
-  // While one exists, the analysis is entered and driven by automation: no question is asked of the person.
+  // While one exists, the analysis is entered and driven by automation: no question is asked of the user.
   // They nest.
   class AutomationCall {
    public:

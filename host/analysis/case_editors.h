@@ -5,11 +5,11 @@
 
 namespace brenvolt {
 
-// Lets the person edit the selection conditions, which become the input's. A faulty condition is said and
-// asked for again. False, and nothing changed, when the person cancelled or there is no input.
+// Lets the user edit the selection conditions, which become the input's. A faulty condition is said and
+// asked for again. False, and nothing changed, when the user cancelled or there is no input.
 bool EditSelectionConditions(CAnalysisSupport& analysis);
 
-// Lets the person choose the variable that weights the cases, or none. The results are locked meanwhile. The
+// Lets the user choose the variable that weights the cases, or none. The results are locked meanwhile. The
 // same answers; a number of no variable is said and asked for again.
 bool EditCaseWeights(CAnalysisSupport& analysis);
 

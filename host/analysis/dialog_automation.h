@@ -51,7 +51,7 @@ struct AutomationMember {
   std::string_view name;
   Get get = nullptr;
   Put put = nullptr;
-  // Which of the two there are: a constant also where the address of a function is none.
+  // Which of the two exist: known to the compiler, which comparing a function with null is not.
   bool gets = false;
   bool puts = false;
   Place place = nullptr;

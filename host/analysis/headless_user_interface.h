@@ -1,4 +1,4 @@
-// A user interface without a person: answers are scripted, every message, document and graph is
+// A user interface without a user: answers are scripted, every message, document and graph is
 // recorded.
 #pragma once
 

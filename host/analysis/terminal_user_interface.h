@@ -1,6 +1,6 @@
 // The user interface of the command line: messages and progress on standard error, documents and graphs kept
-// for the command that asked for them. Questions are answered without asking: a command has said all it
-// wants.
+// for the command that asked for them. Questions are answered without asking: the command line has settled
+// everything.
 #pragma once
 
 #include <memory>
@@ -34,7 +34,7 @@ class TerminalUserInterface : public UserInterface {
   // Shows progress when standard error is a terminal and the work is longer than a second.
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override;
-  // True once the person pressed Ctrl-C while a job that polls was running.
+  // True once the user pressed Ctrl-C while a job that polls was running.
   bool IsExternallyCancelled() override;
 
  private:

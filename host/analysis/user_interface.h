@@ -1,4 +1,4 @@
-// The user-interface port: everything that an analysis asks of the person in front of it. Dialog logic never
+// The user-interface port: everything that an analysis asks of the user in front of it. Dialog logic never
 // knows which implementation answers.
 #pragma once
 
@@ -68,16 +68,16 @@ struct MatrixQuestion {
 class UserInterface : public ProgressPort {
  public:
   virtual MessageAnswer ShowMessage(const Message& message) = 0;
-  // The chosen files; none when the person cancelled.
+  // The chosen files; none when the user cancelled.
   virtual std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) = 0;
-  // Fills the two lists; false, and the lists as they were, when the person cancelled.
+  // Fills the two lists; false, and the lists as they were, when the user cancelled.
   virtual bool SelectVariables(VariableQuestion& question) = 0;
   // The editors of the selection conditions, of the case weights and of a matrix; the same answers. A front
   // end without them cancels.
   virtual bool EditSelection(SelectionQuestion& /*question*/) { return false; }
   virtual bool EditWeights(WeightQuestion& /*question*/) { return false; }
   virtual bool EditMatrix(MatrixQuestion& /*question*/) { return false; }
-  // Lets the person act on a modal dialog until it is no longer open. A front end that returns before has
+  // Lets the user act on a modal dialog until it is no longer open. A front end that returns before has
   // cancelled it.
   virtual void RunModal(CAnalysisModalDialog& dialog) = 0;
   // Show a finished document, which the receiver may keep.

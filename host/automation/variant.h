@@ -40,7 +40,7 @@ class Variant {
   bool IsBoolean() const { return std::holds_alternative<bool>(Resolved().value_); }
   bool IsText() const { return std::holds_alternative<std::string>(Resolved().value_); }
   bool IsArray() const { return std::holds_alternative<Array>(Resolved().value_); }
-  // True for the object that is none, too.
+  // True for a null object, too.
   bool IsObject() const { return std::holds_alternative<Object>(Resolved().value_); }
 
   // The value as one type. Numbers and booleans convert into each other (a real to an integer only when it is

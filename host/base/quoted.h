@@ -1,4 +1,4 @@
-// Names and words of the person in messages.
+// Names and words that users wrote, in messages.
 #pragma once
 
 #include <string>

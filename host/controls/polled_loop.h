@@ -1,4 +1,4 @@
-// Loops on all cores that a person can cancel.
+// Loops on all cores that a user can cancel.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// Progress of long loops, with the poll for cancellation that every long loop owes the person.
+// Progress of long loops, with the poll for cancellation that every long loop owes the user.
 #pragma once
 
 #include <chrono>
@@ -15,7 +15,7 @@ class ProgressPort {
   // Called when a bar opens, then at most once a second while it runs.
   virtual void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) = 0;
   virtual void EndProgress() = 0;
-  // True once the person asked to stop.
+  // True once the user asked to stop.
   virtual bool IsExternallyCancelled() = 0;
   // The least time between two looks at whether they did.
   virtual std::chrono::milliseconds PollInterval() const { return std::chrono::milliseconds(1000); }
@@ -32,7 +32,7 @@ class ProgressBar {
 
   void ShowNow();
   // Advances. When more than the port's interval has passed since the last look, shows the progress and asks
-  // for cancellation; throws UserCancelled when the person cancelled.
+  // for cancellation; throws UserCancelled when the user cancelled.
   void Step(std::int64_t steps = 1);
 
  private:

@@ -78,9 +78,10 @@ class MatrixTable {
       if (Column(c).Type() != VariableType::kText) continue;
       for (std::size_t row = 0; row < table_.CaseCount(); ++row) {
         const std::string_view text = TextAt(Column(c), row);
-        if (!text.empty() && !ParseNumber(text)) Fail("\"" + std::string(text) + "\" is no number", row, c);
+        if (!text.empty() && !ParseNumber(text))
+          Fail("\"" + std::string(text) + "\" is not a number", row, c);
       }
-      Fail("is no column of numbers", 0, c);
+      Fail("is not a column of numbers", 0, c);
     }
   }
 
@@ -160,7 +161,8 @@ bool LooksLikeMatrixTable(const Spreadsheet& table) {
 
 std::unique_ptr<Spreadsheet> MatrixFromTable(const Spreadsheet& table, const std::string& file) {
   if (table.VariableCount() < 2 || table.VariableAt(0).Type() != VariableType::kText)
-    throw Error("is no matrix: a first column names the rows, further columns hold numbers", file);
+    throw Error(
+        "is not a matrix: the first column must name the rows and the other columns must hold numbers", file);
   return MatrixTable(table, file).Matrix();
 }
 

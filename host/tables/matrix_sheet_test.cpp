@@ -71,7 +71,7 @@ TEST(MatrixSheet, DamagedTextIsRefusedWithItsRowAndColumn) {
       {"Matrix,1,\n", "Matrix,1,\nMore,1,1\n",
        "has 7 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and Matrix",
        "m.csv"},
-      {"a,1,0.25", "a,1,0.25x", "\"0.25x\" is no number", "m.csv, row a, column b"},
+      {"a,1,0.25", "a,1,0.25x", "\"0.25x\" is not a number", "m.csv, row a, column b"},
       {"a,1,0.25", "a,1,", "a correlation is missing", "m.csv, row a, column b"},
       {"a,1,0.25", "a,1,nan", "a correlation is missing", "m.csv, row a, column b"},
       {"a,1,", "a,0.99,", "the correlation of a variable with itself is not 1", "m.csv, row a, column a"},
