@@ -78,4 +78,12 @@ struct ProfilerDesign {
   std::size_t AddDependent(ProfilerDependent dependent);
 };
 
+// The names of predictors, or of dependents.
+template <class Item>
+std::vector<std::string> NamesOf(const std::vector<Item>& items) {
+  std::vector<std::string> names;
+  for (const Item& item : items) names.push_back(item.name);
+  return names;
+}
+
 }  // namespace brenvolt::sra

@@ -1,8 +1,9 @@
 #include "host/statistics/order_statistics.h"
 
 #include <algorithm>
-#include <bit>
 #include <utility>
+
+#include "host/numeric/vector/ordered_bits.h"
 
 namespace brenvolt {
 namespace {
@@ -11,16 +12,6 @@ constexpr int kKeyBits = 64;
 constexpr int kBitsPerPass = 16;
 constexpr std::size_t kParts = std::size_t{1} << kBitsPerPass;
 constexpr std::uint64_t kMostKept = kParts;
-constexpr std::uint64_t kSign = std::uint64_t{1} << 63;
-
-// Whole numbers in the order of the doubles; the two zeros stand side by side.
-std::uint64_t KeyOf(double x) {
-  const auto bits = std::bit_cast<std::uint64_t>(x);
-  return (bits & kSign) != 0 ? ~bits : bits | kSign;
-}
-double ValueOf(std::uint64_t key) {
-  return std::bit_cast<double>((key & kSign) != 0 ? key & ~kSign : ~key);
-}
 
 }  // namespace
 
@@ -37,11 +28,11 @@ void OrderStatisticSearch::Add(std::span<const double> values) {
   if (IsDone()) return;
   if (knownBits_ == 0) {
     std::vector<std::uint64_t>& counts = groups_.front().counts;
-    for (const double x : values) ++counts[KeyOf(x) >> (kKeyBits - kBitsPerPass)];
+    for (const double x : values) ++counts[OrderedBits(x) >> (kKeyBits - kBitsPerPass)];
     return;
   }
   for (const double x : values) {
-    const std::uint64_t key = KeyOf(x);
+    const std::uint64_t key = OrderedBits(x);
     if (isTopSought_[key >> (kKeyBits - kBitsPerPass)] == 0) continue;
     const std::uint64_t prefix = key >> (kKeyBits - knownBits_);
     const auto group = std::ranges::lower_bound(groups_, prefix, {}, &Group::prefix);
@@ -68,7 +59,7 @@ void OrderStatisticSearch::EndPass() {
 }
 
 void OrderStatisticSearch::FinishKept(Group& group) {
-  std::ranges::sort(group.members, {}, KeyOf);
+  std::ranges::sort(group.members, {}, OrderedBits);
   for (const std::size_t i : group.sought) values_[i] = group.members[ranks_[i] - group.below];
 }
 
@@ -88,7 +79,7 @@ void OrderStatisticSearch::Divide(const Group& group, std::vector<Group>& parts)
     below = end;
     if (found.sought.empty()) continue;
     if (knownBits_ + kBitsPerPass == kKeyBits) {
-      for (const std::size_t i : found.sought) values_[i] = ValueOf(found.prefix);
+      for (const std::size_t i : found.sought) values_[i] = FromOrderedBits(found.prefix);
     } else {
       parts.push_back(std::move(found));
     }

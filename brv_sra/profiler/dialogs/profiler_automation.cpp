@@ -34,13 +34,6 @@ using Member = AutomationMember<Dialog>;
 
 constexpr double kLargestLimit = 1e30;
 
-template <class Named>
-std::vector<std::string> NamesOf(const std::vector<Named>& list) {
-  std::vector<std::string> names;
-  for (const Named& item : list) names.push_back(item.name);
-  return names;
-}
-
 Variant GetModels(Dialog& dialog, Indexes) {
   std::string text;
   for (const std::string& file : dialog.State().modelFiles) text += (text.empty() ? "" : "|") + file;

@@ -33,12 +33,6 @@ double FromField(double value) {
   return IsNotSet(value) ? std::numeric_limits<double>::quiet_NaN() : value;
 }
 
-std::vector<std::string> NamesOf(const auto& list) {
-  std::vector<std::string> names;
-  for (const auto& item : list) names.push_back(item.name);
-  return names;
-}
-
 double* LimitOf(std::int32_t control, SpecificationLimits& limits) {
   if (control == kLsl) return &limits.lower;
   return control == kUsl ? &limits.upper : &limits.target;

@@ -7,13 +7,13 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <vector>
 
 #include "host/numeric/vector/algebra_kernels.h"
+#include "host/numeric/vector/ordered_bits.h"
 
 namespace brenvolt {
 namespace {
@@ -21,24 +21,21 @@ namespace {
 // Below this length the plain sort is as fast as the dispatch to the vectorised one.
 constexpr std::size_t kSmall = 32;
 
-constexpr std::uint64_t kSignBit = std::uint64_t{1} << 63;
-
 // The sorter's scratch memory is kept for the life of the thread.
 const hwy::Sorter& ThreadSorter() {
   thread_local const hwy::Sorter sorter;
   return sorter;
 }
 
-// An unsigned whole number that is ordered as the reals are; the largest for any NaN.
+// The number that stands for a real, the largest for any NaN.
+constexpr std::uint64_t kNaNKey = std::numeric_limits<std::uint64_t>::max();
+
 std::uint64_t KeyOf(double x) {
-  if (std::isnan(x)) return std::numeric_limits<std::uint64_t>::max();
-  const auto bits = std::bit_cast<std::uint64_t>(x);
-  return (bits & kSignBit) != 0 ? ~bits : bits | kSignBit;
+  return std::isnan(x) ? kNaNKey : OrderedBits(x);
 }
 
 double ValueOf(std::uint64_t key) {
-  if (key == std::numeric_limits<std::uint64_t>::max()) return std::numeric_limits<double>::quiet_NaN();
-  return std::bit_cast<double>((key & kSignBit) != 0 ? key & ~kSignBit : ~key);
+  return key == kNaNKey ? std::numeric_limits<double>::quiet_NaN() : FromOrderedBits(key);
 }
 
 // Highway's sort has no form of 128 bits for narrower registers, and the standard sort takes its place there.
