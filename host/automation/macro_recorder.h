@@ -17,7 +17,7 @@
 
 namespace brenvolt {
 
-// Values as Python writes them. Numbers read back exactly; bytes of a text that are no UTF-8 become what
+// Values as Python writes them. Numbers read back exactly; bytes of a text that are not UTF-8 become what
 // Python takes them for in the names of files.
 std::string PythonText(std::string_view text);
 std::string PythonPath(const std::filesystem::path& path);

@@ -13,7 +13,7 @@ namespace brenvolt {
 //   encloses the one given. Limits in the wrong order are exchanged.
 // - A range too narrow for doubles to tell the steps apart counts as the point x in its middle, and becomes
 //   the range from x - |x|/10 to x + |x|/10 before rounding; -1 to 1 about 0.
-// - A rounded limit beyond the largest double becomes the largest multiple that is none.
+// - A rounded limit that would exceed the largest double becomes the largest multiple that does not.
 // - Limits that are not finite come back as they are, with step 0.
 double RoundAxis(double& minimum, double& maximum, int mostSteps, int fewestSteps);
 

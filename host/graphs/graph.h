@@ -2,7 +2,7 @@
 // as JSON or puts it into a spreadsheet reads these plain structures.
 //
 // A graph holds any mix of bars, series, curves and boxes over common axes; the kind says what it is, and
-// with it what a reader may expect (histogram.h, probability_plots.h, box_plot.h make them).
+// with it what a reader may expect (histogram_graph.h, probability_plots.h, box_plot.h make them).
 #pragma once
 
 #include <cstddef>
@@ -101,7 +101,7 @@ struct GraphTexts {
 };
 
 // The curve at evenly spaced values of its range, both ends included (at every whole number of the range, or
-// at as many of them evenly spaced, for a function of whole numbers). Throws Error when the formula is none.
+// at as many of them evenly spaced, for a function of whole numbers). Throws Error for an invalid formula.
 inline constexpr std::size_t kCurvePoints = 201;
 GraphSeries SampleCurve(const GraphCurve& curve, std::size_t points = kCurvePoints);
 

@@ -27,7 +27,7 @@ class DatabaseError : public Error {
       : Error(what, std::move(where)), code_(code) {}
   // SQLite's extended result code.
   int Code() const noexcept { return code_; }
-  // True when the file itself is at fault: damaged, no database, or no longer the file under its name.
+  // True when the file itself is at fault: damaged, not a database, or no longer the file under its name.
   bool IsUnusableFile() const noexcept;
 
  private:

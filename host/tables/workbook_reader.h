@@ -18,7 +18,7 @@ struct WorkbookContent {
 };
 
 // Opens a file for reading and begins the transaction in which all is read. Throws Error naming `path` when
-// the file cannot be read, is no project, was written by a newer version, or is shorter than it says.
+// the file cannot be read, is not a project, was written by a newer version, or is shorter than it says.
 Connection OpenWorkbookFile(const std::filesystem::path& path);
 
 // Reads everything. Memory is never asked for beyond what the file can hold. Throws Error when the content

@@ -127,7 +127,7 @@ struct StoredColumn {
 using StoredColumns = std::multimap<std::uint64_t, StoredColumn>;
 
 // A 64-bit checksum of the bits of the values and their number. It tells accidental damage and different
-// columns apart; it is no protection against intent.
+// columns apart; it does not protect against intent.
 std::int64_t ColumnChecksum(std::span<const double> values);
 
 // What the first 100 bytes of the file say (sqlite.org/fileformat2.html, section 1.3).
