@@ -64,6 +64,34 @@ void ForestOf500Trees(benchmark::State& state) {
 }
 BENCHMARK(ForestOf500Trees)->Arg(6)->Arg(8)->Arg(10)->Arg(12)->Unit(benchmark::kMillisecond);
 
+std::string Call(const std::string& function, const std::string& a, const std::string& b) {
+  return "<Apply function=\"" + function + "\">" + a + b + "</Apply>";
+}
+std::string Times(const std::string& factor, const std::string& field) {
+  return Call("*", "<Constant>" + factor + "</Constant>", "<FieldRef field=\"" + field + "\"/>");
+}
+
+// 3.2 + 1.5*x0 - 0.7*x1 + 0.1*x2, the first formula of formula_bench.cpp, as a transformation.
+void Transformation(benchmark::State& state) {
+  const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
+  const std::string sum =
+      Call("+", Call("-", Call("+", "<Constant>3.2</Constant>", Times("1.5", "x0")), Times("0.7", "x1")),
+           Times("0.1", "x2"));
+  const PredictionModel model = PredictionModel::Parse(
+      Head() + "<RegressionModel functionName=\"regression\">" + Schema() +
+          "<LocalTransformations><DerivedField name=\"sum\" optype=\"continuous\" dataType=\"double\">" +
+          sum +
+          "</DerivedField></LocalTransformations><RegressionTable intercept=\"0\">"
+          "<NumericPredictor name=\"sum\" coefficient=\"1\"/></RegressionTable></RegressionModel></PMML>",
+      "transformation.pmml");
+  const Columns columns = Uniforms(kFormulaRows);
+  std::vector<double> answer(kFormulaRows);
+  for (auto _ : state) Predict(model, columns, answer);
+  state.counters["rows"] =
+      benchmark::Counter(static_cast<double>(kFormulaRows), benchmark::Counter::kIsIterationInvariantRate);
+}
+BENCHMARK(Transformation)->Unit(benchmark::kMillisecond);
+
 void RegressionFormula(benchmark::State& state) {
   const tbb::global_control oneThread(tbb::global_control::max_allowed_parallelism, 1);
   std::string text = Head() + "<RegressionModel functionName=\"regression\">" + Schema() +

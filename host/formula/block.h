@@ -1,5 +1,5 @@
-// Blocks of cases on which formulas work: every operator and function of a formula is a kernel that takes
-// arguments for some hundred cases at once and writes as many results.
+// Blocks of cases on which formulas and the transformations of models work: every operator and function is a
+// kernel that takes arguments for some hundred cases at once and writes as many results.
 #pragma once
 
 #include <cstddef>
@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// What stands for a missing value inside a formula.
+// What stands for a missing value inside a block.
 inline constexpr double kMissingResult = std::numeric_limits<double>::quiet_NaN();
 
 // One argument: a value for each case, or the same value for all.
@@ -22,37 +22,15 @@ struct BlockArgument {
 // one element. NaN is a missing value, among the arguments and the results.
 using BlockKernel = void (*)(std::span<const BlockArgument> arguments, std::span<double> out);
 
-// The kernels of functions of one and two reals.
-template <double (*kFunction)(double)>
-void UnaryKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  const double* a = arguments[0].values;
-  for (std::size_t i = 0; i < out.size(); ++i) out[i] = kFunction(a[i]);
-}
-
-template <double (*kFunction)(double, double)>
-void BinaryKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  const double* a = arguments[0].values;
-  const double* b = arguments[1].values;
-  if (arguments[0].constant) {
-    const double left = *a;
-    for (std::size_t i = 0; i < out.size(); ++i) out[i] = kFunction(left, b[i]);
-  } else if (arguments[1].constant) {
-    const double right = *b;
-    for (std::size_t i = 0; i < out.size(); ++i) out[i] = kFunction(a[i], right);
-  } else {
-    for (std::size_t i = 0; i < out.size(); ++i) out[i] = kFunction(a[i], b[i]);
-  }
-}
-
-// A function that a formula calls by name.
-struct FormulaFunction {
+// A function that is called by name.
+struct NamedKernel {
   const char* name;
   BlockKernel kernel;
   std::size_t fewestArguments;
   std::size_t mostArguments;
 };
 
-// The most arguments of any call.
+// The most arguments of any call in a formula.
 inline constexpr std::size_t kMostArguments = 64;
 
 }  // namespace brenvolt

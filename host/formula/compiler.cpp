@@ -8,6 +8,7 @@
 #include "host/base/quoted.h"
 #include "host/formula/distribution_functions.h"
 #include "host/formula/functions.h"
+#include "host/formula/kernels.h"
 #include "host/formula/lexer.h"
 
 namespace brenvolt {
@@ -16,17 +17,17 @@ namespace {
 // Parentheses, signs and calls within each other; far beyond what a person writes, far below the stack.
 constexpr std::size_t kDeepest = 200;
 
-const FormulaFunction* FindFunction(std::string_view name) {
-  for (const FormulaFunction& function : DistributionFunctions()) {
+const NamedKernel* FindFunction(std::string_view name) {
+  for (const NamedKernel& function : DistributionFunctions()) {
     if (name == function.name) return &function;
   }
-  for (const FormulaFunction& function : MathematicalFunctions()) {
+  for (const NamedKernel& function : MathematicalFunctions()) {
     if (IsWord(name, function.name)) return &function;
   }
   return nullptr;
 }
 
-std::string ArgumentCounts(const FormulaFunction& function) {
+std::string ArgumentCounts(const NamedKernel& function) {
   std::string text = std::to_string(function.fewestArguments);
   if (function.mostArguments == kMostArguments) return text + " or more values";
   if (function.mostArguments != function.fewestArguments)
@@ -109,7 +110,7 @@ class Compiler {
   Operand TakeNot() {
     const Nesting nesting(*this);
     lexer_.Advance();
-    return Call(NotKernel, {TakeLevel(OperatorLevel::kComparison)});
+    return Call(UnaryKernel<kernels::NotTrue>, {TakeLevel(OperatorLevel::kComparison)});
   }
 
   // Signs, and powers, which bind more tightly: -2^2 is -4. An exponent may have signs of its own.
@@ -119,7 +120,7 @@ class Compiler {
       const bool negative = lexer_.At("-");
       lexer_.Advance();
       const Operand value = TakeSigned();
-      return negative ? Call(NegateKernel, {value}) : value;
+      return negative ? Call(UnaryKernel<kernels::Negate>, {value}) : value;
     }
     const Operand base = TakeValue();
     const FormulaOperator* found = OperatorHere();
@@ -159,7 +160,7 @@ class Compiler {
 
   Operand TakeCall(const Token& token) {
     const Nesting nesting(*this);
-    const FormulaFunction* function = FindFunction(token.name);
+    const NamedKernel* function = FindFunction(token.name);
     if (function == nullptr) lexer_.Fail("unknown function " + Quoted(token.name), token.begin);
     lexer_.Advance();
     std::vector<Operand> operands;

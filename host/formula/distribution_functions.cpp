@@ -49,7 +49,7 @@ void Kernel(std::span<const BlockArgument> arguments, std::span<double> out) {
 
 class Functions {
  public:
-  std::span<const FormulaFunction> All() const { return all_; }
+  std::span<const NamedKernel> All() const { return all_; }
 
   // Steps draw a distribution without curves; its functions have no names in formulas either, unless it is
   // continuous.
@@ -84,7 +84,7 @@ class Functions {
   }
 
   std::deque<std::string> names_;  // where they stay
-  std::vector<FormulaFunction> all_;
+  std::vector<NamedKernel> all_;
 };
 
 template <class... D>
@@ -97,7 +97,7 @@ Functions FunctionsOf(DistributionList<D...> /*list*/) {
 
 }  // namespace
 
-std::span<const FormulaFunction> DistributionFunctions() {
+std::span<const NamedKernel> DistributionFunctions() {
   static const Functions kFunctions = FunctionsOf(AllDistributions());
   return kFunctions.All();
 }

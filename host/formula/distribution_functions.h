@@ -33,6 +33,6 @@
 namespace brenvolt {
 
 // Names are case-sensitive.
-std::span<const FormulaFunction> DistributionFunctions();
+std::span<const NamedKernel> DistributionFunctions();
 
 }  // namespace brenvolt

@@ -5,26 +5,12 @@
 #include <numbers>
 #include <string>
 
+#include "host/formula/kernels.h"
 #include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 namespace {
 
-double NegateValue(double a) {
-  return -a;
-}
-double AddValues(double a, double b) {
-  return a + b;
-}
-double SubtractValues(double a, double b) {
-  return a - b;
-}
-double MultiplyValues(double a, double b) {
-  return a * b;
-}
-double DivideValues(double a, double b) {
-  return b == 0 ? kMissingResult : a / b;
-}
 // A zero to a negative power is a division by zero. C defines 1^NaN and NaN^0 as 1; here they are missing.
 double PowerValues(double a, double b) {
   if (std::isnan(a) || std::isnan(b) || (a == 0 && b < 0)) return kMissingResult;
@@ -34,41 +20,12 @@ double Square(double a) {
   return a * a;
 }
 
-double Truth(bool value, double a, double b) {
-  const double truth = value ? 1 : 0;
-  return std::isunordered(a, b) ? kMissingResult : truth;
-}
-double IsLess(double a, double b) {
-  return Truth(a < b, a, b);
-}
-double IsLessEqual(double a, double b) {
-  return Truth(a <= b, a, b);
-}
-double IsGreater(double a, double b) {
-  return Truth(a > b, a, b);
-}
-double IsGreaterEqual(double a, double b) {
-  return Truth(a >= b, a, b);
-}
-double IsEqual(double a, double b) {
-  return Truth(a == b, a, b);
-}
-double IsNotEqual(double a, double b) {
-  return Truth(a != b, a, b);
-}
 double BothTrue(double a, double b) {
-  return Truth(a != 0 && b != 0, a, b);
+  return kernels::Truth(a != 0 && b != 0, a, b);
 }
 double OneTrue(double a, double b) {
-  return Truth(a != 0 || b != 0, a, b);
+  return kernels::Truth(a != 0 || b != 0, a, b);
 }
-double NotTrue(double a) {
-  return Truth(a == 0, a, a);
-}
-double IsMissing(double a) {
-  return std::isnan(a) ? 1 : 0;
-}
-
 double Sign(double a) {
   if (std::isnan(a)) return a;
   return a > 0 ? 1 : (a < 0 ? -1 : 0);
@@ -120,8 +77,8 @@ void LogKernel(std::span<const BlockArgument> arguments, std::span<double> out) 
 
 // log(x) is natural, log(x, base) has the base given.
 double LogOfBase(double a, double base) {
-  return DivideValues(a == 0 ? kMissingResult : elementary::Log(a),
-                      base == 0 ? kMissingResult : elementary::Log(base));
+  return kernels::Divide(a == 0 ? kMissingResult : elementary::Log(a),
+                         base == 0 ? kMissingResult : elementary::Log(base));
 }
 void AnyLogKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
   arguments.size() == 1 ? LogKernel(arguments, out) : BinaryKernel<LogOfBase>(arguments, out);
@@ -148,42 +105,33 @@ void TruthKernel(std::span<const BlockArgument> arguments, std::span<double> out
 }
 
 void MeanKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  FoldKernel<AddValues>(arguments, out);
+  FoldKernel<kernels::Add>(arguments, out);
   for (double& value : out) value /= static_cast<double>(arguments.size());
 }
 
-// Only the branch that is chosen counts.
-void IfKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  for (std::size_t i = 0; i < out.size(); ++i) {
-    const double condition = arguments[0].At(i);
-    const double chosen = condition != 0 ? arguments[1].At(i) : arguments[2].At(i);
-    out[i] = std::isnan(condition) ? kMissingResult : chosen;
-  }
-}
-
 constexpr FormulaOperator kOperators[] = {
-    {"<=", OperatorLevel::kComparison, BinaryKernel<IsLessEqual>},
-    {">=", OperatorLevel::kComparison, BinaryKernel<IsGreaterEqual>},
-    {"<>", OperatorLevel::kComparison, BinaryKernel<IsNotEqual>},
-    {"!=", OperatorLevel::kComparison, BinaryKernel<IsNotEqual>},
-    {"==", OperatorLevel::kComparison, BinaryKernel<IsEqual>},
+    {"<=", OperatorLevel::kComparison, BinaryKernel<kernels::IsLessEqual>},
+    {">=", OperatorLevel::kComparison, BinaryKernel<kernels::IsGreaterEqual>},
+    {"<>", OperatorLevel::kComparison, BinaryKernel<kernels::IsNotEqual>},
+    {"!=", OperatorLevel::kComparison, BinaryKernel<kernels::IsNotEqual>},
+    {"==", OperatorLevel::kComparison, BinaryKernel<kernels::IsEqual>},
     {"&&", OperatorLevel::kAnd, BinaryKernel<BothTrue>},
     {"||", OperatorLevel::kOr, BinaryKernel<OneTrue>},
-    {"<", OperatorLevel::kComparison, BinaryKernel<IsLess>},
-    {">", OperatorLevel::kComparison, BinaryKernel<IsGreater>},
-    {"=", OperatorLevel::kComparison, BinaryKernel<IsEqual>},
+    {"<", OperatorLevel::kComparison, BinaryKernel<kernels::IsLess>},
+    {">", OperatorLevel::kComparison, BinaryKernel<kernels::IsGreater>},
+    {"=", OperatorLevel::kComparison, BinaryKernel<kernels::IsEqual>},
     {"&", OperatorLevel::kAnd, BinaryKernel<BothTrue>},
     {"|", OperatorLevel::kOr, BinaryKernel<OneTrue>},
-    {"+", OperatorLevel::kSum, BinaryKernel<AddValues>},
-    {"-", OperatorLevel::kSum, BinaryKernel<SubtractValues>},
-    {"*", OperatorLevel::kProduct, BinaryKernel<MultiplyValues>},
-    {"/", OperatorLevel::kProduct, BinaryKernel<DivideValues>},
+    {"+", OperatorLevel::kSum, BinaryKernel<kernels::Add>},
+    {"-", OperatorLevel::kSum, BinaryKernel<kernels::Subtract>},
+    {"*", OperatorLevel::kProduct, BinaryKernel<kernels::Multiply>},
+    {"/", OperatorLevel::kProduct, BinaryKernel<kernels::Divide>},
     {"^", OperatorLevel::kPower, PowerKernel},
     {"and", OperatorLevel::kAnd, BinaryKernel<BothTrue>},
     {"or", OperatorLevel::kOr, BinaryKernel<OneTrue>},
 };
 
-constexpr FormulaFunction kFunctions[] = {
+constexpr NamedKernel kFunctions[] = {
     {"abs", UnaryKernel<std::abs>, 1, 1},
     {"acos", UnaryKernel<std::acos>, 1, 1},
     {"acosh", UnaryKernel<std::acosh>, 1, 1},
@@ -200,7 +148,7 @@ constexpr FormulaFunction kFunctions[] = {
     {"exp", ExpKernel, 1, 1},
     {"floor", UnaryKernel<std::floor>, 1, 1},
     {"if", IfKernel, 3, 3},
-    {"ismissing", UnaryKernel<IsMissing>, 1, 1},
+    {"ismissing", UnaryKernel<kernels::IsMissing>, 1, 1},
     {"ln", LogKernel, 1, 1},
     {"log", AnyLogKernel, 1, 2},
     {"log10", UnaryKernel<Log10>, 1, 1},
@@ -209,7 +157,7 @@ constexpr FormulaFunction kFunctions[] = {
     {"mean", MeanKernel, 1, kMostArguments},
     {"min", FoldKernel<Smaller>, 1, kMostArguments},
     {"mod", BinaryKernel<Modulo>, 2, 2},
-    {"not", UnaryKernel<NotTrue>, 1, 1},
+    {"not", UnaryKernel<kernels::NotTrue>, 1, 1},
     {"or", TruthKernel<OneTrue>, 1, kMostArguments},
     {"power", PowerKernel, 2, 2},
     {"rint", UnaryKernel<std::rint>, 1, 1},
@@ -218,7 +166,7 @@ constexpr FormulaFunction kFunctions[] = {
     {"sin", UnaryKernel<std::sin>, 1, 1},
     {"sinh", UnaryKernel<std::sinh>, 1, 1},
     {"sqrt", UnaryKernel<std::sqrt>, 1, 1},
-    {"sum", FoldKernel<AddValues>, 1, kMostArguments},
+    {"sum", FoldKernel<kernels::Add>, 1, kMostArguments},
     {"tan", UnaryKernel<std::tan>, 1, 1},
     {"tanh", UnaryKernel<std::tanh>, 1, 1},
     {"trunc", UnaryKernel<std::trunc>, 1, 1},
@@ -226,7 +174,7 @@ constexpr FormulaFunction kFunctions[] = {
 
 }  // namespace
 
-std::span<const FormulaFunction> MathematicalFunctions() {
+std::span<const NamedKernel> MathematicalFunctions() {
   return kFunctions;
 }
 
@@ -241,13 +189,6 @@ std::optional<double> FormulaConstant(std::string_view name) {
 
 std::span<const FormulaOperator> BinaryOperators() {
   return kOperators;
-}
-
-void NegateKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  UnaryKernel<NegateValue>(arguments, out);
-}
-void NotKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
-  UnaryKernel<NotTrue>(arguments, out);
 }
 
 }  // namespace brenvolt

@@ -12,7 +12,7 @@
 namespace brenvolt {
 
 // Names are lower-case and stand for the function in any case.
-std::span<const FormulaFunction> MathematicalFunctions();
+std::span<const NamedKernel> MathematicalFunctions();
 
 // Pi, Euler and Missing, in any case.
 std::optional<double> FormulaConstant(std::string_view name);
@@ -26,9 +26,5 @@ struct FormulaOperator {
   BlockKernel kernel;
 };
 std::span<const FormulaOperator> BinaryOperators();
-
-// The signs before a value. A zero is false, every other value true.
-void NegateKernel(std::span<const BlockArgument> arguments, std::span<double> out);
-void NotKernel(std::span<const BlockArgument> arguments, std::span<double> out);
 
 }  // namespace brenvolt

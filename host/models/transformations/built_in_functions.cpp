@@ -1,11 +1,14 @@
 // The built-in functions over numbers, truth values and comparisons. Missing arguments make a missing result,
-// except where a function's entry says otherwise.
+// except where a function's entry says otherwise. What means the same in formulas is computed by their
+// kernels.
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <numbers>
 #include <numeric>
 
+#include "host/formula/kernels.h"
 #include "host/models/transformations/expression.h"
 #include "host/numeric/vector/standard_normal.h"
 
@@ -15,110 +18,171 @@ namespace {
 constexpr TypeInfo kDouble{DataType::kDouble};
 constexpr TypeInfo kTruth{DataType::kBoolean};
 
-double NormalDensity(double z) {
-  return std::exp(-0.5 * z * z) / std::sqrt(2 * std::numbers::pi);
-}
-
 double Truth(bool holds) {
   return holds ? 1 : 0;
 }
 
-struct Unary {
-  std::string_view name;
-  double (*function)(double);
-};
-constexpr std::array<Unary, 26> kUnary{{
-    {"log10", [](double x) { return std::log10(x); }},
-    {"ln", [](double x) { return std::log(x); }},
-    {"ln1p", [](double x) { return std::log1p(x); }},
-    {"sqrt", [](double x) { return std::sqrt(x); }},
-    {"abs", [](double x) { return std::fabs(x); }},
-    {"exp", [](double x) { return std::exp(x); }},
-    {"expm1", [](double x) { return std::expm1(x); }},
-    {"floor", [](double x) { return std::floor(x); }},
-    {"ceil", [](double x) { return std::ceil(x); }},
-    {"round", [](double x) { return std::floor(x + 0.5); }},
-    {"rint", [](double x) { return std::nearbyint(x); }},
-    {"sin", [](double x) { return std::sin(x); }},
-    {"asin", [](double x) { return std::asin(x); }},
-    {"sinh", [](double x) { return std::sinh(x); }},
-    {"cos", [](double x) { return std::cos(x); }},
-    {"acos", [](double x) { return std::acos(x); }},
-    {"cosh", [](double x) { return std::cosh(x); }},
-    {"tan", [](double x) { return std::tan(x); }},
-    {"atan", [](double x) { return std::atan(x); }},
-    {"tanh", [](double x) { return std::tanh(x); }},
-    {"erf", [](double x) { return std::erf(x); }},
-    {"stdNormalCDF", StandardNormalCdf},
-    {"stdNormalIDF", StandardNormalQuantile},
-    {"stdNormalPDF", NormalDensity},
-    {"-", [](double x) { return -x; }},
-    {"+", [](double x) { return x; }},
-}};
+double Same(double x) {
+  return x;
+}
+double RoundHalfUp(double x) {
+  return std::floor(x + 0.5);
+}
+double NormalDensity(double z) {
+  return std::exp(-0.5 * z * z) / std::sqrt(2 * std::numbers::pi);
+}
+// C defines 1^NaN and NaN^0 as 1, and the hypotenuse of an infinite side as infinite.
+double Power(double x, double y) {
+  return std::isnan(x) || std::isnan(y) ? kMissing : std::pow(x, y);
+}
+double Hypotenuse(double x, double y) {
+  return std::isnan(x) || std::isnan(y) ? kMissing : std::hypot(x, y);
+}
+double Modulo(double x, double y) {
+  return y == 0 ? kMissing : x - y * std::floor(x / y);
+}
+double NormalCdf(double x, double mean, double sd) {
+  return StandardNormalCdf((x - mean) / sd);
+}
+double NormalPdf(double x, double mean, double sd) {
+  return NormalDensity((x - mean) / sd) / sd;
+}
+double NormalIdf(double p, double mean, double sd) {
+  return mean + sd * StandardNormalQuantile(p);
+}
+double IsThere(double x) {
+  return Truth(!std::isnan(x));
+}
 
-struct Binary {
-  std::string_view name;
-  double (*function)(double, double);
-};
-constexpr std::array<Binary, 9> kBinary{{
-    {"+", [](double x, double y) { return x + y; }},
-    {"-", [](double x, double y) { return x - y; }},
-    {"*", [](double x, double y) { return x * y; }},
-    {"/", [](double x, double y) { return y == 0 ? kMissing : x / y; }},
-    {"pow", [](double x, double y) { return std::pow(x, y); }},
-    {"threshold", [](double x, double y) { return Truth(x > y); }},
-    {"modulo", [](double x, double y) { return y == 0 ? kMissing : x - y * std::floor(x / y); }},
-    {"hypot", [](double x, double y) { return std::hypot(x, y); }},
-    {"atan2", [](double x, double y) { return std::atan2(x, y); }},
-}};
+template <double (*kFunction)(double, double, double)>
+void TernaryKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    out[i] = kFunction(arguments[0].At(i), arguments[1].At(i), arguments[2].At(i));
+  }
+}
 
-struct Ternary {
-  std::string_view name;
-  double (*function)(double, double, double);
-};
-constexpr std::array<Ternary, 3> kTernary{{
-    {"normalCDF", [](double x, double mean, double sd) { return StandardNormalCdf((x - mean) / sd); }},
-    {"normalPDF", [](double x, double mean, double sd) { return NormalDensity((x - mean) / sd) / sd; }},
-    {"normalIDF", [](double p, double mean, double sd) { return mean + sd * StandardNormalQuantile(p); }},
-}};
+double Least(std::span<double> x) {
+  return *std::ranges::min_element(x);
+}
+double Greatest(std::span<double> x) {
+  return *std::ranges::max_element(x);
+}
+double Sum(std::span<double> x) {
+  return std::accumulate(x.begin(), x.end(), 0.0);
+}
+double Product(std::span<double> x) {
+  return std::accumulate(x.begin(), x.end(), 1.0, std::multiplies<>());
+}
+double Mean(std::span<double> x) {
+  return Sum(x) / static_cast<double>(x.size());
+}
+double Median(std::span<double> x) {
+  std::ranges::sort(x);
+  const std::size_t middle = x.size() / 2;
+  return x.size() % 2 == 1 ? x[middle] : (x[middle - 1] + x[middle]) / 2;
+}
 
-// Functions of any number of values, of which the missing ones do not count.
-struct Aggregate {
-  std::string_view name;
-  double (*function)(std::span<double>);
-};
-constexpr std::array<Aggregate, 6> kAggregates{{
-    {"min", [](std::span<double> x) { return *std::ranges::min_element(x); }},
-    {"max", [](std::span<double> x) { return *std::ranges::max_element(x); }},
-    {"sum", [](std::span<double> x) { return std::accumulate(x.begin(), x.end(), 0.0); }},
-    {"product",
-     [](std::span<double> x) { return std::accumulate(x.begin(), x.end(), 1.0, std::multiplies<>()); }},
-    {"avg",
-     [](std::span<double> x) {
-       return std::accumulate(x.begin(), x.end(), 0.0) / static_cast<double>(x.size());
-     }},
-    {"median",
-     [](std::span<double> x) {
-       std::ranges::sort(x);
-       const std::size_t middle = x.size() / 2;
-       return x.size() % 2 == 1 ? x[middle] : (x[middle - 1] + x[middle]) / 2;
-     }},
-}};
+// A function of any number of values, of which the missing ones do not count.
+template <double (*kFunction)(std::span<double>)>
+void AggregateKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
+  std::vector<double> present(arguments.size());
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    std::size_t count = 0;
+    for (const BlockArgument& argument : arguments) {
+      const double x = argument.At(i);
+      if (!std::isnan(x)) present[count++] = x;
+    }
+    out[i] = count == 0 ? kMissing : kFunction(std::span(present).first(count));
+  }
+}
 
-// Comparisons of two values of one type.
+// Three-valued logic: a value that decides the result does so whatever is missing.
+template <bool kDeciding>
+void LogicKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
+  for (std::size_t i = 0; i < out.size(); ++i) {
+    double value = Truth(!kDeciding);
+    for (const BlockArgument& argument : arguments) {
+      const double x = argument.At(i);
+      if (std::isnan(x)) {
+        value = value == Truth(kDeciding) ? value : kMissing;
+      } else if ((x != 0) == kDeciding) {
+        value = Truth(kDeciding);
+      }
+    }
+    out[i] = value;
+  }
+}
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
+
+constexpr NamedKernel kNumbers[] = {
+    {"+", UnaryKernel<Same>, 1, 1},
+    {"+", BinaryKernel<kernels::Add>, 2, 2},
+    {"-", UnaryKernel<kernels::Negate>, 1, 1},
+    {"-", BinaryKernel<kernels::Subtract>, 2, 2},
+    {"*", BinaryKernel<kernels::Multiply>, 2, 2},
+    {"/", BinaryKernel<kernels::Divide>, 2, 2},
+    {"abs", UnaryKernel<std::abs>, 1, 1},
+    {"acos", UnaryKernel<std::acos>, 1, 1},
+    {"asin", UnaryKernel<std::asin>, 1, 1},
+    {"atan", UnaryKernel<std::atan>, 1, 1},
+    {"atan2", BinaryKernel<std::atan2>, 2, 2},
+    {"avg", AggregateKernel<Mean>, 1, kAnyNumber},
+    {"ceil", UnaryKernel<std::ceil>, 1, 1},
+    {"cos", UnaryKernel<std::cos>, 1, 1},
+    {"cosh", UnaryKernel<std::cosh>, 1, 1},
+    {"erf", UnaryKernel<std::erf>, 1, 1},
+    {"exp", UnaryKernel<std::exp>, 1, 1},
+    {"expm1", UnaryKernel<std::expm1>, 1, 1},
+    {"floor", UnaryKernel<std::floor>, 1, 1},
+    {"hypot", BinaryKernel<Hypotenuse>, 2, 2},
+    {"ln", UnaryKernel<std::log>, 1, 1},
+    {"ln1p", UnaryKernel<std::log1p>, 1, 1},
+    {"log10", UnaryKernel<std::log10>, 1, 1},
+    {"max", AggregateKernel<Greatest>, 1, kAnyNumber},
+    {"median", AggregateKernel<Median>, 1, kAnyNumber},
+    {"min", AggregateKernel<Least>, 1, kAnyNumber},
+    {"modulo", BinaryKernel<Modulo>, 2, 2},
+    {"normalCDF", TernaryKernel<NormalCdf>, 3, 3},
+    {"normalIDF", TernaryKernel<NormalIdf>, 3, 3},
+    {"normalPDF", TernaryKernel<NormalPdf>, 3, 3},
+    {"pow", BinaryKernel<Power>, 2, 2},
+    {"product", AggregateKernel<Product>, 1, kAnyNumber},
+    {"rint", UnaryKernel<std::rint>, 1, 1},
+    {"round", UnaryKernel<RoundHalfUp>, 1, 1},
+    {"sin", UnaryKernel<std::sin>, 1, 1},
+    {"sinh", UnaryKernel<std::sinh>, 1, 1},
+    {"sqrt", UnaryKernel<std::sqrt>, 1, 1},
+    {"stdNormalCDF", UnaryKernel<StandardNormalCdf>, 1, 1},
+    {"stdNormalIDF", UnaryKernel<StandardNormalQuantile>, 1, 1},
+    {"stdNormalPDF", UnaryKernel<NormalDensity>, 1, 1},
+    {"sum", AggregateKernel<Sum>, 1, kAnyNumber},
+    {"tan", UnaryKernel<std::tan>, 1, 1},
+    {"tanh", UnaryKernel<std::tanh>, 1, 1},
+    {"threshold", BinaryKernel<kernels::IsGreater>, 2, 2},
+};
+
+constexpr NamedKernel kTruths[] = {
+    {"and", LogicKernel<false>, 1, kAnyNumber},
+    {"not", UnaryKernel<kernels::NotTrue>, 1, 1},
+    {"or", LogicKernel<true>, 1, kAnyNumber},
+};
+
+// Comparisons of two values of one type. Texts are equal where their numbers in the pool are; `follows` says
+// what the order of two texts means, where that counts.
 struct Comparison {
   std::string_view name;
-  bool (*holds)(double, double);
-  bool needsOrder;
+  BlockKernel kernel;
+  bool (*follows)(int order);
 };
-constexpr std::array<Comparison, 6> kComparisons{{
-    {"equal", [](double x, double y) { return x == y; }, false},
-    {"notEqual", [](double x, double y) { return x != y; }, false},
-    {"lessThan", [](double x, double y) { return x < y; }, true},
-    {"lessOrEqual", [](double x, double y) { return x <= y; }, true},
-    {"greaterThan", [](double x, double y) { return x > y; }, true},
-    {"greaterOrEqual", [](double x, double y) { return x >= y; }, true},
-}};
+constexpr Comparison kComparisons[] = {
+    {"equal", BinaryKernel<kernels::IsEqual>, nullptr},
+    {"notEqual", BinaryKernel<kernels::IsNotEqual>, nullptr},
+    {"lessThan", BinaryKernel<kernels::IsLess>, [](int order) { return order < 0; }},
+    {"lessOrEqual", BinaryKernel<kernels::IsLessEqual>, [](int order) { return order <= 0; }},
+    {"greaterThan", BinaryKernel<kernels::IsGreater>, [](int order) { return order > 0; }},
+    {"greaterOrEqual", BinaryKernel<kernels::IsGreaterEqual>, [](int order) { return order >= 0; }},
+};
 
 class Call {
  public:
@@ -126,15 +190,15 @@ class Call {
       : name_(name), arguments_(arguments), place_(place), at_(at) {}
 
   std::optional<Operand> Compile() const {
-    for (const auto& compile : {&Call::Numeric, &Call::Aggregated, &Call::Compared, &Call::Membership,
-                                &Call::Logic, &Call::Presence, &Call::Choice}) {
+    if (auto result = Named(kNumbers, kDouble)) return result;
+    if (auto result = Named(kTruths, kTruth)) return result;
+    for (const auto& compile : {&Call::Compared, &Call::Membership, &Call::Presence, &Call::Choice}) {
       if (auto result = (this->*compile)()) return result;
     }
     return std::nullopt;
   }
 
  private:
-  Slot NumberAt(std::size_t i) const { return NumberSlot(arguments_[i], place_, at_); }
   std::size_t Count() const { return arguments_.size(); }
   void Want(bool holds) const {
     if (!holds) at_.Fail("the function " + name_ + " has the wrong number of arguments");
@@ -147,79 +211,28 @@ class Call {
     return result;
   }
 
-  template <class Function>
-  Operand Over1(Function function, TypeInfo type) const {
+  Operand Run(BlockKernel kernel, std::vector<Slot> slots, TypeInfo type) const {
     const Operand result = NewResult(type);
-    AddStep(place_.program, [a = NumberAt(0), out = result.slot, function](Frame& frame) {
-      const double* x = frame.In(a);
-      double* y = frame.Out(out);
-      for (std::size_t i = 0; i < frame.Rows(); ++i) y[i] = function(x[i]);
+    AddStep(place_.program, [kernel, slots = std::move(slots), out = result.slot](Frame& frame) {
+      std::vector<BlockArgument> arguments;
+      for (const Slot slot : slots) arguments.push_back({frame.In(slot), false});
+      kernel(arguments, {frame.Out(out), frame.Rows()});
     });
     return result;
   }
 
-  template <class Function>
-  Operand Over2(Slot a, Slot b, Function function, TypeInfo type) const {
-    const Operand result = NewResult(type);
-    AddStep(place_.program, [a, b, out = result.slot, function](Frame& frame) {
-      const double* x = frame.In(a);
-      const double* z = frame.In(b);
-      double* y = frame.Out(out);
-      for (std::size_t i = 0; i < frame.Rows(); ++i) {
-        y[i] = std::isnan(x[i]) || std::isnan(z[i]) ? kMissing : function(x[i], z[i]);
-      }
-    });
-    return result;
-  }
-
-  std::optional<Operand> Numeric() const {
-    for (const Unary& entry : kUnary) {
-      if (entry.name != name_ || Count() != 1) continue;
-      return Over1([f = entry.function](double x) { return std::isnan(x) ? x : f(x); }, kDouble);
-    }
-    for (const Binary& entry : kBinary) {
+  // A function of numbers by its name in a table.
+  std::optional<Operand> Named(std::span<const NamedKernel> table, TypeInfo type) const {
+    bool isKnown = false;
+    for (const NamedKernel& entry : table) {
       if (entry.name != name_) continue;
-      Want(Count() == 2);
-      return Over2(NumberAt(0), NumberAt(1), entry.function, kDouble);
-    }
-    for (const Ternary& entry : kTernary) {
-      if (entry.name != name_) continue;
-      Want(Count() == 3);
-      const Operand result = NewResult(kDouble);
-      AddStep(place_.program, [a = NumberAt(0), b = NumberAt(1), c = NumberAt(2), out = result.slot,
-                               f = entry.function](Frame& frame) {
-        for (std::size_t i = 0; i < frame.Rows(); ++i) {
-          frame.Out(out)[i] = f(frame.In(a)[i], frame.In(b)[i], frame.In(c)[i]);
-        }
-      });
-      return result;
-    }
-    for (const Unary& entry : kUnary) {
-      if (entry.name == name_) Want(false);
-    }
-    return std::nullopt;
-  }
-
-  std::optional<Operand> Aggregated() const {
-    for (const Aggregate& entry : kAggregates) {
-      if (entry.name != name_) continue;
-      Want(Count() >= 1);
+      isKnown = true;
+      if (Count() < entry.fewestArguments || Count() > entry.mostArguments) continue;
       std::vector<Slot> slots;
-      for (std::size_t i = 0; i < Count(); ++i) slots.push_back(NumberAt(i));
-      const Operand result = NewResult(kDouble);
-      AddStep(place_.program, [slots, out = result.slot, f = entry.function](Frame& frame) {
-        std::vector<double> present(slots.size());
-        for (std::size_t i = 0; i < frame.Rows(); ++i) {
-          std::size_t count = 0;
-          for (const Slot slot : slots) {
-            const double x = frame.In(slot)[i];
-            if (!std::isnan(x)) present[count++] = x;
-          }
-          frame.Out(out)[i] = count == 0 ? kMissing : f(std::span(present).first(count));
-        }
-      });
-      return result;
+      for (const Operand& argument : arguments_) slots.push_back(NumberSlot(argument, place_, at_));
+      return Run(entry.kernel, std::move(slots), type);
     }
+    Want(!isKnown);
     return std::nullopt;
   }
 
@@ -252,18 +265,16 @@ class Call {
       if (entry.name != name_) continue;
       Want(Count() == 2);
       const auto [a, b] = Alike(arguments_[0], arguments_[1]);
-      if (!entry.needsOrder || !a.type.IsText())
-        return Over2(
-            a.slot, b.slot, [f = entry.holds](double x, double y) { return Truth(f(x, y)); }, kTruth);
+      if (entry.follows == nullptr || !a.type.IsText()) return Run(entry.kernel, {a.slot, b.slot}, kTruth);
       const Operand result = NewResult(kTruth);
-      AddStep(place_.program, [a = a.slot, b = b.slot, out = result.slot, f = entry.holds](Frame& frame) {
+      AddStep(place_.program, [a = a.slot, b = b.slot, out = result.slot, f = entry.follows](Frame& frame) {
         for (std::size_t i = 0; i < frame.Rows(); ++i) {
           const double x = frame.In(a)[i];
           const double y = frame.In(b)[i];
           double& r = frame.Out(out)[i];
           r = kMissing;
           if (std::isnan(x) || std::isnan(y)) continue;
-          r = Truth(f(frame.Pool().Text(x).compare(frame.Pool().Text(y)), 0));
+          r = Truth(f(frame.Pool().Text(x).compare(frame.Pool().Text(y))));
         }
       });
       return result;
@@ -292,53 +303,23 @@ class Call {
     return result;
   }
 
-  // Three-valued logic: what decides the result decides it whatever is missing.
-  std::optional<Operand> Logic() const {
-    if (name_ == "not") {
-      Want(Count() == 1);
-      return Over1([](double x) { return std::isnan(x) ? x : Truth(x == 0); }, kTruth);
-    }
-    if (name_ != "and" && name_ != "or") return std::nullopt;
-    Want(Count() >= 1);
-    std::vector<Slot> slots;
-    for (std::size_t i = 0; i < Count(); ++i) slots.push_back(NumberAt(i));
-    const Operand result = NewResult(kTruth);
-    AddStep(place_.program, [slots, out = result.slot, deciding = Truth(name_ == "or")](Frame& frame) {
-      for (std::size_t i = 0; i < frame.Rows(); ++i) {
-        double value = 1 - deciding;
-        for (const Slot slot : slots) {
-          const double x = frame.In(slot)[i];
-          if (std::isnan(x)) {
-            value = value == deciding ? value : kMissing;
-          } else if (Truth(x != 0) == deciding) {
-            value = deciding;
-          }
-        }
-        frame.Out(out)[i] = value;
-      }
-    });
-    return result;
-  }
-
   std::optional<Operand> Presence() const {
     const bool negated = name_ == "isNotMissing" || name_ == "isNotValid";
     if (name_ == "isMissing" || name_ == "isNotMissing") {
       Want(Count() == 1);
-      return OverAny([negated](double x) { return Truth(std::isnan(x) != negated); });
+      return Run(negated ? UnaryKernel<IsThere> : UnaryKernel<kernels::IsMissing>, {arguments_[0].slot},
+                 kTruth);
     }
     if (name_ != "isValid" && name_ != "isNotValid") return std::nullopt;
     Want(Count() == 1);
     const Field* field = arguments_[0].field;
-    return OverAny([negated, domain = field != nullptr ? field->domain : Domain()](double x) {
-      return Truth((!std::isnan(x) && domain.IsValid(x)) != negated);
-    });
-  }
-
-  template <class Function>
-  Operand OverAny(Function function) const {
     const Operand result = NewResult(kTruth);
-    AddStep(place_.program, [a = arguments_[0].slot, out = result.slot, function](Frame& frame) {
-      for (std::size_t i = 0; i < frame.Rows(); ++i) frame.Out(out)[i] = function(frame.In(a)[i]);
+    AddStep(place_.program, [a = arguments_[0].slot, out = result.slot, negated,
+                             domain = field != nullptr ? field->domain : Domain()](Frame& frame) {
+      for (std::size_t i = 0; i < frame.Rows(); ++i) {
+        const double x = frame.In(a)[i];
+        frame.Out(out)[i] = Truth((!std::isnan(x) && domain.IsValid(x)) != negated);
+      }
     });
     return result;
   }
@@ -350,16 +331,8 @@ class Call {
     Operand no = arguments_[1];
     no.slot = place_.Build().Constant(kMissing);
     if (Count() == 3) std::tie(yes, no) = Alike(arguments_[1], arguments_[2]);
-    Operand result = NewResult(yes.type);
+    Operand result = Run(IfKernel, {NumberSlot(arguments_[0], place_, at_), yes.slot, no.slot}, yes.type);
     result.opType = yes.opType;
-    AddStep(place_.program,
-            [test = NumberAt(0), yes = yes.slot, no = no.slot, out = result.slot](Frame& frame) {
-              for (std::size_t i = 0; i < frame.Rows(); ++i) {
-                const double condition = frame.In(test)[i];
-                const double chosen = frame.In(condition != 0 ? yes : no)[i];
-                frame.Out(out)[i] = std::isnan(condition) ? kMissing : chosen;
-              }
-            });
     return result;
   }
 
