@@ -3,11 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/models/document/arrays.h"
+
 namespace brenvolt::pmml {
 namespace {
-
-constexpr TypeInfo kDouble{DataType::kDouble};
-constexpr TypeInfo kText{DataType::kText};
 
 void CheckVersion(const Element& root) {
   constexpr double kOldest = 3.0;
@@ -49,11 +48,10 @@ void ReadFieldValue(const Element& element, Field& field, Builder& builder) {
 void ReadDataField(const Element& element, Builder& builder) {
   auto field = std::make_unique<Field>();
   field->name = element.Text("name");
-  field->displayName = element.Text("displayName", "");
   field->opType = ReadOpType(element, OpType::kContinuous);
   // Old files leave the type out where the kind says enough.
   field->type = ReadDataType(element, field->opType == OpType::kContinuous ? kDouble : kText);
-  element.PassOver({"isCyclic"});
+  element.PassOver({"displayName", "isCyclic"});
   element.RefuseOtherAttributes();
   for (const Element& child : element.Children()) {
     if (child.Is("Value")) {

@@ -25,7 +25,6 @@ struct PredictionModel::Content {
   std::string name;
   std::vector<ModelField> predictors;
   std::vector<ModelField> dependents;
-  std::vector<std::string> outputs;
 };
 
 namespace {
@@ -265,9 +264,6 @@ PredictionModel PredictionModel::Parse(std::string_view text, const std::string&
   for (const Field* field : model.predictors) content->predictors.push_back(DescribePredictor(*field, model));
   for (std::size_t k = 0; k < model.results.size(); ++k)
     content->dependents.push_back(DescribeDependent(k, model));
-  for (const auto& output : model.outputs) {
-    if (output.isFinal) content->outputs.push_back(output.name);
-  }
   return PredictionModel(std::move(content));
 }
 
@@ -279,9 +275,6 @@ const std::vector<ModelField>& PredictionModel::Predictors() const {
 }
 const std::vector<ModelField>& PredictionModel::Dependents() const {
   return content_->dependents;
-}
-const std::vector<std::string>& PredictionModel::Outputs() const {
-  return content_->outputs;
 }
 std::optional<double> PredictionModel::MeanSquaredError() const {
   return content_->model->meanSquaredError;

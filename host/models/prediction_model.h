@@ -71,8 +71,6 @@ class PredictionModel {
   const std::vector<ModelField>& Predictors() const;
   // The targets; one, as models with several are refused.
   const std::vector<ModelField>& Dependents() const;
-  // The columns of the model's Output element, in its order.
-  const std::vector<std::string>& Outputs() const;
   // The mean squared error that the file reports of its training, if it does.
   std::optional<double> MeanSquaredError() const;
 

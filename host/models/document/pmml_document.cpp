@@ -11,8 +11,6 @@
 namespace brenvolt::pmml {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\r\n";
-
 // The encoding that the XML declaration names, in lower case; empty where it names none.
 std::string DeclaredEncoding(std::string_view text) {
   if (!text.starts_with("<?xml")) return {};
@@ -234,27 +232,6 @@ std::optional<double> ReadReal(std::string_view text) {
   if (text == "INF") return kInfinity;
   if (text == "-INF") return -kInfinity;
   return ParseNumber(text);
-}
-
-std::vector<std::string> SplitArray(std::string_view content) {
-  std::vector<std::string> items;
-  std::size_t at = 0;
-  while ((at = content.find_first_not_of(kBlanks, at)) != std::string_view::npos) {
-    if (content[at] != '"') {
-      const auto end = std::min(content.find_first_of(kBlanks, at), content.size());
-      items.emplace_back(content.substr(at, end - at));
-      at = end;
-      continue;
-    }
-    std::string item;
-    for (++at; at < content.size() && content[at] != '"'; ++at) {
-      if (content[at] == '\\' && at + 1 < content.size() && content[at + 1] == '"') ++at;
-      item += content[at];
-    }
-    items.push_back(std::move(item));
-    at = std::min(at + 1, content.size());
-  }
-  return items;
 }
 
 }  // namespace brenvolt::pmml

@@ -113,10 +113,8 @@ class Element {
 // text, NaN included.
 std::optional<double> ReadReal(std::string_view text);
 
+// What separates words in XML.
+inline constexpr std::string_view kBlanks = " \t\r\n";
 std::string_view TrimXml(std::string_view text);
-
-// The items of an Array element's content: separated by blanks, in double quotes where they hold some, with
-// \" for a quote.
-std::vector<std::string> SplitArray(std::string_view content);
 
 }  // namespace brenvolt::pmml

@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/models/document/arrays.h"
 #include "host/models/kinds/comparison_measure.h"
 #include "host/models/kinds/model.h"
-#include "host/models/transformations/arrays.h"
 
 namespace brenvolt::pmml {
 namespace {
@@ -19,7 +19,7 @@ class ClusterReader {
     model_.PassOver({"numberOfClusters"});
     if (place_.function != Function::kClustering)
       model_.Fail("a clustering model has the function clustering");
-    result_.classes = Classes(TypeInfo{DataType::kText});
+    result_.classes = Classes(kText);
     // Fields come first, whatever the order in the file.
     for (const Element& child : OwnChildren(model_)) {
       if (child.Is("ClusteringField")) ReadField(child);

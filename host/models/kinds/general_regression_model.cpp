@@ -4,6 +4,7 @@
 #include <cmath>
 #include <map>
 
+#include "host/models/document/arrays.h"
 #include "host/models/kinds/class_scores.h"
 #include "host/models/kinds/link.h"
 #include "host/models/kinds/model.h"

@@ -137,8 +137,9 @@ enum class Usage : std::uint8_t { kActive, kTarget, kOther };
 
 }  // namespace
 
-MiningSchema ReadMiningSchema(const Element& element, Scope& scope, Scope& outside, bool isNested) {
-  MiningSchema schema;
+std::vector<std::string> ReadMiningSchema(const Element& element, Scope& scope, Scope& outside,
+                                          bool isNested) {
+  std::vector<std::string> targets;
   element.RefuseOtherAttributes();
   for (const Element& child : element.Children()) {
     if (!child.Is("MiningField")) child.Refuse();
@@ -154,8 +155,7 @@ MiningSchema ReadMiningSchema(const Element& element, Scope& scope, Scope& outsi
                                             {"analysisWeight", Usage::kOther}},
                                            Usage::kActive);
     child.PassOver({"importance"});
-    if (usage == Usage::kTarget) schema.targets.push_back(name);
-    if (usage == Usage::kActive) schema.active.push_back(name);
+    if (usage == Usage::kTarget) targets.push_back(name);
     if (usage != Usage::kTarget && !outside.Knows(name)) child.Fail("there is no field called " + name);
     scope.DefineLater(
         name,
@@ -171,7 +171,7 @@ MiningSchema ReadMiningSchema(const Element& element, Scope& scope, Scope& outsi
                     "missingValueReplacement", "outliers", "lowValue", "highValue"});
     child.RefuseAnythingElse();
   }
-  return schema;
+  return targets;
 }
 
 }  // namespace brenvolt::pmml

@@ -27,11 +27,11 @@ constexpr std::array<std::string_view, 7> kCommonChildren{
     "ModelStats",   "ModelExplanation",     "ModelVerification"};
 
 // The predicted field of a model: its schema's target, or what the model around it predicts.
-void SettleTarget(const Element& model, const MiningSchema& schema, const ReadOptions& options,
+void SettleTarget(const Element& model, const std::vector<std::string>& targets, const ReadOptions& options,
                   ModelPlace& place) {
-  if (schema.targets.size() > 1) model.Fail("the model has several targets; one is supported");
-  if (!schema.targets.empty()) {
-    place.target = schema.targets.front();
+  if (targets.size() > 1) model.Fail("the model has several targets; one is supported");
+  if (!targets.empty()) {
+    place.target = targets.front();
     place.field = place.Build().FindDeclared(place.target);
   } else if (options.outer != nullptr && options.outer->function == place.function) {
     place.target = options.outer->target;
@@ -85,11 +85,11 @@ ModelResult ReadModel(const Element& model, Scope& outside, Program& program, co
   place.function = model.Choice<Function>("functionName", {{"regression", Function::kRegression},
                                                            {"classification", Function::kClassification},
                                                            {"clustering", Function::kClustering}});
-  const MiningSchema schema =
+  const std::vector<std::string> targets =
       ReadMiningSchema(model.Child("MiningSchema"), place.scope, outside, options.outer != nullptr);
   if (options.transformations) DeclareTransformations(*options.transformations, place.scope);
   if (const auto local = model.FindChild("LocalTransformations")) DeclareTransformations(*local, place.scope);
-  SettleTarget(model, schema, options, place);
+  SettleTarget(model, targets, options, place);
   const auto output = model.FindChild("Output");
   place.wants = output ? Wants() : options.wants;
   place.reuse = options.reuse;

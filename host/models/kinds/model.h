@@ -108,11 +108,8 @@ std::vector<Element> OwnChildren(const Element& model);
 // The declaration of the mining fields in `scope`, with their treatments of outliers, missing and invalid
 // values; a nested model, whose fields were treated outside, has only those that it spells out. Returns the
 // names of the targets.
-struct MiningSchema {
-  std::vector<std::string> active;
-  std::vector<std::string> targets;
-};
-MiningSchema ReadMiningSchema(const Element& element, Scope& scope, Scope& outside, bool isNested);
+std::vector<std::string> ReadMiningSchema(const Element& element, Scope& scope, Scope& outside,
+                                          bool isNested);
 
 // The Targets element: adjusts the result of the model.
 void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result);

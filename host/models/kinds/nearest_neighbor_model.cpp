@@ -4,6 +4,7 @@
 #include <map>
 #include <numeric>
 
+#include "host/models/document/arrays.h"
 #include "host/models/kinds/comparison_measure.h"
 #include "host/models/kinds/model.h"
 
@@ -227,7 +228,7 @@ class NeighbourReader {
     if (!row[width]) at.Fail("a record lacks its target");
     const std::string& target = *row[width];
     neighbours_->targets.push_back(
-        IsNumeric() ? place_.Build().ValueOf(target, TypeInfo{DataType::kDouble}, at)
+        IsNumeric() ? place_.Build().ValueOf(target, kDouble, at)
                     : static_cast<double>(result_.classes.Number(target, place_.Build(), at)));
     const std::string number = std::to_string(neighbours_->targets.size());
     result_.entityIds.push_back(idVariable_.empty() ? number : row[width + 1].value_or(number));

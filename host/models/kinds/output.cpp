@@ -7,8 +7,6 @@
 namespace brenvolt::pmml {
 namespace {
 
-constexpr TypeInfo kText{DataType::kText};
-
 enum class Feature : std::uint8_t {
   kPredictedValue,
   kPredictedDisplayValue,

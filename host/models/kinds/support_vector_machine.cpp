@@ -4,8 +4,8 @@
 #include <cmath>
 #include <map>
 
+#include "host/models/document/arrays.h"
 #include "host/models/kinds/model.h"
-#include "host/models/transformations/arrays.h"
 
 namespace brenvolt::pmml {
 namespace {

@@ -15,9 +15,6 @@
 namespace brenvolt::pmml {
 namespace {
 
-constexpr TypeInfo kDouble{DataType::kDouble};
-constexpr TypeInfo kTruth{DataType::kBoolean};
-
 double Truth(bool holds) {
   return holds ? 1 : 0;
 }
@@ -246,7 +243,7 @@ class Call {
     }
     const bool textIsLiteral = a.type.IsText() ? a.literal.has_value() : b.literal.has_value();
     const TypeInfo number = a.type.IsText() ? b.type : a.type;
-    const TypeInfo wanted = textIsLiteral && !(a.literal && b.literal) ? number : TypeInfo{DataType::kText};
+    const TypeInfo wanted = textIsLiteral && !(a.literal && b.literal) ? number : kText;
     return {Cast(a, wanted, place_, at_), Cast(b, wanted, place_, at_)};
   }
 

@@ -5,11 +5,10 @@
 #include <cmath>
 #include <numeric>
 
+#include "host/models/document/arrays.h"
+
 namespace brenvolt::pmml {
 namespace {
-
-constexpr TypeInfo kText{DataType::kText};
-constexpr TypeInfo kDouble{DataType::kDouble};
 
 Operand ConstantOf(const std::string& text, std::optional<TypeInfo> type, const Place& place,
                    const Element& at) {
@@ -532,28 +531,6 @@ Slot NumberSlot(const Operand& operand, const Place& place, const Element& at) {
 
 Slot TextSlot(const Operand& operand, const Place& place, const Element& at) {
   return operand.type.IsText() ? operand.slot : ToText(operand, place, at).slot;
-}
-
-std::vector<std::vector<std::optional<std::string>>> ReadInlineTable(const Element& table,
-                                                                     std::span<const std::string> columns) {
-  table.RefuseOtherAttributes();
-  std::vector<std::vector<std::optional<std::string>>> rows;
-  for (const Element& row : table.Children()) {
-    if (!row.Is("row")) row.Refuse();
-    auto& cells = rows.emplace_back(columns.size());
-    for (const Element& cell : row.Children()) {
-      const auto column = std::ranges::find_if(columns, [&](const std::string& name) {
-        return Element(cell).Is(name.substr(name.find(':') + 1));
-      });
-      if (column == columns.end()) continue;
-      for (auto at = column; at != columns.end(); ++at) {
-        if (cell.Is(at->substr(at->find(':') + 1))) {
-          cells[static_cast<std::size_t>(at - columns.begin())] = std::string(TrimXml(cell.Content()));
-        }
-      }
-    }
-  }
-  return rows;
 }
 
 }  // namespace brenvolt::pmml

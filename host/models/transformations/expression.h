@@ -49,8 +49,4 @@ std::optional<Operand> CompileTextFunction(const std::string& name, std::span<co
 // How often a term stands in a text.
 Operand CompileTextIndex(const Element& element, const Place& place);
 
-// Rows of an InlineTable, each the texts of the named columns; a cell that a row lacks is nothing.
-std::vector<std::vector<std::optional<std::string>>> ReadInlineTable(const Element& table,
-                                                                     std::span<const std::string> columns);
-
 }  // namespace brenvolt::pmml

@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 
+#include "host/models/document/arrays.h"
+
 namespace brenvolt::pmml {
 namespace {
 
@@ -17,28 +19,6 @@ bool IsOrderTest(Test test) {
 }
 
 }  // namespace
-
-std::vector<std::string> ReadArray(const Element& array) {
-  array.Choice<int>("type", {{"int", 0}, {"real", 0}, {"string", 0}}, 0);
-  const auto count = array.FindInteger("n");
-  array.RefuseAnythingElse();
-  std::vector<std::string> items = SplitArray(array.Content());
-  if (count && static_cast<std::size_t>(std::max(*count, 0)) != items.size()) {
-    array.Fail("the array declares " + std::to_string(*count) + " items and holds " +
-               std::to_string(items.size()));
-  }
-  return items;
-}
-
-std::vector<double> ReadRealArray(const Element& array) {
-  std::vector<double> numbers;
-  for (const std::string& item : ReadArray(array)) {
-    const auto number = ReadReal(item);
-    if (!number) array.Fail("\"" + item + "\" is no number");
-    numbers.push_back(*number);
-  }
-  return numbers;
-}
 
 bool Predicates::IsPredicate(const Element& element) {
   constexpr std::array<std::string_view, 5> kNames{"SimplePredicate", "SimpleSetPredicate",

@@ -66,8 +66,4 @@ class Predicates {
   std::vector<PredicateNumber> parts_;
 };
 
-// The items of an Array element, whose number must be the one it declares.
-std::vector<std::string> ReadArray(const Element& array);
-std::vector<double> ReadRealArray(const Element& array);
-
 }  // namespace brenvolt::pmml

@@ -15,9 +15,6 @@
 namespace brenvolt::pmml {
 namespace {
 
-constexpr TypeInfo kText{DataType::kText};
-constexpr TypeInfo kInteger{DataType::kInteger};
-constexpr TypeInfo kTruth{DataType::kBoolean};
 constexpr double kSecondsPerDay = 86400;
 
 // Longer results are missing: functions of functions could make texts that no memory holds.

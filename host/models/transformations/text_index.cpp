@@ -101,7 +101,7 @@ Operand CompileTextIndex(const Element& element, const Place& place) {
   if (!pattern->ok()) element.Fail("the pattern \"" + separator + "\" is not supported: " + pattern->error());
   counting.separator = pattern;
   element.RefuseOtherAttributes();
-  const Operand term = CompileExpression(element.OnlyChild(), place, TypeInfo{DataType::kText});
+  const Operand term = CompileExpression(element.OnlyChild(), place, kText);
   Operand result;
   result.slot = place.Build().NewSlot(element);
   AddStep(place.program, [text = TextSlot(text, place, element), term = TextSlot(term, place, element),

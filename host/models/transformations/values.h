@@ -38,6 +38,10 @@ struct TypeInfo {
 
   bool IsText() const { return type == DataType::kText; }
 };
+inline constexpr TypeInfo kText{DataType::kText};
+inline constexpr TypeInfo kDouble{DataType::kDouble};
+inline constexpr TypeInfo kInteger{DataType::kInteger};
+inline constexpr TypeInfo kTruth{DataType::kBoolean};
 
 // The attribute dataType of an element; `otherwise` where it has none.
 TypeInfo ReadDataType(const Element& element, TypeInfo otherwise);
@@ -79,7 +83,6 @@ struct Domain {
 // A field as the data dictionary describes it.
 struct Field {
   std::string name;
-  std::string displayName;
   TypeInfo type;
   OpType opType = OpType::kContinuous;
   std::vector<std::string> labels;  // of the valid values, in the order of the dictionary

@@ -5,7 +5,6 @@
 #include <string>
 
 #include "host/base/error.h"
-#include "host/models/document/pmml_document.h"
 #include "host/models/prediction_model.h"
 #include "host/tables/csv.h"
 
@@ -319,11 +318,6 @@ TEST(Pmml, PriorsMayNameAClassThatTheModelHasNoColumnFor) {
   EXPECT_EQ(found.VariableAt(1).Values()[0], 0.5);
   EXPECT_EQ(found.VariableAt(1).Values()[1], 0.6);
   EXPECT_TRUE(found.VariableAt(2).IsMissing(1));
-}
-
-TEST(Pmml, ArraysKeepTextsInQuotesWhole) {
-  EXPECT_EQ(pmml::SplitArray(R"( a "b c" "d \"e\"" 1.5 "")"),
-            (std::vector<std::string>{"a", "b c", "d \"e\"", "1.5", ""}));
 }
 
 }  // namespace
