@@ -67,7 +67,7 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
       {{kModels + "DecisionTreeIris.pmml", "lacking.csv"},
        "brenvolt: the data lack fields that the model needs: Petal.Length, Petal.Width (lacking)\n"},
       {{kModels + "RegressionOzone.pmml", "texts.csv"},
-       "brenvolt: the model wants numbers in the field ibh, which has the text \"many\" in case 2 (ibh)\n"},
+       "brenvolt: the model needs numbers in the field ibh, which has the text \"many\" in case 2 (ibh)\n"},
       {{"model.pmml", "unseen.csv"},
        "brenvolt: the model refuses the value \"w\" of field c in case 2, which it does not know as valid "
        "(unseen)\n"},

@@ -171,7 +171,7 @@ class Compiler {
     } while (lexer_.At(",") || lexer_.At(";"));
     if (!lexer_.At(")")) FailInParentheses();
     if (operands.size() < function->fewestArguments || operands.size() > function->mostArguments) {
-      lexer_.Fail(Quoted(token.name) + " takes " + ArgumentCounts(*function) + ", here are " +
+      lexer_.Fail(Quoted(token.name) + " takes " + ArgumentCounts(*function) + ", not " +
                       std::to_string(operands.size()),
                   lexer_.Current().begin);
     }

@@ -72,7 +72,7 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
       {Regression(Local(Derived("d", "<FieldRef field=\"nowhere\"/>"))),
        "there is no field called nowhere (m.pmml, line 10)"},
       {Regression(Local(Derived("d", "<Apply function=\"exp\"><FieldRef field=\"c\"/></Apply>"))),
-       "texts stand where numbers are wanted (m.pmml, line 10)"},
+       "texts cannot be used where numbers are needed (m.pmml, line 10)"},
       {Regression(Local(
            Derived("d", R"(<Apply function="matches"><FieldRef field="c"/><Constant>(</Constant></Apply>)"))),
        "the pattern \"(\" is not supported: missing ): ( (m.pmml, line 10)"},
@@ -89,10 +89,11 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
        "the version 2.1 of PMML is not supported; 3.0 to 4.4 are (m.pmml, line 1)"},
       {"<PMML version=\"4.5\"/>",
        "the version 4.5 of PMML is not supported; 3.0 to 4.4 are (m.pmml, line 1)"},
-      {"<html/>", "is no PMML file: its element is html (m.pmml, line 1)"},
-      {"<PMML version=\"4.1\">\n<Header>", "is no well-formed XML: Start-end tags mismatch (m.pmml, line 2)"},
-      {"", "is no well-formed XML: No document element found (m.pmml, line 1)"},
-      {"<PMML version=\"4.1\">\n\xFF</PMML>", "is no text in UTF-8 (m.pmml, line 2)"},
+      {"<html/>", "is not a PMML file: its element is html (m.pmml, line 1)"},
+      {"<PMML version=\"4.1\">\n<Header>",
+       "is not well-formed XML: Start-end tags mismatch (m.pmml, line 2)"},
+      {"", "is not well-formed XML: No document element found (m.pmml, line 1)"},
+      {"<PMML version=\"4.1\">\n\xFF</PMML>", "is not text in UTF-8 (m.pmml, line 2)"},
       {"<?xml version=\"1.0\" encoding=\"KOI8-R\"?><PMML/>",
        "is in the encoding koi8-r; UTF-8 and ISO-8859-1 are read (m.pmml)"},
       {kHead + "<AssociationModel functionName=\"associationRules\"/></PMML>",
@@ -142,7 +143,7 @@ TEST(Pmml, RefusesHostileFilesBeforeTheyTakeMemoryOrTime) {
       Repeated("<Apply function=\"exp\">", kMany) + "<FieldRef field=\"x\"/>" + Repeated("</Apply>", kMany);
   const Refused cases[] = {
       {"<!DOCTYPE PMML [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\">]>\n" + Regression(""),
-       "a document type declaration is refused (m.pmml, line 1)"},
+       "document type declarations are not allowed (m.pmml, line 1)"},
       {Regression(Local(Derived("d", deep))), "elements are nested too deeply (m.pmml, line 10)"},
       {Regression("", " modelName=\"" + std::string(100000, 'a') + "\""),
        "an attribute is too long (m.pmml, line 7)"},
@@ -220,7 +221,7 @@ TEST(Pmml, ScoringSaysWhatIsWrongWithTheData) {
   const std::string model = Regression("");
   EXPECT_EQ(FailureOf(model, "z\n1\n"), "the data lack fields that the model needs: x, c (data)");
   EXPECT_EQ(FailureOf(model, "x,c\n1,u\nmany,v\n"),
-            "the model wants numbers in the field x, which has the text \"many\" in case 2 (x)");
+            "the model needs numbers in the field x, which has the text \"many\" in case 2 (x)");
   EXPECT_EQ(
       FailureOf(model, "x,c\n1,u\n2,never\n3,other\n"),
       "the model refuses the value \"never\" of field c in case 2, which it does not know as valid (data)");

@@ -82,7 +82,7 @@ void CheckSheet(const PredictionModel& model) {
   try {
     Require(model.Score(data, "out", options).CaseCount() == kCases);
   } catch (const Error& error) {
-    Require(!error.Where().empty());  // a field that is no predictor is lacking
+    Require(!error.Where().empty());  // the sheet lacks a field that is not a predictor
   }
 }
 

@@ -162,7 +162,7 @@ class Converted {
     const std::string text(variable.Label(variable.Values()[row]).value_or(""));
     if (field.type.IsText()) return pool.Number(text);
     if (const auto value = pmml::ParseValue(field.type, text)) return *value;
-    throw Error("the model wants numbers in the field " + field.name + ", which has the text \"" + text +
+    throw Error("the model needs numbers in the field " + field.name + ", which has the text \"" + text +
                     "\" in case " + std::to_string(row + 1),
                 variable.Name());
   }

@@ -85,7 +85,7 @@ class PredictionModel {
   // the model does not know are left alone. Returns a sheet named `name` of the dependents, the outputs, and
   // what the options ask for. A categorical dependent is a text variable: the code of its class in the order
   // of the data dictionary, from 1, with the class as label. Throws Error naming every field that the sheet
-  // lacks, and a text where a field wants numbers with its case.
+  // lacks, and, with its case, a text where a field needs numbers.
   Spreadsheet Score(const Spreadsheet& data, const std::string& name, const ScoreOptions& options = {}) const;
 
  private:

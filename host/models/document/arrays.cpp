@@ -10,7 +10,7 @@ std::vector<double> NumbersOf(const std::vector<std::string>& items, const Eleme
   std::vector<double> numbers;
   for (const std::string& item : items) {
     const auto number = ReadReal(item);
-    if (!number) at.Fail("\"" + item + "\" is no number");
+    if (!number) at.Fail("\"" + item + "\" is not a number");
     numbers.push_back(*number);
   }
   return numbers;
@@ -33,12 +33,12 @@ std::vector<double> ReadSparse(const Element& array, std::size_t count) {
     }
     child.RefuseAnythingElse();
   }
-  if (indices.size() != entries.size()) array.Fail("the array has not an entry for each index");
+  if (indices.size() != entries.size()) array.Fail("the array does not have an entry for each index");
   std::vector<double> numbers(count, otherwise);
   for (std::size_t k = 0; k < indices.size(); ++k) {
     const double index = indices[k];
     if (!(index >= 1) || index > static_cast<double>(count) || index != std::floor(index)) {
-      array.Fail("the array has an index outside of 1 to " + std::to_string(count));
+      array.Fail("the array has an index outside 1 to " + std::to_string(count));
     }
     numbers[static_cast<std::size_t>(index) - 1] = entries[k];
   }

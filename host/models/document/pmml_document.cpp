@@ -66,13 +66,13 @@ Document::Document(std::string_view text, std::string file) : file_(std::move(fi
     lineEnds_.push_back(at);
   }
   if (const std::size_t bad = FindNonText(text); bad != std::string_view::npos) {
-    throw Error("is no text in UTF-8",
+    throw Error("is not text in UTF-8",
                 file_ + ", line " + std::to_string(LineAt(static_cast<std::ptrdiff_t>(bad))));
   }
   const auto outcome =
       document_.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
   if (!outcome) {
-    throw Error(std::string("is no well-formed XML: ") + outcome.description(),
+    throw Error(std::string("is not well-formed XML: ") + outcome.description(),
                 file_ + ", line " + std::to_string(LineAt(outcome.offset)));
   }
 }
@@ -112,7 +112,7 @@ std::optional<std::string_view> Element::Find(const char* name) const {
 
 std::string Element::Text(const char* name) const {
   const auto text = Find(name);
-  if (!text) Fail("the element " + std::string(Name()) + " lacks its attribute " + name);
+  if (!text) Fail("the element " + std::string(Name()) + " has no attribute " + name);
   return std::string(*text);
 }
 
@@ -129,7 +129,7 @@ double Element::RealOf(const char* name, std::string_view text) const {
   const auto number = ReadReal(text);
   if (!number) {
     Fail("the attribute " + std::string(name) + " of " + std::string(Name()) + " is \"" + std::string(text) +
-         "\", which is no number");
+         "\", which is not a number");
   }
   return *number;
 }
@@ -153,7 +153,7 @@ std::optional<int> Element::FindInteger(const char* name) const {
   const auto number = ParseInteger(TrimXml(*text));
   if (!number) {
     Fail("the attribute " + std::string(name) + " of " + std::string(Name()) + " is \"" + std::string(*text) +
-         "\", which is no whole number");
+         "\", which is not a whole number");
   }
   return *number;
 }
@@ -200,7 +200,7 @@ std::optional<Element> Element::FindChild(std::string_view name) const {
 
 Element Element::Child(std::string_view name) const {
   const auto child = FindChild(name);
-  if (!child) Fail("the element " + std::string(Name()) + " lacks its element " + std::string(name));
+  if (!child) Fail("the element " + std::string(Name()) + " has no element " + std::string(name));
   return *child;
 }
 

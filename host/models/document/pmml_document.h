@@ -30,7 +30,7 @@ void CheckLimits(std::string_view text, const std::string& file);
 // The parsed text. Elements refer to it and must not outlive it.
 class Document {
  public:
-  // Throws Error that names `file` and the line for text that is no well-formed XML in UTF-8 or Latin-1.
+  // Throws Error that names `file` and the line for text that is not well-formed XML in UTF-8 or Latin-1.
   Document(std::string_view text, std::string file);
 
   const std::string& File() const { return file_; }

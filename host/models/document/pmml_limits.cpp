@@ -20,7 +20,7 @@ class Scan {
       } else if (Begins("<?")) {
         SkipPast("?>");
       } else if (Begins("<!")) {
-        Fail("a document type declaration is refused");
+        Fail("document type declarations are not allowed");
       } else if (Begins("</")) {
         --depth_;
         SkipPast(">");

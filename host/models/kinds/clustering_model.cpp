@@ -18,7 +18,7 @@ class ClusterReader {
     model_.Choice<int>("modelClass", {{"centerBased", 0}});
     model_.PassOver({"numberOfClusters"});
     if (place_.function != Function::kClustering)
-      model_.Fail("a clustering model has the function clustering");
+      model_.Fail("a clustering model must have the function clustering");
     result_.classes = Classes(kText);
     // Fields come first, whatever the order in the file.
     for (const Element& child : OwnChildren(model_)) {

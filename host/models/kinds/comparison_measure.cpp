@@ -56,7 +56,7 @@ ComparisonMeasure::ComparisonMeasure(const Element& element) {
   metric_ = known->second;
   if (metric_ == Metric::kMinkowski) {
     power_ = metric.Real("p-parameter");
-    if (!(power_ > 0)) metric.Fail("the power is not above 0");
+    if (!(power_ > 0)) metric.Fail("the power must be above 0");
   }
   if (metric_ == Metric::kBinary) {
     constexpr std::array<const char*, 4> kUpper{"c00-parameter", "c01-parameter", "c10-parameter",
@@ -142,7 +142,7 @@ ComparisonField ReadComparisonField(const Element& element, const ComparisonMeas
   field.compare = ReadCompare(element, measure.DefaultCompare());
   if (field.compare == Compare::kGaussSim) {
     const auto scale = element.FindReal("similarityScale");
-    if (!scale || !(*scale > 0)) element.Fail("the comparison gaussSim wants a similarityScale above 0");
+    if (!scale || !(*scale > 0)) element.Fail("the comparison gaussSim needs a similarityScale above 0");
     field.scale = *scale;
   }
   element.PassOver({"similarityScale"});

@@ -201,7 +201,7 @@ class Design {
     const auto column = std::ranges::find(categories, value) - categories.begin();
     std::vector<std::pair<double, double>> contrasts;
     if (matrix.rows.size() != categories.size())
-      at.Fail("the contrast matrix has not a row for each category");
+      at.Fail("the contrast matrix does not have a row for each category");
     for (std::size_t k = 0; k < categories.size(); ++k) {
       if (static_cast<std::size_t>(column) >= matrix.rows[k].size())
         at.Fail("the contrast matrix has no column for " + value);
@@ -308,9 +308,10 @@ Predictor PredictorOf(const Reading& reading, const Coefficients& coefficients, 
 
 ModelResult Regress(const Element& model, const Reading& reading, const Design& design,
                     const Coefficients& coefficients, ModelPlace& place) {
-  if (coefficients.byCategory.size() > 1) model.Fail("a regression wants coefficients of one target");
+  if (coefficients.byCategory.size() > 1)
+    model.Fail("a regression needs the coefficients of exactly one target");
   if (reading.kind == Kind::kMultinomial || reading.kind == Kind::kOrdinal) {
-    model.Fail("a logistic model of classes wants the function classification");
+    model.Fail("a logistic model of classes needs the function classification");
   }
   const std::string category = coefficients.byCategory.empty() ? "" : coefficients.byCategory.begin()->first;
   ModelResult result;
@@ -386,7 +387,7 @@ ModelResult Classify(const Element& model, const Reading& reading, const Design&
     slots.push_back(result.probabilities[k]);
   }
   if (reading.kind == Kind::kOrdinal && last != result.probabilities.back()) {
-    model.Fail("the reference category of an ordinal model is its last");
+    model.Fail("the reference category of an ordinal model must be its last");
   }
   slots.push_back(last);
   AddProbabilities(reading, design, predictors, slots, place);
@@ -415,7 +416,7 @@ ModelResult ReadGeneralRegressionModel(const Element& model, ModelPlace& place) 
       child.Refuse();
     }
   }
-  if (!coefficients) model.Fail("the model lacks its ParamMatrix");
+  if (!coefficients) model.Fail("the model has no ParamMatrix");
   const Coefficients betas = ReadCoefficients(*coefficients, design);
   return place.function == Function::kClassification ? Classify(model, reading, design, betas, place)
                                                      : Regress(model, reading, design, betas, place);

@@ -359,11 +359,12 @@ class EnsembleReader {
     e.missingThreshold = segmentation.Real("missingThreshold", 1);
     segmentation.RefuseOtherAttributes();
     const bool isNumeric = place_.function == Function::kRegression;
-    if (IsVote(e.method) && isNumeric) segmentation.Fail("a vote is for classes and clusters");
+    if (IsVote(e.method) && isNumeric)
+      segmentation.Fail("only classes and clusters can be combined by a vote");
     const bool isSum = e.method == Method::kSum || e.method == Method::kWeightedSum;
-    if (isSum && !isNumeric) segmentation.Fail("a sum is for regressions");
+    if (isSum && !isNumeric) segmentation.Fail("only numbers can be combined by a sum");
     if (place_.function == Function::kClustering && !IsVote(e.method) && !IsChoice(e.method)) {
-      segmentation.Fail("clusters are combined by votes or choices");
+      segmentation.Fail("clusters can only be combined by votes or choices");
     }
   }
 
@@ -381,7 +382,7 @@ class EnsembleReader {
     Segment segment;
     segment.id = element.Text("id", std::to_string(e.segments.size() + 1));
     segment.weight = element.Real("weight", 1);
-    if (segment.weight < 0) element.Fail("a weight is below 0");
+    if (segment.weight < 0) element.Fail("a weight must not be below 0");
     element.RefuseOtherAttributes();
     std::optional<Element> model;
     const Element predicate = Predicates::ChildOf(element);
@@ -418,7 +419,8 @@ class EnsembleReader {
 
   void CheckFunction(const ModelResult& result, const Element& model) const {
     if (ensemble_->method == Method::kModelChain) return;
-    if (result.function != place_.function) model.Fail("the segment's function is not that of the whole");
+    if (result.function != place_.function)
+      model.Fail("the segment's function differs from that of the whole model");
     const bool needsProbabilities = place_.function == Function::kClassification &&
                                     !IsChoice(ensemble_->method) && !IsVote(ensemble_->method);
     if (needsProbabilities && result.probabilities.empty())

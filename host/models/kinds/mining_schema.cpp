@@ -90,7 +90,7 @@ Treatment ReadTreatment(const Element& element, TypeInfo type, bool isNested, Bu
   if (const auto value = element.Find("invalidValueReplacement")) {
     treatment.invalidReplacement = builder.ValueOf(*value, type, element);
   } else if (treatment.invalid == Invalid::kValue) {
-    element.Fail("invalidValueTreatment asValue wants an invalidValueReplacement");
+    element.Fail("invalidValueTreatment asValue needs an invalidValueReplacement");
   }
   treatment.refusesMissing = element.Choice<bool>("missingValueTreatment",
                                                   {{"asIs", false},

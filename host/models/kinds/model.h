@@ -40,7 +40,7 @@ class Classes {
   std::vector<double> values_;
 };
 
-// What the one who asks for a model's result looks at beside the prediction.
+// Which results beside the prediction the caller reads.
 struct Wants {
   bool probabilities = true;
   bool confidences = true;

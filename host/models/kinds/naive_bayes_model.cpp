@@ -46,7 +46,7 @@ class BayesReader {
   ModelResult Read() {
     threshold_ = model_.Real("threshold");
     if (place_.function != Function::kClassification)
-      model_.Fail("a naive Bayes model is for classifications");
+      model_.Fail("a naive Bayes model must have the function classification");
     result_.classes = place_.classes;
     std::optional<Element> inputs;
     for (const Element& child : OwnChildren(model_)) {
@@ -58,7 +58,7 @@ class BayesReader {
         child.Refuse();
       }
     }
-    if (!inputs || priors_.empty()) model_.Fail("the model lacks its BayesInputs or BayesOutput");
+    if (!inputs || priors_.empty()) model_.Fail("the model needs BayesInputs and a BayesOutput");
     inputs->RefuseOtherAttributes();
     for (const Element& input : inputs->Children()) {
       if (!input.Is("BayesInput")) input.Refuse();
@@ -150,13 +150,13 @@ class BayesReader {
     Density density;
     if (element.Is("GaussianDistribution")) {
       density = {Density::Kind::kNormal, element.Real("mean"), element.Real("variance")};
-      if (!(density.b > 0)) element.Fail("the variance is not above 0");
+      if (!(density.b > 0)) element.Fail("the variance must be above 0");
     } else if (element.Is("PoissonDistribution")) {
       density = {Density::Kind::kPoisson, element.Real("mean"), 1};
-      if (!(density.a > 0)) element.Fail("the mean is not above 0");
+      if (!(density.a > 0)) element.Fail("the mean must be above 0");
     } else if (element.Is("UniformDistribution")) {
       density = {Density::Kind::kUniform, element.Real("lower"), element.Real("upper")};
-      if (!(density.b > density.a)) element.Fail("the bounds do not ascend");
+      if (!(density.b > density.a)) element.Fail("the bounds must ascend");
     } else {
       element.Refuse();
     }

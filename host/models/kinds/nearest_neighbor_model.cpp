@@ -125,7 +125,7 @@ class NeighbourReader {
         child.Refuse();
       }
     }
-    if (!training || !inputs) model_.Fail("the model lacks its TrainingInstances or KNNInputs");
+    if (!training || !inputs) model_.Fail("the model needs TrainingInstances and KNNInputs");
     ReadInputs(*inputs);
     ReadTraining(*training);
     return Finish();
@@ -136,7 +136,7 @@ class NeighbourReader {
 
   void ReadHead() {
     const auto count = model_.FindInteger("numberOfNeighbors");
-    if (!count || *count < 1) model_.Fail("numberOfNeighbors is not above 0");
+    if (!count || *count < 1) model_.Fail("numberOfNeighbors must be above 0");
     neighbours_->count = static_cast<std::size_t>(*count);
     neighbours_->threshold = model_.Real("threshold", neighbours_->threshold);
     const auto forNumbers = model_.Choice<Scoring>("continuousScoringMethod",
@@ -164,7 +164,7 @@ class NeighbourReader {
       field.slot = operands_.back().slot;
       const bool isText = operands_.back().type.IsText();
       if (isText && (field.compare == Compare::kAbsDiff || field.compare == Compare::kGaussSim)) {
-        input.Fail("texts are compared by delta or equal");
+        input.Fail("texts can only be compared by delta or equal");
       }
       input.RefuseAnythingElse();
       names_.push_back(name);
@@ -222,10 +222,10 @@ class NeighbourReader {
   void ReadRecord(const std::vector<std::optional<std::string>>& row, const Element& at) {
     const std::size_t width = names_.size();
     for (std::size_t k = 0; k < width; ++k) {
-      if (!row[k]) at.Fail("a record lacks its field " + names_[k]);
+      if (!row[k]) at.Fail("a record has no field " + names_[k]);
       neighbours_->records.push_back(place_.Build().ValueOf(*row[k], operands_[k].type, at));
     }
-    if (!row[width]) at.Fail("a record lacks its target");
+    if (!row[width]) at.Fail("a record has no target");
     const std::string& target = *row[width];
     neighbours_->targets.push_back(
         IsNumeric() ? place_.Build().ValueOf(target, kDouble, at)

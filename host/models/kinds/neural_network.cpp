@@ -235,7 +235,7 @@ class NetworkReader {
       points.emplace_back(point.Real("norm"), point.Real("orig"));
       point.RefuseAnythingElse();
     }
-    if (points.size() < 2) expression.Fail("NormContinuous wants two points or more");
+    if (points.size() < 2) expression.Fail("NormContinuous needs at least two points");
     if (points.front().first > points.back().first) std::ranges::reverse(points);
     const bool ascends = std::ranges::adjacent_find(points, [](const auto& a, const auto& b) {
                            return a.first >= b.first;

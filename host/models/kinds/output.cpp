@@ -33,7 +33,7 @@ class OutputReader {
     const ModelResult& result = ResultOf();
     const std::string target = field.Text("targetField", result.target);
     if (!result.target.empty() && target != result.target) {
-      field.Fail("the field " + target + " is no target of the model");
+      field.Fail("the field " + target + " is not a target of the model");
     }
     column.operand = Column(feature, result);
     if (field.Find("dataType"))

@@ -149,8 +149,8 @@ void FillProbabilities(const std::vector<ClassTable>& tables, const std::vector<
 
 ModelResult Classify(const Element& model, const std::vector<std::pair<std::string, Table>>& tables,
                      Norm norm, ModelPlace& place) {
-  if (norm == Norm::kExp) model.Fail("the normalisation exp is for regressions");
-  if (tables.size() < 2) model.Fail("a classification wants two tables or more");
+  if (norm == Norm::kExp) model.Fail("the normalisation exp can only be used for regressions");
+  if (tables.size() < 2) model.Fail("a classification needs at least two tables");
   ModelResult result;
   result.classes = place.classes;
   std::vector<ClassTable> ready;
@@ -203,8 +203,9 @@ ModelResult ReadRegressionModel(const Element& model, ModelPlace& place) {
     tables.emplace_back(category, std::move(table));
   }
   if (place.function == Function::kClassification) return Classify(model, tables, norm, place);
-  if (tables.size() != 1) model.Fail("a regression wants one table");
-  if (norm == Norm::kSimpleMax) model.Fail("the normalisation simplemax is for classifications");
+  if (tables.size() != 1) model.Fail("a regression needs exactly one table");
+  if (norm == Norm::kSimpleMax)
+    model.Fail("the normalisation simplemax can only be used for classifications");
   ModelResult result;
   result.value = place.NewResult(model);
   AddStep(place.program, [table = std::move(tables.front().second), out = result.value, norm](Frame& frame) {

@@ -112,7 +112,7 @@ class RuleReader {
       return static_cast<double>(result_.classes.Number(text, place_.Build(), at));
     }
     const auto number = ReadReal(text);
-    if (!number) at.Fail("the score \"" + text + "\" is no number");
+    if (!number) at.Fail("the score \"" + text + "\" is not a number");
     return *number;
   }
 
@@ -141,7 +141,7 @@ class RuleReader {
     }
     if (!hasMethod) element.Fail("the rule set has no RuleSelectionMethod");
     if (set_->criterion == Criterion::kWeightedSum && place_.function != Function::kClassification) {
-      element.Fail("weights are summed by class, and the model has none");
+      element.Fail("weights are summed by class, but the model has none");
     }
   }
 

@@ -87,7 +87,8 @@ class CardReader {
   CardReader(const Element& model, ModelPlace& place) : model_(model), place_(place) {}
 
   ModelResult Read() {
-    if (place_.function != Function::kRegression) model_.Fail("a scorecard is for regressions");
+    if (place_.function != Function::kRegression)
+      model_.Fail("a scorecard must have the function regression");
     card_->initial = model_.Real("initialScore", 0);
     card_->usesReasons = model_.Flag("useReasonCodes", true);
     card_->countsAbove =

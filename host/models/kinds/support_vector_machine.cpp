@@ -270,7 +270,7 @@ class Classifier {
 
   std::size_t OtherThan(std::size_t target) const {
     if (result_.classes.Count() != 2)
-      model_.Fail("a single machine tells two classes apart, and the model has not two");
+      model_.Fail("a single machine tells two classes apart, but the model does not have two");
     return 1 - target;
   }
 
@@ -304,8 +304,10 @@ void CheckMachines(const Element& model, const std::vector<Machine>& machines, c
   if (machines.empty()) model.Fail("the model has no machine");
   for (const Machine& machine : machines) {
     const std::size_t wanted = hasVectors ? machine.vectors.size() : dictionary.inputs.size();
-    if (machine.coefficients.size() != wanted) model.Fail("a machine has not a coefficient for each vector");
-    if (!hasVectors && !machine.vectors.empty()) model.Fail("a machine of coefficients has vectors");
+    if (machine.coefficients.size() != wanted)
+      model.Fail("a machine does not have a coefficient for each vector");
+    if (!hasVectors && !machine.vectors.empty())
+      model.Fail("a machine of coefficients must not have vectors");
   }
 }
 
@@ -335,7 +337,7 @@ ModelResult ReadSupportVectorMachine(const Element& model, ModelPlace& place) {
   CheckMachines(model, *machines, *dictionary, hasVectors);
   std::vector<Slot> decisions;
   const bool isRegression = place.function == Function::kRegression;
-  if (isRegression && machines->size() != 1) model.Fail("a regression wants one machine");
+  if (isRegression && machines->size() != 1) model.Fail("a regression needs exactly one machine");
   for (std::size_t k = 0; k < machines->size(); ++k) {
     decisions.push_back(isRegression ? place.NewResult(model) : place.Build().NewSlot(model));
   }

@@ -133,7 +133,7 @@ void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result
     if (!target.Is("Target")) target.Refuse();
     const std::string field = target.Text("field", place.target);
     if (!place.target.empty() && field != place.target) {
-      target.Fail("the field " + field + " is no target of the model");
+      target.Fail("the field " + field + " is not a target of the model");
     }
     ApplyTarget(target, place, result);
   }

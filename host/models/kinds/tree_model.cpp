@@ -289,7 +289,7 @@ class TreeReader {
     const bool isTogether =
         tree_->missing == Missing::kWeightedConfidence || tree_->missing == Missing::kAggregateNodes;
     if (isTogether && place_.function != Function::kClassification) {
-      model_.Fail("this missingValueStrategy is for classifications");
+      model_.Fail("this missingValueStrategy can only be used for classifications");
     }
   }
 
@@ -345,7 +345,7 @@ class TreeReader {
     if (place_.function == Function::kRegression) {
       if (!score) return kMissing;
       const auto number = ReadReal(*score);
-      if (!number) at.Fail("the score \"" + std::string(*score) + "\" is no number");
+      if (!number) at.Fail("the score \"" + std::string(*score) + "\" is not a number");
       return *number;
     }
     if (score) return static_cast<double>(result_.classes.Number(std::string(*score), place_.Build(), at));

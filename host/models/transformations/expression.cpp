@@ -107,9 +107,9 @@ Operand CompileNormContinuous(const Element& element, const Place& place) {
     norm.to.push_back(child.Real("norm"));
     child.RefuseAnythingElse();
     const std::size_t n = norm.from.size();
-    if (n > 1 && norm.from[n - 1] <= norm.from[n - 2]) child.Fail("the points of a LinearNorm do not ascend");
+    if (n > 1 && norm.from[n - 1] <= norm.from[n - 2]) child.Fail("the points of a LinearNorm must ascend");
   }
-  if (norm.from.size() < 2) element.Fail("NormContinuous wants two points or more");
+  if (norm.from.size() < 2) element.Fail("NormContinuous needs at least two points");
   Operand result;
   result.slot = place.Build().NewSlot(element);
   AddStep(place.program, [in = NumberSlot(in, place, element), out = result.slot, norm](Frame& frame) {
@@ -240,7 +240,7 @@ Operand CompileMapValues(const Element& element, const Place& place, std::option
       child.Refuse();
     }
   }
-  if (!rows || inputs.empty()) element.Fail("MapValues wants a FieldColumnPair and an InlineTable");
+  if (!rows || inputs.empty()) element.Fail("MapValues needs a FieldColumnPair and an InlineTable");
   const std::size_t width = columns.size();
   columns.push_back(element.Text("outputColumn"));
   const auto otherwise = element.Find("defaultValue");
@@ -258,10 +258,10 @@ Operand CompileMapValues(const Element& element, const Place& place, std::option
   for (const auto& row : cells) {
     auto& key = keys.emplace_back();
     for (std::size_t k = 0; k < width; ++k) {
-      if (!row[k]) rows->Fail("a row lacks its column " + columns[k]);
+      if (!row[k]) rows->Fail("a row has no column " + columns[k]);
       key.push_back(place.Build().ValueOf(*row[k], inputs[k].type, *rows));
     }
-    if (!row.back()) rows->Fail("a row lacks its column " + columns.back());
+    if (!row.back()) rows->Fail("a row has no column " + columns.back());
     results.push_back(place.Build().ValueOf(*row.back(), result.type, *rows));
   }
   const double rest = otherwise ? place.Build().ValueOf(*otherwise, result.type, element) : kMissing;
@@ -298,7 +298,7 @@ Operand CallDefined(const Element& function, const std::string& name, std::span<
   std::optional<Element> body;
   for (const Element& child : function.Children()) {
     if (child.Is("ParameterField")) {
-      if (count >= arguments.size()) at.Fail("the function " + name + " wants more arguments");
+      if (count >= arguments.size()) at.Fail("the function " + name + " needs more arguments");
       const Operand& argument = arguments[count++];
       const TypeInfo wanted = ReadDataType(child, argument.type);
       ReadOpType(child, argument.opType);
@@ -311,7 +311,7 @@ Operand CallDefined(const Element& function, const std::string& name, std::span<
       child.Refuse();
     }
   }
-  if (count < arguments.size()) at.Fail("the function " + name + " wants fewer arguments");
+  if (count < arguments.size()) at.Fail("the function " + name + " takes fewer arguments");
   if (!body) function.Fail("the function " + name + " has no expression");
   const Operand result = CompileExpression(*body, inside, hasType ? std::optional(type) : std::nullopt);
   place.Build().FunctionsInUse().erase(name);
@@ -358,7 +358,7 @@ Operand CompileLag(const Element& element, const Place& place) {
   const int lag = element.FindInteger("n").value_or(1);
   element.Choice<int>("aggregate", {{"none", 0}}, 0);
   element.RefuseAnythingElse();
-  if (lag < 1) element.Fail("a Lag goes back a row or more");
+  if (lag < 1) element.Fail("a Lag must go back at least one row");
   if (result.slot >= 0) element.Fail("a Lag of a field that is derived or treated is not supported");
   const Slot in = result.slot;
   result.slot = place.Build().NewSlot(element);
@@ -525,7 +525,7 @@ void DeclareTransformations(const Element& element, Scope& scope) {
 
 Slot NumberSlot(const Operand& operand, const Place& place, const Element& at) {
   if (!operand.type.IsText()) return operand.slot;
-  if (!operand.literal) at.Fail("texts stand where numbers are wanted");
+  if (!operand.literal) at.Fail("texts cannot be used where numbers are needed");
   return FromText(operand, kDouble, place, at).slot;
 }
 

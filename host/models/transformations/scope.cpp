@@ -74,12 +74,12 @@ void Builder::CountExpression(const Element& at) {
 double Builder::ValueOf(std::string_view text, TypeInfo type, const Element& at) {
   if (type.IsText()) return pool_->Number(text);
   const auto value = ParseValue(type, text);
-  if (!value) at.Fail("\"" + std::string(text) + "\" is no value of the field's type");
+  if (!value) at.Fail("\"" + std::string(text) + "\" is not a value of the field's type");
   return *value;
 }
 
 Builder::Depth::Depth(Builder& builder, const Element& at) : builder_(builder) {
-  if (builder_.depth_ >= kDeepestDefinition) at.Fail("definitions stand in each other too deeply");
+  if (builder_.depth_ >= kDeepestDefinition) at.Fail("definitions are nested too deeply");
   ++builder_.depth_;
 }
 

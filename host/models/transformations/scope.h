@@ -81,7 +81,7 @@ class Builder {
   std::size_t FixedSlots() const { return static_cast<std::size_t>(fixed_); }
 
   // The number that a text means as a value of a type: its place in the pool where the type is text. Throws
-  // where the text is no value of the type.
+  // where the text is not a value of the type.
   double ValueOf(std::string_view text, TypeInfo type, const Element& at);
 
   // Guards against definitions that stand in each other too deeply.

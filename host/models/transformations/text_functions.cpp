@@ -70,7 +70,7 @@ std::unique_ptr<re2::RE2> CompilePattern(const Operand& pattern, const Element& 
   return expression;
 }
 
-// A replacement text with groups as $1 in the form that RE2 wants.
+// A replacement text with groups as $1 in RE2's form.
 std::string Rewrite(std::string_view replacement) {
   std::string rewrite;
   for (std::size_t i = 0; i < replacement.size(); ++i) {
@@ -316,7 +316,7 @@ class Call {
   Operand AsSeconds(const Operand& argument) const {
     if (argument.type.type == DataType::kDateTime) return argument;
     if (argument.type.IsText()) return Cast(argument, {DataType::kDateTime}, place_, at_);
-    if (argument.type.type != DataType::kDate) at_.Fail("the function " + name_ + " wants a date");
+    if (argument.type.type != DataType::kDate) at_.Fail("the function " + name_ + " needs a date");
     Operand seconds =
         Over(argument.slot, {DataType::kDateTime}, [](Frame&, double days) { return days * kSecondsPerDay; });
     return seconds;
@@ -349,7 +349,7 @@ class Call {
     Want(2);
     constexpr int kLastYear = 9999;
     const auto year = arguments_[1].literal ? ParseInteger(*arguments_[1].literal) : std::nullopt;
-    if (!year || *year < 0 || *year > kLastYear) at_.Fail("the function " + name_ + " wants a year");
+    if (!year || *year < 0 || *year > kLastYear) at_.Fail("the function " + name_ + " needs a year");
     return Over(
         AsSeconds(arguments_[0]).slot, kInteger, [inDays, epoch = DaysToYear(*year)](Frame&, double seconds) {
           return inDays ? std::floor(seconds / kSecondsPerDay) - epoch : seconds - epoch * kSecondsPerDay;

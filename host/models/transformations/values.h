@@ -47,7 +47,8 @@ inline constexpr TypeInfo kTruth{DataType::kBoolean};
 TypeInfo ReadDataType(const Element& element, TypeInfo otherwise);
 OpType ReadOpType(const Element& element, OpType otherwise);
 
-// The number that a text spells as a value of the type, which is none of text; nothing where it spells none.
+// The number that a text stands for as a value of the type, which must not be text; nothing where it stands for
+// none.
 std::optional<double> ParseValue(TypeInfo type, std::string_view text);
 
 // A value of a type other than text as text.
