@@ -2,10 +2,9 @@
 
 #include <string>
 
-#include "apps/cli/session.h"
+#include "apps/cli/wrong_call.h"
 #include "host/base/files/output_file.h"
 #include "host/jobs/project_files.h"
-#include "host/tables/numpy_archive.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -55,16 +54,6 @@ void Recording::Commit() const {
   OutputFile file(file_);
   file.Write(recorder_.Text("Recorded by brenvolt " BRENVOLT_VERSION ":\n" + TheCall()));
   file.Commit();
-}
-
-void WriteRecorded(const std::filesystem::path& path, const CAnalysisTableDoc& document, JobRecorder& job) {
-  if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(document.Table(), path);
-    job.Called(&document, "sheet.to_npz", {PythonPath(path)});
-    return;
-  }
-  WriteCsvFile(document.Table(), path, {});
-  job.Called(&document, "sheet.to_csv", {PythonPath(path)});
 }
 
 }  // namespace brenvolt::cli

@@ -4,7 +4,6 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "host/analysis/analysis_table_doc.h"
 #include "host/jobs/job_recorder.h"
 
 namespace brenvolt::cli {
@@ -30,9 +29,5 @@ class Recording {
   MacroRecorder recorder_;
   JobRecorder job_;
 };
-
-// Writes the sheet of a document, to NumPy arrays where the name ends so, else as CSV, and records it. Throws
-// Error, and writes nothing, where a project would be replaced.
-void WriteRecorded(const std::filesystem::path& path, const CAnalysisTableDoc& document, JobRecorder& job);
 
 }  // namespace brenvolt::cli

@@ -1,10 +1,21 @@
 #include "apps/cli/data_options.h"
 
-#include "apps/cli/session.h"
-#include "host/base/error.h"
-#include "host/tables/numpy_archive.h"
+#include <map>
+
+#include "apps/cli/wrong_call.h"
+#include "host/base/number_text.h"
+#include "host/jobs/project_files.h"
 
 namespace brenvolt::cli {
+namespace {
+
+// The fields whose options have other names.
+const std::map<std::string, std::string, std::less<>> kOtherNames{
+    {"data", "DATA"},        {"fixed", "--fix"}, {"formulas", "--formula"},   {"models", "--model"},
+    {"offsets", "--offset"}, {"output", "-o"},   {"specifications", "--spec"}};
+
+}  // namespace
+
 void AddFormatOption(CLI::App& command, ReportFormat& format) {
   command
       .add_option_function<std::string>(
@@ -17,22 +28,45 @@ void AddFormatOption(CLI::App& command, ReportFormat& format) {
       ->type_name("table|json");
 }
 
-void AddDecimalCommaOption(CLI::App& command, InputOptions& input) {
-  command.add_flag("--decimal-comma", input.decimalComma,
+void AddDecimalCommaOption(CLI::App& command, JobData& data) {
+  command.add_flag("--decimal-comma", data.decimalComma,
                    "CSV with decimal commas, semicolons between the fields");
 }
 
-bool IsRegularTarget(const std::filesystem::path& path) {
-  std::error_code ignored;
-  const auto status = std::filesystem::status(path, ignored);
-  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+std::string OptionOf(const std::string& field) {
+  if (const auto other = kOtherNames.find(field); other != kOtherNames.end()) return other->second;
+  return "--" + Spelled(field, '-');
 }
 
-void CheckSimulatedTarget(const std::filesystem::path& path) {
-  if (path.empty() || HasProjectEnding(path)) return;
-  RefuseProjectTarget(path);
-  if (HasEnding(path, ".csv") || IsNumpyArchiveName(path) || !IsRegularTarget(path)) return;
-  throw WrongCall("-o wants a file ending in .csv, .npz or .bvw, not " + path.string());
+void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
+             const std::string& type, const std::string& help) {
+  command.add_option(name, list, help)->delimiter(',')->allow_extra_args(false)->type_name(type);
+}
+
+double NumberIn(const std::string& field, const std::string& text) {
+  if (const auto number = ParseNumber(text)) return *number;
+  throw WrongJob(field, "expected a number, got " + Quoted(text));
+}
+
+void RefuseEntry(const std::string& field, const std::string& form, const std::string& text) {
+  throw WrongJob(field, "expected " + form + ", got " + Quoted(text));
+}
+
+std::pair<std::string, std::string> SplitEntry(const std::string& field, const std::string& form,
+                                               const std::string& text) {
+  const auto equals = text.rfind('=');
+  if (equals == std::string::npos || equals == 0) RefuseEntry(field, form, text);
+  return {text.substr(0, equals), text.substr(equals + 1)};
+}
+
+std::vector<std::string> SplitAtCommas(const std::string& text) {
+  std::vector<std::string> parts;
+  std::size_t begin = 0;
+  for (std::size_t end = begin; end != std::string::npos; begin = end + 1) {
+    end = text.find(',', begin);
+    parts.push_back(text.substr(begin, end - begin));
+  }
+  return parts;
 }
 
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {

@@ -1,12 +1,16 @@
-// Options and actions that several verbs share: reading data files, choosing a format, saving into projects.
+// Options and actions that several verbs share: from the words of a call to the structure of a job, whose
+// fields they fill.
 #pragma once
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "host/application/json_text.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/job_data.h"
+#include "host/jobs/job_fault.h"
 
 namespace brenvolt::cli {
 
@@ -14,24 +18,53 @@ enum class ReportFormat { kTable, kJson };
 
 // Adds --format table|json.
 void AddFormatOption(CLI::App& command, ReportFormat& format);
-
-struct InputOptions {
-  std::filesystem::path path;
-  std::string sheet;
-  bool decimalComma = false;
-
-  CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
-};
-
 // Adds --decimal-comma.
-void AddDecimalCommaOption(CLI::App& command, InputOptions& input);
+void AddDecimalCommaOption(CLI::App& command, JobData& data);
+
+// The option that gives a field of a job: "--rank-by" for rankBy.
+std::string OptionOf(const std::string& field);
+
+// An option with one argument for each occurrence: it must not swallow the name of the data file. Names of a
+// list stand between commas.
+void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
+             const std::string& type, const std::string& help);
+
+// A number as a person wrote it. Throws WrongJob for what is none.
+double NumberIn(const std::string& field, const std::string& text);
+template <class Number>
+CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::string& field, Number& number,
+                       const std::string& type, const std::string& help) {
+  return command
+      .add_option_function<std::string>(
+          name, [&number, field](const std::string& text) { number = NumberIn(field, text); }, help)
+      ->type_name(type);
+}
+
+// "NAME=VALUE" taken apart at its last equals sign: a name may itself hold some. `form` says what the option
+// takes. Throws WrongJob where there is none.
+std::pair<std::string, std::string> SplitEntry(const std::string& field, const std::string& form,
+                                               const std::string& text);
+std::vector<std::string> SplitAtCommas(const std::string& text);
+[[noreturn]] void RefuseEntry(const std::string& field, const std::string& form, const std::string& text);
+
+// An option that may be repeated. `parse` makes an entry of a job of the words of each; there are no lists,
+// as a name may hold a comma.
+template <class Entry>
+CLI::Option* AddEntries(CLI::App& command, const std::string& name, std::vector<Entry>& entries,
+                        Entry (*parse)(const std::string& text), const std::string& type,
+                        const std::string& help) {
+  return command
+      .add_option_function<std::vector<std::string>>(
+          name,
+          [&entries, parse](const std::vector<std::string>& texts) {
+            for (const std::string& text : texts) entries.push_back(parse(text));
+          },
+          help)
+      ->allow_extra_args(false)
+      ->type_name(type);
+}
 
 // Throws WrongCall unless `path` ends as project files do. `option` names the option that gave it.
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option);
-// True for a regular file, and where there is nothing yet.
-bool IsRegularTarget(const std::filesystem::path& path);
-// What simulated data may go to: a project, CSV or NumPy arrays by the ending, CSV to devices and pipes, or
-// nothing for an empty path. Throws WrongCall otherwise; Error where a project would be replaced.
-void CheckSimulatedTarget(const std::filesystem::path& path);
 
 }  // namespace brenvolt::cli

@@ -4,7 +4,7 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/session.h"
+#include "apps/cli/wrong_call.h"
 #include "host/base/utf8.h"
 #include "host/jobs/exchange.h"
 
@@ -12,7 +12,7 @@ namespace brenvolt::cli {
 namespace {
 
 struct ImportOptions {
-  InputOptions input;
+  JobData input;
   std::filesystem::path project;
   std::string kind;  // "data" or "matrix"; empty: the file decides
   std::filesystem::path record;
@@ -21,7 +21,7 @@ struct ImportOptions {
 struct ExportOptions {
   std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
   std::filesystem::path output;
-  InputOptions format;
+  JobData format;
   std::filesystem::path record;
 };
 
@@ -30,9 +30,9 @@ void Import(const ImportOptions& options) {
   if (!IsText(options.input.sheet)) throw WrongCall("the sheet's name is not UTF-8 text");
   Recording recording(options.record);
   const Spreadsheet sheet = ImportIntoProject(
-      {options.input.path, options.input.Format(), options.input.sheet, options.kind}, options.project);
+      {options.input.file, options.input.Format(), options.input.sheet, options.kind}, options.project);
   recording.Job().Called(nullptr, "Import",
-                         {PythonPath(options.input.path), PythonPath(options.project),
+                         {PythonPath(options.input.file), PythonPath(options.project),
                           options.input.sheet.empty() ? "" : "sheet=" + PythonText(options.input.sheet),
                           options.kind.empty() ? "" : "kind=" + PythonText(options.kind),
                           DecimalCommaArgument(options.input.decimalComma)});
@@ -60,7 +60,7 @@ void AddImportCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("import", "Take a data file into a project");
   const auto options = std::make_shared<ImportOptions>();
   command
-      ->add_option("FILE", options->input.path,
+      ->add_option("FILE", options->input.file,
                    "CSV file with a header row: data, or a matrix whose first column names the rows")
       ->required();
   command->add_option("-o,--output", options->project, "Project, made when there is none")

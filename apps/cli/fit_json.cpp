@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "apps/cli/session.h"
+#include "apps/cli/wrong_call.h"
 #include "host/analysis/result_columns.h"
 #include "host/application/result_table.h"
 

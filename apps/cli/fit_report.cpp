@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "apps/cli/fit_json.h"
-#include "apps/cli/session.h"
 #include "apps/cli/text_table.h"
+#include "apps/cli/wrong_call.h"
 #include "host/analysis/result_columns.h"
 #include "host/application/result_table.h"
 #include "host/base/number_text.h"

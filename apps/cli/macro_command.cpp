@@ -8,7 +8,8 @@
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
-#include "apps/cli/session.h"
+#include "apps/cli/wrong_call.h"
+#include "host/application/application.h"
 #include "host/base/dynamic_library.h"
 #include "host/base/error.h"
 #include "host/base/program_start.h"

@@ -7,10 +7,12 @@
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
-#include "apps/cli/session.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/wrong_call.h"
 #include "host/base/error.h"
 #include "host/base/interruption.h"
 #include "host/base/memory_policy.h"
+#include "host/jobs/analysis_session.h"
 
 namespace {
 
@@ -100,7 +102,11 @@ int main(int argc, char** argv) {
   } catch (const brenvolt::cli::WrongCall& error) {
     Complain(error.what());
     return kWrongCall;
-  } catch (const brenvolt::cli::JobFailed&) {
+  } catch (const brenvolt::WrongJob& wrong) {
+    for (const brenvolt::JobFault& fault : wrong.Faults())
+      Complain(fault.message, brenvolt::cli::OptionOf(fault.field));
+    return kWrongCall;
+  } catch (const brenvolt::JobFailed&) {
     return brenvolt::InterruptionRequested() ? Interrupted() : kJobFailed;
   } catch (const brenvolt::UserCancelled&) {
     return Interrupted();

@@ -3,33 +3,19 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "host/analysis/analysis_graph_doc.h"
-#include "host/analysis/analysis_table_doc.h"
+#include "host/jobs/profile_job.h"
 
 namespace brenvolt::cli {
 
-using Table = std::shared_ptr<CAnalysisTableDoc>;
-
-// The documents of one response, as the profiler shows them.
-struct ResponseResults {
-  std::string name;
-  Table statistics;
-  Table correlations;
-  Table percentiles;
-  Table frequencies;
-  Table sensitivity;
-  Table capability;  // null without a specification
-};
+using ResponseResults = ResponseTables;
 
 struct ProfileResults {
   std::int64_t runs = 0;
-  std::vector<ResponseResults> responses;
+  std::vector<ResponseTables> responses;
   Table defects;  // null where no response has a specification
 };
 

@@ -5,16 +5,15 @@
 namespace brenvolt::python {
 
 AnalysisRef::AnalysisRef(std::shared_ptr<SheetRef> input)
-    : input_(std::move(input)), document_(interface_, &input_->Sheet()) {
-  document_.SetInputTable(&input_->Sheet(), input_->Document());
-  document_.SetDataOpener([this](const std::filesystem::path& path) { return OpenInput(path); });
-  analysis_ = application_.NewAnalysis(document_);
+    : input_(std::move(input)), session_(interface_, input_->Sheet()) {
+  session_.Input().SetInputTable(&input_->Sheet(), input_->Document());
+  session_.Input().SetDataOpener([this](const std::filesystem::path& path) { return OpenInput(path); });
   RecordStarted(*this);
 }
 
 AnalysisRef::~AnalysisRef() {
   ForgetAnalysis(*this);
-  if (analysis_ != nullptr) analysis_->BeforeClose();
+  Analysis().BeforeClose();
 }
 
 Spreadsheet* AnalysisRef::OpenInput(const std::filesystem::path& path) {

@@ -7,7 +7,7 @@
 
 #include "bindings/python/python_interface.h"
 #include "bindings/python/sheets.h"
-#include "host/application/application.h"
+#include "host/jobs/analysis_session.h"
 
 namespace brenvolt::python {
 
@@ -19,7 +19,8 @@ class AnalysisRef {
   AnalysisRef(const AnalysisRef&) = delete;
   AnalysisRef& operator=(const AnalysisRef&) = delete;
 
-  CAnalysisSupport& Analysis() { return *analysis_; }
+  AnalysisSession& Session() { return session_; }
+  CAnalysisSupport& Analysis() { return session_.Analysis(); }
   PythonInterface& Interface() { return interface_; }
   // The input, which a dialog may have exchanged.
   std::shared_ptr<SheetRef> Input() const { return input_; }
@@ -28,11 +29,9 @@ class AnalysisRef {
   Spreadsheet* OpenInput(const std::filesystem::path& path);
 
   PythonInterface interface_;
-  Application application_{interface_};
   std::shared_ptr<SheetRef> input_;
   std::vector<std::shared_ptr<SheetRef>> formerInputs_;
-  CAnalysisDoc document_;
-  std::unique_ptr<CAnalysisSupport> analysis_;
+  AnalysisSession session_;
 };
 
 // An automation object; null is no analysis's.

@@ -3,14 +3,11 @@
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
-#include <exception>
-#include <optional>
-
 #include "bindings/python/analysis.h"
 #include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
-#include "bindings/python/numpy_arrays.h"
+#include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/variants.h"
 #include "host/analysis/analysis_graph_doc.h"
@@ -30,36 +27,8 @@ using Analysis = std::shared_ptr<AnalysisRef>;
 
 // --- calls
 
-// What a call gave, or how it failed, and the messages shown meanwhile.
-struct Outcome {
-  Variant result;
-  std::vector<Message> messages;
-  std::optional<CallFailure> failure;
-  std::exception_ptr other;  // what is no failure of the system's: a cancellation, no memory
-};
-
-const char* CodeName(AutomationCode code) {
-  switch (code) {
-    case AutomationCode::kNone:
-      return "";
-    case AutomationCode::kMemberNotFound:
-      return "no such call";
-    case AutomationCode::kException:
-      return "exception";
-    case AutomationCode::kDialogClosed:
-      return "closed";
-    case AutomationCode::kControlRefused:
-      return "refused";
-    case AutomationCode::kNotAvailable:
-      return "not available";
-  }
-  return "";
-}
-
-// The system's name of the method that failed; where it tells none (an object without a dialog, a refused
-// OK), the same with the name of the interface.
+// The name of a method of an object: of a dialog's the system itself knows the name.
 std::string MethodName(const AutomationObject& object, const std::string& name, CallKind kind) {
-  if (const std::string& source = ThreadErrorInfo().source; !source.empty()) return source;
   const char* prefix = kind == CallKind::kGet ? "get_" : kind == CallKind::kPut ? "put_" : "";
   return std::string(object.InterfaceName()) + "::" + prefix + name;
 }
@@ -71,72 +40,19 @@ Variant CallMember(AutomationObject& object, const std::string& name, CallKind k
     throw AutomationFailure(AutomationCode::kMemberNotFound, "no such member",
                             std::string(object.InterfaceName()) + "." + name);
   }
-  return object.Invoke(*member, kind, arguments);
+  Variant result = object.Invoke(*member, kind, arguments);
+  const bool refused = kind == CallKind::kMethod && !result.IsEmpty() && !result.ToBoolean();
+  if (refused) throw JobFailed(MethodName(object, name, kind));
+  return result;
 }
 
-void CarryOut(const AutomationRef& ref, const std::string& name, CallKind kind,
-              const std::vector<Variant>& arguments, Outcome& outcome) {
-  const auto fail = [&](const std::string& text, const std::string& where, AutomationCode code) {
-    outcome.failure = {text, where, MethodName(*ref.object, name, kind), CodeName(code), {}};
-  };
-  ClearThreadErrorInfo();
-  try {
-    outcome.result = CallMember(*ref.object, name, kind, arguments);
-    const bool refused =
-        kind == CallKind::kMethod && !outcome.result.IsEmpty() && !outcome.result.ToBoolean();
-    if (refused) fail({}, {}, AutomationCode::kControlRefused);
-  } catch (const AutomationFailure& failure) {
-    fail(failure.what(), failure.Where(), failure.Code());
-  } catch (const AutomationError& error) {
-    fail(error.Reason(), error.Where(), AutomationCode::kException);
-  } catch (const Error& error) {
-    fail(error.what(), error.Where(), AutomationCode::kException);
-  } catch (...) {
-    outcome.other = std::current_exception();
-  }
-}
-
-Outcome InvokeInHost(const AutomationRef& ref, const std::string& name, CallKind kind,
-                     const std::vector<Variant>& arguments) {
-  const HostCall call;
-  PythonInterface* interface = ref.analysis != nullptr ? &ref.analysis->Interface() : nullptr;
-  const std::size_t shown = interface != nullptr ? interface->Messages().size() : 0;
-  Outcome outcome;
-  CarryOut(ref, name, kind, arguments, outcome);
-  if (interface != nullptr) {
-    const auto& messages = interface->Messages();
-    outcome.messages.assign(messages.begin() + static_cast<std::ptrdiff_t>(shown), messages.end());
-  }
-  return outcome;
-}
-
-// The last message shown says why a call failed; what failed inside it becomes a note.
-void SayWhy(Outcome& outcome) {
-  if (!outcome.failure) return;
-  CallFailure& failure = *outcome.failure;
-  Message why{"the dialog refused", {}, {}};
-  if (!outcome.messages.empty()) {
-    why = outcome.messages.back();
-    outcome.messages.pop_back();
-  } else if (!failure.text.empty()) {
-    return;
-  }
-  if (failure.text != why.text) failure.note = failure.text;
-  failure.text = why.text;
-  failure.where = why.where;
-}
-
-// One call. An interruption ends it before all else. Its messages become warnings, but for the one that says
-// why the call failed.
 Variant Invoke(const AutomationRef& ref, const std::string& name, CallKind kind,
                const std::vector<Variant>& arguments) {
-  Outcome outcome = InvokeInHost(ref, name, kind, arguments);
-  if (ref.analysis != nullptr) ref.analysis->Interface().ThrowIfInterrupted();
-  SayWhy(outcome);
-  for (const Message& message : outcome.messages) Warn(message);
-  if (outcome.other != nullptr) std::rethrow_exception(outcome.other);
-  if (outcome.failure) RaiseError(*outcome.failure);
-  return outcome.result;
+  Variant result;
+  CarryOut(
+      ref.analysis.get(), [&] { result = CallMember(*ref.object, name, kind, arguments); },
+      [&] { return MethodName(*ref.object, name, kind); });
+  return result;
 }
 
 std::vector<Variant> ArgumentsFrom(const py::tuple& arguments) {

@@ -6,6 +6,7 @@
 
 #include "bindings/python/module.h"
 #include "host/base/error.h"
+#include "host/jobs/job_fault.h"
 
 namespace py = pybind11;
 
@@ -23,11 +24,21 @@ void SetError(const CallFailure& failure) {
   PyErr_SetObject(type.ptr(), error.ptr());
 }
 
+// A line for each fault.
+std::string TextOf(const JobFaults& faults) {
+  std::string text;
+  for (const JobFault& fault : faults)
+    text += (text.empty() ? "" : "\n") + fault.message + " (" + Spelled(fault.field, '_') + ")";
+  return text;
+}
+
 void Translate(std::exception_ptr thrown) {
   try {
     if (thrown) std::rethrow_exception(thrown);
   } catch (const Error& error) {
     SetError({error.what(), error.Where(), {}, {}, {}});
+  } catch (const WrongJob& wrong) {
+    PyErr_SetString(PyExc_ValueError, TextOf(wrong.Faults()).c_str());
   } catch (const UserCancelled&) {
     PyErr_SetNone(PyExc_KeyboardInterrupt);
   }

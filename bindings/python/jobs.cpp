@@ -4,6 +4,7 @@
 
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/analysis/result_columns.h"
@@ -12,7 +13,10 @@
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/exchange.h"
 #include "host/jobs/fit_graphs.h"
+#include "host/jobs/fit_job.h"
 #include "host/jobs/project_files.h"
+#include "host/jobs/score_job.h"
+#include "host/jobs/simulate_job.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace py = pybind11;
@@ -30,15 +34,6 @@ Sheet Free(std::unique_ptr<Spreadsheet> sheet) {
 
 std::unique_ptr<Spreadsheet> CopyOf(const Sheet& sheet) {
   return sheet == nullptr ? nullptr : std::make_unique<Spreadsheet>(sheet->Sheet());
-}
-
-py::list FittedTypes() {
-  py::list types;
-  for (const FittedType& type : kFittedTypes) {
-    types.append(py::dict("name"_a = std::string(type.name), "continuous"_a = type.continuous,
-                          "check"_a = std::string(type.check), "offset"_a = std::string(type.offset)));
-  }
-  return types;
 }
 
 // The code of a distribution that a person names. Throws ValueError that lists the names.
@@ -83,31 +78,16 @@ py::dict ResultColumns() {
   return dictionary;
 }
 
-py::dict DictOf(const Choices& choices) {
-  py::dict dictionary;
-  for (const auto& [word, member] : choices) dictionary[py::str(word)] = std::string(member);
-  return dictionary;
+void RequireProjectEnding(const char* field, const std::filesystem::path& path) {
+  JobFaults faults;
+  CheckProjectEnding(field, path, faults);
+  RequireNone(std::move(faults));
 }
 
-void RequireProjectEnding(const std::filesystem::path& path) {
-  if (!HasProjectEnding(path))
-    throw std::invalid_argument("a project's file ends in .bvw, not as " + path.string());
-}
-
-// Saves a fitted sheet with its correlation matrix. A sheet of a project that is saved to the project's own
-// file stays where it is; otherwise it is merged into the project at `path`.
-void SaveFits(const Sheet& sheet, const Sheet& matrix, const std::filesystem::path& path) {
-  RequireProjectEnding(path);
+void SaveFitsOf(const Sheet& sheet, const Sheet& matrix, const std::filesystem::path& path) {
+  RequireProjectEnding("path", path);
   const auto& workbook = sheet->Workbook();
-  std::error_code ignored;
-  const bool own = workbook != nullptr && workbook->Path() &&
-                   std::filesystem::equivalent(*workbook->Path(), path, ignored);
-  if (own) {
-    if (matrix != nullptr) PutCorrelationMatrix(workbook->Content(), sheet->Sheet().Name(), CopyOf(matrix));
-    workbook->Save(path);
-  } else {
-    MergeIntoProject(path, sheet->Sheet(), CopyOf(matrix));
-  }
+  SaveFits(sheet->Sheet(), CopyOf(matrix), workbook != nullptr ? &workbook->File() : nullptr, path);
   TheJob().Called(nullptr, "SaveFits",
                   {RecordedName(sheet), matrix != nullptr ? RecordedName(matrix) : "None", PythonPath(path)});
 }
@@ -129,7 +109,7 @@ Sheet MatrixNamed(const std::string& name, const Sheet& sheet) {
 }
 
 std::vector<std::string> Append(const std::filesystem::path& path, const std::vector<Sheet>& sheets) {
-  RequireProjectEnding(path);
+  RequireProjectEnding("path", path);
   std::vector<std::unique_ptr<Spreadsheet>> copies;
   JobRecorder::Arguments arguments{PythonPath(path)};
   for (const Sheet& sheet : sheets) {
@@ -151,7 +131,7 @@ std::string Keyword(const char* name, const std::string& text) {
 
 std::string Import(const std::filesystem::path& file, const std::filesystem::path& project,
                    const std::string& sheet, const std::string& kind, bool decimalComma) {
-  RequireProjectEnding(project);
+  RequireProjectEnding("project", project);
   if (!kind.empty() && kind != "data" && kind != "matrix")
     throw std::invalid_argument("kind is 'data' or 'matrix', not " + Quoted(kind));
   const Spreadsheet imported = ImportIntoProject({file, Format(decimalComma), sheet, kind}, project);
@@ -169,28 +149,76 @@ void Export(const std::string& source, const std::filesystem::path& output, bool
 
 Sheet Score(const std::filesystem::path& model, const std::filesystem::path& data, const std::string& sheet,
             bool probabilities, bool leaveInvalid, bool decimalComma) {
-  ScoreOptions options;
-  options.classProbabilities = probabilities;
-  options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
-  Sheet predictions =
-      Free(std::make_unique<Spreadsheet>(ScoreFile(model, data, Format(decimalComma), sheet, options)));
-  RecordGiven("predictions", nullptr, "Score",
-              {PythonPath(model), PythonPath(data), Keyword("sheet=", sheet),
-               probabilities ? "probabilities=True" : "", leaveInvalid ? "leave_invalid=True" : "",
-               DecimalCommaArgument(decimalComma)},
-              predictions);
+  const ScoreJob job{model, {data, sheet, decimalComma}, probabilities, leaveInvalid, {}};
+  Sheet predictions = Free(std::make_unique<Spreadsheet>(job.Score()));
+  Keep(predictions);
+  job.Record(TheJob(), predictions.get());
   return predictions;
+}
+
+// The names of the fitted variables, in the order of the results.
+std::vector<std::string> Fit(const FitJob& job, AnalysisRef& analysis) {
+  std::vector<std::string> names;
+  CarryOut(&analysis, [&] { names = job.Fit(analysis.Session(), analysis.Input()->Sheet()); });
+  return names;
+}
+
+void SpecifySaving(const FitJob& job, AnalysisRef& analysis, const std::vector<std::string>& fitted) {
+  CarryOut(&analysis, [&] { job.SpecifySaving(*analysis.Session().Dialog(), fitted); });
+}
+
+void SpecifySimulation(const SimulateJob& job, AnalysisRef& analysis) {
+  CarryOut(&analysis, [&] { job.Specify(analysis.Session(), analysis.Input()->Sheet()); });
+}
+
+void BindFitJob(py::module_& module) {
+  py::class_<FitJob> job(module, "FitJob");
+  py::class_<FitJob::Offset>(job, "Offset").def(py::init<std::string, std::string, double>());
+  py::class_<FitJob::Count>(job, "Count").def(py::init<std::string, double>());
+  py::class_<FitJob::Truncation>(job, "Truncation")
+      .def(py::init<std::string, std::optional<double>, std::optional<double>>());
+  py::class_<FitJob::Order>(job, "Order").def(py::init<std::string, std::vector<std::string>>());
+  using Names = std::vector<std::string>;
+  job.def(py::init<>())
+      .def_property("continuous", nullptr, [](FitJob& j, Names names) { j.variables.continuous = names; })
+      .def_property("discrete", nullptr, [](FitJob& j, Names names) { j.variables.discrete = names; })
+      .def_readwrite("distributions", &FitJob::distributions)
+      .def_readwrite("rank_by", &FitJob::rankBy)
+      .def_readwrite("discrete_rank_by", &FitJob::discreteRankBy)
+      .def_readwrite("binning", &FitJob::binning)
+      .def_readwrite("missing", &FitJob::missing)
+      .def_readwrite("offsets", &FitJob::offsets)
+      .def_readwrite("mixtures", &FitJob::mixtures)
+      .def_readwrite("trials", &FitJob::trials)
+      .def_readwrite("johnson_percentiles", &FitJob::johnsonPercentiles)
+      .def_readwrite("bootstrap", &FitJob::bootstrap)
+      .def_readwrite("bootstrap_seed", &FitJob::bootstrapSeed)
+      .def_readwrite("save", &FitJob::save)
+      .def_readwrite("truncate", &FitJob::truncate)
+      .def_readwrite("order", &FitJob::order)
+      .def("check", [](const FitJob& j) { RequireNone(j.Check()); })
+      .def("run", &Fit)
+      .def("specify_saving", &SpecifySaving);
+}
+
+void BindSimulateJob(py::module_& module) {
+  py::class_<SimulateJob>(module, "SimulateJob")
+      .def(py::init<>())
+      .def_readwrite("variables", &SimulateJob::variables)
+      .def_readwrite("method", &SimulateJob::method)
+      .def_readwrite("samples", &SimulateJob::samples)
+      .def_readwrite("seed", &SimulateJob::seed)
+      .def_readwrite("truncate", &SimulateJob::truncate)
+      .def_readwrite("matrix", &SimulateJob::matrix)
+      .def("check", [](const SimulateJob& job) { RequireNone(job.Check()); })
+      .def("specify", &SpecifySimulation);
 }
 
 }  // namespace
 
 void BindJobs(py::module_& module) {
-  module.attr("_fitted_types") = FittedTypes();
-  module.attr("_criteria") = DictOf(kCriteria);
-  module.attr("_discrete_criteria") = DictOf(kDiscreteCriteria);
-  module.attr("_binnings") = DictOf(kBinnings);
-  module.attr("_deletions") = DictOf(kDeletions);
-  module.attr("_simulation_methods") = DictOf(kSimulationMethods);
+  BindFitJob(module);
+  BindSimulateJob(module);
   module.attr("_result_columns") = ResultColumns();
   module.attr("NotSet") = kNotSet;
   module.def(
@@ -200,15 +228,14 @@ void BindJobs(py::module_& module) {
         TheJob().Called(nullptr, "TakeFormerProperties", {RecordedName(sheet), PythonPath(path)});
       },
       InHost());
-  module.def("_require_project_ending", &RequireProjectEnding);
   module.def("_code_of", &CodeOf);
   module.def("_induces_correlation", &InducesCorrelation);
-  module.def("_save_fits", &SaveFits, InHost());
+  module.def("_save_fits", &SaveFitsOf, InHost());
   module.def(
       "_fitted_sheet",
-      [](const std::shared_ptr<WorkbookRef>& workbook) -> Sheet {
-        Spreadsheet* sheet = FirstFittedSheet(workbook->Content());
-        return sheet == nullptr ? nullptr : Recorded(workbook->RefTo(*sheet), sheet->Name());
+      [](const std::shared_ptr<WorkbookRef>& workbook, const std::string& name) {
+        Spreadsheet& sheet = FittedSheet(workbook->File(), name);
+        return Recorded(workbook->RefTo(sheet), sheet.Name());
       },
       InHost());
   module.def("_saved_matrix", &SavedMatrixOf, InHost());

@@ -28,10 +28,6 @@ std::unique_ptr<Recording>& Current() {
   return recording;
 }
 
-void Keep(const std::shared_ptr<void>& object) {
-  if (Current() != nullptr) Current()->kept.push_back(object);
-}
-
 void StartRecording() {
   if (Current() != nullptr) throw Error("a macro is being recorded already");
   Current() = std::make_unique<Recording>();
@@ -49,6 +45,10 @@ void EndRecording(const std::optional<std::filesystem::path>& file, const std::s
 }
 
 }  // namespace
+
+void Keep(const std::shared_ptr<void>& object) {
+  if (Current() != nullptr) Current()->kept.push_back(object);
+}
 
 JobRecorder& TheJob() {
   static JobRecorder none;

@@ -16,6 +16,8 @@ namespace brenvolt::python {
 // What records the process's calls; it does nothing while no macro is recorded. Called in the host's turn.
 JobRecorder& TheJob();
 
+// Keeps an object alive while a macro is recorded.
+void Keep(const std::shared_ptr<void>& object);
 // Names for what Python holds. While a macro is recorded, what it names stays alive, so that no address
 // becomes another object's.
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,

@@ -44,6 +44,7 @@ class WorkbookRef : public std::enable_shared_from_this<WorkbookRef> {
   explicit WorkbookRef(DataFile file) : file_(std::move(file)) {}
 
   Workbook& Content() { return file_.workbook; }
+  DataFile& File() { return file_; }
   // The project's file; nothing for a workbook that was never saved nor read from a project.
   std::optional<std::filesystem::path> Path() const;
 

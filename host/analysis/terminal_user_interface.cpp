@@ -11,11 +11,10 @@ TerminalUserInterface::TerminalUserInterface(std::string program)
     : program_(std::move(program)), terminal_(IsStandardErrorTerminal()) {}
 
 MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
-  ++messageCount_;
   EndProgress();
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
-  return MessageAnswer::kOk;
+  return ProgramInterface::ShowMessage(message);
 }
 
 void TerminalUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) {
@@ -33,14 +32,6 @@ void TerminalUserInterface::EndProgress() {
 
 bool TerminalUserInterface::IsExternallyCancelled() {
   return InterruptionRequested();
-}
-
-void TerminalUserInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) {
-  documents_.push_back(std::move(document));
-}
-
-void TerminalUserInterface::ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
-  graphs_.push_back(std::move(graph));
 }
 
 }  // namespace brenvolt

@@ -32,13 +32,4 @@ void ExportFromProject(const std::string& source, const std::filesystem::path& o
   WriteCsvFile(project.Sheet(name), output, format);
 }
 
-Spreadsheet ScoreFile(const std::filesystem::path& model, const std::filesystem::path& data,
-                      const CsvFormat& format, const std::string& sheet, const ScoreOptions& options) {
-  const PredictionModel prediction = PredictionModel::Load(model);
-  DataFile file = OpenDataFile(data, format);
-  const Spreadsheet& cases = file.Sheet(sheet);
-  if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
-  return prediction.Score(cases, prediction.Name(), options);
-}
-
 }  // namespace brenvolt

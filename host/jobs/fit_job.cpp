@@ -1,216 +1,181 @@
 #include "host/jobs/fit_job.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "host/application/result_table.h"
 #include "host/base/almost_equal.h"
-#include "host/base/quoted.h"
-#include "host/jobs/dialog_words.h"
+#include "host/jobs/fit_graphs.h"
 #include "host/jobs/project_files.h"
 
 namespace brenvolt {
 namespace {
 
-constexpr double kMostCount = std::numeric_limits<std::int32_t>::max();
-constexpr double kMostBootstrapSamples = 1'000'000;
-
-bool Holds(const std::vector<std::string>& names, const std::string& name) {
-  return std::ranges::find(names, name) != names.end();
+// The place of a variable in a list that it is in, from 1.
+std::int32_t PlaceOf(const std::string& variable, const std::vector<std::string>& list) {
+  return static_cast<std::int32_t>(std::ranges::find(list, variable) - list.begin() + 1);
 }
 
-// Looks a job through; each member adds the faults of some fields.
-class FitCheck {
- public:
-  explicit FitCheck(const FitJob& job) : job_(job) {}
-
-  JobFaults Faults() {
-    Choices();
-    Distributions();
-    Variables();
-    Offsets();
-    Counts("mixtures", job_.mixtures, "gaussianmixture", true);
-    Counts("trials", job_.trials, "binomial", false);
-    if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", "johnson");
-    RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
-    Bootstrap();
-    Saving();
-    return std::move(faults_);
+// Text variables are no data to fit; a number misspelt in one line makes a column one.
+void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
+  std::string names;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    if (sheet.VariableAt(i).Type() != VariableType::kText) continue;
+    names += (names.empty() ? "" : ", ") + sheet.VariableAt(i).Name();
   }
+  if (!names.empty()) interface.ShowMessage({"text variables are left out: " + names, {}, {}});
+}
 
- private:
-  void Add(std::string_view field, std::string message) {
-    faults_.push_back({std::string(field), std::move(message)});
+// The variables named, or every numeric variable but the weights as continuous ones.
+FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& sheet, UserInterface& interface) {
+  if (!named.All().empty()) return named;
+  FitJob::Variables chosen;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    if (variable.Type() == VariableType::kNumeric && sheet.WeightVariable() != i)
+      chosen.continuous.push_back(variable.Name());
   }
+  if (chosen.continuous.empty()) throw Error("has no numeric variable", "sheet " + sheet.Name());
+  SayWhatIsLeftOut(sheet, interface);
+  return chosen;
+}
 
-  // Whether variables of a kind are fitted: without names all are continuous.
-  bool IsFitted(bool continuous) const {
-    return continuous ? !job_.continuous.empty() || job_.discrete.empty() : !job_.discrete.empty();
-  }
-
-  bool IsTried(const FittedType& type) const {
-    return job_.distributions.empty() || std::ranges::any_of(job_.distributions, [&](const auto& name) {
-             return FindFittedType(name) == &type;
-           });
-  }
-
-  // The distribution of that name; null where there is none, which is a fault.
-  const FittedType* TypeNamed(std::string_view field, const std::string& name) {
-    const FittedType* type = FindFittedType(name);
-    if (type == nullptr)
-      Add(field, "no distribution called " + Quoted(name) + "; there are " + FittedTypeNames());
-    return type;
-  }
-
-  // What is said of a distribution that is not tried would do nothing.
-  void RequireTried(std::string_view field, const FittedType& type) {
-    if (!IsTried(type)) Add(field, "the " + std::string(type.name) + " distribution is not tried");
-  }
-  void RequireTried(std::string_view field, std::string_view name) {
-    RequireTried(field, *FindFittedType(name));
-  }
-
-  // What is said of a kind of variables of which none is fitted would do nothing.
-  void RequireFitted(std::string_view field, bool given, bool continuous) {
-    if (given && !IsFitted(continuous))
-      Add(field, std::string("no ") + (continuous ? "continuous" : "discrete") + " variable is fitted");
-  }
-
-  void Choices() {
-    if (job_.rankBy) CheckWord("rankBy", *job_.rankBy, kCriteria, faults_);
-    if (job_.discreteRankBy) CheckWord("discreteRankBy", *job_.discreteRankBy, kDiscreteCriteria, faults_);
-    CheckWord("binning", job_.binning, kBinnings, faults_);
-    CheckWord("missing", job_.missing, kDeletions, faults_);
-    RequireFitted("rankBy", job_.rankBy.has_value(), true);
-    RequireFitted("discreteRankBy", job_.discreteRankBy.has_value(), false);
-  }
-
-  void Distributions() {
-    for (const std::string& name : job_.distributions) {
-      if (TypeNamed("distributions", name) == nullptr) return;
-    }
-    for (const bool continuous : {true, false}) {
-      const bool any = std::ranges::any_of(kFittedTypes, [&](const FittedType& type) {
-        return type.continuous == continuous && IsTried(type);
-      });
-      if (any || !IsFitted(continuous)) continue;
-      Add("distributions",
-          continuous ? "none of these is for continuous variables; variables are fitted as discrete only "
-                       "where they are named so"
-                     : "none of these is for discrete variables");
-    }
-  }
-
-  void Variables() {
-    CheckOnce("continuous", job_.continuous, faults_);
-    CheckOnce("discrete", job_.discrete, faults_);
-    for (const std::string& name : job_.discrete) {
-      if (Holds(job_.continuous, name))
-        Add("discrete", Quoted(name) + " is named as continuous and as discrete");
-    }
-  }
-
-  void Offsets() {
-    std::vector<std::string> things;
-    for (const FitJob::Offset& offset : job_.offsets) {
-      const FittedType* type = TypeNamed("offsets", offset.distribution);
-      if (type == nullptr) continue;
-      const std::string name(type->name);
-      things.push_back(offset.variable + ":" + name);
-      if (type->offset.empty()) Add("offsets", "the " + name + " distribution has no offset");
-      RequireTried("offsets", *type);
-      CheckNumber("offsets", offset.value, faults_, things.back());
-      if (IsNotSet(offset.value)) Add("offsets", "-444 stands for no offset and cannot be one");
-    }
-    CheckOnce("offsets", std::move(things), faults_);
-  }
-
-  void Counts(std::string_view field, const std::vector<FitJob::Count>& counts, std::string_view distribution,
-              bool continuous) {
-    std::vector<std::string> things;
-    for (const FitJob::Count& count : counts) {
-      things.push_back(count.variable);
-      CheckWholeNumber(field, count.value, 1, kMostCount, faults_, count.variable);
-    }
-    CheckOnce(field, std::move(things), faults_);
-    if (counts.empty()) return;
-    RequireTried(field, distribution);
-    RequireFitted(field, true, continuous);
-  }
-
-  void Bootstrap() {
-    if (job_.bootstrap) CheckWholeNumber("bootstrap", *job_.bootstrap, 1, kMostBootstrapSamples, faults_);
-    if (!job_.bootstrapSeed) return;
-    CheckWholeNumber("bootstrapSeed", *job_.bootstrapSeed, 0, kMostCount, faults_);
-    if (!job_.bootstrap) Add("bootstrapSeed", "there is no bootstrap to use the seed");
-  }
-
-  void Saving() {
-    for (JobFault& fault : job_.saving.Check()) faults_.push_back(std::move(fault));
-    for (const FitSaving::Order& order : job_.saving.order) {
-      for (const std::string& name : order.distributions) {
-        if (const FittedType* type = FindFittedType(name)) RequireTried("order", *type);
+// A new variable has some distributions checked: all are put, the ones not asked for as unchecked.
+void PutDistributions(AutomationObject& dialog, const FitJob& job, const FitJob::Variables& fitted) {
+  for (const bool continuous : {true, false}) {
+    const std::size_t count = (continuous ? fitted.continuous : fitted.discrete).size();
+    for (std::size_t i = 1; i <= count; ++i) {
+      const auto place = static_cast<std::int32_t>(i);
+      for (const FittedType& type : kFittedTypes) {
+        if (type.continuous == continuous) dialog.Put(type.check, place, job.Tries(type));
       }
+      if (continuous) dialog.Put("FitJohnsonByPercentile", place, job.johnsonPercentiles);
     }
-    if (job_.save) {
-      CheckProjectEnding("save", *job_.save, faults_);
-      return;
-    }
-    if (!job_.saving.truncate.empty()) Add("truncate", "the fits are not saved, so bounds have no effect");
-    if (!job_.saving.order.empty()) Add("order", "the fits are not saved, so their order has no effect");
-  }
-
-  const FitJob& job_;
-  JobFaults faults_;
-};
-
-void CheckTruncation(const FitSaving::Truncation& truncation, JobFaults& faults) {
-  for (const auto& bound : {truncation.low, truncation.high}) {
-    if (!bound) continue;
-    CheckNumber("truncate", *bound, faults, truncation.variable);
-    if (IsNotSet(*bound)) faults.push_back({"truncate", "-444 stands for no bound and cannot be one"});
-  }
-  if (truncation.low && truncation.high && *truncation.low >= *truncation.high) {
-    faults.push_back(
-        {"truncate", Quoted(truncation.variable) + ": the lower bound must be less than the upper one"});
   }
 }
 
-void CheckOrder(const FitSaving::Order& order, JobFaults& faults) {
-  if (order.distributions.empty())
-    faults.push_back({"order", Quoted(order.variable) + ": no distribution is named"});
-  std::vector<std::string> names;
-  for (const std::string& name : order.distributions) {
-    if (const FittedType* type = FindFittedType(name)) {
-      names.emplace_back(type->name);
-    } else {
-      faults.push_back(
-          {"order", "no distribution called " + Quoted(name) + "; there are " + FittedTypeNames()});
-    }
+void PutNumbers(AutomationObject& dialog, const FitJob& job, const FitJob::Variables& fitted) {
+  for (const FitJob::Offset& offset : job.offsets) {
+    dialog.Put(FindFittedType(offset.distribution)->offset, PlaceOf(offset.variable, fitted.continuous),
+               offset.value);
   }
-  CheckOnce("order", std::move(names), faults);
+  for (const FitJob::Count& mixture : job.mixtures) {
+    dialog.Put("NumberOfMixtures", PlaceOf(mixture.variable, fitted.continuous), AsInteger(mixture.value));
+  }
+  for (const FitJob::Count& trials : job.trials) {
+    const auto place = PlaceOf(trials.variable, fitted.discrete);
+    dialog.Put("NumberOfTrials", place, AsInteger(trials.value));
+    dialog.Put("IsNumberOfTrials", place, true);
+  }
+}
+
+// Codes are the places in the table of types, whose order is that of the catalogue.
+Variant CodesOf(const std::vector<std::string>& names) {
+  Variant::Array codes;
+  for (const std::string& name : names)
+    codes.emplace_back(static_cast<std::int32_t>(FindFittedType(name) - kFittedTypes.data()));
+  return codes;
+}
+
+void PutBound(AutomationObject& dialog, std::int32_t place, const std::string& end,
+              const std::optional<double>& bound) {
+  dialog.Put("IsUserDefinedTrunc" + end, place, bound.has_value());
+  dialog.Put("UserDefinedTrunc" + end, place, bound.value_or(kNotSet));
+}
+
+// Case weights and selection for good; an empty text takes away what the project holds.
+void ApplyCaseOptions(const FitJob& job, Spreadsheet& sheet, JobRecorder& recorder) {
+  if (job.weights && job.weights->empty()) sheet.SetWeightVariable(std::nullopt);
+  if (job.weights && !job.weights->empty())
+    sheet.SetWeightVariable(static_cast<std::size_t>(NumbersOf(sheet, {&*job.weights, 1}).front() - 1));
+  if (job.select && job.select->empty()) sheet.SetSelection({});
+  if (job.select && !job.select->empty()) ApplySelection(sheet, *job.select);
+  const auto orNone = [](const std::optional<std::string>& text) {
+    return text->empty() ? std::nullopt : text;
+  };
+  if (job.weights) recorder.Set(&sheet, "weight_variable", orNone(job.weights));
+  if (job.select) recorder.Set(&sheet, "selection", orNone(job.select));
+}
+
+// Opens the data, and gives them what the project holds of them that they are to be saved in: truncations and
+// other variables' fits are part of what is saved.
+void Open(const FitJob& job, FitRun& run, JobRecorder& recorder) {
+  run.data = OpenDataFile(job.data.file, job.data.Format());
+  run.sheet = &run.data.Sheet(job.data.sheet);
+  recorder.Opened(job.data.file, job.data.decimalComma, &run.data.workbook);
+  recorder.Took(&run.data.workbook, run.data.isProject ? run.sheet->Name() : "", run.sheet);
+  if (!job.save.empty() && !IsSavedAs(run.data, job.save)) {
+    TakeFormerProperties(job.save, *run.sheet);
+    recorder.Called(nullptr, "TakeFormerProperties", {recorder.NameOf(run.sheet), PythonPath(job.save)});
+  }
+  ApplyCaseOptions(job, *run.sheet, recorder);
+}
+
+// Puts the fits on the sheet's variables, and the sheet with its correlation matrix into the project.
+void Save(const FitJob& job, FitRun& run, JobRecorder& recorder) {
+  const auto dialog = run.session->Dialog();
+  job.SpecifySaving(*dialog, run.variables);
+  const Variant document = dialog->Get("SaveDistributionFit");
+  SaveFits(*run.sheet, std::make_unique<Spreadsheet>(TableOf(document)), &run.data, job.save);
+  recorder.Called(
+      nullptr, "SaveFits",
+      {recorder.NameOf(run.sheet), recorder.NameOf(document.ToObject().get()), PythonPath(job.save)});
 }
 
 }  // namespace
 
-JobFaults FitSaving::Check() const {
-  JobFaults faults;
-  std::vector<std::string> truncated;
-  std::vector<std::string> ordered;
-  for (const Truncation& truncation : truncate) {
-    CheckTruncation(truncation, faults);
-    truncated.push_back(truncation.variable);
-  }
-  for (const Order& one : order) {
-    CheckOrder(one, faults);
-    ordered.push_back(one.variable);
-  }
-  CheckOnce("truncate", std::move(truncated), faults);
-  CheckOnce("order", std::move(ordered), faults);
-  return faults;
+std::vector<std::string> FitJob::Variables::All() const {
+  std::vector<std::string> all = continuous;
+  all.insert(all.end(), discrete.begin(), discrete.end());
+  return all;
 }
 
-JobFaults FitJob::Check() const {
-  return FitCheck(*this).Faults();
+bool FitJob::Tries(const FittedType& type) const {
+  return distributions.empty() || std::ranges::any_of(distributions, [&](const std::string& name) {
+           return FindFittedType(name) == &type;
+         });
+}
+
+void FitJob::SpecifySaving(AutomationObject& results, const std::vector<std::string>& fitted) const {
+  RequireNone(CheckSaving(fitted));
+  for (const Truncation& one : truncate) {
+    PutBound(results, PlaceOf(one.variable, fitted), "Min", one.low);
+    PutBound(results, PlaceOf(one.variable, fitted), "Max", one.high);
+  }
+  for (const Order& one : order)
+    results.Put("DistributionOrder", PlaceOf(one.variable, fitted), CodesOf(one.distributions));
+}
+
+std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet& sheet) const {
+  RequireNone(Check());
+  const Variables fitted = Choose(variables, sheet, session.Interface());
+  RequireNone(CheckVariables(fitted));
+  const auto continuous = NumbersOf(sheet, fitted.continuous);
+  const auto discrete = NumbersOf(sheet, fitted.discrete);
+  session.Begin(Task::kFit);
+  const auto dialog = session.Dialog();
+  dialog->Put("ContinuousVariable", AsVariant(continuous));
+  dialog->Put("DiscreteVariable", AsVariant(discrete));
+  dialog->Put(kDeletions.at(missing), true);
+  dialog->Put(kCriteria.at(RankedBy(true)), true);
+  dialog->Put(kDiscreteCriteria.at(RankedBy(false)), true);
+  dialog->Put(kBinnings.at(binning), true);
+  dialog->Put("BootstrapSamples", AsInteger(bootstrap.value_or(0)));
+  dialog->Put("BootstrapSeed", AsInteger(bootstrapSeed.value_or(1)));
+  PutDistributions(*dialog, *this, fitted);
+  PutNumbers(*dialog, *this, fitted);
+  session.Ok();
+  return fitted.All();
+}
+
+FitRun FitJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
+  RequireNone(Check());
+  FitRun run;
+  Open(*this, run, recorder);
+  run.Start(interface, recorder);
+  run.variables = Fit(*run.session, *run.sheet);
+  if (!save.empty()) Save(*this, run, recorder);
+  if (!graphs.empty()) WriteFitGraphs(run.session->Analysis(), graphs, recorder);
+  return run;
 }
 
 }  // namespace brenvolt

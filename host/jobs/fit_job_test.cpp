@@ -17,27 +17,26 @@ std::vector<std::string> Texts(const JobFaults& faults) {
 }
 
 TEST(FitJob, WhatMakesSenseHasNoFault) {
-  const Change changes[] = {
-      [](FitJob&) {},
-      [](FitJob& job) { job.rankBy = "anderson-darling"; },
-      [](FitJob& job) {
-        job.discrete = {"n"};
-        job.discreteRankBy = "chi-square";
-        job.trials = {{"n", 9}};
-      },
-      [](FitJob& job) {
-        job.distributions = {"Log-Normal", "GEV"};
-        job.offsets = {{"x", "lognormal", 0.5}};
-      },
-      [](FitJob& job) {
-        job.bootstrap = 9;
-        job.bootstrapSeed = 0;
-      },
-      [](FitJob& job) {
-        job.save = "p.BVW";
-        job.saving.truncate = {{"x", 1, std::nullopt}, {"y", std::nullopt, std::nullopt}};
-        job.saving.order = {{"x", {"normal", "gev"}}};
-      }};
+  const Change changes[] = {[](FitJob&) {},
+                            [](FitJob& job) { job.rankBy = "anderson-darling"; },
+                            [](FitJob& job) {
+                              job.variables.discrete = {"n"};
+                              job.discreteRankBy = "chi-square";
+                              job.trials = {{"n", 9}};
+                            },
+                            [](FitJob& job) {
+                              job.distributions = {"Log-Normal", "GEV"};
+                              job.offsets = {{"x", "lognormal", 0.5}};
+                            },
+                            [](FitJob& job) {
+                              job.bootstrap = 9;
+                              job.bootstrapSeed = 0;
+                            },
+                            [](FitJob& job) {
+                              job.save = "p.BVW";
+                              job.truncate = {{"x", 1, std::nullopt}, {"y", std::nullopt, std::nullopt}};
+                              job.order = {{"x", {"normal", "gev"}}};
+                            }};
   for (const Change& change : changes) {
     FitJob job;
     change(job);
@@ -55,13 +54,16 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
       {[](FitJob& job) { job.missing = ""; }, "missing: expected one of casewise, pairwise; got ''"},
       {[](FitJob& job) { job.discreteRankBy = "ks"; }, "discreteRankBy: no discrete variable is fitted"},
       {[](FitJob& job) {
-         job.continuous = {"x", "y", "x"};
+         job.variables.continuous = {"x", "y", "x"};
        },
        "continuous: 'x' is given twice"},
-      {[](FitJob& job) { job.continuous = job.discrete = {"x"}; },
+      {[](FitJob& job) {
+         job.variables.continuous = {"x"};
+         job.variables.discrete = {"x"};
+       },
        "discrete: 'x' is named as continuous and as discrete"},
       {[](FitJob& job) {
-         job.discrete = {"n"};
+         job.variables.discrete = {"n"};
          job.distributions = {"gev"};
        },
        "distributions: none of these is for discrete variables"},
@@ -98,17 +100,17 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
       {[](FitJob& job) { job.bootstrapSeed = 1; }, "bootstrapSeed: there is no bootstrap to use the seed"},
       {[](FitJob& job) { job.save = "p.csv"; }, "save: expected a file ending in .bvw, got p.csv"},
       {[](FitJob& job) {
-         job.saving.order = {{"x", {"normal"}}};
+         job.order = {{"x", {"normal"}}};
        },
        "order: the fits are not saved, so their order has no effect"},
       {[](FitJob& job) {
          job.save = "p.bvw";
-         job.saving.truncate = {{"x", 2, 2}};
+         job.truncate = {{"x", 2, 2}};
        },
        "truncate: 'x': the lower bound must be less than the upper one"},
       {[](FitJob& job) {
          job.save = "p.bvw";
-         job.saving.order = {{"x", {"gev", "generalextremevalue"}}};
+         job.order = {{"x", {"gev", "generalextremevalue"}}};
        },
        "order: 'generalextremevalue' is given twice"},
   };

@@ -1,10 +1,12 @@
-// Where the data of a job are.
+// Where the data of a job are, and what every job that was run leaves.
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
-#include "host/tables/csv.h"
+#include "host/jobs/analysis_session.h"
+#include "host/jobs/job_recorder.h"
 
 namespace brenvolt {
 
@@ -14,6 +16,18 @@ struct JobData {
   bool decimalComma = false;
 
   CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
+};
+
+// The results are those of the open dialog.
+struct JobRun {
+  DataFile data;
+  Spreadsheet* sheet = nullptr;  // lies in the data
+  std::unique_ptr<AnalysisSession> session;
+
+  // Starts the analysis over the sheet.
+  void Start(ProgramInterface& interface, JobRecorder& recorder);
+  // A macro may name what the analysis has shown.
+  void RecordShown(JobRecorder& recorder);
 };
 
 }  // namespace brenvolt

@@ -1,7 +1,9 @@
 #include "host/jobs/job_fault.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
+#include <iterator>
 
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
@@ -14,6 +16,19 @@ std::string Prefix(const std::string& about) {
 }
 
 }  // namespace
+
+std::string Spelled(std::string_view field, char separator) {
+  std::string spelled;
+  for (const char c : field) {
+    if (std::isupper(static_cast<unsigned char>(c)) != 0) spelled += separator;
+    spelled += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  return spelled;
+}
+
+void Append(JobFaults more, JobFaults& faults) {
+  std::ranges::move(more, std::back_inserter(faults));
+}
 
 void CheckWord(std::string_view field, const std::string& word, const Choices& choices, JobFaults& faults) {
   if (choices.contains(word)) return;

@@ -128,14 +128,30 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
   workbook.Save(path);
 }
 
-Spreadsheet* FirstFittedSheet(Workbook& workbook) {
-  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
-    Spreadsheet& sheet = workbook.SheetAt(i);
+bool IsSavedAs(const DataFile& data, const std::filesystem::path& path) {
+  std::error_code ignored;
+  return data.isProject && std::filesystem::equivalent(data.path, path, ignored);
+}
+
+void SaveFits(const Spreadsheet& sheet, std::unique_ptr<Spreadsheet> matrix, DataFile* home,
+              const std::filesystem::path& path) {
+  if (home == nullptr || !IsSavedAs(*home, path)) {
+    MergeIntoProject(path, sheet, std::move(matrix));
+    return;
+  }
+  if (matrix != nullptr) PutCorrelationMatrix(home->workbook, sheet.Name(), std::move(matrix));
+  home->workbook.Save(path);
+}
+
+Spreadsheet& FittedSheet(DataFile& data, const std::string& name) {
+  if (!name.empty()) return data.Sheet(name);
+  for (std::size_t i = 0; i < data.workbook.SheetCount(); ++i) {
+    Spreadsheet& sheet = data.workbook.SheetAt(i);
     for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
-      if (sheet.VariableAt(v).Property(kOrderProperty)) return &sheet;
+      if (sheet.VariableAt(v).Property(kOrderProperty)) return sheet;
     }
   }
-  return nullptr;
+  return data.Sheet({});
 }
 
 std::unique_ptr<Spreadsheet> SavedMatrix(const Workbook& project, const Spreadsheet& sheet) {

@@ -47,8 +47,17 @@ std::string CorrelationMatrixName(const Workbook& workbook, const std::string& d
 void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
                           std::unique_ptr<Spreadsheet> matrix);
 
-// The first data sheet whose variables carry saved distributions, or null.
-Spreadsheet* FirstFittedSheet(Workbook& workbook);
+// True where the data are the project at `path`.
+bool IsSavedAs(const DataFile& data, const std::filesystem::path& path);
+// Saves a fitted sheet, with the correlation matrix of its fits unless that is null, in the project at
+// `path`. A sheet of the project itself, `home`, stays in its place; any other, `home` being null or another
+// project, is merged into it.
+void SaveFits(const Spreadsheet& sheet, std::unique_ptr<Spreadsheet> matrix, DataFile* home,
+              const std::filesystem::path& path);
+
+// The sheet of that name; without a name, the first whose variables carry saved distributions, else the first
+// data sheet: simulated data may stand before the sheet that they came from. Throws Error.
+Spreadsheet& FittedSheet(DataFile& data, const std::string& name);
 // A copy of the correlation matrix saved with the fits of a sheet of the project, or null.
 std::unique_ptr<Spreadsheet> SavedMatrix(const Workbook& project, const Spreadsheet& sheet);
 // The correlation matrix of that name, in the order of trial: a matrix sheet of the project; a sheet of

@@ -446,14 +446,5 @@ class Application:
         return "<Application>"
 
 
-def startup(sheet, task):
-    """An analysis over a sheet that has gone through the startup dialog to the dialog of a task (0 to 3)."""
-    analysis = Analysis(sheet)
-    dialog = analysis.dialog
-    dialog.TypeOfAnalysis = task
-    dialog.OK()
-    return analysis
-
-
 for _name in ("sheet", "add", "save"):
     setattr(_brenvolt.Workbook, _name.capitalize(), getattr(_brenvolt.Workbook, _name))

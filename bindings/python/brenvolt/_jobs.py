@@ -11,15 +11,13 @@ from typing import TYPE_CHECKING, Any
 
 from . import _automation, _brenvolt, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
-from ._errors import Error, warn
+from ._errors import Error
 
 if TYPE_CHECKING:
     import pandas
 
 Names = str | int | Iterable[str] | Iterable[int] | None
 
-_FIT, _SIMULATE = 0, 1
-_TYPES = _brenvolt._fitted_types
 _COLUMNS = _brenvolt._result_columns
 _STATISTICS = ("ks", "ks_p", "chi_square", "chi_square_df", "chi_square_p", "ad", "ad_p", "log_likelihood", "aic",
                "bic")
@@ -106,8 +104,17 @@ def _mapping(value, what, of):
     return value.items()
 
 
-def _numbers_of(sheet, names):
-    return [sheet.variable(name).number for name in names]
+def _job(kind, **fields):
+    """A job with these fields; one that is None keeps what the job starts with."""
+    job = kind()
+    for field, value in fields.items():
+        if value is None:
+            continue
+        try:
+            setattr(job, field, value)
+        except TypeError:
+            raise TypeError(f"{field} cannot be of type {type(value).__name__}") from None
+    return job
 
 
 def _choice(word, choices, what):
@@ -116,94 +123,54 @@ def _choice(word, choices, what):
     return choices[word]
 
 
-def _choose_variables(sheet, continuous, discrete):
-    """The variables named, or every numeric variable but the weights as continuous ones."""
-    both = set(continuous) & set(discrete)
-    if both:
-        raise ValueError(f"{sorted(both)[0]!r} is named as continuous and as discrete")
-    for names in (continuous, discrete):
-        if len(set(names)) < len(names):
-            raise ValueError("a variable is named twice")
-    if continuous or discrete:
-        return continuous, discrete
-    text = [name for name in sheet if sheet.variable(name).is_text]
-    chosen = [name for name in sheet if name not in text and name != sheet.weight_variable]
-    if not chosen:
-        raise Error("has no numeric variable", f"sheet {sheet.name}")
-    if text:
-        warn(f"text variables are left out: {', '.join(text)}")
-    return chosen, []
+def _offsets(offsets):
+    found = []
+    for variable, given in _mapping(offsets, "offsets", "{variable: {distribution: offset}}"):
+        for name, offset in _mapping(given, f"offsets[{variable!r}]", "{distribution: offset}"):
+            _require_number(offset, f"offsets[{variable!r}][{name!r}]")
+            found.append(_brenvolt.FitJob.Offset(str(variable), str(name), offset))
+    return found
 
 
-class _Specification:
-    """What fit() was asked for, checked and put into the dialog of the fit specification."""
+def _counts(counts, what, of):
+    found = []
+    for variable, count in _mapping(counts, what, of):
+        _require_number(count, f"{what}[{variable!r}]")
+        found.append(_brenvolt.FitJob.Count(str(variable), count))
+    return found
 
-    def __init__(self, sheet, continuous, discrete, names):
-        self.sheet = sheet
-        self.lists = {True: continuous, False: discrete}
-        self.codes = [_brenvolt._code_of(name) for name in names] or range(len(_TYPES))
-        for kind, of in ((True, "continuous"), (False, "discrete")):
-            if self.lists[kind] and not any(_TYPES[code]["continuous"] == kind for code in self.codes):
-                raise ValueError(f"distributions names none for {of} variables")
 
-    def require_chosen(self, name, option):
-        code = _brenvolt._code_of(name)
-        if code not in self.codes:
-            raise ValueError(f"{option} is about the {_TYPES[code]['name']} distribution, which is not tried")
-        return code
+def _truncations(truncate):
+    found = []
+    for variable, bounds in _mapping(truncate, "truncate", "{variable: (low, high)}"):
+        if not isinstance(bounds, (tuple, list)) or len(bounds) != 2:
+            _refuse(f"truncate[{variable!r}]", "a pair (low, high)", bounds)
+        for bound in bounds:
+            if bound is not None:
+                _require_number(bound, f"truncate[{variable!r}]")
+        found.append(_brenvolt.FitJob.Truncation(str(variable), *bounds))
+    return found
 
-    def place(self, variable, continuous, option):
-        """The place of a variable in its list, from 1."""
-        if variable not in self.lists[continuous]:
-            kind = "continuous" if continuous else "discrete"
-            raise ValueError(f"{option}: {variable!r} is not fitted as a {kind} variable")
-        return self.lists[continuous].index(variable) + 1
 
-    def check_distributions(self, dialog, percentiles):
-        for continuous, variables in self.lists.items():
-            for place in range(1, len(variables) + 1):
-                for code, kind in enumerate(_TYPES):
-                    if kind["continuous"] == continuous:
-                        getattr(dialog, kind["check"])[place] = code in self.codes
-                if continuous:
-                    dialog.FitJohnsonByPercentile[place] = percentiles
-
-    def enter_offsets(self, dialog, offsets):
-        for variable, given in _mapping(offsets, "offsets", "{variable: {distribution: offset}}"):
-            place = self.place(variable, True, "offsets")
-            for name, offset in _mapping(given, f"offsets[{variable!r}]", "{distribution: offset}"):
-                member = _TYPES[self.require_chosen(name, "offsets")]["offset"]
-                if not member:
-                    raise ValueError(f"the {name} distribution has no offset")
-                _require_number(offset, f"offsets[{variable!r}][{name!r}]")
-                getattr(dialog, member)[place] = offset
-
-    def enter_counts(self, dialog, mixtures, trials):
-        for variable, count in _mapping(mixtures, "mixtures", "{variable: components}"):
-            _require_number(count, f"mixtures[{variable!r}]")
-            self.require_chosen("gaussianmixture", "mixtures")
-            dialog.NumberOfMixtures[self.place(variable, True, "mixtures")] = count
-        for variable, count in _mapping(trials, "trials", "{variable: trials}"):
-            _require_number(count, f"trials[{variable!r}]")
-            self.require_chosen("binomial", "trials")
-            place = self.place(variable, False, "trials")
-            dialog.NumberOfTrials[place] = count
-            dialog.IsNumberOfTrials[place] = True
+def _orders(order):
+    return [_brenvolt.FitJob.Order(str(variable), _names(names, f"order[{variable!r}]"))
+            for variable, names in _mapping(order, "order", "{variable: [distribution, ...]}")]
 
 
 def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *,
-        rank_by: str = "ks", discrete_rank_by: str = "ks", binning: str = "equal-probability", missing: str = "pairwise",
+        rank_by: str | None = None, discrete_rank_by: str | None = None, binning: str = "equal-probability",
+        missing: str = "pairwise",
         weights: str | None = None, select: str | None = None,
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
-        trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False, bootstrap: int = 0,
-        bootstrap_seed: int = 1, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
+        trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
+        bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
     file or project.
     continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
-    rank_by: "ks", "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
+    rank_by: "ks" (as without), "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
     binning: of the chi-square test, "equal-probability" or "equal-interval".
     missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
     weights: variable whose whole numbers say how often each case counts. It and select leave a Spreadsheet or
@@ -212,7 +179,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     offsets: {variable: {distribution: offset}}, where the distribution starts.
     mixtures: {variable: components} of the Gaussian mixture; trials: {variable: trials} of the binomial.
     johnson_percentiles: fits the Johnson distribution from percentiles instead of moments.
-    bootstrap: samples of a parametric bootstrap, which gives p-values that allow for the estimation.
+    bootstrap: samples of a parametric bootstrap, which gives p-values that allow for the estimation; bootstrap_seed:
+    where its random numbers start, 1 without.
     sheet: name of the sheet of a workbook; without, its first data sheet. Of a frame, mapping or array, the name that
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
@@ -220,11 +188,13 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
     """
-    choices = (_choice(missing, _brenvolt._deletions, "missing"), _choice(rank_by, _brenvolt._criteria, "rank_by"),
-               _choice(discrete_rank_by, _brenvolt._discrete_criteria, "discrete_rank_by"),
-               _choice(binning, _brenvolt._binnings, "binning"))
-    if save is not None:
-        _brenvolt._require_project_ending(save)
+    job = _job(_brenvolt.FitJob, continuous=_names(continuous, "continuous"), discrete=_names(discrete, "discrete"),
+               distributions=_names(distributions, "distributions"), rank_by=rank_by, discrete_rank_by=discrete_rank_by,
+               binning=binning, missing=missing, offsets=_offsets(offsets),
+               mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
+               trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
+               bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, save=save)
+    job.check()
     for what, text in (("weights", weights), ("select", select)):
         if text is not None and not isinstance(text, str):
             _refuse(what, "a text", text)
@@ -233,23 +203,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         _set_conditions(table, weights, select)  # for good: the sheet is the result's own
         weights = select = None
     with _conditions(table, weights, select):
-        chosen, counts = _choose_variables(table, _names(continuous, "continuous"), _names(discrete, "discrete"))
-        specification = _Specification(table, chosen, counts, _names(distributions, "distributions"))
         if save is not None:
             _brenvolt._take_former_properties(table, save)
-        analysis = _automation.startup(table, _FIT)
-        dialog = analysis.dialog
-        dialog.ContinuousVariable = _numbers_of(table, chosen)
-        dialog.DiscreteVariable = _numbers_of(table, counts)
-        for member in choices:
-            setattr(dialog, member, True)
-        dialog.BootstrapSamples = bootstrap
-        dialog.BootstrapSeed = bootstrap_seed
-        specification.check_distributions(dialog, johnson_percentiles)
-        specification.enter_offsets(dialog, offsets)
-        specification.enter_counts(dialog, mixtures, trials)
-        dialog.OK()
-        result = FitResult(analysis, chosen + counts, weights, select)
+        analysis = _automation.Analysis(table)
+        result = FitResult(analysis, job, weights, select)
         if save is not None:
             result.save(save)
     return result
@@ -265,9 +222,10 @@ class FitResult:
     of the sheet.
     """
 
-    def __init__(self, analysis: _automation.Analysis, names: list[str], weights: str | None = None,
+    def __init__(self, analysis: _automation.Analysis, job: Any, weights: str | None = None,
                  select: str | None = None) -> None:
-        self._weights, self._select = weights, select
+        names = job.run(analysis._analysis)
+        self._job, self._weights, self._select = job, weights, select
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet
@@ -301,25 +259,11 @@ class FitResult:
         truncate: {variable: (low, high)}, bounds within which it is simulated, either None; order: {variable:
         [distribution, ...]}, the fits to keep, best first.
         """
-        places = {name: place for place, name in enumerate(self.variables, start=1)}
-        for variable, bounds in _mapping(truncate, "truncate", "{variable: (low, high)}"):
-            self._require_variable(variable, "truncate")
-            if not isinstance(bounds, (tuple, list)) or len(bounds) != 2:
-                _refuse(f"truncate[{variable!r}]", "a pair (low, high)", bounds)
-            for end, bound in zip(("Min", "Max"), bounds):
-                getattr(self.dialog, "IsUserDefinedTrunc" + end)[places[variable]] = bound is not None
-                getattr(self.dialog, "UserDefinedTrunc" + end)[places[variable]] = bound
-        for variable, names in _mapping(order, "order", "{variable: [distribution, ...]}"):
-            self._require_variable(variable, "order")
-            codes = [_brenvolt._code_of(name) for name in _names(names, f"order[{variable!r}]")]
-            self.dialog.DistributionOrder[places[variable]] = codes
+        self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
+        self._job.specify_saving(self.analysis._analysis, list(self.variables))
         with self._conditions():
             document = self.dialog.SaveDistributionFit
         return document.sheet if document is not None else None
-
-    def _require_variable(self, name, option):
-        if name not in self.variables:
-            raise ValueError(f"{option}: {name!r} is not fitted")
 
     def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
              order: Mapping[str, Names] | None = None) -> None:
@@ -328,7 +272,7 @@ class FitResult:
         A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with
         other data is an Error. See keep for truncate and order.
         """
-        _brenvolt._require_project_ending(path)
+        _job(_brenvolt.FitJob, save=path).check()
         _brenvolt._take_former_properties(self.sheet, path)
         matrix = self.keep(truncate, order)
         with self._conditions():
@@ -483,25 +427,18 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
 
     Returns a DataFrame with a row per sample, numbered from 1.
     """
-    member = _choice(method, _brenvolt._simulation_methods, "method")
-    correlated = _brenvolt._induces_correlation(method)
-    if matrix is not None and not correlated:
-        raise ValueError(f"matrix is for methods that induce correlation, which {method} does not")
+    job = _job(_brenvolt.SimulateJob, samples=samples, method=method, seed=seed, truncate=truncate,
+               matrix=None if matrix is None else matrix if isinstance(matrix, str) else "matrix",
+               variables=_names(variables, "variables"))
+    job.check()
     table, own_matrix = _fitted_sheet(source, sheet)
     if variables is None and isinstance(source, FitResult):
-        variables = sorted(source.best, key=lambda name: table.variable(name).number)
-    analysis = _automation.startup(table, _SIMULATE)
+        job.variables = sorted(source.best, key=lambda name: table.variable(name).number)
+    analysis = _automation.Analysis(table)
+    job.specify(analysis._analysis)
     dialog = analysis.dialog
-    if variables is not None:
-        dialog.Variables = _numbers_of(table, _names(variables, "variables"))
-    setattr(dialog, member, True)
-    dialog.NumberOfSamples = samples
-    dialog.IsSeedRandomNumber = seed is not None
-    if seed is not None:
-        dialog.RandomSeedNumber = seed
-    dialog.TruncateSimulationData = truncate
     chosen = _matrix_of(matrix, table) if matrix is not None else own_matrix
-    if correlated and chosen is not None:
+    if _brenvolt._induces_correlation(method) and chosen is not None:
         dialog.CorrelationMatrix = chosen
     dialog.OK()
     if not analysis.documents:
@@ -518,9 +455,7 @@ def _fitted_sheet(source, name):
     if not isinstance(source, (Workbook, str, os.PathLike)):
         raise TypeError(f"simulate wants a project or a fit result, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
-    table = _brenvolt._fitted_sheet(workbook) if name is None else None
-    if table is None:
-        table = workbook.sheet(name or "")
+    table = _brenvolt._fitted_sheet(workbook, name or "")
     return table, _brenvolt._saved_matrix(table)
 
 

@@ -1,0 +1,225 @@
+"""One table of calls, made as commands and in Python: what one refuses the other refuses in the same words, and what
+both do gives the same numbers. A call is written once, as the arguments of Python."""
+
+import json
+import os
+import re
+import subprocess
+import tempfile
+import unittest
+
+import numpy
+import pandas
+
+import brenvolt
+
+EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
+# The options that are not spelt as their arguments.
+OPTIONS = {"offsets": "--offset"}
+DATA = {"x": [1.0, 2, 3, 4, 7], "n": [1.0, 2, 0, 5, 1], "w": [1.0, 2, 1, 1, 1]}
+
+# Calls of fit() over DATA, and what is said of each: a fault of the call by its end, one of the data as a whole.
+REFUSED_FITS = (
+    ({"rank_by": "aic"}, "expected one of anderson-darling, chi-square, ks; got 'aic' (rank_by)"),
+    ({"discrete": ["n"], "discrete_rank_by": "anderson-darling"}, "got 'anderson-darling' (discrete_rank_by)"),
+    ({"binning": "equal"}, "expected one of equal-interval, equal-probability; got 'equal' (binning)"),
+    ({"missing": "never"}, "expected one of casewise, pairwise; got 'never' (missing)"),
+    ({"continuous": ["x", "x"]}, "'x' is given twice (continuous)"),
+    ({"continuous": ["x"], "discrete": ["x"]}, "'x' is named as continuous and as discrete (discrete)"),
+    ({"continuous": ["z"]}, "no variable called 'z' (sheet d)"),
+    ({"distributions": ["weibul"]}, "geometric, bernoulli, histogram (distributions)"),
+    ({"distributions": ["poisson"]}, "is fitted as discrete only where it is named so (distributions)"),
+    ({"discrete": ["n"], "distributions": ["gev"]}, "none of these is for discrete variables (distributions)"),
+    ({"discrete": ["n"], "johnson_percentiles": True}, "no continuous variable is fitted (johnson_percentiles)"),
+    ({"distributions": ["normal"], "johnson_percentiles": True}, "the johnson distribution is not tried"
+                                                                 " (johnson_percentiles)"),
+    ({"discrete": ["n"], "rank_by": "ks"}, "no continuous variable is fitted (rank_by)"),
+    ({"discrete_rank_by": "ks"}, "no discrete variable is fitted (discrete_rank_by)"),
+    ({"offsets": {"x": {"normal": 1}}}, "the normal distribution has no offset (offsets)"),
+    ({"offsets": {"x": {"weibul": 1}}}, "bernoulli, histogram (offsets)"),
+    ({"offsets": {"x": {"weibull": -444}}}, "-444 stands for no offset and cannot be one (offsets)"),
+    ({"offsets": {"x": {"weibull": 1}}, "distributions": ["gev"]}, "the weibull distribution is not tried (offsets)"),
+    ({"offsets": {"x": {"weibull": 1, "Weibull": 2}}}, "'x:weibull' is given twice (offsets)"),
+    ({"offsets": {"z": {"weibull": 1}}}, "'z' is not fitted as a continuous variable (offsets)"),
+    ({"continuous": ["n"], "offsets": {"x": {"weibull": 1}}}, "'x' is not fitted as a continuous variable (offsets)"),
+    ({"mixtures": {"x": 2.5}}, "'x': expected a whole number from 1 to 2147483647, got 2.5 (mixtures)"),
+    ({"mixtures": {"x": 3}, "distributions": ["gev"]}, "the gaussianmixture distribution is not tried (mixtures)"),
+    ({"discrete": ["n"], "trials": {"n": 0}}, "from 1 to 2147483647, got 0 (trials)"),
+    ({"trials": {"n": 3}}, "no discrete variable is fitted (trials)"),
+    ({"discrete": ["n"], "trials": {"x": 3}}, "'x' is not fitted as a discrete variable (trials)"),
+    ({"bootstrap": 0}, "expected a whole number from 1 to 1000000, got 0 (bootstrap)"),
+    ({"bootstrap": 1e7}, "got 10000000 (bootstrap)"),
+    ({"bootstrap_seed": 3}, "there is nothing to use a seed for (bootstrap_seed)"),
+    ({"bootstrap": 9, "bootstrap_seed": -1}, "from 0 to 2147483647, got -1 (bootstrap_seed)"),
+    ({"save": "p.csv"}, "expected a file ending in .bvw, got p.csv (save)"),
+    ({"select": "x >"}, "the formula is incomplete (selection condition, character 4)"),
+    ({"save": "p.bvw", "truncate": {"x": (3, 3)}}, "'x': the lower bound must be less than the upper one (truncate)"),
+    ({"save": "p.bvw", "truncate": {"x": (-444, None)}}, "-444 stands for no bound and cannot be one (truncate)"),
+    ({"save": "p.bvw", "truncate": {"z": (1, 2)}}, "'z' is not fitted (truncate)"),
+    ({"save": "p.bvw", "order": {"x": ["gev", "normal", "GEV"]}}, "'generalextremevalue' is given twice (order)"),
+    ({"save": "p.bvw", "order": {"x": ["weibul"]}}, "bernoulli, histogram (order)"),
+    ({"save": "p.bvw", "order": {"x": ["weibull"]}, "distributions": ["gev"]}, "weibull distribution is not tried"
+                                                                               " (order)"),
+    ({"rank_by": "aic", "mixtures": {"x": 0.5}, "bootstrap": 0}, "got 0 (bootstrap)"),
+)
+# Calls of simulate() over the fits of DATA.
+REFUSED_SIMULATIONS = (
+    ({"method": "sobol"}, "latin-hypercube-iman-conover, monte-carlo, norta; got 'sobol' (method)"),
+    ({"samples": 0}, "expected a whole number from 1 to 2147483647, got 0 (samples)"),
+    ({"samples": 2.5}, "expected a whole number from 1 to 2147483647, got 2.5 (samples)"),
+    ({"seed": -1}, "expected a whole number from 0 to 2147483647, got -1 (seed)"),
+    ({"matrix": "m"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
+    ({"matrix": "m", "method": "iman-conover"}, "is neither a sheet of the project nor a file (matrix m)"),
+    ({"variables": ["x", "x"]}, "'x' is given twice (variables)"),
+    ({"variables": ["z"]}, "no variable called 'z' (sheet d)"),
+)
+# Calls of fit() over an example.
+FITS = (
+    ("groundbeef", {}),
+    ("faithful", {"rank_by": "anderson-darling", "binning": "equal-interval", "distributions": ["weibull", "gev"],
+                  "offsets": {"eruptions": {"Weibull": 1}}}),
+    ("faithful", {"mixtures": {"waiting": 3}, "johnson_percentiles": True, "select": "waiting > 60",
+                  "missing": "casewise"}),
+    ("faithful", {"save": "p.bvw", "truncate": {"waiting": (None, 90)}, "order": {"waiting": ["normal", "weibull"]}}),
+    ("toxocara", {"discrete": ["number"], "discrete_rank_by": "chi-square", "trials": {"number": 100}}),
+    ("portpirie_sea_level", {"bootstrap": 20, "bootstrap_seed": 5, "distributions": ["normal"]}),
+)
+SIMULATIONS = ({}, {"method": "latin-hypercube", "truncate": True}, {"method": "iman-conover"},
+               {"method": "latin-hypercube-iman-conover", "variables": ["waiting", "eruptions"], "samples": 500})
+
+
+def entries(argument, value):
+    """What an option is given for an argument, once for each."""
+    if not isinstance(value, dict):
+        return [",".join(value) if isinstance(value, list) else str(value)]
+    if argument == "offsets":
+        return [f"{variable}:{name}={offset}" for variable, given in value.items() for name, offset in given.items()]
+    texts = {tuple: lambda bounds: ":".join("" if bound is None else str(bound) for bound in bounds), list: ",".join}
+    return [f"{variable}={texts.get(type(entry), str)(entry)}" for variable, entry in value.items()]
+
+
+def words(arguments):
+    """The arguments as a command has them."""
+    found = []
+    for argument, value in arguments.items():
+        option = OPTIONS.get(argument, "--" + argument.replace("_", "-"))
+        found += [option] if value is True else [word for text in entries(argument, value) for word in (option, text)]
+    return found
+
+
+def fit(data, arguments):
+    saving = {name: arguments[name] for name in ("truncate", "order") if name in arguments}
+    left = ("truncate", "order", "save") if saving else ()
+    result = brenvolt.fit(data, **{name: value for name, value in arguments.items() if name not in left})
+    if saving:
+        result.save(arguments["save"], **saving)
+    return result
+
+
+class SameCalls(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(folder.name)
+        pandas.DataFrame(DATA).to_csv("d.csv", index=False)
+
+    def command(self, *arguments):
+        return subprocess.run([os.environ["BRENVOLT_PROGRAM"], *arguments], capture_output=True, text=True)
+
+    def refused_by_command(self, *arguments):
+        """How the call failed and what was said of it, options spelt as arguments."""
+        done = self.command(*arguments)
+        spelt = {option: name for name, option in OPTIONS.items()}
+        said = re.sub(r"\((--[a-z-]+)\)", lambda o: "(" + spelt.get(o[1], o[1][2:].replace("-", "_")) + ")", done.stderr)
+        return done.returncode, [line.removeprefix("brenvolt: ") for line in said.splitlines()]
+
+    def refused_by_python(self, call):
+        try:
+            call()
+        except ValueError as fault:
+            return 2, str(fault).splitlines()
+        except brenvolt.Error as error:
+            return 1, str(error).splitlines()
+        return 0, []
+
+    def check_refusals(self, verb, file, call, table):
+        for arguments, end in table:
+            with self.subTest(verb, **arguments):
+                refused = self.refused_by_command(verb, file, *words(arguments))
+                self.assertEqual(refused, self.refused_by_python(lambda: call(arguments)))
+                self.assertTrue(refused[1][-1].endswith(end), refused)
+                self.assertFalse(os.path.exists("p.bvw"))
+
+    def test_what_one_refuses_the_other_refuses(self):
+        self.check_refusals("fit", "d.csv", lambda arguments: fit("d.csv", arguments), REFUSED_FITS)
+        brenvolt.fit("d.csv", ["x", "n"], distributions=["normal"], save="fits.bvw")
+        self.check_refusals("simulate", "fits.bvw", lambda arguments: brenvolt.simulate("fits.bvw", **arguments),
+                            REFUSED_SIMULATIONS)
+
+    def test_all_faults_are_said_at_once(self):
+        faults = self.refused_by_command("fit", "d.csv", *words(REFUSED_FITS[-1][0]))[1]
+        self.assertEqual([fault[fault.rindex("("):] for fault in faults], ["(rank_by)", "(mixtures)", "(bootstrap)"])
+
+    def test_fits_are_the_same(self):
+        for name, arguments in FITS:
+            with self.subTest(name, **arguments):
+                file = os.path.join(EXAMPLES, name + ".csv")
+                done = self.command("fit", file, *words(arguments), "--format", "json")
+                saved = self.take("p.bvw")
+                result = fit(file, arguments)
+                self.assertEqual(saved, self.take("p.bvw"))
+                report = json.loads(done.stdout)["variables"]
+                self.assertEqual([variable["name"] for variable in report], list(result.variables))
+                for expected in report:
+                    self.compare(expected, result.variables[expected["name"]])
+
+    def take(self, file):
+        """The bytes of a file that is taken away; None where there is none."""
+        if not os.path.exists(file):
+            return None
+        with open(file, "rb") as content:
+            found = content.read()
+        os.remove(file)
+        return found
+
+    def compare(self, expected, variable):
+        self.assertEqual((variable.kind, variable.n, variable.missing),
+                         (expected["kind"], expected["n"], expected["missing"]))
+        rows = variable.fits.to_dict("records")
+        for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
+            self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
+            if fitted["parameters"] is None:
+                self.assertIsNone(distribution)
+                self.assertEqual(row["reason"], fitted["reason"])
+                continue
+            self.assertEqual((distribution.code, distribution._values), (fitted["code"], fitted["parameters"]))
+            self.compare_statistics(fitted, row)
+
+    def compare_statistics(self, fitted, row):
+        bootstrap = fitted["bootstrap"] or {}
+        for column, expected in (("ks", fitted["kolmogorovSmirnov"]["statistic"]),
+                                 ("ks_p", fitted["kolmogorovSmirnov"]["pValue"]), ("aic", fitted["aic"]),
+                                 ("ad_p", fitted["andersonDarling"]["pValue"]), ("bic", fitted["bic"]),
+                                 ("chi_square", fitted["chiSquare"]["statistic"]), ("offset", fitted["offset"]),
+                                 ("chi_square_df", fitted["chiSquare"]["degreesOfFreedom"]),
+                                 ("log_likelihood", fitted["logLikelihood"]),
+                                 ("bootstrap_ks_p", bootstrap.get("kolmogorovSmirnov"))):
+            if column in row:
+                value = row[column]
+                self.assertTrue(value == expected or (expected is None and numpy.isnan(value)), (column, row, fitted))
+
+    def test_samples_are_the_same(self):
+        file = os.path.join(EXAMPLES, "faithful.csv")
+        result = brenvolt.fit(file, save="fits.bvw")
+        for arguments in SIMULATIONS:
+            with self.subTest(**arguments):
+                self.command("simulate", "fits.bvw", "--seed", "7", *words(arguments), "-o", "s.csv")
+                expected = pandas.read_csv("s.csv", index_col="Sample #", float_precision="round_trip")
+                for source in (result, "fits.bvw", brenvolt.open_workbook("fits.bvw")):
+                    samples = brenvolt.simulate(source, seed=7, **arguments)
+                    pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
+
+
+if __name__ == "__main__":
+    unittest.main()

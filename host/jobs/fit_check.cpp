@@ -1,0 +1,231 @@
+// What can be wrong with a fit that is asked for.
+#include <algorithm>
+#include <limits>
+
+#include "host/base/almost_equal.h"
+#include "host/jobs/fit_job.h"
+#include "host/jobs/project_files.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr double kMostCount = std::numeric_limits<std::int32_t>::max();
+constexpr double kMostBootstrapSamples = 1'000'000;
+
+using Names = std::vector<std::string>;
+
+bool Holds(const Names& names, const std::string& name) {
+  return std::ranges::find(names, name) != names.end();
+}
+
+// The distribution of that name; null where there is none, which is a fault.
+const FittedType* TypeNamed(std::string_view field, const std::string& name, JobFaults& faults) {
+  const FittedType* type = FindFittedType(name);
+  if (type == nullptr) {
+    faults.push_back(
+        {std::string(field), "no distribution called " + Quoted(name) + "; there are " + FittedTypeNames()});
+  }
+  return type;
+}
+
+template <class Entries>
+Names NamesOf(const Entries& entries) {
+  Names names;
+  for (const auto& entry : entries) names.push_back(entry.variable);
+  return names;
+}
+
+// Looks a job through; each member adds the faults of some fields.
+class FitCheck {
+ public:
+  explicit FitCheck(const FitJob& job) : job_(job) {}
+
+  JobFaults Faults() {
+    Words();
+    Distributions();
+    Variables();
+    Offsets();
+    Counts("mixtures", job_.mixtures, "gaussianmixture");
+    Counts("trials", job_.trials, "binomial");
+    if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
+    RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
+    Bootstrap();
+    Saving();
+    Save();
+    return std::move(faults_);
+  }
+
+  // Of bounds and orders alone.
+  JobFaults SavingFaults() {
+    Saving();
+    return std::move(faults_);
+  }
+
+ private:
+  void Add(std::string_view field, std::string message) {
+    faults_.push_back({std::string(field), std::move(message)});
+  }
+
+  // Whether variables of a kind are fitted: without names all are continuous.
+  bool IsFitted(bool continuous) const {
+    const auto& [continuousNames, discreteNames] = job_.variables;
+    return continuous ? !continuousNames.empty() || discreteNames.empty() : !discreteNames.empty();
+  }
+
+  // What is said of a distribution that is not tried would do nothing.
+  void RequireTried(std::string_view field, const FittedType& type) {
+    if (!job_.Tries(type)) Add(field, "the " + std::string(type.name) + " distribution is not tried");
+  }
+
+  // What is said of a kind of variables of which none is fitted would do nothing.
+  void RequireFitted(std::string_view field, bool given, bool continuous) {
+    if (given && !IsFitted(continuous))
+      Add(field, std::string("no ") + (continuous ? "continuous" : "discrete") + " variable is fitted");
+  }
+
+  void Words() {
+    if (job_.rankBy) CheckWord("rankBy", *job_.rankBy, kCriteria, faults_);
+    if (job_.discreteRankBy) CheckWord("discreteRankBy", *job_.discreteRankBy, kDiscreteCriteria, faults_);
+    CheckWord("binning", job_.binning, kBinnings, faults_);
+    CheckWord("missing", job_.missing, kDeletions, faults_);
+    RequireFitted("rankBy", job_.rankBy.has_value(), true);
+    RequireFitted("discreteRankBy", job_.discreteRankBy.has_value(), false);
+  }
+
+  void Distributions() {
+    for (const std::string& name : job_.distributions) {
+      if (TypeNamed("distributions", name, faults_) == nullptr) return;
+    }
+    for (const bool continuous : {true, false}) {
+      const bool any = std::ranges::any_of(kFittedTypes, [&](const FittedType& type) {
+        return type.continuous == continuous && job_.Tries(type);
+      });
+      if (any || !IsFitted(continuous)) continue;
+      Add("distributions",
+          continuous ? "none of these is for continuous variables; a variable is fitted as discrete only "
+                       "where it is named so"
+                     : "none of these is for discrete variables");
+    }
+  }
+
+  void Variables() {
+    const auto& [continuous, discrete] = job_.variables;
+    CheckOnce("continuous", continuous, faults_);
+    CheckOnce("discrete", discrete, faults_);
+    for (const std::string& name : discrete) {
+      if (Holds(continuous, name)) Add("discrete", Quoted(name) + " is named as continuous and as discrete");
+    }
+  }
+
+  void Offsets() {
+    Names things;
+    for (const FitJob::Offset& offset : job_.offsets) {
+      const FittedType* type = TypeNamed("offsets", offset.distribution, faults_);
+      if (type == nullptr) continue;
+      const std::string name(type->name);
+      things.push_back(offset.variable + ":" + name);
+      if (type->offset.empty()) Add("offsets", "the " + name + " distribution has no offset");
+      RequireTried("offsets", *type);
+      CheckNumber("offsets", offset.value, faults_, things.back());
+      if (IsNotSet(offset.value)) Add("offsets", "-444 stands for no offset and cannot be one");
+    }
+    CheckOnce("offsets", std::move(things), faults_);
+  }
+
+  void Counts(std::string_view field, const std::vector<FitJob::Count>& counts,
+              std::string_view distribution) {
+    for (const FitJob::Count& count : counts)
+      CheckWholeNumber(field, count.value, 1, kMostCount, faults_, count.variable);
+    CheckOnce(field, NamesOf(counts), faults_);
+    if (!counts.empty()) RequireTried(field, *FindFittedType(distribution));
+  }
+
+  void Bootstrap() {
+    if (job_.bootstrap) CheckWholeNumber("bootstrap", *job_.bootstrap, 1, kMostBootstrapSamples, faults_);
+    if (!job_.bootstrapSeed) return;
+    CheckWholeNumber("bootstrapSeed", *job_.bootstrapSeed, 0, kMostCount, faults_);
+    if (!job_.bootstrap) Add("bootstrapSeed", "without a bootstrap there is nothing to use a seed for");
+  }
+
+  void Saving() {
+    for (const FitJob::Truncation& one : job_.truncate) CheckTruncation(one);
+    for (const FitJob::Order& one : job_.order) CheckOrder(one);
+    CheckOnce("truncate", NamesOf(job_.truncate), faults_);
+    CheckOnce("order", NamesOf(job_.order), faults_);
+  }
+
+  void CheckTruncation(const FitJob::Truncation& truncation) {
+    for (const auto& bound : {truncation.low, truncation.high}) {
+      if (!bound) continue;
+      CheckNumber("truncate", *bound, faults_, truncation.variable);
+      if (IsNotSet(*bound)) Add("truncate", "-444 stands for no bound and cannot be one");
+    }
+    if (truncation.low && truncation.high && *truncation.low >= *truncation.high)
+      Add("truncate", Quoted(truncation.variable) + ": the lower bound must be less than the upper one");
+  }
+
+  void CheckOrder(const FitJob::Order& order) {
+    if (order.distributions.empty()) Add("order", Quoted(order.variable) + ": no distribution is named");
+    Names names;
+    for (const std::string& name : order.distributions) {
+      const FittedType* type = TypeNamed("order", name, faults_);
+      if (type == nullptr) continue;
+      RequireTried("order", *type);
+      names.emplace_back(type->name);
+    }
+    CheckOnce("order", std::move(names), faults_);
+  }
+
+  void Save() {
+    if (!job_.save.empty()) {
+      CheckProjectEnding("save", job_.save, faults_);
+      return;
+    }
+    if (!job_.truncate.empty()) Add("truncate", "the fits are not saved, so bounds have no effect");
+    if (!job_.order.empty()) Add("order", "the fits are not saved, so their order has no effect");
+  }
+
+  const FitJob& job_;
+  JobFaults faults_;
+};
+
+template <class Entries>
+void CheckFitted(std::string_view field, const Entries& entries, const Names& names, const std::string& kind,
+                 JobFaults& faults) {
+  for (const auto& entry : entries) {
+    if (!Holds(names, entry.variable))
+      faults.push_back({std::string(field), Quoted(entry.variable) + " is not fitted" + kind});
+  }
+}
+
+}  // namespace
+
+JobFaults FitJob::CheckSaving(const Names& fitted) const {
+  JobFaults faults = FitCheck(*this).SavingFaults();
+  CheckFitted("truncate", truncate, fitted, "", faults);
+  CheckFitted("order", order, fitted, "", faults);
+  return faults;
+}
+
+JobFaults FitJob::CheckVariables(const Variables& fitted) const {
+  JobFaults faults;
+  const std::string continuous = " as a continuous variable";
+  CheckFitted("offsets", offsets, fitted.continuous, continuous, faults);
+  CheckFitted("mixtures", mixtures, fitted.continuous, continuous, faults);
+  CheckFitted("trials", trials, fitted.discrete, " as a discrete variable", faults);
+  CheckFitted("truncate", truncate, fitted.All(), "", faults);
+  CheckFitted("order", order, fitted.All(), "", faults);
+  return faults;
+}
+
+JobFaults FitJob::Check() const {
+  JobFaults faults = FitCheck(*this).Faults();
+  if (!variables.All().empty()) {
+    Append(CheckVariables(variables), faults);
+  } else if (!trials.empty()) {
+    faults.push_back({"trials", "no discrete variable is fitted"});
+  }
+  return faults;
+}
+
+}  // namespace brenvolt

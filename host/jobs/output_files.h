@@ -1,0 +1,30 @@
+// Where the data go that a job made: projects, CSV, NumPy arrays, by the ending of the name.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/jobs/analysis_session.h"
+#include "host/jobs/job_fault.h"
+#include "host/jobs/job_recorder.h"
+
+namespace brenvolt {
+
+// True for a regular file, and where there is nothing yet.
+bool IsRegularTarget(const std::filesystem::path& path);
+// Adds a fault of the field unless data may go to `path`: a project, CSV or NumPy arrays by the ending, CSV
+// to devices and pipes, or nothing for an empty path.
+void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// Throws Error where data of another format would replace a project.
+void RefuseReplacedProject(const std::filesystem::path& path);
+
+// Writes a document, to NumPy arrays where the name ends so, else as CSV. Throws Error, and writes nothing,
+// where a project would be replaced.
+void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
+// Adds documents to the project at `path`, which is made when there is none. Returns their names there.
+std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,
+                                      JobRecorder& recorder);
+
+}  // namespace brenvolt

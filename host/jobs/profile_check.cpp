@@ -1,0 +1,94 @@
+// What can be wrong with a profile that is asked for.
+#include <limits>
+
+#include "host/base/number_text.h"
+#include "host/formula/compiler.h"
+#include "host/formula/formula.h"
+#include "host/jobs/output_files.h"
+#include "host/jobs/profile_job.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr double kFewestRuns = 100;
+constexpr double kMostRuns = 100000;
+constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
+
+// Adds the name of the response to `responses` where the formula is one. Which names there are is the
+// profiler's business; here only the grammar counts.
+void CheckFormula(const std::string& text, std::vector<std::string>& responses, JobFaults& faults) {
+  const auto anyName = [](std::string_view, bool) { return std::optional<std::size_t>(0); };
+  try {
+    const FormulaAssignment assignment = SplitAssignment(text);
+    if (!assignment.name || Trim(std::string_view(text).substr(assignment.begin)).empty()) {
+      faults.push_back({"formulas", "expected RESPONSE=EXPRESSION, got " + Quoted(text)});
+      return;
+    }
+    responses.push_back(*assignment.name);
+    Compile(text, anyName, "formula for " + *assignment.name, assignment.begin);
+  } catch (const FormulaError& error) {
+    faults.push_back({"formulas", error.Where() + ": " + error.what()});
+  }
+}
+
+void CheckLimits(const ProfileJob::Specification& specification, JobFaults& faults) {
+  const SpecificationLimits& limits = specification.limits;
+  if (limits.IsValid()) return;
+  const std::string response = Quoted(specification.response) + ": ";
+  if (!limits.HasLower() && !limits.HasUpper()) {
+    faults.push_back({"specifications", response + "there is neither limit"});
+  } else if (limits.lower >= limits.upper) {
+    faults.push_back({"specifications", response + "the lower limit must be less than the upper one"});
+  } else if (limits.target < limits.lower || limits.target > limits.upper) {
+    faults.push_back({"specifications", response + "the target lies outside the limits"});
+  } else {
+    faults.push_back({"specifications", response + "expected finite numbers"});
+  }
+}
+
+// Each response or predictor once.
+template <class Entries, class Name>
+void CheckEachOnce(std::string_view field, const Entries& entries, Name name, JobFaults& faults) {
+  std::vector<std::string> names;
+  for (const auto& entry : entries) names.push_back(entry.*name);
+  CheckOnce(field, std::move(names), faults);
+}
+
+void CheckEntries(const ProfileJob& job, JobFaults& faults) {
+  for (const ProfileJob::Noise& one : job.noise) {
+    CheckNumber("noise", one.standardDeviation, faults, one.response);
+    if (one.standardDeviation < 0)
+      faults.push_back({"noise", Quoted(one.response) + ": a standard deviation is not less than 0"});
+  }
+  for (const ProfileJob::Specification& one : job.specifications) CheckLimits(one, faults);
+  for (const ProfileJob::Fixed& one : job.fixed) CheckNumber("fixed", one.value, faults, one.predictor);
+  for (const ProfileJob::Truncation& one : job.truncate) {
+    for (const double bound : {one.minimum, one.maximum})
+      CheckNumber("truncate", bound, faults, one.predictor);
+    if (one.minimum >= one.maximum) {
+      faults.push_back({"truncate", Quoted(one.predictor) + ": the minimum must be less than the maximum"});
+    }
+  }
+  CheckEachOnce("noise", job.noise, &ProfileJob::Noise::response, faults);
+  CheckEachOnce("specifications", job.specifications, &ProfileJob::Specification::response, faults);
+  CheckEachOnce("fixed", job.fixed, &ProfileJob::Fixed::predictor, faults);
+  CheckEachOnce("truncate", job.truncate, &ProfileJob::Truncation::predictor, faults);
+}
+
+}  // namespace
+
+JobFaults ProfileJob::Check() const {
+  JobFaults faults;
+  if (models.empty() && formulas.empty())
+    faults.push_back({"models", "nothing is predicted: name a model or give a formula"});
+  std::vector<std::string> responses;
+  for (const std::string& text : formulas) CheckFormula(text, responses, faults);
+  CheckOnce("formulas", std::move(responses), faults);
+  CheckWholeNumber("samples", samples, kFewestRuns, kMostRuns, faults);
+  if (seed) CheckWholeNumber("seed", *seed, 1, kMostInteger, faults);
+  CheckEntries(*this, faults);
+  CheckDataTarget("output", output, faults);
+  return faults;
+}
+
+}  // namespace brenvolt

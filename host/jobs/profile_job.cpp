@@ -1,0 +1,289 @@
+#include "host/jobs/profile_job.h"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+
+#include "host/application/graph_json.h"
+#include "host/application/json_text.h"
+#include "host/base/number_text.h"
+#include "host/base/files/output_file.h"
+#include "host/formula/formula.h"
+#include "host/jobs/output_files.h"
+#include "host/jobs/project_files.h"
+
+namespace brenvolt {
+namespace {
+
+// What the array of a predictor ends with: whether it is truncated below, where, whether above, where.
+constexpr std::size_t kTruncationItems = 4;
+constexpr std::string_view kSpecification = "VariableDistributionParams";
+
+// Places count from 1.
+Variant Place(std::size_t place) {
+  return static_cast<std::int32_t>(place + 1);
+}
+
+// As it stands before the "=" of a formula.
+std::string QuotedName(const std::string& name) {
+  std::string quoted = "'";
+  for (const char c : name) quoted += c == '\'' ? "''" : std::string(1, c);
+  return quoted + "'";
+}
+
+std::string PlainFormula(const std::string& text) {
+  const FormulaAssignment assignment = SplitAssignment(text);
+  return QuotedName(*assignment.name) + " = " +
+         std::string(Trim(std::string_view(text).substr(assignment.begin)));
+}
+
+// The number as automation texts have it; empty where there is none.
+Variant Limit(double value) {
+  return std::isnan(value) ? Variant(std::string()) : Variant(value);
+}
+
+// The place of a name in a list of the profiler's.
+std::size_t PlaceOf(const std::string& name, const std::vector<std::string>& names, const std::string& field,
+                    const std::string& kind) {
+  const auto found = std::ranges::find(names, name);
+  if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
+  std::string list;
+  for (const std::string& one : names) list += (list.empty() ? "" : ", ") + one;
+  throw WrongJob(field, "no " + kind + " called " + Quoted(name) + "; there are " + list);
+}
+
+// The dialog of the profiler, with predictors and responses by their places from 0.
+class Profiler {
+ public:
+  Profiler(const ProfileJob& job, AnalysisSession& session) : job_(job), session_(session) {
+    session_.Begin(Task::kProfile);
+    dialog_ = session_.Dialog();
+  }
+
+  // Models come before formulas, which take the places of models of their responses.
+  void Prepare() {
+    LoadModels();
+    SetFormulas();
+    Put("NumberOfSamples", AsInteger(job_.samples));
+    if (job_.seed) {
+      Put("IsSeedRandomNumber", 1);
+      Put("RandomSeedNumber", AsInteger(*job_.seed));
+    }
+    if (job_.correlated) Put("IsEditCorrelation", 1);
+    if (job_.fitBest) FitBest();
+    SpecifyPredictors();
+    SpecifyResponses();
+  }
+
+  const std::vector<std::string>& Responses() const { return responses_; }
+
+  Table Simulate() {
+    const auto shown = Show("SimulationResults");
+    if (shown.tables.empty()) throw Error("the analysis returned no table");
+    return shown.tables.front();
+  }
+
+  ResponseTables ResultsOf(std::size_t response) {
+    constexpr std::size_t kTables = 5;
+    Select(response);
+    const auto [tables, graphs] = Show("SummaryStats");
+    if (tables.size() != kTables) throw Error("the analysis returned no summary", responses_[response]);
+    ResponseTables results{
+        responses_[response], tables[0], tables[1], tables[2], tables[3], tables[4], nullptr};
+    if (!IsSpecified(response)) return results;
+    const auto capability = Show("CapabilityStats").tables;
+    if (capability.empty()) throw Error("the analysis returned no capability", responses_[response]);
+    results.capability = capability.front();
+    return results;
+  }
+
+  // The histogram with its best fit and the tornado graph of a response.
+  const Graph& GraphsOf(std::size_t response) {
+    Select(response);
+    const auto shown = Show("SummaryGraph");
+    if (shown.graphs.empty()) throw Error("the analysis returned no graph", responses_[response]);
+    return shown.graphs.front()->Content();
+  }
+
+  bool IsSpecified(std::size_t response) const {
+    return std::ranges::find(job_.specifications, responses_[response],
+                             &ProfileJob::Specification::response) != job_.specifications.end();
+  }
+
+  // The table of defect rates and the graph of the profiles, for which the response is specified.
+  std::pair<Table, std::optional<Graph>> Defects(std::size_t response) {
+    Select(response);
+    const std::size_t shownBefore = session_.Interface().Documents().size();
+    try {
+      const auto shown = Show("DefectProfile");
+      if (shown.tables.empty() || shown.graphs.empty()) throw Error("the analysis returned no defects");
+      return {shown.tables.front(), shown.graphs.front()->Content()};
+    } catch (const AutomationError& error) {
+      // The table stands where only its graph cannot be drawn.
+      const auto tables = session_.ShownSince(shownBefore).tables;
+      if (tables.empty()) throw;
+      session_.Interface().ShowMessage({error.Reason(), error.Where(), {}});
+      return {tables.front(), std::nullopt};
+    }
+  }
+
+ private:
+  void LoadModels() {
+    if (job_.models.empty()) return;
+    Variant::Array names;
+    for (const auto& file : job_.models) names.emplace_back(file.string());
+    Put("LoadModels", names);
+    TakeNames();
+  }
+
+  void SetFormulas() {
+    if (job_.formulas.empty()) return;
+    Variant::Array texts;
+    for (const std::string& text : job_.formulas) texts.emplace_back(PlainFormula(text));
+    Put("PredictionFormula", texts);
+    TakeNames();
+  }
+
+  void TakeNames() {
+    const auto names = [this](std::string_view member) {
+      std::vector<std::string> list;
+      for (const Variant& name : dialog_->Get(member).ToArray()) list.push_back(name.ToText());
+      return list;
+    };
+    predictors_ = names("Predictors");
+    responses_ = names("Dependents");
+  }
+
+  void FitBest() {
+    if (session_.Attempt([this] { return dialog_->Get("FitBestDistributions").ToInteger(); }) == 0) {
+      throw Error("no predictor was fitted");
+    }
+  }
+
+  void SpecifyPredictors() {
+    for (const ProfileJob::Fixed& one : job_.fixed) {
+      PutSpecification(PredictorPlace(one.predictor, "fixed"),
+                       Variant::Array{Variant("Fixed"), Variant(one.value)});
+    }
+    for (std::size_t i = 0; i < predictors_.size(); ++i) {
+      if (!SpecificationOf(i).IsEmpty()) continue;
+      throw Error("the data have no variable called " + Quoted(predictors_[i]) +
+                      " with values to start the predictor from; fix it at a value",
+                  job_.data.file.string());
+    }
+    for (const ProfileJob::Truncation& one : job_.truncate) Truncate(one);
+  }
+
+  void Truncate(const ProfileJob::Truncation& truncation) {
+    const std::size_t predictor = PredictorPlace(truncation.predictor, "truncate");
+    Variant::Array array = SpecificationOf(predictor).ToArray();
+    if (array.size() <= kTruncationItems) {
+      throw Error("it is not random",
+                  "the predictor " + Quoted(truncation.predictor) + " cannot be truncated");
+    }
+    array.resize(array.size() - kTruncationItems);
+    for (const double bound : {truncation.minimum, truncation.maximum}) {
+      array.emplace_back(std::int32_t{1});
+      array.emplace_back(bound);
+    }
+    PutSpecification(predictor, array);
+  }
+
+  void SpecifyResponses() {
+    for (const ProfileJob::Noise& one : job_.noise) {
+      Select(PlaceOf(one.response, responses_, "noise", "response"));
+      Put("DependentNoise", 1);
+      Put("StdDevY", one.standardDeviation);
+    }
+    for (const ProfileJob::Specification& one : job_.specifications) {
+      Select(PlaceOf(one.response, responses_, "specifications", "response"));
+      Put("LSL", Limit(one.limits.lower));
+      Put("USL", Limit(one.limits.upper));
+      Put("Target", Limit(one.limits.target));
+    }
+  }
+
+  std::size_t PredictorPlace(const std::string& name, const std::string& field) const {
+    return PlaceOf(name, predictors_, field, "predictor");
+  }
+
+  // What the predictor is drawn from; empty where that is not known.
+  Variant SpecificationOf(std::size_t predictor) {
+    const Variant place = Place(predictor);
+    return dialog_->Get(kSpecification, {&place, 1});
+  }
+
+  void PutSpecification(std::size_t predictor, const Variant& specification) {
+    const Variant place = Place(predictor);
+    session_.Attempt([&] { dialog_->Put(kSpecification, specification, {&place, 1}); });
+  }
+
+  void Select(std::size_t response) { Put("DependentforResult", Place(response)); }
+
+  void Put(std::string_view member, const Variant& value) {
+    session_.Attempt([&] { dialog_->Put(member, value); });
+  }
+
+  AnalysisSession::Shown Show(std::string_view member) {
+    const std::size_t before = session_.Interface().Documents().size();
+    const Variant::Object made = session_.Attempt([&] { return dialog_->Get(member).ToObject(); });
+    if (made == nullptr) throw Error("nothing was made", std::string(member));
+    return session_.ShownSince(before);
+  }
+
+  const ProfileJob& job_;
+  AnalysisSession& session_;
+  std::shared_ptr<AutomationObject> dialog_;
+  std::vector<std::string> predictors_;
+  std::vector<std::string> responses_;
+};
+
+void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const std::optional<Graph>& defects) {
+  nlohmann::ordered_json report = {{"responses", nlohmann::ordered_json::array()}};
+  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+    report["responses"].push_back(
+        {{"name", profiler.Responses()[i]}, {"graphs", GraphJson(profiler.GraphsOf(i))["panels"]}});
+  }
+  if (defects) report["defectProfile"] = GraphJson(*defects);
+  OutputFile file(path);
+  file.Write(JsonText(report));
+  file.Commit();
+}
+
+// Returns the sheet's name where it goes into a project.
+std::string WriteSimulated(const std::filesystem::path& path, const Table& simulated, JobRecorder& recorder) {
+  if (path.empty()) return {};
+  if (HasProjectEnding(path)) return AppendTables(path, {simulated}, recorder).front();
+  WriteTable(path, *simulated, recorder);
+  return {};
+}
+
+}  // namespace
+
+// The files are written when all results are there.
+ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
+  RequireNone(Check());
+  RefuseReplacedProject(output);
+  if (!graphs.empty()) RefuseProjectTarget(graphs);
+  if (!graphs.empty() && recorder.IsRecording()) throw WrongJob("graphs", "graphs cannot be recorded");
+  ProfileRun run;
+  run.data = OpenDataFile(data.file, data.Format());
+  run.sheet = &run.data.Sheet(data.sheet);
+  recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
+  recorder.Took(&run.data.workbook, data.sheet, run.sheet);
+  run.Start(interface, recorder);
+  Profiler profiler(*this, *run.session);
+  profiler.Prepare();
+  const Table simulated = profiler.Simulate();
+  std::optional<Graph> defectProfile;
+  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+    run.responses.push_back(profiler.ResultsOf(i));
+    if (profiler.IsSpecified(i) && run.defects == nullptr)
+      std::tie(run.defects, defectProfile) = profiler.Defects(i);
+  }
+  run.outputSheet = WriteSimulated(output, simulated, recorder);
+  if (!graphs.empty()) WriteGraphs(graphs, profiler, defectProfile);
+  return run;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,73 @@
+// How predictions vary when their predictors do, and how often they miss a specification: what a person may
+// ask for, and its run.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/jobs/job_data.h"
+#include "host/jobs/job_fault.h"
+#include "host/statistics/specification_limits.h"
+
+namespace brenvolt {
+
+// The documents of one response, as the profiler shows them.
+struct ResponseTables {
+  std::string name;
+  Table statistics;
+  Table correlations;
+  Table percentiles;
+  Table frequencies;
+  Table sensitivity;
+  Table capability;  // null without a specification
+};
+
+struct ProfileRun : JobRun {
+  std::vector<ResponseTables> responses;
+  Table defects;            // null where no response has a specification
+  std::string outputSheet;  // the sheet of the simulated runs where they went into a project
+};
+
+struct ProfileJob {
+  struct Noise {
+    std::string response;
+    double standardDeviation;
+  };
+  struct Specification {
+    std::string response;
+    SpecificationLimits limits;
+  };
+  struct Fixed {
+    std::string predictor;
+    double value;
+  };
+  struct Truncation {
+    std::string predictor;
+    double minimum;
+    double maximum;
+  };
+
+  JobData data;  // the columns that the predictors start from
+  std::vector<std::filesystem::path> models;
+  std::vector<std::string> formulas;  // "RESPONSE = EXPRESSION", in the place of a model of the response
+  double samples = 5000;
+  std::optional<double> seed;
+  bool correlated = false;  // the predictors, as their columns are
+  bool fitBest = false;     // each predictor by what fits its column best
+  std::vector<Noise> noise;
+  std::vector<Specification> specifications;
+  std::vector<Fixed> fixed;
+  std::vector<Truncation> truncate;
+  std::filesystem::path output;  // empty: the simulated runs go nowhere
+  std::filesystem::path graphs;  // empty: none are written
+
+  // All that can be refused without the data.
+  JobFaults Check() const;
+  // The whole job. Throws WrongJob, also where the models reveal that a response or predictor is none,
+  // JobFailed, and Error.
+  ProfileRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
+};
+
+}  // namespace brenvolt

@@ -1,0 +1,45 @@
+#include "host/jobs/score_job.h"
+
+#include "host/jobs/project_files.h"
+#include "host/models/prediction_model.h"
+
+namespace brenvolt {
+
+JobFaults ScoreJob::Check() const {
+  JobFaults faults;
+  if (model.empty()) faults.push_back({"model", "the file of a model is missing"});
+  if (data.file.empty()) faults.push_back({"data", "the file of the data is missing"});
+  return faults;
+}
+
+Spreadsheet ScoreJob::Score() const {
+  RequireNone(Check());
+  const PredictionModel prediction = PredictionModel::Load(model);
+  DataFile file = OpenDataFile(data.file, data.Format());
+  const Spreadsheet& cases = file.Sheet(data.sheet);
+  if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
+  ScoreOptions options;
+  options.classProbabilities = probabilities;
+  options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
+  return prediction.Score(cases, prediction.Name(), options);
+}
+
+void ScoreJob::Record(JobRecorder& recorder, const void* predictions) const {
+  recorder.Gave(
+      "predictions", nullptr, "Score",
+      {PythonPath(model), PythonPath(data.file), data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet),
+       probabilities ? "probabilities=True" : "", leaveInvalid ? "leave_invalid=True" : "",
+       DecimalCommaArgument(data.decimalComma)},
+      predictions);
+}
+
+Spreadsheet ScoreJob::Run(JobRecorder& recorder) const {
+  Spreadsheet predictions = Score();
+  Record(recorder, &predictions);
+  if (output.empty()) return predictions;
+  WriteCsvFile(predictions, output, data.Format());
+  recorder.Called(&predictions, "to_csv", {PythonPath(output), DecimalCommaArgument(data.decimalComma)});
+  return predictions;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,48 @@
+// Samples drawn from the distributions that variables carry: what a person may ask for, and its run.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/jobs/job_data.h"
+#include "host/jobs/job_fault.h"
+
+namespace brenvolt {
+
+// What a run produced; null what it did not. The data of the methods without correlation go to their file
+// while they are drawn, so that there is no document of them unless they go into a project.
+struct SimulationRun : JobRun {
+  Table output;
+  Table repairedMatrix;
+  Table summary;  // null: the method has no generator
+  Table correlations;
+  // Where the data went, and a repaired matrix beside them: sheets where the file is a project.
+  std::filesystem::path file;
+  std::string outputSheet;
+  std::filesystem::path matrixFile;
+  std::string matrixSheet;
+};
+
+struct SimulateJob {
+  JobData data;                        // of a project; without a sheet's name, the first with distributions
+  std::vector<std::string> variables;  // without names, all with distributions
+  std::string method = "monte-carlo";
+  double samples = 1000;
+  std::optional<double> seed;    // without, the samples differ each time
+  bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
+  std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
+  std::filesystem::path output;  // empty: the data are summarized, and go nowhere
+
+  // All that can be refused without the data.
+  JobFaults Check() const;
+  // The whole job, from a project. Throws WrongJob before anything is done, JobFailed, and Error.
+  SimulationRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
+  // Fills the dialog of the simulation, from a session over `sheet` whose startup dialog is open. A
+  // correlation matrix is the caller's to put, and OK. Throws the same.
+  void Specify(AnalysisSession& session, const Spreadsheet& sheet) const;
+};
+
+}  // namespace brenvolt
