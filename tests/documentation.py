@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Does what README and the guides show, and compares the output with what they show.
+"""Does what README, the guides and the reference show, and compares the output with what they show.
 
     documentation.py [PAGE...]            runs the pages (all, if none is named); exit status 1 if one is wrong
     documentation.py --update [PAGE...]   puts the output that the programs print into the pages
@@ -34,7 +34,7 @@ import traceback
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.environ.get("BRENVOLT_BUILD_DIR", os.path.join(ROOT, "build"))
-PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/guide/*.md", root_dir=ROOT))]
+PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/guide/*.md", root_dir=ROOT) + glob.glob("docs/reference/*.md", root_dir=ROOT))]
 LEFT_OUT = "…"
 FENCE = re.compile(r"^```([^\n`]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
