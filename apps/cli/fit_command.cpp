@@ -5,7 +5,6 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
-#include "apps/cli/command_recording.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/terminal_user_interface.h"
 #include "host/jobs/fit_job.h"

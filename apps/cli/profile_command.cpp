@@ -7,7 +7,6 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/profile_report.h"
-#include "apps/cli/command_recording.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/terminal_user_interface.h"
 #include "host/base/number_text.h"

@@ -91,7 +91,8 @@ class Distribution {
            sizeof...(P) <= kPlaceCount) explicit Distribution(P... parameters)
       : parameters_{static_cast<double>(parameters)...} {}
   // Repeated groups, which must outlive it.
-  explicit Distribution(In values) requires kIsOfGroups : parameters_(values) {}
+  template <std::convertible_to<In> V>
+  requires(kIsOfGroups) explicit Distribution(const V& values) : parameters_(values) {}
 
   bool IsValid() const;
   double Density(double x) const;

@@ -259,7 +259,7 @@ DistributionEstimate Distribution<D>::Estimate(const EstimationInput& input) {
 }
 
 template <class D>
-const DistributionType Distribution<D>::kType = [
+constinit const DistributionType Distribution<D>::kType = [
 ]<std::size_t... function>(std::index_sequence<function...>) {
   return DistributionType{
       D::kFacts,
