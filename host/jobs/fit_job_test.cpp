@@ -97,7 +97,8 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
        },
        "johnsonPercentiles: the johnson distribution is not tried"},
       {[](FitJob& job) { job.bootstrap = 0; }, "bootstrap: expected a whole number from 1 to 1000000, got 0"},
-      {[](FitJob& job) { job.bootstrapSeed = 1; }, "bootstrapSeed: there is no bootstrap to use the seed"},
+      {[](FitJob& job) { job.bootstrapSeed = 1; },
+       "bootstrapSeed: without a bootstrap there is nothing to use a seed for"},
       {[](FitJob& job) { job.save = "p.csv"; }, "save: expected a file ending in .bvw, got p.csv"},
       {[](FitJob& job) {
          job.order = {{"x", {"normal"}}};
