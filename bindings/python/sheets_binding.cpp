@@ -62,11 +62,12 @@ void SetLabels(const VariableRef& variable, const Texts& labels) {
   for (const auto& [value, text] : labels) variable.Get().SetLabel(value, text);
 }
 
-py::dict Properties(const VariableRef& variable) {
+// A view of a copy: what is assigned to it would reach no variable, so that it takes nothing.
+py::object Properties(const VariableRef& variable) {
   const auto properties = InTurn([&] { return std::vector(variable.Get().Properties()); });
   py::dict result;
   for (const auto& [key, value] : properties) result[py::str(key)] = value;
-  return result;
+  return py::module_::import("types").attr("MappingProxyType")(result);
 }
 
 // --- spreadsheets
@@ -233,8 +234,10 @@ void BindVariable(py::module_& module) {
                     py::cpp_function([](const VariableRef& v) { return v.Get().Labels(); }, InHost()),
                     py::cpp_function(&SetLabels, InHost()),
                     "The texts shown for values, by value. Assigning adds to them.")
-      .def_property_readonly("properties", &Properties,
-                             "A copy of the named text properties, saved fits among them.")
+      .def_property_readonly(
+          "properties", &Properties,
+          "The named text properties, saved fits among them, as they are now; set_property changes "
+          "them.")
       .def(
           "set_property",
           [](const VariableRef& v, const std::string& key, std::string value) {

@@ -1,9 +1,36 @@
 """Spreadsheets to and from pandas; these methods are added to the extension's class. pandas is imported on use."""
 
 from ._brenvolt import Spreadsheet
+from ._errors import warn
+
+# What pandas.api.types.infer_dtype calls columns of Python objects that are all numbers.
+_NUMBERS = frozenset(("integer", "floating", "mixed-integer-float", "decimal", "boolean"))
+_OTHERS = frozenset(("complex", "date", "datetime", "datetime64", "time", "timedelta", "timedelta64", "period", "interval"))
+
+
+def _kind(series):
+    """What a column holds: "numbers", "texts", or the name of a kind that a spreadsheet cannot hold."""
+    import pandas
+
+    kind = series.dtype
+    if isinstance(kind, pandas.CategoricalDtype):
+        return _kind(pandas.Series(kind.categories))
+    if pandas.api.types.is_complex_dtype(kind):
+        return "complex"
+    if pandas.api.types.is_numeric_dtype(kind):
+        return "numbers"
+    found = pandas.api.types.infer_dtype(series, skipna=True)
+    if found in _NUMBERS:
+        return "numbers"
+    return found if found in _OTHERS else "texts"
 
 
 def _numbers(series):
+    """The values as doubles, missing ones as NaN: of numbers of any type, and of categories that are numbers."""
+    import pandas
+
+    if series.dtype == object or isinstance(series.dtype, pandas.CategoricalDtype):
+        series = series.astype(object).map(lambda value: float("nan") if pandas.isna(value) else float(value))
     return series.to_numpy(dtype=float, na_value=float("nan"))
 
 
@@ -18,44 +45,67 @@ def _codes_and_labels(series):
     return values, {float(i + 1): str(text) for i, text in enumerate(texts)}
 
 
-def _set_column(sheet, name, values):
+def _series(values):
+    """Values of any kind as a Series; what a NumPy mask hides is missing."""
     import pandas
 
-    series = values if isinstance(values, pandas.Series) else pandas.Series(values)
-    kind = series.dtype
-    if pandas.api.types.is_complex_dtype(kind) or kind.kind in "mM":
-        raise TypeError(f"column {name!r} is of type {kind}, neither numbers nor texts")
-    if isinstance(kind, pandas.CategoricalDtype) or not pandas.api.types.is_numeric_dtype(kind):
+    return values if isinstance(values, pandas.Series) else pandas.Series(values)
+
+
+def _refusal(name, kind):
+    return TypeError(f"column {name!r} holds {kind} values, neither numbers nor texts")
+
+
+def _set_column(sheet, name, series):
+    kind = _kind(series)
+    if kind == "numbers":
+        sheet._set_column(name, _numbers(series))
+    elif kind == "texts":
         sheet._set_column(name, *_codes_and_labels(series.astype(object)))
     else:
-        sheet._set_column(name, _numbers(series))
+        raise _refusal(name, kind)
 
 
 def _setitem(self, name, values):
-    """Sets a column, a new one or in the place of the one of that name: numbers, or texts."""
+    """Sets a column, a new one or in the place of the one of that name: numbers, or texts.
+
+    Missing values, and those that a NumPy mask hides, stay missing. Dates, durations and complex numbers are refused.
+    """
     import numpy
 
-    if isinstance(values, numpy.ndarray) and values.dtype.kind in "fiub":
+    plain = isinstance(values, numpy.ndarray) and not isinstance(values, numpy.ma.MaskedArray)
+    if plain and values.dtype.kind in "fiub":
         self._set_column(name, values)
     else:
-        _set_column(self, name, values)
+        _set_column(self, name, _series(values))
 
 
-def _from_pandas(frame, name="Sheet"):
+def _from_pandas(frame, name="Sheet", required=()):
     """A spreadsheet with the columns of a DataFrame, or of a Series.
 
-    Numbers and truth values become numeric variables, everything else texts; missing values stay missing. The index
-    gives the names of the cases, unless it merely counts them.
+    Numbers, numbers as Python objects or categories, and truth values become numeric variables; texts become text
+    variables; missing values stay missing. Columns of other kinds (dates, durations, complex numbers) are left out with
+    a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
     """
     import pandas
 
     if isinstance(frame, pandas.Series):
         frame = frame.to_frame(name=frame.name if frame.name is not None else "x")
     sheet = Spreadsheet(name)
+    left_out = []
     for place, column in enumerate(frame.columns):
-        if str(column) in sheet:
-            raise ValueError(f"{str(column)!r} names two columns")
-        _set_column(sheet, str(column), frame.iloc[:, place])
+        title, series = str(column), frame.iloc[:, place]
+        if title in sheet:
+            raise ValueError(f"{title!r} names two columns")
+        kind = _kind(series)
+        if kind in _OTHERS:
+            if title in required:
+                raise _refusal(title, kind)
+            left_out.append(f"{title} ({kind})")
+        else:
+            _set_column(sheet, title, series)
+    if left_out:
+        warn(f"columns that hold neither numbers nor texts are left out: {', '.join(left_out)}")
     if not isinstance(frame.index, pandas.RangeIndex):
         sheet.case_names = [str(label) for label in frame.index]
     return sheet

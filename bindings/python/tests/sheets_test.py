@@ -1,5 +1,7 @@
 """Spreadsheets and workbooks: views that are safe, pandas there and back, files."""
 
+import datetime
+import decimal
 import gc
 import os
 import tempfile
@@ -79,10 +81,42 @@ class Pandas(unittest.TestCase):
         self.assertTrue(numpy.isnan(sheet.to_pandas()["x"][1]))
         self.assertEqual(sheet["x"][1], -999)
 
-    def test_what_is_neither_numbers_nor_texts_is_refused(self):
-        for column in (pandas.to_datetime(["2020-01-01"]), numpy.array([1j])):
-            with self.assertRaisesRegex(TypeError, "column 'x' is of type"):
-                Spreadsheet.from_pandas(pandas.DataFrame({"x": column}))
+    def test_numbers_in_every_guise_are_numbers(self):
+        nan = float("nan")
+        columns = (numpy.ma.masked_array([1.0, 2.0, 3.0], [False, True, False]),
+                   numpy.ma.masked_array([1, 2, 3], [False, True, False]),
+                   pandas.Series([1, None, 3.0], dtype=object),
+                   [decimal.Decimal("1"), None, decimal.Decimal("3")],
+                   pandas.Categorical([1, None, 3]),
+                   pandas.array([1, None, 3], dtype="Int64"))
+        for column in columns:
+            sheet = Spreadsheet("s")
+            sheet["x"] = column
+            self.assertFalse(sheet.variable("x").is_text, repr(column))
+            numpy.testing.assert_array_equal(sheet["x"], [1, nan, 3], repr(column))
+        sheet = Spreadsheet("s")
+        sheet["t"] = numpy.ma.masked_array(["a", "b", "a"], [False, True, False])
+        numpy.testing.assert_array_equal(sheet["t"], [1, nan, 1])
+
+    def test_what_is_neither_numbers_nor_texts_is_left_out_unless_asked_for(self):
+        columns = (pandas.to_datetime(["2020-01-01"]), pandas.to_timedelta(["1 day"]), [datetime.date(2020, 1, 1)],
+                   [1j], pandas.period_range("2020-01", periods=1, freq="M"))
+        for column in columns:
+            frame = pandas.DataFrame({"x": column, "y": [1.0]})
+            with self.assertWarnsRegex(brenvolt.MessageWarning, r"left out: x \("):
+                self.assertEqual(Spreadsheet.from_pandas(frame).names, ["y"])
+            with self.assertRaisesRegex(TypeError, "column 'x' holds .* values, neither numbers nor texts"):
+                Spreadsheet.from_pandas(frame, required=["x"])
+            with self.assertRaisesRegex(TypeError, "column 'x' holds"):
+                Spreadsheet("s")["x"] = column
+
+    def test_properties_cannot_be_assigned_to(self):
+        sheet = Spreadsheet("s")
+        sheet["x"] = [1.0]
+        sheet.variable("x").set_property("note", "tensile")
+        with self.assertRaises(TypeError):
+            sheet.variable("x").properties["note"] = "other"
+        self.assertEqual(dict(sheet.variable("x").properties), {"note": "tensile"})
 
     def test_columns_of_another_length_are_refused(self):
         sheet = Spreadsheet("s")
