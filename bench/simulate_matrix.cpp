@@ -66,7 +66,7 @@ bool Fill(const SimulationDesign& design, std::span<const double> target, std::s
   SeedRandomStream(true, 1);
   if (InducesCorrelation(design.method))
     return static_cast<bool>(InduceRankCorrelation(design, target, matrix, port));
-  const auto progress = ProgressBar::new_ProgressBar(port, "", static_cast<std::int64_t>(matrix.size() + 1));
+  const auto progress = std::make_unique<ProgressBar>(port, "", static_cast<std::int64_t>(matrix.size() + 1));
   return design.method == SimulationMethod::kLatinHypercube
              ? GenerateLatinHypercube(design, matrix, *progress)
              : GenerateMonteCarlo(design, matrix, *progress);

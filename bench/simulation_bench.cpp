@@ -37,7 +37,7 @@ struct Job {
     SeedRandomStream(true, 1);
     if (design.method >= SimulationMethod::kImanConover)
       return static_cast<bool>(InduceRankCorrelation(design, target, matrix, port));
-    const auto progress = ProgressBar::new_ProgressBar(port, "", static_cast<std::int64_t>(matrix.size()));
+    const auto progress = std::make_unique<ProgressBar>(port, "", static_cast<std::int64_t>(matrix.size()));
     return design.method == SimulationMethod::kLatinHypercube
                ? GenerateLatinHypercube(design, matrix, *progress)
                : GenerateMonteCarlo(design, matrix, *progress);

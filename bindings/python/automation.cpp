@@ -7,6 +7,7 @@
 #include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
+#include "bindings/python/numpy_arrays.h"
 #include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/variants.h"

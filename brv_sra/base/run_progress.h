@@ -28,8 +28,8 @@ class RunProgress {
 
   // A bar of `steps` steps.
   std::unique_ptr<ProgressBar> Bar(ProgressStage stage, std::size_t steps) const {
-    return ProgressBar::new_ProgressBar(port_, caption_ != nullptr ? caption_(stage) : std::string_view(),
-                                        static_cast<std::int64_t>(steps));
+    return std::make_unique<ProgressBar>(port_, caption_ != nullptr ? caption_(stage) : std::string_view(),
+                                         static_cast<std::int64_t>(steps));
   }
 
  private:

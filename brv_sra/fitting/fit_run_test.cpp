@@ -99,7 +99,7 @@ TEST_F(FitRun, WeightsThatAreRefusedAreNamed) {
 TEST_F(FitRun, CaseOfLargeWeightIsCopiedWhole) {
   Spreadsheet sheet = SheetOf({{1, 7}, {1, 2'500'001}});
   sheet.SetWeightVariable(1);
-  const auto progress = ProgressBar::new_ProgressBar(port, "", 2);
+  const auto progress = std::make_unique<ProgressBar>(port, "", 2);
   const Sample sample = *ReadSample(sheet, 1, *AcceptedCases(sheet, true, true), *progress);
   ASSERT_EQ(sample.values.size(), 2'500'002U);
   EXPECT_EQ(sample.values.back(), 7);

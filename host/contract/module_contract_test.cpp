@@ -131,11 +131,11 @@ TEST(ModuleContract, RandomNumbersComeFromTheProcessStream) {
 }
 
 TEST(ModuleContract, ServicesAnswerUnderTheirNames) {
-  double minimum = 0.3;
-  double maximum = 96.2;
-  EXPECT_DOUBLE_EQ(scling_double_QUA(minimum, maximum, 50, 20), 2);
+  double minimum = 1;
+  double maximum = 263.25;
+  EXPECT_DOUBLE_EQ(scling_double_QUA(minimum, maximum, 50, 20), 10);
   EXPECT_DOUBLE_EQ(minimum, 0);
-  EXPECT_DOUBLE_EQ(maximum, 98);
+  EXPECT_DOUBLE_EQ(maximum, 270);
 
   constexpr LibraryId kLibrary{"{0F5C1A52-1F44-4F0B-9B7A-2B9F5C0D4E11}"};
   EXPECT_TRUE(KroOleRegisterTypeLib(nullptr, kLibrary, nullptr, nullptr));

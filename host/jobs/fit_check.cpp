@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "host/base/almost_equal.h"
+#include "host/base/quoted.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/project_files.h"
 

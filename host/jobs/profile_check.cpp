@@ -2,6 +2,7 @@
 #include <limits>
 
 #include "host/base/number_text.h"
+#include "host/base/quoted.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula.h"
 #include "host/jobs/output_files.h"

@@ -8,6 +8,7 @@
 #include "host/application/json_text.h"
 #include "host/base/files/output_file.h"
 #include "host/base/number_text.h"
+#include "host/base/quoted.h"
 #include "host/formula/formula.h"
 #include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"

@@ -249,8 +249,8 @@ std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& var
   const auto number = static_cast<std::size_t>(variable.variableNumber);
   if (number > GetInputTable()->VariableCount()) throw Error("is no longer in the input", variable.name);
   const auto progress =
-      ProgressBar::new_ProgressBar(Analysis().Interface(), szLoadResString(kProgressPreparingResults),
-                                   static_cast<std::int64_t>(cases.cases.size()) + 1);
+      std::make_unique<ProgressBar>(Analysis().Interface(), szLoadResString(kProgressPreparingResults),
+                                    static_cast<std::int64_t>(cases.cases.size()) + 1);
   Sample sample = ValueOrThrow(ReadSample(*GetInputTable(), variable.variableNumber, cases, *progress));
   SortAscending(sample.values);
   return std::move(sample.values);
