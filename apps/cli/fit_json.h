@@ -2,18 +2,13 @@
 #pragma once
 
 #include <nlohmann/json.hpp>
-#include <optional>
 #include <string>
 
-#include "host/automation/automation_object.h"
-#include "host/tables/spreadsheet.h"
+#include "host/jobs/fit_results.h"
 
 namespace brenvolt::cli {
 
-// One variable: row `variable` of the summary table, with its ranked table where it has one, by the criterion
-// of this name. Fetches the details of each valid fit from the dialog, whose Quick tab shows the variable.
-nlohmann::ordered_json VariableJson(AutomationObject& dialog, const Spreadsheet& summary,
-                                    std::size_t variable, const std::optional<Spreadsheet>& ranked,
-                                    const std::string& rankedBy);
+// One variable with its fits, ranked by the criterion of this name.
+nlohmann::ordered_json VariableJson(const FittedVariable& variable, const std::string& rankedBy);
 
 }  // namespace brenvolt::cli

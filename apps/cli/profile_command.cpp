@@ -80,16 +80,15 @@ ProfileJob::Truncation ParseTruncation(const std::string& text) {
 
 void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
-  const ProfileResults results{static_cast<std::int64_t>(job.samples), run.responses, run.defects};
   if (call.format == ReportFormat::kJson) {
-    auto report = ProfileJson(results);
+    auto report = ProfileJson(run.results);
     if (!job.output.empty()) report["output"] = {{"file", job.output.string()}};
     if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
     if (!job.graphs.empty()) report["graphs"] = job.graphs.string();
     std::fputs(JsonText(report).c_str(), stdout);
     return;
   }
-  std::fputs(ProfileText(results).c_str(), stdout);
+  std::fputs(ProfileText(run.results).c_str(), stdout);
   if (!job.output.empty()) {
     std::printf("\nSimulated data %s %s%s\n", run.outputSheet.empty() ? "written to" : "saved in",
                 job.output.c_str(), (run.outputSheet.empty() ? "" : ", sheet " + run.outputSheet).c_str());

@@ -1,28 +1,24 @@
 #include "apps/cli/profile_report.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <span>
-#include <sstream>
 #include <string_view>
+#include <vector>
 
 #include "apps/cli/text_table.h"
-#include "host/analysis/response_columns.h"
-#include "host/analysis/result_columns.h"
-#include "host/application/result_table.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::cli {
 namespace {
-
-namespace rows = response_table;
 
 constexpr int kDigits = 5;
 constexpr int kShortDigits = 4;
 
 // A column of a table as the report heads it.
 struct Shown {
-  std::string_view column;
+  const ResultColumn& column;
   std::string_view heading;
 };
 
@@ -37,114 +33,114 @@ std::string ToFourDecimals(double value) {
 }
 
 // A line for each row.
-std::string RowsText(const ResultTable& table, std::string_view heading, std::span<const Shown> columns,
-                     std::string (*number)(double)) {
+std::string RowsText(std::span<const ResultRow> rows, std::string_view heading,
+                     std::span<const Shown> columns, std::string (*number)(double)) {
   TextTable text;
   text.AddColumn(std::string(heading), TextTable::Align::kLeft);
   for (const Shown& column : columns) text.AddColumn(std::string(column.heading), TextTable::Align::kRight);
-  for (std::size_t row = 0; row < table.RowCount(); ++row) {
-    std::vector<std::string> cells{table.RowName(row)};
-    for (const Shown& column : columns) cells.push_back(number(table.Number(column.column, row)));
+  for (const ResultRow& row : rows) {
+    std::vector<std::string> cells{row.name};
+    for (const Shown& column : columns) cells.push_back(number(row.Number(column.column)));
     text.AddRow(std::move(cells));
   }
   return text.Text();
 }
 
-constexpr std::array<Shown, 6> kMoments{{{result_column::kMean, "mean"},
-                                         {result_column::kStandardDeviation, "std.dev."},
-                                         {result_column::kSkewness, "skewness"},
-                                         {result_column::kKurtosis, "kurtosis"},
-                                         {result_column::kMinimum, "minimum"},
-                                         {result_column::kMaximum, "maximum"}}};
+constexpr std::array<Shown, 8> kMoments{{{"n"_column, "  n"},
+                                         {"missing"_column, ", missing"},
+                                         {"mean"_column, ", mean"},
+                                         {"standard_deviation"_column, ", std.dev."},
+                                         {"skewness"_column, "\n  skewness"},
+                                         {"kurtosis"_column, ", kurtosis"},
+                                         {"minimum"_column, ", minimum"},
+                                         {"maximum"_column, ", maximum"}}};
 
-std::string StatisticsText(const ResultTable& table) {
-  std::string text = "  n " + ReadableNumber(table.Number(result_column::kCount, 0), 12) + ", missing " +
-                     ReadableNumber(table.Number(result_column::kMissing, 0), 12);
+std::string StatisticsText(const ResultRow& statistics) {
+  std::string text;
   for (const Shown& moment : kMoments) {
-    text += moment.column == result_column::kSkewness ? "\n  " : ", ";
-    text += std::string(moment.heading) + " " + ToFiveDigits(table.Number(moment.column, 0));
+    text += std::string(moment.heading) + " " + Cell(statistics, moment.column, kDigits);
   }
   return text + "\n";
 }
 
-constexpr std::array<Shown, 3> kPercentileColumns{{{result_column::kValue, "Value"},
-                                                   {rows::kLowerConfidence, "Lower 95 %"},
-                                                   {rows::kUpperConfidence, "Upper 95 %"}}};
+constexpr std::array<Shown, 3> kPercentileColumns{
+    {{"value"_column, "Value"}, {"lower"_column, "Lower 95 %"}, {"upper"_column, "Upper 95 %"}}};
 
 constexpr std::array<Shown, 3> kFrequencyColumns{
-    {{rows::kClassFrom, "Value"}, {rows::kClassCount, "Count"}, {rows::kClassPercent, "Percent"}}};
+    {{"from"_column, "Value"}, {"count"_column, "Count"}, {"percent"_column, "Percent"}}};
 
-// Whether each class of the frequencies is one value: few values say more one by one than in percentiles.
-bool HasFewValues(const ResultTable& frequencies) {
-  for (std::size_t row = 0; row < frequencies.RowCount(); ++row) {
-    if (frequencies.Number(rows::kClassFrom, row) != frequencies.Number(rows::kClassTo, row)) return false;
-  }
-  return true;
-}
-
+// Few values say more one by one than in percentiles.
 std::string ValuesText(const ResponseResults& response) {
-  const ResultTable frequencies(response.frequencies->Table());
-  if (HasFewValues(frequencies)) return RowsText(frequencies, "Class", kFrequencyColumns, ToFiveDigits);
-  return RowsText(ResultTable(response.percentiles->Table()), "Percentile", kPercentileColumns, ToFiveDigits);
+  const bool hasFewValues = std::ranges::all_of(response.frequencies, [](const ResultRow& one) {
+    return one.Number("from"_column) == one.Number("to"_column);
+  });
+  return hasFewValues ? RowsText(response.frequencies, "Class", kFrequencyColumns, ToFiveDigits)
+                      : RowsText(response.percentiles, "Percentile", kPercentileColumns, ToFiveDigits);
 }
 
-constexpr std::array<Shown, 5> kSensitivityColumns{{{rows::kSpearman, "Rank corr."},
-                                                    {rows::kRankContribution, "Contribution"},
-                                                    {rows::kStandardizedCoefficient, "Std.coeff."},
-                                                    {rows::kLinearContribution, "Linear"},
-                                                    {rows::kFirstOrder, "First-order"}}};
+constexpr std::array<Shown, 5> kSensitivityColumns{{{"rank_correlation"_column, "Rank corr."},
+                                                    {"contribution_to_variance"_column, "Contribution"},
+                                                    {"standardized_coefficient"_column, "Std.coeff."},
+                                                    {"linear_contribution"_column, "Linear"},
+                                                    {"first_order"_column, "First-order"}}};
+
+std::string SensitivityText(const ResponseResults& response) {
+  std::vector<ResultRow> rows = response.sensitivity;
+  rows.push_back(response.allPredictors);
+  return RowsText(rows, "Predictor", kSensitivityColumns, ToFourDecimals);
+}
 
 // Families of indices and of parts per million: a row of the report for each kind, a column for each family.
 constexpr std::array<std::string_view, 3> kFamilies{"Within", "Overall", "By percentiles"};
 struct IndexLine {
   std::string_view heading;
-  std::array<std::string_view, 3> rows;  // of the capability table; empty where the family has none
+  std::array<const ResultColumn*, 3> statistics;  // null where the family has none
 };
-constexpr std::array<IndexLine, 5> kIndexLines{{{"Cp, Pp", {rows::kCp, rows::kPp, rows::kPercentilePp}},
-                                                {"Cpl, Ppl", {rows::kCpl, rows::kPpl, rows::kPercentilePpl}},
-                                                {"Cpu, Ppu", {rows::kCpu, rows::kPpu, rows::kPercentilePpu}},
-                                                {"Cpk, Ppk", {rows::kCpk, rows::kPpk, rows::kPercentilePpk}},
-                                                {"Cpm", {"", rows::kCpm, ""}}}};
+constexpr std::array<IndexLine, 5> kIndexLines{
+    {{"Cp, Pp", {&"cp"_column, &"pp"_column, &"percentile_pp"_column}},
+     {"Cpl, Ppl", {&"cpl"_column, &"ppl"_column, &"percentile_ppl"_column}},
+     {"Cpu, Ppu", {&"cpu"_column, &"ppu"_column, &"percentile_ppu"_column}},
+     {"Cpk, Ppk", {&"cpk"_column, &"ppk"_column, &"percentile_ppk"_column}},
+     {"Cpm", {nullptr, &"cpm"_column, nullptr}}}};
 struct PartsLine {
   std::string_view heading;
-  std::array<std::string_view, 4> rows;
+  std::array<const ResultColumn*, 4> statistics;
 };
-constexpr std::array<PartsLine, 3> kPartsLines{
-    {{"PPM below LSL",
-      {rows::kWithinBelow, rows::kOverallBelow, rows::kPercentileBelow, rows::kObservedBelow}},
-     {"PPM above USL",
-      {rows::kWithinAbove, rows::kOverallAbove, rows::kPercentileAbove, rows::kObservedAbove}},
-     {"PPM in all",
-      {rows::kWithinTotal, rows::kOverallTotal, rows::kPercentileTotal, rows::kObservedTotal}}}};
+constexpr std::array<PartsLine, 3> kPartsLines{{{"PPM below LSL",
+                                                 {&"within_below"_column, &"overall_below"_column,
+                                                  &"percentile_below"_column, &"observed_below"_column}},
+                                                {"PPM above USL",
+                                                 {&"within_above"_column, &"overall_above"_column,
+                                                  &"percentile_above"_column, &"observed_above"_column}},
+                                                {"PPM in all",
+                                                 {&"within_total"_column, &"overall_total"_column,
+                                                  &"percentile_total"_column, &"observed_total"_column}}}};
 
 // "0.982 (0.965 to 0.999)".
-std::string WithLimits(const ResultTable& table, std::string_view name) {
-  if (name.empty()) return {};
-  const std::size_t row = table.RowNamed(name);
-  std::string text = ReadableNumber(table.Number(result_column::kValue, row), kShortDigits);
-  const double lower = table.Number(rows::kLowerConfidence, row);
+std::string WithLimits(const ResultTable& table, const ResultColumn* statistic) {
+  if (statistic == nullptr) return {};
+  const ResultRow& row = table.Row(*statistic);
+  std::string text = ReadableNumber(row.Number("value"_column), kShortDigits);
+  const double lower = row.Number("lower"_column);
   if (std::isnan(lower)) return text;
   return text + " (" + ReadableNumber(lower, kShortDigits) + " to " +
-         ReadableNumber(table.Number(rows::kUpperConfidence, row), kShortDigits) + ")";
-}
-
-bool HasPercentiles(const ResultTable& table) {
-  return !std::isnan(table.Number(result_column::kValue, table.RowNamed(rows::kLowPoint)));
+         ReadableNumber(row.Number("upper"_column), kShortDigits) + ")";
 }
 
 std::string CapabilityText(const ResultTable& table) {
-  const auto value = [&](std::string_view row) {
-    return ReadableNumber(table.Number(result_column::kValue, table.RowNamed(row)), kDigits);
+  const auto value = [&](const ResultColumn& statistic) {
+    return ReadableNumber(table.Row(statistic).Number("value"_column), kDigits);
   };
-  std::string text = "  Specification: LSL " + value(rows::kLowerLimit) + ", target " + value(rows::kTarget) +
-                     ", USL " + value(rows::kUpperLimit) + "; A-D p-value of the normal " +
-                     value(rows::kNormalPValue) + "\n";
-  const std::size_t families = HasPercentiles(table) ? kFamilies.size() : kFamilies.size() - 1;
-  if (families == kFamilies.size()) {
-    text += "  Percentiles are those of " +
-            table.Text(result_column::kDescription, table.RowNamed(rows::kLowPoint)) + ": 0.135 % " +
-            value(rows::kLowPoint) + ", 50 % " + value(rows::kMedianPoint) + ", 99.865 % " +
-            value(rows::kHighPoint) + "\n";
+  std::string text = "  Specification: LSL " + value("lsl"_column) + ", target " + value("target"_column) +
+                     ", USL " + value("usl"_column) + "; A-D p-value of the normal " +
+                     value("normal_p"_column) + "\n";
+  const ResultRow& lowPoint = table.Row("low_point"_column);
+  std::size_t families = kFamilies.size() - 1;
+  if (!std::isnan(lowPoint.Number("value"_column))) {
+    families = kFamilies.size();
+    text += "  Percentiles are those of " + lowPoint.Text("description"_column) + ": 0.135 % " +
+            value("low_point"_column) + ", 50 % " + value("median_point"_column) + ", 99.865 % " +
+            value("high_point"_column) + "\n";
   }
   TextTable lines;
   lines.AddColumn("Capability", TextTable::Align::kLeft);
@@ -154,43 +150,22 @@ std::string CapabilityText(const ResultTable& table) {
   lines.AddColumn("Observed", TextTable::Align::kRight);
   for (const IndexLine& line : kIndexLines) {
     std::vector<std::string> cells{std::string(line.heading)};
-    for (std::size_t f = 0; f < families; ++f) cells.push_back(WithLimits(table, line.rows[f]));
+    for (std::size_t f = 0; f < families; ++f) cells.push_back(WithLimits(table, line.statistics[f]));
     lines.AddRow(std::move(cells));
   }
   for (const PartsLine& line : kPartsLines) {
     std::vector<std::string> cells{std::string(line.heading)};
-    for (std::size_t f = 0; f < families; ++f) cells.push_back(value(line.rows[f]));
-    cells.push_back(value(line.rows.back()));
+    for (std::size_t f = 0; f < families; ++f) cells.push_back(value(*line.statistics[f]));
+    cells.push_back(value(*line.statistics.back()));
     lines.AddRow(std::move(cells));
   }
   return text + lines.Text();
 }
 
-// The columns of the defect table as its document heads them: its own.
-std::string DefectsText(const Spreadsheet& defects) {
-  TextTable text;
-  for (std::size_t c = 0; c < defects.VariableCount(); ++c) {
-    text.AddColumn(defects.VariableAt(c).Name(), c == 0 ? TextTable::Align::kLeft : TextTable::Align::kRight);
-  }
-  for (std::size_t row = 0; row < defects.CaseCount(); ++row) {
-    std::vector<std::string> cells;
-    for (std::size_t c = 0; c < defects.VariableCount(); ++c) {
-      const Variable& column = defects.VariableAt(c);
-      const double value = column.Values()[row];
-      cells.push_back(c == 0 ? std::string(column.Label(value).value_or("")) : ReadableNumber(value));
-    }
-    text.AddRow(std::move(cells));
-  }
-  return text.Text();
-}
-
 std::string ResponseText(const ResponseResults& response) {
-  std::string text = response.name + "\n" + StatisticsText(ResultTable(response.statistics->Table())) + "\n";
-  text += ValuesText(response) + "\n";
-  text +=
-      RowsText(ResultTable(response.sensitivity->Table()), "Predictor", kSensitivityColumns, ToFourDecimals);
-  if (response.capability == nullptr) return text;
-  return text + "\n" + CapabilityText(ResultTable(response.capability->Table()));
+  std::string text = response.name + "\n" + StatisticsText(response.statistics) + "\n";
+  text += ValuesText(response) + "\n" + SensitivityText(response);
+  return response.capability ? text + "\n" + CapabilityText(*response.capability) : text;
 }
 
 }  // namespace
@@ -198,13 +173,12 @@ std::string ResponseText(const ResponseResults& response) {
 std::string ProfileText(const ProfileResults& results) {
   std::string text = std::to_string(results.runs) + " simulated runs\n";
   for (const ResponseResults& response : results.responses) text += "\n" + ResponseText(response);
-  if (results.defects == nullptr) return text;
-  // The title's further lines are notes.
-  std::istringstream title(results.defects->Table().Title());
-  std::string line;
-  std::getline(title, line);
-  text += "\n" + line + "\n" + DefectsText(results.defects->Table());
-  while (std::getline(title, line)) text += "  " + line + "\n";
+  if (!results.defects) return text;
+  const std::span<const ResultTable::Heading> headings(results.defects->headings);
+  text += "\n" + results.defects->title + "\n" +
+          TableText(results.defects->rows, headings.front().text, headings.subspan(1),
+                    [](double value, std::string_view) { return ReadableNumber(value); });
+  for (const std::string& note : results.notes) text += "  " + note + "\n";
   return text;
 }
 

@@ -2,22 +2,12 @@
 // then the defects of all.
 #pragma once
 
-#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <string>
-#include <vector>
 
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile_results.h"
 
 namespace brenvolt::cli {
-
-using ResponseResults = ResponseTables;
-
-struct ProfileResults {
-  std::int64_t runs = 0;
-  std::vector<ResponseTables> responses;
-  Table defects;  // null where no response has a specification
-};
 
 std::string ProfileText(const ProfileResults& results);
 // Correlations are for programs alone, and the frequencies of a response of many values.

@@ -1,17 +1,13 @@
 // brenvolt simulate: samples drawn from the distributions that a project's variables carry.
-#include <array>
-#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
-#include "apps/cli/correlation_report.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/text_table.h"
+#include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/terminal_user_interface.h"
-#include "host/base/number_text.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/simulate_job.h"
 
@@ -28,58 +24,6 @@ struct SimulateCall {
   std::int64_t Samples() const { return static_cast<std::int64_t>(job.samples); }
 };
 
-// JSON names of the summary's columns, in their order; the percentiles follow.
-constexpr std::array<const char*, 7> kMomentNames{
-    "n", "mean", "standardDeviation", "skewness", "kurtosis", "minimum", "maximum"};
-constexpr int kSummaryDigits = 5;
-
-// Some columns of the summary, a line per variable.
-std::string ColumnsText(const Spreadsheet& summary, std::size_t first, std::size_t last) {
-  TextTable table;
-  table.AddColumn("Variable", TextTable::Align::kLeft);
-  for (std::size_t c = first; c < last; ++c) {
-    table.AddColumn(summary.VariableAt(c).Name(), TextTable::Align::kRight);
-  }
-  for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
-    std::vector<std::string> cells{summary.CaseName(row)};
-    for (std::size_t c = first; c < last; ++c) {
-      // The count is a whole number, shown whole.
-      const double value = summary.VariableAt(c).Values()[row];
-      cells.push_back(c == 0 ? FormatNumber("%.0f", value) : ReadableNumber(value, kSummaryDigits));
-    }
-    table.AddRow(std::move(cells));
-  }
-  return table.Text();
-}
-
-// Moments and percentiles apart, so that a line fits a terminal.
-std::string SummaryText(const Spreadsheet& summary) {
-  return ColumnsText(summary, 0, kMomentNames.size()) + "\n" +
-         ColumnsText(summary, kMomentNames.size(), summary.VariableCount());
-}
-
-Json SummaryJson(const Spreadsheet& summary) {
-  Json variables = Json::array();
-  for (std::size_t row = 0; row < summary.CaseCount(); ++row) {
-    Json variable = {{"name", summary.CaseName(row)}};
-    Json percentiles = Json::object();
-    for (std::size_t c = 0; c < summary.VariableCount(); ++c) {
-      const double value = summary.VariableAt(c).Values()[row];
-      const Json number = std::isfinite(value) ? Json(value) : Json(nullptr);
-      if (c == 0) {
-        variable[kMomentNames[c]] = static_cast<std::int64_t>(value);
-      } else if (c < kMomentNames.size()) {
-        variable[kMomentNames[c]] = number;
-      } else {
-        percentiles[summary.VariableAt(c).Name().substr(1)] = number;
-      }
-    }
-    variable["percentiles"] = percentiles;
-    variables.push_back(variable);
-  }
-  return variables;
-}
-
 // Where what went.
 std::string DestinationText(const SimulationRun& run) {
   if (!run.outputSheet.empty()) {
@@ -93,11 +37,14 @@ std::string DestinationText(const SimulationRun& run) {
 Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
   Json report = {{"method", run.summary->Table().Title()},
                  {"samples", call.Samples()},
-                 {"variables", SummaryJson(run.summary->Table())}};
-  if (run.correlations != nullptr)
-    report["correlations"] = CorrelationsJson(run.correlations->Table(), run.output->Table());
+                 {"variables", SummaryJson(ReadResultTable(run.summary->Table()))}};
+  ResultTable pairs;
+  if (run.correlations != nullptr) {
+    pairs = ReadResultTable(run.correlations->Table());
+    report["correlations"] = CorrelationsJson(pairs, run.output->Table());
+  }
   if (run.repairedMatrix != nullptr) {
-    report["repair"] = RepairJson(run.correlations->Table(), run.output->Table());
+    report["repair"] = RepairJson(pairs, run.output->Table());
     report["repairedMatrix"] = MatrixJson(run.repairedMatrix->Table());
   }
   if (run.file.empty()) return report;
@@ -117,10 +64,11 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
     std::fputs(JsonText(ReportJson(call, run)).c_str(), stdout);
     return;
   }
-  const Spreadsheet& summary = run.summary->Table();
-  std::printf("%s, %s\n%s", summary.Title().c_str(), Samples(call.Samples()).c_str(),
+  const ResultTable summary = ReadResultTable(run.summary->Table());
+  std::printf("%s, %s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(),
               SummaryText(summary).c_str());
-  if (run.correlations != nullptr) std::printf("\n%s", CorrelationsText(run.correlations->Table()).c_str());
+  if (run.correlations != nullptr)
+    std::printf("\n%s", CorrelationsText(ReadResultTable(run.correlations->Table())).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
 }
 

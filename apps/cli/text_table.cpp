@@ -65,4 +65,40 @@ std::string ReadableNumber(double value, int digits) {
   return std::isnan(value) ? "-" : FormatNumber(("%." + std::to_string(digits) + "g").c_str(), value);
 }
 
+std::string Cell(const ResultRow& row, const ResultColumn& column, int digits) {
+  constexpr int kStatisticDigits = 4;
+  constexpr double kSmallestPValue = 0.0001;
+  const double value = row.Number(column);
+  if (std::isnan(value)) return "-";
+  switch (column.quantity) {
+    case Quantity::kMeasure:
+      return ReadableNumber(value, digits);
+    case Quantity::kCount:
+      return FormatNumber("%.0f", value);
+    case Quantity::kStatistic:
+      return ReadableNumber(value, kStatisticDigits);
+    case Quantity::kPValue:
+      // Four decimals say all that one decides by; a smaller one is not 0.
+      return value < kSmallestPValue ? "<0.0001" : FormatNumber("%.4f", value);
+    case Quantity::kInformation:
+      return FormatNumber("%.2f", value);
+  }
+  return {};
+}
+
+std::string TableText(std::span<const ResultRow> rows, std::string_view nameHeading,
+                      std::span<const ResultTable::Heading> columns,
+                      std::string (*number)(double value, std::string_view identifier)) {
+  TextTable text;
+  text.AddColumn(std::string(nameHeading), TextTable::Align::kLeft);
+  for (const ResultTable::Heading& column : columns) text.AddColumn(column.text, TextTable::Align::kRight);
+  for (const ResultRow& row : rows) {
+    std::vector<std::string> cells{row.name};
+    for (const ResultTable::Heading& column : columns)
+      cells.push_back(number(row.numbers.at(column.identifier), column.identifier));
+    text.AddRow(std::move(cells));
+  }
+  return text.Text();
+}
+
 }  // namespace brenvolt::cli

@@ -1,9 +1,12 @@
 // Tables as a person reads them in a terminal: aligned columns, numbers to six significant digits.
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "host/analysis/result_table.h"
 
 namespace brenvolt::cli {
 
@@ -29,5 +32,12 @@ class TextTable {
 
 // A number for people, to so many significant digits; "-" for a value that does not exist (NaN).
 std::string ReadableNumber(double value, int digits = 6);
+// The number of a row in the form of its column; `digits` are those of a measure.
+std::string Cell(const ResultRow& row, const ResultColumn& column, int digits = 6);
+
+// The columns as the result table heads them, after the names of the rows.
+std::string TableText(std::span<const ResultRow> rows, std::string_view nameHeading,
+                      std::span<const ResultTable::Heading> columns,
+                      std::string (*number)(double value, std::string_view identifier));
 
 }  // namespace brenvolt::cli

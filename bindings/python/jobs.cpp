@@ -2,18 +2,22 @@
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <initializer_list>
+#include <span>
+
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
 #include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
-#include "host/analysis/result_columns.h"
 #include "host/base/almost_equal.h"
+#include "host/base/error.h"
 #include "host/base/quoted.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/exchange.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
+#include "host/jobs/fit_results.h"
 #include "host/jobs/project_files.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
@@ -44,38 +48,40 @@ std::size_t CodeOf(const std::string& name) {
   return static_cast<std::size_t>(type - kFittedTypes.data());
 }
 
-// The columns of result tables by the names that frames give them.
-py::dict ResultColumns() {
-  using namespace result_column;
-  const std::pair<const char*, std::string_view> columns[] = {
-      {"kind", kKind},
-      {"n", kCount},
-      {"missing", kMissing},
-      {"code", kCode},
-      {"description", kDescription},
-      {"offset", kOffset},
-      {"ks", kKolmogorovSmirnov},
-      {"ks_p", kKolmogorovSmirnovPValue},
-      {"chi_square", kChiSquare},
-      {"chi_square_df", kChiSquareDegrees},
-      {"chi_square_p", kChiSquarePValue},
-      {"ad", kAndersonDarling},
-      {"ad_p", kAndersonDarlingPValue},
-      {"log_likelihood", kLogLikelihood},
-      {"aic", kAic},
-      {"bic", kBic},
-      {"bootstrap_ks_p", kBootstrapKolmogorovSmirnov},
-      {"bootstrap_chi_square_p", kBootstrapChiSquare},
-      {"bootstrap_ad_p", kBootstrapAndersonDarling},
-      {"bootstrap_samples", kBootstrapSamples},
-      {"reason", kReason},
-      {"parameter", kParameter},
-      {"standard_error", kStandardError},
-      {"covariance", kCovariance},
-  };
-  py::dict dictionary;
-  for (const auto& [name, column] : columns) dictionary[name] = std::string(column);
-  return dictionary;
+// The numbers of those of the columns that a row has, in the order of frames.
+py::dict NumbersOf(const ResultRow& row, std::initializer_list<std::span<const ResultColumn>> groups) {
+  py::dict numbers;
+  for (const auto& columns : groups) {
+    for (const ResultColumn& column : columns) {
+      if (row.Has(column)) numbers[py::str(std::string(column.identifier))] = row.Number(column);
+    }
+  }
+  return numbers;
+}
+
+py::dict FitDict(const FittedDistribution& fit) {
+  using namespace result_columns;
+  return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
+                  "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
+                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kBootstrap}));
+}
+
+// What the open dialog of the fit results tells of each variable.
+py::list FitResults(const std::shared_ptr<AnalysisRef>& analysis) {
+  const auto variables = InTurn([&] {
+    const auto dialog = analysis->Analysis().GetDialgInterface();
+    if (dialog == nullptr) throw Error("the analysis has no open dialog");
+    return ReadFitResults(*dialog, Covariances::kLeftOut);
+  });
+  py::list list;
+  for (const FittedVariable& variable : variables) {
+    py::list fits;
+    for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
+    list.append(py::dict("name"_a = variable.name, "continuous"_a = variable.isContinuous,
+                         "moments"_a = NumbersOf(variable.moments, {result_columns::kMoments}),
+                         "fits"_a = fits));
+  }
+  return list;
 }
 
 void RequireProjectEnding(const char* field, const std::filesystem::path& path) {
@@ -219,7 +225,6 @@ void BindSimulateJob(py::module_& module) {
 void BindJobs(py::module_& module) {
   BindFitJob(module);
   BindSimulateJob(module);
-  module.attr("_result_columns") = ResultColumns();
   module.attr("NotSet") = kNotSet;
   module.def(
       "_take_former_properties",
@@ -247,6 +252,7 @@ void BindJobs(py::module_& module) {
         WriteFitGraphs(analysis->Analysis(), path, TheJob());
       },
       InHost());
+  module.def("_fit_results", &FitResults);
   module.def("_import", &Import, InHost());
   module.def("_export", &Export, InHost());
   module.def("_score", &Score, InHost());

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "brv_sra/resources/resource_numbers.h"
+#include "host/analysis/result_columns.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -42,7 +43,7 @@ TEST(Strings, OddTextsKeepTheirBlanksSpellingsAndLineEnds) {
       {kMsgInvalidParameter, "Invalid %s parameter entry for %s distribution. "},
       {kMsgSimulationFailedDistributions,
        "Simulation failed.  Please review best fitting distributions for appropriate parameters."},
-      {kHeadingChiSquarePValue, " Chi-square \n p-value "},
+      {"chi_square_p"_column.heading, " Chi-square \n p-value "},
       {kFitLabelTrials, "  Number of trials:"},
       {kFitCheckHalfNormal, "Half normal "},
       {kProfilerButtonSetFormula, "Set Forumula"},

@@ -1,42 +1,159 @@
-// The names of the columns of result tables: the module's texts, and what a program looks columns up by.
+// The columns of result tables, and the rows of tables whose rows are statistics: each once, for the module
+// that fills them and the programs that read them. A program finds a column by its identifier, a person by
+// its heading, which is a text of the module and may be in any language. A new column is a row here, its
+// heading among the module's texts, and its value in the module's table.
 #pragma once
 
+#include <cstdint>
+#include <stdexcept>
+#include <string>
 #include <string_view>
 
-namespace brenvolt::result_column {
+namespace brenvolt {
 
-inline constexpr std::string_view kKind = "Kind";
-inline constexpr std::string_view kCount = "Valid N";
-inline constexpr std::string_view kMissing = "Missing";
-inline constexpr std::string_view kMean = "Mean";
-inline constexpr std::string_view kStandardDeviation = "Std.Dev.";
-inline constexpr std::string_view kSkewness = "Skewness";
-inline constexpr std::string_view kKurtosis = "Kurtosis";
-inline constexpr std::string_view kMinimum = "Minimum";
-inline constexpr std::string_view kMaximum = "Maximum";
-inline constexpr std::string_view kPercentile = "P";  // followed by the percent
-inline constexpr std::string_view kCode = "Code";
-inline constexpr std::string_view kDescription = "(Params Description)";
-inline constexpr std::string_view kKolmogorovSmirnov = "K-S d";
-inline constexpr std::string_view kKolmogorovSmirnovPValue = "K-S p-value";
-inline constexpr std::string_view kLogLikelihood = "Log-likelihood";
-inline constexpr std::string_view kOffset = "Offset";
-inline constexpr std::string_view kParameter = "Parameter ";  // followed by its number in catalogue order
-inline constexpr std::string_view kChiSquare = " Chi-square ";
-inline constexpr std::string_view kChiSquarePValue = " Chi-square \n p-value ";
-inline constexpr std::string_view kChiSquareDegrees = " Chi-square \n df ";
-inline constexpr std::string_view kAndersonDarling = "   AD Stat   ";
-inline constexpr std::string_view kAndersonDarlingPValue = " AD p-value ";
-inline constexpr std::string_view kAic = "AIC";
-inline constexpr std::string_view kBic = "BIC";
-inline constexpr std::string_view kStandardError = "Std.Err. ";  // followed by the parameter's number
-inline constexpr std::string_view kBootstrapKolmogorovSmirnov = "Bootstrap K-S p-value";
-inline constexpr std::string_view kBootstrapChiSquare = "Bootstrap chi-square p-value";
-inline constexpr std::string_view kBootstrapAndersonDarling = "Bootstrap AD p-value";
-inline constexpr std::string_view kBootstrapSamples = "Bootstrap samples";
-inline constexpr std::string_view kReason = "Reason";  // why a fit failed
-// Of the details of one fit: one case per parameter.
-inline constexpr std::string_view kValue = "Value";
-inline constexpr std::string_view kCovariance = "Covariance ";  // with the parameter of that number
+// What a number is, and so in which form a table for people shows it.
+enum class Quantity : std::uint8_t {
+  kMeasure,     // in the unit of the data, or without one: significant digits, as many as the table takes
+  kCount,       // a whole number
+  kStatistic,   // of a test: four significant digits
+  kPValue,      // four decimals
+  kInformation  // an information criterion: two decimals
+};
 
-}  // namespace brenvolt::result_column
+struct ResultColumn {
+  std::string_view identifier;  // names the column in frames, too
+  std::string_view json;        // its place in the object of a row in JSON (a pointer of RFC 6901), or empty
+  std::int32_t heading;         // the number of a text of the module
+  Quantity quantity = Quantity::kMeasure;
+};
+
+namespace result_columns {
+
+// In the order of the reports. Columns that share a heading differ in the table or in their place in it.
+using enum Quantity;
+
+// Columns without a place in JSON of their own: texts, and those that are numbered ("parameter.1", …).
+inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", "", 20750},
+                                           {"description", "", 20751}, {"offset", "", 20755},
+                                           {"parameter", "", 20756},   {"standard_error", "", 20835},
+                                           {"covariance", "", 20842},  {"reason", "", 20840},
+                                           {"percentile", "", 20749},  {"response", "", 20606}};
+inline constexpr ResultColumn kMoments[] = {
+    {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
+    {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},
+    {"skewness", "/skewness", 20745}, {"kurtosis", "/kurtosis", 20746},
+    {"minimum", "/minimum", 20747},   {"maximum", "/maximum", 20748}};
+
+// Of a fit.
+inline constexpr ResultColumn kTests[] = {{"ks", "/kolmogorovSmirnov/statistic", 20752, kStatistic},
+                                          {"ks_p", "/kolmogorovSmirnov/pValue", 20753, kPValue},
+                                          {"chi_square", "/chiSquare/statistic", 20270, kStatistic},
+                                          {"chi_square_df", "/chiSquare/degreesOfFreedom", 20272, kCount},
+                                          {"chi_square_p", "/chiSquare/pValue", 20271, kPValue},
+                                          {"ad", "/andersonDarling/statistic", 20273, kStatistic},
+                                          {"ad_p", "/andersonDarling/pValue", 20274, kPValue}};
+inline constexpr ResultColumn kLikelihood[] = {{"log_likelihood", "/logLikelihood", 20754},
+                                               {"aic", "/aic", 20833, kInformation},
+                                               {"bic", "/bic", 20834, kInformation}};
+inline constexpr ResultColumn kBootstrap[] = {
+    {"bootstrap_ks_p", "/bootstrap/kolmogorovSmirnov", 20836, kPValue},
+    {"bootstrap_chi_square_p", "/bootstrap/chiSquare", 20837, kPValue},
+    {"bootstrap_ad_p", "/bootstrap/andersonDarling", 20838, kPValue},
+    {"bootstrap_samples", "/bootstrap/samples", 20839, kCount}};
+
+// Of a pair of simulated variables.
+inline constexpr ResultColumn kCorrelations[] = {
+    {"asked", "/asked", 20733},       {"used", "/used", 20734},
+    {"pearson", "/pearson", 20735},   {"pearson_p", "/pearsonPValue", 20906, kPValue},
+    {"spearman", "/spearman", 20736}, {"spearman_p", "/spearmanPValue", 20907, kPValue}};
+
+// Of a simulated response. An estimate is that of a row: a percentile, or a statistic of the capability.
+inline constexpr ResultColumn kEstimates[] = {{"value", "/value", 20841},
+                                              {"lower", "/lower", 20903},
+                                              {"upper", "/upper", 20904},
+                                              {"coverage", "/coverage", 20905}};
+inline constexpr ResultColumn kFrequencies[] = {
+    {"from", "/from", 20908},       {"to", "/to", 20909},
+    {"count", "/count", 20910},     {"cumulative_count", "/cumulativeCount", 20911},
+    {"percent", "/percent", 20912}, {"cumulative_percent", "/cumulativePercent", 20913}};
+inline constexpr ResultColumn kSensitivity[] = {
+    {"rank_correlation", "/rankCorrelation", 20736},
+    {"contribution_to_variance", "/contributionToVariance", 20914},
+    {"standardized_coefficient", "/standardizedCoefficient", 20915},
+    {"linear_contribution", "/linearContribution", 20916},
+    {"first_order", "/firstOrder", 20917}};
+inline constexpr ResultColumn kDefects[] = {{"defect_rate", "/rate", 20607},
+                                            {"defect_ppm", "/ppm", 20608},
+                                            {"defect_lsl", "/lower", 20870},
+                                            {"defect_usl", "/upper", 20872}};
+
+// Rows of the capability, beside those of the moments.
+inline constexpr ResultColumn kCapability[] = {{"lsl", "/specification/lower", 20870},
+                                               {"target", "/specification/target", 20871},
+                                               {"usl", "/specification/upper", 20872},
+                                               {"normal_p", "/normalPValue", 20874, kPValue},
+                                               {"within_deviation", "/within/standardDeviation", 20873},
+                                               {"cp", "/within/cp", 20875},
+                                               {"cpl", "/within/cpl", 20876},
+                                               {"cpu", "/within/cpu", 20877},
+                                               {"cpk", "/within/cpk", 20878},
+                                               {"within_below", "/within/expectedPpm/below", 20887},
+                                               {"within_above", "/within/expectedPpm/above", 20888},
+                                               {"within_total", "/within/expectedPpm/total", 20889},
+                                               {"overall_deviation", "/overall/standardDeviation", 20744},
+                                               {"pp", "/overall/pp", 20880},
+                                               {"ppl", "/overall/ppl", 20881},
+                                               {"ppu", "/overall/ppu", 20882},
+                                               {"ppk", "/overall/ppk", 20883},
+                                               {"cpm", "/overall/cpm", 20879},
+                                               {"overall_below", "/overall/expectedPpm/below", 20890},
+                                               {"overall_above", "/overall/expectedPpm/above", 20891},
+                                               {"overall_total", "/overall/expectedPpm/total", 20892}};
+inline constexpr ResultColumn kCapabilityByPercentiles[] = {
+    {"low_point", "/percentiles/p0.135", 20893},
+    {"median_point", "/percentiles/p50", 20894},
+    {"high_point", "/percentiles/p99.865", 20895},
+    {"percentile_pp", "/percentiles/pp", 20896},
+    {"percentile_ppl", "/percentiles/ppl", 20897},
+    {"percentile_ppu", "/percentiles/ppu", 20898},
+    {"percentile_ppk", "/percentiles/ppk", 20899},
+    {"percentile_below", "/percentiles/expectedPpm/below", 20900},
+    {"percentile_above", "/percentiles/expectedPpm/above", 20901},
+    {"percentile_total", "/percentiles/expectedPpm/total", 20902}};
+inline constexpr ResultColumn kObserved[] = {{"observed_below", "/observedPpm/below", 20884},
+                                             {"observed_above", "/observedPpm/above", 20885},
+                                             {"observed_total", "/observedPpm/total", 20886}};
+
+}  // namespace result_columns
+
+// "ad_p"_column: the column of that identifier. One that is misspelt does not compile.
+consteval const ResultColumn& operator""_column(const char* text, std::size_t length) {
+  const std::string_view identifier(text, length);
+  const ResultColumn* found = nullptr;
+  const auto search = [&](const auto&... groups) {
+    const auto searchGroup = [&](const auto& group) {
+      for (const ResultColumn& column : group) {
+        if (column.identifier != identifier) continue;
+        if (found != nullptr) throw std::invalid_argument("two columns of this identifier");
+        found = &column;
+      }
+    };
+    (searchGroup(groups), ...);
+  };
+  using namespace result_columns;
+  search(kOthers, kMoments, kTests, kLikelihood, kBootstrap, kCorrelations, kEstimates, kFrequencies,
+         kSensitivity, kDefects, kCapability, kCapabilityByPercentiles, kObserved);
+  if (found == nullptr) throw std::invalid_argument("no column of this identifier");
+  return *found;
+}
+
+// The codes of the texts in the column "kind".
+inline constexpr double kContinuousKind = 1;
+inline constexpr double kDiscreteKind = 2;
+
+// The identifier of one of several columns: "parameter.2", "percentile.0.135".
+inline std::string NumberedIdentifier(const ResultColumn& column, std::string_view number) {
+  return std::string(column.identifier) + "." + std::string(number);
+}
+
+}  // namespace brenvolt

@@ -6,9 +6,9 @@
 
 #include "host/analysis/action_recording.h"
 #include "host/analysis/analysis_graph_doc.h"
+#include "host/analysis/result_table.h"
 #include "host/application/graph_json.h"
 #include "host/application/json_text.h"
-#include "host/application/result_table.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
 
@@ -26,10 +26,10 @@ std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
   const Variant index(place);
   const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
   const std::string first = order.substr(0, order.find(';'));
-  const Variant document = dialog.Get("QuickTabDistributionSummaryStats");
-  const ResultTable ranked(TableOf(document));
-  for (std::size_t row = 0; row < ranked.RowCount(); ++row) {
-    if (ranked.RowName(row) == first) dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(row + 1));
+  const ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
+  for (std::size_t row = 0; row < ranked.rows.size(); ++row) {
+    if (ranked.rows[row].name == first)
+      dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(row + 1));
   }
   return first;
 }
@@ -57,12 +57,11 @@ void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& pat
   if (open == nullptr) throw Error("the analysis has no open dialog");
   AutomationObject& dialog = *open;
   const ActionRecording whole(analysis);
-  const Variant document = dialog.Get("SummaryStats");
-  const ResultTable summary(TableOf(document));
+  const ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
   Json report = {{"variables", Json::array()}};
-  for (std::size_t i = 0; i < summary.RowCount(); ++i) {
+  for (std::size_t i = 0; i < summary.rows.size(); ++i) {
     dialog.Put("QuickTabVariable", static_cast<std::int32_t>(i + 1));
-    Json variable = {{"name", summary.RowName(i)}, {"distribution", nullptr}, {"graphs", Json::array()}};
+    Json variable = {{"name", summary.rows[i].name}, {"distribution", nullptr}, {"graphs", Json::array()}};
     if (dialog.Get("QuickTabDistribution").ToInteger() != 0) {
       const std::string first = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
       if (!first.empty()) variable["distribution"] = first;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/application/result_table.h"
+#include "host/analysis/result_table.h"
 #include "host/base/almost_equal.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/project_files.h"

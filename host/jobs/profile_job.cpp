@@ -84,17 +84,13 @@ class Profiler {
     return shown.tables.front();
   }
 
-  ResponseTables ResultsOf(std::size_t response) {
-    constexpr std::size_t kTables = 5;
+  ResponseResults ResultsOf(std::size_t response) {
     Select(response);
-    const auto [tables, graphs] = Show("SummaryStats");
-    if (tables.size() != kTables) throw Error("the analysis returned no summary", responses_[response]);
-    ResponseTables results{
-        responses_[response], tables[0], tables[1], tables[2], tables[3], tables[4], nullptr};
+    ResponseResults results = ReadResponseResults(responses_[response], Show("SummaryStats").tables);
     if (!IsSpecified(response)) return results;
     const auto capability = Show("CapabilityStats").tables;
     if (capability.empty()) throw Error("the analysis returned no capability", responses_[response]);
-    results.capability = capability.front();
+    results.capability = ReadResultTable(capability.front()->Table());
     return results;
   }
 
@@ -276,11 +272,14 @@ ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) c
   Profiler profiler(*this, *run.session);
   profiler.Prepare();
   const Table simulated = profiler.Simulate();
+  run.results.runs = static_cast<std::int64_t>(samples);
   std::optional<Graph> defectProfile;
   for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
-    run.responses.push_back(profiler.ResultsOf(i));
-    if (profiler.IsSpecified(i) && run.defects == nullptr)
-      std::tie(run.defects, defectProfile) = profiler.Defects(i);
+    run.results.responses.push_back(profiler.ResultsOf(i));
+    if (!profiler.IsSpecified(i) || run.results.defects) continue;
+    Table defects;
+    std::tie(defects, defectProfile) = profiler.Defects(i);
+    TakeDefects(*defects, run.results);
   }
   run.outputSheet = WriteSimulated(output, simulated, recorder);
   if (!graphs.empty()) WriteGraphs(graphs, profiler, defectProfile);

@@ -9,24 +9,13 @@
 
 #include "host/jobs/job_data.h"
 #include "host/jobs/job_fault.h"
+#include "host/jobs/profile_results.h"
 #include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
 
-// The documents of one response, as the profiler shows them.
-struct ResponseTables {
-  std::string name;
-  Table statistics;
-  Table correlations;
-  Table percentiles;
-  Table frequencies;
-  Table sensitivity;
-  Table capability;  // null without a specification
-};
-
 struct ProfileRun : JobRun {
-  std::vector<ResponseTables> responses;
-  Table defects;            // null where no response has a specification
+  ProfileResults results;
   std::string outputSheet;  // the sheet of the simulated runs where they went into a project
 };
 

@@ -64,6 +64,11 @@ class Spreadsheet {
   void SetCaseName(std::size_t index, std::string name);
   void SetCaseNames(std::vector<std::string> names);
   void NumberCases();
+  // What programs know a row of a result table by, as Variable::Identifier does a column; mostly empty.
+  std::string_view CaseIdentifier(std::size_t index) const {
+    return index < caseIdentifiers_.size() ? std::string_view(caseIdentifiers_[index]) : std::string_view();
+  }
+  void SetCaseIdentifiers(std::vector<std::string> identifiers) { caseIdentifiers_ = std::move(identifiers); }
 
   // The index of the variable whose values weight the cases, or nothing.
   std::optional<std::size_t> WeightVariable() const { return weightVariable_; }
@@ -83,6 +88,7 @@ class Spreadsheet {
   std::vector<Variable> variables_;
   std::vector<std::string> caseNames_;
   bool areCasesNumbered_ = false;
+  std::vector<std::string> caseIdentifiers_;
   std::optional<std::size_t> weightVariable_;
   CaseSelection selection_;
 };

@@ -20,6 +20,7 @@ Variable::Variable(std::string name, std::size_t cases)
 
 Variable::Variable(const Variable& other)
     : name_(other.name_),
+      identifier_(other.identifier_),
       type_(other.type_),
       missingCode_(other.missingCode_),
       values_(std::make_shared<std::vector<double>>(*other.values_)),

@@ -40,6 +40,10 @@ class Variable {
 
   const std::string& Name() const { return name_; }
   void SetName(std::string name) { name_ = std::move(name); }
+  // What programs know a column of a result table by, in whatever language its name is; empty in other
+  // tables. It is not saved.
+  const std::string& Identifier() const { return identifier_; }
+  void SetIdentifier(std::string_view identifier) { identifier_ = identifier; }
 
   VariableType Type() const { return type_; }
   void SetType(VariableType type) { type_ = type; }
@@ -76,6 +80,7 @@ class Variable {
 
  private:
   std::string name_;
+  std::string identifier_;
   VariableType type_ = VariableType::kNumeric;
   double missingCode_ = GetDefaultMDValue();
   std::shared_ptr<std::vector<double>> values_;  // never null but in a variable moved from

@@ -18,10 +18,6 @@ if TYPE_CHECKING:
 
 Names = str | int | Iterable[str] | Iterable[int] | None
 
-_COLUMNS = _brenvolt._result_columns
-_STATISTICS = ("ks", "ks_p", "chi_square", "chi_square_df", "chi_square_p", "ad", "ad_p", "log_likelihood", "aic",
-               "bic")
-_BOOTSTRAP = ("bootstrap_ks_p", "bootstrap_chi_square_p", "bootstrap_ad_p", "bootstrap_samples")
 _GRAPHS = {"histogram": "HistogramWithFit", "cumulative-histogram": "CumulativeHistogram", "pp": "PPPlot",
            "qq": "QQPlot", "empirical-distribution": "EmpiricalCDFPlot", "box-plot": "BoxPlot",
            "summary": "SummaryGraph"}
@@ -229,8 +225,8 @@ class FitResult:
         self.analysis = analysis
         self.dialog = analysis.dialog
         self.sheet = analysis.sheet
-        rows = self.dialog.SummaryStats.sheet
-        self.variables = {name: FittedVariable(self, row, rows) for row, name in enumerate(names)}
+        results = _brenvolt._fit_results(analysis._analysis)
+        self.variables = {name: FittedVariable(self, place, results[place - 1]) for place, name in enumerate(names, 1)}
 
     @property
     def best(self) -> dict[str, _distributions.Distribution]:
@@ -294,17 +290,15 @@ class FittedVariable:
     and None where a fit failed.
     """
 
-    def __init__(self, result, row, summary):
+    def __init__(self, result, place, numbers):
         self._result = result
-        self._place = row + 1
-        self.name = summary.case_names[row]
-        self.kind = _text(summary, "kind", row)
-        self.n = int(_number(summary, "n", row))
-        self.missing = int(_number(summary, "missing", row))
-        dialog = self._shown()
-        fitted = dialog.QuickTabDistribution != 0
-        self._table = dialog.QuickTabDistributionSummaryStats.sheet if fitted else None
-        self.distributions = [self._distribution(rank) for rank in range(len(self._table))] if fitted else []
+        self._place = place
+        self.name = numbers["name"]
+        self.kind = "continuous" if numbers["continuous"] else "discrete"
+        self.n = int(numbers["moments"]["n"])
+        self.missing = int(numbers["moments"]["missing"])
+        self._fits = numbers["fits"]
+        self.distributions = [_distribution(fit) for fit in self._fits]
 
     @property
     def best(self) -> _distributions.Distribution | None:
@@ -323,17 +317,13 @@ class FittedVariable:
         import pandas
 
         rows = []
-        for place, distribution in enumerate(self.distributions):
-            row = {"rank": place + 1, "distribution": self._table.case_names[place]}
-            row.update(_scalars(distribution))
-            rows.append(row)
+        for place, fit in enumerate(self._fits):
+            rows.append({"rank": place + 1, "distribution": fit["name"], **_scalars(self.distributions[place])})
         frame = pandas.DataFrame(rows, columns=None if rows else ["rank", "distribution"])
-        if self._table is None:
-            return frame
-        for name in _STATISTICS + _BOOTSTRAP:
-            if _COLUMNS[name] in self._table:
-                frame[name] = self._table[_COLUMNS[name]]
-        frame["reason"] = [_text(self._table, "reason", place) for place in range(len(frame))]
+        if rows:
+            for name in self._fits[0]["statistics"]:
+                frame[name] = [fit["statistics"][name] for fit in self._fits]
+            frame["reason"] = [fit["reason"] for fit in self._fits]
         return frame
 
     def distribution(self, name: str) -> _distributions.Distribution | None:
@@ -343,7 +333,7 @@ class FittedVariable:
     def standard_errors(self, name: str) -> dict[str, float]:
         """{parameter: standard error} of the fit of a distribution; empty where its estimator gives none."""
         place = self._place_of(name)
-        return dict(zip(_scalars(self.distributions[place]), _numbered(self._table, "standard_error", place)))
+        return dict(zip(_scalars(self.distributions[place]), self._fits[place]["standard_errors"]))
 
     def graph(self, kind: str, distribution: str | None = None) -> _automation.GraphDocument:
         """A GraphDocument of the fit ranked first, or of that of a named distribution.
@@ -360,8 +350,8 @@ class FittedVariable:
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
         code = _brenvolt._code_of(name)
-        for place in range(len(self.distributions)):
-            if int(_number(self._table, "code", place)) == code:
+        for place, fit in enumerate(self._fits):
+            if fit["code"] == code:
                 return place
         raise KeyError(name)
 
@@ -370,13 +360,6 @@ class FittedVariable:
         dialog.QuickTabVariable = self._place
         return dialog
 
-    def _distribution(self, place):
-        values = _numbered(self._table, "parameter", place)
-        if not values:
-            return None
-        return _distributions.from_code(int(_number(self._table, "code", place)), values,
-                                        _number(self._table, "offset", place))
-
     def _repr_html_(self):
         return self.fits.dropna(axis="columns", how="all").to_html(index=False)
 
@@ -384,25 +367,11 @@ class FittedVariable:
         return f"<FittedVariable {self.name}: {self.best!r}>"
 
 
-def _number(table, column, row):
-    return float(table[_COLUMNS[column]][row])
-
-
-def _text(table, column, row):
-    if _COLUMNS[column] not in table:
-        return ""
-    return table.variable(_COLUMNS[column]).labels.get(_number(table, column, row), "")
-
-
-def _numbered(table, column, row):
-    """The values of the columns "column 1", "column 2", ... up to the first that is missing."""
-    values = []
-    while (name := f"{_COLUMNS[column]}{len(values) + 1}") in table:
-        value = float(table[name][row])
-        if value != value:
-            break
-        values.append(value)
-    return values
+def _distribution(fit):
+    """The distribution of a fit; None for one that failed."""
+    if not fit["parameters"]:
+        return None
+    return _distributions.from_code(fit["code"], fit["parameters"], fit["offset"])
 
 
 def _scalars(distribution):

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -25,38 +27,14 @@ std::string RankingTitle(RankingCriterion criterion) {
   return std::string(ResourceString(kTitleRankedByKolmogorovSmirnov));
 }
 
-double OrMissing(double value) {
-  return IsNotSet(value) ? GetDefaultMDValue() : value;
-}
-
-// Appends a column whose value in each case comes from a function of the case.
-void AddColumn(Spreadsheet& sheet, std::string_view name, const std::function<double(std::size_t)>& value) {
-  Variable column(std::string(name), sheet.CaseCount());
-  const auto cells = column.MutableValues();
-  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = value(i);
-  sheet.AddVariable(std::move(column));
-}
-
-void AddTextColumn(Spreadsheet& sheet, std::string_view name,
-                   const std::function<std::string(std::size_t)>& text) {
-  Variable column(std::string(name), sheet.CaseCount());
-  column.SetType(VariableType::kText);
-  const auto cells = column.MutableValues();
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    cells[i] = static_cast<double>(i + 1);
-    column.SetLabel(cells[i], text(i));
-  }
-  sheet.AddVariable(std::move(column));
-}
-
 constexpr MomentColumn kMomentColumns[] = {
-    {kColumnMean, &Moments::mean, 1},         {kColumnStandardDeviation, &Moments::standardDeviation, 1},
-    {kColumnSkewness, &Moments::skewness, 3}, {kColumnKurtosis, &Moments::kurtosis, 4},
-    {kColumnMinimum, &Moments::minimum, 1},   {kColumnMaximum, &Moments::maximum, 1}};
+    {"mean"_column, &Moments::mean, 1},         {"standard_deviation"_column, &Moments::standardDeviation, 1},
+    {"skewness"_column, &Moments::skewness, 3}, {"kurtosis"_column, &Moments::kurtosis, 4},
+    {"minimum"_column, &Moments::minimum, 1},   {"maximum"_column, &Moments::maximum, 1}};
 
 // A column of the ranked table with a number for every fit.
 struct FitColumn {
-  std::int32_t name;
+  const ResultColumn& column;
   double (*value)(const VariableFit& variable, const DistributionFit& fit);
 };
 
@@ -66,51 +44,62 @@ double Degrees(const DistributionFit& fit) {
 }
 
 constexpr FitColumn kFitColumns[] = {
-    {kColumnKolmogorovSmirnov,
+    {"ks"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.kolmogorovSmirnov.statistic; }},
-    {kColumnKolmogorovSmirnovPValue,
+    {"ks_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.kolmogorovSmirnov.pValue; }},
-    {kHeadingChiSquare,
+    {"chi_square"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.chiSquare.statistic; }},
-    {kHeadingChiSquarePValue,
+    {"chi_square_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.chiSquare.pValue; }},
-    {kHeadingChiSquareDegrees, [](const VariableFit&, const DistributionFit& fit) { return Degrees(fit); }},
-    {kHeadingAndersonDarling,
+    {"chi_square_df"_column, [](const VariableFit&, const DistributionFit& fit) { return Degrees(fit); }},
+    {"ad"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.andersonDarling.statistic; }},
-    {kHeadingAndersonDarlingPValue,
+    {"ad_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.andersonDarling.pValue; }},
-    {kColumnLogLikelihood, [](const VariableFit&, const DistributionFit& fit) { return fit.logLikelihood; }},
-    {kColumnAic, [](const VariableFit&, const DistributionFit& fit) { return fit.Aic(); }},
-    {kColumnBic,
+    {"log_likelihood"_column,
+     [](const VariableFit&, const DistributionFit& fit) { return fit.logLikelihood; }},
+    {"aic"_column, [](const VariableFit&, const DistributionFit& fit) { return fit.Aic(); }},
+    {"bic"_column,
      [](const VariableFit& variable, const DistributionFit& fit) { return fit.Bic(variable.moments.count); }},
-    {kColumnOffset, [](const VariableFit&, const DistributionFit& fit) { return fit.specification.offset; }}};
+    {"offset"_column,
+     [](const VariableFit&, const DistributionFit& fit) { return fit.specification.offset; }}};
 
 constexpr FitColumn kBootstrapColumns[] = {
-    {kColumnBootstrapKolmogorovSmirnov,
+    {"bootstrap_ks_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.bootstrap.kolmogorovSmirnov; }},
-    {kColumnBootstrapChiSquare,
+    {"bootstrap_chi_square_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.bootstrap.chiSquare; }},
-    {kColumnBootstrapAndersonDarling,
+    {"bootstrap_ad_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.bootstrap.andersonDarling; }},
-    {kColumnBootstrapSamples, [](const VariableFit&, const DistributionFit& fit) {
+    {"bootstrap_samples"_column, [](const VariableFit&, const DistributionFit& fit) {
        return static_cast<double>(fit.bootstrap.samples);
      }}};
 
-// "Parameter 3" for index 2.
-std::string Numbered(std::int32_t name, std::size_t index) {
-  return std::string(ResourceString(name)) + std::to_string(index + 1);
+// The kind of each variable, by a code that does not depend on its text.
+void AddKindColumn(Spreadsheet& sheet, std::span<const VariableFit> results) {
+  AddColumn(sheet, "kind"_column,
+            [&](std::size_t i) { return results[i].continuous ? kContinuousKind : kDiscreteKind; });
+  Variable& kinds = sheet.VariableAt(sheet.VariableCount() - 1);
+  kinds.SetType(VariableType::kText);
+  for (const VariableFit& fit : results) {
+    kinds.SetLabel(fit.continuous ? kContinuousKind : kDiscreteKind,
+                   std::string(ResourceString(fit.continuous ? kKindContinuous : kKindDiscrete)));
+  }
 }
 
 // Columns "Parameter 1", "Parameter 2", … as many as the longest list of a fit.
-void AddNumbered(Spreadsheet& sheet, std::int32_t name, std::span<const DistributionFit* const> order,
+void AddNumbered(Spreadsheet& sheet, const ResultColumn& column,
+                 std::span<const DistributionFit* const> order,
                  const std::function<std::span<const double>(const DistributionFit&)>& list) {
   std::size_t most = 0;
   for (const DistributionFit* fit : order) most = std::max(most, list(*fit).size());
   for (std::size_t p = 0; p < most; ++p) {
-    AddColumn(sheet, Numbered(name, p), [&](std::size_t i) {
+    const auto cell = [&](std::size_t i) {
       const std::span<const double> numbers = list(*order[i]);
       return p < numbers.size() ? OrMissing(numbers[p]) : GetDefaultMDValue();
-    });
+    };
+    AddColumn(sheet, column, cell, std::to_string(p + 1));
   }
 }
 
@@ -134,22 +123,17 @@ std::span<const MomentColumn> MomentColumns() {
 }
 
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) {
-  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kFitResultsSummary)), results.size());
   std::vector<std::string> names;
   for (const VariableFit& fit : results) names.push_back(fit.name);
-  sheet->SetTitle(sheet->Name());
-  sheet->SetCaseNames(std::move(names));
-  AddTextColumn(*sheet, ResourceString(kColumnKind), [&](std::size_t i) {
-    return std::string(ResourceString(results[i].continuous ? kKindContinuous : kKindDiscrete));
-  });
-  AddColumn(*sheet, ResourceString(kColumnCount),
-            [&](std::size_t i) { return static_cast<double>(results[i].moments.count); });
-  AddColumn(*sheet, ResourceString(kColumnMissing),
+  auto sheet = NewResultSheet(std::string(ResourceString(kFitResultsSummary)), std::move(names));
+  AddKindColumn(*sheet, results);
+  AddColumn(*sheet, "n"_column, [&](std::size_t i) { return static_cast<double>(results[i].moments.count); });
+  AddColumn(*sheet, "missing"_column,
             [&](std::size_t i) { return static_cast<double>(results[i].moments.missing); });
-  for (const MomentColumn& column : kMomentColumns) {
-    AddColumn(*sheet, ResourceString(column.name), [&](std::size_t i) {
+  for (const MomentColumn& moment : kMomentColumns) {
+    AddColumn(*sheet, moment.column, [&](std::size_t i) {
       const Moments& moments = results[i].moments;
-      return column.ExistsFor(moments) ? moments.*column.member : GetDefaultMDValue();
+      return moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
     });
   }
   return sheet;
@@ -158,40 +142,36 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
 std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterion criterion) {
   std::vector<const DistributionFit*> order;
   for (const std::size_t index : fit.ranked) order.push_back(&fit.fits[index]);
-  auto sheet = std::make_unique<Spreadsheet>(fit.name, order.size());
-  sheet->SetTitle(RankingTitle(criterion));
   std::vector<std::string> names;
   for (const DistributionFit* candidate : order)
     names.emplace_back(DisplayName(candidate->specification.code));
-  sheet->SetCaseNames(std::move(names));
+  auto sheet = NewResultSheet(fit.name, std::move(names));
+  sheet->SetTitle(RankingTitle(criterion));
 
-  AddColumn(*sheet, ResourceString(kColumnCode),
+  AddColumn(*sheet, "code"_column,
             [&](std::size_t i) { return static_cast<double>(order[i]->specification.code); });
-  AddTextColumn(*sheet, ResourceString(kColumnDescription), [&](std::size_t i) {
+  AddTextColumn(*sheet, "description"_column, [&](std::size_t i) {
     const DistributionSpecification& specification = order[i]->specification;
     return order[i]->IsValid() ? Description(specification.code, specification.values)
                                : std::string(DisplayName(specification.code));
   });
-  for (const FitColumn& column : kFitColumns) {
-    AddColumn(*sheet, ResourceString(column.name),
-              [&](std::size_t i) { return OrMissing(column.value(fit, *order[i])); });
-  }
+  const auto addColumns = [&](std::span<const FitColumn> columns) {
+    for (const FitColumn& one : columns) {
+      AddColumn(*sheet, one.column, [&](std::size_t i) { return OrMissing(one.value(fit, *order[i])); });
+    }
+  };
+  addColumns(kFitColumns);
   const bool bootstrapped = std::ranges::any_of(
       fit.fits, [](const DistributionFit& candidate) { return candidate.bootstrap.samples > 0; });
-  for (const FitColumn& column : kBootstrapColumns) {
-    if (!bootstrapped) break;
-    AddColumn(*sheet, ResourceString(column.name),
-              [&](std::size_t i) { return OrMissing(column.value(fit, *order[i])); });
-  }
-  AddNumbered(*sheet, kColumnParameter, order, [](const DistributionFit& candidate) {
+  if (bootstrapped) addColumns(kBootstrapColumns);
+  AddNumbered(*sheet, "parameter"_column, order, [](const DistributionFit& candidate) {
     return candidate.IsValid() ? std::span<const double>(candidate.specification.values)
                                : std::span<const double>();
   });
-  AddNumbered(*sheet, kColumnStandardError, order, [](const DistributionFit& candidate) {
+  AddNumbered(*sheet, "standard_error"_column, order, [](const DistributionFit& candidate) {
     return std::span<const double>(candidate.standardErrors);
   });
-  AddTextColumn(*sheet, ResourceString(kColumnReason),
-                [&](std::size_t i) { return FailureReason(fit, *order[i]); });
+  AddTextColumn(*sheet, "reason"_column, [&](std::size_t i) { return FailureReason(fit, *order[i]); });
   return sheet;
 }
 
@@ -206,22 +186,22 @@ std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const Dis
   std::vector<std::string> names = ValueNames(specification);
   if (HasOffset(specification.code)) {
     values.push_back(IsNotSet(specification.offset) ? 0.0 : specification.offset);
-    names.emplace_back(ResourceString(kColumnOffset));
+    names.emplace_back(ResourceString("offset"_column.heading));
   }
-  const std::string title = FormatResource(kTitleDetailsOf, DisplayName(specification.code), variable.name);
-  auto sheet = std::make_unique<Spreadsheet>(title, values.size());
-  sheet->SetTitle(title);
-  sheet->SetCaseNames(std::move(names));
+  auto sheet = NewResultSheet(FormatResource(kTitleDetailsOf, DisplayName(specification.code), variable.name),
+                              std::move(names));
   const auto known = [](std::span<const double> numbers, std::size_t i) {
     return i < numbers.size() ? OrMissing(numbers[i]) : GetDefaultMDValue();
   };
-  AddColumn(*sheet, ResourceString(kColumnValue), [&](std::size_t i) { return values[i]; });
-  AddColumn(*sheet, Trim(ResourceString(kColumnStandardError)),
-            [&](std::size_t i) { return known(fit.standardErrors, i); });
+  AddColumn(*sheet, "value"_column, [&](std::size_t i) { return values[i]; });
+  AddColumn(*sheet, "standard_error"_column, [&](std::size_t i) { return known(fit.standardErrors, i); });
+  Variable& errors = sheet->VariableAt(sheet->VariableCount() - 1);
+  errors.SetName(std::string(Trim(errors.Name())));  // no number follows
   for (std::size_t v = 0; v < count && fit.covariance.size() == count * count; ++v) {
-    AddColumn(*sheet, Numbered(kColumnCovariance, v), [&](std::size_t i) {
+    const auto cell = [&](std::size_t i) {
       return i < count ? OrMissing(fit.covariance[i * count + v]) : GetDefaultMDValue();
-    });
+    };
+    AddColumn(*sheet, "covariance"_column, cell, std::to_string(v + 1));
   }
   return sheet;
 }

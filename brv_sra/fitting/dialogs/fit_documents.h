@@ -7,16 +7,17 @@
 #include <string>
 
 #include "brv_sra/fitting/fit_state.h"
+#include "host/analysis/result_columns.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
 
-// The columns are named by host/analysis/result_columns.h; a value that does not exist is missing.
+// The columns are those of host/analysis/result_columns.h; a value that does not exist is missing.
 
-// A moment as tables and graphs show it, by the number of its text. It exists from a least number of values
-// on; its value says nothing about that.
+// A moment as tables and graphs show it. It exists from a least number of values on; its value says nothing
+// about that.
 struct MomentColumn {
-  std::int32_t name;
+  const ResultColumn& column;
   double Moments::*member;
   std::int64_t leastCount;
 

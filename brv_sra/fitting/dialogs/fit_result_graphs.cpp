@@ -126,12 +126,12 @@ Graph MakeSummary(const VariableFit& variable, const DistributionFit& fit, std::
     panels.push_back(MakeProbabilityPlot(variable, fit, sorted));
     panels.push_back(MakeQuantilePlot(variable, fit, sorted));
   }
-  std::vector<std::string> lines{std::string(ResourceString(kColumnCount)) + " " +
+  std::vector<std::string> lines{std::string(ResourceString("n"_column.heading)) + " " +
                                  std::to_string(variable.moments.count)};
   for (const MomentColumn& moment : MomentColumns()) {
     const double value = variable.moments.*moment.member;
     if (IsNotSet(value)) continue;
-    lines.push_back(std::string(ResourceString(moment.name)) + " " + FormatNumber("%.6g", value));
+    lines.push_back(std::string(ResourceString(moment.column.heading)) + " " + FormatNumber("%.6g", value));
   }
   return SummaryGraph(std::move(panels), std::move(lines), FormatResource(kTitleSummaryOf, variable.name));
 }

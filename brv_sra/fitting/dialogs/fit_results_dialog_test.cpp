@@ -11,7 +11,7 @@
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "host/analysis/result_columns.h"
+#include "host/analysis/result_table.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
@@ -135,43 +135,35 @@ TEST_F(FitResults, GraphsUseTheCasesAndOptionsOfTheFit) {
 
 TEST_F(FitResults, RankedTableHoldsEveryTestAndSaysWhyAFitFailed) {
   Automation().Put("QuickTabVariable", 2);
-  const auto document = Automation().Get("QuickTabDistributionSummaryStats").ToObject();
-  const Spreadsheet& table = std::dynamic_pointer_cast<CAnalysisTableDoc>(document)->Table();
-  const std::size_t last = table.CaseCount() - 1;
-  const auto cell = [&](std::string_view column, std::size_t row) {
-    const auto index = table.FindVariable(column);
-    if (!index) throw Error("no column " + std::string(column));
-    return table.VariableAt(*index).Values()[row];
-  };
-  for (const std::string_view column :
-       {result_column::kKolmogorovSmirnov, result_column::kChiSquare, result_column::kChiSquarePValue,
-        result_column::kChiSquareDegrees, result_column::kAndersonDarling,
-        result_column::kAndersonDarlingPValue, result_column::kAic, result_column::kBic}) {
-    EXPECT_TRUE(std::isnan(cell(column, last))) << column << " of a fit that failed is missing";
+  const ResultTable table = ReadResultTable(Automation().Get("QuickTabDistributionSummaryStats"));
+  const ResultRow& failed = table.rows.back();
+  for (const ResultColumn* column :
+       {&"ks"_column, &"chi_square"_column, &"chi_square_p"_column, &"chi_square_df"_column, &"ad"_column,
+        &"ad_p"_column, &"aic"_column, &"bic"_column}) {
+    EXPECT_TRUE(std::isnan(failed.Number(*column)))
+        << column->identifier << " of a fit that failed is missing";
   }
   const auto& fits = analysis->Fit().results[1];
   const DistributionFit& best = fits.fits[fits.ranked[0]];
-  EXPECT_EQ(cell(result_column::kAndersonDarling, 0), best.andersonDarling.statistic);
-  EXPECT_EQ(cell(result_column::kChiSquareDegrees, 0), best.chiSquare.degreesOfFreedom);
-  EXPECT_EQ(cell(result_column::kAic, 0), 2 * (best.estimatedParameters - best.logLikelihood));
-  EXPECT_EQ(table.CaseName(last), "Weibull");
-  const Variable& reasons = table.VariableAt(*table.FindVariable(result_column::kReason));
-  EXPECT_EQ(reasons.Label(reasons.Values()[last]), "a value is not above the offset 1");
-  EXPECT_FALSE(table.FindVariable(result_column::kBootstrapSamples)) << "no bootstrap was asked for";
+  const ResultRow& first = table.rows.front();
+  EXPECT_EQ(first.Number("ad"_column), best.andersonDarling.statistic);
+  EXPECT_EQ(first.Number("chi_square_df"_column), best.chiSquare.degreesOfFreedom);
+  EXPECT_EQ(first.Number("aic"_column), 2 * (best.estimatedParameters - best.logLikelihood));
+  EXPECT_EQ(failed.name, "Weibull");
+  EXPECT_EQ(failed.Text("reason"_column), "a value is not above the offset 1");
+  EXPECT_FALSE(first.Has("bootstrap_samples"_column)) << "no bootstrap was asked for";
 }
 
 TEST_F(FitResults, BootstrapColumnsAppearWhereItRan) {
   VariableFit& variable = analysis->Fit().results[0];
   variable.fits[variable.ranked[1]].bootstrap = {0.25, 0.5, kNotSet, 999};
-  Automation().Get("QuickTabDistributionSummaryStats");
-  const auto column = [&](std::string_view name) {
-    return Shown().VariableAt(Shown().FindVariable(name).value()).Values();
-  };
-  EXPECT_EQ(column(result_column::kBootstrapKolmogorovSmirnov)[1], 0.25);
-  EXPECT_EQ(column(result_column::kBootstrapChiSquare)[1], 0.5);
-  EXPECT_TRUE(std::isnan(column(result_column::kBootstrapAndersonDarling)[1]));
-  EXPECT_EQ(column(result_column::kBootstrapSamples)[1], 999);
-  EXPECT_TRUE(std::isnan(column(result_column::kBootstrapKolmogorovSmirnov)[0])) << "not of every fit";
+  const ResultTable table = ReadResultTable(Automation().Get("QuickTabDistributionSummaryStats"));
+  const ResultRow& second = table.rows[1];
+  EXPECT_EQ(second.Number("bootstrap_ks_p"_column), 0.25);
+  EXPECT_EQ(second.Number("bootstrap_chi_square_p"_column), 0.5);
+  EXPECT_TRUE(std::isnan(second.Number("bootstrap_ad_p"_column)));
+  EXPECT_EQ(second.Number("bootstrap_samples"_column), 999);
+  EXPECT_TRUE(std::isnan(table.rows[0].Number("bootstrap_ks_p"_column))) << "not of every fit";
 }
 
 TEST_F(FitResults, OrderIsThePersonsOwnAndChecked) {

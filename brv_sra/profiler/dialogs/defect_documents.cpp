@@ -1,9 +1,7 @@
 #include "brv_sra/profiler/dialogs/defect_documents.h"
 
-#include <algorithm>
-#include <string_view>
-
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/number_text.h"
 
@@ -15,11 +13,6 @@ constexpr double kMillion = 1e6;
 double RateOf(std::int64_t count, std::int64_t runs) {
   if (runs == 0) return GetDefaultMDValue();
   return static_cast<double>(count) / static_cast<double>(runs);
-}
-
-// "LSL" from the label "LSL:".
-std::string_view WithoutColon(std::string_view label) {
-  return label.ends_with(':') ? label.substr(0, label.size() - 1) : label;
 }
 
 // What a reader must know of an entry of the counts beyond its row.
@@ -47,12 +40,6 @@ DefectRate MakeRow(const std::string& name, const DefectCounts& counts, std::siz
   return {name, rate, rate * kMillion, lower, upper};
 }
 
-Variable Column(std::string_view name, std::span<const DefectRate> rows, double DefectRate::*member) {
-  Variable column(std::string(name), rows.size());
-  std::ranges::transform(rows, column.MutableValues().begin(), member);
-  return column;
-}
-
 }  // namespace
 
 DefectTable MakeDefectTable(std::span<const ProfiledResponse> responses) {
@@ -78,18 +65,11 @@ std::unique_ptr<Spreadsheet> MakeDefectSheet(const DefectTable& table) {
   std::string title = name;
   for (const std::string& note : table.notes) title += "\n" + note;
   sheet->SetTitle(title);
-  Variable responses(std::string(ResourceString(kDefectHeadingResponse)), table.rows.size());
-  responses.SetType(VariableType::kText);
-  const auto cells = responses.MutableValues();
-  for (std::size_t i = 0; i < cells.size(); ++i) {
-    cells[i] = static_cast<double>(i + 1);
-    responses.SetLabel(cells[i], table.rows[i].name);
-  }
-  sheet->AddVariable(std::move(responses));
-  sheet->AddVariable(Column(ResourceString(kDefectHeadingRate), table.rows, &DefectRate::rate));
-  sheet->AddVariable(Column(ResourceString(kDefectHeadingPpm), table.rows, &DefectRate::partsPerMillion));
-  sheet->AddVariable(Column(WithoutColon(ResourceString(kProfilerLabelLsl)), table.rows, &DefectRate::lower));
-  sheet->AddVariable(Column(WithoutColon(ResourceString(kProfilerLabelUsl)), table.rows, &DefectRate::upper));
+  AddTextColumn(*sheet, "response"_column, [&](std::size_t i) { return table.rows[i].name; });
+  AddColumn(*sheet, "defect_rate"_column, [&](std::size_t i) { return table.rows[i].rate; });
+  AddColumn(*sheet, "defect_ppm"_column, [&](std::size_t i) { return table.rows[i].partsPerMillion; });
+  AddColumn(*sheet, "defect_lsl"_column, [&](std::size_t i) { return table.rows[i].lower; });
+  AddColumn(*sheet, "defect_usl"_column, [&](std::size_t i) { return table.rows[i].upper; });
   return sheet;
 }
 
@@ -106,7 +86,7 @@ Graph MakeDefectGraph(std::span<const ProfiledResponse> responses,
     panel.title = response;
     panel.title.append(" / ").append(predictor);
     panel.xTitle = predictor;
-    panel.yTitle = ResourceString(kDefectHeadingRate);
+    panel.yTitle = ResourceString("defect_rate"_column.heading);
     GraphSeries line;
     line.name = response;
     line.style = SeriesStyle::kLine;

@@ -9,6 +9,7 @@
 #include "brv_sra/profiler/dialogs/result_documents.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/analysis/result_columns.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
@@ -35,9 +36,9 @@ Graph LimitedHistogram(const SimulatedResponse& response, const VariableFit& fit
   const auto best = DefaultFit(fit.fits, fit.ranked);
   Graph histogram =
       MakeFitPlot(FitPlot::kHistogram, drawn, best ? fit.fits[*best] : DistributionFit(), sorted);
-  AddLimit(kResponseLowerLimit, response.limits.lower, histogram);
-  AddLimit(kResponseTarget, response.limits.target, histogram);
-  AddLimit(kResponseUpperLimit, response.limits.upper, histogram);
+  AddLimit("lsl"_column.heading, response.limits.lower, histogram);
+  AddLimit("target"_column.heading, response.limits.target, histogram);
+  AddLimit("usl"_column.heading, response.limits.upper, histogram);
   return histogram;
 }
 

@@ -17,6 +17,7 @@
 #include "brv_sra/profiler/best_fit_candidates.h"
 #include "brv_sra/profiler/dialogs/response_values.h"
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/number_text.h"
 #include "host/statistics/capability.h"
@@ -31,24 +32,15 @@ constexpr double kRejection = 0.05;  // of the normal distribution
 constexpr std::array<double, 15> kPercents{0.135, 0.5, 1,  2.5,  5,  10,   25,    50,
                                            75,    90,  95, 97.5, 99, 99.5, 99.865};
 
-double OrMissing(double value) {
-  return IsNotSet(value) ? GetDefaultMDValue() : value;
-}
-
-// A table with a case for each name.
+// A table about the response, with a case for each name.
 std::unique_ptr<Spreadsheet> NewTable(std::int32_t title, const Variable& response,
                                       std::vector<std::string> cases) {
-  auto sheet = std::make_unique<Spreadsheet>(FormatResource(title, response.Name()), cases.size());
-  sheet->SetTitle(sheet->Name());
-  sheet->SetCaseNames(std::move(cases));
-  return sheet;
+  return NewResultSheet(FormatResource(title, response.Name()), std::move(cases));
 }
 
-void AddColumn(Spreadsheet& sheet, std::int32_t name, const std::function<double(std::size_t)>& value) {
-  Variable column(std::string(ResourceString(name)), sheet.CaseCount());
-  const auto cells = column.MutableValues();
-  for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = OrMissing(value(i));
-  sheet.AddVariable(std::move(column));
+// What is not set is missing.
+void AddNumbers(Spreadsheet& sheet, const ResultColumn& column, const CellNumber& value) {
+  AddColumn(sheet, column, [&](std::size_t i) { return OrMissing(value(i)); });
 }
 
 // What the rows of the capability table are taken from.
@@ -61,50 +53,50 @@ struct Capability {
 };
 
 struct CapabilityRow {
-  std::int32_t name;
+  const ResultColumn& statistic;
   double (*value)(const Capability& c);
   ConfidenceInterval CapabilityReport::*interval = nullptr;
 };
 
 // In the order of the table.
 constexpr CapabilityRow kCapabilityRows[] = {
-    {kResponseLowerLimit, [](const Capability& c) { return c.limits.lower; }},
-    {kResponseTarget, [](const Capability& c) { return c.limits.target; }},
-    {kResponseUpperLimit, [](const Capability& c) { return c.limits.upper; }},
-    {kColumnCount, [](const Capability& c) { return static_cast<double>(c.report.sample.count); }},
-    {kColumnMissing, [](const Capability& c) { return static_cast<double>(c.missing); }},
-    {kColumnMean, [](const Capability& c) { return c.report.sample.mean; }},
-    {kColumnStandardDeviation, [](const Capability& c) { return c.report.sample.overall; }},
-    {kResponseWithinDeviation, [](const Capability& c) { return c.report.sample.within; }},
-    {kResponseNormalPValue, [](const Capability& c) { return c.normalPValue; }},
-    {kResponseCp, [](const Capability& c) { return c.report.within.potential; }, &CapabilityReport::cp},
-    {kResponseCpl, [](const Capability& c) { return c.report.within.lower; }},
-    {kResponseCpu, [](const Capability& c) { return c.report.within.upper; }},
-    {kResponseCpk, [](const Capability& c) { return c.report.within.least; }, &CapabilityReport::cpk},
-    {kResponseCpm, [](const Capability& c) { return c.report.cpm; }},
-    {kResponsePp, [](const Capability& c) { return c.report.overall.potential; }, &CapabilityReport::pp},
-    {kResponsePpl, [](const Capability& c) { return c.report.overall.lower; }},
-    {kResponsePpu, [](const Capability& c) { return c.report.overall.upper; }},
-    {kResponsePpk, [](const Capability& c) { return c.report.overall.least; }, &CapabilityReport::ppk},
-    {kResponseObservedBelow, [](const Capability& c) { return c.report.observed.below; }},
-    {kResponseObservedAbove, [](const Capability& c) { return c.report.observed.above; }},
-    {kResponseObservedTotal, [](const Capability& c) { return c.report.observed.total; }},
-    {kResponseWithinBelow, [](const Capability& c) { return c.report.expectedWithin.below; }},
-    {kResponseWithinAbove, [](const Capability& c) { return c.report.expectedWithin.above; }},
-    {kResponseWithinTotal, [](const Capability& c) { return c.report.expectedWithin.total; }},
-    {kResponseOverallBelow, [](const Capability& c) { return c.report.expectedOverall.below; }},
-    {kResponseOverallAbove, [](const Capability& c) { return c.report.expectedOverall.above; }},
-    {kResponseOverallTotal, [](const Capability& c) { return c.report.expectedOverall.total; }},
-    {kResponseLowPoint, [](const Capability& c) { return c.percentile.low; }},
-    {kResponseMedianPoint, [](const Capability& c) { return c.percentile.median; }},
-    {kResponseHighPoint, [](const Capability& c) { return c.percentile.high; }},
-    {kResponsePercentilePp, [](const Capability& c) { return c.percentile.indices.potential; }},
-    {kResponsePercentilePpl, [](const Capability& c) { return c.percentile.indices.lower; }},
-    {kResponsePercentilePpu, [](const Capability& c) { return c.percentile.indices.upper; }},
-    {kResponsePercentilePpk, [](const Capability& c) { return c.percentile.indices.least; }},
-    {kResponsePercentileBelow, [](const Capability& c) { return c.percentile.expected.below; }},
-    {kResponsePercentileAbove, [](const Capability& c) { return c.percentile.expected.above; }},
-    {kResponsePercentileTotal, [](const Capability& c) { return c.percentile.expected.total; }}};
+    {"lsl"_column, [](const Capability& c) { return c.limits.lower; }},
+    {"target"_column, [](const Capability& c) { return c.limits.target; }},
+    {"usl"_column, [](const Capability& c) { return c.limits.upper; }},
+    {"n"_column, [](const Capability& c) { return static_cast<double>(c.report.sample.count); }},
+    {"missing"_column, [](const Capability& c) { return static_cast<double>(c.missing); }},
+    {"mean"_column, [](const Capability& c) { return c.report.sample.mean; }},
+    {"overall_deviation"_column, [](const Capability& c) { return c.report.sample.overall; }},
+    {"within_deviation"_column, [](const Capability& c) { return c.report.sample.within; }},
+    {"normal_p"_column, [](const Capability& c) { return c.normalPValue; }},
+    {"cp"_column, [](const Capability& c) { return c.report.within.potential; }, &CapabilityReport::cp},
+    {"cpl"_column, [](const Capability& c) { return c.report.within.lower; }},
+    {"cpu"_column, [](const Capability& c) { return c.report.within.upper; }},
+    {"cpk"_column, [](const Capability& c) { return c.report.within.least; }, &CapabilityReport::cpk},
+    {"cpm"_column, [](const Capability& c) { return c.report.cpm; }},
+    {"pp"_column, [](const Capability& c) { return c.report.overall.potential; }, &CapabilityReport::pp},
+    {"ppl"_column, [](const Capability& c) { return c.report.overall.lower; }},
+    {"ppu"_column, [](const Capability& c) { return c.report.overall.upper; }},
+    {"ppk"_column, [](const Capability& c) { return c.report.overall.least; }, &CapabilityReport::ppk},
+    {"observed_below"_column, [](const Capability& c) { return c.report.observed.below; }},
+    {"observed_above"_column, [](const Capability& c) { return c.report.observed.above; }},
+    {"observed_total"_column, [](const Capability& c) { return c.report.observed.total; }},
+    {"within_below"_column, [](const Capability& c) { return c.report.expectedWithin.below; }},
+    {"within_above"_column, [](const Capability& c) { return c.report.expectedWithin.above; }},
+    {"within_total"_column, [](const Capability& c) { return c.report.expectedWithin.total; }},
+    {"overall_below"_column, [](const Capability& c) { return c.report.expectedOverall.below; }},
+    {"overall_above"_column, [](const Capability& c) { return c.report.expectedOverall.above; }},
+    {"overall_total"_column, [](const Capability& c) { return c.report.expectedOverall.total; }},
+    {"low_point"_column, [](const Capability& c) { return c.percentile.low; }},
+    {"median_point"_column, [](const Capability& c) { return c.percentile.median; }},
+    {"high_point"_column, [](const Capability& c) { return c.percentile.high; }},
+    {"percentile_pp"_column, [](const Capability& c) { return c.percentile.indices.potential; }},
+    {"percentile_ppl"_column, [](const Capability& c) { return c.percentile.indices.lower; }},
+    {"percentile_ppu"_column, [](const Capability& c) { return c.percentile.indices.upper; }},
+    {"percentile_ppk"_column, [](const Capability& c) { return c.percentile.indices.least; }},
+    {"percentile_below"_column, [](const Capability& c) { return c.percentile.expected.below; }},
+    {"percentile_above"_column, [](const Capability& c) { return c.percentile.expected.above; }},
+    {"percentile_total"_column, [](const Capability& c) { return c.percentile.expected.total; }}};
 
 // The best fit where the normal distribution is another and is rejected; null otherwise.
 const DistributionFit* BestInsteadOfNormal(const VariableFit& fit) {
@@ -123,27 +115,26 @@ PercentileCapability PercentilesOf(const DistributionFit& fit, const Specificati
 }
 
 // The distribution that a row is of: a text in the rows by percentiles.
-Variable DescriptionColumn(const DistributionFit* best) {
-  Variable column(std::string(ResourceString(kColumnDescription)), std::size(kCapabilityRows));
+void AddDescriptionColumn(Spreadsheet& sheet, const DistributionFit* best) {
+  const auto isFirst = [](const CapabilityRow& row) { return &row.statistic == &"low_point"_column; };
+  const auto first =
+      static_cast<std::size_t>(std::ranges::find_if(kCapabilityRows, isFirst) - kCapabilityRows);
+  AddNumbers(sheet, "description"_column,
+             [&](std::size_t i) { return best != nullptr && i >= first ? 1 : GetDefaultMDValue(); });
+  Variable& column = sheet.VariableAt(sheet.VariableCount() - 1);
   column.SetType(VariableType::kText);
-  const auto cells = column.MutableValues();
-  std::ranges::fill(cells, GetDefaultMDValue());
-  if (best == nullptr) return column;
-  const DistributionSpecification& specification = best->specification;
-  column.SetLabel(1, Description(specification.code, specification.values));
-  const auto* first = std::ranges::find(kCapabilityRows, kResponseLowPoint, &CapabilityRow::name);
-  for (auto i = static_cast<std::size_t>(first - kCapabilityRows); i < cells.size(); ++i) cells[i] = 1;
-  return column;
+  if (best == nullptr) return;
+  column.SetLabel(1, Description(best->specification.code, best->specification.values));
 }
 
 std::unique_ptr<Spreadsheet> StatisticsTable(const SimulatedResponse& response) {
   const Moments moments = MomentsOf(response);
   auto sheet = NewTable(kResponseTitleStatistics, response.Column(), {response.Column().Name()});
-  AddColumn(*sheet, kColumnCount, [&](std::size_t) { return static_cast<double>(moments.count); });
-  AddColumn(*sheet, kColumnMissing, [&](std::size_t) { return static_cast<double>(moments.missing); });
-  for (const MomentColumn& column : MomentColumns()) {
-    AddColumn(*sheet, column.name, [&](std::size_t) {
-      return column.ExistsFor(moments) ? moments.*column.member : GetDefaultMDValue();
+  AddNumbers(*sheet, "n"_column, [&](std::size_t) { return static_cast<double>(moments.count); });
+  AddNumbers(*sheet, "missing"_column, [&](std::size_t) { return static_cast<double>(moments.missing); });
+  for (const MomentColumn& moment : MomentColumns()) {
+    AddNumbers(*sheet, moment.column, [&](std::size_t) {
+      return moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
     });
   }
   return sheet;
@@ -160,10 +151,10 @@ std::unique_ptr<Spreadsheet> CorrelationTable(const SimulatedResponse& response,
   std::vector<SensitivityRow> rows = sensitivity.rows;
   std::ranges::sort(rows, {}, &SensitivityRow::predictor);
   auto sheet = NewTable(kResponseTitleCorrelations, response.Column(), PredictorNames(response));
-  AddColumn(*sheet, kColumnPearson, [&](std::size_t i) { return rows[i].linear.coefficient; });
-  AddColumn(*sheet, kResponsePearsonPValue, [&](std::size_t i) { return rows[i].linear.pValue; });
-  AddColumn(*sheet, kColumnSpearman, [&](std::size_t i) { return rows[i].rank.coefficient; });
-  AddColumn(*sheet, kResponseSpearmanPValue, [&](std::size_t i) { return rows[i].rank.pValue; });
+  AddNumbers(*sheet, "pearson"_column, [&](std::size_t i) { return rows[i].linear.coefficient; });
+  AddNumbers(*sheet, "pearson_p"_column, [&](std::size_t i) { return rows[i].linear.pValue; });
+  AddNumbers(*sheet, "spearman"_column, [&](std::size_t i) { return rows[i].rank.coefficient; });
+  AddNumbers(*sheet, "spearman_p"_column, [&](std::size_t i) { return rows[i].rank.pValue; });
   return sheet;
 }
 
@@ -171,15 +162,18 @@ std::unique_ptr<Spreadsheet> PercentileTable(const SimulatedResponse& response,
                                              std::span<const double> sorted) {
   std::vector<PercentileEstimate> estimates;
   std::vector<std::string> names;
+  std::vector<std::string> identifiers;
   for (const double percent : kPercents) {
     estimates.push_back(EstimatePercentile(sorted, percent, kConfidence));
-    names.push_back(std::string(ResourceString(kColumnPercentile)) + ShortestNumber(percent));
+    names.push_back(std::string(ResourceString("percentile"_column.heading)) + ShortestNumber(percent));
+    identifiers.push_back(NumberedIdentifier("percentile"_column, ShortestNumber(percent)));
   }
   auto sheet = NewTable(kResponseTitlePercentiles, response.Column(), std::move(names));
-  AddColumn(*sheet, kColumnValue, [&](std::size_t i) { return estimates[i].value; });
-  AddColumn(*sheet, kResponseLowerConfidence, [&](std::size_t i) { return estimates[i].lower; });
-  AddColumn(*sheet, kResponseUpperConfidence, [&](std::size_t i) { return estimates[i].upper; });
-  AddColumn(*sheet, kResponseCoverage, [&](std::size_t i) { return estimates[i].coverage; });
+  sheet->SetCaseIdentifiers(std::move(identifiers));
+  AddNumbers(*sheet, "value"_column, [&](std::size_t i) { return estimates[i].value; });
+  AddNumbers(*sheet, "lower"_column, [&](std::size_t i) { return estimates[i].lower; });
+  AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return estimates[i].upper; });
+  AddNumbers(*sheet, "coverage"_column, [&](std::size_t i) { return estimates[i].coverage; });
   return sheet;
 }
 
@@ -192,15 +186,14 @@ std::unique_ptr<Spreadsheet> FrequencySheet(const SimulatedResponse& response,
     names.push_back(label ? std::string(*label) : std::to_string(names.size() + 1));
   }
   auto sheet = NewTable(kResponseTitleFrequencies, response.Column(), std::move(names));
-  AddColumn(*sheet, kResponseClassFrom, [&](std::size_t i) { return classes[i].from; });
-  AddColumn(*sheet, kResponseClassTo, [&](std::size_t i) { return classes[i].to; });
-  AddColumn(*sheet, kResponseClassCount,
-            [&](std::size_t i) { return static_cast<double>(classes[i].count); });
-  AddColumn(*sheet, kResponseClassCumulativeCount,
-            [&](std::size_t i) { return static_cast<double>(classes[i].cumulativeCount); });
-  AddColumn(*sheet, kResponseClassPercent, [&](std::size_t i) { return classes[i].percent; });
-  AddColumn(*sheet, kResponseClassCumulativePercent,
-            [&](std::size_t i) { return classes[i].cumulativePercent; });
+  AddNumbers(*sheet, "from"_column, [&](std::size_t i) { return classes[i].from; });
+  AddNumbers(*sheet, "to"_column, [&](std::size_t i) { return classes[i].to; });
+  AddNumbers(*sheet, "count"_column, [&](std::size_t i) { return static_cast<double>(classes[i].count); });
+  AddNumbers(*sheet, "cumulative_count"_column,
+             [&](std::size_t i) { return static_cast<double>(classes[i].cumulativeCount); });
+  AddNumbers(*sheet, "percent"_column, [&](std::size_t i) { return classes[i].percent; });
+  AddNumbers(*sheet, "cumulative_percent"_column,
+             [&](std::size_t i) { return classes[i].cumulativePercent; });
   return sheet;
 }
 
@@ -218,12 +211,13 @@ std::unique_ptr<Spreadsheet> SensitivitySheet(const SimulatedResponse& response,
   const bool anyContributes = !IsNotSet(rows.front().rankContribution);
   if (anyContributes && rows.size() > 1) rows.back().rankContribution = 1;
   auto sheet = NewTable(kResponseTitleSensitivity, response.Column(), std::move(names));
-  AddColumn(*sheet, kColumnSpearman, [&](std::size_t i) { return rows[i].rank.coefficient; });
-  AddColumn(*sheet, kResponseRankContribution, [&](std::size_t i) { return rows[i].rankContribution; });
-  AddColumn(*sheet, kResponseStandardizedCoefficient,
-            [&](std::size_t i) { return rows[i].standardizedCoefficient; });
-  AddColumn(*sheet, kResponseLinearContribution, [&](std::size_t i) { return rows[i].linearContribution; });
-  AddColumn(*sheet, kResponseFirstOrder, [&](std::size_t i) { return rows[i].firstOrder; });
+  AddNumbers(*sheet, "rank_correlation"_column, [&](std::size_t i) { return rows[i].rank.coefficient; });
+  AddNumbers(*sheet, "contribution_to_variance"_column,
+             [&](std::size_t i) { return rows[i].rankContribution; });
+  AddNumbers(*sheet, "standardized_coefficient"_column,
+             [&](std::size_t i) { return rows[i].standardizedCoefficient; });
+  AddNumbers(*sheet, "linear_contribution"_column, [&](std::size_t i) { return rows[i].linearContribution; });
+  AddNumbers(*sheet, "first_order"_column, [&](std::size_t i) { return rows[i].firstOrder; });
   return sheet;
 }
 
@@ -259,18 +253,21 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   if (best != nullptr) capability.percentile = PercentilesOf(*best, response.limits);
 
   std::vector<std::string> names;
-  for (const CapabilityRow& row : kCapabilityRows) names.emplace_back(ResourceString(row.name));
+  std::vector<std::string> identifiers;
+  for (const CapabilityRow& row : kCapabilityRows) {
+    names.emplace_back(ResourceString(row.statistic.heading));
+    identifiers.emplace_back(row.statistic.identifier);
+  }
   auto sheet = NewTable(kResponseTitleCapability, response.Column(), std::move(names));
+  sheet->SetCaseIdentifiers(std::move(identifiers));
   const auto limit = [&](std::size_t i, double ConfidenceInterval::*side) {
     const auto interval = kCapabilityRows[i].interval;
     return interval == nullptr ? GetDefaultMDValue() : capability.report.*interval.*side;
   };
-  AddColumn(*sheet, kColumnValue, [&](std::size_t i) { return kCapabilityRows[i].value(capability); });
-  AddColumn(*sheet, kResponseLowerConfidence,
-            [&](std::size_t i) { return limit(i, &ConfidenceInterval::lower); });
-  AddColumn(*sheet, kResponseUpperConfidence,
-            [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
-  sheet->AddVariable(DescriptionColumn(best));
+  AddNumbers(*sheet, "value"_column, [&](std::size_t i) { return kCapabilityRows[i].value(capability); });
+  AddNumbers(*sheet, "lower"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::lower); });
+  AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
+  AddDescriptionColumn(*sheet, best);
   return sheet;
 }
 

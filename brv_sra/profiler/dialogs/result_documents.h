@@ -3,7 +3,7 @@
 //
 // Runs without a prediction (missing or not finite) take part in nothing and are counted where a table has a
 // place for them. docs/reference/capability.md gives the formulas; the names of rows and columns are those of
-// host/analysis/response_columns.h.
+// host/analysis/result_columns.h.
 #pragma once
 
 #include <cstddef>

@@ -13,14 +13,11 @@
 #include <vector>
 
 #include "brv_sra/distributions/specified_distribution.h"
-#include "host/analysis/response_columns.h"
-#include "host/analysis/result_columns.h"
+#include "host/analysis/result_table.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
-
-namespace rows = response_table;
 
 const double kNan = std::numeric_limits<double>::quiet_NaN();
 const double kInfinity = std::numeric_limits<double>::infinity();
@@ -54,14 +51,15 @@ Spreadsheet SheetOf(const std::vector<std::pair<std::string, std::vector<double>
   return sheet;
 }
 
-double Cell(const Spreadsheet& table, std::string_view row, std::string_view column = result_column::kValue) {
-  const auto variable = table.FindVariable(column);
-  EXPECT_TRUE(variable.has_value()) << column;
-  for (std::size_t i = 0; variable && i < table.CaseCount(); ++i) {
-    if (table.CaseName(i) == row) return table.VariableAt(*variable).Values()[i];
-  }
-  ADD_FAILURE() << "no row " << row;
-  return kNan;
+// Of a row by its name, or of a statistic.
+double Cell(const Spreadsheet& sheet, std::string_view row, const ResultColumn& column = "value"_column) {
+  const ResultTable table = ReadResultTable(sheet);
+  const auto found = std::ranges::find(table.rows, row, &ResultRow::name);
+  return found != table.rows.end() ? found->Number(column) : throw Error("no row " + std::string(row));
+}
+double Cell(const Spreadsheet& sheet, const ResultColumn& statistic,
+            const ResultColumn& column = "value"_column) {
+  return ReadResultTable(sheet).Row(statistic).Number(column);
 }
 
 std::vector<std::string> Rows(const Spreadsheet& table) {
@@ -82,19 +80,19 @@ TEST(CapabilityDocument, NormalResponseHasNoIndicesByPercentiles) {
   const auto values = Quantiles(DistributionCode::kNormal, {10, 2}, 2000, 367);
   const auto table = CapabilityOf(values, {4, 19, 10});
   EXPECT_EQ(table->Title(), "Process capability of Y");
-  EXPECT_GE(Cell(*table, rows::kNormalPValue), 0.05);
+  EXPECT_GE(Cell(*table, "normal_p"_column), 0.05);
   // The quantiles of 2000 evenly spread probabilities scatter a little less than their distribution.
-  EXPECT_NEAR(Cell(*table, rows::kPpl), 1, 2e-3);
-  EXPECT_NEAR(Cell(*table, rows::kPpu), 1.5, 3e-3);
-  EXPECT_NEAR(Cell(*table, rows::kPp), 1.25, 3e-3);
-  EXPECT_NEAR(Cell(*table, rows::kPpk), 1, 2e-3);
-  EXPECT_NEAR(Cell(*table, rows::kCpm), 1, 2e-3);
-  EXPECT_NEAR(Cell(*table, rows::kOverallBelow), 1349.9, 20);
-  EXPECT_LT(Cell(*table, rows::kPpk, rows::kLowerConfidence), 1);
-  EXPECT_GT(Cell(*table, rows::kPpk, rows::kUpperConfidence), 1);
-  EXPECT_LT(Cell(*table, rows::kCpk, rows::kLowerConfidence), Cell(*table, rows::kCpk));
-  for (const std::string_view row : {rows::kLowPoint, rows::kPercentilePpk, rows::kPercentileTotal})
-    EXPECT_TRUE(std::isnan(Cell(*table, row))) << row;
+  EXPECT_NEAR(Cell(*table, "ppl"_column), 1, 2e-3);
+  EXPECT_NEAR(Cell(*table, "ppu"_column), 1.5, 3e-3);
+  EXPECT_NEAR(Cell(*table, "pp"_column), 1.25, 3e-3);
+  EXPECT_NEAR(Cell(*table, "ppk"_column), 1, 2e-3);
+  EXPECT_NEAR(Cell(*table, "cpm"_column), 1, 2e-3);
+  EXPECT_NEAR(Cell(*table, "overall_below"_column), 1349.9, 20);
+  EXPECT_LT(Cell(*table, "ppk"_column, "lower"_column), 1);
+  EXPECT_GT(Cell(*table, "ppk"_column, "upper"_column), 1);
+  EXPECT_LT(Cell(*table, "cpk"_column, "lower"_column), Cell(*table, "cpk"_column));
+  for (const ResultColumn* row : {&"low_point"_column, &"percentile_ppk"_column, &"percentile_total"_column})
+    EXPECT_TRUE(std::isnan(Cell(*table, *row))) << row->identifier;
 }
 
 // The distribution's own points, exp(-3 s), 1 and exp(3 s), make every index by percentiles 1 at these
@@ -120,30 +118,30 @@ TEST(CapabilityDocument, SkewedResponseTakesPercentilesFromItsBestFitNotFromItsE
   };
   for (const auto& c : cases) {
     const auto table = CapabilityOf(values, c.limits);
-    const Variable& description = table->VariableAt(*table->FindVariable(result_column::kDescription));
-    EXPECT_EQ(description.Label(description.Values().back()).value_or("").substr(0, 10), "Log Normal");
-    EXPECT_TRUE(description.IsMissing(0));
-    EXPECT_LT(Cell(*table, rows::kNormalPValue), 0.05);
-    EXPECT_NEAR(Cell(*table, rows::kHighPoint), high, 0.03 * high);
-    EXPECT_NEAR(Cell(*table, rows::kMedianPoint), 1, 0.01);
-    EXPECT_TRUE(near(Cell(*table, rows::kPercentilePp), c.potential, 0.03));
-    EXPECT_TRUE(near(Cell(*table, rows::kPercentilePpl), c.lower, 0.03));
-    EXPECT_TRUE(near(Cell(*table, rows::kPercentilePpu), c.upper, 0.03));
-    EXPECT_NEAR(Cell(*table, rows::kPercentilePpk), 1, 0.03);
-    EXPECT_TRUE(near(Cell(*table, rows::kPercentileBelow), c.below, 300));
-    EXPECT_TRUE(near(Cell(*table, rows::kPercentileAbove), c.above, 300));
-    EXPECT_TRUE(near(Cell(*table, rows::kCp), c.potential, 5)) << "Cp of a one-sided specification";
+    const std::vector<ResultRow> rows = ReadResultTable(*table).rows;
+    EXPECT_EQ(rows.back().Text("description"_column).substr(0, 10), "Log Normal");
+    EXPECT_TRUE(std::isnan(rows.front().Number("description"_column)));
+    EXPECT_LT(Cell(*table, "normal_p"_column), 0.05);
+    EXPECT_NEAR(Cell(*table, "high_point"_column), high, 0.03 * high);
+    EXPECT_NEAR(Cell(*table, "median_point"_column), 1, 0.01);
+    EXPECT_TRUE(near(Cell(*table, "percentile_pp"_column), c.potential, 0.03));
+    EXPECT_TRUE(near(Cell(*table, "percentile_ppl"_column), c.lower, 0.03));
+    EXPECT_TRUE(near(Cell(*table, "percentile_ppu"_column), c.upper, 0.03));
+    EXPECT_NEAR(Cell(*table, "percentile_ppk"_column), 1, 0.03);
+    EXPECT_TRUE(near(Cell(*table, "percentile_below"_column), c.below, 300));
+    EXPECT_TRUE(near(Cell(*table, "percentile_above"_column), c.above, 300));
+    EXPECT_TRUE(near(Cell(*table, "cp"_column), c.potential, 5)) << "Cp of a one-sided specification";
   }
 }
 
 TEST(CapabilityDocument, RunsWithoutPredictionAreCountedAndLeftOut) {
   const auto table = CapabilityOf({1, kNan, 2, kInfinity, 3, 4, -kInfinity}, {0, 3.5, kNan});
-  EXPECT_EQ(Cell(*table, result_column::kCount), 4);
-  EXPECT_EQ(Cell(*table, result_column::kMissing), 3);
-  EXPECT_EQ(Cell(*table, result_column::kMean), 2.5);
-  EXPECT_EQ(Cell(*table, rows::kObservedAbove), 250000);
-  EXPECT_EQ(Cell(*table, rows::kObservedBelow), 0);
-  EXPECT_EQ(Cell(*table, rows::kUpperLimit), 3.5);
+  EXPECT_EQ(Cell(*table, "n"_column), 4);
+  EXPECT_EQ(Cell(*table, "missing"_column), 3);
+  EXPECT_EQ(Cell(*table, "mean"_column), 2.5);
+  EXPECT_EQ(Cell(*table, "observed_above"_column), 250000);
+  EXPECT_EQ(Cell(*table, "observed_below"_column), 0);
+  EXPECT_EQ(Cell(*table, "usl"_column), 3.5);
 }
 
 TEST(CapabilityDocument, RefusesASpecificationThatIsNotValid) {
@@ -162,7 +160,7 @@ TEST(ResponseFits, FewValuesOrNoneAreNotFittedAndBreakNothing) {
     const VariableFit fit = FitResponse(response, port);
     EXPECT_TRUE(fit.invalid);
     EXPECT_TRUE(fit.fits.empty());
-    EXPECT_TRUE(std::isnan(Cell(*CapabilityDocument(response, fit), rows::kPercentilePpk)));
+    EXPECT_TRUE(std::isnan(Cell(*CapabilityDocument(response, fit), "percentile_ppk"_column)));
     EXPECT_EQ(SummaryDocuments(response).size(), kSummaryDocuments);
     if (std::isnan(values.front())) {
       EXPECT_THROW(SummaryGraphs(response, fit), Error);
@@ -191,16 +189,16 @@ TEST_F(LinearResponse, SensitivityIsOrderedByInfluenceAndEndsWithAllPredictors) 
   const auto documents = SummaryDocuments(response);
   const Spreadsheet& table = *documents[static_cast<std::size_t>(SummaryDocument::kSensitivity)];
   EXPECT_EQ(Rows(table), (std::vector<std::string>{"A", "B", "Fixed", "All predictors"}));
-  EXPECT_NEAR(Cell(table, "A", rows::kStandardizedCoefficient), 3 / std::sqrt(10), 0.02);
-  EXPECT_NEAR(Cell(table, "B", rows::kStandardizedCoefficient), -1 / std::sqrt(10), 0.02);
-  EXPECT_NEAR(Cell(table, "All predictors", rows::kLinearContribution), 1, 1e-9);
-  EXPECT_EQ(Cell(table, "All predictors", rows::kRankContribution), 1);
-  EXPECT_TRUE(std::isnan(Cell(table, "Fixed", rows::kStandardizedCoefficient)));
+  EXPECT_NEAR(Cell(table, "A", "standardized_coefficient"_column), 3 / std::sqrt(10), 0.02);
+  EXPECT_NEAR(Cell(table, "B", "standardized_coefficient"_column), -1 / std::sqrt(10), 0.02);
+  EXPECT_NEAR(Cell(table, "All predictors", "linear_contribution"_column), 1, 1e-9);
+  EXPECT_EQ(Cell(table, "All predictors", "contribution_to_variance"_column), 1);
+  EXPECT_TRUE(std::isnan(Cell(table, "Fixed", "standardized_coefficient"_column)));
   const Spreadsheet& correlations = *documents[static_cast<std::size_t>(SummaryDocument::kCorrelations)];
   EXPECT_EQ(Rows(correlations), (std::vector<std::string>{"B", "Fixed", "A"}));
-  EXPECT_NEAR(Cell(correlations, "A", rows::kPearson), 3 / std::sqrt(10), 0.02);
-  EXPECT_LT(Cell(correlations, "B", rows::kSpearman), -0.25);
-  EXPECT_LT(Cell(correlations, "A", rows::kSpearmanPValue), 1e-10);
+  EXPECT_NEAR(Cell(correlations, "A", "pearson"_column), 3 / std::sqrt(10), 0.02);
+  EXPECT_LT(Cell(correlations, "B", "spearman"_column), -0.25);
+  EXPECT_LT(Cell(correlations, "A", "spearman_p"_column), 1e-10);
 }
 
 TEST_F(LinearResponse, TablesDescribeTheResponseAskedForAndNoOther) {
@@ -210,23 +208,23 @@ TEST_F(LinearResponse, TablesDescribeTheResponseAskedForAndNoOther) {
   };
   const Spreadsheet& statistics = document(SummaryDocument::kStatistics);
   EXPECT_EQ(statistics.Title(), "Statistics of Y");
-  EXPECT_EQ(Cell(statistics, "Y", result_column::kCount), kRuns);
-  EXPECT_NEAR(Cell(statistics, "Y", result_column::kStandardDeviation), std::sqrt(10), 0.1);
+  EXPECT_EQ(Cell(statistics, "Y", "n"_column), kRuns);
+  EXPECT_NEAR(Cell(statistics, "Y", "standard_deviation"_column), std::sqrt(10), 0.1);
   const Spreadsheet& percentiles = document(SummaryDocument::kPercentiles);
   for (std::size_t i = 0; i < percentiles.CaseCount(); ++i) {
     const std::string row(percentiles.CaseName(i));
     const double value = Cell(percentiles, row);
     EXPECT_TRUE(i == 0 || value > percentiles.VariableAt(0).Values()[i - 1]) << row;
     // 1000 runs have no limit beyond their outermost points.
-    EXPECT_FALSE(Cell(percentiles, row, rows::kLowerConfidence) > value) << row;
-    EXPECT_FALSE(Cell(percentiles, row, rows::kUpperConfidence) < value) << row;
+    EXPECT_FALSE(Cell(percentiles, row, "lower"_column) > value) << row;
+    EXPECT_FALSE(Cell(percentiles, row, "upper"_column) < value) << row;
   }
-  EXPECT_TRUE(std::isnan(Cell(percentiles, "P0.135", rows::kLowerConfidence)));
-  EXPECT_GE(Cell(percentiles, "P50", rows::kCoverage), 0.95);
+  EXPECT_TRUE(std::isnan(Cell(percentiles, "P0.135", "lower"_column)));
+  EXPECT_GE(Cell(percentiles, "P50", "coverage"_column), 0.95);
   const Spreadsheet& frequencies = document(SummaryDocument::kFrequencies);
   const std::string last(frequencies.CaseName(frequencies.CaseCount() - 1));
-  EXPECT_EQ(Cell(frequencies, last, rows::kClassCumulativeCount), kRuns);
-  EXPECT_NEAR(Cell(frequencies, last, rows::kClassCumulativePercent), 100, 1e-9);
+  EXPECT_EQ(Cell(frequencies, last, "cumulative_count"_column), kRuns);
+  EXPECT_NEAR(Cell(frequencies, last, "cumulative_percent"_column), 100, 1e-9);
 }
 
 TEST_F(LinearResponse, GraphsDrawTheGivenLimitsAndOneBarPerPredictorThatVaries) {

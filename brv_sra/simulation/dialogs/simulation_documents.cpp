@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
 
 namespace brenvolt::sra {
@@ -19,9 +20,9 @@ constexpr std::array<std::int32_t, 5> kTitles{kMethodMonteCarlo, kMethodLatinHyp
                                               kMethodLatinHypercubeImanConover, 0};
 
 // In the order of a summary's values.
-constexpr std::array<std::int32_t, 7> kMomentColumns{
-    kColumnCount,   kColumnMean,   kColumnStandardDeviation, kColumnSkewness, kColumnKurtosis,
-    kColumnMinimum, kColumnMaximum};
+const ResultColumn* const kMomentColumns[] = {
+    &"n"_column,       &"mean"_column,   &"standard_deviation"_column, &"skewness"_column, &"kurtosis"_column,
+    &"minimum"_column, &"maximum"_column};
 
 }  // namespace
 
@@ -37,22 +38,16 @@ void TitleOutput(Spreadsheet& output, SimulationMethod method) {
 }
 
 std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, SampleSummaries summaries) {
-  std::vector<std::string>& names = summaries.names;
-  const std::vector<std::vector<double>>& values = summaries.values;
-  std::vector<std::string> columns;
-  for (const std::int32_t column : kMomentColumns) columns.emplace_back(ResourceString(column));
-  for (const int percent : kSummaryPercents)
-    columns.push_back(std::string(ResourceString(kColumnPercentile)) + std::to_string(percent));
-  auto sheet = std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationSummary)), names.size());
+  auto sheet = NewResultSheet(std::string(ResourceString(kSimulationSummary)), std::move(summaries.names));
   sheet->SetTitle(title);
-  for (std::size_t c = 0; c < columns.size(); ++c) {
-    Variable column(columns[c], values.size());
-    const auto cells = column.MutableValues();
-    for (std::size_t i = 0; i < values.size(); ++i)
-      cells[i] = IsNotSet(values[i][c]) ? GetDefaultMDValue() : values[i][c];
-    sheet->AddVariable(std::move(column));
-  }
-  sheet->SetCaseNames(std::move(names));
+  const std::vector<std::vector<double>>& values = summaries.values;
+  const auto column = [&values](std::size_t c) {
+    return [&values, c](std::size_t i) { return OrMissing(values[i][c]); };
+  };
+  std::size_t c = 0;
+  for (const ResultColumn* moment : kMomentColumns) AddColumn(*sheet, *moment, column(c++));
+  for (const int percent : kSummaryPercents)
+    AddColumn(*sheet, "percentile"_column, column(c++), std::to_string(percent));
   return sheet;
 }
 
@@ -60,29 +55,23 @@ std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
                                                 const SimulatedCorrelations& correlations,
                                                 const ReachedCorrelations& reached) {
   const std::size_t k = output.VariableCount();
-  const struct {
-    std::int32_t name;
-    const std::vector<double>& matrix;
-  } columns[] = {{kColumnCorrelationAsked, correlations.asked},
-                 {kColumnCorrelationUsed, correlations.Used()},
-                 {kColumnPearson, reached.pearson},
-                 {kColumnSpearman, reached.spearman}};
   std::vector<std::string> names;
+  std::vector<std::size_t> places;  // of the pairs in the matrices
   for (std::size_t i = 0; i < k; ++i) {
-    for (std::size_t j = i + 1; j < k; ++j)
+    for (std::size_t j = i + 1; j < k; ++j) {
       names.push_back(output.VariableAt(i).Name() + ", " + output.VariableAt(j).Name());
+      places.push_back(i * k + j);
+    }
   }
-  auto sheet =
-      std::make_unique<Spreadsheet>(std::string(ResourceString(kSimulationCorrelations)), names.size());
+  auto sheet = NewResultSheet(std::string(ResourceString(kSimulationCorrelations)), std::move(names));
   sheet->SetTitle(output.Title());
-  for (const auto& column : columns) {
-    std::vector<double> values;
-    for (std::size_t i = 0; i < k; ++i)
-      for (std::size_t j = i + 1; j < k; ++j) values.push_back(column.matrix[i * k + j]);
-    sheet->AddVariable(Variable(std::string(ResourceString(column.name)), names.size()))
-        .AssignValues(std::move(values));
-  }
-  sheet->SetCaseNames(std::move(names));
+  const auto add = [&](const ResultColumn& column, const std::vector<double>& matrix) {
+    AddColumn(*sheet, column, [&](std::size_t pair) { return matrix[places[pair]]; });
+  };
+  add("asked"_column, correlations.asked);
+  add("used"_column, correlations.Used());
+  add("pearson"_column, reached.pearson);
+  add("spearman"_column, reached.spearman);
   return sheet;
 }
 

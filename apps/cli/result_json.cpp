@@ -1,0 +1,37 @@
+#include "apps/cli/result_json.h"
+
+#include <cmath>
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace brenvolt::cli {
+
+using Json = nlohmann::ordered_json;
+
+Json NumberJson(double value, Quantity quantity) {
+  if (!std::isfinite(value)) return nullptr;
+  return quantity == Quantity::kCount ? Json(static_cast<std::int64_t>(value)) : Json(value);
+}
+
+Json& PlaceOf(const ResultColumn& column, Json& json) {
+  return json[Json::json_pointer(std::string(column.json))];
+}
+
+void AddNumbers(const ResultRow& row, std::span<const ResultColumn> columns, Json& json) {
+  for (const ResultColumn& column : columns) {
+    if (row.Has(column)) PlaceOf(column, json) = NumberJson(row.Number(column), column.quantity);
+  }
+}
+
+Json RowsJson(std::span<const ResultRow> rows, const char* nameKey, std::span<const ResultColumn> columns) {
+  Json list = Json::array();
+  for (const ResultRow& row : rows) {
+    Json json = {{nameKey, row.name}};
+    AddNumbers(row, columns, json);
+    list.push_back(std::move(json));
+  }
+  return list;
+}
+
+}  // namespace brenvolt::cli

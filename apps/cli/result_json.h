@@ -1,0 +1,24 @@
+// Rows of result tables in JSON, each number at the place that its column names.
+#pragma once
+
+#include <nlohmann/json.hpp>
+#include <span>
+
+#include "host/analysis/result_table.h"
+
+namespace brenvolt::cli {
+
+// Null for a value that does not exist; a count is a whole number.
+nlohmann::ordered_json NumberJson(double value, Quantity quantity = Quantity::kMeasure);
+
+// Where the number of a column stands in the object of a row.
+nlohmann::ordered_json& PlaceOf(const ResultColumn& column, nlohmann::ordered_json& json);
+
+// Those of the columns that the row has.
+void AddNumbers(const ResultRow& row, std::span<const ResultColumn> columns, nlohmann::ordered_json& json);
+
+// An object for each row, its name under `nameKey`.
+nlohmann::ordered_json RowsJson(std::span<const ResultRow> rows, const char* nameKey,
+                                std::span<const ResultColumn> columns);
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,61 @@
+#include "host/jobs/fit_results.h"
+
+#include <cstdint>
+#include <utility>
+
+namespace brenvolt {
+namespace {
+
+std::vector<std::vector<double>> ReadCovariance(AutomationObject& dialog, std::size_t place) {
+  dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(place + 1));
+  std::vector<std::vector<double>> covariance;
+  for (const ResultRow& row : ReadResultTable(dialog.Get("DistributionDetails")).rows) {
+    std::vector<double> numbers = row.Numbered("covariance"_column);
+    if (!numbers.empty()) covariance.push_back(std::move(numbers));
+  }
+  return covariance;
+}
+
+FittedDistribution TakeFit(ResultRow row) {
+  FittedDistribution fit;
+  fit.code = static_cast<int>(row.Number("code"_column));
+  fit.name = row.name;
+  fit.description = row.Text("description"_column);
+  fit.reason = row.Text("reason"_column);
+  fit.parameters = row.Numbered("parameter"_column);
+  fit.offset = row.Number("offset"_column);
+  fit.standardErrors = row.Numbered("standard_error"_column);
+  fit.statistics = std::move(row);
+  return fit;
+}
+
+FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultRow summary,
+                            Covariances covariances) {
+  FittedVariable variable;
+  variable.name = summary.name;
+  variable.isContinuous = summary.Number("kind"_column) == kContinuousKind;
+  variable.moments = std::move(summary);
+  dialog.Put("QuickTabVariable", static_cast<std::int32_t>(place + 1));
+  if (dialog.Get("QuickTabDistribution").ToInteger() == 0) return variable;
+  ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
+  variable.ranking = std::move(ranked.title);
+  for (std::size_t i = 0; i < ranked.rows.size(); ++i) {
+    FittedDistribution& fit = variable.fits.emplace_back(TakeFit(std::move(ranked.rows[i])));
+    const bool isWanted = covariances == Covariances::kRead && !fit.parameters.empty();
+    if (isWanted) fit.covariance = ReadCovariance(dialog, i);
+  }
+  return variable;
+}
+
+}  // namespace
+
+std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances) {
+  ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
+  std::vector<FittedVariable> variables;
+  for (ResultRow& row : summary.rows) {
+    variables.push_back(ReadVariable(dialog, variables.size(), std::move(row), covariances));
+  }
+  return variables;
+}
+
+}  // namespace brenvolt
