@@ -59,8 +59,7 @@ TEST_F(GermanLocale, PropertiesAreWrittenAndReadWithACommaFilesAndReportsWithAPo
 
   setenv("LC_ALL", "C", 1);
   const Outcome elsewhere = RunBrenvolt({"simulate", "p.bvw"}, folder.Path());
-  EXPECT_EQ(elsewhere.status, 1);
-  EXPECT_NE(elsewhere.err.find("Variable properties error."), std::string::npos) << elsewhere.err;
+  EXPECT_EQ(elsewhere.status, 0) << elsewhere.err;
 }
 
 }  // namespace

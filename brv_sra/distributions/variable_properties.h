@@ -7,13 +7,16 @@
 //
 // The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
 // "Key=number" per value ("%.12e") and "Offset=…" last where the type has one. Three have bare numbers:
-// - Gaussian Mixture: coefficient, mean and deviation per component, "%e", which keeps seven digits;
-// - Johnson: type, gamma, delta, lambda and xi, "%e";
+// - Gaussian Mixture: coefficient, mean and deviation per component;
+// - Johnson: type, gamma, delta, lambda and xi;
 // - Histogram: code and proportion per class, "%.12e", so that the proportions still add up to 1.
+// Values of the first two are written with "%e" where its seven digits hold every quantile from 1e-6 to 1 - 1e-6
+// within 1e-9 of the spread, else with as many digits as that takes; bounds with "%e" where that holds them exactly,
+// else with all digits.
 // The Folded Normal keeps its location under "Scale" and its scale under "Shape".
 //
-// Numbers follow the user's decimal separator, on writing and on reading. A value that the format rounds to
-// -444 reads back as not set.
+// Numbers are written with the user's decimal separator and read with a decimal point or comma, so that a project can
+// be used wherever it goes. A value that the format rounds to -444 reads back as not set.
 #pragma once
 
 #include <optional>
@@ -70,6 +73,8 @@ struct VariableDistributions {
 // Texts of the values. An offset that is not set is written as 0: no shift. A bound in force that is not
 // finite bounds nothing and is written as not in force and not set.
 std::string DistributionPropertyText(const DistributionSpecification& specification);
+// The specification with its values and offset as a reader takes them from that text.
+DistributionSpecification StoredForm(const DistributionSpecification& specification);
 std::string TruncationPropertyText(const Truncation& truncation);
 
 // Writes the distribution properties, then the order, then the truncation of one variable. A fit whose values

@@ -33,21 +33,12 @@ void SetProperties(std::string_view text, VariablePropertyStore& store) {
   }
 }
 
-double Rounded(double x, const char* format) {
-  return ParseNumber(FormatNumber(format, x)).value();
-}
-
 // What the formats keep of a variable's distributions.
 VariableDistributions Rounded(VariableDistributions distributions) {
-  Truncation& truncation = distributions.truncation;
-  truncation.minimum = Rounded(truncation.minimum, "%e");
-  truncation.maximum = Rounded(truncation.maximum, "%e");
   for (DistributionSpecification& specification : distributions.ranked) {
-    const char* const format = Entry(specification.code).storedFormat;
-    for (double& value : specification.values) value = Rounded(value, format);
-    specification.offset = Rounded(specification.offset, format);
-    specification.truncationMinimum = truncation.minimum;
-    specification.truncationMaximum = truncation.maximum;
+    const bool hasOffset = !IsNotSet(specification.offset);
+    specification = StoredForm(specification);
+    if (!hasOffset) specification.offset = kNotSet;
   }
   return distributions;
 }

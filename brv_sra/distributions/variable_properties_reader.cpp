@@ -46,7 +46,7 @@ struct NamedProperty {
 class VariableReader {
  public:
   VariableReader(const VariablePropertyStore& store, int variableNumber)
-      : store_(store), variableNumber_(variableNumber), locale_(UserNumberLocale()) {}
+      : store_(store), variableNumber_(variableNumber) {}
 
   VariableDistributions Read() const {
     VariableDistributions result;
@@ -87,7 +87,7 @@ class VariableReader {
   }
 
   double ParseBound(std::string_view item) const {
-    const auto bound = ParseNumber(item, locale_);
+    const auto bound = ParseTravelledNumber(item);
     if (!bound) Fail(kMsgInvalidTruncationProperty);
     return *bound;
   }
@@ -142,7 +142,7 @@ class VariableReader {
   }
 
   double ParseValue(std::string_view item) const {
-    const auto value = ParseNumber(item, locale_);
+    const auto value = ParseTravelledNumber(item);
     if (!value) Fail(kMsgInvalidPropertyValues);
     return *value;
   }
@@ -198,7 +198,6 @@ class VariableReader {
 
   const VariablePropertyStore& store_;
   const int variableNumber_;
-  const NumberLocale locale_;
 };
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 #include <span>
 #include <string>
@@ -11,6 +12,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -111,7 +113,7 @@ TEST_F(VariableProperties, TextOfEveryTypeIsExact) {
   }
 }
 
-TEST_F(VariableProperties, DecimalCommaIsWrittenAndReadAndAPointIsThenRefused) {
+TEST_F(VariableProperties, NumbersAreWrittenTheUsersWayAndReadWithEitherSeparator) {
   SetUserNumberLocale({','});
   Write({{.code = kNormal, .values = {1.234567890123, 0.5}},
          {.code = kGaussianMixture, .values = {0.25, -1, 2, 0.75, 10, 3}}},
@@ -123,7 +125,39 @@ TEST_F(VariableProperties, DecimalCommaIsWrittenAndReadAndAPointIsThenRefused) {
   const VariableDistributions read = Read();
   EXPECT_EQ(read.ranked[0].values, (std::vector{1.234567890123, 0.5}));
   EXPECT_EQ(read.truncation.minimum, -2.5);
-  EXPECT_EQ(ValueFault(kPoisson, "(Mean=2.5)"), ResourceString(10256));
+  SetUserNumberLocale({'.'});
+  EXPECT_EQ(Read().truncation.minimum, -2.5);
+  for (const char separator : {'.', ','}) {
+    SetUserNumberLocale({separator});
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2.5)"), "");
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2,5)"), "");
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=1.002,5)"), ResourceString(10256));
+  }
+}
+
+// Parts of 100.00003 mm and a few hundredths of a micrometre: seven digits would move them by deviations.
+TEST_F(VariableProperties, PreciseFitsKeepTheDigitsThatTheirQuantilesNeed) {
+  const DistributionSpecification rows[] = {
+      {.code = kGaussianMixture, .values = {0.25, 100.00003, 1e-5, 0.75, 100.00006, 2e-5}},
+      {.code = kGaussianMixture, .values = {1.0 / 3, -1e-9, 2e-13, 2.0 / 3, 1e-9, 3e-13}},
+      {.code = kJohnson, .values = {2, 0.123456789012, 1.987654321098, 3.14159e-5, 100.00003}},
+      {.code = kJohnson, .values = {3, -0.3, 1.1, 12345.678901, -6789.0123456}},
+      {.code = kJohnson, .values = {1, 4.2, 0.7, 1, 1e6 + 1e-3}},
+  };
+  for (const DistributionSpecification& row : rows) {
+    Write({row}, {.below = true, .minimum = 100.00001});
+    const VariableDistributions read = Read();
+    ASSERT_EQ(read.ranked.size(), 1U);
+    EXPECT_EQ(read.truncation.minimum, 100.00001);
+    const SpecifiedDistribution before(row);
+    const SpecifiedDistribution after(read.ranked[0]);
+    const double spread = std::sqrt(before.Variance());
+    for (const double p : {1e-6, 3e-5, 1e-3, 0.05, 0.2, 0.4, 0.5}) {
+      EXPECT_NEAR(after.Quantile(p), before.Quantile(p), 1e-9 * spread) << DistributionPropertyText(row);
+      EXPECT_NEAR(after.ComplementQuantile(p), before.ComplementQuantile(p), 1e-9 * spread)
+          << DistributionPropertyText(row);
+    }
+  }
 }
 
 TEST_F(VariableProperties, OrderAndTruncationFollowTheRank) {
@@ -148,7 +182,7 @@ TEST_F(VariableProperties, OrderAndTruncationFollowTheRank) {
 TEST_F(VariableProperties, AFitThatNoReaderWouldTakeIsNotWritten) {
   Write({{.code = kNormal, .values = {kNotSet, 1}},
          {.code = kWeibull, .values = {1, 2}, .offset = kInfinity},
-         {.code = kGaussianMixture, .values = {0.5, -444.00001, 1, 0.5, 0, 1}},  // prints as -4.440000e+02
+         {.code = kGaussianMixture, .values = {0.5, -444.000000000001, 1, 0.5, 0, 1}},  // prints as -4.440000e+02
          {.code = kRayleigh, .values = {1}}});
   EXPECT_EQ(Property("zOrder"), "Rayleigh;");
   EXPECT_EQ(Property("Normal"), "(no such property)");

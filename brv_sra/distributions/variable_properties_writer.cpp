@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
 
@@ -11,7 +12,10 @@ namespace {
 
 constexpr std::string_view kSeparator = "; ";
 
-std::string NumberText(double x, const char* format = "%e") {
+constexpr std::string_view kShortFormat = "%e";
+constexpr const char* kExactFormat = "%.16e";
+
+std::string NumberText(double x, const char* format) {
   return ParseTextBuffer(FormatNumber(format, x));
 }
 
@@ -39,13 +43,58 @@ double AsStored(double x, const char* format) {
   return ParseNumber(FormatNumber(format, x)).value_or(x);
 }
 
-// A fit can be stored when the reader will take it back, since one bad property ends the read of all
-// variables.
-bool IsStorable(DistributionSpecification specification) {
-  const char* const format = Entry(specification.code).storedFormat;
+DistributionSpecification AsStored(DistributionSpecification specification, const char* format) {
   for (double& value : specification.values) value = AsStored(value, format);
   specification.offset = AsStored(OffsetOrNone(specification), format);
-  return !CheckSpecification(specification);
+  return specification;
+}
+
+// Half the distance of the quantiles at 16 % and 84 %: a standard deviation where the tails have one.
+double SpreadOf(const SpecifiedDistribution& distribution) {
+  constexpr double kOneDeviation = 0.15865525393145705;
+  return (distribution.ComplementQuantile(kOneDeviation) - distribution.Quantile(kOneDeviation)) / 2;
+}
+
+// Whether values that went through the format still say the same: no quantile from 1e-6 to 1 - 1e-6 moves by more
+// than 1e-9 of the spread. Quantiles are compared at points that lie evenly in the logarithm of either tail.
+bool HoldsQuantiles(const DistributionSpecification& specification, const char* format) {
+  constexpr double kFarthest = 1e-6;
+  constexpr double kMost = 1e-9;
+  constexpr int kPoints = 25;
+  const DistributionSpecification stored = AsStored(specification, format);
+  const SpecifiedDistribution before(specification);
+  const SpecifiedDistribution after(stored);
+  const double allowed = kMost * SpreadOf(before);
+  for (int i = 0; i < kPoints; ++i) {
+    const double p = std::pow(2 * kFarthest, static_cast<double>(i) / (kPoints - 1)) / 2;
+    const double low = std::abs(after.Quantile(p) - before.Quantile(p));
+    const double high = std::abs(after.ComplementQuantile(p) - before.ComplementQuantile(p));
+    if (!(low <= allowed && high <= allowed)) return false;
+  }
+  return true;
+}
+
+// The format of the values: the type's own, but as many digits as the quantiles need in place of the short one.
+const char* FormatOf(const DistributionSpecification& specification) {
+  const char* const usual = Entry(specification.code).storedFormat;
+  if (usual != kShortFormat || CheckValues(specification.code, specification.values)) return usual;
+  for (const char* const format :
+       {usual, "%.7e", "%.8e", "%.9e", "%.10e", "%.11e", "%.12e", "%.13e", "%.14e"}) {
+    if (HoldsQuantiles(specification, format)) return format;
+  }
+  return kExactFormat;
+}
+
+// A bound is written with six decimals where they hold it.
+std::string BoundText(double bound) {
+  return NumberText(bound,
+                    AsStored(bound, kShortFormat.data()) == bound ? kShortFormat.data() : kExactFormat);
+}
+
+// A fit can be stored when the reader will take it back, since one bad property ends the read of all
+// variables.
+bool IsStorable(const DistributionSpecification& specification) {
+  return !CheckSpecification(StoredForm(specification));
 }
 
 // Only a variable that has carried the mark needs it taken back.
@@ -57,9 +106,13 @@ void MarkInvalidFit(VariablePropertyStore& store, int variableNumber, bool inval
 
 }  // namespace
 
+DistributionSpecification StoredForm(const DistributionSpecification& specification) {
+  return AsStored(specification, FormatOf(specification));
+}
+
 std::string DistributionPropertyText(const DistributionSpecification& specification) {
   const auto keys = StoredKeys(specification.code);
-  const char* const format = Entry(specification.code).storedFormat;
+  const char* const format = FormatOf(specification);
   std::vector<std::string> items;
   for (std::size_t i = 0; i < specification.values.size(); ++i) {
     const double value = specification.values[i];
@@ -76,8 +129,8 @@ std::string TruncationPropertyText(const Truncation& truncation) {
   const bool finiteMaximum = std::isfinite(truncation.maximum);
   return Enclosed({truncation.below && finiteMinimum ? "1" : "0",
                    truncation.above && finiteMaximum ? "1" : "0",
-                   NumberText(finiteMinimum ? truncation.minimum : kNotSet),
-                   NumberText(finiteMaximum ? truncation.maximum : kNotSet)});
+                   BoundText(finiteMinimum ? truncation.minimum : kNotSet),
+                   BoundText(finiteMaximum ? truncation.maximum : kNotSet)});
 }
 
 void WriteDistributionProperties(VariablePropertyStore* store, const VariableDistributions& distributions) {

@@ -163,6 +163,11 @@ std::optional<double> ParseNumber(std::string_view text, NumberLocale locale) {
   return value;
 }
 
+std::optional<double> ParseTravelledNumber(std::string_view text) {
+  if (const auto value = ParseNumber(text)) return value;
+  return ParseNumber(text, {','});
+}
+
 std::optional<int> ParseInteger(std::string_view text) {
   if (text.starts_with('+')) {
     text.remove_prefix(1);

@@ -25,7 +25,7 @@ bool IsEntry(double value) {
 }
 
 std::optional<double> EntryOf(const std::string& cell) {
-  const auto value = ParseNumber(Trim(cell), UserNumberLocale());
+  const auto value = ParseTravelledNumber(Trim(cell));
   return value && IsEntry(*value) ? value : std::nullopt;
 }
 
