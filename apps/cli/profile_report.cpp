@@ -132,7 +132,7 @@ std::string CapabilityText(const ResultTable& table) {
     return ReadableNumber(table.Row(statistic).Number("value"_column), kDigits);
   };
   std::string text = "  Specification: LSL " + value("lsl"_column) + ", target " + value("target"_column) +
-                     ", USL " + value("usl"_column) + "; A-D p-value of the normal " +
+                     ", USL " + value("usl"_column) + "; A-D p-value of the fitted normal " +
                      value("normal_p"_column) + "\n";
   const ResultRow& lowPoint = table.Row("low_point"_column);
   std::size_t families = kFamilies.size() - 1;

@@ -182,7 +182,8 @@ TEST_F(VariableProperties, OrderAndTruncationFollowTheRank) {
 TEST_F(VariableProperties, AFitThatNoReaderWouldTakeIsNotWritten) {
   Write({{.code = kNormal, .values = {kNotSet, 1}},
          {.code = kWeibull, .values = {1, 2}, .offset = kInfinity},
-         {.code = kGaussianMixture, .values = {0.5, -444.000000000001, 1, 0.5, 0, 1}},  // prints as -4.440000e+02
+         {.code = kGaussianMixture,
+          .values = {0.5, -444.000000000001, 1, 0.5, 0, 1}},  // prints as -4.440000e+02
          {.code = kRayleigh, .values = {1}}});
   EXPECT_EQ(Property("zOrder"), "Rayleigh;");
   EXPECT_EQ(Property("Normal"), "(no such property)");

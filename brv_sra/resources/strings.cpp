@@ -548,7 +548,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"target"_column.heading, "Target"},
     {"usl"_column.heading, "USL"},
     {"within_deviation"_column.heading, "Std.Dev. (within)"},
-    {"normal_p"_column.heading, "Normal: A-D p-value"},
+    {"normal_p"_column.heading, "Normal: A-D p-value (fitted parameters)"},
     {"cp"_column.heading, "Cp"},
     {"cpl"_column.heading, "Cpl"},
     {"cpu"_column.heading, "Cpu"},

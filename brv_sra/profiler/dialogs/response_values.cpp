@@ -65,11 +65,4 @@ SensitivityTable ResponseSensitivity(const SimulatedResponse& response) {
   return AnalyseSensitivity(ResponseValues(response), predictors);
 }
 
-double NormalPValue(const VariableFit& fit) {
-  const auto normal = std::ranges::find_if(fit.fits, [](const DistributionFit& one) {
-    return one.specification.code == DistributionCode::kNormal && one.IsValid();
-  });
-  return normal == fit.fits.end() ? kNotSet : normal->andersonDarling.pValue;
-}
-
 }  // namespace brenvolt::sra

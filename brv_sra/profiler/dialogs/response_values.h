@@ -19,7 +19,5 @@ bool HasFewValues(std::span<const double> sorted);
 Moments MomentsOf(const SimulatedResponse& response);
 // Over the runs in which nothing is missing.
 SensitivityTable ResponseSensitivity(const SimulatedResponse& response);
-// Of the normal distribution's Anderson-Darling test among the fits; kNotSet without one.
-double NormalPValue(const VariableFit& fit);
 
 }  // namespace brenvolt::sra

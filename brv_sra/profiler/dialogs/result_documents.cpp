@@ -22,6 +22,7 @@
 #include "host/base/number_text.h"
 #include "host/statistics/capability.h"
 #include "host/statistics/frequency_table.h"
+#include "host/statistics/normality.h"
 #include "host/statistics/percentiles.h"
 
 namespace brenvolt::sra {
@@ -99,11 +100,10 @@ constexpr CapabilityRow kCapabilityRows[] = {
     {"percentile_total"_column, [](const Capability& c) { return c.percentile.expected.total; }}};
 
 // The best fit where the normal distribution is another and is rejected; null otherwise.
-const DistributionFit* BestInsteadOfNormal(const VariableFit& fit) {
+const DistributionFit* BestInsteadOfNormal(const VariableFit& fit, double normalPValue) {
   const auto best = DefaultFit(fit.fits, fit.ranked);
   if (!best || fit.fits[*best].specification.code == DistributionCode::kNormal) return nullptr;
-  const double pValue = NormalPValue(fit);
-  return !IsNotSet(pValue) && pValue < kRejection ? &fit.fits[*best] : nullptr;
+  return !IsNotSet(normalPValue) && normalPValue < kRejection ? &fit.fits[*best] : nullptr;
 }
 
 PercentileCapability PercentilesOf(const DistributionFit& fit, const SpecificationLimits& limits) {
@@ -248,8 +248,9 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   capability.limits = response.limits;
   capability.report = AnalyseCapability(values, response.limits, kConfidence);
   capability.missing = static_cast<std::int64_t>(values.size()) - capability.report.sample.count;
-  capability.normalPValue = NormalPValue(fit);
-  const DistributionFit* best = BestInsteadOfNormal(fit);
+  // Nothing is said of a response of few different values, to which no distribution was fitted.
+  if (!fit.invalid) capability.normalPValue = TestNormality(values).pValue;
+  const DistributionFit* best = BestInsteadOfNormal(fit, capability.normalPValue);
   if (best != nullptr) capability.percentile = PercentilesOf(*best, response.limits);
 
   std::vector<std::string> names;

@@ -15,6 +15,7 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "host/analysis/result_table.h"
 #include "host/base/error.h"
+#include "host/statistics/normality.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -93,6 +94,17 @@ TEST(CapabilityDocument, NormalResponseHasNoIndicesByPercentiles) {
   EXPECT_LT(Cell(*table, "cpk"_column, "lower"_column), Cell(*table, "cpk"_column));
   for (const ResultColumn* row : {&"low_point"_column, &"percentile_ppk"_column, &"percentile_total"_column})
     EXPECT_TRUE(std::isnan(Cell(*table, *row))) << row->identifier;
+}
+
+// A² is 2.21 where both parameters are fitted: a p-value near 1e-5, though a test for known parameters sees nothing.
+TEST(CapabilityDocument, TheNormalityTestAllowsForTheFittedParameters) {
+  auto values = Quantiles(DistributionCode::kLogNormal, {0, 0.25}, 300, 67);
+  const NormalityTest test = TestNormality(values);
+  ASSERT_NEAR(test.statistic, 2.2, 1.0);
+  const auto table = CapabilityOf(values, {0.2, 3, kNan});
+  EXPECT_EQ(Cell(*table, "normal_p"_column), test.pValue);
+  EXPECT_LT(test.pValue, 0.005);
+  EXPECT_FALSE(std::isnan(Cell(*table, "high_point"_column)));
 }
 
 // The distribution's own points, exp(-3 s), 1 and exp(3 s), make every index by percentiles 1 at these
