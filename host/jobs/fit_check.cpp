@@ -5,6 +5,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/quoted.h"
 #include "host/jobs/fit_job.h"
+#include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
 
 namespace brenvolt {
@@ -221,6 +222,8 @@ JobFaults FitJob::CheckVariables(const Variables& fitted) const {
 
 JobFaults FitJob::Check() const {
   JobFaults faults = FitCheck(*this).Faults();
+  CheckGraphsTarget("graphs", graphs, faults);
+  CheckTargetsApart({{"data", data.file}}, {{"save", save}, {"graphs", graphs}}, faults);
   if (!variables.All().empty()) {
     Append(CheckVariables(variables), faults);
   } else if (!trials.empty()) {

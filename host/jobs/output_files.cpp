@@ -1,9 +1,24 @@
 #include "host/jobs/output_files.h"
 
+#include <algorithm>
+#include <cstddef>
+#include <system_error>
+
 #include "host/jobs/project_files.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
+namespace {
+
+// Whether two names lead to one file, which need not be there yet.
+bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  if (a.empty() || b.empty()) return false;
+  std::error_code ignored;
+  if (std::filesystem::equivalent(a, b, ignored)) return true;
+  return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
+}
+
+}  // namespace
 
 bool IsRegularTarget(const std::filesystem::path& path) {
   std::error_code ignored;
@@ -18,6 +33,26 @@ void CheckDataTarget(std::string_view field, const std::filesystem::path& path, 
   }
   faults.push_back(
       {std::string(field), "expected a file ending in .csv, .npz or .bvw, got " + path.string()});
+}
+
+void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  if (path.empty() || HasEnding(path, ".json") || !IsRegularTarget(path)) return;
+  faults.push_back({std::string(field), "expected a file ending in .json, got " + path.string()});
+}
+
+void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
+                       JobFaults& faults) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    const auto& [field, path] = outputs[i];
+    if (path.empty() || !IsRegularTarget(path)) continue;
+    const auto isSame = [&path](const JobFile& other) { return IsSameFile(other.path, path); };
+    if (!HasProjectEnding(path) && std::ranges::any_of(inputs, isSame)) {
+      faults.push_back({std::string(field), "would replace " + path.string() + ", which is read"});
+    }
+    if (std::any_of(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i), isSame)) {
+      faults.push_back({std::string(field), path.string() + " is given for another output, too"});
+    }
+  }
 }
 
 void RefuseReplacedProject(const std::filesystem::path& path) {

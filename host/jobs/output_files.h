@@ -17,6 +17,19 @@ bool IsRegularTarget(const std::filesystem::path& path);
 // Adds a fault of the field unless data may go to `path`: a project, CSV or NumPy arrays by the ending, CSV
 // to devices and pipes, or nothing for an empty path.
 void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// The same for the data of graphs: JSON, by the ending, or a device or pipe.
+void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+
+// A file that a job reads or writes, and the field that names it. An empty path is no file.
+struct JobFile {
+  std::string_view field;
+  std::filesystem::path path;
+};
+// Adds a fault for each output that would replace what the job reads or what it writes elsewhere. A project may be
+// read and added to.
+void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
+                       JobFaults& faults);
+
 // Throws Error where data of another format would replace a project.
 void RefuseReplacedProject(const std::filesystem::path& path);
 

@@ -89,6 +89,10 @@ JobFaults ProfileJob::Check() const {
   if (seed) CheckWholeNumber("seed", *seed, 1, kMostInteger, faults);
   CheckEntries(*this, faults);
   CheckDataTarget("output", output, faults);
+  CheckGraphsTarget("graphs", graphs, faults);
+  std::vector<JobFile> inputs{{"data", data.file}};
+  for (const auto& model : models) inputs.push_back({"models", model});
+  CheckTargetsApart(inputs, {{"output", output}, {"graphs", graphs}}, faults);
   return faults;
 }
 

@@ -1,5 +1,6 @@
 #include "host/jobs/score_job.h"
 
+#include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
 #include "host/models/prediction_model.h"
 
@@ -9,6 +10,7 @@ JobFaults ScoreJob::Check() const {
   JobFaults faults;
   if (model.empty()) faults.push_back({"model", "the file of a model is missing"});
   if (data.file.empty()) faults.push_back({"data", "the file of the data is missing"});
+  CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
 

@@ -83,6 +83,7 @@ JobFaults SimulateJob::Check() const {
         {"matrix", "only methods that induce correlation follow a matrix; " + method + " does not"});
   }
   CheckDataTarget("output", output, faults);
+  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}}, {{"output", output}}, faults);
   return faults;
 }
 
