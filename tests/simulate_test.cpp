@@ -29,6 +29,19 @@ TEST_F(Command, SavedFitsSimulateReproducibly) {
   EXPECT_NEAR(report["variables"][1]["mean"], 70.897, 0.5);
 }
 
+// Runs that start within one second of the clock differ, and what is drawn can be drawn again.
+TEST_F(Command, ASeedIsDrawnAndReportedWhereNoneIsGiven) {
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "geyser.bvw"});
+  const std::vector<std::string> call{"simulate", "geyser.bvw", "--samples", "5", "--format", "json"};
+  const auto first = Json::parse(MustRun(call).out);
+  const auto second = Json::parse(MustRun(call).out);
+  EXPECT_NE(first["seed"], second["seed"]);
+  EXPECT_NE(first["variables"], second["variables"]);
+  std::vector<std::string> again = call;
+  again.insert(again.end(), {"--seed", std::to_string(first["seed"].get<int>())});
+  EXPECT_EQ(Json::parse(MustRun(again).out), first);
+}
+
 TEST_F(Command, EditedPropertyChangesTheSimulation) {
   MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--distributions", "normal",
            "--save", "p.bvw"});

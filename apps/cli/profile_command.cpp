@@ -82,12 +82,14 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
   if (call.format == ReportFormat::kJson) {
     auto report = ProfileJson(run.results);
+    report["seed"] = run.seed;
     if (!job.output.empty()) report["output"] = {{"file", job.output.string()}};
     if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
     if (!job.graphs.empty()) report["graphs"] = job.graphs.string();
     std::fputs(JsonText(report).c_str(), stdout);
     return;
   }
+  if (!job.seed) std::printf("Seed %d\n", run.seed);
   std::fputs(ProfileText(run.results).c_str(), stdout);
   if (!job.output.empty()) {
     std::printf("\nSimulated data %s %s%s\n", run.outputSheet.empty() ? "written to" : "saved in",
@@ -124,7 +126,8 @@ void AddProfileCommand(CLI::App& program) {
              "Formula that predicts a response, in the place of a model's; may be repeated");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
             "Number of runs, 100 to 100000 (default 5000)");
-  AddNumber(*command, "--seed", "seed", job.seed, "S", "Seed, 1 or more: the same seed gives the same runs");
+  AddNumber(*command, "--seed", "seed", job.seed, "S",
+            "Seed, 1 or more: the same seed gives the same runs; default: one is drawn and reported");
   command->add_flag("--correlated", job.correlated, "Correlate the predictors as their columns are");
   command->add_flag("--fit-best", job.fitBest,
                     "Draw each predictor from the distribution that fits its column best");

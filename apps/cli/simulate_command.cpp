@@ -37,6 +37,7 @@ std::string DestinationText(const SimulationRun& run) {
 Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
   Json report = {{"method", run.summary->Table().Title()},
                  {"samples", call.Samples()},
+                 {"seed", run.seed},
                  {"variables", SummaryJson(ReadResultTable(run.summary->Table()))}};
   ResultTable pairs;
   if (run.correlations != nullptr) {
@@ -65,7 +66,8 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
     return;
   }
   const ResultTable summary = ReadResultTable(run.summary->Table());
-  std::printf("%s, %s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(),
+  const std::string seed = call.job.seed ? "" : ", seed " + std::to_string(run.seed);
+  std::printf("%s, %s%s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), seed.c_str(),
               SummaryText(summary).c_str());
   if (run.correlations != nullptr)
     std::printf("\n%s", CorrelationsText(ReadResultTable(run.correlations->Table())).c_str());
@@ -121,7 +123,7 @@ void AddSimulateCommand(CLI::App& program) {
       ->type_name("SHEET|FILE");
   AddNumber(*command, "--samples", "samples", job.samples, "N", "Number of samples (default 1000)");
   AddNumber(*command, "--seed", "seed", job.seed, "S",
-            "Seed, 0 or more: the same seed gives the same samples");
+            "Seed, 0 or more: the same seed gives the same samples; default: one is drawn and reported");
   command->add_flag("--truncate", job.truncate, "Keep each variable within its 0.5 % and 99.5 % quantiles");
   command
       ->add_option(

@@ -217,6 +217,7 @@ void BindSimulateJob(py::module_& module) {
       .def_readwrite("truncate", &SimulateJob::truncate)
       .def_readwrite("matrix", &SimulateJob::matrix)
       .def("check", [](const SimulateJob& job) { RequireNone(job.Check()); })
+      .def("choose_seed", &SimulateJob::ChooseSeed)
       .def("specify", &SpecifySimulation);
 }
 

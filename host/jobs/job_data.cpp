@@ -1,6 +1,14 @@
 #include "host/jobs/job_data.h"
 
+#include <limits>
+#include <random>
+
 namespace brenvolt {
+
+std::int32_t DrawSeed() {
+  std::random_device source;
+  return std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source);
+}
 
 void JobRun::Start(ProgramInterface& interface, JobRecorder& recorder) {
   session = std::make_unique<AnalysisSession>(interface, *sheet);

@@ -1,6 +1,7 @@
 // Where the data of a job are, and what every job that was run leaves.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <string>
@@ -17,6 +18,10 @@ struct JobData {
 
   CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
 };
+
+// A seed for a job that was given none, from 1 to 2147483647, from the system's source of random numbers: jobs that
+// start within one tick of the clock differ, too.
+std::int32_t DrawSeed();
 
 // The results are those of the open dialog.
 struct JobRun {

@@ -56,7 +56,8 @@ std::size_t PlaceOf(const std::string& name, const std::vector<std::string>& nam
 // The dialog of the profiler, with predictors and responses by their places from 0.
 class Profiler {
  public:
-  Profiler(const ProfileJob& job, AnalysisSession& session) : job_(job), session_(session) {
+  Profiler(const ProfileJob& job, std::int32_t seed, AnalysisSession& session)
+      : job_(job), seed_(seed), session_(session) {
     session_.Begin(Task::kProfile);
     dialog_ = session_.Dialog();
   }
@@ -66,10 +67,8 @@ class Profiler {
     LoadModels();
     SetFormulas();
     Put("NumberOfSamples", AsInteger(job_.samples));
-    if (job_.seed) {
-      Put("IsSeedRandomNumber", 1);
-      Put("RandomSeedNumber", AsInteger(*job_.seed));
-    }
+    Put("IsSeedRandomNumber", 1);
+    Put("RandomSeedNumber", seed_);
     if (job_.correlated) Put("IsEditCorrelation", 1);
     if (job_.fitBest) FitBest();
     SpecifyPredictors();
@@ -229,6 +228,7 @@ class Profiler {
   }
 
   const ProfileJob& job_;
+  const std::int32_t seed_;
   AnalysisSession& session_;
   std::shared_ptr<AutomationObject> dialog_;
   std::vector<std::string> predictors_;
@@ -269,7 +269,8 @@ ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) c
   recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
   recorder.Took(&run.data.workbook, data.sheet, run.sheet);
   run.Start(interface, recorder);
-  Profiler profiler(*this, *run.session);
+  run.seed = seed ? AsInteger(*seed) : DrawSeed();
+  Profiler profiler(*this, run.seed, *run.session);
   profiler.Prepare();
   const Table simulated = profiler.Simulate();
   run.results.runs = static_cast<std::int64_t>(samples);

@@ -17,6 +17,7 @@ namespace brenvolt {
 struct ProfileRun : JobRun {
   ProfileResults results;
   std::string outputSheet;  // the sheet of the simulated runs where they went into a project
+  std::int32_t seed = 0;    // given or drawn: the same seed gives the same runs
 };
 
 struct ProfileJob {
@@ -42,9 +43,9 @@ struct ProfileJob {
   std::vector<std::filesystem::path> models;
   std::vector<std::string> formulas;  // "RESPONSE = EXPRESSION", in the place of a model of the response
   double samples = 5000;
-  std::optional<double> seed;
-  bool correlated = false;  // the predictors, as their columns are
-  bool fitBest = false;     // each predictor by what fits its column best
+  std::optional<double> seed;  // without, Run draws one
+  bool correlated = false;     // the predictors, as their columns are
+  bool fitBest = false;        // each predictor by what fits its column best
   std::vector<Noise> noise;
   std::vector<Specification> specifications;
   std::vector<Fixed> fixed;

@@ -99,10 +99,17 @@ void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet) co
   dialog->Put("TruncateSimulationData", truncate);
 }
 
+void SimulateJob::ChooseSeed() {
+  if (!seed) seed = DrawSeed();
+}
+
 SimulationRun SimulateJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   RefuseReplacedProject(output);
+  SimulateJob seeded = *this;
+  seeded.ChooseSeed();
   SimulationRun run;
+  run.seed = AsInteger(*seeded.seed);
   run.data = OpenProject(data.file);
   run.sheet = &FittedSheet(run.data, data.sheet);
   const bool isCorrelated = InducesCorrelation(method);
@@ -114,7 +121,7 @@ SimulationRun SimulateJob::Run(ProgramInterface& interface, JobRecorder& recorde
   recorder.Opened(data.file, false, &run.data.workbook);
   recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
   run.Start(interface, recorder);
-  Specify(*run.session, *run.sheet);
+  seeded.Specify(*run.session, *run.sheet);
   PutMatrix(*this, run, std::move(chosen), recorder);
   if (isCorrelated || HasProjectEnding(output)) {
     RunToSheet(run);

@@ -24,6 +24,7 @@ struct SimulationRun : JobRun {
   std::string outputSheet;
   std::filesystem::path matrixFile;
   std::string matrixSheet;
+  std::int32_t seed = 0;  // given or drawn: the same seed gives the same samples
 };
 
 struct SimulateJob {
@@ -31,13 +32,15 @@ struct SimulateJob {
   std::vector<std::string> variables;  // without names, all with distributions
   std::string method = "monte-carlo";
   double samples = 1000;
-  std::optional<double> seed;    // without, the samples differ each time
+  std::optional<double> seed;    // without, Run draws one
   bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
   std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
 
   // All that can be refused without the data.
   JobFaults Check() const;
+  // Draws a seed where there is none.
+  void ChooseSeed();
   // The whole job, from a project. Throws WrongJob before anything is done, JobFailed, and Error.
   SimulationRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
   // Fills the dialog of the simulation, from a session over `sheet` whose startup dialog is open. A

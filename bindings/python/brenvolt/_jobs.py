@@ -388,7 +388,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one.
     method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
     "latin-hypercube-iman-conover".
-    seed: 0 to 2147483647; the same seed gives the same samples. Without, they differ each time.
+    seed: 0 to 2147483647; the same seed gives the same samples. Without, one is drawn, so that they differ each time;
+    the frame's attrs["seed"] tells it.
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
     matrix: the correlations that samples follow: a square DataFrame, a matrix Spreadsheet, or the name of a matrix
     sheet or file; without, the correlations that belong to the fits.
@@ -403,6 +404,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     table, own_matrix = _fitted_sheet(source, sheet)
     if variables is None and isinstance(source, FitResult):
         job.variables = sorted(source.best, key=lambda name: table.variable(name).number)
+    job.choose_seed()
     analysis = _automation.Analysis(table)
     job.specify(analysis._analysis)
     dialog = analysis.dialog
@@ -412,7 +414,9 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     dialog.OK()
     if not analysis.documents:
         raise Error("nothing was produced; this method has no generator", method)
-    return analysis.documents[0].to_pandas()
+    frame = analysis.documents[0].to_pandas()
+    frame.attrs["seed"] = int(job.seed)
+    return frame
 
 
 def _fitted_sheet(source, name):
@@ -422,7 +426,7 @@ def _fitted_sheet(source, name):
     if isinstance(source, Spreadsheet):
         return source, _brenvolt._saved_matrix(source)
     if not isinstance(source, (Workbook, str, os.PathLike)):
-        raise TypeError(f"simulate wants a project or a fit result, not {type(source).__name__}")
+        raise TypeError(f"simulate needs a project or a fit result, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
     table = _brenvolt._fitted_sheet(workbook, name or "")
     return table, _brenvolt._saved_matrix(table)
