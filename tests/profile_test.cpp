@@ -258,7 +258,7 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--spec", "Z=1,,2"}, 2, "no response called 'Z'"},
       {{"--formula", "Y=A", "--spec", "Y=5,,2"}, 2, "must be less than"},
       {{"--formula", "Y=A", "--spec", "Y=1,7,2"}, 2, "target"},
-      {{"--formula", "Y=A", "--spec", "Y=,1,"}, 2, "neither limit"},
+      {{"--formula", "Y=A", "--spec", "Y=,1,"}, 2, "expected a lower or an upper limit"},
       {{"--formula", "Y=A", "--spec", "Y=1,2"}, 2, "LSL,TARGET,USL"},
       {{"--formula", "Y=A", "--spec", "Y=1,,x"}, 2, "expected a number, got 'x' (--spec)"},
       {{"--formula", "Y=A", "--spec", "Y=1,,2", "--spec", "Y=1,,3"}, 2, "twice"},

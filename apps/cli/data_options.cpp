@@ -71,7 +71,7 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
 }
 
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {
-  if (!HasProjectEnding(path)) throw WrongCall(option + " wants a file ending in .bvw, not " + path.string());
+  if (!HasProjectEnding(path)) throw WrongCall(option + " needs a file ending in .bvw, got " + path.string());
 }
 
 }  // namespace brenvolt::cli

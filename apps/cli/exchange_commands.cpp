@@ -57,13 +57,13 @@ void Export(const ExportOptions& options) {
 }  // namespace
 
 void AddImportCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("import", "Take a data file into a project");
+  CLI::App* command = program.add_subcommand("import", "Import a data file into a project");
   const auto options = std::make_shared<ImportOptions>();
   command
       ->add_option("FILE", options->input.file,
                    "CSV file with a header row: data, or a matrix whose first column names the rows")
       ->required();
-  command->add_option("-o,--output", options->project, "Project, made when there is none")
+  command->add_option("-o,--output", options->project, "Project, created if it does not exist")
       ->required()
       ->type_name("PROJECT.bvw");
   command->add_option("--sheet", options->input.sheet, "Name of the new sheet; default: the file's name")

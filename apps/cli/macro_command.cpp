@@ -61,7 +61,7 @@ std::vector<std::string> InterpreterArguments(const MacroArguments& macro) {
 }
 
 [[noreturn]] void RunMacro(const MacroArguments& macro) {
-  if (macro.all.empty()) throw WrongCall("macro wants the file of a macro, FILE.py");
+  if (macro.all.empty()) throw WrongCall("missing macro file: macro needs FILE.py");
   std::error_code ignored;
   const fs::path file = macro.all.front();
   if (!fs::exists(file, ignored)) throw Error("no such macro", file.string());
@@ -81,7 +81,7 @@ void AddMacroCommand(CLI::App& program) {
       program.add_subcommand(kMacroVerb, "Run a macro: a Python program over the package brenvolt");
   const auto macro = std::make_shared<MacroArguments>();
   AddRecordOption(*command, macro->record);
-  command->add_option("FILE.py ARGUMENT", macro->all, "The macro, and what it is given as its arguments")
+  command->add_option("FILE.py ARGUMENT", macro->all, "The macro, and the arguments to pass to it")
       ->type_name("");
   command->footer(
       "The exit status is the macro's. BRENVOLT_PYTHON names another Python interpreter.\n"

@@ -12,6 +12,7 @@
 #include "host/base/error.h"
 #include "host/base/interruption.h"
 #include "host/base/memory_policy.h"
+#include "host/base/quoted.h"
 #include "host/jobs/analysis_session.h"
 
 namespace {
@@ -37,8 +38,9 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
     if (argc >= 2 && verb->get_name() == argv[1]) return;
     verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
   }
-  if (argc < 2) throw brenvolt::cli::WrongCall("what shall be done? The verbs are " + verbs);
-  throw brenvolt::cli::WrongCall("no verb called " + std::string(argv[1]) + "; there are " + verbs);
+  if (argc < 2) throw brenvolt::cli::WrongCall("missing command; the commands are " + verbs);
+  throw brenvolt::cli::WrongCall("unknown command " + brenvolt::Quoted(argv[1]) + "; the commands are " +
+                                 verbs);
 }
 
 // The arguments as the parser takes them, last first. What stands behind a macro's file is the macro's, also
@@ -61,7 +63,7 @@ int Run(int argc, char** argv) {
   program.name(brenvolt::cli::kProgram);
   program.set_version_flag("--version", BRENVOLT_VERSION);
   program.require_subcommand(1);
-  program.footer("brenvolt VERB --help tells more, with an example." + kExitStatuses);
+  program.footer("brenvolt COMMAND --help gives details and an example." + kExitStatuses);
   brenvolt::cli::AddFitCommand(program);
   brenvolt::cli::AddSimulateCommand(program);
   brenvolt::cli::AddProfileCommand(program);

@@ -123,7 +123,7 @@ void AddProfileCommand(CLI::App& program) {
   AddEntries(*command, "--model", job.models, ParseModel, "FILE.pmml",
              "Model that predicts its dependents; may be repeated");
   AddEntries(*command, "--formula", job.formulas, ParseFormula, "'Y=...'",
-             "Formula that predicts a response, in the place of a model's; may be repeated");
+             "Formula that predicts a response instead of a model; may be repeated");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
             "Number of runs, 100 to 100000 (default 5000)");
   AddNumber(*command, "--seed", "seed", job.seed, "S",

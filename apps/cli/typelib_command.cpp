@@ -132,7 +132,7 @@ void Print(const TypelibOptions& options) {
 void AddTypelibCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("typelib", "Show what macros and scripts can call");
   const auto options = std::make_shared<TypelibOptions>();
-  command->add_option("INTERFACE", options->interface, "Interface to show; all where none is named");
+  command->add_option("INTERFACE", options->interface, "Interface to show; default: all");
   command->add_flag("--idl", options->idl, "Print the type library as interface description text (IDL)");
   AddFormatOption(*command, options->format);
   command->footer("Examples:\n  brenvolt typelib SRAFitDistribution\n  brenvolt typelib --idl > brvsra.idl");

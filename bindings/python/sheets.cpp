@@ -13,7 +13,7 @@ SheetRef::SheetRef(std::shared_ptr<CAnalysisTableDoc> document) : document_(std:
 
 Spreadsheet& SheetRef::Sheet() const {
   if (document_ == nullptr) return *sheet_;
-  if (!document_->HasTable()) throw Error("the document has no spreadsheet any more");
+  if (!document_->HasTable()) throw Error("the document no longer has a spreadsheet");
   return document_->Table();
 }
 

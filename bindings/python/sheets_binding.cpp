@@ -219,7 +219,7 @@ void BindVariable(py::module_& module) {
       .def_property(
           "values", &Values, &SetValues,
           "The values as a NumPy array, a read-only view without a copy. Assign an array to replace "
-          "them all; a view made before keeps the former ones.")
+          "them all; a view made before keeps the old ones.")
       .def_property("missing_code",
                     py::cpp_function([](const VariableRef& v) { return v.Get().MissingCode(); }, InHost()),
                     py::cpp_function(
@@ -228,7 +228,7 @@ void BindVariable(py::module_& module) {
                           v.Get().SetMissingCode(code);
                         },
                         InHost()),
-                    "The value that stands for a missing one, beside NaN, which always does.")
+                    "The value that means a missing one, in addition to NaN, which always does.")
       .def_property_readonly("missing", &Missing, "True for each case whose value is missing.")
       .def_property("labels",
                     py::cpp_function([](const VariableRef& v) { return v.Get().Labels(); }, InHost()),
@@ -435,7 +435,7 @@ void BindWorkbook(py::module_& module) {
             TheJob().Called(book.get(), "Save", {path ? PythonPath(*path) : ""});
           },
           InHost(), py::arg("path") = std::nullopt,
-          "Writes the project in one step: the file holds its former or its new content, never a mixture. "
+          "Writes the project in one step: the file holds its old or its new content, never a mixture. "
           "Without a path, to the file that it was read from or last saved to.")
       .def(
           "__repr__",

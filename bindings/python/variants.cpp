@@ -60,7 +60,7 @@ std::string TextFrom(const py::handle& text) {
   const char* characters = PyUnicode_AsUTF8AndSize(text.ptr(), &size);
   if (characters != nullptr) return {characters, static_cast<std::size_t>(size)};
   PyErr_Clear();
-  throw py::value_error("the text holds half a surrogate pair, which is no character");
+  throw py::value_error("the text contains half of a surrogate pair, which is not a character");
 }
 
 std::int64_t IntegerFrom(const py::handle& value) {

@@ -56,7 +56,7 @@ std::vector<std::int16_t> VariableNumbers(const Variant& value, std::size_t vari
   std::vector<std::int16_t> sorted = numbers;
   std::ranges::sort(sorted);
   const auto twice = std::ranges::adjacent_find(sorted);
-  if (twice != sorted.end()) throw Error("variable " + std::to_string(*twice) + " is named twice");
+  if (twice != sorted.end()) throw Error("variable " + std::to_string(*twice) + " is listed twice");
   return numbers;
 }
 

@@ -29,7 +29,7 @@ void ControlSet::AddRows(const std::vector<RowTemplate>& rows) {
       state.caption = control.caption;
       state.radioGroup = groups_;
       if (!controls_.emplace(control.number, std::move(state)).second) {
-        throw Error("control " + std::to_string(control.number) + " stands twice in a dialog template");
+        throw Error("control " + std::to_string(control.number) + " appears twice in a dialog template");
       }
     }
   }

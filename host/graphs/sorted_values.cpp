@@ -9,7 +9,7 @@
 namespace brenvolt {
 
 void RequireSorted(std::span<const double> values, const char* where) {
-  if (values.empty()) throw Error("there are no values", where);
+  if (values.empty()) throw Error("expected at least one value", where);
   if (!std::ranges::all_of(values, [](double x) { return std::isfinite(x); })) {
     throw Error("a value is not finite", where);
   }

@@ -18,7 +18,7 @@ Spreadsheet ReadSheet(const ImportRequest& request) {
 }  // namespace
 
 Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesystem::path& project) {
-  if (Workbook::IsWorkbookFile(request.file)) throw Error("is a project already", request.file.string());
+  if (Workbook::IsWorkbookFile(request.file)) throw Error("is already a project", request.file.string());
   Spreadsheet sheet = ReadSheet(request);
   if (!request.sheet.empty()) sheet.SetName(request.sheet);
   MergeIntoProject(project, sheet);

@@ -105,7 +105,7 @@ class FitCheck {
       if (any || !IsFitted(continuous)) continue;
       Add("distributions",
           continuous ? "none of these is for continuous variables; a variable is fitted as discrete only "
-                       "where it is named so"
+                       "if it is given as discrete"
                      : "none of these is for discrete variables");
     }
   }
@@ -115,7 +115,8 @@ class FitCheck {
     CheckOnce("continuous", continuous, faults_);
     CheckOnce("discrete", discrete, faults_);
     for (const std::string& name : discrete) {
-      if (Holds(continuous, name)) Add("discrete", Quoted(name) + " is named as continuous and as discrete");
+      if (Holds(continuous, name))
+        Add("discrete", Quoted(name) + " is given both as continuous and as discrete");
     }
   }
 
@@ -129,7 +130,7 @@ class FitCheck {
       if (type->offset.empty()) Add("offsets", "the " + name + " distribution has no offset");
       RequireTried("offsets", *type);
       CheckNumber("offsets", offset.value, faults_, things.back());
-      if (IsNotSet(offset.value)) Add("offsets", "-444 stands for no offset and cannot be one");
+      if (IsNotSet(offset.value)) Add("offsets", "-444 means that no offset is set and cannot be an offset");
     }
     CheckOnce("offsets", std::move(things), faults_);
   }
@@ -146,7 +147,7 @@ class FitCheck {
     if (job_.bootstrap) CheckWholeNumber("bootstrap", *job_.bootstrap, 1, kMostBootstrapSamples, faults_);
     if (!job_.bootstrapSeed) return;
     CheckWholeNumber("bootstrapSeed", *job_.bootstrapSeed, 0, kMostCount, faults_);
-    if (!job_.bootstrap) Add("bootstrapSeed", "without a bootstrap there is nothing to use a seed for");
+    if (!job_.bootstrap) Add("bootstrapSeed", "a seed has no effect without a bootstrap");
   }
 
   void Saving() {
@@ -160,14 +161,15 @@ class FitCheck {
     for (const auto& bound : {truncation.low, truncation.high}) {
       if (!bound) continue;
       CheckNumber("truncate", *bound, faults_, truncation.variable);
-      if (IsNotSet(*bound)) Add("truncate", "-444 stands for no bound and cannot be one");
+      if (IsNotSet(*bound)) Add("truncate", "-444 means that no bound is set and cannot be a bound");
     }
     if (truncation.low && truncation.high && *truncation.low >= *truncation.high)
       Add("truncate", Quoted(truncation.variable) + ": the lower bound must be less than the upper one");
   }
 
   void CheckOrder(const FitJob::Order& order) {
-    if (order.distributions.empty()) Add("order", Quoted(order.variable) + ": no distribution is named");
+    if (order.distributions.empty())
+      Add("order", Quoted(order.variable) + ": expected at least one distribution");
     Names names;
     for (const std::string& name : order.distributions) {
       const FittedType* type = TypeNamed("order", name, faults_);

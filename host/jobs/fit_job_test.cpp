@@ -61,7 +61,7 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
          job.variables.continuous = {"x"};
          job.variables.discrete = {"x"};
        },
-       "discrete: 'x' is named as continuous and as discrete"},
+       "discrete: 'x' is given both as continuous and as discrete"},
       {[](FitJob& job) {
          job.variables.discrete = {"n"};
          job.distributions = {"gev"};
@@ -78,7 +78,7 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
       {[](FitJob& job) {
          job.offsets = {{"x", "weibull", -444}};
        },
-       "offsets: -444 stands for no offset and cannot be one"},
+       "offsets: -444 means that no offset is set and cannot be an offset"},
       {[](FitJob& job) {
          job.offsets = {{"x", "weibull", std::numeric_limits<double>::quiet_NaN()}};
        },
@@ -97,8 +97,7 @@ TEST(FitJob, EachFaultIsSaidWithItsField) {
        },
        "johnsonPercentiles: the johnson distribution is not tried"},
       {[](FitJob& job) { job.bootstrap = 0; }, "bootstrap: expected a whole number from 1 to 1000000, got 0"},
-      {[](FitJob& job) { job.bootstrapSeed = 1; },
-       "bootstrapSeed: without a bootstrap there is nothing to use a seed for"},
+      {[](FitJob& job) { job.bootstrapSeed = 1; }, "bootstrapSeed: a seed has no effect without a bootstrap"},
       {[](FitJob& job) { job.save = "p.csv"; }, "save: expected a file ending in .bvw, got p.csv"},
       {[](FitJob& job) {
          job.order = {{"x", {"normal"}}};

@@ -37,7 +37,7 @@ void CheckLimits(const ProfileJob::Specification& specification, JobFaults& faul
   if (limits.IsValid()) return;
   const std::string response = Quoted(specification.response) + ": ";
   if (!limits.HasLower() && !limits.HasUpper()) {
-    faults.push_back({"specifications", response + "there is neither limit"});
+    faults.push_back({"specifications", response + "expected a lower or an upper limit"});
   } else if (limits.lower >= limits.upper) {
     faults.push_back({"specifications", response + "the lower limit must be less than the upper one"});
   } else if (limits.target < limits.lower || limits.target > limits.upper) {
@@ -59,7 +59,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
   for (const ProfileJob::Noise& one : job.noise) {
     CheckNumber("noise", one.standardDeviation, faults, one.response);
     if (one.standardDeviation < 0)
-      faults.push_back({"noise", Quoted(one.response) + ": a standard deviation is not less than 0"});
+      faults.push_back({"noise", Quoted(one.response) + ": the standard deviation must not be less than 0"});
   }
   for (const ProfileJob::Specification& one : job.specifications) CheckLimits(one, faults);
   for (const ProfileJob::Fixed& one : job.fixed) CheckNumber("fixed", one.value, faults, one.predictor);
@@ -81,7 +81,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
 JobFaults ProfileJob::Check() const {
   JobFaults faults;
   if (models.empty() && formulas.empty())
-    faults.push_back({"models", "nothing is predicted: name a model or give a formula"});
+    faults.push_back({"models", "nothing to predict: give a model or a formula"});
   std::vector<std::string> responses;
   for (const std::string& text : formulas) CheckFormula(text, responses, faults);
   CheckOnce("formulas", std::move(responses), faults);

@@ -223,7 +223,7 @@ class Profiler {
   AnalysisSession::Shown Show(std::string_view member) {
     const std::size_t before = session_.Interface().Documents().size();
     const Variant::Object made = session_.Attempt([&] { return dialog_->Get(member).ToObject(); });
-    if (made == nullptr) throw Error("nothing was made", std::string(member));
+    if (made == nullptr) throw Error("the analysis returned nothing", std::string(member));
     return session_.ShownSince(before);
   }
 

@@ -8,8 +8,8 @@ namespace brenvolt {
 
 JobFaults ScoreJob::Check() const {
   JobFaults faults;
-  if (model.empty()) faults.push_back({"model", "the file of a model is missing"});
-  if (data.file.empty()) faults.push_back({"data", "the file of the data is missing"});
+  if (model.empty()) faults.push_back({"model", "missing model file"});
+  if (data.file.empty()) faults.push_back({"data", "missing data file"});
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }

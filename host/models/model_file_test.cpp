@@ -70,7 +70,7 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
       {Regression(Local(Derived("d", "<Apply function=\"exp\">" + ref + ref + "</Apply>"))),
        "the function exp has the wrong number of arguments (m.pmml, line 10)"},
       {Regression(Local(Derived("d", "<FieldRef field=\"nowhere\"/>"))),
-       "there is no field called nowhere (m.pmml, line 10)"},
+       "unknown field nowhere (m.pmml, line 10)"},
       {Regression(Local(Derived("d", "<Apply function=\"exp\"><FieldRef field=\"c\"/></Apply>"))),
        "texts cannot be used where numbers are needed (m.pmml, line 10)"},
       {Regression(Local(

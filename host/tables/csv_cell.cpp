@@ -46,8 +46,8 @@ bool IsSafeMark(char c) {
 }  // namespace
 
 void CheckCsvFormat(const CsvFormat& format) {
-  if (format.separator == format.decimalSeparator) throw Error("the separator is the decimal separator too");
-  if (!IsSafeMark(format.separator)) throw Error("the separator may stand inside a cell");
+  if (format.separator == format.decimalSeparator) throw Error("the separator is also the decimal separator");
+  if (!IsSafeMark(format.separator)) throw Error("the separator could be part of a cell");
   if (format.decimalSeparator != '.' && format.decimalSeparator != ',') {
     throw Error("the decimal separator is neither point nor comma");
   }

@@ -217,9 +217,9 @@ TEST(ReadCsv, ErrorsNameTheFirstFaultWithItsPlace) {
        "a",
        "is not text in UTF-8", "f.csv, line 1, column 1"},
       {"a,b\n1,2\n3\n4,\xFF\n", "has 1 field, the header has 2", "f.csv, line 3, column 2"},
-      {"a\n1\n", "the separator is the decimal separator too", "", {',', ','}},
-      {"a\n1\n", "the separator may stand inside a cell", "", {'"', '.'}},
-      {"a\n1\n", "the separator may stand inside a cell", "", {'5', '.'}},
+      {"a\n1\n", "the separator is also the decimal separator", "", {',', ','}},
+      {"a\n1\n", "the separator could be part of a cell", "", {'"', '.'}},
+      {"a\n1\n", "the separator could be part of a cell", "", {'5', '.'}},
   };
   for (const auto& row : rows) {
     for (const std::size_t blockBytes : {std::size_t{1}, std::size_t{3}, kCsvBlockBytes}) {

@@ -388,7 +388,7 @@ class Application:
 
     def save_fits(self, sheet: _brenvolt.Spreadsheet, matrix: _brenvolt.Spreadsheet | TableDocument | None,
                   path: str | os.PathLike) -> None:
-        """Saves a fitted sheet with the correlation matrix of its fits in a project (.bvw), made when there is none."""
+        """Saves a fitted sheet with the correlation matrix of its fits in a project (.bvw), created if missing."""
         _brenvolt._save_fits(sheet, _sheet(matrix), path)
 
     def write_fit_graphs(self, analysis: Analysis, path: str | os.PathLike) -> None:
@@ -404,12 +404,12 @@ class Application:
         return _brenvolt._named_matrix(name, sheet)
 
     def append(self, path: str | os.PathLike, *sheets: _brenvolt.Spreadsheet | TableDocument) -> list[str]:
-        """Adds sheets to a project (.bvw), made when there is none, and returns their names there."""
+        """Adds sheets to a project (.bvw), created if missing, and returns their names there."""
         return _brenvolt._append(path, [_sheet(sheet) for sheet in sheets])
 
     def import_file(self, file: str | os.PathLike, project: str | os.PathLike, sheet: str = "", kind: str = "",
                     decimal_comma: bool = False) -> str:
-        """Takes a CSV file into a project (.bvw), made when there is none, and returns the sheet's name.
+        """Imports a CSV file into a project (.bvw), created if missing, and returns the sheet's name.
 
         kind: "data" or "matrix"; by default the file decides.
         """

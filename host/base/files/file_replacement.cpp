@@ -138,7 +138,7 @@ void FileReplacement::Commit() {
   if (fsync(descriptor_) != 0) Fail("cannot be written");
   struct stat former {};
   if (stat(target_.c_str(), &former) == 0 && fchmod(descriptor_, former.st_mode & kPermissionBits) != 0) {
-    Fail("cannot take the permissions of the former file");
+    Fail("cannot keep the permissions of the replaced file");
   }
   if (rename(temporary_.c_str(), target_.c_str()) != 0) Fail("cannot be replaced");
   temporary_.clear();

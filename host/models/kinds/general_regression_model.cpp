@@ -164,7 +164,7 @@ class Design {
 
   std::size_t ParameterNumber(const Element& cell) const {
     const auto found = numbers_.find(cell.Text("parameterName"));
-    if (found == numbers_.end()) cell.Fail("there is no parameter " + cell.Text("parameterName"));
+    if (found == numbers_.end()) cell.Fail("unknown parameter " + cell.Text("parameterName"));
     return found->second;
   }
 

@@ -329,7 +329,7 @@ class EnsembleReader {
       if (!child.Is("Segment")) child.Refuse();
       ReadSegment(child, inside);
     }
-    if (ensemble_->segments.empty()) segmentation.Fail("there are no segments");
+    if (ensemble_->segments.empty()) segmentation.Fail("the model has no segments");
     return Finish();
   }
 

@@ -156,7 +156,7 @@ std::vector<std::string> ReadMiningSchema(const Element& element, Scope& scope, 
                                            Usage::kActive);
     child.PassOver({"importance"});
     if (usage == Usage::kTarget) targets.push_back(name);
-    if (usage != Usage::kTarget && !outside.Knows(name)) child.Fail("there is no field called " + name);
+    if (usage != Usage::kTarget && !outside.Knows(name)) child.Fail("unknown field " + name);
     scope.DefineLater(
         name,
         [name, child, &scope, &outside, isNested, usage] {

@@ -170,7 +170,7 @@ class NeighbourReader {
       names_.push_back(name);
       neighbours_->fields.push_back(std::move(field));
     }
-    if (names_.empty()) inputs.Fail("there are no inputs");
+    if (names_.empty()) inputs.Fail("the model has no inputs");
   }
 
   void ReadTraining(const Element& element) {
@@ -199,7 +199,7 @@ class NeighbourReader {
     columns.push_back(ColumnOf(place_.target, columnOf, element));
     if (!idVariable_.empty()) columns.push_back(ColumnOf(idVariable_, columnOf, element));
     for (const auto& row : ReadInlineTable(*table, columns)) ReadRecord(row, *table);
-    if (neighbours_->targets.empty()) element.Fail("there are no training data");
+    if (neighbours_->targets.empty()) element.Fail("the model has no training data");
   }
 
   static void ReadFields(const Element& element, std::map<std::string, std::string>& columnOf) {

@@ -210,7 +210,8 @@ class NetworkReader {
     for (const Element& child : element.Children()) {
       if (!child.Is("Con")) child.Refuse();
       const auto from = neurons_.find(child.Text("from"));
-      if (from == neurons_.end()) child.Fail("there is no neuron " + child.Text("from") + " before this one");
+      if (from == neurons_.end())
+        child.Fail("no neuron " + child.Text("from") + " is defined before this one");
       neuron.connections.push_back({from->second, child.Real("weight")});
       child.RefuseAnythingElse();
     }
@@ -281,7 +282,7 @@ class NetworkReader {
     for (const Element& output : outputs.Children()) {
       if (!output.Is("NeuralOutput")) output.Refuse();
       const auto neuron = neurons_.find(output.Text("outputNeuron"));
-      if (neuron == neurons_.end()) output.Fail("there is no neuron " + output.Text("outputNeuron"));
+      if (neuron == neurons_.end()) output.Fail("unknown neuron " + output.Text("outputNeuron"));
       output.RefuseOtherAttributes();
       const Element expression = ExpressionOf(output);
       if (place_.function == Function::kRegression) {

@@ -82,7 +82,7 @@ class OutputReader {
     const auto segment = field_->Find("segmentId");
     if (!segment) return result_;
     const auto found = result_.segments.find(std::string(*segment));
-    if (found == result_.segments.end()) field_->Fail("there is no segment " + std::string(*segment));
+    if (found == result_.segments.end()) field_->Fail("unknown segment " + std::string(*segment));
     return *found->second;
   }
 

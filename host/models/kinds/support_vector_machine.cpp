@@ -183,7 +183,7 @@ Machine ReadMachine(const Element& element, const Dictionary& dictionary) {
       for (const Element& vector : child.Children()) {
         if (!vector.Is("SupportVector")) vector.Refuse();
         const auto row = dictionary.rows.find(vector.Text("vectorId"));
-        if (row == dictionary.rows.end()) vector.Fail("there is no vector " + vector.Text("vectorId"));
+        if (row == dictionary.rows.end()) vector.Fail("unknown vector " + vector.Text("vectorId"));
         machine.vectors.push_back(row->second);
         vector.RefuseAnythingElse();
       }

@@ -110,7 +110,7 @@ Operand Scope::Settle(Entry& entry, const std::string& name, const Element& at) 
 Operand Scope::Resolve(const std::string& name, const Element& at) {
   const auto found = entries_.find(name);
   if (found != entries_.end()) return Settle(found->second, name, at);
-  if (parent_ == nullptr) at.Fail("there is no field called " + name);
+  if (parent_ == nullptr) at.Fail("unknown field " + name);
   return parent_->Resolve(name, at);
 }
 
