@@ -16,7 +16,7 @@ namespace brenvolt {
 class CAnalysisDialog;
 class DialogAutomationBase;
 
-// Made around every action. What has to be known from before is taken down at its start.
+// Made around every action. The state before the action is taken down at its start.
 class ActionRecording {
  public:
   explicit ActionRecording(CAnalysisSupport& analysis);
@@ -33,8 +33,8 @@ class ActionRecording {
 };
 
 // A user's action on a control of the open dialog. What it changed of the members that can be put, and of
-// the input's case selection and weights, becomes lines once it is done; then what the pressed button or the
-// double click on a list itself stands for.
+// the input's case selection and weights, becomes lines once it is done; then the call that the pressed
+// button or the double click on a list itself represents.
 class ControlRecording {
  public:
   // `activated`: the button that is pressed, or the list that is double-clicked; nothing for a change of a

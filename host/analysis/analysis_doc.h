@@ -59,7 +59,7 @@ class CAnalysisDoc {
   void SetResultsToWorkbook(bool on) { resultsToWorkbook_ = on; }
 
   // While a lock is held, an exchange of the input leaves results as they are: a front end that follows the
-  // input must not close or renew what was made from the former one.
+  // input must not close or renew what was made from the previous one.
   bool AreResultsLocked() const { return resultsLocks_ > 0; }
 
  private:

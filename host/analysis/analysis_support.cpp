@@ -23,7 +23,7 @@ bool HasCase(const Variable* variable, int caseNumber) {
   return variable != nullptr && caseNumber >= 1 && static_cast<std::size_t>(caseNumber) <= variable->Size();
 }
 
-// The value that carries a label with this text, a new one where there is none.
+// The value that carries a label with this text, a new one if there is none.
 double ValueOfLabel(Variable& variable, const std::string& text) {
   for (const auto& [value, label] : variable.Labels()) {
     if (label == text) return value;

@@ -26,7 +26,7 @@ class CAnalysisDialog;
 //
 // `entry` carries out the step and returns 0 when it failed. After a step that succeeded, the follow-on step
 // (0 = none) runs at once. A dialog that the user leaves by Cancel goes to its step's return step; where
-// that is 0, to the step whose dialog opened it, and where there is none either, the sequence has ended.
+// that is 0, to the step whose dialog opened it, and if there is none either, the sequence has ended.
 struct SequenceStep {
   std::int32_t step;
   std::int32_t (*entry)(CAnalysisSupport& analysis);
@@ -61,7 +61,7 @@ class CAnalysisSupport {
   CAnalysisSupport(CAnalysisDoc* document, const CAnalysisContext& context);
 
   virtual ~CAnalysisSupport();
-  // The input file was changed behind the analysis: closes the open dialog, so that the sequence starts
+  // The input file was changed without the analysis: closes the open dialog, so that the sequence starts
   // afresh.
   virtual void InitializeAfterFileChanged();
   virtual void Initialize();
@@ -76,7 +76,7 @@ class CAnalysisSupport {
   virtual std::string ContextWrite() const;
   virtual bool ContextRead(std::string_view text);
   virtual void ContextInit();
-  // True when the sequence may move from one step (0 = from none) to another: both stand in the table.
+  // True when the sequence may move from one step (0 = from none) to another: both are in the table.
   virtual bool ForwardSequence(int from, int to) const;
   virtual InstanceHandle GetLibInstance() const;
   virtual std::string GetResourceString(std::int32_t number) const;
@@ -198,7 +198,7 @@ class CAnalysisSupport {
 
  protected:
   void InstallSequence(const SequenceStep* table) { sequence_ = table; }
-  // Hands the host's blocks to the base. Null stands for a block that the analysis does not use.
+  // Hands the host's blocks to the base. Null means a block that the analysis does not use.
   void InitCommons(CaseSelectionBlock* caseSelection, StartupMenuBlock* startupMenus, CaseCountBlock* counts,
                    CaseWeightBlock* weights, MenuBlock* menu);
   const CAnalysisContext& Context() const { return context_; }

@@ -5,12 +5,12 @@
 
 namespace brenvolt {
 
-// Lets the user edit the selection conditions, which become the input's. A faulty condition is said and
-// asked for again. False, and nothing changed, when the user cancelled or there is no input.
+// Lets the user edit the selection conditions, which become the input's. A faulty condition is reported
+// and asked for again. False, and nothing changed, when the user cancelled or there is no input.
 bool EditSelectionConditions(CAnalysisSupport& analysis);
 
 // Lets the user choose the variable that weights the cases, or none. The results are locked meanwhile. The
-// same answers; a number of no variable is said and asked for again.
+// same answers; a number that no variable has is reported and asked for again.
 bool EditCaseWeights(CAnalysisSupport& analysis);
 
 }  // namespace brenvolt

@@ -41,7 +41,7 @@ std::optional<DispatchId> NumberOf(const InterfaceDescription& interface, std::s
   return member != nullptr ? std::optional(member->id) : std::nullopt;
 }
 
-// The member that a call is on. Throws AutomationFailure where there is none, or it allows no such call.
+// The member that a call is on. Throws AutomationFailure if there is none, or it allows no such call.
 const MemberDescription& Called(const InterfaceDescription& interface, DispatchId id, CallKind kind) {
   const MemberDescription* member = FindMember(kDialogInterface.members, id);
   if (member == nullptr) member = FindMember(interface.members, id);
@@ -206,7 +206,7 @@ std::vector<MacroCall> DialogAutomationBase::Settings() {
     setting.value = InvokeOwn(i, CallKind::kGet, setting.indexes, {});
     if (setting.value.IsObject()) continue;  // a document, which no control changes
     setting.text = SettingText(member, setting.value);
-    // What was chosen before is no setting any more; it follows from the other choice.
+    // The earlier choice is not a setting any more; it follows from the new one.
     if (treatment.isChoice && !setting.value.ToBoolean()) setting.text.clear();
     settings.push_back(std::move(setting));
   }

@@ -37,7 +37,7 @@ struct AutomationMember {
   constexpr AutomationMember(std::string_view member, std::nullptr_t, Put putter)
       : name(member), put(putter), puts(true) {}
 
-  // What recording knows beside: where the dialog's controls show the member; which button makes the output;
+  // What recording also knows: where the dialog's controls show the member; which button makes the output;
   // that putting false changes nothing, so that only a change to true is worth a line; that other members say
   // the same; how a value is written.
   constexpr AutomationMember ShownAt(Place where) const { return With(&AutomationMember::place, where); }
@@ -111,7 +111,7 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
 
   // For recording, while the dialog is open. Its number, which no other dialog of the process has; every
   // member that can be read and put, where the dialog shows it, as the put that gives it its value; and the
-  // calls that stand for pressing a button.
+  // calls that represent pressing a button.
   std::uint64_t Number() const { return number_; }
   std::vector<MacroCall> Settings();
   std::vector<MacroCall> StandIns(std::int32_t button) const;
@@ -122,7 +122,7 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
                             const Variant& value) = 0;
   // How recording treats a member of the dialog's own interface.
   struct Treatment {
-    bool isCompared = false;  // its value is looked at before and after an action
+    bool isCompared = false;  // its value is compared before and after an action
     std::int32_t place = 0;   // of an indexed member
     bool isChoice = false;
     bool hasButton = false;  // a get does what the button does
@@ -130,7 +130,7 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
   virtual Treatment TreatmentOf(std::size_t place) = 0;
   // The member whose output a button makes, as its place in the description.
   virtual std::optional<std::size_t> MemberOfButton(std::int32_t button) const = 0;
-  // How a macro writes a put value; empty where that is what the value is.
+  // How a macro writes a put value; empty if that is what the value is.
   virtual std::string TextOf(std::size_t place, std::span<const Variant> indexes, const Variant& value) = 0;
 
   CAnalysisDialog* dialog_;

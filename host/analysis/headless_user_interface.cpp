@@ -13,7 +13,7 @@ Answer Next(std::deque<Answer>& answers, Answer otherwise) {
   return answer;
 }
 
-// Lets the next answer fill the question in; false where there is none.
+// Lets the next answer fill the question in; false if there is none.
 template <class Question>
 bool Fill(std::deque<std::function<void(Question&)>>& answers, Question& question) {
   const auto answer = Next<std::function<void(Question&)>>(answers, nullptr);

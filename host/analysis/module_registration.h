@@ -1,4 +1,4 @@
-// What an analysis module registers with the host when it is loaded, and takes back when it is unloaded.
+// What an analysis module registers with the host when it is loaded, and withdraws when it is unloaded.
 #pragma once
 
 #include <atomic>
@@ -91,7 +91,7 @@ class AutomationModule {
   std::atomic<std::int32_t> locks_{0};
 };
 
-// A type library's identity, 128 bits in their text form, and where the module keeps what stands in it; null
+// A type library's identity, 128 bits in their text form, and where the module keeps its content; null
 // for a library without a description.
 struct LibraryId {
   std::string_view text;

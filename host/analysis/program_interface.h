@@ -1,5 +1,5 @@
-// The user interface of a program, which has said all that it wants: every question is cancelled, and what is
-// shown is kept.
+// The user interface of a program, which has stated all that it needs: every question is cancelled, and what
+// is shown is kept.
 #pragma once
 
 #include <memory>

@@ -12,7 +12,7 @@
 
 namespace brenvolt {
 
-// Members stand in the order of their dispatch numbers, from 1.
+// Members are in the order of their dispatch numbers, from 1.
 template <class Content>
 struct ReadOnlyMember {
   std::string_view name;

@@ -53,7 +53,7 @@ Spreadsheet& DataFile::Sheet(const std::string& name) {
 DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format) {
   DataFile file;
   file.path = path;
-  // Only a regular file can be looked at twice.
+  // Only a regular file can be read twice.
   std::error_code ignored;
   file.isProject = std::filesystem::is_regular_file(path, ignored) && Workbook::IsWorkbookFile(path);
   if (file.isProject) {

@@ -19,10 +19,10 @@ class Application {
 
   UserInterface& Interface() { return userInterface_; }
 
-  // The module's file as installed: BRENVOLT_MODULE where it is set, else libbrv_sra.so beside the host's own
-  // library.
+  // The module's file as installed: BRENVOLT_MODULE if it is set, otherwise libbrv_sra.so next to the host's
+  // own library.
   static std::filesystem::path DefaultModulePath();
-  // Loads the module at first use; throws Error when it cannot be loaded or is none.
+  // Loads the module at first use; throws Error when it cannot be loaded or is not a module.
   DynamicLibrary& Module();
 
   // A new analysis over `document`, at its first step; `document` must outlive it. Throws Error when the

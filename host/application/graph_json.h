@@ -7,7 +7,7 @@
 
 namespace brenvolt {
 
-// The kind, the titles, and the parts that there are; the panels as graphs of their own.
+// The kind, the titles, and the parts that it has; the panels as graphs of their own.
 // docs/guide/fitting.md has its shape.
 nlohmann::ordered_json GraphJson(const Graph& graph);
 

@@ -19,12 +19,12 @@ enum class AutomationCode : std::uint32_t {
   kNotAvailable = 0x80040203,
 };
 
-// What a user reads of a failure: its description; where there is none, "IDispatch error #%d" with the
+// What a user reads of a failure: its description; if there is none, "IDispatch error #%d" with the
 // number of a code in the range of dispatch interfaces (0x80040200 to 0x8004ffff, counted from 0), else
 // "Unknown error 0x%0lX".
 std::string AutomationText(std::uint32_t code, std::string_view description);
 
-// A call that did not reach its dialog, or that the dialog refused: the code tells which. The call changed
+// A call that did not reach its dialog, or that the dialog refused: the code says which. The call changed
 // nothing.
 class AutomationFailure : public Error {
  public:

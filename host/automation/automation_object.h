@@ -15,7 +15,7 @@ using DispatchId = std::int32_t;
 
 enum class CallKind : std::uint8_t { kGet, kPut, kMethod };
 
-// The identity of an interface that an object may offer beside its members.
+// The identity of an interface that an object may offer besides its members.
 struct InterfaceId {
   std::string_view name;
   friend bool operator==(const InterfaceId&, const InterfaceId&) = default;

@@ -67,7 +67,7 @@ std::string ConstantName(std::string_view enumeration, const Variant& value) {
 }  // namespace
 
 std::string PythonText(std::string_view text) {
-  // Bytes that are not text stand for themselves, as surrogates, in the names of files.
+  // Bytes that are not text represent themselves, as surrogates, in the names of files.
   const bool isText = IsText(text);
   std::string literal = "\"";
   for (const char c : text) {

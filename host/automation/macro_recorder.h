@@ -37,7 +37,7 @@ class MacroRecorder {
  public:
   // Appends a line.
   void Line(std::string line);
-  // Appends "name = expression" for an object, with a number behind the name where it is taken, and returns
+  // Appends "name = expression" for an object, with a number after the name if it is taken, and returns
   // the name. The object is known by it from then on.
   std::string Assign(std::string_view name, const std::string& expression, const void* object);
   // An object that a macro reaches by an expression.

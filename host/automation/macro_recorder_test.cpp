@@ -55,7 +55,7 @@ MacroCall Got(const MemberDescription& member, CallKind kind, Variant result) {
   return call;
 }
 
-// Everything behind the import.
+// Everything after the import.
 std::string Lines(const MacroRecorder& recorder) {
   const std::string text = recorder.Text("here");
   const std::string head = "# here\nfrom brenvolt import *\n\n";

@@ -91,7 +91,7 @@ constexpr MemberDescription Method(std::string_view name, DispatchId id, Automat
   return {name, id, MemberKind::kMethod, {}, result, AutomationType::kNone, {}, help};
 }
 
-// Null where there is none. Names are told apart by case.
+// Null if there is none. Names are case-sensitive.
 constexpr const MemberDescription* FindMember(std::span<const MemberDescription> members,
                                               std::string_view name) {
   for (const MemberDescription& member : members) {
@@ -114,7 +114,7 @@ constexpr bool Allows(const MemberDescription& member, CallKind kind) {
 }
 
 // The type libraries that loaded modules have registered (RegisterTypeLibrary), by name or identifier; and
-// what stands in them. Null where there is none. Safe from any thread.
+// what they contain. Null if there is none. Safe from any thread.
 const TypeLibrary* FindTypeLibrary(std::string_view nameOrIdentifier);
 const InterfaceDescription* FindInterface(std::string_view name);
 const EnumerationDescription* FindEnumeration(std::string_view name);

@@ -1,4 +1,4 @@
-// Comparison of reals within a few units in the last place, and the value that stands for "not set".
+// Comparison of reals within a few units in the last place, and the value that means "not set".
 #pragma once
 
 #include <bit>

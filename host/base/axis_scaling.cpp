@@ -61,7 +61,7 @@ void WidenPoint(double& minimum, double& maximum) {
   maximum = std::min(middle + margin, kLargest);
 }
 
-// A power of ten that is not below the width, where there is one.
+// A power of ten that is not below the width, if there is one.
 RoundStep Coarsest(double minimum, double maximum) {
   const double exponent = std::ceil(std::log10(maximum / 2 - minimum / 2) + std::log10(2.0));
   return {1, static_cast<int>(std::min(exponent, 308.0))};

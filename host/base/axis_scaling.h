@@ -9,8 +9,8 @@ namespace brenvolt {
 // >= 2.5 fewest, as in the usual 50 and 20, nearly every range finds both. Counts below 1 count as 1.
 //
 // Never fails:
-// - A limit within 15 units in the last place of a multiple stands there; otherwise the rounded range
-//   encloses the one given. Limits in the wrong order are exchanged.
+// - A limit within 15 units in the last place of a multiple becomes that multiple; otherwise the rounded
+//   range encloses the one given. Limits in the wrong order are exchanged.
 // - A range too narrow for doubles to tell the steps apart counts as the point x in its middle, and becomes
 //   the range from x - |x|/10 to x + |x|/10 before rounding; -1 to 1 about 0.
 // - A rounded limit that would exceed the largest double becomes the largest multiple that does not.

@@ -5,7 +5,7 @@
 //   void StackTrace(std::int32_t depth)
 //   std::int32_t GenerateSilentErrorReport(const char* folder, const void* record, const char* context)
 //     writes a report into the folder; `record` is what the operating system says of the error (siginfo_t);
-//     gives non-zero when it did
+//     returns non-zero when it did
 #pragma once
 
 #include <filesystem>
@@ -21,8 +21,8 @@ class DynamicLibrary;
 bool MakeFolders(const std::filesystem::path& folder);
 
 // The folder for error reports, made where it is missing: "Brenvolt/Errors" under the machine's common
-// application-data folder. That is BRENVOLT_DATA where it is set, else /var/lib; where the user may not write
-// there, the user's own: XDG_DATA_HOME, else ~/.local/share. Nothing where no such folder can be made.
+// application-data folder. That is BRENVOLT_DATA if it is set, otherwise /var/lib; if the user may not
+// write there, the user's own: XDG_DATA_HOME, else ~/.local/share. Nothing if no such folder can be made.
 std::optional<std::filesystem::path> ErrorFolder();
 
 class CrashReporter {
@@ -35,7 +35,7 @@ class CrashReporter {
 
   // False without the library: nothing is reported then.
   bool IsAvailable() const { return library_ != nullptr; }
-  // Lets the library write a stack trace, then a report into the error folder, each where it has the entry.
+  // Lets the library write a stack trace, then a report into the error folder, each if it has the entry.
   // True when there is a report; the log says so.
   bool Report(const void* record, const char* context) const;
 
@@ -43,8 +43,8 @@ class CrashReporter {
   std::unique_ptr<DynamicLibrary> library_;
 };
 
-// From now on fatal signals of the process are reported, and then take the course they took before. Without
-// the library nothing changes, and the answer is false.
+// From now on fatal signals of the process are reported, and then take their previous course. Without the
+// library nothing changes, and the result is false.
 bool InstallCrashReports(const std::string& library = "libCrashRpt.so");
 
 }  // namespace brenvolt

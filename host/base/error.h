@@ -1,5 +1,5 @@
-// The one family of exceptions. What happened is the text; where (a file with its line, a sheet, a variable)
-// stands beside it, so that a front end can print "what (where)".
+// The one family of exceptions. The text says what happened; where it happened (a file with its line, a
+// sheet, a variable) is kept apart, so that a front end can print "what (where)".
 #pragma once
 
 #include <stdexcept>
@@ -19,7 +19,7 @@ class Error : public std::runtime_error {
   std::string where_;
 };
 
-// What a dialog refuses or fails by, with the text to show. Engines return a Result instead (result.h).
+// Why a dialog refuses or fails, with the text to show. Engines return a Result instead (result.h).
 class CDispatchException : public Error {
  public:
   using Error::Error;

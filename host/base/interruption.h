@@ -3,8 +3,8 @@
 
 namespace brenvolt {
 
-// While it exists, the first interrupt signal is only noted; a second one ends the process as usual, and so
-// does any once the catcher is gone. There is at most one at a time.
+// While it exists, the first interrupt signal is only noted; a second one ends the process as usual, as does
+// any signal once the catcher is gone. There is at most one at a time.
 class InterruptionCatcher {
  public:
   InterruptionCatcher();

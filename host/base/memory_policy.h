@@ -11,7 +11,7 @@ namespace brenvolt {
 void ReturnLargeBlocksAtOnce();
 
 // Asks the system to back a large block, not yet written to, by large pages: its first use then takes a
-// fraction of the time, and random access to it misses fewer addresses. Only a wish; small blocks are left
+// fraction of the time, and random access to it misses fewer addresses. Only a hint; small blocks are left
 // alone.
 void PreferLargePages(void* block, std::size_t bytes) noexcept;
 

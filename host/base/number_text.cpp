@@ -53,7 +53,7 @@ bool IsDigit(char c) {
 }
 
 // True when the nearest whole power of ten of an unsigned decimal number is negative. Only asked of numbers
-// that are no double, so that the two answers are "nearly zero" and "too large".
+// that are not doubles, so that the two answers are "nearly zero" and "too large".
 bool IsBelowOne(std::string_view digits) {
   const auto exponentMark = std::min(digits.find_first_of("eE"), digits.size());
   const std::string_view mantissa = digits.substr(0, exponentMark);

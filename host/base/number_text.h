@@ -41,7 +41,7 @@ enum class NumberReading : std::uint8_t {
   kNoNumber
 };
 
-// Reads the number that the whole of `text` spells, as ParseNumber does, and says why when it has none.
+// Reads the number that the whole of `text` spells, as ParseNumber does, and says why when there is none.
 // `value` is written only for kNumber.
 NumberReading ReadNumber(std::string_view text, NumberLocale locale, double& value);
 

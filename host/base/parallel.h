@@ -14,9 +14,9 @@ namespace brenvolt {
 void ParallelBlocks(std::size_t count, std::size_t block,
                     const std::function<void(std::size_t, std::size_t)>& body);
 
-// Calls body(i) for every i in [0, count) on other threads while the calling thread calls watch() some dozen
-// times a second. An exception of watch() is rethrown once body has returned for every i that it began;
-// watch() itself sees to it that body ends soon.
+// Calls body(i) for every i in [0, count) on other threads while the calling thread calls watch() about
+// a dozen times a second. An exception of watch() is rethrown once body has returned for every i that it began;
+// watch() itself must make sure that body ends soon.
 void ParallelForWatched(std::size_t count, const std::function<void(std::size_t)>& body,
                         const std::function<void()>& watch);
 

@@ -1,4 +1,4 @@
-// Asking for memory ahead of its use; nothing where the compiler does not know how to.
+// Asking for memory ahead of its use; nothing if the compiler does not know how to.
 #pragma once
 
 namespace brenvolt {

@@ -7,15 +7,15 @@
 
 namespace brenvolt {
 
-// A program with its arguments; it is looked for in the path where its name holds no slash.
+// A program with its arguments; it is looked for in the path if its name contains no slash.
 struct ProgramCall {
   std::string program;
   std::vector<std::string> arguments;
-  std::vector<std::pair<std::string, std::string>> environment;  // set beside what there is
+  std::vector<std::pair<std::string, std::string>> environment;  // set in addition to the current one
 };
 
-// Goes on as another program, whose output, signals and exit status are this process's from then on. Returns
-// never; throws Error naming the program where it cannot be started.
+// Continues as another program, whose output, signals and exit status are this process's from then on. Never
+// returns; throws Error naming the program where it cannot be started.
 [[noreturn]] void ContinueAs(const ProgramCall& call);
 
 }  // namespace brenvolt

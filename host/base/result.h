@@ -1,4 +1,4 @@
-// What an engine returns: a value, or the fault for which there is none. An engine says which fault it is and
+// What an engine returns: a value, or the fault that prevented it. An engine says which fault it is and
 // what it is about; the text that a person reads belongs to whoever shows it.
 //
 //   Result<MatrixFile, MatrixFault> Read(const Spreadsheet& sheet);
@@ -19,7 +19,7 @@ namespace brenvolt {
 template <class Identifier>
 struct Fault {
   Identifier identifier;
-  std::string about = {};   // the name of the thing at fault; empty where the identifier says it all
+  std::string about = {};   // the name of the thing at fault; empty if the identifier says it all
   std::string detail = {};  // what else is known: the place, the reason
 
   bool operator==(const Fault&) const = default;
@@ -27,7 +27,7 @@ struct Fault {
 template <class Identifier, class... Rest>
 Fault(Identifier, Rest...) -> Fault<Identifier>;
 
-// The value of a Result<void, …> is that there is no fault. Asking for the value of a fault, or the reverse,
+// A Result<void, …> only says whether there is a fault. Asking for the value of a fault, or the reverse,
 // is a mistake of the caller and throws std::bad_variant_access.
 template <class T, class Identifier>
 class [[nodiscard]] Result {

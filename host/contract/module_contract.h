@@ -1,8 +1,8 @@
 // The host's services under the names that modules compiled apart from it know.
 //
 // An analysis module that is built elsewhere reaches the host by these names, with these argument orders;
-// they are a contract and never change. They stand in this folder and nowhere else: the host and its own
-// module use the plain names on the right. What a name means is said where the plain one is declared.
+// they are a contract and never change. They are kept in this folder and nowhere else: the host and its own
+// module use the plain names on the right. The declarations of the plain names say what they mean.
 //
 // Members of the base of analyses (CAnalysisSupport: InitCommons, GetDialgInterface, get_md, dsplst, …)
 // cannot have a second name: they are declared there under the contract's names, the virtual ones in the

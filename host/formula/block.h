@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// What stands for a missing value inside a block.
+// What represents a missing value inside a block.
 inline constexpr double kMissingResult = std::numeric_limits<double>::quiet_NaN();
 
 // One argument: a value for each case, or the same value for all.

@@ -46,7 +46,7 @@ class Formula {
   // The indices in `names` of the variables that the formula uses, in the order of their first use.
   std::span<const std::size_t> Used() const { return used_; }
 
-  // The values for out.size() cases, the first of which has the number `firstCase`; NaN where missing. One
+  // The values for out.size() cases, the first of which has the number `firstCase`; NaN if missing. One
   // column for each of `names`; those that are used hold out.size() values at least, others may be empty.
   // `out` may be the storage of a column. Large ranges are evaluated by all cores; the result never depends
   // on how many.

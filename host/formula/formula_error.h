@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// What is wrong stands in what(), without the place; the place also stands in Where() behind the name of the
+// what() says what is wrong, without the place; Where() also holds the place, after the name of the
 // text ("formula, character 7").
 class FormulaError : public Error {
  public:

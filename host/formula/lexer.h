@@ -30,7 +30,7 @@ class Lexer {
   Lexer(std::string_view text, std::string_view sourceName, std::size_t begin);
 
   const Token& Current() const { return token_; }
-  // Goes on behind the current token, or at `place`.
+  // Continues after the current token, or at `place`.
   void Advance() { AdvanceFrom(token_.end); }
   void AdvanceFrom(std::size_t place);
   // The current token as it is written.

@@ -34,7 +34,7 @@ class Program {
   // The numbers of the variables used, in the order in which they were first met.
   std::span<const std::size_t> Variables() const { return variables_; }
 
-  // What Run needs beside its arguments; one for each thread, any number of runs.
+  // What Run needs besides its arguments; one for each thread, any number of runs.
   struct Workspace {
     std::vector<double> slots;
   };

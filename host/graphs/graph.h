@@ -84,7 +84,7 @@ struct Graph {
   std::vector<Graph> panels;
   // What a reader must know of the data shown ("2200 of 1000000 points are shown").
   std::vector<std::string> notes;
-  // How many panels stand side by side, row after row; 0 leaves it to whoever draws. And by how many layout
+  // How many panels are side by side, row after row; 0 leaves it to the drawing code. And by how many layout
   // units the window is to be larger than the usual one.
   std::size_t panelColumns = 0;
   std::int32_t extraWidth = 0;

@@ -42,13 +42,13 @@ class AnalysisSession {
   CAnalysisDoc& Input() { return input_; }
   CAnalysisSupport& Analysis() { return *analysis_; }
 
-  // The automation object of the open dialog. Throws Error where none is open.
+  // The automation object of the open dialog. Throws Error if none is open.
   std::shared_ptr<AutomationObject> Dialog();
   // From the startup dialog to the dialog of a task.
   void Begin(Task task);
   // OK on the open dialog. Throws JobFailed.
   void Ok();
-  // Carries an automation call out. Throws JobFailed where it fails after the dialog has said why.
+  // Carries an automation call out. Throws JobFailed if it fails after the dialog has said why.
   template <class Call>
   auto Attempt(const Call& call) {
     const std::size_t messages = interface_.Messages().size();

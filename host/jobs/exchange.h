@@ -14,7 +14,7 @@ struct ImportRequest {
   std::string sheet;  // the name of the new sheet; empty: the file's name
   std::string kind;   // "data" or "matrix"; empty: the file decides
 };
-// Takes a data file into the project at `project`, which is made when there is none, and returns the sheet
+// Imports a data file into the project at `project`, which is created if missing, and returns the sheet
 // taken in. Throws Error naming what is at fault.
 Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesystem::path& project);
 

@@ -20,7 +20,7 @@ bool Holds(const Names& names, const std::string& name) {
   return std::ranges::find(names, name) != names.end();
 }
 
-// The distribution of that name; null where there is none, which is a fault.
+// The distribution of that name; null if there is none, which is a fault.
 const FittedType* TypeNamed(std::string_view field, const std::string& name, JobFaults& faults) {
   const FittedType* type = FindFittedType(name);
   if (type == nullptr) {
@@ -74,12 +74,12 @@ class FitCheck {
     return continuous ? !continuousNames.empty() || discreteNames.empty() : !discreteNames.empty();
   }
 
-  // What is said of a distribution that is not tried would do nothing.
+  // A setting of a distribution that is not tried would do nothing.
   void RequireTried(std::string_view field, const FittedType& type) {
     if (!job_.Tries(type)) Add(field, "the " + std::string(type.name) + " distribution is not tried");
   }
 
-  // What is said of a kind of variables of which none is fitted would do nothing.
+  // A setting of a kind of variables that is not fitted would do nothing.
   void RequireFitted(std::string_view field, bool given, bool continuous) {
     if (given && !IsFitted(continuous))
       Add(field, std::string("no ") + (continuous ? "continuous" : "discrete") + " variable is fitted");

@@ -21,7 +21,7 @@ constexpr const char* kPlots[] = {"HistogramWithFit", "CumulativeHistogram", "PP
                                   "QQPlot",           "EmpiricalCDFPlot",    "BoxPlot"};
 
 // Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
-// and returns its name. Nothing changes where there is none.
+// and returns its name. Nothing changes if there is none.
 std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
   const Variant index(place);
   const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();

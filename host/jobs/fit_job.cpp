@@ -15,7 +15,7 @@ std::int32_t PlaceOf(const std::string& variable, const std::vector<std::string>
   return static_cast<std::int32_t>(std::ranges::find(list, variable) - list.begin() + 1);
 }
 
-// Text variables are no data to fit; a number misspelt in one line makes a column one.
+// Text variables cannot be fitted; one misspelt number turns a whole column into text.
 void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
   std::string names;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {

@@ -35,7 +35,7 @@ class WrongJob : public std::exception {
 void Append(JobFaults more, JobFaults& faults);
 // The field's words with a separator: "rank-by" for rankBy.
 std::string Spelled(std::string_view field, char separator);
-// Throws WrongJob where there are faults.
+// Throws WrongJob if there are faults.
 inline void RequireNone(JobFaults faults) {
   if (!faults.empty()) throw WrongJob(std::move(faults));
 }

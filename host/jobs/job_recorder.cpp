@@ -3,7 +3,7 @@
 namespace brenvolt {
 namespace {
 
-// What stands for the one application of a macro among the recorder's objects.
+// What represents the one application of a macro among the recorder's objects.
 constexpr char kApplication = 0;
 constexpr const char* kApplicationName = "application";
 

@@ -25,7 +25,7 @@ class JobRecorder {
 
   // Objects are told apart by their addresses (macro_recorder.h).
   void Opened(const std::filesystem::path& path, bool decimalComma, const void* workbook);
-  // An empty name stands for the first data sheet.
+  // An empty name means the first data sheet.
   void Took(const void* workbook, const std::string& name, const void* sheet);
   // An attribute of an object got a text, or None.
   void Set(const void* object, std::string_view attribute, const std::optional<std::string>& text);

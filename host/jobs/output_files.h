@@ -30,13 +30,13 @@ struct JobFile {
 void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
                        JobFaults& faults);
 
-// Throws Error where data of another format would replace a project.
+// Throws Error if data of another format would replace a project.
 void RefuseReplacedProject(const std::filesystem::path& path);
 
 // Writes a document, to NumPy arrays where the name ends so, else as CSV. Throws Error, and writes nothing,
 // where a project would be replaced.
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
-// Adds documents to the project at `path`, which is made when there is none. Returns their names there.
+// Adds documents to the project at `path`, which is created if missing. Returns their names there.
 std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,
                                       JobRecorder& recorder);
 

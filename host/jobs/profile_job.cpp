@@ -38,7 +38,7 @@ std::string PlainFormula(const std::string& text) {
          std::string(Trim(std::string_view(text).substr(assignment.begin)));
 }
 
-// The number as automation texts have it; empty where there is none.
+// The number as automation texts have it; empty if there is none.
 Variant Limit(double value) {
   return std::isnan(value) ? Variant(std::string()) : Variant(value);
 }
@@ -203,7 +203,7 @@ class Profiler {
     return PlaceOf(name, predictors_, field, "predictor");
   }
 
-  // What the predictor is drawn from; empty where that is not known.
+  // What the predictor is drawn from; empty if that is not known.
   Variant SpecificationOf(std::size_t predictor) {
     const Variant place = Place(predictor);
     return dialog_->Get(kSpecification, {&place, 1});

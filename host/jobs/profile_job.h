@@ -41,7 +41,7 @@ struct ProfileJob {
 
   JobData data;  // the columns that the predictors start from
   std::vector<std::filesystem::path> models;
-  std::vector<std::string> formulas;  // "RESPONSE = EXPRESSION", in the place of a model of the response
+  std::vector<std::string> formulas;  // "RESPONSE = EXPRESSION", in place of a model of the response
   double samples = 5000;
   std::optional<double> seed;  // without, Run draws one
   bool correlated = false;     // the predictors, as their columns are
@@ -55,7 +55,7 @@ struct ProfileJob {
 
   // All that can be refused without the data.
   JobFaults Check() const;
-  // The whole job. Throws WrongJob, also where the models reveal that a response or predictor is none,
+  // The whole job. Throws WrongJob, also if the models reveal that a response or predictor is not one,
   // JobFailed, and Error.
   ProfileRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
 };

@@ -1,4 +1,4 @@
-// Projects as jobs leave them: fits saved beside the data that they are of, results appended, and what files
+// Projects as jobs leave them: fits saved with the data that they belong to, results appended, and what files
 // may not be replaced. The command and the Python package save alike because they save here.
 #pragma once
 
@@ -16,16 +16,16 @@ namespace brenvolt {
 
 // True for a name that ends in `ending`, which is in lower case, in capitals or not.
 bool HasEnding(const std::filesystem::path& path, std::string_view ending);
-// True where the name ends as those of project files do.
+// True if the name ends as those of project files do.
 bool HasProjectEnding(const std::filesystem::path& path);
 
 // Adds a fault of the field where the name does not end so.
 void CheckProjectEnding(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
-// Opens an existing project; throws Error when the file is none.
+// Opens an existing project; throws Error when the file is not one.
 DataFile OpenProject(const std::filesystem::path& path);
 
-// Takes a sheet of data into the project at `path`, which is made when there is none, and saves it. A sheet
+// Puts a sheet of data into the project at `path`, which is created if missing, and saves it. A sheet
 // of that name that holds the same data stays in its place and takes over what the new one adds: properties,
 // case weights, selection. Throws Error when a sheet of that name holds other data. Where a correlation
 // matrix comes with the sheet, it goes in by PutCorrelationMatrix.
@@ -34,20 +34,20 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
 
 // Gives a sheet that is to be merged into the project at `path` the properties that the project holds for it
 // already, where its variables lack them. Nothing happens without such a file, or where its sheet of that
-// name holds other data. Throws Error when the file is no project.
+// name holds other data. Throws Error when the file is not a project.
 void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet);
 
 // What the correlation matrix of a data sheet is called in the workbook, or would be: "Correlation matrix"
-// where that sheet is the first data sheet, "Correlation matrix of SHEET" otherwise, with a number behind it
+// where that sheet is the first data sheet, "Correlation matrix of SHEET" otherwise, with a number after it
 // where a data sheet bears that name.
 std::string CorrelationMatrixName(const Workbook& workbook, const std::string& dataSheet);
 
 // Puts the correlation matrix that belongs to a data sheet of the workbook into it under the name above,
-// in the place of a former matrix.
+// in place of an earlier matrix.
 void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
                           std::unique_ptr<Spreadsheet> matrix);
 
-// True where the data are the project at `path`.
+// True if the data are the project at `path`.
 bool IsSavedAs(const DataFile& data, const std::filesystem::path& path);
 // Saves a fitted sheet, with the correlation matrix of its fits unless that is null, in the project at
 // `path`. A sheet of the project itself, `home`, stays in its place; any other, `home` being null or another
@@ -66,8 +66,8 @@ std::unique_ptr<Spreadsheet> SavedMatrix(const Workbook& project, const Spreadsh
 std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook& project,
                                          const std::string& where);
 
-// Adds sheets to the project at `path`, which is made when there is none, and saves it. Returns the sheets'
-// names in the project: their own, or with a number behind it where that is taken.
+// Adds sheets to the project at `path`, which is created if missing, and saves it. Returns the sheets'
+// names in the project: their own, or with a number after it if that is taken.
 std::vector<std::string> AppendToProject(const std::filesystem::path& path,
                                          std::vector<std::unique_ptr<Spreadsheet>> sheets);
 
@@ -75,7 +75,7 @@ std::vector<std::string> AppendToProject(const std::filesystem::path& path,
 // sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
 std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source);
 
-// Throws Error where writing another format to `path` would replace a project.
+// Throws Error if writing another format to `path` would replace a project.
 void RefuseProjectTarget(const std::filesystem::path& path);
 // Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);

@@ -18,8 +18,8 @@ struct ScoreJob {
   JobFaults Check() const;
   // The predictions, a case each, which are written where `output` says. Throws WrongJob and Error.
   Spreadsheet Run(JobRecorder& recorder) const;
-  // The predictions alone. The model is read first: a file that is no model is the nearer fault than one of
-  // its data.
+  // The predictions alone. The model is read first: a file that is not a model is the nearer fault than one
+  // of its data.
   Spreadsheet Score() const;
   // A macro's line "predictions = application.Score(…)", of which `predictions` is the result.
   void Record(JobRecorder& recorder, const void* predictions) const;

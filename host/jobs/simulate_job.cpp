@@ -54,7 +54,7 @@ void WriteIntoProject(const std::filesystem::path& path, SimulationRun& run, Job
   if (run.repairedMatrix != nullptr) run.matrixSheet = names.back();
 }
 
-// Writes what is not written yet. A repaired matrix goes beside the data: "x.csv" and
+// Writes what is not written yet. A repaired matrix goes with the data: "x.csv" and
 // "x-repaired-matrix.csv".
 void Write(const std::filesystem::path& path, SimulationRun& run, JobRecorder& recorder) {
   run.file = path;

@@ -13,13 +13,13 @@
 namespace brenvolt {
 
 // What a run produced; null what it did not. The data of the methods without correlation go to their file
-// while they are drawn, so that there is no document of them unless they go into a project.
+// while they are drawn, so they have no document unless they go into a project.
 struct SimulationRun : JobRun {
   Table output;
   Table repairedMatrix;
   Table summary;  // null: the method has no generator
   Table correlations;
-  // Where the data went, and a repaired matrix beside them: sheets where the file is a project.
+  // Where the data went, and a repaired matrix with them: sheets if the file is a project.
   std::filesystem::path file;
   std::string outputSheet;
   std::filesystem::path matrixFile;

@@ -105,7 +105,7 @@ void ReadTraining(const Element& model, ReadyModel& ready) {
         if (array.Is("Array")) arrays.push_back(SplitArray(array.Content()));
       }
       if (arrays.size() != 2 || arrays[0].size() != arrays[1].size()) continue;
-      // Values as texts stand in a string array, the counts in one of numbers.
+      // A string array holds the values as texts, an array of numbers the counts.
       for (std::size_t k = 0; k < arrays[0].size(); ++k) {
         if (const auto count = ReadReal(arrays[1][k])) {
           ready.counts[field.Text("field", "")].emplace_back(arrays[0][k], *count);

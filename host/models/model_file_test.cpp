@@ -37,7 +37,7 @@ std::string Local(const std::string& fields) {
   return "<LocalTransformations>\n" + fields + "\n</LocalTransformations>";
 }
 
-// "what (where)" of the refusal; empty where the text is taken.
+// "what (where)" of the refusal; empty if the text is taken.
 std::string RefusalOf(const std::string& text) {
   try {
     PredictionModel::Parse(text, "m.pmml");

@@ -32,7 +32,7 @@ struct ModelField {
   // codes of texts are 1, 2, …; those of numbers are the numbers. A dependent's codes are 1, 2, … always.
   std::vector<double> codes;
   std::vector<std::string> labels;
-  // The relative frequencies of the codes in the data of training, where the file tells; else empty.
+  // The relative frequencies of the codes in the data of training, if the file gives them; else empty.
   std::vector<double> frequencies;
   // The range of valid values that the file declares.
   std::optional<double> lowest;
@@ -59,7 +59,7 @@ class PredictionModel {
  public:
   // Throws Error naming the file, and the line where the fault has one.
   static PredictionModel Load(const std::filesystem::path& path);
-  // The same over text in memory; `name` stands for the file in errors.
+  // The same over text in memory; `name` takes the place of the file in errors.
   static PredictionModel Parse(std::string_view text, const std::string& name);
   ~PredictionModel();
   PredictionModel(PredictionModel&&) noexcept;

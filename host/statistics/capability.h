@@ -1,10 +1,10 @@
 // Process capability and performance against a specification. docs/reference/capability.md gives every
 // formula with its source.
 //
-// Two estimates of the standard deviation stand side by side (AIAG 2005, Statistical Process Control, 2nd
+// Two estimates of the standard deviation are given (AIAG 2005, Statistical Process Control, 2nd
 // ed.): `within`, from the moving ranges of neighbouring values, for the indices whose names begin with C,
 // and `overall`, the sample standard deviation, for those that begin with P. Values that are simulated
-// independently of each other have no drift, and both estimate the same; they part where values are in the
+// independently of each other have no drift, and both estimate the same; they differ where values are in the
 // order of time.
 //
 // What cannot be computed is kNotSet: the index of a limit that is not given, Cp and Pp without both limits,
@@ -56,7 +56,7 @@ ConfidenceInterval PotentialInterval(double potential, double degrees, double co
 ConfidenceInterval LeastInterval(double least, std::int64_t count, double degrees, double confidence);
 
 struct PartsPerMillion {
-  double below = kNotSet;  // 0 where there is no limit
+  double below = kNotSet;  // 0 if there is no limit
   double above = kNotSet;
   double total = kNotSet;
 };

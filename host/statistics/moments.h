@@ -30,7 +30,7 @@ class MomentAccumulator {
   // Takes a value `copies` times, copies >= 1.
   void Add(double x, std::int64_t copies);
   // Takes every value of a block once, much faster than one at a time: the block's own moments in two passes,
-  // joined to those before (Pébay 2008, eqs. 3.1-3.3). There are no moments of the logarithms from then on.
+  // joined to those before (Pébay 2008, eqs. 3.1-3.3). From then on the logarithms have no moments.
   void Add(std::span<const double> block);
   void CountMissing() { ++missing_; }
   // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard

@@ -9,7 +9,7 @@
 namespace brenvolt {
 
 // Where the percentile of `count` >= 1 values at `percent` (0 to 100) lies: the part `fraction` of the way
-// from the order statistic `below`, counted from 0, to the next; 0 where there is no next.
+// from the order statistic `below`, counted from 0, to the next; 0 if there is no next.
 struct PercentilePlace {
   std::uint64_t below = 0;
   double fraction = 0;

@@ -17,7 +17,7 @@ struct SpecificationLimits {
   bool HasTarget() const { return !std::isnan(target); }
 
   // At least one limit is given; what is given is finite; the lower limit is below the upper one; the target,
-  // where there is one, lies within the limits, which it may touch.
+  // if there is one, lies within the limits, which it may touch.
   bool IsValid() const {
     if (!HasLower() && !HasUpper()) return false;
     if (std::isinf(lower) || std::isinf(upper) || std::isinf(target)) return false;

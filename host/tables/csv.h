@@ -24,7 +24,7 @@ struct CsvFormat {
 // Reads a file into a sheet named after the file without folder and ending. A pipe or device is read until it
 // ends.
 //
-// Lines end with LF or CRLF. Blanks beside a cell's text, number or quotes do not count. Empty cells, NA and
+// Lines end with LF or CRLF. Blanks around a cell's text, number or quotes do not count. Empty cells, NA and
 // nan are missing (the default missing-data code); NA and nan in quotes are texts. Numbers are numbers with
 // or without quotes and may have a leading plus; inf and -inf are infinities. A column in which some cell is
 // neither a number nor missing is a text variable, and all its cells are texts. A header cell without text
@@ -32,7 +32,7 @@ struct CsvFormat {
 // except in files of one column, where they are missing values.
 //
 // Throws Error whose where() names the file, and the line and the number of the column where a line has too
-// few or too many fields, a quoted field is not closed, text stands beside a quoted field, a number is too
+// few or too many fields, a quoted field is not closed, text is next to a quoted field, a number is too
 // large for a double, or the file is not text in UTF-8; also for a file that is missing, unreadable, empty,
 // or holds nothing but a header, and for a format whose characters cannot be told apart.
 //
@@ -40,7 +40,7 @@ struct CsvFormat {
 // on the number of cores.
 Spreadsheet ReadCsv(const std::filesystem::path& path, const CsvFormat& format = {});
 
-// The same over text in memory; `name` names the sheet and stands for the file in errors.
+// The same over text in memory; `name` names the sheet and takes the place of the file in errors.
 Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const CsvFormat& format = {});
 
 // Writes header and cells, lines ending with LF; numbers so that they read back exactly, infinities as inf

@@ -1,4 +1,4 @@
-// What the text of a cell means, and how a text must stand in a cell to keep its meaning: the agreement
+// What the text of a cell means, and how a text must be written in a cell to keep its meaning: the agreement
 // between reading and writing separated values.
 #pragma once
 
@@ -11,7 +11,7 @@
 
 namespace brenvolt {
 
-// Throws Error where the format's characters cannot be told apart from each other or from what stands in
+// Throws Error if the format's characters cannot be told apart from each other or from what is in
 // cells.
 void CheckCsvFormat(const CsvFormat& format);
 

@@ -74,7 +74,7 @@ class TextCodes {
 
   std::unordered_map<std::string_view, double> codes_;
   std::vector<std::string_view> texts_;
-  std::deque<std::string> made_;  // texts that do not stand in the file as they are meant
+  std::deque<std::string> made_;  // texts that are not in the file as they are meant
   std::string buffer_;
 };
 

@@ -13,7 +13,7 @@ namespace brenvolt {
 // Long enough to make the cost of a block vanish, short enough that a block and its numbers stay in cache.
 inline constexpr std::size_t kCsvBlockBytes = std::size_t{1} << 19;
 
-// Reads `text` into a sheet called `sheetName`; `fileName` stands in errors. `blockBytes` is at least 1.
+// Reads `text` into a sheet called `sheetName`; `fileName` appears in errors. `blockBytes` is at least 1.
 Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
                           const CsvFormat& format, std::size_t blockBytes = kCsvBlockBytes);
 

@@ -11,12 +11,12 @@
 
 namespace brenvolt {
 
-// A field as it stands in the text; valid as long as the text.
+// A field as it is in the text; valid as long as the text.
 struct CsvField {
   // Of an unquoted field all but the blanks at its ends, of a quoted one all between its quotes.
   std::string_view text;
   bool quoted = false;
-  bool hasDoubledQuotes = false;  // each stands for one quote
+  bool hasDoubledQuotes = false;  // each means one quote
 };
 
 enum class CsvFieldEnd : std::uint8_t { kSeparator, kRow };
@@ -30,7 +30,7 @@ struct CsvFault {
 
 // Hands out the fields of text[begin, end), which must begin with a row and end with one.
 //
-// Rows end with LF or CRLF. Blanks (spaces and tabs) beside a quoted field are passed over. Text must be
+// Rows end with LF or CRLF. Blanks (spaces and tabs) around a quoted field are skipped. Text must be
 // UTF-8 without zero bytes.
 class CsvScanner {
  public:

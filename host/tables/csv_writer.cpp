@@ -13,7 +13,7 @@ namespace brenvolt {
 namespace {
 
 constexpr std::size_t kCellsPerBlock = std::size_t{1} << 15;
-// Bounds what stands in memory at a time: two waves of this many blocks.
+// Bounds what is in memory at a time: two waves of this many blocks.
 constexpr std::size_t kBlocksPerWave = 16;
 constexpr std::size_t kLikelyCellBytes = 20;
 

@@ -44,8 +44,8 @@ bool IsMatrixSheet(const Spreadsheet& sheet);
 // True when a matrix sheet also has all its rows.
 bool HasMatrixRows(const Spreadsheet& sheet);
 
-// True when `value` may stand in a correlation matrix: not missing; 1 on the diagonal; of a magnitude up to 1
-// elsewhere. Both limits hold to within 15 units in the last place.
+// True when `value` may be an entry of a correlation matrix: not missing; 1 on the diagonal; of a magnitude
+// up to 1 elsewhere. Both limits hold to within 15 units in the last place.
 bool IsCorrelation(double value, double missingCode, bool onDiagonal);
 
 // True when a data sheet looks like a matrix in a table: its first variable is text, and as names of the rows

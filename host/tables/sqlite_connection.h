@@ -40,7 +40,7 @@ class Connection {
  public:
   enum class Purpose { kRead, kWrite };
 
-  // Opens an existing file, which must be a regular one. `named` stands for it in errors. A connection for
+  // Opens an existing file, which must be a regular one. `named` takes its place in errors. A connection for
   // reading, too, may write: it undoes what a killed writer began.
   Connection(const std::filesystem::path& file, std::string named, Purpose purpose);
 
@@ -56,7 +56,7 @@ class Connection {
   std::uint64_t FileSize();
 
   const std::string& Name() const { return named_; }
-  // Throws the DatabaseError that a result code stands for.
+  // Throws the DatabaseError for a result code.
   [[noreturn]] void Fail(int code);
 
  private:

@@ -21,8 +21,8 @@ struct StoredWorkbook {
 namespace {
 
 // Keeps others from writing to the file about to be replaced, after undoing what a killed writer began there:
-// its journal, left beside the new file, would be taken for the journal of the new one. Nothing when there is
-// no file, or none that SQLite could write to.
+// its journal, left next to the new file, would be taken for the journal of the new one. Nothing when there
+// is no file, or none that SQLite could write to.
 std::optional<Connection> LockFormer(const std::filesystem::path& file, const std::string& named) {
   std::error_code ignored;
   if (!std::filesystem::exists(file, ignored)) return std::nullopt;
@@ -64,7 +64,7 @@ StoredWorkbook SaveAnew(const std::filesystem::path& path, SheetList sheets) {
   return stored;
 }
 
-// Nothing when the file has to be written anew.
+// Nothing when the file has to be rewritten.
 std::optional<StoredWorkbook> SaveInPlace(const std::filesystem::path& path, SheetList sheets,
                                           const StoredWorkbook& stored) {
   std::error_code ignored;

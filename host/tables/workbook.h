@@ -13,7 +13,7 @@
 
 namespace brenvolt {
 
-struct StoredWorkbook;  // what stands in which file, known to workbook.cpp
+struct StoredWorkbook;  // what is in which file, known to workbook.cpp
 
 // What a listing says of a sheet.
 struct SheetOutline {
@@ -56,7 +56,7 @@ class Workbook {
   std::unique_ptr<Spreadsheet> Remove(std::string_view name);
 
   // Writes the project to `path` as one transaction: after a failure or a killed process the file holds its
-  // former or its new content, never a mixture. A link stays a link: the file that it names is written.
+  // old or its new content, never a mixture. A link stays a link: the file that it names is written.
   //
   // Where `path` is the file that this project was read from or last saved to, and nobody else wrote to it
   // since, only columns whose content changed are written, into the file as it stands. Otherwise, and when no
@@ -71,7 +71,7 @@ class Workbook {
 
  private:
   std::vector<std::unique_ptr<Spreadsheet>> sheets_;
-  std::unique_ptr<StoredWorkbook> stored_;  // what stands in the file last read or saved; null without one
+  std::unique_ptr<StoredWorkbook> stored_;  // what is in the file last read or saved; null without one
 };
 
 }  // namespace brenvolt

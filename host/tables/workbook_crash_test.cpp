@@ -1,5 +1,5 @@
 // Saves that do not come to their end: killed processes, full devices, folders without permission. The file
-// holds its former or its new content.
+// holds its old or its new content.
 #include <sys/resource.h>
 #include <sys/stat.h>
 

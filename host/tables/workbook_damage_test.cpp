@@ -1,4 +1,4 @@
-// Files that are no project, or no longer one: each gives one clear line that names the file.
+// Files that are not a project, or no longer one: each gives one clear line that names the file.
 #include <sys/stat.h>
 
 #include "host/tables/workbook.h"

@@ -13,7 +13,7 @@ namespace {
 constexpr std::uint32_t kUtf8 = 1;
 constexpr std::int64_t kMostCases = std::int64_t{1} << 40;
 
-// Names of the file that stand in `how` may hold anything; the message stays one line.
+// Names from the file that are in `how` may contain anything; the message stays one line.
 [[noreturn]] void Damaged(const Connection& connection, std::string how) {
   std::ranges::replace_if(
       how, [](unsigned char c) { return c < ' '; }, '?');
@@ -53,7 +53,7 @@ void RequireTables(Connection& connection) {
   }
 }
 
-// Reads rows with care. Each byte of content stands in the file once, so what was read can never exceed the
+// Reads rows with care. Each byte of content is in the file once, so what was read can never exceed the
 // size of the file: a file that claims more, or leads in circles, ends here before it takes memory.
 class ContentReader {
  public:

@@ -1,4 +1,4 @@
-// The project file, format 1: an SQLite database of these tables and nothing that they do not say. Reader and
+// The project file, format 1: an SQLite database of these tables and nothing else. Reader and
 // writer share this description; docs/reference/workbook-format.md explains it to people who read or edit
 // projects with other tools.
 #pragma once
@@ -122,7 +122,7 @@ struct StoredColumn {
   std::int64_t checksum = 0;
 };
 
-// Columns that stand in a file, by content stamp. Copies of one variable share a stamp, and each has its own
+// Columns that are in a file, by content stamp. Copies of one variable share a stamp, and each has its own
 // column.
 using StoredColumns = std::multimap<std::uint64_t, StoredColumn>;
 

@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint64_t kSmallProjectBytes = std::uint64_t{1} << 20;
 constexpr int kSmallPage = 4096;
 constexpr int kLargePage = 65536;
-// Unused space, beside as much as the content takes, from which a file is written anew.
+// Unused space, in addition to as much as the content takes, from which a file is rewritten.
 constexpr std::uint64_t kToleratedWaste = std::uint64_t{1} << 20;
 
 struct PlannedColumn {
@@ -163,7 +163,7 @@ void ContentWriter::WriteColumn(std::int64_t id, std::span<const double> values)
   }
 }
 
-// True when the columns to keep stand in the file as they stood when they were found or written.
+// True when the columns to keep are in the file as they were when they were found or written.
 bool HoldsColumns(Connection& connection, const ColumnPlan& plan) {
   Statement find = connection.Prepare("SELECT checksum FROM variable WHERE id = ? AND checksum IS NOT NULL");
   for (const PlannedColumn& column : plan.columns) {
@@ -217,7 +217,7 @@ std::uint64_t ColumnBytes(SheetList sheets) {
 
 StoredColumns WriteNewWorkbook(Connection& connection, SheetList sheets) {
   const int pageSize = ColumnBytes(sheets) < kSmallProjectBytes ? kSmallPage : kLargePage;
-  // No journal beside the new file: when writing it fails, it goes as a whole.
+  // No journal next to the new file: when writing it fails, it goes as a whole.
   const std::string settings =
       "PRAGMA page_size = " + std::to_string(pageSize) +
       "; PRAGMA encoding = 'UTF-8'; PRAGMA journal_mode = MEMORY; PRAGMA synchronous = OFF; BEGIN"
@@ -246,7 +246,7 @@ std::optional<StoredColumns> UpdateWorkbook(Connection& connection, SheetList sh
   connection.Execute(
       "DELETE FROM sheet; DELETE FROM variable; DELETE FROM label; DELETE FROM property; DELETE FROM "
       "case_name");
-  // First, so that new columns take the place of former ones.
+  // First, so that new columns take the place of old ones.
   RemoveOtherColumns(connection, plan.keptIds);
   StoredColumns updated = ContentWriter(connection).Write(sheets, std::move(plan));
   connection.Execute("COMMIT");

@@ -27,8 +27,8 @@ std::uint64_t ColumnBytes(SheetList sheets);
 StoredColumns WriteNewWorkbook(Connection& connection, SheetList sheets);
 
 // Brings the project file at the other end of `connection` to this content in one transaction, keeping the
-// columns whose stamps are in `stored`; where the columns stand now. Nothing, and an unchanged file, when the
-// file is not the one in which `stored` and `header` were found or when writing it anew is the better way.
+// columns whose stamps are in `stored`; where the columns are now. Nothing, and an unchanged file, when the
+// file is not the one in which `stored` and `header` were found or when rewriting it is the better way.
 std::optional<StoredColumns> UpdateWorkbook(Connection& connection, SheetList sheets,
                                             const StoredColumns& stored, const WorkbookHeader& header);
 

@@ -1,5 +1,5 @@
-// Puts a complete new file in the place of a target: whoever looks sees the former file or the new one, also
-// when the writing process is killed or the machine stops.
+// Puts a complete new file in place of a target: readers see either the old file or the new one, even when
+// the writing process is killed or the machine stops.
 #pragma once
 
 #include <filesystem>
@@ -10,14 +10,14 @@ namespace brenvolt {
 // not there yet. Throws Error naming `path` when links run in circles.
 std::filesystem::path FollowLinks(const std::filesystem::path& path);
 
-// A name beside `target` that no file has, for writing before a rename.
+// An unused file name in the folder of `target`, for writing before a rename.
 std::filesystem::path TemporaryNameBeside(const std::filesystem::path& target);
 
 class FileReplacement {
  public:
-  // Creates an empty file under a temporary name beside the file that `target` names. Throws Error naming
-  // `target` when that is a folder or a special file, may not be written by this user, or its folder admits
-  // no new file.
+  // Creates an empty file under a temporary name next to the file that `target` names. Throws Error naming
+  // `target` when that is a folder or a special file, may not be written by this user, or its folder does
+  // not take a new file.
   explicit FileReplacement(std::filesystem::path target);
   // Without Commit, removes the temporary file and leaves the target as it was.
   ~FileReplacement();

@@ -1,5 +1,5 @@
-// Files that are complete or not there: written under a temporary name beside the target and renamed at the
-// end.
+// Files that are either complete or absent: written under a temporary name next to the target and renamed at
+// the end.
 #pragma once
 
 #include <filesystem>

@@ -110,7 +110,7 @@ TEST_F(OutputFiles, FailuresNameTheTargetAsTheCallerWroteIt) {
   std::filesystem::create_symlink("round", folder_ / "round");
   std::filesystem::create_symlink("/dev/full", folder_ / "full");
   const path targets[] = {
-      folder_ / "file/below",           // a folder that is none
+      folder_ / "file/below",           // in a file instead of a folder
       folder_ / "none/new",             // a missing folder
       folder_ / "folder",               // a folder itself
       folder_ / "new/",                 // no file name

@@ -11,7 +11,7 @@
 namespace brenvolt::pmml {
 namespace {
 
-// The encoding that the XML declaration names, in lower case; empty where it names none.
+// The encoding that the XML declaration names, in lower case; empty if it names none.
 std::string DeclaredEncoding(std::string_view text) {
   if (!text.starts_with("<?xml")) return {};
   const std::string_view declaration = text.substr(0, std::min(text.find("?>"), text.size()));

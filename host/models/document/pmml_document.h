@@ -23,7 +23,7 @@ inline constexpr std::size_t kLongestAttribute = std::size_t{1} << 16;
 inline constexpr std::size_t kMostAttributes = 64;
 inline constexpr int kDeepestElement = 400;
 
-// Throws Error naming the line where `text` is beyond the limits above or declares a document type (PMML
+// Throws Error naming the line if `text` is beyond the limits above or declares a document type (PMML
 // needs none, and entities are how a small file becomes a large one).
 void CheckLimits(std::string_view text, const std::string& file);
 

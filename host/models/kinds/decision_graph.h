@@ -57,7 +57,7 @@ class DecisionGraph {
   std::vector<std::int32_t> outcomes_;  // of leaves
   std::vector<bool> swapped_;           // the question is the opposite of the predicate
   std::vector<Slot> columns_;
-  std::vector<Packed> packed_;  // from the root on; empty where the questions are not all comparisons
+  std::vector<Packed> packed_;  // from the root on; empty if the questions are not all comparisons
   std::vector<std::int32_t> packedOutcomes_;
   DecisionNumber root_ = 0;
   bool isFast_ = true;  // all questions compare a number with a threshold

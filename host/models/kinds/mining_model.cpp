@@ -323,7 +323,7 @@ class EnsembleReader {
     ReadHead(segmentation);
     ensemble_->function = place_.function;
     result_.classes = place_.classes;
-    // What one segment gives, those behind it may name.
+    // Later segments may name what a segment gives.
     Scope& inside = place_.Build().NewScope(&place_.scope, place_.program);
     for (const Element& child : segmentation.Children()) {
       if (!child.Is("Segment")) child.Refuse();

@@ -18,7 +18,7 @@ namespace brenvolt::pmml {
 enum class Function : std::uint8_t { kRegression, kClassification, kClustering };
 
 // The categories of a classification, numbered from 0: those of the target's field in the order of the
-// dictionary, and behind them those that only the model names.
+// dictionary, and after them those that only the model names.
 class Classes {
  public:
   Classes() = default;
@@ -40,7 +40,7 @@ class Classes {
   std::vector<double> values_;
 };
 
-// Which results beside the prediction the caller reads.
+// Which results besides the prediction the caller reads.
 struct Wants {
   bool probabilities = true;
   bool confidences = true;
@@ -49,13 +49,13 @@ struct Wants {
 
 struct ModelResult {
   Function function = Function::kRegression;
-  std::string target;               // the predicted field; empty where the model names none
+  std::string target;               // the predicted field; empty if the model names none
   const Field* field = nullptr;     // its declaration
   Slot value = kNoSlot;             // the number predicted; else the number of the class or cluster, from 0
   Classes classes;                  // clusters, too
-  std::vector<Slot> probabilities;  // by class; empty where the model has none
-  std::vector<Slot> confidences;    // by class; empty where the model has none
-  std::vector<Slot> affinities;     // by cluster; empty where the model has none
+  std::vector<Slot> probabilities;  // by class; empty if the model has none
+  std::vector<Slot> confidences;    // by class; empty if the model has none
+  std::vector<Slot> affinities;     // by cluster; empty if the model has none
   std::vector<Slot> entities;       // winning rule, node or cluster; neighbours by rank: numbers from 0
   std::vector<std::string> entityIds;
   std::vector<Slot> reasons;  // by rank: numbers from 0
@@ -84,7 +84,7 @@ struct ModelPlace {
   Slot NewResult(const Element& at);
 };
 
-// Reads a model element with all that stands in it. `outside` knows the fields around it; `outer` is the
+// Reads a model element with everything in it. `outside` knows the fields around it; `outer` is the
 // place of the model that this one is a part of, if any. `outputs` gets the columns of its Output element.
 struct OutputColumn {
   std::string name;

@@ -119,7 +119,7 @@ class BayesReader {
     inputs_.push_back(std::move(input));
   }
 
-  // P(value | class): the share of the class's cases, the threshold where there are none.
+  // P(value | class): the share of the class's cases, the threshold if there are none.
   void SettleProbabilities(std::vector<std::pair<double, Counts>>& pairs, Input& input) const {
     Counts totals(result_.classes.Count());
     for (auto& [value, counts] : pairs) {

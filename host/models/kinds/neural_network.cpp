@@ -257,7 +257,7 @@ class NetworkReader {
     return out;
   }
 
-  // The expression of an output's field; a reference to a local field of the target stands for that field's.
+  // The expression of an output's field; a reference to a local field of the target means that field's.
   Element ExpressionOf(const Element& output) const {
     const Element field = output.OnlyChild();
     if (!field.Is("DerivedField")) field.Refuse();

@@ -1,4 +1,4 @@
-// The Output element: what a model gives beside its prediction.
+// The Output element: what a model gives besides its prediction.
 #include <algorithm>
 #include <cmath>
 

@@ -177,7 +177,7 @@ class RuleReader {
     set_->rules.push_back(std::move(rule));
   }
 
-  // The verdict's confidence stands in the column of its class.
+  // The verdict's confidence is in the column of its class.
   void AddConfidences(Slot confidence) {
     if (place_.function != Function::kClassification) return;
     for (std::size_t k = 0; k < result_.classes.Count(); ++k)

@@ -49,7 +49,7 @@ struct Input {
 struct Machine {
   double bias = 0;
   std::vector<double> coefficients;
-  std::vector<std::size_t> vectors;  // rows of the dictionary; none where the machine has coefficients only
+  std::vector<std::size_t> vectors;  // rows of the dictionary; none if the machine has coefficients only
   std::string target;
   std::string alternative;
   std::optional<double> threshold;

@@ -52,7 +52,7 @@ class Tree {
   double penalty = 1;
   Predicates predicates;
   std::vector<Node> nodes;
-  std::vector<std::vector<Share>> shares;  // by node, then by class; empty where the node has none
+  std::vector<std::vector<Share>> shares;  // by node, then by class; empty if the node has none
   std::size_t classes = 0;
   DecisionGraph graph;
 
@@ -122,7 +122,7 @@ class Tree {
            });
   }
 
-  // Where to go on when a child's predicate is unknown; `next` is the test of the sibling behind it.
+  // Where to go on when a child's predicate is unknown; `next` is the test of the next sibling.
   DecisionNumber WhenUnknown(std::size_t node, DecisionNumber next) {
     switch (missing) {
       case Missing::kNone:

@@ -79,7 +79,7 @@ double Median(std::span<double> x) {
   return x.size() % 2 == 1 ? x[middle] : (x[middle - 1] + x[middle]) / 2;
 }
 
-// A function of any number of values, of which the missing ones do not count.
+// A function of any number of values; missing ones do not count.
 template <double (*kFunction)(std::span<double>)>
 void AggregateKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
   std::vector<double> present(arguments.size());
@@ -233,7 +233,7 @@ class Call {
     return std::nullopt;
   }
 
-  // The two operands as values of one type: a text that is a number is one beside numbers.
+  // The two operands as values of one type: a text that spells a number is one if the other is a number.
   std::pair<Operand, Operand> Alike(const Operand& a, const Operand& b) const {
     if (a.type.IsText() == b.type.IsText()) {
       if (a.literal && !b.type.IsText() && a.type.type != b.type.type)

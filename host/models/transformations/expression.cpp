@@ -494,7 +494,7 @@ Operand CompileDerivedField(const Element& element, const Place& place) {
   if (!body) element.Fail("the derived field has no expression");
   Operand result = CompileExpression(*body, place, type);
   if (type) {
-    // The texts of a categorical field may stand in it as numbers of its declared type only by its
+    // The texts of a categorical field may occur in it as numbers of its declared type only by its
     // expression.
     result = Cast(result, *type, place, element);
   }

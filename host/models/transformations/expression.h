@@ -39,14 +39,14 @@ Slot NumberSlot(const Operand& operand, const Place& place, const Element& at);
 // The slot of an operand's texts; numbers are written as texts.
 Slot TextSlot(const Operand& operand, const Place& place, const Element& at);
 
-// A call of a built-in function. Nothing where there is no function of that name.
+// A call of a built-in function. Nothing if there is no function of that name.
 std::optional<Operand> CompileBuiltIn(const std::string& name, std::span<const Operand> arguments,
                                       const Place& place, const Element& at);
 // The part of the built-in functions that is about texts, patterns and dates.
 std::optional<Operand> CompileTextFunction(const std::string& name, std::span<const Operand> arguments,
                                            const Place& place, const Element& at);
 
-// How often a term stands in a text.
+// How often a term occurs in a text.
 Operand CompileTextIndex(const Element& element, const Place& place);
 
 }  // namespace brenvolt::pmml

@@ -45,7 +45,7 @@ struct Predicate {
 class Predicates {
  public:
   static bool IsPredicate(const Element& element);
-  // The first child that is a predicate; throws where there is none.
+  // The first child that is a predicate; throws if there is none.
   static Element ChildOf(const Element& element);
 
   PredicateNumber Add(const Element& element, const Place& place);

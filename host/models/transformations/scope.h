@@ -17,7 +17,7 @@
 namespace brenvolt::pmml {
 
 // Beyond these a file is refused: columns that a model writes, expressions that its definitions unfold to,
-// and how deeply definitions and models stand in each other.
+// and how deeply definitions and models are nested.
 inline constexpr Slot kMostSlots = 1 << 14;
 inline constexpr std::size_t kMostExpressions = 1 << 20;
 inline constexpr int kDeepestDefinition = 200;
@@ -84,7 +84,7 @@ class Builder {
   // where the text is not a value of the type.
   double ValueOf(std::string_view text, TypeInfo type, const Element& at);
 
-  // Guards against definitions that stand in each other too deeply.
+  // Guards against definitions that are nested too deeply.
   class Depth {
    public:
     Depth(Builder& builder, const Element& at);
@@ -115,7 +115,7 @@ class Builder {
 };
 
 // The fields that a part of the file can name. What a name means is settled when it is first asked for, so
-// that nothing is computed that no model reads.
+// that only what a model reads is computed.
 class Scope {
  public:
   // Steps that compute the fields of this scope go to `program`.

@@ -1,4 +1,4 @@
-// TextIndex: how often a term stands in a text, in one of four weights. Words are what the separators leave,
+// TextIndex: how often a term occurs in a text, in one of four weights. Words are what the separators leave,
 // without punctuation at their ends.
 #include <re2/re2.h>
 

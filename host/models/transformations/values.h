@@ -47,7 +47,7 @@ inline constexpr TypeInfo kTruth{DataType::kBoolean};
 TypeInfo ReadDataType(const Element& element, TypeInfo otherwise);
 OpType ReadOpType(const Element& element, OpType otherwise);
 
-// The number that a text stands for as a value of the type, which must not be text; nothing where it stands for
+// The number that a text stands for as a value of the type, which must not be text; nothing if it stands for
 // none.
 std::optional<double> ParseValue(TypeInfo type, std::string_view text);
 

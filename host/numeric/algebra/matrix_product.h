@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// A matrix of which element (i, j) stands at data[i * rowStep + j * columnStep]; so a transpose costs
+// A matrix whose element (i, j) is at data[i * rowStep + j * columnStep]; so a transpose costs
 // nothing.
 struct MatrixView {
   const double* data;

@@ -1,4 +1,4 @@
-// A memory for a costly function of counts, for arrays in which the same counts come again and again: sorted
+// A memory for a costly function of counts, for arrays in which the same counts occur again and again: sorted
 // data, and the quantiles of a simulation.
 #pragma once
 

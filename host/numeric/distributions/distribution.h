@@ -45,7 +45,7 @@ constexpr bool TakesProbability(DistributionFunction function) {
   return function == DistributionFunction::kQuantile || function == DistributionFunction::kComplementQuantile;
 }
 
-// What a function returns where there is no answer.
+// What a function returns if there is no answer.
 constexpr double InvalidResult(DistributionFunction function) {
   return TakesProbability(function) ? kInvalidQuantile : kInvalidProbability;
 }
@@ -69,7 +69,7 @@ struct DistributionType {
   DistributionEstimate (*estimate)(const EstimationInput& input);
 };
 
-// The formulas of the distribution D, beside which they are defined.
+// The formulas of the distribution D, defined together with it.
 template <class D>
 struct FormulasOf;
 
@@ -109,7 +109,7 @@ class Distribution {
   void ComplementQuantile(In q, Out out) const;
   double Mean() const;
   double Variance() const;
-  // Over finite values in ascending order, of which equal ones are evaluated once where there is no formula
+  // Over finite values in ascending order, of which equal ones are evaluated once if there is no formula
   // for arrays. -infinity or NaN where one lies outside the support.
   double LogLikelihood(In sorted) const;
 

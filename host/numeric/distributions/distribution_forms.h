@@ -1,7 +1,7 @@
 // What makes the functions of a distribution from its formulas: the one check of parameters, arguments and
 // probabilities, the one loop over arrays, the one table of functions.
 //
-// A distribution D is defined by a structure with its facts, D::kFacts, and beside it by FormulasOf<D>: an
+// A distribution D is defined by a structure with its facts, D::kFacts, and by FormulasOf<D>: an
 // aggregate of its parameters in order and its threshold (or, of repeated groups, of the span of them) with a
 // method for each function, and the static Estimate(input). The methods see neither invalid parameters, nor
 // NaN, nor a probability outside [0, 1]. FormulasOf<D> may further have
@@ -59,7 +59,7 @@ inline void LogOnePlusOverShape(In x, double origin, double scale, double shape,
 
 namespace forms {
 
-// The methods by function; one that is not there is no candidate.
+// The methods by function; one that does not exist is not a candidate.
 inline constexpr std::tuple kMethods{
     [](auto& f, auto... x) -> decltype(f.Density(x...)) { return f.Density(x...); },
     [](auto& f, auto... x) -> decltype(f.LogDensity(x...)) { return f.LogDensity(x...); },

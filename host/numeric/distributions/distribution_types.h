@@ -11,7 +11,7 @@ namespace brenvolt {
 // In the order of their codes.
 std::span<const DistributionType* const> DistributionTypes();
 
-// A code that is none: std::out_of_range.
+// Throws std::out_of_range for an unknown code.
 const DistributionType& TypeOf(DistributionCode code);
 
 // A view of a distribution with its values and its offset; the values must outlive it. What the functions

@@ -1,5 +1,5 @@
 // The geometric distribution: failures, 0, 1, 2, …, before the first success, of probability `proportion`.
-// There is none at proportion 0, where no success ever comes.
+// It does not exist at proportion 0, where no success ever comes.
 #pragma once
 
 #include "host/numeric/distributions/distribution.h"

@@ -37,8 +37,8 @@ struct HistogramEstimate {
 // All skip NaN and take the values in any order, but for the histogram. A value is a count when it is whole
 // and not below 0 by more than 15 units in the last place: a whole number below 0 always is.
 
-// Proportion = mean / trials. With `estimateTrials` the greatest value stands for the number of trials, which
-// is then not looked at.
+// Proportion = mean / trials. With `estimateTrials` the greatest value is taken as the number of trials, and
+// `trials` is ignored.
 BinomialEstimate EstimateBinomial(std::span<const double> data, std::int32_t trials, bool estimateTrials);
 // The mean, by maximum likelihood.
 RateEstimate EstimatePoisson(std::span<const double> data);

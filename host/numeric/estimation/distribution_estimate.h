@@ -19,7 +19,7 @@ namespace brenvolt {
 struct EstimationInput {
   std::span<const double> sorted;  // ascending, finite, at least one value
   double offset = 0;
-  // Of the sample, with divisor n - 1 and corrected for n; kNotSet where n is too small.
+  // Of the sample, with divisor n - 1 and corrected for n; kNotSet if n is too small.
   double mean = kNotSet;
   double standardDeviation = kNotSet;
   double skewness = kNotSet;
@@ -35,7 +35,7 @@ struct EstimationInput {
 // Without values where the fit failed.
 struct DistributionEstimate {
   std::vector<double> values;          // in the order of the parameters
-  std::vector<double> standardErrors;  // none where nothing is said of them
+  std::vector<double> standardErrors;  // empty if the estimator gives none
   std::vector<double> covariance;      // row by row
   int estimatedParameters = 0;
   double logLikelihood = kNotSet;  // where the estimator knows it

@@ -19,7 +19,7 @@ using EstimationPoll = std::function<void()>;
 
 enum class EstimationError : std::int32_t {
   kNone = 0,
-  kTooFewValues = 1,         // fewer values than the distribution needs; two, where nothing else is said
+  kTooFewValues = 1,         // fewer values than the distribution needs; two, unless stated otherwise
   kValueOutsideSupport = 2,  // a value at or below the offset
   kNoSpread = 3,             // all values equal, or so many that the fit degenerates to a point
   kNotFinite = 4,            // a value is NaN or infinite, or a result would be
@@ -77,7 +77,7 @@ std::int32_t GEV_ProbWeightMoments(std::span<const double> data, std::span<doubl
 // Generalized Pareto: parameters = {threshold, scale, shape}, the threshold as given, shape > 0 for a heavy
 // upper tail. A value equal to the threshold is within the support. Maximum likelihood for shape > -1 after
 // Grimshaw (1993): the likelihood reduced to shape / scale; its stationary points are bracketed on a grid and
-// solved to the last bits. The greatest local maximum is the estimate; kNoMaximum where there is none, as the
+// solved to the last bits. The greatest local maximum is the estimate; kNoMaximum if there is none, as the
 // likelihood grows without bound for shape < -1.
 std::int32_t FitGPDMaximumLikelihood(std::span<const double> data, double threshold,
                                      std::span<double, 3> parameters, EstimationError& error,
@@ -112,8 +112,8 @@ enum class JohnsonFamily : std::int32_t { kLognormal = 1, kUnbounded = 2, kBound
 // with the given mean, standard deviation, skewness and excess kurtosis, after Hill, Hill & Holder (1976): SU
 // by the bracketed equation of Tuenter (2001), SB by two nested bracketed equations over moments by
 // quadrature, each solved to 46 bits. A kurtosis within 1e-6 (relative) of the lognormal line gives SL when
-// the skewness is positive; its mirror image is no member with lambda > 0, so that SU beside it stands for
-// it. kNoSolution when no distribution has the moments, or only one that is nearly two points (an SB member
+// the skewness is positive; its mirror image is not a member with lambda > 0, so the SU next to it is taken.
+// kNoSolution when no distribution has the moments, or only one that is nearly two points (an SB member
 // with delta below 0.002).
 std::int32_t FitJohnsonFromMoments(double mean, double standardDeviation, double skewness, double kurtosis,
                                    std::span<double, 5> parameters, EstimationError& error);

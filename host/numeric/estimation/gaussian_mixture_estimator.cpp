@@ -120,7 +120,7 @@ int CyclesToFinish(std::size_t count) {
 
 // The mixture found in a thinned sample polished over samples of rising size, each with the slopes of the one
 // before: their maxima lie close, as evenly placed values tell the distribution far better than as many
-// random ones. Empty where the mixture collapses.
+// random ones. Empty if the mixture collapses.
 Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mixture mixture,
                   double deviation, const EstimationPoll& poll) {
   constexpr std::size_t kRise = 16;

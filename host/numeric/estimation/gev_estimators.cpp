@@ -318,7 +318,7 @@ Point SearchMaximum(std::span<const double> sorted, Surface& best, const Estimat
   return greatest;
 }
 
-// The same; a large sample is climbed from the maximum of a thinned one, where there is one.
+// The same; a large sample is climbed from the maximum of a thinned one, if there is one.
 Point GreatestMaximum(std::span<const double> sorted, Surface& best, const EstimationPoll& poll) {
   if (sorted.size() > kLargeSample) {
     std::vector<double> thin = Thinned(sorted, kThinnedSample);

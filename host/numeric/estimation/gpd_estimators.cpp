@@ -39,7 +39,7 @@ struct Profile {
   double slope = 0.0;
 };
 
-// Values of which each stands for `weight` ones, and on both sides values that stand for themselves alone.
+// Values each of which represents `weight` values, and on both sides values that represent only themselves.
 struct WeightedValues {
   std::vector<double> low;
   std::vector<double> middle;

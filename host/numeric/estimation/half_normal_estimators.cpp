@@ -4,8 +4,8 @@
 //   location = mean(x tanh(x location / scale^2)),  scale^2 = mean(x^2) - location^2.
 // With d = mean(x) - location they become one equation in d on [0, mean(x)],
 //   d = mean(2 x / (exp(2 x location / scale^2) + 1)),  scale^2 = variance(x) + d (2 mean(x) - d),
-// without cancellation however small the spread is beside the mean. d = mean(x), which is location 0, always
-// solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
+// without cancellation however small the spread is relative to the mean. d = mean(x), which is location 0,
+// always solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
 #include <algorithm>
 #include <cmath>
 #include <numbers>

@@ -96,7 +96,7 @@ JohnsonFit FitThrough(double z, const Distances& d) {
     return product > 1.0 ? FitUnbounded(z, d, m, n) : FitBounded(z, d, m, n);
   }
   if (m > 1.0) return FitLognormal(z, d, m);
-  // A lognormal with its tail below is no member with lambda > 0; the SU member beside it is.
+  // A lognormal with its tail below is not a member with lambda > 0; the SU member next to it is.
   return FitUnbounded(z, d, m, n * (1.0 + kLineTolerance) / product);
 }
 

@@ -11,7 +11,7 @@
 namespace brenvolt::mixture {
 
 // Mixtures of groups of the sorted values, divided in several ways, and mixtures about one mean. `deviation`
-// is the standard deviation of the values, of which there are at least two for each component.
+// is the standard deviation of the values, at least two for each component.
 std::vector<Mixture> Starts(std::span<const double> sorted, std::size_t components, double deviation);
 
 // Moves a component of the mixture upon another place: where one component is split in two, another is given

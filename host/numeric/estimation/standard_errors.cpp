@@ -13,7 +13,7 @@ namespace {
 using estimation::CompensatedSum;
 using estimation::kBlock;
 
-// The inverse of the information {first, mixed; mixed, second}; nothing where it is singular to rounding.
+// The inverse of the information {first, mixed; mixed, second}; nothing if it is singular to rounding.
 std::optional<Covariance2> Inverse(double first, double mixed, double second) {
   const double determinant = first * second - mixed * mixed;
   if (!(first > 0) || !(determinant > 1e-14 * first * second)) return std::nullopt;

@@ -15,7 +15,7 @@ inline constexpr double kLeastRegularShape = -0.5;
 // The covariance of two estimates, row by row.
 using Covariance2 = std::array<double, 4>;
 
-// Location and scale of the folded normal at its maximum over `data`. Nothing where the information is not
+// Location and scale of the folded normal at its maximum over `data`. Nothing if the information is not
 // positive definite: location 0 is an end of the parameters.
 std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, double location, double scale,
                                                   double offset);

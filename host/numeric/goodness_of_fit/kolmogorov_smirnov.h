@@ -12,7 +12,7 @@ namespace brenvolt {
 // distribution that the test knows under `testCode` (DistributionFacts) with all its `parameters`. The second
 // form shifts the data by `offset` first. A threshold among the parameters may be left out; it counts from
 // the offset. Both sides of every jump of the empirical and, for discrete distributions, of the fitted
-// distribution function count. Non-zero: success. Zero: there is no such code, the parameters are invalid or
+// distribution function count. Non-zero: success. Zero: the code is unknown, the parameters are invalid or
 // a probability could not be computed; `statistic` = kNotSet.
 std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
                                           std::span<const double> sortedData, double& statistic);

@@ -1,5 +1,5 @@
 // The p-value P(D_n >= d), after the survey of Simard & L'Ecuyer (2011), "Computing the two-sided
-// Kolmogorov-Smirnov distribution", J. Stat. Software 39(11). Since the p-value is wanted and not its
+// Kolmogorov-Smirnov distribution", J. Stat. Software 39(11). Since the p-value is needed and not its
 // complement, methods that add up small positive probabilities take the place of one minus a number near one.
 // With c = n d:
 //

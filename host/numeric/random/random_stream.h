@@ -1,8 +1,8 @@
-// The random stream: one per process, counter-based, so that any draw of it can be had at the same cost.
+// The random stream: one per process, counter-based, so that every draw costs the same, wherever it is.
 //
 // The stream is Philox 4x32-10 (Salmon, Moraes, Dror & Shaw 2011) under a key made from the seed. Draw number
 // i takes half of block i / 2: 64 bits, of which the upper 53 make a uniform deviate in [0, 1). Every
-// function here that draws, draws from this one stream and moves its position on; none of them may be called
+// function here that draws uses this one stream and moves its position on; none of them may be called
 // from two threads at once.
 #pragma once
 
@@ -18,7 +18,7 @@ double NextUniform();
 // A normal deviate with mean 0 and standard deviation sd, by inversion of exactly one uniform deviate.
 double NextNormal(double sd);
 
-// Starts the stream anew from `seed`, without drawing.
+// Restarts the stream from `seed`, without drawing.
 void SeedProcessStream(std::int32_t seed);
 
 // Access to any place of a stream, for bulk and parallel use. Pure functions of the stream and the position.
@@ -34,7 +34,7 @@ class RandomStream {
   RandomStream Substream(std::uint64_t first, std::uint64_t second) const;
   // The uniform deviate at a position.
   double Uniform(std::uint64_t position) const;
-  // The deviates at position, position + 1, …: bit for bit what one-by-one draws give. Long
+  // The deviates at position, position + 1, …: bit for bit what single draws give. Long
   // fills run on all cores, with the same result at any number of threads.
   void FillUniform(std::uint64_t position, std::span<double> out) const;
   void FillNormal(std::uint64_t position, double sd, std::span<double> out) const;

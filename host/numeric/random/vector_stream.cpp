@@ -96,7 +96,7 @@ HWY_INLINE hn::Vec<hn::Rebind<double, D>> Deviates(D du, V low, V high) {
   return hn::Add(hn::Sub(highPart, hn::Set(d, 0x1p20 + 0.5)), lowPart);
 }
 
-// The deviates of one vector of blocks, which stand in the order that puts them in place: even lanes hold the
+// The deviates of one vector of blocks, which are in the order that puts them in place: even lanes hold the
 // first half of the blocks, odd ones the second.
 template <class D, class V>
 HWY_INLINE void StoreDeviates(D du, const V (&words)[4], double* out) {

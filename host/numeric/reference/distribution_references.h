@@ -135,7 +135,7 @@ inline std::vector<std::string> Split(const std::string& text, char separator) {
   return parts;
 }
 
-// The fields of the lines of a file after its first, the header; none where there is no file.
+// The fields of the lines of a file after its first, the header; none if there is no file.
 inline std::vector<std::vector<std::string>> ReadFields(const std::string& path) {
   std::ifstream file(path);
   std::vector<std::vector<std::string>> lines;
@@ -206,7 +206,7 @@ inline double RelativeError(const Type& type, const Row& row, double computed) {
   return error == 0.0 ? 0.0 : error / size;
 }
 
-// The error of a mean, relative like a quantile's, or of a variance; none where both are infinite.
+// The error of a mean, relative like a quantile's, or of a variance; none if both are infinite.
 inline double RelativeError(const Type& type, const MomentRow& row, double computed) {
   if (computed == row.value) return 0.0;
   const double size = row.function == "Mean" ? SizeOnAxis(type, row.value, row.parameters) : row.value;

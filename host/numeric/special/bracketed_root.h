@@ -34,11 +34,11 @@ std::optional<double> SolveFallingNear(const Function& f, double guess, double l
   }
 }
 
-// The values from which a large sample is thinned, and how many stand for it.
+// The sample size from which samples are thinned, and the size of a thinned sample.
 inline constexpr std::size_t kLargeSample = 20'000;
 inline constexpr std::size_t kThinnedSample = 4'096;
 
-// `count` of the sorted values, evenly placed; all of them where there are no more.
+// `count` of the sorted values, evenly placed; all of them if there are no more.
 inline std::vector<double> Thinned(std::span<const double> sorted, std::size_t count) {
   if (sorted.size() <= count) return {sorted.begin(), sorted.end()};
   std::vector<double> values;

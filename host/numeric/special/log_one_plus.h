@@ -1,6 +1,6 @@
 // w(z, k) = ln(1 + k z) / k, the function by which the extreme value and the Pareto distributions change from
 // a bounded to a heavy tail, with its derivatives. w(z, 0) = z, and all of it is smooth there: near k z = 0
-// the power series stands in for the quotients, which would cancel.
+// the power series replaces the quotients, which would cancel.
 #pragma once
 
 #include <cmath>

@@ -27,7 +27,7 @@ const hwy::Sorter& ThreadSorter() {
   return sorter;
 }
 
-// The number that stands for a real, the largest for any NaN.
+// The number that represents a real, the largest for any NaN.
 constexpr std::uint64_t kNaNKey = std::numeric_limits<std::uint64_t>::max();
 
 std::uint64_t KeyOf(double x) {
@@ -78,7 +78,7 @@ void SortPlainly(std::span<double> values) {
 
 }  // namespace
 
-// The keys stand in the place of the values, so that no memory is needed. Highway's sort of doubles
+// The keys take the place of the values, so that no memory is needed. Highway's sort of doubles
 // themselves is of no use: its minima and maxima mix up the two zeros, and its padding turns infinity into
 // the largest double.
 void SortAscending(std::span<double> values) {

@@ -1,4 +1,4 @@
-// The standard normal distribution, on which the normal, its relatives and the random stream stand.
+// The standard normal distribution, on which the normal, its relatives and the random stream are built.
 //
 // The functions are those of vector_forms.h at one value; array forms give the same bits.
 #pragma once
@@ -28,7 +28,7 @@ double StandardNormalCdf(double z);
 double StandardNormalQuantile(double p);
 
 // The normal deviate of a uniform deviate u, a multiple of 2^-53 in [0, 1): the quantile at u + 2^-54, the
-// centre of the cell that u stands for, hence finite and symmetric.
+// centre of the cell that u represents, hence finite and symmetric.
 double NormalFromUniform(double u);
 
 }  // namespace brenvolt

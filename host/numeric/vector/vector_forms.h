@@ -67,11 +67,11 @@ void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double>
 // The same plus a location.
 void NormalsFromUniforms(std::span<const double> u, double sd, double location, std::span<double> out);
 
-// Probabilities that uniform deviates stand for.
+// Probabilities that uniform deviates represent.
 struct ProbabilityRange {
   double lower = 0;  // the probability of 0
   double width = 1;  // of the range, or of one of its strata of equal probability
-  double least = 0;  // what stands for `lower`, and for what rounding leads below it
+  double least = 0;  // replaces `lower`, and what rounding leads below it
   double most = 1;   // rounding leads not above this
 };
 // out[i] = lower + u[i] width.

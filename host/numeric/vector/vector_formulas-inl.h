@@ -22,7 +22,7 @@ namespace HWY_NAMESPACE {
 namespace hn = hwy::HWY_NAMESPACE;
 
 inline constexpr double kVectorInfinity = std::numeric_limits<double>::infinity();
-// Adding it rounds to a whole number, which then stands in the low bits.
+// Adding it rounds to a whole number, which is then in the low bits.
 inline constexpr double kRounder = 0x1.8p52;
 inline constexpr int kMantissaBits = 52;
 

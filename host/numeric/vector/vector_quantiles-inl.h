@@ -83,7 +83,7 @@ double QuantileAtOne(double x, Source source, Formula formula) {
 }
 
 inline constexpr std::size_t kQuantileBlock = PlaceList::kMostPlaces;
-inline constexpr std::size_t kMostLanes = 64;  // room behind a block for whole vectors
+inline constexpr std::size_t kMostLanes = 64;  // room after a block for whole vectors
 
 // The z of the centre at some vectors; where it is not the centre is added to the tails.
 template <std::size_t kGroups, class Source>
