@@ -1,4 +1,4 @@
-// What can go wrong in the engines of the module. Their texts stand in one table (frame/fault_message.h).
+// What can go wrong in the engines of the module. One table holds the texts (frame/fault_message.h).
 #pragma once
 
 #include <cstdint>

@@ -22,7 +22,7 @@ class RunProgress {
  public:
   using Caption = std::string_view (*)(ProgressStage stage);
 
-  // `port` must outlive it. Bars are without a caption where there is none to ask for: a dialog's progress is
+  // `port` must outlive it. Bars are without a caption if there is none to ask for: a dialog's progress is
   // frame/captioned_progress.h.
   RunProgress(ProgressPort& port, Caption caption = nullptr) : port_(port), caption_(caption) {}
 

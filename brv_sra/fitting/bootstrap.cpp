@@ -20,7 +20,7 @@ namespace {
 
 constexpr std::int64_t kBlockValues = 4'000;  // drawn before a worker looks for its next block
 constexpr std::int64_t kHeldValues =
-    4'000'000;  // in the samples of all workers, of which there is one at least
+    4'000'000;  // in the samples of all workers, at least one sample
 
 // How many samples count for a test, and how many of them are at least as far from their estimate as the
 // data.
@@ -65,7 +65,7 @@ void Compare(const ChiSquareResult& sample, const ChiSquareResult& data, Tally& 
   tally.Count(IsAsExtreme(sample, data));
 }
 
-// Sample number `index` of a job, sorted, in `values`; false where the distribution gave a value that is not
+// Sample number `index` of a job, sorted, in `values`; false if the distribution gave a value that is not
 // finite.
 bool Draw(const BootstrapJob& job, std::int64_t index, std::vector<double>& values, Moments& moments) {
   constexpr double kLeastProbability = 0x1p-54;           // for a deviate of 0, which has no quantile
@@ -84,8 +84,8 @@ bool Draw(const BootstrapJob& job, std::int64_t index, std::vector<double>& valu
   return true;
 }
 
-// The estimate from a sample with its statistics; not valid where there is none. What ends a run over data
-// only ends this sample.
+// The estimate from a sample with its statistics; not valid if there is none. A fault that would
+// end a run over data ends only this sample.
 DistributionFit FitOfSample(const BootstrapJob& job, const SortedSample& sample, ChiSquareBinning binning,
                             const Poll& poll) {
   try {

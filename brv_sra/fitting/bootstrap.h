@@ -1,12 +1,12 @@
 // The parametric bootstrap of the goodness-of-fit tests: p-values that hold although the parameters were
 // estimated from the tested data (Stute, Gonzáles Manteiga & Presedo Quindimil 1993; Babu & Rao 2004).
 //
-// Samples of the size of the data are drawn from the fitted distribution, the distribution is estimated anew
+// Samples of the size of the data are drawn from the fitted distribution, the distribution is estimated again
 // from each as it was from the data, and each sample is tested against its own estimate. The p-value is the
 // share of the samples, the data counted among them, that are at least as far from their estimate as the data
 // from theirs: (1 + number as far) / (number + 1), never below 1 / (samples + 1).
 //
-// A sample that cannot be fitted counts nowhere; one for which a test has no statistic does not count for
+// A sample that cannot be fitted is not counted; one for which a test has no statistic does not count for
 // that test. Chi-square tests of different degrees of freedom are compared by their plain p-values.
 //
 // Extreme value and Pareto distributions of a shape below -1 are left out: their density is infinite at the

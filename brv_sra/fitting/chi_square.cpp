@@ -57,7 +57,7 @@ Boundaries WholeNumbers(double minimum, double maximum) {
   return boundaries;
 }
 
-// The codes of a histogram but the largest; none where there are more than bins.
+// The codes of a histogram but the largest; none if there are more than bins.
 Boundaries HistogramCodes(std::span<const double> values) {
   Boundaries codes;
   for (std::size_t i = 0; i + 1 < values.size(); i += 2) codes.push_back(values[i]);

@@ -17,7 +17,7 @@
 // Degrees of freedom: the merged bins less 1 and less the parameters estimated from the data, 1 at least.
 // With parameters from single values rather than from the binned counts the true distribution lies between
 // this one and that for bins - 1 (Chernoff & Lehmann 1954), so the p-value errs towards rejection. Where the
-// merged bins are no more than the parameters and 1, the difference is 0 or less and 1 stands for it: that is
+// merged bins are no more than the parameters and 1, the difference is 0 or less and 1 replaces it: that is
 // more than the fit leaves, and the p-value there errs towards acceptance.
 #pragma once
 

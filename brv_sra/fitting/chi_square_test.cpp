@@ -19,7 +19,7 @@ DistributionFit FitOf(DistributionCode code, std::vector<double> values, double 
   return fit;
 }
 
-// The quantiles at (i - 1/2) / n: data that a fit of the same distribution meets.
+// The quantiles at (i - 1/2) / n: data that a fit of the same distribution matches.
 std::vector<double> QuantilesOf(const DistributionFit& fit, std::size_t n) {
   const SpecifiedDistribution distribution(fit.specification);
   std::vector<double> data;

@@ -19,7 +19,7 @@ const std::string kFolder = BRENVOLT_SOURCE_DIR "/brv_sra/fitting/reference/";
 // How far a fit may be from the optimum. The references of the searched types are good to some 1e-7, as they
 // come from a search that knows no derivatives; those of the others to rounding.
 struct Tolerance {
-  double shortfall;   // of the log-likelihood, relative; a higher one is no fault
+  double shortfall;   // of the log-likelihood, relative; a higher one is not a fault
   double parameters;  // relative to max(0.001, value)
   double kolmogorovSmirnov;
   double andersonDarling;  // relative to max(1, value)

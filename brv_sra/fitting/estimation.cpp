@@ -101,7 +101,7 @@ using EstimateOne = std::function<DistributionFit(DistributionCode)>;
 // that copy it. The exception of the first in order that threw is thrown again.
 std::vector<DistributionFit> FitAll(std::span<const DistributionCode> codes, std::span<const double> sorted,
                                     ChiSquareBinning binning, const Poll& poll, const EstimateOne& estimate) {
-  constexpr std::size_t kLargeSample = 500'000;  // values, of which few copies are to exist at a time
+  constexpr std::size_t kLargeSample = 500'000;  // values, so many that few copies may exist at a time
   const bool isLarge = sorted.size() > kLargeSample;
   std::vector<DistributionFit> fits(codes.size());
   std::vector<std::exception_ptr> failures(codes.size());

@@ -1,4 +1,4 @@
-// The correlations between fitted variables, which are kept beside the fits in a correlation matrix file.
+// The correlations between fitted variables, which are kept with the fits in a correlation matrix file.
 #pragma once
 
 #include <cstddef>

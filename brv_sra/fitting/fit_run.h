@@ -19,7 +19,7 @@ struct CaseOptions {
 };
 
 // True when the data of `variables` variables of `cases` cases are within the limit of a fit. The product is
-// taken in 32 bits, as the limit has always been.
+// taken in 32 bits, as the limit requires.
 bool FitsDataLimit(std::size_t variables, std::size_t cases);
 
 // The cases that a fit uses, by the sheet's selection and weights and the fit specification's deletion mode.

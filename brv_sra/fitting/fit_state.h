@@ -50,7 +50,7 @@ constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
   return std::nullopt;
 }
 
-// What is to be fitted to one variable: nothing unless it is said. What is checked for a newly selected
+// What is to be fitted to one variable: nothing unless specified. What is checked for a newly selected
 // variable is the dialog's choice.
 struct ContinuousSpecification {
   std::array<bool, kContinuousFlagCount> fit{};
@@ -95,7 +95,7 @@ struct ChiSquareResult {
   double pValue = kNotSet;
 };
 
-// The p-values of the three tests by parametric bootstrap: the parameters are estimated anew from each
+// The p-values of the three tests by parametric bootstrap: the parameters are estimated again from each
 // sample, as they were from the data. kNotSet where the test has no statistic or none was asked for.
 struct BootstrapResult {
   double kolmogorovSmirnov = kNotSet;
@@ -162,7 +162,7 @@ struct FitState {
   FitSpecification committed;
   CaseCounts cases;                  // of the results
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
-  std::size_t firstShown = 0;        // the first variable with a valid fit; 0 where none has
+  std::size_t firstShown = 0;        // the first variable with a valid fit; 0 if none has
   bool saveUserDefined = false;      // save the person's own values and orders where there are any
 };
 

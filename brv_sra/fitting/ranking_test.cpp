@@ -29,7 +29,7 @@ TEST(RankingOrder, EveryCriterionUsesItsOwnStatisticAndTiesKeepTheFixedOrder) {
   const Case cases[] = {
       {RankingCriterion::kKolmogorovSmirnov, {2, 3, 1, 4, 0}, 2},
       {RankingCriterion::kChiSquare, {1, 3, 2, 0, 4}, 1},
-      // A statistic beyond the key of failed fits stands behind them.
+      // A statistic beyond the key of failed fits comes after them.
       {RankingCriterion::kAndersonDarling, {3, 1, 0, 2, 4}, 3},
   };
   for (const Case& c : cases) {

@@ -27,7 +27,7 @@ auto FindUserDefined(const VariableFit& variable, DistributionCode code) {
   return std::ranges::find(variable.saving.userDefined, code, &DistributionSpecification::code);
 }
 
-// The valid fit of a type as an index; the number of fits where there is none.
+// The valid fit of a type as an index; the number of fits if there is none.
 std::size_t FindValidFit(const VariableFit& variable, DistributionCode code) {
   const auto found = std::ranges::find_if(variable.fits, [code](const DistributionFit& fit) {
     return fit.specification.code == code && fit.IsValid();
@@ -111,7 +111,7 @@ Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecificati
 void DropUserDefinedValues(VariableFit& variable, DistributionCode code) {
   std::erase_if(variable.saving.userDefined,
                 [code](const DistributionSpecification& own) { return own.code == code; });
-  // An order names nothing that is no longer there.
+  // An order must not name a fit that no longer exists.
   if (UserDefinedSpecification(variable, code) == nullptr) {
     std::erase(variable.saving.userDefinedOrder, code);
   }

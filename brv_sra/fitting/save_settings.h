@@ -1,5 +1,5 @@
-// What is saved of the fits of one variable: which, in which order, with which truncation, and with the
-// person's own values where there are any.
+// What is saved of the fits of one variable: which fits, in which order, with which truncation, and with the
+// person's own values, if any.
 //
 // Every function that changes settings checks first: on a fault the settings stay as they were.
 #pragma once
@@ -19,7 +19,7 @@ namespace brenvolt::sra {
 // The histogram of a discrete variable repeats the data and would always stand first, so it is saved only
 // where no other fit is valid, or where the person's order names it.
 std::vector<std::size_t> DefaultOrder(const VariableFit& variable);
-// The person's order where there is one, else the default.
+// The person's order if there is one, else the default.
 std::vector<std::size_t> SavedOrder(const VariableFit& variable);
 // Valid fits of the variable, each once, any of them left out; none for the default order.
 Result<void> SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
@@ -29,7 +29,7 @@ std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<con
 std::string OrderText(std::span<const DistributionCode> order);
 
 // The values of a distribution that are saved with user-defined distributions: the person's own, else the
-// valid fit's. Null where there are neither.
+// valid fit's. Null if there are neither.
 const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable, DistributionCode code);
 bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code);
 // Takes the person's own values, which must be valid, of a type of the variable's kind.

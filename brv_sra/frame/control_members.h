@@ -1,4 +1,4 @@
-// Automation members that stand for one control of their dialog: getters and putters for the tables of
+// Automation members that represent one control of their dialog: getters and putters for the tables of
 // members. A control operation that the dialog refuses is refused to the caller.
 #pragma once
 
@@ -33,7 +33,7 @@ void PutChosen(Dialog& dialog, std::span<const Variant>, const Variant& value) {
   if (value.ToBoolean()) RequireTaken(dialog.Check(Control, true));
 }
 
-// The number in a field; kNotSetCount where there is none.
+// The number in a field; kNotSetCount if there is none.
 template <class Dialog, std::int32_t Control>
 Variant GetNumber(Dialog& dialog, std::span<const Variant>) {
   std::int32_t value = kNotSetCount;

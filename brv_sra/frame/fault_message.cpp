@@ -21,7 +21,7 @@ enum class Form : std::uint8_t {
 
 struct Row {
   FaultIdentifier identifier;
-  std::int32_t resource;  // 0 for a fault of which nothing is shown
+  std::int32_t resource;  // 0 for a fault that is not shown
   Form form = Form::kPlain;
   std::string_view where = {};  // with {about} and {detail}
   std::int32_t caption = 0;

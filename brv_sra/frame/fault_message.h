@@ -1,5 +1,5 @@
 // The texts of the engines' faults: the one table from identifiers to resources, and how dialogs and
-// automation tell a fault.
+// automation report a fault.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@
 namespace brenvolt::sra {
 
 struct FaultMessage {
-  std::string text;          // empty for a fault of which nothing is shown
-  std::string where;         // stands behind it in parentheses
+  std::string text;          // empty for a fault that is not shown
+  std::string where;         // follows it in parentheses
   std::int32_t caption = 0;  // of the message box, by its number; 0 for the usual one
 };
 FaultMessage MessageOf(const Fault& fault);

@@ -1,4 +1,4 @@
-// The loaded library as a whole: its start-up and shut-down, and the state of which there is one per process.
+// The loaded library as a whole: its start-up and shut-down, and the state that exists once per process.
 #pragma once
 
 #include "brv_sra/resources/module_type_library.h"

@@ -47,7 +47,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // Checks the input as a matrix file and reads it; shows a message for a fault. `parent` is the window that
   // asks. Where it fails, no matrix file is attached and no values are kept.
   std::int32_t ValidateInputMatrixFile(WindowHandle parent = nullptr);
-  // The same, then the names of its variables; for an input that is no valid matrix file, asks whether to
+  // The same, then the names of its variables; for an input that is not a valid matrix file, asks whether to
   // create one, except under automation.
   std::int32_t ValidateOrDesignInputMatrixFile();
   // Makes a matrix of uncorrelated variables, shows it, and attaches it as the input. The person chooses the
@@ -60,12 +60,12 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.
   std::int32_t IsCorrelationMatrixSymmetric();
 
-  // Lets the person choose a data file, which becomes the input; what was specified over the former input is
+  // Lets the person choose a data file, which becomes the input; what was specified for the previous input is
   // forgotten. False, and nothing changed, when the person cancelled or the file could not be read: a message
   // has then said why.
   bool OpenData();
   // A matrix file can be fitted like other data, which is seldom meant: where the input is one, asks. False
-  // when the person thinks better of it.
+  // when the person decides against it.
   bool MayFitInput() const;
 
   // Defaults of numeric settings; everything around them starts at zero.
@@ -90,7 +90,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
     weights_.caseWeightsEnabled = on;
   }
 
-  // Set by whoever wants the next Init noticed; every Init clears it.
+  // Set by code that has to notice the next Init; every Init clears it.
   std::int16_t OneShotFlag() const { return oneShot_; }
   void RaiseOneShotFlag() { oneShot_ = 1; }
 

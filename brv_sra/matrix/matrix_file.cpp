@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kTitleBytes = 80;
 
-// Types of matrix that the host knows beside correlations.
+// Types of matrix that the host knows besides correlations.
 constexpr double kCovarianceType = 2.0;
 constexpr double kFurtherType = 3.0;
 

@@ -1,5 +1,5 @@
 // The correlation matrix file of a simulation design: made from its values, and checked and read back. The
-// fits, the design and the simulation meet in it. Its rows stand in host/tables/matrix_sheet.h.
+// fits, the design and the simulation meet in it. host/tables/matrix_sheet.h describes its rows.
 #pragma once
 
 #include <cstddef>

@@ -15,7 +15,7 @@ struct MatrixState {
   std::int32_t numberOfVariables = 0;  // of the input as last read
   // Names of the design's variables: read from the input, or chosen for a new matrix file.
   std::vector<std::string> variables;
-  std::optional<MatrixFile> saved;  // the one last saved beside fits of the input
+  std::optional<MatrixFile> saved;  // the one last saved with fits of the input
   bool attached = false;            // a valid matrix file is the analysis input
   bool symmetric = false;           // and its matrix is symmetric
 };

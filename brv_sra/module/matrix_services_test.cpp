@@ -166,7 +166,7 @@ TEST_F(MatrixServices, UnderAutomationNothingIsAsked) {
 TEST_F(MatrixServices, OnlyCallsOfAutomationCountAsAutomation) {
   ASSERT_TRUE(analysis->RunSequenceStep(step::kInit));
   const auto dialog = analysis->GetDialgInterface();
-  dialog->Put("TypeOfAnalysis", 2);  // a step without a dialog: OK says so
+  dialog->Put("TypeOfAnalysis", 2);  // a step without a dialog: OK reports that
   dialog->Call("OK");
   EXPECT_EQ(userInterface.messages.size(), 1U);
   EXPECT_TRUE(userInterface.underAutomation);

@@ -1,4 +1,4 @@
-// The simulation startup dialog: starts a simulation, its design, or the profiler. It stands outside the
+// The simulation startup dialog: starts a simulation, its design, or the profiler. It is outside the
 // sequence; a host opens it for a person who has fitted before.
 #pragma once
 

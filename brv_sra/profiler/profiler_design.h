@@ -33,11 +33,11 @@ struct ProfilerPredictor {
   PredictorSetting setting = PredictorSetting::kNone;
   double fixedValue = 0;
   DistributionSpecification specification;  // with its truncation
-  // What the data say where they do: the range, for people to go by; NaN where it is not known.
+  // The range of the data, as guidance for people; NaN if it is not known.
   double lowest = std::numeric_limits<double>::quiet_NaN();
   double highest = std::numeric_limits<double>::quiet_NaN();
-  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that told. Values of the
-  // specification, of the fixed value and of the output stand for these.
+  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them. Values of
+  // the specification, of the fixed value and of the output represent these texts.
   std::map<double, std::string> labels;
   bool categorical = false;
 
@@ -46,11 +46,11 @@ struct ProfilerPredictor {
 
 struct ProfilerDependent {
   std::string name;
-  // The model that predicts it; null where it has none.
+  // The model that predicts it; null if it has none.
   std::shared_ptr<const PredictionModel> model;
-  // Takes precedence over the model; empty where there is none. The expression alone: "A + 2*B".
+  // Takes precedence over the model; empty if there is none. The expression alone: "A + 2*B".
   std::string formula;
-  // The formulas before, the last one last: what taking a formula back goes back to.
+  // The earlier formulas, the latest last: undoing a formula returns to it.
   std::vector<std::string> formerFormulas;
   bool addNoise = false;
   double standardDeviation = kNotSet;  // of the noise

@@ -37,7 +37,7 @@ std::string TextOf(const Variable& variable, double value) {
   return label ? std::string(*label) : ShortestNumber(value);
 }
 
-// The data of a predictor in its own values, NaN where missing; empty where there are none for it: no such
+// The data of a predictor in its own values, NaN where missing; empty if there are none for it: no such
 // variable, or texts where it holds numbers.
 std::vector<double> ColumnOf(const ProfilerPredictor& predictor, const Spreadsheet* data) {
   const Variable* variable = DataOf(predictor, data);
@@ -228,13 +228,13 @@ Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* da
   return notes;
 }
 
-// A name that a formula uses, and whether it stands in quotes somewhere.
+// A name that a formula uses, and whether it is in quotes anywhere.
 struct UsedName {
   std::string text;
   bool quoted = false;
 };
 
-// The names that a formula uses and that are no constants; none where it is not valid.
+// The names, other than constants, that a formula uses; none if it is not valid.
 std::vector<UsedName> NamesIn(const std::string& formula) {
   std::vector<UsedName> names;
   const auto take = [&](std::string_view name, bool quoted) -> std::optional<std::size_t> {

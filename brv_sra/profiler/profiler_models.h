@@ -1,12 +1,12 @@
 // Where the profiler's predictors and dependents come from: models and formulas, merged by name, and the
 // specifications that predictors start with. Knows no dialog.
 //
-// A predictor starts as the data say, where they have a numeric variable of its name:
+// A predictor starts from the data if they have a numeric variable of its name:
 // - a continuous one as Normal of their mean and standard deviation; as Fixed where they are constant;
 // - a categorical one as Discrete of its codes and their relative frequencies.
 // A predictor of texts takes the texts of a text variable, and those of a numeric one as numbers are written
 // ("1", "2.5"); texts that its model does not know are passed over. Without data a categorical predictor
-// starts from the codes and frequencies of its model (equal ones where the file tells none); a continuous one
+// starts from the codes and frequencies of its model (equal ones if the file gives none); a continuous one
 // has no specification. All cases of the data count, whatever their selection and weights.
 #pragma once
 
@@ -28,10 +28,10 @@ namespace brenvolt::sra {
 // How lists of codes and proportions are written, number after number.
 inline constexpr const char* kProfilerListFormat = "%.12g";
 
-// What a person should hear of and what stops nothing.
+// What a person should be told, but what does not stop the work.
 using ProfilerNotes = std::vector<Fault>;
 
-// The names in a text of file names separated by "|". kInvalidFileNames where there is none, or one of them
+// The names in a text of file names separated by "|". kInvalidFileNames if there is none, or one of them
 // is empty.
 Result<std::vector<std::filesystem::path>> SplitFileNames(std::string_view text);
 
@@ -43,19 +43,19 @@ Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
                                   std::span<const std::shared_ptr<const PredictionModel>> models,
                                   const Spreadsheet* data);
 
-// Sets the formula of a dependent; names of it that are no predictors become predictors. A formula that is
-// not valid is kept all the same: the run will say so. kResponseInFormula, and the design stays as it was,
-// where it uses the name of a dependent.
+// Sets the formula of a dependent; names in it that are not yet predictors become predictors. A formula
+// that is not valid is kept all the same: the run will report it. kResponseInFormula, and the design stays
+// as it was, if it uses the name of a dependent.
 Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
                                  const Spreadsheet* data);
-// Goes back to the formula before, which may be none; false where nothing was set.
+// Returns to the previous formula, which may be none; false if nothing was set.
 bool UndoFormula(ProfilerDependent& dependent);
 
 // Specifies every predictor that the data have by the distribution that fits them best. Continuous predictors
 // try all continuous distributions but the Gaussian mixture, with offset 0, ranked by the Kolmogorov-Smirnov
 // test; a categorical one takes the Discrete of its data, whose codes its models know. A predictor that no
 // distribution fits stays as it is. Returns how many were fitted. kNoPredictorFitted or a fault of the fit,
-// and nothing changes, where there are none. Throws UserCancelled.
+// and nothing changes, if there are none. Throws UserCancelled.
 Result<std::size_t> FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data,
                                          const RunProgress& bars);
 

@@ -16,7 +16,7 @@ constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kRowsPerTask = 4096;
 
 // The model's codes by those of the design, where any differs; a text that the model does not know has a code
-// that stands for none.
+// that represents none of its texts.
 std::map<double, double> CodesBetween(const std::map<double, std::string>& labels, const ModelField& field) {
   if (!field.isText) return {};
   std::map<double, double> codes;

@@ -26,7 +26,7 @@ class ProfilerPrediction {
   bool IsPredicted(std::size_t dependent) const;
 
   // Fills a column for each dependent from a column for each predictor, all of one length, on all cores. NaN
-  // where there is no prediction that is finite. Steps the bar by the cells filled; throws UserCancelled.
+  // if there is no prediction that is finite. Steps the bar by the cells filled; throws UserCancelled.
   void Predict(std::span<const std::span<const double>> predictors,
                std::span<const std::span<double>> dependents, ProgressBar& progress) const;
 

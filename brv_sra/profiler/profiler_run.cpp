@@ -56,7 +56,7 @@ std::vector<std::size_t> Noisy(const ProfilerDesign& design) {
   return noisy;
 }
 
-// The lower triangular L of the noise's covariance matrix L L', over the given dependents; empty where that
+// The lower triangular L of the noise's covariance matrix L L', over the given dependents; empty if that
 // is singular.
 std::vector<double> NoiseFactor(const ProfilerDesign& design, std::span<const std::size_t> noisy) {
   const std::size_t d = design.dependents.size();
@@ -125,7 +125,7 @@ Result<void> CheckNoise(const ProfilerDesign& design) {
   return {};
 }
 
-// Random predictors from the stream into their columns; tells what became of their correlations.
+// Random predictors from the stream into their columns; returns what became of their correlations.
 Result<CorrelationInduction> DrawRandom(const ProfilerDesign& design,
                                         std::span<const std::span<double>> columns, const RunProgress& bars) {
   std::vector<std::size_t> places;

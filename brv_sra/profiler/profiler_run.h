@@ -1,7 +1,7 @@
 // The profiler's run: draws the predictors, correlates them, lets models and formulas predict, adds noise,
 // and makes the spreadsheet of all that. Knows no dialog.
 //
-// The order of draws is part of the contract, so that a seed stands for its results at any number of threads:
+// The order of draws is part of the contract, so that a seed gives the same results on any number of cores:
 // - the stream is seeded once;
 // - without correlations, Monte Carlo values of the random predictors, column after column in their order
 //   (sample_generation.h);
@@ -36,7 +36,7 @@ struct ProfilerRun {
   // Where the correlations of the predictors were not positive definite: what was used for them, over the
   // random predictors in order.
   std::optional<CorrelationRepair> repair;
-  // False where chance correlations could not be taken back, because there are too few runs.
+  // False if chance correlations could not be taken back, because there are too few runs.
   bool scoreCorrection = true;
 };
 
@@ -44,12 +44,12 @@ struct ProfilerRun {
 // its input, std::bad_alloc.
 Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress& bars);
 
-// Whether the design can be run, as far as it shows before.
+// Whether the design can be run, as far as can be told beforehand.
 Result<void> CheckDesign(const ProfilerDesign& design);
 
 // The columns of a run's output, with the limits that the design has now: what capability, summaries,
-// sensitivity and the defect profile are made of. Dependents by name; those that the design does not have (or
-// no longer) have no specification. The views live as long as the output is not changed.
+// sensitivity and the defect profile are made of. Dependents by name; those that are not in the design
+// (any more) have no specification. The views live as long as the output is not changed.
 struct ProfiledColumns {
   std::vector<ProfiledPredictor> predictors;
   std::vector<ProfiledResponse> responses;

@@ -19,7 +19,7 @@ enum class ProfilerMode : std::uint8_t { kModels, kFormulas };
 struct ProfilerState {
   ProfilerMode mode = ProfilerMode::kModels;
   ProfilerDesign design;
-  std::size_t selected = 0;             // the dependent that is edited and shown; 0 also where there is none
+  std::size_t selected = 0;             // the dependent that is edited and shown; 0 also if there is none
   std::vector<std::string> modelFiles;  // all that were loaded, in order
   bool autoUpdate = false;              // the next output takes the place of the last one
   // The output of the last run and how many of its columns, the first ones, are predictors; null before.

@@ -105,7 +105,7 @@ std::size_t CandidateDraws::NextRejected(std::size_t place) {
   return kNone;
 }
 
-// Values of which each takes its first candidate, that of the first at `place`.
+// Values that each take their first candidate, that of the first at `place`.
 void CandidateDraws::CopyRun(std::size_t place, std::span<double> out) const {
   const double* from = current_.candidates.data() + place;
   if (stride_ == 2) {  // a constant, so that it is done with vectors

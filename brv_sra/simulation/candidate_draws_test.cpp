@@ -34,7 +34,7 @@ DistributionSpecification Specification(const Case& c) {
   return specification;
 }
 
-// Parts end before, at and behind the ends of windows.
+// Parts end before, at and after the ends of windows.
 TEST(CandidateDraws, ValuesInPartsAreThoseOfOneDrawAfterAnother) {
   constexpr std::size_t kValues = 70'000;
   constexpr std::uint64_t kStart = 5;

@@ -29,7 +29,7 @@ class Candidates {
   // A specification must outlive the object.
   explicit Candidates(const DistributionSpecification& specification);
 
-  // Uniform deviates that a candidate takes; 0 where the type is always inverted.
+  // Uniform deviates that a candidate takes; 0 if the type is always inverted.
   std::size_t Draws() const { return draws_; }
   // out[i] becomes the candidate of first[i] and, where it takes two, second[i]. `out` has the length of the
   // input, and may be `second`.

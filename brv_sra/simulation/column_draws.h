@@ -24,7 +24,7 @@ class ColumnDraws {
 
   // False when the distribution cannot be sampled; Draw must then not be called.
   bool IsValid() const { return sampler_.IsValid(); }
-  // The position after the column's last draw; nothing where values take draws as they come.
+  // The position after the column's last draw; nothing if values take draws as they come.
   std::optional<std::uint64_t> KnownEnd() const;
   // The position after the last draw made; that of the column when all rows are drawn.
   std::uint64_t Position() const { return position_; }

@@ -49,7 +49,7 @@ void FillNormalScores(std::span<double> scores) {
   });
 }
 
-// M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing where that has none.
+// M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing if that has none.
 bool CorrectTransform(std::span<const double> scores, std::size_t n, std::size_t k,
                       std::vector<double>& transform) {
   std::vector<double> correlation(k * k);

@@ -135,7 +135,7 @@ struct Induction : testing::Test {
   HeadlessUserInterface port;
   SimulationDesign design;
   CorrelationInduction result;
-  std::optional<FaultIdentifier> fault;  // where there is no result
+  std::optional<FaultIdentifier> fault;  // if there is no result
 
   void SetUp() override {
     for (std::size_t j = 0; j < 8; ++j)

@@ -41,7 +41,7 @@ inline void FetchForWriting(std::span<double> values) {
   for (std::size_t i = 0; i < values.size(); i += kCacheLine) PrefetchForWriting(values.data() + i);
 }
 
-// matrix[i * stride + places[c]] = columns[c][i] over the rows [begin, end) of the columns, which stand for
+// matrix[i * stride + places[c]] = columns[c][i] over the rows [begin, end) of the columns, which are
 // the rows from `firstRow` of the matrix.
 inline void WriteRows(std::span<const std::span<double>> columns, std::span<const std::size_t> places,
                       std::size_t begin, std::size_t end, std::size_t firstRow, std::size_t stride,

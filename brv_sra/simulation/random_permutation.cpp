@@ -35,7 +35,7 @@ std::uint64_t ShuffleValues(const RandomStream& stream, std::uint64_t position, 
   if (n <= 1) return position;
   std::array<double, kBatch> uniforms;
   std::array<std::int32_t, kBatch + kAhead> places =
-      {};  // the first value is asked for behind the last place
+      {};  // the first value is requested after the last place
   T* const first = values.data();
   for (std::size_t done = 0; done < n; done += kBatch) {
     cancelled.Poll();

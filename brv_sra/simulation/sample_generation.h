@@ -3,7 +3,7 @@
 // The order of draws is part of the contract: columns in variable order, rows in order within a column, and
 // every Monte Carlo value draws one uniform deviate for its fallback first, used or not (variable_sampler.h).
 // The same seed, design and method give the same samples, bit for bit what one draw after another gives, at
-// any number of threads; and the process's stream then stands where these draws would have left it.
+// any number of threads; and the process's stream is then where these draws would have left it.
 #pragma once
 
 #include <cstddef>

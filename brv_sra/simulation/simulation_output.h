@@ -16,7 +16,7 @@ namespace brenvolt::sra {
 std::unique_ptr<Spreadsheet> MakeOutputSheet(const SimulationDesign& design, std::size_t rows);
 
 // The same filled from the row-major sample matrix over all variables of the design. `updating` says that the
-// sheet takes the place of a former one, which changes what the progress is called. Throws UserCancelled.
+// sheet replaces an earlier one, which changes the caption of the progress. Throws UserCancelled.
 std::unique_ptr<Spreadsheet> BuildOutput(const SimulationDesign& design, std::span<const double> matrix,
                                          const RunProgress& bars, bool updating);
 

@@ -28,7 +28,7 @@ class PiecewiseSimulation {
     summaries_.resize(active_.size());
   }
 
-  // False where a value cannot be had, as all that draw.
+  // False if a value cannot be had, as all that draw.
   bool DrawByCases(const CaseSink& take) {
     std::deque<ColumnDraws> columns;
     std::vector<SampleSummary> summaries(active_.size(), SampleSummary(samples_));
@@ -87,7 +87,7 @@ class PiecewiseSimulation {
   std::uint64_t End() const { return position_; }
 
  private:
-  // Moves the place in the stream behind a column's draws.
+  // Moves the place in the stream past a column's draws.
   bool FindEnd(ColumnDraws& column) {
     if (!column.IsValid()) return false;
     if (const auto end = column.KnownEnd()) {

@@ -26,7 +26,7 @@ Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions&
 // True when a sample matrix of this size is within the limit of 2,000,000,000 bytes.
 bool FitsSampleLimit(std::size_t variables, std::int64_t samples);
 
-// Whether every variable can be sampled, as far as it shows before: the first that cannot is the fault.
+// Whether every variable can be sampled, as far as is known beforehand: the first that cannot is the fault.
 Result<void> CheckSampling(const SimulationDesign& design);
 // The fault of a design that could not be sampled: the variable that shows it, else kNotSampled.
 Fault SamplingFault(const SimulationDesign& design);

@@ -129,7 +129,7 @@ void VariableSampler::DrawFixed(const RandomStream& stream, std::uint64_t positi
   for (std::size_t begin = 0; begin < out.size(); begin += kTile) {
     const std::size_t count = std::min(kTile, out.size() - begin);
     const std::span<double> tile = out.subspan(begin, count);
-    if (stride == 2) {  // the fallbacks' draws in between are never looked at
+    if (stride == 2) {  // the fallbacks' draws in between are never used
       stream.FillAlternate(position + stride * begin + 1, {first.data(), count});
       candidates_->Fill({first.data(), count}, tile, tile);
       continue;

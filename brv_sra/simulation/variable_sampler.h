@@ -36,7 +36,7 @@ class VariableSampler {
   // distribution function at the lower limit, so inversion does not reach that limit itself.
   double LowerProbability() const { return lowerProbability_; }
   double UpperProbability() const { return upperProbability_; }
-  // The range of values; -1e300 and 1e300 stand for no limit.
+  // The range of values; -1e300 and 1e300 mean no limit.
   double LowestValue() const { return lowest_; }
   double HighestValue() const { return highest_; }
 

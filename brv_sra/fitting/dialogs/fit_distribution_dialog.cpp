@@ -177,7 +177,7 @@ bool CFitDistribution::AskUntilTakeable(VariableQuestion& question) {
   return false;
 }
 
-// The message that refuses the text variables among those selected; empty where there are none.
+// The message that refuses the text variables among those selected; empty if there are none.
 std::string CFitDistribution::TextVariablesMessage(const std::vector<std::int16_t>& first,
                                                    const std::vector<std::int16_t>& second) const {
   std::string names;
@@ -192,7 +192,7 @@ std::string CFitDistribution::TextVariablesMessage(const std::vector<std::int16_
 }
 
 // The lists change together with their specifications, or not at all. The shown variable of a list that did
-// not change keeps what stands in its controls.
+// not change keeps the contents of its controls.
 void CFitDistribution::TakeLists(const std::vector<std::int16_t>& continuous,
                                  const std::vector<std::int16_t>& discrete) {
   FitSpecification& specification = Specification();

@@ -22,7 +22,7 @@ enum class FitPlot : std::uint8_t {
 };
 
 // A graph of a variable with one of its fits, over the values that were fitted (ascending, finite). A fit
-// that failed draws no curve. Throws Error where the plot needs a valid fit and has none, or the fit has no
+// that failed draws no curve. Throws Error if the plot needs a valid fit and has none, or the fit has no
 // quantile for a probability.
 Graph MakeFitPlot(FitPlot plot, const VariableFit& variable, const DistributionFit& fit,
                   std::span<const double> sorted);

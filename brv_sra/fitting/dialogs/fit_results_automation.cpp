@@ -2,7 +2,7 @@
 //
 // An index counts the fitted variables, continuous ones first, from 1. A member that names an output makes,
 // shows and returns it as the button of the same meaning does: a spreadsheet or a graph document.
-// SaveDistributionFit saves and returns the correlation matrix file that goes beside the fits.
+// SaveDistributionFit saves and returns the correlation matrix file that goes with the fits.
 //
 // Orders of distributions are read as "Weibull;Normal;" and put as such a text or as an array of names
 // (display names or keys) or codes; an empty one restores the default. Values of a distribution are an array

@@ -312,7 +312,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowCorrelationMatri
     if (variable.saving.selected && variable.HasValidFit()) variables.push_back(variable.variableNumber);
   }
   if (variables.empty()) throw CDispatchException(szLoadResString(kMsgNothingToSave));
-  Cases();  // throws where there is no input
+  Cases();  // throws if there is no input
   return ShowCorrelations(variables);
 }
 

@@ -29,13 +29,13 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   explicit CFitDistributionResults(CSimulationAndRisk& analysis);
 
   FitState& Results() const { return SimulationAndRisk().Fit(); }
-  // The variable at a place among the results, from 1. Throws Error where there is none.
+  // The variable at a place among the results, from 1. Throws Error if there is none.
   VariableFit& VariableAt(int place) const;
   // The variables of the Quick and of the Save/plot tab.
   VariableFit& QuickVariable() const;
   VariableFit& SaveVariable() const;
   // The names of a variable's valid fits, best first, each once: untranslated, with their blanks. Nothing
-  // where there is no such variable (from 0).
+  // if there is no such variable (from 0).
   std::optional<std::vector<std::string>> FittedDistributions(int variable) const;
 
   // What the buttons of the same meaning do; each shows its document and returns it. Throws
@@ -48,8 +48,8 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   // defined.
   std::shared_ptr<CAnalysisTableDoc> ShowCorrelationMatrix();
   // Writes the fits of the selected variables as properties of the input's variables, and shows and returns
-  // the correlation matrix file that goes beside them: over the variables just saved, continuous ones first,
-  // and those that carry fits from before. Null, and nothing was written, where the input is not available.
+  // the correlation matrix file that goes with them: over the variables just saved, continuous ones first,
+  // and those that carry earlier fits. Null, and nothing was written, if the input is not available.
   // Throws when a truncation is not complete or no selected variable has a valid fit, but then marks the
   // variables as without a fit.
   std::shared_ptr<CAnalysisTableDoc> SaveFits();

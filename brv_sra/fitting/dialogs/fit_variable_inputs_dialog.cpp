@@ -39,7 +39,7 @@ bool IsEmpty(const ControlSet& controls, std::int32_t field) {
   return Trim(controls.Text(field)).empty();
 }
 
-// One offset: false where it is wrong. A typed value that stands for "not set" is none.
+// One offset: false if it is wrong. A typed value that means "not set" counts as no offset.
 bool ReadOffset(const ControlSet& controls, const OffsetInput& input, double& offset) {
   offset = kNotSet;
   if (controls.GetDlgItemDouble(input.field, offset) != 0) offset = kNotSet;

@@ -1,4 +1,4 @@
-// Why a fit has no result at all, said to the person.
+// Tells the person why a fit has no result at all.
 #pragma once
 
 #include <vector>

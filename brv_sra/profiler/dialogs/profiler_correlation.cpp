@@ -19,7 +19,7 @@ namespace {
   throw Error(std::string(ResourceString(kMsgProfilerInvalidCorrelation)), why);
 }
 
-// Below -1 there is a tolerance, above 1 there is none.
+// There is a tolerance below -1 but not above 1.
 bool IsEntry(double value) {
   return value <= 1 && (value >= -1 || AlmostEqual(value, -1)) && !IsNotSet(value);
 }

@@ -198,7 +198,7 @@ void CSimulationProfiler::TakeSeed() {
   Controls().SetDlgItemLong(kSeed, Design().seed);
 }
 
-// An empty field takes the number away. What is no number, or out of range, is refused.
+// An empty field takes the number away. Anything else that is not a number in range is refused.
 void CSimulationProfiler::TakeReal(std::int32_t control) {
   const bool deviation = control == kDeviation;
   double& target = deviation ? Selected().standardDeviation : *LimitOf(control, Selected().limits);
@@ -318,7 +318,7 @@ bool CSimulationProfiler::Simulate() {
   });
 }
 
-// A sheet that is refilled keeps its name and its place: whoever shows it has it already.
+// A sheet that is refilled keeps its name and its place: a front end that shows it already has it.
 void CSimulationProfiler::Produce(ProfilerRun run) {
   ProfilerState& state = State();
   fit_.reset();
@@ -344,7 +344,7 @@ void CSimulationProfiler::Produce(ProfilerRun run) {
 
 // The spreadsheet stays whatever becomes of the graph.
 void CSimulationProfiler::ShowProfiles() const {
-  if (!State().output->HasTable()) return;  // whoever was shown it has taken it
+  if (!State().output->HasTable()) return;  // the front end has taken it
   const ProfiledColumns columns = ColumnsOf(State().output->Table(), State().outputPredictors, Design());
   try {
     Graph graph = ProfileGraph(columns, CaptionedProgress(Analysis().Interface()));

@@ -31,17 +31,17 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
 
   ProfilerState& State() const { return SimulationAndRisk().Profiler(); }
   ProfilerDesign& Design() const { return State().design; }
-  // The dependent that is edited and shown. Throws Error where there is none.
+  // The dependent that is edited and shown. Throws Error if there is none.
   ProfilerDependent& Selected() const;
 
   // Loads models from files, all or none. Throws Error.
   void LoadModels(const std::vector<std::filesystem::path>& files);
-  // "Y = expression" for the dependent Y, which is made where there is none; or an expression for a dependent
-  // by its place. Throws Error where there is no such dependent.
+  // "Y = expression" for the dependent Y, which is made if there is none; or an expression for a dependent
+  // by its place. Throws Error if there is no such dependent.
   void PutFormula(const std::string& text, std::size_t dependent);
-  // Throws Error where the input has nothing to fit.
+  // Throws Error if the input has nothing to fit.
   void FitBest();
-  // Shows the controls anew after the design has changed.
+  // Updates the controls after the design has changed.
   void Refresh();
 
   // What the buttons make; shown and returned. They throw Error that says why they fail; a run has then shown
@@ -83,7 +83,7 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   // What a button does: carries `make` out; a message under the caption where it throws.
   template <class Make>
   bool Attempt(std::int32_t caption, const Make& make) const;
-  // The selected dependent in the last output. Throws Error where that is not there.
+  // The selected dependent in the last output. Throws Error if that is not there.
   SimulatedResponse Response() const;
   const VariableFit& FitOfResponse(const SimulatedResponse& response);
   void RequireSpecification() const;

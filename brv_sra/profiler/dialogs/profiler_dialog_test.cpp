@@ -63,7 +63,7 @@ struct ProfilerDialog : testing::Test {
   }
   bool Simulate() { return Dialog().Press(kControlOk); }
   std::vector<std::string> Said() { return userInterface.TakeTexts(); }
-  // Why a call failed; empty where it did not.
+  // Why a call failed; empty if it did not.
   static std::string Reason(const std::function<void()>& call) {
     try {
       call();
@@ -419,7 +419,7 @@ TEST_F(ProfilerDialog, TooManyProfilesLeaveTheSpreadsheet) {
   EXPECT_EQ(Reason([&] { Automation().Get("DefectProfile"); }), "Defect profile creation failed.");
 }
 
-// A fault that no text of the dialog tells of has the caption of what was tried.
+// A fault for which the dialog has no text takes the caption of what was tried.
 TEST_F(ProfilerDialog, UnexpectedFaultsNameWhatWasTried) {
   Put("PredictionFormula", "Y = x");
   Specify(1, Array{"Normal", 0, 1});

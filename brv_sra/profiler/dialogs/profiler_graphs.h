@@ -16,7 +16,7 @@ bool FitsProfileLimit(std::size_t predictors, std::size_t dependents);
 // A graph titled "Profiles for predicted values" with a panel for each pair, the dependents below each other,
 // their predictors side by side. A panel shows some runs as points, the first of them, since runs stand in
 // random order, and the mean of the dependent over classes of the predictor that hold equally many runs as a
-// line. Runs without a prediction are left out. Throws Error where the matrix has too many cells, or where no
+// line. Runs without a prediction are left out. Throws Error if the matrix has too many cells, or if no
 // run of a dependent has a prediction; UserCancelled.
 Graph ProfileGraph(const ProfiledColumns& columns, const RunProgress& bars);
 

@@ -135,7 +135,7 @@ void PredictorPage::ShowFields() {
   Controls().SetDlgItemDouble(kMaximum, edited_.truncateAbove ? edited_.truncationMaximum : kNotSet);
 }
 
-// A field without a readable number is not set; applying says so.
+// A field without a readable number is not set; applying reports it.
 void PredictorPage::TakeField(std::size_t field) {
   double value = kNotSet;
   Controls().GetDlgItemDouble(kParameter + static_cast<std::int32_t>(field), value);

@@ -2,7 +2,7 @@
 //
 // The fields show the distribution that is highlighted for the predictor that is highlighted: its values
 // where it is the predictor's own, else nothing. Of a type of repeated groups they show one group at a time,
-// which the combo box chooses. "Fixed" stands behind the distributions.
+// which the combo box chooses. "Fixed" comes after the distributions.
 #pragma once
 
 #include <cstddef>
@@ -19,7 +19,7 @@ class PredictorPage {
   // Both must outlive the page.
   PredictorPage(CAnalysisDialog& dialog, ProfilerDesign& design) : dialog_(dialog), design_(design) {}
 
-  // Shows the lists anew, after predictors or specifications have changed.
+  // Updates the lists after predictors or specifications have changed.
   void Refresh();
   // A control of the page has its new state; false for one of another page.
   bool OnChanged(std::int32_t control);

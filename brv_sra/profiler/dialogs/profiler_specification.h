@@ -16,7 +16,7 @@
 namespace brenvolt::sra {
 
 // Sets the predictor from its array; a number alone fixes it. Throws Error with the message to show, and the
-// predictor stays as it was, where the array is none or the distribution is not valid.
+// predictor stays as it was, if the array is not a specification or the distribution is not valid.
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value);
 Variant SpecificationArray(const ProfilerPredictor& predictor);
 

@@ -10,7 +10,7 @@
 
 namespace brenvolt::sra {
 
-// One per run, in the order of the runs; NaN where there is no prediction.
+// One per run, in the order of the runs; NaN if there is no prediction.
 std::vector<double> ResponseValues(const SimulatedResponse& response);
 // The predictions alone, ascending.
 std::vector<double> SortedValues(std::span<const double> values);

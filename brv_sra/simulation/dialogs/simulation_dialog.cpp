@@ -79,7 +79,7 @@ constexpr Member Method(std::string_view name) {
   return Member{name, GetChecked<Dialog, Control>, PutChosen<Dialog, Control>}.AsChoice();
 }
 
-// The last two have no control; they stand behind the last member of the interface.
+// The last two have no control; they follow the last member of the interface.
 constexpr std::array<Member, 14> kMembers{{
     {"Variables", GetVariables, PutVariables},
     Method<kMonteCarlo>("MonteCarloMethod"),
@@ -384,7 +384,7 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Report(const F
 }
 
 // Simulated data open as a spreadsheet of their own, whatever the option says. A sheet that is refilled keeps
-// its name and its place: whoever shows it has it already.
+// its name and its place: a front end that shows it already has it.
 void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output) {
   SimulationState& state = SimulationAndRisk().Simulation();
   if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {

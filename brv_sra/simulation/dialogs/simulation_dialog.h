@@ -21,7 +21,7 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
 
   // The variables to simulate, numbered from 1. Throws Error for one without distribution properties.
   void SelectVariables(const std::vector<std::int16_t>& variables);
-  // The correlation matrix of the design, read from a matrix sheet. Throws Error for a sheet that is none.
+  // The correlation matrix of the design, read from a matrix sheet. Throws Error for any other sheet.
   void SetCorrelationMatrix(const Spreadsheet& sheet);
   // Validates, runs, shows the new spreadsheet and returns it; the dialog stays. Null for the method that
   // produces nothing. Throws Error when a check or the run fails, which has then said why.
