@@ -1,4 +1,4 @@
-// The distribution of the Anderson-Darling statistic by simulation, for the programs beside this header: how
+// The distribution of the Anderson-Darling statistic by simulation, for the programs next to this header: how
 // many of many samples of n uniform deviates have a statistic up to each point of a grid.
 #pragma once
 

@@ -1,4 +1,4 @@
-"""Pages of docs/evidence from templates: bench/evidence/PAGE.md holds the words, {{…}} stands for what is measured.
+"""Pages of docs/evidence from templates: bench/evidence/PAGE.md holds the text, {{…}} marks what is measured.
 
 What stands between the braces is a Python expression over the values of a page. Every page has `command`, how it is
 printed, and `machine`, what it was measured on and when.

@@ -1,4 +1,4 @@
-// Time per value of the numeric functions that stand in hot loops, and per call of the Kolmogorov-Smirnov
+// Time per value of the numeric functions that run in hot loops, and per call of the Kolmogorov-Smirnov
 // p-value. The counter "perValue" is seconds for one value. Names with Boost are the plain scalar loop over
 // Boost.Math that the array forms are measured against.
 #include <benchmark/benchmark.h>

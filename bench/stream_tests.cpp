@@ -117,7 +117,7 @@ double Runs(Sample sample) {
     }
     ++counts[std::min(length, kLongest) - 1];
     length = 1;
-    ++i;  // left out; the next run starts behind it
+    ++i;  // left out; the next run starts after it
   }
   return ChiSquarePvalue(counts, probabilities);
 }

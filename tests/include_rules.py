@@ -14,10 +14,10 @@ from typing import NamedTuple
 class Room(NamedTuple):
     folder: str
     folders: str  # whose files they may include, and through these what those may include; their own folder always
-    foreign: str  # headers from outside the tree, beside the standard library: "system", "third-party", "drawing"
+    foreign: str  # headers from outside the tree, besides the standard library: "system", "third-party", "drawing"
 
 
-# A name stands for all the folders of the table below it, but "host" leaves out drawing, a library of its own.
+# A name means all the folders of the table below it, but "host" leaves out drawing, a library of its own.
 ROOMS = (
     Room("host/base", "", "system third-party"),
     Room("host/base/files", "host/base", "system third-party"),

@@ -179,7 +179,7 @@ TEST_F(ProfileCommand, FixedAndTruncatedPredictorsStayWhereTheyArePut) {
   EXPECT_NEAR(*std::ranges::min_element(b), 3.5, 0.01);
 }
 
-// A predictor that is no column of the data is one all the same once it is fixed.
+// A predictor that is not a column of the data is accepted once it is fixed.
 TEST_F(ProfileCommand, FormulaMayUseAFixedValueThatTheDataLack) {
   WriteData();
   MustRun({"profile", "ab.csv", "--formula", "Y=A*k", "--fix", "k=2", "--seed", "1", "-o", "runs.csv"});

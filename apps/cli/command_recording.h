@@ -10,14 +10,14 @@ namespace brenvolt::cli {
 
 // Adds --record FILE.py.
 void AddRecordOption(CLI::App& command, std::filesystem::path& file);
-// Keeps the call, of which a recorded macro tells. Once, by main.
+// Keeps the call, which a recorded macro quotes. Called once, by main.
 void RememberCall(int argc, const char* const* argv);
 // Throws WrongCall unless the file's name ends as those of macros do.
 void RequireMacroEnding(const std::filesystem::path& file);
 
 class Recording {
  public:
-  // An empty name records nothing. Throws WrongCall for a name that is no macro's.
+  // An empty name records nothing. Throws WrongCall for a name that does not end in .py.
   explicit Recording(std::filesystem::path file);
 
   JobRecorder& Job() { return job_; }

@@ -13,7 +13,7 @@ void AddScoreCommand(CLI::App& program);
 void AddShowCommand(CLI::App& program);
 void AddImportCommand(CLI::App& program);
 void AddExportCommand(CLI::App& program);
-// Everything behind the file of a macro is the macro's; who parses the command line sees to that.
+// Everything after the file of a macro belongs to the macro; the parser of the command line ensures that.
 inline constexpr const char* kMacroVerb = "macro";
 void AddMacroCommand(CLI::App& program);
 void AddTypelibCommand(CLI::App& program);

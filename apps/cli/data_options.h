@@ -29,7 +29,7 @@ std::string OptionOf(const std::string& field);
 void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
              const std::string& type, const std::string& help);
 
-// A number as a person wrote it. Throws WrongJob for what is none.
+// A number as a person wrote it. Throws WrongJob for anything else.
 double NumberIn(const std::string& field, const std::string& text);
 template <class Number>
 CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::string& field, Number& number,
@@ -41,14 +41,14 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::st
 }
 
 // "NAME=VALUE" taken apart at its last equals sign: a name may itself hold some. `form` says what the option
-// takes. Throws WrongJob where there is none.
+// takes. Throws WrongJob if there is none.
 std::pair<std::string, std::string> SplitEntry(const std::string& field, const std::string& form,
                                                const std::string& text);
 std::vector<std::string> SplitAtCommas(const std::string& text);
 [[noreturn]] void RefuseEntry(const std::string& field, const std::string& form, const std::string& text);
 
-// An option that may be repeated. `parse` makes an entry of a job of the words of each; there are no lists,
-// as a name may hold a comma.
+// An option that may be repeated. `parse` makes an entry of a job from the words of each; lists are not
+// taken, since a name may contain a comma.
 template <class Entry>
 CLI::Option* AddEntries(CLI::App& command, const std::string& name, std::vector<Entry>& entries,
                         Entry (*parse)(const std::string& text), const std::string& type,

@@ -38,7 +38,7 @@ FitJob::Count ParseTrials(const std::string& text) {
   return ParseCount("trials", text);
 }
 
-// "V=LOW:HIGH", either bound left out where there is none.
+// "V=LOW:HIGH", either bound left out if there is none.
 FitJob::Truncation ParseTruncation(const std::string& text) {
   constexpr const char* kForm = "VARIABLE=LOW:HIGH";
   const auto [name, bounds] = SplitEntry("truncate", kForm, text);

@@ -23,7 +23,7 @@ constexpr int kInterrupted = 130;
 const std::string kExitStatuses =
     "\n\nExit status: 0 done; 1 the job failed; 2 the call was wrong, and nothing was done; 130 interrupted.";
 
-// Of the options of the verb macro the one that takes a file.
+// The only option of the verb macro that takes a file.
 const std::string kRecordOption = "--record";
 
 void Complain(const std::string& what, const std::string& where = {}) {
@@ -43,8 +43,8 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
                                  verbs);
 }
 
-// The arguments as the parser takes them, last first. What stands behind a macro's file is the macro's, also
-// where it looks like an option.
+// The arguments as the parser takes them, last first. Everything after a macro's file belongs to the macro,
+// even if it looks like an option.
 std::vector<std::string> Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   if (!arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb) {

@@ -21,8 +21,7 @@ struct ProfileCall {
   ReportFormat format = ReportFormat::kTable;
 };
 
-// The numbers between the commas of a list, of which there must be as many as in its form. A number may be
-// left out.
+// The numbers between the commas of a list, which must be as many as in its form. A number may be left out.
 std::vector<std::optional<double>> NumbersIn(const std::string& field, const std::string& form,
                                              const std::string& text, const std::string& numbers,
                                              std::size_t count) {

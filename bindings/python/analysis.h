@@ -34,7 +34,7 @@ class AnalysisRef {
   AnalysisSession session_;
 };
 
-// An automation object; null is no analysis's.
+// An automation object; a null `analysis` means that it belongs to none.
 struct AutomationRef {
   Variant::Object object;
   std::shared_ptr<AnalysisRef> analysis;

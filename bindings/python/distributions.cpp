@@ -107,7 +107,7 @@ class BoundDistribution {
   double offset_ = 0;
 };
 
-// Values a call takes at once before it looks whether the person wants to stop: less than a second of the
+// Values a call takes at once before it checks whether the person wants to stop: less than a second of the
 // slowest function.
 constexpr std::size_t kChunk = std::size_t{1} << 16;
 

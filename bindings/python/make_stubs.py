@@ -13,7 +13,7 @@ sys.path.insert(0, os.path.dirname(os.path.abspath(sys.argv[1])))
 import brenvolt  # noqa: E402 - found by the line before
 from brenvolt import _automation  # noqa: E402
 
-# The modules that offer what is no constant, and their names.
+# The modules that offer what is not a constant.
 SOURCES = ("_automation", "_brenvolt", "_errors", "_jobs", "_recording")
 TYPES = {"document": "Any", "object": "Any", "enumeration": "int", "": "None"}
 

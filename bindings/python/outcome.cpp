@@ -17,7 +17,7 @@ namespace {
 struct Outcome {
   std::vector<Message> messages;
   std::optional<CallFailure> failure;
-  std::exception_ptr other;  // what is no failure of the system's: a cancellation, no memory, a wrong job
+  std::exception_ptr other;  // not a failure of the system: a cancellation, no memory, a wrong job
 };
 
 const char* CodeName(AutomationCode code) {

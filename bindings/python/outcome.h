@@ -9,7 +9,7 @@
 namespace brenvolt::python {
 
 // Does the work in the host's turn. An interruption ends it before all else. Messages shown meanwhile become
-// warnings, but for the one that says why it failed; a failure becomes the package's Error, of which `method`
+// warnings, except the one that says why it failed; a failure becomes the package's Error, of which `method`
 // names the call that failed where the host does not know. `analysis` may be null.
 void CarryOut(
     AnalysisRef* analysis, const std::function<void()>& work,

@@ -23,12 +23,12 @@ void Keep(const std::shared_ptr<void>& object);
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,
                   bool decimalComma);
 void RecordMade(const std::shared_ptr<WorkbookRef>& workbook);
-// A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing where the macro
+// A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing if the macro
 // has it already.
 std::shared_ptr<SheetRef> Recorded(const std::shared_ptr<SheetRef>& sheet, const std::string& name);
 void RecordGiven(std::string_view name, const void* object, std::string_view function,
                  const JobRecorder::Arguments& arguments, const std::shared_ptr<SheetRef>& sheet);
-// How the macro reaches a sheet or what a call gave; "" while nothing is recorded. Throws Error where nothing
+// How the macro reaches a sheet or what a call gave; "" while nothing is recorded. Throws Error if nothing
 // leads to it.
 std::string RecordedName(const std::shared_ptr<SheetRef>& sheet);
 // A line "SHEET.function(arguments)" or "SHEET.attribute = text".
@@ -43,7 +43,7 @@ void RecordStarted(AnalysisRef& analysis);
 void RecordShown(AnalysisRef& analysis, std::size_t place, const Variant::Object& document);
 // A document that is made of a sheet to be passed to a call.
 void RecordPassed(const std::shared_ptr<SheetRef>& sheet, const Variant::Object& document);
-// The analysis is no longer.
+// The analysis no longer exists.
 void ForgetAnalysis(AnalysisRef& analysis);
 
 }  // namespace brenvolt::python

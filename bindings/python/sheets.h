@@ -23,7 +23,7 @@ class SheetRef {
   SheetRef(std::shared_ptr<WorkbookRef> workbook, Spreadsheet& sheet);
   explicit SheetRef(std::shared_ptr<CAnalysisTableDoc> document);
 
-  // Throws Error where the document no longer has its table.
+  // Throws Error if the document no longer has its table.
   Spreadsheet& Sheet() const;
   const std::shared_ptr<CAnalysisTableDoc>& Document() const { return document_; }
   const std::shared_ptr<WorkbookRef>& Workbook() const { return workbook_; }
@@ -71,7 +71,7 @@ struct VariableRef {
   std::shared_ptr<SheetRef> sheet;
   std::size_t index;
 
-  // Throws Error where the sheet no longer has the variable.
+  // Throws Error if the sheet no longer has the variable.
   Variable& Get() const;
 };
 

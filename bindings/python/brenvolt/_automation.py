@@ -87,7 +87,7 @@ class _Member:
 
 
 class IndexedProperty:
-    """A property with indexes, which stand in brackets: dialog.IsWeibullDistribution[1] = True."""
+    """A property with indexes, which are written in brackets: dialog.IsWeibullDistribution[1] = True."""
 
     def __init__(self, owner, description):
         self._owner = owner
@@ -380,7 +380,7 @@ class Application:
         """The spreadsheet in a CSV file with a header row, in no workbook."""
         return _brenvolt.read_csv(path, decimal_comma)
 
-    # What the command does beside the dialogs; recorded jobs are made of these.
+    # What the command does besides the dialogs; recorded jobs are made of these.
 
     def take_former_properties(self, sheet: _brenvolt.Spreadsheet, path: str | os.PathLike) -> None:
         """Gives a sheet what a project holds for the same data: fits and truncations of its variables."""

@@ -1,4 +1,4 @@
-"""Runs a macro as a program of its own, and records it. The exit status is the macro's; 0 stands for success.
+"""Runs a macro as a program of its own, and records it. The exit status is the macro's; 0 means success.
 
     python3 -m brenvolt._record_macro RECORD.py FILE.py ARGUMENT ...
 """

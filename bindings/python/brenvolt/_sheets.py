@@ -35,7 +35,7 @@ def _numbers(series):
 
 
 def _codes_and_labels(series):
-    """The codes 1, 2, ... of texts in the order in which they are first met; NaN where there is none."""
+    """The codes 1, 2, ... of texts in the order in which they are first met; NaN for a missing text."""
     import numpy
     import pandas
 

@@ -30,7 +30,7 @@ _JOHNSON_TYPES = ("SL", "SU", "SB", "SN")
 
 
 class Distribution(_Functions):
-    """The base of the sixteen distributions. Parameters are attributes, and stand in `parameters`."""
+    """The base of the sixteen distributions. Parameters are attributes, and listed in `parameters`."""
 
     def __getattr__(self, name: str) -> Any:
         parameters = {} if name.startswith("_") else self.parameters

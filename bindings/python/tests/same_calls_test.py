@@ -18,7 +18,7 @@ EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
 OPTIONS = {"offsets": "--offset"}
 DATA = {"x": [1.0, 2, 3, 4, 7], "n": [1.0, 2, 0, 5, 1], "w": [1.0, 2, 1, 1, 1]}
 
-# Calls of fit() over DATA, and what is said of each: a fault of the call by its end, one of the data as a whole.
+# Calls of fit() over DATA, and the message for each: a fault of the call by its end, one of the data as a whole.
 REFUSED_FITS = (
     ({"rank_by": "aic"}, "expected one of anderson-darling, chi-square, ks; got 'aic' (rank_by)"),
     ({"discrete": ["n"], "discrete_rank_by": "anderson-darling"}, "got 'anderson-darling' (discrete_rank_by)"),
@@ -175,7 +175,7 @@ class SameCalls(unittest.TestCase):
                     self.compare(expected, result.variables[expected["name"]])
 
     def take(self, file):
-        """The bytes of a file that is taken away; None where there is none."""
+        """The bytes of a file, which is then removed; None if it does not exist."""
         if not os.path.exists(file):
             return None
         with open(file, "rb") as content:
