@@ -264,7 +264,7 @@ TEST_F(Automation, EveryMemberOfAClosedDialogFailsAndChangesNothing) {
   }
 }
 
-TEST_F(Automation, DialogsThatAreNotThereSayWhich) {
+TEST_F(Automation, MissingDialogsAreNamed) {
   const auto parent = Dialog()->Get("Parent").ToObject();
   EXPECT_EQ(parent->Get("Name").ToText(), " Simulation and Risk Analysis and Variable Screening");
   EXPECT_EQ(parent->Get("ID").ToInteger(), 25693);

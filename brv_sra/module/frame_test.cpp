@@ -137,7 +137,7 @@ TEST_F(Frame, AutomationObjectOfAClosedDialogFailsAndChangesNothing) {
   EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
 }
 
-TEST_F(Frame, StepsOfMissingDialogsSaySoAndStay) {
+TEST_F(Frame, StepsOfMissingDialogsAreReportedAndChangeNothing) {
   analysis->RunSequenceStep(step::kInit);
   Dialog()->Put("TypeOfAnalysis", 2);
   Ok();

@@ -164,7 +164,7 @@ TEST(ProfilerModels, CategoricalPredictorsStartFromCodesAndCounts) {
   }
 }
 
-TEST(ProfilerModels, DataThatDoNotServeAreNotedAndLeaveAPredictorWithout) {
+TEST(ProfilerModels, UnsuitableDataAreNotedAndLeaveAPredictorUnspecified) {
   const struct {
     std::vector<double> values;
     PredictorSetting setting;

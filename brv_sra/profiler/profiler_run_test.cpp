@@ -247,7 +247,7 @@ TEST_F(ProfilerRuns, CancellingEndsTheRun) {
 
 // ---- Graphs
 
-TEST_F(ProfilerRuns, ProfilesStandInAMatrixAndSayWhatTheyLeaveOut) {
+TEST_F(ProfilerRuns, ProfilesFormAMatrixAndNoteWhatTheyLeaveOut) {
   ProfilerDesign design = Design();
   design.AddDependent(ByFormula("Z", "sqrt(B)"));
   const ProfilerRun run = *RunProfiler(design, port);

@@ -61,7 +61,7 @@ TEST(CandidateDraws, ValuesInPartsAreThoseOfOneDrawAfterAnother) {
 
 // Columns with and without rejected candidates, more of the former than are drawn together; and a single one,
 // which is drawn into the matrix itself.
-TEST(CandidateDraws, ColumnsOfAMatrixComeToTheirPlaces) {
+TEST(CandidateDraws, ColumnsOfAMatrixGoToTheirPlaces) {
   HeadlessUserInterface port;
   for (const std::size_t columns : {1, 2, 3, 7}) {
     SimulationDesign design;

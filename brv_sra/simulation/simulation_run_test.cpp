@@ -102,7 +102,7 @@ TEST_F(SimulationRuns, WhatCannotBeSimulatedFailsWithItsFault) {
   EXPECT_EQ(FaultOfRun().about, "c");
 }
 
-TEST_F(SimulationRuns, IndefiniteMatrixIsRepairedAndSaidToBe) {
+TEST_F(SimulationRuns, IndefiniteMatrixIsRepairedAndReported) {
   for (const std::size_t entry : {1U, 2U, 3U, 5U, 6U, 7U}) design.correlations[entry] = -0.9;
   const Result<SimulationRun> run = Run();
   ASSERT_TRUE(run);

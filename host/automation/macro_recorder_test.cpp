@@ -115,7 +115,7 @@ TEST(MacroRecorder, TextsAreQuotedAsPythonReadsThem) {
   EXPECT_EQ(recorder.Text("a\nb\rimport os\xff"), "# a\n# b?import os?\nfrom brenvolt import *\n\n");
 }
 
-TEST(MacroRecorder, DialogIsTakenAnewWhenAnotherOneIsOpen) {
+TEST(MacroRecorder, DialogIsFetchedAgainWhenAnotherOneIsOpen) {
   MacroRecorder recorder;
   const int first = 0;
   const int second = 0;

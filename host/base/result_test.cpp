@@ -36,7 +36,7 @@ TEST(Result, AFaultKeepsWhatItIsAbout) {
   EXPECT_TRUE(CheckLength("abc"));
 }
 
-TEST(Result, AskingForWhatIsNotThereIsRefused) {
+TEST(Result, AskingForAnAbsentValueOrFaultIsRefused) {
   auto none = Copy("");
   ASSERT_FALSE(none);
   EXPECT_THROW((void)*none, std::bad_variant_access);

@@ -43,7 +43,7 @@ TEST(BoxPlot, ManyOutliersAreThinnedWithTheExtremesKept) {
   EXPECT_EQ(graph.notes[0], "outliers: " + std::to_string(shown.size()) + " of 10000 points are shown");
 }
 
-TEST(BoxPlot, RefusesWhatIsNoSortedSample) {
+TEST(BoxPlot, RefusesEmptyUnsortedAndNonFiniteSamples) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
   for (const std::vector<double>& values :
        {std::vector<double>{}, {2, 1}, {1, nan}, {1, std::numeric_limits<double>::infinity()}}) {

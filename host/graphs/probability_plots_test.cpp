@@ -27,7 +27,7 @@ const ArrayFunction kInvalidNormalQuantile = [](std::span<const double> p, std::
 };
 
 // References: SciPy 1.10, norm.cdf and norm.ppf.
-TEST(ProbabilityPlots, PointsStandAtThePlottingPositionsOfHazen) {
+TEST(ProbabilityPlots, PointsAreAtThePlottingPositionsOfHazen) {
   const std::vector<double> sorted{-1, 0.5, 0.5, 2};
   const std::vector<double> positions{0.125, 0.375, 0.625, 0.875};
   const std::vector<double> probabilities{0.15865525393145707, 0.6914624612740131, 0.6914624612740131,

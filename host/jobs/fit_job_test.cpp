@@ -44,7 +44,7 @@ TEST(FitJob, WhatMakesSenseHasNoFault) {
   }
 }
 
-TEST(FitJob, EachFaultIsSaidWithItsField) {
+TEST(FitJob, EachFaultIsReportedWithItsField) {
   const struct {
     Change change;
     const char* fault;

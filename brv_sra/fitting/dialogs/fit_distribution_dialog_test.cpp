@@ -217,7 +217,7 @@ TEST_F(FitDialog, ButtonsUnderTheChecksActOnAllOfTheShownVariable) {
   EXPECT_EQ(Specification().continuousSpecifications[1], before.continuousSpecifications[1]);
 }
 
-TEST_F(FitDialog, SelectionRefusesTextVariablesAndNothing) {
+TEST_F(FitDialog, SelectionRefusesTextVariablesAndAnEmptyChoice) {
   sheet.VariableAt(2).SetType(VariableType::kText);
   sheet.VariableAt(4).SetType(VariableType::kText);
   sheet.VariableAt(4).SetName("  shop\nfloor ");
@@ -303,7 +303,7 @@ TEST_F(FitDialog, RunThatFailsSaysWhyAndLeavesTheSpecification) {
 }
 
 // The message about mixtures would be lost with the results.
-TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreSaidAndShown) {
+TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreReportedAndShown) {
   for (double& value : sheet.VariableAt(0).MutableValues()) value = 3;
   Automation().Put("ContinuousVariable", "1");
   Dialog().Check(kGaussianMixture, true);
@@ -317,7 +317,7 @@ TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreSaidAndShown) {
   EXPECT_EQ(Text(kMixtures), "15");
 }
 
-TEST_F(FitDialog, VariablesCanBeChosenWhateverStandsInTheInputs) {
+TEST_F(FitDialog, VariablesCanBeChosenWhateverTheInputsHold) {
   Automation().Put("Variables", "1 | 3");
   Dialog().Check(kWeibull, true);
   Dialog().Enter(kWeibullOffset, "?");
@@ -333,7 +333,7 @@ TEST_F(FitDialog, VariablesCanBeChosenWhateverStandsInTheInputs) {
   EXPECT_EQ(Said(), std::vector<std::string>{});
 }
 
-TEST_F(FitDialog, InputThatChangedBehindTheDialogIsSeenAtOk) {
+TEST_F(FitDialog, InputThatChangedUnderTheDialogIsNoticedAtOk) {
   Automation().Put("Variables", "1-2 | 3");
   sheet.VariableAt(1).SetType(VariableType::kText);
   EXPECT_FALSE(Ok());

@@ -325,7 +325,7 @@ TEST_F(FitResults, SelectedVariablesAloneAreSavedAndSummarised) {
       << "the matrix covers what was saved before";
 }
 
-TEST_F(FitResults, UndefinedCorrelationsAreSaid) {
+TEST_F(FitResults, UndefinedCorrelationsAreReported) {
   const double none = GetDefaultMDValue();
   for (std::size_t i = 0; i < kCases; ++i) sheet.VariableAt(i < 15 ? 0 : 1).MutableValues()[i] = none;
   Automation().Put("Variables", "1-2 | ");

@@ -436,7 +436,7 @@ TEST_F(ProfilerDialog, UnexpectedFaultsNameWhatWasTried) {
   EXPECT_EQ(userInterface.messages.back().caption, "SummaryGraph Error");
 }
 
-TEST_F(ProfilerDialog, FormulaModeShowsFormulasInThePlaceOfModels) {
+TEST_F(ProfilerDialog, FormulaModeShowsFormulasInsteadOfModels) {
   EXPECT_FALSE(Controls().At(kFormula).visible);
   EXPECT_EQ(analysis->UpdateFromInputSpreadsheet(), 1);
   EXPECT_EQ(analysis->Matrix().variables.size(), 2U);
@@ -477,7 +477,7 @@ TEST_F(ProfilerDialog, DesignOutlivesTheDialogButNotItsInput) {
   EXPECT_EQ(Get("PredictionFormula"), "A + B");
 }
 
-TEST(ProfilerSpecification, CategoriesAreFixedByNameOrByACodeThatThereIs) {
+TEST(ProfilerSpecification, CategoriesAreFixedByNameOrByAKnownCode) {
   ProfilerPredictor predictor;
   predictor.name = "grade";
   predictor.labels = {{1, "low"}, {2, "high"}};

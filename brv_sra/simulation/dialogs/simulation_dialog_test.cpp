@@ -96,7 +96,7 @@ TEST_F(SimulationDialog, CorrelatedRunShowsWhatWasAskedForAndReached) {
   EXPECT_EQ(Said(), std::vector<std::string>{});
 }
 
-TEST_F(SimulationDialog, MatrixThatDoesNotServeIsRefusedInWords) {
+TEST_F(SimulationDialog, UnsuitableMatrixIsRefusedWithAReason) {
   Dialog().Put("ImanConoverMethod", true);
   EXPECT_EQ(Ok(), 0);
   EXPECT_EQ(Said(),
@@ -122,7 +122,7 @@ TEST_F(SimulationDialog, MatrixThatDoesNotServeIsRefusedInWords) {
   EXPECT_EQ(Ok(), 1) << "one variable needs no matrix";
 }
 
-TEST_F(SimulationDialog, RepairIsSaidAndItsMatrixShown) {
+TEST_F(SimulationDialog, RepairIsReportedAndItsMatrixShown) {
   Dialog().Put("ImanConoverMethod", true);
   PutMatrix(Matrix({"Var1", "Var2", "Var3", "other"}, -0.9));
   ASSERT_EQ(Ok(), 1);
@@ -163,7 +163,7 @@ TEST_F(SimulationDialog, AutoUpdateRefillsTheSheetThatIsThere) {
   EXPECT_EQ(userInterface.documents.size(), 3U);
 }
 
-TEST_F(SimulationDialog, FailedUpdateLeavesTheFormerOutput) {
+TEST_F(SimulationDialog, FailedUpdateLeavesTheOldOutput) {
   Dialog().Put("IsAutoUpdateSameSheet", true);
   Dialog().Get("SimulationResults");
   sheet.VariableAt(1).SetProperty("zTruncProp", "(1; 0; 500; 0)");

@@ -67,7 +67,7 @@ TEST_F(OutputFiles, AppearsOnlyWithCommit) {
   EXPECT_EQ(Names(), std::set<std::string>{"new"});
 }
 
-TEST_F(OutputFiles, WithoutCommitTheFormerFileIsIntact) {
+TEST_F(OutputFiles, WithoutCommitTheOldFileIsIntact) {
   const path target = Put("old", "former");
   try {
     OutputFile file(target);

@@ -188,7 +188,7 @@ TEST(TriangularFit, SearchEndsWhateverTheScale) {
   EXPECT_TRUE(Estimate(many).isValid);
 }
 
-TEST(TriangularFit, WithoutSpreadThereIsNone) {
+TEST(TriangularFit, NeedsSpread) {
   EXPECT_FALSE(Estimate({4, 4, 4}).isValid);
   EXPECT_FALSE(Estimate({1, std::nextafter(1.0, 2.0)}).isValid);
   EXPECT_FALSE(Estimate({}).isValid);

@@ -77,7 +77,7 @@ TEST(KolmogorovSmirnovPvalue, FallsWithDistance) {
   }
 }
 
-TEST(KolmogorovSmirnovPvalue, MeetsItselfWhereDistancesChangeMethod) {
+TEST(KolmogorovSmirnovPvalue, IsContinuousWhereDistancesChangeMethod) {
   constexpr double kStep = 1e-12;
   for (const std::int64_t n : {2LL, 3LL, 7LL, 40LL, 100LL, 501LL, 2000LL, 10000LL, 10001LL, 1000000000LL}) {
     const auto size = static_cast<double>(n);
@@ -90,7 +90,7 @@ TEST(KolmogorovSmirnovPvalue, MeetsItselfWhereDistancesChangeMethod) {
   }
 }
 
-TEST(KolmogorovSmirnovPvalue, MeetsItselfWhereSizesChangeMethod) {
+TEST(KolmogorovSmirnovPvalue, IsSmoothWhereSizesChangeMethod) {
   // The relative change from n to n + 1 at fixed n d^2 is small and smooth; a change of method must not show
   // in it.
   for (const std::int64_t n : {500LL, 10000LL}) {
