@@ -18,9 +18,8 @@
 namespace brenvolt::sra {
 namespace {
 
-constexpr std::int64_t kBlockValues = 4'000;  // drawn before a worker looks for its next block
-constexpr std::int64_t kHeldValues =
-    4'000'000;  // in the samples of all workers, at least one sample
+constexpr std::int64_t kBlockValues = 4'000;     // drawn before a worker looks for its next block
+constexpr std::int64_t kHeldValues = 4'000'000;  // in the samples of all workers, at least one sample
 
 // How many samples count for a test, and how many of them are at least as far from their estimate as the
 // data.

@@ -34,8 +34,7 @@ std::uint64_t ShuffleValues(const RandomStream& stream, std::uint64_t position, 
   assert(n <= std::numeric_limits<std::int32_t>::max());
   if (n <= 1) return position;
   std::array<double, kBatch> uniforms;
-  std::array<std::int32_t, kBatch + kAhead> places =
-      {};  // the first value is requested after the last place
+  std::array<std::int32_t, kBatch + kAhead> places = {};  // the first value is requested after the last place
   T* const first = values.data();
   for (std::size_t done = 0; done < n; done += kBatch) {
     cancelled.Poll();
