@@ -66,7 +66,7 @@ ROOMS = (
 )
 # Names for callers outside the tree: no file in it includes them, whatever its room may include.
 CONTRACT = "host/contract"
-# Where the table names no folder below it, a name that stands for several.
+# A name that means several folders, where the table names none below it.
 GROUPS = ("host", "host/numeric", "brv_sra")
 # The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
 TEXTS = "brv_sra/resources"

@@ -56,7 +56,7 @@ class CompiledLibrary {
     std::int32_t value;
     int arguments;
   };
-  // Behind the members' records stand their identifiers, then their names.
+  // The members' records are followed by their identifiers, then their names.
   std::vector<Member> Members(std::size_t type) const {
     const auto counts = static_cast<std::uint32_t>(At(Base(type) + 0x18));
     const std::size_t functions = counts & 0xffff;

@@ -25,7 +25,7 @@ void AddDecimalCommaOption(CLI::App& command, JobData& data);
 std::string OptionOf(const std::string& field);
 
 // An option with one argument for each occurrence: it must not swallow the name of the data file. Names of a
-// list stand between commas.
+// list are separated by commas.
 void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,
              const std::string& type, const std::string& help);
 

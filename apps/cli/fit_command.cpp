@@ -58,7 +58,7 @@ FitJob::Order ParseOrder(const std::string& text) {
   return {name, SplitAtCommas(names)};
 }
 
-// The fits are saved and the graphs written before anything is reported, so that a report stands for a
+// The fits are saved and the graphs written before anything is reported, so that a report means a
 // finished job.
 void Fit(const FitCall& call) {
   Recording recording(call.record);

@@ -97,7 +97,7 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
   if (!job.graphs.empty()) std::printf("\nGraphs written to %s\n", job.graphs.c_str());
 }
 
-// The files are written before anything is reported, so that a report stands for a finished job.
+// The files are written before anything is reported, so that a report means a finished job.
 void Profile(const ProfileCall& call) {
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);

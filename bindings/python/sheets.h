@@ -50,7 +50,7 @@ class WorkbookRef : public std::enable_shared_from_this<WorkbookRef> {
 
   // The one reference to a sheet of this workbook.
   std::shared_ptr<SheetRef> RefTo(Spreadsheet& sheet);
-  // The sheet of that name; the first data sheet where none is given. Throws Error.
+  // The sheet of that name; the first data sheet if none is given. Throws Error.
   std::shared_ptr<SheetRef> SheetCalled(const std::string& name);
   std::shared_ptr<SheetRef> SheetAt(std::ptrdiff_t index);
   std::vector<std::string> Names() const;

@@ -260,7 +260,7 @@ TEST(Estimation, JohnsonByPercentilesRaisesWhereItFails) {
   EXPECT_FALSE(Fit(Code::kJohnson, Data({1, 2, 4})).IsValid()) << "three values have no kurtosis";
 }
 
-// A mean of exactly kNotSet would read as a failure with a log-likelihood beside it.
+// A mean of exactly kNotSet would read as a failure with a log-likelihood next to it.
 TEST(Estimation, FirstValueThatMeansNotSetIsAFailureThroughout) {
   const DistributionFit fit = Fit(Code::kNormal, Data({-446, -444, -442}));
   EXPECT_FALSE(fit.IsValid());

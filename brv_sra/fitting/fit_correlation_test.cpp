@@ -1,4 +1,4 @@
-// Correlations beside the fits: which cases count, and a file that stays valid whatever the data.
+// Correlations with the fits: which cases count, and a file that stays valid whatever the data.
 #include "brv_sra/fitting/fit_correlation.h"
 
 #include <gtest/gtest.h>

@@ -176,7 +176,7 @@ void CheckAll(ContinuousSpecification& specification) {
   specification.mixtures = 2;
 }
 
-// Every result in company equals the one alone, to the last bit, and stands in the order of the lists.
+// Every result in company equals the one alone, to the last bit, and is in the order of the lists.
 TEST_F(FitRun, ResultsDoNotDependOnTheOtherVariables) {
   const Spreadsheet sheet = SheetOf(Columns(9, 120));
   FitSpecification together = Continuous({9, 1, 2, 3, 4, 5, 6, 7, 8});

@@ -161,7 +161,7 @@ TEST(MatrixFile, MissingCasesAreFoundBeforeTheTypeButAfterOtherTypes) {
   }
 }
 
-// Further cases stand between the matrix and its summaries, which are the last rows.
+// Further cases come between the matrix and its summaries, which are the last rows.
 TEST(MatrixFile, SummariesAreTheLastRows) {
   MatrixFile file = MatrixFile::Identity({"a", "b"});
   const auto made = MakeMatrixFile(file);

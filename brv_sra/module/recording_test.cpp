@@ -194,7 +194,7 @@ TEST(Recording, ActionsOnControlsReplayToTheSameResults) {
   EXPECT_EQ(desk.person.graphs.size(), 1U);
 }
 
-// Going on over the former data would be another job.
+// Continuing with the old data would be another job.
 TEST(Recording, MacroStopsWhereOtherDataWereOpenedFromADialog) {
   Desk desk;
   Spreadsheet other{"other", 3, 1};

@@ -110,7 +110,7 @@ std::int32_t CSimulationAndRisk::SimulationStartupDialog() {
   return OpenDialog<CSimulation>(*this);
 }
 
-// Back from its results, the dialog stands over an input that the person has already agreed to.
+// Back from its results, the dialog works on an input that the person has already agreed to.
 std::int32_t CSimulationAndRisk::FitDistributionDialog() {
   if (CurrentStep() != step::kFitResults && !MayFitInput()) return 0;
   return OpenDialog<CFitDistribution>(*this);

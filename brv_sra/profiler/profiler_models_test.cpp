@@ -22,7 +22,7 @@ Model Load(const std::string& name) {
   return std::make_shared<const PredictionModel>(PredictionModel::Load(kInterchange + name));
 }
 
-// y = 1 + 2 x + the effect of `grade`, whose texts stand in the given order; g is numbers or texts.
+// y = 1 + 2 x + the effect of `grade`, whose texts are in the given order; g is numbers or texts.
 Model Graded(const std::string& target, const std::string& texts, const std::string& effects,
              const std::string& type = "string") {
   const std::string text =

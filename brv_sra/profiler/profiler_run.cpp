@@ -151,7 +151,7 @@ Result<CorrelationInduction> DrawRandom(const ProfilerDesign& design,
   return induction;
 }
 
-// Adds L z to every run, z standard normal deviates; the deviates of a run stand side by side in the stream.
+// Adds L z to every run, z standard normal deviates; the deviates of a run are consecutive in the stream.
 void AddNoise(const ProfilerDesign& design, std::span<const std::span<double>> dependents) {
   const std::vector<std::size_t> noisy = Noisy(design);
   if (noisy.empty()) return;

@@ -78,7 +78,7 @@ struct ProfilerRuns : testing::Test {
   HeadlessUserInterface port;
 };
 
-// The order of draws in the header is what makes a seed stand for its results.
+// The order of draws in the header is what makes a seed reproduce its results.
 TEST_F(ProfilerRuns, OutputHoldsDrawsFixedValuesAndPredictionsInTheOrderOfTheStream) {
   const ProfilerRun run = *RunProfiler(Design(), port);
   ASSERT_NE(run.output, nullptr);

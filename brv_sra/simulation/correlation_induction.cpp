@@ -49,7 +49,7 @@ void FillNormalScores(std::span<double> scores) {
   });
 }
 
-// M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing if that has none.
+// M = P Q^-1, Q the Cholesky factor of the scores' own correlation; nothing if that has no factor.
 bool CorrectTransform(std::span<const double> scores, std::size_t n, std::size_t k,
                       std::vector<double>& transform) {
   std::vector<double> correlation(k * k);

@@ -100,7 +100,7 @@ class PiecewiseSimulation {
     return true;
   }
 
-  // All values of a column that stands at its start.
+  // All values of a column that is at its start.
   template <class Take>
   bool Pass(ColumnDraws& column, const Take& take) {
     piece_.resize(std::min(kRowsPerColumnPiece, samples_));

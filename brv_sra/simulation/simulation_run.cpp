@@ -22,7 +22,7 @@ namespace {
 
 constexpr std::int64_t kSampleLimit = 2'000'000'000;  // bytes
 
-// The correlations among the variables that take part, all of which must be there.
+// The correlations among the variables that take part; each must exist.
 Result<void> CheckCorrelations(const SimulationDesign& design, std::span<const double> target) {
   const std::vector<std::size_t> active = design.ActiveVariables();
   for (std::size_t i = 0; i < active.size(); ++i) {

@@ -136,7 +136,7 @@ TEST_F(SimulationRuns, EqualNamesHaveNoCorrelationOfTheirOwn) {
 TEST_F(SimulationRuns, CorrelationsAreFoundByNameInAnyOrder) {
   design.excluded = {1};
   MatrixFile file = MatrixFile::Identity({"c", "other", "a"});
-  // Only what stands below the diagonal counts.
+  // Only what is below the diagonal counts.
   file.correlations = {{1, 0.1, 0.7}, {0.2, 1, 0.8}, {0.3, 0.4, 1}};
   DesignCorrelations found = CorrelationsByName(design, file);
   EXPECT_TRUE(found.missing.empty()) << "an excluded variable is not missed";

@@ -20,7 +20,7 @@ constexpr double kUnbounded = 1e300;
 constexpr std::size_t kTile = 1024;         // values whose draws stay in the nearest caches
 constexpr std::size_t kBlock = 16 * kTile;  // values of one task
 constexpr std::size_t kValuesPerPoll = std::size_t{1} << 18;
-// A uniform deviate of 0 stands for those up to the next, 2^-53: for their middle.
+// A uniform deviate of 0 represents those up to the next, 2^-53: their middle is used.
 constexpr double kMiddleOfZero = 0x1p-54;
 constexpr double kLargestProbability = 1 - 0x1p-53;
 
@@ -84,7 +84,7 @@ void VariableSampler::SetRanges(bool truncate, ParameterSource source) {
 }
 
 bool VariableSampler::HasValues() const {
-  // Not so where a limit is NaN. Of a discrete type, limits between two neighbouring values leave none.
+  // Not so if a limit is NaN. Limits between two neighbouring values of a discrete type leave no value.
   if (!(leastValue_ <= mostValue_)) return false;
   if (IsSentinel(distribution_.Quantile(0.5))) return false;
   if (!(leastProbability_ <= mostProbability_) || upperProbability_ <= 0) return false;

@@ -2,7 +2,7 @@
 // when it runs. Dialogs write their own lines while a recorder is attached to their analysis; who opens data
 // and saves results writes those.
 //
-// Objects are told apart by their addresses. Who names one says how long that holds: the recorder must not be
+// Objects are identified by their addresses. Whoever names one says how long that holds: the recorder must not be
 // asked for an address that has since become another object's.
 #pragma once
 

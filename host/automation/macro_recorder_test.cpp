@@ -84,7 +84,7 @@ TEST(MacroRecorder, PutIsWrittenSoThatItReadsBackExactly) {
       {Put(kValues, Array{}, {1, "Normal"}), "dialog.Values[1, \"Normal\"] = Array()"},
       {Put(kValues, Array{0.25, kNotSet, 2, Array{"a", {}}}, {1, "a\"b"}),
        "dialog.Values[1, \"a\\\"b\"] = Array(0.25, Nothing, 2, Array(\"a\", Nothing))"},
-      // Only an element and a number stand for what is not set; a value of any type is itself.
+      // Only an element and a number can mean what is not set; a value of any type is itself.
       {Put(kValues, kNotSet, {1, "x"}), "dialog.Values[1, \"x\"] = -444.0"},
       {Put(kValues, {}, {1, "x"}), "dialog.Values[1, \"x\"] = Nothing"},
   };
@@ -100,7 +100,7 @@ TEST(MacroRecorder, PutIsWrittenSoThatItReadsBackExactly) {
   EXPECT_NE(Lines(recorder).find("dialog.Values[1, \"x\"] = Array(scNormalDistr)\n"), std::string::npos);
 }
 
-// A name of a file cannot end the literal or the comment that it stands in.
+// A name of a file cannot end the literal or the comment that it is in.
 TEST(MacroRecorder, TextsAreQuotedAsPythonReadsThem) {
   const std::pair<std::string, std::string> rows[] = {
       {"", "\"\""},

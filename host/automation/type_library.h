@@ -61,7 +61,7 @@ struct EnumerationDescription {
   std::string_view name;
   std::string_view help;
   std::span<const std::string_view> constants;  // of the values 0 upward
-  // The name is an alias of an enumeration that has none.
+  // The name is an alias of an enumeration without a name.
   bool unnamed = false;
 };
 

@@ -16,7 +16,7 @@ extern "C" void NoteInterruption(int /*signal*/) {
 
 InterruptionCatcher::InterruptionCatcher() {
   sigaction(SIGINT, nullptr, &former);
-  // A process told to ignore interruptions, as one in the background is, goes on ignoring them.
+  // A process told to ignore interruptions, as one in the background is, continues to ignore them.
   if (former.sa_handler == SIG_IGN) return;
   struct sigaction action {};
   action.sa_handler = NoteInterruption;

@@ -17,7 +17,7 @@ bool IsPlainAscii(const char* bytes) {
   for (std::size_t i = 0; i < kStride; i += sizeof(std::uint64_t)) {
     std::uint64_t word = 0;
     std::memcpy(&word, bytes + i, sizeof word);
-    // Subtracting one borrows into the high bit of a zero byte. A false alarm needs a zero byte beside it.
+    // Subtracting one borrows into the high bit of a zero byte. A false alarm needs a zero byte next to it.
     suspicious |= (word | (word - kOnes)) & kHighBits;
   }
   return suspicious == 0;

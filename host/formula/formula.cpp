@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::size_t kCasesPerTask = 32 * Program::kBlock;
 
-// The index of the variable that a name stands for; the case number is the index one past the last variable.
+// The index of the variable that a name means; the case number is the index one past the last variable.
 std::optional<std::size_t> Find(std::string_view name, bool quoted, std::span<const std::string_view> names) {
   const auto found = std::ranges::find(names, name);
   if (found != names.end()) return static_cast<std::size_t>(found - names.begin());

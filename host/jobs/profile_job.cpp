@@ -25,7 +25,7 @@ Variant Place(std::size_t place) {
   return static_cast<std::int32_t>(place + 1);
 }
 
-// As it stands before the "=" of a formula.
+// As it is written before the "=" of a formula.
 std::string QuotedName(const std::string& name) {
   std::string quoted = "'";
   for (const char c : name) quoted += c == '\'' ? "''" : std::string(1, c);
@@ -115,7 +115,7 @@ class Profiler {
       if (shown.tables.empty() || shown.graphs.empty()) throw Error("the analysis returned no defects");
       return {shown.tables.front(), shown.graphs.front()->Content()};
     } catch (const AutomationError& error) {
-      // The table stands where only its graph cannot be drawn.
+      // The table is kept if only its graph cannot be drawn.
       const auto tables = session_.ShownSince(shownBefore).tables;
       if (tables.empty()) throw;
       session_.Interface().ShowMessage({error.Reason(), error.Where(), {}});

@@ -122,7 +122,7 @@ void ReadTraining(const Element& model, ReadyModel& ready) {
   }
 }
 
-// What a dependent is called: its target, or where the model has none what it is.
+// What a dependent is called: its target or, if the model has none, what it is.
 std::string DependentName(const ModelResult& result) {
   if (!result.target.empty()) return result.target;
   return result.function == Function::kClustering ? "cluster" : "prediction";

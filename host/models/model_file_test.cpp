@@ -156,7 +156,7 @@ TEST(Pmml, RefusesHostileFilesBeforeTheyTakeMemoryOrTime) {
   for (const Refused& refused : cases) EXPECT_EQ(RefusalOf(refused.text), refused.message);
 }
 
-// f1 calls f0 twice, f2 calls f1 twice, …: a page of text that stands for 2^60 operations.
+// f1 calls f0 twice, f2 calls f1 twice, …: a page of text that means 2^60 operations.
 TEST(Pmml, RefusesFunctionsThatUnfoldWithoutEnd) {
   std::string functions;
   constexpr int kFunctions = 60;

@@ -54,7 +54,7 @@ void CsvScanner::Fail(const char* what, const char* where) const {
 
 namespace {
 
-// The offset behind the first row end in text[begin, end), or npos. `quoted` tells whether begin lies in
+// The offset after the first row end in text[begin, end), or npos. `quoted` says whether begin lies in
 // quotes.
 std::size_t FindRowStart(std::string_view text, std::size_t begin, std::size_t end, bool quoted) {
   while (begin != end) {

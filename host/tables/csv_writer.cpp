@@ -46,7 +46,7 @@ void AppendCell(std::string& out, const Variable& variable, std::size_t row, con
   AppendCsvNumber(out, value, format.decimalSeparator);
 }
 
-// `precedingCases` stand before the sheet's own where its cases are numbered.
+// `precedingCases` come before the sheet's own if its cases are numbered.
 void AppendRows(std::string& out, const Spreadsheet& sheet, std::uint64_t precedingCases, std::size_t begin,
                 std::size_t end, const CsvFormat& format) {
   const std::size_t columns = sheet.VariableCount();

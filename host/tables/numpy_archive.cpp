@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kValuesPerPiece = std::size_t{1} << 16;
 
 // The header of a .npy file, version 1.0 (NumPy Enhancement Proposal 1): a whole number of 64 bytes, so that
-// the values stand aligned in a file of their own.
+// the values are aligned in a file of their own.
 std::string ArrayHeader(std::uint64_t length) {
   static_assert(std::endian::native == std::endian::little);
   constexpr std::size_t kPreamble = 10;

@@ -33,7 +33,7 @@ std::map<std::string, std::string> FilesOf(const std::filesystem::path& path) {
   return files;
 }
 
-// The values of a .npy file, whose header must stand as NumPy writes it.
+// The values of a .npy file, whose header must be as NumPy writes it.
 std::vector<double> ValuesOf(const std::string& file, std::size_t length) {
   const std::string begin = "\x93NUMPY" + std::string("\1\0v\0", 4) +
                             "{'descr': '<f8', 'fortran_order': False, 'shape': (" + std::to_string(length) +

@@ -137,7 +137,7 @@ TEST(WorkbookCrashTest, KilledReplacementLeavesOldOrNewContent) {
   KillRepeatedly(&SaveAnewForever, false);
 }
 
-// Half of a transaction is in the file, its undoing in the journal beside it.
+// Half of a transaction is in the file, its undoing in the journal next to it.
 TEST(WorkbookCrashTest, JournalOfAKilledWriterNeverHarmsTheFileThatReplacesItsOwn) {
   const TemporaryFolder folder;
   const auto path = folder / "p.bvw";

@@ -146,7 +146,7 @@ TEST(WorkbookTest, OpensAndReplacesAFileWithAnUnfinishedWriteAheadLog) {
   for (const bool replace : {false, true}) {
     Workbook workbook = RichWorkbook();
     workbook.Save(path);
-    // Killed with its log still beside the file.
+    // Killed with its log still next to the file.
     ASSERT_EQ(RunInChild([&] {
                 sqlite3* database = nullptr;
                 sqlite3_open(path.c_str(), &database);

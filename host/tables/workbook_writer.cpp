@@ -26,7 +26,7 @@ struct PlannedColumn {
   bool kept = false;
 };
 
-// For each variable, sheet by sheet, where its values stand or will stand.
+// For each variable, sheet by sheet, where its values are or will be.
 struct ColumnPlan {
   std::vector<PlannedColumn> columns;
   std::set<std::int64_t> keptIds;

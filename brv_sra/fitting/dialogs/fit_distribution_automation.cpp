@@ -84,7 +84,7 @@ constexpr Member Option(std::string_view name) {
 
 using Show = void (Dialog::*)(int);
 
-// Where the tabs' controls stand.
+// Where the tabs' controls are.
 template <Show ShowVariable>
 std::int32_t ShownPlace(Dialog& dialog) {
   return ShowVariable == &Dialog::ShowContinuousVariable ? dialog.ShownContinuousVariable()

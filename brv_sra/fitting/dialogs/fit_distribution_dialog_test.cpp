@@ -1,5 +1,5 @@
 // The fit specification as a person and as automation drive it: what is checked when, what each message
-// stands for, and what is remembered per variable.
+// means, and what is remembered per variable.
 #include "brv_sra/fitting/dialogs/fit_distribution_dialog.h"
 
 #include <gtest/gtest.h>

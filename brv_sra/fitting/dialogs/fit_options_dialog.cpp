@@ -10,7 +10,7 @@ namespace {
 
 using namespace fit_options;
 
-// A radio button and the value that it stands for.
+// A radio button and the value that it sets.
 template <class Value>
 struct Choice {
   std::int32_t control;

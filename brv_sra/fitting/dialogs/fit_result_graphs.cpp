@@ -24,7 +24,7 @@ std::string CurveName(const DistributionFit& fit) {
   return Description(fit.specification.code, fit.specification.values);
 }
 
-// The fitted curve, where there is a valid fit; without a range, it spans what is drawn.
+// The fitted curve, if there is a valid fit; without a range, it spans what is drawn.
 std::vector<GraphCurve> CurveOf(const DistributionFit& fit, CurveKind kind, CurveFactor factor,
                                 bool wholeNumbers) {
   if (!fit.IsValid()) return {};

@@ -32,7 +32,7 @@ constexpr std::pair<std::int32_t, FitPlot> kPlotButtons[] = {
     {kBoxPlot, FitPlot::kBoxPlot},
     {kSummaryGraph, FitPlot::kSummary}};
 
-// So many undefined correlations are named each; of the others there is a count.
+// So many undefined correlations are named; the others are counted.
 constexpr std::size_t kNamedCorrelations = 3;
 
 RankingCriterion CriterionOf(const VariableFit& variable, const FitSpecification& specification) {
@@ -216,7 +216,7 @@ void CFitDistributionResults::MoveInOrder(int by) {
   ShowSaveSettings();
 }
 
-// The last one stays: an empty order stands for the default.
+// The last one stays: an empty order means the default.
 void CFitDistributionResults::LeaveOutOfOrder() {
   VariableFit& variable = SaveVariable();
   std::vector<std::size_t> order = SavedOrder(variable);

@@ -402,7 +402,7 @@ ModelResult ReadGeneralRegressionModel(const Element& model, ModelPlace& place) 
   const Reading reading = ReadHead(model, place);
   Design design(place);
   std::optional<Element> coefficients;
-  // The cells of the design refer to the lists, wherever these stand.
+  // The cells of the design refer to the lists, wherever these are.
   design.ReadParameters(model.Child("ParameterList"));
   if (const auto list = model.FindChild("FactorList")) design.ReadPredictors(*list, true);
   if (const auto list = model.FindChild("CovariateList")) design.ReadPredictors(*list, false);

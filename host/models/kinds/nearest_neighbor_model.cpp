@@ -72,7 +72,7 @@ class NeighbourStep final : public Step {
   }
 
  private:
-  // Sorts the nearest records to the front; returns how many there are: none where all fields are missing.
+  // Sorts the nearest records to the front; returns how many there are: none if all fields are missing.
   std::size_t Rank(const Frame& frame, std::size_t row, std::vector<double>& record, Ranking& ranking) const {
     const std::size_t width = record.size();
     for (std::size_t k = 0; k < width; ++k) record[k] = frame.In(n_->fields[k].slot)[row];

@@ -130,7 +130,7 @@ class RuleReader {
                                                   {"weightedSum", Criterion::kWeightedSum},
                                                   {"weightedMax", Criterion::kWeightedMax}});
         child.RefuseAnythingElse();
-        // The first method is the one to use where none is chosen.
+        // The first method is the one to use if none is chosen.
         if (!hasMethod) set_->criterion = criterion;
         hasMethod = true;
       } else if (child.Is("SimpleRule") || child.Is("CompoundRule")) {

@@ -88,8 +88,8 @@ std::string Rewrite(std::string_view replacement) {
   return rewrite;
 }
 
-// A printf conversion of one number, taken apart: what stands before, flags with width and precision, the
-// conversion letter, and what stands behind.
+// A printf conversion of one number, taken apart: the text before, flags with width and precision, the
+// conversion letter, and the text after.
 struct NumberFormat {
   std::string format;  // for long long or double
   bool isWhole = false;

@@ -12,7 +12,7 @@
 namespace brenvolt {
 namespace {
 
-// The probability up to x by SciPy 1.10.1 (scipy.stats, the line beside it).
+// The probability up to x by SciPy 1.10.1 (scipy.stats, the line next to it).
 struct Case {
   DistributionCode code;
   std::vector<double> values;

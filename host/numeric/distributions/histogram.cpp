@@ -115,7 +115,7 @@ struct FormulasOf<Histogram> {
 
   PreparedHistogram Prepared(std::size_t uses) const;
 
-  // No standard errors, which a table of classes has no place for.
+  // No standard errors: a table of classes has no place for them.
   static DistributionEstimate Estimate(const EstimationInput& input) {
     HistogramEstimate fit = EstimateHistogram(input.sorted);
     if (fit.status != DiscreteStatus::kSuccess) return {};

@@ -67,7 +67,7 @@ double MeanLogLikelihood(std::span<const double> values, const Point& at) {
   return std::isnan(mean) ? -kInfinity : mean;
 }
 
-// Sums over values of the log density's derivatives by z and the shape, the former with the powers of z that
+// Sums over values of the log density's derivatives by z and the shape, the first with the powers of z that
 // those by location (l) and scale (s) take.
 struct DerivativeSums {
   double l = 0.0;

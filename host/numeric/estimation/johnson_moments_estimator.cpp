@@ -1,6 +1,6 @@
 // The Johnson member with given moments: which family by the side of the lognormal line on which skewness and
 // kurtosis lie (Johnson 1949; Hill, Hill & Holder 1976), its shape by bracketed equations, its location and
-// scale by the mean and the standard deviation. Worked for positive skewness and turned round at the end.
+// scale by the mean and the standard deviation. Solved for positive skewness and mirrored at the end.
 #include <algorithm>
 #include <boost/math/tools/toms748_solve.hpp>
 #include <cmath>

@@ -177,7 +177,7 @@ struct Bracket {
   bool operator==(const Bracket&) const = default;
 };
 
-// Ends at the tolerance or where the bracket stands still. It must come to one of the two: once the middle
+// Ends at the tolerance or when the bracket stops moving. One of the two must happen: once the middle
 // lies between the ends (after one step that is not the last case, and that case draws the ends towards the
 // middle), the ends only move towards each other, and a bracket whose ends stay changes its middle at most
 // twice.

@@ -48,7 +48,7 @@ std::array<double, 2> Block(Key key, std::uint64_t block) {
   return {deviate(words[0], words[1]), deviate(words[2], words[3])};
 }
 
-// The process's stream: where it stands, and the block of the last draw, which holds the next one half of the
+// The process's stream: its position, and the block of the last draw, which holds the next one half of the
 // time.
 struct Process {
   std::int32_t seed = kInitialSeed;
