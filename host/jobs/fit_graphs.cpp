@@ -25,7 +25,7 @@ constexpr const char* kPlots[] = {"HistogramWithFit", "CumulativeHistogram", "PP
 std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
   const Variant index(place);
   const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
-  const std::string first = order.substr(0, order.find(';'));
+  std::string first = order.substr(0, order.find(';'));
   const ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
   for (std::size_t row = 0; row < ranked.rows.size(); ++row) {
     if (ranked.rows[row].name == first)

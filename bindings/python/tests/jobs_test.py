@@ -115,7 +115,7 @@ class Fits(Folder):
                 with self.assertRaisesRegex(TypeError, "data must be a Series, DataFrame, mapping"):
                     brenvolt.fit(data)
             for source in (pandas.DataFrame({"x": [1.0]}), None, 5):
-                with self.assertRaisesRegex(TypeError, "simulate wants a project or a fit result, not "):
+                with self.assertRaisesRegex(TypeError, "simulate needs a project or a fit result, not "):
                     brenvolt.simulate(source)
 
     def test_calls_that_make_no_sense_are_refused(self):
