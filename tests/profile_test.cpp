@@ -262,7 +262,7 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--spec", "Y=1,2"}, 2, "LSL,TARGET,USL"},
       {{"--formula", "Y=A", "--spec", "Y=1,,x"}, 2, "expected a number, got 'x' (--spec)"},
       {{"--formula", "Y=A", "--spec", "Y=1,,2", "--spec", "Y=1,,3"}, 2, "twice"},
-      {{"--formula", "Y=A", "--noise", "Y=-1"}, 2, "not less than 0 (--noise)"},
+      {{"--formula", "Y=A", "--noise", "Y=-1"}, 2, "must not be less than 0 (--noise)"},
       {{"--formula", "Y=A", "--noise", "Q=1"}, 2, "no response called 'Q'"},
       {{"--formula", "Y=A", "--fix", "Q=1"}, 2, "no predictor called 'Q'"},
       {{"--formula", "Y=A", "--truncate", "A=3,1"}, 2, "must be less than the maximum"},
