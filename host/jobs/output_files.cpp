@@ -43,14 +43,15 @@ void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path
 void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
                        JobFaults& faults) {
   for (std::size_t i = 0; i < outputs.size(); ++i) {
-    const auto& [field, path] = outputs[i];
+    const std::filesystem::path& path = outputs[i].path;
+    const std::string field(outputs[i].field);
     if (path.empty() || !IsRegularTarget(path)) continue;
     const auto isSame = [&path](const JobFile& other) { return IsSameFile(other.path, path); };
     if (!HasProjectEnding(path) && std::ranges::any_of(inputs, isSame)) {
-      faults.push_back({std::string(field), "would replace " + path.string() + ", which is read"});
+      faults.push_back({field, "would replace " + path.string() + ", which is read"});
     }
     if (std::any_of(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i), isSame)) {
-      faults.push_back({std::string(field), path.string() + " is given for another output, too"});
+      faults.push_back({field, path.string() + " is given for another output, too"});
     }
   }
 }
