@@ -53,13 +53,15 @@ Spreadsheet SheetOf(const std::vector<std::pair<std::string, std::vector<double>
 }
 
 // Of a row by its name, or of a statistic.
-double Cell(const Spreadsheet& sheet, std::string_view row, const ResultColumn& column = "value"_column) {
+// Default arguments below: Clang 14 takes no call of a consteval function there.
+constexpr const ResultColumn& kValue = "value"_column;
+
+double Cell(const Spreadsheet& sheet, std::string_view row, const ResultColumn& column = kValue) {
   const ResultTable table = ReadResultTable(sheet);
   const auto found = std::ranges::find(table.rows, row, &ResultRow::name);
   return found != table.rows.end() ? found->Number(column) : throw Error("no row " + std::string(row));
 }
-double Cell(const Spreadsheet& sheet, const ResultColumn& statistic,
-            const ResultColumn& column = "value"_column) {
+double Cell(const Spreadsheet& sheet, const ResultColumn& statistic, const ResultColumn& column = kValue) {
   return ReadResultTable(sheet).Row(statistic).Number(column);
 }
 
