@@ -45,19 +45,12 @@ def _codes_and_labels(series):
     return values, {float(i + 1): str(text) for i, text in enumerate(texts)}
 
 
-def _series(values):
-    """Values of any kind as a Series; what a NumPy mask hides is missing."""
-    import pandas
-
-    return values if isinstance(values, pandas.Series) else pandas.Series(values)
-
-
 def _refusal(name, kind):
     return TypeError(f"column {name!r} holds {kind} values, neither numbers nor texts")
 
 
-def _set_column(sheet, name, series):
-    kind = _kind(series)
+def _set_column(sheet, name, series, kind):
+    """Sets a column of a kind that _kind() told."""
     if kind == "numbers":
         sheet._set_column(name, _numbers(series))
     elif kind == "texts":
@@ -77,7 +70,10 @@ def _setitem(self, name, values):
     if plain and values.dtype.kind in "fiub":
         self._set_column(name, values)
     else:
-        _set_column(self, name, _series(values))
+        import pandas
+
+        series = values if isinstance(values, pandas.Series) else pandas.Series(values)
+        _set_column(self, name, series, _kind(series))
 
 
 def _from_pandas(frame, name="Sheet", required=()):
@@ -103,7 +99,7 @@ def _from_pandas(frame, name="Sheet", required=()):
                 raise _refusal(title, kind)
             left_out.append(f"{title} ({kind})")
         else:
-            _set_column(sheet, title, series)
+            _set_column(sheet, title, series, kind)
     if left_out:
         warn(f"columns that hold neither numbers nor texts are left out: {', '.join(left_out)}")
     if not isinstance(frame.index, pandas.RangeIndex):
