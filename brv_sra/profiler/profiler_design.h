@@ -36,8 +36,8 @@ struct ProfilerPredictor {
   // The range of the data, as guidance for people; NaN if it is not known.
   double lowest = std::numeric_limits<double>::quiet_NaN();
   double highest = std::numeric_limits<double>::quiet_NaN();
-  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them. Values of
-  // the specification, of the fixed value and of the output represent these texts.
+  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them. Specified,
+  // fixed and simulated values represent these texts.
   std::map<double, std::string> labels;
   bool categorical = false;
 
