@@ -70,6 +70,19 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
   return parts;
 }
 
+std::pair<std::optional<double>, std::optional<double>> BoundsIn(const std::string& field,
+                                                                 const std::string& form,
+                                                                 const std::string& text,
+                                                                 const std::string& bounds) {
+  const auto separator = bounds.find_first_of(":,");
+  if (separator == std::string::npos) RefuseEntry(field, form, text);
+  const auto bound = [&field](const std::string& part) {
+    const std::string number(Trim(part));
+    return number.empty() ? std::nullopt : std::optional(NumberIn(field, number));
+  };
+  return {bound(bounds.substr(0, separator)), bound(bounds.substr(separator + 1))};
+}
+
 void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {
   if (!HasProjectEnding(path)) throw WrongCall(option + " needs a file ending in .bvw, got " + path.string());
 }

@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -45,6 +46,11 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::st
 std::pair<std::string, std::string> SplitEntry(const std::string& field, const std::string& form,
                                                const std::string& text);
 std::vector<std::string> SplitAtCommas(const std::string& text);
+// "LOW:HIGH" or "LOW,HIGH", either left out if there is none; `text` is the whole entry.
+std::pair<std::optional<double>, std::optional<double>> BoundsIn(const std::string& field,
+                                                                 const std::string& form,
+                                                                 const std::string& text,
+                                                                 const std::string& bounds);
 [[noreturn]] void RefuseEntry(const std::string& field, const std::string& form, const std::string& text);
 
 // An option that may be repeated. `parse` makes an entry of a job from the words of each; lists are not

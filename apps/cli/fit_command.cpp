@@ -42,12 +42,8 @@ FitJob::Count ParseTrials(const std::string& text) {
 FitJob::Truncation ParseTruncation(const std::string& text) {
   constexpr const char* kForm = "VARIABLE=LOW:HIGH";
   const auto [name, bounds] = SplitEntry("truncate", kForm, text);
-  const auto colon = bounds.find(':');
-  if (colon == std::string::npos) RefuseEntry("truncate", kForm, text);
-  const auto bound = [](const std::string& number) {
-    return number.empty() ? std::nullopt : std::optional(NumberIn("truncate", number));
-  };
-  return {name, bound(bounds.substr(0, colon)), bound(bounds.substr(colon + 1))};
+  const auto [low, high] = BoundsIn("truncate", kForm, text, bounds);
+  return {name, low, high};
 }
 
 // "V=NAME,NAME".

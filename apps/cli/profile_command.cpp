@@ -70,11 +70,11 @@ ProfileJob::Specification ParseSpecification(const std::string& text) {
 }
 
 ProfileJob::Truncation ParseTruncation(const std::string& text) {
-  constexpr const char* kForm = "PREDICTOR=MIN,MAX";
-  const auto [predictor, numbers] = SplitEntry("truncate", kForm, text);
-  const auto values = NumbersIn("truncate", kForm, text, numbers, 2);
-  if (!values[0] || !values[1]) RefuseEntry("truncate", kForm, text);
-  return {predictor, *values[0], *values[1]};
+  constexpr const char* kForm = "PREDICTOR=LOW:HIGH";
+  const auto [predictor, bounds] = SplitEntry("truncate", kForm, text);
+  const auto [low, high] = BoundsIn("truncate", kForm, text, bounds);
+  if (!low || !high) RefuseEntry("truncate", kForm, text);
+  return {predictor, *low, *high};
 }
 
 void Report(const ProfileCall& call, const ProfileRun& run) {
@@ -136,7 +136,7 @@ void AddProfileCommand(CLI::App& program) {
              "Specification of a response; each part may be empty, as in 'Y=,,25'; may be repeated");
   AddEntries(*command, "--fix", job.fixed, ParseFixed, "X=VALUE",
              "Keep a predictor at a value; may be repeated");
-  AddEntries(*command, "--truncate", job.truncate, ParseTruncation, "X=MIN,MAX",
+  AddEntries(*command, "--truncate", job.truncate, ParseTruncation, "X=LOW:HIGH",
              "Keep the draws of a predictor within bounds; may be repeated");
   command
       ->add_option(

@@ -74,28 +74,11 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
 }
 
-void ReportNothing(const SimulateCall& call) {
-  constexpr const char* kTitle = "Normal to anything method";
-  constexpr const char* kNothing = "nothing was produced; this method has no generator";
-  if (call.format == ReportFormat::kJson) {
-    const Json report = {
-        {"method", kTitle}, {"samples", 0}, {"variables", Json::array()}, {"note", kNothing}};
-    std::fputs(JsonText(report).c_str(), stdout);
-    return;
-  }
-  std::printf("%s: %s.\n", kTitle, kNothing);
-}
-
 // The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateCall& call) {
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
-  const SimulationRun run = call.job.Run(terminal, recording.Job());
-  if (run.summary == nullptr) {
-    ReportNothing(call);
-  } else {
-    Report(call, run);
-  }
+  Report(call, call.job.Run(terminal, recording.Job()));
   recording.Commit();
 }
 

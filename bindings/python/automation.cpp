@@ -51,7 +51,7 @@ Variant Invoke(const AutomationRef& ref, const std::string& name, CallKind kind,
                const std::vector<Variant>& arguments) {
   Variant result;
   CarryOut(
-      ref.analysis.get(), [&] { result = CallMember(*ref.object, name, kind, arguments); },
+      ref.analysis, [&] { result = CallMember(*ref.object, name, kind, arguments); },
       [&] { return MethodName(*ref.object, name, kind); });
   return result;
 }

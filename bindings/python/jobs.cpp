@@ -2,14 +2,19 @@
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
-#include <initializer_list>
-#include <span>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "bindings/python/host_call.h"
+#include "bindings/python/job_results.h"
 #include "bindings/python/module.h"
 #include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
+#include "bindings/python/variants.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
@@ -18,13 +23,13 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_results.h"
+#include "host/jobs/profile_job.h"
 #include "host/jobs/project_files.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace py = pybind11;
-using namespace pybind11::literals;
 
 namespace brenvolt::python {
 namespace {
@@ -46,42 +51,6 @@ std::size_t CodeOf(const std::string& name) {
   if (type == nullptr)
     throw py::value_error("no distribution called " + Quoted(name) + "; there are " + FittedTypeNames());
   return static_cast<std::size_t>(type - kFittedTypes.data());
-}
-
-// The numbers of those of the columns that a row has, in the order of frames.
-py::dict NumbersOf(const ResultRow& row, std::initializer_list<std::span<const ResultColumn>> groups) {
-  py::dict numbers;
-  for (const auto& columns : groups) {
-    for (const ResultColumn& column : columns) {
-      if (row.Has(column)) numbers[py::str(std::string(column.identifier))] = row.Number(column);
-    }
-  }
-  return numbers;
-}
-
-py::dict FitDict(const FittedDistribution& fit) {
-  using namespace result_columns;
-  return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
-                  "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
-                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kBootstrap}));
-}
-
-// What the open dialog of the fit results tells of each variable.
-py::list FitResults(const std::shared_ptr<AnalysisRef>& analysis) {
-  const auto variables = InTurn([&] {
-    const auto dialog = analysis->Analysis().GetDialgInterface();
-    if (dialog == nullptr) throw Error("the analysis has no open dialog");
-    return ReadFitResults(*dialog, Covariances::kLeftOut);
-  });
-  py::list list;
-  for (const FittedVariable& variable : variables) {
-    py::list fits;
-    for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
-    list.append(py::dict("name"_a = variable.name, "continuous"_a = variable.isContinuous,
-                         "moments"_a = NumbersOf(variable.moments, {result_columns::kMoments}),
-                         "fits"_a = fits));
-  }
-  return list;
 }
 
 void RequireProjectEnding(const char* field, const std::filesystem::path& path) {
@@ -153,28 +122,82 @@ void Export(const std::string& source, const std::filesystem::path& output, bool
                   {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma)});
 }
 
-Sheet Score(const std::filesystem::path& model, const std::filesystem::path& data, const std::string& sheet,
-            bool probabilities, bool leaveInvalid, bool decimalComma) {
-  const ScoreJob job{model, {data, sheet, decimalComma}, probabilities, leaveInvalid, {}};
-  Sheet predictions = Free(std::make_unique<Spreadsheet>(job.Score()));
+// The predictions for the cases of an open sheet, or where it is null of the job's file.
+Sheet Score(const ScoreJob& job, const Sheet& cases) {
+  Sheet predictions =
+      Free(std::make_unique<Spreadsheet>(cases != nullptr ? job.Score(cases->Sheet()) : job.Score()));
   Keep(predictions);
-  job.Record(TheJob(), predictions.get());
+  RecordAsInput(cases);
+  job.Record(TheJob(), predictions.get(), cases.get());
   return predictions;
 }
 
-// The names of the fitted variables, in the order of the results.
-std::vector<std::string> Fit(const FitJob& job, AnalysisRef& analysis) {
+// A sheet as input of a job, which starts its analysis when it has prepared the sheet. A sheet that people hold is lent.
+JobInput InputOf(const Sheet& sheet, bool isLent, std::shared_ptr<AnalysisRef>& analysis) {
+  RecordAsInput(sheet);
+  const auto& workbook = sheet->Workbook();
+  const auto start = [sheet, &analysis]() -> AnalysisSession& {
+    analysis = std::make_shared<AnalysisRef>(sheet);
+    return analysis->Session();
+  };
+  return {sheet->Sheet(), workbook != nullptr ? &workbook->File() : nullptr, sheet.get(), start, isLent};
+}
+
+// The analysis and the names of the fitted variables, in the order of the results.
+py::tuple Fit(const FitJob& job, const Sheet& sheet, bool isLent) {
+  std::shared_ptr<AnalysisRef> analysis;
   std::vector<std::string> names;
-  CarryOut(&analysis, [&] { names = job.Fit(analysis.Session(), analysis.Input()->Sheet()); });
-  return names;
+  CarryOut(analysis, [&] { names = job.Run(InputOf(sheet, isLent, analysis), TheJob()); });
+  return py::make_tuple(
+      analysis, names,
+      FitDicts(InTurn([&] { return ReadFitResults(*analysis->Session().Dialog(), Covariances::kLeftOut); })));
 }
 
-void SpecifySaving(const FitJob& job, AnalysisRef& analysis, const std::vector<std::string>& fitted) {
-  CarryOut(&analysis, [&] { job.SpecifySaving(*analysis.Session().Dialog(), fitted); });
+// The correlation matrix of the fits that the open dialog shows, and which are put on the sheet.
+Sheet KeepFits(const FitJob& job, const std::shared_ptr<AnalysisRef>& analysis,
+               const std::vector<std::string>& fitted) {
+  Table matrix;
+  CarryOut(analysis, [&] { matrix = job.Keep(analysis->Session(), analysis->Input()->Sheet(), fitted); });
+  return std::make_shared<SheetRef>(std::move(matrix));
 }
 
-void SpecifySimulation(const SimulateJob& job, AnalysisRef& analysis) {
-  CarryOut(&analysis, [&] { job.Specify(analysis.Session(), analysis.Input()->Sheet()); });
+void SaveFitted(const FitJob& job, std::shared_ptr<AnalysisRef> analysis,
+                const std::vector<std::string>& fitted) {
+  CarryOut(analysis, [&] {
+    const JobInput input = InputOf(analysis->Input(), true, analysis);
+    job.Save(input, analysis->Session(), fitted, TheJob());
+  });
+}
+
+// The samples and their seed. `matrix` may be null.
+py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
+  std::shared_ptr<AnalysisRef> analysis;
+  SimulationFindings found;
+  job.keepsSamples = true;
+  if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
+  CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
+  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed);
+}
+
+// The simulated runs, their seed, and what was found.
+py::tuple Profile(const ProfileJob& job, const Sheet& sheet) {
+  std::shared_ptr<AnalysisRef> analysis;
+  ProfileFindings found;
+  CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
+  return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results));
+}
+
+template <class Job>
+void Check(const Job& job) {
+  RequireNone(job.Check());
+}
+
+// The file that the data came from, if they came from one, which no output may replace.
+template <class Job>
+void DefineData(py::class_<Job>& job) {
+  job.def_property("data", nullptr, [](Job& j, std::filesystem::path file) { j.data.file = std::move(file); })
+      .def_property("sheet", nullptr, [](Job& j, std::string name) { j.data.sheet = std::move(name); })
+      .def_property("decimal_comma", nullptr, [](Job& j, bool comma) { j.data.decimalComma = comma; });
 }
 
 void BindFitJob(py::module_& module) {
@@ -199,26 +222,74 @@ void BindFitJob(py::module_& module) {
       .def_readwrite("johnson_percentiles", &FitJob::johnsonPercentiles)
       .def_readwrite("bootstrap", &FitJob::bootstrap)
       .def_readwrite("bootstrap_seed", &FitJob::bootstrapSeed)
+      .def_readwrite("weights", &FitJob::weights)
+      .def_readwrite("select", &FitJob::select)
       .def_readwrite("save", &FitJob::save)
+      .def_readwrite("graphs", &FitJob::graphs)
       .def_readwrite("truncate", &FitJob::truncate)
       .def_readwrite("order", &FitJob::order)
-      .def("check", [](const FitJob& j) { RequireNone(j.Check()); })
+      .def("check", &Check<FitJob>)
       .def("run", &Fit)
-      .def("specify_saving", &SpecifySaving);
+      .def("keep", &KeepFits)
+      .def("save_fits", &SaveFitted);
+  DefineData(job);
 }
 
 void BindSimulateJob(py::module_& module) {
-  py::class_<SimulateJob>(module, "SimulateJob")
-      .def(py::init<>())
+  py::class_<SimulateJob> job(module, "SimulateJob");
+  job.def(py::init<>())
       .def_readwrite("variables", &SimulateJob::variables)
       .def_readwrite("method", &SimulateJob::method)
       .def_readwrite("samples", &SimulateJob::samples)
       .def_readwrite("seed", &SimulateJob::seed)
       .def_readwrite("truncate", &SimulateJob::truncate)
       .def_readwrite("matrix", &SimulateJob::matrix)
-      .def("check", [](const SimulateJob& job) { RequireNone(job.Check()); })
-      .def("choose_seed", &SimulateJob::ChooseSeed)
-      .def("specify", &SpecifySimulation);
+      .def("check", &Check<SimulateJob>)
+      .def("run", &Simulate);
+  DefineData(job);
+}
+
+void BindProfileJob(py::module_& module) {
+  py::class_<ProfileJob> job(module, "ProfileJob");
+  py::class_<ProfileJob::Noise>(job, "Noise").def(py::init<std::string, double>());
+  py::class_<ProfileJob::Fixed>(job, "Fixed").def(py::init<std::string, double>());
+  py::class_<ProfileJob::Truncation>(job, "Truncation").def(py::init<std::string, double, double>());
+  py::class_<ProfileJob::Specification>(job, "Specification")
+      .def(py::init([](std::string response, std::optional<double> lower, std::optional<double> target,
+                       std::optional<double> upper) {
+        SpecificationLimits limits;
+        limits.lower = lower.value_or(limits.lower);
+        limits.target = target.value_or(limits.target);
+        limits.upper = upper.value_or(limits.upper);
+        return ProfileJob::Specification{std::move(response), limits};
+      }));
+  job.def(py::init<>())
+      .def_readwrite("models", &ProfileJob::models)
+      .def_readwrite("formulas", &ProfileJob::formulas)
+      .def_readwrite("samples", &ProfileJob::samples)
+      .def_readwrite("seed", &ProfileJob::seed)
+      .def_readwrite("correlated", &ProfileJob::correlated)
+      .def_readwrite("fit_best", &ProfileJob::fitBest)
+      .def_readwrite("noise", &ProfileJob::noise)
+      .def_readwrite("specifications", &ProfileJob::specifications)
+      .def_readwrite("fixed", &ProfileJob::fixed)
+      .def_readwrite("truncate", &ProfileJob::truncate)
+      .def_readwrite("output", &ProfileJob::output)
+      .def_readwrite("graphs", &ProfileJob::graphs)
+      .def("check", &Check<ProfileJob>)
+      .def("run", &Profile);
+  DefineData(job);
+}
+
+void BindScoreJob(py::module_& module) {
+  py::class_<ScoreJob> job(module, "ScoreJob");
+  job.def(py::init<>())
+      .def_readwrite("model", &ScoreJob::model)
+      .def_readwrite("probabilities", &ScoreJob::probabilities)
+      .def_readwrite("leave_invalid", &ScoreJob::leaveInvalid)
+      .def("check", &Check<ScoreJob>)
+      .def("run", &Score, InHost());
+  DefineData(job);
 }
 
 }  // namespace
@@ -226,6 +297,8 @@ void BindSimulateJob(py::module_& module) {
 void BindJobs(py::module_& module) {
   BindFitJob(module);
   BindSimulateJob(module);
+  BindProfileJob(module);
+  BindScoreJob(module);
   module.attr("NotSet") = kNotSet;
   module.def(
       "_take_former_properties",
@@ -235,7 +308,6 @@ void BindJobs(py::module_& module) {
       },
       InHost());
   module.def("_code_of", &CodeOf);
-  module.def("_induces_correlation", &InducesCorrelation);
   module.def("_save_fits", &SaveFitsOf, InHost());
   module.def(
       "_fitted_sheet",
@@ -253,10 +325,8 @@ void BindJobs(py::module_& module) {
         WriteFitGraphs(analysis->Analysis(), path, TheJob());
       },
       InHost());
-  module.def("_fit_results", &FitResults);
   module.def("_import", &Import, InHost());
   module.def("_export", &Export, InHost());
-  module.def("_score", &Score, InHost());
   module.def(
       "_matrix_from_table",
       [](const Sheet& table) {

@@ -61,7 +61,7 @@ void Try(const std::function<void()>& work, const std::function<std::string()>& 
   }
 }
 
-Outcome TryInHost(AnalysisRef* analysis, const std::function<void()>& work,
+Outcome TryInHost(const std::shared_ptr<AnalysisRef>& analysis, const std::function<void()>& work,
                   const std::function<std::string()>& method) {
   const HostCall call;
   const std::size_t shown = analysis != nullptr ? analysis->Interface().Messages().size() : 0;
@@ -92,7 +92,7 @@ void SayWhy(Outcome& outcome) {
 
 }  // namespace
 
-void CarryOut(AnalysisRef* analysis, const std::function<void()>& work,
+void CarryOut(const std::shared_ptr<AnalysisRef>& analysis, const std::function<void()>& work,
               const std::function<std::string()>& method) {
   Outcome outcome = TryInHost(analysis, work, method);
   if (analysis != nullptr) analysis->Interface().ThrowIfInterrupted();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "bindings/python/analysis.h"
@@ -10,9 +11,9 @@ namespace brenvolt::python {
 
 // Does the work in the host's turn. An interruption ends it before all else. Messages shown meanwhile become
 // warnings, except the one that says why it failed; a failure becomes the package's Error, of which `method`
-// names the call that failed where the host does not know. `analysis` may be null.
+// names the call that failed where the host does not know. `analysis` may be null, or made by the work.
 void CarryOut(
-    AnalysisRef* analysis, const std::function<void()>& work,
+    const std::shared_ptr<AnalysisRef>& analysis, const std::function<void()>& work,
     const std::function<std::string()>& method = [] { return std::string(); });
 
 }  // namespace brenvolt::python

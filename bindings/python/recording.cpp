@@ -116,12 +116,18 @@ void RefuseRecordedChange(const std::shared_ptr<SheetRef>& sheet) {
   throw Error("a change of data cannot be recorded", "sheet " + sheet->Sheet().Name());
 }
 
+void RecordAsInput(const std::shared_ptr<SheetRef>& sheet) {
+  if (Current() == nullptr || sheet == nullptr) return;
+  Keep(sheet);
+  MacroRecorder& recorder = Current()->recorder;
+  if (sheet->Document() != nullptr && !recorder.Knows(sheet.get()))
+    recorder.Know(sheet.get(), RecordedName(sheet));
+}
+
 void RecordStarted(AnalysisRef& analysis) {
   if (Current() == nullptr) return;
   const std::shared_ptr<SheetRef> sheet = analysis.Input();
-  MacroRecorder& recorder = Current()->recorder;
-  if (sheet->Document() != nullptr) recorder.Know(sheet.get(), RecordedName(sheet));
-  Keep(sheet);
+  RecordAsInput(sheet);
   TheJob().Started(sheet.get(), analysis.Analysis());
   Current()->analyses.insert(&analysis);
 }

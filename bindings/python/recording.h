@@ -41,6 +41,8 @@ void RefuseRecordedChange(const std::shared_ptr<SheetRef>& sheet);
 void RecordStarted(AnalysisRef& analysis);
 // A document that an analysis showed after `place` others.
 void RecordShown(AnalysisRef& analysis, std::size_t place, const Variant::Object& document);
+// A sheet that a job works on; it may be null. Throws Error if it is the table of a document that the macro cannot name.
+void RecordAsInput(const std::shared_ptr<SheetRef>& sheet);
 // A document that is made of a sheet to be passed to a call.
 void RecordPassed(const std::shared_ptr<SheetRef>& sheet, const Variant::Object& document);
 // The analysis no longer exists.

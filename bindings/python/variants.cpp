@@ -31,13 +31,6 @@ struct PythonMaker {
   }
 };
 
-Variant::Object DocumentOf(const std::shared_ptr<SheetRef>& sheet) {
-  if (sheet->Document() != nullptr) return sheet->Document();
-  auto document = std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(sheet->Sheet()));
-  RecordPassed(sheet, document);
-  return document;
-}
-
 // How deep sequences may lie in each other; a list that holds itself has no end.
 constexpr int kMostDepth = 32;
 
@@ -99,12 +92,20 @@ Variant From(const py::handle& value, int depth) {
   if (PyIndex_Check(value.ptr())) return IntegerFrom(value);
   if (py::isinstance<py::str>(value)) return TextFrom(value);
   if (py::hasattr(value, "_automation")) return value.attr("_automation").cast<AutomationRef>().object;
-  if (py::isinstance<SheetRef>(value)) return DocumentOf(value.cast<std::shared_ptr<SheetRef>>());
+  if (py::isinstance<SheetRef>(value))
+    return Variant::Object(DocumentOf(value.cast<std::shared_ptr<SheetRef>>()));
   if (py::isinstance<py::sequence>(value)) return ArrayFrom(value, depth);
   return NumberFrom(value);
 }
 
 }  // namespace
+
+std::shared_ptr<CAnalysisTableDoc> DocumentOf(const std::shared_ptr<SheetRef>& sheet) {
+  if (sheet->Document() != nullptr) return sheet->Document();
+  auto document = std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(sheet->Sheet()));
+  RecordPassed(sheet, document);
+  return document;
+}
 
 py::object ToPython(const Variant& value, const std::shared_ptr<AnalysisRef>& analysis) {
   return value.Visit(PythonMaker{analysis});

@@ -2,6 +2,7 @@
 
 #include "host/automation/variable_list.h"
 #include "host/base/interruption.h"
+#include "host/base/quoted.h"
 
 namespace brenvolt {
 
@@ -36,13 +37,18 @@ AnalysisSession::Shown AnalysisSession::ShownSince(std::size_t count) const {
   return shown;
 }
 
-std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const std::string> names) {
+std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const std::string> names,
+                                    const std::string& field) {
+  JobFaults faults;
   std::vector<std::int16_t> numbers;
   for (const std::string& name : names) {
-    const auto index = sheet.FindVariable(name);
-    if (!index) throw Error("no variable called '" + name + "'", "sheet " + sheet.Name());
-    numbers.push_back(VariableNumberOf(*index));
+    if (const auto index = sheet.FindVariable(name)) {
+      numbers.push_back(VariableNumberOf(*index));
+    } else {
+      faults.push_back({field, "sheet " + sheet.Name() + " has no variable called " + Quoted(name)});
+    }
   }
+  RequireNone(std::move(faults));
   return numbers;
 }
 

@@ -12,6 +12,7 @@
 #include "host/analysis/program_interface.h"
 #include "host/application/application.h"
 #include "host/base/error.h"
+#include "host/jobs/job_fault.h"
 
 namespace brenvolt {
 
@@ -74,9 +75,10 @@ class AnalysisSession {
   std::unique_ptr<CAnalysisSupport> analysis_;
 };
 
-// The numbers (from 1) of variables by name, as dialogs take them. Throws Error for a name that the sheet
-// does not have.
-std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const std::string> names);
+// The numbers (from 1) of variables by name, as dialogs take them. A name that the sheet does not have is a fault of
+// the job's field that gives it: throws WrongJob.
+std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const std::string> names,
+                                    const std::string& field);
 Variant AsVariant(std::span<const std::int16_t> numbers);
 // A number that has been checked to be whole.
 inline std::int32_t AsInteger(double whole) {

@@ -4,6 +4,7 @@
 
 #include "host/analysis/result_table.h"
 #include "host/base/almost_equal.h"
+#include "host/base/error.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/project_files.h"
 
@@ -82,43 +83,9 @@ void PutBound(AutomationObject& dialog, std::int32_t place, const std::string& e
   dialog.Put("UserDefinedTrunc" + end, place, bound.value_or(kNotSet));
 }
 
-// Case weights and selection for good; an empty text takes away what the project holds.
-void ApplyCaseOptions(const FitJob& job, Spreadsheet& sheet, JobRecorder& recorder) {
-  if (job.weights && job.weights->empty()) sheet.SetWeightVariable(std::nullopt);
-  if (job.weights && !job.weights->empty())
-    sheet.SetWeightVariable(static_cast<std::size_t>(NumbersOf(sheet, {&*job.weights, 1}).front() - 1));
-  if (job.select && job.select->empty()) sheet.SetSelection({});
-  if (job.select && !job.select->empty()) ApplySelection(sheet, *job.select);
-  const auto orNone = [](const std::optional<std::string>& text) {
-    return text->empty() ? std::nullopt : text;
-  };
-  if (job.weights) recorder.Set(&sheet, "weight_variable", orNone(job.weights));
-  if (job.select) recorder.Set(&sheet, "selection", orNone(job.select));
-}
-
-// Opens the data, and gives them what the project holds of them that they are to be saved in: truncations and
-// other variables' fits are part of what is saved.
-void Open(const FitJob& job, FitRun& run, JobRecorder& recorder) {
-  run.data = OpenDataFile(job.data.file, job.data.Format());
-  run.sheet = &run.data.Sheet(job.data.sheet);
-  recorder.Opened(job.data.file, job.data.decimalComma, &run.data.workbook);
-  recorder.Took(&run.data.workbook, run.data.isProject ? run.sheet->Name() : "", run.sheet);
-  if (!job.save.empty() && !IsSavedAs(run.data, job.save)) {
-    TakeFormerProperties(job.save, *run.sheet);
-    recorder.Called(nullptr, "TakeFormerProperties", {recorder.NameOf(run.sheet), PythonPath(job.save)});
-  }
-  ApplyCaseOptions(job, *run.sheet, recorder);
-}
-
-// Puts the fits on the sheet's variables, and the sheet with its correlation matrix into the project.
-void Save(const FitJob& job, FitRun& run, JobRecorder& recorder) {
-  const auto dialog = run.session->Dialog();
-  job.SpecifySaving(*dialog, run.variables);
-  const Variant document = dialog->Get("SaveDistributionFit");
-  SaveFits(*run.sheet, std::make_unique<Spreadsheet>(TableOf(document)), &run.data, job.save);
-  recorder.Called(
-      nullptr, "SaveFits",
-      {recorder.NameOf(run.sheet), recorder.NameOf(document.ToObject().get()), PythonPath(job.save)});
+// What is put where a project is asked to have none.
+std::optional<std::string> OrNone(const std::string& text) {
+  return text.empty() ? std::nullopt : std::optional(text);
 }
 
 }  // namespace
@@ -135,22 +102,69 @@ bool FitJob::Tries(const FittedType& type) const {
          });
 }
 
-void FitJob::SpecifySaving(AutomationObject& results, const std::vector<std::string>& fitted) const {
+// An empty text takes away what the sheet has.
+void FitJob::ApplyCaseOptions(Spreadsheet& sheet) const {
+  if (weights && weights->empty()) sheet.SetWeightVariable(std::nullopt);
+  if (weights && !weights->empty())
+    sheet.SetWeightVariable(
+        static_cast<std::size_t>(NumbersOf(sheet, {&*weights, 1}, "weights").front() - 1));
+  if (select && select->empty()) sheet.SetSelection({});
+  if (!select || select->empty()) return;
+  try {
+    ApplySelection(sheet, *select);
+  } catch (const Error& error) {
+    throw WrongJob("select", error.Where() + ": " + error.what());
+  }
+}
+
+Table FitJob::Keep(AnalysisSession& session, Spreadsheet& sheet,
+                   const std::vector<std::string>& fitted) const {
   RequireNone(CheckSaving(fitted));
+  const FormerConditions former(sheet);
+  ApplyCaseOptions(sheet);
+  const auto results = session.Dialog();
   for (const Truncation& one : truncate) {
-    PutBound(results, PlaceOf(one.variable, fitted), "Min", one.low);
-    PutBound(results, PlaceOf(one.variable, fitted), "Max", one.high);
+    PutBound(*results, PlaceOf(one.variable, fitted), "Min", one.low);
+    PutBound(*results, PlaceOf(one.variable, fitted), "Max", one.high);
   }
   for (const Order& one : order)
-    results.Put("DistributionOrder", PlaceOf(one.variable, fitted), CodesOf(one.distributions));
+    results->Put("DistributionOrder", PlaceOf(one.variable, fitted), CodesOf(one.distributions));
+  const Variant matrix = session.Attempt([&] { return results->Get("SaveDistributionFit"); });
+  static_cast<void>(TableOf(matrix));
+  return std::dynamic_pointer_cast<CAnalysisTableDoc>(matrix.ToObject());
+}
+
+// Truncations and other variables' fits that the project holds are part of what is saved in it.
+void FitJob::TakeFormer(const JobInput& input, JobRecorder& recorder) const {
+  if (input.home != nullptr && IsSavedAs(*input.home, save)) return;
+  TakeFormerProperties(save, input.sheet);
+  recorder.Called(nullptr, "TakeFormerProperties", {recorder.NameOf(input.recorded), PythonPath(save)});
+}
+
+// Puts the sheet with its correlation matrix into the project.
+void FitJob::SaveKept(const JobInput& input, const Table& matrix, JobRecorder& recorder) const {
+  SaveFits(input.sheet, std::make_unique<Spreadsheet>(matrix->Table()), input.home, save);
+  recorder.Called(nullptr, "SaveFits",
+                  {recorder.NameOf(input.recorded), recorder.NameOf(matrix.get()), PythonPath(save)});
+}
+
+void FitJob::Save(const JobInput& input, AnalysisSession& session, const std::vector<std::string>& fitted,
+                  JobRecorder& recorder) const {
+  JobFaults faults = CheckSaving(fitted);
+  CheckProjectEnding("save", save, faults);
+  RequireNone(std::move(faults));
+  TakeFormer(input, recorder);
+  const Table matrix = Keep(session, input.sheet, fitted);
+  const FormerConditions former(input.sheet);
+  ApplyCaseOptions(input.sheet);
+  SaveKept(input, matrix, recorder);
 }
 
 std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet& sheet) const {
-  RequireNone(Check());
   const Variables fitted = Choose(variables, sheet, session.Interface());
   RequireNone(CheckVariables(fitted));
-  const auto continuous = NumbersOf(sheet, fitted.continuous);
-  const auto discrete = NumbersOf(sheet, fitted.discrete);
+  const auto continuous = NumbersOf(sheet, fitted.continuous, "continuous");
+  const auto discrete = NumbersOf(sheet, fitted.discrete, "discrete");
   session.Begin(Task::kFit);
   const auto dialog = session.Dialog();
   dialog->Put("ContinuousVariable", AsVariant(continuous));
@@ -167,14 +181,29 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
   return fitted.All();
 }
 
+std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorder) const {
+  RequireNone(Check());
+  std::optional<FormerConditions> former;
+  if (input.isLent) former.emplace(input.sheet);
+  if (!save.empty()) TakeFormer(input, recorder);
+  ApplyCaseOptions(input.sheet);
+  if (weights) recorder.Set(input.recorded, "weight_variable", OrNone(*weights));
+  if (select) recorder.Set(input.recorded, "selection", OrNone(*select));
+  AnalysisSession& session = input.start();
+  std::vector<std::string> fitted = Fit(session, input.sheet);
+  if (!save.empty()) SaveKept(input, Keep(session, input.sheet, fitted), recorder);
+  if (!graphs.empty()) WriteFitGraphs(session.Analysis(), graphs, recorder);
+  return fitted;
+}
+
 FitRun FitJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   FitRun run;
-  Open(*this, run, recorder);
-  run.Start(interface, recorder);
-  run.variables = Fit(*run.session, *run.sheet);
-  if (!save.empty()) Save(*this, run, recorder);
-  if (!graphs.empty()) WriteFitGraphs(run.session->Analysis(), graphs, recorder);
+  run.data = OpenDataFile(data.file, data.Format());
+  run.sheet = &run.data.Sheet(data.sheet);
+  recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
+  recorder.Took(&run.data.workbook, run.data.isProject ? run.sheet->Name() : "", run.sheet);
+  run.variables = Run(run.Input(interface, recorder), recorder);
   return run;
 }
 

@@ -78,17 +78,24 @@ struct FitJob {
   JobFaults Check() const;
   // The whole job, from the file of the data. Throws WrongJob before anything is done, JobFailed, and Error.
   FitRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
-  // The fit alone, of the sheet of a session whose startup dialog is open; afterwards the results dialog is.
-  // Returns the variables in the order of the results. Throws the same.
-  std::vector<std::string> Fit(AnalysisSession& session, const Spreadsheet& sheet) const;
-  // Puts bounds and orders into the dialog of the results, which shows the variables `fitted`. Throws
-  // WrongJob.
-  void SpecifySaving(AutomationObject& results, const std::vector<std::string>& fitted) const;
+  // The same from data that are open: returns the variables in the order of the results, which are those of
+  // the open dialog then.
+  std::vector<std::string> Run(const JobInput& input, JobRecorder& recorder) const;
+  // Puts the fits of the variables `fitted`, which the open dialog shows, on the variables of the sheet as
+  // properties, with bounds and orders, and returns the document of their correlation matrix. Throws the same.
+  Table Keep(AnalysisSession& session, Spreadsheet& sheet, const std::vector<std::string>& fitted) const;
+  // Saves fits that were not saved when the job was run.
+  void Save(const JobInput& input, AnalysisSession& session, const std::vector<std::string>& fitted,
+            JobRecorder& recorder) const;
 
  private:
   // What those reveal who know which variables are fitted.
   JobFaults CheckVariables(const Variables& fitted) const;
   JobFaults CheckSaving(const std::vector<std::string>& fitted) const;
+  void ApplyCaseOptions(Spreadsheet& sheet) const;
+  void SaveKept(const JobInput& input, const Table& matrix, JobRecorder& recorder) const;
+  void TakeFormer(const JobInput& input, JobRecorder& recorder) const;
+  std::vector<std::string> Fit(AnalysisSession& session, const Spreadsheet& sheet) const;
 };
 
 }  // namespace brenvolt

@@ -3,7 +3,9 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "host/jobs/analysis_session.h"
@@ -22,17 +24,46 @@ struct JobData {
 // A seed for a job that was given none, from 1 to 2147483647, from the system's source of random numbers: jobs that
 // start within one tick of the clock differ, too.
 std::int32_t DrawSeed();
+// The seed that a job was given, which has been checked, or else a drawn one.
+inline std::int32_t ChosenSeed(const std::optional<double>& given) {
+  return given ? AsInteger(*given) : DrawSeed();
+}
 
-// The results are those of the open dialog.
+// Data that are open: what a job works on, whichever front end holds them.
+struct JobInput {
+  Spreadsheet& sheet;
+  DataFile* home;                           // the workbook that the sheet lies in; null where there is none
+  const void* recorded;                     // the object that the sheet is for the recorder
+  std::function<AnalysisSession&()> start;  // an analysis over the sheet, whose startup dialog is open
+  bool isLent = false;  // the sheet keeps its own case weights and selection when the job has ended
+};
+
+// What limits and weighs the cases of a sheet, put back as it was at the end of the scope.
+class FormerConditions {
+ public:
+  explicit FormerConditions(Spreadsheet& sheet)
+      : sheet_(sheet), weight_(sheet.WeightVariable()), selection_(sheet.Selection()) {}
+  FormerConditions(const FormerConditions&) = delete;
+  FormerConditions& operator=(const FormerConditions&) = delete;
+  ~FormerConditions();
+
+ private:
+  Spreadsheet& sheet_;
+  std::optional<std::size_t> weight_;
+  CaseSelection selection_;
+};
+
+// What a job leaves that opened its data itself. The results are those of the open dialog.
 struct JobRun {
   DataFile data;
   Spreadsheet* sheet = nullptr;  // lies in the data
   std::unique_ptr<AnalysisSession> session;
 
-  // Starts the analysis over the sheet.
-  void Start(ProgramInterface& interface, JobRecorder& recorder);
-  // A macro may name what the analysis has shown.
-  void RecordShown(JobRecorder& recorder);
+  // The sheet, once it is open, as input of a job. What is referred to must outlive the input.
+  JobInput Input(ProgramInterface& interface, JobRecorder& recorder);
 };
+
+// A macro may name what the analysis has shown.
+void RecordShown(AnalysisSession& session, JobRecorder& recorder);
 
 }  // namespace brenvolt

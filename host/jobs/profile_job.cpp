@@ -258,32 +258,38 @@ std::string WriteSimulated(const std::filesystem::path& path, const Table& simul
 }  // namespace
 
 // The files are written when all results are there.
-ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
+ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   RefuseReplacedProject(output);
   if (!graphs.empty()) RefuseProjectTarget(graphs);
   if (!graphs.empty() && recorder.IsRecording()) throw WrongJob("graphs", "graphs cannot be recorded");
+  ProfileFindings found;
+  found.seed = ChosenSeed(seed);
+  Profiler profiler(*this, found.seed, input.start());
+  profiler.Prepare();
+  found.simulated = profiler.Simulate();
+  found.results.runs = static_cast<std::int64_t>(samples);
+  std::optional<Graph> defectProfile;
+  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+    found.results.responses.push_back(profiler.ResultsOf(i));
+    if (!profiler.IsSpecified(i) || found.results.defects) continue;
+    Table defects;
+    std::tie(defects, defectProfile) = profiler.Defects(i);
+    TakeDefects(*defects, found.results);
+  }
+  found.outputSheet = WriteSimulated(output, found.simulated, recorder);
+  if (!graphs.empty()) WriteGraphs(graphs, profiler, defectProfile);
+  return found;
+}
+
+ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
+  RequireNone(Check());
   ProfileRun run;
   run.data = OpenDataFile(data.file, data.Format());
   run.sheet = &run.data.Sheet(data.sheet);
   recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
   recorder.Took(&run.data.workbook, data.sheet, run.sheet);
-  run.Start(interface, recorder);
-  run.seed = seed ? AsInteger(*seed) : DrawSeed();
-  Profiler profiler(*this, run.seed, *run.session);
-  profiler.Prepare();
-  const Table simulated = profiler.Simulate();
-  run.results.runs = static_cast<std::int64_t>(samples);
-  std::optional<Graph> defectProfile;
-  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
-    run.results.responses.push_back(profiler.ResultsOf(i));
-    if (!profiler.IsSpecified(i) || run.results.defects) continue;
-    Table defects;
-    std::tie(defects, defectProfile) = profiler.Defects(i);
-    TakeDefects(*defects, run.results);
-  }
-  run.outputSheet = WriteSimulated(output, simulated, recorder);
-  if (!graphs.empty()) WriteGraphs(graphs, profiler, defectProfile);
+  static_cast<ProfileFindings&>(run) = Run(run.Input(interface, recorder), recorder);
   return run;
 }
 

@@ -14,11 +14,14 @@
 
 namespace brenvolt {
 
-struct ProfileRun : JobRun {
+struct ProfileFindings {
   ProfileResults results;
+  Table simulated;          // a row per run
   std::string outputSheet;  // the sheet of the simulated runs where they went into a project
   std::int32_t seed = 0;    // given or drawn: the same seed gives the same runs
 };
+
+struct ProfileRun : JobRun, ProfileFindings {};
 
 struct ProfileJob {
   struct Noise {
@@ -58,6 +61,8 @@ struct ProfileJob {
   // The whole job. Throws WrongJob, also if the models reveal that a response or predictor is not one,
   // JobFailed, and Error.
   ProfileRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
+  // The same from a sheet that is open.
+  ProfileFindings Run(const JobInput& input, JobRecorder& recorder) const;
 };
 
 }  // namespace brenvolt

@@ -9,16 +9,11 @@ namespace brenvolt {
 JobFaults ScoreJob::Check() const {
   JobFaults faults;
   if (model.empty()) faults.push_back({"model", "missing model file"});
-  if (data.file.empty()) faults.push_back({"data", "missing data file"});
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
 
-Spreadsheet ScoreJob::Score() const {
-  RequireNone(Check());
-  const PredictionModel prediction = PredictionModel::Load(model);
-  DataFile file = OpenDataFile(data.file, data.Format());
-  const Spreadsheet& cases = file.Sheet(data.sheet);
+Spreadsheet ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet& cases) const {
   if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
   ScoreOptions options;
   options.classProbabilities = probabilities;
@@ -26,12 +21,25 @@ Spreadsheet ScoreJob::Score() const {
   return prediction.Score(cases, prediction.Name(), options);
 }
 
-void ScoreJob::Record(JobRecorder& recorder, const void* predictions) const {
+Spreadsheet ScoreJob::Score() const {
+  RequireNone(Check());
+  const PredictionModel prediction = PredictionModel::Load(model);
+  DataFile file = OpenDataFile(data.file, data.Format());
+  return Predict(prediction, file.Sheet(data.sheet));
+}
+
+Spreadsheet ScoreJob::Score(const Spreadsheet& cases) const {
+  RequireNone(Check());
+  return Predict(PredictionModel::Load(model), cases);
+}
+
+void ScoreJob::Record(JobRecorder& recorder, const void* predictions, const void* cases) const {
+  if (!recorder.IsRecording()) return;
   recorder.Gave(
       "predictions", nullptr, "Score",
-      {PythonPath(model), PythonPath(data.file), data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet),
-       probabilities ? "probabilities=True" : "", leaveInvalid ? "leave_invalid=True" : "",
-       DecimalCommaArgument(data.decimalComma)},
+      {PythonPath(model), cases != nullptr ? recorder.NameOf(cases) : PythonPath(data.file),
+       data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet), probabilities ? "probabilities=True" : "",
+       leaveInvalid ? "leave_invalid=True" : "", DecimalCommaArgument(data.decimalComma)},
       predictions);
 }
 

@@ -8,6 +8,8 @@
 
 namespace brenvolt {
 
+class PredictionModel;
+
 struct ScoreJob {
   std::filesystem::path model;
   JobData data;
@@ -18,11 +20,16 @@ struct ScoreJob {
   JobFaults Check() const;
   // The predictions, a case each, which are written where `output` says. Throws WrongJob and Error.
   Spreadsheet Run(JobRecorder& recorder) const;
-  // The predictions alone. The model is read first: a file that is not a model is the nearer fault than one
-  // of its data.
+  // The same of the file of the data, or of a sheet that is open; nothing is written. The model is read first: a file
+  // that is not a model is the nearer fault than one of its data.
   Spreadsheet Score() const;
-  // A macro's line "predictions = application.Score(…)", of which `predictions` is the result.
-  void Record(JobRecorder& recorder, const void* predictions) const;
+  Spreadsheet Score(const Spreadsheet& cases) const;
+  // A macro's line "predictions = application.Score(…)", of which `predictions` is the result. `cases` is the open
+  // sheet for the recorder; null where the data are a file.
+  void Record(JobRecorder& recorder, const void* predictions, const void* cases = nullptr) const;
+
+ private:
+  Spreadsheet Predict(const PredictionModel& prediction, const Spreadsheet& cases) const;
 };
 
 }  // namespace brenvolt

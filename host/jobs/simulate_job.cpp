@@ -11,42 +11,47 @@ namespace {
 
 constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
 
-void PutMatrix(const SimulateJob& job, SimulationRun& run, std::unique_ptr<Spreadsheet> matrix,
-               JobRecorder& recorder) {
-  if (matrix == nullptr) return;
-  const Variant::Object document = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
-  const std::string sheet = recorder.NameOf(run.sheet);
+// The document of a matrix that the job found, which a macro finds in the same way.
+Table FoundMatrix(const SimulateJob& job, std::unique_ptr<Spreadsheet> matrix, const JobInput& input,
+                  JobRecorder& recorder) {
+  if (matrix == nullptr) return nullptr;
+  auto document = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
+  const std::string sheet = recorder.NameOf(input.recorded);
   if (job.matrix.empty()) {
     recorder.Gave("matrix", nullptr, "SavedMatrix", {sheet}, document.get());
   } else {
     recorder.Gave("matrix", nullptr, "NamedMatrix", {PythonText(job.matrix), sheet}, document.get());
   }
-  run.session->Dialog()->Put("CorrelationMatrix", document);
+  return document;
 }
 
-// The run shows its output, then a repaired matrix; its results show the summary, then correlations.
-void RunToSheet(SimulationRun& run) {
-  AnalysisSession& session = *run.session;
+// The run shows its output, then a repaired matrix.
+void RunToSheet(AnalysisSession& session, SimulationFindings& found) {
   session.Ok();
   const auto produced = session.ShownSince(0).tables;
   if (produced.empty()) return;
-  run.output = produced.front();
-  if (produced.size() > 1) run.repairedMatrix = produced.back();
+  found.output = produced.front();
+  if (produced.size() > 1) found.repairedMatrix = produced.back();
+}
+
+// The results show the summary, then correlations.
+void Summarize(AnalysisSession& session, SimulationFindings& found) {
+  const std::size_t before = session.Interface().Documents().size();
   session.Ok();
-  const auto results = session.ShownSince(produced.size()).tables;
-  run.summary = results.front();
-  if (results.size() > 1) run.correlations = results.back();
+  const auto results = session.ShownSince(before).tables;
+  found.summary = results.front();
+  if (results.size() > 1) found.correlations = results.back();
 }
 
-void RunToFile(SimulationRun& run, const std::filesystem::path& file) {
+void RunToFile(AnalysisSession& session, const std::filesystem::path& file, SimulationFindings& found) {
   const Variant name(file.string());
-  const Variant::Object summary = run.session->Attempt([&] {
-    return run.session->Dialog()->Get("SimulationFile", {&name, 1}).ToObject();
+  const Variant::Object summary = session.Attempt([&] {
+    return session.Dialog()->Get("SimulationFile", {&name, 1}).ToObject();
   });
-  run.summary = std::dynamic_pointer_cast<CAnalysisTableDoc>(summary);
+  found.summary = std::dynamic_pointer_cast<CAnalysisTableDoc>(summary);
 }
 
-void WriteIntoProject(const std::filesystem::path& path, SimulationRun& run, JobRecorder& recorder) {
+void WriteIntoProject(const std::filesystem::path& path, SimulationFindings& run, JobRecorder& recorder) {
   std::vector<Table> tables{run.output};
   if (run.repairedMatrix != nullptr) tables.push_back(run.repairedMatrix);
   const auto names = AppendTables(path, tables, recorder);
@@ -56,7 +61,7 @@ void WriteIntoProject(const std::filesystem::path& path, SimulationRun& run, Job
 
 // Writes what is not written yet. A repaired matrix goes with the data: "x.csv" and
 // "x-repaired-matrix.csv".
-void Write(const std::filesystem::path& path, SimulationRun& run, JobRecorder& recorder) {
+void Write(const std::filesystem::path& path, SimulationFindings& run, JobRecorder& recorder) {
   run.file = path;
   if (path.empty()) return;
   if (HasProjectEnding(path)) {
@@ -87,50 +92,60 @@ JobFaults SimulateJob::Check() const {
   return faults;
 }
 
-void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet) const {
-  RequireNone(Check());
+// Those of the iman-conover methods follow one.
+std::unique_ptr<Spreadsheet> SimulateJob::FindMatrix(const JobInput& input) const {
+  if (!InducesCorrelation(method) || givenMatrix != nullptr) return nullptr;
+  const Workbook none;
+  const Workbook& project = input.home != nullptr ? input.home->workbook : none;
+  return matrix.empty() ? SavedMatrix(project, input.sheet)
+                        : NamedMatrix(matrix, project, "matrix " + matrix);
+}
+
+void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const {
   session.Begin(Task::kSimulate);
   const auto dialog = session.Dialog();
-  if (!variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, variables)));
+  if (!variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, variables, "variables")));
   dialog->Put(kSimulationMethods.at(method), true);
   dialog->Put("NumberOfSamples", AsInteger(samples));
-  dialog->Put("IsSeedRandomNumber", seed.has_value());
-  if (seed) dialog->Put("RandomSeedNumber", AsInteger(*seed));
+  dialog->Put("IsSeedRandomNumber", true);
+  dialog->Put("RandomSeedNumber", chosenSeed);
   dialog->Put("TruncateSimulationData", truncate);
 }
 
-void SimulateJob::ChooseSeed() {
-  if (!seed) seed = DrawSeed();
+SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder) const {
+  RequireNone(Check());
+  RefuseReplacedProject(output);
+  SimulationFindings found;
+  found.seed = ChosenSeed(seed);
+  std::unique_ptr<Spreadsheet> chosen = FindMatrix(input);
+  AnalysisSession& session = input.start();
+  Specify(session, input.sheet, found.seed);
+  const Table follows =
+      givenMatrix != nullptr ? givenMatrix : FoundMatrix(*this, std::move(chosen), input, recorder);
+  if (InducesCorrelation(method) && follows != nullptr)
+    session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
+  const bool toSheet = keepsSamples || InducesCorrelation(method) || HasProjectEnding(output);
+  if (toSheet) {
+    RunToSheet(session, found);
+  } else {
+    RunToFile(session, output, found);
+  }
+  if (found.output == nullptr && found.summary == nullptr)
+    throw Error("nothing was produced: this method has no generator", method);
+  if (toSheet && !keepsSamples) Summarize(session, found);
+  RecordShown(session, recorder);
+  Write(output, found, recorder);
+  return found;
 }
 
 SimulationRun SimulateJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
-  RefuseReplacedProject(output);
-  SimulateJob seeded = *this;
-  seeded.ChooseSeed();
   SimulationRun run;
-  run.seed = AsInteger(*seeded.seed);
   run.data = OpenProject(data.file);
   run.sheet = &FittedSheet(run.data, data.sheet);
-  const bool isCorrelated = InducesCorrelation(method);
-  std::unique_ptr<Spreadsheet> chosen;
-  if (isCorrelated) {
-    chosen = matrix.empty() ? SavedMatrix(run.data.workbook, *run.sheet)
-                            : NamedMatrix(matrix, run.data.workbook, "matrix " + matrix);
-  }
   recorder.Opened(data.file, false, &run.data.workbook);
   recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
-  run.Start(interface, recorder);
-  seeded.Specify(*run.session, *run.sheet);
-  PutMatrix(*this, run, std::move(chosen), recorder);
-  if (isCorrelated || HasProjectEnding(output)) {
-    RunToSheet(run);
-  } else {
-    RunToFile(run, output);
-  }
-  if (run.summary == nullptr) return run;
-  run.RecordShown(recorder);
-  Write(output, run, recorder);
+  static_cast<SimulationFindings&>(run) = Run(run.Input(interface, recorder), recorder);
   return run;
 }
 

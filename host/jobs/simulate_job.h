@@ -14,10 +14,10 @@ namespace brenvolt {
 
 // What a run produced; null what it did not. The data of the methods without correlation go to their file
 // while they are drawn, so they have no document unless they go into a project.
-struct SimulationRun : JobRun {
+struct SimulationFindings {
   Table output;
   Table repairedMatrix;
-  Table summary;  // null: the method has no generator
+  Table summary;
   Table correlations;
   // Where the data went, and a repaired matrix with them: sheets if the file is a project.
   std::filesystem::path file;
@@ -27,6 +27,8 @@ struct SimulationRun : JobRun {
   std::int32_t seed = 0;  // given or drawn: the same seed gives the same samples
 };
 
+struct SimulationRun : JobRun, SimulationFindings {};
+
 struct SimulateJob {
   JobData data;                        // of a project; without a sheet's name, the first with distributions
   std::vector<std::string> variables;  // without names, all with distributions
@@ -35,17 +37,20 @@ struct SimulateJob {
   std::optional<double> seed;    // without, Run draws one
   bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
   std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
+  Table givenMatrix;             // in place of a name
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
+  bool keepsSamples = false;     // the findings have the document of the data, and no summary
 
   // All that can be refused without the data.
   JobFaults Check() const;
-  // Draws a seed where there is none.
-  void ChooseSeed();
   // The whole job, from a project. Throws WrongJob before anything is done, JobFailed, and Error.
   SimulationRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
-  // Fills the dialog of the simulation, from a session over `sheet` whose startup dialog is open. A
-  // correlation matrix is the caller's to put, and OK. Throws the same.
-  void Specify(AnalysisSession& session, const Spreadsheet& sheet) const;
+  // The same from a sheet that is open.
+  SimulationFindings Run(const JobInput& input, JobRecorder& recorder) const;
+
+ private:
+  std::unique_ptr<Spreadsheet> FindMatrix(const JobInput& input) const;
+  void Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const;
 };
 
 }  // namespace brenvolt

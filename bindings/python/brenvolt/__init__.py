@@ -15,14 +15,14 @@ from ._automation import (Analysis, Application, Array, AutomationObject, GraphD
                           TableDocument)
 from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv
 from ._errors import Error, MessageWarning
-from ._jobs import FitResult, FittedVariable, fit, simulate
+from ._jobs import FitResult, FittedVariable, ProfiledResponse, ProfileResult, fit, profile, score, simulate
 from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
 
 _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "Error", "FitResult", "FittedVariable",
-            "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing", "Spreadsheet",
-            "TableDocument", "Variable", "Workbook", "dialogs", "distributions", "fit", "open_workbook", "read_csv",
-            "record", "simulate")
+            "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
+            "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "dialogs",
+            "distributions", "fit", "open_workbook", "profile", "read_csv", "record", "score", "simulate")
 
 
 def __getattr__(name):

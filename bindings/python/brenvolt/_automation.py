@@ -316,6 +316,13 @@ class Analysis:
     def __init__(self, sheet: _brenvolt.Spreadsheet | TableDocument):
         self._analysis = _brenvolt.AnalysisRef(_sheet(sheet))
 
+    @classmethod
+    def _of(cls, analysis):
+        """The analysis that a job has started."""
+        made = cls.__new__(cls)
+        made._analysis = analysis
+        return made
+
     @property
     def dialog(self) -> AutomationObject:
         """The open dialog."""
@@ -419,14 +426,19 @@ class Application:
         """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""
         _brenvolt._export(source, file, decimal_comma)
 
-    def score(self, model: str | os.PathLike, data: str | os.PathLike, sheet: str = "", probabilities: bool = False,
-              leave_invalid: bool = False, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:
-        """The predictions of a PMML model for the cases of a CSV file or of a project's sheet.
+    def score(self, model: str | os.PathLike, data: str | os.PathLike | _brenvolt.Spreadsheet | TableDocument,
+              sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:
+        """The predictions of a PMML model for the cases of a file, by the name of its sheet, or of an open sheet.
 
         probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
         the model refuses a value.
         """
-        return _brenvolt._score(model, data, sheet, probabilities, leave_invalid, decimal_comma)
+        job = _brenvolt.ScoreJob()
+        job.model, job.probabilities, job.leave_invalid = model, probabilities, leave_invalid
+        if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)):
+            return job.run(_sheet(data))
+        job.data, job.sheet, job.decimal_comma = data, sheet, decimal_comma
+        return job.run(None)
 
     Open = open
     NewWorkbook = new_workbook

@@ -11,7 +11,6 @@ from typing import TYPE_CHECKING, Any
 
 from . import _automation, _brenvolt, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
-from ._errors import Error
 
 if TYPE_CHECKING:
     import pandas
@@ -58,11 +57,16 @@ def _sheet_of(data, name):
     return sheet
 
 
-def _set_conditions(table, weights, select):
-    if weights is not None:
-        table.weight_variable = weights or None
-    if select is not None:
-        table.selection = select or None
+def _is_lent(data):
+    """Whether people hold the sheet themselves, which then keeps its own weights and selection."""
+    return isinstance(data, (Spreadsheet, _automation.TableDocument, Workbook))
+
+
+def _file_of(data):
+    """The file that data come from; None for data that do not come from one."""
+    if isinstance(data, (str, os.PathLike)):
+        return data
+    return data.path if isinstance(data, Workbook) else None
 
 
 @contextlib.contextmanager
@@ -70,7 +74,10 @@ def _conditions(table, weights, select):
     """The sheet with these conditions; afterwards it has its former ones again, whatever happened."""
     former = table._conditions
     try:
-        _set_conditions(table, weights, select)
+        if weights is not None:
+            table.weight_variable = weights or None
+        if select is not None:
+            table.selection = select or None
         yield
     finally:
         table._conditions = former
@@ -159,7 +166,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         weights: str | None = None, select: str | None = None,
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
-        bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None, save: str | os.PathLike | None = None) -> FitResult:
+        bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None,
+        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -180,32 +188,20 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     sheet: name of the sheet of a workbook; without, its first data sheet. Of a frame, mapping or array, the name that
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
+    graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
 
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
     """
-    job = _job(_brenvolt.FitJob, continuous=_names(continuous, "continuous"), discrete=_names(discrete, "discrete"),
-               distributions=_names(distributions, "distributions"), rank_by=rank_by, discrete_rank_by=discrete_rank_by,
-               binning=binning, missing=missing, offsets=_offsets(offsets),
-               mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
+    job = _job(_brenvolt.FitJob, data=_file_of(data), continuous=_names(continuous, "continuous"),
+               discrete=_names(discrete, "discrete"), distributions=_names(distributions, "distributions"),
+               rank_by=rank_by, discrete_rank_by=discrete_rank_by, binning=binning, missing=missing,
+               offsets=_offsets(offsets), mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
-               bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, save=save)
+               bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
+               graphs=graphs)
     job.check()
-    for what, text in (("weights", weights), ("select", select)):
-        if text is not None and not isinstance(text, str):
-            _refuse(what, "a text", text)
-    table = _sheet_of(data, sheet)
-    if not isinstance(data, (Spreadsheet, _automation.TableDocument, Workbook)):
-        _set_conditions(table, weights, select)  # for good: the sheet is the result's own
-        weights = select = None
-    with _conditions(table, weights, select):
-        if save is not None:
-            _brenvolt._take_former_properties(table, save)
-        analysis = _automation.Analysis(table)
-        result = FitResult(analysis, job, weights, select)
-        if save is not None:
-            result.save(save)
-    return result
+    return FitResult(job, _sheet_of(data, sheet), _is_lent(data))
 
 
 class FitResult:
@@ -218,15 +214,14 @@ class FitResult:
     of the sheet.
     """
 
-    def __init__(self, analysis: _automation.Analysis, job: Any, weights: str | None = None,
-                 select: str | None = None) -> None:
-        names = job.run(analysis._analysis)
-        self._job, self._weights, self._select = job, weights, select
-        self.analysis = analysis
-        self.dialog = analysis.dialog
-        self.sheet = analysis.sheet
-        results = _brenvolt._fit_results(analysis._analysis)
-        self.variables = {name: FittedVariable(self, place, results[place - 1]) for place, name in enumerate(names, 1)}
+    def __init__(self, job: Any, sheet: Spreadsheet, lent: bool) -> None:
+        analysis, self._names, results = job.run(sheet, lent)
+        self._job, self._lent = job, lent
+        self.analysis = _automation.Analysis._of(analysis)
+        self.dialog = self.analysis.dialog
+        self.sheet = self.analysis.sheet
+        self.variables = {name: FittedVariable(self, place, results[place - 1])
+                          for place, name in enumerate(self._names, 1)}
 
     @property
     def best(self) -> dict[str, _distributions.Distribution]:
@@ -240,7 +235,8 @@ class FitResult:
             return self.dialog.SummaryStats.to_pandas()
 
     def _conditions(self):
-        return _conditions(self.sheet, self._weights, self._select)
+        wanted = (self._job.weights, self._job.select) if self._lent else (None, None)
+        return _conditions(self.sheet, *wanted)
 
     def correlations(self) -> pandas.DataFrame:
         """A DataFrame with the correlations between the fitted variables."""
@@ -249,17 +245,14 @@ class FitResult:
         return frame.iloc[:frame.shape[1]]
 
     def keep(self, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
-             order: Mapping[str, Names] | None = None) -> Spreadsheet | None:
+             order: Mapping[str, Names] | None = None) -> Spreadsheet:
         """Puts the fits on the variables of the sheet as properties, and returns their correlation matrix.
 
         truncate: {variable: (low, high)}, bounds within which it is simulated, either None; order: {variable:
         [distribution, ...]}, the fits to keep, best first.
         """
         self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
-        self._job.specify_saving(self.analysis._analysis, list(self.variables))
-        with self._conditions():
-            document = self.dialog.SaveDistributionFit
-        return document.sheet if document is not None else None
+        return self._job.keep(self.analysis._analysis, self._names)
 
     def save(self, path: str | os.PathLike, truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
              order: Mapping[str, Names] | None = None) -> None:
@@ -268,11 +261,8 @@ class FitResult:
         A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with
         other data is an Error. See keep for truncate and order.
         """
-        _job(_brenvolt.FitJob, save=path).check()
-        _brenvolt._take_former_properties(self.sheet, path)
-        matrix = self.keep(truncate, order)
-        with self._conditions():
-            _brenvolt._save_fits(self.sheet, matrix, path)
+        self._job.truncate, self._job.order, self._job.save = _truncations(truncate), _orders(order), os.fspath(path)
+        self._job.save_fits(self.analysis._analysis, self._names)
 
     def _repr_html_(self):
         return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}"
@@ -397,47 +387,36 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
 
     Returns a DataFrame with a row per sample, numbered from 1.
     """
-    job = _job(_brenvolt.SimulateJob, samples=samples, method=method, seed=seed, truncate=truncate,
-               matrix=None if matrix is None else matrix if isinstance(matrix, str) else "matrix",
+    job = _job(_brenvolt.SimulateJob, data=_file_of(source), samples=samples, method=method, seed=seed, truncate=truncate,
+               matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
                variables=_names(variables, "variables"))
     job.check()
-    table, own_matrix = _fitted_sheet(source, sheet)
-    if variables is None and isinstance(source, FitResult):
-        job.variables = sorted(source.best, key=lambda name: table.variable(name).number)
-    job.choose_seed()
-    analysis = _automation.Analysis(table)
-    job.specify(analysis._analysis)
-    dialog = analysis.dialog
-    chosen = _matrix_of(matrix, table) if matrix is not None else own_matrix
-    if _brenvolt._induces_correlation(method) and chosen is not None:
-        dialog.CorrelationMatrix = chosen
-    dialog.OK()
-    if not analysis.documents:
-        raise Error("nothing was produced; this method has no generator", method)
-    frame = analysis.documents[0].to_pandas()
-    frame.attrs["seed"] = int(job.seed)
+    chosen = None if matrix is None or job.matrix else _matrix_of(matrix)
+    if isinstance(source, FitResult):
+        kept = source.keep()
+        chosen = kept if matrix is None else chosen
+        if variables is None:
+            job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
+    simulated, seed = job.run(_fitted_sheet(source, sheet), chosen)
+    frame = simulated.to_pandas()
+    frame.attrs["seed"] = seed
     return frame
 
 
 def _fitted_sheet(source, name):
-    """The sheet with the fits and the correlation matrix that belongs to them, or None."""
     if isinstance(source, FitResult):
-        return source.sheet, source.keep()
+        return source.sheet
     if isinstance(source, Spreadsheet):
-        return source, _brenvolt._saved_matrix(source)
+        return source
     if not isinstance(source, (Workbook, str, os.PathLike)):
         raise TypeError(f"simulate needs a project or a fit result, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
-    table = _brenvolt._fitted_sheet(workbook, name or "")
-    return table, _brenvolt._saved_matrix(table)
+    return _brenvolt._fitted_sheet(workbook, name or "")
 
 
-
-def _matrix_of(matrix, table):
-    if isinstance(matrix, Spreadsheet):
-        return matrix
-    if isinstance(matrix, (str, os.PathLike)):
-        return _brenvolt._named_matrix(os.fspath(matrix), table)
+def _matrix_of(matrix):
+    if isinstance(matrix, (Spreadsheet, _automation.TableDocument)):
+        return _automation._sheet(matrix)
     import pandas
 
     frame = pandas.DataFrame(matrix)
@@ -452,3 +431,133 @@ def _matrix_of(matrix, table):
         last = [1.0, 1.0] if place == 0 else [float("nan"), float("nan")]
         sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
     return _brenvolt._matrix_from_table(sheet)
+
+
+def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] | None = None,
+            formulas: str | Iterable[str] | None = None, *, samples: int | None = None, seed: int | None = None,
+            correlated: bool = False, fit_best: bool = False, noise: Mapping[str, float] | None = None,
+            specifications: Mapping[str, tuple[float | None, float | None, float | None]] | None = None,
+            fixed: Mapping[str, float] | None = None, truncate: Mapping[str, tuple[float, float]] | None = None,
+            sheet: str | None = None, output: str | os.PathLike | None = None,
+            graphs: str | os.PathLike | None = None) -> ProfileResult:
+    """Simulates what models or formulas predict, and compares it with specifications.
+
+    data: as for fit(); predictors start from the columns of their names, each Normal with its column's mean and
+    standard deviation.
+    models: PMML files; formulas: "RESPONSE = EXPRESSION", in place of a model of the response.
+    samples: runs, 100 to 100000; 5000 without. seed: 1 or more; the same seed gives the same runs. Without, one is drawn;
+    ProfileResult.seed tells it.
+    correlated: correlates the predictors as their columns are; fit_best: draws each from what fits its column best.
+    noise: {response: standard deviation} of normal noise that is added.
+    specifications: {response: (lower limit, target, upper limit)}, each of which may be None.
+    fixed: {predictor: value}; truncate: {predictor: (minimum, maximum)}.
+    output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
+
+    Returns a ProfileResult.
+    """
+    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_names(models, "models"),
+               formulas=_names(formulas, "formulas"), samples=samples, seed=seed, correlated=correlated,
+               fit_best=fit_best, noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
+               specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
+                                      "(lower limit, target, upper limit)"),
+               fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}"),
+               truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
+               output=output, graphs=graphs)
+    job.check()
+    return ProfileResult(*job.run(_sheet_of(data, sheet)))
+
+
+def _entries(kind, given, what, of):
+    found = []
+    for name, number in _mapping(given, what, of):
+        _require_number(number, f"{what}[{name!r}]")
+        found.append(kind(str(name), number))
+    return found
+
+
+def _tuples(kind, given, what, of):
+    count = of.count(",") + 1
+    found = []
+    for name, numbers_ in _mapping(given, what, f"{{name: {of}}}"):
+        if not isinstance(numbers_, (tuple, list)) or len(numbers_) != count:
+            _refuse(f"{what}[{name!r}]", of, numbers_)
+        for number in numbers_:
+            if number is not None:
+                _require_number(number, f"{what}[{name!r}]")
+        found.append(kind(str(name), *numbers_))
+    return found
+
+
+def _rows_frame(rows, index):
+    """A DataFrame of named rows of numbers."""
+    import pandas
+
+    frame = pandas.DataFrame([numbers_ for _, numbers_ in rows], index=[name for name, _ in rows])
+    return frame.rename_axis(index=index)
+
+
+class ProfileResult:
+    """What simulated runs told of the responses.
+
+    runs, seed; samples: a DataFrame with a row per run; responses: {name: ProfiledResponse}; defects: a DataFrame with a
+    row per specified response, then that of all; notes: texts on the defects.
+    """
+
+    def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any]) -> None:
+        self._simulated = simulated
+        self.runs: int = found["runs"]
+        self.seed = seed
+        self.responses = {response["name"]: ProfiledResponse(response) for response in found["responses"]}
+        self.defects = _rows_frame(found["defects"], "response")
+        self.notes: list[str] = found["notes"]
+
+    @property
+    def samples(self) -> pandas.DataFrame:
+        """A DataFrame with predictors and responses, a row per run."""
+        return self._simulated.to_pandas()
+
+    def __repr__(self):
+        return f"<ProfileResult of {self.runs} runs: {', '.join(self.responses)}>"
+
+
+class ProfiledResponse:
+    """The simulated values of a response.
+
+    name; statistics: a Series of moments; percentiles, frequencies, correlations, sensitivity: DataFrames, the sensitivity
+    ordered by influence; r_squared: of all predictors together; capability: a DataFrame of statistics where the response
+    is specified, else None, and capability_distribution, that of its percentiles.
+    """
+
+    def __init__(self, found: Mapping[str, Any]) -> None:
+        import pandas
+
+        self.name: str = found["name"]
+        self.statistics = pandas.Series(found["statistics"], name=self.name)
+        self.percentiles = _rows_frame(found["percentiles"], "percent")
+        self.frequencies = _rows_frame(found["frequencies"], "class")
+        self.correlations = _rows_frame(found["correlations"], "predictor")
+        self.sensitivity = _rows_frame(found["sensitivity"], "predictor")
+        self.r_squared: float = found["r_squared"]
+        capability = found["capability"]
+        self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
+        self.capability_distribution = None if capability is None else capability["distribution"]
+
+    def __repr__(self):
+        return f"<ProfiledResponse {self.name}>"
+
+
+def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, leave_invalid: bool = False,
+          sheet: str | None = None) -> pandas.DataFrame:
+    """The predictions of a PMML model, a DataFrame with a row per case.
+
+    data: as for fit(); the columns that the model reads are found by their names.
+    probabilities: also the probability of every class; leave_invalid: no prediction, instead of an Error, where the model
+    refuses a value.
+    """
+    job = _job(_brenvolt.ScoreJob, model=model, probabilities=probabilities, leave_invalid=leave_invalid,
+               data=_file_of(data))
+    job.check()
+    if isinstance(data, (str, os.PathLike)):
+        job.sheet = sheet or ""
+        return job.run(None).to_pandas()
+    return job.run(_sheet_of(data, sheet)).to_pandas()

@@ -15,7 +15,9 @@ import brenvolt
 
 EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
 # The options that are not spelt as their arguments.
-OPTIONS = {"offsets": "--offset"}
+OPTIONS = {"offsets": "--offset", "formulas": "--formula", "models": "--model", "fixed": "--fix",
+           "specifications": "--spec", "output": "-o"}
+REPEATED = ("formulas", "models")
 DATA = {"x": [1.0, 2, 3, 4, 7], "n": [1.0, 2, 0, 5, 1], "w": [1.0, 2, 1, 1, 1]}
 
 # Calls of fit() over DATA, and the message for each: a fault of the call by its end, one of the data as a whole.
@@ -26,7 +28,9 @@ REFUSED_FITS = (
     ({"missing": "never"}, "expected one of casewise, pairwise; got 'never' (missing)"),
     ({"continuous": ["x", "x"]}, "'x' is given twice (continuous)"),
     ({"continuous": ["x"], "discrete": ["x"]}, "'x' is given both as continuous and as discrete (discrete)"),
-    ({"continuous": ["z"]}, "no variable called 'z' (sheet d)"),
+    ({"continuous": ["z"]}, "sheet d has no variable called 'z' (continuous)"),
+    ({"weights": "z"}, "sheet d has no variable called 'z' (weights)"),
+    ({"save": "p.bvw", "graphs": "g.png"}, "expected a file ending in .json, got g.png (graphs)"),
     ({"distributions": ["weibul"]}, "geometric, bernoulli, histogram (distributions)"),
     ({"distributions": ["poisson"]}, "is fitted as discrete only if it is given as discrete (distributions)"),
     ({"discrete": ["n"], "distributions": ["gev"]}, "none of these is for discrete variables (distributions)"),
@@ -52,7 +56,7 @@ REFUSED_FITS = (
     ({"bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
     ({"bootstrap": 9, "bootstrap_seed": -1}, "from 0 to 2147483647, got -1 (bootstrap_seed)"),
     ({"save": "p.csv"}, "expected a file ending in .bvw, got p.csv (save)"),
-    ({"select": "x >"}, "the formula is incomplete (selection condition, character 4)"),
+    ({"select": "x >"}, "selection condition, character 4: the formula is incomplete (select)"),
     ({"save": "p.bvw", "truncate": {"x": (3, 3)}}, "'x': the lower bound must be less than the upper one (truncate)"),
     ({"save": "p.bvw", "truncate": {"x": (-444, None)}}, "-444 means that no bound is set and cannot be a bound (truncate)"),
     ({"save": "p.bvw", "truncate": {"z": (1, 2)}}, "'z' is not fitted (truncate)"),
@@ -71,7 +75,25 @@ REFUSED_SIMULATIONS = (
     ({"matrix": "m"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
     ({"matrix": "m", "method": "iman-conover"}, "is neither a sheet of the project nor a file (matrix m)"),
     ({"variables": ["x", "x"]}, "'x' is given twice (variables)"),
-    ({"variables": ["z"]}, "no variable called 'z' (sheet d)"),
+    ({"variables": ["z"]}, "sheet d has no variable called 'z' (variables)"),
+    ({"method": "norta"}, "nothing was produced: this method has no generator (norta)"),
+)
+# Calls of profile() over DATA.
+FORMULA = "y = x + 2 * n"
+REFUSED_PROFILES = (
+    ({}, "nothing to predict: give a model or a formula (models)"),
+    ({"formulas": ["x + n"]}, "expected RESPONSE=EXPRESSION, got 'x + n' (formulas)"),
+    ({"formulas": [FORMULA], "samples": 99}, "expected a whole number from 100 to 100000, got 99 (samples)"),
+    ({"formulas": [FORMULA], "seed": 0}, "expected a whole number from 1 to 2147483647, got 0 (seed)"),
+    ({"formulas": [FORMULA], "noise": {"y": -1}}, "the standard deviation must not be less than 0 (noise)"),
+    ({"formulas": [FORMULA], "noise": {"z": 1}}, "no response called 'z'; there are y (noise)"),
+    ({"formulas": [FORMULA], "specifications": {"y": (5, None, 3)}}, "must be less than the upper one (specifications)"),
+    ({"formulas": [FORMULA], "fixed": {"z": 1}}, "no predictor called 'z'; there are x, n (fixed)"),
+    ({"formulas": [FORMULA], "truncate": {"x": (3, 3)}}, "the minimum must be less than the maximum (truncate)"),
+    ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz or .bvw, got r.txt (output)"),
+    ({"formulas": [FORMULA], "output": "d.csv"}, "would replace d.csv, which is read (output)"),
+    ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; fix it at a value (d.csv)"),
+    ({"models": ["none.pmml"]}, "(none.pmml)"),
 )
 # Calls of fit() over an example.
 FITS = (
@@ -84,17 +106,29 @@ FITS = (
     ("toxocara", {"discrete": ["number"], "discrete_rank_by": "chi-square", "trials": {"number": 100}}),
     ("portpirie_sea_level", {"bootstrap": 20, "bootstrap_seed": 5, "distributions": ["normal"]}),
 )
+# Calls of profile() over the ozone data, whose sensitivity is small enough to run, and of score().
+OZONE = os.path.join(EXAMPLES, "ozone_regression.pmml")
+PROFILES = (
+    {"models": [OZONE], "samples": 400, "correlated": True, "noise": {"O3": 4.75},
+     "specifications": {"O3": (None, None, 25)}},
+    {"formulas": ["y = temp * 2"], "samples": 300, "fit_best": True, "truncate": {"temp": (10, 30)},
+     "specifications": {"y": (None, 100, 110)}},
+)
+SCORES = ({}, {"leave_invalid": True})
 SIMULATIONS = ({}, {"method": "latin-hypercube", "truncate": True}, {"method": "iman-conover"},
                {"method": "latin-hypercube-iman-conover", "variables": ["waiting", "eruptions"], "samples": 500})
 
 
 def entries(argument, value):
     """What an option is given for an argument, once for each."""
+    if argument in REPEATED:
+        return value
     if not isinstance(value, dict):
         return [",".join(value) if isinstance(value, list) else str(value)]
     if argument == "offsets":
         return [f"{variable}:{name}={offset}" for variable, given in value.items() for name, offset in given.items()]
-    texts = {tuple: lambda bounds: ":".join("" if bound is None else str(bound) for bound in bounds), list: ",".join}
+    separator = "," if argument == "specifications" else ":"
+    texts = {tuple: lambda bounds: separator.join("" if bound is None else str(bound) for bound in bounds), list: ",".join}
     return [f"{variable}={texts.get(type(entry), str)(entry)}" for variable, entry in value.items()]
 
 
@@ -131,7 +165,7 @@ class SameCalls(unittest.TestCase):
         """How the call failed and what was said of it, options spelt as arguments."""
         done = self.command(*arguments)
         spelt = {option: name for name, option in OPTIONS.items()}
-        said = re.sub(r"\((--[a-z-]+)\)", lambda o: "(" + spelt.get(o[1], o[1][2:].replace("-", "_")) + ")", done.stderr)
+        said = re.sub(r"\((--?[a-z-]+)\)", lambda o: "(" + spelt.get(o[1], o[1][2:].replace("-", "_")) + ")", done.stderr)
         return done.returncode, [line.removeprefix("brenvolt: ") for line in said.splitlines()]
 
     def refused_by_python(self, call):
@@ -156,6 +190,8 @@ class SameCalls(unittest.TestCase):
         brenvolt.fit("d.csv", ["x", "n"], distributions=["normal"], save="fits.bvw")
         self.check_refusals("simulate", "fits.bvw", lambda arguments: brenvolt.simulate("fits.bvw", **arguments),
                             REFUSED_SIMULATIONS)
+        self.check_refusals("profile", "d.csv", lambda arguments: brenvolt.profile("d.csv", **arguments),
+                            REFUSED_PROFILES)
 
     def test_all_faults_are_said_at_once(self):
         faults = self.refused_by_command("fit", "d.csv", *words(REFUSED_FITS[-1][0]))[1]
@@ -219,6 +255,53 @@ class SameCalls(unittest.TestCase):
                 for source in (result, "fits.bvw", brenvolt.open_workbook("fits.bvw")):
                     samples = brenvolt.simulate(source, seed=7, **arguments)
                     pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
+
+    def test_profiles_are_the_same(self):
+        file = os.path.join(EXAMPLES, "ozone.csv")
+        for arguments in PROFILES:
+            with self.subTest(**arguments):
+                done = self.command("profile", file, "--seed", "7", *words(arguments), "-o", "r.csv", "--format", "json")
+                report = json.loads(done.stdout)
+                expected = pandas.read_csv("r.csv", float_precision="round_trip")
+                for source in (file, pandas.read_csv(file), brenvolt.open_workbook(file)):
+                    result = brenvolt.profile(source, seed=7, **arguments)
+                    self.assertEqual((result.runs, result.seed), (report["runs"], report["seed"]))
+                    numpy.testing.assert_array_equal(result.samples, expected[result.samples.columns])
+                    self.assertEqual([response["name"] for response in report["responses"]], list(result.responses))
+                    for response in report["responses"]:
+                        self.compare_response(response, result.responses[response["name"]])
+                    self.assertEqual([defect["rate"] for defect in report["defects"]],
+                                     result.defects["defect_rate"].tolist())
+
+    def compare_response(self, expected, response):
+        self.assertEqual(response.statistics["standard_deviation"], expected["statistics"]["standardDeviation"])
+        self.assertEqual(response.r_squared, expected["rSquared"])
+        tables = (("percentiles", "percent", {"value": "value", "lower": "lower"}),
+                  ("frequencies", "class", {"count": "count", "from": "from"}),
+                  ("correlations", "predictor", {"pearson": "pearson", "spearmanPValue": "spearman_p"}),
+                  ("sensitivity", "predictor", {"contributionToVariance": "contribution_to_variance"}))
+        for table, name, columns in tables:
+            frame = getattr(response, table)
+            self.assertEqual(frame.index.tolist(), [row[name] for row in expected[table]])
+            for key, column in columns.items():
+                given = [numpy.nan if row[key] is None else row[key] for row in expected[table]]
+                numpy.testing.assert_array_equal(frame[column], given)
+        capability = expected["capability"]
+        self.assertEqual(response.capability.loc["overall_above", "value"], capability["overall"]["expectedPpm"]["above"])
+        self.assertEqual(response.capability_distribution, (capability["percentiles"] or {}).get("distribution", ""))
+
+    def test_scores_are_the_same(self):
+        file = os.path.join(EXAMPLES, "ozone.csv")
+        for arguments in SCORES:
+            with self.subTest(**arguments):
+                self.command("score", OZONE, file, *words(arguments), "-o", "s.csv")
+                expected = pandas.read_csv("s.csv", float_precision="round_trip")
+                for source in (file, pandas.read_csv(file), brenvolt.open_workbook(file)):
+                    scores = brenvolt.score(OZONE, source, **arguments)
+                    pandas.testing.assert_frame_equal(scores, expected, check_exact=True)
+        refused = self.refused_by_command("score", OZONE, "d.csv")
+        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.score(OZONE, "d.csv")))
+        self.assertEqual(refused[0], 1)
 
 
 if __name__ == "__main__":

@@ -1,0 +1,91 @@
+#include "bindings/python/job_results.h"
+
+#include <pybind11/stl.h>
+
+#include <initializer_list>
+#include <limits>
+#include <span>
+#include <string>
+
+#include "host/base/number_text.h"
+
+namespace py = pybind11;
+using namespace pybind11::literals;
+
+namespace brenvolt::python {
+namespace {
+
+using namespace result_columns;
+using Groups = std::initializer_list<std::span<const ResultColumn>>;
+
+// The numbers of those of the columns that a row has, in the order of frames.
+py::dict NumbersOf(const ResultRow& row, Groups groups) {
+  py::dict numbers;
+  for (const auto& columns : groups) {
+    for (const ResultColumn& column : columns) {
+      if (row.Has(column)) numbers[py::str(std::string(column.identifier))] = row.Number(column);
+    }
+  }
+  return numbers;
+}
+
+py::dict FitDict(const FittedDistribution& fit) {
+  return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
+                  "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
+                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kBootstrap}));
+}
+
+// What a row is called: by people, or by programs where it is a statistic, or by its number where it is one of a kind.
+py::object NameOf(const ResultRow& row) {
+  if (const auto percent = NumberIn(row.identifier, "percentile"_column))
+    return py::float_(ParseNumber(*percent).value_or(std::numeric_limits<double>::quiet_NaN()));
+  return py::str(row.identifier.empty() ? row.name : row.identifier);
+}
+
+// A frame's rows: their names and their numbers.
+py::list RowList(std::span<const ResultRow> rows, Groups groups) {
+  py::list list;
+  for (const ResultRow& row : rows) list.append(py::make_tuple(NameOf(row), NumbersOf(row, groups)));
+  return list;
+}
+
+py::object CapabilityOf(const ResponseResults& response) {
+  if (!response.capability) return py::none();
+  const ResultRow& first = response.capability->Row("low_point"_column);
+  return py::dict("rows"_a = RowList(response.capability->rows, {kEstimates}),
+                  "distribution"_a = first.Text("description"_column));
+}
+
+py::dict ResponseDict(const ResponseResults& response) {
+  return py::dict("name"_a = response.name, "statistics"_a = NumbersOf(response.statistics, {kMoments}),
+                  "percentiles"_a = RowList(response.percentiles, {kEstimates}),
+                  "frequencies"_a = RowList(response.frequencies, {kFrequencies}),
+                  "correlations"_a = RowList(response.correlations, {kCorrelations}),
+                  "sensitivity"_a = RowList(response.sensitivity, {kSensitivity}),
+                  "r_squared"_a = response.allPredictors.Number("linear_contribution"_column),
+                  "capability"_a = CapabilityOf(response));
+}
+
+}  // namespace
+
+py::list FitDicts(const std::vector<FittedVariable>& variables) {
+  py::list list;
+  for (const FittedVariable& variable : variables) {
+    py::list fits;
+    for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
+    list.append(py::dict("name"_a = variable.name, "continuous"_a = variable.isContinuous,
+                         "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits));
+  }
+  return list;
+}
+
+py::dict ProfileDict(const ProfileResults& results) {
+  py::list responses;
+  for (const ResponseResults& response : results.responses) responses.append(ResponseDict(response));
+  py::list defects;
+  if (results.defects) defects = RowList(results.defects->rows, {kDefects});
+  return py::dict("runs"_a = results.runs, "responses"_a = responses, "defects"_a = defects,
+                  "notes"_a = results.notes);
+}
+
+}  // namespace brenvolt::python

@@ -1,0 +1,17 @@
+// What jobs found, as dictionaries of Python; brenvolt/_jobs.py makes frames of them. Columns bear the identifiers of
+// host/analysis/result_columns.h.
+#pragma once
+
+#include <pybind11/pybind11.h>
+
+#include <vector>
+
+#include "host/jobs/fit_results.h"
+#include "host/jobs/profile_results.h"
+
+namespace brenvolt::python {
+
+pybind11::list FitDicts(const std::vector<FittedVariable>& variables);
+pybind11::dict ProfileDict(const ProfileResults& results);
+
+}  // namespace brenvolt::python
