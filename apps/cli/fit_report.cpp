@@ -10,6 +10,7 @@
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/jobs/fit_results.h"
+#include "host/numeric/distributions/distribution_facts.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -86,10 +87,9 @@ class RankingText {
 
   // The values of a fit whose description has none; of a histogram there would be too many.
   static std::string BareValues(const FittedDistribution& fit) {
-    constexpr int kHistogramCode = 15;
     constexpr int kValueDigits = 5;
     std::string text;
-    if (fit.code == kHistogramCode) return text;
+    if (fit.code == static_cast<int>(DistributionCode::kHistogram)) return text;
     for (const double value : fit.parameters) {
       text += (text.empty() ? "(" : ", ") + ReadableNumber(value, kValueDigits);
     }

@@ -35,17 +35,13 @@ std::string DestinationText(const SimulationRun& run) {
 }
 
 Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
-  Json report = {{"method", run.summary->Table().Title()},
+  Json report = {{"method", run.results.summary.title},
                  {"samples", call.Samples()},
                  {"seed", run.seed},
-                 {"variables", SummaryJson(ReadResultTable(run.summary->Table()))}};
-  ResultTable pairs;
-  if (run.correlations != nullptr) {
-    pairs = ReadResultTable(run.correlations->Table());
-    report["correlations"] = CorrelationsJson(pairs, run.output->Table());
-  }
+                 {"variables", SummaryJson(run.results.summary)}};
+  if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
+  if (const auto repair = run.results.Repair()) report["repair"] = RepairJson(*repair);
   if (run.repairedMatrix != nullptr) {
-    report["repair"] = RepairJson(pairs, run.output->Table());
     report["repairedMatrix"] = MatrixJson(run.repairedMatrix->Table());
   }
   if (run.file.empty()) return report;
@@ -65,12 +61,11 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
     std::fputs(JsonText(ReportJson(call, run)).c_str(), stdout);
     return;
   }
-  const ResultTable summary = ReadResultTable(run.summary->Table());
+  const ResultTable& summary = run.results.summary;
   const std::string seed = call.job.seed ? "" : ", seed " + std::to_string(run.seed);
   std::printf("%s, %s%s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), seed.c_str(),
               SummaryText(summary).c_str());
-  if (run.correlations != nullptr)
-    std::printf("\n%s", CorrelationsText(ReadResultTable(run.correlations->Table())).c_str());
+  if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
 }
 

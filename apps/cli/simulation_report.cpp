@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
-#include <limits>
 #include <numbers>
 #include <span>
 #include <utility>
@@ -12,7 +11,6 @@
 #include "apps/cli/result_json.h"
 #include "apps/cli/text_table.h"
 #include "host/base/number_text.h"
-#include "host/numeric/algebra/symmetric_eigen.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -29,17 +27,11 @@ std::string CorrelationNumber(double value, std::string_view /*identifier*/) {
   return std::isnan(value) ? "-" : FormatNumber("%.4f", value);
 }
 
-// A repair changes every entry, so one that stayed says that there was none.
-bool IsRepaired(const ResultTable& pairs) {
-  return std::ranges::any_of(pairs.rows, [](const ResultRow& pair) {
-    return pair.Number("asked"_column) != pair.Number("used"_column);
-  });
-}
-
 // All pairs, or those whose ranks correlate least as those of normal scores would: 6/pi asin(r/2) (Pearson
 // 1907).
-std::vector<ResultRow> ShownPairs(const ResultTable& pairs) {
-  std::vector<ResultRow> shown = pairs.rows;
+std::vector<ResultRow> ShownPairs(const SimulationResults& results) {
+  std::vector<ResultRow> shown;
+  for (const SimulatedPair& pair : results.pairs) shown.push_back(pair.correlations);
   if (shown.size() <= kMostPairsShown) return shown;
   const auto miss = [](const ResultRow& pair) {
     const double reached = pair.Number("spearman"_column);
@@ -51,17 +43,8 @@ std::vector<ResultRow> ShownPairs(const ResultTable& pairs) {
   return shown;
 }
 
-// Calls `visit(pair, i, j)` for the row of each pair of variables.
-template <class Visit>
-void ForEachPair(const ResultTable& pairs, std::size_t variables, const Visit& visit) {
-  std::size_t row = 0;
-  for (std::size_t i = 0; i < variables; ++i) {
-    for (std::size_t j = i + 1; j < variables; ++j) visit(pairs.rows[row++], i, j);
-  }
-}
-
-Json Names(const Spreadsheet& output, std::size_t i, std::size_t j) {
-  return {output.VariableAt(i).Name(), output.VariableAt(j).Name()};
+Json Names(const SimulatedPair& pair) {
+  return {pair.first, pair.second};
 }
 
 }  // namespace
@@ -90,45 +73,35 @@ Json SummaryJson(const ResultTable& summary) {
   return variables;
 }
 
-std::string CorrelationsText(const ResultTable& pairs) {
-  std::vector<ResultTable::Heading> columns = pairs.headings;
-  if (!IsRepaired(pairs)) {
+std::string CorrelationsText(const SimulationResults& results) {
+  std::vector<ResultTable::Heading> columns = results.pairHeadings;
+  if (!results.Repair()) {
     std::erase_if(columns, [](const auto& column) { return column.identifier == "used"_column.identifier; });
   }
-  std::string text = TableText(ShownPairs(pairs), "Correlation of", columns, CorrelationNumber);
-  if (pairs.rows.size() > kMostPairsShown) {
-    text += "  Farthest off of " + std::to_string(pairs.rows.size()) + " pairs; --format json has all.\n";
+  std::string text = TableText(ShownPairs(results), "Correlation of", columns, CorrelationNumber);
+  if (results.pairs.size() > kMostPairsShown) {
+    text += "  Farthest off of " + std::to_string(results.pairs.size()) + " pairs; --format json has all.\n";
   }
   return text;
 }
 
-Json CorrelationsJson(const ResultTable& pairs, const Spreadsheet& output) {
+Json CorrelationsJson(const SimulationResults& results) {
   Json list = Json::array();
-  ForEachPair(pairs, output.VariableCount(), [&](const ResultRow& pair, std::size_t i, std::size_t j) {
-    Json json = {{"variables", Names(output, i, j)}};
-    AddNumbers(pair, kCorrelations, json);
+  for (const SimulatedPair& pair : results.pairs) {
+    Json json = {{"variables", Names(pair)}};
+    AddNumbers(pair.correlations, kCorrelations, json);
     list.push_back(std::move(json));
-  });
+  }
   return list;
 }
 
-Json RepairJson(const ResultTable& pairs, const Spreadsheet& output) {
-  const std::size_t k = output.VariableCount();
-  std::vector<double> asked(k * k, 1.0);
-  double largest = 0;
-  Json change;
-  ForEachPair(pairs, k, [&](const ResultRow& pair, std::size_t i, std::size_t j) {
-    const double from = pair.Number("asked"_column);
-    const double to = pair.Number("used"_column);
-    asked[i * k + j] = asked[j * k + i] = from;
-    if (!change.is_null() && std::abs(to - from) <= largest) return;
-    largest = std::abs(to - from);
-    change = {{"variables", Names(output, i, j)}, {"from", from}, {"to", to}};
-  });
-  std::vector<double> eigenvalues(k, std::numeric_limits<double>::quiet_NaN());
-  // Where there is none, the value stays NaN.
-  static_cast<void>(SymmetricEigen(asked, k, eigenvalues));
-  return {{"smallestEigenvalue", NumberJson(eigenvalues.front())}, {"largestChange", change}};
+Json RepairJson(const MatrixRepair& repair) {
+  const SimulatedPair& pair = *repair.mostChanged;
+  return {{"smallestEigenvalue", NumberJson(repair.smallestEigenvalue)},
+          {"largestChange",
+           {{"variables", Names(pair)},
+            {"from", pair.correlations.Number("asked"_column)},
+            {"to", pair.correlations.Number("used"_column)}}}};
 }
 
 Json MatrixJson(const Spreadsheet& matrix) {

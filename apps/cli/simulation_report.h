@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/analysis/result_table.h"
+#include "host/jobs/simulation_results.h"
 
 namespace brenvolt::cli {
 
@@ -16,15 +16,12 @@ nlohmann::ordered_json SummaryJson(const ResultTable& summary);
 // Pairs that a table shows at most; a program gets all.
 inline constexpr std::size_t kMostPairsShown = 45;
 
-// `pairs` is the analysis's table of pairs of variables, in the order (1, 2), (1, 3), …, (2, 3), ….
-// The text has a line for each pair; of too many it has those whose Spearman correlation is
-// farthest from that of normal scores with the correlation used.
-std::string CorrelationsText(const ResultTable& pairs);
-// One object per pair; `output` has the variables' names.
-nlohmann::ordered_json CorrelationsJson(const ResultTable& pairs, const Spreadsheet& output);
-// What a repair did to the correlations asked for: the smallest eigenvalue that they had, and the one that
-// changed most.
-nlohmann::ordered_json RepairJson(const ResultTable& pairs, const Spreadsheet& output);
+// A line for each pair; of too many those whose Spearman correlation is farthest from that of normal scores with the
+// correlation used.
+std::string CorrelationsText(const SimulationResults& results);
+// One object per pair.
+nlohmann::ordered_json CorrelationsJson(const SimulationResults& results);
+nlohmann::ordered_json RepairJson(const MatrixRepair& repair);
 // The names and the rows of a correlation matrix.
 nlohmann::ordered_json MatrixJson(const Spreadsheet& matrix);
 

@@ -161,6 +161,14 @@ Sheet KeepFits(const FitJob& job, const std::shared_ptr<AnalysisRef>& analysis,
   return std::make_shared<SheetRef>(std::move(matrix));
 }
 
+// The place of the fit of a variable that is saved first, from 0; None where none is.
+std::optional<std::size_t> FirstSavedOf(const std::shared_ptr<AnalysisRef>& analysis, std::int32_t variable,
+                                        const std::vector<std::string>& fits) {
+  std::optional<std::size_t> first;
+  CarryOut(analysis, [&] { first = FirstSaved(*analysis->Session().Dialog(), variable, fits); });
+  return first;
+}
+
 void SaveFitted(const FitJob& job, std::shared_ptr<AnalysisRef> analysis,
                 const std::vector<std::string>& fitted) {
   CarryOut(analysis, [&] {
@@ -308,6 +316,13 @@ void BindJobs(py::module_& module) {
       },
       InHost());
   module.def("_code_of", &CodeOf);
+  module.def("_first_saved", &FirstSavedOf);
+  py::dict graphs;
+  for (const FitGraph& graph : kFitGraphs) graphs[py::str(std::string(graph.word))] = graph.member;
+  graphs[py::str(std::string(kFitSummaryGraph.word))] = kFitSummaryGraph.member;
+  module.attr("_fit_graphs") = graphs;
+  module.attr("_matrix_rows") = py::make_tuple(matrix_row::kMeans, matrix_row::kStandardDeviations,
+                                               matrix_row::kValidCases, matrix_row::kType);
   module.def("_save_fits", &SaveFitsOf, InHost());
   module.def(
       "_fitted_sheet",

@@ -39,6 +39,20 @@ extern const Choices kSimulationMethods;
 // True for a method whose samples follow a correlation matrix.
 bool InducesCorrelation(const std::string& method);
 
+// The graphs of a fit, and the members that make them.
+struct FitGraph {
+  std::string_view word;
+  std::string_view member;
+};
+inline constexpr FitGraph kFitGraphs[] = {{"histogram", "HistogramWithFit"},
+                                          {"cumulative-histogram", "CumulativeHistogram"},
+                                          {"pp", "PPPlot"},
+                                          {"qq", "QQPlot"},
+                                          {"empirical-distribution", "EmpiricalCDFPlot"},
+                                          {"box-plot", "BoxPlot"}};
+// Several of them in one.
+inline constexpr FitGraph kFitSummaryGraph{"summary", "SummaryGraph"};
+
 // The property that marks a variable with saved distributions.
 inline constexpr std::string_view kOrderProperty = "zOrder";
 

@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <ranges>
 #include <string>
+#include <vector>
 
 #include "host/analysis/action_recording.h"
 #include "host/analysis/analysis_graph_doc.h"
@@ -11,40 +13,37 @@
 #include "host/application/json_text.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
+#include "host/jobs/dialog_words.h"
+#include "host/jobs/fit_results.h"
 
 namespace brenvolt {
 namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kPlots[] = {"HistogramWithFit", "CumulativeHistogram", "PPPlot",
-                                  "QQPlot",           "EmpiricalCDFPlot",    "BoxPlot"};
-
 // Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
 // and returns its name. Nothing changes if there is none.
 std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
-  const Variant index(place);
-  const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
-  std::string first = order.substr(0, order.find(';'));
   const ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
-  for (std::size_t row = 0; row < ranked.rows.size(); ++row) {
-    if (ranked.rows[row].name == first)
-      dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(row + 1));
-  }
-  return first;
+  const auto names = ranked.rows | std::views::transform(&ResultRow::name);
+  const std::vector<std::string> ranks(names.begin(), names.end());
+  const auto first = FirstSaved(dialog, place, ranks);
+  if (!first) return {};
+  dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(*first + 1));
+  return ranks[*first];
 }
 
 // The graphs of the variable that the Quick tab shows, with the fit that it shows. A graph that cannot be
 // made of this fit says why in its place.
 Json GraphsJson(AutomationObject& dialog) {
   Json graphs = Json::array();
-  for (const char* plot : kPlots) {
+  for (const FitGraph& graph : kFitGraphs) {
     try {
-      const auto document = std::dynamic_pointer_cast<CAnalysisGraphDoc>(dialog.Get(plot).ToObject());
+      const auto document = std::dynamic_pointer_cast<CAnalysisGraphDoc>(dialog.Get(graph.member).ToObject());
       if (document == nullptr) throw Error("the analysis returned no graph");
       graphs.push_back(GraphJson(document->Content()));
     } catch (const AutomationError& error) {
-      graphs.push_back({{"kind", nullptr}, {"member", plot}, {"error", error.Reason()}});
+      graphs.push_back({{"kind", nullptr}, {"member", graph.member}, {"error", error.Reason()}});
     }
   }
   return graphs;

@@ -1,5 +1,6 @@
 #include "host/jobs/fit_results.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -48,6 +49,15 @@ FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultR
 }
 
 }  // namespace
+
+std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
+                                      std::span<const std::string> fits) {
+  const Variant index(variable);
+  const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
+  const auto first = std::ranges::find(fits, order.substr(0, order.find(';')));
+  if (first == fits.end()) return std::nullopt;
+  return static_cast<std::size_t>(first - fits.begin());
+}
 
 std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances) {
   ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));

@@ -1,6 +1,9 @@
 // What a fit found, as numbers: read once from the documents of its results dialog.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -36,6 +39,11 @@ struct FittedVariable {
 // One entry for each fitted variable, in the order of the summary. Shows each variable on the Quick tab of
 // the dialog, and each of its valid fits where covariances are wanted.
 enum class Covariances { kLeftOut, kRead };
+
+// The place of the fit that is saved first, and so simulated, among the fits of a variable by their names for people;
+// nothing where none is saved. `variable` is the variable's place among the results, from 1.
+std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
+                                      std::span<const std::string> fits);
 std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances);
 
 }  // namespace brenvolt

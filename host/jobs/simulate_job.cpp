@@ -25,30 +25,34 @@ Table FoundMatrix(const SimulateJob& job, std::unique_ptr<Spreadsheet> matrix, c
   return document;
 }
 
-// The run shows its output, then a repaired matrix.
-void RunToSheet(AnalysisSession& session, SimulationFindings& found) {
+// The run shows its output, then a repaired matrix. True if it produced any.
+bool RunToSheet(AnalysisSession& session, SimulationFindings& found) {
   session.Ok();
   const auto produced = session.ShownSince(0).tables;
-  if (produced.empty()) return;
+  if (produced.empty()) return false;
   found.output = produced.front();
   if (produced.size() > 1) found.repairedMatrix = produced.back();
+  return true;
 }
 
 // The results show the summary, then correlations.
 void Summarize(AnalysisSession& session, SimulationFindings& found) {
   const std::size_t before = session.Interface().Documents().size();
   session.Ok();
-  const auto results = session.ShownSince(before).tables;
-  found.summary = results.front();
-  if (results.size() > 1) found.correlations = results.back();
+  const auto shown = session.ShownSince(before).tables;
+  const CAnalysisTableDoc* pairs = shown.size() > 1 ? shown.back().get() : nullptr;
+  found.results = ReadSimulationResults(*shown.front(), pairs, found.output.get());
 }
 
-void RunToFile(AnalysisSession& session, const std::filesystem::path& file, SimulationFindings& found) {
+// True if there was anything to write.
+bool RunToFile(AnalysisSession& session, const std::filesystem::path& file, SimulationFindings& found) {
   const Variant name(file.string());
   const Variant::Object summary = session.Attempt([&] {
     return session.Dialog()->Get("SimulationFile", {&name, 1}).ToObject();
   });
-  found.summary = std::dynamic_pointer_cast<CAnalysisTableDoc>(summary);
+  const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(summary);
+  if (document != nullptr) found.results = ReadSimulationResults(*document, nullptr, nullptr);
+  return document != nullptr;
 }
 
 void WriteIntoProject(const std::filesystem::path& path, SimulationFindings& run, JobRecorder& recorder) {
@@ -125,13 +129,8 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   if (InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool toSheet = keepsSamples || InducesCorrelation(method) || HasProjectEnding(output);
-  if (toSheet) {
-    RunToSheet(session, found);
-  } else {
-    RunToFile(session, output, found);
-  }
-  if (found.output == nullptr && found.summary == nullptr)
-    throw Error("nothing was produced: this method has no generator", method);
+  const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
+  if (!isDone) throw Error("nothing was produced: this method has no generator", method);
   if (toSheet && !keepsSamples) Summarize(session, found);
   RecordShown(session, recorder);
   Write(output, found, recorder);

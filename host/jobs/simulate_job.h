@@ -9,6 +9,7 @@
 
 #include "host/jobs/job_data.h"
 #include "host/jobs/job_fault.h"
+#include "host/jobs/simulation_results.h"
 
 namespace brenvolt {
 
@@ -17,8 +18,7 @@ namespace brenvolt {
 struct SimulationFindings {
   Table output;
   Table repairedMatrix;
-  Table summary;
-  Table correlations;
+  SimulationResults results;
   // Where the data went, and a repaired matrix with them: sheets if the file is a project.
   std::filesystem::path file;
   std::string outputSheet;

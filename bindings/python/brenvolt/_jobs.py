@@ -17,11 +17,6 @@ if TYPE_CHECKING:
 
 Names = str | int | Iterable[str] | Iterable[int] | None
 
-_GRAPHS = {"histogram": "HistogramWithFit", "cumulative-histogram": "CumulativeHistogram", "pp": "PPPlot",
-           "qq": "QQPlot", "empirical-distribution": "EmpiricalCDFPlot", "box-plot": "BoxPlot",
-           "summary": "SummaryGraph"}
-
-
 _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
 
 
@@ -230,9 +225,8 @@ class FitResult:
 
     @property
     def summary(self) -> pandas.DataFrame:
-        """A DataFrame with the moments of the variables."""
-        with self._conditions():
-            return self.dialog.SummaryStats.to_pandas()
+        """A DataFrame with the moments of the variables, a row for each."""
+        return _rows_frame(((name, {"kind": one.kind, **one._moments}) for name, one in self.variables.items()), "variable")
 
     def _conditions(self):
         wanted = (self._job.weights, self._job.select) if self._lent else (None, None)
@@ -285,6 +279,7 @@ class FittedVariable:
         self._place = place
         self.name = numbers["name"]
         self.kind = "continuous" if numbers["continuous"] else "discrete"
+        self._moments = numbers["moments"]
         self.n = int(numbers["moments"]["n"])
         self.missing = int(numbers["moments"]["missing"])
         self._fits = numbers["fits"]
@@ -294,8 +289,8 @@ class FittedVariable:
     def best(self) -> _distributions.Distribution | None:
         """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
         ones the first that does not merely repeat the data as a histogram. None where no distribution fits."""
-        first = self._result.dialog.DistributionOrder[self._place].split(";")[0]
-        return self.distribution(first) if first else None
+        first = _brenvolt._first_saved(self._result.analysis._analysis, self._place, [fit["name"] for fit in self._fits])
+        return None if first is None else self.distributions[first]
 
     @property
     def fits(self) -> pandas.DataFrame:
@@ -330,7 +325,7 @@ class FittedVariable:
 
         kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot" or "summary".
         """
-        member = _choice(kind, _GRAPHS, "kind")
+        member = _choice(kind, _brenvolt._fit_graphs, "kind")
         place = 0 if distribution is None else self._place_of(distribution)
         dialog = self._shown()
         dialog.QuickTabDistribution = place + 1
@@ -426,7 +421,7 @@ def _matrix_of(matrix):
     if not isinstance(frame.index, pandas.RangeIndex) and [str(name) for name in frame.index] != names:
         raise ValueError("the rows of matrix must have the names of its columns, in the same order")
     sheet = Spreadsheet("matrix")
-    sheet["name"] = names + ["Means", "Std.Dev.", "No.Cases", "Matrix"]
+    sheet["name"] = [*names, *_brenvolt._matrix_rows]
     for place, name in enumerate(names):
         last = [1.0, 1.0] if place == 0 else [float("nan"), float("nan")]
         sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
@@ -492,6 +487,7 @@ def _rows_frame(rows, index):
     """A DataFrame of named rows of numbers."""
     import pandas
 
+    rows = list(rows)
     frame = pandas.DataFrame([numbers_ for _, numbers_ in rows], index=[name for name, _ in rows])
     return frame.rename_axis(index=index)
 

@@ -82,6 +82,18 @@ class Fits(Folder):
         self.assertEqual(list(weighted.variables), ["x"])
         self.assertAlmostEqual(weighted.best["x"].scale, plain.scale, places=12)
 
+    def test_a_summary_has_identifiers_for_keys(self):
+        result = brenvolt.fit({"x": [1.0, 2, 4], "n": [0.0, 2, 2]}, continuous="x", discrete="n")
+        self.assertEqual(result.summary.columns[:5].tolist(), ["kind", "n", "missing", "mean", "standard_deviation"])
+        self.assertEqual(result.summary["kind"].to_dict(), {"x": "continuous", "n": "discrete"})
+        self.assertEqual(result.summary.loc["x", "maximum"], 4)
+
+    def test_the_best_fit_follows_the_order(self):
+        result = brenvolt.fit(example("faithful"), "waiting", distributions=["normal", "weibull"])
+        for first in ("Normal", "Weibull"):
+            result.keep(order={"waiting": [first]})
+            self.assertEqual(type(result.best["waiting"]).__name__, first)
+
     def test_a_sheet_keeps_its_own_weights_and_selection(self):
         sheet = Spreadsheet.from_pandas(pandas.DataFrame({"x": [1.0, 2, 3, 5, 8, 13], "w": [1, 1, 1, 2, 2, 2],
                                                           "v": [1, 1, 1, 1, 1, 2]}))

@@ -1,0 +1,50 @@
+#include "host/jobs/simulation_results.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <utility>
+
+#include "host/numeric/algebra/symmetric_eigen.h"
+
+namespace brenvolt {
+
+std::optional<MatrixRepair> SimulationResults::Repair() const {
+  // A repair changes every entry, so one that stayed says that there was none.
+  const auto change = [](const SimulatedPair& pair) {
+    return std::abs(pair.correlations.Number("used"_column) - pair.correlations.Number("asked"_column));
+  };
+  const auto most = std::ranges::max_element(pairs, {}, change);
+  if (most == pairs.end() || change(*most) == 0) return std::nullopt;
+  const std::size_t k = variables.size();
+  std::vector<double> asked(k * k, 1.0);
+  auto pair = pairs.begin();
+  for (std::size_t i = 0; i < k; ++i) {
+    for (std::size_t j = i + 1; j < k; ++j, ++pair)
+      asked[i * k + j] = asked[j * k + i] = pair->correlations.Number("asked"_column);
+  }
+  std::vector<double> eigenvalues(k, std::numeric_limits<double>::quiet_NaN());
+  // Where there is none, the value stays NaN.
+  static_cast<void>(SymmetricEigen(asked, k, eigenvalues));
+  return MatrixRepair{eigenvalues.front(), &*most};
+}
+
+SimulationResults ReadSimulationResults(const CAnalysisTableDoc& summary, const CAnalysisTableDoc* pairs,
+                                        const CAnalysisTableDoc* output) {
+  SimulationResults results;
+  results.summary = ReadResultTable(summary.Table());
+  if (pairs == nullptr || output == nullptr) return results;
+  ResultTable table = ReadResultTable(pairs->Table());
+  results.pairHeadings = std::move(table.headings);
+  auto row = table.rows.begin();
+  const Spreadsheet& data = output->Table();
+  for (std::size_t i = 0; i < data.VariableCount(); ++i) {
+    results.variables.push_back(data.VariableAt(i).Name());
+    for (std::size_t j = i + 1; j < data.VariableCount(); ++j, ++row)
+      results.pairs.push_back({data.VariableAt(i).Name(), data.VariableAt(j).Name(), std::move(*row)});
+  }
+  return results;
+}
+
+}  // namespace brenvolt
