@@ -10,6 +10,9 @@
 
 namespace brenvolt::sra {
 
+// How lists of codes, proportions and the like are written, number after number.
+inline constexpr const char* kListedNumberFormat = "%.12g";
+
 struct DistributionSpecification {
   DistributionCode code = DistributionCode::kNormal;
   std::vector<double> values;  // the parameters in catalogue order; kNotSet where not given

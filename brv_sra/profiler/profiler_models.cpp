@@ -70,7 +70,7 @@ std::optional<DistributionSpecification> DiscreteOf(const std::map<double, doubl
     const double proportion = weight / total;
     specification.values.push_back(code);
     specification.values.push_back(
-        ParseNumber(FormatNumber(kProfilerListFormat, proportion)).value_or(proportion));
+        ParseNumber(FormatNumber(kListedNumberFormat, proportion)).value_or(proportion));
   }
   return specification;
 }

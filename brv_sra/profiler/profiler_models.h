@@ -25,9 +25,6 @@
 
 namespace brenvolt::sra {
 
-// How lists of codes and proportions are written, number after number.
-inline constexpr const char* kProfilerListFormat = "%.12g";
-
 // What a person should be told, but what does not stop the work.
 using ProfilerNotes = std::vector<Fault>;
 

@@ -23,6 +23,7 @@
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/fault_message.h"
+#include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/fit_results_interface.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -91,31 +92,17 @@ VariableFit& IndexedVariable(Dialog& dialog, Indexes indexes) {
   return dialog.VariableAt(indexes[0].ToInteger());
 }
 
-DistributionCode CodeNamed(const std::string& name) {
-  const auto code = CodeFromDisplayName(name);
-  if (code) return *code;
-  if (const auto key = CodeFromKey(name)) return *key;
-  throw Error("no distribution called " + name);
-}
-
-DistributionCode CodeFrom(const Variant& value) {
-  if (value.IsText()) return CodeNamed(value.ToText());
-  const auto code = CodeFromNumber(value.ToInteger());
-  if (!code) throw Error("unknown distribution code: " + value.ToText());
-  return *code;
-}
-
 Codes OrderFrom(const Variant& value) {
   Codes order;
   if (!value.IsText()) {
-    for (const Variant& element : value.ToArray()) order.push_back(CodeFrom(element));
+    for (const Variant& element : value.ToArray()) order.push_back(CodeFromVariant(element));
     return order;
   }
   const std::string text = value.ToText();
   for (std::size_t begin = 0; begin < text.size();) {
     const std::size_t end = std::min(text.find(';', begin), text.size());
     const std::string_view name = Trim(std::string_view(text).substr(begin, end - begin));
-    if (!name.empty()) order.push_back(CodeNamed(std::string(name)));
+    if (!name.empty()) order.push_back(CodeFromVariant(std::string(name)));
     begin = end + 1;
   }
   return order;
@@ -140,12 +127,12 @@ void PutUserDefinedOrder(Dialog& dialog, Indexes indexes, const Variant& value) 
 // Whether a distribution of a variable is saved as fitted. True drops the person's own values; false takes
 // the fitted ones as a start for them.
 Variant GetIsDefault(Dialog& dialog, Indexes indexes) {
-  const bool own = HasUserDefinedValues(IndexedVariable(dialog, indexes), CodeFrom(indexes[1]));
+  const bool own = HasUserDefinedValues(IndexedVariable(dialog, indexes), CodeFromVariant(indexes[1]));
   return std::int32_t{own ? 0 : 1};
 }
 void PutIsDefault(Dialog& dialog, Indexes indexes, const Variant& value) {
   VariableFit& variable = IndexedVariable(dialog, indexes);
-  const DistributionCode code = CodeFrom(indexes[1]);
+  const DistributionCode code = CodeFromVariant(indexes[1]);
   if (value.ToBoolean()) return DropUserDefinedValues(variable, code);
   const DistributionSpecification* fitted = UserDefinedSpecification(variable, code);
   if (fitted == nullptr) throw Error(FormatResource(kMsgOrderUnknown, DisplayName(code), variable.name));
@@ -154,7 +141,7 @@ void PutIsDefault(Dialog& dialog, Indexes indexes, const Variant& value) {
 
 Variant GetUserDefined(Dialog& dialog, Indexes indexes) {
   const DistributionSpecification* specification =
-      UserDefinedSpecification(IndexedVariable(dialog, indexes), CodeFrom(indexes[1]));
+      UserDefinedSpecification(IndexedVariable(dialog, indexes), CodeFromVariant(indexes[1]));
   Variant::Array values;
   if (specification == nullptr) return values;
   for (const double value : specification->values) values.emplace_back(value);
@@ -178,8 +165,8 @@ bool IsMacroArray(const Variant::Array& elements, DistributionCode code) {
 
 // Takes the values out of the array of a macro text.
 Variant::Array ValuesOfMacroArray(const Variant::Array& elements, DistributionCode code) {
-  if (CodeFrom(elements[0]) != code)
-    throw Error("values of another distribution: " + std::string(DisplayName(CodeFrom(elements[0]))));
+  if (CodeFromVariant(elements[0]) != code)
+    throw Error("values of another distribution: " + std::string(DisplayName(CodeFromVariant(elements[0]))));
   const auto truncation = elements.end() - kMacroTruncation;
   if (truncation[0].ToBoolean() || truncation[2].ToBoolean())
     throw Error("bounds are put by UserDefinedTruncMin and UserDefinedTruncMax");
@@ -204,11 +191,11 @@ DistributionSpecification UserDefinedFrom(DistributionCode code, const Variant& 
 }
 
 void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
-  ValueOrThrow(
-      SetUserDefinedValues(IndexedVariable(dialog, indexes), UserDefinedFrom(CodeFrom(indexes[1]), value)));
+  ValueOrThrow(SetUserDefinedValues(IndexedVariable(dialog, indexes),
+                                    UserDefinedFrom(CodeFromVariant(indexes[1]), value)));
 }
 std::string UserDefinedText(Dialog&, Indexes indexes, const Variant& value) {
-  return ExactMacroText(UserDefinedFrom(CodeFrom(indexes[1]), value));
+  return ExactMacroText(UserDefinedFrom(CodeFromVariant(indexes[1]), value));
 }
 
 // The variable of the Save/plot tab.

@@ -15,7 +15,7 @@
 
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/profiler/dialogs/profiler_correlation.h"
+#include "brv_sra/matrix/dialogs/correlation_entries.h"
 #include "brv_sra/profiler/dialogs/profiler_dialog.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/specification_array.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -214,7 +215,7 @@ bool PredictorPage::Apply() {
     predictor->fixedValue = fixed_;
   } else {
     try {
-      CheckPredictorSpecification(edited_);
+      CheckEnteredSpecification(edited_);
     } catch (const Error& error) {
       dialog_.Analysis().ShowMessage(error.what());
       return false;

@@ -2,13 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
-#include <span>
 #include <utility>
-#include <vector>
 
-#include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/profiler/profiler_models.h"
+#include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -16,55 +12,6 @@
 
 namespace brenvolt::sra {
 namespace {
-
-constexpr std::size_t kTruncationItems = 4;
-
-DistributionCode CodeFrom(const Variant& key) {
-  if (!key.IsText()) {
-    if (const auto code = CodeFromNumber(key.ToInteger())) return *code;
-    throw Error("unknown distribution code: " + key.ToText());
-  }
-  const std::string name = key.ToText();
-  if (const auto code = CodeFromKey(name)) return *code;
-  if (const auto code = CodeFromDisplayName(name)) return *code;
-  throw Error("no distribution called " + name);
-}
-
-double NumberFrom(const Variant& value) {
-  return value.IsEmpty() ? kNotSet : value.ToReal();
-}
-
-// Whether so many items, the key not counted, are the values with the offset and a truncation.
-bool HasTruncation(const DistributionFacts& facts, std::size_t items) {
-  const std::size_t group = facts.ParameterCount();
-  if (!facts.isUserDefined) return items == group + (facts.HasOffset() ? 1 : 0) + kTruncationItems;
-  return items >= kTruncationItems && (items - kTruncationItems) % group == 0;
-}
-
-void TakeTruncation(std::span<const Variant> items, DistributionSpecification& specification) {
-  specification.truncateBelow = items[0].ToBoolean();
-  specification.truncateAbove = items[2].ToBoolean();
-  if (specification.truncateBelow) specification.truncationMinimum = NumberFrom(items[1]);
-  if (specification.truncateAbove) specification.truncationMaximum = NumberFrom(items[3]);
-}
-
-DistributionSpecification SpecificationFrom(std::span<const Variant> array) {
-  DistributionSpecification specification;
-  specification.code = CodeFrom(array[0]);
-  const DistributionFacts& facts = Facts(specification.code);
-  std::span<const Variant> items = array.subspan(1);
-  if (HasTruncation(facts, items.size())) {
-    TakeTruncation(items.last(kTruncationItems), specification);
-    items = items.first(items.size() - kTruncationItems);
-  }
-  for (const Variant& item : items) specification.values.push_back(NumberFrom(item));
-  if (!facts.HasOffset()) return specification;
-  specification.offset = 0;  // where it is left out
-  if (specification.values.size() <= facts.ParameterCount()) return specification;
-  specification.offset = specification.values.back();
-  specification.values.pop_back();
-  return specification;
-}
 
 bool IsFixedKey(const Variant& key) {
   return key.IsText() && key.ToText() == ResourceString(kProfilerFixed);
@@ -86,44 +33,6 @@ void Fix(ProfilerPredictor& predictor, const Variant& value) {
   predictor.fixedValue = fixed;
 }
 
-bool IsBound(double bound) {
-  return std::isfinite(bound) && !IsNotSet(bound);
-}
-
-// "1;2;3; 0.2;0.3;0.5;"
-std::string ListText(std::span<const double> values) {
-  std::string codes;
-  std::string proportions;
-  for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
-    codes += FormatNumber(kProfilerListFormat, values[i]) + ";";
-    proportions += FormatNumber(kProfilerListFormat, values[i + 1]) + ";";
-  }
-  return codes + " " + proportions;
-}
-
-std::string MixtureText(std::span<const double> values) {
-  std::string text;
-  for (const double value : values) text += FormatNumber(kProfilerListFormat, value) + ";";
-  return text;
-}
-
-std::string DistributionText(const DistributionSpecification& specification) {
-  const std::string name(DisplayName(specification.code));
-  std::string text = Description(specification.code, specification.values);
-  if (specification.code == DistributionCode::kHistogram)
-    text = name + " (" + ListText(specification.values) + ")";
-  if (specification.code == DistributionCode::kGaussianMixture)
-    text = name + " (" + MixtureText(specification.values) + ")";
-  if (HasOffset(specification.code) && specification.offset != 0 && !IsNotSet(specification.offset))
-    text += " + " + FormatNumber(kProfilerListFormat, specification.offset);
-  if (!specification.truncateBelow && !specification.truncateAbove) return text;
-  const auto bound = [](bool inForce, double value) {
-    return inForce ? FormatNumber(kProfilerListFormat, value) : std::string();
-  };
-  return text + " [" + bound(specification.truncateBelow, specification.truncationMinimum) + ", " +
-         bound(specification.truncateAbove, specification.truncationMaximum) + "]";
-}
-
 }  // namespace
 
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
@@ -138,47 +47,24 @@ void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
     if (array.size() != 2) throw Error("expected one value for a fixed predictor");
     return Fix(predictor, array[1]);
   }
-  DistributionSpecification specification = SpecificationFrom(array);
-  CheckPredictorSpecification(specification);
+  DistributionSpecification specification = SpecificationFromArray(array);
+  CheckEnteredSpecification(specification);
   predictor.setting = PredictorSetting::kRandom;
   predictor.specification = std::move(specification);
 }
 
 Variant SpecificationArray(const ProfilerPredictor& predictor) {
   if (predictor.setting == PredictorSetting::kNone) return {};
-  Variant::Array array;
-  if (predictor.setting == PredictorSetting::kFixed) {
-    array.emplace_back(std::string(ResourceString(kProfilerFixed)));
-    array.emplace_back(predictor.fixedValue);
-    return array;
-  }
-  const auto put = [&](double value) { IsNotSet(value) ? array.emplace_back() : array.emplace_back(value); };
-  const DistributionSpecification& specification = predictor.specification;
-  array.emplace_back(std::string(Entry(specification.code).internalKey));
-  for (const double value : specification.values) put(value);
-  if (HasOffset(specification.code)) put(specification.offset);
-  array.emplace_back(std::int32_t{specification.truncateBelow ? 1 : 0});
-  put(specification.truncateBelow ? specification.truncationMinimum : 0.0);
-  array.emplace_back(std::int32_t{specification.truncateAbove ? 1 : 0});
-  put(specification.truncateAbove ? specification.truncationMaximum : 0.0);
-  return array;
-}
-
-void CheckPredictorSpecification(const DistributionSpecification& specification) {
-  if (const auto fault = CheckSpecification(specification)) throw Error(fault->message);
-  const double lower = specification.truncationMinimum;
-  const double upper = specification.truncationMaximum;
-  const bool valid = (!specification.truncateBelow || IsBound(lower)) &&
-                     (!specification.truncateAbove || IsBound(upper)) &&
-                     !(specification.truncateBelow && specification.truncateAbove && lower >= upper);
-  if (!valid) throw Error(std::string(ResourceString(kMsgProfilerMinimumMaximum)));
+  if (predictor.setting == PredictorSetting::kRandom) return ArrayOf(predictor.specification);
+  return Variant::Array{std::string(ResourceString(kProfilerFixed)), predictor.fixedValue};
 }
 
 std::string PredictorLine(const ProfilerPredictor& predictor) {
   const std::string name = predictor.name + ": ";
   if (predictor.setting == PredictorSetting::kNone)
     return name + std::string(ResourceString(kProfilerNoSpecification));
-  if (predictor.setting == PredictorSetting::kRandom) return name + DistributionText(predictor.specification);
+  if (predictor.setting == PredictorSetting::kRandom)
+    return name + SpecificationText(predictor.specification);
   return name + std::string(ResourceString(kProfilerFixed)) + " " +
          FormatNumber(std::string(ResourceString(kProfilerFixedValue)).c_str(), predictor.fixedValue);
 }

@@ -1,4 +1,4 @@
-#include "brv_sra/profiler/dialogs/profiler_correlation.h"
+#include "brv_sra/matrix/dialogs/correlation_entries.h"
 
 #include <algorithm>
 #include <memory>
