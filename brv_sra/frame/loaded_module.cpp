@@ -18,21 +18,18 @@ constexpr ObjectClass Class(std::string_view name) {
   return {name, RegisterObjectClass, UnregisterObjectClass};
 }
 
-// Of the dialogs that this version of the module has.
 constexpr std::array kObjectMap{Interface("SRAStartup"),
                                 Interface("SRASimulation"),
                                 Interface("SRAFitDistribution"),
                                 Interface("SRAFitDistributionResults"),
+                                Interface("SRADesignSimulation"),
                                 Interface("SRASimulationFromDistribution"),
                                 Interface("SRASimulationProfiler"),
                                 Interface("SRASimulationResults")};
-constexpr std::array kObjectClasses{Class("CComDefineTask"),
-                                    Class("CComSimulation"),
-                                    Class("CComFitDistribution"),
-                                    Class("CComFitDistributionResults"),
-                                    Class("CComSimulationFromDistribution"),
-                                    Class("CComSimulationProfiler"),
-                                    Class("CComSimulationResults")};
+constexpr std::array kObjectClasses{Class("CComDefineTask"),         Class("CComSimulation"),
+                                    Class("CComFitDistribution"),    Class("CComFitDistributionResults"),
+                                    Class("CComDesignSimulation"),   Class("CComSimulationFromDistribution"),
+                                    Class("CComSimulationProfiler"), Class("CComSimulationResults")};
 
 // Lives until the process ends: automation objects that clients still hold count themselves out here.
 AutomationModule& TheAutomationModule() {

@@ -1,8 +1,6 @@
 #include "brv_sra/frame/sequence_table.h"
 
 #include "brv_sra/frame/simulation_and_risk.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -10,12 +8,6 @@ namespace {
 template <std::int32_t (CSimulationAndRisk::*Entry)()>
 std::int32_t Run(CAnalysisSupport& analysis) {
   return (static_cast<CSimulationAndRisk&>(analysis).*Entry)();
-}
-
-// The entry of a step whose dialog this version of the module does not have.
-std::int32_t RefuseStep(CAnalysisSupport& analysis) {
-  analysis.ShowMessage(std::string(ResourceString(kMsgStepNotAvailable)));
-  return 0;
 }
 
 constexpr SequenceStep kSequence[] = {
@@ -27,7 +19,7 @@ constexpr SequenceStep kSequence[] = {
     {step::kSimulationResults, Run<&CSimulationAndRisk::SimulationResultsDialog>, 0, 0},
     {step::kSimulationFromStartup, Run<&CSimulationAndRisk::SimulationFromDistributionDialog>, 0,
      step::kStartup},
-    {step::kDesign, RefuseStep, 0, step::kStartup},
+    {step::kDesign, Run<&CSimulationAndRisk::DesignSimulationDialog>, 0, step::kStartup},
     {step::kProfiler, Run<&CSimulationAndRisk::SimulationProfilerDialog>, 0, step::kStartup},
     {0, nullptr, 0, 0},
 };

@@ -38,6 +38,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   std::int32_t SimulationStartupDialog();
   std::int32_t FitDistributionDialog();
   std::int32_t FitDistributionResultsDialog();
+  std::int32_t DesignSimulationDialog();
   std::int32_t SimulationFromDistributionDialog();
   std::int32_t SimulationResultsDialog();
   std::int32_t SimulationProfilerDialog();

@@ -165,12 +165,14 @@ TEST_F(MatrixServices, UnderAutomationNothingIsAsked) {
 
 TEST_F(MatrixServices, OnlyCallsOfAutomationCountAsAutomation) {
   ASSERT_TRUE(analysis->RunSequenceStep(step::kInit));
+  analysis->GetDialgInterface()->Put("TypeOfAnalysis", 2);
+  analysis->GetDialgInterface()->Call("OK");
+  ASSERT_EQ(analysis->CurrentStep(), step::kDesign);
   const auto dialog = analysis->GetDialgInterface();
-  dialog->Put("TypeOfAnalysis", 2);  // a step without a dialog: OK reports that
-  dialog->Call("OK");
+  dialog->Call("OK");  // nothing has a distribution: OK reports that
   EXPECT_EQ(userInterface.messages.size(), 1U);
   EXPECT_TRUE(userInterface.underAutomation);
-  EXPECT_THROW(dialog->Put("TypeOfAnalysis", 99), Error);
+  EXPECT_THROW(dialog->Put("UserDefinedDesignMatrixVariableNames", 99), Error);
   EXPECT_FALSE(analysis->IsUnderAutomation()) << "after a call that failed";
   analysis->GetDialog()->Press(kControlOk);
   EXPECT_EQ(userInterface.messages.size(), 2U);

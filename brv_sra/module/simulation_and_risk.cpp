@@ -15,6 +15,7 @@
 #include "brv_sra/profiler/profiler_state.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/dialogs/design_dialog.h"
 #include "brv_sra/simulation/dialogs/simulation_dialog.h"
 #include "brv_sra/simulation/dialogs/simulation_results_dialog.h"
 #include "brv_sra/simulation/simulation_state.h"
@@ -118,6 +119,10 @@ std::int32_t CSimulationAndRisk::FitDistributionDialog() {
 
 std::int32_t CSimulationAndRisk::FitDistributionResultsDialog() {
   return OpenDialog<CFitDistributionResults>(*this);
+}
+
+std::int32_t CSimulationAndRisk::DesignSimulationDialog() {
+  return OpenDialog<CDesignSimulation>(*this);
 }
 
 std::int32_t CSimulationAndRisk::SimulationFromDistributionDialog() {

@@ -58,11 +58,11 @@ TEST_F(StartupDialogs, EveryEntryStartsItsStepByButtonOkAndDoubleClick) {
   struct Row {
     int entry;
     std::int32_t command;
-    std::int32_t step;  // 101 where the dialog of the task is not there
+    std::int32_t step;
     bool usesCases;
   };
   const Row rows[] = {
-      {0, 1004, 102, true}, {1, 1005, 104, true}, {2, 1180, 101, false}, {3, 1220, 108, false}};
+      {0, 1004, 102, true}, {1, 1005, 104, true}, {2, 1180, 107, false}, {3, 1220, 108, false}};
   for (const Row& row : rows) {
     for (const int way : {0, 1, 2}) {
       Open();
@@ -71,16 +71,13 @@ TEST_F(StartupDialogs, EveryEntryStartsItsStepByButtonOkAndDoubleClick) {
       const bool taken = way == 0   ? Dialog().Press(row.command)
                          : way == 1 ? Dialog().Press(kControlOk)
                                     : Dialog().DoubleClick(1006);
-      EXPECT_EQ(taken, row.step != 101) << row.entry << ", way " << way;
+      EXPECT_TRUE(taken) << row.entry << ", way " << way;
       EXPECT_EQ(analysis->CurrentStep(), row.step) << row.entry << ", way " << way;
-      // A step that is refused leaves everything as it was.
-      EXPECT_EQ(analysis->StartupMenusEnabled(), !taken);
-      EXPECT_EQ(analysis->CaseSelectionEnabled(), row.usesCases || !taken) << row.entry;
-      EXPECT_EQ(analysis->CaseWeightsEnabled(), row.usesCases || !taken) << row.entry;
+      EXPECT_FALSE(analysis->StartupMenusEnabled());
+      EXPECT_EQ(analysis->CaseSelectionEnabled(), row.usesCases) << row.entry;
+      EXPECT_EQ(analysis->CaseWeightsEnabled(), row.usesCases) << row.entry;
       Open();
-      if (taken) {
-        EXPECT_EQ(Dialog().Controls().Selection(1006), row.entry) << "the last task is selected again";
-      }
+      EXPECT_EQ(Dialog().Controls().Selection(1006), row.entry) << "the last task is selected again";
     }
   }
 }
@@ -164,8 +161,12 @@ TEST_F(StartupDialogs, DialogIsDisabledWhileDataAreOpenedAndCancelChangesNothing
 TEST_F(StartupDialogs, SimulationStartupRunsAndReturnsToTheStartup) {
   EXPECT_EQ(analysis->SimulationStartupDialog(), -1);
   EXPECT_EQ(Dialog().Template().number, 25977);
-  EXPECT_FALSE(Dialog().Press(1180)) << "the design dialog is not there";
-  EXPECT_TRUE(analysis->CaseWeightsEnabled());
+  EXPECT_TRUE(Dialog().Press(1180));
+  EXPECT_EQ(analysis->CurrentStep(), step::kDesign);
+  EXPECT_FALSE(analysis->CaseWeightsEnabled());
+  EXPECT_TRUE(Dialog().Press(kControlCancel));
+  EXPECT_EQ(analysis->CurrentStep(), step::kStartup);
+  EXPECT_EQ(analysis->SimulationStartupDialog(), -1);
   EXPECT_TRUE(Dialog().Press(kControlOk));
   EXPECT_EQ(analysis->CurrentStep(), step::kSimulationFromStartup);
   EXPECT_TRUE(analysis->CaseWeightsEnabled());

@@ -12,28 +12,36 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-// The design dialog is not built: calls of these members fail with the "not available" error.
-inline constexpr std::array<MemberDescription, 8> kMembers{{
+inline constexpr std::array<MemberDescription, 9> kMembers{{
     Property("UserDefinedDesignMatrixVariableNames", 0x60030000, kVariant, kVariant,
              "The names of the variables of the design: an array of texts."),
     Property("UserDefinedDesignMatrixValues", 0x60030002, kVariant, kVariant,
-             "The correlation or covariance matrix of the design: an array of its rows, each an array of "
-             "numbers."),
+             "The correlations of the variables of the design: an array of the rows of the matrix, each an "
+             "array of "
+             "numbers, or a matrix file."),
     Property("UserDefinedDesignMatrixMean", 0x60030004, kVariant, kVariant,
-             "The means of the variables of the design: an array of numbers."),
+             "The means of the variables of the design: an array of numbers; an empty one is that of the "
+             "distribution."),
     Property("UserDefinedDesignMatrixStdDeviation", 0x60030006, kVariant, kVariant,
-             "The standard deviations of the variables of the design: an array of numbers."),
+             "The standard deviations of the variables of the design: an array of numbers; an empty one is "
+             "that of the "
+             "distribution."),
     Property("CustomDistributionSpecification", 0x60030008, kVariant, kVariant,
-             "The person's own distribution of the variable iID: its key, its parameters and its truncation.",
+             "The person's own distribution of the variable iID: its key, its parameters and its truncation; "
+             "empty: "
+             "none.",
              kPlace),
     Property("SimulationSpecificationOfVariable", 0x6003000a, kVariant, kVariant,
              "The distribution that the variable iID is simulated from: its key, its parameters and its "
-             "truncation.",
+             "truncation. Its key alone chooses a fitted one; empty leaves the variable out.",
              kPlace),
     Method("SaveDistributionToInput", 0x6003000c, kNone,
            "Saves the distributions of the design as properties of the variables of the input."),
     Property("CorrelationMatrix", 0x6003000d, kObject, kNone,
              "Makes, shows and gives the correlation matrix file of the design, a spreadsheet."),
+    Property("UseFittedDistributions", 0x6003000e, kInteger, kInteger,
+             "Whether the best fitted distributions are simulated, without truncation, in place of a "
+             "person's own."),
 }};
 
 }  // namespace design_interface

@@ -178,6 +178,23 @@ const DialogTemplate& FitResultsTemplate() {
   return result;
 }
 
+const DialogTemplate& DesignTemplate() {
+  using namespace design_dialog;
+  static const DialogTemplate result{15000,
+                                     Text(kDesignTitle),
+                                     {OkAndCancel(kFitButtonOk),
+                                      {{kSaveToInput, kButton, Text(kDesignButtonSave)},
+                                       {kCorrelationMatrix, kButton, Text(kFitResultsCorrelations)}}},
+                                     {{Text(kFitTabQuick),
+                                       {{"",
+                                         {{{kVariables, kButton, Text(kFitButtonVariables)},
+                                           {kEditCorrelations, kButton, Text(kDesignButtonCorrelations)}},
+                                          {{kVariableList, kListBox, ""}},
+                                          {{kTakesPart, kCheckBox, Text(kDesignCheckTakesPart)}},
+                                          {{kUseFitted, kCheckBox, Text(kDesignCheckUseFitted)}}}}}}}};
+  return result;
+}
+
 const DialogTemplate& SimulationTemplate() {
   using namespace simulation_dialog;
   static const DialogTemplate result{

@@ -12,6 +12,7 @@ const DialogTemplate& SimulationStartupTemplate();  // 25977
 const DialogTemplate& FitDistributionTemplate();    // 25974
 const DialogTemplate& FitOptionsTemplate();         // 25975
 const DialogTemplate& FitResultsTemplate();         // 25983
+const DialogTemplate& DesignTemplate();             // 15000
 const DialogTemplate& SimulationTemplate();         // 25991
 const DialogTemplate& SimulationResultsTemplate();  // 25988
 const DialogTemplate& ProfilerTemplate();           // 25994
@@ -124,6 +125,16 @@ inline constexpr std::int32_t kUserDefined = 1162;
 inline constexpr std::int32_t kSaveDistributionSummary = 1163;
 inline constexpr std::int32_t kCorrelationMatrix = 1164;
 }  // namespace fit_results
+
+namespace design_dialog {
+inline constexpr std::int32_t kVariables = 1400;
+inline constexpr std::int32_t kVariableList = 1401;
+inline constexpr std::int32_t kTakesPart = 1402;
+inline constexpr std::int32_t kUseFitted = 1403;
+inline constexpr std::int32_t kEditCorrelations = 1404;
+inline constexpr std::int32_t kSaveToInput = 1405;
+inline constexpr std::int32_t kCorrelationMatrix = 1406;
+}  // namespace design_dialog
 
 namespace simulation_dialog {
 inline constexpr std::int32_t kVariables = 1120;

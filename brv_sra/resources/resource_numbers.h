@@ -392,7 +392,6 @@ inline constexpr std::int32_t kHelpDefectProfile = 20646;
 inline constexpr std::int32_t kHelpStdDevY = 20647;
 
 // The fit results dialog, the simulation dialogs, and messages of the frame.
-inline constexpr std::int32_t kMsgStepNotAvailable = 20700;
 inline constexpr std::int32_t kFitResultsTitle = 20710;
 inline constexpr std::int32_t kFitResultsVariable = 20711;
 inline constexpr std::int32_t kFitResultsDistribution = 20712;
@@ -498,5 +497,18 @@ inline constexpr std::int32_t kMsgProfilerInvalidSeed = 21008;
 inline constexpr std::int32_t kProfilerMean = 21009;
 inline constexpr std::int32_t kProfilerNoSpecification = 21010;
 inline constexpr std::int32_t kMsgProfilerResponseInFormula = 21011;
+
+// The design dialog.
+inline constexpr std::int32_t kDesignTitle = 21100;
+inline constexpr std::int32_t kDesignButtonCorrelations = 21101;
+inline constexpr std::int32_t kDesignButtonSave = 21102;
+inline constexpr std::int32_t kDesignCheckTakesPart = 21103;
+inline constexpr std::int32_t kDesignCheckUseFitted = 21104;
+inline constexpr std::int32_t kDesignCorrelationTitle = 21105;
+inline constexpr std::int32_t kDesignSheetName = 21106;
+inline constexpr std::int32_t kDesignSelectVariables = 21107;
+inline constexpr std::int32_t kDesignNoDistribution = 21108;
+inline constexpr std::int32_t kDesignLeftOut = 21109;
+inline constexpr std::int32_t kMsgDesignNothing = 21110;
 
 }  // namespace brenvolt::sra

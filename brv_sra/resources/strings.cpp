@@ -434,7 +434,6 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kHelpSimulationResults, "Simulation output"},
     {kHelpDefectProfile, "Defect profile graph"},
     {kHelpStdDevY, "Standard deviations for multivariate dependent noise"},
-    {kMsgStepNotAvailable, "This step of the analysis is not available."},
     {kFitResultsTitle, "Fit Distributions: Results"},
     {kFitResultsVariable, "Variable:"},
     {kFitResultsDistribution, "Distribution:"},
@@ -616,6 +615,18 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
     {kMsgProfilerResponseInFormula, "a formula cannot use a response, '%s'"},
+    // The design dialog.
+    {kDesignTitle, "Design Simulation"},
+    {kDesignButtonCorrelations, "Cor&relations..."},
+    {kDesignButtonSave, "&Save distributions to input"},
+    {kDesignCheckTakesPart, "Takes &part in the simulation"},
+    {kDesignCheckUseFitted, "Use the best &fitted distributions, without truncation"},
+    {kDesignCorrelationTitle, "Correlation Matrix of the Design"},
+    {kDesignSheetName, "Design"},
+    {kDesignSelectVariables, "Select the variables of the design"},
+    {kDesignNoDistribution, "no distribution"},
+    {kDesignLeftOut, "left out"},
+    {kMsgDesignNothing, "No variable of the design has a distribution and takes part in the simulation."},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -55,7 +55,7 @@ struct Generation : testing::Test {
 };
 
 TEST_F(Generation, FastEngineGivesTheBitsOfOneDrawAfterAnother) {
-  for (const Truncation& truncation : kTruncations) {
+  for (const SampledTruncation& truncation : kTruncations) {
     design.variables.clear();
     for (const SimulationVariable& distribution : SampledDistributions())
       design.variables.push_back(Truncated(distribution, truncation));
@@ -188,7 +188,7 @@ double ChiSquarePValue(const std::vector<double>& sample, const VariableSampler&
 }
 
 TEST_F(Generation, SamplesFollowTheirDistributionUnderBothMethodsTruncatedOrNot) {
-  for (const Truncation& truncation : {kTruncations[0], kTruncations[2], kTruncations[3]}) {
+  for (const SampledTruncation& truncation : {kTruncations[0], kTruncations[2], kTruncations[3]}) {
     for (const SimulationVariable& plain : SampledDistributions()) {
       for (const bool latinHypercube : {false, true}) {
         design.truncate = truncation.band;
@@ -210,7 +210,7 @@ TEST_F(Generation, SamplesFollowTheirDistributionUnderBothMethodsTruncatedOrNot)
 
 TEST_F(Generation, LatinHypercubeHoldsOneValuePerStratum) {
   constexpr int kStrata = 1000;
-  for (const Truncation& truncation : kTruncations) {
+  for (const SampledTruncation& truncation : kTruncations) {
     for (const SimulationVariable& plain : SampledDistributions()) {
       if (!IsContinuous(plain.specification.code)) continue;
       design.truncate = truncation.band;

@@ -41,21 +41,21 @@ inline std::vector<SimulationVariable> SampledDistributions() {
           VariableOf(kHistogram, {7, 0.25, 1, 0.1, 4, 0.4, 9, 0.25})};
 }
 
-struct Truncation {
+struct SampledTruncation {
   const char* name;
   bool band;     // between the probabilities 0.005 and 0.995
   double below;  // user limits at these probabilities; 0 and 1 for none
   double above;
 };
-inline constexpr Truncation kTruncations[] = {{"none", false, 0, 1},
-                                              {"band", true, 0, 1},
-                                              {"limits", false, 0.1, 0.9},
-                                              {"one limit and band", true, 0, 0.8},
-                                              {"far limit", false, 0.995, 1}};
+inline constexpr SampledTruncation kTruncations[] = {{"none", false, 0, 1},
+                                                     {"band", true, 0, 1},
+                                                     {"limits", false, 0.1, 0.9},
+                                                     {"one limit and band", true, 0, 0.8},
+                                                     {"far limit", false, 0.995, 1}};
 
 // The variable with user limits; a discrete type's lie between its values, so that inversion and rejection
 // agree on what lies within.
-inline SimulationVariable Truncated(SimulationVariable variable, const Truncation& truncation) {
+inline SimulationVariable Truncated(SimulationVariable variable, const SampledTruncation& truncation) {
   DistributionSpecification& s = variable.specification;
   const bool isDiscrete = static_cast<int>(s.code) >= kContinuousCount;
   const double between = isDiscrete ? 0.5 : 0;

@@ -22,7 +22,7 @@ struct Pieces : testing::Test {
   SimulationDesign design;
 
   // All distributions, one of them left out; more cells than a piece holds.
-  void UseAllDistributions(const Truncation& truncation) {
+  void UseAllDistributions(const SampledTruncation& truncation) {
     design = {};
     for (const SimulationVariable& distribution : SampledDistributions()) {
       design.variables.push_back(Truncated(distribution, truncation));
@@ -48,7 +48,7 @@ std::vector<std::vector<double>> ColumnsOf(const Spreadsheet& sheet) {
 }
 
 TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
-  for (const Truncation& truncation : {kTruncations[0], kTruncations[3]}) {
+  for (const SampledTruncation& truncation : {kTruncations[0], kTruncations[3]}) {
     for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
       SCOPED_TRACE(testing::Message() << truncation.name << ", method " << static_cast<int>(method));
       UseAllDistributions(truncation);

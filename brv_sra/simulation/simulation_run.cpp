@@ -121,6 +121,7 @@ Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions&
   design.numberOfSamples = options.numberOfSamples;
   design.method = options.method;
   design.truncate = options.truncate;
+  design.source = options.source;
   for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
     if (variable.ranked.empty()) return Fault{FaultIdentifier::kDistributionMissing};
     const DistributionSpecification& best = variable.ranked.front();

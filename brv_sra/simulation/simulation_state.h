@@ -8,6 +8,7 @@
 
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/simulation/design_correlations.h"
+#include "brv_sra/simulation/design_state.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "host/analysis/analysis_table_doc.h"
 
@@ -22,10 +23,12 @@ struct SimulationOptions {
   SimulationMethod method = SimulationMethod::kMonteCarlo;
   SimulationMethod previousMethod = SimulationMethod::kMonteCarlo;  // the one chosen before
   bool autoUpdate = false;  // the next output takes the place of the last one
+  ParameterSource source = ParameterSource::kUserSpecified;
 };
 
 struct SimulationState {
   SimulationOptions options;
+  DesignState design;
   // The design's correlation matrix, where one was given.
   std::optional<MatrixFile> matrix;
   std::shared_ptr<CAnalysisTableDoc> output;

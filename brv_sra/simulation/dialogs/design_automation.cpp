@@ -1,0 +1,173 @@
+// The automation interface of the design dialog: what its members do.
+//
+// iID counts the variables of the design from 1. A distribution is the array of frame/specification_array.h; its key
+// alone names a fitted one. Correlations, means and deviations are in the order of the variables.
+#include <array>
+#include <cmath>
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/specification_array.h"
+#include "brv_sra/matrix/dialogs/correlation_entries.h"
+#include "brv_sra/resources/design_interface.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/simulation/dialogs/design_dialog.h"
+#include "host/base/error.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace design_dialog;
+using Dialog = CDesignSimulation;
+using Indexes = std::span<const Variant>;
+using Member = AutomationMember<Dialog>;
+
+Variant GetNames(Dialog& dialog, Indexes) {
+  Variant::Array names;
+  for (const DesignedVariable& variable : dialog.Design().variables) names.emplace_back(variable.name);
+  return names;
+}
+void PutNames(Dialog& dialog, Indexes, const Variant& value) {
+  std::vector<std::string> names;
+  for (const Variant& name : value.ToArray()) names.push_back(name.ToText());
+  dialog.SetVariables(names);
+}
+
+Variant GetCorrelations(Dialog& dialog, Indexes) {
+  const DesignState& design = dialog.Design();
+  return CorrelationArray(design.correlations, design.variables.size());
+}
+void PutCorrelations(Dialog& dialog, Indexes, const Variant& value) {
+  DesignState& design = dialog.Design();
+  design.correlations = CorrelationsFrom(value, design.Names());
+}
+
+// What the matrix file of the whole design says of its variables.
+MatrixFile SummariesOf(DesignState design) {
+  for (DesignedVariable& variable : design.variables) variable.isLeftOut = true;
+  return MatrixOf(design);
+}
+
+template <std::vector<double> MatrixFile::*Summary>
+Variant GetSummary(Dialog& dialog, Indexes) {
+  Variant::Array numbers;
+  if (dialog.Design().variables.empty()) return numbers;
+  const MatrixFile file = SummariesOf(dialog.Design());
+  for (const double value : file.*Summary) numbers.emplace_back(value);
+  return numbers;
+}
+
+bool IsMean(double value) {
+  return std::isfinite(value);
+}
+bool IsDeviation(double value) {
+  return std::isfinite(value) && value > 0;
+}
+
+template <double DesignedVariable::*Summary, bool (*IsValid)(double)>
+void PutSummary(Dialog& dialog, Indexes, const Variant& value) {
+  const Variant::Array array = value.ToArray();
+  std::vector<DesignedVariable>& variables = dialog.Design().variables;
+  if (array.size() != variables.size())
+    throw Error(std::to_string(array.size()) + " values for " + std::to_string(variables.size()) +
+                " variables");
+  std::vector<double> numbers;
+  for (std::size_t i = 0; i < array.size(); ++i) {
+    numbers.push_back(array[i].IsEmpty() ? kNotSet : array[i].ToReal());
+    if (!IsNotSet(numbers.back()) && !IsValid(numbers.back()))
+      throw Error(array[i].ToText() + " is out of range", "variable " + variables[i].name);
+  }
+  for (std::size_t i = 0; i < numbers.size(); ++i) variables[i].*Summary = numbers[i];
+}
+
+DesignedVariable& Indexed(Dialog& dialog, Indexes indexes) {
+  return dialog.VariableAt(indexes[0].ToInteger());
+}
+
+// Throws Error unless the array holds a distribution that a person may enter.
+DistributionSpecification EnteredSpecification(const Variant& value) {
+  const Variant::Array array = value.ToArray();
+  if (array.empty()) throw Error("expected a distribution, got an empty array");
+  DistributionSpecification specification = SpecificationFromArray(array);
+  CheckEnteredSpecification(specification);
+  return specification;
+}
+
+Variant GetOwn(Dialog& dialog, Indexes indexes) {
+  const DesignedVariable& variable = Indexed(dialog, indexes);
+  return variable.own ? Variant(ArrayOf(*variable.own)) : Variant();
+}
+void PutOwn(Dialog& dialog, Indexes indexes, const Variant& value) {
+  DesignedVariable& variable = Indexed(dialog, indexes);
+  if (value.IsEmpty()) {
+    variable.own.reset();
+  } else {
+    variable.own = EnteredSpecification(value);
+  }
+  dialog.ShowVariables();
+}
+
+const DistributionSpecification& FittedAs(const DesignedVariable& variable, DistributionCode code) {
+  for (const DistributionSpecification& fitted : variable.fitted) {
+    if (fitted.code == code) return fitted;
+  }
+  throw Error("has no fitted " + std::string(DisplayName(code)) + " distribution",
+              "variable " + variable.name);
+}
+
+Variant GetSimulated(Dialog& dialog, Indexes indexes) {
+  const DesignedVariable& variable = Indexed(dialog, indexes);
+  const DistributionSpecification* from = SimulatedFrom(variable, dialog.Design().source);
+  return from != nullptr && !variable.isLeftOut ? Variant(ArrayOf(*from)) : Variant();
+}
+// A distribution that is put counts as the person's own, which are then simulated.
+void PutSimulated(Dialog& dialog, Indexes indexes, const Variant& value) {
+  DesignedVariable& variable = Indexed(dialog, indexes);
+  if (!value.IsEmpty()) {
+    variable.own = value.IsArray() ? EnteredSpecification(value) : FittedAs(variable, CodeFromVariant(value));
+    RequireTaken(dialog.Check(kUseFitted, false));
+  }
+  variable.isLeftOut = value.IsEmpty();
+  dialog.ShowVariables();
+}
+
+std::int32_t ShownVariable(Dialog& dialog) {
+  return dialog.Controls().Selection(kVariableList) + 1;
+}
+
+Variant CallSaveToInput(Dialog& dialog, Indexes) {
+  dialog.SaveToInput();
+  return {};
+}
+Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
+  return Variant::Object(dialog.ShowCorrelationMatrix());
+}
+
+// The last one has a place behind the members that macros know.
+constexpr std::array<Member, 9> kMembers{{
+    {"UserDefinedDesignMatrixVariableNames", GetNames, PutNames},
+    {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
+    {"UserDefinedDesignMatrixMean", GetSummary<&MatrixFile::means>,
+     PutSummary<&DesignedVariable::mean, IsMean>},
+    {"UserDefinedDesignMatrixStdDeviation", GetSummary<&MatrixFile::standardDeviations>,
+     PutSummary<&DesignedVariable::standardDeviation, IsDeviation>},
+    {"CustomDistributionSpecification", GetOwn, PutOwn},
+    Member{"SimulationSpecificationOfVariable", GetSimulated, PutSimulated}.ShownAt(ShownVariable),
+    Member{"SaveDistributionToInput", CallSaveToInput, nullptr}.ByButton(kSaveToInput),
+    Member{"CorrelationMatrix", GetCorrelationMatrix, nullptr}.ByButton(kCorrelationMatrix),
+    {"UseFittedDistributions", GetChecked<Dialog, kUseFitted>, PutChecked<Dialog, kUseFitted>},
+}};
+static_assert(Binds(kDesignSimulationInterface, kMembers));
+
+}  // namespace
+
+CDesignSimulation::CDesignSimulation(CSimulationAndRisk& analysis)
+    : CSimulationAndRiskModelessDialog(analysis, DesignTemplate()) {
+  EnableAutomation<CDesignSimulation>(kDesignSimulationInterface, "CDesignSimulation", kMembers);
+}
+
+}  // namespace brenvolt::sra

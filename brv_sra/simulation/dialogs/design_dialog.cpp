@@ -1,0 +1,298 @@
+#include "brv_sra/simulation/dialogs/design_dialog.h"
+
+#include <algorithm>
+#include <set>
+#include <utility>
+
+#include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/specification_array.h"
+#include "brv_sra/matrix/dialogs/correlation_entries.h"
+#include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/resources/dialog_templates.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+#include "host/automation/automation_failure.h"
+#include "host/automation/variable_list.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/tables/matrix_sheet.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace design_dialog;
+using Names = std::vector<std::string>;
+
+// A sheet whose variables are named by the design.
+bool TakesNames(const Spreadsheet& sheet) {
+  return sheet.Kind() == SheetKind::kData && sheet.CaseCount() == 0;
+}
+
+Names NumericVariables(const Spreadsheet& sheet) {
+  Names names;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    if (variable.Type() == VariableType::kNumeric) names.emplace_back(Trim(variable.Name()));
+  }
+  return names;
+}
+
+void CheckNames(const Names& names) {
+  if (names.empty()) throw Error("a design has at least one variable");
+  std::set<std::string> seen;
+  for (const std::string& name : names) {
+    if (name.empty()) throw Error("a variable has no name");
+    if (!seen.insert(name).second) throw Error("is there twice", "variable " + name);
+  }
+}
+
+// A cell of the matrix file that the input is.
+void PutCell(Spreadsheet& sheet, std::size_t variable, std::size_t row, double value) {
+  sheet.VariableAt(variable).MutableValues()[row] = value;
+}
+
+// Writes the design's part of a matrix file into it; variables that are not in the design keep theirs.
+void WriteIntoMatrix(const DesignState& design, Spreadsheet& sheet) {
+  const MatrixFile file = MatrixOf(design);
+  const Names names = VariableNames(sheet);
+  const MatrixSummaryRows rows(sheet.CaseCount());
+  const auto placeOf = [&](const std::string& name) {
+    return static_cast<std::size_t>(std::ranges::find(names, name) - names.begin());
+  };
+  for (std::size_t i = 0; i < file.variables.size(); ++i) {
+    const std::size_t column = placeOf(file.variables[i]);
+    PutCell(sheet, column, rows.means, file.means[i]);
+    PutCell(sheet, column, rows.standardDeviations, file.standardDeviations[i]);
+    for (std::size_t j = 0; j < file.variables.size(); ++j)
+      PutCell(sheet, column, placeOf(file.variables[j]), file.correlations[j][i]);
+  }
+}
+
+}  // namespace
+
+DesignedVariable& CDesignSimulation::VariableAt(std::int32_t place) const {
+  const std::size_t count = Design().variables.size();
+  if (place < 1 || static_cast<std::size_t>(place) > count)
+    throw Error("the design has no variable " + std::to_string(place) + "; it has " + std::to_string(count));
+  return Design().variables[static_cast<std::size_t>(place) - 1];
+}
+
+// A person may make a matrix file of the input's variables, which is then the input; the variables keep the
+// distributions that they carry in the former one.
+void CDesignSimulation::OnInitDialog() {
+  Spreadsheet* const former = GetInputTable();
+  SimulationAndRisk().ValidateOrDesignInputMatrixFile();
+  ReadInput();
+  if (former != nullptr && former != GetInputTable()) ReadFitted(*former);
+  Controls().SetChecked(kUseFitted, Design().source == ParameterSource::kFitted);
+  ShowVariables();
+}
+
+// What was designed before for variables of the same names stays.
+void CDesignSimulation::ReadInput() {
+  Spreadsheet* const input = GetInputTable();
+  if (input == nullptr) return;
+  SetDesignVariables(Design(), NumericVariables(*input));
+  ReadFitted(*input);
+  const MatrixState& matrix = SimulationAndRisk().Matrix();
+  if (matrix.attached) TakeMatrix(matrix.file, Design());
+}
+
+// A variable whose properties cannot be read counts as one without, so that it can be given a distribution.
+void CDesignSimulation::ReadFitted(Spreadsheet& sheet) {
+  const SheetPropertyStore store(sheet);
+  const Names names = VariableNames(sheet);
+  for (DesignedVariable& variable : Design().variables) {
+    const auto found = std::ranges::find(names, variable.name);
+    if (found == names.end()) continue;
+    try {
+      auto saved = SavedDistributions(store, static_cast<int>(found - names.begin()) + 1);
+      if (!saved.empty()) variable.fitted = std::move(saved);
+    } catch (const Error& error) {
+      Analysis().ShowMessage(error.what(), error.Where());
+    }
+  }
+}
+
+void CDesignSimulation::SetVariables(const Names& names) {
+  CheckNames(names);
+  const Spreadsheet* const input = GetInputTable();
+  if (input == nullptr || TakesNames(*input)) {
+    AddToInput(names);
+  } else {
+    const Names known = NumericVariables(*input);
+    for (const std::string& name : names) {
+      if (std::ranges::find(known, name) == known.end())
+        throw Error("no numeric variable called " + name, "sheet " + input->Name());
+    }
+  }
+  SetDesignVariables(Design(), names);
+  ReadFitted(*GetInputTable());
+  ShowVariables();
+}
+
+void CDesignSimulation::AddToInput(const Names& names) {
+  Spreadsheet* sheet = GetInputTable();
+  if (sheet == nullptr) {
+    if (Analysis().Document() == nullptr) throw Error("no document takes an input");
+    const auto document =
+        std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(szLoadResString(kDesignSheetName)));
+    sheet = &document->Table();
+    {
+      const ResultsToWorkbookOff off(*Analysis().Document());
+      Analysis().Interface().ShowDocument(document);
+    }
+    const ResultsLock lock(*Analysis().Document());
+    Analysis().Document()->SetInputTable(sheet, document);
+  }
+  const Names known = VariableNames(*sheet);
+  for (const std::string& name : names) {
+    if (std::ranges::find(known, name) == known.end()) sheet->AddVariable(Variable(name, 0));
+  }
+}
+
+void CDesignSimulation::RequireParticipants() const {
+  const auto takesPart = [this](const DesignedVariable& variable) {
+    return TakesPart(variable, Design().source);
+  };
+  if (std::ranges::none_of(Design().variables, takesPart)) throw Error(szLoadResString(kMsgDesignNothing));
+}
+
+void CDesignSimulation::SaveToInput() {
+  RequireParticipants();
+  Spreadsheet& input = *GetInputTable();
+  SheetPropertyStore store(input);
+  SaveDesign(store, VariableNames(input), Design());
+  if (!SimulationAndRisk().Matrix().attached) return;
+  WriteIntoMatrix(Design(), input);
+  SimulationAndRisk().ValidateInputMatrixFile();
+}
+
+std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
+  RequireParticipants();
+  const MatrixFile file = MatrixOf(Design());
+  const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file));
+  Analysis().Interface().ShowDocument(document);
+  SimulationAndRisk().Matrix().saved = file;
+  return document;
+}
+
+// ---- What a person does
+
+bool CDesignSimulation::Attempt(const std::function<void()>& action) const {
+  try {
+    action();
+    return true;
+  } catch (const Error& error) {
+    Analysis().ShowMessage(error.what(), error.Where());
+  }
+  return false;
+}
+
+DesignedVariable* CDesignSimulation::Highlighted() const {
+  const int place = Controls().Selection(kVariableList);
+  const bool exists = place >= 0 && static_cast<std::size_t>(place) < Design().variables.size();
+  return exists ? &Design().variables[static_cast<std::size_t>(place)] : nullptr;
+}
+
+void CDesignSimulation::ShowVariables() {
+  Names lines;
+  for (const DesignedVariable& variable : Design().variables) {
+    const DistributionSpecification* from = SimulatedFrom(variable, Design().source);
+    std::string line = from != nullptr ? SpecificationText(*from) : szLoadResString(kDesignNoDistribution);
+    if (variable.isLeftOut) line = szLoadResString(kDesignLeftOut);
+    lines.push_back(variable.name + ": " + line);
+  }
+  const int place = std::max(0, Controls().Selection(kVariableList));
+  Controls().SetItems(kVariableList, std::move(lines));
+  Controls().Select(kVariableList, place);
+  Controls().Enable(kEditCorrelations, Design().variables.size() > 1);
+  HighlightVariable();
+}
+
+void CDesignSimulation::HighlightVariable() {
+  const DesignedVariable* variable = Highlighted();
+  Controls().Enable(kTakesPart, variable != nullptr);
+  Controls().SetChecked(kTakesPart, variable != nullptr && !variable->isLeftOut);
+}
+
+bool CDesignSimulation::OnCommand(std::int32_t number) {
+  switch (number) {
+    case kVariables:
+      return AskForVariables();
+    case kEditCorrelations:
+      return EditCorrelations();
+    case kSaveToInput:
+      return Attempt([this] { SaveToInput(); });
+    case kCorrelationMatrix:
+      return Attempt([this] { ShowCorrelationMatrix(); });
+    default:
+      return CSimulationAndRiskModelessDialog::OnCommand(number);
+  }
+}
+
+void CDesignSimulation::OnControlChanged(std::int32_t number) {
+  switch (number) {
+    case kVariableList:
+      return HighlightVariable();
+    case kTakesPart:
+      Highlighted()->isLeftOut = !Controls().IsChecked(kTakesPart);
+      return ShowVariables();
+    case kUseFitted:
+      Design().source =
+          Controls().IsChecked(kUseFitted) ? ParameterSource::kFitted : ParameterSource::kUserSpecified;
+      return ShowVariables();
+    default:
+      return;
+  }
+}
+
+bool CDesignSimulation::AskForVariables() {
+  if (GetInputTable() == nullptr) return false;
+  VariableQuestion question;
+  question.caption = szLoadResString(kDesignSelectVariables);
+  question.names = NumericVariables(*GetInputTable());
+  for (const std::string& name : Design().Names()) {
+    const auto place = std::ranges::find(question.names, name) - question.names.begin();
+    question.first.push_back(VariableNumberOf(static_cast<std::size_t>(place)));
+  }
+  if (!Analysis().Interface().SelectVariables(question)) return false;
+  Names chosen;
+  for (const std::int16_t number : question.first)
+    chosen.push_back(question.names.at(static_cast<std::size_t>(number - 1)));
+  return Attempt([&] { SetVariables(chosen); });
+}
+
+bool CDesignSimulation::EditCorrelations() {
+  MatrixQuestion question;
+  question.title = szLoadResString(kDesignCorrelationTitle);
+  question.note = szLoadResString(kProfilerCorrelationNote);
+  question.names = Design().Names();
+  question.cells = CorrelationCells(Design().correlations);
+  if (!Analysis().Interface().EditMatrix(question)) return false;
+  if (TakeCells(question.cells, question.names.size(), Design().correlations)) return true;
+  ShowMessage(kMsgProfilerEntriesReset);
+  return false;
+}
+
+bool CDesignSimulation::OnOk() {
+  const bool saved = Attempt([this] {
+    SaveToInput();
+    SimulationAndRisk().Matrix().saved = MatrixOf(Design());
+  });
+  if (!saved) return false;
+  SimulationOptions& options = SimulationAndRisk().Simulation().options;
+  options.source = Design().source;
+  options.variables.clear();
+  const Names names = VariableNames(*GetInputTable());
+  for (const DesignedVariable& variable : Design().variables) {
+    if (!TakesPart(variable, Design().source)) continue;
+    const auto place = std::ranges::find(names, variable.name) - names.begin();
+    options.variables.push_back(VariableNumberOf(static_cast<std::size_t>(place)));
+  }
+  GoToStep(step::kSimulation);
+  return true;
+}
+
+}  // namespace brenvolt::sra
