@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <nlohmann/json.hpp>
 
 #include "host/tables/csv.h"
 #include "tests/run_program.h"
@@ -83,6 +84,18 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "out.csv"));
   }
   EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "prediction\n3\n\n");
+  constexpr const char* kReasons =
+      "No prediction for 1 of 2 cases\n"
+      "  Field  Reason                             Values  Count\n"
+      "  c      the model does not know the value  w           1\n";
+  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).err, kReasons);
+  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid", "-o", "out.csv"}).out,
+            std::string("Predictions of 2 cases written to out.csv\n") + kReasons);
+  const auto report = nlohmann::json::parse(
+      Run({"score", "model.pmml", "unseen.csv", "--leave-invalid", "--format", "json"}).out);
+  EXPECT_EQ(report["predictions"]["prediction"].dump(), "[3.0,null]");
+  EXPECT_EQ(report["unpredicted"].dump(),
+            R"([{"count":1,"field":"c","highest":null,"lowest":null,"reason":"unknown","value":"w"}])");
   EXPECT_EQ(Run({"score", "model.pmml"}).status, 2);
 }
 

@@ -4,6 +4,8 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/result_json.h"
+#include "apps/cli/unpredicted_report.h"
 #include "host/jobs/score_job.h"
 
 namespace brenvolt::cli {
@@ -12,17 +14,53 @@ namespace {
 struct ScoreCall {
   ScoreJob job;
   std::filesystem::path record;
+  ReportFormat format = ReportFormat::kTable;
 };
 
-void Score(const ScoreCall& call) {
-  const ScoreJob& job = call.job;
-  Recording recording(call.record);
-  const Spreadsheet predictions = job.Run(recording.Job());
-  if (job.output.empty()) {
-    std::fputs(CsvText(predictions, job.data.Format()).c_str(), stdout);
-  } else {
-    std::printf("Predictions of %zu cases written to %s\n", predictions.CaseCount(), job.output.c_str());
+// The columns of the predictions: texts, numbers, and null where there is none.
+nlohmann::ordered_json ColumnsJson(const Spreadsheet& predictions) {
+  nlohmann::ordered_json columns = nlohmann::ordered_json::object();
+  for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {
+    const Variable& variable = predictions.VariableAt(k);
+    auto values = nlohmann::ordered_json::array();
+    for (std::size_t i = 0; i < variable.Size(); ++i) {
+      const double value = variable.Values()[i];
+      const auto label = variable.IsMissing(i) ? std::nullopt : variable.Label(value);
+      values.push_back(label ? nlohmann::ordered_json(std::string(*label)) : NumberJson(value));
+    }
+    columns[variable.Name()] = std::move(values);
   }
+  return columns;
+}
+
+void ReportJson(const ScoreJob& job, const ScoreRun& run) {
+  nlohmann::ordered_json report = {{"cases", run.predictions.CaseCount()},
+                                   {"unpredicted", UnpredictedJson(run.unpredicted)}};
+  if (job.output.empty()) {
+    report["predictions"] = ColumnsJson(run.predictions);
+  } else {
+    report["output"] = {{"file", job.output.string()}};
+  }
+  std::fputs(JsonText(report).c_str(), stdout);
+}
+
+// Predictions on standard output stay alone there: programs read them.
+void ReportTable(const ScoreJob& job, const ScoreRun& run) {
+  const std::size_t cases = run.predictions.CaseCount();
+  const std::string unpredicted = UnpredictedText(run.unpredicted, cases, "cases");
+  if (job.output.empty()) {
+    std::fputs(CsvText(run.predictions, job.data.Format()).c_str(), stdout);
+    std::fputs(unpredicted.c_str(), stderr);
+    return;
+  }
+  std::printf("Predictions of %zu cases written to %s\n", cases, job.output.c_str());
+  std::fputs(unpredicted.c_str(), stdout);
+}
+
+void Score(const ScoreCall& call) {
+  Recording recording(call.record);
+  const ScoreRun run = call.job.Run(recording.Job());
+  (call.format == ReportFormat::kJson ? ReportJson : ReportTable)(call.job, run);
   recording.Commit();
 }
 
@@ -51,6 +89,7 @@ void AddScoreCommand(CLI::App& program) {
       "Leave a case without predictions where the model refuses one of its values; default: fail");
   AddDecimalCommaOption(*command, job.data);
   AddRecordOption(*command, call->record);
+  AddFormatOption(*command, call->format);
   command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv -o predicted.csv");
   command->callback([call] { Score(*call); });
 }

@@ -124,11 +124,12 @@ void Export(const std::string& source, const std::filesystem::path& output, bool
 
 // The predictions for the cases of an open sheet, or where it is null of the job's file.
 Sheet Score(const ScoreJob& job, const Sheet& cases) {
-  Sheet predictions =
-      Free(std::make_unique<Spreadsheet>(cases != nullptr ? job.Score(cases->Sheet()) : job.Score()));
+  ScoreRun run = cases != nullptr ? job.Score(cases->Sheet()) : job.Score();
+  Sheet predictions = Free(std::make_unique<Spreadsheet>(std::move(run.predictions)));
   Keep(predictions);
   RecordAsInput(cases);
   job.Record(TheJob(), predictions.get(), cases.get());
+  predictions->unpredicted = run.unpredicted.Reasons();
   return predictions;
 }
 

@@ -11,6 +11,7 @@
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/application/application.h"
+#include "host/models/unpredicted_cases.h"
 
 namespace brenvolt::python {
 
@@ -28,6 +29,8 @@ class SheetRef {
   const std::shared_ptr<CAnalysisTableDoc>& Document() const { return document_; }
   const std::shared_ptr<WorkbookRef>& Workbook() const { return workbook_; }
   bool IsFree() const { return own_ != nullptr; }
+
+  std::vector<UnpredictedReason> unpredicted;  // of predictions: why cases have none
 
  private:
   friend class WorkbookRef;

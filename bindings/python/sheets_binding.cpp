@@ -3,6 +3,7 @@
 #include <pybind11/stl/filesystem.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
@@ -258,6 +259,24 @@ void BindVariable(py::module_& module) {
           "__repr__", [](const VariableRef& v) { return "<Variable " + v.Get().Name() + ">"; }, InHost());
 }
 
+// A dictionary for each reason, None for what a reason does not have.
+py::list ReasonsOf(const std::vector<UnpredictedReason>& reasons) {
+  const auto orNone = [](const std::string& text) -> py::object {
+    return text.empty() ? py::object(py::none()) : py::object(py::str(text));
+  };
+  const auto number = [](double value) -> py::object {
+    return std::isnan(value) ? py::object(py::none()) : py::object(py::float_(value));
+  };
+  py::list list;
+  for (const UnpredictedReason& reason : reasons) {
+    list.append(py::dict(py::arg("field") = orNone(reason.field),
+                         py::arg("reason") = std::string(NoPredictionName(reason.reason)),
+                         py::arg("value") = orNone(reason.value), py::arg("lowest") = number(reason.lowest),
+                         py::arg("highest") = number(reason.highest), py::arg("count") = reason.cases));
+  }
+  return list;
+}
+
 void BindSheet(py::module_& module) {
   py::class_<Conditions>(module, "_Conditions");
   py::class_<SheetRef, Sheet> type(
@@ -287,6 +306,10 @@ void BindSheet(py::module_& module) {
               [](const Sheet& s) { return std::pair(s->Sheet().CaseCount(), s->Sheet().VariableCount()); },
               InHost()),
           "Numbers of cases and of variables.")
+      .def_property_readonly(
+          "unpredicted", [](const Sheet& s) { return ReasonsOf(s->unpredicted); },
+          "Of predictions: why cases have none, a dictionary with field, reason, value, lowest, highest and "
+          "count for each reason, the most frequent first.")
       .def("variable", py::overload_cast<const Sheet&, const std::string&>(&VariableCalled), InHost(),
            py::arg("name"), "The variable of that name, or of that number from 1.")
       .def("variable", py::overload_cast<const Sheet&, std::size_t>(&VariableNumber), InHost(),

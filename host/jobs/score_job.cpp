@@ -13,22 +13,24 @@ JobFaults ScoreJob::Check() const {
   return faults;
 }
 
-Spreadsheet ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet& cases) const {
+ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet& cases) const {
   if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
   ScoreOptions options;
   options.classProbabilities = probabilities;
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
-  return prediction.Score(cases, prediction.Name(), options);
+  UnpredictedCases unpredicted;
+  Spreadsheet predictions = prediction.Score(cases, prediction.Name(), options, &unpredicted);
+  return {std::move(predictions), std::move(unpredicted)};
 }
 
-Spreadsheet ScoreJob::Score() const {
+ScoreRun ScoreJob::Score() const {
   RequireNone(Check());
   const PredictionModel prediction = PredictionModel::Load(model);
   DataFile file = OpenDataFile(data.file, data.Format());
   return Predict(prediction, file.Sheet(data.sheet));
 }
 
-Spreadsheet ScoreJob::Score(const Spreadsheet& cases) const {
+ScoreRun ScoreJob::Score(const Spreadsheet& cases) const {
   RequireNone(Check());
   return Predict(PredictionModel::Load(model), cases);
 }
@@ -43,13 +45,13 @@ void ScoreJob::Record(JobRecorder& recorder, const void* predictions, const void
       predictions);
 }
 
-Spreadsheet ScoreJob::Run(JobRecorder& recorder) const {
-  Spreadsheet predictions = Score();
-  Record(recorder, &predictions);
-  if (output.empty()) return predictions;
-  WriteCsvFile(predictions, output, data.Format());
-  recorder.Called(&predictions, "to_csv", {PythonPath(output), DecimalCommaArgument(data.decimalComma)});
-  return predictions;
+ScoreRun ScoreJob::Run(JobRecorder& recorder) const {
+  ScoreRun run = Score();
+  Record(recorder, &run.predictions);
+  if (output.empty()) return run;
+  WriteCsvFile(run.predictions, output, data.Format());
+  recorder.Called(&run.predictions, "to_csv", {PythonPath(output), DecimalCommaArgument(data.decimalComma)});
+  return run;
 }
 
 }  // namespace brenvolt

@@ -179,6 +179,8 @@ class FileReader {
       ready_.constants.emplace_back(builder_.ConstantSlots()[k], builder_.Constants()[k]);
     }
     ready_.inputs = builder_.Inputs();
+    ready_.predictionInputs = builder_.PredictionInputs();
+    ready_.uses = builder_.Uses();
     ready_.fields = builder_.TakeFields();
   }
 

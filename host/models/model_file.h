@@ -21,6 +21,8 @@ struct ReadyModel {
   std::size_t fixed = 0;
   std::vector<std::pair<Slot, double>> constants;
   std::vector<InputColumn> inputs;   // what the program reads
+  std::size_t predictionInputs = 0;  // so many of them, the first ones, for more than outputs
+  std::map<const Field*, FieldUse> uses;
   std::vector<ModelResult> results;  // by dependent
   std::vector<OutputColumn> outputs;
   std::vector<std::string> dependents;

@@ -1,8 +1,13 @@
 // What is refused when a model is loaded or data are bound to it, and what the person is told.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
+#include <map>
+#include <optional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/models/prediction_model.h"
@@ -287,6 +292,90 @@ TEST(Pmml, PredictsColumnsFromColumnsOfCodes) {
   EXPECT_TRUE(std::isnan(y[2]));
   EXPECT_TRUE(std::isnan(y[3]));
   EXPECT_THROW(model.Predict(std::span(predictors).first(1), dependents), Error);
+}
+
+// A number from 0 to 10, one without a range, and a text; `attributes` are those of the first's mining field.
+std::string Ranged(const std::string& attributes) {
+  return R"(<PMML version="4.4"><DataDictionary>
+<DataField name="x" optype="continuous" dataType="double"><Interval closure="closedClosed" leftMargin="0" rightMargin="10"/></DataField>
+<DataField name="z" optype="continuous" dataType="double"/>
+<DataField name="c" optype="categorical" dataType="string"><Value value="u"/><Value value="v"/></DataField>
+</DataDictionary><RegressionModel functionName="regression"><MiningSchema><MiningField name="x")" +
+         attributes + R"(/><MiningField name="z"/><MiningField name="c"/></MiningSchema>
+<RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/><NumericPredictor name="z" coefficient="1"/>
+<CategoricalPredictor name="c" value="u" coefficient="5"/></RegressionTable></RegressionModel></PMML>)";
+}
+
+TEST(Pmml, TheRangeOfAFieldIsThatInWhichItHasPredictions) {
+  struct Case {
+    std::string attributes;
+    std::optional<double> lowest;
+    std::optional<double> highest;
+    bool predictsInvalid;
+    std::optional<double> replacement;
+  };
+  const Case cases[] = {
+      {"", 0, 10, false, {}},
+      {R"( invalidValueTreatment="asIs")", 0, 10, true, {}},
+      {R"( invalidValueTreatment="asMissing")", 0, 10, false, {}},
+      {R"( invalidValueTreatment="asMissing" missingValueReplacement="3")", 0, 10, true, 3},
+      {R"( invalidValueTreatment="asValue" invalidValueReplacement="3")", 0, 10, true, {}},
+      {R"( outliers="asMissingValues" lowValue="-5" highValue="7")", 0, 7, false, {}},
+      {R"( outliers="asMissingValues" lowValue="2" highValue="7" invalidValueTreatment="asIs")",
+       2,
+       7,
+       false,
+       {}},
+      {R"( outliers="asExtremeValues" lowValue="2" highValue="7")", 0, 10, false, {}},
+      {R"( missingValueTreatment="returnInvalid" missingValueReplacement="3")", 0, 10, false, {}},
+  };
+  for (const Case& wanted : cases) {
+    const PredictionModel model = PredictionModel::Parse(Ranged(wanted.attributes), "m.pmml");
+    const ModelField& x = model.Predictors()[0];
+    EXPECT_EQ(x.lowest, wanted.lowest) << wanted.attributes;
+    EXPECT_EQ(x.highest, wanted.highest) << wanted.attributes;
+    EXPECT_EQ(x.predictsInvalid, wanted.predictsInvalid) << wanted.attributes;
+    EXPECT_EQ(x.replacement, wanted.replacement) << wanted.attributes;
+    EXPECT_FALSE(model.Predictors()[1].lowest);
+  }
+}
+
+// "field reason values cases", a line for each.
+std::string LinesOf(const UnpredictedCases& unpredicted) {
+  std::string lines;
+  for (const UnpredictedReason& reason : unpredicted.Reasons()) {
+    lines += reason.field + " " + std::string(NoPredictionName(reason.reason)) + " " + reason.Values() + " " +
+             std::to_string(reason.cases) + "\n";
+  }
+  return lines;
+}
+
+// Several blocks and threads; each case counts once, by the first of its reasons.
+TEST(Pmml, CasesWithoutPredictionAreCountedByFieldAndValue) {
+  constexpr std::size_t kRows = 50'000;
+  std::vector<double> x(kRows, 5);
+  std::vector<double> z(kRows, 1);
+  std::vector<double> c(kRows, 1);
+  const std::map<double, std::string> labels{{1, "v"}, {2, "w"}, {3, "u"}};
+  for (std::size_t i = 0; i < kRows; i += 1000) x[i] = i == 0 ? -0.5 : 10 + static_cast<double>(i) / 1000;
+  for (std::size_t i = 1; i < kRows; i += 10'000) z[i] = NAN;
+  for (std::size_t i = 2; i < kRows; i += 5000) c[i] = 2;
+  x[2] = 11;  // and an unknown text in the same case
+  const std::vector<std::span<const double>> predictors{x, z, c};
+  std::vector<double> y(kRows);
+  const std::vector<std::span<double>> dependents{y};
+  const std::vector<const std::map<double, std::string>*> texts{nullptr, nullptr, &labels};
+  for (const char* attributes : {"", R"( invalidValueTreatment="asMissing")"}) {
+    UnpredictedCases unpredicted;
+    PredictionModel::Parse(Ranged(attributes), "m.pmml")
+        .Predict(predictors, dependents, {texts, &unpredicted});
+    EXPECT_EQ(y[3], 12);
+    EXPECT_EQ(unpredicted.Total(), static_cast<std::size_t>(std::ranges::count_if(
+                                       y, [](double value) { return std::isnan(value); })));
+    EXPECT_EQ(LinesOf(unpredicted), std::string(attributes).empty()
+                                        ? "x outside-range -0.5 to 59 51\nc unknown w 9\nz missing  5\n"
+                                        : "x outside-range -0.5 to 59 50\nc unknown w 10\nz missing  5\n");
+  }
 }
 
 // A class is its place in the dictionary, whatever the order in the model or the data.

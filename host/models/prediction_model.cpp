@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <mutex>
+#include <tuple>
 
 #include "host/base/error.h"
 #include "host/base/files/mapped_file.h"
@@ -39,13 +40,6 @@ void DescribeValues(const Field& field, const ReadyModel& model, ModelField& des
     const bool hasCode = field.type.IsText() || !description.isPredictor;
     description.codes.push_back(hasCode ? static_cast<double>(k + 1) : field.domain.valid[k]);
   }
-  for (const pmml::Interval& interval : field.domain.intervals) {
-    if (std::isfinite(interval.low))
-      description.lowest = std::fmin(description.lowest.value_or(interval.low), interval.low);
-    if (std::isfinite(interval.high)) {
-      description.highest = std::fmax(description.highest.value_or(interval.high), interval.high);
-    }
-  }
   const auto counts = model.counts.find(field.name);
   if (counts == model.counts.end()) return;
   double total = 0;
@@ -60,14 +54,38 @@ void DescribeValues(const Field& field, const ReadyModel& model, ModelField& des
   if (total <= 0) description.frequencies.clear();
 }
 
+// What the mining schema makes of the field's values.
+void DescribeUse(const Field& field, const ReadyModel& model, ModelField& description) {
+  const auto found = model.uses.find(&field);
+  if (found == model.uses.end()) return;
+  const pmml::FieldUse& use = found->second;
+  if (std::isfinite(use.lowest)) description.lowest = use.lowest;
+  if (std::isfinite(use.highest)) description.highest = use.highest;
+  description.predictsInvalid = use.predictsInvalid;
+  if (std::isnan(use.replacement)) return;
+  if (!field.type.IsText()) {
+    description.replacement = use.replacement;
+    return;
+  }
+  const auto at = std::ranges::find(field.domain.valid, use.replacement);
+  if (at == field.domain.valid.end()) return;
+  description.replacement = static_cast<double>(at - field.domain.valid.begin() + 1);
+}
+
+// Whether a prediction, and not only an output, reads the field.
+bool IsUsed(const Field& field, const ReadyModel& model) {
+  const auto read = std::span(model.inputs).first(model.predictionInputs);
+  return std::ranges::find(read, &field, &pmml::InputColumn::field) != read.end();
+}
+
 ModelField DescribePredictor(const Field& field, const ReadyModel& model) {
   ModelField description;
   description.name = field.name;
   description.kind =
       field.opType == OpType::kContinuous ? ModelFieldKind::kContinuous : ModelFieldKind::kCategorical;
-  description.isUsed =
-      std::ranges::any_of(model.inputs, [&](const auto& input) { return input.field == &field; });
+  description.isUsed = IsUsed(field, model);
   DescribeValues(field, model, description);
+  DescribeUse(field, model, description);
   return description;
 }
 
@@ -94,31 +112,126 @@ struct Wanted {
   double shift;  // added: class numbers from 0 become codes from 1
 };
 
-// Runs the program over all rows; `inputs` holds the columns of model.inputs. Returns the first refusal.
+// Whether the model goes on without the field: it replaces its missing values.
+bool IsReplaced(const Field& field, const ReadyModel& model) {
+  const auto use = model.uses.find(&field);
+  return use != model.uses.end() && !std::isnan(use->second.replacement);
+}
+
+// Whether a value that is not valid is counted for itself: it is a category, and not just any number.
+bool IsCategory(const Field& field) {
+  return field.type.IsText() || field.opType != OpType::kContinuous;
+}
+
+std::string TextOf(const Field& field, double value, const TextPool& pool) {
+  return field.type.IsText() ? std::string(pool.Text(value)) : pmml::FormatValue(field.type, value);
+}
+
+// Counts the cases of blocks that have no prediction, with their reasons.
+class Tally {
+ public:
+  Tally(const ReadyModel& model, const std::vector<const double*>& inputs) : model_(model), inputs_(inputs) {}
+
+  void CountBlock(const Frame& frame) {
+    const double* y = frame.In(model_.results.front().value);
+    bool whole = !frame.HasReasons();
+    for (std::size_t i = 0; i < frame.Rows(); ++i) whole = whole & (y[i] == y[i]);
+    if (whole) return;
+    for (std::size_t i = 0; i < frame.Rows(); ++i) {
+      const Frame::RowReason& reason = frame.ReasonOf(i);
+      if (!reason.isRefused && !std::isnan(y[i])) continue;
+      if (reason.field != nullptr) {
+        Count(*reason.field, reason.value);
+      } else if (const Field* field = MissingAt(frame.FirstRow() + i)) {
+        Count(*field, kMissing);
+      } else {
+        ++noResult_;
+      }
+    }
+  }
+
+  void AddTo(UnpredictedCases& unpredicted, const TextPool& pool) const {
+    if (noResult_ > 0) unpredicted.Add({NoPrediction::kNoResult, {}, {}, kMissing, kMissing, noResult_});
+    for (const auto& [key, counted] : counts_) {
+      const auto& [field, value, isMissing] = key;
+      UnpredictedReason reason{
+          NoPrediction::kMissingValue, field->name, {}, kMissing, kMissing, counted.cases};
+      if (!isMissing && IsCategory(*field)) {
+        reason.reason = NoPrediction::kUnknownValue;
+        reason.value = TextOf(*field, value, pool);
+      } else if (!isMissing) {
+        reason.reason = NoPrediction::kOutsideRange;
+        reason.lowest = counted.lowest;
+        reason.highest = counted.highest;
+      }
+      unpredicted.Add(reason);
+    }
+  }
+
+ private:
+  struct Counted {
+    std::size_t cases = 0;
+    double lowest = kMissing;
+    double highest = kMissing;
+  };
+
+  void Count(const Field& field, double value) {
+    const bool isMissing = std::isnan(value);
+    const double category = isMissing || !IsCategory(field) ? 0 : value;
+    Counted& counted = counts_[{&field, category, isMissing}];
+    ++counted.cases;
+    counted.lowest = std::fmin(counted.lowest, value);
+    counted.highest = std::fmax(counted.highest, value);
+  }
+
+  // The first field that the prediction reads, does not replace, and misses in the row.
+  const Field* MissingAt(std::size_t row) const {
+    for (std::size_t k = 0; k < model_.predictionInputs; ++k) {
+      if (!std::isnan(inputs_[k][row])) continue;
+      if (!IsReplaced(*model_.inputs[k].field, model_)) return model_.inputs[k].field;
+    }
+    return nullptr;
+  }
+
+  const ReadyModel& model_;
+  const std::vector<const double*>& inputs_;
+  std::map<std::tuple<const Field*, double, bool>, Counted> counts_;  // by field, category, missing
+  std::size_t noResult_ = 0;
+};
+
+void TakeColumn(const Frame& frame, const Wanted& column) {
+  const double* from = frame.In(column.slot);
+  double* to = column.values + frame.FirstRow();
+  for (std::size_t i = 0; i < frame.Rows(); ++i) to[i] = from[i] + column.shift;
+  if (!frame.HasReasons()) return;
+  for (std::size_t i = 0; i < frame.Rows(); ++i) {
+    if (frame.ReasonOf(i).isRefused) to[i] = kMissing;
+  }
+}
+
+// Runs the program over all rows; `inputs` holds the columns of model.inputs. Adds the reasons of cases
+// without prediction to `unpredicted` if it is not null. Returns the first refusal.
 pmml::Refusal Run(const ReadyModel& model, TextPool& pool, const std::vector<const double*>& inputs,
-                  std::size_t rows, const std::vector<Wanted>& wanted) {
+                  std::size_t rows, const std::vector<Wanted>& wanted, UnpredictedCases* unpredicted) {
   pmml::Refusal first;
   std::mutex guard;
   std::vector<std::array<double, kBlockRows>> constants(model.constants.size());
   for (std::size_t k = 0; k < constants.size(); ++k) constants[k].fill(model.constants[k].second);
   ParallelBlocks(rows, kTaskRows, [&](std::size_t begin, std::size_t end) {
     Frame frame(model.slots, model.fixed, pool);
+    Tally tally(model, inputs);
     for (std::size_t k = 0; k < constants.size(); ++k)
       frame.SetFixed(model.constants[k].first, constants[k].data());
     for (std::size_t at = begin; at < end; at += kBlockRows) {
-      const std::size_t count = std::min(kBlockRows, end - at);
-      frame.SetRows(at, count);
+      frame.SetRows(at, std::min(kBlockRows, end - at));
       for (std::size_t k = 0; k < inputs.size(); ++k) frame.SetFixed(model.inputs[k].slot, inputs[k] + at);
       pmml::RunProgram(model.program, frame);
-      for (const Wanted& column : wanted) {
-        const double* from = frame.In(column.slot);
-        for (std::size_t i = 0; i < count; ++i) {
-          column.values[at + i] = frame.IsRefused(i) ? kMissing : from[i] + column.shift;
-        }
-      }
+      for (const Wanted& column : wanted) TakeColumn(frame, column);
+      if (unpredicted != nullptr) tally.CountBlock(frame);
     }
     const std::lock_guard lock(guard);
     if (frame.FirstRefusal().row < first.row) first = frame.FirstRefusal();
+    if (unpredicted != nullptr) tally.AddTo(*unpredicted, pool);
   });
   return first;
 }
@@ -137,6 +250,8 @@ class Converted {
       values_ = variable.Values().data();
     }
   }
+  // A column that the data lack.
+  explicit Converted(std::size_t rows) { std::fill_n(Own(rows), rows, kMissing); }
   const double* Values() const { return values_; }
 
  private:
@@ -196,18 +311,51 @@ class Converted {
   const double* values_ = nullptr;
 };
 
+// The texts that the codes of a predictor stand for, as numbers of the pool: those of `labels`, or 1, 2, … for
+// the field's own.
+class CodedTexts {
+ public:
+  CodedTexts(const Field& field, const std::map<double, std::string>* labels, TextPool& pool)
+      : unknown_(pool.Number("")) {
+    if (labels != nullptr) {
+      for (const auto& [code, text] : *labels) texts_.emplace(code, pool.Number(text));
+      return;
+    }
+    for (const double text : field.domain.valid) texts_.emplace(static_cast<double>(texts_.size() + 1), text);
+  }
+
+  std::vector<double> Of(std::span<const double> codes) const {
+    std::vector<double> texts(codes.begin(), codes.end());
+    for (double& text : texts) {
+      if (std::isnan(text)) continue;
+      const auto found = texts_.find(text);
+      text = found != texts_.end() ? found->second : unknown_;
+    }
+    return texts;
+  }
+
+ private:
+  double unknown_;
+  std::map<double, double> texts_;
+};
+
 std::vector<Converted> Bind(const ReadyModel& model, const Spreadsheet& data, TextPool& pool) {
   std::string lacking;
   // In the order of the data dictionary.
   for (const auto& field : model.fields) {
     const bool isRead =
         std::ranges::any_of(model.inputs, [&](const auto& input) { return input.field == field.get(); });
-    if (isRead && !data.FindVariable(field->name)) lacking += (lacking.empty() ? "" : ", ") + field->name;
+    if (!isRead || IsReplaced(*field, model) || data.FindVariable(field->name)) continue;
+    lacking += (lacking.empty() ? "" : ", ") + field->name;
   }
   if (!lacking.empty()) throw Error("the data lack fields that the model needs: " + lacking, data.Name());
   std::vector<Converted> columns;
   for (const pmml::InputColumn& input : model.inputs) {
-    columns.emplace_back(data.VariableAt(*data.FindVariable(input.field->name)), *input.field, pool);
+    if (const auto place = data.FindVariable(input.field->name)) {
+      columns.emplace_back(data.VariableAt(*place), *input.field, pool);
+    } else {
+      columns.emplace_back(data.CaseCount());
+    }
   }
   return columns;
 }
@@ -216,9 +364,8 @@ std::vector<Converted> Bind(const ReadyModel& model, const Spreadsheet& data, Te
   const std::string place =
       " of field " + refusal.field->name + " in case " + std::to_string(refusal.row + 1);
   if (std::isnan(refusal.value)) throw Error("the model refuses the missing value" + place, where);
-  const std::string value = refusal.field->type.IsText()
-                                ? "\"" + std::string(pool.Text(refusal.value)) + "\""
-                                : pmml::FormatValue(refusal.field->type, refusal.value);
+  const std::string text = TextOf(*refusal.field, refusal.value, pool);
+  const std::string value = refusal.field->type.IsText() ? "\"" + text + "\"" : text;
   throw Error("the model refuses the value " + value + place + ", which it does not know as valid", where);
 }
 
@@ -281,51 +428,45 @@ std::optional<double> PredictionModel::MeanSquaredError() const {
 }
 
 void PredictionModel::Predict(std::span<const std::span<const double>> predictors,
-                              std::span<const std::span<double>> dependents) const {
+                              std::span<const std::span<double>> dependents,
+                              const PredictOptions& options) const {
   const ReadyModel& model = *content_->model;
   const std::size_t rows = dependents.empty() ? 0 : dependents[0].size();
-  const auto hasRows = [rows](const auto& column) { return column.size() == rows; };
-  const bool fits = predictors.size() == content_->predictors.size() &&
-                    dependents.size() == content_->dependents.size() &&
-                    std::ranges::all_of(predictors, hasRows) && std::ranges::all_of(dependents, hasRows);
+  bool fits = predictors.size() == content_->predictors.size() &&
+              dependents.size() == content_->dependents.size() &&
+              (options.labels.empty() || options.labels.size() == predictors.size());
+  for (const auto& column : dependents) fits = fits && column.size() == rows;
+  for (std::size_t k = 0; fits && k < predictors.size(); ++k)
+    fits = predictors[k].size() == rows || (predictors[k].empty() && !content_->predictors[k].isUsed);
   if (!fits) throw Error("the columns are not those of the model", content_->name);
   TextPool pool(&model.pool);
   const std::vector<double> missing(rows, kMissing);
   std::vector<std::vector<double>> converted;
+  converted.reserve(model.inputs.size());
   std::vector<const double*> inputs;
   for (const pmml::InputColumn& input : model.inputs) {
     const auto at = std::ranges::find(model.predictors, input.field);
-    if (at == model.predictors.end()) {
+    const auto place = static_cast<std::size_t>(at - model.predictors.begin());
+    if (at == model.predictors.end() || predictors[place].empty()) {
       inputs.push_back(missing.data());
-      continue;
+    } else if (!input.field->type.IsText()) {
+      inputs.push_back(predictors[place].data());
+    } else {
+      const auto* labels = options.labels.empty() ? nullptr : options.labels[place];
+      const CodedTexts texts(*input.field, labels, pool);
+      inputs.push_back(converted.emplace_back(texts.Of(predictors[place])).data());
     }
-    const std::span<const double> column =
-        predictors[static_cast<std::size_t>(at - model.predictors.begin())];
-    if (!input.field->type.IsText()) {
-      inputs.push_back(column.data());
-      continue;
-    }
-    auto& texts = converted.emplace_back(rows, kMissing);
-    const std::vector<double>& valid = input.field->domain.valid;
-    const double unknown = pool.Number("");
-    for (std::size_t i = 0; i < rows; ++i) {
-      const double code = column[i];
-      if (std::isnan(code)) continue;
-      const bool isKnown = code >= 1 && code <= static_cast<double>(valid.size()) && code == std::floor(code);
-      texts[i] = isKnown ? valid[static_cast<std::size_t>(code) - 1] : unknown;
-    }
-    inputs.push_back(texts.data());
   }
   std::vector<Wanted> wanted;
   for (std::size_t k = 0; k < dependents.size(); ++k) {
     const double shift = content_->dependents[k].isText ? 1 : 0;
     wanted.push_back({model.results[k].value, dependents[k].data(), shift});
   }
-  Run(model, pool, inputs, rows, wanted);
+  Run(model, pool, inputs, rows, wanted, options.unpredicted);
 }
 
 Spreadsheet PredictionModel::Score(const Spreadsheet& data, const std::string& name,
-                                   const ScoreOptions& options) const {
+                                   const ScoreOptions& options, UnpredictedCases* unpredicted) const {
   const ReadyModel& model = *content_->model;
   const std::size_t rows = data.CaseCount();
   TextPool pool(&model.pool);
@@ -352,7 +493,7 @@ Spreadsheet PredictionModel::Score(const Spreadsheet& data, const std::string& n
     const double shift = k < model.results.size() && content_->dependents[k].isText ? 1 : 0;
     wanted.push_back({slots[k], variables[k].MutableValues().data(), shift});
   }
-  const pmml::Refusal refusal = Run(model, pool, inputs, rows, wanted);
+  const pmml::Refusal refusal = Run(model, pool, inputs, rows, wanted, unpredicted);
   if (refusal.field != nullptr && options.invalid == InvalidValues::kError)
     Refuse(refusal, pool, data.Name());
   for (std::size_t k = 0; k < model.results.size(); ++k) {

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -16,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/models/unpredicted_cases.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
@@ -34,10 +36,17 @@ struct ModelField {
   std::vector<std::string> labels;
   // The relative frequencies of the codes in the data of training, if the file gives them; else empty.
   std::vector<double> frequencies;
-  // The range of valid values that the file declares.
+  // The range of valid numbers that the file declares: that of its intervals, narrowed by the bounds beyond
+  // which outliers become missing.
   std::optional<double> lowest;
   std::optional<double> highest;
-  // False for a predictor that the file lists but no formula of it reads.
+  // Whether a value that is not valid has a prediction nevertheless: the model takes it as it is, or replaces
+  // it. If not, a case with such a value has none.
+  bool predictsInvalid = false;
+  // The value that takes the place of a missing one, if the model has one: a code for texts. Such a predictor
+  // may be left out of the data.
+  std::optional<double> replacement;
+  // False for a predictor that the file lists but no prediction reads.
   bool isUsed = true;
 
   // "In;Cont", "In;Cat", "Out;Cont" or "Out;Cat".
@@ -53,6 +62,14 @@ enum class InvalidValues : std::uint8_t {
 struct ScoreOptions {
   InvalidValues invalid = InvalidValues::kError;
   bool classProbabilities = false;  // adds a column "probability(CLASS)" for every class
+};
+
+struct PredictOptions {
+  // By predictor, the texts of its codes if they are not those of the model's description; null for the
+  // others. Empty: all codes are the model's.
+  std::span<const std::map<double, std::string>* const> labels;
+  // If not null, why cases have no prediction is added to it.
+  UnpredictedCases* unpredicted = nullptr;
 };
 
 class PredictionModel {
@@ -76,17 +93,19 @@ class PredictionModel {
 
   // Predicts columns from columns: predictors[k] holds the values of Predictors()[k], in codes for texts,
   // dependents[k] receives those of Dependents()[k]; all of one length. NaN is missing; a code that stands
-  // for no text is an unknown value. Cases whose values the model refuses as invalid get NaN. Throws Error
-  // for columns of wrong number or length.
+  // for no text is an unknown value. Cases whose values the model refuses as invalid get NaN. The columns of
+  // predictors that are not used may be empty. Throws Error for columns of wrong number or length.
   void Predict(std::span<const std::span<const double>> predictors,
-               std::span<const std::span<double>> dependents) const;
+               std::span<const std::span<double>> dependents, const PredictOptions& options = {}) const;
 
   // Predicts from a sheet whose variables have the names of the model's fields, in any order; variables that
   // the model does not know are left alone. Returns a sheet named `name` of the dependents, the outputs, and
   // what the options ask for. A categorical dependent is a text variable: the code of its class in the order
-  // of the data dictionary, from 1, with the class as label. Throws Error naming every field that the sheet
-  // lacks, and, with its case, a text where a field needs numbers.
-  Spreadsheet Score(const Spreadsheet& data, const std::string& name, const ScoreOptions& options = {}) const;
+  // of the data dictionary, from 1, with the class as label. Adds to `unpredicted`, if it is not null, why
+  // cases have no prediction. Throws Error naming every field that the sheet lacks, and, with its case, a
+  // text where a field needs numbers.
+  Spreadsheet Score(const Spreadsheet& data, const std::string& name, const ScoreOptions& options = {},
+                    UnpredictedCases* unpredicted = nullptr) const;
 
  private:
   struct Content;

@@ -431,7 +431,7 @@ class Application:
         """The predictions of a PMML model for the cases of a file, by the name of its sheet, or of an open sheet.
 
         probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
-        the model refuses a value.
+        the model refuses a value. The predictions' `unpredicted` says why cases have none.
         """
         job = _brenvolt.ScoreJob()
         job.model, job.probabilities, job.leave_invalid = model, probabilities, leave_invalid

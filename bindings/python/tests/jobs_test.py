@@ -35,6 +35,18 @@ class Folder(unittest.TestCase):
         return done.stdout
 
 
+class Scores(Folder):
+    def test_cases_without_prediction_have_reasons(self):
+        data = self.file("cases.csv")
+        with open(data, "w") as file:
+            file.write("temp,ibh,ibt\n40,2693,87\n41,,128\n")
+        model = os.path.join(EXAMPLES, "ozone_regression.pmml")
+        predictions = brenvolt.Application().score(model, data)
+        self.assertEqual(predictions.unpredicted, [{"field": "ibh", "reason": "missing", "value": None, "lowest": None,
+                                                    "highest": None, "count": 1}])
+        self.assertEqual(brenvolt.Application().score(model, example("ozone")).unpredicted, [])
+
+
 class Fits(Folder):
     def test_known_answers(self):
         """Weibull by mpmath, generalized extreme value as printed by Coles (2001)."""

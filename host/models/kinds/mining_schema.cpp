@@ -1,5 +1,6 @@
 // Mining schemas: the fields that a model takes, and what becomes of their outliers, missing and invalid
 // values.
+#include <algorithm>
 #include <cmath>
 
 #include "host/models/kinds/model.h"
@@ -59,12 +60,14 @@ class Treat final : public Step {
         frame.RefuseRow(row, field_, x);
         return kMissing;
       }
-      isMissing = treatment_.invalid == Invalid::kMissing;
       if (treatment_.invalid == Invalid::kValue) return treatment_.invalidReplacement;
+      isMissing = treatment_.invalid == Invalid::kMissing;
+      if (isMissing) frame.NoteLostValue(row, field_, x);
     }
     if (!isMissing && treatment_.outliers != Outliers::kAsIs && (x < treatment_.low || x > treatment_.high)) {
       if (treatment_.outliers == Outliers::kExtreme)
         return x < treatment_.low ? treatment_.low : treatment_.high;
+      frame.NoteLostValue(row, field_, x);
       isMissing = true;
     }
     if (!isMissing) return x;
@@ -114,12 +117,32 @@ Treatment ReadTreatment(const Element& element, TypeInfo type, bool isNested, Bu
   return treatment;
 }
 
+// What the treatment means for the data of the field.
+FieldUse UseBy(const Treatment& treatment, const Domain& domain) {
+  FieldUse use;
+  use.replacement = treatment.refusesMissing ? kMissing : treatment.missingReplacement;
+  if (!domain.intervals.empty()) {
+    use.lowest = std::ranges::min(domain.intervals, {}, &Interval::low).low;
+    use.highest = std::ranges::max(domain.intervals, {}, &Interval::high).high;
+  }
+  const bool isKept = !std::isnan(use.replacement);
+  use.predictsInvalid = treatment.invalid == Invalid::kAsIs || treatment.invalid == Invalid::kValue ||
+                        (treatment.invalid == Invalid::kMissing && isKept);
+  if (treatment.outliers == Outliers::kMissing && !isKept) {
+    use.lowest = std::fmax(use.predictsInvalid ? treatment.low : use.lowest, treatment.low);
+    use.highest = std::fmin(use.predictsInvalid ? treatment.high : use.highest, treatment.high);
+    use.predictsInvalid = false;
+  }
+  return use;
+}
+
 Operand Treated(const std::string& name, const Element& element, Scope& scope, Scope& outside,
                 bool isNested) {
   Operand operand = outside.Resolve(name, element);
   operand.opType = ReadOpType(element, operand.opType);
   const Treatment treatment = ReadTreatment(element, operand.type, isNested, scope.Build());
   const Domain domain = operand.field == nullptr ? Domain() : operand.field->domain;
+  if (operand.field != nullptr && !isNested) scope.Build().UseOf(*operand.field) = UseBy(treatment, domain);
   if (treatment.DoesNothing(domain)) return operand;
   if (operand.field == nullptr) {
     auto field = std::make_unique<Field>();

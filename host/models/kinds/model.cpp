@@ -102,6 +102,7 @@ ModelResult ReadModel(const Element& model, Scope& outside, Program& program, co
   result.field = place.field;
   if (place.field != nullptr) result.displayLabels = place.field->displayLabels;
   if (const auto targets = model.FindChild("Targets")) ApplyTargets(*targets, place, result);
+  if (options.outer == nullptr) builder.EndPrediction();
   if (output) outputs = ReadOutput(*output, result, place);
   return result;
 }

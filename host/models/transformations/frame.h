@@ -24,7 +24,7 @@ inline constexpr Slot kNoSlot = std::numeric_limits<Slot>::max();
 
 struct Field;
 
-// The first row whose value of a field is refused by the treatment of invalid or missing values.
+// A row whose value of a field is refused, or made missing, by the treatment of invalid or missing values.
 struct Refusal {
   std::size_t row = std::numeric_limits<std::size_t>::max();
   const Field* field = nullptr;
@@ -50,7 +50,8 @@ class Frame {
   void SetRows(std::size_t first, std::size_t count) {
     first_ = first;
     rows_ = count;
-    std::fill(invalid_.begin(), invalid_.end(), std::uint8_t{0});
+    if (hasReasons_) std::ranges::fill(reasons_, RowReason());
+    hasReasons_ = false;
     std::fill(whole_.begin(), whole_.end(), Wholeness::kOpen);
   }
 
@@ -68,12 +69,25 @@ class Frame {
     return known == Wholeness::kMissing;
   }
 
-  // Rows without a result, because a field's value is refused.
+  // A row without a result, because a field's value is refused. The first refusal of a row is its reason.
   void RefuseRow(std::size_t row, const Field& field, double value) {
-    invalid_[row] = 1;
+    if (!reasons_[row].isRefused) reasons_[row] = {&field, value, true};
+    hasReasons_ = true;
     if (first_ + row < refusal_.row) refusal_ = {first_ + row, &field, value};
   }
-  bool IsRefused(std::size_t row) const { return invalid_[row] != 0; }
+  // A row that goes on without a field's value: the reason if it ends without a result.
+  void NoteLostValue(std::size_t row, const Field& field, double value) {
+    if (reasons_[row].field == nullptr) reasons_[row] = {&field, value, false};
+    hasReasons_ = true;
+  }
+  struct RowReason {
+    const Field* field = nullptr;  // null: no value was refused or lost
+    double value = 0;
+    bool isRefused = false;
+  };
+  // Whether any row of the block has a reason; most blocks have none.
+  bool HasReasons() const { return hasReasons_; }
+  const RowReason& ReasonOf(std::size_t row) const { return reasons_[row]; }
   const Refusal& FirstRefusal() const { return refusal_; }
 
  private:
@@ -85,7 +99,8 @@ class Frame {
   TextPool* pool_;
   std::size_t first_ = 0;
   std::size_t rows_ = 0;
-  std::vector<std::uint8_t> invalid_ = std::vector<std::uint8_t>(kBlockRows);
+  std::vector<RowReason> reasons_ = std::vector<RowReason>(kBlockRows);
+  bool hasReasons_ = false;
   Refusal refusal_;
 };
 

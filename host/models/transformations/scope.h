@@ -37,6 +37,14 @@ struct InputColumn {
   Slot slot;
 };
 
+// What the outermost mining schema makes of a field of the dictionary.
+struct FieldUse {
+  double replacement = kMissing;  // of missing values; missing if they are not replaced
+  double lowest = -std::numeric_limits<double>::infinity();  // the range of valid numbers
+  double highest = std::numeric_limits<double>::infinity();
+  bool predictsInvalid = false;  // values that are not valid have predictions nevertheless
+};
+
 class Scope;
 
 class Builder {
@@ -61,6 +69,9 @@ class Builder {
   // Declared fields in the order of the dictionary.
   const std::vector<const Field*>& Declared() const { return order_; }
 
+  FieldUse& UseOf(const Field& field) { return uses_[&field]; }
+  const std::map<const Field*, FieldUse>& Uses() const { return uses_; }
+
   void DefineFunction(const Element& function);
   const Element* FindFunction(const std::string& name) const;
   std::set<std::string>& FunctionsInUse() { return inUse_; }
@@ -70,6 +81,9 @@ class Builder {
   // Settles every name of every scope, so that faults in definitions that nothing uses are found, and then
   // forgets the steps and inputs that this brought.
   void CheckUnused(const Element& at);
+  // The inputs so far are those that the prediction reads; later ones are read by outputs alone.
+  void EndPrediction() { predicting_ = inputs_.size(); }
+  std::size_t PredictionInputs() const { return predicting_; }
 
   // Counts an expression against the limit.
   void CountExpression(const Element& at);
@@ -104,8 +118,10 @@ class Builder {
   std::vector<Slot> constantSlots_;
   std::map<std::uint64_t, Slot> knownConstants_;
   std::vector<InputColumn> inputs_;
+  std::size_t predicting_ = 0;
   std::vector<std::unique_ptr<Field>> fields_;
   std::vector<const Field*> order_;
+  std::map<const Field*, FieldUse> uses_;
   std::map<std::string, const Field*, std::less<>> declared_;
   std::vector<std::unique_ptr<Scope>> scopes_;
   std::map<std::string, Element> functions_;
