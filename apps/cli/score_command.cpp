@@ -36,6 +36,10 @@ nlohmann::ordered_json ColumnsJson(const Spreadsheet& predictions) {
 void ReportJson(const ScoreJob& job, const ScoreRun& run) {
   nlohmann::ordered_json report = {{"cases", run.predictions.CaseCount()},
                                    {"unpredicted", UnpredictedJson(run.unpredicted)}};
+  auto unavailable = nlohmann::ordered_json::array();
+  for (const UnavailableOutput& output : run.unavailable)
+    unavailable.push_back({{"name", output.name}, {"reason", output.reason}});
+  report["unavailableOutputs"] = std::move(unavailable);
   if (job.output.empty()) {
     report["predictions"] = ColumnsJson(run.predictions);
   } else {
@@ -47,14 +51,16 @@ void ReportJson(const ScoreJob& job, const ScoreRun& run) {
 // Predictions on standard output stay alone there: programs read them.
 void ReportTable(const ScoreJob& job, const ScoreRun& run) {
   const std::size_t cases = run.predictions.CaseCount();
-  const std::string unpredicted = UnpredictedText(run.unpredicted, cases, "cases");
+  std::string notes = UnpredictedText(run.unpredicted, cases, "cases");
+  for (const UnavailableOutput& output : run.unavailable)
+    notes += "The output " + output.name + " is left out: " + output.reason + "\n";
   if (job.output.empty()) {
     std::fputs(CsvText(run.predictions, job.data.Format()).c_str(), stdout);
-    std::fputs(unpredicted.c_str(), stderr);
+    std::fputs(notes.c_str(), stderr);
     return;
   }
   std::printf("Predictions of %zu cases written to %s\n", cases, job.output.c_str());
-  std::fputs(unpredicted.c_str(), stdout);
+  std::fputs(notes.c_str(), stdout);
 }
 
 void Score(const ScoreCall& call) {

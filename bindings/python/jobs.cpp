@@ -130,6 +130,7 @@ Sheet Score(const ScoreJob& job, const Sheet& cases) {
   RecordAsInput(cases);
   job.Record(TheJob(), predictions.get(), cases.get());
   predictions->unpredicted = run.unpredicted.Reasons();
+  predictions->unavailable = std::move(run.unavailable);
   return predictions;
 }
 

@@ -11,7 +11,7 @@
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/application/application.h"
-#include "host/models/unpredicted_cases.h"
+#include "host/models/prediction_model.h"
 
 namespace brenvolt::python {
 
@@ -30,7 +30,9 @@ class SheetRef {
   const std::shared_ptr<WorkbookRef>& Workbook() const { return workbook_; }
   bool IsFree() const { return own_ != nullptr; }
 
-  std::vector<UnpredictedReason> unpredicted;  // of predictions: why cases have none
+  // Of predictions: why cases have none, and the outputs of the model that cannot be given.
+  std::vector<UnpredictedReason> unpredicted;
+  std::vector<UnavailableOutput> unavailable;
 
  private:
   friend class WorkbookRef;

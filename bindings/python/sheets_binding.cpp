@@ -310,6 +310,16 @@ void BindSheet(py::module_& module) {
           "unpredicted", [](const Sheet& s) { return ReasonsOf(s->unpredicted); },
           "Of predictions: why cases have none, a dictionary with field, reason, value, lowest, highest and "
           "count for each reason, the most frequent first.")
+      .def_property_readonly(
+          "unavailable_outputs",
+          [](const Sheet& s) {
+            std::map<std::string, std::string> reasons;
+            for (const UnavailableOutput& output : s->unavailable)
+              reasons.emplace(output.name, output.reason);
+            return reasons;
+          },
+          "Of predictions: the outputs that the model declares and that cannot be given, each with the "
+          "reason.")
       .def("variable", py::overload_cast<const Sheet&, const std::string&>(&VariableCalled), InHost(),
            py::arg("name"), "The variable of that name, or of that number from 1.")
       .def("variable", py::overload_cast<const Sheet&, std::size_t>(&VariableNumber), InHost(),

@@ -2,7 +2,6 @@
 
 #include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
-#include "host/models/prediction_model.h"
 
 namespace brenvolt {
 
@@ -20,7 +19,7 @@ ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet&
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
   UnpredictedCases unpredicted;
   Spreadsheet predictions = prediction.Score(cases, prediction.Name(), options, &unpredicted);
-  return {std::move(predictions), std::move(unpredicted)};
+  return {std::move(predictions), std::move(unpredicted), prediction.UnavailableOutputs()};
 }
 
 ScoreRun ScoreJob::Score() const {

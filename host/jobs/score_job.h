@@ -5,15 +5,14 @@
 
 #include "host/jobs/job_data.h"
 #include "host/jobs/job_fault.h"
-#include "host/models/unpredicted_cases.h"
+#include "host/models/prediction_model.h"
 
 namespace brenvolt {
-
-class PredictionModel;
 
 struct ScoreRun {
   Spreadsheet predictions;       // a case each
   UnpredictedCases unpredicted;  // why cases have none
+  std::vector<UnavailableOutput> unavailable;
 };
 
 struct ScoreJob {

@@ -156,6 +156,7 @@ class FileReader {
     ReadOptions options;
     options.transformations = transformations;
     ready_.results.push_back(ReadModel(*model, raw, ready_.program, options, ready_.outputs));
+    SetFaultyOutputsApart();
     ReadPredictors(*model);
     builder_.CheckUnused(*model);
     ReadTraining(*model, ready_);
@@ -164,6 +165,13 @@ class FileReader {
   }
 
  private:
+  void SetFaultyOutputsApart() {
+    const auto isGood = [](const OutputColumn& output) { return !output.fault; };
+    const auto faulty = std::ranges::stable_partition(ready_.outputs, isGood);
+    ready_.faultyOutputs.assign(std::move_iterator(faulty.begin()), std::move_iterator(faulty.end()));
+    ready_.outputs.erase(faulty.begin(), faulty.end());
+  }
+
   void ReadPredictors(const Element& model) {
     for (const Element& field : model.Child("MiningSchema").Children()) {
       if (field.Text("usageType", "active") != "active") continue;

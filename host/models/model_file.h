@@ -25,6 +25,7 @@ struct ReadyModel {
   std::map<const Field*, FieldUse> uses;
   std::vector<ModelResult> results;  // by dependent
   std::vector<OutputColumn> outputs;
+  std::vector<OutputColumn> faultyOutputs;  // which the model cannot give
   std::vector<std::string> dependents;
   std::map<std::string, std::vector<std::pair<std::string, double>>> counts;  // of values, by field
   std::optional<double> meanSquaredError;

@@ -83,10 +83,6 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
        "the pattern \"(\" is not supported: missing ): ( (m.pmml, line 10)"},
       {Regression(Local(Derived("d", ref) + Derived("d", ref))),
        "the field d is defined twice (m.pmml, line 10)"},
-      {Regression("<Output><OutputField name=\"o\" feature=\"standardError\"/></Output>"),
-       "the attribute feature of OutputField is \"standardError\", which is not supported (m.pmml, line 9)"},
-      {Regression("<Output><OutputField name=\"o\" feature=\"probability\" value=\"u\"/></Output>"),
-       "the model has no probabilities (m.pmml, line 9)"},
       {Regression("", " isScorable=\"false\""),
        "the model declares that it is not meant for scoring (m.pmml, line 7)"},
       {kHead + "</PMML>", "the file holds no model (m.pmml, line 1)"},
@@ -183,6 +179,56 @@ TEST(Pmml, RefusesFunctionsThatUnfoldWithoutEnd) {
   EXPECT_TRUE(RefusalOf(Regression(Local(
                             own + Derived("d", "<Apply function=\"g\"><FieldRef field=\"x\"/></Apply>"))))
                   .starts_with("the function g calls itself"));
+}
+
+// Inputs in extensions that the reader does not know must not end in predictions from the priors alone.
+TEST(Pmml, ANaiveBayesModelWithoutInputsThatAreUnderstoodIsRefused) {
+  const auto model = [](const std::string& inputs) {
+    return kHead +
+           R"(<NaiveBayesModel functionName="classification" threshold="0.1"><MiningSchema><MiningField name="x"/>
+<MiningField name="c" usageType="target"/></MiningSchema>
+<BayesInputs>)" +
+           inputs +
+           R"(</BayesInputs><BayesOutput fieldName="c"><TargetValueCounts><TargetValueCount value="u" count="1"/>
+<TargetValueCount value="v" count="1"/></TargetValueCounts></BayesOutput></NaiveBayesModel></PMML>)";
+  };
+  EXPECT_EQ(RefusalOf(model("<Extension><Inputs/></Extension>")),
+            "the model has no inputs that are understood (m.pmml, line 9)");
+  EXPECT_EQ(RefusalOf(model("<BayesInput fieldName=\"x\"><Extension><Stats/></Extension></BayesInput>")),
+            "the input has neither counts nor distributions (m.pmml, line 9)");
+}
+
+// A fault in one output leaves the definitions that it asked for usable.
+TEST(Pmml, OutputsThatCannotBeGivenAreLeftOutOneByOne) {
+  const std::string model = Regression(
+      "<Output><OutputField name=\"error\" feature=\"standardError\"/>\n"
+      "<OutputField name=\"bad\" feature=\"transformedValue\"><Apply function=\"f\"><FieldRef "
+      "field=\"c\"/></Apply></OutputField>"
+      "<OutputField name=\"good\" feature=\"transformedValue\"><Apply function=\"f\"><FieldRef "
+      "field=\"x\"/></Apply></OutputField>"
+      "<OutputField name=\"many\" isMultiValued=\"1\"/>"
+      "<OutputField name=\"share\" feature=\"probability\" value=\"u\"/>"
+      "<OutputField name=\"ofError\" feature=\"transformedValue\"><FieldRef "
+      "field=\"error\"/></OutputField></Output>" +
+      Local("<DefineFunction name=\"f\"><ParameterField name=\"a\"/><Apply function=\"exp\"><FieldRef "
+            "field=\"a\"/></Apply>"
+            "</DefineFunction>"));
+  const PredictionModel loaded = PredictionModel::Parse(model, "m.pmml");
+  const Spreadsheet found = loaded.Score(ReadCsvText("x,c\n0,u\n", "data"), "out");
+  ASSERT_EQ(found.VariableCount(), 2U);
+  EXPECT_EQ(found.VariableAt(1).Name(), "good");
+  EXPECT_EQ(found.VariableAt(1).Values()[0], 1);
+  std::string faults;
+  for (const UnavailableOutput& output : loaded.UnavailableOutputs())
+    faults += output.name + ": " + output.reason + "\n";
+  EXPECT_EQ(faults,
+            "error: the attribute feature of OutputField is \"standardError\", which is not supported "
+            "(m.pmml, line 9)\n"
+            "bad: texts cannot be used where numbers are needed (m.pmml, line 11)\n"
+            "many: an output of several values is not supported (m.pmml, line 10)\n"
+            "share: the model has no probabilities (m.pmml, line 10)\n"
+            "ofError: the attribute feature of OutputField is \"standardError\", which is not supported "
+            "(m.pmml, line 9)\n");
 }
 
 // Each text is twice the one before: after forty of them no memory would hold it.

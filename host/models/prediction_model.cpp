@@ -26,6 +26,7 @@ struct PredictionModel::Content {
   std::string name;
   std::vector<ModelField> predictors;
   std::vector<ModelField> dependents;
+  std::vector<UnavailableOutput> unavailable;
 };
 
 namespace {
@@ -411,6 +412,10 @@ PredictionModel PredictionModel::Parse(std::string_view text, const std::string&
   for (const Field* field : model.predictors) content->predictors.push_back(DescribePredictor(*field, model));
   for (std::size_t k = 0; k < model.results.size(); ++k)
     content->dependents.push_back(DescribeDependent(k, model));
+  for (const pmml::OutputColumn& output : model.faultyOutputs) {
+    content->unavailable.push_back(
+        {output.name, std::string(output.fault->what()) + " (" + output.fault->Where() + ")"});
+  }
   return PredictionModel(std::move(content));
 }
 
@@ -425,6 +430,10 @@ const std::vector<ModelField>& PredictionModel::Dependents() const {
 }
 std::optional<double> PredictionModel::MeanSquaredError() const {
   return content_->model->meanSquaredError;
+}
+
+const std::vector<UnavailableOutput>& PredictionModel::UnavailableOutputs() const {
+  return content_->unavailable;
 }
 
 void PredictionModel::Predict(std::span<const std::span<const double>> predictors,

@@ -64,6 +64,12 @@ struct ScoreOptions {
   bool classProbabilities = false;  // adds a column "probability(CLASS)" for every class
 };
 
+// An output that a file declares and that cannot be given.
+struct UnavailableOutput {
+  std::string name;
+  std::string reason;  // with the place in the file
+};
+
 struct PredictOptions {
   // By predictor, the texts of its codes if they are not those of the model's description; null for the
   // others. Empty: all codes are the model's.
@@ -90,6 +96,8 @@ class PredictionModel {
   const std::vector<ModelField>& Dependents() const;
   // The mean squared error that the file reports of its training, if it does.
   std::optional<double> MeanSquaredError() const;
+  // The outputs that Score leaves out.
+  const std::vector<UnavailableOutput>& UnavailableOutputs() const;
 
   // Predicts columns from columns: predictors[k] holds the values of Predictors()[k], in codes for texts,
   // dependents[k] receives those of Dependents()[k]; all of one length. NaN is missing; a code that stands

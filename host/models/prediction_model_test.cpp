@@ -70,7 +70,9 @@ INSTANTIATE_TEST_SUITE_P(Models, PmmlInterchangeReference,
                                          Interchange{"SupportVectorMachineIris", "Iris.csv"}),
                          [](const auto& info) { return std::string(info.param.model); });
 
+// In a folder of references with its own table of cases.
 struct MadeCase {
+  std::string folder;
   std::string name;
   std::string data;
 };
@@ -80,26 +82,30 @@ void PrintTo(const MadeCase& made, std::ostream* out) {
 }
 
 std::vector<MadeCase> MadeCases() {
-  std::ifstream table(kReference + "made/cases.csv");
-  std::string line;
-  std::getline(table, line);
   std::vector<MadeCase> cases;
-  while (std::getline(table, line)) {
-    const std::size_t comma = line.find(',');
-    cases.push_back({line.substr(0, comma), line.substr(comma + 1)});
+  for (const std::string folder : {"made/", "exports/"}) {
+    std::ifstream table(kReference + folder + "cases.csv");
+    std::string line;
+    std::getline(table, line);
+    while (std::getline(table, line)) {
+      const std::size_t comma = line.find(',');
+      cases.push_back({folder, line.substr(0, comma), line.substr(comma + 1)});
+    }
   }
   return cases;
 }
 
-void ExpectMadeAgreement(const PredictionModel& model, const std::string& name, const std::string& data) {
-  ExpectAgreement(model, "made/data/" + data + ".csv", "made/expected/" + name + ".csv");
+void ExpectMadeAgreement(const PredictionModel& model, const MadeCase& made) {
+  ExpectAgreement(model, made.folder + "data/" + made.data + ".csv",
+                  made.folder + "expected/" + made.name + ".csv");
 }
 
 class PmmlMadeReference : public testing::TestWithParam<MadeCase> {};
 
 TEST_P(PmmlMadeReference, AgreesWithTheLibraryOrTheDefinitionWrittenOut) {
-  const auto& [name, data] = GetParam();
-  ExpectMadeAgreement(PredictionModel::Load(kReference + "made/models/" + name + ".pmml"), name, data);
+  const MadeCase& made = GetParam();
+  ExpectMadeAgreement(PredictionModel::Load(kReference + made.folder + "models/" + made.name + ".pmml"),
+                      made);
 }
 INSTANTIATE_TEST_SUITE_P(Models, PmmlMadeReference, testing::ValuesIn(MadeCases()),
                          [](const auto& info) { return info.param.name; });
@@ -194,7 +200,7 @@ TEST_P(PmmlForestReference, CombinesItsTreesAsTheLibraryOrTheDefinitionDoes) {
   const Forest forest = std::string(data) == "Iris"
                             ? Forest("species", "classification", {"setosa", "versicolor", "virginica"})
                             : Forest("y", "regression", {});
-  ExpectMadeAgreement(PredictionModel::Parse(forest.Model(data, method), name), name, data);
+  ExpectMadeAgreement(PredictionModel::Parse(forest.Model(data, method), name), {"made/", name, data});
 }
 INSTANTIATE_TEST_SUITE_P(
     Models, PmmlForestReference,

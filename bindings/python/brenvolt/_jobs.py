@@ -549,11 +549,20 @@ def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, l
     data: as for fit(); the columns that the model reads are found by their names.
     probabilities: also the probability of every class; leave_invalid: no prediction, instead of an Error, where the model
     refuses a value.
+
+    attrs["unpredicted"] of the frame says why cases have no prediction: for each reason its field, reason, value, the lowest
+    and the highest number, and the count. attrs["unavailable_outputs"] names the outputs of the model that cannot be given,
+    with the reason.
     """
     job = _job(_brenvolt.ScoreJob, model=model, probabilities=probabilities, leave_invalid=leave_invalid,
                data=_file_of(data))
     job.check()
     if isinstance(data, (str, os.PathLike)):
         job.sheet = sheet or ""
-        return job.run(None).to_pandas()
-    return job.run(_sheet_of(data, sheet)).to_pandas()
+        predictions = job.run(None)
+    else:
+        predictions = job.run(_sheet_of(data, sheet))
+    frame = predictions.to_pandas()
+    frame.attrs["unpredicted"] = predictions.unpredicted
+    frame.attrs["unavailable_outputs"] = predictions.unavailable_outputs
+    return frame

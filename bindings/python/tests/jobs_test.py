@@ -45,6 +45,13 @@ class Scores(Folder):
         self.assertEqual(predictions.unpredicted, [{"field": "ibh", "reason": "missing", "value": None, "lowest": None,
                                                     "highest": None, "count": 1}])
         self.assertEqual(brenvolt.Application().score(model, example("ozone")).unpredicted, [])
+        self.assertEqual(brenvolt.score(model, data).attrs["unpredicted"], predictions.unpredicted)
+
+    def test_outputs_that_cannot_be_given_are_named(self):
+        model = os.path.join(EXAMPLES, "../host/models/reference/exports/models/RegressionExport.pmml")
+        frame = brenvolt.score(model, {"x": [1.0, 2.0]})
+        self.assertEqual(list(frame.columns), ["y", "double"])
+        self.assertEqual(list(frame.attrs["unavailable_outputs"]), ["error", "ofError"])
 
 
 class Fits(Folder):

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -10,6 +12,12 @@
 
 namespace brenvolt::pmml {
 namespace {
+
+std::string LowerCase(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+  return lower;
+}
 
 // The encoding that the XML declaration names, in lower case; empty if it names none.
 std::string DeclaredEncoding(std::string_view text) {
@@ -20,9 +28,7 @@ std::string DeclaredEncoding(std::string_view text) {
   const auto begin = declaration.find_first_of("\"'", at);
   if (begin == std::string_view::npos) return {};
   const auto end = declaration.find(declaration[begin], begin + 1);
-  std::string name(declaration.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1));
-  for (char& c : name) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return name;
+  return LowerCase(declaration.substr(begin + 1, end == std::string_view::npos ? end : end - begin - 1));
 }
 
 std::string FromLatin1(std::string_view text) {
@@ -43,6 +49,21 @@ std::string FromLatin1(std::string_view text) {
 std::string_view LocalName(std::string_view name) {
   const auto colon = name.find(':');
   return colon == std::string_view::npos ? name : name.substr(colon + 1);
+}
+
+// How many letters must be put in, left out or replaced to make one text of the other (Levenshtein 1966).
+std::size_t Edits(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  std::iota(row.begin(), row.end(), std::size_t{0});
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i + 1);
+    for (std::size_t j = 0; j < b.size(); ++j) {
+      const std::size_t replaced = diagonal + (a[i] == b[j] ? 0 : 1);
+      diagonal = row[j + 1];
+      row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+    }
+  }
+  return row.back();
 }
 
 bool IsForeign(std::string_view attribute) {
@@ -162,6 +183,17 @@ bool Element::Flag(const char* name, bool otherwise) const {
   return Choice<bool>(name, {{"true", true}, {"false", false}, {"1", true}, {"0", false}}, otherwise);
 }
 
+std::string Element::SpellingOf(const char* name) const {
+  constexpr std::size_t kMostEdits = 2;
+  if (node_.attribute(name)) return name;
+  for (const pugi::xml_attribute attribute : node_.attributes()) {
+    const std::string_view written = attribute.name();
+    if (!IsForeign(written) && Edits(LowerCase(written), LowerCase(name)) <= kMostEdits)
+      return std::string(written);
+  }
+  return name;
+}
+
 void Element::PassOver(std::initializer_list<const char*> names) const {
   for (const char* name : names) Find(name);
 }
@@ -187,6 +219,22 @@ std::vector<Element> Element::Children() const {
   for (const pugi::xml_node node : node_.children()) {
     if (node.type() != pugi::node_element) continue;
     if (LocalName(node.name()) != "Extension") children.emplace_back(*document_, node);
+  }
+  return children;
+}
+
+std::vector<Element> Element::ChildrenAndExtended(std::string_view name) const {
+  std::vector<Element> children;
+  for (const pugi::xml_node node : node_.children()) {
+    if (node.type() != pugi::node_element) continue;
+    const Element child(*document_, node);
+    if (!child.Is("Extension")) {
+      children.push_back(child);
+      continue;
+    }
+    for (const Element& inner : child.Children()) {
+      if (inner.Is(name)) children.push_back(inner);
+    }
   }
   return children;
 }
@@ -229,8 +277,8 @@ std::optional<double> ReadReal(std::string_view text) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   text = TrimXml(text);
   if (text.starts_with('+')) text.remove_prefix(1);
-  if (text == "INF") return kInfinity;
-  if (text == "-INF") return -kInfinity;
+  if (text == "INF" || text == "Infinity") return kInfinity;
+  if (text == "-INF" || text == "-Infinity") return -kInfinity;
   return ParseNumber(text);
 }
 

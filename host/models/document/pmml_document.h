@@ -77,6 +77,9 @@ class Element {
     const auto text = Find(name);
     return text ? ChoiceOf<Value>(name, *text, choices) : otherwise;
   }
+  // The name of an attribute as the element has it: another one that differs from `name` by letter case and
+  // at most two letters, where the element has none of that very name. `name` itself if there is none.
+  std::string SpellingOf(const char* name) const;
   // Marks attributes as read that say nothing about scoring.
   void PassOver(std::initializer_list<const char*> names) const;
   // Throws for the first attribute that was not read.
@@ -86,6 +89,9 @@ class Element {
 
   // The children in order, without extensions.
   std::vector<Element> Children() const;
+  // The same, with children called `name` that stand inside extensions in their places: older versions had no
+  // other place for them.
+  std::vector<Element> ChildrenAndExtended(std::string_view name) const;
   std::optional<Element> FindChild(std::string_view name) const;
   Element Child(std::string_view name) const;
   // The only child; throws where there are more or none.
@@ -109,8 +115,8 @@ class Element {
   mutable std::uint64_t read_ = 0;  // a bit per attribute, in their order
 };
 
-// A number as XML Schema writes doubles, blanks around it allowed: with a sign, INF, -INF. Nothing for other
-// text, NaN included.
+// A number as XML Schema writes doubles, blanks around it allowed: with a sign, INF, -INF, and, as some
+// programs do, Infinity. Nothing for other text, NaN included.
 std::optional<double> ReadReal(std::string_view text);
 
 // What separates words in XML.

@@ -412,7 +412,14 @@ class EnsembleReader {
               ? static_cast<double>(result_.classes.Number(label, place_.Build(), *model))
               : kMissing);
     }
-    for (const OutputColumn& output : segment.outputs) inside.Define(output.name, output.operand);
+    for (const OutputColumn& output : segment.outputs) {
+      if (output.fault) {
+        inside.DefineFault(output.name, *output.fault);
+      } else {
+        inside.Define(output.name, output.operand);
+      }
+    }
+    std::erase_if(segment.outputs, [](const OutputColumn& output) { return output.fault.has_value(); });
     if (options.reuse == nullptr) result_.segments[segment.id] = segment.result;
     e.segments.push_back(std::move(segment));
   }

@@ -90,6 +90,7 @@ struct OutputColumn {
   std::string name;
   Operand operand;
   bool isFinal = true;
+  std::optional<Error> fault;  // why the model cannot give it; it has no operand then
 };
 struct ReadOptions {
   const ModelPlace* outer = nullptr;
@@ -114,7 +115,8 @@ std::vector<std::string> ReadMiningSchema(const Element& element, Scope& scope, 
 // The Targets element: adjusts the result of the model.
 void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result);
 
-// The Output element; its fields are defined in `scope` as well.
+// The Output element; its fields are defined in a scope inside. One that cannot be given has a fault, and
+// everything else goes on.
 std::vector<OutputColumn> ReadOutput(const Element& element, const ModelResult& result, const Place& place);
 
 // The prediction as a value of the target's type: a text for a class of texts.

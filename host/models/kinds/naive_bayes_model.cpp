@@ -60,10 +60,11 @@ class BayesReader {
     }
     if (!inputs || priors_.empty()) model_.Fail("the model needs BayesInputs and a BayesOutput");
     inputs->RefuseOtherAttributes();
-    for (const Element& input : inputs->Children()) {
+    for (const Element& input : inputs->ChildrenAndExtended("BayesInput")) {
       if (!input.Is("BayesInput")) input.Refuse();
       ReadInput(input);
     }
+    if (inputs_.empty()) inputs->Fail("the model has no inputs that are understood");
     return Finish();
   }
 
@@ -99,7 +100,8 @@ class BayesReader {
       operand = CompileDerivedField(*derived, place_);
     input.slot = operand.slot;
     std::vector<std::pair<double, Counts>> pairs;
-    for (const Element& child : element.Children()) {
+    // Before version 4.1 the distributions had no place of their own.
+    for (const Element& child : element.ChildrenAndExtended("TargetValueStats")) {
       if (child.Is("DerivedField")) continue;
       if (child.Is("PairCounts")) {
         const double value = place_.Build().ValueOf(child.Text("value"), operand.type, child);

@@ -279,11 +279,13 @@ class NetworkReader {
     ModelResult result;
     result.classes = place_.classes;
     std::map<std::size_t, Slot> byClass;
+    std::map<std::size_t, std::string> neuronOf;
     for (const Element& output : outputs.Children()) {
       if (!output.Is("NeuralOutput")) output.Refuse();
       const auto neuron = neurons_.find(output.Text("outputNeuron"));
       if (neuron == neurons_.end()) output.Fail("unknown neuron " + output.Text("outputNeuron"));
       output.RefuseOtherAttributes();
+      result.entityIds = {neuron->first};
       const Element expression = ExpressionOf(output);
       if (place_.function == Function::kRegression) {
         if (result.value != kNoSlot) output.Fail("the network has several outputs; one is supported");
@@ -292,18 +294,35 @@ class NetworkReader {
       }
       if (!expression.Is("NormDiscrete")) expression.Refuse();
       expression.PassOver({"field", "method", "mapMissingTo"});
-      byClass[result.classes.Number(expression.Text("value"), place_.Build(), expression)] = neuron->second;
+      const std::size_t number = result.classes.Number(expression.Text("value"), place_.Build(), expression);
+      byClass[number] = neuron->second;
+      neuronOf[number] = neuron->first;
       expression.RefuseAnythingElse();
     }
     if (place_.function == Function::kRegression) {
       if (result.value == kNoSlot) outputs.Fail("the network has no outputs");
+      AddOnlyEntity(outputs, result);
       return result;
     }
     result.probabilities.assign(result.classes.Count(), place_.Build().Constant(kMissing));
     for (const auto& [number, slot] : byClass) result.probabilities[number] = slot;
     result.value = AddGreatest(result.probabilities, place_.NewResult(outputs), place_.program);
     result.confidences = result.probabilities;
+    // The winning neuron is that of the class.
+    result.entities = {result.value};
+    result.entityIds.assign(result.classes.Count(), "");
+    for (const auto& [number, id] : neuronOf) result.entityIds[number] = id;
     return result;
+  }
+
+  // The one neuron of a number's output wins wherever there is a prediction.
+  void AddOnlyEntity(const Element& at, ModelResult& result) {
+    if (!place_.wants.entities) return;
+    result.entities = {place_.Build().NewSlot(at)};
+    AddStep(place_.program, [in = result.value, out = result.entities.front()](Frame& frame) {
+      const double* x = frame.In(in);
+      for (std::size_t i = 0; i < frame.Rows(); ++i) frame.Out(out)[i] = std::isnan(x[i]) ? kMissing : 0;
+    });
   }
 
   const Element& model_;

@@ -29,6 +29,7 @@ class OutputReader {
     column.name = field.Text("name");
     column.isFinal = field.Flag("isFinalResult", true);
     field.PassOver({"displayName", "optype"});
+    if (field.Flag("isMultiValued", false)) field.Fail("an output of several values is not supported");
     const Feature feature = ReadFeature();
     const ModelResult& result = ResultOf();
     const std::string target = field.Text("targetField", result.target);
@@ -215,8 +216,15 @@ std::vector<OutputColumn> ReadOutput(const Element& element, const ModelResult& 
   std::vector<OutputColumn> columns;
   for (const Element& field : element.Children()) {
     if (!field.Is("OutputField")) field.Refuse();
-    columns.push_back(reader.Read(field));
-    scope.Define(columns.back().name, columns.back().operand);
+    OutputColumn column;
+    try {
+      column = reader.Read(field);
+      scope.Define(column.name, column.operand);
+    } catch (const Error& fault) {
+      column = {field.Text("name"), {}, true, fault};
+      scope.DefineFault(column.name, fault);
+    }
+    columns.push_back(std::move(column));
   }
   return columns;
 }

@@ -320,6 +320,7 @@ ModelResult ReadSupportVectorMachine(const Element& model, ModelPlace& place) {
       model.Choice<bool>("classificationMethod", {{"OneAgainstAll", false}, {"OneAgainstOne", true}}, false);
   const bool maxWins = model.Flag("maxWins", false);
   const auto threshold = model.FindReal("threshold");
+  const std::string alternative = model.Text("alternateBinaryTargetCategory", "");
   Kernel kernel;
   const auto dictionary =
       std::make_shared<Dictionary>(ReadDictionary(model.Child("VectorDictionary"), place));
@@ -334,6 +335,9 @@ ModelResult ReadSupportVectorMachine(const Element& model, ModelPlace& place) {
       child.Refuse();
     }
   }
+  // Versions 3 name the other class of a single machine at the model.
+  if (machines->size() == 1 && machines->front().alternative.empty())
+    machines->front().alternative = alternative;
   CheckMachines(model, *machines, *dictionary, hasVectors);
   std::vector<Slot> decisions;
   const bool isRegression = place.function == Function::kRegression;

@@ -82,6 +82,7 @@ TargetValue ReadTargetValue(const Element& element, Adjustment& adjustment) {
   value.displayValue = element.Text("displayValue", "");
   value.prior = element.FindReal("priorProbability");
   adjustment.otherwise = element.Real("defaultValue", adjustment.otherwise);
+  element.PassOver({"rawDataValue"});
   for (const Element& child : element.Children()) {
     if (!child.Is("Partition")) child.Refuse();  // a Partition describes the data of training
   }

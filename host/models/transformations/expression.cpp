@@ -286,7 +286,7 @@ Operand CompileMapValues(const Element& element, const Place& place, std::option
 Operand CallDefined(const Element& function, const std::string& name, std::span<const Operand> arguments,
                     const Place& place, const Element& at) {
   const Builder::Depth depth(place.Build(), at);
-  if (!place.Build().FunctionsInUse().insert(name).second) at.Fail("the function " + name + " calls itself");
+  const Builder::Call call(place.Build(), name, at);
   function.PassOver({"name"});
   const TypeInfo type = ReadDataType(function, kText);
   const bool hasType = function.Find("dataType").has_value();
@@ -314,7 +314,6 @@ Operand CallDefined(const Element& function, const std::string& name, std::span<
   if (count < arguments.size()) at.Fail("the function " + name + " takes fewer arguments");
   if (!body) function.Fail("the function " + name + " has no expression");
   const Operand result = CompileExpression(*body, inside, hasType ? std::optional(type) : std::nullopt);
-  place.Build().FunctionsInUse().erase(name);
   return hasType ? Cast(result, type, place, at) : result;
 }
 
@@ -473,10 +472,13 @@ Operand Cast(const Operand& operand, TypeInfo type, const Place& place, const El
 }
 
 Operand CompileDerivedField(const Element& element, const Place& place) {
-  element.PassOver({"name", "displayName"});
-  const OpType opType = ReadOpType(element, OpType::kContinuous);
+  // Programs are found to misspell these.
+  const std::string opTypeName = element.SpellingOf("optype");
+  const std::string dataTypeName = element.SpellingOf("dataType");
+  element.PassOver({"name", element.SpellingOf("displayName").c_str()});
+  const OpType opType = ReadOpType(element, OpType::kContinuous, opTypeName.c_str());
   std::optional<TypeInfo> type;
-  if (element.Find("dataType")) type = ReadDataType(element, kDouble);
+  if (element.Find(dataTypeName.c_str())) type = ReadDataType(element, kDouble, dataTypeName.c_str());
   element.RefuseOtherAttributes();
   std::optional<Element> body;
   std::vector<std::string> labels;
@@ -498,7 +500,7 @@ Operand CompileDerivedField(const Element& element, const Place& place) {
     // expression.
     result = Cast(result, *type, place, element);
   }
-  if (element.Find("optype")) result.opType = opType;
+  if (element.Find(opTypeName.c_str())) result.opType = opType;
   if (!labels.empty()) {
     auto field = std::make_unique<Field>();
     field->name = element.Text("name", "");

@@ -83,8 +83,17 @@ Builder::Depth::Depth(Builder& builder, const Element& at) : builder_(builder) {
   ++builder_.depth_;
 }
 
+Builder::Call::Call(Builder& builder, const std::string& function, const Element& at)
+    : builder_(builder), function_(function) {
+  if (!builder_.inUse_.insert(function).second) at.Fail("the function " + function + " calls itself");
+}
+
 void Scope::Define(const std::string& name, Operand operand) {
   entries_[name].operand = std::move(operand);
+}
+
+void Scope::DefineFault(const std::string& name, const Error& fault) {
+  entries_[name].fault = fault;
 }
 
 void Scope::DefineLater(const std::string& name, std::function<Operand()> make, const Element& at) {
@@ -99,10 +108,16 @@ bool Scope::Knows(const std::string& name) const {
 
 Operand Scope::Settle(Entry& entry, const std::string& name, const Element& at) {
   if (entry.operand) return *entry.operand;
+  if (entry.fault) throw Error(*entry.fault);
   if (entry.isBusy) at.Fail("the field " + name + " is defined by itself");
   const Builder::Depth depth(*builder_, at);
   entry.isBusy = true;
-  entry.operand = entry.make();
+  try {
+    entry.operand = entry.make();
+  } catch (const Error&) {
+    entry.isBusy = false;
+    throw;
+  }
   entry.isBusy = false;
   return *entry.operand;
 }
@@ -115,7 +130,9 @@ Operand Scope::Resolve(const std::string& name, const Element& at) {
 }
 
 void Scope::SettleAll(const Element& at) {
-  for (auto& [name, entry] : entries_) Settle(entry, name, at);
+  for (auto& [name, entry] : entries_) {
+    if (!entry.fault) Settle(entry, name, at);
+  }
 }
 
 }  // namespace brenvolt::pmml

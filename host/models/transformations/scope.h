@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/base/error.h"
 #include "host/models/transformations/frame.h"
 #include "host/models/transformations/values.h"
 
@@ -74,7 +75,6 @@ class Builder {
 
   void DefineFunction(const Element& function);
   const Element* FindFunction(const std::string& name) const;
-  std::set<std::string>& FunctionsInUse() { return inUse_; }
 
   // A scope that lives as long as the builder.
   Scope& NewScope(Scope* parent, Program& program);
@@ -109,6 +109,18 @@ class Builder {
    private:
     Builder& builder_;
   };
+  // Guards against functions that call themselves.
+  class Call {
+   public:
+    Call(Builder& builder, const std::string& function, const Element& at);
+    ~Call() { builder_.inUse_.erase(function_); }
+    Call(const Call&) = delete;
+    Call& operator=(const Call&) = delete;
+
+   private:
+    Builder& builder_;
+    std::string function_;
+  };
 
  private:
   TextPool* pool_;
@@ -142,6 +154,8 @@ class Scope {
   Program& Steps() { return *program_; }
 
   void Define(const std::string& name, Operand operand);
+  // A name that stands for nothing: asking for it throws the fault.
+  void DefineFault(const std::string& name, const Error& fault);
   // `make` is called once, when the name is first asked for.
   void DefineLater(const std::string& name, std::function<Operand()> make, const Element& at);
   bool Knows(const std::string& name) const;
@@ -153,6 +167,7 @@ class Scope {
  private:
   struct Entry {
     std::optional<Operand> operand;
+    std::optional<Error> fault;
     std::function<Operand()> make;
     bool isBusy = false;
   };

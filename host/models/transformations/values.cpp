@@ -110,8 +110,8 @@ double DaysToYear(int year) {
       std::chrono::sys_days(std::chrono::year{year} / std::chrono::January / 1).time_since_epoch().count());
 }
 
-TypeInfo ReadDataType(const Element& element, TypeInfo otherwise) {
-  const auto text = element.Find("dataType");
+TypeInfo ReadDataType(const Element& element, TypeInfo otherwise, const char* attribute) {
+  const auto text = element.Find(attribute);
   if (!text) return otherwise;
   struct Counting {
     std::string_view prefix;
@@ -126,19 +126,19 @@ TypeInfo ReadDataType(const Element& element, TypeInfo otherwise) {
     constexpr int kLastYear = 9999;
     if (year && *year >= 0 && *year <= kLastYear) return {counting.type, *year};
   }
-  return {element.Choice<DataType>("dataType", {{"string", DataType::kText},
-                                                {"integer", DataType::kInteger},
-                                                {"float", DataType::kFloat},
-                                                {"double", DataType::kDouble},
-                                                {"boolean", DataType::kBoolean},
-                                                {"date", DataType::kDate},
-                                                {"time", DataType::kTime},
-                                                {"dateTime", DataType::kDateTime},
-                                                {"timeSeconds", DataType::kTimeSeconds}})};
+  return {element.Choice<DataType>(attribute, {{"string", DataType::kText},
+                                               {"integer", DataType::kInteger},
+                                               {"float", DataType::kFloat},
+                                               {"double", DataType::kDouble},
+                                               {"boolean", DataType::kBoolean},
+                                               {"date", DataType::kDate},
+                                               {"time", DataType::kTime},
+                                               {"dateTime", DataType::kDateTime},
+                                               {"timeSeconds", DataType::kTimeSeconds}})};
 }
 
-OpType ReadOpType(const Element& element, OpType otherwise) {
-  return element.Choice<OpType>("optype",
+OpType ReadOpType(const Element& element, OpType otherwise, const char* attribute) {
+  return element.Choice<OpType>(attribute,
                                 {{"continuous", OpType::kContinuous},
                                  {"categorical", OpType::kCategorical},
                                  {"ordinal", OpType::kOrdinal}},

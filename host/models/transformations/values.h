@@ -43,9 +43,9 @@ inline constexpr TypeInfo kDouble{DataType::kDouble};
 inline constexpr TypeInfo kInteger{DataType::kInteger};
 inline constexpr TypeInfo kTruth{DataType::kBoolean};
 
-// The attribute dataType of an element; `otherwise` where it has none.
-TypeInfo ReadDataType(const Element& element, TypeInfo otherwise);
-OpType ReadOpType(const Element& element, OpType otherwise);
+// The attribute dataType of an element, or the one of another name; `otherwise` where it has none.
+TypeInfo ReadDataType(const Element& element, TypeInfo otherwise, const char* attribute = "dataType");
+OpType ReadOpType(const Element& element, OpType otherwise, const char* attribute = "optype");
 
 // The number that a text stands for as a value of the type, which must not be text; nothing if it stands for
 // none.
