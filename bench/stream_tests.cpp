@@ -324,9 +324,7 @@ double NormalFarTailCount(Sample sample) {
 
 double UniformityPvalue(std::span<double> values) {
   SortAscending(values);
-  std::int32_t error = 0;
-  return ComputeKolmogorovSmirnovPvalue(static_cast<std::int64_t>(values.size()),
-                                        KolmogorovSmirnovStatistic(values), error);
+  return *KolmogorovSmirnovPValue(std::ssize(values), KolmogorovSmirnovStatistic(values));
 }
 
 std::vector<Test> AllTests() {

@@ -1,21 +1,15 @@
 #include "brv_sra/fitting/anderson_darling.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstddef>
 
 #include "brv_sra/fitting/anderson_darling_tables.h"
 #include "host/base/error.h"
-#include "host/numeric/special/exact_sums.h"
-#include "host/numeric/vector/vector_forms.h"
+#include "host/numeric/goodness_of_fit/anderson_darling_sum.h"
 
 namespace brenvolt::sra {
 namespace {
-
-constexpr double kLowestProbability = 0x1p-53;
-constexpr std::size_t kBlock = 512;
-constexpr std::size_t kLanes = 8;
 
 // Distributions of a single value: z = -1 - ln(u(1 - u)) at its least, u = 1/2, and where u is clamped.
 constexpr double kSingleLeast = 0.38629436111989;
@@ -44,41 +38,6 @@ double Interpolate(double n, double z) {
 }
 
 }  // namespace
-
-void AndersonDarlingSum::AddTerm(double term) {
-  const TwoPartSum sum = ExactSum(total_, term);
-  total_ = sum.high;
-  lost_ += sum.low;
-}
-
-// Terms in lanes that the compiler keeps apart.
-void AndersonDarlingSum::Add(std::span<const double> probabilities) {
-  std::array<double, kBlock> lower;
-  std::array<double, kBlock> upper;
-  for (std::size_t begin = 0; begin < probabilities.size(); begin += kBlock) {
-    const auto z = probabilities.subspan(begin, std::min(kBlock, probabilities.size() - begin));
-    for (std::size_t i = 0; i < z.size(); ++i) {
-      lower[i] = std::max(z[i], kLowestProbability);
-      upper[i] = std::max(1.0 - z[i], kLowestProbability);
-    }
-    elementary::Log(std::span(lower).first(z.size()), lower);
-    elementary::Log(std::span(upper).first(z.size()), upper);
-    std::array<double, kLanes> lanes{};
-    for (std::size_t i = 0; i < z.size(); ++i) {
-      const double weight = 2.0 * static_cast<double>(added_ + i) + 1.0;
-      lanes[i % kLanes] += weight * lower[i] + (2.0 * count_ - weight) * upper[i];
-    }
-    for (const double lane : lanes) AddTerm(lane);
-    added_ += z.size();
-  }
-}
-
-// The sum over n, plus n: the two nearly cancel.
-double AndersonDarlingSum::Statistic() const {
-  const double quotient = total_ / count_;
-  const double rest = std::fma(-quotient, count_, total_) + lost_;
-  return -((quotient + count_) + rest / count_);
-}
 
 double andersonDarling(std::span<const double> probabilities) {
   if (probabilities.empty()) throw NumericalException("andersonDarling: n <= 0");

@@ -12,6 +12,7 @@
 
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
+#include "host/numeric/goodness_of_fit/anderson_darling_sum.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -57,6 +58,11 @@ TEST(AndersonDarlingStatistic, LargeSamplesKeepTheirDigits) {
     for (std::size_t i = 0; i < n; i += 1024)
       inParts.Add(std::span(z).subspan(i, std::min<std::size_t>(1024, n - i)));
     EXPECT_EQ(inParts.Statistic(), andersonDarling(z)) << n;
+    std::vector<double> complements;
+    for (const double p : z) complements.push_back(1.0 - p);
+    AndersonDarlingSum ofBoth(n);
+    ofBoth.Add(z, complements);
+    EXPECT_EQ(ofBoth.Statistic(), andersonDarling(z)) << n;
   }
 }
 

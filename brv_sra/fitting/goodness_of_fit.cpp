@@ -8,6 +8,7 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/anderson_darling.h"
 #include "brv_sra/fitting/chi_square.h"
+#include "host/numeric/goodness_of_fit/anderson_darling_sum.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -42,8 +43,9 @@ void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
 void TestDiscrete(DistributionFit& fit, std::span<const double> sorted) {
   const SpecifiedDistribution distribution(fit.specification);
   if (!distribution.IsValid()) return;
-  ComputeKolmogorovSmirnovTest(TypeOf(fit.specification.code).facts.testCode, fit.specification.values,
-                               sorted, fit.kolmogorovSmirnov.statistic);
+  const auto statistic =
+      TestKolmogorovSmirnov(TypeOf(fit.specification.code).facts.testCode, fit.specification.values, sorted);
+  if (statistic) fit.kolmogorovSmirnov.statistic = *statistic;
 }
 
 void RunTests(DistributionFit& fit, std::span<const double> sorted, ChiSquareBinning binning,
@@ -61,11 +63,9 @@ void RunTests(DistributionFit& fit, std::span<const double> sorted, ChiSquareBin
 }
 
 void AddPValues(DistributionFit& fit, std::int64_t n) {
-  if (!IsNotSet(fit.kolmogorovSmirnov.statistic)) {
-    std::int32_t error = 0;
-    fit.kolmogorovSmirnov.pValue = ComputeKolmogorovSmirnovPvalue(n, fit.kolmogorovSmirnov.statistic, error);
-    if (error != 0) fit.kolmogorovSmirnov = {};
-  }
+  // A statistic that is set comes from values, and is a number.
+  if (!IsNotSet(fit.kolmogorovSmirnov.statistic))
+    fit.kolmogorovSmirnov.pValue = *KolmogorovSmirnovPValue(n, fit.kolmogorovSmirnov.statistic);
   if (!IsNotSet(fit.andersonDarling.statistic)) {
     fit.andersonDarling.pValue = 1.0 - AndersonDarlingDistribution(n, fit.andersonDarling.statistic);
   }

@@ -136,8 +136,7 @@ double KolmogorovPValue(std::vector<double> sample, const VariableSampler& sampl
     const double f = (cdf[i] - low) / (sampler.UpperProbability() - low);
     d = std::max({d, f - static_cast<double>(i) / n, static_cast<double>(i + 1) / n - f});
   }
-  std::int32_t error = 0;
-  return ComputeKolmogorovSmirnovPvalue(static_cast<std::int32_t>(sample.size()), d, error);
+  return *KolmogorovSmirnovPValue(static_cast<std::int64_t>(sample.size()), d);
 }
 
 // Over bins of equal probability within the range.

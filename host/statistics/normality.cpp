@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+#include "host/numeric/goodness_of_fit/anderson_darling_sum.h"
 #include "host/numeric/vector/sorting.h"
 #include "host/numeric/vector/vector_forms.h"
 #include "host/statistics/moments.h"
@@ -15,23 +16,21 @@ namespace {
 constexpr std::int64_t kFewest = 8;
 constexpr double kEndOfTable = 10.0;
 
-// A² of sorted standard scores (Anderson & Darling 1954). The upper tail is the lower one of the negative
-// score, so that neither probability is one minus a number close to one.
+// A² of sorted standard scores. The upper tail is the lower one of the negative score, so that neither
+// probability is one minus a number close to one.
 double StatisticOf(std::span<const double> scores) {
   const std::size_t n = scores.size();
   std::vector<double> below(n);
   std::vector<double> above(n);
-  std::transform(scores.rbegin(), scores.rend(), above.begin(), [](double score) { return -score; });
+  std::transform(scores.begin(), scores.end(), above.begin(), [](double score) { return -score; });
   vector_forms::NormalCdf(scores, 0, 1, below);
   vector_forms::NormalCdf(above, 0, 1, above);
   for (std::vector<double>* tail : {&below, &above}) {
     for (double& probability : *tail) probability = std::max(probability, std::numeric_limits<double>::min());
-    elementary::Log(*tail, *tail);
   }
-  for (std::size_t i = 0; i < n; ++i) below[i] = static_cast<double>(2 * i + 1) * (below[i] + above[i]);
-  MomentAccumulator terms;
-  terms.Add(below);
-  return -static_cast<double>(n) - terms.Finish().mean;
+  AndersonDarlingSum sum(n);
+  sum.Add(below, above);
+  return sum.Statistic();
 }
 
 double PValueOf(double statistic, std::int64_t count) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <string>
 
 #include "host/numeric/distributions/distribution_types.h"
 
@@ -31,12 +32,12 @@ double KolmogorovSmirnovStatistic(std::span<const double> sortedProbabilities) {
   return distance.IsComplete() ? distance.Greatest() : kNotSet;
 }
 
-std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
-                                          std::span<const double> sortedData, double offset,
-                                          double& statistic) {
-  statistic = kNotSet;
+Result<double, TestFault> TestKolmogorovSmirnov(std::int32_t testCode, std::span<const double> parameters,
+                                                std::span<const double> sortedData, double offset) {
   const DistributionType* type = FindType(testCode);
-  if (type == nullptr || sortedData.empty() || !std::isfinite(offset)) return 0;
+  if (type == nullptr) return Fault{TestFault::kUnknownDistribution, std::to_string(testCode)};
+  if (sortedData.empty()) return Fault{TestFault::kNoValues};
+  if (!std::isfinite(offset)) return Fault{TestFault::kNotANumber};
   const AnyDistribution distribution(*type, parameters);
   const bool isDiscrete = !type->facts.isContinuous;
 
@@ -56,14 +57,8 @@ std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const
     }
     for (std::size_t i = 0; i < size; ++i) distance.Feed(at[i], isDiscrete ? before[i] : at[i]);
   }
-  if (!distance.IsComplete()) return 0;
-  statistic = distance.Greatest();
-  return 1;
-}
-
-std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
-                                          std::span<const double> sortedData, double& statistic) {
-  return ComputeKolmogorovSmirnovTest(testCode, parameters, sortedData, 0.0, statistic);
+  if (!distance.IsComplete()) return Fault{TestFault::kNoProbability};
+  return distance.Greatest();
 }
 
 }  // namespace brenvolt

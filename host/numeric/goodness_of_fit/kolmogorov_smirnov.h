@@ -6,19 +6,23 @@
 #include <cstdint>
 #include <span>
 
+#include "host/base/result.h"
+
 namespace brenvolt {
 
-// The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite, at least one value) against the
-// distribution that the test knows under `testCode` (DistributionFacts) with all its `parameters`. The second
-// form shifts the data by `offset` first. A threshold among the parameters may be left out; it counts from
-// the offset. Both sides of every jump of the empirical and, for discrete distributions, of the fitted
-// distribution function count. Non-zero: success. Zero: the code is unknown, the parameters are invalid or
-// a probability could not be computed; `statistic` = kNotSet.
-std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
-                                          std::span<const double> sortedData, double& statistic);
-std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
-                                          std::span<const double> sortedData, double offset,
-                                          double& statistic);
+enum class TestFault : std::uint8_t {
+  kNoValues,
+  kNotANumber,           // an offset or a statistic
+  kUnknownDistribution,  // about its code
+  kNoProbability         // the parameters are invalid, or a probability could not be computed
+};
+
+// The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite) less `offset` against the
+// distribution that the test knows under `testCode` (DistributionFacts) with all its `parameters`. A threshold
+// among the parameters may be left out; it counts from the offset. Both sides of every jump of the empirical
+// and, for discrete distributions, of the fitted distribution function count.
+Result<double, TestFault> TestKolmogorovSmirnov(std::int32_t testCode, std::span<const double> parameters,
+                                                std::span<const double> sortedData, double offset = 0.0);
 
 // The largest distance so far, fed with F(x) and the limit F(x-) of one of n values after the other in
 // ascending order. With i values fed, F_n is i/n from this value on and at least (i-1)/n before it. F rises
@@ -49,8 +53,8 @@ class KolmogorovSmirnovDistance {
 // - (i-1)/n).
 double KolmogorovSmirnovStatistic(std::span<const double> sortedProbabilities);
 
-// P(D_n >= d) under the hypothesis, for n >= 1 and any d. `error` is 0, or 1 for n < 1 or a NaN d, where the
-// result is kNotSet. Method and accuracy stand with the definition.
-double ComputeKolmogorovSmirnovPvalue(std::int64_t n, double d, std::int32_t& error);
+// P(D_n >= d) under the hypothesis, for n >= 1 and any d but NaN. Method and accuracy stand with the
+// definition.
+Result<double, TestFault> KolmogorovSmirnovPValue(std::int64_t n, double d);
 
 }  // namespace brenvolt

@@ -23,7 +23,6 @@
 #include <cstddef>
 #include <numbers>
 
-#include "host/base/almost_equal.h"
 #include "host/numeric/distributions/poisson.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/special/saddle_point.h"
@@ -209,9 +208,10 @@ double Pvalue(std::int64_t n, double d) {
 
 }  // namespace
 
-double ComputeKolmogorovSmirnovPvalue(std::int64_t n, double d, std::int32_t& error) {
-  error = n < 1 || std::isnan(d) ? 1 : 0;
-  return error != 0 ? kNotSet : Pvalue(n, d);
+Result<double, TestFault> KolmogorovSmirnovPValue(std::int64_t n, double d) {
+  if (n < 1) return Fault{TestFault::kNoValues};
+  if (std::isnan(d)) return Fault{TestFault::kNotANumber};
+  return Pvalue(n, d);
 }
 
 }  // namespace brenvolt

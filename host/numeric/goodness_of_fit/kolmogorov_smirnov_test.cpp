@@ -20,10 +20,7 @@ namespace {
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 double Pvalue(std::int64_t n, double d) {
-  std::int32_t error = -1;
-  const double p = ComputeKolmogorovSmirnovPvalue(n, d, error);
-  EXPECT_EQ(error, 0);
-  return p;
+  return *KolmogorovSmirnovPValue(n, d);
 }
 
 // What the method promises for a row of the table: exact up to 500; beyond, an error of order 1 / n^2, which
@@ -111,11 +108,9 @@ TEST(KolmogorovSmirnovPvalue, EndsAndWrongCalls) {
   EXPECT_EQ(Pvalue(10, std::numeric_limits<double>::infinity()), 0.0);
   EXPECT_EQ(Pvalue(1, 0.5), 1.0);
   EXPECT_EQ(Pvalue(1'000'000'000, 0.5), 0.0);
-  for (const auto& [n, d] : {std::pair<std::int64_t, double>(0, 0.5), {-3, 0.5}, {10, kNan}}) {
-    std::int32_t error = 0;
-    EXPECT_EQ(ComputeKolmogorovSmirnovPvalue(n, d, error), kNotSet);
-    EXPECT_EQ(error, 1);
-  }
+  EXPECT_EQ(KolmogorovSmirnovPValue(0, 0.5).Reason().identifier, TestFault::kNoValues);
+  EXPECT_EQ(KolmogorovSmirnovPValue(-3, 0.5).Reason().identifier, TestFault::kNoValues);
+  EXPECT_EQ(KolmogorovSmirnovPValue(10, kNan).Reason().identifier, TestFault::kNotANumber);
 }
 
 TEST(KolmogorovSmirnovStatistic, CountsBothSidesOfEveryStep) {
@@ -152,13 +147,12 @@ TEST(KolmogorovSmirnovStatisticReference, AgreesWithTableForEveryCode) {
     std::getline(fields, offset, ',');
     std::getline(fields, data, ',');
     std::getline(fields, value, ',');
-    double statistic = 0.0;
     const std::int32_t number = std::stoi(code);
-    EXPECT_NE(ComputeKolmogorovSmirnovTest(number, Numbers(parameters), Numbers(data), std::stod(offset),
-                                           statistic),
-              0);
-    const double error = std::abs(statistic - std::stod(value));
-    EXPECT_TRUE(error <= 1e-13) << line << ": " << statistic << ", error " << error;
+    const auto statistic =
+        TestKolmogorovSmirnov(number, Numbers(parameters), Numbers(data), std::stod(offset));
+    ASSERT_TRUE(statistic) << line;
+    const double error = std::abs(*statistic - std::stod(value));
+    EXPECT_TRUE(error <= 1e-13) << line << ": " << *statistic << ", error " << error;
     worst = std::max(worst, error);
     codes.insert(number);
   }
@@ -168,22 +162,23 @@ TEST(KolmogorovSmirnovStatisticReference, AgreesWithTableForEveryCode) {
   RecordProperty("LargestError", text.str());
 }
 
-TEST(KolmogorovSmirnovTest, WrongCallsGiveNotSet) {
+TEST(KolmogorovSmirnovTest, WrongCallsAreToldApart) {
   struct Case {
     std::int32_t code;
     std::vector<double> parameters;
     std::vector<double> data;
     double offset;
+    TestFault fault = TestFault::kNoProbability;
   };
   const Case cases[] = {
-      {Normal::kFacts.testCode, {0.0, 0.0}, {1.0, 2.0}, 0.0},             // invalid scale
-      {Normal::kFacts.testCode, {0.0}, {1.0, 2.0}, 0.0},                  // a parameter too few
-      {Normal::kFacts.testCode, {0.0, 1.0, 2.0}, {1.0}, 0.0},             // one too many
-      {Poisson::kFacts.testCode, {kNotSet}, {1.0}, 0.0},                  // not set
-      {Weibull::kFacts.testCode, {1.0, 1.0}, {}, 0.0},                    // no data
-      {LogNormal::kFacts.testCode, {0.0, 1.0}, {kNan}, 0.0},              // no probability
-      {LogNormal::kFacts.testCode, {0.0, 1.0}, {1.0}, kNan},              // no offset
-      {99, {0.0, 1.0}, {1.0}, 0.0},                                       // no such code
+      {Normal::kFacts.testCode, {0.0, 0.0}, {1.0, 2.0}, 0.0},                         // invalid scale
+      {Normal::kFacts.testCode, {0.0}, {1.0, 2.0}, 0.0},                              // a parameter too few
+      {Normal::kFacts.testCode, {0.0, 1.0, 2.0}, {1.0}, 0.0},                         // one too many
+      {Poisson::kFacts.testCode, {kNotSet}, {1.0}, 0.0},                              // not set
+      {Weibull::kFacts.testCode, {1.0, 1.0}, {}, 0.0, TestFault::kNoValues},          // no data
+      {LogNormal::kFacts.testCode, {0.0, 1.0}, {kNan}, 0.0},                          // no probability
+      {LogNormal::kFacts.testCode, {0.0, 1.0}, {1.0}, kNan, TestFault::kNotANumber},  // no offset
+      {99, {0.0, 1.0}, {1.0}, 0.0, TestFault::kUnknownDistribution},                  // no such code
       {HalfNormal::kFacts.testCode, {1.0, 0.1, -5.0}, {1.0}, 0.0},        // further results of the estimator
       {GeneralPareto::kFacts.testCode, {1.0}, {1.0}, 0.0},                // no shape
       {Johnson::kFacts.testCode, {5.0, 0.0, 1.0, 1.0, 0.0}, {1.0}, 0.0},  // no such family
@@ -192,9 +187,9 @@ TEST(KolmogorovSmirnovTest, WrongCallsGiveNotSet) {
       {Binomial::kFacts.testCode, {0.5, 2.5}, {1.0}, 0.0},                   // trials not whole
   };
   for (const Case& c : cases) {
-    double statistic = 0.0;
-    EXPECT_EQ(ComputeKolmogorovSmirnovTest(c.code, c.parameters, c.data, c.offset, statistic), 0);
-    EXPECT_EQ(statistic, kNotSet);
+    const auto statistic = TestKolmogorovSmirnov(c.code, c.parameters, c.data, c.offset);
+    ASSERT_FALSE(statistic);
+    EXPECT_EQ(statistic.Reason().identifier, c.fault);
   }
 }
 

@@ -133,9 +133,7 @@ constexpr std::size_t kDraws = 1'000'000;
 
 double KolmogorovSmirnov(std::vector<double> probabilities) {
   std::sort(probabilities.begin(), probabilities.end());
-  std::int32_t error = 0;
-  return ComputeKolmogorovSmirnovPvalue(static_cast<std::int64_t>(probabilities.size()),
-                                        KolmogorovSmirnovStatistic(probabilities), error);
+  return *KolmogorovSmirnovPValue(std::ssize(probabilities), KolmogorovSmirnovStatistic(probabilities));
 }
 
 struct Moments {
