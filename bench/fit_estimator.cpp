@@ -2,6 +2,7 @@
 // prints the status and the parameters on one line, for comparison with other programs.
 //   fit_estimator ESTIMATOR FILE [OFFSET | NUMBER OF COMPONENTS | SPACING]
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -9,7 +10,6 @@
 #include <functional>
 #include <map>
 #include <string>
-#include <type_traits>
 #include <vector>
 
 #include "host/numeric/estimation/estimators.h"
@@ -17,60 +17,19 @@
 namespace brenvolt {
 namespace {
 
-struct Fit {
-  std::vector<double> parameters;
-  EstimationError error = EstimationError::kNone;
-};
+using Values = std::vector<double>;
+using Estimator = std::function<EstimationResult<Values>(const Values& data, double option)>;
 
-using Estimator = std::function<Fit(const std::vector<double>& data, double option)>;
-
-// An estimator with a flag and an offset, as one of the table.
-// `More`: a poll, which nobody needs here, where the estimator searches.
-template <std::size_t count, class... More>
-Estimator WithOffset(std::int32_t (*fit)(std::int32_t, std::span<const double>, double,
-                                         std::span<double, count>, EstimationError&, More...)) {
-  return [fit](const std::vector<double>& data, double offset) {
-    Fit result{std::vector<double>(count), {}};
-    fit(0, data, offset, std::span<double, count>(result.parameters), result.error,
-        std::remove_cvref_t<More>{}...);
-    return result;
-  };
-}
-
-template <std::size_t count, class... More>
-Estimator WithThreshold(std::int32_t (*fit)(std::span<const double>, double, std::span<double, count>,
-                                            EstimationError&, More...)) {
-  return [fit](const std::vector<double>& data, double threshold) {
-    Fit result{std::vector<double>(count), {}};
-    fit(data, threshold, std::span<double, count>(result.parameters), result.error,
-        std::remove_cvref_t<More>{}...);
-    return result;
-  };
-}
-
-Fit FitGev(const std::vector<double>& data, double /*option*/) {
-  Fit result{std::vector<double>(12), {}};
-  const std::span<double> slots(result.parameters);
-  GEV_MLE(data, slots.first<3>(), slots.subspan<3, 9>(), result.error);
-  return result;
-}
-
-Fit FitGevMoments(const std::vector<double>& data, double /*option*/) {
-  Fit result{std::vector<double>(3), {}};
-  GEV_ProbWeightMoments(data, std::span<double, 3>(result.parameters), result.error);
-  return result;
-}
-
-Fit FitMixture(const std::vector<double>& data, double components) {
-  auto count = static_cast<std::int32_t>(components);
-  Fit result{std::vector<double>(3 * static_cast<std::size_t>(count)), {}};
-  FitGaussianMixture(data, result.parameters, count, result.error);
-  return result;
+// The numbers of an estimate, or its fault.
+template <class T, class Numbers>
+EstimationResult<Values> Taken(const EstimationResult<T>& fit, const Numbers& numbers) {
+  if (!fit) return fit.Reason();
+  return numbers(*fit);
 }
 
 // The sample's moments as the summary of a variable has them: divisor n - 1, skewness and kurtosis corrected
 // for n.
-Fit FitJohnsonMoments(const std::vector<double>& data, double /*option*/) {
+std::array<double, 4> MomentsOf(const Values& data) {
   const auto n = static_cast<double>(data.size());
   long double mean = 0.0L;
   for (const double x : data) mean += x / n;
@@ -87,35 +46,60 @@ Fit FitJohnsonMoments(const std::vector<double>& data, double /*option*/) {
   const double skewness = static_cast<double>(m3) * n * n / ((n - 1) * (n - 2) * std::pow(variance, 1.5));
   const double kurtosis = static_cast<double>((n + 1) * n * n * m4 - 3 * n * n * (n - 1) * m2 * m2) /
                           (variance * variance * (n - 1) * (n - 2) * (n - 3));
-  Fit result{std::vector<double>(5), {}};
-  FitJohnsonFromMoments(static_cast<double>(mean), std::sqrt(variance), skewness, kurtosis,
-                        std::span<double, 5>(result.parameters), result.error);
-  result.parameters.insert(result.parameters.end(),
-                           {static_cast<double>(mean), std::sqrt(variance), skewness, kurtosis});
-  return result;
+  return {static_cast<double>(mean), std::sqrt(variance), skewness, kurtosis};
 }
 
-Fit FitJohnsonPercentiles(const std::vector<double>& data, double spacing) {
-  std::vector<double> sorted = data;
+EstimationResult<Values> FitJohnsonMoments(const Values& data, double /*option*/) {
+  const auto moments = MomentsOf(data);
+  return Taken(EstimateJohnsonByMoments(moments[0], moments[1], moments[2], moments[3]),
+               [&](const JohnsonEstimate& fit) {
+                 Values values(fit.begin(), fit.end());
+                 values.insert(values.end(), moments.begin(), moments.end());
+                 return values;
+               });
+}
+
+EstimationResult<Values> FitJohnsonPercentiles(const Values& data, double spacing) {
+  Values sorted = data;
   std::sort(sorted.begin(), sorted.end());
-  Fit result{std::vector<double>(5), {}};
-  FitJohnsonFromPercentiles(sorted, std::span<double, 5>(result.parameters), spacing, 1, result.error);
-  return result;
+  return Taken(EstimateJohnsonByPercentiles(sorted, spacing),
+               [](const JohnsonEstimate& fit) { return Values(fit.begin(), fit.end()); });
+}
+
+Values OfScale(const ScaleEstimate& fit) {
+  return {fit.scale, fit.standardError, fit.logLikelihood};
+}
+
+Values OfExtremeValue(const ExtremeValueEstimate& fit) {
+  Values values(fit.parameters.begin(), fit.parameters.end());
+  values.insert(values.end(), fit.covariance.begin(), fit.covariance.end());
+  return values;
 }
 
 const std::map<std::string, Estimator>& Estimators() {
+  const auto ofNormal = [](const NormalEstimate& fit) { return Values{fit.mean, fit.standardDeviation}; };
+  const auto ofFolded = [](const FoldedNormalEstimate& fit) { return Values{fit.location, fit.scale}; };
+  const auto above = [](double threshold) {
+    return [threshold](const ParetoEstimate& fit) { return Values{threshold, fit.scale, fit.shape}; };
+  };
   static const std::map<std::string, Estimator> estimators = {
-      {"lognormal", WithOffset(FitLognormalDistribution)},
-      {"half_normal", WithOffset(FitHalfNormalDistribution)},
-      {"rayleigh", WithOffset(FitRayleighDistribution)},
-      {"folded_normal", WithOffset(FitFoldedNormalDistribution)},
-      {"gev", FitGev},
-      {"gev_moments", FitGevMoments},
-      {"mixture", FitMixture},
+      {"lognormal", [=](const Values& x, double o) { return Taken(EstimateLogNormal(x, o), ofNormal); }},
+      {"half_normal", [](const Values& x, double o) { return Taken(EstimateHalfNormal(x, o), OfScale); }},
+      {"rayleigh", [](const Values& x, double o) { return Taken(EstimateRayleigh(x, o), OfScale); }},
+      {"folded_normal",
+       [=](const Values& x, double o) { return Taken(EstimateFoldedNormal(x, o), ofFolded); }},
+      {"gev", [](const Values& x, double) { return Taken(EstimateExtremeValue(x), OfExtremeValue); }},
+      {"gev_moments",
+       [](const Values& x, double) { return Taken(EstimateExtremeValueByMoments(x), OfExtremeValue); }},
+      {"mixture",
+       [](const Values& x, double components) {
+         return EstimateGaussianMixture(x, static_cast<std::int32_t>(components));
+       }},
       {"johnson_moments", FitJohnsonMoments},
       {"johnson_percentiles", FitJohnsonPercentiles},
-      {"gpd", WithThreshold(FitGPDMaximumLikelihood)},
-      {"gpd_moments", WithThreshold(FitGPDProbabilityWeightedMoments)},
+      {"gpd", [=](const Values& x, double o) { return Taken(EstimatePareto(x, o), above(o)); }},
+      {"gpd_moments",
+       [=](const Values& x, double o) { return Taken(EstimateParetoByMoments(x, o), above(o)); }},
   };
   return estimators;
 }
@@ -145,9 +129,10 @@ int main(int argc, char** argv) {
     return 2;
   }
   const double option = argc > 3 ? std::strtod(argv[3], nullptr) : 0.0;
-  const brenvolt::Fit fit = found->second(brenvolt::ReadFirstColumn(argv[2]), option);
-  std::printf("%d", static_cast<int>(fit.error));
-  for (const double parameter : fit.parameters) std::printf(" %.17g", parameter);
+  const auto fit = found->second(brenvolt::ReadFirstColumn(argv[2]), option);
+  // 0, or the number of the fault.
+  std::printf("%d", fit ? 0 : 1 + static_cast<int>(fit.Reason().identifier));
+  for (const double parameter : fit ? *fit : std::vector<double>()) std::printf(" %.17g", parameter);
   std::printf("\n");
   return 0;
 }

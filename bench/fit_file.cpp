@@ -47,7 +47,7 @@ std::vector<DistributionFit> FitTypes(std::vector<double> values, bool continuou
       specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
     specification.offsets.fill(0);
     specification.mixtures = 2;
-    return FitContinuousDistributions(sample, specification, kBinning, [] {});
+    return *FitContinuousDistributions(sample, specification, kBinning, [] {});
   }
   DiscreteSpecification specification;
   specification.fit.fill(true);

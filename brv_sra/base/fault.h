@@ -25,7 +25,8 @@ enum class FaultIdentifier : std::uint8_t {
   kWeightNotWhole,  // the detail is the number of the case
   kWeightsTooLarge,
   kInfiniteValue,         // the detail is the number of the case
-  kPercentilesNotFitted,  // the Johnson distribution
+  kPercentilesNotFitted,  // the Johnson distribution, as is the next
+  kTooFewForPercentiles,  // the detail is the number of values
   kNoValidVariables,      // the detail says why
   // What is saved of fits; about a distribution, the detail is the variable.
   kDistributionTwice,

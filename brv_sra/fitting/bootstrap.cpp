@@ -9,7 +9,6 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/cancellation.h"
-#include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
 #include "host/numeric/goodness_of_fit/chi_square_tail.h"
@@ -83,27 +82,15 @@ bool Draw(const BootstrapJob& job, std::int64_t index, std::vector<double>& valu
   return true;
 }
 
-// The estimate from a sample with its statistics; not valid if there is none. A fault that would
-// end a run over data ends only this sample.
-DistributionFit FitOfSample(const BootstrapJob& job, const SortedSample& sample, ChiSquareBinning binning,
-                            const Poll& poll) {
-  try {
-    DistributionFit fit = job.estimate(sample, poll);
-    TestFitStatistics(fit, sample.values, binning);
-    return fit;
-  } catch (const NumericalException&) {
-    return {};
-  }
-}
-
 void JudgeSample(const BootstrapJob& job, std::int64_t index, ChiSquareBinning binning, const Poll& poll,
                  std::vector<double>& values, Tallies& tallies) {
   const FloatingPointGuard guard;
   Moments moments;
   if (!Draw(job, index, values, moments)) return;
   if (IsContinuous(job.fit->specification.code) && moments.standardDeviation <= 0) return;
-  const DistributionFit fit = FitOfSample(job, {values, moments}, binning, poll);
+  DistributionFit fit = job.estimate({values, moments}, poll);
   if (!fit.IsValid()) return;
+  TestFitStatistics(fit, values, binning);
   tallies.fitted.fetch_add(1, std::memory_order_relaxed);
   Compare(fit.kolmogorovSmirnov, job.fit->kolmogorovSmirnov, tallies.kolmogorovSmirnov);
   Compare(fit.chiSquare, job.fit->chiSquare, tallies.chiSquare);

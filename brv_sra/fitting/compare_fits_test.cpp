@@ -80,7 +80,7 @@ Sample FitFile(const std::string& name, bool continuous) {
   DiscreteSpecification discrete;
   discrete.fit.fill(true);
   constexpr auto kBinning = ChiSquareBinning::kEqualProbabilities;
-  sample.fits = continuous ? FitContinuousDistributions(input, specification, kBinning, [] {})
+  sample.fits = continuous ? *FitContinuousDistributions(input, specification, kBinning, [] {})
                            : FitDiscreteDistributions(input, discrete, kBinning, [] {});
   return sample;
 }

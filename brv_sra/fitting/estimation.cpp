@@ -11,7 +11,6 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "host/base/error.h"
 #include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
 #include "host/numeric/distributions/distribution_types.h"
@@ -37,8 +36,12 @@ bool AllFinite(const Values& values) {
   return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
-bool IsUsable(const DistributionEstimate& estimate) {
-  return !estimate.values.empty() && !IsNotSet(estimate.values.front()) && AllFinite(estimate.values);
+// A value that is not finite, or that no reader could tell from a failure.
+EstimateResult Usable(EstimateResult estimate) {
+  if (!estimate) return estimate;
+  if (!AllFinite(estimate->values)) return brenvolt::Fault{EstimationFault::kNotFinite};
+  if (IsNotSet(estimate->values.front())) return brenvolt::Fault{EstimationFault::kMeansNotSet};
+  return estimate;
 }
 
 // Squares of errors overflow in units in which the values themselves do not.
@@ -48,38 +51,44 @@ void DropErrorsThatAreNotFinite(DistributionEstimate& estimate) {
   estimate.covariance.clear();
 }
 
-DistributionFit Failed(DistributionCode code, double offset) {
+DistributionFit Failed(DistributionCode code, double offset, brenvolt::Fault<EstimationFault> fault) {
   DistributionFit fit;
   fit.specification.code = code;
   fit.specification.offset = offset;
   fit.specification.values = {kNotSet};
+  fit.fault = std::move(fault);
   return fit;
-}
-
-// A Johnson fit that was asked for by percentiles ends the fit of the variable where it fails.
-void RequireJohnson(DistributionCode code, const EstimationInput& input,
-                    const DistributionEstimate& estimate) {
-  if (code != DistributionCode::kJohnson || !input.isByPercentiles || !estimate.values.empty()) return;
-  throw NumericalException("the Johnson distribution cannot be fitted from percentiles",
-                           "fit it from moments or leave it out");
 }
 
 DistributionFit RunStep(DistributionCode code, double offset, const EstimationInput& input) {
-  DistributionFit fit = Failed(code, offset);
   const FloatingPointGuard guard;
-  DistributionEstimate estimate = TypeOf(code).estimate(input);
-  RequireJohnson(code, input, estimate);
-  if (!IsUsable(estimate)) return fit;
-  DropErrorsThatAreNotFinite(estimate);
-  fit.specification.values = std::move(estimate.values);
-  fit.standardErrors = std::move(estimate.standardErrors);
-  fit.covariance = std::move(estimate.covariance);
-  fit.estimatedParameters = estimate.estimatedParameters;
-  const double logLikelihood = IsNotSet(estimate.logLikelihood)
+  EstimateResult estimate = Usable(TypeOf(code).estimate(input));
+  if (!estimate) return Failed(code, offset, std::move(estimate).Reason());
+  DropErrorsThatAreNotFinite(*estimate);
+  DistributionFit fit;
+  fit.specification.code = code;
+  fit.specification.offset = offset;
+  fit.specification.values = std::move(estimate->values);
+  fit.origin = estimate->origin;
+  fit.standardErrors = std::move(estimate->standardErrors);
+  fit.covariance = std::move(estimate->covariance);
+  fit.estimatedParameters = estimate->estimatedParameters;
+  const double logLikelihood = IsNotSet(estimate->logLikelihood)
                                    ? SpecifiedDistribution(fit.specification).LogLikelihood(input.sorted)
-                                   : estimate.logLikelihood;
+                                   : estimate->logLikelihood;
   fit.logLikelihood = std::isfinite(logLikelihood) ? logLikelihood : kNotSet;
   return fit;
+}
+
+// Of a Johnson fit by percentiles among the fits, the fault; about nothing.
+std::optional<Fault> FaultOfPercentiles(std::span<const DistributionFit> fits) {
+  for (const DistributionFit& fit : fits) {
+    if (fit.specification.code != DistributionCode::kJohnson || !fit.fault) continue;
+    if (fit.fault->identifier == EstimationFault::kTooFewValues)
+      return Fault{FaultIdentifier::kTooFewForPercentiles, "", fit.fault->about};
+    return Fault{FaultIdentifier::kPercentilesNotFitted};
+  }
+  return std::nullopt;
 }
 
 // The places of `codes` in the order in which they are best begun: those that take longest first,
@@ -155,12 +164,15 @@ DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sa
   const auto index = OffsetIndex(code);
   const double offset = index ? specification.offsets[*index] : kNotSet;
   const Moments& moments = sample.moments;
+  const double shift = IsNotSet(offset) ? 0 : offset;
   // A value without a logarithm rules the log-normal out, whatever its offset.
-  const bool isRuledOut = code == DistributionCode::kLogNormal && IsNotSet(moments.logMean);
-  if (isRuledOut) return Failed(code, offset);
+  if (code == DistributionCode::kLogNormal && IsNotSet(moments.logMean)) {
+    return Failed(code, offset,
+                  FaultAbout(EstimationFault::kUndefinedLogarithm, sample.values.front(), shift));
+  }
   return RunStep(code, offset,
                  {.sorted = sample.values,
-                  .offset = IsNotSet(offset) ? 0 : offset,
+                  .offset = shift,
                   .mean = moments.mean,
                   .standardDeviation = moments.standardDeviation,
                   .skewness = moments.skewness,
@@ -177,15 +189,20 @@ DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& samp
   return RunStep(code, kNotSet, {.sorted = sample.values, .trials = trials, .poll = poll});
 }
 
-std::vector<DistributionFit> FitContinuousDistributions(const SortedSample& sample,
-                                                        const ContinuousSpecification& specification,
-                                                        ChiSquareBinning binning, const Poll& poll) {
+Result<std::vector<DistributionFit>> FitContinuousDistributions(const SortedSample& sample,
+                                                                const ContinuousSpecification& specification,
+                                                                ChiSquareBinning binning, const Poll& poll) {
   std::vector<DistributionCode> codes;
   for (const DistributionCode code : FittedContinuous()) {
     if (specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))]) codes.push_back(code);
   }
-  return FitAll(codes, sample.values, binning, poll,
-                [&](DistributionCode code) { return EstimateContinuous(code, sample, specification, poll); });
+  std::vector<DistributionFit> fits = FitAll(codes, sample.values, binning, poll, [&](DistributionCode code) {
+    return EstimateContinuous(code, sample, specification, poll);
+  });
+  if (specification.fit[kPercentileFitFlag]) {
+    if (auto fault = FaultOfPercentiles(fits)) return *std::move(fault);
+  }
+  return fits;
 }
 
 std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample,

@@ -1,7 +1,7 @@
 // Estimation of the checked distributions of one variable in their fixed order, each followed by its tests.
 //
-// An estimate that fails makes only its own distribution invalid: the first value, the log-likelihood and
-// every test are then kNotSet. So does a value that is not finite, and a first value that happens to be
+// An estimate that fails makes only its own distribution invalid: it has a fault, and the first value, the
+// log-likelihood and every test are kNotSet. So does a value that is not finite, and a first value that happens to be
 // kNotSet, which no reader could tell from a failure; standard errors or covariances that are not finite are
 // left out alone. Each estimate runs under a FloatingPointGuard. All functions may be called from several
 // threads at once.
@@ -11,6 +11,7 @@
 #include <span>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/fitting/fit_state.h"
 
 namespace brenvolt::sra {
@@ -31,17 +32,17 @@ using Poll = std::function<void()>;
 // The estimate of one distribution: values in catalogue order, log-likelihood, and standard errors with
 // covariance where the distribution has them; no tests. The triangular log-likelihood leaves out
 // the values at the extremes; any other is kNotSet where a value lies outside the fitted support.
-// Throws NumericalException when the Johnson fit from percentiles fails.
 DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
                                    const ContinuousSpecification& specification, const Poll& poll);
 DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& sample,
                                  const DiscreteSpecification& specification);
 
 // Estimates and tests the checked distributions, several at a time; the results do not depend on how many.
-// Memory: a copy of the values for each one at work; one copy for large samples.
-std::vector<DistributionFit> FitContinuousDistributions(const SortedSample& sample,
-                                                        const ContinuousSpecification& specification,
-                                                        ChiSquareBinning binning, const Poll& poll);
+// Memory: a copy of the values for each one at work; one copy for large samples. A Johnson fit that was asked for
+// by percentiles ends the fit of the variable where it fails: kPercentilesNotFitted or kTooFewForPercentiles.
+Result<std::vector<DistributionFit>> FitContinuousDistributions(const SortedSample& sample,
+                                                                const ContinuousSpecification& specification,
+                                                                ChiSquareBinning binning, const Poll& poll);
 std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample,
                                                       const DiscreteSpecification& specification,
                                                       ChiSquareBinning binning, const Poll& poll);

@@ -219,10 +219,29 @@ TEST(Estimation, ExtremeUnitsCostTheErrorsAndNotTheFit) {
   }
 }
 
+TEST(Estimation, FitsTellWhatTheyComeFrom) {
+  const Data even({0.5, 1, 1.5, 2, 2.5, 3, 3.5, 4, 4.5, 5});  // a Pareto likelihood without a maximum
+  EXPECT_EQ(Fit(Code::kNormal, even).origin, EstimateOrigin::kLikelihood);
+  EXPECT_EQ(Fit(Code::kGeneralPareto, even).origin, EstimateOrigin::kMoments);
+  EXPECT_EQ(Fit(Code::kGeneralPareto, Data({0.1, 0.2, 0.4, 1, 3, 9})).origin, EstimateOrigin::kLikelihood);
+  EXPECT_EQ(Fit(Code::kJohnson, even).origin, EstimateOrigin::kMoments);
+  EXPECT_EQ(Fit(Code::kTriangular, even).origin, EstimateOrigin::kExtremes);
+  EXPECT_EQ(Fit(Code::kBinomial, Data({0, 1, 2})).origin, EstimateOrigin::kExtremes);
+  EXPECT_EQ(Fit(Code::kBernoulli, Data({0, 1, 2})).origin, EstimateOrigin::kNone);
+}
+
+// The information about the location is 0 there, and what rounding leaves of it was inverted.
+TEST(Estimation, FoldedNormalAtLocationZeroHasNoStandardErrors) {
+  const DistributionFit fit = Fit(Code::kFoldedNormal, Data({0.1, 0.1, 0.2, 0.3, 5}));
+  ASSERT_TRUE(fit.IsValid());
+  EXPECT_EQ(fit.specification.values[0], 0);
+  EXPECT_TRUE(fit.standardErrors.empty() && fit.covariance.empty());
+}
+
 TEST(Estimation, OneFailureLeavesTheOtherFitsAlone) {
   const Data data({-1, 2, 3, 5, 7, 11, 13, 17});  // below the offset of six types
   const auto fits =
-      FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualIntervals, [] {});
+      *FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualIntervals, [] {});
   ASSERT_EQ(fits.size(), 11U);
   for (const DistributionFit& fit : fits) {
     const bool hasOffset = OffsetIndex(fit.specification.code).has_value();
@@ -248,14 +267,15 @@ TEST(Estimation, FitOutsideItsOwnSupportHasNoLogLikelihood) {
   }
 }
 
-TEST(Estimation, JohnsonByPercentilesRaisesWhereItFails) {
+TEST(Estimation, JohnsonByPercentilesEndsTheFitOfTheVariableWhereItFails) {
   ContinuousSpecification specification = Everything(0);
   specification.fit[kPercentileFitFlag] = true;
   const Data tied({1, 1, 1, 1, 1, 1, 1, 1, 1, 2});
-  EXPECT_THROW(EstimateContinuous(Code::kJohnson, tied.Sample(), specification, [] {}), NumericalException);
-  EXPECT_THROW(
-      FitContinuousDistributions(tied.Sample(), specification, ChiSquareBinning::kEqualIntervals, [] {}),
-      NumericalException);
+  EXPECT_EQ(EstimateContinuous(Code::kJohnson, tied.Sample(), specification, [] {}).fault,
+            (brenvolt::Fault{EstimationFault::kEqualPercentiles}));
+  EXPECT_EQ(FitContinuousDistributions(tied.Sample(), specification, ChiSquareBinning::kEqualIntervals, [] {})
+                .Reason(),
+            (Fault{FaultIdentifier::kPercentilesNotFitted}));
   EXPECT_TRUE(EstimateContinuous(Code::kJohnson, Mixed(300).Sample(), specification, [] {}).IsValid());
   EXPECT_FALSE(Fit(Code::kJohnson, Data({1, 2, 4})).IsValid()) << "three values have no kurtosis";
 }
@@ -289,7 +309,7 @@ TEST(Estimation, MixturesStayWithinTheirBounds) {
 TEST(Estimation, ResultsDoNotDependOnTheCompany) {
   const Data data = Mixed(400);
   const auto together =
-      FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualProbabilities, [] {});
+      *FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualProbabilities, [] {});
   for (const DistributionFit& fit : together) {
     const DistributionFit alone = Fit(fit.specification.code, data);
     EXPECT_EQ(alone.specification.values, fit.specification.values);
@@ -315,8 +335,9 @@ TEST(Estimation, LongEstimatorsLookForCancellationOnTheWay) {
 
 TEST(Estimation, CancellationEndsEverything) {
   const Data data = Mixed(400);
-  EXPECT_THROW(FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualProbabilities,
-                                          [] { throw UserCancelled(); }),
+  EXPECT_THROW(static_cast<void>(FitContinuousDistributions(data.Sample(), Everything(0),
+                                                            ChiSquareBinning::kEqualProbabilities,
+                                                            [] { throw UserCancelled(); })),
                UserCancelled);
 }
 

@@ -11,7 +11,6 @@
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "host/base/cancellation.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/numeric/vector/sorting.h"
@@ -24,6 +23,12 @@ constexpr std::uint32_t kDataLimit = 262'144'001;  // bytes: 250 MiB and one
 // So many values are read before they are fitted together: enough to keep every processor busy, few enough to
 // bound the memory however many variables there are.
 constexpr std::size_t kBatchValues = 4'000'000;
+
+// Ends the fit of a variable, and of no other.
+void Fail(VariableFit& fit, Fault fault) {
+  fit.invalid = true;
+  fit.fault = std::move(fault);
+}
 
 // One variable with its values between reading and fitting.
 struct ReadVariable {
@@ -38,25 +43,29 @@ struct VariableList {
   ProgressStage stage;
 };
 
-Result<ReadVariable> Read(const Spreadsheet& sheet, std::int16_t number, bool continuous,
-                          const CaseSet& cases, ProgressBar& progress) {
+ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous, const CaseSet& cases,
+                  ProgressBar& progress) {
   ReadVariable read;
   read.fit.variableNumber = number;
   read.fit.name = OneLineName(sheet, number);
   read.fit.continuous = continuous;
   Result<Sample> sample = ReadSample(sheet, number, cases, progress);
-  if (!sample) return sample.Reason();
+  if (!sample) {
+    Fail(read.fit, std::move(sample).Reason());
+    return read;
+  }
   read.fit.moments = sample->moments;
   read.values = std::move(sample->values);
   return read;
 }
 
-// The mixtures taken, where they are asked for out of bounds.
+// The mixtures taken, where another number was asked for.
 std::int32_t ChangedMixtures(const ContinuousSpecification& specification, std::int64_t validCases) {
   if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))])
     return kNotSetCount;
-  if (MixturesAreAllowed(specification.mixtures, validCases)) return kNotSetCount;
-  return AllowedMixtures(specification.mixtures, validCases);
+  const std::int32_t taken = AllowedMixtures(specification.mixtures, validCases);
+  const bool isChanged = specification.mixtures != kNotSetCount && specification.mixtures != taken;
+  return isChanged ? taken : kNotSetCount;
 }
 
 // The largest p-value of the test among the fits that have one.
@@ -77,7 +86,13 @@ void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& sp
   fit.invalid = fit.moments.standardDeviation <= 0;
   if (fit.invalid) return;
   SortAscending(read.values);
-  fit.fits = FitContinuousDistributions({read.values, fit.moments}, specification, all.binning, poll);
+  auto fits = FitContinuousDistributions({read.values, fit.moments}, specification, all.binning, poll);
+  if (!fits) {
+    Fault fault = std::move(fits).Reason();
+    fault.about = fit.name;
+    return Fail(fit, std::move(fault));
+  }
+  fit.fits = *std::move(fits);
   fit.ranked = RankFits(fit.fits, all.continuousCriterion);
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
@@ -93,42 +108,60 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 
-Result<void> FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification,
-                         const Poll& poll) {
-  try {
-    if (read.fit.continuous) {
-      FitContinuousVariable(read, specification.continuousSpecifications[i], specification, poll);
-    } else {
-      FitDiscreteVariable(read, specification.discreteSpecifications[i], specification, poll);
-    }
-  } catch (const NumericalException&) {
-    return Fault{FaultIdentifier::kPercentilesNotFitted, read.fit.name};
+void FitVariable(ReadVariable& read, std::size_t i, const FitSpecification& specification, const Poll& poll) {
+  if (read.fit.fault) return;
+  if (read.fit.continuous) {
+    FitContinuousVariable(read, specification.continuousSpecifications[i], specification, poll);
+  } else {
+    FitDiscreteVariable(read, specification.discreteSpecifications[i], specification, poll);
   }
   read.values = {};
-  return {};
 }
 
-// How the fit of a variable ended where it has no result.
-struct Failure {
-  std::exception_ptr exception;
-  std::optional<Fault> fault;
-};
+// Whether the fault of an estimate is about a value of the data, or about the offset that one equals.
+bool IsAboutAValue(EstimationFault identifier) {
+  using enum EstimationFault;
+  switch (identifier) {
+    case kValueAtOffset:
+    case kValueBelowOffset:
+    case kFraction:
+    case kNegativeCount:
+    case kAboveTrials:
+    case kNeitherZeroNorOne:
+    case kUndefinedLogarithm:
+      return true;
+    default:
+      return false;
+  }
+}
+
+// Finds the first case of the value that a fault is about.
+void FindFaultyCases(VariableFit& fit, const Spreadsheet& sheet, const CaseSet& cases) {
+  const std::span<const double> values =
+      sheet.VariableAt(static_cast<std::size_t>(fit.variableNumber - 1)).Values();
+  for (DistributionFit& one : fit.fits) {
+    if (!one.fault || !IsAboutAValue(one.fault->identifier)) continue;
+    const auto value = ParseNumber(one.fault->about);
+    const auto found =
+        std::ranges::find_if(cases.cases, [&](std::uint32_t i) { return value && values[i] == *value; });
+    if (found != cases.cases.end()) one.faultyCase = std::int64_t{*found} + 1;
+  }
+}
 
 // Fits the variables of a batch, the first of which has the place `first` in its list, on all processors,
-// while this thread shows the progress and looks for cancellation. Of several failures, that of the first
+// while this thread shows the progress and looks for cancellation. Of several exceptions, that of the first
 // variable counts.
-Result<void> FitBatch(std::vector<ReadVariable>& batch, std::size_t first,
-                      const FitSpecification& specification, ProgressBar& progress) {
+void FitBatch(std::vector<ReadVariable>& batch, std::size_t first, const FitSpecification& specification,
+              ProgressBar& progress) {
   Cancellation cancellation;
   const Poll poll = [&cancellation] { cancellation.Poll(); };
-  std::vector<Failure> failures(batch.size());
+  std::vector<std::exception_ptr> failures(batch.size());
   const auto fit = [&](std::size_t i) {
     try {
       cancellation.Poll();
-      auto fitted = FitVariable(batch[i], first + i, specification, poll);
-      if (!fitted) failures[i].fault = std::move(fitted).Reason();
+      FitVariable(batch[i], first + i, specification, poll);
     } catch (...) {
-      failures[i].exception = std::current_exception();
+      failures[i] = std::current_exception();
     }
   };
   ParallelForWatched(batch.size(), fit, [&] {
@@ -139,33 +172,30 @@ Result<void> FitBatch(std::vector<ReadVariable>& batch, std::size_t first,
       throw;
     }
   });
-  for (const Failure& failure : failures) {
-    if (failure.exception) std::rethrow_exception(failure.exception);
-    if (failure.fault) return *failure.fault;
+  for (const std::exception_ptr& failure : failures) {
+    if (failure) std::rethrow_exception(failure);
   }
-  return {};
 }
 
-Result<void> FitList(const VariableList& list, const Spreadsheet& sheet,
-                     const FitSpecification& specification, const CaseSet& cases, const RunProgress& bars,
-                     std::vector<VariableFit>& results) {
-  if (list.numbers.empty()) return {};
+void FitList(const VariableList& list, const Spreadsheet& sheet, const FitSpecification& specification,
+             const CaseSet& cases, const RunProgress& bars, std::vector<VariableFit>& results) {
+  if (list.numbers.empty()) return;
   const auto progress = bars.Bar(list.stage, list.numbers.size() * cases.cases.size() + 1);
   progress->ShowNow();
   for (std::size_t next = 0; next < list.numbers.size();) {
     const std::size_t first = next;
     std::vector<ReadVariable> batch;
     for (std::size_t held = 0; next < list.numbers.size() && held < kBatchValues; ++next) {
-      Result<ReadVariable> read = Read(sheet, list.numbers[next], list.continuous, cases, *progress);
-      if (!read) return read.Reason();
-      batch.push_back(*std::move(read));
+      batch.push_back(Read(sheet, list.numbers[next], list.continuous, cases, *progress));
       held += batch.back().values.size();
     }
-    if (auto fitted = FitBatch(batch, first, specification, *progress); !fitted) return fitted;
-    for (ReadVariable& read : batch) results.push_back(std::move(read.fit));
+    FitBatch(batch, first, specification, *progress);
+    for (ReadVariable& read : batch) {
+      FindFaultyCases(read.fit, sheet, cases);
+      results.push_back(std::move(read.fit));
+    }
   }
   progress->Step();
-  return {};
 }
 
 }  // namespace
@@ -209,11 +239,16 @@ Result<std::vector<VariableFit>> RunFit(const Spreadsheet& sheet, const FitSpeci
   for (const VariableList& list :
        {VariableList{specification.continuous, true, ProgressStage::kContinuousVariables},
         VariableList{specification.discrete, false, ProgressStage::kDiscreteVariables}}) {
-    auto fitted = FitList(list, sheet, specification, *cases, bars, results);
-    if (!fitted) return fitted.Reason();
+    FitList(list, sheet, specification, *cases, bars, results);
   }
   BootstrapResults(results, specification, bars);
   return results;
+}
+
+std::optional<Fault> FirstFault(const std::vector<VariableFit>& results) {
+  const auto found =
+      std::ranges::find_if(results, [](const VariableFit& fit) { return fit.fault.has_value(); });
+  return found == results.end() ? std::nullopt : found->fault;
 }
 
 bool AnyIsFitted(const std::vector<VariableFit>& results) {

@@ -1,6 +1,7 @@
 // The run of a fit: reads every selected variable, estimates, tests and ranks.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,11 +35,14 @@ std::string OneLineName(const Spreadsheet& sheet, int number);
 // their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and
 // cancellation reach the port on the calling thread only. Where a number of mixtures was out of its bounds,
 // VariableFit::mixtures holds the number taken, and the caller says so, once for all variables. `counts`,
-// where given, takes the numbers of cases. kDataTooLarge, or a fault of the weights, of a value or of a
-// variable's percentiles; of several variables that of the first. Throws UserCancelled.
+// where given, takes the numbers of cases. kDataTooLarge or a fault of the weights. A fault of a value or of the
+// percentiles leaves its own variable invalid, and the others as they are. Throws UserCancelled.
 Result<std::vector<VariableFit>> RunFit(const Spreadsheet& sheet, const FitSpecification& specification,
                                         const CaseOptions& options, const RunProgress& bars,
                                         CaseCounts* counts = nullptr);
+
+// The first fault of a variable among the results; nothing if none has one.
+std::optional<Fault> FirstFault(const std::vector<VariableFit>& results);
 
 // Whether any variable has a valid fit.
 bool AnyIsFitted(const std::vector<VariableFit>& results);

@@ -148,9 +148,13 @@ TEST_F(FitRun, VariableWithoutSpreadIsInvalid) {
   EXPECT_FALSE(AnyIsFitted(Run(sheet, Continuous({1, 3}))));
 }
 
-TEST_F(FitRun, InfiniteValueIsNamed) {
-  EXPECT_EQ(FaultOf(SheetOf({{3, HUGE_VAL, 5}}), Continuous({1})),
-            (Fault{FaultIdentifier::kInfiniteValue, "V1", "2"}));
+TEST_F(FitRun, InfiniteValueEndsTheFitOfItsVariableAlone) {
+  const auto results = Run(SheetOf({{3, HUGE_VAL, 5}, {1, 2, 4}}), Continuous({1, 2}));
+  EXPECT_TRUE(results[0].invalid);
+  EXPECT_EQ(results[0].fault, (Fault{FaultIdentifier::kInfiniteValue, "V1", "2"}));
+  EXPECT_EQ(FirstFault(results), results[0].fault);
+  EXPECT_FALSE(results[1].fault);
+  EXPECT_TRUE(results[1].HasValidFit());
 }
 
 TEST_F(FitRun, DataLimitIsTakenIn32Bits) {
@@ -217,11 +221,12 @@ TEST_F(FitRun, ChangedNumberOfMixturesIsReportedWhereTheMixtureIsChecked) {
   two.continuousSpecifications[0].fit[6] = true;
   for (auto& each : two.continuousSpecifications) each.mixtures = 2;
   const auto few = Run(SheetOf({{1, 2, 4}, {1, 2, 4}}), two);
-  EXPECT_EQ(few[0].mixtures, 2) << "two are too many for three cases, although two it remains";
+  EXPECT_EQ(few[0].mixtures, kNotSetCount) << "two it remains, and the fit says that they are too many";
+  EXPECT_EQ(few[0].fits[1].fault, (brenvolt::Fault{EstimationFault::kTooManyComponents, "2", "3"}));
   EXPECT_EQ(few[1].mixtures, kNotSetCount);
 }
 
-TEST_F(FitRun, NumericFaultOfTheFirstVariableIsNamed) {
+TEST_F(FitRun, PercentilesThatFailEndTheFitOfTheirVariableAlone) {
   auto columns = Columns(3, 12);
   for (const std::size_t tied : {1U, 2U}) columns[tied] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2};
   FitSpecification specification = Continuous({1, 2, 3});
@@ -229,8 +234,30 @@ TEST_F(FitRun, NumericFaultOfTheFirstVariableIsNamed) {
     each.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kJohnson))] = true;
     each.fit[kPercentileFitFlag] = true;
   }
-  EXPECT_EQ(FaultOf(SheetOf(columns), specification), (Fault{FaultIdentifier::kPercentilesNotFitted, "V2"}))
-      << "the percentiles of the second variable are tied";
+  const auto results = Run(SheetOf(columns), specification);
+  EXPECT_TRUE(results[0].HasValidFit());
+  for (const std::size_t tied : {1U, 2U}) {
+    EXPECT_TRUE(results[tied].invalid && results[tied].fits.empty());
+    EXPECT_EQ(results[tied].fault, (Fault{FaultIdentifier::kPercentilesNotFitted, results[tied].name}));
+  }
+  FitSpecification first = Continuous({1});
+  first.continuousSpecifications[0] = specification.continuousSpecifications[0];
+  const auto few = Run(SheetOf({{1, 2, 4, 7}}), first);
+  EXPECT_EQ(few[0].fault, (Fault{FaultIdentifier::kTooFewForPercentiles, "V1", "4"}));
+}
+
+TEST_F(FitRun, FaultOfAValueNamesItsCase) {
+  FitSpecification specification;
+  specification.discrete = {1};
+  specification.discreteSpecifications.resize(1);
+  specification.discreteSpecifications[0].fit.fill(true);
+  const auto results = Run(SheetOf({{7, 3, 2.5, 2.5, 1.5}}), specification);
+  ASSERT_EQ(results[0].fits.size(), 5U);
+  for (const std::size_t i : {0U, 1U, 2U}) {
+    EXPECT_EQ(results[0].fits[i].fault, (brenvolt::Fault{EstimationFault::kFraction, "1.5"}));
+    EXPECT_EQ(results[0].fits[i].faultyCase, 5);
+  }
+  EXPECT_TRUE(results[0].fits[4].IsValid()) << "a histogram takes any values";
 }
 
 TEST_F(FitRun, DiscreteVariablesFollowWithTheirFiveTypes) {
@@ -259,11 +286,12 @@ TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {
   const std::vector<double> sorted{-1, 2, 3, 5};
   Moments moments;
   moments.logMean = kNotSet;
-  const auto fits = FitContinuousDistributions({sorted, moments}, specification,
-                                               ChiSquareBinning::kEqualProbabilities, [] {});
+  const auto fits = *FitContinuousDistributions({sorted, moments}, specification,
+                                                ChiSquareBinning::kEqualProbabilities, [] {});
   ASSERT_EQ(fits.size(), 2U);
   EXPECT_TRUE(fits[0].IsValid());
   EXPECT_FALSE(fits[1].IsValid());
+  EXPECT_EQ(fits[1].fault, (brenvolt::Fault{EstimationFault::kUndefinedLogarithm, "-1", "-10"}));
   EXPECT_TRUE(IsNotSet(fits[1].kolmogorovSmirnov.pValue));
   EXPECT_EQ(RankFits(fits, RankingCriterion::kKolmogorovSmirnov), (std::vector<std::size_t>{0, 1}));
 }

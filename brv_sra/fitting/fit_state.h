@@ -8,8 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/specification.h"
 #include "brv_sra/distributions/variable_properties.h"
+#include "host/numeric/estimation/distribution_estimate.h"
 #include "host/statistics/moments.h"
 
 namespace brenvolt::sra {
@@ -108,6 +110,10 @@ struct BootstrapResult {
 // failed.
 struct DistributionFit {
   DistributionSpecification specification;
+  EstimateOrigin origin = EstimateOrigin::kNone;          // what the values come from
+  std::optional<brenvolt::Fault<EstimationFault>> fault;  // why there are none
+  std::int64_t faultyCase =
+      0;  // of the sheet, from 1: where the value stands that the fault is about, if it is
   std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
   std::vector<double> covariance;      // of the values, row by row, or none
   int estimatedParameters = 0;         // how many of the values the data determined
@@ -137,7 +143,8 @@ struct VariableFit {
   int variableNumber = 0;
   std::string name;
   bool continuous = true;
-  bool invalid = false;  // no spread or no valid case: nothing was fitted
+  bool invalid = false;        // no spread, no valid case or a fault: nothing was fitted
+  std::optional<Fault> fault;  // of this variable alone: an infinite value, percentiles that cannot be fitted
   Moments moments;
   std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order

@@ -268,7 +268,10 @@ FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) 
 Result<std::vector<VariableFit>> FitAll(const Spreadsheet& data, const std::vector<std::int16_t>& numbers,
                                         const RunProgress& bars) {
   if (numbers.empty()) return std::vector<VariableFit>();
-  return RunFit(data, BestFitSpecification(numbers), {.useSelection = false, .useWeights = false}, bars);
+  auto fits = RunFit(data, BestFitSpecification(numbers), {.useSelection = false, .useWeights = false}, bars);
+  if (!fits) return fits;
+  if (auto fault = FirstFault(*fits)) return *std::move(fault);
+  return fits;
 }
 
 }  // namespace

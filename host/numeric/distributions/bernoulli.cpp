@@ -40,10 +40,10 @@ struct FormulasOf<Bernoulli> {
   double Mean() const { return p; }
   double Variance() const { return p * (1.0 - p); }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    const RateEstimate fit = EstimateBernoulli(input.sorted);
-    if (fit.status != DiscreteStatus::kSuccess) return {};
-    return EstimateWithCovariance({fit.value}, {fit.value * (1 - fit.value) / input.Count()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto proportion = EstimateBernoulli(input.sorted);
+    if (!proportion) return proportion.Reason();
+    return EstimateWithCovariance({*proportion}, {*proportion * (1 - *proportion) / input.Count()});
   }
 };
 

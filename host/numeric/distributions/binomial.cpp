@@ -212,13 +212,15 @@ struct FormulasOf<Binomial> {
 
   // The error of an estimated number of trials has no closed form; that of the proportion would be too small
   // without it.
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    const BinomialEstimate fit = EstimateBinomial(input.sorted, input.trials.value_or(0), !input.trials);
-    if (fit.status != DiscreteStatus::kSuccess) return {};
-    const auto trials = static_cast<double>(fit.trials);
-    if (!input.trials) return {{fit.proportion, trials}, {}, {}, 2};
-    const double variance = fit.proportion * (1 - fit.proportion) / (input.Count() * trials);
-    return {{fit.proportion, trials}, {std::sqrt(variance), 0}, {variance, 0, 0, 0}, 1};
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto fit = EstimateBinomial(input.sorted, input.trials);
+    if (!fit) return fit.Reason();
+    const double p = fit->proportion;
+    const auto trials = static_cast<double>(fit->trials);
+    if (!input.trials) return EstimateOfValues({p, trials}, EstimateOrigin::kExtremes);
+    auto estimate = EstimateWithCovariance({p, trials}, {p * (1 - p) / (input.Count() * trials), 0, 0, 0});
+    estimate.estimatedParameters = 1;
+    return estimate;
   }
 };
 

@@ -66,7 +66,7 @@ struct DistributionType {
   double (*mean)(In values, double offset);
   double (*variance)(In values, double offset);
   double (*logLikelihood)(In sorted, In values, double offset);
-  DistributionEstimate (*estimate)(const EstimationInput& input);
+  EstimateResult (*estimate)(const EstimationInput& input);
 };
 
 // The formulas of the distribution D, defined together with it.
@@ -114,7 +114,7 @@ class Distribution {
   double LogLikelihood(In sorted) const;
 
   // The fit to a sample. What is estimated how stands with the formulas.
-  static DistributionEstimate Estimate(const EstimationInput& input);
+  static EstimateResult Estimate(const EstimationInput& input);
 
   static constinit const DistributionType kType;
 

@@ -254,7 +254,7 @@ double Distribution<D>::LogLikelihood(In sorted) const {
 }
 
 template <class D>
-DistributionEstimate Distribution<D>::Estimate(const EstimationInput& input) {
+EstimateResult Distribution<D>::Estimate(const EstimationInput& input) {
   return FormulasOf<D>::Estimate(input);
 }
 

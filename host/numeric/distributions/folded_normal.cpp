@@ -124,13 +124,12 @@ struct FormulasOf<FoldedNormal> {
     return sum - static_cast<double>(sorted.size()) * (std::log(scale) + kLogSqrtTwoPi);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 2> p{};
-    EstimationError error{};
-    if (FitFoldedNormalDistribution(0, input.sorted, input.offset, p, error, input.poll) != 0) return {};
-    const auto covariance = FoldedNormalCovariance(input.sorted, p[0], p[1], input.offset);
-    if (!covariance) return {{p[0], p[1]}, {}, {}, 2};
-    return EstimateWithCovariance({p[0], p[1]}, {covariance->begin(), covariance->end()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto fit = EstimateFoldedNormal(input.sorted, input.offset, input.poll);
+    if (!fit) return fit.Reason();
+    const auto covariance = FoldedNormalCovariance(input.sorted, fit->location, fit->scale, input.offset);
+    if (!covariance) return EstimateOfValues({fit->location, fit->scale}, EstimateOrigin::kLikelihood);
+    return EstimateWithCovariance({fit->location, fit->scale}, {covariance->begin(), covariance->end()});
   }
 };
 

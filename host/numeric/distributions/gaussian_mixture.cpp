@@ -160,16 +160,15 @@ struct FormulasOf<GaussianMixture> {
   }
 
   // No standard errors: the likelihood of a mixture is too far from quadratic for them at usual sizes.
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::int32_t components = input.components;
-    std::vector<double> values(kComponentSize * static_cast<std::size_t>(components), kNotSet);
-    EstimationError error{};
-    if (FitGaussianMixture(input.sorted, values, components, error, input.poll) != 0) return {};
-    values.resize(kComponentSize * static_cast<std::size_t>(components));
-    for (std::size_t i = 2; i < values.size(); i += kComponentSize) {
-      if (AlmostEqual(values[i], 0)) return {};
+  static EstimateResult Estimate(const EstimationInput& input) {
+    auto values = EstimateGaussianMixture(input.sorted, input.components, input.poll);
+    if (!values) return values.Reason();
+    for (std::size_t i = 2; i < values->size(); i += kComponentSize) {
+      if (AlmostEqual((*values)[i], 0)) return FaultAbout(EstimationFault::kNoMaximum, input.components);
     }
-    return {values, {}, {}, 3 * components - 1};
+    auto estimate = EstimateOfValues(*std::move(values), EstimateOrigin::kLikelihood);
+    --estimate.estimatedParameters;  // the proportions add up to 1
+    return estimate;
   }
 };
 

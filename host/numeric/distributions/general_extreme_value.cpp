@@ -69,16 +69,17 @@ struct FormulasOf<GeneralExtremeValue> {
 
   // No standard errors for a shape of -1/2 or less, where estimates are not asymptotically normal (Smith
   // 1985).
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 3> p{};
-    std::array<double, 9> covariance{};
-    EstimationError error{};
-    const bool isLikelihood = GEV_MLE(input.sorted, p, covariance, error, input.poll) == 0;
-    if (!isLikelihood && GEV_ProbWeightMoments(input.sorted, p, error) != 0) return {};
-    if (!(p[1] > 0)) return {};
-    const bool hasErrors = isLikelihood && p[2] > kLeastRegularShape && !IsNotSet(covariance[0]);
-    if (!hasErrors) return {{p.begin(), p.end()}, {}, {}, 3};
-    return EstimateWithCovariance({p.begin(), p.end()}, {covariance.begin(), covariance.end()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    auto fit = EstimateExtremeValue(input.sorted, input.poll);
+    const bool isLikelihood = static_cast<bool>(fit);
+    if (!isLikelihood) fit = EstimateExtremeValueByMoments(input.sorted);
+    if (!fit) return fit.Reason();
+    std::vector<double> values(fit->parameters.begin(), fit->parameters.end());
+    if (!(values[1] > 0)) return Fault{EstimationFault::kNoSolution};
+    if (!isLikelihood) return EstimateOfValues(std::move(values), EstimateOrigin::kMoments);
+    const bool hasErrors = values[2] > kLeastRegularShape && !fit->covariance.empty();
+    if (!hasErrors) return EstimateOfValues(std::move(values), EstimateOrigin::kLikelihood);
+    return EstimateWithCovariance(std::move(values), std::move(fit->covariance));
   }
 };
 

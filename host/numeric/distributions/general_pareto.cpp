@@ -64,17 +64,17 @@ struct FormulasOf<GeneralPareto> {
     return sum - static_cast<double>(sorted.size()) * std::log(scale);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 3> p{};
-    EstimationError error{};
-    const bool isLikelihood = FitGPDMaximumLikelihood(input.sorted, input.offset, p, error, input.poll) == 0;
-    if (!isLikelihood && FitGPDProbabilityWeightedMoments(input.sorted, input.offset, p, error) != 0)
-      return {};
-    if (!(p[1] > 0)) return {};
-    const auto covariance = isLikelihood ? ParetoCovariance(input.sorted, p[1], p[2], input.offset)
-                                         : std::optional<Covariance2>();
-    if (!covariance) return {{p[1], p[2]}, {}, {}, 2};
-    return EstimateWithCovariance({p[1], p[2]}, {covariance->begin(), covariance->end()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    auto fit = EstimatePareto(input.sorted, input.offset, input.poll);
+    const bool isLikelihood = static_cast<bool>(fit);
+    if (!isLikelihood) fit = EstimateParetoByMoments(input.sorted, input.offset);
+    if (!fit) return fit.Reason();
+    if (!(fit->scale > 0)) return Fault{EstimationFault::kNoSolution};
+    std::vector<double> values{fit->scale, fit->shape};
+    if (!isLikelihood) return EstimateOfValues(std::move(values), EstimateOrigin::kMoments);
+    const auto covariance = ParetoCovariance(input.sorted, fit->scale, fit->shape, input.offset);
+    if (!covariance) return EstimateOfValues(std::move(values), EstimateOrigin::kLikelihood);
+    return EstimateWithCovariance(std::move(values), {covariance->begin(), covariance->end()});
   }
 };
 

@@ -55,10 +55,11 @@ struct FormulasOf<Geometric> {
   double Mean() const { return (1.0 - p) / p; }
   double Variance() const { return (1.0 - p) / p / p; }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    const RateEstimate fit = EstimateGeometric(input.sorted);
-    if (fit.status != DiscreteStatus::kSuccess) return {};
-    return EstimateWithCovariance({fit.value}, {fit.value * fit.value * (1 - fit.value) / input.Count()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto proportion = EstimateGeometric(input.sorted);
+    if (!proportion) return proportion.Reason();
+    return EstimateWithCovariance({*proportion},
+                                  {*proportion * *proportion * (1 - *proportion) / input.Count()});
   }
 };
 

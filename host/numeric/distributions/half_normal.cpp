@@ -54,11 +54,8 @@ struct FormulasOf<HalfNormal> {
     return sum + static_cast<double>(sorted.size()) * (std::numbers::ln2 - std::log(scale) - kLogSqrtTwoPi);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 3> results{};
-    EstimationError error{};
-    if (FitHalfNormalDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
-    return EstimateOfScale(results);
+  static EstimateResult Estimate(const EstimationInput& input) {
+    return EstimateOfScale(EstimateHalfNormal(input.sorted, input.offset));
   }
 };
 

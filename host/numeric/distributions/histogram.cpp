@@ -116,11 +116,12 @@ struct FormulasOf<Histogram> {
   PreparedHistogram Prepared(std::size_t uses) const;
 
   // No standard errors: a table of classes has no place for them.
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    HistogramEstimate fit = EstimateHistogram(input.sorted);
-    if (fit.status != DiscreteStatus::kSuccess) return {};
-    const int parameters = static_cast<int>(fit.classes.size() / kClassSize) - 1;
-    return {std::move(fit.classes), {}, {}, parameters};
+  static EstimateResult Estimate(const EstimationInput& input) {
+    auto classes = EstimateHistogram(input.sorted);
+    if (!classes) return classes.Reason();
+    auto estimate = EstimateOfValues(*std::move(classes), EstimateOrigin::kLikelihood);
+    estimate.estimatedParameters = static_cast<int>(estimate.values.size() / kClassSize) - 1;
+    return estimate;
   }
 };
 

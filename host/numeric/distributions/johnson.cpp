@@ -151,19 +151,22 @@ struct FormulasOf<Johnson> {
   }
 
   // No standard errors: neither moments nor percentiles maximise the likelihood.
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 5> p{};
-    EstimationError error{};
-    if (input.isByPercentiles) {
-      constexpr double kChosenByTheFit = -1;
-      if (FitJohnsonFromPercentiles(input.sorted, p, kChosenByTheFit, 1, error) != 0) return {};
-    } else if (IsNotSet(input.kurtosis) ||
-               FitJohnsonFromMoments(input.mean, input.standardDeviation, input.skewness, input.kurtosis, p,
-                                     error) != 0) {
-      return {};
-    }
-    p[0] = StoredFamily(p[0]);
-    return {{p.begin(), p.end()}, {}, {}, ParameterCount(p[0])};
+  static EstimationResult<JohnsonEstimate> ByMoments(const EstimationInput& input) {
+    constexpr double kLeastCount = 4;  // for a kurtosis
+    if (IsNotSet(input.kurtosis))
+      return FaultAbout(EstimationFault::kTooFewValues, input.Count(), kLeastCount);
+    return EstimateJohnsonByMoments(input.mean, input.standardDeviation, input.skewness, input.kurtosis);
+  }
+
+  static EstimateResult Estimate(const EstimationInput& input) {
+    auto fit = input.isByPercentiles ? EstimateJohnsonByPercentiles(input.sorted) : ByMoments(input);
+    if (!fit) return fit.Reason();
+    (*fit)[0] = StoredFamily((*fit)[0]);
+    auto estimate =
+        EstimateOfValues({fit->begin(), fit->end()},
+                         input.isByPercentiles ? EstimateOrigin::kPercentiles : EstimateOrigin::kMoments);
+    estimate.estimatedParameters = ParameterCount((*fit)[0]);
+    return estimate;
   }
 };
 

@@ -76,11 +76,8 @@ struct FormulasOf<LogNormal> {
     return sum - static_cast<double>(sorted.size()) * (std::log(shape) + kLogSqrtTwoPi);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 2> p{};
-    EstimationError error{};
-    if (FitLognormalDistribution(0, input.sorted, input.offset, p, error) != 0) return {};
-    return EstimateOfNormalValues(p, input.Count());
+  static EstimateResult Estimate(const EstimationInput& input) {
+    return EstimateOfNormalValues(EstimateLogNormal(input.sorted, input.offset), input.Count());
   }
 };
 

@@ -44,11 +44,8 @@ struct FormulasOf<Normal> {
     return sum - static_cast<double>(sorted.size()) * (std::log(scale) + kLogSqrtTwoPi);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 2> p{};
-    EstimationError error{};
-    if (FitNormalDistribution(0, input.sorted, p, error) != 0) return {};
-    return EstimateOfNormalValues(p, input.Count());
+  static EstimateResult Estimate(const EstimationInput& input) {
+    return EstimateOfNormalValues(EstimateNormal(input.sorted), input.Count());
   }
 };
 

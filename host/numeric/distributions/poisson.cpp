@@ -74,10 +74,10 @@ struct FormulasOf<Poisson> {
   double Mean() const { return mean; }
   double Variance() const { return mean; }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    const RateEstimate fit = EstimatePoisson(input.sorted);
-    if (fit.status != DiscreteStatus::kSuccess) return {};
-    return EstimateWithCovariance({fit.value}, {fit.value / input.Count()});
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto mean = EstimatePoisson(input.sorted);
+    if (!mean) return mean.Reason();
+    return EstimateWithCovariance({*mean}, {*mean / input.Count()});
   }
 };
 

@@ -56,11 +56,8 @@ struct FormulasOf<Rayleigh> {
     return sum - static_cast<double>(sorted.size()) * std::log(scale);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    std::array<double, 3> results{};
-    EstimationError error{};
-    if (FitRayleighDistribution(0, input.sorted, input.offset, results, error) != 0) return {};
-    return EstimateOfScale(results);
+  static EstimateResult Estimate(const EstimationInput& input) {
+    return EstimateOfScale(EstimateRayleigh(input.sorted, input.offset));
   }
 };
 

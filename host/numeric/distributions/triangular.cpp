@@ -74,10 +74,12 @@ struct FormulasOf<Triangular> {
   double Variance() const { return (Rise() * Width() + Fall() * Fall()) / 18.0; }
 
   // No standard errors: the extremes of a sample are not asymptotically normal.
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    const TriangularEstimate fit = EstimateTriangular(input.sorted, input.poll);
-    if (!fit.isValid) return {};
-    return {{fit.minimum, fit.maximum, fit.mode}, {}, {}, 3, fit.logLikelihood};
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto fit = EstimateTriangular(input.sorted, input.poll);
+    if (!fit) return fit.Reason();
+    auto estimate = EstimateOfValues({fit->minimum, fit->maximum, fit->mode}, EstimateOrigin::kExtremes);
+    estimate.logLikelihood = fit->logLikelihood;
+    return estimate;
   }
 };
 

@@ -66,18 +66,21 @@ struct FormulasOf<Weibull> {
     return sum + static_cast<double>(sorted.size()) * std::log(shape / scale);
   }
 
-  static DistributionEstimate Estimate(const EstimationInput& input) {
-    // A Newton step of the shape below this ends the estimation: convergence is quadratic, so the shape is
-    // then good to rounding.
-    constexpr double kTolerance = 1e-9;
-    const WeibullEstimate fit = EstimateWeibull(input.sorted, input.offset, kTolerance);
-    if (fit.status != WeibullStatus::kSuccess) return {};
-    const double scaleError = fit.scaleStandardError;
-    const double shapeError = fit.shapeStandardError;
-    return {{fit.scale, fit.shape},
-            {scaleError, shapeError},
-            {scaleError * scaleError, fit.covariance, fit.covariance, shapeError * shapeError},
-            2};
+  // A Newton step of the shape below this ends the estimation: convergence is quadratic, so the shape is then
+  // good to rounding. A shape is of the size of mean / standard deviation, where that is large.
+  static double Tolerance(const EstimationInput& input) {
+    constexpr double kRelative = 1e-9;
+    const double size = (input.mean - input.offset) / input.standardDeviation;
+    return kRelative * (std::isfinite(size) && size > 1 ? size : 1);
+  }
+
+  static EstimateResult Estimate(const EstimationInput& input) {
+    const auto fit = EstimateWeibull(input.sorted, input.offset, Tolerance(input));
+    if (!fit) return fit.Reason();
+    const double scaleError = fit->scaleStandardError;
+    const double shapeError = fit->shapeStandardError;
+    return EstimateWithCovariance({fit->scale, fit->shape}, {scaleError * scaleError, fit->covariance,
+                                                             fit->covariance, shapeError * shapeError});
   }
 };
 

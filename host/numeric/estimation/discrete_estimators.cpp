@@ -6,86 +6,78 @@
 namespace brenvolt {
 namespace {
 
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
 struct CountSummary {
   double mean = 0;
   double greatest = 0;
-  DiscreteStatus status = DiscreteStatus::kSuccess;
 };
 
 // The running mean and the greatest value of counts that are at most `limit`.
-CountSummary Summarise(std::span<const double> data, double limit) {
+EstimationResult<CountSummary> Summarise(std::span<const double> data, double limit = kInfinity) {
   CountSummary summary;
-  const auto failed = [&summary](DiscreteStatus status) {
-    summary.status = status;
-    return summary;
-  };
-  if (data.empty()) return failed(DiscreteStatus::kNoValues);
   double accepted = 0;
   for (const double x : data) {
     if (std::isnan(x)) continue;
-    if (x != std::floor(x) || (x < 0 && !AlmostEqual(x, 0))) return failed(DiscreteStatus::kNotACount);
-    if (x > limit) return failed(DiscreteStatus::kAboveGreatest);
+    if (x != std::floor(x)) return FaultAbout(EstimationFault::kFraction, x);
+    if (x < 0 && !AlmostEqual(x, 0)) return FaultAbout(EstimationFault::kNegativeCount, x);
+    if (x > limit) return FaultAbout(EstimationFault::kAboveTrials, x, limit);
     ++accepted;
     summary.mean += (x - summary.mean) / accepted;
     if (x > summary.greatest && !AlmostEqual(x, summary.greatest)) summary.greatest = x;
   }
-  return accepted == 0 ? failed(DiscreteStatus::kNothingToEstimate) : summary;
+  if (accepted == 0) return Fault{EstimationFault::kNoValues};
+  return summary;
 }
 
 }  // namespace
 
-BinomialEstimate EstimateBinomial(std::span<const double> data, std::int32_t trials, bool estimateTrials) {
-  BinomialEstimate estimate;
-  estimate.status = DiscreteStatus::kInvalidTrials;
-  if (!estimateTrials && trials < 1) return estimate;
-  constexpr auto kMostTrials = static_cast<double>(std::numeric_limits<std::int32_t>::max());
-  const CountSummary counts = Summarise(data, estimateTrials ? kMostTrials : static_cast<double>(trials));
-  estimate.status = counts.status;
-  if (counts.status != DiscreteStatus::kSuccess) return estimate;
-  const double n = estimateTrials ? counts.greatest : static_cast<double>(trials);
-  if (n < 1) {
-    estimate.status = DiscreteStatus::kNothingToEstimate;
-    return estimate;
+EstimationResult<BinomialEstimate> EstimateBinomial(std::span<const double> data,
+                                                    std::optional<std::int32_t> trials) {
+  if (trials && *trials < 1) return FaultAbout(EstimationFault::kInvalidTrials, *trials);
+  const auto counts = Summarise(data, trials.value_or(std::numeric_limits<std::int32_t>::max()));
+  if (!counts) return counts.Reason();
+  const double n = trials ? static_cast<double>(*trials) : counts->greatest;
+  if (n < 1) return Fault{EstimationFault::kAllZero};
+  return BinomialEstimate{counts->mean / n, static_cast<std::int32_t>(n)};
+}
+
+EstimationResult<double> EstimatePoisson(std::span<const double> data) {
+  const auto counts = Summarise(data);
+  if (!counts) return counts.Reason();
+  if (!(counts->mean > 0)) return Fault{EstimationFault::kAllZero};
+  return counts->mean;
+}
+
+EstimationResult<double> EstimateGeometric(std::span<const double> data) {
+  const auto counts = Summarise(data);
+  if (!counts) return counts.Reason();
+  return 1 / (1 + counts->mean);
+}
+
+EstimationResult<double> EstimateBernoulli(std::span<const double> data) {
+  for (const double x : data) {
+    if (!std::isnan(x) && x != 0 && x != 1) return FaultAbout(EstimationFault::kNeitherZeroNorOne, x);
   }
-  estimate.proportion = counts.mean / n;
-  estimate.trials = static_cast<std::int32_t>(n);
-  return estimate;
+  const auto counts = Summarise(data);
+  if (!counts) return counts.Reason();
+  return counts->mean;
 }
 
-RateEstimate EstimatePoisson(std::span<const double> data) {
-  const CountSummary counts = Summarise(data, std::numeric_limits<double>::infinity());
-  if (counts.status != DiscreteStatus::kSuccess) return {kNotSet, counts.status};
-  if (!(counts.mean > 0)) return {kNotSet, DiscreteStatus::kNothingToEstimate};
-  return {counts.mean, DiscreteStatus::kSuccess};
-}
-
-RateEstimate EstimateGeometric(std::span<const double> data) {
-  const CountSummary counts = Summarise(data, std::numeric_limits<double>::infinity());
-  if (counts.status != DiscreteStatus::kSuccess) return {kNotSet, counts.status};
-  return {1 / (1 + counts.mean), DiscreteStatus::kSuccess};
-}
-
-RateEstimate EstimateBernoulli(std::span<const double> data) {
-  const CountSummary counts = Summarise(data, 1);
-  if (counts.status != DiscreteStatus::kSuccess) return {kNotSet, counts.status};
-  return {counts.mean, DiscreteStatus::kSuccess};
-}
-
-HistogramEstimate EstimateHistogram(std::span<const double> sorted) {
-  HistogramEstimate estimate;
-  if (sorted.empty()) return estimate;
+EstimationResult<std::vector<double>> EstimateHistogram(std::span<const double> sorted) {
   std::size_t count = sorted.size();
   while (count > 0 && std::isnan(sorted[count - 1])) --count;
-  estimate.status = count == 0 ? DiscreteStatus::kNothingToEstimate : DiscreteStatus::kSuccess;
+  if (count == 0) return Fault{EstimationFault::kNoValues};
   const auto n = static_cast<double>(count);
+  std::vector<double> classes;
   for (std::size_t i = 0; i < count;) {
     std::size_t end = i + 1;
     while (end < count && sorted[end] == sorted[i]) ++end;
-    estimate.classes.push_back(sorted[i]);
-    estimate.classes.push_back(static_cast<double>(end - i) / n);
+    classes.push_back(sorted[i]);
+    classes.push_back(static_cast<double>(end - i) / n);
     i = end;
   }
-  return estimate;
+  return classes;
 }
 
 }  // namespace brenvolt

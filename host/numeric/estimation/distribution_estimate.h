@@ -1,7 +1,6 @@
 // The estimate of a distribution from a sample, in one shape for all.
 #pragma once
 
-#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -32,19 +31,37 @@ struct EstimationInput {
   double Count() const { return static_cast<double>(sorted.size()); }
 };
 
-// Without values where the fit failed.
+// What the values of an estimate come from.
+enum class EstimateOrigin : std::uint8_t {
+  kNone,        // no estimate
+  kLikelihood,  // its maximum
+  kMoments,     // for the generalized distributions, as the likelihood has no maximum
+  kPercentiles,
+  kExtremes  // the ends or the number of trials are extremes of the sample
+};
+
 struct DistributionEstimate {
-  std::vector<double> values;          // in the order of the parameters
-  std::vector<double> standardErrors;  // empty if the estimator gives none
-  std::vector<double> covariance;      // row by row
+  std::vector<double> values = {};  // in the order of the parameters
+  EstimateOrigin origin = EstimateOrigin::kLikelihood;
+  std::vector<double> standardErrors = {};  // empty if the estimator gives none
+  std::vector<double> covariance = {};      // row by row
   int estimatedParameters = 0;
   double logLikelihood = kNotSet;  // where the estimator knows it
 };
+using EstimateResult = EstimationResult<DistributionEstimate>;
 
+// Without standard errors, every value estimated.
+inline DistributionEstimate EstimateOfValues(std::vector<double> values, EstimateOrigin origin) {
+  const int count = static_cast<int>(values.size());
+  return {.values = std::move(values), .origin = origin, .estimatedParameters = count};
+}
+
+// By maximum likelihood.
 inline DistributionEstimate EstimateWithCovariance(std::vector<double> values,
                                                    std::vector<double> covariance) {
   const std::size_t count = values.size();
-  DistributionEstimate estimate{std::move(values), {}, std::move(covariance), static_cast<int>(count)};
+  DistributionEstimate estimate = EstimateOfValues(std::move(values), EstimateOrigin::kLikelihood);
+  estimate.covariance = std::move(covariance);
   for (std::size_t i = 0; i < count; ++i)
     estimate.standardErrors.push_back(std::sqrt(estimate.covariance[i * count + i]));
   return estimate;
@@ -52,14 +69,19 @@ inline DistributionEstimate EstimateWithCovariance(std::vector<double> values,
 
 // Of mean and standard deviation of normal values, which are uncorrelated, with variances s^2 / n and s^2 /
 // (2 n).
-inline DistributionEstimate EstimateOfNormalValues(const std::array<double, 2>& p, double count) {
-  const double variance = p[1] * p[1] / count;
-  return EstimateWithCovariance({p[0], p[1]}, {variance, 0, 0, variance / 2});
+inline EstimateResult EstimateOfNormalValues(const EstimationResult<NormalEstimate>& fit, double count) {
+  if (!fit) return fit.Reason();
+  const double variance = fit->standardDeviation * fit->standardDeviation / count;
+  return EstimateWithCovariance({fit->mean, fit->standardDeviation}, {variance, 0, 0, variance / 2});
 }
 
-// Of a scale, its standard error and the log-likelihood.
-inline DistributionEstimate EstimateOfScale(const std::array<double, 3>& results) {
-  return {{results[0]}, {results[1]}, {results[1] * results[1]}, 1, results[2]};
+inline EstimateResult EstimateOfScale(const EstimationResult<ScaleEstimate>& fit) {
+  if (!fit) return fit.Reason();
+  DistributionEstimate estimate =
+      EstimateWithCovariance({fit->scale}, {fit->standardError * fit->standardError});
+  estimate.standardErrors = {fit->standardError};
+  estimate.logLikelihood = fit->logLikelihood;
+  return estimate;
 }
 
 }  // namespace brenvolt

@@ -1,14 +1,12 @@
 // What the estimators of distribution parameters share: sums that keep their digits, checks of the sample,
-// the way a failure is reported, and the change of units that makes every fit follow the data's units.
+// and the change of units that makes every fit follow the data's units.
 #pragma once
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <span>
 #include <vector>
 
-#include "host/base/almost_equal.h"
 #include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt::estimation {
@@ -70,26 +68,28 @@ inline bool IsAnyNotFinite(std::span<const double> data) {
   return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });
 }
 
-// Clears the slots to kNotSet and reports the reason.
-inline std::int32_t Fail(EstimationError reason, std::span<double> slots, EstimationError& error) {
-  std::fill(slots.begin(), slots.end(), kNotSet);
-  error = reason;
-  return static_cast<std::int32_t>(reason);
+// Why a sample (and what shifts it) cannot be fitted at all.
+inline EstimationResult<void> CheckSample(std::span<const double> data, std::size_t leastCount,
+                                          double offset = 0.0) {
+  if (data.size() < leastCount) {
+    return FaultAbout(EstimationFault::kTooFewValues, static_cast<double>(data.size()),
+                      static_cast<double>(leastCount));
+  }
+  if (IsAnyNotFinite(data) || !std::isfinite(offset)) return Fault{EstimationFault::kNotFinite};
+  return {};
 }
 
-// Reports success, unless a slot did not come out finite.
-inline std::int32_t Succeed(std::span<double> slots, EstimationError& error) {
-  if (IsAnyNotFinite(slots)) return Fail(EstimationError::kNotFinite, slots, error);
-  error = EstimationError::kNone;
-  return 0;
-}
-
-// kNone, or why a sample (and what shifts it) cannot be fitted at all.
-inline EstimationError CheckSample(std::span<const double> data, std::size_t leastCount,
-                                   double offset = 0.0) {
-  if (data.size() < leastCount) return EstimationError::kTooFewValues;
-  if (IsAnyNotFinite(data) || !std::isfinite(offset)) return EstimationError::kNotFinite;
-  return EstimationError::kNone;
+// The same of data above an offset.
+inline EstimationResult<void> CheckAboveOffset(std::span<const double> data, std::size_t leastCount,
+                                               double offset, bool isOffsetInside) {
+  auto checked = CheckSample(data, leastCount, offset);
+  if (!checked) return checked;
+  for (const double x : data) {
+    const double y = x - offset;
+    if (y < 0.0) return FaultAbout(EstimationFault::kValueBelowOffset, x, offset);
+    if (y == 0.0 && !isOffsetInside) return FaultAbout(EstimationFault::kValueAtOffset, offset);
+  }
+  return {};
 }
 
 // A sample in units of its own: values = (data - origin) 2^-exponent. The power of two is exact and the

@@ -12,15 +12,15 @@
 namespace brenvolt {
 namespace {
 
+using estimation::CheckAboveOffset;
+using estimation::CheckSample;
 using estimation::CompensatedSum;
-using estimation::Fail;
 using estimation::IsAnyNotFinite;
 
-// Mean and standard deviation of at least two finite values.
-std::int32_t FitMoments(std::span<const double> data, std::span<double, 2> parameters,
-                        EstimationError& error) {
+// Of at least two finite values.
+EstimationResult<NormalEstimate> EstimateMoments(std::span<const double> data) {
   const auto [least, greatest] = std::minmax_element(data.begin(), data.end());
-  if (*least == *greatest) return Fail(EstimationError::kNoSpread, parameters, error);
+  if (*least == *greatest) return Fault{EstimationFault::kNoSpread};
   const int exponent = std::ilogb(std::max(std::abs(*least), std::abs(*greatest)));
   const auto scaled = [exponent](double x) { return std::scalbn(x, -exponent); };
   const auto n = static_cast<double>(data.size());
@@ -39,36 +39,24 @@ std::int32_t FitMoments(std::span<const double> data, std::span<double, 2> param
     squares.Add(deviation * deviation);
   }
   const double shift = deviations.Value() / n;
-  parameters[0] = std::scalbn(centre + shift, exponent);
-  parameters[1] = std::scalbn(std::sqrt(squares.Value() / n - shift * shift), exponent);
-  error = EstimationError::kNone;
-  return 0;
+  return NormalEstimate{std::scalbn(centre + shift, exponent),
+                        std::scalbn(std::sqrt(squares.Value() / n - shift * shift), exponent)};
 }
 
 }  // namespace
 
-std::int32_t FitNormalDistribution(std::int32_t /*flag*/, std::span<const double> data,
-                                   std::span<double, 2> parameters, EstimationError& error) {
-  if (data.size() < 2) return Fail(EstimationError::kTooFewValues, parameters, error);
-  if (IsAnyNotFinite(data)) return Fail(EstimationError::kNotFinite, parameters, error);
-  return FitMoments(data, parameters, error);
+EstimationResult<NormalEstimate> EstimateNormal(std::span<const double> data) {
+  if (auto checked = CheckSample(data, 2); !checked) return checked.Reason();
+  return EstimateMoments(data);
 }
 
-std::int32_t FitLognormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
-                                      std::span<double, 2> parameters, EstimationError& error) {
-  if (data.size() < 2) return Fail(EstimationError::kTooFewValues, parameters, error);
-  if (IsAnyNotFinite(data) || !std::isfinite(offset))
-    return Fail(EstimationError::kNotFinite, parameters, error);
-
+EstimationResult<NormalEstimate> EstimateLogNormal(std::span<const double> data, double offset) {
+  if (auto checked = CheckAboveOffset(data, 2, offset, false); !checked) return checked.Reason();
   std::vector<double> logs;
   logs.reserve(data.size());
-  for (const double x : data) {
-    const double shifted = x - offset;
-    if (!(shifted > 0.0)) return Fail(EstimationError::kValueOutsideSupport, parameters, error);
-    logs.push_back(std::log(shifted));
-  }
-  if (IsAnyNotFinite(logs)) return Fail(EstimationError::kNotFinite, parameters, error);
-  return FitMoments(logs, parameters, error);
+  for (const double x : data) logs.push_back(std::log(x - offset));
+  if (IsAnyNotFinite(logs)) return Fault{EstimationFault::kNotFinite};
+  return EstimateMoments(logs);
 }
 
 }  // namespace brenvolt

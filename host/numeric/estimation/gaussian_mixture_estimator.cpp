@@ -18,12 +18,10 @@ namespace brenvolt {
 namespace {
 
 using estimation::CheckSample;
-using estimation::Fail;
 using estimation::Mean;
 using estimation::MeanSquare;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
-using estimation::Succeed;
 using mixture::Candidate;
 using mixture::Climber;
 using mixture::Component;
@@ -37,7 +35,6 @@ using mixture::WithOneMore;
 using mixture::WithTail;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::size_t kValuesPerComponent = 3;
 constexpr int kMostCycles = 1000;
 constexpr std::size_t kSearchedWhole = 5'000;  // the search costs thousands of passes over its values
 
@@ -182,15 +179,14 @@ Candidate FitSorted(std::span<const double> sorted, std::size_t components, doub
 
 }  // namespace
 
-std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> components,
-                                std::int32_t& numberOfComponents, EstimationError& error,
-                                const EstimationPoll& poll) {
-  if (const EstimationError reason = CheckSample(data, 2); reason != EstimationError::kNone) {
-    return Fail(reason, components, error);
-  }
-  const auto count = static_cast<std::size_t>(std::max(numberOfComponents, 0));
-  if (count < 1 || 2 * count > data.size() || components.size() < kValuesPerComponent * count) {
-    return Fail(EstimationError::kInvalidArgument, components, error);
+EstimationResult<std::vector<double>> EstimateGaussianMixture(std::span<const double> data,
+                                                              std::int32_t components,
+                                                              const EstimationPoll& poll) {
+  if (auto checked = CheckSample(data, 2); !checked) return checked.Reason();
+  if (components < 1) return FaultAbout(EstimationFault::kInvalidArgument, components);
+  const auto count = static_cast<std::size_t>(components);
+  if (2 * count > data.size()) {
+    return FaultAbout(EstimationFault::kTooManyComponents, components, static_cast<double>(data.size()));
   }
   std::vector<double> sorted;
   if (!std::ranges::is_sorted(data)) {
@@ -198,19 +194,35 @@ std::int32_t FitGaussianMixture(std::span<const double> data, std::span<double> 
     std::ranges::sort(sorted);
     data = sorted;
   }
-  if (data.front() == data.back()) return Fail(EstimationError::kNoSpread, components, error);
+  if (data.front() == data.back()) return Fault{EstimationFault::kNoSpread};
   const ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
-  if (estimation::IsAnyNotFinite(sample.values)) return Fail(EstimationError::kNotFinite, components, error);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
 
   const double deviation = std::sqrt(MeanSquare(sample.values, Mean(sample.values)));
   const Candidate best = FitSorted(sample.values, count, deviation, poll);
-  if (best.mixture.empty()) return Fail(EstimationError::kNoMaximum, components, error);
-  for (std::size_t c = 0; c < count; ++c) {
-    components[3 * c] = best.mixture[c].proportion;
-    components[3 * c + 1] = sample.origin + sample.InUnitsOfData(best.mixture[c].mean);
-    components[3 * c + 2] = sample.InUnitsOfData(best.mixture[c].deviation);
+  if (best.mixture.empty()) return FaultAbout(EstimationFault::kNoMaximum, components);
+  std::vector<double> values;
+  values.reserve(3 * count);
+  for (const Component& component : best.mixture) {
+    values.insert(values.end(), {component.proportion, sample.origin + sample.InUnitsOfData(component.mean),
+                                 sample.InUnitsOfData(component.deviation)});
   }
-  return Succeed(components.first(kValuesPerComponent * count), error);
+  if (estimation::IsAnyNotFinite(values)) return Fault{EstimationFault::kNotFinite};
+  return values;
+}
+
+std::optional<std::size_t> NearSpike(std::span<const double> mixture, double count) {
+  constexpr double kFewValues = 10.0;
+  constexpr double kNarrow = 0.1;
+  std::size_t narrowest = 0;
+  double widest = 0.0;
+  for (std::size_t c = 0; 3 * c < mixture.size(); ++c) {
+    widest = std::max(widest, mixture[3 * c + 2]);
+    if (mixture[3 * c + 2] < mixture[3 * narrowest + 2]) narrowest = c;
+  }
+  const bool isNear =
+      mixture[3 * narrowest] * count < kFewValues && mixture[3 * narrowest + 2] < kNarrow * widest;
+  return isNear ? std::optional(narrowest) : std::nullopt;
 }
 
 }  // namespace brenvolt

@@ -25,11 +25,9 @@ namespace {
 using estimation::Ask;
 using estimation::CheckSample;
 using estimation::CompensatedSum;
-using estimation::Fail;
 using estimation::kBlock;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
-using estimation::Succeed;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kLeastShape = -1.0;     // the likelihood is unbounded beyond
@@ -147,7 +145,11 @@ Surface Differentiate(std::span<const double> values, const Point& at) {
   return std::isfinite(mean) ? SurfaceFrom(sums, mean, inverseScale, inverseCount) : Surface{};
 }
 
-// Lower Cholesky factor; false when the matrix is not positive definite.
+// Lower Cholesky factor; false when the matrix is not positive definite. Not the factor of host/numeric/algebra,
+// which takes a pivot for positive from some 1e-15 of its diagonal element on: along the ridges that this
+// likelihood has where it grows towards an end of the parameters such pivots are what rounding leaves of 0, and
+// the climb would end on a ridge as on a maximum. It also runs some hundred times in a fit, where the general
+// one would allocate.
 bool Factorise(const Matrix3& matrix, Matrix3& lower) {
   lower = {};
   for (std::size_t i = 0; i < 3; ++i) {
@@ -335,70 +337,66 @@ Point GreatestMaximum(std::span<const double> sorted, Surface& best, const Estim
   return SearchMaximum(sorted, best, poll);
 }
 
-void Store(const ScaledSample& sample, const Point& at, std::span<double, 3> parameters) {
-  parameters[0] = sample.origin + sample.InUnitsOfData(at.location);
-  parameters[1] = sample.InUnitsOfData(std::exp(at.logScale));
-  parameters[2] = at.shape;
+std::array<double, 3> InUnitsOfData(const ScaledSample& sample, const Point& at) {
+  return {sample.origin + sample.InUnitsOfData(at.location), sample.InUnitsOfData(std::exp(at.logScale)),
+          at.shape};
 }
 
-// At a maximum the information in ln(scale) becomes the one in the scale by its derivative alone.
-void StoreCovariance(const Surface& surface, double count, const Vector3& units,
-                     std::span<double, 9> covariance) {
+// At a maximum the information in ln(scale) becomes the one in the scale by its derivative alone. Nothing
+// where the information is not positive definite.
+std::vector<double> CovarianceAt(const Surface& surface, double count, const Vector3& units) {
   Matrix3 lower;
-  if (!Factorise(surface.information, lower)) {
-    std::fill(covariance.begin(), covariance.end(), kNotSet);
-    return;
-  }
+  if (!Factorise(surface.information, lower)) return {};
+  std::vector<double> covariance;
   for (std::size_t i = 0; i < 3; ++i) {
     Vector3 unit{};
     unit[i] = 1.0;
     const Vector3 row = Solve(lower, unit);
-    for (std::size_t j = 0; j < 3; ++j) covariance[3 * i + j] = row[j] / count * units[i] * units[j];
+    for (std::size_t j = 0; j < 3; ++j) covariance.push_back(row[j] / count * units[i] * units[j]);
   }
+  return covariance;
 }
 
 // Sorted, centred on the median, scaled.
-EstimationError Prepare(std::span<const double> data, ScaledSample& sample) {
-  if (const EstimationError reason = CheckSample(data, 3); reason != EstimationError::kNone) return reason;
+EstimationResult<ScaledSample> Prepare(std::span<const double> data) {
+  if (auto checked = CheckSample(data, 3); !checked) return checked.Reason();
   std::vector<double> sorted;
   if (!std::ranges::is_sorted(data)) {
     sorted.assign(data.begin(), data.end());
     std::ranges::sort(sorted);
     data = sorted;
   }
-  if (data.front() == data.back()) return EstimationError::kNoSpread;
-  sample = ScaleFrom(data, data[data.size() / 2]);
-  if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
-  return EstimationError::kNone;
+  if (data.front() == data.back()) return Fault{EstimationFault::kNoSpread};
+  ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
+  return sample;
+}
+
+EstimationResult<ExtremeValueEstimate> IfFinite(ExtremeValueEstimate estimate) {
+  if (estimation::IsAnyNotFinite(estimate.parameters)) return Fault{EstimationFault::kNotFinite};
+  return estimate;
 }
 
 }  // namespace
 
-std::int32_t GEV_MLE(std::span<const double> data, std::span<double, 3> parameters,
-                     std::span<double, 9> covariance, EstimationError& error, const EstimationPoll& poll) {
-  std::fill(covariance.begin(), covariance.end(), kNotSet);
-  ScaledSample sample;
-  const EstimationError reason = Prepare(data, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-
+EstimationResult<ExtremeValueEstimate> EstimateExtremeValue(std::span<const double> data,
+                                                            const EstimationPoll& poll) {
+  const auto sample = Prepare(data);
+  if (!sample) return sample.Reason();
   Surface surface;
-  const Point maximum = GreatestMaximum(sample.values, surface, poll);
-  if (!std::isfinite(maximum.shape)) return Fail(EstimationError::kNoMaximum, parameters, error);
-  Store(sample, maximum, parameters);
-  StoreCovariance(surface, static_cast<double>(data.size()), {sample.InUnitsOfData(1.0), parameters[1], 1.0},
-                  covariance);
-  return Succeed(parameters, error);
+  const Point maximum = GreatestMaximum(sample->values, surface, poll);
+  if (!std::isfinite(maximum.shape)) return Fault{EstimationFault::kNoMaximum};
+  const auto parameters = InUnitsOfData(*sample, maximum);
+  return IfFinite({parameters, CovarianceAt(surface, static_cast<double>(data.size()),
+                                            {sample->InUnitsOfData(1.0), parameters[1], 1.0})});
 }
 
-std::int32_t GEV_ProbWeightMoments(std::span<const double> data, std::span<double, 3> parameters,
-                                   EstimationError& error) {
-  ScaledSample sample;
-  const EstimationError reason = Prepare(data, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const Point fit = FromProbabilityWeightedMoments(sample.values);
-  if (!std::isfinite(fit.shape)) return Fail(EstimationError::kNoSolution, parameters, error);
-  Store(sample, fit, parameters);
-  return Succeed(parameters, error);
+EstimationResult<ExtremeValueEstimate> EstimateExtremeValueByMoments(std::span<const double> data) {
+  const auto sample = Prepare(data);
+  if (!sample) return sample.Reason();
+  const Point fit = FromProbabilityWeightedMoments(sample->values);
+  if (!std::isfinite(fit.shape)) return Fault{EstimationFault::kNoSolution};
+  return IfFinite({InUnitsOfData(*sample, fit), {}});
 }
 
 }  // namespace brenvolt

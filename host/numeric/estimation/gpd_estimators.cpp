@@ -20,14 +20,11 @@ namespace brenvolt {
 namespace {
 
 using estimation::Ask;
-using estimation::CheckSample;
+using estimation::CheckAboveOffset;
 using estimation::CompensatedSum;
-using estimation::Fail;
 using estimation::kBlock;
-using estimation::Mean;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
-using estimation::Succeed;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kLeastShape = -1.0;  // the likelihood is unbounded beyond
@@ -108,9 +105,14 @@ Profile ProfileAt(const WeightedValues& values, double ratio) {
   return FromSums(sums, ratio);
 }
 
-// shape / scale from the end of the support, -1 / greatest, to far into heavy tails, dense near 0.
-std::vector<double> RatioGrid(double greatest, double mean) {
+// shape / scale from the end of the support, -1 / greatest, to far into heavy tails, dense near 0. Where every
+// value but those at the threshold is far beyond scale / shape, the likelihood only falls: there the grid ends.
+std::vector<double> RatioGrid(std::span<const double> sorted) {
   constexpr int kPerDecade = 6;
+  constexpr double kFarBeyond = 1e6;
+  constexpr double kGreatestRatio = 1e300;
+  const double greatest = sorted.back();
+  const double least = *std::ranges::find_if(sorted, [](double y) { return y > 0.0; });
   std::vector<double> grid;
   for (int j = 14 * kPerDecade; j >= 1; --j) {
     grid.push_back(-(1.0 - std::pow(10.0, -static_cast<double>(j) / kPerDecade)) / greatest);
@@ -119,7 +121,7 @@ std::vector<double> RatioGrid(double greatest, double mean) {
     grid.push_back(-(1.0 - std::pow(10.0, -1.0 / kPerDecade)) / greatest *
                    std::pow(10.0, -static_cast<double>(j) / kPerDecade));
   }
-  const double heaviest = 1e12 / mean;
+  const double heaviest = std::min(kFarBeyond / least, kGreatestRatio);
   for (double ratio = 1e-4 / greatest; ratio < heaviest; ratio *= std::pow(10.0, 1.0 / kPerDecade)) {
     grid.push_back(ratio);
   }
@@ -202,7 +204,7 @@ std::optional<std::vector<Peak>> PeaksByThinning(std::span<const double> sorted,
 }
 
 std::vector<Peak> UsefulPeaks(std::span<const double> sorted, const EstimationPoll& poll) {
-  const std::vector<double> grid = RatioGrid(sorted.back(), Mean(sorted));
+  const std::vector<double> grid = RatioGrid(sorted);
   if (sorted.size() <= kLargeSample) return Peaks(sorted, grid, poll);
   const auto peaks = PeaksByThinning(sorted, kThinnedSample, grid, poll);
   return peaks ? *peaks : Peaks(sorted, grid, poll);
@@ -218,55 +220,50 @@ Profile GreatestMaximum(std::span<const double> sorted, const EstimationPoll& po
   return best;
 }
 
-EstimationError Prepare(std::span<const double> data, double threshold, ScaledSample& sample) {
-  const EstimationError reason = CheckSample(data, 2, threshold);
-  if (reason != EstimationError::kNone) return reason;
-  sample = ScaleFrom(data, threshold);
-  if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
+// The excesses, sorted and scaled.
+EstimationResult<ScaledSample> Prepare(std::span<const double> data, double threshold) {
+  if (auto checked = CheckAboveOffset(data, 2, threshold, true); !checked) return checked.Reason();
+  ScaledSample sample = ScaleFrom(data, threshold);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
   if (!std::ranges::is_sorted(sample.values)) std::ranges::sort(sample.values);
-  if (sample.values.front() < 0.0) return EstimationError::kValueOutsideSupport;
-  if (sample.values.front() == sample.values.back()) return EstimationError::kNoSpread;
-  return EstimationError::kNone;
+  if (sample.values.front() == sample.values.back()) return Fault{EstimationFault::kNoSpread};
+  return sample;
+}
+
+EstimationResult<ParetoEstimate> IfFinite(const ParetoEstimate& estimate) {
+  if (!std::isfinite(estimate.scale) || !std::isfinite(estimate.shape))
+    return Fault{EstimationFault::kNotFinite};
+  return estimate;
 }
 
 }  // namespace
 
-std::int32_t FitGPDMaximumLikelihood(std::span<const double> data, double threshold,
-                                     std::span<double, 3> parameters, EstimationError& error,
-                                     const EstimationPoll& poll) {
-  ScaledSample sample;
-  const EstimationError reason = Prepare(data, threshold, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const Profile maximum = GreatestMaximum(sample.values, poll);
-  if (!(maximum.logLikelihood > -kInfinity)) return Fail(EstimationError::kNoMaximum, parameters, error);
-  parameters[0] = threshold;
-  parameters[1] = sample.InUnitsOfData(maximum.scale);
-  parameters[2] = maximum.shape;
-  return Succeed(parameters, error);
+EstimationResult<ParetoEstimate> EstimatePareto(std::span<const double> data, double threshold,
+                                                const EstimationPoll& poll) {
+  const auto sample = Prepare(data, threshold);
+  if (!sample) return sample.Reason();
+  const Profile maximum = GreatestMaximum(sample->values, poll);
+  if (!(maximum.logLikelihood > -kInfinity)) return Fault{EstimationFault::kNoMaximum};
+  return IfFinite({sample->InUnitsOfData(maximum.scale), maximum.shape});
 }
 
-std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, double threshold,
-                                              std::span<double, 3> parameters, EstimationError& error) {
-  ScaledSample sample;
-  const EstimationError reason = Prepare(data, threshold, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-
+EstimationResult<ParetoEstimate> EstimateParetoByMoments(std::span<const double> data, double threshold) {
+  const auto sample = Prepare(data, threshold);
+  if (!sample) return sample.Reason();
   // Hosking & Wallis (1987), section 4: a_s is the moment of y (1 - F)^s.
-  const auto n = static_cast<double>(sample.values.size());
+  const std::span<const double> values = sample->values;
+  const auto n = static_cast<double>(values.size());
   CompensatedSum sum0;
   CompensatedSum sum1;
-  for (std::size_t i = 0; i < sample.values.size(); ++i) {
-    sum0.Add(sample.values[i] / n);
-    sum1.Add(sample.values[i] / n * ((n - 1.0 - static_cast<double>(i)) / (n - 1.0)));
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    sum0.Add(values[i] / n);
+    sum1.Add(values[i] / n * ((n - 1.0 - static_cast<double>(i)) / (n - 1.0)));
   }
   const double a0 = sum0.Value();
   const double a1 = sum1.Value();
   const double spread = a0 - 2.0 * a1;
-  if (!(spread > 0.0) || !(a1 > 0.0)) return Fail(EstimationError::kNoSolution, parameters, error);
-  parameters[0] = threshold;
-  parameters[1] = sample.InUnitsOfData(2.0 * a0 * a1 / spread);
-  parameters[2] = 2.0 - a0 / spread;
-  return Succeed(parameters, error);
+  if (!(spread > 0.0) || !(a1 > 0.0)) return Fault{EstimationFault::kNoSolution};
+  return IfFinite({sample->InUnitsOfData(2.0 * a0 * a1 / spread), 2.0 - a0 / spread});
 }
 
 }  // namespace brenvolt

@@ -23,26 +23,25 @@ namespace brenvolt {
 namespace {
 
 using estimation::Ask;
-using estimation::CheckSample;
-using estimation::Fail;
+using estimation::CheckAboveOffset;
 using estimation::Mean;
 using estimation::MeanSquare;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
-using estimation::Succeed;
 using estimation::SumOverBlocks;
 
-// Prepares x - offset in `sample`; kNone when all of it is finite and within the support.
-EstimationError ShiftAboveOffset(std::span<const double> data, double offset, bool isOffsetInside,
-                                 ScaledSample& sample) {
-  if (const EstimationError reason = CheckSample(data, 2, offset); reason != EstimationError::kNone)
-    return reason;
-  sample = ScaleFrom(data, offset);
-  if (estimation::IsAnyNotFinite(sample.values)) return EstimationError::kNotFinite;
-  for (const double x : sample.values) {
-    if (x < 0.0 || (x == 0.0 && !isOffsetInside)) return EstimationError::kValueOutsideSupport;
-  }
-  return EstimationError::kNone;
+// x - offset, all of it finite and within the support.
+EstimationResult<ScaledSample> AboveOffset(std::span<const double> data, double offset, bool isOffsetInside) {
+  if (auto checked = CheckAboveOffset(data, 2, offset, isOffsetInside); !checked) return checked.Reason();
+  ScaledSample sample = ScaleFrom(data, offset);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
+  return sample;
+}
+
+EstimationResult<ScaleEstimate> IfFinite(const ScaleEstimate& estimate) {
+  const double results[] = {estimate.scale, estimate.standardError, estimate.logLikelihood};
+  if (estimation::IsAnyNotFinite(results)) return Fault{EstimationFault::kNotFinite};
+  return estimate;
 }
 
 class FoldedLikelihood {
@@ -160,58 +159,43 @@ double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double
 
 }  // namespace
 
-std::int32_t FitHalfNormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
-                                       std::span<double, 3> parameters, EstimationError& error) {
-  ScaledSample sample;
-  const EstimationError reason = ShiftAboveOffset(data, offset, true, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const double scale = sample.InUnitsOfData(std::sqrt(MeanSquare(sample.values)));
-  if (!(scale > 0.0)) return Fail(EstimationError::kNoSpread, parameters, error);
-
+EstimationResult<ScaleEstimate> EstimateHalfNormal(std::span<const double> data, double offset) {
+  auto sample = AboveOffset(data, offset, true);
+  if (!sample) return sample.Reason();
+  const double scale = sample->InUnitsOfData(std::sqrt(MeanSquare(sample->values)));
+  if (!(scale > 0.0)) return Fault{EstimationFault::kNoSpread};
   const auto n = static_cast<double>(data.size());
-  parameters[0] = scale;
-  parameters[1] = scale / std::sqrt(2.0 * n);
-  parameters[2] = n * (std::numbers::ln2 - kLogSqrtTwoPi - std::log(scale) - 0.5);
-  return Succeed(parameters, error);
+  return IfFinite(
+      {scale, scale / std::sqrt(2.0 * n), n * (std::numbers::ln2 - kLogSqrtTwoPi - std::log(scale) - 0.5)});
 }
 
-std::int32_t FitRayleighDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
-                                     std::span<double, 3> parameters, EstimationError& error) {
-  ScaledSample sample;
-  const EstimationError reason = ShiftAboveOffset(data, offset, false, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-
+EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset) {
+  auto sample = AboveOffset(data, offset, false);
+  if (!sample) return sample.Reason();
   const auto n = static_cast<double>(data.size());
-  const double scaled = std::sqrt(0.5 * MeanSquare(sample.values));
+  const double scaled = std::sqrt(0.5 * MeanSquare(sample->values));
   // Of the logarithms of x / scale, which needs no units.
   const double logs =
-      SumOverBlocks(sample.values, [scaled](std::span<const double> x, std::span<double> out) {
+      SumOverBlocks(sample->values, [scaled](std::span<const double> x, std::span<double> out) {
         for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] / scaled;
         elementary::Log(out, out);
       });
-  const double scale = sample.InUnitsOfData(scaled);
-  parameters[0] = scale;
-  parameters[1] = scale / std::sqrt(4.0 * n);
-  parameters[2] = logs - n * (std::log(scale) + 1.0);
-  return Succeed(parameters, error);
+  const double scale = sample->InUnitsOfData(scaled);
+  return IfFinite({scale, scale / std::sqrt(4.0 * n), logs - n * (std::log(scale) + 1.0)});
 }
 
-std::int32_t FitFoldedNormalDistribution(std::int32_t /*flag*/, std::span<const double> data, double offset,
-                                         std::span<double, 2> parameters, EstimationError& error,
-                                         const EstimationPoll& poll) {
-  ScaledSample sample;
-  const EstimationError reason = ShiftAboveOffset(data, offset, true, sample);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  const FoldedLikelihood likelihood(sample.values, poll);
-  const auto [least, greatest] = std::minmax_element(sample.values.begin(), sample.values.end());
-  if (*least == *greatest || !(likelihood.SampleVariance() > 0.0)) {
-    return Fail(EstimationError::kNoSpread, parameters, error);
-  }
+EstimationResult<FoldedNormalEstimate> EstimateFoldedNormal(std::span<const double> data, double offset,
+                                                            const EstimationPoll& poll) {
+  auto sample = AboveOffset(data, offset, true);
+  if (!sample) return sample.Reason();
+  const std::span<const double> values = sample->values;
+  const FoldedLikelihood likelihood(values, poll);
+  const auto [least, greatest] = std::minmax_element(values.begin(), values.end());
+  if (*least == *greatest || !(likelihood.SampleVariance() > 0.0)) return Fault{EstimationFault::kNoSpread};
 
-  const double d = BestFoldedRoot(likelihood, sample.values, poll);
-  parameters[0] = sample.InUnitsOfData(likelihood.SampleMean() - d);
-  parameters[1] = sample.InUnitsOfData(std::sqrt(likelihood.ScaleSquared(d)));
-  return Succeed(parameters, error);
+  const double d = BestFoldedRoot(likelihood, values, poll);
+  return FoldedNormalEstimate{sample->InUnitsOfData(likelihood.SampleMean() - d),
+                              sample->InUnitsOfData(std::sqrt(likelihood.ScaleSquared(d)))};
 }
 
 }  // namespace brenvolt

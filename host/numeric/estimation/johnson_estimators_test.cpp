@@ -5,7 +5,7 @@
 #include <limits>
 #include <vector>
 
-#include "host/base/almost_equal.h"
+#include "host/numeric/estimation/estimation_support_test.h"
 #include "host/numeric/estimation/estimators.h"
 #include "host/numeric/vector/standard_normal.h"
 
@@ -13,8 +13,8 @@ namespace brenvolt {
 namespace {
 
 struct Fit {
-  double parameters[5] = {};
-  EstimationError error = EstimationError::kNotFinite;
+  JohnsonEstimate parameters{};
+  Ended error = kNone;
 
   JohnsonFamily Family() const { return static_cast<JohnsonFamily>(static_cast<int>(parameters[0])); }
 
@@ -37,16 +37,16 @@ struct Fit {
   }
 };
 
+Fit Of(const EstimationResult<JohnsonEstimate>& result) {
+  return result ? Fit{*result, kNone} : Fit{{}, EndOf(result)};
+}
+
 Fit FitMoments(double mean, double deviation, double skewness, double kurtosis) {
-  Fit fit;
-  FitJohnsonFromMoments(mean, deviation, skewness, kurtosis, fit.parameters, fit.error);
-  return fit;
+  return Of(EstimateJohnsonByMoments(mean, deviation, skewness, kurtosis));
 }
 
 Fit FitPercentiles(const std::vector<double>& sorted, double spacing = -1.0) {
-  Fit fit;
-  FitJohnsonFromPercentiles(sorted, fit.parameters, spacing, 1, fit.error);
-  return fit;
+  return Of(EstimateJohnsonByPercentiles(sorted, spacing));
 }
 
 // Mean, standard deviation, skewness, excess kurtosis by the midpoint rule, far into the tail.
@@ -86,7 +86,7 @@ TEST(JohnsonMoments, MemberHasTheMomentsAskedFor) {
   for (const MomentCase& row : cases) {
     SCOPED_TRACE(::testing::Message() << row.skewness << ' ' << row.kurtosis);
     const Fit fit = FitMoments(7.0, 0.5, row.skewness, row.kurtosis);
-    ASSERT_EQ(fit.error, EstimationError::kNone);
+    ASSERT_EQ(fit.error, kNone);
     EXPECT_EQ(fit.Family(), row.family);
     EXPECT_GT(fit.parameters[2], 0.0);
     EXPECT_GT(fit.parameters[3], 0.0);
@@ -136,13 +136,14 @@ TEST(JohnsonMoments, FollowScaleAndShiftInEveryFamily) {
 
 TEST(JohnsonMoments, NameWhatIsWrong) {
   const double nan = std::numeric_limits<double>::quiet_NaN();
-  using enum EstimationError;
+  using enum EstimationFault;
   EXPECT_EQ(FitMoments(nan, 1.0, 0.0, 0.0).error, kNotFinite);
   EXPECT_EQ(FitMoments(0.0, 0.0, 0.0, 0.0).error, kNoSpread);
   EXPECT_EQ(FitMoments(0.0, 1.0, 0.0, -2.0).error, kNoSolution);  // two points
   const Fit impossible = FitMoments(0.0, 1.0, 2.0, 1.0);
   EXPECT_EQ(impossible.error, kNoSolution);
-  EXPECT_TRUE(IsNotSet(impossible.parameters[0]));
+  EXPECT_EQ(EstimateJohnsonByMoments(0.0, 1.0, 2.5, 1.25).Reason(),
+            (Fault{kNoSolution, "2.5", "1.25"}));  // the moments that no member has
 }
 
 // The four percentiles that the method reads, placed exactly: n = 1000 values of the member itself.
@@ -165,7 +166,7 @@ TEST(JohnsonPercentiles, FindTheMemberThatTheSampleFollows) {
     const std::vector<double> data = SampleOf(member);
     for (const double spacing : {0.524, -1.0}) {
       const Fit fit = FitPercentiles(data, spacing);
-      ASSERT_EQ(fit.error, EstimationError::kNone);
+      ASSERT_EQ(fit.error, kNone);
       EXPECT_EQ(fit.parameters[0], member.parameters[0])
           << member.parameters[0] << ' ' << member.parameters[1];
       for (const double z : {-1.5, -0.5, 0.0, 0.5, 1.5}) {
@@ -182,7 +183,7 @@ TEST(JohnsonPercentiles, LognormalWithItsTailBelowIsStillFitted) {
   for (double& x : data) x = -x;
   std::reverse(data.begin(), data.end());
   const Fit fit = FitPercentiles(data, 0.524);
-  ASSERT_EQ(fit.error, EstimationError::kNone);
+  ASSERT_EQ(fit.error, kNone);
   EXPECT_NE(fit.Family(), JohnsonFamily::kLognormal);
   EXPECT_GT(fit.parameters[3], 0.0);
   EXPECT_NEAR(fit.ValueAt(0.5), -member.ValueAt(-0.5), 2e-3);
@@ -204,20 +205,18 @@ TEST(JohnsonPercentiles, FollowScaleAndShift) {
 }
 
 TEST(JohnsonPercentiles, NameWhatIsWrong) {
-  using enum EstimationError;
+  using enum EstimationFault;
   const std::vector<double> good = {1, 2, 3.5, 4, 4.5, 6, 8, 11, 12, 19};
   EXPECT_EQ(FitPercentiles(good).error, kNone);
   EXPECT_EQ(FitPercentiles(good, 1.0).error, kInvalidArgument);  // beyond the extremes
   EXPECT_EQ(FitPercentiles({1, 2, 3, 4, 5, 6, 7}).error, kTooFewValues);
   EXPECT_EQ(FitPercentiles({2, 1, 3, 4, 5, 6, 7, 8}).error, kInvalidArgument);  // not sorted
-  EXPECT_EQ(FitPercentiles(std::vector<double>(20, 3.0)).error, kNoSpread);
+  EXPECT_EQ(FitPercentiles(std::vector<double>(20, 3.0)).error, kEqualPercentiles);
   EXPECT_EQ(FitPercentiles({1, 2, 3, 4, 5, 6, 7, INFINITY}).error, kNotFinite);
   std::vector<double> tied(30, 5.0);
   tied.front() = 4.0;
   tied.back() = 6.0;
-  const Fit fit = FitPercentiles(tied);
-  EXPECT_EQ(fit.error, kNoSpread);
-  EXPECT_TRUE(IsNotSet(fit.parameters[0]));
+  EXPECT_EQ(FitPercentiles(tied).error, kEqualPercentiles);
 }
 
 }  // namespace

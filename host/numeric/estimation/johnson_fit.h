@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cmath>
-#include <span>
 
 #include "host/numeric/estimation/estimators.h"
 
@@ -18,7 +17,7 @@ struct JohnsonFit {
 
 // The member of x = origin + unit y when `fit` is that of y. SL and SN have no lambda to take the unit up: it
 // goes into gamma or delta.
-inline void StoreJohnson(const JohnsonFit& fit, double origin, double unit, std::span<double, 5> parameters) {
+inline EstimationResult<JohnsonEstimate> InUnitsOfData(const JohnsonFit& fit, double origin, double unit) {
   JohnsonFit scaled = fit;
   scaled.xi = origin + unit * fit.xi;
   switch (fit.family) {
@@ -35,11 +34,11 @@ inline void StoreJohnson(const JohnsonFit& fit, double origin, double unit, std:
       scaled.lambda = unit * fit.lambda;
       break;
   }
-  parameters[0] = static_cast<double>(fit.family);
-  parameters[1] = scaled.gamma;
-  parameters[2] = scaled.delta;
-  parameters[3] = scaled.lambda;
-  parameters[4] = scaled.xi;
+  for (const double x : {scaled.gamma, scaled.delta, scaled.lambda, scaled.xi}) {
+    if (!std::isfinite(x)) return Fault{EstimationFault::kNotFinite};
+  }
+  return JohnsonEstimate{static_cast<double>(fit.family), scaled.gamma, scaled.delta, scaled.lambda,
+                         scaled.xi};
 }
 
 }  // namespace brenvolt

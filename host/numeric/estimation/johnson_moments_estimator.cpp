@@ -5,7 +5,6 @@
 #include <boost/math/tools/toms748_solve.hpp>
 #include <cmath>
 #include <limits>
-#include <span>
 
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/estimation/estimators.h"
@@ -14,9 +13,6 @@
 
 namespace brenvolt {
 namespace {
-
-using estimation::Fail;
-using estimation::Succeed;
 
 constexpr double kNormalTolerance = 1e-6;  // of skewness and kurtosis
 constexpr double kLineTolerance = 1e-6;    // of the kurtosis, relative
@@ -162,18 +158,19 @@ bool FitStandardised(double skewness, double kurtosis, JohnsonFit& fit) {
 
 }  // namespace
 
-std::int32_t FitJohnsonFromMoments(double mean, double standardDeviation, double skewness, double kurtosis,
-                                   std::span<double, 5> parameters, EstimationError& error) {
+EstimationResult<JohnsonEstimate> EstimateJohnsonByMoments(double mean, double standardDeviation,
+                                                           double skewness, double kurtosis) {
   const double moments[] = {mean, standardDeviation, skewness, kurtosis};
-  if (estimation::IsAnyNotFinite(moments)) return Fail(EstimationError::kNotFinite, parameters, error);
-  if (!(standardDeviation > 0.0)) return Fail(EstimationError::kNoSpread, parameters, error);
-  // Of every distribution: kurtosis >= skewness^2 + 1, or 2 less in excess of the normal one.
-  if (!(kurtosis > skewness * skewness - 2.0)) return Fail(EstimationError::kNoSolution, parameters, error);
-
+  if (estimation::IsAnyNotFinite(moments)) return Fault{EstimationFault::kNotFinite};
+  if (!(standardDeviation > 0.0)) return Fault{EstimationFault::kNoSpread};
   JohnsonFit fit;
-  if (!FitStandardised(skewness, kurtosis, fit)) return Fail(EstimationError::kNoSolution, parameters, error);
-  StoreJohnson(fit, mean, standardDeviation, parameters);
-  return Succeed(parameters, error);
+  // Of every distribution: kurtosis >= skewness^2 + 1, or 2 less in excess of the normal one.
+  const bool isPossible = kurtosis > skewness * skewness - 2.0;
+  if (!isPossible || !FitStandardised(skewness, kurtosis, fit)) {
+    return Fault{EstimationFault::kNoSolution, FormatNumber("%.6g", skewness),
+                 FormatNumber("%.6g", kurtosis)};
+  }
+  return InUnitsOfData(fit, mean, standardDeviation);
 }
 
 }  // namespace brenvolt

@@ -17,10 +17,8 @@ namespace brenvolt {
 namespace {
 
 using estimation::CheckSample;
-using estimation::Fail;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
-using estimation::Succeed;
 
 constexpr std::size_t kLeastCount = 8;
 constexpr double kLineTolerance = 1e-3;  // of m n / p^2 and, for the normal, of m / p and n / p
@@ -163,15 +161,14 @@ std::vector<double> SpacingGrid() {
 
 }  // namespace
 
-std::int32_t FitJohnsonFromPercentiles(std::span<const double> sortedData, std::span<double, 5> parameters,
-                                       double spacing, std::int32_t /*flag*/, EstimationError& error) {
-  const EstimationError reason = CheckSample(sortedData, kLeastCount);
-  if (reason != EstimationError::kNone) return Fail(reason, parameters, error);
-  if (std::isnan(spacing) || !std::is_sorted(sortedData.begin(), sortedData.end())) {
-    return Fail(EstimationError::kInvalidArgument, parameters, error);
+EstimationResult<JohnsonEstimate> EstimateJohnsonByPercentiles(std::span<const double> sorted,
+                                                               double spacing) {
+  if (auto checked = CheckSample(sorted, kLeastCount); !checked) return checked.Reason();
+  if (std::isnan(spacing) || !std::is_sorted(sorted.begin(), sorted.end())) {
+    return Fault{EstimationFault::kInvalidArgument};
   }
-  const ScaledSample sample = ScaleFrom(sortedData, sortedData[sortedData.size() / 2]);
-  if (estimation::IsAnyNotFinite(sample.values)) return Fail(EstimationError::kNotFinite, parameters, error);
+  const ScaledSample sample = ScaleFrom(sorted, sorted[sorted.size() / 2]);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
 
   bool isWithinReach = false;
   std::optional<JohnsonFit> best;
@@ -188,10 +185,9 @@ std::int32_t FitJohnsonFromPercentiles(std::span<const double> sortedData, std::
     best = fit;
     bestRank = rank;
   }
-  if (!isWithinReach) return Fail(EstimationError::kInvalidArgument, parameters, error);
-  if (!best) return Fail(EstimationError::kNoSpread, parameters, error);
-  StoreJohnson(*best, sample.origin, sample.InUnitsOfData(1.0), parameters);
-  return Succeed(parameters, error);
+  if (!isWithinReach) return FaultAbout(EstimationFault::kInvalidArgument, spacing);
+  if (!best) return Fault{EstimationFault::kEqualPercentiles};
+  return InUnitsOfData(*best, sample.origin, sample.InUnitsOfData(1.0));
 }
 
 }  // namespace brenvolt

@@ -51,6 +51,9 @@ std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, 
     mixed.Add(ls);
     byScale.Add(ss);
   }
+  // What rounding leaves of 0 would be inverted to an error as large as it likes.
+  constexpr double kLeastInformation = 1e-10;  // per value, in units of the scale
+  if (!(byLocation.Value() > kLeastInformation * static_cast<double>(data.size()))) return std::nullopt;
   const double unit = 1 / (scale * scale);
   return Inverse(byLocation.Value() * unit, mixed.Value() * unit, byScale.Value() * unit);
 }

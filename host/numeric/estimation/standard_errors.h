@@ -15,8 +15,8 @@ inline constexpr double kLeastRegularShape = -0.5;
 // The covariance of two estimates, row by row.
 using Covariance2 = std::array<double, 4>;
 
-// Location and scale of the folded normal at its maximum over `data`. Nothing if the information is not
-// positive definite: location 0 is an end of the parameters.
+// Location and scale of the folded normal at its maximum over `data`. Nothing at location 0, which is an end of
+// the parameters, nor where the information about the location vanishes, as it does towards there.
 std::optional<Covariance2> FoldedNormalCovariance(std::span<const double> data, double location, double scale,
                                                   double offset);
 

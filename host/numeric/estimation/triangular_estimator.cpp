@@ -203,20 +203,16 @@ double RefineMode(double a, double b, double start, const Likelihood& likelihood
 
 }  // namespace
 
-TriangularEstimate EstimateTriangular(std::span<const double> sorted, const std::function<void()>& poll) {
-  TriangularEstimate estimate;
-  if (sorted.empty() || AlmostEqual(sorted.front(), sorted.back())) return estimate;
+EstimationResult<TriangularEstimate> EstimateTriangular(std::span<const double> sorted,
+                                                        const std::function<void()>& poll) {
+  if (sorted.empty()) return Fault{EstimationFault::kNoValues};
+  if (AlmostEqual(sorted.front(), sorted.back())) return Fault{EstimationFault::kNoSpread};
   const double a = sorted.front();
   const double b = sorted.back();
-  if (!std::isfinite(b - a)) return estimate;
+  if (!std::isfinite(b - a)) return Fault{EstimationFault::kNotFinite};
   const Likelihood likelihood(sorted);
-  const double start = ScanForMode(sorted, likelihood, poll);
-  estimate.minimum = a;
-  estimate.maximum = b;
-  estimate.mode = RefineMode(a, b, start, likelihood, poll);
-  estimate.logLikelihood = likelihood.OverAllPositive(estimate.mode);
-  estimate.isValid = true;
-  return estimate;
+  const double mode = RefineMode(a, b, ScanForMode(sorted, likelihood, poll), likelihood, poll);
+  return TriangularEstimate{a, b, mode, likelihood.OverAllPositive(mode)};
 }
 
 }  // namespace brenvolt

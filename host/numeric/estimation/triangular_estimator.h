@@ -5,6 +5,7 @@
 #include <span>
 
 #include "host/base/almost_equal.h"
+#include "host/numeric/estimation/estimation_fault.h"
 
 namespace brenvolt {
 
@@ -15,7 +16,6 @@ struct TriangularEstimate {
   // At the mode, over the values whose density is positive, whatever the units: all but those at the two
   // extremes, whose density is 0 and with which it would be -infinity. kNotSet where no value is left.
   double logLikelihood = kNotSet;
-  bool isValid = false;
 };
 
 // Minimum and maximum are the extremes of `sorted` (ascending, finite); the mode is searched: a scan over
@@ -23,11 +23,12 @@ struct TriangularEstimate {
 // the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. For the
 // search alone a value counts only where its density is 1e-10 or more, so that the mode depends on the units
 // of the data: where the range exceeds 2e10, no value counts and the first candidate is kept. `poll` is
-// called between candidates and may throw. Invalid where the extremes are equal within 15 units in the last
-// place.
+// called between candidates and may throw. kNoSpread where the extremes are equal within 15 units in the last
+// place, kNotFinite where their distance overflows.
 //
 // A candidate costs O(log n) and the logarithms of some hundred values, from running sums over blocks; memory
 // is n / 64 reals.
-TriangularEstimate EstimateTriangular(std::span<const double> sorted, const std::function<void()>& poll);
+EstimationResult<TriangularEstimate> EstimateTriangular(std::span<const double> sorted,
+                                                        const std::function<void()>& poll);
 
 }  // namespace brenvolt

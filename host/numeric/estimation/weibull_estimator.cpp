@@ -4,7 +4,6 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
@@ -28,11 +27,15 @@ constexpr std::uint64_t kZeroUnits = 16;  // of the smallest subnormal
 
 struct Logarithms {
   std::vector<double> values;
-  double smallest = std::numeric_limits<double>::infinity();
-  double greatest = -std::numeric_limits<double>::infinity();
+  double smallest = 0;  // the greatest is 0
   double sum = 0;
   double sumOfSquares = 0;
-  double largestMagnitude = 0;  // of the shifted data
+};
+
+// Of a sample in units of its greatest value.
+struct ScaledWeibull {
+  Logarithms logs;
+  double unit = 0;
 };
 
 struct PowerSums {
@@ -74,51 +77,45 @@ double StartingShape(const Logarithms& logs) {
   double v = (logs.sumOfSquares - logs.sum * logs.sum / n) * 6 / ((n - 1) * kPiSquared);
   if (v == 0) v = kSmallestVariance;
   const double shape = 1 / std::sqrt(v);
-  const bool tooLarge =
-      shape * std::log(logs.largestMagnitude) > kLargestExponent || shape > kLargestStartingShape;
-  return tooLarge ? 1.0 : shape;
+  return shape > kLargestStartingShape ? 1.0 : shape;
 }
 
-// One attempt of Newton's method from `shape`, which it leaves at the solution.
-WeibullStatus Iterate(const Logarithms& logs, double tolerance, double& shape) {
+// One attempt of Newton's method from `shape`.
+EstimationResult<double> Iterate(const Logarithms& logs, double tolerance, double shape) {
   const auto n = static_cast<double>(logs.values.size());
   for (int step = 0; step < kNewtonSteps; ++step) {
-    if (std::max(shape * logs.greatest, shape * logs.smallest) > kLargestExponent)
-      return WeibullStatus::kOverflow;
+    // Of a step that went below 0.
+    if (shape * logs.smallest > kLargestExponent) return Fault{EstimationFault::kPowerOverflows};
     const PowerSums sums = SumPowers(logs.values, shape);
-    if (SumVanishes(sums.a)) return WeibullStatus::kSumVanishes;
+    if (SumVanishes(sums.a)) return Fault{EstimationFault::kSumVanishes};
     const double delta = (logs.sum / n + 1 / shape - sums.b / sums.a) /
                          (1 / (shape * shape) - (sums.b * sums.b - sums.a * sums.c) / (sums.a * sums.a));
-    // A NaN (a value below the offset has no logarithm) would stay one for all steps.
-    if (std::isnan(delta)) return WeibullStatus::kNoConvergence;
+    if (std::isnan(delta)) break;  // it would stay one for all steps
     shape += delta;
-    if (std::abs(delta) < tolerance) return WeibullStatus::kSuccess;
+    if (std::abs(delta) < tolerance) return shape;
   }
-  return WeibullStatus::kNoConvergence;
+  return Fault{EstimationFault::kNoConvergence};
 }
 
-WeibullEstimate Finish(const Logarithms& logs, double c) {
-  WeibullEstimate estimate;
+EstimationResult<WeibullEstimate> Finish(const Logarithms& logs, double unit, double c) {
   const auto n = static_cast<double>(logs.values.size());
   const PowerSums sums = SumPowers(logs.values, c);
   const double b = std::pow(sums.a / n, 1 / c);
   // Written so that a NaN counts as not positive.
-  if (!(c > 0) || !(b > 0)) return estimate;
+  if (!(c > 0) || !(b > 0)) return Fault{EstimationFault::kNoConvergence};
   const double l = std::log(b);
   const double icc = (l * l * sums.a - 2 * l * sums.b + sums.c) / std::pow(b, c) + n / (c * c);
   const double ibb = (c + 1) * c * sums.a / std::pow(b, c + 2) - n * c / (b * b);
   const double icb = n / b - (sums.a - l * c * sums.a + c * sums.b) / std::pow(b, c + 1);
   const double determinant = ibb * icc - icb * icb;
-  estimate.shape = c;
-  estimate.scale = b;
-  estimate.shapeStandardError = std::sqrt(ibb / determinant);
-  estimate.scaleStandardError = std::sqrt(icc / determinant);
-  estimate.covariance = -icb / determinant;
-  estimate.status = WeibullStatus::kSuccess;
-  return estimate;
+  return WeibullEstimate{.shape = c,
+                         .scale = unit * b,
+                         .shapeStandardError = std::sqrt(ibb / determinant),
+                         .scaleStandardError = unit * std::sqrt(icc / determinant),
+                         .covariance = unit * (-icb / determinant)};
 }
 
-// Of the shifted data, in place, with their sums.
+// Of the shifted and scaled data, in place, with their sums.
 void TakeLogarithms(Logarithms& logs) {
   elementary::Log(logs.values, logs.values);
   CompensatedSum sum;
@@ -127,40 +124,39 @@ void TakeLogarithms(Logarithms& logs) {
     sum.Add(l);
     squares.Add(l * l);
     logs.smallest = std::min(logs.smallest, l);
-    logs.greatest = std::max(logs.greatest, l);
   }
   logs.sum = sum.Value();
   logs.sumOfSquares = squares.Value();
 }
 
-}  // namespace
-
-WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, double tolerance) {
-  WeibullEstimate failure;
-  if (data.empty()) return failure;
-  Logarithms logs;
-  logs.values.reserve(data.size());
+EstimationResult<ScaledWeibull> Prepare(std::span<const double> data, double offset) {
+  ScaledWeibull sample;
+  std::vector<double>& values = sample.logs.values;
+  values.reserve(data.size());
   for (const double x : data) {
     const double y = x - offset;
-    if (IsZero(y)) {
-      failure.status = WeibullStatus::kValueAtOffset;
-      return failure;
-    }
-    logs.values.push_back(y);
-    logs.largestMagnitude = std::max(logs.largestMagnitude, std::abs(y));
+    if (IsZero(y)) return FaultAbout(EstimationFault::kValueAtOffset, offset);
+    if (y < 0) return FaultAbout(EstimationFault::kValueBelowOffset, x, offset);
+    values.push_back(y);
+    sample.unit = std::max(sample.unit, y);
   }
-  TakeLogarithms(logs);
-  double shape = StartingShape(logs);
-  WeibullStatus status = Iterate(logs, tolerance, shape);
-  if (status != WeibullStatus::kSuccess || AlmostEqual(shape, 0)) {
-    shape = 1.0;
-    status = Iterate(logs, tolerance, shape);
-  }
-  if (status != WeibullStatus::kSuccess) {
-    failure.status = status;
-    return failure;
-  }
-  return Finish(logs, shape);
+  if (estimation::IsAnyNotFinite(values)) return Fault{EstimationFault::kNotFinite};
+  for (double& y : values) y /= sample.unit;
+  TakeLogarithms(sample.logs);
+  return sample;
+}
+
+}  // namespace
+
+EstimationResult<WeibullEstimate> EstimateWeibull(std::span<const double> data, double offset,
+                                                  double tolerance) {
+  if (data.empty()) return Fault{EstimationFault::kNoValues};
+  const auto sample = Prepare(data, offset);
+  if (!sample) return sample.Reason();
+  auto shape = Iterate(sample->logs, tolerance, StartingShape(sample->logs));
+  if (!shape || AlmostEqual(*shape, 0)) shape = Iterate(sample->logs, tolerance, 1.0);
+  if (!shape) return shape.Reason();
+  return Finish(sample->logs, sample->unit, *shape);
 }
 
 }  // namespace brenvolt

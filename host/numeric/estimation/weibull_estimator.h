@@ -2,20 +2,12 @@
 // the shape.
 #pragma once
 
-#include <cstdint>
 #include <span>
 
 #include "host/base/almost_equal.h"
+#include "host/numeric/estimation/estimation_fault.h"
 
 namespace brenvolt {
-
-enum class WeibullStatus : std::int32_t {
-  kSuccess = 0,
-  kValueAtOffset = 1,  // a value equals the offset
-  kNoConvergence = 2,  // 100 steps were not enough, or the result is not positive
-  kSumVanishes = 3,    // the sum of powers is too small to divide by
-  kOverflow = 4        // a power would overflow
-};
 
 struct WeibullEstimate {
   double shape = kNotSet;
@@ -23,15 +15,16 @@ struct WeibullEstimate {
   double shapeStandardError = kNotSet;
   double scaleStandardError = kNotSet;
   double covariance = kNotSet;  // of shape and scale
-  WeibullStatus status = WeibullStatus::kNoConvergence;
 };
 
-// Fits shape and scale to data - offset. `tolerance` (> 0) ends the iteration once a Newton step of the shape
-// is smaller. A value below the offset has no logarithm: the iteration then cannot converge and the fit
-// fails.
+// Fits shape and scale to data - offset, which are divided by the greatest of them, so that no power overflows
+// or vanishes in any unit. `tolerance` (> 0) ends the iteration once a Newton step of the shape is smaller.
+// kValueAtOffset, kValueBelowOffset, kNotFinite; kNoConvergence after 100 steps or where the result is not
+// positive, kSumVanishes and kPowerOverflows where steps lead astray.
 //
 // The likelihood equation and the information terms are those of Cohen (1965), Technometrics 7, 579-588; the
 // starting value uses the variance of the logarithms, pi^2 / (6 shape^2) (Menon 1963).
-WeibullEstimate EstimateWeibull(std::span<const double> data, double offset, double tolerance);
+EstimationResult<WeibullEstimate> EstimateWeibull(std::span<const double> data, double offset,
+                                                  double tolerance);
 
 }  // namespace brenvolt

@@ -23,8 +23,11 @@ ROOT = pathlib.Path(__file__).resolve().parents[3]
 PROGRAM = ROOT / "build/bin/fit_estimator"
 OUTPUT = ROOT / "docs/evidence/estimators.md"
 LIMIT = 1e-8  # the relative shortfall of a likelihood that counts
-STATUS = {1: "too few values", 2: "value outside the support", 3: "no spread", 4: "not finite", 5: "no maximum",
-          6: "no solution", 7: "invalid argument"}
+NO_MAXIMUM = 8
+# By the numbers that bench/fit_estimator prints.
+STATUS = {2: "too few values", 3: "value outside the support", 4: "value outside the support", 5: "no spread",
+          6: "no spread", 7: "not finite", NO_MAXIMUM: "no maximum", 9: "no solution", 10: "invalid argument",
+          11: "invalid argument"}
 warnings.filterwarnings("ignore")
 
 
@@ -428,7 +431,7 @@ def compare_likelihood(estimator, folder, lines):
             notes.insert(0, STATUS[status])
             stopped = [f"{p[2]:.3g}" for p, value in zip(others, reached)
                        if value is not None and estimator in ("gev", "gpd") and is_regular(estimator, p, data)]
-            if status == 5 and estimator in ("gev", "gpd"):
+            if status == NO_MAXIMUM and estimator in ("gev", "gpd"):
                 found = has_maximum(estimator, data, option)
                 notes.append("but the profile has one" if found else "none in the profile by brute force either")
             if stopped:
