@@ -10,8 +10,8 @@
 // - Gaussian Mixture: coefficient, mean and deviation per component;
 // - Johnson: type, gamma, delta, lambda and xi;
 // - Histogram: code and proportion per class, "%.12e", so that the proportions still add up to 1.
-// Values of the first two are written with "%e" where its seven digits hold every quantile from 1e-6 to 1 - 1e-6
-// within 1e-9 of the spread, else with as many digits as that takes; bounds with "%e" where that holds them exactly,
+// Values of the first two are written with "%e". Where these digits, or those of "%.12e", do not hold every quantile
+// from 1e-6 to 1 - 1e-6 within 1e-9 of the spread, there are as many more as that takes. Bounds are written with "%e" where that holds them exactly,
 // else with all digits.
 // The Folded Normal keeps its location under "Scale" and its scale under "Shape".
 //

@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -143,12 +144,31 @@ TEST_F(VariableProperties, PreciseFitsKeepTheDigitsThatTheirQuantilesNeed) {
       {.code = kJohnson, .values = {2, 0.123456789012, 1.987654321098, 3.14159e-5, 100.00003}},
       {.code = kJohnson, .values = {3, -0.3, 1.1, 12345.678901, -6789.0123456}},
       {.code = kJohnson, .values = {1, 4.2, 0.7, 1, 1e6 + 1e-3}},
+      {.code = kJohnson, .values = {4, -100.00003 / 1e-5, 1 / 1e-5, 1, 0}},
+      {.code = kNormal, .values = {100.00003 / 3, 1e-5 / 7}},
+      {.code = kLogNormal, .values = {std::log(1e-5 / 7), 0.3 / 7}, .offset = 100.00003},
+      {.code = kLogNormal, .values = {std::log(100.00003), 1e-7 / 7}, .offset = 0},
+      {.code = kFoldedNormal, .values = {100.00003 / 3, 1e-5 / 7}, .offset = -1.0 / 3},
+      {.code = kHalfNormal, .values = {1e-5 / 7}, .offset = 100.00003 / 3},
+      {.code = kRayleigh, .values = {1e-5 / 7}, .offset = 100.00003 / 3},
+      {.code = kWeibull, .values = {1e-5 / 7, 2.0 / 3}, .offset = 100.00003 / 3},
+      {.code = kWeibull, .values = {100.00003 / 3, 1e7 / 3}, .offset = 0},
+      {.code = kGeneralExtremeValue, .values = {100.00003 / 3, 1e-5 / 7, -0.1 / 3}},
+      {.code = kGeneralPareto, .values = {1e-5 / 7, 0.1 / 3}, .offset = 100.00003 / 3},
+      {.code = kTriangular, .values = {100.00003 / 3, 100.00006 / 3, 100.00004 / 3}},
+      {.code = kBinomial, .values = {1.0 / 3, 1e9}},
+      {.code = kPoisson, .values = {1e9 / 3}},
+      {.code = kGeometric, .values = {1e-9 / 3}},
+      {.code = kBernoulli, .values = {1.0 / 3}},
+      {.code = kHistogram, .values = {100.00003 / 3, 1.0 / 3, 100.00004 / 3, 2.0 / 3}},
   };
+  std::set<DistributionCode> codes;
   for (const DistributionSpecification& row : rows) {
     Write({row}, {.below = true, .minimum = 100.00001});
     const VariableDistributions read = Read();
     ASSERT_EQ(read.ranked.size(), 1U);
     EXPECT_EQ(read.truncation.minimum, 100.00001);
+    codes.insert(row.code);
     const SpecifiedDistribution before(row);
     const SpecifiedDistribution after(read.ranked[0]);
     const double spread = std::sqrt(before.Variance());
@@ -158,6 +178,7 @@ TEST_F(VariableProperties, PreciseFitsKeepTheDigitsThatTheirQuantilesNeed) {
           << DistributionPropertyText(row);
     }
   }
+  EXPECT_EQ(codes.size(), static_cast<std::size_t>(kDistributionCount));
 }
 
 TEST_F(VariableProperties, OrderAndTruncationFollowTheRank) {

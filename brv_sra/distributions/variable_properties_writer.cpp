@@ -1,6 +1,9 @@
 // Distributions of a variable to its text properties.
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <string_view>
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
@@ -12,7 +15,7 @@ namespace {
 
 constexpr std::string_view kSeparator = "; ";
 
-constexpr std::string_view kShortFormat = "%e";
+constexpr const char* kShortFormat = "%e";
 constexpr const char* kExactFormat = "%.16e";
 
 std::string NumberText(double x, const char* format) {
@@ -74,21 +77,21 @@ bool HoldsQuantiles(const DistributionSpecification& specification, const char* 
   return true;
 }
 
-// The format of the values: the type's own, but as many digits as the quantiles need in place of the short one.
+// The format of the values: the type's own, or with as many more digits as the quantiles need.
 const char* FormatOf(const DistributionSpecification& specification) {
-  const char* const usual = Entry(specification.code).storedFormat;
-  if (usual != kShortFormat || CheckValues(specification.code, specification.values)) return usual;
-  for (const char* const format :
-       {usual, "%.7e", "%.8e", "%.9e", "%.10e", "%.11e", "%.12e", "%.13e", "%.14e"}) {
-    if (HoldsQuantiles(specification, format)) return format;
-  }
-  return kExactFormat;
+  constexpr std::array<const char*, 10> kFormats{"%e",    "%.7e",  "%.8e",  "%.9e",  "%.10e",
+                                                 "%.11e", "%.12e", "%.13e", "%.14e", "%.15e"};
+  const std::string_view usual = Entry(specification.code).storedFormat;
+  const auto first = std::ranges::find(kFormats, usual);
+  if (CheckValues(specification.code, specification.values)) return *first;
+  const auto enough = std::find_if(first, kFormats.end(),
+                                   [&](const char* format) { return HoldsQuantiles(specification, format); });
+  return enough == kFormats.end() ? kExactFormat : *enough;
 }
 
 // A bound is written with six decimals where they hold it.
 std::string BoundText(double bound) {
-  return NumberText(bound,
-                    AsStored(bound, kShortFormat.data()) == bound ? kShortFormat.data() : kExactFormat);
+  return NumberText(bound, AsStored(bound, kShortFormat) == bound ? kShortFormat : kExactFormat);
 }
 
 // A fit can be stored when the reader will take it back, since one bad property ends the read of all
