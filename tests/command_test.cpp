@@ -143,12 +143,18 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
   EXPECT_EQ(variables[0]["rankedBy"], "anderson-darling");
   EXPECT_EQ(variables[1]["name"], "c");
   EXPECT_EQ(variables[1]["fits"], Json::array()) << "a constant has nothing to fit";
+  EXPECT_EQ(variables[1]["reason"], "all values equal");
+  EXPECT_TRUE(variables[0]["reason"].is_null());
   EXPECT_EQ(variables[2]["rankedBy"], "chi-square");
-  const std::vector<std::string> keys{
-      "aic",           "andersonDarling", "bic",         "bootstrap",    "chiSquare",
-      "code",          "covariance",      "description", "distribution", "kolmogorovSmirnov",
-      "logLikelihood", "offset",          "parameters",  "rank",         "reason",
-      "standardErrors"};
+  const std::vector<std::string> keys{"aic",           "andersonDarling",
+                                      "bic",           "bootstrap",
+                                      "chiSquare",     "code",
+                                      "covariance",    "description",
+                                      "distribution",  "kolmogorovSmirnov",
+                                      "logLikelihood", "note",
+                                      "offset",        "origin",
+                                      "parameters",    "rank",
+                                      "reason",        "standardErrors"};
   for (const Json& variable : variables) {
     for (const Json& fit : variable["fits"]) {
       std::vector<std::string> names;
@@ -166,12 +172,28 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
   EXPECT_EQ(weibull["offset"], 0);
   EXPECT_TRUE(FitOf(variables[0], "Normal")["offset"].is_null());
   EXPECT_TRUE(weibull["bootstrap"].is_null());
+  EXPECT_EQ(weibull["origin"], "likelihood");
   const Json& bernoulli = FitOf(variables[2], "Bernoulli");
   EXPECT_EQ(bernoulli["rank"], 2);
+  EXPECT_EQ(bernoulli["reason"], "the value 2 in case 1 is neither 0 nor 1");
+  EXPECT_TRUE(bernoulli["origin"].is_null());
   for (const char* key : {"parameters", "aic", "bic", "logLikelihood", "standardErrors", "covariance"})
     EXPECT_TRUE(bernoulli[key].is_null()) << key;
   EXPECT_EQ(bernoulli["chiSquare"],
             Json({{"statistic", nullptr}, {"degreesOfFreedom", nullptr}, {"pValue", nullptr}}));
+}
+
+TEST_F(Command, ColumnThatFailsLeavesTheOthersAndSaysWhy) {
+  WriteBytes(File("d.csv"), "a,b,n\n3,1,1\ninf,2,2.5\n4,4,0\n7,8,1\n");
+  const Outcome run = Run({"fit", "d.csv", "--continuous", "a,b", "--discrete", "n"});
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_NE(run.err.find("variable a contains an infinite value (case 2;"), std::string::npos) << run.err;
+  EXPECT_NE(run.out.find("  nothing to fit: variable a contains an infinite value (case 2;"),
+            std::string::npos);
+  EXPECT_NE(run.out.find("     1  "), std::string::npos) << run.out;
+  EXPECT_NE(run.out.find("  no fit: Poisson, the counts have a fraction: 2.5 in case 2\n"),
+            std::string::npos);
+  EXPECT_EQ(run.err.find("mixtures"), std::string::npos) << "nobody entered a number: " << run.err;
 }
 
 TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {
@@ -187,7 +209,8 @@ TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {
   EXPECT_NE(report.find("  Rank  Distribution                             A-D    A-D p    K-S p  Chi-sq. p"),
             std::string::npos)
       << report;
-  EXPECT_GT(report.find("  no fit: Weibull, a value is not above the offset 2\n"), report.find("Normal("));
+  EXPECT_GT(report.find("  no fit: Weibull, the value 1.6 in case 19 is below the offset 2\n"),
+            report.find("Normal("));
   EXPECT_NE(report.find("--bootstrap N"), std::string::npos);
 }
 

@@ -1,5 +1,6 @@
 #include "apps/cli/fit_json.h"
 
+#include <string_view>
 #include <vector>
 
 #include "apps/cli/result_json.h"
@@ -15,13 +16,19 @@ Json ListOrNull(const std::vector<T>& values) {
   return values.empty() ? Json(nullptr) : Json(values);
 }
 
+Json TextOrNull(std::string_view text) {
+  return text.empty() ? Json(nullptr) : Json(text);
+}
+
 Json FitJson(const FittedDistribution& fit, std::size_t rank) {
   Json json = {{"rank", rank},
                {"code", fit.code},
                {"distribution", fit.name},
                {"description", fit.description},
                {"parameters", ListOrNull(fit.parameters)},
-               {"reason", fit.parameters.empty() ? Json(fit.reason) : Json(nullptr)},
+               {"reason", TextOrNull(fit.reason)},
+               {"origin", TextOrNull(fit.origin)},
+               {"note", TextOrNull(fit.note)},
                {"offset", NumberJson(fit.offset)},
                {"standardErrors", ListOrNull(fit.standardErrors)},
                {"covariance", ListOrNull(fit.covariance)}};
@@ -39,6 +46,7 @@ Json FitJson(const FittedDistribution& fit, std::size_t rank) {
 Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   Json json = {{"name", variable.name}, {"kind", variable.isContinuous ? "continuous" : "discrete"}};
   AddNumbers(variable.moments, kMoments, json);
+  json["reason"] = TextOrNull(variable.reason);
   json["rankedBy"] = rankedBy;
   json["fits"] = Json::array();
   for (const FittedDistribution& fit : variable.fits) {

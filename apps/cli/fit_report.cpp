@@ -45,6 +45,19 @@ std::vector<std::string> BrokenAtCommas(std::string text) {
   return lines;
 }
 
+// The same of a sentence, broken at blanks, the lines after the first indented as the first is.
+std::vector<std::string> BrokenAtBlanks(std::string text) {
+  std::vector<std::string> lines;
+  while (text.size() > kDescriptionWidth) {
+    const std::size_t blank = text.rfind(' ', kDescriptionWidth);
+    if (blank == std::string::npos || text.find_first_not_of(' ') > blank) break;
+    lines.push_back(text.substr(0, blank));
+    text = "  " + text.substr(blank + 1);
+  }
+  lines.push_back(std::move(text));
+  return lines;
+}
+
 // The statistic of the ranking test with its p-value, then the p-values of the other tests, then the AIC. The
 // p-values are the bootstrap's when `bootstrapped`, none for a fit without.
 class RankingText {
@@ -76,7 +89,10 @@ class RankingText {
     std::string description = fit.description;
     if (description.find('(') == std::string::npos) description += BareValues(fit);
     if (!std::isnan(fit.offset) && fit.offset != 0) description += ", offset " + ReadableNumber(fit.offset);
-    const std::vector<std::string> lines = BrokenAtCommas(std::move(description));
+    std::vector<std::string> lines = BrokenAtCommas(std::move(description));
+    if (!fit.note.empty()) {
+      for (const std::string& line : BrokenAtBlanks("  " + fit.note)) lines.push_back(line);
+    }
     std::vector<std::string> cells{std::to_string(rank_), lines.front(),
                                    Cell(fit.statistics, tests_.front()->statistic)};
     for (const TestColumns* test : tests_) cells.push_back(PValueText(fit, *test));
@@ -116,7 +132,7 @@ std::string VariableText(const FittedVariable& variable, const std::string& rank
           cell("mean"_column) + ", std.dev. " + cell("standard_deviation"_column) + "\n  skewness " +
           cell("skewness"_column) + ", kurtosis " + cell("kurtosis"_column) + ", range " +
           cell("minimum"_column) + " to " + cell("maximum"_column) + "\n";
-  if (variable.fits.empty()) return text + "  nothing to fit: no valid values, or all of them equal\n";
+  if (variable.fits.empty()) return text + "  nothing to fit: " + variable.reason + "\n";
   return text + "  " + variable.ranking + "\n" + RankingText(variable, rankedBy, bootstrapped).Text();
 }
 

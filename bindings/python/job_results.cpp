@@ -32,6 +32,7 @@ py::dict NumbersOf(const ResultRow& row, Groups groups) {
 py::dict FitDict(const FittedDistribution& fit) {
   return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
                   "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
+                  "origin"_a = fit.origin, "note"_a = fit.note,
                   "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kBootstrap}));
 }
 
@@ -73,7 +74,8 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
   for (const FittedVariable& variable : variables) {
     py::list fits;
     for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
-    list.append(py::dict("name"_a = variable.name, "continuous"_a = variable.isContinuous,
+    list.append(py::dict("name"_a = variable.name, "reason"_a = variable.reason,
+                         "continuous"_a = variable.isContinuous,
                          "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits));
   }
   return list;

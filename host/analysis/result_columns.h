@@ -33,11 +33,11 @@ namespace result_columns {
 using enum Quantity;
 
 // Columns without a place in JSON of their own: texts, and those that are numbered ("parameter.1", …).
-inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", "", 20750},
-                                           {"description", "", 20751}, {"offset", "", 20755},
-                                           {"parameter", "", 20756},   {"standard_error", "", 20835},
-                                           {"covariance", "", 20842},  {"reason", "", 20840},
-                                           {"percentile", "", 20749},  {"response", "", 20606}};
+inline constexpr ResultColumn kOthers[] = {
+    {"kind", "", 20740},       {"code", "", 20750},       {"description", "", 20751},
+    {"offset", "", 20755},     {"parameter", "", 20756},  {"standard_error", "", 20835},
+    {"covariance", "", 20842}, {"reason", "", 20840},     {"origin", "", 21120},
+    {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606}};
 inline constexpr ResultColumn kMoments[] = {
     {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
     {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},

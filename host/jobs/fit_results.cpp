@@ -1,8 +1,11 @@
 #include "host/jobs/fit_results.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <utility>
+
+#include "host/numeric/estimation/distribution_estimate.h"
 
 namespace brenvolt {
 namespace {
@@ -17,12 +20,32 @@ std::vector<std::vector<double>> ReadCovariance(AutomationObject& dialog, std::s
   return covariance;
 }
 
+// As programs know it.
+std::string_view NameOf(EstimateOrigin origin) {
+  switch (origin) {
+    case EstimateOrigin::kLikelihood:
+      return "likelihood";
+    case EstimateOrigin::kMoments:
+      return "moments";
+    case EstimateOrigin::kPercentiles:
+      return "percentiles";
+    case EstimateOrigin::kExtremes:
+      return "extremes";
+    case EstimateOrigin::kNone:
+      break;
+  }
+  return {};
+}
+
 FittedDistribution TakeFit(ResultRow row) {
   FittedDistribution fit;
   fit.code = static_cast<int>(row.Number("code"_column));
   fit.name = row.name;
   fit.description = row.Text("description"_column);
   fit.reason = row.Text("reason"_column);
+  fit.note = row.Text("note"_column);
+  if (const double origin = row.Number("origin"_column); !std::isnan(origin))
+    fit.origin = NameOf(static_cast<EstimateOrigin>(static_cast<int>(origin)));
   fit.parameters = row.Numbered("parameter"_column);
   fit.offset = row.Number("offset"_column);
   fit.standardErrors = row.Numbered("standard_error"_column);
@@ -34,6 +57,7 @@ FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultR
                             Covariances covariances) {
   FittedVariable variable;
   variable.name = summary.name;
+  variable.reason = summary.Text("reason"_column);
   variable.isContinuous = summary.Number("kind"_column) == kContinuousKind;
   variable.moments = std::move(summary);
   dialog.Put("QuickTabVariable", static_cast<std::int32_t>(place + 1));

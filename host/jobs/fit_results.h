@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/analysis/result_table.h"
@@ -14,12 +15,14 @@ namespace brenvolt {
 
 struct FittedDistribution {
   int code = 0;
-  std::string name;                             // for people, as are the next two
-  std::string description;                      // for most distributions with the values
-  std::string reason;                           // why the fit failed; empty for a valid one
-  std::vector<double> parameters;               // in the order of the catalogue; none where the fit failed
-  double offset = 0;                            // NaN where the distribution has none
-  std::vector<double> standardErrors;           // one per parameter, or none
+  std::string name;                    // for people, as are the next two
+  std::string description;             // for most distributions with the values
+  std::string reason;                  // why the fit failed; empty for a valid one
+  std::string note;                    // what speaks against a valid one; mostly empty
+  std::string_view origin;             // "likelihood", "moments", "percentiles" or "extremes" of the data
+  std::vector<double> parameters;      // in the order of the catalogue; none where the fit failed
+  double offset = 0;                   // NaN where the distribution has none
+  std::vector<double> standardErrors;  // one per parameter, or none
   std::vector<std::vector<double>> covariance;  // of the parameters, or none
   ResultRow statistics;                         // tests, likelihood and, where there was one, the bootstrap
 
@@ -30,6 +33,7 @@ struct FittedDistribution {
 
 struct FittedVariable {
   std::string name;
+  std::string reason;  // why there are no fits; empty where there are
   bool isContinuous = true;
   ResultRow moments;
   std::string ranking;                   // by what the fits are ranked, for people

@@ -270,7 +270,8 @@ class FitResult:
 class FittedVariable:
     """A variable with its ranked fits.
 
-    name, kind ("continuous" or "discrete"), n and missing; `distributions` lists the fitted distributions, best first,
+    name, kind ("continuous" or "discrete"), n and missing; `reason` says why there are no fits, and is empty where
+    there are; `distributions` lists the fitted distributions, best first,
     and None where a fit failed.
     """
 
@@ -282,6 +283,7 @@ class FittedVariable:
         self._moments = numbers["moments"]
         self.n = int(numbers["moments"]["n"])
         self.missing = int(numbers["moments"]["missing"])
+        self.reason = numbers["reason"]
         self._fits = numbers["fits"]
         self.distributions = [_distribution(fit) for fit in self._fits]
 
@@ -295,7 +297,9 @@ class FittedVariable:
     @property
     def fits(self) -> pandas.DataFrame:
         """A DataFrame of the fits by rank: distribution, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
-        ad: Anderson-Darling), log-likelihood, AIC and BIC; `reason` says why a fit failed.
+        ad: Anderson-Darling), log-likelihood, AIC and BIC; `reason` says why a fit failed,
+        `origin` what its parameters come from ("likelihood", "moments", "percentiles", "extremes"), `note` what speaks
+        against it.
 
         p-values take the parameters for known; those of a bootstrap allow for their estimation.
         """
@@ -308,7 +312,8 @@ class FittedVariable:
         if rows:
             for name in self._fits[0]["statistics"]:
                 frame[name] = [fit["statistics"][name] for fit in self._fits]
-            frame["reason"] = [fit["reason"] for fit in self._fits]
+            for name in ("origin", "reason", "note"):
+                frame[name] = [fit[name] for fit in self._fits]
         return frame
 
     def distribution(self, name: str) -> _distributions.Distribution | None:

@@ -393,7 +393,7 @@ bool CFitDistribution::RunAndKeepResults() {
   state.firstShown = 0;
   const auto firstValid = std::ranges::find_if(state.results, &VariableFit::HasValidFit);
   if (firstValid == state.results.end()) {
-    ShowMessage(kMsgNoValidFits);
+    Analysis().ShowMessage(szLoadResString(kMsgNoValidFits), NoValidVariables(state.results).detail);
     return false;
   }
   state.firstShown = static_cast<std::size_t>(firstValid - state.results.begin());
@@ -406,6 +406,19 @@ void CFitDistribution::TakeOverMixturesOf(const std::vector<VariableFit>& result
   if (taken.empty()) return;
   ShowContinuous(shownContinuous_);
   Analysis().ShowMessage(szLoadResString(kMsgInvalidMixtureCountReverted), taken);
+}
+
+// Says which variables have a fault. False where no other is left, so that it is the run's.
+bool CFitDistribution::ShowFaults(const std::vector<VariableFit>& results) {
+  if (!AnyIsFitted(results)) {
+    const auto fault = FirstFault(results);
+    if (fault) ShowFault(Analysis(), *fault);
+    return !fault;
+  }
+  for (const VariableFit& fit : results) {
+    if (fit.fault) ShowFault(Analysis(), *fit.fault);
+  }
+  return true;
 }
 
 // False with a message where the run failed, without one where the person cancelled it.
@@ -423,6 +436,7 @@ bool CFitDistribution::Run(std::vector<VariableFit>& results, CaseCounts& cases)
       return false;
     }
     results = *std::move(fitted);
+    if (!ShowFaults(results)) return false;
     if (Specification().deletion != DeletionMode::kPairwise || AnyIsFitted(results)) return true;
     TakeOverMixturesOf(results);
     ShowFault(Analysis(), NoValidVariables(results));

@@ -64,6 +64,7 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   bool MoveContinuous(int index);
   bool MoveDiscrete(int index);
   std::int64_t ValidCases(std::int16_t variable) const;
+  bool ShowFaults(const std::vector<VariableFit>& results);
   void TakeOverMixturesOf(const std::vector<VariableFit>& results);
 
   // OK.

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/fitting/dialogs/estimation_reason.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
@@ -88,6 +89,22 @@ void AddKindColumn(Spreadsheet& sheet, std::span<const VariableFit> results) {
   }
 }
 
+// What the values of each fit come from, by codes that do not depend on their texts.
+void AddOriginColumn(Spreadsheet& sheet, std::span<const DistributionFit* const> order) {
+  constexpr std::pair<EstimateOrigin, std::int32_t> kLabels[] = {
+      {EstimateOrigin::kLikelihood, kOriginLikelihood},
+      {EstimateOrigin::kMoments, kOriginMoments},
+      {EstimateOrigin::kPercentiles, kOriginPercentiles},
+      {EstimateOrigin::kExtremes, kOriginExtremes}};
+  AddColumn(sheet, "origin"_column, [&](std::size_t i) {
+    return order[i]->IsValid() ? static_cast<double>(order[i]->origin) : GetDefaultMDValue();
+  });
+  Variable& origins = sheet.VariableAt(sheet.VariableCount() - 1);
+  origins.SetType(VariableType::kText);
+  for (const auto& [origin, text] : kLabels)
+    origins.SetLabel(static_cast<double>(origin), std::string(ResourceString(text)));
+}
+
 // Columns "Parameter 1", "Parameter 2", … as many as the longest list of a fit.
 void AddNumbered(Spreadsheet& sheet, const ResultColumn& column,
                  std::span<const DistributionFit* const> order,
@@ -136,6 +153,7 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
       return moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
     });
   }
+  AddTextColumn(*sheet, "reason"_column, [&](std::size_t i) { return FailureReason(results[i]); });
   return sheet;
 }
 
@@ -171,7 +189,9 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
   AddNumbered(*sheet, "standard_error"_column, order, [](const DistributionFit& candidate) {
     return std::span<const double>(candidate.standardErrors);
   });
-  AddTextColumn(*sheet, "reason"_column, [&](std::size_t i) { return FailureReason(fit, *order[i]); });
+  AddTextColumn(*sheet, "reason"_column, [&](std::size_t i) { return FailureReason(*order[i]); });
+  AddOriginColumn(*sheet, order);
+  AddTextColumn(*sheet, "note"_column, [&](std::size_t i) { return NoteOn(fit, *order[i]); });
   return sheet;
 }
 
@@ -179,7 +199,8 @@ std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const Dis
   const DistributionSpecification& specification = fit.specification;
   if (!fit.IsValid()) {
     throw CDispatchException(
-        FormatResource(kMsgNotFittedHere, DisplayName(specification.code), variable.name));
+        FormatResource(kMsgNotFittedHere, DisplayName(specification.code), variable.name),
+        FailureReason(fit));
   }
   const std::size_t count = specification.values.size();
   std::vector<double> values = specification.values;
@@ -204,26 +225,6 @@ std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const Dis
     AddColumn(*sheet, "covariance"_column, cell, std::to_string(v + 1));
   }
   return sheet;
-}
-
-std::string FailureReason(const VariableFit& variable, const DistributionFit& fit) {
-  if (fit.IsValid()) return {};
-  using enum DistributionCode;
-  const DistributionSpecification& specification = fit.specification;
-  const Moments& moments = variable.moments;
-  const auto reason = [](std::int32_t number, const std::string& argument = {}) {
-    return FormatResource(number, argument);
-  };
-  // A value on the border is allowed by some of these types and not by others; none fits it when it fails.
-  if (HasOffset(specification.code) && moments.minimum <= specification.offset) {
-    return reason(kReasonOffset, ShortestNumber(specification.offset));
-  }
-  if (specification.code == kBernoulli && (moments.minimum < 0 || moments.maximum > 1)) {
-    return reason(kReasonZeroOrOne);
-  }
-  const bool counts = !IsContinuous(specification.code) && specification.code != kHistogram;
-  if (counts && moments.minimum < 0) return reason(kReasonNegative);
-  return reason(kReasonEstimator);
 }
 
 }  // namespace brenvolt::sra

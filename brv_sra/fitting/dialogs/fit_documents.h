@@ -26,7 +26,7 @@ struct MomentColumn {
 // In the order in which they are shown.
 std::span<const MomentColumn> MomentColumns();
 
-// One case per variable, named after it: its moments.
+// One case per variable, named after it: its moments, and why it has no fits where it has none.
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results);
 
 // One case per checked distribution of a variable, best first, named by its display name; titled by the
@@ -37,8 +37,5 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
 // standard error, and covariances with the values in order, as far as the estimator gives them. An offset
 // stands last. Throws CDispatchException where the fit failed.
 std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const DistributionFit& fit);
-
-// Why a fit failed, as far as the variable's moments tell; empty for a valid fit.
-std::string FailureReason(const VariableFit& variable, const DistributionFit& fit);
 
 }  // namespace brenvolt::sra

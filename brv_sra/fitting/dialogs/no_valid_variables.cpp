@@ -5,17 +5,22 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/fitting/dialogs/estimation_reason.h"
 
 namespace brenvolt::sra {
 namespace {
 
 std::string WhyInvalid(const VariableFit& fit) {
-  if (fit.moments.count == 0) return "no valid values";
-  if (fit.invalid) return fit.moments.count == 1 ? "a single valid value" : "all values equal";
-  if (fit.fits.size() == 1) {
-    return std::string(DisplayName(fit.fits.front().specification.code)) + " cannot be fitted";
+  if (fit.moments.count == 0 || fit.invalid) {
+    std::string reason = FailureReason(fit);
+    if (!reason.empty()) return reason;
   }
-  return "no distribution can be fitted";
+  std::string reasons;
+  for (const DistributionFit& one : fit.fits) {
+    if (!reasons.empty()) reasons += ", ";
+    reasons += std::string(DisplayName(one.specification.code)) + " cannot be fitted: " + FailureReason(one);
+  }
+  return reasons;
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 namespace brenvolt::sra {
 namespace {
 
+using brenvolt::Fault;
+
 VariableFit Unfitted(const char* name, std::int64_t count, bool invalid = true) {
   VariableFit fit;
   fit.name = name;
@@ -20,9 +22,15 @@ TEST(NoValidVariables, AreExplainedByVariable) {
   VariableFit one = Unfitted("V5", 3, false);
   one.fits.resize(1);
   one.fits[0].specification.code = DistributionCode::kLogNormal;
-  EXPECT_EQ(NoValidVariables({one}).detail, "V5: Log Normal cannot be fitted");
+  one.fits[0].fault = Fault{EstimationFault::kUndefinedLogarithm, "-1", "0"};
+  EXPECT_EQ(NoValidVariables({one}).detail, "V5: Log Normal cannot be fitted: the value -1 is not above 0");
   one.fits.resize(2);
-  EXPECT_EQ(NoValidVariables({one}).detail, "V5: no distribution can be fitted");
+  one.fits[1].specification.code = DistributionCode::kPoisson;
+  one.fits[1].fault = Fault{EstimationFault::kNegativeCount, "-1"};
+  one.fits[1].faultyCase = 4;
+  EXPECT_EQ(NoValidVariables({one}).detail,
+            "V5: Log Normal cannot be fitted: the value -1 is not above 0, "
+            "Poisson cannot be fitted: a count is below 0: -1 in case 4");
   EXPECT_EQ(NoValidVariables(std::vector(10, Unfitted("V", 3))).detail,
             "V, V, V, V, V, V, V, V: all values equal; and 2 more");
 }
