@@ -225,9 +225,10 @@ class SameCalls(unittest.TestCase):
         rows = variable.fits.to_dict("records")
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
             self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
+            for text in ("reason", "origin", "note"):
+                self.assertEqual(row[text], fitted[text] or "")
             if fitted["parameters"] is None:
                 self.assertIsNone(distribution)
-                self.assertEqual(row["reason"], fitted["reason"])
                 continue
             self.assertEqual((distribution.code, distribution._values), (fitted["code"], fitted["parameters"]))
             self.compare_statistics(fitted, row)

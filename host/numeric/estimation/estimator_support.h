@@ -118,6 +118,15 @@ inline ScaledSample ScaleFrom(std::span<const double> data, double origin) {
   return sample;
 }
 
+// x - offset, all of it finite and within the support.
+inline EstimationResult<ScaledSample> AboveOffset(std::span<const double> data, double offset,
+                                                  bool isOffsetInside) {
+  if (auto checked = CheckAboveOffset(data, 2, offset, isOffsetInside); !checked) return checked.Reason();
+  ScaledSample sample = ScaleFrom(data, offset);
+  if (IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
+  return sample;
+}
+
 inline double Mean(std::span<const double> values) {
   CompensatedSum sum;
   for (const double x : values) sum.Add(x);

@@ -1,5 +1,3 @@
-// Half normal, Rayleigh and folded normal: distributions of a magnitude above an offset.
-//
 // The folded normal has the likelihood equations (Leone, Nelson & Nottingham 1961)
 //   location = mean(x tanh(x location / scale^2)),  scale^2 = mean(x^2) - location^2.
 // With d = mean(x) - location they become one equation in d on [0, mean(x)],
@@ -8,7 +6,6 @@
 // always solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 #include <optional>
 #include <span>
 #include <vector>
@@ -16,33 +13,16 @@
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/estimation/estimators.h"
 #include "host/numeric/special/bracketed_root.h"
-#include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 namespace {
 
+using estimation::AboveOffset;
 using estimation::Ask;
-using estimation::CheckAboveOffset;
 using estimation::Mean;
 using estimation::MeanSquare;
-using estimation::ScaledSample;
-using estimation::ScaleFrom;
 using estimation::SumOverBlocks;
-
-// x - offset, all of it finite and within the support.
-EstimationResult<ScaledSample> AboveOffset(std::span<const double> data, double offset, bool isOffsetInside) {
-  if (auto checked = CheckAboveOffset(data, 2, offset, isOffsetInside); !checked) return checked.Reason();
-  ScaledSample sample = ScaleFrom(data, offset);
-  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
-  return sample;
-}
-
-EstimationResult<ScaleEstimate> IfFinite(const ScaleEstimate& estimate) {
-  const double results[] = {estimate.scale, estimate.standardError, estimate.logLikelihood};
-  if (estimation::IsAnyNotFinite(results)) return Fault{EstimationFault::kNotFinite};
-  return estimate;
-}
 
 class FoldedLikelihood {
  public:
@@ -158,31 +138,6 @@ double BestFoldedRoot(const FoldedLikelihood& likelihood, std::span<const double
 }
 
 }  // namespace
-
-EstimationResult<ScaleEstimate> EstimateHalfNormal(std::span<const double> data, double offset) {
-  auto sample = AboveOffset(data, offset, true);
-  if (!sample) return sample.Reason();
-  const double scale = sample->InUnitsOfData(std::sqrt(MeanSquare(sample->values)));
-  if (!(scale > 0.0)) return Fault{EstimationFault::kNoSpread};
-  const auto n = static_cast<double>(data.size());
-  return IfFinite(
-      {scale, scale / std::sqrt(2.0 * n), n * (std::numbers::ln2 - kLogSqrtTwoPi - std::log(scale) - 0.5)});
-}
-
-EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset) {
-  auto sample = AboveOffset(data, offset, false);
-  if (!sample) return sample.Reason();
-  const auto n = static_cast<double>(data.size());
-  const double scaled = std::sqrt(0.5 * MeanSquare(sample->values));
-  // Of the logarithms of x / scale, which needs no units.
-  const double logs =
-      SumOverBlocks(sample->values, [scaled](std::span<const double> x, std::span<double> out) {
-        for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] / scaled;
-        elementary::Log(out, out);
-      });
-  const double scale = sample->InUnitsOfData(scaled);
-  return IfFinite({scale, scale / std::sqrt(4.0 * n), logs - n * (std::log(scale) + 1.0)});
-}
 
 EstimationResult<FoldedNormalEstimate> EstimateFoldedNormal(std::span<const double> data, double offset,
                                                             const EstimationPoll& poll) {

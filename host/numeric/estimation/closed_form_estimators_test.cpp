@@ -1,5 +1,3 @@
-#include "host/numeric/estimation/estimators.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,6 +5,7 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
+#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {
@@ -107,6 +106,73 @@ TEST(LognormalFit, NamesWhatIsWrongWithTheData) {
   ExpectFailure(FitLognormal({4.0, kNan}, 3.0), EstimationFault::kNotFinite);
   ExpectFailure(FitLognormal({4.0, 5.0}, kNan), EstimationFault::kNotFinite);
   ExpectFailure(FitLognormal({1.7e308, 1.0}, -1.7e308), EstimationFault::kNotFinite);
+}
+
+struct ScaleFit {
+  double parameters[3] = {0.0, 0.0, 0.0};
+  Ended error;
+};
+
+ScaleFit Of(const EstimationResult<ScaleEstimate>& result) {
+  return result ? ScaleFit{{result->scale, result->standardError, result->logLikelihood}, kNone}
+                : ScaleFit{{}, EndOf(result)};
+}
+
+ScaleFit FitHalf(const std::vector<double>& data, double offset) {
+  return Of(EstimateHalfNormal(data, offset));
+}
+
+ScaleFit FitRayleigh(const std::vector<double>& data, double offset) {
+  return Of(EstimateRayleigh(data, offset));
+}
+
+TEST(HalfNormalFit, IsRootMeanSquareAboveOffsetWithItsErrorAndLikelihood) {
+  const ScaleFit fit = FitHalf({10.0, 13.0, 14.0}, 10.0);  // squares 0, 9, 16
+  const double scale = std::sqrt(25.0 / 3.0);
+  EXPECT_EQ(fit.error, kNone);
+  EXPECT_DOUBLE_EQ(fit.parameters[0], scale);
+  EXPECT_DOUBLE_EQ(fit.parameters[1], scale / std::sqrt(6.0));
+  EXPECT_NEAR(fit.parameters[2], 3.0 * std::log(std::sqrt(2.0 / M_PI) / scale) - 1.5, 1e-14);
+}
+
+TEST(RayleighFit, IsRootOfHalfTheMeanSquareAboveOffset) {
+  const ScaleFit fit = FitRayleigh({11.0, 12.0, 13.0}, 10.0);
+  const double scale = std::sqrt(14.0 / 6.0);
+  EXPECT_EQ(fit.error, kNone);
+  EXPECT_DOUBLE_EQ(fit.parameters[0], scale);
+  EXPECT_DOUBLE_EQ(fit.parameters[1], scale / std::sqrt(12.0));
+  EXPECT_NEAR(fit.parameters[2], std::log(6.0) - 6.0 * std::log(scale) - 3.0, 1e-14);
+}
+
+TEST(MagnitudeFits, ReachTheEndsOfTheDoubleRange) {
+  EXPECT_DOUBLE_EQ(FitHalf({1e308, 1e308}, 0.0).parameters[0], 1e308);
+  EXPECT_DOUBLE_EQ(FitRayleigh({2e-308, 2e-308}, 0.0).parameters[0], 2e-308 / std::sqrt(2.0));
+}
+
+TEST(MagnitudeFits, NameWhatIsWrongWithTheData) {
+  struct Case {
+    std::vector<double> data;
+    double offset;
+    Ended half;
+    Ended rayleigh;
+    Ended folded;
+  };
+  using enum EstimationFault;
+  const std::vector<Case> cases = {
+      {{1.0}, 0.0, kTooFewValues, kTooFewValues, kTooFewValues},
+      {{1.0, 2.0, 3.0}, 1.0, kNone, kValueAtOffset, kNone},  // a value at the offset
+      {{1.0, 2.0}, 1.5, kValueBelowOffset, kValueBelowOffset, kValueBelowOffset},
+      {{2.0, 2.0}, 1.0, kNone, kNone, kNoSpread},
+      {{1.0, 1.0}, 1.0, kNoSpread, kValueAtOffset, kNoSpread},
+      {{1.0, kNan}, 0.0, kNotFinite, kNotFinite, kNotFinite},
+      {{1.0, 2.0}, kNan, kNotFinite, kNotFinite, kNotFinite},
+      {{1.7e308, 1.0}, -1.7e308, kNotFinite, kNotFinite, kNotFinite}};
+  for (const Case& row : cases) {
+    SCOPED_TRACE(::testing::PrintToString(row.data));
+    EXPECT_EQ(EndOf(EstimateHalfNormal(row.data, row.offset)), row.half);
+    EXPECT_EQ(EndOf(EstimateRayleigh(row.data, row.offset)), row.rayleigh);
+    EXPECT_EQ(EndOf(EstimateFoldedNormal(row.data, row.offset)), row.folded);
+  }
 }
 
 }  // namespace
