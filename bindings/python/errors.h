@@ -20,7 +20,7 @@ struct CallFailure {
 };
 [[noreturn]] void RaiseError(const CallFailure& failure);
 
-// Shows a message as a warning of the class brenvolt.MessageWarning. Throws where the person made warnings
+// Shows a message as a warning of the class brenvolt.MessageWarning. Throws if the person made warnings
 // errors.
 void Warn(const Message& message);
 

@@ -25,7 +25,7 @@ inline pybind11::array_t<double> ReadOnlyView(std::span<const double> values,
   return view;
 }
 
-// Numbers in, whatever they come in: contiguous doubles, copied only where they are not that already.
+// Numbers in, whatever they come in: contiguous doubles, copied only if they are not that already.
 using Numbers = pybind11::array_t<double, pybind11::array::c_style | pybind11::array::forcecast>;
 
 // The values of an array of one axis.

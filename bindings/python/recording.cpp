@@ -33,7 +33,7 @@ void StartRecording() {
   Current() = std::make_unique<Recording>();
 }
 
-// Ends the recording; writes it where a file is named.
+// Ends the recording; writes it if a file is named.
 void EndRecording(const std::optional<std::filesystem::path>& file, const std::string& origin) {
   const std::unique_ptr<Recording> ended = std::move(Current());
   if (ended == nullptr) throw Error("no macro is being recorded");

@@ -29,7 +29,7 @@ void AddColumn(Spreadsheet& sheet, const ResultColumn& column, const CellNumber&
 using CellText = std::function<std::string(std::size_t)>;
 void AddTextColumn(Spreadsheet& sheet, const ResultColumn& column, const CellText& text);
 
-// A value for a cell that is missing where the value is not set.
+// A value for a cell that is missing if the value is not set.
 inline double OrMissing(double value) {
   return IsNotSet(value) ? GetDefaultMDValue() : value;
 }

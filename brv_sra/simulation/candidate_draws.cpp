@@ -116,7 +116,7 @@ void CandidateDraws::CopyRun(std::size_t place, std::span<double> out) const {
 }
 
 // The value that begins at `start` and whose first candidate is rejected; moves on to the start of the next.
-// Not a number where no candidate is accepted: candidates that are accepted are numbers.
+// Not a number if no candidate is accepted: candidates that are accepted are numbers.
 double CandidateDraws::AfterRejection(std::size_t& start) const {
   const std::size_t end = start + most_;
   for (std::size_t place = start + stride_; place < end; place += draws_) {

@@ -19,7 +19,7 @@ struct NaturalGenerator;
 //   normal, log-normal, folded and half normal  one, by way of a normal deviate
 //   Gaussian mixture                            one that picks the component, one for the normal deviate
 //   binomial, Poisson, geometric                one, looked up in the table; none without a table
-//   Bernoulli                                   one, u: 1 where u < proportion, else 0
+//   Bernoulli                                   one, u: 1 if u < proportion, otherwise 0
 //   user-defined levels                         one, u: the first level whose cumulative proportion reaches u
 //   all others                                  none: they are always inverted
 class Candidates {
@@ -31,7 +31,7 @@ class Candidates {
 
   // Uniform deviates that a candidate takes; 0 if the type is always inverted.
   std::size_t Draws() const { return draws_; }
-  // out[i] becomes the candidate of first[i] and, where it takes two, second[i]. `out` has the length of the
+  // out[i] becomes the candidate of first[i] and, if it takes two, second[i]. `out` has the length of the
   // input, and may be `second`.
   void Fill(std::span<const double> first, std::span<const double> second, std::span<double> out) const;
   // No candidate lies beyond these.

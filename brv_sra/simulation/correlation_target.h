@@ -1,4 +1,4 @@
-// The target of correlation induction: made positive definite where it is not.
+// The target of correlation induction: made positive definite if it is not.
 #pragma once
 
 #include <cstddef>

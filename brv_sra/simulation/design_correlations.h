@@ -21,7 +21,7 @@ struct DesignCorrelations {
 
 // The design's correlations out of a matrix file, which may have them in another order and may have further
 // ones. Names agree whatever blanks stand at their ends. Only the triangle below the diagonal of the file
-// counts. NaN where the file lacks a variable.
+// counts. NaN if the file lacks a variable.
 DesignCorrelations CorrelationsByName(const SimulationDesign& design, const MatrixFile& file);
 
 // The design's correlations without the rows and columns of excluded variables. A design without a matrix

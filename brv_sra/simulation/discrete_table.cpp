@@ -30,7 +30,7 @@ struct Support {
 
 // Walks from `start`, which has the probability p, up and then down over the values worth keeping.
 // up(p, k) turns the probability of k - 1 into that of k; down(p, k) that of k into that of k - 1. Gives up,
-// with more values than any table takes, where they are too many.
+// with more values than any table takes, if they are too many.
 template <class Up, class Down>
 Support Walk(double start, double atStart, const Up& up, const Down& down) {
   Support support{start, {}};
@@ -61,7 +61,7 @@ Support PoissonSupport(double mean) {
   return Walk(mode, Distribution<Poisson>(mean).Density(mode), up, down);
 }
 
-// Walks from 0 where its probability is worth keeping, as for a small Poisson mean, else from the mode.
+// Walks from 0 if its probability is worth keeping, as for a small Poisson mean, otherwise from the mode.
 Support BinomialSupport(double proportion, double trials) {
   const double q = 1 - proportion;
   const auto up = [=](double p, double k) { return p * ((trials - k + 1) * proportion) / (k * q); };

@@ -15,7 +15,7 @@
 namespace brenvolt::sra {
 
 // Seeds the stream for one run and discards 100 draws: from the user's seed (at least 0, its
-// integer part, modulo 2^32 where it is larger) when `seeded`, else from the calendar time in seconds. A seed
+// integer part, modulo 2^32 if it is larger) when `seeded`, otherwise from the calendar time in seconds. A seed
 // of 0 is as reproducible as any other.
 void SeedRandomStream(bool seeded, double seed);
 

@@ -28,7 +28,7 @@ bool FitsSampleLimit(std::size_t variables, std::int64_t samples);
 
 // Whether every variable can be sampled, as far as is known beforehand: the first that cannot is the fault.
 Result<void> CheckSampling(const SimulationDesign& design);
-// The fault of a design that could not be sampled: the variable that shows it, else kNotSampled.
+// The fault of a design that could not be sampled: the variable that shows it, or kNotSampled.
 Fault SamplingFault(const SimulationDesign& design);
 
 struct SimulationRun {
@@ -37,7 +37,7 @@ struct SimulationRun {
 };
 
 // Seeds the stream, generates the samples and builds the output sheet (simulation_output.h). The methods that
-// induce correlation take the design's, where its variables are two or more; kCorrelationMissing without
+// induce correlation take the design's, if its variables are two or more; kCorrelationMissing without
 // them. The normal-to-anything method succeeds and produces nothing. `updating` as of BuildOutput. Throws
 // UserCancelled.
 Result<SimulationRun> RunSimulation(const SimulationDesign& design, bool seeded, double seed,

@@ -50,7 +50,7 @@ struct SampleSummaries {
 // Of an output's variables. Throws UserCancelled.
 SampleSummaries SummarizeOutput(const Spreadsheet& output, const RunProgress& bars);
 
-// The correlations between the variables of an output, k x k; NaN where they are not defined. Throws
+// The correlations between the variables of an output, k x k; NaN if they are not defined. Throws
 // UserCancelled.
 struct ReachedCorrelations {
   std::vector<double> pearson;

@@ -4,7 +4,7 @@
 // Everything here is a pure function of a place in the random stream; no call moves the process's stream. The
 // order of draws is that of values drawn one after another: a Monte Carlo value takes one uniform deviate u
 // for its fallback, used or not, then up to five candidates of one or two uniform deviates each
-// (candidates.h), and is the first candidate within the range of values, else the value at the probability
+// (candidates.h), and is the first candidate within the range of values, otherwise the value at the probability
 // lower + u (upper - lower). Types without candidates are at that probability at once.
 #pragma once
 
@@ -49,7 +49,7 @@ class VariableSampler {
   void Invert(std::span<double> probabilities) const;
 
   const Candidates& NaturalGenerator() const { return *candidates_; }
-  // Uniform deviates of every Monte Carlo value, where no candidate can be rejected; else nothing.
+  // Uniform deviates of every Monte Carlo value, if no candidate can be rejected; otherwise nothing.
   std::optional<std::size_t> FixedDraws() const;
   // Monte Carlo values, with FixedDraws() only: `out` takes values of which the first draws at `position`.
   void DrawFixed(const RandomStream& stream, std::uint64_t position, std::span<double> out) const;
@@ -92,7 +92,7 @@ class VariableSampler {
   double mostValue_;
 };
 
-// How many draws a column of `samples` values takes, where that is known before they are made.
+// How many draws a column of `samples` values takes, if that is known before they are made.
 std::optional<std::uint64_t> ColumnDrawCount(const VariableSampler& sampler, bool latinHypercube,
                                              std::uint64_t samples);
 

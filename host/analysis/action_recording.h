@@ -24,7 +24,7 @@ class ActionRecording {
   ActionRecording(const ActionRecording&) = delete;
   ActionRecording& operator=(const ActionRecording&) = delete;
 
-  // The recorder, where this action is to be recorded; else null.
+  // The recorder, if this action is to be recorded; otherwise null.
   MacroRecorder* Recorder() const { return recorder_; }
 
  private:

@@ -2,11 +2,11 @@
 //
 //   Name, ID                 of the analysis
 //   Application              the application that it runs in
-//   CurrentStep              the step of the sequence whose dialog is open, 0 where none is
+//   CurrentStep              the step of the sequence whose dialog is open, 0 if none is
 //   Dialog                   the open dialog; nothing if none is open
-//   DialogInterface(name)    the open dialog, where it is of this interface. Of another interface of the type
+//   DialogInterface(name)    the open dialog, if it is of this interface. Of another interface of the type
 //                            library an object whose calls fail: with the closed-dialog error, or with "not
-//                            available" where this version of the program has no such dialog.
+//                            available" if this version of the program has no such dialog.
 //   InputName                the name of the input spreadsheet
 #pragma once
 

@@ -33,7 +33,7 @@ class CAnalysisDialog {
   // variables: throws AutomationFailure kNotAvailable.
   virtual void PutResultsVariables(const Variant& variables);
 
-  // What a recorded macro writes for the press of a button, or the double click on a list, where that is not
+  // What a recorded macro writes for the press of a button, or the double click on a list, if that is not
   // simply OK, Cancel or a member of automation: calls of members, as name and, for a put, value.
   struct StandIn {
     std::string_view member;

@@ -28,7 +28,7 @@ class CAnalysisDoc {
     inputOwner_ = std::move(owner);
   }
 
-  // The automation object of the application that the analysis runs in, null where none has attached itself.
+  // The automation object of the application that the analysis runs in, null if none has attached itself.
   const std::shared_ptr<AutomationObject>& Application() const { return application_; }
   void SetApplication(std::shared_ptr<AutomationObject> application) {
     application_ = std::move(application);

@@ -10,7 +10,7 @@
 namespace brenvolt {
 namespace {
 
-// The host's caption over message boxes, where the module's context has none.
+// The host's caption over message boxes, if the module's context has none.
 constexpr std::int32_t kCaptionResource = 10010;
 
 Variable* InputVariable(Spreadsheet* table, int variable) {

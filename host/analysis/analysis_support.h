@@ -50,7 +50,7 @@ struct CaseWeightBlock {
 };
 struct MenuBlock;
 
-// A window of the front end, null where it has none.
+// A window of the front end, null if it has none.
 using WindowHandle = const void*;
 
 class CAnalysisSupport {
@@ -105,7 +105,7 @@ class CAnalysisSupport {
   virtual void OnCurrentDialogChange();
   virtual void BeforeCallEventHandler();
   virtual void AfterCallEventHandler();
-  // Changes of the input table; cases and variables count from 1. False, and nothing changes, where the table
+  // Changes of the input table; cases and variables count from 1. False, and nothing changes, if the table
   // does not have the place.
   virtual bool SetInputTableValue(int caseNumber, int variable, const std::string& text);
   virtual bool SetInputTableValue(int caseNumber, int variable, double value);
@@ -158,7 +158,7 @@ class CAnalysisSupport {
   static void FreeMem(void* block);
 
   // The automation objects of the analysis itself and of the application that it runs in; the latter throws
-  // AutomationFailure kNotAvailable where no application has attached a document.
+  // AutomationFailure kNotAvailable if no application has attached a document.
   std::shared_ptr<AutomationObject> AutomationInterface();
   std::shared_ptr<AutomationObject> ApplicationInterface() const;
 

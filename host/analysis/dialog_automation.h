@@ -27,7 +27,7 @@ struct AutomationMember {
   using Put = void (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
   // The index for which the dialog's controls show an indexed member at present; 0 for none.
   using Place = std::int32_t (*)(Dialog& dialog);
-  // How a macro writes a value that was put, where that is not what the value is.
+  // How a macro writes a value that was put, if that is not what the value is.
   using Text = std::string (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
 
   constexpr AutomationMember(std::string_view member, Get getter, Put putter)
@@ -91,7 +91,7 @@ constexpr bool Binds(const InterfaceDescription& interface,
 // described types; carries the member out; returns its result as the described type. A refused control
 // operation and a "not available" come back as they are (AutomationFailure). Every other exception becomes an
 // AutomationError "Exception in automation method [Class::put_Member]", whose reason is the exception's text,
-// or "Unexpected Error" where it has none. While a macro is recorded, a call that succeeded is a line of it,
+// or "Unexpected Error" if it has none. While a macro is recorded, a call that succeeded is a line of it,
 // unless it only asked for something.
 class DialogAutomationBase : public AutomationObject, public DialogPointer {
  public:

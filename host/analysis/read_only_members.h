@@ -29,7 +29,7 @@ std::optional<DispatchId> FindReadOnlyMember(std::span<const ReadOnlyMember<Cont
   return std::nullopt;
 }
 
-// Throws Error about `interfaceName` when there is no such member, it cannot be called so, or it fails.
+// Throws Error about `interfaceName` if there is no such member, if it cannot be called so, or if it fails.
 template <class Content>
 Variant GetReadOnlyMember(std::span<const ReadOnlyMember<Content>> members, const Content& content,
                           std::string_view interfaceName, DispatchId member, CallKind kind,

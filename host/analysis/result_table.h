@@ -38,11 +38,11 @@ struct ResultTable {
   std::vector<Heading> headings;  // of the columns, in their order
   std::vector<ResultRow> rows;
 
-  // The row that is a statistic. Throws Error where the table does not have it.
+  // The row that is a statistic. Throws Error if the table does not have it.
   const ResultRow& Row(const ResultColumn& statistic) const;
 };
 
-// The spreadsheet of the document that an automation call gave. Throws Error where that is none.
+// The spreadsheet of the document that an automation call gave. Throws Error if that is none.
 const Spreadsheet& TableOf(const Variant& result);
 
 ResultTable ReadResultTable(const Spreadsheet& sheet);
@@ -50,7 +50,7 @@ inline ResultTable ReadResultTable(const Variant& result) {
   return ReadResultTable(TableOf(result));
 }
 
-// "0.135" of "percentile.0.135"; nothing where an identifier is not one of this column's.
+// "0.135" of "percentile.0.135"; nothing if an identifier is not one of this column's.
 std::optional<std::string_view> NumberIn(std::string_view identifier, const ResultColumn& column);
 
 }  // namespace brenvolt

@@ -41,7 +41,7 @@ struct DataFile {
   Workbook workbook;
   bool isProject = false;
 
-  // The sheet called `name`; the first data sheet where the name is empty. Throws Error naming the file.
+  // The sheet called `name`; the first data sheet if the name is empty. Throws Error naming the file.
   Spreadsheet& Sheet(const std::string& name);
 };
 

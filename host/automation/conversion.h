@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// The value as the type: numbers, booleans and texts convert where nothing is lost, an enumeration takes its
+// The value as the type: numbers, booleans and texts convert if nothing is lost, an enumeration takes its
 // constants by value or by name, an object may be absent. kVariant and kNone leave the value as it is.
 // Throws Error for anything else.
 Variant ConvertTo(AutomationType type, const Variant& value, std::string_view enumeration = {});

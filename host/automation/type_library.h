@@ -39,14 +39,14 @@ struct MemberDescription {
   DispatchId id;
   MemberKind kind;
   std::span<const ArgumentDescription> indexes;  // precede the value
-  // What a get, or a method, returns and what a put takes; kNone where the member allows no such call, or the
+  // What a get, or a method, returns and what a put takes; kNone if the member allows no such call, or the
   // method returns nothing.
   AutomationType get;
   AutomationType put;
-  std::string_view enumeration;  // of a kEnumeration value, else empty
+  std::string_view enumeration;  // of a kEnumeration value, otherwise empty
   std::string_view help;         // one or more sentences
-  // The value is a list of variables, whatever its type says: where the type cannot hold the list, an array
-  // of numbers or a text passes, too.
+  // The value is a list of variables, whatever its type says: if the type cannot hold the list, an array
+  // of numbers or a text also passes.
   bool variableList = false;
 };
 
@@ -76,7 +76,7 @@ struct TypeLibrary {
   TypeLibraryVersion version;
   std::string_view help;
   std::span<const EnumerationDescription> enumerations;
-  // The first is the base of all others: its members are theirs, too.
+  // The first is the base of all others: its members are also theirs.
   std::span<const InterfaceDescription> interfaces;
 };
 

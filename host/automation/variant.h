@@ -40,7 +40,7 @@ class Variant {
   bool IsBoolean() const { return std::holds_alternative<bool>(Resolved().value_); }
   bool IsText() const { return std::holds_alternative<std::string>(Resolved().value_); }
   bool IsArray() const { return std::holds_alternative<Array>(Resolved().value_); }
-  // True for a null object, too.
+  // Also true for a null object.
   bool IsObject() const { return std::holds_alternative<Object>(Resolved().value_); }
 
   // The value as one type. Numbers and booleans convert into each other (a real to an integer only when it is
@@ -51,7 +51,7 @@ class Variant {
   std::string ToText() const;
   // The object, or null when there is none.
   Object ToObject() const;
-  // Calls `visitor` with the value as what it is: std::monostate where it is empty, bool, std::int32_t,
+  // Calls `visitor` with the value as what it is: std::monostate if it is empty, bool, std::int32_t,
   // std::int64_t, double, std::string, Object or Array.
   template <class Visitor>
   auto Visit(const Visitor& visitor) const {

@@ -5,7 +5,7 @@ namespace brenvolt {
 
 // Rounds a range outwards, in place, to whole multiples of a round step, and returns the step: 1, 2 or 5
 // times a power of ten. It is the coarsest such step that cuts the rounded range into `fewestSteps` steps at
-// least and `mostSteps` at most; where none does both, the finest that gives at most `mostSteps`. With most
+// least and `mostSteps` at most; if none does both, the finest that gives at most `mostSteps`. With most
 // >= 2.5 fewest, as in the usual 50 and 20, nearly every range finds both. Counts below 1 count as 1.
 //
 // Never fails:

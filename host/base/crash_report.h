@@ -20,9 +20,9 @@ class DynamicLibrary;
 // Makes the missing folders on a path, one by one. False when one cannot be made; those before it stay.
 bool MakeFolders(const std::filesystem::path& folder);
 
-// The folder for error reports, made where it is missing: "Brenvolt/Errors" under the machine's common
+// The folder for error reports, made if it is missing: "Brenvolt/Errors" under the machine's common
 // application-data folder. That is BRENVOLT_DATA if it is set, otherwise /var/lib; if the user may not
-// write there, the user's own: XDG_DATA_HOME, else ~/.local/share. Nothing if no such folder can be made.
+// write there, the user's own: XDG_DATA_HOME or ~/.local/share. Nothing if no such folder can be made.
 std::optional<std::filesystem::path> ErrorFolder();
 
 class CrashReporter {

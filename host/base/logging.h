@@ -1,4 +1,4 @@
-// The host's log: one line per event, kept for the process and, where asked for, appended to a file.
+// The host's log: one line per event, kept for the process and, if asked for, appended to a file.
 #pragma once
 
 #include <string>

@@ -7,7 +7,7 @@ namespace brenvolt {
 
 // From now on blocks of 256 KiB and more go back to the system as soon as they are freed, instead of staying
 // with the thread that had them: columns then count once, not once per thread. For programs, at their start;
-// no effect where the C library does not offer it.
+// no effect if the C library does not offer it.
 void ReturnLargeBlocksAtOnce();
 
 // Asks the system to back a large block, not yet written to, by large pages: its first use then takes a

@@ -51,7 +51,7 @@ NumberReading ReadNumber(std::string_view text, NumberLocale locale, double& val
 std::optional<double> ParseNumber(std::string_view text, NumberLocale locale = {});
 
 // The same of a text that may come from a user with another separator: a decimal point or a decimal comma. No text has
-// two readings, as there are no group marks.
+// two readings, because group marks are not allowed.
 std::optional<double> ParseTravelledNumber(std::string_view text);
 
 // The same for whole numbers in the range of a 32-bit integer.

@@ -15,7 +15,7 @@ struct ProgramCall {
 };
 
 // Continues as another program, whose output, signals and exit status are this process's from then on. Never
-// returns; throws Error naming the program where it cannot be started.
+// returns; throws Error naming the program if it cannot be started.
 [[noreturn]] void ContinueAs(const ProgramCall& call);
 
 }  // namespace brenvolt

@@ -48,7 +48,7 @@ bool KroOleRegisterTypeLib(InstanceHandle instance, const LibraryId& library, co
 double rnd_(std::int32_t seed);
 // NextNormal.
 double znormal_(double sd);
-// SeedProcessStream, for a seed of 0, too. `reserved` must be 0.
+// SeedProcessStream, also for a seed of 0. `reserved` must be 0.
 void inirnd_(std::int32_t seed, std::int32_t reserved);
 class CRandomizer {
  public:

@@ -6,10 +6,10 @@
 //   comparisons (= == <> != < <= > >=); not (!); and (& &&); or (| ||). A comparison of a comparison needs
 //   parentheses: "a = b = 1" is refused. 1 is true and 0 is false; any value but 0 counts as true.
 // - Functions (functions.cpp, distribution_functions.h), their values separated by , or ;. The constants Pi,
-//   Euler and Missing, where no variable has the name.
+//   Euler and Missing, if no variable has the name.
 // - A "=" may stand before it all, as in a cell.
 //
-// Missing values propagate: a result is missing where any value that it needs is missing. Only if(condition,
+// Missing values propagate: a result is missing if any value that it needs is missing. Only if(condition,
 // yes, no) needs no more than the condition and the branch chosen, and ismissing(x) is never missing.
 // Division by zero, the logarithm of zero, and whatever else has no finite value are missing.
 #pragma once
@@ -63,10 +63,10 @@ class Formula {
   std::size_t caseNumber_;  // by which the program knows the case number
 };
 
-// "Yield = expression": the name on the left, in quotes where it holds blanks ('Yield %' = …; := does too),
+// "Yield = expression": the name on the left, in quotes if it holds blanks ('Yield %' = …; := does too),
 // and where the expression begins in the text, so that Formula's `begin` keeps the places of faults. A text
 // that does not begin like that has no name, and its expression begins at 0. The text of a formula that
-// begins with a comparison of a name ("x = 2") is read as an assignment: ask only where one is expected.
+// begins with a comparison of a name ("x = 2") is read as an assignment: ask only if one is expected.
 struct FormulaAssignment {
   std::optional<std::string> name;
   std::size_t begin = 0;

@@ -14,7 +14,7 @@ class FormulaError : public Error {
  public:
   FormulaError(const std::string& what, const std::string& sourceName, std::size_t character)
       : Error(what, sourceName + ", character " + std::to_string(character)), character_(character) {}
-  // From 1; one past the end where the text ends too soon. Bytes of one UTF-8 sequence are one character.
+  // From 1; one past the end if the text ends too soon. Bytes of one UTF-8 sequence are one character.
   std::size_t Character() const noexcept { return character_; }
 
  private:

@@ -97,7 +97,7 @@ void FoldKernel(std::span<const BlockArgument> arguments, std::span<double> out)
   }
 }
 
-// Of a single value, too, the truth is 0 or 1.
+// The truth of a single value is also 0 or 1.
 template <double (*kFunction)(double, double)>
 void TruthKernel(std::span<const BlockArgument> arguments, std::span<double> out) {
   FoldKernel<kFunction>(arguments, out);

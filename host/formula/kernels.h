@@ -1,5 +1,5 @@
 // Operators and functions with one meaning in formulas and in the transformations of models, as kernels over
-// blocks. A result is missing where a value that it needs is.
+// blocks. A result is missing if a value that it needs is.
 #pragma once
 
 #include <cmath>

@@ -106,7 +106,7 @@ inline constexpr std::size_t kCurvePoints = 201;
 GraphSeries SampleCurve(const GraphCurve& curve, std::size_t points = kCurvePoints);
 
 // The data of a graph, side by side in columns named after their part ("Observed x", "Observed y"), missing
-// where a column is shorter than the longest; a curve is sampled, its formula is a text in the first case. Of
+// if a column is shorter than the longest; a curve is sampled, its formula is a text in the first case. Of
 // a graph with panels, the columns of all panels, each named after its panel's title first.
 std::unique_ptr<Spreadsheet> GraphTable(const Graph& graph);
 

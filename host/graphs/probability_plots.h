@@ -23,7 +23,7 @@ Graph ProbabilityPlot(std::span<const double> sorted, const ArrayFunction& cdf, 
 // Error when a quantile is not finite or invalid.
 Graph QuantilePlot(std::span<const double> sorted, const ArrayFunction& quantile, const GraphTexts& texts);
 
-// Steps of the share of values up to and including x, at each distinct value; fitted curves, where they have
+// Steps of the share of values up to and including x, at each distinct value; fitted curves, if they have
 // no range (from = to), span the values.
 Graph EmpiricalDistributionPlot(std::span<const double> sorted, std::span<const GraphCurve> curves,
                                 const GraphTexts& texts);

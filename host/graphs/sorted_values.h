@@ -8,7 +8,7 @@
 
 namespace brenvolt {
 
-// Throws Error about `where` unless the values are finite and ascend, one at least.
+// Throws Error about `where` unless there is a value and all are finite and ascend.
 void RequireSorted(std::span<const double> values, const char* where);
 
 // Of a larger sample only some order statistics are shown: this many of each tail, where fits fail and single

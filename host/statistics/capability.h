@@ -8,7 +8,7 @@
 // order of time.
 //
 // What cannot be computed is kNotSet: the index of a limit that is not given, Cp and Pp without both limits,
-// Cpm without a target, everything where the deviation is 0 or there are fewer than two values.
+// Cpm without a target, everything if the deviation is 0 or there are fewer than two values.
 #pragma once
 
 #include <cstdint>
@@ -99,7 +99,7 @@ struct PercentileCapability {
   CapabilityIndices indices;
   PartsPerMillion expected;
 };
-// Throws Error when the limits are not valid. Nothing is set where a point is not finite or the points do not
+// Throws Error when the limits are not valid. Nothing is set if a point is not finite or the points do not
 // ascend.
 PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,
                                         const SpecificationLimits& limits);

@@ -14,7 +14,7 @@ struct CorrelationTest {
   double pValue = kNotSet;  // of a correlation of 0, two-sided
 };
 
-// Over the cases in which neither value is NaN; x and y are of one length. Not set where fewer than two such
+// Over the cases in which neither value is NaN; x and y are of one length. Not set if fewer than two such
 // cases are left or either variable is constant; no p-value below three cases. The p-value is that of
 // Student's t with count - 2 degrees of freedom, for Spearman's coefficient an approximation (Kendall &
 // Stuart 1979, section 31.19) that is good from ten cases on.

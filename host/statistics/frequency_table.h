@@ -22,7 +22,7 @@ struct FrequencyClass {
 // A sample of no more different values than this has a class for each.
 inline constexpr std::size_t kMostSingleValues = 20;
 
-// The table of finite ascending values: a class for each value where there are few, otherwise the classes of
+// The table of finite ascending values: a class for each value if there are few, otherwise the classes of
 // a histogram of continuous values (histogram_classes.h). Empty for an empty sample.
 std::vector<FrequencyClass> FrequencyTable(std::span<const double> sorted);
 

@@ -15,7 +15,7 @@ struct HistogramClasses {
 
 // Continuous values: equal round steps (host/base/axis_scaling.h), at least as many as Sturges (1926) asks
 // for, 1 + log2 n, at most 2.5 times that, and no more than 50. Discrete ones: a class is one whole number
-// around its middle, or a round number of them where there are more than 50; where not all values are whole,
+// around its middle, or a round number of them if there are more than 50; if not all values are whole,
 // a class is one distinct value, its bounds midway to its neighbours. Ascending finite values, at least one.
 HistogramClasses ClassesOf(std::span<const double> sorted, bool continuous);
 

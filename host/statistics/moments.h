@@ -34,7 +34,7 @@ class MomentAccumulator {
   void Add(std::span<const double> block);
   void CountMissing() { ++missing_; }
   // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard
-  // deviations with divisor n - 1. All are kNotSet where the sample is too small for them.
+  // deviations with divisor n - 1. All are kNotSet if the sample is too small for them.
   Moments Finish() const;
 
  private:

@@ -26,7 +26,7 @@ double Percentile(std::span<const double> sorted, double percent);
 struct PercentileEstimate {
   double value = kNotSet;
   double lower = kNotSet;     // not set where the sample is too small for a limit on this side
-  double upper = kNotSet;     // likewise
+  double upper = kNotSet;     // the same
   double coverage = kNotSet;  // the probability with which the interval, open where not set, holds it
 };
 PercentileEstimate EstimatePercentile(std::span<const double> sorted, double percent, double confidence);

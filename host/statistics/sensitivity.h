@@ -21,7 +21,7 @@ struct SensitivityRow {
   // variance" of risk analysis. The rows add up to 1.
   double rankContribution = kNotSet;
   // The coefficient of the linear regression of the response on all predictors, all in units of their
-  // standard deviations; not set where the predictors are collinear.
+  // standard deviations; not set if the predictors are collinear.
   double standardizedCoefficient = kNotSet;
   // Its square, which is the predictor's first-order share of the variance when the response is linear and
   // the predictors are independent (Saltelli et al. 2008, section 1.2.5); the rows then add up to rSquared.

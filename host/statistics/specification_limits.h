@@ -6,7 +6,7 @@
 
 namespace brenvolt {
 
-// NaN where a value is not given.
+// NaN if a value is not given.
 struct SpecificationLimits {
   double lower = std::numeric_limits<double>::quiet_NaN();
   double upper = std::numeric_limits<double>::quiet_NaN();

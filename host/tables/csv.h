@@ -31,7 +31,7 @@ struct CsvFormat {
 // names its column "Var" and its number; a repeated name gets "_2", "_3", …. Blank lines are passed over,
 // except in files of one column, where they are missing values.
 //
-// Throws Error whose where() names the file, and the line and the number of the column where a line has too
+// Throws Error whose where() names the file, and the line and the number of the column if a line has too
 // few or too many fields, a quoted field is not closed, text is next to a quoted field, a number is too
 // large for a double, or the file is not text in UTF-8; also for a file that is missing, unreadable, empty,
 // or holds nothing but a header, and for a format whose characters cannot be told apart.
@@ -45,7 +45,7 @@ Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const Cs
 
 // Writes header and cells, lines ending with LF; numbers so that they read back exactly, infinities as inf
 // and -inf, text variables as their labels (numeric ones as numbers, whatever labels they have), missing
-// values as empty cells, and quotes only where a text needs them. Case names, where the sheet has any, form a
+// values as empty cells, and quotes only if a text needs them. Case names, if the sheet has any, form a
 // first column headed by the sheet's header. A regular file is replaced only when everything was written; a
 // pipe or device is written directly. Throws Error naming the file.
 void WriteCsv(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format = {});

@@ -23,14 +23,14 @@ enum class CsvCellKind : std::uint8_t {
 };
 
 // Reads a field; `value` is written for numbers only. Quoted or not, a number is a number, and so are "inf"
-// and "-inf" in any case; the words for missing values are text where they are quoted.
+// and "-inf" in any case; the words for missing values are text if they are quoted.
 CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& value);
 
-// The field's text as a person means it: doubled quotes made single. `buffer` keeps the text where it must be
+// The field's text as a person means it: doubled quotes made single. `buffer` keeps the text if it must be
 // made.
 std::string_view CsvFieldText(const CsvField& field, std::string& buffer);
 
-// Appends a text so that it reads back as this text, in quotes only where it needs them.
+// Appends a text so that it reads back as this text, in quotes only if it needs them.
 void AppendCsvText(std::string& out, std::string_view text, char separator);
 
 // Appends a number so that it reads back exactly; a missing one must not come here.

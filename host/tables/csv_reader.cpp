@@ -129,7 +129,7 @@ class Reader {
   void UniteCodes(std::size_t place);
   Variable MakeVariable(std::size_t column);
 
-  // Lines without text are missing values where there is but one column.
+  // Lines without text are missing values if there is but one column.
   bool SkipBlankLine(CsvScanner& scanner) const { return names_.size() > 1 && scanner.SkipBlankLine(); }
   bool IsTextColumn(std::size_t column) const { return placeOfText_[column] != kNoText; }
 

@@ -317,11 +317,11 @@ class FittedVariable:
         return frame
 
     def distribution(self, name: str) -> _distributions.Distribution | None:
-        """The fitted distribution of that name; None where its fit failed. Raises KeyError where it was not tried."""
+        """The fitted distribution of that name; None if its fit failed. Raises KeyError if it was not tried."""
         return self.distributions[self._place_of(name)]
 
     def standard_errors(self, name: str) -> dict[str, float]:
-        """{parameter: standard error} of the fit of a distribution; empty where its estimator gives none."""
+        """{parameter: standard error} of the fit of a distribution; empty if its estimator gives none."""
         place = self._place_of(name)
         return dict(zip(_scalars(self.distributions[place]), self._fits[place]["standard_errors"]))
 

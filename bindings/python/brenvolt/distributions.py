@@ -1,7 +1,7 @@
 """The sixteen distributions, with the parameters that fits report.
 
 Every class has pdf, logpdf, cdf, sf, ppf, isf, mean, var, std and rvs, which take numbers or arrays as SciPy's do;
-the discrete ones pmf and logpmf, too. A parameter that is not valid raises ValueError, which names it.
+the discrete ones also pmf and logpmf. A parameter that is not valid raises ValueError, which names it.
 
     >>> from brenvolt.distributions import Weibull
     >>> Weibull(scale=83.35, shape=2.186).cdf(100)
@@ -219,7 +219,7 @@ class Geometric(_Discrete):
 
 
 class Bernoulli(_Discrete):
-    """1 with the probability `proportion`, else 0."""
+    """1 with the probability `proportion`, otherwise 0."""
 
     def __init__(self, proportion: float) -> None:
         super().__init__(14, (proportion,))

@@ -27,8 +27,8 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // produces nothing. Throws Error when a check or the run fails, which has then said why.
   std::shared_ptr<CAnalysisTableDoc> SimulationResults();
   // Validates and runs, and writes the samples to a file instead of a spreadsheet, in pieces, so that the
-  // limit of the sample matrix does not count: NumPy arrays where the name ends in .npz, else separated
-  // values; to no file where the name is empty. Shows and returns the summary; null for the method that
+  // limit of the sample matrix does not count: NumPy arrays if the name ends in .npz, or separated
+  // values; to no file if the name is empty. Shows and returns the summary; null for the method that
   // produces nothing. Throws Error when a check or the run fails, for the methods that induce correlation,
   // and when the file cannot be written; it is then as it was.
   std::shared_ptr<CAnalysisTableDoc> SimulationFile(const std::filesystem::path& file);
@@ -53,9 +53,9 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   bool ValidateNumberOfSamples(OutputLimit limit);
   bool ValidateSeed();
   Outcome ValidateAndRun();
-  // The matrix given, else that which the input is, else that saved with fits of the input; null without.
+  // The given matrix, or the input if it is one, or the one saved with fits of the input; null without any.
   const MatrixFile* CorrelationMatrix() const;
-  // Gives the design its correlations by name; a message, and false, where they are not to be had.
+  // Gives the design its correlations by name; a message, and false, if there are none.
   bool AttachCorrelations(SimulationDesign& design) const;
   Outcome Run();
   Result<SampleSummaries> RunInPieces(const std::filesystem::path& file);
@@ -63,7 +63,7 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   Outcome Report(const Fault& fault) const;
   // Shows what a run made and keeps it.
   void Produce(SimulationRun run);
-  // Into the last output where that is to be updated, else as a new spreadsheet.
+  // Into the last output if that is to be updated, otherwise as a new spreadsheet.
   void ShowOutput(std::unique_ptr<Spreadsheet> output);
   // The message about a repaired matrix, and the matrix as a document.
   void ShowRepair(const SimulatedCorrelations& correlations);

@@ -22,7 +22,7 @@ void TitleOutput(Spreadsheet& output, SimulationMethod method);
 std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, SampleSummaries summaries);
 
 // One case per pair of variables of an output, (1, 2), (1, 3), …, (2, 3), …: the correlation asked for, the
-// one used after a repair, and those reached, Pearson's and Spearman's; missing where they are not defined.
+// one used after a repair, and those reached, Pearson's and Spearman's; missing if they are not defined.
 std::unique_ptr<Spreadsheet> CorrelationSummary(const Spreadsheet& output,
                                                 const SimulatedCorrelations& correlations,
                                                 const ReachedCorrelations& reached);

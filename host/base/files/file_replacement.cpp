@@ -47,7 +47,7 @@ bool IsTemporaryNameOf(const fs::path& target, std::string_view name) {
 }
 
 // Removes the temporary files of `target` that no writer holds. A living writer holds a lock on its own,
-// whatever its process number and the machine or container it runs on; where locks are not supported, nothing is
+// whatever its process number and the machine or container it runs on; if locks are not supported, nothing is
 // removed.
 void RemoveAbandonedTemporaries(const fs::path& target) {
   std::error_code failure;

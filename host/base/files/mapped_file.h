@@ -1,4 +1,4 @@
-// The bytes of a file for reading, without copying them where the system can map the file into memory.
+// The bytes of a file for reading, without copying them if the system can map the file into memory.
 #pragma once
 
 #include <cstddef>

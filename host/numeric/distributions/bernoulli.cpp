@@ -1,4 +1,4 @@
-// The Bernoulli distribution: 1 with probability `proportion`, else 0.
+// The Bernoulli distribution: 1 with probability `proportion`, otherwise 0.
 #include "host/numeric/distributions/bernoulli.h"
 
 #include <cmath>
@@ -27,7 +27,7 @@ struct FormulasOf<Bernoulli> {
     return x < 1.0 ? p : 0.0;
   }
 
-  // The ends of the support, 0 and 1, are one point where the proportion is 0 or 1.
+  // The ends of the support, 0 and 1, are one point if the proportion is 0 or 1.
   double Lowest() const { return p == 1.0 ? 1.0 : 0.0; }
   double Highest() const { return p == 0.0 ? 0.0 : 1.0; }
 

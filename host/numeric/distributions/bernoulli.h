@@ -1,4 +1,4 @@
-// The Bernoulli distribution: 1 with probability `proportion`, else 0.
+// The Bernoulli distribution: 1 with probability `proportion`, otherwise 0.
 #pragma once
 
 #include "host/numeric/distributions/distribution.h"

@@ -1,6 +1,6 @@
 // The binomial distribution. Probabilities after Loader (2000). A tail is the probability at its edge times
 // the sum of what the others are relative to it, which has no cancellation at any size: term by term where
-// they are few, else as an integral that a Gauss rule of fixed order resolves to the last digits.
+// they are few, otherwise as an integral that a Gauss rule of fixed order resolves to the last digits.
 #include "host/numeric/distributions/binomial.h"
 
 #include <algorithm>
@@ -55,7 +55,7 @@ struct FormulasOf<Binomial> {
            DevianceFrom(n - k, ExpectedFailures());
   }
 
-  // ln P(N = k) at k = 0 and k = n, and at any k where p is 0 or 1.
+  // ln P(N = k) at k = 0 and k = n, and at any k if p is 0 or 1.
   double LogAtEnd(double k) const {
     if (IsPoint()) return k == n * p ? 0.0 : -kInfinity;
     return k == 0.0 ? n * std::log1p(-p) : n * std::log(p);

@@ -2,7 +2,7 @@
 //
 //   Density(x), LogDensity(x), Cdf(x), Complement(x) = 1 - Cdf(x) without cancellation,
 //   Quantile(p), ComplementQuantile(q): the x with Complement(x) = q,
-//   Mean(), Variance(): infinite where the integral is or a double cannot hold it, never NaN,
+//   Mean(), Variance(): infinite if the integral is or a double cannot hold it, never NaN,
 //   LogLikelihood(sorted): the sum of LogDensity.
 //
 // Discrete distributions: Density is the probability of x, Quantile the smallest value whose probability, as
@@ -45,7 +45,7 @@ constexpr bool TakesProbability(DistributionFunction function) {
   return function == DistributionFunction::kQuantile || function == DistributionFunction::kComplementQuantile;
 }
 
-// What a function returns if there is no answer.
+// What a function returns if it has no answer.
 constexpr double InvalidResult(DistributionFunction function) {
   return TakesProbability(function) ? kInvalidQuantile : kInvalidProbability;
 }
@@ -85,7 +85,7 @@ class Distribution {
   static constexpr std::size_t kValueCount = D::kFacts.ParameterCount();  // of one group
   static constexpr std::size_t kPlaceCount = kValueCount + (D::kFacts.HasOffset() ? 1 : 0);
 
-  // A threshold comes last, and is 0 where it is left out.
+  // A threshold comes last, and is 0 if it is left out.
   template <std::convertible_to<double>... P>
   requires(!kIsOfGroups && sizeof...(P) >= kValueCount &&
            sizeof...(P) <= kPlaceCount) explicit Distribution(P... parameters)
@@ -110,7 +110,7 @@ class Distribution {
   double Mean() const;
   double Variance() const;
   // Over finite values in ascending order, of which equal ones are evaluated once if there is no formula
-  // for arrays. -infinity or NaN where one lies outside the support.
+  // for arrays. -infinity or NaN if one lies outside the support.
   double LogLikelihood(In sorted) const;
 
   // The fit to a sample. What is estimated how stands with the formulas.

@@ -8,7 +8,7 @@
 //
 // - AreConsistent(): what makes parameters valid together, once each lies in its range;
 // - Cdf(x, out) and others: a form over arrays, which itself answers NaN and probabilities outside [0, 1];
-// - Prepared(count): what answers instead of the formulas where about `count` values are asked for;
+// - Prepared(count): what answers instead of the formulas if about `count` values are asked for;
 // - LogLikelihood(sorted).
 //
 // The file ends with `template class Distribution<D>;`.

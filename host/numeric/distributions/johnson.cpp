@@ -144,7 +144,7 @@ struct FormulasOf<Johnson> {
     return family == kTwoPoints ? static_cast<double>(JohnsonFamily::kBounded) : family;
   }
 
-  // SL and SN do without the scale, SN without the location, too.
+  // SL and SN do without the scale, SN also without the location.
   static int ParameterCount(double family) {
     if (family == static_cast<double>(JohnsonFamily::kNormal)) return 2;
     return family == static_cast<double>(JohnsonFamily::kLognormal) ? 3 : 4;

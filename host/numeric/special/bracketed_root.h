@@ -20,7 +20,7 @@ double SolveBracketed(const Function& f, double low, double high, double atLow, 
   return 0.5 * (bracket.first + bracket.second);
 }
 
-// The root near `guess` at which `f` falls from positive to not positive, or nothing where none is found in
+// The root near `guess` at which `f` falls from positive to not positive, or nothing if none is found in
 // [low, high].
 template <class Function>
 std::optional<double> SolveFallingNear(const Function& f, double guess, double low, double high) {

@@ -5,7 +5,7 @@
 
 namespace brenvolt {
 
-// high + low is the exact result, high the rounded one; low is 0 where high is not finite.
+// high + low is the exact result, high the rounded one; low is 0 if high is not finite.
 struct TwoPartSum {
   double high = 0.0;
   double low = 0.0;

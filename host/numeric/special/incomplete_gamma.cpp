@@ -33,7 +33,7 @@ double Horner(const double (&coefficients)[N], double x) {
   return sum;
 }
 
-// Q(a, x) when `isUpper`, else P(a, x), for large a. Temme (1979), with the coefficients of
+// Q(a, x) if `isUpper`, otherwise P(a, x), for large a. Temme (1979), with the coefficients of
 // DiDonato & Morris (1986): Q = erfc(eta sqrt(a / 2)) / 2 + R, with eta^2 / 2 = l - 1 - ln l, l = x /
 // a, and R = exp(-a eta^2 / 2) / sqrt(2 pi a) (C0(eta) + C1(eta) / a + C2(eta) / a^2 + ...).
 double LargeIncompleteGamma(double a, double x, bool isUpper) {
