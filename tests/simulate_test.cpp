@@ -109,7 +109,22 @@ TEST_F(Command, SimulationReachesTheCorrelationSavedWithTheFits) {
   EXPECT_FALSE(Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out).contains("correlations"));
 }
 
+TEST_F(Command, LatinHypercubeSaysWhichLowerBoundItLeavesOut) {
+  MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--save", "p.bvw", "--truncate",
+           "number=3:"});
+  const auto said = [this](const char* method) {
+    return Run({"simulate", "p.bvw", "--method", method, "--seed", "1"}).err;
+  };
+  EXPECT_EQ(said("latin-hypercube"),
+            "brenvolt: Latin hypercube sampling leaves out the lower bound 3 itself; a bound of 2.5 keeps it "
+            "(variable number)\n");
+  EXPECT_EQ(said("monte-carlo"), "");
+}
+
 TEST_F(Command, SimulationWithoutMuchToCorrelate) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const auto single = JsonOf({"simulate", "p.bvw", "--samples", "1"})["variables"][0];
+  EXPECT_TRUE(single["standardDeviation"].is_null()) << "one value has no deviation";
   MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
   const auto one = Json::parse(
       MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--variables", "waiting", "--format", "json"})

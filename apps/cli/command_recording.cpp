@@ -4,6 +4,7 @@
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/files/output_file.h"
+#include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
 
 namespace brenvolt::cli {
@@ -46,6 +47,9 @@ void RequireMacroEnding(const std::filesystem::path& file) {
 Recording::Recording(std::filesystem::path file) : file_(std::move(file)) {
   if (file_.empty()) return;
   RequireMacroEnding(file_);
+  JobFaults faults;
+  CheckFolder("record", file_, faults);
+  RequireNone(std::move(faults));
   job_ = JobRecorder(&recorder_);
 }
 

@@ -17,16 +17,26 @@ const std::map<std::string, std::string, std::less<>> kOtherNames{
 
 }  // namespace
 
+JobFaults& FaultyWords() {
+  static JobFaults faults;
+  return faults;
+}
+
 void AddFormatOption(CLI::App& command, ReportFormat& format) {
   command
       .add_option_function<std::string>(
           "--format",
           [&format](const std::string& name) {
+            if (name != "json" && name != "table")
+              throw WrongJob("format", "expected table or json, got " + Quoted(name));
             format = name == "json" ? ReportFormat::kJson : ReportFormat::kTable;
           },
           "table for people (default), json for programs")
-      ->check(CLI::IsMember({"table", "json"}).description(""))
       ->type_name("table|json");
+}
+
+void AddYesOption(CLI::App& command, JobData& data) {
+  command.add_flag("--yes", data.yes, "Answer questions with OK; without, a job that asks one is refused");
 }
 
 void AddDecimalCommaOption(CLI::App& command, JobData& data) {

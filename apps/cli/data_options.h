@@ -22,6 +22,29 @@ void AddFormatOption(CLI::App& command, ReportFormat& format);
 // Adds --decimal-comma.
 void AddDecimalCommaOption(CLI::App& command, JobData& data);
 
+// Adds --yes.
+void AddYesOption(CLI::App& command, JobData& data);
+
+// What the words of the call already show to be wrong, beside what the job's check tells. Throws WrongJob with all of it if
+// there is any of the former; else the job checks itself.
+JobFaults& FaultyWords();
+template <class Job>
+void RequireWords(const Job& job) {
+  if (FaultyWords().empty()) return;
+  JobFaults faults = FaultyWords();
+  Append(job.Check(), faults);
+  throw WrongJob(std::move(faults));
+}
+// Carries out what reads a word; a fault is kept.
+template <class Read>
+void KeepingFaults(const Read& read) {
+  try {
+    read();
+  } catch (const WrongJob& wrong) {
+    Append(wrong.Faults(), FaultyWords());
+  }
+}
+
 // The option that gives a field of a job: "--rank-by" for rankBy.
 std::string OptionOf(const std::string& field);
 
@@ -37,7 +60,11 @@ CLI::Option* AddNumber(CLI::App& command, const std::string& name, const std::st
                        const std::string& type, const std::string& help) {
   return command
       .add_option_function<std::string>(
-          name, [&number, field](const std::string& text) { number = NumberIn(field, text); }, help)
+          name,
+          [&number, field](const std::string& text) {
+            KeepingFaults([&] { number = NumberIn(field, text); });
+          },
+          help)
       ->type_name(type);
 }
 
@@ -63,7 +90,7 @@ CLI::Option* AddEntries(CLI::App& command, const std::string& name, std::vector<
       .add_option_function<std::vector<std::string>>(
           name,
           [&entries, parse](const std::vector<std::string>& texts) {
-            for (const std::string& text : texts) entries.push_back(parse(text));
+            for (const std::string& text : texts) KeepingFaults([&] { entries.push_back(parse(text)); });
           },
           help)
       ->allow_extra_args(false)

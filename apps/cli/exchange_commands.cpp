@@ -5,6 +5,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
+#include "host/base/quoted.h"
 #include "host/base/utf8.h"
 #include "host/jobs/exchange.h"
 
@@ -27,6 +28,8 @@ struct ExportOptions {
 
 void Import(const ImportOptions& options) {
   RequireProjectEnding(options.project, "-o");
+  if (!options.kind.empty() && options.kind != "data" && options.kind != "matrix")
+    throw WrongJob("kind", "expected data or matrix, got " + Quoted(options.kind));
   if (!IsText(options.input.sheet)) throw WrongCall("the sheet's name is not UTF-8 text");
   Recording recording(options.record);
   const Spreadsheet sheet = ImportIntoProject(
@@ -71,7 +74,6 @@ void AddImportCommand(CLI::App& program) {
   command
       ->add_option("--kind", options->kind,
                    "What the file holds; default: a matrix where the names of rows are those of a matrix")
-      ->check(CLI::IsMember({"data", "matrix"}).description(""))
       ->type_name("data|matrix");
   AddDecimalCommaOption(*command, options->input);
   AddRecordOption(*command, options->record);
@@ -86,7 +88,7 @@ void AddExportCommand(CLI::App& program) {
       ->add_option("PROJECT[:SHEET]", options->source,
                    "Project (.bvw) and sheet, data or matrix; default: its first data sheet")
       ->required();
-  command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE");
+  command->add_option("-o,--output", options->output, "CSV file")->required()->type_name("FILE.csv");
   AddDecimalCommaOption(*command, options->format);
   AddRecordOption(*command, options->record);
   command->footer("Example:\n  brenvolt export geyser.bvw:faithful -o faithful.csv");

@@ -57,6 +57,7 @@ FitJob::Order ParseOrder(const std::string& text) {
 // The fits are saved and the graphs written before anything is reported, so that a report means a
 // finished job.
 void Fit(const FitCall& call) {
+  RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
   const FitJob& job = call.job;
@@ -144,6 +145,7 @@ void AddFitCommand(CLI::App& program) {
   command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   AddDecimalCommaOption(*command, job.data);
+  AddYesOption(*command, job.data);
   AddVariableOptions(*command, job);
   AddDistributionOptions(*command, job);
   AddTestOptions(*command, job);

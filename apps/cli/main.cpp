@@ -58,6 +58,28 @@ std::vector<std::string> Arguments(int argc, char** argv) {
   return arguments;
 }
 
+// What the parser found wrong, as a sentence about the verb that was called.
+std::string Complaint(const CLI::App& program, const CLI::ParseError& error) {
+  const auto verbs = program.get_subcommands();
+  const std::string help =
+      "; brenvolt " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help shows what there is";
+  if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
+    const std::vector<std::string> left = program.remaining(true);
+    const auto option =
+        std::ranges::find_if(left, [](const std::string& word) { return word.starts_with('-'); });
+    if (option != left.end()) return "unknown option " + *option + help;
+    return "unexpected argument " + brenvolt::Quoted(left.empty() ? "" : left.front()) + help;
+  }
+  const std::string what = error.what();
+  if (const auto end = what.find(" is required"); end != std::string::npos)
+    return "missing " + what.substr(0, end) + help;
+  const std::string option = what.substr(0, what.find(':'));
+  if (what.find("At Most 1 required") != std::string::npos) return option + " is given more than once";
+  if (what.find("required") != std::string::npos && what.find("missing") != std::string::npos)
+    return option + " needs a value";
+  return what;
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Fits probability distributions to data, ranks the fits, and simulates data from them.");
   program.name(brenvolt::cli::kProgram);
@@ -80,7 +102,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& help) {
     return program.exit(help);
   } catch (const CLI::ParseError& error) {
-    Complain(error.what());
+    Complain(Complaint(program, error));
     return kWrongCall;
   }
   return 0;

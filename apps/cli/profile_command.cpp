@@ -99,6 +99,7 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
 
 // The files are written before anything is reported, so that a report means a finished job.
 void Profile(const ProfileCall& call) {
+  RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
   Report(call, call.job.Run(terminal, recording.Job()));

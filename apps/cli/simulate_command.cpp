@@ -71,6 +71,7 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
 
 // The data are written before anything is reported, so that a report stands for a finished job.
 void Simulate(const SimulateCall& call) {
+  RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
   Report(call, call.job.Run(terminal, recording.Job()));

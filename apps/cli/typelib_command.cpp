@@ -18,6 +18,7 @@ using Json = nlohmann::ordered_json;
 struct TypelibOptions {
   bool idl = false;
   std::string interface;
+  bool hasFormat = false;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -115,6 +116,7 @@ void Print(const TypelibOptions& options) {
   Application application(userInterface);
   const TypeLibrary& library = ModuleLibrary(application);
   if (options.idl) {
+    if (options.hasFormat) throw WrongCall("--idl is a format of its own: leave --format out");
     if (!options.interface.empty()) throw WrongCall("--idl prints the whole library, not one interface");
     std::fputs(InterfaceText(library).c_str(), stdout);
     return;
@@ -136,7 +138,10 @@ void AddTypelibCommand(CLI::App& program) {
   command->add_flag("--idl", options->idl, "Print the type library as interface description text (IDL)");
   AddFormatOption(*command, options->format);
   command->footer("Examples:\n  brenvolt typelib SRAFitDistribution\n  brenvolt typelib --idl > brvsra.idl");
-  command->callback([options] { Print(*options); });
+  command->callback([options, command] {
+    options->hasFormat = command->count("--format") > 0;
+    Print(*options);
+  });
 }
 
 }  // namespace brenvolt::cli

@@ -207,7 +207,8 @@ template <class Job>
 void DefineData(py::class_<Job>& job) {
   job.def_property("data", nullptr, [](Job& j, std::filesystem::path file) { j.data.file = std::move(file); })
       .def_property("sheet", nullptr, [](Job& j, std::string name) { j.data.sheet = std::move(name); })
-      .def_property("decimal_comma", nullptr, [](Job& j, bool comma) { j.data.decimalComma = comma; });
+      .def_property("decimal_comma", nullptr, [](Job& j, bool comma) { j.data.decimalComma = comma; })
+      .def_property("yes", nullptr, [](Job& j, bool yes) { j.data.yes = yes; });
 }
 
 void BindFitJob(py::module_& module) {

@@ -10,6 +10,7 @@
 #include "bindings/python/module.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
+#include "host/jobs/output_files.h"
 
 namespace py = pybind11;
 
@@ -28,8 +29,12 @@ std::unique_ptr<Recording>& Current() {
   return recording;
 }
 
-void StartRecording() {
+// The folder of the file must be there before anything is done.
+void StartRecording(const std::filesystem::path& file) {
   if (Current() != nullptr) throw Error("a macro is being recorded already");
+  JobFaults faults;
+  CheckFolder("path", file, faults);
+  RequireNone(std::move(faults));
   Current() = std::make_unique<Recording>();
 }
 
@@ -150,7 +155,7 @@ void ForgetAnalysis(AnalysisRef& analysis) {
 }
 
 void BindRecording(py::module_& module) {
-  module.def("_start_recording", &StartRecording, py::call_guard<HostCall>());
+  module.def("_start_recording", &StartRecording, py::call_guard<HostCall>(), py::arg("path"));
   module.def("_end_recording", &EndRecording, py::call_guard<HostCall>(), py::arg("path"), py::arg("origin"));
 }
 

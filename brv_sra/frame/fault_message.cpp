@@ -60,7 +60,7 @@ constexpr Row kRows[] = {
     {kDistributionMissing, kMsgInvalidOrderProperty},
     {kNotSampled, kMsgSimulationFailedDistributions},
     {kTruncationNotSampled, kMsgSimulationFailedDistributions, Form::kPlain,
-     "variable {about}, {detail} with its truncation"},
+     "variable {about}: there is nothing to draw from {detail}, within its bounds if it has any"},
     {kSampleBeyondLargestNumber, kMsgSimulationFailedDistributions, Form::kPlain,
      "variable {about}, {detail} reaches beyond the largest number"},
     {kReorderingEnded, kMsgSimulationFailedDistributions},

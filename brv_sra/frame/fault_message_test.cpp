@@ -22,7 +22,7 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
        ""},
       {{kTruncationNotSampled, "c", "Normal(1, -1)"},
        "Simulation failed.  Please review best fitting distributions for appropriate parameters.",
-       "variable c, Normal(1, -1) with its truncation"},
+       "variable c: there is nothing to draw from Normal(1, -1), within its bounds if it has any"},
       {{kCorrelationMissing, "b", "{about}"},
        "Simulation failed. Please check the correlation matrix.",
        "the correlation of b and {about} is missing"},

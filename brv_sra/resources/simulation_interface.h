@@ -40,7 +40,7 @@ inline constexpr std::array<MemberDescription, 14> kMembers{{
              "Where the random numbers start when IsSeedRandomNumber is on: 0 or more. The same number gives "
              "the same samples."),
     Property("TruncateSimulationData", 0x60030012, kInteger, kInteger,
-             "Whether samples keep to the truncation of their distributions."),
+             "Whether each variable is kept between the 0.5 % and 99.5 % quantiles of its distribution."),
     Property("IsAutoUpdateSameSheet", 0x60030014, kInteger, kInteger,
              "Whether a further simulation refills the spreadsheet of the one before."),
     Property("SimulationResults", 0x60030016, kObject, kNone,

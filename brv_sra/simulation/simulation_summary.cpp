@@ -71,7 +71,9 @@ void SampleSummary::EndPass() {
 }
 
 std::vector<double> SampleSummary::Values() const {
-  const Moments moments = moments_.Finish();
+  Moments moments = moments_.Finish();
+  // One value shows no spread and no shape.
+  if (moments.count == 1) moments.standardDeviation = moments.skewness = moments.kurtosis = kNotSet;
   std::vector<double> values{static_cast<double>(moments.count),
                              moments.mean,
                              moments.standardDeviation,

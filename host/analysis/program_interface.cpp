@@ -6,6 +6,10 @@
 namespace brenvolt {
 
 MessageAnswer ProgramInterface::ShowMessage(const Message& message) {
+  if (!Answers(message)) {
+    unanswered_ = message;
+    return MessageAnswer::kCancel;
+  }
   messages_.push_back(message);
   return MessageAnswer::kOk;
 }

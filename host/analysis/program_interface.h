@@ -1,8 +1,9 @@
-// The user interface of a program, which has stated all that it needs: every question is cancelled, and what
-// is shown is kept.
+// The user interface of a program, which has stated all that it needs: files and variables are not chosen, and what is
+// shown is kept.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "host/analysis/user_interface.h"
@@ -16,7 +17,12 @@ class ProgramInterface : public UserInterface {
   const std::vector<Message>& Messages() const { return messages_; }
   const std::vector<Variant::Object>& Documents() const { return documents_; }
 
-  // The answer is OK.
+  // Whether a question is answered with OK, as macros do; else it is cancelled and not shown.
+  void AnswerQuestions(bool answers) { answersQuestions_ = answers; }
+  // The last question that was cancelled.
+  const std::optional<Message>& Unanswered() const { return unanswered_; }
+
+  // The answer is OK, but for questions that are cancelled.
   MessageAnswer ShowMessage(const Message& message) override;
   std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& /*question*/) override { return {}; }
   bool SelectVariables(VariableQuestion& /*question*/) override { return false; }
@@ -24,7 +30,14 @@ class ProgramInterface : public UserInterface {
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
 
+ protected:
+  bool Answers(const Message& message) const {
+    return message.buttons == MessageButtons::kOk || answersQuestions_;
+  }
+
  private:
+  bool answersQuestions_ = true;
+  std::optional<Message> unanswered_;
   std::vector<Message> messages_;
   std::vector<Variant::Object> documents_;
 };

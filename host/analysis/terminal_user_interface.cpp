@@ -12,6 +12,7 @@ TerminalUserInterface::TerminalUserInterface(std::string program)
 
 MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   EndProgress();
+  if (!Answers(message)) return ProgramInterface::ShowMessage(message);
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
   return ProgramInterface::ShowMessage(message);

@@ -47,7 +47,9 @@ Spreadsheet& DataFile::Sheet(const std::string& name) {
     Spreadsheet& sheet = workbook.SheetAt(i);
     if (name.empty() ? sheet.Kind() == SheetKind::kData : sheet.Name() == name) return sheet;
   }
-  throw Error(name.empty() ? std::string("has no data sheet") : "has no sheet called " + name, path.string());
+  throw Error(
+      name.empty() ? std::string("the file has no data sheet") : "the file has no sheet called " + name,
+      path.string());
 }
 
 DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format) {

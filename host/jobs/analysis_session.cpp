@@ -23,6 +23,8 @@ void AnalysisSession::Begin(Task task) {
 void AnalysisSession::Ok() {
   const auto dialog = Dialog();
   if (dialog->Call("OK").ToInteger() == 0 || InterruptionRequested()) {
+    if (const auto& question = interface_.Unanswered())
+      throw WrongJob("yes", "confirm this to go on: " + question->text);
     throw JobFailed(std::string(dialog->InterfaceName()) + "::OK");
   }
 }

@@ -47,7 +47,7 @@ class AnalysisSession {
   std::shared_ptr<AutomationObject> Dialog();
   // From the startup dialog to the dialog of a task.
   void Begin(Task task);
-  // OK on the open dialog. Throws JobFailed.
+  // OK on the open dialog. Throws JobFailed, and WrongJob where it asks a question that nobody has answered.
   void Ok();
   // Carries an automation call out. Throws JobFailed if it fails after the dialog has said why.
   template <class Call>

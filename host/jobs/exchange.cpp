@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -18,7 +19,8 @@ Spreadsheet ReadSheet(const ImportRequest& request) {
 }  // namespace
 
 Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesystem::path& project) {
-  if (Workbook::IsWorkbookFile(request.file)) throw Error("is already a project", request.file.string());
+  if (Workbook::IsWorkbookFile(request.file))
+    throw Error("the file is already a project", request.file.string());
   Spreadsheet sheet = ReadSheet(request);
   if (!request.sheet.empty()) sheet.SetName(request.sheet);
   MergeIntoProject(project, sheet);
@@ -27,6 +29,9 @@ Spreadsheet ImportIntoProject(const ImportRequest& request, const std::filesyste
 
 void ExportFromProject(const std::string& source, const std::filesystem::path& output,
                        const CsvFormat& format) {
+  JobFaults faults;
+  CheckCsvTarget("output", output, faults);
+  RequireNone(std::move(faults));
   const auto [path, name] = SplitSheetAddress(source);
   DataFile project = OpenProject(path);
   WriteCsvFile(project.Sheet(name), output, format);

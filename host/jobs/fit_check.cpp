@@ -12,6 +12,8 @@ namespace brenvolt {
 namespace {
 
 constexpr double kMostCount = std::numeric_limits<std::int32_t>::max();
+constexpr double kFewestComponents = 2;
+constexpr double kMostComponents = 20;
 constexpr double kMostBootstrapSamples = 1'000'000;
 
 using Names = std::vector<std::string>;
@@ -47,8 +49,8 @@ class FitCheck {
     Distributions();
     Variables();
     Offsets();
-    Counts("mixtures", job_.mixtures, "gaussianmixture");
-    Counts("trials", job_.trials, "binomial");
+    Counts("mixtures", job_.mixtures, "gaussianmixture", kFewestComponents, kMostComponents);
+    Counts("trials", job_.trials, "binomial", 1, kMostCount);
     if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
     Bootstrap();
@@ -95,9 +97,13 @@ class FitCheck {
   }
 
   void Distributions() {
+    Names names;
     for (const std::string& name : job_.distributions) {
-      if (TypeNamed("distributions", name, faults_) == nullptr) return;
+      const FittedType* type = TypeNamed("distributions", name, faults_);
+      if (type == nullptr) return;
+      names.push_back(type->name);
     }
+    CheckOnce("distributions", std::move(names), faults_);
     for (const bool continuous : {true, false}) {
       const bool any = std::ranges::any_of(kFittedTypes, [&](const FittedType& type) {
         return type.continuous == continuous && job_.Tries(type);
@@ -135,10 +141,10 @@ class FitCheck {
     CheckOnce("offsets", std::move(things), faults_);
   }
 
-  void Counts(std::string_view field, const std::vector<FitJob::Count>& counts,
-              std::string_view distribution) {
+  void Counts(std::string_view field, const std::vector<FitJob::Count>& counts, std::string_view distribution,
+              double fewest, double most) {
     for (const FitJob::Count& count : counts)
-      CheckWholeNumber(field, count.value, 1, kMostCount, faults_, count.variable);
+      CheckWholeNumber(field, count.value, fewest, most, faults_, count.variable);
     CheckOnce(field, NamesOf(counts), faults_);
     if (!counts.empty()) RequireTried(field, *FindFittedType(distribution));
   }
@@ -224,6 +230,7 @@ JobFaults FitJob::CheckVariables(const Variables& fitted) const {
 
 JobFaults FitJob::Check() const {
   JobFaults faults = FitCheck(*this).Faults();
+  CheckFolder("save", save, faults);
   CheckGraphsTarget("graphs", graphs, faults);
   CheckTargetsApart({{"data", data.file}}, {{"save", save}, {"graphs", graphs}}, faults);
   if (!variables.All().empty()) {

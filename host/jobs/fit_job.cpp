@@ -1,12 +1,18 @@
 #include "host/jobs/fit_job.h"
 
 #include <algorithm>
+#include <cmath>
+#include <set>
 
 #include "host/analysis/result_table.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
+#include "host/base/quoted.h"
 #include "host/jobs/fit_graphs.h"
+#include "host/jobs/fit_results.h"
+#include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 namespace {
@@ -26,8 +32,36 @@ void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
   if (!names.empty()) interface.ShowMessage({"text variables are left out: " + names, {}, {}});
 }
 
+// Whole numbers from 0 on, of which there are few different ones, are counts or truth values as a rule.
+bool LooksDiscrete(const Variable& variable) {
+  constexpr std::size_t kMostDifferent = 20;
+  std::set<double> different;
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    const double value = variable.Values()[i];
+    if (variable.IsMissing(i)) continue;
+    if (value < 0 || value != std::floor(value)) return false;
+    different.insert(value);
+    if (different.size() > kMostDifferent) return false;
+  }
+  return different.contains(0) && variable.Size() > different.size();
+}
+
+void SayWhatLooksDiscrete(const Spreadsheet& sheet, const std::vector<std::string>& continuous,
+                          UserInterface& interface) {
+  std::string names;
+  for (const std::string& name : continuous) {
+    if (LooksDiscrete(sheet.VariableAt(*sheet.FindVariable(name))))
+      names += (names.empty() ? "" : ", ") + name;
+  }
+  if (!names.empty())
+    interface.ShowMessage(
+        {"these may be counts, but are fitted as continuous unless they are given as discrete: " + names,
+         {},
+         {}});
+}
+
 // The variables named, or every numeric variable but the weights as continuous ones.
-FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& sheet, UserInterface& interface) {
+FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& sheet) {
   if (!named.All().empty()) return named;
   FitJob::Variables chosen;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
@@ -35,8 +69,7 @@ FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& shee
     if (variable.Type() == VariableType::kNumeric && sheet.WeightVariable() != i)
       chosen.continuous.push_back(variable.Name());
   }
-  if (chosen.continuous.empty()) throw Error("has no numeric variable", "sheet " + sheet.Name());
-  SayWhatIsLeftOut(sheet, interface);
+  if (chosen.continuous.empty()) throw Error("the sheet has no numeric variable", "sheet " + sheet.Name());
   return chosen;
 }
 
@@ -75,6 +108,23 @@ Variant CodesOf(const std::vector<std::string>& names) {
   for (const std::string& name : names)
     codes.emplace_back(static_cast<std::int32_t>(FindFittedType(name) - kFittedTypes.data()));
   return codes;
+}
+
+// The place of the fit of a distribution, which is valid.
+std::optional<std::size_t> FitOf(const std::string& distribution, const FittedVariable& variable) {
+  const auto code = static_cast<int>(FindFittedType(distribution) - kFittedTypes.data());
+  const auto found = std::ranges::find(variable.fits, code, &FittedDistribution::code);
+  if (found == variable.fits.end() || found->parameters.empty()) return std::nullopt;
+  return static_cast<std::size_t>(found - variable.fits.begin());
+}
+
+bool HasValuesBetween(const FittedDistribution& fit, const std::optional<double>& low,
+                      const std::optional<double>& high) {
+  const double offset = std::isnan(fit.offset) ? 0 : fit.offset;
+  const AnyDistribution distribution(static_cast<DistributionCode>(fit.code), fit.parameters, offset);
+  const double below = low ? distribution.Cdf(*low) : 0;
+  const double above = high ? distribution.Complement(*high) : 0;
+  return below < 1 - above || (!low && above < 1) || (low && distribution.Complement(*low) > above);
 }
 
 void PutBound(AutomationObject& dialog, std::int32_t place, const std::string& end,
@@ -117,12 +167,34 @@ void FitJob::ApplyCaseOptions(Spreadsheet& sheet) const {
   }
 }
 
+// Bounds between which the distribution to simulate has no values would be found by the simulation only.
+JobFaults FitJob::CheckTruncated(AutomationObject& results) const {
+  JobFaults faults;
+  const auto fitted = ReadFitResults(results, Covariances::kLeftOut);
+  for (const Truncation& one : truncate) {
+    const auto variable = std::ranges::find(fitted, one.variable, &FittedVariable::name);
+    if (variable == fitted.end()) continue;
+    std::vector<std::string> names;
+    for (const FittedDistribution& fit : variable->fits) names.push_back(fit.name);
+    const auto chosen = std::ranges::find(order, one.variable, &Order::variable);
+    const auto first =
+        chosen != order.end()
+            ? FitOf(chosen->distributions.front(), *variable)
+            : FirstSaved(results, static_cast<std::int32_t>(variable - fitted.begin() + 1), names);
+    if (!first || HasValuesBetween(variable->fits[*first], one.low, one.high)) continue;
+    faults.push_back({"truncate", Quoted(one.variable) + ": the " + names[*first] +
+                                      " distribution fitted to it has no values within these bounds"});
+  }
+  return faults;
+}
+
 Table FitJob::Keep(AnalysisSession& session, Spreadsheet& sheet,
                    const std::vector<std::string>& fitted) const {
   RequireNone(CheckSaving(fitted));
   const FormerConditions former(sheet);
   ApplyCaseOptions(sheet);
   const auto results = session.Dialog();
+  if (!truncate.empty()) RequireNone(CheckTruncated(*results));
   for (const Truncation& one : truncate) {
     PutBound(*results, PlaceOf(one.variable, fitted), "Min", one.low);
     PutBound(*results, PlaceOf(one.variable, fitted), "Max", one.high);
@@ -152,6 +224,7 @@ void FitJob::Save(const JobInput& input, AnalysisSession& session, const std::ve
                   JobRecorder& recorder) const {
   JobFaults faults = CheckSaving(fitted);
   CheckProjectEnding("save", save, faults);
+  CheckFolder("save", save, faults);
   RequireNone(std::move(faults));
   TakeFormer(input, recorder);
   const Table matrix = Keep(session, input.sheet, fitted);
@@ -161,8 +234,12 @@ void FitJob::Save(const JobInput& input, AnalysisSession& session, const std::ve
 }
 
 std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet& sheet) const {
-  const Variables fitted = Choose(variables, sheet, session.Interface());
+  const Variables fitted = Choose(variables, sheet);
   RequireNone(CheckVariables(fitted));
+  if (variables.All().empty()) {
+    SayWhatIsLeftOut(sheet, session.Interface());
+    SayWhatLooksDiscrete(sheet, fitted.continuous, session.Interface());
+  }
   const auto continuous = NumbersOf(sheet, fitted.continuous, "continuous");
   const auto discrete = NumbersOf(sheet, fitted.discrete, "discrete");
   session.Begin(Task::kFit);
@@ -189,7 +266,7 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
   ApplyCaseOptions(input.sheet);
   if (weights) recorder.Set(input.recorded, "weight_variable", OrNone(*weights));
   if (select) recorder.Set(input.recorded, "selection", OrNone(*select));
-  AnalysisSession& session = input.start();
+  AnalysisSession& session = Start(input, data);
   std::vector<std::string> fitted = Fit(session, input.sheet);
   if (!save.empty()) SaveKept(input, Keep(session, input.sheet, fitted), recorder);
   if (!graphs.empty()) WriteFitGraphs(session.Analysis(), graphs, recorder);
@@ -199,7 +276,7 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
 FitRun FitJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   FitRun run;
-  run.data = OpenDataFile(data.file, data.Format());
+  run.data = OpenJobData(data);
   run.sheet = &run.data.Sheet(data.sheet);
   recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
   recorder.Took(&run.data.workbook, run.data.isProject ? run.sheet->Name() : "", run.sheet);

@@ -92,6 +92,7 @@ struct FitJob {
   // What those reveal who know which variables are fitted.
   JobFaults CheckVariables(const Variables& fitted) const;
   JobFaults CheckSaving(const std::vector<std::string>& fitted) const;
+  JobFaults CheckTruncated(AutomationObject& results) const;
   void ApplyCaseOptions(Spreadsheet& sheet) const;
   void SaveKept(const JobInput& input, const Table& matrix, JobRecorder& recorder) const;
   void TakeFormer(const JobInput& input, JobRecorder& recorder) const;

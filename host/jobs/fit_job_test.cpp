@@ -86,7 +86,7 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
       {[](FitJob& job) {
          job.mixtures = {{"x", 2.5}};
        },
-       "mixtures: 'x': expected a whole number from 1 to 2147483647, got 2.5"},
+       "mixtures: 'x': expected a whole number from 2 to 20, got 2.5"},
       {[](FitJob& job) {
          job.trials = {{"x", 3}};
        },

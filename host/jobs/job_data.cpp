@@ -11,6 +11,19 @@ std::int32_t DrawSeed() {
   return std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source);
 }
 
+DataFile OpenJobData(const JobData& data) {
+  DataFile file = OpenDataFile(data.file, data.Format());
+  if (file.isProject && data.decimalComma)
+    throw WrongJob("decimalComma", "a project has no decimal separators, only CSV files do");
+  return file;
+}
+
+AnalysisSession& Start(const JobInput& input, const JobData& data) {
+  AnalysisSession& session = input.start();
+  session.Interface().AnswerQuestions(data.yes);
+  return session;
+}
+
 FormerConditions::~FormerConditions() {
   sheet_.SetWeightVariable(weight_);
   sheet_.SetSelection(std::move(selection_));

@@ -17,6 +17,7 @@ struct JobData {
   std::filesystem::path file;
   std::string sheet;  // empty: the first data sheet
   bool decimalComma = false;
+  bool yes = false;  // questions are answered with OK; without, a job that asks one is refused
 
   CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
 };
@@ -37,6 +38,11 @@ struct JobInput {
   std::function<AnalysisSession&()> start;  // an analysis over the sheet, whose startup dialog is open
   bool isLent = false;  // the sheet keeps its own case weights and selection when the job has ended
 };
+
+// Opens the file of the data. Throws WrongJob for a decimal comma of a project, which has no texts of numbers, and Error.
+DataFile OpenJobData(const JobData& data);
+// Starts the analysis of a job.
+AnalysisSession& Start(const JobInput& input, const JobData& data);
 
 // What limits and weighs the cases of a sheet, put back as it was at the end of the scope.
 class FormerConditions {

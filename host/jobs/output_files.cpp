@@ -26,7 +26,21 @@ bool IsRegularTarget(const std::filesystem::path& path) {
   return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
 }
 
+void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  const std::filesystem::path folder = path.parent_path();
+  std::error_code ignored;
+  if (folder.empty() || std::filesystem::is_directory(folder, ignored)) return;
+  faults.push_back({std::string(field), "the folder of " + path.string() + " does not exist"});
+}
+
+void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
+  if (path.empty() || HasEnding(path, ".csv") || !IsRegularTarget(path)) return;
+  faults.push_back({std::string(field), "expected a file ending in .csv, got " + path.string()});
+}
+
 void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
   if (path.empty() || HasProjectEnding(path) || HasEnding(path, ".csv") || IsNumpyArchiveName(path) ||
       !IsRegularTarget(path)) {
     return;
@@ -36,6 +50,7 @@ void CheckDataTarget(std::string_view field, const std::filesystem::path& path, 
 }
 
 void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
   if (path.empty() || HasEnding(path, ".json") || !IsRegularTarget(path)) return;
   faults.push_back({std::string(field), "expected a file ending in .json, got " + path.string()});
 }

@@ -20,6 +20,11 @@ void CheckDataTarget(std::string_view field, const std::filesystem::path& path, 
 // The same for the data of graphs: JSON, by the ending, or a device or pipe.
 void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
+// The same for separated values: CSV, by the ending, or a device or pipe.
+void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// Adds a fault where the folder of an output does not exist, which would be found only when the work is done.
+void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+
 // A file that a job reads or writes, and the field that names it. An empty path is no file.
 struct JobFile {
   std::string_view field;

@@ -69,6 +69,8 @@ class Profiler {
     Put("NumberOfSamples", AsInteger(job_.samples));
     Put("IsSeedRandomNumber", 1);
     Put("RandomSeedNumber", seed_);
+    if (job_.correlated && predictors_.size() < 2)
+      throw WrongJob("correlated", "a single predictor has nothing to be correlated with");
     if (job_.correlated) Put("IsEditCorrelation", 1);
     if (job_.fitBest) FitBest();
     SpecifyPredictors();
@@ -265,7 +267,7 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   if (!graphs.empty() && recorder.IsRecording()) throw WrongJob("graphs", "graphs cannot be recorded");
   ProfileFindings found;
   found.seed = ChosenSeed(seed);
-  Profiler profiler(*this, found.seed, input.start());
+  Profiler profiler(*this, found.seed, Start(input, data));
   profiler.Prepare();
   found.simulated = profiler.Simulate();
   found.results.runs = static_cast<std::int64_t>(samples);
@@ -285,7 +287,7 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
 ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   ProfileRun run;
-  run.data = OpenDataFile(data.file, data.Format());
+  run.data = OpenJobData(data);
   run.sheet = &run.data.Sheet(data.sheet);
   recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
   recorder.Took(&run.data.workbook, data.sheet, run.sheet);

@@ -167,7 +167,7 @@ std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook
   if (own != nullptr && (own->Kind() == SheetKind::kMatrix || !std::filesystem::exists(path, ignored)))
     return std::make_unique<Spreadsheet>(*own);
   if (!std::filesystem::exists(path, ignored)) {
-    throw Error("is neither a sheet of the project nor a file", where);
+    throw Error("this is neither a sheet of the project nor a file", where);
   }
   if (!Workbook::IsWorkbookFile(path)) return MatrixFromTable(ReadCsv(path, {}), path.string());
   DataFile other = OpenProject(path);
@@ -202,7 +202,7 @@ void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
-    throw Error("is a project, which CSV would replace", path.string());
+    throw Error("the file is a project, which CSV would replace", path.string());
   }
 }
 

@@ -1,5 +1,7 @@
 #include "host/jobs/score_job.h"
 
+#include <algorithm>
+
 #include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
 
@@ -8,12 +10,18 @@ namespace brenvolt {
 JobFaults ScoreJob::Check() const {
   JobFaults faults;
   if (model.empty()) faults.push_back({"model", "missing model file"});
+  CheckCsvTarget("output", output, faults);
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
 
 ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet& cases) const {
-  if (cases.Kind() != SheetKind::kData) throw Error("holds a matrix, not cases", cases.Name());
+  if (cases.Kind() != SheetKind::kData) throw Error("the sheet holds a matrix, not cases", cases.Name());
+  const auto isCategorical = [](const ModelField& field) {
+    return field.kind == ModelFieldKind::kCategorical;
+  };
+  if (probabilities && std::ranges::none_of(prediction.Dependents(), isCategorical))
+    throw WrongJob("probabilities", "the model predicts no classes");
   ScoreOptions options;
   options.classProbabilities = probabilities;
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
@@ -25,7 +33,7 @@ ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet&
 ScoreRun ScoreJob::Score() const {
   RequireNone(Check());
   const PredictionModel prediction = PredictionModel::Load(model);
-  DataFile file = OpenDataFile(data.file, data.Format());
+  DataFile file = OpenJobData(data);
   return Predict(prediction, file.Sheet(data.sheet));
 }
 
@@ -47,9 +55,9 @@ void ScoreJob::Record(JobRecorder& recorder, const void* predictions, const void
 ScoreRun ScoreJob::Run(JobRecorder& recorder) const {
   ScoreRun run = Score();
   Record(recorder, &run.predictions);
-  if (output.empty()) return run;
-  WriteCsvFile(run.predictions, output, data.Format());
-  recorder.Called(&run.predictions, "to_csv", {PythonPath(output), DecimalCommaArgument(data.decimalComma)});
+  const std::filesystem::path file = output.empty() ? "/dev/stdout" : output;
+  recorder.Called(&run.predictions, "to_csv", {PythonPath(file), DecimalCommaArgument(data.decimalComma)});
+  if (!output.empty()) WriteCsvFile(run.predictions, output, data.Format());
   return run;
 }
 

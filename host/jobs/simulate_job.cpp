@@ -1,7 +1,11 @@
 #include "host/jobs/simulate_job.h"
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
+#include <string_view>
 
+#include "host/base/number_text.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/output_files.h"
 #include "host/jobs/project_files.h"
@@ -10,6 +14,39 @@ namespace brenvolt {
 namespace {
 
 constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
+
+// The lower bound of a variable that is drawn from a discrete distribution, if it has one.
+std::optional<double> DiscreteLowerBound(const Variable& variable) {
+  const auto order = variable.Property(kOrderProperty);
+  const auto truncation = variable.Property(kTruncationProperty);
+  if (!order || !truncation) return std::nullopt;
+  const FittedType* type = FindFittedType(order->substr(0, order->find(';')));
+  if (type == nullptr || type->continuous) return std::nullopt;
+  // "(below; above; minimum; maximum)"
+  std::vector<std::string_view> items;
+  std::string_view rest = std::string_view(*truncation).substr(1);
+  for (std::size_t end = rest.find(';'); end != std::string_view::npos; end = rest.find(';')) {
+    items.push_back(Trim(rest.substr(0, end)));
+    rest.remove_prefix(end + 1);
+  }
+  if (items.size() < 3 || items.front() != "1") return std::nullopt;
+  return ParseNumber(items[2]);
+}
+
+// Inversion draws the values above a lower bound, so that of counts the bound itself is left out.
+void SayWhatLimitsLeaveOut(const SimulateJob& job, const Spreadsheet& sheet, UserInterface& interface) {
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    const bool isSimulated =
+        job.variables.empty() || std::ranges::find(job.variables, variable.Name()) != job.variables.end();
+    const auto bound = isSimulated ? DiscreteLowerBound(variable) : std::nullopt;
+    if (!bound || *bound != std::floor(*bound)) continue;
+    interface.ShowMessage({"Latin hypercube sampling leaves out the lower bound " + ShortestNumber(*bound) +
+                               " itself; a bound of " + ShortestNumber(*bound - 0.5) + " keeps it",
+                           "variable " + variable.Name(),
+                           {}});
+  }
+}
 
 // The document of a matrix that the job found, which a macro finds in the same way.
 Table FoundMatrix(const SimulateJob& job, std::unique_ptr<Spreadsheet> matrix, const JobInput& input,
@@ -122,7 +159,8 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   SimulationFindings found;
   found.seed = ChosenSeed(seed);
   std::unique_ptr<Spreadsheet> chosen = FindMatrix(input);
-  AnalysisSession& session = input.start();
+  AnalysisSession& session = Start(input, data);
+  if (method.starts_with("latin-hypercube")) SayWhatLimitsLeaveOut(*this, input.sheet, session.Interface());
   Specify(session, input.sheet, found.seed);
   const Table follows =
       givenMatrix != nullptr ? givenMatrix : FoundMatrix(*this, std::move(chosen), input, recorder);

@@ -161,7 +161,7 @@ std::size_t Reader::ReadHeader() {
   CsvScanner scanner(text_, begin, text_.size(), format_.separator);
   while (!scanner.AtEnd() && scanner.SkipBlankLine()) {
   }
-  if (scanner.AtEnd()) Fail("is empty");
+  if (scanner.AtEnd()) Fail("the file is empty");
   std::vector<std::string> cells;
   CsvField field;
   std::string buffer;
@@ -251,7 +251,7 @@ void Reader::NumberRows() {
     block.firstRow = rows_;
     rows_ += block.rows;
   }
-  if (rows_ == 0) Fail("has no data lines");
+  if (rows_ == 0) Fail("the file has no data lines");
 }
 
 void Reader::FindTextColumns() {

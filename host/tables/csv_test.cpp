@@ -193,10 +193,10 @@ TEST(ReadCsv, ErrorsNameTheFirstFaultWithItsPlace) {
     const char* where;
     CsvFormat format = {};
   } rows[] = {
-      {"", "is empty", "f.csv"},
-      {"\xEF\xBB\xBF \r\n\n", "is empty", "f.csv"},
-      {"a,b\n", "has no data lines", "f.csv"},
-      {"a,b\n\n \n", "has no data lines", "f.csv"},
+      {"", "the file is empty", "f.csv"},
+      {"\xEF\xBB\xBF \r\n\n", "the file is empty", "f.csv"},
+      {"a,b\n", "the file has no data lines", "f.csv"},
+      {"a,b\n\n \n", "the file has no data lines", "f.csv"},
       {"a,b,c\n1,2,3\n1,2\n", "has 2 fields, the header has 3", "f.csv, line 3, column 3"},
       {"a,b\n\"x\ny\n\",2\n1\n", "has 1 field, the header has 2", "f.csv, line 5, column 2"},
       {"a;b\n1,5;2\n",
@@ -297,7 +297,7 @@ TEST_F(CsvFiles, SheetIsNamedAfterTheFileAndErrorsNameIt) {
   } rows[] = {
       {missing, "cannot be read: No such file or directory", ""},
       {folder_.Path(), "is a folder, not a file", ""},
-      {Put("empty.csv", ""), "is empty", ""},
+      {Put("empty.csv", ""), "the file is empty", ""},
       {Put("ragged.csv", "a,b\n1\n"), "has 1 field, the header has 2", ", line 2, column 2"},
   };
   for (const auto& row : rows) {

@@ -24,8 +24,8 @@ def _refuse(what, wanted, value):
     raise TypeError(f"{what} must be {wanted}, not {type(value).__name__}")
 
 
-def _sheet_of(data, name):
-    """The spreadsheet in whatever people have their data in."""
+def _sheet_of(data, name, required=()):
+    """The spreadsheet in whatever people have their data in; the columns required of a frame cannot be left out of it."""
     if name is not None and not isinstance(name, str):
         _refuse("sheet", "a name", name)
     if isinstance(data, Spreadsheet):
@@ -37,7 +37,7 @@ def _sheet_of(data, name):
     if isinstance(data, (str, os.PathLike)):
         return _brenvolt.open_workbook(data).sheet(name or "")
     if hasattr(data, "iloc"):
-        return Spreadsheet.from_pandas(data, name or "Sheet")
+        return Spreadsheet.from_pandas(data, name or "Sheet", required)
     if not hasattr(data, "items"):
         values = hasattr(data, "__len__") and not isinstance(data, (bytes, bytearray))
         if not values or getattr(data, "ndim", 1) not in (1, 2):
@@ -86,6 +86,12 @@ def _names(names, what):
     if not isinstance(names, Iterable) or isinstance(names, (bytes, bytearray)):
         _refuse(what, "a name or names", names)
     return [str(name) for name in names]
+
+
+def _paths(paths, what):
+    if isinstance(paths, os.PathLike):
+        return [os.fspath(paths)]
+    return _names(paths, what)
 
 
 def _require_number(value, what):
@@ -162,7 +168,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
         bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None,
-        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None) -> FitResult:
+        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None, yes: bool = False) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -184,6 +190,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
     graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
+    yes: answers questions with OK, such as whether the rows of a matrix are meant as data; without, a fit that asks one is
+    refused.
 
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
@@ -194,9 +202,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                offsets=_offsets(offsets), mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
-               graphs=graphs)
+               graphs=graphs, yes=yes)
     job.check()
-    return FitResult(job, _sheet_of(data, sheet), _is_lent(data))
+    required = [*_names(continuous, "continuous"), *_names(discrete, "discrete"), *_names(weights, "weights")]
+    return FitResult(job, _sheet_of(data, sheet, required), _is_lent(data))
 
 
 class FitResult:
@@ -455,7 +464,7 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
 
     Returns a ProfileResult.
     """
-    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_names(models, "models"),
+    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_paths(models, "models"),
                formulas=_names(formulas, "formulas"), samples=samples, seed=seed, correlated=correlated,
                fit_best=fit_best, noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
                specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",

@@ -17,7 +17,7 @@ def record(path: str | os.PathLike, origin: str | None = None) -> Iterator[None]
     the comment at the top. Data that come from Python's own values cannot be recorded: Error is raised where an
     analysis starts from them.
     """
-    _brenvolt._start_recording()
+    _brenvolt._start_recording(path)
     try:
         yield
     except BaseException:

@@ -101,6 +101,21 @@ class Fits(Folder):
         self.assertEqual(list(weighted.variables), ["x"])
         self.assertAlmostEqual(weighted.best["x"].scale, plain.scale, places=12)
 
+    def test_a_column_asked_for_is_refused_by_its_kind(self):
+        frame = pandas.DataFrame({"x": [1.0, 2, 4], "when": pandas.to_datetime(["2020-01-01"] * 3)})
+        with self.assertRaisesRegex(TypeError, "column 'when' holds datetime64 values"):
+            brenvolt.fit(frame, ["x", "when"])
+        with self.assertWarnsRegex(MessageWarning, "left out: when"):
+            self.assertEqual(list(brenvolt.fit(frame, distributions="normal").variables), ["x"])
+
+    def test_counts_and_truth_values_are_offered_as_discrete(self):
+        frame = pandas.DataFrame({"x": [1.5, 2, 4, 3], "n": [0, 2, 0, 5], "b": [True, False, True, True]})
+        with self.assertWarnsRegex(MessageWarning, "may be counts.*given as discrete: n, b$"):
+            brenvolt.fit(frame, distributions="normal")
+        with warnings.catch_warnings():
+            warnings.simplefilter("error")
+            brenvolt.fit(frame, "x", discrete=["n", "b"], distributions=["normal", "poisson"])
+
     def test_a_summary_has_identifiers_for_keys(self):
         result = brenvolt.fit({"x": [1.0, 2, 4], "n": [0.0, 2, 2]}, continuous="x", discrete="n")
         self.assertEqual(result.summary.columns[:5].tolist(), ["kind", "n", "missing", "mean", "standard_deviation"])

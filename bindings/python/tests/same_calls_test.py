@@ -46,11 +46,15 @@ REFUSED_FITS = (
     ({"offsets": {"x": {"weibull": 1, "Weibull": 2}}}, "'x:weibull' is given twice (offsets)"),
     ({"offsets": {"z": {"weibull": 1}}}, "'z' is not fitted as a continuous variable (offsets)"),
     ({"continuous": ["n"], "offsets": {"x": {"weibull": 1}}}, "'x' is not fitted as a continuous variable (offsets)"),
-    ({"mixtures": {"x": 2.5}}, "'x': expected a whole number from 1 to 2147483647, got 2.5 (mixtures)"),
+    ({"mixtures": {"x": 2.5}}, "'x': expected a whole number from 2 to 20, got 2.5 (mixtures)"),
     ({"mixtures": {"x": 3}, "distributions": ["gev"]}, "the gaussianmixture distribution is not tried (mixtures)"),
     ({"discrete": ["n"], "trials": {"n": 0}}, "from 1 to 2147483647, got 0 (trials)"),
     ({"trials": {"n": 3}}, "no discrete variable is fitted (trials)"),
     ({"discrete": ["n"], "trials": {"x": 3}}, "'x' is not fitted as a discrete variable (trials)"),
+    ({"mixtures": {"x": 21}}, "'x': expected a whole number from 2 to 20, got 21 (mixtures)"),
+    ({"distributions": ["gev", "GEV"]}, "'generalextremevalue' is given twice (distributions)"),
+    ({"save": "none/p.bvw"}, "the folder of none/p.bvw does not exist (save)"),
+    ({"graphs": "none/g.json"}, "the folder of none/g.json does not exist (graphs)"),
     ({"bootstrap": 0}, "expected a whole number from 1 to 1000000, got 0 (bootstrap)"),
     ({"bootstrap": 1e7}, "got 10000000 (bootstrap)"),
     ({"bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
@@ -73,7 +77,7 @@ REFUSED_SIMULATIONS = (
     ({"samples": 2.5}, "expected a whole number from 1 to 2147483647, got 2.5 (samples)"),
     ({"seed": -1}, "expected a whole number from 0 to 2147483647, got -1 (seed)"),
     ({"matrix": "m"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
-    ({"matrix": "m", "method": "iman-conover"}, "is neither a sheet of the project nor a file (matrix m)"),
+    ({"matrix": "m", "method": "iman-conover"}, "this is neither a sheet of the project nor a file (matrix m)"),
     ({"variables": ["x", "x"]}, "'x' is given twice (variables)"),
     ({"variables": ["z"]}, "sheet d has no variable called 'z' (variables)"),
     ({"method": "norta"}, "nothing was produced: this method has no generator (norta)"),
@@ -91,6 +95,8 @@ REFUSED_PROFILES = (
     ({"formulas": [FORMULA], "fixed": {"z": 1}}, "no predictor called 'z'; there are x, n (fixed)"),
     ({"formulas": [FORMULA], "truncate": {"x": (3, 3)}}, "the minimum must be less than the maximum (truncate)"),
     ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz or .bvw, got r.txt (output)"),
+    ({"formulas": [FORMULA], "output": "none/r.csv"}, "the folder of none/r.csv does not exist (output)"),
+    ({"formulas": ["y = x"], "correlated": True}, "a single predictor has nothing to be correlated with (correlated)"),
     ({"formulas": [FORMULA], "output": "d.csv"}, "would replace d.csv, which is read (output)"),
     ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; fix it at a value (d.csv)"),
     ({"models": ["none.pmml"]}, "(none.pmml)"),
@@ -300,9 +306,30 @@ class SameCalls(unittest.TestCase):
                 for source in (file, pandas.read_csv(file), brenvolt.open_workbook(file)):
                     scores = brenvolt.score(OZONE, source, **arguments)
                     pandas.testing.assert_frame_equal(scores, expected, check_exact=True)
-        refused = self.refused_by_command("score", OZONE, "d.csv")
-        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.score(OZONE, "d.csv")))
-        self.assertEqual(refused[0], 1)
+        for data, options, status in (("d.csv", {}, 1), (file, {"probabilities": True}, 2)):
+            refused = self.refused_by_command("score", OZONE, data, *words(options))
+            self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.score(OZONE, data, **options)))
+            self.assertEqual(refused[0], status)
+
+    def test_questions_are_answered_by_people_alone(self):
+        brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions="normal", save="p.bvw")
+        matrix = {"sheet": "Correlation matrix", "distributions": ["normal"]}
+        refused = self.refused_by_command("fit", "p.bvw", *words(matrix))
+        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.fit("p.bvw", **matrix)))
+        self.assertEqual((refused[0], len(refused[1])), (2, 1))
+        self.assertRegex(refused[1][0], r"Do you want to run fit distribution on this\? \(yes\)$")
+        self.assertEqual(self.command("fit", "p.bvw", *words(matrix), "--yes").returncode, 0)
+        with self.assertWarnsRegex(brenvolt.MessageWarning, "valid Brenvolt matrix file"):
+            self.assertEqual(list(brenvolt.fit("p.bvw", **matrix, yes=True).variables), ["eruptions", "waiting"])
+
+    def test_bounds_without_values_are_refused_when_they_are_given(self):
+        arguments = {"save": "p.bvw", "truncate": {"eruptions": (100, 200)}, "continuous": ["eruptions"],
+                     "distributions": ["gaussianmixture", "triangular"]}
+        file = os.path.join(EXAMPLES, "faithful.csv")
+        refused = self.refused_by_command("fit", file, *words(arguments))
+        self.assertEqual(refused, self.refused_by_python(lambda: fit(file, arguments)))
+        self.assertRegex(refused[1][0], "'eruptions': the .* has no values within these bounds .truncate.$")
+        self.assertFalse(os.path.exists("p.bvw"))
 
 
 if __name__ == "__main__":
