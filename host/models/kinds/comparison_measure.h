@@ -6,7 +6,7 @@
 #include <span>
 #include <vector>
 
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 
 namespace brenvolt::pmml {
 

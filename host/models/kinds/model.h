@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 #include "host/models/transformations/predicate.h"
 
 namespace brenvolt::pmml {

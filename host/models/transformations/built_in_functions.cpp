@@ -9,7 +9,7 @@
 #include <numeric>
 
 #include "host/formula/kernels.h"
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 #include "host/numeric/vector/standard_normal.h"
 
 namespace brenvolt::pmml {

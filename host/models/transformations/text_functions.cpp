@@ -10,7 +10,7 @@
 #include <memory>
 
 #include "host/base/number_text.h"
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 
 namespace brenvolt::pmml {
 namespace {

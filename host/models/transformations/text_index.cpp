@@ -8,7 +8,7 @@
 #include <map>
 #include <memory>
 
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 
 namespace brenvolt::pmml {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/models/transformations/expression.h"
+#include "host/models/transformations/expression_element.h"
 
 #include <algorithm>
 #include <array>
