@@ -3,7 +3,10 @@
 #include <cmath>
 #include <cstdint>
 #include <fstream>
+#include <map>
 #include <numeric>
+#include <set>
+#include <string>
 
 #include "host/tables/csv.h"
 #include "tests/command_fixture.h"
@@ -21,6 +24,8 @@ const std::string kFormula =
 using Arguments = std::vector<std::string>;
 
 struct ProfileCommand : Command {
+  void Write(const std::string& name, const std::string& text) const { std::ofstream(File(name)) << text; }
+
   // A and B: means 10 and 4; standard deviations (divisor n - 1) 2 and 1; correlation 0.8 as near as 200
   // values come.
   void WriteData() const {
@@ -321,6 +326,77 @@ TEST_F(Command, DefectRatesStandWhereTheirGraphHasTooManyCells) {
   EXPECT_NE(outcome.err.find("Defect profile creation failed."), std::string::npos) << outcome.err;
   EXPECT_TRUE(Json::parse(outcome.out).contains("defects")) << outcome.out.substr(0, 200);
   EXPECT_TRUE(std::filesystem::exists(File("s.csv")));
+}
+
+// A tree whose file lists neither the texts of `grade` nor those of a truth value, as R writes forests: y is 1
+// for high and hot, 2 for high and not hot, 3 for any other grade.
+constexpr const char* kGrades = R"(<PMML version="4.4"><DataDictionary>
+<DataField name="grade" optype="categorical" dataType="string"/><DataField name="hot" optype="categorical" dataType="boolean"/>
+<DataField name="idle" optype="continuous" dataType="double"/><DataField name="y" optype="continuous" dataType="double"/>
+</DataDictionary><TreeModel functionName="regression"><MiningSchema><MiningField name="grade"/><MiningField name="hot"/>
+<MiningField name="idle"/><MiningField name="y" usageType="target"/></MiningSchema><Node id="0"><True/>
+<Node id="1" score="1"><CompoundPredicate booleanOperator="and"><SimplePredicate field="grade" operator="equal" value="high"/>
+<SimplePredicate field="hot" operator="equal" value="true"/></CompoundPredicate></Node>
+<Node id="2" score="2"><SimplePredicate field="grade" operator="equal" value="high"/></Node>
+<Node id="3" score="3"><True/></Node></Node></TreeModel></PMML>)";
+
+TEST_F(ProfileCommand, CategoriesThatTheModelDoesNotListAreThoseOfTheData) {
+  Write("grades.pmml", kGrades);
+  Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nhigh,FALSE\nmid,TRUE\n");
+  MustRun({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3", "-o", "runs.csv"});
+  const Spreadsheet runs = ReadCsv(File("runs.csv"));
+  EXPECT_FALSE(runs.FindVariable("idle"));
+  std::map<std::string, std::size_t> counts;
+  for (std::size_t i = 0; i < runs.CaseCount(); ++i) {
+    const auto text = [&](const std::string& name) {
+      const Variable& column = runs.VariableAt(*runs.FindVariable(name));
+      return std::string(*column.Label(column.Values()[i]));
+    };
+    const double y = text("grade") != "high" ? 3 : text("hot") == "TRUE" ? 1 : 2;
+    ASSERT_EQ(runs.VariableAt(*runs.FindVariable("y")).Values()[i], y) << i;
+    ++counts[text("grade") + text("hot")];
+  }
+  ASSERT_EQ(counts.size(), 6U);
+  for (const auto& [both, count] : counts)
+    EXPECT_NEAR(static_cast<double>(count), both.starts_with("high") ? 1250 : 625, 150) << both;
+}
+
+TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
+  Write("grades.pmml", kGrades);
+  Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\n");
+  struct Case {
+    const char* fixed;
+    std::string only;
+  };
+  for (const Case& one : {Case{"grade=high", "1 2"}, Case{"grade=unseen", "3"}, Case{"hot=TRUE", "1 3"}}) {
+    MustRun({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3", "--fix", one.fixed, "-o",
+             "runs.csv"});
+    const Spreadsheet runs = ReadCsv(File("runs.csv"));
+    const auto values = runs.VariableAt(*runs.FindVariable("y")).Values();
+    const std::set<double> distinct(values.begin(), values.end());
+    std::string found;
+    for (const double value : distinct)
+      found += (found.empty() ? "" : " ") + std::to_string(static_cast<int>(value));
+    EXPECT_EQ(found, one.only) << one.fixed;
+  }
+  const Outcome wrong = Run({"profile", "grades.csv", "--model", "grades.pmml", "--fix", "hot=warm"});
+  EXPECT_EQ(wrong.status, 1);
+  EXPECT_NE(wrong.err.find("unknown class: warm; there are FALSE, TRUE"), std::string::npos) << wrong.err;
+}
+
+TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
+  std::string listing = kGrades;
+  const std::string open = R"(name="grade" optype="categorical" dataType="string"/>)";
+  listing.replace(
+      listing.find(open), open.size(),
+      R"(name="grade" optype="categorical" dataType="string"><Value value="high"/><Value value="low"/></DataField>)");
+  Write("grades.pmml", listing);
+  Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nmid,FALSE\nodd,TRUE\nmid,TRUE\n");
+  const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3"});
+  EXPECT_EQ(outcome.status, 0) << outcome.err;
+  EXPECT_NE(outcome.err.find("Cases of grade whose class no model knows are left out: mid (2), odd (1)"),
+            std::string::npos)
+      << outcome.err;
 }
 
 }  // namespace

@@ -54,7 +54,9 @@ ProfileJob::Noise ParseNoise(const std::string& text) {
 }
 
 ProfileJob::Fixed ParseFixed(const std::string& text) {
-  const auto [predictor, value] = ParseOne("fixed", "PREDICTOR=VALUE", text);
+  const auto [predictor, words] = SplitEntry("fixed", "PREDICTOR=VALUE", text);
+  const std::string value(Trim(words));
+  if (const auto number = ParseNumber(value)) return {predictor, *number};
   return {predictor, value};
 }
 
@@ -136,7 +138,7 @@ void AddProfileCommand(CLI::App& program) {
   AddEntries(*command, "--spec", job.specifications, ParseSpecification, "Y=LSL,TARGET,USL",
              "Specification of a response; each part may be empty, as in 'Y=,,25'; may be repeated");
   AddEntries(*command, "--fix", job.fixed, ParseFixed, "X=VALUE",
-             "Keep a predictor at a value; may be repeated");
+             "Keep a predictor at a number, or at a class by its name; may be repeated");
   AddEntries(*command, "--truncate", job.truncate, ParseTruncation, "X=LOW:HIGH",
              "Keep the draws of a predictor within bounds; may be repeated");
   command

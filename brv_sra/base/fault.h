@@ -58,10 +58,11 @@ enum class FaultIdentifier : std::uint8_t {
   kFieldTypesDiffer,   // between two models, of a predictor
   kResponseInFormula,  // about the response, the detail is the dependent that has the formula
   kNoPredictorFitted,
-  // What stops nothing: a predictor whose data are not used, a correlation that is taken as 0.
+  // What stops nothing: data that are not used, a correlation that is taken as 0.
   kInfiniteData,
   kNoValidData,
   kCorrelationUndefined,  // about one predictor, the detail is the other
+  kUnknownClasses,        // about the predictor, the detail is their list
 };
 
 using Fault = brenvolt::Fault<FaultIdentifier>;

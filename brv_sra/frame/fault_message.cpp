@@ -85,6 +85,7 @@ constexpr Row kRows[] = {
     {kNoValidData, kMsgProfilerNoValues, Form::kPlain, "variable {about}", kCaptionRangeError},
     {kCorrelationUndefined, kMsgProfilerCorrelationFailed, Form::kPlain, "{about}, {detail}",
      kCaptionCorrelationsError},
+    {kUnknownClasses, kMsgProfilerUnknownClasses, Form::kInserted},
 };
 static_assert([] {
   for (std::size_t i = 0; i < std::size(kRows); ++i) {

@@ -36,9 +36,12 @@ struct ProfilerPredictor {
   // The range of the data, as guidance for people; NaN if it is not known.
   double lowest = std::numeric_limits<double>::quiet_NaN();
   double highest = std::numeric_limits<double>::quiet_NaN();
-  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them. Specified,
-  // fixed and simulated values represent these texts.
+  // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them, or in the
+  // data where no model lists any. Specified, fixed and simulated values represent these texts. Of truth
+  // values that the data hold as texts, the texts of 0 and 1.
   std::map<double, std::string> labels;
+  bool holdsTexts = false;
+  bool takesAnyText = false;  // no model lists its texts
   bool categorical = false;
 
   bool IsRandom() const { return setting == PredictorSetting::kRandom; }

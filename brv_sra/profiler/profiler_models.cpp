@@ -5,6 +5,7 @@
 #include <limits>
 #include <map>
 #include <optional>
+#include <set>
 #include <utility>
 
 #include "brv_sra/fitting/fit_run.h"
@@ -115,6 +116,33 @@ void StartContinuous(ProfilerPredictor& predictor, std::span<const double> colum
   MakeRandom(predictor, std::move(normal));
 }
 
+// The texts of the data that no model knows, with how many cases have them: "x (12), y (3)".
+std::string UnknownTexts(const ProfilerPredictor& predictor, const Variable& variable) {
+  constexpr std::size_t kMostShown = 10;
+  std::set<std::string> known;
+  for (const auto& [code, text] : predictor.labels) known.insert(text);
+  std::map<std::string, std::size_t> counts;
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    if (variable.IsMissing(i)) continue;
+    const std::string text = TextOf(variable, variable.Values()[i]);
+    if (!known.contains(text)) ++counts[text];
+  }
+  std::string list;
+  std::size_t shown = 0;
+  for (const auto& [text, count] : counts) {
+    if (++shown > kMostShown) return list + ", …";
+    list += (list.empty() ? "" : ", ") + text + " (" + std::to_string(count) + ")";
+  }
+  return list;
+}
+
+void NoteUnknownTexts(const ProfilerPredictor& predictor, const Spreadsheet* data, Notes& notes) {
+  const Variable* variable = DataOf(predictor, data);
+  if (variable == nullptr || predictor.labels.empty()) return;
+  if (const std::string texts = UnknownTexts(predictor, *variable); !texts.empty())
+    notes.push_back({kUnknownClasses, predictor.name, texts});
+}
+
 void Start(ProfilerPredictor& predictor, std::span<const double> column, Notes& notes) {
   if (column.empty()) return;
   predictor.setting = PredictorSetting::kNone;
@@ -125,16 +153,50 @@ void Start(ProfilerPredictor& predictor, std::span<const double> column, Notes& 
   }
 }
 
-ProfilerPredictor PredictorOf(const ModelField& field) {
+// The texts of the data of a field that lists none: those that scoring the data would give to the model.
+std::map<double, std::string> TextsIn(const Variable& variable) {
+  std::set<double> values;
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    if (!variable.IsMissing(i)) values.insert(variable.Values()[i]);
+  }
+  std::map<double, std::string> texts;
+  for (const double value : values)
+    texts.emplace(static_cast<double>(texts.size() + 1), TextOf(variable, value));
+  return texts;
+}
+
+// The texts in which the data of a categorical field that is not of texts spell its values: TRUE, FALSE.
+std::map<double, std::string> SpellingsIn(const Variable& variable, const PredictionModel& model,
+                                          std::size_t field) {
+  std::map<double, std::string> spellings;
+  for (const auto& [code, text] : variable.Labels()) {
+    if (const auto value = model.ValueOf(field, text)) spellings.emplace(*value, text);
+  }
+  return spellings;
+}
+
+ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, const Spreadsheet* data) {
+  const ModelField& field = model.Predictors()[place];
   ProfilerPredictor predictor;
   predictor.name = field.name;
-  predictor.categorical = field.kind == ModelFieldKind::kCategorical;
+  predictor.categorical = field.kind == ModelFieldKind::kCategorical || field.isText;
+  predictor.holdsTexts = field.isText;
+  predictor.takesAnyText = field.isText && field.codes.empty();
   predictor.lowest = field.lowest.value_or(kMissing);
   predictor.highest = field.highest.value_or(kMissing);
   std::map<double, double> weights;
   for (std::size_t i = 0; i < field.codes.size(); ++i) {
     if (field.isText) predictor.labels.emplace(field.codes[i], field.labels[i]);
     weights.emplace(field.codes[i], field.frequencies.empty() ? 1.0 : field.frequencies[i]);
+  }
+  const Variable* variable = DataOf(predictor, data);
+  if (variable != nullptr && predictor.takesAnyText) predictor.labels = TextsIn(*variable);
+  if (variable != nullptr && predictor.categorical && !field.isText &&
+      variable->Type() == VariableType::kText)
+    predictor.labels = SpellingsIn(*variable, model, place);
+  if (field.replacement) {
+    predictor.setting = PredictorSetting::kFixed;
+    predictor.fixedValue = *field.replacement;
   }
   if (!predictor.categorical) return predictor;
   if (auto discrete = DiscreteOf(weights)) MakeRandom(predictor, *std::move(discrete));
@@ -143,22 +205,25 @@ ProfilerPredictor PredictorOf(const ModelField& field) {
 
 // A further model knows the predictor, too.
 Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
-  if (predictor.labels.empty() == field.isText) return Fault{kFieldTypesDiffer, predictor.name};
+  if (predictor.holdsTexts != field.isText) return Fault{kFieldTypesDiffer, predictor.name};
   for (const std::string& label : field.labels) {
     if (!field.isText) break;
     const auto isLabel = [&](const auto& entry) { return entry.second == label; };
     if (std::ranges::any_of(predictor.labels, isLabel)) continue;
-    predictor.labels.emplace(std::floor(predictor.labels.rbegin()->first) + 1.0, label);
+    const double last = predictor.labels.empty() ? 0 : std::floor(predictor.labels.rbegin()->first);
+    predictor.labels.emplace(last + 1.0, label);
   }
   return {};
 }
 
-Result<void> MergePredictors(ProfilerDesign& design, const PredictionModel& model) {
-  for (const ModelField& field : model.Predictors()) {
+Result<void> MergePredictors(ProfilerDesign& design, const PredictionModel& model, const Spreadsheet* data) {
+  for (std::size_t k = 0; k < model.Predictors().size(); ++k) {
+    const ModelField& field = model.Predictors()[k];
+    if (!field.isUsed) continue;
     if (const auto place = design.FindPredictor(field.name)) {
       if (auto joined = Join(design.predictors[*place], field); !joined) return joined;
     } else {
-      design.AddPredictor(PredictorOf(field));
+      design.AddPredictor(PredictorOf(model, k, data));
     }
   }
   return {};
@@ -222,7 +287,9 @@ Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* da
   std::vector<std::vector<double>> columns;
   for (std::size_t j = 0; j < design.predictors.size(); ++j) {
     columns.push_back(ColumnOf(design.predictors[j], data));
-    if (j >= first) Start(design.predictors[j], columns.back(), notes);
+    if (j < first) continue;
+    Start(design.predictors[j], columns.back(), notes);
+    NoteUnknownTexts(design.predictors[j], data, notes);
   }
   StartCorrelations(design, first, columns, notes);
   return notes;
@@ -293,7 +360,7 @@ Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
                                   const Spreadsheet* data) {
   ProfilerDesign merged = design;
   for (const auto& model : models) {
-    if (auto known = MergePredictors(merged, *model); !known) return known.Reason();
+    if (auto known = MergePredictors(merged, *model, data); !known) return known.Reason();
     MergeDependents(merged, model);
   }
   Notes notes = StartFrom(merged, design.predictors.size(), data);
@@ -317,6 +384,7 @@ Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, 
     if (variable == nullptr && !name.quoted && IsVariableNumber(name.text)) continue;
     if (variable != nullptr && variable->Type() == VariableType::kText) {
       predictor.categorical = true;
+      predictor.holdsTexts = true;
       predictor.labels = variable->Labels();
     }
     design.AddPredictor(std::move(predictor));

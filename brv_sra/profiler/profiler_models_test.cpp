@@ -201,7 +201,8 @@ TEST(ProfilerModels, CorrelationThatIsNotDefinedIsNotedAndTakenAsZero) {
 TEST(ProfilerModels, FieldThatIsTextInOneModelAndNumberInAnotherIsRefusedAndNothingChanges) {
   ProfilerDesign design;
   Merge(design, {Graded("y", kLowHigh, kHighEffect)});
-  const Model numbers = Graded("z", R"(<Value value="1"/><Value value="2"/>)", "", "double");
+  const Model numbers = Graded("z", R"(<Value value="1"/><Value value="2"/>)",
+                               R"(<CategoricalPredictor name="grade" value="2" coefficient="7"/>)", "double");
   const Model models[] = {Load("RegressionOzone.pmml"), numbers};
   EXPECT_EQ(MergeModels(design, models, nullptr).Reason(),
             (Fault{FaultIdentifier::kFieldTypesDiffer, "grade"}));

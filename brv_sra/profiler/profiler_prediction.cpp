@@ -15,31 +15,6 @@ constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 // Rows that one task predicts: a few blocks of the models, so that every core has some.
 constexpr std::size_t kRowsPerTask = 4096;
 
-// The model's codes by those of the design, where any differs; a text that the model does not know has a code
-// that represents none of its texts.
-std::map<double, double> CodesBetween(const std::map<double, std::string>& labels, const ModelField& field) {
-  if (!field.isText) return {};
-  std::map<double, double> codes;
-  bool differ = false;
-  for (const auto& [code, text] : labels) {
-    const auto found = std::ranges::find(field.labels, text);
-    const double its =
-        found != field.labels.end() ? field.codes[static_cast<std::size_t>(found - field.labels.begin())] : 0;
-    differ = differ || its != code;
-    codes.emplace(code, its);
-  }
-  return differ ? codes : std::map<double, double>();
-}
-
-std::vector<double> Translated(std::span<const double> column, const std::map<double, double>& codes) {
-  std::vector<double> translated(column.begin(), column.end());
-  for (double& value : translated) {
-    const auto found = codes.find(value);
-    if (!std::isnan(value)) value = found != codes.end() ? found->second : 0;
-  }
-  return translated;
-}
-
 }  // namespace
 
 ProfilerPrediction::ProfilerPrediction(const ProfilerDesign& design) : design_(design) {
@@ -60,8 +35,12 @@ void ProfilerPrediction::Use(const PredictionModel& model, std::size_t dependent
   if (use == models_.end()) {
     ModelUse added{&model, {}, {}};
     for (const ModelField& field : model.Predictors()) {
+      if (!field.isUsed) {
+        added.inputs.emplace_back();
+        continue;
+      }
       const std::size_t place = design_.FindPredictor(field.name).value();
-      added.inputs.push_back({place, CodesBetween(design_.predictors[place].labels, field)});
+      added.inputs.push_back({place, field.isText ? &design_.predictors[place].labels : nullptr});
     }
     added.dependents.resize(model.Dependents().size());
     use = models_.insert(models_.end(), std::move(added));
@@ -83,8 +62,8 @@ std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const
   std::vector<std::size_t> read;
   for (const ModelUse& use : models_) {
     if (std::ranges::find(use.dependents, dependent) == use.dependents.end()) continue;
-    for (std::size_t i = 0; i < use.inputs.size(); ++i) {
-      if (use.model->Predictors()[i].isUsed) read.push_back(use.inputs[i].place);
+    for (const Input& input : use.inputs) {
+      if (input.place) read.push_back(*input.place);
     }
   }
   return read;
@@ -93,22 +72,17 @@ std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const
 void ProfilerPrediction::PredictRows(const ModelUse& use, std::span<const std::span<const double>> predictors,
                                      std::span<const std::span<double>> dependents, std::size_t begin,
                                      std::size_t rows) {
-  std::vector<std::vector<double>> translated;
-  translated.reserve(use.inputs.size());  // the views below stay
   std::vector<std::span<const double>> inputs;
+  std::vector<const std::map<double, std::string>*> labels;
   for (const Input& input : use.inputs) {
-    const auto column = predictors[input.place].subspan(begin, rows);
-    if (input.codes.empty()) {
-      inputs.push_back(column);
-    } else {
-      inputs.emplace_back(translated.emplace_back(Translated(column, input.codes)));
-    }
+    inputs.push_back(input.place ? predictors[*input.place].subspan(begin, rows) : std::span<const double>());
+    labels.push_back(input.labels);
   }
   std::vector<double> unwanted(rows);
   std::vector<std::span<double>> outputs;
   for (const auto& place : use.dependents)
     outputs.push_back(place ? dependents[*place].subspan(begin, rows) : std::span<double>(unwanted));
-  use.model->Predict(inputs, outputs);
+  use.model->Predict(inputs, outputs, {.labels = labels});
 }
 
 void ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,

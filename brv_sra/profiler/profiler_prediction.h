@@ -31,11 +31,11 @@ class ProfilerPrediction {
                std::span<const std::span<double>> dependents, ProgressBar& progress) const;
 
  private:
-  // A model's predictor: its place in the design; where its texts have other codes in the model, those by the
-  // design's.
+  // A model's predictor: its place in the design, none if it is not used, and of texts what their codes there
+  // stand for.
   struct Input {
-    std::size_t place = 0;
-    std::map<double, double> codes;
+    std::optional<std::size_t> place;
+    const std::map<double, std::string>* labels = nullptr;
   };
   // What predicts some dependents: a formula one of them, a model those that it has.
   struct ModelUse {

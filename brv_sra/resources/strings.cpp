@@ -611,6 +611,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
     {kMsgProfilerResponseInFormula, "a formula cannot use a response, '%s'"},
+    {kMsgProfilerUnknownClasses, "Cases of %s whose class no model knows are left out: %s"},
     // The design dialog.
     {kDesignTitle, "Design Simulation"},
     {kDesignButtonCorrelations, "Cor&relations..."},

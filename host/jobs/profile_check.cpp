@@ -62,7 +62,13 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
       faults.push_back({"noise", Quoted(one.response) + ": the standard deviation must not be less than 0"});
   }
   for (const ProfileJob::Specification& one : job.specifications) CheckLimits(one, faults);
-  for (const ProfileJob::Fixed& one : job.fixed) CheckNumber("fixed", one.value, faults, one.predictor);
+  for (const ProfileJob::Fixed& one : job.fixed) {
+    if (const double* number = std::get_if<double>(&one.value)) {
+      CheckNumber("fixed", *number, faults, one.predictor);
+    } else if (std::get<std::string>(one.value).empty()) {
+      faults.push_back({"fixed", Quoted(one.predictor) + ": expected a number or the name of a class"});
+    }
+  }
   for (const ProfileJob::Truncation& one : job.truncate) {
     for (const double bound : {one.minimum, one.maximum})
       CheckNumber("truncate", bound, faults, one.predictor);

@@ -160,8 +160,8 @@ class Profiler {
 
   void SpecifyPredictors() {
     for (const ProfileJob::Fixed& one : job_.fixed) {
-      PutSpecification(PredictorPlace(one.predictor, "fixed"),
-                       Variant::Array{Variant("Fixed"), Variant(one.value)});
+      const Variant value = std::visit([](const auto& given) { return Variant(given); }, one.value);
+      PutSpecification(PredictorPlace(one.predictor, "fixed"), Variant::Array{Variant("Fixed"), value});
     }
     for (std::size_t i = 0; i < predictors_.size(); ++i) {
       if (!SpecificationOf(i).IsEmpty()) continue;

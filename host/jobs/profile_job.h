@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "host/jobs/job_data.h"
@@ -34,7 +35,7 @@ struct ProfileJob {
   };
   struct Fixed {
     std::string predictor;
-    double value;
+    std::variant<double, std::string> value;  // a number, or the name of a class
   };
   struct Truncation {
     std::string predictor;

@@ -436,6 +436,10 @@ const std::vector<UnavailableOutput>& PredictionModel::UnavailableOutputs() cons
   return content_->unavailable;
 }
 
+std::optional<double> PredictionModel::ValueOf(std::size_t predictor, std::string_view text) const {
+  return pmml::ParseValue(content_->model->predictors[predictor]->type, text);
+}
+
 void PredictionModel::Predict(std::span<const std::span<const double>> predictors,
                               std::span<const std::span<double>> dependents,
                               const PredictOptions& options) const {

@@ -99,6 +99,10 @@ class PredictionModel {
   // The outputs that Score leaves out.
   const std::vector<UnavailableOutput>& UnavailableOutputs() const;
 
+  // What a text of the data means as a value of a predictor that is not of texts: a truth value, a date, a
+  // number. Nothing if it means none.
+  std::optional<double> ValueOf(std::size_t predictor, std::string_view text) const;
+
   // Predicts columns from columns: predictors[k] holds the values of Predictors()[k], in codes for texts,
   // dependents[k] receives those of Dependents()[k]; all of one length. NaN is missing; a code that stands
   // for no text is an unknown value. Cases whose values the model refuses as invalid get NaN. The columns of

@@ -446,7 +446,7 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
             formulas: str | Iterable[str] | None = None, *, samples: int | None = None, seed: int | None = None,
             correlated: bool = False, fit_best: bool = False, noise: Mapping[str, float] | None = None,
             specifications: Mapping[str, tuple[float | None, float | None, float | None]] | None = None,
-            fixed: Mapping[str, float] | None = None, truncate: Mapping[str, tuple[float, float]] | None = None,
+            fixed: Mapping[str, float | str] | None = None, truncate: Mapping[str, tuple[float, float]] | None = None,
             sheet: str | None = None, output: str | os.PathLike | None = None,
             graphs: str | os.PathLike | None = None) -> ProfileResult:
     """Simulates what models or formulas predict, and compares it with specifications.
@@ -459,7 +459,7 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
     correlated: correlates the predictors as their columns are; fit_best: draws each from what fits its column best.
     noise: {response: standard deviation} of normal noise that is added.
     specifications: {response: (lower limit, target, upper limit)}, each of which may be None.
-    fixed: {predictor: value}; truncate: {predictor: (minimum, maximum)}.
+    fixed: {predictor: number, or the name of a class}; truncate: {predictor: (minimum, maximum)}.
     output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
 
     Returns a ProfileResult.
@@ -469,17 +469,18 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
                fit_best=fit_best, noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
                specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
                                       "(lower limit, target, upper limit)"),
-               fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}"),
+               fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
                output=output, graphs=graphs)
     job.check()
     return ProfileResult(*job.run(_sheet_of(data, sheet)))
 
 
-def _entries(kind, given, what, of):
+def _entries(kind, given, what, of, texts=False):
     found = []
     for name, number in _mapping(given, what, of):
-        _require_number(number, f"{what}[{name!r}]")
+        if not (texts and isinstance(number, str)):
+            _require_number(number, f"{what}[{name!r}]")
         found.append(kind(str(name), number))
     return found
 

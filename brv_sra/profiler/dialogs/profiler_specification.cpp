@@ -17,18 +17,31 @@ bool IsFixedKey(const Variant& key) {
   return key.IsText() && key.ToText() == ResourceString(kProfilerFixed);
 }
 
-// The code of a class by its name; a number as it is.
-double FixedValue(const ProfilerPredictor& predictor, const Variant& value) {
-  const auto named = std::ranges::find_if(
-      predictor.labels, [&](const auto& label) { return value.IsText() && label.second == value.ToText(); });
-  return named != predictor.labels.end() ? named->first : value.ToReal();
+[[noreturn]] void RefuseClass(const ProfilerPredictor& predictor, const std::string& name) {
+  std::string classes;
+  for (const auto& [code, text] : predictor.labels) classes += (classes.empty() ? "" : ", ") + text;
+  throw Error("unknown class: " + name + "; there are " + classes, predictor.name);
+}
+
+// The code of a class by its name, which may be spelled like a number, or the code itself. Where no model
+// lists its classes, an unknown name is a new one.
+double ClassCode(ProfilerPredictor& predictor, const std::string& name) {
+  const auto named =
+      std::ranges::find_if(predictor.labels, [&](const auto& label) { return label.second == name; });
+  if (named != predictor.labels.end()) return named->first;
+  if (const auto code = ParseNumber(name); code && predictor.labels.contains(*code)) return *code;
+  if (!predictor.takesAnyText || name.empty()) RefuseClass(predictor, name);
+  const double code = predictor.labels.empty() ? 1 : std::floor(predictor.labels.rbegin()->first) + 1;
+  predictor.labels.emplace(code, name);
+  return code;
 }
 
 void Fix(ProfilerPredictor& predictor, const Variant& value) {
-  const double fixed = FixedValue(predictor, value);
+  const bool isClass = !predictor.labels.empty() || predictor.takesAnyText;
+  const double fixed =
+      isClass ? ClassCode(predictor, value.IsText() ? value.ToText() : ShortestNumber(value.ToReal()))
+              : value.ToReal();
   if (!std::isfinite(fixed)) throw Error("expected a finite number, got " + value.ToText());
-  if (!predictor.labels.empty() && !predictor.labels.contains(fixed))
-    throw Error("unknown class: " + value.ToText(), predictor.name);
   predictor.setting = PredictorSetting::kFixed;
   predictor.fixedValue = fixed;
 }
