@@ -103,8 +103,9 @@ class Compiler {
   }
 
   bool IsNotHere() const {
-    return (lexer_.Current().kind == TokenKind::kWord && IsWord(lexer_.Text(), "not")) ||
-           (lexer_.At("!") && !lexer_.At("!="));
+    const bool isWord = lexer_.Current().kind == TokenKind::kWord && IsWord(lexer_.Text(), "not");
+    // With a parenthesis it is a function: not(x > 0)*5 is 5 or 0.
+    return (isWord && !lexer_.IsNext('(')) || (lexer_.At("!") && !lexer_.At("!="));
   }
 
   Operand TakeNot() {

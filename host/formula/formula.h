@@ -4,7 +4,8 @@
 //   single or double quotes otherwise ('wait time'), or by number (v1, v2, …; v0 is the case number).
 // - Operators, the tightest first: ^ (from the right: 2^3^2 is 2^9); signs (-2^2 is -4); * /; + -;
 //   comparisons (= == <> != < <= > >=); not (!); and (& &&); or (| ||). A comparison of a comparison needs
-//   parentheses: "a = b = 1" is refused. 1 is true and 0 is false; any value but 0 counts as true.
+//   parentheses: "a = b = 1" is refused. 1 is true and 0 is false; any value but 0 counts as true. not(…) is a
+//   function.
 // - Functions (functions.cpp, distribution_functions.h), their values separated by , or ;. The constants Pi,
 //   Euler and Missing, if no variable has the name.
 // - A "=" may stand before it all, as in a cell.
