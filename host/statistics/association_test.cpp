@@ -149,6 +149,13 @@ TEST(Sensitivity, DegenerateColumnsLeaveTheOthersTheirMeasures) {
   EXPECT_EQ(table.rows.back().rankContribution, 0);
   EXPECT_TRUE(IsNotSet(table.rows.back().standardizedCoefficient));
   EXPECT_FALSE(IsNotSet(table.rows.front().standardizedCoefficient));
+  const std::vector<double> nothing(500, std::numeric_limits<double>::quiet_NaN());
+  const std::vector<std::span<const double>> withNothing{nothing, m.a, m.b};
+  const SensitivityTable others = AnalyseSensitivity(m.y, withNothing);
+  EXPECT_EQ(others.count, 500);
+  EXPECT_EQ(others.rSquared, table.rSquared);
+  EXPECT_EQ(others.rows.front().rank.coefficient, table.rows.front().rank.coefficient);
+  EXPECT_TRUE(IsNotSet(others.rows.back().rank.coefficient));
   const std::vector<std::span<const double>> collinear{m.a, copy, m.b};
   const SensitivityTable twins = AnalyseSensitivity(m.y, collinear);
   EXPECT_TRUE(IsNotSet(twins.rSquared));

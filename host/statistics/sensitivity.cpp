@@ -12,10 +12,16 @@
 namespace brenvolt {
 namespace {
 
-// The columns without the cases in which any of them is NaN, the response last.
+// The columns without the cases in which any of them is NaN, the response last. A predictor that has no value at
+// all leaves out no case; its column is constant.
 std::vector<std::vector<double>> CompleteColumns(std::span<const double> response,
                                                  std::span<const std::span<const double>> predictors) {
-  std::vector<std::span<const double>> all(predictors.begin(), predictors.end());
+  const std::vector<double> constant(response.size());
+  std::vector<std::span<const double>> all;
+  for (const std::span<const double> predictor : predictors) {
+    const bool isEmpty = std::ranges::all_of(predictor, [](double x) { return std::isnan(x); });
+    all.push_back(isEmpty ? std::span<const double>(constant) : predictor);
+  }
   all.push_back(response);
   std::vector<std::vector<double>> columns(all.size());
   for (std::size_t i = 0; i < response.size(); ++i) {

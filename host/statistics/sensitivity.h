@@ -39,7 +39,8 @@ struct SensitivityTable {
   std::vector<SensitivityRow> rows;  // by rankContribution, the greatest first; equal ones as given
 };
 
-// Over the cases in which no value is NaN; all columns are of one length.
+// Over the cases in which no value is NaN; all columns are of one length. A predictor without any value takes no
+// part, and its measures are not set.
 SensitivityTable AnalyseSensitivity(std::span<const double> response,
                                     std::span<const std::span<const double>> predictors);
 
