@@ -65,6 +65,28 @@ PartsPerMillion PartsFrom(double below, double above) {
   return {below * kMillion, above * kMillion, (below + above) * kMillion};
 }
 
+// How many values there are, and how many of them miss a limit.
+struct Misses {
+  std::int64_t count = 0;
+  std::int64_t below = 0;
+  std::int64_t above = 0;
+};
+
+Misses CountMisses(std::span<const double> values, const SpecificationLimits& limits) {
+  Misses misses;
+  for (const double x : values) {
+    misses.count += std::isnan(x) ? 0 : 1;
+    misses.below += limits.IsBelow(x) ? 1 : 0;
+    misses.above += limits.IsAbove(x) ? 1 : 0;
+  }
+  return misses;
+}
+
+ConfidenceInterval PartsInterval(std::int64_t misses, std::int64_t count, double confidence) {
+  const ConfidenceInterval interval = ProportionInterval(misses, count, confidence);
+  return count < 1 ? interval : ConfidenceInterval{interval.lower * kMillion, interval.upper * kMillion};
+}
+
 void RequireValid(const SpecificationLimits& limits) {
   if (!limits.IsValid()) throw Error("the specification limits are not valid", "process capability");
 }
@@ -119,18 +141,21 @@ ConfidenceInterval LeastInterval(double least, std::int64_t count, double degree
 }
 
 PartsPerMillion ObservedParts(std::span<const double> values, const SpecificationLimits& limits) {
-  std::int64_t count = 0;
-  std::int64_t below = 0;
-  std::int64_t above = 0;
-  for (const double x : values) {
-    count += std::isnan(x) ? 0 : 1;
-    below += limits.IsBelow(x) ? 1 : 0;
-    above += limits.IsAbove(x) ? 1 : 0;
-  }
-  if (count == 0) return {};
-  const auto n = static_cast<double>(count);
-  return {static_cast<double>(below) * kMillion / n, static_cast<double>(above) * kMillion / n,
-          static_cast<double>(below + above) * kMillion / n};
+  const Misses misses = CountMisses(values, limits);
+  if (misses.count == 0) return {};
+  const auto n = static_cast<double>(misses.count);
+  return {static_cast<double>(misses.below) * kMillion / n, static_cast<double>(misses.above) * kMillion / n,
+          static_cast<double>(misses.below + misses.above) * kMillion / n};
+}
+
+PartsIntervals ObservedIntervals(std::span<const double> values, const SpecificationLimits& limits,
+                                 double confidence) {
+  const Misses misses = CountMisses(values, limits);
+  PartsIntervals intervals;
+  if (limits.HasLower()) intervals.below = PartsInterval(misses.below, misses.count, confidence);
+  if (limits.HasUpper()) intervals.above = PartsInterval(misses.above, misses.count, confidence);
+  intervals.total = PartsInterval(misses.below + misses.above, misses.count, confidence);
+  return intervals;
 }
 
 PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLimits& limits) {
@@ -158,6 +183,7 @@ CapabilityReport AnalyseCapability(std::span<const double> values, const Specifi
   report.pp = PotentialInterval(report.overall.potential, overallDegrees, confidence);
   report.ppk = LeastInterval(report.overall.least, sample.count, overallDegrees, confidence);
   report.observed = ObservedParts(values, limits);
+  report.observedIntervals = ObservedIntervals(values, limits, confidence);
   report.expectedWithin = NormalParts(sample.mean, sample.within, limits);
   report.expectedOverall = NormalParts(sample.mean, sample.overall, limits);
   return report;

@@ -16,14 +16,10 @@
 #include <span>
 
 #include "host/base/almost_equal.h"
+#include "host/statistics/proportion.h"
 #include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
-
-struct ConfidenceInterval {
-  double lower = kNotSet;
-  double upper = kNotSet;
-};
 
 // Both deviations of a sample in its order; NaN values are passed over.
 struct ProcessSample {
@@ -62,6 +58,15 @@ struct PartsPerMillion {
 };
 // Of the values; NaN values count for nothing.
 PartsPerMillion ObservedParts(std::span<const double> values, const SpecificationLimits& limits);
+// What the observed parts tell of the probabilities of further values: exact intervals (proportion.h) for
+// values that are independent of each other. Not set for a limit that is not given.
+struct PartsIntervals {
+  ConfidenceInterval below;
+  ConfidenceInterval above;
+  ConfidenceInterval total;
+};
+PartsIntervals ObservedIntervals(std::span<const double> values, const SpecificationLimits& limits,
+                                 double confidence);
 // Of a normal process.
 PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLimits& limits);
 
@@ -75,6 +80,7 @@ struct CapabilityReport {
   ConfidenceInterval pp;
   ConfidenceInterval ppk;
   PartsPerMillion observed;
+  PartsIntervals observedIntervals;
   PartsPerMillion expectedWithin;
   PartsPerMillion expectedOverall;
 };

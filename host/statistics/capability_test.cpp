@@ -17,6 +17,24 @@ namespace {
 
 const double kNone = std::numeric_limits<double>::quiet_NaN();
 
+TEST(Proportion, IntervalReference) {
+  const struct {
+    std::int64_t hits;
+    std::int64_t count;
+    double confidence;
+    double lower;
+    double upper;
+  } rows[] = {
+#include "host/statistics/reference/proportion_intervals.inc"
+  };
+  for (const auto& row : rows) {
+    const ConfidenceInterval interval = ProportionInterval(row.hits, row.count, row.confidence);
+    EXPECT_NEAR(interval.lower, row.lower, 1e-11 * row.lower) << row.hits << " of " << row.count;
+    EXPECT_NEAR(interval.upper, row.upper, 1e-11 * row.upper) << row.hits << " of " << row.count;
+  }
+  EXPECT_TRUE(IsNotSet(ProportionInterval(0, 0, 0.95).upper));
+}
+
 TEST(SpecificationLimits, ValidOnlyWhereTheyCanBeMet) {
   struct Case {
     SpecificationLimits limits;
