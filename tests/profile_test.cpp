@@ -139,6 +139,10 @@ TEST_F(ProfileCommand, DefectsAndCapabilityAreThoseOfTheRunsWritten) {
     EXPECT_EQ(defects[i]["response"], rows[i].response);
     EXPECT_DOUBLE_EQ(defects[i]["rate"], rows[i].rate);
     EXPECT_DOUBLE_EQ(defects[i]["ppm"], rows[i].rate * 1e6);
+    EXPECT_EQ(defects[i]["defects"], std::lround(rows[i].rate * 5000));
+    EXPECT_EQ(defects[i]["runs"], 5000);
+    EXPECT_LT(defects[i]["rateInterval"]["lower"], rows[i].rate);
+    EXPECT_GT(defects[i]["ppmInterval"]["upper"], rows[i].rate * 1e6);
   }
   EXPECT_EQ(defects[1]["lower"], nullptr);
   EXPECT_EQ(defects[1]["upper"], 12);
@@ -146,7 +150,8 @@ TEST_F(ProfileCommand, DefectsAndCapabilityAreThoseOfTheRunsWritten) {
 
   const Json& capability = report["responses"][0]["capability"];
   EXPECT_EQ(capability["specification"]["target"], 22);
-  EXPECT_DOUBLE_EQ(capability["observedPpm"]["total"], rateY * 1e6);
+  EXPECT_DOUBLE_EQ(capability["observedPpm"]["total"]["value"], rateY * 1e6);
+  EXPECT_DOUBLE_EQ(capability["observedPpm"]["total"]["upper"], defects[0]["ppmInterval"]["upper"]);
   const double deviation = report["responses"][0]["statistics"]["standardDeviation"];
   EXPECT_NEAR(capability["overall"]["pp"]["value"], 24 / (6 * deviation), 1e-12);
   EXPECT_LT(capability["overall"]["ppk"]["lower"], capability["overall"]["ppk"]["value"]);
@@ -155,6 +160,62 @@ TEST_F(ProfileCommand, DefectsAndCapabilityAreThoseOfTheRunsWritten) {
   EXPECT_EQ(oneSided["within"]["cp"], nullptr);
   EXPECT_EQ(oneSided["within"]["cpl"], nullptr);
   EXPECT_EQ(report["responses"][2]["capability"], nullptr);
+}
+
+// 16 bits do not hold the number of defects; parts per million are whole numbers in the table.
+TEST_F(ProfileCommand, ManyDefectsAreCountedExactly) {
+  WriteData();
+  const Arguments call{"profile", "ab.csv",    "--formula", "Y=A",    "--spec",
+                       "Y=,,10",  "--samples", "100000",    "--seed", "1"};
+  const Json report = JsonOf(call);
+  const Json& rate = report["defects"][0];
+  EXPECT_NEAR(rate["rate"], 0.5, 0.01);
+  EXPECT_EQ(rate["defects"], std::lround(rate["rate"].get<double>() * 100000));
+  EXPECT_EQ(report["responses"][0]["capability"]["observedPpm"]["above"]["value"], rate["ppm"]);
+  EXPECT_FALSE(report.contains("notes")) << report["notes"];
+  const std::string text = MustRun(call).out;
+  EXPECT_NE(text.find(" " + std::to_string(std::lround(rate["ppm"].get<double>())) + " ("), std::string::npos)
+      << text;
+  EXPECT_EQ(text.find("e+05"), std::string::npos) << text;
+}
+
+// Stratified runs vary less than independent ones, by a measure that is not known.
+TEST_F(ProfileCommand, NoLimitsAreGivenForRunsOfCorrelatedPredictors) {
+  WriteData();
+  const Arguments call{"profile", "ab.csv",       "--formula", "Y=A+B", "--spec",
+                       "Y=,,16",  "--correlated", "--seed",    "1"};
+  const Json report = JsonOf(call);
+  for (const Json& percentile : report["responses"][0]["percentiles"])
+    EXPECT_TRUE(percentile["lower"].is_null() && percentile["upper"].is_null()) << percentile;
+  EXPECT_TRUE(report["responses"][0]["capability"]["overall"]["ppk"].is_number());
+  EXPECT_TRUE(report["defects"][0]["rate"].is_number());
+  EXPECT_TRUE(report["defects"][0]["rateInterval"]["lower"].is_null());
+  ASSERT_EQ(report["notes"].size(), 1U);
+  const std::string text = MustRun(call).out;
+  EXPECT_EQ(text.find("95 %"), std::string::npos) << text;
+  EXPECT_NE(text.find("No confidence limits are given: "), std::string::npos) << text;
+}
+
+// A response without predictions hides neither the profiles of the others nor the graphs.
+TEST_F(ProfileCommand, ProfilesOfPredictedValuesAreThereForEveryResponseThatHasPredictions) {
+  WriteData();
+  const Json report = JsonOf({"profile", "ab.csv", "--formula", "N=ln(-1-A*A)", "--formula", "Y=3*A-2*B",
+                              "--seed", "1", "--graphs", "graphs.json"});
+  EXPECT_EQ(report["responses"][0]["statistics"]["n"], 0);
+  EXPECT_EQ(report["responses"][0]["profiles"][0]["means"].size(), 0U);
+  const Json& profiles = report["responses"][1]["profiles"];
+  ASSERT_EQ(profiles.size(), 2U);
+  EXPECT_EQ(profiles[1]["predictor"], "B");
+  const auto values = profiles[0]["values"].get<std::vector<double>>();
+  const auto means = profiles[0]["means"].get<std::vector<double>>();
+  ASSERT_EQ(values.size(), 20U);
+  ASSERT_EQ(means.size(), values.size());
+  EXPECT_NEAR((means[15] - means[4]) / (values[15] - values[4]), 3, 0.2);
+  std::ifstream file(File("graphs.json"));
+  const Json graphs = Json::parse(file);
+  EXPECT_EQ(graphs["responses"][0]["graphs"].size(), 0U);
+  EXPECT_EQ(graphs["responses"][1]["graphs"].size(), 2U);
+  EXPECT_EQ(graphs["profiles"]["panels"].size(), 4U);
 }
 
 TEST_F(ProfileCommand, SensitivityNamesTheDriverFirst) {

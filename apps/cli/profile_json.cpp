@@ -47,6 +47,13 @@ Json CapabilityJson(const ResultTable& table) {
   return json;
 }
 
+Json ProfilesJson(const std::vector<PredictedProfile>& profiles) {
+  Json list = Json::array();
+  for (const PredictedProfile& profile : profiles)
+    list.push_back({{"predictor", profile.predictor}, {"values", profile.values}, {"means", profile.means}});
+  return list;
+}
+
 Json ResponseJson(const ResponseResults& response) {
   Json statistics;
   AddNumbers(response.statistics, kMoments, statistics);
@@ -57,6 +64,7 @@ Json ResponseJson(const ResponseResults& response) {
           {"correlations", RowsJson(response.correlations, "predictor", kCorrelations)},
           {"sensitivity", RowsJson(response.sensitivity, "predictor", kSensitivity)},
           {"rSquared", NumberJson(response.allPredictors.Number("linear_contribution"_column))},
+          {"profiles", ProfilesJson(response.profiles)},
           {"capability", response.capability ? CapabilityJson(*response.capability) : Json(nullptr)}};
 }
 

@@ -69,13 +69,22 @@ constexpr std::array<Shown, 3> kPercentileColumns{
 constexpr std::array<Shown, 3> kFrequencyColumns{
     {{"from"_column, "Value"}, {"count"_column, "Count"}, {"percent"_column, "Percent"}}};
 
+// Limits that no row has are left out.
+std::string PercentilesText(std::span<const ResultRow> rows) {
+  const bool hasLimits = std::ranges::any_of(rows, [](const ResultRow& row) {
+    return !std::isnan(row.Number("lower"_column)) || !std::isnan(row.Number("upper"_column));
+  });
+  const std::span<const Shown> columns(kPercentileColumns);
+  return RowsText(rows, "Percentile", hasLimits ? columns : columns.first(1), ToFiveDigits);
+}
+
 // Few values say more one by one than in percentiles.
 std::string ValuesText(const ResponseResults& response) {
   const bool hasFewValues = std::ranges::all_of(response.frequencies, [](const ResultRow& one) {
     return one.Number("from"_column) == one.Number("to"_column);
   });
   return hasFewValues ? RowsText(response.frequencies, "Class", kFrequencyColumns, ToFiveDigits)
-                      : RowsText(response.percentiles, "Percentile", kPercentileColumns, ToFiveDigits);
+                      : PercentilesText(response.percentiles);
 }
 
 constexpr std::array<Shown, 5> kSensitivityColumns{{{"rank_correlation"_column, "Rank corr."},
@@ -116,15 +125,20 @@ constexpr std::array<PartsLine, 3> kPartsLines{{{"PPM below LSL",
                                                  {&"within_total"_column, &"overall_total"_column,
                                                   &"percentile_total"_column, &"observed_total"_column}}}};
 
-// "0.982 (0.965 to 0.999)".
-std::string WithLimits(const ResultTable& table, const ResultColumn* statistic) {
+// "0.982 (0.965 to 0.999)", the value alone where it has no limits.
+std::string WithLimits(const ResultRow& row, const ResultColumn& value, const ResultColumn& lower,
+                       const ResultColumn& upper, Quantity quantity) {
+  const auto text = [&](const ResultColumn& column) {
+    return QuantityText(row.Number(column), quantity, kShortDigits);
+  };
+  if (std::isnan(row.Number(lower))) return text(value);
+  return text(value) + " (" + text(lower) + " to " + text(upper) + ")";
+}
+
+std::string StatisticText(const ResultTable& table, const ResultColumn* statistic) {
   if (statistic == nullptr) return {};
-  const ResultRow& row = table.Row(*statistic);
-  std::string text = ReadableNumber(row.Number("value"_column), kShortDigits);
-  const double lower = row.Number("lower"_column);
-  if (std::isnan(lower)) return text;
-  return text + " (" + ReadableNumber(lower, kShortDigits) + " to " +
-         ReadableNumber(row.Number("upper"_column), kShortDigits) + ")";
+  return WithLimits(table.Row(*statistic), "value"_column, "lower"_column, "upper"_column,
+                    statistic->quantity);
 }
 
 std::string CapabilityText(const ResultTable& table) {
@@ -150,16 +164,32 @@ std::string CapabilityText(const ResultTable& table) {
   lines.AddColumn("Observed", TextTable::Align::kRight);
   for (const IndexLine& line : kIndexLines) {
     std::vector<std::string> cells{std::string(line.heading)};
-    for (std::size_t f = 0; f < families; ++f) cells.push_back(WithLimits(table, line.statistics[f]));
+    for (std::size_t f = 0; f < families; ++f) cells.push_back(StatisticText(table, line.statistics[f]));
     lines.AddRow(std::move(cells));
   }
   for (const PartsLine& line : kPartsLines) {
     std::vector<std::string> cells{std::string(line.heading)};
-    for (std::size_t f = 0; f < families; ++f) cells.push_back(value(*line.statistics[f]));
-    cells.push_back(value(*line.statistics.back()));
+    for (std::size_t f = 0; f < families; ++f) cells.push_back(StatisticText(table, line.statistics[f]));
+    cells.push_back(StatisticText(table, line.statistics.back()));
     lines.AddRow(std::move(cells));
   }
   return text + lines.Text();
+}
+
+std::string DefectsText(const ResultTable& defects) {
+  TextTable text;
+  text.AddColumn("Response", TextTable::Align::kLeft);
+  for (const char* heading : {"Defects", "Runs", "Defect Rate", "PPM", "LSL", "USL"})
+    text.AddColumn(heading, TextTable::Align::kRight);
+  for (const ResultRow& row : defects.rows) {
+    text.AddRow({row.name, Cell(row, "defects"_column), Cell(row, "defect_runs"_column),
+                 WithLimits(row, "defect_rate"_column, "rate_lower"_column, "rate_upper"_column,
+                            "defect_rate"_column.quantity),
+                 WithLimits(row, "defect_ppm"_column, "ppm_lower"_column, "ppm_upper"_column,
+                            "defect_ppm"_column.quantity),
+                 Cell(row, "defect_lsl"_column), Cell(row, "defect_usl"_column)});
+  }
+  return text.Text();
 }
 
 std::string ResponseText(const ResponseResults& response) {
@@ -173,11 +203,8 @@ std::string ResponseText(const ResponseResults& response) {
 std::string ProfileText(const ProfileResults& results) {
   std::string text = std::to_string(results.runs) + " simulated runs\n";
   for (const ResponseResults& response : results.responses) text += "\n" + ResponseText(response);
-  if (!results.defects) return text;
-  const std::span<const ResultTable::Heading> headings(results.defects->headings);
-  text += "\n" + results.defects->title + "\n" +
-          TableText(results.defects->rows, headings.front().text, headings.subspan(1),
-                    [](double value, std::string_view) { return ReadableNumber(value); });
+  if (results.defects) text += "\n" + results.defects->title + "\n" + DefectsText(*results.defects);
+  if (!results.notes.empty()) text += "\n";
   for (const std::string& note : results.notes) text += "  " + note + "\n";
   return text;
 }

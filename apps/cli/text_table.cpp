@@ -65,12 +65,15 @@ std::string ReadableNumber(double value, int digits) {
   return std::isnan(value) ? "-" : FormatNumber(("%." + std::to_string(digits) + "g").c_str(), value);
 }
 
-std::string Cell(const ResultRow& row, const ResultColumn& column, int digits) {
+std::string QuantityText(double value, Quantity quantity, int digits) {
   constexpr int kStatisticDigits = 4;
   constexpr double kSmallestPValue = 0.0001;
-  const double value = row.Number(column);
+  constexpr double kHalfPart = 0.5;
   if (std::isnan(value)) return "-";
-  switch (column.quantity) {
+  switch (quantity) {
+    case Quantity::kPartsPerMillion:
+      // A part that is rounded away is not 0.
+      return value > 0 && value < kHalfPart ? "<1" : FormatNumber("%.0f", value);
     case Quantity::kMeasure:
       return ReadableNumber(value, digits);
     case Quantity::kCount:
@@ -84,6 +87,10 @@ std::string Cell(const ResultRow& row, const ResultColumn& column, int digits) {
       return FormatNumber("%.2f", value);
   }
   return {};
+}
+
+std::string Cell(const ResultRow& row, const ResultColumn& column, int digits) {
+  return QuantityText(row.Number(column), column.quantity, digits);
 }
 
 std::string TableText(std::span<const ResultRow> rows, std::string_view nameHeading,

@@ -32,7 +32,9 @@ class TextTable {
 
 // A number for people, to so many significant digits; "-" for a value that does not exist (NaN).
 std::string ReadableNumber(double value, int digits = 6);
-// The number of a row in the form of its column; `digits` are those of a measure.
+// A number in the form of its quantity; `digits` are those of a measure.
+std::string QuantityText(double value, Quantity quantity, int digits = 6);
+// The number of a row in the form of its column.
 std::string Cell(const ResultRow& row, const ResultColumn& column, int digits = 6);
 
 // The columns as the result table heads them, after the names of the rows.

@@ -57,6 +57,14 @@ py::object CapabilityOf(const ResponseResults& response) {
                   "distribution"_a = first.Text("description"_column));
 }
 
+// The values of a predictor and the means of the response there, by predictor.
+py::dict ProfilesOf(const ResponseResults& response) {
+  py::dict profiles;
+  for (const PredictedProfile& profile : response.profiles)
+    profiles[py::str(profile.predictor)] = py::dict("value"_a = profile.values, "mean"_a = profile.means);
+  return profiles;
+}
+
 py::dict ResponseDict(const ResponseResults& response) {
   return py::dict("name"_a = response.name, "statistics"_a = NumbersOf(response.statistics, {kMoments}),
                   "percentiles"_a = RowList(response.percentiles, {kEstimates}),
@@ -64,7 +72,7 @@ py::dict ResponseDict(const ResponseResults& response) {
                   "correlations"_a = RowList(response.correlations, {kCorrelations}),
                   "sensitivity"_a = RowList(response.sensitivity, {kSensitivity}),
                   "r_squared"_a = response.allPredictors.Number("linear_contribution"_column),
-                  "capability"_a = CapabilityOf(response));
+                  "profiles"_a = ProfilesOf(response), "capability"_a = CapabilityOf(response));
 }
 
 }  // namespace

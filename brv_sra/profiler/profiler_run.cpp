@@ -26,6 +26,11 @@ using enum FaultIdentifier;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 constexpr std::size_t kRowsPerCopy = 4096;
 
+bool IsCorrelated(const ProfilerDesign& design) {
+  return design.simulateCorrelations &&
+         std::ranges::count_if(design.predictors, &ProfilerPredictor::IsRandom) > 1;
+}
+
 // The random predictors as a design of the simulation.
 SimulationDesign DesignOfDraws(const ProfilerDesign& design, std::vector<std::size_t>& places) {
   SimulationDesign draws;
@@ -36,7 +41,7 @@ SimulationDesign DesignOfDraws(const ProfilerDesign& design, std::vector<std::si
     draws.variables.push_back({static_cast<int>(j + 1), predictor.name, predictor.specification, {}});
   }
   draws.numberOfSamples = design.runs;
-  const bool correlated = design.simulateCorrelations && places.size() > 1;
+  const bool correlated = IsCorrelated(design);
   draws.method = correlated ? SimulationMethod::kLatinHypercubeImanConover : SimulationMethod::kMonteCarlo;
   if (!correlated) return draws;
   const std::size_t m = design.predictors.size();
@@ -238,6 +243,7 @@ Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress&
   auto induction = DrawRandom(design, predictors, bars);
   if (!induction) return induction.Reason();
   run.repair = std::move(induction->repair);
+  run.independent = !IsCorrelated(design);
   run.scoreCorrection = induction->scoreCorrection;
   const auto progress = Computing(bars, static_cast<std::size_t>(design.runs) * d + 1);
   progress->ShowNow();

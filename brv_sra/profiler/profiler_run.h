@@ -36,6 +36,9 @@ struct ProfilerRun {
   // Where the correlations of the predictors were not positive definite: what was used for them, over the
   // random predictors in order.
   std::optional<CorrelationRepair> repair;
+  // Whether the runs are independent of each other. Those of correlated predictors are not: they are stratified,
+  // and vary less than independent ones, by a measure that is not known.
+  bool independent = true;
   // False if chance correlations could not be taken back, because there are too few runs.
   bool scoreCorrection = true;
 };

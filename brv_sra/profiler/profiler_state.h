@@ -25,6 +25,7 @@ struct ProfilerState {
   // The output of the last run and how many of its columns, the first ones, are predictors; null before.
   std::shared_ptr<CAnalysisTableDoc> output;
   std::size_t outputPredictors = 0;
+  bool outputIndependent = true;  // its runs (profiler_run.h)
 };
 
 }  // namespace brenvolt::sra

@@ -479,6 +479,8 @@ inline constexpr std::int32_t kResponseTitleGraphs = 20938;
 inline constexpr std::int32_t kResponseAxisRankCorrelation = 20939;
 inline constexpr std::int32_t kResponseAxisPredictors = 20940;
 inline constexpr std::int32_t kResponseAllPredictors = 20941;
+inline constexpr std::int32_t kResponseNoIntervals = 20944;
+inline constexpr std::int32_t kDefectCountsTitle = 20945;
 
 // The profiler: what goes beyond the texts above.
 inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;

@@ -411,8 +411,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kProfilerCorrelationNote, "Note: Enter values in upper diagonal, others are ignored."},
     {kDefectTitle, "Defect Profiler"},
     {"response"_column.heading, "Response"},
-    {"defect_rate"_column.heading, "Defect Rate"},
-    {"defect_ppm"_column.heading, "PPM"},
+    {"table_rate"_column.heading, "Defect Rate"},
+    {"table_ppm"_column.heading, "PPM"},
     {kDefectRowOverall, "Overall Rate"},
     {kDefectGraphExpression, "%s ( %f MISSING %f %f ) "},
     // The profiler: help texts of its automation members.
@@ -598,6 +598,17 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponseAxisRankCorrelation, "Rank correlation"},
     {kResponseAxisPredictors, "Predictors"},
     {kResponseAllPredictors, "All predictors"},
+    {"defects"_column.heading, "Defects"},
+    {"defect_runs"_column.heading, "Runs"},
+    {kResponseNoIntervals,
+     "No confidence limits are given: the runs are stratified, because their predictors are correlated, and "
+     "no "
+     "limits are known for such runs."},
+    {kDefectCountsTitle, "Defect Counts"},
+    {"rate_lower"_column.heading, "Defect Rate, lower 95 %"},
+    {"rate_upper"_column.heading, "Defect Rate, upper 95 %"},
+    {"ppm_lower"_column.heading, "PPM, lower 95 %"},
+    {"ppm_upper"_column.heading, "PPM, upper 95 %"},
     // The profiler: what goes beyond the texts above.
     {kMsgProfilerInfiniteValue, "The data contain a value that is not finite."},
     {kMsgProfilerNoValues, "The data contain no valid value."},

@@ -13,11 +13,12 @@ namespace brenvolt {
 
 // What a number is, and so in which form a table for people shows it.
 enum class Quantity : std::uint8_t {
-  kMeasure,     // in the unit of the data, or without one: significant digits, as many as the table takes
-  kCount,       // a whole number
-  kStatistic,   // of a test: four significant digits
-  kPValue,      // four decimals
-  kInformation  // an information criterion: two decimals
+  kMeasure,         // in the unit of the data, or without one: significant digits, as many as the table takes
+  kCount,           // a whole number
+  kStatistic,       // of a test: four significant digits
+  kPValue,          // four decimals
+  kInformation,     // an information criterion: two decimals
+  kPartsPerMillion  // a whole number, which need not be one
 };
 
 struct ResultColumn {
@@ -37,7 +38,8 @@ inline constexpr ResultColumn kOthers[] = {
     {"kind", "", 20740},       {"code", "", 20750},       {"description", "", 20751},
     {"offset", "", 20755},     {"parameter", "", 20756},  {"standard_error", "", 20835},
     {"covariance", "", 20842}, {"reason", "", 20840},     {"origin", "", 21120},
-    {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606}};
+    {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606},
+    {"table_rate", "", 20607}, {"table_ppm", "", 20608}};
 inline constexpr ResultColumn kMoments[] = {
     {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
     {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},
@@ -82,33 +84,40 @@ inline constexpr ResultColumn kSensitivity[] = {
     {"standardized_coefficient", "/standardizedCoefficient", 20915},
     {"linear_contribution", "/linearContribution", 20916},
     {"first_order", "/firstOrder", 20917}};
-inline constexpr ResultColumn kDefects[] = {{"defect_rate", "/rate", 20607},
-                                            {"defect_ppm", "/ppm", 20608},
+inline constexpr ResultColumn kDefects[] = {{"defects", "/defects", 20942, kCount},
+                                            {"defect_runs", "/runs", 20943, kCount},
+                                            {"defect_rate", "/rate", 20607},
+                                            {"rate_lower", "/rateInterval/lower", 20946},
+                                            {"rate_upper", "/rateInterval/upper", 20947},
+                                            {"defect_ppm", "/ppm", 20608, kPartsPerMillion},
+                                            {"ppm_lower", "/ppmInterval/lower", 20948, kPartsPerMillion},
+                                            {"ppm_upper", "/ppmInterval/upper", 20949, kPartsPerMillion},
                                             {"defect_lsl", "/lower", 20870},
                                             {"defect_usl", "/upper", 20872}};
 
 // Rows of the capability, beside those of the moments.
-inline constexpr ResultColumn kCapability[] = {{"lsl", "/specification/lower", 20870},
-                                               {"target", "/specification/target", 20871},
-                                               {"usl", "/specification/upper", 20872},
-                                               {"normal_p", "/normalPValue", 20874, kPValue},
-                                               {"within_deviation", "/within/standardDeviation", 20873},
-                                               {"cp", "/within/cp", 20875},
-                                               {"cpl", "/within/cpl", 20876},
-                                               {"cpu", "/within/cpu", 20877},
-                                               {"cpk", "/within/cpk", 20878},
-                                               {"within_below", "/within/expectedPpm/below", 20887},
-                                               {"within_above", "/within/expectedPpm/above", 20888},
-                                               {"within_total", "/within/expectedPpm/total", 20889},
-                                               {"overall_deviation", "/overall/standardDeviation", 20744},
-                                               {"pp", "/overall/pp", 20880},
-                                               {"ppl", "/overall/ppl", 20881},
-                                               {"ppu", "/overall/ppu", 20882},
-                                               {"ppk", "/overall/ppk", 20883},
-                                               {"cpm", "/overall/cpm", 20879},
-                                               {"overall_below", "/overall/expectedPpm/below", 20890},
-                                               {"overall_above", "/overall/expectedPpm/above", 20891},
-                                               {"overall_total", "/overall/expectedPpm/total", 20892}};
+inline constexpr ResultColumn kCapability[] = {
+    {"lsl", "/specification/lower", 20870},
+    {"target", "/specification/target", 20871},
+    {"usl", "/specification/upper", 20872},
+    {"normal_p", "/normalPValue", 20874, kPValue},
+    {"within_deviation", "/within/standardDeviation", 20873},
+    {"cp", "/within/cp", 20875},
+    {"cpl", "/within/cpl", 20876},
+    {"cpu", "/within/cpu", 20877},
+    {"cpk", "/within/cpk", 20878},
+    {"within_below", "/within/expectedPpm/below", 20887, kPartsPerMillion},
+    {"within_above", "/within/expectedPpm/above", 20888, kPartsPerMillion},
+    {"within_total", "/within/expectedPpm/total", 20889, kPartsPerMillion},
+    {"overall_deviation", "/overall/standardDeviation", 20744},
+    {"pp", "/overall/pp", 20880},
+    {"ppl", "/overall/ppl", 20881},
+    {"ppu", "/overall/ppu", 20882},
+    {"ppk", "/overall/ppk", 20883},
+    {"cpm", "/overall/cpm", 20879},
+    {"overall_below", "/overall/expectedPpm/below", 20890, kPartsPerMillion},
+    {"overall_above", "/overall/expectedPpm/above", 20891, kPartsPerMillion},
+    {"overall_total", "/overall/expectedPpm/total", 20892, kPartsPerMillion}};
 inline constexpr ResultColumn kCapabilityByPercentiles[] = {
     {"low_point", "/percentiles/p0.135", 20893},
     {"median_point", "/percentiles/p50", 20894},
@@ -117,12 +126,13 @@ inline constexpr ResultColumn kCapabilityByPercentiles[] = {
     {"percentile_ppl", "/percentiles/ppl", 20897},
     {"percentile_ppu", "/percentiles/ppu", 20898},
     {"percentile_ppk", "/percentiles/ppk", 20899},
-    {"percentile_below", "/percentiles/expectedPpm/below", 20900},
-    {"percentile_above", "/percentiles/expectedPpm/above", 20901},
-    {"percentile_total", "/percentiles/expectedPpm/total", 20902}};
-inline constexpr ResultColumn kObserved[] = {{"observed_below", "/observedPpm/below", 20884},
-                                             {"observed_above", "/observedPpm/above", 20885},
-                                             {"observed_total", "/observedPpm/total", 20886}};
+    {"percentile_below", "/percentiles/expectedPpm/below", 20900, kPartsPerMillion},
+    {"percentile_above", "/percentiles/expectedPpm/above", 20901, kPartsPerMillion},
+    {"percentile_total", "/percentiles/expectedPpm/total", 20902, kPartsPerMillion}};
+inline constexpr ResultColumn kObserved[] = {
+    {"observed_below", "/observedPpm/below", 20884, kPartsPerMillion},
+    {"observed_above", "/observedPpm/above", 20885, kPartsPerMillion},
+    {"observed_total", "/observedPpm/total", 20886, kPartsPerMillion}};
 
 }  // namespace result_columns
 

@@ -79,20 +79,21 @@ class Profiler {
 
   const std::vector<std::string>& Responses() const { return responses_; }
 
-  Table Simulate() {
+  // The simulated runs, and the graph of the profiles unless there are too many.
+  std::pair<Table, std::optional<Graph>> Simulate() {
     const auto shown = Show("SimulationResults");
     if (shown.tables.empty()) throw Error("the analysis returned no table");
-    return shown.tables.front();
+    return {shown.tables.front(),
+            shown.graphs.empty() ? std::nullopt : std::optional(shown.graphs.front()->Content())};
   }
 
-  ResponseResults ResultsOf(std::size_t response) {
+  void TakeResults(std::size_t response, ProfileResults& results) {
     Select(response);
-    ResponseResults results = ReadResponseResults(responses_[response], Show("SummaryStats").tables);
-    if (!IsSpecified(response)) return results;
+    const auto summary = Show("SummaryStats").tables;
+    if (!IsSpecified(response)) return TakeResponse(responses_[response], summary, nullptr, results);
     const auto capability = Show("CapabilityStats").tables;
     if (capability.empty()) throw Error("the analysis returned no capability", responses_[response]);
-    results.capability = ReadResultTable(capability.front()->Table());
-    return results;
+    TakeResponse(responses_[response], summary, capability.front().get(), results);
   }
 
   // The histogram with its best fit and the tornado graph of a response.
@@ -108,7 +109,7 @@ class Profiler {
                              &ProfileJob::Specification::response) != job_.specifications.end();
   }
 
-  // The table of defect rates and the graph of the profiles, for which the response is specified.
+  // The table of the counts of defects and the graph of the profiles, for which the response is specified.
   std::pair<Table, std::optional<Graph>> Defects(std::size_t response) {
     Select(response);
     const std::size_t shownBefore = session_.Interface().Documents().size();
@@ -117,7 +118,7 @@ class Profiler {
       if (shown.tables.empty() || shown.graphs.empty()) throw Error("the analysis returned no defects");
       return {shown.tables.front(), shown.graphs.front()->Content()};
     } catch (const AutomationError& error) {
-      // The table is kept if only its graph cannot be drawn.
+      // The tables are kept if only their graph cannot be drawn.
       const auto tables = session_.ShownSince(shownBefore).tables;
       if (tables.empty()) throw;
       session_.Interface().ShowMessage({error.Reason(), error.Where(), {}});
@@ -237,13 +238,25 @@ class Profiler {
   std::vector<std::string> responses_;
 };
 
-void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const std::optional<Graph>& defects) {
-  nlohmann::ordered_json report = {{"responses", nlohmann::ordered_json::array()}};
-  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+// The graphs of all responses together.
+struct SharedGraphs {
+  std::optional<Graph> profiles;
+  std::optional<Graph> defects;
+};
+
+// A response without any prediction has no graphs of its own.
+void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const ProfileResults& results,
+                 const SharedGraphs& shared) {
+  using Json = nlohmann::ordered_json;
+  Json report = {{"responses", Json::array()}};
+  for (std::size_t i = 0; i < results.responses.size(); ++i) {
+    const ResponseResults& response = results.responses[i];
     report["responses"].push_back(
-        {{"name", profiler.Responses()[i]}, {"graphs", GraphJson(profiler.GraphsOf(i))["panels"]}});
+        {{"name", response.name},
+         {"graphs", response.IsPredicted() ? GraphJson(profiler.GraphsOf(i))["panels"] : Json::array()}});
   }
-  if (defects) report["defectProfile"] = GraphJson(*defects);
+  if (shared.profiles) report["profiles"] = GraphJson(*shared.profiles);
+  if (shared.defects) report["defectProfile"] = GraphJson(*shared.defects);
   OutputFile file(path);
   file.Write(JsonText(report));
   file.Commit();
@@ -269,18 +282,21 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   found.seed = ChosenSeed(seed);
   Profiler profiler(*this, found.seed, Start(input, data));
   profiler.Prepare();
-  found.simulated = profiler.Simulate();
+  SharedGraphs shared;
+  std::tie(found.simulated, shared.profiles) = profiler.Simulate();
   found.results.runs = static_cast<std::int64_t>(samples);
-  std::optional<Graph> defectProfile;
   for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
-    found.results.responses.push_back(profiler.ResultsOf(i));
+    profiler.TakeResults(i, found.results);
     if (!profiler.IsSpecified(i) || found.results.defects) continue;
     Table defects;
-    std::tie(defects, defectProfile) = profiler.Defects(i);
+    std::tie(defects, shared.defects) = profiler.Defects(i);
     TakeDefects(*defects, found.results);
   }
+  if (std::ranges::none_of(found.results.responses, &ResponseResults::IsPredicted))
+    throw Error("no run has a prediction of any response");
+  if (shared.profiles) TakeProfiles(*shared.profiles, found.results);
   found.outputSheet = WriteSimulated(output, found.simulated, recorder);
-  if (!graphs.empty()) WriteGraphs(graphs, profiler, defectProfile);
+  if (!graphs.empty()) WriteGraphs(graphs, profiler, found.results, shared);
   return found;
 }
 

@@ -1,35 +1,62 @@
 #include "host/jobs/profile_results.h"
 
+#include <algorithm>
 #include <sstream>
 #include <utility>
 
 #include "host/base/error.h"
 
 namespace brenvolt {
+namespace {
 
-ResponseResults ReadResponseResults(const std::string& name,
-                                    std::span<const std::shared_ptr<CAnalysisTableDoc>> summary) {
+// The table, the further lines of whose title become notes.
+ResultTable ReadTable(const CAnalysisTableDoc& document, ProfileResults& results) {
+  ResultTable table = ReadResultTable(document.Table());
+  std::istringstream lines(std::exchange(table.title, {}));
+  std::getline(lines, table.title);
+  for (std::string note; std::getline(lines, note);) {
+    if (std::ranges::find(results.notes, note) == results.notes.end()) results.notes.push_back(note);
+  }
+  return table;
+}
+
+}  // namespace
+
+void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnalysisTableDoc>> summary,
+                  const CAnalysisTableDoc* capability, ProfileResults& results) {
   enum Place : std::size_t { kStatistics, kCorrelations, kPercentiles, kFrequencies, kSensitivity, kPlaces };
   if (summary.size() != kPlaces) throw Error("the analysis returned no summary", name);
-  const auto rows = [&](Place place) { return ReadResultTable(summary[place]->Table()).rows; };
-  ResponseResults results{name,
-                          rows(kStatistics).front(),
-                          rows(kCorrelations),
-                          rows(kPercentiles),
-                          rows(kFrequencies),
-                          rows(kSensitivity),
-                          {},
-                          {}};
-  results.allPredictors = std::move(results.sensitivity.back());
-  results.sensitivity.pop_back();
-  return results;
+  const auto rows = [&](Place place) { return ReadTable(*summary[place], results).rows; };
+  ResponseResults response{name,
+                           rows(kStatistics).front(),
+                           rows(kCorrelations),
+                           rows(kPercentiles),
+                           rows(kFrequencies),
+                           rows(kSensitivity),
+                           {},
+                           {},
+                           {}};
+  response.allPredictors = std::move(response.sensitivity.back());
+  response.sensitivity.pop_back();
+  if (capability != nullptr) response.capability = ReadTable(*capability, results);
+  results.responses.push_back(std::move(response));
+}
+
+bool ResponseResults::IsPredicted() const {
+  return statistics.Number("n"_column) > 0;
+}
+
+void TakeProfiles(const Graph& graph, ProfileResults& results) {
+  for (const Graph& panel : graph.panels) {
+    const auto response = std::ranges::find(results.responses, panel.yTitle, &ResponseResults::name);
+    const auto means = std::ranges::find(panel.series, SeriesStyle::kLine, &GraphSeries::style);
+    if (response == results.responses.end() || means == panel.series.end()) continue;
+    response->profiles.push_back({panel.xTitle, means->x, means->y});
+  }
 }
 
 void TakeDefects(const CAnalysisTableDoc& document, ProfileResults& results) {
-  results.defects = ReadResultTable(document.Table());
-  std::istringstream lines(std::exchange(results.defects->title, {}));
-  std::getline(lines, results.defects->title);
-  for (std::string note; std::getline(lines, note);) results.notes.push_back(note);
+  results.defects = ReadTable(document, results);
   for (ResultRow& row : results.defects->rows) row.name = row.Text("response"_column);
 }
 

@@ -10,34 +10,49 @@
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/analysis/result_table.h"
+#include "host/graphs/graph.h"
 
 namespace brenvolt {
+
+// How a response follows a predictor: its mean in classes of the predictor's values that hold equally many runs.
+struct PredictedProfile {
+  std::string predictor;
+  std::vector<double> values;  // the median of each class, ascending
+  std::vector<double> means;   // of the response in that class
+};
 
 // Rows of the tables are by the columns of result_columns.h.
 struct ResponseResults {
   std::string name;
   ResultRow statistics;
-  std::vector<ResultRow> correlations;    // one row per predictor
-  std::vector<ResultRow> percentiles;     // "percentile.0.135", …
-  std::vector<ResultRow> frequencies;     // one row per class
-  std::vector<ResultRow> sensitivity;     // one row per predictor, the most influential first
-  ResultRow allPredictors;                // the sensitivity to all together
-  std::optional<ResultTable> capability;  // one row per statistic; with a specification
+  std::vector<ResultRow> correlations;     // one row per predictor
+  std::vector<ResultRow> percentiles;      // "percentile.0.135", …
+  std::vector<ResultRow> frequencies;      // one row per class
+  std::vector<ResultRow> sensitivity;      // one row per predictor, the most influential first
+  ResultRow allPredictors;                 // the sensitivity to all together
+  std::optional<ResultTable> capability;   // one row per statistic; with a specification
+  std::vector<PredictedProfile> profiles;  // by predictor; none where there were too many to draw
+
+  // Whether any run has a prediction.
+  bool IsPredicted() const;
 };
 
 struct ProfileResults {
   std::int64_t runs = 0;
   std::vector<ResponseResults> responses;
-  // One row per specified response, then that of all; where there is any.
+  // The exact counts, one row per specified response, then that of all; where there is any.
   std::optional<ResultTable> defects;
-  std::vector<std::string> notes;  // on the defects
+  std::vector<std::string> notes;  // on what the tables leave out
 };
 
-// From the tables of a response's summary, in the order in which the profiler shows them; Error for another
-// number of tables than it shows.
-ResponseResults ReadResponseResults(const std::string& name,
-                                    std::span<const std::shared_ptr<CAnalysisTableDoc>> summary);
-// Puts the table of defect rates into the results, the further lines of its title as notes.
+// Adds a response from the tables of its summary, in the order in which the profiler shows them, and that of its
+// capability where there is one. The further lines of their titles are notes, each of which is taken once. Error
+// for another number of tables than the profiler shows.
+void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnalysisTableDoc>> summary,
+                  const CAnalysisTableDoc* capability, ProfileResults& results);
+// Takes the profiles of each response from the graph of them all.
+void TakeProfiles(const Graph& graph, ProfileResults& results);
+// Takes the table of the exact counts of defects, and the further lines of its title as notes.
 void TakeDefects(const CAnalysisTableDoc& document, ProfileResults& results);
 
 }  // namespace brenvolt

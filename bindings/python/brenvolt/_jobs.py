@@ -511,7 +511,7 @@ class ProfileResult:
     """What simulated runs told of the responses.
 
     runs, seed; samples: a DataFrame with a row per run; responses: {name: ProfiledResponse}; defects: a DataFrame with a
-    row per specified response, then that of all; notes: texts on the defects.
+    row per specified response, then that of all, with limits of 95 % confidence; notes: texts on what is left out.
     """
 
     def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any]) -> None:
@@ -536,7 +536,8 @@ class ProfiledResponse:
 
     name; statistics: a Series of moments; percentiles, frequencies, correlations, sensitivity: DataFrames, the sensitivity
     ordered by influence; r_squared: of all predictors together; capability: a DataFrame of statistics where the response
-    is specified, else None, and capability_distribution, that of its percentiles.
+    is specified, else None, and capability_distribution, that of its percentiles; profiles: {predictor: DataFrame}, the
+    means of the response in classes of the predictor's values.
     """
 
     def __init__(self, found: Mapping[str, Any]) -> None:
@@ -549,6 +550,7 @@ class ProfiledResponse:
         self.correlations = _rows_frame(found["correlations"], "predictor")
         self.sensitivity = _rows_frame(found["sensitivity"], "predictor")
         self.r_squared: float = found["r_squared"]
+        self.profiles = {predictor: pandas.DataFrame(means) for predictor, means in found["profiles"].items()}
         capability = found["capability"]
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
         self.capability_distribution = None if capability is None else capability["distribution"]

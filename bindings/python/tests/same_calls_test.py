@@ -293,6 +293,8 @@ class SameCalls(unittest.TestCase):
             for key, column in columns.items():
                 given = [numpy.nan if row[key] is None else row[key] for row in expected[table]]
                 numpy.testing.assert_array_equal(frame[column], given)
+        for profile in expected["profiles"]:
+            self.assertEqual(response.profiles[profile["predictor"]]["mean"].tolist(), profile["means"])
         capability = expected["capability"]
         self.assertEqual(response.capability.loc["overall_above", "value"], capability["overall"]["expectedPpm"]["above"])
         self.assertEqual(response.capability_distribution, (capability["percentiles"] or {}).get("distribution", ""))

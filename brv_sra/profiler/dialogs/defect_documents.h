@@ -1,11 +1,9 @@
-// The defect rates of the responses as a table, and the defect profile as a graph.
+// The defect rates of the responses as tables, and the defect profile as a graph.
 #pragma once
 
 #include <cstddef>
 #include <memory>
 #include <span>
-#include <string>
-#include <vector>
 
 #include "brv_sra/profiler/defect_profile.h"
 #include "host/graphs/graph.h"
@@ -13,22 +11,18 @@
 
 namespace brenvolt::sra {
 
-// A row of the table of defect rates. The rate is the sixteen-bit count over the runs, NaN where there are no
-// runs. A rate whose count is saturated is too low; a note then tells the exact count and rate.
-struct DefectRate {
-  std::string name;
-  double rate = 0;
-  double partsPerMillion = 0;
-  double lower = 0;  // the limits of the response; NaN where not given, and in the last row
-  double upper = 0;
-};
-struct DefectTable {
-  std::vector<DefectRate> rows;  // of the responses that take part, then "Overall Rate"
-  std::vector<std::string> notes;
-};
-DefectTable MakeDefectTable(std::span<const ProfiledResponse> responses);
-// As a spreadsheet, titled "Defect Profiler", its notes as further lines of the title.
-std::unique_ptr<Spreadsheet> MakeDefectSheet(const DefectTable& table);
+// Both tables have a row for each response that takes part, then "Overall Rate"; `counts` are those of the
+// responses. Rates are missing where there are no runs, and the limits where they are not given and in the last
+// row. Notes on the rows are further lines of the title.
+//
+// "Defect Profiler": rate and parts per million of the sixteen-bit counts, and the limits. A rate whose count is
+// saturated is too low; a note then tells the exact ones.
+std::unique_ptr<Spreadsheet> MakeDefectSheet(std::span<const ProfiledResponse> responses,
+                                             const DefectCounts& counts);
+// "Defect Counts": defects and runs, rate and parts per million of the exact counts with limits of 95 %
+// confidence where the runs are independent of each other, and the limits.
+std::unique_ptr<Spreadsheet> MakeDefectCountSheet(std::span<const ProfiledResponse> responses,
+                                                  const DefectCounts& counts, bool independent);
 
 // A graph titled "Defect Profiler" with a panel for each profile: the defect rate as a line over the medians
 // of the classes.

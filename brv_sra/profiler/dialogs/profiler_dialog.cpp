@@ -323,6 +323,7 @@ void CSimulationProfiler::Produce(ProfilerRun run) {
   ProfilerState& state = State();
   fit_.reset();
   state.outputPredictors = Design().predictors.size();
+  state.outputIndependent = run.independent;
   if (state.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     run.output->SetName(state.output->Table().Name());
     state.output->Table() = std::move(*run.output);
@@ -386,7 +387,8 @@ SimulatedResponse CSimulationProfiler::Response() const {
   const Spreadsheet& sheet = state.output->Table();
   for (std::size_t j = state.outputPredictors; j < sheet.VariableCount(); ++j) {
     if (sheet.VariableAt(j).Name() == selected.name)
-      return {sheet, state.outputPredictors, j - state.outputPredictors, selected.limits};
+      return {sheet, state.outputPredictors, j - state.outputPredictors, selected.limits,
+              state.outputIndependent};
   }
   throw CDispatchException(szLoadResString(kMsgProfilerNotSimulated), selected.name);
 }
@@ -431,8 +433,12 @@ std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::DefectProfile() {
   RequireSpecification();
   const SimulatedResponse response = Response();
   const ProfiledColumns columns = ColumnsOf(response.sheet, response.predictors, Design());
-  Analysis().Interface().ShowDocument(
-      std::make_shared<CAnalysisTableDoc>(MakeDefectSheet(MakeDefectTable(columns.responses))));
+  const DefectCounts counts = CountDefects(columns.responses);
+  const auto show = [this](std::unique_ptr<Spreadsheet> table) {
+    Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(std::move(table)));
+  };
+  show(MakeDefectCountSheet(columns.responses, counts, response.independent));
+  show(MakeDefectSheet(columns.responses, counts));
   if (!FitsProfileLimit(columns.predictors.size(), columns.responses.size()))
     throw CDispatchException(szLoadResString(kMsgDefectProfileFailed),
                              szLoadResString(kMsgProfilerTooManyGraphs));

@@ -66,13 +66,14 @@ Graph Panel(const ProfiledPredictor& predictor, const ProfiledResponse& response
   return panel;
 }
 
-// How many runs there are and how many of them a panel shows.
+// How many runs there are and how many of them a panel shows. Throws Error where no response has a prediction.
 void AddNotes(const ProfiledColumns& columns, Graph& graph) {
+  bool isAnyPredicted = false;
   for (const ProfiledResponse& response : columns.responses) {
     const std::size_t runs = response.values.size();
     const auto missing = static_cast<std::size_t>(
         std::ranges::count_if(response.values, [](double y) { return std::isnan(y); }));
-    if (missing == runs) throw Error(std::string(ResourceString(kMsgProfilerGraphFailed)), response.name);
+    isAnyPredicted = isAnyPredicted || missing < runs;
     if (missing > 0) {
       graph.notes.push_back(response.name + ": " + std::to_string(missing) + " of " + std::to_string(runs) +
                             " runs have no prediction and are left out");
@@ -82,6 +83,11 @@ void AddNotes(const ProfiledColumns& columns, Graph& graph) {
                             std::to_string(runs - missing) + " points are shown");
     }
   }
+  if (isAnyPredicted || columns.responses.empty()) return;
+  std::string names;
+  for (const ProfiledResponse& response : columns.responses)
+    names += (names.empty() ? "" : ", ") + response.name;
+  throw Error(std::string(ResourceString(kMsgProfilerGraphFailed)), names);
 }
 
 }  // namespace

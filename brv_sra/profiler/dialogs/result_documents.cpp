@@ -39,6 +39,12 @@ std::unique_ptr<Spreadsheet> NewTable(std::int32_t title, const Variable& respon
   return NewResultSheet(FormatResource(title, response.Name()), std::move(cases));
 }
 
+// Says why a table has no confidence limits where it has none.
+void ExplainLimits(const SimulatedResponse& response, Spreadsheet& sheet) {
+  if (response.independent) return;
+  sheet.SetTitle(sheet.Title() + "\n" + std::string(ResourceString(kResponseNoIntervals)));
+}
+
 // What is not set is missing.
 void AddNumbers(Spreadsheet& sheet, const ResultColumn& column, const CellNumber& value) {
   AddColumn(sheet, column, [&](std::size_t i) { return OrMissing(value(i)); });
@@ -56,7 +62,7 @@ struct Capability {
 struct CapabilityRow {
   const ResultColumn& statistic;
   double (*value)(const Capability& c);
-  ConfidenceInterval CapabilityReport::*interval = nullptr;
+  ConfidenceInterval (*interval)(const CapabilityReport& report) = nullptr;
 };
 
 // In the order of the table.
@@ -70,18 +76,25 @@ constexpr CapabilityRow kCapabilityRows[] = {
     {"overall_deviation"_column, [](const Capability& c) { return c.report.sample.overall; }},
     {"within_deviation"_column, [](const Capability& c) { return c.report.sample.within; }},
     {"normal_p"_column, [](const Capability& c) { return c.normalPValue; }},
-    {"cp"_column, [](const Capability& c) { return c.report.within.potential; }, &CapabilityReport::cp},
+    {"cp"_column, [](const Capability& c) { return c.report.within.potential; },
+     [](const CapabilityReport& r) { return r.cp; }},
     {"cpl"_column, [](const Capability& c) { return c.report.within.lower; }},
     {"cpu"_column, [](const Capability& c) { return c.report.within.upper; }},
-    {"cpk"_column, [](const Capability& c) { return c.report.within.least; }, &CapabilityReport::cpk},
+    {"cpk"_column, [](const Capability& c) { return c.report.within.least; },
+     [](const CapabilityReport& r) { return r.cpk; }},
     {"cpm"_column, [](const Capability& c) { return c.report.cpm; }},
-    {"pp"_column, [](const Capability& c) { return c.report.overall.potential; }, &CapabilityReport::pp},
+    {"pp"_column, [](const Capability& c) { return c.report.overall.potential; },
+     [](const CapabilityReport& r) { return r.pp; }},
     {"ppl"_column, [](const Capability& c) { return c.report.overall.lower; }},
     {"ppu"_column, [](const Capability& c) { return c.report.overall.upper; }},
-    {"ppk"_column, [](const Capability& c) { return c.report.overall.least; }, &CapabilityReport::ppk},
-    {"observed_below"_column, [](const Capability& c) { return c.report.observed.below; }},
-    {"observed_above"_column, [](const Capability& c) { return c.report.observed.above; }},
-    {"observed_total"_column, [](const Capability& c) { return c.report.observed.total; }},
+    {"ppk"_column, [](const Capability& c) { return c.report.overall.least; },
+     [](const CapabilityReport& r) { return r.ppk; }},
+    {"observed_below"_column, [](const Capability& c) { return c.report.observed.below; },
+     [](const CapabilityReport& r) { return r.observedIntervals.below; }},
+    {"observed_above"_column, [](const Capability& c) { return c.report.observed.above; },
+     [](const CapabilityReport& r) { return r.observedIntervals.above; }},
+    {"observed_total"_column, [](const Capability& c) { return c.report.observed.total; },
+     [](const CapabilityReport& r) { return r.observedIntervals.total; }},
     {"within_below"_column, [](const Capability& c) { return c.report.expectedWithin.below; }},
     {"within_above"_column, [](const Capability& c) { return c.report.expectedWithin.above; }},
     {"within_total"_column, [](const Capability& c) { return c.report.expectedWithin.total; }},
@@ -164,7 +177,8 @@ std::unique_ptr<Spreadsheet> PercentileTable(const SimulatedResponse& response,
   std::vector<std::string> names;
   std::vector<std::string> identifiers;
   for (const double percent : kPercents) {
-    estimates.push_back(EstimatePercentile(sorted, percent, kConfidence));
+    estimates.push_back(response.independent ? EstimatePercentile(sorted, percent, kConfidence)
+                                             : PercentileEstimate{.value = Percentile(sorted, percent)});
     names.push_back(std::string(ResourceString("percentile"_column.heading)) + ShortestNumber(percent));
     identifiers.push_back(NumberedIdentifier("percentile"_column, ShortestNumber(percent)));
   }
@@ -174,6 +188,7 @@ std::unique_ptr<Spreadsheet> PercentileTable(const SimulatedResponse& response,
   AddNumbers(*sheet, "lower"_column, [&](std::size_t i) { return estimates[i].lower; });
   AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return estimates[i].upper; });
   AddNumbers(*sheet, "coverage"_column, [&](std::size_t i) { return estimates[i].coverage; });
+  ExplainLimits(response, *sheet);
   return sheet;
 }
 
@@ -263,12 +278,13 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   sheet->SetCaseIdentifiers(std::move(identifiers));
   const auto limit = [&](std::size_t i, double ConfidenceInterval::*side) {
     const auto interval = kCapabilityRows[i].interval;
-    return interval == nullptr ? GetDefaultMDValue() : capability.report.*interval.*side;
+    return interval == nullptr || !response.independent ? kNotSet : interval(capability.report).*side;
   };
   AddNumbers(*sheet, "value"_column, [&](std::size_t i) { return kCapabilityRows[i].value(capability); });
   AddNumbers(*sheet, "lower"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::lower); });
   AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
   AddDescriptionColumn(*sheet, best);
+  ExplainLimits(response, *sheet);
   return sheet;
 }
 

@@ -26,6 +26,7 @@ struct SimulatedResponse {
   std::size_t predictors = 0;
   std::size_t response = 0;    // among the responses, from 0
   SpecificationLimits limits;  // NaN where not given
+  bool independent = true;     // the runs of each other; confidence limits are known for such runs alone
 
   const Variable& Column() const { return sheet.VariableAt(predictors + response); }
 };

@@ -5,16 +5,20 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <numeric>
 #include <span>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "brv_sra/distributions/specified_distribution.h"
+#include "brv_sra/profiler/profiler_run.h"
 #include "host/analysis/result_table.h"
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 #include "host/statistics/normality.h"
 
 namespace brenvolt::sra {
@@ -96,6 +100,95 @@ TEST(CapabilityDocument, NormalResponseHasNoIndicesByPercentiles) {
   EXPECT_LT(Cell(*table, "cpk"_column, "lower"_column), Cell(*table, "cpk"_column));
   for (const ResultColumn* row : {&"low_point"_column, &"percentile_ppk"_column, &"percentile_total"_column})
     EXPECT_TRUE(std::isnan(Cell(*table, *row))) << row->identifier;
+}
+
+// Y = 3 A - 2 B of independent normal predictors is normal: mean 22, variance 40.
+ProfilerDesign LinearDesign(std::int32_t runs, std::int32_t seed) {
+  ProfilerDesign design;
+  design.runs = runs;
+  design.seeded = true;
+  design.seed = seed;
+  for (const auto& [name, mean, deviation] : {std::tuple{"A", 10.0, 2.0}, std::tuple{"B", 4.0, 1.0}}) {
+    ProfilerPredictor predictor;
+    predictor.name = name;
+    predictor.setting = PredictorSetting::kRandom;
+    predictor.specification.values = {mean, deviation};
+    design.AddPredictor(std::move(predictor));
+  }
+  ProfilerDependent dependent;
+  dependent.name = "Y";
+  dependent.formula = "3*A - 2*B";
+  dependent.limits = {10, 34, kNan};
+  design.AddDependent(std::move(dependent));
+  return design;
+}
+
+// The share of 1000 designs of 500 runs whose 95 % limits hold the true value. Limits between order statistics
+// and those of a proportion hold it somewhat more often than 95 %; the standard error of a share is 0.7 %.
+TEST(ResultDocuments, LimitsOfIndependentRunsHoldTheTrueValue) {
+  constexpr int kDesigns = 1000;
+  constexpr std::int32_t kRuns = 500;
+  const double deviation = std::sqrt(40);
+  const std::vector<double> parameters{22, deviation};
+  const SpecifiedDistribution truth(DistributionCode::kNormal, parameters, 0);
+  VariableFit noFit;
+  noFit.invalid = true;
+  NoProgress port;
+  std::map<std::string, int> held;
+  const auto count = [&](const std::string& name, const Spreadsheet& table, const auto& row, double value) {
+    const bool holds = Cell(table, row, "lower"_column) <= value && value <= Cell(table, row, "upper"_column);
+    held[name] += holds ? 1 : 0;
+  };
+  for (int i = 0; i < kDesigns; ++i) {
+    const ProfilerDesign design = LinearDesign(kRuns, 1000 + i);
+    const auto run = RunProfiler(design, port);
+    ASSERT_TRUE(static_cast<bool>(run));
+    const SimulatedResponse response{*run->output, 2, 0, design.dependents[0].limits, run->independent};
+    const auto summary = SummaryDocuments(response);
+    const Spreadsheet& percentiles = *summary[static_cast<std::size_t>(SummaryDocument::kPercentiles)];
+    for (const double percent : {5.0, 50.0, 95.0})
+      count("P" + ShortestNumber(percent), percentiles, "P" + ShortestNumber(percent),
+            truth.Quantile(percent / 100));
+    const auto capability = CapabilityDocument(response, noFit);
+    count("Ppk", *capability, "ppk"_column, 12 / (3 * deviation));
+    count("Pp", *capability, "pp"_column, 24 / (6 * deviation));
+    count("PPM", *capability, "observed_total"_column, 1e6 * (truth.Cdf(10) + truth.Complement(34)));
+  }
+  EXPECT_EQ(held.size(), 6U);
+  for (const auto& [name, number] : held) {
+    RecordProperty(name, number);
+    EXPECT_GE(number, 0.935 * kDesigns) << name;
+    EXPECT_LE(number, 0.985 * kDesigns) << name;
+  }
+}
+
+// Those of stratified runs are far wider than their values scatter: none are given, and the tables say why.
+TEST(ResultDocuments, StratifiedRunsHaveNoLimits) {
+  ProfilerDesign design = LinearDesign(500, 1);
+  design.simulateCorrelations = true;
+  NoProgress port;
+  const auto run = RunProfiler(design, port);
+  ASSERT_TRUE(static_cast<bool>(run));
+  EXPECT_FALSE(run->independent);
+  const SimulatedResponse response{*run->output, 2, 0, design.dependents[0].limits, run->independent};
+  const auto summary = SummaryDocuments(response);
+  const Spreadsheet& percentiles = *summary[static_cast<std::size_t>(SummaryDocument::kPercentiles)];
+  VariableFit noFit;
+  noFit.invalid = true;
+  const auto capability = CapabilityDocument(response, noFit);
+  const Spreadsheet* tables[] = {&percentiles, capability.get()};
+  for (const Spreadsheet* table : tables) {
+    EXPECT_NE(table->Title().find("\nNo confidence limits are given"), std::string::npos) << table->Title();
+    const ResultTable rows = ReadResultTable(*table);
+    for (const ResultRow& row : rows.rows) {
+      EXPECT_TRUE(std::isnan(row.Number("lower"_column))) << row.name;
+      EXPECT_TRUE(std::isnan(row.Number("upper"_column))) << row.name;
+    }
+  }
+  EXPECT_NEAR(Cell(percentiles, "P50"), 22, 0.1);
+  design.predictors[0].setting = PredictorSetting::kFixed;
+  design.predictors[0].fixedValue = 10;
+  EXPECT_TRUE(RunProfiler(design, port)->independent) << "a single random predictor has no correlations";
 }
 
 // A² is 2.21 where both parameters are fitted: a p-value near 1e-5, though a test for known parameters sees nothing.
