@@ -352,16 +352,21 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
   }
 }
 
-TEST_F(Command, FormulasOfProfilesUseColumnsByNameAndNoResponses) {
+TEST_F(Command, FormulasOfProfilesUseColumnsByNameAndOtherResponses) {
   WriteBytes(File("v.csv"), "v1,v2,v3\n1,2,3\n2,3,5\n4,1,2\n3,3,1\n");
   const Json report =
       JsonOf({"profile", "v.csv", "--formula", "Y = v1 + v3", "--samples", "200", "--seed", "1"});
   EXPECT_NEAR(report["responses"][0]["statistics"]["mean"], 5.25, 0.5) << "means of the columns v1 and v3";
-  for (const char* formula : {"v2 = v2 + 1", "B = A + 1"}) {
+  const Json chained =
+      JsonOf({"profile", "v.csv", "--formula", "B = 2*A", "--formula", "A = v1", "--seed", "1"});
+  EXPECT_DOUBLE_EQ(chained["responses"][0]["statistics"]["mean"],
+                   2 * chained["responses"][1]["statistics"]["mean"].get<double>());
+  EXPECT_EQ(chained["responses"][0]["sensitivity"].size(), 1U);
+  for (const char* formula : {"v2 = v2 + v1", "v2 = B + v1"}) {
     const Outcome refused =
-        Run({"profile", "v.csv", "--formula", "A = v1", "--formula", formula, "-o", "x.csv"});
+        Run({"profile", "v.csv", "--formula", "B = v2 + v3", "--formula", formula, "-o", "x.csv"});
     EXPECT_EQ(refused.status, 1) << formula;
-    EXPECT_NE(refused.err.find("a formula cannot use a response"), std::string::npos) << refused.err;
+    EXPECT_NE(refused.err.find("it is predicted from itself"), std::string::npos) << refused.err;
     EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
   }
 }

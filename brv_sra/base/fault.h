@@ -48,6 +48,7 @@ enum class FaultIdentifier : std::uint8_t {
   kFixedValueNotFinite,
   kInvalidPredictor,             // the detail says why
   kNothingPredicts,              // the dependent has neither a formula nor a model
+  kPredictedFromItself,          // the dependent, by way of others or directly
   kFormulaInvalid,               // the detail says why
   kFormulaPredictorUnspecified,  // about the dependent, the detail is the predictor
   kModelPredictorUnspecified,    // about the predictor, the detail is the model
@@ -55,8 +56,7 @@ enum class FaultIdentifier : std::uint8_t {
   kSingularNoise,
   // Models, formulas and data of the profiler.
   kInvalidFileNames,
-  kFieldTypesDiffer,   // between two models, of a predictor
-  kResponseInFormula,  // about the response, the detail is the dependent that has the formula
+  kFieldTypesDiffer,  // between two models, of a predictor
   kNoPredictorFitted,
   // What stops nothing: data that are not used, a correlation that is taken as 0.
   kInfiniteData,

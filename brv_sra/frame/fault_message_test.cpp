@@ -55,7 +55,7 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
        "no distribution is specified for 'C'"},
       {{kModelPredictorUnspecified, "A", "forest"}, "Please specify a distribution for A", "model forest"},
       {{kInvalidNoise, "Y"}, "Please set a valid standard deviation of the noise of Y", ""},
-      {{kResponseInFormula, "Y", "Z"}, "a formula cannot use a response, 'Y'", "Z"},
+      {{kPredictedFromItself, "Y"}, "Please check the formula for Y", "it is predicted from itself"},
       {{kCorrelationUndefined, "A", "B"}, "Correlation Failed!", "A, B"},
   };
   for (const auto& row : rows) {

@@ -23,6 +23,17 @@ std::vector<double> Extended(const std::vector<double>& matrix, std::size_t k) {
   return result;
 }
 
+// The k x k matrix without a row and its column.
+std::vector<double> Without(const std::vector<double>& matrix, std::size_t k, std::size_t place) {
+  std::vector<double> result;
+  for (std::size_t i = 0; i < k; ++i) {
+    for (std::size_t j = 0; j < k; ++j) {
+      if (i != place && j != place) result.push_back(matrix[i * k + j]);
+    }
+  }
+  return result;
+}
+
 }  // namespace
 
 std::optional<std::size_t> ProfilerDesign::FindPredictor(std::string_view name) const {
@@ -43,6 +54,12 @@ std::size_t ProfilerDesign::AddDependent(ProfilerDependent dependent) {
   correlationsY = Extended(correlationsY, dependents.size());
   dependents.push_back(std::move(dependent));
   return dependents.size() - 1;
+}
+
+void ProfilerDesign::RetirePredictor(std::size_t place) {
+  correlations = Without(correlations, predictors.size(), place);
+  retired.push_back(std::move(predictors[place]));
+  predictors.erase(predictors.begin() + static_cast<std::ptrdiff_t>(place));
 }
 
 }  // namespace brenvolt::sra

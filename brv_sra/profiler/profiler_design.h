@@ -56,14 +56,19 @@ struct ProfilerDependent {
   // The earlier formulas, the latest last: undoing a formula returns to it.
   std::vector<std::string> formerFormulas;
   bool addNoise = false;
-  double standardDeviation = kNotSet;  // of the noise
-  SpecificationLimits limits;          // NaN where not given
-  std::map<double, std::string> labels;
+  double standardDeviation = kNotSet;    // of the noise
+  SpecificationLimits limits;            // NaN where not given
+  std::map<double, std::string> labels;  // of the model's classes
+
+  // A formula predicts numbers.
+  bool HoldsTexts() const { return formula.empty() && !labels.empty(); }
 };
 
 struct ProfilerDesign {
   std::vector<ProfilerPredictor> predictors;  // in the order in which they were first met
   std::vector<ProfilerDependent> dependents;
+  // Predictors that nothing reads any more, with what a person specified; they return under their names.
+  std::vector<ProfilerPredictor> retired;
   std::int32_t runs = kUsualRuns;
   bool seeded = false;
   std::int32_t seed = 1000;
@@ -79,6 +84,8 @@ struct ProfilerDesign {
   // Appends one, uncorrelated with the others, and returns its place.
   std::size_t AddPredictor(ProfilerPredictor predictor);
   std::size_t AddDependent(ProfilerDependent dependent);
+  // Takes a predictor and its correlations out.
+  void RetirePredictor(std::size_t place);
 };
 
 // The names of predictors, or of dependents.

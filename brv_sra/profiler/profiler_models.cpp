@@ -203,7 +203,7 @@ ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, c
   return predictor;
 }
 
-// A further model knows the predictor, too.
+// A further model reads the predictor, too.
 Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
   if (predictor.holdsTexts != field.isText) return Fault{kFieldTypesDiffer, predictor.name};
   for (const std::string& label : field.labels) {
@@ -216,10 +216,11 @@ Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
   return {};
 }
 
+// The dependents are there already.
 Result<void> MergePredictors(ProfilerDesign& design, const PredictionModel& model, const Spreadsheet* data) {
   for (std::size_t k = 0; k < model.Predictors().size(); ++k) {
     const ModelField& field = model.Predictors()[k];
-    if (!field.isUsed) continue;
+    if (!field.isUsed || design.FindDependent(field.name)) continue;
     if (const auto place = design.FindPredictor(field.name)) {
       if (auto joined = Join(design.predictors[*place], field); !joined) return joined;
     } else {
@@ -280,10 +281,29 @@ void StartCorrelations(ProfilerDesign& design, std::size_t first,
   }
 }
 
+// A predictor that was there before is specified as it was then, unless its values mean something else now.
+void Restore(ProfilerDesign& design, std::size_t first) {
+  for (std::size_t j = first; j < design.predictors.size(); ++j) {
+    const auto former =
+        std::ranges::find(design.retired, design.predictors[j].name, &ProfilerPredictor::name);
+    if (former == design.retired.end()) continue;
+    ProfilerPredictor& returned = design.predictors[j];
+    if (former->setting != PredictorSetting::kNone && former->labels == returned.labels) {
+      returned.setting = former->setting;
+      returned.fixedValue = former->fixedValue;
+      returned.specification = std::move(former->specification);
+    }
+    design.retired.erase(former);
+  }
+}
+
 // Specifications and correlations of the predictors from `first` on.
 Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* data) {
   Notes notes;
-  if (data == nullptr || first == design.predictors.size()) return notes;
+  if (data == nullptr || first == design.predictors.size()) {
+    Restore(design, first);
+    return notes;
+  }
   std::vector<std::vector<double>> columns;
   for (std::size_t j = 0; j < design.predictors.size(); ++j) {
     columns.push_back(ColumnOf(design.predictors[j], data));
@@ -291,6 +311,7 @@ Notes StartFrom(ProfilerDesign& design, std::size_t first, const Spreadsheet* da
     Start(design.predictors[j], columns.back(), notes);
     NoteUnknownTexts(design.predictors[j], data, notes);
   }
+  Restore(design, first);
   StartCorrelations(design, first, columns, notes);
   return notes;
 }
@@ -301,8 +322,8 @@ struct UsedName {
   bool quoted = false;
 };
 
-// The names, other than constants, that a formula uses; none if it is not valid.
-std::vector<UsedName> NamesIn(const std::string& formula) {
+// The names, other than constants, that a formula uses; nothing if it is not valid.
+std::optional<std::vector<UsedName>> NamesIn(const std::string& formula) {
   std::vector<UsedName> names;
   const auto take = [&](std::string_view name, bool quoted) -> std::optional<std::size_t> {
     if (!quoted && FormulaConstant(name)) return std::nullopt;
@@ -315,7 +336,7 @@ std::vector<UsedName> NamesIn(const std::string& formula) {
   try {
     Compile(formula, take, "formula");
   } catch (const FormulaError&) {
-    return {};
+    return std::nullopt;
   }
   return names;
 }
@@ -323,6 +344,65 @@ std::vector<UsedName> NamesIn(const std::string& formula) {
 // "v1", "v2", …: a predictor by its number, where neither the data nor quotes make it a name.
 bool IsVariableNumber(std::string_view name) {
   return name.size() > 1 && (name[0] == 'v' || name[0] == 'V') && ParseInteger(name.substr(1)).has_value();
+}
+
+// Whether a name is one in the design rather than the number of a predictor.
+bool IsName(const ProfilerDesign& design, const UsedName& name) {
+  return name.quoted || !IsVariableNumber(name.text) || design.FindPredictor(name.text) ||
+         design.FindDependent(name.text);
+}
+
+// Makes the names that a formula uses predictors, unless they are dependents; none of a formula that is not valid.
+void AddNames(ProfilerDesign& design, const std::string& formula, const Spreadsheet* data) {
+  const auto names = NamesIn(formula);
+  if (!names) return;
+  for (const UsedName& name : *names) {
+    if (design.FindPredictor(name.text) || design.FindDependent(name.text)) continue;
+    ProfilerPredictor predictor;
+    predictor.name = name.text;
+    const Variable* variable = DataOf(predictor, data);
+    if (variable == nullptr && !name.quoted && IsVariableNumber(name.text)) continue;
+    if (variable != nullptr && variable->Type() == VariableType::kText) {
+      predictor.categorical = true;
+      predictor.holdsTexts = true;
+      predictor.labels = variable->Labels();
+    }
+    design.AddPredictor(std::move(predictor));
+  }
+}
+
+// The names that models and formulas read; nothing where that is not known, because a formula is not valid or
+// has a predictor's number, which stays right only while no predictor goes.
+std::optional<std::set<std::string>> ReadNames(const ProfilerDesign& design) {
+  std::set<std::string> read;
+  for (const ProfilerDependent& dependent : design.dependents) {
+    if (dependent.model != nullptr) {
+      for (const ModelField& field : dependent.model->Predictors()) {
+        if (field.isUsed) read.insert(field.name);
+      }
+    }
+    if (dependent.formula.empty()) continue;
+    const auto names = NamesIn(dependent.formula);
+    if (!names) return std::nullopt;
+    for (const UsedName& name : *names) {
+      if (!IsName(design, name)) return std::nullopt;
+      read.insert(name.text);
+    }
+  }
+  return read;
+}
+
+// Retires the predictors that are predicted or that nothing reads, and starts those after the first `known`, which
+// are new.
+Notes Settle(ProfilerDesign& design, std::size_t known, const Spreadsheet* data) {
+  const auto read = ReadNames(design);
+  for (std::size_t j = design.predictors.size(); j-- > 0;) {
+    const std::string& name = design.predictors[j].name;
+    if (!design.FindDependent(name) && (!read || read->contains(name))) continue;
+    design.RetirePredictor(j);
+    if (j < known) --known;
+  }
+  return StartFrom(design, known, data);
 }
 
 FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) {
@@ -359,46 +439,33 @@ Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
                                   std::span<const std::shared_ptr<const PredictionModel>> models,
                                   const Spreadsheet* data) {
   ProfilerDesign merged = design;
+  for (const auto& model : models) MergeDependents(merged, model);
   for (const auto& model : models) {
     if (auto known = MergePredictors(merged, *model, data); !known) return known.Reason();
-    MergeDependents(merged, model);
   }
-  Notes notes = StartFrom(merged, design.predictors.size(), data);
+  Notes notes = Settle(merged, design.predictors.size(), data);
   design = std::move(merged);
   return notes;
 }
 
-Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
-                                 const Spreadsheet* data) {
+ProfilerNotes SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                         const Spreadsheet* data) {
   const std::size_t known = design.predictors.size();
-  const std::vector<UsedName> names = NamesIn(formula);
-  for (const UsedName& name : names) {
-    if (design.FindPredictor(name.text) || !design.FindDependent(name.text)) continue;
-    return Fault{kResponseInFormula, name.text, design.dependents[dependent].name};
-  }
-  for (const UsedName& name : names) {
-    if (design.FindPredictor(name.text)) continue;
-    ProfilerPredictor predictor;
-    predictor.name = name.text;
-    const Variable* variable = DataOf(predictor, data);
-    if (variable == nullptr && !name.quoted && IsVariableNumber(name.text)) continue;
-    if (variable != nullptr && variable->Type() == VariableType::kText) {
-      predictor.categorical = true;
-      predictor.holdsTexts = true;
-      predictor.labels = variable->Labels();
-    }
-    design.AddPredictor(std::move(predictor));
-  }
   ProfilerDependent& changed = design.dependents[dependent];
   changed.formerFormulas.push_back(std::exchange(changed.formula, std::move(formula)));
-  return StartFrom(design, known, data);
+  AddNames(design, changed.formula, data);
+  return Settle(design, known, data);
 }
 
-bool UndoFormula(ProfilerDependent& dependent) {
-  if (dependent.formerFormulas.empty()) return false;
-  dependent.formula = std::move(dependent.formerFormulas.back());
-  dependent.formerFormulas.pop_back();
-  return true;
+std::optional<ProfilerNotes> UndoFormula(ProfilerDesign& design, std::size_t dependent,
+                                         const Spreadsheet* data) {
+  ProfilerDependent& changed = design.dependents[dependent];
+  if (changed.formerFormulas.empty()) return std::nullopt;
+  const std::size_t known = design.predictors.size();
+  changed.formula = std::move(changed.formerFormulas.back());
+  changed.formerFormulas.pop_back();
+  AddNames(design, changed.formula, data);
+  return Settle(design, known, data);
 }
 
 Result<std::size_t> FitBestDistributions(ProfilerDesign& design, const Spreadsheet& data,

@@ -1,6 +1,10 @@
 // Where the profiler's predictors and dependents come from: models and formulas, merged by name, and the
 // specifications that predictors start with. Knows no dialog.
 //
+// A name that models or formulas read is a predictor, unless a model or a formula predicts it: then they read its
+// predictions. Fields that a model lists and never reads are none. A predictor that nothing reads any more goes,
+// but stays as long as a formula is not valid; what a person specified for it is kept in case that it returns.
+//
 // A predictor starts from the data if they have a numeric variable of its name:
 // - a continuous one as Normal of their mean and standard deviation; as Fixed where they are constant;
 // - a categorical one as Discrete of its codes and their relative frequencies.
@@ -13,6 +17,7 @@
 #include <cstddef>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -41,12 +46,12 @@ Result<ProfilerNotes> MergeModels(ProfilerDesign& design,
                                   const Spreadsheet* data);
 
 // Sets the formula of a dependent; names in it that are not yet predictors become predictors. A formula
-// that is not valid is kept all the same: the run will report it. kResponseInFormula, and the design stays
-// as it was, if it uses the name of a dependent.
-Result<ProfilerNotes> SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
-                                 const Spreadsheet* data);
-// Returns to the previous formula, which may be none; false if nothing was set.
-bool UndoFormula(ProfilerDependent& dependent);
+// that is not valid is kept all the same: the run will report it.
+ProfilerNotes SetFormula(ProfilerDesign& design, std::size_t dependent, std::string formula,
+                         const Spreadsheet* data);
+// Returns to the previous formula, which may be none; nothing, and the design stays as it was, if none was set.
+std::optional<ProfilerNotes> UndoFormula(ProfilerDesign& design, std::size_t dependent,
+                                         const Spreadsheet* data);
 
 // Specifies every predictor that the data have by the distribution that fits them best. Continuous predictors
 // try all continuous distributions but the Gaussian mixture, with offset 0, ranked by the Kolmogorov-Smirnov

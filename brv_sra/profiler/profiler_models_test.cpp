@@ -193,7 +193,7 @@ TEST(ProfilerModels, CorrelationThatIsNotDefinedIsNotedAndTakenAsZero) {
   data.AddVariable(Numbers("B", {none, none, 1, 5}));
   ProfilerDesign design;
   design.AddDependent(Dependent("Y"));
-  EXPECT_EQ(*SetFormula(design, 0, "A + B", &data),
+  EXPECT_EQ(SetFormula(design, 0, "A + B", &data),
             (ProfilerNotes{{FaultIdentifier::kCorrelationUndefined, "A", "B"}}));
   EXPECT_EQ(design.correlations, (std::vector<double>{1, 0, 0, 1}));
 }
@@ -272,11 +272,104 @@ TEST(ProfilerModels, FormulaBringsItsNamesAndGoesBackToTheOneBefore) {
   EXPECT_EQ(design.predictors[2].labels.size(), 2U);
   (void)SetFormula(design, 0, "A +", &data);
   EXPECT_EQ(design.dependents[0].formula, "A +") << "the run judges it";
-  EXPECT_TRUE(UndoFormula(design.dependents[0]));
+  EXPECT_EQ(design.predictors.size(), 3U) << "what a formula that is not valid reads is not known";
+  EXPECT_TRUE(UndoFormula(design, 0, &data).has_value());
   EXPECT_EQ(design.dependents[0].formula, "A + 2 * Pi + 'wait time' * Kind + v1");
-  EXPECT_TRUE(UndoFormula(design.dependents[0]));
+  EXPECT_TRUE(UndoFormula(design, 0, &data).has_value());
   EXPECT_EQ(design.dependents[0].formula, "");
-  EXPECT_FALSE(UndoFormula(design.dependents[0]));
+  EXPECT_TRUE(design.predictors.empty());
+  EXPECT_FALSE(UndoFormula(design, 0, &data).has_value());
+}
+
+TEST(ProfilerModels, PredictorsThatNothingReadsGoAndReturnAsTheyWereSpecified) {
+  Spreadsheet data("data");
+  data.AddVariable(Numbers("A", {1, 2, 3, 5}));
+  data.AddVariable(Numbers("B", {4, 1, 2, 2}));
+  ProfilerDesign design;
+  design.AddDependent(Dependent("Y"));
+  (void)SetFormula(design, 0, "A + Bb + B", &data);
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"A", "Bb", "B"}));
+  const double correlation = design.correlations[2];
+  EXPECT_NE(correlation, 0);
+  (void)SetFormula(design, 0, "A + B", &data);
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"A", "B"}));
+  EXPECT_EQ(design.correlations, (std::vector<double>{1, correlation, correlation, 1}));
+  design.predictors[0].setting = PredictorSetting::kFixed;
+  design.predictors[0].fixedValue = 42;
+  (void)SetFormula(design, 0, "B", &data);
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"B"}));
+  EXPECT_TRUE(UndoFormula(design, 0, &data).has_value());
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"B", "A"}));
+  EXPECT_EQ(design.predictors[1].fixedValue, 42);
+  (void)SetFormula(design, 0, "v2 + 1", &data);
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"B", "A"})) << "v2 stays A";
+}
+
+// A field that a model lists and never reads needs no distribution.
+TEST(ProfilerModels, FieldsThatNoModelReadsAreNoPredictors) {
+  ProfilerDesign design;
+  Merge(design, {Graded("y", kLowHigh, "")});
+  EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"x"}));
+  design.predictors[0].setting = PredictorSetting::kRandom;
+  design.predictors[0].specification.values = {0, 1};
+  HeadlessUserInterface port;
+  const ProfilerRun run = *RunProfiler(design, port);
+  for (std::size_t i = 0; i < 10; ++i)
+    EXPECT_DOUBLE_EQ(run.output->VariableAt(1).Values()[i], 1 + 2 * run.output->VariableAt(0).Values()[i]);
+}
+
+// grade is "high" where x is above 0, and "low" elsewhere, in another order than the models that read it have.
+Model GradeOfX() {
+  return std::make_shared<const PredictionModel>(PredictionModel::Parse(
+      R"(<PMML version="4.2" xmlns="http://www.dmg.org/PMML-4_2"><Header/><DataDictionary>
+<DataField name="x" optype="continuous" dataType="double"/>
+<DataField name="grade" optype="categorical" dataType="string"><Value value="high"/><Value value="low"/></DataField>
+</DataDictionary><TreeModel functionName="classification"><MiningSchema><MiningField name="x"/>
+<MiningField name="grade" usageType="target"/></MiningSchema><Node score="low"><True/>
+<Node score="high"><SimplePredicate field="x" operator="greaterThan" value="0"/></Node>
+<Node score="low"><SimplePredicate field="x" operator="lessOrEqual" value="0"/></Node></Node>
+</TreeModel></PMML>)",
+      "grade"));
+}
+
+TEST(ProfilerModels, PredictionsAreWhatOtherModelsAndFormulasRead) {
+  const Model reads = Graded("y", kLowHigh, kHighEffect);
+  for (const bool together : {true, false}) {
+    ProfilerDesign design;
+    if (together) {
+      Merge(design, {reads, GradeOfX()});
+    } else {
+      Merge(design, {reads});
+      EXPECT_EQ(design.predictors.size(), 2U);
+      Merge(design, {GradeOfX()});
+    }
+    design.AddDependent(Dependent("z"));
+    design.AddDependent(Dependent("w"));
+    (void)SetFormula(design, 2, "w + y", nullptr);
+    (void)SetFormula(design, 3, "10 * y", nullptr);
+    EXPECT_EQ(NamesOf(design.predictors), (std::vector<std::string>{"x"}));
+    design.predictors[0].setting = PredictorSetting::kRandom;
+    design.predictors[0].specification.values = {0, 1};
+    HeadlessUserInterface port;
+    const ProfilerRun run = *RunProfiler(design, port);
+    const auto value = [&](const char* name, std::size_t i) {
+      return run.output->VariableAt(run.output->FindVariable(name).value()).Values()[i];
+    };
+    for (std::size_t i = 0; i < 50; ++i) {
+      const double x = value("x", i);
+      EXPECT_DOUBLE_EQ(value("y", i), 1 + 2 * x + (x > 0 ? 100 : 0));
+      EXPECT_DOUBLE_EQ(value("z", i), 11 * value("y", i));
+    }
+    (void)SetFormula(design, 3, "z - 1", nullptr);
+    const auto refused = RunProfiler(design, port);
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.Reason().identifier, FaultIdentifier::kPredictedFromItself);
+    (void)SetFormula(design, 3, "2", nullptr);
+    const std::size_t grade = design.FindDependent("grade").value();
+    (void)SetFormula(design, grade, "x > 0", nullptr);
+    EXPECT_EQ(RunProfiler(design, port).Reason(), (Fault{FaultIdentifier::kFieldTypesDiffer, "grade"}))
+        << "a formula predicts numbers";
+  }
 }
 
 TEST(ProfilerModels, FormulaTakesPrecedenceOverTheModel) {

@@ -20,6 +20,7 @@ constexpr std::size_t kRowsPerTask = 4096;
 ProfilerPrediction::ProfilerPrediction(const ProfilerDesign& design) : design_(design) {
   std::vector<std::string_view> names;
   for (const ProfilerPredictor& predictor : design.predictors) names.emplace_back(predictor.name);
+  for (const ProfilerDependent& dependent : design.dependents) names.emplace_back(dependent.name);
   for (std::size_t k = 0; k < design.dependents.size(); ++k) {
     const ProfilerDependent& dependent = design.dependents[k];
     if (!dependent.formula.empty()) {
@@ -28,20 +29,22 @@ ProfilerPrediction::ProfilerPrediction(const ProfilerDesign& design) : design_(d
       Use(*dependent.model, k);
     }
   }
+  Order();
+}
+
+ProfilerPrediction::Input ProfilerPrediction::InputOf(const ModelField& field) const {
+  if (!field.isUsed) return {};
+  if (const auto place = design_.FindDependent(field.name))
+    return {design_.predictors.size() + *place, field.isText ? &design_.dependents[*place].labels : nullptr};
+  const std::size_t place = design_.FindPredictor(field.name).value();
+  return {place, field.isText ? &design_.predictors[place].labels : nullptr};
 }
 
 void ProfilerPrediction::Use(const PredictionModel& model, std::size_t dependent) {
   auto use = std::ranges::find(models_, &model, &ModelUse::model);
   if (use == models_.end()) {
     ModelUse added{&model, {}, {}};
-    for (const ModelField& field : model.Predictors()) {
-      if (!field.isUsed) {
-        added.inputs.emplace_back();
-        continue;
-      }
-      const std::size_t place = design_.FindPredictor(field.name).value();
-      added.inputs.push_back({place, field.isText ? &design_.predictors[place].labels : nullptr});
-    }
+    for (const ModelField& field : model.Predictors()) added.inputs.push_back(InputOf(field));
     added.dependents.resize(model.Dependents().size());
     use = models_.insert(models_.end(), std::move(added));
   }
@@ -54,28 +57,70 @@ bool ProfilerPrediction::IsPredicted(std::size_t dependent) const {
   return formulas_.contains(dependent) || design_.dependents[dependent].model != nullptr;
 }
 
-std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const {
-  if (const auto formula = formulas_.find(dependent); formula != formulas_.end()) {
-    const auto used = formula->second.Used();
+std::vector<std::size_t> ProfilerPrediction::Predicted(const Step& step) const {
+  if (!step.model) return {step.formula};
+  std::vector<std::size_t> predicted;
+  for (const auto& dependent : models_[*step.model].dependents) {
+    if (dependent) predicted.push_back(*dependent);
+  }
+  return predicted;
+}
+
+// What a step reads, among the predictors followed by the dependents.
+std::vector<std::size_t> ProfilerPrediction::Places(const Step& step) const {
+  if (!step.model) {
+    const auto used = formulas_.at(step.formula).Used();
     return {used.begin(), used.end()};
   }
-  std::vector<std::size_t> read;
-  for (const ModelUse& use : models_) {
-    if (std::ranges::find(use.dependents, dependent) == use.dependents.end()) continue;
-    for (const Input& input : use.inputs) {
-      if (input.place) read.push_back(*input.place);
-    }
+  std::vector<std::size_t> places;
+  for (const Input& input : models_[*step.model].inputs) {
+    if (input.place) places.push_back(*input.place);
   }
+  return places;
+}
+
+// Models before formulas, but each after those whose predictions it reads.
+void ProfilerPrediction::Order() {
+  std::vector<Step> waiting;
+  for (std::size_t i = 0; i < models_.size(); ++i) waiting.push_back({i});
+  for (const auto& [dependent, formula] : formulas_) waiting.push_back({std::nullopt, dependent});
+  std::set<std::size_t> awaited;
+  for (const Step& step : waiting) {
+    for (const std::size_t dependent : Predicted(step)) awaited.insert(design_.predictors.size() + dependent);
+  }
+  while (!waiting.empty()) {
+    const auto ready = std::ranges::find_if(waiting, [&](const Step& step) {
+      return std::ranges::none_of(Places(step), [&](std::size_t place) { return awaited.contains(place); });
+    });
+    if (ready == waiting.end()) {
+      circular_ = Predicted(waiting.front()).front();
+      return;
+    }
+    for (const std::size_t dependent : Predicted(*ready))
+      awaited.erase(design_.predictors.size() + dependent);
+    steps_.push_back(*ready);
+    waiting.erase(ready);
+  }
+}
+
+std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const {
+  std::vector<std::size_t> read;
+  for (const Step& step : steps_) {
+    const std::vector<std::size_t> predicted = Predicted(step);
+    if (std::ranges::find(predicted, dependent) != predicted.end()) read = Places(step);
+  }
+  std::erase_if(read, [&](std::size_t place) { return place >= design_.predictors.size(); });
   return read;
 }
 
-void ProfilerPrediction::PredictRows(const ModelUse& use, std::span<const std::span<const double>> predictors,
-                                     std::span<const std::span<double>> dependents, std::size_t begin,
-                                     std::size_t rows) {
+void ProfilerPrediction::PredictRows(const ModelUse& use,
+                                                 std::span<const std::span<const double>> columns,
+                                                 std::span<const std::span<double>> dependents,
+                                                 std::size_t begin, std::size_t rows) {
   std::vector<std::span<const double>> inputs;
   std::vector<const std::map<double, std::string>*> labels;
   for (const Input& input : use.inputs) {
-    inputs.push_back(input.place ? predictors[*input.place].subspan(begin, rows) : std::span<const double>());
+    inputs.push_back(input.place ? columns[*input.place].subspan(begin, rows) : std::span<const double>());
     labels.push_back(input.labels);
   }
   std::vector<double> unwanted(rows);
@@ -85,27 +130,38 @@ void ProfilerPrediction::PredictRows(const ModelUse& use, std::span<const std::s
   use.model->Predict(inputs, outputs, {.labels = labels});
 }
 
-void ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,
-                                 std::span<const std::span<double>> dependents, ProgressBar& progress) const {
-  const std::size_t runs = dependents.empty() ? 0 : dependents[0].size();
-  const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
-  for (const ModelUse& use : models_) {
-    PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
-      cancelled.Poll();
-      const std::size_t begin = task * kRowsPerTask;
-      PredictRows(use, predictors, dependents, begin, std::min(kRowsPerTask, runs - begin));
-    });
-    progress.Step(static_cast<std::int64_t>(runs * use.dependents.size()));
-  }
-  std::vector<FormulaColumn> columns;
-  for (const auto& predictor : predictors) columns.push_back({.values = predictor});
-  for (const auto& [dependent, formula] : formulas_) {
-    formula.Evaluate(columns, dependents[dependent]);
+void ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const double>> columns,
+                                           std::span<const std::span<double>> dependents,
+                                           ProgressBar& progress) const {
+  const std::size_t runs = dependents[0].size();
+  if (!step.model) {
+    std::vector<FormulaColumn> values;
+    for (const auto& column : columns) values.push_back({.values = column});
+    formulas_.at(step.formula).Evaluate(values, dependents[step.formula]);
     progress.Step(static_cast<std::int64_t>(runs));
+    return;
   }
-  for (const auto& dependent : dependents)
-    std::ranges::replace_if(
-        dependent, [](double y) { return !std::isfinite(y); }, kMissing);
+  const ModelUse& use = models_[*step.model];
+  const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
+  PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
+    cancelled.Poll();
+    const std::size_t begin = task * kRowsPerTask;
+    PredictRows(use, columns, dependents, begin, std::min(kRowsPerTask, runs - begin));
+  });
+  progress.Step(static_cast<std::int64_t>(runs * use.dependents.size()));
+}
+
+void ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,
+                                                          std::span<const std::span<double>> dependents,
+                                                          ProgressBar& progress) const {
+  std::vector<std::span<const double>> columns(predictors.begin(), predictors.end());
+  columns.insert(columns.end(), dependents.begin(), dependents.end());
+  for (const Step& step : steps_) {
+    Carry(step, columns, dependents, progress);
+    for (const std::size_t dependent : Predicted(step))
+      std::ranges::replace_if(
+          dependents[dependent], [](double y) { return !std::isfinite(y); }, kMissing);
+  }
 }
 
 }  // namespace brenvolt::sra

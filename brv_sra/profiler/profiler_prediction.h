@@ -20,36 +20,55 @@ class ProfilerPrediction {
   // The design must outlive it. Throws FormulaError about the formula of a dependent.
   explicit ProfilerPrediction(const ProfilerDesign& design);
 
-  // The predictors that the prediction of a dependent reads, as places in the design.
+  // The predictors that the prediction of a dependent reads, as places in the design; not those of the dependents
+  // that it reads.
   std::vector<std::size_t> ReadBy(std::size_t dependent) const;
   // Whether anything predicts it.
   bool IsPredicted(std::size_t dependent) const;
+  // A dependent that is predicted from itself, directly or by way of others.
+  std::optional<std::size_t> PredictedFromItself() const { return circular_; }
 
   // Fills a column for each dependent from a column for each predictor, all of one length, on all cores. NaN
-  // if there is no prediction that is finite. Steps the bar by the cells filled; throws UserCancelled.
+  // if there is no prediction that is finite. Dependents that others read come before those; none may be predicted
+  // from itself. Steps the bar by the cells filled; throws UserCancelled.
   void Predict(std::span<const std::span<const double>> predictors,
-               std::span<const std::span<double>> dependents, ProgressBar& progress) const;
+                                        std::span<const std::span<double>> dependents,
+                                        ProgressBar& progress) const;
 
  private:
-  // A model's predictor: its place in the design, none if it is not used, and of texts what their codes there
-  // stand for.
+  // A model's predictor: its place among the predictors of the design, followed by the dependents, none for one
+  // that the model does not read; and of texts what their codes in the design stand for.
   struct Input {
     std::optional<std::size_t> place;
     const std::map<double, std::string>* labels = nullptr;
   };
-  // What predicts some dependents: a formula one of them, a model those that it has.
+  // What a model predicts: those of its dependents that it is to.
   struct ModelUse {
     const PredictionModel* model = nullptr;
     std::vector<Input> inputs;
     std::vector<std::optional<std::size_t>> dependents;  // by the model's own; nothing for one not wanted
   };
+  // One prediction after the other: that of a model, or of a dependent's formula.
+  struct Step {
+    std::optional<std::size_t> model;  // its place in models_
+    std::size_t formula = 0;           // its dependent
+  };
   void Use(const PredictionModel& model, std::size_t dependent);
-  static void PredictRows(const ModelUse& use, std::span<const std::span<const double>> predictors,
-                          std::span<const std::span<double>> dependents, std::size_t begin, std::size_t rows);
+  Input InputOf(const ModelField& field) const;
+  std::vector<std::size_t> Predicted(const Step& step) const;
+  std::vector<std::size_t> Places(const Step& step) const;
+  void Order();
+  void Carry(const Step& step, std::span<const std::span<const double>> columns,
+                         std::span<const std::span<double>> dependents, ProgressBar& progress) const;
+  static void PredictRows(const ModelUse& use, std::span<const std::span<const double>> columns,
+                                      std::span<const std::span<double>> dependents, std::size_t begin,
+                                      std::size_t rows);
 
   const ProfilerDesign& design_;
   std::map<std::size_t, Formula> formulas_;  // by dependent
   std::vector<ModelUse> models_;
+  std::vector<Step> steps_;
+  std::optional<std::size_t> circular_;
 };
 
 }  // namespace brenvolt::sra

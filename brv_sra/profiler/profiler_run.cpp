@@ -103,19 +103,42 @@ Result<void> CheckPrediction(const ProfilerDesign& design, const ProfilerPredict
   return {};
 }
 
+// Whether each model can read what others predict.
+Result<void> CheckChains(const ProfilerDesign& design) {
+  for (const ProfilerDependent& dependent : design.dependents) {
+    if (!dependent.formula.empty() || dependent.model == nullptr) continue;
+    for (const ModelField& field : dependent.model->Predictors()) {
+      const auto place = field.isUsed ? design.FindDependent(field.name) : std::nullopt;
+      if (place && design.dependents[*place].HoldsTexts() != field.isText)
+        return Fault{kFieldTypesDiffer, field.name};
+    }
+  }
+  return {};
+}
+
+// The dependent, of which its name is known alone.
+ProfilerDependent WithoutPrediction(ProfilerDependent dependent) {
+  dependent.model = nullptr;
+  dependent.formula.clear();
+  return dependent;
+}
+
 Result<void> CheckPredictions(const ProfilerDesign& design) {
   // One formula after the other, so that the fault has its dependent.
-  ProfilerDesign one;
-  one.predictors = design.predictors;
-  for (const ProfilerDependent& dependent : design.dependents) {
-    one.dependents = {dependent};
+  ProfilerDesign one = design;
+  for (std::size_t k = 0; k < design.dependents.size(); ++k) {
+    const ProfilerDependent& dependent = design.dependents[k];
+    for (ProfilerDependent& other : one.dependents) other = WithoutPrediction(other);
+    one.dependents[k] = dependent;
     try {
-      if (auto checked = CheckPrediction(one, ProfilerPrediction(one), 0); !checked) return checked;
+      if (auto checked = CheckPrediction(one, ProfilerPrediction(one), k); !checked) return checked;
     } catch (const FormulaError& error) {
       return Fault{kFormulaInvalid, dependent.name, error.Where() + ": " + error.what()};
     }
   }
-  return {};
+  const auto circular = ProfilerPrediction(design).PredictedFromItself();
+  return circular ? Result<void>(Fault{kPredictedFromItself, design.dependents[*circular].name})
+                  : Result<void>();
 }
 
 Result<void> CheckNoise(const ProfilerDesign& design) {
@@ -224,7 +247,7 @@ void Seed(const ProfilerDesign& design) {
 
 Result<void> CheckDesign(const ProfilerDesign& design) {
   if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom)) return Fault{kNoRandomPredictor};
-  for (const auto check : {CheckPredictors, CheckPredictions, CheckNoise}) {
+  for (const auto check : {CheckPredictors, CheckPredictions, CheckChains, CheckNoise}) {
     if (auto checked = check(design); !checked) return checked;
   }
   return {};

@@ -494,7 +494,6 @@ inline constexpr std::int32_t kMsgProfilerNoDependent = 21007;
 inline constexpr std::int32_t kMsgProfilerInvalidSeed = 21008;
 inline constexpr std::int32_t kProfilerMean = 21009;
 inline constexpr std::int32_t kProfilerNoSpecification = 21010;
-inline constexpr std::int32_t kMsgProfilerResponseInFormula = 21011;
 inline constexpr std::int32_t kMsgProfilerUnknownClasses = 21012;
 
 // The design dialog.

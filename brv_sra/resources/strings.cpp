@@ -621,7 +621,6 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgProfilerInvalidSeed, "Invalid random seed. Valid range is 1<=x<=2147483647."},
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
-    {kMsgProfilerResponseInFormula, "a formula cannot use a response, '%s'"},
     {kMsgProfilerUnknownClasses, "Cases of %s whose class no model knows are left out: %s"},
     // The design dialog.
     {kDesignTitle, "Design Simulation"},

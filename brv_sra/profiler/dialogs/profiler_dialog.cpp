@@ -134,9 +134,7 @@ bool CSimulationProfiler::OnCommand(std::int32_t number) {
     case kSetFormula:
       return SetShownFormula();
     case kUndoFormula:
-      if (!UndoFormula(Selected())) return false;
-      ShowSelected();
-      return true;
+      return TakeFormulaBack();
     case kDefects:
       return outputs(&CSimulationProfiler::DefectProfile, kCaptionProcessCapabilityError);
     case kCapability:
@@ -255,8 +253,6 @@ void CSimulationProfiler::PutFormula(const std::string& text, std::size_t depend
   const FormulaAssignment assignment = SplitAssignment(text);
   ProfilerDesign changed = Design();
   if (assignment.name) {
-    if (changed.FindPredictor(*assignment.name))
-      throw Error("a response cannot have the name of a predictor", *assignment.name);
     const auto known = changed.FindDependent(*assignment.name);
     ProfilerDependent added;
     added.name = *assignment.name;
@@ -264,10 +260,19 @@ void CSimulationProfiler::PutFormula(const std::string& text, std::size_t depend
   }
   if (dependent >= changed.dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
   const std::string expression(Trim(std::string_view(text).substr(assignment.begin)));
-  const auto notes = ValueOrThrow(SetFormula(changed, dependent, expression, GetInputTable()));
+  const ProfilerNotes notes = SetFormula(changed, dependent, expression, GetInputTable());
   Design() = std::move(changed);
   Refresh();
   ShowNotes(notes);
+}
+
+bool CSimulationProfiler::TakeFormulaBack() {
+  (void)Selected();
+  const auto notes = UndoFormula(Design(), State().selected, GetInputTable());
+  if (!notes) return false;
+  Refresh();
+  ShowNotes(*notes);
+  return true;
 }
 
 void CSimulationProfiler::FitBest() {

@@ -73,6 +73,7 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   void TakeSeed();
   void TakeReal(std::int32_t control);
   bool SetShownFormula();
+  bool TakeFormulaBack();
   bool EditCorrelations(std::int32_t title, const std::vector<std::string>& names,
                         std::vector<double>& matrix) const;
 

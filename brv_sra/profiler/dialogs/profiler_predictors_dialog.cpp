@@ -63,7 +63,8 @@ void PredictorPage::Refresh() {
   for (int code = 0; code < kDistributionCount; ++code)
     distributions.emplace_back(DisplayName(static_cast<DistributionCode>(code)));
   distributions.emplace_back(ResourceString(kProfilerFixed));
-  const int place = std::max(0, Controls().Selection(kPredictors));
+  const int last = static_cast<int>(design_.predictors.size()) - 1;
+  const int place = std::max(0, std::min(Controls().Selection(kPredictors), last));
   Controls().SetItems(kPredictors, std::move(names));
   Controls().SetItems(kSelected, std::move(lines));
   Controls().SetItems(kDistributions, std::move(distributions));
