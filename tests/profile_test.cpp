@@ -196,6 +196,58 @@ TEST_F(ProfileCommand, NoLimitsAreGivenForRunsOfCorrelatedPredictors) {
   EXPECT_NE(text.find("No confidence limits are given: "), std::string::npos) << text;
 }
 
+// y = 2 A, for A from 8 to 12 alone: one standard deviation on either side of its mean.
+constexpr const char* kRanged = R"(<PMML version="4.2" xmlns="http://www.dmg.org/PMML-4_2"><Header/>
+<DataDictionary><DataField name="A" optype="continuous" dataType="double">
+<Interval closure="closedClosed" leftMargin="8" rightMargin="12"/></DataField>
+<DataField name="y" optype="continuous" dataType="double"/></DataDictionary>
+<RegressionModel functionName="regression"><MiningSchema><MiningField name="A"/>
+<MiningField name="y" usageType="target"/></MiningSchema><RegressionTable intercept="0">
+<NumericPredictor name="A" coefficient="2"/></RegressionTable></RegressionModel></PMML>)";
+
+TEST_F(ProfileCommand, PredictorsKeepToTheRangeOfTheirModelUnlessThatIsLifted) {
+  WriteData();
+  WriteBytes(File("m.pmml"), kRanged);
+  Arguments call{"profile", "ab.csv", "--model", "m.pmml", "--seed", "1"};
+  for (const bool best : {false, true}) {
+    if (best) call.emplace_back("--fit-best");
+    const Json within = JsonOf(call);
+    EXPECT_EQ(within["responses"][0]["statistics"]["n"], 5000);
+    EXPECT_EQ(within["responses"][0]["unpredicted"].size(), 0U);
+    EXPECT_EQ(within["predictors"][0]["name"], "A");
+    const std::string drawnFrom = within["predictors"][0]["distribution"];
+    EXPECT_NE(drawnFrom.find(" [8, 12]"), std::string::npos) << drawnFrom;
+    EXPECT_NE(MustRun(call).out.find(drawnFrom), std::string::npos);
+  }
+  const Arguments lift{"profile", "ab.csv", "--model", "m.pmml", "--seed", "1", "--truncate", "A=:"};
+  const Json lifted = JsonOf(lift)["responses"][0];
+  ASSERT_EQ(lifted["unpredicted"].size(), 1U);
+  const Json& reason = lifted["unpredicted"][0];
+  EXPECT_EQ(reason["reason"], "outside-range");
+  EXPECT_EQ(reason["field"], "A");
+  EXPECT_NEAR(reason["runs"], 0.3173 * 5000, 150);
+  EXPECT_EQ(reason["runs"], lifted["statistics"]["missing"]);
+  EXPECT_NE(MustRun(lift).out.find("runs (field A, outside of the model's range: "), std::string::npos);
+}
+
+TEST_F(ProfileCommand, RunsWithoutAPredictionAreCountedByReasonAndNoneAtAllIsAFailure) {
+  WriteData();
+  WriteBytes(File("m.pmml"), kRanged);
+  const Json response =
+      JsonOf({"profile", "ab.csv", "--formula", "Y=ln(A-10)", "--seed", "1"})["responses"][0];
+  ASSERT_EQ(response["unpredicted"].size(), 1U);
+  EXPECT_EQ(response["unpredicted"][0]["reason"], "no-result");
+  EXPECT_EQ(response["unpredicted"][0]["field"], nullptr);
+  EXPECT_EQ(response["unpredicted"][0]["runs"], response["statistics"]["missing"]);
+  const Outcome none =
+      Run({"profile", "ab.csv", "--model", "m.pmml", "--truncate", "A=20:30", "-o", "x.csv"});
+  EXPECT_EQ(none.status, 1);
+  EXPECT_NE(none.err.find("no run has a prediction (y: field A, outside of the model's range: 20"),
+            std::string::npos)
+      << none.err;
+  EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
+}
+
 // A response without predictions hides neither the profiles of the others nor the graphs.
 TEST_F(ProfileCommand, ProfilesOfPredictedValuesAreThereForEveryResponseThatHasPredictions) {
   WriteData();
@@ -229,7 +281,9 @@ TEST_F(ProfileCommand, SensitivityNamesTheDriverFirst) {
   EXPECT_NEAR(rows[1]["standardizedCoefficient"], 1 / std::sqrt(101), 0.02);
   EXPECT_NEAR(response["rSquared"], 1, 1e-9);
   const std::string text = MustRun({"profile", "ab.csv", "--formula", "Y=B-5*A", "--seed", "5"}).out;
-  EXPECT_LT(text.find("\n  A "), text.find("\n  B "));
+  const std::size_t table = text.find("Rank corr.");
+  ASSERT_NE(table, std::string::npos);
+  EXPECT_LT(text.find("\n  A ", table), text.find("\n  B ", table));
   EXPECT_EQ(text.find("Capability"), std::string::npos);
 }
 

@@ -75,8 +75,7 @@ ProfileJob::Truncation ParseTruncation(const std::string& text) {
   constexpr const char* kForm = "PREDICTOR=LOW:HIGH";
   const auto [predictor, bounds] = SplitEntry("truncate", kForm, text);
   const auto [low, high] = BoundsIn("truncate", kForm, text, bounds);
-  if (!low || !high) RefuseEntry("truncate", kForm, text);
-  return {predictor, *low, *high};
+  return {predictor, low, high};
 }
 
 void Report(const ProfileCall& call, const ProfileRun& run) {
@@ -139,8 +138,10 @@ void AddProfileCommand(CLI::App& program) {
              "Specification of a response; each part may be empty, as in 'Y=,,25'; may be repeated");
   AddEntries(*command, "--fix", job.fixed, ParseFixed, "X=VALUE",
              "Keep a predictor at a number, or at a class by its name; may be repeated");
-  AddEntries(*command, "--truncate", job.truncate, ParseTruncation, "X=LOW:HIGH",
-             "Keep the draws of a predictor within bounds; may be repeated");
+  AddEntries(
+      *command, "--truncate", job.truncate, ParseTruncation, "X=LOW:HIGH",
+      "Keep the draws of a predictor within bounds, each of which may be empty, instead of the range that "
+      "a model declares; may be repeated");
   command
       ->add_option(
           "-o,--output", job.output,
@@ -149,7 +150,7 @@ void AddProfileCommand(CLI::App& program) {
   command
       ->add_option("--graphs", job.graphs,
                    "File for the data of the graphs as JSON: histograms with the best fit and the limits, "
-                   "tornado graphs, defect profiles")
+                   "tornado graphs, profiles of predicted values, defect profiles; not with --record")
       ->type_name("FILE.json");
   AddDecimalCommaOption(*command, job.data);
   AddRecordOption(*command, call->record);

@@ -47,6 +47,18 @@ Json CapabilityJson(const ResultTable& table) {
   return json;
 }
 
+Json UnpredictedJson(const std::vector<UnpredictedRuns>& unpredicted) {
+  const auto orNull = [](const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); };
+  Json list = Json::array();
+  for (const UnpredictedRuns& one : unpredicted) {
+    list.push_back({{"reason", one.reason},
+                    {"field", orNull(one.field)},
+                    {"values", orNull(one.values)},
+                    {"runs", one.runs}});
+  }
+  return list;
+}
+
 Json ProfilesJson(const std::vector<PredictedProfile>& profiles) {
   Json list = Json::array();
   for (const PredictedProfile& profile : profiles)
@@ -59,6 +71,7 @@ Json ResponseJson(const ResponseResults& response) {
   AddNumbers(response.statistics, kMoments, statistics);
   return {{"name", response.name},
           {"statistics", statistics},
+          {"unpredicted", UnpredictedJson(response.unpredicted)},
           {"percentiles", PercentilesJson(response.percentiles)},
           {"frequencies", RowsJson(response.frequencies, "class", kFrequencies)},
           {"correlations", RowsJson(response.correlations, "predictor", kCorrelations)},
@@ -71,7 +84,12 @@ Json ResponseJson(const ResponseResults& response) {
 }  // namespace
 
 Json ProfileJson(const ProfileResults& results) {
-  Json report = {{"runs", results.runs}, {"responses", Json::array()}, {"defects", Json::array()}};
+  Json report = {{"runs", results.runs},
+                 {"predictors", Json::array()},
+                 {"responses", Json::array()},
+                 {"defects", Json::array()}};
+  for (const PredictorUse& one : results.predictors)
+    report["predictors"].push_back({{"name", one.name}, {"distribution", one.distribution}});
   for (const ResponseResults& response : results.responses) {
     report["responses"].push_back(ResponseJson(response));
   }

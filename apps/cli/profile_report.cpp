@@ -193,7 +193,12 @@ std::string DefectsText(const ResultTable& defects) {
 }
 
 std::string ResponseText(const ResponseResults& response) {
-  std::string text = response.name + "\n" + StatisticsText(response.statistics) + "\n";
+  std::string text = response.name + "\n" + StatisticsText(response.statistics);
+  for (const UnpredictedRuns& unpredicted : response.unpredicted) {
+    text += "  without a prediction: " + std::to_string(unpredicted.runs) + " runs (" +
+            ReasonText(unpredicted) + ")\n";
+  }
+  text += "\n";
   text += ValuesText(response) + "\n" + SensitivityText(response);
   return response.capability ? text + "\n" + CapabilityText(*response.capability) : text;
 }
@@ -202,6 +207,11 @@ std::string ResponseText(const ResponseResults& response) {
 
 std::string ProfileText(const ProfileResults& results) {
   std::string text = std::to_string(results.runs) + " simulated runs\n";
+  TextTable predictors;
+  predictors.AddColumn("Predictor", TextTable::Align::kLeft);
+  predictors.AddColumn("drawn from", TextTable::Align::kLeft);
+  for (const PredictorUse& one : results.predictors) predictors.AddRow({one.name, one.distribution});
+  text += "\n" + predictors.Text();
   for (const ResponseResults& response : results.responses) text += "\n" + ResponseText(response);
   if (results.defects) text += "\n" + results.defects->title + "\n" + DefectsText(*results.defects);
   if (!results.notes.empty()) text += "\n";

@@ -57,6 +57,14 @@ py::object CapabilityOf(const ResponseResults& response) {
                   "distribution"_a = first.Text("description"_column));
 }
 
+py::list UnpredictedOf(const ResponseResults& response) {
+  py::list list;
+  for (const UnpredictedRuns& one : response.unpredicted)
+    list.append(py::dict("reason"_a = one.reason, "field"_a = one.field, "values"_a = one.values,
+                         "runs"_a = one.runs));
+  return list;
+}
+
 // The values of a predictor and the means of the response there, by predictor.
 py::dict ProfilesOf(const ResponseResults& response) {
   py::dict profiles;
@@ -72,7 +80,8 @@ py::dict ResponseDict(const ResponseResults& response) {
                   "correlations"_a = RowList(response.correlations, {kCorrelations}),
                   "sensitivity"_a = RowList(response.sensitivity, {kSensitivity}),
                   "r_squared"_a = response.allPredictors.Number("linear_contribution"_column),
-                  "profiles"_a = ProfilesOf(response), "capability"_a = CapabilityOf(response));
+                  "profiles"_a = ProfilesOf(response), "unpredicted"_a = UnpredictedOf(response),
+                  "capability"_a = CapabilityOf(response));
 }
 
 }  // namespace
@@ -92,10 +101,12 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
 py::dict ProfileDict(const ProfileResults& results) {
   py::list responses;
   for (const ResponseResults& response : results.responses) responses.append(ResponseDict(response));
+  py::dict predictors;
+  for (const PredictorUse& one : results.predictors) predictors[py::str(one.name)] = one.distribution;
   py::list defects;
   if (results.defects) defects = RowList(results.defects->rows, {kDefects});
-  return py::dict("runs"_a = results.runs, "responses"_a = responses, "defects"_a = defects,
-                  "notes"_a = results.notes);
+  return py::dict("runs"_a = results.runs, "predictors"_a = predictors, "responses"_a = responses,
+                  "defects"_a = defects, "notes"_a = results.notes);
 }
 
 }  // namespace brenvolt::python

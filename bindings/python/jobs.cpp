@@ -264,7 +264,8 @@ void BindProfileJob(py::module_& module) {
   py::class_<ProfileJob> job(module, "ProfileJob");
   py::class_<ProfileJob::Noise>(job, "Noise").def(py::init<std::string, double>());
   py::class_<ProfileJob::Fixed>(job, "Fixed").def(py::init<std::string, std::variant<double, std::string>>());
-  py::class_<ProfileJob::Truncation>(job, "Truncation").def(py::init<std::string, double, double>());
+  py::class_<ProfileJob::Truncation>(job, "Truncation")
+      .def(py::init<std::string, std::optional<double>, std::optional<double>>());
   py::class_<ProfileJob::Specification>(job, "Specification")
       .def(py::init([](std::string response, std::optional<double> lower, std::optional<double> target,
                        std::optional<double> upper) {

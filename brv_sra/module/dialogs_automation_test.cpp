@@ -157,7 +157,7 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 105U);
+  EXPECT_EQ(read, 106U);
   EXPECT_EQ(put, 84U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }

@@ -36,6 +36,10 @@ struct ProfilerPredictor {
   // The range of the data, as guidance for people; NaN if it is not known.
   double lowest = std::numeric_limits<double>::quiet_NaN();
   double highest = std::numeric_limits<double>::quiet_NaN();
+  // The range of numbers that its models declare as valid, if they have no prediction for others. Distributions
+  // that are taken from the data are truncated to it.
+  double lowestAllowed = -std::numeric_limits<double>::infinity();
+  double highestAllowed = std::numeric_limits<double>::infinity();
   // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them, or in the
   // data where no model lists any. Specified, fixed and simulated values represent these texts. Of truth
   // values that the data hold as texts, the texts of 0 and 1.

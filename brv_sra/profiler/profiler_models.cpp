@@ -81,6 +81,27 @@ void MakeRandom(ProfilerPredictor& predictor, DistributionSpecification specific
   predictor.specification = std::move(specification);
 }
 
+void TruncateToRange(ProfilerPredictor& predictor) {
+  DistributionSpecification& specification = predictor.specification;
+  if (!(predictor.lowestAllowed < predictor.highestAllowed)) return;
+  if (std::isfinite(predictor.lowestAllowed)) {
+    specification.truncateBelow = true;
+    specification.truncationMinimum = predictor.lowestAllowed;
+  }
+  if (std::isfinite(predictor.highestAllowed)) {
+    specification.truncateAbove = true;
+    specification.truncationMaximum = predictor.highestAllowed;
+  }
+}
+
+// A value outside of the range has no prediction.
+void TakeRange(ProfilerPredictor& predictor, const ModelField& field) {
+  if (field.predictsInvalid) return;
+  predictor.lowestAllowed = std::max(predictor.lowestAllowed, field.lowest.value_or(predictor.lowestAllowed));
+  predictor.highestAllowed =
+      std::min(predictor.highestAllowed, field.highest.value_or(predictor.highestAllowed));
+}
+
 void StartDiscrete(ProfilerPredictor& predictor, std::span<const double> column) {
   std::map<double, double> counts;
   for (const double value : column) {
@@ -114,6 +135,7 @@ void StartContinuous(ProfilerPredictor& predictor, std::span<const double> colum
   DistributionSpecification normal;
   normal.values = {moments.mean, moments.standardDeviation};
   MakeRandom(predictor, std::move(normal));
+  TruncateToRange(predictor);
 }
 
 // The texts of the data that no model knows, with how many cases have them: "x (12), y (3)".
@@ -184,6 +206,7 @@ ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, c
   predictor.takesAnyText = field.isText && field.codes.empty();
   predictor.lowest = field.lowest.value_or(kMissing);
   predictor.highest = field.highest.value_or(kMissing);
+  TakeRange(predictor, field);
   std::map<double, double> weights;
   for (std::size_t i = 0; i < field.codes.size(); ++i) {
     if (field.isText) predictor.labels.emplace(field.codes[i], field.labels[i]);
@@ -206,6 +229,7 @@ ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, c
 // A further model reads the predictor, too.
 Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
   if (predictor.holdsTexts != field.isText) return Fault{kFieldTypesDiffer, predictor.name};
+  TakeRange(predictor, field);
   for (const std::string& label : field.labels) {
     if (!field.isText) break;
     const auto isLabel = [&](const auto& entry) { return entry.second == label; };
@@ -494,6 +518,7 @@ Result<std::size_t> FitBestDistributions(ProfilerDesign& design, const Spreadshe
     const std::vector<std::size_t> order = DefaultOrder(fit);
     if (order.empty()) continue;
     MakeRandom(changed.predictors[places[i]], fit.fits[order.front()].specification);
+    TruncateToRange(changed.predictors[places[i]]);
     ++fitted;
   }
   if (fitted == 0) return Fault{kNoPredictorFitted};

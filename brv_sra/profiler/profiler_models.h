@@ -8,6 +8,7 @@
 // A predictor starts from the data if they have a numeric variable of its name:
 // - a continuous one as Normal of their mean and standard deviation; as Fixed where they are constant;
 // - a categorical one as Discrete of its codes and their relative frequencies.
+// A continuous one is truncated to the range that its models declare as valid; a person may lift that.
 // A predictor of texts takes the texts of a text variable, and those of a numeric one as numbers are written
 // ("1", "2.5"); texts that its model does not know are passed over. Without data a categorical predictor
 // starts from the codes and frequencies of its model (equal ones if the file gives none); a continuous one

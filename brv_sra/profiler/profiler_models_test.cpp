@@ -130,6 +130,44 @@ TEST(ProfilerModels, SecondModelOfTheSameNamesAddsNothingTwiceAndKeepsSpecificat
   EXPECT_EQ(design.correlationsY, (std::vector<double>{1, 0, 0, 1}));
 }
 
+// z = x, for x of a range.
+Model Ranged(const std::string& target, const std::string& margins, const std::string& treatment) {
+  return std::make_shared<const PredictionModel>(PredictionModel::Parse(
+      R"(<PMML version="4.2" xmlns="http://www.dmg.org/PMML-4_2"><Header/><DataDictionary>
+<DataField name="x" optype="continuous" dataType="double"><Interval closure="closedClosed" )" +
+          margins + R"(/></DataField><DataField name=")" + target +
+          R"(" optype="continuous" dataType="double"/></DataDictionary><RegressionModel functionName="regression">
+<MiningSchema><MiningField name="x" invalidValueTreatment=")" +
+          treatment + R"("/><MiningField name=")" + target +
+          R"(" usageType="target"/></MiningSchema><RegressionTable intercept="0">
+<NumericPredictor name="x" coefficient="1"/></RegressionTable></RegressionModel></PMML>)",
+      target));
+}
+
+TEST(ProfilerModels, StartingDistributionsKeepToTheRangesOfAllModels) {
+  Spreadsheet data("data");
+  data.AddVariable(Numbers("x", {1, 2, 3, 4, 5, 7}));
+  const Model low = Ranged("low", R"(leftMargin="0")", "returnInvalid");
+  const Model high = Ranged("high", R"(leftMargin="-5" rightMargin="8")", "returnInvalid");
+  const Model any = Ranged("any", R"(leftMargin="3" rightMargin="4")", "asIs");
+  ProfilerDesign design;
+  Merge(design, {low, high, any}, &data);
+  const auto check = [&](const DistributionSpecification& specification) {
+    EXPECT_TRUE(specification.truncateBelow);
+    EXPECT_EQ(specification.truncationMinimum, 0);
+    EXPECT_TRUE(specification.truncateAbove);
+    EXPECT_EQ(specification.truncationMaximum, 8);
+  };
+  check(design.predictors[0].specification);
+  HeadlessUserInterface port;
+  EXPECT_EQ(*FitBestDistributions(design, data, port), 1U);
+  check(design.predictors[0].specification);
+  ProfilerDesign free;
+  Merge(free, {any}, &data);
+  EXPECT_FALSE(free.predictors[0].specification.truncateBelow);
+  EXPECT_FALSE(free.predictors[0].specification.truncateAbove);
+}
+
 TEST(ProfilerModels, CategoricalPredictorsStartFromCodesAndCounts) {
   const Model model = Graded("y", kLowHigh, kHighEffect);
   const struct {

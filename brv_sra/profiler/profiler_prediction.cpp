@@ -15,6 +15,24 @@ constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 // Rows that one task predicts: a few blocks of the models, so that every core has some.
 constexpr std::size_t kRowsPerTask = 4096;
 
+// Makes what is not finite missing; returns how many values are missing.
+std::size_t TakeOutInfinite(std::span<double> column) {
+  std::size_t missing = 0;
+  for (double& y : column) {
+    if (std::isfinite(y)) continue;
+    y = kMissing;
+    ++missing;
+  }
+  return missing;
+}
+
+// Those missing predictions for which no value of the predictors is known to be the reason.
+void AddUnexplained(std::size_t missing, UnpredictedCases& unpredicted) {
+  const std::size_t explained = unpredicted.Total();
+  if (missing <= explained) return;
+  unpredicted.Add({NoPrediction::kNoResult, {}, {}, kMissing, kMissing, missing - explained});
+}
+
 }  // namespace
 
 ProfilerPrediction::ProfilerPrediction(const ProfilerDesign& design) : design_(design) {
@@ -113,7 +131,7 @@ std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const
   return read;
 }
 
-void ProfilerPrediction::PredictRows(const ModelUse& use,
+UnpredictedCases ProfilerPrediction::PredictRows(const ModelUse& use,
                                                  std::span<const std::span<const double>> columns,
                                                  std::span<const std::span<double>> dependents,
                                                  std::size_t begin, std::size_t rows) {
@@ -127,10 +145,12 @@ void ProfilerPrediction::PredictRows(const ModelUse& use,
   std::vector<std::span<double>> outputs;
   for (const auto& place : use.dependents)
     outputs.push_back(place ? dependents[*place].subspan(begin, rows) : std::span<double>(unwanted));
-  use.model->Predict(inputs, outputs, {.labels = labels});
+  UnpredictedCases unpredicted;
+  use.model->Predict(inputs, outputs, {.labels = labels, .unpredicted = &unpredicted});
+  return unpredicted;
 }
 
-void ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const double>> columns,
+UnpredictedCases ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const double>> columns,
                                            std::span<const std::span<double>> dependents,
                                            ProgressBar& progress) const {
   const std::size_t runs = dependents[0].size();
@@ -139,29 +159,36 @@ void ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const
     for (const auto& column : columns) values.push_back({.values = column});
     formulas_.at(step.formula).Evaluate(values, dependents[step.formula]);
     progress.Step(static_cast<std::int64_t>(runs));
-    return;
+    return {};
   }
   const ModelUse& use = models_[*step.model];
   const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
+  std::vector<UnpredictedCases> counted(tasks);
   PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
     cancelled.Poll();
     const std::size_t begin = task * kRowsPerTask;
-    PredictRows(use, columns, dependents, begin, std::min(kRowsPerTask, runs - begin));
+    counted[task] = PredictRows(use, columns, dependents, begin, std::min(kRowsPerTask, runs - begin));
   });
   progress.Step(static_cast<std::int64_t>(runs * use.dependents.size()));
+  UnpredictedCases unpredicted;
+  for (const UnpredictedCases& cases : counted) unpredicted.Add(cases);
+  return unpredicted;
 }
 
-void ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,
+std::vector<UnpredictedCases> ProfilerPrediction::Predict(std::span<const std::span<const double>> predictors,
                                                           std::span<const std::span<double>> dependents,
                                                           ProgressBar& progress) const {
   std::vector<std::span<const double>> columns(predictors.begin(), predictors.end());
   columns.insert(columns.end(), dependents.begin(), dependents.end());
+  std::vector<UnpredictedCases> unpredicted(dependents.size());
   for (const Step& step : steps_) {
-    Carry(step, columns, dependents, progress);
-    for (const std::size_t dependent : Predicted(step))
-      std::ranges::replace_if(
-          dependents[dependent], [](double y) { return !std::isfinite(y); }, kMissing);
+    const UnpredictedCases refused = Carry(step, columns, dependents, progress);
+    for (const std::size_t dependent : Predicted(step)) {
+      unpredicted[dependent] = refused;
+      AddUnexplained(TakeOutInfinite(dependents[dependent]), unpredicted[dependent]);
+    }
   }
+  return unpredicted;
 }
 
 }  // namespace brenvolt::sra

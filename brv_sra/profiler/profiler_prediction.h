@@ -12,6 +12,7 @@
 #include "brv_sra/profiler/profiler_design.h"
 #include "host/controls/progress_bar.h"
 #include "host/formula/formula.h"
+#include "host/models/unpredicted_cases.h"
 
 namespace brenvolt::sra {
 
@@ -30,8 +31,9 @@ class ProfilerPrediction {
 
   // Fills a column for each dependent from a column for each predictor, all of one length, on all cores. NaN
   // if there is no prediction that is finite. Dependents that others read come before those; none may be predicted
-  // from itself. Steps the bar by the cells filled; throws UserCancelled.
-  void Predict(std::span<const std::span<const double>> predictors,
+  // from itself. Returns, by dependent, why runs have none. Steps the bar by the cells filled; throws
+  // UserCancelled.
+  std::vector<UnpredictedCases> Predict(std::span<const std::span<const double>> predictors,
                                         std::span<const std::span<double>> dependents,
                                         ProgressBar& progress) const;
 
@@ -58,9 +60,10 @@ class ProfilerPrediction {
   std::vector<std::size_t> Predicted(const Step& step) const;
   std::vector<std::size_t> Places(const Step& step) const;
   void Order();
-  void Carry(const Step& step, std::span<const std::span<const double>> columns,
+  // Returns which values models refused.
+  UnpredictedCases Carry(const Step& step, std::span<const std::span<const double>> columns,
                          std::span<const std::span<double>> dependents, ProgressBar& progress) const;
-  static void PredictRows(const ModelUse& use, std::span<const std::span<const double>> columns,
+  static UnpredictedCases PredictRows(const ModelUse& use, std::span<const std::span<const double>> columns,
                                       std::span<const std::span<double>> dependents, std::size_t begin,
                                       std::size_t rows);
 

@@ -271,7 +271,7 @@ Result<ProfilerRun> RunProfiler(const ProfilerDesign& design, const RunProgress&
   const auto progress = Computing(bars, static_cast<std::size_t>(design.runs) * d + 1);
   progress->ShowNow();
   const std::vector<std::span<const double>> drawn(predictors.begin(), predictors.end());
-  prediction.Predict(drawn, dependents, *progress);
+  run.unpredicted = prediction.Predict(drawn, dependents, *progress);
   AddNoise(design, dependents);
   return run;
 }

@@ -25,6 +25,7 @@
 #include "brv_sra/profiler/defect_profile.h"
 #include "brv_sra/profiler/profiler_design.h"
 #include "brv_sra/simulation/correlation_target.h"
+#include "host/models/unpredicted_cases.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
@@ -36,6 +37,8 @@ struct ProfilerRun {
   // Where the correlations of the predictors were not positive definite: what was used for them, over the
   // random predictors in order.
   std::optional<CorrelationRepair> repair;
+  // By dependent, why runs have no prediction.
+  std::vector<UnpredictedCases> unpredicted;
   // Whether the runs are independent of each other. Those of correlated predictors are not: they are stratified,
   // and vary less than independent ones, by a measure that is not known.
   bool independent = true;

@@ -12,7 +12,7 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-inline constexpr std::array<MemberDescription, 25> kMembers{{
+inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property("InputCorrMatrix", 0x60030000, kNone, kVariant, "Input correlation matrix"),
     Property("LoadModels", 0x60030001, kText, kVariant, "Load models"),
     Property(
@@ -52,6 +52,8 @@ inline constexpr std::array<MemberDescription, 25> kMembers{{
     Property("StdDevY", 0x60030025, kText, kVariant, "Standard deviations for multivariate dependent noise"),
     Property("Predictors", 0x60030027, kVariant, kNone, "The names of the predictors in their order."),
     Property("Dependents", 0x60030028, kVariant, kNone, "The names of the responses in their order."),
+    Property("PredictorDistributions", 0x60030029, kVariant, kNone,
+             "What each predictor is drawn from, in words."),
 }};
 
 }  // namespace profiler_interface

@@ -481,6 +481,8 @@ inline constexpr std::int32_t kResponseAxisPredictors = 20940;
 inline constexpr std::int32_t kResponseAllPredictors = 20941;
 inline constexpr std::int32_t kResponseNoIntervals = 20944;
 inline constexpr std::int32_t kDefectCountsTitle = 20945;
+inline constexpr std::int32_t kUnpredictedTitle = 20952;
+inline constexpr std::int32_t kUnpredictedFormula = 20953;
 
 // The profiler: what goes beyond the texts above.
 inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;

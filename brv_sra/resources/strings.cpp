@@ -603,12 +603,16 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponseNoIntervals,
      "No confidence limits are given: the runs are stratified, because their predictors are correlated, and "
      "no "
-     "limits are known for such runs."},
+     "limits are known for such runs. P-values are those of independent runs."},
     {kDefectCountsTitle, "Defect Counts"},
     {"rate_lower"_column.heading, "Defect Rate, lower 95 %"},
     {"rate_upper"_column.heading, "Defect Rate, upper 95 %"},
     {"ppm_lower"_column.heading, "PPM, lower 95 %"},
     {"ppm_upper"_column.heading, "PPM, upper 95 %"},
+    {"field"_column.heading, "Field"},
+    {"field_value"_column.heading, "Values"},
+    {kUnpredictedTitle, "Runs without a prediction"},
+    {kUnpredictedFormula, "the formula gives no number"},
     // The profiler: what goes beyond the texts above.
     {kMsgProfilerInfiniteValue, "The data contain a value that is not finite."},
     {kMsgProfilerNoValues, "The data contain no valid value."},

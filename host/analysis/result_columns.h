@@ -39,7 +39,8 @@ inline constexpr ResultColumn kOthers[] = {
     {"offset", "", 20755},     {"parameter", "", 20756},  {"standard_error", "", 20835},
     {"covariance", "", 20842}, {"reason", "", 20840},     {"origin", "", 21120},
     {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606},
-    {"table_rate", "", 20607}, {"table_ppm", "", 20608}};
+    {"table_rate", "", 20607}, {"table_ppm", "", 20608},  {"field", "", 20950},
+    {"field_value", "", 20951}};
 inline constexpr ResultColumn kMoments[] = {
     {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
     {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},

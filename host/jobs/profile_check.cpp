@@ -70,9 +70,10 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
     }
   }
   for (const ProfileJob::Truncation& one : job.truncate) {
-    for (const double bound : {one.minimum, one.maximum})
-      CheckNumber("truncate", bound, faults, one.predictor);
-    if (one.minimum >= one.maximum) {
+    for (const auto& bound : {one.minimum, one.maximum}) {
+      if (bound) CheckNumber("truncate", *bound, faults, one.predictor);
+    }
+    if (one.minimum && one.maximum && *one.minimum >= *one.maximum) {
       faults.push_back({"truncate", Quoted(one.predictor) + ": the minimum must be less than the maximum"});
     }
   }

@@ -79,12 +79,19 @@ class Profiler {
 
   const std::vector<std::string>& Responses() const { return responses_; }
 
-  // The simulated runs, and the graph of the profiles unless there are too many.
-  std::pair<Table, std::optional<Graph>> Simulate() {
-    const auto shown = Show("SimulationResults");
+  std::vector<PredictorUse> Predictors() {
+    std::vector<PredictorUse> uses;
+    const Variant::Array texts = dialog_->Get("PredictorDistributions").ToArray();
+    for (std::size_t i = 0; i < predictors_.size(); ++i)
+      uses.push_back({predictors_[i], texts.at(i).ToText()});
+    return uses;
+  }
+
+  // The simulated runs, why some have no prediction, and the graph of the profiles unless there are too many.
+  AnalysisSession::Shown Simulate() {
+    auto shown = Show("SimulationResults");
     if (shown.tables.empty()) throw Error("the analysis returned no table");
-    return {shown.tables.front(),
-            shown.graphs.empty() ? std::nullopt : std::optional(shown.graphs.front()->Content())};
+    return shown;
   }
 
   void TakeResults(std::size_t response, ProfileResults& results) {
@@ -181,9 +188,9 @@ class Profiler {
                   "the predictor " + Quoted(truncation.predictor) + " cannot be truncated");
     }
     array.resize(array.size() - kTruncationItems);
-    for (const double bound : {truncation.minimum, truncation.maximum}) {
-      array.emplace_back(std::int32_t{1});
-      array.emplace_back(bound);
+    for (const auto& bound : {truncation.minimum, truncation.maximum}) {
+      array.emplace_back(std::int32_t{bound ? 1 : 0});
+      array.emplace_back(bound.value_or(0));
     }
     PutSpecification(predictor, array);
   }
@@ -262,6 +269,17 @@ void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const Pr
   file.Commit();
 }
 
+// "no run has a prediction (Y: x, outside of the model's range, 3 to 5)".
+void RequirePredictions(const ProfileResults& results) {
+  if (std::ranges::any_of(results.responses, &ResponseResults::IsPredicted)) return;
+  std::string reasons;
+  for (const ResponseResults& response : results.responses) {
+    reasons += (reasons.empty() ? "" : "; ") + response.name;
+    if (!response.unpredicted.empty()) reasons += ": " + ReasonText(response.unpredicted.front());
+  }
+  throw Error("no run has a prediction", reasons);
+}
+
 // Returns the sheet's name where it goes into a project.
 std::string WriteSimulated(const std::filesystem::path& path, const Table& simulated, JobRecorder& recorder) {
   if (path.empty()) return {};
@@ -283,8 +301,11 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   Profiler profiler(*this, found.seed, Start(input, data));
   profiler.Prepare();
   SharedGraphs shared;
-  std::tie(found.simulated, shared.profiles) = profiler.Simulate();
+  const AnalysisSession::Shown simulated = profiler.Simulate();
+  found.simulated = simulated.tables.front();
+  if (!simulated.graphs.empty()) shared.profiles = simulated.graphs.front()->Content();
   found.results.runs = static_cast<std::int64_t>(samples);
+  found.results.predictors = profiler.Predictors();
   for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
     profiler.TakeResults(i, found.results);
     if (!profiler.IsSpecified(i) || found.results.defects) continue;
@@ -292,8 +313,8 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
     std::tie(defects, shared.defects) = profiler.Defects(i);
     TakeDefects(*defects, found.results);
   }
-  if (std::ranges::none_of(found.results.responses, &ResponseResults::IsPredicted))
-    throw Error("no run has a prediction of any response");
+  if (simulated.tables.size() > 1) TakeUnpredicted(*simulated.tables[1], found.results);
+  RequirePredictions(found.results);
   if (shared.profiles) TakeProfiles(*shared.profiles, found.results);
   found.outputSheet = WriteSimulated(output, found.simulated, recorder);
   if (!graphs.empty()) WriteGraphs(graphs, profiler, found.results, shared);

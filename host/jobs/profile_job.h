@@ -39,8 +39,8 @@ struct ProfileJob {
   };
   struct Truncation {
     std::string predictor;
-    double minimum;
-    double maximum;
+    std::optional<double> minimum;  // without bounds, what a model declares is lifted, too
+    std::optional<double> maximum;
   };
 
   JobData data;  // the columns that the predictors start from

@@ -35,6 +35,7 @@ void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnal
                            rows(kSensitivity),
                            {},
                            {},
+                           {},
                            {}};
   response.allPredictors = std::move(response.sensitivity.back());
   response.sensitivity.pop_back();
@@ -42,8 +43,24 @@ void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnal
   results.responses.push_back(std::move(response));
 }
 
+std::string ReasonText(const UnpredictedRuns& unpredicted) {
+  std::string text = unpredicted.field.empty() ? "" : "field " + unpredicted.field + ", ";
+  text += unpredicted.text;
+  return unpredicted.values.empty() ? text : text + ": " + unpredicted.values;
+}
+
 bool ResponseResults::IsPredicted() const {
   return statistics.Number("n"_column) > 0;
+}
+
+void TakeUnpredicted(const CAnalysisTableDoc& document, ProfileResults& results) {
+  for (const ResultRow& row : ReadResultTable(document.Table()).rows) {
+    const auto response = std::ranges::find(results.responses, row.name, &ResponseResults::name);
+    if (response == results.responses.end()) continue;
+    response->unpredicted.push_back({row.identifier, row.Text("reason"_column), row.Text("field"_column),
+                                     row.Text("field_value"_column),
+                                     static_cast<std::int64_t>(row.Number("defect_runs"_column))});
+  }
 }
 
 void TakeProfiles(const Graph& graph, ProfileResults& results) {

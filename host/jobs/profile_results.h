@@ -21,24 +21,43 @@ struct PredictedProfile {
   std::vector<double> means;   // of the response in that class
 };
 
+// Why some runs have no prediction.
+struct UnpredictedRuns {
+  std::string reason;  // for programs: "missing", "unknown", "outside-range", "no-result"
+  std::string text;    // for people
+  std::string field;   // empty where no field is the reason
+  std::string values;  // the value, or the range of the values
+  std::int64_t runs = 0;
+};
+// "field x, the value is missing"
+std::string ReasonText(const UnpredictedRuns& unpredicted);
+
 // Rows of the tables are by the columns of result_columns.h.
 struct ResponseResults {
   std::string name;
   ResultRow statistics;
-  std::vector<ResultRow> correlations;     // one row per predictor
-  std::vector<ResultRow> percentiles;      // "percentile.0.135", …
-  std::vector<ResultRow> frequencies;      // one row per class
-  std::vector<ResultRow> sensitivity;      // one row per predictor, the most influential first
-  ResultRow allPredictors;                 // the sensitivity to all together
-  std::optional<ResultTable> capability;   // one row per statistic; with a specification
-  std::vector<PredictedProfile> profiles;  // by predictor; none where there were too many to draw
+  std::vector<ResultRow> correlations;       // one row per predictor
+  std::vector<ResultRow> percentiles;        // "percentile.0.135", …
+  std::vector<ResultRow> frequencies;        // one row per class
+  std::vector<ResultRow> sensitivity;        // one row per predictor, the most influential first
+  ResultRow allPredictors;                   // the sensitivity to all together
+  std::optional<ResultTable> capability;     // one row per statistic; with a specification
+  std::vector<PredictedProfile> profiles;    // by predictor; none where there were too many to draw
+  std::vector<UnpredictedRuns> unpredicted;  // the most frequent reason first
 
   // Whether any run has a prediction.
   bool IsPredicted() const;
 };
 
+// What a predictor is drawn from, in words, with its truncation.
+struct PredictorUse {
+  std::string name;
+  std::string distribution;
+};
+
 struct ProfileResults {
   std::int64_t runs = 0;
+  std::vector<PredictorUse> predictors;
   std::vector<ResponseResults> responses;
   // The exact counts, one row per specified response, then that of all; where there is any.
   std::optional<ResultTable> defects;
@@ -50,6 +69,8 @@ struct ProfileResults {
 // for another number of tables than the profiler shows.
 void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnalysisTableDoc>> summary,
                   const CAnalysisTableDoc* capability, ProfileResults& results);
+// Takes why runs of each response have no prediction.
+void TakeUnpredicted(const CAnalysisTableDoc& document, ProfileResults& results);
 // Takes the profiles of each response from the graph of them all.
 void TakeProfiles(const Graph& graph, ProfileResults& results);
 // Takes the table of the exact counts of defects, and the further lines of its title as notes.

@@ -446,7 +446,8 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
             formulas: str | Iterable[str] | None = None, *, samples: int | None = None, seed: int | None = None,
             correlated: bool = False, fit_best: bool = False, noise: Mapping[str, float] | None = None,
             specifications: Mapping[str, tuple[float | None, float | None, float | None]] | None = None,
-            fixed: Mapping[str, float | str] | None = None, truncate: Mapping[str, tuple[float, float]] | None = None,
+            fixed: Mapping[str, float | str] | None = None,
+            truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
             sheet: str | None = None, output: str | os.PathLike | None = None,
             graphs: str | os.PathLike | None = None) -> ProfileResult:
     """Simulates what models or formulas predict, and compares it with specifications.
@@ -459,7 +460,8 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
     correlated: correlates the predictors as their columns are; fit_best: draws each from what fits its column best.
     noise: {response: standard deviation} of normal noise that is added.
     specifications: {response: (lower limit, target, upper limit)}, each of which may be None.
-    fixed: {predictor: number, or the name of a class}; truncate: {predictor: (minimum, maximum)}.
+    fixed: {predictor: number, or the name of a class}.
+    truncate: {predictor: (minimum, maximum)}, each of which may be None, in place of the range that a model declares.
     output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
 
     Returns a ProfileResult.
@@ -510,14 +512,16 @@ def _rows_frame(rows, index):
 class ProfileResult:
     """What simulated runs told of the responses.
 
-    runs, seed; samples: a DataFrame with a row per run; responses: {name: ProfiledResponse}; defects: a DataFrame with a
-    row per specified response, then that of all, with limits of 95 % confidence; notes: texts on what is left out.
+    runs, seed; predictors: {name: what it is drawn from}; samples: a DataFrame with a row per run; responses: {name:
+    ProfiledResponse}; defects: a DataFrame with a row per specified response, then that of all, with limits of 95 %
+    confidence; notes: texts on what is left out.
     """
 
     def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any]) -> None:
         self._simulated = simulated
         self.runs: int = found["runs"]
         self.seed = seed
+        self.predictors: dict[str, str] = found["predictors"]
         self.responses = {response["name"]: ProfiledResponse(response) for response in found["responses"]}
         self.defects = _rows_frame(found["defects"], "response")
         self.notes: list[str] = found["notes"]
@@ -537,7 +541,8 @@ class ProfiledResponse:
     name; statistics: a Series of moments; percentiles, frequencies, correlations, sensitivity: DataFrames, the sensitivity
     ordered by influence; r_squared: of all predictors together; capability: a DataFrame of statistics where the response
     is specified, else None, and capability_distribution, that of its percentiles; profiles: {predictor: DataFrame}, the
-    means of the response in classes of the predictor's values.
+    means of the response in classes of the predictor's values; unpredicted: a DataFrame with a row for each reason why
+    runs have no prediction.
     """
 
     def __init__(self, found: Mapping[str, Any]) -> None:
@@ -550,6 +555,7 @@ class ProfiledResponse:
         self.correlations = _rows_frame(found["correlations"], "predictor")
         self.sensitivity = _rows_frame(found["sensitivity"], "predictor")
         self.r_squared: float = found["r_squared"]
+        self.unpredicted = pandas.DataFrame(found["unpredicted"], columns=["reason", "field", "values", "runs"])
         self.profiles = {predictor: pandas.DataFrame(means) for predictor, means in found["profiles"].items()}
         capability = found["capability"]
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")

@@ -275,6 +275,8 @@ class SameCalls(unittest.TestCase):
                     self.assertEqual((result.runs, result.seed), (report["runs"], report["seed"]))
                     numpy.testing.assert_array_equal(result.samples, expected[result.samples.columns])
                     self.assertEqual([response["name"] for response in report["responses"]], list(result.responses))
+                    self.assertEqual({one["name"]: one["distribution"] for one in report["predictors"]},
+                                     result.predictors)
                     for response in report["responses"]:
                         self.compare_response(response, result.responses[response["name"]])
                     self.assertEqual([defect["rate"] for defect in report["defects"]],
@@ -293,6 +295,7 @@ class SameCalls(unittest.TestCase):
             for key, column in columns.items():
                 given = [numpy.nan if row[key] is None else row[key] for row in expected[table]]
                 numpy.testing.assert_array_equal(frame[column], given)
+        self.assertEqual(response.unpredicted["runs"].tolist(), [one["runs"] for one in expected["unpredicted"]])
         for profile in expected["profiles"]:
             self.assertEqual(response.profiles[profile["predictor"]]["mean"].tolist(), profile["means"])
         capability = expected["capability"]

@@ -159,6 +159,13 @@ Variant GetDependents(Dialog& dialog, Indexes) {
   return NameArray(NamesOf(dialog.Design().dependents));
 }
 
+Variant GetDistributions(Dialog& dialog, Indexes) {
+  std::vector<std::string> texts;
+  for (const ProfilerPredictor& predictor : dialog.Design().predictors)
+    texts.push_back(SpecificationText(predictor));
+  return NameArray(texts);
+}
+
 template <auto Make>
 Variant GetOutput(Dialog& dialog, Indexes) {
   return Variant::Object((dialog.*Make)());
@@ -169,7 +176,7 @@ std::int32_t ShownPredictor(Dialog& dialog) {
   return dialog.Controls().Selection(kPredictors) + 1;
 }
 
-constexpr std::array<Member, 25> kMembers{{
+constexpr std::array<Member, 26> kMembers{{
     {"InputCorrMatrix", nullptr, PutCorrelations},
     {"LoadModels", GetModels, PutModels},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
@@ -196,6 +203,7 @@ constexpr std::array<Member, 25> kMembers{{
     {"StdDevY", GetReal<DeviationOf>, PutReal<DeviationOf>},
     {"Predictors", GetPredictors, nullptr},
     {"Dependents", GetDependents, nullptr},
+    {"PredictorDistributions", GetDistributions, nullptr},
 }};
 static_assert(Binds(kSimulationProfilerInterface, kMembers));
 

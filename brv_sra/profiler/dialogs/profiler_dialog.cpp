@@ -11,6 +11,7 @@
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
 #include "brv_sra/profiler/dialogs/defect_documents.h"
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
+#include "brv_sra/profiler/dialogs/unpredicted_document.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -337,6 +338,8 @@ void CSimulationProfiler::Produce(ProfilerRun run) {
     const ResultsToWorkbookOff off(*Analysis().Document());
     Analysis().Interface().ShowDocument(state.output);
   }
+  if (auto reasons = UnpredictedDocument(Design(), run.unpredicted))
+    Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(std::move(reasons)));
   if (run.repair) {
     Analysis().ShowMessage(szLoadResString(kMsgMatrixRepaired),
                            "smallest eigenvalue " + FormatNumber("%.4g", run.repair->smallestEigenvalue) +

@@ -477,11 +477,25 @@ TEST_F(ProfilerDialog, DesignOutlivesTheDialogButNotItsInput) {
   EXPECT_EQ(Get("PredictionFormula"), "A + B");
 }
 
+TEST(ProfilerSpecification, ClassesAreShownByTheirNamesAsFarAsTheyAreFew) {
+  ProfilerPredictor predictor;
+  predictor.setting = PredictorSetting::kRandom;
+  predictor.specification.code = DistributionCode::kHistogram;
+  predictor.specification.values = {1, 0.25, 2, 0.75};
+  predictor.labels = {{1, "low"}, {2, "high"}};
+  EXPECT_EQ(SpecificationText(predictor), "Histogram (low 0.25, high 0.75)");
+  for (int code = 3; code <= 12; ++code)
+    predictor.specification.values.insert(predictor.specification.values.end(), {double(code), 0});
+  const std::string text = SpecificationText(predictor);
+  EXPECT_EQ(text.substr(text.size() - 10), "10 0, …)");
+}
+
 TEST(ProfilerSpecification, CategoriesAreFixedByNameOrByAKnownCode) {
   ProfilerPredictor predictor;
   predictor.name = "grade";
   predictor.labels = {{1, "low"}, {2, "high"}};
   SetSpecification(predictor, Variant::Array{"Fixed", "high"});
+  EXPECT_EQ(SpecificationText(predictor), "Fixed (high)");
   EXPECT_EQ(predictor.fixedValue, 2);
   SetSpecification(predictor, Variant::Array{"Fixed", 1});
   EXPECT_EQ(predictor.fixedValue, 1);

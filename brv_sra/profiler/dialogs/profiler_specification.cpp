@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -46,6 +47,24 @@ void Fix(ProfilerPredictor& predictor, const Variant& value) {
   predictor.fixedValue = fixed;
 }
 
+// The classes by their names, with their proportions: "Histogram (high 0.25, low 0.75)".
+std::string ClassesText(const ProfilerPredictor& predictor) {
+  constexpr std::size_t kMostShown = 10;
+  const std::vector<double>& values = predictor.specification.values;  // codes and proportions in turn
+  std::string text;
+  for (std::size_t i = 0; i + 1 < values.size(); i += 2) {
+    text += text.empty() ? "" : ", ";
+    if (i / 2 == kMostShown) {
+      text += "…";
+      break;
+    }
+    const auto label = predictor.labels.find(values[i]);
+    text += (label != predictor.labels.end() ? label->second : ShortestNumber(values[i])) + " " +
+            FormatNumber("%.4g", values[i + 1]);
+  }
+  return std::string(DisplayName(predictor.specification.code)) + " (" + text + ")";
+}
+
 }  // namespace
 
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
@@ -72,14 +91,22 @@ Variant SpecificationArray(const ProfilerPredictor& predictor) {
   return Variant::Array{std::string(ResourceString(kProfilerFixed)), predictor.fixedValue};
 }
 
-std::string PredictorLine(const ProfilerPredictor& predictor) {
-  const std::string name = predictor.name + ": ";
+std::string SpecificationText(const ProfilerPredictor& predictor) {
   if (predictor.setting == PredictorSetting::kNone)
-    return name + std::string(ResourceString(kProfilerNoSpecification));
-  if (predictor.setting == PredictorSetting::kRandom)
-    return name + SpecificationText(predictor.specification);
-  return name + std::string(ResourceString(kProfilerFixed)) + " " +
-         FormatNumber(std::string(ResourceString(kProfilerFixedValue)).c_str(), predictor.fixedValue);
+    return std::string(ResourceString(kProfilerNoSpecification));
+  if (predictor.setting == PredictorSetting::kRandom) {
+    const bool ofClasses =
+        !predictor.labels.empty() && predictor.specification.code == DistributionCode::kHistogram;
+    return ofClasses ? ClassesText(predictor) : SpecificationText(predictor.specification);
+  }
+  const std::string fixed = std::string(ResourceString(kProfilerFixed)) + " ";
+  const auto label = predictor.labels.find(predictor.fixedValue);
+  if (label != predictor.labels.end()) return fixed + "(" + label->second + ")";
+  return fixed + FormatNumber(std::string(ResourceString(kProfilerFixedValue)).c_str(), predictor.fixedValue);
+}
+
+std::string PredictorLine(const ProfilerPredictor& predictor) {
+  return predictor.name + ": " + SpecificationText(predictor);
 }
 
 }  // namespace brenvolt::sra

@@ -17,6 +17,8 @@ namespace brenvolt::sra {
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value);
 Variant SpecificationArray(const ProfilerPredictor& predictor);
 
+// "Normal(location=1.0000, scale=2.0000) [0, 5]", "Fixed (3.000000)", "none"; classes by their names, the first ten.
+std::string SpecificationText(const ProfilerPredictor& predictor);
 // "Age: Normal(location=1.0000, scale=2.0000) [0, 5]", "Age: Fixed (3.000000)", "Age: none".
 std::string PredictorLine(const ProfilerPredictor& predictor);
 
