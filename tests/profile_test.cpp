@@ -239,6 +239,13 @@ TEST_F(ProfileCommand, RunsWithoutAPredictionAreCountedByReasonAndNoneAtAllIsAFa
   EXPECT_EQ(response["unpredicted"][0]["reason"], "no-result");
   EXPECT_EQ(response["unpredicted"][0]["field"], nullptr);
   EXPECT_EQ(response["unpredicted"][0]["runs"], response["statistics"]["missing"]);
+  const Json chained = JsonOf({"profile", "ab.csv", "--formula", "Y=ln(A-10)", "--formula", "Z=Y+ln(B-4)",
+                               "--seed", "1"})["responses"][1];
+  ASSERT_EQ(chained["unpredicted"].size(), 2U);
+  EXPECT_EQ(chained["unpredicted"][0]["reason"], "missing");
+  EXPECT_EQ(chained["unpredicted"][0]["field"], "Y");
+  EXPECT_EQ(chained["unpredicted"][0]["runs"], response["statistics"]["missing"]);
+  EXPECT_EQ(chained["unpredicted"][1]["reason"], "no-result");
   const Outcome none =
       Run({"profile", "ab.csv", "--model", "m.pmml", "--truncate", "A=20:30", "-o", "x.csv"});
   EXPECT_EQ(none.status, 1);

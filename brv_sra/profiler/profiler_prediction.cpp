@@ -150,6 +150,25 @@ UnpredictedCases ProfilerPrediction::PredictRows(const ModelUse& use,
   return unpredicted;
 }
 
+// The runs in which a formula has no number because another dependent that it reads has no prediction.
+UnpredictedCases ProfilerPrediction::MissingInputs(const Step& step,
+                                                   std::span<const std::span<const double>> columns,
+                                                   std::span<const double> predicted) const {
+  const std::size_t first = design_.predictors.size();
+  std::vector<std::size_t> read = Places(step);
+  std::erase_if(read, [&](std::size_t place) { return place < first || place >= columns.size(); });
+  UnpredictedCases unpredicted;
+  for (std::size_t i = 0; i < predicted.size(); ++i) {
+    if (std::isfinite(predicted[i])) continue;
+    const auto missing =
+        std::ranges::find_if(read, [&](std::size_t place) { return std::isnan(columns[place][i]); });
+    if (missing == read.end()) continue;
+    const std::string& name = design_.dependents[*missing - first].name;
+    unpredicted.Add({NoPrediction::kMissingValue, name, {}, kMissing, kMissing, 1});
+  }
+  return unpredicted;
+}
+
 UnpredictedCases ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const double>> columns,
                                            std::span<const std::span<double>> dependents,
                                            ProgressBar& progress) const {
@@ -159,7 +178,7 @@ UnpredictedCases ProfilerPrediction::Carry(const Step& step, std::span<const std
     for (const auto& column : columns) values.push_back({.values = column});
     formulas_.at(step.formula).Evaluate(values, dependents[step.formula]);
     progress.Step(static_cast<std::int64_t>(runs));
-    return {};
+    return MissingInputs(step, columns, dependents[step.formula]);
   }
   const ModelUse& use = models_[*step.model];
   const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;

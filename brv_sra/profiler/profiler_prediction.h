@@ -63,6 +63,8 @@ class ProfilerPrediction {
   // Returns which values models refused.
   UnpredictedCases Carry(const Step& step, std::span<const std::span<const double>> columns,
                          std::span<const std::span<double>> dependents, ProgressBar& progress) const;
+  UnpredictedCases MissingInputs(const Step& step, std::span<const std::span<const double>> columns,
+                                 std::span<const double> predicted) const;
   static UnpredictedCases PredictRows(const ModelUse& use, std::span<const std::span<const double>> columns,
                                       std::span<const std::span<double>> dependents, std::size_t begin,
                                       std::size_t rows);
