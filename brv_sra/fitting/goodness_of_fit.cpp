@@ -43,8 +43,7 @@ void TestContinuous(DistributionFit& fit, std::span<const double> sorted) {
 void TestDiscrete(DistributionFit& fit, std::span<const double> sorted) {
   const SpecifiedDistribution distribution(fit.specification);
   if (!distribution.IsValid()) return;
-  const auto statistic =
-      TestKolmogorovSmirnov(TypeOf(fit.specification.code).facts.testCode, fit.specification.values, sorted);
+  const auto statistic = TestKolmogorovSmirnov(distribution, sorted);
   if (statistic) fit.kolmogorovSmirnov.statistic = *statistic;
 }
 

@@ -82,8 +82,15 @@ std::int32_t FitGPDProbabilityWeightedMoments(std::span<const double> data, doub
 std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const double> parameters,
                                           std::span<const double> sortedData, double offset,
                                           double& statistic) {
-  const auto result = TestKolmogorovSmirnov(testCode, parameters, sortedData, offset);
-  statistic = result ? *result : kNotSet;
+  // In the order of DistributionCode.
+  constexpr std::array<std::int32_t, kDistributionCount> kTestCodes{1,  9,  13, 14, 12, 10, 15, 16,
+                                                                    17, 18, 19, 21, 20, 22, 23, 24};
+  statistic = kNotSet;
+  const auto found = std::ranges::find(kTestCodes, testCode);
+  if (found == kTestCodes.end()) return 0;
+  const auto code = static_cast<DistributionCode>(found - kTestCodes.begin());
+  const auto result = TestKolmogorovSmirnov(AnyDistribution(TypeOf(code), parameters), sortedData, offset);
+  if (result) statistic = *result;
   return result ? 1 : 0;
 }
 

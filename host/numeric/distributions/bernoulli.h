@@ -9,8 +9,7 @@ struct Bernoulli {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kBernoulli,
                                             .name = "Bernoulli",
                                             .isContinuous = false,
-                                            .parameters = {{{"proportion", ParameterRange::kProportion}}},
-                                            .testCode = 23};
+                                            .parameters = {{{"proportion", ParameterRange::kProportion}}}};
 };
 
 extern template class Distribution<Bernoulli>;

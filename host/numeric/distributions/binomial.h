@@ -11,7 +11,6 @@ struct Binomial {
       .name = "Binomial",
       .isContinuous = false,
       .parameters = {{{"proportion", ParameterRange::kProportion}, {"trials", ParameterRange::kTrials}}},
-      .testCode = 21,
       .curves = {"Binom", "iBinom"}};
 };
 

@@ -32,6 +32,7 @@ enum class DistributionCode : std::int32_t {
 inline constexpr int kDistributionCount = static_cast<int>(DistributionCode::kHistogram) + 1;
 // The codes below it are continuous.
 inline constexpr int kContinuousCount = static_cast<int>(DistributionCode::kBinomial);
+inline constexpr int kDiscreteCount = kDistributionCount - kContinuousCount;
 
 // What a parameter may be. No range holds an infinity or NaN.
 enum class ParameterRange : std::uint8_t {
@@ -98,14 +99,14 @@ struct DistributionFacts {
   static constexpr std::size_t kMostParameters = 5;
 
   DistributionCode code;
-  std::string_view name;             // in one word
-  std::string_view longName = name;  // in the names of its functions in formulas and of automation members
-  std::string_view shortName = {};   // by which people call it, too
+  std::string_view name;              // in one word
+  std::string_view longName = name;   // in the names of its functions in formulas and of automation members
+  std::string_view macroName = name;  // in the constants of macros
+  std::string_view shortName = {};    // by which people call it, too
   bool isContinuous = true;
   OffsetPlace offset = OffsetPlace::kNone;
   bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes
   std::array<ParameterFacts, kMostParameters> parameters;  // in the order of the values; of one group
-  std::int32_t testCode;                                   // under which the Kolmogorov-Smirnov test knows it
   CurveNames curves{};                                     // none where steps draw it
   EstimationCost estimation{};
 

@@ -11,7 +11,6 @@ struct FoldedNormal {
       .name = "FoldedNormal",
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
-      .testCode = 13,
       .curves = {"FoldedNormal", "iFoldedNormal", "FoldeNormal"},
       .estimation = {.copiesSample = true, .slowness = 2}};
 };

@@ -16,7 +16,6 @@ struct GaussianMixture {
       .parameters = {{{"proportion", ParameterRange::kProportion},
                       {"mean", ParameterRange::kFinite},
                       {"standard deviation", ParameterRange::kPositive}}},
-      .testCode = 15,
       .estimation = {.copiesSample = true, .slowness = 5}};
 };
 

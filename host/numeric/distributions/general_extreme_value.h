@@ -10,11 +10,11 @@ struct GeneralExtremeValue {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kGeneralExtremeValue,
                                             .name = "GeneralExtremeValue",
                                             .longName = "GeneralizedExtremeValue",
+                                            .macroName = "GenExtreme",
                                             .shortName = "GEV",
                                             .parameters = {{{"location", ParameterRange::kFinite},
                                                             {"scale", ParameterRange::kPositive},
                                                             {"shape", ParameterRange::kFinite}}},
-                                            .testCode = 17,
                                             .curves = {"GEV", "IGEV"},
                                             .estimation = {.copiesSample = true, .slowness = 4}};
 };

@@ -11,10 +11,10 @@ struct GeneralPareto {
       .code = DistributionCode::kGeneralPareto,
       .name = "GeneralPareto",
       .longName = "GeneralizedPareto",
+      .macroName = "GenPareto",
       .shortName = "GPD",
       .offset = OffsetPlace::kFirst,
       .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kFinite}}},
-      .testCode = 18,
       .curves = {"GPD", "IGPD"},
       .estimation = {.copiesSample = true, .slowness = 3}};
 };

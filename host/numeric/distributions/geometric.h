@@ -12,7 +12,6 @@ struct Geometric {
       .name = "Geometric",
       .isContinuous = false,
       .parameters = {{{"proportion", ParameterRange::kPositiveProportion}}},
-      .testCode = 22,
       .curves = {"Geom", "iGeom"}};
 };
 

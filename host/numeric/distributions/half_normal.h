@@ -10,7 +10,6 @@ struct HalfNormal {
                                             .name = "HalfNormal",
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
-                                            .testCode = 14,
                                             .curves = {"HalfNormal", "iHalfNormal"},
                                             .estimation = {.copiesSample = true}};
 };

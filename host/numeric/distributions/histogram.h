@@ -12,10 +12,10 @@ struct Histogram {
       .code = DistributionCode::kHistogram,
       .name = "Histogram",
       .longName = "Discrete",
+      .macroName = "Discrete",
       .isContinuous = false,
       .isUserDefined = true,
-      .parameters = {{{"code", ParameterRange::kFinite}, {"proportion", ParameterRange::kProportion}}},
-      .testCode = 24};
+      .parameters = {{{"code", ParameterRange::kFinite}, {"proportion", ParameterRange::kProportion}}}};
 };
 
 extern template class Distribution<Histogram>;

@@ -15,7 +15,6 @@ struct Johnson {
                                                             {"delta", ParameterRange::kPositive},
                                                             {"lambda", ParameterRange::kPositive},
                                                             {"xi", ParameterRange::kFinite}}},
-                                            .testCode = 16,
                                             .curves = {"Johnson", "iJohnson"},
                                             .estimation = {.copiesSample = true, .slowness = 1}};
 };

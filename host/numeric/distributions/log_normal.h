@@ -11,7 +11,6 @@ struct LogNormal {
       .name = "LogNormal",
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"scale", ParameterRange::kFinite}, {"shape", ParameterRange::kPositive}}},
-      .testCode = 9,
       .curves = {"Lognorm", "iLognorm"},
       .estimation = {.copiesSample = true}};
 };

@@ -10,7 +10,6 @@ struct Normal {
       .code = DistributionCode::kNormal,
       .name = "Normal",
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
-      .testCode = 1,
       .curves = {"Normal", "iNormal"}};
 };
 

@@ -10,7 +10,6 @@ struct Poisson {
                                             .name = "Poisson",
                                             .isContinuous = false,
                                             .parameters = {{{"mean", ParameterRange::kPositive}}},
-                                            .testCode = 20,
                                             .curves = {"Poisson", "iPoisson"}};
 };
 

@@ -10,7 +10,6 @@ struct Rayleigh {
                                             .name = "Rayleigh",
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
-                                            .testCode = 12,
                                             .curves = {"Rayl", "IRayl"},
                                             .estimation = {.copiesSample = true}};
 };

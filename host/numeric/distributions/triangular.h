@@ -11,7 +11,6 @@ struct Triangular {
                                             .parameters = {{{"min", ParameterRange::kFinite},
                                                             {"max", ParameterRange::kFinite},
                                                             {"mode", ParameterRange::kFinite}}},
-                                            .testCode = 19,
                                             .curves = {"Triangular", "iTriangular"}};
 };
 

@@ -11,7 +11,6 @@ struct Weibull {
       .name = "Weibull",
       .offset = OffsetPlace::kLast,
       .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kPositive}}},
-      .testCode = 10,
       .curves = {"weibull", "iWeibull"},
       .estimation = {.copiesSample = true}};
 };

@@ -7,21 +7,11 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
-#include <string>
-
-#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-const DistributionType* FindType(std::int32_t testCode) {
-  const auto types = DistributionTypes();
-  const auto found = std::ranges::find_if(
-      types, [testCode](const DistributionType* type) { return type->facts.testCode == testCode; });
-  return found == types.end() ? nullptr : *found;
-}
 
 }  // namespace
 
@@ -32,14 +22,11 @@ double KolmogorovSmirnovStatistic(std::span<const double> sortedProbabilities) {
   return distance.IsComplete() ? distance.Greatest() : kNotSet;
 }
 
-Result<double, TestFault> TestKolmogorovSmirnov(std::int32_t testCode, std::span<const double> parameters,
+Result<double, TestFault> TestKolmogorovSmirnov(const AnyDistribution& distribution,
                                                 std::span<const double> sortedData, double offset) {
-  const DistributionType* type = FindType(testCode);
-  if (type == nullptr) return Fault{TestFault::kUnknownDistribution, std::to_string(testCode)};
   if (sortedData.empty()) return Fault{TestFault::kNoValues};
   if (!std::isfinite(offset)) return Fault{TestFault::kNotANumber};
-  const AnyDistribution distribution(*type, parameters);
-  const bool isDiscrete = !type->facts.isContinuous;
+  const bool isDiscrete = !distribution.Facts().isContinuous;
 
   constexpr std::size_t kPiece = 1024;
   std::array<double, kPiece> x;

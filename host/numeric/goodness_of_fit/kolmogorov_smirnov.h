@@ -7,21 +7,20 @@
 #include <span>
 
 #include "host/base/result.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 
 enum class TestFault : std::uint8_t {
   kNoValues,
-  kNotANumber,           // an offset or a statistic
-  kUnknownDistribution,  // about its code
-  kNoProbability         // the parameters are invalid, or a probability could not be computed
+  kNotANumber,    // an offset or a statistic
+  kNoProbability  // the parameters are invalid, or a probability could not be computed
 };
 
-// The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite) less `offset` against the
-// distribution that the test knows under `testCode` (DistributionFacts) with all its `parameters`. A threshold
-// among the parameters may be left out; it counts from the offset. Both sides of every jump of the empirical
-// and, for discrete distributions, of the fitted distribution function count.
-Result<double, TestFault> TestKolmogorovSmirnov(std::int32_t testCode, std::span<const double> parameters,
+// The statistic D = sup |F_n(x) - F(x)| of `sortedData` (ascending, finite) less `offset` against a
+// distribution. Both sides of every jump of the empirical and, for discrete distributions, of the fitted
+// distribution function count.
+Result<double, TestFault> TestKolmogorovSmirnov(const AnyDistribution& distribution,
                                                 std::span<const double> sortedData, double offset = 0.0);
 
 // The largest distance so far, fed with F(x) and the limit F(x-) of one of n values after the other in
