@@ -46,7 +46,6 @@ const Data& SortedData(std::int64_t shape, std::size_t count) {
 ContinuousSpecification AllTypes(const Data& data) {
   ContinuousSpecification specification;
   specification.fit.fill(true);
-  specification.fit[kPercentileFitFlag] = false;
   const double offset = data.values.front() - 0.01 * (data.values.back() - data.values.front());
   specification.offsets.fill(offset);
   specification.mixtures = 2;

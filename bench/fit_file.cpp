@@ -42,9 +42,7 @@ std::vector<DistributionFit> FitTypes(std::vector<double> values, bool continuou
   if (continuous) {
     ContinuousSpecification specification;
     specification.fit.fill(codes.empty());
-    specification.fit[kPercentileFitFlag] = false;
-    for (const DistributionCode code : codes)
-      specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
+    for (const DistributionCode code : codes) specification.fit[PlaceInKind(code)] = true;
     specification.offsets.fill(0);
     specification.mixtures = 2;
     return *FitContinuousDistributions(sample, specification, kBinning, [] {});

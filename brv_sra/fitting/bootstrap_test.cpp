@@ -182,14 +182,13 @@ struct BootstrapRun : testing::Test {
     specification.continuousSpecifications.resize(2);
     for (ContinuousSpecification& each : specification.continuousSpecifications) {
       each.fit.fill(true);
-      each.fit[kPercentileFitFlag] = false;
       each.offsets.fill(0);
       each.mixtures = 2;
     }
     specification.discrete = {2};
     specification.discreteSpecifications.resize(1);
     specification.discreteSpecifications[0].fit.fill(true);
-    specification.discreteSpecifications[0].fit[FlagOfDiscrete(kBernoulli)] = false;
+    specification.discreteSpecifications[0].fit[PlaceInKind(kBernoulli)] = false;
     specification.bootstrapSamples = 19;
   }
   void Add(const std::vector<double>& values) {
@@ -238,7 +237,7 @@ TEST_F(BootstrapRun, ResultsDependNeitherOnCompanyNorOnTheProcessStream) {
     SCOPED_TRACE(DisplayName(code));
     auto& flags = specification.continuousSpecifications[0].fit;
     flags.fill(false);
-    flags[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
+    flags[PlaceInKind(code)] = true;
     const auto alone = Run();
     EXPECT_TRUE(
         AreSame(alone[0].fits[0].bootstrap, together[1].fits[static_cast<std::size_t>(code)].bootstrap));
@@ -266,7 +265,7 @@ TEST_F(BootstrapRun, FitThatReproducesTheDataHasPValueOne) {
   specification.bootstrapSamples = 200;
   const auto results = *RunFit(bits, specification, {}, port);
   for (const DistributionCode code : {kBernoulli, kHistogram}) {
-    const DistributionFit& fit = results[0].fits[static_cast<std::size_t>(FlagOfDiscrete(code))];
+    const DistributionFit& fit = results[0].fits[PlaceInKind(code)];
     EXPECT_EQ(fit.bootstrap.kolmogorovSmirnov, 1);
     EXPECT_EQ(fit.bootstrap.chiSquare, 1);
     EXPECT_EQ(fit.bootstrap.samples, 200);

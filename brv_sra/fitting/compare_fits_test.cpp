@@ -74,7 +74,6 @@ Sample FitFile(const std::string& name, bool continuous) {
   const SortedSample input{sample.sorted, moments.Finish()};
   ContinuousSpecification specification;
   specification.fit.fill(true);
-  specification.fit[kPercentileFitFlag] = false;
   specification.offsets.fill(0);
   specification.mixtures = 2;
   DiscreteSpecification discrete;

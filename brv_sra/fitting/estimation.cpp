@@ -161,8 +161,7 @@ std::span<const DistributionCode> FittedDiscrete() {
 
 DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
                                    const ContinuousSpecification& specification, const Poll& poll) {
-  const auto index = OffsetIndex(code);
-  const double offset = index ? specification.offsets[*index] : kNotSet;
+  const double offset = HasOffset(code) ? specification.offsets[PlaceInKind(code)] : kNotSet;
   const Moments& moments = sample.moments;
   const double shift = IsNotSet(offset) ? 0 : offset;
   // A value without a logarithm rules the log-normal out, whatever its offset.
@@ -178,7 +177,7 @@ DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sa
                   .skewness = moments.skewness,
                   .kurtosis = moments.kurtosis,
                   .components = AllowedMixtures(specification.mixtures, std::ssize(sample.values)),
-                  .isByPercentiles = specification.fit[kPercentileFitFlag],
+                  .isByPercentiles = specification.johnsonByPercentiles,
                   .poll = poll});
 }
 
@@ -194,12 +193,12 @@ Result<std::vector<DistributionFit>> FitContinuousDistributions(const SortedSamp
                                                                 ChiSquareBinning binning, const Poll& poll) {
   std::vector<DistributionCode> codes;
   for (const DistributionCode code : FittedContinuous()) {
-    if (specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))]) codes.push_back(code);
+    if (specification.fit[PlaceInKind(code)]) codes.push_back(code);
   }
   std::vector<DistributionFit> fits = FitAll(codes, sample.values, binning, poll, [&](DistributionCode code) {
     return EstimateContinuous(code, sample, specification, poll);
   });
-  if (specification.fit[kPercentileFitFlag]) {
+  if (specification.johnsonByPercentiles) {
     if (auto fault = FaultOfPercentiles(fits)) return *std::move(fault);
   }
   return fits;
@@ -210,7 +209,7 @@ std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample
                                                       ChiSquareBinning binning, const Poll& poll) {
   std::vector<DistributionCode> codes;
   for (const DistributionCode code : FittedDiscrete()) {
-    if (specification.fit[static_cast<std::size_t>(FlagOfDiscrete(code))]) codes.push_back(code);
+    if (specification.fit[PlaceInKind(code)]) codes.push_back(code);
   }
   return FitAll(codes, sample.values, binning, poll,
                 [&](DistributionCode code) { return EstimateDiscrete(code, sample, specification); });

@@ -8,6 +8,7 @@
 #include <fstream>
 #include <random>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "host/base/error.h"
 #include "host/numeric/estimation/standard_errors.h"
@@ -44,7 +45,6 @@ Data Example(const std::string& name) {
 ContinuousSpecification Everything(double offset) {
   ContinuousSpecification specification;
   specification.fit.fill(true);
-  specification.fit[kPercentileFitFlag] = false;
   specification.offsets.fill(offset);
   specification.mixtures = 2;
   return specification;
@@ -244,7 +244,7 @@ TEST(Estimation, OneFailureLeavesTheOtherFitsAlone) {
       *FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualIntervals, [] {});
   ASSERT_EQ(fits.size(), 11U);
   for (const DistributionFit& fit : fits) {
-    const bool hasOffset = OffsetIndex(fit.specification.code).has_value();
+    const bool hasOffset = HasOffset(fit.specification.code);
     EXPECT_EQ(fit.IsValid(), !hasOffset) << static_cast<int>(fit.specification.code);
     EXPECT_EQ(IsNotSet(fit.kolmogorovSmirnov.statistic), hasOffset);
     EXPECT_EQ(IsNotSet(fit.logLikelihood), hasOffset);
@@ -269,7 +269,7 @@ TEST(Estimation, FitOutsideItsOwnSupportHasNoLogLikelihood) {
 
 TEST(Estimation, JohnsonByPercentilesEndsTheFitOfTheVariableWhereItFails) {
   ContinuousSpecification specification = Everything(0);
-  specification.fit[kPercentileFitFlag] = true;
+  specification.johnsonByPercentiles = true;
   const Data tied({1, 1, 1, 1, 1, 1, 1, 1, 1, 2});
   EXPECT_EQ(EstimateContinuous(Code::kJohnson, tied.Sample(), specification, [] {}).fault,
             (brenvolt::Fault{EstimationFault::kEqualPercentiles}));

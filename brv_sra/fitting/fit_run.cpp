@@ -61,8 +61,7 @@ ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous
 
 // The mixtures taken, where another number was asked for.
 std::int32_t ChangedMixtures(const ContinuousSpecification& specification, std::int64_t validCases) {
-  if (!specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))])
-    return kNotSetCount;
+  if (!specification.fit[PlaceInKind(DistributionCode::kGaussianMixture)]) return kNotSetCount;
   const std::int32_t taken = AllowedMixtures(specification.mixtures, validCases);
   const bool isChanged = specification.mixtures != kNotSetCount && specification.mixtures != taken;
   return isChanged ? taken : kNotSetCount;

@@ -175,7 +175,6 @@ std::vector<std::vector<double>> Columns(std::size_t count, std::size_t cases) {
 
 void CheckAll(ContinuousSpecification& specification) {
   specification.fit.fill(true);
-  specification.fit[kPercentileFitFlag] = false;
   specification.offsets.fill(0);
   specification.mixtures = 2;
 }
@@ -231,8 +230,8 @@ TEST_F(FitRun, PercentilesThatFailEndTheFitOfTheirVariableAlone) {
   for (const std::size_t tied : {1U, 2U}) columns[tied] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 2};
   FitSpecification specification = Continuous({1, 2, 3});
   for (auto& each : specification.continuousSpecifications) {
-    each.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kJohnson))] = true;
-    each.fit[kPercentileFitFlag] = true;
+    each.fit[PlaceInKind(DistributionCode::kJohnson)] = true;
+    each.johnsonByPercentiles = true;
   }
   const auto results = Run(SheetOf(columns), specification);
   EXPECT_TRUE(results[0].HasValidFit());
@@ -281,8 +280,8 @@ TEST_F(FitRun, DiscreteVariablesFollowWithTheirFiveTypes) {
 TEST(Estimation, ValueWithoutLogarithmRulesOutTheLogNormalOnly) {
   ContinuousSpecification specification;
   specification.fit[0] = true;
-  specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kLogNormal))] = true;
-  specification.offsets[0] = -10;
+  specification.fit[PlaceInKind(DistributionCode::kLogNormal)] = true;
+  specification.offsets[PlaceInKind(DistributionCode::kLogNormal)] = -10;
   const std::vector<double> sorted{-1, 2, 3, 5};
   Moments moments;
   moments.logMean = kNotSet;

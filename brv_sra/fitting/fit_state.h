@@ -3,8 +3,8 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,46 +25,32 @@ enum class RankingCriterion : std::int32_t { kKolmogorovSmirnov = 1, kChiSquare 
 
 enum class ChiSquareBinning : std::int32_t { kEqualProbabilities = 0, kEqualIntervals = 1 };
 
-// The check boxes of a continuous variable, in their fixed order. Index 8 is an option of the Johnson fit,
-// not a distribution.
-inline constexpr int kContinuousFlagCount = 12;
-inline constexpr int kPercentileFitFlag = 8;
-// The distributions with an offset, in the order of the offset fields.
-inline constexpr std::array<DistributionCode, 6> kOffsetDistributions{
-    DistributionCode::kLogNormal, DistributionCode::kFoldedNormal, DistributionCode::kHalfNormal,
-    DistributionCode::kRayleigh,  DistributionCode::kWeibull,      DistributionCode::kGeneralPareto};
-inline constexpr int kDiscreteFlagCount = 5;
-
-// The check box of a continuous distribution: the codes in order, with the option of index 8 between them.
-constexpr int FlagOfContinuous(DistributionCode code) {
-  const int index = static_cast<int>(code);
-  return index < kPercentileFitFlag ? index : index + 1;
-}
-constexpr int FlagOfDiscrete(DistributionCode code) {
-  return static_cast<int>(code) - kContinuousCount;
+// The place of a distribution among those of its kind, continuous or discrete.
+constexpr std::size_t PlaceInKind(DistributionCode code) {
+  const auto place = static_cast<std::size_t>(code);
+  return place < kContinuousCount ? place : place - kContinuousCount;
 }
 
-// The place of a distribution's offset among the offset fields, or nothing.
-constexpr std::optional<std::size_t> OffsetIndex(DistributionCode code) {
-  for (std::size_t i = 0; i < kOffsetDistributions.size(); ++i) {
-    if (kOffsetDistributions[i] == code) return i;
-  }
-  return std::nullopt;
-}
-
-// What is to be fitted to one variable: nothing unless specified. What is checked for a newly selected
-// variable is the dialog's choice.
+// What is to be fitted to one variable, by PlaceInKind: nothing unless specified. What is checked for a newly
+// selected variable is the dialog's choice.
 struct ContinuousSpecification {
-  std::array<bool, kContinuousFlagCount> fit{};
-  std::array<double, kOffsetDistributions.size()> offsets{kNotSet, kNotSet, kNotSet,
-                                                          kNotSet, kNotSet, kNotSet};
+  using Offsets = std::array<double, kContinuousCount>;
+  static constexpr Offsets kNoOffsets = [] {
+    Offsets offsets;
+    offsets.fill(kNotSet);
+    return offsets;
+  }();
+
+  std::array<bool, kContinuousCount> fit{};
+  Offsets offsets = kNoOffsets;  // only those of distributions that have one count
+  bool johnsonByPercentiles = false;
   std::int32_t mixtures = kNotSetCount;
 
   bool operator==(const ContinuousSpecification&) const = default;
 };
 
 struct DiscreteSpecification {
-  std::array<bool, kDiscreteFlagCount> fit{};
+  std::array<bool, kDiscreteCount> fit{};
   std::int32_t trials = kNotSetCount;
   bool useTrials = false;
 

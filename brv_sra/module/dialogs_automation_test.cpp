@@ -294,12 +294,13 @@ TEST_F(Automation, DisabledControlsRefuseAndKeepTheirState) {
     std::vector<Variant> indexes;
   };
   using namespace fit_dialog;
+  using enum DistributionCode;
   const std::vector<Variant> first{1};
   const auto fit = [this] { OpenFit(); };
   const auto simulation = [this] { OpenSimulation(); };
   const Row rows[] = {{fit, kCasewise, "IsCasewise", true, {}},
-                      {fit, kWeibull, "IsWeibullDistribution", true, first},
-                      {fit, kWeibullOffset, "WeibullOffset", 2.0, first},
+                      {fit, CheckOf(kWeibull), "IsWeibullDistribution", true, first},
+                      {fit, FieldOf(kWeibull), "WeibullOffset", 2.0, first},
                       {fit, kMixtures, "NumberOfMixtures", 3, first},
                       {simulation, simulation_dialog::kLatinHypercube, "LHSMethod", 1, {}},
                       {simulation, simulation_dialog::kNumberOfSamples, "NumberOfSamples", 7, {}},

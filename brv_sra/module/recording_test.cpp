@@ -120,17 +120,18 @@ class Replay {
 
 void Specify(Desk& desk) {
   using namespace fit_dialog;
+  using enum DistributionCode;
   desk.person.variableAnswers.emplace_back([](VariableQuestion& question) {
     question.first = Numbers{1, 2};
     question.second = Numbers{};
   });
   EXPECT_TRUE(desk.Dialog().Press(kVariables));
-  EXPECT_TRUE(desk.Dialog().Check(kWeibull, true));
-  EXPECT_TRUE(desk.Dialog().Enter(kWeibullOffset, "0.125"));
+  EXPECT_TRUE(desk.Dialog().Check(CheckOf(kWeibull), true));
+  EXPECT_TRUE(desk.Dialog().Enter(FieldOf(kWeibull), "0.125"));
   EXPECT_TRUE(desk.Dialog().Press(kContinuousNext));
   EXPECT_TRUE(desk.Dialog().Press(kContinuousClearAll));
-  EXPECT_TRUE(desk.Dialog().Check(kNormal, true));
-  EXPECT_TRUE(desk.Dialog().Check(kLogNormal, true));
+  EXPECT_TRUE(desk.Dialog().Check(CheckOf(kNormal), true));
+  EXPECT_TRUE(desk.Dialog().Check(CheckOf(kLogNormal), true));
   EXPECT_TRUE(desk.Dialog().Check(kCasewise, true));
   desk.person.modalAnswers.emplace_back([](CAnalysisModalDialog& options) {
     options.Check(fit_options::kContinuousAndersonDarling, true);
@@ -215,14 +216,15 @@ TEST(Recording, OnlyWhatAnActionChangedBecomesALine) {
   MacroRecorder recorder;
   desk.analysis->SetRecorder(&recorder);
   using namespace fit_dialog;
+  using enum DistributionCode;
   CAnalysisDialog& dialog = desk.Dialog();
-  dialog.Check(kNormal, true);            // it is checked already
+  dialog.Check(CheckOf(kNormal), true);   // it is checked already
   dialog.Press(kContinuousNext);          // shows another variable
   dialog.Select(kContinuousVariable, 9);  // refused
   desk.analysis->GetDialgInterface()->Get("IsWeibullDistribution", std::vector<Variant>{1});
   EXPECT_TRUE(recorder.IsEmpty()) << recorder.Text("");
   dialog.Press(kContinuousNext);  // the question showed the first variable
-  dialog.Check(kNormal, false);
+  dialog.Check(CheckOf(kNormal), false);
   dialog.Check(kCasewise, true);
   desk.analysis->GetDialgInterface()->Put("IsNormalDistribution", 1, 1);
   desk.analysis->GetDialgInterface()->Put("BootstrapSamples", 5.0);

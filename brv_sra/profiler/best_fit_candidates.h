@@ -1,8 +1,6 @@
 // The distributions among which the profiler looks for the best, of a predictor's data and of a response.
 #pragma once
 
-#include <cstddef>
-
 #include "brv_sra/fitting/fit_state.h"
 
 namespace brenvolt::sra {
@@ -12,8 +10,7 @@ namespace brenvolt::sra {
 inline ContinuousSpecification BestFitCandidates() {
   ContinuousSpecification specification;
   specification.fit.fill(true);
-  specification.fit[kPercentileFitFlag] = false;
-  specification.fit[static_cast<std::size_t>(FlagOfContinuous(DistributionCode::kGaussianMixture))] = false;
+  specification.fit[PlaceInKind(DistributionCode::kGaussianMixture)] = false;
   specification.offsets.fill(0.0);
   return specification;
 }

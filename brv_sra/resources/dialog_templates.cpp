@@ -1,7 +1,10 @@
 #include "brv_sra/resources/dialog_templates.h"
 
+#include <utility>
+
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -14,6 +17,44 @@ std::string_view Text(std::int32_t number) {
 
 RowTemplate OkAndCancel(std::int32_t okCaption) {
   return {{kControlOk, kButton, Text(okCaption)}, {kControlCancel, kButton, Text(kFitButtonCancel)}};
+}
+
+// The check box of a distribution, and what belongs to it. The captions stand in the order of the check boxes.
+RowTemplate DistributionRow(const DistributionFacts& facts) {
+  using namespace fit_dialog;
+  const std::int32_t check = CheckOf(facts.code);
+  const std::int32_t caption = facts.isContinuous ? kFitCheckNormal + check - kContinuousChecks
+                                                  : kFitCheckBinomial + check - kDiscreteChecks;
+  RowTemplate row{{check, kCheckBox, Text(caption)}};
+  if (facts.HasOffset()) row.push_back({FieldOf(facts.code), kRealField, Text(kOffsetCaption)});
+  if (facts.code == DistributionCode::kGaussianMixture)
+    row.push_back({kMixtures, kIntegerField, Text(kFitLabelMixtures)});
+  if (facts.code == DistributionCode::kJohnson)
+    row.push_back({kJohnsonPercentile, kCheckBox, Text(kFitCheckJohnsonPercentile)});
+  if (facts.code == DistributionCode::kBinomial) {
+    row.push_back({kUseTrials, kCheckBox, Text(kFitLabelTrials)});
+    row.push_back({kTrials, kIntegerField, ""});
+  }
+  return row;
+}
+
+// The tabs of both kinds of variables number their controls alike.
+TabTemplate DistributionTab(std::int32_t caption, bool isContinuous) {
+  using namespace fit_dialog;
+  const std::int32_t shift = isContinuous ? 0 : kDiscreteVariable - kContinuousVariable;
+  const auto button = [shift](std::int32_t number, std::int32_t text) {
+    return ControlTemplate{number + shift, kButton, Text(text)};
+  };
+  std::vector<RowTemplate> rows{{{kContinuousVariable + shift, kComboBox, ""},
+                                 button(kContinuousPrevious, kFitButtonPrevious),
+                                 button(kContinuousNext, kFitButtonNext)}};
+  for (const DistributionType* type : DistributionTypes()) {
+    if (type->facts.isContinuous == isContinuous) rows.push_back(DistributionRow(type->facts));
+  }
+  rows.push_back({button(kContinuousSelectAll, kFitButtonSelectAll),
+                  button(kContinuousClearAll, kFitButtonClearAll),
+                  button(kContinuousToggle, kFitButtonToggle)});
+  return {Text(caption), {{"", std::move(rows)}}};
 }
 
 }  // namespace
@@ -52,12 +93,6 @@ const DialogTemplate& SimulationStartupTemplate() {
 
 const DialogTemplate& FitDistributionTemplate() {
   using namespace fit_dialog;
-  const auto check = [](std::int32_t number, std::int32_t caption) {
-    return ControlTemplate{number, kCheckBox, Text(caption)};
-  };
-  const auto offset = [](std::int32_t number) {
-    return ControlTemplate{number, kRealField, Text(kOffsetCaption)};
-  };
   static const DialogTemplate result{
       25974,
       Text(kFitTitle),
@@ -71,41 +106,8 @@ const DialogTemplate& FitDistributionTemplate() {
           {{{kVariables, kButton, Text(kFitButtonVariables)}},
            {{kContinuousList, kLabel, Text(kFitListContinuous)}},
            {{kDiscreteList, kLabel, Text(kFitListDiscrete)}}}}}},
-       {Text(kFitTabContinuous),
-        {{"",
-          {{{kContinuousVariable, kComboBox, ""},
-            {kContinuousPrevious, kButton, Text(kFitButtonPrevious)},
-            {kContinuousNext, kButton, Text(kFitButtonNext)}},
-           {check(kNormal, kFitCheckNormal)},
-           {check(kLogNormal, kFitCheckLogNormal), offset(kLogNormalOffset)},
-           {check(kFoldedNormal, kFitCheckFoldedNormal), offset(kFoldedNormalOffset)},
-           {check(kHalfNormal, kFitCheckHalfNormal), offset(kHalfNormalOffset)},
-           {check(kRayleigh, kFitCheckRayleigh), offset(kRayleighOffset)},
-           {check(kWeibull, kFitCheckWeibull), offset(kWeibullOffset)},
-           {check(kGaussianMixture, kFitCheckGaussianMixture),
-            {kMixtures, kIntegerField, Text(kFitLabelMixtures)}},
-           {check(kJohnson, kFitCheckJohnson), check(kJohnsonPercentile, kFitCheckJohnsonPercentile)},
-           {check(kGeneralExtremeValue, kFitCheckGeneralExtremeValue)},
-           {check(kGeneralPareto, kFitCheckGeneralPareto), offset(kGeneralParetoOffset)},
-           {check(kTriangular, kFitCheckTriangular)},
-           {{kContinuousSelectAll, kButton, Text(kFitButtonSelectAll)},
-            {kContinuousClearAll, kButton, Text(kFitButtonClearAll)},
-            {kContinuousToggle, kButton, Text(kFitButtonToggle)}}}}}},
-       {Text(kFitTabDiscrete),
-        {{"",
-          {{{kDiscreteVariable, kComboBox, ""},
-            {kDiscretePrevious, kButton, Text(kFitButtonPrevious)},
-            {kDiscreteNext, kButton, Text(kFitButtonNext)}},
-           {check(kBinomial, kFitCheckBinomial),
-            check(kUseTrials, kFitLabelTrials),
-            {kTrials, kIntegerField, ""}},
-           {check(kPoisson, kFitCheckPoisson)},
-           {check(kGeometric, kFitCheckGeometric)},
-           {check(kBernoulli, kFitCheckBernoulli)},
-           {check(kHistogram, kFitCheckHistogram)},
-           {{kDiscreteSelectAll, kButton, Text(kFitButtonSelectAll)},
-            {kDiscreteClearAll, kButton, Text(kFitButtonClearAll)},
-            {kDiscreteToggle, kButton, Text(kFitButtonToggle)}}}}}}}};
+       DistributionTab(kFitTabContinuous, true),
+       DistributionTab(kFitTabDiscrete, false)}};
   return result;
 }
 

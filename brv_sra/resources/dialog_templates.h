@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "host/controls/dialog_template.h"
+#include "host/numeric/distributions/distribution_facts.h"
 
 namespace brenvolt::sra {
 
@@ -30,8 +31,6 @@ inline constexpr std::int32_t kProfiler = 1220;
 inline constexpr std::int32_t kAutoProfiler = 1254;
 }  // namespace define_task
 
-// The number of a distribution's check box, offset and count ends in its place among the check boxes of its
-// tab.
 namespace fit_dialog {
 inline constexpr std::int32_t kVariables = 1010;
 inline constexpr std::int32_t kContinuousList = 1011;
@@ -47,38 +46,30 @@ inline constexpr std::int32_t kContinuousNext = 1022;
 inline constexpr std::int32_t kContinuousSelectAll = 1023;
 inline constexpr std::int32_t kContinuousClearAll = 1024;
 inline constexpr std::int32_t kContinuousToggle = 1025;
-inline constexpr std::int32_t kNormal = 1030;
-inline constexpr std::int32_t kLogNormal = 1031;
-inline constexpr std::int32_t kFoldedNormal = 1032;
-inline constexpr std::int32_t kHalfNormal = 1033;
-inline constexpr std::int32_t kRayleigh = 1034;
-inline constexpr std::int32_t kWeibull = 1035;
-inline constexpr std::int32_t kGaussianMixture = 1036;
-inline constexpr std::int32_t kJohnson = 1037;
 inline constexpr std::int32_t kJohnsonPercentile = 1038;
-inline constexpr std::int32_t kGeneralExtremeValue = 1039;
-inline constexpr std::int32_t kGeneralPareto = 1040;
-inline constexpr std::int32_t kTriangular = 1041;
-inline constexpr std::int32_t kLogNormalOffset = 1051;
-inline constexpr std::int32_t kFoldedNormalOffset = 1052;
-inline constexpr std::int32_t kHalfNormalOffset = 1053;
-inline constexpr std::int32_t kRayleighOffset = 1054;
-inline constexpr std::int32_t kWeibullOffset = 1055;
-inline constexpr std::int32_t kMixtures = 1056;
-inline constexpr std::int32_t kGeneralParetoOffset = 1060;
 inline constexpr std::int32_t kDiscreteVariable = 1070;
 inline constexpr std::int32_t kDiscretePrevious = 1071;
 inline constexpr std::int32_t kDiscreteNext = 1072;
 inline constexpr std::int32_t kDiscreteSelectAll = 1073;
 inline constexpr std::int32_t kDiscreteClearAll = 1074;
 inline constexpr std::int32_t kDiscreteToggle = 1075;
-inline constexpr std::int32_t kBinomial = 1080;
-inline constexpr std::int32_t kPoisson = 1081;
-inline constexpr std::int32_t kGeometric = 1082;
-inline constexpr std::int32_t kBernoulli = 1083;
-inline constexpr std::int32_t kHistogram = 1084;
 inline constexpr std::int32_t kUseTrials = 1089;
 inline constexpr std::int32_t kTrials = 1090;
+// The first check box of a distribution on each tab. The others follow in the order of the codes; on the first
+// tab, the option of the Johnson fit stands among them.
+inline constexpr std::int32_t kContinuousChecks = 1030;
+inline constexpr std::int32_t kDiscreteChecks = 1080;
+constexpr std::int32_t CheckOf(DistributionCode code) {
+  const auto number = static_cast<std::int32_t>(code);
+  if (number >= kContinuousCount) return kDiscreteChecks + number - kContinuousCount;
+  const std::int32_t check = kContinuousChecks + number;
+  return check < kJohnsonPercentile ? check : check + 1;
+}
+// The field beside the check box of a continuous distribution, of its offset or the number of components.
+constexpr std::int32_t FieldOf(DistributionCode code) {
+  return CheckOf(code) + 20;
+}
+inline constexpr std::int32_t kMixtures = FieldOf(DistributionCode::kGaussianMixture);
 }  // namespace fit_dialog
 
 namespace fit_options {

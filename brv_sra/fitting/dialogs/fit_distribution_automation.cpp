@@ -8,6 +8,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "brv_sra/fitting/dialogs/fit_distribution_dialog.h"
@@ -18,6 +19,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
+#include "host/numeric/distributions/all_distributions.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -168,7 +170,8 @@ constexpr auto kContinuousRank = &FitSpecification::continuousCriterion;
 constexpr auto kDiscreteRank = &FitSpecification::discreteCriterion;
 constexpr auto kBins = &FitSpecification::binning;
 
-constexpr std::array<Member, 40> kMembers{{
+// What is not one of each distribution.
+constexpr std::array<Member, 18> kOwnMembers{{
     Member{"Variables", GetLists, PutLists}.SaidByOthers(),
     Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest"),
     Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest"),
@@ -180,38 +183,52 @@ constexpr std::array<Member, 40> kMembers{{
     Member{"IsPairwise", GetChecked<Dialog, kPairwise>, PutChosen<Dialog, kPairwise>}.AsChoice(),
     Member{"IsCasewise", GetChecked<Dialog, kCasewise>, PutChosen<Dialog, kCasewise>}.AsChoice(),
     {"ContinuousVariable", GetContinuousList, PutContinuousList},
-    Continuous<kNormal>("IsNormalDistribution"),
-    Continuous<kLogNormal>("IsLogNormalDistribution"),
-    Continuous<kFoldedNormal>("IsFoldedNormalDistribution"),
-    Continuous<kHalfNormal>("IsHalfNormalDistribution"),
-    Continuous<kRayleigh>("IsRayleighDistribution"),
-    Continuous<kWeibull>("IsWeibullDistribution"),
-    Continuous<kGaussianMixture>("IsGaussianMixtureDistribution"),
     Count<&Dialog::ShowContinuousVariable, kMixtures>("NumberOfMixtures"),
-    Continuous<kJohnson>("IsJohnsonDistribution"),
-    Continuous<kGeneralExtremeValue>("IsGeneralizedExtremeValueDistribution"),
-    Continuous<kGeneralPareto>("IsGeneralizedParetoDistribution"),
-    Continuous<kTriangular>("IsTriangularDistribution"),
-    Offset<kLogNormalOffset>("LogNormalOffset"),
-    Offset<kFoldedNormalOffset>("FoldedNormalOffset"),
-    Offset<kHalfNormalOffset>("HalfNormalOffset"),
-    Offset<kRayleighOffset>("RayleighOffset"),
-    Offset<kWeibullOffset>("WeibullOffset"),
-    Offset<kGeneralParetoOffset>("GeneralizedParetoOffset"),
     {"DiscreteVariable", GetDiscreteList, PutDiscreteList},
-    Discrete<kBinomial>("IsBinomialDistribution"),
     Discrete<kUseTrials>("IsNumberOfTrials"),
     Count<&Dialog::ShowDiscreteVariable, kTrials>("NumberOfTrials"),
-    Discrete<kPoisson>("IsPoissonDistribution"),
-    Discrete<kGeometric>("IsGeometricDistribution"),
-    Discrete<kBernoulli>("IsBernoulliDistribution"),
-    Discrete<kHistogram>("IsDiscreteDistribution"),
     Continuous<kJohnsonPercentile>("FitJohnsonByPercentile"),
     {"BootstrapSamples", GetSetting<&FitSpecification::bootstrapSamples>,
      PutSetting<&FitSpecification::bootstrapSamples>},
     {"BootstrapSeed", GetSetting<&FitSpecification::bootstrapSeed>,
      PutSetting<&FitSpecification::bootstrapSeed>},
 }};
+
+constexpr bool IsJoined(std::string_view name, std::string_view head, std::string_view middle,
+                        std::string_view tail) {
+  return name.size() == head.size() + middle.size() + tail.size() && name.starts_with(head) &&
+         name.substr(head.size()).starts_with(middle) && name.ends_with(tail);
+}
+
+// The member of that name if it checks the distribution D or enters its offset.
+template <class D>
+constexpr void BindIfOf(std::string_view name, Member& member) {
+  constexpr DistributionFacts kFacts = D::kFacts;
+  constexpr std::int32_t kCheck = CheckOf(kFacts.code);
+  if (IsJoined(name, "Is", kFacts.longName, "Distribution"))
+    member = kFacts.isContinuous ? Continuous<kCheck>(name) : Discrete<kCheck>(name);
+  if constexpr (kFacts.HasOffset()) {
+    if (IsJoined(name, "", kFacts.longName, "Offset")) member = Offset<FieldOf(kFacts.code)>(name);
+  }
+}
+
+template <class... D>
+constexpr Member MemberOf(std::string_view name, DistributionList<D...> /*list*/) {
+  Member member = kOwnMembers.front();
+  for (const Member& own : kOwnMembers) {
+    if (own.name == name) member = own;
+  }
+  (BindIfOf<D>(name, member), ...);
+  return member;
+}
+
+template <std::size_t... Place>
+constexpr auto MembersInOrder(std::index_sequence<Place...> /*places*/) {
+  using fit_distribution_interface::kMembers;
+  return std::array{MemberOf(kMembers[Place].name, AllDistributions())...};
+}
+constexpr auto kMembers =
+    MembersInOrder(std::make_index_sequence<fit_distribution_interface::kMembers.size()>());
 static_assert(Binds(kFitDistributionInterface, kMembers));
 
 }  // namespace

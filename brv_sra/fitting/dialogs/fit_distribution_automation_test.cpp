@@ -120,28 +120,30 @@ TEST_F(FitDialog, MembersCheckBoxesAndFlagsMeanTheSameDistribution) {
                           {"IsBernoulliDistribution", "Bernoulli", nullptr},
                           {"IsDiscreteDistribution", "Histogram", nullptr}};
   Automation().Put("Variables", "1-2 | 3-4");
-  std::size_t offset = 0;
-  for (std::size_t flag = 0; flag < kContinuousFlagCount; ++flag) {
+  constexpr std::size_t kPercentiles = 8;  // the place of the option of the Johnson fit
+  for (std::size_t flag = 0; flag <= kContinuousCount; ++flag) {
     EXPECT_EQ(Dialog().Controls().At(ContinuousChecks()[flag]).caption, continuous[flag].label);
     Dialog().Press(kContinuousClearAll);
     Automation().Put(continuous[flag].member, 1, true);
     if (continuous[flag].offset != nullptr) Automation().Put(continuous[flag].offset, 1, 2.5);
     Dialog().Press(kContinuousNext);
-    std::array<bool, kContinuousFlagCount> only{};
-    only[flag] = true;
-    EXPECT_EQ(Specification().continuousSpecifications[0].fit, only) << continuous[flag].member;
+    const ContinuousSpecification& read = Specification().continuousSpecifications[0];
+    const std::size_t place = flag < kPercentiles ? flag : flag - 1;
+    std::array<bool, kContinuousCount> only{};
+    only[place] = flag != kPercentiles;
+    EXPECT_EQ(read.fit, only) << continuous[flag].member;
+    EXPECT_EQ(read.johnsonByPercentiles, flag == kPercentiles);
     if (continuous[flag].offset != nullptr) {
-      EXPECT_EQ(Specification().continuousSpecifications[0].offsets[offset++], 2.5)
-          << continuous[flag].offset;
+      EXPECT_EQ(read.offsets[place], 2.5) << continuous[flag].offset;
     }
     Dialog().Press(kContinuousPrevious);
   }
-  for (std::size_t flag = 0; flag < kDiscreteFlagCount; ++flag) {
+  for (std::size_t flag = 0; flag < kDiscreteCount; ++flag) {
     EXPECT_EQ(Dialog().Controls().At(DiscreteChecks()[flag]).caption, discrete[flag].label);
     Dialog().Press(kDiscreteClearAll);
     Automation().Put(discrete[flag].member, 1, true);
     Dialog().Press(kDiscreteNext);
-    std::array<bool, kDiscreteFlagCount> only{};
+    std::array<bool, kDiscreteCount> only{};
     only[flag] = true;
     EXPECT_EQ(Specification().discreteSpecifications[0].fit, only) << discrete[flag].member;
     Dialog().Press(kDiscretePrevious);

@@ -7,6 +7,7 @@
 #include <span>
 #include <utility>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/dialogs/fit_options_dialog.h"
 #include "brv_sra/fitting/dialogs/fit_variable_inputs_dialog.h"
 #include "brv_sra/fitting/dialogs/no_valid_variables.h"
@@ -337,24 +338,20 @@ std::int64_t CFitDistribution::ValidCases(std::int16_t variable) const {
 }
 
 bool CFitDistribution::EveryVariableHasDistribution() const {
-  const auto hasDistribution = [](ContinuousSpecification variable) {
-    variable.fit[kPercentileFitFlag] = false;
-    return std::ranges::find(variable.fit, true) != variable.fit.end();
-  };
-  const auto hasDiscrete = [](const DiscreteSpecification& variable) {
+  const auto hasDistribution = [](const auto& variable) {
     return std::ranges::find(variable.fit, true) != variable.fit.end();
   };
   return std::ranges::all_of(Specification().continuousSpecifications, hasDistribution) &&
-         std::ranges::all_of(Specification().discreteSpecifications, hasDiscrete);
+         std::ranges::all_of(Specification().discreteSpecifications, hasDistribution);
 }
 
 // Of all variables, also those that were not shown: what this dialog runs may have been specified elsewhere.
 bool CFitDistribution::EveryOffsetIsValid() const {
   for (const ContinuousSpecification& variable : Specification().continuousSpecifications) {
-    for (std::size_t i = 0; i < kOffsetDistributions.size(); ++i) {
-      const bool checked = variable.fit[static_cast<std::size_t>(FlagOfContinuous(kOffsetDistributions[i]))];
-      const double offset = variable.offsets[i];
-      if (checked && (IsNotSet(offset) || !std::isfinite(offset))) return false;
+    for (const DistributionCode code : FittedContinuous()) {
+      const double offset = variable.offsets[PlaceInKind(code)];
+      const bool isNeeded = variable.fit[PlaceInKind(code)] && HasOffset(code);
+      if (isNeeded && (IsNotSet(offset) || !std::isfinite(offset))) return false;
     }
   }
   return true;

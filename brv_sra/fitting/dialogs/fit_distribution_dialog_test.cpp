@@ -9,8 +9,10 @@
 #include <functional>
 #include <stdexcept>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/dialogs/fit_support_dialog_test.h"
 #include "brv_sra/fitting/dialogs/fit_variable_inputs_dialog.h"
+#include "brv_sra/fitting/estimation.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/base/error.h"
 
@@ -18,6 +20,7 @@ namespace brenvolt::sra {
 namespace {
 
 using namespace fit_dialog;
+using enum DistributionCode;
 
 constexpr const char* kMixturesText =
     "Invalid number of mixtures for one or more variable(s). Please note that the value cannot be less than "
@@ -41,9 +44,9 @@ TEST_F(FitDialog, OkChecksInItsOrderAndStaysOpen) {
   Dialog().Press(kContinuousClearAll);
   Dialog().Check(kJohnsonPercentile, true);
   Dialog().Press(kContinuousPrevious);
-  Dialog().Check(kRayleigh, true);
-  Dialog().Enter(kRayleighOffset, " ");
-  Dialog().Check(kGaussianMixture, true);
+  Dialog().Check(CheckOf(kRayleigh), true);
+  Dialog().Enter(FieldOf(kRayleigh), " ");
+  Dialog().Check(CheckOf(kGaussianMixture), true);
   Dialog().Enter(kMixtures, "many");
   Dialog().Check(kUseTrials, true);
   Dialog().Enter(kTrials, "0");
@@ -53,10 +56,10 @@ TEST_F(FitDialog, OkChecksInItsOrderAndStaysOpen) {
     EXPECT_EQ(analysis->CurrentStep(), step::kFit);
   };
   expectNext(kOffsetsText);
-  Dialog().Enter(kRayleighOffset, "0.5");
+  Dialog().Enter(FieldOf(kRayleigh), "0.5");
   expectNext(kMixturesText);
   EXPECT_EQ(Text(kMixtures), "15") << "reverted to half the valid cases";
-  Dialog().Check(kGaussianMixture, false);
+  Dialog().Check(CheckOf(kGaussianMixture), false);
   expectNext(kTrialsText);
   Dialog().Enter(kTrials, "12");
   expectNext(kNoDistributionText);
@@ -64,7 +67,7 @@ TEST_F(FitDialog, OkChecksInItsOrderAndStaysOpen) {
   Automation().Put("IsNormalDistribution", 2, true);
   Dialog().Press(kDiscreteClearAll);
   expectNext(kNoDistributionText);
-  Dialog().Check(kPoisson, true);
+  Dialog().Check(CheckOf(kPoisson), true);
   EXPECT_TRUE(Ok());
   EXPECT_EQ(Said(), std::vector<std::string>{});
   EXPECT_EQ(analysis->CurrentStep(), step::kFitResults);
@@ -81,34 +84,38 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
     std::int32_t message;
   };
   const Row rows[] = {
-      {kLogNormalOffset, "", {}, 0},
-      {kLogNormalOffset, "", {kWeibull}, kMsgInvalidOffsets},  // its own field is empty, too
-      {kLogNormalOffset, "", {kLogNormal}, kMsgInvalidOffsets},
-      {kLogNormalOffset, "-444", {kLogNormal}, kMsgInvalidOffsets},
-      {kLogNormalOffset, "-444", {}, 0},
-      {kLogNormalOffset, "-443.9", {kLogNormal}, 0},
-      {kLogNormalOffset, "1e999", {}, 0},
-      {kWeibullOffset, "x", {kLogNormal}, kMsgInvalidOffsets},  // its own field is empty
-      {kLogNormalOffset, "x", {kLogNormal}, kMsgInvalidOffsets},
-      {kLogNormalOffset, "nan", {kLogNormal}, kMsgInvalidOffsets},
-      {kFoldedNormalOffset, "x", {kFoldedNormal}, kMsgInvalidOffsets},
-      {kHalfNormalOffset, "", {kHalfNormal}, kMsgInvalidOffsets},
-      {kRayleighOffset, "", {kRayleigh}, kMsgInvalidOffsets},
-      {kGeneralParetoOffset, "", {kGeneralPareto}, kMsgInvalidOffsets},
-      {kGeneralParetoOffset, " 2 ", {kGeneralPareto}, 0},
-      {kMixtures, "", {kGaussianMixture}, kMsgInvalidMixtureCountReverted},
+      {FieldOf(kLogNormal), "", {}, 0},
+      {FieldOf(kLogNormal), "", {CheckOf(kWeibull)}, kMsgInvalidOffsets},  // its own field is empty, too
+      {FieldOf(kLogNormal), "", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kLogNormal), "-444", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kLogNormal), "-444", {}, 0},
+      {FieldOf(kLogNormal), "-443.9", {CheckOf(kLogNormal)}, 0},
+      {FieldOf(kLogNormal), "1e999", {}, 0},
+      {FieldOf(kWeibull), "x", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},  // its own field is empty
+      {FieldOf(kLogNormal), "x", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kLogNormal), "nan", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kFoldedNormal), "x", {CheckOf(kFoldedNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kHalfNormal), "", {CheckOf(kHalfNormal)}, kMsgInvalidOffsets},
+      {FieldOf(kRayleigh), "", {CheckOf(kRayleigh)}, kMsgInvalidOffsets},
+      {FieldOf(kGeneralPareto), "", {CheckOf(kGeneralPareto)}, kMsgInvalidOffsets},
+      {FieldOf(kGeneralPareto), " 2 ", {CheckOf(kGeneralPareto)}, 0},
+      {kMixtures, "", {CheckOf(kGaussianMixture)}, kMsgInvalidMixtureCountReverted},
       {kMixtures, "2.5", {}, 0},
-      {kMixtures, "2.5", {kGaussianMixture}, kMsgInvalidMixtureCountReverted},
-      {kMixtures, "1", {kGaussianMixture}, 0},  // the bounds are the run's
-      {kMixtures, "", {kNormal, kJohnson, kJohnsonPercentile, kGeneralExtremeValue, kTriangular}, 0},
-      {kTrials, "", {kBinomial}, 0},
+      {kMixtures, "2.5", {CheckOf(kGaussianMixture)}, kMsgInvalidMixtureCountReverted},
+      {kMixtures, "1", {CheckOf(kGaussianMixture)}, 0},  // the bounds are the run's
+      {kMixtures,
+       "",
+       {CheckOf(kNormal), CheckOf(kJohnson), kJohnsonPercentile, CheckOf(kGeneralExtremeValue),
+        CheckOf(kTriangular)},
+       0},
+      {kTrials, "", {CheckOf(kBinomial)}, 0},
       {kTrials, "", {kUseTrials}, 0},
-      {kTrials, "", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "", {CheckOf(kBinomial), kUseTrials}, kMsgInvalidTrialsOfVariable},
       {kTrials, "0", {}, kMsgInvalidTrialsOfVariable},
-      {kTrials, "-3", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
-      {kTrials, "1.5", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
-      {kTrials, "2147483648", {kBinomial, kUseTrials}, kMsgInvalidTrialsOfVariable},
-      {kTrials, "1", {kBinomial, kUseTrials}, 0},
+      {kTrials, "-3", {CheckOf(kBinomial), kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "1.5", {CheckOf(kBinomial), kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "2147483648", {CheckOf(kBinomial), kUseTrials}, kMsgInvalidTrialsOfVariable},
+      {kTrials, "1", {CheckOf(kBinomial), kUseTrials}, 0},
   };
   for (const Row& row : rows) {
     ControlSet controls(FitDistributionTemplate());
@@ -122,7 +129,7 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
     EXPECT_EQ(read != 0 ? read : ReadInputs(controls, discrete), row.message)
         << row.field << " \"" << row.text << "\"";
     // What is wrong leaves its tab's numbers as they were; the checks are taken.
-    const auto checked = std::ranges::find(row.checks, kLogNormal) != row.checks.end();
+    const auto checked = std::ranges::find(row.checks, CheckOf(kLogNormal)) != row.checks.end();
     EXPECT_EQ(continuous.fit[1], checked) << row.field;
     const bool trialsWrong = row.message == kMsgInvalidTrialsOfVariable;
     EXPECT_EQ(discrete.trials == 5, row.message != 0) << row.field << " \"" << row.text << "\"";
@@ -151,20 +158,20 @@ TEST(FitInputs, MixturesFollowTheRunOnlyWhereItFittedOthers) {
 TEST_F(FitDialog, EachVariableKeepsItsInputsUntilItsListChanges) {
   Answer({1, 2}, {3, 4});
   Dialog().Press(kVariables);
-  Dialog().Check(kLogNormal, true);
-  EXPECT_EQ(Text(kLogNormalOffset), "0") << "the usual offset comes with the check";
-  Dialog().Enter(kLogNormalOffset, "0.25");
-  Dialog().Check(kGaussianMixture, true);
+  Dialog().Check(CheckOf(kLogNormal), true);
+  EXPECT_EQ(Text(FieldOf(kLogNormal)), "0") << "the usual offset comes with the check";
+  Dialog().Enter(FieldOf(kLogNormal), "0.25");
+  Dialog().Check(CheckOf(kGaussianMixture), true);
   EXPECT_EQ(Text(kMixtures), "2");
   Dialog().Enter(kTrials, "20");
   EXPECT_TRUE(Dialog().Press(kContinuousNext));
   EXPECT_TRUE(Dialog().Press(kDiscreteNext));
-  EXPECT_FALSE(Checked(kLogNormal));
-  EXPECT_EQ(Text(kLogNormalOffset) + Text(kMixtures) + Text(kTrials), "");
+  EXPECT_FALSE(Checked(CheckOf(kLogNormal)));
+  EXPECT_EQ(Text(FieldOf(kLogNormal)) + Text(kMixtures) + Text(kTrials), "");
   EXPECT_FALSE(Dialog().Press(kContinuousNext)) << "there is no third";
   EXPECT_FALSE(Dialog().Press(kDiscreteNext));
-  Dialog().Check(kRayleigh, true);
-  Dialog().Enter(kRayleighOffset, "?");
+  Dialog().Check(CheckOf(kRayleigh), true);
+  Dialog().Enter(FieldOf(kRayleigh), "?");
   EXPECT_FALSE(Dialog().Press(kContinuousPrevious));
   Dialog().Select(kContinuousVariable, 0);
   EXPECT_EQ(Said(), (std::vector<std::string>{kOffsetsText, kOffsetsText}));
@@ -174,16 +181,16 @@ TEST_F(FitDialog, EachVariableKeepsItsInputsUntilItsListChanges) {
   EXPECT_EQ(Said(), std::vector<std::string>{kTrialsText});
   EXPECT_EQ(Dialog().Controls().Selection(kDiscreteVariable), 1);
   Dialog().Enter(kTrials, "");
-  Dialog().Enter(kRayleighOffset, "1");
+  Dialog().Enter(FieldOf(kRayleigh), "1");
   Dialog().Select(kContinuousVariable, 0);
-  EXPECT_EQ(Text(kLogNormalOffset), "0.25");
-  EXPECT_TRUE(Checked(kLogNormal));
+  EXPECT_EQ(Text(FieldOf(kLogNormal)), "0.25");
+  EXPECT_TRUE(Checked(CheckOf(kLogNormal)));
 
   Dialog().Press(kVariables);  // cancelled
-  EXPECT_EQ(Text(kLogNormalOffset), "0.25");
+  EXPECT_EQ(Text(FieldOf(kLogNormal)), "0.25");
   Answer({1, 2}, {4});
   Dialog().Press(kVariables);
-  EXPECT_EQ(Text(kLogNormalOffset), "0.25") << "the other list changed";
+  EXPECT_EQ(Text(FieldOf(kLogNormal)), "0.25") << "the other list changed";
   EXPECT_EQ(Specification().discreteSpecifications[0], NewDiscreteSpecification());
   Dialog().Enter(kTrials, "20");
   Answer({2, 1}, {4});
@@ -202,8 +209,8 @@ TEST_F(FitDialog, ButtonsUnderTheChecksActOnAllOfTheShownVariable) {
   Dialog().Press(kContinuousToggle);
   Dialog().Press(kDiscreteClearAll);
   for (const std::int32_t check : ContinuousChecks()) {
-    const bool wasOff =
-        check != kNormal && check != kJohnson && check != kGeneralExtremeValue && check != kTriangular;
+    const bool wasOff = check != CheckOf(kNormal) && check != CheckOf(kJohnson) &&
+                        check != CheckOf(kGeneralExtremeValue) && check != CheckOf(kTriangular);
     EXPECT_EQ(Checked(check), wasOff) << check;
   }
   for (const std::int32_t check : DiscreteChecks()) EXPECT_FALSE(Checked(check));
@@ -212,7 +219,10 @@ TEST_F(FitDialog, ButtonsUnderTheChecksActOnAllOfTheShownVariable) {
   for (const std::int32_t check : ContinuousChecks()) EXPECT_TRUE(Checked(check));
   for (const std::int32_t check : DiscreteChecks()) EXPECT_TRUE(Checked(check));
   EXPECT_TRUE(Dialog().Press(kContinuousNext)) << "all inputs that became needed are there";
-  EXPECT_EQ(Specification().continuousSpecifications[0].offsets, (std::array<double, 6>{}));
+  for (const DistributionCode code : FittedContinuous()) {
+    EXPECT_EQ(Specification().continuousSpecifications[0].offsets[PlaceInKind(code)],
+              HasOffset(code) ? 0.0 : kNotSet);
+  }
   EXPECT_EQ(Specification().continuousSpecifications[0].mixtures, 2);
   EXPECT_EQ(Specification().continuousSpecifications[1], before.continuousSpecifications[1]);
 }
@@ -244,7 +254,7 @@ TEST_F(FitDialog, SelectionRefusesTextVariablesAndAnEmptyChoice) {
                                       "the two variable lists to continue."}));
   EXPECT_EQ(Text(kContinuousList), "2");
   EXPECT_EQ(Text(kDiscreteList), "none");
-  EXPECT_FALSE(Dialog().Check(kPoisson, false)) << "there is no discrete variable to act on";
+  EXPECT_FALSE(Dialog().Check(CheckOf(kPoisson), false)) << "there is no discrete variable to act on";
 }
 
 TEST_F(FitDialog, RunThatFailsSaysWhyAndLeavesTheSpecification) {
@@ -306,7 +316,7 @@ TEST_F(FitDialog, RunThatFailsSaysWhyAndLeavesTheSpecification) {
 TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreReportedAndShown) {
   for (double& value : sheet.VariableAt(0).MutableValues()) value = 3;
   Automation().Put("ContinuousVariable", "1");
-  Dialog().Check(kGaussianMixture, true);
+  Dialog().Check(CheckOf(kGaussianMixture), true);
   Dialog().Enter(kMixtures, "19");
   EXPECT_FALSE(Ok());
   ASSERT_EQ(userInterface.messages.size(), 2U);
@@ -319,17 +329,17 @@ TEST_F(FitDialog, MixturesOfARunWithoutValidVariablesAreReportedAndShown) {
 
 TEST_F(FitDialog, VariablesCanBeChosenWhateverTheInputsHold) {
   Automation().Put("Variables", "1 | 3");
-  Dialog().Check(kWeibull, true);
-  Dialog().Enter(kWeibullOffset, "?");
+  Dialog().Check(CheckOf(kWeibull), true);
+  Dialog().Enter(FieldOf(kWeibull), "?");
   Dialog().Enter(kTrials, "-1");
   Answer({1}, {3, 4});
   EXPECT_TRUE(Dialog().Press(kVariables));
-  EXPECT_EQ(Text(kWeibullOffset), "?") << "the list did not change";
-  EXPECT_TRUE(Checked(kWeibull));
+  EXPECT_EQ(Text(FieldOf(kWeibull)), "?") << "the list did not change";
+  EXPECT_TRUE(Checked(CheckOf(kWeibull)));
   EXPECT_EQ(Text(kTrials), "") << "a new list";
   Answer({2}, {3, 4});
   EXPECT_TRUE(Dialog().Press(kVariables));
-  EXPECT_EQ(Text(kWeibullOffset), "");
+  EXPECT_EQ(Text(FieldOf(kWeibull)), "");
   EXPECT_EQ(Said(), std::vector<std::string>{});
 }
 

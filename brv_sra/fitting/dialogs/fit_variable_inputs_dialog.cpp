@@ -3,6 +3,8 @@
 #include <array>
 #include <string>
 
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/fitting/estimation.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/base/number_text.h"
@@ -12,25 +14,16 @@ namespace {
 
 using namespace fit_dialog;
 
-constexpr std::array<std::int32_t, kContinuousFlagCount> kContinuousChecks{
-    kNormal,          kLogNormal, kFoldedNormal,      kHalfNormal,          kRayleigh,      kWeibull,
-    kGaussianMixture, kJohnson,   kJohnsonPercentile, kGeneralExtremeValue, kGeneralPareto, kTriangular};
-constexpr std::array<std::int32_t, kDiscreteFlagCount> kDiscreteChecks{kBinomial, kPoisson, kGeometric,
-                                                                       kBernoulli, kHistogram};
-
-struct OffsetInput {
-  std::int32_t check;
-  std::int32_t field;
-};
-// In the order of kOffsetDistributions.
-constexpr std::array<OffsetInput, kOffsetDistributions.size()> kOffsetInputs{{
-    {kLogNormal, kLogNormalOffset},
-    {kFoldedNormal, kFoldedNormalOffset},
-    {kHalfNormal, kHalfNormalOffset},
-    {kRayleigh, kRayleighOffset},
-    {kWeibull, kWeibullOffset},
-    {kGeneralPareto, kGeneralParetoOffset},
-}};
+// `Count` check boxes, numbered one after the other.
+template <std::size_t Count>
+constexpr std::array<std::int32_t, Count> ChecksFrom(std::int32_t first) {
+  std::array<std::int32_t, Count> checks{};
+  for (std::int32_t& check : checks) check = first++;
+  return checks;
+}
+// Those of the continuous distributions with the option of the Johnson fit.
+constexpr auto kContinuousBoxes = ChecksFrom<kContinuousCount + 1>(kContinuousChecks);
+constexpr auto kDiscreteBoxes = ChecksFrom<kDiscreteCount>(kDiscreteChecks);
 
 constexpr double kUsualOffset = 0.0;
 constexpr std::int32_t kUsualMixtures = 2;
@@ -40,31 +33,21 @@ bool IsEmpty(const ControlSet& controls, std::int32_t field) {
 }
 
 // One offset: false if it is wrong. A typed value that means "not set" counts as no offset.
-bool ReadOffset(const ControlSet& controls, const OffsetInput& input, double& offset) {
+bool ReadOffset(const ControlSet& controls, DistributionCode code, double& offset) {
   offset = kNotSet;
-  if (controls.GetDlgItemDouble(input.field, offset) != 0) offset = kNotSet;
-  return !IsNotSet(offset) || !controls.IsChecked(input.check);
+  if (controls.GetDlgItemDouble(FieldOf(code), offset) != 0) offset = kNotSet;
+  return !IsNotSet(offset) || !controls.IsChecked(CheckOf(code));
 }
 
 bool ReadMixtures(const ControlSet& controls, std::int32_t& mixtures) {
   mixtures = kNotSetCount;
   if (controls.GetDlgItemLong(kMixtures, mixtures) != 0) mixtures = kNotSetCount;
-  return mixtures != kNotSetCount || !controls.IsChecked(kGaussianMixture);
+  return mixtures != kNotSetCount || !controls.IsChecked(CheckOf(DistributionCode::kGaussianMixture));
 }
 
-template <std::size_t N>
-void ShowChecks(ControlSet& controls, const std::array<std::int32_t, N>& checks,
-                const std::array<bool, N>& fit, bool enabled) {
-  for (std::size_t i = 0; i < N; ++i) {
-    controls.Enable(checks[i], enabled);
-    controls.SetChecked(checks[i], enabled && fit[i]);
-  }
-}
-
-template <std::size_t N>
-void ReadChecks(const ControlSet& controls, const std::array<std::int32_t, N>& checks,
-                std::array<bool, N>& fit) {
-  for (std::size_t i = 0; i < N; ++i) fit[i] = controls.IsChecked(checks[i]);
+void ShowCheck(ControlSet& controls, std::int32_t check, bool isChecked, bool enabled) {
+  controls.Enable(check, enabled);
+  controls.SetChecked(check, enabled && isChecked);
 }
 
 }  // namespace
@@ -72,11 +55,13 @@ void ReadChecks(const ControlSet& controls, const std::array<std::int32_t, N>& c
 void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown) {
   const bool enabled = shown != nullptr;
   const ContinuousSpecification specification = enabled ? *shown : ContinuousSpecification{};
-  ShowChecks(controls, kContinuousChecks, specification.fit, enabled);
-  for (std::size_t i = 0; i < kOffsetInputs.size(); ++i) {
-    controls.Enable(kOffsetInputs[i].field, enabled);
-    controls.SetDlgItemDouble(kOffsetInputs[i].field, specification.offsets[i]);
+  for (const DistributionCode code : FittedContinuous()) {
+    ShowCheck(controls, CheckOf(code), specification.fit[PlaceInKind(code)], enabled);
+    if (!HasOffset(code)) continue;
+    controls.Enable(FieldOf(code), enabled);
+    controls.SetDlgItemDouble(FieldOf(code), specification.offsets[PlaceInKind(code)]);
   }
+  ShowCheck(controls, kJohnsonPercentile, specification.johnsonByPercentiles, enabled);
   controls.Enable(kMixtures, enabled);
   controls.SetDlgItemLong(kMixtures, specification.mixtures);
 }
@@ -84,7 +69,8 @@ void ShowInputs(ControlSet& controls, const ContinuousSpecification* shown) {
 void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown) {
   const bool enabled = shown != nullptr;
   const DiscreteSpecification specification = enabled ? *shown : DiscreteSpecification{};
-  ShowChecks(controls, kDiscreteChecks, specification.fit, enabled);
+  for (const DistributionCode code : FittedDiscrete())
+    ShowCheck(controls, CheckOf(code), specification.fit[PlaceInKind(code)], enabled);
   controls.Enable(kUseTrials, enabled);
   controls.SetChecked(kUseTrials, specification.useTrials);
   controls.Enable(kTrials, enabled);
@@ -93,10 +79,14 @@ void ShowInputs(ControlSet& controls, const DiscreteSpecification* shown) {
 
 std::int32_t ReadInputs(const ControlSet& controls, ContinuousSpecification& specification) {
   ContinuousSpecification read;
-  ReadChecks(controls, kContinuousChecks, read.fit);
+  for (const DistributionCode code : FittedContinuous())
+    read.fit[PlaceInKind(code)] = controls.IsChecked(CheckOf(code));
+  read.johnsonByPercentiles = controls.IsChecked(kJohnsonPercentile);
   specification.fit = read.fit;
-  for (std::size_t i = 0; i < kOffsetInputs.size(); ++i) {
-    if (!ReadOffset(controls, kOffsetInputs[i], read.offsets[i])) return kMsgInvalidOffsets;
+  specification.johnsonByPercentiles = read.johnsonByPercentiles;
+  for (const DistributionCode code : FittedContinuous()) {
+    if (HasOffset(code) && !ReadOffset(controls, code, read.offsets[PlaceInKind(code)]))
+      return kMsgInvalidOffsets;
   }
   if (!ReadMixtures(controls, read.mixtures)) return kMsgInvalidMixtureCountReverted;
   specification = read;
@@ -105,11 +95,12 @@ std::int32_t ReadInputs(const ControlSet& controls, ContinuousSpecification& spe
 
 std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& specification) {
   DiscreteSpecification read;
-  ReadChecks(controls, kDiscreteChecks, read.fit);
+  for (const DistributionCode code : FittedDiscrete())
+    read.fit[PlaceInKind(code)] = controls.IsChecked(CheckOf(code));
   read.useTrials = controls.IsChecked(kUseTrials);
   const bool empty = IsEmpty(controls, kTrials);
   const bool valid = controls.GetDlgItemLong(kTrials, read.trials) == 0 && read.trials > 0;
-  const bool needed = read.useTrials && controls.IsChecked(kBinomial);
+  const bool needed = read.useTrials && controls.IsChecked(CheckOf(DistributionCode::kBinomial));
   if (!valid && (needed || !empty)) return kMsgInvalidTrialsOfVariable;
   specification = read;
   return 0;
@@ -117,12 +108,12 @@ std::int32_t ReadInputs(const ControlSet& controls, DiscreteSpecification& speci
 
 void FillUsualInput(ControlSet& controls, std::int32_t check) {
   if (!controls.IsChecked(check)) return;
-  for (const OffsetInput& input : kOffsetInputs) {
-    if (input.check == check && IsEmpty(controls, input.field)) {
-      controls.SetDlgItemDouble(input.field, kUsualOffset);
+  for (const DistributionCode code : FittedContinuous()) {
+    if (CheckOf(code) == check && HasOffset(code) && IsEmpty(controls, FieldOf(code))) {
+      controls.SetDlgItemDouble(FieldOf(code), kUsualOffset);
     }
   }
-  if (check == kGaussianMixture && IsEmpty(controls, kMixtures)) {
+  if (check == CheckOf(DistributionCode::kGaussianMixture) && IsEmpty(controls, kMixtures)) {
     controls.SetDlgItemLong(kMixtures, kUsualMixtures);
   }
 }
@@ -139,11 +130,11 @@ std::string TakeOverMixtures(std::span<const VariableFit> results,
 }
 
 std::span<const std::int32_t> ContinuousChecks() {
-  return kContinuousChecks;
+  return kContinuousBoxes;
 }
 
 std::span<const std::int32_t> DiscreteChecks() {
-  return kDiscreteChecks;
+  return kDiscreteBoxes;
 }
 
 }  // namespace brenvolt::sra

@@ -1,7 +1,5 @@
 #include "brv_sra/fitting/dialogs/new_specification.h"
 
-#include <cstddef>
-
 namespace brenvolt::sra {
 
 ContinuousSpecification NewContinuousSpecification() {
@@ -9,7 +7,7 @@ ContinuousSpecification NewContinuousSpecification() {
   for (const DistributionCode code :
        {DistributionCode::kNormal, DistributionCode::kJohnson, DistributionCode::kGeneralExtremeValue,
         DistributionCode::kTriangular}) {
-    specification.fit[static_cast<std::size_t>(FlagOfContinuous(code))] = true;
+    specification.fit[PlaceInKind(code)] = true;
   }
   return specification;
 }
