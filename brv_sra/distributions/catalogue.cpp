@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "brv_sra/distributions/variable_properties.h"
+#include "brv_sra/resources/distribution_constants.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -55,43 +56,43 @@ constexpr Parameter kFoldedScale{kHeadingScale, kLabelScale, kWordScale, kMsgSto
 constexpr const char* kShortFormat = "%e";
 
 // clang-format off
-// Columns: code, internal key, compact key, spaced key, display name; description; parameters; format of stored
+// Columns: code, compact key, spaced key, display name; description; parameters; format of stored
 // values.
 constexpr std::array<CatalogueEntry, kDistributionCount> kCatalogue{{
-    {kNormal, "scNormalDistr", kCompactKeyNormal, 0, kNameNormal,
+    {kNormal, kCompactKeyNormal, 0, kNameNormal,
      "Normal(location=%.4f, scale=%.4f)", {kLocation, kScale}},
-    {kLogNormal, "scLogNormal", kCompactKeyLogNormal, kSpacedKeyLogNormal, kNameLogNormal,
+    {kLogNormal, kCompactKeyLogNormal, kSpacedKeyLogNormal, kNameLogNormal,
      "Log Normal(scale=%.4f, shape=%.4f)", {kScale, kShape}},
-    {kFoldedNormal, "scFoldedNormal", kCompactKeyFoldedNormal, kSpacedKeyFoldedNormal, kNameFoldedNormal,
+    {kFoldedNormal, kCompactKeyFoldedNormal, kSpacedKeyFoldedNormal, kNameFoldedNormal,
      "Folded Normal(location=%.4f, scale=%.4f)", {kFoldedLocation, kFoldedScale}},
-    {kHalfNormal, "scHalfNormal", kCompactKeyHalfNormal, kSpacedKeyHalfNormal, kNameHalfNormal,
+    {kHalfNormal, kCompactKeyHalfNormal, kSpacedKeyHalfNormal, kNameHalfNormal,
      "Half Normal(scale=%.4f)", {kScale}},
-    {kRayleigh, "scRayleigh", kCompactKeyRayleigh, 0, kNameRayleigh,
+    {kRayleigh, kCompactKeyRayleigh, 0, kNameRayleigh,
      "Rayleigh(scale=%.4f)", {kScale}},
-    {kWeibull, "scWeibull", kCompactKeyWeibull, 0, kNameWeibull,
+    {kWeibull, kCompactKeyWeibull, 0, kNameWeibull,
      "Weibull(scale=%.4f, shape=%.4f)", {kScale, kShape}},
-    {kGaussianMixture, "scGaussianMixture", kCompactKeyGaussianMixture, kSpacedKeyGaussianMixture,
+    {kGaussianMixture, kCompactKeyGaussianMixture, kSpacedKeyGaussianMixture,
      kNameGaussianMixture,
      "Gaussian Mixture", {kCoefficient, kComponentMean, kDeviation}, kShortFormat},
-    {kJohnson, "scJohnson", kCompactKeyJohnson, 0, kNameJohnson,
+    {kJohnson, kCompactKeyJohnson, 0, kNameJohnson,
      "Johnson", {kFamily, kGamma, kDelta, kLambda, kXi}, kShortFormat},
-    {kGeneralExtremeValue, "scGenExtreme", kCompactKeyGeneralExtremeValue, kSpacedKeyGeneralExtremeValue,
+    {kGeneralExtremeValue, kCompactKeyGeneralExtremeValue, kSpacedKeyGeneralExtremeValue,
      kNameGeneralExtremeValue,
      "General Extreme Value(location=%.4f, scale=%.4f, shape=%.4f)", {kLocation, kScale, kShape}},
-    {kGeneralPareto, "scGenPareto", kCompactKeyGeneralPareto, kSpacedKeyGeneralPareto, kNameGeneralPareto,
+    {kGeneralPareto, kCompactKeyGeneralPareto, kSpacedKeyGeneralPareto, kNameGeneralPareto,
      "General Pareto(scale=%.4f, shape=%.4f)", {kScale, kShape}},
     // The description has no equals sign after "mode".
-    {kTriangular, "scTriangular", kCompactKeyTriangular, 0, kNameTriangular,
+    {kTriangular, kCompactKeyTriangular, 0, kNameTriangular,
      "Triangular(min=%.4f, max=%.4f, mode%.4f)", {kMinimum, kMaximum, kMode}},
-    {kBinomial, "scBinomial", kCompactKeyBinomial, 0, kNameBinomial,
+    {kBinomial, kCompactKeyBinomial, 0, kNameBinomial,
      "Binomial(proportion=%.4f, N=%.4f)", {kProportionOfTrials, kTrialCount}},
-    {kPoisson, "scPoisson", kCompactKeyPoisson, 0, kNamePoisson,
+    {kPoisson, kCompactKeyPoisson, 0, kNamePoisson,
      "Poisson(mean=%.4f)", {kPoissonMean}},
-    {kGeometric, "scGeometric", kCompactKeyGeometric, 0, kNameGeometric,
+    {kGeometric, kCompactKeyGeometric, 0, kNameGeometric,
      "Geometric(proportion=%.4f)", {kProportionOfTrials}},
-    {kBernoulli, "scBernoulli", kCompactKeyBernoulli, 0, kNameBernoulli,
+    {kBernoulli, kCompactKeyBernoulli, 0, kNameBernoulli,
      "Bernoulli(proportion=%.4f)", {kProportionOfTrials}},
-    {kHistogram, "scDiscrete", kCompactKeyHistogram, 0, kNameHistogram,
+    {kHistogram, kCompactKeyHistogram, 0, kNameHistogram,
      "Histogram", {kClassCode, kClassProportion}},
 }};
 // clang-format on
@@ -139,55 +140,32 @@ ValidityFault ParameterFault(const CatalogueEntry& entry, std::size_t index, dou
   return fault;
 }
 
-// Whether every group-th value, beginning with `first`, adds up to 1.
-bool AddUpToOne(std::span<const double> values, std::size_t first, std::size_t group) {
-  double total = 0;
-  for (std::size_t i = first; i < values.size(); i += group) total += values[i];
-  return std::abs(total - 1) <= kTotalTolerance;
-}
-
 // The rules about several values of a distribution, once each value is in its range.
 std::optional<ValidityFault> CheckTogether(const CatalogueEntry& entry, std::span<const double> values) {
+  if (TypeOf(entry.code).isValid(values, 0.0)) return std::nullopt;
   switch (entry.code) {
     case kTriangular:
       if (values[0] > values[2]) return ParameterFault(entry, 0, kWordMinimumOrMode);
       if (values[2] > values[1]) return ParameterFault(entry, 2, kWordModeOrMaximum);
-      return std::nullopt;
+      return std::nullopt;  // a single point
     case kGaussianMixture:
-      if (AddUpToOne(values, 0, Parameters(entry.code).size())) return std::nullopt;
       return ParameterFault(entry, values.size(), kWordMixingCoefficient);
     case kHistogram:
-      if (AddUpToOne(values, 1, Parameters(entry.code).size())) return std::nullopt;
       return ValidityFault{std::string(ResourceString(kMsgInvalidTotalProportion)), values.size()};
     default:
       return std::nullopt;
   }
 }
 
-using NumberText = std::string (*)(double);
-
+// With more digits where the usual ones would not read back exactly.
 std::string MacroNumber(double x) {
-  return IsNotSet(x) ? "Nothing" : FormatNumber("%e", x);
+  if (IsNotSet(x)) return "Nothing";
+  const std::string usual = FormatNumber("%e", x);
+  return ParseNumber(usual) == x ? usual : FormatNumber("%.16e", x);
 }
 
-std::string ExactMacroNumber(double x) {
-  const std::string usual = MacroNumber(x);
-  if (IsNotSet(x) || ParseNumber(usual) == x) return usual;
-  return FormatNumber("%.16e", x);
-}
-
-std::string MacroBound(bool inForce, double bound, NumberText number) {
-  return inForce ? ", 1, " + number(bound) : ", 0, 0";
-}
-
-std::string MacroTextWith(const DistributionSpecification& specification, NumberText number) {
-  const CatalogueEntry& entry = Entry(specification.code);
-  std::string text = "Array(" + std::string(entry.internalKey);
-  for (const double value : specification.values) text += ", " + number(value);
-  if (HasOffset(entry.code)) text += ", " + number(specification.offset);
-  text += MacroBound(specification.truncateBelow, specification.truncationMinimum, number);
-  text += MacroBound(specification.truncateAbove, specification.truncationMaximum, number);
-  return std::string(Trim(text)) + ")";
+std::string MacroBound(bool inForce, double bound) {
+  return inForce ? ", 1, " + MacroNumber(bound) : ", 0, 0";
 }
 
 }  // namespace
@@ -198,6 +176,10 @@ const CatalogueEntry& Entry(DistributionCode code) {
 
 const DistributionFacts& Facts(DistributionCode code) {
   return TypeOf(code).facts;
+}
+
+std::string_view InternalKey(DistributionCode code) {
+  return kDistributionKeys.at(static_cast<std::size_t>(code));
 }
 
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number) {
@@ -241,20 +223,13 @@ std::vector<std::string_view> StoredKeys(DistributionCode code) {
 std::optional<DistributionCode> CodeFromKey(std::string_view key) {
   const std::string_view plain = StripDontTranslate(key);
   return FindCode([&](const CatalogueEntry& entry) {
-    return CompactKey(entry.code) == plain || SpacedKey(entry.code) == plain || entry.internalKey == key;
+    return CompactKey(entry.code) == plain || SpacedKey(entry.code) == plain ||
+           InternalKey(entry.code) == key;
   });
 }
 
 std::optional<DistributionCode> CodeFromDisplayName(std::string_view name) {
   return FindCode([&](const CatalogueEntry& entry) { return DisplayName(entry.code) == name; });
-}
-
-DistributionCode ContinuousCodeFromDisplayName(std::string_view name) {
-  const auto code = CodeFromDisplayName(name);
-  if (!code || !IsContinuous(*code)) {
-    throw CDispatchException(std::string(ResourceString(kMsgInvalidDistributionString)));
-  }
-  return *code;
 }
 
 std::string Description(DistributionCode code, std::span<const double> values) {
@@ -299,16 +274,13 @@ std::optional<ValidityFault> CheckSpecification(const DistributionSpecification&
 }
 
 std::string MacroText(const DistributionSpecification& specification) {
-  return MacroTextWith(specification, MacroNumber);
-}
-
-std::string ExactMacroText(const DistributionSpecification& specification) {
-  return MacroTextWith(specification, ExactMacroNumber);
-}
-
-std::string_view JohnsonFamilyName(int type) {
-  constexpr int kFamilies = 4;
-  return type >= 1 && type <= kFamilies ? ResourceString(kNameJohnsonSL + type - 1) : std::string_view();
+  const CatalogueEntry& entry = Entry(specification.code);
+  std::string text = "Array(" + std::string(InternalKey(entry.code));
+  for (const double value : specification.values) text += ", " + MacroNumber(value);
+  if (HasOffset(entry.code)) text += ", " + MacroNumber(specification.offset);
+  text += MacroBound(specification.truncateBelow, specification.truncationMinimum);
+  text += MacroBound(specification.truncateAbove, specification.truncationMaximum);
+  return std::string(Trim(text)) + ")";
 }
 
 }  // namespace brenvolt::sra

@@ -27,7 +27,6 @@ struct Parameter {
 
 struct CatalogueEntry {
   DistributionCode code;
-  std::string_view internalKey;        // "scLogNormal"
   std::int32_t compactKeyResource;     // "DontTranslate!!LogNormal"
   std::int32_t spacedKeyResource;      // "DontTranslate!!Log Normal", or 0 where the name holds no blank
   std::int32_t displayNameResource;    // "Log Normal"
@@ -39,6 +38,8 @@ struct CatalogueEntry {
 // Lookups. A code that is none has no entry: std::out_of_range.
 const CatalogueEntry& Entry(DistributionCode code);
 const DistributionFacts& Facts(DistributionCode code);
+// "scLogNormal"
+std::string_view InternalKey(DistributionCode code);
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number);
 std::string_view DisplayName(DistributionCode code);
 // The untranslated key without its marker: compact ("LogNormal"), and spaced where there is one, else
@@ -52,15 +53,8 @@ std::span<const Parameter> Parameters(DistributionCode code);
 // The keys of the values in a property of a variable; none where the values are bare numbers.
 std::vector<std::string_view> StoredKeys(DistributionCode code);
 
-// The display name of a Johnson family by the type value, 1 to 4 ("Johnson SL", SU, SB, SN); empty for
-// another.
-std::string_view JohnsonFamilyName(int type);
-
 // The code of an untranslated key (either form, with or without its marker) or of an internal key.
 std::optional<DistributionCode> CodeFromKey(std::string_view key);
-// The code of the display name of a continuous type, compared as whole strings in code order. Throws
-// CDispatchException "Invalid distribution string" (10292) for any other name.
-DistributionCode ContinuousCodeFromDisplayName(std::string_view name);
 // The code of any display name, or nothing.
 std::optional<DistributionCode> CodeFromDisplayName(std::string_view name);
 
@@ -98,9 +92,8 @@ std::optional<ValidityFault> CheckSpecification(const DistributionSpecification&
                                                 CheckPurpose purpose = CheckPurpose::kEntry);
 
 // "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes it. The
-// offset of types that have one follows the values as one more value; a value that is not set is "Nothing".
+// offset of types that have one follows the values as one more value; a value that is not set is "Nothing", and
+// one that would not read back exactly from six decimals has more digits.
 std::string MacroText(const DistributionSpecification& specification);
-// The same, with more digits for a value that would not read back exactly from six decimals.
-std::string ExactMacroText(const DistributionSpecification& specification);
 
 }  // namespace brenvolt::sra

@@ -87,7 +87,7 @@ DistributionSpecification SpecificationFromArray(std::span<const Variant> array)
 Variant::Array ArrayOf(const DistributionSpecification& specification) {
   Variant::Array array;
   const auto put = [&](double value) { IsNotSet(value) ? array.emplace_back() : array.emplace_back(value); };
-  array.emplace_back(std::string(Entry(specification.code).internalKey));
+  array.emplace_back(std::string(InternalKey(specification.code)));
   for (const double value : specification.values) put(value);
   if (HasOffset(specification.code)) put(specification.offset);
   array.emplace_back(std::int32_t{specification.truncateBelow ? 1 : 0});

@@ -1,8 +1,10 @@
 #include "brv_sra/resources/module_type_library.h"
 
 #include <array>
+#include <span>
 
 #include "brv_sra/resources/design_interface.h"
+#include "brv_sra/resources/distribution_constants.h"
 #include "brv_sra/resources/fit_distribution_interface.h"
 #include "brv_sra/resources/fit_results_interface.h"
 #include "brv_sra/resources/profiler_interface.h"
@@ -20,31 +22,22 @@ constexpr Constants<4> kOptions{"scSRAFitDistribution", "scSRARunSimulation", "s
                                 "scSRASimulationProfiler"};
 constexpr Constants<8> kOutputs{"scHistogram", "scCumulativeHistogram", "scEmpiricalCDF", "scQQ",
                                 "scPP",        "scQuickDistrSummary",   "scSummaryStats", "scSummaryGraph"};
-constexpr Constants<16> kKeys{"scNormalDistr", "scLogNormal", "scFoldedNormal",    "scHalfNormal",
-                              "scRayleigh",    "scWeibull",   "scGaussianMixture", "scJohnson",
-                              "scGenExtreme",  "scGenPareto", "scTriangular",      "scBinomial",
-                              "scPoisson",     "scGeometric", "scBernoulli",       "scDiscrete"};
-constexpr Constants<11> kContinuous{"Normal",     "LogNormal", "FoldedNormal",    "HalfNormal",
-                                    "Rayleigh",   "Weibull",   "GaussianMixture", "Johnson",
-                                    "GenExtreme", "GenPareto", "Triangular"};
-constexpr Constants<5> kDiscrete{"Binomial", "Poisson", "Geometric", "Bernoulli", "Discrete"};
-constexpr Constants<16> kSupported{
-    "DistrNormal",     "DistrLogNormal", "DistrFoldedNormal",    "DistrHalfNormal",
-    "DistrRayleigh",   "DistrWeibull",   "DistrGaussianMixture", "DistrJohnson",
-    "DistrGenExtreme", "DistrGenPareto", "DistrTriangular",      "DistrBinomial",
-    "DistrPoisson",    "DistrGeometric", "DistrBernoulli",       "DistrDiscrete"};
+constexpr std::string_view kNoPrefix;
+constexpr std::string_view kSupportedPrefix = "Distr";
+constexpr std::string_view kBestFitPrefix = "i";
+constexpr auto kNames = ConstantsOf<kNoPrefix>(AllDistributions());
+constexpr auto kSupported = ConstantsOf<kSupportedPrefix>(AllDistributions());
+constexpr auto kBestFits = ConstantsOf<kBestFitPrefix>(AllDistributions());
+constexpr std::span<const std::string_view> kContinuous = std::span(kNames).first(kContinuousCount);
+constexpr std::span<const std::string_view> kDiscrete = std::span(kNames).last(kDiscreteCount);
 constexpr Constants<5> kMethods{"MonteCarlo", "LHS", "ImanConover", "LHSwImanConover", "Norta"};
-constexpr Constants<16> kBestFits{"iNormal",     "iLogNormal", "iFoldedNormal",    "iHalfNormal",
-                                  "iRayleigh",   "iWeibull",   "iGaussianMixture", "iJohnson",
-                                  "iGenExtreme", "iGenPareto", "iTriangular",      "iBinomial",
-                                  "iPoisson",    "iGeometric", "iBernoulli",       "iDiscrete"};
 constexpr Constants<3> kBins{"iEquiProbable", "iEqualIntervals", "iCustom"};
 
 // The names are kept as recorded macros know them, odd spellings included.
 constexpr std::array<EnumerationDescription, 9> kEnumerations{{
     {"SRAOptions", "The tasks of the startup dialog.", kOptions, true},
     {"OuptutType", "The outputs of the fit results.", kOutputs},
-    {"SupportedDistributionsType", "The distribution types by their code.", kKeys},
+    {"SupportedDistributionsType", "The distribution types by their code.", kDistributionKeys},
     {"Distributions", "The continuous distribution types.", kContinuous},
     {"DiscreteDistributions", "The discrete distribution types.", kDiscrete},
     {"BrenvoltSupportedDistributions", "The distribution types by their code.", kSupported},

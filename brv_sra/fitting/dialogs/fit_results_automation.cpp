@@ -195,7 +195,7 @@ void PutUserDefined(Dialog& dialog, Indexes indexes, const Variant& value) {
                                     UserDefinedFrom(CodeFromVariant(indexes[1]), value)));
 }
 std::string UserDefinedText(Dialog&, Indexes indexes, const Variant& value) {
-  return ExactMacroText(UserDefinedFrom(CodeFromVariant(indexes[1]), value));
+  return MacroText(UserDefinedFrom(CodeFromVariant(indexes[1]), value));
 }
 
 // The variable of the Save/plot tab.
