@@ -102,7 +102,7 @@ std::optional<DiscreteTable> DiscreteTable::Of(const DistributionSpecification& 
   std::vector<std::uint32_t> rounded(count);
   std::ranges::transform(support.probabilities, rounded.begin(), Rounded);
   const double total = std::accumulate(rounded.begin(), rounded.end(), 0.0) / kProbabilityScale;
-  if (std::abs(total - 1) > kTotalTolerance) return std::nullopt;
+  if (std::abs(total - 1) > kMostShareLost) return std::nullopt;
   return DiscreteTable(support.first, rounded);
 }
 

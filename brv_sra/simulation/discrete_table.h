@@ -19,8 +19,8 @@ class DiscreteTable {
  public:
   // The largest support with a table: beyond it the tables outgrow every cache.
   static constexpr std::size_t kMostValues = std::size_t{1} << 17;
-  // How far the rounded probabilities may be from adding up to 1.
-  static constexpr double kTotalTolerance = 1e-5;
+  // How far rounding and rare values may take the total of the probabilities from 1.
+  static constexpr double kMostShareLost = 1e-5;
 
   // The table of a valid binomial, Poisson or geometric distribution. Nothing for another type, and where 30
   // bits cannot carry the distribution: too many values, or too large a share on values too rare to be kept.

@@ -32,6 +32,14 @@ _JOHNSON_TYPES = ("SL", "SU", "SB", "SN")
 class Distribution(_Functions):
     """The base of the sixteen distributions. Parameters are attributes, and listed in `parameters`."""
 
+    def __init_subclass__(cls, **keywords: Any) -> None:
+        super().__init_subclass__(**keywords)
+        if cls.__name__ in _distribution_names:
+            cls._code = _distribution_names.index(cls.__name__)
+
+    def __init__(self, values: Iterable[float], offset: float = 0.0) -> None:
+        super().__init__(self._code, values, offset)
+
     def __getattr__(self, name: str) -> Any:
         parameters = {} if name.startswith("_") else self.parameters
         if name in parameters:
@@ -75,7 +83,7 @@ class Normal(Distribution):
     """
 
     def __init__(self, location: float, scale: float) -> None:
-        super().__init__(0, (location, scale))
+        super().__init__((location, scale))
 
 
 class LogNormal(Distribution):
@@ -85,7 +93,7 @@ class LogNormal(Distribution):
     """
 
     def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
-        super().__init__(1, (scale, shape), offset)
+        super().__init__((scale, shape), offset)
 
 
 class FoldedNormal(Distribution):
@@ -95,7 +103,7 @@ class FoldedNormal(Distribution):
     """
 
     def __init__(self, location: float, scale: float, offset: float = 0.0) -> None:
-        super().__init__(2, (location, scale), offset)
+        super().__init__((location, scale), offset)
 
 
 class HalfNormal(Distribution):
@@ -105,7 +113,7 @@ class HalfNormal(Distribution):
     """
 
     def __init__(self, scale: float, offset: float = 0.0) -> None:
-        super().__init__(3, (scale,), offset)
+        super().__init__((scale,), offset)
 
 
 class Rayleigh(Distribution):
@@ -115,7 +123,7 @@ class Rayleigh(Distribution):
     """
 
     def __init__(self, scale: float, offset: float = 0.0) -> None:
-        super().__init__(4, (scale,), offset)
+        super().__init__((scale,), offset)
 
 
 class Weibull(Distribution):
@@ -125,7 +133,7 @@ class Weibull(Distribution):
     """
 
     def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
-        super().__init__(5, (scale, shape), offset)
+        super().__init__((scale, shape), offset)
 
 
 class GaussianMixture(Distribution):
@@ -135,7 +143,7 @@ class GaussianMixture(Distribution):
     """
 
     def __init__(self, components: Iterable[tuple[float, float, float]]) -> None:
-        super().__init__(6, _flat(components, 3, "components"))
+        super().__init__(_flat(components, 3, "components"))
 
     def _arguments(self):
         return (_groups(self._values, 3),)
@@ -156,7 +164,7 @@ class Johnson(Distribution):
             if type.upper() not in _JOHNSON_TYPES:
                 raise ValueError(f"type must be one of {', '.join(_JOHNSON_TYPES)}, not {type!r}")
             type = _JOHNSON_TYPES.index(type.upper()) + 1
-        super().__init__(7, (type, gamma, delta, lambda_, xi))
+        super().__init__((type, gamma, delta, lambda_, xi))
 
 
 class GeneralExtremeValue(Distribution):
@@ -167,7 +175,7 @@ class GeneralExtremeValue(Distribution):
     """
 
     def __init__(self, location: float, scale: float, shape: float) -> None:
-        super().__init__(8, (location, scale, shape))
+        super().__init__((location, scale, shape))
 
 
 class GeneralPareto(Distribution):
@@ -178,14 +186,14 @@ class GeneralPareto(Distribution):
     """
 
     def __init__(self, scale: float, shape: float, offset: float = 0.0) -> None:
-        super().__init__(9, (scale, shape), offset)
+        super().__init__((scale, shape), offset)
 
 
 class Triangular(Distribution):
     """Triangular distribution from `min` to `max` with its peak at `mode`; note the order of the parameters."""
 
     def __init__(self, min: float, max: float, mode: float) -> None:
-        super().__init__(10, (min, max, mode))
+        super().__init__((min, max, mode))
 
 
 class Binomial(_Discrete):
@@ -195,7 +203,7 @@ class Binomial(_Discrete):
     """
 
     def __init__(self, proportion: float, trials: float) -> None:
-        super().__init__(11, (proportion, trials))
+        super().__init__((proportion, trials))
 
 
 class Poisson(_Discrete):
@@ -205,7 +213,7 @@ class Poisson(_Discrete):
     """
 
     def __init__(self, mean: float) -> None:
-        super().__init__(12, (mean,))
+        super().__init__((mean,))
 
 
 class Geometric(_Discrete):
@@ -215,14 +223,14 @@ class Geometric(_Discrete):
     """
 
     def __init__(self, proportion: float) -> None:
-        super().__init__(13, (proportion,))
+        super().__init__((proportion,))
 
 
 class Bernoulli(_Discrete):
     """1 with the probability `proportion`, otherwise 0."""
 
     def __init__(self, proportion: float) -> None:
-        super().__init__(14, (proportion,))
+        super().__init__((proportion,))
 
 
 class Histogram(_Discrete):
@@ -233,7 +241,7 @@ class Histogram(_Discrete):
 
     def __init__(self, classes: Mapping[float, float] | Iterable[tuple[float, float]]) -> None:
         pairs = classes.items() if hasattr(classes, "items") else classes
-        super().__init__(15, _flat(pairs, 2, "classes"))
+        super().__init__(_flat(pairs, 2, "classes"))
 
     def _arguments(self):
         return (_groups(self._values, 2),)
