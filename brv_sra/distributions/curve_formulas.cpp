@@ -15,7 +15,7 @@ namespace {
 
 using enum DistributionCode;
 
-// A call of the curve of a distribution at x. The offset is 0 where there is none.
+// A call of the curve of a distribution at x. The offset is 0 if there is none.
 std::string CurveCall(const DistributionFacts& facts, CurveKind kind, std::span<const double> values,
                       double offset) {
   const bool isShifted = facts.offset == OffsetPlace::kWithX && offset != 0;
@@ -88,7 +88,7 @@ std::string FunctionPart(const DistributionSpecification& specification, CurveKi
   return "*" + CurveCall(Facts(specification.code), kind, specification.values, offset);
 }
 
-// False for a number that is no code at all, too.
+// Also false for a number that is not a code.
 bool IsContinuousCode(DistributionCode code) {
   const auto number = static_cast<std::int32_t>(code);
   return number >= 0 && number < kContinuousCount;
@@ -103,10 +103,6 @@ std::string FactorText(CurveFactor factor) {
 }
 
 }  // namespace
-
-CurveFactor EffectiveFactor(CurveFactor asked, CurveFactor own) {
-  return {asked.cases < 0 ? own.cases : asked.cases, asked.width < 0 ? own.width : asked.width};
-}
 
 std::string ContinuousCurveFormula(const DistributionSpecification& specification, CurveKind kind,
                                    CurveFactor factor) {

@@ -23,10 +23,7 @@ struct CurveFactor {
   double width;  // w, of a class
 };
 
-// Where the caller passes a negative number, that of the variable and its histogram counts.
-CurveFactor EffectiveFactor(CurveFactor asked, CurveFactor own);
-
-// "100*0.5*Normal(x,10,2)". A code that is no continuous type's gives the factor alone.
+// "100*0.5*Normal(x,10,2)". The code of another type gives the factor alone.
 std::string ContinuousCurveFormula(const DistributionSpecification& specification, CurveKind kind,
                                    CurveFactor factor);
 

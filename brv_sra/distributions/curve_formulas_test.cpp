@@ -101,18 +101,6 @@ TEST(CurveFormulas, DiscreteTextsBeginAsTheUnitAsks) {
       "=100*0.5");
 }
 
-TEST(CurveFormulas, NegativeNumbersOfTheCallerLeaveTheFactorToTheVariable) {
-  const CurveFactor own{80, 0.25};
-  const auto text = [&](double cases, double width) {
-    return ContinuousCurveFormula(Make(kBinomial, {}), CurveKind::kDensity,
-                                  EffectiveFactor({cases, width}, own));
-  };
-  EXPECT_EQ(text(10, 2), "10*2");
-  EXPECT_EQ(text(-1, 2), "80*2");
-  EXPECT_EQ(text(10, -0.5), "10*0.25");
-  EXPECT_EQ(text(0, 0), "0*0");
-}
-
 TEST(CurveFormulas, NumbersReadBackExactlyAndHaveNoExponent) {
   const double values[] = {0.0,     -0.0,
                            1e-300,  -1e-300,

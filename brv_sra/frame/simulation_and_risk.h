@@ -91,10 +91,6 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
     weights_.caseWeightsEnabled = on;
   }
 
-  // Set by code that has to notice the next Init; every Init clears it.
-  std::int16_t OneShotFlag() const { return oneShot_; }
-  void RaiseOneShotFlag() { oneShot_ = 1; }
-
   DistributionSpecification& Specification() { return specification_; }
   // What the fit dialogs share, what is known of the correlation matrix, what the simulation dialogs share,
   // and what the profiler keeps.
@@ -110,7 +106,6 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   std::unique_ptr<SimulationState> simulation_;
   std::unique_ptr<ProfilerState> profiler_;
   NumericDefaults defaults_;
-  std::int16_t oneShot_ = 0;
   bool autoProfiler_ = false;
   CaseSelectionBlock caseSelection_;
   StartupMenuBlock startupMenus_;

@@ -20,13 +20,12 @@ static_assert(Binds(kStartupInterface, kMembers));
 
 }  // namespace
 
-CDefineTask::CDefineTask(CSimulationAndRisk& analysis)
-    : CSimulationAndRiskModelessDialog(analysis, DefineTaskTemplate()) {
+CDefineTask::CDefineTask(CSimulationAndRisk& analysis) : CTaskDialog(analysis, DefineTaskTemplate()) {
   EnableAutomation<CDefineTask>(kStartupInterface, "CDefineTask", kMembers);
 }
 
 void CDefineTask::OnInitDialog() {
-  SimulationAndRisk().EnableStartupMenus(true);
+  CTaskDialog::OnInitDialog();
   std::vector<std::string> items;
   int last = 0;
   for (const StartupTask& task : StartupTasks()) {
@@ -46,14 +45,10 @@ bool CDefineTask::OnCommand(std::int32_t number) {
     return SimulationAndRisk().OpenData();
   }
   if (const StartupTask* task = FindStartupTask(number)) {
-    former_ = StartTask(SimulationAndRisk(), *task, task->step);
+    StartTask(*task, task->step);
     return true;
   }
-  return CSimulationAndRiskModelessDialog::OnCommand(number);
-}
-
-void CDefineTask::OnStepRefused() {
-  UndoTask(SimulationAndRisk(), former_);
+  return CTaskDialog::OnCommand(number);
 }
 
 std::vector<CAnalysisDialog::StandIn> CDefineTask::StandInsOf(std::int32_t number) const {

@@ -4,12 +4,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "brv_sra/frame/dialog_base.h"
 #include "brv_sra/module/startup_tasks.h"
 
 namespace brenvolt::sra {
 
-class CDefineTask : public CSimulationAndRiskModelessDialog {
+class CDefineTask : public CTaskDialog {
  public:
   explicit CDefineTask(CSimulationAndRisk& analysis);
 
@@ -20,15 +19,11 @@ class CDefineTask : public CSimulationAndRiskModelessDialog {
  protected:
   void OnInitDialog() override;
   bool OnCommand(std::int32_t number) override;
-  void OnStepRefused() override;
   // Sends the command of the selected list entry.
   bool OnOk() override;
   // On the list: as OK.
   bool OnDoubleClick(std::int32_t number) override;
   void OnControlChanged(std::int32_t number) override;
-
- private:
-  StartupSettings former_;  // before the task that was started last
 };
 
 }  // namespace brenvolt::sra

@@ -90,14 +90,6 @@ TEST_F(Frame, SequenceTableHasItsNineRows) {
   EXPECT_EQ(steps[4].entry, steps[6].entry) << "104 and 106 open the same dialog";
 }
 
-TEST_F(Frame, InitClearsTheOneShotFlagEveryTime) {
-  for (int i = 0; i < 2; ++i) {
-    analysis->RaiseOneShotFlag();
-    EXPECT_EQ(analysis->Init(), 1);
-    EXPECT_EQ(analysis->OneShotFlag(), 0);
-  }
-}
-
 TEST_F(Frame, AttachRunsInItsOrder) {
   const auto lines = LogLines();
   const std::string_view expected[] = {"extension module initialised", "analysis context created",

@@ -73,7 +73,6 @@ std::string CSimulationAndRisk::GetAnalysisName() const {
 
 std::int32_t CSimulationAndRisk::Init() {
   InitCommons(&caseSelection_, &startupMenus_, &counts_, &weights_, nullptr);
-  oneShot_ = 0;
   return 1;
 }
 

@@ -8,13 +8,8 @@ namespace brenvolt::sra {
 
 using namespace define_task;
 
-CSimulation::CSimulation(CSimulationAndRisk& analysis)
-    : CSimulationAndRiskModelessDialog(analysis, SimulationStartupTemplate()) {
+CSimulation::CSimulation(CSimulationAndRisk& analysis) : CTaskDialog(analysis, SimulationStartupTemplate()) {
   EnableAutomation<CSimulation>(kSimulationStartupInterface, "CSimulation", {});
-}
-
-void CSimulation::OnInitDialog() {
-  SimulationAndRisk().EnableStartupMenus(true);
 }
 
 std::vector<CAnalysisDialog::StandIn> CSimulation::StandInsOf(std::int32_t number) const {
@@ -25,14 +20,10 @@ std::vector<CAnalysisDialog::StandIn> CSimulation::StandInsOf(std::int32_t numbe
 // The simulation is started as from the startup dialog, and returns there.
 bool CSimulation::OnCommand(std::int32_t number) {
   const StartupTask* task = FindStartupTask(number);
-  if (task == nullptr) return CSimulationAndRiskModelessDialog::OnCommand(number);
+  if (task == nullptr) return CTaskDialog::OnCommand(number);
   const bool runs = number == kRunSimulation;
-  former_ = StartTask(SimulationAndRisk(), *task, runs ? step::kSimulationFromStartup : task->step);
+  StartTask(*task, runs ? step::kSimulationFromStartup : task->step);
   return true;
-}
-
-void CSimulation::OnStepRefused() {
-  UndoTask(SimulationAndRisk(), former_);
 }
 
 bool CSimulation::OnOk() {

@@ -5,12 +5,11 @@
 #include <cstdint>
 #include <vector>
 
-#include "brv_sra/frame/dialog_base.h"
 #include "brv_sra/module/startup_tasks.h"
 
 namespace brenvolt::sra {
 
-class CSimulation : public CSimulationAndRiskModelessDialog {
+class CSimulation : public CTaskDialog {
  public:
   explicit CSimulation(CSimulationAndRisk& analysis);
 
@@ -18,14 +17,9 @@ class CSimulation : public CSimulationAndRiskModelessDialog {
   std::vector<StandIn> StandInsOf(std::int32_t number) const override;
 
  protected:
-  void OnInitDialog() override;
   bool OnCommand(std::int32_t number) override;
-  void OnStepRefused() override;
   // Runs a simulation, as the button does.
   bool OnOk() override;
-
- private:
-  StartupSettings former_;  // before the task that was started last
 };
 
 }  // namespace brenvolt::sra

@@ -36,19 +36,23 @@ std::int32_t LastTask() {
   return lastTask;
 }
 
-StartupSettings StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step) {
-  const StartupSettings former{lastTask, analysis.StartupMenusEnabled(), analysis.CaseSelectionEnabled()};
+void CTaskDialog::OnInitDialog() {
+  SimulationAndRisk().EnableStartupMenus(true);
+}
+
+void CTaskDialog::StartTask(const StartupTask& task, std::int32_t step) {
+  CSimulationAndRisk& analysis = SimulationAndRisk();
+  former_ = {lastTask, analysis.StartupMenusEnabled(), analysis.CaseSelectionEnabled()};
   lastTask = task.command;
   analysis.EnableStartupMenus(false);
   analysis.EnableCaseSettings(!task.ignoresCaseSettings);
   analysis.RequestStep(step);
-  return former;
 }
 
-void UndoTask(CSimulationAndRisk& analysis, const StartupSettings& former) {
-  lastTask = former.lastTask;
-  analysis.EnableStartupMenus(former.startupMenus);
-  analysis.EnableCaseSettings(former.caseSettings);
+void CTaskDialog::OnStepRefused() {
+  lastTask = former_.lastTask;
+  SimulationAndRisk().EnableStartupMenus(former_.startupMenus);
+  SimulationAndRisk().EnableCaseSettings(former_.caseSettings);
 }
 
 }  // namespace brenvolt::sra

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/dialog_base.h"
 
 namespace brenvolt::sra {
 
@@ -25,16 +25,26 @@ const StartupTask* FindStartupTask(std::int32_t command);
 // The command of the task started last in this process; "Fit Distribution" before the first.
 std::int32_t LastTask();
 
-// What starting a task changes.
-struct StartupSettings {
-  std::int32_t lastTask = 0;
-  bool startupMenus = true;
-  bool caseSettings = true;
-};
+// A dialog that starts tasks.
+class CTaskDialog : public CSimulationAndRiskModelessDialog {
+ public:
+  using CSimulationAndRiskModelessDialog::CSimulationAndRiskModelessDialog;
 
-// Remembers the task, switches the host's startup menus off, its case selection and weights on or off as the
-// task needs them, and asks the sequence for `step`. Returns what was before, for a step that is refused.
-StartupSettings StartTask(CSimulationAndRisk& analysis, const StartupTask& task, std::int32_t step);
-void UndoTask(CSimulationAndRisk& analysis, const StartupSettings& former);
+ protected:
+  // Switches the host's startup menus on.
+  void OnInitDialog() override;
+  // Remembers the task, switches the host's startup menus off, its case selection and weights on or off as the
+  // task needs them, and asks the sequence for `step`. All is put back if the step is refused.
+  void StartTask(const StartupTask& task, std::int32_t step);
+  void OnStepRefused() override;
+
+ private:
+  struct Settings {
+    std::int32_t lastTask = 0;
+    bool startupMenus = true;
+    bool caseSettings = true;
+  };
+  Settings former_;  // before the task that was started last
+};
 
 }  // namespace brenvolt::sra

@@ -11,13 +11,12 @@ namespace {
 
 struct Registry {
   std::mutex mutex;
-  std::vector<InstanceHandle> resourceLibraries;
   std::vector<std::string> typeLibraries;
   std::vector<std::string> interfaces;
   std::vector<std::string> classes;
 };
 
-// Lives until the process ends: modules take their entries back while the process is ending, too.
+// Lives until the process ends: modules still take their entries back while the process ends.
 Registry& TheRegistry() {
   static Registry* const registry = std::make_unique<Registry>().release();
   return *registry;
@@ -57,23 +56,8 @@ void TermExtensionModule(ExtensionModule& module) {
   LogLine("extension module terminated");
 }
 
-CDynLinkLibrary::CDynLinkLibrary(const ExtensionModule& module) : instance_(module.instance) {
-  Registry& registry = TheRegistry();
-  const std::lock_guard lock(registry.mutex);
-  registry.resourceLibraries.push_back(instance_);
+CDynLinkLibrary::CDynLinkLibrary(const ExtensionModule& /*module*/) {
   LogLine("resource library recorded");
-}
-
-CDynLinkLibrary::~CDynLinkLibrary() {
-  Registry& registry = TheRegistry();
-  const std::lock_guard lock(registry.mutex);
-  std::erase(registry.resourceLibraries, instance_);
-}
-
-std::vector<InstanceHandle> ResourceLibraries() {
-  Registry& registry = TheRegistry();
-  const std::lock_guard lock(registry.mutex);
-  return registry.resourceLibraries;
 }
 
 void RegisterTypeLibrary(const LibraryId& library) {

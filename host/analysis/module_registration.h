@@ -38,18 +38,11 @@ struct ExtensionModule {
 bool InitExtensionModule(ExtensionModule& module, InstanceHandle instance);
 void TermExtensionModule(ExtensionModule& module);
 
-// Keeps a module in the framework's list of resource libraries while it exists.
+// A module's record among the resource libraries.
 class CDynLinkLibrary {
  public:
   explicit CDynLinkLibrary(const ExtensionModule& module);
-  ~CDynLinkLibrary();
-  CDynLinkLibrary(const CDynLinkLibrary&) = delete;
-  CDynLinkLibrary& operator=(const CDynLinkLibrary&) = delete;
-
- private:
-  InstanceHandle instance_;
 };
-std::vector<InstanceHandle> ResourceLibraries();
 
 // An interface that automation clients can ask for, and a class whose objects implement one; each with what
 // it does when its module is loaded and unloaded.

@@ -7,22 +7,10 @@
 #include "host/numeric/special/incomplete_gamma.h"
 
 namespace brenvolt {
-namespace {
-
-bool IsValid(double statistic, double degreesOfFreedom) {
-  return statistic >= 0.0 && degreesOfFreedom > 0.0 && std::isfinite(degreesOfFreedom);
-}
-
-}  // namespace
-
 double ChiSquareTail(double statistic, double degreesOfFreedom) {
-  if (!IsValid(statistic, degreesOfFreedom)) return kNotSet;
+  const bool isValid = statistic >= 0.0 && degreesOfFreedom > 0.0 && std::isfinite(degreesOfFreedom);
+  if (!isValid) return kNotSet;
   return UpperIncompleteGamma(0.5 * degreesOfFreedom, 0.5 * statistic);
-}
-
-double ChiSquareTailComplement(double statistic, double degreesOfFreedom) {
-  if (!IsValid(statistic, degreesOfFreedom)) return kNotSet;
-  return LowerIncompleteGamma(0.5 * degreesOfFreedom, 0.5 * statistic);
 }
 
 }  // namespace brenvolt
