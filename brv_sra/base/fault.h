@@ -2,12 +2,38 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <string>
+#include <utility>
 
 #include "host/base/result.h"
 
 namespace brenvolt::sra {
 
 enum class FaultIdentifier : std::uint8_t {
+  // The values of a distribution; about the word for a parameter, the detail is the distribution.
+  kInvalidParameter,
+  kInvalidProportion,
+  kInvalidTrials,  // of a simulation; about nothing, as the next ones
+  kInvalidMixtureCount,
+  kInvalidTotalProportion,
+  kInvalidOffset,
+  // The distributions that a variable keeps as properties. The first is about the variable and has one of the
+  // others for its cause.
+  kInvalidProperties,
+  kTruncationPropertyInvalid,
+  kOrderPropertyInvalid,
+  kOrderCountsDiffer,
+  kPropertyMissing,       // about the property
+  kPropertyValueMissing,  // the same, the detail is the variable
+  kPropertyValuesInvalid,
+  kStoredLocationInvalid,  // about the distribution, the detail is the number of the variable, as the next ones
+  kStoredScaleInvalid,
+  kStoredShapeInvalid,
+  kStoredOffsetInvalid,
+  kStoredProportionInvalid,
+  kStoredMeanInvalid,
+  kStoredTrialsInvalid,
   // A correlation matrix file.
   kNotAMatrixFile,
   kMatrixOfOtherType,  // covariances or another known type
@@ -32,7 +58,7 @@ enum class FaultIdentifier : std::uint8_t {
   kDistributionTwice,
   kDistributionNotFitted,
   kDistributionOfOtherKind,
-  kInvalidOwnValues,         // about the variable, the detail says why
+  kInvalidOwnValues,         // about the variable, with its cause
   kTruncationLacksBound,     // about the variable
   kTruncationBoundsCrossed,  // the same
   // A simulation.
@@ -46,7 +72,7 @@ enum class FaultIdentifier : std::uint8_t {
   // A design of the profiler; about a predictor or a dependent.
   kNoRandomPredictor,
   kFixedValueNotFinite,
-  kInvalidPredictor,             // the detail says why
+  kInvalidPredictor,             // with its cause
   kNothingPredicts,              // the dependent has neither a formula nor a model
   kPredictedFromItself,          // the dependent, by way of others or directly
   kFormulaInvalid,               // the detail says why
@@ -68,5 +94,9 @@ enum class FaultIdentifier : std::uint8_t {
 using Fault = brenvolt::Fault<FaultIdentifier>;
 template <class T>
 using Result = brenvolt::Result<T, FaultIdentifier>;
+
+inline Fault CausedBy(Fault cause, FaultIdentifier identifier, std::string about) {
+  return {identifier, std::move(about), {}, std::make_shared<const Fault>(std::move(cause))};
+}
 
 }  // namespace brenvolt::sra

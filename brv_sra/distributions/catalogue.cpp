@@ -9,7 +9,6 @@
 #include "brv_sra/resources/distribution_constants.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/numeric/distributions/distribution_types.h"
 
@@ -18,38 +17,49 @@ namespace {
 
 using enum DistributionCode;
 
-// Parameters: heading, label, word, message of a stored value, key of a stored value.
-constexpr Parameter kLocation{kHeadingLocation, kLabelLocation, kLowerLocation, kMsgStoredLocationInvalid,
-                              property_key::kLocation};
-constexpr Parameter kScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid,
+// Parameters: heading, label, word, fault of a stored value (where it is not the general one), key of a stored
+// value.
+constexpr Parameter kLocation{kHeadingLocation, kLabelLocation, kLowerLocation,
+                              FaultIdentifier::kStoredLocationInvalid, property_key::kLocation};
+constexpr Parameter kScale{kHeadingScale, kLabelScale, kWordScale, FaultIdentifier::kStoredScaleInvalid,
                            property_key::kScale};
-constexpr Parameter kShape{kHeadingShape, kLabelShape, kLowerShape, kMsgStoredShapeInvalid,
+constexpr Parameter kShape{kHeadingShape, kLabelShape, kLowerShape, FaultIdentifier::kStoredShapeInvalid,
                            property_key::kShape};
-constexpr Parameter kMinimum{kHeadingMin, kLabelMinimum, kWordMinimumOrMode, 0, property_key::kMin};
-constexpr Parameter kMaximum{kHeadingMax, kLabelMaximum, kWordModeOrMaximum, 0, property_key::kMax};
-constexpr Parameter kMode{kHeadingMode, kLabelMode, kWordMinimumOrMode, 0, property_key::kMode};
+constexpr Parameter kMinimum{kHeadingMin, kLabelMinimum, kWordMinimumOrMode,
+                             FaultIdentifier::kInvalidParameter, property_key::kMin};
+constexpr Parameter kMaximum{kHeadingMax, kLabelMaximum, kWordModeOrMaximum,
+                             FaultIdentifier::kInvalidParameter, property_key::kMax};
+constexpr Parameter kMode{kHeadingMode, kLabelMode, kWordMinimumOrMode, FaultIdentifier::kInvalidParameter,
+                          property_key::kMode};
 constexpr Parameter kProportionOfTrials{kHeadingProportion, kLabelProportion, kWordProportion,
-                                        kMsgStoredProportionInvalid, property_key::kProportion};
-constexpr Parameter kTrialCount{kHeadingTrials, kLabelTrials, kWordTrials, kMsgStoredTrialsInvalid,
-                                property_key::kNumberOfTrials};
-constexpr Parameter kPoissonMean{kHeadingPoissonMean, kLabelMean, kWordMean, kMsgStoredMeanInvalid,
-                                 property_key::kMean};
-constexpr Parameter kCoefficient{kHeadingMixingCoefficient, 0, kWordMixingCoefficient, 0, {}};
-constexpr Parameter kComponentMean{kHeadingMixtureMean, 0, kWordMean, kMsgStoredMeanInvalid, {}};
+                                        FaultIdentifier::kStoredProportionInvalid, property_key::kProportion};
+constexpr Parameter kTrialCount{kHeadingTrials, kLabelTrials, kWordTrials,
+                                FaultIdentifier::kStoredTrialsInvalid, property_key::kNumberOfTrials};
+constexpr Parameter kPoissonMean{kHeadingPoissonMean, kLabelMean, kWordMean,
+                                 FaultIdentifier::kStoredMeanInvalid, property_key::kMean};
+constexpr Parameter kCoefficient{
+    kHeadingMixingCoefficient, 0, kWordMixingCoefficient, FaultIdentifier::kInvalidParameter, {}};
+constexpr Parameter kComponentMean{
+    kHeadingMixtureMean, 0, kWordMean, FaultIdentifier::kStoredMeanInvalid, {}};
 constexpr Parameter kDeviation{
-    kHeadingStandardDeviation, 0, kWordStandardDeviation, kMsgStoredScaleInvalid, {}};
-constexpr Parameter kFamily{kHeadingJohnsonType, kLabelJohnsonType, kHeadingJohnsonType, 0, {}};
-constexpr Parameter kGamma{kHeadingGamma, kLabelJohnsonGamma, kHeadingGamma, kMsgStoredShapeInvalid, {}};
-constexpr Parameter kDelta{kHeadingDelta, kLabelJohnsonDelta, kWordShape2, kMsgStoredShapeInvalid, {}};
-constexpr Parameter kLambda{kHeadingLambda, kLabelJohnsonLambda, kWordScale, kMsgStoredScaleInvalid, {}};
-constexpr Parameter kXi{kHeadingXi, kLabelJohnsonXi, kHeadingXi, kMsgStoredLocationInvalid, {}};
-constexpr Parameter kClassCode{kHeadingCode, 0, kWordCodeOrProportion, 0, {}};
+    kHeadingStandardDeviation, 0, kWordStandardDeviation, FaultIdentifier::kStoredScaleInvalid, {}};
+constexpr Parameter kFamily{
+    kHeadingJohnsonType, kLabelJohnsonType, kHeadingJohnsonType, FaultIdentifier::kInvalidParameter, {}};
+constexpr Parameter kGamma{
+    kHeadingGamma, kLabelJohnsonGamma, kHeadingGamma, FaultIdentifier::kStoredShapeInvalid, {}};
+constexpr Parameter kDelta{
+    kHeadingDelta, kLabelJohnsonDelta, kWordShape2, FaultIdentifier::kStoredShapeInvalid, {}};
+constexpr Parameter kLambda{
+    kHeadingLambda, kLabelJohnsonLambda, kWordScale, FaultIdentifier::kStoredScaleInvalid, {}};
+constexpr Parameter kXi{kHeadingXi, kLabelJohnsonXi, kHeadingXi, FaultIdentifier::kStoredLocationInvalid, {}};
+constexpr Parameter kClassCode{
+    kHeadingCode, 0, kWordCodeOrProportion, FaultIdentifier::kInvalidParameter, {}};
 constexpr Parameter kClassProportion{
-    kHeadingClassProportion, 0, kWordCodeOrProportion, kMsgStoredProportionInvalid, {}};
+    kHeadingClassProportion, 0, kWordCodeOrProportion, FaultIdentifier::kStoredProportionInvalid, {}};
 // The folded normal keeps its location and scale under other keys.
 constexpr Parameter kFoldedLocation{kHeadingLocation, kLabelLocation, kLowerLocation,
-                                    kMsgStoredLocationInvalid, property_key::kScale};
-constexpr Parameter kFoldedScale{kHeadingScale, kLabelScale, kWordScale, kMsgStoredScaleInvalid,
+                                    FaultIdentifier::kStoredLocationInvalid, property_key::kScale};
+constexpr Parameter kFoldedScale{kHeadingScale, kLabelScale, kWordScale, FaultIdentifier::kStoredScaleInvalid,
                                  property_key::kShape};
 
 // Of values that are stored with seven digits.
@@ -112,52 +122,7 @@ std::optional<DistributionCode> FindCode(Predicate matches) {
   return found->code;
 }
 
-bool IsGiven(double x) {
-  return std::isfinite(x) && !IsNotSet(x);
-}
-
-ValidityFault ParameterFault(const CatalogueEntry& entry, std::size_t index, std::int32_t wordResource) {
-  return {FormatResource(kMsgInvalidParameter, ResourceString(wordResource),
-                         ResourceString(entry.displayNameResource)),
-          index};
-}
-
-bool IsProportion(ParameterRange range) {
-  return range == ParameterRange::kProportion || range == ParameterRange::kPositiveProportion;
-}
-
-ValidityFault ParameterFault(const CatalogueEntry& entry, std::size_t index, double value,
-                             CheckPurpose purpose) {
-  const std::size_t place = index % Facts(entry.code).ParameterCount();
-  const ParameterRange range = Facts(entry.code).parameters[place].range;
-  const std::int32_t word = entry.parameters[place].wordResource;
-  if (range == ParameterRange::kTrials && purpose == CheckPurpose::kSimulation) {
-    return {std::string(ResourceString(kMsgInvalidTrialsInSimulation)), index};
-  }
-  ValidityFault fault = ParameterFault(entry, index, word);
-  const bool isCalledProportion = IsProportion(range) && word != kWordMixingCoefficient;
-  if (isCalledProportion && IsGiven(value)) fault.message += ResourceString(kMsgProportionRange);
-  return fault;
-}
-
-// The rules about several values of a distribution, once each value is in its range.
-std::optional<ValidityFault> CheckTogether(const CatalogueEntry& entry, std::span<const double> values) {
-  if (TypeOf(entry.code).isValid(values, 0.0)) return std::nullopt;
-  switch (entry.code) {
-    case kTriangular:
-      if (values[0] > values[2]) return ParameterFault(entry, 0, kWordMinimumOrMode);
-      if (values[2] > values[1]) return ParameterFault(entry, 2, kWordModeOrMaximum);
-      return std::nullopt;  // a single point
-    case kGaussianMixture:
-      return ParameterFault(entry, values.size(), kWordMixingCoefficient);
-    case kHistogram:
-      return ValidityFault{std::string(ResourceString(kMsgInvalidTotalProportion)), values.size()};
-    default:
-      return std::nullopt;
-  }
-}
-
-// With more digits where the usual ones would not read back exactly.
+// With more digits if the usual ones would not read back exactly.
 std::string MacroNumber(double x) {
   if (IsNotSet(x)) return "Nothing";
   const std::string usual = FormatNumber("%e", x);
@@ -212,6 +177,10 @@ std::span<const Parameter> Parameters(DistributionCode code) {
   return std::span(Entry(code).parameters).first(Facts(code).ParameterCount());
 }
 
+std::string_view ParameterWord(DistributionCode code, std::size_t place) {
+  return ResourceString(Parameters(code)[place].wordResource);
+}
+
 std::vector<std::string_view> StoredKeys(DistributionCode code) {
   std::vector<std::string_view> keys;
   for (const Parameter& parameter : Parameters(code)) {
@@ -243,34 +212,6 @@ std::string Description(DistributionCode code, std::span<const double> values) {
     text += FormatNumber(kConversion.data(), i < values.size() ? values[i] : kNotSet);
     format.remove_prefix(place + kConversion.size());
   }
-}
-
-std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
-                                         CheckPurpose purpose) {
-  const CatalogueEntry& entry = Entry(code);
-  const DistributionFacts& facts = Facts(code);
-  const std::size_t groupSize = facts.ParameterCount();
-  const std::size_t groups = facts.isUserDefined ? (values.size() + groupSize - 1) / groupSize : 1;
-  if (code == kGaussianMixture && (groups < kMinimumMixtures || groups > kMaximumMixtures)) {
-    return ValidityFault{std::string(ResourceString(kMsgInvalidMixtureCount)), values.size()};
-  }
-  const std::size_t expected = groups * groupSize;
-  for (std::size_t i = 0; i < expected; ++i) {
-    const double value = i < values.size() ? values[i] : kNotSet;
-    const bool isValid = IsGiven(value) && IsInRange(value, facts.parameters[i % groupSize].range);
-    if (!isValid) return ParameterFault(entry, i, value, purpose);
-  }
-  if (values.size() > expected)
-    return ParameterFault(entry, expected, entry.parameters[groupSize - 1].wordResource);
-  return CheckTogether(entry, values);
-}
-
-std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
-                                                CheckPurpose purpose) {
-  if (auto fault = CheckValues(specification.code, specification.values, purpose)) return fault;
-  if (!HasOffset(specification.code) || IsGiven(specification.offset)) return std::nullopt;
-  const std::int32_t message = purpose == CheckPurpose::kFit ? kMsgInvalidInputOffsets : kMsgInvalidOffsets;
-  return ValidityFault{std::string(ResourceString(message)), specification.values.size()};
 }
 
 std::string MacroText(const DistributionSpecification& specification) {

@@ -6,7 +6,7 @@
 // 0 or 1.
 //
 // The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
-// "Key=number" per value ("%.12e") and "Offset=…" last where the type has one. Three have bare numbers:
+// "Key=number" per value ("%.12e") and "Offset=…" last if the type has one. Three have bare numbers:
 // - Gaussian Mixture: coefficient, mean and deviation per component;
 // - Johnson: type, gamma, delta, lambda and xi;
 // - Histogram: code and proportion per class, "%.12e", so that the proportions still add up to 1.
@@ -25,6 +25,7 @@
 #include <string_view>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/specification.h"
 
 namespace brenvolt::sra {
@@ -85,20 +86,19 @@ std::string TruncationPropertyText(const Truncation& truncation);
 void WriteDistributionProperties(VariablePropertyStore* store, const VariableDistributions& distributions);
 
 // Reads the distributions of the given variables (numbers counted from 1). The first fault ends the read of
-// the whole selection with a CDispatchException that carries the message to show, and the variable's name as
-// its place.
+// the whole selection: kInvalidProperties with the variable's name, and its cause.
 //
-// Messages by fault: truncation missing, not of four items, a flag other than 0 and 1, a bound in force that
-// is not set, bounds in force that cross: 10254. Order missing or empty: 10255. A name without its property:
-// 10253; with a property, but no distribution's name: 10255; the property empty or "()": 10251. A name twice:
-// 10252. Items too few, too many, unknown, repeated or not a finite number: 10256, but a missing Offset
-// counts as 0. A value that the catalogue refuses: 10268 to 10274 by parameter (a deviation and lambda as
-// scale, gamma and delta as shape, xi as location), else the catalogue's own message. Bounds that are not in
-// force are read and kept.
-std::vector<VariableDistributions> ReadDistributionProperties(const VariablePropertyStore& store,
-                                                              std::span<const int> variableNumbers);
+// Causes: truncation missing, not of four items, a flag other than 0 and 1, a bound in force that is not set,
+// bounds in force that cross: kTruncationPropertyInvalid. Order missing or empty: kOrderPropertyInvalid. A name
+// without its property: kPropertyMissing; with a property, but no distribution's name: kOrderPropertyInvalid;
+// the property empty or "()": kPropertyValueMissing. A name twice: kOrderCountsDiffer. Items too few, too many,
+// unknown, repeated or not a finite number: kPropertyValuesInvalid, but a missing Offset counts as 0. A value
+// that is not valid: the fault of its parameter (a deviation and lambda as scale, gamma and delta as shape, xi
+// as location), else the fault of the check. Bounds that are not in force are read and kept.
+Result<std::vector<VariableDistributions>> ReadDistributionProperties(const VariablePropertyStore& store,
+                                                                      std::span<const int> variableNumbers);
 
-// The truncation that a variable carries; none in force where it carries none or an invalid one.
+// The truncation that a variable carries; none in force if it carries none or an invalid one.
 Truncation StoredTruncation(const VariablePropertyStore& store, int variableNumber);
 // True when a variable carries an order of distributions that names any.
 bool HasStoredOrder(const VariablePropertyStore& store, int variableNumber);

@@ -10,8 +10,8 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace {
@@ -70,13 +70,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Spreadsheet sheet("Data", 0, 1);
   SheetPropertyStore store(sheet);
   SetProperties(text, store);
-  VariableDistributions read;
-  try {
-    read = ReadDistributionProperties(store, std::span(&variable, 1)).front();
-  } catch (const CDispatchException& fault) {
-    Require(!std::string_view(fault.what()).empty());
-    return 0;
-  }
+  auto result = ReadDistributionProperties(store, std::span(&variable, 1));
+  if (!result) return 0;
+  const VariableDistributions read = result->front();
   Require(!read.ranked.empty());
   for (const DistributionSpecification& specification : read.ranked)
     Require(!CheckSpecification(specification));
@@ -86,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Spreadsheet copy("Copy", 0, 1);
   SheetPropertyStore copyStore(copy);
   WriteDistributionProperties(&copyStore, read);
-  const auto again = ReadDistributionProperties(copyStore, std::span(&variable, 1)).front();
+  const auto again = ReadDistributionProperties(copyStore, std::span(&variable, 1))->front();
   Require(std::ranges::equal(again.ranked, expected.ranked, Same));
   return 0;
 }

@@ -1,16 +1,18 @@
 // Distributions of variables from their text properties, with every check that a hand-edited property needs.
 #include <algorithm>
 #include <cstddef>
+#include <string>
+#include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::sra {
 namespace {
+
+using enum FaultIdentifier;
 
 constexpr std::string_view kOrderDelimiters = ";";
 constexpr std::string_view kItemDelimiters = "; ";
@@ -42,6 +44,11 @@ struct NamedProperty {
   std::string text;
 };
 
+// Thrown in this file alone, so that the reader reads as what it reads: every item can end it.
+struct Failure {
+  Fault fault;
+};
+
 // Reads one variable. Every fault leaves through Fail.
 class VariableReader {
  public:
@@ -60,35 +67,36 @@ class VariableReader {
 
   Truncation ReadTruncation() const {
     const auto text = store_.Get(variableNumber_, property_key::kTruncation);
-    if (!text) Fail(kMsgInvalidTruncationProperty);
+    if (!text) Fail(kTruncationPropertyInvalid);
     const auto items = Split(WithoutEnclosure(*text), kItemDelimiters);
-    if (items.size() != 4) Fail(kMsgInvalidTruncationProperty);
+    if (items.size() != 4) Fail(kTruncationPropertyInvalid);
     const Truncation truncation{ParseFlag(items[0]), ParseFlag(items[1]), ParseBound(items[2]),
                                 ParseBound(items[3])};
     const bool lacksBound = (truncation.below && IsNotSet(truncation.minimum)) ||
                             (truncation.above && IsNotSet(truncation.maximum));
     const bool crossed = truncation.below && truncation.above && truncation.minimum > truncation.maximum;
-    if (lacksBound || crossed) Fail(kMsgInvalidTruncationProperty);
+    if (lacksBound || crossed) Fail(kTruncationPropertyInvalid);
     return truncation;
   }
 
  private:
-  [[noreturn]] void Fail(const std::string& message) const {
-    throw CDispatchException(message, store_.VariableName(variableNumber_));
+  [[noreturn]] void Fail(FaultIdentifier identifier, std::string_view about = {},
+                         std::string detail = {}) const {
+    Fail(Fault{identifier, std::string(about), std::move(detail)});
   }
-  [[noreturn]] void Fail(std::int32_t messageResource) const {
-    Fail(std::string(ResourceString(messageResource)));
+  [[noreturn]] void Fail(Fault fault) const {
+    throw Failure{CausedBy(std::move(fault), kInvalidProperties, store_.VariableName(variableNumber_))};
   }
 
   bool ParseFlag(std::string_view item) const {
     const auto flag = ParseInteger(item);
-    if (!flag || (*flag != 0 && *flag != 1)) Fail(kMsgInvalidTruncationProperty);
+    if (!flag || (*flag != 0 && *flag != 1)) Fail(kTruncationPropertyInvalid);
     return *flag == 1;
   }
 
   double ParseBound(std::string_view item) const {
     const auto bound = ParseTravelledNumber(item);
-    if (!bound) Fail(kMsgInvalidTruncationProperty);
+    if (!bound) Fail(kTruncationPropertyInvalid);
     return *bound;
   }
 
@@ -96,18 +104,18 @@ class VariableReader {
     const auto text = store_.Get(variableNumber_, property_key::kOrder);
     // No name holds a control character, and a message could not show one.
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    if (!text || std::ranges::any_of(*text, isControl)) Fail(kMsgInvalidOrderProperty);
+    if (!text || std::ranges::any_of(*text, isControl)) Fail(kOrderPropertyInvalid);
     std::vector<DistributionCode> codes;
     for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
       const auto value = store_.Get(variableNumber_, name);
-      if (!value) Fail(FormatResource(kMsgPropertyMissing, name));
+      if (!value) Fail(kPropertyMissing, name);
       if (WithoutEnclosure(*value).empty())
-        Fail(FormatResource(kMsgPropertyValueMissing, name, store_.VariableName(variableNumber_)));
+        Fail(kPropertyValueMissing, name, store_.VariableName(variableNumber_));
       const auto code = CodeFromDisplayName(name);
-      if (!code) Fail(kMsgInvalidOrderProperty);
+      if (!code) Fail(kOrderPropertyInvalid);
       codes.push_back(*code);
     }
-    if (codes.empty()) Fail(kMsgInvalidOrderProperty);
+    if (codes.empty()) Fail(kOrderPropertyInvalid);
     return codes;
   }
 
@@ -120,7 +128,7 @@ class VariableReader {
       const std::string text = *store_.Get(variableNumber_, name);
       properties.push_back({code, std::string(WithoutEnclosure(text))});
     }
-    if (properties.size() != order.size()) Fail(kMsgOrderCountMismatch);
+    if (properties.size() != order.size()) Fail(kOrderCountsDiffer);
     return properties;
   }
 
@@ -143,7 +151,7 @@ class VariableReader {
 
   double ParseValue(std::string_view item) const {
     const auto value = ParseTravelledNumber(item);
-    if (!value) Fail(kMsgInvalidPropertyValues);
+    if (!value) Fail(kPropertyValuesInvalid);
     return *value;
   }
 
@@ -152,7 +160,7 @@ class VariableReader {
     const DistributionFacts& facts = Facts(specification.code);
     const std::size_t groupSize = facts.ParameterCount();
     const bool complete = facts.isUserDefined ? items.size() % groupSize == 0 : items.size() == groupSize;
-    if (items.empty() || !complete) Fail(kMsgInvalidPropertyValues);
+    if (items.empty() || !complete) Fail(kPropertyValuesInvalid);
     for (const std::string_view item : items) specification.values.push_back(ParseValue(item));
   }
 
@@ -163,17 +171,17 @@ class VariableReader {
     std::optional<double> offset;
     for (const std::string_view item : items) {
       const auto equals = item.find('=');
-      if (equals == std::string_view::npos) Fail(kMsgInvalidPropertyValues);
+      if (equals == std::string_view::npos) Fail(kPropertyValuesInvalid);
       const std::string_view key = item.substr(0, equals);
       const auto place = static_cast<std::size_t>(std::ranges::find(keys, key) - keys.begin());
       const bool isOffset = HasOffset(specification.code) && key == property_key::kOffset;
-      if (place == keys.size() && !isOffset) Fail(kMsgInvalidPropertyValues);
+      if (place == keys.size() && !isOffset) Fail(kPropertyValuesInvalid);
       std::optional<double>& target = isOffset ? offset : values[place];
-      if (target) Fail(kMsgInvalidPropertyValues);
+      if (target) Fail(kPropertyValuesInvalid);
       target = ParseValue(item.substr(equals + 1));
     }
     for (const auto& value : values) {
-      if (!value) Fail(kMsgInvalidPropertyValues);
+      if (!value) Fail(kPropertyValuesInvalid);
       specification.values.push_back(*value);
     }
     if (HasOffset(specification.code)) specification.offset = offset.value_or(0.0);
@@ -182,18 +190,18 @@ class VariableReader {
   void Check(const DistributionSpecification& specification) const {
     const auto fault = CheckSpecification(specification);
     if (!fault) return;
-    const std::int32_t message = StoredMessage(specification, fault->valueIndex);
-    if (message == 0) Fail(fault->message);
-    Fail(FormatResource(message, DisplayName(specification.code), variableNumber_));
+    const FaultIdentifier identifier = StoredFault(specification, fault->valueIndex);
+    if (identifier == kInvalidParameter) Fail(fault->fault);
+    Fail(identifier, DisplayName(specification.code), std::to_string(variableNumber_));
   }
 
-  // The message about one stored value, or 0 where the catalogue's own says more.
-  static std::int32_t StoredMessage(const DistributionSpecification& specification, std::size_t index) {
+  // What is wrong with one stored value; kInvalidParameter if the check says more.
+  static FaultIdentifier StoredFault(const DistributionSpecification& specification, std::size_t index) {
     if (index < specification.values.size()) {
       const auto parameters = Parameters(specification.code);
-      return parameters[index % parameters.size()].storedMessageResource;
+      return parameters[index % parameters.size()].storedFault;
     }
-    return HasOffset(specification.code) ? kMsgStoredOffsetInvalid : 0;
+    return HasOffset(specification.code) ? kStoredOffsetInvalid : kInvalidParameter;
   }
 
   const VariablePropertyStore& store_;
@@ -202,19 +210,21 @@ class VariableReader {
 
 }  // namespace
 
-std::vector<VariableDistributions> ReadDistributionProperties(const VariablePropertyStore& store,
-                                                              std::span<const int> variableNumbers) {
+Result<std::vector<VariableDistributions>> ReadDistributionProperties(
+    const VariablePropertyStore& store, std::span<const int> variableNumbers) try {
   std::vector<VariableDistributions> result;
   result.reserve(variableNumbers.size());
   for (const int variableNumber : variableNumbers)
     result.push_back(VariableReader(store, variableNumber).Read());
   return result;
+} catch (const Failure& failure) {
+  return failure.fault;
 }
 
 Truncation StoredTruncation(const VariablePropertyStore& store, int variableNumber) {
   try {
     return VariableReader(store, variableNumber).ReadTruncation();
-  } catch (const CDispatchException&) {
+  } catch (const Failure&) {
     return {};
   }
 }

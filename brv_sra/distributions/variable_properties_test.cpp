@@ -4,6 +4,7 @@
 
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
@@ -14,14 +15,14 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/specified_distribution.h"
-#include "brv_sra/resources/strings.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::sra {
 namespace {
 
 using enum DistributionCode;
+using enum FaultIdentifier;
+using Cause = std::optional<Fault>;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
@@ -41,26 +42,29 @@ class VariableProperties : public testing::Test {
 
   VariableDistributions Read() const {
     const int one = 1;
-    return ReadDistributionProperties(store_, std::span(&one, 1)).front();
+    return ReadDistributionProperties(store_, std::span(&one, 1))->front();
   }
 
-  // The message of a read after the given properties were set over those of a good Normal fit.
-  std::string Fault(const std::vector<std::pair<std::string, std::string>>& properties) {
+  // The cause of the fault of a read, or nothing.
+  Cause ReadFault() const {
+    const int one = 1;
+    const auto read = ReadDistributionProperties(store_, std::span(&one, 1));
+    if (read) return std::nullopt;
+    EXPECT_EQ(read.Reason().identifier, kInvalidProperties);
+    EXPECT_EQ(read.Reason().about, "Var1");
+    return *read.Reason().cause;
+  }
+  // The same after the given properties were set over those of a good Normal fit.
+  Cause FaultOf(const std::vector<std::pair<std::string, std::string>>& properties) {
     sheet_ = Spreadsheet("Data", 0, 2);
     Write({{.code = kNormal, .values = {0, 1}}});
     for (const auto& [key, value] : properties) store_.Set(1, key, value);
-    try {
-      Read();
-      return "";
-    } catch (const CDispatchException& fault) {
-      EXPECT_EQ(fault.Where(), "Var1");
-      return fault.what();
-    }
+    return ReadFault();
   }
   // The same for a variable whose only distribution has the given value.
-  std::string ValueFault(DistributionCode code, const std::string& value) {
+  Cause ValueFault(DistributionCode code, const std::string& value) {
     const std::string name(DisplayName(code));
-    return Fault({{"zOrder", name + ";"}, {name, value}});
+    return FaultOf({{"zOrder", name + ";"}, {name, value}});
   }
 
   NumberLocale former_ = UserNumberLocale();
@@ -130,9 +134,9 @@ TEST_F(VariableProperties, NumbersAreWrittenTheUsersWayAndReadWithEitherSeparato
   EXPECT_EQ(Read().truncation.minimum, -2.5);
   for (const char separator : {'.', ','}) {
     SetUserNumberLocale({separator});
-    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2.5)"), "");
-    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2,5)"), "");
-    EXPECT_EQ(ValueFault(kPoisson, "(Mean=1.002,5)"), ResourceString(10256));
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2.5)"), std::nullopt);
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=2,5)"), std::nullopt);
+    EXPECT_EQ(ValueFault(kPoisson, "(Mean=1.002,5)"), Fault{kPropertyValuesInvalid});
   }
 }
 
@@ -215,7 +219,7 @@ TEST_F(VariableProperties, AVariableWithoutAnyFitIsMarkedUntilItHasOne) {
   Write({{.code = kNormal, .values = {0, -1}}});
   EXPECT_EQ(Property("zOrder"), "");
   EXPECT_EQ(Property("InvalidFit"), "1");
-  EXPECT_THROW(Read(), CDispatchException);
+  EXPECT_TRUE(ReadFault());
   Write({{.code = kNormal, .values = {0, 1}}});
   EXPECT_EQ(Property("InvalidFit"), "0");
   EXPECT_EQ(Read().ranked.size(), 1U);
@@ -226,54 +230,51 @@ TEST_F(VariableProperties, BoundAtInfinityIsWrittenAsNoBound) {
   EXPECT_EQ(TruncationPropertyText({}), "(0; 0; -4.440000e+02; -4.440000e+02)");
 }
 
-TEST_F(VariableProperties, TruncationMessageCoversEveryMalformedValue) {
+TEST_F(VariableProperties, TruncationFaultCoversEveryMalformedValue) {
   for (const std::string_view text :
        {"", "()", "(0; 0; 1.0)", "(0; 0; 1.0; 2.0; 3.0)", "(2; 0; 1; 2)", "(-1; 0; 1; 2)", "(yes; 0; 1; 2)",
         "(0; 0; nan; 1)", "(0; 0; 1; 1e999)", "(0,0,1,2)", "(1; 1; 5; 4)", "(1; 0; -4.440000e+02; 4)",
         "(0; 1; 4; -444)"}) {
-    EXPECT_EQ(Fault({{"zTruncProp", std::string(text)}}), ResourceString(10254)) << text;
+    EXPECT_EQ(FaultOf({{"zTruncProp", std::string(text)}}), Fault{kTruncationPropertyInvalid}) << text;
   }
   for (const std::string_view text : {"(0; 0; -444; -444)", "0;0;5;4", " (1 1 4 4) ", "(0;;0; ;1;2;)"}) {
-    EXPECT_EQ(Fault({{"zTruncProp", std::string(text)}}), "") << text;
+    EXPECT_EQ(FaultOf({{"zTruncProp", std::string(text)}}), std::nullopt) << text;
   }
   sheet_.VariableAt(0).RemoveProperty("zTruncProp");
-  EXPECT_THROW(Read(), CDispatchException);
+  EXPECT_TRUE(ReadFault());
 }
 
-TEST_F(VariableProperties, OrderMessagesTellEmptyUnknownMissingAndRepeatedNames) {
+TEST_F(VariableProperties, OrderFaultsTellEmptyUnknownMissingAndRepeatedNames) {
   const struct {
     std::string order;
-    std::string message;
+    Cause fault;
   } rows[] = {
-      {"", std::string(ResourceString(10255))},
-      {";;", std::string(ResourceString(10255))},
-      {std::string("\0Normal;", 8), std::string(ResourceString(10255))},
-      {"Normal;Cauchy;", "Cauchy in order of distribution property has its parameter property missing."},
-      {"Normal ;", "Normal  in order of distribution property has its parameter property missing."},
-      {"Normal Weibull;",
-       "Normal Weibull in order of distribution property has its parameter property missing."},
-      {"Normal;Log Normal;",
-       "Log Normal in order of distribution property has its parameter property missing."},
-      {"Normal;Normal;", std::string(ResourceString(10252))},
-      {"Normal", ""},
-      {"(;  Normal;)", ""},
+      {"", Fault{kOrderPropertyInvalid}},
+      {";;", Fault{kOrderPropertyInvalid}},
+      {std::string("\0Normal;", 8), Fault{kOrderPropertyInvalid}},
+      {"Normal;Cauchy;", Fault{kPropertyMissing, "Cauchy"}},
+      {"Normal ;", Fault{kPropertyMissing, "Normal "}},
+      {"Normal Weibull;", Fault{kPropertyMissing, "Normal Weibull"}},
+      {"Normal;Log Normal;", Fault{kPropertyMissing, "Log Normal"}},
+      {"Normal;Normal;", Fault{kOrderCountsDiffer}},
+      {"Normal", {}},
+      {"(;  Normal;)", {}},
   };
-  for (const auto& row : rows) EXPECT_EQ(Fault({{"zOrder", row.order}}), row.message) << row.order;
-  EXPECT_EQ(Fault({{"zOrder", "Cauchy;"}, {"Cauchy", "(Scale=1)"}}), ResourceString(10255));
-  EXPECT_EQ(Fault({{"zOrder", "Normal;Weibull;"}, {"Normal", "()"}}),
-            "Normal distribution property exists for variable Var1 but its value is missing.");
+  for (const auto& row : rows) EXPECT_EQ(FaultOf({{"zOrder", row.order}}), row.fault) << row.order;
+  EXPECT_EQ(FaultOf({{"zOrder", "Cauchy;"}, {"Cauchy", "(Scale=1)"}}), Fault{kOrderPropertyInvalid});
+  EXPECT_EQ(FaultOf({{"zOrder", "Normal;Weibull;"}, {"Normal", "()"}}),
+            (Fault{kPropertyValueMissing, "Normal", "Var1"}));
   for (const std::string_view empty : {"", "()", " ( ) ", "("}) {
-    EXPECT_EQ(Fault({{"Normal", std::string(empty)}}),
-              "Normal distribution property exists for variable Var1 but its value is missing.");
+    EXPECT_EQ(FaultOf({{"Normal", std::string(empty)}}), (Fault{kPropertyValueMissing, "Normal", "Var1"}));
   }
 }
 
 TEST_F(VariableProperties, AMissingPropertyIsReportedBeforeABadValue) {
-  EXPECT_EQ(Fault({{"zOrder", "Normal;Poisson;"}, {"Normal", "(junk)"}}),
-            "Poisson in order of distribution property has its parameter property missing.");
+  EXPECT_EQ(FaultOf({{"zOrder", "Normal;Poisson;"}, {"Normal", "(junk)"}}),
+            (Fault{kPropertyMissing, "Poisson"}));
 }
 
-TEST_F(VariableProperties, MalformedItemsGiveTheGeneralMessage) {
+TEST_F(VariableProperties, MalformedItemsAreTheGeneralFault) {
   const std::pair<DistributionCode, std::string> rows[] = {
       {kNormal, "(Location=1)"},
       {kNormal, "(Location=1; Scale=2; Shape=3)"},
@@ -298,42 +299,39 @@ TEST_F(VariableProperties, MalformedItemsGiveTheGeneralMessage) {
       {kHistogram, "(1; 0.5; 2)"},
       {kHistogram, "(Code=1; Proportion=1)"},
   };
-  for (const auto& [code, value] : rows) EXPECT_EQ(ValueFault(code, value), ResourceString(10256)) << value;
+  for (const auto& [code, value] : rows)
+    EXPECT_EQ(ValueFault(code, value), Fault{kPropertyValuesInvalid}) << value;
 }
 
 TEST_F(VariableProperties, ValuesThatBreakARuleAreNamedWithDistributionAndVariable) {
-  const auto stored = [](std::string_view what, std::string_view name) {
-    const std::string word(what);
-    return "Invalid " + word + " value for " + std::string(name) +
-           " distribution of variable 1. Please check the variable's properties to have a valid " + word +
-           " value.";
+  const auto stored = [](FaultIdentifier identifier, std::string name) {
+    return Fault{identifier, std::move(name), "1"};
   };
   const struct {
     DistributionCode code;
     std::string value;
-    std::string message;
+    Cause fault;
   } rows[] = {
-      {kBernoulli, "(Proportion=1.5)", stored("proportion", "Bernoulli")},
-      {kPoisson, "(Mean=0)", stored("mean", "Poisson")},
-      {kBinomial, "(Proportion=0.5; NumberOfTrials=2.5)", stored("number of trials", "Binomial")},
-      {kNormal, "(Location=-444; Scale=1)", stored("location", "Normal")},
-      {kNormal, "(Scale=0; Location=1)", stored("scale", "Normal")},
-      {kWeibull, "(Scale=1; Shape=-1; Offset=0)", stored("shape", "Weibull")},
-      {kWeibull, "(Scale=1; Shape=1; Offset=-444)", stored("offset", "Weibull")},
-      {kFoldedNormal, "(Scale=1; Shape=0; Offset=0)", stored("scale", "Folded Normal")},
-      {kJohnson, "(2; 0; 1; 0; 0)", stored("scale", "Johnson")},
-      {kHistogram, "(1; 1.5; 2; -0.5)", stored("proportion", "Histogram")},
-      {kHistogram, "(1; 0.5; 2; 0.499)", std::string(ResourceString(10219))},
-      {kGaussianMixture, "(1; 0; 1)", std::string(ResourceString(10278))},
-      {kGaussianMixture, "(0.5; 0; 0; 0.5; 1; 1)", stored("scale", "Gaussian Mixture")},
-      {kTriangular, "(Min=2; Max=3; Mode=1)",
-       "Invalid minimum and/or mode parameter entry for Triangular distribution. "},
+      {kBernoulli, "(Proportion=1.5)", stored(kStoredProportionInvalid, "Bernoulli")},
+      {kPoisson, "(Mean=0)", stored(kStoredMeanInvalid, "Poisson")},
+      {kBinomial, "(Proportion=0.5; NumberOfTrials=2.5)", stored(kStoredTrialsInvalid, "Binomial")},
+      {kNormal, "(Location=-444; Scale=1)", stored(kStoredLocationInvalid, "Normal")},
+      {kNormal, "(Scale=0; Location=1)", stored(kStoredScaleInvalid, "Normal")},
+      {kWeibull, "(Scale=1; Shape=-1; Offset=0)", stored(kStoredShapeInvalid, "Weibull")},
+      {kWeibull, "(Scale=1; Shape=1; Offset=-444)", stored(kStoredOffsetInvalid, "Weibull")},
+      {kFoldedNormal, "(Scale=1; Shape=0; Offset=0)", stored(kStoredScaleInvalid, "Folded Normal")},
+      {kJohnson, "(2; 0; 1; 0; 0)", stored(kStoredScaleInvalid, "Johnson")},
+      {kHistogram, "(1; 1.5; 2; -0.5)", stored(kStoredProportionInvalid, "Histogram")},
+      {kHistogram, "(1; 0.5; 2; 0.499)", Fault{kInvalidTotalProportion}},
+      {kGaussianMixture, "(1; 0; 1)", Fault{kInvalidMixtureCount}},
+      {kGaussianMixture, "(0.5; 0; 0; 0.5; 1; 1)", stored(kStoredScaleInvalid, "Gaussian Mixture")},
+      {kTriangular, "(Min=2; Max=3; Mode=1)", Fault{kInvalidParameter, "minimum and/or mode", "Triangular"}},
   };
-  for (const auto& row : rows) EXPECT_EQ(ValueFault(row.code, row.value), row.message) << row.value;
+  for (const auto& row : rows) EXPECT_EQ(ValueFault(row.code, row.value), row.fault) << row.value;
 }
 
 TEST_F(VariableProperties, HandWrittenValuesMayReorderItemsAndLeaveTheOffsetOut) {
-  EXPECT_EQ(ValueFault(kWeibull, " (Shape=2;Scale=1) "), "");
+  EXPECT_EQ(ValueFault(kWeibull, " (Shape=2;Scale=1) "), std::nullopt);
   const auto read = Read().ranked.front();
   EXPECT_EQ(read.values, (std::vector{1.0, 2.0}));
   EXPECT_EQ(read.offset, 0.0);
@@ -343,15 +341,12 @@ TEST_F(VariableProperties, FaultOfALaterVariableEndsTheWholeReadAndNamesItsNumbe
   Write({{.code = kNormal, .values = {0, 1}}});
   WriteDistributionProperties(&store_, {2, {{.code = kPoisson, .values = {1}}}, {}});
   const std::vector<int> both{2, 1};
-  EXPECT_EQ(ReadDistributionProperties(store_, both).front().ranked.front().code, kPoisson);
+  EXPECT_EQ(ReadDistributionProperties(store_, both)->front().ranked.front().code, kPoisson);
   store_.Set(2, "Poisson", "(Mean=-1)");
-  try {
-    ReadDistributionProperties(store_, std::vector{1, 2});
-    ADD_FAILURE();
-  } catch (const CDispatchException& fault) {
-    EXPECT_NE(std::string(fault.what()).find("of variable 2."), std::string::npos);
-    EXPECT_EQ(fault.Where(), "Var2");
-  }
+  const auto read = ReadDistributionProperties(store_, std::vector{1, 2});
+  ASSERT_FALSE(read);
+  EXPECT_EQ(read.Reason().about, "Var2");
+  EXPECT_EQ(*read.Reason().cause, (Fault{kStoredMeanInvalid, "Poisson", "2"}));
 }
 
 TEST_F(VariableProperties, SheetStoreLeavesVariablesThatDoNotExistAlone) {
@@ -359,7 +354,7 @@ TEST_F(VariableProperties, SheetStoreLeavesVariablesThatDoNotExistAlone) {
     store_.Set(number, "Normal", "x");
     EXPECT_FALSE(store_.Get(number, "Normal")) << number;
     EXPECT_EQ(store_.VariableName(number), "") << number;
-    EXPECT_THROW(ReadDistributionProperties(store_, std::span(&number, 1)), CDispatchException);
+    EXPECT_FALSE(ReadDistributionProperties(store_, std::span(&number, 1)));
   }
   EXPECT_TRUE(sheet_.VariableAt(0).Properties().empty());
   EXPECT_TRUE(sheet_.VariableAt(1).Properties().empty());

@@ -7,6 +7,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
 
@@ -26,7 +27,7 @@ std::string ItemText(std::string_view key, double x, const char* format) {
   return std::string(key) + "=" + NumberText(x, format);
 }
 
-// No offset is no shift.
+// Without an offset there is no shift.
 double OffsetOrNone(const DistributionSpecification& specification) {
   return IsNotSet(specification.offset) ? 0.0 : specification.offset;
 }
@@ -52,7 +53,7 @@ DistributionSpecification AsStored(DistributionSpecification specification, cons
   return specification;
 }
 
-// Half the distance of the quantiles at 16 % and 84 %: a standard deviation where the tails have one.
+// Half the distance of the quantiles at 16 % and 84 %: a standard deviation if the tails have one.
 double SpreadOf(const SpecifiedDistribution& distribution) {
   constexpr double kOneDeviation = 0.15865525393145705;
   return (distribution.ComplementQuantile(kOneDeviation) - distribution.Quantile(kOneDeviation)) / 2;
@@ -89,7 +90,7 @@ const char* FormatOf(const DistributionSpecification& specification) {
   return enough == kFormats.end() ? kExactFormat : *enough;
 }
 
-// A bound is written with six decimals where they hold it.
+// A bound is written with six decimals if they hold it.
 std::string BoundText(double bound) {
   return NumberText(bound, AsStored(bound, kShortFormat) == bound ? kShortFormat : kExactFormat);
 }

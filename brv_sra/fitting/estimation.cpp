@@ -10,6 +10,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"

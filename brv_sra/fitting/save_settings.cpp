@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/validity.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::sra {
@@ -100,9 +102,8 @@ bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code) {
 Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification) {
   if (IsContinuous(specification.code) != variable.continuous)
     return Refusal(kDistributionOfOtherKind, specification.code, variable);
-  if (const auto fault = CheckSpecification(specification)) {
-    return Fault{kInvalidOwnValues, variable.name, fault->message};
-  }
+  if (auto fault = CheckSpecification(specification))
+    return CausedBy(std::move(fault->fault), kInvalidOwnValues, variable.name);
   DropUserDefinedValues(variable, specification.code);
   variable.saving.userDefined.push_back(std::move(specification));
   return {};

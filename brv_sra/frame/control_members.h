@@ -55,7 +55,7 @@ inline void EnterCount(CAnalysisDialog& dialog, std::int32_t control, std::int32
   RequireTaken(dialog.Enter(control, value == kNotSetCount ? std::string() : std::to_string(value)));
 }
 
-// The selected entry of a list, counted from `First`; First - 1 where none is selected.
+// The selected entry of a list, counted from `First`; First - 1 if none is selected.
 template <class Dialog, std::int32_t Control, std::int32_t First>
 Variant GetSelection(Dialog& dialog, std::span<const Variant>) {
   return std::int32_t{dialog.Controls().Selection(Control) + First};

@@ -25,7 +25,7 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
 
  protected:
   // Gives the dialog its automation object over a table that binds the interface. The object outlives the
-  // dialog where a client still holds it; its calls then fail with the closed-dialog error.
+  // dialog if a client still holds it; its calls then fail with the closed-dialog error.
   template <class Dialog>
   void EnableAutomation(const InterfaceDescription& interface, std::string_view className,
                         std::span<const AutomationMember<Dialog>> members) {

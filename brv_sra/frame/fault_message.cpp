@@ -16,7 +16,7 @@ enum class Form : std::uint8_t {
   kPlain,     // not at all
   kInserted,  // in the places of its conversions, the detail after what it is about
   kAppended,  // at its end
-  kDetail     // the detail is the text
+  kCause      // the cause has the text
 };
 
 struct Row {
@@ -25,10 +25,31 @@ struct Row {
   Form form = Form::kPlain;
   std::string_view where = {};  // with {about} and {detail}
   std::int32_t caption = 0;
+  std::int32_t continuation = 0;  // a text that follows it
 };
 
 // In the order of the identifiers.
 constexpr Row kRows[] = {
+    {kInvalidParameter, kMsgInvalidParameter, Form::kInserted},
+    {kInvalidProportion, kMsgInvalidParameter, Form::kInserted, {}, 0, kMsgProportionRange},
+    {kInvalidTrials, kMsgInvalidTrialsInSimulation},
+    {kInvalidMixtureCount, kMsgInvalidMixtureCount},
+    {kInvalidTotalProportion, kMsgInvalidTotalProportion},
+    {kInvalidOffset, kMsgInvalidOffsets},
+    {kInvalidProperties, 0, Form::kCause, "{about}"},
+    {kTruncationPropertyInvalid, kMsgInvalidTruncationProperty},
+    {kOrderPropertyInvalid, kMsgInvalidOrderProperty},
+    {kOrderCountsDiffer, kMsgOrderCountMismatch},
+    {kPropertyMissing, kMsgPropertyMissing, Form::kInserted},
+    {kPropertyValueMissing, kMsgPropertyValueMissing, Form::kInserted},
+    {kPropertyValuesInvalid, kMsgInvalidPropertyValues},
+    {kStoredLocationInvalid, kMsgStoredLocationInvalid, Form::kInserted},
+    {kStoredScaleInvalid, kMsgStoredScaleInvalid, Form::kInserted},
+    {kStoredShapeInvalid, kMsgStoredShapeInvalid, Form::kInserted},
+    {kStoredOffsetInvalid, kMsgStoredOffsetInvalid, Form::kInserted},
+    {kStoredProportionInvalid, kMsgStoredProportionInvalid, Form::kInserted},
+    {kStoredMeanInvalid, kMsgStoredMeanInvalid, Form::kInserted},
+    {kStoredTrialsInvalid, kMsgStoredTrialsInvalid, Form::kInserted},
     {kNotAMatrixFile, 0},
     {kMatrixOfOtherType, kMsgMatrixWrongType},
     {kMatrixLacksCases, kMsgMatrixCases},
@@ -54,7 +75,7 @@ constexpr Row kRows[] = {
     {kDistributionTwice, kMsgOrderTwice, Form::kInserted},
     {kDistributionNotFitted, kMsgOrderUnknown, Form::kInserted},
     {kDistributionOfOtherKind, kMsgOrderKind, Form::kInserted},
-    {kInvalidOwnValues, 0, Form::kDetail, "{about}"},
+    {kInvalidOwnValues, 0, Form::kCause, "{about}"},
     {kTruncationLacksBound, kMsgTruncationBound, Form::kInserted},
     {kTruncationBoundsCrossed, kMsgTruncationCrossed, Form::kInserted},
     {kDistributionMissing, kMsgInvalidOrderProperty},
@@ -69,7 +90,7 @@ constexpr Row kRows[] = {
     {kCorrelationsUnusable, kMsgSimulationFailedMatrix},
     {kNoRandomPredictor, kMsgProfilerNoRandomPredictor},
     {kFixedValueNotFinite, kMsgProfilerNoSpecification, Form::kAppended, "the fixed value is not finite"},
-    {kInvalidPredictor, 0, Form::kDetail, "variable {about}"},
+    {kInvalidPredictor, 0, Form::kCause, "variable {about}"},
     {kNothingPredicts, kMsgProfilerCheckFormula, Form::kAppended, "there is neither a formula nor a model"},
     {kPredictedFromItself, kMsgProfilerCheckFormula, Form::kAppended, "it is predicted from itself"},
     {kFormulaInvalid, kMsgProfilerCheckFormula, Form::kAppended, "{detail}"},
@@ -99,11 +120,12 @@ std::string TextOf(const Row& row, const Fault& fault) {
     case Form::kPlain:
       return std::string(ResourceString(row.resource));
     case Form::kInserted:
-      return FormatResource(row.resource, fault.about, fault.detail);
+      return FormatResource(row.resource, fault.about, fault.detail) +
+             std::string(ResourceString(row.continuation));
     case Form::kAppended:
       return std::string(ResourceString(row.resource)) + fault.about;
-    case Form::kDetail:
-      return fault.detail;
+    case Form::kCause:
+      return MessageOf(*fault.cause).text;
   }
   return {};
 }

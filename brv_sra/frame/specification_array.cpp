@@ -4,6 +4,8 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/validity.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
@@ -98,7 +100,7 @@ Variant::Array ArrayOf(const DistributionSpecification& specification) {
 }
 
 void CheckEnteredSpecification(const DistributionSpecification& specification) {
-  if (const auto fault = CheckSpecification(specification)) throw Error(fault->message);
+  if (const auto fault = CheckSpecification(specification)) throw Error(MessageOf(fault->fault).text);
   const double lower = specification.truncationMinimum;
   const double upper = specification.truncationMaximum;
   const bool valid = (!specification.truncateBelow || IsBound(lower)) &&

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/profiler/profiler_prediction.h"
 #include "brv_sra/simulation/correlation_induction.h"
 #include "brv_sra/simulation/sample_generation.h"
@@ -82,7 +83,7 @@ Result<void> CheckPredictors(const ProfilerDesign& design) {
       return Fault{kFixedValueNotFinite, predictor.name};
     if (!predictor.IsRandom()) continue;
     if (auto fault = CheckSpecification(predictor.specification, CheckPurpose::kSimulation))
-      return Fault{kInvalidPredictor, predictor.name, std::move(fault->message)};
+      return CausedBy(std::move(fault->fault), kInvalidPredictor, predictor.name);
   }
   std::vector<std::size_t> places;
   return CheckSampling(DesignOfDraws(design, places));

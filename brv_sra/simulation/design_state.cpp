@@ -67,10 +67,12 @@ void SetDesignVariables(DesignState& design, std::span<const std::string> names)
   design.correlations = std::move(correlations);
 }
 
-std::vector<DistributionSpecification> SavedDistributions(const VariablePropertyStore& store,
-                                                          int variableNumber) {
-  if (!HasStoredOrder(store, variableNumber)) return {};
-  return ReadDistributionProperties(store, std::span(&variableNumber, 1)).front().ranked;
+Result<std::vector<DistributionSpecification>> SavedDistributions(const VariablePropertyStore& store,
+                                                                  int variableNumber) {
+  if (!HasStoredOrder(store, variableNumber)) return std::vector<DistributionSpecification>();
+  auto read = ReadDistributionProperties(store, std::span(&variableNumber, 1));
+  if (!read) return read.Reason();
+  return std::move(read->front().ranked);
 }
 
 std::vector<int> SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/specification.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/matrix/matrix_file.h"
@@ -45,10 +46,9 @@ bool TakesPart(const DesignedVariable& variable, ParameterSource source);
 // correlations; new ones are not correlated. The names must differ.
 void SetDesignVariables(DesignState& design, std::span<const std::string> names);
 
-// The distributions that a variable of the design carries in its sheet. Throws CDispatchException with the reader's
-// message where a property is missing or invalid.
-std::vector<DistributionSpecification> SavedDistributions(const VariablePropertyStore& store,
-                                                          int variableNumber);
+// The distributions that a variable of the design carries in its sheet, or the reader's fault.
+Result<std::vector<DistributionSpecification>> SavedDistributions(const VariablePropertyStore& store,
+                                                                  int variableNumber);
 
 // Writes what each variable is simulated from as the properties of the variable of its name, followed by the fitted
 // distributions of other types, in their order. A variable that is left out, or of which nothing is known, stays as it

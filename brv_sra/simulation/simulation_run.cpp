@@ -122,7 +122,9 @@ Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions&
   design.method = options.method;
   design.truncate = options.truncate;
   design.source = options.source;
-  for (const VariableDistributions& variable : ReadDistributionProperties(store, numbers)) {
+  const auto read = ReadDistributionProperties(store, numbers);
+  if (!read) return read.Reason();
+  for (const VariableDistributions& variable : *read) {
     if (variable.ranked.empty()) return Fault{FaultIdentifier::kDistributionMissing};
     const DistributionSpecification& best = variable.ranked.front();
     const Variable& input = sheet.VariableAt(static_cast<std::size_t>(variable.variableNumber - 1));

@@ -8,6 +8,7 @@
 //   Use(*file);
 #pragma once
 
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -21,6 +22,7 @@ struct Fault {
   Identifier identifier;
   std::string about = {};   // the name of the thing at fault; empty if the identifier says it all
   std::string detail = {};  // what else is known: the place, the reason
+  std::shared_ptr<const Fault> cause = {};  // the fault behind it, where there is one
 
   bool operator==(const Fault&) const = default;
 };

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/validity.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"

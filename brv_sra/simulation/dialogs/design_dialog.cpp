@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
@@ -106,12 +107,9 @@ void CDesignSimulation::ReadFitted(Spreadsheet& sheet) {
   for (DesignedVariable& variable : Design().variables) {
     const auto found = std::ranges::find(names, variable.name);
     if (found == names.end()) continue;
-    try {
-      auto saved = SavedDistributions(store, static_cast<int>(found - names.begin()) + 1);
-      if (!saved.empty()) variable.fitted = std::move(saved);
-    } catch (const Error& error) {
-      Analysis().ShowMessage(error.what(), error.Where());
-    }
+    auto saved = SavedDistributions(store, static_cast<int>(found - names.begin()) + 1);
+    if (!saved) ShowFault(Analysis(), saved.Reason());
+    if (saved && !saved->empty()) variable.fitted = *std::move(saved);
   }
 }
 

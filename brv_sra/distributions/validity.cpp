@@ -1,0 +1,82 @@
+#include "brv_sra/distributions/validity.h"
+
+#include <cmath>
+#include <string>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "host/numeric/distributions/distribution_types.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using enum DistributionCode;
+
+bool IsGiven(double x) {
+  return std::isfinite(x) && !IsNotSet(x);
+}
+
+ValidityFault ParameterFault(DistributionCode code, std::size_t index, std::size_t place) {
+  return {{FaultIdentifier::kInvalidParameter, std::string(ParameterWord(code, place)),
+           std::string(DisplayName(code))},
+          index};
+}
+
+bool IsProportion(ParameterRange range) {
+  return range == ParameterRange::kProportion || range == ParameterRange::kPositiveProportion;
+}
+
+ValidityFault ParameterFault(DistributionCode code, std::size_t index, double value, CheckPurpose purpose) {
+  const std::size_t place = index % Facts(code).ParameterCount();
+  const ParameterRange range = Facts(code).parameters[place].range;
+  if (range == ParameterRange::kTrials && purpose == CheckPurpose::kSimulation)
+    return {{FaultIdentifier::kInvalidTrials}, index};
+  ValidityFault fault = ParameterFault(code, index, place);
+  const bool isCalledProportion = IsProportion(range) && code != kGaussianMixture;
+  if (isCalledProportion && IsGiven(value)) fault.fault.identifier = FaultIdentifier::kInvalidProportion;
+  return fault;
+}
+
+// The rules about several values of a distribution, once each value is in its range.
+std::optional<ValidityFault> CheckTogether(DistributionCode code, std::span<const double> values) {
+  if (TypeOf(code).isValid(values, 0.0)) return std::nullopt;
+  switch (code) {
+    case kTriangular:
+      if (values[0] > values[2]) return ParameterFault(code, 0, 0);
+      if (values[2] > values[1]) return ParameterFault(code, 2, 1);
+      return std::nullopt;  // a single point
+    case kGaussianMixture:
+      return ParameterFault(code, values.size(), 0);
+    case kHistogram:
+      return ValidityFault{{FaultIdentifier::kInvalidTotalProportion}, values.size()};
+    default:
+      return std::nullopt;
+  }
+}
+
+}  // namespace
+
+std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
+                                         CheckPurpose purpose) {
+  const DistributionFacts& facts = Facts(code);
+  const std::size_t groupSize = facts.ParameterCount();
+  const std::size_t groups = facts.isUserDefined ? (values.size() + groupSize - 1) / groupSize : 1;
+  if (code == kGaussianMixture && (groups < kMinimumMixtures || groups > kMaximumMixtures))
+    return ValidityFault{{FaultIdentifier::kInvalidMixtureCount}, values.size()};
+  const std::size_t expected = groups * groupSize;
+  for (std::size_t i = 0; i < expected; ++i) {
+    const double value = i < values.size() ? values[i] : kNotSet;
+    const bool isValid = IsGiven(value) && IsInRange(value, facts.parameters[i % groupSize].range);
+    if (!isValid) return ParameterFault(code, i, value, purpose);
+  }
+  if (values.size() > expected) return ParameterFault(code, expected, groupSize - 1);
+  return CheckTogether(code, values);
+}
+
+std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
+                                                CheckPurpose purpose) {
+  if (auto fault = CheckValues(specification.code, specification.values, purpose)) return fault;
+  if (!HasOffset(specification.code) || IsGiven(specification.offset)) return std::nullopt;
+  return ValidityFault{{FaultIdentifier::kInvalidOffset}, specification.values.size()};
+}
+
+}  // namespace brenvolt::sra
