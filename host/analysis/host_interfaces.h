@@ -49,7 +49,7 @@ inline constexpr std::array<MemberDescription, 7> kAnalysisMembers{{
     Property("Name", 1, kText, kNone, "The name of the analysis."),
     Property("ID", 2, kInteger, kNone, "The number of the analysis."),
     Property("Application", 3, kObject, kNone, "The application that the analysis runs in."),
-    Property("CurrentStep", 4, kInteger, kNone, "The step of the sequence whose dialog is open, else 0."),
+    Property("CurrentStep", 4, kInteger, kNone, "The step of the sequence whose dialog is open, or 0."),
     Property("Dialog", 5, kObject, kNone, "The open dialog; nothing where none is open."),
     Property("DialogInterface", 6, kObject, kNone, "The open dialog, where it is of the named interface.",
              kName),

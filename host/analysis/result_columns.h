@@ -22,7 +22,7 @@ enum class Quantity : std::uint8_t {
 };
 
 struct ResultColumn {
-  std::string_view identifier;  // names the column in frames, too
+  std::string_view identifier;  // also names the column in frames
   std::string_view json;        // its place in the object of a row in JSON (a pointer of RFC 6901), or empty
   std::int32_t heading;         // the number of a text of the module
   Quantity quantity = Quantity::kMeasure;

@@ -102,7 +102,7 @@ struct DistributionFacts {
   std::string_view name;              // in one word
   std::string_view longName = name;   // in the names of its functions in formulas and of automation members
   std::string_view macroName = name;  // in the constants of macros
-  std::string_view shortName = {};    // by which people call it, too
+  std::string_view shortName = {};    // by which people also call it
   bool isContinuous = true;
   OffsetPlace offset = OffsetPlace::kNone;
   bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes
