@@ -154,7 +154,8 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
                                       "logLikelihood", "note",
                                       "offset",        "origin",
                                       "parameters",    "rank",
-                                      "reason",        "standardErrors"};
+                                      "reason",        "standardErrors",
+                                      "valuesWithoutDensity"};
   for (const Json& variable : variables) {
     for (const Json& fit : variable["fits"]) {
       std::vector<std::string> names;
@@ -194,6 +195,44 @@ TEST_F(Command, ColumnThatFailsLeavesTheOthersAndSaysWhy) {
   EXPECT_NE(run.out.find("  no fit: Poisson, the counts have a fraction: 2.5 in case 2\n"),
             std::string::npos);
   EXPECT_EQ(run.err.find("mixtures"), std::string::npos) << "nobody entered a number: " << run.err;
+}
+
+// A triangular distribution ends at the extremes of its data, so that AIC and BIC compare it with nothing; a
+// General Pareto from moments may end among them. Neither is to be simulated unless someone asks for it.
+TEST_F(Command, FitsThatTheDataContradictRankLastAndAreSavedOnlyByName) {
+  for (const char* criterion : {"ks", "chi-square", "anderson-darling", "aic", "bic"}) {
+    for (const char* file : {"groundbeef", "portpirie_sea_level", "faithful", "danish_fire_losses", "ozone"}) {
+      SCOPED_TRACE(std::string(criterion) + " of " + file);
+      const auto report = JsonOf({"fit", kExamples + file + ".csv", "--rank-by", criterion});
+      for (const Json& variable : report["variables"]) {
+        EXPECT_EQ(variable["rankedBy"], criterion);
+        EXPECT_EQ(variable["fits"][0]["valuesWithoutDensity"], 0);
+        EXPECT_TRUE(FitOf(variable, "Triangular")["aic"].is_null());
+        bool isAnyContradicted = false;
+        for (const Json& fit : variable["fits"]) {
+          if (fit["parameters"].is_null()) break;
+          isAnyContradicted = isAnyContradicted || fit["valuesWithoutDensity"] > 0;
+          EXPECT_EQ(fit["valuesWithoutDensity"] > 0, isAnyContradicted) << fit["distribution"];
+          EXPECT_EQ(fit["bic"].is_null(), isAnyContradicted) << fit["distribution"];
+        }
+        EXPECT_TRUE(isAnyContradicted);
+      }
+    }
+  }
+  const auto order = [&](const std::vector<std::string>& options) {
+    std::vector<std::string> call{"fit", kExamples + "portpirie_sea_level.csv", "--save", "p.bvw"};
+    call.insert(call.end(), options.begin(), options.end());
+    std::filesystem::remove(File("p.bvw"));
+    MustRun(call);
+    const auto sheet = Json::parse(MustRun({"show", "p.bvw", "portpirie_sea_level", "--format", "json"}).out);
+    return sheet["variables"][0]["properties"]["zOrder"].get<std::string>();
+  };
+  EXPECT_EQ(order({}).find("Triangular"), std::string::npos);
+  EXPECT_EQ(order({"--distributions", "triangular,normal"}), "Normal;");
+  EXPECT_EQ(order({"--distributions", "triangular"}), "Triangular;") << "the only one that was asked for";
+  EXPECT_EQ(order({"--order", "sealevel=triangular,normal"}), "Triangular;Normal;");
+  const std::string table = MustRun({"fit", kExamples + "portpirie_sea_level.csv", "--rank-by", "bic"}).out;
+  EXPECT_NE(table.find("density 0 at 2 of 65 values: ranked last\n"), std::string::npos) << table;
 }
 
 TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {

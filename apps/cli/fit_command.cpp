@@ -112,9 +112,9 @@ void AddDistributionOptions(CLI::App& command, FitJob& job) {
 
 void AddTestOptions(CLI::App& command, FitJob& job) {
   AddChoice(command, "--rank-by", job.rankBy, kCriteria,
-            "Test that ranks the fits of continuous variables; default ks");
+            "Test or information criterion that ranks the fits of continuous variables; default ks");
   AddChoice(command, "--discrete-rank-by", job.discreteRankBy, kDiscreteCriteria,
-            "Test that ranks the fits of discrete variables; default ks");
+            "Test or information criterion that ranks the fits of discrete variables; default ks");
   AddChoice(command, "--binning", job.binning, kBinnings,
             "Bins of the chi-square test; default equal-probability");
   AddNumber(command, "--bootstrap", "bootstrap", job.bootstrap, "N",

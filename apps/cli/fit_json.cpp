@@ -33,6 +33,7 @@ Json FitJson(const FittedDistribution& fit, std::size_t rank) {
                {"standardErrors", ListOrNull(fit.standardErrors)},
                {"covariance", ListOrNull(fit.covariance)}};
   AddNumbers(fit.statistics, kLikelihood, json);
+  AddNumbers(fit.statistics, kContradiction, json);
   AddNumbers(fit.statistics, kTests, json);
   json["bootstrap"] = nullptr;
   if (!fit.IsBootstrapped()) return json;

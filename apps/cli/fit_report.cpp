@@ -1,5 +1,6 @@
 #include "apps/cli/fit_report.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
@@ -15,20 +16,29 @@
 namespace brenvolt::cli {
 namespace {
 
-// A test as the table for people shows it.
-struct TestColumns {
+// By what fits are ranked, as the table for people shows it.
+struct CriterionColumn {
   std::string_view name;  // as in the options of the command
-  const char* statisticHeading;
-  const char* pValueHeading;
+  const char* heading;
   const ResultColumn& statistic;
+};
+constexpr std::array<CriterionColumn, 5> kCriterionColumns{{{"ks", "K-S d", "ks"_column},
+                                                            {"chi-square", "Chi-sq.", "chi_square"_column},
+                                                            {"anderson-darling", "A-D", "ad"_column},
+                                                            {"aic", "AIC", "aic"_column},
+                                                            {"bic", "BIC", "bic"_column}}};
+
+// The p-values of a test.
+struct TestColumns {
+  std::string_view name;
+  const char* heading;
   const ResultColumn& pValue;
   const ResultColumn& bootstrapPValue;
 };
 constexpr std::array<TestColumns, 3> kTests{
-    {{"ks", "K-S d", "K-S p", "ks"_column, "ks_p"_column, "bootstrap_ks_p"_column},
-     {"chi-square", "Chi-sq.", "Chi-sq. p", "chi_square"_column, "chi_square_p"_column,
-      "bootstrap_chi_square_p"_column},
-     {"anderson-darling", "A-D", "A-D p", "ad"_column, "ad_p"_column, "bootstrap_ad_p"_column}}};
+    {{"ks", "K-S p", "ks_p"_column, "bootstrap_ks_p"_column},
+     {"chi-square", "Chi-sq. p", "chi_square_p"_column, "bootstrap_chi_square_p"_column},
+     {"anderson-darling", "A-D p", "ad_p"_column, "bootstrap_ad_p"_column}}};
 
 // A description of more characters goes on in the next line, broken behind a comma.
 constexpr std::size_t kDescriptionWidth = 46;
@@ -58,12 +68,14 @@ std::vector<std::string> BrokenAtBlanks(std::string text) {
   return lines;
 }
 
-// The statistic of the ranking test with its p-value, then the p-values of the other tests, then the AIC. The
-// p-values are the bootstrap's when `bootstrapped`, none for a fit without.
+// The statistic that ranks, then the p-values of the tests, first that of a test that ranks, then the AIC
+// where it does not rank. The p-values are the bootstrap's when `bootstrapped`, none for a fit without.
 class RankingText {
  public:
   RankingText(const FittedVariable& variable, const std::string& rankedBy, bool bootstrapped)
-      : bootstrapped_(bootstrapped) {
+      : bootstrapped_(bootstrapped),
+        criterion_(*std::ranges::find(kCriterionColumns, rankedBy, &CriterionColumn::name)),
+        count_(Cell(variable.moments, "n"_column)) {
     for (const TestColumns& test : kTests) {
       const bool applies = variable.isContinuous || test.name != "anderson-darling";
       if (test.name == rankedBy) tests_.insert(tests_.begin(), &test);
@@ -71,15 +83,17 @@ class RankingText {
     }
     table_.AddColumn("Rank", TextTable::Align::kRight);
     table_.AddColumn("Distribution", TextTable::Align::kLeft);
-    table_.AddColumn(tests_.front()->statisticHeading, TextTable::Align::kRight);
-    for (const TestColumns* test : tests_) table_.AddColumn(test->pValueHeading, TextTable::Align::kRight);
-    table_.AddColumn("AIC", TextTable::Align::kRight);
+    table_.AddColumn(criterion_.heading, TextTable::Align::kRight);
+    for (const TestColumns* test : tests_) table_.AddColumn(test->heading, TextTable::Align::kRight);
+    if (ShowsAicBeside()) table_.AddColumn("AIC", TextTable::Align::kRight);
     for (const FittedDistribution& fit : variable.fits) AddFit(fit);
   }
 
   std::string Text() const { return table_.Text() + failures_; }
 
  private:
+  bool ShowsAicBeside() const { return &criterion_.statistic != &"aic"_column; }
+
   void AddFit(const FittedDistribution& fit) {
     ++rank_;
     if (fit.parameters.empty()) {
@@ -93,10 +107,14 @@ class RankingText {
     if (!fit.note.empty()) {
       for (const std::string& line : BrokenAtBlanks("  " + fit.note)) lines.push_back(line);
     }
+    if (fit.statistics.Number("without_density"_column) > 0) {
+      lines.push_back("  density 0 at " + Cell(fit.statistics, "without_density"_column) + " of " + count_ +
+                      " values: ranked last");
+    }
     std::vector<std::string> cells{std::to_string(rank_), lines.front(),
-                                   Cell(fit.statistics, tests_.front()->statistic)};
+                                   Cell(fit.statistics, criterion_.statistic)};
     for (const TestColumns* test : tests_) cells.push_back(PValueText(fit, *test));
-    cells.push_back(Cell(fit.statistics, "aic"_column));
+    if (ShowsAicBeside()) cells.push_back(Cell(fit.statistics, "aic"_column));
     table_.AddRow(std::move(cells));
     for (std::size_t i = 1; i < lines.size(); ++i) table_.AddRow({"", lines[i]});
   }
@@ -119,6 +137,8 @@ class RankingText {
   }
 
   bool bootstrapped_;
+  const CriterionColumn& criterion_;
+  std::string count_;  // of the values
   std::vector<const TestColumns*> tests_;
   TextTable table_;
   std::string failures_;

@@ -11,7 +11,7 @@ namespace brenvolt::cli {
 
 // What was asked for, by the command's own names.
 struct FitReportOptions {
-  std::string rankBy;          // "ks", "chi-square" or "anderson-darling"
+  std::string rankBy;          // "ks", "chi-square", "anderson-darling", "aic" or "bic"
   std::string discreteRankBy;  // of discrete variables
   std::int32_t bootstrapSamples = 0;
   ReportFormat format = ReportFormat::kTable;

@@ -33,7 +33,7 @@ py::dict FitDict(const FittedDistribution& fit) {
   return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
                   "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
                   "origin"_a = fit.origin, "note"_a = fit.note,
-                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kBootstrap}));
+                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kContradiction, kBootstrap}));
 }
 
 // What a row is called: by people, or by programs where it is a statistic, or by its number where it is one of a kind.

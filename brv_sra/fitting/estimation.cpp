@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <exception>
+#include <limits>
 #include <mutex>
 #include <optional>
 #include <utility>
@@ -61,6 +62,22 @@ DistributionFit Failed(DistributionCode code, double offset, brenvolt::Fault<Est
   return fit;
 }
 
+// The values at which the density is 0.
+std::int64_t CountWithoutDensity(const DistributionSpecification& specification,
+                                 std::span<const double> values) {
+  constexpr std::size_t kBlock = 2048;
+  const SpecifiedDistribution distribution(specification);
+  std::array<double, kBlock> buffer;
+  std::int64_t count = 0;
+  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
+    const auto x = values.subspan(begin, std::min(kBlock, values.size() - begin));
+    const std::span<double> logDensities(buffer.data(), x.size());
+    distribution.LogDensity(x, logDensities);
+    count += std::ranges::count(logDensities, -std::numeric_limits<double>::infinity());
+  }
+  return count;
+}
+
 DistributionFit RunStep(DistributionCode code, double offset, const EstimationInput& input) {
   const FloatingPointGuard guard;
   EstimateResult estimate = Usable(TypeOf(code).estimate(input));
@@ -77,7 +94,11 @@ DistributionFit RunStep(DistributionCode code, double offset, const EstimationIn
   const double logLikelihood = IsNotSet(estimate->logLikelihood)
                                    ? SpecifiedDistribution(fit.specification).LogLikelihood(input.sorted)
                                    : estimate->logLikelihood;
-  fit.logLikelihood = std::isfinite(logLikelihood) ? logLikelihood : kNotSet;
+  if (std::isfinite(logLikelihood)) {
+    fit.logLikelihood = logLikelihood;
+  } else {
+    fit.valuesWithoutDensity = CountWithoutDensity(fit.specification, input.sorted);
+  }
   return fit;
 }
 

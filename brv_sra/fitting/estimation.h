@@ -30,8 +30,8 @@ struct SortedSample {
 using Poll = std::function<void()>;
 
 // The estimate of one distribution: values in catalogue order, log-likelihood, and standard errors with
-// covariance where the distribution has them; no tests. The triangular log-likelihood leaves out
-// the values at the extremes; any other is kNotSet where a value lies outside the fitted support.
+// covariance where the distribution has them; no tests. Where values have density 0, as the extremes have
+// under every triangular fit, they are counted and there is no log-likelihood.
 DistributionFit EstimateContinuous(DistributionCode code, const SortedSample& sample,
                                    const ContinuousSpecification& specification, const Poll& poll);
 DistributionFit EstimateDiscrete(DistributionCode code, const SortedSample& sample,

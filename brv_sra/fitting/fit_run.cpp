@@ -77,6 +77,11 @@ double BestKolmogorovSmirnovPValue(std::span<const DistributionFit> fits) {
   return best;
 }
 
+void Rank(VariableFit& fit, RankingCriterion criterion, bool contradictedLast) {
+  fit.contradictedLast = contradictedLast;
+  fit.ranked = RankFits(fit.fits, {criterion, fit.moments.count, contradictedLast});
+}
+
 // A continuous variable without spread (a single value included) has nothing to fit.
 void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& specification,
                            const FitSpecification& all, const Poll& poll) {
@@ -92,7 +97,7 @@ void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& sp
     return Fail(fit, std::move(fault));
   }
   fit.fits = *std::move(fits);
-  fit.ranked = RankFits(fit.fits, all.continuousCriterion);
+  Rank(fit, all.continuousCriterion, all.contradictedLast);
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 
@@ -103,7 +108,7 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   if (fit.invalid) return;
   SortAscending(read.values);
   fit.fits = FitDiscreteDistributions({read.values, fit.moments}, specification, all.binning, poll);
-  fit.ranked = RankFits(fit.fits, all.discreteCriterion);
+  Rank(fit, all.discreteCriterion, all.contradictedLast);
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);
 }
 

@@ -21,7 +21,13 @@ enum class DeletionMode : std::int32_t {
   kCasewise = 2   // a case missing in any selected variable is dropped for all
 };
 
-enum class RankingCriterion : std::int32_t { kKolmogorovSmirnov = 1, kChiSquare = 2, kAndersonDarling = 3 };
+enum class RankingCriterion : std::int32_t {
+  kKolmogorovSmirnov = 1,
+  kChiSquare = 2,
+  kAndersonDarling = 3,
+  kAkaike = 4,
+  kBayes = 5
+};
 
 enum class ChiSquareBinning : std::int32_t { kEqualProbabilities = 0, kEqualIntervals = 1 };
 
@@ -67,6 +73,8 @@ struct FitSpecification {
   RankingCriterion continuousCriterion = RankingCriterion::kKolmogorovSmirnov;
   RankingCriterion discreteCriterion = RankingCriterion::kKolmogorovSmirnov;
   ChiSquareBinning binning = ChiSquareBinning::kEqualProbabilities;
+  // Whether fits that the data contradict rank behind all others and are no default for saving.
+  bool contradictedLast = false;
   // Samples of the parametric bootstrap per distribution, 0 for none, and where its random numbers start.
   std::int32_t bootstrapSamples = 0;
   std::int32_t bootstrapSeed = 1;
@@ -103,14 +111,17 @@ struct DistributionFit {
   std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
   std::vector<double> covariance;      // of the values, row by row, or none
   int estimatedParameters = 0;         // how many of the values the data determined
-  // At the values; kNotSet also where a value of the sample lies outside the fitted support.
+  // At the values; kNotSet also where a value of the sample has density 0.
   double logLikelihood = kNotSet;
+  std::int64_t valuesWithoutDensity = 0;  // of the sample: those at which the density is 0
   TestResult kolmogorovSmirnov;
   ChiSquareResult chiSquare;
   TestResult andersonDarling;  // continuous types only
   BootstrapResult bootstrap;
 
   bool IsValid() const { return !specification.values.empty() && !IsNotSet(specification.values.front()); }
+  // The sample cannot have come from this distribution.
+  bool IsContradicted() const { return valuesWithoutDensity > 0; }
   // Akaike (1974) and Schwarz (1978), smaller is better; kNotSet without a log-likelihood.
   double Aic() const;
   double Bic(std::int64_t count) const;
@@ -135,6 +146,7 @@ struct VariableFit {
   std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
+  bool contradictedLast = false;         // as the specification had it
   // The largest Kolmogorov-Smirnov p-value among the fits; kNotSet without one.
   double bestKolmogorovSmirnovPValue = kNotSet;
   SaveSettings saving;

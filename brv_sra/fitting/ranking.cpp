@@ -1,35 +1,53 @@
 #include "brv_sra/fitting/ranking.h"
 
 #include <cmath>
+#include <cstdint>
 #include <map>
+#include <utility>
 
 namespace brenvolt::sra {
 namespace {
 
-double StatisticOf(const DistributionFit& fit, RankingCriterion criterion) {
-  switch (criterion) {
+// A smaller one comes first.
+enum class Standing : std::uint8_t { kRanked, kWithoutStatistic, kContradicted, kFailed };
+
+double StatisticOf(const DistributionFit& fit, const Ranking& ranking) {
+  switch (ranking.criterion) {
     case RankingCriterion::kChiSquare:
       return fit.chiSquare.statistic;
     case RankingCriterion::kAndersonDarling:
       return fit.andersonDarling.statistic;
+    case RankingCriterion::kAkaike:
+      return fit.Aic();
+    case RankingCriterion::kBayes:
+      return fit.Bic(ranking.count);
     case RankingCriterion::kKolmogorovSmirnov:
       break;
   }
   return fit.kolmogorovSmirnov.statistic;
 }
 
+bool IsByStanding(const Ranking& ranking) {
+  return ranking.contradictedLast || ranking.criterion == RankingCriterion::kAkaike ||
+         ranking.criterion == RankingCriterion::kBayes;
+}
+
 // No key is a NaN, which has no place in an order.
-double RankingKey(const DistributionFit& fit, RankingCriterion criterion) {
-  const double statistic = StatisticOf(fit, criterion);
+std::pair<Standing, double> RankingKey(const DistributionFit& fit, const Ranking& ranking) {
+  const double statistic = StatisticOf(fit, ranking);
   const bool hasKey = fit.IsValid() && !IsNotSet(statistic) && !std::isnan(statistic);
-  return hasKey ? statistic : kInvalidRankingKey;
+  const double key = hasKey ? statistic : kInvalidRankingKey;
+  if (!IsByStanding(ranking)) return {Standing::kRanked, key};
+  if (!fit.IsValid()) return {Standing::kFailed, key};
+  if (fit.IsContradicted()) return {Standing::kContradicted, key};
+  return {hasKey ? Standing::kRanked : Standing::kWithoutStatistic, key};
 }
 
 }  // namespace
 
-std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, RankingCriterion criterion) {
-  std::multimap<double, std::size_t> order;
-  for (std::size_t i = 0; i < fits.size(); ++i) order.emplace(RankingKey(fits[i], criterion), i);
+std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, const Ranking& ranking) {
+  std::multimap<std::pair<Standing, double>, std::size_t> order;
+  for (std::size_t i = 0; i < fits.size(); ++i) order.emplace(RankingKey(fits[i], ranking), i);
   std::vector<std::size_t> ranked;
   for (const auto& [key, index] : order) ranked.push_back(index);
   return ranked;

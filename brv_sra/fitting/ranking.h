@@ -1,4 +1,4 @@
-// The order of a variable's fitted distributions by the chosen test.
+// The order of a variable's fitted distributions by the chosen test or information criterion.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +13,23 @@ namespace brenvolt::sra {
 // The key of a fit that failed or has no statistic for the criterion.
 inline constexpr double kInvalidRankingKey = 1000.0;
 
+// By what fits are ranked, and of how many values they are.
+struct Ranking {
+  RankingCriterion criterion = RankingCriterion::kKolmogorovSmirnov;
+  std::int64_t count = 0;
+  bool contradictedLast = false;
+};
+
 // Indices into `fits`, best first: ascending by the criterion's statistic, not its p-value; equal keys in the
-// order of `fits`. A fit that failed or has no statistic takes kInvalidRankingKey. No Kolmogorov-Smirnov
-// statistic reaches that key; a chi-square or Anderson-Darling statistic of a fit far from much data may
-// exceed it and then comes after the failed fits.
-std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, RankingCriterion criterion);
+// order of `fits`.
+//
+// By the tests, unless contradicted fits come last, a fit that failed or has no statistic takes
+// kInvalidRankingKey. No Kolmogorov-Smirnov statistic reaches that key; a chi-square or Anderson-Darling
+// statistic of a fit far from much data may exceed it and then comes after the failed fits.
+//
+// By an information criterion, and wherever contradicted fits come last, the order is: fits with a statistic,
+// those without, those that the data contradict, those that failed.
+std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, const Ranking& ranking);
 
 // The fit to save unless the person chooses another: the best-ranked one that is valid. Nothing if none
 // is.

@@ -46,18 +46,22 @@ bool IsBound(double value) {
   return std::isfinite(value) && !IsNotSet(value);
 }
 
+bool IsLastResort(const VariableFit& variable, const DistributionFit& fit) {
+  return fit.specification.code == DistributionCode::kHistogram ||
+         (variable.contradictedLast && fit.IsContradicted());
+}
+
 }  // namespace
 
 std::vector<std::size_t> DefaultOrder(const VariableFit& variable) {
   std::vector<std::size_t> order;
-  std::vector<std::size_t> histograms;
+  std::vector<std::size_t> lastResorts;
   for (const std::size_t index : variable.ranked) {
     const DistributionFit& fit = variable.fits[index];
     if (!fit.IsValid()) continue;
-    const bool histogram = fit.specification.code == DistributionCode::kHistogram;
-    (histogram ? histograms : order).push_back(index);
+    (IsLastResort(variable, fit) ? lastResorts : order).push_back(index);
   }
-  return order.empty() ? histograms : order;
+  return order.empty() ? lastResorts : order;
 }
 
 std::vector<std::size_t> SavedOrder(const VariableFit& variable) {

@@ -157,8 +157,8 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 106U);
-  EXPECT_EQ(put, 84U);
+  EXPECT_EQ(read, 111U);
+  EXPECT_EQ(put, 89U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }
 

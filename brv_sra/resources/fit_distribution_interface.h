@@ -12,9 +12,9 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-// BootstrapSamples and BootstrapSeed are younger than the members before, whose numbers stand in recorded
+// BootstrapSamples and those behind it are younger than the members before, whose numbers stand in recorded
 // macros.
-inline constexpr std::array<MemberDescription, 40> kMembers{{
+inline constexpr std::array<MemberDescription, 45> kMembers{{
     Property("Variables", 0x60030000, kText, kVariant,
              "Both lists of variables: their numbers, continuous ones before a bar, discrete ones behind it "
              "(\"1-3 | 5\"). Takes such a text, or an array of two arrays of numbers."),
@@ -161,6 +161,21 @@ inline constexpr std::array<MemberDescription, 40> kMembers{{
              "How many bootstrap samples judge each fit; 0 for none."),
     Property("BootstrapSeed", 0x6003004e, kInteger, kInteger,
              "Where the random numbers of the bootstrap start: 0 or more."),
+    Property("ContinuousAkaikeCriterion", 0x60030050, kInteger, kInteger,
+             "Whether fits of continuous variables are ranked by Akaike's information criterion. Putting true "
+             "chooses it; putting false changes nothing."),
+    Property("ContinuousBayesCriterion", 0x60030052, kInteger, kInteger,
+             "Whether fits of continuous variables are ranked by the Bayesian information criterion. Putting "
+             "true chooses it; putting false changes nothing."),
+    Property("DiscreteAkaikeCriterion", 0x60030054, kInteger, kInteger,
+             "Whether fits of discrete variables are ranked by Akaike's information criterion. Putting true "
+             "chooses it; putting false changes nothing."),
+    Property("DiscreteBayesCriterion", 0x60030056, kInteger, kInteger,
+             "Whether fits of discrete variables are ranked by the Bayesian information criterion. Putting "
+             "true chooses it; putting false changes nothing."),
+    Property("ContradictedFitsLast", 0x60030058, kInteger, kBoolean,
+             "Whether fits that give a value of the data density 0 are ranked behind all others, and saved "
+             "only where an order names them or no other fit is valid."),
 }};
 
 }  // namespace fit_distribution_interface

@@ -548,4 +548,8 @@ inline constexpr std::int32_t kNoteNoMaximum = 21154;
 inline constexpr std::int32_t kNoteNearSpike = 21155;
 inline constexpr std::int32_t kNoteJohnsonBootstrap = 21156;
 
+// Fits: what goes beyond the texts above.
+inline constexpr std::int32_t kTitleRankedByAkaike = 21100;
+inline constexpr std::int32_t kTitleRankedByBayes = 21101;
+
 }  // namespace brenvolt::sra

@@ -679,6 +679,10 @@ constexpr auto kStrings = std::to_array<StringResource>({
      "component %s describes some %s values that lie close together, rather than the distribution"},
     {kNoteJohnsonBootstrap,
      "the bootstrap does not hold for moments: its p-values may be far too small or too large"},
+    // Fits: what goes beyond the texts above.
+    {kTitleRankedByAkaike, "Ranked by: AIC"},
+    {kTitleRankedByBayes, "Ranked by: BIC"},
+    {"without_density"_column.heading, "Values of density 0"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -58,6 +58,8 @@ inline constexpr ResultColumn kTests[] = {{"ks", "/kolmogorovSmirnov/statistic",
 inline constexpr ResultColumn kLikelihood[] = {{"log_likelihood", "/logLikelihood", 20754},
                                                {"aic", "/aic", 20833, kInformation},
                                                {"bic", "/bic", 20834, kInformation}};
+inline constexpr ResultColumn kContradiction[] = {
+    {"without_density", "/valuesWithoutDensity", 21102, kCount}};
 inline constexpr ResultColumn kBootstrap[] = {
     {"bootstrap_ks_p", "/bootstrap/kolmogorovSmirnov", 20836, kPValue},
     {"bootstrap_chi_square_p", "/bootstrap/chiSquare", 20837, kPValue},
@@ -152,7 +154,7 @@ consteval const ResultColumn& operator""_column(const char* text, std::size_t le
     (searchGroup(groups), ...);
   };
   using namespace result_columns;
-  search(kOthers, kMoments, kTests, kLikelihood, kBootstrap, kCorrelations, kEstimates, kFrequencies,
+  search(kOthers, kMoments, kTests, kLikelihood, kContradiction, kBootstrap, kCorrelations, kEstimates, kFrequencies,
          kSensitivity, kDefects, kCapability, kCapabilityByPercentiles, kObserved);
   if (found == nullptr) throw std::invalid_argument("no column of this identifier");
   return *found;

@@ -53,9 +53,13 @@ std::string FittedTypeNames() {
 
 const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},
                         {"chi-square", "ContinuousChiSquareTest"},
-                        {"anderson-darling", "ContinuousAndersonDarlingTest"}};
+                        {"anderson-darling", "ContinuousAndersonDarlingTest"},
+                        {"aic", "ContinuousAkaikeCriterion"},
+                        {"bic", "ContinuousBayesCriterion"}};
 const Choices kDiscreteCriteria{{"ks", "DiscreteKolmogorovSmirovTest"},
-                                {"chi-square", "DiscreteChiSquareTest"}};
+                                {"chi-square", "DiscreteChiSquareTest"},
+                                {"aic", "DiscreteAkaikeCriterion"},
+                                {"bic", "DiscreteBayesCriterion"}};
 const Choices kBinnings{{"equal-probability", "EqualProbability"}, {"equal-interval", "EqualInterval"}};
 const Choices kDeletions{{"pairwise", "IsPairwise"}, {"casewise", "IsCasewise"}};
 const Choices kSimulationMethods{{"monte-carlo", "MonteCarloMethod"},

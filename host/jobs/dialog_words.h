@@ -28,7 +28,7 @@ const FittedType* FindFittedType(std::string_view name);
 // All names, separated by commas.
 std::string FittedTypeNames();
 
-// Of the fit specification: the test that ranks continuous and discrete variables, the bins of the chi-square
+// Of the fit specification: by what continuous and discrete variables are ranked, the bins of the chi-square
 // test, and what is left out with a missing value.
 extern const Choices kCriteria;
 extern const Choices kDiscreteCriteria;

@@ -250,6 +250,7 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
   dialog->Put(kCriteria.at(RankedBy(true)), true);
   dialog->Put(kDiscreteCriteria.at(RankedBy(false)), true);
   dialog->Put(kBinnings.at(binning), true);
+  dialog->Put("ContradictedFitsLast", true);
   dialog->Put("BootstrapSamples", AsInteger(bootstrap.value_or(0)));
   dialog->Put("BootstrapSeed", AsInteger(bootstrapSeed.value_or(1)));
   PutDistributions(*dialog, *this, fitted);

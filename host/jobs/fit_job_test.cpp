@@ -49,8 +49,8 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
     Change change;
     const char* fault;
   } cases[] = {
-      {[](FitJob& job) { job.rankBy = "aic"; },
-       "rankBy: expected one of anderson-darling, chi-square, ks; got 'aic'"},
+      {[](FitJob& job) { job.rankBy = "caic"; },
+       "rankBy: expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic'"},
       {[](FitJob& job) { job.missing = ""; }, "missing: expected one of casewise, pairwise; got ''"},
       {[](FitJob& job) { job.discreteRankBy = "ks"; }, "discreteRankBy: no discrete variable is fitted"},
       {[](FitJob& job) {

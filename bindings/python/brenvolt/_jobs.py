@@ -175,7 +175,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     file or project.
     continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
-    rank_by: "ks" (as without), "chi-square" or "anderson-darling"; discrete_rank_by: "ks" or "chi-square".
+    rank_by: "ks" (as without), "chi-square", "anderson-darling", "aic" or "bic"; discrete_rank_by: "ks" (as without),
+    "chi-square", "aic" or "bic". A fit that gives a value density 0 comes last by any.
     binning: of the chi-square test, "equal-probability" or "equal-interval".
     missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
     weights: variable whose whole numbers say how often each case counts. It and select leave a Spreadsheet or
@@ -299,14 +300,15 @@ class FittedVariable:
     @property
     def best(self) -> _distributions.Distribution | None:
         """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
-        ones the first that does not merely repeat the data as a histogram. None where no distribution fits."""
+        ones the first that does not merely repeat the data as a histogram. One that gives a value density 0 only where
+        no other was tried. None where no distribution fits."""
         first = _brenvolt._first_saved(self._result.analysis._analysis, self._place, [fit["name"] for fit in self._fits])
         return None if first is None else self.distributions[first]
 
     @property
     def fits(self) -> pandas.DataFrame:
         """A DataFrame of the fits by rank: distribution, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
-        ad: Anderson-Darling), log-likelihood, AIC and BIC; `reason` says why a fit failed,
+        ad: Anderson-Darling), log-likelihood, AIC and BIC, the number of values of density 0; `reason` says why a fit failed,
         `origin` what its parameters come from ("likelihood", "moments", "percentiles", "extremes"), `note` what speaks
         against it.
 

@@ -166,9 +166,9 @@ class Fits(Folder):
         data = {"x": [1.0, 2, 3, 4], "y": [1.0, 2, 3, 5]}
         cases = [({"distributions": "weibul"}, ValueError, "no distribution called 'weibul'; there are normal"),
                  ({"continuous": "x", "discrete": "x"}, ValueError, "as continuous and as discrete"),
-                 ({"rank_by": "aic"}, ValueError,
-                  r"expected one of anderson-darling, chi-square, ks; got 'aic' \(rank_by\)$"),
-                 ({"rank_by": "aic", "binning": "x", "save": "p.csv"}, ValueError,
+                 ({"rank_by": "caic"}, ValueError,
+                  r"expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic' \(rank_by\)$"),
+                 ({"rank_by": "caic", "binning": "x", "save": "p.csv"}, ValueError,
                   r"\(rank_by\)\n.*\(binning\)\n.*ending in .bvw, got p.csv \(save\)$"),
                  ({"continuous": "z"}, ValueError, "no variable called 'z'"),
                  ({"select": "x >"}, ValueError, "selection condition"),

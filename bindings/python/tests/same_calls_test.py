@@ -22,7 +22,7 @@ DATA = {"x": [1.0, 2, 3, 4, 7], "n": [1.0, 2, 0, 5, 1], "w": [1.0, 2, 1, 1, 1]}
 
 # Calls of fit() over DATA, and the message for each: a fault of the call by its end, one of the data as a whole.
 REFUSED_FITS = (
-    ({"rank_by": "aic"}, "expected one of anderson-darling, chi-square, ks; got 'aic' (rank_by)"),
+    ({"rank_by": "likelihood"}, "one of aic, anderson-darling, bic, chi-square, ks; got 'likelihood' (rank_by)"),
     ({"discrete": ["n"], "discrete_rank_by": "anderson-darling"}, "got 'anderson-darling' (discrete_rank_by)"),
     ({"binning": "equal"}, "expected one of equal-interval, equal-probability; got 'equal' (binning)"),
     ({"missing": "never"}, "expected one of casewise, pairwise; got 'never' (missing)"),
@@ -68,7 +68,7 @@ REFUSED_FITS = (
     ({"save": "p.bvw", "order": {"x": ["weibul"]}}, "bernoulli, histogram (order)"),
     ({"save": "p.bvw", "order": {"x": ["weibull"]}, "distributions": ["gev"]}, "weibull distribution is not tried"
                                                                                " (order)"),
-    ({"rank_by": "aic", "mixtures": {"x": 0.5}, "bootstrap": 0}, "got 0 (bootstrap)"),
+    ({"rank_by": "caic", "mixtures": {"x": 0.5}, "bootstrap": 0}, "got 0 (bootstrap)"),
 )
 # Calls of simulate() over the fits of DATA.
 REFUSED_SIMULATIONS = (
@@ -104,6 +104,8 @@ REFUSED_PROFILES = (
 # Calls of fit() over an example.
 FITS = (
     ("groundbeef", {}),
+    ("groundbeef", {"rank_by": "aic"}),
+    ("toxocara", {"discrete": ["number"], "discrete_rank_by": "bic"}),
     ("faithful", {"rank_by": "anderson-darling", "binning": "equal-interval", "distributions": ["weibull", "gev"],
                   "offsets": {"eruptions": {"Weibull": 1}}}),
     ("faithful", {"mixtures": {"waiting": 3}, "johnson_percentiles": True, "select": "waiting > 60",

@@ -164,6 +164,13 @@ void PutSetting(Dialog& dialog, Indexes, const Variant& value) {
   dialog.Specification().*Field = setting;
 }
 
+Variant GetContradictedLast(Dialog& dialog, Indexes) {
+  return std::int32_t{dialog.Specification().contradictedLast ? 1 : 0};
+}
+void PutContradictedLast(Dialog& dialog, Indexes, const Variant& value) {
+  dialog.Specification().contradictedLast = value.ToBoolean();
+}
+
 using enum RankingCriterion;
 using enum ChiSquareBinning;
 constexpr auto kContinuousRank = &FitSpecification::continuousCriterion;
@@ -171,7 +178,7 @@ constexpr auto kDiscreteRank = &FitSpecification::discreteCriterion;
 constexpr auto kBins = &FitSpecification::binning;
 
 // What is not one of each distribution.
-constexpr std::array<Member, 18> kOwnMembers{{
+constexpr std::array<Member, 23> kOwnMembers{{
     Member{"Variables", GetLists, PutLists}.SaidByOthers(),
     Option<kContinuousRank, kKolmogorovSmirnov>("ContinuousKolmogorovSmirovTest"),
     Option<kContinuousRank, kChiSquare>("ContinuousChiSquareTest"),
@@ -192,6 +199,11 @@ constexpr std::array<Member, 18> kOwnMembers{{
      PutSetting<&FitSpecification::bootstrapSamples>},
     {"BootstrapSeed", GetSetting<&FitSpecification::bootstrapSeed>,
      PutSetting<&FitSpecification::bootstrapSeed>},
+    Option<kContinuousRank, kAkaike>("ContinuousAkaikeCriterion"),
+    Option<kContinuousRank, kBayes>("ContinuousBayesCriterion"),
+    Option<kDiscreteRank, kAkaike>("DiscreteAkaikeCriterion"),
+    Option<kDiscreteRank, kBayes>("DiscreteBayesCriterion"),
+    {"ContradictedFitsLast", GetContradictedLast, PutContradictedLast},
 }};
 
 constexpr bool IsJoined(std::string_view name, std::string_view head, std::string_view middle,

@@ -71,6 +71,11 @@ TEST_F(FitDialog, EveryMemberKeepsItsNumberAndGivesBackWhatWasPut) {
       {"FitJohnsonByPercentile", 0x6003004a, true, onOff, oneZero},
       {"BootstrapSamples", 0x6003004c, false, {0, 999}, {"0", "999"}},
       {"BootstrapSeed", 0x6003004e, false, {0, 2147483647}, {"0", "2147483647"}},
+      {"ContinuousAkaikeCriterion", 0x60030050, false, {1}, {"1"}},
+      {"ContinuousBayesCriterion", 0x60030052, false, {1}, {"1"}},
+      {"DiscreteAkaikeCriterion", 0x60030054, false, {1}, {"1"}},
+      {"DiscreteBayesCriterion", 0x60030056, false, {1}, {"1"}},
+      {"ContradictedFitsLast", 0x60030058, false, {true, false}, {"1", "0"}},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(Automation().FindMember(row.name), row.id) << row.name;

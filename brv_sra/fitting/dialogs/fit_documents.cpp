@@ -22,6 +22,10 @@ std::string RankingTitle(RankingCriterion criterion) {
       return std::string(ResourceString(kTitleRankedByChiSquare));
     case RankingCriterion::kAndersonDarling:
       return std::string(ResourceString(kTitleRankedByAndersonDarling));
+    case RankingCriterion::kAkaike:
+      return std::string(ResourceString(kTitleRankedByAkaike));
+    case RankingCriterion::kBayes:
+      return std::string(ResourceString(kTitleRankedByBayes));
     case RankingCriterion::kKolmogorovSmirnov:
       break;
   }
@@ -63,6 +67,10 @@ constexpr FitColumn kFitColumns[] = {
     {"aic"_column, [](const VariableFit&, const DistributionFit& fit) { return fit.Aic(); }},
     {"bic"_column,
      [](const VariableFit& variable, const DistributionFit& fit) { return fit.Bic(variable.moments.count); }},
+    {"without_density"_column,
+     [](const VariableFit&, const DistributionFit& fit) {
+       return fit.IsValid() ? static_cast<double>(fit.valuesWithoutDensity) : kNotSet;
+     }},
     {"offset"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.specification.offset; }}};
 

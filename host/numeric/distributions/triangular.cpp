@@ -77,9 +77,7 @@ struct FormulasOf<Triangular> {
   static EstimateResult Estimate(const EstimationInput& input) {
     const auto fit = EstimateTriangular(input.sorted, input.poll);
     if (!fit) return fit.Reason();
-    auto estimate = EstimateOfValues({fit->minimum, fit->maximum, fit->mode}, EstimateOrigin::kExtremes);
-    estimate.logLikelihood = fit->logLikelihood;
-    return estimate;
+    return EstimateOfValues({fit->minimum, fit->maximum, fit->mode}, EstimateOrigin::kExtremes);
   }
 };
 

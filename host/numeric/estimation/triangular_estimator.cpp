@@ -100,16 +100,6 @@ class Likelihood {
     return top >= kLeastDensity ? sum + static_cast<double>(above - below) * LogTop() : sum;
   }
 
-  // Over every value of positive density, however small; kNotSet without one.
-  double OverAllPositive(double c) const {
-    const std::size_t below = Place(std::ranges::lower_bound(sorted_, c));
-    const std::size_t above = Place(std::ranges::upper_bound(sorted_, c));
-    const std::size_t first = std::min(below, Place(std::ranges::upper_bound(sorted_, a_)));
-    const std::size_t last = std::max(above, Place(std::ranges::lower_bound(sorted_, b_)));
-    if (first == last) return kNotSet;
-    return SumOfSides(c, {first, below, above, last}) + static_cast<double>(above - below) * LogTop();
-  }
-
  private:
   // Places in the sorted values: [first, below) count on the left of the mode, [above, last) on its right.
   struct Sides {
@@ -211,8 +201,7 @@ EstimationResult<TriangularEstimate> EstimateTriangular(std::span<const double> 
   const double b = sorted.back();
   if (!std::isfinite(b - a)) return Fault{EstimationFault::kNotFinite};
   const Likelihood likelihood(sorted);
-  const double mode = RefineMode(a, b, ScanForMode(sorted, likelihood, poll), likelihood, poll);
-  return TriangularEstimate{a, b, mode, likelihood.OverAllPositive(mode)};
+  return TriangularEstimate{a, b, RefineMode(a, b, ScanForMode(sorted, likelihood, poll), likelihood, poll)};
 }
 
 }  // namespace brenvolt

@@ -13,18 +13,16 @@ struct TriangularEstimate {
   double minimum = kNotSet;
   double maximum = kNotSet;
   double mode = kNotSet;
-  // At the mode, over the values whose density is positive, whatever the units: all but those at the two
-  // extremes, whose density is 0 and with which it would be -infinity. kNotSet where no value is left.
-  double logLikelihood = kNotSet;
 };
 
 // Minimum and maximum are the extremes of `sorted` (ascending, finite); the mode is searched: a scan over
 // about a hundred midpoints between distinct values, then a shrinking bracket around the best of them, until
-// the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. For the
-// search alone a value counts only where its density is 1e-10 or more, so that the mode depends on the units
-// of the data: where the range exceeds 2e10, no value counts and the first candidate is kept. `poll` is
-// called between candidates and may throw. kNoSpread where the extremes are equal within 15 units in the last
-// place, kNotFinite where their distance overflows.
+// the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. In the search a
+// value counts only where its density is 1e-10 or more, so that the mode depends on the units of the data:
+// where the range exceeds 2e10, no value counts and the first candidate is kept. The values at the extremes
+// have density 0 wherever the mode lies between them: the likelihood of the whole sample is 0, and has no
+// maximum. `poll` is called between candidates and may throw. kNoSpread where the extremes are equal within 15
+// units in the last place, kNotFinite where their distance overflows.
 //
 // A candidate costs O(log n) and the logarithms of some hundred values, from running sums over blocks; memory
 // is n / 64 reals.

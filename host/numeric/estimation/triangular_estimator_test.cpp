@@ -40,18 +40,6 @@ struct Plain {
     return static_cast<double>(sum);
   }
 
-  double ReportedLogLikelihood(double c) const {
-    long double sum = 0;
-    bool isAny = false;
-    for (const double x : data) {
-      const double f = Density(x, c);
-      if (!(f > 0)) continue;
-      sum += std::log(f);
-      isAny = true;
-    }
-    return isAny ? static_cast<double>(sum) : kNotSet;
-  }
-
   double Scan() const {
     const std::set<double> distinct(data.begin(), data.end());
     const std::size_t step = distinct.size() > 100 ? distinct.size() / 100 : 1;
@@ -143,8 +131,6 @@ TEST(TriangularFit, AgreesWithTheDirectEvaluation) {
         EXPECT_EQ(fit.minimum, plain.a);
         EXPECT_EQ(fit.maximum, plain.b);
         EXPECT_NEAR(fit.mode, mode, 1e-7 * (plain.b - plain.a)) << count << " of kind " << kind;
-        EXPECT_NEAR(fit.logLikelihood, plain.ReportedLogLikelihood(fit.mode),
-                    1e-12 * static_cast<double>(count) * (1 + std::abs(std::log(plain.b - plain.a))));
         ++compared;
       }
     }
@@ -157,22 +143,6 @@ TEST(TriangularFit, SearchSkipsValuesOfVanishingDensityAndDoesNotPenaliseThem) {
   const std::vector<double> data{0, 1e12, 2e12, 4e12};
   const TriangularEstimate fit = Estimate(data);
   EXPECT_DOUBLE_EQ(fit.mode, Plain(data).Mode());
-}
-
-// A log-likelihood of 0, because no density reaches 1e-10, would beat every other fit.
-TEST(TriangularFit, LogLikelihoodCountsEveryPositiveDensityInAnyUnits) {
-  for (const double unit : {1.0, 1e12, 1e300, 1e-300}) {
-    SCOPED_TRACE(unit);
-    std::vector<double> data;
-    for (const double x : {0.0, 0.0, 1.0, 2.0, 4.0}) data.push_back(x * unit);
-    const TriangularEstimate fit = Estimate(data);
-    const double mode = fit.mode / unit;
-    const auto logDensity = [mode](double x) {
-      return std::log(0.5 * (x < mode ? x / mode : (4 - x) / (4 - mode)));
-    };
-    EXPECT_NEAR(fit.logLikelihood, logDensity(1) + logDensity(2) - 2 * std::log(unit), 1e-11);
-  }
-  EXPECT_TRUE(IsNotSet(Estimate({1, 1, 5}).logLikelihood)) << "no value between the extremes";
 }
 
 TEST(TriangularFit, SearchEndsWhateverTheScale) {
