@@ -146,15 +146,27 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
   EXPECT_EQ(variables[1]["reason"], "all values equal");
   EXPECT_TRUE(variables[0]["reason"].is_null());
   EXPECT_EQ(variables[2]["rankedBy"], "chi-square");
-  const std::vector<std::string> keys{"aic",           "andersonDarling",
-                                      "bic",           "bootstrap",
-                                      "chiSquare",     "code",
-                                      "covariance",    "description",
-                                      "distribution",  "kolmogorovSmirnov",
-                                      "logLikelihood", "note",
-                                      "offset",        "origin",
-                                      "parameters",    "rank",
-                                      "reason",        "standardErrors",
+  const std::vector<std::string> keys{"aic",
+                                      "andersonDarling",
+                                      "bic",
+                                      "bootstrap",
+                                      "chiSquare",
+                                      "code",
+                                      "covariance",
+                                      "description",
+                                      "distribution",
+                                      "firstInfiniteMoment",
+                                      "kolmogorovSmirnov",
+                                      "logLikelihood",
+                                      "note",
+                                      "offset",
+                                      "origin",
+                                      "parameters",
+                                      "probabilityAboveZero",
+                                      "probabilityBelowZero",
+                                      "rank",
+                                      "reason",
+                                      "standardErrors",
                                       "valuesWithoutDensity"};
   for (const Json& variable : variables) {
     for (const Json& fit : variable["fits"]) {
@@ -201,7 +213,8 @@ TEST_F(Command, ColumnThatFailsLeavesTheOthersAndSaysWhy) {
 // General Pareto from moments may end among them. Neither is to be simulated unless someone asks for it.
 TEST_F(Command, FitsThatTheDataContradictRankLastAndAreSavedOnlyByName) {
   for (const char* criterion : {"ks", "chi-square", "anderson-darling", "aic", "bic"}) {
-    for (const char* file : {"groundbeef", "portpirie_sea_level", "faithful", "danish_fire_losses", "ozone"}) {
+    for (const char* file :
+         {"groundbeef", "portpirie_sea_level", "faithful", "danish_fire_losses", "ozone"}) {
       SCOPED_TRACE(std::string(criterion) + " of " + file);
       const auto report = JsonOf({"fit", kExamples + file + ".csv", "--rank-by", criterion});
       for (const Json& variable : report["variables"]) {
@@ -232,7 +245,44 @@ TEST_F(Command, FitsThatTheDataContradictRankLastAndAreSavedOnlyByName) {
   EXPECT_EQ(order({"--distributions", "triangular"}), "Triangular;") << "the only one that was asked for";
   EXPECT_EQ(order({"--order", "sealevel=triangular,normal"}), "Triangular;Normal;");
   const std::string table = MustRun({"fit", kExamples + "portpirie_sea_level.csv", "--rank-by", "bic"}).out;
-  EXPECT_NE(table.find("density 0 at 2 of 65 values: ranked last\n"), std::string::npos) << table;
+  EXPECT_NE(table.find("density 0 at 2 of 65 values\n"), std::string::npos) << table;
+}
+
+// Positive data whose best fit is not: the report says so, and what to take instead.
+TEST_F(Command, BestFitThatLeavesTheDataIsReportedWithTheOneToTakeInstead) {
+  std::string data = "x,y\n";
+  for (int i = 1; i <= 40; ++i) {
+    const double p = (i - 0.5) / 40;
+    data += std::to_string(2.3 + std::log(p / (1 - p)) / 2) + "," +
+            std::to_string(std::pow(1 - p, -0.8) - 0.9) + "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  const std::vector<std::string> call{"fit", "d.csv", "--distributions", "normal,weibull,generalpareto"};
+  auto json = call;
+  const auto variables = JsonOf(json)["variables"];
+  ASSERT_EQ(variables[0]["cautions"].size(), 1U) << variables[0];
+  const Json& below = variables[0]["cautions"][0];
+  EXPECT_EQ(below["kind"], "below-zero");
+  EXPECT_EQ(below["distribution"], "Normal");
+  EXPECT_EQ(below["distribution"], variables[0]["best"]);
+  EXPECT_EQ(below["instead"], "Weibull");
+  EXPECT_EQ(below["probability"], FitOf(variables[0], "Normal")["probabilityBelowZero"]);
+  EXPECT_NEAR(below["probability"], 0.0044, 0.0005);
+  const Json& heavy = variables[1]["cautions"][0];
+  EXPECT_EQ(heavy["kind"], "infinite-variance");
+  EXPECT_EQ(heavy["instead"], "Weibull");
+  EXPECT_EQ(FitOf(variables[1], "General Pareto")["firstInfiniteMoment"], 2);
+  EXPECT_TRUE(FitOf(variables[1], "Weibull")["firstInfiniteMoment"].is_null());
+  const std::string table = MustRun(call).out;
+  for (const Json* caution : {&below, &heavy}) {
+    std::string message = (*caution)["message"];
+    message.replace(message.find("; "), 2, ";\n    ");
+    EXPECT_NE(table.find("  caution: " + message + "\n"), std::string::npos) << table;
+  }
+  auto bounded = call;
+  bounded.insert(bounded.end(), {"--save", "p.bvw", "--truncate", "x=0:", "--truncate", "y=:100"});
+  for (const Json& variable : JsonOf(bounded)["variables"])
+    EXPECT_EQ(variable["cautions"], Json::array()) << "within the bounds that are saved with it";
 }
 
 TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {

@@ -33,7 +33,7 @@ Json FitJson(const FittedDistribution& fit, std::size_t rank) {
                {"standardErrors", ListOrNull(fit.standardErrors)},
                {"covariance", ListOrNull(fit.covariance)}};
   AddNumbers(fit.statistics, kLikelihood, json);
-  AddNumbers(fit.statistics, kContradiction, json);
+  AddNumbers(fit.statistics, kReservations, json);
   AddNumbers(fit.statistics, kTests, json);
   json["bootstrap"] = nullptr;
   if (!fit.IsBootstrapped()) return json;
@@ -44,6 +44,18 @@ Json FitJson(const FittedDistribution& fit, std::size_t rank) {
 
 }  // namespace
 
+Json CautionsJson(const std::vector<FitCaution>& cautions) {
+  Json list = Json::array();
+  for (const FitCaution& caution : cautions) {
+    list.push_back({{"kind", caution.Name()},
+                    {"distribution", caution.fit},
+                    {"probability", NumberJson(caution.probability)},
+                    {"instead", caution.instead.empty() ? Json(nullptr) : Json(caution.instead)},
+                    {"message", caution.Text()}});
+  }
+  return list;
+}
+
 Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   Json json = {{"name", variable.name}, {"kind", variable.isContinuous ? "continuous" : "discrete"}};
   AddNumbers(variable.moments, kMoments, json);
@@ -53,6 +65,9 @@ Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   for (const FittedDistribution& fit : variable.fits) {
     json["fits"].push_back(FitJson(fit, json["fits"].size() + 1));
   }
+  const FittedDistribution* best = variable.Best();
+  json["best"] = best != nullptr ? Json(best->name) : Json(nullptr);
+  json["cautions"] = CautionsJson(variable.Cautions());
   return json;
 }
 

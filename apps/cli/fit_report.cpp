@@ -109,7 +109,7 @@ class RankingText {
     }
     if (fit.statistics.Number("without_density"_column) > 0) {
       lines.push_back("  density 0 at " + Cell(fit.statistics, "without_density"_column) + " of " + count_ +
-                      " values: ranked last");
+                      " values");
     }
     std::vector<std::string> cells{std::to_string(rank_), lines.front(),
                                    Cell(fit.statistics, criterion_.statistic)};
@@ -153,7 +153,8 @@ std::string VariableText(const FittedVariable& variable, const std::string& rank
           cell("skewness"_column) + ", kurtosis " + cell("kurtosis"_column) + ", range " +
           cell("minimum"_column) + " to " + cell("maximum"_column) + "\n";
   if (variable.fits.empty()) return text + "  nothing to fit: " + variable.reason + "\n";
-  return text + "  " + variable.ranking + "\n" + RankingText(variable, rankedBy, bootstrapped).Text();
+  text += "  " + variable.ranking + "\n" + RankingText(variable, rankedBy, bootstrapped).Text();
+  return text + CautionsText(variable.Cautions());
 }
 
 std::string Footnote(const FitReportOptions& options) {
@@ -166,6 +167,17 @@ std::string Footnote(const FitReportOptions& options) {
 }
 
 }  // namespace
+
+// Each begins on a line of its own and goes on behind its semicolon in the next.
+std::string CautionsText(const std::vector<FitCaution>& cautions) {
+  std::string text;
+  for (const FitCaution& caution : cautions) {
+    std::string lines = caution.Text();
+    lines.replace(lines.find("; "), 2, ";\n    ");
+    text += "  caution: " + lines + "\n";
+  }
+  return text;
+}
 
 void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitReportOptions& options) {
   const std::string weights = input.WeightVariable() ? input.VariableAt(*input.WeightVariable()).Name() : "";

@@ -3,9 +3,11 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "apps/cli/data_options.h"
 #include "host/automation/automation_object.h"
+#include "host/jobs/fit_cautions.h"
 
 namespace brenvolt::cli {
 
@@ -16,6 +18,9 @@ struct FitReportOptions {
   std::int32_t bootstrapSamples = 0;
   ReportFormat format = ReportFormat::kTable;
 };
+
+// What speaks against fits that are simulated, for people.
+std::string CautionsText(const std::vector<FitCaution>& cautions);
 
 // Prints the results that the dialog behind `dialog` shows to standard output: per variable its moments and
 // its ranked distributions, as tables or as one JSON object. Says which of the input's cases were used and

@@ -33,7 +33,7 @@ py::dict FitDict(const FittedDistribution& fit) {
   return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
                   "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
                   "origin"_a = fit.origin, "note"_a = fit.note,
-                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kContradiction, kBootstrap}));
+                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kReservations, kBootstrap}));
 }
 
 // What a row is called: by people, or by programs where it is a statistic, or by its number where it is one of a kind.
@@ -84,6 +84,13 @@ py::dict ResponseDict(const ResponseResults& response) {
                   "capability"_a = CapabilityOf(response));
 }
 
+// What speaks against the fit that is simulated.
+std::vector<std::string> TextsOf(const std::vector<FitCaution>& cautions) {
+  std::vector<std::string> texts;
+  for (const FitCaution& caution : cautions) texts.push_back(caution.Text());
+  return texts;
+}
+
 }  // namespace
 
 py::list FitDicts(const std::vector<FittedVariable>& variables) {
@@ -93,7 +100,8 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
     for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
     list.append(py::dict("name"_a = variable.name, "reason"_a = variable.reason,
                          "continuous"_a = variable.isContinuous,
-                         "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits));
+                         "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits,
+                         "cautions"_a = TextsOf(variable.Cautions())));
   }
   return list;
 }

@@ -155,8 +155,7 @@ void ExpectSame(const DistributionFit& fit, const Sample& sample, const Referenc
   const double slack = std::max(1.0, std::abs(reference.logLikelihood)) * tolerance.shortfall;
   EXPECT_GE(logLikelihood, reference.logLikelihood - slack);
   // Of several maxima of a mixture ours may be a higher one, and then is another.
-  if (reference.code == DistributionCode::kGaussianMixture &&
-      logLikelihood > reference.logLikelihood + slack)
+  if (reference.code == DistributionCode::kGaussianMixture && logLikelihood > reference.logLikelihood + slack)
     return;
   const std::vector<double> values = Ordered(fit);
   ASSERT_EQ(values.size(), reference.parameters.size());

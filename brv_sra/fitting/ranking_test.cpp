@@ -51,7 +51,8 @@ TEST(RankingOrder, FitsThatTheDataContradictComeLastByEveryCriterion) {
   DistributionFit rich = Fit(0.2, 7, 2000);
   rich.logLikelihood = -98;
   rich.estimatedParameters = 2;
-  DistributionFit infinite = Fit(0.4, kNotSet, 5);  // a density of the sample that is infinite has no logarithm
+  DistributionFit infinite =
+      Fit(0.4, kNotSet, 5);  // a density of the sample that is infinite has no logarithm
   const std::vector<DistributionFit> fits{failed, contradicted, infinite, simple, rich};
   using enum RankingCriterion;
   const struct {

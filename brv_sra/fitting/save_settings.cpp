@@ -153,6 +153,14 @@ Result<void> CheckTruncation(const VariableFit& variable) {
   return {};
 }
 
+DistributionSpecification Within(const Truncation& truncation, DistributionSpecification specification) {
+  specification.truncateBelow = truncation.below;
+  specification.truncateAbove = truncation.above;
+  specification.truncationMinimum = truncation.minimum;
+  specification.truncationMaximum = truncation.maximum;
+  return specification;
+}
+
 VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined) {
   VariableDistributions distributions;
   distributions.variableNumber = variable.variableNumber;
@@ -166,12 +174,8 @@ VariableDistributions DistributionsToSave(const VariableFit& variable, bool user
       distributions.ranked.push_back(variable.fits[index].specification);
     }
   }
-  for (DistributionSpecification& specification : distributions.ranked) {
-    specification.truncateBelow = distributions.truncation.below;
-    specification.truncateAbove = distributions.truncation.above;
-    specification.truncationMinimum = distributions.truncation.minimum;
-    specification.truncationMaximum = distributions.truncation.maximum;
-  }
+  for (DistributionSpecification& specification : distributions.ranked)
+    specification = Within(distributions.truncation, std::move(specification));
   return distributions;
 }
 

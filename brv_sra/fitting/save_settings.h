@@ -46,6 +46,9 @@ Result<void> SetUserDefinedOrder(VariableFit& variable, std::span<const Distribu
 // stored.
 Result<void> CheckTruncation(const VariableFit& variable);
 
+// A specification within the bounds of a variable.
+DistributionSpecification Within(const Truncation& truncation, DistributionSpecification specification);
+
 // What the writer of variable properties gets.
 VariableDistributions DistributionsToSave(const VariableFit& variable, bool userDefined);
 

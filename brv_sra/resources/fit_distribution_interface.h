@@ -161,9 +161,10 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
              "How many bootstrap samples judge each fit; 0 for none."),
     Property("BootstrapSeed", 0x6003004e, kInteger, kInteger,
              "Where the random numbers of the bootstrap start: 0 or more."),
-    Property("ContinuousAkaikeCriterion", 0x60030050, kInteger, kInteger,
-             "Whether fits of continuous variables are ranked by Akaike's information criterion. Putting true "
-             "chooses it; putting false changes nothing."),
+    Property(
+        "ContinuousAkaikeCriterion", 0x60030050, kInteger, kInteger,
+        "Whether fits of continuous variables are ranked by Akaike's information criterion. Putting true "
+        "chooses it; putting false changes nothing."),
     Property("ContinuousBayesCriterion", 0x60030052, kInteger, kInteger,
              "Whether fits of continuous variables are ranked by the Bayesian information criterion. Putting "
              "true chooses it; putting false changes nothing."),

@@ -683,6 +683,11 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kTitleRankedByAkaike, "Ranked by: AIC"},
     {kTitleRankedByBayes, "Ranked by: BIC"},
     {"without_density"_column.heading, "Values of density 0"},
+    {"below_zero"_column.heading, "Probability below 0"},
+    {"above_zero"_column.heading, "Probability above 0"},
+    {"infinite_moment"_column.heading, "First infinite moment"},
+    {"saved_place"_column.heading, "Place among the saved fits"},
+    {"variable_number"_column.heading, "Variable number"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -40,7 +40,8 @@ inline constexpr ResultColumn kOthers[] = {
     {"covariance", "", 20842}, {"reason", "", 20840},     {"origin", "", 21120},
     {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606},
     {"table_rate", "", 20607}, {"table_ppm", "", 20608},  {"field", "", 20950},
-    {"field_value", "", 20951}};
+    {"field_value", "", 20951},
+    {"saved_place", "", 21106}, {"variable_number", "", 21107}};
 inline constexpr ResultColumn kMoments[] = {
     {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
     {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},
@@ -58,8 +59,12 @@ inline constexpr ResultColumn kTests[] = {{"ks", "/kolmogorovSmirnov/statistic",
 inline constexpr ResultColumn kLikelihood[] = {{"log_likelihood", "/logLikelihood", 20754},
                                                {"aic", "/aic", 20833, kInformation},
                                                {"bic", "/bic", 20834, kInformation}};
-inline constexpr ResultColumn kContradiction[] = {
-    {"without_density", "/valuesWithoutDensity", 21102, kCount}};
+// What speaks against a fit: values of the data of density 0, values of a sign that the data do not have, and
+// the order of the lowest moment that is infinite.
+inline constexpr ResultColumn kReservations[] = {{"without_density", "/valuesWithoutDensity", 21102, kCount},
+                                                 {"below_zero", "/probabilityBelowZero", 21103},
+                                                 {"above_zero", "/probabilityAboveZero", 21104},
+                                                 {"infinite_moment", "/firstInfiniteMoment", 21105, kCount}};
 inline constexpr ResultColumn kBootstrap[] = {
     {"bootstrap_ks_p", "/bootstrap/kolmogorovSmirnov", 20836, kPValue},
     {"bootstrap_chi_square_p", "/bootstrap/chiSquare", 20837, kPValue},
@@ -154,8 +159,8 @@ consteval const ResultColumn& operator""_column(const char* text, std::size_t le
     (searchGroup(groups), ...);
   };
   using namespace result_columns;
-  search(kOthers, kMoments, kTests, kLikelihood, kContradiction, kBootstrap, kCorrelations, kEstimates, kFrequencies,
-         kSensitivity, kDefects, kCapability, kCapabilityByPercentiles, kObserved);
+  search(kOthers, kMoments, kTests, kLikelihood, kReservations, kBootstrap, kCorrelations, kEstimates,
+         kFrequencies, kSensitivity, kDefects, kCapability, kCapabilityByPercentiles, kObserved);
   if (found == nullptr) throw std::invalid_argument("no column of this identifier");
   return *found;
 }

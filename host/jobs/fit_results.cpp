@@ -49,6 +49,8 @@ FittedDistribution TakeFit(ResultRow row) {
   fit.parameters = row.Numbered("parameter"_column);
   fit.offset = row.Number("offset"_column);
   fit.standardErrors = row.Numbered("standard_error"_column);
+  const double place = row.Number("saved_place"_column);
+  if (!std::isnan(place)) fit.savedPlace = static_cast<std::size_t>(place) - 1;
   fit.statistics = std::move(row);
   return fit;
 }
@@ -72,6 +74,16 @@ FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultR
   return variable;
 }
 
+// The saved fits, best first.
+std::vector<const FittedDistribution*> SavedFits(const FittedVariable& variable) {
+  std::vector<const FittedDistribution*> saved(variable.fits.size());
+  for (const FittedDistribution& fit : variable.fits) {
+    if (fit.savedPlace) saved[*fit.savedPlace] = &fit;
+  }
+  std::erase(saved, nullptr);
+  return saved;
+}
+
 }  // namespace
 
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
@@ -81,6 +93,22 @@ std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t var
   const auto first = std::ranges::find(fits, order.substr(0, order.find(';')));
   if (first == fits.end()) return std::nullopt;
   return static_cast<std::size_t>(first - fits.begin());
+}
+
+const FittedDistribution* FittedVariable::Best() const {
+  const auto saved = SavedFits(*this);
+  return saved.empty() ? nullptr : saved.front();
+}
+
+std::vector<FitCaution> FittedVariable::Cautions() const {
+  std::vector<FitReach> reaches;
+  for (const FittedDistribution* fit : SavedFits(*this)) reaches.push_back(ReachIn(fit->statistics));
+  return CautionsAgainstFirst(reaches);
+}
+
+FitReach ReachIn(const ResultRow& row) {
+  return {row.name, row.Number("below_zero"_column), row.Number("above_zero"_column),
+          row.Number("infinite_moment"_column)};
 }
 
 std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances) {

@@ -1,6 +1,7 @@
 // What a fit found, as numbers: read once from the documents of its results dialog.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -10,6 +11,7 @@
 
 #include "host/analysis/result_table.h"
 #include "host/automation/automation_object.h"
+#include "host/jobs/fit_cautions.h"
 
 namespace brenvolt {
 
@@ -24,7 +26,8 @@ struct FittedDistribution {
   double offset = 0;                   // NaN where the distribution has none
   std::vector<double> standardErrors;  // one per parameter, or none
   std::vector<std::vector<double>> covariance;  // of the parameters, or none
-  ResultRow statistics;                         // tests, likelihood and, where there was one, the bootstrap
+  ResultRow statistics;  // tests, likelihood, reservations and, where there was one, the bootstrap
+  std::optional<std::size_t> savedPlace;  // among the fits that are saved, from 0
 
   bool IsBootstrapped() const {
     return statistics.Has("bootstrap_samples"_column) && statistics.Number("bootstrap_samples"_column) > 0;
@@ -38,16 +41,24 @@ struct FittedVariable {
   ResultRow moments;
   std::string ranking;                   // by what the fits are ranked, for people
   std::vector<FittedDistribution> fits;  // best first; none where there is nothing to fit
+
+  // The fit that is saved first, from which the variable is simulated; null where none is valid.
+  const FittedDistribution* Best() const;
+  // What speaks against that one.
+  std::vector<FitCaution> Cautions() const;
 };
 
-// One entry for each fitted variable, in the order of the summary. Shows each variable on the Quick tab of
-// the dialog, and each of its valid fits where covariances are wanted.
-enum class Covariances { kLeftOut, kRead };
+// A row of a table of fits.
+FitReach ReachIn(const ResultRow& row);
 
 // The place of the fit that is saved first, and so simulated, among the fits of a variable by their names for people;
 // nothing where none is saved. `variable` is the variable's place among the results, from 1.
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
                                       std::span<const std::string> fits);
+
+// One entry for each fitted variable, in the order of the summary. Shows each variable on the Quick tab of
+// the dialog, and each of its valid fits where covariances are wanted.
+enum class Covariances { kLeftOut, kRead };
 std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances);
 
 }  // namespace brenvolt

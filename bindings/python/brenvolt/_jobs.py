@@ -282,7 +282,8 @@ class FittedVariable:
 
     name, kind ("continuous" or "discrete"), n and missing; `reason` says why there are no fits, and is empty where
     there are; `distributions` lists the fitted distributions, best first,
-    and None where a fit failed.
+    and None where a fit failed. `cautions` says what speaks against simulating the best one: values of a sign that the
+    data do not have, an infinite mean or variance.
     """
 
     def __init__(self, result, place, numbers):
@@ -295,6 +296,7 @@ class FittedVariable:
         self.missing = int(numbers["moments"]["missing"])
         self.reason = numbers["reason"]
         self._fits = numbers["fits"]
+        self.cautions = numbers["cautions"]
         self.distributions = [_distribution(fit) for fit in self._fits]
 
     @property

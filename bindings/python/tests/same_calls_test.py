@@ -231,6 +231,7 @@ class SameCalls(unittest.TestCase):
         self.assertEqual((variable.kind, variable.n, variable.missing),
                          (expected["kind"], expected["n"], expected["missing"]))
         rows = variable.fits.to_dict("records")
+        self.assertEqual(variable.cautions, [caution["message"] for caution in expected["cautions"]])
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
             self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
             for text in ("reason", "origin", "note"):
@@ -250,6 +251,8 @@ class SameCalls(unittest.TestCase):
                                  ("chi_square_df", fitted["chiSquare"]["degreesOfFreedom"]),
                                  ("log_likelihood", fitted["logLikelihood"]),
                                  ("bootstrap_ks_p", bootstrap.get("kolmogorovSmirnov"))):
+                                 ("without_density", fitted["valuesWithoutDensity"]),
+                                 ("below_zero", fitted["probabilityBelowZero"]),
             if column in row:
                 value = row[column]
                 self.assertTrue(value == expected or (expected is None and numpy.isnan(value)), (column, row, fitted))

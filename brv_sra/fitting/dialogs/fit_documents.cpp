@@ -5,7 +5,9 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/reach.h"
 #include "brv_sra/fitting/dialogs/estimation_reason.h"
+#include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
@@ -43,9 +45,23 @@ struct FitColumn {
   double (*value)(const VariableFit& variable, const DistributionFit& fit);
 };
 
-double Degrees(const DistributionFit& fit) {
-  const std::int32_t degrees = fit.chiSquare.degreesOfFreedom;
-  return degrees == kNotSetCount ? kNotSet : static_cast<double>(degrees);
+double CountOf(std::int32_t count) {
+  return count == kNotSetCount ? kNotSet : static_cast<double>(count);
+}
+
+// Within the bounds that are saved with it.
+Reach ReachOf(const VariableFit& variable, const DistributionFit& fit) {
+  if (!fit.IsValid()) return {};
+  return ReachOf(Within(variable.saving.truncation, fit.specification), variable.moments.minimum,
+                 variable.moments.maximum);
+}
+
+// The place of a fit in the order in which fits are saved, from 1; kNotSet for one that is not.
+double SavedPlace(const VariableFit& variable, const DistributionFit& fit) {
+  const std::vector<std::size_t> order = SavedOrder(variable);
+  const auto index = static_cast<std::size_t>(&fit - variable.fits.data());
+  const auto place = std::ranges::find(order, index);
+  return place == order.end() ? kNotSet : static_cast<double>(place - order.begin() + 1);
 }
 
 constexpr FitColumn kFitColumns[] = {
@@ -57,7 +73,8 @@ constexpr FitColumn kFitColumns[] = {
      [](const VariableFit&, const DistributionFit& fit) { return fit.chiSquare.statistic; }},
     {"chi_square_p"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.chiSquare.pValue; }},
-    {"chi_square_df"_column, [](const VariableFit&, const DistributionFit& fit) { return Degrees(fit); }},
+    {"chi_square_df"_column,
+     [](const VariableFit&, const DistributionFit& fit) { return CountOf(fit.chiSquare.degreesOfFreedom); }},
     {"ad"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.andersonDarling.statistic; }},
     {"ad_p"_column,
@@ -71,6 +88,15 @@ constexpr FitColumn kFitColumns[] = {
      [](const VariableFit&, const DistributionFit& fit) {
        return fit.IsValid() ? static_cast<double>(fit.valuesWithoutDensity) : kNotSet;
      }},
+    {"below_zero"_column, [](const VariableFit& variable,
+                             const DistributionFit& fit) { return ReachOf(variable, fit).belowZero; }},
+    {"above_zero"_column, [](const VariableFit& variable,
+                             const DistributionFit& fit) { return ReachOf(variable, fit).aboveZero; }},
+    {"infinite_moment"_column,
+     [](const VariableFit& variable, const DistributionFit& fit) {
+       return CountOf(ReachOf(variable, fit).infiniteMoment);
+     }},
+    {"saved_place"_column, SavedPlace},
     {"offset"_column,
      [](const VariableFit&, const DistributionFit& fit) { return fit.specification.offset; }}};
 

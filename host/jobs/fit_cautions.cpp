@@ -1,0 +1,72 @@
+#include "host/jobs/fit_cautions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "host/base/number_text.h"
+
+namespace brenvolt {
+namespace {
+
+using Kind = FitCaution::Kind;
+
+// Less is not worth a word: one value of ten thousand.
+constexpr double kMostBeyondZero = 1e-4;
+
+struct Wording {
+  const char* name;
+  const char* saying;  // of the fit, whose name comes before it and a probability behind
+  const char* ending;
+};
+
+Wording WordingOf(Kind kind) {
+  switch (kind) {
+    case Kind::kBelowZero:
+      return {"below-zero", " lies below 0 with probability ", ", where no value of the data is"};
+    case Kind::kAboveZero:
+      return {"above-zero", " lies above 0 with probability ", ", where no value of the data is"};
+    case Kind::kInfiniteMean:
+      return {"infinite-mean", " has an infinite mean", ""};
+    case Kind::kInfiniteVariance:
+      return {"infinite-variance", " has an infinite variance", ""};
+  }
+  return {};
+}
+
+// Comparisons with NaN are false.
+std::vector<FitCaution> CautionsAgainst(const FitReach& fit) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  std::vector<FitCaution> cautions;
+  if (fit.belowZero > kMostBeyondZero) cautions.push_back({Kind::kBelowZero, fit.fit, fit.belowZero, {}});
+  if (fit.aboveZero > kMostBeyondZero) cautions.push_back({Kind::kAboveZero, fit.fit, fit.aboveZero, {}});
+  if (fit.infiniteMoment == 1) cautions.push_back({Kind::kInfiniteMean, fit.fit, kNone, {}});
+  if (fit.infiniteMoment == 2) cautions.push_back({Kind::kInfiniteVariance, fit.fit, kNone, {}});
+  return cautions;
+}
+
+}  // namespace
+
+std::string FitCaution::Name() const {
+  return WordingOf(kind).name;
+}
+
+std::string FitCaution::Text() const {
+  const Wording wording = WordingOf(kind);
+  const std::string number = std::isnan(probability) ? "" : FormatNumber("%.2g", probability);
+  return fit + wording.saying + number + wording.ending +
+         (instead.empty() ? "; no other fit avoids that" : "; the best fit that does not is " + instead);
+}
+
+std::vector<FitCaution> CautionsAgainstFirst(std::span<const FitReach> fits) {
+  if (fits.empty()) return {};
+  std::vector<FitCaution> cautions = CautionsAgainst(fits.front());
+  const auto harmless =
+      std::ranges::find_if(fits, [](const FitReach& fit) { return CautionsAgainst(fit).empty(); });
+  for (FitCaution& caution : cautions) {
+    if (harmless != fits.end()) caution.instead = harmless->fit;
+  }
+  return cautions;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,38 @@
+// What speaks against simulating from the best fit, although it is the best: values that the data rule out, and
+// moments that no sample lacks.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace brenvolt {
+
+// How far a fit reaches beyond its data.
+struct FitReach {
+  std::string fit;  // its name, for people
+  // The probabilities of values below and above 0; NaN where the data have such values themselves.
+  double belowZero;
+  double aboveZero;
+  double infiniteMoment;  // the order of the lowest one: 1 the mean, 2 the variance; NaN where neither is
+};
+
+struct FitCaution {
+  enum class Kind : std::uint8_t { kBelowZero, kAboveZero, kInfiniteMean, kInfiniteVariance };
+
+  Kind kind;
+  std::string fit;
+  double probability;   // of the values that the data rule out; NaN where it is about a moment
+  std::string instead;  // the best fit that needs no caution; empty where all do
+
+  // The kind in JSON: "below-zero", ….
+  std::string Name() const;
+  // For people, a sentence without its full stop.
+  std::string Text() const;
+};
+
+// Of the first of a variable's fits, which are given in the order in which they are saved.
+std::vector<FitCaution> CautionsAgainstFirst(std::span<const FitReach> fits);
+
+}  // namespace brenvolt
