@@ -116,7 +116,7 @@ void AddTestOptions(CLI::App& command, FitJob& job) {
   AddChoice(command, "--discrete-rank-by", job.discreteRankBy, kDiscreteCriteria,
             "Test or information criterion that ranks the fits of discrete variables; default ks");
   AddChoice(command, "--binning", job.binning, kBinnings,
-            "Bins of the chi-square test; default equal-probability");
+            "Bins of the chi-square test of continuous variables; default equal-probability");
   AddNumber(command, "--bootstrap", "bootstrap", job.bootstrap, "N",
             "Samples of a parametric bootstrap that gives p-values for estimated parameters");
   AddNumber(command, "--bootstrap-seed", "bootstrapSeed", job.bootstrapSeed, "S",

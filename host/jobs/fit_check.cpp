@@ -90,10 +90,12 @@ class FitCheck {
   void Words() {
     if (job_.rankBy) CheckWord("rankBy", *job_.rankBy, kCriteria, faults_);
     if (job_.discreteRankBy) CheckWord("discreteRankBy", *job_.discreteRankBy, kDiscreteCriteria, faults_);
-    CheckWord("binning", job_.binning, kBinnings, faults_);
+    if (job_.binning) CheckWord("binning", *job_.binning, kBinnings, faults_);
     CheckWord("missing", job_.missing, kDeletions, faults_);
     RequireFitted("rankBy", job_.rankBy.has_value(), true);
     RequireFitted("discreteRankBy", job_.discreteRankBy.has_value(), false);
+    // The classes of counts are the counts themselves.
+    RequireFitted("binning", job_.binning.has_value(), true);
   }
 
   void Distributions() {

@@ -249,7 +249,7 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
   dialog->Put(kDeletions.at(missing), true);
   dialog->Put(kCriteria.at(RankedBy(true)), true);
   dialog->Put(kDiscreteCriteria.at(RankedBy(false)), true);
-  dialog->Put(kBinnings.at(binning), true);
+  dialog->Put(kBinnings.at(binning.value_or("equal-probability")), true);
   dialog->Put("ContradictedFitsLast", true);
   dialog->Put("BootstrapSamples", AsInteger(bootstrap.value_or(0)));
   dialog->Put("BootstrapSeed", AsInteger(bootstrapSeed.value_or(1)));

@@ -52,7 +52,7 @@ struct FitJob {
   std::vector<std::string> distributions;     // to try; without names, all that apply to a variable
   std::optional<std::string> rankBy;          // without a word, ks
   std::optional<std::string> discreteRankBy;  // the same
-  std::string binning = "equal-probability";
+  std::optional<std::string> binning;         // of continuous variables; without a word, equal-probability
   std::string missing = "pairwise";
   // Case weights and selection of the sheet; an empty text takes away what it has.
   std::optional<std::string> weights;

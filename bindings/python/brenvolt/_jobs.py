@@ -162,7 +162,7 @@ def _orders(order):
 
 
 def fit(data: Any, continuous: Names = None, discrete: Names = None, distributions: Names = None, *,
-        rank_by: str | None = None, discrete_rank_by: str | None = None, binning: str = "equal-probability",
+        rank_by: str | None = None, discrete_rank_by: str | None = None, binning: str | None = None,
         missing: str = "pairwise",
         weights: str | None = None, select: str | None = None,
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
@@ -177,7 +177,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.
     rank_by: "ks" (as without), "chi-square", "anderson-darling", "aic" or "bic"; discrete_rank_by: "ks" (as without),
     "chi-square", "aic" or "bic". A fit that gives a value density 0 comes last by any.
-    binning: of the chi-square test, "equal-probability" or "equal-interval".
+    binning: of the chi-square test of continuous variables, "equal-probability" (as without) or "equal-interval".
     missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
     weights: variable whose whole numbers say how often each case counts. It and select leave a Spreadsheet or
     Workbook with the weights and selection that it had.

@@ -25,6 +25,7 @@ REFUSED_FITS = (
     ({"rank_by": "likelihood"}, "one of aic, anderson-darling, bic, chi-square, ks; got 'likelihood' (rank_by)"),
     ({"discrete": ["n"], "discrete_rank_by": "anderson-darling"}, "got 'anderson-darling' (discrete_rank_by)"),
     ({"binning": "equal"}, "expected one of equal-interval, equal-probability; got 'equal' (binning)"),
+    ({"discrete": ["n"], "binning": "equal-interval"}, "no continuous variable is fitted (binning)"),
     ({"missing": "never"}, "expected one of casewise, pairwise; got 'never' (missing)"),
     ({"continuous": ["x", "x"]}, "'x' is given twice (continuous)"),
     ({"continuous": ["x"], "discrete": ["x"]}, "'x' is given both as continuous and as discrete (discrete)"),
@@ -230,8 +231,8 @@ class SameCalls(unittest.TestCase):
     def compare(self, expected, variable):
         self.assertEqual((variable.kind, variable.n, variable.missing),
                          (expected["kind"], expected["n"], expected["missing"]))
-        rows = variable.fits.to_dict("records")
         self.assertEqual(variable.cautions, [caution["message"] for caution in expected["cautions"]])
+        rows = variable.fits.to_dict("records")
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
             self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
             for text in ("reason", "origin", "note"):
@@ -250,9 +251,9 @@ class SameCalls(unittest.TestCase):
                                  ("chi_square", fitted["chiSquare"]["statistic"]), ("offset", fitted["offset"]),
                                  ("chi_square_df", fitted["chiSquare"]["degreesOfFreedom"]),
                                  ("log_likelihood", fitted["logLikelihood"]),
-                                 ("bootstrap_ks_p", bootstrap.get("kolmogorovSmirnov"))):
                                  ("without_density", fitted["valuesWithoutDensity"]),
                                  ("below_zero", fitted["probabilityBelowZero"]),
+                                 ("bootstrap_ks_p", bootstrap.get("kolmogorovSmirnov"))):
             if column in row:
                 value = row[column]
                 self.assertTrue(value == expected or (expected is None and numpy.isnan(value)), (column, row, fitted))
