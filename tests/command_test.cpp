@@ -357,6 +357,28 @@ TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
   EXPECT_EQ(constant.err, "brenvolt: The correlation of a and b is not defined and is taken as 0.\n");
 }
 
+// What a former fit left behind would pass for a fit of the present data.
+TEST_F(Command, FittingAgainTakesTheFitsThatAreGoneFromTheProject) {
+  const auto properties = [&](std::size_t variable) {
+    const auto sheet = Json::parse(MustRun({"show", "p.bvw", "faithful", "--format", "json"}).out);
+    std::string names;
+    for (const auto& [key, value] : sheet["variables"][variable]["properties"].items()) names += key + ";";
+    return names;
+  };
+  for (const std::string& again : {kExamples + "faithful.csv", std::string("p.bvw")}) {
+    std::filesystem::remove(File("p.bvw"));
+    MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+    const std::string former = properties(1);
+    EXPECT_NE(former.find("Weibull;"), std::string::npos);
+    MustRun({"fit", again, "--continuous", "eruptions", "--distributions", "normal,gev", "--save", "p.bvw"});
+    EXPECT_EQ(properties(0), "General Extreme Value;Normal;zOrder;zTruncProp;") << again;
+    EXPECT_EQ(properties(1), former) << "of a variable that was not fitted again";
+  }
+  // Data that come from their file again, without fits, leave those of the project.
+  MustRun({"import", kExamples + "faithful.csv", "-o", "p.bvw"});
+  EXPECT_EQ(properties(0), "General Extreme Value;Normal;zOrder;zTruncProp;");
+}
+
 TEST_F(Command, TruncationAndOrderAreSaved) {
   const auto property = [&](std::size_t variable, const char* key) {
     const auto sheet = Json::parse(MustRun({"show", "p.bvw", "faithful", "--format", "json"}).out);

@@ -19,6 +19,10 @@ void SheetPropertyStore::Set(int variableNumber, std::string_view key, const std
   if (Variable* const variable = Find(variableNumber)) variable->SetProperty(key, value);
 }
 
+void SheetPropertyStore::Remove(int variableNumber, std::string_view key) {
+  if (Variable* const variable = Find(variableNumber)) variable->RemoveProperty(key);
+}
+
 std::string SheetPropertyStore::VariableName(int variableNumber) const {
   const Variable* const variable = Find(variableNumber);
   return variable == nullptr ? std::string() : variable->Name();

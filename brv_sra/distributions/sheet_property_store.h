@@ -21,6 +21,7 @@ class SheetPropertyStore : public VariablePropertyStore {
 
   std::optional<std::string> Get(int variableNumber, std::string_view key) const override;
   void Set(int variableNumber, std::string_view key, const std::string& value) override;
+  void Remove(int variableNumber, std::string_view key) override;
   std::string VariableName(int variableNumber) const override;
 
  private:

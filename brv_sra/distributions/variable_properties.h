@@ -46,14 +46,15 @@ inline constexpr std::string_view kMax = "Max";
 inline constexpr std::string_view kMode = "Mode";
 }  // namespace property_key
 
-// The host's variable properties as the module needs them: get and set of a text property by variable number
-// (counted from 1) and name. Get answers nothing for a property that does not exist; Set leaves a property
-// that the host refuses as it was.
+// The host's variable properties as the module needs them: get, set and removal of a text property by variable
+// number (counted from 1) and name. Get answers nothing for a property that does not exist; Set leaves a
+// property that the host refuses as it was.
 class VariablePropertyStore {
  public:
   virtual ~VariablePropertyStore() = default;
   virtual std::optional<std::string> Get(int variableNumber, std::string_view key) const = 0;
   virtual void Set(int variableNumber, std::string_view key, const std::string& value) = 0;
+  virtual void Remove(int variableNumber, std::string_view key) = 0;
   virtual std::string VariableName(int variableNumber) const = 0;
 };
 
@@ -82,7 +83,7 @@ std::string TruncationPropertyText(const Truncation& truncation);
 // are not valid once they are rounded to the format is skipped. A variable without any valid fit gets an
 // empty order, which no reader accepts, and "InvalidFit" 1, which tells people why; a later write with a
 // valid fit puts an existing "InvalidFit" to 0. Properties of distributions that are no longer in the order
-// stay and mean nothing. A null store writes nothing.
+// are removed: people would take them for fits. A null store writes nothing.
 void WriteDistributionProperties(VariablePropertyStore* store, const VariableDistributions& distributions);
 
 // Reads the distributions of the given variables (numbers counted from 1). The first fault ends the read of

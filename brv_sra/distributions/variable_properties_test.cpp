@@ -215,6 +215,16 @@ TEST_F(VariableProperties, AFitThatNoReaderWouldTakeIsNotWritten) {
   EXPECT_EQ(Read().ranked.size(), 1U);
 }
 
+TEST_F(VariableProperties, AFitThatIsNoLongerInTheOrderIsRemovedAndNothingElse) {
+  store_.Set(1, "Unit", "mm");
+  Write({{.code = kNormal, .values = {1, 2}}, {.code = kTriangular, .values = {0, 2, 1}}});
+  Write({{.code = kGeneralExtremeValue, .values = {1, 2, 0}}});
+  EXPECT_EQ(Property("Normal"), "(no such property)");
+  EXPECT_EQ(Property("Triangular"), "(no such property)");
+  EXPECT_EQ(Property("Unit"), "mm");
+  EXPECT_EQ(Read().ranked.size(), 1U);
+}
+
 TEST_F(VariableProperties, AVariableWithoutAnyFitIsMarkedUntilItHasOne) {
   Write({{.code = kNormal, .values = {0, -1}}});
   EXPECT_EQ(Property("zOrder"), "");

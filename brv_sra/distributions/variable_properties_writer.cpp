@@ -10,6 +10,7 @@
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -108,6 +109,15 @@ void MarkInvalidFit(VariablePropertyStore& store, int variableNumber, bool inval
   }
 }
 
+// Fits of a former order that the new one does not name.
+void RemoveStaleFits(VariablePropertyStore& store, int variableNumber,
+                     std::span<const std::string_view> written) {
+  for (const DistributionType* type : DistributionTypes()) {
+    const std::string_view name = DisplayName(type->facts.code);
+    if (std::ranges::find(written, name) == written.end()) store.Remove(variableNumber, name);
+  }
+}
+
 }  // namespace
 
 DistributionSpecification StoredForm(const DistributionSpecification& specification) {
@@ -141,12 +151,15 @@ void WriteDistributionProperties(VariablePropertyStore* store, const VariableDis
   if (store == nullptr) return;
   const int variable = distributions.variableNumber;
   std::string order;
+  std::vector<std::string_view> written;
   for (const DistributionSpecification& specification : distributions.ranked) {
     if (!IsStorable(specification)) continue;
     const std::string_view name = DisplayName(specification.code);
     store->Set(variable, name, DistributionPropertyText(specification));
     order += std::string(name) + ";";
+    written.push_back(name);
   }
+  RemoveStaleFits(*store, variable, written);
   store->Set(variable, property_key::kOrder, order);
   store->Set(variable, property_key::kTruncation, TruncationPropertyText(distributions.truncation));
   MarkInvalidFit(*store, variable, order.empty());

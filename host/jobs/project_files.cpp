@@ -33,11 +33,19 @@ Workbook ExistingOrNew(const std::filesystem::path& path) {
   return std::filesystem::exists(path, ignored) ? Workbook::Open(path) : Workbook();
 }
 
-void TakeOver(Spreadsheet& former, const Spreadsheet& sheet) {
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    for (const auto& [key, value] : sheet.VariableAt(i).Properties())
-      former.VariableAt(i).SetProperty(key, value);
+// A variable with fits had all properties of the former one before it was fitted: what it lacks is stale.
+void TakeOver(Variable& former, const Variable& variable) {
+  if (variable.Property(kOrderProperty)) {
+    const auto properties = former.Properties();
+    for (const auto& [key, value] : properties) {
+      if (!variable.Property(key)) former.RemoveProperty(key);
+    }
   }
+  for (const auto& [key, value] : variable.Properties()) former.SetProperty(key, value);
+}
+
+void TakeOver(Spreadsheet& former, const Spreadsheet& sheet) {
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) TakeOver(former.VariableAt(i), sheet.VariableAt(i));
   if (sheet.WeightVariable()) former.SetWeightVariable(sheet.WeightVariable());
   if (!sheet.Selection().condition.empty()) former.SetSelection(sheet.Selection());
 }
