@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 
+#include "host/base/number_text.h"
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {
@@ -283,6 +284,28 @@ TEST_F(Command, BestFitThatLeavesTheDataIsReportedWithTheOneToTakeInstead) {
   bounded.insert(bounded.end(), {"--save", "p.bvw", "--truncate", "x=0:", "--truncate", "y=:100"});
   for (const Json& variable : JsonOf(bounded)["variables"])
     EXPECT_EQ(variable["cautions"], Json::array()) << "within the bounds that are saved with it";
+}
+
+// "mean 100, range 100 to 100" and "scale=0.0000" tell nothing of lengths that differ by a hundredth of a micron.
+TEST_F(Command, PreciseAndTinyUnitsShowInTheReports) {
+  std::string data = "length,charge\n";
+  for (int i = 0; i < 40; ++i) {
+    const double z = std::sin(i * 2.4) + std::cos(i * 1.1);
+    data +=
+        FormatNumber("%.10g", 100.00003 + 1e-5 * z) + "," + FormatNumber("%.10g", 3e-9 + 1e-10 * z) + "\n";
+  }
+  WriteBytes(File("d.csv"), data);
+  const std::string table =
+      MustRun({"fit", "d.csv", "--distributions", "normal,lognormal,johnson", "--save", "p.bvw"}).out;
+  for (const char* shown :
+       {"mean 100.00003", "range 100.0000", "Normal(location=100.0000, scale=0.0000) = (100.00003",
+        "Normal(location=0.0000, scale=0.0000) = (", "Log Normal(scale=4.6052, shape=0.0000) = (4.6051705"}) {
+    EXPECT_NE(table.find(shown), std::string::npos) << shown << "\n" << table;
+  }
+  EXPECT_NE(MustRun({"simulate", "p.bvw", "--seed", "1"}).out.find("100.0000"), std::string::npos);
+  EXPECT_NE(MustRun({"show", "p.bvw", "Correlation matrix"}).out.find("100.0000"), std::string::npos);
+  const std::string usual = MustRun({"fit", kExamples + "groundbeef.csv", "--distributions", "normal"}).out;
+  EXPECT_EQ(usual.find(" = ("), std::string::npos) << usual;
 }
 
 TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {

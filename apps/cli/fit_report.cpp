@@ -4,6 +4,8 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
+#include <iterator>
+#include <limits>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -11,7 +13,7 @@
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/jobs/fit_results.h"
-#include "host/numeric/distributions/distribution_facts.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -75,7 +77,8 @@ class RankingText {
   RankingText(const FittedVariable& variable, const std::string& rankedBy, bool bootstrapped)
       : bootstrapped_(bootstrapped),
         criterion_(*std::ranges::find(kCriterionColumns, rankedBy, &CriterionColumn::name)),
-        count_(Cell(variable.moments, "n"_column)) {
+        count_(Cell(variable.moments, "n"_column)),
+        deviation_(variable.moments.Number("standard_deviation"_column)) {
     for (const TestColumns& test : kTests) {
       const bool applies = variable.isContinuous || test.name != "anderson-darling";
       if (test.name == rankedBy) tests_.insert(tests_.begin(), &test);
@@ -101,7 +104,11 @@ class RankingText {
       return;
     }
     std::string description = fit.description;
-    if (description.find('(') == std::string::npos) description += BareValues(fit);
+    if (description.find('(') == std::string::npos) {
+      description += ValuesText(fit);
+    } else if (!FourDecimalsShow(fit)) {
+      description += " = " + ValuesText(fit);
+    }
     if (!std::isnan(fit.offset) && fit.offset != 0) description += ", offset " + ReadableNumber(fit.offset);
     std::vector<std::string> lines = BrokenAtCommas(std::move(description));
     if (!fit.note.empty()) {
@@ -119,15 +126,46 @@ class RankingText {
     for (std::size_t i = 1; i < lines.size(); ++i) table_.AddRow({"", lines[i]});
   }
 
-  // The values of a fit whose description has none; of a histogram there would be too many.
-  static std::string BareValues(const FittedDistribution& fit) {
+  // The values as a description has none, or too few digits of them; of a histogram there would be too many.
+  std::string ValuesText(const FittedDistribution& fit) const {
     constexpr int kValueDigits = 5;
     std::string text;
-    if (fit.code == static_cast<int>(DistributionCode::kHistogram)) return text;
-    for (const double value : fit.parameters) {
-      text += (text.empty() ? "(" : ", ") + ReadableNumber(value, kValueDigits);
+    if (static_cast<DistributionCode>(fit.code) == DistributionCode::kHistogram) return text;
+    for (std::size_t i = 0; i < fit.parameters.size(); ++i) {
+      const int digits = DigitsFor(fit.parameters[i], SpreadAbout(fit, i), kValueDigits);
+      text += (text.empty() ? "(" : ", ") + ReadableNumber(fit.parameters[i], digits);
     }
     return text.empty() ? text : text + ")";
+  }
+
+  // Whether the four decimals of a description tell the distribution: a place among the data to a hundredth of
+  // their spread, any other value but one that may be 0 to two digits.
+  bool FourDecimalsShow(const FittedDistribution& fit) const {
+    constexpr double kLeastSpread = 0.005;
+    constexpr double kLeastValue = 0.001;
+    for (std::size_t i = 0; i < fit.parameters.size(); ++i) {
+      const double spread = SpreadAbout(fit, i);
+      const bool mayBeZero = ParameterOf(fit, i).range == ParameterRange::kFinite;
+      if (spread < kLeastSpread || (!mayBeZero && std::abs(fit.parameters[i]) < kLeastValue)) return false;
+    }
+    return true;
+  }
+
+  static const ParameterFacts& ParameterOf(const FittedDistribution& fit, std::size_t i) {
+    const DistributionFacts& facts = TypeOf(static_cast<DistributionCode>(fit.code)).facts;
+    return facts.parameters[i % facts.ParameterCount()];
+  }
+
+  // Against what a parameter has to show: a place or a size in the unit of the data against their spread, the
+  // location of their logarithm against that. NaN for those without a unit.
+  double SpreadAbout(const FittedDistribution& fit, std::size_t i) const {
+    static constexpr std::string_view kWithoutUnit[] = {"shape",      "type", "gamma", "delta",
+                                                        "proportion", "code", "trials"};
+    const std::string_view name = ParameterOf(fit, i).name;
+    if (std::ranges::find(kWithoutUnit, name) != std::end(kWithoutUnit))
+      return std::numeric_limits<double>::quiet_NaN();
+    const bool isOfLogarithms = static_cast<DistributionCode>(fit.code) == DistributionCode::kLogNormal;
+    return isOfLogarithms ? fit.parameters.back() : deviation_;
   }
 
   // A table in which no fit has a bootstrap lacks its columns.
@@ -139,6 +177,7 @@ class RankingText {
   bool bootstrapped_;
   const CriterionColumn& criterion_;
   std::string count_;  // of the values
+  double deviation_;   // of the values
   std::vector<const TestColumns*> tests_;
   TextTable table_;
   std::string failures_;

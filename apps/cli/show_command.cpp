@@ -16,6 +16,7 @@ using Json = nlohmann::ordered_json;
 
 // Enough to show any count whole.
 constexpr int kCountDigits = 15;
+constexpr int kMatrixDigits = 6;
 
 struct ShowOptions {
   std::filesystem::path project;
@@ -127,8 +128,10 @@ void ShowMatrixAsTable(const Spreadsheet& matrix) {
     std::vector<std::string> cells{matrix.VariableAt(row).Name()};
     for (std::size_t c = 0; c < size; ++c)
       cells.push_back(ReadableNumber(matrix.VariableAt(c).Values()[row]));
-    cells.push_back(ReadableNumber(matrix.VariableAt(row).Values()[rows.means]));
-    cells.push_back(ReadableNumber(matrix.VariableAt(row).Values()[rows.standardDeviations]));
+    const double mean = matrix.VariableAt(row).Values()[rows.means];
+    const double deviation = matrix.VariableAt(row).Values()[rows.standardDeviations];
+    cells.push_back(ReadableNumber(mean, DigitsFor(mean, deviation, kMatrixDigits)));
+    cells.push_back(ReadableNumber(deviation, kMatrixDigits));
     table.AddRow(std::move(cells));
   }
   std::printf("%s, matrix of %zu variables, number of valid cases %s\n%s", matrix.Name().c_str(), size,

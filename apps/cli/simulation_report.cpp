@@ -18,12 +18,18 @@ namespace {
 using Json = nlohmann::ordered_json;
 using namespace result_columns;
 
-std::string SummaryNumber(double value, std::string_view identifier) {
+// Places among the data show against the spread.
+std::string SummaryNumber(const ResultRow& row, std::string_view identifier) {
   constexpr int kDigits = 5;
-  return identifier == "n"_column.identifier ? FormatNumber("%.0f", value) : ReadableNumber(value, kDigits);
+  for (const ResultColumn& moment : kMoments) {
+    if (moment.identifier == identifier) return Cell(row, moment, kDigits);
+  }
+  const double value = row.numbers.find(identifier)->second;
+  return ReadableNumber(value, DigitsFor(value, row.Number("standard_deviation"_column), kDigits));
 }
 
-std::string CorrelationNumber(double value, std::string_view /*identifier*/) {
+std::string CorrelationNumber(const ResultRow& row, std::string_view identifier) {
+  const double value = row.numbers.find(identifier)->second;
   return std::isnan(value) ? "-" : FormatNumber("%.4f", value);
 }
 

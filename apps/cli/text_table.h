@@ -32,6 +32,8 @@ class TextTable {
 
 // A number for people, to so many significant digits; "-" for a value that does not exist (NaN).
 std::string ReadableNumber(double value, int digits = 6);
+// The digits in which a number shows a hundredth of `spread`: from `least` to 17.
+int DigitsFor(double value, double spread, int least);
 // A number in the form of its quantity; `digits` are those of a measure.
 std::string QuantityText(double value, Quantity quantity, int digits = 6);
 // The number of a row in the form of its column.
@@ -40,6 +42,6 @@ std::string Cell(const ResultRow& row, const ResultColumn& column, int digits = 
 // The columns as the result table heads them, after the names of the rows.
 std::string TableText(std::span<const ResultRow> rows, std::string_view nameHeading,
                       std::span<const ResultTable::Heading> columns,
-                      std::string (*number)(double value, std::string_view identifier));
+                      std::string (*number)(const ResultRow& row, std::string_view identifier));
 
 }  // namespace brenvolt::cli

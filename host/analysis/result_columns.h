@@ -14,6 +14,7 @@ namespace brenvolt {
 // What a number is, and so in which form a table for people shows it.
 enum class Quantity : std::uint8_t {
   kMeasure,         // in the unit of the data, or without one: significant digits, as many as the table takes
+  kLocation,        // a place among the data: as many more digits as show it against the spread of the row
   kCount,           // a whole number
   kStatistic,       // of a test: four significant digits
   kPValue,          // four decimals
@@ -42,11 +43,14 @@ inline constexpr ResultColumn kOthers[] = {
     {"table_rate", "", 20607}, {"table_ppm", "", 20608},  {"field", "", 20950},
     {"field_value", "", 20951},
     {"saved_place", "", 21106}, {"variable_number", "", 21107}};
-inline constexpr ResultColumn kMoments[] = {
-    {"n", "/n", 20741, kCount},       {"missing", "/missing", 20742, kCount},
-    {"mean", "/mean", 20743},         {"standard_deviation", "/standardDeviation", 20744},
-    {"skewness", "/skewness", 20745}, {"kurtosis", "/kurtosis", 20746},
-    {"minimum", "/minimum", 20747},   {"maximum", "/maximum", 20748}};
+inline constexpr ResultColumn kMoments[] = {{"n", "/n", 20741, kCount},
+                                            {"missing", "/missing", 20742, kCount},
+                                            {"mean", "/mean", 20743, kLocation},
+                                            {"standard_deviation", "/standardDeviation", 20744},
+                                            {"skewness", "/skewness", 20745},
+                                            {"kurtosis", "/kurtosis", 20746},
+                                            {"minimum", "/minimum", 20747, kLocation},
+                                            {"maximum", "/maximum", 20748, kLocation}};
 
 // Of a fit.
 inline constexpr ResultColumn kTests[] = {{"ks", "/kolmogorovSmirnov/statistic", 20752, kStatistic},
