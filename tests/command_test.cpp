@@ -217,7 +217,9 @@ TEST_F(Command, FitsThatTheDataContradictRankLastAndAreSavedOnlyByName) {
     for (const char* file :
          {"groundbeef", "portpirie_sea_level", "faithful", "danish_fire_losses", "ozone"}) {
       SCOPED_TRACE(std::string(criterion) + " of " + file);
-      const auto report = JsonOf({"fit", kExamples + file + ".csv", "--rank-by", criterion});
+      const Outcome run = Run({"fit", kExamples + file + ".csv", "--rank-by", criterion, "--format", "json"});
+      ASSERT_EQ(run.status, 0) << run.err;
+      const auto report = Json::parse(run.out);
       for (const Json& variable : report["variables"]) {
         EXPECT_EQ(variable["rankedBy"], criterion);
         EXPECT_EQ(variable["fits"][0]["valuesWithoutDensity"], 0);
@@ -280,6 +282,20 @@ TEST_F(Command, BestFitThatLeavesTheDataIsReportedWithTheOneToTakeInstead) {
     message.replace(message.find("; "), 2, ";\n    ");
     EXPECT_NE(table.find("  caution: " + message + "\n"), std::string::npos) << table;
   }
+  // A simulation goes by what the project holds.
+  auto saving = call;
+  saving.insert(saving.end(), {"--save", "p.bvw"});
+  MustRun(saving);
+  const Json simulated = JsonOf({"simulate", "p.bvw", "--seed", "1"})["cautions"];
+  ASSERT_EQ(simulated.size(), 2U) << simulated;
+  EXPECT_EQ(simulated[0]["variable"], "x");
+  EXPECT_EQ(simulated[1]["variable"], "y");
+  EXPECT_EQ(simulated[0]["message"], below["message"]);
+  EXPECT_EQ(simulated[1]["message"], heavy["message"]);
+  EXPECT_NE(MustRun({"simulate", "p.bvw", "--seed", "1"}).out.find("\nx\n  caution: Normal lies below 0"),
+            std::string::npos);
+  EXPECT_EQ(JsonOf({"simulate", "p.bvw", "--seed", "1", "--truncate"})["cautions"], Json::array())
+      << "the tails are cut off";
   auto bounded = call;
   bounded.insert(bounded.end(), {"--save", "p.bvw", "--truncate", "x=0:", "--truncate", "y=:100"});
   for (const Json& variable : JsonOf(bounded)["variables"])
@@ -298,8 +314,8 @@ TEST_F(Command, PreciseAndTinyUnitsShowInTheReports) {
   const std::string table =
       MustRun({"fit", "d.csv", "--distributions", "normal,lognormal,johnson", "--save", "p.bvw"}).out;
   for (const char* shown :
-       {"mean 100.00003", "range 100.0000", "Normal(location=100.0000, scale=0.0000) = (100.00003",
-        "Normal(location=0.0000, scale=0.0000) = (", "Log Normal(scale=4.6052, shape=0.0000) = (4.6051705"}) {
+       {"mean 100.0000299", "range 100.0000123 to 100.0000492", "scale=0.0000) = (100.0000299, 9.8892e-06)",
+        "scale=0.0000) = (2.9994e-09, 9.8863e-11)", "shape=0.0000) = (4.6051704854, 9.8892e-08)"}) {
     EXPECT_NE(table.find(shown), std::string::npos) << shown << "\n" << table;
   }
   EXPECT_NE(MustRun({"simulate", "p.bvw", "--seed", "1"}).out.find("100.0000"), std::string::npos);
@@ -681,8 +697,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--bootstrap-seed", "4"}, 2, "a seed has no effect without a bootstrap"},
       {{"fit", "weights.csv", "--bootstrap", "9", "--bootstrap-seed", "-1"}, 2, "--bootstrap-seed"},
       {{"fit"}, 2, "DATA"},
-      {{"dance"}, 2, "unknown command 'dance'; the commands are fit, simulate"},
-      {{}, 2, "missing command; the commands are fit, simulate"},
+      {{"dance"}, 2, "unknown command 'dance'; the commands are fit, design, simulate"},
+      {{}, 2, "missing command; the commands are fit, design, simulate"},
       {{"fit", "good.bvw", "--sheet", "other"}, 1, "has no sheet called other (good.bvw)"},
       {{"show", "good.bvw", "other"}, 1, "has no sheet called other (good.bvw)"},
       {{"show", "nowhere.bvw"}, 1, "nowhere.bvw"},
@@ -799,7 +815,7 @@ TEST_F(Command, WordThatIsNoNumberHidesNoOtherFault) {
   EXPECT_EQ(refused.err,
             "brenvolt: expected a number, got 'a' (--offset)\n"
             "brenvolt: expected a number, got 'b' (--bootstrap)\n"
-            "brenvolt: expected one of anderson-darling, chi-square, ks; got 'c' (--rank-by)\n");
+            "brenvolt: expected one of aic, anderson-darling, bic, chi-square, ks; got 'c' (--rank-by)\n");
 }
 
 TEST_F(Command, ListsLeaveTheDataFileAlone) {

@@ -5,6 +5,8 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/fit_json.h"
+#include "apps/cli/fit_report.h"
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/terminal_user_interface.h"
@@ -34,11 +36,24 @@ std::string DestinationText(const SimulationRun& run) {
          (run.matrixFile.empty() ? "" : "; the repaired matrix to " + run.matrixFile.string());
 }
 
+Json SavedCautionsJson(const std::vector<VariableCautions>& variables) {
+  Json list = Json::array();
+  for (const auto& [variable, cautions] : variables) {
+    for (Json& caution : CautionsJson(cautions)) {
+      Json entry = {{"variable", variable}};
+      entry.update(caution);
+      list.push_back(std::move(entry));
+    }
+  }
+  return list;
+}
+
 Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
   Json report = {{"method", run.results.summary.title},
                  {"samples", call.Samples()},
                  {"seed", run.seed},
-                 {"variables", SummaryJson(run.results.summary)}};
+                 {"variables", SummaryJson(run.results.summary)},
+                 {"cautions", SavedCautionsJson(run.cautions)}};
   if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
   if (const auto repair = run.results.Repair()) report["repair"] = RepairJson(*repair);
   if (run.repairedMatrix != nullptr) {
@@ -66,6 +81,8 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
   std::printf("%s, %s%s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), seed.c_str(),
               SummaryText(summary).c_str());
   if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
+  for (const auto& [variable, cautions] : run.cautions)
+    std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
 }
 

@@ -30,10 +30,11 @@ py::dict NumbersOf(const ResultRow& row, Groups groups) {
 }
 
 py::dict FitDict(const FittedDistribution& fit) {
-  return py::dict("code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters,
-                  "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason,
-                  "origin"_a = fit.origin, "note"_a = fit.note,
-                  "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kReservations, kBootstrap}));
+  return py::dict(
+      "code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters, "offset"_a = fit.offset,
+      "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason, "origin"_a = fit.origin,
+      "note"_a = fit.note,
+      "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kReservations, kBootstrap}));
 }
 
 // What a row is called: by people, or by programs where it is a statistic, or by its number where it is one of a kind.
@@ -104,6 +105,12 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
                          "cautions"_a = TextsOf(variable.Cautions())));
   }
   return list;
+}
+
+py::dict CautionTexts(const std::vector<VariableCautions>& variables) {
+  py::dict texts;
+  for (const auto& [variable, cautions] : variables) texts[py::str(variable)] = TextsOf(cautions);
+  return texts;
 }
 
 py::dict ProfileDict(const ProfileResults& results) {

@@ -12,6 +12,8 @@
 namespace brenvolt::python {
 
 pybind11::list FitDicts(const std::vector<FittedVariable>& variables);
+// What speaks against simulating variables, in sentences, by their names.
+pybind11::dict CautionTexts(const std::vector<VariableCautions>& variables);
 pybind11::dict ProfileDict(const ProfileResults& results);
 
 }  // namespace brenvolt::python

@@ -186,7 +186,7 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
   job.keepsSamples = true;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
-  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed);
+  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions));
 }
 
 // The simulated runs, their seed, and what was found.

@@ -279,8 +279,8 @@ TEST(Estimation, TriangularFitHasNoLikelihoodToCompare) {
     Values values;
     for (int i = 0; i < 20; ++i) values.push_back(10 + normal(engine));
     const Data data(std::move(values));
-    const auto fits = FitContinuousDistributions(data.Sample(), specification,
-                                                 ChiSquareBinning::kEqualProbabilities, [] {});
+    const auto fits = *FitContinuousDistributions(data.Sample(), specification,
+                                                  ChiSquareBinning::kEqualProbabilities, [] {});
     const DistributionFit& triangular = fits.back();
     ASSERT_EQ(triangular.specification.code, Code::kTriangular);
     EXPECT_TRUE(triangular.IsValid());

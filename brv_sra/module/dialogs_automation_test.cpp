@@ -157,7 +157,7 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 111U);
+  EXPECT_EQ(read, 112U);
   EXPECT_EQ(put, 89U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }

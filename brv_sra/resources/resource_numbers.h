@@ -549,7 +549,8 @@ inline constexpr std::int32_t kNoteNearSpike = 21155;
 inline constexpr std::int32_t kNoteJohnsonBootstrap = 21156;
 
 // Fits: what goes beyond the texts above.
-inline constexpr std::int32_t kTitleRankedByAkaike = 21100;
-inline constexpr std::int32_t kTitleRankedByBayes = 21101;
+inline constexpr std::int32_t kTitleRankedByAkaike = 21200;
+inline constexpr std::int32_t kTitleRankedByBayes = 21201;
+inline constexpr std::int32_t kTitleSavedFits = 21208;
 
 }  // namespace brenvolt::sra

@@ -13,7 +13,7 @@ using enum AutomationType;
 inline constexpr std::array<ArgumentDescription, 1> kFile{{{"sFileName", kText}}};
 
 // The last two are younger than the members before, whose numbers stand in recorded macros.
-inline constexpr std::array<MemberDescription, 14> kMembers{{
+inline constexpr std::array<MemberDescription, 15> kMembers{{
     Property("Variables", 0x60030000, kText, kVariant,
              "The variables to simulate: their numbers as a text (\"1-3 5\"). Takes such a text, a number or "
              "an array of numbers; each must have a saved distribution."),
@@ -54,6 +54,10 @@ inline constexpr std::array<MemberDescription, 14> kMembers{{
              "spreadsheet: NumPy arrays where the name ends in .npz, else separated values, nothing for an "
              "empty name. Gives the summary, a spreadsheet.",
              kFile),
+    Property(
+        "SavedFits", 0x6003001a, kVariant, kNone,
+        "The saved fits of the variables to simulate, best first, a spreadsheet: how far each reaches beyond "
+        "its data."),
 }};
 
 }  // namespace simulation_interface

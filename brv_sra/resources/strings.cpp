@@ -688,6 +688,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"infinite_moment"_column.heading, "First infinite moment"},
     {"saved_place"_column.heading, "Place among the saved fits"},
     {"variable_number"_column.heading, "Variable number"},
+    {kTitleSavedFits, "Saved fits"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -35,14 +35,15 @@ namespace result_columns {
 using enum Quantity;
 
 // Columns without a place in JSON of their own: texts, and those that are numbered ("parameter.1", …).
-inline constexpr ResultColumn kOthers[] = {
-    {"kind", "", 20740},       {"code", "", 20750},       {"description", "", 20751},
-    {"offset", "", 20755},     {"parameter", "", 20756},  {"standard_error", "", 20835},
-    {"covariance", "", 20842}, {"reason", "", 20840},     {"origin", "", 21120},
-    {"note", "", 21121},       {"percentile", "", 20749}, {"response", "", 20606},
-    {"table_rate", "", 20607}, {"table_ppm", "", 20608},  {"field", "", 20950},
-    {"field_value", "", 20951},
-    {"saved_place", "", 21106}, {"variable_number", "", 21107}};
+inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", "", 20750},
+                                           {"description", "", 20751}, {"offset", "", 20755},
+                                           {"parameter", "", 20756},   {"standard_error", "", 20835},
+                                           {"covariance", "", 20842},  {"reason", "", 20840},
+                                           {"origin", "", 21120},      {"note", "", 21121},
+                                           {"percentile", "", 20749},  {"response", "", 20606},
+                                           {"table_rate", "", 20607},  {"table_ppm", "", 20608},
+                                           {"saved_place", "", 21206}, {"variable_number", "", 21207},
+                                           {"field", "", 20950},       {"field_value", "", 20951}};
 inline constexpr ResultColumn kMoments[] = {{"n", "/n", 20741, kCount},
                                             {"missing", "/missing", 20742, kCount},
                                             {"mean", "/mean", 20743, kLocation},
@@ -65,10 +66,10 @@ inline constexpr ResultColumn kLikelihood[] = {{"log_likelihood", "/logLikelihoo
                                                {"bic", "/bic", 20834, kInformation}};
 // What speaks against a fit: values of the data of density 0, values of a sign that the data do not have, and
 // the order of the lowest moment that is infinite.
-inline constexpr ResultColumn kReservations[] = {{"without_density", "/valuesWithoutDensity", 21102, kCount},
-                                                 {"below_zero", "/probabilityBelowZero", 21103},
-                                                 {"above_zero", "/probabilityAboveZero", 21104},
-                                                 {"infinite_moment", "/firstInfiniteMoment", 21105, kCount}};
+inline constexpr ResultColumn kReservations[] = {{"without_density", "/valuesWithoutDensity", 21202, kCount},
+                                                 {"below_zero", "/probabilityBelowZero", 21203},
+                                                 {"above_zero", "/probabilityAboveZero", 21204},
+                                                 {"infinite_moment", "/firstInfiniteMoment", 21205, kCount}};
 inline constexpr ResultColumn kBootstrap[] = {
     {"bootstrap_ks_p", "/bootstrap/kolmogorovSmirnov", 20836, kPValue},
     {"bootstrap_chi_square_p", "/bootstrap/chiSquare", 20837, kPValue},

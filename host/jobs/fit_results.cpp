@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <map>
 #include <utility>
 
+#include "host/base/error.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 
 namespace brenvolt {
@@ -109,6 +111,22 @@ std::vector<FitCaution> FittedVariable::Cautions() const {
 FitReach ReachIn(const ResultRow& row) {
   return {row.name, row.Number("below_zero"_column), row.Number("above_zero"_column),
           row.Number("infinite_moment"_column)};
+}
+
+std::vector<VariableCautions> ReadSavedCautions(AutomationObject& dialog, const Spreadsheet& sheet) {
+  std::map<std::size_t, std::vector<FitReach>> reaches;  // by the variables' places
+  try {
+    for (const ResultRow& row : ReadResultTable(dialog.Get("SavedFits")).rows)
+      reaches[static_cast<std::size_t>(row.Number("variable_number"_column)) - 1].push_back(ReachIn(row));
+  } catch (const AutomationError&) {
+    return {};  // the run says what is wrong with the fits
+  }
+  std::vector<VariableCautions> found;
+  for (const auto& [place, fits] : reaches) {
+    auto cautions = CautionsAgainstFirst(fits);
+    if (!cautions.empty()) found.push_back({sheet.VariableAt(place).Name(), std::move(cautions)});
+  }
+  return found;
 }
 
 std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances) {

@@ -56,6 +56,15 @@ FitReach ReachIn(const ResultRow& row);
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
                                       std::span<const std::string> fits);
 
+struct VariableCautions {
+  std::string variable;
+  std::vector<FitCaution> cautions;
+};
+
+// What speaks against simulating the variables that the dialog of a simulation from distributions has
+// selected; only variables with cautions are there. `sheet` is its input.
+std::vector<VariableCautions> ReadSavedCautions(AutomationObject& dialog, const Spreadsheet& sheet);
+
 // One entry for each fitted variable, in the order of the summary. Shows each variable on the Quick tab of
 // the dialog, and each of its valid fits where covariances are wanted.
 enum class Covariances { kLeftOut, kRead };

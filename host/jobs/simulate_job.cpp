@@ -162,6 +162,7 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   AnalysisSession& session = Start(input, data);
   if (method.starts_with("latin-hypercube")) SayWhatLimitsLeaveOut(*this, input.sheet, session.Interface());
   Specify(session, input.sheet, found.seed);
+  found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
   const Table follows =
       givenMatrix != nullptr ? givenMatrix : FoundMatrix(*this, std::move(chosen), input, recorder);
   if (InducesCorrelation(method) && follows != nullptr)

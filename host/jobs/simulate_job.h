@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/jobs/fit_results.h"
 #include "host/jobs/job_data.h"
 #include "host/jobs/job_fault.h"
 #include "host/jobs/simulation_results.h"
@@ -24,7 +25,8 @@ struct SimulationFindings {
   std::string outputSheet;
   std::filesystem::path matrixFile;
   std::string matrixSheet;
-  std::int32_t seed = 0;  // given or drawn: the same seed gives the same samples
+  std::int32_t seed = 0;                   // given or drawn: the same seed gives the same samples
+  std::vector<VariableCautions> cautions;  // in the order of the variables in the data; none without one
 };
 
 struct SimulationRun : JobRun, SimulationFindings {};

@@ -398,7 +398,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     sheet or file; without, the correlations that belong to the fits.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
 
-    Returns a DataFrame with a row per sample, numbered from 1.
+    Returns a DataFrame with a row per sample, numbered from 1. Its attrs["cautions"] maps variables to what speaks
+    against simulating their best fits, as FittedVariable.cautions does.
     """
     job = _job(_brenvolt.SimulateJob, data=_file_of(source), samples=samples, method=method, seed=seed, truncate=truncate,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
@@ -410,9 +411,9 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
         chosen = kept if matrix is None else chosen
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
-    simulated, seed = job.run(_fitted_sheet(source, sheet), chosen)
+    simulated, seed, cautions = job.run(_fitted_sheet(source, sheet), chosen)
     frame = simulated.to_pandas()
-    frame.attrs["seed"] = seed
+    frame.attrs["seed"], frame.attrs["cautions"] = seed, cautions
     return frame
 
 

@@ -15,6 +15,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/simulation_interface.h"
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
+#include "brv_sra/simulation/saved_fits.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -63,6 +64,14 @@ Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
   return std::shared_ptr<AutomationObject>(dialog.SimulationFile(indexes[0].ToText()));
 }
 
+// For programs: it is not shown.
+Variant GetSavedFits(Dialog& dialog, Indexes) {
+  if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
+  const SimulationOptions& options = dialog.SimulationAndRisk().Simulation().options;
+  const auto fits = ValueOrThrow(SavedFits(*dialog.GetInputTable(), options.variables, options.truncate));
+  return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(SavedFitsSheet(fits)));
+}
+
 // Takes a spreadsheet; nothing takes the matrix away.
 void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
   if (value.IsEmpty()) {
@@ -79,8 +88,8 @@ constexpr Member Method(std::string_view name) {
   return Member{name, GetChecked<Dialog, Control>, PutChosen<Dialog, Control>}.AsChoice();
 }
 
-// The last two have no control; they follow the last member of the interface.
-constexpr std::array<Member, 14> kMembers{{
+// The last three have no control; they follow the last member of the interface.
+constexpr std::array<Member, 15> kMembers{{
     {"Variables", GetVariables, PutVariables},
     Method<kMonteCarlo>("MonteCarloMethod"),
     Method<kLatinHypercube>("LHSMethod"),
@@ -95,6 +104,7 @@ constexpr std::array<Member, 14> kMembers{{
     Member{"SimulationResults", GetSimulationResults, nullptr}.ByButton(kSimulate),
     {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
     {"SimulationFile", GetSimulationFile, nullptr},
+    {"SavedFits", GetSavedFits, nullptr},
 }};
 static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
 

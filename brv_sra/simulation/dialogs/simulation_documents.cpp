@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
@@ -48,6 +49,21 @@ std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, SampleSummar
   for (const ResultColumn* moment : kMomentColumns) AddColumn(*sheet, *moment, column(c++));
   for (const int percent : kSummaryPercents)
     AddColumn(*sheet, "percentile"_column, column(c++), std::to_string(percent));
+  return sheet;
+}
+
+std::unique_ptr<Spreadsheet> SavedFitsSheet(std::span<const SavedFit> fits) {
+  std::vector<std::string> names;
+  for (const SavedFit& fit : fits) names.emplace_back(DisplayName(fit.specification.code));
+  auto sheet = NewResultSheet(std::string(ResourceString(kTitleSavedFits)), std::move(names));
+  const auto add = [&](const ResultColumn& column, auto value) {
+    AddColumn(*sheet, column, [&](std::size_t i) { return OrMissing(static_cast<double>(value(fits[i]))); });
+  };
+  add("variable_number"_column, [](const SavedFit& fit) { return fit.variableNumber; });
+  add("saved_place"_column, [](const SavedFit& fit) { return fit.place; });
+  add("below_zero"_column, [](const SavedFit& fit) { return fit.reach.belowZero; });
+  add("above_zero"_column, [](const SavedFit& fit) { return fit.reach.aboveZero; });
+  add("infinite_moment"_column, [](const SavedFit& fit) { return fit.reach.infiniteMoment; });
   return sheet;
 }
 

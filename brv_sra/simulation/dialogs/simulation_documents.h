@@ -3,9 +3,11 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <string>
 
 #include "brv_sra/simulation/design_correlations.h"
+#include "brv_sra/simulation/saved_fits.h"
 #include "brv_sra/simulation/simulation_design.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/tables/spreadsheet.h"
@@ -20,6 +22,9 @@ void TitleOutput(Spreadsheet& output, SimulationMethod method);
 
 // One case per variable, by name.
 std::unique_ptr<Spreadsheet> SummarySheet(const std::string& title, SampleSummaries summaries);
+
+// One case per fit, by its display name.
+std::unique_ptr<Spreadsheet> SavedFitsSheet(std::span<const SavedFit> fits);
 
 // One case per pair of variables of an output, (1, 2), (1, 3), …, (2, 3), …: the correlation asked for, the
 // one used after a repair, and those reached, Pearson's and Spearman's; missing if they are not defined.
