@@ -7,6 +7,7 @@
 namespace brenvolt::cli {
 
 void AddFitCommand(CLI::App& program);
+void AddDesignCommand(CLI::App& program);
 void AddSimulateCommand(CLI::App& program);
 void AddProfileCommand(CLI::App& program);
 void AddScoreCommand(CLI::App& program);

@@ -12,8 +12,8 @@ namespace {
 
 // The fields whose options have other names.
 const std::map<std::string, std::string, std::less<>> kOtherNames{
-    {"data", "DATA"},        {"fixed", "--fix"}, {"formulas", "--formula"},   {"models", "--model"},
-    {"offsets", "--offset"}, {"output", "-o"},   {"specifications", "--spec"}};
+    {"data", "DATA"},        {"fixed", "--fix"}, {"formulas", "--formula"},  {"models", "--model"},
+    {"offsets", "--offset"}, {"output", "-o"},   {"project", "PROJECT.bvw"}, {"specifications", "--spec"}};
 
 }  // namespace
 

@@ -87,6 +87,7 @@ int Run(int argc, char** argv) {
   program.require_subcommand(1);
   program.footer("brenvolt COMMAND --help gives details and an example." + kExitStatuses);
   brenvolt::cli::AddFitCommand(program);
+  brenvolt::cli::AddDesignCommand(program);
   brenvolt::cli::AddSimulateCommand(program);
   brenvolt::cli::AddProfileCommand(program);
   brenvolt::cli::AddScoreCommand(program);

@@ -18,6 +18,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
+#include "host/jobs/design_job.h"
 #include "host/jobs/dialog_words.h"
 #include "host/jobs/exchange.h"
 #include "host/jobs/fit_graphs.h"
@@ -189,6 +190,20 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions));
 }
 
+// The variables in their notation by name, the correlations as triples, and the least eigenvalue of their matrix.
+py::tuple Design(const DesignJob& job, const Sheet& sheet) {
+  std::shared_ptr<AnalysisRef> analysis;
+  DesignFindings found;
+  CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, false, analysis), TheJob()); });
+  py::dict variables;
+  for (const NotedVariable& variable : found.design.variables)
+    variables[py::str(variable.name)] = NotationOf(variable.distribution);
+  py::list correlations;
+  for (const NotedCorrelation& pair : found.design.correlations)
+    correlations.append(py::make_tuple(pair.first, pair.second, pair.value));
+  return py::make_tuple(variables, correlations, SmallestEigenvalue(found.design));
+}
+
 // The simulated runs, their seed, and what was found.
 py::tuple Profile(const ProfileJob& job, const Sheet& sheet) {
   std::shared_ptr<AnalysisRef> analysis;
@@ -244,6 +259,30 @@ void BindFitJob(py::module_& module) {
       .def("keep", &KeepFits)
       .def("save_fits", &SaveFitted);
   DefineData(job);
+}
+
+void BindDesignJob(py::module_& module) {
+  py::class_<DesignJob> job(module, "DesignJob");
+  job.def(py::init<>())
+      .def_readwrite("project", &DesignJob::project)
+      .def_readwrite("sheet", &DesignJob::sheet)
+      .def_property(
+          "variables", nullptr,
+          [](DesignJob& j, std::vector<std::string> texts) { j.inputs.variables = std::move(texts); })
+      .def_property(
+          "correlations", nullptr,
+          [](DesignJob& j, std::vector<std::string> texts) { j.inputs.correlations = std::move(texts); })
+      .def_property("matrix", nullptr,
+                    [](DesignJob& j, std::string name) { j.inputs.matrix = std::move(name); })
+      .def_property("from_file", nullptr,
+                    [](DesignJob& j, std::filesystem::path file) { j.inputs.from = std::move(file); })
+      .def("check", &Check<DesignJob>)
+      .def("run", &Design);
+  module.attr("_new_design_sheet") = std::string(kNewDesignSheet);
+  module.def("_notation", [](std::size_t code, std::vector<double> values, double offset) {
+    return NotationOf(
+        {static_cast<DistributionCode>(code), std::move(values), offset, std::nullopt, std::nullopt});
+  });
 }
 
 void BindSimulateJob(py::module_& module) {
@@ -308,6 +347,7 @@ void BindScoreJob(py::module_& module) {
 
 void BindJobs(py::module_& module) {
   BindFitJob(module);
+  BindDesignJob(module);
   BindSimulateJob(module);
   BindProfileJob(module);
   BindScoreJob(module);

@@ -19,7 +19,7 @@ namespace brenvolt {
 using Table = std::shared_ptr<CAnalysisTableDoc>;
 
 // The tasks of the startup dialog.
-enum class Task : std::int32_t { kFit = 0, kSimulate = 1, kProfile = 3 };
+enum class Task : std::int32_t { kFit = 0, kSimulate = 1, kDesign = 2, kProfile = 3 };
 
 // A job that ended because a dialog refused, and has said why, or because the person cancelled it.
 class JobFailed : public std::exception {

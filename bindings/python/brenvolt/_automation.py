@@ -379,6 +379,10 @@ class Application:
         """An empty project without a file."""
         return _brenvolt.Workbook()
 
+    def new_sheet(self, name: str) -> _brenvolt.Spreadsheet:
+        """An empty spreadsheet, in no workbook."""
+        return _brenvolt.Spreadsheet(name)
+
     def analysis(self, sheet: _brenvolt.Spreadsheet | TableDocument) -> Analysis:
         """A new analysis over a spreadsheet: its startup dialog is open."""
         return Analysis(sheet)
@@ -442,6 +446,7 @@ class Application:
 
     Open = open
     NewWorkbook = new_workbook
+    NewSheet = new_sheet
     Analysis = analysis
     ReadCsv = read_csv
     TakeFormerProperties = take_former_properties

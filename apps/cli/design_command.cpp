@@ -1,0 +1,105 @@
+// brenvolt design: distributions and correlations entered by hand, in a project.
+#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include "apps/cli/command_recording.h"
+#include "apps/cli/commands.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/wrong_call.h"
+#include "host/analysis/terminal_user_interface.h"
+#include "host/jobs/design_job.h"
+
+namespace brenvolt::cli {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+struct DesignCall {
+  DesignJob job;
+  std::filesystem::path record;
+  ReportFormat format = ReportFormat::kTable;
+};
+
+Json ReportJson(const DesignCall& call, const DesignFindings& findings, double smallest) {
+  Json variables = Json::array();
+  for (const NotedVariable& variable : findings.design.variables)
+    variables.push_back({{"name", variable.name}, {"distribution", NotationOf(variable.distribution)}});
+  Json correlations = Json::array();
+  for (const NotedCorrelation& correlation : findings.design.correlations) {
+    correlations.push_back(
+        {{"first", correlation.first}, {"second", correlation.second}, {"value", correlation.value}});
+  }
+  return {{"project", call.job.project.string()},
+          {"sheet", findings.sheet},
+          {"variables", variables},
+          {"correlations", correlations},
+          {"smallestEigenvalue", smallest}};
+}
+
+// The lines read back as the design.
+void Report(const DesignCall& call, const DesignFindings& findings) {
+  const double smallest = SmallestEigenvalue(findings.design);
+  if (call.format == ReportFormat::kJson) {
+    std::fputs(JsonText(ReportJson(call, findings, smallest)).c_str(), stdout);
+    return;
+  }
+  if (findings.design.variables.empty()) {
+    std::printf("# No variable of sheet %s has a distribution.\n", findings.sheet.c_str());
+    return;
+  }
+  std::fputs(TextOf(findings.design).c_str(), stdout);
+  if (smallest > 0) return;
+  std::printf(
+      "# These correlations contradict each other: the matrix has the eigenvalue %.3g. A simulation changes "
+      "them as\n"
+      "# little as it has to, and says how.\n",
+      smallest);
+}
+
+void Design(const DesignCall& call) {
+  Recording recording(call.record);
+  TerminalUserInterface terminal(kProgram);
+  Report(call, call.job.Run(terminal, recording.Job()));
+  recording.Commit();
+}
+
+}  // namespace
+
+void AddDesignCommand(CLI::App& program) {
+  const auto call = std::make_shared<DesignCall>();
+  DesignJob& job = call->job;
+  CLI::App* command = program.add_subcommand(
+      "design", "Enter distributions and correlations by hand; without any, print those of a project");
+  command->add_option("project", job.project, "Project (.bvw) to make, or to change")
+      ->required()
+      ->type_name("PROJECT.bvw");
+  command
+      ->add_option("--sheet", job.sheet,
+                   "Sheet of the project; default: the first whose variables carry distributions")
+      ->type_name("NAME");
+  HandInputs& inputs = job.inputs;
+  command->add_option("--variable", inputs.variables, "A variable with its distribution, once for each")
+      ->allow_extra_args(false)
+      ->type_name("'V ~ DISTRIBUTION(…)'");
+  command
+      ->add_option("--correlation", inputs.correlations,
+                   "A rank correlation of two variables, once for each pair")
+      ->allow_extra_args(false)
+      ->type_name("V,V=NUMBER");
+  command->add_option("--from", inputs.from, "A text file of variables and correlations, one a line")
+      ->type_name("FILE");
+  command
+      ->add_option(
+          "--matrix", job.inputs.matrix,
+          "Correlations to begin with: a sheet of the project, a CSV file, or PROJECT.bvw[:SHEET]; default: "
+          "those of the project")
+      ->type_name("SHEET|FILE");
+  AddRecordOption(*command, call->record);
+  AddFormatOption(*command, call->format);
+  command->footer(
+      "Example:\n  brenvolt design plan.bvw --variable 'h ~ normal(50.2, 0.05)' \\\n"
+      "    --variable 'cost ~ triangular(100, 180, 120) in [, 170]' --correlation h,cost=0.4");
+  command->callback([call] { Design(*call); });
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,112 @@
+"""Distributions and correlations entered by hand."""
+
+from __future__ import annotations
+
+import os
+from collections.abc import Iterable, Mapping
+from typing import TYPE_CHECKING, Any
+
+from . import _brenvolt
+from .distributions import Distribution
+
+if TYPE_CHECKING:
+    import pandas
+
+
+class Design:
+    """What a project is designed to simulate."""
+
+    def __init__(self, variables, correlations, smallest_eigenvalue):
+        self.variables: dict[str, str] = variables
+        """The distribution of each variable in the notation: {"h": "normal(location=50.2, scale=0.05)"}."""
+        self.smallest_eigenvalue: float = smallest_eigenvalue
+        """Of the correlations: unless it is above 0 they contradict each other, and a simulation repairs them."""
+        self._pairs = correlations
+
+    @property
+    def correlations(self) -> pandas.DataFrame:
+        """The matrix of the correlations."""
+        import pandas
+
+        names = list(self.variables)
+        frame = pandas.DataFrame(0.0, index=names, columns=names)
+        for name in names:
+            frame.loc[name, name] = 1.0
+        for first, second, value in self._pairs:
+            frame.loc[first, second] = frame.loc[second, first] = value
+        return frame
+
+    def __str__(self):
+        lines = [f"{name} ~ {distribution}" for name, distribution in self.variables.items()]
+        return "\n".join(lines + [f"correlation {a}, {b} = {value!r}" for a, b, value in self._pairs])
+
+    def __repr__(self):
+        return f"<Design of {', '.join(self.variables) or 'nothing'}>"
+
+
+def _notation(name, distribution):
+    if isinstance(distribution, Distribution):
+        values, offset = list(distribution._values), distribution._offset if distribution._has_offset else 0.0
+        return f"{name} ~ {_brenvolt._notation(distribution.code, values, offset)}"
+    if isinstance(distribution, str):
+        return f"{name} ~ {distribution}"
+    raise TypeError(f"the distribution of {name} must be a Distribution or its notation, not {type(distribution).__name__}")
+
+
+def _variables(variables):
+    if variables is None:
+        return []
+    if isinstance(variables, Mapping):
+        return [_notation(name, distribution) for name, distribution in variables.items()]
+    if isinstance(variables, str):
+        return [variables]
+    return [str(line) for line in variables]
+
+
+def _pairs(correlations):
+    """The pairs of a mapping of pairs, or of a square frame."""
+    if correlations is None:
+        return []
+    if isinstance(correlations, Mapping):
+        pairs = [(*pair, value) for pair, value in correlations.items()]
+    elif hasattr(correlations, "columns"):
+        names = [str(name) for name in correlations.columns]
+        if correlations.shape[0] != len(names):
+            raise ValueError(f"correlations must be square, not {correlations.shape[0]} by {len(names)}")
+        values = correlations.to_numpy(dtype=float)
+        if not ((values - values.T) ** 2 <= 1e-18).all():
+            raise ValueError("correlations must be symmetric")
+        pairs = [(names[i], names[j], values[i, j]) for i in range(len(names)) for j in range(i)]
+    else:
+        raise TypeError(f"correlations must be a mapping of pairs or a DataFrame, not {type(correlations).__name__}")
+    return [f"{first},{second}={float(value)!r}" for first, second, value in pairs]
+
+
+def design(project: str | os.PathLike, variables: Mapping[str, Distribution | str] | Iterable[str] | None = None, *,
+           correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | None = None,
+           matrix: str | os.PathLike | None = None, from_file: str | os.PathLike | None = None,
+           sheet: str | None = None) -> Design:
+    """Enters distributions and correlations by hand in a project, which is made if missing, and returns its design.
+
+    variables: {name: distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"); or
+    lines like "h ~ normal(50.2, 0.05)".
+    correlations: {(first, second): number}, or a square DataFrame. Pairs that nothing is said about stay as they are.
+    matrix: correlations to begin with: a sheet of the project, a CSV file, or PROJECT.bvw[:SHEET].
+    from_file: a text file of such lines; the other arguments come after it.
+
+    Without anything to enter, the project stays as it is.
+    """
+    job = _brenvolt.DesignJob()
+    job.project, job.variables, job.correlations = os.fspath(project), _variables(variables), _pairs(correlations)
+    if sheet is not None:
+        job.sheet = sheet
+    if matrix is not None:
+        job.matrix = os.fspath(matrix)
+    if from_file is not None:
+        job.from_file = os.fspath(from_file)
+    job.check()
+    if os.path.exists(project):
+        target = _brenvolt._fitted_sheet(_brenvolt.open_workbook(project), sheet or "")
+    else:
+        target = _brenvolt.Spreadsheet(_brenvolt._new_design_sheet)
+    return Design(*job.run(target))

@@ -1,0 +1,225 @@
+#include "host/jobs/design_job.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "host/automation/type_library.h"
+#include "host/base/almost_equal.h"
+#include "host/base/quoted.h"
+#include "host/jobs/project_files.h"
+#include "host/numeric/algebra/symmetric_eigen.h"
+#include "host/numeric/distributions/distribution_types.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr const char* kNames = "UserDefinedDesignMatrixVariableNames";
+constexpr const char* kCorrelations = "UserDefinedDesignMatrixValues";
+constexpr const char* kSpecification = "SimulationSpecificationOfVariable";
+// The constants that name distributions in what dialogs give, by code.
+constexpr const char* kKeys = "SupportedDistributionsType";
+
+std::size_t PlaceOf(const std::vector<std::string>& names, const std::string& name) {
+  return static_cast<std::size_t>(std::ranges::find(names, name) - names.begin());
+}
+
+std::vector<std::string> NamesIn(AutomationObject& dialog) {
+  std::vector<std::string> names;
+  for (const Variant& name : dialog.Get(kNames).ToArray()) names.push_back(name.ToText());
+  return names;
+}
+
+// The array by which dialogs take a distribution.
+Variant::Array SpecificationOf(const NotedDistribution& noted) {
+  const DistributionFacts& facts = TypeOf(noted.code).facts;
+  Variant::Array array{std::string(facts.name)};
+  for (const double value : noted.values) array.emplace_back(value);
+  if (facts.HasOffset()) array.emplace_back(noted.offset);
+  for (const auto& bound : {noted.minimum, noted.maximum}) {
+    array.emplace_back(std::int32_t{bound ? 1 : 0});
+    array.emplace_back(bound.value_or(0.0));
+  }
+  return array;
+}
+
+NotedDistribution DistributionFrom(const Variant::Array& array) {
+  const auto& keys = FindEnumeration(kKeys)->constants;
+  const std::string key = array.front().ToText();
+  NotedDistribution noted;
+  noted.code = static_cast<DistributionCode>(std::ranges::find(keys, key) - keys.begin());
+  const DistributionFacts& facts = TypeOf(noted.code).facts;
+  const auto truncation = array.end() - 4;
+  for (auto item = array.begin() + 1; item != truncation; ++item) noted.values.push_back(item->ToReal());
+  if (facts.HasOffset()) {
+    noted.offset = noted.values.back();
+    noted.values.pop_back();
+  }
+  if (truncation[0].ToBoolean()) noted.minimum = truncation[1].ToReal();
+  if (truncation[2].ToBoolean()) noted.maximum = truncation[3].ToReal();
+  return noted;
+}
+
+void PutCorrelations(AutomationObject& dialog, const DesignText& design,
+                     const std::vector<std::string>& names) {
+  if (design.correlations.empty()) return;
+  std::vector<Variant::Array> rows;
+  for (const Variant& row : dialog.Get(kCorrelations).ToArray()) rows.push_back(row.ToArray());
+  for (const NotedCorrelation& correlation : design.correlations) {
+    const std::size_t i = PlaceOf(names, correlation.first);
+    const std::size_t j = PlaceOf(names, correlation.second);
+    rows.at(i).at(j) = rows.at(j).at(i) = correlation.value;
+  }
+  Variant::Array matrix;
+  for (Variant::Array& row : rows) matrix.emplace_back(std::move(row));
+  dialog.Put(kCorrelations, matrix);
+}
+
+std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) names.push_back(sheet.VariableAt(i).Name());
+  return names;
+}
+
+}  // namespace
+
+DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& faults) const {
+  DesignText design;
+  if (!from.empty()) {
+    try {
+      ReadDesignFile(from, others, design, faults);
+    } catch (const Error& error) {
+      faults.push_back({"from", error.Where() + " " + error.what()});
+    }
+  }
+  for (const std::string& text : variables) AddVariable("variable", text, design, faults);
+  for (const std::string& text : correlations) AddCorrelation("correlation", text, others, design, faults);
+  return design;
+}
+
+void FillDesign(AnalysisSession& session, const DesignText& design, const Table& matrix) {
+  const auto dialog = session.Dialog();
+  const std::vector<std::string> former = NamesIn(*dialog);
+  std::vector<std::string> names = former;
+  for (const NotedVariable& variable : design.variables) {
+    if (PlaceOf(names, variable.name) == names.size()) names.push_back(variable.name);
+  }
+  if (names != former) dialog->Put(kNames, Variant::Array(names.begin(), names.end()));
+  for (const NotedVariable& variable : design.variables) {
+    const auto place = static_cast<std::int32_t>(PlaceOf(names, variable.name)) + 1;
+    dialog->Put(kSpecification, place, SpecificationOf(variable.distribution));
+  }
+  if (matrix != nullptr) dialog->Put(kCorrelations, Variant::Object(matrix));
+  PutCorrelations(*dialog, design, names);
+}
+
+DesignText DesignIn(AnalysisSession& session) {
+  const auto dialog = session.Dialog();
+  const std::vector<std::string> names = NamesIn(*dialog);
+  const Variant::Array rows = dialog->Get(kCorrelations).ToArray();
+  DesignText design;
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const Variant index(static_cast<std::int32_t>(i) + 1);
+    const Variant specification = dialog->Get(kSpecification, {&index, 1});
+    if (specification.IsEmpty()) continue;
+    design.variables.push_back({names[i], DistributionFrom(specification.ToArray())});
+    for (const std::size_t other : places) {
+      const double value = rows[i].ToArray()[other].ToReal();
+      if (value != 0) design.correlations.push_back({names[other], names[i], value});
+    }
+    places.push_back(i);
+  }
+  return design;
+}
+
+double SmallestEigenvalue(const DesignText& design) {
+  const std::vector<std::string> names = design.Names();
+  const std::size_t k = names.size();
+  if (k == 0) return 1;
+  std::vector<double> matrix(k * k, 0.0);
+  for (std::size_t i = 0; i < k; ++i) matrix[i * k + i] = 1;
+  for (const NotedCorrelation& correlation : design.correlations) {
+    const std::size_t i = PlaceOf(names, correlation.first);
+    const std::size_t j = PlaceOf(names, correlation.second);
+    matrix[i * k + j] = matrix[j * k + i] = correlation.value;
+  }
+  std::vector<double> values(k);
+  std::vector<double> vectors(k * k);
+  if (!SymmetricEigen(matrix, k, values, vectors)) return 1;
+  return *std::ranges::min_element(values);
+}
+
+JobFaults DesignJob::Check() const {
+  JobFaults faults;
+  CheckProjectEnding("project", project, faults);
+  std::error_code ignored;
+  const std::vector<std::string> none;
+  const bool exists = std::filesystem::exists(project, ignored);
+  const DesignText design = inputs.Read(exists ? nullptr : &none, faults);
+  if (exists) return faults;
+  if (inputs.IsEmpty()) faults.push_back({"project", "there is no file " + project.string()});
+  if (!inputs.IsEmpty() && design.variables.empty() && faults.empty())
+    faults.push_back({"variable", "a new project needs at least one variable"});
+  if (!sheet.empty()) faults.push_back({"sheet", "a new project has no sheet to choose"});
+  return faults;
+}
+
+Table DesignJob::GivenMatrix(const JobInput& input, JobRecorder& recorder) const {
+  const Workbook none;
+  const Workbook& workbook = input.home != nullptr ? input.home->workbook : none;
+  const std::string sheetName = recorder.NameOf(input.recorded);
+  std::unique_ptr<Spreadsheet> matrix = inputs.matrix.empty()
+                                            ? SavedMatrix(workbook, input.sheet)
+                                            : NamedMatrix(inputs.matrix, workbook, "matrix " + inputs.matrix);
+  if (matrix == nullptr) return nullptr;
+  const Table table = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
+  if (inputs.matrix.empty()) {
+    recorder.Gave("matrix", nullptr, "SavedMatrix", {sheetName}, table.get());
+  } else {
+    recorder.Gave("matrix", nullptr, "NamedMatrix", {PythonText(inputs.matrix), sheetName}, table.get());
+  }
+  return table;
+}
+
+DesignFindings DesignJob::Run(const JobInput& input, JobRecorder& recorder) const {
+  RequireNone(Check());
+  const std::vector<std::string> known = VariableNamesOf(input.sheet);
+  JobFaults faults;
+  const DesignText wanted = inputs.Read(&known, faults);
+  RequireNone(std::move(faults));
+  const Table given = GivenMatrix(input, recorder);
+  AnalysisSession& session = input.start();
+  session.Begin(Task::kDesign);
+  FillDesign(session, wanted, given);
+  DesignFindings findings{DesignIn(session), input.sheet.Name()};
+  if (inputs.IsEmpty()) return findings;
+  session.Attempt([&] { return session.Dialog()->Call("SaveDistributionToInput"); });
+  const Variant matrix = session.Dialog()->Get("CorrelationMatrix");
+  const auto made = std::dynamic_pointer_cast<CAnalysisTableDoc>(matrix.ToObject());
+  RecordShown(session, recorder);
+  SaveFits(input.sheet, std::make_unique<Spreadsheet>(made->Table()), input.home, project);
+  recorder.Called(nullptr, "SaveFits",
+                  {recorder.NameOf(input.recorded), recorder.NameOf(made.get()), PythonPath(project)});
+  return findings;
+}
+
+DesignFindings DesignJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
+  RequireNone(Check());
+  std::error_code ignored;
+  JobRun run;
+  if (std::filesystem::exists(project, ignored)) {
+    run.data = OpenProject(project);
+    run.sheet = &FittedSheet(run.data, sheet);
+    recorder.Opened(project, false, &run.data.workbook);
+    recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
+  } else {
+    run.sheet = &run.data.workbook.Add(std::make_unique<Spreadsheet>(std::string(kNewDesignSheet)));
+    recorder.Gave("sheet", nullptr, "NewSheet", {PythonText(std::string(kNewDesignSheet))}, run.sheet);
+  }
+  JobInput input = run.Input(interface, recorder);
+  if (!run.data.isProject) input.home = nullptr;
+  return Run(input, recorder);
+}
+
+}  // namespace brenvolt

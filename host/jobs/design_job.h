@@ -1,0 +1,60 @@
+// Distributions and correlations entered by hand: what a person may ask for, and its run.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/jobs/design_text.h"
+#include "host/jobs/job_data.h"
+#include "host/jobs/job_fault.h"
+
+namespace brenvolt {
+
+// What every job takes that works on designed variables.
+struct HandInputs {
+  std::vector<std::string> variables;     // in the notation: "h ~ normal(50.2, 0.05)"
+  std::vector<std::string> correlations;  // "h,a=0.4"
+  std::string matrix;                     // its name (NamedMatrix); the correlations are entered into it
+  std::filesystem::path from;             // a text file of such lines, before the others
+
+  bool IsEmpty() const { return variables.empty() && correlations.empty() && matrix.empty() && from.empty(); }
+  // What the texts say, with the faults of all. Correlations may name `others`, too; if that is null, any variable.
+  DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;
+};
+
+// Fills the open dialog of the design: variables that it lacks are added, those that it has get new distributions.
+// `matrix` may be null. Throws Error.
+void FillDesign(AnalysisSession& session, const DesignText& design, const Table& matrix);
+// What the open dialog of the design holds: the variables that are simulated, and correlations other than 0.
+DesignText DesignIn(AnalysisSession& session);
+// The least eigenvalue of the correlations of a design: unless it is above 0, a simulation repairs them.
+double SmallestEigenvalue(const DesignText& design);
+
+// The sheet of a new project.
+inline constexpr std::string_view kNewDesignSheet = "Design";
+
+struct DesignFindings {
+  DesignText design;
+  std::string sheet;  // of the project
+};
+
+struct DesignJob {
+  std::filesystem::path project;  // made, or changed
+  std::string sheet;              // of the project; empty: the first whose variables carry distributions
+  HandInputs inputs;              // none: the project's design is read
+
+  // All that can be refused without the project.
+  JobFaults Check() const;
+  // Throws WrongJob, JobFailed and Error; the project is then as it was.
+  DesignFindings Run(ProgramInterface& interface, JobRecorder& recorder) const;
+  // The same from the project's sheet, or a new one, that is open.
+  DesignFindings Run(const JobInput& input, JobRecorder& recorder) const;
+
+ private:
+  // The matrix that was named, else that saved with the project's design; null without.
+  Table GivenMatrix(const JobInput& input, JobRecorder& recorder) const;
+};
+
+}  // namespace brenvolt

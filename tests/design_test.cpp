@@ -1,0 +1,130 @@
+// brenvolt design as a user runs it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdio>
+#include <sstream>
+
+#include "tests/command_fixture.h"
+
+namespace brenvolt::test {
+namespace {
+
+constexpr const char* kPlan =
+    "h ~ normal(location=50.2, scale=0.05)\n"
+    "cost ~ triangular(min=100, max=180, mode=120) in [100, 170]\n"
+    "n ~ poisson(3)\n"
+    "correlation h, cost = 0.4\n";
+
+TEST_F(Command, DesignIsPrintedAsItReadsBack) {
+  const auto made = MustRun({"design", "plan.bvw", "--variable", "h ~ normal(50.2, 0.05)", "--variable",
+                             "cost ~ triangular(100, 180, 120) in [100, 170]", "--variable", "n ~ poisson(3)",
+                             "--correlation", "h,cost=0.4"});
+  EXPECT_EQ(made.out, kPlan);
+  EXPECT_EQ(MustRun({"design", "plan.bvw"}).out, kPlan) << "the project holds it";
+  WriteBytes(File("plan.txt"), made.out);
+  EXPECT_EQ(MustRun({"design", "again.bvw", "--from", "plan.txt"}).out, kPlan);
+  const std::vector<std::string> simulate{"--method", "latin-hypercube-iman-conover", "--seed", "7", "-o"};
+  for (const std::string name : {"plan", "again"}) {
+    std::vector<std::string> call{"simulate", name + ".bvw"};
+    call.insert(call.end(), simulate.begin(), simulate.end());
+    call.push_back(name + ".csv");
+    MustRun(call);
+  }
+  EXPECT_EQ(BytesOf(File("plan.csv")), BytesOf(File("again.csv")));
+}
+
+TEST_F(Command, DesignChangesWhatIsNamedAndKeepsTheRest) {
+  WriteBytes(File("plan.txt"), kPlan);
+  MustRun({"design", "plan.bvw", "--from", "plan.txt"});
+  const auto changed = MustRun({"design", "plan.bvw", "--variable", "n ~ poisson(4)", "--variable",
+                                "k ~ bernoulli(0.1)", "--correlation", "k, h = -0.2"});
+  EXPECT_EQ(changed.out,
+            "h ~ normal(location=50.2, scale=0.05)\n"
+            "cost ~ triangular(min=100, max=180, mode=120) in [100, 170]\n"
+            "n ~ poisson(4)\nk ~ bernoulli(0.1)\n"
+            "correlation h, cost = 0.4\ncorrelation h, k = -0.2\n");
+}
+
+TEST_F(Command, DesignOverDataStandsBesideItsFits) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "geyser.bvw"});
+  const auto before = MustRun({"design", "geyser.bvw"}).out;
+  EXPECT_NE(before.find("correlation eruptions, waiting = 0.900811168321"), std::string::npos) << before;
+  const auto after =
+      MustRun({"design", "geyser.bvw", "--variable", "waiting ~ normal(70, 10) in [40, ]"}).out;
+  EXPECT_NE(after.find("waiting ~ normal(location=70, scale=10) in [40, ]\n"), std::string::npos) << after;
+  EXPECT_EQ(after.substr(0, after.find('\n')), before.substr(0, before.find('\n'))) << "the other variable";
+  const auto wrong = Run({"design", "geyser.bvw", "--variable", "height ~ normal(70, 10)"});
+  EXPECT_EQ(wrong.status, 1);
+  EXPECT_NE(wrong.err.find("no numeric variable called height"), std::string::npos) << wrong.err;
+}
+
+// The gap of a stack is a sum, so its mean is the sum of the means and its variance the sum of the variances and of twice
+// the covariance of a and b. A triangular distribution has the variance (range / 2)^2 / 6 if it is symmetric; a
+// log-normal one has the mean exp(m + s^2 / 2).
+TEST_F(Command, ToleranceStackHasItsExactMeanAndDeviation) {
+  MustRun({"design", "stack.bvw", "--from", kExamples + "tolerance_stack.txt"});
+  MustRun({"simulate", "stack.bvw", "--method", "latin-hypercube-iman-conover", "--samples", "20000",
+           "--seed", "7", "-o", "stack.csv"});
+  std::istringstream lines(BytesOf(File("stack.csv")));
+  std::string line;
+  std::getline(lines, line);
+  ASSERT_EQ(line, "Sample #,housing,a,b,c,d");
+  double sum = 0;
+  double squares = 0;
+  int count = 0;
+  while (std::getline(lines, line)) {
+    double sample = 0, housing = 0, a = 0, b = 0, c = 0, d = 0;
+    ASSERT_EQ(std::sscanf(line.c_str(), "%lf,%lf,%lf,%lf,%lf,%lf", &sample, &housing, &a, &b, &c, &d), 6)
+        << line;
+    const double gap = housing - a - b - c - d;
+    sum += gap;
+    squares += gap * gap;
+    ++count;
+  }
+  const double mean = 120 - 30 - 25.5 - 40 - std::exp(3.178 + 0.001 * 0.001 / 2);
+  const double logNormal = 0.001 * 24.0;
+  const double variance = 0.04 * 0.04 + 2 * 0.02 * 0.02 * (1 + 0.6) + 0.1 * 0.1 / 6 + logNormal * logNormal;
+  EXPECT_NEAR(sum / count, mean, 1e-4);
+  EXPECT_NEAR(std::sqrt(squares / count - sum / count * (sum / count)), std::sqrt(variance),
+              0.02 * std::sqrt(variance));
+}
+
+TEST_F(Command, ContradictingCorrelationsAreSaidAndTaken) {
+  const auto made = MustRun({"design", "p.bvw", "--variable", "a ~ normal(0, 1)", "--variable",
+                             "b ~ normal(0, 1)", "--variable", "c ~ normal(0, 1)", "--correlation", "a,b=0.9",
+                             "--correlation", "a,c=0.9", "--correlation", "b,c=-0.9"});
+  EXPECT_NE(made.out.find("# These correlations contradict each other"), std::string::npos);
+  EXPECT_LT(Json::parse(MustRun({"design", "p.bvw", "--format", "json"}).out)["smallestEigenvalue"], 0);
+}
+
+TEST_F(Command, WrongDesignsAreRefusedBeforeAnythingIsWritten) {
+  const struct {
+    std::vector<std::string> options;
+    std::string message;
+  } rows[] = {
+      {{}, "there is no file plan.bvw (PROJECT.bvw)"},
+      {{"--variable", "h ~ nomral(1, 2)"}, "no distribution is called 'nomral'; did you mean normal?"},
+      {{"--variable", "h ~ nomral(1, 2)"}, "(character 5 of 'h ~ nomral(1, 2)')"},
+      {{"--variable", "h ~ normal(1, 0)"},
+       "expected a number above 0 for scale, got '0'; normal takes location, scale"},
+      {{"--variable", "h ~ normal(1, 1)", "--variable", "h ~ poisson(1)"}, "the variable h is given twice"},
+      {{"--variable", "h ~ normal(1, 1)", "--correlation", "h,x=0.5"}, "no variable is called 'x'"},
+      {{"--variable", "h ~ normal(1, 1)", "--correlation", "h,h=0.5"}, "correlated with itself"},
+      {{"--variable", "h ~ histogram(0:0.5, 1:0.4)"}, "the proportions must add up to 1; they add up to 0.9"},
+      {{"--correlation", "a,b=0.5"}, "no variable is called 'a'"},
+      {{"--from", "none.txt"}, "none.txt cannot be read"},
+      {{"--variable", "h ~ normal(1, 1)", "--sheet", "x"}, "a new project has no sheet to choose"},
+  };
+  for (const auto& row : rows) {
+    std::vector<std::string> call{"design", "plan.bvw"};
+    call.insert(call.end(), row.options.begin(), row.options.end());
+    const auto run = Run(call);
+    EXPECT_EQ(run.status, 2) << row.message;
+    EXPECT_NE(run.err.find(row.message), std::string::npos) << run.err;
+    EXPECT_FALSE(std::filesystem::exists(File("plan.bvw"))) << row.message;
+  }
+}
+
+}  // namespace
+}  // namespace brenvolt::test
