@@ -692,6 +692,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
        2,
        "--discrete-rank-by"},
       {{"fit", "weights.csv", "--binning", "equal"}, 2, "--binning"},
+      {{"fit", "weights.csv", "--select", "a > 1e9"}, 2, "no case meets the condition 'a > 1e9' (--select)"},
       {{"fit", "weights.csv", "--bootstrap", "0"}, 2, "--bootstrap"},
       {{"fit", "weights.csv", "--bootstrap", "1000001"}, 2, "--bootstrap"},
       {{"fit", "weights.csv", "--bootstrap-seed", "4"}, 2, "a seed has no effect without a bootstrap"},
@@ -842,9 +843,9 @@ TEST_F(Command, ListsLeaveTheDataFileAlone) {
 }
 
 TEST_F(Command, EveryVerbHasHelpWithAnExample) {
-  for (const std::string verb : {"fit", "simulate", "show", "import", "export"}) {
-    const Outcome help = MustRun({verb, "--help"});
-    EXPECT_NE(help.out.find("Example:\n  brenvolt " + verb), std::string::npos) << help.out;
+  for (const std::string command : {"fit", "simulate", "show", "import", "export"}) {
+    const Outcome help = MustRun({command, "--help"});
+    EXPECT_NE(help.out.find("Example:\n  brenvolt " + command), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("Exit status: 0 done; 1 the job failed"), std::string::npos) << help.out;
   }
 }

@@ -526,5 +526,26 @@ TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
       << outcome.err;
 }
 
+TEST_F(Command, ProfileRefusesAMatrixAndDrawsFromNoFitThatTheDataContradict) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const Outcome matrix =
+      Run({"profile", "p.bvw", "--sheet", "Correlation matrix", "--formula", "Y = eruptions"});
+  EXPECT_EQ(matrix.status, 1);
+  EXPECT_EQ(matrix.err, "brenvolt: the sheet holds a matrix, not cases (Correlation matrix)\n");
+  for (const char* file : {"portpirie_sea_level", "danish_fire_losses"}) {
+    const Json fitted = Json::parse(Run({"fit", kExamples + file + ".csv", "--format", "json"}).out);
+    const Json& variable = fitted["variables"][0];
+    const std::string name = variable["name"];
+    const Outcome run = Run({"profile", kExamples + file + ".csv", "--fit-best", "--formula",
+                             "Y = 2 * " + name, "--seed", "1", "--format", "json"});
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::string drawn = Json::parse(run.out)["predictors"][0]["distribution"];
+    for (const Json& fit : variable["fits"]) {
+      if (fit["valuesWithoutDensity"].is_null() || fit["valuesWithoutDensity"] == 0) continue;
+      EXPECT_FALSE(drawn.starts_with(fit["distribution"].get<std::string>() + "(")) << drawn;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace brenvolt::test

@@ -1,4 +1,4 @@
-// --record: a verb's job as a macro.
+// --record: a command's job as a macro.
 #pragma once
 
 #include <CLI/CLI.hpp>

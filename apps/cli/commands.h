@@ -1,4 +1,4 @@
-// The verbs of the command. Each adds itself with its options and help to the program; its job runs after
+// The commands of the program. Each adds itself with its options and help to the program; its job runs after
 // parsing.
 #pragma once
 

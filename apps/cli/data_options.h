@@ -1,4 +1,4 @@
-// Options and actions that several verbs share: from the words of a call to the structure of a job, whose
+// Options and actions that several commands share: from the words of a call to the structure of a job, whose
 // fields they fill.
 #pragma once
 

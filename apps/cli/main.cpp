@@ -23,7 +23,7 @@ constexpr int kInterrupted = 130;
 const std::string kExitStatuses =
     "\n\nExit status: 0 done; 1 the job failed; 2 the call was wrong, and nothing was done; 130 interrupted.";
 
-// The only option of the verb macro that takes a file.
+// The only option of the command macro that takes a file.
 const std::string kRecordOption = "--record";
 
 void Complain(const std::string& what, const std::string& where = {}) {
@@ -33,14 +33,14 @@ void Complain(const std::string& what, const std::string& where = {}) {
 
 void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
   if (argc >= 2 && argv[1][0] == '-') return;
-  std::string verbs;
-  for (const CLI::App* verb : program.get_subcommands({})) {
-    if (argc >= 2 && verb->get_name() == argv[1]) return;
-    verbs += (verbs.empty() ? "" : ", ") + verb->get_name();
+  std::string names;
+  for (const CLI::App* command : program.get_subcommands({})) {
+    if (argc >= 2 && command->get_name() == argv[1]) return;
+    names += (names.empty() ? "" : ", ") + command->get_name();
   }
-  if (argc < 2) throw brenvolt::cli::WrongCall("missing command; the commands are " + verbs);
+  if (argc < 2) throw brenvolt::cli::WrongCall("missing command; the commands are " + names);
   throw brenvolt::cli::WrongCall("unknown command " + brenvolt::Quoted(argv[1]) + "; the commands are " +
-                                 verbs);
+                                 names);
 }
 
 // The arguments as the parser takes them, last first. Everything after a macro's file belongs to the macro,
@@ -58,11 +58,11 @@ std::vector<std::string> Arguments(int argc, char** argv) {
   return arguments;
 }
 
-// What the parser found wrong, as a sentence about the verb that was called.
+// What the parser found wrong, as a sentence about the command that was called.
 std::string Complaint(const CLI::App& program, const CLI::ParseError& error) {
-  const auto verbs = program.get_subcommands();
+  const auto called = program.get_subcommands();
   const std::string help =
-      "; brenvolt " + (verbs.empty() ? "" : verbs.front()->get_name() + " ") + "--help shows what there is";
+      "; brenvolt " + (called.empty() ? "" : called.front()->get_name() + " ") + "--help shows what there is";
   if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
     const std::vector<std::string> left = program.remaining(true);
     const auto option =
@@ -96,7 +96,8 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddExportCommand(program);
   brenvolt::cli::AddMacroCommand(program);
   brenvolt::cli::AddTypelibCommand(program);
-  for (CLI::App* verb : program.get_subcommands({})) verb->footer(verb->get_footer() + kExitStatuses);
+  for (CLI::App* command : program.get_subcommands({}))
+    command->footer(command->get_footer() + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);
   try {
     program.parse(Arguments(argc, argv));

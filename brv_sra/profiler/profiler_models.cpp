@@ -433,6 +433,7 @@ FitSpecification BestFitSpecification(const std::vector<std::int16_t>& numbers) 
   FitSpecification specification;
   specification.continuous = numbers;
   specification.continuousSpecifications.assign(numbers.size(), BestFitCandidates());
+  specification.contradictedLast = true;
   return specification;
 }
 

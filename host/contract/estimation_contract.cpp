@@ -85,6 +85,7 @@ std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const
   // In the order of DistributionCode.
   constexpr std::array<std::int32_t, kDistributionCount> kTestCodes{1,  9,  13, 14, 12, 10, 15, 16,
                                                                     17, 18, 19, 21, 20, 22, 23, 24};
+  static_assert(kTestCodes.back() != 0, "a distribution that is added needs a number here");
   statistic = kNotSet;
   const auto found = std::ranges::find(kTestCodes, testCode);
   if (found == kTestCodes.end()) return 0;

@@ -165,6 +165,9 @@ void FitJob::ApplyCaseOptions(Spreadsheet& sheet) const {
   } catch (const Error& error) {
     throw WrongJob("select", error.Where() + ": " + error.what());
   }
+  const auto& accepted = sheet.Selection().accepted;
+  if (!accepted.empty() && std::ranges::count(accepted, 0) == std::ssize(accepted))
+    throw WrongJob("select", "no case meets the condition " + Quoted(*select));
 }
 
 // Bounds between which the distribution to simulate has no values would be found by the simulation only.

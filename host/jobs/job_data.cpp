@@ -6,6 +6,10 @@
 
 namespace brenvolt {
 
+void RequireCases(const Spreadsheet& sheet) {
+  if (sheet.Kind() != SheetKind::kData) throw Error("the sheet holds a matrix, not cases", sheet.Name());
+}
+
 std::int32_t DrawSeed() {
   std::random_device source;
   return std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source);

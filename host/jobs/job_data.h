@@ -22,6 +22,9 @@ struct JobData {
   CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
 };
 
+// Throws Error for a matrix, whose rows are no cases.
+void RequireCases(const Spreadsheet& sheet);
+
 // A seed for a job that was given none, from 1 to 2147483647, from the system's source of random numbers: jobs that
 // start within one tick of the clock differ, too.
 std::int32_t DrawSeed();

@@ -293,6 +293,7 @@ std::string WriteSimulated(const std::filesystem::path& path, const Table& simul
 // The files are written when all results are there.
 ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
+  RequireCases(input.sheet);
   RefuseReplacedProject(output);
   if (!graphs.empty()) RefuseProjectTarget(graphs);
   if (!graphs.empty() && recorder.IsRecording()) throw WrongJob("graphs", "graphs cannot be recorded");

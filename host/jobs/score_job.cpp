@@ -16,7 +16,7 @@ JobFaults ScoreJob::Check() const {
 }
 
 ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet& cases) const {
-  if (cases.Kind() != SheetKind::kData) throw Error("the sheet holds a matrix, not cases", cases.Name());
+  RequireCases(cases);
   const auto isCategorical = [](const ModelField& field) {
     return field.kind == ModelFieldKind::kCategorical;
   };

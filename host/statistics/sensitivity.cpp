@@ -90,6 +90,8 @@ void Regress(const std::vector<double>& correlations, std::size_t columns, Sensi
     row.linearContribution = coefficients[i] * coefficients[i];
     table.rSquared += coefficients[i] * right[i];
   }
+  // Rounding may carry a sum of exact shares past the whole.
+  table.rSquared = std::clamp(table.rSquared, 0.0, 1.0);
 }
 
 void FillRankContributions(std::vector<SensitivityRow>& rows) {

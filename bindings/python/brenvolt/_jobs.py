@@ -9,7 +9,7 @@ import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
-from . import _automation, _brenvolt, distributions as _distributions
+from . import _automation, _brenvolt, _sheets, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
 
 if TYPE_CHECKING:
@@ -46,10 +46,7 @@ def _sheet_of(data, name, required=()):
             raise TypeError(f"data must be {_DATA}, and not empty")
         columns = data.T if getattr(data, "ndim", 1) == 2 else [data]
         data = {"x" if len(columns) == 1 else f"x{i}": column for i, column in enumerate(columns, start=1)}
-    sheet = Spreadsheet(name or "Sheet")
-    for column, values in data.items():
-        sheet[str(column)] = values
-    return sheet
+    return _sheets._from_columns(data, name or "Sheet", required)
 
 
 def _is_lent(data):

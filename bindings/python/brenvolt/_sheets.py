@@ -76,6 +76,34 @@ def _setitem(self, name, values):
         _set_column(self, name, series, _kind(series))
 
 
+def _from_columns(columns, name, required):
+    """A spreadsheet with the columns of a mapping, under the rules of _from_pandas."""
+    sheet = Spreadsheet(name)
+    left_out = []
+    for column, values in columns.items():
+        title, kind = str(column), _kind_of(values)
+        if kind in _OTHERS and title not in required:
+            left_out.append(f"{title} ({kind})")
+        else:
+            sheet[title] = values
+    _say_left_out(left_out)
+    return sheet
+
+
+def _kind_of(values):
+    """The kind of any column; plain arrays of numbers need no pandas."""
+    if getattr(getattr(values, "dtype", None), "kind", "O") in "fiub":
+        return "numbers"
+    import pandas
+
+    return _kind(values if isinstance(values, pandas.Series) else pandas.Series(values))
+
+
+def _say_left_out(columns):
+    if columns:
+        warn(f"columns that hold neither numbers nor texts are left out: {', '.join(columns)}")
+
+
 def _from_pandas(frame, name="Sheet", required=()):
     """A spreadsheet with the columns of a DataFrame, or of a Series.
 
@@ -100,8 +128,7 @@ def _from_pandas(frame, name="Sheet", required=()):
             left_out.append(f"{title} ({kind})")
         else:
             _set_column(sheet, title, series, kind)
-    if left_out:
-        warn(f"columns that hold neither numbers nor texts are left out: {', '.join(left_out)}")
+    _say_left_out(left_out)
     if not isinstance(frame.index, pandas.RangeIndex):
         sheet.case_names = [str(label) for label in frame.index]
     return sheet

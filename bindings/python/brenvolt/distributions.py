@@ -265,8 +265,8 @@ def _groups(values, size):
 
 
 def from_code(code: int, values: Iterable[float], offset: float = 0.0) -> Distribution:
-    """The distribution of a code (0 to 15) with its values in catalogue order, as result tables and properties list
-    them."""
+    """The distribution of a code, its place in the list of distributions from 0, with its values in catalogue order, as
+    result tables and properties list them."""
     names = _distribution_names
     if not 0 <= code < len(names):
         raise ValueError(f"no distribution of code {code}")

@@ -107,6 +107,11 @@ class Fits(Folder):
             brenvolt.fit(frame, ["x", "when"])
         with self.assertWarnsRegex(MessageWarning, "left out: when"):
             self.assertEqual(list(brenvolt.fit(frame, distributions="normal").variables), ["x"])
+        columns = {"x": [1.0, 2, 4], "when": list(frame["when"]), "c": [1j, 2j, 3j]}
+        with self.assertWarnsRegex(MessageWarning, r"left out: when \(datetime.*\), c \(complex\)"):
+            self.assertEqual(list(brenvolt.fit(columns, distributions="normal").variables), ["x"])
+        with self.assertRaisesRegex(TypeError, "column 'c' holds complex values"):
+            brenvolt.fit({"x": [1.0, 2, 4], "c": [1j, 2j, 3j]}, ["x", "c"])
 
     def test_counts_and_truth_values_are_offered_as_discrete(self):
         frame = pandas.DataFrame({"x": [1.5, 2, 4, 3], "n": [0, 2, 0, 5], "b": [True, False, True, True]})

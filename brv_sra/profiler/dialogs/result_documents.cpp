@@ -253,6 +253,7 @@ VariableFit FitResponse(const SimulatedResponse& response, const RunProgress& ba
   FitSpecification specification;
   specification.continuous = {1};
   specification.continuousSpecifications = {BestFitCandidates()};
+  specification.contradictedLast = true;
   VariableFit fit = std::move(ValueOrThrow(RunFit(single, specification, {false, false}, bars)).front());
   return fit.HasValidFit() ? fit : none;
 }
