@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -19,9 +18,6 @@ namespace brenvolt::sra {
 namespace {
 
 using enum DistributionCode;
-
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 std::vector<DistributionCode> AllCodes() {
   std::vector<DistributionCode> codes;

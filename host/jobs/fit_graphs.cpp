@@ -2,7 +2,6 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
-#include <ranges>
 #include <string>
 #include <vector>
 
@@ -25,8 +24,8 @@ using Json = nlohmann::ordered_json;
 // and returns its name. Nothing changes if there is none.
 std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
   const ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
-  const auto names = ranked.rows | std::views::transform(&ResultRow::name);
-  const std::vector<std::string> ranks(names.begin(), names.end());
+  std::vector<std::string> ranks;
+  for (const ResultRow& row : ranked.rows) ranks.push_back(row.name);
   const auto first = FirstSaved(dialog, place, ranks);
   if (!first) return {};
   dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(*first + 1));

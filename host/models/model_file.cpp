@@ -167,9 +167,9 @@ class FileReader {
  private:
   void SetFaultyOutputsApart() {
     const auto isGood = [](const OutputColumn& output) { return !output.fault; };
-    const auto faulty = std::ranges::stable_partition(ready_.outputs, isGood);
-    ready_.faultyOutputs.assign(std::move_iterator(faulty.begin()), std::move_iterator(faulty.end()));
-    ready_.outputs.erase(faulty.begin(), faulty.end());
+    const auto faulty = std::stable_partition(ready_.outputs.begin(), ready_.outputs.end(), isGood);
+    ready_.faultyOutputs.assign(std::move_iterator(faulty), std::move_iterator(ready_.outputs.end()));
+    ready_.outputs.erase(faulty, ready_.outputs.end());
   }
 
   void ReadPredictors(const Element& model) {
