@@ -66,6 +66,13 @@ TEST_F(Recordings, ReplayedSimulationLeavesTheSameFiles) {
                   {"p.bvw"});
 }
 
+TEST_F(Recordings, ReplayedDesignLeavesTheSameProject) {
+  ExpectSameFiles({"design", "d.bvw", "--from", kExamples + "tolerance_stack.txt"}, {"d.bvw"});
+  ExpectSameFiles(
+      {"design", "d.bvw", "--variable", "a ~ histogram(1:0.25, 2:0.75)", "--correlation", "a,c=-0.1"},
+      {"d.bvw"});
+}
+
 TEST_F(Recordings, ReplayedProfileLeavesTheSameFiles) {
   ExpectSameFiles({"profile", kExamples + "ozone.csv", "--model", kExamples + "ozone_regression.pmml",
                    "--fit-best", "--correlated", "--truncate", "ibh=111,5000", "--noise", "O3=4.75", "--spec",

@@ -83,7 +83,7 @@ void AddDesignCommand(CLI::App& program) {
       ->type_name("'V ~ DISTRIBUTION(…)'");
   command
       ->add_option("--correlation", inputs.correlations,
-                   "A rank correlation of two variables, once for each pair")
+                   "The correlation of two variables, once for each pair")
       ->allow_extra_args(false)
       ->type_name("V,V=NUMBER");
   command->add_option("--from", inputs.from, "A text file of variables and correlations, one a line")
