@@ -2,6 +2,7 @@
 // an automation object; a sub-editor has the analysis object.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -32,6 +33,9 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
     automation_ = std::make_shared<DialogAutomation<Dialog>>(static_cast<Dialog&>(*this), interface,
                                                              className, members, ModuleAutomation());
   }
+
+  // Carries out what a button asks for; a fault is shown, a cancellation is not. False if it was not done.
+  bool Attempt(const std::function<void()>& action) const;
 
  private:
   CSimulationAndRisk& analysis_;

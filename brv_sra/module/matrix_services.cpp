@@ -2,6 +2,7 @@
 // input around the engine in brv_sra/matrix.
 #include <algorithm>
 
+#include "brv_sra/frame/attached_input.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/matrix/matrix_state.h"
@@ -75,16 +76,7 @@ std::int32_t CSimulationAndRisk::CreateAndAttachCorrelationInputFile() {
 
   const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(MatrixFile::Identity(variables)));
   matrix_->variables = std::move(variables);
-  // Who is shown the document may take the table out of it.
-  Spreadsheet* const table = &document->Table();
-  {
-    const ResultsToWorkbookOff off(*Document());
-    Interface().ShowDocument(document);
-  }
-  {
-    const ResultsLock lock(*Document());
-    Document()->SetInputTable(table, document);
-  }
+  ShowAndAttachInput(*this, document);
   return ValidateInputMatrixFile();
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 #include "brv_sra/distributions/specified_distribution.h"
@@ -75,9 +76,8 @@ Result<std::vector<DistributionSpecification>> SavedDistributions(const Variable
   return std::move(read->front().ranked);
 }
 
-std::vector<int> SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
-                            const DesignState& design) {
-  std::vector<int> written;
+void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
+                const DesignState& design) {
   for (const DesignedVariable& variable : design.variables) {
     const DistributionSpecification* first = SimulatedFrom(variable, design.source);
     const auto place = PlaceOf(sheetVariables, variable.name);
@@ -89,19 +89,13 @@ std::vector<int> SaveDesign(VariablePropertyStore& store, std::span<const std::s
     saved.truncation = {first->truncateBelow, first->truncateAbove, first->truncationMinimum,
                         first->truncationMaximum};
     WriteDistributionProperties(&store, saved);
-    written.push_back(saved.variableNumber);
   }
-  return written;
 }
 
-MatrixFile MatrixOf(const DesignState& design) {
-  std::vector<std::size_t> places;
-  for (std::size_t i = 0; i < design.variables.size(); ++i) {
-    if (TakesPart(design.variables[i], design.source)) places.push_back(i);
-  }
-  if (places.empty()) {
-    for (std::size_t i = 0; i < design.variables.size(); ++i) places.push_back(i);
-  }
+namespace {
+
+// Of the variables at some places.
+MatrixFile MatrixOver(const DesignState& design, const std::vector<std::size_t>& places) {
   std::vector<std::string> names;
   for (const std::size_t place : places) names.push_back(design.variables[place].name);
   MatrixFile file = MatrixFile::Identity(std::move(names));
@@ -118,6 +112,22 @@ MatrixFile MatrixOf(const DesignState& design) {
     if (!IsNotSet(variable.standardDeviation)) file.standardDeviations[i] = variable.standardDeviation;
   }
   return file;
+}
+
+}  // namespace
+
+MatrixFile MatrixOf(const DesignState& design) {
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < design.variables.size(); ++i) {
+    if (TakesPart(design.variables[i], design.source)) places.push_back(i);
+  }
+  return MatrixOver(design, places);
+}
+
+MatrixFile WholeMatrixOf(const DesignState& design) {
+  std::vector<std::size_t> places(design.variables.size());
+  std::iota(places.begin(), places.end(), std::size_t{0});
+  return MatrixOver(design, places);
 }
 
 void TakeMatrix(const MatrixFile& file, DesignState& design) {

@@ -52,13 +52,14 @@ Result<std::vector<DistributionSpecification>> SavedDistributions(const Variable
 
 // Writes what each variable is simulated from as the properties of the variable of its name, followed by the fitted
 // distributions of other types, in their order. A variable that is left out, or of which nothing is known, stays as it
-// is. Returns the numbers of the variables that were written.
-std::vector<int> SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
-                            const DesignState& design);
+// is.
+void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
+                const DesignState& design);
 
-// The matrix file of the variables that take part, or of all variables where none does. Where a person gave no mean or
-// deviation they are those of the distribution before truncation; 0 and 1 where it has none or is not known.
+// The matrix file of the variables that take part, and of all variables. Means and deviations that a person did not give
+// are those of the distribution before truncation; 0 and 1 if it has none or is not known.
 MatrixFile MatrixOf(const DesignState& design);
+MatrixFile WholeMatrixOf(const DesignState& design);
 
 // Takes the correlations, means and deviations of the variables that the file has, by name.
 void TakeMatrix(const MatrixFile& file, DesignState& design);

@@ -1,10 +1,10 @@
 #include "host/formula/functions.h"
 
-#include <cctype>
 #include <cmath>
 #include <numbers>
 #include <string>
 
+#include "host/base/lower_case.h"
 #include "host/formula/kernels.h"
 #include "host/numeric/vector/vector_forms.h"
 
@@ -179,8 +179,7 @@ std::span<const NamedKernel> MathematicalFunctions() {
 }
 
 std::optional<double> FormulaConstant(std::string_view name) {
-  std::string lower(name);
-  for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  const std::string lower = LowerCase(name);
   if (lower == "pi") return std::numbers::pi;
   if (lower == "euler") return std::numbers::e;
   if (lower == "missing") return kMissingResult;

@@ -165,30 +165,13 @@ JobFaults DesignJob::Check() const {
   return faults;
 }
 
-Table DesignJob::GivenMatrix(const JobInput& input, JobRecorder& recorder) const {
-  const Workbook none;
-  const Workbook& workbook = input.home != nullptr ? input.home->workbook : none;
-  const std::string sheetName = recorder.NameOf(input.recorded);
-  std::unique_ptr<Spreadsheet> matrix = inputs.matrix.empty()
-                                            ? SavedMatrix(workbook, input.sheet)
-                                            : NamedMatrix(inputs.matrix, workbook, "matrix " + inputs.matrix);
-  if (matrix == nullptr) return nullptr;
-  const Table table = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
-  if (inputs.matrix.empty()) {
-    recorder.Gave("matrix", nullptr, "SavedMatrix", {sheetName}, table.get());
-  } else {
-    recorder.Gave("matrix", nullptr, "NamedMatrix", {PythonText(inputs.matrix), sheetName}, table.get());
-  }
-  return table;
-}
-
 DesignFindings DesignJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   const std::vector<std::string> known = VariableNamesOf(input.sheet);
   JobFaults faults;
   const DesignText wanted = inputs.Read(&known, faults);
   RequireNone(std::move(faults));
-  const Table given = GivenMatrix(input, recorder);
+  const Table given = RecordedMatrix(inputs.matrix, MatrixFor(inputs.matrix, input), input, recorder);
   AnalysisSession& session = input.start();
   session.Begin(Task::kDesign);
   FillDesign(session, wanted, given);

@@ -51,10 +51,6 @@ struct DesignJob {
   DesignFindings Run(ProgramInterface& interface, JobRecorder& recorder) const;
   // The same from the project's sheet, or a new one, that is open.
   DesignFindings Run(const JobInput& input, JobRecorder& recorder) const;
-
- private:
-  // The matrix that was named, else that saved with the project's design; null without.
-  Table GivenMatrix(const JobInput& input, JobRecorder& recorder) const;
 };
 
 }  // namespace brenvolt

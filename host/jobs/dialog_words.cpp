@@ -1,18 +1,11 @@
 #include "host/jobs/dialog_words.h"
 
-#include <cctype>
-
+#include "host/base/lower_case.h"
 #include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 
 namespace {
-
-std::string LowerCase(std::string_view text) {
-  std::string lower;
-  for (const char c : text) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower;
-}
 
 std::vector<FittedType> TypesFromFacts() {
   std::vector<FittedType> types;

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
 #include <span>
 
+#include "host/base/lower_case.h"
 #include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
@@ -33,12 +33,6 @@ constexpr std::array<Synonym, 9> kSynonyms{{{"mean", "location", DistributionCod
                                             {"maximum", "max", {}},
                                             {"threshold", "offset", {}},
                                             {"family", "type", {}}}};
-
-std::string LowerCase(std::string_view text) {
-  std::string lower;
-  for (const char c : text) lower += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return lower;
-}
 
 std::string TypeName(const DistributionFacts& facts) {
   return kFittedTypes[static_cast<std::size_t>(facts.code)].name;

@@ -4,6 +4,8 @@
 #include <random>
 #include <utility>
 
+#include "host/jobs/project_files.h"
+
 namespace brenvolt {
 
 void RequireCases(const Spreadsheet& sheet) {
@@ -40,6 +42,25 @@ JobInput JobRun::Input(ProgramInterface& interface, JobRecorder& recorder) {
     return *session;
   };
   return {*sheet, &data, sheet, start};
+}
+
+std::unique_ptr<Spreadsheet> MatrixFor(const std::string& name, const JobInput& input) {
+  const Workbook none;
+  const Workbook& workbook = input.home != nullptr ? input.home->workbook : none;
+  return name.empty() ? SavedMatrix(workbook, input.sheet) : NamedMatrix(name, workbook, "matrix " + name);
+}
+
+Table RecordedMatrix(const std::string& name, std::unique_ptr<Spreadsheet> matrix, const JobInput& input,
+                     JobRecorder& recorder) {
+  if (matrix == nullptr) return nullptr;
+  auto document = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
+  const std::string sheet = recorder.NameOf(input.recorded);
+  if (name.empty()) {
+    recorder.Gave("matrix", nullptr, "SavedMatrix", {sheet}, document.get());
+  } else {
+    recorder.Gave("matrix", nullptr, "NamedMatrix", {PythonText(name), sheet}, document.get());
+  }
+  return document;
 }
 
 void RecordShown(AnalysisSession& session, JobRecorder& recorder) {

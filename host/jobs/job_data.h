@@ -72,6 +72,13 @@ struct JobRun {
   JobInput Input(ProgramInterface& interface, JobRecorder& recorder);
 };
 
+// The correlation matrix of that name (NamedMatrix), else the one saved with the fits of the input; null without. Throws
+// Error.
+std::unique_ptr<Spreadsheet> MatrixFor(const std::string& name, const JobInput& input);
+// The document of what MatrixFor found, which a macro finds in the same way; null without.
+Table RecordedMatrix(const std::string& name, std::unique_ptr<Spreadsheet> matrix, const JobInput& input,
+                     JobRecorder& recorder);
+
 // A macro may name what the analysis has shown.
 void RecordShown(AnalysisSession& session, JobRecorder& recorder);
 

@@ -48,20 +48,6 @@ void SayWhatLimitsLeaveOut(const SimulateJob& job, const Spreadsheet& sheet, Use
   }
 }
 
-// The document of a matrix that the job found, which a macro finds in the same way.
-Table FoundMatrix(const SimulateJob& job, std::unique_ptr<Spreadsheet> matrix, const JobInput& input,
-                  JobRecorder& recorder) {
-  if (matrix == nullptr) return nullptr;
-  auto document = std::make_shared<CAnalysisTableDoc>(std::move(matrix));
-  const std::string sheet = recorder.NameOf(input.recorded);
-  if (job.matrix.empty()) {
-    recorder.Gave("matrix", nullptr, "SavedMatrix", {sheet}, document.get());
-  } else {
-    recorder.Gave("matrix", nullptr, "NamedMatrix", {PythonText(job.matrix), sheet}, document.get());
-  }
-  return document;
-}
-
 // The run shows its output, then a repaired matrix. True if it produced any.
 bool RunToSheet(AnalysisSession& session, SimulationFindings& found) {
   session.Ok();
@@ -136,10 +122,7 @@ JobFaults SimulateJob::Check() const {
 // Those of the iman-conover methods follow one.
 std::unique_ptr<Spreadsheet> SimulateJob::FindMatrix(const JobInput& input) const {
   if (!InducesCorrelation(method) || givenMatrix != nullptr) return nullptr;
-  const Workbook none;
-  const Workbook& project = input.home != nullptr ? input.home->workbook : none;
-  return matrix.empty() ? SavedMatrix(project, input.sheet)
-                        : NamedMatrix(matrix, project, "matrix " + matrix);
+  return MatrixFor(matrix, input);
 }
 
 void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const {
@@ -164,7 +147,7 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   Specify(session, input.sheet, found.seed);
   found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
   const Table follows =
-      givenMatrix != nullptr ? givenMatrix : FoundMatrix(*this, std::move(chosen), input, recorder);
+      givenMatrix != nullptr ? givenMatrix : RecordedMatrix(matrix, std::move(chosen), input, recorder);
   if (InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool toSheet = keepsSamples || InducesCorrelation(method) || HasProjectEnding(output);

@@ -122,20 +122,6 @@ void CFitDistributionResults::OnControlChanged(std::int32_t number) {
   }
 }
 
-bool CFitDistributionResults::Attempt(const std::function<void()>& action) const {
-  try {
-    action();
-    return true;
-  } catch (const Error& error) {
-    Analysis().ShowMessage(error.what(), error.Where());
-  } catch (const std::bad_alloc&) {
-    ShowMessage(kMsgInsufficientMemory);
-  } catch (const UserCancelled&) {
-    // Ends the operation without a message.
-  }
-  return false;
-}
-
 bool CFitDistributionResults::Move(std::int32_t variableList, int by) {
   return Select(variableList, Controls().Selection(variableList) + by);
 }

@@ -9,7 +9,6 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -68,8 +67,6 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
-  // Carries out what a button asks for; a fault is shown. False when there was one.
-  bool Attempt(const std::function<void()>& action) const;
   bool Move(std::int32_t variableList, int by);
   void MoveInOrder(int by);
   void LeaveOutOfOrder();

@@ -63,14 +63,16 @@ std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::stri
   return matrix;
 }
 
-}  // namespace
-
+// The cells of a k x k matrix as an editor shows them.
 std::vector<std::string> CorrelationCells(std::span<const double> matrix) {
   std::vector<std::string> cells;
   for (const double value : matrix) cells.push_back(ParseTextBuffer(ShortestNumber(value)));
   return cells;
 }
 
+// Takes the upper triangle of edited cells, row by row, into both halves of the matrix; the diagonal stays 1.
+// False, and the matrix is as it was, if a cell of the triangle or the diagonal holds no number, or one below
+// -1 (by more than 15 units in the last place) or above 1.
 bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<double>& matrix) {
   if (cells.size() != k * k) return false;
   std::vector<double> taken = matrix;
@@ -83,6 +85,21 @@ bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<do
   }
   matrix = std::move(taken);
   return true;
+}
+
+}  // namespace
+
+bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
+                      const std::vector<std::string>& names, std::vector<double>& matrix) {
+  MatrixQuestion question;
+  question.title = ResourceString(title);
+  question.note = ResourceString(kProfilerCorrelationNote);
+  question.names = names;
+  question.cells = CorrelationCells(matrix);
+  if (!analysis.Interface().EditMatrix(question)) return false;
+  if (TakeCells(question.cells, names.size(), matrix)) return true;
+  analysis.ShowMessage(std::string(ResourceString(kMsgProfilerEntriesReset)));
+  return false;
 }
 
 std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::string> names) {

@@ -2,21 +2,20 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "host/analysis/analysis_support.h"
 #include "host/automation/variant.h"
 
 namespace brenvolt::sra {
 
-// The cells of a k x k matrix as an editor shows them.
-std::vector<std::string> CorrelationCells(std::span<const double> matrix);
-
-// Takes the upper triangle of edited cells, row by row, into both halves of the matrix; the diagonal stays 1.
-// False, and the matrix is as it was, where a cell of the triangle or the diagonal holds no number, or one
-// below -1 (by more than 15 units in the last place) or above 1.
-bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<double>& matrix);
+// Lets a person edit the matrix over the variables `names`, under a title by its number. False, and the matrix is as it
+// was, if they cancelled or an entry was refused, which a message says.
+bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
+                      const std::vector<std::string>& names, std::vector<double>& matrix);
 
 // The matrix over the variables `names` from an array of its rows, an array of its k k values row by row, or
 // a matrix file, whose variables are found by name; variables that it lacks are uncorrelated. Throws Error

@@ -128,9 +128,10 @@ bool CSimulationProfiler::OnCommand(std::int32_t number) {
     case kFitBest:
       return Attempt(kCaptionBasicStatsError, [this] { FitBest(); });
     case kEditCorrelation:
-      return EditCorrelations(kProfilerCorrelationTitle, NamesOf(Design().predictors), Design().correlations);
+      return EditCorrelations(Analysis(), kProfilerCorrelationTitle, NamesOf(Design().predictors),
+                              Design().correlations);
     case kEditCorrelationY:
-      return EditCorrelations(kProfilerCorrelationYTitle, NamesOf(Design().dependents),
+      return EditCorrelations(Analysis(), kProfilerCorrelationYTitle, NamesOf(Design().dependents),
                               Design().correlationsY);
     case kSetFormula:
       return SetShownFormula();
@@ -285,19 +286,6 @@ void CSimulationProfiler::FitBest() {
     throw Error(message.text, message.where);
   }
   Refresh();
-}
-
-bool CSimulationProfiler::EditCorrelations(std::int32_t title, const std::vector<std::string>& names,
-                                           std::vector<double>& matrix) const {
-  MatrixQuestion question;
-  question.title = szLoadResString(title);
-  question.note = szLoadResString(kProfilerCorrelationNote);
-  question.names = names;
-  question.cells = CorrelationCells(matrix);
-  if (!Analysis().Interface().EditMatrix(question)) return false;
-  if (TakeCells(question.cells, names.size(), matrix)) return true;
-  ShowMessage(kMsgProfilerEntriesReset);
-  return false;
 }
 
 void CSimulationProfiler::ShowCaptioned(std::int32_t caption, const std::string& text,

@@ -74,8 +74,6 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   void TakeReal(std::int32_t control);
   bool SetShownFormula();
   bool TakeFormulaBack();
-  bool EditCorrelations(std::int32_t title, const std::vector<std::string>& names,
-                        std::vector<double>& matrix) const;
 
   // Runs and shows the outcome; false, after a message, where the run was stopped.
   bool Simulate();

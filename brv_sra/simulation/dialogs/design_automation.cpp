@@ -46,17 +46,11 @@ void PutCorrelations(Dialog& dialog, Indexes, const Variant& value) {
   design.correlations = CorrelationsFrom(value, design.Names());
 }
 
-// What the matrix file of the whole design says of its variables.
-MatrixFile SummariesOf(DesignState design) {
-  for (DesignedVariable& variable : design.variables) variable.isLeftOut = true;
-  return MatrixOf(design);
-}
-
 template <std::vector<double> MatrixFile::*Summary>
 Variant GetSummary(Dialog& dialog, Indexes) {
   Variant::Array numbers;
   if (dialog.Design().variables.empty()) return numbers;
-  const MatrixFile file = SummariesOf(dialog.Design());
+  const MatrixFile file = WholeMatrixOf(dialog.Design());
   for (const double value : file.*Summary) numbers.emplace_back(value);
   return numbers;
 }

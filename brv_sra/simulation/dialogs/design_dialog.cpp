@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/sheet_property_store.h"
+#include "brv_sra/frame/attached_input.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/frame/specification_array.h"
@@ -136,13 +137,8 @@ void CDesignSimulation::AddToInput(const Names& names) {
     if (Analysis().Document() == nullptr) throw Error("no document takes an input");
     const auto document =
         std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(szLoadResString(kDesignSheetName)));
-    sheet = &document->Table();
-    {
-      const ResultsToWorkbookOff off(*Analysis().Document());
-      Analysis().Interface().ShowDocument(document);
-    }
-    const ResultsLock lock(*Analysis().Document());
-    Analysis().Document()->SetInputTable(sheet, document);
+    ShowAndAttachInput(Analysis(), document);
+    sheet = GetInputTable();
   }
   const Names known = VariableNames(*sheet);
   for (const std::string& name : names) {
@@ -178,16 +174,6 @@ std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
 
 // ---- What a person does
 
-bool CDesignSimulation::Attempt(const std::function<void()>& action) const {
-  try {
-    action();
-    return true;
-  } catch (const Error& error) {
-    Analysis().ShowMessage(error.what(), error.Where());
-  }
-  return false;
-}
-
 DesignedVariable* CDesignSimulation::Highlighted() const {
   const int place = Controls().Selection(kVariableList);
   const bool exists = place >= 0 && static_cast<std::size_t>(place) < Design().variables.size();
@@ -220,7 +206,7 @@ bool CDesignSimulation::OnCommand(std::int32_t number) {
     case kVariables:
       return AskForVariables();
     case kEditCorrelations:
-      return EditCorrelations();
+      return EditCorrelations(Analysis(), kDesignCorrelationTitle, Design().Names(), Design().correlations);
     case kSaveToInput:
       return Attempt([this] { SaveToInput(); });
     case kCorrelationMatrix:
@@ -260,18 +246,6 @@ bool CDesignSimulation::AskForVariables() {
   for (const std::int16_t number : question.first)
     chosen.push_back(question.names.at(static_cast<std::size_t>(number - 1)));
   return Attempt([&] { SetVariables(chosen); });
-}
-
-bool CDesignSimulation::EditCorrelations() {
-  MatrixQuestion question;
-  question.title = szLoadResString(kDesignCorrelationTitle);
-  question.note = szLoadResString(kProfilerCorrelationNote);
-  question.names = Design().Names();
-  question.cells = CorrelationCells(Design().correlations);
-  if (!Analysis().Interface().EditMatrix(question)) return false;
-  if (TakeCells(question.cells, question.names.size(), Design().correlations)) return true;
-  ShowMessage(kMsgProfilerEntriesReset);
-  return false;
 }
 
 bool CDesignSimulation::OnOk() {

@@ -7,7 +7,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -49,8 +48,6 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
-  // Carries out what a button asks for; a fault is shown. False when there was one.
-  bool Attempt(const std::function<void()>& action) const;
   void ReadInput();
   void ReadFitted(Spreadsheet& sheet);
   void AddToInput(const std::vector<std::string>& names);
@@ -58,7 +55,6 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   DesignedVariable* Highlighted() const;
   void HighlightVariable();
   bool AskForVariables();
-  bool EditCorrelations();
 };
 
 }  // namespace brenvolt::sra

@@ -7,17 +7,12 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/base/lower_case.h"
 #include "host/base/number_text.h"
 #include "host/base/utf8.h"
 
 namespace brenvolt::pmml {
 namespace {
-
-std::string LowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return lower;
-}
 
 // The encoding that the XML declaration names, in lower case; empty if it names none.
 std::string DeclaredEncoding(std::string_view text) {
