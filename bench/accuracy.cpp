@@ -17,7 +17,7 @@ namespace {
 const char* const kHead = R"(# Accuracy of the distribution functions
 
 Largest relative error of each function against tables of high-precision values (50 digits and more, made with
-mpmath by the scripts next to them in `host/numeric/reference`). The tables hold the body, both tails to
+mpmath by the scripts next to them in `host/numeric/reference/distributions`). The tables hold the body, both tails to
 1e-300 and extreme parameters; "tail" means that the smaller tail probability is below 1e-6. The array forms
 of Cdf and Quantile give the bits of the scalar forms: a test holds them to it on every row, another on every
 instruction set that the machine offers, so that one figure serves both.
@@ -37,7 +37,7 @@ table, and the quantile of the probability of a count to be the least count that
 This document is printed by a program; to make it again:
 
     cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target accuracy
-    build/bin/accuracy host/numeric/reference > docs/evidence/accuracy.md
+    build/bin/accuracy host/numeric/reference/distributions > docs/evidence/accuracy.md
 )";
 
 struct Worst {

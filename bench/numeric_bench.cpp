@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "host/numeric/distributions/all_distributions.h"
-#include "host/numeric/estimation/mixture_expectation.h"
+#include "host/numeric/estimation/mixture/mixture_expectation.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/random/random_stream.h"
 

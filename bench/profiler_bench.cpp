@@ -8,7 +8,7 @@
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
 #include "brv_sra/profiler/profiler_models.h"
 #include "brv_sra/profiler/profiler_run.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 
 namespace brenvolt::sra {
 namespace {

@@ -18,11 +18,11 @@
 #include <vector>
 
 #include "brv_sra/simulation/correlation_induction.h"
-#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
-#include "host/base/memory_policy.h"
+#include "host/base/process/memory_policy.h"
 #include "host/tables/csv.h"
 
 namespace brenvolt::sra {

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "brv_sra/simulation/correlation_induction.h"
-#include "brv_sra/simulation/sample_generation.h"
-#include "host/analysis/headless_user_interface.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
+#include "host/analysis/ports/headless_user_interface.h"
 
 namespace brenvolt::sra {
 namespace {

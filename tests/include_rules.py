@@ -1,9 +1,12 @@
 #!/usr/bin/env python3
-"""Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms").
+"""Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms"), and the size
+of its folders.
 
-    include_rules.py ROOT         prints each violation as `file:line: folder X may not include Y`; exit status 1 if any
+    include_rules.py ROOT         prints each violation, an include line as `file:line: folder X may not include Y`; exit
+                                  status 1 if any
     include_rules.py --self-test  runs the checks over small trees, one per kind of violation
 """
+import collections
 import os
 import re
 import sys
@@ -20,13 +23,16 @@ class Room(NamedTuple):
 # A name means all the folders of the table below it, but "host" leaves out drawing, a library of its own.
 ROOMS = (
     Room("host/base", "", "system third-party"),
-    Room("host/base/files", "host/base", "system third-party"),
+    Room("host/base/process", "host/base", "system third-party"),
+    Room("host/base/files", "host/base/process", "system third-party"),
     Room("host/numeric/special", "host/base", "third-party"),
     Room("host/numeric/vector", "host/numeric/special", "third-party"),
     Room("host/numeric/random", "host/numeric/vector", "third-party"),
     Room("host/numeric/algebra", "host/numeric/vector", "third-party"),
     Room("host/numeric/estimation", "host/numeric/vector", "third-party"),
-    Room("host/numeric/distributions", "host/numeric/estimation", "third-party"),
+    Room("host/numeric/estimation/mixture", "host/numeric/estimation", "third-party"),
+    Room("host/numeric/distributions/shared", "host/numeric/estimation", "third-party"),
+    Room("host/numeric/distributions", "host/numeric/distributions/shared host/numeric/estimation/mixture", "third-party"),
     Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
     Room("host/numeric/goodness_of_fit", "host/numeric/distributions", "third-party"),
     Room("host/tables", "host/base/files", "third-party"),
@@ -40,9 +46,12 @@ ROOMS = (
     Room("host/models", "host/models/kinds host/tables", "third-party"),
     Room("host/graphs", "host/tables host/statistics host/formula", "third-party"),
     Room("host/analysis", "host/controls host/tables host/graphs host/automation", "third-party"),
-    Room("host/contract", "host/numeric host/analysis", ""),
-    Room("host/application", "host/models host/analysis", "third-party"),
-    Room("host/jobs", "host/application", "third-party"),
+    Room("host/analysis/ports", "host/analysis", "third-party"),
+    Room("host/contract", "host/numeric host/analysis/ports", ""),
+    Room("host/application", "host/models host/analysis/ports", "third-party"),
+    Room("host/jobs/base", "host/application", "third-party"),
+    Room("host/jobs/notation", "host/jobs/base", "third-party"),
+    Room("host/jobs", "host/jobs/notation", "third-party"),
     Room("host/drawing", "host/graphs", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.
@@ -51,7 +60,8 @@ ROOMS = (
     Room("brv_sra/distributions", "brv_sra/base brv_sra/resources", ""),
     Room("brv_sra/matrix", "brv_sra/base", ""),
     Room("brv_sra/fitting", "brv_sra/distributions brv_sra/matrix", ""),
-    Room("brv_sra/simulation", "brv_sra/distributions brv_sra/matrix", ""),
+    Room("brv_sra/simulation/sampling", "brv_sra/distributions", ""),
+    Room("brv_sra/simulation", "brv_sra/simulation/sampling brv_sra/matrix", ""),
     Room("brv_sra/profiler", "brv_sra/fitting brv_sra/simulation", ""),
     Room("brv_sra/frame", "brv_sra/distributions", ""),
     Room("brv_sra/fitting/dialogs", "brv_sra/frame brv_sra/fitting", ""),
@@ -72,7 +82,7 @@ GROUPS = ("host", "host/numeric", "brv_sra")
 # The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
 TEXTS = "brv_sra/resources"
 WITHOUT_TEXTS = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation",
-                 "brv_sra/profiler")
+                 "brv_sra/simulation/sampling", "brv_sra/profiler")
 # But the catalogue names the distributions and their parameters.
 WITH_NAMES = "brv_sra/distributions/catalogue"
 # What a *_test file may include beyond what its subject may: the other folders of the same part of the tree
@@ -104,6 +114,7 @@ DRAWING_HEADER = re.compile(r"^(Q[A-Z]\w*(/.*)?|Qt\w+/.*|qcustomplot\.h)$")
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 TOPS = ("host", "brv_sra", "apps", "bindings", "bench", "tests")
 ENDINGS = (".h", ".hpp", ".inc", ".cpp", ".cc")
+MOST_FILES = 40  # sources of one folder
 
 
 def subject(path):
@@ -217,8 +228,15 @@ def files(root):
                     yield os.path.relpath(os.path.join(directory, name), root)
 
 
+def crowded_folders(paths):
+    counts = collections.Counter(os.path.dirname(path) for path in paths)
+    return [f"{folder}: {count} sources, more than {MOST_FILES} in one folder" for folder, count in counts.items()
+            if count > MOST_FILES]
+
+
 def violations(root):
-    return [line for path in sorted(files(root)) for line in violations_of_file(root, path)]
+    paths = sorted(files(root))
+    return [line for path in paths for line in violations_of_file(root, path)] + crowded_folders(paths)
 
 
 # A file, an include line in it, and what the checker must say after "may not include"; None where it is clean.
@@ -243,6 +261,7 @@ SELF_TESTS = (
     ("host/application/a.cpp", '"host/drawing/d.h"', "host/drawing"),
     ("host/application/a.cpp", '"host/jobs/j.h"', "host/jobs"),
     ("host/jobs/a.cpp", '"host/application/b.h"', None),
+    ("host/jobs/base/a.cpp", '"host/jobs/notation/n.h"', "host/jobs/notation"),
     ("host/application/a.cpp", '"host/contract/c.h"', "host/contract"),
     ("host/contract/c.cpp", '"host/analysis/b.h"', None),
     ("host/application/a.cpp", "<brv_sra/frame/f.h>", "brv_sra/frame"),
@@ -272,6 +291,7 @@ SELF_TESTS = (
     ("brv_sra/distributions/a_test.cpp", "<boost/math/x.hpp>", "<boost/math/x.hpp>: third-party header"),
     ("brv_sra/distributions/a.cpp", '"brv_sra/fitting/estimation.h"', "brv_sra/fitting"),
     ("brv_sra/simulation/a.cpp", '"brv_sra/matrix/m.h"', None),
+    ("brv_sra/simulation/sampling/a.cpp", '"brv_sra/simulation/s.h"', "brv_sra/simulation"),
     ("brv_sra/simulation/a.cpp", '"brv_sra/frame/f.h"', "brv_sra/frame"),
     ("brv_sra/simulation/dialogs/run_dialog.cpp", '"brv_sra/frame/f.h"', None),
     ("brv_sra/simulation/dialogs/run_automation.cpp", '"brv_sra/simulation/dialogs/run_dialog.h"', None),
@@ -313,6 +333,9 @@ def self_test():
         open(os.path.join(root, "host/attic/a.cpp"), "w", encoding="utf-8").close()
         if violations(root) != ["host/attic/a.cpp:1: folder host/attic is not in the table of include rules"]:
             failures.append("a folder that is not in the table passes")
+    paths = [f"host/base/{number}.h" for number in range(MOST_FILES + 1)]
+    if crowded_folders(paths[1:]) or not crowded_folders(paths):
+        failures.append("a crowded folder passes, or one that is full does not")
     return failures
 
 

@@ -10,7 +10,7 @@
 #include <set>
 #include <sstream>
 
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/application/application.h"
 #include "tests/run_program.h"
 

@@ -4,8 +4,8 @@
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/files/output_file.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt::cli {
 namespace {

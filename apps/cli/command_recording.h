@@ -4,7 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 
-#include "host/jobs/job_recorder.h"
+#include "host/jobs/base/job_recorder.h"
 
 namespace brenvolt::cli {
 

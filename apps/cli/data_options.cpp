@@ -5,7 +5,7 @@
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt::cli {
 namespace {

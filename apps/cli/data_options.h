@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "host/application/json_text.h"
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
 
 namespace brenvolt::cli {
 

@@ -6,7 +6,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
-#include "host/analysis/terminal_user_interface.h"
+#include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/design_job.h"
 
 namespace brenvolt::cli {

@@ -6,7 +6,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/wrong_call.h"
-#include "host/analysis/terminal_user_interface.h"
+#include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/fit_job.h"
 
 namespace brenvolt::cli {

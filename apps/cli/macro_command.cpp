@@ -10,9 +10,9 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/wrong_call.h"
 #include "host/application/application.h"
-#include "host/base/dynamic_library.h"
 #include "host/base/error.h"
-#include "host/base/program_start.h"
+#include "host/base/process/dynamic_library.h"
+#include "host/base/process/program_start.h"
 
 namespace brenvolt::cli {
 namespace {

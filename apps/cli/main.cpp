@@ -10,10 +10,10 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/error.h"
-#include "host/base/interruption.h"
-#include "host/base/memory_policy.h"
+#include "host/base/process/interruption.h"
+#include "host/base/process/memory_policy.h"
 #include "host/base/quoted.h"
-#include "host/jobs/analysis_session.h"
+#include "host/jobs/base/analysis_session.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/wrong_call.h"
-#include "host/analysis/terminal_user_interface.h"
+#include "host/analysis/ports/terminal_user_interface.h"
 #include "host/base/number_text.h"
 #include "host/jobs/profile_job.h"
 

@@ -6,7 +6,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/text_table.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {

@@ -9,8 +9,8 @@
 #include "apps/cli/fit_report.h"
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
-#include "host/analysis/terminal_user_interface.h"
-#include "host/jobs/dialog_words.h"
+#include "host/analysis/ports/terminal_user_interface.h"
+#include "host/jobs/base/dialog_words.h"
 #include "host/jobs/simulate_job.h"
 
 namespace brenvolt::cli {

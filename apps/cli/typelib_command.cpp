@@ -5,7 +5,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
-#include "host/analysis/terminal_user_interface.h"
+#include "host/analysis/ports/terminal_user_interface.h"
 #include "host/application/application.h"
 #include "host/automation/interface_text.h"
 #include "host/base/error.h"

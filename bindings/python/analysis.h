@@ -7,7 +7,7 @@
 
 #include "bindings/python/python_interface.h"
 #include "bindings/python/sheets.h"
-#include "host/jobs/analysis_session.h"
+#include "host/jobs/base/analysis_session.h"
 
 namespace brenvolt::python {
 

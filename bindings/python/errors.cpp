@@ -6,7 +6,7 @@
 
 #include "bindings/python/module.h"
 #include "host/base/error.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_fault.h"
 
 namespace py = pybind11;
 

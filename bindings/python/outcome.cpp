@@ -8,7 +8,7 @@
 #include "bindings/python/host_call.h"
 #include "host/automation/automation_failure.h"
 #include "host/base/error.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_fault.h"
 
 namespace brenvolt::python {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <optional>
 
-#include "host/analysis/program_interface.h"
+#include "host/analysis/ports/program_interface.h"
 
 namespace brenvolt::python {
 

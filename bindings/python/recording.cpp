@@ -10,7 +10,7 @@
 #include "bindings/python/module.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
-#include "host/jobs/output_files.h"
+#include "host/jobs/base/output_files.h"
 
 namespace py = pybind11;
 

@@ -9,7 +9,7 @@
 
 #include "bindings/python/analysis.h"
 #include "bindings/python/sheets.h"
-#include "host/jobs/job_recorder.h"
+#include "host/jobs/base/job_recorder.h"
 
 namespace brenvolt::python {
 

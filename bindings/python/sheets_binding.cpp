@@ -12,7 +12,7 @@
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;

@@ -9,8 +9,8 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/cancellation.h"
-#include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
+#include "host/base/process/floating_point_guard.h"
 #include "host/numeric/goodness_of_fit/chi_square_tail.h"
 #include "host/numeric/vector/sorting.h"
 

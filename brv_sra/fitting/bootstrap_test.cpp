@@ -12,7 +12,7 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/vector/sorting.h"

@@ -13,8 +13,8 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
-#include "host/base/floating_point_guard.h"
 #include "host/base/parallel.h"
+#include "host/base/process/floating_point_guard.h"
 #include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::sra {

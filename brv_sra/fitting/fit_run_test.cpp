@@ -12,7 +12,7 @@
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/fitting/sample_reader.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {

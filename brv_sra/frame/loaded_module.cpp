@@ -4,9 +4,9 @@
 #include <memory>
 
 #include "brv_sra/resources/strings.h"
-#include "host/base/crash_report.h"
-#include "host/base/dynamic_library.h"
 #include "host/base/logging.h"
+#include "host/base/process/crash_report.h"
+#include "host/base/process/dynamic_library.h"
 
 namespace brenvolt::sra {
 namespace {

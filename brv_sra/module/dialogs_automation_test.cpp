@@ -13,7 +13,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/analysis_dialog.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/automation/automation_failure.h"
 #include "host/automation/conversion.h"
 #include "host/automation/dialog_interface.h"

@@ -11,7 +11,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/analysis_dialog.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/logging.h"
 

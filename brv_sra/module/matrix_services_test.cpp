@@ -7,7 +7,7 @@
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "host/analysis/dialog_automation.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {

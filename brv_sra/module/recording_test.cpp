@@ -11,7 +11,7 @@
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_dialog.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/automation/macro_recorder.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"

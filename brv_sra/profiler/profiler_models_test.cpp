@@ -7,7 +7,7 @@
 #include <functional>
 
 #include "brv_sra/profiler/profiler_run.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/tables/csv.h"
 

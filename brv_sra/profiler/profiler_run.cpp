@@ -11,7 +11,7 @@
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/profiler/profiler_prediction.h"
 #include "brv_sra/simulation/correlation_induction.h"
-#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/base/parallel.h"

@@ -8,7 +8,7 @@
 
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
 #include "brv_sra/profiler/profiler_models.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
 #include "host/numeric/random/random_stream.h"

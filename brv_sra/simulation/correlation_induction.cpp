@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/simulation/matrix_columns.h"
-#include "brv_sra/simulation/random_permutation.h"
-#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/sampling/matrix_columns.h"
+#include "brv_sra/simulation/sampling/random_permutation.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
 #include "host/base/parallel.h"
 #include "host/controls/polled_loop.h"
 #include "host/numeric/algebra/cholesky.h"

@@ -8,11 +8,11 @@
 #include <numbers>
 #include <numeric>
 
-#include "brv_sra/simulation/reference_generator_test.h"
-#include "brv_sra/simulation/sample_generation.h"
-#include "brv_sra/simulation/sampled_distributions_test.h"
+#include "brv_sra/simulation/sampling/reference_generator_test.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
+#include "brv_sra/simulation/sampling/sampled_distributions_test.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/parallel.h"
 #include "host/numeric/algebra/correlation.h"

@@ -7,7 +7,7 @@
 
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/simulation/correlation_target.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 
 namespace brenvolt::sra {
 

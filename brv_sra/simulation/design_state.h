@@ -13,7 +13,7 @@
 #include "brv_sra/distributions/specification.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "brv_sra/matrix/matrix_file.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 
 namespace brenvolt::sra {
 

@@ -6,7 +6,7 @@
 #include <span>
 
 #include "brv_sra/base/run_progress.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {

@@ -5,8 +5,8 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/simulation/column_draws.h"
-#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/sampling/column_draws.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
 #include "brv_sra/simulation/simulation_output.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "host/base/parallel.h"

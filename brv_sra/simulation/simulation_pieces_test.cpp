@@ -4,11 +4,11 @@
 
 #include <vector>
 
-#include "brv_sra/simulation/sampled_distributions_test.h"
+#include "brv_sra/simulation/sampling/sampled_distributions_test.h"
 #include "brv_sra/simulation/simulation_run.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/numeric/random/random_stream.h"
 

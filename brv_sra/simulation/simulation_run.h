@@ -9,7 +9,7 @@
 #include "brv_sra/base/fault.h"
 #include "brv_sra/base/run_progress.h"
 #include "brv_sra/simulation/design_correlations.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/tables/spreadsheet.h"
 

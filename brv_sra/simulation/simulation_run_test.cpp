@@ -6,9 +6,9 @@
 #include <limits>
 #include <numbers>
 
-#include "brv_sra/simulation/sample_generation.h"
+#include "brv_sra/simulation/sampling/sample_generation.h"
 #include "brv_sra/simulation/simulation_summary.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {

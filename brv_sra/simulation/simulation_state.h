@@ -9,7 +9,7 @@
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/simulation/design_correlations.h"
 #include "brv_sra/simulation/design_state.h"
-#include "brv_sra/simulation/simulation_design.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 #include "host/analysis/analysis_table_doc.h"
 
 namespace brenvolt::sra {

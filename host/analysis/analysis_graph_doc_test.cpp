@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt {

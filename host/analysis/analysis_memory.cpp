@@ -4,7 +4,7 @@
 #include <atomic>
 #include <cstdlib>
 
-#include "host/base/memory_policy.h"
+#include "host/base/process/memory_policy.h"
 
 namespace brenvolt {
 namespace {

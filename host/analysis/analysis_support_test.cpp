@@ -4,7 +4,7 @@
 
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 
 namespace brenvolt {
 namespace {

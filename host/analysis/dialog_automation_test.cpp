@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/automation/conversion.h"
 #include "host/automation/dialog_interface.h"
 #include "host/base/error.h"

@@ -5,7 +5,7 @@
 #include "host/analysis/analysis_automation.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/analysis/analysis_table_doc.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt {

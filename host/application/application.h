@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/analysis/analysis_support.h"
-#include "host/base/dynamic_library.h"
+#include "host/base/process/dynamic_library.h"
 #include "host/tables/csv.h"
 #include "host/tables/workbook.h"
 

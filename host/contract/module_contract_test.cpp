@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string>
 
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/numeric/random/random_stream.h"
 
 namespace brenvolt {

@@ -7,7 +7,7 @@
 #include "host/automation/type_library.h"
 #include "host/base/almost_equal.h"
 #include "host/base/quoted.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
 #include "host/numeric/distributions/distribution_types.h"
 

@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
-#include "host/jobs/design_text.h"
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
+#include "host/jobs/notation/design_text.h"
 
 namespace brenvolt {
 

@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "host/base/error.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {

@@ -4,9 +4,9 @@
 
 #include "host/base/almost_equal.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/jobs/fit_job.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
 
 namespace brenvolt {
 namespace {

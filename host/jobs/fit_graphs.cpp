@@ -12,7 +12,7 @@
 #include "host/application/json_text.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
-#include "host/jobs/dialog_words.h"
+#include "host/jobs/base/dialog_words.h"
 #include "host/jobs/fit_results.h"
 
 namespace brenvolt {

@@ -3,7 +3,7 @@
 
 #include <filesystem>
 
-#include "host/jobs/job_recorder.h"
+#include "host/jobs/base/job_recorder.h"
 
 namespace brenvolt {
 

@@ -8,10 +8,10 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_results.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
 #include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {

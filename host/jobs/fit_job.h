@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "host/jobs/dialog_words.h"
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
 
 namespace brenvolt {
 

@@ -5,7 +5,7 @@
 #include "host/base/quoted.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula.h"
-#include "host/jobs/output_files.h"
+#include "host/jobs/base/output_files.h"
 #include "host/jobs/profile_job.h"
 
 namespace brenvolt {

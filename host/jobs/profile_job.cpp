@@ -10,8 +10,8 @@
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/formula/formula.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt {
 namespace {

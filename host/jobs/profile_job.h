@@ -8,8 +8,8 @@
 #include <variant>
 #include <vector>
 
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
 #include "host/jobs/profile_results.h"
 #include "host/statistics/specification_limits.h"
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt {
 

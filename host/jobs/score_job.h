@@ -3,8 +3,8 @@
 
 #include <filesystem>
 
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
 #include "host/models/prediction_model.h"
 
 namespace brenvolt {

@@ -6,9 +6,9 @@
 #include <string_view>
 
 #include "host/base/number_text.h"
-#include "host/jobs/dialog_words.h"
-#include "host/jobs/output_files.h"
-#include "host/jobs/project_files.h"
+#include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt {
 namespace {

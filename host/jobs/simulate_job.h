@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
 #include "host/jobs/fit_results.h"
-#include "host/jobs/job_data.h"
-#include "host/jobs/job_fault.h"
 #include "host/jobs/simulation_results.h"
 
 namespace brenvolt {

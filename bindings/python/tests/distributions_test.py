@@ -1,4 +1,4 @@
-"""The sixteen distributions against reference values made with mpmath (host/numeric/reference)."""
+"""The sixteen distributions against reference values made with mpmath (host/numeric/reference/distributions)."""
 
 import csv
 import math
@@ -15,7 +15,7 @@ from brenvolt import distributions
 from brenvolt.distributions import (Bernoulli, Binomial, GaussianMixture, GeneralExtremeValue, GeneralPareto,
                                     Histogram, Johnson, LogNormal, Normal, Poisson, Triangular, Weibull)
 
-REFERENCE = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "host", "numeric", "reference")
+REFERENCE = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "host", "numeric", "reference", "distributions")
 NAMES = distributions.__all__[2:]
 FUNCTIONS = {"Density": "pdf", "LogDensity": "logpdf", "Cdf": "cdf", "Complement": "sf", "Quantile": "ppf",
              "ComplementQuantile": "isf", "Mean": "mean", "Variance": "var"}

@@ -10,7 +10,7 @@
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/automation/automation_failure.h"
 #include "host/base/error.h"
 

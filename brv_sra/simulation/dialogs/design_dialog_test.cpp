@@ -5,7 +5,7 @@
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {

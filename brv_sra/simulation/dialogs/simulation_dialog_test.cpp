@@ -5,7 +5,7 @@
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_memory.h"
-#include "host/analysis/headless_user_interface.h"
+#include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/files/temporary_folder_support_test.h"
 #include "host/tables/csv.h"

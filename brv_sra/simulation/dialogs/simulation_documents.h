@@ -7,8 +7,8 @@
 #include <string>
 
 #include "brv_sra/simulation/design_correlations.h"
+#include "brv_sra/simulation/sampling/simulation_design.h"
 #include "brv_sra/simulation/saved_fits.h"
-#include "brv_sra/simulation/simulation_design.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/tables/spreadsheet.h"
 

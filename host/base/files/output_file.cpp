@@ -8,7 +8,7 @@
 #include <string>
 
 #include "host/base/error.h"
-#include "host/base/interruption.h"
+#include "host/base/process/interruption.h"
 
 namespace brenvolt {
 

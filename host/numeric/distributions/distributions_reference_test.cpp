@@ -13,7 +13,7 @@
 namespace brenvolt::references {
 namespace {
 
-const std::string kFolder = BRENVOLT_SOURCE_DIR "/host/numeric/reference";
+const std::string kFolder = BRENVOLT_SOURCE_DIR "/host/numeric/reference/distributions";
 
 std::vector<Type> TypesThatAre(bool isDiscrete) {
   std::vector<Type> types = AllTypes();

@@ -6,8 +6,8 @@
 #include <array>
 #include <vector>
 
-#include "host/numeric/distributions/distribution_forms.h"
-#include "host/numeric/distributions/quantile_search.h"
+#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/shared/quantile_search.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 

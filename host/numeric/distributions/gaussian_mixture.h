@@ -4,7 +4,7 @@
 // there the quantile is one of many x of the same probability.
 #pragma once
 
-#include "host/numeric/distributions/distribution.h"
+#include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
 

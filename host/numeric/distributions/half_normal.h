@@ -1,7 +1,7 @@
 // The half normal distribution: the magnitude of a normal variable about 0, shifted by the threshold.
 #pragma once
 
-#include "host/numeric/distributions/distribution.h"
+#include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
 

@@ -3,7 +3,7 @@
 // quadrature; see johnson_bounded_moments.h.
 #pragma once
 
-#include "host/numeric/distributions/distribution.h"
+#include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
 

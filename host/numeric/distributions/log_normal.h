@@ -1,7 +1,7 @@
 // The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
 #pragma once
 
-#include "host/numeric/distributions/distribution.h"
+#include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
 

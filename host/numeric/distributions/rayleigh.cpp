@@ -4,7 +4,7 @@
 #include <array>
 #include <numbers>
 
-#include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 

@@ -1,7 +1,7 @@
 // The Rayleigh distribution: the length of a plane normal vector with deviation `scale` along each axis.
 #pragma once
 
-#include "host/numeric/distributions/distribution.h"
+#include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
 

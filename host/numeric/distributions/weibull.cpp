@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "host/numeric/distributions/distribution_forms.h"
+#include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/estimation/weibull_estimator.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/vector/vector_forms.h"

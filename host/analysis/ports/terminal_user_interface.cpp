@@ -1,0 +1,38 @@
+#include "host/analysis/ports/terminal_user_interface.h"
+
+#include <cstdio>
+
+#include "host/base/process/interruption.h"
+#include "host/base/process/terminal.h"
+
+namespace brenvolt {
+
+TerminalUserInterface::TerminalUserInterface(std::string program)
+    : program_(std::move(program)), terminal_(IsStandardErrorTerminal()) {}
+
+MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
+  EndProgress();
+  if (!Answers(message)) return ProgramInterface::ShowMessage(message);
+  const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
+  std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
+  return ProgramInterface::ShowMessage(message);
+}
+
+void TerminalUserInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) {
+  if (!terminal_ || done == 0) return;
+  const int percent =
+      total > 0 ? static_cast<int>(100.0 * static_cast<double>(done) / static_cast<double>(total)) : 0;
+  std::fprintf(stderr, "\r%.*s %d %%", static_cast<int>(caption.size()), caption.data(), percent);
+  lineOpen_ = true;
+}
+
+void TerminalUserInterface::EndProgress() {
+  if (lineOpen_) std::fputs("\r\033[K", stderr);
+  lineOpen_ = false;
+}
+
+bool TerminalUserInterface::IsExternallyCancelled() {
+  return InterruptionRequested();
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,68 @@
+#include "host/jobs/base/dialog_words.h"
+
+#include "host/base/lower_case.h"
+#include "host/numeric/distributions/distribution_types.h"
+
+namespace brenvolt {
+
+namespace {
+
+std::vector<FittedType> TypesFromFacts() {
+  std::vector<FittedType> types;
+  for (const DistributionType* type : DistributionTypes()) {
+    const DistributionFacts& facts = type->facts;
+    const std::string longName(facts.longName);
+    types.push_back({LowerCase(facts.name), facts.isContinuous, "Is" + longName + "Distribution",
+                     facts.HasOffset() ? longName + "Offset" : ""});
+  }
+  return types;
+}
+
+// A distribution with an abbreviation goes by its long name, too.
+bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
+  if (lowerCase == LowerCase(facts.name)) return true;
+  if (facts.shortName.empty()) return false;
+  return lowerCase == LowerCase(facts.shortName) || lowerCase == LowerCase(facts.longName);
+}
+
+}  // namespace
+
+const std::vector<FittedType> kFittedTypes = TypesFromFacts();
+
+const FittedType* FindFittedType(std::string_view name) {
+  std::string plain = LowerCase(name);
+  std::erase_if(plain, [](char c) { return c == ' ' || c == '-'; });
+  for (const DistributionType* type : DistributionTypes()) {
+    if (IsCalled(type->facts, plain)) return &kFittedTypes[static_cast<std::size_t>(type->facts.code)];
+  }
+  return nullptr;
+}
+
+std::string FittedTypeNames() {
+  std::string names;
+  for (const FittedType& type : kFittedTypes) names += (names.empty() ? "" : ", ") + type.name;
+  return names;
+}
+
+const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},
+                        {"chi-square", "ContinuousChiSquareTest"},
+                        {"anderson-darling", "ContinuousAndersonDarlingTest"},
+                        {"aic", "ContinuousAkaikeCriterion"},
+                        {"bic", "ContinuousBayesCriterion"}};
+const Choices kDiscreteCriteria{{"ks", "DiscreteKolmogorovSmirovTest"},
+                                {"chi-square", "DiscreteChiSquareTest"},
+                                {"aic", "DiscreteAkaikeCriterion"},
+                                {"bic", "DiscreteBayesCriterion"}};
+const Choices kBinnings{{"equal-probability", "EqualProbability"}, {"equal-interval", "EqualInterval"}};
+const Choices kDeletions{{"pairwise", "IsPairwise"}, {"casewise", "IsCasewise"}};
+const Choices kSimulationMethods{{"monte-carlo", "MonteCarloMethod"},
+                                 {"latin-hypercube", "LHSMethod"},
+                                 {"iman-conover", "ImanConoverMethod"},
+                                 {"latin-hypercube-iman-conover", "LHSwithImanMethod"},
+                                 {"norta", "NORTAMethod"}};
+
+bool InducesCorrelation(const std::string& method) {
+  return method == "iman-conover" || method == "latin-hypercube-iman-conover";
+}
+
+}  // namespace brenvolt

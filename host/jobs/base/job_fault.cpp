@@ -1,0 +1,60 @@
+#include "host/jobs/base/job_fault.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cmath>
+#include <iterator>
+
+#include "host/base/number_text.h"
+#include "host/base/quoted.h"
+
+namespace brenvolt {
+namespace {
+
+std::string Prefix(const std::string& about) {
+  return about.empty() ? about : Quoted(about) + ": ";
+}
+
+}  // namespace
+
+std::string Spelled(std::string_view field, char separator) {
+  std::string spelled;
+  for (const char c : field) {
+    if (std::isupper(static_cast<unsigned char>(c)) != 0) spelled += separator;
+    spelled += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  }
+  return spelled;
+}
+
+void Append(JobFaults more, JobFaults& faults) {
+  std::ranges::move(more, std::back_inserter(faults));
+}
+
+void CheckWord(std::string_view field, const std::string& word, const Choices& choices, JobFaults& faults) {
+  if (choices.contains(word)) return;
+  std::string words;
+  for (const auto& [choice, member] : choices) words += (words.empty() ? "" : ", ") + choice;
+  faults.push_back({std::string(field), "expected one of " + words + "; got " + Quoted(word)});
+}
+
+void CheckWholeNumber(std::string_view field, double value, double fewest, double most, JobFaults& faults,
+                      const std::string& about) {
+  if (value == std::floor(value) && value >= fewest && value <= most) return;
+  faults.push_back({std::string(field), Prefix(about) + "expected a whole number from " +
+                                            ShortestNumber(fewest) + " to " + ShortestNumber(most) +
+                                            ", got " + ShortestNumber(value)});
+}
+
+void CheckNumber(std::string_view field, double value, JobFaults& faults, const std::string& about) {
+  if (std::isfinite(value)) return;
+  faults.push_back(
+      {std::string(field), Prefix(about) + "expected a finite number, got " + ShortestNumber(value)});
+}
+
+void CheckOnce(std::string_view field, std::vector<std::string> things, JobFaults& faults) {
+  std::ranges::sort(things);
+  const auto twice = std::ranges::adjacent_find(things);
+  if (twice != things.end()) faults.push_back({std::string(field), Quoted(*twice) + " is given twice"});
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,101 @@
+#include "host/jobs/base/output_files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <system_error>
+
+#include "host/jobs/base/project_files.h"
+#include "host/tables/numpy_archive.h"
+
+namespace brenvolt {
+namespace {
+
+// Whether two names lead to one file, which need not be there yet.
+bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  if (a.empty() || b.empty()) return false;
+  std::error_code ignored;
+  if (std::filesystem::equivalent(a, b, ignored)) return true;
+  return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
+}
+
+}  // namespace
+
+bool IsRegularTarget(const std::filesystem::path& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  return !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+}
+
+void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  const std::filesystem::path folder = path.parent_path();
+  std::error_code ignored;
+  if (folder.empty() || std::filesystem::is_directory(folder, ignored)) return;
+  faults.push_back({std::string(field), "the folder of " + path.string() + " does not exist"});
+}
+
+void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
+  if (path.empty() || HasEnding(path, ".csv") || !IsRegularTarget(path)) return;
+  faults.push_back({std::string(field), "expected a file ending in .csv, got " + path.string()});
+}
+
+void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
+  if (path.empty() || HasProjectEnding(path) || HasEnding(path, ".csv") || IsNumpyArchiveName(path) ||
+      !IsRegularTarget(path)) {
+    return;
+  }
+  faults.push_back(
+      {std::string(field), "expected a file ending in .csv, .npz or .bvw, got " + path.string()});
+}
+
+void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+  CheckFolder(field, path, faults);
+  if (path.empty() || HasEnding(path, ".json") || !IsRegularTarget(path)) return;
+  faults.push_back({std::string(field), "expected a file ending in .json, got " + path.string()});
+}
+
+void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
+                       JobFaults& faults) {
+  for (std::size_t i = 0; i < outputs.size(); ++i) {
+    const std::filesystem::path& path = outputs[i].path;
+    const std::string field(outputs[i].field);
+    if (path.empty() || !IsRegularTarget(path)) continue;
+    const auto isSame = [&path](const JobFile& other) { return IsSameFile(other.path, path); };
+    if (!HasProjectEnding(path) && std::ranges::any_of(inputs, isSame)) {
+      faults.push_back({field, "would replace " + path.string() + ", which is read"});
+    }
+    if (std::any_of(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i), isSame)) {
+      faults.push_back({field, path.string() + " is given for another output, too"});
+    }
+  }
+}
+
+void RefuseReplacedProject(const std::filesystem::path& path) {
+  if (!path.empty() && !HasProjectEnding(path)) RefuseProjectTarget(path);
+}
+
+void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder) {
+  if (IsNumpyArchiveName(path)) {
+    WriteNumpyArchive(table.Table(), path);
+    recorder.Called(&table, "sheet.to_npz", {PythonPath(path)});
+    return;
+  }
+  WriteCsvFile(table.Table(), path, {});
+  recorder.Called(&table, "sheet.to_csv", {PythonPath(path)});
+}
+
+std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,
+                                      JobRecorder& recorder) {
+  std::vector<std::unique_ptr<Spreadsheet>> sheets;
+  JobRecorder::Arguments arguments{PythonPath(path)};
+  for (const Table& table : tables) {
+    sheets.push_back(std::make_unique<Spreadsheet>(table->Table()));
+    arguments.push_back(recorder.NameOf(table.get()));
+  }
+  auto names = AppendToProject(path, std::move(sheets));
+  recorder.Called(nullptr, "Append", arguments);
+  return names;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,48 @@
+// Where the data go that a job made: projects, CSV, NumPy arrays, by the ending of the name.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/jobs/base/analysis_session.h"
+#include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/job_recorder.h"
+
+namespace brenvolt {
+
+// True for a regular file, and where there is nothing yet.
+bool IsRegularTarget(const std::filesystem::path& path);
+// Adds a fault of the field unless data may go to `path`: a project, CSV or NumPy arrays by the ending, CSV
+// to devices and pipes, or nothing for an empty path.
+void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// The same for the data of graphs: JSON, by the ending, or a device or pipe.
+void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+
+// The same for separated values: CSV, by the ending, or a device or pipe.
+void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// Adds a fault where the folder of an output does not exist, which would be found only when the work is done.
+void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+
+// A file that a job reads or writes, and the field that names it. An empty path is no file.
+struct JobFile {
+  std::string_view field;
+  std::filesystem::path path;
+};
+// Adds a fault for each output that would replace what the job reads or what it writes elsewhere. A project may be
+// read and added to.
+void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<JobFile>& outputs,
+                       JobFaults& faults);
+
+// Throws Error if data of another format would replace a project.
+void RefuseReplacedProject(const std::filesystem::path& path);
+
+// Writes a document, to NumPy arrays where the name ends so, else as CSV. Throws Error, and writes nothing,
+// where a project would be replaced.
+void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
+// Adds documents to the project at `path`, which is created if missing. Returns their names there.
+std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,
+                                      JobRecorder& recorder);
+
+}  // namespace brenvolt

@@ -1,0 +1,155 @@
+#include "host/jobs/notation/design_text.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+
+#include "host/base/error.h"
+#include "host/base/nearest_name.h"
+#include "host/base/number_text.h"
+#include "host/base/quoted.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr std::string_view kCorrelationWord = "correlation";
+constexpr const char* kForm = "expected FIRST,SECOND=NUMBER";
+
+bool Contains(const std::vector<std::string>& names, const std::string& name) {
+  return std::ranges::find(names, name) != names.end();
+}
+
+bool IsPair(const NotedCorrelation& a, const NotedCorrelation& b) {
+  return (a.first == b.first && a.second == b.second) || (a.first == b.second && a.second == b.first);
+}
+
+void RequireKnown(const std::string& name, const std::vector<std::string>& known) {
+  if (Contains(known, name)) return;
+  const std::string nearest = NearestName(name, known);
+  throw Error("no variable is called " + Quoted(name) +
+              (nearest.empty() ? "" : "; did you mean " + nearest + "?"));
+}
+
+std::string MessageOf(const Error& error) {
+  return error.Where().empty() ? error.what() : std::string(error.what()) + " (" + error.Where() + ")";
+}
+
+// What follows the word that begins a line of a correlation; nothing for another line.
+std::optional<std::string_view> CorrelationIn(std::string_view line) {
+  if (!line.starts_with(kCorrelationWord)) return std::nullopt;
+  const std::string_view rest = line.substr(kCorrelationWord.size());
+  // A variable may be called so.
+  if (rest.empty() || (rest.front() != ' ' && rest.front() != '\t') ||
+      rest.find('~') != std::string_view::npos)
+    return std::nullopt;
+  return rest;
+}
+
+void Place(const std::filesystem::path& file, std::size_t line, JobFaults& faults, std::size_t from) {
+  for (std::size_t i = from; i < faults.size(); ++i)
+    faults[i].message = file.string() + ", line " + std::to_string(line) + ": " + faults[i].message;
+}
+
+NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::string>& known) {
+  const std::size_t equals = text.rfind('=');
+  const auto value =
+      equals == std::string_view::npos ? std::nullopt : ParseNumber(Trim(text.substr(equals + 1)));
+  if (!value) throw Error(std::string(kForm) + ", got " + Quoted(text));
+  if (!(std::abs(*value) <= 1))
+    throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(*value));
+  const std::string_view pair = text.substr(0, equals);
+  NotedCorrelation first{.first = {}, .second = {}, .value = *value};
+  for (std::size_t comma = pair.find(','); comma != std::string_view::npos;
+       comma = pair.find(',', comma + 1)) {
+    const NotedCorrelation parted{std::string(Trim(pair.substr(0, comma))),
+                                  std::string(Trim(pair.substr(comma + 1))), *value};
+    if (first.first.empty()) first = parted;
+    if (!Contains(known, parted.first) || !Contains(known, parted.second)) continue;
+    first = parted;
+    break;
+  }
+  if (first.first.empty() || first.second.empty()) throw Error(std::string(kForm) + ", got " + Quoted(text));
+  if (first.first == first.second) throw Error("a variable is correlated with itself by 1, " + Quoted(text));
+  return first;
+}
+
+}  // namespace
+
+std::vector<std::string> DesignText::Names() const {
+  std::vector<std::string> names;
+  for (const NotedVariable& variable : variables) names.push_back(variable.name);
+  return names;
+}
+
+void AddVariable(const std::string& field, std::string_view text, DesignText& design, JobFaults& faults) {
+  try {
+    NotedVariable variable = ReadVariable(text);
+    if (Contains(design.Names(), variable.name))
+      throw Error("the variable " + variable.name + " is given twice");
+    design.variables.push_back(std::move(variable));
+  } catch (const Error& error) {
+    faults.push_back({field, MessageOf(error)});
+  }
+}
+
+void AddCorrelation(const std::string& field, std::string_view text, const std::vector<std::string>* others,
+                    DesignText& design, JobFaults& faults) {
+  try {
+    std::vector<std::string> known = design.Names();
+    if (others != nullptr) known.insert(known.end(), others->begin(), others->end());
+    NotedCorrelation correlation = ReadCorrelation(text, known);
+    if (others != nullptr) {
+      RequireKnown(correlation.first, known);
+      RequireKnown(correlation.second, known);
+    }
+    for (const NotedCorrelation& former : design.correlations) {
+      if (IsPair(former, correlation))
+        throw Error("the correlation of " + correlation.first + " and " + correlation.second +
+                    " is given twice");
+    }
+    design.correlations.push_back(std::move(correlation));
+  } catch (const Error& error) {
+    faults.push_back({field, MessageOf(error)});
+  }
+}
+
+void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::string>* others,
+                    DesignText& design, JobFaults& faults) {
+  std::ifstream stream(file);
+  if (!stream) throw Error("cannot be read", file.string());
+  struct Line {
+    std::size_t number;
+    std::string text;
+  };
+  std::vector<Line> correlations;
+  std::string line;
+  for (std::size_t number = 1; std::getline(stream, line); ++number) {
+    const std::string_view text = Trim(std::string_view(line).substr(0, line.find_last_not_of('\r') + 1));
+    if (text.empty() || text.front() == '#') continue;
+    if (const auto correlation = CorrelationIn(text)) {
+      correlations.push_back({number, std::string(*correlation)});
+      continue;
+    }
+    const std::size_t before = faults.size();
+    AddVariable("from", text, design, faults);
+    Place(file, number, faults, before);
+  }
+  if (stream.bad()) throw Error("cannot be read", file.string());
+  for (const Line& correlation : correlations) {
+    const std::size_t before = faults.size();
+    AddCorrelation("from", correlation.text, others, design, faults);
+    Place(file, correlation.number, faults, before);
+  }
+}
+
+std::string TextOf(const DesignText& design) {
+  std::string text;
+  for (const NotedVariable& variable : design.variables) text += NotationOf(variable) + "\n";
+  for (const NotedCorrelation& correlation : design.correlations) {
+    text += std::string(kCorrelationWord) + " " + correlation.first + ", " + correlation.second + " = " +
+            ShortestNumber(correlation.value) + "\n";
+  }
+  return text;
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,56 @@
+// The notation of designed variables, one for the command, text files, Python and reports:
+//
+//   h ~ normal(50.2, 0.05)
+//   cost ~ triangular(min=100, max=180, mode=120) in [100, 170]
+//   risk ~ histogram(0:0.9, 25000:0.1)
+//
+// A distribution goes by its name or another usual one, in any case. Its parameters stand in the order of the catalogue
+// or under their names, the offset last; values of user-defined types come in groups, separated by colons or commas. The
+// part from "in" truncates the distribution; a bound may be left out. Numbers have a decimal point in every locale.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/base/almost_equal.h"
+#include "host/base/error.h"
+#include "host/numeric/distributions/shared/distribution_facts.h"
+
+namespace brenvolt {
+
+struct NotedDistribution {
+  DistributionCode code = DistributionCode::kNormal;
+  std::vector<double> values;
+  double offset = kNotSet;  // of a distribution that has one: 0 where none is written
+  std::optional<double> minimum;
+  std::optional<double> maximum;
+};
+
+struct NotedVariable {
+  std::string name;
+  NotedDistribution distribution;
+};
+
+// A text that is not in the notation, or says something impossible: the message names the character, counted from 1.
+class NotationError : public Error {
+ public:
+  // `place` counts from 0.
+  NotationError(std::string_view text, std::size_t place, const std::string& what);
+};
+
+// Both throw NotationError. What they return is valid: values in their ranges and consistent, bounds that leave
+// something of the distribution.
+NotedDistribution ReadDistribution(std::string_view text);
+NotedVariable ReadVariable(std::string_view text);
+
+// The texts that read back as exactly these.
+std::string NotationOf(const NotedDistribution& distribution);
+std::string NotationOf(const NotedVariable& variable);
+
+// "location, scale", "min, max, mode", "code:proportion, …".
+std::string ParameterNames(DistributionCode code);
+
+}  // namespace brenvolt

@@ -1,0 +1,228 @@
+// The search for the Gaussian mixture of greatest likelihood: every start runs a few steps (the short runs of
+// Biernacki, Celeux & Govaert 2003), the best of them to the end; changes of the mixture found are starts,
+// too.
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/mixture/mixture_climber.h"
+#include "host/numeric/estimation/mixture/mixture_starts.h"
+#include "host/numeric/special/bracketed_root.h"
+
+namespace brenvolt {
+namespace {
+
+using estimation::CheckSample;
+using estimation::Mean;
+using estimation::MeanSquare;
+using estimation::ScaledSample;
+using estimation::ScaleFrom;
+using mixture::Candidate;
+using mixture::Climber;
+using mixture::Component;
+using mixture::Mixture;
+using mixture::Polish;
+using mixture::RunShort;
+using mixture::RunToTheEnd;
+using mixture::SplitAndMerged;
+using mixture::Starts;
+using mixture::WithOneMore;
+using mixture::WithTail;
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr int kMostCycles = 1000;
+constexpr std::size_t kSearchedWhole = 5'000;  // the search costs thousands of passes over its values
+
+void SortByMean(Mixture& mixture) {
+  std::sort(mixture.begin(), mixture.end(), [](const Component& a, const Component& b) {
+    return a.mean != b.mean ? a.mean < b.mean : a.deviation < b.deviation;
+  });
+}
+
+// Two components in one place are one: a saddle of the likelihood, from which symmetric data cannot move.
+bool HasTwins(const Mixture& mixture) {
+  constexpr double kLeastDistance = 0.01;  // in standard deviations
+  for (std::size_t a = 0; a < mixture.size(); ++a) {
+    for (std::size_t b = a + 1; b < mixture.size(); ++b) {
+      const double distance = std::max(std::abs(mixture[a].mean - mixture[b].mean),
+                                       std::abs(mixture[a].deviation - mixture[b].deviation));
+      if (distance < kLeastDistance * std::min(mixture[a].deviation, mixture[b].deviation)) return true;
+    }
+  }
+  return false;
+}
+
+// The best short runs, best first.
+std::vector<Candidate> BestShortRuns(Climber& climber, const std::vector<Mixture>& starts,
+                                     std::size_t count) {
+  std::vector<Candidate> runs;
+  for (const Mixture& start : starts) {
+    Candidate run = RunShort(climber, start);
+    if (run.logLikelihood > -kInfinity) runs.push_back(std::move(run));
+  }
+  std::stable_sort(runs.begin(), runs.end(),
+                   [](const Candidate& a, const Candidate& b) { return a.logLikelihood > b.logLikelihood; });
+  if (runs.size() > count) runs.resize(count);
+  return runs;
+}
+
+// `isStart`: the mixture found only gives starts for one with a component more.
+Candidate SearchMixture(std::span<const double> sorted, std::size_t components, double deviation,
+                        const EstimationPoll& poll, bool isStart = false) {
+  // A few components deserve a thorough search; with many, there is little to choose between the maxima.
+  constexpr std::size_t kFew = 6;
+  const bool isThorough = components <= kFew;
+  const std::size_t longRuns = !isThorough ? 3 : isStart ? 4 : 8;
+  const std::size_t neighbourRuns = !isThorough ? 1 : isStart ? 2 : 3;
+  const int rounds = isThorough && !isStart ? 3 : 1;
+  const std::size_t sketchedValues = isThorough ? 4000 : 1000;  // that the short runs look at
+  const std::vector<double> thin = Thinned(sorted, sketchedValues);
+  Climber sketch(thin, components, deviation, poll);
+  Climber climber(sorted, components, deviation, poll);
+  Candidate best;
+  const auto improve = [&](const std::vector<Mixture>& starts, std::size_t runs) {
+    bool isBetter = false;
+    for (const Candidate& run : BestShortRuns(sketch, starts, runs)) {
+      Candidate end = RunToTheEnd(climber, run.mixture, best.logLikelihood, kMostCycles);
+      if (!(end.logLikelihood > best.logLikelihood + 1e-10) || HasTwins(end.mixture)) continue;
+      best = std::move(end);
+      isBetter = true;
+    }
+    SortByMean(best.mixture);
+    return isBetter;
+  };
+  std::vector<Mixture> starts = Starts(sorted, components, deviation);
+  if (isThorough && components > 1) {
+    const Candidate fewer = SearchMixture(sorted, components - 1, deviation, poll, true);
+    for (Mixture& start : WithOneMore(fewer.mixture)) starts.push_back(std::move(start));
+  }
+  improve(starts, longRuns);
+  for (int round = 0; round < rounds && components > 2 && !best.mixture.empty(); ++round) {
+    if (!improve(SplitAndMerged(best.mixture), neighbourRuns)) break;
+  }
+  return best;
+}
+
+// The cycles that a search over thinned values is followed by on all `count`, where the likelihood is so flat
+// that Newton's method fails: as many as cost some seconds.
+int CyclesToFinish(std::size_t count) {
+  constexpr std::size_t kValues = 50'000'000;
+  return static_cast<int>(std::clamp<std::size_t>(kValues / count, 20, kMostCycles));
+}
+
+// The mixture found in a thinned sample polished over samples of rising size, each with the slopes of the one
+// before: their maxima lie close, as evenly placed values tell the distribution far better than as many
+// random ones. Empty if the mixture collapses.
+Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mixture mixture,
+                  double deviation, const EstimationPoll& poll) {
+  constexpr std::size_t kRise = 16;
+  Candidate best = {std::move(mixture)};
+  const std::size_t components = best.mixture.size();
+  for (std::size_t count = known.size(); count < sorted.size() && !best.mixture.empty();) {
+    count = std::min(count * kRise, sorted.size());
+    std::vector<double> thin;
+    if (count < sorted.size()) thin = Thinned(sorted, count);
+    Climber sketch(known, components, deviation, poll);
+    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation, poll);
+    auto end = Polish(sketch, climber, best.mixture);
+    best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture, -kInfinity, CyclesToFinish(count));
+    known = std::move(thin);
+  }
+  return best;
+}
+
+// The mixture with a component of a few values in a tail, which thinning leaves out, if it is better.
+Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, double leastLogLikelihood,
+                       double deviation, const EstimationPoll& poll) {
+  constexpr int kSteps = 5;
+  constexpr std::size_t kSeen = 32;  // thinned values; a component of more is found among them
+  const std::size_t most = kSeen * sorted.size() / kThinnedSample;
+  Climber climber(sorted, fewer.size() + 1, deviation, poll);
+  Candidate best;
+  for (Mixture& start : WithTail(fewer, sorted, most, deviation)) {
+    Mixture image = start;
+    const double logLikelihood = climber.Step(image);
+    if (logLikelihood > best.logLikelihood) best = {std::move(image), logLikelihood};
+  }
+  for (int step = 0; step < kSteps && !best.mixture.empty(); ++step) {
+    if (climber.IsCollapsed(best.mixture)) return {};
+    best.logLikelihood = climber.Step(best.mixture);
+  }
+  if (!(best.logLikelihood > leastLogLikelihood)) return {};
+  return RunToTheEnd(climber, best.mixture, leastLogLikelihood, CyclesToFinish(sorted.size()));
+}
+
+// A large sample is searched thinned.
+Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation,
+                    const EstimationPoll& poll) {
+  if (sorted.size() <= kSearchedWhole) return SearchMixture(sorted, components, deviation, poll);
+  const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+  const Candidate ofThin = SearchMixture(thin, components, deviation, poll);
+  if (ofThin.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
+  Candidate best = Refined(sorted, thin, ofThin.mixture, deviation, poll);
+  if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
+  if (components > 1) {
+    const Candidate fewer = SearchMixture(thin, components - 1, deviation, poll, true);
+    Candidate other;
+    if (!fewer.mixture.empty())
+      other = BestWithTail(sorted, fewer.mixture, best.logLikelihood, deviation, poll);
+    if (other.logLikelihood > best.logLikelihood && !HasTwins(other.mixture)) best = std::move(other);
+  }
+  SortByMean(best.mixture);
+  return best;
+}
+
+}  // namespace
+
+EstimationResult<std::vector<double>> EstimateGaussianMixture(std::span<const double> data,
+                                                              std::int32_t components,
+                                                              const EstimationPoll& poll) {
+  if (auto checked = CheckSample(data, 2); !checked) return checked.Reason();
+  if (components < 1) return FaultAbout(EstimationFault::kInvalidArgument, components);
+  const auto count = static_cast<std::size_t>(components);
+  if (2 * count > data.size()) {
+    return FaultAbout(EstimationFault::kTooManyComponents, components, static_cast<double>(data.size()));
+  }
+  std::vector<double> sorted;
+  if (!std::ranges::is_sorted(data)) {
+    sorted.assign(data.begin(), data.end());
+    std::ranges::sort(sorted);
+    data = sorted;
+  }
+  if (data.front() == data.back()) return Fault{EstimationFault::kNoSpread};
+  const ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
+  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
+
+  const double deviation = std::sqrt(MeanSquare(sample.values, Mean(sample.values)));
+  const Candidate best = FitSorted(sample.values, count, deviation, poll);
+  if (best.mixture.empty()) return FaultAbout(EstimationFault::kNoMaximum, components);
+  std::vector<double> values;
+  values.reserve(3 * count);
+  for (const Component& component : best.mixture) {
+    values.insert(values.end(), {component.proportion, sample.origin + sample.InUnitsOfData(component.mean),
+                                 sample.InUnitsOfData(component.deviation)});
+  }
+  if (estimation::IsAnyNotFinite(values)) return Fault{EstimationFault::kNotFinite};
+  return values;
+}
+
+std::optional<std::size_t> NearSpike(std::span<const double> mixture, double count) {
+  constexpr double kFewValues = 10.0;
+  constexpr double kNarrow = 0.1;
+  std::size_t narrowest = 0;
+  double widest = 0.0;
+  for (std::size_t c = 0; 3 * c < mixture.size(); ++c) {
+    widest = std::max(widest, mixture[3 * c + 2]);
+    if (mixture[3 * c + 2] < mixture[3 * narrowest + 2]) narrowest = c;
+  }
+  const bool isNear =
+      mixture[3 * narrowest] * count < kFewValues && mixture[3 * narrowest + 2] < kNarrow * widest;
+  return isNear ? std::optional(narrowest) : std::nullopt;
+}
+
+}  // namespace brenvolt

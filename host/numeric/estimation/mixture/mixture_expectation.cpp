@@ -1,0 +1,226 @@
+// Compiled once per instruction set, like vector_forms.cpp.
+#include "host/numeric/estimation/mixture/mixture_expectation.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "host/numeric/estimation/mixture/mixture_expectation.cpp"
+#include "hwy/foreach_target.h"
+// After foreach_target.h:
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include "host/numeric/vector/vector_formulas-inl.h"
+#include "hwy/highway.h"
+
+HWY_BEFORE_NAMESPACE();
+namespace brenvolt {
+namespace HWY_NAMESPACE {
+namespace {
+
+// Every sum is made of eight partial ones, over the values i with the same i % 8, whatever the vectors'
+// length.
+constexpr std::size_t kPartialSums = 8;
+using Tag = hn::CappedTag<double, kPartialSums>;
+using Vector = hn::Vec<Tag>;
+constexpr std::size_t kStride = MixtureExpectation::kBlock;
+constexpr std::size_t kMostVectors =
+    kPartialSums;  // per step of kPartialSums values, where a vector has one lane
+
+// The density of a component as 2^(constant + factor (x - mean)^2).
+struct Density {
+  double mean;
+  double constant;
+  double factor;
+
+  explicit Density(const MixtureComponent& c)
+      : mean(c.mean),
+        constant((std::log(c.proportion / c.deviation) - kLogSqrtTwoPi) * std::numbers::log2e),
+        factor(-0.5 * std::numbers::log2e / c.deviation / c.deviation) {}
+
+  HWY_INLINE Vector LogTwoAt(Tag d, Vector x) const {
+    const Vector distance = hn::Sub(x, hn::Set(d, mean));
+    return hn::Add(hn::Set(d, constant), hn::Mul(hn::Set(d, factor), hn::Mul(distance, distance)));
+  }
+};
+
+// 2^x for x held to [-1022, 1023]: the Chebyshev interpolant of degree 10 on [-1/2, 1/2], relative error
+// 5e-16.
+HWY_INLINE Vector ClampedExpTwo(Tag d, Vector x) {
+  static constexpr double kSeries[] = {7.072585949269223e-09,
+                                       1.0208690299958306e-07,
+                                       1.321544258792169e-06,
+                                       1.5252657260200837e-05,
+                                       0.0001540353044173605,
+                                       0.0013333558230164974,
+                                       0.009618129107606888,
+                                       0.05550410866444772,
+                                       0.24022650695910097,
+                                       0.69314718055995,
+                                       1.0};
+  const Vector within = hn::Max(hn::Min(x, hn::Set(d, 1023.0)), hn::Set(d, -1022.0));
+  const Vector whole = RoundToWhole(d, within);
+  return hn::Mul(TwofoldHorner(d, kSeries, hn::Sub(within, whole)), PowerOfTwo(d, whole));
+}
+
+double Total(const Vector* partial) {
+  const Tag d;
+  double s[kPartialSums];
+  for (std::size_t i = 0; i < kPartialSums; i += hn::Lanes(d))
+    hn::StoreU(partial[i / hn::Lanes(d)], d, s + i);
+  return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
+}
+
+// A total density below it has lost digits, or all, to the smallest doubles.
+constexpr double kLeastTotal = 1e-200;
+
+// One block of values, `count` of them and padding up to whole steps.
+class Block {
+ public:
+  Block(const double* x, std::size_t count, double* densities)
+      : x_(x), count_(count), densities_(densities) {}
+
+  // Fills the densities and the reciprocals of their totals and returns the log-likelihood.
+  double Evaluate(std::span<const MixtureComponent> mixture, double* inverse) {
+    const Tag d;
+    const std::size_t lanes = hn::Lanes(d);
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      const Density density(mixture[c]);
+      double* row = densities_ + c * kStride;
+      for (std::size_t i = 0; i < Padded(); i += lanes) {
+        const Vector value = ClampedExpTwo(d, density.LogTwoAt(d, hn::LoadU(d, x_ + i)));
+        hn::StoreU(value, d, row + i);
+        hn::StoreU(c == 0 ? value : hn::Add(hn::LoadU(d, inverse + i), value), d, inverse + i);
+      }
+    }
+    Vector sums[kMostVectors];
+    std::fill_n(sums, kMostVectors, hn::Zero(d));
+    for (std::size_t i = 0; i < Padded(); i += kPartialSums) {
+      for (std::size_t j = 0; j < kPartialSums / lanes; ++j) {
+        sums[j] = hn::Add(sums[j], LogTotal(d, mixture, i + j * lanes, inverse));
+      }
+    }
+    return Total(sums);
+  }
+
+  void AddSums(const MixtureComponent& component, std::size_t c, const double* inverse,
+               ResponsibilitySums& sums) const {
+    const Tag d;
+    const std::size_t lanes = hn::Lanes(d);
+    const double* row = densities_ + c * kStride;
+    const Vector mean = hn::Set(d, component.mean);
+    Vector weights[kMostVectors];
+    Vector firsts[kMostVectors];
+    Vector seconds[kMostVectors];
+    std::fill_n(weights, kMostVectors, hn::Zero(d));
+    std::fill_n(firsts, kMostVectors, hn::Zero(d));
+    std::fill_n(seconds, kMostVectors, hn::Zero(d));
+    for (std::size_t i = 0; i < Padded(); i += kPartialSums) {
+      for (std::size_t j = 0; j < kPartialSums / lanes; ++j) {
+        const std::size_t at = i + j * lanes;
+        const Vector weight = hn::Mul(hn::LoadU(d, row + at), hn::LoadU(d, inverse + at));
+        const Vector distance = hn::Sub(hn::LoadU(d, x_ + at), mean);
+        const Vector first = hn::Mul(weight, distance);
+        weights[j] = hn::Add(weights[j], weight);
+        firsts[j] = hn::Add(firsts[j], first);
+        seconds[j] = hn::Add(seconds[j], hn::Mul(first, distance));
+      }
+    }
+    sums.weight += Total(weights);
+    sums.first += Total(firsts);
+    sums.second += Total(seconds);
+  }
+
+ private:
+  std::size_t Padded() const { return (count_ + kPartialSums - 1) / kPartialSums * kPartialSums; }
+
+  // The logarithms of one vector of totals, which their reciprocals replace; 0 for the padding.
+  HWY_INLINE Vector LogTotal(Tag d, std::span<const MixtureComponent> mixture, std::size_t i,
+                             double* inverse) {
+    Vector total = hn::LoadU(d, inverse + i);
+    Vector unit = hn::Zero(d);
+    if (HWY_UNLIKELY(!hn::AllTrue(d, hn::Ge(total, hn::Set(d, kLeastTotal))))) {
+      unit = Rescale(d, mixture, i, total);
+    }
+    Vector log = hn::Add(unit, LogOfPositive<!kMayBeSubnormal>(d, total));
+    Vector reciprocal = hn::Div(hn::Set(d, 1.0), total);
+    if (HWY_UNLIKELY(i + hn::Lanes(d) > count_)) {
+      const auto isWithin = hn::FirstN(d, i < count_ ? count_ - i : 0);
+      log = hn::IfThenElseZero(isWithin, log);
+      reciprocal = hn::IfThenElseZero(isWithin, reciprocal);
+    }
+    hn::StoreU(reciprocal, d, inverse + i);
+    return log;
+  }
+
+  // Where the total is too small, the densities and their total in units of the greatest one; returns the
+  // logarithm of the unit.
+  HWY_NOINLINE Vector Rescale(Tag d, std::span<const MixtureComponent> mixture, std::size_t i,
+                              Vector& total) {
+    const auto isLost = hn::Not(hn::Ge(total, hn::Set(d, kLeastTotal)));
+    const Vector x = hn::LoadU(d, x_ + i);
+    Vector greatest = hn::Set(d, -kVectorInfinity);
+    for (const MixtureComponent& component : mixture) {
+      const Vector log = Density(component).LogTwoAt(d, x);
+      greatest = hn::IfThenElse(hn::Gt(log, greatest), log, greatest);
+    }
+    Vector rescaled = hn::Zero(d);
+    for (std::size_t c = 0; c < mixture.size(); ++c) {
+      double* to = densities_ + c * kStride + i;
+      const Vector value = ClampedExpTwo(d, hn::Sub(Density(mixture[c]).LogTwoAt(d, x), greatest));
+      rescaled = hn::Add(rescaled, value);
+      hn::StoreU(hn::IfThenElse(isLost, value, hn::LoadU(d, to)), d, to);
+    }
+    total = hn::IfThenElse(isLost, rescaled, total);
+    return hn::IfThenElseZero(isLost, hn::Mul(greatest, hn::Set(d, std::numbers::ln2)));
+  }
+
+  const double* x_;
+  std::size_t count_;
+  double* densities_;
+};
+
+}  // namespace
+
+double Expectation(std::span<const double> values, std::span<const MixtureComponent> mixture,
+                   std::span<ResponsibilitySums> sums, double* densities) {
+  HWY_ALIGN double padded[kStride];
+  HWY_ALIGN double inverse[kStride];
+  double logLikelihood = 0.0;
+  for (std::size_t begin = 0; begin < values.size(); begin += kStride) {
+    const std::span<const double> x = values.subspan(begin, std::min(kStride, values.size() - begin));
+    const double* from = x.data();
+    if (x.size() % kPartialSums != 0) {
+      std::fill_n(padded, kStride, x.front());
+      std::copy(x.begin(), x.end(), padded);
+      from = padded;
+    }
+    Block block(from, x.size(), densities);
+    logLikelihood += block.Evaluate(mixture, inverse);
+    for (std::size_t c = 0; c < mixture.size(); ++c) block.AddSums(mixture[c], c, inverse, sums[c]);
+  }
+  return logLikelihood;
+}
+
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace brenvolt {
+
+HWY_EXPORT(Expectation);
+
+double MixtureExpectation::Run(std::span<const double> values, std::span<const MixtureComponent> mixture,
+                               std::span<ResponsibilitySums> sums) {
+  std::fill(sums.begin(), sums.end(), ResponsibilitySums{});
+  const bool isRegular = std::all_of(mixture.begin(), mixture.end(), [](const MixtureComponent& c) {
+    return c.proportion > 0.0 && c.deviation > 0.0 && std::isfinite(c.proportion / c.deviation) &&
+           std::isfinite(c.mean) && std::isfinite(1.0 / c.deviation / c.deviation);
+  });
+  if (!isRegular) return std::numeric_limits<double>::quiet_NaN();
+  return HWY_DYNAMIC_DISPATCH(Expectation)(values, mixture, sums, densities_.data());
+}
+
+}  // namespace brenvolt
+#endif
