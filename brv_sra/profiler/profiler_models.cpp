@@ -255,7 +255,8 @@ Result<void> MergePredictors(ProfilerDesign& design, const PredictionModel& mode
 }
 
 void MergeDependents(ProfilerDesign& design, const std::shared_ptr<const PredictionModel>& model) {
-  for (const ModelField& field : model->Dependents()) {
+  for (std::size_t k = 0; k < model->Dependents().size(); ++k) {
+    const ModelField& field = model->Dependents()[k];
     auto place = design.FindDependent(field.name);
     if (!place) {
       ProfilerDependent added;
@@ -267,7 +268,7 @@ void MergeDependents(ProfilerDesign& design, const std::shared_ptr<const Predict
     dependent.labels.clear();
     for (std::size_t i = 0; field.isText && i < field.codes.size(); ++i)
       dependent.labels.emplace(field.codes[i], field.labels[i]);
-    const auto error = model->MeanSquaredError();
+    const auto error = model->MeanSquaredError(k);
     if (error && *error >= 0 && IsNotSet(dependent.standardDeviation))
       dependent.standardDeviation = std::sqrt(*error);
   }

@@ -131,10 +131,9 @@ std::vector<std::size_t> ProfilerPrediction::ReadBy(std::size_t dependent) const
   return read;
 }
 
-UnpredictedCases ProfilerPrediction::PredictRows(const ModelUse& use,
-                                                 std::span<const std::span<const double>> columns,
-                                                 std::span<const std::span<double>> dependents,
-                                                 std::size_t begin, std::size_t rows) {
+std::vector<UnpredictedCases> ProfilerPrediction::PredictRows(
+    const ModelUse& use, std::span<const std::span<const double>> columns,
+    std::span<const std::span<double>> dependents, std::size_t begin, std::size_t rows) {
   std::vector<std::span<const double>> inputs;
   std::vector<const std::map<double, std::string>*> labels;
   for (const Input& input : use.inputs) {
@@ -145,9 +144,13 @@ UnpredictedCases ProfilerPrediction::PredictRows(const ModelUse& use,
   std::vector<std::span<double>> outputs;
   for (const auto& place : use.dependents)
     outputs.push_back(place ? dependents[*place].subspan(begin, rows) : std::span<double>(unwanted));
-  UnpredictedCases unpredicted;
-  use.model->Predict(inputs, outputs, {.labels = labels, .unpredicted = &unpredicted});
-  return unpredicted;
+  std::vector<UnpredictedCases> unpredicted(outputs.size());
+  use.model->Predict(inputs, outputs, {.labels = labels, .unpredicted = unpredicted});
+  std::vector<UnpredictedCases> wanted;
+  for (std::size_t k = 0; k < outputs.size(); ++k) {
+    if (use.dependents[k]) wanted.push_back(std::move(unpredicted[k]));
+  }
+  return wanted;
 }
 
 // The runs in which a formula has no number because another dependent that it reads has no prediction.
@@ -169,28 +172,31 @@ UnpredictedCases ProfilerPrediction::MissingInputs(const Step& step,
   return unpredicted;
 }
 
-UnpredictedCases ProfilerPrediction::Carry(const Step& step, std::span<const std::span<const double>> columns,
-                                           std::span<const std::span<double>> dependents,
-                                           ProgressBar& progress) const {
+std::vector<UnpredictedCases> ProfilerPrediction::Carry(const Step& step,
+                                                        std::span<const std::span<const double>> columns,
+                                                        std::span<const std::span<double>> dependents,
+                                                        ProgressBar& progress) const {
   const std::size_t runs = dependents[0].size();
   if (!step.model) {
     std::vector<FormulaColumn> values;
     for (const auto& column : columns) values.push_back({.values = column});
     formulas_.at(step.formula).Evaluate(values, dependents[step.formula]);
     progress.Step(static_cast<std::int64_t>(runs));
-    return MissingInputs(step, columns, dependents[step.formula]);
+    return {MissingInputs(step, columns, dependents[step.formula])};
   }
   const ModelUse& use = models_[*step.model];
   const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
-  std::vector<UnpredictedCases> counted(tasks);
+  std::vector<std::vector<UnpredictedCases>> counted(tasks);
   PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
     cancelled.Poll();
     const std::size_t begin = task * kRowsPerTask;
     counted[task] = PredictRows(use, columns, dependents, begin, std::min(kRowsPerTask, runs - begin));
   });
   progress.Step(static_cast<std::int64_t>(runs * use.dependents.size()));
-  UnpredictedCases unpredicted;
-  for (const UnpredictedCases& cases : counted) unpredicted.Add(cases);
+  std::vector<UnpredictedCases> unpredicted(Predicted(step).size());
+  for (const std::vector<UnpredictedCases>& task : counted) {
+    for (std::size_t k = 0; k < task.size(); ++k) unpredicted[k].Add(task[k]);
+  }
   return unpredicted;
 }
 
@@ -201,10 +207,11 @@ std::vector<UnpredictedCases> ProfilerPrediction::Predict(std::span<const std::s
   columns.insert(columns.end(), dependents.begin(), dependents.end());
   std::vector<UnpredictedCases> unpredicted(dependents.size());
   for (const Step& step : steps_) {
-    const UnpredictedCases refused = Carry(step, columns, dependents, progress);
-    for (const std::size_t dependent : Predicted(step)) {
-      unpredicted[dependent] = refused;
-      AddUnexplained(TakeOutInfinite(dependents[dependent]), unpredicted[dependent]);
+    std::vector<UnpredictedCases> refused = Carry(step, columns, dependents, progress);
+    const std::vector<std::size_t> predicted = Predicted(step);
+    for (std::size_t k = 0; k < predicted.size(); ++k) {
+      AddUnexplained(TakeOutInfinite(dependents[predicted[k]]), refused[k]);
+      unpredicted[predicted[k]] = std::move(refused[k]);
     }
   }
   return unpredicted;

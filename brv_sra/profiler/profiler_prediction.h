@@ -60,14 +60,16 @@ class ProfilerPrediction {
   std::vector<std::size_t> Predicted(const Step& step) const;
   std::vector<std::size_t> Places(const Step& step) const;
   void Order();
-  // Returns which values models refused.
-  UnpredictedCases Carry(const Step& step, std::span<const std::span<const double>> columns,
-                         std::span<const std::span<double>> dependents, ProgressBar& progress) const;
+  // Returns which values models refused, by what the step predicts.
+  std::vector<UnpredictedCases> Carry(const Step& step, std::span<const std::span<const double>> columns,
+                                      std::span<const std::span<double>> dependents,
+                                      ProgressBar& progress) const;
   UnpredictedCases MissingInputs(const Step& step, std::span<const std::span<const double>> columns,
                                  std::span<const double> predicted) const;
-  static UnpredictedCases PredictRows(const ModelUse& use, std::span<const std::span<const double>> columns,
-                                      std::span<const std::span<double>> dependents, std::size_t begin,
-                                      std::size_t rows);
+  static std::vector<UnpredictedCases> PredictRows(const ModelUse& use,
+                                                   std::span<const std::span<const double>> columns,
+                                                   std::span<const std::span<double>> dependents,
+                                                   std::size_t begin, std::size_t rows);
 
   const ProfilerDesign& design_;
   std::map<std::size_t, Formula> formulas_;  // by dependent

@@ -27,7 +27,7 @@ ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet&
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
   UnpredictedCases unpredicted;
   Spreadsheet predictions = prediction.Score(cases, prediction.Name(), options, &unpredicted);
-  return {std::move(predictions), std::move(unpredicted), prediction.UnavailableOutputs()};
+  return {std::move(predictions), std::move(unpredicted), prediction.UnavailableOutputs(cases)};
 }
 
 ScoreRun ScoreJob::Score() const {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "host/models/document/arrays.h"
 
@@ -93,9 +94,8 @@ void DeclareRawFields(Scope& scope, const Element& at) {
   }
 }
 
-// Frequencies of values in ModelStats, and the mean squared error in ModelExplanation: what the file tells of
-// its training.
-void ReadTraining(const Element& model, ReadyModel& ready) {
+// Frequencies of values in ModelStats: what the file tells of its training.
+void ReadCounts(const Element& model, ReadyModel& ready) {
   if (const auto stats = model.FindChild("ModelStats")) {
     for (const Element& field : stats->Children()) {
       const auto counts = field.Is("UnivariateStats") ? field.FindChild("DiscrStats") : std::nullopt;
@@ -113,13 +113,20 @@ void ReadTraining(const Element& model, ReadyModel& ready) {
       }
     }
   }
+}
+
+// The mean squared error of a target in ModelExplanation.
+std::optional<double> ReadError(const Element& model, const std::string& target, bool isOnly) {
   const auto explanation = model.FindChild("ModelExplanation");
-  if (!explanation) return;
-  if (const auto quality = explanation->FindChild("PredictiveModelQuality")) {
-    ready.meanSquaredError = quality->FindReal("meanSquaredError");
-    const auto root = quality->FindReal("rootMeanSquaredError");
-    if (!ready.meanSquaredError && root) ready.meanSquaredError = *root * *root;
+  if (!explanation) return std::nullopt;
+  for (const Element& quality : explanation->Children()) {
+    if (!quality.Is("PredictiveModelQuality")) continue;
+    if (!isOnly && quality.Text("targetField", "") != target) continue;
+    const auto square = quality.FindReal("meanSquaredError");
+    const auto root = quality.FindReal("rootMeanSquaredError");
+    return square || !root ? square : std::optional(*root * *root);
   }
+  return std::nullopt;
 }
 
 // What a dependent is called: its target or, if the model has none, what it is.
@@ -155,16 +162,25 @@ class FileReader {
     DeclareRawFields(raw, root_);
     ReadOptions options;
     options.transformations = transformations;
-    ready_.results.push_back(ReadModel(*model, raw, ready_.program, options, ready_.outputs));
+    TakeResults(ReadModel(*model, raw, ready_.program, options, ready_.outputs));
     SetFaultyOutputsApart();
     ReadPredictors(*model);
     builder_.CheckUnused(*model);
-    ReadTraining(*model, ready_);
-    for (const ModelResult& result : ready_.results) ready_.dependents.push_back(DependentName(result));
+    ReadCounts(*model, ready_);
+    for (const ModelResult& result : ready_.results) {
+      const std::string& name = ready_.dependents.emplace_back(DependentName(result));
+      ready_.meanSquaredErrors.push_back(ReadError(*model, name, ready_.results.size() == 1));
+    }
     TakeColumns();
   }
 
  private:
+  void TakeResults(ModelResult result) {
+    std::vector<ModelResult> others = std::move(result.others);
+    ready_.results.push_back(std::move(result));
+    std::ranges::move(others, std::back_inserter(ready_.results));
+  }
+
   void SetFaultyOutputsApart() {
     const auto isGood = [](const OutputColumn& output) { return !output.fault; };
     const auto faulty = std::stable_partition(ready_.outputs.begin(), ready_.outputs.end(), isGood);

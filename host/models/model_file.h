@@ -28,7 +28,7 @@ struct ReadyModel {
   std::vector<OutputColumn> faultyOutputs;  // which the model cannot give
   std::vector<std::string> dependents;
   std::map<std::string, std::vector<std::pair<std::string, double>>> counts;  // of values, by field
-  std::optional<double> meanSquaredError;
+  std::vector<std::optional<double>> meanSquaredErrors;                       // by dependent
 };
 
 std::unique_ptr<ReadyModel> ReadModelFile(std::string_view text, const std::string& file);

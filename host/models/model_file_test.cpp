@@ -97,6 +97,8 @@ TEST(Pmml, RefusesByNameAndLineWhatItDoesNotKnow) {
       {"<PMML version=\"4.1\">\n\xFF</PMML>", "is not text in UTF-8 (m.pmml, line 2)"},
       {"<?xml version=\"1.0\" encoding=\"KOI8-R\"?><PMML/>",
        "is in the encoding koi8-r; UTF-8 and ISO-8859-1 are read (m.pmml)"},
+      {Regression("<Extension><Node score=\"1\"/></Extension>"),
+       "the element Node inside Extension is not supported (m.pmml, line 9)"},
       {kHead + "<AssociationModel functionName=\"associationRules\"/></PMML>",
        "the element AssociationModel is not supported (m.pmml, line 7)"},
   };
@@ -108,6 +110,8 @@ TEST(Pmml, TakesWhatTheStandardLeavesToOthers) {
       RefusalOf(Regression("<Extension><Whatever x=\"1\"/></Extension><ModelStats/><ModelVerification/>",
                            " x-note=\"1\" xmlns:q=\"urn:q\" q:note=\"2\"")),
       "");
+  EXPECT_EQ(
+      RefusalOf(Regression("<Extension><v:Node xmlns:v=\"urn:v\"/><Node xmlns=\"urn:v\"/></Extension>")), "");
   std::string prefixed = Regression("");
   for (std::size_t at = 0; (at = prefixed.find('<', at)) != std::string::npos; ++at) {
     prefixed.insert(at + (prefixed[at + 1] == '/' ? 2 : 1), "p:");
@@ -208,6 +212,7 @@ TEST(Pmml, OutputsThatCannotBeGivenAreLeftOutOneByOne) {
       "field=\"x\"/></Apply></OutputField>"
       "<OutputField name=\"many\" isMultiValued=\"1\"/>"
       "<OutputField name=\"share\" feature=\"probability\" value=\"u\"/>"
+      "<OutputField name=\"cluster\" feature=\"clusterId\"/>"
       "<OutputField name=\"ofError\" feature=\"transformedValue\"><FieldRef "
       "field=\"error\"/></OutputField></Output>" +
       Local("<DefineFunction name=\"f\"><ParameterField name=\"a\"/><Apply function=\"exp\"><FieldRef "
@@ -219,16 +224,15 @@ TEST(Pmml, OutputsThatCannotBeGivenAreLeftOutOneByOne) {
   EXPECT_EQ(found.VariableAt(1).Name(), "good");
   EXPECT_EQ(found.VariableAt(1).Values()[0], 1);
   std::string faults;
-  for (const UnavailableOutput& output : loaded.UnavailableOutputs())
+  for (const UnavailableOutput& output : loaded.UnavailableOutputs(ReadCsvText("x,c\n0,u\n", "data")))
     faults += output.name + ": " + output.reason + "\n";
   EXPECT_EQ(faults,
-            "error: the attribute feature of OutputField is \"standardError\", which is not supported "
-            "(m.pmml, line 9)\n"
+            "error: the feature standardError is not supported (m.pmml, line 9)\n"
             "bad: texts cannot be used where numbers are needed (m.pmml, line 11)\n"
             "many: an output of several values is not supported (m.pmml, line 10)\n"
             "share: the model has no probabilities (m.pmml, line 10)\n"
-            "ofError: the attribute feature of OutputField is \"standardError\", which is not supported "
-            "(m.pmml, line 9)\n");
+            "cluster: the model has no winning rule, node, segment, cluster or neighbour (m.pmml, line 10)\n"
+            "ofError: the feature standardError is not supported (m.pmml, line 9)\n");
 }
 
 // Each text is twice the one before: after forty of them no memory would hold it.
@@ -321,7 +325,7 @@ TEST(Pmml, DescribesItsFieldsToTheProfiler) {
   ASSERT_EQ(model.Dependents().size(), 1U);
   EXPECT_EQ(model.Dependents()[0].name, "y");
   EXPECT_EQ(model.Dependents()[0].Type(), "Out;Cont");
-  EXPECT_EQ(model.MeanSquaredError(), 9);
+  EXPECT_EQ(model.MeanSquaredError(0), 9);
 }
 
 // The profiler's form: codes in, an unknown code or missing value gives no prediction.
@@ -414,7 +418,7 @@ TEST(Pmml, CasesWithoutPredictionAreCountedByFieldAndValue) {
   for (const char* attributes : {"", R"( invalidValueTreatment="asMissing")"}) {
     UnpredictedCases unpredicted;
     PredictionModel::Parse(Ranged(attributes), "m.pmml")
-        .Predict(predictors, dependents, {texts, &unpredicted});
+        .Predict(predictors, dependents, {texts, {&unpredicted, 1}});
     EXPECT_EQ(y[3], 12);
     EXPECT_EQ(unpredicted.Total(), static_cast<std::size_t>(std::ranges::count_if(
                                        y, [](double value) { return std::isnan(value); })));

@@ -131,16 +131,21 @@ std::string TextOf(const Field& field, double value, const TextPool& pool) {
 // Counts the cases of blocks that have no prediction, with their reasons.
 class Tally {
  public:
-  Tally(const ReadyModel& model, const std::vector<const double*>& inputs) : model_(model), inputs_(inputs) {}
+  // Counts the cases that lack any of the predictions in `slots`.
+  Tally(const ReadyModel& model, const std::vector<const double*>& inputs, std::vector<pmml::Slot> slots)
+      : model_(model), inputs_(inputs), slots_(std::move(slots)) {}
 
   void CountBlock(const Frame& frame) {
-    const double* y = frame.In(model_.results.front().value);
     bool whole = !frame.HasReasons();
-    for (std::size_t i = 0; i < frame.Rows(); ++i) whole = whole & (y[i] == y[i]);
+    for (const pmml::Slot slot : slots_) {
+      const double* y = frame.In(slot);
+      for (std::size_t i = 0; i < frame.Rows(); ++i) whole = whole & (y[i] == y[i]);
+    }
     if (whole) return;
     for (std::size_t i = 0; i < frame.Rows(); ++i) {
       const Frame::RowReason& reason = frame.ReasonOf(i);
-      if (!reason.isRefused && !std::isnan(y[i])) continue;
+      const auto isMissing = [&](pmml::Slot slot) { return std::isnan(frame.In(slot)[i]); };
+      if (!reason.isRefused && std::ranges::none_of(slots_, isMissing)) continue;
       if (reason.field != nullptr) {
         Count(*reason.field, reason.value);
       } else if (const Field* field = MissingAt(frame.FirstRow() + i)) {
@@ -196,6 +201,7 @@ class Tally {
 
   const ReadyModel& model_;
   const std::vector<const double*>& inputs_;
+  std::vector<pmml::Slot> slots_;
   std::map<std::tuple<const Field*, double, bool>, Counted> counts_;  // by field, category, missing
   std::size_t noResult_ = 0;
 };
@@ -210,17 +216,24 @@ void TakeColumn(const Frame& frame, const Wanted& column) {
   }
 }
 
-// Runs the program over all rows; `inputs` holds the columns of model.inputs. Adds the reasons of cases
-// without prediction to `unpredicted` if it is not null. Returns the first refusal.
+// Where the reasons of cases are counted that lack any of some predictions.
+struct Counting {
+  std::vector<pmml::Slot> slots;
+  UnpredictedCases* cases;
+};
+
+// Runs the program over all rows; `inputs` holds the columns of model.inputs. Returns the first refusal.
 pmml::Refusal Run(const ReadyModel& model, TextPool& pool, const std::vector<const double*>& inputs,
-                  std::size_t rows, const std::vector<Wanted>& wanted, UnpredictedCases* unpredicted) {
+                  std::size_t rows, const std::vector<Wanted>& wanted,
+                  const std::vector<Counting>& countings) {
   pmml::Refusal first;
   std::mutex guard;
   std::vector<std::array<double, kBlockRows>> constants(model.constants.size());
   for (std::size_t k = 0; k < constants.size(); ++k) constants[k].fill(model.constants[k].second);
   ParallelBlocks(rows, kTaskRows, [&](std::size_t begin, std::size_t end) {
     Frame frame(model.slots, model.fixed, pool);
-    Tally tally(model, inputs);
+    std::vector<Tally> tallies;
+    for (const Counting& counting : countings) tallies.emplace_back(model, inputs, counting.slots);
     for (std::size_t k = 0; k < constants.size(); ++k)
       frame.SetFixed(model.constants[k].first, constants[k].data());
     for (std::size_t at = begin; at < end; at += kBlockRows) {
@@ -228,11 +241,11 @@ pmml::Refusal Run(const ReadyModel& model, TextPool& pool, const std::vector<con
       for (std::size_t k = 0; k < inputs.size(); ++k) frame.SetFixed(model.inputs[k].slot, inputs[k] + at);
       pmml::RunProgram(model.program, frame);
       for (const Wanted& column : wanted) TakeColumn(frame, column);
-      if (unpredicted != nullptr) tally.CountBlock(frame);
+      for (Tally& tally : tallies) tally.CountBlock(frame);
     }
     const std::lock_guard lock(guard);
     if (frame.FirstRefusal().row < first.row) first = frame.FirstRefusal();
-    if (unpredicted != nullptr) tally.AddTo(*unpredicted, pool);
+    for (std::size_t k = 0; k < tallies.size(); ++k) tallies[k].AddTo(*countings[k].cases, pool);
   });
   return first;
 }
@@ -340,13 +353,25 @@ class CodedTexts {
   std::map<double, double> texts_;
 };
 
+bool IsLacking(const Field& field, const ReadyModel& model, const Spreadsheet& data) {
+  return !IsReplaced(field, model) && !data.FindVariable(field.name);
+}
+
+// The fields that an output reads and the data lack, none of which a prediction needs: "a, b".
+std::string LackingFor(const pmml::OutputColumn& output, const ReadyModel& model, const Spreadsheet& data) {
+  std::string lacking;
+  for (const auto& field : model.fields) {
+    if (!output.fields.contains(field.get()) || !IsLacking(*field, model, data)) continue;
+    lacking += (lacking.empty() ? "" : ", ") + field->name;
+  }
+  return lacking;
+}
+
 std::vector<Converted> Bind(const ReadyModel& model, const Spreadsheet& data, TextPool& pool) {
   std::string lacking;
   // In the order of the data dictionary.
   for (const auto& field : model.fields) {
-    const bool isRead =
-        std::ranges::any_of(model.inputs, [&](const auto& input) { return input.field == field.get(); });
-    if (!isRead || IsReplaced(*field, model) || data.FindVariable(field->name)) continue;
+    if (!IsUsed(*field, model) || !IsLacking(*field, model, data)) continue;
     lacking += (lacking.empty() ? "" : ", ") + field->name;
   }
   if (!lacking.empty()) throw Error("the data lack fields that the model needs: " + lacking, data.Name());
@@ -428,12 +453,19 @@ const std::vector<ModelField>& PredictionModel::Predictors() const {
 const std::vector<ModelField>& PredictionModel::Dependents() const {
   return content_->dependents;
 }
-std::optional<double> PredictionModel::MeanSquaredError() const {
-  return content_->model->meanSquaredError;
+std::optional<double> PredictionModel::MeanSquaredError(std::size_t dependent) const {
+  return content_->model->meanSquaredErrors[dependent];
 }
 
-const std::vector<UnavailableOutput>& PredictionModel::UnavailableOutputs() const {
-  return content_->unavailable;
+std::vector<UnavailableOutput> PredictionModel::UnavailableOutputs(const Spreadsheet& data) const {
+  const ReadyModel& model = *content_->model;
+  std::vector<UnavailableOutput> unavailable = content_->unavailable;
+  for (const pmml::OutputColumn& output : model.outputs) {
+    const std::string lacking = LackingFor(output, model, data);
+    if (output.isFinal && !lacking.empty())
+      unavailable.push_back({output.name, "it needs fields that the data lack: " + lacking});
+  }
+  return unavailable;
 }
 
 std::optional<double> PredictionModel::ValueOf(std::size_t predictor, std::string_view text) const {
@@ -447,7 +479,8 @@ void PredictionModel::Predict(std::span<const std::span<const double>> predictor
   const std::size_t rows = dependents.empty() ? 0 : dependents[0].size();
   bool fits = predictors.size() == content_->predictors.size() &&
               dependents.size() == content_->dependents.size() &&
-              (options.labels.empty() || options.labels.size() == predictors.size());
+              (options.labels.empty() || options.labels.size() == predictors.size()) &&
+              (options.unpredicted.empty() || options.unpredicted.size() == dependents.size());
   for (const auto& column : dependents) fits = fits && column.size() == rows;
   for (std::size_t k = 0; fits && k < predictors.size(); ++k)
     fits = predictors[k].size() == rows || (predictors[k].empty() && !content_->predictors[k].isUsed);
@@ -475,7 +508,10 @@ void PredictionModel::Predict(std::span<const std::span<const double>> predictor
     const double shift = content_->dependents[k].isText ? 1 : 0;
     wanted.push_back({model.results[k].value, dependents[k].data(), shift});
   }
-  Run(model, pool, inputs, rows, wanted, options.unpredicted);
+  std::vector<Counting> countings;
+  for (std::size_t k = 0; k < options.unpredicted.size(); ++k)
+    countings.push_back({{model.results[k].value}, &options.unpredicted[k]});
+  Run(model, pool, inputs, rows, wanted, countings);
 }
 
 Spreadsheet PredictionModel::Score(const Spreadsheet& data, const std::string& name,
@@ -493,30 +529,34 @@ Spreadsheet PredictionModel::Score(const Spreadsheet& data, const std::string& n
     slots.push_back(slot);
   };
   for (std::size_t k = 0; k < model.results.size(); ++k) add(model.dependents[k], model.results[k].value);
+  std::vector<const pmml::OutputColumn*> outputs;
   for (const auto& output : model.outputs) {
-    if (output.isFinal) add(output.name, output.operand.slot);
+    if (output.isFinal && LackingFor(output, model, data).empty()) outputs.push_back(&output);
   }
+  for (const auto* output : outputs) add(output->name, output->operand.slot);
   for (const pmml::ModelResult& result : model.results) {
-    for (std::size_t k = 0; options.classProbabilities && k < result.probabilities.size(); ++k) {
-      add("probability(" + result.classes.Labels()[k] + ")", result.probabilities[k]);
-    }
+    const std::string of = model.results.size() > 1 ? result.target + "=" : "";
+    for (std::size_t k = 0; options.classProbabilities && k < result.probabilities.size(); ++k)
+      add("probability(" + of + result.classes.Labels()[k] + ")", result.probabilities[k]);
   }
   std::vector<Wanted> wanted;
   for (std::size_t k = 0; k < slots.size(); ++k) {
     const double shift = k < model.results.size() && content_->dependents[k].isText ? 1 : 0;
     wanted.push_back({slots[k], variables[k].MutableValues().data(), shift});
   }
-  const pmml::Refusal refusal = Run(model, pool, inputs, rows, wanted, unpredicted);
+  std::vector<Counting> countings;
+  if (unpredicted != nullptr) countings.push_back({{}, unpredicted});
+  for (Counting& counting : countings) {
+    for (const pmml::ModelResult& result : model.results) counting.slots.push_back(result.value);
+  }
+  const pmml::Refusal refusal = Run(model, pool, inputs, rows, wanted, countings);
   if (refusal.field != nullptr && options.invalid == InvalidValues::kError)
     Refuse(refusal, pool, data.Name());
   for (std::size_t k = 0; k < model.results.size(); ++k) {
     if (content_->dependents[k].isText) LabelClasses(variables[k], content_->dependents[k].labels);
   }
-  std::size_t at = model.results.size();
-  for (const auto& output : model.outputs) {
-    if (!output.isFinal) continue;
-    if (output.operand.type.IsText()) LabelTexts(variables[at], pool);
-    ++at;
+  for (std::size_t k = 0; k < outputs.size(); ++k) {
+    if (outputs[k]->operand.type.IsText()) LabelTexts(variables[model.results.size() + k], pool);
   }
   Spreadsheet sheet(name);
   for (Variable& variable : variables) sheet.AddVariable(std::move(variable));

@@ -74,8 +74,8 @@ struct PredictOptions {
   // By predictor, the texts of its codes if they are not those of the model's description; null for the
   // others. Empty: all codes are the model's.
   std::span<const std::map<double, std::string>* const> labels;
-  // If not null, why cases have no prediction is added to it.
-  UnpredictedCases* unpredicted = nullptr;
+  // By dependent, why cases have no prediction is added to them. Empty: nothing is counted.
+  std::span<UnpredictedCases> unpredicted;
 };
 
 class PredictionModel {
@@ -92,12 +92,13 @@ class PredictionModel {
   const std::string& Name() const;
   // The active fields in the order of the mining schema.
   const std::vector<ModelField>& Predictors() const;
-  // The targets; one, as models with several are refused.
+  // The targets that it predicts.
   const std::vector<ModelField>& Dependents() const;
-  // The mean squared error that the file reports of its training, if it does.
-  std::optional<double> MeanSquaredError() const;
-  // The outputs that Score leaves out.
-  const std::vector<UnavailableOutput>& UnavailableOutputs() const;
+  // The mean squared error of a dependent that the file reports of its training, if it does.
+  std::optional<double> MeanSquaredError(std::size_t dependent) const;
+  // The outputs that Score leaves out for these data: those that the model cannot give, or that read fields which
+  // the data lack and no prediction needs.
+  std::vector<UnavailableOutput> UnavailableOutputs(const Spreadsheet& data) const;
 
   // What a text of the data means as a value of a predictor that is not of texts: a truth value, a date, a
   // number. Nothing if it means none.
@@ -114,7 +115,7 @@ class PredictionModel {
   // the model does not know are left alone. Returns a sheet named `name` of the dependents, the outputs, and
   // what the options ask for. A categorical dependent is a text variable: the code of its class in the order
   // of the data dictionary, from 1, with the class as label. Adds to `unpredicted`, if it is not null, why
-  // cases have no prediction. Throws Error naming every field that the sheet lacks, and, with its case, a
+  // cases have no prediction of all dependents. Throws Error naming every field that the sheet lacks, and, with its case, a
   // text where a field needs numbers.
   Spreadsheet Score(const Spreadsheet& data, const std::string& name, const ScoreOptions& options = {},
                     UnpredictedCases* unpredicted = nullptr) const;

@@ -1,6 +1,7 @@
 #include "host/models/document/pmml_document.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -59,6 +60,92 @@ std::size_t Edits(std::string_view a, std::string_view b) {
     }
   }
   return row.back();
+}
+
+// Elements of the standard on which predictions depend.
+constexpr auto kScoringElements = std::to_array<std::string_view>({
+    "Aggregate",
+    "Apply",
+    "BayesInput",
+    "BayesInputs",
+    "BayesOutput",
+    "CategoricalPredictor",
+    "Characteristic",
+    "Characteristics",
+    "Cluster",
+    "ClusteringField",
+    "Coefficient",
+    "Coefficients",
+    "ComparisonMeasure",
+    "CompoundPredicate",
+    "CompoundRule",
+    "Constant",
+    "DataDictionary",
+    "DataField",
+    "DecisionTree",
+    "DefineFunction",
+    "DerivedField",
+    "Discretize",
+    "FieldRef",
+    "GaussianDistribution",
+    "KNNInput",
+    "KNNInputs",
+    "LinearNorm",
+    "LocalTransformations",
+    "MapValues",
+    "MiningField",
+    "MiningSchema",
+    "NeuralInput",
+    "NeuralInputs",
+    "NeuralLayer",
+    "NeuralOutput",
+    "NeuralOutputs",
+    "Neuron",
+    "Node",
+    "NormContinuous",
+    "NormDiscrete",
+    "NumericPredictor",
+    "Output",
+    "OutputField",
+    "PCell",
+    "PPCell",
+    "PairCounts",
+    "ParamMatrix",
+    "PoissonDistribution",
+    "PredictorTerm",
+    "Regression",
+    "RegressionTable",
+    "RuleSelectionMethod",
+    "RuleSet",
+    "ScoreDistribution",
+    "Segment",
+    "Segmentation",
+    "SimplePredicate",
+    "SimpleRule",
+    "SimpleSetPredicate",
+    "SupportVector",
+    "SupportVectorMachine",
+    "SupportVectors",
+    "Target",
+    "TargetValue",
+    "TargetValueCounts",
+    "TargetValueStat",
+    "TargetValueStats",
+    "Targets",
+    "TrainingInstances",
+    "TransformationDictionary",
+    "UniformDistribution",
+    "VectorDictionary",
+    "VectorInstance",
+});
+
+// Whether an element has the prefix of the extension that it stands in, and no namespace of its own.
+bool IsOfExtension(const pugi::xml_node& extension, const pugi::xml_node& inner) {
+  const auto prefix = [](const pugi::xml_node& node) {
+    const std::string_view name = node.name();
+    return name.substr(0, name.size() - LocalName(name).size());
+  };
+  return prefix(extension) == prefix(inner) && !inner.attribute("xmlns") && !extension.attribute("xmlns");
 }
 
 bool IsForeign(std::string_view attribute) {
@@ -213,9 +300,20 @@ std::vector<Element> Element::Children() const {
   std::vector<Element> children;
   for (const pugi::xml_node node : node_.children()) {
     if (node.type() != pugi::node_element) continue;
-    if (LocalName(node.name()) != "Extension") children.emplace_back(*document_, node);
+    if (LocalName(node.name()) != "Extension") {
+      children.emplace_back(*document_, node);
+      continue;
+    }
+    for (const pugi::xml_node inner : node.children()) RefuseExtended(node, inner);
   }
   return children;
+}
+
+void Element::RefuseExtended(const pugi::xml_node& extension, const pugi::xml_node& inner) const {
+  const std::string_view name = LocalName(inner.name());
+  if (std::ranges::find(kScoringElements, name) == kScoringElements.end()) return;
+  if (!IsOfExtension(extension, inner)) return;
+  Element(*document_, inner).Fail("the element " + std::string(name) + " inside Extension is not supported");
 }
 
 std::vector<Element> Element::ChildrenAndExtended(std::string_view name) const {
@@ -227,8 +325,12 @@ std::vector<Element> Element::ChildrenAndExtended(std::string_view name) const {
       children.push_back(child);
       continue;
     }
-    for (const Element& inner : child.Children()) {
-      if (inner.Is(name)) children.push_back(inner);
+    for (const pugi::xml_node inner : node.children()) {
+      if (LocalName(inner.name()) != name) {
+        RefuseExtended(node, inner);
+      } else {
+        children.emplace_back(*document_, inner);
+      }
     }
   }
   return children;

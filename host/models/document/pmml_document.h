@@ -1,7 +1,8 @@
 // A PMML file as elements that account for every attribute and child: what a reader does not ask for is
 // refused by name and line. Namespace prefixes do not count; Extension elements, attributes of other
 // namespaces and attributes that begin with "x-" are the standard's own means of saying things that a reader
-// may pass over, and are.
+// may pass over, and are. An extension that holds elements on which the standard lets predictions depend is
+// refused by their name.
 #pragma once
 
 #include <cstddef>
@@ -107,6 +108,8 @@ class Element {
     }
     FailOnValue(name, text);
   }
+  // Throws for an element of an extension that is not to be passed over.
+  void RefuseExtended(const pugi::xml_node& extension, const pugi::xml_node& inner) const;
   [[noreturn]] void FailOnValue(const char* name, std::string_view text) const;
   double RealOf(const char* name, std::string_view text) const;
 

@@ -20,9 +20,16 @@ enum class Method : std::uint8_t {
   kWeightedSum,
   kSelectFirst,
   kSelectAll,
-  kModelChain
+  kModelChain  // also with a chain for each of several targets
 };
 enum class WhenMissing : std::uint8_t { kContinue, kSkip, kReturn };
+
+// What a segment predicts of a target of the whole.
+struct Part {
+  const ModelResult* result = nullptr;
+  std::size_t target = 0;
+  std::vector<double> numbers;  // of the segment's classes among those of the whole
+};
 
 struct Segment {
   std::string id;
@@ -31,7 +38,9 @@ struct Segment {
   std::unique_ptr<Program> program = std::make_unique<Program>();
   std::shared_ptr<ModelResult> result;
   std::vector<OutputColumn> outputs;
-  std::vector<double> numbers;  // of the segment's classes among those of the whole
+  std::vector<Part> parts;
+
+  const std::vector<double>& Numbers() const { return parts.front().numbers; }
 };
 
 using Rows = std::array<bool, kBlockRows>;
@@ -77,16 +86,23 @@ bool IsChoice(Method method) {
   return method == Method::kSelectFirst || method == Method::kSelectAll || method == Method::kModelChain;
 }
 
+// The columns of a target that segments are chosen for.
+struct Chosen {
+  Function function = Function::kRegression;
+  Slot value = kNoSlot;
+  std::vector<Slot> probabilities;
+  Slot segment = kNoSlot;
+};
+
 struct Ensemble {
   Method method = Method::kAverage;
   WhenMissing whenMissing = WhenMissing::kContinue;
   double missingThreshold = 1;
   Predicates predicates;
   std::vector<Segment> segments;
-  Function function = Function::kRegression;
   Slot value = kNoSlot;
   std::vector<Slot> probabilities;
-  Slot chosen = kNoSlot;
+  std::vector<Chosen> chosen;  // by target, of choices
 
   // The rows for which a segment's predicate is true; whether there are any.
   bool Select(const Segment& segment, const Frame& frame, Rows& rows) const {
@@ -105,7 +121,7 @@ struct Ensemble {
   double WeightOf(const Segment& segment) const { return IsWeighted(method) ? segment.weight : 1; }
 };
 
-// Choices: each row has the result of one segment.
+// Choices: each row has the result of one segment for each target.
 class ChoiceStep final : public Step {
  public:
   explicit ChoiceStep(std::unique_ptr<Ensemble> ensemble) : ensemble_(std::move(ensemble)) {}
@@ -113,7 +129,7 @@ class ChoiceStep final : public Step {
   void Run(Frame& frame) const override {
     const Ensemble& e = *ensemble_;
     Clear(frame);
-    Rows isDone{};
+    std::vector<Rows> isDone(e.chosen.size());
     Rows selected{};
     const bool takesFirst = e.method != Method::kModelChain;
     for (std::size_t s = 0; s < e.segments.size(); ++s) {
@@ -121,11 +137,14 @@ class ChoiceStep final : public Step {
       const bool any = e.Select(segment, frame, selected);
       if (any) RunProgram(*segment.program, frame);
       for (std::size_t i = 0; i < frame.Rows(); ++i) {
-        if (!selected[i]) {
-          Forget(segment, i, frame);
-        } else if (!takesFirst || !isDone[i]) {
-          Take(segment, s, i, frame);
-          isDone[i] = true;
+        if (!selected[i]) Forget(segment, i, frame);
+      }
+      for (const Part& part : segment.parts) {
+        Rows& done = isDone[part.target];
+        for (std::size_t i = 0; i < frame.Rows(); ++i) {
+          if (!selected[i] || (takesFirst && done[i])) continue;
+          Take(part, s, i, frame);
+          done[i] = true;
         }
       }
     }
@@ -133,9 +152,12 @@ class ChoiceStep final : public Step {
 
  private:
   void Clear(Frame& frame) const {
-    std::fill_n(frame.Out(ensemble_->value), frame.Rows(), kMissing);
-    for (const Slot slot : ensemble_->probabilities) std::fill_n(frame.Out(slot), frame.Rows(), kMissing);
-    std::fill_n(frame.Out(ensemble_->chosen), frame.Rows(), kMissing);
+    const auto clear = [&](Slot slot) { std::fill_n(frame.Out(slot), frame.Rows(), kMissing); };
+    for (const Chosen& chosen : ensemble_->chosen) {
+      clear(chosen.value);
+      for (const Slot slot : chosen.probabilities) clear(slot);
+      clear(chosen.segment);
+    }
   }
 
   // A segment that is not chosen leaves nothing for a row.
@@ -144,25 +166,26 @@ class ChoiceStep final : public Step {
       if (slot >= 0 && slot != kNoSlot) frame.Out(slot)[row] = kMissing;
     };
     clear(segment.result->value);
+    for (const ModelResult& other : segment.result->others) clear(other.value);
     for (const OutputColumn& output : segment.outputs) clear(output.operand.slot);
   }
 
-  void Take(const Segment& segment, std::size_t number, std::size_t row, Frame& frame) const {
-    const Ensemble& e = *ensemble_;
-    const ModelResult& result = *segment.result;
-    frame.Out(e.chosen)[row] = static_cast<double>(number);
-    if (result.function != e.function) {
-      frame.Out(e.value)[row] = kMissing;
+  void Take(const Part& part, std::size_t number, std::size_t row, Frame& frame) const {
+    const Chosen& chosen = ensemble_->chosen[part.target];
+    const ModelResult& result = *part.result;
+    frame.Out(chosen.segment)[row] = static_cast<double>(number);
+    if (result.function != chosen.function) {
+      frame.Out(chosen.value)[row] = kMissing;
       return;
     }
     const double value = frame.In(result.value)[row];
-    const bool isNumber = e.function == Function::kRegression || std::isnan(value);
-    frame.Out(e.value)[row] = isNumber ? value : segment.numbers[static_cast<std::size_t>(value)];
-    for (const Slot slot : e.probabilities)
+    const bool isNumber = chosen.function == Function::kRegression || std::isnan(value);
+    frame.Out(chosen.value)[row] = isNumber ? value : part.numbers[static_cast<std::size_t>(value)];
+    for (const Slot slot : chosen.probabilities)
       frame.Out(slot)[row] = result.probabilities.empty() ? kMissing : 0;
     for (std::size_t k = 0; k < result.probabilities.size(); ++k) {
-      const auto at = static_cast<std::size_t>(segment.numbers[k]);
-      frame.Out(e.probabilities[at])[row] = frame.In(result.probabilities[k])[row];
+      const auto at = static_cast<std::size_t>(part.numbers[k]);
+      frame.Out(chosen.probabilities[at])[row] = frame.In(result.probabilities[k])[row];
     }
   }
 
@@ -247,7 +270,7 @@ class ClassStep final : public Step {
           lost[i] += w;
         } else if (IsVote(e.method)) {
           frame.Out(e.probabilities[static_cast<std::size_t>(
-              segment.numbers[static_cast<std::size_t>(winner[i])])])[i] += w;
+              segment.Numbers()[static_cast<std::size_t>(winner[i])])])[i] += w;
           weight[i] += w;
         } else if (e.method == Method::kMax) {
           TakeGreatest(segment, i, greatest[i], weight[i], frame);
@@ -281,7 +304,7 @@ class ClassStep final : public Step {
     const auto& from = segment.result->probabilities;
     const std::size_t classes = ensemble_->probabilities.size();
     for (std::size_t k = 0; k < from.size(); ++k) {
-      const auto to = static_cast<std::size_t>(segment.numbers[k]);
+      const auto to = static_cast<std::size_t>(segment.Numbers()[k]);
       const double p = frame.In(from[k])[row];
       if (samples.empty()) {
         frame.Out(ensemble_->probabilities[to])[row] += w * p;
@@ -321,8 +344,7 @@ class EnsembleReader {
       model_.Fail("the model has no Segmentation");
     const Element& segmentation = children.front();
     ReadHead(segmentation);
-    ensemble_->function = place_.function;
-    result_.classes = place_.classes;
+    StartResults();
     // Later segments may name what a segment gives.
     Scope& inside = place_.Build().NewScope(&place_.scope, place_.program);
     for (const Element& child : segmentation.Children()) {
@@ -350,7 +372,11 @@ class EnsembleReader {
                                             {"x-weightedSum", Method::kWeightedSum},
                                             {"selectFirst", Method::kSelectFirst},
                                             {"selectAll", Method::kSelectAll},
-                                            {"modelChain", Method::kModelChain}});
+                                            {"modelChain", Method::kModelChain},
+                                            {"multiModelChain", Method::kModelChain},
+                                            {"x-multiModelChain", Method::kModelChain}});
+    if (!place_.targets.empty() && !IsChoice(e.method))
+      segmentation.Fail("several targets can only be predicted by a chain or a choice of segments");
     e.whenMissing = segmentation.Choice<WhenMissing>("missingPredictionTreatment",
                                                      {{"continue", WhenMissing::kContinue},
                                                       {"skipSegment", WhenMissing::kSkip},
@@ -405,29 +431,62 @@ class EnsembleReader {
     options.reuse = CanShareColumns() ? &shared_ : nullptr;
     segment.result =
         std::make_shared<ModelResult>(ReadModel(*model, inside, *segment.program, options, segment.outputs));
-    CheckFunction(*segment.result, *model);
-    for (const std::string& label : segment.result->classes.Labels()) {
-      segment.numbers.push_back(
-          place_.function == segment.result->function
-              ? static_cast<double>(result_.classes.Number(label, place_.Build(), *model))
-              : kMissing);
-    }
+    AddPart(*segment.result, *model, segment);
+    for (const ModelResult& other : segment.result->others) AddPart(other, *model, segment);
     for (const OutputColumn& output : segment.outputs) {
       if (output.fault) {
         inside.DefineFault(output.name, *output.fault);
       } else {
-        inside.Define(output.name, output.operand);
+        inside.Define(output.name, output.operand, output.fields);
       }
     }
     std::erase_if(segment.outputs, [](const OutputColumn& output) { return output.fault.has_value(); });
-    if (options.reuse == nullptr) result_.segments[segment.id] = segment.result;
+    if (options.reuse == nullptr) segments_[segment.id] = segment.result;
     e.segments.push_back(std::move(segment));
   }
 
-  void CheckFunction(const ModelResult& result, const Element& model) const {
+  // A result for each target, or the one.
+  void StartResults() {
+    if (place_.targets.empty()) {
+      results_.emplace_back();
+      results_.front().classes = place_.classes;
+      Complete(results_.front(), {place_.target, place_.field, place_.function});
+    }
+    for (const Target& target : place_.targets) {
+      ModelResult& result = results_.emplace_back();
+      if (target.field != nullptr) result.classes = Classes(*target.field);
+      Complete(result, target);
+    }
+    isPredicted_.assign(results_.size(), false);
+  }
+
+  // Of several targets a segment predicts the one that it names itself; the first segment of each says whether
+  // that is a number or a class.
+  void AddPart(const ModelResult& part, const Element& model, Segment& segment) {
+    std::size_t target = 0;
+    if (results_.size() > 1) {
+      const auto found = std::ranges::find(results_, part.target, &ModelResult::target);
+      if (found == results_.end()) return;
+      target = static_cast<std::size_t>(found - results_.begin());
+      if (!isPredicted_[target]) found->function = part.function;
+    } else if (&part != segment.result.get()) {
+      return;
+    }
+    isPredicted_[target] = true;
+    ModelResult& whole = results_[target];
+    CheckFunction(part, whole.function, model);
+    Part added{&part, target, {}};
+    for (const std::string& label : part.classes.Labels()) {
+      added.numbers.push_back(whole.function == part.function
+                                  ? static_cast<double>(whole.classes.Number(label, place_.Build(), model))
+                                  : kMissing);
+    }
+    segment.parts.push_back(std::move(added));
+  }
+
+  void CheckFunction(const ModelResult& result, Function whole, const Element& model) const {
     if (ensemble_->method == Method::kModelChain) return;
-    if (result.function != place_.function)
-      model.Fail("the segment's function differs from that of the whole model");
+    if (result.function != whole) model.Fail("the segment's function differs from that of the whole model");
     const bool needsProbabilities = place_.function == Function::kClassification &&
                                     !IsChoice(ensemble_->method) && !IsVote(ensemble_->method);
     if (needsProbabilities && result.probabilities.empty())
@@ -435,37 +494,70 @@ class EnsembleReader {
   }
 
   ModelResult Finish() {
+    return IsChoice(ensemble_->method) ? FinishChoice() : FinishCombination(results_.front());
+  }
+
+  ModelResult FinishCombination(ModelResult& result) {
     Ensemble& e = *ensemble_;
-    result_.value = e.value = place_.NewResult(model_);
-    const bool anyProbabilities =
-        !IsChoice(e.method) || std::ranges::any_of(e.segments, [&](const Segment& segment) {
-          return segment.result->function == e.function && !segment.result->probabilities.empty();
-        });
-    const bool isClass = e.function != Function::kRegression;
-    for (std::size_t k = 0; isClass && anyProbabilities && k < result_.classes.Count(); ++k) {
-      e.probabilities.push_back(place_.NewResult(model_));
-    }
-    result_.probabilities = e.probabilities;
-    result_.confidences = e.probabilities;
-    if (IsChoice(e.method)) {
-      e.chosen = place_.NewResult(model_);
-      result_.entities = {e.chosen};
-      for (const Segment& segment : e.segments) result_.entityIds.push_back(segment.id);
-      place_.program.push_back(std::make_unique<ChoiceStep>(std::move(ensemble_)));
-    } else if (isClass) {
+    const bool isClass = result.function != Function::kRegression;
+    result.value = e.value = place_.NewResult(model_);
+    if (isClass) AddProbabilities(result);
+    e.probabilities = result.probabilities;
+    if (isClass) {
       place_.program.push_back(std::make_unique<ClassStep>(std::move(ensemble_)));
-      AddGreatest(result_.probabilities, result_.value, place_.program);
+      AddGreatest(result.probabilities, result.value, place_.program);
     } else {
       place_.program.push_back(std::make_unique<NumberStep>(std::move(ensemble_)));
     }
-    return result_;
+    result.segments = std::move(segments_);
+    return std::move(result);
+  }
+
+  ModelResult FinishChoice() {
+    std::vector<ModelResult> given;
+    for (std::size_t t = 0; t < results_.size(); ++t) {
+      ModelResult& result = results_[t];
+      Chosen chosen;
+      chosen.function = result.function;
+      result.value = chosen.value = place_.NewResult(model_);
+      if (result.function != Function::kRegression && HasProbabilities(t)) AddProbabilities(result);
+      chosen.probabilities = result.probabilities;
+      chosen.segment = place_.NewResult(model_);
+      result.entities = {chosen.segment};
+      for (const Segment& segment : ensemble_->segments) result.entityIds.push_back(segment.id);
+      ensemble_->chosen.push_back(std::move(chosen));
+      if (isPredicted_[t]) given.push_back(std::move(result));
+    }
+    if (given.empty()) model_.Fail("no segment predicts a target of the model");
+    given.front().segments = std::move(segments_);
+    place_.program.push_back(std::make_unique<ChoiceStep>(std::move(ensemble_)));
+    return Together(std::move(given));
+  }
+
+  // Whether any segment has probabilities for the classes of a target.
+  bool HasProbabilities(std::size_t target) const {
+    for (const Segment& segment : ensemble_->segments) {
+      for (const Part& part : segment.parts) {
+        const bool counts = part.target == target && part.result->function == results_[target].function;
+        if (counts && !part.result->probabilities.empty()) return true;
+      }
+    }
+    return false;
+  }
+
+  void AddProbabilities(ModelResult& result) {
+    for (std::size_t k = 0; k < result.classes.Count(); ++k)
+      result.probabilities.push_back(place_.NewResult(model_));
+    result.confidences = result.probabilities;
   }
 
   const Element& model_;
   ModelPlace& place_;
   std::unique_ptr<Ensemble> ensemble_ = std::make_unique<Ensemble>();
   std::vector<Slot> shared_;
-  ModelResult result_;
+  std::vector<ModelResult> results_;  // by target
+  std::vector<bool> isPredicted_;     // by target, whether a segment predicts it
+  std::map<std::string, std::shared_ptr<const ModelResult>> segments_;
 };
 
 }  // namespace

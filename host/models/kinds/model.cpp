@@ -2,23 +2,28 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 namespace brenvolt::pmml {
 namespace {
 
-using Reader = ModelResult (*)(const Element&, ModelPlace&);
-constexpr std::array<std::pair<std::string_view, Reader>, 11> kKinds{{
+struct Kind {
+  std::string_view name;
+  ModelResult (*read)(const Element&, ModelPlace&);
+  bool takesSeveralTargets = false;
+};
+constexpr std::array<Kind, 11> kKinds{{
     {"RegressionModel", ReadRegressionModel},
     {"GeneralRegressionModel", ReadGeneralRegressionModel},
     {"TreeModel", ReadTreeModel},
-    {"NeuralNetwork", ReadNeuralNetwork},
+    {"NeuralNetwork", ReadNeuralNetwork, true},
     {"SupportVectorMachineModel", ReadSupportVectorMachine},
-    {"MiningModel", ReadMiningModel},
+    {"MiningModel", ReadMiningModel, true},
     {"NaiveBayesModel", ReadNaiveBayesModel},
     {"RuleSetModel", ReadRuleSetModel},
     {"Scorecard", ReadScorecard},
     {"ClusteringModel", ReadClusteringModel},
-    {"NearestNeighborModel", ReadNearestNeighborModel},
+    {"NearestNeighborModel", ReadNearestNeighborModel, true},
 }};
 
 // What every kind of model may hold. The last three describe and take no part in scoring.
@@ -26,19 +31,62 @@ constexpr std::array<std::string_view, 7> kCommonChildren{
     "MiningSchema", "LocalTransformations", "Targets",          "Output",
     "ModelStats",   "ModelExplanation",     "ModelVerification"};
 
-// The predicted field of a model: its schema's target, or what the model around it predicts.
-void SettleTarget(const Element& model, const std::vector<std::string>& targets, const ReadOptions& options,
-                  ModelPlace& place) {
-  if (targets.size() > 1) model.Fail("the model has several targets; one is supported");
+// Which of several targets a model predicts that can predict one alone, if it says so.
+std::optional<std::string> NamedTarget(const Element& model) {
+  for (const char* attribute : {"targetFieldName", "targetVariableName"}) {
+    if (const auto name = model.Find(attribute)) return std::string(*name);
+  }
+  const auto bayesOutput = model.FindChild("BayesOutput");
+  return bayesOutput ? std::optional(bayesOutput->Text("fieldName")) : std::nullopt;
+}
+
+std::string PredictedAlone(const Element& model, const std::vector<std::string>& targets) {
+  const auto named = NamedTarget(model);
+  if (named && std::ranges::find(targets, *named) != targets.end()) return *named;
+  std::string list;
+  for (const std::string& name : targets) list += (list.empty() ? "" : ", ") + name;
+  model.Fail("the model has the targets " + list + " and does not say which of them it predicts");
+}
+
+// What is predicted of a target.
+Function FunctionFor(const Field* field, Function ofModel) {
+  if (ofModel != Function::kMixed) return ofModel;
+  const bool isNumber = field == nullptr || field->opType == OpType::kContinuous;
+  return isNumber ? Function::kRegression : Function::kClassification;
+}
+
+// The predicted fields of a model: its schema's targets, or what the model around it predicts.
+void SettleTargets(const Element& model, const std::vector<std::string>& targets, const ReadOptions& options,
+                   const Kind& kind, ModelPlace& place) {
+  const bool isPart = options.outer != nullptr && options.outer->targets.empty();
+  const bool givesEach = targets.size() > 1 && kind.takesSeveralTargets;
+  for (const std::string& name : targets) {
+    const Field* field = place.Build().FindDeclared(name);
+    if (givesEach) place.targets.push_back({name, field, FunctionFor(field, place.function)});
+  }
   if (!targets.empty()) {
-    place.target = targets.front();
+    place.target = givesEach || targets.size() == 1 ? targets.front() : PredictedAlone(model, targets);
     place.field = place.Build().FindDeclared(place.target);
-  } else if (options.outer != nullptr && options.outer->function == place.function) {
+  } else if (isPart && options.outer->function == place.function) {
     place.target = options.outer->target;
     place.field = options.outer->field;
     place.classes = options.outer->classes;
   }
+  if (place.function == Function::kMixed && !givesEach) {
+    if (!kind.takesSeveralTargets) model.Fail("the function mixed needs a model of several targets");
+    place.function = FunctionFor(place.field, place.function);
+  }
   if (place.field != nullptr) place.classes = Classes(*place.field);
+}
+
+// Targets of the schema of which the model gives nothing.
+void AddUnpredictedTargets(const Element& model, const std::vector<std::string>& targets,
+                           const ModelResult& result, std::vector<OutputColumn>& outputs) {
+  for (const std::string& name : targets) {
+    if (result.Of(name) != nullptr) continue;
+    outputs.push_back(
+        {name, {}, true, Error("nothing in the model predicts this target", model.Where()), {}});
+  }
 }
 
 }  // namespace
@@ -57,6 +105,25 @@ std::size_t Classes::Number(const std::string& label, Builder& builder, const El
   return labels_.size() - 1;
 }
 
+ModelResult* ModelResult::Of(std::string_view name) {
+  if (target == name) return this;
+  const auto found = std::ranges::find(others, name, &ModelResult::target);
+  return found == others.end() ? nullptr : &*found;
+}
+
+void Complete(ModelResult& result, const Target& target) {
+  result.function = target.function;
+  result.target = target.name;
+  result.field = target.field;
+  if (target.field != nullptr) result.displayLabels = target.field->displayLabels;
+}
+
+ModelResult Together(std::vector<ModelResult> results) {
+  ModelResult first = std::move(results.front());
+  first.others.assign(std::move_iterator(results.begin() + 1), std::move_iterator(results.end()));
+  return first;
+}
+
 Slot ModelPlace::NewResult(const Element& at) {
   if (reuse == nullptr) return Build().NewSlot(at);
   if (reused == reuse->size()) reuse->push_back(Build().NewSlot(at));
@@ -64,7 +131,7 @@ Slot ModelPlace::NewResult(const Element& at) {
 }
 
 bool IsModel(const Element& element) {
-  return std::ranges::any_of(kKinds, [&](const auto& kind) { return element.Is(kind.first); });
+  return std::ranges::any_of(kKinds, [&](const auto& kind) { return element.Is(kind.name); });
 }
 
 std::vector<Element> OwnChildren(const Element& model) {
@@ -84,26 +151,25 @@ ModelResult ReadModel(const Element& model, Scope& outside, Program& program, co
   if (!model.Flag("isScorable", true)) model.Fail("the model declares that it is not meant for scoring");
   place.function = model.Choice<Function>("functionName", {{"regression", Function::kRegression},
                                                            {"classification", Function::kClassification},
-                                                           {"clustering", Function::kClustering}});
+                                                           {"clustering", Function::kClustering},
+                                                           {"mixed", Function::kMixed}});
   const std::vector<std::string> targets =
       ReadMiningSchema(model.Child("MiningSchema"), place.scope, outside, options.outer != nullptr);
   if (options.transformations) DeclareTransformations(*options.transformations, place.scope);
   if (const auto local = model.FindChild("LocalTransformations")) DeclareTransformations(*local, place.scope);
-  SettleTarget(model, targets, options, place);
+  const auto kind = std::ranges::find_if(kKinds, [&](const Kind& entry) { return model.Is(entry.name); });
+  if (kind == kKinds.end()) model.Refuse();
+  SettleTargets(model, targets, options, *kind, place);
   const auto output = model.FindChild("Output");
   place.wants = output ? Wants() : options.wants;
   place.reuse = options.reuse;
-  const auto kind = std::ranges::find_if(kKinds, [&](const auto& entry) { return model.Is(entry.first); });
-  if (kind == kKinds.end()) model.Refuse();
-  ModelResult result = kind->second(model, place);
+  ModelResult result = kind->read(model, place);
   model.RefuseOtherAttributes();
-  result.function = place.function;
-  result.target = place.target;
-  result.field = place.field;
-  if (place.field != nullptr) result.displayLabels = place.field->displayLabels;
-  if (const auto targets = model.FindChild("Targets")) ApplyTargets(*targets, place, result);
+  if (place.targets.empty()) Complete(result, {place.target, place.field, place.function});
+  if (const auto adjustments = model.FindChild("Targets")) ApplyTargets(*adjustments, place, result);
   if (options.outer == nullptr) builder.EndPrediction();
   if (output) outputs = ReadOutput(*output, result, place);
+  if (options.outer == nullptr) AddUnpredictedTargets(model, targets, result, outputs);
   return result;
 }
 

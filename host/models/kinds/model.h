@@ -7,7 +7,9 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/models/transformations/expression_element.h"
@@ -15,7 +17,8 @@
 
 namespace brenvolt::pmml {
 
-enum class Function : std::uint8_t { kRegression, kClassification, kClustering };
+// kMixed: numbers for some targets and classes for others.
+enum class Function : std::uint8_t { kRegression, kClassification, kClustering, kMixed };
 
 // The categories of a classification, numbered from 0: those of the target's field in the order of the
 // dictionary, and after them those that only the model names.
@@ -40,6 +43,13 @@ class Classes {
   std::vector<double> values_;
 };
 
+// A field that a model predicts.
+struct Target {
+  std::string name;
+  const Field* field = nullptr;  // its declaration
+  Function function = Function::kRegression;
+};
+
 // Which results besides the prediction the caller reads.
 struct Wants {
   bool probabilities = true;
@@ -62,6 +72,11 @@ struct ModelResult {
   std::vector<std::string> reasonCodes;
   std::map<std::string, std::shared_ptr<const ModelResult>> segments;
   std::vector<std::string> displayLabels;  // of the classes, where they have any
+  std::vector<ModelResult> others;         // of the further targets, if the model has several
+
+  // The result of a target; null if there is none.
+  ModelResult* Of(std::string_view name);
+  const ModelResult* Of(std::string_view name) const { return const_cast<ModelResult*>(this)->Of(name); }
 };
 
 // What a model's reader starts from.
@@ -71,9 +86,10 @@ struct ModelPlace {
   Scope& scope;
   Program& program;
   Function function = Function::kRegression;
-  std::string target;
+  std::string target;  // the first of several
   const Field* field = nullptr;
   Classes classes;
+  std::vector<Target> targets;  // of a model that gives several; else none
   Wants wants;
   std::vector<Slot>* reuse = nullptr;  // columns for the result that the models of an ensemble share
   std::size_t reused = 0;
@@ -90,7 +106,8 @@ struct OutputColumn {
   std::string name;
   Operand operand;
   bool isFinal = true;
-  std::optional<Error> fault;  // why the model cannot give it; it has no operand then
+  std::optional<Error> fault;     // why the model cannot give it; it has no operand then
+  std::set<const Field*> fields;  // that it reads
 };
 struct ReadOptions {
   const ModelPlace* outer = nullptr;
@@ -118,6 +135,12 @@ void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result
 // The Output element; its fields are defined in a scope inside. One that cannot be given has a fault, and
 // everything else goes on.
 std::vector<OutputColumn> ReadOutput(const Element& element, const ModelResult& result, const Place& place);
+
+// Says of a result whose it is.
+void Complete(ModelResult& result, const Target& target);
+
+// The results of several targets as one: the first, and the others inside it.
+ModelResult Together(std::vector<ModelResult> results);
 
 // The prediction as a value of the target's type: a text for a class of texts.
 Operand PredictedValue(const ModelResult& result, const Place& place, const Element& at);

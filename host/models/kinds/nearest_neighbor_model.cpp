@@ -1,4 +1,4 @@
-// NearestNeighborModel: the target from the nearest records of the training data.
+// NearestNeighborModel: targets from the nearest records of the training data.
 #include <algorithm>
 #include <cmath>
 #include <map>
@@ -13,14 +13,21 @@ namespace {
 
 enum class Scoring : std::uint8_t { kMean, kWeightedMean, kMedian, kVote, kWeightedVote };
 
+// What becomes of one target.
+struct Answer {
+  Scoring scoring = Scoring::kMean;
+  std::vector<double> values;  // by record: a number, or the number of the class
+  Slot value = kNoSlot;
+  std::vector<Slot> probabilities;  // of classes
+};
+
 struct Neighbours {
   std::size_t count = 0;
   double threshold = 0.001;
-  Scoring scoring = Scoring::kMean;
   std::vector<ComparisonField> fields;
+  std::size_t size = 0;         // records
   std::vector<double> records;  // record after record
-  std::vector<double> targets;  // by record: a number, or the number of the class
-  std::size_t classes = 0;
+  std::vector<Answer> answers;  // by target
 
   double WeightOf(double distance) const { return 1 / (distance + threshold); }
 };
@@ -28,17 +35,17 @@ struct Neighbours {
 // The nearest records of a row, nearest first; of equal distances the earlier record.
 using Ranking = std::vector<std::pair<double, std::size_t>>;
 
-double NumberOf(const Neighbours& n, const Ranking& nearest) {
+double NumberOf(const Neighbours& n, const Answer& answer, const Ranking& nearest) {
   double sum = 0;
   double total = 0;
   std::vector<double> values;
   for (const auto& [distance, record] : nearest) {
-    const double weight = n.scoring == Scoring::kWeightedMean ? n.WeightOf(distance) : 1;
-    sum += weight * n.targets[record];
+    const double weight = answer.scoring == Scoring::kWeightedMean ? n.WeightOf(distance) : 1;
+    sum += weight * answer.values[record];
     total += weight;
-    values.push_back(n.targets[record]);
+    values.push_back(answer.values[record]);
   }
-  if (n.scoring != Scoring::kMedian) return sum / total;
+  if (answer.scoring != Scoring::kMedian) return sum / total;
   std::ranges::sort(values);
   const std::size_t middle = values.size() / 2;
   return values.size() % 2 == 1 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
@@ -46,16 +53,11 @@ double NumberOf(const Neighbours& n, const Ranking& nearest) {
 
 class NeighbourStep final : public Step {
  public:
-  NeighbourStep(std::unique_ptr<Neighbours> neighbours, ComparisonMeasure measure, Slot value,
-                std::vector<Slot> probabilities, std::vector<Slot> entities)
-      : n_(std::move(neighbours)),
-        measure_(measure),
-        value_(value),
-        probabilities_(std::move(probabilities)),
-        entities_(std::move(entities)) {}
+  NeighbourStep(std::unique_ptr<Neighbours> neighbours, ComparisonMeasure measure, std::vector<Slot> entities)
+      : n_(std::move(neighbours)), measure_(measure), entities_(std::move(entities)) {}
 
   void Run(Frame& frame) const override {
-    Ranking ranking(n_->targets.size());
+    Ranking ranking(n_->size);
     std::vector<double> record(n_->fields.size());
     for (std::size_t i = 0; i < frame.Rows(); ++i) {
       const std::size_t found = Rank(frame, i, record, ranking);
@@ -63,10 +65,12 @@ class NeighbourStep final : public Step {
       for (std::size_t k = 0; k < entities_.size(); ++k) {
         frame.Out(entities_[k])[i] = k < found ? static_cast<double>(nearest[k].second) : kMissing;
       }
-      if (probabilities_.empty()) {
-        frame.Out(value_)[i] = found == 0 ? kMissing : NumberOf(*n_, nearest);
-      } else {
-        Vote(nearest, i, frame);
+      for (const Answer& answer : n_->answers) {
+        if (answer.probabilities.empty()) {
+          frame.Out(answer.value)[i] = found == 0 ? kMissing : NumberOf(*n_, answer, nearest);
+        } else {
+          Vote(answer, nearest, i, frame);
+        }
       }
     }
   }
@@ -88,21 +92,19 @@ class NeighbourStep final : public Step {
     return count;
   }
 
-  void Vote(const Ranking& nearest, std::size_t row, Frame& frame) const {
-    for (const Slot slot : probabilities_) frame.Out(slot)[row] = nearest.empty() ? kMissing : 0;
+  void Vote(const Answer& answer, const Ranking& nearest, std::size_t row, Frame& frame) const {
+    for (const Slot slot : answer.probabilities) frame.Out(slot)[row] = nearest.empty() ? kMissing : 0;
     double total = 0;
     for (const auto& [distance, record] : nearest) {
-      const double weight = n_->scoring == Scoring::kWeightedVote ? n_->WeightOf(distance) : 1;
-      frame.Out(probabilities_[static_cast<std::size_t>(n_->targets[record])])[row] += weight;
+      const double weight = answer.scoring == Scoring::kWeightedVote ? n_->WeightOf(distance) : 1;
+      frame.Out(answer.probabilities[static_cast<std::size_t>(answer.values[record])])[row] += weight;
       total += weight;
     }
-    for (const Slot slot : probabilities_) frame.Out(slot)[row] /= total;
+    for (const Slot slot : answer.probabilities) frame.Out(slot)[row] /= total;
   }
 
   std::unique_ptr<Neighbours> n_;
   ComparisonMeasure measure_;
-  Slot value_;
-  std::vector<Slot> probabilities_;
   std::vector<Slot> entities_;
 };
 
@@ -113,7 +115,6 @@ class NeighbourReader {
 
   ModelResult Read() {
     ReadHead();
-    result_.classes = place_.classes;
     std::optional<Element> training;
     std::optional<Element> inputs;
     for (const Element& child : OwnChildren(model_)) {
@@ -132,8 +133,6 @@ class NeighbourReader {
   }
 
  private:
-  bool IsNumeric() const { return place_.function == Function::kRegression; }
-
   void ReadHead() {
     const auto count = model_.FindInteger("numberOfNeighbors");
     if (!count || *count < 1) model_.Fail("numberOfNeighbors must be above 0");
@@ -147,10 +146,17 @@ class NeighbourReader {
     const auto forClasses = model_.Choice<Scoring>(
         "categoricalScoringMethod",
         {{"majorityVote", Scoring::kVote}, {"weightedMajorityVote", Scoring::kWeightedVote}}, Scoring::kVote);
-    neighbours_->scoring = IsNumeric() ? forNumbers : forClasses;
     if (place_.function == Function::kClustering)
       model_.Fail("neighbours without a target are not supported");
     if (place_.target.empty()) model_.Fail("the model has no target");
+    const std::vector<Target> one{{place_.target, place_.field, place_.function}};
+    for (const Target& target : place_.targets.empty() ? one : place_.targets) {
+      ModelResult& result = results_.emplace_back();
+      Complete(result, target);
+      if (target.field != nullptr) result.classes = Classes(*target.field);
+      neighbours_->answers.push_back(
+          {target.function == Function::kRegression ? forNumbers : forClasses, {}, kNoSlot, {}});
+    }
     idVariable_ = model_.Text("instanceIdVariable", "");
   }
 
@@ -196,10 +202,10 @@ class NeighbourReader {
         element.Fail("the training data of the derived field " + name + " are not transformed");
       columns.push_back(ColumnOf(name, columnOf, element));
     }
-    columns.push_back(ColumnOf(place_.target, columnOf, element));
+    for (const ModelResult& result : results_) columns.push_back(ColumnOf(result.target, columnOf, element));
     if (!idVariable_.empty()) columns.push_back(ColumnOf(idVariable_, columnOf, element));
     for (const auto& row : ReadInlineTable(*table, columns)) ReadRecord(row, *table);
-    if (neighbours_->targets.empty()) element.Fail("the model has no training data");
+    if (neighbours_->size == 0) element.Fail("the model has no training data");
   }
 
   static void ReadFields(const Element& element, std::map<std::string, std::string>& columnOf) {
@@ -225,31 +231,39 @@ class NeighbourReader {
       if (!row[k]) at.Fail("a record has no field " + names_[k]);
       neighbours_->records.push_back(place_.Build().ValueOf(*row[k], operands_[k].type, at));
     }
-    if (!row[width]) at.Fail("a record has no target");
-    const std::string& target = *row[width];
-    neighbours_->targets.push_back(
-        IsNumeric() ? place_.Build().ValueOf(target, kDouble, at)
-                    : static_cast<double>(result_.classes.Number(target, place_.Build(), at)));
-    const std::string number = std::to_string(neighbours_->targets.size());
-    result_.entityIds.push_back(idVariable_.empty() ? number : row[width + 1].value_or(number));
+    for (std::size_t t = 0; t < results_.size(); ++t) {
+      if (!row[width + t]) at.Fail("a record has no target " + results_[t].target);
+      neighbours_->answers[t].values.push_back(TargetValue(*row[width + t], results_[t], at));
+    }
+    const std::string number = std::to_string(++neighbours_->size);
+    entityIds_.push_back(idVariable_.empty() ? number : row[width + results_.size()].value_or(number));
+  }
+
+  double TargetValue(const std::string& text, ModelResult& result, const Element& at) {
+    if (result.function == Function::kRegression) return place_.Build().ValueOf(text, kDouble, at);
+    return static_cast<double>(result.classes.Number(text, place_.Build(), at));
   }
 
   ModelResult Finish() {
-    const Neighbours& n = *neighbours_;
-    result_.value = place_.NewResult(model_);
-    if (!IsNumeric()) {
-      for (std::size_t k = 0; k < result_.classes.Count(); ++k)
-        result_.probabilities.push_back(place_.NewResult(model_));
+    Neighbours& n = *neighbours_;
+    for (std::size_t t = 0; t < results_.size(); ++t) {
+      ModelResult& result = results_[t];
+      const bool isClass = result.function != Function::kRegression;
+      result.value = n.answers[t].value = place_.NewResult(model_);
+      for (std::size_t k = 0; isClass && k < result.classes.Count(); ++k)
+        result.probabilities.push_back(place_.NewResult(model_));
+      result.confidences = n.answers[t].probabilities = result.probabilities;
     }
-    if (place_.wants.entities) {
-      const std::size_t ranks = std::min(n.count, n.targets.size());
-      for (std::size_t k = 0; k < ranks; ++k) result_.entities.push_back(place_.NewResult(model_));
+    std::vector<Slot> entities;
+    const std::size_t ranks = place_.wants.entities ? std::min(n.count, n.size) : 0;
+    for (std::size_t k = 0; k < ranks; ++k) entities.push_back(place_.NewResult(model_));
+    place_.program.push_back(std::make_unique<NeighbourStep>(std::move(neighbours_), measure_, entities));
+    for (ModelResult& result : results_) {
+      if (!result.probabilities.empty()) AddGreatest(result.probabilities, result.value, place_.program);
+      result.entities = entities;
+      result.entityIds = entityIds_;
     }
-    place_.program.push_back(std::make_unique<NeighbourStep>(std::move(neighbours_), measure_, result_.value,
-                                                             result_.probabilities, result_.entities));
-    if (!IsNumeric()) AddGreatest(result_.probabilities, result_.value, place_.program);
-    result_.confidences = result_.probabilities;
-    return result_;
+    return Together(std::move(results_));
   }
 
   const Element& model_;
@@ -259,7 +273,8 @@ class NeighbourReader {
   std::vector<std::string> names_;
   std::vector<Operand> operands_;
   std::string idVariable_;
-  ModelResult result_;
+  std::vector<std::string> entityIds_;
+  std::vector<ModelResult> results_;  // by target
 };
 
 }  // namespace

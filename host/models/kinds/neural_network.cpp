@@ -132,6 +132,12 @@ Activation ReadActivation(const Element& element) {
                                                            {"radialBasis", Activation::kRadialBasis}});
 }
 
+// What becomes of one target.
+struct Predicted {
+  ModelResult result;
+  std::map<std::size_t, std::pair<Slot, std::string>> neurons;  // by class, with their numbers
+};
+
 class NetworkReader {
  public:
   NetworkReader(const Element& model, ModelPlace& place) : model_(model), place_(place) {}
@@ -276,43 +282,70 @@ class NetworkReader {
   ModelResult ReadOutputs(const Element& outputs) {
     outputs.PassOver({"numberOfOutputs"});
     outputs.RefuseOtherAttributes();
-    ModelResult result;
-    result.classes = place_.classes;
-    std::map<std::size_t, Slot> byClass;
-    std::map<std::size_t, std::string> neuronOf;
+    const std::vector<Target> one{{place_.target, place_.field, place_.function}};
+    for (const Target& target : place_.targets.empty() ? one : place_.targets) {
+      Predicted& predicted = predicted_.emplace_back();
+      predicted.result.classes =
+          place_.targets.empty() || target.field == nullptr ? place_.classes : Classes(*target.field);
+      Complete(predicted.result, target);
+    }
     for (const Element& output : outputs.Children()) {
       if (!output.Is("NeuralOutput")) output.Refuse();
-      const auto neuron = neurons_.find(output.Text("outputNeuron"));
-      if (neuron == neurons_.end()) output.Fail("unknown neuron " + output.Text("outputNeuron"));
-      output.RefuseOtherAttributes();
+      ReadOutput(output);
+    }
+    std::vector<ModelResult> results;
+    for (Predicted& predicted : predicted_) {
+      if (predicted.result.value == kNoSlot && predicted.neurons.empty()) continue;
+      if (!predicted.neurons.empty()) Classify(outputs, predicted);
+      results.push_back(std::move(predicted.result));
+    }
+    if (results.empty()) outputs.Fail("the network has no outputs");
+    return Together(std::move(results));
+  }
+
+  void ReadOutput(const Element& output) {
+    const auto neuron = neurons_.find(output.Text("outputNeuron"));
+    if (neuron == neurons_.end()) output.Fail("unknown neuron " + output.Text("outputNeuron"));
+    output.RefuseOtherAttributes();
+    const Element expression = ExpressionOf(output);
+    Predicted& predicted = PredictedBy(expression);
+    ModelResult& result = predicted.result;
+    if (result.function == Function::kRegression) {
+      if (result.value != kNoSlot) output.Fail("the network has several outputs for one target");
+      result.value = Denormalised(expression, neuron->second, place_);
       result.entityIds = {neuron->first};
-      const Element expression = ExpressionOf(output);
-      if (place_.function == Function::kRegression) {
-        if (result.value != kNoSlot) output.Fail("the network has several outputs; one is supported");
-        result.value = Denormalised(expression, neuron->second, place_);
-        continue;
-      }
-      if (!expression.Is("NormDiscrete")) expression.Refuse();
-      expression.PassOver({"field", "method", "mapMissingTo"});
-      const std::size_t number = result.classes.Number(expression.Text("value"), place_.Build(), expression);
-      byClass[number] = neuron->second;
-      neuronOf[number] = neuron->first;
-      expression.RefuseAnythingElse();
+      AddOnlyEntity(output, result);
+      return;
     }
-    if (place_.function == Function::kRegression) {
-      if (result.value == kNoSlot) outputs.Fail("the network has no outputs");
-      AddOnlyEntity(outputs, result);
-      return result;
-    }
+    if (!expression.Is("NormDiscrete")) expression.Refuse();
+    expression.PassOver({"field", "method", "mapMissingTo"});
+    const std::size_t number = result.classes.Number(expression.Text("value"), place_.Build(), expression);
+    predicted.neurons[number] = {neuron->second, neuron->first};
+    expression.RefuseAnythingElse();
+  }
+
+  // The one target, or that of several which the expression of an output names.
+  Predicted& PredictedBy(const Element& expression) {
+    if (predicted_.size() == 1) return predicted_.front();
+    const std::string field = expression.Text("field");
+    const auto found = std::ranges::find_if(
+        predicted_, [&](const Predicted& predicted) { return predicted.result.target == field; });
+    if (found == predicted_.end()) expression.Fail("the field " + field + " is not a target of the model");
+    return *found;
+  }
+
+  void Classify(const Element& at, Predicted& predicted) {
+    ModelResult& result = predicted.result;
     result.probabilities.assign(result.classes.Count(), place_.Build().Constant(kMissing));
-    for (const auto& [number, slot] : byClass) result.probabilities[number] = slot;
-    result.value = AddGreatest(result.probabilities, place_.NewResult(outputs), place_.program);
+    result.entityIds.assign(result.classes.Count(), "");
+    for (const auto& [number, neuron] : predicted.neurons) {
+      result.probabilities[number] = neuron.first;
+      result.entityIds[number] = neuron.second;
+    }
+    result.value = AddGreatest(result.probabilities, place_.NewResult(at), place_.program);
     result.confidences = result.probabilities;
     // The winning neuron is that of the class.
     result.entities = {result.value};
-    result.entityIds.assign(result.classes.Count(), "");
-    for (const auto& [number, id] : neuronOf) result.entityIds[number] = id;
-    return result;
   }
 
   // The one neuron of a number's output wins wherever there is a prediction.
@@ -327,6 +360,7 @@ class NetworkReader {
 
   const Element& model_;
   ModelPlace& place_;
+  std::vector<Predicted> predicted_;  // by target
   Activation activation_ = Activation::kLogistic;
   Norm norm_ = Norm::kNone;
   double threshold_ = 0;

@@ -16,8 +16,14 @@ enum class Feature : std::uint8_t {
   kResidual,
   kEntity,
   kAffinity,
-  kReasonCode
+  kReasonCode,
+  kNone  // one that no model here gives
 };
+
+// Whether the feature is about a target, which one of several has to be named for.
+bool IsOfTarget(Feature feature) {
+  return feature != Feature::kTransformed && feature != Feature::kEntity && feature != Feature::kReasonCode;
+}
 
 class OutputReader {
  public:
@@ -31,16 +37,13 @@ class OutputReader {
     field.PassOver({"displayName", "optype"});
     if (field.Flag("isMultiValued", false)) field.Fail("an output of several values is not supported");
     const Feature feature = ReadFeature();
-    const ModelResult& result = ResultOf();
-    const std::string target = field.Text("targetField", result.target);
-    if (!result.target.empty() && target != result.target) {
-      field.Fail("the field " + target + " is not a target of the model");
-    }
-    column.operand = Column(feature, result);
+    const Builder::Reading reading(place_.Build());
+    column.operand = Column(feature, ResultOf(feature));
     if (field.Find("dataType"))
       column.operand = Cast(column.operand, ReadDataType(field, kText), place_, field);
     field.RefuseOtherAttributes();
     RefuseChildren(feature);
+    column.fields = reading.Fields();
     return column;
   }
 
@@ -60,7 +63,21 @@ class OutputReader {
                                     {"affinity", Feature::kAffinity},
                                     {"clusterAffinity", Feature::kAffinity},
                                     {"entityAffinity", Feature::kAffinity},
-                                    {"reasonCode", Feature::kReasonCode}},
+                                    {"reasonCode", Feature::kReasonCode},
+                                    {"standardError", Feature::kNone},
+                                    {"standardDeviation", Feature::kNone},
+                                    {"confidenceIntervalLower", Feature::kNone},
+                                    {"confidenceIntervalUpper", Feature::kNone},
+                                    {"ruleValue", Feature::kNone},
+                                    {"ruleId", Feature::kNone},
+                                    {"antecedent", Feature::kNone},
+                                    {"consequent", Feature::kNone},
+                                    {"rule", Feature::kNone},
+                                    {"support", Feature::kNone},
+                                    {"lift", Feature::kNone},
+                                    {"leverage", Feature::kNone},
+                                    {"warning", Feature::kNone},
+                                    {"report", Feature::kNone}},
                                    otherwise);
   }
 
@@ -79,12 +96,30 @@ class OutputReader {
     }
   }
 
-  const ModelResult& ResultOf() const {
+  const ModelResult& ResultOf(Feature feature) const {
+    const ModelResult& whole = WholeOrSegment();
+    const auto target = field_->Find("targetField");
+    if (!target && IsOfTarget(feature) && !whole.others.empty())
+      field_->Fail("the model has several targets: targetField must name one of " + TargetsOf(whole));
+    if (!target || whole.target.empty()) return whole;
+    const ModelResult* result = whole.Of(*target);
+    if (result == nullptr)
+      field_->Fail("the field " + std::string(*target) + " is not a target of the model");
+    return *result;
+  }
+
+  const ModelResult& WholeOrSegment() const {
     const auto segment = field_->Find("segmentId");
     if (!segment) return result_;
     const auto found = result_.segments.find(std::string(*segment));
     if (found == result_.segments.end()) field_->Fail("unknown segment " + std::string(*segment));
     return *found->second;
+  }
+
+  static std::string TargetsOf(const ModelResult& result) {
+    std::string names = result.target;
+    for (const ModelResult& other : result.others) names += ", " + other.target;
+    return names;
   }
 
   Operand Column(Feature feature, const ModelResult& result) const {
@@ -107,11 +142,13 @@ class OutputReader {
       case Feature::kResidual:
         return Residual(result);
       case Feature::kEntity:
-        return Ranked(result.entities, result.entityIds);
+        return Ranked(result.entities, result.entityIds, "winning rule, node, segment, cluster or neighbour");
       case Feature::kReasonCode:
-        return Ranked(result.reasons, result.reasonCodes);
+        return Ranked(result.reasons, result.reasonCodes, "reason codes");
+      case Feature::kNone:
+        break;
     }
-    field_->Fail("the output is not supported");
+    field_->Fail("the feature " + field_->Text("feature") + " is not supported");
   }
 
   // A column of its own: an output that is not given for a row is made missing in place.
@@ -160,7 +197,7 @@ class OutputReader {
   // What was observed less what is predicted.
   Operand Residual(const ModelResult& result) const {
     if (result.function != Function::kRegression || result.target.empty()) {
-      field_->Fail("the residual of this model is not supported");
+      field_->Fail("only a number that is predicted of a target has a residual");
     }
     const Operand observed = place_.scope.Resolve(result.target, *field_);
     Operand operand;
@@ -173,12 +210,15 @@ class OutputReader {
     return operand;
   }
 
-  Operand Ranked(const std::vector<Slot>& columns, const std::vector<std::string>& names) const {
+  Operand Ranked(const std::vector<Slot>& columns, const std::vector<std::string>& names,
+                 const char* what) const {
+    if (columns.empty()) field_->Fail(std::string("the model has no ") + what);
     const int rank = field_->FindInteger("rank").value_or(1);
     field_->Choice<int>("rankOrder", {{"descending", 0}}, 0);
     field_->Choice<int>("rankBasis", {{"confidence", 0}}, 0);
     if (rank < 1 || static_cast<std::size_t>(rank) > columns.size()) {
-      field_->Fail("the model has no entity or reason of rank " + std::to_string(rank));
+      field_->Fail("expected a rank from 1 to " + std::to_string(columns.size()) + ", got " +
+                   std::to_string(rank));
     }
     return Named(columns[static_cast<std::size_t>(rank - 1)], names);
   }
@@ -219,9 +259,9 @@ std::vector<OutputColumn> ReadOutput(const Element& element, const ModelResult& 
     OutputColumn column;
     try {
       column = reader.Read(field);
-      scope.Define(column.name, column.operand);
+      scope.Define(column.name, column.operand, column.fields);
     } catch (const Error& fault) {
-      column = {field.Text("name"), {}, true, fault};
+      column = {field.Text("name"), {}, true, fault, {}};
       scope.DefineFault(column.name, fault);
     }
     columns.push_back(std::move(column));

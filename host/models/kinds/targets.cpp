@@ -133,10 +133,10 @@ void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result
   for (const Element& target : element.Children()) {
     if (!target.Is("Target")) target.Refuse();
     const std::string field = target.Text("field", place.target);
-    if (!place.target.empty() && field != place.target) {
-      target.Fail("the field " + field + " is not a target of the model");
-    }
-    ApplyTarget(target, place, result);
+    ModelResult* adjusted = result.Of(field);
+    if (adjusted == nullptr && result.target.empty()) adjusted = &result;
+    if (adjusted == nullptr) target.Fail("the field " + field + " is not a target of the model");
+    ApplyTarget(target, place, *adjusted);
   }
 }
 

@@ -38,7 +38,17 @@ Slot Builder::Constant(double value) {
   return at->second;
 }
 
+Builder::Reading::~Reading() {
+  builder_.reading_ = outer_;
+  builder_.NoteRead(fields_);
+}
+
+void Builder::NoteRead(const std::set<const Field*>& fields) {
+  if (reading_ != nullptr) reading_->fields_.insert(fields.begin(), fields.end());
+}
+
 Slot Builder::Input(const Field& field) {
+  NoteRead({&field});
   for (const InputColumn& input : inputs_) {
     if (input.field == &field) return input.slot;
   }
@@ -88,8 +98,9 @@ Builder::Call::Call(Builder& builder, const std::string& function, const Element
   if (!builder_.inUse_.insert(function).second) at.Fail("the function " + function + " calls itself");
 }
 
-void Scope::Define(const std::string& name, Operand operand) {
+void Scope::Define(const std::string& name, Operand operand, std::set<const Field*> fields) {
   entries_[name].operand = std::move(operand);
+  entries_[name].fields = std::move(fields);
 }
 
 void Scope::DefineFault(const std::string& name, const Error& fault) {
@@ -107,13 +118,18 @@ bool Scope::Knows(const std::string& name) const {
 }
 
 Operand Scope::Settle(Entry& entry, const std::string& name, const Element& at) {
-  if (entry.operand) return *entry.operand;
+  if (entry.operand) {
+    builder_->NoteRead(entry.fields);
+    return *entry.operand;
+  }
   if (entry.fault) throw Error(*entry.fault);
   if (entry.isBusy) at.Fail("the field " + name + " is defined by itself");
   const Builder::Depth depth(*builder_, at);
   entry.isBusy = true;
   try {
+    const Builder::Reading reading(*builder_);
     entry.operand = entry.make();
+    entry.fields = reading.Fields();
   } catch (const Error&) {
     entry.isBusy = false;
     throw;

@@ -70,6 +70,25 @@ class Builder {
   // Declared fields in the order of the dictionary.
   const std::vector<const Field*>& Declared() const { return order_; }
 
+  // Collects the raw fields that are read while it lives, those of definitions that were settled before too.
+  class Reading {
+   public:
+    explicit Reading(Builder& builder) : builder_(builder), outer_(builder.reading_) {
+      builder.reading_ = this;
+    }
+    ~Reading();
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    const std::set<const Field*>& Fields() const { return fields_; }
+
+   private:
+    friend class Builder;
+    Builder& builder_;
+    Reading* outer_;
+    std::set<const Field*> fields_;
+  };
+  void NoteRead(const std::set<const Field*>& fields);
+
   FieldUse& UseOf(const Field& field) { return uses_[&field]; }
   const std::map<const Field*, FieldUse>& Uses() const { return uses_; }
 
@@ -131,6 +150,7 @@ class Builder {
   std::map<std::uint64_t, Slot> knownConstants_;
   std::vector<InputColumn> inputs_;
   std::size_t predicting_ = 0;
+  Reading* reading_ = nullptr;
   std::vector<std::unique_ptr<Field>> fields_;
   std::vector<const Field*> order_;
   std::map<const Field*, FieldUse> uses_;
@@ -153,7 +173,8 @@ class Scope {
   Builder& Build() { return *builder_; }
   Program& Steps() { return *program_; }
 
-  void Define(const std::string& name, Operand operand);
+  // `fields` are those that the operand is computed from.
+  void Define(const std::string& name, Operand operand, std::set<const Field*> fields = {});
   // A name that stands for nothing: asking for it throws the fault.
   void DefineFault(const std::string& name, const Error& fault);
   // `make` is called once, when the name is first asked for.
@@ -167,6 +188,7 @@ class Scope {
  private:
   struct Entry {
     std::optional<Operand> operand;
+    std::set<const Field*> fields;
     std::optional<Error> fault;
     std::function<Operand()> make;
     bool isBusy = false;
