@@ -55,6 +55,15 @@ std::optional<ValidityFault> CheckTogether(DistributionCode code, std::span<cons
 
 }  // namespace
 
+std::optional<ValidityFault> CheckValue(DistributionCode code, std::size_t index, double value,
+                                        CheckPurpose purpose) {
+  const DistributionFacts& facts = Facts(code);
+  const bool isValid =
+      IsGiven(value) && IsInRange(value, facts.parameters[index % facts.ParameterCount()].range);
+  if (isValid) return std::nullopt;
+  return ParameterFault(code, index, value, purpose);
+}
+
 std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
                                          CheckPurpose purpose) {
   const DistributionFacts& facts = Facts(code);
@@ -64,9 +73,7 @@ std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const 
     return ValidityFault{{FaultIdentifier::kInvalidMixtureCount}, values.size()};
   const std::size_t expected = groups * groupSize;
   for (std::size_t i = 0; i < expected; ++i) {
-    const double value = i < values.size() ? values[i] : kNotSet;
-    const bool isValid = IsGiven(value) && IsInRange(value, facts.parameters[i % groupSize].range);
-    if (!isValid) return ParameterFault(code, i, value, purpose);
+    if (auto fault = CheckValue(code, i, i < values.size() ? values[i] : kNotSet, purpose)) return fault;
   }
   if (values.size() > expected) return ParameterFault(code, expected, groupSize - 1);
   return CheckTogether(code, values);

@@ -35,7 +35,10 @@ struct ValidityFault {
 // have a fault of their own; every other one is an invalid parameter.
 std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const double> values,
                                          CheckPurpose purpose = CheckPurpose::kEntry);
-// The same including the offset of types that have one: it must be given and finite.
+// The rule about one value alone, by its index.
+std::optional<ValidityFault> CheckValue(DistributionCode code, std::size_t index, double value,
+                                        CheckPurpose purpose = CheckPurpose::kEntry);
+// The same as CheckValues including the offset of types that have one: it must be given and finite.
 std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
                                                 CheckPurpose purpose = CheckPurpose::kEntry);
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -36,6 +37,16 @@ void TakeTruncation(std::span<const Variant> items, DistributionSpecification& s
 
 bool IsBound(double bound) {
   return std::isfinite(bound) && !IsNotSet(bound);
+}
+
+// The probability that the bounds cut off; a bound itself belongs to what is left.
+double ProbabilityOutside(const DistributionSpecification& specification) {
+  const SpecifiedDistribution distribution(specification);
+  double outside = 0;
+  if (specification.truncateBelow)
+    outside += distribution.Cdf(std::nextafter(specification.truncationMinimum, -HUGE_VAL));
+  if (specification.truncateAbove) outside += distribution.Complement(specification.truncationMaximum);
+  return outside;
 }
 
 // "1;2;3; 0.2;0.3;0.5;"
@@ -99,14 +110,19 @@ Variant::Array ArrayOf(const DistributionSpecification& specification) {
   return array;
 }
 
-void CheckEnteredSpecification(const DistributionSpecification& specification) {
-  if (const auto fault = CheckSpecification(specification)) throw Error(MessageOf(fault->fault).text);
+bool AreBoundsInOrder(const DistributionSpecification& specification) {
   const double lower = specification.truncationMinimum;
   const double upper = specification.truncationMaximum;
-  const bool valid = (!specification.truncateBelow || IsBound(lower)) &&
-                     (!specification.truncateAbove || IsBound(upper)) &&
-                     !(specification.truncateBelow && specification.truncateAbove && lower >= upper);
-  if (!valid) throw Error(std::string(ResourceString(kMsgProfilerMinimumMaximum)));
+  return (!specification.truncateBelow || IsBound(lower)) &&
+         (!specification.truncateAbove || IsBound(upper)) &&
+         !(specification.truncateBelow && specification.truncateAbove && lower >= upper);
+}
+
+void CheckEnteredSpecification(const DistributionSpecification& specification) {
+  if (const auto fault = CheckSpecification(specification)) throw Error(MessageOf(fault->fault).text);
+  if (!AreBoundsInOrder(specification)) throw Error(std::string(ResourceString(kMsgProfilerMinimumMaximum)));
+  if (ProbabilityOutside(specification) >= 1)
+    throw Error(FormatResource(kMsgBoundsLeaveNothing, DisplayName(specification.code)));
 }
 
 std::string SpecificationText(const DistributionSpecification& specification) {

@@ -21,8 +21,11 @@ DistributionCode CodeFromVariant(const Variant& key);
 DistributionSpecification SpecificationFromArray(std::span<const Variant> array);
 Variant::Array ArrayOf(const DistributionSpecification& specification);
 
-// The checks of a specification that a person applies: of its values, then that the truncation bounds in force are
-// numbers and do not cross. Throws Error with the message.
+// Whether the truncation bounds in force are numbers and do not cross.
+bool AreBoundsInOrder(const DistributionSpecification& specification);
+
+// The checks of a specification that a person applies: of its values, that its bounds are in order, and that they leave
+// something of the distribution. Throws Error with the message.
 void CheckEnteredSpecification(const DistributionSpecification& specification);
 
 // "Normal(location=1.0000, scale=2.0000) [0, 5]"; the values of user-defined types and an offset are listed after the

@@ -9,6 +9,7 @@
 #include "brv_sra/fitting/dialogs/fit_options_dialog.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/resources/design_editor_templates.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/ports/headless_user_interface.h"
@@ -109,9 +110,26 @@ class Replay {
   static Variant Value(const std::string& text) {
     if (text == "True" || text == "False") return text == "True";
     if (text == "Nothing") return -444;
+    if (text.starts_with("Array(")) return List(text.substr(6, text.size() - 7));
     if (text.starts_with('"')) return text.substr(1, text.size() - 2);
     if (const auto number = ParseNumber(text)) return *number;
     return text;  // a constant, which goes by its name
+  }
+
+  // The elements between the brackets of an array.
+  static Variant List(const std::string& elements) {
+    Variant::Array values;
+    std::size_t begin = 0;
+    int depth = 0;
+    for (std::size_t i = 0; i <= elements.size(); ++i) {
+      const char c = i < elements.size() ? elements[i] : ',';
+      if (c == '(') ++depth;
+      if (c == ')') --depth;
+      if (c != ',' || depth > 0) continue;
+      if (i > begin) values.push_back(Value(elements.substr(begin, i - begin)));
+      begin = i + 2;  // past the blank
+    }
+    return values;
   }
 
   Desk& desk_;
@@ -193,6 +211,53 @@ TEST(Recording, ActionsOnControlsReplayToTheSameResults) {
   EXPECT_EQ(other.analysis->CurrentStep(), desk.analysis->CurrentStep());
   EXPECT_GE(desk.person.documents.size(), 4U);
   EXPECT_EQ(desk.person.graphs.size(), 1U);
+}
+
+// What sub-editors do is recorded as puts of what they changed.
+TEST(Recording, DesignByItsEditorsReplaysToTheSameInput) {
+  Desk desk;
+  MacroRecorder recorder;
+  desk.person.messageAnswers = {MessageAnswer::kCancel};  // no matrix file is made of the data
+  EXPECT_TRUE(desk.Dialog().Press(define_task::kDesignSimulation));
+  desk.analysis->SetRecorder(&recorder);
+  const auto edit = [&](std::int32_t button, int variable, const auto& act) {
+    desk.Dialog().Select(design_dialog::kVariableList, variable);
+    desk.person.modalAnswers.emplace_back([act](CAnalysisModalDialog& editor) {
+      act(editor);
+      EXPECT_TRUE(editor.Press(kControlOk));
+    });
+    EXPECT_TRUE(desk.Dialog().Press(button));
+  };
+  edit(design_dialog::kEditDistribution, 1, [](CAnalysisModalDialog& editor) {
+    editor.Enter(design_distribution::kParameter, "5");
+    editor.Enter(design_distribution::kParameter + 1, "2");
+    editor.Enter(design_distribution::kMinimum, "0");
+  });
+  edit(design_dialog::kEditDistribution, 2, [](CAnalysisModalDialog& editor) {
+    editor.Select(design_distribution::kTypes, static_cast<int>(DistributionCode::kPoisson));
+    editor.Enter(design_distribution::kParameter, "3");
+  });
+  edit(design_dialog::kEditCorrelations, 0, [](CAnalysisModalDialog& editor) {
+    editor.Select(design_correlations::kFirst, 2);
+    editor.Enter(design_correlations::kCorrelation, "0.5");
+    editor.Enter(design_correlations::kMean, "4");
+  });
+  edit(design_dialog::kEditDefaults, 0, [](CAnalysisModalDialog& editor) {
+    editor.Select(design_defaults::kVariables, 3);
+    editor.Check(design_defaults::kTakesPart, false);
+    editor.Check(design_defaults::kUseFitted, true);
+  });
+  EXPECT_TRUE(desk.Dialog().Press(design_dialog::kSaveToInput));
+  EXPECT_TRUE(desk.Dialog().Press(design_dialog::kCorrelationMatrix));
+  const std::string macro = recorder.Text("a person");
+  desk.analysis->SetRecorder(nullptr);
+  EXPECT_NE(macro.find("dialog.IsVariableLeftOut[4] = True\n"), std::string::npos) << macro;
+
+  Desk other;
+  other.analysis->RunSequenceStep(step::kDesign);
+  Replay(other).Run(macro);
+  EXPECT_EQ(other.Remains(), desk.Remains()) << macro;
+  EXPECT_NE(desk.Remains().find("zOrder"), std::string::npos);
 }
 
 // Continuing with the old data would be another job.

@@ -12,7 +12,7 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-inline constexpr std::array<MemberDescription, 9> kMembers{{
+inline constexpr std::array<MemberDescription, 10> kMembers{{
     Property("UserDefinedDesignMatrixVariableNames", 0x60030000, kVariant, kVariant,
              "The names of the variables of the design: an array of texts."),
     Property("UserDefinedDesignMatrixValues", 0x60030002, kVariant, kVariant,
@@ -42,6 +42,8 @@ inline constexpr std::array<MemberDescription, 9> kMembers{{
     Property("UseFittedDistributions", 0x6003000e, kInteger, kInteger,
              "Whether the best fitted distributions are simulated, without truncation, in place of a "
              "person's own."),
+    Property("IsVariableLeftOut", 0x60030010, kInteger, kBoolean,
+             "Whether the variable iID takes no part in the simulation.", kPlace),
 }};
 
 }  // namespace design_interface

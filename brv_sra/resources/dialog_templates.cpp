@@ -192,6 +192,9 @@ const DialogTemplate& DesignTemplate() {
                                          {{{kVariables, kButton, Text(kFitButtonVariables)},
                                            {kEditCorrelations, kButton, Text(kDesignButtonCorrelations)}},
                                           {{kVariableList, kListBox, ""}},
+                                          {{kEditDistribution, kButton, Text(kDesignButtonDistribution)},
+                                           {kEditUserDefined, kButton, Text(kDesignButtonUserDefined)},
+                                           {kEditDefaults, kButton, Text(kDesignButtonDefaults)}},
                                           {{kTakesPart, kCheckBox, Text(kDesignCheckTakesPart)}},
                                           {{kUseFitted, kCheckBox, Text(kDesignCheckUseFitted)}}}}}}}};
   return result;

@@ -125,6 +125,9 @@ inline constexpr std::int32_t kUseFitted = 1403;
 inline constexpr std::int32_t kEditCorrelations = 1404;
 inline constexpr std::int32_t kSaveToInput = 1405;
 inline constexpr std::int32_t kCorrelationMatrix = 1406;
+inline constexpr std::int32_t kEditDistribution = 1407;
+inline constexpr std::int32_t kEditUserDefined = 1408;
+inline constexpr std::int32_t kEditDefaults = 1409;
 }  // namespace design_dialog
 
 namespace simulation_dialog {

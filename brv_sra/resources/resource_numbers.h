@@ -548,6 +548,38 @@ inline constexpr std::int32_t kNoteNoMaximum = 21154;
 inline constexpr std::int32_t kNoteNearSpike = 21155;
 inline constexpr std::int32_t kNoteJohnsonBootstrap = 21156;
 
+// The editors of the design.
+inline constexpr std::int32_t kMsgInvalidLevelCount = 21160;
+inline constexpr std::int32_t kMsgBoundsLeaveNothing = 21161;
+inline constexpr std::int32_t kMsgDesignMean = 21162;
+inline constexpr std::int32_t kMsgDesignDeviation = 21163;
+inline constexpr std::int32_t kDesignButtonDistribution = 21164;
+inline constexpr std::int32_t kDesignButtonUserDefined = 21165;
+inline constexpr std::int32_t kDesignButtonDefaults = 21166;
+inline constexpr std::int32_t kDesignDistributionTitle = 21167;
+inline constexpr std::int32_t kDesignUserDefinedTitle = 21168;
+inline constexpr std::int32_t kDesignDefaultsTitle = 21169;
+inline constexpr std::int32_t kDesignHistogramLayoutNote = 21170;
+inline constexpr std::int32_t kDesignTotal = 21171;
+inline constexpr std::int32_t kDesignLabelFirst = 21172;
+inline constexpr std::int32_t kDesignLabelSecond = 21173;
+inline constexpr std::int32_t kDesignLabelCorrelation = 21174;
+inline constexpr std::int32_t kDesignButtonMatrix = 21175;
+inline constexpr std::int32_t kDesignLabelVariable = 21176;
+inline constexpr std::int32_t kDesignLabelMean = 21177;
+inline constexpr std::int32_t kDesignLabelDeviation = 21178;
+inline constexpr std::int32_t kDesignIsPositiveDefinite = 21179;
+inline constexpr std::int32_t kDesignWouldBeRepaired = 21180;
+inline constexpr std::int32_t kDesignCannotBeRepaired = 21181;
+inline constexpr std::int32_t kDesignListFitted = 21182;
+inline constexpr std::int32_t kDesignButtonTakeOver = 21183;
+inline constexpr std::int32_t kDesignButtonTakeOverAll = 21184;
+inline constexpr std::int32_t kDesignButtonLeave = 21185;
+inline constexpr std::int32_t kDesignBoundsCount = 21186;
+inline constexpr std::int32_t kDesignBoundsWithoutEffect = 21187;
+inline constexpr std::int32_t kDesignListPairs = 21188;
+inline constexpr std::int32_t kDesignListChanges = 21189;
+
 // Fits: what goes beyond the texts above.
 inline constexpr std::int32_t kTitleRankedByAkaike = 21200;
 inline constexpr std::int32_t kTitleRankedByBayes = 21201;

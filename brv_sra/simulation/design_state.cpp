@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <utility>
 
 #include "brv_sra/distributions/specified_distribution.h"
@@ -92,42 +91,26 @@ void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheet
   }
 }
 
-namespace {
-
-// Of the variables at some places.
-MatrixFile MatrixOver(const DesignState& design, const std::vector<std::size_t>& places) {
+MatrixFile MatrixOf(const DesignState& design) {
+  std::vector<std::size_t> places;
   std::vector<std::string> names;
-  for (const std::size_t place : places) names.push_back(design.variables[place].name);
+  for (std::size_t i = 0; i < design.variables.size(); ++i) {
+    if (!TakesPart(design.variables[i], design.source)) continue;
+    places.push_back(i);
+    names.push_back(design.variables[i].name);
+  }
   MatrixFile file = MatrixFile::Identity(std::move(names));
   for (std::size_t i = 0; i < places.size(); ++i) {
     const DesignedVariable& variable = design.variables[places[i]];
     for (std::size_t j = 0; j < places.size(); ++j)
       file.correlations[i][j] = design.correlations[places[i] * design.variables.size() + places[j]];
-    if (const DistributionSpecification* from = SimulatedFrom(variable, design.source)) {
-      const SpecifiedDistribution distribution(*from);
-      file.means[i] = FiniteOr(distribution.Mean(), 0.0);
-      file.standardDeviations[i] = FiniteOr(std::sqrt(distribution.Variance()), 1.0);
-    }
-    if (!IsNotSet(variable.mean)) file.means[i] = variable.mean;
-    if (!IsNotSet(variable.standardDeviation)) file.standardDeviations[i] = variable.standardDeviation;
+    const SpecifiedDistribution distribution(*SimulatedFrom(variable, design.source));
+    file.means[i] = IsNotSet(variable.mean) ? FiniteOr(distribution.Mean(), 0.0) : variable.mean;
+    file.standardDeviations[i] = IsNotSet(variable.standardDeviation)
+                                     ? FiniteOr(std::sqrt(distribution.Variance()), 1.0)
+                                     : variable.standardDeviation;
   }
   return file;
-}
-
-}  // namespace
-
-MatrixFile MatrixOf(const DesignState& design) {
-  std::vector<std::size_t> places;
-  for (std::size_t i = 0; i < design.variables.size(); ++i) {
-    if (TakesPart(design.variables[i], design.source)) places.push_back(i);
-  }
-  return MatrixOver(design, places);
-}
-
-MatrixFile WholeMatrixOf(const DesignState& design) {
-  std::vector<std::size_t> places(design.variables.size());
-  std::iota(places.begin(), places.end(), std::size_t{0});
-  return MatrixOver(design, places);
 }
 
 void TakeMatrix(const MatrixFile& file, DesignState& design) {

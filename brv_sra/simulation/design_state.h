@@ -56,10 +56,9 @@ Result<std::vector<DistributionSpecification>> SavedDistributions(const Variable
 void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
                 const DesignState& design);
 
-// The matrix file of the variables that take part, and of all variables. Means and deviations that a person did not give
-// are those of the distribution before truncation; 0 and 1 if it has none or is not known.
+// The matrix file of the variables that take part. Means and deviations that a person did not give are those of the
+// distribution before truncation; 0 and 1 if it has none.
 MatrixFile MatrixOf(const DesignState& design);
-MatrixFile WholeMatrixOf(const DesignState& design);
 
 // Takes the correlations, means and deviations of the variables that the file has, by name.
 void TakeMatrix(const MatrixFile& file, DesignState& design);

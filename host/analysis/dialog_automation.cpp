@@ -197,28 +197,41 @@ std::vector<MacroCall> DialogAutomationBase::Settings() {
   for (std::size_t i = 0; i < interface_.members.size(); ++i) {
     const MemberDescription& member = interface_.members[i];
     const Treatment treatment = TreatmentOf(i);
-    const bool isShown = member.indexes.empty() || (member.indexes.size() == 1 && treatment.place > 0);
-    if (!treatment.isCompared || !isShown) continue;
-    MacroCall setting;
-    setting.member = &member;
-    setting.kind = CallKind::kPut;
-    if (!member.indexes.empty()) setting.indexes.emplace_back(treatment.place);
-    setting.value = InvokeOwn(i, CallKind::kGet, setting.indexes, {});
-    if (setting.value.IsObject()) continue;  // a document, which no control changes
-    setting.text = SettingText(member, setting.value);
-    // The earlier choice is not a setting any more; it follows from the new one.
-    if (treatment.isChoice && !setting.value.ToBoolean()) setting.text.clear();
-    settings.push_back(std::move(setting));
+    if (!treatment.isCompared || member.indexes.size() > 1) continue;
+    if (member.indexes.empty()) {
+      AddSetting(i, {}, treatment.isChoice, settings);
+      continue;
+    }
+    for (std::int32_t place = treatment.firstPlace; place <= treatment.lastPlace; ++place)
+      AddSetting(i, {Variant(place)}, treatment.isChoice, settings);
   }
   return settings;
+}
+
+void DialogAutomationBase::AddSetting(std::size_t place, std::vector<Variant> indexes, bool isChoice,
+                                      std::vector<MacroCall>& settings) {
+  const MemberDescription& member = interface_.members[place];
+  MacroCall setting;
+  setting.member = &member;
+  setting.kind = CallKind::kPut;
+  setting.indexes = std::move(indexes);
+  setting.value = InvokeOwn(place, CallKind::kGet, setting.indexes, {});
+  if (setting.value.IsObject()) return;  // a document, which no control changes
+  setting.text = SettingText(member, setting.value);
+  // The earlier choice is not a setting any more; it follows from the new one.
+  if (isChoice && !setting.value.ToBoolean()) setting.text.clear();
+  settings.push_back(std::move(setting));
 }
 
 std::vector<MacroCall> DialogAutomationBase::StandIns(std::int32_t button) const {
   std::vector<CAnalysisDialog::StandIn> calls = dialog_->StandInsOf(button);
   if (calls.empty() && button == kControlOk) calls = {{"OK", CallKind::kMethod, {}}};
   if (button == kControlCancel) calls = {{"Cancel", CallKind::kMethod, {}}};
-  if (const auto place = MemberOfButton(button))
-    calls = {{interface_.members[*place].name, CallKind::kGet, {}}};
+  if (const auto place = MemberOfButton(button)) {
+    const MemberDescription& member = interface_.members[*place];
+    const bool isMethod = member.kind == MemberKind::kMethod;
+    calls = {{member.name, isMethod ? CallKind::kMethod : CallKind::kGet, {}}};
+  }
   std::vector<MacroCall> standIns;
   for (const CAnalysisDialog::StandIn& call : calls) {
     const MemberDescription* member = brenvolt::FindMember(kDialogInterface.members, call.member);

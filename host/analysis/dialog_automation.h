@@ -25,7 +25,8 @@ struct AutomationMember {
   // `Get` is a get, or the call of a method.
   using Get = Variant (*)(Dialog& dialog, std::span<const Variant> indexes);
   using Put = void (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
-  // The index for which the dialog's controls show an indexed member at present; 0 for none.
+  // The index for which the dialog's controls show an indexed member at present, or how many indexes it has; 0 for
+  // none.
   using Place = std::int32_t (*)(Dialog& dialog);
   // How a macro writes a value that was put, if that is not what the value is.
   using Text = std::string (*)(Dialog& dialog, std::span<const Variant> indexes, const Variant& value);
@@ -37,10 +38,12 @@ struct AutomationMember {
   constexpr AutomationMember(std::string_view member, std::nullptr_t, Put putter)
       : name(member), put(putter), puts(true) {}
 
-  // What recording also knows: where the dialog's controls show the member; which button makes the output;
+  // What recording also knows: where the dialog's controls show the member, or that a control may change it at
+  // every index; which button makes the output;
   // that putting false changes nothing, so that only a change to true is worth a line; that other members say
   // the same; how a value is written.
   constexpr AutomationMember ShownAt(Place where) const { return With(&AutomationMember::place, where); }
+  constexpr AutomationMember ShownUpTo(Place last) const { return With(&AutomationMember::count, last); }
   constexpr AutomationMember ByButton(std::int32_t number) const {
     return With(&AutomationMember::button, number);
   }
@@ -55,6 +58,7 @@ struct AutomationMember {
   bool gets = false;
   bool puts = false;
   Place place = nullptr;
+  Place count = nullptr;
   Text text = nullptr;
   std::int32_t button = 0;
   bool isChoice = false;
@@ -123,7 +127,9 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
   // How recording treats a member of the dialog's own interface.
   struct Treatment {
     bool isCompared = false;  // its value is compared before and after an action
-    std::int32_t place = 0;   // of an indexed member
+    // The indexes at which an indexed member is compared.
+    std::int32_t firstPlace = 1;
+    std::int32_t lastPlace = 0;
     bool isChoice = false;
     bool hasButton = false;  // a get does what the button does
   };
@@ -141,6 +147,9 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
                       std::span<const Variant> arguments) const;
   std::optional<std::size_t> OwnPlace(const MemberDescription& member) const;
   void CarryOut(MacroCall& call);
+  // The put that gives a member of the dialog's own interface its value, unless that is a document.
+  void AddSetting(std::size_t place, std::vector<Variant> indexes, bool isChoice,
+                  std::vector<MacroCall>& settings);
   void Record(MacroRecorder& recorder, const CAnalysisSupport& analysis, MacroCall call,
               std::span<const Variant> arguments);
   Variant InvokeCommon(const MemberDescription& member, const Variant& value);
@@ -169,10 +178,16 @@ class DialogAutomation final : public DialogAutomationBase {
   }
   Treatment TreatmentOf(std::size_t place) override {
     const AutomationMember<Dialog>& member = members_[place];
-    const bool isCompared = member.gets && member.puts && !member.isSaidByOthers;
-    const bool isShown = isCompared && member.place != nullptr;
-    return {isCompared, isShown ? member.place(static_cast<Dialog&>(*dialog_)) : 0, member.isChoice,
-            member.button != 0};
+    Treatment treatment;
+    treatment.isCompared = member.gets && member.puts && !member.isSaidByOthers;
+    treatment.isChoice = member.isChoice;
+    treatment.hasButton = member.button != 0;
+    auto& dialog = static_cast<Dialog&>(*dialog_);
+    if (treatment.isCompared && member.count != nullptr) treatment.lastPlace = member.count(dialog);
+    if (!treatment.isCompared || member.place == nullptr) return treatment;
+    const std::int32_t shown = member.place(dialog);
+    if (shown > 0) treatment.firstPlace = treatment.lastPlace = shown;
+    return treatment;
   }
   std::optional<std::size_t> MemberOfButton(std::int32_t button) const override {
     for (std::size_t i = 0; i < members_.size(); ++i) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <memory>
-#include <optional>
 
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -22,11 +21,6 @@ namespace {
 // There is a tolerance below -1 but not above 1.
 bool IsEntry(double value) {
   return value <= 1 && (value >= -1 || AlmostEqual(value, -1)) && !IsNotSet(value);
-}
-
-std::optional<double> EntryOf(const std::string& cell) {
-  const auto value = ParseTravelledNumber(Trim(cell));
-  return value && IsEntry(*value) ? value : std::nullopt;
 }
 
 void Check(std::span<const double> matrix, std::size_t k) {
@@ -78,9 +72,9 @@ bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<do
   std::vector<double> taken = matrix;
   for (std::size_t i = 0; i < k; ++i) {
     for (std::size_t j = i; j < k; ++j) {
-      const auto entry = EntryOf(cells[i * k + j]);
+      const auto entry = EnteredCorrelation(cells[i * k + j]);
       if (!entry) return false;
-      if (j > i) taken[i * k + j] = taken[j * k + i] = std::max(*entry, -1.0);
+      if (j > i) taken[i * k + j] = taken[j * k + i] = *entry;
     }
   }
   matrix = std::move(taken);
@@ -88,6 +82,12 @@ bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<do
 }
 
 }  // namespace
+
+std::optional<double> EnteredCorrelation(const std::string& text) {
+  const auto value = ParseTravelledNumber(Trim(text));
+  if (!value || !IsEntry(*value)) return std::nullopt;
+  return std::max(*value, -1.0);
+}
 
 bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
                       const std::vector<std::string>& names, std::vector<double>& matrix) {

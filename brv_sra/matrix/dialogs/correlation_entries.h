@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,6 +12,10 @@
 #include "host/automation/variant.h"
 
 namespace brenvolt::sra {
+
+// The correlation that a person typed; nothing where it is no number, or one below -1 (by more than 15 units in the last
+// place) or above 1.
+std::optional<double> EnteredCorrelation(const std::string& text);
 
 // Lets a person edit the matrix over the variables `names`, under a title by its number. False, and the matrix is as it
 // was, if they cancelled or an entry was refused, which a message says.

@@ -5,10 +5,9 @@
 // which the combo box chooses. "Fixed" comes after the distributions.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <vector>
 
+#include "brv_sra/frame/distribution_fields.h"
 #include "brv_sra/profiler/profiler_design.h"
 #include "host/analysis/analysis_dialog.h"
 
@@ -17,7 +16,7 @@ namespace brenvolt::sra {
 class PredictorPage {
  public:
   // Both must outlive the page.
-  PredictorPage(CAnalysisDialog& dialog, ProfilerDesign& design) : dialog_(dialog), design_(design) {}
+  PredictorPage(CAnalysisDialog& dialog, ProfilerDesign& design);
 
   // Updates the lists after predictors or specifications have changed.
   void Refresh();
@@ -32,16 +31,13 @@ class PredictorPage {
   ProfilerPredictor* Highlighted();
   void HighlightPredictor();
   void StartEditing();
-  void ShowFields();
-  void TakeField(std::size_t field);
-  void Resize(std::int32_t control);
-  std::size_t Groups() const;
-  std::size_t GroupSize() const;
+  void ShowFixed();
+  void TakeFixed();
 
   CAnalysisDialog& dialog_;
   ProfilerDesign& design_;
-  // What is being edited: the distribution's values, the offset where it has one, or the fixed value alone.
-  DistributionSpecification edited_;
+  DistributionFields fields_;
+  // The value of a fixed predictor that is being edited.
   double fixed_ = kNotSet;
 };
 

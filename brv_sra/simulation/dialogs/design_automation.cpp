@@ -46,12 +46,13 @@ void PutCorrelations(Dialog& dialog, Indexes, const Variant& value) {
   design.correlations = CorrelationsFrom(value, design.Names());
 }
 
-template <std::vector<double> MatrixFile::*Summary>
+template <double DesignedVariable::*Summary>
 Variant GetSummary(Dialog& dialog, Indexes) {
   Variant::Array numbers;
-  if (dialog.Design().variables.empty()) return numbers;
-  const MatrixFile file = WholeMatrixOf(dialog.Design());
-  for (const double value : file.*Summary) numbers.emplace_back(value);
+  for (const DesignedVariable& variable : dialog.Design().variables) {
+    numbers.emplace_back();
+    if (!IsNotSet(variable.*Summary)) numbers.back() = variable.*Summary;
+  }
   return numbers;
 }
 
@@ -121,16 +122,24 @@ Variant GetSimulated(Dialog& dialog, Indexes indexes) {
 // A distribution that is put counts as the person's own, which are then simulated.
 void PutSimulated(Dialog& dialog, Indexes indexes, const Variant& value) {
   DesignedVariable& variable = Indexed(dialog, indexes);
-  if (!value.IsEmpty()) {
-    variable.own = value.IsArray() ? EnteredSpecification(value) : FittedAs(variable, CodeFromVariant(value));
-    RequireTaken(dialog.Check(kUseFitted, false));
+  if (value.IsEmpty()) {
+    variable.isLeftOut = true;
+    return dialog.ShowVariables();
   }
-  variable.isLeftOut = value.IsEmpty();
+  dialog.TakeOwn(variable,
+                 value.IsArray() ? EnteredSpecification(value) : FittedAs(variable, CodeFromVariant(value)));
+}
+
+Variant GetLeftOut(Dialog& dialog, Indexes indexes) {
+  return std::int32_t{Indexed(dialog, indexes).isLeftOut ? 1 : 0};
+}
+void PutLeftOut(Dialog& dialog, Indexes indexes, const Variant& value) {
+  Indexed(dialog, indexes).isLeftOut = value.ToBoolean();
   dialog.ShowVariables();
 }
 
-std::int32_t ShownVariable(Dialog& dialog) {
-  return dialog.Controls().Selection(kVariableList) + 1;
+std::int32_t VariableCount(Dialog& dialog) {
+  return static_cast<std::int32_t>(dialog.Design().variables.size());
 }
 
 Variant CallSaveToInput(Dialog& dialog, Indexes) {
@@ -141,19 +150,20 @@ Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
   return Variant::Object(dialog.ShowCorrelationMatrix());
 }
 
-// The last one has a place behind the members that macros know.
-constexpr std::array<Member, 9> kMembers{{
+// The last two have places behind the members that macros know.
+constexpr std::array<Member, 10> kMembers{{
     {"UserDefinedDesignMatrixVariableNames", GetNames, PutNames},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
-    {"UserDefinedDesignMatrixMean", GetSummary<&MatrixFile::means>,
+    {"UserDefinedDesignMatrixMean", GetSummary<&DesignedVariable::mean>,
      PutSummary<&DesignedVariable::mean, IsMean>},
-    {"UserDefinedDesignMatrixStdDeviation", GetSummary<&MatrixFile::standardDeviations>,
+    {"UserDefinedDesignMatrixStdDeviation", GetSummary<&DesignedVariable::standardDeviation>,
      PutSummary<&DesignedVariable::standardDeviation, IsDeviation>},
-    {"CustomDistributionSpecification", GetOwn, PutOwn},
-    Member{"SimulationSpecificationOfVariable", GetSimulated, PutSimulated}.ShownAt(ShownVariable),
+    Member{"CustomDistributionSpecification", GetOwn, PutOwn}.ShownUpTo(VariableCount),
+    Member{"SimulationSpecificationOfVariable", GetSimulated, PutSimulated}.SaidByOthers(),
     Member{"SaveDistributionToInput", CallSaveToInput, nullptr}.ByButton(kSaveToInput),
     Member{"CorrelationMatrix", GetCorrelationMatrix, nullptr}.ByButton(kCorrelationMatrix),
     {"UseFittedDistributions", GetChecked<Dialog, kUseFitted>, PutChecked<Dialog, kUseFitted>},
+    Member{"IsVariableLeftOut", GetLeftOut, PutLeftOut}.ShownUpTo(VariableCount),
 }};
 static_assert(Binds(kDesignSimulationInterface, kMembers));
 

@@ -8,12 +8,14 @@
 #include "brv_sra/frame/attached_input.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/specification_array.h"
-#include "brv_sra/matrix/dialogs/correlation_entries.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/dialogs/design_correlations_dialog.h"
+#include "brv_sra/simulation/dialogs/design_defaults_dialog.h"
+#include "brv_sra/simulation/dialogs/design_distribution_dialog.h"
+#include "brv_sra/simulation/dialogs/design_user_defined_dialog.h"
 #include "host/automation/automation_failure.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
@@ -182,22 +184,20 @@ DesignedVariable* CDesignSimulation::Highlighted() const {
 
 void CDesignSimulation::ShowVariables() {
   Names lines;
-  for (const DesignedVariable& variable : Design().variables) {
-    const DistributionSpecification* from = SimulatedFrom(variable, Design().source);
-    std::string line = from != nullptr ? SpecificationText(*from) : szLoadResString(kDesignNoDistribution);
-    if (variable.isLeftOut) line = szLoadResString(kDesignLeftOut);
-    lines.push_back(variable.name + ": " + line);
-  }
+  for (const DesignedVariable& variable : Design().variables)
+    lines.push_back(DesignLine(variable, Design().source));
   const int place = std::max(0, Controls().Selection(kVariableList));
   Controls().SetItems(kVariableList, std::move(lines));
   Controls().Select(kVariableList, place);
   Controls().Enable(kEditCorrelations, Design().variables.size() > 1);
+  Controls().Enable(kEditDefaults, !Design().variables.empty());
   HighlightVariable();
 }
 
 void CDesignSimulation::HighlightVariable() {
   const DesignedVariable* variable = Highlighted();
-  Controls().Enable(kTakesPart, variable != nullptr);
+  for (const std::int32_t control : {kTakesPart, kEditDistribution, kEditUserDefined})
+    Controls().Enable(control, variable != nullptr);
   Controls().SetChecked(kTakesPart, variable != nullptr && !variable->isLeftOut);
 }
 
@@ -206,7 +206,13 @@ bool CDesignSimulation::OnCommand(std::int32_t number) {
     case kVariables:
       return AskForVariables();
     case kEditCorrelations:
-      return EditCorrelations(Analysis(), kDesignCorrelationTitle, Design().Names(), Design().correlations);
+      return EditCorrelations();
+    case kEditDistribution:
+      return EditDistribution<DesignSimDistributionModalDlg>();
+    case kEditUserDefined:
+      return EditDistribution<DesignSimUserDefinedModalDlg>();
+    case kEditDefaults:
+      return EditDefaults();
     case kSaveToInput:
       return Attempt([this] { SaveToInput(); });
     case kCorrelationMatrix:
@@ -214,6 +220,34 @@ bool CDesignSimulation::OnCommand(std::int32_t number) {
     default:
       return CSimulationAndRiskModelessDialog::OnCommand(number);
   }
+}
+
+// What a person enters is to be simulated.
+void CDesignSimulation::TakeOwn(DesignedVariable& variable, DistributionSpecification own) {
+  variable.own = std::move(own);
+  variable.isLeftOut = false;
+  Controls().SetChecked(kUseFitted, false);
+  OnControlChanged(kUseFitted);
+}
+
+template <class Editor>
+bool CDesignSimulation::EditDistribution() {
+  DesignedVariable& variable = *Highlighted();
+  Editor editor(SimulationAndRisk(), variable.name, SimulatedFrom(variable, Design().source));
+  if (!editor.DoModal()) return false;
+  TakeOwn(variable, editor.Entered());
+  return true;
+}
+
+bool CDesignSimulation::EditCorrelations() {
+  return DesignSimCorrelationParamsModalDlg(SimulationAndRisk(), Design()).DoModal();
+}
+
+bool CDesignSimulation::EditDefaults() {
+  if (!DesignSimDefaultDistributionsModalDlg(SimulationAndRisk(), Design()).DoModal()) return false;
+  Controls().SetChecked(kUseFitted, Design().source == ParameterSource::kFitted);
+  ShowVariables();
+  return true;
 }
 
 void CDesignSimulation::OnControlChanged(std::int32_t number) {

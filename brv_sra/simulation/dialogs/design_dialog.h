@@ -37,6 +37,9 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   // The matrix file of the variables that take part; a simulation of the same input goes on with it.
   std::shared_ptr<CAnalysisTableDoc> ShowCorrelationMatrix();
 
+  // Makes a distribution the person's own of the variable, which is then simulated from it.
+  void TakeOwn(DesignedVariable& variable, DistributionSpecification own);
+
   // Shows the variables after a change of the design.
   void ShowVariables();
 
@@ -55,6 +58,11 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   DesignedVariable* Highlighted() const;
   void HighlightVariable();
   bool AskForVariables();
+  // The sub-editors; false where they were cancelled.
+  template <class Editor>
+  bool EditDistribution();
+  bool EditCorrelations();
+  bool EditDefaults();
 };
 
 }  // namespace brenvolt::sra

@@ -1,0 +1,113 @@
+#include "brv_sra/resources/design_editor_templates.h"
+
+#include <utility>
+
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using enum ControlKind;
+
+std::string_view Text(std::int32_t number) {
+  return ResourceString(number);
+}
+
+std::vector<RowTemplate> OkAndCancel() {
+  return {{{kControlOk, kButton, Text(kFitButtonOk)}, {kControlCancel, kButton, Text(kFitButtonCancel)}}};
+}
+
+void AddParameters(std::vector<RowTemplate>& rows, std::int32_t label, std::int32_t field,
+                   std::int32_t count) {
+  for (std::int32_t i = 0; i < count; ++i)
+    rows.push_back({{label + i, kLabel, ""}, {field + i, kRealField, ""}});
+}
+
+}  // namespace
+
+const DialogTemplate& DesignDistributionTemplate() {
+  using namespace design_distribution;
+  static const DialogTemplate result = [] {
+    std::vector<RowTemplate> rows{{{kVariable, kLabel, ""}},
+                                  {{kTypes, kListBox, Text(kProfilerListDistributions)}},
+                                  {{kMixtures, kIntegerField, Text(kProfilerLabelMixtures)},
+                                   {kLevels, kIntegerField, Text(kProfilerLabelLevels)},
+                                   {kGroup, kComboBox, ""}}};
+    AddParameters(rows, kParameterLabel, kParameter, 5);
+    GroupTemplate bounds{
+        Text(kFitResultsGroupTruncation),
+        {{{kMinimum, kRealField, Text(kProfilerLabelMin)}, {kMaximum, kRealField, Text(kProfilerLabelMax)}}}};
+    return DialogTemplate{15001,
+                          Text(kDesignDistributionTitle),
+                          OkAndCancel(),
+                          {{"", {{"", std::move(rows)}, std::move(bounds)}}}};
+  }();
+  return result;
+}
+
+const DialogTemplate& DesignCorrelationsTemplate() {
+  using namespace design_correlations;
+  static const DialogTemplate result{15002,
+                                     Text(kDesignCorrelationTitle),
+                                     OkAndCancel(),
+                                     {{"",
+                                       {{"",
+                                         {{{kFirst, kComboBox, Text(kDesignLabelFirst)},
+                                           {kSecond, kComboBox, Text(kDesignLabelSecond)},
+                                           {kCorrelation, kRealField, Text(kDesignLabelCorrelation)}},
+                                          {{kPairs, kListBox, Text(kDesignListPairs)}},
+                                          {{kEditMatrix, kButton, Text(kDesignButtonMatrix)}},
+                                          {{kVerdict, kLabel, ""}},
+                                          {{kChanges, kListBox, Text(kDesignListChanges)}}}},
+                                        {"",
+                                         {{{kVariable, kComboBox, Text(kDesignLabelVariable)}},
+                                          {{kMean, kRealField, Text(kDesignLabelMean)},
+                                           {kDeviation, kRealField, Text(kDesignLabelDeviation)}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& DesignDefaultsTemplate() {
+  using namespace design_defaults;
+  static const DialogTemplate result{
+      15003,
+      Text(kDesignDefaultsTitle),
+      OkAndCancel(),
+      {{"",
+        {{"",
+          {{{kVariables, kListBox, ""}, {kFitted, kListBox, Text(kDesignListFitted)}},
+           {{kTakeOver, kButton, Text(kDesignButtonTakeOver)},
+            {kTakeOverAll, kButton, Text(kDesignButtonTakeOverAll)},
+            {kLeave, kButton, Text(kDesignButtonLeave)}},
+           {{kTakesPart, kCheckBox, Text(kDesignCheckTakesPart)}},
+           {{kUseFitted, kCheckBox, Text(kDesignCheckUseFitted)}},
+           {{kBounds, kLabel, ""}}}}}}}};
+  return result;
+}
+
+const DialogTemplate& DesignUserDefinedTemplate() {
+  using namespace design_user_defined;
+  static const DialogTemplate result = [] {
+    std::vector<RowTemplate> rows{{{kMixtures, kIntegerField, Text(kProfilerLabelMixtures)},
+                                   {kLevels, kIntegerField, Text(kProfilerLabelLevels)},
+                                   {kGroup, kComboBox, ""}}};
+    AddParameters(rows, kParameterLabel, kParameter, 3);
+    rows.push_back({{kTable, kListBox, ""}});
+    rows.push_back({{kNote, kLabel, ""}, {kTotal, kLabel, ""}});
+    GroupTemplate kinds{"",
+                        {{{kVariable, kLabel, ""}},
+                         {{kMixture, kRadioButton, Text(kProfilerGroupMixture)},
+                          {kHistogram, kRadioButton, Text(kProfilerGroupHistogram)}},
+                         {{kTitle, kLabel, ""}}}};
+    GroupTemplate bounds{
+        Text(kFitResultsGroupTruncation),
+        {{{kMinimum, kRealField, Text(kProfilerLabelMin)}, {kMaximum, kRealField, Text(kProfilerLabelMax)}}}};
+    return DialogTemplate{15004,
+                          Text(kDesignUserDefinedTitle),
+                          OkAndCancel(),
+                          {{"", {std::move(kinds), {"", std::move(rows)}, std::move(bounds)}}}};
+  }();
+  return result;
+}
+
+}  // namespace brenvolt::sra

@@ -1,0 +1,43 @@
+#include "brv_sra/simulation/dialogs/design_distribution_dialog.h"
+
+#include <utility>
+#include <vector>
+
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/resources/design_editor_templates.h"
+
+namespace brenvolt::sra {
+namespace {
+
+using namespace design_distribution;
+
+constexpr DistributionControls kFields{kParameter, kParameterLabel, 5,       kMinimum,
+                                       kMaximum,   kMixtures,       kLevels, kGroup};
+
+}  // namespace
+
+DesignSimDistributionModalDlg::DesignSimDistributionModalDlg(CSimulationAndRisk& analysis,
+                                                             std::string variable,
+                                                             const DistributionSpecification* start)
+    : CSimulationAndRiskModalDialog(analysis, DesignDistributionTemplate()),
+      variable_(std::move(variable)),
+      start_(start),
+      fields_(*this, kFields, DistributionFields::Check::kAtOnce) {}
+
+void DesignSimDistributionModalDlg::OnInitDialog() {
+  std::vector<std::string> types;
+  for (int code = 0; code < kDistributionCount; ++code)
+    types.emplace_back(DisplayName(static_cast<DistributionCode>(code)));
+  const DistributionCode code = start_ != nullptr ? start_->code : DistributionCode::kNormal;
+  Controls().SetText(kVariable, variable_);
+  Controls().SetItems(kTypes, std::move(types));
+  Controls().Select(kTypes, static_cast<int>(code));
+  fields_.Edit(code, start_);
+}
+
+void DesignSimDistributionModalDlg::OnControlChanged(std::int32_t number) {
+  if (fields_.OnChanged(number) || number != kTypes) return;
+  fields_.Edit(static_cast<DistributionCode>(Controls().Selection(kTypes)), start_);
+}
+
+}  // namespace brenvolt::sra
