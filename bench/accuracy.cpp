@@ -22,8 +22,8 @@ mpmath by the scripts next to them in `host/numeric/reference/distributions`). T
 of Cdf and Quantile give the bits of the scalar forms: a test holds them to it on every row, another on every
 instruction set that the machine offers, so that one figure serves both.
 
-An error is relative to the value; of a log-density, to 1 where the value is smaller; of a quantile or mean, to
-the type's locations and thresholds where these are larger than the value, because their rounding bounds it.
+An error is relative to the value; of a log-density, to 1 if the value is smaller; of a quantile or mean, to
+the type's locations and thresholds if these are larger than the value, because their rounding bounds it.
 A quantile of a mixture at just the share of components that lie far apart is not in the table: every x in the
 gap has that probability to the last bit. The tests hold every row to 1e-13 in the body and 1e-10 in the tails.
 

@@ -53,7 +53,7 @@ def line_pattern(line):
 
 
 def difference(page):
-    """Where a page is not what its program prints, whatever was measured; nothing where it is."""
+    """How a page differs from what its program prints, whatever was measured; nothing if it does not."""
     text = (PAGES / f"{page}.md").read_text(encoding="utf-8")
     if page in HEADS:
         head = re.search(r'R"\((.*?)\)"', HEADS[page].read_text(encoding="utf-8"), re.DOTALL)[1]

@@ -31,7 +31,7 @@ std::vector<double> ReadColumn(const char* path, std::size_t column) {
   return values;
 }
 
-// All types where `codes` is empty.
+// All types if `codes` is empty.
 std::vector<DistributionFit> FitTypes(std::vector<double> values, bool continuous,
                                       std::span<const DistributionCode> codes) {
   MomentAccumulator moments;

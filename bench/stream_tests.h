@@ -1,8 +1,8 @@
 // Statistical tests of uniform deviates, each a p-value that is uniform on [0, 1] for independent uniform
-// deviates (nearly so where the statistic is discrete; then the middle of its step). Small values mean too
+// deviates (nearly so if the statistic is discrete; then the middle of its step). Small values mean too
 // great a deviation, values near 1 too small a one; for counts and correlations, either end is one side.
 //
-// Sources: Knuth (1997), vol. 2, section 3.3.2, where no other is named.
+// Sources: Knuth (1997), vol. 2, section 3.3.2, if no other is named.
 #pragma once
 
 #include <span>

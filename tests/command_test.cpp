@@ -380,7 +380,7 @@ TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
   EXPECT_LT(shown["validCases"], 272);
   MustRun({"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--save", "p.bvw"});
   shown = matrix("Correlation matrix");
-  EXPECT_EQ(shown["variables"].size(), 2U) << "also where the data come from their file again";
+  EXPECT_EQ(shown["variables"].size(), 2U) << "also if the data come from their file again";
   // Another sheet has a matrix of its own, and data that bear a matrix's name stay.
   WriteBytes(File("d.csv"), "a,b\n1,5\n2,5\n4,5\n3,5\n7,5\n");
   WriteBytes(File("m.csv"), "z\n1\n");

@@ -1,4 +1,4 @@
-// Stands in for libFuzzer where the compiler has none: a main() that gives LLVMFuzzerTestOneInput each of the
+// Stands in for libFuzzer if the compiler has none: a main() that gives LLVMFuzzerTestOneInput each of the
 // files that the arguments name or hold, in the order of their names. A fault ends the program; the last name
 // printed is that of the input that brought it about.
 #include <algorithm>

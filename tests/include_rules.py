@@ -77,7 +77,7 @@ ROOMS = (
 )
 # Names for callers outside the tree: no file in it includes them, whatever its room may include.
 CONTRACT = "host/contract"
-# A name that means several folders, where the table names none below it.
+# A name that means several folders, if the table names none below it.
 GROUPS = ("host", "host/numeric", "brv_sra")
 # The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
 TEXTS = "brv_sra/resources"
@@ -239,7 +239,7 @@ def violations(root):
     return [line for path in paths for line in violations_of_file(root, path)] + crowded_folders(paths)
 
 
-# A file, an include line in it, and what the checker must say after "may not include"; None where it is clean.
+# A file, an include line in it, and what the checker must say after "may not include"; None if it is clean.
 SELF_TESTS = (
     ("host/base/a.cpp", "<unistd.h>", None),
     ("host/base/a.cpp", '"host/numeric/special/n.h"', "host/numeric/special"),

@@ -1,4 +1,4 @@
-// What changes, and what must not, where the decimal separator is a comma.
+// What changes, and what must not, when the decimal separator is a comma.
 #include <gtest/gtest.h>
 #include <locale.h>
 

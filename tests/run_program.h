@@ -17,7 +17,7 @@ struct Outcome {
   std::string err;
 };
 
-// Runs a program with the arguments in `folder` and waits for it; after `interrupt`, where given, it gets an
+// Runs a program with the arguments in `folder` and waits for it; after `interrupt`, if given, it gets an
 // interrupt signal. A program ended by a signal has the status 128 and the signal's number.
 Outcome RunProgram(const std::string& program, const std::vector<std::string>& arguments,
                    const std::filesystem::path& folder,

@@ -65,7 +65,7 @@ std::vector<std::string> InterpreterArguments(const MacroArguments& macro) {
   std::error_code ignored;
   const fs::path file = macro.all.front();
   if (!fs::exists(file, ignored)) throw Error("no such macro", file.string());
-  if (fs::is_directory(file, ignored)) throw Error("is a folder, not a macro", file.string());
+  if (fs::is_directory(file, ignored)) throw Error("the macro is a folder", file.string());
   const std::string chosen = Environment(kInterpreterVariable);
   const std::string former = Environment(kPathVariable);
   const std::string path = PackageFolder().string() + (former.empty() ? "" : ":" + former);

@@ -123,7 +123,7 @@ int main(int argc, char** argv) {
   try {
     brenvolt::cli::RememberCall(argc, argv);
     const int status = Run(argc, argv);
-    if (std::fflush(stdout) != 0) throw brenvolt::Error("cannot be written", "standard output");
+    if (std::fflush(stdout) != 0) throw brenvolt::Error("the output cannot be written", "standard output");
     return status;
   } catch (const brenvolt::cli::WrongCall& error) {
     Complain(error.what());

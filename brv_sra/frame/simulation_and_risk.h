@@ -46,7 +46,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // The correlation matrix file; each returns nonzero for success.
   //
   // Checks the input as a matrix file and reads it; shows a message for a fault. `parent` is the window that
-  // asks. Where it fails, no matrix file is attached and no values are kept.
+  // asks. If it fails, no matrix file is attached and no values are kept.
   std::int32_t ValidateInputMatrixFile(WindowHandle parent = nullptr);
   // The same, then the names of its variables; for an input that is not a valid matrix file, asks whether to
   // create one, except under automation.
@@ -65,7 +65,7 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // forgotten. False, and nothing changed, when the person cancelled or the file could not be read: a message
   // has then said why.
   bool OpenData();
-  // A matrix file can be fitted like other data, which is seldom meant: where the input is one, asks. False
+  // A matrix file can be fitted like other data, which is seldom meant: if the input is one, asks. False
   // when the person decides against it.
   bool MayFitInput() const;
 

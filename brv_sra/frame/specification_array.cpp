@@ -90,7 +90,7 @@ DistributionSpecification SpecificationFromArray(std::span<const Variant> array)
   }
   for (const Variant& item : items) specification.values.push_back(NumberFrom(item));
   if (!facts.HasOffset()) return specification;
-  specification.offset = 0;  // where it is left out
+  specification.offset = 0;  // if it is left out
   if (specification.values.size() <= facts.ParameterCount()) return specification;
   specification.offset = specification.values.back();
   specification.values.pop_back();

@@ -1,7 +1,7 @@
 // Distribution specifications as automation and macros write them, their checks, and how lists show them.
 //
 // A specification is an array: the key of a distribution ("scNormalDistr", "Normal", or its code), its values in
-// catalogue order, the offset where the type has one, then its truncation: below (0 or 1), minimum, above (0 or 1),
+// catalogue order, the offset if the type has one, then its truncation: below (0 or 1), minimum, above (0 or 1),
 // maximum. The truncation may be left out, but for the user-defined discrete distribution, whose values come in pairs;
 // a value that is left out is empty.
 #pragma once

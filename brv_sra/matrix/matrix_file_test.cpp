@@ -37,7 +37,7 @@ MatrixFile Sample() {
   return file;
 }
 
-// The fault of a sheet, or nothing where it reads.
+// The fault of a sheet, or nothing if it reads.
 std::optional<Id> FaultOf(const Spreadsheet& sheet) {
   const Result<MatrixFile> read = ReadMatrixFile(sheet);
   return read ? std::nullopt : std::optional(read.Reason().identifier);

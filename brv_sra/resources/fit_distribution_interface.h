@@ -76,7 +76,7 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
              kPlace),
     Property("NumberOfMixtures", 0x60030024, kInteger, kInteger,
              "The number of components of the Gaussian mixture for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("IsJohnsonDistribution", 0x60030026, kInteger, kBoolean,
              "Whether the variable at place iID of the continuous list is fitted by a Johnson distribution.",
@@ -95,27 +95,27 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
         kPlace),
     Property("LogNormalOffset", 0x6003002e, kReal, kReal,
              "The offset (threshold) of the lognormal distribution for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("FoldedNormalOffset", 0x60030030, kReal, kReal,
              "The offset (threshold) of the folded normal distribution for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("HalfNormalOffset", 0x60030032, kReal, kReal,
              "The offset (threshold) of the half-normal distribution for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("RayleighOffset", 0x60030034, kReal, kReal,
              "The offset (threshold) of the Rayleigh distribution for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("WeibullOffset", 0x60030036, kReal, kReal,
              "The offset (threshold) of the Weibull distribution for the variable at place iID of the "
-             "continuous list; -444 where none is entered.",
+             "continuous list; -444 if none is entered.",
              kPlace),
     Property("GeneralizedParetoOffset", 0x60030038, kReal, kReal,
              "The offset (threshold) of the generalized Pareto distribution for the variable at place iID of "
-             "the continuous list; -444 where none is entered.",
+             "the continuous list; -444 if none is entered.",
              kPlace),
     {"DiscreteVariable",
      0x6003003a,
@@ -136,7 +136,7 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
              kPlace),
     Property("NumberOfTrials", 0x60030040, kInteger, kInteger,
              "The number of trials of the binomial distribution for the variable at place iID of the "
-             "discrete list; -444 where none is entered.",
+             "discrete list; -444 if none is entered.",
              kPlace),
     Property("IsPoissonDistribution", 0x60030042, kInteger, kBoolean,
              "Whether the variable at place iID of the discrete list is fitted by the Poisson distribution.",
@@ -176,7 +176,7 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
              "true chooses it; putting false changes nothing."),
     Property("ContradictedFitsLast", 0x60030058, kInteger, kBoolean,
              "Whether fits that give a value of the data density 0 are ranked behind all others, and saved "
-             "only where an order names them or no other fit is valid."),
+             "only if an order names them or no other fit is valid."),
 }};
 
 }  // namespace fit_distribution_interface

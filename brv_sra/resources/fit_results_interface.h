@@ -62,7 +62,7 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
              "Whether the person's own values and orders are saved instead of those of the fit."),
     Property("UserDefinedDistributionOrder", 0x60030016, kText, kVariant,
              "The order in which the fitted variable at place iID (continuous ones first) saves its "
-             "distributions where the person's own are saved; read and put as DistributionOrder.",
+             "distributions if the person's own are saved; read and put as DistributionOrder.",
              kPlace),
     Property("IsDefaultDistributionSettings", 0x60030018, kInteger, kBoolean,
              "Whether a distribution of the fitted variable at place VarNo (continuous ones first) is saved "
@@ -72,7 +72,7 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property(
         "UserDefinedDistributions", 0x6003001a, kVariant, kVariant,
         "The person's own values of a distribution of the fitted variable at place VarNo (continuous ones "
-        "first): an array of its parameters in catalogue order, the offset last where the type has one. "
+        "first): an array of its parameters in catalogue order, the offset last if the type has one. "
         "Takes also such an array between the distribution's constant and four zeros, as recorded macros "
         "have it: Array(scNormalDistr, 4.0, 0.25, 0, 0, 0, 0).",
         kVariableAndDistribution),
@@ -81,14 +81,14 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
              kVariable),
     Property("UserDefinedTruncMin", 0x6003001e, kReal, kReal,
              "The bound below which the fitted variable at place VarNo (continuous ones first) is truncated; "
-             "-444 where none is entered.",
+             "-444 if none is entered.",
              kVariable),
     Property("IsUserDefinedTruncMax", 0x60030020, kInteger, kBoolean,
              "Whether the fitted variable at place VarNo (continuous ones first) is truncated above.",
              kVariable),
     Property("UserDefinedTruncMax", 0x60030022, kReal, kReal,
              "The bound above which the fitted variable at place VarNo (continuous ones first) is truncated; "
-             "-444 where none is entered.",
+             "-444 if none is entered.",
              kVariable),
     Property("Variables", 0x60030024, kText, kVariant,
              "The selected variables, which are summarised, correlated and saved: by default all that were "

@@ -43,7 +43,7 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
         "Fits the predictors from the input and takes the best distribution of each; gives 1 when it did."),
     Property("PredictionFormula", 0x6003001f, kText, kVariant,
              "The formula of the response, or \"name = formula\" for the response of that name, which is "
-             "made where there is none. Takes a text or an array of texts."),
+             "made if there is none. Takes a text or an array of texts."),
     Property("IsSeedRandomNumber", 0x60030021, kInteger, kInteger,
              "Whether the random numbers start at RandomSeedNumber; else at the time."),
     Property("RandomSeedNumber", 0x60030023, kInteger, kInteger,

@@ -51,7 +51,7 @@ inline constexpr std::array<MemberDescription, 15> kMembers{{
              "none was given. Putting nothing takes it away."),
     Property("SimulationFile", 0x60030019, kObject, kNone,
              "Simulates by a method without correlation into a file, in pieces and without the limit of a "
-             "spreadsheet: NumPy arrays where the name ends in .npz, else separated values, nothing for an "
+             "spreadsheet: NumPy arrays if the name ends in .npz, else separated values, nothing for an "
              "empty name. Gives the summary, a spreadsheet.",
              kFile),
     Property(

@@ -20,7 +20,7 @@ enum class AutomationCode : std::uint32_t {
 };
 
 // What a user reads of a failure: its description; if there is none, "IDispatch error #%d" with the
-// number of a code in the range of dispatch interfaces (0x80040200 to 0x8004ffff, counted from 0), else
+// number of a code in the range of dispatch interfaces (0x80040200 to 0x8004ffff, counted from 0), otherwise
 // "Unknown error 0x%0lX".
 std::string AutomationText(std::uint32_t code, std::string_view description);
 

@@ -22,7 +22,7 @@ struct Fault {
   Identifier identifier;
   std::string about = {};   // the name of the thing at fault; empty if the identifier says it all
   std::string detail = {};  // what else is known: the place, the reason
-  std::shared_ptr<const Fault> cause = {};  // the fault behind it, where there is one
+  std::shared_ptr<const Fault> cause = {};  // the fault behind it, if there is one
 
   bool operator==(const Fault&) const = default;
 };

@@ -18,7 +18,7 @@ struct BlockArgument {
   double At(std::size_t i) const { return values[constant ? 0 : i]; }
 };
 
-// `out` may be the storage of any argument that is not constant. Where every argument is constant, `out` has
+// `out` may be the storage of any argument that is not constant. If every argument is constant, `out` has
 // one element. NaN is a missing value, among the arguments and the results.
 using BlockKernel = void (*)(std::span<const BlockArgument> arguments, std::span<double> out);
 

@@ -1,6 +1,6 @@
 // Formulas over the columns of a spreadsheet: parsed once, evaluated in bulk.
 //
-// - Variables are named as they are where their name is a plain word (letters, digits, _ and points), between
+// - Variables are named as they are if their name is a plain word (letters, digits, _ and points), between
 //   single or double quotes otherwise ('wait time'), or by number (v1, v2, …; v0 is the case number).
 // - Operators, the tightest first: ^ (from the right: 2^3^2 is 2^9); signs (-2^2 is -4); * /; + -;
 //   comparisons (= == <> != < <= > >=); not (!); and (& &&); or (| ||). A comparison of a comparison needs

@@ -12,7 +12,7 @@ namespace {
 void CheckVersion(const Element& root) {
   constexpr double kOldest = 3.0;
   constexpr double kNewest = 4.4;
-  if (!root.Is("PMML")) root.Fail("is not a PMML file: its element is " + std::string(root.Name()));
+  if (!root.Is("PMML")) root.Fail("the file is not PMML: its element is " + std::string(root.Name()));
   const std::string version = root.Text("version");
   // Of 4.4.1 the first two numbers count.
   const auto second = version.find('.', version.find('.') + 1);

@@ -4,7 +4,7 @@
 // Two estimates of the standard deviation are given (AIAG 2005, Statistical Process Control, 2nd
 // ed.): `within`, from the moving ranges of neighbouring values, for the indices whose names begin with C,
 // and `overall`, the sample standard deviation, for those that begin with P. Values that are simulated
-// independently of each other have no drift, and both estimate the same; they differ where values are in the
+// independently of each other have no drift, and both estimate the same; they differ if values are in the
 // order of time.
 //
 // What cannot be computed is kNotSet: the index of a limit that is not given, Cp and Pp without both limits,
@@ -43,7 +43,7 @@ struct CapabilityIndices {
 CapabilityIndices NormalIndices(double mean, double deviation, const SpecificationLimits& limits);
 
 // Cpm (Chan, Cheng & Spiring 1988): the distance of the target from the nearest limit over 3 tau, where tau^2
-// = deviation^2 + (mean - target)^2. It is (upper - lower) / (6 tau) where the target lies midway.
+// = deviation^2 + (mean - target)^2. It is (upper - lower) / (6 tau) if the target lies midway.
 double TaguchiIndex(double mean, double deviation, const SpecificationLimits& limits);
 
 // The confidence interval of Cp or Pp whose deviation has `degrees` degrees of freedom (Kushler & Hurley

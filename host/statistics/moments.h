@@ -17,7 +17,7 @@ struct Moments {
   double kurtosis = kNotSet;  // excess
   double minimum = kNotSet;
   double maximum = kNotSet;
-  double logMean = kNotSet;  // of the natural logarithms; not set where a value is not positive
+  double logMean = kNotSet;  // of the natural logarithms; not set if a value is not positive
   double logStandardDeviation = kNotSet;
 };
 

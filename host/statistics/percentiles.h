@@ -25,7 +25,7 @@ double Percentile(std::span<const double> sorted, double percent);
 // percentile with a probability of (1 - confidence)/2 at most.
 struct PercentileEstimate {
   double value = kNotSet;
-  double lower = kNotSet;     // not set where the sample is too small for a limit on this side
+  double lower = kNotSet;     // not set if the sample is too small for a limit on this side
   double upper = kNotSet;     // the same
   double coverage = kNotSet;  // the probability with which the interval, open where not set, holds it
 };

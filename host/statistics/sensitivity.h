@@ -28,7 +28,7 @@ struct SensitivityRow {
   double linearContribution = kNotSet;
   // The share of the variance of the response that lies between classes of the predictor of equal count (the
   // correlation ratio of Pearson 1905 without its bias, Kelley 1935): an estimate of the first-order index
-  // for a response of any shape (Plischke, Borgonovo & Smith 2013). Well above the others where a predictor
+  // for a response of any shape (Plischke, Borgonovo & Smith 2013). Well above the others if a predictor
   // acts up and down.
   double firstOrder = kNotSet;
 };

@@ -16,7 +16,7 @@ struct CsvFormat {
   char separator = ',';
   char decimalSeparator = '.';
 
-  // Decimal comma with a semicolon between fields, as spreadsheets write where the comma is the decimal
+  // Decimal comma with a semicolon between fields, as spreadsheets write them if the comma is the decimal
   // separator.
   static CsvFormat DecimalComma() { return {';', ','}; }
 };

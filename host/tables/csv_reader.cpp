@@ -49,7 +49,7 @@ std::vector<std::string> ColumnNames(std::vector<std::string> cells) {
   return cells;
 }
 
-// Codes of texts: 1, 2, … in the order in which they were met. Refers to the file's text where it can.
+// Codes of texts: 1, 2, … in the order in which they were met. Refers to the file's text if it can.
 class TextCodes {
  public:
   double CodeOf(const CsvField& field) {
@@ -213,13 +213,13 @@ void Reader::ReadRow(CsvScanner& scanner, Block& block) const {
     ReadCell(field, column, offset, block);
     const bool last = column + 1 == columns;
     if (end == CsvFieldEnd::kRow && !last) {
-      throw CsvFault{"has " + std::to_string(column + 1) + (column == 0 ? " field" : " fields") +
+      throw CsvFault{"the line has " + std::to_string(column + 1) + (column == 0 ? " field" : " fields") +
                          ", the header has " + std::to_string(columns),
                      begin, column + 2};
     }
     if (end == CsvFieldEnd::kSeparator && last) {
       const bool semicolons = columns == 1 && names_[0].find(';') != std::string::npos;
-      throw CsvFault{"has more fields than the header, which has " + std::to_string(columns) +
+      throw CsvFault{"the line has more fields than the header, which has " + std::to_string(columns) +
                          (semicolons ? "; fields separated by semicolons are another format" : ""),
                      begin, columns + 1};
     }
@@ -269,7 +269,7 @@ void Reader::ThrowOnTooLargeNumber() const {
     std::optional<CsvFault> first;
     for (const auto& [column, offset] : block.firstTooLarge) {
       if (IsTextColumn(column) || (first && first->offset < offset)) continue;
-      first = CsvFault{"has a number too large for a double", offset, column + 1};
+      first = CsvFault{"the field is a number too large for a double", offset, column + 1};
     }
     if (first) Fail(*first);
   }

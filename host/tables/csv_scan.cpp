@@ -29,13 +29,13 @@ bool CsvScanner::SkipBlankLine() {
 }
 
 CsvFieldEnd CsvScanner::NextQuoted(CsvField& field, const char* quote) {
-  if (SkipBlanks(next_) != quote) Fail("has a quote inside an unquoted field", quote);
+  if (SkipBlanks(next_) != quote) Fail("an unquoted field has a quote inside", quote);
   const char* const begin = quote + 1;
   field = {.text = {}, .quoted = true};
   const char* close = begin;
   for (;; close += 2) {
     close = static_cast<const char*>(std::memchr(close, '"', static_cast<std::size_t>(end_ - close)));
-    if (close == nullptr) Fail("has a quoted field that is not closed", quote);
+    if (close == nullptr) Fail("a quoted field is not closed", quote);
     if (close + 1 == end_ || close[1] != '"') break;
     field.hasDoubledQuotes = true;
   }
@@ -44,7 +44,7 @@ CsvFieldEnd CsvScanner::NextQuoted(CsvField& field, const char* quote) {
   const char* const after = SkipBlanks(close + 1);
   if (after != end_ && *after == separator_) return FinishField(after, true);
   const char* const past = PastRowEnd(after);
-  if (past == nullptr) Fail("has text after a closing quote", after);
+  if (past == nullptr) Fail("text follows a closing quote", after);
   return FinishField(past == end_ && past[-1] != '\n' ? past : past - 1, false);
 }
 

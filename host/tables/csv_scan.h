@@ -21,7 +21,7 @@ struct CsvField {
 
 enum class CsvFieldEnd : std::uint8_t { kSeparator, kRow };
 
-// Thrown where the text breaks the rules.
+// Thrown when the text breaks the rules.
 struct CsvFault {
   std::string what;
   std::size_t offset;  // into the text
@@ -70,7 +70,7 @@ class CsvScanner {
   std::array<bool, 256> isSpecial_{};  // what ends an unquoted field or is a fault in it
 };
 
-// Cuts text[begin, size) into blocks of whole rows, about `blockBytes` long each where rows are shorter than
+// Cuts text[begin, size) into blocks of whole rows, about `blockBytes` long each if rows are shorter than
 // that. Returns the offsets at which blocks begin, in ascending order, and the size of the text. In text that
 // breaks the rules, blocks up to the first fault are right: a scanner over the block with that fault meets
 // it.
@@ -80,7 +80,7 @@ std::vector<std::size_t> SplitIntoRowBlocks(std::string_view text, std::size_t b
 
 inline CsvFieldEnd CsvScanner::FinishField(const char* end, bool atSeparator) {
   if (end > firstNonText_) [[unlikely]] {
-    Fail("is not text in UTF-8", firstNonText_);
+    Fail("the text is not UTF-8", firstNonText_);
   }
   if (atSeparator) {
     next_ = end + 1;

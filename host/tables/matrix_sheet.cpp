@@ -21,7 +21,7 @@ bool IsSummaryName(std::string_view name) {
   return std::ranges::find(kSummaryNames, name) != kSummaryNames.end() || name == kMarkedType;
 }
 
-// The text of a cell of a text variable, empty where it is missing.
+// The text of a cell of a text variable, empty if it is missing.
 std::string_view TextAt(const Variable& variable, std::size_t row) {
   return variable.IsMissing(row) ? std::string_view()
                                  : variable.Label(variable.Values()[row]).value_or(std::string_view());
@@ -68,8 +68,8 @@ class MatrixTable {
            std::string(ExpectedName(row)));
     }
     if (table_.CaseCount() == expected) return;
-    Fail("has " + std::to_string(table_.CaseCount()) + " rows; a matrix of " + std::to_string(size_) +
-         " variables has " + std::to_string(expected) +
+    Fail("the table has " + std::to_string(table_.CaseCount()) + " rows; a matrix of " +
+         std::to_string(size_) + " variables has " + std::to_string(expected) +
          ", the last ones Means, Std.Dev., No.Cases and Matrix");
   }
 
@@ -81,7 +81,7 @@ class MatrixTable {
         if (!text.empty() && !ParseNumber(text))
           Fail("\"" + std::string(text) + "\" is not a number", row, c);
       }
-      Fail("is not a column of numbers", 0, c);
+      Fail("the column does not hold numbers", 0, c);
     }
   }
 
@@ -162,7 +162,9 @@ bool LooksLikeMatrixTable(const Spreadsheet& table) {
 std::unique_ptr<Spreadsheet> MatrixFromTable(const Spreadsheet& table, const std::string& file) {
   if (table.VariableCount() < 2 || table.VariableAt(0).Type() != VariableType::kText)
     throw Error(
-        "is not a matrix: the first column must name the rows and the other columns must hold numbers", file);
+        "the file is not a matrix: the first column must name the rows and the other columns must hold "
+        "numbers",
+        file);
   return MatrixTable(table, file).Matrix();
 }
 

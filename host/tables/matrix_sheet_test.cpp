@@ -66,10 +66,12 @@ TEST(MatrixSheet, DamagedTextIsRefusedWithItsRowAndColumn) {
       {"Matrix,1,", ",1,", "row 6 of the matrix is called \"\", not Matrix", "m.csv"},
       {"No.Cases,42,\n", "", "row 5 of the matrix is called \"Matrix\", not No.Cases", "m.csv"},
       {"No.Cases,42,\nMatrix,1,\n", "",
-       "has 4 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and Matrix",
+       "the table has 4 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and "
+       "Matrix",
        "m.csv"},
       {"Matrix,1,\n", "Matrix,1,\nMore,1,1\n",
-       "has 7 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and Matrix",
+       "the table has 7 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and "
+       "Matrix",
        "m.csv"},
       {"a,1,0.25", "a,1,0.25x", "\"0.25x\" is not a number", "m.csv, row a, column b"},
       {"a,1,0.25", "a,1,", "a correlation is missing", "m.csv, row a, column b"},

@@ -73,7 +73,8 @@ void NumpyArchive::Check(std::int64_t result) const {
   if (result >= ARCHIVE_OK) return;
   if (stream_->fault) std::rethrow_exception(stream_->fault);
   const char* why = archive_error_string(stream_->zip.get());
-  throw Error("cannot be written: " + std::string(why == nullptr ? "unknown fault" : why), path_.string());
+  throw Error("the file cannot be written: " + std::string(why == nullptr ? "unknown fault" : why),
+              path_.string());
 }
 
 void NumpyArchive::BeginColumn(const std::string& name, std::uint64_t length) {

@@ -24,12 +24,12 @@ constexpr Switch kDistrust[] = {
 // SQLite's own message may quote the file, line breaks included; this one is a fixed phrase and the system's
 // reason.
 std::string Describe(int code, int systemError, bool writing) {
-  const char* const failed = writing ? "cannot be written: " : "cannot be read: ";
+  const char* const failed = writing ? "the project cannot be written: " : "the project cannot be read: ";
   switch (code & kPrimaryCodeMask) {
     case SQLITE_NOTADB:
-      return "is not a project file";
+      return "the file is not a project";
     case SQLITE_CORRUPT:
-      return "is damaged";
+      return "the project is damaged";
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
       return std::string(failed) + "it is in use by another program";

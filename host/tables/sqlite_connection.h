@@ -41,7 +41,7 @@ class Connection {
   enum class Purpose { kRead, kWrite };
 
   // Opens an existing file, which must be a regular one. `named` takes its place in errors. A connection for
-  // reading, too, may write: it undoes what a killed writer began.
+  // reading may write as well: it undoes what a killed writer began.
   Connection(const std::filesystem::path& file, std::string named, Purpose purpose);
 
   // Runs statements that give no rows of interest.

@@ -54,10 +54,10 @@ class Variable {
   std::size_t Size() const { return values_->size(); }
   std::span<const double> Values() const { return *values_; }
   // The values for one who may look at them longer than the variable, or its sheet, lives. Single values that
-  // change later change there too; where all are reassigned, or their number changes, what was shared
+  // change later change there too; if all are reassigned, or their number changes, what was shared
   // stays as it was.
   std::shared_ptr<const std::vector<double>> SharedValues() const { return values_; }
-  // For writing; marks the content as changed, also where nothing is written.
+  // For writing; marks the content as changed, even if nothing is written.
   std::span<double> MutableValues();
   void AssignValues(std::vector<double> values);
   void Resize(std::size_t cases, double fill);

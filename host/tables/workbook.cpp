@@ -45,7 +45,9 @@ void RemoveCompanions(const std::filesystem::path& file, const std::string& name
     std::error_code failure;
     std::filesystem::remove(companion, failure);
     if (failure)
-      throw Error("cannot be replaced: " + companion.filename().string() + ": " + failure.message(), named);
+      throw Error(
+          "the project cannot be replaced: " + companion.filename().string() + ": " + failure.message(),
+          named);
   }
 }
 

@@ -58,7 +58,7 @@ class Workbook {
   // Writes the project to `path` as one transaction: after a failure or a killed process the file holds its
   // old or its new content, never a mixture. A link stays a link: the file that it names is written.
   //
-  // Where `path` is the file that this project was read from or last saved to, and nobody else wrote to it
+  // If `path` is the file that this project was read from or last saved to, and nobody else wrote to it
   // since, only columns whose content changed are written, into the file as it stands. Otherwise, and when no
   // column could be kept or more than half of the file would be left unused, a new file takes the place of
   // the former one; what others wrote there is replaced with it. Equal content in new files gives equal

@@ -181,7 +181,7 @@ TEST(WorkbookCrashTest, FileInUseIsNotTouched) {
   ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
   ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
   const Error error = ErrorOf([&] { WithContent(2).Save(path); });
-  EXPECT_STREQ(error.what(), "cannot be written: it is in use by another program");
+  EXPECT_STREQ(error.what(), "the project cannot be written: it is in use by another program");
   EXPECT_EQ(error.Where(), path.string());
   EXPECT_EQ(ContentOf(path), 1) << "reading beside a writer";
   sqlite3_close(other);
@@ -204,7 +204,7 @@ TEST(WorkbookCrashTest, FullDeviceLeavesTheOldFile) {
         workbook.Save(path);
       } catch (const Error& error) {
         return error.Where() == path.string() &&
-                       std::string_view(error.what()).starts_with("cannot be written: ")
+                       std::string_view(error.what()).starts_with("the project cannot be written: ")
                    ? 7
                    : 8;
       }
@@ -228,13 +228,13 @@ TEST(WorkbookCrashTest, RefusesTargetsThatAreNoFilesOfTheUser) {
   std::filesystem::create_symlink("a.bvw", folder / "b.bvw");
   ASSERT_EQ(mkfifo((folder / "pipe.bvw").c_str(), 0600), 0);
   const std::pair<std::filesystem::path, const char*> targets[] = {
-      {folder / "folder.bvw", "is a folder, not a file"},
-      {folder / "pipe.bvw", "is a device or pipe, which cannot be replaced by a file"},
-      {"/dev/full", "is a device or pipe, which cannot be replaced by a file"},
-      {"/dev/null", "is a device or pipe, which cannot be replaced by a file"},
-      {folder / "none/p.bvw", "cannot be written: No such file or directory"},
-      {folder / "a.bvw", "cannot be used: too many links"},
-      {"", "cannot be used: Invalid argument"},
+      {folder / "folder.bvw", "the target is a folder, not a file"},
+      {folder / "pipe.bvw", "the target is a device or pipe, which cannot be replaced by a file"},
+      {"/dev/full", "the target is a device or pipe, which cannot be replaced by a file"},
+      {"/dev/null", "the target is a device or pipe, which cannot be replaced by a file"},
+      {folder / "none/p.bvw", "the file cannot be written: No such file or directory"},
+      {folder / "a.bvw", "the file cannot be used: too many links"},
+      {"", "the file cannot be used: Invalid argument"},
   };
   const std::vector<std::string> before = folder.Names();
   for (const auto& [target, message] : targets) {

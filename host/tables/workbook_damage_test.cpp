@@ -30,16 +30,16 @@ TEST(WorkbookDamageTest, SaysWhatIsWrongWithAFileThatIsNoProject) {
   const std::pair<const char*, const char*> refused[] = {
       {"newer.bvw",
        "was written by a newer version of this program (format 2, this version reads formats up to 1)"},
-      {"unversioned.bvw", "is damaged: it has no format version"},
-      {"foreign.bvw", "is not a project file"},
-      {"anonymous.bvw", "is not a project file"},
-      {"empty.bvw", "is not a project file"},
-      {"table.csv", "is not a project file"},
-      {"magic.bvw", "is not a project file"},
-      {"folder.bvw", "is a folder, not a file"},
-      {"pipe.bvw", "is a device or pipe, not a file"},
-      {"missing.bvw", "cannot be read: No such file or directory"},
-      {"table.csv/inside.bvw", "cannot be read: Not a directory"},
+      {"unversioned.bvw", "the project is damaged: it has no format version"},
+      {"foreign.bvw", "the file is not a project"},
+      {"anonymous.bvw", "the file is not a project"},
+      {"empty.bvw", "the file is not a project"},
+      {"table.csv", "the file is not a project"},
+      {"magic.bvw", "the file is not a project"},
+      {"folder.bvw", "a folder stands in place of the project"},
+      {"pipe.bvw", "a device or pipe stands in place of the project"},
+      {"missing.bvw", "the project cannot be read: No such file or directory"},
+      {"table.csv/inside.bvw", "the project cannot be read: Not a directory"},
   };
   for (const auto& [name, message] : refused) {
     SCOPED_TRACE(name);
@@ -62,24 +62,24 @@ TEST(WorkbookDamageTest, RefusesContentThatContradictsItself) {
       {"UPDATE column_chunk SET doubles = substr(doubles, 4)", "fewer values"},
       {"UPDATE column_chunk SET doubles = zeroblob(56)", "more values"},
       {"UPDATE column_chunk SET doubles = zeroblob(48)", "values of \"Hard\" have changed"},
-      {"UPDATE column_chunk SET doubles = 5", "is damaged"},
+      {"UPDATE column_chunk SET doubles = 5", "the project is damaged"},
       {"INSERT INTO column_chunk VALUES (900, 1, 2, zeroblob(8))", "more values"},
       {"UPDATE sheet SET cases = -1", "a sheet of -1 cases"},
       {"UPDATE sheet SET cases = 4611686018427387904", "a sheet of 4611686018427387904 cases"},
       {"UPDATE sheet SET cases = 100000000000 WHERE id = 3", "it claims more content than it can hold"},
       {"UPDATE sheet SET cases = 7 WHERE id = 3", "fewer values"},
       {"UPDATE sheet SET cases = 5 WHERE id = 3", "more values"},
-      {"UPDATE sheet SET cases = 'many'", "text or nothing where a whole number should stand"},
+      {"UPDATE sheet SET cases = 'many'", "a text or nothing in place of a whole number"},
       {"UPDATE sheet SET kind = 'graph'", "a sheet of unknown kind"},
-      {"UPDATE sheet SET selection_accepted = x'01' WHERE id = 1", "a case selection that does not match"},
-      {"UPDATE sheet SET weight_variable = 77", "a sheet whose weight variable is missing"},
+      {"UPDATE sheet SET selection_accepted = x'01' WHERE id = 1", "a case selection does not match"},
+      {"UPDATE sheet SET weight_variable = 77", "the weight variable of a sheet is missing"},
       {"UPDATE variable SET type = 'date'", "a variable of unknown type"},
-      {"UPDATE variable SET missing_code = 'NA'", "a text where a number should stand"},
-      {"UPDATE variable SET missing_code = x'00'", "a text where a number should stand"},
+      {"UPDATE variable SET missing_code = 'NA'", "a text in place of a number"},
+      {"UPDATE variable SET missing_code = x'00'", "a text in place of a number"},
       {"DELETE FROM case_name WHERE position = 3", "a case name is missing"},
-      {"DELETE FROM case_name WHERE position = 6", "case names that do not match the number of cases"},
-      {"UPDATE sheet SET cases_numbered = 1 WHERE id = 1", "numbered cases with names"},
-      {"INSERT INTO case_name VALUES (1, 7, 'x')", "case names that do not match the number of cases"},
+      {"DELETE FROM case_name WHERE position = 6", "the case names do not match the number of cases"},
+      {"UPDATE sheet SET cases_numbered = 1 WHERE id = 1", "its numbered cases have names"},
+      {"INSERT INTO case_name VALUES (1, 7, 'x')", "the case names do not match the number of cases"},
       {"DROP TABLE label", "its table \"label\" is missing or not as it should be"},
       {"ALTER TABLE label ADD COLUMN more", "its table \"label\" is missing or not as it should be"},
       {"DROP TABLE label; CREATE VIEW label AS WITH RECURSIVE r(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM "
@@ -108,7 +108,7 @@ TEST(WorkbookDamageTest, RefusesTwoSheetsOfOneName) {
   for (std::size_t at = 0; (at = bytes.find("BBBBBBBB", at)) != std::string::npos;)
     bytes.replace(at, 8, "AAAAAAAA");
   WriteBytes(path, bytes);
-  ExpectRefused(path, "is damaged: two sheets of the same name");
+  ExpectRefused(path, "the project is damaged: it has two sheets of the same name");
   EXPECT_THROW(Workbook::Outline(path), Error);
 }
 

@@ -17,29 +17,31 @@ constexpr std::int64_t kMostCases = std::int64_t{1} << 40;
 [[noreturn]] void Damaged(const Connection& connection, std::string how) {
   std::ranges::replace_if(
       how, [](unsigned char c) { return c < ' '; }, '?');
-  throw Error("is damaged: " + how, connection.Name());
+  throw Error("the project is damaged: " + how, connection.Name());
 }
 
 void RequireRegularFile(const std::filesystem::path& path) {
   std::error_code failure;
   const auto status = std::filesystem::status(path, failure);
-  if (std::filesystem::is_directory(status)) throw Error("is a folder, not a file", path.string());
+  if (std::filesystem::is_directory(status))
+    throw Error("a folder stands in place of the project", path.string());
   if (std::filesystem::is_regular_file(status)) return;
-  if (std::filesystem::exists(status)) throw Error("is a device or pipe, not a file", path.string());
-  throw Error("cannot be read: " +
+  if (std::filesystem::exists(status))
+    throw Error("a device or pipe stands in place of the project", path.string());
+  throw Error("the project cannot be read: " +
                   (failure ? failure : std::make_error_code(std::errc::no_such_file_or_directory)).message(),
               path.string());
 }
 
 void RequireReadableFormat(const WorkbookHeader& header, const std::string& name) {
-  if (!header.IsWorkbook()) throw Error("is not a project file", name);
+  if (!header.IsWorkbook()) throw Error("the file is not a project", name);
   if (header.formatVersion > static_cast<std::uint32_t>(Workbook::kFormatVersion)) {
     throw Error("was written by a newer version of this program (format " +
                     std::to_string(header.formatVersion) + ", this version reads formats up to " +
                     std::to_string(Workbook::kFormatVersion) + ")",
                 name);
   }
-  if (header.formatVersion == 0) throw Error("is damaged: it has no format version", name);
+  if (header.formatVersion == 0) throw Error("the project is damaged: it has no format version", name);
 }
 
 void RequireTables(Connection& connection) {
@@ -117,14 +119,15 @@ bool ContentReader::Step(Statement& rows) {
 }
 
 std::int64_t ContentReader::Integer(const Statement& row, int column) const {
-  if (row.ColumnType(column) != SQLITE_INTEGER) Damaged("text or nothing where a whole number should stand");
+  if (row.ColumnType(column) != SQLITE_INTEGER)
+    Damaged("it has a text or nothing in place of a whole number");
   return row.ColumnInteger(column);
 }
 
 // A blob also counts as text, since tools store the content of a file so.
 std::string ContentReader::Text(const Statement& row, int column) {
   const int type = row.ColumnType(column);
-  if (type != SQLITE_TEXT && type != SQLITE_BLOB) Damaged("a number or nothing where a text should stand");
+  if (type != SQLITE_TEXT && type != SQLITE_BLOB) Damaged("it has a number or nothing in place of a text");
   const std::string_view text = row.ColumnBytes(column);
   Spend(text.size());
   return std::string(text);
@@ -137,7 +140,7 @@ std::optional<double> ContentReader::Real(const Statement& row, int column) cons
   if (type == SQLITE_FLOAT || type == SQLITE_INTEGER) return row.ColumnReal(column);
   double number = 0;
   const std::string_view bytes = row.ColumnBytes(column);
-  if (type != SQLITE_BLOB || bytes.size() != sizeof number) Damaged("a text where a number should stand");
+  if (type != SQLITE_BLOB || bytes.size() != sizeof number) Damaged("it has a text in place of a number");
   std::memcpy(&number, bytes.data(), sizeof number);
   return number;
 }
@@ -146,17 +149,17 @@ SheetKind ContentReader::Kind(const Statement& row, int column) {
   const std::string kind = Text(row, column);
   if (kind == "data") return SheetKind::kData;
   if (kind == "matrix") return SheetKind::kMatrix;
-  Damaged("a sheet of unknown kind");
+  Damaged("it has a sheet of unknown kind");
 }
 
 std::size_t ContentReader::Cases(const Statement& row, int column) const {
   const std::int64_t cases = Integer(row, column);
-  if (cases < 0 || cases > kMostCases) Damaged("a sheet of " + std::to_string(cases) + " cases");
+  if (cases < 0 || cases > kMostCases) Damaged("it has a sheet of " + std::to_string(cases) + " cases");
   return static_cast<std::size_t>(cases);
 }
 
 void ContentReader::RequireDistinctName(const std::string& name) {
-  if (!names_.insert(name).second) Damaged("two sheets of the same name");
+  if (!names_.insert(name).second) Damaged("it has two sheets of the same name");
 }
 
 WorkbookContent ContentReader::Read() {
@@ -201,7 +204,7 @@ std::unique_ptr<Spreadsheet> ContentReader::ReadSheet(const Statement& row) {
   sheet->SetSelection(ReadSelection(row, cases));
   ReadCaseNames(id, *sheet);
   if (Integer(row, 10) != 0) {
-    if (sheet->HasCaseNames()) Damaged("numbered cases with names");
+    if (sheet->HasCaseNames()) Damaged("its numbered cases have names");
     sheet->NumberCases();
   }
   ReadVariables(id, weight, *sheet);
@@ -214,7 +217,7 @@ CaseSelection ContentReader::ReadSelection(const Statement& row, std::size_t cas
   selection.condition = Text(row, 8);
   if (row.ColumnType(9) == SQLITE_NULL) return selection;
   const std::string_view accepted = row.ColumnBytes(9);
-  if (accepted.size() != cases) Damaged("a case selection that does not match the number of cases");
+  if (accepted.size() != cases) Damaged("a case selection does not match the number of cases");
   Spend(accepted.size());
   selection.accepted.assign(accepted.begin(), accepted.end());
   return selection;
@@ -229,7 +232,7 @@ void ContentReader::ReadCaseNames(std::int64_t sheetId, Spreadsheet& sheet) {
   }
   caseNames_.Reset();
   if (!names.empty() && names.size() != sheet.CaseCount())
-    Damaged("case names that do not match the number of cases");
+    Damaged("the case names do not match the number of cases");
   sheet.SetCaseNames(std::move(names));
 }
 
@@ -242,14 +245,14 @@ void ContentReader::ReadVariables(std::int64_t sheetId, std::optional<std::int64
     sheet.AddVariable(ReadVariable(cases));
   }
   variables_.Reset();
-  if (weightId && !sheet.WeightVariable()) Damaged("a sheet whose weight variable is missing");
+  if (weightId && !sheet.WeightVariable()) Damaged("the weight variable of a sheet is missing");
 }
 
 Variable ContentReader::ReadVariable(std::size_t cases) {
   const std::int64_t id = Integer(variables_, 0);
   Variable variable(Text(variables_, 1), 0);
   const std::string type = Text(variables_, 2);
-  if (type != "numeric" && type != "text") Damaged("a variable of unknown type");
+  if (type != "numeric" && type != "text") Damaged("it has a variable of unknown type");
   variable.SetType(type == "text" ? VariableType::kText : VariableType::kNumeric);
   if (const auto code = Real(variables_, 3)) variable.SetMissingCode(*code);
 
@@ -257,14 +260,14 @@ Variable ContentReader::ReadVariable(std::size_t cases) {
   if (variables_.ColumnType(4) != SQLITE_NULL) {
     const std::int64_t checksum = Integer(variables_, 4);
     if (checksum != ColumnChecksum(variable.Values()))
-      Damaged("values of \"" + variable.Name() + "\" have changed");
+      Damaged("the values of \"" + variable.Name() + "\" have changed");
     columns_.emplace(variable.ContentStamp(), StoredColumn{id, checksum});
   }
 
   labels_.Bind(1, id);
   while (Step(labels_)) {
     const auto value = Real(labels_, 0);
-    if (!value) Damaged("a label without a value");
+    if (!value) Damaged("a label has no value");
     variable.SetLabel(*value, Text(labels_, 1));
   }
   labels_.Reset();
@@ -286,12 +289,12 @@ std::vector<double> ContentReader::ReadColumn(std::int64_t id, const std::string
   for (std::int64_t position = 1; Step(chunks_); ++position) {
     if (Integer(chunks_, 1) != position) Damaged("a part of the values of \"" + name + "\" is missing");
     const std::size_t size = blobs_.Seek(Integer(chunks_, 0));
-    if (size > rest.size()) Damaged("more values of \"" + name + "\" than cases");
+    if (size > rest.size()) Damaged("it has more values of \"" + name + "\" than cases");
     blobs_.Read(rest.first(size));
     rest = rest.subspan(size);
   }
   chunks_.Reset();
-  if (!rest.empty()) Damaged("fewer values of \"" + name + "\" than cases");
+  if (!rest.empty()) Damaged("it has fewer values of \"" + name + "\" than cases");
   return values;
 }
 

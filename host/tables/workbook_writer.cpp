@@ -56,7 +56,7 @@ ColumnPlan PlanColumns(SheetList sheets, StoredColumns stored) {
   return plan;
 }
 
-// A number as SQLite keeps it; as a blob of its bytes where SQLite would change it (NaN, negative zero).
+// A number as SQLite keeps it; as a blob of its bytes if SQLite would change it (NaN, negative zero).
 void BindExactly(Statement& statement, int parameter, const double& value) {
   if (std::isnan(value) || (value == 0 && std::signbit(value))) {
     statement.BindBlob(parameter, std::as_bytes(std::span(&value, 1)));
@@ -191,7 +191,7 @@ void RequireConsistent(SheetList sheets, const std::string& file) {
   std::unordered_set<std::string_view> names;
   for (const auto& sheet : sheets) {
     const auto fail = [&](const std::string& what) {
-      throw Error("cannot be written: sheet \"" + sheet->Name() + "\" " + what, file);
+      throw Error("the project cannot be written: sheet \"" + sheet->Name() + "\" " + what, file);
     };
     const std::size_t cases = sheet->CaseCount();
     if (!names.insert(sheet->Name()).second) fail("has the name of another sheet");

@@ -58,7 +58,7 @@ class Macro(unittest.TestCase):
         os.mkdir(os.path.join(self.folder, "folder"))
         cases = [(("none.py",), {}, 1, "no such macro (none.py)"), (("folder",), {}, 1, "is a folder"),
                  ((), {}, 2, "FILE.py"),
-                 (("m.py",), {"BRENVOLT_PYTHON": "/none/python3"}, 1, "cannot be started: No such file or directory")]
+                 (("m.py",), {"BRENVOLT_PYTHON": "/none/python3"}, 1, "the program cannot be started: No such file or directory")]
         for arguments, environment, status, said in cases:
             done = self.run_program("macro", *arguments, **environment)
             self.assertEqual((done.returncode, done.stdout), (status, ""))

@@ -498,7 +498,7 @@ The script says what each source is; the numbers of the others are in `compare_f
 their sources in `data/`. A test holds our fits to them.
 
 Greatest differences between our fits and the optimum: log-likelihood relative to max(1, value); parameters relative to
-max(0.001, value); statistics as they are; fits where ours is a higher maximum left out. The last columns count the fits
+max(0.001, value); statistics as they are; fits for which ours is a higher maximum are left out. The last columns count the fits
 whose log-likelihood is more than 1e-8 (relative) below the optimum.
 
 {summary}

@@ -24,7 +24,7 @@ bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
 
 // The matrix over the variables `names` from an array of its rows, an array of its k k values row by row, or
 // a matrix file, whose variables are found by name; variables that it lacks are uncorrelated. Throws Error
-// "Invalid input correlation. …" where it is not symmetric with unit diagonal and values between -1 and 1, is
+// "Invalid input correlation. …" if it is not symmetric with unit diagonal and values between -1 and 1, is
 // of another size, or has none of the variables.
 std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::string> names);
 

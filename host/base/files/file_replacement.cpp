@@ -74,10 +74,10 @@ void SynchronizeFolder(const fs::path& folder) {
 fs::path FollowLinks(const fs::path& path) {
   std::error_code failure;
   fs::path file = fs::absolute(path, failure);
-  if (failure) throw Error("cannot be used: " + failure.message(), path.string());
+  if (failure) throw Error("the file cannot be used: " + failure.message(), path.string());
   for (int links = 0; fs::is_symlink(fs::symlink_status(file, failure)); ++links) {
     const fs::path named = fs::read_symlink(file, failure);
-    if (failure || links == kMostLinks) throw Error("cannot be used: too many links", path.string());
+    if (failure || links == kMostLinks) throw Error("the file cannot be used: too many links", path.string());
     file = file.parent_path() / named;
   }
   const fs::path whole = fs::weakly_canonical(file, failure);
@@ -97,11 +97,11 @@ fs::path TemporaryNameBeside(const fs::path& target) {
 FileReplacement::FileReplacement(fs::path target) : given_(std::move(target)), target_(FollowLinks(given_)) {
   std::error_code ignored;
   const auto status = fs::status(target_, ignored);
-  if (fs::is_directory(status)) throw Error("is a folder, not a file", given_.string());
+  if (fs::is_directory(status)) throw Error("the target is a folder, not a file", given_.string());
   if (fs::exists(status) && !fs::is_regular_file(status)) {
-    throw Error("is a device or pipe, which cannot be replaced by a file", given_.string());
+    throw Error("the target is a device or pipe, which cannot be replaced by a file", given_.string());
   }
-  if (fs::exists(status) && access(target_.c_str(), W_OK) != 0) Fail("cannot be written");
+  if (fs::exists(status) && access(target_.c_str(), W_OK) != 0) Fail("the file cannot be written");
   CreateTemporary();
 }
 
@@ -112,7 +112,7 @@ void FileReplacement::CreateTemporary() {
     if (descriptor_ < 0 && errno == EEXIST) continue;
     if (descriptor_ < 0) {
       temporary_.clear();
-      Fail("cannot be written");
+      Fail("the file cannot be written");
     }
     // The lock says that this file has a living writer. Before it was taken, another writer may have found
     // the file without one and removed it.
@@ -135,16 +135,16 @@ void FileReplacement::Fail(const char* what) const {
 }
 
 void FileReplacement::Commit() {
-  if (fsync(descriptor_) != 0) Fail("cannot be written");
+  if (fsync(descriptor_) != 0) Fail("the file cannot be written");
   struct stat former {};
   if (stat(target_.c_str(), &former) == 0 && fchmod(descriptor_, former.st_mode & kPermissionBits) != 0) {
-    Fail("cannot keep the permissions of the replaced file");
+    Fail("the permissions of the replaced file cannot be kept");
   }
-  if (rename(temporary_.c_str(), target_.c_str()) != 0) Fail("cannot be replaced");
+  if (rename(temporary_.c_str(), target_.c_str()) != 0) Fail("the file cannot be replaced");
   temporary_.clear();
   const int result = close(descriptor_);
   descriptor_ = -1;
-  if (result != 0) Fail("cannot be written");
+  if (result != 0) Fail("the file cannot be written");
   SynchronizeFolder(target_.parent_path());
   RemoveAbandonedTemporaries(target_);
 }

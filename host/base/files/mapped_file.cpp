@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t kFirstRead = std::size_t{1} << 16;
 
 [[noreturn]] void Fail(const std::filesystem::path& path) {
-  throw Error(std::string("cannot be read: ") + std::strerror(errno), path.string());
+  throw Error(std::string("the file cannot be read: ") + std::strerror(errno), path.string());
 }
 
 class Descriptor {
@@ -55,7 +55,7 @@ MappedFile::MappedFile(const std::filesystem::path& path) {
   const Descriptor file(path);
   struct stat status {};
   if (file.Number() < 0 || fstat(file.Number(), &status) != 0) Fail(path);
-  if (S_ISDIR(status.st_mode)) throw Error("is a folder, not a file", path.string());
+  if (S_ISDIR(status.st_mode)) throw Error("a folder stands in place of the file", path.string());
   if (S_ISREG(status.st_mode) && status.st_size > 0) {
     const auto size = static_cast<std::size_t>(status.st_size);
     void* const mapping = mmap(nullptr, size, PROT_READ, MAP_PRIVATE, file.Number(), 0);

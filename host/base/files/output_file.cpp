@@ -21,7 +21,7 @@ OutputFile::OutputFile(std::filesystem::path target) : target_(std::move(target)
     return;
   }
   direct_ = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
-  if (direct_ < 0) Fail("cannot be written");
+  if (direct_ < 0) Fail("the file cannot be written");
 }
 
 OutputFile::~OutputFile() {
@@ -38,7 +38,7 @@ void OutputFile::Write(std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t written = write(descriptor, bytes.data(), bytes.size());
     if (written < 0 && errno == EINTR) continue;
-    if (written < 0) Fail("cannot be written");
+    if (written < 0) Fail("the file cannot be written");
     bytes.remove_prefix(static_cast<std::size_t>(written));
   }
 }
@@ -50,7 +50,7 @@ void OutputFile::Commit() {
   }
   const int result = close(direct_);
   direct_ = -1;
-  if (result != 0) Fail("cannot be written");
+  if (result != 0) Fail("the file cannot be written");
 }
 
 }  // namespace brenvolt

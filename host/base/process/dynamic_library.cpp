@@ -17,7 +17,8 @@ Dl_info InfoOf(const void* address) {
 
 DynamicLibrary::DynamicLibrary(const std::filesystem::path& path)
     : path_(path), handle_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE)) {
-  if (handle_ == nullptr) throw Error(std::string("cannot be loaded: ") + dlerror(), path.string());
+  if (handle_ == nullptr)
+    throw Error(std::string("the library cannot be loaded: ") + dlerror(), path.string());
 }
 
 DynamicLibrary::~DynamicLibrary() {
@@ -30,7 +31,7 @@ void* DynamicLibrary::FindAddress(const std::string& name) const {
 
 void* DynamicLibrary::Address(const std::string& name) const {
   void* address = FindAddress(name);
-  if (address == nullptr) throw Error("does not export " + name, path_.string());
+  if (address == nullptr) throw Error("the library does not export " + name, path_.string());
   return address;
 }
 

@@ -20,7 +20,7 @@ void ContinueAs(const ProgramCall& call) {
   for (std::string& text : texts) argv.push_back(text.data());
   argv.push_back(nullptr);
   execvp(argv[0], argv.data());
-  throw Error(std::string("cannot be started: ") + std::strerror(errno), call.program);
+  throw Error(std::string("the program cannot be started: ") + std::strerror(errno), call.program);
 }
 
 }  // namespace brenvolt

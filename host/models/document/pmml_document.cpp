@@ -163,19 +163,19 @@ Document::Document(std::string_view text, std::string file) : file_(std::move(fi
     converted = FromLatin1(text);
     text = converted;
   } else if (!encoding.empty() && encoding != "utf-8" && encoding != "us-ascii" && encoding != "ascii") {
-    throw Error("is in the encoding " + encoding + "; UTF-8 and ISO-8859-1 are read", file_);
+    throw Error("the file is in the encoding " + encoding + "; UTF-8 and ISO-8859-1 are read", file_);
   }
   for (auto at = text.find('\n'); at != std::string_view::npos; at = text.find('\n', at + 1)) {
     lineEnds_.push_back(at);
   }
   if (const std::size_t bad = FindNonText(text); bad != std::string_view::npos) {
-    throw Error("is not text in UTF-8",
+    throw Error("the file is not text in UTF-8",
                 file_ + ", line " + std::to_string(LineAt(static_cast<std::ptrdiff_t>(bad))));
   }
   const auto outcome =
       document_.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
   if (!outcome) {
-    throw Error(std::string("is not well-formed XML: ") + outcome.description(),
+    throw Error(std::string("the file is not well-formed XML: ") + outcome.description(),
                 file_ + ", line " + std::to_string(LineAt(outcome.offset)));
   }
 }

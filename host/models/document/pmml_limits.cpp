@@ -67,7 +67,7 @@ class Scan {
 }  // namespace
 
 void CheckLimits(std::string_view text, const std::string& file) {
-  if (text.size() > kLargestFile) throw Error("is larger than a model may be (1 GiB)", file);
+  if (text.size() > kLargestFile) throw Error("the file is larger than a model may be (1 GiB)", file);
   Scan(text, file).Run();
 }
 

@@ -24,7 +24,7 @@ MatrixView RowMajor(std::span<const double> data, std::size_t rows, std::size_t 
 
 enum class ProductPart { kAll, kLowerTriangle };
 
-// The matrix to which a product is added. Element (i, j) stands at data[i * stride + j]. Where `low` is given
+// The matrix to which a product is added. Element (i, j) stands at data[i * stride + j]. If `low` is given
 // (same layout), it takes the rounding errors of the additions: data + low is a compensated sum over the
 // calls.
 struct ProductTarget {

@@ -6,7 +6,7 @@
 
 namespace brenvolt {
 
-// Where |s| is at most this, the series below has all digits.
+// If |s| is at most this, the series below has all digits.
 inline constexpr double kDevianceSeriesLimit = 0.2;
 
 // The deviance of x from m = x + excess, with s = excess / (m + x): x / m = (1 - s) / (1 + s), and the

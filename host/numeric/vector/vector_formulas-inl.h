@@ -211,7 +211,7 @@ inline constexpr double kExpOverflow = 710.0;
 // Below this size of x, exp(x) and all steps to it are normal numbers.
 inline constexpr double kExpNormal = 708.0;
 
-// The longer way gives the bits of the shorter one where both will do.
+// The longer way gives the bits of the shorter one if both will do.
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V Exp(D d, V x) {
   const V one = hn::Set(d, 1.0);
@@ -224,7 +224,7 @@ HWY_INLINE V Exp(D d, V x) {
   return hn::IfThenElse(hn::IsNaN(x), x, TimesPowerOfTwo(d, hn::Add(one, e.excess), e.power));
 }
 
-// exp(x) where only its place among normal numbers counts: x held to [-708, 709], a NaN to anything.
+// exp(x) if only its place among normal numbers counts: x held to [-708, 709], a NaN to anything.
 template <class D, class V = hn::Vec<D>>
 HWY_INLINE V ClampedExp(D d, V x) {
   const V within = hn::Max(hn::Min(x, hn::Set(d, 709.0)), hn::Set(d, -kExpNormal));
