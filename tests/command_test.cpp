@@ -444,6 +444,11 @@ TEST_F(Command, GraphsOfAFitAreThereForPrograms) {
                                              "empirical-distribution", "box-plot"}));
   const Json& cumulative = graphs[0]["graphs"][1]["bars"][0]["heights"];
   EXPECT_EQ(cumulative.back(), 5);
+  const Json& curve = graphs[0]["graphs"][4]["curves"][0];
+  EXPECT_EQ(curve["x"].front(), 1);
+  EXPECT_EQ(curve["x"].back(), 7);
+  EXPECT_EQ(curve["y"].size(), curve["x"].size());
+  for (const Json& y : curve["y"]) EXPECT_TRUE(y >= 0 && y <= 1);
   EXPECT_EQ(graphs[0]["graphs"][4]["series"][0]["x"], Json({1.0, 2.0, 3.0, 4.0, 7.0}));
   EXPECT_EQ(graphs[0]["graphs"][5]["boxes"][0]["median"], 3);
   MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--discrete-rank-by", "chi-square",

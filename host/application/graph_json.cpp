@@ -21,11 +21,19 @@ Json SeriesJson(const GraphSeries& series) {
 }
 
 Json CurveJson(const GraphCurve& curve) {
-  return {{"name", curve.name},
-          {"formula", curve.formula},
-          {"from", curve.from},
-          {"to", curve.to},
-          {"wholeNumbers", curve.wholeNumbers}};
+  const GraphSeries sampled = SampleCurve(curve);
+  return {{"name", curve.name}, {"formula", curve.formula},           {"from", curve.from},
+          {"to", curve.to},     {"wholeNumbers", curve.wholeNumbers}, {"x", sampled.x},
+          {"y", sampled.y}};
+}
+
+Json BandJson(const GraphBand& band) {
+  return {{"name", band.name}, {"x", band.x}, {"lower", band.lower}, {"upper", band.upper}};
+}
+
+// An end that is infinite is null.
+Json RegionJson(const GraphRegion& region) {
+  return {{"name", region.name}, {"from", region.from}, {"to", region.to}};
 }
 
 Json BoxJson(const GraphBox& box) {
@@ -57,6 +65,8 @@ Json GraphJson(const Graph& graph) {
   AddParts("bars", graph.bars, BarsJson, json);
   AddParts("series", graph.series, SeriesJson, json);
   AddParts("curves", graph.curves, CurveJson, json);
+  AddParts("bands", graph.bands, BandJson, json);
+  AddParts("regions", graph.regions, RegionJson, json);
   AddParts("boxes", graph.boxes, BoxJson, json);
   AddParts("panels", graph.panels, GraphJson, json);
   if (!graph.notes.empty()) json["notes"] = graph.notes;

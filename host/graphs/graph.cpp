@@ -11,15 +11,19 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::array<std::string_view, 9> kKindNames{"histogram",
-                                                     "cumulative-histogram",
-                                                     "pp",
-                                                     "qq",
-                                                     "empirical-distribution",
-                                                     "box-plot",
-                                                     "summary",
-                                                     "profile",
-                                                     "tornado"};
+constexpr std::array<std::string_view, 13> kKindNames{"histogram",
+                                                      "cumulative-histogram",
+                                                      "pp",
+                                                      "qq",
+                                                      "empirical-distribution",
+                                                      "box-plot",
+                                                      "summary",
+                                                      "profile",
+                                                      "tornado",
+                                                      "fit-comparison",
+                                                      "scatter-matrix",
+                                                      "scatter",
+                                                      "text"};
 
 // Columns of unequal lengths, made into a sheet once the longest is known.
 class Columns {
@@ -94,6 +98,15 @@ void AddColumns(const Graph& graph, const std::string& prefix, Columns& columns)
   for (const GraphCurve& curve : graph.curves) {
     AddSeries(SampleCurve(curve), prefix + curve.name, columns);
     columns.AddText(prefix + curve.name + " formula", {curve.formula});
+  }
+  for (const GraphBand& band : graph.bands) {
+    columns.Add(prefix + band.name + " x", band.x);
+    columns.Add(prefix + band.name + " lower", band.lower);
+    columns.Add(prefix + band.name + " upper", band.upper);
+  }
+  for (const GraphRegion& region : graph.regions) {
+    columns.Add(prefix + region.name + " from", {region.from});
+    columns.Add(prefix + region.name + " to", {region.to});
   }
   for (const GraphBox& box : graph.boxes) {
     for (const auto& [name, member] : kBoxColumns) columns.Add(prefix + box.name + name, {box.*member});

@@ -1,8 +1,9 @@
 // A graph as data: what is to be drawn, with its titles, and nothing about how. Whoever draws it, prints it
 // as JSON or puts it into a spreadsheet reads these plain structures.
 //
-// A graph holds any mix of bars, series, curves and boxes over common axes; the kind says what it is, and
-// with it what a reader may expect (histogram_graph.h, probability_plots.h, box_plot.h make them).
+// A graph holds any mix of bars, series, curves, bands, regions and boxes over common axes; the kind says what it
+// is, and with it what a reader may expect (histogram_graph.h, probability_plots.h, box_plot.h,
+// scatter_matrix.h make them).
 #pragma once
 
 #include <cstddef>
@@ -23,13 +24,18 @@ enum class GraphKind : std::uint8_t {
   kQuantilePlot,     // Q-Q
   kEmpiricalDistribution,
   kBoxPlot,
-  kSummary,  // nothing of its own but panels and notes
-  kProfile,  // a response against a predictor
-  kTornado   // a bar for each predictor, named after it, the longest first
+  kSummary,        // nothing of its own but panels and notes
+  kProfile,        // a response against a predictor
+  kTornado,        // a bar for each predictor, named after it, the longest first
+  kFitComparison,  // a histogram with the curves of several fits
+  kScatterMatrix,  // panels for every pair of variables
+  kScatter,        // one variable against another
+  kText            // notes alone
 };
 
 // The name of a kind in output that programs read: "histogram", "cumulative-histogram", "pp", "qq",
-// "empirical-distribution", "box-plot", "summary", "profile", "tornado".
+// "empirical-distribution", "box-plot", "summary", "profile", "tornado", "fit-comparison", "scatter-matrix",
+// "scatter", "text".
 std::string_view GraphKindName(GraphKind kind);
 
 // Adjoining bars: bar i reaches from bounds[i] to bounds[i + 1] and up to heights[i].
@@ -45,6 +51,7 @@ enum class SeriesStyle : std::uint8_t {
   kSteps  // y holds from its x to the next
 };
 
+// A line of two points over one x marks that x: a specification limit, a target.
 struct GraphSeries {
   std::string name;
   SeriesStyle style = SeriesStyle::kPoints;
@@ -59,6 +66,21 @@ struct GraphCurve {
   double from = 0;
   double to = 0;
   bool wholeNumbers = false;  // the function lives on whole numbers
+};
+
+// What lies between two lines over ascending x: limits of confidence, the spread of runs.
+struct GraphBand {
+  std::string name;
+  std::vector<double> x;
+  std::vector<double> lower;
+  std::vector<double> upper;
+};
+
+// A range of x that stands out, such as what a specification excludes. Either end may be infinite.
+struct GraphRegion {
+  std::string name;
+  double from = 0;
+  double to = 0;
 };
 
 struct GraphBox {
@@ -80,6 +102,8 @@ struct Graph {
   std::vector<GraphBars> bars;
   std::vector<GraphSeries> series;
   std::vector<GraphCurve> curves;
+  std::vector<GraphBand> bands;
+  std::vector<GraphRegion> regions;
   std::vector<GraphBox> boxes;
   std::vector<Graph> panels;
   // What a reader must know of the data shown ("2200 of 1000000 points are shown").

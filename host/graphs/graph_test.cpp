@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <limits>
 
 #include "host/base/error.h"
 #include "host/graphs/box_plot.h"
@@ -35,6 +36,16 @@ TEST(Histogram, RefusesBoundsThatMakeNoClasses) {
        {std::vector<double>{}, {1}, {1, 1}, {2, 1}, {0, std::nan(""), 2}}) {
     EXPECT_THROW(HistogramGraph(kSorted, bounds, HistogramKind::kPlain, {}, kTexts), Error);
   }
+}
+
+TEST(GraphTable, BandsAndRegionsAreColumns) {
+  Graph graph = Plain();
+  graph.bands = {{"Spread", {0, 1, 2}, {1, 2, 3}, {4, 5, 6}}};
+  graph.regions = {{"Outside", 2, std::numeric_limits<double>::infinity()}};
+  const auto table = GraphTable(graph);
+  EXPECT_EQ(table->VariableAt(*table->FindVariable("Spread lower")).Values()[2], 3);
+  EXPECT_EQ(table->VariableAt(*table->FindVariable("Spread upper")).Values()[0], 4);
+  EXPECT_EQ(table->VariableAt(*table->FindVariable("Outside from")).Values()[0], 2);
 }
 
 TEST(SampleCurve, CoversItsRangeAndKeepsToWholeNumbers) {
