@@ -1,0 +1,30 @@
+// One graph without panels, drawn into a rectangle.
+#pragma once
+
+#include <QRect>
+
+#include "host/drawing/theme.h"
+#include "host/graphs/graph.h"
+
+class QCPPainter;
+
+namespace brenvolt {
+
+struct PanelStyle {
+  QRect area;
+  bool isCell = false;     // of a matrix, whose cells share their axes: no title and no legend
+  bool showsXAxis = true;  // of a cell
+  bool showsYAxis = true;
+};
+
+// Room for the axes that a cell shows, in pixels.
+inline constexpr int kCellAxisWidth = 64;
+inline constexpr int kCellAxisHeight = 44;
+
+// How many pixels of height the graph asks for at this width, by its legend, its notes and its named bars.
+int HeightOf(const Graph& graph, int width);
+
+// Throws Error if a curve has an invalid formula.
+void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style, QCPPainter& painter);
+
+}  // namespace brenvolt

@@ -1,0 +1,124 @@
+// What the library exports: graphs in, the bytes of a file out.
+#include <qcustomplot.h>
+
+#include <QApplication>
+#include <QBuffer>
+#include <QPdfWriter>
+#include <QSvgGenerator>
+#include <clocale>
+#include <memory>
+
+#include "host/base/error.h"
+#include "host/base/export.h"
+#include "host/drawing/page.h"
+#include "host/drawing/text_fitting.h"
+#include "host/graphs/picture.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr int kPixelsPerInch = 96;
+constexpr int kPixelsPerMetre = 3780;
+
+// The toolkit needs an application, of which a process may have one; it would take the process's number format
+// along with the user's language, and would write its own remarks to standard error.
+class Toolkit {
+ public:
+  Toolkit() {
+    if (QCoreApplication::instance() != nullptr) return;
+    const std::string former = std::setlocale(LC_ALL, nullptr);
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    application_ = std::make_unique<QApplication>(count_, arguments_);
+    std::setlocale(LC_ALL, former.c_str());
+  }
+
+ private:
+  int count_ = 3;
+  char name_[9] = "brenvolt";
+  char option_[10] = "-platform";
+  char platform_[10] = "offscreen";
+  char* arguments_[4] = {name_, option_, platform_, nullptr};
+  std::unique_ptr<QApplication> application_;
+};
+
+void Paint(const Page& page, const Theme& theme, bool isVector, QPaintDevice& device) {
+  QCPPainter painter;
+  if (!painter.begin(&device)) throw Error("the picture cannot be painted");
+  painter.setMode(QCPPainter::pmVectorized, isVector);
+  painter.setMode(QCPPainter::pmNoCaching, true);
+  painter.setRenderHint(QPainter::Antialiasing);
+  page.Paint(theme, painter);
+}
+
+QByteArray Png(const Graph& graph, const PictureStyle& style) {
+  const Page page(graph, style.width);
+  QImage image(page.Size(), QImage::Format_RGB32);
+  if (image.isNull()) throw Error("not enough memory for a picture of this size");
+  image.setDotsPerMeterX(kPixelsPerMetre);
+  image.setDotsPerMeterY(kPixelsPerMetre);
+  Paint(page, ThemeOf(style.theme), false, image);
+  QBuffer buffer;
+  if (!image.save(&buffer, "PNG")) throw Error("the picture cannot be written as PNG");
+  return buffer.data();
+}
+
+QByteArray Svg(const Graph& graph, const PictureStyle& style) {
+  const Page page(graph, style.width);
+  QBuffer buffer;
+  QSvgGenerator generator;
+  generator.setOutputDevice(&buffer);
+  generator.setSize(page.Size());
+  generator.setViewBox(QRect(QPoint(0, 0), page.Size()));
+  generator.setResolution(kPixelsPerInch);
+  generator.setTitle(Shown(graph.title));
+  generator.setDescription(QString());
+  Paint(page, ThemeOf(style.theme), true, generator);
+  return buffer.data();
+}
+
+QByteArray Pdf(std::span<const Graph> graphs, const PictureStyle& style) {
+  QBuffer buffer;
+  buffer.open(QIODevice::WriteOnly);
+  {
+    QPdfWriter writer(&buffer);
+    writer.setResolution(kPixelsPerInch);
+    writer.setPageMargins(QMarginsF(0, 0, 0, 0));
+    writer.setTitle(Shown(graphs.front().title));
+    writer.setCreator(QStringLiteral("Brenvolt"));
+    std::unique_ptr<QCPPainter> painter;
+    for (const Graph& graph : graphs) {
+      const Page page(graph, style.width);
+      constexpr double kPointsPerPixel = 72.0 / kPixelsPerInch;
+      writer.setPageSize(QPageSize(QSizeF(page.Size()) * kPointsPerPixel, QPageSize::Point, QString(),
+                                   QPageSize::ExactMatch));
+      if (painter == nullptr) {
+        painter = std::make_unique<QCPPainter>();
+        if (!painter->begin(&writer)) throw Error("the picture cannot be painted");
+        painter->setMode(QCPPainter::pmVectorized);
+        painter->setMode(QCPPainter::pmNoCaching);
+      } else {
+        writer.newPage();
+      }
+      page.Paint(ThemeOf(style.theme), *painter);
+    }
+  }
+  return buffer.data();
+}
+
+std::string Draw(std::span<const Graph> graphs, const PictureStyle& style) {
+  static const Toolkit toolkit;
+  if (graphs.size() > 1 && style.format != PictureFormat::kPdf)
+    throw Error("only PDF has a page for each of several graphs");
+  const QByteArray bytes = style.format == PictureFormat::kPdf   ? Pdf(graphs, style)
+                           : style.format == PictureFormat::kSvg ? Svg(graphs.front(), style)
+                                                                 : Png(graphs.front(), style);
+  return bytes.toStdString();
+}
+
+}  // namespace
+
+}  // namespace brenvolt
+
+extern "C" BRENVOLT_EXPORT brenvolt::PictureFunction* BrenvoltPictures() {
+  return &brenvolt::Draw;
+}

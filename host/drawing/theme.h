@@ -1,0 +1,36 @@
+// The colours and fonts of pictures.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <array>
+
+#include "host/graphs/picture.h"
+
+namespace brenvolt {
+
+// Lines differ in pattern as well, so that they can be told apart in print.
+struct Theme {
+  QColor background;
+  QColor text;
+  QColor faintText;
+  QColor grid;
+  QColor bar;
+  QColor barEdge;
+  QColor negativeBar;
+  QColor point;
+  QColor reference;
+  QColor region;
+  QColor marker;
+  std::array<QColor, 6> lines;
+};
+
+// Both keep to colours that the colour-blind tell apart (Okabe and Ito 2008, Color Universal Design).
+const Theme& ThemeOf(PictureTheme theme);
+
+inline constexpr int kTextSize = 12;  // in pixels
+inline constexpr int kTitleSize = 14;
+
+QFont TextFont(int pixels = kTextSize, bool bold = false);
+
+}  // namespace brenvolt
