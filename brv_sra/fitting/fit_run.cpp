@@ -78,8 +78,9 @@ double BestKolmogorovSmirnovPValue(std::span<const DistributionFit> fits) {
 }
 
 void Rank(VariableFit& fit, RankingCriterion criterion, bool contradictedLast) {
-  fit.contradictedLast = contradictedLast;
-  fit.ranked = RankFits(fit.fits, {criterion, fit.moments.count, contradictedLast});
+  const Ranking ranking{criterion, fit.moments.count, contradictedLast};
+  fit.contradictedLast = RanksContradictedLast(ranking);
+  fit.ranked = RankFits(fit.fits, ranking);
 }
 
 // A continuous variable without spread (a single value included) has nothing to fit.

@@ -8,10 +8,12 @@
 #include <limits>
 #include <random>
 #include <tuple>
+#include <utility>
 
 #include "brv_sra/fitting/estimation.h"
 #include "brv_sra/fitting/ranking.h"
 #include "brv_sra/fitting/sample_reader.h"
+#include "brv_sra/fitting/save_settings.h"
 #include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 
@@ -155,6 +157,25 @@ TEST_F(FitRun, InfiniteValueEndsTheFitOfItsVariableAlone) {
   EXPECT_EQ(FirstFault(results), results[0].fault);
   EXPECT_FALSE(results[1].fault);
   EXPECT_TRUE(results[1].HasValidFit());
+}
+
+// The orders by two of the tests are fixed for macros, which ask for the rule where they want it.
+TEST_F(FitRun, FitsThatTheDataContradictAreNoDefaultForSavingWhereTheyRankLast) {
+  using enum RankingCriterion;
+  const Spreadsheet sheet = SheetOf({{1, 2, 2.5, 3, 3.5, 5, 7}});
+  const std::pair<RankingCriterion, std::ptrdiff_t> cases[] = {
+      {kKolmogorovSmirnov, 1}, {kAndersonDarling, 1}, {kChiSquare, 0}, {kAkaike, 0}, {kBayes, 0}};
+  for (const auto& [criterion, triangular] : cases) {
+    FitSpecification specification = Continuous({1});
+    for (const auto code : {DistributionCode::kNormal, DistributionCode::kTriangular})
+      specification.continuousSpecifications[0].fit[PlaceInKind(code)] = true;
+    specification.continuousCriterion = criterion;
+    const auto results = Run(sheet, specification);
+    const auto saved = CodesOf(results[0], DefaultOrder(results[0]));
+    EXPECT_EQ(std::ranges::count(saved, DistributionCode::kTriangular), triangular)
+        << static_cast<int>(criterion);
+    EXPECT_EQ(std::ranges::count(saved, DistributionCode::kNormal), 1);
+  }
 }
 
 TEST_F(FitRun, DataLimitIsTakenIn32Bits) {

@@ -73,7 +73,8 @@ struct FitSpecification {
   RankingCriterion continuousCriterion = RankingCriterion::kKolmogorovSmirnov;
   RankingCriterion discreteCriterion = RankingCriterion::kKolmogorovSmirnov;
   ChiSquareBinning binning = ChiSquareBinning::kEqualProbabilities;
-  // Whether fits that the data contradict rank behind all others and are no default for saving.
+  // Whether fits that the data contradict rank behind all others and are no default for saving. By chi-square and the
+  // information criteria they always do.
   bool contradictedLast = false;
   // Samples of the parametric bootstrap per distribution, 0 for none, and where its random numbers start.
   std::int32_t bootstrapSamples = 0;
@@ -146,7 +147,7 @@ struct VariableFit {
   std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first
-  bool contradictedLast = false;         // as the specification had it
+  bool contradictedLast = false;         // whether they were so ranked
   // The largest Kolmogorov-Smirnov p-value among the fits; kNotSet without one.
   double bestKolmogorovSmirnovPValue = kNotSet;
   SaveSettings saving;

@@ -27,23 +27,23 @@ double StatisticOf(const DistributionFit& fit, const Ranking& ranking) {
   return fit.kolmogorovSmirnov.statistic;
 }
 
-bool IsByStanding(const Ranking& ranking) {
-  return ranking.contradictedLast || ranking.criterion == RankingCriterion::kAkaike ||
-         ranking.criterion == RankingCriterion::kBayes;
-}
-
 // No key is a NaN, which has no place in an order.
 std::pair<Standing, double> RankingKey(const DistributionFit& fit, const Ranking& ranking) {
   const double statistic = StatisticOf(fit, ranking);
   const bool hasKey = fit.IsValid() && !IsNotSet(statistic) && !std::isnan(statistic);
   const double key = hasKey ? statistic : kInvalidRankingKey;
-  if (!IsByStanding(ranking)) return {Standing::kRanked, key};
+  if (!RanksContradictedLast(ranking)) return {Standing::kRanked, key};
   if (!fit.IsValid()) return {Standing::kFailed, key};
   if (fit.IsContradicted()) return {Standing::kContradicted, key};
   return {hasKey ? Standing::kRanked : Standing::kWithoutStatistic, key};
 }
 
 }  // namespace
+
+bool RanksContradictedLast(const Ranking& ranking) {
+  return ranking.contradictedLast || (ranking.criterion != RankingCriterion::kKolmogorovSmirnov &&
+                                      ranking.criterion != RankingCriterion::kAndersonDarling);
+}
 
 std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, const Ranking& ranking) {
   std::multimap<std::pair<Standing, double>, std::size_t> order;

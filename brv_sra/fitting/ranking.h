@@ -20,15 +20,16 @@ struct Ranking {
   bool contradictedLast = false;
 };
 
+// Whether contradicted fits come last: where that is asked for, and always by chi-square and the information criteria.
+bool RanksContradictedLast(const Ranking& ranking);
+
 // Indices into `fits`, best first: ascending by the criterion's statistic, not its p-value; equal keys in the
 // order of `fits`.
 //
-// By the tests, unless contradicted fits come last, a fit that failed or has no statistic takes
-// kInvalidRankingKey. No Kolmogorov-Smirnov statistic reaches that key; a chi-square or Anderson-Darling
-// statistic of a fit far from much data may exceed it and then comes after the failed fits.
-//
-// By an information criterion, and wherever contradicted fits come last, the order is: fits with a statistic,
-// those without, those that the data contradict, those that failed.
+// Where contradicted fits come last, the order is: fits with a statistic, those without, those that the data
+// contradict, those that failed. Else a fit that failed or has no statistic takes kInvalidRankingKey. No
+// Kolmogorov-Smirnov statistic reaches that key; an Anderson-Darling statistic of a fit far from much data may exceed it
+// and then comes after the failed fits.
 std::vector<std::size_t> RankFits(std::span<const DistributionFit> fits, const Ranking& ranking);
 
 // The fit to save unless the person chooses another: the best-ranked one that is valid. Nothing if none

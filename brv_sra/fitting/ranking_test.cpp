@@ -28,8 +28,8 @@ TEST(RankingOrder, EveryCriterionUsesItsOwnStatisticAndTiesKeepTheFixedOrder) {
   };
   const Case cases[] = {
       {RankingCriterion::kKolmogorovSmirnov, {2, 3, 1, 4, 0}, 2},
-      {RankingCriterion::kChiSquare, {1, 3, 2, 0, 4}, 1},
-      // A statistic beyond the key of failed fits comes after them.
+      {RankingCriterion::kChiSquare, {1, 3, 2, 4, 0}, 1},
+      // A statistic beyond the key of failed fits comes after them by this one.
       {RankingCriterion::kAndersonDarling, {3, 1, 0, 2, 4}, 3},
   };
   for (const Case& c : cases) {
@@ -62,6 +62,7 @@ TEST(RankingOrder, FitsThatTheDataContradictComeLastByEveryCriterion) {
       {{kKolmogorovSmirnov, 1000, true}, {4, 3, 2, 1, 0}},
       {{kChiSquare, 1000, true}, {4, 3, 2, 1, 0}},
       {{kAndersonDarling, 1000, true}, {3, 2, 4, 1, 0}},
+      {{kChiSquare, 1000, false}, {4, 3, 2, 1, 0}},
       {{kAkaike, 1000, true}, {4, 3, 2, 1, 0}},
       {{kAkaike, 1000, false}, {4, 3, 2, 1, 0}},
       {{kBayes, 1000, true}, {3, 4, 2, 1, 0}},
@@ -76,8 +77,8 @@ TEST(RankingOrder, FitsThatTheDataContradictComeLastByEveryCriterion) {
 TEST(RankingOrder, DefaultFitPassesOverFailedFitsRankedFirst) {
   DistributionFit failed = Fit(0.1, 1, 1);
   failed.specification.values = {kNotSet};
-  const std::vector<DistributionFit> fits{failed, Fit(0.5, 5000, 1)};
-  const auto ranked = RankFits(fits, {.criterion = RankingCriterion::kChiSquare, .count = 10});
+  const std::vector<DistributionFit> fits{failed, Fit(0.5, 1, 5000)};
+  const auto ranked = RankFits(fits, {.criterion = RankingCriterion::kAndersonDarling, .count = 10});
   EXPECT_EQ(ranked.front(), 0U);
   EXPECT_EQ(DefaultFit(fits, ranked), 1U);
   EXPECT_EQ(DefaultFit(std::vector{failed}, std::vector<std::size_t>{0}), std::nullopt);
