@@ -198,12 +198,20 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
 }
 
 TEST_F(Command, ColumnThatFailsLeavesTheOthersAndSaysWhy) {
-  WriteBytes(File("d.csv"), "a,b,n\n3,1,1\ninf,2,2.5\n4,4,0\n7,8,1\n");
-  const Outcome run = Run({"fit", "d.csv", "--continuous", "a,b", "--discrete", "n"});
+  WriteBytes(File("d.csv"), "a,b,n\n3,1,1\ninf,2,2.5\n,4,0\n7,8,1\n");
+  const std::vector<std::string> call{"fit", "d.csv", "--continuous", "a,b", "--discrete", "n"};
+  const Outcome run = Run(call);
   EXPECT_EQ(run.status, 0) << run.err;
-  EXPECT_NE(run.err.find("variable a contains an infinite value (case 2;"), std::string::npos) << run.err;
-  EXPECT_NE(run.out.find("  nothing to fit: variable a contains an infinite value (case 2;"),
-            std::string::npos);
+  EXPECT_EQ(run.err, "") << "the table says it";
+  EXPECT_NE(run.out.find("  n 3, missing 1, mean -, std.dev. -\n"), std::string::npos) << run.out;
+  EXPECT_NE(
+      run.out.find("\n  nothing to fit: variable a contains an infinite value (case 2; leave the case out or "
+                   "make the\n    value missing)\n"),
+      std::string::npos)
+      << run.out;
+  std::vector<std::string> forPrograms = call;
+  forPrograms.insert(forPrograms.end(), {"--format", "json"});
+  EXPECT_NE(Run(forPrograms).err.find("variable a contains an infinite value (case 2;"), std::string::npos);
   EXPECT_NE(run.out.find("     1  "), std::string::npos) << run.out;
   EXPECT_NE(run.out.find("  no fit: Poisson, the counts have a fraction: 2.5 in case 2\n"),
             std::string::npos);

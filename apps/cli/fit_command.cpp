@@ -1,5 +1,8 @@
 // brenvolt fit: distributions fitted to the variables of a data file, tested, ranked and saved.
+#include <algorithm>
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
@@ -54,17 +57,48 @@ FitJob::Order ParseOrder(const std::string& text) {
   return {name, SplitAtCommas(names)};
 }
 
+// Holds messages about single variables back until the results are known: the table says some of them itself.
+class FitTerminal : public TerminalUserInterface {
+ public:
+  FitTerminal() : TerminalUserInterface(kProgram) {}
+  FitTerminal(const FitTerminal&) = delete;
+  FitTerminal& operator=(const FitTerminal&) = delete;
+  ~FitTerminal() override { SayAllBut({}); }
+
+  MessageAnswer ShowMessage(const Message& message) override {
+    if (message.where.empty() || message.buttons != MessageButtons::kOk)
+      return TerminalUserInterface::ShowMessage(message);
+    held_.push_back(message);
+    return ProgramInterface::ShowMessage(message);
+  }
+  // All but what the variables have as their reasons.
+  void SayAllBut(const std::vector<FittedVariable>& variables) {
+    for (const Message& message : std::exchange(held_, {})) {
+      const std::string text = message.text + " (" + message.where + ")";
+      if (std::ranges::find(variables, text, &FittedVariable::reason) == variables.end())
+        TerminalUserInterface::ShowMessage(message);
+    }
+  }
+
+ private:
+  std::vector<Message> held_;
+};
+
 // The fits are saved and the graphs written before anything is reported, so that a report means a
 // finished job.
 void Fit(const FitCall& call) {
   RequireWords(call.job);
   Recording recording(call.record);
-  TerminalUserInterface terminal(kProgram);
+  FitTerminal terminal;
   const FitJob& job = call.job;
   const FitRun run = job.Run(terminal, recording.Job());
-  ReportFit(*run.session->Dialog(), *run.sheet,
+  const bool json = call.format == ReportFormat::kJson;
+  const auto variables =
+      ReadFitResults(*run.session->Dialog(), json ? Covariances::kRead : Covariances::kLeftOut);
+  terminal.SayAllBut(json ? std::vector<FittedVariable>() : variables);
+  ReportFit(variables, *run.sheet,
             {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format});
-  if (!job.save.empty() && call.format == ReportFormat::kTable) {
+  if (!job.save.empty() && !json) {
     std::printf("\nFits saved in %s\n", job.save.c_str());
   }
   recording.Commit();

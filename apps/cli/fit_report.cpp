@@ -12,7 +12,6 @@
 #include "apps/cli/fit_json.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
-#include "host/jobs/fit_results.h"
 #include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::cli {
@@ -57,16 +56,25 @@ std::vector<std::string> BrokenAtCommas(std::string text) {
   return lines;
 }
 
-// The same of a sentence, broken at blanks, the lines after the first indented as the first is.
-std::vector<std::string> BrokenAtBlanks(std::string text) {
+// The same of a sentence, broken at blanks, the lines after the first indented by so much.
+std::vector<std::string> BrokenAtBlanks(std::string text, std::size_t width, std::size_t indent) {
   std::vector<std::string> lines;
-  while (text.size() > kDescriptionWidth) {
-    const std::size_t blank = text.rfind(' ', kDescriptionWidth);
+  while (text.size() > width) {
+    const std::size_t blank = text.rfind(' ', width);
     if (blank == std::string::npos || text.find_first_not_of(' ') > blank) break;
     lines.push_back(text.substr(0, blank));
-    text = "  " + text.substr(blank + 1);
+    text = std::string(indent, ' ') + text.substr(blank + 1);
   }
   lines.push_back(std::move(text));
+  return lines;
+}
+
+// Why there is no fit, in lines of its own.
+std::string ReasonText(const std::string& text) {
+  constexpr std::size_t kWidth = 96;
+  constexpr std::size_t kIndent = 4;
+  std::string lines;
+  for (const std::string& line : BrokenAtBlanks("  " + text, kWidth, kIndent)) lines += line + "\n";
   return lines;
 }
 
@@ -100,11 +108,13 @@ class RankingText {
   void AddFit(const FittedDistribution& fit) {
     ++rank_;
     if (fit.parameters.empty()) {
-      failures_ += "  no fit: " + fit.name + ", " + fit.reason + "\n";
+      failures_ += ReasonText("no fit: " + fit.name + ", " + fit.reason);
       return;
     }
     std::string description = fit.description;
-    if (description.find('(') == std::string::npos) {
+    if (HasLongNumbers(fit)) {
+      description = fit.name + ValuesText(fit);
+    } else if (description.find('(') == std::string::npos) {
       description += ValuesText(fit);
     } else if (!FourDecimalsShow(fit)) {
       description += " = " + ValuesText(fit);
@@ -112,7 +122,8 @@ class RankingText {
     if (!std::isnan(fit.offset) && fit.offset != 0) description += ", offset " + ReadableNumber(fit.offset);
     std::vector<std::string> lines = BrokenAtCommas(std::move(description));
     if (!fit.note.empty()) {
-      for (const std::string& line : BrokenAtBlanks("  " + fit.note)) lines.push_back(line);
+      for (const std::string& line : BrokenAtBlanks("  " + fit.note, kDescriptionWidth, 2))
+        lines.push_back(line);
     }
     if (fit.statistics.Number("without_density"_column) > 0) {
       lines.push_back("  density 0 at " + Cell(fit.statistics, "without_density"_column) + " of " + count_ +
@@ -136,6 +147,12 @@ class RankingText {
       text += (text.empty() ? "(" : ", ") + ReadableNumber(fit.parameters[i], digits);
     }
     return text.empty() ? text : text + ")";
+  }
+
+  // Whether a description, which has no exponents, would show hundreds of digits.
+  static bool HasLongNumbers(const FittedDistribution& fit) {
+    constexpr double kLongest = 1e15;
+    return std::ranges::any_of(fit.parameters, [](double value) { return std::abs(value) >= kLongest; });
   }
 
   // Whether the four decimals of a description tell the distribution: a place among the data to a hundredth of
@@ -191,7 +208,7 @@ std::string VariableText(const FittedVariable& variable, const std::string& rank
           cell("mean"_column) + ", std.dev. " + cell("standard_deviation"_column) + "\n  skewness " +
           cell("skewness"_column) + ", kurtosis " + cell("kurtosis"_column) + ", range " +
           cell("minimum"_column) + " to " + cell("maximum"_column) + "\n";
-  if (variable.fits.empty()) return text + "  nothing to fit: " + variable.reason + "\n";
+  if (variable.fits.empty()) return text + ReasonText("nothing to fit: " + variable.reason);
   text += "  " + variable.ranking + "\n" + RankingText(variable, rankedBy, bootstrapped).Text();
   return text + CautionsText(variable.Cautions());
 }
@@ -218,7 +235,8 @@ std::string CautionsText(const std::vector<FitCaution>& cautions) {
   return text;
 }
 
-void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitReportOptions& options) {
+void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& input,
+               const FitReportOptions& options) {
   const std::string weights = input.WeightVariable() ? input.VariableAt(*input.WeightVariable()).Name() : "";
   const std::string selection = input.Selection().enabled ? input.Selection().condition : "";
   const bool json = options.format == ReportFormat::kJson;
@@ -228,8 +246,7 @@ void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitRepo
   std::string text;
   if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
   if (!selection.empty()) text += "Cases with " + selection + "\n";
-  const auto covariances = json ? Covariances::kRead : Covariances::kLeftOut;
-  for (const FittedVariable& variable : ReadFitResults(dialog, covariances)) {
+  for (const FittedVariable& variable : variables) {
     const std::string& rankedBy = variable.isContinuous ? options.rankBy : options.discreteRankBy;
     if (json) {
       report["variables"].push_back(VariableJson(variable, rankedBy));

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "apps/cli/data_options.h"
-#include "host/automation/automation_object.h"
-#include "host/jobs/fit_cautions.h"
+#include "host/jobs/fit_results.h"
+#include "host/tables/spreadsheet.h"
 
 namespace brenvolt::cli {
 
@@ -22,9 +22,9 @@ struct FitReportOptions {
 // What speaks against fits that are simulated, for people.
 std::string CautionsText(const std::vector<FitCaution>& cautions);
 
-// Prints the results that the dialog behind `dialog` shows to standard output: per variable its moments and
-// its ranked distributions, as tables or as one JSON object. Says which of the input's cases were used and
-// how they were weighted, where that is not all of them alike.
-void ReportFit(AutomationObject& dialog, const Spreadsheet& input, const FitReportOptions& options);
+// Prints the results to standard output: per variable its moments and its ranked distributions, as tables or as one JSON
+// object. Says which of the input's cases were used and how they were weighted, where that is not all of them alike.
+void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& input,
+               const FitReportOptions& options);
 
 }  // namespace brenvolt::cli

@@ -49,13 +49,10 @@ ReadVariable Read(const Spreadsheet& sheet, std::int16_t number, bool continuous
   read.fit.variableNumber = number;
   read.fit.name = OneLineName(sheet, number);
   read.fit.continuous = continuous;
-  Result<Sample> sample = ReadSample(sheet, number, cases, progress);
-  if (!sample) {
-    Fail(read.fit, std::move(sample).Reason());
-    return read;
-  }
-  read.fit.moments = sample->moments;
-  read.values = std::move(sample->values);
+  Sample sample = ReadSample(sheet, number, cases, progress);
+  read.fit.moments = sample.moments;
+  read.values = std::move(sample.values);
+  if (sample.fault) Fail(read.fit, *std::move(sample.fault));
   return read;
 }
 

@@ -102,7 +102,7 @@ TEST_F(FitRun, CaseOfLargeWeightIsCopiedWhole) {
   Spreadsheet sheet = SheetOf({{1, 7}, {1, 2'500'001}});
   sheet.SetWeightVariable(1);
   const auto progress = std::make_unique<ProgressBar>(port, "", 2);
-  const Sample sample = *ReadSample(sheet, 1, *AcceptedCases(sheet, true, true), *progress);
+  const Sample sample = ReadSample(sheet, 1, *AcceptedCases(sheet, true, true), *progress);
   ASSERT_EQ(sample.values.size(), 2'500'002U);
   EXPECT_EQ(sample.values.back(), 7);
   EXPECT_EQ(sample.moments.count, 2'500'002);
@@ -151,8 +151,11 @@ TEST_F(FitRun, VariableWithoutSpreadIsInvalid) {
 }
 
 TEST_F(FitRun, InfiniteValueEndsTheFitOfItsVariableAlone) {
-  const auto results = Run(SheetOf({{3, HUGE_VAL, 5}, {1, 2, 4}}), Continuous({1, 2}));
+  const auto results = Run(SheetOf({{3, HUGE_VAL, 5, kNan}, {1, 2, 4, 7}}), Continuous({1, 2}));
   EXPECT_TRUE(results[0].invalid);
+  EXPECT_EQ(results[0].moments.count, 3);
+  EXPECT_EQ(results[0].moments.missing, 1);
+  EXPECT_TRUE(std::isnan(results[0].moments.mean));
   EXPECT_EQ(results[0].fault, (Fault{FaultIdentifier::kInfiniteValue, "V1", "2"}));
   EXPECT_EQ(FirstFault(results), results[0].fault);
   EXPECT_FALSE(results[1].fault);

@@ -39,6 +39,20 @@ void AddCopies(double x, std::int32_t copies, Sample& sample, MomentAccumulator&
   }
 }
 
+// Of a sample with infinite values, whose moments would tell nothing of the others.
+Moments WithoutMoments(std::int64_t count, std::int64_t missing) {
+  constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+  Moments counts;
+  counts.count = count;
+  counts.missing = missing;
+  for (double Moments::*moment :
+       {&Moments::mean, &Moments::standardDeviation, &Moments::skewness, &Moments::kurtosis,
+        &Moments::minimum, &Moments::maximum, &Moments::logMean, &Moments::logStandardDeviation}) {
+    counts.*moment = kNone;
+  }
+  return counts;
+}
+
 }  // namespace
 
 Result<CaseSet> AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool useWeights) {
@@ -83,27 +97,33 @@ void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t>
   if (!set.weights.empty()) set.weights.resize(kept);
 }
 
-Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                          ProgressBar& progress) {
+Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set, ProgressBar& progress) {
   const Variable& variable = VariableOf(sheet, variableNumber);
   const std::span<const double> values = variable.Values();
   Sample sample;
   sample.values.reserve(set.cases.size());
   MomentAccumulator moments;
+  std::int64_t infinite = 0;
   for (std::size_t i = 0; i < set.cases.size(); ++i) {
     if (i % kProgressStride == kProgressStride - 1) progress.Step(kProgressStride);
     const double x = values[set.cases[i]];
+    const std::int32_t copies = set.weights.empty() ? 1 : set.weights[i];
     if (IsMissingValue(x, variable.MissingCode())) {
       moments.CountMissing();
-      continue;
+    } else if (std::isinf(x)) {
+      const std::uint64_t number = std::uint64_t{set.cases[i]} + 1;
+      if (!sample.fault) sample.fault = Fault{kInfiniteValue, variable.Name(), std::to_string(number)};
+      infinite += copies;
+    } else {
+      AddCopies(x, copies, sample, moments, progress);
     }
-    if (std::isinf(x))
-      return Fault{kInfiniteValue, variable.Name(), std::to_string(std::uint64_t{set.cases[i]} + 1)};
-    const std::int32_t copies = set.weights.empty() ? 1 : set.weights[i];
-    AddCopies(x, copies, sample, moments, progress);
   }
   progress.Step(static_cast<std::int64_t>(set.cases.size() % kProgressStride));
   sample.moments = moments.Finish();
+  if (sample.fault) {
+    sample.values.clear();
+    sample.moments = WithoutMoments(sample.moments.count + infinite, sample.moments.missing);
+  }
   return sample;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -30,13 +31,13 @@ Result<CaseSet> AcceptedCases(const Spreadsheet& sheet, bool useSelection, bool 
 void DropIncompleteCases(const Spreadsheet& sheet, std::span<const std::int16_t> variables, CaseSet& set);
 
 struct Sample {
-  std::vector<double> values;  // valid values, each as often as its weight
-  Moments moments;
+  std::vector<double> values;  // valid values, each as often as its weight; none where there is a fault
+  Moments moments;             // where there is a fault, its counts are known and all else is NaN
+  std::optional<Fault> fault;  // kInfiniteValue
 };
 
 // Reads one variable, advancing the bar by one per case; the bar also looks for cancellation while a case of
-// large weight is copied. kInfiniteValue. Throws UserCancelled through the bar.
-Result<Sample> ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set,
-                          ProgressBar& progress);
+// large weight is copied. Throws UserCancelled through the bar.
+Sample ReadSample(const Spreadsheet& sheet, int variableNumber, const CaseSet& set, ProgressBar& progress);
 
 }  // namespace brenvolt::sra

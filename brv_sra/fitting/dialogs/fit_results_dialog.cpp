@@ -237,7 +237,8 @@ std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& var
   const auto progress =
       std::make_unique<ProgressBar>(Analysis().Interface(), szLoadResString(kProgressPreparingResults),
                                     static_cast<std::int64_t>(cases.cases.size()) + 1);
-  Sample sample = ValueOrThrow(ReadSample(*GetInputTable(), variable.variableNumber, cases, *progress));
+  Sample sample = ReadSample(*GetInputTable(), variable.variableNumber, cases, *progress);
+  if (sample.fault) ThrowFault(*sample.fault);
   SortAscending(sample.values);
   return std::move(sample.values);
 }
