@@ -421,9 +421,30 @@ TEST_F(Command, FittingAgainTakesTheFitsThatAreGoneFromTheProject) {
     EXPECT_EQ(properties(0), "General Extreme Value;Normal;zOrder;zTruncProp;") << again;
     EXPECT_EQ(properties(1), former) << "of a variable that was not fitted again";
   }
+  for (const std::string& again : {kExamples + "faithful.csv", std::string("p.bvw")}) {
+    std::filesystem::remove(File("p.bvw"));
+    MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal,gev", "--save", "p.bvw"});
+    const Outcome failed = Run(
+        {"fit", again, "--discrete", "eruptions,waiting", "--distributions", "poisson", "--save", "p.bvw"});
+    EXPECT_EQ(failed.status, 0);
+    EXPECT_EQ(
+        failed.err,
+        "brenvolt: No distribution could be fitted to eruptions this time; its former fits are removed.\n");
+    EXPECT_EQ(properties(0), "InvalidFit;zOrder;zTruncProp;");
+    EXPECT_EQ(
+        Json::parse(MustRun({"show", "p.bvw", "Correlation matrix", "--format", "json"}).out)["variables"]
+            .size(),
+        1U);
+  }
+  MustRun({"fit", "p.bvw", "--distributions", "normal,gev", "--save", "p.bvw"});
+  const std::string saved = BytesOf(File("p.bvw"));
+  EXPECT_EQ(Run({"fit", "p.bvw", "--discrete", "eruptions", "--distributions", "poisson", "--save", "p.bvw"})
+                .status,
+            1);
+  EXPECT_EQ(BytesOf(File("p.bvw")), saved) << "a job that fails takes nothing away";
   // Data that come from their file again, without fits, leave those of the project.
   MustRun({"import", kExamples + "faithful.csv", "-o", "p.bvw"});
-  EXPECT_EQ(properties(0), "General Extreme Value;Normal;zOrder;zTruncProp;");
+  EXPECT_EQ(properties(1), "General Extreme Value;Normal;zOrder;zTruncProp;");
 }
 
 TEST_F(Command, TruncationAndOrderAreSaved) {
@@ -486,9 +507,6 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   EXPECT_NE(MustRun({"show", "p.bvw", "faithful"}).out.find("zTruncProp: (1; 0; 3.500000e+00; 0"),
             std::string::npos)
       << "fitting again keeps the truncation";
-  MustRun(
-      {"fit", "p.bvw", "--discrete", "eruptions,waiting", "--distributions", "poisson", "--save", "p.bvw"});
-  EXPECT_EQ(order(0), "Normal;") << "a fit that failed does not displace one that did not";
   WriteBytes(File("faithful.csv"), "eruptions\n1\n2\n4\n8\n");
   const std::string before = BytesOf(File("p.bvw"));
   const Outcome refused = Run({"fit", "faithful.csv", "--save", "p.bvw"});

@@ -466,6 +466,7 @@ inline constexpr std::int32_t kMsgNotAmongResults = 20856;
 inline constexpr std::int32_t kMsgNothingToSave = 20857;
 inline constexpr std::int32_t kMsgInfiniteValue = 20858;
 inline constexpr std::int32_t kMsgPercentilesNotFitted = 20859;
+inline constexpr std::int32_t kMsgFormerFitsRemoved = 20860;
 
 // The profiler: rows, columns, titles and axes of what it tells of a response.
 inline constexpr std::int32_t kResponseTitleCapability = 20930;

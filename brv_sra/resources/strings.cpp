@@ -539,6 +539,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgNothingToSave, "None of the selected variables has a valid fit."},
     {kMsgInfiniteValue, "variable %s contains an infinite value"},
     {kMsgPercentilesNotFitted, "the Johnson distribution cannot be fitted from percentiles"},
+    {kMsgFormerFitsRemoved, "No distribution could be fitted to %s this time; its former fits are removed."},
     {"lsl"_column.heading, "LSL"},
     {"target"_column.heading, "Target"},
     {"usl"_column.heading, "USL"},

@@ -309,17 +309,21 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
   for (const VariableFit& variable : Results().results) {
     if (variable.saving.selected) ValueOrThrow(CheckTruncation(variable));
   }
-  std::vector<int> saved;
+  std::vector<VariableDistributions> all;
   for (const VariableFit& variable : Results().results) {
-    if (!variable.saving.selected) continue;
-    const VariableDistributions distributions = DistributionsToSave(variable, Results().saveUserDefined);
-    const bool any = !distributions.ranked.empty();
-    // Fits that failed do not displace those that the variable already carries.
-    if (!any && HasStoredOrder(store, variable.variableNumber)) continue;
-    WriteDistributionProperties(&store, distributions);
-    if (any) saved.push_back(variable.variableNumber);
+    if (variable.saving.selected) all.push_back(DistributionsToSave(variable, Results().saveUserDefined));
   }
-  if (saved.empty()) throw CDispatchException(szLoadResString(kMsgNothingToSave));
+  const auto isFitted = [](const VariableDistributions& one) { return !one.ranked.empty(); };
+  if (std::ranges::none_of(all, isFitted)) throw CDispatchException(szLoadResString(kMsgNothingToSave));
+  std::vector<int> saved;
+  for (const VariableDistributions& distributions : all) {
+    const int number = distributions.variableNumber;
+    // Fits of before would pass for those of this time.
+    if (!isFitted(distributions) && HasStoredOrder(store, number))
+      Analysis().ShowMessage(FormatResource(kMsgFormerFitsRemoved, store.VariableName(number)));
+    WriteDistributionProperties(&store, distributions);
+    if (isFitted(distributions)) saved.push_back(number);
+  }
   for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
     const int number = static_cast<int>(i) + 1;
     const bool before = HasStoredOrder(store, number) && std::ranges::find(saved, number) == saved.end();
