@@ -42,9 +42,9 @@ TEST_F(Recordings, ReplayedFitLeavesTheSameProject) {
        "--truncate", "eruptions=1.5:", "--order", "waiting=normal,weibull", "--select", "waiting > 50",
        "--missing", "casewise", "--save", "p.bvw"},
       // A project that has the data already, and one that is the input itself.
-      {"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--select", "", "--save", "p.bvw"},
-      {"fit", "p.bvw", "--sheet", "faithful", "--distributions", "normal,lognormal", "--weights", "",
-       "--save", "p.bvw"},
+      {"fit", kExamples + "faithful.csv", "--continuous", "waiting", "--save", "p.bvw"},
+      {"fit", "p.bvw", "--sheet", "faithful", "--distributions", "normal,lognormal", "--select", "", "--save",
+       "p.bvw"},
       {"fit", kExamples + "toxocara.csv", "--discrete", "number", "--discrete-rank-by", "chi-square",
        "--save", "p.bvw"},
   };

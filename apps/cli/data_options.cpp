@@ -36,7 +36,8 @@ void AddFormatOption(CLI::App& command, ReportFormat& format) {
 }
 
 void AddYesOption(CLI::App& command, JobData& data) {
-  command.add_flag("--yes", data.yes, "Answer questions with OK; without, a job that asks one is refused");
+  command.add_flag("--yes", data.yes,
+                   "Fit the rows of a correlation matrix as data; without, a matrix is refused");
 }
 
 void AddDecimalCommaOption(CLI::App& command, JobData& data) {

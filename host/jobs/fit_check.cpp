@@ -115,6 +115,16 @@ class FitCheck {
           continuous ? "none of these is for continuous variables; a variable is fitted as discrete only "
                        "if it is given as discrete"
                      : "none of these is for discrete variables");
+      return;
+    }
+    for (const std::string& name : job_.distributions) {
+      const FittedType& type = *FindFittedType(name);
+      if (!IsFitted(type.continuous))
+        Add("distributions",
+            "the " + type.name + " distribution is for " +
+                (type.continuous ? "continuous variables, of which none is fitted"
+                                 : "discrete variables; a variable is fitted as discrete only if it "
+                                   "is given as discrete"));
     }
   }
 

@@ -13,6 +13,7 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_results.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
 namespace {
@@ -32,18 +33,25 @@ void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
   if (!names.empty()) interface.ShowMessage({"text variables are left out: " + names, {}, {}});
 }
 
-// Whole numbers from 0 on, of which there are few different ones, are counts or truth values as a rule.
+// Whole numbers that repeat are counts or truth values as a rule where there are few different ones that begin near 0,
+// or where 0 is among them. A single one is a truth value, or a constant.
 bool LooksDiscrete(const Variable& variable) {
-  constexpr std::size_t kMostDifferent = 20;
+  constexpr std::size_t kFew = 20;
+  constexpr std::size_t kMost = 1000;
   std::set<double> different;
+  std::size_t valid = 0;
   for (std::size_t i = 0; i < variable.Size(); ++i) {
     const double value = variable.Values()[i];
     if (variable.IsMissing(i)) continue;
     if (value < 0 || value != std::floor(value)) return false;
     different.insert(value);
-    if (different.size() > kMostDifferent) return false;
+    if (different.size() > kMost) return false;
+    ++valid;
   }
-  return different.contains(0) && variable.Size() > different.size();
+  if (valid == different.size()) return false;
+  if (different.size() == 1) return *different.begin() <= 1;
+  const bool isFew = different.size() <= kFew && *different.begin() <= kFew;
+  return isFew || (different.contains(0) && 2 * different.size() <= valid);
 }
 
 void SayWhatLooksDiscrete(const Spreadsheet& sheet, const std::vector<std::string>& continuous,
@@ -58,6 +66,22 @@ void SayWhatLooksDiscrete(const Spreadsheet& sheet, const std::vector<std::strin
         {"these may be counts, but are fitted as continuous unless they are given as discrete: " + names,
          {},
          {}});
+}
+
+// What is wrong with a job over these data. Taking away what is not there would do nothing.
+JobFaults CheckSheet(const FitJob& job, const Spreadsheet& sheet) {
+  JobFaults faults;
+  if (job.weights && job.weights->empty() && !sheet.WeightVariable())
+    faults.push_back({"weights", "the data have no case weights to leave out"});
+  if (job.select && job.select->empty() && sheet.Selection().condition.empty())
+    faults.push_back({"select", "the data have no selection of cases to leave out"});
+  const bool isMatrix = sheet.Kind() == SheetKind::kMatrix || LooksLikeMatrixTable(sheet);
+  if (isMatrix && !job.data.yes)
+    faults.push_back({"yes", "the rows of " + Quoted(sheet.Name()) +
+                                 " are those of a correlation matrix; confirm that they are meant as data"});
+  if (!isMatrix && job.data.yes)
+    faults.push_back({"yes", "the data are no correlation matrix: there is nothing to confirm"});
+  return faults;
 }
 
 // The variables named, or every numeric variable but the weights as continuous ones.
@@ -133,6 +157,15 @@ void PutBound(AutomationObject& dialog, std::int32_t place, const std::string& e
   dialog.Put("UserDefinedTrunc" + end, place, bound.value_or(kNotSet));
 }
 
+// A truncation without bounds takes away those that the variable carries.
+void RequireBounds(AutomationObject& dialog, std::int32_t place, const FitJob::Truncation& truncation) {
+  const Variant index(place);
+  const auto has = [&](const char* member) { return dialog.Get(member, {&index, 1}).ToBoolean(); };
+  if (truncation.low || truncation.high || has("IsUserDefinedTruncMin") || has("IsUserDefinedTruncMax"))
+    return;
+  throw WrongJob("truncate", Quoted(truncation.variable) + " has no bounds to take away");
+}
+
 // What is put where a project is asked to have none.
 std::optional<std::string> OrNone(const std::string& text) {
   return text.empty() ? std::nullopt : std::optional(text);
@@ -199,6 +232,7 @@ Table FitJob::Keep(AnalysisSession& session, Spreadsheet& sheet,
   const auto results = session.Dialog();
   if (!truncate.empty()) RequireNone(CheckTruncated(*results));
   for (const Truncation& one : truncate) {
+    RequireBounds(*results, PlaceOf(one.variable, fitted), one);
     PutBound(*results, PlaceOf(one.variable, fitted), "Min", one.low);
     PutBound(*results, PlaceOf(one.variable, fitted), "Max", one.high);
   }
@@ -264,6 +298,7 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
 
 std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
+  RequireNone(CheckSheet(*this, input.sheet));
   std::optional<FormerConditions> former;
   if (input.isLent) former.emplace(input.sheet);
   if (!save.empty()) TakeFormer(input, recorder);

@@ -96,6 +96,21 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
          job.johnsonPercentiles = true;
        },
        "johnsonPercentiles: the johnson distribution is not tried"},
+      {[](FitJob& job) {
+         job.distributions = {"normal", "poisson"};
+       },
+       "distributions: the poisson distribution is for discrete variables; a variable is fitted as discrete "
+       "only if it "
+       "is given as discrete"},
+      {[](FitJob& job) {
+         job.variables.discrete = {"x"};
+         job.distributions = {"normal", "poisson"};
+       },
+       "distributions: the normal distribution is for continuous variables, of which none is fitted"},
+      {[](FitJob& job) { job.bootstrap = 1e23; },
+       "bootstrap: expected a whole number from 1 to 1000000, got 100000000000000000000000"},
+      {[](FitJob& job) { job.bootstrap = 1.5e300; },
+       "bootstrap: expected a whole number from 1 to 1000000, got 1.5e+300"},
       {[](FitJob& job) { job.bootstrap = 0; }, "bootstrap: expected a whole number from 1 to 1000000, got 0"},
       {[](FitJob& job) { job.bootstrapSeed = 1; }, "bootstrapSeed: a seed has no effect without a bootstrap"},
       {[](FitJob& job) { job.save = "p.csv"; }, "save: expected a file ending in .bvw, got p.csv"},

@@ -120,6 +120,14 @@ class Fits(Folder):
         with warnings.catch_warnings():
             warnings.simplefilter("error")
             brenvolt.fit(frame, "x", discrete=["n", "b"], distributions=["normal", "poisson"])
+        offered = {"true": pandas.array([True, None, True], dtype="boolean"), "false": [False] * 3,
+                   "rating": [3, 4, 4], "defects": list(range(22)) * 2 + [None]}
+        others = {"constant": [5.0] * 3, "year": [2001, 2002, 2002], "once": [0, 1, 2], "half": [0, 0.5, 0.5]}
+        for name, column in {**offered, **others}.items():
+            with warnings.catch_warnings(record=True) as caught:
+                warnings.simplefilter("always")
+                brenvolt.fit(pandas.DataFrame({name: column, "z": numpy.arange(len(column)) + 0.5}), distributions="normal")
+            self.assertEqual(len(caught), name in offered, name)
 
     def test_a_summary_has_identifiers_for_keys(self):
         result = brenvolt.fit({"x": [1.0, 2, 4], "n": [0.0, 2, 2]}, continuous="x", discrete="n")

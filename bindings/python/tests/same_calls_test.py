@@ -40,6 +40,13 @@ REFUSED_FITS = (
                                                                  " (johnson_percentiles)"),
     ({"discrete": ["n"], "rank_by": "ks"}, "no continuous variable is fitted (rank_by)"),
     ({"discrete_rank_by": "ks"}, "no discrete variable is fitted (discrete_rank_by)"),
+    ({"distributions": ["normal", "poisson"]}, "is fitted as discrete only if it is given as discrete (distributions)"),
+    ({"discrete": ["n"], "distributions": ["normal", "poisson"]},
+     "the normal distribution is for continuous variables, of which none is fitted (distributions)"),
+    ({"yes": True}, "the data are no correlation matrix: there is nothing to confirm (yes)"),
+    ({"weights": ""}, "the data have no case weights to leave out (weights)"),
+    ({"select": ""}, "the data have no selection of cases to leave out (select)"),
+    ({"continuous": ["x"], "save": "p.bvw", "truncate": {"x": (None, None)}}, "'x' has no bounds to take away (truncate)"),
     ({"offsets": {"x": {"normal": 1}}}, "the normal distribution has no offset (offsets)"),
     ({"offsets": {"x": {"weibul": 1}}}, "bernoulli, histogram (offsets)"),
     ({"offsets": {"x": {"weibull": -444}}}, "-444 means that no offset is set and cannot be an offset (offsets)"),
@@ -76,6 +83,7 @@ REFUSED_SIMULATIONS = (
     ({"method": "sobol"}, "latin-hypercube-iman-conover, monte-carlo, norta; got 'sobol' (method)"),
     ({"samples": 0}, "expected a whole number from 1 to 2147483647, got 0 (samples)"),
     ({"samples": 2.5}, "expected a whole number from 1 to 2147483647, got 2.5 (samples)"),
+    ({"seed": 10**23}, "from 0 to 2147483647, got 100000000000000000000000 (seed)"),
     ({"seed": -1}, "expected a whole number from 0 to 2147483647, got -1 (seed)"),
     ({"matrix": "m"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
     ({"matrix": "m", "method": "iman-conover"}, "this is neither a sheet of the project nor a file (matrix m)"),
@@ -331,7 +339,10 @@ class SameCalls(unittest.TestCase):
         refused = self.refused_by_command("fit", "p.bvw", *words(matrix))
         self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.fit("p.bvw", **matrix)))
         self.assertEqual((refused[0], len(refused[1])), (2, 1))
-        self.assertRegex(refused[1][0], r"Do you want to run fit distribution on this\? \(yes\)$")
+        self.assertEqual(refused[1], ["the rows of 'Correlation matrix' are those of a correlation matrix; confirm that they"
+                                      " are meant as data (yes)"])
+        self.command("export", "p.bvw:Correlation matrix", "-o", "m.csv")
+        self.assertIn("the rows of 'm' are those of a correlation matrix", self.refused_by_command("fit", "m.csv")[1][0])
         self.assertEqual(self.command("fit", "p.bvw", *words(matrix), "--yes").returncode, 0)
         with self.assertWarnsRegex(brenvolt.MessageWarning, "valid Brenvolt matrix file"):
             self.assertEqual(list(brenvolt.fit("p.bvw", **matrix, yes=True).variables), ["eruptions", "waiting"])

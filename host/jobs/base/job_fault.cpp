@@ -15,6 +15,21 @@ std::string Prefix(const std::string& about) {
   return about.empty() ? about : Quoted(about) + ": ";
 }
 
+// A number that someone wrote, as whole numbers are written: 1e+23 would not be recognized.
+std::string Echoed(double value) {
+  constexpr std::size_t kMostDigits = 30;
+  std::string text = ShortestNumber(value);
+  const auto exponent = text.find("e+");
+  if (exponent == std::string::npos) return text;
+  const std::size_t point = text.find('.');
+  const auto zeros = static_cast<std::size_t>(std::stoi(text.substr(exponent + 2)));
+  const std::size_t decimals = point == std::string::npos ? 0 : exponent - point - 1;
+  if (zeros >= kMostDigits || decimals > zeros) return text;
+  text.resize(exponent);
+  if (point != std::string::npos) text.erase(point, 1);
+  return text + std::string(zeros - decimals, '0');
+}
+
 }  // namespace
 
 std::string Spelled(std::string_view field, char separator) {
@@ -42,7 +57,7 @@ void CheckWholeNumber(std::string_view field, double value, double fewest, doubl
   if (value == std::floor(value) && value >= fewest && value <= most) return;
   faults.push_back({std::string(field), Prefix(about) + "expected a whole number from " +
                                             ShortestNumber(fewest) + " to " + ShortestNumber(most) +
-                                            ", got " + ShortestNumber(value)});
+                                            ", got " + Echoed(value)});
 }
 
 void CheckNumber(std::string_view field, double value, JobFaults& faults, const std::string& about) {
