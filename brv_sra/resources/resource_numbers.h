@@ -548,6 +548,8 @@ inline constexpr std::int32_t kOriginExtremes = 21153;
 inline constexpr std::int32_t kNoteNoMaximum = 21154;
 inline constexpr std::int32_t kNoteNearSpike = 21155;
 inline constexpr std::int32_t kNoteJohnsonBootstrap = 21156;
+inline constexpr std::int32_t kNoteValueAtOffset = 21157;
+inline constexpr std::int32_t kReasonVarianceVanishes = 21158;
 
 // The editors of the design.
 inline constexpr std::int32_t kMsgInvalidLevelCount = 21160;

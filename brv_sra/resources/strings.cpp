@@ -680,6 +680,12 @@ constexpr auto kStrings = std::to_array<StringResource>({
      "component %s describes some %s values that lie close together, rather than the distribution"},
     {kNoteJohnsonBootstrap,
      "the bootstrap does not hold for moments: its p-values may be far too small or too large"},
+    {kNoteValueAtOffset,
+     "a value equals the offset; the Anderson-Darling test counts it as if the probability below it were "
+     "1.1e-16, not 0"},
+    {kReasonVarianceVanishes,
+     "the squares of the differences between the values are too small to be numbers: state the values in "
+     "smaller units"},
     // The editors of the design.
     {kMsgInvalidLevelCount, "Invalid number of levels. Please enter a number between 1 and 1000."},
     {kMsgBoundsLeaveNothing, "The bounds leave nothing of the %s distribution."},

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -66,6 +67,12 @@ bool IsGeneralized(DistributionCode code) {
   return code == DistributionCode::kGeneralExtremeValue || code == DistributionCode::kGeneralPareto;
 }
 
+bool BeginsAtAValue(const VariableFit& variable, const DistributionFit& fit) {
+  if (!HasOffset(fit.specification.code)) return false;
+  const double offset = fit.specification.offset;
+  return variable.moments.minimum == (IsNotSet(offset) ? 0 : offset);
+}
+
 std::string NoteOnComponents(const VariableFit& variable, const DistributionFit& fit) {
   const std::vector<double>& values = fit.specification.values;
   const auto count = static_cast<double>(variable.moments.count);
@@ -90,21 +97,28 @@ std::string FailureReason(const VariableFit& variable) {
     return message.text + " (" + message.where + ")";
   }
   if (!variable.invalid) return {};
-  const std::int64_t count = variable.moments.count;
-  return std::string(ResourceString(count == 0   ? kReasonNoValidValues
-                                    : count == 1 ? kReasonSingleValue
-                                                 : kReasonAllEqual));
+  const Moments& moments = variable.moments;
+  const bool varies = moments.minimum < moments.maximum;
+  return std::string(ResourceString(moments.count == 0   ? kReasonNoValidValues
+                                    : moments.count == 1 ? kReasonSingleValue
+                                    : varies             ? kReasonVarianceVanishes
+                                                         : kReasonAllEqual));
 }
 
 std::string NoteOn(const VariableFit& variable, const DistributionFit& fit) {
   if (!fit.IsValid()) return {};
   const DistributionCode code = fit.specification.code;
   const bool isFromMoments = fit.origin == EstimateOrigin::kMoments;
-  if (IsGeneralized(code) && isFromMoments) return std::string(ResourceString(kNoteNoMaximum));
   if (code == DistributionCode::kGaussianMixture) return NoteOnComponents(variable, fit);
-  const bool isBootstrapped =
-      code == DistributionCode::kJohnson && isFromMoments && fit.bootstrap.samples > 0;
-  return isBootstrapped ? std::string(ResourceString(kNoteJohnsonBootstrap)) : std::string();
+  std::string note;
+  const auto add = [&note](bool applies, std::int32_t text) {
+    if (applies) note += (note.empty() ? "" : "; ") + std::string(ResourceString(text));
+  };
+  add(IsGeneralized(code) && isFromMoments, kNoteNoMaximum);
+  add(code == DistributionCode::kJohnson && isFromMoments && fit.bootstrap.samples > 0,
+      kNoteJohnsonBootstrap);
+  add(BeginsAtAValue(variable, fit), kNoteValueAtOffset);
+  return note;
 }
 
 }  // namespace brenvolt::sra

@@ -60,6 +60,9 @@ TEST(EstimationReason, VariableWithoutFitsSaysWhy) {
   EXPECT_EQ(FailureReason(variable), "no valid values");
   variable.moments.count = 3;
   EXPECT_EQ(FailureReason(variable), "all values equal");
+  variable.moments.minimum = 1e-300;
+  variable.moments.maximum = 2e-300;
+  EXPECT_NE(FailureReason(variable).find("too small to be numbers"), std::string::npos);
   variable.fault = Fault{FaultIdentifier::kInfiniteValue, "x", "2"};
   EXPECT_EQ(FailureReason(variable),
             "variable x contains an infinite value (case 2; leave the case out or make the value missing)");
@@ -75,6 +78,16 @@ TEST(EstimationReason, NotesSayWhatSpeaksAgainstAFit) {
   EXPECT_EQ(NoteOn(variable, fit), "");
   fit.origin = EstimateOrigin::kMoments;
   EXPECT_EQ(NoteOn(variable, fit), "estimated from moments, as the likelihood has no maximum");
+
+  variable.moments.minimum = 2;
+  fit.specification.offset = 2;
+  EXPECT_EQ(NoteOn(variable, fit),
+            "estimated from moments, as the likelihood has no maximum; a value equals the offset; the "
+            "Anderson-Darling "
+            "test counts it as if the probability below it were 1.1e-16, not 0");
+  fit.specification.code = DistributionCode::kHalfNormal;
+  fit.specification.offset = 1.5;
+  EXPECT_EQ(NoteOn(variable, fit), "");
 
   fit.specification.code = DistributionCode::kGaussianMixture;
   fit.specification.values = {0.94, 0, 1, 0.06, 0.3, 0.01};
