@@ -5,6 +5,9 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 #include "host/base/number_text.h"
 #include "tests/run_program.h"
@@ -60,6 +63,44 @@ TEST_F(GermanLocale, PropertiesAreWrittenAndReadWithACommaFilesAndReportsWithAPo
   setenv("LC_ALL", "C", 1);
   const Outcome elsewhere = RunBrenvolt({"simulate", "p.bvw"}, folder.Path());
   EXPECT_EQ(elsewhere.status, 0) << elsewhere.err;
+}
+
+// A project and a macro are passed on: made under either separator, they do the same under the other.
+TEST_F(GermanLocale, ProjectsAndMacrosMadeUnderOneSeparatorServeUnderTheOther) {
+  const std::string faithful = BRENVOLT_SOURCE_DIR "/examples/faithful.csv";
+  const auto mustRun = [&](const std::vector<std::string>& call) {
+    const Outcome outcome = RunBrenvolt(call, folder.Path());
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return outcome.out;
+  };
+  const auto simulated = [&](const std::string& project) {
+    mustRun({"simulate", project, "--seed", "7", "--samples", "200", "--method", "latin-hypercube", "-o",
+             "s.csv"});
+    return BytesOf(folder.Path() / "s.csv");
+  };
+  const std::string locales[] = {"C", "de_DE.UTF-8"};
+  for (const std::string& here : locales) {
+    const std::string& there = here == "C" ? locales[1] : locales[0];
+    setenv("LC_ALL", here.c_str(), 1);
+    mustRun({"fit", faithful, "--continuous", "eruptions,waiting", "--offset", "eruptions:weibull=0.25",
+             "--order", "eruptions=weibull", "--truncate", "eruptions=1.75:4.5", "--save", "here.bvw",
+             "--record", "m.py"});
+    const std::string expected = simulated("here.bvw");
+    const std::string stored = mustRun({"show", "here.bvw", "faithful"});
+    EXPECT_NE(stored.find(here == "C" ? "Offset=2.5" : "Offset=2,5"), std::string::npos) << stored;
+    EXPECT_EQ(BytesOf(folder.Path() / "m.py").find("0,25"), std::string::npos) << "macros have points";
+    setenv("LC_ALL", there.c_str(), 1);
+    EXPECT_EQ(simulated("here.bvw"), expected) << "a project made under " << here;
+    // Written anew, numbers take the separator of the place.
+    std::filesystem::remove(folder.Path() / "here.bvw");
+    mustRun({"macro", "m.py"});
+    EXPECT_EQ(simulated("here.bvw"), expected) << "a macro recorded under " << here;
+    EXPECT_NE(mustRun({"show", "here.bvw", "faithful"}).find(there == "C" ? "Offset=2.5" : "Offset=2,5"),
+              std::string::npos);
+    mustRun(
+        {"fit", "here.bvw", "--distributions", "normal", "--continuous", "waiting", "--save", "here.bvw"});
+    std::filesystem::remove(folder.Path() / "here.bvw");
+  }
 }
 
 }  // namespace
