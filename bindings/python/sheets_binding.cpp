@@ -12,6 +12,7 @@
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/job_data.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/numpy_archive.h"
 
@@ -464,6 +465,9 @@ void BindWorkbook(py::module_& module) {
       .def(
           "save",
           [](const Book& book, const std::optional<std::filesystem::path>& path) {
+            JobFaults faults;
+            if (path) CheckProjectEnding("path", *path, faults);
+            RequireNone(std::move(faults));
             book->Save(path);
             TheJob().Called(book.get(), "Save", {path ? PythonPath(*path) : ""});
           },
@@ -481,7 +485,10 @@ void BindWorkbook(py::module_& module) {
   module.def(
       "open_workbook",
       [](const std::filesystem::path& path, bool decimalComma) {
-        auto workbook = std::make_shared<WorkbookRef>(OpenDataFile(path, Format(decimalComma)));
+        JobData data;
+        data.file = path;
+        data.decimalComma = decimalComma;
+        auto workbook = std::make_shared<WorkbookRef>(OpenJobData(data));
         RecordOpened(workbook, path, decimalComma);
         return workbook;
       },

@@ -11,6 +11,7 @@ The common jobs, each in one call:
 dialogs, as macros do; see Application and Analysis.
 """
 
+from . import _arguments  # before anything takes functions of the extension
 from ._automation import (Analysis, Application, Array, AutomationObject, GraphDocument, IndexedProperty, Nothing,
                           TableDocument)
 from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv

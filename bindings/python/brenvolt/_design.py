@@ -6,7 +6,7 @@ import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
-from . import _brenvolt
+from . import _arguments, _brenvolt
 from .distributions import Distribution
 
 if TYPE_CHECKING:
@@ -50,7 +50,7 @@ def _notation(name, distribution):
         return f"{name} ~ {_brenvolt._notation(distribution.code, values, offset)}"
     if isinstance(distribution, str):
         return f"{name} ~ {distribution}"
-    raise TypeError(f"the distribution of {name} must be a Distribution or its notation, not {type(distribution).__name__}")
+    return _arguments.refuse(f"the distribution of {name}", "a Distribution or its notation", distribution)
 
 
 def _variables(variables):
@@ -58,9 +58,7 @@ def _variables(variables):
         return []
     if isinstance(variables, Mapping):
         return [_notation(name, distribution) for name, distribution in variables.items()]
-    if isinstance(variables, str):
-        return [variables]
-    return [str(line) for line in variables]
+    return _arguments.texts(variables, "variables", "a line of text")
 
 
 def _pairs(correlations):
@@ -68,17 +66,24 @@ def _pairs(correlations):
     if correlations is None:
         return []
     if isinstance(correlations, Mapping):
-        pairs = [(*pair, value) for pair, value in correlations.items()]
+        pairs = []
+        for pair, value in correlations.items():
+            if not isinstance(pair, tuple) or len(pair) != 2:
+                raise ValueError(f"correlations must be between pairs (first, second), not {pair!r}")
+            pairs.append((*pair, _arguments.number(value, f"correlations[{pair!r}]")))
     elif hasattr(correlations, "columns"):
         names = [str(name) for name in correlations.columns]
         if correlations.shape[0] != len(names):
             raise ValueError(f"correlations must be square, not {correlations.shape[0]} by {len(names)}")
-        values = correlations.to_numpy(dtype=float)
+        try:
+            values = correlations.to_numpy(dtype=float)
+        except (TypeError, ValueError):
+            raise TypeError("correlations must hold numbers") from None
         if not ((values - values.T) ** 2 <= 1e-18).all():
             raise ValueError("correlations must be symmetric")
         pairs = [(names[i], names[j], values[i, j]) for i in range(len(names)) for j in range(i)]
     else:
-        raise TypeError(f"correlations must be a mapping of pairs or a DataFrame, not {type(correlations).__name__}")
+        _arguments.refuse("correlations", "a mapping of pairs or a DataFrame", correlations)
     return [f"{first},{second}={float(value)!r}" for first, second, value in pairs]
 
 
@@ -97,13 +102,14 @@ def design(project: str | os.PathLike, variables: Mapping[str, Distribution | st
     Without anything to enter, the project stays as it is.
     """
     job = _brenvolt.DesignJob()
-    job.project, job.variables, job.correlations = os.fspath(project), _variables(variables), _pairs(correlations)
+    job.project, job.variables = _arguments.path(project, "project"), _variables(variables)
+    job.correlations = _pairs(correlations)
     if sheet is not None:
-        job.sheet = sheet
+        job.sheet = _arguments.text(sheet, "sheet")
     if matrix is not None:
-        job.matrix = os.fspath(matrix)
+        job.matrix = _arguments.path(matrix, "matrix")
     if from_file is not None:
-        job.from_file = os.fspath(from_file)
+        job.from_file = _arguments.path(from_file, "from_file")
     job.check()
     if os.path.exists(project):
         target = _brenvolt._fitted_sheet(_brenvolt.open_workbook(project), sheet or "")

@@ -4,12 +4,11 @@ from __future__ import annotations
 
 import contextlib
 import html
-import numbers
 import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
-from . import _automation, _brenvolt, _sheets, distributions as _distributions
+from . import _arguments, _automation, _brenvolt, _sheets, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
 
 if TYPE_CHECKING:
@@ -20,33 +19,48 @@ Names = str | int | Iterable[str] | Iterable[int] | None
 _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
 
 
-def _refuse(what, wanted, value):
-    raise TypeError(f"{what} must be {wanted}, not {type(value).__name__}")
-
-
 def _sheet_of(data, name, required=()):
     """The spreadsheet in whatever people have their data in; the columns required of a frame cannot be left out of it."""
     if name is not None and not isinstance(name, str):
-        _refuse("sheet", "a name", name)
-    if isinstance(data, Spreadsheet):
-        return data
-    if isinstance(data, _automation.TableDocument):
-        return data.sheet
+        _arguments.refuse("sheet", "a name", name)
+    if isinstance(data, (Spreadsheet, _automation.TableDocument)):
+        _refuse_sheet(name, "data", data)
+        return _automation._sheet(data)
     if isinstance(data, Workbook):
         return data.sheet(name or "")
     if isinstance(data, (str, os.PathLike)):
         return _brenvolt.open_workbook(data).sheet(name or "")
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet", required)
+    if getattr(getattr(data, "dtype", None), "names", None):
+        data = {column: data[column] for column in data.dtype.names}
     if not hasattr(data, "items"):
-        values = hasattr(data, "__len__") and not isinstance(data, (bytes, bytearray))
+        values = hasattr(data, "__len__") and not isinstance(data, (bytes, bytearray, set, frozenset))
         if not values or getattr(data, "ndim", 1) not in (1, 2):
-            _refuse("data", _DATA, data)
-        if len(data) == 0:
-            raise TypeError(f"data must be {_DATA}, and not empty")
+            _arguments.refuse("data", _DATA, data)
+        data = _array_of_rows(data) if len(data) else {}
+    if not hasattr(data, "items"):
         columns = data.T if getattr(data, "ndim", 1) == 2 else [data]
         data = {"x" if len(columns) == 1 else f"x{i}": column for i, column in enumerate(columns, start=1)}
+    if len(data) == 0:
+        raise TypeError(f"data must be {_DATA}, and not empty")
     return _sheets._from_columns(data, name or "Sheet", required)
+
+
+def _array_of_rows(data):
+    """Lists of lists of one length as the array that they are."""
+    rows = isinstance(data, (list, tuple)) and all(isinstance(row, (list, tuple)) for row in data)
+    if not rows or len({len(row) for row in data}) != 1:
+        return data
+    import numpy
+
+    return numpy.array(data, dtype=object)
+
+
+def _refuse_sheet(name, what, given):
+    """The name of a sheet chooses among those of a file, or names one that is made."""
+    if name is not None:
+        raise ValueError(f"sheet has no effect: {what} is a {type(given).__name__}")
 
 
 def _is_lent(data):
@@ -75,33 +89,12 @@ def _conditions(table, weights, select):
         table._conditions = former
 
 
-def _names(names, what):
-    if names is None:
-        return []
-    if isinstance(names, (str, int)):
-        return [str(names)]
-    if not isinstance(names, Iterable) or isinstance(names, (bytes, bytearray)):
-        _refuse(what, "a name or names", names)
-    return [str(name) for name in names]
-
-
-def _paths(paths, what):
-    if isinstance(paths, os.PathLike):
-        return [os.fspath(paths)]
-    return _names(paths, what)
-
-
-def _require_number(value, what):
-    if not isinstance(value, numbers.Real):
-        _refuse(what, "a number", value)
-
-
 def _mapping(value, what, of):
     """The items of an argument that is a mapping, or None for none."""
     if value is None:
         return []
     if not hasattr(value, "items"):
-        _refuse(what, f"a mapping {of}", value)
+        _arguments.refuse(what, f"a mapping {of}", value)
     return value.items()
 
 
@@ -111,14 +104,13 @@ def _job(kind, **fields):
     for field, value in fields.items():
         if value is None:
             continue
-        try:
-            setattr(job, field, value)
-        except TypeError:
-            raise TypeError(f"{field} cannot be of type {type(value).__name__}") from None
+        _arguments.set_field(job, field, value)
     return job
 
 
 def _choice(word, choices, what):
+    if not isinstance(word, str):
+        _arguments.refuse(what, "a text", word)
     if word not in choices:
         raise ValueError(f"{what} must be one of {', '.join(choices)}, not {word!r}")
     return choices[word]
@@ -128,7 +120,7 @@ def _offsets(offsets):
     found = []
     for variable, given in _mapping(offsets, "offsets", "{variable: {distribution: offset}}"):
         for name, offset in _mapping(given, f"offsets[{variable!r}]", "{distribution: offset}"):
-            _require_number(offset, f"offsets[{variable!r}][{name!r}]")
+            offset = _arguments.number(offset, f"offsets[{variable!r}][{name!r}]")
             found.append(_brenvolt.FitJob.Offset(str(variable), str(name), offset))
     return found
 
@@ -136,25 +128,31 @@ def _offsets(offsets):
 def _counts(counts, what, of):
     found = []
     for variable, count in _mapping(counts, what, of):
-        _require_number(count, f"{what}[{variable!r}]")
-        found.append(_brenvolt.FitJob.Count(str(variable), count))
+        found.append(_brenvolt.FitJob.Count(str(variable), _arguments.number(count, f"{what}[{variable!r}]")))
+    return found
+
+
+def _tuples(kind, given, what, of):
+    """Entries of several numbers for a variable, any of which may be None."""
+    count = of.count(",") + 1
+    found = []
+    for name, several in _mapping(given, what, f"{{name: {of}}}"):
+        if isinstance(several, (str, bytes)) or not hasattr(several, "__len__"):
+            _arguments.refuse(f"{what}[{name!r}]", of, several)
+        if len(several) != count:
+            raise ValueError(f"{what}[{name!r}] must be {of}, not {len(several)} values")
+        place = f"{what}[{name!r}]"
+        found.append(kind(str(name), *(None if one is None else _arguments.number(one, place, "numbers or None")
+                                       for one in several)))
     return found
 
 
 def _truncations(truncate):
-    found = []
-    for variable, bounds in _mapping(truncate, "truncate", "{variable: (low, high)}"):
-        if not isinstance(bounds, (tuple, list)) or len(bounds) != 2:
-            _refuse(f"truncate[{variable!r}]", "a pair (low, high)", bounds)
-        for bound in bounds:
-            if bound is not None:
-                _require_number(bound, f"truncate[{variable!r}]")
-        found.append(_brenvolt.FitJob.Truncation(str(variable), *bounds))
-    return found
+    return _tuples(_brenvolt.FitJob.Truncation, truncate, "truncate", "(low, high)")
 
 
 def _orders(order):
-    return [_brenvolt.FitJob.Order(str(variable), _names(names, f"order[{variable!r}]"))
+    return [_brenvolt.FitJob.Order(str(variable), _arguments.texts(names, f"order[{variable!r}]", "a name"))
             for variable, names in _mapping(order, "order", "{variable: [distribution, ...]}")]
 
 
@@ -178,7 +176,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     missing: "pairwise" leaves out a missing value alone, "casewise" its case for all variables.
     weights: variable whose whole numbers say how often each case counts. It and select leave a Spreadsheet or
     Workbook with the weights and selection that it had.
-    select: condition that a case must meet, such as "x > 3 and y = 1".
+    select: condition that a case must meet, such as "x > 3 and y = 1". An empty text for either leaves out what the data have.
     offsets: {variable: {distribution: offset}}, where the distribution starts.
     mixtures: {variable: components} of the Gaussian mixture; trials: {variable: trials} of the binomial.
     johnson_percentiles: fits the Johnson distribution from percentiles instead of moments.
@@ -188,21 +186,22 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
     graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
-    yes: answers questions with OK, such as whether the rows of a matrix are meant as data; without, a fit that asks one is
-    refused.
+    yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
+    data.
 
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
     """
-    job = _job(_brenvolt.FitJob, data=_file_of(data), continuous=_names(continuous, "continuous"),
-               discrete=_names(discrete, "discrete"), distributions=_names(distributions, "distributions"),
+    job = _job(_brenvolt.FitJob, data=_file_of(data), continuous=_arguments.names(continuous, "continuous"),
+               discrete=_arguments.names(discrete, "discrete"),
+               distributions=_arguments.texts(distributions, "distributions", "a name"),
                rank_by=rank_by, discrete_rank_by=discrete_rank_by, binning=binning, missing=missing,
                offsets=_offsets(offsets), mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
                graphs=graphs, yes=yes)
     job.check()
-    required = [*_names(continuous, "continuous"), *_names(discrete, "discrete"), *_names(weights, "weights")]
+    required = [name for given in (continuous, discrete, weights) for name in _arguments.names(given, "required")]
     return FitResult(job, _sheet_of(data, sheet, required), _is_lent(data))
 
 
@@ -262,7 +261,8 @@ class FitResult:
         A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with
         other data is an Error. See keep for truncate and order.
         """
-        self._job.truncate, self._job.order, self._job.save = _truncations(truncate), _orders(order), os.fspath(path)
+        self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
+        self._job.save = _arguments.path(path, "path")
         self._job.save_fits(self.analysis._analysis, self._names)
 
     def _repr_html_(self):
@@ -349,7 +349,7 @@ class FittedVariable:
 
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
-        code = _brenvolt._code_of(name)
+        code = _brenvolt._code_of(_arguments.text(name, "distribution"))
         for place, fit in enumerate(self._fits):
             if fit["code"] == code:
                 return place
@@ -400,7 +400,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     """
     job = _job(_brenvolt.SimulateJob, data=_file_of(source), samples=samples, method=method, seed=seed, truncate=truncate,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
-               variables=_names(variables, "variables"))
+               variables=_arguments.names(variables, "variables"))
     job.check()
     chosen = None if matrix is None or job.matrix else _matrix_of(matrix)
     if isinstance(source, FitResult):
@@ -415,10 +415,11 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
 
 
 def _fitted_sheet(source, name):
-    if isinstance(source, FitResult):
-        return source.sheet
-    if isinstance(source, Spreadsheet):
-        return source
+    if name is not None and not isinstance(name, str):
+        _arguments.refuse("sheet", "a name", name)
+    if isinstance(source, (FitResult, Spreadsheet)):
+        _refuse_sheet(name, "source", source)
+        return source.sheet if isinstance(source, FitResult) else source
     if not isinstance(source, (Workbook, str, os.PathLike)):
         raise TypeError(f"simulate needs a project or a fit result, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
@@ -430,6 +431,8 @@ def _matrix_of(matrix):
         return _automation._sheet(matrix)
     import pandas
 
+    if not hasattr(matrix, "__len__") or isinstance(matrix, bytes):
+        _arguments.refuse("matrix", "a square DataFrame, a matrix Spreadsheet, or the name of a sheet or file", matrix)
     frame = pandas.DataFrame(matrix)
     names = [str(name) for name in frame.columns]
     if frame.shape[0] != frame.shape[1]:
@@ -440,7 +443,10 @@ def _matrix_of(matrix):
     sheet["name"] = [*names, *_brenvolt._matrix_rows]
     for place, name in enumerate(names):
         last = [1.0, 1.0] if place == 0 else [float("nan"), float("nan")]
-        sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
+        try:
+            sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
+        except (TypeError, ValueError):
+            raise TypeError(f"the column {name!r} of matrix must hold numbers") from None
     return _brenvolt._matrix_from_table(sheet)
 
 
@@ -468,8 +474,8 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
 
     Returns a ProfileResult.
     """
-    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_paths(models, "models"),
-               formulas=_names(formulas, "formulas"), samples=samples, seed=seed, correlated=correlated,
+    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_arguments.texts(models, "models", "a path"),
+               formulas=_arguments.texts(formulas, "formulas", "a formula"), samples=samples, seed=seed, correlated=correlated,
                fit_best=fit_best, noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
                specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
                                       "(lower limit, target, upper limit)"),
@@ -482,23 +488,11 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
 
 def _entries(kind, given, what, of, texts=False):
     found = []
-    for name, number in _mapping(given, what, of):
-        if not (texts and isinstance(number, str)):
-            _require_number(number, f"{what}[{name!r}]")
-        found.append(kind(str(name), number))
-    return found
-
-
-def _tuples(kind, given, what, of):
-    count = of.count(",") + 1
-    found = []
-    for name, numbers_ in _mapping(given, what, f"{{name: {of}}}"):
-        if not isinstance(numbers_, (tuple, list)) or len(numbers_) != count:
-            _refuse(f"{what}[{name!r}]", of, numbers_)
-        for number in numbers_:
-            if number is not None:
-                _require_number(number, f"{what}[{name!r}]")
-        found.append(kind(str(name), *numbers_))
+    for name, entry in _mapping(given, what, of):
+        if not (texts and isinstance(entry, str)):
+            wanted = "a number or the name of a class" if texts else "a number"
+            entry = _arguments.number(entry, f"{what}[{name!r}]", wanted)
+        found.append(kind(str(name), entry))
     return found
 
 
@@ -583,7 +577,7 @@ def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, l
                data=_file_of(data))
     job.check()
     if isinstance(data, (str, os.PathLike)):
-        job.sheet = sheet or ""
+        job.sheet = "" if sheet is None else _arguments.text(sheet, "sheet")
         predictions = job.run(None)
     else:
         predictions = job.run(_sheet_of(data, sheet))

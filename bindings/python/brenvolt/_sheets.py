@@ -1,11 +1,27 @@
 """Spreadsheets to and from pandas; these methods are added to the extension's class. pandas is imported on use."""
 
-from ._brenvolt import Spreadsheet
+import numbers
+from decimal import Decimal
+
+from . import _arguments
+from ._brenvolt import Spreadsheet, Variable
 from ._errors import warn
 
-# What pandas.api.types.infer_dtype calls columns of Python objects that are all numbers.
+# What pandas.api.types.infer_dtype calls columns of Python objects that are all numbers, all texts, or neither.
 _NUMBERS = frozenset(("integer", "floating", "mixed-integer-float", "decimal", "boolean"))
-_OTHERS = frozenset(("complex", "date", "datetime", "datetime64", "time", "timedelta", "timedelta64", "period", "interval"))
+_TEXTS = frozenset(("string", "empty"))
+_HELD = ("numbers", "texts")
+_OTHERS = frozenset(("bytes", "complex", "date", "datetime", "datetime64", "time", "timedelta", "timedelta64", "period",
+                     "interval"))
+
+
+def _mixed_kind(series):
+    """The same of a column of Python objects of several types."""
+    others = {type(value).__name__: value for value in series[series.notna()]
+              if not isinstance(value, (str, numbers.Real, Decimal))}
+    if others:
+        return next(iter(others))
+    return "texts" if any(isinstance(value, str) for value in series) else "numbers"
 
 
 def _kind(series):
@@ -22,7 +38,9 @@ def _kind(series):
     found = pandas.api.types.infer_dtype(series, skipna=True)
     if found in _NUMBERS:
         return "numbers"
-    return found if found in _OTHERS else "texts"
+    if found in _OTHERS:
+        return found
+    return "texts" if found in _TEXTS else _mixed_kind(series)
 
 
 def _numbers(series):
@@ -32,6 +50,31 @@ def _numbers(series):
     if series.dtype == object or isinstance(series.dtype, pandas.CategoricalDtype):
         series = series.astype(object).map(lambda value: float("nan") if pandas.isna(value) else float(value))
     return series.to_numpy(dtype=float, na_value=float("nan"))
+
+
+def _too_large(name):
+    return ValueError(f"column {name!r} holds a number that is too large")
+
+
+def _series(name, values):
+    """The values of a column in whatever people have them, which has one axis."""
+    import numpy
+    import pandas
+
+    if isinstance(values, pandas.Series):
+        return values
+    scalar = isinstance(values, (str, bytes, bytearray, dict, set, frozenset)) or not hasattr(values, "__len__")
+    if scalar or getattr(values, "ndim", 1) == 0:
+        raise TypeError(f"column {name!r} must be an array or list of values, not {type(values).__name__}")
+    if getattr(values, "ndim", 1) != 1:
+        raise ValueError(f"column {name!r} must have one axis, not {values.ndim}")
+    objects = getattr(values, "dtype", None) == object and not isinstance(values, numpy.ma.MaskedArray)
+    if isinstance(values, (list, tuple)) or objects:
+        values = [None if value is numpy.ma.masked else value for value in values]
+    try:
+        return pandas.Series(values, dtype=None if len(values) else float)
+    except OverflowError:
+        raise _too_large(name) from None
 
 
 def _codes_and_labels(series):
@@ -52,7 +95,10 @@ def _refusal(name, kind):
 def _set_column(sheet, name, series, kind):
     """Sets a column of a kind that _kind() told."""
     if kind == "numbers":
-        sheet._set_column(name, _numbers(series))
+        try:
+            sheet._set_column(name, _numbers(series))
+        except OverflowError:
+            raise _too_large(name) from None
     elif kind == "texts":
         sheet._set_column(name, *_codes_and_labels(series.astype(object)))
     else:
@@ -66,14 +112,21 @@ def _setitem(self, name, values):
     """
     import numpy
 
+    _arguments.text(name, "name")
     plain = isinstance(values, numpy.ndarray) and not isinstance(values, numpy.ma.MaskedArray)
-    if plain and values.dtype.kind in "fiub":
+    if plain and values.dtype.kind in "fiub" and values.ndim == 1:
         self._set_column(name, values)
     else:
-        import pandas
-
-        series = values if isinstance(values, pandas.Series) else pandas.Series(values)
+        series = _series(name, values)
         _set_column(self, name, series, _kind(series))
+
+
+def _set_values(self, values):
+    series = _series(self.name, values)
+    kind = _kind(series)
+    if kind != "numbers":
+        raise TypeError(f"the values of {self.name!r} must be numbers, not {kind}")
+    _assign_values(self, _numbers(series))
 
 
 def _from_columns(columns, name, required):
@@ -81,22 +134,22 @@ def _from_columns(columns, name, required):
     sheet = Spreadsheet(name)
     left_out = []
     for column, values in columns.items():
-        title, kind = str(column), _kind_of(values)
-        if kind in _OTHERS and title not in required:
+        title, kind = str(column), _kind_of(column, values)
+        if kind not in _HELD and title not in required:
             left_out.append(f"{title} ({kind})")
+        elif sheet.names and len(values) != len(sheet):
+            raise ValueError(f"column {title!r} has {len(values)} values, the ones before have {len(sheet)}")
         else:
             sheet[title] = values
     _say_left_out(left_out)
     return sheet
 
 
-def _kind_of(values):
+def _kind_of(name, values):
     """The kind of any column; plain arrays of numbers need no pandas."""
     if getattr(getattr(values, "dtype", None), "kind", "O") in "fiub":
         return "numbers"
-    import pandas
-
-    return _kind(values if isinstance(values, pandas.Series) else pandas.Series(values))
+    return _kind(_series(name, values))
 
 
 def _say_left_out(columns):
@@ -108,11 +161,13 @@ def _from_pandas(frame, name="Sheet", required=()):
     """A spreadsheet with the columns of a DataFrame, or of a Series.
 
     Numbers, numbers as Python objects or categories, and truth values become numeric variables; texts become text
-    variables; missing values stay missing. Columns of other kinds (dates, durations, complex numbers) are left out with
-    a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
+    variables; missing values stay missing. Columns of other kinds (dates, durations, complex numbers, lists) are left out
+    with a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
     """
     import pandas
 
+    if not isinstance(frame, (pandas.DataFrame, pandas.Series)):
+        _arguments.refuse("frame", "a DataFrame or a Series", frame)
     if isinstance(frame, pandas.Series):
         frame = frame.to_frame(name=frame.name if frame.name is not None else "x")
     sheet = Spreadsheet(name)
@@ -122,7 +177,7 @@ def _from_pandas(frame, name="Sheet", required=()):
         if title in sheet:
             raise ValueError(f"{title!r} names two columns")
         kind = _kind(series)
-        if kind in _OTHERS:
+        if kind not in _HELD:
             if title in required:
                 raise _refusal(title, kind)
             left_out.append(f"{title} ({kind})")
@@ -159,6 +214,8 @@ def _to_pandas(self):
     return pandas.DataFrame(columns, index=index)
 
 
+_assign_values = Variable.values.fset
+Variable.values = property(Variable.values.fget, _set_values, None, Variable.values.__doc__)
 for _name, _method in (("__setitem__", _setitem), ("to_pandas", _to_pandas),
                        ("from_pandas", staticmethod(_from_pandas))):
     setattr(Spreadsheet, _name, _method)

@@ -12,6 +12,7 @@ the discrete ones also pmf and logpmf. A parameter that is not valid raises Valu
 
 from __future__ import annotations
 
+import numbers as _numbers
 import sys as _sys
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
@@ -38,6 +39,8 @@ class Distribution(_Functions):
             cls._code = _distribution_names.index(cls.__name__)
 
     def __init__(self, values: Iterable[float], offset: float = 0.0) -> None:
+        if not hasattr(type(self), "_code"):
+            raise TypeError("Distribution is what the sixteen have in common; make one of those, such as Normal")
         super().__init__(self._code, values, offset)
 
     def __getattr__(self, name: str) -> Any:
@@ -268,6 +271,10 @@ def from_code(code: int, values: Iterable[float], offset: float = 0.0) -> Distri
     """The distribution of a code, its place in the list of distributions from 0, with its values in catalogue order, as
     result tables and properties list them."""
     names = _distribution_names
+    if not isinstance(code, _numbers.Integral):
+        raise TypeError(f"code must be a whole number, not {type(code).__name__}")
+    if not hasattr(values, "__iter__") or isinstance(values, (str, bytes)):
+        raise TypeError(f"values must be a list of numbers, not {type(values).__name__}")
     if not 0 <= code < len(names):
         raise ValueError(f"no distribution of code {code}")
     kind = getattr(_sys.modules[__name__], names[code])

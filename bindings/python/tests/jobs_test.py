@@ -175,6 +175,59 @@ class Fits(Folder):
                 with self.assertRaisesRegex(TypeError, "simulate needs a project or a fit result, not "):
                     brenvolt.simulate(source)
 
+    def test_columns_that_are_none_are_refused_by_name(self):
+        cases = (({"x": 5}, TypeError, "column 'x' must be an array or list of values, not int"),
+                 ({"x": "abc"}, TypeError, "column 'x' must be an array or list of values, not str"),
+                 ({"x": None}, TypeError, "column 'x' must be an array or list of values, not NoneType"),
+                 ({"x": numpy.zeros((2, 2))}, ValueError, "column 'x' must have one axis, not 2"),
+                 ({"x": [1.0, 2], "y": [1.0]}, ValueError, "column 'y' has 1 values, the ones before have 2"),
+                 ({"x": [1, 10**400]}, ValueError, "column 'x' holds a number that is too large"),
+                 ({}, TypeError, "and not empty"), ({1.0, 2.0}, TypeError, "not set"))
+        for data, kind, message in cases:
+            with self.subTest(message), self.assertRaisesRegex(kind, message):
+                brenvolt.fit(data)
+
+    def test_rows_and_records_are_tables(self):
+        records = numpy.array([(1, 2.5), (2, 3.0), (4, 7.0)], dtype=[("a", int), ("b", float)])
+        self.assertEqual(list(brenvolt.fit(records, distributions="normal").variables), ["a", "b"])
+        rows = brenvolt.fit([[1, 2.5], [2, 3.0], [4, numpy.ma.masked]], distributions="normal")
+        self.assertEqual([(one.n, one.missing) for one in rows.variables.values()], [(3, 0), (2, 1)])
+
+    def test_a_sheet_cannot_be_chosen_where_there_is_none_to_choose(self):
+        sheet = Spreadsheet.from_pandas(pandas.DataFrame({"x": [1.0, 2, 4]}))
+        result = brenvolt.fit(sheet, distributions="normal")
+        for call in (lambda: brenvolt.fit(sheet, sheet="s"), lambda: brenvolt.simulate(result, sheet="s"),
+                     lambda: brenvolt.simulate(sheet, sheet="s")):
+            with self.assertRaisesRegex(ValueError, "sheet has no effect: (data|source) is a (Spreadsheet|FitResult)"):
+                call()
+        with self.assertRaisesRegex(TypeError, "sheet must be a name, not int"):
+            brenvolt.simulate(result, sheet=5)
+
+    def test_calls_of_a_wrong_type_say_which(self):
+        data = {"x": [1.0, 2, 3, 4]}
+        formula = {"data": data, "formulas": "y = x"}
+        model = os.path.join(EXAMPLES, "ozone_regression.pmml")
+        result = brenvolt.fit(data, distributions="normal")
+        cases = ((brenvolt.simulate, {"source": result, "samples": "5"}, "samples must be a number, not str"),
+                 (brenvolt.simulate, {"source": result, "seed": True}, "seed must be a number, not bool"),
+                 (brenvolt.simulate, {"source": result, "truncate": (0, 1)}, "truncate must be True or False, not tuple"),
+                 (brenvolt.simulate, {"source": result, "matrix": 5}, "matrix must be a square DataFrame, .*, not int"),
+                 (brenvolt.profile, {**formula, "models": [5]}, r"models\[0\] must be a path, not int"),
+                 (brenvolt.profile, {"data": data, "formulas": 5}, "formulas must be a formula or several, not int"),
+                 (brenvolt.profile, {**formula, "fixed": {"x": None}},
+                  r"fixed\['x'\] must be a number or the name of a class, not NoneType"),
+                 (brenvolt.profile, {**formula, "specifications": {"y": 5}},
+                  r"specifications\['y'\] must be \(lower limit, target, upper limit\), not int"),
+                 (brenvolt.score, {"model": model, "data": data, "sheet": 5}, "sheet must be a name, not int"),
+                 (result.save, {"path": 5}, "path must be a path, not int"),
+                 (result.variables["x"].graph, {"kind": []}, "kind must be a text, not list"),
+                 (result.variables["x"].distribution, {"name": 5}, "distribution must be a text, not int"))
+        for call, arguments, message in cases:
+            with self.subTest(message), self.assertRaisesRegex((TypeError, ValueError), message):
+                call(**arguments)
+        with self.assertRaisesRegex(ValueError, r"specifications\['y'\] must be .*, not 2 values"):
+            brenvolt.profile(**formula, specifications={"y": (1, 2)})
+
     def test_calls_that_make_no_sense_are_refused(self):
         data = {"x": [1.0, 2, 3, 4], "y": [1.0, 2, 3, 5]}
         cases = [({"distributions": "weibul"}, ValueError, "no distribution called 'weibul'; there are normal"),
@@ -185,16 +238,24 @@ class Fits(Folder):
                   r"\(rank_by\)\n.*\(binning\)\n.*ending in .bvw, got p.csv \(save\)$"),
                  ({"continuous": "z"}, ValueError, "no variable called 'z'"),
                  ({"select": "x >"}, ValueError, "selection condition"),
-                 ({"bootstrap": "9"}, TypeError, "bootstrap cannot be of type str"),
-                 ({"rank_by": 3}, TypeError, "rank_by cannot be of type int"),
+                 ({"bootstrap": "9"}, TypeError, "bootstrap must be a number, not str"),
+                 ({"rank_by": 3}, TypeError, "rank_by must be a text, not int"),
                  ({"mixtures": 3}, TypeError, "mixtures must be a mapping {variable: components}, not int"),
                  ({"mixtures": {"x": "3"}}, TypeError, r"mixtures\['x'\] must be a number, not str"),
                  ({"trials": [1]}, TypeError, "trials must be a mapping"),
                  ({"offsets": {"x": 1}}, TypeError, r"offsets\['x'\] must be a mapping {distribution: offset}"),
                  ({"offsets": {"x": {"weibull": "1"}}}, TypeError, r"offsets\['x'\]\['weibull'\] must be a number"),
                  ({"continuous": 3.5}, TypeError, "continuous must be a name or names, not float"),
-                 ({"weights": 3}, TypeError, "weights cannot be of type int"),
-                 ({"select": ["x > 1"]}, TypeError, "select cannot be of type list"),
+                 ({"weights": 3}, TypeError, "weights must be a text, not int"),
+                 ({"select": ["x > 1"]}, TypeError, "select must be a text, not list"),
+                 ({"continuous": [None]}, TypeError, r"continuous\[0\] must be a name, not NoneType"),
+                 ({"distributions": [5]}, TypeError, r"distributions\[0\] must be a name, not int"),
+                 ({"bootstrap": True}, TypeError, "bootstrap must be a number, not bool"),
+                 ({"bootstrap": 10**400}, ValueError, "bootstrap is too large a number"),
+                 ({"yes": 1}, TypeError, "yes must be True or False, not int"),
+                 ({"offsets": {"x": {"weibull": 10**400}}}, ValueError, r"\['weibull'\] is too large a number"),
+                 ({"trials": {"x": True}}, TypeError, r"trials\['x'\] must be a number, not bool"),
+                 ({"save": 3}, TypeError, "save must be a path, not int"),
                  ({"sheet": 3}, TypeError, "sheet must be a name, not int")]
         for arguments, kind, message in cases:
             with self.assertRaisesRegex(kind, message):
@@ -276,7 +337,7 @@ class Simulations(Folder):
                  (lambda: brenvolt.simulate(result, variables="none"), ValueError, "no variable called 'none'"),
                  (lambda: brenvolt.simulate(example("faithful"), 10), Error, "."),
                  (lambda: result.keep(truncate={"z": (1, 2)}), ValueError, r"'z' is not fitted \(truncate\)"),
-                 (lambda: result.keep(truncate={"waiting": 50}), TypeError, r"must be a pair \(low, high\), not int"),
+                 (lambda: result.keep(truncate={"waiting": 50}), TypeError, r"truncate\['waiting'\] must be \(low, high\), not int"),
                  (lambda: result.keep(order=["weibull"]), TypeError, "order must be a mapping"),
                  (lambda: result.save(self.file("p.csv")), ValueError, "ending in .bvw")]
         for call, kind, message in cases:

@@ -2,10 +2,12 @@
 
 import datetime
 import decimal
+import fractions
 import gc
 import os
 import tempfile
 import unittest
+import uuid
 
 import numpy
 import pandas
@@ -100,7 +102,7 @@ class Pandas(unittest.TestCase):
 
     def test_what_is_neither_numbers_nor_texts_is_left_out_unless_asked_for(self):
         columns = (pandas.to_datetime(["2020-01-01"]), pandas.to_timedelta(["1 day"]), [datetime.date(2020, 1, 1)],
-                   [1j], pandas.period_range("2020-01", periods=1, freq="M"))
+                   [1j], pandas.period_range("2020-01", periods=1, freq="M"), [[1, 2]], [b"a"], [uuid.uuid4()])
         for column in columns:
             frame = pandas.DataFrame({"x": column, "y": [1.0]})
             with self.assertWarnsRegex(brenvolt.MessageWarning, r"left out: x \("):
@@ -109,6 +111,43 @@ class Pandas(unittest.TestCase):
                 Spreadsheet.from_pandas(frame, required=["x"])
             with self.assertRaisesRegex(TypeError, "column 'x' holds"):
                 Spreadsheet("s")["x"] = column
+
+    def test_numbers_that_python_mixes_are_numbers(self):
+        for column in ([1, numpy.ma.masked, 3], [fractions.Fraction(1), pandas.NaT, 3.0],
+                       [decimal.Decimal(1), pandas.NA, numpy.float64(3)]):
+            for assign in (lambda sheet, values: sheet.__setitem__("x", values),
+                           lambda sheet, values: setattr(sheet.variable("x"), "values", values)):
+                sheet = Spreadsheet("s")
+                sheet["x"] = numpy.zeros(3)
+                assign(sheet, column)
+                numpy.testing.assert_array_equal(sheet["x"], [1, float("nan"), 3], repr(column))
+
+    def test_wrong_arguments_are_named_with_what_is_accepted(self):
+        sheet, workbook = Spreadsheet("s"), Workbook()
+        sheet["x"] = [1.0, 2.0]
+        variable = sheet.variable("x")
+        cases = ((lambda: brenvolt.read_csv(5), TypeError, "path must be a path, not int"),
+                 (lambda: brenvolt.read_csv("x.csv", "yes"), TypeError, "decimal_comma must be True or False, not str"),
+                 (lambda: brenvolt.open_workbook("a\0b"), ValueError, "path holds a null character"),
+                 (lambda: Spreadsheet(5), TypeError, "name must be a text, not int"),
+                 (lambda: Spreadsheet.from_pandas([1]), TypeError, "frame must be a DataFrame or a Series, not list"),
+                 (lambda: sheet[5], TypeError, "name must be a text, not int"),
+                 (lambda: sheet.__setitem__(5, [1, 2]), TypeError, "name must be a text, not int"),
+                 (lambda: sheet.variable(1.5), TypeError, "name or number must be a text or a whole number, not float"),
+                 (lambda: sheet.add_cases(-1), ValueError, "count must not be negative"),
+                 (lambda: sheet.to_csv(5), TypeError, "path must be a path, not int"),
+                 (lambda: setattr(sheet, "weight_variable", 5), TypeError, "weight_variable must be a text or None, not int"),
+                 (lambda: setattr(sheet, "case_names", [1, 2]), TypeError, "case_names must be a list of texts or None"),
+                 (lambda: setattr(variable, "name", None), TypeError, "name must be a text, not NoneType"),
+                 (lambda: setattr(variable, "labels", {"a": 1}), TypeError, "labels must be a mapping {number: text}"),
+                 (lambda: setattr(variable, "values", ["a", "b"]), TypeError, "values of 'x' must be numbers, not texts"),
+                 (lambda: setattr(variable, "values", [1j, 2]), TypeError, "values of 'x' must be numbers, not complex"),
+                 (lambda: variable.set_property("a", 5), TypeError, "value must be a text, not int"),
+                 (lambda: workbook.add(5), TypeError, "sheet must be a Spreadsheet, not int"),
+                 (lambda: workbook.save(5), TypeError, "path must be a path or None, not int"))
+        for call, kind, message in cases:
+            with self.subTest(message), self.assertRaisesRegex(kind, message):
+                call()
 
     def test_properties_cannot_be_assigned_to(self):
         sheet = Spreadsheet("s")
@@ -151,7 +190,11 @@ class Files(unittest.TestCase):
         workbook.add(sheet)
         with self.assertRaisesRegex(ValueError, "no file yet"):
             workbook.save()
+        with self.assertRaisesRegex(ValueError, r"expected a file ending in .bvw, got p.csv \(path\)"):
+            workbook.save("p.csv")
         workbook.save(self.file("p.bvw"))
+        with self.assertRaisesRegex(ValueError, r"a project has no decimal separators.* \(decimal_comma\)"):
+            brenvolt.open_workbook(self.file("p.bvw"), decimal_comma=True)
         sheet["strength"] = [1.0, 2.0, 3.0]
         workbook.save()
         again = brenvolt.open_workbook(self.file("p.bvw"))["parts"]
