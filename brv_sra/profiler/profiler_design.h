@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -40,6 +41,12 @@ struct ProfilerPredictor {
   // that are taken from the data are truncated to it.
   double lowestAllowed = -std::numeric_limits<double>::infinity();
   double highestAllowed = std::numeric_limits<double>::infinity();
+  // The parts of that range, ascending, where it has gaps; a distribution that keeps to them is drawn from as it is
+  // within them.
+  std::vector<NumberRange> parts;
+  bool keepsToParts = false;
+  // The numbers that its models list, if they have no prediction for others; else none.
+  std::set<double> listed;
   // Of a predictor of texts, the text of each value: 1, 2, … as in the first model that has them, or in the
   // data where no model lists any. Specified, fixed and simulated values represent these texts. Of truth
   // values that the data hold as texts, the texts of 0 and 1.

@@ -79,6 +79,7 @@ std::optional<DistributionSpecification> DiscreteOf(const std::map<double, doubl
 void MakeRandom(ProfilerPredictor& predictor, DistributionSpecification specification) {
   predictor.setting = PredictorSetting::kRandom;
   predictor.specification = std::move(specification);
+  predictor.keepsToParts = false;
 }
 
 void TruncateToRange(ProfilerPredictor& predictor) {
@@ -92,20 +93,45 @@ void TruncateToRange(ProfilerPredictor& predictor) {
     specification.truncateAbove = true;
     specification.truncationMaximum = predictor.highestAllowed;
   }
+  predictor.keepsToParts = !predictor.parts.empty();
 }
 
-// A value outside of the range has no prediction.
+// What lies in both; an empty list has all numbers.
+std::vector<NumberRange> Common(const std::vector<NumberRange>& a, const std::vector<NumberRange>& b) {
+  if (a.empty() || b.empty()) return a.empty() ? b : a;
+  std::vector<NumberRange> common;
+  for (const NumberRange& one : a) {
+    for (const NumberRange& other : b) {
+      const NumberRange both{std::max(one.low, other.low), std::min(one.high, other.high)};
+      if (both.low < both.high) common.push_back(both);
+    }
+  }
+  return common;
+}
+
+// A value that is not valid has no prediction.
 void TakeRange(ProfilerPredictor& predictor, const ModelField& field) {
   if (field.predictsInvalid) return;
+  predictor.parts = Common(predictor.parts, field.parts);
+  if (field.isListed && !field.isText) {
+    predictor.categorical = true;
+    const std::set<double> codes(field.codes.begin(), field.codes.end());
+    const bool isFirst = predictor.listed.empty();
+    if (isFirst) predictor.listed = codes;
+    std::erase_if(predictor.listed, [&](double code) { return !codes.contains(code); });
+  }
   predictor.lowestAllowed = std::max(predictor.lowestAllowed, field.lowest.value_or(predictor.lowestAllowed));
   predictor.highestAllowed =
       std::min(predictor.highestAllowed, field.highest.value_or(predictor.highestAllowed));
+  if (!predictor.parts.empty())
+    predictor.parts = Common(predictor.parts, {{predictor.lowestAllowed, predictor.highestAllowed}});
 }
 
 void StartDiscrete(ProfilerPredictor& predictor, std::span<const double> column) {
   std::map<double, double> counts;
   for (const double value : column) {
-    if (std::isfinite(value)) counts[value] += 1.0;
+    const bool isTaken = predictor.listed.empty() || predictor.listed.contains(value);
+    if (std::isfinite(value) && isTaken) counts[value] += 1.0;
   }
   if (auto discrete = DiscreteOf(counts)) MakeRandom(predictor, *std::move(discrete));
 }
@@ -146,8 +172,9 @@ std::string UnknownTexts(const ProfilerPredictor& predictor, const Variable& var
   std::map<std::string, std::size_t> counts;
   for (std::size_t i = 0; i < variable.Size(); ++i) {
     if (variable.IsMissing(i)) continue;
-    const std::string text = TextOf(variable, variable.Values()[i]);
-    if (!known.contains(text)) ++counts[text];
+    const double value = variable.Values()[i];
+    const std::string text = TextOf(variable, value);
+    if (predictor.labels.empty() ? !predictor.listed.contains(value) : !known.contains(text)) ++counts[text];
   }
   std::string list;
   std::size_t shown = 0;
@@ -160,7 +187,7 @@ std::string UnknownTexts(const ProfilerPredictor& predictor, const Variable& var
 
 void NoteUnknownTexts(const ProfilerPredictor& predictor, const Spreadsheet* data, Notes& notes) {
   const Variable* variable = DataOf(predictor, data);
-  if (variable == nullptr || predictor.labels.empty()) return;
+  if (variable == nullptr || (predictor.labels.empty() && predictor.listed.empty())) return;
   if (const std::string texts = UnknownTexts(predictor, *variable); !texts.empty())
     notes.push_back({kUnknownClasses, predictor.name, texts});
 }
@@ -317,6 +344,7 @@ void Restore(ProfilerDesign& design, std::size_t first) {
       returned.setting = former->setting;
       returned.fixedValue = former->fixedValue;
       returned.specification = std::move(former->specification);
+      returned.keepsToParts = former->keepsToParts && !returned.parts.empty();
     }
     design.retired.erase(former);
   }

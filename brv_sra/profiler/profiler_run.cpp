@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/profiler/profiler_prediction.h"
 #include "brv_sra/simulation/correlation_induction.h"
@@ -25,6 +26,7 @@ namespace {
 using enum FaultIdentifier;
 
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kRowsPerCopy = 4096;
 
 bool IsCorrelated(const ProfilerDesign& design) {
@@ -154,6 +156,38 @@ Result<void> CheckNoise(const ProfilerDesign& design) {
   return {};
 }
 
+// Draws from a distribution within its truncation become draws from it within the parts of its predictor's range, in
+// the same order: each keeps its probability, as a share of that of the parts.
+void KeepToParts(const ProfilerPredictor& predictor, std::span<double> column) {
+  constexpr double kLeast = std::numeric_limits<double>::min();
+  constexpr double kMost = 1 - std::numeric_limits<double>::epsilon() / 2;
+  const DistributionSpecification& specification = predictor.specification;
+  const SpecifiedDistribution distribution(specification);
+  const double lowest = specification.truncateBelow ? specification.truncationMinimum : -kInfinity;
+  const double highest = specification.truncateAbove ? specification.truncationMaximum : kInfinity;
+  const auto below = [&](double x) { return std::isinf(x) ? (x > 0 ? 1.0 : 0.0) : distribution.Cdf(x); };
+  double all = 0;
+  for (const NumberRange& part : predictor.parts) all += below(part.high) - below(part.low);
+  const double first = below(lowest);
+  const double whole = below(highest) - first;
+  if (!(all > 0 && whole > 0)) return;
+  for (double& x : column) {
+    double rest = (distribution.Cdf(x) - first) / whole * all;
+    for (const NumberRange& part : predictor.parts) {
+      const double begin = below(part.low);
+      const double share = below(part.high) - begin;
+      const bool isLast = &part == &predictor.parts.back();
+      if (rest > share && !isLast) {
+        rest -= share;
+        continue;
+      }
+      const double p = std::clamp(begin + std::min(rest, share), kLeast, kMost);
+      x = std::clamp(distribution.Quantile(p), part.low, part.high);
+      break;
+    }
+  }
+}
+
 // Random predictors from the stream into their columns; returns what became of their correlations.
 Result<CorrelationInduction> DrawRandom(const ProfilerDesign& design,
                                         std::span<const std::span<double>> columns, const RunProgress& bars) {
@@ -177,6 +211,9 @@ Result<CorrelationInduction> DrawRandom(const ProfilerDesign& design,
       for (std::size_t i = begin; i < end; ++i) column[i] = drawn[i * k + c];
     }
   });
+  for (const std::size_t place : places) {
+    if (design.predictors[place].keepsToParts) KeepToParts(design.predictors[place], columns[place]);
+  }
   return induction;
 }
 
@@ -247,7 +284,11 @@ void Seed(const ProfilerDesign& design) {
 }  // namespace
 
 Result<void> CheckDesign(const ProfilerDesign& design) {
-  if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom)) return Fault{kNoRandomPredictor};
+  if (std::ranges::none_of(design.predictors, &ProfilerPredictor::IsRandom)) {
+    // Responses that are predicted from each other alone have no predictor that could be random.
+    auto checked = design.predictors.empty() ? CheckPredictions(design) : Result<void>();
+    return checked ? Fault{kNoRandomPredictor} : checked;
+  }
   for (const auto check : {CheckPredictors, CheckPredictions, CheckChains, CheckNoise}) {
     if (auto checked = check(design); !checked) return checked;
   }

@@ -387,7 +387,32 @@ TEST(Pmml, TheRangeOfAFieldIsThatInWhichItHasPredictions) {
     EXPECT_EQ(x.predictsInvalid, wanted.predictsInvalid) << wanted.attributes;
     EXPECT_EQ(x.replacement, wanted.replacement) << wanted.attributes;
     EXPECT_FALSE(model.Predictors()[1].lowest);
+    EXPECT_TRUE(x.parts.empty() && !x.isListed) << wanted.attributes;
   }
+}
+
+TEST(Pmml, RangesWithGapsAndListedNumbersAreToldApart) {
+  std::string text = Ranged("");
+  const std::string interval = R"(<Interval closure="closedClosed" leftMargin="0" rightMargin="10"/>)";
+  const auto described = [&](const std::string& domain) {
+    std::string changed = text;
+    changed.replace(changed.find(interval), interval.size(), domain);
+    return PredictionModel::Parse(changed, "m.pmml").Predictors()[0];
+  };
+  const ModelField parts = described(
+      R"(<Interval closure="openOpen" leftMargin="5" rightMargin="7"/><Value value="20"/>)" + interval +
+      R"(<Interval closure="openClosed" leftMargin="12"/><Interval closure="openClosed" rightMargin="-3"/>)");
+  ASSERT_EQ(parts.parts.size(), 3U);
+  EXPECT_EQ(parts.parts[0].high, -3);
+  EXPECT_EQ(parts.parts[1].low, 0);
+  EXPECT_EQ(parts.parts[1].high, 10);
+  EXPECT_EQ(parts.parts[2].low, 12);
+  EXPECT_FALSE(parts.lowest || parts.highest || parts.isListed);
+  const ModelField listed = described(R"(<Value value="3"/><Value value="1"/>)");
+  EXPECT_TRUE(listed.isListed && listed.parts.empty());
+  EXPECT_EQ(listed.codes, (std::vector<double>{3, 1}));
+  EXPECT_EQ(listed.lowest, 1);
+  EXPECT_EQ(listed.highest, 3);
 }
 
 // "field reason values cases", a line for each.

@@ -37,6 +37,7 @@ constexpr std::size_t kTaskRows = 16 * kBlockRows;
 void DescribeValues(const Field& field, const ReadyModel& model, ModelField& description) {
   description.isText = field.type.IsText();
   description.labels = field.labels;
+  description.isListed = !field.labels.empty() && field.domain.intervals.empty();
   for (std::size_t k = 0; k < field.labels.size(); ++k) {
     const bool hasCode = field.type.IsText() || !description.isPredictor;
     description.codes.push_back(hasCode ? static_cast<double>(k + 1) : field.domain.valid[k]);
@@ -62,6 +63,7 @@ void DescribeUse(const Field& field, const ReadyModel& model, ModelField& descri
   const pmml::FieldUse& use = found->second;
   if (std::isfinite(use.lowest)) description.lowest = use.lowest;
   if (std::isfinite(use.highest)) description.highest = use.highest;
+  for (const pmml::Interval& part : use.parts) description.parts.push_back({part.low, part.high});
   description.predictsInvalid = use.predictsInvalid;
   if (std::isnan(use.replacement)) return;
   if (!field.type.IsText()) {

@@ -24,6 +24,11 @@ namespace brenvolt {
 
 enum class ModelFieldKind : std::uint8_t { kContinuous, kCategorical };
 
+struct NumberRange {
+  double low = 0;
+  double high = 0;
+};
+
 // A field of a model as its file describes it.
 struct ModelField {
   std::string name;
@@ -40,6 +45,8 @@ struct ModelField {
   // which outliers become missing.
   std::optional<double> lowest;
   std::optional<double> highest;
+  std::vector<NumberRange> parts;  // of that range, ascending, if it has gaps; else none
+  bool isListed = false;           // only `codes` are valid
   // Whether a value that is not valid has a prediction nevertheless: the model takes it as it is, or replaces
   // it. If not, a case with such a value has none.
   bool predictsInvalid = false;

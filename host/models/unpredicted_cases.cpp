@@ -16,7 +16,7 @@ struct Words {
 };
 constexpr std::array<Words, 4> kWords{{{"missing", "the value is missing"},
                                        {"unknown", "the model does not know the value"},
-                                       {"outside-range", "outside of the model's range"},
+                                       {"outside-range", "the model does not accept the number"},
                                        {"no-result", "the model gives no result"}}};
 
 const Words& WordsOf(NoPrediction reason) {
@@ -35,8 +35,14 @@ std::string_view NoPredictionText(NoPrediction reason) {
 
 std::string UnpredictedReason::Values() const {
   if (!value.empty() || std::isnan(lowest)) return value;
-  const std::string low = FormatNumber("%.5g", lowest);
-  return lowest == highest ? low : low + " to " + FormatNumber("%.5g", highest);
+  if (lowest == highest) return ShortestNumber(lowest);
+  // As many digits as tell the ends apart.
+  constexpr int kLeastDigits = 5;
+  constexpr int kExact = 17;  // of a double
+  const double larger = std::fmax(std::abs(lowest), std::abs(highest));
+  const int leading = static_cast<int>(std::floor(std::log10(larger / (highest - lowest))));
+  const std::string form = "%." + std::to_string(std::clamp(leading + 3, kLeastDigits, kExact)) + "g";
+  return FormatNumber(form.c_str(), lowest) + " to " + FormatNumber(form.c_str(), highest);
 }
 
 std::vector<UnpredictedReason> UnpredictedCases::Reasons() const {

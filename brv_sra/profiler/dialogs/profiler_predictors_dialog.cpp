@@ -135,6 +135,7 @@ bool PredictorPage::Apply() {
     auto taken = fields_.Taken();
     if (!taken) return false;
     predictor->setting = PredictorSetting::kRandom;
+    predictor->keepsToParts = false;
     predictor->specification = *std::move(taken);
   }
   Refresh();

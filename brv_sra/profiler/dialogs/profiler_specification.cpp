@@ -65,6 +65,26 @@ std::string ClassesText(const ProfilerPredictor& predictor) {
   return std::string(DisplayName(predictor.specification.code)) + " (" + text + ")";
 }
 
+// "(0.250000)", followed by the number where six decimals do not show it: "(0.000000) = 2.5e-09".
+std::string FixedText(double value) {
+  constexpr double kTolerance = 1e-4;
+  const std::string form(ResourceString(kProfilerFixedValue));
+  const std::string text = FormatNumber(form.c_str(), value);
+  const double shown = ParseNumber(std::string_view(text).substr(1, text.size() - 2)).value_or(value);
+  const bool isShown = std::abs(shown - value) <= kTolerance * std::abs(value);
+  return isShown ? text : text + " = " + ShortestNumber(value);
+}
+
+// " without 3 to 5": the gaps of the range that the distribution keeps to.
+std::string GapsText(const ProfilerPredictor& predictor) {
+  std::string text;
+  for (std::size_t i = 1; predictor.keepsToParts && i < predictor.parts.size(); ++i) {
+    text += (text.empty() ? " without " : ", ") + ShortestNumber(predictor.parts[i - 1].high) + " to " +
+            ShortestNumber(predictor.parts[i].low);
+  }
+  return text;
+}
+
 }  // namespace
 
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
@@ -83,6 +103,7 @@ void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
   CheckEnteredSpecification(specification);
   predictor.setting = PredictorSetting::kRandom;
   predictor.specification = std::move(specification);
+  predictor.keepsToParts = false;
 }
 
 Variant SpecificationArray(const ProfilerPredictor& predictor) {
@@ -97,12 +118,13 @@ std::string SpecificationText(const ProfilerPredictor& predictor) {
   if (predictor.setting == PredictorSetting::kRandom) {
     const bool ofClasses =
         !predictor.labels.empty() && predictor.specification.code == DistributionCode::kHistogram;
-    return ofClasses ? ClassesText(predictor) : SpecificationText(predictor.specification);
+    return ofClasses ? ClassesText(predictor)
+                     : SpecificationText(predictor.specification) + GapsText(predictor);
   }
   const std::string fixed = std::string(ResourceString(kProfilerFixed)) + " ";
   const auto label = predictor.labels.find(predictor.fixedValue);
   if (label != predictor.labels.end()) return fixed + "(" + label->second + ")";
-  return fixed + FormatNumber(std::string(ResourceString(kProfilerFixedValue)).c_str(), predictor.fixedValue);
+  return fixed + FixedText(predictor.fixedValue);
 }
 
 std::string PredictorLine(const ProfilerPredictor& predictor) {

@@ -117,13 +117,32 @@ Treatment ReadTreatment(const Element& element, TypeInfo type, bool isNested, Bu
   return treatment;
 }
 
+// The intervals, ascending, those that overlap or touch as one.
+std::vector<Interval> Merged(std::vector<Interval> intervals) {
+  std::ranges::sort(intervals, {}, &Interval::low);
+  std::vector<Interval> merged;
+  for (const Interval& interval : intervals) {
+    if (merged.empty() || interval.low > merged.back().high) {
+      merged.push_back(interval);
+    } else {
+      merged.back().high = std::max(merged.back().high, interval.high);
+    }
+  }
+  return merged;
+}
+
 // What the treatment means for the data of the field.
-FieldUse UseBy(const Treatment& treatment, const Domain& domain) {
+FieldUse UseBy(const Treatment& treatment, const Domain& domain, OpType opType) {
   FieldUse use;
   use.replacement = treatment.refusesMissing ? kMissing : treatment.missingReplacement;
-  if (!domain.intervals.empty()) {
-    use.lowest = std::ranges::min(domain.intervals, {}, &Interval::low).low;
-    use.highest = std::ranges::max(domain.intervals, {}, &Interval::high).high;
+  const std::vector<Interval> parts = Merged(domain.intervals);
+  if (!parts.empty()) {
+    use.lowest = parts.front().low;
+    use.highest = parts.back().high;
+    if (parts.size() > 1) use.parts = parts;
+  } else if (!domain.valid.empty() && opType == OpType::kContinuous) {
+    use.lowest = std::ranges::min(domain.valid);
+    use.highest = std::ranges::max(domain.valid);
   }
   const bool isKept = !std::isnan(use.replacement);
   use.predictsInvalid = treatment.invalid == Invalid::kAsIs || treatment.invalid == Invalid::kValue ||
@@ -142,7 +161,8 @@ Operand Treated(const std::string& name, const Element& element, Scope& scope, S
   operand.opType = ReadOpType(element, operand.opType);
   const Treatment treatment = ReadTreatment(element, operand.type, isNested, scope.Build());
   const Domain domain = operand.field == nullptr ? Domain() : operand.field->domain;
-  if (operand.field != nullptr && !isNested) scope.Build().UseOf(*operand.field) = UseBy(treatment, domain);
+  if (operand.field != nullptr && !isNested)
+    scope.Build().UseOf(*operand.field) = UseBy(treatment, domain, operand.opType);
   if (treatment.DoesNothing(domain)) return operand;
   if (operand.field == nullptr) {
     auto field = std::make_unique<Field>();

@@ -43,6 +43,7 @@ struct FieldUse {
   double replacement = kMissing;  // of missing values; missing if they are not replaced
   double lowest = -std::numeric_limits<double>::infinity();  // the range of valid numbers
   double highest = std::numeric_limits<double>::infinity();
+  std::vector<Interval> parts;   // of the range, ascending, if it has gaps; else none
   bool predictsInvalid = false;  // values that are not valid have predictions nevertheless
 };
 
