@@ -6,6 +6,7 @@
 #include <map>
 #include <numeric>
 #include <set>
+#include <sstream>
 #include <string>
 
 #include "host/tables/csv.h"
@@ -159,6 +160,11 @@ TEST_F(ProfileCommand, DefectsAndCapabilityAreThoseOfTheRunsWritten) {
   const Json& oneSided = report["responses"][1]["capability"];
   EXPECT_EQ(oneSided["within"]["cp"], nullptr);
   EXPECT_EQ(oneSided["within"]["cpl"], nullptr);
+  EXPECT_EQ(oneSided["overall"]["expectedPpm"]["below"], nullptr);
+  EXPECT_EQ(oneSided["observedPpm"]["below"], nullptr) << "there is no limit that could be missed";
+  const Json& above = oneSided["overall"]["expectedPpm"]["above"];
+  EXPECT_LT(above["lower"], above["value"]);
+  EXPECT_GT(above["upper"], above["value"]);
   EXPECT_EQ(report["responses"][2]["capability"], nullptr);
 }
 
@@ -193,7 +199,13 @@ TEST_F(ProfileCommand, NoLimitsAreGivenForRunsOfCorrelatedPredictors) {
   ASSERT_EQ(report["notes"].size(), 1U);
   const std::string text = MustRun(call).out;
   EXPECT_EQ(text.find("95 %"), std::string::npos) << text;
-  EXPECT_NE(text.find("No confidence limits are given: "), std::string::npos) << text;
+  EXPECT_NE(text.find("No confidence limits and p-values are given: "), std::string::npos) << text;
+  const Json& response = report["responses"][0];
+  for (const Json& correlation : response["correlations"]) {
+    EXPECT_TRUE(correlation["spearman"].is_number());
+    EXPECT_TRUE(correlation["spearmanPValue"].is_null() && correlation["pearsonPValue"].is_null());
+  }
+  EXPECT_TRUE(response["capability"]["normalPValue"].is_null());
 }
 
 // y = 2 A, for A from 8 to 12 alone: one standard deviation on either side of its mean.
@@ -227,7 +239,8 @@ TEST_F(ProfileCommand, PredictorsKeepToTheRangeOfTheirModelUnlessThatIsLifted) {
   EXPECT_EQ(reason["field"], "A");
   EXPECT_NEAR(reason["runs"], 0.3173 * 5000, 150);
   EXPECT_EQ(reason["runs"], lifted["statistics"]["missing"]);
-  EXPECT_NE(MustRun(lift).out.find("runs (field A, outside of the model's range: "), std::string::npos);
+  EXPECT_NE(MustRun(lift).out.find("runs (field A, the model does not accept the number: "),
+            std::string::npos);
 }
 
 TEST_F(ProfileCommand, RunsWithoutAPredictionAreCountedByReasonAndNoneAtAllIsAFailure) {
@@ -249,7 +262,7 @@ TEST_F(ProfileCommand, RunsWithoutAPredictionAreCountedByReasonAndNoneAtAllIsAFa
   const Outcome none =
       Run({"profile", "ab.csv", "--model", "m.pmml", "--truncate", "A=20:30", "-o", "x.csv"});
   EXPECT_EQ(none.status, 1);
-  EXPECT_NE(none.err.find("no run has a prediction (y: field A, outside of the model's range: 20"),
+  EXPECT_NE(none.err.find("no run has a prediction (y: field A, the model does not accept the number: 20"),
             std::string::npos)
       << none.err;
   EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
@@ -275,6 +288,81 @@ TEST_F(ProfileCommand, ProfilesOfPredictedValuesAreThereForEveryResponseThatHasP
   EXPECT_EQ(graphs["responses"][0]["graphs"].size(), 0U);
   EXPECT_EQ(graphs["responses"][1]["graphs"].size(), 2U);
   EXPECT_EQ(graphs["profiles"]["panels"].size(), 4U);
+}
+
+// The same table for people, and nothing but the reasons where nothing is predicted.
+TEST_F(ProfileCommand, ProfilesAreATableAndAResponseWithoutPredictionsHasNone) {
+  WriteData();
+  const std::string text =
+      MustRun({"profile", "ab.csv", "--formula", "N=ln(-1-A*A)", "--formula", "Y=3*A", "--seed", "1"}).out;
+  EXPECT_NE(text.find("\n  without a prediction: 5000 runs (the formula gives no number)\n\nY\n"),
+            std::string::npos)
+      << text;
+  const std::size_t table = text.find("\n  Mean Y where a predictor is about\n  Predictor  lowest ");
+  ASSERT_NE(table, std::string::npos) << text;
+  std::istringstream row(text.substr(text.find("\n  A ", table)));
+  std::string name;
+  std::string place;
+  double mean = 0;
+  double former = 0;
+  row >> name;
+  for (int i = 0; i < 5; ++i) {
+    row >> place >> mean;
+    EXPECT_EQ(place.back(), ':');
+    EXPECT_NEAR(mean, 3 * std::stod(place), 0.8);
+    EXPECT_GT(mean, former);
+    former = mean;
+  }
+}
+
+// A field that lists its numbers, and one whose range has a gap in which most of the data lie.
+constexpr const char* kParts = R"(<PMML version="4.2"><DataDictionary>
+<DataField name="A" optype="continuous" dataType="double"><Interval closure="closedOpen" leftMargin="12"/>
+<Interval closure="openClosed" leftMargin="6" rightMargin="9"/></DataField>
+<DataField name="grade" optype="continuous" dataType="integer"><Value value="1"/><Value value="3"/></DataField>
+<DataField name="y" optype="continuous" dataType="double"/></DataDictionary>
+<RegressionModel functionName="regression"><MiningSchema><MiningField name="A"/><MiningField name="grade"/>
+<MiningField name="y" usageType="target"/></MiningSchema><RegressionTable intercept="0">
+<NumericPredictor name="A" coefficient="2"/><NumericPredictor name="grade" coefficient="1"/></RegressionTable></RegressionModel></PMML>)";
+
+TEST_F(ProfileCommand, DrawsKeepToTheNumbersThatModelsAccept) {
+  WriteBytes(File("m.pmml"), kParts);
+  Write("d.csv", "A,grade\n8,1\n9,3\n10,3\n11,1\n12,3\n");
+  Write("odd.csv", "A,grade\n8,1\n9,3\n10,3\n11,2\n12,3\n");
+  const Arguments call{"profile", "d.csv", "--model", "m.pmml", "--seed", "1", "-o", "r.csv"};
+  const Outcome outcome = MustRun(call);
+  EXPECT_NE(outcome.out.find("[6, ] without 9 to 12\n"), std::string::npos) << outcome.out;
+  EXPECT_NE(outcome.out.find("(1;3; 0.4;0.6;)"), std::string::npos) << outcome.out;
+  const Outcome odd = Run({"profile", "odd.csv", "--model", "m.pmml", "--seed", "1"});
+  EXPECT_EQ(odd.err, "brenvolt: Cases of grade whose class no model knows are left out: 2 (1)\n");
+  EXPECT_NE(odd.out.find("(1;3; 0.25;0.75;)"), std::string::npos) << odd.out;
+  const std::vector<double> a = Column("r.csv", "A");
+  EXPECT_EQ(Share(a, [](double x) { return (x >= 6 && x <= 9) || x >= 12; }), 1);
+  // Of the normal distribution with mean 10 and variance 2.5: the parts above 12 and from 6 to 9.
+  EXPECT_NEAR(Share(a, [](double x) { return x > 12; }), 0.1030 / (0.1030 + 0.2578), 0.03);
+  EXPECT_EQ(Share(Column("r.csv", "grade"), [](double x) { return x == 1 || x == 3; }), 1);
+  EXPECT_EQ(JsonOf({"profile", "d.csv", "--model", "m.pmml", "--seed", "1",
+                    "--correlated"})["responses"][0]["statistics"]["missing"],
+            0);
+  const Json lifted = JsonOf({"profile", "d.csv", "--model", "m.pmml", "--seed", "1", "--truncate", "A=:"});
+  EXPECT_EQ(lifted["responses"][0]["unpredicted"][0]["reason"], "outside-range");
+}
+
+// Hundred, give or take a few millionths, and a shape whose description prescribes no parameters.
+TEST_F(ProfileCommand, NumbersShowAgainstTheirSpread) {
+  std::string data = "L\n";
+  for (int i = 0; i < 40; ++i) data += "100.0000" + std::to_string(10 + i * i % 37) + "\n";
+  Write("d.csv", data);
+  const std::string text =
+      MustRun({"profile", "d.csv", "--formula", "Y=L", "--seed", "1", "--spec", "Y=99.99999,,100.00005"}).out;
+  EXPECT_NE(text.find("Normal(location=100.0000, scale=0.0000) = (100.0000268, 1.2097e-05)"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("LSL 99.99999, target -, USL 100.00005"), std::string::npos) << text;
+  EXPECT_EQ(text.find("   100  "), std::string::npos) << text;
+  const std::string johnson =
+      MustRun({"profile", kOzone, "--formula", "Y=temp", "--fit-best", "--seed", "1"}).out;
+  EXPECT_NE(johnson.find("Johnson(3, "), std::string::npos) << johnson;
 }
 
 TEST_F(ProfileCommand, SensitivityNamesTheDriverFirst) {
@@ -349,6 +437,8 @@ TEST_F(ProfileCommand, ResponsesOfFewValuesAreListedOneByOne) {
                                     folderOfModels + "DecisionTreeIris.pmml", "--seed", "1"})
                                .out;
   EXPECT_NE(text.find("\n  virginica "), std::string::npos) << text;
+  EXPECT_NE(text.find("\nSpecies\n  n 5000, missing 0\n\n"), std::string::npos) << text;
+  EXPECT_EQ(text.find("Mean Species"), std::string::npos) << text;
 }
 
 TEST_F(ProfileCommand, GraphsAndProjectsAreWritten) {
@@ -394,7 +484,12 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--fix", "Q=1"}, 2, "no predictor called 'Q'"},
       {{"--formula", "Y=A", "--truncate", "A=3,1"}, 2, "must be less than the maximum"},
       {{"--formula", "Y=A", "--fix", "A=1"}, 1, "must be random"},
-      {{"--formula", "Y=A", "--fix", "A=1", "--truncate", "A=0,1"}, 1, "cannot be truncated"},
+      {{"--formula", "Y=A", "--fix", "A=1", "--truncate", "A=0,1"},
+       2,
+       "'A': a predictor that is fixed has no draws"},
+      {{"--formula", "Y=A", "--truncate", "A=:"}, 2, "'A' has no range that could be lifted (--truncate)"},
+      {{"--formula", "Y=A+B", "--correlated", "--fix", "A=1"}, 2, "a single random predictor has nothing"},
+      {{"--formula", "Y=2*Z", "--formula", "Z=Y-1"}, 1, "it is predicted from itself"},
       {{"--formula", "Y=A", "--samples", "99"}, 2, "100 to 100000"},
       {{"--formula", "Y=A", "--seed", "0"}, 2, "--seed"},
       {{"--formula", "Y=A", "-o", "out.txt"}, 2, ".csv, .npz or .bvw"},

@@ -22,25 +22,32 @@ struct Shown {
   std::string_view heading;
 };
 
-std::string ToFiveDigits(double value) {
-  return ReadableNumber(value, kDigits);
-}
-
 // For numbers about 1.
 std::string ToFourDecimals(double value) {
   const std::string text = std::isnan(value) ? "-" : FormatNumber("%.4f", value);
   return text == "-0.0000" ? "0.0000" : text;
 }
 
-// A line for each row.
+// A place among values that have such a spread.
+std::string Place(double value, double spread) {
+  return ReadableNumber(value, DigitsFor(value, spread, kDigits));
+}
+
+// A number that a person gave.
+std::string Given(double value) {
+  return std::isnan(value) ? "-" : ShortestNumber(value);
+}
+
+// A line for each row; `number` writes the value of a column.
+template <class Number>
 std::string RowsText(std::span<const ResultRow> rows, std::string_view heading,
-                     std::span<const Shown> columns, std::string (*number)(double)) {
+                     std::span<const Shown> columns, const Number& number) {
   TextTable text;
   text.AddColumn(std::string(heading), TextTable::Align::kLeft);
   for (const Shown& column : columns) text.AddColumn(std::string(column.heading), TextTable::Align::kRight);
   for (const ResultRow& row : rows) {
     std::vector<std::string> cells{row.name};
-    for (const Shown& column : columns) cells.push_back(number(row.Number(column.column)));
+    for (const Shown& column : columns) cells.push_back(number(row, column.column));
     text.AddRow(std::move(cells));
   }
   return text.Text();
@@ -55,9 +62,13 @@ constexpr std::array<Shown, 8> kMoments{{{"n"_column, "  n"},
                                          {"minimum"_column, ", minimum"},
                                          {"maximum"_column, ", maximum"}}};
 
+// Classes, and no predictions at all, have a number and no moments.
 std::string StatisticsText(const ResultRow& statistics) {
+  constexpr std::size_t kCounts = 2;
+  const bool hasMoments = !std::isnan(statistics.Number("mean"_column));
+  const std::span<const Shown> all(kMoments);
   std::string text;
-  for (const Shown& moment : kMoments) {
+  for (const Shown& moment : hasMoments ? all : all.first(kCounts)) {
     text += std::string(moment.heading) + " " + Cell(statistics, moment.column, kDigits);
   }
   return text + "\n";
@@ -69,13 +80,21 @@ constexpr std::array<Shown, 3> kPercentileColumns{
 constexpr std::array<Shown, 3> kFrequencyColumns{
     {{"from"_column, "Value"}, {"count"_column, "Count"}, {"percent"_column, "Percent"}}};
 
+double SpreadOf(const ResponseResults& response) {
+  return response.statistics.Number("standard_deviation"_column);
+}
+
 // Limits that no row has are left out.
-std::string PercentilesText(std::span<const ResultRow> rows) {
+std::string PercentilesText(const ResponseResults& response) {
+  const std::span<const ResultRow> rows(response.percentiles);
   const bool hasLimits = std::ranges::any_of(rows, [](const ResultRow& row) {
     return !std::isnan(row.Number("lower"_column)) || !std::isnan(row.Number("upper"_column));
   });
   const std::span<const Shown> columns(kPercentileColumns);
-  return RowsText(rows, "Percentile", hasLimits ? columns : columns.first(1), ToFiveDigits);
+  return RowsText(rows, "Percentile", hasLimits ? columns : columns.first(1),
+                  [&](const ResultRow& row, const ResultColumn& column) {
+                    return Place(row.Number(column), SpreadOf(response));
+                  });
 }
 
 // Few values say more one by one than in percentiles.
@@ -83,8 +102,44 @@ std::string ValuesText(const ResponseResults& response) {
   const bool hasFewValues = std::ranges::all_of(response.frequencies, [](const ResultRow& one) {
     return one.Number("from"_column) == one.Number("to"_column);
   });
-  return hasFewValues ? RowsText(response.frequencies, "Class", kFrequencyColumns, ToFiveDigits)
-                      : PercentilesText(response.percentiles);
+  if (!hasFewValues) return PercentilesText(response);
+  return RowsText(response.frequencies, "Class", kFrequencyColumns,
+                  [&](const ResultRow& row, const ResultColumn& column) {
+                    const double value = row.Number(column);
+                    return &column == &"from"_column ? Place(value, SpreadOf(response))
+                                                     : ReadableNumber(value, kDigits);
+                  });
+}
+
+// Where a profile is shown: from its first class to its last.
+constexpr std::array<std::string_view, 5> kProfilePlaces{"lowest", "", "middle", "", "highest"};
+
+// "VALUE: MEAN" at some classes of a predictor.
+std::vector<std::string> ProfileCells(const PredictedProfile& profile, double spread) {
+  const std::size_t classes = profile.values.size();
+  const auto [least, greatest] = std::ranges::minmax(profile.values);
+  std::vector<std::string> cells{profile.predictor};
+  for (std::size_t i = 0; i < kProfilePlaces.size(); ++i) {
+    const std::size_t steps = kProfilePlaces.size() - 1;
+    const bool hasEnough = classes >= kProfilePlaces.size();
+    if (!hasEnough && i >= classes) break;
+    const std::size_t at = hasEnough ? (i * (classes - 1) + steps / 2) / steps : i;
+    const int digits = DigitsFor(profile.values[at], greatest - least, kShortDigits);
+    cells.push_back(ReadableNumber(profile.values[at], digits) + ": " +
+                    ReadableNumber(profile.means[at], DigitsFor(profile.means[at], spread, kShortDigits)));
+  }
+  return cells;
+}
+
+std::string ProfilesText(const ResponseResults& response) {
+  TextTable text;
+  text.AddColumn("Predictor", TextTable::Align::kLeft);
+  for (const std::string_view place : kProfilePlaces)
+    text.AddColumn(std::string(place), TextTable::Align::kLeft);
+  for (const PredictedProfile& profile : response.profiles) {
+    if (!profile.values.empty()) text.AddRow(ProfileCells(profile, SpreadOf(response)));
+  }
+  return "  Mean " + response.name + " where a predictor is about\n" + text.Text();
 }
 
 constexpr std::array<Shown, 5> kSensitivityColumns{{{"rank_correlation"_column, "Rank corr."},
@@ -96,7 +151,9 @@ constexpr std::array<Shown, 5> kSensitivityColumns{{{"rank_correlation"_column, 
 std::string SensitivityText(const ResponseResults& response) {
   std::vector<ResultRow> rows = response.sensitivity;
   rows.push_back(response.allPredictors);
-  return RowsText(rows, "Predictor", kSensitivityColumns, ToFourDecimals);
+  return RowsText(
+      rows, "Predictor", kSensitivityColumns,
+      [](const ResultRow& row, const ResultColumn& column) { return ToFourDecimals(row.Number(column)); });
 }
 
 // Families of indices and of parts per million: a row of the report for each kind, a column for each family.
@@ -142,12 +199,16 @@ std::string StatisticText(const ResultTable& table, const ResultColumn* statisti
 }
 
 std::string CapabilityText(const ResultTable& table) {
-  const auto value = [&](const ResultColumn& statistic) {
-    return ReadableNumber(table.Row(statistic).Number("value"_column), kDigits);
+  const auto number = [&](const ResultColumn& statistic) {
+    return table.Row(statistic).Number("value"_column);
   };
-  std::string text = "  Specification: LSL " + value("lsl"_column) + ", target " + value("target"_column) +
-                     ", USL " + value("usl"_column) + "; A-D p-value of the fitted normal " +
-                     value("normal_p"_column) + "\n";
+  const auto value = [&](const ResultColumn& statistic) {
+    return Place(number(statistic), number("overall_deviation"_column));
+  };
+  std::string text = "  Specification: LSL " + Given(number("lsl"_column)) + ", target " +
+                     Given(number("target"_column)) + ", USL " + Given(number("usl"_column)) +
+                     "; A-D p-value of the fitted normal " +
+                     ReadableNumber(number("normal_p"_column), kDigits) + "\n";
   const ResultRow& lowPoint = table.Row("low_point"_column);
   std::size_t families = kFamilies.size() - 1;
   if (!std::isnan(lowPoint.Number("value"_column))) {
@@ -187,7 +248,7 @@ std::string DefectsText(const ResultTable& defects) {
                             "defect_rate"_column.quantity),
                  WithLimits(row, "defect_ppm"_column, "ppm_lower"_column, "ppm_upper"_column,
                             "defect_ppm"_column.quantity),
-                 Cell(row, "defect_lsl"_column), Cell(row, "defect_usl"_column)});
+                 Given(row.Number("defect_lsl"_column)), Given(row.Number("defect_usl"_column))});
   }
   return text.Text();
 }
@@ -198,8 +259,9 @@ std::string ResponseText(const ResponseResults& response) {
     text += "  without a prediction: " + std::to_string(unpredicted.runs) + " runs (" +
             ReasonText(unpredicted) + ")\n";
   }
-  text += "\n";
-  text += ValuesText(response) + "\n" + SensitivityText(response);
+  if (!response.IsPredicted()) return text;
+  text += "\n" + ValuesText(response) + "\n" + SensitivityText(response);
+  if (!response.profiles.empty()) text += "\n" + ProfilesText(response);
   return response.capability ? text + "\n" + CapabilityText(*response.capability) : text;
 }
 

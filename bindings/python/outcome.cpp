@@ -17,6 +17,7 @@ namespace {
 struct Outcome {
   std::vector<Message> messages;
   std::optional<CallFailure> failure;
+  bool saysWhy = false;      // the failure is a job's own, not that of a call which may have shown its reason
   std::exception_ptr other;  // not a failure of the system: a cancellation, no memory, a wrong job
 };
 
@@ -56,6 +57,7 @@ void Try(const std::function<void()>& work, const std::function<std::string()>& 
     fail(error.Reason(), error.Where(), method(), AutomationCode::kException);
   } catch (const Error& error) {
     fail(error.what(), error.Where(), method(), AutomationCode::kException);
+    outcome.saysWhy = true;
   } catch (...) {
     outcome.other = std::current_exception();
   }
@@ -74,9 +76,9 @@ Outcome TryInHost(const std::shared_ptr<AnalysisRef>& analysis, const std::funct
   return outcome;
 }
 
-// The last message shown says why a call failed; what failed inside it becomes a note.
+// The last message shown says why a call failed that does not say so itself; what failed inside it becomes a note.
 void SayWhy(Outcome& outcome) {
-  if (!outcome.failure) return;
+  if (!outcome.failure || outcome.saysWhy) return;
   CallFailure& failure = *outcome.failure;
   Message why{"the dialog refused", {}, {}};
   if (!outcome.messages.empty()) {

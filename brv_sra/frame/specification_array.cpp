@@ -1,5 +1,6 @@
 #include "brv_sra/frame/specification_array.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -66,6 +67,61 @@ std::string MixtureText(std::span<const double> values) {
   return text;
 }
 
+// Whether values as they are written tell the distribution: its quantiles stay where they are to a hundredth of
+// its spread, and values that cannot be 0 to a hundredth of themselves.
+bool Tell(const DistributionSpecification& specification, std::span<const double> written) {
+  constexpr double kTolerance = 0.01;
+  constexpr double kChecked[] = {0.01, 0.5, 0.99};
+  const auto& parameters = TypeOf(specification.code).facts.parameters;
+  for (std::size_t i = 0; i < written.size(); ++i) {
+    const double value = specification.values[i];
+    const bool mayBeZero = parameters[i].range == ParameterRange::kFinite;
+    if (!mayBeZero && !(std::abs(written[i] - value) <= kTolerance * std::abs(value))) return false;
+  }
+  const SpecifiedDistribution exact(specification);
+  const SpecifiedDistribution shown(specification.code, written, specification.offset);
+  const double spread = exact.Quantile(0.75) - exact.Quantile(0.25);
+  return std::ranges::all_of(kChecked, [&](double p) {
+    return std::abs(shown.Quantile(p) - exact.Quantile(p)) <= kTolerance * spread;
+  });
+}
+
+// The values in a form such as "%.4f", as they are read again.
+std::vector<double> Written(const DistributionSpecification& specification, const std::string& form) {
+  std::vector<double> written;
+  for (const double value : specification.values)
+    written.push_back(ParseNumber(FormatNumber(form.c_str(), value)).value_or(value));
+  return written;
+}
+
+// "(3, 1.9091, 1.6527)", each value in as few digits as tell the distribution.
+std::string ValuesText(const DistributionSpecification& specification) {
+  constexpr int kLeastDigits = 5;
+  constexpr int kExact = 17;  // of a double
+  std::string text;
+  for (std::size_t i = 0; i < specification.values.size(); ++i) {
+    std::string value;
+    for (int digits = kLeastDigits; digits <= kExact; ++digits) {
+      value = FormatNumber(("%." + std::to_string(digits) + "g").c_str(), specification.values[i]);
+      std::vector<double> written = specification.values;
+      written[i] = ParseNumber(value).value_or(written[i]);
+      if (Tell(specification, written)) break;
+    }
+    text += (text.empty() ? "(" : ", ") + value;
+  }
+  return text + ")";
+}
+
+// The prescribed description, with the values where it has none or too few digits of them.
+std::string DescriptionWithValues(const DistributionSpecification& specification) {
+  std::string text = Description(specification.code, specification.values);
+  const std::size_t count = TypeOf(specification.code).facts.ParameterCount();
+  if (specification.values.size() != count || CheckSpecification(specification)) return text;
+  if (text.find('(') == std::string::npos) return text + ValuesText(specification);
+  return Tell(specification, Written(specification, "%.4f")) ? text
+                                                             : text + " = " + ValuesText(specification);
+}
+
 }  // namespace
 
 DistributionCode CodeFromVariant(const Variant& key) {
@@ -127,11 +183,12 @@ void CheckEnteredSpecification(const DistributionSpecification& specification) {
 
 std::string SpecificationText(const DistributionSpecification& specification) {
   const std::string name(DisplayName(specification.code));
-  std::string text = Description(specification.code, specification.values);
+  std::string text;
   if (specification.code == DistributionCode::kHistogram)
     text = name + " (" + ListText(specification.values) + ")";
   if (specification.code == DistributionCode::kGaussianMixture)
     text = name + " (" + MixtureText(specification.values) + ")";
+  if (text.empty()) text = DescriptionWithValues(specification);
   if (HasOffset(specification.code) && specification.offset != 0 && !IsNotSet(specification.offset))
     text += " + " + FormatNumber(kListedNumberFormat, specification.offset);
   if (!specification.truncateBelow && !specification.truncateAbove) return text;

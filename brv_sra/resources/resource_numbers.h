@@ -484,6 +484,8 @@ inline constexpr std::int32_t kResponseNoIntervals = 20944;
 inline constexpr std::int32_t kDefectCountsTitle = 20945;
 inline constexpr std::int32_t kUnpredictedTitle = 20952;
 inline constexpr std::int32_t kUnpredictedFormula = 20953;
+inline constexpr std::int32_t kResponseNotNormal = 20954;
+inline constexpr std::int32_t kResponsePercentilesNoLimits = 20955;
 
 // The profiler: what goes beyond the texts above.
 inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;

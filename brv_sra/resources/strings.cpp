@@ -602,9 +602,10 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"defects"_column.heading, "Defects"},
     {"defect_runs"_column.heading, "Runs"},
     {kResponseNoIntervals,
-     "No confidence limits are given: the runs are stratified, because their predictors are correlated, and "
-     "no "
-     "limits are known for such runs. P-values are those of independent runs."},
+     "No confidence limits and p-values are given: the runs are stratified, because their predictors are "
+     "correlated, and none are known for such runs. Whether a response is normal is tested as for "
+     "independent "
+     "runs."},
     {kDefectCountsTitle, "Defect Counts"},
     {"rate_lower"_column.heading, "Defect Rate, lower 95 %"},
     {"rate_upper"_column.heading, "Defect Rate, upper 95 %"},
@@ -614,6 +615,13 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"field_value"_column.heading, "Values"},
     {kUnpredictedTitle, "Runs without a prediction"},
     {kUnpredictedFormula, "the formula gives no number"},
+    {kResponseNotNormal,
+     "%s: the normal distribution is rejected at 5 %, and no other fits better. The indices and expected "
+     "parts "
+     "per million hold for normal values only."},
+    {kResponsePercentilesNoLimits,
+     "%s: the normal distribution is rejected at 5 %. The indices by percentiles apply; no confidence limits "
+     "are known for them, and those of the others hold for normal values only."},
     // The profiler: what goes beyond the texts above.
     {kMsgProfilerInfiniteValue, "The data contain a value that is not finite."},
     {kMsgProfilerNoValues, "The data contain no valid value."},

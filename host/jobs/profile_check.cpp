@@ -1,4 +1,5 @@
 // What can be wrong with a profile that is asked for.
+#include <algorithm>
 #include <limits>
 
 #include "host/base/number_text.h"
@@ -76,6 +77,10 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
     if (one.minimum && one.maximum && *one.minimum >= *one.maximum) {
       faults.push_back({"truncate", Quoted(one.predictor) + ": the minimum must be less than the maximum"});
     }
+  }
+  for (const ProfileJob::Truncation& one : job.truncate) {
+    if (std::ranges::find(job.fixed, one.predictor, &ProfileJob::Fixed::predictor) != job.fixed.end())
+      faults.push_back({"truncate", Quoted(one.predictor) + ": a predictor that is fixed has no draws"});
   }
   CheckEachOnce("noise", job.noise, &ProfileJob::Noise::response, faults);
   CheckEachOnce("specifications", job.specifications, &ProfileJob::Specification::response, faults);

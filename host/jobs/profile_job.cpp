@@ -74,6 +74,7 @@ class Profiler {
     if (job_.correlated) Put("IsEditCorrelation", 1);
     if (job_.fitBest) FitBest();
     SpecifyPredictors();
+    RequireRandom();
     SpecifyResponses();
   }
 
@@ -180,14 +181,30 @@ class Profiler {
     for (const ProfileJob::Truncation& one : job_.truncate) Truncate(one);
   }
 
+  // What is asked of predictors that are random needs some that are.
+  void RequireRandom() {
+    std::size_t random = 0;
+    for (std::size_t i = 0; i < predictors_.size(); ++i) random += IsRandom(SpecificationOf(i)) ? 1 : 0;
+    if (job_.correlated && random == 1)
+      throw WrongJob("correlated", "a single random predictor has nothing to be correlated with");
+  }
+
+  // The array of a distribution ends with its truncation; that of a fixed value is shorter.
+  static bool IsRandom(const Variant& specification) {
+    return specification.ToArray().size() > kTruncationItems;
+  }
+
   void Truncate(const ProfileJob::Truncation& truncation) {
     const std::size_t predictor = PredictorPlace(truncation.predictor, "truncate");
-    Variant::Array array = SpecificationOf(predictor).ToArray();
-    if (array.size() <= kTruncationItems) {
-      throw Error("it is not random",
-                  "the predictor " + Quoted(truncation.predictor) + " cannot be truncated");
-    }
-    array.resize(array.size() - kTruncationItems);
+    const Variant specification = SpecificationOf(predictor);
+    if (!IsRandom(specification))
+      throw WrongJob("truncate", Quoted(truncation.predictor) + " is not drawn at random");
+    Variant::Array array = specification.ToArray();
+    const std::size_t values = array.size() - kTruncationItems;
+    const bool isTruncated = array[values].ToBoolean() || array[values + 2].ToBoolean();
+    if (!truncation.minimum && !truncation.maximum && !isTruncated)
+      throw WrongJob("truncate", Quoted(truncation.predictor) + " has no range that could be lifted");
+    array.resize(values);
     for (const auto& bound : {truncation.minimum, truncation.maximum}) {
       array.emplace_back(std::int32_t{bound ? 1 : 0});
       array.emplace_back(bound.value_or(0));
@@ -269,7 +286,7 @@ void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const Pr
   file.Commit();
 }
 
-// "no run has a prediction (Y: x, outside of the model's range, 3 to 5)".
+// "no run has a prediction (Y: field x, the model does not accept the number: 3 to 5)".
 void RequirePredictions(const ProfileResults& results) {
   if (std::ranges::any_of(results.responses, &ResponseResults::IsPredicted)) return;
   std::string reasons;

@@ -1,6 +1,7 @@
 #include "host/jobs/profile_results.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
 #include <utility>
 
@@ -68,6 +69,9 @@ void TakeProfiles(const Graph& graph, ProfileResults& results) {
     const auto response = std::ranges::find(results.responses, panel.yTitle, &ResponseResults::name);
     const auto means = std::ranges::find(panel.series, SeriesStyle::kLine, &GraphSeries::style);
     if (response == results.responses.end() || means == panel.series.end()) continue;
+    const bool isOfClasses =
+        response->IsPredicted() && std::isnan(response->statistics.Number("mean"_column));
+    if (isOfClasses) continue;
     response->profiles.push_back({panel.xTitle, means->x, means->y});
   }
 }

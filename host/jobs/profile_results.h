@@ -36,13 +36,14 @@ std::string ReasonText(const UnpredictedRuns& unpredicted);
 struct ResponseResults {
   std::string name;
   ResultRow statistics;
-  std::vector<ResultRow> correlations;       // one row per predictor
-  std::vector<ResultRow> percentiles;        // "percentile.0.135", …
-  std::vector<ResultRow> frequencies;        // one row per class
-  std::vector<ResultRow> sensitivity;        // one row per predictor, the most influential first
-  ResultRow allPredictors;                   // the sensitivity to all together
-  std::optional<ResultTable> capability;     // one row per statistic; with a specification
-  std::vector<PredictedProfile> profiles;    // by predictor; none where there were too many to draw
+  std::vector<ResultRow> correlations;    // one row per predictor
+  std::vector<ResultRow> percentiles;     // "percentile.0.135", …
+  std::vector<ResultRow> frequencies;     // one row per class
+  std::vector<ResultRow> sensitivity;     // one row per predictor, the most influential first
+  ResultRow allPredictors;                // the sensitivity to all together
+  std::optional<ResultTable> capability;  // one row per statistic; with a specification
+  std::vector<PredictedProfile>
+      profiles;  // by predictor; none of classes, and where there were too many to draw
   std::vector<UnpredictedRuns> unpredicted;  // the most frequent reason first
 
   // Whether any run has a prediction.

@@ -61,8 +61,13 @@ bool IsDeviation(double deviation) {
   return !IsNotSet(deviation) && deviation > 0 && std::isfinite(deviation);
 }
 
-PartsPerMillion PartsFrom(double below, double above) {
-  return {below * kMillion, above * kMillion, (below + above) * kMillion};
+// Shares that miss each limit; the one of a limit that is not given does not count.
+PartsPerMillion PartsFrom(double below, double above, const SpecificationLimits& limits) {
+  PartsPerMillion parts;
+  if (limits.HasLower()) parts.below = below * kMillion;
+  if (limits.HasUpper()) parts.above = above * kMillion;
+  parts.total = ((limits.HasLower() ? below : 0) + (limits.HasUpper() ? above : 0)) * kMillion;
+  return parts;
 }
 
 // How many values there are, and how many of them miss a limit.
@@ -85,6 +90,13 @@ Misses CountMisses(std::span<const double> values, const SpecificationLimits& li
 ConfidenceInterval PartsInterval(std::int64_t misses, std::int64_t count, double confidence) {
   const ConfidenceInterval interval = ProportionInterval(misses, count, confidence);
   return count < 1 ? interval : ConfidenceInterval{interval.lower * kMillion, interval.upper * kMillion};
+}
+
+IndexIntervals IntervalsOf(const CapabilityIndices& indices, std::int64_t count, double degrees,
+                           double confidence) {
+  const auto oneSided = [&](double index) { return OneSidedInterval(index, count, degrees, confidence); };
+  return {PotentialInterval(indices.potential, degrees, confidence), oneSided(indices.lower),
+          oneSided(indices.upper), oneSided(indices.least)};
 }
 
 void RequireValid(const SpecificationLimits& limits) {
@@ -133,19 +145,22 @@ ConfidenceInterval PotentialInterval(double potential, double degrees, double co
           potential * std::sqrt(quantile(complement(distribution, tail)) / degrees)};
 }
 
-ConfidenceInterval LeastInterval(double least, std::int64_t count, double degrees, double confidence) {
-  if (IsNotSet(least) || IsNotSet(degrees)) return {};
+ConfidenceInterval OneSidedInterval(double index, std::int64_t count, double degrees, double confidence) {
+  if (IsNotSet(index) || IsNotSet(degrees)) return {};
   const double z = Distribution<Normal>(0, 1).ComplementQuantile((1 - confidence) / 2);
-  const double reach = z * std::sqrt(1 / (9 * static_cast<double>(count)) + least * least / (2 * degrees));
-  return {least - reach, least + reach};
+  const double reach = z * std::sqrt(1 / (9 * static_cast<double>(count)) + index * index / (2 * degrees));
+  return {index - reach, index + reach};
 }
 
 PartsPerMillion ObservedParts(std::span<const double> values, const SpecificationLimits& limits) {
   const Misses misses = CountMisses(values, limits);
   if (misses.count == 0) return {};
   const auto n = static_cast<double>(misses.count);
-  return {static_cast<double>(misses.below) * kMillion / n, static_cast<double>(misses.above) * kMillion / n,
-          static_cast<double>(misses.below + misses.above) * kMillion / n};
+  PartsPerMillion parts;
+  if (limits.HasLower()) parts.below = static_cast<double>(misses.below) * kMillion / n;
+  if (limits.HasUpper()) parts.above = static_cast<double>(misses.above) * kMillion / n;
+  parts.total = static_cast<double>(misses.below + misses.above) * kMillion / n;
+  return parts;
 }
 
 PartsIntervals ObservedIntervals(std::span<const double> values, const SpecificationLimits& limits,
@@ -162,7 +177,28 @@ PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLi
   if (!IsDeviation(deviation)) return {};
   const Distribution<Normal> normal(mean, deviation);
   return PartsFrom(limits.HasLower() ? normal.Cdf(limits.lower) : 0,
-                   limits.HasUpper() ? normal.Complement(limits.upper) : 0);
+                   limits.HasUpper() ? normal.Complement(limits.upper) : 0, limits);
+}
+
+PartsIntervals NormalPartsIntervals(const CapabilityIndices& indices, std::int64_t count, double degrees,
+                                    double confidence) {
+  const Distribution<Normal> normal(0, 1);
+  const auto beyond = [&](double index, double level) {
+    const ConfidenceInterval interval = OneSidedInterval(index, count, degrees, level);
+    if (IsNotSet(interval.lower)) return interval;
+    return ConfidenceInterval{normal.Complement(3 * interval.upper) * kMillion,
+                              normal.Complement(3 * interval.lower) * kMillion};
+  };
+  PartsIntervals intervals{beyond(indices.lower, confidence), beyond(indices.upper, confidence), {}};
+  if (IsNotSet(indices.lower) || IsNotSet(indices.upper)) {
+    intervals.total = IsNotSet(indices.lower) ? intervals.above : intervals.below;
+    return intervals;
+  }
+  const double shared = (1 + confidence) / 2;
+  const ConfidenceInterval below = beyond(indices.lower, shared);
+  const ConfidenceInterval above = beyond(indices.upper, shared);
+  if (!IsNotSet(below.lower)) intervals.total = {below.lower + above.lower, below.upper + above.upper};
+  return intervals;
 }
 
 CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
@@ -178,14 +214,16 @@ CapabilityReport AnalyseCapability(std::span<const double> values, const Specifi
   report.within = NormalIndices(sample.mean, sample.within, limits);
   report.overall = NormalIndices(sample.mean, sample.overall, limits);
   report.cpm = TaguchiIndex(sample.mean, sample.overall, limits);
-  report.cp = PotentialInterval(report.within.potential, sample.withinDegrees, confidence);
-  report.cpk = LeastInterval(report.within.least, sample.count, sample.withinDegrees, confidence);
-  report.pp = PotentialInterval(report.overall.potential, overallDegrees, confidence);
-  report.ppk = LeastInterval(report.overall.least, sample.count, overallDegrees, confidence);
+  report.withinIntervals = IntervalsOf(report.within, sample.count, sample.withinDegrees, confidence);
+  report.overallIntervals = IntervalsOf(report.overall, sample.count, overallDegrees, confidence);
   report.observed = ObservedParts(values, limits);
   report.observedIntervals = ObservedIntervals(values, limits, confidence);
   report.expectedWithin = NormalParts(sample.mean, sample.within, limits);
+  report.expectedWithinIntervals =
+      NormalPartsIntervals(report.within, sample.count, sample.withinDegrees, confidence);
   report.expectedOverall = NormalParts(sample.mean, sample.overall, limits);
+  report.expectedOverallIntervals =
+      NormalPartsIntervals(report.overall, sample.count, overallDegrees, confidence);
   return report;
 }
 
@@ -200,7 +238,7 @@ PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,
   PercentileCapability result{low, median, high, {}, {}};
   result.indices = IndicesFrom(median, median - low, high - median, limits);
   result.expected = PartsFrom(limits.HasLower() ? distribution.cdf(limits.lower) : 0,
-                              limits.HasUpper() ? distribution.complement(limits.upper) : 0);
+                              limits.HasUpper() ? distribution.complement(limits.upper) : 0, limits);
   return result;
 }
 

@@ -47,12 +47,13 @@ CapabilityIndices NormalIndices(double mean, double deviation, const Specificati
 double TaguchiIndex(double mean, double deviation, const SpecificationLimits& limits);
 
 // The confidence interval of Cp or Pp whose deviation has `degrees` degrees of freedom (Kushler & Hurley
-// 1992), and of Cpk or Ppk (Bissell 1990); both in Montgomery 2013, section 8.3.5. `confidence` in (0, 1).
+// 1992), and of an index of one limit or the smaller of two (Bissell 1990); both in Montgomery 2013, section
+// 8.3.5. `confidence` in (0, 1).
 ConfidenceInterval PotentialInterval(double potential, double degrees, double confidence);
-ConfidenceInterval LeastInterval(double least, std::int64_t count, double degrees, double confidence);
+ConfidenceInterval OneSidedInterval(double index, std::int64_t count, double degrees, double confidence);
 
 struct PartsPerMillion {
-  double below = kNotSet;  // 0 if there is no limit
+  double below = kNotSet;  // also where there is no such limit
   double above = kNotSet;
   double total = kNotSet;
 };
@@ -69,20 +70,33 @@ PartsIntervals ObservedIntervals(std::span<const double> values, const Specifica
                                  double confidence);
 // Of a normal process.
 PartsPerMillion NormalParts(double mean, double deviation, const SpecificationLimits& limits);
+// Their intervals: what lies beyond a limit falls as the index of that limit rises, whose interval is known. The
+// total has the sum of the limits for its two parts, each with half of the error (Bonferroni): it covers at least as
+// often as it says.
+PartsIntervals NormalPartsIntervals(const CapabilityIndices& indices, std::int64_t count, double degrees,
+                                    double confidence);
+
+// The intervals of the indices from one deviation.
+struct IndexIntervals {
+  ConfidenceInterval potential;
+  ConfidenceInterval lower;
+  ConfidenceInterval upper;
+  ConfidenceInterval least;
+};
 
 struct CapabilityReport {
   ProcessSample sample;
   CapabilityIndices within;   // Cp, Cpl, Cpu, Cpk
   CapabilityIndices overall;  // Pp, Ppl, Ppu, Ppk
   double cpm = kNotSet;       // from the overall deviation, as its authors have it
-  ConfidenceInterval cp;
-  ConfidenceInterval cpk;
-  ConfidenceInterval pp;
-  ConfidenceInterval ppk;
+  IndexIntervals withinIntervals;
+  IndexIntervals overallIntervals;
   PartsPerMillion observed;
   PartsIntervals observedIntervals;
   PartsPerMillion expectedWithin;
+  PartsIntervals expectedWithinIntervals;
   PartsPerMillion expectedOverall;
+  PartsIntervals expectedOverallIntervals;
 };
 // All of it for values in their order. Throws Error when the limits are not valid or the confidence does not
 // lie in (0, 1).

@@ -101,7 +101,7 @@ TEST(Capability, AgreesWithPublishedExamples) {
     EXPECT_NEAR(NormalParts(0, 1, both).total, f.twoSided, f.rounding) << f.ratio;
     const PartsPerMillion one = NormalParts(0, 1, {kNone, 3 * f.ratio, kNone});
     EXPECT_NEAR(one.above, f.oneSided, f.rounding) << f.ratio;
-    EXPECT_EQ(one.below, 0);
+    EXPECT_TRUE(IsNotSet(one.below));
   }
   const CapabilityIndices bottles = NormalIndices(264, 32, {200, kNone, kNone});
   EXPECT_NEAR(bottles.lower, 0.67, 0.005);
@@ -117,7 +117,7 @@ TEST(Capability, AgreesWithPublishedExamples) {
   EXPECT_NEAR(NormalIndices(50, 1.75, {38, 62, kNone}).potential, 2.29, 0.005);
   EXPECT_NEAR(cp.lower, 1.57, 0.005);
   EXPECT_NEAR(cp.upper, 3.01, 0.005);
-  const ConfidenceInterval cpk = LeastInterval(1.33, 20, 19, 0.95);
+  const ConfidenceInterval cpk = OneSidedInterval(1.33, 20, 19, 0.95);
   EXPECT_NEAR(cpk.lower, 0.88, 0.005);
   EXPECT_NEAR(cpk.upper, 1.78, 0.005);
 }
@@ -133,7 +133,7 @@ TEST(CapabilityReference, IntervalsAgreeWithTheTable) {
   };
   for (const Row& r : rows) {
     const ConfidenceInterval cp = PotentialInterval(r.index, r.degrees, r.confidence);
-    const ConfidenceInterval cpk = LeastInterval(r.index, r.count, r.degrees, r.confidence);
+    const ConfidenceInterval cpk = OneSidedInterval(r.index, r.count, r.degrees, r.confidence);
     SCOPED_TRACE(r.degrees);
     EXPECT_NEAR(cp.lower, r.cpLower, 1e-11 * std::abs(r.cpLower));
     EXPECT_NEAR(cp.upper, r.cpUpper, 1e-11 * std::abs(r.cpUpper));
@@ -153,19 +153,30 @@ TEST(Capability, IntervalsHoldTheIndexAsOftenAsTheySay) {
   const auto holds = [](const ConfidenceInterval& interval, double index) {
     return interval.lower <= index && index <= interval.upper ? 1 : 0;
   };
-  int cp = 0, cpk = 0, pp = 0, ppk = 0;
+  const PartsPerMillion parts = NormalParts(0, 1, limits);
+  int cp = 0, cpk = 0, pp = 0, ppk = 0, withinAbove = 0, overallBelow = 0, overallTotal = 0;
   for (std::size_t i = 0; i < kSamples; ++i) {
     const CapabilityReport report = AnalyseCapability(std::span(values).subspan(i * kSize, kSize), limits);
-    cp += holds(report.cp, 1);
-    cpk += holds(report.cpk, 0.8);
-    pp += holds(report.pp, 1);
-    ppk += holds(report.ppk, 0.8);
+    cp += holds(report.withinIntervals.potential, 1);
+    cpk += holds(report.withinIntervals.least, 0.8);
+    pp += holds(report.overallIntervals.potential, 1);
+    ppk += holds(report.overallIntervals.upper, 0.8);
+    withinAbove += holds(report.expectedWithinIntervals.above, parts.above);
+    overallBelow += holds(report.expectedOverallIntervals.below, parts.below);
+    overallTotal += holds(report.expectedOverallIntervals.total, parts.total);
   }
   EXPECT_NEAR(pp / double{kSamples}, 0.95, 0.012);
   // Effective degrees of freedom and the normal approximation of Bissell are approximations.
   EXPECT_NEAR(cp / double{kSamples}, 0.95, 0.02);
   EXPECT_NEAR(cpk / double{kSamples}, 0.95, 0.02);
   EXPECT_NEAR(ppk / double{kSamples}, 0.95, 0.02);
+  EXPECT_NEAR(withinAbove / double{kSamples}, 0.95, 0.02);
+  EXPECT_NEAR(overallBelow / double{kSamples}, 0.95, 0.02);
+  EXPECT_GT(overallTotal / double{kSamples}, 0.95);
+  RecordProperty("ppk", ppk);
+  RecordProperty("within above", withinAbove);
+  RecordProperty("overall below", overallBelow);
+  RecordProperty("overall total", overallTotal);
 }
 
 TEST(Capability, TargetOffTheMiddleCountsFromTheNearerLimit) {
@@ -188,10 +199,10 @@ TEST(Capability, ReportGathersTheIndicesOfBothDeviations) {
   EXPECT_DOUBLE_EQ(report.within.potential, 10 / (6 * report.sample.within));
   EXPECT_DOUBLE_EQ(report.overall.potential, 10 / (6 * report.sample.overall));
   EXPECT_DOUBLE_EQ(report.overall.least, std::min(report.overall.lower, report.overall.upper));
-  EXPECT_LT(report.cp.lower, report.within.potential);
-  EXPECT_GT(report.cp.upper, report.within.potential);
-  EXPECT_LT(report.ppk.lower, report.overall.least);
-  EXPECT_GT(report.ppk.upper, report.overall.least);
+  EXPECT_LT(report.withinIntervals.potential.lower, report.within.potential);
+  EXPECT_GT(report.withinIntervals.potential.upper, report.within.potential);
+  EXPECT_LT(report.overallIntervals.least.lower, report.overall.least);
+  EXPECT_GT(report.overallIntervals.least.upper, report.overall.least);
   int above = 0;
   for (const double x : values) above += x > 9 ? 1 : 0;
   EXPECT_EQ(report.observed.below, 0);
@@ -205,8 +216,9 @@ TEST(Capability, SamplesThatTellNothingGiveNoIndex) {
        {std::vector<double>{}, std::vector<double>{2}, std::vector<double>{2, 2, 2, 2},
         std::vector<double>{kNone, 2, kNone}}) {
     const CapabilityReport report = AnalyseCapability(values, limits);
-    for (const double value : {report.within.potential, report.overall.least, report.cpm, report.cp.lower,
-                               report.ppk.upper, report.expectedWithin.total}) {
+    for (const double value : {report.within.potential, report.overall.least, report.cpm,
+                               report.withinIntervals.potential.lower, report.overallIntervals.least.upper,
+                               report.expectedWithin.total, report.expectedWithinIntervals.total.lower}) {
       EXPECT_TRUE(IsNotSet(value)) << values.size();
     }
     EXPECT_EQ(IsNotSet(report.observed.total), values.empty());
@@ -239,7 +251,8 @@ TEST(Capability, PercentileIndicesStandOnTheDistribution) {
   const PercentileCapability oneSided = AnalysePercentiles(WeibullProcess(), {kNone, 35, kNone});
   EXPECT_EQ(oneSided.indices.least, c.indices.upper);
   EXPECT_TRUE(IsNotSet(oneSided.indices.potential));
-  EXPECT_EQ(oneSided.expected.below, 0);
+  EXPECT_TRUE(IsNotSet(oneSided.expected.below));
+  EXPECT_EQ(oneSided.expected.total, oneSided.expected.above);
   // A normal distribution has the indices by deviations, but for the rounding of the standard's percentages.
   const ProcessDistribution normalProcess{[](double p) { return Distribution<Normal>(5, 2).Quantile(p); },
                                           [](double x) { return Distribution<Normal>(5, 2).Cdf(x); },

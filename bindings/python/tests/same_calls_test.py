@@ -106,6 +106,12 @@ REFUSED_PROFILES = (
     ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz or .bvw, got r.txt (output)"),
     ({"formulas": [FORMULA], "output": "none/r.csv"}, "the folder of none/r.csv does not exist (output)"),
     ({"formulas": ["y = x"], "correlated": True}, "a single predictor has nothing to be correlated with (correlated)"),
+    ({"formulas": [FORMULA], "correlated": True, "fixed": {"x": 1}},
+     "a single random predictor has nothing to be correlated with (correlated)"),
+    ({"formulas": [FORMULA], "fixed": {"x": 1}, "truncate": {"x": (0, 2)}},
+     "'x': a predictor that is fixed has no draws (truncate)"),
+    ({"formulas": [FORMULA], "truncate": {"x": (None, None)}}, "'x' has no range that could be lifted (truncate)"),
+    ({"formulas": ["y = z", "z = y"]}, "the formula for y (it is predicted from itself)"),
     ({"formulas": [FORMULA], "output": "d.csv"}, "would replace d.csv, which is read (output)"),
     ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; fix it at a value (d.csv)"),
     ({"models": ["none.pmml"]}, "(none.pmml)"),
@@ -209,6 +215,15 @@ class SameCalls(unittest.TestCase):
                             REFUSED_SIMULATIONS)
         self.check_refusals("profile", "d.csv", lambda arguments: brenvolt.profile("d.csv", **arguments),
                             REFUSED_PROFILES)
+
+    def test_a_profile_that_predicts_nothing_fails_for_the_same_reasons(self):
+        arguments = {"formulas": ["y = ln(-1 - x * x)", "z = y + n"]}
+        status, said = self.refused_by_command("profile", "d.csv", *words(arguments))
+        with self.assertWarnsRegex(brenvolt.MessageWarning, "^Graph creation failed"):
+            refused = self.refused_by_python(lambda: brenvolt.profile("d.csv", **arguments))
+        self.assertEqual(refused, (status, said[1:]))
+        self.assertEqual(refused, (1, ["no run has a prediction (y: the formula gives no number; "
+                                       "z: field y, the value is missing)"]))
 
     def test_all_faults_are_said_at_once(self):
         faults = self.refused_by_command("fit", "d.csv", *words(REFUSED_FITS[-1][0]))[1]
@@ -316,7 +331,10 @@ class SameCalls(unittest.TestCase):
         for profile in expected["profiles"]:
             self.assertEqual(response.profiles[profile["predictor"]]["mean"].tolist(), profile["means"])
         capability = expected["capability"]
-        self.assertEqual(response.capability.loc["overall_above", "value"], capability["overall"]["expectedPpm"]["above"])
+        for row, expected in (("overall_above", capability["overall"]["expectedPpm"]["above"]),
+                              ("observed_below", capability["observedPpm"]["below"])):
+            value = expected["value"] if isinstance(expected, dict) else expected
+            numpy.testing.assert_equal(response.capability.loc[row, "value"], numpy.nan if value is None else value)
         self.assertEqual(response.capability_distribution, (capability["percentiles"] or {}).get("distribution", ""))
 
     def test_scores_are_the_same(self):

@@ -95,7 +95,7 @@ TEST(DefectDocuments, RatesOfIndependentRunsAloneHaveLimits) {
        {&"rate_lower"_column, &"rate_upper"_column, &"ppm_lower"_column, &"ppm_upper"_column})
     EXPECT_TRUE(std::isnan(stratified.rows[0].Number(*limit))) << limit->identifier;
   EXPECT_DOUBLE_EQ(stratified.rows[0].Number("defect_rate"_column), 0.3);
-  EXPECT_NE(stratified.title.find("\nNo confidence limits are given"), std::string::npos);
+  EXPECT_NE(stratified.title.find("\nNo confidence limits and p-values are given"), std::string::npos);
 }
 
 TEST(DefectDocuments, OnlyValidSpecificationsHaveARowBesideTheOverallOne) {

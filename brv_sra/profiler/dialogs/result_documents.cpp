@@ -39,10 +39,13 @@ std::unique_ptr<Spreadsheet> NewTable(std::int32_t title, const Variable& respon
   return NewResultSheet(FormatResource(title, response.Name()), std::move(cases));
 }
 
-// Says why a table has no confidence limits where it has none.
+void AddNote(Spreadsheet& sheet, std::string_view note) {
+  sheet.SetTitle(sheet.Title() + "\n" + std::string(note));
+}
+
+// Says why a table has no confidence limits or p-values where it has none.
 void ExplainLimits(const SimulatedResponse& response, Spreadsheet& sheet) {
-  if (response.independent) return;
-  sheet.SetTitle(sheet.Title() + "\n" + std::string(ResourceString(kResponseNoIntervals)));
+  if (!response.independent) AddNote(sheet, ResourceString(kResponseNoIntervals));
 }
 
 // What is not set is missing.
@@ -77,30 +80,40 @@ constexpr CapabilityRow kCapabilityRows[] = {
     {"within_deviation"_column, [](const Capability& c) { return c.report.sample.within; }},
     {"normal_p"_column, [](const Capability& c) { return c.normalPValue; }},
     {"cp"_column, [](const Capability& c) { return c.report.within.potential; },
-     [](const CapabilityReport& r) { return r.cp; }},
-    {"cpl"_column, [](const Capability& c) { return c.report.within.lower; }},
-    {"cpu"_column, [](const Capability& c) { return c.report.within.upper; }},
+     [](const CapabilityReport& r) { return r.withinIntervals.potential; }},
+    {"cpl"_column, [](const Capability& c) { return c.report.within.lower; },
+     [](const CapabilityReport& r) { return r.withinIntervals.lower; }},
+    {"cpu"_column, [](const Capability& c) { return c.report.within.upper; },
+     [](const CapabilityReport& r) { return r.withinIntervals.upper; }},
     {"cpk"_column, [](const Capability& c) { return c.report.within.least; },
-     [](const CapabilityReport& r) { return r.cpk; }},
+     [](const CapabilityReport& r) { return r.withinIntervals.least; }},
     {"cpm"_column, [](const Capability& c) { return c.report.cpm; }},
     {"pp"_column, [](const Capability& c) { return c.report.overall.potential; },
-     [](const CapabilityReport& r) { return r.pp; }},
-    {"ppl"_column, [](const Capability& c) { return c.report.overall.lower; }},
-    {"ppu"_column, [](const Capability& c) { return c.report.overall.upper; }},
+     [](const CapabilityReport& r) { return r.overallIntervals.potential; }},
+    {"ppl"_column, [](const Capability& c) { return c.report.overall.lower; },
+     [](const CapabilityReport& r) { return r.overallIntervals.lower; }},
+    {"ppu"_column, [](const Capability& c) { return c.report.overall.upper; },
+     [](const CapabilityReport& r) { return r.overallIntervals.upper; }},
     {"ppk"_column, [](const Capability& c) { return c.report.overall.least; },
-     [](const CapabilityReport& r) { return r.ppk; }},
+     [](const CapabilityReport& r) { return r.overallIntervals.least; }},
     {"observed_below"_column, [](const Capability& c) { return c.report.observed.below; },
      [](const CapabilityReport& r) { return r.observedIntervals.below; }},
     {"observed_above"_column, [](const Capability& c) { return c.report.observed.above; },
      [](const CapabilityReport& r) { return r.observedIntervals.above; }},
     {"observed_total"_column, [](const Capability& c) { return c.report.observed.total; },
      [](const CapabilityReport& r) { return r.observedIntervals.total; }},
-    {"within_below"_column, [](const Capability& c) { return c.report.expectedWithin.below; }},
-    {"within_above"_column, [](const Capability& c) { return c.report.expectedWithin.above; }},
-    {"within_total"_column, [](const Capability& c) { return c.report.expectedWithin.total; }},
-    {"overall_below"_column, [](const Capability& c) { return c.report.expectedOverall.below; }},
-    {"overall_above"_column, [](const Capability& c) { return c.report.expectedOverall.above; }},
-    {"overall_total"_column, [](const Capability& c) { return c.report.expectedOverall.total; }},
+    {"within_below"_column, [](const Capability& c) { return c.report.expectedWithin.below; },
+     [](const CapabilityReport& r) { return r.expectedWithinIntervals.below; }},
+    {"within_above"_column, [](const Capability& c) { return c.report.expectedWithin.above; },
+     [](const CapabilityReport& r) { return r.expectedWithinIntervals.above; }},
+    {"within_total"_column, [](const Capability& c) { return c.report.expectedWithin.total; },
+     [](const CapabilityReport& r) { return r.expectedWithinIntervals.total; }},
+    {"overall_below"_column, [](const Capability& c) { return c.report.expectedOverall.below; },
+     [](const CapabilityReport& r) { return r.expectedOverallIntervals.below; }},
+    {"overall_above"_column, [](const Capability& c) { return c.report.expectedOverall.above; },
+     [](const CapabilityReport& r) { return r.expectedOverallIntervals.above; }},
+    {"overall_total"_column, [](const Capability& c) { return c.report.expectedOverall.total; },
+     [](const CapabilityReport& r) { return r.expectedOverallIntervals.total; }},
     {"low_point"_column, [](const Capability& c) { return c.percentile.low; }},
     {"median_point"_column, [](const Capability& c) { return c.percentile.median; }},
     {"high_point"_column, [](const Capability& c) { return c.percentile.high; }},
@@ -112,11 +125,25 @@ constexpr CapabilityRow kCapabilityRows[] = {
     {"percentile_above"_column, [](const Capability& c) { return c.percentile.expected.above; }},
     {"percentile_total"_column, [](const Capability& c) { return c.percentile.expected.total; }}};
 
+bool IsRejected(double normalPValue) {
+  return !IsNotSet(normalPValue) && normalPValue < kRejection;
+}
+
 // The best fit where the normal distribution is another and is rejected; null otherwise.
 const DistributionFit* BestInsteadOfNormal(const VariableFit& fit, double normalPValue) {
   const auto best = DefaultFit(fit.fits, fit.ranked);
   if (!best || fit.fits[*best].specification.code == DistributionCode::kNormal) return nullptr;
-  return !IsNotSet(normalPValue) && normalPValue < kRejection ? &fit.fits[*best] : nullptr;
+  return IsRejected(normalPValue) ? &fit.fits[*best] : nullptr;
+}
+
+// What has to be known of the indices and parts per million of a response that is not normal.
+void ExplainRejection(const SimulatedResponse& response, const Capability& capability, bool hasPercentiles,
+                      Spreadsheet& sheet) {
+  const std::string& name = response.Column().Name();
+  if (hasPercentiles && response.independent)
+    AddNote(sheet, FormatResource(kResponsePercentilesNoLimits, name));
+  const bool isUnexplained = IsRejected(capability.normalPValue) && IsNotSet(capability.percentile.median);
+  if (isUnexplained) AddNote(sheet, FormatResource(kResponseNotNormal, name));
 }
 
 PercentileCapability PercentilesOf(const DistributionFit& fit, const SpecificationLimits& limits) {
@@ -145,9 +172,11 @@ std::unique_ptr<Spreadsheet> StatisticsTable(const SimulatedResponse& response) 
   auto sheet = NewTable(kResponseTitleStatistics, response.Column(), {response.Column().Name()});
   AddNumbers(*sheet, "n"_column, [&](std::size_t) { return static_cast<double>(moments.count); });
   AddNumbers(*sheet, "missing"_column, [&](std::size_t) { return static_cast<double>(moments.missing); });
+  // The codes of classes are no measurements.
+  const bool isOfClasses = response.Column().Type() == VariableType::kText;
   for (const MomentColumn& moment : MomentColumns()) {
     AddNumbers(*sheet, moment.column, [&](std::size_t) {
-      return moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
+      return !isOfClasses && moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
     });
   }
   return sheet;
@@ -164,10 +193,14 @@ std::unique_ptr<Spreadsheet> CorrelationTable(const SimulatedResponse& response,
   std::vector<SensitivityRow> rows = sensitivity.rows;
   std::ranges::sort(rows, {}, &SensitivityRow::predictor);
   auto sheet = NewTable(kResponseTitleCorrelations, response.Column(), PredictorNames(response));
+  const auto pValue = [&](const CorrelationTest& test) {
+    return response.independent ? test.pValue : kNotSet;
+  };
   AddNumbers(*sheet, "pearson"_column, [&](std::size_t i) { return rows[i].linear.coefficient; });
-  AddNumbers(*sheet, "pearson_p"_column, [&](std::size_t i) { return rows[i].linear.pValue; });
+  AddNumbers(*sheet, "pearson_p"_column, [&](std::size_t i) { return pValue(rows[i].linear); });
   AddNumbers(*sheet, "spearman"_column, [&](std::size_t i) { return rows[i].rank.coefficient; });
-  AddNumbers(*sheet, "spearman_p"_column, [&](std::size_t i) { return rows[i].rank.pValue; });
+  AddNumbers(*sheet, "spearman_p"_column, [&](std::size_t i) { return pValue(rows[i].rank); });
+  ExplainLimits(response, *sheet);
   return sheet;
 }
 
@@ -277,15 +310,18 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   }
   auto sheet = NewTable(kResponseTitleCapability, response.Column(), std::move(names));
   sheet->SetCaseIdentifiers(std::move(identifiers));
+  Capability shown = capability;
+  if (!response.independent) shown.normalPValue = kNotSet;
   const auto limit = [&](std::size_t i, double ConfidenceInterval::*side) {
     const auto interval = kCapabilityRows[i].interval;
     return interval == nullptr || !response.independent ? kNotSet : interval(capability.report).*side;
   };
-  AddNumbers(*sheet, "value"_column, [&](std::size_t i) { return kCapabilityRows[i].value(capability); });
+  AddNumbers(*sheet, "value"_column, [&](std::size_t i) { return kCapabilityRows[i].value(shown); });
   AddNumbers(*sheet, "lower"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::lower); });
   AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
   AddDescriptionColumn(*sheet, best);
   ExplainLimits(response, *sheet);
+  ExplainRejection(response, capability, best != nullptr, *sheet);
   return sheet;
 }
 

@@ -178,7 +178,9 @@ TEST(ResultDocuments, StratifiedRunsHaveNoLimits) {
   const auto capability = CapabilityDocument(response, noFit);
   const Spreadsheet* tables[] = {&percentiles, capability.get()};
   for (const Spreadsheet* table : tables) {
-    EXPECT_NE(table->Title().find("\nNo confidence limits are given"), std::string::npos) << table->Title();
+    EXPECT_EQ(table->Title().find("Y: the normal"), std::string::npos) << "nothing was tested";
+    EXPECT_NE(table->Title().find("\nNo confidence limits and p-values are given"), std::string::npos)
+        << table->Title();
     const ResultTable rows = ReadResultTable(*table);
     for (const ResultRow& row : rows.rows) {
       EXPECT_TRUE(std::isnan(row.Number("lower"_column))) << row.name;
@@ -186,6 +188,10 @@ TEST(ResultDocuments, StratifiedRunsHaveNoLimits) {
     }
   }
   EXPECT_NEAR(Cell(percentiles, "P50"), 22, 0.1);
+  const Spreadsheet& correlations = *summary[static_cast<std::size_t>(SummaryDocument::kCorrelations)];
+  EXPECT_GT(Cell(correlations, "A", "spearman"_column), 0.5);
+  EXPECT_TRUE(std::isnan(Cell(correlations, "A", "spearman_p"_column)));
+  EXPECT_TRUE(std::isnan(Cell(*capability, "normal_p"_column)));
   design.predictors[0].setting = PredictorSetting::kFixed;
   design.predictors[0].fixedValue = 10;
   EXPECT_TRUE(RunProfiler(design, port)->independent) << "a single random predictor has no correlations";
@@ -200,6 +206,26 @@ TEST(CapabilityDocument, TheNormalityTestAllowsForTheFittedParameters) {
   EXPECT_EQ(Cell(*table, "normal_p"_column), test.pValue);
   EXPECT_LT(test.pValue, 0.005);
   EXPECT_FALSE(std::isnan(Cell(*table, "high_point"_column)));
+  EXPECT_NE(table->Title().find(
+                "\nY: the normal distribution is rejected at 5 %. The indices by percentiles apply"),
+            std::string::npos)
+      << table->Title();
+}
+
+// Two separate humps: no distribution with one comes closer than the normal, which is far off.
+TEST(CapabilityDocument, ARejectedNormalDistributionWithoutABetterOneIsSaid) {
+  auto values = Quantiles(DistributionCode::kNormal, {0, 1}, 200, 67);
+  const auto right = Quantiles(DistributionCode::kNormal, {9, 1}, 200, 67);
+  values.insert(values.end(), right.begin(), right.end());
+  VariableFit normalOnly;
+  normalOnly.name = "Y";
+  const Spreadsheet sheet = SheetOf({{"Y", values}});
+  const auto table = CapabilityDocument({sheet, 0, 0, {-3, 12, kNan}}, normalOnly);
+  EXPECT_LT(Cell(*table, "normal_p"_column), 0.05);
+  EXPECT_TRUE(std::isnan(Cell(*table, "high_point"_column)));
+  EXPECT_NE(table->Title().find("\nY: the normal distribution is rejected at 5 %, and no other fits better."),
+            std::string::npos)
+      << table->Title();
 }
 
 // The distribution's own points, exp(-3 s), 1 and exp(3 s), make every index by percentiles 1 at these
@@ -218,8 +244,8 @@ TEST(CapabilityDocument, SkewedResponseTakesPercentilesFromItsBestFitNotFromItsE
     double below;
     double above;
   } cases[] = {{{low, high, kNan}, 1, 1, 1, 1350, 1350},
-               {{kNan, high, kNan}, kNan, kNan, 1, 0, 1350},
-               {{low, kNan, kNan}, kNan, 1, kNan, 1350, 0}};
+               {{kNan, high, kNan}, kNan, kNan, 1, kNan, 1350},
+               {{low, kNan, kNan}, kNan, 1, kNan, 1350, kNan}};
   const auto near = [](double value, double expected, double tolerance) {
     return std::isnan(expected) ? std::isnan(value) : std::abs(value - expected) <= tolerance;
   };
@@ -248,6 +274,7 @@ TEST(CapabilityDocument, RunsWithoutPredictionAreCountedAndLeftOut) {
   EXPECT_EQ(Cell(*table, "mean"_column), 2.5);
   EXPECT_EQ(Cell(*table, "observed_above"_column), 250000);
   EXPECT_EQ(Cell(*table, "observed_below"_column), 0);
+  EXPECT_TRUE(std::isnan(Cell(*CapabilityOf({1, 2, 4}, {kNan, 3.5, kNan}), "observed_below"_column)));
   EXPECT_EQ(Cell(*table, "usl"_column), 3.5);
 }
 
