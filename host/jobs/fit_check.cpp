@@ -193,6 +193,9 @@ class FitCheck {
       const FittedType* type = TypeNamed("order", name, faults_);
       if (type == nullptr) continue;
       RequireTried("order", *type);
+      if (type->continuous == Holds(job_.variables.discrete, order.variable))
+        Add("order", Quoted(order.variable) + ": the " + type->name + " distribution is for " +
+                         (type->continuous ? "continuous variables" : "discrete variables"));
       names.emplace_back(type->name);
     }
     CheckOnce("order", std::move(names), faults_);

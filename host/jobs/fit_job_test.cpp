@@ -128,6 +128,17 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
          job.order = {{"x", {"gev", "generalextremevalue"}}};
        },
        "order: 'generalextremevalue' is given twice"},
+      {[](FitJob& job) {
+         job.save = "p.bvw";
+         job.order = {{"x", {"poisson"}}};
+       },
+       "order: 'x': the poisson distribution is for discrete variables"},
+      {[](FitJob& job) {
+         job.save = "p.bvw";
+         job.variables.discrete = {"x"};
+         job.order = {{"x", {"poisson", "gev"}}};
+       },
+       "order: 'x': the generalextremevalue distribution is for continuous variables"},
   };
   for (const auto& c : cases) {
     FitJob job;
