@@ -174,9 +174,11 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
     Property("DiscreteBayesCriterion", 0x60030056, kInteger, kInteger,
              "Whether fits of discrete variables are ranked by the Bayesian information criterion. Putting "
              "true chooses it; putting false changes nothing."),
-    Property("ContradictedFitsLast", 0x60030058, kInteger, kBoolean,
-             "Whether fits that give a value of the data density 0 are ranked behind all others, and saved "
-             "only if an order names them or no other fit is valid."),
+    Property(
+        "ContradictedFitsLast", 0x60030058, kInteger, kBoolean,
+        "Whether fits that give a value of the data density 0 are ranked behind all others by "
+        "Kolmogorov-Smirnov and Anderson-Darling, too, and saved only if an order names them or no other "
+        "fit is valid."),
 }};
 
 }  // namespace fit_distribution_interface
