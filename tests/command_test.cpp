@@ -650,6 +650,8 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--offset", "a=3"},
        2,
        "expected VARIABLE:DISTRIBUTION=NUMBER, got 'a=3' (--offset)"},
+      {{"fit", "weights.csv", "--save", ""}, 2, "--save needs a value"},
+      {{"fit", "text.csv", "--distributions", "normal"}, 1, "no numeric variable; these are text: a"},
       {{"fit", "weights.csv", "--missing", "never"},
        2,
        "expected one of casewise, pairwise; got 'never' (--missing)"},

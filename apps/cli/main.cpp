@@ -43,11 +43,24 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
                                  names);
 }
 
+// An empty word behind an option is mostly a variable of a script that is not set. It means none to two of them.
+void RefuseEmptyValues(const std::vector<std::string>& arguments) {
+  for (std::size_t i = 1; i < arguments.size(); ++i) {
+    const std::string& option = arguments[i - 1];
+    const bool isOption =
+        option.size() > 1 && option.starts_with('-') && option.find('=') == std::string::npos;
+    if (arguments[i].empty() && isOption && option != "--weights" && option != "--select")
+      throw brenvolt::cli::WrongCall(option + " needs a value");
+  }
+}
+
 // The arguments as the parser takes them, last first. Everything after a macro's file belongs to the macro,
 // even if it looks like an option.
 std::vector<std::string> Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
-  if (!arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb) {
+  const bool isMacro = !arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb;
+  if (!isMacro) RefuseEmptyValues(arguments);
+  if (isMacro) {
     auto file = arguments.begin() + 1;
     if (file != arguments.end() && *file == kRecordOption)
       file += std::min<std::ptrdiff_t>(2, arguments.end() - file);

@@ -23,13 +23,18 @@ std::int32_t PlaceOf(const std::string& variable, const std::vector<std::string>
   return static_cast<std::int32_t>(std::ranges::find(list, variable) - list.begin() + 1);
 }
 
-// Text variables cannot be fitted; one misspelt number turns a whole column into text.
-void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
+std::string TextVariables(const Spreadsheet& sheet) {
   std::string names;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     if (sheet.VariableAt(i).Type() != VariableType::kText) continue;
     names += (names.empty() ? "" : ", ") + sheet.VariableAt(i).Name();
   }
+  return names;
+}
+
+// Text variables cannot be fitted; one misspelt number turns a whole column into text.
+void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
+  const std::string names = TextVariables(sheet);
   if (!names.empty()) interface.ShowMessage({"text variables are left out: " + names, {}, {}});
 }
 
@@ -93,8 +98,10 @@ FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& shee
     if (variable.Type() == VariableType::kNumeric && sheet.WeightVariable() != i)
       chosen.continuous.push_back(variable.Name());
   }
-  if (chosen.continuous.empty()) throw Error("the sheet has no numeric variable", "sheet " + sheet.Name());
-  return chosen;
+  if (!chosen.continuous.empty()) return chosen;
+  const std::string texts = TextVariables(sheet);
+  throw Error("the sheet has no numeric variable" + (texts.empty() ? "" : "; these are text: " + texts),
+              "sheet " + sheet.Name());
 }
 
 // A new variable has some distributions checked: all are put, the ones not asked for as unchecked.

@@ -148,6 +148,8 @@ def set_field(target, field, value):
     words, fits = _accepted(kind)
     if not fits(value):
         refuse(field, words.removesuffix(" or None"), value)
+    if kind == "os.PathLike" and not os.fspath(value):
+        raise ValueError(f"{field} must not be empty")
     try:
         setattr(target, field, value)
     except TypeError as error:

@@ -256,6 +256,7 @@ class Fits(Folder):
                  ({"offsets": {"x": {"weibull": 10**400}}}, ValueError, r"\['weibull'\] is too large a number"),
                  ({"trials": {"x": True}}, TypeError, r"trials\['x'\] must be a number, not bool"),
                  ({"save": 3}, TypeError, "save must be a path, not int"),
+                 ({"save": ""}, ValueError, "save must not be empty"),
                  ({"sheet": 3}, TypeError, "sheet must be a name, not int")]
         for arguments, kind, message in cases:
             with self.assertRaisesRegex(kind, message):
