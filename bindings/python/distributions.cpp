@@ -126,12 +126,17 @@ void MarkOutside(std::span<const double> p, std::span<double> out) {
   }
 }
 
-// Numbers, real ones, that a function is asked for. Throws TypeError for anything else.
+// Numbers, real ones, that a function is asked for; NaN for those that a NumPy mask hides. Throws TypeError for anything
+// else.
 Numbers NumbersFrom(const char* name, const py::object& x) {
   const py::array given = py::array::ensure(x);
   constexpr std::string_view kKinds = "biufO";
   if (given && kKinds.find(given.dtype().kind()) != std::string_view::npos) {
-    if (Numbers numbers = Numbers::ensure(given)) return numbers;
+    const bool isMasked = py::hasattr(x, "mask") && py::hasattr(x, "filled");
+    constexpr double kHidden = std::numeric_limits<double>::quiet_NaN();
+    const py::object plain =
+        isMasked ? py::object(x.attr("astype")("float64").attr("filled")(kHidden)) : py::object(given);
+    if (Numbers numbers = Numbers::ensure(plain)) return numbers;
   }
   PyErr_Clear();
   RefuseType(name, "a number or an array of numbers", x);

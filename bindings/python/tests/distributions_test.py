@@ -130,6 +130,20 @@ class Arguments(unittest.TestCase):
             for index in numpy.ndindex(values.shape):
                 self.assertEqual(values[index], weibull.pdf(float(numpy.asarray(given)[index])))
 
+    def test_what_a_mask_hides_has_no_value(self):
+        hidden = numpy.ma.masked_array([0.25, 0.5, 0.75], [False, True, False])
+        for function in (Normal(0, 1).pdf, Normal(0, 1).cdf, Normal(0, 1).ppf):
+            self.assertEqual(numpy.isnan(function(hidden)).tolist(), [False, True, False])
+        self.assertEqual(Normal(0, 1).cdf(numpy.ma.masked_array([0, 1]))[0], 0.5)
+
+    def test_arguments_that_make_no_distribution_are_named(self):
+        cases = ((lambda: distributions.from_code("a", [1]), "code must be a whole number, not str"),
+                 (lambda: distributions.from_code(0, 5), "values must be a list of numbers, not int"),
+                 (lambda: distributions.Distribution([1, 2]), "make one of those, such as Normal"))
+        for make, message in cases:
+            with self.assertRaisesRegex(TypeError, message):
+                make()
+
     def test_probabilities_outside_0_to_1_have_no_quantile(self):
         for kind in (Normal(0, 1), Poisson(3)):
             self.assertTrue(numpy.isnan(kind.ppf([-1e-9, 1.5, math.nan])).all())
