@@ -235,7 +235,7 @@ void BindAutomation(py::module_& module) {
       .def_readonly("caption", &Message::caption, "The caption of its box.")
       .def("__repr__", [](const Message& message) { return "<Message " + message.text + ">"; });
   py::class_<AnalysisRef, Analysis>(module, "AnalysisRef")
-      .def(py::init<std::shared_ptr<SheetRef>>(), InHost(), py::arg("sheet"))
+      .def(py::init<std::shared_ptr<SheetRef>>(), InHost(), py::arg("sheet").none(false))
       .def_property_readonly("dialog", py::cpp_function(&DialogOf, InHost()))
       .def_property_readonly("documents", py::cpp_function(&DocumentsOf, InHost()))
       .def_property_readonly(

@@ -358,7 +358,7 @@ void BindJobs(py::module_& module) {
         TakeFormerProperties(path, sheet->Sheet());
         TheJob().Called(nullptr, "TakeFormerProperties", {RecordedName(sheet), PythonPath(path)});
       },
-      InHost());
+      InHost(), py::arg("sheet"), py::arg("path"));
   module.def("_code_of", &CodeOf);
   module.def("_first_saved", &FirstSavedOf);
   py::dict graphs;
@@ -367,7 +367,7 @@ void BindJobs(py::module_& module) {
   module.attr("_fit_graphs") = graphs;
   module.attr("_matrix_rows") = py::make_tuple(matrix_row::kMeans, matrix_row::kStandardDeviations,
                                                matrix_row::kValidCases, matrix_row::kType);
-  module.def("_save_fits", &SaveFitsOf, InHost());
+  module.def("_save_fits", &SaveFitsOf, InHost(), py::arg("sheet"), py::arg("matrix"), py::arg("path"));
   module.def(
       "_fitted_sheet",
       [](const std::shared_ptr<WorkbookRef>& workbook, const std::string& name) {
@@ -376,16 +376,17 @@ void BindJobs(py::module_& module) {
       },
       InHost());
   module.def("_saved_matrix", &SavedMatrixOf, InHost());
-  module.def("_named_matrix", &MatrixNamed, InHost());
-  module.def("_append", &Append, InHost());
+  module.def("_named_matrix", &MatrixNamed, InHost(), py::arg("name"), py::arg("sheet"));
+  module.def("_append", &Append, InHost(), py::arg("path"), py::arg("sheets"));
   module.def(
       "_write_fit_graphs",
       [](const std::shared_ptr<AnalysisRef>& analysis, const std::filesystem::path& path) {
         WriteFitGraphs(analysis->Analysis(), path, TheJob());
       },
-      InHost());
-  module.def("_import", &Import, InHost());
-  module.def("_export", &Export, InHost());
+      InHost(), py::arg("analysis"), py::arg("path"));
+  module.def("_import", &Import, InHost(), py::arg("file"), py::arg("project"), py::arg("sheet"),
+             py::arg("kind"), py::arg("decimal_comma"));
+  module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));
   module.def(
       "_matrix_from_table",
       [](const Sheet& table) {

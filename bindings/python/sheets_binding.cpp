@@ -450,7 +450,7 @@ void BindWorkbook(py::module_& module) {
             RecordGiven("sheet", book.get(), "Add", {name}, added);
             return added;
           },
-          InHost(), py::arg("sheet"),
+          InHost(), py::arg("sheet").none(false),
           "Appends a sheet and returns the one in the workbook: a free sheet itself, of any other a copy. "
           "Where its name is taken, a number is put behind it.")
       .def(

@@ -12,7 +12,7 @@ import functools
 import os
 from typing import TYPE_CHECKING, Any
 
-from . import _brenvolt
+from . import _arguments, _brenvolt
 
 if TYPE_CHECKING:
     import pandas
@@ -364,8 +364,12 @@ class Analysis:
         return f"<Analysis of {self.sheet.name}>"
 
 
-def _sheet(table):
-    return table.sheet if isinstance(table, TableDocument) else table
+def _sheet(table, what="sheet"):
+    if isinstance(table, TableDocument):
+        return table.sheet
+    if not isinstance(table, _brenvolt.Spreadsheet):
+        _arguments.refuse(what, "a Spreadsheet or a TableDocument", table)
+    return table
 
 
 class Application:
@@ -395,24 +399,26 @@ class Application:
 
     def take_former_properties(self, sheet: _brenvolt.Spreadsheet, path: str | os.PathLike) -> None:
         """Gives a sheet what a project holds for the same data: fits and truncations of its variables."""
-        _brenvolt._take_former_properties(sheet, path)
+        _brenvolt._take_former_properties(_sheet(sheet), path)
 
     def save_fits(self, sheet: _brenvolt.Spreadsheet, matrix: _brenvolt.Spreadsheet | TableDocument | None,
                   path: str | os.PathLike) -> None:
         """Saves a fitted sheet with the correlation matrix of its fits in a project (.bvw), created if missing."""
-        _brenvolt._save_fits(sheet, _sheet(matrix), path)
+        _brenvolt._save_fits(_sheet(sheet), None if matrix is None else _sheet(matrix, "matrix"), path)
 
     def write_fit_graphs(self, analysis: Analysis, path: str | os.PathLike) -> None:
         """Writes the data of the graphs of fits, whose results are the open dialog, as JSON."""
+        if not isinstance(analysis, Analysis):
+            _arguments.refuse("analysis", "an Analysis", analysis)
         _brenvolt._write_fit_graphs(analysis._analysis, path)
 
     def saved_matrix(self, sheet: _brenvolt.Spreadsheet) -> _brenvolt.Spreadsheet | None:
         """A copy of the correlation matrix saved with the fits of a sheet of a project."""
-        return _brenvolt._saved_matrix(sheet)
+        return _brenvolt._saved_matrix(_sheet(sheet))
 
     def named_matrix(self, name: str, sheet: _brenvolt.Spreadsheet) -> _brenvolt.Spreadsheet:
         """The correlation matrix of that name: a sheet of the sheet's project, PROJECT.bvw[:SHEET], or a CSV file."""
-        return _brenvolt._named_matrix(name, sheet)
+        return _brenvolt._named_matrix(name, _sheet(sheet))
 
     def append(self, path: str | os.PathLike, *sheets: _brenvolt.Spreadsheet | TableDocument) -> list[str]:
         """Adds sheets to a project (.bvw), created if missing, and returns their names there."""
@@ -438,11 +444,13 @@ class Application:
         the model refuses a value. The predictions' `unpredicted` says why cases have none.
         """
         job = _brenvolt.ScoreJob()
-        job.model, job.probabilities, job.leave_invalid = model, probabilities, leave_invalid
-        if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)):
-            return job.run(_sheet(data))
-        job.data, job.sheet, job.decimal_comma = data, sheet, decimal_comma
-        return job.run(None)
+        fields = {"model": model, "probabilities": probabilities, "leave_invalid": leave_invalid}
+        cases = _sheet(data) if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)) else None
+        if cases is None:
+            fields.update(data=data, sheet=sheet, decimal_comma=decimal_comma)
+        for field, value in fields.items():
+            _arguments.set_field(job, field, value)
+        return job.run(cases)
 
     Open = open
     NewWorkbook = new_workbook

@@ -74,6 +74,8 @@ REFUSED_FITS = (
     ({"save": "p.bvw", "truncate": {"z": (1, 2)}}, "'z' is not fitted (truncate)"),
     ({"save": "p.bvw", "order": {"x": ["gev", "normal", "GEV"]}}, "'generalextremevalue' is given twice (order)"),
     ({"save": "p.bvw", "order": {"x": ["weibul"]}}, "bernoulli, histogram (order)"),
+    ({"save": "p.bvw", "continuous": ["x"], "order": {"x": ["poisson"]}},
+     "'x': the poisson distribution is for discrete variables (order)"),
     ({"save": "p.bvw", "order": {"x": ["weibull"]}, "distributions": ["gev"]}, "weibull distribution is not tried"
                                                                                " (order)"),
     ({"rank_by": "caic", "mixtures": {"x": 0.5}, "bootstrap": 0}, "got 0 (bootstrap)"),

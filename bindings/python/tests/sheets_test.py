@@ -123,7 +123,7 @@ class Pandas(unittest.TestCase):
                 numpy.testing.assert_array_equal(sheet["x"], [1, float("nan"), 3], repr(column))
 
     def test_wrong_arguments_are_named_with_what_is_accepted(self):
-        sheet, workbook = Spreadsheet("s"), Workbook()
+        sheet, workbook, application = Spreadsheet("s"), Workbook(), brenvolt.Application()
         sheet["x"] = [1.0, 2.0]
         variable = sheet.variable("x")
         cases = ((lambda: brenvolt.read_csv(5), TypeError, "path must be a path, not int"),
@@ -144,6 +144,20 @@ class Pandas(unittest.TestCase):
                  (lambda: setattr(variable, "values", [1j, 2]), TypeError, "values of 'x' must be numbers, not complex"),
                  (lambda: variable.set_property("a", 5), TypeError, "value must be a text, not int"),
                  (lambda: workbook.add(5), TypeError, "sheet must be a Spreadsheet, not int"),
+                 (lambda: workbook.add(None), TypeError, "sheet must be a Spreadsheet, not NoneType"),
+                 (lambda: brenvolt.Analysis(None), TypeError, "sheet must be a Spreadsheet or a TableDocument, not NoneType"),
+                 (lambda: application.Append("p.bvw", None), TypeError, "sheet must be a Spreadsheet or a TableDocument"),
+                 (lambda: application.SaveFits(None, None, "p.bvw"), TypeError, "sheet must be a Spreadsheet or"),
+                 (lambda: application.SaveFits(sheet, 5, "p.bvw"), TypeError, "matrix must be a Spreadsheet or"),
+                 (lambda: application.SavedMatrix(None), TypeError, "sheet must be a Spreadsheet or"),
+                 (lambda: application.NamedMatrix("m", None), TypeError, "sheet must be a Spreadsheet or"),
+                 (lambda: application.NamedMatrix(5, sheet), TypeError, "name must be a text, not int"),
+                 (lambda: application.TakeFormerProperties(None, "p.bvw"), TypeError, "sheet must be a Spreadsheet or"),
+                 (lambda: application.WriteFitGraphs(None, "g.json"), TypeError, "analysis must be an Analysis"),
+                 (lambda: application.Import(5, "p.bvw"), TypeError, "file must be a path, not int"),
+                 (lambda: application.Export("p.bvw", 5), TypeError, "file must be a path, not int"),
+                 (lambda: application.Score(5, sheet), TypeError, "model must be a path, not int"),
+                 (lambda: application.Score("m.pmml", None), TypeError, "data must be a path, not NoneType"),
                  (lambda: workbook.save(5), TypeError, "path must be a path or None, not int"))
         for call, kind, message in cases:
             with self.subTest(message), self.assertRaisesRegex(kind, message):
