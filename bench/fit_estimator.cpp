@@ -12,7 +12,15 @@
 #include <string>
 #include <vector>
 
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/distributions/half_normal.h"
+#include "host/numeric/distributions/log_normal.h"
+#include "host/numeric/distributions/rayleigh.h"
+#include "host/numeric/estimation/folded_normal_estimator.h"
+#include "host/numeric/estimation/gev_estimators.h"
+#include "host/numeric/estimation/gpd_estimators.h"
+#include "host/numeric/estimation/johnson_estimators.h"
+#include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
+#include "host/numeric/estimation/normal_estimator.h"
 
 namespace brenvolt {
 namespace {

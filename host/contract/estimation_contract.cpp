@@ -3,7 +3,12 @@
 #include <algorithm>
 #include <array>
 
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/distributions/half_normal.h"
+#include "host/numeric/distributions/log_normal.h"
+#include "host/numeric/distributions/rayleigh.h"
+#include "host/numeric/estimation/gev_estimators.h"
+#include "host/numeric/estimation/gpd_estimators.h"
+#include "host/numeric/estimation/normal_estimator.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 
 namespace brenvolt {

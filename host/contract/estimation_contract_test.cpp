@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "host/numeric/distributions/all_distributions.h"
+#include "host/numeric/estimation/gev_estimators.h"
 
 namespace brenvolt {
 namespace {

@@ -7,6 +7,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/number_text.h"
+#include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
 
 namespace brenvolt::sra {
 namespace {

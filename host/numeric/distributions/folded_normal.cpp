@@ -8,6 +8,7 @@
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/estimation/folded_normal_estimator.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"

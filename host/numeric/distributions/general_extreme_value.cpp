@@ -5,6 +5,7 @@
 #include <array>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/estimation/gev_estimators.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/special/log_one_plus.h"

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/estimation/gpd_estimators.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"

@@ -9,6 +9,17 @@
 #include "host/numeric/vector/standard_normal.h"
 
 namespace brenvolt {
+
+EstimationResult<ScaleEstimate> EstimateHalfNormal(std::span<const double> data, double offset) {
+  auto sample = estimation::AboveOffset(data, offset, true);
+  if (!sample) return sample.Reason();
+  const double scale = sample->InUnitsOfData(std::sqrt(estimation::MeanSquare(sample->values)));
+  if (!(scale > 0.0)) return Fault{EstimationFault::kNoSpread};
+  const auto n = static_cast<double>(data.size());
+  return estimation::IfFinite(
+      {scale, scale / std::sqrt(2.0 * n), n * (std::numbers::ln2 - kLogSqrtTwoPi - std::log(scale) - 0.5)});
+}
+
 template <>
 struct FormulasOf<HalfNormal> {
   double scale;

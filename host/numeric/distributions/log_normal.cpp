@@ -3,12 +3,21 @@
 
 #include <array>
 #include <numbers>
+#include <vector>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
+
+EstimationResult<NormalEstimate> EstimateLogNormal(std::span<const double> data, double offset) {
+  if (auto checked = estimation::CheckAboveOffset(data, 2, offset, false); !checked) return checked.Reason();
+  std::vector<double> logs;
+  logs.reserve(data.size());
+  for (const double x : data) logs.push_back(std::log(x - offset));
+  return EstimateNormal(logs);
+}
 
 template <>
 struct FormulasOf<LogNormal> {

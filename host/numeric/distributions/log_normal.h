@@ -1,6 +1,8 @@
 // The log-normal distribution: ln(x - threshold) is normal with mean `scale` and standard deviation `shape`.
 #pragma once
 
+#include <span>
+
 #include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
@@ -14,6 +16,9 @@ struct LogNormal {
       .curves = {"Lognorm", "iLognorm"},
       .estimation = {.copiesSample = true}};
 };
+
+// Mean and standard deviation (divisor n) of ln(x - offset). kValueAtOffset.
+EstimationResult<NormalEstimate> EstimateLogNormal(std::span<const double> data, double offset);
 
 extern template class Distribution<LogNormal>;
 

@@ -9,6 +9,22 @@
 #include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
+
+EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset) {
+  auto sample = estimation::AboveOffset(data, offset, false);
+  if (!sample) return sample.Reason();
+  const auto n = static_cast<double>(data.size());
+  const double scaled = std::sqrt(0.5 * estimation::MeanSquare(sample->values));
+  // Of the logarithms of x / scale, which needs no units.
+  const double logs =
+      estimation::SumOverBlocks(sample->values, [scaled](std::span<const double> x, std::span<double> out) {
+        for (std::size_t i = 0; i < x.size(); ++i) out[i] = x[i] / scaled;
+        elementary::Log(out, out);
+      });
+  const double scale = sample->InUnitsOfData(scaled);
+  return estimation::IfFinite({scale, scale / std::sqrt(4.0 * n), logs - n * (std::log(scale) + 1.0)});
+}
+
 template <>
 struct FormulasOf<Rayleigh> {
   double scale;

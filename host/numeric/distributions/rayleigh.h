@@ -1,6 +1,8 @@
 // The Rayleigh distribution: the length of a plane normal vector with deviation `scale` along each axis.
 #pragma once
 
+#include <span>
+
 #include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
@@ -13,6 +15,10 @@ struct Rayleigh {
                                             .curves = {"Rayl", "IRayl"},
                                             .estimation = {.copiesSample = true}};
 };
+
+// The scale is the root of half the mean square of x - offset, in closed form; its standard error is scale /
+// sqrt(4 n). The density is zero at the offset: kValueAtOffset.
+EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset);
 
 extern template class Distribution<Rayleigh>;
 

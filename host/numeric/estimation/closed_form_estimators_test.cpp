@@ -4,8 +4,12 @@
 #include <limits>
 #include <vector>
 
+#include "host/numeric/distributions/half_normal.h"
+#include "host/numeric/distributions/log_normal.h"
+#include "host/numeric/distributions/rayleigh.h"
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/folded_normal_estimator.h"
+#include "host/numeric/estimation/normal_estimator.h"
 
 namespace brenvolt {
 namespace {

@@ -11,6 +11,7 @@
 
 #include "host/base/almost_equal.h"
 #include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/normal_estimator.h"
 
 namespace brenvolt {
 
@@ -74,6 +75,13 @@ inline EstimateResult EstimateOfNormalValues(const EstimationResult<NormalEstima
   const double variance = fit->standardDeviation * fit->standardDeviation / count;
   return EstimateWithCovariance({fit->mean, fit->standardDeviation}, {variance, 0, 0, variance / 2});
 }
+
+// A distribution whose only parameter is its scale.
+struct ScaleEstimate {
+  double scale = kNotSet;
+  double standardError = kNotSet;
+  double logLikelihood = kNotSet;  // the greatest
+};
 
 inline EstimateResult EstimateOfScale(const EstimationResult<ScaleEstimate>& fit) {
   if (!fit) return fit.Reason();

@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/distribution_estimate.h"
 
 namespace brenvolt::estimation {
 
@@ -66,6 +66,12 @@ inline void Ask(const EstimationPoll& poll) {
 
 inline bool IsAnyNotFinite(std::span<const double> data) {
   return std::any_of(data.begin(), data.end(), [](double x) { return !std::isfinite(x); });
+}
+
+inline EstimationResult<ScaleEstimate> IfFinite(const ScaleEstimate& estimate) {
+  const double results[] = {estimate.scale, estimate.standardError, estimate.logLikelihood};
+  if (IsAnyNotFinite(results)) return Fault{EstimationFault::kNotFinite};
+  return estimate;
 }
 
 // Why a sample (and what shifts it) cannot be fitted at all.

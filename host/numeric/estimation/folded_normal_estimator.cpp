@@ -4,6 +4,8 @@
 //   d = mean(2 x / (exp(2 x location / scale^2) + 1)),  scale^2 = variance(x) + d (2 mean(x) - d),
 // without cancellation however small the spread is relative to the mean. d = mean(x), which is location 0,
 // always solves it and is a maximum or a saddle; d = 0 is the normal distribution far from the fold.
+#include "host/numeric/estimation/folded_normal_estimator.h"
+
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -11,7 +13,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/special/bracketed_root.h"
 #include "host/numeric/vector/vector_forms.h"
 

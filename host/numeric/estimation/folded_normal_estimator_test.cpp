@@ -1,10 +1,11 @@
+#include "host/numeric/estimation/folded_normal_estimator.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {

@@ -4,6 +4,8 @@
 // The likelihood is climbed in (location, ln scale, shape) by Newton's method, held to its region of
 // quadratic behaviour by the damping of Levenberg (1944) and Marquardt (1963). Data are centred on their
 // median and scaled by a power of two first.
+#include "host/numeric/estimation/gev_estimators.h"
+
 #include <algorithm>
 #include <array>
 #include <boost/math/tools/toms748_solve.hpp>
@@ -14,7 +16,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/special/bracketed_root.h"
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"

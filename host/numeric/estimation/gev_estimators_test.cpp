@@ -1,3 +1,5 @@
+#include "host/numeric/estimation/gev_estimators.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,7 +9,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {

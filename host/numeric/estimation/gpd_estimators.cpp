@@ -3,6 +3,8 @@
 // w(y, r) = ln(1 + r y) / r and A = mean(w), so that scale = A and shape = r A, the mean log-likelihood is
 //   -(ln A + r A + 1),   with derivative   -(A' / A + mean(y / (1 + r y))),
 // both smooth through r = 0.
+#include "host/numeric/estimation/gpd_estimators.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -11,7 +13,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/special/bracketed_root.h"
 #include "host/numeric/special/log_one_plus.h"
 #include "host/numeric/vector/vector_forms.h"

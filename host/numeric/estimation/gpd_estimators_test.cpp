@@ -1,3 +1,5 @@
+#include "host/numeric/estimation/gpd_estimators.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,7 +11,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {

@@ -1,3 +1,5 @@
+#include "host/numeric/estimation/johnson_estimators.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,7 +8,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/vector/standard_normal.h"
 
 namespace brenvolt {

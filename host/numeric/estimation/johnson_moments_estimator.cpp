@@ -7,8 +7,8 @@
 #include <limits>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/estimation/johnson_bounded_moments.h"
+#include "host/numeric/estimation/johnson_estimators.h"
 #include "host/numeric/estimation/johnson_fit.h"
 
 namespace brenvolt {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/johnson_estimators.h"
 #include "host/numeric/estimation/johnson_fit.h"
 #include "host/numeric/vector/standard_normal.h"
 

@@ -7,7 +7,10 @@
 #include <random>
 #include <vector>
 
-#include "host/numeric/estimation/estimators.h"
+#include "host/numeric/estimation/folded_normal_estimator.h"
+#include "host/numeric/estimation/gev_estimators.h"
+#include "host/numeric/estimation/gpd_estimators.h"
+#include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
 #include "host/numeric/special/bracketed_root.h"
 
 namespace brenvolt {

@@ -1,6 +1,8 @@
 // The search for the Gaussian mixture of greatest likelihood: every start runs a few steps (the short runs of
 // Biernacki, Celeux & Govaert 2003), the best of them to the end; changes of the mixture found are starts,
 // too.
+#include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -9,7 +11,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/estimators.h"
 #include "host/numeric/estimation/mixture/mixture_climber.h"
 #include "host/numeric/estimation/mixture/mixture_starts.h"
 #include "host/numeric/special/bracketed_root.h"

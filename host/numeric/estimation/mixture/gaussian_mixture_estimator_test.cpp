@@ -1,3 +1,5 @@
+#include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -7,7 +9,6 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimation_support_test.h"
-#include "host/numeric/estimation/estimators.h"
 
 namespace brenvolt {
 namespace {
