@@ -22,7 +22,7 @@ ProfilerDesign ForestDesign(int depth) {
     predictor.setting = PredictorSetting::kRandom;
     predictor.specification.values = {0.5, 0.2};
   }
-  design.runs = kMostRuns;
+  design.runs = kMostProfilerRuns;
   design.seeded = true;
   return design;
 }

@@ -11,6 +11,7 @@
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/fit_job.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -137,7 +138,9 @@ void AddDistributionOptions(CLI::App& command, FitJob& job) {
       "Where a distribution of a variable starts; default 0. One that is not below all values makes that "
       "fit fail");
   AddEntries(command, "--mixtures", job.mixtures, ParseMixtures, "V=COUNT",
-             "Components of a variable's Gaussian mixture, 2 to 20 and at most half its cases; default 2");
+             "Components of a variable's Gaussian mixture, " + std::to_string(kFewestMixtures) + " to " +
+                 std::to_string(kMostMixtures) + " and at most half its cases; default " +
+                 std::to_string(kFewestMixtures));
   AddEntries(command, "--trials", job.trials, ParseTrials, "V=COUNT",
              "Trials of a variable's binomial distribution; estimated where not given");
   command.add_flag("--johnson-percentiles", job.johnsonPercentiles,

@@ -9,6 +9,7 @@
 #include "apps/cli/profile_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
 #include "host/jobs/profile_job.h"
 
@@ -126,7 +127,8 @@ void AddProfileCommand(CLI::App& program) {
   AddEntries(*command, "--formula", job.formulas, ParseFormula, "'Y=...'",
              "Formula that predicts a response instead of a model; may be repeated");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
-            "Number of runs, 100 to 100000 (default 5000)");
+            "Number of runs, " + std::to_string(kFewestProfilerRuns) + " to " +
+                std::to_string(kMostProfilerRuns) + " (default " + std::to_string(kUsualProfilerRuns) + ")");
   AddNumber(*command, "--seed", "seed", job.seed, "S",
             "Seed, 1 or more: the same seed gives the same runs; default: one is drawn and reported");
   command->add_flag("--correlated", job.correlated, "Correlate the predictors as their columns are");

@@ -12,6 +12,7 @@
 #include "bindings/python/numpy_arrays.h"
 #include "host/base/number_text.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/johnson.h"
 #include "host/numeric/random/random_stream.h"
 
 namespace py = pybind11;
@@ -277,6 +278,7 @@ void BindDistributions(py::module_& module) {
   py::list names;
   for (const DistributionType* type : DistributionTypes()) names.append(std::string(type->facts.name));
   module.attr("_distribution_names") = py::tuple(names);
+  module.attr("_johnson_families") = py::cast(kJohnsonFamilies);
 }
 
 }  // namespace brenvolt::python

@@ -5,6 +5,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -69,7 +70,7 @@ std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const 
   const DistributionFacts& facts = Facts(code);
   const std::size_t groupSize = facts.ParameterCount();
   const std::size_t groups = facts.isUserDefined ? (values.size() + groupSize - 1) / groupSize : 1;
-  if (code == kGaussianMixture && (groups < kMinimumMixtures || groups > kMaximumMixtures))
+  if (code == kGaussianMixture && (groups < kFewestMixtures || groups > kMostMixtures))
     return ValidityFault{{FaultIdentifier::kInvalidMixtureCount}, values.size()};
   const std::size_t expected = groups * groupSize;
   for (std::size_t i = 0; i < expected; ++i) {

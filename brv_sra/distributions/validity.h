@@ -11,9 +11,6 @@
 
 namespace brenvolt::sra {
 
-inline constexpr std::size_t kMinimumMixtures = 2;
-inline constexpr std::size_t kMaximumMixtures = 20;
-
 // Who asks: a number of trials has a fault of its own in a simulation.
 enum class CheckPurpose : std::uint8_t { kEntry, kSimulation };
 
@@ -29,7 +26,7 @@ struct ValidityFault {
 // - A distribution holds exactly its values; the last group of a user-defined one is complete.
 // - Triangular: minimum <= mode <= maximum; all three may be equal, though no function has a value then.
 // - Histogram: the proportions add up to 1 within kTotalTolerance; no class at all adds up to 0.
-// - Gaussian mixture: 2 to 20 components; the coefficients add up to 1 within kTotalTolerance.
+// - Gaussian mixture: kFewestMixtures to kMostMixtures components; the coefficients add up to 1 within kTotalTolerance.
 //
 // A proportion that is given but out of range, totals, component counts and, in a simulation, numbers of trials
 // have a fault of their own; every other one is an invalid parameter.

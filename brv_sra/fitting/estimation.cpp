@@ -11,18 +11,16 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
-#include "brv_sra/distributions/validity.h"
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/parallel.h"
 #include "host/base/process/floating_point_guard.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::sra {
 namespace {
 
 // The bounds of a number of mixture components.
-constexpr auto kFewestMixtures = static_cast<std::int32_t>(kMinimumMixtures);
-constexpr auto kMostMixtures = static_cast<std::int64_t>(kMaximumMixtures);
 constexpr std::int64_t kCasesPerMixture = 2;
 
 using Values = std::vector<double>;
@@ -237,12 +235,9 @@ std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample
                 [&](DistributionCode code) { return EstimateDiscrete(code, sample, specification); });
 }
 
-bool MixturesAreAllowed(std::int32_t asked, std::int64_t validCases) {
-  return asked >= kFewestMixtures && asked <= std::min(validCases / kCasesPerMixture, kMostMixtures);
-}
-
 std::int32_t HighestMixtures(std::int64_t validCases) {
-  const auto most = static_cast<std::int32_t>(std::min(validCases / kCasesPerMixture, kMostMixtures));
+  const auto most =
+      static_cast<std::int32_t>(std::min<std::int64_t>(validCases / kCasesPerMixture, kMostMixtures));
   return std::max(most, kFewestMixtures);
 }
 

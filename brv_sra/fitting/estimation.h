@@ -47,9 +47,7 @@ std::vector<DistributionFit> FitDiscreteDistributions(const SortedSample& sample
                                                       const DiscreteSpecification& specification,
                                                       ChiSquareBinning binning, const Poll& poll);
 
-// The bounds of a number of mixture components: half the valid cases, but at most 20, and at least 2. Where
-// both cannot be met, 2 stand.
-bool MixturesAreAllowed(std::int32_t asked, std::int64_t validCases);
+// The greatest number of mixture components: half the valid cases, but within the bounds of the distribution.
 std::int32_t HighestMixtures(std::int64_t validCases);
 // The number that is fitted where `asked` were asked for.
 std::int32_t AllowedMixtures(std::int32_t asked, std::int64_t validCases);

@@ -316,12 +316,9 @@ TEST(Estimation, FirstValueThatMeansNotSetIsAFailureThroughout) {
 }
 
 TEST(Estimation, MixturesStayWithinTheirBounds) {
-  EXPECT_TRUE(MixturesAreAllowed(2, 4));
-  EXPECT_FALSE(MixturesAreAllowed(2, 3));
-  EXPECT_FALSE(MixturesAreAllowed(1, 50));
-  EXPECT_TRUE(MixturesAreAllowed(20, 40));
-  EXPECT_FALSE(MixturesAreAllowed(20, 39));
-  EXPECT_FALSE(MixturesAreAllowed(21, 1000));
+  EXPECT_EQ(HighestMixtures(3), 2);
+  EXPECT_EQ(HighestMixtures(39), 19);
+  EXPECT_EQ(HighestMixtures(1000), 20);
   EXPECT_EQ(AllowedMixtures(30, 50), 20);
   EXPECT_EQ(AllowedMixtures(30, 21), 10);
   EXPECT_EQ(AllowedMixtures(3, 50), 3);

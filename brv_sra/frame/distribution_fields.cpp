@@ -13,6 +13,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -49,7 +50,7 @@ void DistributionFields::Edit(DistributionCode code, const DistributionSpecifica
   edited_ = {};
   edited_.code = code;
   if (own != nullptr && own->code == code) edited_ = *own;
-  const std::size_t groups = Facts(code).isUserDefined ? kMinimumMixtures : 1;
+  const std::size_t groups = Facts(code).isUserDefined ? kFewestMixtures : 1;
   if (edited_.values.empty()) edited_.values.assign(GroupSize() * groups, kNotSet);
   if (HasOffset(code) && IsNotSet(edited_.offset)) edited_.offset = 0;
   Show();
@@ -143,8 +144,8 @@ void DistributionFields::TakeBound(bool below) {
 void DistributionFields::Resize(bool mixture) {
   std::int32_t groups = 0;
   const bool read = Controls().GetDlgItemLong(mixture ? controls_.mixtures : controls_.levels, groups) == 0;
-  const auto least = static_cast<std::int32_t>(mixture ? kMinimumMixtures : 1);
-  const auto most = mixture ? static_cast<std::int32_t>(kMaximumMixtures) : kMostLevels;
+  const std::int32_t least = mixture ? kFewestMixtures : 1;
+  const std::int32_t most = mixture ? kMostMixtures : kMostLevels;
   if (read && groups >= least && groups <= most) {
     edited_.values.resize(static_cast<std::size_t>(groups) * GroupSize(), kNotSet);
   } else {

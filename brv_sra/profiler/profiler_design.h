@@ -14,14 +14,11 @@
 #include <vector>
 
 #include "brv_sra/distributions/specification.h"
+#include "host/analysis/run_bounds.h"
 #include "host/models/prediction_model.h"
 #include "host/statistics/specification_limits.h"
 
 namespace brenvolt::sra {
-
-inline constexpr std::int32_t kFewestRuns = 100;
-inline constexpr std::int32_t kMostRuns = 100000;
-inline constexpr std::int32_t kUsualRuns = 5000;  // what takes the place of an invalid number
 
 enum class PredictorSetting : std::uint8_t {
   kNone,   // nothing is specified; no run is possible
@@ -80,7 +77,7 @@ struct ProfilerDesign {
   std::vector<ProfilerDependent> dependents;
   // Predictors that nothing reads any more, with what a person specified; they return under their names.
   std::vector<ProfilerPredictor> retired;
-  std::int32_t runs = kUsualRuns;
+  std::int32_t runs = kUsualProfilerRuns;
   bool seeded = false;
   std::int32_t seed = 1000;
   bool simulateCorrelations = false;

@@ -7,13 +7,12 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/fit_job.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt {
 namespace {
 
 constexpr double kMostCount = std::numeric_limits<std::int32_t>::max();
-constexpr double kFewestComponents = 2;
-constexpr double kMostComponents = 20;
 constexpr double kMostBootstrapSamples = 1'000'000;
 
 using Names = std::vector<std::string>;
@@ -49,7 +48,7 @@ class FitCheck {
     Distributions();
     Variables();
     Offsets();
-    Counts("mixtures", job_.mixtures, "gaussianmixture", kFewestComponents, kMostComponents);
+    Counts("mixtures", job_.mixtures, "gaussianmixture", kFewestMixtures, kMostMixtures);
     Counts("trials", job_.trials, "binomial", 1, kMostCount);
     if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/formula/compiler.h"
@@ -12,8 +13,6 @@
 namespace brenvolt {
 namespace {
 
-constexpr double kFewestRuns = 100;
-constexpr double kMostRuns = 100000;
 constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
 
 // Adds the name of the response to `responses` where the formula is one. Which names there are is the
@@ -97,7 +96,7 @@ JobFaults ProfileJob::Check() const {
   std::vector<std::string> responses;
   for (const std::string& text : formulas) CheckFormula(text, responses, faults);
   CheckOnce("formulas", std::move(responses), faults);
-  CheckWholeNumber("samples", samples, kFewestRuns, kMostRuns, faults);
+  CheckWholeNumber("samples", samples, kFewestProfilerRuns, kMostProfilerRuns, faults);
   if (seed) CheckWholeNumber("seed", *seed, 1, kMostInteger, faults);
   CheckEntries(*this, faults);
   CheckDataTarget("output", output, faults);

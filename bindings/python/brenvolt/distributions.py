@@ -18,7 +18,7 @@ from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
 from ._brenvolt import Distribution as _Functions
-from ._brenvolt import _distribution_names
+from ._brenvolt import _distribution_names, _johnson_families
 
 if TYPE_CHECKING:
     from numpy.typing import ArrayLike
@@ -26,8 +26,6 @@ if TYPE_CHECKING:
 __all__ = ["Distribution", "from_code", "Normal", "LogNormal", "FoldedNormal", "HalfNormal", "Rayleigh", "Weibull",
            "GaussianMixture", "Johnson", "GeneralExtremeValue", "GeneralPareto", "Triangular", "Binomial", "Poisson",
            "Geometric", "Bernoulli", "Histogram"]
-
-_JOHNSON_TYPES = ("SL", "SU", "SB", "SN")
 
 
 class Distribution(_Functions):
@@ -164,9 +162,9 @@ class Johnson(Distribution):
 
     def __init__(self, type: str | float, gamma: float, delta: float, lambda_: float, xi: float) -> None:
         if isinstance(type, str):
-            if type.upper() not in _JOHNSON_TYPES:
-                raise ValueError(f"type must be one of {', '.join(_JOHNSON_TYPES)}, not {type!r}")
-            type = _JOHNSON_TYPES.index(type.upper()) + 1
+            if type.upper() not in _johnson_families:
+                raise ValueError(f"type must be one of {', '.join(_johnson_families)}, not {type!r}")
+            type = _johnson_families.index(type.upper()) + 1
         super().__init__((type, gamma, delta, lambda_, xi))
 
 

@@ -182,12 +182,12 @@ void CSimulationProfiler::OnControlChanged(std::int32_t number) {
 void CSimulationProfiler::TakeRuns() {
   std::int32_t runs = 0;
   const bool read = Controls().GetDlgItemLong(kRuns, runs) == 0;
-  if (read && runs >= kFewestRuns && runs <= kMostRuns) {
+  if (read && runs >= kFewestProfilerRuns && runs <= kMostProfilerRuns) {
     Design().runs = runs;
     return;
   }
-  Design().runs = kUsualRuns;
-  Controls().SetDlgItemLong(kRuns, kUsualRuns);
+  Design().runs = kUsualProfilerRuns;
+  Controls().SetDlgItemLong(kRuns, kUsualProfilerRuns);
   ShowMessage(kMsgProfilerRunsReset);
 }
 

@@ -11,11 +11,10 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/johnson.h"
 
 namespace brenvolt {
 namespace {
-
-constexpr std::array<std::string_view, 4> kJohnsonFamilies{"SL", "SU", "SB", "SN"};
 
 // Usual names of parameters beside those of the facts. Where the code is none, they hold for every distribution that
 // has the parameter.

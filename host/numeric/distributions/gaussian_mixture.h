@@ -4,6 +4,8 @@
 // there the quantile is one of many x of the same probability.
 #pragma once
 
+#include <cstdint>
+
 #include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
@@ -18,6 +20,10 @@ struct GaussianMixture {
                       {"standard deviation", ParameterRange::kPositive}}},
       .estimation = {.copiesSample = true, .slowness = 5}};
 };
+
+// Fits and simulations take as many components.
+inline constexpr std::int32_t kFewestMixtures = 2;
+inline constexpr std::int32_t kMostMixtures = 20;
 
 extern template class Distribution<GaussianMixture>;
 

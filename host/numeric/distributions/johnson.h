@@ -3,6 +3,9 @@
 // quadrature; see johnson_bounded_moments.h.
 #pragma once
 
+#include <array>
+#include <string_view>
+
 #include "host/numeric/distributions/shared/distribution.h"
 
 namespace brenvolt {
@@ -18,6 +21,9 @@ struct Johnson {
                                             .curves = {"Johnson", "iJohnson"},
                                             .estimation = {.copiesSample = true, .slowness = 1}};
 };
+
+// What the families 1 to 4 are called.
+inline constexpr std::array<std::string_view, 4> kJohnsonFamilies{"SL", "SU", "SB", "SN"};
 
 extern template class Distribution<Johnson>;
 
