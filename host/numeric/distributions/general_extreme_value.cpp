@@ -2,16 +2,87 @@
 // - location) / scale; w = z, the Gumbel distribution, at shape 0. Jenkinson (1955).
 #include "host/numeric/distributions/general_extreme_value.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "host/numeric/distributions/general_extreme_value.cpp"
+#include "hwy/foreach_target.h"
+// After foreach_target.h:
 #include <array>
+#include <cmath>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/estimation/gev_estimators.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/special/log_one_plus.h"
+#include "host/numeric/vector/vector_extremes-inl.h"
 #include "host/numeric/vector/vector_forms.h"
+#include "hwy/highway.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace brenvolt {
+namespace HWY_NAMESPACE {
+namespace {
+
+// The distribution function and the quantile over vectors, in stages: see vector_loops-inl.h.
+
+struct ClampedExpStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return ClampedExp(d, t);
+  }
+};
+
+struct MinusLogStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return hn::Neg(Log(d, t));
+  }
+};
+
+// exp(-t)
+struct CdfStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V x, V t) const {
+    return hn::IfThenElse(hn::IsNaN(x), x, Exp(d, hn::Neg(t)));
+  }
+};
+
+template <class Run>
+auto Cdf(const Run& run, double location, double scale, double shape) {
+  return run(LogOnePlusStage(location, scale, shape, -1.0), ClampedExpStage{}, CdfStage{});
+}
+
+template <class Run>
+auto Quantile(const Run& run, double location, double scale, double shape) {
+  return run(MinusLogStage{}, MinusLogStage{}, FromReducedStage(location, scale, shape));
+}
+
+// Entries for the dispatch.
+
+void CdfOverArray(std::span<const double> x, double location, double scale, double shape,
+                  std::span<double> out) {
+  Cdf(ArrayRun{x, out}, location, scale, shape);
+}
+
+void QuantileOverArray(std::span<const double> p, double location, double scale, double shape,
+                       std::span<double> out) {
+  Quantile(ArrayRun{p, out}, location, scale, shape);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace brenvolt {
+namespace {
+
+HWY_EXPORT(CdfOverArray);
+HWY_EXPORT(QuantileOverArray);
+
+}  // namespace
+
 template <>
 struct FormulasOf<GeneralExtremeValue> {
   double location;
@@ -46,11 +117,17 @@ struct FormulasOf<GeneralExtremeValue> {
     return std::exp(-(1.0 + shape) * w - std::exp(-w)) / scale;
   }
 
-  double Cdf(double x) const { return vector_forms::GevCdf(x, location, scale, shape); }
-  void Cdf(In x, Out out) const { vector_forms::GevCdf(x, location, scale, shape, out); }
+  double Cdf(double x) const {
+    return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, location, scale, shape);
+  }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, location, scale, shape, out); }
   double Complement(double x) const { return -std::expm1(-std::exp(-Reduced(x))); }
-  double Quantile(double p) const { return vector_forms::GevQuantile(p, location, scale, shape); }
-  void Quantile(In p, Out out) const { vector_forms::GevQuantile(p, location, scale, shape, out); }
+  double Quantile(double p) const {
+    return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, location, scale, shape);
+  }
+  void Quantile(In p, Out out) const {
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, location, scale, shape, out);
+  }
   double ComplementQuantile(double q) const { return AtReduced(-std::log(-std::log1p(-q))); }
 
   double Mean() const { return location + scale * GammaPowerMean(shape); }
@@ -87,3 +164,4 @@ struct FormulasOf<GeneralExtremeValue> {
 template class Distribution<GeneralExtremeValue>;
 
 }  // namespace brenvolt
+#endif

@@ -2,15 +2,64 @@
 // scale >= 0; w = z, the exponential distribution, at shape 0. Pickands (1975).
 #include "host/numeric/distributions/general_pareto.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "host/numeric/distributions/general_pareto.cpp"
+#include "hwy/foreach_target.h"
+// After foreach_target.h:
 #include <array>
+#include <cmath>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/estimation/gpd_estimators.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/log_one_plus.h"
+#include "host/numeric/vector/vector_extremes-inl.h"
 #include "host/numeric/vector/vector_forms.h"
+#include "hwy/highway.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace brenvolt {
+namespace HWY_NAMESPACE {
+namespace {
+
+// The distribution function and the quantile over vectors, in stages: see vector_loops-inl.h.
+
+template <class Run>
+auto Cdf(const Run& run, double scale, double shape, double threshold) {
+  return run(LogOnePlusStage(threshold, scale, shape, 1.0), FromHazardStage{threshold});
+}
+
+template <class Run>
+auto Quantile(const Run& run, double scale, double shape, double threshold) {
+  return run(HazardStage{}, FromReducedStage(threshold, scale, shape));
+}
+
+// Entries for the dispatch.
+
+void CdfOverArray(std::span<const double> x, double scale, double shape, double threshold,
+                  std::span<double> out) {
+  Cdf(ArrayRun{x, out}, scale, shape, threshold);
+}
+
+void QuantileOverArray(std::span<const double> p, double scale, double shape, double threshold,
+                       std::span<double> out) {
+  Quantile(ArrayRun{p, out}, scale, shape, threshold);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace brenvolt {
+namespace {
+
+HWY_EXPORT(CdfOverArray);
+HWY_EXPORT(QuantileOverArray);
+
+}  // namespace
+
 template <>
 struct FormulasOf<GeneralPareto> {
   double scale;
@@ -43,11 +92,17 @@ struct FormulasOf<GeneralPareto> {
     return std::exp(-(1.0 + shape) * w) / scale;
   }
 
-  double Cdf(double x) const { return vector_forms::GpdCdf(x, scale, shape, threshold); }
-  void Cdf(In x, Out out) const { vector_forms::GpdCdf(x, scale, shape, threshold, out); }
+  double Cdf(double x) const {
+    return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, shape, threshold);
+  }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, shape, threshold, out); }
   double Complement(double x) const { return std::exp(-Hazard(x)); }
-  double Quantile(double p) const { return vector_forms::GpdQuantile(p, scale, shape, threshold); }
-  void Quantile(In p, Out out) const { vector_forms::GpdQuantile(p, scale, shape, threshold, out); }
+  double Quantile(double p) const {
+    return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, shape, threshold);
+  }
+  void Quantile(In p, Out out) const {
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, shape, threshold, out);
+  }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 
   double Mean() const { return shape < 1.0 ? threshold + scale / (1.0 - shape) : kInfinity; }
@@ -82,3 +137,4 @@ struct FormulasOf<GeneralPareto> {
 template class Distribution<GeneralPareto>;
 
 }  // namespace brenvolt
+#endif

@@ -1,14 +1,85 @@
 // The Rayleigh distribution: P(X > x) = exp(-z^2 / 2), z = (x - threshold) / scale, for x >= threshold.
 #include "host/numeric/distributions/rayleigh.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "host/numeric/distributions/rayleigh.cpp"
+#include "hwy/foreach_target.h"
+// After foreach_target.h:
 #include <array>
+#include <cmath>
 #include <numbers>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
+#include "host/numeric/vector/vector_formulas-inl.h"
+#include "host/numeric/vector/vector_loops-inl.h"
+#include "hwy/highway.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace brenvolt {
+namespace HWY_NAMESPACE {
+namespace {
+
+// The distribution function and the quantile over vectors, in stages: see vector_loops-inl.h.
+
+struct CdfStage {
+  double scale;
+  double threshold;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V x, V /*t*/) const {
+    const V y = hn::Sub(x, hn::Set(d, threshold));
+    const V z = hn::Div(y, hn::Set(d, scale));
+    const V minusHazard = hn::Mul(hn::Set(d, -0.5), hn::Mul(z, z));
+    const V result = hn::IfThenElseZero(hn::Gt(y, hn::Zero(d)), hn::Neg(Expm1(d, minusHazard)));
+    return hn::IfThenElse(hn::IsNaN(x), x, result);
+  }
+};
+
+struct QuantileStage {
+  double scale;
+  double threshold;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V p, V /*t*/) const {
+    const V hazard = hn::Abs(LogOfComplement(d, p));
+    const V z = hn::Sqrt(hn::Add(hazard, hazard));
+    return ForProbabilities(d, p, hn::Add(hn::Set(d, threshold), hn::Mul(hn::Set(d, scale), z)));
+  }
+};
+
+template <class Run>
+auto Cdf(const Run& run, double scale, double threshold) {
+  return run(CdfStage{scale, threshold});
+}
+
+template <class Run>
+auto Quantile(const Run& run, double scale, double threshold) {
+  return run(QuantileStage{scale, threshold});
+}
+
+// Entries for the dispatch.
+
+void CdfOverArray(std::span<const double> x, double scale, double threshold, std::span<double> out) {
+  Cdf(ArrayRun{x, out}, scale, threshold);
+}
+
+void QuantileOverArray(std::span<const double> p, double scale, double threshold, std::span<double> out) {
+  Quantile(ArrayRun{p, out}, scale, threshold);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace brenvolt {
+namespace {
+
+HWY_EXPORT(CdfOverArray);
+HWY_EXPORT(QuantileOverArray);
+
+}  // namespace
 
 EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset) {
   auto sample = estimation::AboveOffset(data, offset, false);
@@ -44,16 +115,20 @@ struct FormulasOf<Rayleigh> {
     return std::log(z) - std::log(scale) - 0.5 * z * z;
   }
 
-  double Cdf(double x) const { return vector_forms::RayleighCdf(x, scale, threshold); }
-  void Cdf(In x, Out out) const { vector_forms::RayleighCdf(x, scale, threshold, out); }
+  double Cdf(double x) const {
+    return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, threshold);
+  }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, threshold, out); }
 
   double Complement(double x) const {
     if (std::isinf(x)) return x > 0.0 ? 0.0 : 1.0;
     return x > threshold ? ExpMinusHalfSquare(Standardised(x)) : 1.0;
   }
 
-  double Quantile(double p) const { return vector_forms::RayleighQuantile(p, scale, threshold); }
-  void Quantile(In p, Out out) const { vector_forms::RayleighQuantile(p, scale, threshold, out); }
+  double Quantile(double p) const {
+    return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, threshold);
+  }
+  void Quantile(In p, Out out) const { HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, threshold, out); }
 
   double ComplementQuantile(double q) const { return threshold + scale * std::sqrt(-2.0 * std::log(q)); }
 
@@ -80,3 +155,4 @@ struct FormulasOf<Rayleigh> {
 template class Distribution<Rayleigh>;
 
 }  // namespace brenvolt
+#endif

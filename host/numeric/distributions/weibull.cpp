@@ -1,14 +1,100 @@
 // The Weibull distribution: P(X > x) = exp(-h), h = ((x - threshold) / scale)^shape, for x >= threshold.
 #include "host/numeric/distributions/weibull.h"
 
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "host/numeric/distributions/weibull.cpp"
+#include "hwy/foreach_target.h"
+// After foreach_target.h:
 #include <array>
+#include <cmath>
 
 #include "host/numeric/distributions/shared/distribution_forms.h"
 #include "host/numeric/estimation/weibull_estimator.h"
 #include "host/numeric/special/gamma_moments.h"
+#include "host/numeric/vector/vector_extremes-inl.h"
 #include "host/numeric/vector/vector_forms.h"
+#include "hwy/highway.h"
 
+HWY_BEFORE_NAMESPACE();
 namespace brenvolt {
+namespace HWY_NAMESPACE {
+namespace {
+
+// The distribution function and the quantile over vectors, in stages: see vector_loops-inl.h.
+
+struct ExpStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return Exp(d, t);
+  }
+};
+
+// (ln y) factor, y = (x - threshold) / scale.
+struct PowerExponentStage {
+  double scale;
+  double factor;
+  double threshold;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    const V y = hn::Div(hn::Sub(t, hn::Set(d, threshold)), hn::Set(d, scale));
+    return hn::Mul(hn::Set(d, factor), Log(d, y));
+  }
+};
+
+// ln(t) factor, for a t >= 0 that is 0 or normal.
+struct LogTimesStage {
+  double factor;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return hn::Mul(hn::Set(d, factor), Log(d, t));
+  }
+};
+
+struct QuantileStage {
+  double scale;
+  double threshold;
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V p, V t) const {
+    const V x = hn::Add(hn::Set(d, threshold), hn::Mul(hn::Set(d, scale), Exp(d, t)));
+    return ForProbabilities(d, p, x);
+  }
+};
+
+template <class Run>
+auto Cdf(const Run& run, double scale, double shape, double threshold) {
+  return run(PowerExponentStage{scale, shape, threshold}, ExpStage{}, FromHazardStage{threshold});
+}
+
+template <class Run>
+auto Quantile(const Run& run, double scale, double shape, double threshold) {
+  return run(HazardStage{}, LogTimesStage{1.0 / shape}, QuantileStage{scale, threshold});
+}
+
+// Entries for the dispatch.
+
+void CdfOverArray(std::span<const double> x, double scale, double shape, double threshold,
+                  std::span<double> out) {
+  Cdf(ArrayRun{x, out}, scale, shape, threshold);
+}
+
+void QuantileOverArray(std::span<const double> p, double scale, double shape, double threshold,
+                       std::span<double> out) {
+  Quantile(ArrayRun{p, out}, scale, shape, threshold);
+}
+
+}  // namespace
+}  // namespace HWY_NAMESPACE
+}  // namespace brenvolt
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+namespace brenvolt {
+namespace {
+
+HWY_EXPORT(CdfOverArray);
+HWY_EXPORT(QuantileOverArray);
+
+}  // namespace
 
 template <>
 struct FormulasOf<Weibull> {
@@ -39,11 +125,17 @@ struct FormulasOf<Weibull> {
     return std::log(shape) - std::log(scale) + power - Hazard(x);
   }
 
-  double Cdf(double x) const { return vector_forms::WeibullCdf(x, scale, shape, threshold); }
-  void Cdf(In x, Out out) const { vector_forms::WeibullCdf(x, scale, shape, threshold, out); }
+  double Cdf(double x) const {
+    return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, shape, threshold);
+  }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, shape, threshold, out); }
   double Complement(double x) const { return std::exp(-Hazard(x)); }
-  double Quantile(double p) const { return vector_forms::WeibullQuantile(p, scale, shape, threshold); }
-  void Quantile(In p, Out out) const { vector_forms::WeibullQuantile(p, scale, shape, threshold, out); }
+  double Quantile(double p) const {
+    return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, shape, threshold);
+  }
+  void Quantile(In p, Out out) const {
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, shape, threshold, out);
+  }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 
   double Mean() const { return threshold + scale * std::tgamma(1.0 + 1.0 / shape); }
@@ -87,3 +179,4 @@ struct FormulasOf<Weibull> {
 template class Distribution<Weibull>;
 
 }  // namespace brenvolt
+#endif

@@ -32,13 +32,6 @@ struct LogFormula {
   }
 };
 
-struct Expm1Formula {
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
-    return Expm1(d, t);
-  }
-};
-
 struct Log1pFormula {
   template <class D, class V>
   HWY_INLINE V operator()(D d, V /*x*/, V t) const {
@@ -55,25 +48,6 @@ struct NormalCdfFormula {
   }
 };
 
-// The exponent's share of ln y is an exact product from which `scale` is taken first, so that a small shape
-// does not magnify the rounding of a large logarithm.
-struct LognormalCdfFormula {
-  double scale;
-  double shape;
-  double threshold;
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V x, V /*t*/) const {
-    const V y = hn::Sub(x, hn::Set(d, threshold));
-    const Logarithm<V> log = SplitLog(d, y);
-    const V rest = hn::Add(log.leading, hn::Add(log.rest, hn::Mul(log.exponent, hn::Set(d, kLogTwoLow))));
-    const V leading = hn::Sub(hn::Mul(log.exponent, hn::Set(d, kLogTwoHigh)), hn::Set(d, scale));
-    V result = StandardCdf(d, hn::Div(hn::Add(leading, rest), hn::Set(d, shape)));
-    result = hn::IfThenElse(hn::Le(y, hn::Zero(d)), hn::Zero(d), result);
-    result = hn::IfThenElse(hn::Eq(y, hn::Set(d, kVectorInfinity)), hn::Set(d, 1.0), result);
-    return hn::IfThenElse(hn::IsNaN(x), x, result);
-  }
-};
-
 struct NormalQuantileFormula {
   double location;
   double scale;
@@ -83,20 +57,9 @@ struct NormalQuantileFormula {
   }
 };
 
-struct LognormalQuantileFormula {
-  double scale;
-  double shape;
-  double threshold;
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V p, V z) const {
-    const V y = Exp(d, hn::Add(hn::Set(d, scale), hn::Mul(hn::Set(d, shape), z)));
-    return ForProbabilities(d, p, hn::Add(hn::Set(d, threshold), y));
-  }
-};
-
 }  // namespace
 
-// Entries for the dispatch: arrays, then one value.
+// Entries for the dispatch: arrays, then one value where single values are asked for.
 
 using In = std::span<const double>;
 using Out = std::span<double>;
@@ -107,23 +70,14 @@ void ExpArray(In x, Out out) {
 void LogArray(In x, Out out) {
   OverArray(x, out, LogFormula{});
 }
-void Expm1Array(In x, Out out) {
-  OverArray(x, out, Expm1Formula{});
-}
 void Log1pArray(In x, Out out) {
   OverArray(x, out, Log1pFormula{});
 }
 void NormalCdfArray(In x, double location, double scale, Out out) {
   OverArray(x, out, NormalCdfFormula{location, scale});
 }
-void LognormalCdfArray(In x, double scale, double shape, double threshold, Out out) {
-  OverArray(x, out, LognormalCdfFormula{scale, shape, threshold});
-}
 void NormalQuantileArray(In p, double location, double scale, Out out) {
   QuantilesOverArray(p, out, FromProbability{}, NormalQuantileFormula{location, scale});
-}
-void LognormalQuantileArray(In p, double scale, double shape, double threshold, Out out) {
-  QuantilesOverArray(p, out, FromProbability{}, LognormalQuantileFormula{scale, shape, threshold});
 }
 
 double ExpOne(double x) {
@@ -132,23 +86,11 @@ double ExpOne(double x) {
 double LogOne(double x) {
   return AtOne(x, LogFormula{});
 }
-double Expm1One(double x) {
-  return AtOne(x, Expm1Formula{});
-}
-double Log1pOne(double x) {
-  return AtOne(x, Log1pFormula{});
-}
 double NormalCdfOne(double x, double location, double scale) {
   return AtOne(x, NormalCdfFormula{location, scale});
 }
-double LognormalCdfOne(double x, double scale, double shape, double threshold) {
-  return AtOne(x, LognormalCdfFormula{scale, shape, threshold});
-}
 double NormalQuantileOne(double p, double location, double scale) {
   return QuantileAtOne(p, FromProbability{}, NormalQuantileFormula{location, scale});
-}
-double LognormalQuantileOne(double p, double scale, double shape, double threshold) {
-  return QuantileAtOne(p, FromProbability{}, LognormalQuantileFormula{scale, shape, threshold});
 }
 
 }  // namespace HWY_NAMESPACE
@@ -160,12 +102,9 @@ namespace brenvolt {
 
 HWY_EXPORT(ExpArray);
 HWY_EXPORT(LogArray);
-HWY_EXPORT(Expm1Array);
 HWY_EXPORT(Log1pArray);
 HWY_EXPORT(NormalCdfArray);
-HWY_EXPORT(LognormalCdfArray);
 HWY_EXPORT(NormalQuantileArray);
-HWY_EXPORT(LognormalQuantileArray);
 
 double StandardNormalCdf(double z) {
   return HWY_STATIC_DISPATCH(NormalCdfOne)(z, 0.0, 1.0);
@@ -183,20 +122,11 @@ double Exp(double x) {
 double Log(double x) {
   return HWY_STATIC_DISPATCH(LogOne)(x);
 }
-double Expm1(double x) {
-  return HWY_STATIC_DISPATCH(Expm1One)(x);
-}
-double Log1p(double x) {
-  return HWY_STATIC_DISPATCH(Log1pOne)(x);
-}
 void Exp(std::span<const double> x, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(ExpArray)(x, out);
 }
 void Log(std::span<const double> x, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(LogArray)(x, out);
-}
-void Expm1(std::span<const double> x, std::span<double> out) {
-  HWY_DYNAMIC_DISPATCH(Expm1Array)(x, out);
 }
 void Log1p(std::span<const double> x, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(Log1pArray)(x, out);
@@ -209,28 +139,14 @@ namespace vector_forms {
 double NormalCdf(double x, double location, double scale) {
   return HWY_STATIC_DISPATCH(NormalCdfOne)(x, location, scale);
 }
-double LognormalCdf(double x, double scale, double shape, double threshold) {
-  return HWY_STATIC_DISPATCH(LognormalCdfOne)(x, scale, shape, threshold);
-}
 double NormalQuantile(double p, double location, double scale) {
   return HWY_STATIC_DISPATCH(NormalQuantileOne)(p, location, scale);
-}
-double LognormalQuantile(double p, double scale, double shape, double threshold) {
-  return HWY_STATIC_DISPATCH(LognormalQuantileOne)(p, scale, shape, threshold);
 }
 void NormalCdf(std::span<const double> x, double location, double scale, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(NormalCdfArray)(x, location, scale, out);
 }
-void LognormalCdf(std::span<const double> x, double scale, double shape, double threshold,
-                  std::span<double> out) {
-  HWY_DYNAMIC_DISPATCH(LognormalCdfArray)(x, scale, shape, threshold, out);
-}
 void NormalQuantile(std::span<const double> p, double location, double scale, std::span<double> out) {
   HWY_DYNAMIC_DISPATCH(NormalQuantileArray)(p, location, scale, out);
-}
-void LognormalQuantile(std::span<const double> p, double scale, double shape, double threshold,
-                       std::span<double> out) {
-  HWY_DYNAMIC_DISPATCH(LognormalQuantileArray)(p, scale, shape, threshold, out);
 }
 
 }  // namespace vector_forms

@@ -17,50 +17,20 @@ namespace brenvolt::elementary {
 // zeros, infinities, NaN and arguments outside the domain.
 double Exp(double x);
 double Log(double x);
-double Expm1(double x);
-double Log1p(double x);
 void Exp(std::span<const double> x, std::span<double> out);
 void Log(std::span<const double> x, std::span<double> out);
-void Expm1(std::span<const double> x, std::span<double> out);
 void Log1p(std::span<const double> x, std::span<double> out);
 
 }  // namespace brenvolt::elementary
 
 namespace brenvolt::vector_forms {
 
-// Distribution functions: NaN in, NaN out.
+// The normal distribution function and quantile: NaN in, NaN out; kInvalidQuantile for a p outside [0, 1]. The other
+// distributions have theirs beside their formulas.
 double NormalCdf(double x, double location, double scale);
-double LognormalCdf(double x, double scale, double shape, double threshold);
-double WeibullCdf(double x, double scale, double shape, double threshold);
-double RayleighCdf(double x, double scale, double threshold);
-double GevCdf(double x, double location, double scale, double shape);
-double GpdCdf(double x, double scale, double shape, double threshold);
 void NormalCdf(std::span<const double> x, double location, double scale, std::span<double> out);
-void LognormalCdf(std::span<const double> x, double scale, double shape, double threshold,
-                  std::span<double> out);
-void WeibullCdf(std::span<const double> x, double scale, double shape, double threshold,
-                std::span<double> out);
-void RayleighCdf(std::span<const double> x, double scale, double threshold, std::span<double> out);
-void GevCdf(std::span<const double> x, double location, double scale, double shape, std::span<double> out);
-void GpdCdf(std::span<const double> x, double scale, double shape, double threshold, std::span<double> out);
-
-// Quantiles: NaN in, NaN out; kInvalidQuantile for a p outside [0, 1].
 double NormalQuantile(double p, double location, double scale);
-double LognormalQuantile(double p, double scale, double shape, double threshold);
-double WeibullQuantile(double p, double scale, double shape, double threshold);
-double RayleighQuantile(double p, double scale, double threshold);
-double GevQuantile(double p, double location, double scale, double shape);
-double GpdQuantile(double p, double scale, double shape, double threshold);
 void NormalQuantile(std::span<const double> p, double location, double scale, std::span<double> out);
-void LognormalQuantile(std::span<const double> p, double scale, double shape, double threshold,
-                       std::span<double> out);
-void WeibullQuantile(std::span<const double> p, double scale, double shape, double threshold,
-                     std::span<double> out);
-void RayleighQuantile(std::span<const double> p, double scale, double threshold, std::span<double> out);
-void GevQuantile(std::span<const double> p, double location, double scale, double shape,
-                 std::span<double> out);
-void GpdQuantile(std::span<const double> p, double scale, double shape, double threshold,
-                 std::span<double> out);
 
 // sd times the normal deviate of each uniform deviate; see NormalFromUniform.
 void NormalsFromUniforms(std::span<const double> u, double sd, std::span<double> out);

@@ -36,11 +36,12 @@ struct Form {
   std::function<double(double)> scalar;
 };
 
-#define ELEMENTARY(f)                                                                                    \
-  {                                                                                                      \
-#f, [](std::span <const double> x,                                                                   \
-           std::span <double> out) { elementary::f(x, out); }, [](double x) { return elementary::f(x); } \
-  }
+// Without a scalar form: an array of one value.
+double Log1pOfOne(double x) {
+  elementary::Log1p({&x, 1}, {&x, 1});
+  return x;
+}
+
 template <class D>
 Form OfCdf(std::string name, const Distribution<D>& distribution) {
   return {std::move(name), [distribution](auto x, auto out) { distribution.Cdf(x, out); },
@@ -54,32 +55,32 @@ Form OfQuantile(std::string name, const Distribution<D>& distribution) {
 }
 
 std::vector<Form> Forms() {
-  return {ELEMENTARY(Exp),
-          ELEMENTARY(Log),
-          ELEMENTARY(Expm1),
-          ELEMENTARY(Log1p),
-          OfCdf("Cdf of normal", Distribution<Normal>(0.25, 1.5)),
-          OfQuantile("Quantile of normal", Distribution<Normal>(0.25, 1.5)),
-          OfCdf("Cdf of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
-          OfQuantile("Quantile of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
-          OfCdf("Cdf of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
-          OfQuantile("Quantile of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
-          OfCdf("Cdf of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
-          OfQuantile("Quantile of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
-          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
-          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
-          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
-          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
-          OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 1e-9)),
-          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
-          OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
-          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
-          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -1e-9, -0.125)),
-          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -0.7, -0.125)),
-          OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125)),
-          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
-          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, -0.3, -0.125)),
-          OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125))};
+  return {
+      {"Exp", [](auto x, auto out) { elementary::Exp(x, out); }, [](double x) { return elementary::Exp(x); }},
+      {"Log", [](auto x, auto out) { elementary::Log(x, out); }, [](double x) { return elementary::Log(x); }},
+      {"Log1p", [](auto x, auto out) { elementary::Log1p(x, out); }, Log1pOfOne},
+      OfCdf("Cdf of normal", Distribution<Normal>(0.25, 1.5)),
+      OfQuantile("Quantile of normal", Distribution<Normal>(0.25, 1.5)),
+      OfCdf("Cdf of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
+      OfQuantile("Quantile of lognormal", Distribution<LogNormal>(0.5, 0.75, -0.125)),
+      OfCdf("Cdf of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
+      OfQuantile("Quantile of weibull", Distribution<Weibull>(2.0, 1.7, -0.125)),
+      OfCdf("Cdf of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
+      OfQuantile("Quantile of rayleigh", Distribution<Rayleigh>(2.0, -0.125)),
+      OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
+      OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
+      OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
+      OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.3)),
+      OfCdf("Cdf of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 1e-9)),
+      OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, 0.0)),
+      OfQuantile("Quantile of gev", Distribution<GeneralExtremeValue>(-0.125, 2.0, -0.7)),
+      OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
+      OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -1e-9, -0.125)),
+      OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, -0.7, -0.125)),
+      OfCdf("Cdf of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125)),
+      OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.3, -0.125)),
+      OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, -0.3, -0.125)),
+      OfQuantile("Quantile of gpd", Distribution<GeneralPareto>(2.0, 0.0, -0.125))};
 }
 
 // Special values, values of all sizes and signs, and probabilities into both tails.
@@ -101,16 +102,18 @@ std::vector<double> Arguments() {
 
 TEST(VectorForms, EveryInstructionSetGivesTheBitsOfTheScalarForm) {
   const std::vector<double> x = Arguments();
-  UnderEveryInstructionSet([&] {
-    for (const Form& form : Forms()) {
+  for (const Form& form : Forms()) {
+    std::vector<double> expected;
+    for (const double one : x) expected.push_back(form.scalar(one));
+    UnderEveryInstructionSet([&] {
       std::vector<double> out = x;
       form.array(out, out);
       for (std::size_t i = 0; i < x.size(); ++i) {
-        ASSERT_TRUE(IsSame(out[i], form.scalar(x[i])))
-            << form.name << " at " << x[i] << ": " << out[i] << " for " << form.scalar(x[i]);
+        ASSERT_TRUE(IsSame(out[i], expected[i]))
+            << form.name << " at " << x[i] << ": " << out[i] << " for " << expected[i];
       }
-    }
-  });
+    });
+  }
 }
 
 TEST(VectorForms, StreamIsTheSameOnEveryInstructionSetAtAnyPlaceAndLength) {
@@ -184,8 +187,7 @@ TEST(Elementary, AgreesWithTheLibraryOverTheWholeRange) {
   };
   const Pair pairs[] = {{"exp", elementary::Exp, std::exp},
                         {"log", elementary::Log, std::log},
-                        {"expm1", elementary::Expm1, std::expm1},
-                        {"log1p", elementary::Log1p, std::log1p}};
+                        {"log1p", Log1pOfOne, std::log1p}};
   for (const Pair& pair : pairs) {
     for (const double x : Arguments()) {
       const double expected = pair.library(x);

@@ -91,6 +91,25 @@ double AtOne(double x, Stages... stages) {
   return hn::GetLane(t);
 }
 
+// What a list of stages is handed to, so that it is written once for arrays and single values.
+
+struct ArrayRun {
+  std::span<const double> x;
+  std::span<double> out;
+  template <class... Stages>
+  void operator()(Stages... stages) const {
+    OverArray(x, out, stages...);
+  }
+};
+
+struct OneRun {
+  double x;
+  template <class... Stages>
+  double operator()(Stages... stages) const {
+    return AtOne(x, stages...);
+  }
+};
+
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();

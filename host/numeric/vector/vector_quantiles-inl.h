@@ -175,6 +175,25 @@ void QuantilesOverArray(std::span<const double> x, std::span<double> out, Source
   std::copy_n(padded, rest, out.data() + whole);
 }
 
+// The same as ArrayRun and OneRun, for the formula that follows the normal quantile of a probability.
+
+struct ArrayQuantileRun {
+  std::span<const double> p;
+  std::span<double> out;
+  template <class Formula>
+  void operator()(Formula formula) const {
+    QuantilesOverArray(p, out, FromProbability{}, formula);
+  }
+};
+
+struct OneQuantileRun {
+  double p;
+  template <class Formula>
+  double operator()(Formula formula) const {
+    return QuantileAtOne(p, FromProbability{}, formula);
+  }
+};
+
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
