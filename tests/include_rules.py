@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms"), and the size
-of its folders.
+"""Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms"), the size
+of its folders, and that what computes has no texts for people.
 
     include_rules.py ROOT         prints each violation, an include line as `file:line: folder X may not include Y`; exit
                                   status 1 if any
@@ -85,6 +85,13 @@ WITHOUT_TEXTS = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv
                  "brv_sra/simulation/sampling", "brv_sra/profiler")
 # But the catalogue names the distributions and their parameters.
 WITH_NAMES = "brv_sra/distributions/catalogue"
+# Nor does what computes: a literal of three words or more stands where a text is made, or is thrown.
+COMPUTING = WITHOUT_TEXTS + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
+    "host/statistics", "host/models")
+COMMENT = re.compile(r"//[^\n]*")
+LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
+THROWN = re.compile(r"\bthrow\b|Error\(|\bFail\(")
+WORDS = re.compile(r"[A-Za-z']+[,:]?( [A-Za-z']+[,:]?){2,}")
 # What a *_test file may include beyond what its subject may: the other folders of the same part of the tree
 # (host/numeric, brv_sra/profiler), the test framework's headers and these.
 TEST_FRAMEWORK = ("gtest/", "gmock/")
@@ -220,6 +227,18 @@ def violations_of_file(root, path):
                 yield f"{path}:{number}: folder {folder_of(path)} may not include {what}"
 
 
+def texts_of_file(root, path):
+    """The literals in words that are in a file that only computes."""
+    if is_test(path) or folder_of(path) not in COMPUTING or subject_path(path) == WITH_NAMES:
+        return
+    with open(os.path.join(root, path), encoding="utf-8", errors="replace") as file:
+        code = COMMENT.sub("", file.read())
+    for literal in LITERAL.finditer(code):
+        statement = re.split(r"[;{}]", code[:literal.start()])[-1]
+        if WORDS.search(literal[1]) and not THROWN.search(statement):
+            yield f"{path}:{code.count(chr(10), 0, literal.start()) + 1}: a text in what computes: {literal[0]}"
+
+
 def files(root):
     for top in TOPS:
         for directory, _, names in os.walk(os.path.join(root, top)):
@@ -236,7 +255,8 @@ def crowded_folders(paths):
 
 def violations(root):
     paths = sorted(files(root))
-    return [line for path in paths for line in violations_of_file(root, path)] + crowded_folders(paths)
+    return [line for path in paths for found in (violations_of_file, texts_of_file) for line in found(root, path)
+            ] + crowded_folders(paths)
 
 
 # A file, an include line in it, and what the checker must say after "may not include"; None if it is clean.
@@ -333,6 +353,13 @@ def self_test():
         open(os.path.join(root, "host/attic/a.cpp"), "w", encoding="utf-8").close()
         if violations(root) != ["host/attic/a.cpp:1: folder host/attic is not in the table of include rules"]:
             failures.append("a folder that is not in the table passes")
+    with tempfile.TemporaryDirectory() as root:
+        os.makedirs(os.path.join(root, "host/models"))
+        with open(os.path.join(root, "host/models/a.cpp"), "w", encoding="utf-8") as file:
+            file.write('// "a comment may speak"\nconst char* a = "the value is missing";\n'
+                       'void F() { throw Error("no value", "the file has none"); }\n')
+        if violations(root) != ['host/models/a.cpp:2: a text in what computes: "the value is missing"']:
+            failures.append(f"a text in what computes passes, or one that is thrown does not: {violations(root)}")
     paths = [f"host/base/{number}.h" for number in range(MOST_FILES + 1)]
     if crowded_folders(paths[1:]) or not crowded_folders(paths):
         failures.append("a crowded folder passes, or one that is full does not")

@@ -5,6 +5,7 @@
 
 #include "apps/cli/result_json.h"
 #include "apps/cli/text_table.h"
+#include "host/application/no_prediction_text.h"
 
 namespace brenvolt::cli {
 

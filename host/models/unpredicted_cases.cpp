@@ -10,27 +10,12 @@
 namespace brenvolt {
 namespace {
 
-struct Words {
-  std::string_view name;
-  std::string_view text;
-};
-constexpr std::array<Words, 4> kWords{{{"missing", "the value is missing"},
-                                       {"unknown", "the model does not know the value"},
-                                       {"outside-range", "the model does not accept the number"},
-                                       {"no-result", "the model gives no result"}}};
-
-const Words& WordsOf(NoPrediction reason) {
-  return kWords[static_cast<std::size_t>(reason)];
-}
+constexpr std::array<std::string_view, 4> kNames{"missing", "unknown", "outside-range", "no-result"};
 
 }  // namespace
 
 std::string_view NoPredictionName(NoPrediction reason) {
-  return WordsOf(reason).name;
-}
-
-std::string_view NoPredictionText(NoPrediction reason) {
-  return WordsOf(reason).text;
+  return kNames[static_cast<std::size_t>(reason)];
 }
 
 std::string UnpredictedReason::Values() const {

@@ -20,8 +20,6 @@ enum class NoPrediction : std::uint8_t {
 
 // "missing", "unknown", "outside-range" or "no-result", for programs.
 std::string_view NoPredictionName(NoPrediction reason);
-// The same in words: "the value is missing".
-std::string_view NoPredictionText(NoPrediction reason);
 
 struct UnpredictedReason {
   NoPrediction reason = NoPrediction::kNoResult;

@@ -8,6 +8,7 @@
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
+#include "host/application/no_prediction_text.h"
 
 namespace brenvolt::sra {
 namespace {
