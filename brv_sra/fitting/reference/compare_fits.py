@@ -42,15 +42,15 @@ warnings.filterwarnings("ignore")
 
 
 def simulate():
-    """Samples of known laws by SciPy, with fixed seeds."""
-    laws = {"weibull": stats.weibull_min(0.8, scale=5), "gev": stats.genextreme(-0.3, 10, 2),
+    """Samples of known distributions by SciPy, with fixed seeds."""
+    distributions = {"weibull": stats.weibull_min(0.8, scale=5), "gev": stats.genextreme(-0.3, 10, 2),
             "gpd": stats.genpareto(0.25, scale=3), "gpd_short": stats.genpareto(-0.3, scale=3),
             "rayleigh": stats.rayleigh(scale=2), "half_normal": stats.halfnorm(scale=3),
             "folded_normal": stats.foldnorm(1.5, scale=2), "triangular": stats.triang(0.3, 2, 8),
             "johnson_su": stats.johnsonsu(-0.8, 1.5, 10, 3), "binomial": stats.binom(12, 0.35),
             "geometric": stats.geom(0.2, loc=-1), "bernoulli": stats.bernoulli(0.15)}
-    for seed, (name, law) in enumerate(laws.items(), 1):
-        x = law.rvs(300, random_state=np.random.default_rng(seed))
+    for seed, (name, distribution) in enumerate(distributions.items(), 1):
+        x = distribution.rvs(300, random_state=np.random.default_rng(seed))
         np.savetxt(DATA / f"simulated_{name}.csv", x, fmt="%.6g", header="x", comments="")
 
 
@@ -75,7 +75,7 @@ def triangular(p):
     return stats.triang((p[2] - p[0]) / (p[1] - p[0]), p[0], p[1] - p[0])
 
 
-LAWS = {
+DISTRIBUTIONS = {
     "Normal": lambda p: stats.norm(*p),
     "Log Normal": lambda p: stats.lognorm(p[1], scale=math.exp(p[0])),
     "Folded Normal": lambda p: stats.foldnorm(p[0] / p[1], scale=p[1]),
@@ -96,8 +96,8 @@ LAWS = {
 
 def log_likelihood(name, x, p):
     try:
-        law = LAWS[name](p)
-        terms = law.logpmf(x) if hasattr(getattr(law, "dist", None), "logpmf") else law.logpdf(x)
+        distribution = DISTRIBUTIONS[name](p)
+        terms = distribution.logpmf(x) if hasattr(getattr(distribution, "dist", None), "logpmf") else distribution.logpdf(x)
     except (ValueError, ZeroDivisionError):
         return -math.inf
     if name == "Triangular":
@@ -150,7 +150,7 @@ CLIMBED = {"General Extreme Value": extreme_value, "General Pareto": pareto, "We
 
 def scipy_fits(x, discrete):
     if discrete:
-        return {}  # SciPy 1.10 fits discrete laws only between bounds that the caller makes up
+        return {}  # SciPy 1.10 fits discrete distributions only between bounds that the caller makes up
     fits = {"Normal": lambda: stats.norm.fit(x), "Triangular": None,
             "Log Normal": lambda: (lambda f: (math.log(f[2]), f[0]))(stats.lognorm.fit(x, floc=0)),
             "Folded Normal": lambda: (lambda f: (f[0] * f[2], f[2]))(stats.foldnorm.fit(x, floc=0)),
@@ -255,7 +255,7 @@ def sample_moments(x):
 
 
 def johnson_optimum(x):
-    """The law with the moments of the sample, SB below the log-normal line and SU above it."""
+    """The distribution with the moments of the sample, SB below the log-normal line and SU above it."""
     mean, deviation, skewness, kurtosis = sample_moments(x)
     line = optimize.brentq(lambda w: (w + 2) * math.sqrt(w - 1) - abs(skewness), 1, 100)
     bounded = kurtosis + 3 < line ** 4 + 2 * line ** 3 + 3 * line ** 2 - 3
@@ -304,16 +304,16 @@ def optimum(name, x, starts):
 
 # ---- statistics ----------------------------------------------------------------------------------------------------
 
-def ks_statistic(x, law, discrete):
+def ks_statistic(x, distribution, discrete):
     if not discrete:
-        return float(stats.kstest(x, law.cdf).statistic)
+        return float(stats.kstest(x, distribution.cdf).statistic)
     k = np.arange(0, x.max() + 2)
     empirical = np.searchsorted(np.sort(x), k, side="right") / len(x)
-    return float(np.max(np.abs(empirical - law.cdf(k))))
+    return float(np.max(np.abs(empirical - distribution.cdf(k))))
 
 
-def ad_statistic(x, law):
-    z, n = np.sort(law.cdf(x)), len(x)
+def ad_statistic(x, distribution):
+    z, n = np.sort(distribution.cdf(x)), len(x)
     i = np.arange(1, n + 1)
     value = -n - np.mean((2 * i - 1) * (np.log(z) + np.log1p(-z[::-1])))
     return float(value) if math.isfinite(value) else None
@@ -359,7 +359,7 @@ def own_fits(name):
     found = {}
     for line in lines:
         f = line.split("\t")
-        if f[0] in LAWS and len(f) > 9:  # a fit that failed has no parameters
+        if f[0] in DISTRIBUTIONS and len(f) > 9:  # a fit that failed has no parameters
             number = [float(v) if v else None for v in (f[1], f[2], f[4], f[5])]
             found[f[0]] = (tuple(map(float, f[9].split())), *number)
     return found
@@ -374,12 +374,12 @@ def references(samples):
         print(name, file=sys.stderr)
         discrete = name in DISCRETE
         theirs = scipy_fits(x, discrete)
-        for t in list(LAWS)[11:] if discrete else list(LAWS)[:11]:
+        for t in list(DISTRIBUTIONS)[11:] if discrete else list(DISTRIBUTIONS)[:11]:
             row = rows.setdefault((name, t), {})
             if t in theirs:
-                law = LAWS[t](theirs[t])
-                row["SciPy"] = (theirs[t], log_likelihood(t, x, theirs[t]), ks_statistic(x, law, False),
-                                ad_statistic(x, law), None)
+                distribution = DISTRIBUTIONS[t](theirs[t])
+                row["SciPy"] = (theirs[t], log_likelihood(t, x, theirs[t]), ks_statistic(x, distribution, False),
+                                ad_statistic(x, distribution), None)
             if (name, t) in by_r:
                 row["R"] = by_r[name, t]
             p = optimum(t, x, [source[0] for source in row.values()])
@@ -388,9 +388,9 @@ def references(samples):
             p = tuple(map(float, p))
             best[name, t] = p
             likelihood = log_likelihood(t, x, p)
-            law = LAWS[t](p)
-            row["optimum"] = (p, likelihood if math.isfinite(likelihood) else None, ks_statistic(x, law, discrete),
-                              ad_statistic(x, law) if t == "Johnson" else None, None)
+            distribution = DISTRIBUTIONS[t](p)
+            row["optimum"] = (p, likelihood if math.isfinite(likelihood) else None, ks_statistic(x, distribution, discrete),
+                              ad_statistic(x, distribution) if t == "Johnson" else None, None)
     tested = goftest({k: p for k, p in best.items() if k[0] not in DISCRETE and k[1] not in ("Johnson", "Triangular")})
     for key, (ad, p_value) in tested.items():
         rows[key]["optimum"] = (*rows[key]["optimum"][:3], ad, p_value)
@@ -446,7 +446,7 @@ def note(t, own, sources):
 def write_document(rows, ours, samples):
     sections = []
     summary = []
-    for t in LAWS:
+    for t in DISTRIBUTIONS:
         lines, worst = [], [None] * 5
         count = higher = lower = early_scipy = early_r = 0
         for (data, distribution), sources in rows.items():

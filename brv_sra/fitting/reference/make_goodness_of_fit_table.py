@@ -140,12 +140,12 @@ def merge(observed, expected):
     return lower + upper
 
 
-def chi_square(law, x, inner):
+def chi_square(distribution, x, inner):
     edges = numpy.concatenate(([-numpy.inf], inner, [numpy.inf]))
     # A bin holds its upper boundary, within rounding: numpy.histogram's hold the lower one, so the axis is turned
     # round.
     observed = numpy.histogram(-x, bins=-edges[::-1] - 1e-12)[0][::-1]
-    below = numpy.array([0.0] + [law.cdf(b) for b in inner] + [1.0])
+    below = numpy.array([0.0] + [distribution.cdf(b) for b in inner] + [1.0])
     bins = merge(observed, len(x) * numpy.diff(below))
     if len(bins) < 2:
         return ["", "", ""]
@@ -155,24 +155,24 @@ def chi_square(law, x, inner):
     return [repr(float(result.statistic)), df, repr(float(result.pvalue))]
 
 
-def results(code, law, x):
+def results(code, distribution, x):
     n = len(x)
     if code > 10:
         k = numpy.arange(-1, 400)
-        d = max(abs(numpy.searchsorted(x, k, side="right") / n - law.cdf(k)))
-        whole = chi_square(law, x, numpy.arange(x[0], x[-1])) if x[-1] - x[0] < 50 else chi_square_grouped(law, x)
+        d = max(abs(numpy.searchsorted(x, k, side="right") / n - distribution.cdf(k)))
+        whole = chi_square(distribution, x, numpy.arange(x[0], x[-1])) if x[-1] - x[0] < 50 else chi_square_grouped(distribution, x)
         return [repr(float(d)), repr(float(stats.kstwo.sf(d, n))), "", ""] + whole + whole
-    d, p = stats.kstest(x, law.cdf, mode="exact")
-    a2 = anderson_darling(law.cdf(x))
+    d, p = stats.kstest(x, distribution.cdf, mode="exact")
+    a2 = anderson_darling(distribution.cdf(x))
     low, high, k = round_range(x[0], x[-1]) if n > 1 else (0, 1, 20)
-    equal_probabilities = chi_square(law, x, [law.ppf(i / k) for i in range(1, k)])
-    equal_intervals = chi_square(law, x, [low + (high - low) / k * i for i in range(1, k)])
+    equal_probabilities = chi_square(distribution, x, [distribution.ppf(i / k) for i in range(1, k)])
+    equal_intervals = chi_square(distribution, x, [low + (high - low) / k * i for i in range(1, k)])
     return [repr(float(d)), repr(float(p)), repr(a2), goftest(n, a2)] + equal_probabilities + equal_intervals
 
 
-def chi_square_grouped(law, x):
+def chi_square_grouped(distribution, x):
     low, high, k = round_range(x[0], x[-1])
-    return chi_square(law, x, [low + (high - low) / k * i for i in range(k)])
+    return chi_square(distribution, x, [low + (high - low) / k * i for i in range(k)])
 
 
 def main():

@@ -47,19 +47,19 @@ LONG = (
 MIXTURE = ((0.3, 1.0, 0.5), (0.7, 3.0, 1.5))
 
 
-def density_of(law):
-    return law.pdf(X) if isinstance(law.dist, stats.rv_continuous) else law.pmf(X)
+def density_of(distribution):
+    return distribution.pdf(X) if isinstance(distribution.dist, stats.rv_continuous) else distribution.pmf(X)
 
 
 print("// Made by curve_values.py with SciPy 1.10.")
-for densities, cumulative, arguments, law in ROWS:
+for densities, cumulative, arguments, distribution in ROWS:
     for name in densities:
-        print(f'{{"{name}({arguments})", {float(density_of(law))!r}}},')
-    print(f'{{"{cumulative}({arguments})", {float(law.cdf(X))!r}}},')
-for name, arguments, law in LONG:
-    print(f'{{"{name}Density(x,{arguments})", {float(density_of(law))!r}}},')
-    print(f'{{"{name}Cdf(x,{arguments})", {float(law.cdf(X))!r}}},')
-    print(f'{{"{name}Quantile(x/3,{arguments})", {float(law.ppf(X / 3))!r}}},')
+        print(f'{{"{name}({arguments})", {float(density_of(distribution))!r}}},')
+    print(f'{{"{cumulative}({arguments})", {float(distribution.cdf(X))!r}}},')
+for name, arguments, distribution in LONG:
+    print(f'{{"{name}Density(x,{arguments})", {float(density_of(distribution))!r}}},')
+    print(f'{{"{name}Cdf(x,{arguments})", {float(distribution.cdf(X))!r}}},')
+    print(f'{{"{name}Quantile(x/3,{arguments})", {float(distribution.ppf(X / 3))!r}}},')
 parts = ",".join(f"{c!r},{m!r},{s!r}" for c, m, s in MIXTURE)
 mixed = {"Density": sum(c * stats.norm(m, s).pdf(X) for c, m, s in MIXTURE),
          "Cdf": sum(c * stats.norm(m, s).cdf(X) for c, m, s in MIXTURE),

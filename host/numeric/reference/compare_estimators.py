@@ -224,7 +224,7 @@ LARGE = 40000  # above the size from which the estimators search a thinned sampl
 
 
 def positive_samples():
-    """(name, data, offset) for laws of a magnitude."""
+    """(name, data, offset) for distributions of a magnitude."""
     sets = [(name, x, 0.0) for name, x in REAL.items()]
     sets.append(("Danish losses above 1", REAL["Danish losses"], 0.999))
     sets.append(("toxocara + 1", example("toxocara.csv") + 1.0, 0.0))
@@ -315,20 +315,20 @@ def mixture_samples():
         c = g.choice(len(parts), size=n, p=[w for w, _, _ in parts])
         return np.array([m for _, m, _ in parts])[c] + np.array([d for _, _, d in parts])[c] * g.standard_normal(n)
 
-    laws = {"apart": [(0.5, 0, 1), (0.5, 6, 1)], "overlapping": [(0.5, 0, 1), (0.5, 1.5, 1)],
+    distributions = {"apart": [(0.5, 0, 1), (0.5, 6, 1)], "overlapping": [(0.5, 0, 1), (0.5, 1.5, 1)],
             "concentric": [(0.7, 0, 1), (0.3, 0, 4)], "rare": [(0.95, 0, 1), (0.05, 4, 0.3)],
             "three, overlapping": [(0.3, 0, 1), (0.4, 2, 1), (0.3, 4, 0.7)],
             "narrow beside wide": [(0.5, 0, 1e-3), (0.5, 1, 1)],
             "five": [(0.2, 3.0 * i, 0.6) for i in range(5)]}
-    for seed, (name, parts) in enumerate(laws.items()):
+    for seed, (name, parts) in enumerate(distributions.items()):
         for n in (40, 300, 3000):
             sets.append((f"{name}, n = {n}", draw(100 * seed + n, n, parts), len(parts)))
     for name in ("apart", "concentric", "rare", "three, overlapping"):
-        sets.append((f"{name}, n = {LARGE}", draw(17, LARGE, laws[name]), len(laws[name])))
+        sets.append((f"{name}, n = {LARGE}", draw(17, LARGE, distributions[name]), len(distributions[name])))
     for count in (5, 20):
         x = np.concatenate([rng(18).standard_normal(LARGE), 6 + 0.2 * rng(19).standard_normal(count)])
         sets.append((f"normal and {count} values beyond 5 deviations, n = {len(x)}", x, 2))
-    x = draw(9, 150, laws["apart"])
+    x = draw(9, 150, distributions["apart"])
     for name, y in (("apart, times 1e-9", x * 1e-9), ("apart, times 1e9", x * 1e9), ("apart, + 1e6", x + 1e6),
                     ("apart, rounded to 0.5, ties", np.round(2 * x) / 2), ("normal, one in truth", rng(8).normal(size=200)),
                     ("nearly constant", 5 + 1e-9 * x), ("n = 6", np.array([0.0, 0.1, 0.25, 5.0, 5.2, 5.3])),
@@ -342,7 +342,7 @@ def mixture_samples():
 def has_maximum(estimator, data, threshold):
     """Whether the profile of the likelihood has an inner maximum with shape above -1, by brute force.
 
-    For the extreme value law the profile is followed up to shape 2. Beyond, small samples climb to the pole at their least
+    For the extreme value distribution the profile is followed up to shape 2. Beyond, small samples climb to the pole at their least
     value, where double precision no longer resolves the likelihood. Ties can make it infinite at a shape below, too.
     """
     if estimator == "gpd":
@@ -456,7 +456,7 @@ def compare_likelihood(estimator, folder, lines):
     print(f"{title}: {len(sets)} samples, {fitted} fitted, {none} status, worst {-worst:.1e}, below {below}")
 
 
-# ---- estimators from moments: the moments of the fitted law against those of the sample ------------------------------
+# ---- estimators from moments: the moments of the fitted distribution against those of the sample ------------------------------
 
 def johnson(p):
     """The value of a Johnson member at a standard normal deviate."""
@@ -526,7 +526,7 @@ def compare_moments(estimator, folder, lines):
         rows.append(f"| {name} | {len(data)} | {', '.join(f'{v:.6g}' for v in p[:5 if is_johnson else 3])} | {error:.1e} | "
                     f"{note} |")
     lines += [f"## {title}", "",
-              f"{len(sets)} samples: {fitted} fitted. Greatest difference between a moment of the fitted law, by "
+              f"{len(sets)} samples: {fitted} fitted. Greatest difference between a moment of the fitted distribution, by "
               f"quadrature, and that of the sample, in standard deviations of the sample (skewness and kurtosis: "
               f"relative to max(1, value)): {worst:.1e}.", "",
               "| sample | n | parameters | greatest difference | note |", "|---|---|---|---|---|", *rows, ""]
@@ -534,7 +534,7 @@ def compare_moments(estimator, folder, lines):
 
 
 def compare_percentiles(folder, lines):
-    """Samples of known members: the distance between the fitted and the true law's quantiles."""
+    """Samples of known members: the distance between the fitted and the true distribution's quantiles."""
     members = [(2, -0.8, 1.5, 3, 10), (2, 0.4, 0.9, 1, -2), (2, 0, 2.5, 1, 0), (3, 0.7, 1.2, 5, 1), (3, -0.3, 0.6, 2, 0),
                (3, 1.5, 1.5, 1e9, 0), (1, 0.5, 1.8, 1, 4), (4, -3, 2, 1, 0)]
     rows, count = [], 0
@@ -560,7 +560,7 @@ def compare_percentiles(folder, lines):
               "Samples of known members. The greatest distance between the fitted and the true quantiles from 5 % to 95 %, "
               "in units of the true distance between 16 % and 84 %; beside it that of the fit from moments and that of the "
               "plain sample quantiles.", "",
-              "| law | n | family found | percentiles | moments | sample quantiles |", "|---|---|---|---|---|---|", *rows, ""]
+              "| distribution | n | family found | percentiles | moments | sample quantiles |", "|---|---|---|---|---|---|", *rows, ""]
     print(f"Johnson from percentiles: {count} samples")
 
 

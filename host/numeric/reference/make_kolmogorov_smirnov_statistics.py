@@ -75,8 +75,8 @@ def histogram_mass(*classes):
     return [(c, w / sum(shares)) for c, w in zip(codes, shares)]
 
 
-def mass_of(law, last):
-    return [(k, float(law.pmf(k))) for k in range(last + 1)]
+def mass_of(distribution, last):
+    return [(k, float(distribution.pmf(k))) for k in range(last + 1)]
 
 
 LAST = 400

@@ -30,9 +30,9 @@ for n in (1, 5, 6, 20, 50, 100, 1000):
     for percent in (0.135, 5.0, 50.0, 90.0):
         for confidence in (0.9, 0.95):
             tail = (1 - confidence) / 2
-            law = stats.binom(n, percent / 100)
-            lower = max((rank for rank in range(1, n + 1) if law.cdf(rank - 1) <= tail), default=0)
-            upper = min((rank for rank in range(1, n + 1) if law.sf(rank - 1) <= tail), default=0)
-            coverage = (law.cdf(upper - 1) if upper else 1.0) - (law.cdf(lower - 1) if lower else 0.0)
+            distribution = stats.binom(n, percent / 100)
+            lower = max((rank for rank in range(1, n + 1) if distribution.cdf(rank - 1) <= tail), default=0)
+            upper = min((rank for rank in range(1, n + 1) if distribution.sf(rank - 1) <= tail), default=0)
+            coverage = (distribution.cdf(upper - 1) if upper else 1.0) - (distribution.cdf(lower - 1) if lower else 0.0)
             lines.append(f"{{{n}, {percent!r}, {confidence!r}, {lower}, {upper}, {float(coverage)!r}}},")
 (FOLDER / "percentile_ranks.inc").write_text("\n".join(lines) + "\n")

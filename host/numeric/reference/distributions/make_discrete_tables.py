@@ -3,7 +3,7 @@
 
 Run by hand (needs mpmath, and gmpy2 unless you have hours); the tables are committed. Every argument and parameter is a
 double, taken exactly; every value is computed with at least 50 digits and rounded once to the nearest double.
-Probabilities come from their definitions, tails from sums of positive terms; those of binomial laws too wide for a sum
+Probabilities come from their definitions, tails from sums of positive terms; those of binomial distributions too wide for a sum
 from the integral of the incomplete beta function, which must agree with the sum where both can be had.
 
 Columns: function, region, argument, the parameters, value. The region is `tail` where the smaller of the two tail
@@ -40,7 +40,7 @@ def sum_of_ratios(ratio):
 
 
 class Counts:
-    """A law on 0, 1, 2, ... `lower` and `upper` are P(N <= k) below the mean and P(N > k) from it on; half a count from
+    """A distribution on 0, 1, 2, ... `lower` and `upper` are P(N <= k) below the mean and P(N > k) from it on; half a count from
     the mean, neither is near 1."""
 
     def tails(self, k):
@@ -229,40 +229,40 @@ def probability_rows(x, density, log_density, low, high):
     yield "Complement", where, x, high
 
 
-def count_rows(law):
-    for k in law.points():
-        log_density = law.log_density(k)
+def count_rows(distribution):
+    for k in distribution.points():
+        log_density = distribution.log_density(k)
         density = exp(log_density)
         if density < SMALLEST:
             continue
-        low, high = law.tails(k)
+        low, high = distribution.tails(k)
         x = float(k)
         yield from probability_rows(x, density, log_density, low, high)
         where = region(low, high)
-        if k + mpf(1) / 2 < law.mean:
+        if k + mpf(1) / 2 < distribution.mean:
             yield from quantile_rows("Quantile", x, low - density, low, where)
         else:
             yield from quantile_rows("Quantile", x, 1 - high - density, 1 - high, where)
         yield from quantile_rows("ComplementQuantile", x, high, high + density, where)
         yield from end_of_jump("Quantile", x, low)
         yield from end_of_jump("ComplementQuantile", x, high)
-    for p in ROUND if law.is_quick() else []:
+    for p in ROUND if distribution.is_quick() else []:
         where = region(p, 1 - mpf(p))
-        k = law.smallest(lambda k: law.tails(k)[0] >= p)
-        if is_clear(mpf(p), law.tails(k - 1)[0], law.tails(k)[0], where):
+        k = distribution.smallest(lambda k: distribution.tails(k)[0] >= p)
+        if is_clear(mpf(p), distribution.tails(k - 1)[0], distribution.tails(k)[0], where):
             yield "Quantile", where, p, float(k)
-        k = law.smallest(lambda k: law.tails(k)[1] <= p)
-        if is_clear(mpf(p), law.tails(k)[1], law.tails(k - 1)[1], where):
+        k = distribution.smallest(lambda k: distribution.tails(k)[1] <= p)
+        if is_clear(mpf(p), distribution.tails(k)[1], distribution.tails(k - 1)[1], where):
             yield "ComplementQuantile", where, p, float(k)
 
 
-def class_rows(law):
+def class_rows(distribution):
     low = mpf(0)
-    for i, (code, share) in enumerate(law.classes):
+    for i, (code, share) in enumerate(distribution.classes):
         below, low = low, low + share
-        high = sum(s for _, s in law.classes[i + 1:])
+        high = sum(s for _, s in distribution.classes[i + 1:])
         yield from probability_rows(code, share, log(share), low, high)
-        following = law.classes[i + 1][0] if i + 1 < len(law.classes) else code + 2.0
+        following = distribution.classes[i + 1][0] if i + 1 < len(distribution.classes) else code + 2.0
         yield "Cdf", region(low, high), (code + following) / 2, low
         yield "Complement", region(low, high), (code + following) / 2, high
         where = region(low, high)
@@ -270,13 +270,13 @@ def class_rows(law):
         yield from quantile_rows("ComplementQuantile", code, high, high + share, where)
         yield from end_of_jump("Quantile", code, low)
         yield from end_of_jump("ComplementQuantile", code, high)
-    yield "Complement", "body", law.classes[0][0] - 0.5, mpf(1)
+    yield "Complement", "body", distribution.classes[0][0] - 0.5, mpf(1)
 
 
 def check_integral():
     for proportion, trials, k in ((0.3, 10 ** 6, 299000), (0.3, 10 ** 6, 299999), (0.9, 10 ** 7, 8990000)):
-        law = Binomial(proportion, trials)
-        assert abs(law.integral(k, law.p, law.q) / law.ratios(k, law.p, law.q) - 1) < 1e-50
+        distribution = Binomial(proportion, trials)
+        assert abs(distribution.integral(k, distribution.p, distribution.q) / distribution.ratios(k, distribution.p, distribution.q) - 1) < 1e-50
 
 
 def parameters_text(kind, values):
@@ -289,8 +289,8 @@ def write_probabilities(kind):
         writer = csv.writer(file, lineterminator="\n")
         writer.writerow(["function", "region", "argument", *kind.columns, "value"])
         for values in kind.sets:
-            law = kind(*values)
-            for function, where, argument, value in count_rows(law) if isinstance(law, Counts) else class_rows(law):
+            distribution = kind(*values)
+            for function, where, argument, value in count_rows(distribution) if isinstance(distribution, Counts) else class_rows(distribution):
                 number = float(value)
                 if "Quantile" not in function and (number == 0.0 or abs(number) < 1e-300 or math.isinf(number)):
                     continue
@@ -302,8 +302,8 @@ def write_moments(kind):
         writer = csv.writer(file, lineterminator="\n")
         writer.writerow(["function", *kind.columns, "value"])
         for values in getattr(kind, "moment_sets", kind.sets):
-            law = kind(*values)
-            for function, value in ("Mean", law.mean), ("Variance", law.variance):
+            distribution = kind(*values)
+            for function, value in ("Mean", distribution.mean), ("Variance", distribution.variance):
                 writer.writerow([function, *parameters_text(kind, values), repr(float(value))])
 
 

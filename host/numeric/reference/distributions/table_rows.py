@@ -1,7 +1,7 @@
 """What the scripts that make the tables of the distribution types share: arguments, regions, rows, files.
 
-A law is a class with `name`, `parameters` (names of columns), `sets` of parameters, and the methods log_density, cdf,
-complement, quantile, complement_quantile; `is_inside(x)` says whether the density lives at x. A law with `moment_sets`
+A distribution is a class with `name`, `parameters` (names of columns), `sets` of parameters, and the methods log_density, cdf,
+complement, quantile, complement_quantile; `is_inside(x)` says whether the density lives at x. A distribution with `moment_sets`
 has mean and variance, too. A column may hold several numbers: a tuple, written apart by blanks.
 """
 import csv
@@ -74,18 +74,18 @@ def probability_rows(where, x, log_density, low, high, values):
     yield "Complement", where, x, values, high
 
 
-def continuous_rows(law, values):
-    points = set(getattr(law, "extra_points", []))
+def continuous_rows(distribution, values):
+    points = set(getattr(distribution, "extra_points", []))
     quantiles = []
     for p in PROBABILITIES:
         where = region(mpf(p), 1 - mpf(p))
-        for function, value in ("Quantile", law.quantile(p)), ("ComplementQuantile", law.complement_quantile(p)):
+        for function, value in ("Quantile", distribution.quantile(p)), ("ComplementQuantile", distribution.complement_quantile(p)):
             quantiles.append((function, where, p, values, value))
             points.add(float(value))
     for x in sorted(points):
-        if math.isinf(x) or not law.is_inside(mpf(x)):
+        if math.isinf(x) or not distribution.is_inside(mpf(x)):
             continue
-        low, high, log_density = law.cdf(x), law.complement(x), law.log_density(x)
+        low, high, log_density = distribution.cdf(x), distribution.complement(x), distribution.log_density(x)
         yield from probability_rows(region(low, high), x, log_density, low, high, values)
     yield from quantiles
 
@@ -124,7 +124,7 @@ def write_moments(kind):
     """<type>_moments.csv: function, the parameters, value; infinite moments are `inf`."""
     rows = []
     for values in kind.moment_sets:
-        law = kind(*values)
-        for function, value in ("Mean", law.mean()), ("Variance", law.variance()):
+        distribution = kind(*values)
+        for function, value in ("Mean", distribution.mean()), ("Variance", distribution.variance()):
             rows.append([function, *map(text, values), repr(float(value))])
     write(f"{kind.name}_moments.csv", ["function", *kind.parameters, "value"], rows)
