@@ -17,29 +17,28 @@
 namespace brenvolt::cli {
 namespace {
 
-// By what fits are ranked, as the table for people shows it.
-struct CriterionColumn {
+// What fits are ranked by, as the table for people shows it: the statistic and, of a test, its p-values.
+struct CriterionColumns {
   std::string_view name;  // as in the options of the command
   const char* heading;
   const ResultColumn& statistic;
-};
-constexpr std::array<CriterionColumn, 5> kCriterionColumns{{{"ks", "K-S d", "ks"_column},
-                                                            {"chi-square", "Chi-sq.", "chi_square"_column},
-                                                            {"anderson-darling", "A-D", "ad"_column},
-                                                            {"aic", "AIC", "aic"_column},
-                                                            {"bic", "BIC", "bic"_column}}};
+  const char* pHeading = nullptr;
+  const ResultColumn* pValue = nullptr;
+  const ResultColumn* bootstrapPValue = nullptr;
 
-// The p-values of a test.
-struct TestColumns {
-  std::string_view name;
-  const char* heading;
-  const ResultColumn& pValue;
-  const ResultColumn& bootstrapPValue;
+  bool IsTest() const { return pValue != nullptr; }
 };
-constexpr std::array<TestColumns, 3> kTests{
-    {{"ks", "K-S p", "ks_p"_column, "bootstrap_ks_p"_column},
-     {"chi-square", "Chi-sq. p", "chi_square_p"_column, "bootstrap_chi_square_p"_column},
-     {"anderson-darling", "A-D p", "ad_p"_column, "bootstrap_ad_p"_column}}};
+constexpr std::array<CriterionColumns, 5> kCriteria{
+    {{"ks", "K-S d", "ks"_column, "K-S p", &"ks_p"_column, &"bootstrap_ks_p"_column},
+     {"chi-square", "Chi-sq.", "chi_square"_column, "Chi-sq. p", &"chi_square_p"_column,
+      &"bootstrap_chi_square_p"_column},
+     {"anderson-darling", "A-D", "ad"_column, "A-D p", &"ad_p"_column, &"bootstrap_ad_p"_column},
+     {"aic", "AIC", "aic"_column},
+     {"bic", "BIC", "bic"_column}}};
+
+const CriterionColumns& Criterion(std::string_view name) {
+  return *std::ranges::find(kCriteria, name, &CriterionColumns::name);
+}
 
 // A description of more characters goes on in the next line, broken behind a comma.
 constexpr std::size_t kDescriptionWidth = 46;
@@ -84,10 +83,11 @@ class RankingText {
  public:
   RankingText(const FittedVariable& variable, const std::string& rankedBy, bool bootstrapped)
       : bootstrapped_(bootstrapped),
-        criterion_(*std::ranges::find(kCriterionColumns, rankedBy, &CriterionColumn::name)),
+        criterion_(Criterion(rankedBy)),
         count_(Cell(variable.moments, "n"_column)),
         deviation_(variable.moments.Number("standard_deviation"_column)) {
-    for (const TestColumns& test : kTests) {
+    for (const CriterionColumns& test : kCriteria) {
+      if (!test.IsTest()) continue;
       const bool applies = variable.isContinuous || test.name != "anderson-darling";
       if (test.name == rankedBy) tests_.insert(tests_.begin(), &test);
       if (test.name != rankedBy && applies) tests_.push_back(&test);
@@ -95,15 +95,15 @@ class RankingText {
     table_.AddColumn("Rank", TextTable::Align::kRight);
     table_.AddColumn("Distribution", TextTable::Align::kLeft);
     table_.AddColumn(criterion_.heading, TextTable::Align::kRight);
-    for (const TestColumns* test : tests_) table_.AddColumn(test->heading, TextTable::Align::kRight);
-    if (ShowsAicBeside()) table_.AddColumn("AIC", TextTable::Align::kRight);
+    for (const CriterionColumns* test : tests_) table_.AddColumn(test->pHeading, TextTable::Align::kRight);
+    if (ShowsAicBeside()) table_.AddColumn(aic_.heading, TextTable::Align::kRight);
     for (const FittedDistribution& fit : variable.fits) AddFit(fit);
   }
 
   std::string Text() const { return table_.Text() + failures_; }
 
  private:
-  bool ShowsAicBeside() const { return &criterion_.statistic != &"aic"_column; }
+  bool ShowsAicBeside() const { return &criterion_ != &aic_; }
 
   void AddFit(const FittedDistribution& fit) {
     ++rank_;
@@ -131,8 +131,8 @@ class RankingText {
     }
     std::vector<std::string> cells{std::to_string(rank_), lines.front(),
                                    Cell(fit.statistics, criterion_.statistic)};
-    for (const TestColumns* test : tests_) cells.push_back(PValueText(fit, *test));
-    if (ShowsAicBeside()) cells.push_back(Cell(fit.statistics, "aic"_column));
+    for (const CriterionColumns* test : tests_) cells.push_back(PValueText(fit, *test));
+    if (ShowsAicBeside()) cells.push_back(Cell(fit.statistics, aic_.statistic));
     table_.AddRow(std::move(cells));
     for (std::size_t i = 1; i < lines.size(); ++i) table_.AddRow({"", lines[i]});
   }
@@ -186,16 +186,17 @@ class RankingText {
   }
 
   // A table in which no fit has a bootstrap lacks its columns.
-  std::string PValueText(const FittedDistribution& fit, const TestColumns& test) const {
-    const ResultColumn& column = bootstrapped_ ? test.bootstrapPValue : test.pValue;
+  std::string PValueText(const FittedDistribution& fit, const CriterionColumns& test) const {
+    const ResultColumn& column = *(bootstrapped_ ? test.bootstrapPValue : test.pValue);
     return fit.statistics.Has(column) ? Cell(fit.statistics, column) : "-";
   }
 
   bool bootstrapped_;
-  const CriterionColumn& criterion_;
+  const CriterionColumns& criterion_;
+  const CriterionColumns& aic_ = Criterion("aic");
   std::string count_;  // of the values
   double deviation_;   // of the values
-  std::vector<const TestColumns*> tests_;
+  std::vector<const CriterionColumns*> tests_;
   TextTable table_;
   std::string failures_;
   std::size_t rank_ = 0;
