@@ -87,7 +87,7 @@ WITHOUT_TEXTS = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv
 WITH_NAMES = "brv_sra/distributions/catalogue"
 # Nor does what computes: a literal of three words or more stands where a text is made, or is thrown.
 COMPUTING = WITHOUT_TEXTS + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
-    "host/statistics", "host/models")
+    "host/statistics",)
 COMMENT = re.compile(r"//[^\n]*")
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
 THROWN = re.compile(r"\bthrow\b|Error\(|\bFail\(")
@@ -354,11 +354,11 @@ def self_test():
         if violations(root) != ["host/attic/a.cpp:1: folder host/attic is not in the table of include rules"]:
             failures.append("a folder that is not in the table passes")
     with tempfile.TemporaryDirectory() as root:
-        os.makedirs(os.path.join(root, "host/models"))
-        with open(os.path.join(root, "host/models/a.cpp"), "w", encoding="utf-8") as file:
+        os.makedirs(os.path.join(root, "host/statistics"))
+        with open(os.path.join(root, "host/statistics/a.cpp"), "w", encoding="utf-8") as file:
             file.write('// "a comment may speak"\nconst char* a = "the value is missing";\n'
                        'void F() { throw Error("no value", "the file has none"); }\n')
-        if violations(root) != ['host/models/a.cpp:2: a text in what computes: "the value is missing"']:
+        if violations(root) != ['host/statistics/a.cpp:2: a text in what computes: "the value is missing"']:
             failures.append(f"a text in what computes passes, or one that is thrown does not: {violations(root)}")
     paths = [f"host/base/{number}.h" for number in range(MOST_FILES + 1)]
     if crowded_folders(paths[1:]) or not crowded_folders(paths):

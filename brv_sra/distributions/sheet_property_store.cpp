@@ -4,11 +4,6 @@
 
 namespace brenvolt::sra {
 
-std::optional<SheetPropertyStore> SheetPropertyStore::Of(Spreadsheet* sheet) {
-  if (sheet == nullptr) return std::nullopt;
-  return SheetPropertyStore(*sheet);
-}
-
 std::optional<std::string> SheetPropertyStore::Get(int variableNumber, std::string_view key) const {
   const Variable* const variable = Find(variableNumber);
   if (variable == nullptr) return std::nullopt;

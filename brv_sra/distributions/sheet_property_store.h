@@ -16,9 +16,6 @@ class SheetPropertyStore : public VariablePropertyStore {
  public:
   explicit SheetPropertyStore(Spreadsheet& sheet) : sheet_(&sheet) {}
 
-  // The store of a sheet that may not be there: a null sheet has no store.
-  static std::optional<SheetPropertyStore> Of(Spreadsheet* sheet);
-
   std::optional<std::string> Get(int variableNumber, std::string_view key) const override;
   void Set(int variableNumber, std::string_view key, const std::string& value) override;
   void Remove(int variableNumber, std::string_view key) override;

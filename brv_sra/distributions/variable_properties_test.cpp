@@ -368,7 +368,6 @@ TEST_F(VariableProperties, SheetStoreLeavesVariablesThatDoNotExistAlone) {
   }
   EXPECT_TRUE(sheet_.VariableAt(0).Properties().empty());
   EXPECT_TRUE(sheet_.VariableAt(1).Properties().empty());
-  EXPECT_FALSE(SheetPropertyStore::Of(nullptr));
   WriteDistributionProperties(nullptr, {});
 }
 

@@ -69,7 +69,8 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // when the person decides against it.
   bool MayFitInput() const;
 
-  // Defaults of numeric settings; everything around them starts at zero.
+  // Defaults of numeric settings; everything around them starts at zero. The contract prescribes all of them, also those
+  // that nothing reads.
   struct NumericDefaults {
     std::int32_t reservedCount = 0;
     std::int32_t numberOfSamples = 100;

@@ -6,8 +6,9 @@
 namespace brenvolt {
 
 std::string_view NoPredictionText(NoPrediction reason) {
-  constexpr std::array<std::string_view, 4> kTexts{"the value is missing", "the model does not know the value",
-                                                   "the model does not accept the number", "the model gives no result"};
+  constexpr std::array<std::string_view, 4> kTexts{
+      "the value is missing", "the model does not know the value", "the model does not accept the number",
+      "the model gives no result"};
   return kTexts[static_cast<std::size_t>(reason)];
 }
 

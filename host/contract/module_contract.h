@@ -4,9 +4,9 @@
 // they are a contract and never change. They are kept in this folder and nowhere else: the host and its own
 // module use the plain names on the right. The declarations of the plain names say what they mean.
 //
-// Members of the base of analyses (CAnalysisSupport: InitCommons, GetDialgInterface, get_md, dsplst, …)
-// cannot have a second name: they are declared there under the contract's names, the virtual ones in the
-// contract's order, which this folder's test holds.
+// Members of the bases of analyses and of their dialogs (CAnalysisSupport: InitCommons, GetDialgInterface, get_md,
+// dsplst, …; CAnalysisDialog: szLoadResString, GetDlgItemLong, …) cannot have a second name: they are declared there
+// under the contract's names, the virtual ones in the contract's order, which this folder's test holds.
 #pragma once
 
 #include <cstdint>

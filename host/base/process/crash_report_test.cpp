@@ -7,7 +7,6 @@
 #include <fstream>
 
 #include "host/base/files/temporary_folder_support_test.h"
-#include "host/base/logging.h"
 
 namespace brenvolt {
 namespace {
