@@ -793,7 +793,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"simulate", "weights.csv"}, 1, "weights.csv"},
       {{"simulate", "endless.bvw"}, 1, "Simulation failed.  Please review"},
       {{"import", "good.bvw", "-o", "other.bvw"}, 1, "is already a project (good.bvw)"},
-      {{"import", "weights.csv", "-o", "other.csv"}, 2, "-o needs a file ending in .bvw, got other.csv"},
+      {{"import", "weights.csv", "-o", "other.csv"}, 2, "expected a file ending in .bvw, got other.csv (-o)"},
       {{"import", "weights.csv", "-o", "other.bvw", "--sheet", "\xff"}, 2, "not UTF-8"},
       {{"fit", "weights.csv", "--save", "no_project.bvw"}, 1, "no_project.bvw"},
       {{"import", "ragged.csv", "-o", "good.bvw"}, 1, "ragged.csv, line 3"},

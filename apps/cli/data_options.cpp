@@ -5,7 +5,6 @@
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
-#include "host/jobs/base/project_files.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -40,9 +39,8 @@ void AddYesOption(CLI::App& command, JobData& data) {
                    "Fit the rows of a correlation matrix as data; without, a matrix is refused");
 }
 
-void AddDecimalCommaOption(CLI::App& command, JobData& data) {
-  command.add_flag("--decimal-comma", data.decimalComma,
-                   "CSV with decimal commas, semicolons between the fields");
+void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {
+  command.add_flag("--decimal-comma", decimalComma, "CSV with decimal commas, semicolons between the fields");
 }
 
 std::string OptionOf(const std::string& field) {
@@ -92,10 +90,6 @@ std::pair<std::optional<double>, std::optional<double>> BoundsIn(const std::stri
     return number.empty() ? std::nullopt : std::optional(NumberIn(field, number));
   };
   return {bound(bounds.substr(0, separator)), bound(bounds.substr(separator + 1))};
-}
-
-void RequireProjectEnding(const std::filesystem::path& path, const std::string& option) {
-  if (!HasProjectEnding(path)) throw WrongCall(option + " needs a file ending in .bvw, got " + path.string());
 }
 
 }  // namespace brenvolt::cli

@@ -20,7 +20,7 @@ enum class ReportFormat { kTable, kJson };
 // Adds --format table|json.
 void AddFormatOption(CLI::App& command, ReportFormat& format);
 // Adds --decimal-comma.
-void AddDecimalCommaOption(CLI::App& command, JobData& data);
+void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
 // Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
@@ -96,8 +96,5 @@ CLI::Option* AddEntries(CLI::App& command, const std::string& name, std::vector<
       ->allow_extra_args(false)
       ->type_name(type);
 }
-
-// Throws WrongCall unless `path` ends as project files do. `option` names the option that gave it.
-void RequireProjectEnding(const std::filesystem::path& path, const std::string& option);
 
 }  // namespace brenvolt::cli

@@ -181,7 +181,7 @@ void AddFitCommand(CLI::App& program) {
   command->add_option("DATA", job.data.file, "CSV file with a header row, or a project (.bvw)")->required();
   command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
-  AddDecimalCommaOption(*command, job.data);
+  AddDecimalCommaOption(*command, job.data.decimalComma);
   AddYesOption(*command, job.data);
   AddVariableOptions(*command, job);
   AddDistributionOptions(*command, job);

@@ -154,7 +154,7 @@ void AddProfileCommand(CLI::App& program) {
                    "File for the data of the graphs as JSON: histograms with the best fit and the limits, "
                    "tornado graphs, profiles of predicted values, defect profiles; not with --record")
       ->type_name("FILE.json");
-  AddDecimalCommaOption(*command, job.data);
+  AddDecimalCommaOption(*command, job.data.decimalComma);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);
   command->footer(

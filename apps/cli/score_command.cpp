@@ -93,7 +93,7 @@ void AddScoreCommand(CLI::App& program) {
   command->add_flag(
       "--leave-invalid", job.leaveInvalid,
       "Leave a case without predictions where the model refuses one of its values; default: fail");
-  AddDecimalCommaOption(*command, job.data);
+  AddDecimalCommaOption(*command, job.data.decimalComma);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);
   command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv -o predicted.csv");

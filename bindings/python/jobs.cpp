@@ -21,7 +21,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/design_job.h"
-#include "host/jobs/exchange.h"
+#include "host/jobs/exchange_jobs.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_results.h"
@@ -97,30 +97,13 @@ std::vector<std::string> Append(const std::filesystem::path& path, const std::ve
   return names;
 }
 
-CsvFormat Format(bool decimalComma) {
-  return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{};
-}
-
-std::string Keyword(const char* name, const std::string& text) {
-  return text.empty() ? text : name + PythonText(text);
-}
-
-std::string Import(const std::filesystem::path& file, const std::filesystem::path& project,
+std::string Import(const std::filesystem::path& file, const std::filesystem::path& output,
                    const std::string& sheet, const std::string& kind, bool decimalComma) {
-  RequireProjectEnding("project", project);
-  if (!kind.empty() && kind != "data" && kind != "matrix")
-    throw std::invalid_argument("kind is 'data' or 'matrix', not " + Quoted(kind));
-  const Spreadsheet imported = ImportIntoProject({file, Format(decimalComma), sheet, kind}, project);
-  TheJob().Called(nullptr, "Import",
-                  {PythonPath(file), PythonPath(project), Keyword("sheet=", sheet), Keyword("kind=", kind),
-                   DecimalCommaArgument(decimalComma)});
-  return imported.Name();
+  return ImportJob{file, output, sheet, kind, decimalComma}.Run(TheJob()).Name();
 }
 
 void Export(const std::string& source, const std::filesystem::path& output, bool decimalComma) {
-  ExportFromProject(source, output, Format(decimalComma));
-  TheJob().Called(nullptr, "Export",
-                  {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma)});
+  ExportJob{source, output, decimalComma}.Run(TheJob());
 }
 
 // The predictions for the cases of an open sheet, or where it is null of the job's file.

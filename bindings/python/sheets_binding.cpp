@@ -179,10 +179,6 @@ void SetConditions(const Sheet& sheet, const Conditions& conditions) {
   sheet->Sheet().SetSelection(conditions.selection);
 }
 
-CsvFormat Format(bool decimalComma) {
-  return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{};
-}
-
 Sheet FreeSheet(Spreadsheet sheet) {
   return std::make_shared<SheetRef>(std::make_unique<Spreadsheet>(std::move(sheet)));
 }
@@ -374,7 +370,7 @@ void BindSheet(py::module_& module) {
       .def(
           "to_csv",
           [](const Sheet& s, const std::filesystem::path& path, bool decimalComma) {
-            WriteCsvFile(s->Sheet(), path, Format(decimalComma));
+            WriteCsvFile(s->Sheet(), path, FormatOf(decimalComma));
             RecordCall(s, "to_csv", {PythonPath(path), DecimalCommaArgument(decimalComma)});
           },
           InHost(), py::arg("path"), py::arg("decimal_comma") = false,
@@ -392,7 +388,7 @@ void BindSheet(py::module_& module) {
   module.def(
       "read_csv",
       [](const std::filesystem::path& path, bool decimalComma) {
-        const Sheet sheet = FreeSheet(ReadCsv(path, Format(decimalComma)));
+        const Sheet sheet = FreeSheet(ReadCsv(path, FormatOf(decimalComma)));
         RecordGiven("sheet", nullptr, "ReadCsv", {PythonPath(path), DecimalCommaArgument(decimalComma)},
                     sheet);
         return sheet;

@@ -424,17 +424,17 @@ class Application:
         """Adds sheets to a project (.bvw), created if missing, and returns their names there."""
         return _brenvolt._append(path, [_sheet(sheet) for sheet in sheets])
 
-    def import_file(self, file: str | os.PathLike, project: str | os.PathLike, sheet: str = "", kind: str = "",
+    def import_file(self, file: str | os.PathLike, output: str | os.PathLike, sheet: str = "", kind: str = "",
                     decimal_comma: bool = False) -> str:
         """Imports a CSV file into a project (.bvw), created if missing, and returns the sheet's name.
 
         kind: "data" or "matrix"; by default the file decides.
         """
-        return _brenvolt._import(file, project, sheet, kind, decimal_comma)
+        return _brenvolt._import(file, output, sheet, kind, decimal_comma)
 
-    def export_sheet(self, source: str, file: str | os.PathLike, decimal_comma: bool = False) -> None:
+    def export_sheet(self, source: str, output: str | os.PathLike, decimal_comma: bool = False) -> None:
         """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""
-        _brenvolt._export(source, file, decimal_comma)
+        _brenvolt._export(source, output, decimal_comma)
 
     def score(self, model: str | os.PathLike, data: str | os.PathLike | _brenvolt.Spreadsheet | TableDocument,
               sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:

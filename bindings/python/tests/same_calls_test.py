@@ -174,6 +174,16 @@ def fit(data, arguments):
         result.save(arguments["save"], **saving)
     return result
 
+REFUSED_IMPORTS = (
+    ({"output": "p.csv"}, "expected a file ending in .bvw, got p.csv (output)"),
+    ({"output": "p.bvw", "kind": "graph"}, "expected data or matrix, got 'graph' (kind)"),
+    ({"output": "p.bvw", "kind": "matrix"}, "must hold numbers (d.csv)"),
+)
+REFUSED_EXPORTS = (
+    ({"output": "d.txt"}, "expected a file ending in .csv, got d.txt (output)"),
+    ({"output": "fits.bvw"}, "expected a file ending in .csv, got fits.bvw (output)"),
+)
+
 
 class SameCalls(unittest.TestCase):
     def setUp(self):
@@ -217,6 +227,11 @@ class SameCalls(unittest.TestCase):
                             REFUSED_SIMULATIONS)
         self.check_refusals("profile", "d.csv", lambda arguments: brenvolt.profile("d.csv", **arguments),
                             REFUSED_PROFILES)
+        application = brenvolt.Application()
+        self.check_refusals("import", "d.csv", lambda arguments: application.import_file("d.csv", **arguments),
+                            REFUSED_IMPORTS)
+        self.check_refusals("export", "fits.bvw", lambda arguments: application.export_sheet("fits.bvw", **arguments),
+                            REFUSED_EXPORTS)
 
     def test_a_profile_that_predicts_nothing_fails_for_the_same_reasons(self):
         arguments = {"formulas": ["y = ln(-1 - x * x)", "z = y + n"]}

@@ -13,13 +13,17 @@
 
 namespace brenvolt {
 
+inline CsvFormat FormatOf(bool decimalComma) {
+  return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{};
+}
+
 struct JobData {
   std::filesystem::path file;
   std::string sheet;  // empty: the first data sheet
   bool decimalComma = false;
   bool yes = false;  // questions are answered with OK; without, a job that asks one is refused
 
-  CsvFormat Format() const { return decimalComma ? CsvFormat::DecimalComma() : CsvFormat{}; }
+  CsvFormat Format() const { return FormatOf(decimalComma); }
 };
 
 // Throws Error for a matrix, whose rows are no cases.

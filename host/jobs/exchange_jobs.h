@@ -1,0 +1,36 @@
+// Between projects and files of other formats: what a person may ask for, and its run.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
+
+namespace brenvolt {
+
+// Takes a data file into a project, which is created if missing.
+struct ImportJob {
+  std::filesystem::path file;
+  std::filesystem::path output;  // the project
+  std::string sheet;             // the name of the new sheet; empty: the file's name
+  std::string kind;              // "data" or "matrix"; empty: the file decides
+  bool decimalComma = false;
+
+  JobFaults Check() const;
+  // Returns the sheet taken in. Throws WrongJob and Error.
+  Spreadsheet Run(JobRecorder& recorder) const;
+};
+
+// Writes a sheet of a project as CSV.
+struct ExportJob {
+  std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
+  std::filesystem::path output;
+  bool decimalComma = false;
+
+  JobFaults Check() const;
+  // Throws WrongJob and Error.
+  void Run(JobRecorder& recorder) const;
+};
+
+}  // namespace brenvolt
