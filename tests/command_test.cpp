@@ -627,7 +627,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--select", "a > "}, 2, "selection condition, character"},
       {{"fit", "weights.csv", "--distributions", "gauss"},
        2,
-       "no distribution called 'gauss'; there are normal,"},
+       "no distribution called 'gauss'; the distributions are normal,"},
       {{"fit", "weights.csv", "--select", "not"},
        2,
        "selection condition, character 4: the formula is incomplete (--select)"},

@@ -17,7 +17,6 @@
 #include "bindings/python/variants.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
-#include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/design_job.h"
@@ -49,8 +48,7 @@ std::unique_ptr<Spreadsheet> CopyOf(const Sheet& sheet) {
 // The code of a distribution that a person names. Throws ValueError that lists the names.
 std::size_t CodeOf(const std::string& name) {
   const FittedType* type = FindFittedType(name);
-  if (type == nullptr)
-    throw py::value_error("no distribution called " + Quoted(name) + "; there are " + FittedTypeNames());
+  if (type == nullptr) throw py::value_error(NoSuchType(name));
   return static_cast<std::size_t>(type - kFittedTypes.data());
 }
 

@@ -43,7 +43,7 @@ const DistributionFacts& Facts(DistributionCode code);
 std::string_view InternalKey(DistributionCode code);
 std::optional<DistributionCode> CodeFromNumber(std::int32_t number);
 std::string_view DisplayName(DistributionCode code);
-// The untranslated key without its marker: compact ("LogNormal"), and spaced if there is one, else
+// The untranslated key without its marker: compact ("LogNormal"), and spaced if there is one, otherwise
 // compact.
 std::string_view CompactKey(DistributionCode code);
 std::string_view SpacedKey(DistributionCode code);

@@ -116,7 +116,7 @@ TEST(CurveFormulas, NumbersReadBackExactlyAndHaveNoExponent) {
     EXPECT_NE(text.substr(text.front() == '-' ? 1 : 0, 1), ".") << text;
     const auto bits = std::bit_cast<std::uint64_t>(x);
     EXPECT_EQ(std::bit_cast<std::uint64_t>(ParseNumber(text).value()), bits) << text;
-    // The evaluator reads it as exactly, too.
+    // The evaluator reads it just as exactly.
     EXPECT_EQ(Curve(text).At(0), x) << text;
   }
   EXPECT_EQ(DecimalText(1e-5), "0.00001");

@@ -20,7 +20,7 @@ struct ValidityFault {
   Fault fault;
   std::size_t valueIndex;
 };
-// Nothing when the values are valid, else the first fault in the order of the values. The rules:
+// Nothing when the values are valid, otherwise the first fault in the order of the values. The rules:
 //
 // - Each parameter is given (not kNotSet) and in the range of the distribution's facts.
 // - A distribution holds exactly its values; the last group of a user-defined one is complete.

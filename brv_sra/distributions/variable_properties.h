@@ -10,9 +10,9 @@
 // - Gaussian Mixture: coefficient, mean and deviation per component;
 // - Johnson: type, gamma, delta, lambda and xi;
 // - Histogram: code and proportion per class, "%.12e", so that the proportions still add up to 1.
-// Values of the first two are written with "%e". Where these digits, or those of "%.12e", do not hold every quantile
-// from 1e-6 to 1 - 1e-6 within 1e-9 of the spread, there are as many more as that takes. Bounds are written with "%e" where that holds them exactly,
-// else with all digits.
+// Values of the first two are written with "%e". If these digits, or those of "%.12e", do not hold every quantile
+// from 1e-6 to 1 - 1e-6 within 1e-9 of the spread, as many more are written as that takes. Bounds are written with
+// "%e" if that holds them exactly, otherwise with all digits.
 // The Folded Normal keeps its location under "Scale" and its scale under "Shape".
 //
 // Numbers are written with the user's decimal separator and read with a decimal point or comma, so that a project can
@@ -95,7 +95,7 @@ void WriteDistributionProperties(VariablePropertyStore* store, const VariableDis
 // the property empty or "()": kPropertyValueMissing. A name twice: kOrderCountsDiffer. Items too few, too many,
 // unknown, repeated or not a finite number: kPropertyValuesInvalid, but a missing Offset counts as 0. A value
 // that is not valid: the fault of its parameter (a deviation and lambda as scale, gamma and delta as shape, xi
-// as location), else the fault of the check. Bounds that are not in force are read and kept.
+// as location), otherwise the fault of the check. Bounds that are not in force are read and kept.
 Result<std::vector<VariableDistributions>> ReadDistributionProperties(const VariablePropertyStore& store,
                                                                       std::span<const int> variableNumbers);
 

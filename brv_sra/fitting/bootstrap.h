@@ -10,7 +10,7 @@
 // that test. Chi-square tests of different degrees of freedom are compared by their plain p-values.
 //
 // Extreme value and Pareto distributions of a shape below -1 are left out: their density is infinite at the
-// upper end, where no estimator follows it, so that samples, too, lie far from their estimates and every fit,
+// upper end, where no estimator follows it, so that samples also lie far from their estimates and every fit,
 // however bad, would pass.
 //
 // The samples of a fit depend on the seed, the variable's number, the distribution and the fit alone: neither

@@ -107,8 +107,7 @@ struct DistributionFit {
   DistributionSpecification specification;
   EstimateOrigin origin = EstimateOrigin::kNone;          // what the values come from
   std::optional<brenvolt::Fault<EstimationFault>> fault;  // why there are none
-  std::int64_t faultyCase =
-      0;  // of the sheet, from 1: where the value stands that the fault is about, if it is
+  std::int64_t faultyCase = 0;  // of the sheet, from 1: the case of the value that the fault is about
   std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
   std::vector<double> covariance;      // of the values, row by row, or none
   int estimatedParameters = 0;         // how many of the values the data determined

@@ -20,7 +20,7 @@ namespace brenvolt::sra {
 // where no other fit is valid, or where the person's order names it. Nor, where contradicted fits come last,
 // is a fit that the data contradict.
 std::vector<std::size_t> DefaultOrder(const VariableFit& variable);
-// The person's order if there is one, else the default.
+// The person's order if there is one, otherwise the default.
 std::vector<std::size_t> SavedOrder(const VariableFit& variable);
 // Valid fits of the variable, each once, any of them left out; none for the default order.
 Result<void> SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
@@ -29,14 +29,14 @@ std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<con
 // "Weibull;Normal;", as the order is written.
 std::string OrderText(std::span<const DistributionCode> order);
 
-// The values of a distribution that are saved with user-defined distributions: the person's own, else the
+// The values of a distribution that are saved with user-defined distributions: the person's own, otherwise the
 // valid fit's. Null if there are neither.
 const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable, DistributionCode code);
 bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code);
 // Takes the person's own values, which must be valid, of a type of the variable's kind.
 Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification);
 void DropUserDefinedValues(VariableFit& variable, DistributionCode code);
-// The order with user-defined distributions: the person's, else the saved order followed by the types that
+// The order with user-defined distributions: the person's, otherwise the saved order followed by the types that
 // have own values only.
 std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable);
 // Types with own values or a valid fit, each once; none for the default order.

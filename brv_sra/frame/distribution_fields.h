@@ -33,7 +33,7 @@ class DistributionFields {
   DistributionFields(CAnalysisDialog& dialog, const DistributionControls& controls, Check check)
       : dialog_(dialog), controls_(controls), check_(check) {}
 
-  // Starts on a distribution of a type: `own` if it is one of it, else one without values.
+  // Starts on a distribution of a type: `own` if it is one of it, otherwise one without values.
   void Edit(DistributionCode code, const DistributionSpecification* own);
   // What is in the fields, values that are not given included.
   const DistributionSpecification& Edited() const { return edited_; }

@@ -253,7 +253,7 @@ ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, c
   return predictor;
 }
 
-// A further model reads the predictor, too.
+// A further model also reads the predictor.
 Result<void> Join(ProfilerPredictor& predictor, const ModelField& field) {
   if (predictor.holdsTexts != field.isText) return Fault{kFieldTypesDiffer, predictor.name};
   TakeRange(predictor, field);

@@ -9,7 +9,7 @@
 //   Waerden scores, then Latin hypercube values of the random predictors, column after column
 //   (correlation_induction.h);
 // - normal deviates: for one dependent with noise, one per run; for several, for each run in order one for
-//   each dependent that has noise, in their order. A run whose prediction is missing takes its deviates, too.
+//   each dependent that has noise, in their order. A run whose prediction is missing takes its deviates as well.
 // A fixed predictor draws nothing.
 #pragma once
 

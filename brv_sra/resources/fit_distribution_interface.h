@@ -124,7 +124,7 @@ inline constexpr std::array<MemberDescription, 45> kMembers{{
      kInteger,
      kInteger,
      {},
-     "The list of discrete variables: the number of its only variable, else a text (\"3-4\", empty for "
+     "The list of discrete variables: the number of its only variable, otherwise a text (\"3-4\", empty for "
      "none). Takes a number, such a text or an array of numbers.",
      true},
     Property("IsBinomialDistribution", 0x6003003c, kInteger, kBoolean,

@@ -604,8 +604,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponseNoIntervals,
      "No confidence limits and p-values are given: the runs are stratified, because their predictors are "
      "correlated, and none are known for such runs. Whether a response is normal is tested as for "
-     "independent "
-     "runs."},
+     "independent runs."},
     {kDefectCountsTitle, "Defect Counts"},
     {"rate_lower"_column.heading, "Defect Rate, lower 95 %"},
     {"rate_upper"_column.heading, "Defect Rate, upper 95 %"},

@@ -11,7 +11,7 @@
 
 namespace brenvolt {
 
-// Estimators return 0, or a number that is not 0 and that `error` takes, too; the parameters are then kNotSet.
+// Estimators return 0, or a number that is not 0 and that `error` also takes; the parameters are then kNotSet.
 // `flag` is reserved and must be 0.
 
 // {mean, standard deviation}; of ln(x - offset).

@@ -20,7 +20,7 @@ struct HandInputs {
   std::filesystem::path from;             // a text file of such lines, before the others
 
   bool IsEmpty() const { return variables.empty() && correlations.empty() && matrix.empty() && from.empty(); }
-  // What the texts say, with the faults of all. Correlations may name `others`, too; if that is null, any variable.
+  // What the texts say, with the faults of all. Correlations may also name `others`; if that is null, any variable.
   DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;
 };
 

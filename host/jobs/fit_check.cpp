@@ -24,10 +24,7 @@ bool Holds(const Names& names, const std::string& name) {
 // The distribution of that name; null if there is none, which is a fault.
 const FittedType* TypeNamed(std::string_view field, const std::string& name, JobFaults& faults) {
   const FittedType* type = FindFittedType(name);
-  if (type == nullptr) {
-    faults.push_back(
-        {std::string(field), "no distribution called " + Quoted(name) + "; there are " + FittedTypeNames()});
-  }
+  if (type == nullptr) faults.push_back({std::string(field), NoSuchType(name)});
   return type;
 }
 

@@ -50,7 +50,7 @@ std::size_t PlaceOf(const std::string& name, const std::vector<std::string>& nam
   if (found != names.end()) return static_cast<std::size_t>(found - names.begin());
   std::string list;
   for (const std::string& one : names) list += (list.empty() ? "" : ", ") + one;
-  throw WrongJob(field, "no " + kind + " called " + Quoted(name) + "; there are " + list);
+  throw WrongJob(field, "no " + kind + " called " + Quoted(name) + "; the " + kind + "s are " + list);
 }
 
 // The dialog of the profiler, with predictors and responses by their places from 0.

@@ -39,7 +39,7 @@ struct ProfileJob {
   };
   struct Truncation {
     std::string predictor;
-    std::optional<double> minimum;  // without bounds, what a model declares is lifted, too
+    std::optional<double> minimum;  // without bounds, what a model declares is lifted as well
     std::optional<double> maximum;
   };
 

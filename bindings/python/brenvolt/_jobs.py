@@ -536,7 +536,7 @@ class ProfiledResponse:
 
     name; statistics: a Series of moments; percentiles, frequencies, correlations, sensitivity: DataFrames, the sensitivity
     ordered by influence; r_squared: of all predictors together; capability: a DataFrame of statistics where the response
-    is specified, else None, and capability_distribution, that of its percentiles; profiles: {predictor: DataFrame}, the
+    is specified, otherwise None, and capability_distribution, that of its percentiles; profiles: {predictor: DataFrame}, the
     means of the response in classes of the predictor's values; unpredicted: a DataFrame with a row for each reason why
     runs have no prediction.
     """

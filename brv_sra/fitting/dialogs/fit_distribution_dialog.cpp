@@ -325,7 +325,7 @@ void CFitDistribution::SelectLists(const std::vector<std::int16_t>& continuous,
   TakeLists(continuous, discrete);
 }
 
-// Without case weights, which the run counts, too.
+// Without case weights, which the run counts as well.
 std::int64_t CFitDistribution::ValidCases(std::int16_t variable) const {
   const Spreadsheet& sheet = *GetInputTable();
   const Variable& values = sheet.VariableAt(static_cast<std::size_t>(variable - 1));

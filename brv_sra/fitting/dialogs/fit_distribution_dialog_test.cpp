@@ -85,7 +85,7 @@ TEST(FitInputs, FieldIsWrongOnlyWhereItIsNeededOrUnreadable) {
   };
   const Row rows[] = {
       {FieldOf(kLogNormal), "", {}, 0},
-      {FieldOf(kLogNormal), "", {CheckOf(kWeibull)}, kMsgInvalidOffsets},  // its own field is empty, too
+      {FieldOf(kLogNormal), "", {CheckOf(kWeibull)}, kMsgInvalidOffsets},  // its own field is empty as well
       {FieldOf(kLogNormal), "", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
       {FieldOf(kLogNormal), "-444", {CheckOf(kLogNormal)}, kMsgInvalidOffsets},
       {FieldOf(kLogNormal), "-444", {}, 0},

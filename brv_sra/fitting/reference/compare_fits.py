@@ -5,7 +5,7 @@ Writes compare_fits.csv, data/ and docs/evidence/comparison-fits.md.
 
 Run by hand (Debian: python3-scipy, r-cran-fitdistrplus, r-cran-evd, r-cran-mclust, r-cran-goftest), after building
 bench/fit_file (cmake -DBRENVOLT_BENCH=ON):
-    brv_sra/fitting/reference/compare_fits.py [data]        data: write the data files anew, too
+    brv_sra/fitting/reference/compare_fits.py [data]        data: write the data files anew as well
 
 compare_fits.csv holds what others give, never our own results, in rows of three sources:
   SciPy    fit() as it is called by default, with the offset fixed at 0

@@ -51,7 +51,7 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   // The tables of the selected dependent are shown; returned is the first, its moments.
   std::shared_ptr<CAnalysisTableDoc> SummaryStats();
   std::shared_ptr<CAnalysisGraphDoc> SummaryGraph();
-  // The table of defect rates and that of the counts are shown, too; returned is the graph.
+  // The table of defect rates and that of the counts are shown as well; the graph is returned.
   std::shared_ptr<CAnalysisGraphDoc> DefectProfile();
 
  protected:

@@ -21,7 +21,7 @@ bool IsFixedKey(const Variant& key) {
 [[noreturn]] void RefuseClass(const ProfilerPredictor& predictor, const std::string& name) {
   std::string classes;
   for (const auto& [code, text] : predictor.labels) classes += (classes.empty() ? "" : ", ") + text;
-  throw Error("unknown class: " + name + "; there are " + classes, predictor.name);
+  throw Error("unknown class: " + name + "; the classes are " + classes, predictor.name);
 }
 
 // The code of a class by its name, which may be spelled like a number, or the code itself. Where no model

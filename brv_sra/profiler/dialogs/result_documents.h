@@ -48,7 +48,7 @@ enum class SummaryDocument : std::size_t {
   kStatistics,    // one case: count, missing, moments
   kCorrelations,  // one case per predictor: Pearson's and Spearman's coefficient, each with its p-value
   kPercentiles,   // one case per percentile, with limits of 95 % confidence
-  kFrequencies,   // one case per class, named by its text where it has one, else by its number from 1
+  kFrequencies,   // one case per class, named by its text where it has one, otherwise by its number from 1
   kSensitivity    // one case per predictor, the one that drives the response most first
 };
 inline constexpr std::size_t kSummaryDocuments = 5;

@@ -32,7 +32,7 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   void SetVariables(const std::vector<std::string>& names);
 
   // Writes the distributions of the design as properties of the input's variables; into a matrix file, its
-  // correlations, means and deviations, too. Throws Error where no variable takes part.
+  // correlations, means and deviations as well. Throws Error where no variable takes part.
   void SaveToInput();
   // The matrix file of the variables that take part; a simulation of the same input goes on with it.
   std::shared_ptr<CAnalysisTableDoc> ShowCorrelationMatrix();

@@ -88,7 +88,7 @@ TEST_F(Generation, FastEngineGivesTheBitsOfOneDrawAfterAnother) {
   }
 }
 
-// Untruncated candidates that overflow are rejected, too, and move the draws of all later values.
+// Untruncated candidates that overflow are rejected as well, and move the draws of all later values.
 TEST_F(Generation, CandidatesBeyondWhatADoubleHoldsAreDrawnAgain) {
   design.variables = {VariableOf(DistributionCode::kLogNormal, {600, 80}, 0),
                       VariableOf(DistributionCode::kNormal, {0, 1})};

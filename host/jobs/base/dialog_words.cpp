@@ -1,6 +1,7 @@
 #include "host/jobs/base/dialog_words.h"
 
 #include "host/base/lower_case.h"
+#include "host/base/quoted.h"
 #include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
@@ -18,7 +19,7 @@ std::vector<FittedType> TypesFromFacts() {
   return types;
 }
 
-// A distribution with an abbreviation goes by its long name, too.
+// A distribution with an abbreviation also goes by its long name.
 bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
   if (lowerCase == LowerCase(facts.name)) return true;
   if (facts.shortName.empty()) return false;
@@ -42,6 +43,10 @@ std::string FittedTypeNames() {
   std::string names;
   for (const FittedType& type : kFittedTypes) names += (names.empty() ? "" : ", ") + type.name;
   return names;
+}
+
+std::string NoSuchType(std::string_view name) {
+  return "no distribution called " + Quoted(name) + "; the distributions are " + FittedTypeNames();
 }
 
 const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},

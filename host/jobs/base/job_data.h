@@ -30,7 +30,7 @@ struct JobData {
 void RequireCases(const Spreadsheet& sheet);
 
 // A seed for a job that was given none, from 1 to 2147483647, from the system's source of random numbers: jobs that
-// start within one tick of the clock differ, too.
+// start within one tick of the clock also differ.
 std::int32_t DrawSeed();
 // The seed that a job was given, which has been checked, or else a drawn one.
 inline std::int32_t ChosenSeed(const std::optional<double>& given) {
@@ -76,7 +76,7 @@ struct JobRun {
   JobInput Input(ProgramInterface& interface, JobRecorder& recorder);
 };
 
-// The correlation matrix of that name (NamedMatrix), else the one saved with the fits of the input; null without. Throws
+// The correlation matrix of that name (NamedMatrix), otherwise the one saved with the fits of the input; null without. Throws
 // Error.
 std::unique_ptr<Spreadsheet> MatrixFor(const std::string& name, const JobInput& input);
 // The document of what MatrixFor found, which a macro finds in the same way; null without.

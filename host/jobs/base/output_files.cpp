@@ -66,7 +66,7 @@ void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<Job
       faults.push_back({field, "would replace " + path.string() + ", which is read"});
     }
     if (std::any_of(outputs.begin(), outputs.begin() + static_cast<std::ptrdiff_t>(i), isSame)) {
-      faults.push_back({field, path.string() + " is given for another output, too"});
+      faults.push_back({field, path.string() + " is also given for another output"});
     }
   }
 }

@@ -38,7 +38,7 @@ void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<Job
 // Throws Error if data of another format would replace a project.
 void RefuseReplacedProject(const std::filesystem::path& path);
 
-// Writes a document, to NumPy arrays where the name ends so, else as CSV. Throws Error, and writes nothing,
+// Writes a document, to NumPy arrays where the name ends so, otherwise as CSV. Throws Error, and writes nothing,
 // where a project would be replaced.
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
 // Adds documents to the project at `path`, which is created if missing. Returns their names there.

@@ -55,7 +55,7 @@ bool IsSavedAs(const DataFile& data, const std::filesystem::path& path);
 void SaveFits(const Spreadsheet& sheet, std::unique_ptr<Spreadsheet> matrix, DataFile* home,
               const std::filesystem::path& path);
 
-// The sheet of that name; without a name, the first whose variables carry saved distributions, else the first
+// The sheet of that name; without a name, the first whose variables carry saved distributions, otherwise the first
 // data sheet: simulated data may stand before the sheet that they came from. Throws Error.
 Spreadsheet& FittedSheet(DataFile& data, const std::string& name);
 // A copy of the correlation matrix saved with the fits of a sheet of the project, or null.

@@ -122,7 +122,7 @@ class Reader {
     start_ = place_;
     const std::size_t open = std::min(text_.find('(', place_), text_.size());
     const std::string name(Trim(text_.substr(place_, open - place_)));
-    if (name.empty()) Fail(place_, "expected a distribution; there are: " + FittedTypeNames());
+    if (name.empty()) Fail(place_, "expected a distribution: one of " + FittedTypeNames());
     const FittedType* type = FindFittedType(name);
     if (type == nullptr) {
       std::vector<std::string> names;

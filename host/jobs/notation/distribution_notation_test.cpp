@@ -53,7 +53,7 @@ TEST(DistributionNotation, FaultsPointAtTheCharacterAndSayWhatTheTypeTakes) {
   } rows[] = {
       {"normal(1, 2)", 1, "expected a name, '~' and a distribution"},
       {" ~ normal(1, 2)", 1, "expected the name of a variable"},
-      {"h ~ ", 5, "expected a distribution; there are: normal, lognormal"},
+      {"h ~ ", 5, "expected a distribution: one of normal, lognormal"},
       {"h ~ nomral(1, 2)", 5, "no distribution is called 'nomral'; did you mean normal?"},
       {"h ~ cauchy(1, 2)", 5, "no distribution is called 'cauchy'. The distributions are"},
       {"h ~ normal", 11, "normal takes location, scale"},

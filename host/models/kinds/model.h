@@ -62,7 +62,7 @@ struct ModelResult {
   std::string target;               // the predicted field; empty if the model names none
   const Field* field = nullptr;     // its declaration
   Slot value = kNoSlot;             // the number predicted; else the number of the class or cluster, from 0
-  Classes classes;                  // clusters, too
+  Classes classes;                  // also clusters
   std::vector<Slot> probabilities;  // by class; empty if the model has none
   std::vector<Slot> confidences;    // by class; empty if the model has none
   std::vector<Slot> affinities;     // by cluster; empty if the model has none

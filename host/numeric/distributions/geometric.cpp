@@ -18,7 +18,7 @@ struct FormulasOf<Geometric> {
   // count times ln(1 - p), also where that is -infinity and the count 0.
   double LogOfFailures(double count) const { return count == 0.0 ? 0.0 : count * std::log1p(-p); }
 
-  // (1 - p)^count. Where 1 - p is a double, a power that is one, too, comes out exactly, so that quantiles at
+  // (1 - p)^count. Where 1 - p is a double, a power that is also one comes out exactly, so that quantiles at
   // such probabilities find the jump.
   double Failures(double count) const {
     const TwoPartSum q = ExactDifference(1.0, p);

@@ -7,7 +7,7 @@
 // a second even for many millions of values. What it throws ends the estimate; an empty one is not called.
 //
 // Each needs two values, unless stated otherwise, and returns kTooFewValues, kNotFinite or kNoSpread where the
-// sample cannot be fitted at all; those with an offset kValueBelowOffset, too.
+// sample cannot be fitted at all; those with an offset also kValueBelowOffset.
 #pragma once
 
 #include <functional>

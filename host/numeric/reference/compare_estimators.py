@@ -343,7 +343,7 @@ def has_maximum(estimator, data, threshold):
     """Whether the profile of the likelihood has an inner maximum with shape above -1, by brute force.
 
     For the extreme value distribution the profile is followed up to shape 2. Beyond, small samples climb to the pole at their least
-    value, where double precision no longer resolves the likelihood. Ties can make it infinite at a shape below, too.
+    value, where double precision no longer resolves the likelihood. Ties can make it infinite at a shape below as well.
     """
     if estimator == "gpd":
         y = (data - threshold) / np.max(data - threshold)

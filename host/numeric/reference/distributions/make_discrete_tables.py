@@ -7,7 +7,7 @@ Probabilities come from their definitions, tails from sums of positive terms; th
 from the integral of the incomplete beta function, which must agree with the sum where both can be had.
 
 Columns: function, region, argument, the parameters, value. The region is `tail` where the smaller of the two tail
-probabilities is below 1e-6, else `body`. Arguments of quantiles lie halfway up a jump, close to both its ends (2e-13,
+probabilities is below 1e-6, otherwise `body`. Arguments of quantiles lie halfway up a jump, close to both its ends (2e-13,
 in tails 2e-10), at round numbers, and at the very end of a jump where the distribution function is a double there.
 
 With the argument `moments`, writes the tables of the moments only, which takes no time.

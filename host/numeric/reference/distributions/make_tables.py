@@ -7,7 +7,7 @@ with at least 50 digits and rounded once to the nearest double. The functions ar
 library's own methods: densities from their definitions, tails as erfc and exp, quantiles by root finding.
 
 Columns: function, region, argument, the parameters, value. The region is `tail` where the smaller of the two tail
-probabilities is below 1e-6, else `body`.
+probabilities is below 1e-6, otherwise `body`.
 """
 from mpmath import erfc, exp, expm1, gamma, log, log1p, mpf, pi, sqrt
 

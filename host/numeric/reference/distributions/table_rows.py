@@ -2,7 +2,7 @@
 
 A distribution is a class with `name`, `parameters` (names of columns), `sets` of parameters, and the methods log_density, cdf,
 complement, quantile, complement_quantile; `is_inside(x)` says whether the density lives at x. A distribution with `moment_sets`
-has mean and variance, too. A column may hold several numbers: a tuple, written apart by blanks.
+also has mean and variance. A column may hold several numbers: a tuple, written apart by blanks.
 """
 import csv
 import functools
