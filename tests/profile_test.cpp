@@ -603,7 +603,8 @@ TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
   }
   const Outcome wrong = Run({"profile", "grades.csv", "--model", "grades.pmml", "--fix", "hot=warm"});
   EXPECT_EQ(wrong.status, 1);
-  EXPECT_NE(wrong.err.find("unknown class: warm; the classes are FALSE, TRUE"), std::string::npos) << wrong.err;
+  EXPECT_NE(wrong.err.find("unknown class: warm; the classes are FALSE, TRUE"), std::string::npos)
+      << wrong.err;
 }
 
 TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {

@@ -160,7 +160,7 @@ std::string SensitivityText(const ResponseResults& response) {
 constexpr std::array<std::string_view, 3> kFamilies{"Within", "Overall", "By percentiles"};
 struct IndexLine {
   std::string_view heading;
-  std::array<const ResultColumn*, 3> statistics;  // null where the family has none
+  std::array<const ResultColumn*, 3> statistics;  // null if the family has none
 };
 constexpr std::array<IndexLine, 5> kIndexLines{
     {{"Cp, Pp", {&"cp"_column, &"pp"_column, &"percentile_pp"_column}},
@@ -182,7 +182,7 @@ constexpr std::array<PartsLine, 3> kPartsLines{{{"PPM below LSL",
                                                  {&"within_total"_column, &"overall_total"_column,
                                                   &"percentile_total"_column, &"observed_total"_column}}}};
 
-// "0.982 (0.965 to 0.999)", the value alone where it has no limits.
+// "0.982 (0.965 to 0.999)", the value alone if it has no limits.
 std::string WithLimits(const ResultRow& row, const ResultColumn& value, const ResultColumn& lower,
                        const ResultColumn& upper, Quantity quantity) {
   const auto text = [&](const ResultColumn& column) {

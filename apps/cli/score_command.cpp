@@ -17,7 +17,7 @@ struct ScoreCall {
   ReportFormat format = ReportFormat::kTable;
 };
 
-// The columns of the predictions: texts, numbers, and null where there is none.
+// The columns of the predictions: texts, numbers, and null if there is none.
 nlohmann::ordered_json ColumnsJson(const Spreadsheet& predictions) {
   nlohmann::ordered_json columns = nlohmann::ordered_json::object();
   for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {

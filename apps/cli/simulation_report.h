@@ -1,4 +1,4 @@
-// What a simulation reports: a summary of the simulated variables and, where there is correlation, the
+// What a simulation reports: a summary of the simulated variables and, if there is correlation, the
 // correlations asked for beside those reached.
 #pragma once
 

@@ -9,7 +9,7 @@
 
 namespace brenvolt::cli {
 
-// "No prediction for 3 of 10 cases" and a line for each reason, the most frequent ones; nothing where all
+// "No prediction for 3 of 10 cases" and a line for each reason, the most frequent ones; nothing if all
 // have one. `cases` says what is counted.
 std::string UnpredictedText(const UnpredictedCases& unpredicted, std::size_t total, std::string_view cases);
 

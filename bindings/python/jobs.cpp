@@ -104,7 +104,7 @@ void Export(const std::string& source, const std::filesystem::path& output, bool
   ExportJob{source, output, decimalComma}.Run(TheJob());
 }
 
-// The predictions for the cases of an open sheet, or where it is null of the job's file.
+// The predictions for the cases of an open sheet, or if it is null of the job's file.
 Sheet Score(const ScoreJob& job, const Sheet& cases) {
   ScoreRun run = cases != nullptr ? job.Score(cases->Sheet()) : job.Score();
   Sheet predictions = Free(std::make_unique<Spreadsheet>(std::move(run.predictions)));
@@ -145,7 +145,7 @@ Sheet KeepFits(const FitJob& job, const std::shared_ptr<AnalysisRef>& analysis,
   return std::make_shared<SheetRef>(std::move(matrix));
 }
 
-// The place of the fit of a variable that is saved first, from 0; None where none is.
+// The place of the fit of a variable that is saved first, from 0; None if none is.
 std::optional<std::size_t> FirstSavedOf(const std::shared_ptr<AnalysisRef>& analysis, std::int32_t variable,
                                         const std::vector<std::string>& fits) {
   std::optional<std::size_t> first;

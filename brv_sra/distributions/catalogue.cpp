@@ -17,7 +17,7 @@ namespace {
 
 using enum DistributionCode;
 
-// Parameters: heading, label, word, fault of a stored value (where it is not the general one), key of a stored
+// Parameters: heading, label, word, fault of a stored value (if it is not the general one), key of a stored
 // value.
 constexpr Parameter kLocation{kHeadingLocation, kLabelLocation, kLowerLocation,
                               FaultIdentifier::kStoredLocationInvalid, property_key::kLocation};

@@ -29,7 +29,7 @@ struct Parameter {
 struct CatalogueEntry {
   DistributionCode code;
   std::int32_t compactKeyResource;     // "DontTranslate!!LogNormal"
-  std::int32_t spacedKeyResource;      // "DontTranslate!!Log Normal", or 0 where the name holds no blank
+  std::int32_t spacedKeyResource;      // "DontTranslate!!Log Normal", or 0 if the name holds no blank
   std::int32_t displayNameResource;    // "Log Normal"
   std::string_view descriptionFormat;  // one "%.4f" per value, or none
   std::array<Parameter, DistributionFacts::kMostParameters> parameters;

@@ -8,10 +8,10 @@
 namespace brenvolt::sra {
 
 struct Reach {
-  // The probabilities of values below and above 0; kNotSet where the data have such values themselves.
+  // The probabilities of values below and above 0; kNotSet if the data have such values themselves.
   double belowZero = kNotSet;
   double aboveZero = kNotSet;
-  // The order of the lowest moment that is infinite: 1 the mean, 2 the variance. kNotSetCount where neither is.
+  // The order of the lowest moment that is infinite: 1 the mean, 2 the variance. kNotSetCount if neither is.
   std::int32_t infiniteMoment = kNotSetCount;
 };
 

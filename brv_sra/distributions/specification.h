@@ -15,7 +15,7 @@ inline constexpr const char* kListedNumberFormat = "%.12g";
 
 struct DistributionSpecification {
   DistributionCode code = DistributionCode::kNormal;
-  std::vector<double> values;  // the parameters in catalogue order; kNotSet where not given
+  std::vector<double> values;  // the parameters in catalogue order; kNotSet if not given
   double truncationMinimum = kNotSet;
   double truncationMaximum = kNotSet;
   double offset = kNotSet;

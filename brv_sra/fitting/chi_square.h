@@ -6,7 +6,7 @@
 // the last 1e30. Equal intervals: the range in k equal widths.
 //
 // Discrete types: counts pile up on whole numbers, where neither rule puts sensible boundaries, so that the
-// choice of binning does not count. A bin is one whole number of the data's range where there are 50 at most,
+// choice of binning does not count. A bin is one whole number of the data's range if there are 50 at most,
 // else a group of 1, 2 or 5 times a power of ten; of a histogram, one class.
 //
 // The first and the last bin are open outwards, so that the expected counts add up to the number of values.
@@ -39,7 +39,7 @@ struct ChiSquareBin {
   double expected;
 };
 
-// The bins of a valid fit before merging, for sorted data (ascending, finite). None where they cannot be
+// The bins of a valid fit before merging, for sorted data (ascending, finite). None if they cannot be
 // made: no data, parameters without a distribution, a boundary that is not finite.
 std::vector<ChiSquareBin> ChiSquareBins(const DistributionSpecification& fit, std::span<const double> sorted,
                                         ChiSquareBinning binning);
@@ -47,7 +47,7 @@ std::vector<ChiSquareBin> ChiSquareBins(const DistributionSpecification& fit, st
 // The bins after merging.
 std::vector<ChiSquareBin> MergeSmallBins(std::span<const ChiSquareBin> bins);
 
-// The whole test in time O(bins log n). Every field is kNotSet where the test fails: no bins, or a single one
+// The whole test in time O(bins log n). Every field is kNotSet if the test fails: no bins, or a single one
 // after merging (fewer than ten values, or a fit far from the data). `withPValue` false leaves the p-value
 // kNotSet.
 ChiSquareResult ComputeChiSquareTest(const DistributionFit& fit, std::span<const double> sorted,

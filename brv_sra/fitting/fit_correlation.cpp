@@ -13,7 +13,7 @@
 namespace brenvolt::sra {
 namespace {
 
-// The values of one variable over the cases, NaN where missing, with its own moments.
+// The values of one variable over the cases, NaN if missing, with its own moments.
 struct Column {
   std::vector<double> values;
   Moments moments;
@@ -125,7 +125,7 @@ std::int64_t FewestCommonCases(const std::vector<Column>& columns, const CaseSet
   return std::max<std::int64_t>(fewest, 1);
 }
 
-// Puts 0 where a coefficient is not defined, and 1 on the diagonal.
+// Puts 0 if a coefficient is not defined, and 1 on the diagonal.
 void FillUndefined(std::vector<double>& correlations, FitCorrelations& result) {
   const std::size_t k = result.file.variables.size();
   for (std::size_t a = 0; a < k; ++a) {

@@ -23,7 +23,7 @@ struct FitCorrelations {
 // Pearson's coefficients of the variables with these numbers (from 1), in their order, over a set of cases,
 // each as often as its weight; a pair uses the cases where both are present. Means and standard deviations
 // (0 for a single value) are those of a variable's own valid cases. The number of valid cases is the smallest
-// of a pair (of the variable, where there is only one); at least 1. Variables without a valid case in the set
+// of a pair (of the variable, if there is only one); at least 1. Variables without a valid case in the set
 // are left out.
 //
 // Time O(cases variables^2). Memory: 8 bytes per case and variable.

@@ -33,7 +33,7 @@ std::string OneLineName(const Spreadsheet& sheet, int number);
 
 // Fits the continuous variables, then the discrete ones, on all processors; the results depend neither on
 // their number nor on the order of the work. A bootstrap that is asked for follows all fits. Progress and
-// cancellation reach the port on the calling thread only. Where a number of mixtures was out of its bounds,
+// cancellation reach the port on the calling thread only. If a number of mixtures was out of its bounds,
 // VariableFit::mixtures holds the number taken, and the caller says so, once for all variables. `counts`,
 // where given, takes the numbers of cases. kDataTooLarge or a fault of the weights. A fault of a value or of the
 // percentiles leaves its own variable invalid, and the others as they are. Throws UserCancelled.

@@ -93,7 +93,7 @@ struct ChiSquareResult {
 };
 
 // The p-values of the three tests by parametric bootstrap: the parameters are estimated again from each
-// sample, as they were from the data. kNotSet where the test has no statistic or none was asked for.
+// sample, as they were from the data. kNotSet if the test has no statistic or none was asked for.
 struct BootstrapResult {
   double kolmogorovSmirnov = kNotSet;
   double chiSquare = kNotSet;
@@ -101,14 +101,14 @@ struct BootstrapResult {
   std::int32_t samples = 0;  // those whose fit succeeded
 };
 
-// One distribution of one variable. The values are in catalogue order; the first is kNotSet where the fit
+// One distribution of one variable. The values are in catalogue order; the first is kNotSet if the fit
 // failed.
 struct DistributionFit {
   DistributionSpecification specification;
   EstimateOrigin origin = EstimateOrigin::kNone;          // what the values come from
   std::optional<brenvolt::Fault<EstimationFault>> fault;  // why there are none
-  std::int64_t faultyCase = 0;  // of the sheet, from 1: the case of the value that the fault is about
-  std::vector<double> standardErrors;  // one per value, or none where the estimator gives none
+  std::int64_t faultyCase = 0;         // of the sheet, from 1: the case of the value that the fault is about
+  std::vector<double> standardErrors;  // one per value, or none if the estimator gives none
   std::vector<double> covariance;      // of the values, row by row, or none
   int estimatedParameters = 0;         // how many of the values the data determined
   // At the values; kNotSet also where a value of the sample has density 0.
@@ -168,7 +168,7 @@ struct FitState {
   CaseCounts cases;                  // of the results
   std::vector<VariableFit> results;  // continuous variables, then discrete ones
   std::size_t firstShown = 0;        // the first variable with a valid fit; 0 if none has
-  bool saveUserDefined = false;      // save the person's own values and orders where there are any
+  bool saveUserDefined = false;      // save the person's own values and orders if there are any
 };
 
 inline double DistributionFit::Aic() const {

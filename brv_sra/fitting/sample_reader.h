@@ -17,7 +17,7 @@ namespace brenvolt::sra {
 // Which cases take part and how often, the same for all variables of a run.
 struct CaseSet {
   std::vector<std::uint32_t> cases;   // accepted cases, ascending
-  std::vector<std::int32_t> weights;  // one per accepted case, or empty where every case counts once
+  std::vector<std::int32_t> weights;  // one per accepted case, or empty if every case counts once
   std::int32_t selected = 0;          // the cases that the selection accepts, those of weight 0 included
 };
 

@@ -17,7 +17,7 @@ namespace brenvolt::sra {
 
 // The fits that are saved unless the person says otherwise, as indices, best first: the valid ones by rank.
 // The histogram of a discrete variable repeats the data and would always stand first, so it is saved only
-// where no other fit is valid, or where the person's order names it. Nor, where contradicted fits come last,
+// if no other fit is valid, or if the person's order names it. Nor, if contradicted fits come last,
 // is a fit that the data contradict.
 std::vector<std::size_t> DefaultOrder(const VariableFit& variable);
 // The person's order if there is one, otherwise the default.

@@ -65,7 +65,7 @@ struct ProfilerDependent {
   std::vector<std::string> formerFormulas;
   bool addNoise = false;
   double standardDeviation = kNotSet;    // of the noise
-  SpecificationLimits limits;            // NaN where not given
+  SpecificationLimits limits;            // NaN if not given
   std::map<double, std::string> labels;  // of the model's classes
 
   // A formula predicts numbers.

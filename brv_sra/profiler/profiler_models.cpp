@@ -38,7 +38,7 @@ std::string TextOf(const Variable& variable, double value) {
   return label ? std::string(*label) : ShortestNumber(value);
 }
 
-// The data of a predictor in its own values, NaN where missing; empty if there are none for it: no such
+// The data of a predictor in its own values, NaN if missing; empty if there are none for it: no such
 // variable, or texts where it holds numbers.
 std::vector<double> ColumnOf(const ProfilerPredictor& predictor, const Spreadsheet* data) {
   const Variable* variable = DataOf(predictor, data);
@@ -424,7 +424,7 @@ void AddNames(ProfilerDesign& design, const std::string& formula, const Spreadsh
   }
 }
 
-// The names that models and formulas read; nothing where that is not known, because a formula is not valid or
+// The names that models and formulas read; nothing if that is not known, because a formula is not valid or
 // has a predictor's number, which stays right only while no predictor goes.
 std::optional<std::set<std::string>> ReadNames(const ProfilerDesign& design) {
   std::set<std::string> read;

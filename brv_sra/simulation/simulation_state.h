@@ -29,7 +29,7 @@ struct SimulationOptions {
 struct SimulationState {
   SimulationOptions options;
   DesignState design;
-  // The design's correlation matrix, where one was given.
+  // The design's correlation matrix, if one was given.
   std::optional<MatrixFile> matrix;
   std::shared_ptr<CAnalysisTableDoc> output;
   std::optional<SimulatedCorrelations> correlations;  // of the output's run, where it induced any

@@ -18,7 +18,7 @@ namespace brenvolt {
 struct ResultRow {
   std::string name;        // for people
   std::string identifier;  // empty but where the row is a statistic or one of several of a kind
-  std::map<std::string, double, std::less<>> numbers;  // NaN where a value is missing
+  std::map<std::string, double, std::less<>> numbers;  // NaN if a value is missing
   std::map<std::string, std::string, std::less<>> texts;
 
   bool Has(const ResultColumn& column) const { return numbers.contains(column.identifier); }

@@ -26,7 +26,7 @@ std::int32_t FitHalfNormalDistribution(std::int32_t flag, std::span<const double
 std::int32_t FitRayleighDistribution(std::int32_t flag, std::span<const double> data, double offset,
                                      std::span<double, 3> parameters, std::int32_t& error);
 
-// {location, scale, shape}; the covariance row by row, kNotSet where there is none.
+// {location, scale, shape}; the covariance row by row, kNotSet if there is none.
 std::int32_t GEV_MLE(std::span<const double> data, std::span<double, 3> parameters,
                      std::span<double, 9> covariance, std::int32_t& error);
 std::int32_t GEV_ProbWeightMoments(std::span<const double> data, std::span<double, 3> parameters,

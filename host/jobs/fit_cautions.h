@@ -12,10 +12,10 @@ namespace brenvolt {
 // How far a fit reaches beyond its data.
 struct FitReach {
   std::string fit;  // its name, for people
-  // The probabilities of values below and above 0; NaN where the data have such values themselves.
+  // The probabilities of values below and above 0; NaN if the data have such values themselves.
   double belowZero;
   double aboveZero;
-  double infiniteMoment;  // the order of the lowest one: 1 the mean, 2 the variance; NaN where neither is
+  double infiniteMoment;  // the order of the lowest one: 1 the mean, 2 the variance; NaN if neither is
 };
 
 struct FitCaution {
@@ -23,8 +23,8 @@ struct FitCaution {
 
   Kind kind;
   std::string fit;
-  double probability;   // of the values that the data rule out; NaN where it is about a moment
-  std::string instead;  // the best fit that needs no caution; empty where all do
+  double probability;   // of the values that the data rule out; NaN if it is about a moment
+  std::string instead;  // the best fit that needs no caution; empty if all do
 
   // The kind in JSON: "below-zero", ….
   std::string Name() const;

@@ -22,11 +22,11 @@ struct FittedDistribution {
   std::string reason;                  // why the fit failed; empty for a valid one
   std::string note;                    // what speaks against a valid one; mostly empty
   std::string_view origin;             // "likelihood", "moments", "percentiles" or "extremes" of the data
-  std::vector<double> parameters;      // in the order of the catalogue; none where the fit failed
-  double offset = 0;                   // NaN where the distribution has none
+  std::vector<double> parameters;      // in the order of the catalogue; none if the fit failed
+  double offset = 0;                   // NaN if the distribution has none
   std::vector<double> standardErrors;  // one per parameter, or none
   std::vector<std::vector<double>> covariance;  // of the parameters, or none
-  ResultRow statistics;  // tests, likelihood, reservations and, where there was one, the bootstrap
+  ResultRow statistics;  // tests, likelihood, reservations and, if there was one, the bootstrap
   std::optional<std::size_t> savedPlace;  // among the fits that are saved, from 0
 
   bool IsBootstrapped() const {
@@ -36,13 +36,13 @@ struct FittedDistribution {
 
 struct FittedVariable {
   std::string name;
-  std::string reason;  // why there are no fits; empty where there are
+  std::string reason;  // why there are no fits; empty if there are
   bool isContinuous = true;
   ResultRow moments;
   std::string ranking;                   // by what the fits are ranked, for people
-  std::vector<FittedDistribution> fits;  // best first; none where there is nothing to fit
+  std::vector<FittedDistribution> fits;  // best first; none if there is nothing to fit
 
-  // The fit that is saved first, from which the variable is simulated; null where none is valid.
+  // The fit that is saved first, from which the variable is simulated; null if none is valid.
   const FittedDistribution* Best() const;
   // What speaks against that one.
   std::vector<FitCaution> Cautions() const;
@@ -52,7 +52,7 @@ struct FittedVariable {
 FitReach ReachIn(const ResultRow& row);
 
 // The place of the fit that is saved first, and so simulated, among the fits of a variable by their names for people;
-// nothing where none is saved. `variable` is the variable's place among the results, from 1.
+// nothing if none is saved. `variable` is the variable's place among the results, from 1.
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
                                       std::span<const std::string> fits);
 

@@ -25,7 +25,7 @@ struct PredictedProfile {
 struct UnpredictedRuns {
   std::string reason;  // for programs: "missing", "unknown", "outside-range", "no-result"
   std::string text;    // for people
-  std::string field;   // empty where no field is the reason
+  std::string field;   // empty if no field is the reason
   std::string values;  // the value, or the range of the values
   std::int64_t runs = 0;
 };
@@ -60,13 +60,13 @@ struct ProfileResults {
   std::int64_t runs = 0;
   std::vector<PredictorUse> predictors;
   std::vector<ResponseResults> responses;
-  // The exact counts, one row per specified response, then that of all; where there is any.
+  // The exact counts, one row per specified response, then that of all; if there is any.
   std::optional<ResultTable> defects;
   std::vector<std::string> notes;  // on what the tables leave out
 };
 
 // Adds a response from the tables of its summary, in the order in which the profiler shows them, and that of its
-// capability where there is one. The further lines of their titles are notes, each of which is taken once. Error
+// capability if there is one. The further lines of their titles are notes, each of which is taken once. Error
 // for another number of tables than the profiler shows.
 void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnalysisTableDoc>> summary,
                   const CAnalysisTableDoc* capability, ProfileResults& results);

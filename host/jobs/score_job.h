@@ -30,7 +30,7 @@ struct ScoreJob {
   ScoreRun Score() const;
   ScoreRun Score(const Spreadsheet& cases) const;
   // A macro's line "predictions = application.Score(…)", of which `predictions` is the result. `cases` is the open
-  // sheet for the recorder; null where the data are a file.
+  // sheet for the recorder; null if the data are a file.
   void Record(JobRecorder& recorder, const void* predictions, const void* cases = nullptr) const;
 
  private:

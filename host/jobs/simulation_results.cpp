@@ -25,7 +25,7 @@ std::optional<MatrixRepair> SimulationResults::Repair() const {
       asked[i * k + j] = asked[j * k + i] = pair->correlations.Number("asked"_column);
   }
   std::vector<double> eigenvalues(k, std::numeric_limits<double>::quiet_NaN());
-  // Where there is none, the value stays NaN.
+  // If there is none, the value stays NaN.
   static_cast<void>(SymmetricEigen(asked, k, eigenvalues));
   return MatrixRepair{eigenvalues.front(), &*most};
 }

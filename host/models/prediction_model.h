@@ -95,7 +95,7 @@ class PredictionModel {
   PredictionModel(PredictionModel&&) noexcept;
   PredictionModel& operator=(PredictionModel&&) noexcept;
 
-  // The model's name in the file; the file's name without folder and ending where it has none.
+  // The model's name in the file; the file's name without folder and ending if it has none.
   const std::string& Name() const;
   // The active fields in the order of the mining schema.
   const std::vector<ModelField>& Predictors() const;

@@ -14,7 +14,7 @@ class Error(RuntimeError):
     empty. Of a failed call on a dialog or document, method is the system's name for it, such as
     "CFitDistribution::put_WeibullOffset" (with the name of the interface instead of the class where the system tells
     none, as for a refused OK), and code tells how it failed: "closed" (the dialog), "refused" (by the dialog),
-    "not available", "no such call", or "exception" (anything else). Both are empty for other errors. Where a message
+    "not available", "no such call", or "exception" (anything else). Both are empty for other errors. If a message
     of the system says why, it is the text, and what failed is among __notes__.
     """
 

@@ -210,7 +210,7 @@ class FitResult:
 
     variables: {name: FittedVariable}; sheet: the data; dialog: the results dialog, for everything else that it offers.
 
-    Where a Spreadsheet or Workbook was fitted, weights and a selection given to fit() are in force while the methods of
+    If a Spreadsheet or Workbook was fitted, weights and a selection given to fit() are in force while the methods of
     this class and of FittedVariable work, and the sheet has its own again afterwards; what `dialog` makes follows those
     of the sheet.
     """
@@ -258,7 +258,7 @@ class FitResult:
              order: Mapping[str, Names] | None = None) -> None:
         """Saves the data with the fits and their correlation matrix in a project (.bvw).
 
-        A new one is made where there is none. A sheet of that name with the same data takes the fits over; one with
+        A new one is made if there is none. A sheet of that name with the same data takes the fits over; one with
         other data is an Error. See keep for truncate and order.
         """
         self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
@@ -279,7 +279,7 @@ class FittedVariable:
 
     name, kind ("continuous" or "discrete"), n and missing; `reason` says why there are no fits, and is empty where
     there are; `distributions` lists the fitted distributions, best first,
-    and None where a fit failed. `cautions` says what speaks against simulating the best one: values of a sign that the
+    and None if a fit failed. `cautions` says what speaks against simulating the best one: values of a sign that the
     data do not have, an infinite mean or variance.
     """
 
@@ -300,7 +300,7 @@ class FittedVariable:
     def best(self) -> _distributions.Distribution | None:
         """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
         ones the first that does not merely repeat the data as a histogram. One that gives a value density 0 only where
-        no other was tried. None where no distribution fits."""
+        no other was tried. None if no distribution fits."""
         first = _brenvolt._first_saved(self._result.analysis._analysis, self._place, [fit["name"] for fit in self._fits])
         return None if first is None else self.distributions[first]
 

@@ -7,10 +7,10 @@
 
 namespace brenvolt::sra {
 
-// Why a fit failed, with the value, its case and the bound where there are such; empty for a valid fit.
+// Why a fit failed, with the value, its case and the bound if there are such; empty for a valid fit.
 std::string FailureReason(const DistributionFit& fit);
 
-// Why a variable has no fits at all; empty where it has.
+// Why a variable has no fits at all; empty if it has.
 std::string FailureReason(const VariableFit& variable);
 
 // What speaks against a valid fit, or against its bootstrap; empty if nothing does: it is from moments because the

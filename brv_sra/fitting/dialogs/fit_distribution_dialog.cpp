@@ -405,7 +405,7 @@ void CFitDistribution::TakeOverMixturesOf(const std::vector<VariableFit>& result
   Analysis().ShowMessage(szLoadResString(kMsgInvalidMixtureCountReverted), taken);
 }
 
-// Says which variables have a fault. False where no other is left, so that it is the run's.
+// Says which variables have a fault. False if no other is left, so that it is the run's.
 bool CFitDistribution::ShowFaults(const std::vector<VariableFit>& results) {
   if (!AnyIsFitted(results)) {
     const auto fault = FirstFault(results);

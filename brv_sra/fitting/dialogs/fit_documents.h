@@ -26,16 +26,16 @@ struct MomentColumn {
 // In the order in which they are shown.
 std::span<const MomentColumn> MomentColumns();
 
-// One case per variable, named after it: its moments, and why it has no fits where it has none.
+// One case per variable, named after it: its moments, and why it has no fits if it has none.
 std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results);
 
 // One case per checked distribution of a variable, best first, named by its display name; titled by the
-// criterion. Columns of the bootstrap only where it was asked for.
+// criterion. Columns of the bootstrap only if it was asked for.
 std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterion criterion);
 
 // One case per value of a fit, named as in the catalogue ("Scale"; groups are numbered, "Mean 2"): value,
 // standard error, and covariances with the values in order, as far as the estimator gives them. An offset
-// stands last. Throws CDispatchException where the fit failed.
+// stands last. Throws CDispatchException if the fit failed.
 std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const DistributionFit& fit);
 
 }  // namespace brenvolt::sra

@@ -13,7 +13,7 @@
 
 namespace brenvolt::sra {
 
-// The correlation that a person typed; nothing where it is no number, or one below -1 (by more than 15 units in the last
+// The correlation that a person typed; nothing if it is no number, or one below -1 (by more than 15 units in the last
 // place) or above 1.
 std::optional<double> EnteredCorrelation(const std::string& text);
 

@@ -12,7 +12,7 @@
 namespace brenvolt::sra {
 
 // Both tables have a row for each response that takes part, then "Overall Rate"; `counts` are those of the
-// responses. Rates are missing where there are no runs, and the limits where they are not given and in the last
+// responses. Rates are missing if there are no runs, and the limits if they are not given and in the last
 // row. Notes on the rows are further lines of the title.
 //
 // "Defect Profiler": rate and parts per million of the sixteen-bit counts, and the limits. A rate whose count is

@@ -2,7 +2,7 @@
 //
 // iID counts the predictors from 1, DependentforResult the dependents. LSL, USL, Target, StdDevY and
 // PredictionFormula are those of the selected dependent; an array puts those of all dependents, in their
-// order. A number is put as a number or a text, empty takes it away; it is read as a text, empty where it is
+// order. A number is put as a number or a text, empty takes it away; it is read as a text, empty if it is
 // not given. VariableDistributionParams takes and gives the array of profiler_specification.h. A member that
 // names an output makes, shows and returns it.
 #include <array>

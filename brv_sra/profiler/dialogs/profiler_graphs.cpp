@@ -66,7 +66,7 @@ Graph Panel(const ProfiledPredictor& predictor, const ProfiledResponse& response
   return panel;
 }
 
-// How many runs there are and how many of them a panel shows. Throws Error where no response has a prediction.
+// How many runs there are and how many of them a panel shows. Throws Error if no response has a prediction.
 void AddNotes(const ProfiledColumns& columns, Graph& graph) {
   bool isAnyPredicted = false;
   for (const ProfiledResponse& response : columns.responses) {

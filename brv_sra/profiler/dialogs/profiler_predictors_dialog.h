@@ -22,7 +22,7 @@ class PredictorPage {
   void Refresh();
   // A control of the page has its new state; false for one of another page.
   bool OnChanged(std::int32_t control);
-  // Applies what the fields hold to the highlighted predictor. A message, and false, where it is not valid.
+  // Applies what the fields hold to the highlighted predictor. A message, and false, if it is not valid.
   bool Apply();
 
  private:

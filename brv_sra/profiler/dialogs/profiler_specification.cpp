@@ -24,7 +24,7 @@ bool IsFixedKey(const Variant& key) {
   throw Error("unknown class: " + name + "; the classes are " + classes, predictor.name);
 }
 
-// The code of a class by its name, which may be spelled like a number, or the code itself. Where no model
+// The code of a class by its name, which may be spelled like a number, or the code itself. If no model
 // lists its classes, an unknown name is a new one.
 double ClassCode(ProfilerPredictor& predictor, const std::string& name) {
   const auto named =

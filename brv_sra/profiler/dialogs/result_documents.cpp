@@ -43,7 +43,7 @@ void AddNote(Spreadsheet& sheet, std::string_view note) {
   sheet.SetTitle(sheet.Title() + "\n" + std::string(note));
 }
 
-// Says why a table has no confidence limits or p-values where it has none.
+// Says why a table has no confidence limits or p-values if it has none.
 void ExplainLimits(const SimulatedResponse& response, Spreadsheet& sheet) {
   if (!response.independent) AddNote(sheet, ResourceString(kResponseNoIntervals));
 }

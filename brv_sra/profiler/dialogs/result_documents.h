@@ -25,7 +25,7 @@ struct SimulatedResponse {
   const Spreadsheet& sheet;
   std::size_t predictors = 0;
   std::size_t response = 0;    // among the responses, from 0
-  SpecificationLimits limits;  // NaN where not given
+  SpecificationLimits limits;  // NaN if not given
   bool independent = true;     // the runs of each other; confidence limits are known for such runs alone
 
   const Variable& Column() const { return sheet.VariableAt(predictors + response); }
@@ -54,9 +54,9 @@ enum class SummaryDocument : std::size_t {
 inline constexpr std::size_t kSummaryDocuments = 5;
 std::vector<std::unique_ptr<Spreadsheet>> SummaryDocuments(const SimulatedResponse& response);
 
-// A graph of two panels: the histogram with the best fit, where there is one, and a line for each value of
+// A graph of two panels: the histogram with the best fit, if there is one, and a line for each value of
 // the limits and the target that is given; and a tornado graph, a bar of the rank correlation for each
-// predictor, the longest first. Throws Error where no run has a prediction.
+// predictor, the longest first. Throws Error if no run has a prediction.
 Graph SummaryGraphs(const SimulatedResponse& response, const VariableFit& fit);
 
 }  // namespace brenvolt::sra

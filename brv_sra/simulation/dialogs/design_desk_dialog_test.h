@@ -52,7 +52,7 @@ inline std::string TextOf(const Variant& value) {
   return "(" + text + ")";
 }
 
-// The dialog over an input; a person answers the question that opens it only where a test says so.
+// The dialog over an input; a person answers the question that opens it only if a test says so.
 struct DesignDesk : testing::Test {
   HeadlessUserInterface person;
   Spreadsheet data{"data", 5, 3};

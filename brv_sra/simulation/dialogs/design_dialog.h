@@ -27,12 +27,12 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   DesignedVariable& VariableAt(std::int32_t place) const;
 
   // Makes these the variables of the design. Names that the input lacks are added to an input without cases, and make
-  // a new one where there is none. Throws Error, and changes nothing, for no name, an empty or repeated one, and one
+  // a new one if there is none. Throws Error, and changes nothing, for no name, an empty or repeated one, and one
   // that an input with cases, or a matrix file, does not have.
   void SetVariables(const std::vector<std::string>& names);
 
   // Writes the distributions of the design as properties of the input's variables; into a matrix file, its
-  // correlations, means and deviations as well. Throws Error where no variable takes part.
+  // correlations, means and deviations as well. Throws Error if no variable takes part.
   void SaveToInput();
   // The matrix file of the variables that take part; a simulation of the same input goes on with it.
   std::shared_ptr<CAnalysisTableDoc> ShowCorrelationMatrix();
@@ -58,7 +58,7 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   DesignedVariable* Highlighted() const;
   void HighlightVariable();
   bool AskForVariables();
-  // The sub-editors; false where they were cancelled.
+  // The sub-editors; false if they were cancelled.
   template <class Editor>
   bool EditDistribution();
   bool EditCorrelations();

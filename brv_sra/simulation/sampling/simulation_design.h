@@ -48,7 +48,7 @@ struct SimulationDesign {
   SimulationMethod method = SimulationMethod::kMonteCarlo;
   ParameterSource source = ParameterSource::kUserSpecified;
   bool truncate = false;  // keep to the range between the probabilities 0.005 and 0.995
-  // k x k, row-major, over all variables, NaN where missing; for the methods that induce correlation only.
+  // k x k, row-major, over all variables, NaN if missing; for the methods that induce correlation only.
   std::vector<double> correlations;
 
   bool IsExcluded(std::size_t variable) const {

@@ -40,7 +40,7 @@ inline std::int32_t ChosenSeed(const std::optional<double>& given) {
 // Data that are open: what a job works on, whichever front end holds them.
 struct JobInput {
   Spreadsheet& sheet;
-  DataFile* home;                           // the workbook that the sheet lies in; null where there is none
+  DataFile* home;                           // the workbook that the sheet lies in; null if there is none
   const void* recorded;                     // the object that the sheet is for the recorder
   std::function<AnalysisSession&()> start;  // an analysis over the sheet, whose startup dialog is open
   bool isLent = false;  // the sheet keeps its own case weights and selection when the job has ended

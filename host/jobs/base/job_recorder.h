@@ -51,7 +51,7 @@ class JobRecorder {
   MacroRecorder* recorder_ = nullptr;
 };
 
-// "decimal_comma=True", or nothing where it is false.
+// "decimal_comma=True", or nothing if it is false.
 std::string DecimalCommaArgument(bool decimalComma);
 
 }  // namespace brenvolt

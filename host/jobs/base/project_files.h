@@ -27,7 +27,7 @@ DataFile OpenProject(const std::filesystem::path& path);
 
 // Puts a sheet of data into the project at `path`, which is created if missing, and saves it. A sheet
 // of that name that holds the same data stays in its place and takes over what the new one adds: properties,
-// case weights, selection. Throws Error when a sheet of that name holds other data. Where a correlation
+// case weights, selection. Throws Error when a sheet of that name holds other data. If a correlation
 // matrix comes with the sheet, it goes in by PutCorrelationMatrix.
 void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet,
                       std::unique_ptr<Spreadsheet> matrix = nullptr);
@@ -71,13 +71,13 @@ std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook
 std::vector<std::string> AppendToProject(const std::filesystem::path& path,
                                          std::vector<std::unique_ptr<Spreadsheet>> sheets);
 
-// PROJECT.bvw or PROJECT.bvw:SHEET taken apart; the sheet is empty where none is named. Names of files and of
+// PROJECT.bvw or PROJECT.bvw:SHEET taken apart; the sheet is empty if none is named. Names of files and of
 // sheets may hold colons: the longest beginning that is a file ends at the colon that counts.
 std::pair<std::filesystem::path, std::string> SplitSheetAddress(const std::string& source);
 
 // Throws Error if writing another format to `path` would replace a project.
 void RefuseProjectTarget(const std::filesystem::path& path);
-// Writes a sheet as CSV. Throws Error, and writes nothing, where a project would be replaced.
+// Writes a sheet as CSV. Throws Error, and writes nothing, if a project would be replaced.
 void WriteCsvFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format);
 
 }  // namespace brenvolt

@@ -16,7 +16,7 @@
 namespace brenvolt {
 namespace {
 
-// Usual names of parameters beside those of the facts. Where the code is none, they hold for every distribution that
+// Usual names of parameters beside those of the facts. If the code is none, they hold for every distribution that
 // has the parameter.
 struct Synonym {
   std::string_view written;
@@ -55,7 +55,7 @@ std::string_view RangeText(ParameterRange range) {
   return "a number";
 }
 
-// The parameters in order, with the offset where there is one.
+// The parameters in order, with the offset if there is one.
 std::vector<std::string> NamesOf(const DistributionFacts& facts) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < facts.ParameterCount(); ++i) names.emplace_back(facts.parameters[i].name);

@@ -24,7 +24,7 @@ namespace brenvolt {
 struct NotedDistribution {
   DistributionCode code = DistributionCode::kNormal;
   std::vector<double> values;
-  double offset = kNotSet;  // of a distribution that has one: 0 where none is written
+  double offset = kNotSet;  // of a distribution that has one: 0 if none is written
   std::optional<double> minimum;
   std::optional<double> maximum;
 };

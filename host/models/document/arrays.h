@@ -18,7 +18,7 @@ std::vector<std::string> SplitArray(std::string_view content);
 std::vector<std::string> ReadArray(const Element& array);
 std::vector<double> ReadRealArray(const Element& array);
 
-// The numbers of an Array or REAL-SparseArray (INT-SparseArray) element; throws where there are not `count`.
+// The numbers of an Array or REAL-SparseArray (INT-SparseArray) element; throws if there are not `count`.
 std::vector<double> ReadNumbers(const Element& array, std::size_t count);
 
 // Rows of an InlineTable, each the texts of the named columns; a cell that a row lacks is nothing.

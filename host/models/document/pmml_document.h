@@ -95,7 +95,7 @@ class Element {
   std::vector<Element> ChildrenAndExtended(std::string_view name) const;
   std::optional<Element> FindChild(std::string_view name) const;
   Element Child(std::string_view name) const;
-  // The only child; throws where there are more or none.
+  // The only child; throws if there are more or none.
   Element OnlyChild() const;
   // The text between the tags.
   std::string Content() const;

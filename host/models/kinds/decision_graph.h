@@ -27,7 +27,7 @@ class DecisionGraph {
   // To be called once, when everything is linked.
   void Finish();
   // The outcome of the leaf that each row of the block arrives at. `unknowns` counts the missing answers on
-  // the way, where it is not null.
+  // the way, if it is not null.
   void Walk(const Predicates& predicates, const Frame& frame, std::int32_t* outcomes,
             std::uint16_t* unknowns) const;
 

@@ -34,7 +34,7 @@ class Classes {
   // The categories as values of the field's type.
   const std::vector<double>& Values() const { return values_; }
   std::optional<std::size_t> Find(double value) const;
-  // The number of a category, new where it was not met before.
+  // The number of a category, new if it was not met before.
   std::size_t Number(const std::string& label, Builder& builder, const Element& at);
 
  private:

@@ -34,7 +34,7 @@ void DeclareTransformations(const Element& element, Scope& scope);
 // The operand as values of another type.
 Operand Cast(const Operand& operand, TypeInfo type, const Place& place, const Element& at);
 
-// The slot of an operand's numbers; throws where it has texts.
+// The slot of an operand's numbers; throws if it has texts.
 Slot NumberSlot(const Operand& operand, const Place& place, const Element& at);
 // The slot of an operand's texts; numbers are written as texts.
 Slot TextSlot(const Operand& operand, const Place& place, const Element& at);

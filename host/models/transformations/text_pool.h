@@ -17,7 +17,7 @@ class TextPool {
   explicit TextPool(const TextPool* base = nullptr)
       : base_(base), first_(base == nullptr ? 0 : base->texts_.size()) {}
 
-  // The number of a text, new where it was not met before. Threads may call these at the same time.
+  // The number of a text, new if it was not met before. Threads may call these at the same time.
   double Number(std::string_view text);
   std::string_view Text(double number) const;
 

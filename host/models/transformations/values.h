@@ -1,6 +1,6 @@
 // Types and values of fields. Every value is a double: a number as itself, a truth value as 1 or 0, a date as
 // days since 1970-01-01, a time as seconds since midnight, a date with time as seconds since 1970-01-01, a
-// text as its number in the text pool, and NaN where the value is missing.
+// text as its number in the text pool, and NaN if the value is missing.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +43,7 @@ inline constexpr TypeInfo kDouble{DataType::kDouble};
 inline constexpr TypeInfo kInteger{DataType::kInteger};
 inline constexpr TypeInfo kTruth{DataType::kBoolean};
 
-// The attribute dataType of an element, or the one of another name; `otherwise` where it has none.
+// The attribute dataType of an element, or the one of another name; `otherwise` if it has none.
 TypeInfo ReadDataType(const Element& element, TypeInfo otherwise, const char* attribute = "dataType");
 OpType ReadOpType(const Element& element, OpType otherwise, const char* attribute = "optype");
 
@@ -71,7 +71,7 @@ Interval ReadInterval(const Element& element);
 
 // Which values a field may take.
 struct Domain {
-  std::vector<double> valid;  // where there are any, only these and the intervals
+  std::vector<double> valid;  // if there are any, only these and the intervals
   std::vector<double> invalid;
   std::vector<double> missing;
   std::vector<Interval> intervals;

@@ -139,7 +139,7 @@ double CoefficientOfPair(const Data& data, std::size_t first, std::size_t second
       {static_cast<double>(x.count), sx.Value(), sy.Value(), xx.Value(), yy.Value(), xy.Value()});
 }
 
-// Chunks of standardised columns: the values (0 where missing), their squares, and 1 where present.
+// Chunks of standardised columns: the values (0 if missing), their squares, and 1 where present.
 struct Chunk {
   std::vector<double> values;
   std::vector<double> squares;

@@ -8,7 +8,7 @@ namespace brenvolt {
 
 // correlation (k x k, row-major, symmetric) = Pearson's coefficients of the columns of `data` (n x k,
 // row-major; NaN is missing), each pair over the rows where both are present. Coefficients lie within [-1,
-// 1], the diagonal is exactly 1. A coefficient is NaN where fewer than two rows are left, where either column
+// 1], the diagonal is exactly 1. A coefficient is NaN if fewer than two rows are left, if either column
 // is constant over them, or where a column holds an infinite value or its sum overflows.
 //
 // Columns are centred by compensated means and brought near 1 by a power of two; sums of squares and products

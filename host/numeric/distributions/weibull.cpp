@@ -120,7 +120,7 @@ struct FormulasOf<Weibull> {
 
   double LogDensity(double x) const {
     if (x < threshold || std::isinf(x)) return -kInfinity;
-    // At the threshold itself ln u is infinite and counts only where the exponent is not 0.
+    // At the threshold itself ln u is infinite and counts only if the exponent is not 0.
     const double power = shape == 1.0 ? 0.0 : (shape - 1.0) * std::log((x - threshold) / scale);
     return std::log(shape) - std::log(scale) + power - Hazard(x);
   }

@@ -18,7 +18,7 @@ struct ExtremeValueEstimate {
 // (Prescott & Walden 1980 for the likelihood, Hosking 1985 for the iteration). Converged when the gain that the
 // next step promises is below 1e-15 per value. The covariance is the inverse of the observed information. The
 // likelihood has no global maximum: it grows without bound for shape < -1 and for shape towards infinity (Smith
-// 1985). The greatest local one is the estimate; where there is none, kNoMaximum. Needs three values.
+// 1985). The greatest local one is the estimate; if there is none, kNoMaximum. Needs three values.
 EstimationResult<ExtremeValueEstimate> EstimateExtremeValue(std::span<const double> data,
                                                             const EstimationPoll& poll = {});
 

@@ -91,7 +91,7 @@ JohnsonFit FitUnbounded(double skewness, double kurtosis) {
 // more.
 double GammaOfSkewness(double skewness, double delta) {
   if (skewness == 0.0) return 0.0;
-  // Where the bound is beyond the reach of the fourth moment, and its effect on the values beyond the last
+  // If the bound is beyond the reach of the fourth moment, and its effect on the values beyond the last
   // bit.
   const double farthest = 34.0 * delta + 4.0 / delta;
   double high = std::min(1.0, farthest);

@@ -18,7 +18,7 @@ struct TriangularEstimate {
 // Minimum and maximum are the extremes of `sorted` (ascending, finite); the mode is searched: a scan over
 // about a hundred midpoints between distinct values, then a shrinking bracket around the best of them, until
 // the log-likelihood at both its ends agrees within 1e-8 or the bracket cannot shrink any more. In the search a
-// value counts only where its density is 1e-10 or more, so that the mode depends on the units of the data:
+// value counts only if its density is 1e-10 or more, so that the mode depends on the units of the data:
 // where the range exceeds 2e10, no value counts and the first candidate is kept. The values at the extremes
 // have density 0 wherever the mode lies between them: the likelihood of the whole sample is 0, and has no
 // maximum. `poll` is called between candidates and may throw. kNoSpread where the extremes are equal within 15

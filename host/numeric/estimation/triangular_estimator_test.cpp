@@ -138,7 +138,7 @@ TEST(TriangularFit, AgreesWithTheDirectEvaluation) {
   EXPECT_GE(compared, 200);
 }
 
-// Where all densities are below 1e-10 every mode is as good: the first candidate is moved once and kept.
+// If all densities are below 1e-10 every mode is as good: the first candidate is moved once and kept.
 TEST(TriangularFit, SearchSkipsValuesOfVanishingDensityAndDoesNotPenaliseThem) {
   const std::vector<double> data{0, 1e12, 2e12, 4e12};
   const TriangularEstimate fit = Estimate(data);

@@ -107,7 +107,7 @@ struct DistributionFacts {
   OffsetPlace offset = OffsetPlace::kNone;
   bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes
   std::array<ParameterFacts, kMostParameters> parameters;  // in the order of the values; of one group
-  CurveNames curves{};                                     // none where steps draw it
+  CurveNames curves{};                                     // none if steps draw it
   EstimationCost estimation{};
 
   constexpr bool HasOffset() const { return offset != OffsetPlace::kNone; }

@@ -153,7 +153,7 @@ class Block {
     return log;
   }
 
-  // Where the total is too small, the densities and their total in units of the greatest one; returns the
+  // If the total is too small, the densities and their total in units of the greatest one; returns the
   // logarithm of the unit.
   HWY_NOINLINE Vector Rescale(Tag d, std::span<const MixtureComponent> mixture, std::size_t i,
                               Vector& total) {

@@ -31,7 +31,7 @@ class MixtureExpectation {
   explicit MixtureExpectation(std::size_t components) : densities_(components * kBlock) {}
 
   // Fills `sums`, one for each component of the mixture, which has as many as the constructor was
-  // told, and returns the log-likelihood of the values; NaN or infinite where it is not a mixture. Relative
+  // told, and returns the log-likelihood of the values; NaN or infinite if it is not a mixture. Relative
   // error of a density and of a responsibility: some 1e-15 times the logarithm of the density.
   double Run(std::span<const double> values, std::span<const MixtureComponent> mixture,
              std::span<ResponsibilitySums> sums);
