@@ -137,13 +137,15 @@ TEST(SeveralTargets, DataWithoutTheTargetLoseItsResidualAndNothingElse) {
 std::string Line(const std::string& attributes) {
   return File(
       "RegressionModel", R"(functionName="regression")" + attributes,
-      R"(<RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/></RegressionTable>)");
+      R"(<Targets><Target field="y" rescaleFactor="2"/><Target field="c"><TargetValue value="low" priorProbability="1"/></Target></Targets>
+<RegressionTable intercept="1"><NumericPredictor name="x" coefficient="2"/></RegressionTable>)");
 }
 
 TEST(SeveralTargets, AModelOfOneNumberPredictsTheTargetThatItNames) {
   const PredictionModel model = PredictionModel::Parse(Line(R"( targetFieldName="y")"), "m.pmml");
   ASSERT_EQ(model.Dependents().size(), 1U);
   EXPECT_EQ(model.Dependents()[0].name, "y");
+  EXPECT_EQ(model.Score(ReadCsvText("x\n1\n", "data"), "out").VariableAt(0).Values()[0], 6);
   EXPECT_EQ(NotesOf(model, "x\n1\n"), "c: nothing in the model predicts this target (m.pmml, line 7)\n");
   try {
     PredictionModel::Parse(Line(""), "m.pmml");

@@ -166,7 +166,7 @@ ModelResult ReadModel(const Element& model, Scope& outside, Program& program, co
   ModelResult result = kind->read(model, place);
   model.RefuseOtherAttributes();
   if (place.targets.empty()) Complete(result, {place.target, place.field, place.function});
-  if (const auto adjustments = model.FindChild("Targets")) ApplyTargets(*adjustments, place, result);
+  if (const auto adjustments = model.FindChild("Targets")) ApplyTargets(*adjustments, targets, place, result);
   if (options.outer == nullptr) builder.EndPrediction();
   if (output) outputs = ReadOutput(*output, result, place);
   if (options.outer == nullptr) AddUnpredictedTargets(model, targets, result, outputs);

@@ -129,8 +129,10 @@ std::vector<Element> OwnChildren(const Element& model);
 std::vector<std::string> ReadMiningSchema(const Element& element, Scope& scope, Scope& outside,
                                           bool isNested);
 
-// The Targets element: adjusts the result of the model.
-void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result);
+// The Targets element: adjusts the result of the model. Of the schema's `targets`, those that the model does not
+// predict have nothing to be adjusted.
+void ApplyTargets(const Element& element, const std::vector<std::string>& targets, ModelPlace& place,
+                  ModelResult& result);
 
 // The Output element; its fields are defined in a scope inside. One that cannot be given has a fault, and
 // everything else goes on.

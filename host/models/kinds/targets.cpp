@@ -1,4 +1,5 @@
 // The Targets element: what becomes of a prediction before it leaves the model.
+#include <algorithm>
 #include <cmath>
 
 #include "host/models/kinds/model.h"
@@ -128,13 +129,15 @@ void ApplyTarget(const Element& element, ModelPlace& place, ModelResult& result)
 
 }  // namespace
 
-void ApplyTargets(const Element& element, ModelPlace& place, ModelResult& result) {
+void ApplyTargets(const Element& element, const std::vector<std::string>& targets, ModelPlace& place,
+                  ModelResult& result) {
   element.RefuseOtherAttributes();
   for (const Element& target : element.Children()) {
     if (!target.Is("Target")) target.Refuse();
     const std::string field = target.Text("field", place.target);
     ModelResult* adjusted = result.Of(field);
     if (adjusted == nullptr && result.target.empty()) adjusted = &result;
+    if (adjusted == nullptr && std::ranges::find(targets, field) != targets.end()) continue;
     if (adjusted == nullptr) target.Fail("the field " + field + " is not a target of the model");
     ApplyTarget(target, place, *adjusted);
   }
