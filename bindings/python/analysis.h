@@ -27,6 +27,7 @@ class AnalysisRef {
 
  private:
   Spreadsheet* OpenInput(const std::filesystem::path& path);
+  void OfferMatricesBeside(const SheetRef& input);
 
   PythonInterface interface_;
   std::shared_ptr<SheetRef> input_;

@@ -1,7 +1,8 @@
 #include "host/analysis/analysis_dialog.h"
 
+#include <utility>
+
 #include "host/analysis/action_recording.h"
-#include "host/automation/automation_failure.h"
 #include "host/base/error.h"
 
 namespace brenvolt {
@@ -33,8 +34,26 @@ bool CAnalysisDialog::Conclude(CAnalysisSupport& analysis) {
   return false;
 }
 
-void CAnalysisDialog::PutResultsVariables(const Variant& /*variables*/) {
-  ThrowNotAvailable("ResultsVariables");
+void CAnalysisDialog::Present(const std::shared_ptr<CAnalysisTableDoc>& table) {
+  ResultRequest request = std::exchange(request_, {});
+  const auto columns = PlacesOfColumns(table->Table(), std::exchange(request.columns, {}));
+  request.RequireUsed();
+  if (!columns.empty()) table->Table() = std::move(*PartOf(table->Table(), columns, {}));
+  if (!request.file.empty()) analysis_.Document()->SaveResult(*table, request.file);
+  analysis_.Interface().ShowDocument(table);
+}
+
+void CAnalysisDialog::Present(const std::shared_ptr<CAnalysisGraphDoc>& graph) {
+  const ResultRequest request = std::exchange(request_, {});
+  request.RequireUsed();
+  if (!request.file.empty()) analysis_.Document()->SaveResult(*graph, request.file);
+  analysis_.Interface().ShowGraph(graph);
+}
+
+void CAnalysisDialog::SaveRequested(const std::shared_ptr<CAnalysisTableDoc>& table) {
+  const ResultRequest request = std::exchange(request_, {});
+  request.RequireUsed();
+  if (!request.file.empty()) analysis_.Document()->SaveResult(*table, request.file);
 }
 
 bool CAnalysisDialog::OnCommand(std::int32_t number) {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "host/analysis/analysis_support.h"
+#include "host/analysis/result_request.h"
 #include "host/controls/control_set.h"
 
 namespace brenvolt {
@@ -29,9 +30,16 @@ class CAnalysisDialog {
   // The dialog's automation object; the base has none.
   virtual std::shared_ptr<AutomationObject> AutomationInterface() { return nullptr; }
 
-  // The variables that the next results are made of, as automation passes them. The base makes none of chosen
-  // variables: throws AutomationFailure kNotAvailable.
-  virtual void PutResultsVariables(const Variant& variables);
+  // Why a Results… member has no meaning for what the dialog makes; nothing where it has one. The base makes no results.
+  virtual std::string_view WithoutMeaning(DispatchId /*resultsMember*/) const {
+    return "the dialog makes no results";
+  }
+  // The same for a kind of result that ResultsOption may name.
+  virtual std::string_view KindWithoutMeaning(std::int32_t /*kind*/) const { return {}; }
+  // The variables that the next results are made of, as automation passes them, where that has a meaning.
+  virtual void PutResultsVariables(const Variant& /*variables*/) {}
+  // What the other Results… members have asked of the next result.
+  ResultRequest& Request() { return request_; }
 
   // What a recorded macro writes for the press of a button, or the double click on a list, if that is not
   // simply OK, Cancel or a member of automation: calls of members, as name and, for a put, value.
@@ -84,6 +92,12 @@ class CAnalysisDialog {
 
   void GoToStep(std::int32_t step) { analysis_.RequestStep(step); }
   void GoBack() { analysis_.RequestReturn(); }
+  // Shows a result: of a table the columns that were asked for. It goes into the file that was asked for. Throws Error,
+  // and shows nothing, for a part of the request that has no meaning for it.
+  void Present(const std::shared_ptr<CAnalysisTableDoc>& table);
+  void Present(const std::shared_ptr<CAnalysisGraphDoc>& graph);
+  // Saves a result that is shown otherwise.
+  void SaveRequested(const std::shared_ptr<CAnalysisTableDoc>& table);
   MessageAnswer ShowMessage(std::int32_t resource) const {
     return analysis_.ShowMessage(szLoadResString(resource));
   }
@@ -97,6 +111,7 @@ class CAnalysisDialog {
   const DialogTemplate& template_;
   ControlSet controls_;
   int disabled_ = 0;
+  ResultRequest request_;
 };
 
 // A dialog of the sequence.

@@ -6,12 +6,15 @@
 #include <memory>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/analysis/user_interface.h"
 #include "host/base/error.h"
 
 namespace brenvolt {
+
+class CAnalysisGraphDoc;
 
 class CAnalysisDoc {
  public:
@@ -54,6 +57,42 @@ class CAnalysisDoc {
     selectionApplier_(*inputTable_, condition);
   }
 
+  // The correlation matrices that lie beside an input: their names, and a copy of the one of a name, or for an empty
+  // name of the one that was saved with the fits of the input, null without. The latter throws Error for a name that
+  // is none.
+  struct MatrixSource {
+    std::function<std::vector<std::string>()> names;
+    std::function<std::unique_ptr<Spreadsheet>(const Spreadsheet& input, const std::string& name)> find;
+  };
+  void SetMatrixSource(MatrixSource source) { matrices_ = std::move(source); }
+  std::vector<std::string> MatrixNames() const {
+    return matrices_.names ? matrices_.names() : std::vector<std::string>();
+  }
+  std::unique_ptr<Spreadsheet> FindMatrix(const std::string& name) const {
+    if (matrices_.find && inputTable_ != nullptr) return matrices_.find(*inputTable_, name);
+    if (!name.empty()) throw Error("no matrix can be found here", name);
+    return nullptr;
+  }
+
+  // How the host saves a result in a file, whose name says in which format. `check` throws Error for a name that says
+  // none; the others, too, and where the file cannot be written.
+  struct ResultSaver {
+    std::function<void(const std::filesystem::path& path)> check;
+    std::function<void(const CAnalysisTableDoc& table, const std::filesystem::path& path)> saveTable;
+    std::function<void(const CAnalysisGraphDoc& graph, const std::filesystem::path& path)> saveGraph;
+  };
+  void SetResultSaver(ResultSaver saver) { saver_ = std::move(saver); }
+  void CheckResultFile(const std::filesystem::path& path) const {
+    if (!saver_.check) throw Error("no result can be saved here", path.string());
+    saver_.check(path);
+  }
+  void SaveResult(const CAnalysisTableDoc& table, const std::filesystem::path& path) const {
+    saver_.saveTable(table, path);
+  }
+  void SaveResult(const CAnalysisGraphDoc& graph, const std::filesystem::path& path) const {
+    saver_.saveGraph(graph, path);
+  }
+
   // The host option that sends results to a workbook instead of showing them as documents of their own.
   bool ResultsToWorkbook() const { return resultsToWorkbook_; }
   void SetResultsToWorkbook(bool on) { resultsToWorkbook_ = on; }
@@ -69,6 +108,8 @@ class CAnalysisDoc {
   Spreadsheet* inputTable_;
   DataOpener dataOpener_;
   SelectionApplier selectionApplier_;
+  MatrixSource matrices_;
+  ResultSaver saver_;
   bool resultsToWorkbook_ = true;
   int resultsLocks_ = 0;
   std::shared_ptr<CAnalysisTableDoc> inputOwner_;

@@ -262,6 +262,7 @@ void CAnalysisSupport::RequestReturn() {
 }
 
 bool CAnalysisSupport::CompleteTransition() {
+  if (const auto entry = std::exchange(pendingEntry_, nullptr)) return entry(*this) != 0;
   if (!pending_) return true;
   const std::int32_t target = *pending_;
   pending_.reset();

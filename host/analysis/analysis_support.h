@@ -143,6 +143,9 @@ class CAnalysisSupport {
   // For dialogs: what will happen once the command being carried out has returned.
   void RequestStep(std::int32_t step);
   void RequestReturn();
+  // An entry method, which opens a dialog outside the sequence: leaving it by Cancel ends the sequence, or returns to
+  // the step that it belongs to.
+  void RequestEntry(std::int32_t (*entry)(CAnalysisSupport& analysis)) { pendingEntry_ = entry; }
   // Carries out what was requested. Called by the dialog base; the calling dialog no longer exists
   // afterwards, unless the answer is false: the step failed, and the dialog stays.
   bool CompleteTransition();
@@ -215,6 +218,7 @@ class CAnalysisSupport {
   std::int32_t currentStep_ = 0;
   std::vector<std::int32_t> path_;       // the steps whose dialogs led, one from the other, to the open one
   std::optional<std::int32_t> pending_;  // the step asked for; 0 asks to go back
+  std::int32_t (*pendingEntry_)(CAnalysisSupport& analysis) = nullptr;
   MessageErrorHandler messageHandler_ = nullptr;
   int contextDepth_ = 0;
   int automationDepth_ = 0;

@@ -168,6 +168,7 @@ std::optional<std::size_t> DialogAutomationBase::OwnPlace(const MemberDescriptio
 void DialogAutomationBase::CarryOut(MacroCall& call) {
   const MemberDescription& member = *call.member;
   const auto place = OwnPlace(member);
+  const RequestEnd end(*this, member, call.kind);
   const Variant result =
       place ? InvokeOwn(*place, call.kind, call.indexes, call.value) : InvokeCommon(member, call.value);
   if (call.kind == CallKind::kPut || member.get == AutomationType::kNone) return;
@@ -258,12 +259,23 @@ Variant DialogAutomationBase::InvokeCommon(const MemberDescription& member, cons
     case common_member::kCancel:
       if (!dialog_->Press(kControlCancel)) ThrowControlRefused("Cancel is refused");
       return {};
-    case common_member::kResultsVariables:
-      dialog_->PutResultsVariables(value);
-      return {};
     default:
-      ThrowNotAvailable(std::string(interface_.name) + "." + std::string(member.name));
+      PutRequest(member, value);
+      return {};
   }
+}
+
+void DialogAutomationBase::PutRequest(const MemberDescription& member, const Variant& value) {
+  std::string_view why = dialog_->WithoutMeaning(member.id);
+  if (why.empty() && member.id == common_member::kResultsOption)
+    why = dialog_->KindWithoutMeaning(value.ToInteger());
+  if (!why.empty())
+    ThrowNotAvailable(std::string(interface_.name) + "." + std::string(member.name) + ": " +
+                      std::string(why));
+  if (member.id == common_member::kResultsVariables) return dialog_->PutResultsVariables(value);
+  if (member.id == common_member::kResultsSaveFileName)
+    dialog_->Analysis().Document()->CheckResultFile(value.ToText());
+  dialog_->Request().Take(member.id, value);
 }
 
 void* DialogAutomationBase::QueryInterface(InterfaceId id) {

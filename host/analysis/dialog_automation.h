@@ -14,6 +14,7 @@
 #include "host/analysis/analysis_dialog.h"
 #include "host/automation/automation_failure.h"
 #include "host/automation/automation_object.h"
+#include "host/automation/dialog_interface.h"
 #include "host/automation/macro_recorder.h"
 #include "host/automation/type_library.h"
 
@@ -153,6 +154,25 @@ class DialogAutomationBase : public AutomationObject, public DialogPointer {
   void Record(MacroRecorder& recorder, const CAnalysisSupport& analysis, MacroCall call,
               std::span<const Variant> arguments);
   Variant InvokeCommon(const MemberDescription& member, const Variant& value);
+  void PutRequest(const MemberDescription& member, const Variant& value);
+  // At the end of a call that makes a result, or fails to, nothing is asked of the next one any more.
+  class RequestEnd {
+   public:
+    RequestEnd(const DialogAutomationBase& automation, const MemberDescription& member, CallKind kind)
+        : automation_(automation),
+          makes_(kind == CallKind::kMethod ||
+                 (kind == CallKind::kGet && member.get == AutomationType::kObject &&
+                  member.id != common_member::kParent && member.id != common_member::kApplication)) {}
+    ~RequestEnd() {
+      if (makes_ && automation_.dialog_ != nullptr) automation_.dialog_->Request() = {};
+    }
+    RequestEnd(const RequestEnd&) = delete;
+    RequestEnd& operator=(const RequestEnd&) = delete;
+
+   private:
+    const DialogAutomationBase& automation_;
+    bool makes_;
+  };
 
   const InterfaceDescription& interface_;
   std::string_view className_;

@@ -1,11 +1,10 @@
 #include "host/application/application.h"
 
-#include <cmath>
 #include <cstdlib>
 
+#include "host/analysis/result_request.h"
 #include "host/application/application_automation.h"
 #include "host/base/error.h"
-#include "host/formula/expression.h"
 
 namespace brenvolt {
 namespace {
@@ -67,15 +66,7 @@ DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format
 }
 
 void ApplySelection(Spreadsheet& sheet, const std::string& condition) {
-  CaseSelection selection{true, condition, {}};
-  std::vector<FormulaVariable> variables;
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    const Variable& variable = sheet.VariableAt(i);
-    variables.push_back({variable.Name(), variable.Values(), variable.MissingCode()});
-  }
-  const auto truth = EvaluateOverCases(condition, variables, sheet.CaseCount(), "selection condition");
-  selection.accepted.reserve(truth.size());
-  for (const double value : truth) selection.accepted.push_back(!std::isnan(value) && value != 0 ? 1 : 0);
+  CaseSelection selection{true, condition, CasesMeeting(condition, sheet, "selection condition")};
   sheet.SetSelection(std::move(selection));
 }
 

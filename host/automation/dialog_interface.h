@@ -38,24 +38,25 @@ inline constexpr std::array<MemberDescription, 13> kMembers{{
         "when it did, 0 when it refused and stays open."),
     Method("Cancel", common_member::kCancel, kNone,
            "Presses Cancel: the analysis goes back to the dialog before, or ends."),
-    Property("ResultsSelection", common_member::kResultsSelection, kNone, kVariant,
-             "The cases that results are made of. Not available in these dialogs: they follow the case "
-             "selection of the spreadsheet."),
+    Property(
+        "ResultsSelection", common_member::kResultsSelection, kNone, kVariant,
+        "The cases that the next result is made of: a condition over the variables (a text), or an array "
+        "of the numbers of cases."),
     Property("ResultsSelectionOption", common_member::kResultsSelectionOption, kNone, kVariant,
-             "How the cases of ResultsSelection are meant. Not available in these dialogs."),
+             "How ResultsSelection is meant: 0 these cases, 1 all others."),
     Property("ResultsVariables", common_member::kResultsVariables, kNone, kVariant,
              "The variables that results are made of, where a dialog makes results of chosen variables."),
     Property("ResultsOption", common_member::kResultsOption, kNone, kInteger,
-             "The kind of result. Not available in these dialogs: each result has a member of its own."),
-    Property("ResultsCodes", common_member::kResultsCodes, kNone, kVariant,
-             "The codes of a grouping variable. Not available in these dialogs."),
+             "The kind of result that the next OK makes, a constant of OuptutType."),
+    Property(
+        "ResultsCodes", common_member::kResultsCodes, kNone, kVariant,
+        "A grouping variable and its codes, an array: the next result is made of the cases that have one."),
     Property("ResultsSaveFileName", common_member::kResultsSaveFileName, kNone, kText,
-             "The file that results are saved in. Not available in these dialogs: results are documents, "
-             "which save themselves."),
+             "The file that the next result is saved in; its ending says in which format."),
     Property("ResultsValues", common_member::kResultsValues, kNone, kVariant,
-             "Values that results are made at. Not available in these dialogs."),
+             "Points at which density, distribution function and quantile of the chosen fit are tabulated."),
     Property("ResultsOutputFields", common_member::kResultsOutputFields, kNone, kVariant,
-             "The columns of a result. Not available in these dialogs."),
+             "The columns of the next table, an array of their identifiers or headings."),
 }};
 
 }  // namespace dialog_interface

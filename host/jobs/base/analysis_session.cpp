@@ -3,11 +3,14 @@
 #include "host/automation/variable_list.h"
 #include "host/base/process/interruption.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/result_files.h"
 
 namespace brenvolt {
 
 AnalysisSession::AnalysisSession(ProgramInterface& interface, Spreadsheet& sheet)
-    : interface_(interface), input_(interface, &sheet), analysis_(application_.NewAnalysis(input_)) {}
+    : interface_(interface), input_(interface, &sheet), analysis_(application_.NewAnalysis(input_)) {
+  OfferResultFiles(input_);
+}
 
 std::shared_ptr<AutomationObject> AnalysisSession::Dialog() {
   auto dialog = analysis_->GetDialgInterface();

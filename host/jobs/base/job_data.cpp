@@ -38,6 +38,7 @@ FormerConditions::~FormerConditions() {
 JobInput JobRun::Input(ProgramInterface& interface, JobRecorder& recorder) {
   const auto start = [this, &interface, &recorder]() -> AnalysisSession& {
     session = std::make_unique<AnalysisSession>(interface, *sheet);
+    OfferMatrices(session->Input(), data.workbook);
     recorder.Started(sheet, session->Analysis());
     return *session;
   };

@@ -184,6 +184,20 @@ std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook
   return std::make_unique<Spreadsheet>(other.Sheet(wanted));
 }
 
+void OfferMatrices(CAnalysisDoc& document, const Workbook& workbook) {
+  const auto names = [&workbook] {
+    std::vector<std::string> matrices;
+    for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+      if (workbook.SheetAt(i).Kind() == SheetKind::kMatrix) matrices.push_back(workbook.SheetAt(i).Name());
+    }
+    return matrices;
+  };
+  const auto find = [&workbook](const Spreadsheet& input, const std::string& name) {
+    return name.empty() ? SavedMatrix(workbook, input) : NamedMatrix(name, workbook, "matrix " + name);
+  };
+  document.SetMatrixSource({names, find});
+}
+
 std::vector<std::string> AppendToProject(const std::filesystem::path& path,
                                          std::vector<std::unique_ptr<Spreadsheet>> sheets) {
   Workbook workbook = ExistingOrNew(path);

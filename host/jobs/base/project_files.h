@@ -66,6 +66,10 @@ std::unique_ptr<Spreadsheet> SavedMatrix(const Workbook& project, const Spreadsh
 std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook& project,
                                          const std::string& where);
 
+// Tells the document of an analysis of the matrix sheets of the workbook, which must outlive it, and of files, by the
+// names that NamedMatrix takes.
+void OfferMatrices(CAnalysisDoc& document, const Workbook& workbook);
+
 // Adds sheets to the project at `path`, which is created if missing, and saves it. Returns the sheets'
 // names in the project: their own, or with a number after it if that is taken.
 std::vector<std::string> AppendToProject(const std::filesystem::path& path,

@@ -1,0 +1,60 @@
+#include "host/jobs/base/result_files.h"
+
+#include <filesystem>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "host/analysis/analysis_graph_doc.h"
+#include "host/application/graph_json.h"
+#include "host/application/json_text.h"
+#include "host/base/error.h"
+#include "host/base/files/output_file.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
+#include "host/tables/numpy_archive.h"
+
+namespace brenvolt {
+namespace {
+
+using Path = std::filesystem::path;
+
+// Whether the result is a table or a graph is known only when it is made.
+void CheckName(const Path& path) {
+  JobFaults asTable;
+  CheckDataTarget("file", path, asTable);
+  JobFaults asGraph;
+  CheckGraphsTarget("file", path, asGraph);
+  if (path.empty() || asTable.empty() || asGraph.empty()) return;
+  throw Error("expected a file in an existing folder that ends in .csv, .npz, .bvw or .json", path.string());
+}
+
+void SaveTable(const CAnalysisTableDoc& table, const Path& path) {
+  if (HasEnding(path, ".json")) throw Error("a table goes into .csv, .npz or .bvw", path.string());
+  if (HasProjectEnding(path)) {
+    std::vector<std::unique_ptr<Spreadsheet>> sheets;
+    sheets.push_back(std::make_unique<Spreadsheet>(table.Table()));
+    AppendToProject(path, std::move(sheets));
+  } else if (IsNumpyArchiveName(path)) {
+    WriteNumpyArchive(table.Table(), path);
+  } else {
+    WriteCsvFile(table.Table(), path, {});
+  }
+}
+
+void SaveGraph(const CAnalysisGraphDoc& graph, const Path& path) {
+  JobFaults faults;
+  CheckGraphsTarget("file", path, faults);
+  if (!faults.empty()) throw Error("a graph goes into .json", path.string());
+  OutputFile file(path);
+  file.Write(JsonText(GraphJson(graph.Content())));
+  file.Commit();
+}
+
+}  // namespace
+
+void OfferResultFiles(CAnalysisDoc& document) {
+  document.SetResultSaver({CheckName, SaveTable, SaveGraph});
+}
+
+}  // namespace brenvolt
