@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <sstream>
 
 #include "tests/command_fixture.h"
@@ -123,6 +124,89 @@ TEST_F(Command, WrongDesignsAreRefusedBeforeAnythingIsWritten) {
     EXPECT_EQ(run.status, 2) << row.message;
     EXPECT_NE(run.err.find(row.message), std::string::npos) << run.err;
     EXPECT_FALSE(std::filesystem::exists(File("plan.bvw"))) << row.message;
+  }
+}
+
+// The stack and the register by the members of the dialogs.
+constexpr const char* kMacroStart =
+    "from brenvolt import *\n"
+    "analysis = Analysis(Application().NewSheet('Design'))\n"
+    "dialog = analysis.Dialog\n"
+    "dialog.TypeOfAnalysis = scSRADesignSimulation\n"
+    "dialog.OK()\n"
+    "dialog = analysis.Dialog\n"
+    "def design(variables, correlations):\n"
+    "    names = [name for name, *_ in variables]\n"
+    "    dialog.UserDefinedDesignMatrixVariableNames = names\n"
+    "    for i, (_, *distribution) in enumerate(variables):\n"
+    "        dialog.SimulationSpecificationOfVariable[i + 1] = Array(*distribution)\n"
+    "    rows = [[float(a == b) for b in names] for a in names]\n"
+    "    for (a, b), r in correlations.items():\n"
+    "        rows[names.index(a)][names.index(b)] = rows[names.index(b)][names.index(a)] = r\n"
+    "    dialog.UserDefinedDesignMatrixValues = rows\n"
+    "    dialog.OK()\n";
+constexpr const char* kMacroEnd =
+    "dialog = analysis.Dialog\n"
+    "dialog.LHSwithImanMethod = 1\n"
+    "dialog.NumberOfSamples = 500\n"
+    "dialog.IsSeedRandomNumber = 1\n"
+    "dialog.RandomSeedNumber = 7\n"
+    "dialog.ResultsSaveFileName = 'dialog.csv'\n"
+    "dialog.OK()\n";
+constexpr const char* kStack =
+    "design([('housing', 'Normal', 120.0, 0.04), ('a', 'Normal', 30.0, 0.02), ('b', 'Normal', 25.5, 0.02),\n"
+    "        ('c', 'Triangular', 39.9, 40.1, 40.0),\n"
+    "        ('d', 'LogNormal', 3.178, 0.001, 0, 1, 23.9, 1, 24.1)], {('a', 'b'): 0.6})\n";
+constexpr const char* kRegister =
+    "design([('foundations', 'Triangular', 180, 320, 220), ('structure', 'Triangular', 900, 1400, 1050),\n"
+    "        ('services', 'Triangular', 600, 1100, 750), ('fitting', 'Normal', 420, 35, 1, 300, 0, 0),\n"
+    "        ('planning', 'Normal', 160, 12), ('fees', 'LogNormal', 4.6, 0.25),\n"
+    "        ('contaminated_soil', 'Histogram', 0, 0.85, 240, 0.15, 0, 0, 0, 0),\n"
+    "        ('permit_delay', 'Histogram', 0, 0.7, 45, 0.2, 110, 0.1, 0, 0, 0, 0),\n"
+    "        ('steel_price', 'Histogram', 0, 0.6, 80, 0.3, 190, 0.1, 0, 0, 0, 0),\n"
+    "        ('contractor_fails', 'Histogram', 0, 0.96, 500, 0.04, 0, 0, 0, 0),\n"
+    "        ('frost_days', 'Poisson', 6), ('rework', 'Weibull', 30, 1.4)],\n"
+    "       {('structure', 'services'): 0.5, ('structure', 'steel_price'): 0.4})\n";
+
+TEST_F(Command, MembersOfTheDialogGiveTheNumbersOfTheCommand) {
+  if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
+    GTEST_SKIP() << "the Python package is not built";
+  for (const auto& [name, lines] :
+       {std::pair("tolerance_stack", kStack), std::pair("risk_register", kRegister)}) {
+    MustRun({"design", "plan.bvw", "--from", kExamples + name + ".txt"});
+    MustRun({"simulate", "plan.bvw", "--method", "latin-hypercube-iman-conover", "--samples", "500", "--seed",
+             "7", "-o", "command.csv"});
+    WriteBytes(File("macro.py"), std::string(kMacroStart) + lines + kMacroEnd);
+    MustRun({"macro", "macro.py"});
+    EXPECT_EQ(BytesOf(File("dialog.csv")), BytesOf(File("command.csv"))) << name;
+    std::filesystem::remove(File("plan.bvw"));
+  }
+}
+
+// The dialog finds the matrix that the project keeps with its fits; another one is chosen by its name.
+TEST_F(Command, DialogFindsTheMatrixOfTheProject) {
+  if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
+    GTEST_SKIP() << "the Python package is not built";
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  WriteBytes(File("half.csv"),
+             ",eruptions,waiting\neruptions,1,0.5\nwaiting,0.5,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,9,\n"
+             "Matrix,1,\n");
+  for (const std::string matrix : {"", "half.csv"}) {
+    std::vector<std::string> call{"simulate", "p.bvw",  "--method", "iman-conover", "--samples",
+                                  "300",      "--seed", "7",        "-o",           "command.csv"};
+    if (!matrix.empty()) call.insert(call.end(), {"--matrix", matrix});
+    MustRun(call);
+    WriteBytes(File("macro.py"),
+               "from brenvolt import *\nanalysis = Analysis(open_workbook('p.bvw').sheet('faithful'))\n"
+               "dialog = analysis.Dialog\ndialog.TypeOfAnalysis = scSRARunSimulation\ndialog.OK()\n"
+               "dialog = analysis.Dialog\ndialog.ImanConoverMethod = 1\ndialog.NumberOfSamples = 300\n"
+               "dialog.IsSeedRandomNumber = 1\ndialog.RandomSeedNumber = 7\n"
+               "dialog.CorrelationMatrixName = '" +
+                   matrix +
+                   "'\n"
+                   "dialog.ResultsSaveFileName = 'dialog.csv'\ndialog.OK()\n");
+    MustRun({"macro", "macro.py"});
+    EXPECT_EQ(BytesOf(File("dialog.csv")), BytesOf(File("command.csv"))) << matrix;
   }
 }
 

@@ -54,8 +54,9 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   // Makes a matrix of uncorrelated variables, shows it, and attaches it as the input. The person chooses the
   // variables from the input's; under automation they are those of Matrix().variables.
   std::int32_t CreateAndAttachCorrelationInputFile();
-  // Reads number and names of variables of the input, which is a matrix file or data; 0 without an input.
-  // Nothing is read, and the answer is 1, while the profiler works with formulas.
+  // Reads number and names of variables of the input, which is a matrix file or data; 0 without an input. Of a
+  // spreadsheet they are those that are selected for fitting, continuous ones first, and for simulation; all where none
+  // is. Nothing is read, and the answer is 1, while the profiler works with formulas.
   std::int32_t UpdateFromInputMatrixFile();
   std::int32_t UpdateFromInputSpreadsheet();
   // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.

@@ -12,9 +12,21 @@ namespace {
 
 using namespace define_task;
 
-constexpr std::array<AutomationMember<CDefineTask>, 2> kMembers{{
+void PutAutoProfiler(CDefineTask& dialog, std::span<const Variant>, const Variant& value) {
+  if (!dialog.Check(kAutoProfiler, value.ToBoolean()))
+    ThrowControlRefused("AutoProfiler is about the profiler: select it first, by TypeOfAnalysis");
+}
+
+// The dialog is closed afterwards.
+Variant CallSimulationStartup(CDefineTask& dialog, std::span<const Variant>) {
+  return std::int32_t{dialog.Press(kSimulationStartup) ? 1 : 0};
+}
+
+constexpr std::array<AutomationMember<CDefineTask>, 3> kMembers{{
     {"TypeOfAnalysis", GetSelection<CDefineTask, kTaskList, 0>, PutSelection<CDefineTask, kTaskList, 0>},
-    {"AutoProfiler", nullptr, PutChecked<CDefineTask, kAutoProfiler>},
+    {"AutoProfiler", nullptr, PutAutoProfiler},
+    AutomationMember<CDefineTask>{"SimulationStartup", CallSimulationStartup, nullptr}.ByButton(
+        kSimulationStartup),
 }};
 static_assert(Binds(kStartupInterface, kMembers));
 
@@ -43,6 +55,12 @@ bool CDefineTask::OnCommand(std::int32_t number) {
   if (number == kOpenData) {
     const Disabled disabled(*this);
     return SimulationAndRisk().OpenData();
+  }
+  if (number == kSimulationStartup) {
+    Analysis().RequestEntry([](CAnalysisSupport& analysis) {
+      return static_cast<CSimulationAndRisk&>(analysis).SimulationStartupDialog();
+    });
+    return true;
   }
   if (const StartupTask* task = FindStartupTask(number)) {
     StartTask(*task, task->step);

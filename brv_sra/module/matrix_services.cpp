@@ -2,6 +2,7 @@
 // input around the engine in brv_sra/matrix.
 #include <algorithm>
 
+#include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/frame/attached_input.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/simulation_and_risk.h"
@@ -9,6 +10,7 @@
 #include "brv_sra/profiler/dialogs/profiler_dialog.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "brv_sra/simulation/simulation_state.h"
 #include "host/automation/variable_list.h"
 
 namespace brenvolt::sra {
@@ -31,6 +33,21 @@ std::vector<std::string> AskForVariables(UserInterface& userInterface, const std
       chosen.push_back(names[static_cast<std::size_t>(number - 1)]);
   }
   return chosen;
+}
+
+bool ProfilesFormulas(CSimulationAndRisk& analysis) {
+  const bool profiling = dynamic_cast<const CSimulationProfiler*>(analysis.GetDialog()) != nullptr;
+  return profiling && analysis.Profiler().mode == ProfilerMode::kFormulas;
+}
+
+// The names of selected variables, each once.
+void AppendSelected(const std::vector<std::int16_t>& numbers, const std::vector<std::string>& names,
+                    std::vector<std::string>& selected) {
+  for (const std::int16_t number : numbers) {
+    if (number < 1 || static_cast<std::size_t>(number) > names.size()) continue;
+    const std::string& name = names[static_cast<std::size_t>(number - 1)];
+    if (std::ranges::find(selected, name) == selected.end()) selected.push_back(name);
+  }
 }
 
 }  // namespace
@@ -80,16 +97,25 @@ std::int32_t CSimulationAndRisk::CreateAndAttachCorrelationInputFile() {
   return ValidateInputMatrixFile();
 }
 
-std::int32_t CSimulationAndRisk::UpdateFromInputMatrixFile() {
-  return UpdateFromInputSpreadsheet();
-}
-
 // Names of variables are kept as they read, never hashed nor coded: blanks at their ends are all that goes.
-std::int32_t CSimulationAndRisk::UpdateFromInputSpreadsheet() {
-  const bool profiling = dynamic_cast<const CSimulationProfiler*>(GetDialog()) != nullptr;
-  if (profiling && profiler_->mode == ProfilerMode::kFormulas) return 1;
+std::int32_t CSimulationAndRisk::UpdateFromInputMatrixFile() {
+  if (ProfilesFormulas(*this)) return 1;
   if (InputTable() == nullptr) return 0;
   matrix_->variables = VariableNames(*InputTable());
+  matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->variables.size());
+  return 1;
+}
+
+std::int32_t CSimulationAndRisk::UpdateFromInputSpreadsheet() {
+  const std::int32_t read = UpdateFromInputMatrixFile();
+  if (read == 0 || ProfilesFormulas(*this)) return read;
+  const FitSpecification& fit = fit_->specification;
+  std::vector<std::string> selected;
+  AppendSelected(fit.continuous, matrix_->variables, selected);
+  AppendSelected(fit.discrete, matrix_->variables, selected);
+  AppendSelected(simulation_->options.variables, matrix_->variables, selected);
+  if (selected.empty()) return 1;
+  matrix_->variables = std::move(selected);
   matrix_->numberOfVariables = static_cast<std::int32_t>(matrix_->variables.size());
   return 1;
 }

@@ -3,9 +3,11 @@
 
 #include <cmath>
 
+#include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/frame/simulation_and_risk.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/dialog_automation.h"
 #include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
@@ -161,6 +163,21 @@ TEST_F(MatrixServices, UnderAutomationNothingIsAsked) {
   EXPECT_NE(analysis->UpdateFromInputSpreadsheet(), 0);
   EXPECT_NE(analysis->CreateAndAttachCorrelationInputFile(), 0);
   EXPECT_EQ(State().file.variables, (Names{"a", "b", "c"}));
+}
+
+// Lists in their order; a variable of several lists counts once.
+TEST_F(MatrixServices, SelectedListsGiveTheNames) {
+  analysis->Fit().specification.continuous = {3};
+  analysis->Fit().specification.discrete = {1, 0, 9};
+  analysis->Simulation().options.variables = {2, 3};
+  EXPECT_EQ(analysis->UpdateFromInputSpreadsheet(), 1);
+  EXPECT_EQ(State().variables, (Names{"c", "a", "b"}));
+  EXPECT_EQ(State().numberOfVariables, 3);
+  analysis->Simulation().options.variables.clear();
+  EXPECT_EQ(analysis->UpdateFromInputSpreadsheet(), 1);
+  EXPECT_EQ(State().variables, (Names{"c", "a"}));
+  EXPECT_EQ(analysis->UpdateFromInputMatrixFile(), 1);
+  EXPECT_EQ(State().variables, (Names{"a", "b", "c"})) << "a matrix file is read as a whole";
 }
 
 TEST_F(MatrixServices, OnlyCallsOfAutomationCountAsAutomation) {

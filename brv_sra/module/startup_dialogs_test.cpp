@@ -175,5 +175,28 @@ TEST_F(StartupDialogs, SimulationStartupRunsAndReturnsToTheStartup) {
   EXPECT_EQ(Dialog().Controls().Selection(1006), 1) << "the last task";
 }
 
+TEST_F(StartupDialogs, SimulationStartupIsReachedByAFrontEnd) {
+  const auto automation = [this] { return analysis->GetDialgInterface(); };
+  ASSERT_EQ(automation()->Call("SimulationStartup").ToInteger(), 1);
+  EXPECT_EQ(automation()->InterfaceName(), "SRASimulation");
+  ASSERT_EQ(automation()->Call("OK").ToInteger(), 1);
+  EXPECT_EQ(analysis->CurrentStep(), step::kSimulationFromStartup);
+  automation()->Call("Cancel");
+  EXPECT_EQ(automation()->InterfaceName(), "SRAStartup");
+  EXPECT_TRUE(Dialog().Press(kSimulationStartup)) << "by its button";
+  EXPECT_EQ(Dialog().Template().number, 25977);
+}
+
+TEST_F(StartupDialogs, AutoProfilerIsRefusedInWordsWhereItDoesNothing) {
+  analysis->GetDialgInterface()->Put("TypeOfAnalysis", 0);
+  try {
+    analysis->GetDialgInterface()->Put("AutoProfiler", 1);
+    ADD_FAILURE() << "taken";
+  } catch (const Error& error) {
+    EXPECT_STREQ(error.what(), "AutoProfiler is about the profiler: select it first, by TypeOfAnalysis");
+  }
+  EXPECT_FALSE(analysis->AutoProfiler());
+}
+
 }  // namespace
 }  // namespace brenvolt::sra

@@ -74,7 +74,8 @@ const DialogTemplate& DefineTaskTemplate() {
           {{{kFitDistribution, kButton, Text(kCommandFitDistribution)},
             {kRunSimulation, kButton, Text(kCommandRunSimulation)}},
            {{kDesignSimulation, kButton, Text(kCommandDesignSimulation)},
-            {kProfiler, kButton, Text(kCommandProfiler)}}}}}}}};
+            {kProfiler, kButton, Text(kCommandProfiler)}},
+           {{kSimulationStartup, kButton, Text(kStartupSimulation)}}}}}}}};
   return result;
 }
 
@@ -176,7 +177,8 @@ const DialogTemplate& FitResultsTemplate() {
           {{{kUserDefined, kCheckBox, Text(kFitResultsUserDefined)}},
            {{kSaveDistributionSummary, kButton, Text(kFitResultsDistributionSummary)},
             {kCorrelationMatrix, kButton, Text(kFitResultsCorrelations)},
-            {kSaveFit, kButton, Text(kFitResultsSave)}}}}}}}};
+            {kSaveFit, kButton, Text(kFitResultsSave)},
+            {kSimulate, kButton, Text(kFitResultsSimulate)}}}}}}}};
   return result;
 }
 
@@ -213,6 +215,9 @@ const DialogTemplate& SimulationTemplate() {
            {{kSeedSwitch, kCheckBox, Text(kSimulationSeedSwitch)},
             {kSeed, kIntegerField, Text(kSimulationSeed)}},
            {{kTruncate, kCheckBox, Text(kSimulationTruncate)}},
+           {{kUseFitted, kCheckBox, Text(kDesignCheckUseFitted)}},
+           {{kLeaveOut, kButton, Text(kSimulationLeaveOut)}, {kLeftOutList, kLabel, ""}},
+           {{kMatrix, kComboBox, Text(kSimulationMatrix)}},
            {{kAutoUpdate, kCheckBox, Text(kSimulationAutoUpdate)},
             {kSimulate, kButton, Text(kProfilerButtonSimulate)}}}},
          {Text(kSimulationMethodGroup),
@@ -236,7 +241,7 @@ const DialogTemplate& ProfilerTemplate() {
     return RowTemplate{{kParameterLabel + place, kLabel, ""}, {kParameter + place, kRealField, ""}};
   };
   static const DialogTemplate result{
-      25994,
+      15033,
       Text(kProfilerTitle),
       {OkAndCancel(kProfilerButtonSimulate),
        {{kDefects, kButton, Text(kProfilerButtonDefects)},

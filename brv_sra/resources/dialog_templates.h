@@ -16,7 +16,7 @@ const DialogTemplate& FitResultsTemplate();         // 25983
 const DialogTemplate& DesignTemplate();             // 15000
 const DialogTemplate& SimulationTemplate();         // 25991
 const DialogTemplate& SimulationResultsTemplate();  // 25988
-const DialogTemplate& ProfilerTemplate();           // 25994
+const DialogTemplate& ProfilerTemplate();           // 15033
 
 // The startup dialogs.
 namespace define_task {
@@ -29,6 +29,7 @@ inline constexpr std::int32_t kTaskList = 1006;
 inline constexpr std::int32_t kDesignSimulation = 1180;
 inline constexpr std::int32_t kProfiler = 1220;
 inline constexpr std::int32_t kAutoProfiler = 1254;
+inline constexpr std::int32_t kSimulationStartup = 1255;
 }  // namespace define_task
 
 namespace fit_dialog {
@@ -115,6 +116,7 @@ inline constexpr std::int32_t kTruncationMaximum = 1161;
 inline constexpr std::int32_t kUserDefined = 1162;
 inline constexpr std::int32_t kSaveDistributionSummary = 1163;
 inline constexpr std::int32_t kCorrelationMatrix = 1164;
+inline constexpr std::int32_t kSimulate = 1165;
 }  // namespace fit_results
 
 namespace design_dialog {
@@ -144,6 +146,10 @@ inline constexpr std::int32_t kSeed = 1129;
 inline constexpr std::int32_t kTruncate = 1130;
 inline constexpr std::int32_t kAutoUpdate = 1131;
 inline constexpr std::int32_t kSimulate = 1132;
+inline constexpr std::int32_t kUseFitted = 1133;
+inline constexpr std::int32_t kLeaveOut = 1134;
+inline constexpr std::int32_t kLeftOutList = 1135;
+inline constexpr std::int32_t kMatrix = 1136;
 }  // namespace simulation_dialog
 
 namespace profiler_dialog {

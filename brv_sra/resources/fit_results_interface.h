@@ -15,9 +15,9 @@ inline constexpr std::array<ArgumentDescription, 1> kVariable{{{"VarNo", kIntege
 inline constexpr std::array<ArgumentDescription, 2> kVariableAndDistribution{
     {{"VarNo", kInteger}, {"sDistrName", kText}}};
 
-// Variables and DistributionDetails are younger than the members before, whose numbers stand in recorded
+// Variables, DistributionDetails and RunSimulation are younger than the members before, whose numbers stand in recorded
 // macros.
-inline constexpr std::array<MemberDescription, 26> kMembers{{
+inline constexpr std::array<MemberDescription, 27> kMembers{{
     Property("QuickTabVariable", 0x60030000, kInteger, kInteger,
              "The variable of the Quick tab: its place among the fitted variables, continuous ones first, "
              "from 1."),
@@ -96,6 +96,9 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property("DistributionDetails", 0x60030026, kObject, kNone,
              "Shows and gives the details of the distribution of the Quick tab: parameters with standard "
              "errors, information criteria and tests, a spreadsheet."),
+    Method("RunSimulation", 0x60030027, kInteger,
+           "Saves the fits of the selected variables and opens the simulation, whose Cancel comes back here. "
+           "Gives 1 when it did, 0 when it was refused."),
 }};
 
 }  // namespace fit_results_interface

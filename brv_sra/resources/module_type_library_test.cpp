@@ -114,7 +114,7 @@ TEST(TypeLibrary, IsFoundByNameAndIdentifierOnly) {
   EXPECT_EQ(FindTypeLibrary(kTypeLibraryIdentifier), &ModuleTypeLibrary());
   EXPECT_EQ(FindTypeLibrary(""), nullptr);
   EXPECT_EQ(FindInterface("srastartup"), nullptr);
-  EXPECT_EQ(FindInterface("SRAStartup")->members.size(), 2U);
+  EXPECT_EQ(FindInterface("SRAStartup")->members.size(), 3U);
   EXPECT_EQ(ModuleTypeLibrary().interfaces.front().name, "BrvAnalysisDialog") << "the base is the first";
 }
 

@@ -585,9 +585,19 @@ inline constexpr std::int32_t kDesignBoundsWithoutEffect = 21187;
 inline constexpr std::int32_t kDesignListPairs = 21188;
 inline constexpr std::int32_t kDesignListChanges = 21189;
 
+// The ways between dialogs.
+inline constexpr std::int32_t kFitResultsSimulate = 21190;
+inline constexpr std::int32_t kSimulationLeaveOut = 21191;
+inline constexpr std::int32_t kSimulationSelectLeftOut = 21192;
+inline constexpr std::int32_t kSimulationMatrix = 21193;
+inline constexpr std::int32_t kSimulationMatrixOfInput = 21194;
+inline constexpr std::int32_t kStartupSimulation = 21195;
+inline constexpr std::int32_t kSimulationNoneLeftOut = 21196;
+
 // Fits: what goes beyond the texts above.
 inline constexpr std::int32_t kTitleRankedByAkaike = 21200;
 inline constexpr std::int32_t kTitleRankedByBayes = 21201;
 inline constexpr std::int32_t kTitleSavedFits = 21208;
+inline constexpr std::int32_t kTitlePointsOf = 21209;
 
 }  // namespace brenvolt::sra

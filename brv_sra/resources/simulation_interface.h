@@ -12,8 +12,8 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kFile{{{"sFileName", kText}}};
 
-// The last two are younger than the members before, whose numbers stand in recorded macros.
-inline constexpr std::array<MemberDescription, 15> kMembers{{
+// Those from CorrelationMatrix on are younger than the members before, whose numbers stand in recorded macros.
+inline constexpr std::array<MemberDescription, 18> kMembers{{
     Property("Variables", 0x60030000, kText, kVariant,
              "The variables to simulate: their numbers as a text (\"1-3 5\"). Takes such a text, a number or "
              "an array of numbers; each must have a saved distribution."),
@@ -58,6 +58,15 @@ inline constexpr std::array<MemberDescription, 15> kMembers{{
         "SavedFits", 0x6003001a, kVariant, kNone,
         "The saved fits of the variables to simulate, best first, a spreadsheet: how far each reaches beyond "
         "its data."),
+    Property("ExcludedVariables", 0x6003001b, kText, kVariant,
+             "Those of the variables that take no part in the simulation. Read and put as Variables."),
+    Property(
+        "UseFittedDistributions", 0x6003001d, kInteger, kInteger,
+        "Whether the distributions count as fitted ones, which have no bounds, and not as a person's own."),
+    Property(
+        "CorrelationMatrixName", 0x6003001f, kText, kText,
+        "The matrix sheet beside the input that correlated methods follow, by its name; empty for that of "
+        "the input."),
 }};
 
 }  // namespace simulation_interface

@@ -10,7 +10,7 @@ namespace startup_interface {
 
 using enum AutomationType;
 
-inline constexpr std::array<MemberDescription, 2> kMembers{{
+inline constexpr std::array<MemberDescription, 3> kMembers{{
     {"TypeOfAnalysis",
      0x60030000,
      MemberKind::kProperty,
@@ -19,8 +19,12 @@ inline constexpr std::array<MemberDescription, 2> kMembers{{
      kEnumeration,
      "SRAOptions",
      "The selected task, which OK starts."},
-    Property("AutoProfiler", 0x60030002, kNone, kInteger,
-             "Checks or clears \"AutoProfiler\". Refused unless the profiler is the selected task."),
+    Property(
+        "AutoProfiler", 0x60030002, kNone, kInteger,
+        "Checks or clears \"AutoProfiler\": whether the profiler works with formulas, and not with models. "
+        "Refused unless the profiler is the selected task."),
+    Method("SimulationStartup", 0x60030003, kInteger,
+           "Opens the simulation startup dialog (SRASimulation) in place of this one. Gives 1 when it did."),
 }};
 
 }  // namespace startup_interface

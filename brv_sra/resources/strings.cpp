@@ -728,6 +728,17 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kDesignBoundsWithoutEffect, "Bounds have no effect: %s."},
     {kDesignListPairs, "Correlated variables:"},
     {kDesignListChanges, "Changes of a repair:"},
+    // The ways between dialogs.
+    {kFitResultsSimulate, "Save and si&mulate"},
+    {kSimulationLeaveOut, "&Leave out..."},
+    {kSimulationSelectLeftOut, "Select the variables that take no part"},
+    {kSimulationMatrix, "Correlation matrix:"},
+    {kSimulationMatrixOfInput, "(that of the input)"},
+    {kStartupSimulation, "Si&mulations..."},
+    {kSimulationNoneLeftOut, "none"},
+    {"density"_column.heading, "Density"},
+    {"cumulative"_column.heading, "Distribution function"},
+    {"quantile"_column.heading, "Quantile"},
     // Fits: what goes beyond the texts above.
     {kTitleRankedByAkaike, "Ranked by: AIC"},
     {kTitleRankedByBayes, "Ranked by: BIC"},
@@ -738,6 +749,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"saved_place"_column.heading, "Place among the saved fits"},
     {"variable_number"_column.heading, "Variable number"},
     {kTitleSavedFits, "Saved fits"},
+    {kTitlePointsOf, "%s of %s at points"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

@@ -135,6 +135,11 @@ Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions&
     return IsContinuous(variable.specification.code);
   };
   std::stable_partition(design.variables.begin(), design.variables.end(), isContinuous);
+  for (std::size_t j = 0; j < design.variables.size(); ++j) {
+    const auto number = static_cast<std::int16_t>(design.variables[j].variableNumber);
+    if (std::ranges::find(options.excluded, number) != options.excluded.end())
+      design.excluded.push_back(static_cast<std::int32_t>(j));
+  }
   return design;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "brv_sra/matrix/matrix_file.h"
@@ -16,6 +17,8 @@ namespace brenvolt::sra {
 
 struct SimulationOptions {
   std::vector<std::int16_t> variables;  // numbers from 1, in the order of selection
+  std::vector<std::int16_t> excluded;   // those of them that take no part
+  std::string matrix;                   // the name of the correlation matrix; empty: that of the input
   std::int32_t numberOfSamples = 0;
   bool seeded = false;
   double seed = kNotSet;

@@ -43,7 +43,9 @@ inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", 
                                            {"percentile", "", 20749},  {"response", "", 20606},
                                            {"table_rate", "", 20607},  {"table_ppm", "", 20608},
                                            {"saved_place", "", 21206}, {"variable_number", "", 21207},
-                                           {"field", "", 20950},       {"field_value", "", 20951}};
+                                           {"field", "", 20950},       {"field_value", "", 20951},
+                                           {"density", "", 21197},     {"cumulative", "", 21198},
+                                           {"quantile", "", 21199}};
 inline constexpr ResultColumn kMoments[] = {{"n", "/n", 20741, kCount},
                                             {"missing", "/missing", 20742, kCount},
                                             {"mean", "/mean", 20743, kLocation},

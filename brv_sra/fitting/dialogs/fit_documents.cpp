@@ -6,6 +6,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/reach.h"
+#include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/dialogs/estimation_reason.h"
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -229,13 +230,20 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
   return sheet;
 }
 
+namespace {
+
+void RequireValid(const VariableFit& variable, const DistributionFit& fit) {
+  if (fit.IsValid()) return;
+  throw CDispatchException(
+      FormatResource(kMsgNotFittedHere, DisplayName(fit.specification.code), variable.name),
+      FailureReason(fit));
+}
+
+}  // namespace
+
 std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const DistributionFit& fit) {
+  RequireValid(variable, fit);
   const DistributionSpecification& specification = fit.specification;
-  if (!fit.IsValid()) {
-    throw CDispatchException(
-        FormatResource(kMsgNotFittedHere, DisplayName(specification.code), variable.name),
-        FailureReason(fit));
-  }
   const std::size_t count = specification.values.size();
   std::vector<double> values = specification.values;
   std::vector<std::string> names = ValueNames(specification);
@@ -258,6 +266,23 @@ std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const Dis
     };
     AddColumn(*sheet, "covariance"_column, cell, std::to_string(v + 1));
   }
+  return sheet;
+}
+
+std::unique_ptr<Spreadsheet> PointsTable(const VariableFit& variable, const DistributionFit& fit,
+                                         std::span<const double> points) {
+  RequireValid(variable, fit);
+  const SpecifiedDistribution distribution(fit.specification);
+  std::vector<std::string> names;
+  for (std::size_t i = 1; i <= points.size(); ++i) names.push_back(std::to_string(i));
+  auto sheet = NewResultSheet(
+      FormatResource(kTitlePointsOf, DisplayName(fit.specification.code), variable.name), std::move(names));
+  AddColumn(*sheet, "value"_column, [&](std::size_t i) { return points[i]; });
+  AddColumn(*sheet, "density"_column, [&](std::size_t i) { return distribution.Density(points[i]); });
+  AddColumn(*sheet, "cumulative"_column, [&](std::size_t i) { return distribution.Cdf(points[i]); });
+  AddColumn(*sheet, "quantile"_column, [&](std::size_t i) {
+    return points[i] >= 0 && points[i] <= 1 ? distribution.Quantile(points[i]) : GetDefaultMDValue();
+  });
   return sheet;
 }
 

@@ -38,4 +38,9 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
 // stands last. Throws CDispatchException if the fit failed.
 std::unique_ptr<Spreadsheet> DetailsTable(const VariableFit& variable, const DistributionFit& fit);
 
+// One case per point: the point, density and distribution function of a fit there, and its quantile where the point is a
+// probability. Throws CDispatchException where the fit failed.
+std::unique_ptr<Spreadsheet> PointsTable(const VariableFit& variable, const DistributionFit& fit,
+                                         std::span<const double> points);
+
 }  // namespace brenvolt::sra

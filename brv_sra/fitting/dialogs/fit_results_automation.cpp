@@ -198,6 +198,11 @@ std::string UserDefinedText(Dialog&, Indexes indexes, const Variant& value) {
   return MacroText(UserDefinedFrom(CodeFromVariant(indexes[1]), value));
 }
 
+// The dialog is closed afterwards, if it was done.
+Variant CallRunSimulation(Dialog& dialog, Indexes) {
+  return std::int32_t{dialog.Press(kSimulate) ? 1 : 0};
+}
+
 // The variable of the Save/plot tab.
 std::int32_t SavePlace(Dialog& dialog) {
   return dialog.Controls().Selection(kSaveVariable) + 1;
@@ -224,7 +229,7 @@ void PutBound(Dialog& dialog, Indexes indexes, const Variant& value) {
   dialog.ShowSaveSettings();
 }
 
-constexpr std::array<Member, 26> kMembers{{
+constexpr std::array<Member, 27> kMembers{{
     {"QuickTabVariable", GetSelection<Dialog, kVariable, 1>, PutSelection<Dialog, kVariable, 1>},
     {"QuickTabDistribution", GetSelection<Dialog, kDistribution, 1>, PutSelection<Dialog, kDistribution, 1>},
     Member{"SummaryStats", GetOutput<&Dialog::ShowSummaryStatistics>, nullptr}.ByButton(kSummaryStatistics),
@@ -259,6 +264,7 @@ constexpr std::array<Member, 26> kMembers{{
         SavePlace),
     {"Variables", GetVariables, PutVariables},
     Member{"DistributionDetails", GetOutput<&Dialog::ShowDetails>, nullptr}.ByButton(kDetails),
+    Member{"RunSimulation", CallRunSimulation, nullptr}.ByButton(kSimulate),
 }};
 static_assert(Binds(kFitDistributionResultsInterface, kMembers));
 

@@ -11,6 +11,7 @@
 #include "brv_sra/fitting/fit_correlation.h"
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/frame/fault_message.h"
+#include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -32,8 +33,26 @@ constexpr std::pair<std::int32_t, FitPlot> kPlotButtons[] = {
     {kBoxPlot, FitPlot::kBoxPlot},
     {kSummaryGraph, FitPlot::kSummary}};
 
+// The buttons that make the outputs of OuptutType, in their order.
+constexpr std::int32_t kKinds[] = {kHistogram,       kCumulativeHistogram, kEmpiricalPlot,     kQuantilePlot,
+                                   kProbabilityPlot, kDistributionSummary, kSummaryStatistics, kSummaryGraph};
+
 // So many undefined correlations are named; the others are counted.
 constexpr std::size_t kNamedCorrelations = 3;
+
+// Keeps those of the cases that are chosen. Throws Error if none is.
+void KeepChosen(const std::vector<std::uint8_t>& chosen, CaseSet& set) {
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < set.cases.size(); ++i) {
+    if (chosen[set.cases[i]] == 0) continue;
+    set.cases[kept] = set.cases[i];
+    if (!set.weights.empty()) set.weights[kept] = set.weights[i];
+    ++kept;
+  }
+  if (kept == 0) throw Error("none of the chosen cases is among the fitted ones");
+  set.cases.resize(kept);
+  if (!set.weights.empty()) set.weights.resize(kept);
+}
 
 RankingCriterion CriterionOf(const VariableFit& variable, const FitSpecification& specification) {
   return variable.continuous ? specification.continuousCriterion : specification.discreteCriterion;
@@ -77,6 +96,8 @@ bool CFitDistributionResults::OnCommand(std::int32_t number) {
       return Attempt([this] { ShowCorrelationMatrix(); });
     case kSaveFit:
       return Attempt([this] { SaveFits(); });
+    case kSimulate:
+      return Attempt([this] { SaveAndSimulate(); });
     case kPrevious:
     case kNext:
       return Move(kVariable, number == kNext ? 1 : -1);
@@ -99,8 +120,24 @@ bool CFitDistributionResults::OnCommand(std::int32_t number) {
 }
 
 bool CFitDistributionResults::OnOk() {
-  ShowSummaryStatistics();
-  return true;
+  const auto kind = std::exchange(Request().kind, {});
+  if (kind) return Attempt([&] { ShowKind(*kind); });
+  if (!Request().values.empty()) return Attempt([this] { ShowPoints(); });
+  return Attempt([this] { ShowSummaryStatistics(); });
+}
+
+std::string_view CFitDistributionResults::KindWithoutMeaning(std::int32_t kind) const {
+  const bool isKind = kind >= 0 && static_cast<std::size_t>(kind) < std::size(kKinds);
+  return isKind ? "" : "the constants of OuptutType are 0 to 7";
+}
+
+void CFitDistributionResults::ShowKind(std::int32_t kind) {
+  const std::int32_t button = kKinds[static_cast<std::size_t>(kind)];
+  for (const auto& [number, plot] : kPlotButtons) {
+    if (number == button) ShowPlot(plot);
+  }
+  if (button == kDistributionSummary) ShowDistributionSummary(QuickVariable());
+  if (button == kSummaryStatistics) ShowSummaryStatistics();
 }
 
 void CFitDistributionResults::OnControlChanged(std::int32_t number) {
@@ -230,8 +267,10 @@ CaseSet CFitDistributionResults::Cases() const {
   return ValueOrThrow(FittedCases(*GetInputTable(), Results().committed, options));
 }
 
-std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& variable) const {
-  const CaseSet cases = Cases();
+std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& variable) {
+  CaseSet cases = Cases();
+  const CaseChoice choice = std::exchange(Request().cases, {});
+  if (choice.IsGiven()) KeepChosen(ChosenCases(choice, *GetInputTable()), cases);
   const auto number = static_cast<std::size_t>(variable.variableNumber);
   if (number > GetInputTable()->VariableCount()) throw Error("is no longer in the input", variable.name);
   const auto progress =
@@ -243,10 +282,15 @@ std::vector<double> CFitDistributionResults::SortedValues(const VariableFit& var
   return std::move(sample.values);
 }
 
-std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::Show(std::unique_ptr<Spreadsheet> table) const {
+std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::Show(std::unique_ptr<Spreadsheet> table) {
   auto document = std::make_shared<CAnalysisTableDoc>(std::move(table));
-  Analysis().Interface().ShowDocument(document);
+  Present(document);
   return document;
+}
+
+std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowPoints() {
+  const std::vector<double> points = std::exchange(Request().values, {});
+  return Show(PointsTable(QuickVariable(), ChosenFit(), points));
 }
 
 std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowSummaryStatistics() {
@@ -264,6 +308,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowDistributionSumm
 }
 
 std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowDetails() {
+  if (!Request().values.empty()) return ShowPoints();
   return Show(DetailsTable(QuickVariable(), ChosenFit()));
 }
 
@@ -272,12 +317,12 @@ std::shared_ptr<CAnalysisGraphDoc> CFitDistributionResults::ShowPlot(FitPlot plo
   const VariableFit& variable = QuickVariable();
   auto document =
       std::make_shared<CAnalysisGraphDoc>(MakeFitPlot(plot, variable, fit, SortedValues(variable)));
-  Analysis().Interface().ShowGraph(document);
+  Present(document);
   return document;
 }
 
 std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowCorrelations(
-    const std::vector<int>& variables) const {
+    const std::vector<int>& variables) {
   const FitCorrelations correlations = CorrelateVariables(*GetInputTable(), variables, Cases());
   const auto& names = correlations.file.variables;
   const auto& undefined = correlations.undefined;
@@ -336,6 +381,12 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
         ValueOrThrow(ReadMatrixFile(correlations->Table(), {.useCaseSelection = false, .isCancelled = {}}));
   }
   return correlations;
+}
+
+void CFitDistributionResults::SaveAndSimulate() {
+  if (GetInputTable() == nullptr) throw Error("no input spreadsheet");
+  SaveFits();
+  GoToStep(step::kSimulation);
 }
 
 }  // namespace brenvolt::sra

@@ -52,8 +52,12 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   // Throws when a truncation is not complete or no selected variable has a valid fit, but then marks the
   // variables as without a fit.
   std::shared_ptr<CAnalysisTableDoc> SaveFits();
+  // The same, and on to the simulation. Throws Error without an input.
+  void SaveAndSimulate();
 
-  // The same variables as the member Variables.
+  // All Results… members have a meaning. The variables are those of the member Variables.
+  std::string_view WithoutMeaning(DispatchId /*resultsMember*/) const override { return {}; }
+  std::string_view KindWithoutMeaning(std::int32_t kind) const override;
   void PutResultsVariables(const Variant& variables) override;
 
   // Shows the settings of the Save/plot tab's variable after a change of them.
@@ -75,9 +79,14 @@ class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
   const DistributionFit& ChosenFit() const;
   void RequireFitted(const VariableFit& variable) const;
   CaseSet Cases() const;
-  std::vector<double> SortedValues(const VariableFit& variable) const;
-  std::shared_ptr<CAnalysisTableDoc> Show(std::unique_ptr<Spreadsheet> table) const;
-  std::shared_ptr<CAnalysisTableDoc> ShowCorrelations(const std::vector<int>& variables) const;
+  // Of the cases that were asked for, if any were.
+  std::vector<double> SortedValues(const VariableFit& variable);
+  // The table of the chosen fit at the points that were asked for.
+  std::shared_ptr<CAnalysisTableDoc> ShowPoints();
+  // What OK makes: the kind of result that was asked for, by default the summary statistics.
+  void ShowKind(std::int32_t kind);
+  std::shared_ptr<CAnalysisTableDoc> Show(std::unique_ptr<Spreadsheet> table);
+  std::shared_ptr<CAnalysisTableDoc> ShowCorrelations(const std::vector<int>& variables);
 };
 
 }  // namespace brenvolt::sra

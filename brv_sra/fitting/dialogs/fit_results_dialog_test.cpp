@@ -336,5 +336,23 @@ TEST_F(FitResults, UndefinedCorrelationsAreReported) {
   EXPECT_TRUE(ReadMatrixFile(Shown()));
 }
 
+TEST_F(FitResults, SimulationIsReachedAndComesBack) {
+  EXPECT_TRUE(Dialog().Press(kSimulate));
+  EXPECT_EQ(analysis->CurrentStep(), step::kSimulation);
+  EXPECT_TRUE(Property(0, "zOrder").starts_with("Normal;")) << "the fits are saved";
+  Automation().Put("ImanConoverMethod", true);
+  EXPECT_EQ(Automation().Call("OK").ToInteger(), 1) << "it goes on with the saved matrix";
+  EXPECT_EQ(analysis->CurrentStep(), step::kSimulationResults);
+  Automation().Call("Cancel");
+  EXPECT_EQ(analysis->CurrentStep(), step::kSimulation);
+  Automation().Call("Cancel");
+  EXPECT_EQ(analysis->CurrentStep(), step::kFitResults) << "where it was opened from";
+  Said();
+  Automation().Put("Variables", "3");
+  EXPECT_EQ(Automation().Call("RunSimulation").ToInteger(), 0);
+  EXPECT_EQ(Said().size(), 1U) << "it has no valid fit";
+  EXPECT_EQ(analysis->CurrentStep(), step::kFitResults);
+}
+
 }  // namespace
 }  // namespace brenvolt::sra

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 #include <new>
+#include <numeric>
+#include <utility>
 
 #include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/frame/fault_message.h"
@@ -15,6 +17,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/automation/dialog_interface.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/formula/formula.h"
@@ -38,6 +41,10 @@ double* LimitOf(std::int32_t control, SpecificationLimits& limits) {
   if (control == kLsl) return &limits.lower;
   return control == kUsl ? &limits.upper : &limits.target;
 }
+
+// The constants of OuptutType that a response has.
+constexpr std::int32_t kSummaryStatsKind = 6;
+constexpr std::int32_t kSummaryGraphKind = 7;
 
 constexpr const char* kNotDone = "nothing was produced";
 
@@ -300,11 +307,33 @@ void CSimulationProfiler::ShowNotes(const ProfilerNotes& notes) const {
 // ---- The run
 
 bool CSimulationProfiler::OnOk() {
-  return Simulate();
+  const auto kind = std::exchange(Request().kind, {});
+  if (!kind) return Simulate();
+  return OnCommand(*kind == kSummaryGraphKind ? kSummaryGraph : kSummaryStats);
+}
+
+std::string_view CSimulationProfiler::WithoutMeaning(DispatchId resultsMember) const {
+  return resultsMember == common_member::kResultsValues ? "a response has no chosen fit" : "";
+}
+
+std::string_view CSimulationProfiler::KindWithoutMeaning(std::int32_t kind) const {
+  const bool isMade = kind == kSummaryStatsKind || kind == kSummaryGraphKind;
+  return isMade ? "" : "a response has scSummaryStats and scSummaryGraph alone";
+}
+
+void CSimulationProfiler::PutResultsVariables(const Variant& variables) {
+  const Variant::Array given = variables.ToArray();
+  if (given.size() != 1) throw Error("expected one dependent, got " + std::to_string(given.size()));
+  const std::string text = given.front().ToText();
+  const std::vector<std::string> names = NamesOf(Design().dependents);
+  std::size_t place = 0;
+  while (place < names.size() && names[place] != text && std::to_string(place + 1) != text) ++place;
+  if (!Select(kDependent, static_cast<int>(place))) throw Error("there is no dependent " + text);
 }
 
 bool CSimulationProfiler::Simulate() {
   return Attempt(kCaptionSimulationError, [this] {
+    Request().RequireUsed();  // data are not chosen, nor shown by columns
     ProfilerRun run = ValueOrThrow(RunProfiler(Design(), CaptionedProgress(Analysis().Interface())));
     run.output->SetName(szLoadResString(kProfilerResultsTitle));
     run.output->SetTitle(run.output->Name());
@@ -321,8 +350,10 @@ void CSimulationProfiler::Produce(ProfilerRun run) {
   if (state.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     run.output->SetName(state.output->Table().Name());
     state.output->Table() = std::move(*run.output);
+    SaveRequested(state.output);
   } else {
     state.output = std::make_shared<CAnalysisTableDoc>(std::move(run.output));
+    SaveRequested(state.output);  // who is shown it may take the table
     const ResultsToWorkbookOff off(*Analysis().Document());
     Analysis().Interface().ShowDocument(state.output);
   }
@@ -375,12 +406,13 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::SimulationResults() {
 
 // ---- Results of the selected dependent
 
-SimulatedResponse CSimulationProfiler::Response() const {
+SimulatedResponse CSimulationProfiler::Response() {
   const ProfilerState& state = State();
+  const CaseChoice choice = std::exchange(Request().cases, {});
   const ProfilerDependent& selected = Selected();
   if (state.output == nullptr || !state.output->HasTable())
     throw CDispatchException(szLoadResString(kMsgProfilerNotSimulated));
-  const Spreadsheet& sheet = state.output->Table();
+  const Spreadsheet& sheet = choice.IsGiven() ? Chosen(choice) : state.output->Table();
   for (std::size_t j = state.outputPredictors; j < sheet.VariableCount(); ++j) {
     if (sheet.VariableAt(j).Name() == selected.name)
       return {sheet, state.outputPredictors, j - state.outputPredictors, selected.limits,
@@ -389,7 +421,19 @@ SimulatedResponse CSimulationProfiler::Response() const {
   throw CDispatchException(szLoadResString(kMsgProfilerNotSimulated), selected.name);
 }
 
+// A copy of the last output with the chosen runs alone.
+const Spreadsheet& CSimulationProfiler::Chosen(const CaseChoice& choice) {
+  const Spreadsheet& output = State().output->Table();
+  std::vector<std::size_t> all(output.VariableCount());
+  std::iota(all.begin(), all.end(), std::size_t{0});
+  chosen_ = PartOf(output, all, ChosenCases(choice, output));
+  fit_.reset();
+  return *chosen_;
+}
+
 const VariableFit& CSimulationProfiler::FitOfResponse(const SimulatedResponse& response) {
+  if (fitted_ != &response.sheet) fit_.reset();
+  fitted_ = &response.sheet;
   if (!fit_ || fit_->first != response.response)
     fit_.emplace(response.response, FitResponse(response, CaptionedProgress(Analysis().Interface())));
   return fit_->second;
@@ -404,7 +448,7 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::CapabilityStats() {
   RequireSpecification();
   const SimulatedResponse response = Response();
   auto document = std::make_shared<CAnalysisTableDoc>(CapabilityDocument(response, FitOfResponse(response)));
-  Analysis().Interface().ShowDocument(document);
+  Present(document);
   return document;
 }
 
@@ -413,7 +457,7 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::SummaryStats() {
   for (auto& table : SummaryDocuments(Response())) {
     auto document = std::make_shared<CAnalysisTableDoc>(std::move(table));
     if (first == nullptr) first = document;
-    Analysis().Interface().ShowDocument(std::move(document));
+    Present(document);
   }
   return first;
 }
@@ -421,7 +465,7 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationProfiler::SummaryStats() {
 std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::SummaryGraph() {
   const SimulatedResponse response = Response();
   auto graph = std::make_shared<CAnalysisGraphDoc>(SummaryGraphs(response, FitOfResponse(response)));
-  Analysis().Interface().ShowGraph(graph);
+  Present(graph);
   return graph;
 }
 
@@ -431,7 +475,7 @@ std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::DefectProfile() {
   const ProfiledColumns columns = ColumnsOf(response.sheet, response.predictors, Design());
   const DefectCounts counts = CountDefects(columns.responses);
   const auto show = [this](std::unique_ptr<Spreadsheet> table) {
-    Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(std::move(table)));
+    Present(std::make_shared<CAnalysisTableDoc>(std::move(table)));
   };
   show(MakeDefectCountSheet(columns.responses, counts, response.independent));
   show(MakeDefectSheet(columns.responses, counts));
@@ -439,7 +483,7 @@ std::shared_ptr<CAnalysisGraphDoc> CSimulationProfiler::DefectProfile() {
     throw CDispatchException(szLoadResString(kMsgDefectProfileFailed),
                              szLoadResString(kMsgProfilerTooManyGraphs));
   auto graph = std::make_shared<CAnalysisGraphDoc>(MakeDefectGraph(columns.responses, columns.predictors));
-  Analysis().Interface().ShowGraph(graph);
+  Present(graph);
   return graph;
 }
 

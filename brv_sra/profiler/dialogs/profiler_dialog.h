@@ -44,6 +44,11 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   // Updates the controls after the design has changed.
   void Refresh();
 
+  // Results are those of one dependent, by its name or its place. A response has no chosen fit.
+  std::string_view WithoutMeaning(DispatchId resultsMember) const override;
+  std::string_view KindWithoutMeaning(std::int32_t kind) const override;
+  void PutResultsVariables(const Variant& variables) override;
+
   // What the buttons make; shown and returned. They throw Error that says why they fail; a run has then shown
   // it as a message.
   std::shared_ptr<CAnalysisTableDoc> SimulationResults();
@@ -82,14 +87,17 @@ class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
   // What a button does: carries `make` out; a message under the caption where it throws.
   template <class Make>
   bool Attempt(std::int32_t caption, const Make& make) const;
-  // The selected dependent in the last output. Throws Error if that is not there.
-  SimulatedResponse Response() const;
+  // The selected dependent in the last output, over the runs that were asked for. Throws Error if that is not there.
+  SimulatedResponse Response();
+  const Spreadsheet& Chosen(const CaseChoice& choice);
   const VariableFit& FitOfResponse(const SimulatedResponse& response);
   void RequireSpecification() const;
 
   PredictorPage predictors_;
-  // The fit of a dependent of the present output, by its place.
+  // The fit of a dependent of a sheet, by its place: of the present output, or of the runs that were chosen last.
   std::optional<std::pair<std::size_t, VariableFit>> fit_;
+  const Spreadsheet* fitted_ = nullptr;
+  std::unique_ptr<Spreadsheet> chosen_;
 };
 
 }  // namespace brenvolt::sra

@@ -17,6 +17,7 @@
 #include "brv_sra/simulation/dialogs/design_distribution_dialog.h"
 #include "brv_sra/simulation/dialogs/design_user_defined_dialog.h"
 #include "host/automation/automation_failure.h"
+#include "host/automation/dialog_interface.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -169,9 +170,15 @@ std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
   RequireParticipants();
   const MatrixFile file = MatrixOf(Design());
   const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file));
-  Analysis().Interface().ShowDocument(document);
+  Present(document);
   SimulationAndRisk().Matrix().saved = file;
   return document;
+}
+
+std::string_view CDesignSimulation::WithoutMeaning(DispatchId resultsMember) const {
+  return resultsMember == common_member::kResultsSaveFileName
+             ? ""
+             : "the dialog makes the correlation matrix alone";
 }
 
 // ---- What a person does
@@ -291,11 +298,15 @@ bool CDesignSimulation::OnOk() {
   SimulationOptions& options = SimulationAndRisk().Simulation().options;
   options.source = Design().source;
   options.variables.clear();
+  options.excluded.clear();
   const Names names = VariableNames(*GetInputTable());
   for (const DesignedVariable& variable : Design().variables) {
-    if (!TakesPart(variable, Design().source)) continue;
+    const bool takesPart = TakesPart(variable, Design().source);
+    if (!takesPart && variable.fitted.empty()) continue;
     const auto place = std::ranges::find(names, variable.name) - names.begin();
-    options.variables.push_back(VariableNumberOf(static_cast<std::size_t>(place)));
+    const std::int16_t number = VariableNumberOf(static_cast<std::size_t>(place));
+    options.variables.push_back(number);
+    if (!takesPart) options.excluded.push_back(number);
   }
   GoToStep(step::kSimulation);
   return true;

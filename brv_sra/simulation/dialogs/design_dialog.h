@@ -37,6 +37,9 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   // The matrix file of the variables that take part; a simulation of the same input goes on with it.
   std::shared_ptr<CAnalysisTableDoc> ShowCorrelationMatrix();
 
+  // The correlation matrix can be saved.
+  std::string_view WithoutMeaning(DispatchId resultsMember) const override;
+
   // Makes a distribution the person's own of the variable, which is then simulated from it.
   void TakeOwn(DesignedVariable& variable, DistributionSpecification own);
 

@@ -17,6 +17,7 @@
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/saved_fits.h"
 #include "brv_sra/simulation/simulation_run.h"
+#include "host/automation/dialog_interface.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -74,10 +75,7 @@ Variant GetSavedFits(Dialog& dialog, Indexes) {
 
 // Takes a spreadsheet; nothing takes the matrix away.
 void PutCorrelationMatrix(Dialog& dialog, Indexes, const Variant& value) {
-  if (value.IsEmpty()) {
-    dialog.SimulationAndRisk().Simulation().matrix.reset();
-    return;
-  }
+  if (value.IsEmpty()) return dialog.ChooseMatrix({});
   const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(value.ToObject());
   if (document == nullptr || !document->HasTable()) throw Error("expected a spreadsheet");
   dialog.SetCorrelationMatrix(document->Table());
@@ -88,8 +86,23 @@ constexpr Member Method(std::string_view name) {
   return Member{name, GetChecked<Dialog, Control>, PutChosen<Dialog, Control>}.AsChoice();
 }
 
-// The last three have no control; they follow the last member of the interface.
-constexpr std::array<Member, 15> kMembers{{
+Variant GetExcluded(Dialog& dialog, Indexes) {
+  return dialog.Analysis().dsplst(dialog.SimulationAndRisk().Simulation().options.excluded);
+}
+void PutExcluded(Dialog& dialog, Indexes, const Variant& value) {
+  if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
+  dialog.Exclude(VariableNumbers(value, dialog.GetInputTable()->VariableCount()));
+}
+
+Variant GetMatrixName(Dialog& dialog, Indexes) {
+  return dialog.SimulationAndRisk().Simulation().options.matrix;
+}
+void PutMatrixName(Dialog& dialog, Indexes, const Variant& value) {
+  dialog.ChooseMatrix(value.ToText());
+}
+
+// Those from CorrelationMatrix on are no members that macros knew from the start; they follow the others.
+constexpr std::array<Member, 18> kMembers{{
     {"Variables", GetVariables, PutVariables},
     Method<kMonteCarlo>("MonteCarloMethod"),
     Method<kLatinHypercube>("LHSMethod"),
@@ -105,6 +118,9 @@ constexpr std::array<Member, 15> kMembers{{
     {"CorrelationMatrix", GetCorrelationMatrix, PutCorrelationMatrix},
     {"SimulationFile", GetSimulationFile, nullptr},
     {"SavedFits", GetSavedFits, nullptr},
+    {"ExcludedVariables", GetExcluded, PutExcluded},
+    {"UseFittedDistributions", GetChecked<Dialog, kUseFitted>, PutChecked<Dialog, kUseFitted>},
+    {"CorrelationMatrixName", GetMatrixName, PutMatrixName},
 }};
 static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
 
@@ -139,7 +155,9 @@ CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& ana
                                                 "CSimulationFromDistribution", kMembers);
 }
 
+// An input that is a matrix file is the correlation matrix as well.
 void CSimulationFromDistribution::OnInitDialog() {
+  SimulationAndRisk().ValidateInputMatrixFile();
   SimulationOptions& options = Options();
   const CSimulationAndRisk::NumericDefaults& defaults = SimulationAndRisk().Defaults();
   if (options.numberOfSamples == 0) options.numberOfSamples = defaults.numberOfSamples;
@@ -152,20 +170,46 @@ void CSimulationFromDistribution::OnInitDialog() {
   Controls().SetText(kSeed, ShortestNumber(options.seed));
   Controls().SetChecked(kTruncate, options.truncate);
   Controls().SetChecked(kAutoUpdate, options.autoUpdate);
+  Controls().SetChecked(kUseFitted, options.source == ParameterSource::kFitted);
+  ListMatrices();
   for (const MethodButton& button : kMethodButtons) {
     if (button.method == options.method) Controls().SetChecked(button.control, true);
   }
   ShowVariables();
 }
 
+std::string_view CSimulationFromDistribution::WithoutMeaning(DispatchId resultsMember) const {
+  const bool hasOne = resultsMember == common_member::kResultsVariables ||
+                      resultsMember == common_member::kResultsSaveFileName;
+  return hasOne ? "" : "the dialog makes simulated data, whose results are made by the next one";
+}
+
+void CSimulationFromDistribution::PutResultsVariables(const Variant& variables) {
+  PutVariables(*this, {}, variables);
+}
+
 void CSimulationFromDistribution::ShowVariables() {
   const auto& variables = Options().variables;
   Controls().SetText(kVariableList,
                      variables.empty() ? szLoadResString(kFitListEmpty) : Analysis().dsplst(variables));
+  const auto& excluded = Options().excluded;
+  Controls().SetText(
+      kLeftOutList, excluded.empty() ? szLoadResString(kSimulationNoneLeftOut) : Analysis().dsplst(excluded));
+}
+
+void CSimulationFromDistribution::ListMatrices() {
+  std::vector<std::string> names{szLoadResString(kSimulationMatrixOfInput)};
+  if (Analysis().Document() != nullptr) {
+    for (std::string& name : Analysis().Document()->MatrixNames()) names.push_back(std::move(name));
+  }
+  const auto found = std::ranges::find(names, Options().matrix);
+  Controls().SetItems(kMatrix, names);
+  Controls().Select(kMatrix, found == names.end() ? 0 : static_cast<int>(found - names.begin()));
 }
 
 bool CSimulationFromDistribution::OnCommand(std::int32_t number) {
   if (number == kVariables) return AskForVariables();
+  if (number == kLeaveOut) return AskForExcluded();
   if (number == kSimulate) return ValidateAndRun() != Outcome::kFailed;
   return CSimulationAndRiskModelessDialog::OnCommand(number);
 }
@@ -179,20 +223,65 @@ void CSimulationFromDistribution::OnControlChanged(std::int32_t number) {
   if (number == kSeedSwitch) options.seeded = Controls().IsChecked(kSeedSwitch);
   if (number == kTruncate) options.truncate = Controls().IsChecked(kTruncate);
   if (number == kAutoUpdate) options.autoUpdate = Controls().IsChecked(kAutoUpdate);
+  if (number == kUseFitted)
+    options.source =
+        Controls().IsChecked(kUseFitted) ? ParameterSource::kFitted : ParameterSource::kUserSpecified;
+  if (number == kMatrix) TakeMatrixChoice();
+}
+
+// A matrix that cannot be used leaves the former choice.
+void CSimulationFromDistribution::TakeMatrixChoice() {
+  const int place = Controls().Selection(kMatrix);
+  const std::string name =
+      place > 0 ? Controls().At(kMatrix).items[static_cast<std::size_t>(place)] : std::string();
+  Attempt([&] { ChooseMatrix(name); });
+  ListMatrices();
+}
+
+void CSimulationFromDistribution::ChooseMatrix(const std::string& name) {
+  SimulationState& state = SimulationAndRisk().Simulation();
+  if (name.empty()) {
+    state.matrix.reset();
+  } else {
+    if (Analysis().Document() == nullptr) throw Error("no matrix can be found here", name);
+    SetCorrelationMatrix(*Analysis().Document()->FindMatrix(name));
+  }
+  state.options.matrix = name;
+  ListMatrices();
 }
 
 bool CSimulationFromDistribution::AskForVariables() {
-  if (GetInputTable() == nullptr) return false;
+  const auto chosen = ChosenOf(Options().variables, kFitSelectVariables, kFitSelectContinuous);
+  return chosen && Attempt([&] { SelectVariables(*chosen); });
+}
+
+bool CSimulationFromDistribution::AskForExcluded() {
+  const auto chosen = ChosenOf(Options().excluded, kSimulationSelectLeftOut, 0);
+  return chosen && Attempt([&] { Exclude(*chosen); });
+}
+
+std::optional<std::vector<std::int16_t>> CSimulationFromDistribution::ChosenOf(
+    const std::vector<std::int16_t>& present, std::int32_t caption, std::int32_t listCaption) const {
+  if (GetInputTable() == nullptr) return std::nullopt;
   VariableQuestion question;
-  question.caption = szLoadResString(kFitSelectVariables);
-  question.firstListCaption = szLoadResString(kFitSelectContinuous);
+  question.caption = szLoadResString(caption);
+  question.firstListCaption = szLoadResString(listCaption);
   for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
     question.names.push_back(GetInputTable()->VariableAt(i).Name());
   }
-  question.first = Options().variables;
-  if (!Analysis().Interface().SelectVariables(question)) return false;
-  SelectVariables(question.first);
-  return true;
+  question.first = present;
+  if (!Analysis().Interface().SelectVariables(question)) return std::nullopt;
+  return question.first;
+}
+
+void CSimulationFromDistribution::Exclude(const std::vector<std::int16_t>& variables) {
+  const auto& simulated = Options().variables;
+  for (const std::int16_t number : variables) {
+    if (std::ranges::find(simulated, number) == simulated.end())
+      throw Error("variable " + Analysis().get_vn(number) + " is not simulated", GetInputTable()->Name());
+  }
+  Options().excluded = variables;
+  ShowVariables();
 }
 
 void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t>& variables) {
@@ -204,17 +293,23 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
     }
   }
   Options().variables = variables;
+  std::erase_if(Options().excluded,
+                [&](std::int16_t number) { return std::ranges::find(variables, number) == variables.end(); });
   ShowVariables();
 }
 
-void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
+MatrixFile CSimulationFromDistribution::ReadGivenMatrix(const Spreadsheet& sheet) const {
   Result<MatrixFile> read = ReadMatrixFile(sheet);
-  if (!read) {
-    std::string why = MessageOf(read.Reason()).text;
-    if (why.empty()) why = "is not a matrix file";
-    throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
-  }
-  SimulationAndRisk().Simulation().matrix = *std::move(read);
+  if (read) return *std::move(read);
+  std::string why = MessageOf(read.Reason()).text;
+  if (why.empty()) why = "is not a matrix file";
+  throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
+}
+
+void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
+  SimulationAndRisk().Simulation().matrix = ReadGivenMatrix(sheet);
+  Options().matrix.clear();
+  ListMatrices();
 }
 
 // The method that produces nothing succeeds and leaves the dialog open.
@@ -241,7 +336,7 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
     if (run) {
       auto summary =
           std::make_shared<CAnalysisTableDoc>(SummarySheet(MethodTitle(Options().method), *std::move(run)));
-      Analysis().Interface().ShowDocument(summary);
+      Present(summary);
       return summary;
     }
     ShowFault(Analysis(), run.Reason());
@@ -328,15 +423,19 @@ bool CSimulationFromDistribution::ValidateSeed() {
   return false;
 }
 
-const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() const {
+const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() {
   const SimulationState& state = SimulationAndRisk().Simulation();
   if (state.matrix) return &*state.matrix;
   const MatrixState& input = SimulationAndRisk().Matrix();
   if (input.attached) return &input.file;
-  return input.saved ? &*input.saved : nullptr;
+  if (input.saved) return &*input.saved;
+  const auto sheet = Analysis().Document()->FindMatrix({});
+  if (sheet == nullptr) return nullptr;
+  found_ = ReadGivenMatrix(*sheet);
+  return &*found_;
 }
 
-bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) const {
+bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) {
   const MatrixFile* file = CorrelationMatrix();
   if (file == nullptr) {
     // One variable has nothing to be correlated with.
@@ -400,9 +499,10 @@ void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output
   if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     output->SetName(state.output->Table().Name());
     state.output->Table() = std::move(*output);
-    return;
+    return SaveRequested(state.output);
   }
   state.output = std::make_shared<CAnalysisTableDoc>(std::move(output));
+  SaveRequested(state.output);  // who is shown it may take the table
   const ResultsToWorkbookOff off(*Analysis().Document());
   Analysis().Interface().ShowDocument(state.output);
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,8 +22,16 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
 
   // The variables to simulate, numbered from 1. Throws Error for one without distribution properties.
   void SelectVariables(const std::vector<std::int16_t>& variables);
+  // Those of them that take no part. Throws Error for one that is not simulated.
+  void Exclude(const std::vector<std::int16_t>& variables);
+  // The correlation matrix by its name beside the input; that of the input for an empty name. Throws Error where there
+  // is none.
+  void ChooseMatrix(const std::string& name);
   // The correlation matrix of the design, read from a matrix sheet. Throws Error for any other sheet.
   void SetCorrelationMatrix(const Spreadsheet& sheet);
+  // The variables are those of the member Variables; the simulated data can be saved.
+  std::string_view WithoutMeaning(DispatchId resultsMember) const override;
+  void PutResultsVariables(const Variant& variables) override;
   // Validates, runs, shows the new spreadsheet and returns it; the dialog stays. Null for the method that
   // produces nothing. Throws Error when a check or the run fails, which has then said why.
   std::shared_ptr<CAnalysisTableDoc> SimulationResults();
@@ -43,6 +52,14 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
  private:
   SimulationOptions& Options() { return SimulationAndRisk().Simulation().options; }
   bool AskForVariables();
+  bool AskForExcluded();
+  // The variables that a person chooses in place of the present ones; nothing if they cancelled.
+  std::optional<std::vector<std::int16_t>> ChosenOf(const std::vector<std::int16_t>& present,
+                                                    std::int32_t caption, std::int32_t listCaption) const;
+  void ListMatrices();
+  void TakeMatrixChoice();
+  // Throws Error for a sheet that is no matrix file.
+  MatrixFile ReadGivenMatrix(const Spreadsheet& sheet) const;
   void ShowVariables();
   enum class Outcome : std::uint8_t { kFailed, kNothing, kProduced };
 
@@ -53,10 +70,11 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   bool ValidateNumberOfSamples(OutputLimit limit);
   bool ValidateSeed();
   Outcome ValidateAndRun();
-  // The given matrix, or the input if it is one, or the one saved with fits of the input; null without any.
-  const MatrixFile* CorrelationMatrix() const;
+  // The given matrix, or the input if it is one, or the one saved with fits of the input, in this analysis or beside it;
+  // null without any. Throws Error for one that is not valid.
+  const MatrixFile* CorrelationMatrix();
   // Gives the design its correlations by name; a message, and false, if there are none.
-  bool AttachCorrelations(SimulationDesign& design) const;
+  bool AttachCorrelations(SimulationDesign& design);
   Outcome Run();
   Result<SampleSummaries> RunInPieces(const std::filesystem::path& file);
   // Shows what a run failed by.
@@ -67,6 +85,8 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   void ShowOutput(std::unique_ptr<Spreadsheet> output);
   // The message about a repaired matrix, and the matrix as a document.
   void ShowRepair(const SimulatedCorrelations& correlations);
+
+  std::optional<MatrixFile> found_;  // the matrix that was last found beside the input
 };
 
 }  // namespace brenvolt::sra

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_memory.h"
@@ -261,6 +263,124 @@ TEST_F(SimulationDialog, CancelAtAnyMomentLeavesEverythingAsItWas) {
     EXPECT_GT(cancelled, 1);
   }
   EXPECT_EQ(folder.Names(), (std::vector<std::string>{"a.csv", "b.csv", "c.npz", "d.npz"}));
+}
+
+// A variable that takes no part is drawn as little as one that is not selected.
+TEST_F(SimulationDialog, ExcludedVariablesLeaveTheOthersAsTheyAreAlone) {
+  sheet.VariableAt(1).SetProperty("zOrder", "Weibull;");
+  sheet.VariableAt(1).SetProperty("Weibull", "(Scale=3.0; Shape=2.0; Offset=0)");
+  for (const char* method : {"MonteCarloMethod", "LHSwithImanMethod"}) {
+    std::vector<std::string> texts;
+    for (const bool excludes : {true, false}) {
+      Dialog().Put("Variables", excludes ? "1-3" : "1 3");
+      if (excludes) Dialog().Put("ExcludedVariables", 2);
+      Dialog().Put(method, true);
+      PutMatrix(Matrix({"Var1", "Var3"}, 0.6));
+      const auto output =
+          std::dynamic_pointer_cast<CAnalysisTableDoc>(Dialog().Get("SimulationResults").ToObject());
+      ASSERT_EQ(output->Table().VariableCount(), 2U);
+      texts.push_back(CsvText(output->Table(), {}));
+    }
+    EXPECT_EQ(texts[0], texts[1]) << method;
+  }
+  EXPECT_EQ(Dialog().Get("ExcludedVariables").ToText(), "") << "it is not selected any more";
+  EXPECT_THROW(Dialog().Put("ExcludedVariables", 2), Error);
+  Dialog().Put("ExcludedVariables", "1 3");
+  EXPECT_EQ(Ok(), 0) << "nothing is left";
+}
+
+TEST_F(SimulationDialog, FittedSourceTakesBoundsAway) {
+  for (std::size_t v = 0; v < 3; ++v) sheet.VariableAt(v).SetProperty("zTruncProp", "(1; 0; 1; 0)");
+  for (const bool fitted : {false, true}) {
+    Dialog().Put("UseFittedDistributions", fitted);
+    const auto output =
+        std::dynamic_pointer_cast<CAnalysisTableDoc>(Dialog().Get("SimulationResults").ToObject());
+    EXPECT_EQ(std::ranges::min(output->Table().VariableAt(0).Values()) < 1, fitted);
+  }
+}
+
+// The matrix beside the input is followed, another one is chosen by name, by members and by controls.
+TEST_F(SimulationDialog, MatrixIsFoundBesideTheInputAndChosen) {
+  std::vector<std::string> asked;
+  const auto find = [&](const Spreadsheet&, const std::string& name) -> std::unique_ptr<Spreadsheet> {
+    asked.push_back(name);
+    if (name == "faulty") return std::make_unique<Spreadsheet>("faulty", 3, 3);
+    return std::make_unique<Spreadsheet>(Matrix({"Var1", "Var2", "Var3"}, name.empty() ? 0.2 : 0.8)->Table());
+  };
+  document.SetMatrixSource({[] { return std::vector<std::string>{"What if", "faulty"}; }, find});
+  analysis->RunSequenceStep(step::kSimulation);
+  Dialog().Put("ImanConoverMethod", true);
+  const auto reached = [&] {
+    EXPECT_EQ(Ok(), 1);
+    const double used = analysis->Simulation().correlations->Used()[1];
+    analysis->RunSequenceStep(step::kSimulation);
+    return used;
+  };
+  EXPECT_EQ(reached(), 0.2);
+  EXPECT_EQ(asked, std::vector<std::string>{""});
+  Dialog().Put("CorrelationMatrixName", "What if");
+  EXPECT_EQ(reached(), 0.8);
+  const std::int32_t list = simulation_dialog::kMatrix;
+  EXPECT_EQ(analysis->GetDialog()->Controls().Selection(list), 1) << "it is kept";
+  EXPECT_TRUE(analysis->GetDialog()->Select(list, 2));
+  EXPECT_EQ(Said(), std::vector<std::string>{kMatrixText});
+  EXPECT_EQ(Dialog().Get("CorrelationMatrixName").ToText(), "What if") << "the faulty one is not taken";
+  EXPECT_TRUE(analysis->GetDialog()->Select(list, 0));
+  EXPECT_EQ(reached(), 0.2);
+}
+
+// A matrix sheet whose variables have distributions is all that a correlated simulation needs.
+TEST_F(SimulationDialog, MatrixSheetAsInputIsItsOwnMatrix) {
+  const auto matrix = Matrix({"Var1", "Var2", "Var3"}, 0.7);
+  for (std::size_t v = 0; v < 3; ++v) {
+    for (const auto& [key, value] : sheet.VariableAt(v).Properties())
+      matrix->Table().VariableAt(v).SetProperty(key, value);
+  }
+  document.SetInputTable(&matrix->Table());
+  Options().variables.clear();
+  analysis->RunSequenceStep(step::kSimulation);
+  Dialog().Put("LHSwithImanMethod", true);
+  EXPECT_EQ(Ok(), 1);
+  EXPECT_EQ(analysis->Simulation().correlations->Used()[1], 0.7);
+}
+
+// What can be wrong with a matrix says so, and nothing is simulated.
+TEST_F(SimulationDialog, OddMatricesAreRefusedByNameAndPlace) {
+  const auto changed = [](std::size_t row, std::size_t column, double value) {
+    const auto matrix = Matrix({"Var1", "Var2", "Var3"}, 0.5);
+    matrix->Table().VariableAt(column).MutableValues()[row] = value;
+    return matrix;
+  };
+  const double missing = GetDefaultMDValue();
+  const struct {
+    const char* what;
+    std::shared_ptr<CAnalysisTableDoc> matrix;
+  } refused[] = {{"beyond 1", changed(1, 0, 1.01)},          {"below -1", changed(2, 1, -1.01)},
+                 {"missing", changed(2, 0, missing)},        {"the diagonal", changed(1, 1, 0.9)},
+                 {"a missing mean", changed(3, 2, missing)}, {"a missing deviation", changed(4, 0, missing)},
+                 {"no valid case", changed(5, 0, 0)},        {"a covariance", changed(6, 0, 2)},
+                 {"another type", changed(6, 0, 5)}};
+  Dialog().Put("ImanConoverMethod", true);
+  for (const auto& row : refused) {
+    EXPECT_THROW(PutMatrix(row.matrix), Error) << row.what;
+    EXPECT_TRUE(Dialog().Get("CorrelationMatrix").IsEmpty()) << row.what;
+  }
+  const struct {
+    std::vector<std::string> names;
+    double correlation;
+    bool runs;
+  } rows[] = {{{"Var3", "Var2", "Var1", "more"}, 0.5, true},
+              {{"Var1", "Var2"}, 0.5, false},
+              {{"Var1", "Var2", "Var3", "Var3"}, 0.5, false},
+              {{"Var1", "Var2", "Var3"}, 1, true},
+              {{"Var1", "Var2", "Var3"}, -0.9, true}};
+  for (const auto& row : rows) {
+    PutMatrix(Matrix(row.names, row.correlation));
+    const std::size_t shown = userInterface.documents.size();
+    EXPECT_EQ(Ok() == 1, row.runs) << row.names.size() << " " << row.correlation;
+    EXPECT_EQ(userInterface.documents.size() > shown, row.runs);
+    analysis->RunSequenceStep(step::kSimulation);
+  }
 }
 
 }  // namespace
