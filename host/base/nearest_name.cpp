@@ -36,7 +36,8 @@ std::string NearestName(std::string_view written, std::span<const std::string> n
   constexpr std::size_t kLongest = 64;  // of a word that somebody mistyped
   if (written.empty() || written.size() > kLongest) return {};
   std::string nearest;
-  std::size_t least = (std::max<std::size_t>(written.size(), 3) + 2) / 3 + 1;
+  // One letter for another is no slip: with a single letter wrong, nothing is left to know the name by.
+  std::size_t least = std::min((std::max<std::size_t>(written.size(), 3) + 2) / 3 + 1, written.size());
   for (const std::string& name : names) {
     const std::size_t distance = Distance(written, name);
     if (distance >= least) continue;

@@ -19,7 +19,8 @@ TEST(NearestName, ForgivesSlipsAndGuessesNothingElse) {
       {"cauchy", ""},
       {"", ""},
       {"wbl", ""},
-      {"y", "x"},
+      {"y", ""},
+      {"X", "x"},
   };
   for (const auto& row : rows) EXPECT_EQ(NearestName(row.written, names), row.nearest) << row.written;
   EXPECT_EQ(NearestName(std::string(1000, 'n'), names), "");

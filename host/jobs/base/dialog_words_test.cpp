@@ -10,6 +10,8 @@ TEST(DialogWords, DistributionsAreFoundAsPeopleWriteThem) {
                                                        {"Log-Normal", "lognormal"},
                                                        {"General Extreme Value", "generalextremevalue"},
                                                        {"GEV", "generalextremevalue"},
+                                                       {"mixture", "gaussianmixture"},
+                                                       {"Discrete", "histogram"},
                                                        {"Generalized Pareto", "generalpareto"}};
   for (const auto& [written, name] : names) {
     const FittedType* type = FindFittedType(written);

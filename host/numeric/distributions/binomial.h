@@ -9,6 +9,7 @@ struct Binomial {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kBinomial,
       .name = "Binomial",
+      .shortName = "binom",
       .isContinuous = false,
       .parameters = {{{"proportion", ParameterRange::kProportion}, {"trials", ParameterRange::kTrials}}},
       .curves = {"Binom", "iBinom"}};

@@ -14,6 +14,7 @@ struct GaussianMixture {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kGaussianMixture,
       .name = "GaussianMixture",
+      .shortName = "mixture",
       .isUserDefined = true,
       .parameters = {{{"proportion", ParameterRange::kProportion},
                       {"mean", ParameterRange::kFinite},

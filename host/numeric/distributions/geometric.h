@@ -10,6 +10,7 @@ struct Geometric {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kGeometric,
       .name = "Geometric",
+      .shortName = "geom",
       .isContinuous = false,
       .parameters = {{{"proportion", ParameterRange::kPositiveProportion}}},
       .curves = {"Geom", "iGeom"}};

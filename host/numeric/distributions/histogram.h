@@ -13,6 +13,7 @@ struct Histogram {
       .name = "Histogram",
       .longName = "Discrete",
       .macroName = "Discrete",
+      .shortName = "discrete",
       .isContinuous = false,
       .isUserDefined = true,
       .parameters = {{{"code", ParameterRange::kFinite}, {"proportion", ParameterRange::kProportion}}}};

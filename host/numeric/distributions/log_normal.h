@@ -11,6 +11,7 @@ struct LogNormal {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kLogNormal,
       .name = "LogNormal",
+      .shortName = "lognorm",
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"scale", ParameterRange::kFinite}, {"shape", ParameterRange::kPositive}}},
       .curves = {"Lognorm", "iLognorm"},

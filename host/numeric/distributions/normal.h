@@ -9,6 +9,7 @@ struct Normal {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kNormal,
       .name = "Normal",
+      .shortName = "norm",
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
       .curves = {"Normal", "iNormal"}};
 };

@@ -8,6 +8,7 @@ namespace brenvolt {
 struct Poisson {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kPoisson,
                                             .name = "Poisson",
+                                            .shortName = "pois",
                                             .isContinuous = false,
                                             .parameters = {{{"mean", ParameterRange::kPositive}}},
                                             .curves = {"Poisson", "iPoisson"}};

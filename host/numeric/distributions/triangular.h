@@ -8,6 +8,7 @@ namespace brenvolt {
 struct Triangular {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kTriangular,
                                             .name = "Triangular",
+                                            .shortName = "triang",
                                             .parameters = {{{"min", ParameterRange::kFinite},
                                                             {"max", ParameterRange::kFinite},
                                                             {"mode", ParameterRange::kFinite}}},
