@@ -799,7 +799,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"import", "ragged.csv", "-o", "good.bvw"}, 1, "ragged.csv, line 3"},
       {{"import", "mirror.csv", "-o", "good.bvw"},
        1,
-       "the matrix is not symmetric: 0.26 here, 0.5 in row a (mirror.csv, row b, column a)"},
+       "the matrix is not symmetric: 0.26 in row b, column a, but 0.5 in row a, column b (mirror.csv)"},
       {{"import", "weights.csv", "-o", "good.bvw", "--kind", "matrix"}, 1, "is not a matrix"},
       {{"import", "weights.csv", "-o", "good.bvw", "--kind", "graph"}, 2, "--kind"},
   };

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
+#include <vector>
 
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
@@ -27,50 +29,85 @@ std::string_view TextAt(const Variable& variable, std::size_t row) {
                                  : variable.Label(variable.Values()[row]).value_or(std::string_view());
 }
 
-// A table whose first variable names the rows, checked step by step.
+// The names of the rows, which may be numbers; of none, those of the columns.
+std::vector<std::string> RowNames(const Spreadsheet& table, bool hasNames) {
+  std::vector<std::string> names;
+  const Variable& first = table.VariableAt(0);
+  for (std::size_t row = 0; row < table.CaseCount(); ++row) {
+    if (!hasNames) {
+      names.push_back(row < table.VariableCount() ? table.VariableAt(row).Name() : std::string());
+    } else if (first.Type() == VariableType::kText) {
+      names.emplace_back(TextAt(first, row));
+    } else {
+      names.push_back(first.IsMissing(row) ? std::string() : ShortestNumber(first.Values()[row]));
+    }
+  }
+  return names;
+}
+
+// A matrix in a table, checked step by step.
 class MatrixTable {
  public:
-  MatrixTable(const Spreadsheet& table, const std::string& file)
-      : table_(table), file_(file), size_(table.VariableCount() - 1) {}
+  MatrixTable(const Spreadsheet& table, const std::string& file, bool hasNames)
+      : table_(table),
+        file_(file),
+        first_(hasNames ? 1 : 0),
+        size_(table.VariableCount() - first_),
+        isPlain_(table.CaseCount() == size_),
+        rowNames_(RowNames(table, hasNames)) {}
 
   std::unique_ptr<Spreadsheet> Matrix() const {
     CheckRows();
     CheckNumbers();
     CheckCorrelations();
-    CheckSummaries();
+    if (!isPlain_) CheckSummaries();
     auto matrix = std::make_unique<Spreadsheet>(table_.Name());
     matrix->SetKind(SheetKind::kMatrix);
     matrix->SetTitle(std::string(kCorrelationMatrixTitle));
-    for (std::size_t c = 0; c < size_; ++c) matrix->AddVariable(Column(c));
-    for (std::size_t row = 0; row < table_.CaseCount(); ++row)
+    for (std::size_t c = 0; c < size_; ++c) matrix->AddVariable(WholeColumn(c));
+    for (std::size_t row = 0; row < size_ + kMatrixSummaryRows; ++row)
       matrix->SetCaseName(row, std::string(ExpectedName(row)));
     return matrix;
   }
 
  private:
-  const Variable& Column(std::size_t c) const { return table_.VariableAt(c + 1); }
+  const Variable& Column(std::size_t c) const { return table_.VariableAt(c + first_); }
   double Value(std::size_t row, std::size_t c) const { return Column(c).Values()[row]; }
-  std::string_view RowName(std::size_t row) const { return TextAt(table_.VariableAt(0), row); }
+  const std::string& RowName(std::size_t row) const { return rowNames_[row]; }
   std::string_view ExpectedName(std::size_t row) const {
     return row < size_ ? std::string_view(Column(row).Name()) : kSummaryNames[row - size_];
   }
   [[noreturn]] void Fail(const std::string& what) const { throw Error(what, file_); }
   [[noreturn]] void Fail(const std::string& what, std::size_t row, std::size_t c) const {
-    throw Error(what, file_ + ", row " + std::string(RowName(row)) + ", column " + Column(c).Name());
+    throw Error(what, file_ + ", row " + RowName(row) + ", column " + Column(c).Name());
+  }
+
+  // The column with the lower triangle mirrored, and with the summaries that a plain table leaves out.
+  Variable WholeColumn(std::size_t c) const {
+    Variable column = Column(c);
+    std::vector<double> values(column.Values().begin(), column.Values().end());
+    for (std::size_t row = 0; row < c; ++row) values[row] = Value(c, row);
+    if (isPlain_) {
+      const double others = c == 0 ? 1.0 : column.MissingCode();
+      values.insert(values.end(), {0.0, 1.0, others, c == 0 ? kCorrelationMatrixType : others});
+    }
+    column.AssignValues(std::move(values));
+    return column;
   }
 
   void CheckRows() const {
-    const std::size_t expected = size_ + kMatrixSummaryRows;
+    const std::size_t expected = isPlain_ ? size_ : size_ + kMatrixSummaryRows;
     for (std::size_t row = 0; row < std::min(expected, table_.CaseCount()); ++row) {
-      const std::string_view name = RowName(row);
+      const std::string& name = RowName(row);
       if (name == ExpectedName(row) || (row + 1 == expected && name == kMarkedType)) continue;
-      Fail("row " + std::to_string(row + 1) + " of the matrix is called \"" + std::string(name) + "\", not " +
+      Fail("row " + std::to_string(row + 1) + " of the matrix is called \"" + name + "\", not " +
            std::string(ExpectedName(row)));
     }
     if (table_.CaseCount() == expected) return;
     Fail("the table has " + std::to_string(table_.CaseCount()) + " rows; a matrix of " +
-         std::to_string(size_) + " variables has " + std::to_string(expected) +
-         ", the last ones Means, Std.Dev., No.Cases and Matrix");
+         std::to_string(size_) + " variables has " + std::to_string(size_) + ", or " +
+         std::to_string(size_ + kMatrixSummaryRows) +
+         " with Means, Std.Dev., No.Cases and Matrix at the end");
   }
 
   void CheckNumbers() const {
@@ -86,9 +123,14 @@ class MatrixTable {
   }
 
   void CheckCorrelations() const {
+    std::vector<std::string> names;
     for (std::size_t row = 0; row < size_; ++row) {
+      names.push_back(Column(row).Name());
       for (std::size_t c = 0; c < size_; ++c) CheckCorrelation(row, c);
     }
+    const auto asymmetry =
+        AsymmetryIn(names, [this](std::size_t row, std::size_t c) { return Value(row, c); });
+    if (asymmetry) Fail(*asymmetry);
   }
 
   void CheckCorrelation(std::size_t row, std::size_t c) const {
@@ -97,11 +139,6 @@ class MatrixTable {
     if (!IsCorrelation(value, Column(c).MissingCode(), row == c)) {
       Fail(row == c ? "the correlation of a variable with itself is not 1"
                     : "a correlation is not between -1 and 1",
-           row, c);
-    }
-    if (c < row && value != Value(c, row)) {
-      Fail("the matrix is not symmetric: " + ShortestNumber(value) + " here, " +
-               ShortestNumber(Value(c, row)) + " in row " + Column(c).Name(),
            row, c);
     }
   }
@@ -120,7 +157,10 @@ class MatrixTable {
 
   const Spreadsheet& table_;
   const std::string& file_;
+  std::size_t first_;  // the place of the first column of numbers
   std::size_t size_;
+  bool isPlain_;  // without the summary rows
+  std::vector<std::string> rowNames_;
 };
 
 }  // namespace
@@ -159,13 +199,30 @@ bool LooksLikeMatrixTable(const Spreadsheet& table) {
   return static_cast<std::size_t>(signs) >= kSignsNeeded;
 }
 
+std::optional<std::string> AsymmetryIn(std::span<const std::string> names,
+                                       const std::function<double(std::size_t, std::size_t)>& entry) {
+  const auto text = [&](std::size_t row, std::size_t column) {
+    return ShortestNumber(entry(row, column)) + " in row " + names[row] + ", column " + names[column];
+  };
+  for (std::size_t row = 0; row < names.size(); ++row) {
+    for (std::size_t column = 0; column < row; ++column) {
+      if (std::abs(entry(row, column) - entry(column, row)) > kMirrorTolerance)
+        return "the matrix is not symmetric: " + text(row, column) + ", but " + text(column, row);
+    }
+  }
+  return std::nullopt;
+}
+
 std::unique_ptr<Spreadsheet> MatrixFromTable(const Spreadsheet& table, const std::string& file) {
-  if (table.VariableCount() < 2 || table.VariableAt(0).Type() != VariableType::kText)
+  const std::size_t columns = table.VariableCount();
+  const bool hasNames =
+      columns > 0 && (table.VariableAt(0).Type() == VariableType::kText || columns == table.CaseCount() + 1);
+  if (columns < 2 || (!hasNames && columns != table.CaseCount()))
     throw Error(
         "the file is not a matrix: the first column must name the rows and the other columns must hold "
         "numbers",
         file);
-  return MatrixTable(table, file).Matrix();
+  return MatrixTable(table, file, hasNames).Matrix();
 }
 
 }  // namespace brenvolt

@@ -7,7 +7,10 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -53,10 +56,18 @@ bool IsCorrelation(double value, double missingCode, bool onDiagonal);
 // rows.
 bool LooksLikeMatrixTable(const Spreadsheet& table);
 
-// The matrix file in a table whose first variable, whatever it is called, names the rows. Throws Error whose
-// where() names `file` with the row and column at fault, unless the table has exactly the rows of a matrix of
-// its variables, in order and under their names, its type is 1, its correlations are correlations and
-// symmetric, and no mean, standard deviation or number of cases is missing.
+// What speaks against a matrix, "0.5 in row a, column b" and its mirror: two mirrored entries that differ by more than
+// rounding leaves in the last digits of a text (kMirrorTolerance). `entry` gives those of a row and column.
+inline constexpr double kMirrorTolerance = 1e-9;
+std::optional<std::string> AsymmetryIn(std::span<const std::string> names,
+                                       const std::function<double(std::size_t, std::size_t)>& entry);
+
+// The matrix file in a table whose first variable, whatever it is called, names the rows. The summary rows may be left
+// out, all four: the means are then 0, the standard deviations 1, and there is one case. Then the first variable may be
+// left out, too, where the rows stand in the order of the columns. Mirrored entries that differ by rounding become those
+// of the lower triangle. Throws Error whose where() names `file` with the row and column at fault, unless the table has
+// exactly the rows of a matrix of its variables, in order and under their names, its type is 1, its correlations are
+// correlations and symmetric, and no mean, standard deviation or number of cases is missing.
 std::unique_ptr<Spreadsheet> MatrixFromTable(const Spreadsheet& table, const std::string& file);
 
 }  // namespace brenvolt

@@ -66,12 +66,14 @@ TEST(MatrixSheet, DamagedTextIsRefusedWithItsRowAndColumn) {
       {"Matrix,1,", ",1,", "row 6 of the matrix is called \"\", not Matrix", "m.csv"},
       {"No.Cases,42,\n", "", "row 5 of the matrix is called \"Matrix\", not No.Cases", "m.csv"},
       {"No.Cases,42,\nMatrix,1,\n", "",
-       "the table has 4 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and "
-       "Matrix",
+       "the table has 4 rows; a matrix of 2 variables has 2, or 6 with Means, Std.Dev., No.Cases and Matrix "
+       "at the "
+       "end",
        "m.csv"},
       {"Matrix,1,\n", "Matrix,1,\nMore,1,1\n",
-       "the table has 7 rows; a matrix of 2 variables has 6, the last ones Means, Std.Dev., No.Cases and "
-       "Matrix",
+       "the table has 7 rows; a matrix of 2 variables has 2, or 6 with Means, Std.Dev., No.Cases and Matrix "
+       "at the "
+       "end",
        "m.csv"},
       {"a,1,0.25", "a,1,0.25x", "\"0.25x\" is not a number", "m.csv, row a, column b"},
       {"a,1,0.25", "a,1,", "a correlation is missing", "m.csv, row a, column b"},
@@ -79,7 +81,8 @@ TEST(MatrixSheet, DamagedTextIsRefusedWithItsRowAndColumn) {
       {"a,1,", "a,0.99,", "the correlation of a variable with itself is not 1", "m.csv, row a, column a"},
       {"b,0.25,", "b,-1.001,", "a correlation is not between -1 and 1", "m.csv, row b, column a"},
       {"b,0.25,", "b,inf,", "a correlation is not between -1 and 1", "m.csv, row b, column a"},
-      {"b,0.25,", "b,0.5,", "the matrix is not symmetric: 0.5 here, 0.25 in row a", "m.csv, row b, column a"},
+      {"b,0.25,", "b,0.5,",
+       "the matrix is not symmetric: 0.5 in row b, column a, but 0.25 in row a, column b", "m.csv"},
       {"10,20", "10,", "a mean is missing", "m.csv, row Means, column b"},
       {"0.1,3", ",3", "a standard deviation is missing", "m.csv, row Std.Dev., column a"},
       {"42", "0.5", "the number of cases is not at least 1", "m.csv, row No.Cases, column a"},
@@ -102,7 +105,7 @@ TEST(MatrixSheet, DamagedTextIsRefusedWithItsRowAndColumn) {
 
 TEST(MatrixSheet, DataAreNotTakenForAMatrix) {
   for (const char* text : {
-           "a,b\n1,0.5\n0.5,1\n",                     // no names of rows
+           "a,b\n1,0.5\n0.5,1\n0,0\n",                // no names of rows
            "film,year\nMatrix,1999\nMemento,2000\n",  // one name by chance
            "name,a\na,1\nb,2\n",                      // a single column's name
            "name,a,b\na,1,2\nc,1,2\n",
@@ -112,6 +115,31 @@ TEST(MatrixSheet, DataAreNotTakenForAMatrix) {
     EXPECT_FALSE(LooksLikeMatrixTable(table)) << text;
     EXPECT_FALSE(IsMatrixSheet(table)) << text;
     EXPECT_THROW(MatrixFromTable(table, "t.csv"), Error) << text;
+  }
+}
+
+// A square of correlations alone, with and without names of its rows, as other programs write it: names of numbers
+// come as numbers, and mirrored entries may differ in the last digits that were printed.
+TEST(MatrixSheet, PlainSquareGetsTheSummaryRows) {
+  const std::string whole = ",7,b\n7,1,0.25\nb,0.25,1\nMeans,0,0\nStd.Dev.,1,1\nNo.Cases,1,\nMatrix,1,\n";
+  for (const char* text :
+       {",7,b\n7,1,0.25\nb,0.25,1\n", "7,b\n1,0.25\n0.25,1\n", ",7,b\n7,1.0,0.2500000003\nb,0.25,1.0\n"}) {
+    const auto matrix = Matrix(text);
+    EXPECT_TRUE(HasMatrixRows(*matrix)) << text;
+    EXPECT_EQ(CsvText(*matrix), whole) << text;
+  }
+  EXPECT_EQ(CsvText(*Matrix(",1,2\n1,1,0.5\n2,0.5,1\n")).substr(0, 24), ",1,2\n1,1,0.5\n2,0.5,1\nMea");
+  EXPECT_TRUE(LooksLikeMatrixTable(ReadCsvText(",a,b\na,1,0\nb,0,1\n", "m")));
+  for (const auto& [text, message] : {std::pair{",a,b\na,1,0.250000002\nb,0.25,1\n", "not symmetric"},
+                                      {",a,b\nb,1,0.25\na,0.25,1\n", "row 1 of the matrix is called"},
+                                      {",a,b\na,1,0.25\n", "has 1 rows; a matrix of 2"},
+                                      {"a,b\n1,0.25\n0.25,1\n0,0\n", "not a matrix"}}) {
+    try {
+      Matrix(text);
+      ADD_FAILURE() << "accepted: " << text;
+    } catch (const Error& error) {
+      EXPECT_NE(std::string(error.what()).find(message), std::string::npos) << error.what();
+    }
   }
 }
 

@@ -10,6 +10,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -23,16 +24,18 @@ bool IsEntry(double value) {
   return value <= 1 && (value >= -1 || AlmostEqual(value, -1)) && !IsNotSet(value);
 }
 
-void Check(std::span<const double> matrix, std::size_t k) {
+void Check(std::span<const double> matrix, std::span<const std::string> names) {
+  const std::size_t k = names.size();
   for (std::size_t i = 0; i < k; ++i) {
     if (!AlmostEqual(matrix[i * k + i], 1.0))
       Refuse("row " + std::to_string(i + 1) + " is not 1 with itself");
     for (std::size_t j = 0; j < k; ++j) {
       const std::string place = "row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
       if (!IsEntry(matrix[i * k + j])) Refuse(place + " is not a correlation");
-      if (!AlmostEqual(matrix[i * k + j], matrix[j * k + i])) Refuse(place + " differs from its mirror");
     }
   }
+  const auto entry = [&](std::size_t row, std::size_t column) { return matrix[row * k + column]; };
+  if (const auto asymmetry = AsymmetryIn(names, entry)) Refuse(*asymmetry);
 }
 
 std::vector<double> FromFile(const Spreadsheet& sheet, std::span<const std::string> names) {
@@ -118,9 +121,12 @@ std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::
   }
   if (matrix.size() != k * k)
     Refuse(std::to_string(matrix.size()) + " values for " + std::to_string(k) + " variables");
-  Check(matrix, k);
+  Check(matrix, names);
   for (double& entry : matrix) entry = std::max(entry, -1.0);
-  for (std::size_t i = 0; i < k; ++i) matrix[i * k + i] = 1.0;
+  for (std::size_t i = 0; i < k; ++i) {
+    matrix[i * k + i] = 1.0;
+    for (std::size_t j = 0; j < i; ++j) matrix[j * k + i] = matrix[i * k + j];
+  }
   return matrix;
 }
 

@@ -130,7 +130,7 @@ TEST_F(Desk, RefusedEntriesChangeNothing) {
       {kNames, 0, Texts({}), "a design has at least one variable"},
       {kNames, 0, Texts({"Var1", "Var1"}), "is there twice (variable Var1)"},
       {kNames, 0, Texts({"Var1", "z"}), "no numeric variable called z (sheet data)"},
-      {kValues, 0, Rows({{1, 0.4, 0}, {0.5, 1, 0}, {0, 0, 1}}), "differs from its mirror"},
+      {kValues, 0, Rows({{1, 0.4, 0}, {0.5, 1, 0}, {0, 0, 1}}), "the matrix is not symmetric"},
       {kValues, 0, Rows({{1, 1.5, 0}, {1.5, 1, 0}, {0, 0, 1}}), "is not a correlation"},
       {kValues, 0, Rows({{1, 0}, {0, 1}}), "a row has 2 values"},
       {kMeans, 0, Numbers({1, 2}), "2 values for 3 variables"},

@@ -22,6 +22,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/tables/csv.h"
+#include "host/tables/matrix_sheet.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt::sra {
@@ -298,9 +299,18 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
   ShowVariables();
 }
 
+void CSimulationFromDistribution::RequireSymmetric(const MatrixFile& file, const std::string& place) const {
+  const auto entry = [&file](std::size_t row, std::size_t c) { return file.correlations[row][c]; };
+  if (const auto asymmetry = AsymmetryIn(file.variables, entry))
+    throw Error(szLoadResString(kMsgSimulationFailedMatrix), place + *asymmetry);
+}
+
 MatrixFile CSimulationFromDistribution::ReadGivenMatrix(const Spreadsheet& sheet) const {
   Result<MatrixFile> read = ReadMatrixFile(sheet);
-  if (read) return *std::move(read);
+  if (read) {
+    RequireSymmetric(*read, "sheet " + sheet.Name() + ": ");
+    return *std::move(read);
+  }
   std::string why = MessageOf(read.Reason()).text;
   if (why.empty()) why = "is not a matrix file";
   throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
@@ -443,6 +453,7 @@ bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) {
     ShowMessage(kMsgSimulationNoMatrix);
     return false;
   }
+  RequireSymmetric(*file, {});
   DesignCorrelations correlations = CorrelationsByName(design, *file);
   for (const auto& [names, message] : {std::pair(&correlations.missing, kMsgMatrixLacksVariables),
                                        std::pair(&correlations.ambiguous, kMsgMatrixNamesRepeated)}) {

@@ -73,6 +73,8 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // The given matrix, or the input if it is one, or the one saved with fits of the input, in this analysis or beside it;
   // null without any. Throws Error for one that is not valid.
   const MatrixFile* CorrelationMatrix();
+  // Throws Error unless mirrored entries agree. `place` begins what it says of the fault.
+  void RequireSymmetric(const MatrixFile& file, const std::string& place) const;
   // Gives the design its correlations by name; a message, and false, if there are none.
   bool AttachCorrelations(SimulationDesign& design);
   Outcome Run();
