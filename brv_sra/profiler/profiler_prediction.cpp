@@ -14,6 +14,8 @@ namespace {
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 // Rows that one task predicts: a few blocks of the models, so that every core has some.
 constexpr std::size_t kRowsPerTask = 4096;
+// Rows that a function of the program takes at a time.
+constexpr std::size_t kRowsPerCall = 65536;
 
 // Makes what is not finite missing; returns how many values are missing.
 std::size_t TakeOutInfinite(std::span<double> column) {
@@ -145,7 +147,7 @@ std::vector<UnpredictedCases> ProfilerPrediction::PredictRows(
   for (const auto& place : use.dependents)
     outputs.push_back(place ? dependents[*place].subspan(begin, rows) : std::span<double>(unwanted));
   std::vector<UnpredictedCases> unpredicted(outputs.size());
-  use.model->Predict(inputs, outputs, {.labels = labels, .unpredicted = unpredicted});
+  use.model->Predict(inputs, outputs, {.labels = labels, .unpredicted = unpredicted, .firstCase = begin});
   std::vector<UnpredictedCases> wanted;
   for (std::size_t k = 0; k < outputs.size(); ++k) {
     if (use.dependents[k]) wanted.push_back(std::move(unpredicted[k]));
@@ -185,13 +187,24 @@ std::vector<UnpredictedCases> ProfilerPrediction::Carry(const Step& step,
     return {MissingInputs(step, columns, dependents[step.formula])};
   }
   const ModelUse& use = models_[*step.model];
-  const std::size_t tasks = (runs + kRowsPerTask - 1) / kRowsPerTask;
+  const std::size_t rows = use.model->IsFunction() ? kRowsPerCall : kRowsPerTask;
+  const std::size_t tasks = (runs + rows - 1) / rows;
   std::vector<std::vector<UnpredictedCases>> counted(tasks);
-  PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
-    cancelled.Poll();
-    const std::size_t begin = task * kRowsPerTask;
-    counted[task] = PredictRows(use, columns, dependents, begin, std::min(kRowsPerTask, runs - begin));
-  });
+  const auto predict = [&](std::size_t task) {
+    const std::size_t begin = task * rows;
+    counted[task] = PredictRows(use, columns, dependents, begin, std::min(rows, runs - begin));
+  };
+  if (use.model->IsFunction()) {
+    for (std::size_t task = 0; task < tasks; ++task) {
+      progress.Step(0);
+      predict(task);
+    }
+  } else {
+    PolledParallelFor(tasks, progress, [&](std::size_t task, const Cancellation& cancelled) {
+      cancelled.Poll();
+      predict(task);
+    });
+  }
   progress.Step(static_cast<std::int64_t>(runs * use.dependents.size()));
   std::vector<UnpredictedCases> unpredicted(Predicted(step).size());
   for (const std::vector<UnpredictedCases>& task : counted) {

@@ -27,6 +27,7 @@ struct PredictionModel::Content {
   std::vector<ModelField> predictors;
   std::vector<ModelField> dependents;
   std::vector<UnavailableOutput> unavailable;
+  std::shared_ptr<const ModelFunction> function;  // in place of a model of a file
 };
 
 namespace {
@@ -427,6 +428,7 @@ PredictionModel::PredictionModel(PredictionModel&&) noexcept = default;
 PredictionModel& PredictionModel::operator=(PredictionModel&&) noexcept = default;
 
 PredictionModel PredictionModel::Load(const std::filesystem::path& path) {
+  if (auto function = FindProvidedModel(path.string())) return FromFunction(std::move(function));
   const MappedFile file(path);
   return Parse(file.Text(), path.string());
 }
@@ -444,6 +446,25 @@ PredictionModel PredictionModel::Parse(std::string_view text, const std::string&
         {output.name, std::string(output.fault->what()) + " (" + output.fault->Where() + ")"});
   }
   return PredictionModel(std::move(content));
+}
+
+PredictionModel PredictionModel::FromFunction(std::shared_ptr<const ModelFunction> function) {
+  auto content = std::make_unique<Content>();
+  content->model = std::make_unique<ReadyModel>();
+  content->name = function->name;
+  for (const std::string& name : function->predictors) content->predictors.emplace_back().name = name;
+  for (const std::string& name : function->dependents) {
+    ModelField& field = content->dependents.emplace_back();
+    field.name = name;
+    field.isPredictor = false;
+  }
+  content->model->meanSquaredErrors.resize(function->dependents.size());
+  content->function = std::move(function);
+  return PredictionModel(std::move(content));
+}
+
+bool PredictionModel::IsFunction() const {
+  return content_->function != nullptr;
 }
 
 const std::string& PredictionModel::Name() const {
@@ -471,6 +492,7 @@ std::vector<UnavailableOutput> PredictionModel::UnavailableOutputs(const Spreads
 }
 
 std::optional<double> PredictionModel::ValueOf(std::size_t predictor, std::string_view text) const {
+  if (IsFunction()) return ParseNumber(text);
   return pmml::ParseValue(content_->model->predictors[predictor]->type, text);
 }
 
@@ -487,6 +509,7 @@ void PredictionModel::Predict(std::span<const std::span<const double>> predictor
   for (std::size_t k = 0; fits && k < predictors.size(); ++k)
     fits = predictors[k].size() == rows || (predictors[k].empty() && !content_->predictors[k].isUsed);
   if (!fits) throw Error("the columns are not those of the model", content_->name);
+  if (IsFunction()) return content_->function->predict(options.firstCase, predictors, dependents);
   TextPool pool(&model.pool);
   const std::vector<double> missing(rows, kMissing);
   std::vector<std::vector<double>> converted;

@@ -17,6 +17,7 @@
 #include <string_view>
 #include <vector>
 
+#include "host/models/model_function.h"
 #include "host/models/unpredicted_cases.h"
 #include "host/tables/spreadsheet.h"
 
@@ -83,20 +84,26 @@ struct PredictOptions {
   std::span<const std::map<double, std::string>* const> labels;
   // By dependent, why cases have no prediction is added to them. Empty: nothing is counted.
   std::span<UnpredictedCases> unpredicted;
+  std::size_t firstCase = 0;  // the number of the first case, for a function
 };
 
 class PredictionModel {
  public:
-  // Throws Error naming the file, and the line where the fault has one.
+  // Throws Error naming the file, and the line where the fault has one. A function that the program provides under the
+  // path (ProvidedModel) comes before a file.
   static PredictionModel Load(const std::filesystem::path& path);
   // The same over text in memory; `name` takes the place of the file in errors.
   static PredictionModel Parse(std::string_view text, const std::string& name);
+  // The model that a function is: all its fields are numbers.
+  static PredictionModel FromFunction(std::shared_ptr<const ModelFunction> function);
   ~PredictionModel();
   PredictionModel(PredictionModel&&) noexcept;
   PredictionModel& operator=(PredictionModel&&) noexcept;
 
   // The model's name in the file; the file's name without folder and ending if it has none.
   const std::string& Name() const;
+  // Whether it is a function, which takes one block of cases after the other.
+  bool IsFunction() const;
   // The active fields in the order of the mining schema.
   const std::vector<ModelField>& Predictors() const;
   // The targets that it predicts.
