@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "host/base/almost_equal.h"
@@ -30,5 +31,9 @@ struct PercentileEstimate {
   double coverage = kNotSet;  // the probability with which the interval, open where not set, holds it
 };
 PercentileEstimate EstimatePercentile(std::span<const double> sorted, double percent, double confidence);
+// The same of `count` values of which any order statistic is known by its rank from 0; it asks for at most four, always in
+// the same order. Not set where there are no values.
+PercentileEstimate EstimatePercentile(std::uint64_t count, double percent, double confidence,
+                                      const std::function<double(std::uint64_t rank)>& valueOf);
 
 }  // namespace brenvolt
