@@ -11,8 +11,9 @@ namespace {
 
 // The fields whose options have other names.
 const std::map<std::string, std::string, std::less<>> kOtherNames{
-    {"data", "DATA"},        {"fixed", "--fix"}, {"formulas", "--formula"},  {"models", "--model"},
-    {"offsets", "--offset"}, {"output", "-o"},   {"project", "PROJECT.bvw"}, {"specifications", "--spec"}};
+    {"data", "DATA"},      {"fixed", "--fix"},         {"formulas", "--formula"},
+    {"models", "--model"}, {"offsets", "--offset"},    {"noiseCorrelations", "--noise-correlation"},
+    {"output", "-o"},      {"project", "PROJECT.bvw"}, {"specifications", "--spec"}};
 
 }  // namespace
 
@@ -37,6 +38,19 @@ void AddFormatOption(CLI::App& command, ReportFormat& format) {
 void AddYesOption(CLI::App& command, JobData& data) {
   command.add_flag("--yes", data.yes,
                    "Fit the rows of a correlation matrix as data; without, a matrix is refused");
+}
+
+void AddHandInputs(CLI::App& command, HandInputs& inputs) {
+  command.add_option("--variable", inputs.variables, "A variable with its distribution, once for each")
+      ->allow_extra_args(false)
+      ->type_name("'V ~ DISTRIBUTION(…)'");
+  command
+      .add_option("--correlation", inputs.correlations,
+                  "The correlation of two variables, once for each pair")
+      ->allow_extra_args(false)
+      ->type_name("V,V=NUMBER");
+  command.add_option("--from", inputs.from, "A text file of variables and correlations, one a line")
+      ->type_name("FILE");
 }
 
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {

@@ -12,6 +12,7 @@
 #include "host/application/json_text.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/design_job.h"
 
 namespace brenvolt::cli {
 
@@ -24,6 +25,9 @@ void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
 // Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
+
+// Adds --variable, --correlation and --from.
+void AddHandInputs(CLI::App& command, HandInputs& inputs);
 
 // What the words of the call already show to be wrong, beside what the job's check tells. Throws WrongJob with all of it if
 // there is any of the former; else the job checks itself.

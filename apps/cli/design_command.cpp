@@ -5,6 +5,7 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/design_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/design_job.h"
@@ -21,19 +22,10 @@ struct DesignCall {
 };
 
 Json ReportJson(const DesignCall& call, const DesignFindings& findings, double smallest) {
-  Json variables = Json::array();
-  for (const NotedVariable& variable : findings.design.variables)
-    variables.push_back({{"name", variable.name}, {"distribution", NotationOf(variable.distribution)}});
-  Json correlations = Json::array();
-  for (const NotedCorrelation& correlation : findings.design.correlations) {
-    correlations.push_back(
-        {{"first", correlation.first}, {"second", correlation.second}, {"value", correlation.value}});
-  }
-  return {{"project", call.job.project.string()},
-          {"sheet", findings.sheet},
-          {"variables", variables},
-          {"correlations", correlations},
-          {"smallestEigenvalue", smallest}};
+  Json report = {{"project", call.job.project.string()}, {"sheet", findings.sheet}};
+  report.update(DesignJson(findings.design));
+  report["smallestEigenvalue"] = smallest;
+  return report;
 }
 
 // The lines read back as the design.
@@ -77,17 +69,7 @@ void AddDesignCommand(CLI::App& program) {
       ->add_option("--sheet", job.sheet,
                    "Sheet of the project; default: the first whose variables carry distributions")
       ->type_name("NAME");
-  HandInputs& inputs = job.inputs;
-  command->add_option("--variable", inputs.variables, "A variable with its distribution, once for each")
-      ->allow_extra_args(false)
-      ->type_name("'V ~ DISTRIBUTION(…)'");
-  command
-      ->add_option("--correlation", inputs.correlations,
-                   "The correlation of two variables, once for each pair")
-      ->allow_extra_args(false)
-      ->type_name("V,V=NUMBER");
-  command->add_option("--from", inputs.from, "A text file of variables and correlations, one a line")
-      ->type_name("FILE");
+  AddHandInputs(*command, job.inputs);
   command
       ->add_option(
           "--matrix", job.inputs.matrix,

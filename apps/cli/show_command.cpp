@@ -5,8 +5,13 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/design_report.h"
 #include "apps/cli/text_table.h"
+#include "apps/cli/wrong_call.h"
+#include "host/analysis/ports/terminal_user_interface.h"
+#include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/design_job.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
@@ -66,7 +71,22 @@ void ShowSheetsAsJson(const Workbook& workbook) {
   std::fputs(JsonText(Json{{"sheets", sheets}}).c_str(), stdout);
 }
 
-void ShowVariablesAsTable(const Spreadsheet& sheet) {
+// What the variables of a sheet are simulated from; nothing where none carries a distribution. Properties that are none
+// stand in the list of the properties alone.
+DesignText DesignOf(const ShowOptions& options, const Spreadsheet& sheet) {
+  bool any = false;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i)
+    any = any || sheet.VariableAt(i).Property(kOrderProperty).has_value();
+  if (!any) return {};
+  DesignJob job;
+  job.project = options.project;
+  job.sheet = sheet.Name();
+  TerminalUserInterface terminal(kProgram);
+  JobRecorder none;
+  return job.Run(terminal, none).design;
+}
+
+void ShowVariablesAsTable(const Spreadsheet& sheet, const DesignText& design) {
   TextTable table;
   table.AddColumn("Variable", TextTable::Align::kLeft);
   table.AddColumn("Type", TextTable::Align::kLeft);
@@ -83,6 +103,7 @@ void ShowVariablesAsTable(const Spreadsheet& sheet) {
     std::printf("\nCases weighted by %s\n", sheet.VariableAt(*sheet.WeightVariable()).Name().c_str());
   }
   if (sheet.Selection().enabled) std::printf("\nCases with %s\n", sheet.Selection().condition.c_str());
+  if (!design.variables.empty()) std::printf("\nSimulated from\n%s", TextOf(design).c_str());
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);
     if (variable.Properties().empty()) continue;
@@ -92,7 +113,7 @@ void ShowVariablesAsTable(const Spreadsheet& sheet) {
   }
 }
 
-void ShowVariablesAsJson(const Spreadsheet& sheet) {
+void ShowVariablesAsJson(const Spreadsheet& sheet, const DesignText& design) {
   Json variables = Json::array();
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);
@@ -106,7 +127,8 @@ void ShowVariablesAsJson(const Spreadsheet& sheet) {
   std::fputs(JsonText(Json{{"name", sheet.Name()},
                            {"kind", KindName(sheet.Kind())},
                            {"cases", sheet.CaseCount()},
-                           {"variables", variables}})
+                           {"variables", variables},
+                           {"design", DesignJson(design)}})
                  .c_str(),
              stdout);
 }
@@ -165,12 +187,14 @@ void ShowMatrixAsJson(const Spreadsheet& matrix) {
 }
 
 // A matrix that lacks rows is shown as data are.
-void ShowSheet(const Spreadsheet& sheet, bool json) {
+void ShowSheet(const ShowOptions& options, const Spreadsheet& sheet) {
+  const bool json = options.format == ReportFormat::kJson;
   if (HasMatrixRows(sheet)) {
     json ? ShowMatrixAsJson(sheet) : ShowMatrixAsTable(sheet);
-  } else {
-    json ? ShowVariablesAsJson(sheet) : ShowVariablesAsTable(sheet);
+    return;
   }
+  const DesignText design = DesignOf(options, sheet);
+  json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
 }
 
 void Show(const ShowOptions& options) {
@@ -180,7 +204,7 @@ void Show(const ShowOptions& options) {
     json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
     return;
   }
-  ShowSheet(project.Sheet(options.sheet), json);
+  ShowSheet(options, project.Sheet(options.sheet));
 }
 
 }  // namespace

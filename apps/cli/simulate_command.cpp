@@ -5,6 +5,7 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/design_report.h"
 #include "apps/cli/fit_json.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/simulation_report.h"
@@ -48,10 +49,18 @@ Json SavedCautionsJson(const std::vector<VariableCautions>& variables) {
   return list;
 }
 
+// What the job is repeated from.
+Json DrawnJson(const SimulateCall& call, const SimulationRun& run) {
+  Json drawn = {{"method", call.job.method}, {"truncate", call.job.truncate}};
+  drawn.update(DesignJson(run.design));
+  return drawn;
+}
+
 Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
   Json report = {{"method", run.results.summary.title},
                  {"samples", call.Samples()},
                  {"seed", run.seed},
+                 {"drawn", DrawnJson(call, run)},
                  {"variables", SummaryJson(run.results.summary)},
                  {"cautions", SavedCautionsJson(run.cautions)}};
   if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
@@ -77,12 +86,13 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
     return;
   }
   const ResultTable& summary = run.results.summary;
-  const std::string seed = call.job.seed ? "" : ", seed " + std::to_string(run.seed);
-  std::printf("%s, %s%s\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), seed.c_str(),
+  std::printf("%s, %s, seed %d\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), run.seed,
               SummaryText(summary).c_str());
   if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
   for (const auto& [variable, cautions] : run.cautions)
     std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
+  std::printf("\nDrawn by %s%s from\n%s", call.job.method.c_str(),
+              call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
 }
 
@@ -98,12 +108,14 @@ void Simulate(const SimulateCall& call) {
 }  // namespace
 
 void AddSimulateCommand(CLI::App& program) {
-  CLI::App* command =
-      program.add_subcommand("simulate", "Draw samples from the distributions saved in a project");
+  CLI::App* command = program.add_subcommand(
+      "simulate", "Draw samples from the distributions saved in a project, or given by hand");
   const auto call = std::make_shared<SimulateCall>();
   SimulateJob& job = call->job;
-  command->add_option("PROJECT", job.data.file, "Project (.bvw) whose variables carry fitted distributions")
-      ->required();
+  command->add_option("PROJECT", job.data.file,
+                      "Project (.bvw) whose variables carry distributions; --variable or --from takes its "
+                      "place");
+  AddHandInputs(*command, job.inputs);
   command
       ->add_option("--sheet", job.data.sheet,
                    "Sheet of the project; default: the first whose variables carry distributions")
@@ -131,7 +143,8 @@ void AddSimulateCommand(CLI::App& program) {
   AddFormatOption(*command, call->format);
   command->footer(
       "Example:\n  brenvolt simulate geyser.bvw --method iman-conover --samples 10000 --seed 7 -o "
-      "simulated.csv");
+      "simulated.csv\n  brenvolt simulate --variable 'h ~ normal(50.2, 0.05)' --variable 'n ~ poisson(3)' "
+      "--seed 7");
   command->callback([call] { Simulate(*call); });
 }
 

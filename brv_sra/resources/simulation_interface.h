@@ -54,10 +54,9 @@ inline constexpr std::array<MemberDescription, 18> kMembers{{
              "spreadsheet: NumPy arrays if the name ends in .npz, else separated values, nothing for an "
              "empty name. Gives the summary, a spreadsheet.",
              kFile),
-    Property(
-        "SavedFits", 0x6003001a, kVariant, kNone,
-        "The saved fits of the variables to simulate, best first, a spreadsheet: how far each reaches beyond "
-        "its data."),
+    Property("SavedFits", 0x6003001a, kVariant, kNone,
+             "The saved fits of the variables to simulate, best first, a spreadsheet: their parameters and "
+             "bounds, and how far each reaches beyond its data."),
     Property("ExcludedVariables", 0x6003001b, kText, kVariant,
              "Those of the variables that take no part in the simulation. Read and put as Variables."),
     Property(

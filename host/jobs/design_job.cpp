@@ -30,7 +30,23 @@ std::vector<std::string> NamesIn(AutomationObject& dialog) {
   return names;
 }
 
-// The array by which dialogs take a distribution.
+void PutCorrelations(AutomationObject& dialog, const DesignText& design,
+                     const std::vector<std::string>& names) {
+  if (design.correlations.empty()) return;
+  std::vector<Variant::Array> rows;
+  for (const Variant& row : dialog.Get(kCorrelations).ToArray()) rows.push_back(row.ToArray());
+  for (const NotedCorrelation& correlation : design.correlations) {
+    const std::size_t i = PlaceOf(names, correlation.first);
+    const std::size_t j = PlaceOf(names, correlation.second);
+    rows.at(i).at(j) = rows.at(j).at(i) = correlation.value;
+  }
+  Variant::Array matrix;
+  for (Variant::Array& row : rows) matrix.emplace_back(std::move(row));
+  dialog.Put(kCorrelations, matrix);
+}
+
+}  // namespace
+
 Variant::Array SpecificationOf(const NotedDistribution& noted) {
   const DistributionFacts& facts = TypeOf(noted.code).facts;
   Variant::Array array{std::string(facts.name)};
@@ -60,28 +76,11 @@ NotedDistribution DistributionFrom(const Variant::Array& array) {
   return noted;
 }
 
-void PutCorrelations(AutomationObject& dialog, const DesignText& design,
-                     const std::vector<std::string>& names) {
-  if (design.correlations.empty()) return;
-  std::vector<Variant::Array> rows;
-  for (const Variant& row : dialog.Get(kCorrelations).ToArray()) rows.push_back(row.ToArray());
-  for (const NotedCorrelation& correlation : design.correlations) {
-    const std::size_t i = PlaceOf(names, correlation.first);
-    const std::size_t j = PlaceOf(names, correlation.second);
-    rows.at(i).at(j) = rows.at(j).at(i) = correlation.value;
-  }
-  Variant::Array matrix;
-  for (Variant::Array& row : rows) matrix.emplace_back(std::move(row));
-  dialog.Put(kCorrelations, matrix);
-}
-
 std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) names.push_back(sheet.VariableAt(i).Name());
   return names;
 }
-
-}  // namespace
 
 DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& faults) const {
   DesignText design;
@@ -94,6 +93,7 @@ DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& f
   }
   for (const std::string& text : variables) AddVariable("variable", text, design, faults);
   for (const std::string& text : correlations) AddCorrelation("correlation", text, others, design, faults);
+  if (correlationTable != nullptr) AddCorrelations("correlation", *correlationTable, others, design, faults);
   return design;
 }
 
@@ -113,20 +113,36 @@ void FillDesign(AnalysisSession& session, const DesignText& design, const Table&
   PutCorrelations(*dialog, design, names);
 }
 
+void BeginDesigned(AnalysisSession& session, const DesignText& design, const Table& matrix) {
+  session.Begin(Task::kDesign);
+  FillDesign(session, design, matrix);
+  session.Ok();
+}
+
+std::vector<NotedVariable> DistributionsIn(AnalysisSession& session) {
+  const auto dialog = session.Dialog();
+  const std::vector<std::string> names = NamesIn(*dialog);
+  std::vector<NotedVariable> variables;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    const Variant index(static_cast<std::int32_t>(i) + 1);
+    const Variant specification = dialog->Get(kSpecification, {&index, 1});
+    if (!specification.IsEmpty()) variables.push_back({names[i], DistributionFrom(specification.ToArray())});
+  }
+  return variables;
+}
+
 DesignText DesignIn(AnalysisSession& session) {
   const auto dialog = session.Dialog();
   const std::vector<std::string> names = NamesIn(*dialog);
   const Variant::Array rows = dialog->Get(kCorrelations).ToArray();
-  DesignText design;
+  DesignText design{DistributionsIn(session), {}};
   std::vector<std::size_t> places;
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    const Variant index(static_cast<std::int32_t>(i) + 1);
-    const Variant specification = dialog->Get(kSpecification, {&index, 1});
-    if (specification.IsEmpty()) continue;
-    design.variables.push_back({names[i], DistributionFrom(specification.ToArray())});
+  for (const NotedVariable& variable : design.variables) {
+    const std::size_t i = PlaceOf(names, variable.name);
+    const Variant::Array row = rows[i].ToArray();
     for (const std::size_t other : places) {
-      const double value = rows[i].ToArray()[other].ToReal();
-      if (value != 0) design.correlations.push_back({names[other], names[i], value});
+      const double value = row[other].ToReal();
+      if (value != 0) design.correlations.push_back({names[other], variable.name, value});
     }
     places.push_back(i);
   }
@@ -187,6 +203,11 @@ DesignFindings DesignJob::Run(const JobInput& input, JobRecorder& recorder) cons
   return findings;
 }
 
+void OpenNewDesign(JobRun& run, JobRecorder& recorder) {
+  run.sheet = &run.data.workbook.Add(std::make_unique<Spreadsheet>(std::string(kNewDesignSheet)));
+  recorder.Gave("sheet", nullptr, "NewSheet", {PythonText(std::string(kNewDesignSheet))}, run.sheet);
+}
+
 DesignFindings DesignJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   std::error_code ignored;
@@ -197,8 +218,7 @@ DesignFindings DesignJob::Run(ProgramInterface& interface, JobRecorder& recorder
     recorder.Opened(project, false, &run.data.workbook);
     recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
   } else {
-    run.sheet = &run.data.workbook.Add(std::make_unique<Spreadsheet>(std::string(kNewDesignSheet)));
-    recorder.Gave("sheet", nullptr, "NewSheet", {PythonText(std::string(kNewDesignSheet))}, run.sheet);
+    OpenNewDesign(run, recorder);
   }
   JobInput input = run.Input(interface, recorder);
   if (!run.data.isProject) input.home = nullptr;

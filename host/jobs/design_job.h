@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -17,9 +18,11 @@ struct HandInputs {
   std::vector<std::string> variables;     // in the notation: "h ~ normal(50.2, 0.05)"
   std::vector<std::string> correlations;  // "h,a=0.4"
   std::string matrix;                     // its name (NamedMatrix); the correlations are entered into it
-  std::filesystem::path from;             // a text file of such lines, before the others
+  std::shared_ptr<const Spreadsheet> correlationTable;  // a square table in place of pairs (MatrixFromTable)
+  std::filesystem::path from;                           // a text file of such lines, before the others
 
-  bool IsEmpty() const { return variables.empty() && correlations.empty() && matrix.empty() && from.empty(); }
+  bool HasCorrelations() const { return !correlations.empty() || correlationTable != nullptr; }
+  bool IsEmpty() const { return variables.empty() && !HasCorrelations() && matrix.empty() && from.empty(); }
   // What the texts say, with the faults of all. Correlations may also name `others`; if that is null, any variable.
   DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;
 };
@@ -27,6 +30,15 @@ struct HandInputs {
 // Fills the open dialog of the design: variables that it lacks are added, those that it has get new distributions.
 // `matrix` may be null. Throws Error.
 void FillDesign(AnalysisSession& session, const DesignText& design, const Table& matrix);
+// Enters it in an analysis that has just started, and goes on to the dialog of its simulation. Throws Error and WrongJob.
+void BeginDesigned(AnalysisSession& session, const DesignText& design, const Table& matrix);
+// The array by which dialogs take a distribution, and back.
+Variant::Array SpecificationOf(const NotedDistribution& noted);
+NotedDistribution DistributionFrom(const Variant::Array& array);
+// The names of a sheet's variables.
+std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet);
+// The variables that the open dialog of the design simulates.
+std::vector<NotedVariable> DistributionsIn(AnalysisSession& session);
 // What the open dialog of the design holds: the variables that are simulated, and correlations other than 0.
 DesignText DesignIn(AnalysisSession& session);
 // The least eigenvalue of the correlations of a design: unless it is above 0, a simulation repairs them.
@@ -34,6 +46,8 @@ double SmallestEigenvalue(const DesignText& design);
 
 // The sheet of a new project.
 inline constexpr std::string_view kNewDesignSheet = "Design";
+// A run over such a sheet, without cases.
+void OpenNewDesign(JobRun& run, JobRecorder& recorder);
 
 struct DesignFindings {
   DesignText design;

@@ -48,6 +48,29 @@ void SayWhatLimitsLeaveOut(const SimulateJob& job, const Spreadsheet& sheet, Use
   }
 }
 
+// What the variables of the open dialog are drawn from; nothing where the run will say what is wrong with it.
+std::vector<NotedVariable> ReadSimulated(AutomationObject& dialog, const Spreadsheet& sheet) {
+  std::vector<NotedVariable> drawn;
+  try {
+    for (const ResultRow& row : ReadResultTable(dialog.Get("SavedFits")).rows) {
+      if (row.Number("saved_place"_column) != 1) continue;
+      const auto bound = [&row](const ResultColumn& column) {
+        const double value = row.Number(column);
+        return std::isnan(value) ? std::nullopt : std::optional(value);
+      };
+      const double offset = row.Number("offset"_column);
+      const auto place = static_cast<std::size_t>(row.Number("variable_number"_column)) - 1;
+      drawn.push_back({sheet.VariableAt(place).Name(),
+                       {static_cast<DistributionCode>(static_cast<int>(row.Number("code"_column))),
+                        row.Numbered("parameter"_column), std::isnan(offset) ? kNotSet : offset,
+                        bound("minimum"_column), bound("maximum"_column)}});
+    }
+  } catch (const AutomationError&) {
+    return {};
+  }
+  return drawn;
+}
+
 // The run shows its output, then a repaired matrix. True if it produced any.
 bool RunToSheet(AnalysisSession& session, SimulationFindings& found) {
   session.Ok();
@@ -114,9 +137,28 @@ JobFaults SimulateJob::Check() const {
     faults.push_back(
         {"matrix", "only methods that induce correlation follow a matrix; " + method + " does not"});
   }
+  CheckInputs(faults);
   CheckDataTarget("output", output, faults);
-  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}}, {{"output", output}}, faults);
+  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"from", inputs.from}}, {{"output", output}},
+                    faults);
   return faults;
+}
+
+// What stands in place of a project. Correlations alone have one to be entered in.
+void SimulateJob::CheckInputs(JobFaults& faults) const {
+  if (inputs.IsEmpty()) return;
+  if (!data.file.empty())
+    faults.push_back({"project", "what is given by hand stands in place of a project; design changes one"});
+  if (!data.sheet.empty()) faults.push_back({"sheet", "without a project there is no sheet to choose"});
+  const std::vector<std::string> none;
+  const std::size_t before = faults.size();
+  const DesignText design = inputs.Read(&none, faults);
+  if (design.variables.empty() && faults.size() == before)
+    faults.push_back({"variable", "a simulation without a project needs at least one variable"});
+  if (inputs.HasCorrelations() && kSimulationMethods.contains(method) && !InducesCorrelation(method)) {
+    faults.push_back(
+        {"correlation", "only methods that induce correlation follow correlations; " + method + " does not"});
+  }
 }
 
 // Those of the iman-conover methods follow one.
@@ -125,8 +167,16 @@ std::unique_ptr<Spreadsheet> SimulateJob::FindMatrix(const JobInput& input) cons
   return MatrixFor(matrix, input);
 }
 
+void SimulateJob::OpenDialog(AnalysisSession& session, const Table& follows) const {
+  if (inputs.IsEmpty()) return session.Begin(Task::kSimulate);
+  JobFaults faults;
+  const std::vector<std::string> none;
+  const DesignText design = inputs.Read(&none, faults);
+  RequireNone(std::move(faults));
+  BeginDesigned(session, design, follows);
+}
+
 void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const {
-  session.Begin(Task::kSimulate);
   const auto dialog = session.Dialog();
   if (!variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, variables, "variables")));
   dialog->Put(kSimulationMethods.at(method), true);
@@ -143,17 +193,20 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   found.seed = ChosenSeed(seed);
   std::unique_ptr<Spreadsheet> chosen = FindMatrix(input);
   AnalysisSession& session = Start(input, data);
+  const Table follows =
+      givenMatrix != nullptr ? givenMatrix : RecordedMatrix(matrix, std::move(chosen), input, recorder);
+  OpenDialog(session, follows);
   if (method.starts_with("latin-hypercube")) SayWhatLimitsLeaveOut(*this, input.sheet, session.Interface());
   Specify(session, input.sheet, found.seed);
   found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
-  const Table follows =
-      givenMatrix != nullptr ? givenMatrix : RecordedMatrix(matrix, std::move(chosen), input, recorder);
-  if (InducesCorrelation(method) && follows != nullptr)
+  found.design.variables = ReadSimulated(*session.Dialog(), input.sheet);
+  if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool toSheet = keepsSamples || InducesCorrelation(method) || HasProjectEnding(output);
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", method);
-  if (toSheet && !keepsSamples) Summarize(session, found);
+  if (toSheet && (!keepsSamples || InducesCorrelation(method))) Summarize(session, found);
+  found.design.correlations = found.results.Asked();
   RecordShown(session, recorder);
   Write(output, found, recorder);
   return found;
@@ -162,11 +215,19 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
 SimulationRun SimulateJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   SimulationRun run;
-  run.data = OpenProject(data.file);
-  run.sheet = &FittedSheet(run.data, data.sheet);
-  recorder.Opened(data.file, false, &run.data.workbook);
-  recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
-  static_cast<SimulationFindings&>(run) = Run(run.Input(interface, recorder), recorder);
+  if (inputs.IsEmpty()) {
+    if (data.file.empty())
+      throw WrongJob("project", "nothing to simulate: give a project, or variables with their distributions");
+    run.data = OpenProject(data.file);
+    run.sheet = &FittedSheet(run.data, data.sheet);
+    recorder.Opened(data.file, false, &run.data.workbook);
+    recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
+  } else {
+    OpenNewDesign(run, recorder);
+  }
+  JobInput input = run.Input(interface, recorder);
+  if (!inputs.IsEmpty()) input.home = nullptr;
+  static_cast<SimulationFindings&>(run) = Run(input, recorder);
   return run;
 }
 

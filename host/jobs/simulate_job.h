@@ -9,6 +9,7 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/design_job.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/simulation_results.h"
 
@@ -27,12 +28,14 @@ struct SimulationFindings {
   std::string matrixSheet;
   std::int32_t seed = 0;                   // given or drawn: the same seed gives the same samples
   std::vector<VariableCautions> cautions;  // in the order of the variables in the data; none without one
+  DesignText design;  // what was drawn: the distributions, and the correlations that were asked for
 };
 
 struct SimulationRun : JobRun, SimulationFindings {};
 
 struct SimulateJob {
   JobData data;                        // of a project; without a sheet's name, the first with distributions
+  HandInputs inputs;                   // in place of a project; the matrix of both is `matrix`
   std::vector<std::string> variables;  // without names, all with distributions
   std::string method = "monte-carlo";
   double samples = 1000;
@@ -51,7 +54,9 @@ struct SimulateJob {
   SimulationFindings Run(const JobInput& input, JobRecorder& recorder) const;
 
  private:
+  void CheckInputs(JobFaults& faults) const;
   std::unique_ptr<Spreadsheet> FindMatrix(const JobInput& input) const;
+  void OpenDialog(AnalysisSession& session, const Table& matrix) const;
   void Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const;
 };
 

@@ -10,6 +10,15 @@
 
 namespace brenvolt {
 
+std::vector<NotedCorrelation> SimulationResults::Asked() const {
+  std::vector<NotedCorrelation> correlations;
+  for (const SimulatedPair& pair : pairs) {
+    const double asked = pair.correlations.Number("asked"_column);
+    if (asked != 0) correlations.push_back({pair.first, pair.second, asked});
+  }
+  return correlations;
+}
+
 std::optional<MatrixRepair> SimulationResults::Repair() const {
   // A repair changes every entry, so one that stayed says that there was none.
   const auto change = [](const SimulatedPair& pair) {

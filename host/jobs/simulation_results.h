@@ -7,6 +7,7 @@
 
 #include "host/analysis/analysis_table_doc.h"
 #include "host/analysis/result_table.h"
+#include "host/jobs/notation/design_text.h"
 
 namespace brenvolt {
 
@@ -19,7 +20,7 @@ struct SimulatedPair {
 
 // What a repair did to the correlations asked for.
 struct MatrixRepair {
-  double smallestEigenvalue;  // that they had; NaN if there is none
+  double smallestEigenvalue;  // that they had; NaN where there is none
   const SimulatedPair* mostChanged;
 };
 
@@ -29,11 +30,13 @@ struct SimulationResults {
   std::vector<std::string> variables;              // that are correlated; none without correlation
   std::vector<SimulatedPair> pairs;                // of these: (1, 2), (1, 3), …, (2, 3), …
 
+  // The correlations that were asked for, but for those of 0.
+  std::vector<NotedCorrelation> Asked() const;
   // Nothing if every correlation was used as it was asked for. It points into the pairs.
   std::optional<MatrixRepair> Repair() const;
 };
 
-// From the document of the summary and, if there is correlation, that of the pairs and the simulated data.
+// From the document of the summary and, where there is correlation, that of the pairs and the simulated data.
 SimulationResults ReadSimulationResults(const CAnalysisTableDoc& summary, const CAnalysisTableDoc* pairs,
                                         const CAnalysisTableDoc* output);
 

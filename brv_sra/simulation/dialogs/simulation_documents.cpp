@@ -1,5 +1,6 @@
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <utility>
@@ -64,6 +65,23 @@ std::unique_ptr<Spreadsheet> SavedFitsSheet(std::span<const SavedFit> fits) {
   add("below_zero"_column, [](const SavedFit& fit) { return fit.reach.belowZero; });
   add("above_zero"_column, [](const SavedFit& fit) { return fit.reach.aboveZero; });
   add("infinite_moment"_column, [](const SavedFit& fit) { return fit.reach.infiniteMoment; });
+  add("code"_column, [](const SavedFit& fit) { return fit.specification.code; });
+  add("offset"_column, [](const SavedFit& fit) { return fit.specification.offset; });
+  add("minimum"_column, [](const SavedFit& fit) {
+    return fit.specification.truncateBelow ? fit.specification.truncationMinimum : kNotSet;
+  });
+  add("maximum"_column, [](const SavedFit& fit) {
+    return fit.specification.truncateAbove ? fit.specification.truncationMaximum : kNotSet;
+  });
+  std::size_t most = 0;
+  for (const SavedFit& fit : fits) most = std::max(most, fit.specification.values.size());
+  for (std::size_t p = 0; p < most; ++p) {
+    const auto value = [&fits, p](std::size_t i) {
+      const std::vector<double>& values = fits[i].specification.values;
+      return p < values.size() ? values[p] : OrMissing(kNotSet);
+    };
+    AddColumn(*sheet, "parameter"_column, value, std::to_string(p + 1));
+  }
   return sheet;
 }
 

@@ -8,6 +8,7 @@
 #include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
 namespace {
@@ -21,6 +22,14 @@ bool Contains(const std::vector<std::string>& names, const std::string& name) {
 
 bool IsPair(const NotedCorrelation& a, const NotedCorrelation& b) {
   return (a.first == b.first && a.second == b.second) || (a.first == b.second && a.second == b.first);
+}
+
+void RequireNew(const NotedCorrelation& correlation, const std::vector<NotedCorrelation>& former) {
+  for (const NotedCorrelation& other : former) {
+    if (IsPair(other, correlation))
+      throw Error("the correlation of " + correlation.first + " and " + correlation.second +
+                  " is given twice");
+  }
 }
 
 void RequireKnown(const std::string& name, const std::vector<std::string>& known) {
@@ -102,12 +111,30 @@ void AddCorrelation(const std::string& field, std::string_view text, const std::
       RequireKnown(correlation.first, known);
       RequireKnown(correlation.second, known);
     }
-    for (const NotedCorrelation& former : design.correlations) {
-      if (IsPair(former, correlation))
-        throw Error("the correlation of " + correlation.first + " and " + correlation.second +
-                    " is given twice");
-    }
+    RequireNew(correlation, design.correlations);
     design.correlations.push_back(std::move(correlation));
+  } catch (const Error& error) {
+    faults.push_back({field, MessageOf(error)});
+  }
+}
+
+void AddCorrelations(const std::string& field, const Spreadsheet& table,
+                     const std::vector<std::string>* others, DesignText& design, JobFaults& faults) {
+  try {
+    const auto matrix = MatrixFromTable(table, "correlations");
+    std::vector<std::string> known = design.Names();
+    if (others != nullptr) known.insert(known.end(), others->begin(), others->end());
+    const std::vector<NotedCorrelation> former = design.correlations;
+    for (std::size_t i = 0; i < matrix->VariableCount(); ++i) {
+      const std::string& name = matrix->VariableAt(i).Name();
+      if (others != nullptr) RequireKnown(name, known);
+      for (std::size_t j = 0; j < i; ++j) {
+        const NotedCorrelation correlation{matrix->VariableAt(j).Name(), name,
+                                           matrix->VariableAt(j).Values()[i]};
+        RequireNew(correlation, former);
+        design.correlations.push_back(correlation);
+      }
+    }
   } catch (const Error& error) {
     faults.push_back({field, MessageOf(error)});
   }

@@ -9,6 +9,7 @@
 
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/notation/distribution_notation.h"
+#include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
 
@@ -40,5 +41,9 @@ std::string TextOf(const DesignText& design);
 void AddVariable(const std::string& field, std::string_view text, DesignText& design, JobFaults& faults);
 void AddCorrelation(const std::string& field, std::string_view text, const std::vector<std::string>* others,
                     DesignText& design, JobFaults& faults);
+
+// Adds the correlations of a square table (MatrixFromTable), each pair of its variables.
+void AddCorrelations(const std::string& field, const Spreadsheet& table,
+                     const std::vector<std::string>* others, DesignText& design, JobFaults& faults);
 
 }  // namespace brenvolt

@@ -1,0 +1,13 @@
+// Designs in the reports of the command.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include "host/jobs/notation/design_text.h"
+
+namespace brenvolt::cli {
+
+// {"variables": [{"name", "distribution"}], "correlations": [{"first", "second", "value"}]}
+nlohmann::ordered_json DesignJson(const DesignText& design);
+
+}  // namespace brenvolt::cli
