@@ -6,6 +6,7 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/design_report.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
@@ -79,19 +80,50 @@ ProfileJob::Truncation ParseTruncation(const std::string& text) {
   return {predictor, low, high};
 }
 
+// What the runs are repeated from, beside the predictors' distributions.
+nlohmann::ordered_json DrawnJson(const ProfileCall& call, const ProfileRun& run) {
+  using Json = nlohmann::ordered_json;
+  const ProfileJob& job = call.job;
+  Json drawn = DesignJson({{}, run.results.correlations});
+  drawn.erase("variables");
+  drawn["noise"] = Json::array();
+  for (const ProfileJob::Noise& one : job.noise)
+    drawn["noise"].push_back({{"response", one.response}, {"standardDeviation", one.standardDeviation}});
+  drawn["noiseCorrelations"] = job.noiseCorrelations;
+  drawn["models"] = Json::array();
+  for (const auto& model : job.models) drawn["models"].push_back(model.string());
+  drawn["formulas"] = job.formulas;
+  return drawn;
+}
+
+// The same, a line each.
+std::string DrawnText(const ProfileCall& call, const ProfileRun& run) {
+  const ProfileJob& job = call.job;
+  std::string text;
+  for (const NotedCorrelation& pair : run.results.correlations)
+    text += "  correlation " + pair.first + ", " + pair.second + " = " + ShortestNumber(pair.value) + "\n";
+  for (const ProfileJob::Noise& one : job.noise)
+    text += "  noise " + one.response + " = " + ShortestNumber(one.standardDeviation) + "\n";
+  for (const std::string& pair : job.noiseCorrelations) text += "  noise correlation " + pair + "\n";
+  for (const auto& model : job.models) text += "  model " + model.string() + "\n";
+  for (const std::string& formula : job.formulas) text += "  formula " + formula + "\n";
+  return text;
+}
+
 void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
   if (call.format == ReportFormat::kJson) {
     auto report = ProfileJson(run.results);
     report["seed"] = run.seed;
+    report["drawn"] = DrawnJson(call, run);
     if (!job.output.empty()) report["output"] = {{"file", job.output.string()}};
     if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
     if (!job.graphs.empty()) report["graphs"] = job.graphs.string();
     std::fputs(JsonText(report).c_str(), stdout);
     return;
   }
-  if (!job.seed) std::printf("Seed %d\n", run.seed);
-  std::fputs(ProfileText(run.results).c_str(), stdout);
+  std::printf("Seed %d\n", run.seed);
+  std::fputs(ProfileText(run.results, DrawnText(call, run)).c_str(), stdout);
   if (!job.output.empty()) {
     std::printf("\nSimulated data %s %s%s\n", run.outputSheet.empty() ? "written to" : "saved in",
                 job.output.c_str(), (run.outputSheet.empty() ? "" : ", sheet " + run.outputSheet).c_str());
@@ -115,27 +147,43 @@ void AddProfileCommand(CLI::App& program) {
       "profile", "Simulate what models or formulas predict, and compare it with specifications");
   const auto call = std::make_shared<ProfileCall>();
   ProfileJob& job = call->job;
-  command
-      ->add_option("DATA", job.data.file,
-                   "CSV file with a header row, or project (.bvw), whose columns the predictors start from: "
-                   "Normal with the mean and standard deviation of the column of the predictor's name")
-      ->required();
+  command->add_option(
+      "DATA", job.data.file,
+      "CSV file with a header row, or project (.bvw), whose columns the predictors start from: "
+      "the distribution saved with the column of the predictor's name, else Normal with its "
+      "mean and standard deviation; without data --variable or --from say all");
   command->add_option("--sheet", job.data.sheet, "Sheet of a project; default: its first data sheet")
       ->type_name("NAME");
   AddEntries(*command, "--model", job.models, ParseModel, "FILE.pmml",
              "Model that predicts its dependents; may be repeated");
   AddEntries(*command, "--formula", job.formulas, ParseFormula, "'Y=...'",
              "Formula that predicts a response instead of a model; may be repeated");
+  AddHandInputs(*command, job.inputs);
+  command
+      ->add_option("--matrix", job.inputs.matrix,
+                   "Correlations of the predictors: a sheet of the project, a CSV file, or "
+                   "PROJECT.bvw[:SHEET]; --correlation is entered into them")
+      ->type_name("SHEET|FILE");
+  command->add_flag("!--no-saved-fits", job.savedFits,
+                    "Start each predictor from its column, whatever distribution is saved with it");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
-            "Number of runs, " + std::to_string(kFewestProfilerRuns) + " to " +
-                std::to_string(kMostProfilerRuns) + " (default " + std::to_string(kUsualProfilerRuns) + ")");
+            "Number of runs, " + std::to_string(kFewestProfilerRuns) + " or more (default " +
+                std::to_string(kUsualProfilerRuns) + ")");
   AddNumber(*command, "--seed", "seed", job.seed, "S",
             "Seed, 1 or more: the same seed gives the same runs; default: one is drawn and reported");
-  command->add_flag("--correlated", job.correlated, "Correlate the predictors as their columns are");
+  command->add_flag(
+      "--correlated", job.correlated,
+      "Correlate the predictors as the matrix saved with their distributions has it, else as their "
+      "columns are");
   command->add_flag("--fit-best", job.fitBest,
                     "Draw each predictor from the distribution that fits its column best");
   AddEntries(*command, "--noise", job.noise, ParseNoise, "Y=SD",
              "Add normal noise of this standard deviation to a response; may be repeated");
+  command
+      ->add_option("--noise-correlation", job.noiseCorrelations,
+                   "The correlation of the noise of two responses, once for each pair")
+      ->allow_extra_args(false)
+      ->type_name("Y,Y=NUMBER");
   AddEntries(*command, "--spec", job.specifications, ParseSpecification, "Y=LSL,TARGET,USL",
              "Specification of a response; each part may be empty, as in 'Y=,,25'; may be repeated");
   AddEntries(*command, "--fix", job.fixed, ParseFixed, "X=VALUE",
@@ -159,7 +207,8 @@ void AddProfileCommand(CLI::App& program) {
   AddFormatOption(*command, call->format);
   command->footer(
       "Example:\n  brenvolt profile examples/ozone.csv --model examples/ozone_regression.pmml --fit-best "
-      "--correlated --noise O3=4.75 --spec O3=,,25 --seed 7");
+      "--correlated --noise O3=4.75 --spec O3=,,25 --seed 7\n  brenvolt profile --from "
+      "examples/tolerance_stack.txt --formula 'gap = housing - a - b - c - d' --spec gap=0.3,,0.7");
   command->callback([call] { Profile(*call); });
 }
 

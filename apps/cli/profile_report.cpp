@@ -267,13 +267,13 @@ std::string ResponseText(const ResponseResults& response) {
 
 }  // namespace
 
-std::string ProfileText(const ProfileResults& results) {
+std::string ProfileText(const ProfileResults& results, const std::string& drawn) {
   std::string text = std::to_string(results.runs) + " simulated runs\n";
   TextTable predictors;
   predictors.AddColumn("Predictor", TextTable::Align::kLeft);
   predictors.AddColumn("drawn from", TextTable::Align::kLeft);
   for (const PredictorUse& one : results.predictors) predictors.AddRow({one.name, one.distribution});
-  text += "\n" + predictors.Text();
+  text += "\n" + predictors.Text() + drawn;
   for (const ResponseResults& response : results.responses) text += "\n" + ResponseText(response);
   if (results.defects) text += "\n" + results.defects->title + "\n" + DefectsText(*results.defects);
   if (!results.notes.empty()) text += "\n";

@@ -9,7 +9,8 @@
 
 namespace brenvolt::cli {
 
-std::string ProfileText(const ProfileResults& results);
+// `drawn` are lines on what the predictors and the noise follow, after the list of the predictors.
+std::string ProfileText(const ProfileResults& results, const std::string& drawn);
 // Correlations are for programs alone, and the frequencies of a response of many values.
 nlohmann::ordered_json ProfileJson(const ProfileResults& results);
 

@@ -113,15 +113,47 @@ py::dict CautionTexts(const std::vector<VariableCautions>& variables) {
   return texts;
 }
 
+py::dict PairDicts(const SimulationResults& results) {
+  py::dict kinds;
+  for (const ResultColumn& column : kCorrelations) {
+    py::dict numbers;
+    for (const SimulatedPair& pair : results.pairs) {
+      if (pair.correlations.Has(column))
+        numbers[py::make_tuple(pair.first, pair.second)] = pair.correlations.Number(column);
+    }
+    if (!numbers.empty()) kinds[py::str(std::string(column.identifier))] = numbers;
+  }
+  return kinds;
+}
+
+py::object RepairedMatrix(const SimulationResults& results) {
+  if (!results.Repair()) return py::none();
+  py::dict matrix;
+  for (const std::string& name : results.variables) {
+    py::dict row;
+    row[py::str(name)] = 1.0;
+    matrix[py::str(name)] = row;
+  }
+  for (const SimulatedPair& pair : results.pairs) {
+    const double used = pair.correlations.Number("used"_column);
+    matrix[py::str(pair.first)][py::str(pair.second)] = used;
+    matrix[py::str(pair.second)][py::str(pair.first)] = used;
+  }
+  return matrix;
+}
+
 py::dict ProfileDict(const ProfileResults& results) {
   py::list responses;
   for (const ResponseResults& response : results.responses) responses.append(ResponseDict(response));
   py::dict predictors;
   for (const PredictorUse& one : results.predictors) predictors[py::str(one.name)] = one.distribution;
+  py::dict correlations;
+  for (const NotedCorrelation& pair : results.correlations)
+    correlations[py::make_tuple(pair.first, pair.second)] = pair.value;
   py::list defects;
   if (results.defects) defects = RowList(results.defects->rows, {kDefects});
-  return py::dict("runs"_a = results.runs, "predictors"_a = predictors, "responses"_a = responses,
-                  "defects"_a = defects, "notes"_a = results.notes);
+  return py::dict("runs"_a = results.runs, "predictors"_a = predictors, "correlations"_a = correlations,
+                  "responses"_a = responses, "defects"_a = defects, "notes"_a = results.notes);
 }
 
 }  // namespace brenvolt::python

@@ -2,6 +2,7 @@
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
+#include <algorithm>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,6 +12,7 @@
 #include "bindings/python/host_call.h"
 #include "bindings/python/job_results.h"
 #include "bindings/python/module.h"
+#include "bindings/python/numpy_arrays.h"
 #include "bindings/python/outcome.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
@@ -161,14 +163,31 @@ void SaveFitted(const FitJob& job, std::shared_ptr<AnalysisRef> analysis,
   });
 }
 
-// The samples and their seed. `matrix` may be null.
+// A sheet for designed variables.
+Sheet NewDesign() {
+  const std::string name(kNewDesignSheet);
+  Sheet sheet = Free(std::make_unique<Spreadsheet>(name));
+  RecordGiven("sheet", nullptr, "NewSheet", {PythonText(name)}, sheet);
+  return sheet;
+}
+
+// The distributions in their notation, by name.
+py::dict NotationsOf(const DesignText& design) {
+  py::dict variables;
+  for (const NotedVariable& variable : design.variables)
+    variables[py::str(variable.name)] = NotationOf(variable.distribution);
+  return variables;
+}
+
+// The samples, their seed, and what they were drawn from. `matrix` may be null.
 py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
   std::shared_ptr<AnalysisRef> analysis;
   SimulationFindings found;
   job.keepsSamples = true;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
-  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions));
+  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
+                        NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results));
 }
 
 // The variables in their notation by name, the correlations as triples, and the least eigenvalue of their matrix.
@@ -176,19 +195,46 @@ py::tuple Design(const DesignJob& job, const Sheet& sheet) {
   std::shared_ptr<AnalysisRef> analysis;
   DesignFindings found;
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, false, analysis), TheJob()); });
-  py::dict variables;
-  for (const NotedVariable& variable : found.design.variables)
-    variables[py::str(variable.name)] = NotationOf(variable.distribution);
   py::list correlations;
   for (const NotedCorrelation& pair : found.design.correlations)
     correlations.append(py::make_tuple(pair.first, pair.second, pair.value));
-  return py::make_tuple(variables, correlations, SmallestEigenvalue(found.design));
+  return py::make_tuple(NotationsOf(found.design), correlations, SmallestEigenvalue(found.design));
 }
 
-// The simulated runs, their seed, and what was found.
-py::tuple Profile(const ProfileJob& job, const Sheet& sheet) {
+// A function of Python as a model. It is called in blocks with the number of the first run and a list of columns, and gives
+// a list of columns; what it raises has a message and the block as its arguments.
+std::shared_ptr<const ModelFunction> FunctionOf(std::string name, std::vector<std::string> predictors,
+                                                std::vector<std::string> responses, py::object function) {
+  // Whoever lets go of it last may not hold the interpreter.
+  const std::shared_ptr<py::object> held(new py::object(std::move(function)), [](py::object* last) {
+    const py::gil_scoped_acquire interpreter;
+    delete last;
+  });
+  const auto predict = [held](std::size_t first, std::span<const std::span<const double>> columns,
+                              std::span<const std::span<double>> given) {
+    const py::gil_scoped_acquire interpreter;
+    try {
+      py::list inputs;
+      for (const auto& column : columns)
+        inputs.append(py::array_t<double>(static_cast<py::ssize_t>(column.size()), column.data()));
+      const auto outputs = (*held)(first, inputs).cast<std::vector<Numbers>>();
+      for (std::size_t k = 0; k < given.size(); ++k)
+        std::copy_n(outputs.at(k).data(), given[k].size(), given[k].begin());
+    } catch (const py::error_already_set& fault) {
+      const py::tuple said = fault.value().attr("args");
+      if (said.size() != 2) throw Error(fault.what());
+      throw Error(said[0].cast<std::string>(), said[1].cast<std::string>());
+    }
+  };
+  return std::make_shared<const ModelFunction>(
+      ModelFunction{std::move(name), std::move(predictors), std::move(responses), predict});
+}
+
+// The simulated runs, their seed, and what was found. `matrix` may be null.
+py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix) {
   std::shared_ptr<AnalysisRef> analysis;
   ProfileFindings found;
+  if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results));
 }
@@ -205,6 +251,19 @@ void DefineData(py::class_<Job>& job) {
       .def_property("sheet", nullptr, [](Job& j, std::string name) { j.data.sheet = std::move(name); })
       .def_property("decimal_comma", nullptr, [](Job& j, bool comma) { j.data.decimalComma = comma; })
       .def_property("yes", nullptr, [](Job& j, bool yes) { j.data.yes = yes; });
+}
+
+// What is entered by hand.
+template <class Job>
+void DefineInputs(py::class_<Job>& job) {
+  using Texts = std::vector<std::string>;
+  job.def_property("designed", nullptr, [](Job& j, Texts texts) { j.inputs.variables = std::move(texts); })
+      .def_property("correlations", nullptr,
+                    [](Job& j, Texts texts) { j.inputs.correlations = std::move(texts); })
+      .def_property("correlation_table", nullptr,
+                    [](Job& j, const Sheet& table) { j.inputs.correlationTable = CopyOf(table); })
+      .def_property("from_file", nullptr,
+                    [](Job& j, std::filesystem::path file) { j.inputs.from = std::move(file); });
 }
 
 void BindFitJob(py::module_& module) {
@@ -247,19 +306,11 @@ void BindDesignJob(py::module_& module) {
   job.def(py::init<>())
       .def_readwrite("project", &DesignJob::project)
       .def_readwrite("sheet", &DesignJob::sheet)
-      .def_property(
-          "variables", nullptr,
-          [](DesignJob& j, std::vector<std::string> texts) { j.inputs.variables = std::move(texts); })
-      .def_property(
-          "correlations", nullptr,
-          [](DesignJob& j, std::vector<std::string> texts) { j.inputs.correlations = std::move(texts); })
       .def_property("matrix", nullptr,
                     [](DesignJob& j, std::string name) { j.inputs.matrix = std::move(name); })
-      .def_property("from_file", nullptr,
-                    [](DesignJob& j, std::filesystem::path file) { j.inputs.from = std::move(file); })
       .def("check", &Check<DesignJob>)
       .def("run", &Design);
-  module.attr("_new_design_sheet") = std::string(kNewDesignSheet);
+  DefineInputs(job);
   module.def("_notation", [](std::size_t code, std::vector<double> values, double offset) {
     return NotationOf(
         {static_cast<DistributionCode>(code), std::move(values), offset, std::nullopt, std::nullopt});
@@ -278,6 +329,7 @@ void BindSimulateJob(py::module_& module) {
       .def("check", &Check<SimulateJob>)
       .def("run", &Simulate);
   DefineData(job);
+  DefineInputs(job);
 }
 
 void BindProfileJob(py::module_& module) {
@@ -302,15 +354,31 @@ void BindProfileJob(py::module_& module) {
       .def_readwrite("seed", &ProfileJob::seed)
       .def_readwrite("correlated", &ProfileJob::correlated)
       .def_readwrite("fit_best", &ProfileJob::fitBest)
+      .def_readwrite("saved_fits", &ProfileJob::savedFits)
+      .def_property("matrix", nullptr,
+                    [](ProfileJob& j, std::string name) { j.inputs.matrix = std::move(name); })
       .def_readwrite("noise", &ProfileJob::noise)
+      .def_readwrite("noise_correlations", &ProfileJob::noiseCorrelations)
       .def_readwrite("specifications", &ProfileJob::specifications)
       .def_readwrite("fixed", &ProfileJob::fixed)
       .def_readwrite("truncate", &ProfileJob::truncate)
       .def_readwrite("output", &ProfileJob::output)
       .def_readwrite("graphs", &ProfileJob::graphs)
+      .def("add_function",
+           [](ProfileJob& j, std::string name, std::vector<std::string> predictors,
+              std::vector<std::string> responses, py::object function) {
+             j.functions.push_back(FunctionOf(std::move(name), std::move(predictors), std::move(responses),
+                                              std::move(function)));
+           })
+      .def("designed_names",
+           [](const ProfileJob& j) {
+             JobFaults faults;
+             return j.inputs.Read(nullptr, faults).Names();
+           })
       .def("check", &Check<ProfileJob>)
       .def("run", &Profile);
   DefineData(job);
+  DefineInputs(job);
 }
 
 void BindScoreJob(py::module_& module) {
@@ -346,8 +414,6 @@ void BindJobs(py::module_& module) {
   for (const FitGraph& graph : kFitGraphs) graphs[py::str(std::string(graph.word))] = graph.member;
   graphs[py::str(std::string(kFitSummaryGraph.word))] = kFitSummaryGraph.member;
   module.attr("_fit_graphs") = graphs;
-  module.attr("_matrix_rows") = py::make_tuple(matrix_row::kMeans, matrix_row::kStandardDeviations,
-                                               matrix_row::kValidCases, matrix_row::kType);
   module.def("_save_fits", &SaveFitsOf, InHost(), py::arg("sheet"), py::arg("matrix"), py::arg("path"));
   module.def(
       "_fitted_sheet",
@@ -368,11 +434,10 @@ void BindJobs(py::module_& module) {
   module.def("_import", &Import, InHost(), py::arg("file"), py::arg("project"), py::arg("sheet"),
              py::arg("kind"), py::arg("decimal_comma"));
   module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));
+  module.def("_new_design", &NewDesign, InHost());
   module.def(
       "_matrix_from_table",
-      [](const Sheet& table) {
-        return Free(MatrixFromTable(table->Sheet(), "matrix " + table->Sheet().Name()));
-      },
+      [](const Sheet& table) { return Free(MatrixFromTable(table->Sheet(), table->Sheet().Name())); },
       InHost());
 }
 

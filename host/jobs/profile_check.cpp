@@ -8,6 +8,7 @@
 #include "host/formula/compiler.h"
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
+#include "host/jobs/base/project_files.h"
 #include "host/jobs/profile_job.h"
 
 namespace brenvolt {
@@ -91,19 +92,28 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
 
 JobFaults ProfileJob::Check() const {
   JobFaults faults;
-  if (models.empty() && formulas.empty())
+  if (models.empty() && formulas.empty() && functions.empty())
     faults.push_back({"models", "nothing to predict: give a model or a formula"});
   std::vector<std::string> responses;
   for (const std::string& text : formulas) CheckFormula(text, responses, faults);
   CheckOnce("formulas", std::move(responses), faults);
-  CheckWholeNumber("samples", samples, kFewestProfilerRuns, kMostProfilerRuns, faults);
+  CheckWholeNumber("samples", samples, kFewestProfilerRuns, kMostInteger, faults);
+  if (samples > kMostProfilerRuns && !output.empty() && !HasEnding(output, ".csv"))
+    faults.push_back({"output", "more than " + std::to_string(kMostProfilerRuns) +
+                                    " runs go to a .csv file, piece by piece"});
   if (seed) CheckWholeNumber("seed", *seed, 1, kMostInteger, faults);
   CheckEntries(*this, faults);
+  inputs.Read(nullptr, faults);
+  DesignText noisy;
+  for (const std::string& pair : noiseCorrelations)
+    AddCorrelation("noiseCorrelations", pair, nullptr, noisy, faults);
+  if (correlated && (!inputs.matrix.empty() || givenMatrix != nullptr))
+    faults.push_back({"matrix", "the predictors follow either a matrix or their columns"});
   CheckDataTarget("output", output, faults);
   CheckGraphsTarget("graphs", graphs, faults);
-  std::vector<JobFile> inputs{{"data", data.file}};
-  for (const auto& model : models) inputs.push_back({"models", model});
-  CheckTargetsApart(inputs, {{"output", output}, {"graphs", graphs}}, faults);
+  std::vector<JobFile> files{{"data", data.file}, {"from", inputs.from}, {"matrix", inputs.matrix}};
+  for (const auto& model : models) files.push_back({"models", model});
+  CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}}, faults);
   return faults;
 }
 

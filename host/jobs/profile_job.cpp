@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <nlohmann/json.hpp>
+#include <utility>
 
+#include "host/analysis/run_bounds.h"
 #include "host/application/graph_json.h"
 #include "host/application/json_text.h"
 #include "host/base/files/output_file.h"
@@ -12,13 +15,16 @@
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/long_profile.h"
+#include "host/jobs/predictor_inputs.h"
+#include "host/tables/csv.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
 namespace {
 
 // What the array of a predictor ends with: whether it is truncated below, where, whether above, where.
 constexpr std::size_t kTruncationItems = 4;
-constexpr std::string_view kSpecification = "VariableDistributionParams";
 
 // Places count from 1.
 Variant Place(std::size_t place) {
@@ -53,26 +59,39 @@ std::size_t PlaceOf(const std::string& name, const std::vector<std::string>& nam
   throw WrongJob(field, "no " + kind + " called " + Quoted(name) + "; the " + kind + "s are " + list);
 }
 
+// Every pair of a matrix sheet, which may be null.
+std::vector<NotedCorrelation> PairsOf(const Spreadsheet* matrix) {
+  std::vector<NotedCorrelation> pairs;
+  if (matrix == nullptr || !HasMatrixRows(*matrix)) return pairs;
+  for (std::size_t i = 0; i < matrix->VariableCount(); ++i) {
+    const Variable& column = matrix->VariableAt(i);
+    for (std::size_t j = i + 1; j < matrix->VariableCount(); ++j)
+      pairs.push_back({column.Name(), matrix->VariableAt(j).Name(), column.Values()[j]});
+  }
+  return pairs;
+}
+
 // The dialog of the profiler, with predictors and responses by their places from 0.
 class Profiler {
  public:
   Profiler(const ProfileJob& job, std::int32_t seed, AnalysisSession& session)
-      : job_(job), seed_(seed), session_(session) {
+      : job_(job), batches_(static_cast<std::int64_t>(job.samples), seed), session_(session) {
     session_.Begin(Task::kProfile);
     dialog_ = session_.Dialog();
   }
 
   // Models come before formulas, which take the places of models of their responses.
-  void Prepare() {
+  void Prepare(const JobInput& input, JobRecorder& recorder) {
     LoadModels();
     SetFormulas();
-    Put("NumberOfSamples", AsInteger(job_.samples));
-    Put("IsSeedRandomNumber", 1);
-    Put("RandomSeedNumber", seed_);
-    if (job_.correlated && predictors_.size() < 2)
-      throw WrongJob("correlated", "a single predictor has nothing to be correlated with");
-    if (job_.correlated) Put("IsEditCorrelation", 1);
+    PutBatch(0);
+    const bool takesSaved = job_.savedFits && !job_.fitBest;
+    const DesignText saved =
+        takesSaved ? SavedDistributions(session_.Interface(), input.sheet) : DesignText();
     if (job_.fitBest) FitBest();
+    inputs_.TakeSaved(saved);
+    inputs_.TakeGiven(job_.inputs);
+    Correlate(!saved.variables.empty(), input, recorder);
     SpecifyPredictors();
     RequireRandom();
     SpecifyResponses();
@@ -80,12 +99,24 @@ class Profiler {
 
   const std::vector<std::string>& Responses() const { return responses_; }
 
-  std::vector<PredictorUse> Predictors() {
-    std::vector<PredictorUse> uses;
-    const Variant::Array texts = dialog_->Get("PredictorDistributions").ToArray();
-    for (std::size_t i = 0; i < predictors_.size(); ++i)
-      uses.push_back({predictors_[i], texts.at(i).ToText()});
-    return uses;
+  const PredictorInputs& Predictors() const { return inputs_; }
+
+  const RunBatches& Batches() const { return batches_; }
+  // The runs of the next simulation.
+  void PutBatch(std::int64_t batch) {
+    Put("NumberOfSamples", batches_.Runs(batch));
+    Put("IsSeedRandomNumber", 1);
+    Put("RandomSeedNumber", batches_.Seed(batch));
+  }
+  // The runs of a batch, in the sheet of the first, which is filled anew.
+  const Spreadsheet& Refill(std::int64_t batch) {
+    Put("IsAutoUpdateSameSheet", 1);
+    PutBatch(batch);
+    const Variant::Object made =
+        session_.Attempt([this] { return dialog_->Get("SimulationResults").ToObject(); });
+    const auto document = std::dynamic_pointer_cast<CAnalysisTableDoc>(made);
+    if (document == nullptr) throw Error("the analysis returned no table");
+    return document->Table();
   }
 
   // The simulated runs, why some have no prediction, and the graph of the profiles unless there are too many.
@@ -136,9 +167,10 @@ class Profiler {
 
  private:
   void LoadModels() {
-    if (job_.models.empty()) return;
+    if (job_.models.empty() && job_.functions.empty()) return;
     Variant::Array names;
     for (const auto& file : job_.models) names.emplace_back(file.string());
+    for (const auto& function : job_.functions) names.emplace_back(ProvidedModel::AddressOf(*function));
     Put("LoadModels", names);
     TakeNames();
   }
@@ -167,16 +199,46 @@ class Profiler {
     }
   }
 
+  // Those of the predictors: as their columns, or as the matrix that belongs to the distributions saved with these; then
+  // what a person gives.
+  void Correlate(bool drawsSaved, const JobInput& input, JobRecorder& recorder) {
+    JobFaults faults;
+    std::vector<NotedCorrelation> given = job_.inputs.Read(&predictors_, faults).correlations;
+    RequireNone(std::move(faults));
+    const auto isPredictor = [this](const std::string& name) {
+      return std::ranges::find(predictors_, name) != predictors_.end();
+    };
+    std::erase_if(given, [&](const NotedCorrelation& pair) {
+      return !isPredictor(pair.first) || !isPredictor(pair.second);
+    });
+    const std::string& name = job_.inputs.matrix;
+    const bool isGiven = !name.empty() || job_.givenMatrix != nullptr;
+    if (!job_.correlated && !isGiven && given.empty()) return;
+    if (predictors_.size() < 2) {
+      throw WrongJob(job_.correlated ? "correlated"
+                     : isGiven       ? "matrix"
+                                     : "correlation",
+                     "a single predictor has nothing to be correlated with");
+    }
+    Table matrix = job_.givenMatrix;
+    if (!name.empty()) matrix = RecordedMatrix(name, MatrixFor(name, input), input, recorder);
+    std::vector<NotedCorrelation> pairs;
+    if (job_.correlated && drawsSaved) pairs = PairsOf(MatrixFor({}, input).get());
+    pairs.insert(pairs.end(), given.begin(), given.end());
+    inputs_.Correlate(job_.correlated, matrix, pairs);
+  }
+
   void SpecifyPredictors() {
     for (const ProfileJob::Fixed& one : job_.fixed) {
       const Variant value = std::visit([](const auto& given) { return Variant(given); }, one.value);
-      PutSpecification(PredictorPlace(one.predictor, "fixed"), Variant::Array{Variant("Fixed"), value});
+      inputs_.Put(PredictorPlace(one.predictor, "fixed"), Variant::Array{Variant("Fixed"), value});
     }
     for (std::size_t i = 0; i < predictors_.size(); ++i) {
-      if (!SpecificationOf(i).IsEmpty()) continue;
-      throw Error("the data have no variable called " + Quoted(predictors_[i]) +
-                      " with values to start the predictor from; fix it at a value",
-                  job_.data.file.string());
+      if (!inputs_.SpecificationOf(i).IsEmpty()) continue;
+      throw Error(
+          "the data have no variable called " + Quoted(predictors_[i]) +
+              " with values to start the predictor from; give it a distribution, or fix it at a value",
+          job_.data.file.string());
     }
     for (const ProfileJob::Truncation& one : job_.truncate) Truncate(one);
   }
@@ -184,7 +246,8 @@ class Profiler {
   // What is asked of predictors that are random needs some that are.
   void RequireRandom() {
     std::size_t random = 0;
-    for (std::size_t i = 0; i < predictors_.size(); ++i) random += IsRandom(SpecificationOf(i)) ? 1 : 0;
+    for (std::size_t i = 0; i < predictors_.size(); ++i)
+      random += IsRandom(inputs_.SpecificationOf(i)) ? 1 : 0;
     if (job_.correlated && random == 1)
       throw WrongJob("correlated", "a single random predictor has nothing to be correlated with");
   }
@@ -196,7 +259,7 @@ class Profiler {
 
   void Truncate(const ProfileJob::Truncation& truncation) {
     const std::size_t predictor = PredictorPlace(truncation.predictor, "truncate");
-    const Variant specification = SpecificationOf(predictor);
+    const Variant specification = inputs_.SpecificationOf(predictor);
     if (!IsRandom(specification))
       throw WrongJob("truncate", Quoted(truncation.predictor) + " is not drawn at random");
     Variant::Array array = specification.ToArray();
@@ -209,7 +272,7 @@ class Profiler {
       array.emplace_back(std::int32_t{bound ? 1 : 0});
       array.emplace_back(bound.value_or(0));
     }
-    PutSpecification(predictor, array);
+    inputs_.Put(predictor, array);
   }
 
   void SpecifyResponses() {
@@ -218,6 +281,9 @@ class Profiler {
       Put("DependentNoise", 1);
       Put("StdDevY", one.standardDeviation);
     }
+    std::vector<std::string> noisy;
+    for (const ProfileJob::Noise& one : job_.noise) noisy.push_back(one.response);
+    CorrelateNoise(session_, job_.noiseCorrelations, responses_, noisy);
     for (const ProfileJob::Specification& one : job_.specifications) {
       Select(PlaceOf(one.response, responses_, "specifications", "response"));
       Put("LSL", Limit(one.limits.lower));
@@ -228,17 +294,6 @@ class Profiler {
 
   std::size_t PredictorPlace(const std::string& name, const std::string& field) const {
     return PlaceOf(name, predictors_, field, "predictor");
-  }
-
-  // What the predictor is drawn from; empty if that is not known.
-  Variant SpecificationOf(std::size_t predictor) {
-    const Variant place = Place(predictor);
-    return dialog_->Get(kSpecification, {&place, 1});
-  }
-
-  void PutSpecification(std::size_t predictor, const Variant& specification) {
-    const Variant place = Place(predictor);
-    session_.Attempt([&] { dialog_->Put(kSpecification, specification, {&place, 1}); });
   }
 
   void Select(std::size_t response) { Put("DependentforResult", Place(response)); }
@@ -255,11 +310,12 @@ class Profiler {
   }
 
   const ProfileJob& job_;
-  const std::int32_t seed_;
+  const RunBatches batches_;
   AnalysisSession& session_;
   std::shared_ptr<AutomationObject> dialog_;
   std::vector<std::string> predictors_;
   std::vector<std::string> responses_;
+  PredictorInputs inputs_{session_, predictors_};
 };
 
 // The graphs of all responses together.
@@ -305,6 +361,70 @@ std::string WriteSimulated(const std::filesystem::path& path, const Table& simul
   return {};
 }
 
+// The tables of the runs that the dialog has simulated.
+void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, ProfileFindings& found,
+                 SharedGraphs& shared) {
+  ProfileResults& results = found.results;
+  results.runs = profiler.Batches().Runs(0);
+  results.predictors = profiler.Predictors().Uses(found.simulated->Table());
+  results.correlations = profiler.Predictors().Correlations();
+  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+    profiler.TakeResults(i, results);
+    if (!profiler.IsSpecified(i) || results.defects) continue;
+    Table defects;
+    std::tie(defects, shared.defects) = profiler.Defects(i);
+    TakeDefects(*defects, results);
+  }
+  if (simulated.tables.size() > 1) TakeUnpredicted(*simulated.tables[1], results);
+  RequirePredictions(results);
+  if (shared.profiles) TakeProfiles(*shared.profiles, results);
+}
+
+// Functions that know their runs by the numbers in all batches.
+std::vector<std::shared_ptr<const ModelFunction>> Numbered(
+    const std::vector<std::shared_ptr<const ModelFunction>>& functions,
+    const std::shared_ptr<std::int64_t>& firstRun) {
+  std::vector<std::shared_ptr<const ModelFunction>> numbered;
+  for (const auto& function : functions) {
+    ModelFunction copy = *function;
+    copy.predict = [function, firstRun](std::size_t first, auto predictors, auto dependents) {
+      function->predict(static_cast<std::size_t>(*firstRun) + first, predictors, dependents);
+    };
+    numbered.push_back(std::make_shared<const ModelFunction>(std::move(copy)));
+  }
+  return numbered;
+}
+
+// The further batches of a profile whose first one is done, and its runs piece by piece in their file.
+void RunOn(Profiler& profiler, const std::filesystem::path& output, std::int64_t& firstRun,
+           ProfileFindings& found) {
+  const RunBatches& batches = profiler.Batches();
+  found.simulated =
+      std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(found.simulated->Table()));
+  std::optional<CsvPieces> pieces;
+  if (!output.empty()) pieces.emplace(output);
+  std::int64_t current = 0;
+  bool isSimulated = true;  // the first batch
+  const auto simulate = [&](std::int64_t batch, const BatchSink& take) {
+    if (std::exchange(isSimulated, false)) return take(found.simulated->Table());
+    current = batch;
+    firstRun = batches.FirstRun(batch);
+    take(profiler.Refill(batch));
+  };
+  const auto take = [&](const Spreadsheet& simulated) {
+    if (pieces) pieces->Append(simulated);
+    for (std::size_t i = 0; found.results.defects && current > 0 && i < profiler.Responses().size(); ++i) {
+      if (!profiler.IsSpecified(i)) continue;
+      ProfileResults more;
+      TakeDefects(*profiler.Defects(i).first, more);
+      AddDefects(*more.defects, *found.results.defects);
+      break;
+    }
+  };
+  ExtendResults(batches, simulate, take, found.results);
+  if (pieces) pieces->Commit();
+}
+
 }  // namespace
 
 // The files are written when all results are there.
@@ -313,40 +433,57 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   RequireCases(input.sheet);
   RefuseReplacedProject(output);
   if (!graphs.empty()) RefuseProjectTarget(graphs);
-  if (!graphs.empty() && recorder.IsRecording()) throw WrongJob("graphs", "graphs cannot be recorded");
+  RequireRecordable(recorder);
+  const auto firstRun = std::make_shared<std::int64_t>(0);
+  std::deque<ProvidedModel> provided;
+  for (const auto& function : Numbered(functions, firstRun)) provided.emplace_back(function);
   ProfileFindings found;
   found.seed = ChosenSeed(seed);
   Profiler profiler(*this, found.seed, Start(input, data));
-  profiler.Prepare();
+  profiler.Prepare(input, recorder);
   SharedGraphs shared;
   const AnalysisSession::Shown simulated = profiler.Simulate();
   found.simulated = simulated.tables.front();
   if (!simulated.graphs.empty()) shared.profiles = simulated.graphs.front()->Content();
-  found.results.runs = static_cast<std::int64_t>(samples);
-  found.results.predictors = profiler.Predictors();
-  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
-    profiler.TakeResults(i, found.results);
-    if (!profiler.IsSpecified(i) || found.results.defects) continue;
-    Table defects;
-    std::tie(defects, shared.defects) = profiler.Defects(i);
-    TakeDefects(*defects, found.results);
+  TakeResults(profiler, simulated, found, shared);
+  if (!graphs.empty() && profiler.Batches().Count() > 1)
+    WriteGraphs(graphs, profiler, found.results, shared);  // they are those of the first batch
+  if (profiler.Batches().Count() > 1) {
+    RunOn(profiler, output, *firstRun, found);
+    return found;
   }
-  if (simulated.tables.size() > 1) TakeUnpredicted(*simulated.tables[1], found.results);
-  RequirePredictions(found.results);
-  if (shared.profiles) TakeProfiles(*shared.profiles, found.results);
   found.outputSheet = WriteSimulated(output, found.simulated, recorder);
   if (!graphs.empty()) WriteGraphs(graphs, profiler, found.results, shared);
   return found;
 }
 
+void ProfileJob::RequireRecordable(const JobRecorder& recorder) const {
+  if (!recorder.IsRecording()) return;
+  if (!graphs.empty()) throw WrongJob("graphs", "graphs cannot be recorded");
+  if (!functions.empty()) throw WrongJob("functions", "a function of the program cannot be recorded");
+  if (samples > kMostProfilerRuns)
+    throw WrongJob("samples", "a macro takes up to " + std::to_string(kMostProfilerRuns) + " runs");
+}
+
 ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   RequireNone(Check());
   ProfileRun run;
-  run.data = OpenJobData(data);
-  run.sheet = &run.data.Sheet(data.sheet);
-  recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
-  recorder.Took(&run.data.workbook, data.sheet, run.sheet);
-  static_cast<ProfileFindings&>(run) = Run(run.Input(interface, recorder), recorder);
+  if (!data.file.empty()) {
+    run.data = OpenJobData(data);
+    run.sheet = &run.data.Sheet(data.sheet);
+    recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
+    recorder.Took(&run.data.workbook, data.sheet, run.sheet);
+  } else if (inputs.IsEmpty()) {
+    throw WrongJob("data",
+                   "nothing to draw predictors from: give data, or variables with their distributions");
+  } else if (!data.sheet.empty()) {
+    throw WrongJob("sheet", "without a project there is no sheet to choose");
+  } else {
+    OpenNewDesign(run, recorder);
+  }
+  JobInput input = run.Input(interface, recorder);
+  if (data.file.empty()) input.home = nullptr;
+  static_cast<ProfileFindings&>(run) = Run(input, recorder);
   return run;
 }
 

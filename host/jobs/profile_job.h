@@ -3,6 +3,7 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -10,14 +11,16 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/design_job.h"
 #include "host/jobs/profile_results.h"
+#include "host/models/model_function.h"
 #include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
 
 struct ProfileFindings {
   ProfileResults results;
-  Table simulated;          // a row per run
+  Table simulated;  // a row per run; of runs beyond those that the dialog takes at once, the first ones
   std::string outputSheet;  // the sheet of the simulated runs where they went into a project
   std::int32_t seed = 0;    // given or drawn: the same seed gives the same runs
 };
@@ -43,13 +46,19 @@ struct ProfileJob {
     std::optional<double> maximum;
   };
 
-  JobData data;  // the columns that the predictors start from
+  JobData data;  // the columns that the predictors start from; none: `inputs` have them all
   std::vector<std::filesystem::path> models;
+  std::vector<std::shared_ptr<const ModelFunction>> functions;  // of the program, as models are; not recorded
   std::vector<std::string> formulas;  // "RESPONSE = EXPRESSION", in place of a model of the response
   double samples = 5000;
   std::optional<double> seed;  // without, Run draws one
-  bool correlated = false;     // the predictors, as their columns are
-  bool fitBest = false;        // each predictor by what fits its column best
+  bool correlated =
+      false;  // the predictors, as the matrix saved with their distributions has it, else as their columns
+  bool fitBest = false;   // each predictor by what fits its column best
+  bool savedFits = true;  // each predictor by the distribution saved with its column, where there is one
+  HandInputs inputs;      // over these: distributions of predictors, and correlations
+  Table givenMatrix;      // in place of the name of a matrix
+  std::vector<std::string> noiseCorrelations;  // of the noise of two responses, "y,z=0.5"
   std::vector<Noise> noise;
   std::vector<Specification> specifications;
   std::vector<Fixed> fixed;
@@ -64,6 +73,10 @@ struct ProfileJob {
   ProfileRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
   // The same from a sheet that is open.
   ProfileFindings Run(const JobInput& input, JobRecorder& recorder) const;
+
+ private:
+  // Throws WrongJob for what a macro cannot repeat.
+  void RequireRecordable(const JobRecorder& recorder) const;
 };
 
 }  // namespace brenvolt

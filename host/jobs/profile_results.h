@@ -11,6 +11,7 @@
 #include "host/analysis/analysis_table_doc.h"
 #include "host/analysis/result_table.h"
 #include "host/graphs/graph.h"
+#include "host/jobs/notation/design_text.h"
 
 namespace brenvolt {
 
@@ -50,7 +51,8 @@ struct ResponseResults {
   bool IsPredicted() const;
 };
 
-// What a predictor is drawn from, in words, with its truncation.
+// What a predictor is drawn from, with its truncation: in the notation of distributions (host/jobs/notation/), but for one
+// of texts and one that is fixed.
 struct PredictorUse {
   std::string name;
   std::string distribution;
@@ -59,6 +61,7 @@ struct PredictorUse {
 struct ProfileResults {
   std::int64_t runs = 0;
   std::vector<PredictorUse> predictors;
+  std::vector<NotedCorrelation> correlations;  // of the predictors, but for those of 0
   std::vector<ResponseResults> responses;
   // The exact counts, one row per specified response, then that of all; if there is any.
   std::optional<ResultTable> defects;

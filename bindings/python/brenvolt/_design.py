@@ -10,6 +10,7 @@ from . import _arguments, _brenvolt
 from .distributions import Distribution
 
 if TYPE_CHECKING:
+    import numpy
     import pandas
 
 
@@ -61,58 +62,81 @@ def _variables(variables):
     return _arguments.texts(variables, "variables", "a line of text")
 
 
-def _pairs(correlations):
-    """The pairs of a mapping of pairs, or of a square frame."""
+def _square(matrix, what, names=None):
+    """A sheet of a square DataFrame, or of an array of the named variables, for the host to take."""
+    import pandas
+
+    frame = pandas.DataFrame(matrix)
+    columns = [str(name) for name in frame.columns]
+    if not hasattr(matrix, "columns") and names is not None and len(names) == len(columns):
+        columns = list(names)
+    sheet = _brenvolt.Spreadsheet(what)
+    if not isinstance(frame.index, pandas.RangeIndex):
+        rows = "rows"
+        while rows in columns:
+            rows += "_"
+        sheet[rows] = [str(name) for name in frame.index]
+    for place, name in enumerate(columns):
+        try:
+            sheet[name] = frame.iloc[:, place].astype(float)
+        except (TypeError, ValueError):
+            raise TypeError(f"the column {name!r} of {what} must hold numbers") from None
+    return sheet
+
+
+def _enter(job, variables, correlations=None, from_file=None):
+    """Enters in a job what is given by hand."""
+    job.designed = _variables(variables)
+    if isinstance(correlations, Mapping):
+        job.correlations = _pairs(correlations, "correlations")
+    elif hasattr(correlations, "shape"):
+        names = list(variables) if isinstance(variables, Mapping) else None
+        job.correlation_table = _square(correlations, "correlations", names)
+    elif correlations is not None:
+        _arguments.refuse("correlations", "a mapping of pairs, a DataFrame or an array", correlations)
+    if from_file is not None:
+        job.from_file = _arguments.path(from_file, "from_file")
+
+
+def _pairs(correlations, what):
+    """The correlations of a mapping of pairs, in the notation."""
     if correlations is None:
         return []
-    if isinstance(correlations, Mapping):
-        pairs = []
-        for pair, value in correlations.items():
-            if not isinstance(pair, tuple) or len(pair) != 2:
-                raise ValueError(f"correlations must be between pairs (first, second), not {pair!r}")
-            pairs.append((*pair, _arguments.number(value, f"correlations[{pair!r}]")))
-    elif hasattr(correlations, "columns"):
-        names = [str(name) for name in correlations.columns]
-        if correlations.shape[0] != len(names):
-            raise ValueError(f"correlations must be square, not {correlations.shape[0]} by {len(names)}")
-        try:
-            values = correlations.to_numpy(dtype=float)
-        except (TypeError, ValueError):
-            raise TypeError("correlations must hold numbers") from None
-        if not ((values - values.T) ** 2 <= 1e-18).all():
-            raise ValueError("correlations must be symmetric")
-        pairs = [(names[i], names[j], values[i, j]) for i in range(len(names)) for j in range(i)]
-    else:
-        _arguments.refuse("correlations", "a mapping of pairs or a DataFrame", correlations)
-    return [f"{first},{second}={float(value)!r}" for first, second, value in pairs]
+    if not isinstance(correlations, Mapping):
+        _arguments.refuse(what, "a mapping of pairs", correlations)
+    texts = []
+    for pair, value in correlations.items():
+        if not isinstance(pair, tuple) or len(pair) != 2:
+            raise ValueError(f"{what} must be between pairs (first, second), not {pair!r}")
+        texts.append(f"{pair[0]},{pair[1]}={_arguments.number(value, f'{what}[{pair!r}]')!r}")
+    return texts
 
 
 def design(project: str | os.PathLike, variables: Mapping[str, Distribution | str] | Iterable[str] | None = None, *,
-           correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | None = None,
+           correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
            matrix: str | os.PathLike | None = None, from_file: str | os.PathLike | None = None,
            sheet: str | None = None) -> Design:
     """Enters distributions and correlations by hand in a project, which is made if missing, and returns its design.
 
     variables: {name: distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"); or
     lines like "h ~ normal(50.2, 0.05)".
-    correlations: {(first, second): number}, or a square DataFrame. Pairs that nothing is said about stay as they are.
+    correlations: {(first, second): number}, or a square DataFrame, or an array in the order of the variables. Pairs that
+    nothing is said about stay as they are.
     matrix: correlations to begin with: a sheet of the project, a CSV file, or PROJECT.bvw[:SHEET].
     from_file: a text file of such lines; the other arguments come after it.
 
     Without anything to enter, the project stays as it is.
     """
     job = _brenvolt.DesignJob()
-    job.project, job.variables = _arguments.path(project, "project"), _variables(variables)
-    job.correlations = _pairs(correlations)
+    job.project = _arguments.path(project, "project")
+    _enter(job, variables, correlations, from_file)
     if sheet is not None:
         job.sheet = _arguments.text(sheet, "sheet")
     if matrix is not None:
         job.matrix = _arguments.path(matrix, "matrix")
-    if from_file is not None:
-        job.from_file = _arguments.path(from_file, "from_file")
     job.check()
     if os.path.exists(project):
         target = _brenvolt._fitted_sheet(_brenvolt.open_workbook(project), sheet or "")
     else:
-        target = _brenvolt.Spreadsheet(_brenvolt._new_design_sheet)
+        target = _brenvolt._new_design()
     return Design(*job.run(target))

@@ -8,10 +8,12 @@ import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
-from . import _arguments, _automation, _brenvolt, _sheets, distributions as _distributions
+from . import _arguments, _automation, _brenvolt, _design, _function, _sheets, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
+from ._errors import Error
 
 if TYPE_CHECKING:
+    import numpy
     import pandas
 
 Names = str | int | Iterable[str] | Iterable[int] | None
@@ -380,12 +382,16 @@ def _scalars(distribution):
     return {name: value for name, value in parameters.items() if not isinstance(value, list)}
 
 
-def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, samples: int = 1000,
+def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
+             | Mapping[str, _distributions.Distribution | str] | None = None, samples: int = 1000,
              method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
-             variables: Names = None, sheet: str | None = None) -> pandas.DataFrame:
-    """Draws samples from the best fit of each variable.
+             correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
+             from_file: str | os.PathLike | None = None, variables: Names = None,
+             sheet: str | None = None) -> pandas.DataFrame:
+    """Draws samples from the best fit of each variable, or from distributions given by hand.
 
-    source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one.
+    source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one. Or by hand {name:
+    distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]").
     method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
     "latin-hypercube-iman-conover".
     seed: 0 to 2147483647; the same seed gives the same samples. Without, one is drawn, so that they differ each time;
@@ -393,14 +399,24 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
     matrix: the correlations that samples follow: a square DataFrame, a matrix Spreadsheet, or the name of a matrix
     sheet or file; without, the correlations that belong to the fits.
+    correlations: of what is given by hand: {(first, second): number}, a square DataFrame, or an array in the order of the
+    variables; pairs that nothing is said about are not correlated.
+    from_file: a text file of variables and correlations, in place of a source or before its variables.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
 
-    Returns a DataFrame with a row per sample, numbered from 1. Its attrs["cautions"] maps variables to what speaks
-    against simulating their best fits, as FittedVariable.cautions does.
+    Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
+    "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman") those of
+    each pair; "repaired_matrix", which took the place of the correlations asked for where they contradict each other, as
+    {name: {name: number}}, or None; and "cautions", what speaks against simulating the best fits, as
+    FittedVariable.cautions does.
     """
-    job = _job(_brenvolt.SimulateJob, data=_file_of(source), samples=samples, method=method, seed=seed, truncate=truncate,
+    by_hand = from_file is not None or _is_design(source)
+    job = _job(_brenvolt.SimulateJob, data=None if by_hand else _file_of(source), samples=samples, method=method,
+               seed=seed, truncate=truncate, sheet=sheet if by_hand else None,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
                variables=_arguments.names(variables, "variables"))
+    if by_hand or correlations is not None:
+        _design._enter(job, source if by_hand else None, correlations, from_file)
     job.check()
     chosen = None if matrix is None or job.matrix else _matrix_of(matrix)
     if isinstance(source, FitResult):
@@ -408,10 +424,18 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike, sam
         chosen = kept if matrix is None else chosen
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
-    simulated, seed, cautions = job.run(_fitted_sheet(source, sheet), chosen)
+    target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
+    simulated, seed, cautions, drawn, pairs, repaired = job.run(target, chosen)
     frame = simulated.to_pandas()
-    frame.attrs["seed"], frame.attrs["cautions"] = seed, cautions
+    frame.attrs.update(seed=seed, cautions=cautions, method=method, distributions=drawn, correlations=pairs,
+                       repaired_matrix=repaired)
     return frame
+
+
+def _is_design(source):
+    """Whether these are distributions given by hand, and no data."""
+    return isinstance(source, Mapping) and all(isinstance(value, (str, _distributions.Distribution))
+                                               for value in source.values())
 
 
 def _fitted_sheet(source, name):
@@ -421,7 +445,7 @@ def _fitted_sheet(source, name):
         _refuse_sheet(name, "source", source)
         return source.sheet if isinstance(source, FitResult) else source
     if not isinstance(source, (Workbook, str, os.PathLike)):
-        raise TypeError(f"simulate needs a project or a fit result, not {type(source).__name__}")
+        raise TypeError(f"simulate needs a project, a fit result or distributions by name, not {type(source).__name__}")
     workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
     return _brenvolt._fitted_sheet(workbook, name or "")
 
@@ -429,44 +453,42 @@ def _fitted_sheet(source, name):
 def _matrix_of(matrix):
     if isinstance(matrix, (Spreadsheet, _automation.TableDocument)):
         return _automation._sheet(matrix)
-    import pandas
-
     if not hasattr(matrix, "__len__") or isinstance(matrix, bytes):
         _arguments.refuse("matrix", "a square DataFrame, a matrix Spreadsheet, or the name of a sheet or file", matrix)
-    frame = pandas.DataFrame(matrix)
-    names = [str(name) for name in frame.columns]
-    if frame.shape[0] != frame.shape[1]:
-        raise ValueError(f"matrix must be square, not {frame.shape[0]} by {frame.shape[1]}")
-    if not isinstance(frame.index, pandas.RangeIndex) and [str(name) for name in frame.index] != names:
-        raise ValueError("the rows of matrix must have the names of its columns, in the same order")
-    sheet = Spreadsheet("matrix")
-    sheet["name"] = [*names, *_brenvolt._matrix_rows]
-    for place, name in enumerate(names):
-        last = [1.0, 1.0] if place == 0 else [float("nan"), float("nan")]
-        try:
-            sheet[name] = [*frame.iloc[:, place].astype(float), 0.0, 1.0, *last]
-        except (TypeError, ValueError):
-            raise TypeError(f"the column {name!r} of matrix must hold numbers") from None
-    return _brenvolt._matrix_from_table(sheet)
+    return _brenvolt._matrix_from_table(_design._square(matrix, "matrix"))
 
 
-def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] | None = None,
+def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.PathLike] | None = None,
             formulas: str | Iterable[str] | None = None, *, samples: int | None = None, seed: int | None = None,
-            correlated: bool = False, fit_best: bool = False, noise: Mapping[str, float] | None = None,
+            correlated: bool = False, fit_best: bool = False, saved_fits: bool = True,
+            variables: Mapping[str, _distributions.Distribution | str] | None = None,
+            correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
+            matrix: Any = None, from_file: str | os.PathLike | None = None, noise: Mapping[str, float] | None = None,
+            noise_correlations: Mapping[tuple[str, str], float] | None = None,
             specifications: Mapping[str, tuple[float | None, float | None, float | None]] | None = None,
             fixed: Mapping[str, float | str] | None = None,
             truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
-            sheet: str | None = None, output: str | os.PathLike | None = None,
-            graphs: str | os.PathLike | None = None) -> ProfileResult:
-    """Simulates what models or formulas predict, and compares it with specifications.
+            responses: str | Iterable[str] | None = None, sheet: str | None = None,
+            output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None) -> ProfileResult:
+    """Simulates what models, formulas or a function predict, and compares it with specifications.
 
-    data: as for fit(); predictors start from the columns of their names, each Normal with its column's mean and
-    standard deviation.
+    profile(data, models, formulas, ...) or profile(function, inputs, ...), where inputs are as data.
+
+    data: as for fit(); predictors start from the columns of their names: from the distribution that is saved with the
+    column, else Normal with its mean and standard deviation. Or no data but {name: distribution}, each a Distribution or
+    its notation ("triangular(100, 180, 120) in [, 170]").
     models: PMML files; formulas: "RESPONSE = EXPRESSION", in place of a model of the response.
-    samples: runs, 100 to 100000; 5000 without. seed: 1 or more; the same seed gives the same runs. Without, one is drawn;
+    function: of columns of runs, which it takes as NumPy arrays, in blocks: those of the inputs that its parameters are called
+    after, or as its only argument of another name a dictionary of all. It gives an array of as many numbers; for several
+    responses, whose names `responses` lists, a mapping or a list of arrays. Without, the response is called after the
+    function. What it raises, and what is no number, ends the profile with an Error that names the block.
+    samples: runs, 100 or more; 5000 without. Of more than 100000, ProfileResult.samples has the first ones. seed: 1 or more; the same seed gives the same runs. Without, one is drawn;
     ProfileResult.seed tells it.
-    correlated: correlates the predictors as their columns are; fit_best: draws each from what fits its column best.
-    noise: {response: standard deviation} of normal noise that is added.
+    correlated: correlates the predictors as the matrix saved with their distributions has it, else as their columns are;
+    fit_best: draws each from what fits its column best; saved_fits: False starts from the columns alone.
+    variables: {predictor: distribution} over those of the data. from_file: a text file of variables and correlations.
+    correlations, matrix: as for simulate(), of the predictors.
+    noise: {response: standard deviation} of normal noise that is added; noise_correlations: {(response, response): number}.
     specifications: {response: (lower limit, target, upper limit)}, each of which may be None.
     fixed: {predictor: number, or the name of a class}.
     truncate: {predictor: (minimum, maximum)}, each of which may be None, in place of the range that a model declares.
@@ -474,16 +496,51 @@ def profile(data: Any, models: str | os.PathLike | Iterable[str | os.PathLike] |
 
     Returns a ProfileResult.
     """
-    job = _job(_brenvolt.ProfileJob, data=_file_of(data), models=_arguments.texts(models, "models", "a path"),
-               formulas=_arguments.texts(formulas, "formulas", "a formula"), samples=samples, seed=seed, correlated=correlated,
-               fit_best=fit_best, noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
+    function = None
+    if callable(data):
+        function, data, models = data, models, None
+    by_hand = data is None or _is_design(data)
+    job = _job(_brenvolt.ProfileJob, data=None if by_hand else _file_of(data),
+               models=_arguments.texts(models, "models", "a path"),
+               formulas=_arguments.texts(formulas, "formulas", "a formula"), samples=samples, seed=seed,
+               correlated=correlated, fit_best=fit_best, saved_fits=saved_fits,
+               matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
+               noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
+               noise_correlations=_design._pairs(noise_correlations, "noise_correlations"),
                specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
                                       "(lower limit, target, upper limit)"),
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
                output=output, graphs=graphs)
+    given = {**data, **(variables or {})} if by_hand and data is not None else variables
+    _design._enter(job, given, correlations, from_file)
+    table = None
+    if function is not None:
+        table = None if by_hand else _sheet_of(data, sheet)
+        model = _function.Model(function, _inputs_of(job, table), responses)
+        job.add_function(model.name, model.predictors, model.responses, model)
+    elif responses is not None:
+        raise ValueError("responses are those of a function; there is none")
     job.check()
-    return ProfileResult(*job.run(_sheet_of(data, sheet)))
+    chosen = None if matrix is None or isinstance(matrix, (str, os.PathLike)) else _matrix_of(matrix)
+    if table is None:
+        table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet)
+    try:
+        return ProfileResult(*job.run(table, chosen))
+    except Error as error:
+        if function is None or model.failure is None:
+            raise
+        if not isinstance(model.failure, Exception):  # an interruption
+            raise model.failure from None
+        raise error from model.failure
+
+
+def _inputs_of(job, table):
+    """The names of what a function may take: what is given by hand, and the numeric columns of the data."""
+    names = job.designed_names()
+    if table is not None:
+        names += [name for name in table.names if name not in names and not table.variable(name).is_text]
+    return names
 
 
 def _entries(kind, given, what, of, texts=False):
@@ -508,7 +565,8 @@ def _rows_frame(rows, index):
 class ProfileResult:
     """What simulated runs told of the responses.
 
-    runs, seed; predictors: {name: what it is drawn from}; samples: a DataFrame with a row per run; responses: {name:
+    runs, seed; predictors: {name: what it is drawn from}, in the notation of distributions; correlations: {(predictor,
+    predictor): number}; samples: a DataFrame with a row per run; responses: {name:
     ProfiledResponse}; defects: a DataFrame with a row per specified response, then that of all, with limits of 95 %
     confidence; notes: texts on what is left out.
     """
@@ -518,6 +576,7 @@ class ProfileResult:
         self.runs: int = found["runs"]
         self.seed = seed
         self.predictors: dict[str, str] = found["predictors"]
+        self.correlations: dict[tuple[str, str], float] = found["correlations"]
         self.responses = {response["name"]: ProfiledResponse(response) for response in found["responses"]}
         self.defects = _rows_frame(found["defects"], "response")
         self.notes: list[str] = found["notes"]

@@ -172,7 +172,7 @@ class Fits(Folder):
                 with self.assertRaisesRegex(TypeError, "data must be a Series, DataFrame, mapping"):
                     brenvolt.fit(data)
             for source in (pandas.DataFrame({"x": [1.0]}), None, 5):
-                with self.assertRaisesRegex(TypeError, "simulate needs a project or a fit result, not "):
+                with self.assertRaisesRegex(TypeError, "simulate needs a project, a fit result or distributions by name, not "):
                     brenvolt.simulate(source)
 
     def test_columns_that_are_none_are_refused_by_name(self):
@@ -332,7 +332,7 @@ class Simulations(Folder):
         cases = [(lambda: brenvolt.simulate(result, method="sobol"), ValueError, "expected one of "),
                  (lambda: brenvolt.simulate(result, matrix="m.csv"), ValueError, "only methods that induce"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix="none.csv"), Error, "neither a sheet"),
-                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), ValueError, "square"),
+                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), Error, "is not a matrix"),
                  (lambda: brenvolt.simulate(result, 0), ValueError, "from 1 to 2147483647, got 0"),
                  (lambda: brenvolt.simulate(result, 10, "norta"), Error, "no generator"),
                  (lambda: brenvolt.simulate(result, variables="none"), ValueError, "no variable called 'none'"),

@@ -1,0 +1,47 @@
+// What the predictors of the profiler are drawn from beyond what it starts with: the distributions saved with their
+// columns, those that a person gives, and their correlations. All of it reaches the open dialog by its members.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/jobs/design_job.h"
+#include "host/jobs/profile_results.h"
+
+namespace brenvolt {
+
+// The distributions, best ones first, that the variables of a sheet carry, read in an analysis of their own.
+DesignText SavedDistributions(ProgramInterface& interface, Spreadsheet& sheet);
+
+class PredictorInputs {
+ public:
+  // Of the profiler that the session has open. All must outlive this.
+  PredictorInputs(AnalysisSession& session, const std::vector<std::string>& predictors);
+
+  // What a predictor is drawn from, as the dialog has it; empty if that is not known.
+  Variant SpecificationOf(std::size_t predictor) const;
+  void Put(std::size_t predictor, const Variant& specification) const;
+  // Of the variables that are predictors. One that is drawn from its categories stays so; what is truncated to the range
+  // that a model declares stays within it unless the saved distribution has bounds of its own.
+  void TakeSaved(const DesignText& saved) const;
+  // Throws WrongJob for a variable that is no predictor. A text file may hold more than the models read.
+  void TakeGiven(const HandInputs& inputs) const;
+  // Correlates the predictors as their columns are, as a matrix has it where there is one, and over these as pairs say.
+  // Pairs of which one is no predictor are passed over.
+  void Correlate(bool asColumns, const Table& matrix, const std::vector<NotedCorrelation>& pairs) const;
+
+  // In the notation, or in the dialog's words where they are not drawn from a distribution of numbers.
+  std::vector<PredictorUse> Uses(const Spreadsheet& simulated) const;
+  // The correlations of the predictors that are drawn, but for those of 0; none unless they are correlated.
+  std::vector<NotedCorrelation> Correlations() const;
+
+ private:
+  AnalysisSession& session_;
+  const std::vector<std::string>& names_;
+};
+
+// Correlates the noise of responses, each pair in the notation. Throws WrongJob; `noisy` are the responses with noise.
+void CorrelateNoise(AnalysisSession& session, const std::vector<std::string>& pairs,
+                    const std::vector<std::string>& responses, const std::vector<std::string>& noisy);
+
+}  // namespace brenvolt
