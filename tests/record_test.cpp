@@ -64,6 +64,14 @@ TEST_F(Recordings, ReplayedSimulationLeavesTheSameFiles) {
   ExpectSameFiles({"simulate", "p.bvw", "--method", "latin-hypercube-iman-conover", "--seed", "1", "--matrix",
                    "Correlation matrix", "-o", "p.bvw"},
                   {"p.bvw"});
+  ExpectSameFiles({"simulate", "--from", kExamples + "tolerance_stack.txt", "--variable", "n ~ poisson(3)",
+                   "--correlation", "n,a=0.2", "--method", "iman-conover", "--seed", "7", "-o", "h.csv"},
+                  {"h.csv"});
+  WriteBytes(File("m.csv"), ",x,y\nx,1,0.5\ny,0.5,1\n");
+  ExpectSameFiles(
+      {"simulate", "--variable", "x ~ normal(0, 1)", "--variable", "y ~ bernoulli(0.5)", "--matrix", "m.csv",
+       "--method", "latin-hypercube-iman-conover", "--seed", "7", "-o", "h.csv"},
+      {"h.csv"});
 }
 
 TEST_F(Recordings, ReplayedDesignLeavesTheSameProject) {
@@ -78,10 +86,34 @@ TEST_F(Recordings, ReplayedProfileLeavesTheSameFiles) {
                    "--fit-best", "--correlated", "--truncate", "ibh=111,5000", "--noise", "O3=4.75", "--spec",
                    "O3=,,25", "--seed", "7", "-o", "s.csv"},
                   {"s.csv"});
-  ExpectSameFiles({"profile", kExamples + "ozone.csv", "--formula", "cost = 2 * temp + ibh / 100",
-                   "--formula", "'twice ibt' = 2 * ibt", "--fix", "ibt=120", "--noise", "cost=3", "--noise",
-                   "twice ibt=1", "--seed", "3", "--samples", "500", "-o", "p.bvw"},
+  ExpectSameFiles({"profile",
+                   kExamples + "ozone.csv",
+                   "--formula",
+                   "cost = 2 * temp + ibh / 100",
+                   "--formula",
+                   "'twice ibt' = 2 * ibt",
+                   "--fix",
+                   "ibt=120",
+                   "--noise",
+                   "cost=3",
+                   "--noise",
+                   "twice ibt=1",
+                   "--noise-correlation",
+                   "cost,twice ibt=0.5",
+                   "--seed",
+                   "3",
+                   "--samples",
+                   "500",
+                   "-o",
+                   "p.bvw"},
                   {"p.bvw"});
+  ExpectSameFiles({"profile", "--from", kExamples + "tolerance_stack.txt", "--formula",
+                   "gap = housing - a - b - c - d", "--seed", "3", "-o", "g.csv"},
+                  {"g.csv"});
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "f.bvw"});
+  ExpectSameFiles({"profile", "f.bvw", "--correlated", "--formula", "y = waiting / eruptions", "--seed", "3",
+                   "--truncate", "eruptions=1:", "-o", "y.csv"},
+                  {"y.csv"});
 }
 
 TEST_F(Recordings, ReplayedExchangeLeavesTheSameFiles) {

@@ -98,7 +98,7 @@ FORMULA = "y = x + 2 * n"
 REFUSED_PROFILES = (
     ({}, "nothing to predict: give a model or a formula (models)"),
     ({"formulas": ["x + n"]}, "expected RESPONSE=EXPRESSION, got 'x + n' (formulas)"),
-    ({"formulas": [FORMULA], "samples": 99}, "expected a whole number from 100 to 100000, got 99 (samples)"),
+    ({"formulas": [FORMULA], "samples": 99}, "expected a whole number from 100 to 2147483647, got 99 (samples)"),
     ({"formulas": [FORMULA], "seed": 0}, "expected a whole number from 1 to 2147483647, got 0 (seed)"),
     ({"formulas": [FORMULA], "noise": {"y": -1}}, "the standard deviation must not be less than 0 (noise)"),
     ({"formulas": [FORMULA], "noise": {"z": 1}}, "no response called 'z'; the responses are y (noise)"),
@@ -115,8 +115,26 @@ REFUSED_PROFILES = (
     ({"formulas": [FORMULA], "truncate": {"x": (None, None)}}, "'x' has no range that could be lifted (truncate)"),
     ({"formulas": ["y = z", "z = y"]}, "the formula for y (it is predicted from itself)"),
     ({"formulas": [FORMULA], "output": "d.csv"}, "would replace d.csv, which is read (output)"),
-    ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; fix it at a value (d.csv)"),
+    ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; give it a distribution, or fix it at a value (d.csv)"),
     ({"models": ["none.pmml"]}, "(none.pmml)"),
+)
+# Variables and correlations by hand that every job refuses, and what it says.
+NORMAL = "normal(0, 1)"
+REFUSED_INPUTS = (
+    ({"h": "normal(1, -2)"}, {}, "expected a number above 0 for scale, got '-2'; normal takes location, scale (character 15"),
+    ({"h": "triangular(5, 1, 3)"}, {}, "min <= mode <= max, and min < max"),
+    ({"h": "triangular(1, 5, 6)"}, {}, "min <= mode <= max, and min < max"),
+    ({"h": "histogram(0:0.5, 1:0.4)"}, {}, "the proportions must add up to 1; they add up to 0.9"),
+    ({"h": "nomral(1, 2)"}, {}, "no distribution is called 'nomral'; did you mean normal?"),
+    ({"h": "normal(1, 2) in [50, 60]"}, {}, "the bounds leave nothing of the distribution"),
+    ({"h": "normal(1, 2) in [3, 2]"}, {}, "the lower bound must be below the upper one"),
+    ({"h": "normal(1)"}, {}, "scale is missing; normal takes location, scale"),
+    ({"h": "normal(nan, 1)"}, {}, "expected a finite number for location, got 'nan'"),
+    ({"": NORMAL}, {}, "expected the name of a variable before '~'"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 1.01}, "a correlation lies between -1 and 1, got 1.01 (correlation)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 0.1, ("c", "h"): 0.2}, "correlation of c and h is given twice (correlation)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "h"): 0.5}, "a variable is correlated with itself by 1"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "cc"): 0.5}, "no variable is called 'cc'; did you mean c? (correlation)"),
 )
 # Calls of fit() over an example.
 FITS = (
@@ -241,6 +259,23 @@ class SameCalls(unittest.TestCase):
         self.assertEqual(refused, (status, said[1:]))
         self.assertEqual(refused, (1, ["no run has a prediction (y: the formula gives no number; "
                                        "z: field y, the value is missing)"]))
+
+    def test_inputs_by_hand_are_refused_alike_by_all_jobs(self):
+        for variables, pairs, said in REFUSED_INPUTS:
+            options = [word for name, text in variables.items() for word in ("--variable", f"{name} ~ {text}")]
+            options += [word for pair, value in pairs.items() for word in ("--correlation", f"{pair[0]},{pair[1]}={value!r}")]
+            for verb, more, call in (
+                    ("design", ["p.bvw"], lambda: brenvolt.design("p.bvw", variables, correlations=pairs)),
+                    ("simulate", ["--method", "iman-conover", "-o", "s.csv"],
+                     lambda: brenvolt.simulate(variables, 9, "iman-conover", correlations=pairs)),
+                    ("profile", ["--formula", "y = h + c", "-o", "s.csv"],
+                     lambda: brenvolt.profile(variables, formulas="y = h + c", correlations=pairs))):
+                with self.subTest(verb, **{"variables": variables, "pairs": pairs}):
+                    refused = self.refused_by_command(verb, *more, *options)
+                    self.assertEqual(refused, self.refused_by_python(call))
+                    self.assertEqual(refused[0], 2)
+                    self.assertIn(said, refused[1][0])
+                    self.assertFalse(os.path.exists("p.bvw") or os.path.exists("s.csv"))
 
     def test_all_faults_are_said_at_once(self):
         faults = self.refused_by_command("fit", "d.csv", *words(REFUSED_FITS[-1][0]))[1]
