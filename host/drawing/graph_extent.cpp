@@ -73,7 +73,9 @@ GraphExtent ExtentOf(const Graph& graph, std::span<const GraphSeries> curves) {
     extent.x.Add(region.to);
   }
   for (const GraphBox& box : graph.boxes) AddBox(box, extent.x);
-  if (graph.bars.empty() && graph.kind != GraphKind::kProbabilityPlot && graph.curves.empty()) {
+  const bool hasPoints = std::ranges::any_of(
+      graph.series, [](const GraphSeries& series) { return series.style == SeriesStyle::kPoints; });
+  if (graph.kind != GraphKind::kProbabilityPlot && (hasPoints || !graph.boxes.empty())) {
     extent.x.Widen();
     extent.y.Widen();
   }

@@ -37,6 +37,26 @@ std::size_t ColumnsOf(const Graph& graph, int width) {
   return std::clamp<std::size_t>(static_cast<std::size_t>(width / 300), 1, square);
 }
 
+// What the columns and the rows of a matrix cover: their points, and of a row not the counts of its histogram.
+std::vector<GraphExtent> SharedExtents(const Graph& graph, std::size_t columns) {
+  std::vector<GraphExtent> ofColumns(columns);
+  std::vector<GraphExtent> ofRows((graph.panels.size() + columns - 1) / columns);
+  const auto unite = [](const Extent& more, Extent& extent) {
+    if (more.IsEmpty()) return;
+    extent.Add(more.from);
+    extent.Add(more.to);
+  };
+  for (std::size_t i = 0; i < graph.panels.size(); ++i) {
+    const GraphExtent extent = ExtentOf(graph.panels[i], {});
+    unite(extent.x, ofColumns[i % columns].x);
+    if (graph.panels[i].bars.empty()) unite(extent.y, ofRows[i / columns].y);
+  }
+  std::vector<GraphExtent> shared;
+  for (std::size_t i = 0; i < graph.panels.size(); ++i)
+    shared.push_back({ofColumns[i % columns].x, ofRows[i / columns].y});
+  return shared;
+}
+
 // Notes one a line where they fit, side by side in columns.
 struct NoteColumns {
   int columns = 1;
@@ -120,12 +140,19 @@ void Page::LayOutCells(int width) {
 void Page::Paint(const Theme& theme, QCPPainter& painter) const {
   painter.fillRect(QRect(QPoint(0, 0), size_), theme.background);
   if (graph_.panels.empty()) {
-    PaintPanel(graph_, theme, {QRect(QPoint(0, 0), size_)}, painter);
+    PanelStyle style;
+    style.area = QRect(QPoint(0, 0), size_);
+    PaintPanel(graph_, theme, style, painter);
     return;
   }
   PaintTitle(theme, painter);
+  const std::vector<GraphExtent> shared =
+      IsMatrix(graph_) ? SharedExtents(graph_, columns_) : std::vector<GraphExtent>(areas_.size());
   for (std::size_t i = 0; i < areas_.size(); ++i) {
-    PanelStyle style{areas_[i]};
+    PanelStyle style;
+    style.area = areas_[i];
+    style.x = shared[i].x;
+    style.y = shared[i].y;
     style.isCell = IsMatrix(graph_) || areas_[i].width() < kNarrowest;
     if (IsMatrix(graph_)) {
       style.showsYAxis = i % columns_ == 0;

@@ -26,7 +26,8 @@ constexpr std::size_t kMostCategories = 200;
 constexpr int kSmallSize = 11;  // of axis numbers, legends and notes
 // Cells of a pixel, so that what is drawn at twice the size loses nothing.
 constexpr std::size_t kCellsOfPixel = 2;
-// Where there are more points than this, several pixels share one.
+// Of more points than these a pixel has one at most, or several pixels share one.
+constexpr std::size_t kSomePoints = 1000;
 constexpr std::size_t kManyPoints = 20000;
 // A denser line is drawn thin, which is faster by far and covers the same pixels.
 constexpr std::size_t kDenseLine = 3000;
@@ -130,6 +131,8 @@ class PanelPlot {
       : graph_(graph), theme_(theme), style_(style), categories_(CategoriesOf(graph)) {
     for (const GraphCurve& curve : graph.curves) curves_.push_back(SampleCurve(curve));
     extent_ = ExtentOf(graph, curves_);
+    if (!style.x.IsEmpty()) extent_.x = style.x;
+    if (!style.y.IsEmpty() && graph.bars.empty()) extent_.y = style.y;
     if (IsHorizontal()) AdoptCategories();
     plot_.setBackground(QBrush(Qt::NoBrush));
     plot_.setAntialiasedElements(QCP::aeAll);
@@ -196,7 +199,9 @@ class PanelPlot {
     plot_.yAxis2->setTicks(false);
     if (!style_.isCell) return;
     plot_.xAxis->setTickLabels(style_.showsXAxis);
-    plot_.yAxis->setTickLabels(style_.showsYAxis);
+    // Counts of a histogram have another scale than the row.
+    plot_.yAxis->setTickLabels(style_.showsYAxis && graph_.bars.empty());
+    if (!graph_.bars.empty()) plot_.yAxis->setTicks(false);
   }
 
   void SetAxis(QCPAxis& axis, const AxisScale& scale, const std::string& title, int pixels) {
@@ -302,11 +307,18 @@ class PanelPlot {
     }
   }
 
+  // Of named bars and boxes, as a part of the room that each has.
+  double Thickness() const {
+    constexpr double kMostPixels = 56;
+    return std::min(
+        0.7, kMostPixels * static_cast<double>(categories_.size()) / std::max(1, style_.area.height() - 90));
+  }
+
   void AddTornado() {
     for (std::size_t i = 0; i < categories_.size(); ++i) {
       const double height = graph_.bars[i].heights.front();
       auto& bar = Add<QCPBars>(plot_.yAxis, plot_.xAxis);
-      bar.setWidth(0.7);
+      bar.setWidth(Thickness());
       bar.setPen(QPen(theme_.barEdge, 1));
       bar.setBrush(height < 0 ? theme_.negativeBar : theme_.bar);
       bar.addData(static_cast<double>(i) + 0.5, height);
@@ -340,10 +352,11 @@ class PanelPlot {
 
   void AddPoints(const GraphSeries& series) {
     CellGrid grid = Grid();
-    if (series.x.size() > kManyPoints) {
-      grid.columns /= 2 * kCellsOfPixel;
-      grid.rows /= 2 * kCellsOfPixel;
-    }
+    const std::size_t coarser = series.x.size() <= kSomePoints   ? 1
+                                : series.x.size() <= kManyPoints ? kCellsOfPixel
+                                                                 : 2 * kCellsOfPixel;
+    grid.columns /= coarser;
+    grid.rows /= coarser;
     const std::vector<std::size_t> shown = ThinPoints(series.x, series.y, grid);
     const double size = shown.size() <= 150 ? 6 : shown.size() <= 1000 ? 4 : 3;
     auto& points = Add<QCPGraph>(plot_.xAxis, plot_.yAxis);
@@ -404,9 +417,7 @@ class PanelPlot {
   }
 
   void AddBoxes() {
-    constexpr double kMostPixels = 60;
-    const double thickness = std::min(
-        0.6, kMostPixels * static_cast<double>(categories_.size()) / std::max(1, style_.area.height() - 90));
+    const double thickness = Thickness();
     for (std::size_t i = 0; i < categories_.size(); ++i) {
       const GraphBox& box = graph_.boxes[i];
       auto& drawn = Add<QCPStatisticalBox>(plot_.yAxis, plot_.xAxis);
@@ -484,7 +495,7 @@ class PanelPlot {
     legend.setBorderPen(Qt::NoPen);
     legend.setIconSize(kLegendIcon, 10);
     legend.setMargins(QMargins(2 * kPadding, 2, kPadding, 2));
-    legend.setRowSpacing(2);
+    legend.setRowSpacing(0);
     const int columns = LegendColumns(names, style_.area.width());
     legend.setWrap(columns);
     legend.setFillOrder(QCPLegend::foColumnsFirst, true);
@@ -492,6 +503,10 @@ class PanelPlot {
     const int room = (style_.area.width() - 2 * kPadding) / columns - kLegendIcon - 3 * kPadding;
     for (int i = 0; i < plot_.plottableCount(); ++i)
       plot_.plottable(i)->setName(Elided(plot_.plottable(i)->name(), TextFont(kSmallSize), room));
+    // Letters reach below the line that the items are measured by. The last row may have empty places.
+    for (int i = 0; i < legend.itemCount(); ++i) {
+      if (legend.item(i) != nullptr) legend.item(i)->setMargins(QMargins(2, 0, 2, 3));
+    }
     AddRow(legend);
   }
 

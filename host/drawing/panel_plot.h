@@ -3,6 +3,7 @@
 
 #include <QRect>
 
+#include "host/drawing/graph_extent.h"
 #include "host/drawing/theme.h"
 #include "host/graphs/graph.h"
 
@@ -15,6 +16,8 @@ struct PanelStyle {
   bool isCell = false;     // of a matrix, whose cells share their axes: no title and no legend
   bool showsXAxis = true;  // of a cell
   bool showsYAxis = true;
+  Extent x;  // of a cell: what its column and its row cover; empty where they share nothing
+  Extent y;
 };
 
 // Room for the axes that a cell shows, in pixels.

@@ -7,8 +7,9 @@
 namespace brenvolt {
 namespace {
 
-// Fewer points than this are shown as they are.
-constexpr std::size_t kFewPoints = 4000;
+// No more points, and no longer a line, than this are shown as they are.
+constexpr std::size_t kFewPoints = 1000;
+constexpr std::size_t kShortLine = 4000;
 
 std::vector<std::size_t> FiniteOf(std::span<const double> x, std::span<const double> y) {
   std::vector<std::size_t> kept;
@@ -86,7 +87,7 @@ std::vector<std::size_t> ThinPoints(std::span<const double> x, std::span<const d
 
 std::vector<std::size_t> ThinLine(std::span<const double> x, std::span<const double> y,
                                   const CellGrid& grid) {
-  if (x.size() <= kFewPoints) return FiniteOf(x, y);
+  if (x.size() <= kShortLine) return FiniteOf(x, y);
   const Parts columns(grid.xFrom, grid.xTo, grid.columns);
   std::vector<std::size_t> kept;
   ColumnRun run{};
