@@ -1,10 +1,13 @@
 #include "apps/cli/data_options.h"
 
+#include <cstdio>
 #include <map>
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
+#include "host/base/process/terminal.h"
 #include "host/base/quoted.h"
+#include "host/graphs/chart_text.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -55,6 +58,41 @@ void AddHandInputs(CLI::App& command, HandInputs& inputs) {
 
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {
   command.add_flag("--decimal-comma", decimalComma, "CSV with decimal commas, semicolons between the fields");
+}
+
+void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_view> kinds) {
+  command
+      .add_option(
+          "--plot", plot.file,
+          "Picture, by ending: .png, .svg, or .pdf with a page for each variable; with {name} in its name "
+          "a file for each")
+      ->type_name("FILE");
+  command.add_option("--plot-kind", plot.kind, "With --plot, which graphs (default overview)")
+      ->type_name(Alternatives(kinds));
+  command.add_option("--plot-theme", plot.theme, "With --plot, the colours (default light)")
+      ->type_name("light|dark");
+  AddNumber(command, "--plot-width", "plotWidth", plot.width, "PIXELS",
+            "With --plot, how wide a picture is, 320 to 8000; default: what its graphs need");
+}
+
+void ReportPlot(const Plot& plot) {
+  if (!plot.IsAsked()) return;
+  const bool isSeveral = plot.file.string().find(kNamePlace) != std::string::npos;
+  std::printf("\n%s written to %s\n", isSeveral ? "Pictures" : "Picture", plot.file.c_str());
+}
+
+void AddChartOption(CLI::App& command, bool& chart) {
+  command.add_flag("--chart", chart,
+                   "Print a histogram of each variable in characters, where the output is a terminal");
+}
+
+void PrintCharts(const std::vector<PlotPage>& pages) {
+  const auto width = StandardOutputWidth();
+  if (!width) return;
+  for (const PlotPage& page : pages) {
+    const std::string chart = ChartText(page.page, *width);
+    if (!chart.empty()) std::printf("\n%s", chart.c_str());
+  }
 }
 
 std::string OptionOf(const std::string& field) {

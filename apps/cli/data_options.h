@@ -5,13 +5,16 @@
 #include <CLI/CLI.hpp>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "host/application/json_text.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/plot.h"
 #include "host/jobs/design_job.h"
 
 namespace brenvolt::cli {
@@ -25,6 +28,16 @@ void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
 // Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
+
+// Adds --plot with what says how it is drawn. `kinds` are the words for the graphs of the command.
+void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_view> kinds);
+// "Pictures written to FILE", for people; nothing without a plot.
+void ReportPlot(const Plot& plot);
+
+// Adds --chart.
+void AddChartOption(CLI::App& command, bool& chart);
+// Where standard output is a terminal, the graphs in characters, in its width.
+void PrintCharts(const std::vector<PlotPage>& pages);
 
 // Adds --variable, --correlation and --from.
 void AddHandInputs(CLI::App& command, HandInputs& inputs);

@@ -10,6 +10,7 @@
 #include "apps/cli/fit_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 
@@ -19,6 +20,7 @@ namespace {
 struct FitCall {
   FitJob job;
   std::filesystem::path record;
+  bool chart = false;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -102,6 +104,9 @@ void Fit(const FitCall& call) {
   if (!job.save.empty() && !json) {
     std::printf("\nFits saved in %s\n", job.save.c_str());
   }
+  if (call.format == ReportFormat::kTable) ReportPlot(job.plot);
+  if (call.format == ReportFormat::kTable && call.chart)
+    PrintCharts(FitPlots(*run.session->Dialog(), {{}, "histogram", {}, {}}));
   recording.Commit();
 }
 
@@ -191,6 +196,12 @@ void AddFitCommand(CLI::App& program) {
       ->add_option("--graphs", job.graphs,
                    "File for the data of each variable's graphs with the fit that is saved first, as JSON")
       ->type_name("FILE.json");
+  AddPlotOptions(*command, job.plot, kFitPlotKinds);
+  command->add_flag(
+      "--plot-band", job.plot.band,
+      "With --plot, the limits within which 95 % of samples from a continuous fit lie, in P-P and Q-Q "
+      "plots");
+  AddChartOption(*command, call->chart);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);
   command->footer(

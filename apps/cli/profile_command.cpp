@@ -13,6 +13,7 @@
 #include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
 #include "host/jobs/profile_job.h"
+#include "host/jobs/profile_plots.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -129,6 +130,7 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
                 job.output.c_str(), (run.outputSheet.empty() ? "" : ", sheet " + run.outputSheet).c_str());
   }
   if (!job.graphs.empty()) std::printf("\nGraphs written to %s\n", job.graphs.c_str());
+  ReportPlot(job.plot);
 }
 
 // The files are written before anything is reported, so that a report means a finished job.
@@ -202,6 +204,7 @@ void AddProfileCommand(CLI::App& program) {
                    "File for the data of the graphs as JSON: histograms with the best fit and the limits, "
                    "tornado graphs, profiles of predicted values, defect profiles; not with --record")
       ->type_name("FILE.json");
+  AddPlotOptions(*command, job.plot, kProfilePlotKinds);
   AddDecimalCommaOption(*command, job.data.decimalComma);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

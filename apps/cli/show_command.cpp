@@ -10,7 +10,9 @@
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -26,6 +28,7 @@ constexpr int kMatrixDigits = 6;
 struct ShowOptions {
   std::filesystem::path project;
   std::string sheet;
+  Plot plot;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -197,14 +200,24 @@ void ShowSheet(const ShowOptions& options, const Spreadsheet& sheet) {
   json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
 }
 
+// A picture is that of the sheet, or of the first one with data.
 void Show(const ShowOptions& options) {
+  JobFaults faults;
+  CheckPlot(options.plot, kDataPlotKinds, faults);
+  CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}}, faults);
+  RequireNone(std::move(faults));
   DataFile project = OpenProject(options.project);
-  const bool json = options.format == ReportFormat::kJson;
-  if (options.sheet.empty()) {
-    json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
-    return;
+  if (options.plot.IsAsked()) {
+    const Spreadsheet& drawn = project.Sheet(options.sheet);
+    WritePlot(options.plot, drawn.Name(), DataPlots(drawn, options.plot.Kind()));
   }
-  ShowSheet(options, project.Sheet(options.sheet));
+  const bool json = options.format == ReportFormat::kJson;
+  if (!options.sheet.empty()) {
+    ShowSheet(options, project.Sheet(options.sheet));
+  } else {
+    json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
+  }
+  if (!json) ReportPlot(options.plot);
 }
 
 }  // namespace
@@ -215,6 +228,7 @@ void AddShowCommand(CLI::App& program) {
   command->add_option("PROJECT", options->project, "Project (.bvw)")->required();
   command->add_option("SHEET", options->sheet,
                       "Sheet whose variables and properties, or correlations, are shown");
+  AddPlotOptions(*command, options->plot, kDataPlotKinds);
   AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
   command->callback([options] { Show(*options); });

@@ -12,6 +12,7 @@
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/data_plots.h"
 #include "host/jobs/simulate_job.h"
 
 namespace brenvolt::cli {
@@ -94,6 +95,8 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
   std::printf("\nDrawn by %s%s from\n%s", call.job.method.c_str(),
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
+  ReportPlot(call.job.plot);
+  if (call.job.keepsTable) PrintCharts(DataPlots(run.output->Table(), "histogram"));
 }
 
 // The data are written before anything is reported, so that a report stands for a finished job.
@@ -139,6 +142,8 @@ void AddSimulateCommand(CLI::App& program) {
           "Where the data go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the first "
           "two take any number of samples of the methods without correlation")
       ->type_name("OUT");
+  AddPlotOptions(*command, job.plot, kSimulationPlotKinds);
+  AddChartOption(*command, job.keepsTable);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);
   command->footer(

@@ -6,6 +6,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 
@@ -243,7 +244,8 @@ JobFaults FitJob::Check() const {
   JobFaults faults = FitCheck(*this).Faults();
   CheckFolder("save", save, faults);
   CheckGraphsTarget("graphs", graphs, faults);
-  CheckTargetsApart({{"data", data.file}}, {{"save", save}, {"graphs", graphs}}, faults);
+  CheckPlot(plot, kFitPlotKinds, faults);
+  CheckTargetsApart({{"data", data.file}}, {{"save", save}, {"graphs", graphs}, {"plot", plot.file}}, faults);
   if (!variables.All().empty()) {
     Append(CheckVariables(variables), faults);
   } else if (!trials.empty()) {

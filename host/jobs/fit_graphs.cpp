@@ -1,5 +1,6 @@
 #include "host/jobs/fit_graphs.h"
 
+#include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -12,8 +13,10 @@
 #include "host/application/json_text.h"
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
+#include "host/graphs/sampling_bands.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/fit_results.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 namespace {
@@ -32,15 +35,19 @@ std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
   return ranks[*first];
 }
 
-// The graphs of the variable that the Quick tab shows, with the fit that it shows. A graph that cannot be
-// made of this fit says why in its place.
+// Of the variable that the Quick tab shows, with the fit that it shows.
+Graph GraphOf(AutomationObject& dialog, std::string_view member) {
+  const auto document = std::dynamic_pointer_cast<CAnalysisGraphDoc>(dialog.Get(member).ToObject());
+  if (document == nullptr) throw Error("the analysis returned no graph");
+  return document->Content();
+}
+
+// A graph that cannot be made of this fit says why in its place.
 Json GraphsJson(AutomationObject& dialog) {
   Json graphs = Json::array();
   for (const FitGraph& graph : kFitGraphs) {
     try {
-      const auto document = std::dynamic_pointer_cast<CAnalysisGraphDoc>(dialog.Get(graph.member).ToObject());
-      if (document == nullptr) throw Error("the analysis returned no graph");
-      graphs.push_back(GraphJson(document->Content()));
+      graphs.push_back(GraphJson(GraphOf(dialog, graph.member)));
     } catch (const AutomationError& error) {
       graphs.push_back({{"kind", nullptr}, {"member", graph.member}, {"error", error.Reason()}});
     }
@@ -48,7 +55,94 @@ Json GraphsJson(AutomationObject& dialog) {
   return graphs;
 }
 
+Graph TextGraph(std::vector<std::string> lines) {
+  Graph graph;
+  graph.kind = GraphKind::kText;
+  graph.notes = std::move(lines);
+  return graph;
+}
+
+Graph GraphOrReason(AutomationObject& dialog, std::string_view variable, const FitGraph& graph) {
+  try {
+    return GraphOf(dialog, graph.member);
+  } catch (const AutomationError& error) {
+    return TextGraph({std::string(variable) + ": " + std::string(graph.word), error.Reason()});
+  }
+}
+
+// The histogram among the distributions has the bars of the data themselves for a curve.
+bool RepeatsData(const ResultRow& fit) {
+  return kFittedTypes.at(static_cast<std::size_t>(fit.Number("code"_column))).name == "histogram";
+}
+
+// The curves of the best fits by rank over the histogram with the fit that is saved first, which the Quick tab shows.
+Graph ComparisonOf(AutomationObject& dialog, const std::string& variable) {
+  Graph graph = GraphOrReason(dialog, variable, kFitGraphs[0]);
+  if (graph.curves.empty()) return graph;
+  graph.kind = GraphKind::kFitComparison;
+  const Variant chosen = dialog.Get("QuickTabDistribution");
+  const std::vector<ResultRow> fits = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats")).rows;
+  for (std::size_t i = 0; i < fits.size() && graph.curves.size() < kComparedFits; ++i) {
+    if (static_cast<std::int64_t>(i + 1) == chosen.ToInteger() || RepeatsData(fits[i])) continue;
+    dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(i + 1));
+    for (const GraphCurve& curve : GraphOf(dialog, kFitGraphs[0].member).curves)
+      graph.curves.push_back(curve);
+  }
+  dialog.Put("QuickTabDistribution", chosen);
+  return graph;
+}
+
+// Of the fit of a continuous variable that the Quick tab shows.
+void AddBand(AutomationObject& dialog, std::size_t count, Graph& graph) {
+  constexpr const char* kName = "95 % of samples from the fit";
+  const std::vector<ResultRow> fits = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats")).rows;
+  const ResultRow& fit =
+      fits.at(static_cast<std::size_t>(dialog.Get("QuickTabDistribution").ToInteger() - 1));
+  const auto code = static_cast<std::size_t>(fit.Number("code"_column));
+  if (graph.series.empty() || !kFittedTypes.at(code).continuous) return;
+  if (graph.kind == GraphKind::kProbabilityPlot) graph.bands.push_back(ProbabilityBand(count, kName));
+  if (graph.kind != GraphKind::kQuantilePlot) return;
+  const std::vector<double> parameters = fit.Numbered("parameter"_column);
+  const double offset = fit.Number("offset"_column);
+  const AnyDistribution distribution(static_cast<DistributionCode>(code), parameters,
+                                     std::isnan(offset) ? 0 : offset);
+  graph.bands.push_back(QuantileBand(
+      count, [&](std::span<const double> p, std::span<double> x) { distribution.Quantile(p, x); }, kName));
+}
+
+// In an overview the comparison stands for the histogram.
+PlotPage PageOf(AutomationObject& dialog, const ResultRow& summary, const Plot& plot) {
+  const std::string& variable = summary.name;
+  const std::string_view kind = plot.Kind();
+  const bool isWhole = kind == kOverview;
+  std::vector<Graph> graphs;
+  if (isWhole || kind == kFitComparison) graphs.push_back(ComparisonOf(dialog, variable));
+  for (const FitGraph& graph : kFitGraphs) {
+    if (graph.word != kind && (!isWhole || graph.word == kFitGraphs[0].word)) continue;
+    graphs.push_back(GraphOrReason(dialog, variable, graph));
+    if (plot.band) AddBand(dialog, static_cast<std::size_t>(summary.Number("n"_column)), graphs.back());
+  }
+  return CompoundPage(variable, std::move(graphs));
+}
+
 }  // namespace
+
+std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Plot& plot) {
+  std::vector<PlotPage> pages;
+  const ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
+  for (std::size_t i = 0; i < summary.rows.size(); ++i) {
+    const auto place = static_cast<std::int32_t>(i + 1);
+    const std::string& variable = summary.rows[i].name;
+    dialog.Put("QuickTabVariable", place);
+    if (dialog.Get("QuickTabDistribution").ToInteger() == 0) {
+      pages.push_back(SinglePage(variable, TextGraph({variable, "nothing could be fitted"})));
+      continue;
+    }
+    ChooseFirstSaved(dialog, place);
+    pages.push_back(PageOf(dialog, summary.rows[i], plot));
+  }
+  return pages;
+}
 
 void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& path, JobRecorder& job) {
   const auto open = analysis.GetDialgInterface();

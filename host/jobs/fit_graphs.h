@@ -1,9 +1,12 @@
-// The graphs of a fit for programs.
+// The graphs of a fit for programs and as pictures.
 #pragma once
 
 #include <filesystem>
+#include <string_view>
+#include <vector>
 
 #include "host/jobs/base/job_recorder.h"
+#include "host/jobs/base/plot.h"
 
 namespace brenvolt {
 
@@ -12,5 +15,16 @@ namespace brenvolt {
 // distribution and box plot. A variable without a fit has none. See docs/guide/fitting.md for its shape. For
 // `job` it is one action. Throws Error, naming the file, when it cannot be written.
 void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& path, JobRecorder& job);
+
+// The graph of several fits, beside those of kFitGraphs: the histogram with the curves of the best.
+inline constexpr std::string_view kFitComparison = "fit-comparison";
+inline constexpr std::size_t kComparedFits = 3;
+inline constexpr std::string_view kFitPlotKinds[] = {
+    kOverview, kFitComparison,           "histogram", "cumulative-histogram", "pp",
+    "qq",      "empirical-distribution", "box-plot"};
+
+// What there is to draw of each variable that the fit results dialog shows: the graphs of its kind. A graph that
+// cannot be made says why in its place.
+std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Plot& plot);
 
 }  // namespace brenvolt

@@ -306,6 +306,7 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
 std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   RequireNone(CheckSheet(*this, input.sheet));
+  RefuseRecordedPlot(plot, recorder);
   std::optional<FormerConditions> former;
   if (input.isLent) former.emplace(input.sheet);
   if (!save.empty()) TakeFormer(input, recorder);
@@ -316,6 +317,7 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
   std::vector<std::string> fitted = Fit(session, input.sheet);
   if (!save.empty()) SaveKept(input, Keep(session, input.sheet, fitted), recorder);
   if (!graphs.empty()) WriteFitGraphs(session.Analysis(), graphs, recorder);
+  if (plot.IsAsked()) WritePlot(plot, data.file.filename().string(), FitPlots(*session.Dialog(), plot));
   return fitted;
 }
 

@@ -9,6 +9,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/plot.h"
 
 namespace brenvolt {
 
@@ -67,6 +68,7 @@ struct FitJob {
   std::vector<Truncation> truncate;     // saved with the fits, as is the order
   std::vector<Order> order;             // without, all valid fits by their ranks
   std::filesystem::path graphs;         // empty: none are written
+  Plot plot;
 
   std::string RankedBy(bool continuous) const {
     return (continuous ? rankBy : discreteRankBy).value_or("ks");

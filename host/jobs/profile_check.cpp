@@ -10,6 +10,7 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/profile_job.h"
+#include "host/jobs/profile_plots.h"
 
 namespace brenvolt {
 namespace {
@@ -113,7 +114,8 @@ JobFaults ProfileJob::Check() const {
   CheckGraphsTarget("graphs", graphs, faults);
   std::vector<JobFile> files{{"data", data.file}, {"from", inputs.from}, {"matrix", inputs.matrix}};
   for (const auto& model : models) files.push_back({"models", model});
-  CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}}, faults);
+  CheckPlot(plot, kProfilePlotKinds, faults);
+  CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}}, faults);
   return faults;
 }
 

@@ -17,6 +17,7 @@
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/long_profile.h"
 #include "host/jobs/predictor_inputs.h"
+#include "host/jobs/profile_plots.h"
 #include "host/tables/csv.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -342,6 +343,25 @@ void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const Pr
   file.Commit();
 }
 
+SpecificationLimits LimitsOf(const ProfileJob& job, const std::string& response) {
+  const auto found = std::ranges::find(job.specifications, response, &ProfileJob::Specification::response);
+  return found == job.specifications.end() ? SpecificationLimits{} : found->limits;
+}
+
+void WritePictures(const ProfileJob& job, Profiler& profiler, const ProfileResults& results,
+                   const SharedGraphs& shared) {
+  std::vector<ResponseGraphs> responses;
+  for (std::size_t i = 0; i < results.responses.size(); ++i) {
+    const ResponseResults& response = results.responses[i];
+    ResponseGraphs graphs{response, LimitsOf(job, response.name), {}, {}, {}};
+    if (response.IsPredicted()) graphs.graphs = profiler.GraphsOf(i).panels;
+    if (shared.profiles) graphs.profiles = PanelsOf(*shared.profiles, response.name);
+    if (shared.defects) graphs.defectProfiles = PanelsOf(*shared.defects, response.name);
+    responses.push_back(std::move(graphs));
+  }
+  WritePlot(job.plot, "Simulated responses", ProfilePlots(responses, job.plot.Kind()));
+}
+
 // "no run has a prediction (Y: field x, the model does not accept the number: 3 to 5)".
 void RequirePredictions(const ProfileResults& results) {
   if (std::ranges::any_of(results.responses, &ResponseResults::IsPredicted)) return;
@@ -431,6 +451,7 @@ void RunOn(Profiler& profiler, const std::filesystem::path& output, std::int64_t
 ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   RequireCases(input.sheet);
+  RefuseRecordedPlot(plot, recorder);
   RefuseReplacedProject(output);
   if (!graphs.empty()) RefuseProjectTarget(graphs);
   RequireRecordable(recorder);
@@ -446,14 +467,13 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   found.simulated = simulated.tables.front();
   if (!simulated.graphs.empty()) shared.profiles = simulated.graphs.front()->Content();
   TakeResults(profiler, simulated, found, shared);
-  if (!graphs.empty() && profiler.Batches().Count() > 1)
-    WriteGraphs(graphs, profiler, found.results, shared);  // they are those of the first batch
-  if (profiler.Batches().Count() > 1) {
-    RunOn(profiler, output, *firstRun, found);
-    return found;
-  }
-  found.outputSheet = WriteSimulated(output, found.simulated, recorder);
+  const bool isWhole = profiler.Batches().Count() == 1;
+  if (isWhole) found.outputSheet = WriteSimulated(output, found.simulated, recorder);
+  if (shared.profiles && (plot.IsAsked() || !graphs.empty()))
+    AddProfileBands(found.simulated->Table(), *shared.profiles);
   if (!graphs.empty()) WriteGraphs(graphs, profiler, found.results, shared);
+  if (plot.IsAsked()) WritePictures(*this, profiler, found.results, shared);
+  if (!isWhole) RunOn(profiler, output, *firstRun, found);
   return found;
 }
 

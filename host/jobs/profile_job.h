@@ -11,6 +11,7 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/plot.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/profile_results.h"
 #include "host/models/model_function.h"
@@ -65,6 +66,7 @@ struct ProfileJob {
   std::vector<Truncation> truncate;
   std::filesystem::path output;  // empty: the simulated runs go nowhere
   std::filesystem::path graphs;  // empty: none are written
+  Plot plot;
 
   // All that can be refused without the data.
   JobFaults Check() const;

@@ -9,6 +9,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/data_plots.h"
 
 namespace brenvolt {
 namespace {
@@ -139,8 +140,12 @@ JobFaults SimulateJob::Check() const {
   }
   CheckInputs(faults);
   CheckDataTarget("output", output, faults);
-  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"from", inputs.from}}, {{"output", output}},
-                    faults);
+  CheckPlot(plot, kSimulationPlotKinds, faults);
+  if (plot.kind == kScatterKind && kSimulationMethods.contains(method) && !InducesCorrelation(method))
+    faults.push_back(
+        {"plotKind", "only methods that induce correlation have one to show; " + method + " does not"});
+  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"from", inputs.from}},
+                    {{"output", output}, {"plot", plot.file}}, faults);
   return faults;
 }
 
@@ -188,6 +193,7 @@ void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, st
 
 SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
+  RefuseRecordedPlot(plot, recorder);
   RefuseReplacedProject(output);
   SimulationFindings found;
   found.seed = ChosenSeed(seed);
@@ -202,13 +208,16 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   found.design.variables = ReadSimulated(*session.Dialog(), input.sheet);
   if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
-  const bool toSheet = keepsSamples || InducesCorrelation(method) || HasProjectEnding(output);
+  const bool toSheet =
+      keepsSamples || keepsTable || plot.IsAsked() || InducesCorrelation(method) || HasProjectEnding(output);
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", method);
-  if (toSheet && (!keepsSamples || InducesCorrelation(method))) Summarize(session, found);
+  if (toSheet && (!keepsSamples || plot.IsAsked() || InducesCorrelation(method))) Summarize(session, found);
   found.design.correlations = found.results.Asked();
   RecordShown(session, recorder);
   Write(output, found, recorder);
+  if (plot.IsAsked())
+    WritePlot(plot, "Simulated data", SimulationPlots(found.output->Table(), found.results, plot.Kind()));
   return found;
 }
 

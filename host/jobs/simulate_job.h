@@ -9,6 +9,7 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/plot.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/simulation_results.h"
@@ -44,6 +45,8 @@ struct SimulateJob {
   std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
   Table givenMatrix;             // in place of a name
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
+  Plot plot;                     // of the data, which are kept in memory for it
+  bool keepsTable = false;       // the findings have the document of the data, beside the summary
   bool keepsSamples = false;     // the findings have the document of the data, and no summary
 
   // All that can be refused without the data.
