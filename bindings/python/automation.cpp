@@ -16,6 +16,8 @@
 #include "host/automation/automation_failure.h"
 #include "host/automation/type_library.h"
 #include "host/base/error.h"
+#include "host/graphs/picture.h"
+#include "host/jobs/base/plot.h"
 
 namespace py = pybind11;
 using namespace pybind11::literals;
@@ -125,7 +127,33 @@ py::dict GraphParts(const AutomationRef& ref) {
                           "median"_a = part.median, "upper_quartile"_a = part.upperQuartile,
                           "lower_whisker"_a = part.lowerWhisker, "upper_whisker"_a = part.upperWhisker,
                           "mean"_a = part.mean, "outliers"_a = view(part.outliers)));
-  return py::dict("bars"_a = bars, "series"_a = series, "curves"_a = curves, "boxes"_a = boxes);
+  py::list bands;
+  for (const GraphBand& part : graph.bands)
+    bands.append(py::dict("name"_a = part.name, "x"_a = view(part.x), "lower"_a = view(part.lower),
+                          "upper"_a = view(part.upper)));
+  return py::dict("bars"_a = bars, "series"_a = series, "curves"_a = curves, "bands"_a = bands,
+                  "boxes"_a = boxes);
+}
+
+void SaveGraph(const AutomationRef& ref, const std::filesystem::path& file,
+               const std::optional<std::string>& theme, const std::optional<double>& width) {
+  Plot plot;
+  plot.file = file;
+  plot.theme = theme;
+  plot.width = width;
+  JobFaults faults;
+  CheckPlot(plot, {}, faults);
+  RequireNone(std::move(faults));
+  const Graph& graph = GraphOf(ref)->Content();
+  WritePlot(plot, graph.title, {SinglePage(graph.title, graph)});
+}
+
+// A small picture; nothing where none can be drawn.
+std::optional<std::string> SmallPicture(const AutomationRef& ref) {
+  constexpr int kWidth = 480;
+  if (!WhyNoPictures().empty()) return std::nullopt;
+  const auto document = GraphOf(ref);
+  return DrawPictures({&document->Content(), 1}, {PictureFormat::kSvg, PictureTheme::kLight, kWidth});
 }
 
 // --- the type library
@@ -226,6 +254,8 @@ void BindAutomation(py::module_& module) {
       .def("call", &Call)
       .def("sheet", &SheetOf)
       .def("graph", &GraphParts)
+      .def("save_graph", &SaveGraph)
+      .def("small_picture", &SmallPicture)
       .def_property_readonly("identity", [](const AutomationRef& ref) {
         return reinterpret_cast<std::uintptr_t>(ref.object.get());
       });

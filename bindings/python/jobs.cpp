@@ -253,6 +253,15 @@ void DefineData(py::class_<Job>& job) {
       .def_property("yes", nullptr, [](Job& j, bool yes) { j.data.yes = yes; });
 }
 
+// The fields of the pictures that a job writes.
+template <class Job>
+void DefinePlot(py::class_<Job>& job) {
+  job.def_property("plot", nullptr, [](Job& j, std::filesystem::path file) { j.plot.file = std::move(file); })
+      .def_property("plot_kind", nullptr, [](Job& j, std::string kind) { j.plot.kind = std::move(kind); })
+      .def_property("plot_theme", nullptr, [](Job& j, std::string theme) { j.plot.theme = std::move(theme); })
+      .def_property("plot_width", nullptr, [](Job& j, double width) { j.plot.width = width; });
+}
+
 // What is entered by hand.
 template <class Job>
 void DefineInputs(py::class_<Job>& job) {
@@ -299,6 +308,8 @@ void BindFitJob(py::module_& module) {
       .def("keep", &KeepFits)
       .def("save_fits", &SaveFitted);
   DefineData(job);
+  DefinePlot(job);
+  job.def_property("plot_band", nullptr, [](FitJob& j, bool band) { j.plot.band = band; });
 }
 
 void BindDesignJob(py::module_& module) {
@@ -329,6 +340,7 @@ void BindSimulateJob(py::module_& module) {
       .def("check", &Check<SimulateJob>)
       .def("run", &Simulate);
   DefineData(job);
+  DefinePlot(job);
   DefineInputs(job);
 }
 
@@ -378,6 +390,7 @@ void BindProfileJob(py::module_& module) {
       .def("check", &Check<ProfileJob>)
       .def("run", &Profile);
   DefineData(job);
+  DefinePlot(job);
   DefineInputs(job);
 }
 

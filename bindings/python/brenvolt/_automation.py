@@ -242,6 +242,11 @@ class GraphDocument(AutomationObject):
         return self._automation.graph()["curves"]
 
     @property
+    def bands(self) -> list[dict[str, Any]]:
+        """What lies between two lines: name, x, lower, upper."""
+        return self._automation.graph()["bands"]
+
+    @property
     def boxes(self) -> list[dict[str, Any]]:
         """Boxes: name, quartiles, median, whiskers, mean, outliers."""
         return self._automation.graph()["boxes"]
@@ -259,6 +264,23 @@ class GraphDocument(AutomationObject):
     def to_pandas(self) -> pandas.DataFrame:
         """A DataFrame with the data of all parts side by side."""
         return self.Data.to_pandas()
+
+    def plot(self, ax: Any = None) -> Any:
+        """Draws the graph with matplotlib on axes, those given or new ones, and returns them. Of a graph made of panels, an
+        array of axes, one for each."""
+        from . import _plotting
+
+        return _plotting.draw(self, ax)
+
+    def save(self, path: str | os.PathLike, theme: str | None = None, width: int | None = None) -> None:
+        """Writes the graph as a picture, by ending .png, .svg or .pdf.
+
+        theme: "light" (as without) or "dark"; width: in pixels of 1/96 inch, 320 to 8000; without, what the graph needs.
+        """
+        self._automation.save_graph(os.fspath(path), theme, width)
+
+    def _repr_svg_(self):
+        return self._automation.small_picture()
 
     def __repr__(self):
         return f"<GraphDocument {self.Kind}: {self.Title}>"

@@ -165,7 +165,9 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
         bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None,
-        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None, yes: bool = False) -> FitResult:
+        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
+        plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
+        plot_width: int | None = None, plot_band: bool = False, yes: bool = False) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -188,6 +190,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
     graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
+    plot: picture, by ending .png, .svg, or .pdf with a page for each variable; with "{name}" in its name a file for each.
+    plot_kind: "overview" (as without), "fit-comparison", "histogram", "cumulative-histogram", "pp", "qq",
+    "empirical-distribution" or "box-plot"; plot_theme: "light" (as without) or "dark"; plot_width: in pixels;
+    plot_band: P-P and Q-Q plots have the limits within which 95 % of samples from a continuous fit lie.
     yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
     data.
 
@@ -201,7 +207,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                offsets=_offsets(offsets), mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
-               graphs=graphs, yes=yes)
+               graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
+               plot_band=plot_band, yes=yes)
     job.check()
     required = [name for given in (continuous, discrete, weights) for name in _arguments.names(given, "required")]
     return FitResult(job, _sheet_of(data, sheet, required), _is_lent(data))
@@ -266,6 +273,21 @@ class FitResult:
         self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
         self._job.save = _arguments.path(path, "path")
         self._job.save_fits(self.analysis._analysis, self._names)
+
+    def plot(self, kind: str = "histogram", ax: Any = None) -> Any:
+        """Draws a graph of each variable that has fits, as FittedVariable.plot does. Returns the axes: of several variables
+        an array of them."""
+        from . import _plotting
+
+        fitted = [variable for variable in self.variables.values() if variable.best is not None]
+        if not fitted:
+            raise ValueError("no variable has a fit to draw")
+        if len(fitted) == 1:
+            return fitted[0].plot(kind, ax=ax)
+        axes = _plotting.grid(len(fitted), ax)
+        for variable, one in zip(fitted, axes):
+            variable.plot(kind, ax=one)
+        return axes
 
     def _repr_html_(self):
         return "".join(f"<h4>{html.escape(name)}</h4>{variable._repr_html_()}"
@@ -349,6 +371,10 @@ class FittedVariable:
         with self._result._conditions():
             return getattr(dialog, member)
 
+    def plot(self, kind: str = "histogram", distribution: str | None = None, ax: Any = None) -> Any:
+        """Draws a graph (see graph) with matplotlib on axes, those given or new ones, and returns them."""
+        return self.graph(kind, distribution).plot(ax)
+
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
         code = _brenvolt._code_of(_arguments.text(name, "distribution"))
@@ -363,7 +389,9 @@ class FittedVariable:
         return dialog
 
     def _repr_html_(self):
-        return self.fits.dropna(axis="columns", how="all").to_html(index=False)
+        table = self.fits.dropna(axis="columns", how="all").to_html(index=False)
+        picture = None if self.best is None else self.graph("histogram")._repr_svg_()
+        return table if picture is None else table + picture[picture.index("<svg"):]
 
     def __repr__(self):
         return f"<FittedVariable {self.name}: {self.best!r}>"
@@ -387,7 +415,9 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
              method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
              correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
              from_file: str | os.PathLike | None = None, variables: Names = None,
-             sheet: str | None = None) -> pandas.DataFrame:
+             sheet: str | None = None, plot: str | os.PathLike | None = None,
+             plot_kind: str | None = None, plot_theme: str | None = None,
+             plot_width: int | None = None) -> pandas.DataFrame:
     """Draws samples from the best fit of each variable, or from distributions given by hand.
 
     source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one. Or by hand {name:
@@ -403,6 +433,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     variables; pairs that nothing is said about are not correlated.
     from_file: a text file of variables and correlations, in place of a source or before its variables.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
+    plot: picture, as for fit(); plot_kind: "overview" (as without), "histogram", "box-plot", or "scatter-matrix" with the
+    correlations asked for and reached.
 
     Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
     "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman") those of
@@ -414,7 +446,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     job = _job(_brenvolt.SimulateJob, data=None if by_hand else _file_of(source), samples=samples, method=method,
                seed=seed, truncate=truncate, sheet=sheet if by_hand else None,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
-               variables=_arguments.names(variables, "variables"))
+               variables=_arguments.names(variables, "variables"), plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
+               plot_width=plot_width)
     if by_hand or correlations is not None:
         _design._enter(job, source if by_hand else None, correlations, from_file)
     job.check()
@@ -469,7 +502,9 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
             fixed: Mapping[str, float | str] | None = None,
             truncate: Mapping[str, tuple[float | None, float | None]] | None = None,
             responses: str | Iterable[str] | None = None, sheet: str | None = None,
-            output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None) -> ProfileResult:
+            output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
+            plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
+            plot_width: int | None = None) -> ProfileResult:
     """Simulates what models, formulas or a function predict, and compares it with specifications.
 
     profile(data, models, formulas, ...) or profile(function, inputs, ...), where inputs are as data.
@@ -493,6 +528,8 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     fixed: {predictor: number, or the name of a class}.
     truncate: {predictor: (minimum, maximum)}, each of which may be None, in place of the range that a model declares.
     output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
+    plot: picture, as for fit(), of each response; plot_kind: "overview" (as without), "histogram", "tornado", "profile",
+    "defect-profile" or "capability".
 
     Returns a ProfileResult.
     """
@@ -511,7 +548,8 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                                       "(lower limit, target, upper limit)"),
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
-               output=output, graphs=graphs)
+               output=output, graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
+               plot_width=plot_width)
     given = {**data, **(variables or {})} if by_hand and data is not None else variables
     _design._enter(job, given, correlations, from_file)
     table = None
@@ -586,6 +624,14 @@ class ProfileResult:
         """A DataFrame with predictors and responses, a row per run."""
         return self._simulated.to_pandas()
 
+    def plot(self, kind: str = "tornado", response: str | None = None, ax: Any = None) -> Any:
+        """Draws a graph of a response, the only one where none is named; see ProfiledResponse.plot."""
+        if response is None:
+            if len(self.responses) != 1:
+                raise ValueError(f"response must be one of {', '.join(self.responses)}")
+            response = next(iter(self.responses))
+        return self.responses[response].plot(kind, ax)
+
     def __repr__(self):
         return f"<ProfileResult of {self.runs} runs: {', '.join(self.responses)}>"
 
@@ -615,6 +661,15 @@ class ProfiledResponse:
         capability = found["capability"]
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
         self.capability_distribution = None if capability is None else capability["distribution"]
+
+    def plot(self, kind: str = "tornado", ax: Any = None) -> Any:
+        """Draws a graph with matplotlib on axes, those given or new ones, and returns them.
+
+        kind: "tornado", "histogram" with the limits, or "profile", the mean over each predictor, on an array of axes.
+        """
+        from . import _plotting
+
+        return _plotting.draw_response(self, kind, ax)
 
     def __repr__(self):
         return f"<ProfiledResponse {self.name}>"
