@@ -16,7 +16,8 @@ an empty folder that has examples/. What a block is stands behind its ```:
     python made=NAME    the content of a file that a command of the page has written
     sh json text        shown, not run
 
-A line "…" stands for any number of lines.
+A line "…" stands for any number of lines. A picture (SVG) that a page shows is made by a command of the page under the
+same name, and says the same.
 """
 
 import ast
@@ -27,6 +28,7 @@ import glob
 import io
 import os
 import re
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -161,6 +163,18 @@ class Page:
         self.differences.append(f"{self.name}:{self.line}: {what} prints something else\n{expected}")
         return updated(shown, printed)
 
+    def compare_pictures(self, update):
+        """The pictures that the page shows, with those of their names in the folder where its commands ran."""
+        for link in re.findall(r"!\[[^\]]*\]\(([^)\s]+\.svg)\)", without_blocks(self.text)):
+            made, shown = os.path.basename(link), os.path.join(ROOT, os.path.dirname(self.name), link)
+            if not os.path.exists(made):
+                self.fail(f"no command made the picture {made}")
+            elif not os.path.exists(shown) or texts_of(made) != texts_of(shown):
+                self.differences.append(f"{self.name}: the picture {made} says something else")
+                if update:
+                    os.makedirs(os.path.dirname(shown), exist_ok=True)
+                    shutil.copy(made, shown)
+
     def fail(self, what):
         self.failures.append(f"{self.name}:{self.line}: {what}")
 
@@ -215,6 +229,10 @@ class Page:
         return "".join(result)
 
 
+def texts_of(picture):
+    return re.findall(r">([^<>]+)</text>", read(picture))
+
+
 def run_page(name, update):
     path = os.path.join(ROOT, name)
     page = Page(name, read(path))
@@ -224,6 +242,7 @@ def run_page(name, update):
         os.chdir(folder)
         try:
             text = page.run()
+            page.compare_pictures(update)
         finally:
             os.chdir(former)
     if update and not page.failures and text != page.text:
