@@ -45,6 +45,19 @@ class Design:
         return f"<Design of {', '.join(self.variables) or 'nothing'}>"
 
 
+def _parts(source, correlations):
+    """What a Design holds as it is given by hand, its correlations before those given; any other source as it is."""
+    if not isinstance(source, Design):
+        return source, correlations
+    if correlations is None or isinstance(correlations, Mapping):
+        given = dict(correlations or {})
+        changed = {frozenset(pair) for pair in given if isinstance(pair, tuple)}
+        kept = {(first, second): value for first, second, value in source._pairs
+                if frozenset((first, second)) not in changed}
+        correlations = {**kept, **given} or None
+    return source.variables, correlations
+
+
 def _notation(name, distribution):
     if isinstance(distribution, Distribution):
         values, offset = list(distribution._values), distribution._offset if distribution._has_offset else 0.0

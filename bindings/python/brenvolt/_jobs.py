@@ -411,7 +411,7 @@ def _scalars(distribution):
 
 
 def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
-             | Mapping[str, _distributions.Distribution | str] | None = None, samples: int = 1000,
+             | Mapping[str, _distributions.Distribution | str] | _design.Design | None = None, samples: int = 1000,
              method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
              correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
              from_file: str | os.PathLike | None = None, variables: Names = None,
@@ -421,7 +421,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     """Draws samples from the best fit of each variable, or from distributions given by hand.
 
     source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one. Or by hand {name:
-    distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]").
+    distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"), or a Design, with its
+    correlations.
     method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
     "latin-hypercube-iman-conover".
     seed: 0 to 2147483647; the same seed gives the same samples. Without, one is drawn, so that they differ each time;
@@ -442,6 +443,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     {name: {name: number}}, or None; and "cautions", what speaks against simulating the best fits, as
     FittedVariable.cautions does.
     """
+    source, correlations = _design._parts(source, correlations)
     by_hand = from_file is not None or _is_design(source)
     job = _job(_brenvolt.SimulateJob, data=None if by_hand else _file_of(source), samples=samples, method=method,
                seed=seed, truncate=truncate, sheet=sheet if by_hand else None,
@@ -511,7 +513,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
 
     data: as for fit(); predictors start from the columns of their names: from the distribution that is saved with the
     column, else Normal with its mean and standard deviation. Or no data but {name: distribution}, each a Distribution or
-    its notation ("triangular(100, 180, 120) in [, 170]").
+    its notation ("triangular(100, 180, 120) in [, 170]"), or a Design, with its correlations.
     models: PMML files; formulas: "RESPONSE = EXPRESSION", in place of a model of the response.
     function: of columns of runs, which it takes as NumPy arrays, in blocks: those of the inputs that its parameters are called
     after, or as its only argument of another name a dictionary of all. It gives an array of as many numbers; for several
@@ -536,6 +538,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     function = None
     if callable(data):
         function, data, models = data, models, None
+    data, correlations = _design._parts(data, correlations)
     by_hand = data is None or _is_design(data)
     job = _job(_brenvolt.ProfileJob, data=None if by_hand else _file_of(data),
                models=_arguments.texts(models, "models", "a path"),

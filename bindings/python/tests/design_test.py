@@ -295,6 +295,17 @@ class Profiles(Folder):
         self.assertEqual(given.predictors["load"], "poisson(4)")
         self.assertEqual(given.predictors["life"], drawn["life"])
 
+    def test_a_design_is_taken_as_it_is(self):
+        variables, pair = {"h": "normal(0, 1)", "c": "weibull(80, 1.5)"}, {("h", "c"): 0.5}
+        design = brenvolt.design("p.bvw", variables, correlations=pair)
+        how = {"method": "iman-conover", "seed": 1}
+        for given, correlations in ((None, pair), ({("c", "h"): -0.4}, {("h", "c"): -0.4})):
+            frame = brenvolt.simulate(design, 500, correlations=given, **how)
+            expected = brenvolt.simulate(variables, 500, correlations=correlations, **how)
+            self.assertTrue(frame.equals(expected), given)
+        result = brenvolt.profile(design, formulas="y = h + c", seed=1)
+        self.assertEqual(result.correlations, pair)
+
     def test_noise_follows_its_correlations(self):
         how = {"formulas": ["y = x", "z = 2 * x"], "noise": {"y": 1, "z": 2}, "seed": 1, "samples": 20000}
         runs = brenvolt.profile({"x": Triangular(0, 10, 4)}, noise_correlations={("y", "z"): -0.7}, **how).samples
