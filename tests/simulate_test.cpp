@@ -152,7 +152,7 @@ TEST_F(Command, TableOfCorrelationsStaysShort) {
   MustRun({"fit", "d.csv", "--distributions", "normal", "--save", "p.bvw"});
   const std::string text = MustRun({"simulate", "p.bvw", "--method", "iman-conover"}).out;
   const std::size_t begin = text.find("Correlation of");
-  const std::size_t end = text.find("Farthest off of 55 pairs; --format json has all.\n");
+  const std::size_t end = text.find("  Of 55 pairs 10 are not shown, ");
   ASSERT_NE(end, std::string::npos) << text;
   EXPECT_EQ(std::count(text.begin() + static_cast<std::ptrdiff_t>(begin),
                        text.begin() + static_cast<std::ptrdiff_t>(end), '\n'),
@@ -160,6 +160,29 @@ TEST_F(Command, TableOfCorrelationsStaysShort) {
   const Json report =
       Json::parse(MustRun({"simulate", "p.bvw", "--method", "iman-conover", "--format", "json"}).out);
   EXPECT_EQ(report["correlations"].size(), 55U);
+}
+
+TEST_F(Command, CorrelationsAskedForComeFirst) {
+  std::vector<std::string> call{"simulate", "--method", "iman-conover", "--seed", "1"};
+  for (int v = 0; v < 12; ++v)
+    call.insert(call.end(),
+                {"--variable", "v" + std::to_string(v) + (v == 0 ? " ~ poisson(0.2)" : " ~ normal(0, 1)")});
+  call.insert(call.end(), {"--correlation", "v0,v1=0.3", "--correlation", "v10,v11=-0.5"});
+  std::string text = MustRun(call).out;
+  text = text.substr(text.find("  Correlation of"));
+  std::istringstream lines(text);
+  std::vector<std::string> shown;
+  for (std::string line; std::getline(lines, line);) shown.push_back(line);
+  ASSERT_GT(shown.size(), 3U);
+  EXPECT_TRUE(shown[1].starts_with("  v10, v11 ")) << text;
+  EXPECT_TRUE(shown[2].starts_with("  v1, v0 ")) << text;
+  EXPECT_NE(text.find("  Of 66 pairs 21 are not shown, "), std::string::npos) << text;
+  EXPECT_NE(text.find("  Pearson's correlation of 1 pair stays more than 0.05 nearer to 0 than the one used, "
+                      "most of all that of v1 and v0: 0."),
+            std::string::npos)
+      << text;
+  call.insert(call.end(), {"--format", "json"});
+  EXPECT_EQ(Json::parse(MustRun(call).out)["notes"].size(), 1U);
 }
 
 TEST_F(Command, RepairedMatrixIsSaidAndKept) {

@@ -64,7 +64,10 @@ Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
                  {"drawn", DrawnJson(call, run)},
                  {"variables", SummaryJson(run.results.summary)},
                  {"cautions", SavedCautionsJson(run.cautions)}};
-  if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
+  if (!run.results.pairs.empty()) {
+    report["correlations"] = CorrelationsJson(run.results);
+    report["notes"] = run.results.Notes();
+  }
   if (const auto repair = run.results.Repair()) report["repair"] = RepairJson(*repair);
   if (run.repairedMatrix != nullptr) {
     report["repairedMatrix"] = MatrixJson(run.repairedMatrix->Table());

@@ -33,8 +33,8 @@ std::string CorrelationNumber(const ResultRow& row, std::string_view identifier)
   return std::isnan(value) ? "-" : FormatNumber("%.4f", value);
 }
 
-// All pairs, or those whose ranks correlate least as those of normal scores would: 6/pi asin(r/2) (Pearson
-// 1907).
+// All pairs, or the strongest of those asked for, then those whose ranks correlate least as those of normal scores
+// would: 6/pi asin(r/2) (Pearson 1907).
 std::vector<ResultRow> ShownPairs(const SimulationResults& results) {
   std::vector<ResultRow> shown;
   for (const SimulatedPair& pair : results.pairs) shown.push_back(pair.correlations);
@@ -44,7 +44,10 @@ std::vector<ResultRow> ShownPairs(const SimulationResults& results) {
     const double expected = 6 / std::numbers::pi * std::asin(pair.Number("used"_column) / 2);
     return std::isnan(reached) ? 0.0 : std::abs(reached - expected);
   };
-  std::ranges::stable_sort(shown, std::ranges::greater(), miss);
+  const auto weight = [&miss](const ResultRow& pair) {
+    return std::pair(std::abs(pair.Number("asked"_column)), miss(pair));
+  };
+  std::ranges::stable_sort(shown, std::ranges::greater(), weight);
   shown.resize(kMostPairsShown);
   return shown;
 }
@@ -86,8 +89,11 @@ std::string CorrelationsText(const SimulationResults& results) {
   }
   std::string text = TableText(ShownPairs(results), "Correlation of", columns, CorrelationNumber);
   if (results.pairs.size() > kMostPairsShown) {
-    text += "  Farthest off of " + std::to_string(results.pairs.size()) + " pairs; --format json has all.\n";
+    text += "  Of " + std::to_string(results.pairs.size()) + " pairs " +
+            std::to_string(results.pairs.size() - kMostPairsShown) +
+            " are not shown, those of the weakest correlations asked for; --format json has all.\n";
   }
+  for (const std::string& note : results.Notes()) text += "  " + note + "\n";
   return text;
 }
 

@@ -187,7 +187,8 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
-                        NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results));
+                        NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
+                        found.results.Notes());
 }
 
 // The variables in their notation by name, the correlations as triples, and the least eigenvalue of their matrix.

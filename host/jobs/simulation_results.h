@@ -32,6 +32,8 @@ struct SimulationResults {
 
   // The correlations that were asked for, but for those of 0.
   std::vector<NotedCorrelation> Asked() const;
+  // What is to be known of the correlations that were reached, for people.
+  std::vector<std::string> Notes() const;
   // Nothing if every correlation was used as it was asked for. It points into the pairs.
   std::optional<MatrixRepair> Repair() const;
 };

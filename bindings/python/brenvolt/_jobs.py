@@ -440,7 +440,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
     "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman") those of
     each pair; "repaired_matrix", which took the place of the correlations asked for where they contradict each other, as
-    {name: {name: number}}, or None; and "cautions", what speaks against simulating the best fits, as
+    {name: {name: number}}, or None; "notes" on the correlations; and "cautions", what speaks against simulating the best fits, as
     FittedVariable.cautions does.
     """
     source, correlations = _design._parts(source, correlations)
@@ -460,10 +460,10 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
-    simulated, seed, cautions, drawn, pairs, repaired = job.run(target, chosen)
+    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen)
     frame = simulated.to_pandas()
     frame.attrs.update(seed=seed, cautions=cautions, method=method, distributions=drawn, correlations=pairs,
-                       repaired_matrix=repaired)
+                       repaired_matrix=repaired, notes=notes)
     return frame
 
 
