@@ -269,6 +269,23 @@ TEST_F(ProfileCommand, RunsWithoutAPredictionAreCountedByReasonAndNoneAtAllIsAFa
   EXPECT_FALSE(std::filesystem::exists(File("x.csv")));
 }
 
+TEST_F(ProfileCommand, AMisspeltPredictorBringsTheNearestName) {
+  Write("d.csv", "temp,wind\n50,3\n60,4\n70,2\n");
+  const struct {
+    Arguments rest;
+    const char* message;
+  } cases[] = {
+      {{"--formula", "Y=tmep*2"}, "'tmep' with values to start the predictor from; did you mean temp?"},
+      {{"--formula", "Y=temp+height"}, "'height' with values to start the predictor from; give it"}};
+  for (const auto& c : cases) {
+    Arguments call{"profile", "d.csv"};
+    call.insert(call.end(), c.rest.begin(), c.rest.end());
+    const Outcome outcome = Run(call);
+    EXPECT_EQ(outcome.status, 1) << outcome.err;
+    EXPECT_NE(outcome.err.find(c.message), std::string::npos) << outcome.err;
+  }
+}
+
 // A response without predictions hides neither the profiles of the others nor the graphs.
 TEST_F(ProfileCommand, ProfilesOfPredictedValuesAreThereForEveryResponseThatHasPredictions) {
   WriteData();
@@ -487,6 +504,10 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--fix", "A=1", "--truncate", "A=0,1"},
        2,
        "'A': a predictor that is fixed has no draws"},
+      {{"--formula", "Y=A+B", "--fix", "A=cold"}, 2, "'A': type mismatch: not a number (--fix)"},
+      {{"--formula", "Y=A+B", "--truncate", "A=500:600"},
+       2,
+       "'A': The bounds leave nothing of the Normal distribution. (--truncate)"},
       {{"--formula", "Y=A", "--truncate", "A=:"}, 2, "'A' has no range that could be lifted (--truncate)"},
       {{"--formula", "Y=A+B", "--correlated", "--fix", "A=1"}, 2, "a single random predictor has nothing"},
       {{"--formula", "Y=2*Z", "--formula", "Z=Y-1"}, 1, "it is predicted from itself"},
@@ -605,7 +626,7 @@ TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
     EXPECT_EQ(found, one.only) << one.fixed;
   }
   const Outcome wrong = Run({"profile", "grades.csv", "--model", "grades.pmml", "--fix", "hot=warm"});
-  EXPECT_EQ(wrong.status, 1);
+  EXPECT_EQ(wrong.status, 2);
   EXPECT_NE(wrong.err.find("unknown class: warm; the classes are FALSE, TRUE"), std::string::npos)
       << wrong.err;
 }

@@ -10,6 +10,7 @@
 #include "host/application/graph_json.h"
 #include "host/application/json_text.h"
 #include "host/base/files/output_file.h"
+#include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/formula/formula.h"
@@ -93,7 +94,7 @@ class Profiler {
     inputs_.TakeSaved(saved);
     inputs_.TakeGiven(job_.inputs);
     Correlate(!saved.variables.empty(), input, recorder);
-    SpecifyPredictors();
+    SpecifyPredictors(input.sheet);
     RequireRandom();
     SpecifyResponses();
   }
@@ -229,19 +230,41 @@ class Profiler {
     inputs_.Correlate(job_.correlated, matrix, pairs);
   }
 
-  void SpecifyPredictors() {
+  void SpecifyPredictors(const Spreadsheet& data) {
     for (const ProfileJob::Fixed& one : job_.fixed) {
       const Variant value = std::visit([](const auto& given) { return Variant(given); }, one.value);
-      inputs_.Put(PredictorPlace(one.predictor, "fixed"), Variant::Array{Variant("Fixed"), value});
+      PutGiven("fixed", one.predictor, Variant::Array{Variant("Fixed"), value});
     }
     for (std::size_t i = 0; i < predictors_.size(); ++i) {
       if (!inputs_.SpecificationOf(i).IsEmpty()) continue;
-      throw Error(
-          "the data have no variable called " + Quoted(predictors_[i]) +
-              " with values to start the predictor from; give it a distribution, or fix it at a value",
-          job_.data.file.string());
+      const std::string nearest = NearestKnown(predictors_[i], data);
+      throw Error("the data have no variable called " + Quoted(predictors_[i]) +
+                      " with values to start the predictor from" +
+                      (nearest.empty() ? "" : "; did you mean " + nearest + "?") +
+                      (nearest.empty() ? "; give" : " Otherwise give") +
+                      " it a distribution, or fix it at a value",
+                  job_.data.file.string());
     }
     for (const ProfileJob::Truncation& one : job_.truncate) Truncate(one);
+  }
+
+  // Of the data and of what is given by hand; empty if nothing is near.
+  std::string NearestKnown(const std::string& predictor, const Spreadsheet& data) const {
+    JobFaults none;
+    std::vector<std::string> known = job_.inputs.Read(nullptr, none).Names();
+    for (std::string& name : VariableNamesOf(data)) known.push_back(std::move(name));
+    std::erase(known, predictor);
+    return NearestName(predictor, known);
+  }
+
+  // What a person gives for a predictor. Throws WrongJob with the words of the dialog where it takes it not.
+  void PutGiven(const std::string& field, const std::string& predictor, const Variant& specification) {
+    const std::size_t place = PredictorPlace(predictor, field);
+    try {
+      inputs_.Put(place, specification);
+    } catch (const AutomationError& error) {
+      throw WrongJob(field, Quoted(predictor) + ": " + error.Reason());
+    }
   }
 
   // What is asked of predictors that are random needs some that are.
@@ -273,7 +296,7 @@ class Profiler {
       array.emplace_back(std::int32_t{bound ? 1 : 0});
       array.emplace_back(bound.value_or(0));
     }
-    inputs_.Put(predictor, array);
+    PutGiven("truncate", truncation.predictor, array);
   }
 
   void SpecifyResponses() {
