@@ -286,6 +286,28 @@ TEST_F(ProfileCommand, AMisspeltPredictorBringsTheNearestName) {
   }
 }
 
+// Every run of 0 or 1 is a defect or none; a normal distribution says nothing of them.
+TEST_F(ProfileCommand, AResponseOfFewValuesHasObservedDefectsAndNoIndices) {
+  WriteData();
+  const Arguments call{"profile", "ab.csv",  "--formula", "Y=if(A>10,1,0)",
+                       "--spec",  "Y=,,0.5", "--seed",    "1"};
+  const std::string text = MustRun(call).out;
+  const std::size_t begin = text.find("\n  Capability ");
+  ASSERT_NE(begin, std::string::npos) << text;
+  EXPECT_EQ(text.find("Cpk", begin), std::string::npos) << text;
+  EXPECT_NE(text.find("\n  PPM above USL ", begin), std::string::npos) << text;
+  EXPECT_NE(text.find("  Y: no indices and no expected PPM are given"), std::string::npos) << text;
+}
+
+// Y = exp(A / 4) is lognormal with a shape of 0.5.
+TEST_F(ProfileCommand, IndicesFromMovingRangesAreDoubtedWhereNormalityIsRejected) {
+  WriteData();
+  const std::string text =
+      MustRun({"profile", "ab.csv", "--formula", "Y=exp(A/4)", "--spec", "Y=,,60", "--seed", "1"}).out;
+  EXPECT_NE(text.find("; A-D p-value of the fitted normal <0.0001\n"), std::string::npos) << text;
+  EXPECT_NE(text.find("  Y: the indices \"Within\" rest on the moving range"), std::string::npos) << text;
+}
+
 // A response without predictions hides neither the profiles of the others nor the graphs.
 TEST_F(ProfileCommand, ProfilesOfPredictedValuesAreThereForEveryResponseThatHasPredictions) {
   WriteData();

@@ -208,9 +208,10 @@ std::string CapabilityText(const ResultTable& table) {
   std::string text = "  Specification: LSL " + Given(number("lsl"_column)) + ", target " +
                      Given(number("target"_column)) + ", USL " + Given(number("usl"_column)) +
                      "; A-D p-value of the fitted normal " +
-                     ReadableNumber(number("normal_p"_column), kDigits) + "\n";
+                     QuantityText(number("normal_p"_column), "normal_p"_column.quantity, kDigits) + "\n";
   const ResultRow& lowPoint = table.Row("low_point"_column);
-  std::size_t families = kFamilies.size() - 1;
+  // Where there are no indices, there is what was observed.
+  std::size_t families = std::isnan(number("ppk"_column)) ? 0 : kFamilies.size() - 1;
   if (!std::isnan(lowPoint.Number("value"_column))) {
     families = kFamilies.size();
     text += "  Percentiles are those of " + lowPoint.Text("description"_column) + ": 0.135 % " +
@@ -223,7 +224,8 @@ std::string CapabilityText(const ResultTable& table) {
     lines.AddColumn(std::string(kFamilies[f]), TextTable::Align::kRight);
   }
   lines.AddColumn("Observed", TextTable::Align::kRight);
-  for (const IndexLine& line : kIndexLines) {
+  const std::span<const IndexLine> indices(kIndexLines);
+  for (const IndexLine& line : families == 0 ? indices.first(0) : indices) {
     std::vector<std::string> cells{std::string(line.heading)};
     for (std::size_t f = 0; f < families; ++f) cells.push_back(StatisticText(table, line.statistics[f]));
     lines.AddRow(std::move(cells));

@@ -486,6 +486,9 @@ inline constexpr std::int32_t kUnpredictedTitle = 20952;
 inline constexpr std::int32_t kUnpredictedFormula = 20953;
 inline constexpr std::int32_t kResponseNotNormal = 20954;
 inline constexpr std::int32_t kResponsePercentilesNoLimits = 20955;
+inline constexpr std::int32_t kResponseWithinNotNormal = 20956;
+inline constexpr std::int32_t kResponseTailNotFitted = 20957;
+inline constexpr std::int32_t kResponseOfFewValues = 20958;
 
 // The profiler: what goes beyond the texts above.
 inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;

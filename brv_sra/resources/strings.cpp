@@ -621,6 +621,17 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kResponsePercentilesNoLimits,
      "%s: the normal distribution is rejected at 5 %. The indices by percentiles apply; no confidence limits "
      "are known for them, and those of the others hold for normal values only."},
+    {kResponseWithinNotNormal,
+     "%s: the indices \"Within\" rest on the moving range of a normal distribution, which this is not; use "
+     "those by "
+     "percentiles, or overall."},
+    {kResponseTailNotFitted,
+     "%s: the expected PPM by percentiles lie outside the limits of the observed ones: the fitted "
+     "distribution "
+     "does not describe this tail, the observed PPM do."},
+    {kResponseOfFewValues,
+     "%s: no indices and no expected PPM are given for classes or no more than 20 different values, which no "
+     "normal distribution describes; the observed PPM hold."},
     // The profiler: what goes beyond the texts above.
     {kMsgProfilerInfiniteValue, "The data contain a value that is not finite."},
     {kMsgProfilerNoValues, "The data contain no valid value."},

@@ -136,14 +136,41 @@ const DistributionFit* BestInsteadOfNormal(const VariableFit& fit, double normal
   return IsRejected(normalPValue) ? &fit.fits[*best] : nullptr;
 }
 
+bool IsOutside(double value, const ConfidenceInterval& interval) {
+  return !IsNotSet(value) && !IsNotSet(interval.lower) && (value < interval.lower || value > interval.upper);
+}
+
+// Whether the values contradict what the fitted distribution expects beyond a limit.
+bool IsTailMissed(const Capability& capability) {
+  const PartsPerMillion& expected = capability.percentile.expected;
+  const PartsIntervals& observed = capability.report.observedIntervals;
+  return IsOutside(expected.below, observed.below) || IsOutside(expected.above, observed.above);
+}
+
 // What has to be known of the indices and parts per million of a response that is not normal.
 void ExplainRejection(const SimulatedResponse& response, const Capability& capability, bool hasPercentiles,
                       Spreadsheet& sheet) {
   const std::string& name = response.Column().Name();
   if (hasPercentiles && response.independent)
     AddNote(sheet, FormatResource(kResponsePercentilesNoLimits, name));
-  const bool isUnexplained = IsRejected(capability.normalPValue) && IsNotSet(capability.percentile.median);
-  if (isUnexplained) AddNote(sheet, FormatResource(kResponseNotNormal, name));
+  if (!IsRejected(capability.normalPValue)) return;
+  if (IsNotSet(capability.percentile.median)) AddNote(sheet, FormatResource(kResponseNotNormal, name));
+  AddNote(sheet, FormatResource(kResponseWithinNotNormal, name));
+  if (IsTailMissed(capability)) AddNote(sheet, FormatResource(kResponseTailNotFitted, name));
+}
+
+// Codes of classes are no measurements, and a few values have no density.
+bool HasDensity(const SimulatedResponse& response, std::span<const double> values) {
+  return response.Column().Type() != VariableType::kText && !HasFewValues(SortedValues(values));
+}
+
+// What holds for any distribution.
+CapabilityReport ObservedOnly(const CapabilityReport& report) {
+  CapabilityReport observed;
+  observed.sample = report.sample;
+  observed.observed = report.observed;
+  observed.observedIntervals = report.observedIntervals;
+  return observed;
 }
 
 PercentileCapability PercentilesOf(const DistributionFit& fit, const SpecificationLimits& limits) {
@@ -296,9 +323,11 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   Capability capability;
   capability.limits = response.limits;
   capability.report = AnalyseCapability(values, response.limits, kConfidence);
+  const bool isOfFewValues = capability.report.sample.count > 0 && !HasDensity(response, values);
+  if (isOfFewValues) capability.report = ObservedOnly(capability.report);
   capability.missing = static_cast<std::int64_t>(values.size()) - capability.report.sample.count;
   // Nothing is said of a response of few different values, to which no distribution was fitted.
-  if (!fit.invalid) capability.normalPValue = TestNormality(values).pValue;
+  if (!fit.invalid && !isOfFewValues) capability.normalPValue = TestNormality(values).pValue;
   const DistributionFit* best = BestInsteadOfNormal(fit, capability.normalPValue);
   if (best != nullptr) capability.percentile = PercentilesOf(*best, response.limits);
 
@@ -321,6 +350,7 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   AddNumbers(*sheet, "upper"_column, [&](std::size_t i) { return limit(i, &ConfidenceInterval::upper); });
   AddDescriptionColumn(*sheet, best);
   ExplainLimits(response, *sheet);
+  if (isOfFewValues) AddNote(*sheet, FormatResource(kResponseOfFewValues, response.Column().Name()));
   ExplainRejection(response, capability, best != nullptr, *sheet);
   return sheet;
 }

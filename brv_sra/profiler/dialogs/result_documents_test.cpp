@@ -267,6 +267,46 @@ TEST(CapabilityDocument, SkewedResponseTakesPercentilesFromItsBestFitNotFromItsE
   }
 }
 
+// A normal fit of another place expects hardly any part beyond limits that a tenth of the values miss.
+TEST(CapabilityDocument, AFitThatTheObservedPartsContradictIsDoubted) {
+  const auto values = Quantiles(DistributionCode::kLogNormal, {0, 0.4}, 400, 67);
+  const Spreadsheet sheet = SheetOf({{"Y", values}});
+  const double limit = std::exp(0.4 * 1.2816);
+  const struct {
+    double shape;
+    bool isDoubted;
+  } cases[] = {{0.4, false}, {0.1, true}};
+  for (const auto& c : cases) {
+    const SimulatedResponse response{sheet, 0, 0, {kNan, limit, kNan}};
+    NoProgress port;
+    VariableFit fit = FitResponse(response, port);
+    for (DistributionFit& one : fit.fits) {
+      one.specification.code = DistributionCode::kLogNormal;
+      one.specification.values = {0, c.shape};
+    }
+    const auto table = CapabilityDocument(response, fit);
+    ASSERT_FALSE(std::isnan(Cell(*table, "percentile_above"_column)));
+    EXPECT_EQ(table->Title().find("the fitted distribution does not describe this tail") != std::string::npos,
+              c.isDoubted)
+        << table->Title();
+  }
+}
+
+TEST(CapabilityDocument, AFewValuesHaveNoIndices) {
+  std::vector<double> values;
+  for (int i = 0; i < 210; ++i) values.push_back(i % 21);
+  const auto many = CapabilityOf(values, {0.5, 19, kNan});
+  EXPECT_FALSE(std::isnan(Cell(*many, "ppk"_column)));
+  for (double& value : values) value = std::min(value, 19.0);
+  const auto few = CapabilityOf(values, {0.5, 18, 10});
+  for (const ResultColumn* row : {&"cp"_column, &"cpk"_column, &"cpm"_column, &"ppk"_column,
+                                  &"within_total"_column, &"overall_total"_column, &"normal_p"_column})
+    EXPECT_TRUE(std::isnan(Cell(*few, *row))) << row->identifier;
+  EXPECT_NEAR(Cell(*few, "observed_total"_column), 1e6 * (10 + 20) / 210, 1e-6);
+  EXPECT_GT(Cell(*few, "observed_total"_column, "upper"_column), 1e6 * 30 / 210);
+  EXPECT_NE(few->Title().find("\nY: no indices and no expected PPM are given"), std::string::npos);
+}
+
 TEST(CapabilityDocument, RunsWithoutPredictionAreCountedAndLeftOut) {
   const auto table = CapabilityOf({1, kNan, 2, kInfinity, 3, 4, -kInfinity}, {0, 3.5, kNan});
   EXPECT_EQ(Cell(*table, "n"_column), 4);
