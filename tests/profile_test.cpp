@@ -374,7 +374,7 @@ TEST_F(ProfileCommand, DrawsKeepToTheNumbersThatModelsAccept) {
   EXPECT_NE(outcome.out.find("[6, ] without 9 to 12\n"), std::string::npos) << outcome.out;
   EXPECT_NE(outcome.out.find("histogram(1:0.4, 3:0.6)\n"), std::string::npos) << outcome.out;
   const Outcome odd = Run({"profile", "odd.csv", "--model", "m.pmml", "--seed", "1"});
-  EXPECT_EQ(odd.err, "brenvolt: Cases of grade whose class no model knows are left out: 2 (1)\n");
+  EXPECT_EQ(odd.err, "brenvolt: Cases of grade whose class is unknown to every model are left out: 2 (1)\n");
   EXPECT_NE(odd.out.find("histogram(1:0.25, 3:0.75)\n"), std::string::npos) << odd.out;
   const std::vector<double> a = Column("r.csv", "A");
   EXPECT_EQ(Share(a, [](double x) { return (x >= 6 && x <= 9) || x >= 12; }), 1);
@@ -663,7 +663,7 @@ TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
   Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nmid,FALSE\nodd,TRUE\nmid,TRUE\n");
   const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_NE(outcome.err.find("Cases of grade whose class no model knows are left out: mid (2), odd (1)"),
+  EXPECT_NE(outcome.err.find("Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)"),
             std::string::npos)
       << outcome.err;
 }

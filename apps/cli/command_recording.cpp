@@ -11,7 +11,7 @@ namespace brenvolt::cli {
 namespace {
 
 constexpr const char* kMacroEnding = ".py";
-// Of these no shell makes anything but themselves.
+// Characters that no shell interprets.
 constexpr const char* kPlainCharacters =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+=./,:@%";
 

@@ -30,7 +30,7 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-// A number for people, to so many significant digits; "-" for a value that does not exist (NaN).
+// A number for people, to `digits` significant digits; "-" for a value that does not exist (NaN).
 std::string ReadableNumber(double value, int digits = 6);
 // The digits in which a number shows a hundredth of `spread`: from `least` to 17.
 int DigitsFor(double value, double spread, int least);

@@ -64,7 +64,7 @@ void SetLabels(const VariableRef& variable, const Texts& labels) {
   for (const auto& [value, text] : labels) variable.Get().SetLabel(value, text);
 }
 
-// A view of a copy: what is assigned to it would reach no variable, so that it takes nothing.
+// A view of a copy: assignments would not reach the variable, so the view is read-only.
 py::object Properties(const VariableRef& variable) {
   const auto properties = InTurn([&] { return std::vector(variable.Get().Properties()); });
   py::dict result;

@@ -69,7 +69,7 @@ std::int64_t IntegerFrom(const py::handle& value) {
   throw py::type_error("an automation call cannot pass a " + std::string(py::str(py::type::of(value))));
 }
 
-// Nobody who passes bytes means numbers.
+// Bytes are not treated as numbers.
 bool IsBytes(const py::handle& value) {
   return PyBytes_Check(value.ptr()) || PyByteArray_Check(value.ptr()) || PyMemoryView_Check(value.ptr());
 }

@@ -2,7 +2,7 @@
 // specifications that predictors start with. Knows no dialog.
 //
 // A name that models or formulas read is a predictor, unless a model or a formula predicts it: then they read its
-// predictions. Fields that a model lists and never reads are none. A predictor that nothing reads any more goes,
+// predictions. Fields that a model lists and never reads are none. A predictor is removed once nothing reads it,
 // but stays as long as a formula is not valid; what a person specified for it is kept in case that it returns.
 //
 // A predictor starts from the data if they have a numeric variable of its name:

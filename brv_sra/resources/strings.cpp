@@ -459,7 +459,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"pearson"_column.heading, "Pearson"},
     {"spearman"_column.heading, "Spearman"},
     {kMsgTooFewSamplesForCorrelation,
-     "There are too few samples to take back chance correlations: correlations are met as chance allows."},
+     "There are too few samples to remove chance correlations; the correlations asked for are only approximated."},
     {kSimulationAutoUpdate, "Auto update spreadsheet"},
     {kRepairedMatrixTitle, "Repaired correlation matrix"},
     // Columns of result tables.
@@ -603,7 +603,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"defect_runs"_column.heading, "Runs"},
     {kResponseNoIntervals,
      "No confidence limits and p-values are given: the runs are stratified, because their predictors are "
-     "correlated, and none are known for such runs. Whether a response is normal is tested as for "
+     "correlated, and no method is known for such runs. Whether a response is normal is tested as for "
      "independent runs."},
     {kDefectCountsTitle, "Defect Counts"},
     {"rate_lower"_column.heading, "Defect Rate, lower 95 %"},
@@ -644,7 +644,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgProfilerInvalidSeed, "Invalid random seed. Valid range is 1<=x<=2147483647."},
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
-    {kMsgProfilerUnknownClasses, "Cases of %s whose class no model knows are left out: %s"},
+    {kMsgProfilerUnknownClasses, "Cases of %s whose class is unknown to every model are left out: %s"},
     // The design dialog.
     {kDesignTitle, "Design Simulation"},
     {kDesignButtonCorrelations, "Cor&relations..."},
@@ -684,8 +684,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kReasonZeroOrOne, "the value %s is neither 0 nor 1"},
     {kReasonAllZero, "all values are 0"},
     {kReasonNotPositive, "the value %s is not above 0"},
-    {kReasonOffsetNoHelp, "the value %s is not above 0, which the offset %s does not help"},
-    {kReasonMeansNotSet, "the first parameter is -444, which stands for no value"},
+    {kReasonOffsetNoHelp, "the value %s is not above 0, even after subtracting the offset %s"},
+    {kReasonMeansNotSet, "the first parameter is -444, which is reserved for a missing value"},
     {kReasonNoValidValues, "no valid values"},
     {kReasonSingleValue, "a single valid value"},
     {kReasonAllEqual, "all values equal"},

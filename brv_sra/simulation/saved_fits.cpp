@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kTruncatedTail = 0.005;
 
-// The extremes of a variable's selected values; of none, extremes that rule nothing out.
+// The extremes of a variable's selected values; without values, infinite bounds.
 std::pair<double, double> ExtremesOf(const Spreadsheet& sheet, int number) {
   const Variable& variable = sheet.VariableAt(static_cast<std::size_t>(number - 1));
   std::pair<double, double> extremes{1, -1};

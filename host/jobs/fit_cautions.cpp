@@ -11,7 +11,7 @@ namespace {
 
 using Kind = FitCaution::Kind;
 
-// Less is not worth a word: one value of ten thousand.
+// Smaller probabilities are not reported: one value of ten thousand.
 constexpr double kMostBeyondZero = 1e-4;
 
 struct Wording {

@@ -119,7 +119,7 @@ class FitCheck {
       if (!IsFitted(type.continuous))
         Add("distributions",
             "the " + type.name + " distribution is for " +
-                (type.continuous ? "continuous variables, of which none is fitted"
+                (type.continuous ? "continuous variables, but no continuous variable is fitted"
                                  : "discrete variables; a variable is fitted as discrete only if it "
                                    "is given as discrete"));
     }

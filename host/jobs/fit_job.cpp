@@ -38,7 +38,7 @@ void SayWhatIsLeftOut(const Spreadsheet& sheet, UserInterface& interface) {
   if (!names.empty()) interface.ShowMessage({"text variables are left out: " + names, {}, {}});
 }
 
-// Whole numbers that repeat are counts or truth values as a rule where there are few different ones that begin near 0,
+// Whole numbers that repeat are counts or truth values usually if they are counts or flags that begin near 0,
 // or where 0 is among them. A single one is a truth value, or a constant.
 bool LooksDiscrete(const Variable& variable) {
   constexpr std::size_t kFew = 20;
@@ -85,7 +85,7 @@ JobFaults CheckSheet(const FitJob& job, const Spreadsheet& sheet) {
     faults.push_back({"yes", "the rows of " + Quoted(sheet.Name()) +
                                  " are those of a correlation matrix; confirm that they are meant as data"});
   if (!isMatrix && job.data.yes)
-    faults.push_back({"yes", "the data are no correlation matrix: there is nothing to confirm"});
+    faults.push_back({"yes", "the data are not a correlation matrix, so there is nothing to confirm"});
   return faults;
 }
 

@@ -175,7 +175,7 @@ TEST(Pmml, RefusesFunctionsThatUnfoldWithoutEnd) {
   }
   const std::string field = Derived("d", "<Apply function=\"f59\"><FieldRef field=\"x\"/></Apply>");
   EXPECT_TRUE(RefusalOf(Regression(Local(functions + field)))
-                  .starts_with("the model's definitions unfold to too many expressions"));
+                  .starts_with("the model's definitions expand to too many expressions"));
   const std::string own =
       "<DefineFunction name=\"g\"><ParameterField name=\"a\"/><Apply function=\"g\"><FieldRef "
       "field=\"a\"/></Apply>"

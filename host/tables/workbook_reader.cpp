@@ -55,7 +55,7 @@ void RequireTables(Connection& connection) {
   }
 }
 
-// Reads rows with care. Each byte of content is in the file once, so what was read can never exceed the
+// Guards against malformed rows. Each byte of content is in the file once, so what was read can never exceed the
 // size of the file: a file that claims more, or leads in circles, ends here before it takes memory.
 class ContentReader {
  public:

@@ -47,7 +47,7 @@ def refuse(what, wanted, value):
 
 
 def number(value, what, wanted="a number"):
-    """A number, which is no truth value and fits a double."""
+    """A number (not a bool) that fits a double."""
     if not _is_number(value):
         refuse(what, wanted, value)
     try:

@@ -42,7 +42,7 @@ TEST(EstimationReason, EveryFaultHasItsSentenceWithItsFacts) {
       {{kUndefinedLogarithm, "-1", "-10"},
        2,
        "the value -1 in case 2 is not above 0, which the offset -10 does not help"},
-      {{kMeansNotSet}, 0, "the first parameter is -444, which stands for no value"},
+      {{kMeansNotSet}, 0, "the first parameter is -444, which is reserved for a missing value"},
   };
   for (const Case& c : cases) {
     DistributionFit fit;

@@ -32,7 +32,7 @@ bool IsEmpty(const ControlSet& controls, std::int32_t field) {
   return Trim(controls.Text(field)).empty();
 }
 
-// One offset: false if it is wrong. A typed value that means "not set" counts as no offset.
+// Checks one offset; false if it is invalid. A typed value that means "not set" counts as no offset.
 bool ReadOffset(const ControlSet& controls, DistributionCode code, double& offset) {
   offset = kNotSet;
   if (controls.GetDlgItemDouble(FieldOf(code), offset) != 0) offset = kNotSet;

@@ -12,7 +12,7 @@
 
 namespace brenvolt {
 
-// True for a regular file, and if there is nothing yet.
+// True for a regular file or a path that does not exist.
 bool IsRegularTarget(const std::filesystem::path& path);
 // Adds a fault of the field unless data may go to `path`: a project, CSV or NumPy arrays by the ending, CSV
 // to devices and pipes, or nothing for an empty path.

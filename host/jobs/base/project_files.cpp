@@ -224,7 +224,7 @@ void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
-    throw Error("the file is a project, which CSV would replace", path.string());
+    throw Error("a project is not replaced by a CSV file", path.string());
   }
 }
 

@@ -47,7 +47,7 @@ std::string CorrelationMatrixName(const Workbook& workbook, const std::string& d
 void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
                           std::unique_ptr<Spreadsheet> matrix);
 
-// True if the data are the project at `path`.
+// True if the data were read from the project at `path`.
 bool IsSavedAs(const DataFile& data, const std::filesystem::path& path);
 // Saves a fitted sheet, with the correlation matrix of its fits unless that is null, in the project at
 // `path`. A sheet of the project itself, `home`, stays in its place; any other, `home` being null or another

@@ -210,7 +210,7 @@ class Reader {
         parameter = PlaceOf(item, names, facts);
         item = Item(",)");
       } else if (named) {
-        Fail(itemPlace_, "expected a name and '=': after a parameter by its name, all go by their names");
+        Fail(itemPlace_, "expected a name and '=': after a named parameter, all others must be named");
       }
       if (parameter >= names.size()) Fail(itemPlace_, "too many values; " + Takes(facts));
       if (values[parameter]) Fail(itemPlace_, names[parameter] + " is given twice");

@@ -78,7 +78,7 @@ const Element* Builder::FindFunction(const std::string& name) const {
 }
 
 void Builder::CountExpression(const Element& at) {
-  if (++expressions_ > kMostExpressions) at.Fail("the model's definitions unfold to too many expressions");
+  if (++expressions_ > kMostExpressions) at.Fail("the model's definitions expand to too many expressions");
 }
 
 double Builder::ValueOf(std::string_view text, TypeInfo type, const Element& at) {

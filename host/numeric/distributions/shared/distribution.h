@@ -113,7 +113,7 @@ class Distribution {
   // for arrays. -infinity or NaN if one lies outside the support.
   double LogLikelihood(In sorted) const;
 
-  // The fit to a sample. What is estimated how stands with the formulas.
+  // The fit to a sample. The formulas say how each parameter is estimated.
   static EstimateResult Estimate(const EstimationInput& input);
 
   static constinit const DistributionType kType;
