@@ -663,8 +663,9 @@ TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
   Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nmid,FALSE\nodd,TRUE\nmid,TRUE\n");
   const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_NE(outcome.err.find("Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)"),
-            std::string::npos)
+  EXPECT_NE(
+      outcome.err.find("Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)"),
+      std::string::npos)
       << outcome.err;
 }
 

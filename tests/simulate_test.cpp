@@ -112,13 +112,15 @@ TEST_F(Command, SimulationReachesTheCorrelationSavedWithTheFits) {
 TEST_F(Command, LatinHypercubeSaysWhichLowerBoundItLeavesOut) {
   MustRun({"fit", kExamples + "toxocara.csv", "--discrete", "number", "--save", "p.bvw", "--truncate",
            "number=3:"});
-  const auto said = [this](const char* method) {
-    return Run({"simulate", "p.bvw", "--method", method, "--seed", "1"}).err;
-  };
-  EXPECT_EQ(said("latin-hypercube"),
-            "brenvolt: Latin hypercube sampling leaves out the lower bound 3 itself; a bound of 2.5 keeps it "
-            "(variable number)\n");
-  EXPECT_EQ(said("monte-carlo"), "");
+  const std::string note =
+      "number: Latin hypercube sampling leaves out the lower bound 3 itself; a bound of 2.5 keeps it";
+  EXPECT_EQ(JsonOf({"simulate", "p.bvw", "--method", "latin-hypercube", "--seed", "1"})["notes"],
+            Json::array({note}));
+  EXPECT_EQ(JsonOf({"simulate", "p.bvw", "--method", "monte-carlo", "--seed", "1"})["notes"], Json::array());
+  const std::string report = MustRun({"simulate", "p.bvw", "--method", "latin-hypercube", "--seed", "1"}).out;
+  EXPECT_NE(report.find("\n  number: Latin hypercube sampling leaves out the lower bound 3"),
+            std::string::npos)
+      << report;
 }
 
 TEST_F(Command, SimulationWithoutMuchToCorrelate) {
@@ -133,7 +135,7 @@ TEST_F(Command, SimulationWithoutMuchToCorrelate) {
   EXPECT_FALSE(one.contains("correlations")) << "one variable has no pair";
   const Outcome few = Run({"simulate", "p.bvw", "--method", "iman-conover", "--samples", "2"});
   EXPECT_EQ(few.status, 0);
-  EXPECT_TRUE(few.err.starts_with("brenvolt: There are too few samples to take back chance")) << few.err;
+  EXPECT_TRUE(few.err.starts_with("brenvolt: There are too few samples to remove chance")) << few.err;
   for (const char* output : {"x.csv", "x.bvw"}) {
     const Outcome nothing = Run({"simulate", "p.bvw", "--method", "norta", "-o", output});
     EXPECT_EQ(nothing.status, 1);

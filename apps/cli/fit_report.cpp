@@ -217,7 +217,7 @@ std::string VariableText(const FittedVariable& variable, const std::string& rank
 std::string Footnote(const FitReportOptions& options) {
   if (options.bootstrapSamples > 0) {
     return "\nP-values by parametric bootstrap, " + std::to_string(options.bootstrapSamples) +
-           " samples per distribution; - for a fit whose samples prove\nnothing (a shape below -1).\n";
+           " samples per distribution; - for a fit whose bootstrap is not\nvalid (a shape below -1).\n";
   }
   return "\nParameters were estimated from the same data, so the p-values are too large: they compare fits, "
          "but\nprove none. --bootstrap N gives p-values that allow for the estimation.\n";

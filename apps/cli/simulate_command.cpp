@@ -63,11 +63,9 @@ Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
                  {"seed", run.seed},
                  {"drawn", DrawnJson(call, run)},
                  {"variables", SummaryJson(run.results.summary)},
-                 {"cautions", SavedCautionsJson(run.cautions)}};
-  if (!run.results.pairs.empty()) {
-    report["correlations"] = CorrelationsJson(run.results);
-    report["notes"] = run.results.Notes();
-  }
+                 {"cautions", SavedCautionsJson(run.cautions)},
+                 {"notes", run.Notes()}};
+  if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
   if (const auto repair = run.results.Repair()) report["repair"] = RepairJson(*repair);
   if (run.repairedMatrix != nullptr) {
     report["repairedMatrix"] = MatrixJson(run.repairedMatrix->Table());
@@ -95,6 +93,8 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
   if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
   for (const auto& [variable, cautions] : run.cautions)
     std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
+  if (!run.boundNotes.empty()) std::printf("\n");
+  for (const std::string& note : run.boundNotes) std::printf("  %s\n", note.c_str());
   std::printf("\nDrawn by %s%s from\n%s", call.job.method.c_str(),
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());

@@ -1,4 +1,4 @@
-// What jobs in Python share with the command: the words for what dialogs offer, and how projects are saved.
+// Jobs in Python: their structures, filled by keyword, their checks, and what they return.
 #include <pybind11/stl.h>
 #include <pybind11/stl/filesystem.h>
 
@@ -188,7 +188,7 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
                         NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
-                        found.results.Notes());
+                        found.Notes());
 }
 
 // The variables in their notation by name, the correlations as triples, and the least eigenvalue of their matrix.

@@ -459,7 +459,8 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"pearson"_column.heading, "Pearson"},
     {"spearman"_column.heading, "Spearman"},
     {kMsgTooFewSamplesForCorrelation,
-     "There are too few samples to remove chance correlations; the correlations asked for are only approximated."},
+     "There are too few samples to remove chance correlations; the correlations asked for are only "
+     "approximated."},
     {kSimulationAutoUpdate, "Auto update spreadsheet"},
     {kRepairedMatrixTitle, "Repaired correlation matrix"},
     // Columns of result tables.

@@ -106,7 +106,8 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
          job.variables.discrete = {"x"};
          job.distributions = {"normal", "poisson"};
        },
-       "distributions: the normal distribution is for continuous variables, but no continuous variable is fitted"},
+       "distributions: the normal distribution is for continuous variables, but no continuous variable is "
+       "fitted"},
       {[](FitJob& job) { job.bootstrap = 1e23; },
        "bootstrap: expected a whole number from 1 to 1000000, got 100000000000000000000000"},
       {[](FitJob& job) { job.bootstrap = 1.5e300; },

@@ -10,43 +10,24 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/data_plots.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt {
 namespace {
 
 constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
 
-// The lower bound of a variable that is drawn from a discrete distribution, if it has one.
-std::optional<double> DiscreteLowerBound(const Variable& variable) {
-  const auto order = variable.Property(kOrderProperty);
-  const auto truncation = variable.Property(kTruncationProperty);
-  if (!order || !truncation) return std::nullopt;
-  const FittedType* type = FindFittedType(order->substr(0, order->find(';')));
-  if (type == nullptr || type->continuous) return std::nullopt;
-  // "(below; above; minimum; maximum)"
-  std::vector<std::string_view> items;
-  std::string_view rest = std::string_view(*truncation).substr(1);
-  for (std::size_t end = rest.find(';'); end != std::string_view::npos; end = rest.find(';')) {
-    items.push_back(Trim(rest.substr(0, end)));
-    rest.remove_prefix(end + 1);
-  }
-  if (items.size() < 3 || items.front() != "1") return std::nullopt;
-  return ParseNumber(items[2]);
-}
-
 // Inversion draws the values above a lower bound, so that of counts the bound itself is left out.
-void SayWhatLimitsLeaveOut(const SimulateJob& job, const Spreadsheet& sheet, UserInterface& interface) {
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    const Variable& variable = sheet.VariableAt(i);
-    const bool isSimulated =
-        job.variables.empty() || std::ranges::find(job.variables, variable.Name()) != job.variables.end();
-    const auto bound = isSimulated ? DiscreteLowerBound(variable) : std::nullopt;
-    if (!bound || *bound != std::floor(*bound)) continue;
-    interface.ShowMessage({"Latin hypercube sampling leaves out the lower bound " + ShortestNumber(*bound) +
-                               " itself; a bound of " + ShortestNumber(*bound - 0.5) + " keeps it",
-                           "variable " + variable.Name(),
-                           {}});
+std::vector<std::string> WhatBoundsLeaveOut(const std::vector<NotedVariable>& drawn) {
+  std::vector<std::string> notes;
+  for (const NotedVariable& variable : drawn) {
+    const auto& [code, values, offset, minimum, maximum] = variable.distribution;
+    if (TypeOf(code).facts.isContinuous || !minimum || *minimum != std::floor(*minimum)) continue;
+    notes.push_back(variable.name + ": Latin hypercube sampling leaves out the lower bound " +
+                    ShortestNumber(*minimum) + " itself; a bound of " + ShortestNumber(*minimum - 0.5) +
+                    " keeps it");
   }
+  return notes;
 }
 
 // What the variables of the open dialog are drawn from; nothing where the run will say what is wrong with it.
@@ -128,6 +109,12 @@ void Write(const std::filesystem::path& path, SimulationFindings& run, JobRecord
 
 }  // namespace
 
+std::vector<std::string> SimulationFindings::Notes() const {
+  std::vector<std::string> notes = boundNotes;
+  for (std::string& note : results.Notes()) notes.push_back(std::move(note));
+  return notes;
+}
+
 JobFaults SimulateJob::Check() const {
   JobFaults faults;
   CheckOnce("variables", variables, faults);
@@ -202,10 +189,10 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   const Table follows =
       givenMatrix != nullptr ? givenMatrix : RecordedMatrix(matrix, std::move(chosen), input, recorder);
   OpenDialog(session, follows);
-  if (method.starts_with("latin-hypercube")) SayWhatLimitsLeaveOut(*this, input.sheet, session.Interface());
   Specify(session, input.sheet, found.seed);
   found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
   found.design.variables = ReadSimulated(*session.Dialog(), input.sheet);
+  if (method.starts_with("latin-hypercube")) found.boundNotes = WhatBoundsLeaveOut(found.design.variables);
   if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool toSheet =

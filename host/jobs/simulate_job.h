@@ -29,7 +29,11 @@ struct SimulationFindings {
   std::string matrixSheet;
   std::int32_t seed = 0;                   // given or drawn: the same seed gives the same samples
   std::vector<VariableCautions> cautions;  // in the order of the variables in the data; none without one
+  std::vector<std::string> boundNotes;     // on bounds that the method does not keep to the letter
   DesignText design;  // what was drawn: the distributions, and the correlations that were asked for
+
+  // What a reader of the samples should know, of their bounds and of their correlations.
+  std::vector<std::string> Notes() const;
 };
 
 struct SimulationRun : JobRun, SimulationFindings {};

@@ -112,6 +112,12 @@ TEST(Pmml, TakesWhatTheStandardLeavesToOthers) {
       "");
   EXPECT_EQ(
       RefusalOf(Regression("<Extension><v:Node xmlns:v=\"urn:v\"/><Node xmlns=\"urn:v\"/></Extension>")), "");
+  const std::string slip = "<DerivedField name=\"d\" optype=\"continuous\" dateType=\"double\"";
+  const std::string rest = "><FieldRef field=\"x\"/></DerivedField>";
+  EXPECT_EQ(RefusalOf(Regression(Local(slip + " dataType=\"double\"" + rest))), "");
+  EXPECT_EQ(
+      RefusalOf(Regression(Local("<DerivedField name=\"d\" optype=\"continuous\" typ=\"double\"" + rest))),
+      "the attribute typ of DerivedField is not supported (m.pmml, line 10)");
   std::string prefixed = Regression("");
   for (std::size_t at = 0; (at = prefixed.find('<', at)) != std::string::npos; ++at) {
     prefixed.insert(at + (prefixed[at + 1] == '/' ? 2 : 1), "p:");

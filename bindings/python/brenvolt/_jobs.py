@@ -440,8 +440,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
     "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman") those of
     each pair; "repaired_matrix", which took the place of the correlations asked for where they contradict each other, as
-    {name: {name: number}}, or None; "notes" on the correlations; and "cautions", what speaks against simulating the best fits, as
-    FittedVariable.cautions does.
+    {name: {name: number}}, or None; "cautions", what speaks against simulating the best fits, as
+    FittedVariable.cautions does; and "notes", what else to know about the samples.
     """
     source, correlations = _design._parts(source, correlations)
     by_hand = from_file is not None or _is_design(source)

@@ -41,7 +41,7 @@ TEST(EstimationReason, EveryFaultHasItsSentenceWithItsFacts) {
       {{kUndefinedLogarithm, "-1", "0"}, 2, "the value -1 in case 2 is not above 0"},
       {{kUndefinedLogarithm, "-1", "-10"},
        2,
-       "the value -1 in case 2 is not above 0, which the offset -10 does not help"},
+       "the value -1 in case 2 is not above 0, even after subtracting the offset -10"},
       {{kMeansNotSet}, 0, "the first parameter is -444, which is reserved for a missing value"},
   };
   for (const Case& c : cases) {

@@ -14,7 +14,9 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   EndProgress();
   if (!Answers(message)) return ProgramInterface::ShowMessage(message);
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
-  std::fprintf(stderr, "%s: %s%s\n", program_.c_str(), message.text.c_str(), where.c_str());
+  // A question that the caller answered beforehand is not left standing as if somebody had to.
+  const char* const answer = message.buttons == MessageButtons::kOk ? "" : " Yes.";
+  std::fprintf(stderr, "%s: %s%s%s\n", program_.c_str(), message.text.c_str(), answer, where.c_str());
   return ProgramInterface::ShowMessage(message);
 }
 

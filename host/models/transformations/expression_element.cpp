@@ -478,8 +478,12 @@ Operand CompileDerivedField(const Element& element, const Place& place) {
   element.PassOver({"name", element.SpellingOf("displayName").c_str()});
   const OpType opType = ReadOpType(element, OpType::kContinuous, opTypeName.c_str());
   std::optional<TypeInfo> type;
-  if (element.Find(dataTypeName.c_str())) type = ReadDataType(element, kDouble, dataTypeName.c_str());
-  element.RefuseOtherAttributes();
+  // An attribute with a slip in its name matters only if it may be the type.
+  if (element.Find(dataTypeName.c_str())) {
+    type = ReadDataType(element, kDouble, dataTypeName.c_str());
+  } else {
+    element.RefuseOtherAttributes();
+  }
   std::optional<Element> body;
   std::vector<std::string> labels;
   for (const Element& child : element.Children()) {
