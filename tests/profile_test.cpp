@@ -194,7 +194,12 @@ TEST_F(ProfileCommand, NoLimitsAreGivenForRunsOfCorrelatedPredictors) {
   const Json report = JsonOf(call);
   for (const Json& percentile : report["responses"][0]["percentiles"])
     EXPECT_TRUE(percentile["lower"].is_null() && percentile["upper"].is_null()) << percentile;
-  EXPECT_TRUE(report["responses"][0]["capability"]["overall"]["ppk"].is_number());
+  const Json& capability = report["responses"][0]["capability"];
+  for (const Json& one : {capability["overall"]["ppk"], capability["observedPpm"]["above"]}) {
+    EXPECT_TRUE(one["value"].is_number()) << one;
+    EXPECT_TRUE(one["lower"].is_null() && one["upper"].is_null()) << one;
+  }
+  EXPECT_TRUE(capability["overall"]["standardDeviation"].is_number());
   EXPECT_TRUE(report["defects"][0]["rate"].is_number());
   EXPECT_TRUE(report["defects"][0]["rateInterval"]["lower"].is_null());
   ASSERT_EQ(report["notes"].size(), 1U);

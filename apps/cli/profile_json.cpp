@@ -1,6 +1,9 @@
 // The report of the profiler for programs.
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 #include "apps/cli/profile_report.h"
 #include "apps/cli/result_json.h"
@@ -21,12 +24,22 @@ Json PercentilesJson(std::span<const ResultRow> rows) {
   return list;
 }
 
-// The values of some rows; a value with confidence limits is an object of the three.
+// What never has confidence limits.
+constexpr std::array<std::string_view, 7> kWithoutLimits{
+    "lsl", "target", "usl", "normal_p", "within_deviation", "overall_deviation", "cpm"};
+
+bool HasLimits(const ResultColumn& statistic) {
+  const bool isByPercentiles = std::string_view(statistic.json).starts_with("/percentiles/");
+  return !isByPercentiles && std::ranges::find(kWithoutLimits, statistic.identifier) == kWithoutLimits.end();
+}
+
+// The values of some rows; a value that may have confidence limits is an object of the three, whether or not these
+// runs give any.
 void AddEstimates(const ResultTable& table, std::span<const ResultColumn> statistics, Json& json) {
   for (const ResultColumn& statistic : statistics) {
     const ResultRow& row = table.Row(statistic);
     Json& place = PlaceOf(statistic, json);
-    if (std::isnan(row.Number("lower"_column))) {
+    if (!HasLimits(statistic) || std::isnan(row.Number("value"_column))) {
       place = NumberJson(row.Number("value"_column));
     } else {
       AddNumbers(row, kEstimates, place);
