@@ -641,7 +641,8 @@ TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
     const char* fixed;
     std::string only;
   };
-  for (const Case& one : {Case{"grade=high", "1 2"}, Case{"grade=unseen", "3"}, Case{"hot=TRUE", "1 3"}}) {
+  for (const Case& one : {Case{"grade=high", "1 2"}, Case{"grade=low", "3"}, Case{"hot=TRUE", "1 3"},
+                          Case{"hot=True", "1 3"}, Case{"hot=false", "2 3"}}) {
     MustRun({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3", "--fix", one.fixed, "-o",
              "runs.csv"});
     const Spreadsheet runs = ReadCsv(File("runs.csv"));
@@ -652,10 +653,13 @@ TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
       found += (found.empty() ? "" : " ") + std::to_string(static_cast<int>(value));
     EXPECT_EQ(found, one.only) << one.fixed;
   }
-  const Outcome wrong = Run({"profile", "grades.csv", "--model", "grades.pmml", "--fix", "hot=warm"});
-  EXPECT_EQ(wrong.status, 2);
-  EXPECT_NE(wrong.err.find("unknown class: warm; the classes are FALSE, TRUE"), std::string::npos)
-      << wrong.err;
+  for (const Case& wrong : {Case{"hot=warm", "unknown class: warm; the classes are FALSE, TRUE"},
+                            Case{"grade=unseen", "unknown class: unseen; the classes are high, low"},
+                            Case{"grade=HIGH", "unknown class: HIGH; the classes are high, low"}}) {
+    const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--fix", wrong.fixed});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.err.find(wrong.only), std::string::npos) << outcome.err;
+  }
 }
 
 TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {

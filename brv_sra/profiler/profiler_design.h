@@ -49,7 +49,7 @@ struct ProfilerPredictor {
   // values that the data hold as texts, the texts of 0 and 1.
   std::map<double, std::string> labels;
   bool holdsTexts = false;
-  bool takesAnyText = false;  // no model lists its texts
+  bool takesAnyText = false;  // neither a model nor the data list its texts
   bool categorical = false;
 
   bool IsRandom() const { return setting == PredictorSetting::kRandom; }

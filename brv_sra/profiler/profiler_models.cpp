@@ -240,7 +240,10 @@ ProfilerPredictor PredictorOf(const PredictionModel& model, std::size_t place, c
     weights.emplace(field.codes[i], field.frequencies.empty() ? 1.0 : field.frequencies[i]);
   }
   const Variable* variable = DataOf(predictor, data);
-  if (variable != nullptr && predictor.takesAnyText) predictor.labels = TextsIn(*variable);
+  if (variable != nullptr && predictor.takesAnyText) {
+    predictor.labels = TextsIn(*variable);
+    predictor.takesAnyText = predictor.labels.empty();
+  }
   if (variable != nullptr && predictor.categorical && !field.isText &&
       variable->Type() == VariableType::kText)
     predictor.labels = SpellingsIn(*variable, model, place);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "brv_sra/distributions/catalogue.h"
@@ -24,12 +25,24 @@ bool IsFixedKey(const Variant& key) {
   throw Error("unknown class: " + name + "; the classes are " + classes, predictor.name);
 }
 
-// The code of a class by its name, which may be spelled like a number, or the code itself. If no model
-// lists its classes, an unknown name is a new one.
+std::string LowerCase(std::string text) {
+  std::ranges::transform(text, text.begin(), [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; });
+  return text;
+}
+
+// The code of a class by its name, which may be spelled like a number, or the code itself; upper and lower case do
+// not count in truth values. If neither a model nor the data list the classes, an unknown name is a new one.
 double ClassCode(ProfilerPredictor& predictor, const std::string& name) {
-  const auto named =
-      std::ranges::find_if(predictor.labels, [&](const auto& label) { return label.second == name; });
-  if (named != predictor.labels.end()) return named->first;
+  const auto codeOf = [&](const auto& isNamed) {
+    const auto named =
+        std::ranges::find_if(predictor.labels, [&](const auto& label) { return isNamed(label.second); });
+    return named != predictor.labels.end() ? std::optional(named->first) : std::nullopt;
+  };
+  if (const auto code = codeOf([&](const std::string& text) { return text == name; })) return *code;
+  const std::string lower = LowerCase(name);
+  const bool isTruth = !predictor.holdsTexts && (lower == "true" || lower == "false");
+  if (const auto code = codeOf([&](const std::string& text) { return isTruth && LowerCase(text) == lower; }))
+    return *code;
   if (const auto code = ParseNumber(name); code && predictor.labels.contains(*code)) return *code;
   if (!predictor.takesAnyText || name.empty()) RefuseClass(predictor, name);
   const double code = predictor.labels.empty() ? 1 : std::floor(predictor.labels.rbegin()->first) + 1;
