@@ -672,10 +672,15 @@ TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
   Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nmid,FALSE\nodd,TRUE\nmid,TRUE\n");
   const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  EXPECT_NE(
-      outcome.err.find("Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)"),
-      std::string::npos)
-      << outcome.err;
+  const std::string note = "Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)";
+  EXPECT_NE(outcome.err.find(note), std::string::npos) << outcome.err;
+  EXPECT_NE(outcome.out.find("\n  " + note + "\n"), std::string::npos) << outcome.out;
+  const Outcome reported =
+      Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3", "--format", "json"});
+  const Json report = Json::parse(reported.out);
+  EXPECT_EQ(report["notes"], Json::array({note}));
+  EXPECT_EQ(report["responses"][0]["profiles"][0]["values"], Json::array({"high", "low"}));
+  EXPECT_NE(outcome.out.find("high: "), std::string::npos) << outcome.out;
 }
 
 TEST_F(Command, ProfileRefusesAMatrixAndDrawsFromNoFitThatTheDataContradict) {

@@ -74,8 +74,10 @@ Json UnpredictedJson(const std::vector<UnpredictedRuns>& unpredicted) {
 
 Json ProfilesJson(const std::vector<PredictedProfile>& profiles) {
   Json list = Json::array();
-  for (const PredictedProfile& profile : profiles)
-    list.push_back({{"predictor", profile.predictor}, {"values", profile.values}, {"means", profile.means}});
+  for (const PredictedProfile& profile : profiles) {
+    const Json values = profile.names.empty() ? Json(profile.values) : Json(profile.names);
+    list.push_back({{"predictor", profile.predictor}, {"values", values}, {"means", profile.means}});
+  }
   return list;
 }
 

@@ -125,7 +125,9 @@ std::vector<std::string> ProfileCells(const PredictedProfile& profile, double sp
     if (!hasEnough && i >= classes) break;
     const std::size_t at = hasEnough ? (i * (classes - 1) + steps / 2) / steps : i;
     const int digits = DigitsFor(profile.values[at], greatest - least, kShortDigits);
-    cells.push_back(ReadableNumber(profile.values[at], digits) + ": " +
+    const std::string value =
+        profile.names.empty() ? ReadableNumber(profile.values[at], digits) : profile.names[at];
+    cells.push_back(value + ": " +
                     ReadableNumber(profile.means[at], DigitsFor(profile.means[at], spread, kShortDigits)));
   }
   return cells;

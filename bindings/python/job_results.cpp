@@ -69,8 +69,10 @@ py::list UnpredictedOf(const ResponseResults& response) {
 // The values of a predictor and the means of the response there, by predictor.
 py::dict ProfilesOf(const ResponseResults& response) {
   py::dict profiles;
-  for (const PredictedProfile& profile : response.profiles)
-    profiles[py::str(profile.predictor)] = py::dict("value"_a = profile.values, "mean"_a = profile.means);
+  for (const PredictedProfile& profile : response.profiles) {
+    const py::object values = profile.names.empty() ? py::cast(profile.values) : py::cast(profile.names);
+    profiles[py::str(profile.predictor)] = py::dict("value"_a = values, "mean"_a = profile.means);
+  }
   return profiles;
 }
 

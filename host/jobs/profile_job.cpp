@@ -84,8 +84,11 @@ class Profiler {
 
   // Models come before formulas, which take the places of models of their responses.
   void Prepare(const JobInput& input, JobRecorder& recorder) {
+    const std::size_t shown = session_.Interface().Messages().size();
     LoadModels();
     SetFormulas();
+    const auto& messages = session_.Interface().Messages();
+    for (std::size_t i = shown; i < messages.size(); ++i) notes_.push_back(messages[i].text);
     PutBatch(0);
     const bool takesSaved = job_.savedFits && !job_.fitBest;
     const DesignText saved =
@@ -100,6 +103,9 @@ class Profiler {
   }
 
   const std::vector<std::string>& Responses() const { return responses_; }
+
+  // What models and formulas leave out of the data.
+  const std::vector<std::string>& Notes() const { return notes_; }
 
   const PredictorInputs& Predictors() const { return inputs_; }
 
@@ -339,6 +345,7 @@ class Profiler {
   std::shared_ptr<AutomationObject> dialog_;
   std::vector<std::string> predictors_;
   std::vector<std::string> responses_;
+  std::vector<std::string> notes_;
   PredictorInputs inputs_{session_, predictors_};
 };
 
@@ -411,6 +418,7 @@ void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, Pr
   results.runs = profiler.Batches().Runs(0);
   results.predictors = profiler.Predictors().Uses(found.simulated->Table());
   results.correlations = profiler.Predictors().Correlations();
+  results.notes = profiler.Notes();
   for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
     profiler.TakeResults(i, results);
     if (!profiler.IsSpecified(i) || results.defects) continue;
@@ -420,7 +428,7 @@ void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, Pr
   }
   if (simulated.tables.size() > 1) TakeUnpredicted(*simulated.tables[1], results);
   RequirePredictions(results);
-  if (shared.profiles) TakeProfiles(*shared.profiles, results);
+  if (shared.profiles) TakeProfiles(*shared.profiles, found.simulated->Table(), results);
 }
 
 // Functions that know their runs by the numbers in all batches.

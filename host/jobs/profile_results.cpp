@@ -21,6 +21,20 @@ ResultTable ReadTable(const CAnalysisTableDoc& document, ProfileResults& results
   return table;
 }
 
+// The texts of values; none unless all have one.
+std::vector<std::string> NamesOf(const std::vector<double>& values, const std::string& predictor,
+                                 const Spreadsheet& simulated) {
+  const auto place = simulated.FindVariable(predictor);
+  if (!place) return {};
+  std::vector<std::string> names;
+  for (const double value : values) {
+    const auto label = simulated.VariableAt(*place).Label(value);
+    if (!label) return {};
+    names.emplace_back(*label);
+  }
+  return names;
+}
+
 }  // namespace
 
 void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnalysisTableDoc>> summary,
@@ -64,7 +78,7 @@ void TakeUnpredicted(const CAnalysisTableDoc& document, ProfileResults& results)
   }
 }
 
-void TakeProfiles(const Graph& graph, ProfileResults& results) {
+void TakeProfiles(const Graph& graph, const Spreadsheet& simulated, ProfileResults& results) {
   for (const Graph& panel : graph.panels) {
     const auto response = std::ranges::find(results.responses, panel.yTitle, &ResponseResults::name);
     const auto means = std::ranges::find(panel.series, SeriesStyle::kLine, &GraphSeries::style);
@@ -72,7 +86,8 @@ void TakeProfiles(const Graph& graph, ProfileResults& results) {
     const bool isOfClasses =
         response->IsPredicted() && std::isnan(response->statistics.Number("mean"_column));
     if (isOfClasses) continue;
-    response->profiles.push_back({panel.xTitle, means->x, means->y});
+    response->profiles.push_back(
+        {panel.xTitle, means->x, NamesOf(means->x, panel.xTitle, simulated), means->y});
   }
 }
 

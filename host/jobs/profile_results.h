@@ -18,8 +18,9 @@ namespace brenvolt {
 // How a response follows a predictor: its mean in classes of the predictor's values that hold equally many runs.
 struct PredictedProfile {
   std::string predictor;
-  std::vector<double> values;  // the median of each class, ascending
-  std::vector<double> means;   // of the response in that class
+  std::vector<double> values;      // the median of each class, ascending
+  std::vector<std::string> names;  // of the values, if they stand for texts; else none
+  std::vector<double> means;       // of the response in that class
 };
 
 // Why some runs have no prediction.
@@ -75,8 +76,8 @@ void TakeResponse(const std::string& name, std::span<const std::shared_ptr<CAnal
                   const CAnalysisTableDoc* capability, ProfileResults& results);
 // Takes why runs of each response have no prediction.
 void TakeUnpredicted(const CAnalysisTableDoc& document, ProfileResults& results);
-// Takes the profiles of each response from the graph of them all.
-void TakeProfiles(const Graph& graph, ProfileResults& results);
+// Takes the profiles of each response from the graph of them all; the simulated runs name the values of predictors of texts.
+void TakeProfiles(const Graph& graph, const Spreadsheet& simulated, ProfileResults& results);
 // Takes the table of the exact counts of defects, and the further lines of its title as notes.
 void TakeDefects(const CAnalysisTableDoc& document, ProfileResults& results);
 
