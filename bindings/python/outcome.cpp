@@ -17,7 +17,7 @@ namespace {
 struct Outcome {
   std::vector<Message> messages;
   std::optional<CallFailure> failure;
-  bool saysWhy = false;      // the failure is a job's own, not that of a call which may have shown its reason
+  bool saysWhy = false;      // the failure has its reason, which no message shown before it replaces
   std::exception_ptr other;  // not a failure of the system: a cancellation, no memory, a wrong job
 };
 
@@ -40,10 +40,13 @@ const char* CodeName(AutomationCode code) {
 }
 
 void Try(const std::function<void()>& work, const std::function<std::string()>& method, Outcome& outcome) {
+  const std::string call = method == nullptr ? std::string() : method();
   const auto fail = [&](const std::string& text, const std::string& where, const std::string& otherMethod,
                         AutomationCode code) {
     const std::string& source = ThreadErrorInfo().source;
     const std::string& name = source.empty() ? otherMethod : source;
+    // A job throws JobFailed where a message of the failing call says why; what it showed earlier are notices.
+    outcome.saysWhy = method == nullptr && !text.empty();
     outcome.failure = {text, where, name, name.empty() ? "" : CodeName(code), {}};
   };
   ClearThreadErrorInfo();
@@ -52,11 +55,11 @@ void Try(const std::function<void()>& work, const std::function<std::string()>& 
   } catch (const JobFailed& refused) {
     fail({}, {}, refused.Method(), AutomationCode::kControlRefused);
   } catch (const AutomationFailure& failure) {
-    fail(failure.what(), failure.Where(), method(), failure.Code());
+    fail(failure.what(), failure.Where(), call, failure.Code());
   } catch (const AutomationError& error) {
-    fail(error.Reason(), error.Where(), method(), AutomationCode::kException);
+    fail(error.Reason(), error.Where(), call, AutomationCode::kException);
   } catch (const Error& error) {
-    fail(error.what(), error.Where(), method(), AutomationCode::kException);
+    fail(error.what(), error.Where(), call, AutomationCode::kException);
     outcome.saysWhy = true;
   } catch (...) {
     outcome.other = std::current_exception();

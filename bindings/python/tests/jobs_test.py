@@ -20,6 +20,15 @@ def example(name):
     return os.path.join(EXAMPLES, name + ".csv")
 
 
+# y is 3 for the grade high, else 1.
+GRADES = """<PMML version="4.4" xmlns="http://www.dmg.org/PMML-4_4"><Header/><DataDictionary>
+<DataField name="grade" optype="categorical" dataType="string"><Value value="high"/><Value value="low"/></DataField>
+<DataField name="y" optype="continuous" dataType="double"/></DataDictionary>
+<RegressionModel functionName="regression"><MiningSchema><MiningField name="grade"/>
+<MiningField name="y" usageType="target"/></MiningSchema><RegressionTable intercept="1">
+<CategoricalPredictor name="grade" value="high" coefficient="2"/></RegressionTable></RegressionModel></PMML>"""
+
+
 class Folder(unittest.TestCase):
     def setUp(self):
         folder = tempfile.TemporaryDirectory()
@@ -46,6 +55,20 @@ class Scores(Folder):
                                                     "highest": None, "count": 1}])
         self.assertEqual(brenvolt.Application().score(model, example("ozone")).unpredicted, [])
         self.assertEqual(brenvolt.score(model, data).attrs["unpredicted"], predictions.unpredicted)
+
+    def test_a_profile_fails_for_its_reason_and_not_for_an_earlier_notice(self):
+        with open(self.file("grades.pmml"), "w") as file:
+            file.write(GRADES)
+        data = pandas.DataFrame({"grade": ["high", "low", "mid", "high"]})
+        notice = "Cases of grade whose class no model knows are left out: mid (1)"
+        with self.assertWarnsRegex(MessageWarning, "^Cases of grade"):
+            with self.assertRaises(ValueError) as raised:
+                brenvolt.profile(data, self.file("grades.pmml"), seed=1, fixed={"grade": "odd"})
+        self.assertIn("unknown class: odd; the classes are high, low", str(raised.exception))
+        with self.assertWarnsRegex(MessageWarning, "^Cases of grade"):
+            result = brenvolt.profile(data, self.file("grades.pmml"), seed=1)
+        self.assertEqual(result.notes, [notice])
+        self.assertEqual(result.responses["y"].profiles["grade"]["value"].tolist(), ["high", "low"])
 
     def test_outputs_that_cannot_be_given_are_named(self):
         model = os.path.join(EXAMPLES, "../host/models/reference/exports/models/RegressionExport.pmml")
