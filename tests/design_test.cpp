@@ -210,5 +210,37 @@ TEST_F(Command, DialogFindsTheMatrixOfTheProject) {
   }
 }
 
+// A design that changes one distribution goes on with the correlations that the project keeps.
+TEST_F(Command, DesignOverAProjectKeepsItsCorrelations) {
+  if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
+    GTEST_SKIP() << "the Python package is not built";
+  MustRun({"design", "designed.bvw", "--from", kExamples + "tolerance_stack.txt"});
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "fitted.bvw"});
+  const struct {
+    std::string project;
+    std::string sheet;
+    std::string variable;
+  } rows[] = {{"designed.bvw", "Design", "a"}, {"fitted.bvw", "faithful", "waiting"}};
+  for (const auto& [project, sheet, variable] : rows) {
+    WriteBytes(
+        File("macro.py"),
+        "from brenvolt import *\nbook = open_workbook('" + project + "')\nanalysis = Analysis(book.sheet('" +
+            sheet +
+            "'))\ndialog = analysis.Dialog\ndialog.TypeOfAnalysis = scSRADesignSimulation\ndialog.OK()\n"
+            "dialog = analysis.Dialog\nnames = list(dialog.UserDefinedDesignMatrixVariableNames)\n"
+            "dialog.SimulationSpecificationOfVariable[names.index('" +
+            variable +
+            "') + 1] = Array('Normal', 71.0, 13.0)\ndialog.OK()\n"
+            "dialog = analysis.Dialog\ndialog.LHSwithImanMethod = 1\ndialog.NumberOfSamples = 500\n"
+            "dialog.IsSeedRandomNumber = 1\ndialog.RandomSeedNumber = 7\n"
+            "dialog.ResultsSaveFileName = 'dialog.csv'\ndialog.OK()\n");
+    MustRun({"macro", "macro.py"});
+    MustRun({"design", project, "--variable", variable + " ~ normal(71, 13)"});
+    MustRun({"simulate", project, "--method", "latin-hypercube-iman-conover", "--samples", "500", "--seed",
+             "7", "-o", "command.csv"});
+    EXPECT_EQ(BytesOf(File("dialog.csv")), BytesOf(File("command.csv"))) << project;
+  }
+}
+
 }  // namespace
 }  // namespace brenvolt::test

@@ -113,21 +113,27 @@ MatrixFile MatrixOf(const DesignState& design) {
   return file;
 }
 
-void TakeMatrix(const MatrixFile& file, DesignState& design) {
+void TakeCorrelations(const MatrixFile& file, DesignState& design) {
   const std::size_t k = design.variables.size();
   std::vector<std::optional<std::size_t>> places;
-  for (DesignedVariable& variable : design.variables) {
+  for (const DesignedVariable& variable : design.variables)
     places.push_back(PlaceOf(file.variables, variable.name));
-    if (!places.back()) continue;
-    variable.mean = file.means[*places.back()];
-    variable.standardDeviation = file.standardDeviations[*places.back()];
-  }
   for (std::size_t i = 0; i < k; ++i) {
     for (std::size_t j = 0; j < i; ++j) {
       if (!places[i] || !places[j]) continue;
       design.correlations[i * k + j] = file.correlations[*places[i]][*places[j]];
       design.correlations[j * k + i] = design.correlations[i * k + j];
     }
+  }
+}
+
+void TakeMatrix(const MatrixFile& file, DesignState& design) {
+  TakeCorrelations(file, design);
+  for (DesignedVariable& variable : design.variables) {
+    const auto place = PlaceOf(file.variables, variable.name);
+    if (!place) continue;
+    variable.mean = file.means[*place];
+    variable.standardDeviation = file.standardDeviations[*place];
   }
 }
 

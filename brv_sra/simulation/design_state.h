@@ -60,7 +60,10 @@ void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheet
 // distribution before truncation; 0 and 1 if it has none.
 MatrixFile MatrixOf(const DesignState& design);
 
-// Takes the correlations, means and deviations of the variables that the file has, by name.
+// Takes the correlations of the variables that the file has, by name.
+void TakeCorrelations(const MatrixFile& file, DesignState& design);
+
+// Takes their means and deviations as well.
 void TakeMatrix(const MatrixFile& file, DesignState& design);
 
 }  // namespace brenvolt::sra

@@ -16,6 +16,7 @@
 #include "brv_sra/simulation/dialogs/design_defaults_dialog.h"
 #include "brv_sra/simulation/dialogs/design_distribution_dialog.h"
 #include "brv_sra/simulation/dialogs/design_user_defined_dialog.h"
+#include "brv_sra/simulation/dialogs/input_matrix.h"
 #include "host/automation/automation_failure.h"
 #include "host/automation/dialog_interface.h"
 #include "host/automation/variable_list.h"
@@ -101,7 +102,19 @@ void CDesignSimulation::ReadInput() {
   SetDesignVariables(Design(), NumericVariables(*input));
   ReadFitted(*input);
   const MatrixState& matrix = SimulationAndRisk().Matrix();
-  if (matrix.attached) TakeMatrix(matrix.file, Design());
+  if (matrix.attached) {
+    TakeMatrix(matrix.file, Design());
+  } else {
+    TakeKeptCorrelations();
+  }
+}
+
+// The simulation follows the design's matrix from OK on, so it must begin with what is kept. Means and deviations come
+// from the distributions, which may change here. A matrix that is not valid is told and not taken.
+void CDesignSimulation::TakeKeptCorrelations() {
+  Attempt([this] {
+    if (const auto kept = KeptMatrix(SimulationAndRisk())) TakeCorrelations(*kept, Design());
+  });
 }
 
 // A variable whose properties cannot be read counts as one without, so that it can be given a distribution.

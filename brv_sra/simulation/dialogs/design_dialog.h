@@ -55,6 +55,7 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
 
  private:
   void ReadInput();
+  void TakeKeptCorrelations();
   void ReadFitted(Spreadsheet& sheet);
   void AddToInput(const std::vector<std::string>& names);
   void RequireParticipants() const;

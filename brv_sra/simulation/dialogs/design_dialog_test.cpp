@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/resources/resource_numbers.h"
+#include "brv_sra/resources/strings.h"
 #include "brv_sra/simulation/dialogs/design_desk_dialog_test.h"
 
 namespace brenvolt::sra {
@@ -111,6 +113,60 @@ TEST_F(Desk, PersonMayMakeAMatrixFileOfVariablesThatKeepTheirFits) {
   EXPECT_TRUE(analysis->Matrix().attached);
   EXPECT_EQ(Get(kNames), "(Var1 Var3)");
   EXPECT_EQ(Get(kSimulated, 1), "(scNormalDistr 1 2 1 -1 0 0)");
+}
+
+MatrixFile CorrelatedFile(double correlation) {
+  MatrixFile file = MatrixFile::Identity({"Var2", "Var1"});
+  file.correlations = {{1, correlation}, {correlation, 1}};
+  return file;
+}
+
+// Whether a project keeps the matrix beside the input or the fits of this analysis were saved with it.
+TEST_F(Desk, CorrelationsThatAreKeptWithTheInputStay) {
+  for (const bool inProject : {true, false}) {
+    SCOPED_TRACE(inProject);
+    analysis.reset(Kro6NewAnalysis());
+    Open(&data);
+    Dialog().Call("Cancel");
+    if (inProject) {
+      const auto find = [](const Spreadsheet&, const std::string&) {
+        return MakeMatrixFile(CorrelatedFile(0.6));
+      };
+      document->SetMatrixSource({[] { return Names(); }, find});
+    } else {
+      analysis->Matrix().saved = CorrelatedFile(0.6);
+    }
+    analysis->RunSequenceStep(step::kDesign);
+    EXPECT_EQ(Get(kValues), "((1 0.6 0) (0.6 1 0) (0 0 1))");
+    EXPECT_EQ(Get(kMeans), "(none none none)") << "those of the distributions, which may change";
+    Put(kSimulated, 1, Distribution("Normal", {4, 1}));
+    Put(kSimulated, 2, Distribution("Normal", {7, 2}));
+    Dialog().Call("SaveDistributionToInput");
+    const auto matrix =
+        std::dynamic_pointer_cast<CAnalysisTableDoc>(Dialog().Get("CorrelationMatrix").ToObject());
+    EXPECT_EQ(matrix->Table().VariableAt(0).Values()[1], 0.6);
+    ASSERT_EQ(Dialog().Call("OK").ToInteger(), 1);
+    Dialog().Put("ImanConoverMethod", true);
+    Dialog().Put("NumberOfSamples", 500);
+    ASSERT_EQ(Dialog().Call("OK").ToInteger(), 1);
+    EXPECT_EQ(analysis->Simulation().correlations->asked[1], 0.6);
+  }
+}
+
+TEST_F(Desk, MatrixThatIsNotValidIsToldAndNotTaken) {
+  Open(&data);
+  Dialog().Call("Cancel");
+  const auto find = [](const Spreadsheet&, const std::string&) {
+    return std::make_unique<Spreadsheet>("faulty", 3, 3);
+  };
+  document->SetMatrixSource({[] { return Names(); }, find});
+  person.TakeTexts();
+  analysis->RunSequenceStep(step::kDesign);
+  const Names said = person.TakeTexts();
+  ASSERT_FALSE(said.empty());
+  EXPECT_EQ(said.back(), ResourceString(kMsgSimulationFailedMatrix));
+  EXPECT_EQ(analysis->CurrentStep(), step::kDesign);
+  EXPECT_EQ(Get(kValues), "((1 0 0) (0 1 0) (0 0 1))");
 }
 
 TEST_F(Desk, RefusedEntriesChangeNothing) {

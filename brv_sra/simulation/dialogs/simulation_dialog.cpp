@@ -14,6 +14,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/simulation_interface.h"
+#include "brv_sra/simulation/dialogs/input_matrix.h"
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/saved_fits.h"
 #include "brv_sra/simulation/simulation_run.h"
@@ -22,7 +23,6 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/tables/csv.h"
-#include "host/tables/matrix_sheet.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt::sra {
@@ -299,23 +299,6 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
   ShowVariables();
 }
 
-void CSimulationFromDistribution::RequireSymmetric(const MatrixFile& file, const std::string& place) const {
-  const auto entry = [&file](std::size_t row, std::size_t c) { return file.correlations[row][c]; };
-  if (const auto asymmetry = AsymmetryIn(file.variables, entry))
-    throw Error(szLoadResString(kMsgSimulationFailedMatrix), place + *asymmetry);
-}
-
-MatrixFile CSimulationFromDistribution::ReadGivenMatrix(const Spreadsheet& sheet) const {
-  Result<MatrixFile> read = ReadMatrixFile(sheet);
-  if (read) {
-    RequireSymmetric(*read, "sheet " + sheet.Name() + ": ");
-    return *std::move(read);
-  }
-  std::string why = MessageOf(read.Reason()).text;
-  if (why.empty()) why = "is not a matrix file";
-  throw Error(szLoadResString(kMsgSimulationFailedMatrix), "sheet " + sheet.Name() + ": " + why);
-}
-
 void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
   SimulationAndRisk().Simulation().matrix = ReadGivenMatrix(sheet);
   Options().matrix.clear();
@@ -438,11 +421,8 @@ const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() {
   if (state.matrix) return &*state.matrix;
   const MatrixState& input = SimulationAndRisk().Matrix();
   if (input.attached) return &input.file;
-  if (input.saved) return &*input.saved;
-  const auto sheet = Analysis().Document()->FindMatrix({});
-  if (sheet == nullptr) return nullptr;
-  found_ = ReadGivenMatrix(*sheet);
-  return &*found_;
+  kept_ = KeptMatrix(SimulationAndRisk());
+  return kept_ ? &*kept_ : nullptr;
 }
 
 bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) {

@@ -58,8 +58,6 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
                                                     std::int32_t caption, std::int32_t listCaption) const;
   void ListMatrices();
   void TakeMatrixChoice();
-  // Throws Error for a sheet that is no matrix file.
-  MatrixFile ReadGivenMatrix(const Spreadsheet& sheet) const;
   void ShowVariables();
   enum class Outcome : std::uint8_t { kFailed, kNothing, kProduced };
 
@@ -73,8 +71,6 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // The given matrix, or the input if it is one, or the one saved with fits of the input, in this analysis or beside it;
   // null without any. Throws Error for one that is not valid.
   const MatrixFile* CorrelationMatrix();
-  // Throws Error unless mirrored entries agree. `place` begins what it says of the fault.
-  void RequireSymmetric(const MatrixFile& file, const std::string& place) const;
   // Gives the design its correlations by name; a message, and false, if there are none.
   bool AttachCorrelations(SimulationDesign& design);
   Outcome Run();
@@ -88,7 +84,7 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   // The message about a repaired matrix, and the matrix as a document.
   void ShowRepair(const SimulatedCorrelations& correlations);
 
-  std::optional<MatrixFile> found_;  // the matrix that was last found beside the input
+  std::optional<MatrixFile> kept_;  // the matrix that was last found to be kept with the input
 };
 
 }  // namespace brenvolt::sra
