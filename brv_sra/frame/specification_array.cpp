@@ -135,6 +135,19 @@ DistributionCode CodeFromVariant(const Variant& key) {
   throw Error("no distribution called " + name);
 }
 
+void RequireValueCount(std::span<const Variant> array) {
+  const DistributionCode code = CodeFromVariant(array[0]);
+  const DistributionFacts& facts = Facts(code);
+  const std::size_t items = array.size() - 1;
+  const std::size_t least = facts.ParameterCount();
+  const std::size_t most = least + (facts.HasOffset() ? 1 : 0);
+  if (facts.isUserDefined || HasTruncation(facts, items) || (items >= least && items <= most)) return;
+  const std::string offset = facts.HasOffset() ? ", " + std::to_string(most) + " with an offset" : "";
+  throw Error(std::string(DisplayName(code)) + " takes " + std::to_string(least) +
+              (least == 1 ? " value" : " values") + offset + ", " + std::to_string(most + kTruncationItems) +
+              " with a truncation; got " + std::to_string(items));
+}
+
 DistributionSpecification SpecificationFromArray(std::span<const Variant> array) {
   DistributionSpecification specification;
   specification.code = CodeFromVariant(array[0]);

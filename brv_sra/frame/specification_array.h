@@ -17,6 +17,10 @@ namespace brenvolt::sra {
 // The code of a distribution by its key, its display name or its number. Throws Error for any other.
 DistributionCode CodeFromVariant(const Variant& key);
 
+// Throws Error unless the array has as many values as its distribution takes, with or without an offset and a
+// truncation. User-defined types have any number.
+void RequireValueCount(std::span<const Variant> array);
+
 // Throws Error for a key that names no distribution; the values are not checked. The array must not be empty.
 DistributionSpecification SpecificationFromArray(std::span<const Variant> array);
 Variant::Array ArrayOf(const DistributionSpecification& specification);

@@ -198,6 +198,7 @@ TEST_F(ProfilerDialog, WrongSpecificationsAreRefusedAndNotApplied) {
       {Array{"Normal", 1, 2, 1, 6, 1, 5}, crossed},
       {Array{"Normal", 1, 2, 1, Variant(), 0, 0}, crossed},
       {Array{"Normal", 1, 0}, "Invalid scale parameter entry for Normal distribution. "},
+      {Array{"Normal", 1, 2, 3}, "Normal takes 2 values, 6 with a truncation; got 3"},
       {Array{"Gaussian Mixture", 1, 0, 1}, "Invalid number of mixtures. Valid Range is 1<x<21"},
       {Array{"Gamma", 1, 0}, "no distribution called Gamma"},
       {Array{"Fixed"}, "expected one value for a fixed predictor"},

@@ -112,6 +112,7 @@ void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
     if (array.size() != 2) throw Error("expected one value for a fixed predictor");
     return Fix(predictor, array[1]);
   }
+  RequireValueCount(array);
   DistributionSpecification specification = SpecificationFromArray(array);
   CheckEnteredSpecification(specification);
   predictor.setting = PredictorSetting::kRandom;

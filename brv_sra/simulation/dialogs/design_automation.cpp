@@ -83,10 +83,15 @@ DesignedVariable& Indexed(Dialog& dialog, Indexes indexes) {
   return dialog.VariableAt(indexes[0].ToInteger());
 }
 
-// Throws Error unless the array holds a distribution that a person may enter.
-DistributionSpecification EnteredSpecification(const Variant& value) {
+// Throws Error unless the array holds a distribution that a person may enter for the variable.
+DistributionSpecification EnteredSpecification(const DesignedVariable& variable, const Variant& value) {
   const Variant::Array array = value.ToArray();
   if (array.empty()) throw Error("expected a distribution, got an empty array");
+  try {
+    RequireValueCount(array);
+  } catch (const Error& error) {
+    throw Error(error.what(), "variable " + variable.name);
+  }
   DistributionSpecification specification = SpecificationFromArray(array);
   CheckEnteredSpecification(specification);
   return specification;
@@ -101,7 +106,7 @@ void PutOwn(Dialog& dialog, Indexes indexes, const Variant& value) {
   if (value.IsEmpty()) {
     variable.own.reset();
   } else {
-    variable.own = EnteredSpecification(value);
+    variable.own = EnteredSpecification(variable, value);
   }
   dialog.ShowVariables();
 }
@@ -116,8 +121,14 @@ const DistributionSpecification& FittedAs(const DesignedVariable& variable, Dist
 
 Variant GetSimulated(Dialog& dialog, Indexes indexes) {
   const DesignedVariable& variable = Indexed(dialog, indexes);
-  const DistributionSpecification* from = SimulatedFrom(variable, dialog.Design().source);
-  return from != nullptr && !variable.isLeftOut ? Variant(ArrayOf(*from)) : Variant();
+  const ParameterSource source = dialog.Design().source;
+  if (!TakesPart(variable, source)) return {};
+  DistributionSpecification simulated = *SimulatedFrom(variable, source);
+  if (source == ParameterSource::kFitted) {  // the bounds have no effect then
+    simulated.truncateBelow = false;
+    simulated.truncateAbove = false;
+  }
+  return ArrayOf(simulated);
 }
 // A distribution that is put counts as the person's own, which are then simulated.
 void PutSimulated(Dialog& dialog, Indexes indexes, const Variant& value) {
@@ -126,8 +137,8 @@ void PutSimulated(Dialog& dialog, Indexes indexes, const Variant& value) {
     variable.isLeftOut = true;
     return dialog.ShowVariables();
   }
-  dialog.TakeOwn(variable,
-                 value.IsArray() ? EnteredSpecification(value) : FittedAs(variable, CodeFromVariant(value)));
+  dialog.TakeOwn(variable, value.IsArray() ? EnteredSpecification(variable, value)
+                                           : FittedAs(variable, CodeFromVariant(value)));
 }
 
 Variant GetLeftOut(Dialog& dialog, Indexes indexes) {

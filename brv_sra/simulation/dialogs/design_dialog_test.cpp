@@ -45,7 +45,7 @@ TEST_F(Desk, FittedDistributionsAreTakenOverLeftAndChosen) {
   Put(kSimulated, 1, "Weibull");
   EXPECT_EQ(Get(kSimulated, 1), "(scWeibull 3 2 0 1 -1 0 0)");
   Dialog().Put("UseFittedDistributions", true);
-  EXPECT_EQ(Get(kSimulated, 1), "(scNormalDistr 1 2 1 -1 0 0)") << "the best fitted one";
+  EXPECT_EQ(Get(kSimulated, 1), "(scNormalDistr 1 2 0 0 0 0)") << "the best fitted one without its bounds";
   Put(kOwn, 2, Distribution("Poisson", {3}));
   EXPECT_EQ(Get(kSimulated, 2), "(scPoisson 3 0 0 0 0)") << "nothing is fitted";
   Put(kSimulated, 1, Distribution("Normal", {4, 1}));
@@ -192,6 +192,13 @@ TEST_F(Desk, RefusedEntriesChangeNothing) {
       {kMeans, 0, Numbers({1, 2}), "2 values for 3 variables"},
       {kDeviations, 0, Numbers({1, 0, 1}), "0 is out of range (variable Var2)"},
       {kOwn, 1, Distribution("Normal", {1, -2}), "Invalid scale parameter entry"},
+      {kOwn, 1, Distribution("Normal", {1, 2, 3}),
+       "Normal takes 2 values, 6 with a truncation; got 3 (variable Var1)"},
+      {kSimulated, 2, Distribution("Normal", {1}),
+       "Normal takes 2 values, 6 with a truncation; got 1 (variable Var2)"},
+      {kOwn, 1, Distribution("Weibull", {1, 2, 0, 1}),
+       "Weibull takes 2 values, 3 with an offset, 7 with a truncation; got 4 (variable Var1)"},
+      {kOwn, 1, Distribution("Poisson", {}), "Poisson takes 1 value, 5 with a truncation; got 0"},
       {kOwn, 1, Distribution("Normal", {1, 2, 1, 5, 1, 4}), "Minimum value must be less than maximum."},
       {kOwn, 1, Distribution("Cauchy", {1, 2}), "no distribution called Cauchy"},
       {kOwn, 1, Variant::Array{}, "expected a distribution, got an empty array"},
