@@ -6,6 +6,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/startup_interface.h"
 #include "host/analysis/case_editors.h"
+#include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -13,7 +14,9 @@ namespace {
 using namespace define_task;
 
 void PutAutoProfiler(CDefineTask& dialog, std::span<const Variant>, const Variant& value) {
-  if (!dialog.Check(kAutoProfiler, value.ToBoolean()))
+  const std::int32_t state = value.ToInteger();
+  if (state != 0 && state != 1) throw Error("expected 0 or 1, got " + value.ToText());
+  if (!dialog.Check(kAutoProfiler, state == 1))
     ThrowControlRefused("AutoProfiler is about the profiler: select it first, by TypeOfAnalysis");
 }
 

@@ -187,6 +187,15 @@ TEST_F(StartupDialogs, SimulationStartupIsReachedByAFrontEnd) {
   EXPECT_EQ(Dialog().Template().number, 25977);
 }
 
+TEST_F(StartupDialogs, AutoProfilerTakesZeroAndOneAlone) {
+  analysis->GetDialgInterface()->Put("TypeOfAnalysis", 3);
+  for (const int state : {5, 2, -1})
+    EXPECT_THROW(analysis->GetDialgInterface()->Put("AutoProfiler", state), Error) << state;
+  EXPECT_FALSE(analysis->AutoProfiler());
+  analysis->GetDialgInterface()->Put("AutoProfiler", 1);
+  EXPECT_TRUE(analysis->AutoProfiler());
+}
+
 TEST_F(StartupDialogs, AutoProfilerIsRefusedInWordsWhereItDoesNothing) {
   analysis->GetDialgInterface()->Put("TypeOfAnalysis", 0);
   try {

@@ -134,7 +134,8 @@ void ResultRequest::RequireUsed() const {
   };
   if (kind) refuse("ResultsOption");
   if (!columns.empty()) refuse("ResultsOutputFields");
-  if (!cases.condition.empty() || !cases.numbers.empty()) refuse("ResultsSelection");
+  if (cases.HasSelection()) refuse("ResultsSelection");
+  if (cases.leavesOut) refuse("ResultsSelectionOption");
   if (!cases.codes.empty()) refuse("ResultsCodes");
   if (!values.empty()) refuse("ResultsValues");
 }
@@ -154,10 +155,12 @@ std::vector<std::uint8_t> CasesMeeting(const std::string& condition, const Sprea
 }
 
 std::vector<std::uint8_t> ChosenCases(const CaseChoice& choice, const Spreadsheet& sheet) {
+  if (choice.leavesOut && !choice.HasSelection())
+    throw Error("ResultsSelectionOption has no effect without ResultsSelection, whose cases it leaves out");
   std::vector<std::uint8_t> chosen(sheet.CaseCount(), 1);
   if (!choice.condition.empty()) chosen = CasesMeeting(choice.condition, sheet, "ResultsSelection");
   if (!choice.numbers.empty()) KeepNumbers(choice.numbers, chosen);
-  if (choice.leavesOut && (!choice.condition.empty() || !choice.numbers.empty())) {
+  if (choice.leavesOut) {
     for (std::uint8_t& flag : chosen) flag = flag == 0 ? 1 : 0;
   }
   if (!choice.codes.empty()) KeepCodes(choice, sheet, chosen);

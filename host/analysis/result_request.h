@@ -25,7 +25,8 @@ struct CaseChoice {
   Variant codeVariable;  // its name, or its number from 1; empty without codes
   std::vector<Variant> codes;
 
-  bool IsGiven() const { return !condition.empty() || !numbers.empty() || !codes.empty(); }
+  bool HasSelection() const { return !condition.empty() || !numbers.empty(); }
+  bool IsGiven() const { return HasSelection() || leavesOut || !codes.empty(); }
 };
 
 struct ResultRequest {

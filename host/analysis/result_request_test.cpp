@@ -50,7 +50,7 @@ TEST(ResultRequest, CasesAreChosenByConditionNumbersAndCodes) {
       {Variant::Array{2, 6}, 0, nothing, "010001"},
       {3, 1, nothing, "110111"},
       {nothing, nothing, Variant::Array{"group", 2, "late"}, "001110"},
-      {nothing, 1, Variant::Array{2, 1}, "110000"},  // the option is about the selection
+      {"x < 2", 1, Variant::Array{2, 1}, "010000"},  // the option is about the selection
       {"x > 1", 0, Variant::Array{"group", "1"}, "010000"},
       {"group > 0", nothing, nothing, "111110"},  // a missing value meets no condition
   };
@@ -77,6 +77,10 @@ TEST(ResultRequest, FaultsAreNamedAndChangeNothing) {
   const auto choose = [](CaseChoice choice) { return FaultOf([&] { ChosenCases(choice, Sheet()); }); };
   EXPECT_EQ(choose({"x > 9", {}, false, {}, {}}), "no case is chosen");
   EXPECT_EQ(choose({{}, {7}, false, {}, {}}), "there is no case 7; there are 6");
+  const char* alone =
+      "ResultsSelectionOption has no effect without ResultsSelection, whose cases it leaves out";
+  EXPECT_EQ(choose({{}, {}, true, {}, {}}), alone);
+  EXPECT_EQ(choose({{}, {}, true, "group", {1}}), alone);
   EXPECT_EQ(choose({{}, {}, false, "z", {1}}), "there is no variable z");
   EXPECT_EQ(choose({{}, {}, false, "group", {"early"}}), "there is no code early");
   EXPECT_NE(choose({"y > 1", {}, false, {}, {}}), "none");
@@ -90,6 +94,7 @@ TEST(ResultRequest, WhatAResultLeavesUnusedHasNoMeaningForIt) {
   const std::pair<DispatchId, const char*> rows[] = {{kResultsOption, "ResultsOption"},
                                                      {kResultsOutputFields, "ResultsOutputFields"},
                                                      {kResultsSelection, "ResultsSelection"},
+                                                     {kResultsSelectionOption, "ResultsSelectionOption"},
                                                      {kResultsValues, "ResultsValues"}};
   for (const auto& [member, name] : rows) {
     ResultRequest request;
