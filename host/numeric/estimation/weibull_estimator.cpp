@@ -21,6 +21,10 @@ constexpr double kLargestExponent = 300;
 constexpr double kLargestStartingShape = 5;
 constexpr double kPiSquared = 9.86960440108936;
 constexpr double kSmallestVariance = 0.0001;
+// The last step of an iteration that has arrived, against the shape: from below, each step doubles it.
+constexpr double kLargestLastStep = 0.001;
+// Values closer together than this, against the greatest, have quotients that round off what tells them apart.
+constexpr double kClose = 0.001;
 // Below this the sum of powers counts as zero: 9.999999999999982e-51, compared by its bits.
 constexpr std::uint64_t kSmallestSumBits = 0x358DEE7A4AD4B810ULL;
 constexpr std::uint64_t kZeroUnits = 16;  // of the smallest subnormal
@@ -92,7 +96,7 @@ EstimationResult<double> Iterate(const Logarithms& logs, double tolerance, doubl
                          (1 / (shape * shape) - (sums.b * sums.b - sums.a * sums.c) / (sums.a * sums.a));
     if (std::isnan(delta)) break;  // it would stay one for all steps
     shape += delta;
-    if (std::abs(delta) < tolerance) return shape;
+    if (std::abs(delta) < std::min(tolerance, kLargestLastStep * std::abs(shape))) return shape;
   }
   return Fault{EstimationFault::kNoConvergence};
 }
@@ -115,9 +119,17 @@ EstimationResult<WeibullEstimate> Finish(const Logarithms& logs, double unit, do
                          .covariance = unit * (-icb / determinant)};
 }
 
-// Of the shifted and scaled data, in place, with their sums.
-void TakeLogarithms(Logarithms& logs) {
-  elementary::Log(logs.values, logs.values);
+// Of positive values in units of the greatest, in place.
+void TakeLogarithms(std::span<double> values, double unit) {
+  if (unit - *std::ranges::min_element(values) < kClose * unit) {
+    for (double& y : values) y = std::log1p((y - unit) / unit);
+    return;
+  }
+  for (double& y : values) y /= unit;
+  elementary::Log(values, values);
+}
+
+void SumUp(Logarithms& logs) {
   CompensatedSum sum;
   CompensatedSum squares;
   for (const double l : logs.values) {
@@ -141,8 +153,8 @@ EstimationResult<ScaledWeibull> Prepare(std::span<const double> data, double off
     sample.unit = std::max(sample.unit, y);
   }
   if (estimation::IsAnyNotFinite(values)) return Fault{EstimationFault::kNotFinite};
-  for (double& y : values) y /= sample.unit;
-  TakeLogarithms(sample.logs);
+  TakeLogarithms(values, sample.unit);
+  SumUp(sample.logs);
   return sample;
 }
 

@@ -18,7 +18,8 @@ struct WeibullEstimate {
 };
 
 // Fits shape and scale to data - offset, which are divided by the greatest of them, so that no power overflows
-// or vanishes in any unit. `tolerance` (> 0) ends the iteration once a Newton step of the shape is smaller.
+// or vanishes in any unit. `tolerance` (> 0) ends the iteration once a Newton step of the shape is smaller, and small
+// against the shape.
 // kValueAtOffset, kValueBelowOffset, kNotFinite; kNoConvergence after 100 steps or where the result is not
 // positive, kSumVanishes and kPowerOverflows where steps lead astray.
 //

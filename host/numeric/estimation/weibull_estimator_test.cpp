@@ -83,7 +83,7 @@ TEST(WeibullFitReference, HoldsAtAnyMeanAndVariation) {
       EXPECT_NEAR(fit->covariance / (mean * covariance), 1, 10 * relative);
     }
   }
-  EXPECT_EQ(rows, 7);
+  EXPECT_EQ(rows, 11);
 }
 
 TEST(WeibullFit, EveryFailureHasItsFault) {

@@ -3,7 +3,7 @@
 
 The likelihood equations are solved and the second derivatives of the log-likelihood inverted with mpmath at 50 digits.
 
-Weibull: 25 values about 1 whose standard deviation is from 0.01 % to 300 % of their mean: up to 30 % normal scores,
+Weibull: 25 values about 1 whose standard deviation is from 1e-8 % to 300 % of their mean: up to 30 % normal scores,
 beyond log-normal ones. Columns: variation, shape, scale, the standard errors of the two, their covariance, the values.
 
 General Pareto: plotting positions of heavy tails, shapes of 0.5 to 20. All maxima of the likelihood over shape / scale
@@ -96,7 +96,7 @@ def write(name, heading, rows):
 
 
 if __name__ == "__main__":
-    samples = [(v, weibull_sample(v)) for v in (1e-4, 1e-3, 0.01, 0.05, 0.3, 1, 3)]
+    samples = [(v, weibull_sample(v)) for v in (1e-10, 1e-9, 1e-8, 1e-6, 1e-4, 1e-3, 0.01, 0.05, 0.3, 1, 3)]
     write("weibull_fits.csv", "variation,shape,scale,shape error,scale error,covariance,values",
           [(v, weibull_fit(x), x) for v, x in samples])
     samples = [(k, pareto_sample(k)) for k in (0.5, 2, 5, 8, 12, 20)]
