@@ -47,4 +47,9 @@ std::string NearestName(std::string_view written, std::span<const std::string> n
   return nearest;
 }
 
+std::string NearestNameHint(std::string_view written, std::span<const std::string> names) {
+  const std::string nearest = NearestName(written, names);
+  return nearest.empty() ? nearest : "; did you mean " + nearest + "?";
+}
+
 }  // namespace brenvolt

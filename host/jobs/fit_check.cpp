@@ -3,6 +3,7 @@
 #include <limits>
 
 #include "host/base/almost_equal.h"
+#include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
@@ -20,6 +21,11 @@ using Names = std::vector<std::string>;
 
 bool Holds(const Names& names, const std::string& name) {
   return std::ranges::find(names, name) != names.end();
+}
+
+// The same of names that may still have the blanks of a list about them.
+bool HoldsTrimmed(const Names& names, const std::string& name) {
+  return std::ranges::any_of(names, [&](const std::string& one) { return one == name || Trim(one) == name; });
 }
 
 // The distribution of that name; null if there is none, which is a fault.
@@ -44,7 +50,6 @@ class FitCheck {
   JobFaults Faults() {
     Words();
     Distributions();
-    Variables();
     Offsets();
     Counts("mixtures", job_.mixtures, "gaussianmixture", kFewestMixtures, kMostMixtures);
     Counts("trials", job_.trials, "binomial", 1, kMostCount);
@@ -125,16 +130,6 @@ class FitCheck {
     }
   }
 
-  void Variables() {
-    const auto& [continuous, discrete] = job_.variables;
-    CheckOnce("continuous", continuous, faults_);
-    CheckOnce("discrete", discrete, faults_);
-    for (const std::string& name : discrete) {
-      if (Holds(continuous, name))
-        Add("discrete", Quoted(name) + " is given both as continuous and as discrete");
-    }
-  }
-
   void Offsets() {
     Names things;
     for (const FitJob::Offset& offset : job_.offsets) {
@@ -190,7 +185,7 @@ class FitCheck {
       const FittedType* type = TypeNamed("order", name, faults_);
       if (type == nullptr) continue;
       RequireTried("order", *type);
-      if (type->continuous == Holds(job_.variables.discrete, order.variable))
+      if (type->continuous == HoldsTrimmed(job_.variables.discrete, order.variable))
         Add("order", Quoted(order.variable) + ": the " + type->name + " distribution is for " +
                          (type->continuous ? "continuous variables" : "discrete variables"));
       names.emplace_back(type->name);
@@ -211,11 +206,20 @@ class FitCheck {
   JobFaults faults_;
 };
 
+void CheckNamedOnce(const FitJob::Variables& variables, JobFaults& faults) {
+  CheckOnce("continuous", variables.continuous, faults);
+  CheckOnce("discrete", variables.discrete, faults);
+  for (const std::string& name : variables.discrete) {
+    if (Holds(variables.continuous, name))
+      faults.push_back({"discrete", Quoted(name) + " is given both as continuous and as discrete"});
+  }
+}
+
 template <class Entries>
 void CheckFitted(std::string_view field, const Entries& entries, const Names& names, const std::string& kind,
                  JobFaults& faults) {
   for (const auto& entry : entries) {
-    if (!Holds(names, entry.variable))
+    if (!HoldsTrimmed(names, entry.variable))
       faults.push_back({std::string(field), Quoted(entry.variable) + " is not fitted" + kind});
   }
 }
@@ -231,6 +235,7 @@ JobFaults FitJob::CheckSaving(const Names& fitted) const {
 
 JobFaults FitJob::CheckVariables(const Variables& fitted) const {
   JobFaults faults;
+  CheckNamedOnce(fitted, faults);
   const std::string continuous = " as a continuous variable";
   CheckFitted("offsets", offsets, fitted.continuous, continuous, faults);
   CheckFitted("mixtures", mixtures, fitted.continuous, continuous, faults);

@@ -7,6 +7,7 @@
 #include "host/analysis/result_table.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
@@ -89,9 +90,18 @@ JobFaults CheckSheet(const FitJob& job, const Spreadsheet& sheet) {
   return faults;
 }
 
+// A name with the blanks that a person puts behind a comma, unless a variable bears them.
+std::vector<std::string> WithoutBlanks(std::vector<std::string> names, const Spreadsheet& sheet) {
+  for (std::string& name : names) {
+    if (!sheet.FindVariable(name)) name = Trim(name);
+  }
+  return names;
+}
+
 // The variables named, or every numeric variable but the weights as continuous ones.
 FitJob::Variables Choose(const FitJob::Variables& named, const Spreadsheet& sheet) {
-  if (!named.All().empty()) return named;
+  if (!named.All().empty())
+    return {WithoutBlanks(named.continuous, sheet), WithoutBlanks(named.discrete, sheet)};
   FitJob::Variables chosen;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);

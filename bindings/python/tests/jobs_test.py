@@ -253,7 +253,7 @@ class Fits(Folder):
 
     def test_calls_that_make_no_sense_are_refused(self):
         data = {"x": [1.0, 2, 3, 4], "y": [1.0, 2, 3, 5]}
-        cases = [({"distributions": "weibul"}, ValueError, "no distribution called 'weibul'; the distributions are normal"),
+        cases = [({"distributions": "weibul"}, ValueError, r"no distribution called 'weibul'; did you mean weibull\? The distributions are normal"),
                  ({"continuous": "x", "discrete": "x"}, ValueError, "as continuous and as discrete"),
                  ({"rank_by": "caic"}, ValueError,
                   r"expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic' \(rank_by\)$"),

@@ -1,6 +1,7 @@
 #include "host/jobs/base/analysis_session.h"
 
 #include "host/automation/variable_list.h"
+#include "host/base/nearest_name.h"
 #include "host/base/process/interruption.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/result_files.h"
@@ -42,6 +43,16 @@ AnalysisSession::Shown AnalysisSession::ShownSince(std::size_t count) const {
   return shown;
 }
 
+namespace {
+
+std::vector<std::string> NamesIn(const Spreadsheet& sheet) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) names.push_back(sheet.VariableAt(i).Name());
+  return names;
+}
+
+}  // namespace
+
 std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const std::string> names,
                                     const std::string& field) {
   JobFaults faults;
@@ -50,7 +61,8 @@ std::vector<std::int16_t> NumbersOf(const Spreadsheet& sheet, std::span<const st
     if (const auto index = sheet.FindVariable(name)) {
       numbers.push_back(VariableNumberOf(*index));
     } else {
-      faults.push_back({field, "sheet " + sheet.Name() + " has no variable called " + Quoted(name)});
+      faults.push_back({field, "sheet " + sheet.Name() + " has no variable called " + Quoted(name) +
+                                   NearestNameHint(name, NamesIn(sheet))});
     }
   }
   RequireNone(std::move(faults));

@@ -1,6 +1,7 @@
 #include "host/jobs/base/dialog_words.h"
 
 #include "host/base/lower_case.h"
+#include "host/base/nearest_name.h"
 #include "host/base/quoted.h"
 #include "host/numeric/distributions/distribution_types.h"
 
@@ -46,7 +47,11 @@ std::string FittedTypeNames() {
 }
 
 std::string NoSuchType(std::string_view name) {
-  return "no distribution called " + Quoted(name) + "; the distributions are " + FittedTypeNames();
+  std::vector<std::string> names;
+  for (const FittedType& type : kFittedTypes) names.push_back(type.name);
+  const std::string hint = NearestNameHint(name, names);
+  return "no distribution called " + Quoted(name) + hint +
+         (hint.empty() ? "; the distributions are " : " The distributions are ") + FittedTypeNames();
 }
 
 const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},

@@ -27,7 +27,8 @@ extern const std::vector<FittedType> kFittedTypes;
 const FittedType* FindFittedType(std::string_view name);
 // All names, separated by commas.
 std::string FittedTypeNames();
-// What is said of a name that none has: "no distribution called 'x'; the distributions are normal, …".
+// What is said of a name that none has: "no distribution called 'x'; the distributions are normal, …", and
+// before them the nearest name where one is near.
 std::string NoSuchType(std::string_view name);
 
 // Of the fit specification: by what continuous and discrete variables are ranked, the bins of the chi-square

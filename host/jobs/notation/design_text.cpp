@@ -34,9 +34,7 @@ void RequireNew(const NotedCorrelation& correlation, const std::vector<NotedCorr
 
 void RequireKnown(const std::string& name, const std::vector<std::string>& known) {
   if (Contains(known, name)) return;
-  const std::string nearest = NearestName(name, known);
-  throw Error("no variable is called " + Quoted(name) +
-              (nearest.empty() ? "" : "; did you mean " + nearest + "?"));
+  throw Error("no variable is called " + Quoted(name) + NearestNameHint(name, known));
 }
 
 std::string MessageOf(const Error& error) {
