@@ -259,6 +259,29 @@ TEST_F(Command, FitsThatTheDataContradictRankLastAndAreSavedOnlyByName) {
   EXPECT_NE(table.find("density 0 at 2 of 65 values\n"), std::string::npos) << table;
 }
 
+// Of rounded data every test refuses every fit, by p-values that are too large at that.
+TEST_F(Command, FitsThatAreAllRefusedAndDataThatAreRoundedAreNoted) {
+  const Json notes = JsonOf({"fit", kExamples + "groundbeef.csv"})["variables"][0]["notes"];
+  EXPECT_EQ(notes,
+            Json({"no fit passes the Kolmogorov-Smirnov test at 5 %, although these p-values are too large",
+                  "33 distinct values among 254: the tests take the values for unrounded"}));
+  const std::string table = MustRun({"fit", kExamples + "groundbeef.csv"}).out;
+  for (const std::string note : notes)
+    EXPECT_NE(table.find("  note: " + note + "\n"), std::string::npos) << table;
+  EXPECT_EQ(JsonOf({"fit", kExamples + "portpirie_sea_level.csv"})["variables"][0]["notes"], Json::array());
+  EXPECT_EQ(JsonOf({"fit", kExamples + "groundbeef.csv", "--distributions", "weibull", "--bootstrap",
+                    "99"})["variables"][0]["notes"][0],
+            "no fit passes the Kolmogorov-Smirnov test at 5 %");
+}
+
+// The unrounded skewness of symmetric data is 0, that of others is shown however small.
+TEST_F(Command, SkewnessThatIsARoundingErrorIsShownAsZero) {
+  WriteBytes(File("d.csv"), "x,y\n-0.3,0.1\n-0.1,0.2\n0.1,0.3\n0.3,0.4000001\n");
+  const std::string table = MustRun({"fit", "d.csv", "--distributions", "normal"}).out;
+  EXPECT_NE(table.find("skewness 0, "), std::string::npos) << table;
+  EXPECT_NE(table.find("skewness 9.29"), std::string::npos) << table;
+}
+
 // Positive data whose best fit is not: the report says so, and what to take instead.
 TEST_F(Command, BestFitThatLeavesTheDataIsReportedWithTheOneToTakeInstead) {
   std::string data = "x,y\n";
@@ -282,6 +305,7 @@ TEST_F(Command, BestFitThatLeavesTheDataIsReportedWithTheOneToTakeInstead) {
   const Json& heavy = variables[1]["cautions"][0];
   EXPECT_EQ(heavy["kind"], "infinite-variance");
   EXPECT_EQ(heavy["instead"], "Weibull");
+  EXPECT_EQ(heavy["insteadKsPValue"], FitOf(variables[1], "Weibull")["kolmogorovSmirnov"]["pValue"]);
   EXPECT_EQ(FitOf(variables[1], "General Pareto")["firstInfiniteMoment"], 2);
   EXPECT_TRUE(FitOf(variables[1], "Weibull")["firstInfiniteMoment"].is_null());
   const std::string table = MustRun(call).out;
@@ -628,6 +652,15 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "weights.csv", "--distributions", "gauss"},
        2,
        "no distribution called 'gauss'; the distributions are normal,"},
+      {{"fit", "weights.csv", "--distributions", "norml"},
+       2,
+       "no distribution called 'norml'; did you mean normal? The distributions are normal,"},
+      {{"fit", kExamples + "faithful.csv", "--continuous", "eruption"},
+       2,
+       "sheet faithful has no variable called 'eruption'; did you mean eruptions? (--continuous)"},
+      {{"fit", kExamples + "faithful.csv", "--continuous", "waiting, waiting"},
+       2,
+       "'waiting' is given twice (--continuous)"},
       {{"fit", "weights.csv", "--select", "not"},
        2,
        "selection condition, character 4: the formula is incomplete (--select)"},

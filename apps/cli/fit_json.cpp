@@ -51,6 +51,7 @@ Json CautionsJson(const std::vector<FitCaution>& cautions) {
                     {"distribution", caution.fit},
                     {"probability", NumberJson(caution.probability)},
                     {"instead", caution.instead.empty() ? Json(nullptr) : Json(caution.instead)},
+                    {"insteadKsPValue", NumberJson(caution.insteadKsPValue)},
                     {"message", caution.Text()}});
   }
   return list;
@@ -68,6 +69,7 @@ Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   const FittedDistribution* best = variable.Best();
   json["best"] = best != nullptr ? Json(best->name) : Json(nullptr);
   json["cautions"] = CautionsJson(variable.Cautions());
+  json["notes"] = variable.Notes();
   return json;
 }
 

@@ -202,15 +202,28 @@ class RankingText {
   std::size_t rank_ = 0;
 };
 
+// Skewness or kurtosis, which are 0 where they are no more than what the deviations from the mean, in units of their
+// standard deviation, are rounded by.
+std::string ShapeText(const ResultRow& moments, const ResultColumn& column) {
+  constexpr double kRoundings = 8;
+  const double largest =
+      std::max(std::abs(moments.Number("minimum"_column)), std::abs(moments.Number("maximum"_column)));
+  const double rounding = kRoundings * std::numeric_limits<double>::epsilon() *
+                          (1 + largest / moments.Number("standard_deviation"_column));
+  return std::abs(moments.Number(column)) < rounding ? "0" : Cell(moments, column);
+}
+
 std::string VariableText(const FittedVariable& variable, const std::string& rankedBy, bool bootstrapped) {
   const auto cell = [&](const ResultColumn& column) { return Cell(variable.moments, column); };
   std::string text = variable.name + (variable.isContinuous ? " (continuous)\n" : " (discrete)\n");
   text += "  n " + cell("n"_column) + ", missing " + cell("missing"_column) + ", mean " +
           cell("mean"_column) + ", std.dev. " + cell("standard_deviation"_column) + "\n  skewness " +
-          cell("skewness"_column) + ", kurtosis " + cell("kurtosis"_column) + ", range " +
-          cell("minimum"_column) + " to " + cell("maximum"_column) + "\n";
+          ShapeText(variable.moments, "skewness"_column) + ", kurtosis " +
+          ShapeText(variable.moments, "kurtosis"_column) + ", range " + cell("minimum"_column) + " to " +
+          cell("maximum"_column) + "\n";
   if (variable.fits.empty()) return text + ReasonText("nothing to fit: " + variable.reason);
   text += "  " + variable.ranking + "\n" + RankingText(variable, rankedBy, bootstrapped).Text();
+  for (const std::string& note : variable.Notes()) text += "  note: " + note + "\n";
   return text + CautionsText(variable.Cautions());
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "host/base/number_text.h"
+#include "host/base/p_value_text.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -74,7 +75,6 @@ int DigitsFor(double value, double spread, int least) {
 
 std::string QuantityText(double value, Quantity quantity, int digits) {
   constexpr int kStatisticDigits = 4;
-  constexpr double kSmallestPValue = 0.0001;
   constexpr double kHalfPart = 0.5;
   if (std::isnan(value)) return "-";
   switch (quantity) {
@@ -89,8 +89,7 @@ std::string QuantityText(double value, Quantity quantity, int digits) {
     case Quantity::kStatistic:
       return ReadableNumber(value, kStatisticDigits);
     case Quantity::kPValue:
-      // Four decimals say all that one decides by; a smaller one is not 0.
-      return value < kSmallestPValue ? "<0.0001" : FormatNumber("%.4f", value);
+      return PValueText(value);
     case Quantity::kInformation:
       return FormatNumber("%.2f", value);
   }

@@ -104,7 +104,7 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
     list.append(py::dict("name"_a = variable.name, "reason"_a = variable.reason,
                          "continuous"_a = variable.isContinuous,
                          "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits,
-                         "cautions"_a = TextsOf(variable.Cautions())));
+                         "cautions"_a = TextsOf(variable.Cautions()), "notes"_a = variable.Notes()));
   }
   return list;
 }

@@ -80,6 +80,13 @@ void Rank(VariableFit& fit, RankingCriterion criterion, bool contradictedLast) {
   fit.ranked = RankFits(fit.fits, ranking);
 }
 
+// Of sorted values.
+std::int64_t CountDistinct(std::span<const double> values) {
+  std::int64_t count = values.empty() ? 0 : 1;
+  for (std::size_t i = 1; i < values.size(); ++i) count += values[i] != values[i - 1] ? 1 : 0;
+  return count;
+}
+
 // A continuous variable without spread (a single value included) has nothing to fit.
 void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& specification,
                            const FitSpecification& all, const Poll& poll) {
@@ -88,6 +95,7 @@ void FitContinuousVariable(ReadVariable& read, const ContinuousSpecification& sp
   fit.invalid = fit.moments.standardDeviation <= 0;
   if (fit.invalid) return;
   SortAscending(read.values);
+  fit.distinctValues = CountDistinct(read.values);
   auto fits = FitContinuousDistributions({read.values, fit.moments}, specification, all.binning, poll);
   if (!fits) {
     Fault fault = std::move(fits).Reason();
@@ -105,6 +113,7 @@ void FitDiscreteVariable(ReadVariable& read, const DiscreteSpecification& specif
   fit.invalid = read.values.empty();
   if (fit.invalid) return;
   SortAscending(read.values);
+  fit.distinctValues = CountDistinct(read.values);
   fit.fits = FitDiscreteDistributions({read.values, fit.moments}, specification, all.binning, poll);
   Rank(fit, all.discreteCriterion, all.contradictedLast);
   fit.bestKolmogorovSmirnovPValue = BestKolmogorovSmirnovPValue(fit.fits);

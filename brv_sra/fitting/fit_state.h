@@ -143,6 +143,7 @@ struct VariableFit {
   bool invalid = false;        // no spread, no valid case or a fault: nothing was fitted
   std::optional<Fault> fault;  // of this variable alone: an infinite value, percentiles that cannot be fitted
   Moments moments;
+  std::int64_t distinctValues = 0;       // among the valid ones; 0 where nothing was fitted
   std::int32_t mixtures = kNotSetCount;  // the components taken, where those asked for were out of bounds
   std::vector<DistributionFit> fits;     // the checked distributions in the fixed order
   std::vector<std::size_t> ranked;       // indices into fits, best first

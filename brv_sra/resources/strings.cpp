@@ -762,6 +762,7 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {"variable_number"_column.heading, "Variable number"},
     {kTitleSavedFits, "Saved fits"},
     {kTitlePointsOf, "%s of %s at points"},
+    {"distinct"_column.heading, "Distinct values"},
 });
 
 // The look-up halves the table: out of order it would miss texts, and a number used twice would hide one.

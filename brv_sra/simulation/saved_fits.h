@@ -17,6 +17,8 @@ struct SavedFit {
   std::size_t place = 0;   // among the fits of its variable, from 1: the first is simulated
   DistributionSpecification specification;
   Reach reach;  // within the bounds of the simulation
+  double ksPValue =
+      kNotSet;  // of the Kolmogorov-Smirnov test of the unbounded fit; kNotSet where nothing is to test
 };
 
 // Of some variables, by their numbers, one after the other. `truncate` keeps to the range between the probabilities

@@ -31,6 +31,9 @@ TEST(SavedFits, ReachIsThatOfTheBoundsAndOfTheSelectedCases) {
   EXPECT_EQ(fits[1].specification.code, kWeibull);
   EXPECT_NEAR(fits[0].reach.belowZero, below, 1e-15);
   EXPECT_EQ(fits[1].reach.belowZero, 0);
+  // Reference: scipy.stats.ks_1samp([1, 2, 4], norm(2, 1).cdf, method="exact").
+  EXPECT_NEAR(fits[0].ksPValue, 0.8569218495666879, 1e-12);
+  EXPECT_TRUE(IsNotSet(fits[4].ksPValue)) << "there are no values";
   EXPECT_TRUE(IsNotSet(fits[2].reach.belowZero)) << "a value is below 0";
   EXPECT_TRUE(IsNotSet(fits[4].reach.belowZero)) << "there are no values";
   EXPECT_NEAR((*SavedFits(sheet, numbers, true))[0].reach.belowZero, (below - 0.005) / 0.99, 1e-12);

@@ -45,7 +45,7 @@ inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", 
                                            {"saved_place", "", 21206}, {"variable_number", "", 21207},
                                            {"field", "", 20950},       {"field_value", "", 20951},
                                            {"density", "", 21197},     {"cumulative", "", 21198},
-                                           {"quantile", "", 21199}};
+                                           {"quantile", "", 21199},    {"distinct", "", 21210}};
 inline constexpr ResultColumn kMoments[] = {{"n", "/n", 20741, kCount},
                                             {"missing", "/missing", 20742, kCount},
                                             {"mean", "/mean", 20743, kLocation},

@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "host/base/number_text.h"
+#include "host/base/p_value_text.h"
 
 namespace brenvolt {
 namespace {
@@ -38,10 +39,10 @@ Wording WordingOf(Kind kind) {
 std::vector<FitCaution> CautionsAgainst(const FitReach& fit) {
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   std::vector<FitCaution> cautions;
-  if (fit.belowZero > kMostBeyondZero) cautions.push_back({Kind::kBelowZero, fit.fit, fit.belowZero, {}});
-  if (fit.aboveZero > kMostBeyondZero) cautions.push_back({Kind::kAboveZero, fit.fit, fit.aboveZero, {}});
-  if (fit.infiniteMoment == 1) cautions.push_back({Kind::kInfiniteMean, fit.fit, kNone, {}});
-  if (fit.infiniteMoment == 2) cautions.push_back({Kind::kInfiniteVariance, fit.fit, kNone, {}});
+  if (fit.belowZero > kMostBeyondZero) cautions.push_back({Kind::kBelowZero, fit.fit, fit.belowZero});
+  if (fit.aboveZero > kMostBeyondZero) cautions.push_back({Kind::kAboveZero, fit.fit, fit.aboveZero});
+  if (fit.infiniteMoment == 1) cautions.push_back({Kind::kInfiniteMean, fit.fit, kNone});
+  if (fit.infiniteMoment == 2) cautions.push_back({Kind::kInfiniteVariance, fit.fit, kNone});
   return cautions;
 }
 
@@ -54,8 +55,10 @@ std::string FitCaution::Name() const {
 std::string FitCaution::Text() const {
   const Wording wording = WordingOf(kind);
   const std::string number = std::isnan(probability) ? "" : FormatNumber("%.2g", probability);
+  const std::string test = std::isnan(insteadKsPValue) ? "" : " (K-S p " + PValueText(insteadKsPValue) + ")";
   return fit + wording.saying + number + wording.ending +
-         (instead.empty() ? "; no other fit avoids that" : "; the best fit that does not is " + instead);
+         (instead.empty() ? "; no other fit avoids that"
+                          : "; the best fit that does not is " + instead + test);
 }
 
 std::vector<FitCaution> CautionsAgainstFirst(std::span<const FitReach> fits) {
@@ -64,7 +67,9 @@ std::vector<FitCaution> CautionsAgainstFirst(std::span<const FitReach> fits) {
   const auto harmless =
       std::ranges::find_if(fits, [](const FitReach& fit) { return CautionsAgainst(fit).empty(); });
   for (FitCaution& caution : cautions) {
-    if (harmless != fits.end()) caution.instead = harmless->fit;
+    if (harmless == fits.end()) continue;
+    caution.instead = harmless->fit;
+    caution.insteadKsPValue = harmless->ksPValue;
   }
   return cautions;
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string>
 #include <vector>
@@ -16,6 +17,8 @@ struct FitReach {
   double belowZero;
   double aboveZero;
   double infiniteMoment;  // the order of the lowest one: 1 the mean, 2 the variance; NaN if neither is
+  double ksPValue =
+      std::numeric_limits<double>::quiet_NaN();  // of the Kolmogorov-Smirnov test; NaN without one
 };
 
 struct FitCaution {
@@ -23,8 +26,10 @@ struct FitCaution {
 
   Kind kind;
   std::string fit;
-  double probability;   // of the values that the data rule out; NaN if it is about a moment
-  std::string instead;  // the best fit that needs no caution; empty if all do
+  double probability;        // of the values that the data rule out; NaN if it is about a moment
+  std::string instead = {};  // the best fit that needs no caution; empty if all do
+  // Of that one, which may itself be refused; NaN without a test.
+  double insteadKsPValue = std::numeric_limits<double>::quiet_NaN();
 
   // The kind in JSON: "below-zero", ….
   std::string Name() const;

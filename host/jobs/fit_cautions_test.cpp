@@ -20,6 +20,7 @@ TEST(FitCautions, BestFitIsNotTrustedWhereItLeavesTheDataAndTheNextBestIsNamed) 
   const FitReach normal{"Normal", 0.0312, kNone, kNone};
   const FitReach heavy{"General Pareto", 0, kNone, 2};
   const FitReach weibull{"Weibull", 0, kNone, kNone};
+  const FitReach refused{"Log Normal", 0, kNone, kNone, 1e-5};
   const FitReach edge{"Gamma", 1e-4, kNone, kNone};
   const FitReach negative{"Normal", kNone, 0.25, 1};
   const std::string below =
@@ -35,6 +36,10 @@ TEST(FitCautions, BestFitIsNotTrustedWhereItLeavesTheDataAndTheNextBestIsNamed) 
       {{normal, heavy}, {below + "; no other fit avoids that"}},
       {{heavy, weibull},
        {"infinite-variance: General Pareto has an infinite variance; the best fit that does not is Weibull"}},
+      {{heavy, refused},
+       {"infinite-variance: General Pareto has an infinite variance; the best fit that does not is Log "
+        "Normal "
+        "(K-S p <0.0001)"}},
       {{negative},
        {"above-zero: Normal lies above 0 with probability 0.25, where no value of the data is; no other fit "
         "avoids that",

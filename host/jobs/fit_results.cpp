@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 
 namespace brenvolt {
@@ -76,6 +79,14 @@ FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultR
   return variable;
 }
 
+// That of the bootstrap where there was one.
+double KsPValueIn(const ResultRow& row) {
+  const bool isBootstrapped =
+      row.Has("bootstrap_samples"_column) && row.Number("bootstrap_samples"_column) > 0;
+  const ResultColumn& column = isBootstrapped ? "bootstrap_ks_p"_column : "ks_p"_column;
+  return row.Has(column) ? row.Number(column) : std::numeric_limits<double>::quiet_NaN();
+}
+
 // The saved fits, best first.
 std::vector<const FittedDistribution*> SavedFits(const FittedVariable& variable) {
   std::vector<const FittedDistribution*> saved(variable.fits.size());
@@ -110,7 +121,34 @@ std::vector<FitCaution> FittedVariable::Cautions() const {
 
 FitReach ReachIn(const ResultRow& row) {
   return {row.name, row.Number("below_zero"_column), row.Number("above_zero"_column),
-          row.Number("infinite_moment"_column)};
+          row.Number("infinite_moment"_column), KsPValueIn(row)};
+}
+
+std::vector<std::string> FittedVariable::Notes() const {
+  constexpr double kLevel = 0.05;
+  constexpr double kFewestPerValue = 3;
+  std::vector<std::string> notes;
+  bool isTested = false;
+  bool isBootstrapped = false;
+  bool isAnyPassed = false;
+  for (const FittedDistribution& fit : fits) {
+    const double pValue = KsPValueIn(fit.statistics);
+    // A histogram of the data passes any test against them.
+    if (std::isnan(pValue) || static_cast<DistributionCode>(fit.code) == DistributionCode::kHistogram)
+      continue;
+    isTested = true;
+    isBootstrapped = isBootstrapped || fit.IsBootstrapped();
+    isAnyPassed = isAnyPassed || pValue >= kLevel;
+  }
+  if (isTested && !isAnyPassed)
+    notes.push_back(std::string("no fit passes the Kolmogorov-Smirnov test at 5 %") +
+                    (isBootstrapped ? "" : ", although these p-values are too large"));
+  const double n = moments.Number("n"_column);
+  const double distinct = moments.Number("distinct"_column);
+  if (isContinuous && !fits.empty() && kFewestPerValue * distinct < n)
+    notes.push_back(FormatNumber("%.0f", distinct) + " distinct values among " + FormatNumber("%.0f", n) +
+                    ": the tests take the values for unrounded");
+  return notes;
 }
 
 std::vector<VariableCautions> ReadSavedCautions(AutomationObject& dialog, const Spreadsheet& sheet) {

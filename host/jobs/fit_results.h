@@ -46,6 +46,9 @@ struct FittedVariable {
   const FittedDistribution* Best() const;
   // What speaks against that one.
   std::vector<FitCaution> Cautions() const;
+  // What the fits as a whole are to be read with: that all are refused, that the data are much rounded. Sentences
+  // without full stops.
+  std::vector<std::string> Notes() const;
 };
 
 // A row of a table of fits.

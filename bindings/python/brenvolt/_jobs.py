@@ -304,7 +304,8 @@ class FittedVariable:
     name, kind ("continuous" or "discrete"), n and missing; `reason` says why there are no fits, and is empty where
     there are; `distributions` lists the fitted distributions, best first,
     and None if a fit failed. `cautions` says what speaks against simulating the best one: values of a sign that the
-    data do not have, an infinite mean or variance.
+    data do not have, an infinite mean or variance. `notes` says how to read the fits as a whole: that a test refuses
+    all of them, that the data are much rounded.
     """
 
     def __init__(self, result, place, numbers):
@@ -318,6 +319,7 @@ class FittedVariable:
         self.reason = numbers["reason"]
         self._fits = numbers["fits"]
         self.cautions = numbers["cautions"]
+        self.notes = numbers["notes"]
         self.distributions = [_distribution(fit) for fit in self._fits]
 
     @property

@@ -60,7 +60,7 @@ class Scores(Folder):
         with open(self.file("grades.pmml"), "w") as file:
             file.write(GRADES)
         data = pandas.DataFrame({"grade": ["high", "low", "mid", "high"]})
-        notice = "Cases of grade whose class no model knows are left out: mid (1)"
+        notice = "Cases of grade whose class is unknown to every model are left out: mid (1)"
         with self.assertWarnsRegex(MessageWarning, "^Cases of grade"):
             with self.assertRaises(ValueError) as raised:
                 brenvolt.profile(data, self.file("grades.pmml"), seed=1, fixed={"grade": "odd"})

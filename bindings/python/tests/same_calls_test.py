@@ -312,6 +312,7 @@ class SameCalls(unittest.TestCase):
         self.assertEqual((variable.kind, variable.n, variable.missing),
                          (expected["kind"], expected["n"], expected["missing"]))
         self.assertEqual(variable.cautions, [caution["message"] for caution in expected["cautions"]])
+        self.assertEqual(variable.notes, expected["notes"])
         rows = variable.fits.to_dict("records")
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
             self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))

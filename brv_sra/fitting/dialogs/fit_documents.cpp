@@ -188,6 +188,10 @@ std::unique_ptr<Spreadsheet> SummaryTable(std::span<const VariableFit> results) 
       return moment.ExistsFor(moments) ? moments.*moment.member : GetDefaultMDValue();
     });
   }
+  AddColumn(*sheet, "distinct"_column, [&](std::size_t i) {
+    return results[i].distinctValues > 0 ? static_cast<double>(results[i].distinctValues)
+                                         : GetDefaultMDValue();
+  });
   AddTextColumn(*sheet, "reason"_column, [&](std::size_t i) { return FailureReason(results[i]); });
   return sheet;
 }

@@ -65,6 +65,7 @@ std::unique_ptr<Spreadsheet> SavedFitsSheet(std::span<const SavedFit> fits) {
   add("below_zero"_column, [](const SavedFit& fit) { return fit.reach.belowZero; });
   add("above_zero"_column, [](const SavedFit& fit) { return fit.reach.aboveZero; });
   add("infinite_moment"_column, [](const SavedFit& fit) { return fit.reach.infiniteMoment; });
+  add("ks_p"_column, [](const SavedFit& fit) { return fit.ksPValue; });
   add("code"_column, [](const SavedFit& fit) { return fit.specification.code; });
   add("offset"_column, [](const SavedFit& fit) { return fit.specification.offset; });
   add("minimum"_column, [](const SavedFit& fit) {
