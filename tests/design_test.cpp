@@ -91,6 +91,11 @@ TEST_F(Command, ToleranceStackHasItsExactMeanAndDeviation) {
               0.02 * std::sqrt(variance));
 }
 
+TEST_F(Command, ProjectOfADesignIsAlsoAnOutput) {
+  const auto made = MustRun({"design", "-o", "p.bvw", "--variable", "a ~ normal(0, 1)"});
+  EXPECT_EQ(MustRun({"design", "p.bvw"}).out, made.out);
+}
+
 TEST_F(Command, ContradictingCorrelationsAreSaidAndTaken) {
   const auto made = MustRun({"design", "p.bvw", "--variable", "a ~ normal(0, 1)", "--variable",
                              "b ~ normal(0, 1)", "--variable", "c ~ normal(0, 1)", "--correlation", "a,b=0.9",

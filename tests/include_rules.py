@@ -33,6 +33,7 @@ ROOMS = (
     Room("host/numeric/estimation/mixture", "host/numeric/estimation", "third-party"),
     Room("host/numeric/distributions/shared", "host/numeric/estimation", "third-party"),
     Room("host/numeric/distributions", "host/numeric/distributions/shared host/numeric/estimation/mixture", "third-party"),
+    Room("host/numeric/distributions/rules", "host/numeric/distributions", ""),
     Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
     Room("host/numeric/goodness_of_fit", "host/numeric/distributions", "third-party"),
     Room("host/tables", "host/base/files", "third-party"),

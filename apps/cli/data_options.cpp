@@ -14,9 +14,18 @@ namespace {
 
 // The fields whose options have other names.
 const std::map<std::string, std::string, std::less<>> kOtherNames{
-    {"data", "DATA"},      {"fixed", "--fix"},         {"formulas", "--formula"},
-    {"models", "--model"}, {"offsets", "--offset"},    {"noiseCorrelations", "--noise-correlation"},
-    {"output", "-o"},      {"project", "PROJECT.bvw"}, {"specifications", "--spec"}};
+    {"correlations", "--correlation"},
+    {"data", "DATA"},
+    {"designed", "--variable"},
+    {"fixed", "--fix"},
+    {"formulas", "--formula"},
+    {"fromFile", "--from"},
+    {"models", "--model"},
+    {"offsets", "--offset"},
+    {"noiseCorrelations", "--noise-correlation"},
+    {"output", "-o"},
+    {"project", "PROJECT.bvw"},
+    {"specifications", "--spec"}};
 
 }  // namespace
 
@@ -44,7 +53,7 @@ void AddYesOption(CLI::App& command, JobData& data) {
 }
 
 void AddHandInputs(CLI::App& command, HandInputs& inputs) {
-  command.add_option("--variable", inputs.variables, "A variable with its distribution, once for each")
+  command.add_option("--variable", inputs.designed, "A variable with its distribution, once for each")
       ->allow_extra_args(false)
       ->type_name("'V ~ DISTRIBUTION(…)'");
   command
@@ -52,7 +61,7 @@ void AddHandInputs(CLI::App& command, HandInputs& inputs) {
                   "The correlation of two variables, once for each pair")
       ->allow_extra_args(false)
       ->type_name("V,V=NUMBER");
-  command.add_option("--from", inputs.from, "A text file of variables and correlations, one a line")
+  command.add_option("--from", inputs.fromFile, "A text file of variables and correlations, one a line")
       ->type_name("FILE");
 }
 

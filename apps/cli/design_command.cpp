@@ -62,8 +62,7 @@ void AddDesignCommand(CLI::App& program) {
   DesignJob& job = call->job;
   CLI::App* command = program.add_subcommand(
       "design", "Enter distributions and correlations by hand; without any, print those of a project");
-  command->add_option("project", job.project, "Project (.bvw) to make, or to change")
-      ->required()
+  command->add_option("project,-o,--output", job.project, "Project (.bvw) to make, or to change")
       ->type_name("PROJECT.bvw");
   command
       ->add_option("--sheet", job.sheet,

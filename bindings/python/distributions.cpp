@@ -11,6 +11,7 @@
 #include "bindings/python/module.h"
 #include "bindings/python/numpy_arrays.h"
 #include "host/base/number_text.h"
+#include "host/jobs/notation/value_words.h"
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/distributions/johnson.h"
 #include "host/numeric/random/random_stream.h"
@@ -27,28 +28,10 @@ std::string NameOf(const ParameterFacts& parameter) {
   return std::string(parameter.name) + (parameter.name == "lambda" ? "_" : "");
 }
 
-// What a value in the range is.
-const char* Requirement(ParameterRange range) {
-  switch (range) {
-    case ParameterRange::kFinite:
-      return "a finite number";
-    case ParameterRange::kPositive:
-      return "greater than 0";
-    case ParameterRange::kProportion:
-      return "between 0 and 1";
-    case ParameterRange::kPositiveProportion:
-      return "greater than 0 and at most 1";
-    case ParameterRange::kTrials:
-      return "a whole number from 1 to 2**53";
-    case ParameterRange::kJohnsonFamily:
-      return "1 (SL), 2 (SU), 3 (SB) or 4 (SN)";
-  }
-  return "";
-}
-
 void Require(const std::string& name, ParameterRange range, double value) {
   if (!IsInRange(value, range))
-    throw py::value_error(name + " must be " + Requirement(range) + ", not " + ShortestNumber(value));
+    throw py::value_error(name + " must be " + std::string(RangeText(range)) + ", not " +
+                          ShortestNumber(value));
 }
 
 [[noreturn]] void RefuseType(const std::string& name, const char* wanted, const py::handle& value) {
@@ -63,13 +46,6 @@ double NumberFrom(const std::string& name, const py::handle& value) {
   PyErr_Clear();
   if (tooLarge) throw py::value_error(name + " is too large for a number");
   RefuseType(name, "a number", value);
-}
-
-// What remains to be wrong when each value is in its range.
-const char* WrongTogether(DistributionCode code, std::span<const double> values) {
-  if (code != DistributionCode::kTriangular) return "proportions must add up to 1";
-  return values[2] < values[0] || values[2] > values[1] ? "mode must lie between min and max"
-                                                        : "min must be less than max";
 }
 
 class BoundDistribution {
@@ -89,7 +65,7 @@ class BoundDistribution {
     for (std::size_t i = 0; i < values_.size(); ++i)
       Require(NameOf(ParameterAt(i)), ParameterAt(i).range, values_[i]);
     Require("offset", ParameterRange::kFinite, offset_);
-    if (!View().IsValid()) throw py::value_error(WrongTogether(code_, values_));
+    if (const auto wrong = WrongTogether(code_, values_)) throw py::value_error(*wrong);
   }
 
   const DistributionFacts& Facts() const { return TypeOf(code_).facts; }

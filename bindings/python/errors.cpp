@@ -24,11 +24,16 @@ void SetError(const CallFailure& failure) {
   PyErr_SetObject(type.ptr(), error.ptr());
 }
 
+// What people know a field as: functions take designed variables as `variables`.
+std::string ArgumentOf(const std::string& field) {
+  return field == "designed" ? "variables" : Spelled(field, '_');
+}
+
 // A line for each fault.
 std::string TextOf(const JobFaults& faults) {
   std::string text;
   for (const JobFault& fault : faults)
-    text += (text.empty() ? "" : "\n") + fault.message + " (" + Spelled(fault.field, '_') + ")";
+    text += (text.empty() ? "" : "\n") + fault.message + " (" + ArgumentOf(fault.field) + ")";
   return text;
 }
 

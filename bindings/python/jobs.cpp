@@ -179,12 +179,14 @@ py::dict NotationsOf(const DesignText& design) {
   return variables;
 }
 
-// The samples, their seed, and what they were drawn from. `matrix` may be null.
-py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix) {
+// The samples, their seed, and what they were drawn from. `matrix`, which is given, and `kept`, which belongs to the fits
+// and serves the methods that follow one, may be null.
+py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, const Sheet& kept) {
   std::shared_ptr<AnalysisRef> analysis;
   SimulationFindings found;
   job.keepsSamples = true;
-  if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
+  const Sheet& follows = matrix == nullptr && InducesCorrelation(job.method) ? kept : matrix;
+  if (follows != nullptr) job.givenMatrix = DocumentOf(follows);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
                         NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
@@ -267,13 +269,13 @@ void DefinePlot(py::class_<Job>& job) {
 template <class Job>
 void DefineInputs(py::class_<Job>& job) {
   using Texts = std::vector<std::string>;
-  job.def_property("designed", nullptr, [](Job& j, Texts texts) { j.inputs.variables = std::move(texts); })
+  job.def_property("designed", nullptr, [](Job& j, Texts texts) { j.inputs.designed = std::move(texts); })
       .def_property("correlations", nullptr,
                     [](Job& j, Texts texts) { j.inputs.correlations = std::move(texts); })
       .def_property("correlation_table", nullptr,
                     [](Job& j, const Sheet& table) { j.inputs.correlationTable = CopyOf(table); })
       .def_property("from_file", nullptr,
-                    [](Job& j, std::filesystem::path file) { j.inputs.from = std::move(file); });
+                    [](Job& j, std::filesystem::path file) { j.inputs.fromFile = std::move(file); });
 }
 
 void BindFitJob(py::module_& module) {
@@ -429,6 +431,14 @@ void BindJobs(py::module_& module) {
   graphs[py::str(std::string(kFitSummaryGraph.word))] = kFitSummaryGraph.member;
   module.attr("_fit_graphs") = graphs;
   module.def("_save_fits", &SaveFitsOf, InHost(), py::arg("sheet"), py::arg("matrix"), py::arg("path"));
+  module.def(
+      "_open_project",
+      [](const std::filesystem::path& path) {
+        auto workbook = std::make_shared<WorkbookRef>(OpenProject(path));
+        RecordOpened(workbook, path, false);
+        return workbook;
+      },
+      InHost(), py::arg("path"));
   module.def(
       "_fitted_sheet",
       [](const std::shared_ptr<WorkbookRef>& workbook, const std::string& name) {

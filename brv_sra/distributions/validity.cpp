@@ -5,7 +5,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "host/numeric/distributions/distribution_types.h"
-#include "host/numeric/distributions/gaussian_mixture.h"
+#include "host/numeric/distributions/rules/value_rules.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -39,19 +39,23 @@ ValidityFault ParameterFault(DistributionCode code, std::size_t index, double va
 
 // The rules about several values of a distribution, once each value is in its range.
 std::optional<ValidityFault> CheckTogether(DistributionCode code, std::span<const double> values) {
-  if (TypeOf(code).isValid(values, 0.0)) return std::nullopt;
-  switch (code) {
-    case kTriangular:
-      if (values[0] > values[2]) return ParameterFault(code, 0, 0);
-      if (values[2] > values[1]) return ParameterFault(code, 2, 1);
-      return std::nullopt;  // a single point
-    case kGaussianMixture:
-      return ParameterFault(code, values.size(), 0);
-    case kHistogram:
+  const auto broken = BrokenRule(code, values);
+  if (!broken) return std::nullopt;
+  switch (*broken) {
+    case ValueRule::kMinUpToMode:
+      return ParameterFault(code, 0, 0);
+    case ValueRule::kModeUpToMax:
+      return ParameterFault(code, 2, 1);
+    case ValueRule::kGroupCount:
+      return ValidityFault{{FaultIdentifier::kInvalidMixtureCount}, values.size()};
+    case ValueRule::kTotalProportion:
+      if (code == kGaussianMixture) return ParameterFault(code, values.size(), 0);
       return ValidityFault{{FaultIdentifier::kInvalidTotalProportion}, values.size()};
-    default:
-      return std::nullopt;
+    case ValueRule::kMinBelowMax:  // a single point
+    case ValueRule::kOther:
+      break;
   }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -70,7 +74,7 @@ std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const 
   const DistributionFacts& facts = Facts(code);
   const std::size_t groupSize = facts.ParameterCount();
   const std::size_t groups = facts.isUserDefined ? (values.size() + groupSize - 1) / groupSize : 1;
-  if (code == kGaussianMixture && (groups < kFewestMixtures || groups > kMostMixtures))
+  if (code == kGaussianMixture && !GroupCountsOf(code).Contains(groups))
     return ValidityFault{{FaultIdentifier::kInvalidMixtureCount}, values.size()};
   const std::size_t expected = groups * groupSize;
   for (std::size_t i = 0; i < expected; ++i) {

@@ -7,6 +7,7 @@
 #include "host/automation/type_library.h"
 #include "host/base/almost_equal.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
 #include "host/numeric/distributions/distribution_types.h"
@@ -84,16 +85,16 @@ std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet) {
 
 DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& faults) const {
   DesignText design;
-  if (!from.empty()) {
+  if (!fromFile.empty()) {
     try {
-      ReadDesignFile(from, others, design, faults);
+      ReadDesignFile(fromFile, others, design, faults);
     } catch (const Error& error) {
-      faults.push_back({"from", error.Where() + " " + error.what()});
+      faults.push_back({"fromFile", error.Where() + " " + error.what()});
     }
   }
-  for (const std::string& text : variables) AddVariable("variable", text, design, faults);
-  for (const std::string& text : correlations) AddCorrelation("correlation", text, others, design, faults);
-  if (correlationTable != nullptr) AddCorrelations("correlation", *correlationTable, others, design, faults);
+  for (const std::string& text : designed) AddVariable("designed", text, design, faults);
+  for (const std::string& text : correlations) AddCorrelation("correlations", text, others, design, faults);
+  if (correlationTable != nullptr) AddCorrelations("correlations", *correlationTable, others, design, faults);
   return design;
 }
 
@@ -167,6 +168,7 @@ double SmallestEigenvalue(const DesignText& design) {
 }
 
 JobFaults DesignJob::Check() const {
+  if (project.empty()) return {{"project", "missing project file"}};
   JobFaults faults;
   CheckProjectEnding("project", project, faults);
   std::error_code ignored;
@@ -174,9 +176,10 @@ JobFaults DesignJob::Check() const {
   const bool exists = std::filesystem::exists(project, ignored);
   const DesignText design = inputs.Read(exists ? nullptr : &none, faults);
   if (exists) return faults;
+  if (!inputs.IsEmpty()) CheckFolder("project", project, faults);
   if (inputs.IsEmpty()) faults.push_back({"project", "there is no file " + project.string()});
   if (!inputs.IsEmpty() && design.variables.empty() && faults.empty())
-    faults.push_back({"variable", "a new project needs at least one variable"});
+    faults.push_back({"designed", "a new project needs at least one variable"});
   if (!sheet.empty()) faults.push_back({"sheet", "a new project has no sheet to choose"});
   return faults;
 }

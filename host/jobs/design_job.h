@@ -15,14 +15,16 @@ namespace brenvolt {
 
 // What every job takes that works on designed variables.
 struct HandInputs {
-  std::vector<std::string> variables;     // in the notation: "h ~ normal(50.2, 0.05)"
+  std::vector<std::string> designed;      // variables in the notation: "h ~ normal(50.2, 0.05)"
   std::vector<std::string> correlations;  // "h,a=0.4"
   std::string matrix;                     // its name (NamedMatrix); the correlations are entered into it
   std::shared_ptr<const Spreadsheet> correlationTable;  // a square table in place of pairs (MatrixFromTable)
-  std::filesystem::path from;                           // a text file of such lines, before the others
+  std::filesystem::path fromFile;                       // a text file of such lines, before the others
 
   bool HasCorrelations() const { return !correlations.empty() || correlationTable != nullptr; }
-  bool IsEmpty() const { return variables.empty() && !HasCorrelations() && matrix.empty() && from.empty(); }
+  bool IsEmpty() const {
+    return designed.empty() && !HasCorrelations() && matrix.empty() && fromFile.empty();
+  }
   // What the texts say, with the faults of all. Correlations may also name `others`; if that is null, any variable.
   DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;
 };

@@ -30,6 +30,7 @@ std::string Keyword(const char* name, const std::string& text) {
 JobFaults ImportJob::Check() const {
   JobFaults faults;
   CheckProjectEnding("output", output, faults);
+  CheckFolder("output", output, faults);
   if (!kind.empty() && kind != kData && kind != kMatrix)
     faults.push_back({"kind", "expected data or matrix, got " + Quoted(kind)});
   if (!IsText(sheet)) faults.push_back({"sheet", "the name is not UTF-8 text"});

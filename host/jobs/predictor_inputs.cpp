@@ -113,13 +113,13 @@ void PredictorInputs::TakeSaved(const DesignText& saved) const {
 void PredictorInputs::TakeGiven(const HandInputs& inputs) const {
   JobFaults faults;
   HandInputs file;
-  file.from = inputs.from;
+  file.fromFile = inputs.fromFile;
   const std::vector<std::string> inFile = file.Read(nullptr, faults).Names();
   const DesignText given = inputs.Read(&names_, faults);
   for (const NotedVariable& variable : given.variables) {
     const std::size_t place = PlaceOf(variable.name, names_);
     if (place < names_.size() || std::ranges::find(inFile, variable.name) != inFile.end()) continue;
-    faults.push_back({"variable", "no predictor called " + Quoted(variable.name) + "; the predictors are " +
+    faults.push_back({"designed", "no predictor called " + Quoted(variable.name) + "; the predictors are " +
                                       Listed(names_)});
   }
   RequireNone(std::move(faults));

@@ -112,7 +112,7 @@ JobFaults ProfileJob::Check() const {
     faults.push_back({"matrix", "the predictors follow either a matrix or their columns"});
   CheckDataTarget("output", output, faults);
   CheckGraphsTarget("graphs", graphs, faults);
-  std::vector<JobFile> files{{"data", data.file}, {"from", inputs.from}, {"matrix", inputs.matrix}};
+  std::vector<JobFile> files{{"data", data.file}, {"fromFile", inputs.fromFile}, {"matrix", inputs.matrix}};
   for (const auto& model : models) files.push_back({"models", model});
   CheckPlot(plot, kProfilePlotKinds, faults);
   CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}}, faults);

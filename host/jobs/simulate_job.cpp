@@ -121,7 +121,8 @@ JobFaults SimulateJob::Check() const {
   CheckWord("method", method, kSimulationMethods, faults);
   CheckWholeNumber("samples", samples, 1, kMostInteger, faults);
   if (seed) CheckWholeNumber("seed", *seed, 0, kMostInteger, faults);
-  if (!matrix.empty() && kSimulationMethods.contains(method) && !InducesCorrelation(method)) {
+  if ((!matrix.empty() || givenMatrix != nullptr) && kSimulationMethods.contains(method) &&
+      !InducesCorrelation(method)) {
     faults.push_back(
         {"matrix", "only methods that induce correlation follow a matrix; " + method + " does not"});
   }
@@ -131,7 +132,7 @@ JobFaults SimulateJob::Check() const {
   if (plot.kind == kScatterKind && kSimulationMethods.contains(method) && !InducesCorrelation(method))
     faults.push_back(
         {"plotKind", "only methods that induce correlation have one to show; " + method + " does not"});
-  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"from", inputs.from}},
+  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
                     {{"output", output}, {"plot", plot.file}}, faults);
   return faults;
 }
@@ -146,10 +147,10 @@ void SimulateJob::CheckInputs(JobFaults& faults) const {
   const std::size_t before = faults.size();
   const DesignText design = inputs.Read(&none, faults);
   if (design.variables.empty() && faults.size() == before)
-    faults.push_back({"variable", "a simulation without a project needs at least one variable"});
+    faults.push_back({"designed", "a simulation without a project needs at least one variable"});
   if (inputs.HasCorrelations() && kSimulationMethods.contains(method) && !InducesCorrelation(method)) {
-    faults.push_back(
-        {"correlation", "only methods that induce correlation follow correlations; " + method + " does not"});
+    faults.push_back({"correlations",
+                      "only methods that induce correlation follow correlations; " + method + " does not"});
   }
 }
 

@@ -149,7 +149,7 @@ def design(project: str | os.PathLike, variables: Mapping[str, Distribution | st
         job.matrix = _arguments.path(matrix, "matrix")
     job.check()
     if os.path.exists(project):
-        target = _brenvolt._fitted_sheet(_brenvolt.open_workbook(project), sheet or "")
+        target = _brenvolt._fitted_sheet(_brenvolt._open_project(project), sheet or "")
     else:
         target = _brenvolt._new_design()
     return Design(*job.run(target))

@@ -21,17 +21,19 @@ Names = str | int | Iterable[str] | Iterable[int] | None
 _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
 
 
-def _sheet_of(data, name, required=()):
+def _sheet_of(data, name, required=(), decimal_comma=False):
     """The spreadsheet in whatever people have their data in; the columns required of a frame cannot be left out of it."""
     if name is not None and not isinstance(name, str):
         _arguments.refuse("sheet", "a name", name)
+    if isinstance(data, (str, os.PathLike)):
+        return _brenvolt.open_workbook(data, decimal_comma).sheet(name or "")
+    if decimal_comma:
+        raise ValueError(f"decimal_comma has no effect: data is a {type(data).__name__}")
     if isinstance(data, (Spreadsheet, _automation.TableDocument)):
         _refuse_sheet(name, "data", data)
         return _automation._sheet(data)
     if isinstance(data, Workbook):
         return data.sheet(name or "")
-    if isinstance(data, (str, os.PathLike)):
-        return _brenvolt.open_workbook(data).sheet(name or "")
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet", required)
     if getattr(getattr(data, "dtype", None), "names", None):
@@ -167,7 +169,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None,
         save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
-        plot_width: int | None = None, plot_band: bool = False, yes: bool = False) -> FitResult:
+        plot_width: int | None = None, plot_band: bool = False, yes: bool = False, decimal_comma: bool = False) -> FitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -196,6 +198,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     plot_band: P-P and Q-Q plots have the limits within which 95 % of samples from a continuous fit lie.
     yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
     data.
+    decimal_comma: the CSV file has decimal commas, and semicolons between the fields.
 
     Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
@@ -208,10 +211,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
-               plot_band=plot_band, yes=yes)
+               plot_band=plot_band, yes=yes, decimal_comma=decimal_comma)
     job.check()
     required = [name for given in (continuous, discrete, weights) for name in _arguments.names(given, "required")]
-    return FitResult(job, _sheet_of(data, sheet, required), _is_lent(data))
+    return FitResult(job, _sheet_of(data, sheet, required, decimal_comma), _is_lent(data))
 
 
 class FitResult:
@@ -426,7 +429,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"), or a Design, with its
     correlations.
     method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
-    "latin-hypercube-iman-conover".
+    "latin-hypercube-iman-conover"; "norta" has no generator and is refused.
     seed: 0 to 2147483647; the same seed gives the same samples. Without, one is drawn, so that they differ each time;
     the frame's attrs["seed"] tells it.
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
@@ -456,13 +459,13 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
         _design._enter(job, source if by_hand else None, correlations, from_file)
     job.check()
     chosen = None if matrix is None or job.matrix else _matrix_of(matrix)
+    kept = None
     if isinstance(source, FitResult):
         kept = source.keep()
-        chosen = kept if matrix is None else chosen
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
-    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen)
+    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept)
     frame = simulated.to_pandas()
     frame.attrs.update(seed=seed, cautions=cautions, method=method, distributions=drawn, correlations=pairs,
                        repaired_matrix=repaired, notes=notes)
@@ -483,7 +486,7 @@ def _fitted_sheet(source, name):
         return source.sheet if isinstance(source, FitResult) else source
     if not isinstance(source, (Workbook, str, os.PathLike)):
         raise TypeError(f"simulate needs a project, a fit result or distributions by name, not {type(source).__name__}")
-    workbook = source if isinstance(source, Workbook) else _brenvolt.open_workbook(source)
+    workbook = source if isinstance(source, Workbook) else _brenvolt._open_project(source)
     return _brenvolt._fitted_sheet(workbook, name or "")
 
 
@@ -508,7 +511,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
             responses: str | Iterable[str] | None = None, sheet: str | None = None,
             output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
             plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
-            plot_width: int | None = None) -> ProfileResult:
+            plot_width: int | None = None, decimal_comma: bool = False) -> ProfileResult:
     """Simulates what models, formulas or a function predict, and compares it with specifications.
 
     profile(data, models, formulas, ...) or profile(function, inputs, ...), where inputs are as data.
@@ -534,6 +537,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
     plot: picture, as for fit(), of each response; plot_kind: "overview" (as without), "histogram", "tornado", "profile",
     "defect-profile" or "capability".
+    decimal_comma: as for fit().
 
     Returns a ProfileResult.
     """
@@ -554,12 +558,12 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
                output=output, graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
-               plot_width=plot_width)
+               plot_width=plot_width, decimal_comma=decimal_comma)
     given = {**data, **(variables or {})} if by_hand and data is not None else variables
     _design._enter(job, given, correlations, from_file)
     table = None
     if function is not None:
-        table = None if by_hand else _sheet_of(data, sheet)
+        table = None if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma)
         model = _function.Model(function, _inputs_of(job, table), responses)
         job.add_function(model.name, model.predictors, model.responses, model)
     elif responses is not None:
@@ -567,7 +571,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     job.check()
     chosen = None if matrix is None or isinstance(matrix, (str, os.PathLike)) else _matrix_of(matrix)
     if table is None:
-        table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet)
+        table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma)
     try:
         return ProfileResult(*job.run(table, chosen))
     except Error as error:
@@ -681,25 +685,26 @@ class ProfiledResponse:
 
 
 def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, leave_invalid: bool = False,
-          sheet: str | None = None) -> pandas.DataFrame:
+          sheet: str | None = None, decimal_comma: bool = False) -> pandas.DataFrame:
     """The predictions of a PMML model, a DataFrame with a row per case.
 
     data: as for fit(); the columns that the model reads are found by their names.
     probabilities: also the probability of every class; leave_invalid: no prediction, instead of an Error, where the model
     refuses a value.
+    decimal_comma: as for fit().
 
     attrs["unpredicted"] of the frame says why cases have no prediction: for each reason its field, reason, value, the lowest
     and the highest number, and the count. attrs["unavailable_outputs"] names the outputs of the model that cannot be given,
     with the reason.
     """
     job = _job(_brenvolt.ScoreJob, model=model, probabilities=probabilities, leave_invalid=leave_invalid,
-               data=_file_of(data))
+               data=_file_of(data), decimal_comma=decimal_comma)
     job.check()
     if isinstance(data, (str, os.PathLike)):
         job.sheet = "" if sheet is None else _arguments.text(sheet, "sheet")
         predictions = job.run(None)
     else:
-        predictions = job.run(_sheet_of(data, sheet))
+        predictions = job.run(_sheet_of(data, sheet, decimal_comma=decimal_comma))
     frame = predictions.to_pandas()
     frame.attrs["unpredicted"] = predictions.unpredicted
     frame.attrs["unavailable_outputs"] = predictions.unavailable_outputs

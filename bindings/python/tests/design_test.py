@@ -400,9 +400,9 @@ class Profiles(Folder):
 
     def test_refused_profiles_are_refused_alike(self):
         x = {"x": "normal(0, 1)"}
-        cases = (({"variables": {"q": "normal(0, 1)"}}, "no predictor called 'q'; the predictors are x, n (variable)"),
-                 ({"variables": {"x": "normal(0, -1)"}}, "(variable)"),
-                 ({"variables": x, "correlations": {("x", "q"): 0.5}}, "no variable is called 'q' (correlation)"),
+        cases = (({"variables": {"q": "normal(0, 1)"}}, "no predictor called 'q'; the predictors are x, n (variables)"),
+                 ({"variables": {"x": "normal(0, -1)"}}, "(variables)"),
+                 ({"variables": x, "correlations": {("x", "q"): 0.5}}, "no variable is called 'q' (correlations)"),
                  ({"variables": {**x, "n": "poisson(3)"}, "noise_correlations": {("y", "z"): 0.5}}, "(noise_correlations)"),
                  ({"variables": x}, "give it a distribution, or fix it at a value"))
         for arguments, end in cases:

@@ -17,6 +17,8 @@ EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
 # The options that are not spelt as their arguments.
 OPTIONS = {"offsets": "--offset", "formulas": "--formula", "models": "--model", "fixed": "--fix",
            "specifications": "--spec", "output": "-o"}
+# The options for what is given by hand, of which functions take several at once.
+BY_HAND = {"--variable": "variables", "--correlation": "correlations", "--from": "from_file"}
 REPEATED = ("formulas", "models")
 DATA = {"x": [1.0, 2, 3, 4, 7], "n": [1.0, 2, 0, 5, 1], "w": [1.0, 2, 1, 1, 1]}
 
@@ -127,8 +129,10 @@ REFUSED_PROFILES = (
 NORMAL = "normal(0, 1)"
 REFUSED_INPUTS = (
     ({"h": "normal(1, -2)"}, {}, "expected a number above 0 for scale, got '-2'; normal takes location, scale (character 15"),
-    ({"h": "triangular(5, 1, 3)"}, {}, "min <= mode <= max, and min < max"),
-    ({"h": "triangular(1, 5, 6)"}, {}, "min <= mode <= max, and min < max"),
+    ({"h": "triangular(5, 1, 3)"}, {}, "the mode must lie between min and max (character 23 of"),
+    ({"h": "triangular(1, 1, 1)"}, {}, "min must be less than max (character 23 of"),
+    ({"h": "triangular(1, 5, 6)"}, {}, "the mode must lie between min and max"),
+    ({"h": "gaussianmixture(1:0:1)"}, {}, "a gaussianmixture has from 2 to 20 components, not 1 (character"),
     ({"h": "histogram(0:0.5, 1:0.4)"}, {}, "the proportions must add up to 1; they add up to 0.9"),
     ({"h": "nomral(1, 2)"}, {}, "no distribution is called 'nomral'; did you mean normal?"),
     ({"h": "normal(1, 2) in [50, 60]"}, {}, "the bounds leave nothing of the distribution"),
@@ -136,10 +140,10 @@ REFUSED_INPUTS = (
     ({"h": "normal(1)"}, {}, "scale is missing; normal takes location, scale"),
     ({"h": "normal(nan, 1)"}, {}, "expected a finite number for location, got 'nan'"),
     ({"": NORMAL}, {}, "expected the name of a variable before '~'"),
-    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 1.01}, "a correlation lies between -1 and 1, got 1.01 (correlation)"),
-    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 0.1, ("c", "h"): 0.2}, "correlation of c and h is given twice (correlation)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 1.01}, "a correlation lies between -1 and 1, got 1.01 (correlations)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 0.1, ("c", "h"): 0.2}, "correlation of c and h is given twice (correlations)"),
     ({"h": NORMAL, "c": NORMAL}, {("h", "h"): 0.5}, "a variable is correlated with itself by 1"),
-    ({"h": NORMAL, "c": NORMAL}, {("h", "cc"): 0.5}, "no variable is called 'cc'; did you mean c? (correlation)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "cc"): 0.5}, "no variable is called 'cc'; did you mean c? (correlations)"),
 )
 # Calls of fit() over an example.
 FITS = (
@@ -200,6 +204,7 @@ def fit(data, arguments):
 REFUSED_IMPORTS = (
     ({"output": "p.csv"}, "expected a file ending in .bvw, got p.csv (output)"),
     ({"output": "p.bvw", "kind": "graph"}, "expected data or matrix, got 'graph' (kind)"),
+    ({"output": "none/p.bvw"}, "the folder of none/p.bvw does not exist (output)"),
     ({"output": "p.bvw", "kind": "matrix"}, "must hold numbers (d.csv)"),
 )
 REFUSED_EXPORTS = (
@@ -222,7 +227,7 @@ class SameCalls(unittest.TestCase):
     def refused_by_command(self, *arguments):
         """How the call failed and what was said of it, options spelt as arguments."""
         done = self.command(*arguments)
-        spelt = {option: name for name, option in OPTIONS.items()}
+        spelt = {**BY_HAND, **{option: name for name, option in OPTIONS.items()}}
         said = re.sub(r"\((--?[a-z-]+)\)", lambda o: "(" + spelt.get(o[1], o[1][2:].replace("-", "_")) + ")", done.stderr)
         return done.returncode, [line.removeprefix("brenvolt: ") for line in said.splitlines()]
 
@@ -281,6 +286,43 @@ class SameCalls(unittest.TestCase):
                     self.assertEqual(refused[0], 2)
                     self.assertIn(said, refused[1][0])
                     self.assertFalse(os.path.exists("p.bvw") or os.path.exists("s.csv"))
+
+    def test_a_design_has_a_project_in_a_folder_that_exists(self):
+        for project in ("none/p.bvw", "p.csv", ""):
+            refused = self.refused_by_command("design", "-o", project, "--variable", f"h ~ {NORMAL}")
+            self.assertEqual((refused[0], len(refused[1])), (2, 1))
+            python = self.refused_by_python(lambda: brenvolt.design(project, {"h": NORMAL}))
+            self.assertEqual([line.replace("PROJECT.bvw", "project") for line in refused[1]], python[1])
+            self.assertEqual(python[0], 2)
+        self.assertEqual(self.refused_by_python(lambda: brenvolt.design("p.bvw", from_file="none.txt")),
+                         self.refused_by_command("design", "p.bvw", "--from", "none.txt"))
+
+    def test_data_without_fits_and_matrices_without_effect_are_refused_alike(self):
+        self.assertEqual(self.refused_by_command("simulate", "d.csv"),
+                         self.refused_by_python(lambda: brenvolt.simulate("d.csv")))
+        brenvolt.fit("d.csv", ["x", "n"], distributions=["normal"], save="fits.bvw")
+        matrix = pandas.DataFrame([[1, 0.5], [0.5, 1]], columns=["x", "n"])
+        matrix.to_csv("m.csv", index=False)
+        refused = self.refused_by_command("simulate", "fits.bvw", "--matrix", "m.csv")
+        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.simulate("fits.bvw", matrix=matrix)))
+        self.assertEqual(refused[0], 2)
+
+    def test_decimal_commas_are_read_alike(self):
+        with open("comma.csv", "w") as file:
+            file.write("temp;n\n" + "".join(f"{i},5;{i % 3}\n" for i in range(1, 9)))
+        done = self.command("fit", "comma.csv", "--decimal-comma", "--distributions", "normal", "--format", "json")
+        fitted = brenvolt.fit("comma.csv", distributions="normal", decimal_comma=True)
+        for expected in json.loads(done.stdout)["variables"]:
+            self.compare(expected, fitted.variables[expected["name"]])
+        self.assertEqual(fitted.summary.loc["temp", "mean"], 5)
+        profiled = brenvolt.profile("comma.csv", formulas="y = temp + n", samples=100, seed=1, decimal_comma=True)
+        plain = brenvolt.profile(fitted.sheet, formulas="y = temp + n", samples=100, seed=1)
+        pandas.testing.assert_frame_equal(profiled.samples, plain.samples)
+        for call in (lambda data: brenvolt.fit(data, decimal_comma=True),
+                     lambda data: brenvolt.profile(data, formulas="y = x", decimal_comma=True),
+                     lambda data: brenvolt.score(OZONE, data, decimal_comma=True)):
+            with self.assertRaisesRegex(ValueError, "decimal_comma has no effect: data is a dict"):
+                call({"x": [1.0, 2, 3]})
 
     def test_all_faults_are_said_at_once(self):
         faults = self.refused_by_command("fit", "d.csv", *words(REFUSED_FITS[-1][0]))[1]

@@ -156,13 +156,13 @@ void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::st
       continue;
     }
     const std::size_t before = faults.size();
-    AddVariable("from", text, design, faults);
+    AddVariable("fromFile", text, design, faults);
     Place(file, number, faults, before);
   }
   if (stream.bad()) throw Error("cannot be read", file.string());
   for (const Line& correlation : correlations) {
     const std::size_t before = faults.size();
-    AddCorrelation("from", correlation.text, others, design, faults);
+    AddCorrelation("fromFile", correlation.text, others, design, faults);
     Place(file, correlation.number, faults, before);
   }
 }

@@ -27,7 +27,7 @@ struct DesignText {
 };
 
 // Lines of a text file: variables; "correlation h, a = 0.4"; lines that begin with '#', and empty ones, say nothing.
-// Adds the faults of all lines, each with its number, as faults of the field "from". Throws Error if the file cannot
+// Adds the faults of all lines, each with its number, as faults of the field "fromFile". Throws Error if the file cannot
 // be read. `others` as below.
 void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::string>* others,
                     DesignText& design, JobFaults& faults);

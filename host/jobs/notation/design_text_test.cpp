@@ -56,7 +56,7 @@ TEST(DesignText, EveryFaultIsNamedWithItsLine) {
     JobFaults faults;
     ReadDesignFile(file, &kNoOthers, design, faults);
     ASSERT_EQ(faults.size(), 1U) << row.text;
-    EXPECT_EQ(faults[0].field, "from");
+    EXPECT_EQ(faults[0].field, "fromFile");
     EXPECT_NE(faults[0].message.find("plan.txt, line " + std::to_string(row.line) + ": "), std::string::npos)
         << faults[0].message;
     EXPECT_NE(faults[0].message.find(row.message), std::string::npos) << faults[0].message;

@@ -10,6 +10,7 @@
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/notation/value_words.h"
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/distributions/johnson.h"
 
@@ -35,24 +36,6 @@ constexpr std::array<Synonym, 9> kSynonyms{{{"mean", "location", DistributionCod
 
 std::string TypeName(const DistributionFacts& facts) {
   return kFittedTypes[static_cast<std::size_t>(facts.code)].name;
-}
-
-std::string_view RangeText(ParameterRange range) {
-  switch (range) {
-    case ParameterRange::kFinite:
-      return "a finite number";
-    case ParameterRange::kPositive:
-      return "a number above 0";
-    case ParameterRange::kProportion:
-      return "a number from 0 to 1";
-    case ParameterRange::kPositiveProportion:
-      return "a number above 0 and up to 1";
-    case ParameterRange::kTrials:
-      return "a whole number of at least 1";
-    case ParameterRange::kJohnsonFamily:
-      return "SL, SU, SB or SN";
-  }
-  return "a number";
 }
 
 // The parameters in order, with the offset if there is one.
@@ -254,25 +237,12 @@ class Reader {
   void CheckConsistent(const DistributionFacts& facts, std::size_t values) {
     const AnyDistribution distribution(facts.code, noted_.values,
                                        IsNotSet(noted_.offset) ? 0.0 : noted_.offset);
-    if (!distribution.IsValid()) Fail(values > 0 ? values - 1 : 0, Inconsistency(facts));
+    if (const auto wrong = WrongTogether(facts.code, noted_.values))
+      Fail(values > 0 ? values - 1 : 0, *wrong);
     const double below = noted_.minimum ? distribution.Cdf(std::nextafter(*noted_.minimum, -HUGE_VAL)) : 0.0;
     const double above = noted_.maximum ? distribution.Complement(*noted_.maximum) : 0.0;
     if (boundsPlace_ && below + above >= 1.0)
       Fail(*boundsPlace_, "the bounds leave nothing of the distribution");
-  }
-
-  std::string Inconsistency(const DistributionFacts& facts) const {
-    if (!facts.isUserDefined)
-      return "the values do not make a distribution; min <= mode <= max, and min < max";
-    const std::size_t group = facts.ParameterCount();
-    std::size_t share = 0;
-    while (facts.parameters[share].range != ParameterRange::kProportion) ++share;
-    double total = 0;
-    for (std::size_t i = share; i < noted_.values.size(); i += group) total += noted_.values[i];
-    if (std::abs(total - 1) > kTotalTolerance)
-      return "the proportions must add up to 1; they add up to " + ShortestNumber(total);
-    return "a " + TypeName(facts) + " cannot have " + std::to_string(noted_.values.size() / group) +
-           " components";
   }
 
   std::string_view text_;

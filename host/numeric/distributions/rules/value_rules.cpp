@@ -1,0 +1,41 @@
+#include "host/numeric/distributions/rules/value_rules.h"
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/gaussian_mixture.h"
+
+namespace brenvolt {
+
+GroupCounts GroupCountsOf(DistributionCode code) {
+  if (code == DistributionCode::kGaussianMixture) return {kFewestMixtures, kMostMixtures};
+  return {0, std::numeric_limits<std::size_t>::max()};  // none has no proportions that add up
+}
+
+double TotalProportion(DistributionCode code, std::span<const double> values) {
+  const DistributionFacts& facts = TypeOf(code).facts;
+  double total = 0;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (facts.parameters[i % facts.ParameterCount()].range == ParameterRange::kProportion) total += values[i];
+  }
+  return total;
+}
+
+std::optional<ValueRule> BrokenRule(DistributionCode code, std::span<const double> values) {
+  const DistributionType& type = TypeOf(code);
+  const bool isOfGroups = type.facts.isUserDefined;
+  if (isOfGroups && !GroupCountsOf(code).Contains(values.size() / type.facts.ParameterCount()))
+    return ValueRule::kGroupCount;
+  if (type.isValid(values, 0.0)) return std::nullopt;
+  if (code == DistributionCode::kTriangular) {
+    const auto [min, max, mode] = std::array{values[0], values[1], values[2]};
+    if (min > mode) return ValueRule::kMinUpToMode;
+    return mode > max ? ValueRule::kModeUpToMax : ValueRule::kMinBelowMax;
+  }
+  const bool isTotalWrong = isOfGroups && !(std::abs(TotalProportion(code, values) - 1) <= kTotalTolerance);
+  return isTotalWrong ? ValueRule::kTotalProportion : ValueRule::kOther;
+}
+
+}  // namespace brenvolt
