@@ -166,8 +166,9 @@ void AddProfileCommand(CLI::App& program) {
                    "Correlations of the predictors: a sheet of the project, a CSV file, or "
                    "PROJECT.bvw[:SHEET]; --correlation is entered into them")
       ->type_name("SHEET|FILE");
-  command->add_flag("!--no-saved-fits", job.savedFits,
-                    "Start each predictor from its column, whatever distribution is saved with it");
+  command->add_flag_callback(
+      "--no-saved-fits", [call] { call->job.savedFits = false; },
+      "Start each predictor from its column, whatever distribution is saved with it");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
             "Number of runs, " + std::to_string(kFewestProfilerRuns) + " or more (default " +
                 std::to_string(kUsualProfilerRuns) + ")");

@@ -14,7 +14,8 @@ import brenvolt  # noqa: E402 - found by the line before
 from brenvolt import _automation  # noqa: E402
 
 # The modules that offer what is not a constant.
-SOURCES = ("_automation", "_brenvolt", "_errors", "_jobs", "_recording")
+SOURCES = ("_automation", "_brenvolt", "_design", "_errors", "_jobs", "_recording")
+SUBMODULES = ("dialogs", "distributions")
 TYPES = {"document": "Any", "object": "Any", "enumeration": "int", "": "None"}
 
 
@@ -24,12 +25,16 @@ def annotation(kind):
 
 def init_stub():
     lines = ['"""Made from the type library."""', "", "import enum", "",
-             "from . import dialogs as dialogs, distributions as distributions"]
+             "from . import " + ", ".join(f"{name} as {name}" for name in SUBMODULES)]
+    missing = set(brenvolt._OFFERED) - set(SUBMODULES)
     for source in SOURCES:
         module = sys.modules[f"brenvolt.{source}"]
         names = sorted(name for name in brenvolt._OFFERED if hasattr(module, name)
                        and getattr(getattr(module, name), "__module__", module.__name__) == module.__name__)
         lines.append(f"from .{source} import " + ", ".join(f"{name} as {name}" for name in names))
+        missing.difference_update(names)
+    if missing:
+        sys.exit(f"make_stubs.py: no module of SOURCES defines {', '.join(sorted(missing))}")
     lines.append("from ._brenvolt import __version__ as __version__")
     for name, kind in _automation.enumerations().items():
         lines += ["", f"class {name}(enum.IntEnum):", f'    """{kind.__doc__}"""']

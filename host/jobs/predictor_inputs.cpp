@@ -110,15 +110,17 @@ void PredictorInputs::TakeSaved(const DesignText& saved) const {
   }
 }
 
-void PredictorInputs::TakeGiven(const HandInputs& inputs) const {
+std::vector<std::string> PredictorInputs::TakeGiven(const HandInputs& inputs, bool areAll) const {
   JobFaults faults;
   HandInputs file;
   file.fromFile = inputs.fromFile;
   const std::vector<std::string> inFile = file.Read(nullptr, faults).Names();
   const DesignText given = inputs.Read(&names_, faults);
+  std::vector<std::string> unread;
   for (const NotedVariable& variable : given.variables) {
-    const std::size_t place = PlaceOf(variable.name, names_);
-    if (place < names_.size() || std::ranges::find(inFile, variable.name) != inFile.end()) continue;
+    if (PlaceOf(variable.name, names_) < names_.size()) continue;
+    unread.push_back(variable.name);
+    if (areAll || std::ranges::find(inFile, variable.name) != inFile.end()) continue;
     faults.push_back({"designed", "no predictor called " + Quoted(variable.name) + "; the predictors are " +
                                       Listed(names_)});
   }
@@ -127,6 +129,7 @@ void PredictorInputs::TakeGiven(const HandInputs& inputs) const {
     const std::size_t place = PlaceOf(variable.name, names_);
     if (place < names_.size()) Put(place, brenvolt::SpecificationOf(variable.distribution));
   }
+  return unread;
 }
 
 void PredictorInputs::Correlate(bool asColumns, const Table& matrix,

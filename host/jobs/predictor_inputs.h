@@ -24,8 +24,9 @@ class PredictorInputs {
   // Of the variables that are predictors. One that is drawn from its categories stays so; what is truncated to the range
   // that a model declares stays within it unless the saved distribution has bounds of its own.
   void TakeSaved(const DesignText& saved) const;
-  // Throws WrongJob for a variable that is no predictor. A text file may hold more than the models read.
-  void TakeGiven(const HandInputs& inputs) const;
+  // Returns the variables that no model reads, which are passed over: a text file may hold more, and so may inputs that
+  // are all there is, without data. Throws WrongJob for another one, which is meant to replace a predictor's column.
+  std::vector<std::string> TakeGiven(const HandInputs& inputs, bool areAll) const;
   // Correlates the predictors as their columns are, as a matrix has it where there is one, and over these as pairs say.
   // Pairs of which one is no predictor are passed over.
   void Correlate(bool asColumns, const Table& matrix, const std::vector<NotedCorrelation>& pairs) const;

@@ -95,7 +95,7 @@ class Profiler {
         takesSaved ? SavedDistributions(session_.Interface(), input.sheet) : DesignText();
     if (job_.fitBest) FitBest();
     inputs_.TakeSaved(saved);
-    inputs_.TakeGiven(job_.inputs);
+    unread_ = inputs_.TakeGiven(job_.inputs, input.sheet.VariableCount() == 0);
     Correlate(!saved.variables.empty(), input, recorder);
     SpecifyPredictors(input.sheet);
     RequireRandom();
@@ -108,6 +108,8 @@ class Profiler {
   const std::vector<std::string>& Notes() const { return notes_; }
 
   const PredictorInputs& Predictors() const { return inputs_; }
+  // The variables given by hand that are no predictors.
+  const std::vector<std::string>& Unread() const { return unread_; }
 
   const RunBatches& Batches() const { return batches_; }
   // The runs of the next simulation.
@@ -344,6 +346,7 @@ class Profiler {
   AnalysisSession& session_;
   std::shared_ptr<AutomationObject> dialog_;
   std::vector<std::string> predictors_;
+  std::vector<std::string> unread_;
   std::vector<std::string> responses_;
   std::vector<std::string> notes_;
   PredictorInputs inputs_{session_, predictors_};
@@ -411,6 +414,13 @@ std::string WriteSimulated(const std::filesystem::path& path, const Table& simul
   return {};
 }
 
+void NoteUnread(const std::vector<std::string>& unread, ProfileResults& results) {
+  if (unread.empty()) return;
+  std::string note = "Variables that nothing reads are left out: ";
+  for (const std::string& name : unread) note += (name == unread.front() ? "" : ", ") + name;
+  results.notes.push_back(note + ".");
+}
+
 // The tables of the runs that the dialog has simulated.
 void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, ProfileFindings& found,
                  SharedGraphs& shared) {
@@ -428,6 +438,7 @@ void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, Pr
   }
   if (simulated.tables.size() > 1) TakeUnpredicted(*simulated.tables[1], results);
   RequirePredictions(results);
+  NoteUnread(profiler.Unread(), results);
   if (shared.profiles) TakeProfiles(*shared.profiles, found.simulated->Table(), results);
 }
 

@@ -49,6 +49,7 @@ def _parts(source, correlations):
     """What a Design holds as it is given by hand, its correlations before those given; any other source as it is."""
     if not isinstance(source, Design):
         return source, correlations
+    correlations = _framed(correlations)
     if correlations is None or isinstance(correlations, Mapping):
         given = dict(correlations or {})
         changed = {frozenset(pair) for pair in given if isinstance(pair, tuple)}
@@ -97,9 +98,22 @@ def _square(matrix, what, names=None):
     return sheet
 
 
+def _framed(rows):
+    """Correlations {name: {name: number}} as a square table; in any other form as they are."""
+    if not isinstance(rows, Mapping) or not any(isinstance(row, Mapping) for row in rows.values()):
+        return rows
+    import pandas
+
+    if not all(isinstance(row, Mapping) for row in rows.values()):
+        raise ValueError("correlations must be pairs {(first, second): number} or rows {name: {name: number}}, not both")
+    names = list(rows)
+    return pandas.DataFrame([[rows[a].get(b) for b in names] for a in names], index=names, columns=names)
+
+
 def _enter(job, variables, correlations=None, from_file=None):
     """Enters in a job what is given by hand."""
     job.designed = _variables(variables)
+    correlations = _framed(correlations)
     if isinstance(correlations, Mapping):
         job.correlations = _pairs(correlations, "correlations")
     elif hasattr(correlations, "shape"):

@@ -435,17 +435,17 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
     matrix: the correlations that samples follow: a square DataFrame, a matrix Spreadsheet, or the name of a matrix
     sheet or file; without, the correlations that belong to the fits.
-    correlations: of what is given by hand: {(first, second): number}, a square DataFrame, or an array in the order of the
-    variables; pairs that nothing is said about are not correlated.
+    correlations: of what is given by hand: {(first, second): number}, a square DataFrame or {name: {name: number}}, or an
+    array in the order of the variables; pairs that nothing is said about are not correlated.
     from_file: a text file of variables and correlations, in place of a source or before its variables.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
     plot: picture, as for fit(); plot_kind: "overview" (as without), "histogram", "box-plot", or "scatter-matrix" with the
     correlations asked for and reached.
 
     Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
-    "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman") those of
-    each pair; "repaired_matrix", which took the place of the correlations asked for where they contradict each other, as
-    {name: {name: number}}, or None; "cautions", what speaks against simulating the best fits, as
+    "truncate"; "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman")
+    those of each pair as {name: {name: number}}; "repaired_matrix", which took the place of the correlations asked for where
+    they contradict each other, in the same form, or None; "cautions", what speaks against simulating the best fits, as
     FittedVariable.cautions does; and "notes", what else to know about the samples.
     """
     source, correlations = _design._parts(source, correlations)
@@ -467,9 +467,18 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
     simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept)
     frame = simulated.to_pandas()
-    frame.attrs.update(seed=seed, cautions=cautions, method=method, distributions=drawn, correlations=pairs,
-                       repaired_matrix=repaired, notes=notes)
+    frame.attrs.update(seed=seed, cautions=cautions, method=method, truncate=truncate, distributions=drawn,
+                       correlations={kind: _by_name(one) for kind, one in pairs.items()}, repaired_matrix=repaired,
+                       notes=notes)
     return frame
+
+
+def _by_name(pairs):
+    """The numbers of pairs as {name: {name: number}}, each both ways and with 1 for a name itself."""
+    square = {name: {name: 1.0} for pair in pairs for name in pair}
+    for (first, second), value in pairs.items():
+        square[first][second] = square[second][first] = value
+    return square
 
 
 def _is_design(source):
@@ -521,9 +530,10 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     its notation ("triangular(100, 180, 120) in [, 170]"), or a Design, with its correlations.
     models: PMML files; formulas: "RESPONSE = EXPRESSION", in place of a model of the response.
     function: of columns of runs, which it takes as NumPy arrays, in blocks: those of the inputs that its parameters are called
-    after, or as its only argument of another name a dictionary of all. It gives an array of as many numbers; for several
-    responses, whose names `responses` lists, a mapping or a list of arrays. Without, the response is called after the
-    function. What it raises, and what is no number, ends the profile with an Error that names the block.
+    after, or as its only argument of another name a dictionary of all; as `*arguments`, and of a ufunc, all in their order. It
+    gives an array of as many numbers; for several responses, whose names `responses` lists, a mapping or a list of arrays.
+    Without, the response is called after the function, or "y", or "response" where an input is called so. What it
+    raises, and what is no number, ends the profile with an Error that names the block.
     samples: runs, 100 or more; 5000 without. Of more than 100000, ProfileResult.samples has the first ones. seed: 1 or more; the same seed gives the same runs. Without, one is drawn;
     ProfileResult.seed tells it.
     correlated: correlates the predictors as the matrix saved with their distributions has it, else as their columns are;

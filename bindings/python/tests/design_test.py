@@ -131,10 +131,12 @@ class Designs(Folder):
         attrs = samples.attrs
         self.assertEqual((attrs["method"], attrs["seed"]), ("iman-conover", 3))
         self.assertEqual(attrs["distributions"]["cost"], "triangular(min=100, max=180, mode=120) in [, 170]")
-        self.assertEqual(attrs["correlations"]["asked"], wanted)
+        self.assertEqual({pair: attrs["correlations"]["asked"][pair[0]][pair[1]] for pair in wanted}, wanted)
+        self.assertEqual(json.loads(json.dumps(attrs)), attrs)
+        self.assertIs(attrs["truncate"], False)
         repaired = pandas.DataFrame(attrs["repaired_matrix"])
         self.assertGreater(numpy.linalg.eigvalsh(repaired).min(), -1e-12)
-        self.assertAlmostEqual(attrs["correlations"]["pearson"]["h", "cost"], samples.corr().loc["h", "cost"], places=12)
+        self.assertAlmostEqual(attrs["correlations"]["pearson"]["cost"]["h"], samples.corr().loc["h", "cost"], places=12)
         again = brenvolt.simulate(attrs["distributions"], 2000, attrs["method"], seed=attrs["seed"],
                                   correlations=attrs["correlations"]["asked"])
         self.assertTrue(again.equals(samples))
@@ -368,6 +370,28 @@ class Profiles(Folder):
         with self.assertRaisesRegex(ValueError, "cannot be recorded"), brenvolt.record("m.py"):
             brenvolt.profile(y, inputs)
 
+    def test_a_response_without_a_name_gets_one_that_no_input_has(self):
+        inputs = {"x": Normal(0, 1), "y": Normal(0, 1)}
+        for function, name, count in ((lambda x, y: x + y, "response", 2), (lambda x: 2 * x, "y", 1),
+                                      (lambda *all_: all_[0] - all_[1], "response", 2), (numpy.add, "add", 2)):
+            result = brenvolt.profile(function, inputs, samples=500, seed=1)
+            self.assertEqual((list(result.responses), len(result.predictors)), ([name], count))
+        self.assertTrue((result.samples["add"] == result.samples["x"] + result.samples["y"]).all())
+        sines = brenvolt.profile(numpy.sin, {"x": Normal(0, 1)}, samples=500, seed=1).samples
+        self.assertTrue((sines["sin"] == numpy.sin(sines["x"])).all())
+
+    def test_variables_that_nothing_reads_are_left_out_with_a_note(self):
+        inputs = {"x": Normal(0, 1), "unused": Poisson(3), "z": Normal(0, 1)}
+        expected = brenvolt.profile({name: inputs[name] for name in "xz"}, formulas="y = x + z", samples=500, seed=1)
+        note = "Variables that nothing reads are left out: unused."
+        for arguments in ((inputs, None, "y = x + z"), (lambda x, z: x + z, inputs)):
+            result = brenvolt.profile(*arguments, samples=500, seed=1)
+            self.assertEqual(result.notes, [*expected.notes, note])
+            self.assertTrue(result.samples.equals(expected.samples))
+        self.assertNotIn(note, expected.notes)
+        with self.assertRaisesRegex((ValueError, brenvolt.Error), "no predictor called 'q'; the predictors are eruptions"):
+            brenvolt.profile(os.path.join(EXAMPLES, "faithful.csv"), formulas="y = eruptions", variables={"q": Poisson(3)})
+
     def test_what_a_function_gets_wrong_is_said_with_its_block(self):
         inputs = {"x": Normal(0, 1)}
 
@@ -389,7 +413,22 @@ class Profiles(Folder):
         with self.assertRaisesRegex(brenvolt.Error, "runs 80001 to 145536|runs 100001 to|runs 75001 to"):
             calls = []
             brenvolt.profile(lambda x: x if not calls.append(1) and len(calls) < 3 else x[1:], inputs, samples=150000, seed=1)
-        for function, message in ((lambda a, b: a, "takes a, b, which no input is called; the inputs are x"),
+        for responses, message in (([], "one response or more"), (["a", "b", "a"], "names 'a' twice"),
+                                   ("x", "the response 'x' is an input of the function as well")):
+            with self.assertRaisesRegex(ValueError, message):
+                brenvolt.profile(lambda x: x, inputs, responses=responses)
+
+        class Silent(Exception):
+            def __str__(self):
+                raise RuntimeError("no text")
+
+        def silent(x):
+            raise Silent
+
+        with self.assertRaisesRegex(brenvolt.Error, "the function failed with Silent .silent, runs 1 to 500"):
+            brenvolt.profile(silent, inputs, samples=500, seed=1)
+        for function, message in ((numpy.add, "add takes 2 inputs, in their order; the inputs are x"),
+                                  (lambda a, b: a, "takes a, b, which no input is called; the inputs are x"),
                                   (lambda: 1, "takes no parameters")):
             with self.assertRaisesRegex(ValueError, message):
                 brenvolt.profile(function, inputs)
@@ -400,7 +439,7 @@ class Profiles(Folder):
 
     def test_refused_profiles_are_refused_alike(self):
         x = {"x": "normal(0, 1)"}
-        cases = (({"variables": {"q": "normal(0, 1)"}}, "no predictor called 'q'; the predictors are x, n (variables)"),
+        cases = (({"variables": {"q": "normal(0, 1)"}}, "give it a distribution, or fix it at a value"),
                  ({"variables": {"x": "normal(0, -1)"}}, "(variables)"),
                  ({"variables": x, "correlations": {("x", "q"): 0.5}}, "no variable is called 'q' (correlations)"),
                  ({"variables": {**x, "n": "poisson(3)"}, "noise_correlations": {("y", "z"): 0.5}}, "(noise_correlations)"),

@@ -15,6 +15,9 @@ namespace {
 
 constexpr std::string_view kCorrelationWord = "correlation";
 constexpr const char* kForm = "expected FIRST,SECOND=NUMBER";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+// A file of another kind has a fault in every line, of which these tell enough.
+constexpr std::size_t kMostFaultsOfFile = 10;
 
 bool Contains(const std::vector<std::string>& names, const std::string& name) {
   return std::ranges::find(names, name) != names.end();
@@ -57,14 +60,24 @@ void Place(const std::filesystem::path& file, std::size_t line, JobFaults& fault
     faults[i].message = file.string() + ", line " + std::to_string(line) + ": " + faults[i].message;
 }
 
+void Shorten(const std::filesystem::path& file, std::size_t from, JobFaults& faults) {
+  const std::size_t most = from + kMostFaultsOfFile;
+  if (faults.size() <= most) return;
+  const std::size_t more = faults.size() - most;
+  faults.resize(most);
+  faults.push_back({"from", file.string() + ": and " + std::to_string(more) + " more"});
+}
+
 NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::string>& known) {
   const std::size_t equals = text.rfind('=');
   const auto value =
       equals == std::string_view::npos ? std::nullopt : ParseNumber(Trim(text.substr(equals + 1)));
   if (!value) throw Error(std::string(kForm) + ", got " + Quoted(text));
-  if (!(std::abs(*value) <= 1))
-    throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(*value));
   const std::string_view pair = text.substr(0, equals);
+  if (!(std::abs(*value) <= 1)) {
+    throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(*value) + " for " +
+                std::string(Trim(pair)));
+  }
   NotedCorrelation first{.first = {}, .second = {}, .value = *value};
   for (std::size_t comma = pair.find(','); comma != std::string_view::npos;
        comma = pair.find(',', comma + 1)) {
@@ -146,9 +159,11 @@ void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::st
     std::size_t number;
     std::string text;
   };
+  const std::size_t former = faults.size();
   std::vector<Line> correlations;
   std::string line;
   for (std::size_t number = 1; std::getline(stream, line); ++number) {
+    if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
     const std::string_view text = Trim(std::string_view(line).substr(0, line.find_last_not_of('\r') + 1));
     if (text.empty() || text.front() == '#') continue;
     if (const auto correlation = CorrelationIn(text)) {
@@ -165,6 +180,7 @@ void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::st
     AddCorrelation("fromFile", correlation.text, others, design, faults);
     Place(file, correlation.number, faults, before);
   }
+  Shorten(file, former, faults);
 }
 
 std::string TextOf(const DesignText& design) {

@@ -14,9 +14,10 @@ const std::vector<std::string> kNoOthers;
 TEST(DesignText, FileReadsBackAsItIsWritten) {
   const TemporaryFolder folder;
   const auto file = folder.Path() / "plan.txt";
-  std::ofstream(file) << "# A stack of parts\r\n\n  h ~ normal(50.2, 0.05)  \r\ncorrelation h, a,b = 0.4\n"
-                         "a,b ~ triangular(1, 3, 2) in [1.5,]\ncorrelation ~ poisson(3)\n"
-                         "correlation correlation,h=-0.25";
+  std::ofstream(file)
+      << "\xEF\xBB\xBF# A stack of parts\r\n\n  h ~ normal(50.2, 0.05)  \r\ncorrelation h, a,b = 0.4\n"
+         "a,b ~ triangular(1, 3, 2) in [1.5,]\ncorrelation ~ poisson(3)\n"
+         "correlation correlation,h=-0.25";
   DesignText design;
   JobFaults faults;
   ReadDesignFile(file, &kNoOthers, design, faults);
@@ -43,7 +44,7 @@ TEST(DesignText, EveryFaultIsNamedWithItsLine) {
       {"height normal(1, 1)", 1, "expected a name, '~' and a distribution"},
       {"height ~ normal(1, 1)\na ~ poisson(2)\ncorrelation hieght, a = 0.5", 3,
        "no variable is called 'hieght'; did you mean height?"},
-      {"h ~ normal(1, 1)\na ~ poisson(2)\ncorrelation h, a = 1.5", 3, "between -1 and 1, got 1.5"},
+      {"h ~ normal(1, 1)\na ~ poisson(2)\ncorrelation h, a = 1.5", 3, "between -1 and 1, got 1.5 for h, a"},
       {"h ~ normal(1, 1)\na ~ poisson(2)\ncorrelation h, a", 3, "expected FIRST,SECOND=NUMBER"},
       {"h ~ normal(1, 1)\na ~ poisson(2)\ncorrelation h = 0.2", 3, "expected FIRST,SECOND=NUMBER"},
       {"h ~ normal(1, 1)\ncorrelation h, h = 1", 2, "a variable is correlated with itself by 1"},
@@ -61,6 +62,20 @@ TEST(DesignText, EveryFaultIsNamedWithItsLine) {
         << faults[0].message;
     EXPECT_NE(faults[0].message.find(row.message), std::string::npos) << faults[0].message;
   }
+}
+
+TEST(DesignText, FileOfAnotherKindIsToldInTenLines) {
+  const TemporaryFolder folder;
+  const auto file = folder.Path() / "data.csv";
+  std::ofstream stream(file);
+  for (int row = 0; row < 25; ++row) stream << row << ",1\n";
+  stream.close();
+  DesignText design;
+  JobFaults faults;
+  ReadDesignFile(file, &kNoOthers, design, faults);
+  ASSERT_EQ(faults.size(), 11U);
+  EXPECT_NE(faults[9].message.find("line 10: "), std::string::npos) << faults[9].message;
+  EXPECT_TRUE(faults[10].message.ends_with("data.csv: and 15 more")) << faults[10].message;
 }
 
 }  // namespace
