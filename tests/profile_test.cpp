@@ -672,7 +672,8 @@ TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {
   Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\nmid,FALSE\nodd,TRUE\nmid,TRUE\n");
   const Outcome outcome = Run({"profile", "grades.csv", "--model", "grades.pmml", "--seed", "3"});
   EXPECT_EQ(outcome.status, 0) << outcome.err;
-  const std::string note = "Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)";
+  const std::string note =
+      "Cases of grade whose class is unknown to every model are left out: mid (2), odd (1)";
   EXPECT_NE(outcome.err.find(note), std::string::npos) << outcome.err;
   EXPECT_NE(outcome.out.find("\n  " + note + "\n"), std::string::npos) << outcome.out;
   const Outcome reported =

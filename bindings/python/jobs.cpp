@@ -185,7 +185,8 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, con
   std::shared_ptr<AnalysisRef> analysis;
   SimulationFindings found;
   job.keepsSamples = true;
-  const Sheet& follows = matrix == nullptr && InducesCorrelation(job.method) ? kept : matrix;
+  const bool followsFits = matrix == nullptr && job.matrix.empty() && InducesCorrelation(job.method);
+  const Sheet& follows = followsFits ? kept : matrix;
   if (follows != nullptr) job.givenMatrix = DocumentOf(follows);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),

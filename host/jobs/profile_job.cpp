@@ -227,7 +227,7 @@ class Profiler {
     if (predictors_.size() < 2) {
       throw WrongJob(job_.correlated ? "correlated"
                      : isGiven       ? "matrix"
-                                     : "correlation",
+                                     : "correlations",
                      "a single predictor has nothing to be correlated with");
     }
     Table matrix = job_.givenMatrix;

@@ -140,7 +140,7 @@ REFUSED_INPUTS = (
     ({"h": "normal(1)"}, {}, "scale is missing; normal takes location, scale"),
     ({"h": "normal(nan, 1)"}, {}, "expected a finite number for location, got 'nan'"),
     ({"": NORMAL}, {}, "expected the name of a variable before '~'"),
-    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 1.01}, "a correlation lies between -1 and 1, got 1.01 (correlations)"),
+    ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 1.01}, "a correlation lies between -1 and 1, got 1.01 for h,c (correlations)"),
     ({"h": NORMAL, "c": NORMAL}, {("h", "c"): 0.1, ("c", "h"): 0.2}, "correlation of c and h is given twice (correlations)"),
     ({"h": NORMAL, "c": NORMAL}, {("h", "h"): 0.5}, "a variable is correlated with itself by 1"),
     ({"h": NORMAL, "c": NORMAL}, {("h", "cc"): 0.5}, "no variable is called 'cc'; did you mean c? (correlations)"),
@@ -288,7 +288,7 @@ class SameCalls(unittest.TestCase):
                     self.assertFalse(os.path.exists("p.bvw") or os.path.exists("s.csv"))
 
     def test_a_design_has_a_project_in_a_folder_that_exists(self):
-        for project in ("none/p.bvw", "p.csv", ""):
+        for project in ("none/p.bvw", "p.csv"):
             refused = self.refused_by_command("design", "-o", project, "--variable", f"h ~ {NORMAL}")
             self.assertEqual((refused[0], len(refused[1])), (2, 1))
             python = self.refused_by_python(lambda: brenvolt.design(project, {"h": NORMAL}))
