@@ -209,8 +209,8 @@ class Profiler {
     }
   }
 
-  // Those of the predictors: as their columns, or as the matrix that belongs to the distributions saved with these; then
-  // what a person gives.
+  // Those of the predictors: as their columns, or as the matrix that belongs to the distributions saved with these, which a
+  // design without cases follows unasked; then what a person gives.
   void Correlate(bool drawsSaved, const JobInput& input, JobRecorder& recorder) {
     JobFaults faults;
     std::vector<NotedCorrelation> given = job_.inputs.Read(&predictors_, faults).correlations;
@@ -223,7 +223,11 @@ class Profiler {
     });
     const std::string& name = job_.inputs.matrix;
     const bool isGiven = !name.empty() || job_.givenMatrix != nullptr;
-    if (!job_.correlated && !isGiven && given.empty()) return;
+    std::vector<NotedCorrelation> pairs;
+    const bool isDesign = input.sheet.CaseCount() == 0 && !isGiven && predictors_.size() > 1;
+    if (drawsSaved && (job_.correlated || isDesign)) pairs = PairsOf(MatrixFor({}, input).get());
+    const auto isCorrelated = [](const NotedCorrelation& pair) { return pair.value != 0; };
+    if (!job_.correlated && !isGiven && given.empty() && std::ranges::none_of(pairs, isCorrelated)) return;
     if (predictors_.size() < 2) {
       throw WrongJob(job_.correlated ? "correlated"
                      : isGiven       ? "matrix"
@@ -232,8 +236,6 @@ class Profiler {
     }
     Table matrix = job_.givenMatrix;
     if (!name.empty()) matrix = RecordedMatrix(name, MatrixFor(name, input), input, recorder);
-    std::vector<NotedCorrelation> pairs;
-    if (job_.correlated && drawsSaved) pairs = PairsOf(MatrixFor({}, input).get());
     pairs.insert(pairs.end(), given.begin(), given.end());
     inputs_.Correlate(job_.correlated, matrix, pairs);
   }

@@ -260,6 +260,10 @@ class Profiles(Folder):
                                     "--spec", "gap=0.3,,0.7", "--format", "json"))
         result = brenvolt.profile(from_file=file, **how)
         self.compare(report, result)
+        brenvolt.design("stack.bvw", from_file=file)
+        designed = brenvolt.profile("stack.bvw", **how)
+        self.assertEqual((designed.predictors, designed.correlations), (result.predictors, result.correlations))
+        self.assertTrue(designed.samples.equals(result.samples))
         self.assertEqual(result.correlations, {("a", "b"): 0.6})
         statistics = result.responses["gap"].statistics
         variance = 0.04**2 + 2 * 0.02**2 * 1.6 + 0.1**2 / 6 + (0.001 * 24) ** 2
@@ -270,7 +274,6 @@ class Profiles(Folder):
         brenvolt.design("stack.bvw", from_file=file)
         for data, options in (("stack.bvw", {"correlated": True}), (None, {"from_file": file})):
             self.assertTrue(brenvolt.profile(data, **options, **how).samples.equals(result.samples), data)
-        self.assertEqual(brenvolt.profile("stack.bvw", **how).correlations, {})
 
     def test_profiles_draw_the_saved_fits(self):
         data = Weibull(80, 1.5).ppf((numpy.arange(500) + 0.5) / 500)
