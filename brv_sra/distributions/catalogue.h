@@ -13,7 +13,7 @@
 
 #include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/specification.h"
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 
 namespace brenvolt::sra {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/base/almost_equal.h"
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 
 namespace brenvolt::sra {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "host/controls/dialog_template.h"
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 
 namespace brenvolt::sra {
 

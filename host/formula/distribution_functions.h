@@ -1,5 +1,5 @@
 // The functions of formulas that belong to distributions. Functions and parameters:
-// host/numeric/distributions/shared/distribution.h. Invalid parameters and probabilities give missing values.
+// host/numeric/distributions/common/distribution.h. Invalid parameters and probabilities give missing values.
 //
 // Every type has three functions named after it, such as NormalDensity(x, location, scale), NormalCdf(x,
 // location, scale), NormalQuantile(p, location, scale). A threshold comes last and may be left out:

@@ -17,7 +17,7 @@
 
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 
 namespace brenvolt {
 

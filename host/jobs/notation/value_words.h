@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 
 namespace brenvolt {
 

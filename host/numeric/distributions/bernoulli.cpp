@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/discrete_estimators.h"
 
 namespace brenvolt {

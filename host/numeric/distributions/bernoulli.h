@@ -1,7 +1,7 @@
 // The Bernoulli distribution: 1 with probability `proportion`, otherwise 0.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

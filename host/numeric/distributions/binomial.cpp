@@ -6,9 +6,9 @@
 #include <algorithm>
 #include <boost/math/quadrature/gauss.hpp>
 
-#include "host/numeric/distributions/shared/count_memo.h"
-#include "host/numeric/distributions/shared/distribution_forms.h"
-#include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/distributions/common/count_memo.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
+#include "host/numeric/distributions/common/quantile_search.h"
 #include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/special/saddle_point.h"

@@ -1,7 +1,7 @@
 // The binomial distribution: successes, each of probability `proportion`, in a number of trials.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

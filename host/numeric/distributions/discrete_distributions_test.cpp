@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "host/numeric/distributions/all_distributions.h"
-#include "host/numeric/distributions/shared/count_memo.h"
+#include "host/numeric/distributions/common/count_memo.h"
 #include "host/numeric/reference/distribution_references.h"
 
 namespace brenvolt {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

@@ -6,8 +6,8 @@
 #include <array>
 #include <boost/math/quadrature/gauss.hpp>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
-#include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
+#include "host/numeric/distributions/common/quantile_search.h"
 #include "host/numeric/estimation/folded_normal_estimator.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/exact_sums.h"

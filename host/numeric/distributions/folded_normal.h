@@ -1,7 +1,7 @@
 // The folded normal distribution: the magnitude of a normal variable, shifted by the threshold.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

@@ -6,8 +6,8 @@
 #include <array>
 #include <vector>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
-#include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
+#include "host/numeric/distributions/common/quantile_search.h"
 #include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"

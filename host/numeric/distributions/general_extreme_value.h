@@ -2,7 +2,7 @@
 // finite upper end; smooth through shape 0, the Gumbel distribution.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

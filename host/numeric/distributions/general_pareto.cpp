@@ -9,7 +9,7 @@
 #include <array>
 #include <cmath>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/gpd_estimators.h"
 #include "host/numeric/estimation/standard_errors.h"
 #include "host/numeric/special/log_one_plus.h"

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
-#include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
+#include "host/numeric/distributions/common/quantile_search.h"
 #include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 

@@ -2,7 +2,7 @@
 // It does not exist at proportion 0, where no success ever comes.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

@@ -5,7 +5,7 @@
 #include <boost/math/special_functions/erf.hpp>
 #include <numbers>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 
 namespace brenvolt {

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 

@@ -3,7 +3,7 @@
 
 #include <array>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/johnson_bounded_moments.h"
 #include "host/numeric/estimation/johnson_estimators.h"
 #include "host/numeric/special/exact_sums.h"

@@ -6,7 +6,7 @@
 #include <array>
 #include <string_view>
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

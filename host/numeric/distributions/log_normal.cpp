@@ -10,7 +10,7 @@
 #include <numbers>
 #include <vector>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 #include "host/numeric/vector/vector_formulas-inl.h"

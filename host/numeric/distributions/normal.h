@@ -1,7 +1,7 @@
 // The normal distribution: mean `location`, standard deviation `scale`.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

@@ -1,9 +1,9 @@
 // The Poisson distribution. P(N <= k) = Q(k + 1, mean), the regularised upper incomplete gamma function.
 #include "host/numeric/distributions/poisson.h"
 
-#include "host/numeric/distributions/shared/count_memo.h"
-#include "host/numeric/distributions/shared/distribution_forms.h"
-#include "host/numeric/distributions/shared/quantile_search.h"
+#include "host/numeric/distributions/common/count_memo.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
+#include "host/numeric/distributions/common/quantile_search.h"
 #include "host/numeric/estimation/discrete_estimators.h"
 #include "host/numeric/special/incomplete_gamma.h"
 #include "host/numeric/special/saddle_point.h"

@@ -1,7 +1,7 @@
 // The Poisson distribution of counts 0, 1, 2, …
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

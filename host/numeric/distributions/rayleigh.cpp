@@ -9,7 +9,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"
 #include "host/numeric/vector/vector_formulas-inl.h"

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/triangular_estimator.h"
 
 namespace brenvolt {

@@ -1,7 +1,7 @@
 // The triangular distribution: min <= mode <= max, min < max.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

@@ -8,7 +8,7 @@
 #include <array>
 #include <cmath>
 
-#include "host/numeric/distributions/shared/distribution_forms.h"
+#include "host/numeric/distributions/common/distribution_forms.h"
 #include "host/numeric/estimation/weibull_estimator.h"
 #include "host/numeric/special/gamma_moments.h"
 #include "host/numeric/vector/vector_extremes-inl.h"

@@ -1,7 +1,7 @@
 // The Weibull distribution: `scale` is the characteristic life.
 #pragma once
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 
 namespace brenvolt {
 

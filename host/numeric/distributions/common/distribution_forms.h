@@ -22,7 +22,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/shared/distribution.h"
+#include "host/numeric/distributions/common/distribution.h"
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/vector/vector_forms.h"
 

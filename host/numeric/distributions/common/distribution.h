@@ -25,7 +25,7 @@
 #include <span>
 #include <type_traits>
 
-#include "host/numeric/distributions/shared/distribution_facts.h"
+#include "host/numeric/distributions/common/distribution_facts.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 #include "host/numeric/vector/distribution_values.h"
 
