@@ -1,0 +1,78 @@
+// The window of Brenvolt. Exit status 0: closed; 1: no display, or what was asked for at the start failed; 2: the call
+// was wrong.
+#include <QApplication>
+#include <QIcon>
+#include <QTimer>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+
+#include "apps/desktop/base/text.h"
+#include "apps/desktop/desktop_options.h"
+#include "apps/desktop/workbench/main_window.h"
+#include "host/base/process/memory_policy.h"
+
+namespace {
+
+using brenvolt::desktop::MainWindow;
+using brenvolt::desktop::StartOptions;
+
+constexpr int kFailed = 1;
+constexpr const char* kPlatform = "QT_QPA_PLATFORM";
+
+// The toolkit ends the process by a signal where it finds no display; a person gets a sentence and a status instead.
+// Its other remarks are for programmers.
+void RefuseMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+  if (type != QtFatalMsg) return;
+  std::fprintf(
+      stderr,
+      "brenvolt-desktop: no display can be opened; start it in a graphical session, or use the command "
+      "brenvolt\n");
+  std::_Exit(kFailed);
+}
+
+void ReportFault(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+  if (type == QtCriticalMsg || type == QtFatalMsg)
+    std::fprintf(stderr, "brenvolt-desktop: %s\n", qPrintable(text));
+}
+
+// Carries out what the call asked for, and ends the program where a picture was all of it.
+void Begin(MainWindow& window, const StartOptions& options) {
+  const auto finish = [&window, options](bool succeeded) {
+    if (options.screenshot.empty()) return;
+    const bool saved = window.grab().save(brenvolt::desktop::ShownPath(options.screenshot), "PNG");
+    if (!saved)
+      std::fprintf(stderr, "brenvolt-desktop: the picture cannot be written (%s)\n",
+                   options.screenshot.c_str());
+    QCoreApplication::exit(saved && succeeded ? 0 : kFailed);
+  };
+  const bool opened = options.file.empty() || window.OpenFile(options.file);
+  if (options.macro.empty() || !opened) {
+    finish(opened);
+    return;
+  }
+  QObject::connect(&window, &MainWindow::macroEnded, &window, finish);
+  window.RunMacro(options.macro);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  brenvolt::ReturnLargeBlocksAtOnce();
+  int status = 0;
+  const auto options = brenvolt::desktop::ReadOptions(argc, argv, status);
+  if (!options) return status;
+  if (!options->screenshot.empty() && !qEnvironmentVariableIsSet(kPlatform)) qputenv(kPlatform, "offscreen");
+  qInstallMessageHandler(RefuseMissingDisplay);
+  QApplication application(argc, argv);
+  qInstallMessageHandler(ReportFault);
+  // Numbers in files are read and written as elsewhere, whatever the person's language.
+  std::setlocale(LC_NUMERIC, "C");
+  QCoreApplication::setApplicationName(QStringLiteral("Brenvolt"));
+  QApplication::setDesktopFileName(QStringLiteral("brenvolt-desktop"));
+  QApplication::setWindowIcon(QIcon(QStringLiteral(":/brenvolt.svg")));
+  MainWindow window;
+  window.show();
+  QTimer::singleShot(0, &window, [&window, &options] { Begin(window, *options); });
+  return QApplication::exec();
+}
