@@ -203,13 +203,17 @@ PartsIntervals NormalPartsIntervals(const CapabilityIndices& indices, std::int64
 
 CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
                                    double confidence) {
+  return AnalyseCapability(values, DescribeProcess(values), limits, confidence);
+}
+
+CapabilityReport AnalyseCapability(std::span<const double> values, const ProcessSample& sample,
+                                   const SpecificationLimits& limits, double confidence) {
   RequireValid(limits);
   if (!(confidence > 0 && confidence < 1)) {
     throw Error("the confidence must lie between 0 and 1", "process capability");
   }
   CapabilityReport report;
-  report.sample = DescribeProcess(values);
-  const ProcessSample& sample = report.sample;
+  report.sample = sample;
   const double overallDegrees = sample.count < 2 ? kNotSet : static_cast<double>(sample.count - 1);
   report.within = NormalIndices(sample.mean, sample.within, limits);
   report.overall = NormalIndices(sample.mean, sample.overall, limits);

@@ -2,8 +2,8 @@
 // formula with its source.
 //
 // Two estimates of the standard deviation are given (AIAG 2005, Statistical Process Control, 2nd
-// ed.): `within`, from the moving ranges of neighbouring values, for the indices whose names begin with C,
-// and `overall`, the sample standard deviation, for those that begin with P. Values that are simulated
+// ed.): `within`, from the moving ranges of neighbouring values or from subgroups, for the indices whose names begin with
+// C, and `overall`, the sample standard deviation, for those that begin with P. Values that are simulated
 // independently of each other have no drift, and both estimate the same; they differ if values are in the
 // order of time.
 //
@@ -25,10 +25,11 @@ namespace brenvolt {
 struct ProcessSample {
   std::int64_t count = 0;
   double mean = kNotSet;
-  double overall = kNotSet;        // divisor n - 1
-  double within = kNotSet;         // mean moving range of two / d2
+  double overall = kNotSet;  // divisor n - 1
+  double within = kNotSet;
   double withinDegrees = kNotSet;  // its effective degrees of freedom
 };
+// The deviation within is the mean moving range of two / d2.
 ProcessSample DescribeProcess(std::span<const double> values);
 
 // The indices from one deviation. `lower` and `upper` are those of one limit (Cpl, Cpu), `least` the smaller
@@ -102,6 +103,9 @@ struct CapabilityReport {
 // lie in (0, 1).
 CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
                                    double confidence = 0.95);
+// The same with the deviations that `sample` has, of which the one within may be that of subgroups (subgroups.h).
+CapabilityReport AnalyseCapability(std::span<const double> values, const ProcessSample& sample,
+                                   const SpecificationLimits& limits, double confidence);
 
 // A fitted distribution, from which the indices of a process that is not normal are taken.
 struct ProcessDistribution {
