@@ -8,6 +8,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/design_report.h"
 #include "apps/cli/profile_report.h"
+#include "apps/cli/specification_option.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/analysis/run_bounds.h"
@@ -23,19 +24,6 @@ struct ProfileCall {
   std::filesystem::path record;
   ReportFormat format = ReportFormat::kTable;
 };
-
-// The numbers between the commas of a list, which must be as many as in its form. A number may be left out.
-std::vector<std::optional<double>> NumbersIn(const std::string& field, const std::string& form,
-                                             const std::string& text, const std::string& numbers,
-                                             std::size_t count) {
-  std::vector<std::optional<double>> values;
-  for (const std::string& part : SplitAtCommas(numbers)) {
-    const std::string number(Trim(part));
-    values.push_back(number.empty() ? std::nullopt : std::optional(NumberIn(field, number)));
-  }
-  if (values.size() != count) RefuseEntry(field, form, text);
-  return values;
-}
 
 // As the words stand.
 std::filesystem::path ParseModel(const std::string& text) {
@@ -64,13 +52,7 @@ ProfileJob::Fixed ParseFixed(const std::string& text) {
 }
 
 ProfileJob::Specification ParseSpecification(const std::string& text) {
-  constexpr const char* kForm = "RESPONSE=LSL,TARGET,USL, each of which may be empty";
-  const auto [response, numbers] = SplitEntry("specifications", kForm, text);
-  const auto values = NumbersIn("specifications", kForm, text, numbers, 3);
-  SpecificationLimits limits;
-  limits.lower = values[0].value_or(limits.lower);
-  limits.target = values[1].value_or(limits.target);
-  limits.upper = values[2].value_or(limits.upper);
+  const auto [response, limits] = SpecificationIn(text);
   return {response, limits};
 }
 

@@ -208,16 +208,7 @@ void FitJob::ApplyCaseOptions(Spreadsheet& sheet) const {
   if (weights && !weights->empty())
     sheet.SetWeightVariable(
         static_cast<std::size_t>(NumbersOf(sheet, {&*weights, 1}, "weights").front() - 1));
-  if (select && select->empty()) sheet.SetSelection({});
-  if (!select || select->empty()) return;
-  try {
-    ApplySelection(sheet, *select);
-  } catch (const Error& error) {
-    throw WrongJob("select", error.Where() + ": " + error.what());
-  }
-  const auto& accepted = sheet.Selection().accepted;
-  if (!accepted.empty() && std::ranges::count(accepted, 0) == std::ssize(accepted))
-    throw WrongJob("select", "no case meets the condition " + Quoted(*select));
+  if (select) SelectCases(sheet, *select);
 }
 
 // Bounds between which the distribution to simulate has no values would be found by the simulation only.

@@ -9,6 +9,7 @@
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/specification_check.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/profile_plots.h"
 
@@ -34,21 +35,6 @@ void CheckFormula(const std::string& text, std::vector<std::string>& responses, 
   }
 }
 
-void CheckLimits(const ProfileJob::Specification& specification, JobFaults& faults) {
-  const SpecificationLimits& limits = specification.limits;
-  if (limits.IsValid()) return;
-  const std::string response = Quoted(specification.response) + ": ";
-  if (!limits.HasLower() && !limits.HasUpper()) {
-    faults.push_back({"specifications", response + "expected a lower or an upper limit"});
-  } else if (limits.lower >= limits.upper) {
-    faults.push_back({"specifications", response + "the lower limit must be less than the upper one"});
-  } else if (limits.target < limits.lower || limits.target > limits.upper) {
-    faults.push_back({"specifications", response + "the target lies outside the limits"});
-  } else {
-    faults.push_back({"specifications", response + "expected finite numbers"});
-  }
-}
-
 // Each response or predictor once.
 template <class Entries, class Name>
 void CheckEachOnce(std::string_view field, const Entries& entries, Name name, JobFaults& faults) {
@@ -63,7 +49,8 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
     if (one.standardDeviation < 0)
       faults.push_back({"noise", Quoted(one.response) + ": the standard deviation must not be less than 0"});
   }
-  for (const ProfileJob::Specification& one : job.specifications) CheckLimits(one, faults);
+  for (const ProfileJob::Specification& one : job.specifications)
+    CheckLimits(one.response, one.limits, faults);
   for (const ProfileJob::Fixed& one : job.fixed) {
     if (const double* number = std::get_if<double>(&one.value)) {
       CheckNumber("fixed", *number, faults, one.predictor);

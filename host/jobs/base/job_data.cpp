@@ -1,9 +1,11 @@
 #include "host/jobs/base/job_data.h"
 
+#include <algorithm>
 #include <limits>
 #include <random>
 #include <utility>
 
+#include "host/base/quoted.h"
 #include "host/jobs/base/project_files.h"
 
 namespace brenvolt {
@@ -28,6 +30,21 @@ AnalysisSession& Start(const JobInput& input, const JobData& data) {
   AnalysisSession& session = input.start();
   session.Interface().AnswerQuestions(data.yes);
   return session;
+}
+
+void SelectCases(Spreadsheet& sheet, const std::string& select) {
+  if (select.empty()) {
+    sheet.SetSelection({});
+    return;
+  }
+  try {
+    ApplySelection(sheet, select);
+  } catch (const Error& error) {
+    throw WrongJob("select", error.Where() + ": " + error.what());
+  }
+  const auto& accepted = sheet.Selection().accepted;
+  if (!accepted.empty() && std::ranges::count(accepted, 0) == std::ssize(accepted))
+    throw WrongJob("select", "no case meets the condition " + Quoted(select));
 }
 
 FormerConditions::~FormerConditions() {

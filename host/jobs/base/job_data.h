@@ -51,6 +51,10 @@ DataFile OpenJobData(const JobData& data);
 // Starts the analysis of a job.
 AnalysisSession& Start(const JobInput& input, const JobData& data);
 
+// Limits the cases to those that meet a condition, or to none if it is empty. Throws WrongJob about the field select for a
+// condition that is wrong or that no case meets.
+void SelectCases(Spreadsheet& sheet, const std::string& select);
+
 // What limits and weighs the cases of a sheet, put back as it was at the end of the scope.
 class FormerConditions {
  public:
