@@ -53,6 +53,7 @@ ROOMS = (
     Room("host/jobs/base", "host/application", "third-party"),
     Room("host/jobs/notation", "host/jobs/base", "third-party"),
     Room("host/jobs", "host/jobs/notation", "third-party"),
+    Room("host/jobs/measured", "host/jobs", "third-party"),
     Room("host/drawing", "host/graphs", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.

@@ -11,6 +11,7 @@ void AddDesignCommand(CLI::App& program);
 void AddSimulateCommand(CLI::App& program);
 void AddProfileCommand(CLI::App& program);
 void AddScoreCommand(CLI::App& program);
+void AddCapabilityCommand(CLI::App& program);
 void AddShowCommand(CLI::App& program);
 void AddImportCommand(CLI::App& program);
 void AddExportCommand(CLI::App& program);

@@ -104,6 +104,7 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddSimulateCommand(program);
   brenvolt::cli::AddProfileCommand(program);
   brenvolt::cli::AddScoreCommand(program);
+  brenvolt::cli::AddCapabilityCommand(program);
   brenvolt::cli::AddShowCommand(program);
   brenvolt::cli::AddImportCommand(program);
   brenvolt::cli::AddExportCommand(program);

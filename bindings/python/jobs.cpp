@@ -17,6 +17,7 @@
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "bindings/python/variants.h"
+#include "host/application/json_text.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/jobs/base/dialog_words.h"
@@ -26,6 +27,7 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_results.h"
+#include "host/jobs/measured/capability_job.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
@@ -116,6 +118,16 @@ Sheet Score(const ScoreJob& job, const Sheet& cases) {
   predictions->unpredicted = run.unpredicted.Reasons();
   predictions->unavailable = std::move(run.unavailable);
   return predictions;
+}
+
+// The report of the command as JSON.
+std::string Capability(const CapabilityJob& job, const Sheet& sheet) {
+  std::string report;
+  CarryOut(nullptr, [&] {
+    RefuseRecordedPlot(job.plot, TheJob());
+    report = JsonText(CapabilityJson(job.Run(sheet->Sheet())));
+  });
+  return report;
 }
 
 // A sheet as input of a job, which starts its analysis when it has prepared the sheet. A sheet that people hold is lent.
@@ -266,6 +278,21 @@ void DefinePlot(py::class_<Job>& job) {
       .def_property("plot_width", nullptr, [](Job& j, double width) { j.plot.width = width; });
 }
 
+// The specification of a response, which the job has a structure for.
+template <class Job>
+void DefineSpecification(py::class_<Job>& job) {
+  using Specification = typename Job::Specification;
+  py::class_<Specification>(job, "Specification")
+      .def(py::init([](std::string response, std::optional<double> lower, std::optional<double> target,
+                       std::optional<double> upper) {
+        SpecificationLimits limits;
+        limits.lower = lower.value_or(limits.lower);
+        limits.target = target.value_or(limits.target);
+        limits.upper = upper.value_or(limits.upper);
+        return Specification{std::move(response), limits};
+      }));
+}
+
 // What is entered by hand.
 template <class Job>
 void DefineInputs(py::class_<Job>& job) {
@@ -354,15 +381,7 @@ void BindProfileJob(py::module_& module) {
   py::class_<ProfileJob::Fixed>(job, "Fixed").def(py::init<std::string, std::variant<double, std::string>>());
   py::class_<ProfileJob::Truncation>(job, "Truncation")
       .def(py::init<std::string, std::optional<double>, std::optional<double>>());
-  py::class_<ProfileJob::Specification>(job, "Specification")
-      .def(py::init([](std::string response, std::optional<double> lower, std::optional<double> target,
-                       std::optional<double> upper) {
-        SpecificationLimits limits;
-        limits.lower = lower.value_or(limits.lower);
-        limits.target = target.value_or(limits.target);
-        limits.upper = upper.value_or(limits.upper);
-        return ProfileJob::Specification{std::move(response), limits};
-      }));
+  DefineSpecification(job);
   job.def(py::init<>())
       .def_readwrite("models", &ProfileJob::models)
       .def_readwrite("formulas", &ProfileJob::formulas)
@@ -409,6 +428,25 @@ void BindScoreJob(py::module_& module) {
   DefineData(job);
 }
 
+void BindCapabilityJob(py::module_& module) {
+  py::class_<CapabilityJob> job(module, "CapabilityJob");
+  DefineSpecification(job);
+  job.def(py::init<>())
+      .def_readwrite("response", &CapabilityJob::response)
+      .def_readwrite("specifications", &CapabilityJob::specifications)
+      .def_readwrite("subgroup", &CapabilityJob::subgroup)
+      .def_readwrite("within", &CapabilityJob::within)
+      .def_readwrite("control_chart", &CapabilityJob::controlChart)
+      .def_readwrite("rules", &CapabilityJob::rules)
+      .def_readwrite("distribution", &CapabilityJob::distribution)
+      .def_readwrite("confidence", &CapabilityJob::confidence)
+      .def_readwrite("select", &CapabilityJob::select)
+      .def("check", &Check<CapabilityJob>)
+      .def("run", &Capability);
+  DefineData(job);
+  DefinePlot(job);
+}
+
 }  // namespace
 
 void BindJobs(py::module_& module) {
@@ -417,6 +455,7 @@ void BindJobs(py::module_& module) {
   BindSimulateJob(module);
   BindProfileJob(module);
   BindScoreJob(module);
+  BindCapabilityJob(module);
   module.attr("NotSet") = kNotSet;
   module.def(
       "_take_former_properties",

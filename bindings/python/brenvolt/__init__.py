@@ -15,16 +15,17 @@ from . import _arguments  # before anything takes functions of the extension
 from ._automation import (Analysis, Application, Array, AutomationObject, GraphDocument, IndexedProperty, Nothing,
                           TableDocument)
 from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv
+from ._capability import CapabilityResult, capability
 from ._design import Design, design
 from ._errors import Error, MessageWarning
 from ._jobs import FitResult, FittedVariable, ProfiledResponse, ProfileResult, fit, profile, score, simulate
 from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
 
-_OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "Design", "Error", "FitResult", "FittedVariable",
+_OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityResult", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
-            "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "dialogs",
-            "design", "distributions", "fit", "open_workbook", "profile", "read_csv", "record", "score", "simulate")
+            "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
+            "dialogs", "design", "distributions", "fit", "open_workbook", "profile", "read_csv", "record", "score", "simulate")
 
 
 def __getattr__(name):

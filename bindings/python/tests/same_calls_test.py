@@ -125,6 +125,31 @@ REFUSED_PROFILES = (
     ({"formulas": ["y = q"]}, "no variable called 'q' with values to start the predictor from; give it a distribution, or fix it at a value (d.csv)"),
     ({"models": ["none.pmml"]}, "(none.pmml)"),
 )
+# Calls of capability() over DATA.
+LIMITS = {"x": (0, None, 9)}
+REFUSED_CAPABILITIES = (
+    ({}, "missing specification: capability is judged against limits (specifications)"),
+    ({"specifications": {"x": (5, None, 5)}}, "must be less than the upper one (specifications)"),
+    ({"specifications": {"x": (5, 7, 6)}}, "'x': the target lies outside the limits (specifications)"),
+    ({"response": "n", "specifications": LIMITS}, "'x' is not the response, which is 'n' (specifications)"),
+    ({"specifications": {"z": (5, None, 6)}}, "sheet d has no variable called 'z' (response)"),
+    ({"specifications": LIMITS, "subgroup": "1"}, "leave this out for single values (subgroup)"),
+    ({"specifications": LIMITS, "subgroup": "z"}, "sheet d has no variable called 'z' (subgroup)"),
+    ({"specifications": LIMITS, "subgroup": 2, "within": "range"},
+     "expected one of moving-range, pooled, r-bar, s-bar; got 'range' (within)"),
+    ({"specifications": LIMITS, "control_chart": "x-bar-s"}, "so their chart is i-mr (control_chart)"),
+    ({"specifications": LIMITS, "confidence": 1}, "expected a number between 0 and 1, got 1 (confidence)"),
+    ({"specifications": LIMITS, "distribution": "weibul"}, "bernoulli, histogram (distribution)"),
+    ({"specifications": LIMITS, "select": "x > 100"}, "no case meets the condition 'x > 100' (select)"),
+)
+# And over an example.
+RINGS = {"diameter": (73.95, 74, 74.05)}
+CAPABILITIES = (
+    ("piston_rings", {"specifications": RINGS}),
+    ("piston_rings", {"specifications": RINGS, "subgroup": "sample", "within": "r-bar", "rules": "nelson"}),
+    ("piston_rings", {"specifications": RINGS, "subgroup": 10, "select": "sample <= 20", "confidence": 0.9}),
+    ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "distribution": "lognormal"}),
+)
 # Variables and correlations by hand that every job refuses, and what it says.
 NORMAL = "normal(0, 1)"
 REFUSED_INPUTS = (
@@ -255,6 +280,8 @@ class SameCalls(unittest.TestCase):
                             REFUSED_SIMULATIONS)
         self.check_refusals("profile", "d.csv", lambda arguments: brenvolt.profile("d.csv", **arguments),
                             REFUSED_PROFILES)
+        self.check_refusals("capability", "d.csv", lambda arguments: brenvolt.capability("d.csv", **arguments),
+                            REFUSED_CAPABILITIES)
         application = brenvolt.Application()
         self.check_refusals("import", "d.csv", lambda arguments: application.import_file("d.csv", **arguments),
                             REFUSED_IMPORTS)
@@ -436,6 +463,20 @@ class SameCalls(unittest.TestCase):
             value = expected["value"] if isinstance(expected, dict) else expected
             numpy.testing.assert_equal(response.capability.loc[row, "value"], numpy.nan if value is None else value)
         self.assertEqual(response.capability_distribution, (capability["percentiles"] or {}).get("distribution", ""))
+
+    def test_capabilities_are_the_same(self):
+        for name, arguments in CAPABILITIES:
+            file = os.path.join(EXAMPLES, name + ".csv")
+            done = self.command("capability", file, *words(arguments), "--format", "json")
+            expected = json.loads(done.stdout)
+            for source in (file, pandas.read_csv(file), brenvolt.open_workbook(file)):
+                with self.subTest(name, **arguments, source=type(source).__name__):
+                    found = brenvolt.capability(source, **arguments)
+                    self.assertEqual(found.report, expected)
+                    self.assertEqual(found.indices.loc["ppk", "lower"], expected["indices"]["ppk"]["lower"])
+                    self.assertEqual(found.ppm.loc[("observed", "above"), "value"],
+                                     expected["ppm"]["observed"]["above"]["value"])
+                    self.assertEqual(found.location["points"].tolist(), expected["stability"]["location"]["points"])
 
     def test_scores_are_the_same(self):
         file = os.path.join(EXAMPLES, "ozone.csv")

@@ -1,0 +1,93 @@
+// brenvolt capability: how well a measured process keeps its specification.
+#include <cstdio>
+
+#include "apps/cli/capability_report.h"
+#include "apps/cli/commands.h"
+#include "apps/cli/data_options.h"
+#include "apps/cli/specification_option.h"
+#include "host/application/json_text.h"
+#include "host/jobs/measured/capability_job.h"
+
+namespace brenvolt::cli {
+namespace {
+
+struct CapabilityCall {
+  CapabilityJob job;
+  ReportFormat format = ReportFormat::kTable;
+};
+
+CapabilityJob::Specification ParseSpecification(const std::string& text) {
+  const auto [response, limits] = SpecificationIn(text);
+  return {response, limits};
+}
+
+std::string Words(const Choices& choices) {
+  std::string words;
+  for (const auto& [word, member] : choices) words += (words.empty() ? "" : "|") + word;
+  return words;
+}
+
+void Judge(const CapabilityCall& call) {
+  RequireWords(call.job);
+  const CapabilityFindings found = call.job.Run();
+  const bool isJson = call.format == ReportFormat::kJson;
+  std::fputs((isJson ? JsonText(CapabilityJson(found)) : CapabilityText(found)).c_str(), stdout);
+  if (!isJson) ReportPlot(call.job.plot);
+}
+
+void AddChoices(CLI::App& command, CapabilityJob& job) {
+  command
+      .add_option(
+          "--within", job.within,
+          "How the deviation within subgroups is estimated; default pooled, without subgroups moving-range")
+      ->type_name(Words(kWithinEstimates));
+  command
+      .add_option(
+          "--control-chart", job.controlChart,
+          "Which control charts; default x-bar-r for subgroups of up to 8, x-bar-s for larger ones, i-mr "
+          "without subgroups")
+      ->type_name(Words(kControlCharts));
+  command.add_option("--rules", job.rules, "By what rules points are signals; default western-electric")
+      ->type_name(Words(kControlRules));
+  command
+      .add_option(
+          "--distribution", job.distribution,
+          "Distribution whose percentiles are used; default: the one that fits best where the values are "
+          "not normal")
+      ->type_name("NAME");
+  AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
+            "Of the intervals, between 0 and 1; default 0.95");
+}
+
+}  // namespace
+
+void AddCapabilityCommand(CLI::App& program) {
+  CLI::App* command = program.add_subcommand("capability", "Judge measured values against a specification");
+  const auto call = std::make_shared<CapabilityCall>();
+  CapabilityJob& job = call->job;
+  command->add_option("DATA", job.data.file, "CSV file with a header row, or a project (.bvw)")->required();
+  command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
+      ->type_name("NAME");
+  command
+      ->add_option("--response", job.response,
+                   "Variable that was measured; default: the one that --spec names")
+      ->type_name("Y");
+  AddEntries(*command, "--spec", job.specifications, ParseSpecification, "Y=LSL,TARGET,USL",
+             "Its specification; each part may be empty, as in 'Y=,,25'");
+  command
+      ->add_option("--subgroup", job.subgroup,
+                   "Column that tells the subgroups apart, or how many cases in a row make one")
+      ->type_name("COLUMN|SIZE");
+  AddChoices(*command, job);
+  command->add_option("--select", job.select, "Use only the cases that meet a condition")
+      ->type_name("'X > 3 and Y = 1'");
+  AddPlotOptions(*command, job.plot, kCapabilityPlotKinds);
+  AddDecimalCommaOption(*command, job.data.decimalComma);
+  AddFormatOption(*command, call->format);
+  command->footer(
+      "Example:\n  brenvolt capability examples/piston_rings.csv --spec diameter=73.95,74,74.05 --subgroup "
+      "sample");
+  command->callback([call] { Judge(*call); });
+}
+
+}  // namespace brenvolt::cli

@@ -1,0 +1,332 @@
+#include "host/jobs/measured/capability_job.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include "host/base/number_text.h"
+#include "host/base/process/interruption.h"
+#include "host/base/quoted.h"
+#include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/specification_check.h"
+#include "host/jobs/fit_job.h"
+#include "host/jobs/fit_results.h"
+#include "host/jobs/measured/capability_plots.h"
+#include "host/jobs/notation/distribution_notation.h"
+#include "host/numeric/distributions/distribution_types.h"
+
+namespace brenvolt {
+namespace {
+
+constexpr double kUsualConfidence = 0.95;
+// Beyond some eight values a range wastes much of what they tell (Montgomery 2013, section 6.3).
+constexpr std::size_t kMostForRanges = 8;
+// The p-value below which values are not normal.
+constexpr double kLevel = 0.05;
+
+// A measured value with its case.
+struct Part {
+  std::size_t place;  // from 0
+  double value;
+};
+struct Subgroup {
+  std::string name;
+  std::vector<double> values;
+};
+
+std::string Count(std::size_t count, const std::string& one, const std::string& several) {
+  return std::to_string(count) + " " + (count == 1 ? one : several);
+}
+
+const Variable& ResponseIn(const Spreadsheet& sheet, const std::string& name) {
+  const auto number = NumbersOf(sheet, {&name, 1}, "response").front();
+  const Variable& variable = sheet.VariableAt(static_cast<std::size_t>(number - 1));
+  if (variable.Type() == VariableType::kText)
+    throw WrongJob("response", Quoted(name) + " is a text variable; capability is that of numbers");
+  return variable;
+}
+
+std::vector<Part> PartsOf(const Spreadsheet& sheet, const Variable& response) {
+  std::vector<Part> parts;
+  for (std::size_t i = 0; i < response.Size(); ++i) {
+    if (sheet.IsCaseSelected(i) && !response.IsMissing(i)) parts.push_back({i, response.Values()[i]});
+  }
+  return parts;
+}
+
+void RequireValues(const std::string& name, const std::vector<Part>& parts) {
+  if (parts.size() < 2)
+    throw WrongJob("response", Quoted(name) + " has " + Count(parts.size(), "value", "values") +
+                                   "; at least 2 are needed");
+  if (!std::ranges::all_of(parts, [](const Part& part) { return std::isfinite(part.value); }))
+    throw WrongJob("response", Quoted(name) + " has an infinite value");
+  if (std::ranges::all_of(parts, [&](const Part& part) { return part.value == parts.front().value; }))
+    throw WrongJob("response", Quoted(name) + ": all " + std::to_string(parts.size()) + " values are " +
+                                   ShortestNumber(parts.front().value) +
+                                   ", so there is no deviation to judge by");
+}
+
+// A column groups the cases that have one value there, wherever they stand, in the order of their first.
+std::vector<Subgroup> GroupsByColumn(const std::vector<Part>& parts, const Variable& column,
+                                     std::vector<std::string>& notes) {
+  std::vector<Subgroup> groups;
+  std::map<double, std::size_t> places;
+  std::size_t without = 0;
+  for (const Part& part : parts) {
+    if (column.IsMissing(part.place)) {
+      ++without;
+      continue;
+    }
+    const double value = column.Values()[part.place];
+    const auto [place, isNew] = places.try_emplace(value, groups.size());
+    if (isNew) {
+      const auto label = column.Label(value);
+      groups.push_back({label ? std::string(*label) : ShortestNumber(value), {}});
+    }
+    groups[place->second].values.push_back(part.value);
+  }
+  if (without > 0)
+    notes.push_back(Count(without, "value has", "values have") + " no subgroup in " + Quoted(column.Name()) +
+                    " and take no part in the charts and the deviation within");
+  return groups;
+}
+
+// So many cases in a row, of which those without a value leave a smaller subgroup.
+std::vector<Subgroup> GroupsBySize(const std::vector<Part>& parts, std::size_t size) {
+  std::vector<Subgroup> groups;
+  std::size_t former = 0;
+  for (const Part& part : parts) {
+    const std::size_t number = part.place / size + 1;
+    if (number != former) groups.push_back({std::to_string(number), {}});
+    former = number;
+    groups.back().values.push_back(part.value);
+  }
+  return groups;
+}
+
+// A whole number that a person gave for the size of subgroups; nothing for another text.
+std::optional<double> SizeIn(const std::string& subgroup) {
+  return ParseNumber(Trim(subgroup));
+}
+
+std::vector<Subgroup> GroupsOf(const std::string& subgroup, const Spreadsheet& sheet,
+                               const std::vector<Part>& parts, std::vector<std::string>& notes) {
+  if (const auto column = sheet.FindVariable(subgroup))
+    return GroupsByColumn(parts, sheet.VariableAt(*column), notes);
+  const auto size = SizeIn(subgroup);
+  if (!size) NumbersOf(sheet, {&subgroup, 1}, "subgroup");
+  JobFaults faults;
+  if (*size == 1)
+    faults.push_back(
+        {"subgroup", "subgroups of 1 value have no deviation within; leave this out for single values"});
+  else
+    CheckWholeNumber("subgroup", *size, 2, static_cast<double>(parts.size()), faults);
+  RequireNone(std::move(faults));
+  return GroupsBySize(parts, static_cast<std::size_t>(*size));
+}
+
+// Those of two values or more, with their names.
+void TakeGroups(const std::vector<Subgroup>& groups, CapabilityFindings& found) {
+  for (const Subgroup& group : groups) {
+    if (group.values.size() < 2) continue;
+    found.names.push_back(group.name);
+    found.subgroups.push_back(DescribeSubgroup(group.values));
+  }
+  if (found.subgroups.empty())
+    throw WrongJob("subgroup", "no subgroup has two values or more; leave this out for single values");
+  const std::size_t single = groups.size() - found.subgroups.size();
+  if (single > 0)
+    found.notes.push_back(Count(single, "subgroup of 1 value takes", "subgroups of 1 value take") +
+                          " no part in the charts and the deviation within");
+  if (std::ranges::all_of(found.subgroups, [](const auto& one) { return one.range == 0; }))
+    throw WrongJob("subgroup", "all values within each subgroup are equal, so there is no deviation within");
+}
+
+std::string ChartFor(const CapabilityFindings& found) {
+  if (found.subgroups.empty()) return "i-mr";
+  const bool isSmall =
+      std::ranges::all_of(found.subgroups, [](const auto& one) { return one.count <= kMostForRanges; });
+  return isSmall ? "x-bar-r" : "x-bar-s";
+}
+
+void DrawCharts(const std::vector<Part>& parts, CapabilityFindings& found) {
+  if (found.chartWord != "i-mr") {
+    found.charts = SubgroupCharts(found.subgroups,
+                                  found.chartWord == "x-bar-r" ? Dispersion::kRange : Dispersion::kDeviation,
+                                  found.rules);
+    return;
+  }
+  found.names.clear();
+  for (const Part& part : parts) found.names.push_back(std::to_string(part.place + 1));
+  found.charts = IndividualCharts(found.values, found.rules);
+}
+
+DeviationEstimate ChosenWithin(const CapabilityFindings& found) {
+  if (found.withinWord == "r-bar") return found.within.ranges;
+  if (found.withinWord == "s-bar") return found.within.deviations;
+  if (found.withinWord == "pooled") return found.within.pooled;
+  return found.movingRange;
+}
+
+// Shows nothing: the reader of a job sees what its fit gave.
+class QuietInterface : public ProgramInterface {
+ public:
+  void ShowProgress(std::string_view /*caption*/, std::int64_t /*done*/, std::int64_t /*total*/) override {}
+  void EndProgress() override {}
+  bool IsExternallyCancelled() override { return InterruptionRequested(); }
+};
+
+// The best fit of a ranking of all continuous distributions, or the fit of the one that is named.
+std::optional<FittedDistribution> FitOf(const CapabilityFindings& found,
+                                        const std::optional<std::string>& distribution) {
+  Spreadsheet sheet("values");
+  Variable variable(found.response, found.values.size());
+  variable.AssignValues(found.values);
+  sheet.AddVariable(std::move(variable));
+  QuietInterface quiet;
+  std::unique_ptr<AnalysisSession> session;
+  const auto start = [&]() -> AnalysisSession& {
+    session = std::make_unique<AnalysisSession>(quiet, sheet);
+    return *session;
+  };
+  FitJob job;
+  job.variables.continuous = {found.response};
+  if (distribution) job.distributions = {*distribution};
+  JobRecorder none;
+  try {
+    job.Run({sheet, nullptr, &sheet, start}, none);
+  } catch (const JobFailed&) {
+    if (InterruptionRequested()) throw;
+    return std::nullopt;
+  }
+  const auto variables = ReadFitResults(*session->Dialog(), Covariances::kLeftOut);
+  const FittedDistribution* best = variables.empty() ? nullptr : variables.front().Best();
+  return best == nullptr ? std::nullopt : std::optional(*best);
+}
+
+FittedCapability ByPercentiles(const FittedDistribution& fit, const SpecificationLimits& limits) {
+  const auto code = static_cast<DistributionCode>(fit.code);
+  const AnyDistribution distribution(code, fit.parameters, std::isnan(fit.offset) ? 0 : fit.offset);
+  const ProcessDistribution process{[&](double p) { return distribution.Quantile(p); },
+                                    [&](double x) { return distribution.Cdf(x); },
+                                    [&](double x) { return distribution.Complement(x); }};
+  return {fit.name, NotationOf({code, fit.parameters, fit.offset, std::nullopt, std::nullopt}),
+          AnalysePercentiles(process, limits)};
+}
+
+void JudgeDistribution(const std::optional<std::string>& named, CapabilityFindings& found) {
+  found.normality = TestNormality(found.values);
+  const bool isTested = !IsNotSet(found.normality.pValue);
+  const bool isRejected = isTested && found.normality.pValue < kLevel;
+  if (!isTested) found.notes.emplace_back("fewer than 8 values are not tested for normality");
+  if (!isRejected && !named) return;
+  const auto fit = FitOf(found, named);
+  if (!fit) {
+    found.notes.push_back(named ? "the " + *named + " distribution cannot be fitted to these values"
+                                : "no distribution can be fitted to these values, which are not normal");
+    return;
+  }
+  if (!named && static_cast<DistributionCode>(fit->code) == DistributionCode::kNormal) {
+    found.notes.emplace_back(
+        "the values are not normal, but no other distribution fits them better: indices and expected parts "
+        "describe a process that this is not");
+    return;
+  }
+  found.fitted = ByPercentiles(*fit, found.limits);
+  if (!isRejected) return;
+  found.notes.emplace_back(
+      "the values are not normal: read the indices and expected parts by percentiles, those within and "
+      "overall describe a normal process");
+  if (found.chartWord == "i-mr")
+    found.notes.emplace_back(
+        "the limits of the charts are those of normal values; signals may be due to that");
+}
+
+}  // namespace
+
+const Choices kWithinEstimates{
+    {"moving-range", "moving-range"}, {"pooled", "pooled"}, {"r-bar", "r-bar"}, {"s-bar", "s-bar"}};
+const Choices kControlCharts{{"i-mr", "i-mr"}, {"x-bar-r", "x-bar-r"}, {"x-bar-s", "x-bar-s"}};
+const Choices kControlRules{{"nelson", "nelson"}, {"western-electric", "western-electric"}};
+
+JobFaults CapabilityJob::Check() const {
+  JobFaults faults;
+  const auto add = [&](const char* field, const std::string& message) { faults.push_back({field, message}); };
+  if (specifications.empty()) {
+    add("specifications", "missing specification: capability is judged against limits");
+  } else if (specifications.size() > 1) {
+    add("specifications", "one response is judged at a time, and its specification is given once");
+  } else if (!response.empty() && response != specifications.front().response) {
+    add("specifications",
+        Quoted(specifications.front().response) + " is not the response, which is " + Quoted(response));
+  }
+  for (const Specification& one : specifications) CheckLimits(one.response, one.limits, faults);
+  if (within) CheckWord("within", *within, kWithinEstimates, faults);
+  if (controlChart) CheckWord("controlChart", *controlChart, kControlCharts, faults);
+  if (rules) CheckWord("rules", *rules, kControlRules, faults);
+  if (!subgroup && within && kWithinEstimates.contains(*within) && *within != "moving-range")
+    add("within", "the values have no subgroups, so the deviation within is that of moving-range");
+  if (!subgroup && controlChart && kControlCharts.contains(*controlChart) && *controlChart != "i-mr")
+    add("controlChart", "the values have no subgroups, so their chart is i-mr");
+  if (distribution) {
+    const FittedType* type = FindFittedType(*distribution);
+    if (type == nullptr) {
+      add("distribution", NoSuchType(*distribution));
+    } else if (!type->continuous) {
+      add("distribution", "the " + type->name + " distribution is for discrete variables");
+    }
+  }
+  if (confidence && !(*confidence > 0 && *confidence < 1))
+    add("confidence", "expected a number between 0 and 1, got " + ShortestNumber(*confidence));
+  CheckPlot(plot, kCapabilityPlotKinds, faults);
+  CheckTargetsApart({{"data", data.file}}, {{"plot", plot.file}}, faults);
+  return faults;
+}
+
+CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
+  CapabilityFindings found;
+  found.limits = specifications.front().limits;
+  found.response = specifications.front().response;
+  found.confidence = confidence.value_or(kUsualConfidence);
+  found.cases = sheet.CaseCount();
+  const std::vector<Part> parts = PartsOf(sheet, ResponseIn(sheet, found.response));
+  RequireValues(found.response, parts);
+  for (const Part& part : parts) found.values.push_back(part.value);
+  if (sheet.WeightVariable()) found.notes.emplace_back("case weights are left out: every part counts once");
+  if (subgroup) TakeGroups(GroupsOf(*subgroup, sheet, parts, found.notes), found);
+  found.rulesWord = rules.value_or("western-electric");
+  found.rules = found.rulesWord == "nelson" ? NelsonRules() : WesternElectricRules();
+  found.chartWord = controlChart ? *controlChart : ChartFor(found);
+  found.withinWord = within.value_or(subgroup ? "pooled" : "moving-range");
+  DrawCharts(parts, found);
+  ProcessSample sample = DescribeProcess(found.values);
+  found.movingRange = {sample.within, sample.withinDegrees};
+  found.within = EstimateWithin(found.subgroups);
+  const DeviationEstimate chosen = ChosenWithin(found);
+  sample.within = chosen.deviation;
+  sample.withinDegrees = chosen.degrees;
+  found.report = AnalyseCapability(found.values, sample, found.limits, found.confidence);
+  JudgeDistribution(distribution, found);
+  return found;
+}
+
+CapabilityFindings CapabilityJob::Run(Spreadsheet& sheet) const {
+  RequireNone(Check());
+  RequireCases(sheet);
+  const FormerConditions former(sheet);
+  if (select) SelectCases(sheet, *select);
+  CapabilityFindings found = Analyse(sheet);
+  if (plot.IsAsked()) WritePlot(plot, found.response, CapabilityPlots(found, plot.Kind()));
+  return found;
+}
+
+CapabilityFindings CapabilityJob::Run() const {
+  RequireNone(Check());
+  DataFile file = OpenJobData(data);
+  return Run(file.Sheet(data.sheet));
+}
+
+}  // namespace brenvolt

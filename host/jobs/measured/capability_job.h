@@ -1,0 +1,55 @@
+// The capability of a measured process: what a person may ask for, and its run.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/plot.h"
+#include "host/jobs/measured/capability_results.h"
+#include "host/statistics/specification_limits.h"
+
+namespace brenvolt {
+
+inline constexpr std::string_view kCapabilityPlotKinds[] = {kOverview, "control-charts", "histogram"};
+// By what words people choose: how the deviation within is estimated, the charts, and the rules for their signals.
+extern const Choices kWithinEstimates;
+extern const Choices kControlCharts;
+extern const Choices kControlRules;
+
+struct CapabilityJob {
+  struct Specification {
+    std::string response;
+    SpecificationLimits limits;
+  };
+
+  JobData data;
+  std::string response;                       // empty: the one that is specified
+  std::vector<Specification> specifications;  // of the response
+  // The column that tells subgroups apart, or else how many cases in a row make one; without, every value stands alone.
+  std::optional<std::string> subgroup;
+  std::optional<std::string> within;  // without a word, pooled, or moving-range where there are no subgroups
+  std::optional<std::string> controlChart;  // without, i-mr, or by the sizes of the subgroups
+  std::optional<std::string> rules;         // without a word, western-electric
+  // Which distribution's percentiles are used; without, the one that fits best, where the values are not normal.
+  std::optional<std::string> distribution;
+  std::optional<double> confidence;   // of the intervals, between 0 and 1; without, 0.95
+  std::optional<std::string> select;  // as in a fit
+  Plot plot;
+
+  // All that can be refused without the data.
+  JobFaults Check() const;
+  // Throws WrongJob, also for values that have no capability, and Error.
+  CapabilityFindings Run() const;
+  // The same of a sheet that is open, which is left as it was.
+  CapabilityFindings Run(Spreadsheet& sheet) const;
+
+ private:
+  CapabilityFindings Analyse(const Spreadsheet& sheet) const;
+};
+
+}  // namespace brenvolt

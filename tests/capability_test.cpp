@@ -1,0 +1,138 @@
+// brenvolt capability as a user runs it.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/run_program.h"
+
+namespace brenvolt::test {
+namespace {
+
+const std::string kRings = BRENVOLT_SOURCE_DIR "/examples/piston_rings.csv";
+
+struct CapabilityCommand : testing::Test {
+  TemporaryFolder folder;
+
+  Outcome Run(const std::vector<std::string>& arguments) const {
+    return RunBrenvolt(arguments, folder.Path());
+  }
+  void Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder.Path() / name) << text;
+  }
+  nlohmann::json Report(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.end(), {"--format", "json"});
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return nlohmann::json::parse(outcome.out, nullptr, false);
+  }
+};
+
+// Montgomery (2013), table 6.3. The deviations and indices by base R (host/statistics/reference/make_subgroup_table.R):
+// within 0.00999960 by S-bar, 0.00999171 by R-bar, 0.01002577 pooled.
+TEST_F(CapabilityCommand, EstimatesTheDeviationWithinAsAsked) {
+  const struct {
+    const char* word;
+    double deviation;
+  } cases[] = {{"s-bar", 0.00999960409593}, {"r-bar", 0.0099917068}, {"pooled", 0.0100257668036}};
+  for (const auto& c : cases) {
+    const auto report = Report({"capability", kRings, "--response", "diameter", "--spec",
+                                "diameter=73.95,74,74.05", "--subgroup", "sample", "--within", c.word});
+    EXPECT_NEAR(report["indices"]["cp"]["value"], 0.1 / (6 * c.deviation), 1e-6) << c.word;
+    EXPECT_NEAR(report["indices"]["cpk"]["value"], (74.05 - 74.001176) / (3 * c.deviation), 1e-6) << c.word;
+  }
+  const auto singles = Report({"capability", kRings, "--spec", "diameter=73.95,,74.05"});
+  EXPECT_EQ(singles["stability"]["controlChart"], "i-mr");
+  EXPECT_EQ(singles["deviations"]["within"], "moving-range");
+  EXPECT_TRUE(singles["indices"]["cpm"]["value"].is_null());
+}
+
+TEST_F(CapabilityCommand, GroupsByColumnAsBySize) {
+  const auto column =
+      Report({"capability", kRings, "--spec", "diameter=73.95,74,74.05", "--subgroup", "sample"});
+  auto size = Report({"capability", kRings, "--spec", "diameter=73.95,74,74.05", "--subgroup", "5"});
+  EXPECT_EQ(column, size);
+  // A case without a value makes its subgroup smaller, a subgroup of one takes no part.
+  Write("d.csv", "y,g\n1,a\n2,a\n4,b\n,b\n3,a\n5,c\n7,c\n6,\n2,c\n");
+  const auto gaps = Report({"capability", "d.csv", "--spec", "y=0,,9", "--subgroup", "g"});
+  EXPECT_EQ(gaps["n"], 8);
+  EXPECT_EQ(gaps["subgroups"]["count"], 2);
+  EXPECT_EQ(gaps["stability"]["location"]["names"], (nlohmann::json{"a", "c"}));
+  EXPECT_NEAR(gaps["deviations"]["pooled"]["value"], std::sqrt((2 + 38.0 / 3) / 4), 1e-12);
+  EXPECT_EQ(gaps["notes"].size(), 2U);
+}
+
+TEST_F(CapabilityCommand, WarnsBeforeAnyIndexThatTheProcessIsNotStable) {
+  std::string text = "y\n";
+  for (int i = 0; i < 40; ++i) text += std::to_string(10 + i % 3 + (i < 30 ? 0 : 6)) + "\n";
+  Write("d.csv", text);
+  const Outcome outcome = Run({"capability", "d.csv", "--spec", "y=0,,30", "--rules", "nelson"});
+  ASSERT_EQ(outcome.status, 0) << outcome.err;
+  const auto warning = outcome.out.find("warning: the process is not stable: ");
+  ASSERT_NE(warning, std::string::npos) << outcome.out;
+  EXPECT_LT(warning, outcome.out.find("Cp, Pp"));
+  EXPECT_NE(outcome.out.find("9 points in a row on one side of the centre (rule 2)"), std::string::npos)
+      << outcome.out;
+}
+
+// Values that are exponential but for rounding, so that the percentiles of a normal process would lie below 0.
+TEST_F(CapabilityCommand, TakesPercentilesWhereTheValuesAreNotNormal) {
+  std::string text = "y\n";
+  for (int i = 1; i <= 200; ++i) text += std::to_string(-std::log(1 - (i * 79 % 200 + 0.5) / 200)) + "\n";
+  Write("d.csv", text);
+  const auto best = Report({"capability", "d.csv", "--spec", "y=,,6"});
+  EXPECT_LT(best["normality"]["pValue"], 0.05);
+  EXPECT_GT(best["percentiles"]["lowPoint"], 0);
+  const auto named = Report({"capability", "d.csv", "--spec", "y=,,6", "--distribution", "weibull"});
+  EXPECT_TRUE(named["percentiles"]["distribution"].get<std::string>().starts_with("weibull("));
+  // Of the exponential distribution: (6 - ln 2) / (-ln 0.00135 - ln 2).
+  EXPECT_NEAR(named["percentiles"]["ppu"], 0.8972, 0.01);
+  EXPECT_NEAR(named["percentiles"]["expectedPpm"]["above"], 2479, 200);
+}
+
+TEST_F(CapabilityCommand, RefusesWhatHasNoCapability) {
+  Write("d.csv", "y,c,t,one,n,w\n1,5,a,3,1,1\n2,5,b,,2,1\n3,5,c,,3,2\n4,5,d,,4,2\n");
+  struct Case {
+    std::vector<std::string> arguments;
+    const char* message;
+  };
+  const Case cases[] = {
+      {{"--spec", "y=3,,3"}, "'y': the lower limit must be less than the upper one (--spec)"},
+      {{"--spec", "y=1,5,3"}, "'y': the target lies outside the limits (--spec)"},
+      {{"--spec", "y=,,"}, "'y': expected a lower or an upper limit (--spec)"},
+      {{"--response", "y"}, "missing specification: capability is judged against limits (--spec)"},
+      {{"--response", "y", "--spec", "c=1,,3"}, "'c' is not the response, which is 'y' (--spec)"},
+      {{"--spec", "z=1,,3"}, "sheet d has no variable called 'z' (--response)"},
+      {{"--spec", "t=1,,3"}, "'t' is a text variable; capability is that of numbers (--response)"},
+      {{"--spec", "c=1,,3"}, "'c': all 4 values are 5, so there is no deviation to judge by (--response)"},
+      {{"--spec", "one=1,,3"}, "'one' has 1 value; at least 2 are needed (--response)"},
+      {{"--spec", "y=1,,3", "--subgroup", "1"},
+       "subgroups of 1 value have no deviation within; leave this out for single values (--subgroup)"},
+      {{"--spec", "y=1,,3", "--subgroup", "n"},
+       "no subgroup has two values or more; leave this out for single values (--subgroup)"},
+      {{"--spec", "y=1,,3", "--subgroup", "9"}, "expected a whole number from 2 to 4, got 9 (--subgroup)"},
+      {{"--spec", "y=1,,3", "--subgroup", "m"}, "sheet d has no variable called 'm' (--subgroup)"},
+      {{"--spec", "y=1,,3", "--within", "r-bar"},
+       "the values have no subgroups, so the deviation within is that of moving-range (--within)"},
+      {{"--spec", "y=1,,3", "--control-chart", "x-bar-r"},
+       "the values have no subgroups, so their chart is i-mr (--control-chart)"},
+      {{"--spec", "y=1,,3", "--rules", "none"},
+       "expected one of nelson, western-electric; got 'none' (--rules)"},
+      {{"--spec", "y=1,,3", "--distribution", "poisson"},
+       "the poisson distribution is for discrete variables (--distribution)"},
+      {{"--spec", "y=1,,3", "--confidence", "95"},
+       "expected a number between 0 and 1, got 95 (--confidence)"},
+      {{"--spec", "y=1,,3", "--select", "y > 9"}, "no case meets the condition 'y > 9' (--select)"}};
+  for (const Case& c : cases) {
+    std::vector<std::string> arguments{"capability", "d.csv"};
+    arguments.insert(arguments.end(), c.arguments.begin(), c.arguments.end());
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 2) << c.message;
+    EXPECT_EQ(outcome.err, std::string("brenvolt: ") + c.message + "\n");
+    EXPECT_EQ(outcome.out, "");
+  }
+}
+
+}  // namespace
+}  // namespace brenvolt::test
