@@ -34,6 +34,7 @@ ROOMS = (
     Room("host/numeric/distributions/common", "host/numeric/estimation", "third-party"),
     Room("host/numeric/distributions", "host/numeric/distributions/common host/numeric/estimation/mixture", "third-party"),
     Room("host/numeric/distributions/rules", "host/numeric/distributions", ""),
+    Room("host/numeric/censored", "host/numeric/distributions", ""),
     Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
     Room("host/numeric/goodness_of_fit", "host/numeric/distributions", "third-party"),
     Room("host/tables", "host/base/files", "third-party"),
