@@ -4,21 +4,26 @@
 #include <utility>
 #include <vector>
 
+#include "apps/cli/censored_report.h"
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/base/number_text.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
+#include "host/jobs/fit_quantiles.h"
+#include "host/jobs/measured/censored_fit_job.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::cli {
 namespace {
 
 struct FitCall {
-  FitJob job;
+  CensoredFitJob censored;  // a plain fit unless it is asked for
+  FitJob& job = censored.fit;
   std::filesystem::path record;
   bool chart = false;
   ReportFormat format = ReportFormat::kTable;
@@ -87,20 +92,35 @@ class FitTerminal : public TerminalUserInterface {
   std::vector<Message> held_;
 };
 
+void FitCensored(const FitCall& call) {
+  RequireWords(call.censored);
+  if (!call.record.empty()) throw WrongJob("record", "a fit of censored values cannot be recorded");
+  const CensoredFindings found = call.censored.Run();
+  const bool isJson = call.format == ReportFormat::kJson;
+  std::fputs((isJson ? JsonText(CensoredJson(found)) : CensoredText(found)).c_str(), stdout);
+  if (!isJson) ReportPlot(call.job.plot);
+}
+
 // The fits are saved and the graphs written before anything is reported, so that a report means a
 // finished job.
 void Fit(const FitCall& call) {
+  if (call.censored.IsAsked()) {
+    FitCensored(call);
+    return;
+  }
   RequireWords(call.job);
   Recording recording(call.record);
   FitTerminal terminal;
   const FitJob& job = call.job;
   const FitRun run = job.Run(terminal, recording.Job());
   const bool json = call.format == ReportFormat::kJson;
+  const bool readsCovariances = json || job.AsksForQuantiles();
   const auto variables =
-      ReadFitResults(*run.session->Dialog(), json ? Covariances::kRead : Covariances::kLeftOut);
+      ReadFitResults(*run.session->Dialog(), readsCovariances ? Covariances::kRead : Covariances::kLeftOut);
   terminal.SayAllBut(json ? std::vector<FittedVariable>() : variables);
   ReportFit(variables, *run.sheet,
-            {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format});
+            {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format,
+             AllQuantiles(job, variables)});
   if (!job.save.empty() && !json) {
     std::printf("\nFits saved in %s\n", job.save.c_str());
   }
@@ -165,6 +185,47 @@ void AddTestOptions(CLI::App& command, FitJob& job) {
             "With --bootstrap, where its random numbers start; default 1");
 }
 
+// Numbers between commas.
+void AddNumbers(CLI::App& command, const std::string& name, const std::string& field,
+                std::vector<double>& numbers, const std::string& help) {
+  command
+      .add_option_function<std::string>(
+          name,
+          [&numbers, field](const std::string& text) {
+            for (const std::string& part : SplitAtCommas(text))
+              KeepingFaults([&] { numbers.push_back(NumberIn(field, std::string(Trim(part)))); });
+          },
+          help)
+      ->type_name("NUMBER,NUMBER");
+}
+
+void AddQuantileOptions(CLI::App& command, FitJob& job) {
+  AddNumbers(
+      command, "--quantiles", "quantiles", job.quantiles,
+      "Quantiles of each continuous variable's best fit with their intervals: 0.1 is the value that a tenth "
+      "does not exceed");
+  AddNumbers(command, "--exceed", "exceed", job.exceed, "Probabilities of exceeding values, in the same way");
+  AddNumbers(command, "--return-periods", "returnPeriods", job.returnPeriods,
+             "Return levels: 100 is the value that one in a hundred exceeds");
+  AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
+            "Of these intervals, between 0 and 1; default 0.95");
+}
+
+void AddCensoringOptions(CLI::App& command, CensoredFitJob& job) {
+  command
+      .add_option(
+          "--censor", job.censor,
+          "Column that says how each value is known: 1 or exact, 0 or right censored, 2 or left, 3 or "
+          "interval; in a column called after censoring, 1 is right censored and 0 exact")
+      ->type_name("COLUMN");
+  command
+      .add_option(
+          "--censor-upper", job.censorUpper,
+          "Column of upper bounds, of which the variable has the lower ones; without --censor, a missing "
+          "bound is infinite and equal ones are an exact value")
+      ->type_name("COLUMN");
+}
+
 void AddSaveOptions(CLI::App& command, FitJob& job) {
   command
       .add_option("--save", job.save,
@@ -191,6 +252,8 @@ void AddFitCommand(CLI::App& program) {
   AddVariableOptions(*command, job);
   AddDistributionOptions(*command, job);
   AddTestOptions(*command, job);
+  AddQuantileOptions(*command, job);
+  AddCensoringOptions(*command, call->censored);
   AddSaveOptions(*command, job);
   command
       ->add_option("--graphs", job.graphs,

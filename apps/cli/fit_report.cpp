@@ -249,6 +249,30 @@ std::string CautionsText(const std::vector<FitCaution>& cautions) {
   return text;
 }
 
+std::string QuantilesText(const FitQuantiles& found, double spread) {
+  constexpr int kDigits = 5;
+  const auto value = [&](double x) { return ReadableNumber(x, DigitsFor(x, spread, kDigits)); };
+  const auto probability = [](double p) { return ReadableNumber(p, kDigits); };
+  const auto between = [](const ConfidenceInterval& interval, const auto& text) {
+    return IsNotSet(interval.lower) ? std::string("-") : text(interval.lower) + " to " + text(interval.upper);
+  };
+  TextTable table;
+  table.AddColumn("Of " + found.distribution, TextTable::Align::kLeft);
+  for (const char* heading : {"Estimate", "by covariance"})
+    table.AddColumn(heading, TextTable::Align::kRight);
+  if (found.samples > 0) table.AddColumn("by bootstrap", TextTable::Align::kRight);
+  for (const FitQuantiles::Row& row : found.quantiles) {
+    const std::string name = row.returnPeriod ? "level of return period " + ReadableNumber(*row.returnPeriod)
+                                              : "quantile " + ReadableNumber(row.probability);
+    table.AddRow({name, value(row.value), between(row.byCovariance, value), between(row.byBootstrap, value)});
+  }
+  for (const FitQuantiles::Row& row : found.exceedances)
+    table.AddRow({"probability above " + ReadableNumber(row.value), probability(row.probability),
+                  between(row.byCovariance, probability), between(row.byBootstrap, probability)});
+  return "\n" + table.Text() + "  Intervals have a confidence of " + ReadableNumber(100 * found.confidence) +
+         " %\n" + (found.note.empty() ? "" : "  note: " + found.note + "\n");
+}
+
 void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& input,
                const FitReportOptions& options) {
   const std::string weights = input.WeightVariable() ? input.VariableAt(*input.WeightVariable()).Name() : "";
@@ -260,12 +284,16 @@ void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& 
   std::string text;
   if (!weights.empty()) text += "Cases weighted by " + weights + "\n";
   if (!selection.empty()) text += "Cases with " + selection + "\n";
-  for (const FittedVariable& variable : variables) {
+  for (std::size_t i = 0; i < variables.size(); ++i) {
+    const FittedVariable& variable = variables[i];
     const std::string& rankedBy = variable.isContinuous ? options.rankBy : options.discreteRankBy;
     if (json) {
       report["variables"].push_back(VariableJson(variable, rankedBy));
+      report["variables"].back()["quantiles"] = QuantilesJson(options.quantiles[i]);
     } else {
       text += (text.empty() ? "" : "\n") + VariableText(variable, rankedBy, options.bootstrapSamples > 0);
+      if (options.quantiles[i])
+        text += QuantilesText(*options.quantiles[i], variable.moments.Number("standard_deviation"_column));
     }
   }
   std::fputs(json ? JsonText(report).c_str() : (text + Footnote(options)).c_str(), stdout);

@@ -26,8 +26,10 @@
 #include "host/jobs/exchange_jobs.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
+#include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_job.h"
+#include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
@@ -141,14 +143,19 @@ JobInput InputOf(const Sheet& sheet, bool isLent, std::shared_ptr<AnalysisRef>& 
   return {sheet->Sheet(), workbook != nullptr ? &workbook->File() : nullptr, sheet.get(), start, isLent};
 }
 
-// The analysis and the names of the fitted variables, in the order of the results.
+// The analysis, the names of the fitted variables in the order of the results, their fits, and their quantiles as JSON.
 py::tuple Fit(const FitJob& job, const Sheet& sheet, bool isLent) {
   std::shared_ptr<AnalysisRef> analysis;
   std::vector<std::string> names;
-  CarryOut(analysis, [&] { names = job.Run(InputOf(sheet, isLent, analysis), TheJob()); });
-  return py::make_tuple(
-      analysis, names,
-      FitDicts(InTurn([&] { return ReadFitResults(*analysis->Session().Dialog(), Covariances::kLeftOut); })));
+  std::vector<FittedVariable> fitted;
+  std::vector<std::string> quantiles;
+  CarryOut(analysis, [&] {
+    names = job.Run(InputOf(sheet, isLent, analysis), TheJob());
+    fitted = ReadFitResults(*analysis->Session().Dialog(),
+                            job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut);
+    for (const auto& one : AllQuantiles(job, fitted)) quantiles.push_back(JsonText(QuantilesJson(one)));
+  });
+  return py::make_tuple(analysis, names, FitDicts(fitted), quantiles);
 }
 
 // The correlation matrix of the fits that the open dialog shows, and which are put on the sheet.
@@ -328,6 +335,10 @@ void BindFitJob(py::module_& module) {
       .def_readwrite("johnson_percentiles", &FitJob::johnsonPercentiles)
       .def_readwrite("bootstrap", &FitJob::bootstrap)
       .def_readwrite("bootstrap_seed", &FitJob::bootstrapSeed)
+      .def_readwrite("quantiles", &FitJob::quantiles)
+      .def_readwrite("exceed", &FitJob::exceed)
+      .def_readwrite("return_periods", &FitJob::returnPeriods)
+      .def_readwrite("confidence", &FitJob::confidence)
       .def_readwrite("weights", &FitJob::weights)
       .def_readwrite("select", &FitJob::select)
       .def_readwrite("save", &FitJob::save)
@@ -428,6 +439,26 @@ void BindScoreJob(py::module_& module) {
   DefineData(job);
 }
 
+// The report of the command as JSON.
+std::string FitCensored(const CensoredFitJob& job, const Sheet& sheet) {
+  std::string report;
+  CarryOut(nullptr, [&] {
+    RefuseRecordedPlot(job.fit.plot, TheJob());
+    report = JsonText(CensoredJson(job.Run(sheet->Sheet())));
+  });
+  return report;
+}
+
+void BindCensoredFitJob(py::module_& module) {
+  py::class_<CensoredFitJob>(module, "CensoredFitJob")
+      .def(py::init(
+          [](const FitJob& fit, std::optional<std::string> censor, std::optional<std::string> censorUpper) {
+            return CensoredFitJob{fit, std::move(censor), std::move(censorUpper)};
+          }))
+      .def("check", &Check<CensoredFitJob>)
+      .def("run", &FitCensored);
+}
+
 void BindCapabilityJob(py::module_& module) {
   py::class_<CapabilityJob> job(module, "CapabilityJob");
   DefineSpecification(job);
@@ -456,6 +487,7 @@ void BindJobs(py::module_& module) {
   BindProfileJob(module);
   BindScoreJob(module);
   BindCapabilityJob(module);
+  BindCensoredFitJob(module);
   module.attr("NotSet") = kNotSet;
   module.def(
       "_take_former_properties",

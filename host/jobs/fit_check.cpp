@@ -1,5 +1,6 @@
 // What can be wrong with a fit that is asked for.
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 #include "host/base/almost_equal.h"
@@ -56,6 +57,7 @@ class FitCheck {
     if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
     Bootstrap();
+    Quantiles();
     Saving();
     Save();
     return std::move(faults_);
@@ -158,6 +160,27 @@ class FitCheck {
     if (!job_.bootstrapSeed) return;
     CheckWholeNumber("bootstrapSeed", *job_.bootstrapSeed, 0, kMostCount, faults_);
     if (!job_.bootstrap) Add("bootstrapSeed", "a seed has no effect without a bootstrap");
+  }
+
+  void Quantiles() {
+    for (const double p : job_.quantiles) CheckWithin("quantiles", "a probability", p);
+    for (const double x : job_.exceed) CheckNumber("exceed", x, faults_, "");
+    for (const double period : job_.returnPeriods) {
+      if (!(period > 1) || !std::isfinite(period))
+        Add("returnPeriods", "expected a period longer than 1, got " + ShortestNumber(period));
+    }
+    if (job_.confidence) CheckWithin("confidence", "a number", *job_.confidence);
+    RequireFitted("quantiles", !job_.quantiles.empty(), true);
+    RequireFitted("exceed", !job_.exceed.empty(), true);
+    RequireFitted("returnPeriods", !job_.returnPeriods.empty(), true);
+    const bool isDrawn = job_.plot.IsAsked() && job_.plot.Kind() == kReturnLevels;
+    if (job_.confidence && !job_.AsksForQuantiles() && !isDrawn)
+      Add("confidence", "no quantile is asked for, and no probability or return level");
+  }
+
+  void CheckWithin(std::string_view field, const std::string& what, double value) {
+    if (!(value > 0 && value < 1))
+      Add(field, "expected " + what + " between 0 and 1, got " + ShortestNumber(value));
   }
 
   void Saving() {

@@ -19,9 +19,11 @@ void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& pat
 // The graph of several fits, beside those of kFitGraphs: the histogram with the curves of the best.
 inline constexpr std::string_view kFitComparison = "fit-comparison";
 inline constexpr std::size_t kComparedFits = 3;
+// And the return levels of the fit (fit_quantiles.h).
+inline constexpr std::string_view kReturnLevels = "return-levels";
 inline constexpr std::string_view kFitPlotKinds[] = {
     kOverview, kFitComparison,           "histogram", "cumulative-histogram", "pp",
-    "qq",      "empirical-distribution", "box-plot"};
+    "qq",      "empirical-distribution", "box-plot",  kReturnLevels};
 
 // What there is to draw of each variable that the fit results dialog shows: the graphs of its kind. A graph that
 // cannot be made says why in its place.

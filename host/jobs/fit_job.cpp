@@ -1,6 +1,7 @@
 #include "host/jobs/fit_job.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <set>
 
@@ -12,6 +13,7 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/fit_graphs.h"
+#include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/tables/matrix_sheet.h"
@@ -72,6 +74,39 @@ void SayWhatLooksDiscrete(const Spreadsheet& sheet, const std::vector<std::strin
         {"these may be counts, but are fitted as continuous unless they are given as discrete: " + names,
          {},
          {}});
+}
+
+// The column of a sheet that looks as if it said which cases are censored: of 0 and 1, and called after that.
+std::optional<std::string> CensoringColumn(const Spreadsheet& sheet) {
+  constexpr std::string_view kNames[] = {"status", "cens", "event", "delta", "failed", "suspended"};
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    const Variable& variable = sheet.VariableAt(i);
+    std::string name = variable.Name();
+    std::ranges::transform(name, name.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    if (std::ranges::none_of(kNames, [&](std::string_view one) { return name.starts_with(one); })) continue;
+    std::set<double> different;
+    for (std::size_t k = 0; k < variable.Size() && different.size() < 3; ++k) {
+      if (!variable.IsMissing(k)) different.insert(variable.Values()[k]);
+    }
+    if (variable.Type() == VariableType::kNumeric && different == std::set<double>{0, 1})
+      return variable.Name();
+  }
+  return std::nullopt;
+}
+
+// Lifetimes that were still running when they were seen last are longer than they look.
+void SayWhatLooksCensored(const Spreadsheet& sheet, const FitJob::Variables& fitted,
+                          UserInterface& interface) {
+  const auto column = CensoringColumn(sheet);
+  const std::vector<std::string> named = fitted.All();
+  if (!column || named == std::vector<std::string>{*column}) return;
+  interface.ShowMessage(
+      {Quoted(*column) +
+           " may say which values are censored, that is known by a bound alone; a fit takes that "
+           "into account if the column is given as the one of censoring",
+       {},
+       {}});
 }
 
 // What is wrong with a job over these data. Taking away what is not there would do nothing.
@@ -285,6 +320,7 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
     SayWhatIsLeftOut(sheet, session.Interface());
     SayWhatLooksDiscrete(sheet, fitted.continuous, session.Interface());
   }
+  SayWhatLooksCensored(sheet, fitted, session.Interface());
   const auto continuous = NumbersOf(sheet, fitted.continuous, "continuous");
   const auto discrete = NumbersOf(sheet, fitted.discrete, "discrete");
   session.Begin(Task::kFit);
@@ -318,7 +354,12 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
   std::vector<std::string> fitted = Fit(session, input.sheet);
   if (!save.empty()) SaveKept(input, Keep(session, input.sheet, fitted), recorder);
   if (!graphs.empty()) WriteFitGraphs(session.Analysis(), graphs, recorder);
-  if (plot.IsAsked()) WritePlot(plot, data.file.filename().string(), FitPlots(*session.Dialog(), plot));
+  if (plot.IsAsked()) {
+    const auto dialog = session.Dialog();
+    WritePlot(plot, data.file.filename().string(),
+              plot.Kind() == kReturnLevels ? ReturnLevelPlots(*this, *dialog, input.sheet)
+                                           : FitPlots(*dialog, plot));
+  }
   return fitted;
 }
 

@@ -64,15 +64,23 @@ struct FitJob {
   bool johnsonPercentiles = false;
   std::optional<double> bootstrap;
   std::optional<double> bootstrapSeed;  // without a number, 1
-  std::filesystem::path save;           // empty: the fits are not saved
-  std::vector<Truncation> truncate;     // saved with the fits, as is the order
-  std::vector<Order> order;             // without, all valid fits by their ranks
-  std::filesystem::path graphs;         // empty: none are written
+  // What is read off the fit of each continuous variable that is saved first, with intervals (fit_quantiles.h): quantiles of
+  // probabilities, probabilities of exceeding values, return levels of periods.
+  std::vector<double> quantiles;
+  std::vector<double> exceed;
+  std::vector<double> returnPeriods;
+  std::optional<double> confidence;  // of the intervals, between 0 and 1; without, 0.95
+  std::filesystem::path save;        // empty: the fits are not saved
+  std::vector<Truncation> truncate;  // saved with the fits, as is the order
+  std::vector<Order> order;          // without, all valid fits by their ranks
+  std::filesystem::path graphs;      // empty: none are written
   Plot plot;
 
   std::string RankedBy(bool continuous) const {
     return (continuous ? rankBy : discreteRankBy).value_or("ks");
   }
+  bool AsksForQuantiles() const { return !quantiles.empty() || !exceed.empty() || !returnPeriods.empty(); }
+  double IntervalConfidence() const { return confidence.value_or(0.95); }
   // Whether the distribution is tried, if it applies to a variable.
   bool Tries(const FittedType& type) const;
 

@@ -16,13 +16,15 @@ from ._automation import (Analysis, Application, Array, AutomationObject, GraphD
                           TableDocument)
 from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv
 from ._capability import CapabilityResult, capability
+from ._censored import CensoredFitResult, CensoredVariable
 from ._design import Design, design
 from ._errors import Error, MessageWarning
 from ._jobs import FitResult, FittedVariable, ProfiledResponse, ProfileResult, fit, profile, score, simulate
 from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
 
-_OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityResult", "Design", "Error", "FitResult", "FittedVariable",
+_OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityResult",
+            "CensoredFitResult", "CensoredVariable", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
             "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
             "dialogs", "design", "distributions", "fit", "open_workbook", "profile", "read_csv", "record", "score", "simulate")

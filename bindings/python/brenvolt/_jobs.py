@@ -4,6 +4,7 @@ from __future__ import annotations
 
 import contextlib
 import html
+import json
 import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
@@ -15,6 +16,8 @@ from ._errors import Error
 if TYPE_CHECKING:
     import numpy
     import pandas
+
+    from . import _censored
 
 Names = str | int | Iterable[str] | Iterable[int] | None
 
@@ -120,6 +123,15 @@ def _choice(word, choices, what):
     return choices[word]
 
 
+def _numbers(given, what):
+    """One number or several."""
+    if given is None:
+        return []
+    if not isinstance(given, Iterable) or isinstance(given, (str, bytes)):
+        return [_arguments.number(given, what, "a number or numbers")]
+    return [_arguments.number(one, f"{what}[{place}]") for place, one in enumerate(given)]
+
+
 def _offsets(offsets):
     found = []
     for variable, given in _mapping(offsets, "offsets", "{variable: {distribution: offset}}"):
@@ -166,10 +178,14 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         weights: str | None = None, select: str | None = None,
         offsets: Mapping[str, Mapping[str, float]] | None = None, mixtures: Mapping[str, int] | None = None,
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
-        bootstrap: int | None = None, bootstrap_seed: int | None = None, sheet: str | None = None,
+        bootstrap: int | None = None, bootstrap_seed: int | None = None,
+        quantiles: float | Iterable[float] | None = None, exceed: float | Iterable[float] | None = None,
+        return_periods: float | Iterable[float] | None = None, confidence: float | None = None,
+        censor: str | None = None, censor_upper: str | None = None, sheet: str | None = None,
         save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
-        plot_width: int | None = None, plot_band: bool = False, yes: bool = False, decimal_comma: bool = False) -> FitResult:
+        plot_width: int | None = None, plot_band: bool = False, yes: bool = False,
+        decimal_comma: bool = False) -> FitResult | _censored.CensoredFitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -188,19 +204,25 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     johnson_percentiles: fits the Johnson distribution from percentiles instead of moments.
     bootstrap: samples of a parametric bootstrap, which gives p-values that allow for the estimation; bootstrap_seed:
     where its random numbers start, 1 without.
+    quantiles, exceed, return_periods: what to read off the best fit of each continuous variable, with intervals by its
+    covariance and, with bootstrap, by that: quantiles of probabilities, probabilities of exceeding values, return levels;
+    see FittedVariable.quantiles. confidence: of the intervals, 0.95 without.
+    censor: the column that says how each value is known: 1 or "exact", 0 or "right" (censored), 2 or "left", 3 or "interval"; in a
+    column called after censoring, 1 is right censored and 0 exact. censor_upper: the column of upper bounds, of which the
+    variable has the lower ones; without censor, a missing bound is infinite. Either gives a CensoredFitResult.
     sheet: name of the sheet of a workbook; without, its first data sheet. Of a frame, mapping or array, the name that
     its sheet gets; without, "Sheet".
     save: project file that takes the data with the fits; see FitResult.save.
     graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
     plot: picture, by ending .png, .svg, or .pdf with a page for each variable; with "{name}" in its name a file for each.
     plot_kind: "overview" (as without), "fit-comparison", "histogram", "cumulative-histogram", "pp", "qq",
-    "empirical-distribution" or "box-plot"; plot_theme: "light" (as without) or "dark"; plot_width: in pixels;
+    "empirical-distribution", "box-plot" or "return-levels"; plot_theme: "light" (as without) or "dark"; plot_width: in pixels;
     plot_band: P-P and Q-Q plots have the limits within which 95 % of samples from a continuous fit lie.
     yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
     data.
     decimal_comma: the CSV file has decimal commas, and semicolons between the fields.
 
-    Returns a FitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
+    Returns a FitResult; of censored values a CensoredFitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
     """
     job = _job(_brenvolt.FitJob, data=_file_of(data), continuous=_arguments.names(continuous, "continuous"),
@@ -209,11 +231,18 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                rank_by=rank_by, discrete_rank_by=discrete_rank_by, binning=binning, missing=missing,
                offsets=_offsets(offsets), mixtures=_counts(mixtures, "mixtures", "{variable: components}"),
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
-               bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, weights=weights, select=select, save=save,
+               bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, quantiles=_numbers(quantiles, "quantiles"),
+               exceed=_numbers(exceed, "exceed"), return_periods=_numbers(return_periods, "return_periods"),
+               confidence=confidence, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
                plot_band=plot_band, yes=yes, decimal_comma=decimal_comma)
+    required = [name for given in (continuous, discrete, weights, censor, censor_upper)
+                for name in _arguments.names(given, "required")]
+    if censor is not None or censor_upper is not None:
+        from . import _censored
+
+        return _censored.fit(job, censor, censor_upper, lambda: _sheet_of(data, sheet, required, decimal_comma))
     job.check()
-    required = [name for given in (continuous, discrete, weights) for name in _arguments.names(given, "required")]
     return FitResult(job, _sheet_of(data, sheet, required, decimal_comma), _is_lent(data))
 
 
@@ -228,12 +257,12 @@ class FitResult:
     """
 
     def __init__(self, job: Any, sheet: Spreadsheet, lent: bool) -> None:
-        analysis, self._names, results = job.run(sheet, lent)
+        analysis, self._names, results, quantiles = job.run(sheet, lent)
         self._job, self._lent = job, lent
         self.analysis = _automation.Analysis._of(analysis)
         self.dialog = self.analysis.dialog
         self.sheet = self.analysis.sheet
-        self.variables = {name: FittedVariable(self, place, results[place - 1])
+        self.variables = {name: FittedVariable(self, place, results[place - 1], json.loads(quantiles[place - 1]))
                           for place, name in enumerate(self._names, 1)}
 
     @property
@@ -311,8 +340,9 @@ class FittedVariable:
     all of them, that the data are much rounded.
     """
 
-    def __init__(self, result, place, numbers):
+    def __init__(self, result, place, numbers, quantiles):
         self._result = result
+        self._quantiles = quantiles
         self._place = place
         self.name = numbers["name"]
         self.kind = "continuous" if numbers["continuous"] else "discrete"
@@ -354,6 +384,17 @@ class FittedVariable:
             for name in ("origin", "reason", "note"):
                 frame[name] = [fit[name] for fit in self._fits]
         return frame
+
+    @property
+    def quantiles(self) -> pandas.DataFrame | None:
+        """A DataFrame of the quantiles and return levels that fit() was asked for, with their intervals by the covariance of
+        the best fit (lower, upper) and by bootstrap (bootstrap_lower, bootstrap_upper); None if none were."""
+        return _read_off(self._quantiles, "quantiles")
+
+    @property
+    def exceedances(self) -> pandas.DataFrame | None:
+        """The same for the probabilities of exceeding values."""
+        return _read_off(self._quantiles, "exceedances")
 
     def distribution(self, name: str) -> _distributions.Distribution | None:
         """The fitted distribution of that name; None if its fit failed. Raises KeyError if it was not tried."""
@@ -400,6 +441,18 @@ class FittedVariable:
 
     def __repr__(self):
         return f"<FittedVariable {self.name}: {self.best!r}>"
+
+
+def _read_off(quantiles, which):
+    """A DataFrame of what was read off a fit, or None."""
+    if quantiles is None or not quantiles[which]:
+        return None
+    import pandas
+
+    rows = [{"probability": row["probability"], "value": row["value"], "return_period": row["returnPeriod"],
+             **row["byCovariance"], **{f"bootstrap_{end}": one for end, one in row["byBootstrap"].items()}}
+            for row in quantiles[which]]
+    return pandas.DataFrame(rows).astype(float)
 
 
 def _distribution(fit):

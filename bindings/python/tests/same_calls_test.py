@@ -35,7 +35,7 @@ REFUSED_FITS = (
     ({"weights": "z"}, "sheet d has no variable called 'z' (weights)"),
     ({"save": "p.bvw", "graphs": "g.png"}, "expected a file ending in .json, got g.png (graphs)"),
     ({"save": "p.bvw", "plot": "p.gif"}, "expected a file ending in .png, .svg or .pdf, got p.gif (plot)"),
-    ({"plot": "p.png", "plot_kind": "pie"}, "pp, qq; got 'pie' (plot_kind)"),
+    ({"plot": "p.png", "plot_kind": "pie"}, "pp, qq, return-levels; got 'pie' (plot_kind)"),
     ({"plot": "p.png", "plot_theme": "blue"}, "expected one of dark, light; got 'blue' (plot_theme)"),
     ({"plot_width": 640}, "there is no picture without a file for it (plot_width)"),
     ({"plot": "p.png", "plot_width": 12}, "expected a whole number from 320 to 8000, got 12 (plot_width)"),
@@ -74,6 +74,11 @@ REFUSED_FITS = (
     ({"bootstrap": 1e7}, "got 10000000 (bootstrap)"),
     ({"bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
     ({"bootstrap": 9, "bootstrap_seed": -1}, "from 0 to 2147483647, got -1 (bootstrap_seed)"),
+    ({"quantiles": [0.5, 1]}, "expected a probability between 0 and 1, got 1 (quantiles)"),
+    ({"return_periods": [1]}, "expected a period longer than 1, got 1 (return_periods)"),
+    ({"discrete": ["n"], "exceed": [2.5]}, "no continuous variable is fitted (exceed)"),
+    ({"confidence": 0.9}, "no quantile is asked for, and no probability or return level (confidence)"),
+    ({"quantiles": [0.5], "confidence": 95}, "expected a number between 0 and 1, got 95 (confidence)"),
     ({"save": "p.csv"}, "expected a file ending in .bvw, got p.csv (save)"),
     ({"select": "x >"}, "selection condition, character 4: the formula is incomplete (select)"),
     ({"save": "p.bvw", "truncate": {"x": (3, 3)}}, "'x': the lower bound must be less than the upper one (truncate)"),
@@ -142,6 +147,25 @@ REFUSED_CAPABILITIES = (
     ({"specifications": LIMITS, "distribution": "weibul"}, "bernoulli, histogram (distribution)"),
     ({"specifications": LIMITS, "select": "x > 100"}, "no case meets the condition 'x > 100' (select)"),
 )
+# Calls of fit() over DATA, of which values are censored.
+REFUSED_CENSORED = (
+    ({"censor": "z"}, "name the variable that is censored: one of x, n, w (continuous)"),
+    ({"continuous": ["x"], "censor": "z"}, "sheet d has no variable called 'z' (censor)"),
+    ({"continuous": ["x"], "censor": "n"}, "0 or right, 1 or exact, 2 or left, 3 or interval, or in a column called after"
+                                           " censoring 0 or 1 (censor)"),
+    ({"continuous": ["x"], "censor_upper": "n"}, "case 3: the upper bound 0 is below the lower one, 3 (censor_upper)"),
+    ({"continuous": ["x"], "censor": "w", "bootstrap": 9}, "this does not apply to censored values (bootstrap)"),
+    ({"discrete": ["x"], "censor": "w"}, "this does not apply to censored values (discrete)"),
+    ({"continuous": ["x"], "censor": "w", "rank_by": "ks"}, "ranked by aic or bic (rank_by)"),
+    ({"continuous": ["x"], "censor": "w", "distributions": ["triangular"]}, "weibull, generalextremevalue (distributions)"),
+    ({"continuous": ["x"], "censor": "w", "quantiles": [2]}, "a probability between 0 and 1, got 2 (quantiles)"),
+)
+FANS = {"continuous": ["hours"], "censor": "status"}
+CENSORED = (
+    FANS,
+    {**FANS, "quantiles": [0.1, 0.5], "exceed": [1000], "rank_by": "bic", "select": "hours > 1000"},
+    {**FANS, "distributions": ["weibull"], "offsets": {"hours": {"weibull": -100}}, "return_periods": [10]},
+)
 # And over an example.
 RINGS = {"diameter": (73.95, 74, 74.05)}
 CAPABILITIES = (
@@ -181,6 +205,9 @@ FITS = (
                   "missing": "casewise"}),
     ("faithful", {"save": "p.bvw", "truncate": {"waiting": (None, 90)}, "order": {"waiting": ["normal", "weibull"]}}),
     ("toxocara", {"discrete": ["number"], "discrete_rank_by": "chi-square", "trials": {"number": 100}}),
+    ("portpirie_sea_level", {"bootstrap": 50, "quantiles": [0.01, 0.5], "exceed": [4.5], "return_periods": [100],
+                             "confidence": 0.9, "distributions": ["generalextremevalue"]}),
+    ("faithful", {"quantiles": [0.1], "distributions": ["johnson", "weibull"]}),
     ("portpirie_sea_level", {"bootstrap": 20, "bootstrap_seed": 5, "distributions": ["normal"]}),
 )
 # Calls of profile() over the ozone data, whose sensitivity is small enough to run, and of score().
@@ -201,7 +228,7 @@ def entries(argument, value):
     if argument in REPEATED:
         return value
     if not isinstance(value, dict):
-        return [",".join(value) if isinstance(value, list) else str(value)]
+        return [",".join(map(str, value)) if isinstance(value, list) else str(value)]
     if argument == "offsets":
         return [f"{variable}:{name}={offset}" for variable, given in value.items() for name, offset in given.items()]
     separator = "," if argument == "specifications" else ":"
@@ -282,6 +309,7 @@ class SameCalls(unittest.TestCase):
                             REFUSED_PROFILES)
         self.check_refusals("capability", "d.csv", lambda arguments: brenvolt.capability("d.csv", **arguments),
                             REFUSED_CAPABILITIES)
+        self.check_refusals("fit", "d.csv", lambda arguments: brenvolt.fit("d.csv", **arguments), REFUSED_CENSORED)
         application = brenvolt.Application()
         self.check_refusals("import", "d.csv", lambda arguments: application.import_file("d.csv", **arguments),
                             REFUSED_IMPORTS)
@@ -382,6 +410,7 @@ class SameCalls(unittest.TestCase):
                          (expected["kind"], expected["n"], expected["missing"]))
         self.assertEqual(variable.cautions, [caution["message"] for caution in expected["cautions"]])
         self.assertEqual(variable.notes, expected["notes"])
+        self.assertEqual(variable._quantiles, expected["quantiles"])
         rows = variable.fits.to_dict("records")
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
             self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
@@ -463,6 +492,18 @@ class SameCalls(unittest.TestCase):
             value = expected["value"] if isinstance(expected, dict) else expected
             numpy.testing.assert_equal(response.capability.loc[row, "value"], numpy.nan if value is None else value)
         self.assertEqual(response.capability_distribution, (capability["percentiles"] or {}).get("distribution", ""))
+
+    def test_censored_fits_are_the_same(self):
+        file = os.path.join(EXAMPLES, "generator_fans.csv")
+        for arguments in CENSORED:
+            with self.subTest(**arguments):
+                done = self.command("fit", file, *words(arguments), "--format", "json")
+                found = brenvolt.fit(file, **arguments)
+                self.assertEqual(found.report, json.loads(done.stdout))
+                hours = found.variables["hours"]
+                self.assertEqual(hours.fits["distribution"][0], hours._fits[0]["distribution"])
+                self.assertEqual(list(hours.standard_errors("weibull").values()),
+                                 next(fit["standardErrors"] for fit in hours._fits if fit["distribution"] == "weibull"))
 
     def test_capabilities_are_the_same(self):
         for name, arguments in CAPABILITIES:

@@ -1,0 +1,51 @@
+// Quantiles, return levels and probabilities of exceeding values, read off the fits that are saved first, with their
+// intervals.
+#pragma once
+
+#include <cstddef>
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/jobs/base/plot.h"
+#include "host/jobs/fit_job.h"
+#include "host/jobs/fit_results.h"
+#include "host/statistics/fit_intervals.h"
+
+namespace brenvolt {
+
+struct FitQuantiles {
+  struct Row {
+    double probability;  // of a quantile, not to exceed it; else of exceeding the value
+    double value;
+    std::optional<double> returnPeriod = {};  // of a return level, which is a quantile
+    ConfidenceInterval byCovariance = {};     // of what is estimated; not set where there is none
+    ConfidenceInterval byBootstrap = {};
+  };
+  std::string distribution;
+  double confidence = 0;
+  std::size_t samples = 0;  // of the bootstrap, those that could be fitted
+  std::vector<Row> quantiles = {};
+  std::vector<Row> exceedances = {};
+  std::string note = {};  // why there are no intervals by covariance; empty if there are
+};
+
+// What the job asks for about a fit. `bootstrap` may be null.
+FitQuantiles ReadOff(const FitJob& job, const std::string& name, const FittedValues& fit,
+                     const FitBootstrap* bootstrap);
+// What the job asks for about a variable, the one of that number among the results, from 1. The variable was read with its
+// covariances. Nothing if nothing is asked, or if no fit is valid.
+std::optional<FitQuantiles> QuantilesOf(const FitJob& job, const FittedVariable& variable,
+                                        std::size_t number);
+// The same for all variables that the results show.
+std::vector<std::optional<FitQuantiles>> AllQuantiles(const FitJob& job,
+                                                      const std::vector<FittedVariable>& variables);
+// Null without.
+nlohmann::ordered_json QuantilesJson(const std::optional<FitQuantiles>& found);
+
+// The return levels of each variable that the open dialog shows, over the reduced variate -ln(-ln p), with the values at
+// their plotting positions.
+std::vector<PlotPage> ReturnLevelPlots(const FitJob& job, AutomationObject& dialog, const Spreadsheet& sheet);
+
+}  // namespace brenvolt

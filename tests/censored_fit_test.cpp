@@ -1,0 +1,139 @@
+// brenvolt fit of censored values, and quantiles of fits, as a user runs them.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/run_program.h"
+
+namespace brenvolt::test {
+namespace {
+
+const std::string kExamples = BRENVOLT_SOURCE_DIR "/examples/";
+
+struct LifeData : testing::Test {
+  TemporaryFolder folder;
+
+  Outcome Run(const std::vector<std::string>& arguments) const {
+    return RunBrenvolt(arguments, folder.Path());
+  }
+  void Write(const std::string& name, const std::string& text) const {
+    std::ofstream(folder.Path() / name) << text;
+  }
+  nlohmann::json Report(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.end(), {"--format", "json"});
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return nlohmann::json::parse(outcome.out, nullptr, false);
+  }
+  // The censoring that a file of values is read with.
+  nlohmann::json Censoring(const std::string& text, std::vector<std::string> options) const {
+    Write("c.csv", text);
+    options.insert(options.begin(), {"fit", "c.csv", "--distributions", "weibull"});
+    return Report(options)["variables"][0]["censoring"];
+  }
+};
+
+// Failure times of generator fans (Nelson 1982), of which R 4.2, survival::survreg, has scale 26296.845 and shape 1.05844585, and
+// 10 % of which fail by 3137.24 h (1686.21 to 5836.93).
+TEST_F(LifeData, FansAgreeWithSurvreg) {
+  const auto fans = Report({"fit", kExamples + "generator_fans.csv", "--continuous", "hours", "--censor",
+                            "status", "--distributions", "weibull", "--quantiles", "0.1"})["variables"][0];
+  EXPECT_EQ(fans["censoring"]["exact"], 12);
+  EXPECT_EQ(fans["censoring"]["right"], 58);
+  EXPECT_EQ(fans["curve"]["estimator"], "kaplan-meier");
+  const auto& fit = fans["fits"][0];
+  EXPECT_NEAR(fit["logLikelihood"], -135.15272, 0.00001);
+  EXPECT_NEAR(fit["parameters"][0], 26296.845, 0.01);
+  EXPECT_NEAR(fit["parameters"][1], 1.05844585, 1e-7);
+  const auto& tenth = fans["quantiles"]["quantiles"][0];
+  EXPECT_NEAR(tenth["value"], 3137.24, 0.01);
+  EXPECT_NEAR(tenth["byCovariance"]["lower"], 1686.21, 0.01);
+  EXPECT_NEAR(tenth["byCovariance"]["upper"], 5836.93, 0.01);
+}
+
+TEST_F(LifeData, CodesAreReadAsTheFieldWritesThem) {
+  const struct {
+    const char* text;
+    std::vector<std::string> options;
+    std::array<int, 4> expected;  // exact, right, left, interval
+  } cases[] = {
+      {"t,status\n1,1\n2,0\n3,1\n4,1\n", {"--continuous", "t", "--censor", "status"}, {3, 1, 0, 0}},
+      {"t,censored\n1,0\n2,1\n3,0\n4,0\n", {"--continuous", "t", "--censor", "censored"}, {3, 1, 0, 0}},
+      {"t,k\n1,exact\n2,right\n3,L\n4,Failure\n5,+\n", {"--censor", "k"}, {2, 2, 1, 0}},
+      {"t,u,k\n1,,1\n2,3,3\n3,,2\n4,,0\n5,,1\n",
+       {"--continuous", "t", "--censor", "k", "--censor-upper", "u"},
+       {2, 1, 1, 1}},
+      {"t,u\n1,1\n2,3\n,3\n4,\n5,5\n,\n", {"--continuous", "t", "--censor-upper", "u"}, {2, 1, 1, 1}},
+      {"t,status,n\n1,1,3\n2,0,2\n3,1,1\n",
+       {"--continuous", "t", "--censor", "status", "--weights", "n"},
+       {4, 2, 0, 0}}};
+  for (const auto& c : cases) {
+    const auto found = Censoring(c.text, c.options);
+    const std::array<int, 4> counts{found["exact"], found["right"], found["left"], found["interval"]};
+    EXPECT_EQ(counts, c.expected) << c.text;
+  }
+}
+
+TEST_F(LifeData, RefusesWhatIsNotCensored) {
+  Write("c.csv", "t,u,status,k\n1,2,1,a\n2,1,0,b\n3,4,5,c\n");
+  struct Case {
+    std::vector<std::string> options;
+    const char* message;
+  };
+  const Case cases[] = {
+      {{"--censor", "none"}, "sheet c has no variable called 'none' (--censor)"},
+      {{"--censor", "status"},
+       "case 3: '5' in 'status' says nothing about censoring; expected 0 or right, 1 or exact, 2 or "
+       "left, 3 or interval, or in a column called after censoring 0 or 1 (--censor)"},
+      {{"--censor-upper", "u"}, "case 2: the upper bound 1 is below the lower one, 2 (--censor-upper)"},
+      {{"--censor", "status", "--bootstrap", "9"}, "this does not apply to censored values (--bootstrap)"},
+      {{"--censor", "status", "--rank-by", "ks"},
+       "tests need every value; censored ones are ranked by aic or bic (--rank-by)"},
+      {{"--censor", "status", "--distributions", "johnson"},
+       "the johnson distribution is not fitted to censored values; these are: normal, lognormal, halfnormal, "
+       "rayleigh, "
+       "weibull, generalextremevalue (--distributions)"}};
+  for (const Case& c : cases) {
+    std::vector<std::string> arguments{"fit", "c.csv", "--continuous", "t"};
+    arguments.insert(arguments.end(), c.options.begin(), c.options.end());
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 2) << c.message;
+    EXPECT_EQ(outcome.err, std::string("brenvolt: ") + c.message + "\n");
+  }
+  EXPECT_NE(
+      Run({"fit", "c.csv", "--censor", "status"}).err.find("name the variable that is censored: one of t, u"),
+      std::string::npos);
+}
+
+TEST_F(LifeData, AColumnCalledStatusBringsAHint) {
+  Write("c.csv", "t,status,x\n1,1,1\n2,0,3\n3,1,2\n4,0,5\n5,1,4\n");
+  EXPECT_NE(Run({"fit", "c.csv", "--continuous", "t", "--distributions", "normal"})
+                .err.find("'status' may say which values are censored"),
+            std::string::npos);
+  EXPECT_EQ(Run({"fit", "c.csv", "--continuous", "t", "--censor", "status", "--distributions", "normal"}).err,
+            "");
+  Write("d.csv", "t,statusx\n1,1\n2,7\n3,1\n4,0\n");
+  EXPECT_EQ(Run({"fit", "d.csv", "--continuous", "t", "--distributions", "normal"}).err, "");
+}
+
+TEST_F(LifeData, QuantilesHaveIntervalsByCovarianceAndBootstrap) {
+  const auto found = Report({"fit", kExamples + "portpirie_sea_level.csv", "--distributions",
+                             "generalextremevalue", "--return-periods", "10,100", "--exceed", "4.5",
+                             "--bootstrap", "100"})["variables"][0]["quantiles"];
+  EXPECT_EQ(found["distribution"], "General Extreme Value");
+  // Coles (2001), section 3.4.1.
+  EXPECT_NEAR(found["quantiles"][0]["value"], 4.30, 0.005);
+  EXPECT_NEAR(found["quantiles"][1]["value"], 4.69, 0.005);
+  for (const auto& row : found["quantiles"]) {
+    for (const char* kind : {"byCovariance", "byBootstrap"}) {
+      EXPECT_LT(row[kind]["lower"], row["value"]) << kind;
+      EXPECT_GT(row[kind]["upper"], row["value"]) << kind;
+    }
+  }
+  EXPECT_LT(found["exceedances"][0]["byCovariance"]["upper"], 1);
+}
+
+}  // namespace
+}  // namespace brenvolt::test
