@@ -1,0 +1,58 @@
+// One analysis in the window: it runs on the thread of analyses, and its open dialog stands beside the results, one
+// after the other as the sequence goes.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <memory>
+
+#include "apps/desktop/base/engine_thread.h"
+#include "apps/desktop/dialogs/dialog_window.h"
+#include "apps/desktop/port/document_sink.h"
+#include "apps/desktop/port/window_interface.h"
+#include "host/application/application.h"
+
+namespace brenvolt::desktop {
+
+class AnalysisRun : public QObject {
+  Q_OBJECT
+
+ public:
+  // Starts an analysis over a sheet; its startup dialog is open but not yet shown. All must outlive the run; while a
+  // call is under way (engine.IsBusy()), the sheet is the analysis's. Throws Error.
+  AnalysisRun(EngineThread& engine, DocumentSink& sink, Spreadsheet& sheet, QWidget& owner);
+  ~AnalysisRun() override;
+
+  // For who offers the analysis matrices or other services, and for recorders, before Show.
+  CAnalysisDoc& Input() { return input_; }
+  CAnalysisSupport& Analysis() { return *analysis_; }
+  WindowInterface& Interface() { return interface_; }
+
+  // Shows the window of the dialog that is open. Called again after the analysis was driven otherwise.
+  void Show();
+  // The window that is shown; null once the sequence has ended.
+  DialogWindow* Window() const { return window_; }
+  // From the startup dialog to the dialog of one of its tasks, as a choice in its list does. False if it was refused.
+  bool Begin(int task);
+
+ signals:
+  // Another dialog's window is shown.
+  void windowChanged();
+  // The person has left the last dialog.
+  void ended();
+
+ private:
+  void Follow();
+  void OpenWindow(CAnalysisDialog& dialog, const QPoint* place);
+
+  EngineThread& engine_;
+  QWidget& owner_;
+  WindowInterface interface_;
+  Application application_;
+  CAnalysisDoc input_;
+  std::unique_ptr<CAnalysisSupport> analysis_;
+  std::function<bool()> isOpen_;  // of the dialog that the window shows
+  QPointer<DialogWindow> window_;
+};
+
+}  // namespace brenvolt::desktop

@@ -1,0 +1,150 @@
+#include "apps/desktop/port/variable_question.h"
+
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSortFilterProxyModel>
+#include <QTableView>
+#include <QVBoxLayout>
+
+#include "apps/desktop/base/text.h"
+#include "apps/desktop/dialogs/caption.h"
+#include "apps/desktop/port/variable_table.h"
+
+namespace brenvolt::desktop {
+namespace {
+
+constexpr int kRows = 14;
+constexpr int kCharacters = 62;
+
+class VariableDialog : public QDialog {
+ public:
+  VariableDialog(const VariableQuestion& question, const Spreadsheet* input, QWidget* owner)
+      : QDialog(owner), lists_(ListsOf(question)), table_(question.names, lists_, ChosenOf(question), input) {
+    setObjectName(QStringLiteral("variables"));
+    setWindowTitle(Shown(question.caption));
+    shown_.setSourceModel(&table_);
+    shown_.setFilterKeyColumn(static_cast<int>(lists_.size()) + 1);
+    shown_.setFilterCaseSensitivity(Qt::CaseInsensitive);
+    auto* const layout = new QVBoxLayout(this);
+    layout->addLayout(MakeSearch());
+    layout->addWidget(MakeView(), 1);
+    layout->addLayout(MakeListButtons());
+    layout->addWidget(&count_);
+    layout->addWidget(MakeButtons());
+    connect(&table_, &VariableTable::chosenChanged, this, [this] { ShowCount(); });
+    ShowCount();
+    view_.setFocus();
+  }
+
+  const VariableTable& Table() const { return table_; }
+
+ private:
+  static QStringList ListsOf(const VariableQuestion& question) {
+    QStringList lists{Shown(question.firstListCaption)};
+    if (!question.secondListCaption.empty()) lists.push_back(Shown(question.secondListCaption));
+    return lists;
+  }
+  static std::vector<std::vector<std::int16_t>> ChosenOf(const VariableQuestion& question) {
+    std::vector<std::vector<std::int16_t>> chosen{question.first};
+    if (!question.secondListCaption.empty()) chosen.push_back(question.second);
+    return chosen;
+  }
+
+  QLayout* MakeSearch() {
+    auto* const row = new QHBoxLayout;
+    auto* const label = new QLabel(tr("&Search:"));
+    label->setBuddy(&search_);
+    search_.setObjectName(QStringLiteral("search"));
+    search_.setClearButtonEnabled(true);
+    search_.setPlaceholderText(tr("part of a name"));
+    connect(&search_, &QLineEdit::textChanged, &shown_, &QSortFilterProxyModel::setFilterFixedString);
+    row->addWidget(label);
+    row->addWidget(&search_, 1);
+    return row;
+  }
+
+  QWidget* MakeView() {
+    view_.setObjectName(QStringLiteral("table"));
+    view_.setAccessibleName(tr("Variables"));
+    view_.setModel(&shown_);
+    view_.setSelectionBehavior(QAbstractItemView::SelectRows);
+    view_.verticalHeader()->hide();
+    view_.verticalHeader()->setDefaultSectionSize(view_.fontMetrics().height() * 3 / 2);
+    view_.setTabKeyNavigation(false);
+    for (int column = 0; column < table_.columnCount(); ++column) view_.resizeColumnToContents(column);
+    view_.horizontalHeader()->setSectionResizeMode(static_cast<int>(lists_.size()) + 1, QHeaderView::Stretch);
+    view_.setMinimumSize(kCharacters * view_.fontMetrics().averageCharWidth(),
+                         kRows * view_.verticalHeader()->defaultSectionSize());
+    return &view_;
+  }
+
+  // What the buttons below the table do to the rows that are selected, or to all that the search shows.
+  void Choose(int list, bool isIn) {
+    const QModelIndexList rows = view_.selectionModel()->selectedRows();
+    for (const QModelIndex& row : rows) table_.Choose(shown_.mapToSource(row).row(), list, isIn);
+    if (!rows.isEmpty()) return;
+    for (int row = 0; row < shown_.rowCount(); ++row)
+      table_.Choose(shown_.mapToSource(shown_.index(row, 0)).row(), list, isIn);
+  }
+
+  QLayout* MakeListButtons() {
+    auto* const row = new QHBoxLayout;
+    for (int list = 0; list < static_cast<int>(lists_.size()); ++list) {
+      auto* const add = new QPushButton(tr("Into \"%1\"").arg(Spoken(lists_[list])));
+      add->setObjectName(QStringLiteral("into%1").arg(list + 1));
+      add->setToolTip(tr("Puts the selected rows into the list, or all rows shown if none is selected"));
+      connect(add, &QPushButton::clicked, this, [this, list] { Choose(list, true); });
+      row->addWidget(add);
+    }
+    auto* const none = new QPushButton(tr("Into &none"));
+    none->setObjectName(QStringLiteral("none"));
+    connect(none, &QPushButton::clicked, this, [this] {
+      for (int list = 0; list < static_cast<int>(lists_.size()); ++list) Choose(list, false);
+    });
+    row->addWidget(none);
+    row->addStretch(1);
+    for (int i = 0; i + 1 < row->count(); ++i)
+      static_cast<QPushButton*>(row->itemAt(i)->widget())->setAutoDefault(false);
+    return row;
+  }
+
+  QWidget* MakeButtons() {
+    auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    buttons->setObjectName(QStringLiteral("buttons"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    return buttons;
+  }
+
+  void ShowCount() {
+    QStringList parts;
+    for (qsizetype list = 0; list < lists_.size(); ++list)
+      parts.push_back(
+          tr("%1: %2").arg(Spoken(lists_[list])).arg(table_.Chosen()[static_cast<std::size_t>(list)].size()));
+    count_.setText(tr("%1 of %2 variables").arg(parts.join(QStringLiteral(", "))).arg(table_.rowCount()));
+  }
+
+  QStringList lists_;
+  VariableTable table_;
+  QSortFilterProxyModel shown_;
+  QLineEdit search_;
+  QTableView view_;
+  QLabel count_;
+};
+
+}  // namespace
+
+bool AskForVariables(VariableQuestion& question, const Spreadsheet* input, QWidget* owner) {
+  VariableDialog dialog(question, input, owner);
+  if (dialog.exec() != QDialog::Accepted) return false;
+  const auto& chosen = dialog.Table().Chosen();
+  question.first = chosen.front();
+  if (chosen.size() > 1) question.second = chosen.back();
+  return true;
+}
+
+}  // namespace brenvolt::desktop

@@ -1,0 +1,57 @@
+// The user-interface port of the window: each question is put to the person by the window's thread, while the analysis
+// waits for the answer on its own.
+#pragma once
+
+#include <QPointer>
+
+#include "apps/desktop/base/engine_thread.h"
+#include "apps/desktop/port/document_sink.h"
+#include "apps/desktop/port/progress_window.h"
+#include "host/analysis/user_interface.h"
+
+class QWidget;
+
+namespace brenvolt::desktop {
+
+class WindowInterface : public UserInterface {
+ public:
+  // All must outlive the interface. Questions stand over `owner`, or over the window that is in front of it.
+  WindowInterface(EngineThread& engine, DocumentSink& sink, QWidget& owner);
+  ~WindowInterface() override;
+
+  // The sheet that questions about variables and cases are about; null for none.
+  void SetInput(std::function<const Spreadsheet*()> input) { input_ = std::move(input); }
+
+  MessageAnswer ShowMessage(const Message& message) override;
+  std::vector<std::filesystem::path> ChooseFiles(const FileQuestion& question) override;
+  bool SelectVariables(VariableQuestion& question) override;
+  bool EditSelection(SelectionQuestion& question) override;
+  bool EditWeights(WeightQuestion& question) override;
+  bool EditMatrix(MatrixQuestion& question) override;
+  void RunModal(CAnalysisModalDialog& dialog) override;
+  void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
+  void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
+  void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
+  void EndProgress() override;
+  bool IsExternallyCancelled() override;
+  std::chrono::milliseconds PollInterval() const override;
+
+  // For the window's thread: a message of the window itself.
+  void ShowFault(const QString& what);
+
+ private:
+  QWidget* Front() const;
+  const Spreadsheet* Input() const { return input_ ? input_() : nullptr; }
+
+  EngineThread& engine_;
+  DocumentSink& sink_;
+  QWidget& owner_;
+  QPointer<ProgressWindow> progress_;
+  std::function<const Spreadsheet*()> input_;
+};
+
+// A file dialog's filters from those of a question, whose descriptions and patterns stand one behind the other, apart by
+// bars: "Data files (*.csv)|*.csv|All files (*.*)|*.*||".
+QStringList NameFilters(std::string_view filter);
+
+}  // namespace brenvolt::desktop
