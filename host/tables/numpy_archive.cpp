@@ -7,6 +7,7 @@
 #include <bit>
 #include <exception>
 #include <limits>
+#include <numeric>
 #include <string_view>
 #include <vector>
 
@@ -29,6 +30,30 @@ std::string ArrayHeader(std::uint64_t length) {
   std::string header = "\x93NUMPY";
   header += {1, 0, static_cast<char>(text.size() % 256), static_cast<char>(text.size() / 256)};
   return header + text;
+}
+
+// The values of a column, some at a time, with NaN for those that are missing.
+template <class Take>
+void TakePieces(const Variable& variable, const Take& take) {
+  std::vector<double> piece;
+  for (std::size_t first = 0; first < variable.Size(); first += kValuesPerPiece) {
+    const std::size_t end = std::min(first + kValuesPerPiece, variable.Size());
+    piece.clear();
+    for (std::size_t i = first; i < end; ++i) {
+      piece.push_back(variable.IsMissing(i) ? std::numeric_limits<double>::quiet_NaN()
+                                            : variable.Values()[i]);
+    }
+    take(std::span<const double>(piece));
+  }
+}
+
+// Where there is room for what an archive will hold.
+std::filesystem::path FolderFor(const std::filesystem::path& path) {
+  std::error_code ignored;
+  const auto status = std::filesystem::status(path, ignored);
+  const bool isFile = !std::filesystem::exists(status) || std::filesystem::is_regular_file(status);
+  if (!isFile) return std::filesystem::temp_directory_path();
+  return path.has_parent_path() ? path.parent_path() : std::filesystem::path(".");
 }
 
 }  // namespace
@@ -105,18 +130,37 @@ bool IsNumpyArchiveName(const std::filesystem::path& path) {
 
 void WriteNumpyArchive(const Spreadsheet& sheet, const std::filesystem::path& path) {
   NumpyArchive file(path);
-  std::vector<double> piece;
   for (std::size_t c = 0; c < sheet.VariableCount(); ++c) {
     const Variable& variable = sheet.VariableAt(c);
     file.BeginColumn(variable.Name(), variable.Size());
-    for (std::size_t first = 0; first < variable.Size(); first += kValuesPerPiece) {
-      const std::size_t end = std::min(first + kValuesPerPiece, variable.Size());
-      piece.clear();
-      for (std::size_t i = first; i < end; ++i) {
-        piece.push_back(variable.IsMissing(i) ? std::numeric_limits<double>::quiet_NaN()
-                                              : variable.Values()[i]);
-      }
-      file.Append(piece);
+    TakePieces(variable, [&file](std::span<const double> piece) { file.Append(piece); });
+  }
+  file.Commit();
+}
+
+NumpyPieces::NumpyPieces(const std::filesystem::path& path) : path_(path), waiting_(FolderFor(path)) {}
+
+void NumpyPieces::Append(const Spreadsheet& piece) {
+  if (names_.empty()) {
+    for (std::size_t c = 0; c < piece.VariableCount(); ++c) names_.push_back(piece.VariableAt(c).Name());
+  }
+  for (std::size_t c = 0; c < names_.size(); ++c)
+    TakePieces(piece.VariableAt(c), [this](std::span<const double> values) { waiting_.Append(values); });
+  lengths_.push_back(piece.CaseCount());
+}
+
+void NumpyPieces::Commit() {
+  NumpyArchive file(path_);
+  const std::uint64_t total = std::accumulate(lengths_.begin(), lengths_.end(), std::uint64_t{0});
+  std::vector<double> values;
+  for (std::size_t c = 0; c < names_.size(); ++c) {
+    file.BeginColumn(names_[c], total);
+    std::uint64_t piece = 0;  // where it begins
+    for (const std::uint64_t length : lengths_) {
+      values.resize(length);
+      waiting_.Read(piece + c * length, values);
+      file.Append(values);
+      piece += names_.size() * length;
     }
   }
   file.Commit();

@@ -7,8 +7,10 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "host/base/files/output_file.h"
+#include "host/base/files/scratch_file.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
@@ -35,6 +37,23 @@ class NumpyArchive {
   std::filesystem::path path_;
   OutputFile file_;
   std::unique_ptr<Stream> stream_;
+};
+
+// An archive of a table that comes in pieces, sheets of the same variables in their order: the file is what
+// WriteNumpyArchive makes of all their cases together. An archive holds column after column, so that the pieces wait in a
+// temporary file, in the folder of the target or, of a pipe or device, in that of temporary files. Without Commit the
+// target stays as it was.
+class NumpyPieces {
+ public:
+  explicit NumpyPieces(const std::filesystem::path& path);
+  void Append(const Spreadsheet& piece);
+  void Commit();
+
+ private:
+  std::filesystem::path path_;
+  ScratchFile waiting_;  // the columns of the first piece, those of the second, …
+  std::vector<std::string> names_;
+  std::vector<std::uint64_t> lengths_;  // of the pieces
 };
 
 // True for names that end in .npz.
