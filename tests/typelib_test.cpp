@@ -184,7 +184,7 @@ TEST_F(TypeLibraryText, CommandShowsInterfacesAndRefusesOthers) {
       RunBrenvolt({"typelib", "SRASimulationProfiler", "--format", "json"}, folder.Path()).out);
   ASSERT_EQ(json["interfaces"].size(), 1U);
   const auto& members = json["interfaces"][0]["members"];
-  ASSERT_EQ(members.size(), 26U);
+  ASSERT_EQ(members.size(), 27U);
   EXPECT_EQ(members[4]["indexes"][0]["name"], "iID");
   EXPECT_TRUE(members[0]["get"].is_null());
   const Outcome unknown = RunBrenvolt({"typelib", "SRANone"}, folder.Path());

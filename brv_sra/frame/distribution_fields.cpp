@@ -177,7 +177,7 @@ std::optional<DistributionSpecification> DistributionFields::Taken() const {
     CheckEnteredSpecification(edited_);
     return edited_;
   } catch (const Error& error) {
-    dialog_.Analysis().ShowMessage(error.what());
+    dialog_.Analysis().ShowMessage(error.what(), error.Where());
     return std::nullopt;
   }
 }

@@ -12,6 +12,7 @@
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/numeric/distributions/rules/value_rules.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -27,6 +28,21 @@ bool HasTruncation(const DistributionFacts& facts, std::size_t items) {
   const std::size_t group = facts.ParameterCount();
   if (!facts.isUserDefined) return items == group + (facts.HasOffset() ? 1 : 0) + kTruncationItems;
   return items >= kTruncationItems && (items - kTruncationItems) % group == 0;
+}
+
+// Throws Error unless the array has as many values as its distribution takes, with or without an offset and a
+// truncation. User-defined types have any number.
+void RequireValueCount(std::span<const Variant> array) {
+  const DistributionCode code = CodeFromVariant(array[0]);
+  const DistributionFacts& facts = Facts(code);
+  const std::size_t items = array.size() - 1;
+  const std::size_t least = facts.ParameterCount();
+  const std::size_t most = least + (facts.HasOffset() ? 1 : 0);
+  if (facts.isUserDefined || HasTruncation(facts, items) || (items >= least && items <= most)) return;
+  const std::string offset = facts.HasOffset() ? ", " + std::to_string(most) + " with an offset" : "";
+  throw Error(std::string(DisplayName(code)) + " takes " + std::to_string(least) +
+              (least == 1 ? " value" : " values") + offset + ", " + std::to_string(most + kTruncationItems) +
+              " with a truncation; got " + std::to_string(items));
 }
 
 void TakeTruncation(std::span<const Variant> items, DistributionSpecification& specification) {
@@ -135,19 +151,6 @@ DistributionCode CodeFromVariant(const Variant& key) {
   throw Error("no distribution called " + name);
 }
 
-void RequireValueCount(std::span<const Variant> array) {
-  const DistributionCode code = CodeFromVariant(array[0]);
-  const DistributionFacts& facts = Facts(code);
-  const std::size_t items = array.size() - 1;
-  const std::size_t least = facts.ParameterCount();
-  const std::size_t most = least + (facts.HasOffset() ? 1 : 0);
-  if (facts.isUserDefined || HasTruncation(facts, items) || (items >= least && items <= most)) return;
-  const std::string offset = facts.HasOffset() ? ", " + std::to_string(most) + " with an offset" : "";
-  throw Error(std::string(DisplayName(code)) + " takes " + std::to_string(least) +
-              (least == 1 ? " value" : " values") + offset + ", " + std::to_string(most + kTruncationItems) +
-              " with a truncation; got " + std::to_string(items));
-}
-
 DistributionSpecification SpecificationFromArray(std::span<const Variant> array) {
   DistributionSpecification specification;
   specification.code = CodeFromVariant(array[0]);
@@ -189,9 +192,25 @@ bool AreBoundsInOrder(const DistributionSpecification& specification) {
 
 void CheckEnteredSpecification(const DistributionSpecification& specification) {
   if (const auto fault = CheckSpecification(specification)) throw Error(MessageOf(fault->fault).text);
+  if (const auto place = RepeatedLevel(specification.code, specification.values)) {
+    throw Error(FormatResource(kMsgInvalidParameter, ParameterWord(specification.code, 0),
+                               DisplayName(specification.code)),
+                "the level " + ShortestNumber(specification.values[*place]) + " is there twice");
+  }
   if (!AreBoundsInOrder(specification)) throw Error(std::string(ResourceString(kMsgProfilerMinimumMaximum)));
   if (ProbabilityOutside(specification) >= 1)
     throw Error(FormatResource(kMsgBoundsLeaveNothing, DisplayName(specification.code)));
+}
+
+DistributionSpecification EnteredSpecification(std::span<const Variant> array, const std::string& owner) {
+  try {
+    RequireValueCount(array);
+    DistributionSpecification specification = SpecificationFromArray(array);
+    CheckEnteredSpecification(specification);
+    return specification;
+  } catch (const Error& error) {
+    throw Error(error.what(), owner + (error.Where().empty() ? "" : ", " + error.Where()));
+  }
 }
 
 std::string SpecificationText(const DistributionSpecification& specification) {

@@ -17,10 +17,6 @@ namespace brenvolt::sra {
 // The code of a distribution by its key, its display name or its number. Throws Error for any other.
 DistributionCode CodeFromVariant(const Variant& key);
 
-// Throws Error unless the array has as many values as its distribution takes, with or without an offset and a
-// truncation. User-defined types have any number.
-void RequireValueCount(std::span<const Variant> array);
-
 // Throws Error for a key that names no distribution; the values are not checked. The array must not be empty.
 DistributionSpecification SpecificationFromArray(std::span<const Variant> array);
 Variant::Array ArrayOf(const DistributionSpecification& specification);
@@ -31,6 +27,8 @@ bool AreBoundsInOrder(const DistributionSpecification& specification);
 // The checks of a specification that a person applies: of its values, that its bounds are in order, and that they leave
 // something of the distribution. Throws Error with the message.
 void CheckEnteredSpecification(const DistributionSpecification& specification);
+// The specification that a person puts as an array. Throws Error whose where() begins with the `owner`.
+DistributionSpecification EnteredSpecification(std::span<const Variant> array, const std::string& owner);
 
 // "Normal(location=1.0000, scale=2.0000) [0, 5]"; the values of user-defined types and an offset are listed after the
 // name.

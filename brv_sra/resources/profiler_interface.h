@@ -12,7 +12,7 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-inline constexpr std::array<MemberDescription, 26> kMembers{{
+inline constexpr std::array<MemberDescription, 27> kMembers{{
     Property("InputCorrMatrix", 0x60030000, kNone, kVariant, "Input correlation matrix"),
     Property("LoadModels", 0x60030001, kText, kVariant, "Load models"),
     Property(
@@ -54,6 +54,9 @@ inline constexpr std::array<MemberDescription, 26> kMembers{{
     Property("Dependents", 0x60030028, kVariant, kNone, "The names of the responses in their order."),
     Property("PredictorDistributions", 0x60030029, kVariant, kNone,
              "What each predictor is drawn from, in words."),
+    Property(
+        "NumberOfRuns", 0x6003002a, kInteger, kInteger,
+        "The number of runs, 1 to 100000: as NumberOfSamples, but a program may ask for fewer than 100."),
 }};
 
 }  // namespace profiler_interface

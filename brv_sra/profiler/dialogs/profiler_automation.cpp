@@ -66,7 +66,7 @@ ProfilerPredictor& IndexedPredictor(Dialog& dialog, Indexes indexes) {
   auto& predictors = dialog.Design().predictors;
   const std::int32_t place = indexes[0].ToInteger();
   if (place < 1 || static_cast<std::size_t>(place) > predictors.size())
-    throw Error("no predictor " + std::to_string(place));
+    throw Error("no predictor " + std::to_string(place) + "; there are " + std::to_string(predictors.size()));
   return predictors[static_cast<std::size_t>(place - 1)];
 }
 Variant GetSpecification(Dialog& dialog, Indexes indexes) {
@@ -137,6 +137,17 @@ void PutFormula(Dialog& dialog, Indexes, const Variant& value) {
 void PutRuns(Dialog& dialog, Indexes, const Variant& value) {
   RequireTaken(dialog.Enter(kRuns, value.ToText()));
 }
+Variant GetRuns(Dialog& dialog, Indexes) {
+  return dialog.Design().runs;
+}
+// The field takes no fewer than its least.
+void PutFewRuns(Dialog& dialog, Indexes, const Variant& value) {
+  const std::int32_t runs = value.ToInteger();
+  if (runs < 1 || runs > kMostProfilerRuns)
+    throw Error("expected 1 to " + std::to_string(kMostProfilerRuns) + " runs, got " + value.ToText());
+  dialog.Design().runs = runs;
+  dialog.Refresh();
+}
 void PutSeed(Dialog& dialog, Indexes, const Variant& value) {
   if (value.ToInteger() < 1) ThrowControlRefused(dialog.szLoadResString(kMsgProfilerInvalidSeed));
   RequireTaken(dialog.Enter(kSeed, value.ToText()));
@@ -176,7 +187,7 @@ std::int32_t ShownPredictor(Dialog& dialog) {
   return dialog.Controls().Selection(kPredictors) + 1;
 }
 
-constexpr std::array<Member, 26> kMembers{{
+constexpr std::array<Member, 27> kMembers{{
     {"InputCorrMatrix", nullptr, PutCorrelations},
     {"LoadModels", GetModels, PutModels},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
@@ -204,6 +215,7 @@ constexpr std::array<Member, 26> kMembers{{
     {"Predictors", GetPredictors, nullptr},
     {"Dependents", GetDependents, nullptr},
     {"PredictorDistributions", GetDistributions, nullptr},
+    {"NumberOfRuns", GetRuns, PutFewRuns},
 }};
 static_assert(Binds(kSimulationProfilerInterface, kMembers));
 

@@ -208,7 +208,33 @@ TEST_F(ProfilerDialog, WrongSpecificationsAreRefusedAndNotApplied) {
     EXPECT_EQ(Reason([&] { Specify(1, row.put); }), row.reason);
     EXPECT_EQ(Shown(Specification(1)), before);
   }
-  EXPECT_EQ(Reason([&] { Specify(3, 1); }), "no predictor 3");
+  EXPECT_EQ(Reason([&] { Specify(3, 1); }), "no predictor 3; there are 2");
+}
+
+TEST_F(ProfilerDialog, RefusedSpecificationsNameThePredictor) {
+  SumFormula();
+  for (const Array& array : {Array{"Normal", 1, 0}, Array{"Normal", 1, 2, 3}, Array{"Gamma", 1, 0},
+                             Array{"Normal", 1, 2, 1, 6, 1, 5}, Array{"Histogram", "high", 1, 0, 0, 0, 0}}) {
+    try {
+      Specify(1, array);
+      ADD_FAILURE() << array[0].ToText() << " is taken";
+    } catch (const Error& error) {
+      EXPECT_NE((error.what() + error.Where()).find("predictor A"), std::string::npos) << error.what();
+    }
+  }
+}
+
+TEST_F(ProfilerDialog, ProgramsAskForFewerRunsThanTheFieldTakes) {
+  SumFormula();
+  Put("NumberOfRuns", 7);
+  EXPECT_EQ(Get("NumberOfRuns"), "7");
+  EXPECT_EQ(Controls().Text(kRuns), "7");
+  for (const int wrong : {0, -1, 100001}) {
+    EXPECT_EQ(Reason([&] { Put("NumberOfRuns", wrong); }),
+              "expected 1 to 100000 runs, got " + std::to_string(wrong));
+  }
+  EXPECT_EQ(Design().runs, 7);
+  EXPECT_TRUE(Said().empty());
 }
 
 TEST_F(ProfilerDialog, PageAppliesTheFieldsOfTheHighlightedDistribution) {

@@ -10,6 +10,7 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/base/error.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -134,6 +135,12 @@ bool PredictorPage::Apply() {
   } else {
     auto taken = fields_.Taken();
     if (!taken) return false;
+    try {
+      RequireClasses(*predictor, *taken);
+    } catch (const Error& error) {
+      dialog_.Analysis().ShowMessage(error.what(), error.Where());
+      return false;
+    }
     predictor->setting = PredictorSetting::kRandom;
     predictor->keepsToParts = false;
     predictor->specification = *std::move(taken);

@@ -19,10 +19,14 @@ bool IsFixedKey(const Variant& key) {
   return key.IsText() && key.ToText() == ResourceString(kProfilerFixed);
 }
 
-[[noreturn]] void RefuseClass(const ProfilerPredictor& predictor, const std::string& name) {
+std::string ClassesOf(const ProfilerPredictor& predictor) {
   std::string classes;
   for (const auto& [code, text] : predictor.labels) classes += (classes.empty() ? "" : ", ") + text;
-  throw Error("unknown class: " + name + "; the classes are " + classes, predictor.name);
+  return classes;
+}
+
+[[noreturn]] void RefuseClass(const ProfilerPredictor& predictor, const std::string& name) {
+  throw Error("unknown class: " + name + "; the classes are " + ClassesOf(predictor), predictor.name);
 }
 
 std::string LowerCase(std::string text) {
@@ -58,6 +62,22 @@ void Fix(ProfilerPredictor& predictor, const Variant& value) {
   if (!std::isfinite(fixed)) throw Error("expected a finite number, got " + value.ToText());
   predictor.setting = PredictorSetting::kFixed;
   predictor.fixedValue = fixed;
+}
+
+// The array of a histogram with the codes of classes in place of their names.
+Variant::Array WithCodes(ProfilerPredictor& predictor, Variant::Array array) {
+  const bool hasNames =
+      std::any_of(array.begin() + 1, array.end(), [](const Variant& item) { return item.IsText(); });
+  if (!hasNames || CodeFromVariant(array[0]) != DistributionCode::kHistogram) return array;
+  const bool isClass = !predictor.labels.empty() || predictor.takesAnyText;
+  for (std::size_t i = 1; i < array.size(); i += 2) {  // codes and proportions in turn
+    if (!array[i].IsText()) continue;
+    const std::string name = array[i].ToText();
+    if (!isClass && !ParseNumber(name))
+      throw Error("the predictor holds numbers, no classes such as " + name, "predictor " + predictor.name);
+    if (isClass) array[i] = ClassCode(predictor, name);
+  }
+  return array;
 }
 
 // The classes by their names, with their proportions: "Histogram (high 0.25, low 0.75)".
@@ -100,6 +120,19 @@ std::string GapsText(const ProfilerPredictor& predictor) {
 
 }  // namespace
 
+void RequireClasses(const ProfilerPredictor& predictor, const DistributionSpecification& specification) {
+  if (!predictor.holdsTexts) return;
+  if (specification.truncateBelow || specification.truncateAbove)
+    throw Error("classes have no bounds", "predictor " + predictor.name);
+  bool areKnown = specification.code == DistributionCode::kHistogram;
+  for (std::size_t i = 0; areKnown && i < specification.values.size();
+       i += 2)  // codes and proportions in turn
+    areKnown = predictor.labels.contains(specification.values[i]);
+  if (!areKnown)
+    throw Error("the predictor takes classes: a histogram of " + ClassesOf(predictor),
+                "predictor " + predictor.name);
+}
+
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
   if (value.IsEmpty()) {
     predictor.setting = PredictorSetting::kNone;
@@ -112,12 +145,12 @@ void SetSpecification(ProfilerPredictor& predictor, const Variant& value) {
     if (array.size() != 2) throw Error("expected one value for a fixed predictor");
     return Fix(predictor, array[1]);
   }
-  RequireValueCount(array);
-  DistributionSpecification specification = SpecificationFromArray(array);
-  CheckEnteredSpecification(specification);
-  predictor.setting = PredictorSetting::kRandom;
-  predictor.specification = std::move(specification);
-  predictor.keepsToParts = false;
+  ProfilerPredictor changed = predictor;
+  changed.specification = EnteredSpecification(WithCodes(changed, array), "predictor " + predictor.name);
+  RequireClasses(changed, changed.specification);
+  changed.setting = PredictorSetting::kRandom;
+  changed.keepsToParts = false;
+  predictor = std::move(changed);
 }
 
 Variant SpecificationArray(const ProfilerPredictor& predictor) {

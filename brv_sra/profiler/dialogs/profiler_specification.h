@@ -12,6 +12,9 @@
 
 namespace brenvolt::sra {
 
+// Throws Error if the predictor takes classes and the distribution is none of them.
+void RequireClasses(const ProfilerPredictor& predictor, const DistributionSpecification& specification);
+
 // Sets the predictor from its array; a number alone fixes it. Throws Error with the message to show, and the
 // predictor stays as it was, if the array is not a specification or the distribution is not valid.
 void SetSpecification(ProfilerPredictor& predictor, const Variant& value);

@@ -87,14 +87,7 @@ DesignedVariable& Indexed(Dialog& dialog, Indexes indexes) {
 DistributionSpecification EnteredSpecification(const DesignedVariable& variable, const Variant& value) {
   const Variant::Array array = value.ToArray();
   if (array.empty()) throw Error("expected a distribution, got an empty array");
-  try {
-    RequireValueCount(array);
-  } catch (const Error& error) {
-    throw Error(error.what(), "variable " + variable.name);
-  }
-  DistributionSpecification specification = SpecificationFromArray(array);
-  CheckEnteredSpecification(specification);
-  return specification;
+  return sra::EnteredSpecification(array, "variable " + variable.name);
 }
 
 Variant GetOwn(Dialog& dialog, Indexes indexes) {

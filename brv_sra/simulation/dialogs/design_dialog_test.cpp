@@ -191,7 +191,12 @@ TEST_F(Desk, RefusedEntriesChangeNothing) {
       {kValues, 0, Rows({{1, 0}, {0, 1}}), "a row has 2 values"},
       {kMeans, 0, Numbers({1, 2}), "2 values for 3 variables"},
       {kDeviations, 0, Numbers({1, 0, 1}), "0 is out of range (variable Var2)"},
-      {kOwn, 1, Distribution("Normal", {1, -2}), "Invalid scale parameter entry"},
+      {kOwn, 1, Distribution("Normal", {1, -2}),
+       "Invalid scale parameter entry for Normal distribution.  (variable Var1)"},
+      {kOwn, 2, Distribution("Histogram", {0, 0.5, 1, 0.2, 0, 0.3, 0, 0, 0, 0}),
+       "Invalid code and/or proportion parameter entry for Histogram distribution.  (variable Var2, the "
+       "level 0 is "
+       "there twice)"},
       {kOwn, 1, Distribution("Normal", {1, 2, 3}),
        "Normal takes 2 values, 6 with a truncation; got 3 (variable Var1)"},
       {kSimulated, 2, Distribution("Normal", {1}),
@@ -199,7 +204,8 @@ TEST_F(Desk, RefusedEntriesChangeNothing) {
       {kOwn, 1, Distribution("Weibull", {1, 2, 0, 1}),
        "Weibull takes 2 values, 3 with an offset, 7 with a truncation; got 4 (variable Var1)"},
       {kOwn, 1, Distribution("Poisson", {}), "Poisson takes 1 value, 5 with a truncation; got 0"},
-      {kOwn, 1, Distribution("Normal", {1, 2, 1, 5, 1, 4}), "Minimum value must be less than maximum."},
+      {kOwn, 1, Distribution("Normal", {1, 2, 1, 5, 1, 4}),
+       "Minimum value must be less than maximum. (variable Var1)"},
       {kOwn, 1, Distribution("Cauchy", {1, 2}), "no distribution called Cauchy"},
       {kOwn, 1, Variant::Array{}, "expected a distribution, got an empty array"},
       {kSimulated, 4, Distribution("Normal", {1, 2}), "the design has no variable 4; it has 3"},

@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <set>
 
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
@@ -21,6 +22,15 @@ double TotalProportion(DistributionCode code, std::span<const double> values) {
     if (facts.parameters[i % facts.ParameterCount()].range == ParameterRange::kProportion) total += values[i];
   }
   return total;
+}
+
+std::optional<std::size_t> RepeatedLevel(DistributionCode code, std::span<const double> values) {
+  if (code != DistributionCode::kHistogram) return std::nullopt;
+  std::set<double> seen;
+  for (std::size_t i = 0; i < values.size(); i += 2) {  // codes and proportions in turn
+    if (!seen.insert(values[i]).second) return i;
+  }
+  return std::nullopt;
 }
 
 std::optional<ValueRule> BrokenRule(DistributionCode code, std::span<const double> values) {

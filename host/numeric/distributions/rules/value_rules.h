@@ -31,6 +31,11 @@ GroupCounts GroupCountsOf(DistributionCode code);
 // The sum of the proportions of groups.
 double TotalProportion(DistributionCode code, std::span<const double> values);
 
+// The place, among the values of a histogram, of the first code that stands before it already; nothing where all differ,
+// and for any other distribution. No rule about the distribution itself, whose functions add such levels up: a person
+// who writes a level twice means something else.
+std::optional<std::size_t> RepeatedLevel(DistributionCode code, std::span<const double> values);
+
 // The first rule that is broken by values each of which is in its range; nothing where they make a distribution.
 std::optional<ValueRule> BrokenRule(DistributionCode code, std::span<const double> values);
 

@@ -45,5 +45,20 @@ TEST(ValueRules, TheFirstThatIsBrokenIsTold) {
   }
 }
 
+TEST(ValueRules, LevelThatIsThereTwiceHasItsPlace) {
+  const struct {
+    DistributionCode code;
+    std::vector<double> values;
+    std::optional<std::size_t> place;
+  } rows[] = {
+      {kHistogram, {0, 0.3, 1, 0.4, 2, 0.3}, {}},
+      {kHistogram, {0, 0.3, 1, 0.4, 0, 0.3}, 4},
+      {kHistogram, {0, 0.5, -0.0, 0.5}, 2},
+      {kGaussianMixture, {0.5, 0, 1, 0.5, 0, 1}, {}},
+      {kNormal, {1, 1}, {}},
+  };
+  for (const auto& row : rows) EXPECT_EQ(RepeatedLevel(row.code, row.values), row.place) << row.values[0];
+}
+
 }  // namespace
 }  // namespace brenvolt
