@@ -1,5 +1,8 @@
 #include "host/jobs/base/dialog_words.h"
 
+#include <algorithm>
+#include <array>
+
 #include "host/base/lower_case.h"
 #include "host/base/nearest_name.h"
 #include "host/base/quoted.h"
@@ -20,6 +23,18 @@ std::vector<FittedType> TypesFromFacts() {
   return types;
 }
 
+// What people call distributions beside the names of their facts, as statistics packages have taught them.
+struct OtherName {
+  std::string_view name;
+  DistributionCode code;
+};
+constexpr std::array<OtherName, 6> kOtherNames{{{"lnorm", DistributionCode::kLogNormal},
+                                                {"foldnorm", DistributionCode::kFoldedNormal},
+                                                {"halfnorm", DistributionCode::kHalfNormal},
+                                                {"genextreme", DistributionCode::kGeneralExtremeValue},
+                                                {"genpareto", DistributionCode::kGeneralPareto},
+                                                {"tri", DistributionCode::kTriangular}}};
+
 // A distribution with an abbreviation also goes by its long name.
 bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
   if (lowerCase == LowerCase(facts.name)) return true;
@@ -33,7 +48,9 @@ const std::vector<FittedType> kFittedTypes = TypesFromFacts();
 
 const FittedType* FindFittedType(std::string_view name) {
   std::string plain = LowerCase(name);
-  std::erase_if(plain, [](char c) { return c == ' ' || c == '-'; });
+  std::erase_if(plain, [](char c) { return c == ' ' || c == '-' || c == '_'; });
+  const auto other = std::ranges::find(kOtherNames, plain, &OtherName::name);
+  if (other != kOtherNames.end()) return &kFittedTypes[static_cast<std::size_t>(other->code)];
   for (const DistributionType* type : DistributionTypes()) {
     if (IsCalled(type->facts, plain)) return &kFittedTypes[static_cast<std::size_t>(type->facts.code)];
   }

@@ -12,6 +12,10 @@ TEST(DialogWords, DistributionsAreFoundAsPeopleWriteThem) {
                                                        {"GEV", "generalextremevalue"},
                                                        {"mixture", "gaussianmixture"},
                                                        {"Discrete", "histogram"},
+                                                       {"lnorm", "lognormal"},
+                                                       {"log_normal", "lognormal"},
+                                                       {"tri", "triangular"},
+                                                       {"GenExtreme", "generalextremevalue"},
                                                        {"Generalized Pareto", "generalpareto"}};
   for (const auto& [written, name] : names) {
     const FittedType* type = FindFittedType(written);
