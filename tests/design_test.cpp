@@ -215,6 +215,29 @@ TEST_F(Command, DialogFindsTheMatrixOfTheProject) {
   }
 }
 
+TEST_F(Command, MatrixOfAProjectWithoutDataIsTaken) {
+  const std::string rows = ",a,b\na,1,0.8\nb,0.8,1\n";
+  WriteBytes(File("m.csv"), rows);
+  MustRun({"import", "m.csv", "--kind", "matrix", "-o", "m.bvw"});
+  const std::vector<std::string> call{
+      "simulate", "--variable",   "a ~ normal(0, 1)", "--variable", "b ~ normal(0, 1)",
+      "--method", "iman-conover", "--seed",           "3",          "--matrix"};
+  const auto with = [&call](const std::string& matrix) {
+    std::vector<std::string> whole = call;
+    whole.push_back(matrix);
+    return whole;
+  };
+  const std::string expected = MustRun(with("m.csv")).out;
+  EXPECT_EQ(MustRun(with("m.bvw")).out, expected);
+  EXPECT_EQ(MustRun(with("m.bvw:m")).out, expected);
+  MustRun({"import", "m.csv", "--kind", "matrix", "--sheet", "second", "-o", "m.bvw"});
+  const auto several = Run(with("m.bvw"));
+  EXPECT_NE(several.err.find("the project has several matrices; name one after a colon: m, second (m.bvw)"),
+            std::string::npos)
+      << several.err;
+  EXPECT_EQ(MustRun(with("m.bvw:second")).out, expected);
+}
+
 // A design that changes one distribution goes on with the correlations that the project keeps.
 TEST_F(Command, DesignOverAProjectKeepsItsCorrelations) {
   if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))

@@ -538,10 +538,10 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--truncate", "A=:"}, 2, "'A' has no range that could be lifted (--truncate)"},
       {{"--formula", "Y=A+B", "--correlated", "--fix", "A=1"}, 2, "a single random predictor has nothing"},
       {{"--formula", "Y=2*Z", "--formula", "Z=Y-1"}, 1, "it is predicted from itself"},
-      {{"--formula", "Y=A", "--samples", "99"}, 2, "100 to 2147483647"},
-      {{"--formula", "Y=A", "--samples", "100001", "-o", "r.npz"},
+      {{"--formula", "Y=A", "--samples", "0"}, 2, "from 1 to 2147483647, got 0"},
+      {{"--formula", "Y=A", "--samples", "100001", "-o", "r.bvw"},
        2,
-       "more than 100000 runs go to a .csv file"},
+       "more than 100000 runs go to a .csv or .npz file"},
       {{"--formula", "Y=A", "--seed", "0"}, 2, "--seed"},
       {{"--formula", "Y=A", "-o", "out.txt"}, 2, ".csv, .npz or .bvw"},
   };
@@ -660,6 +660,150 @@ TEST_F(ProfileCommand, PredictorsAreFixedAtClassesByName) {
     EXPECT_EQ(outcome.status, 2);
     EXPECT_NE(outcome.err.find(wrong.only), std::string::npos) << outcome.err;
   }
+}
+
+// The report has what predictors of texts and fixed ones are drawn from in a form that the command takes.
+TEST_F(ProfileCommand, ClassesAreRepeatedFromTheReport) {
+  Write("grades.pmml", kGrades);
+  Write("grades.csv", "grade,hot\nhigh,TRUE\n\"low, or 1\",FALSE\nhigh,FALSE\n7,TRUE\n");
+  const Arguments call{"profile",   "grades.csv", "--model",  "grades.pmml",
+                       "--samples", "300",        "--format", "json"};
+  for (const std::string fixed : {"", "hot=true"}) {
+    Arguments first = call;
+    first.insert(first.end(), {"-o", "first.csv"});
+    if (!fixed.empty()) first.insert(first.end(), {"--fix", fixed});
+    const Json report = Json::parse(MustRun(first).out);
+    EXPECT_EQ(report["drawn"]["method"], "monte-carlo");
+    EXPECT_EQ(report["predictors"][0]["distribution"], "histogram(high:0.5, \"low, or 1\":0.25, \"7\":0.25)");
+    EXPECT_EQ(report["predictors"][1]["distribution"],
+              fixed.empty() ? "histogram(FALSE:0.5, TRUE:0.5)" : "fixed at TRUE");
+    Arguments again = call;
+    again.insert(again.end(), {"-o", "again.csv", "--seed", report["seed"].dump()});
+    for (const Json& one : report["drawn"]["fixed"]) {
+      again.insert(again.end(),
+                   {"--fix", one["predictor"].get<std::string>() + "=" + one["value"].get<std::string>()});
+    }
+    for (const Json& one : report["predictors"]) {
+      const std::string distribution = one["distribution"];
+      if (distribution.starts_with("fixed")) continue;
+      again.insert(again.end(), {"--variable", one["name"].get<std::string>() + " ~ " + distribution});
+    }
+    EXPECT_EQ(Json::parse(MustRun(again).out)["predictors"], report["predictors"]);
+    EXPECT_EQ(BytesOf(File("again.csv")), BytesOf(File("first.csv"))) << fixed;
+  }
+}
+
+TEST_F(ProfileCommand, ClassesByHandAreThoseOfTheModel) {
+  Write("grades.pmml", kGrades);
+  Write("grades.csv", "grade,hot\nhigh,TRUE\nlow,FALSE\n");
+  const struct {
+    std::string variable;
+    std::string message;
+  } rows[] = {
+      {"grade ~ histogram(high:0.5, unseen:0.5)", "unknown class: unseen; the classes are high, low"},
+      {"grade ~ histogram(1:0.5, 7:0.5)",
+       "the predictor takes classes: a histogram of high, low (predictor grade)"},
+      {"grade ~ normal(1, 1)", "the predictor takes classes: a histogram of high, low (predictor grade)"},
+      {"hot ~ histogram(true:0.5, TRUE:0.5)", "the level 1 is there twice"},
+      {"grade ~ histogram(high:0.5, high:0.5)", "the level high is there twice"},
+  };
+  for (const auto& row : rows) {
+    const Outcome outcome =
+        Run({"profile", "grades.csv", "--model", "grades.pmml", "--variable", row.variable});
+    EXPECT_NE(outcome.status, 0) << row.variable;
+    EXPECT_NE(outcome.err.find(row.message), std::string::npos) << outcome.err;
+  }
+  WriteData();
+  const Outcome numbers =
+      Run({"profile", "ab.csv", "--formula", "Y=A+B", "--variable", "A ~ histogram(a:1)"});
+  EXPECT_NE(numbers.err.find("the predictor holds numbers, no classes such as a"), std::string::npos)
+      << numbers.err;
+  const Outcome simulated = Run({"simulate", "--variable", "A ~ histogram(a:0.5, b:0.5)"});
+  EXPECT_EQ(simulated.status, 2);
+  EXPECT_NE(simulated.err.find("the levels of A are texts"), std::string::npos) << simulated.err;
+}
+
+TEST_F(ProfileCommand, AnyNumberOfRunsIsMade) {
+  WriteData();
+  for (const int runs : {1, 2, 37, 99, 100}) {
+    const Arguments call{"profile", "ab.csv", "--formula", "Y=3*A-2*B", "--correlated",      "--seed",
+                         "3",       "--spec", "Y=0,,30",   "--samples", std::to_string(runs)};
+    Arguments json = call;
+    json.insert(json.end(), {"--format", "json", "-o", "runs.csv"});
+    const Outcome outcome = Run(json);
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    const Json report = Json::parse(outcome.out);
+    const std::vector<double> y = Column("runs.csv", "Y");
+    ASSERT_EQ(y.size(), static_cast<std::size_t>(runs));
+    EXPECT_EQ(report["runs"], runs);
+    EXPECT_EQ(report["responses"][0]["statistics"]["n"], runs);
+    EXPECT_NEAR(report["responses"][0]["statistics"]["mean"].get<double>(),
+                std::accumulate(y.begin(), y.end(), 0.0) / runs, 1e-12);
+    EXPECT_EQ(report["responses"][0]["statistics"]["maximum"], *std::ranges::max_element(y));
+    EXPECT_NE(Run(call).out.find(std::to_string(runs) + " simulated runs"), std::string::npos);
+  }
+}
+
+// Batches say it once on the terminal, and the report has it as well.
+TEST_F(ProfileCommand, ARepairOfCorrelationsIsSaidInTheReport) {
+  const std::string said =
+      "The correlation matrix is not positive definite and was repaired. (smallest eigenvalue -0.8";
+  for (const std::string runs : {"500", "150000"}) {
+    const Outcome outcome = Run({"profile",
+                                 "--variable",
+                                 "a ~ normal(0, 1)",
+                                 "--variable",
+                                 "b ~ normal(0, 1)",
+                                 "--variable",
+                                 "c ~ normal(0, 1)",
+                                 "--correlation",
+                                 "a,b=0.9",
+                                 "--correlation",
+                                 "a,c=0.9",
+                                 "--correlation",
+                                 "b,c=-0.9",
+                                 "--formula",
+                                 "y = a + b + c",
+                                 "--samples",
+                                 runs,
+                                 "--seed",
+                                 "3",
+                                 "--format",
+                                 "json"});
+    ASSERT_EQ(outcome.status, 0) << outcome.err;
+    EXPECT_EQ(Json::parse(outcome.out)["notes"][0].get<std::string>().substr(0, said.size()), said);
+    EXPECT_EQ(std::ranges::count(outcome.err, '\n'), 1) << outcome.err;
+  }
+}
+
+TEST_F(ProfileCommand, WhatNeedsDataIsRefusedWithoutThem) {
+  const Arguments call{"profile",          "--variable", "a ~ normal(0, 1)", "--variable",
+                       "b ~ normal(0, 1)", "--formula",  "y = a + b"};
+  for (const auto& [option, message] :
+       {std::pair("--correlated", "there are no data whose correlations could be followed (--correlated)"),
+        std::pair("--decimal-comma",
+                  "there is no CSV file whose numbers could have decimal commas (--decimal-comma)")}) {
+    Arguments whole = call;
+    whole.push_back(option);
+    const Outcome outcome = Run(whole);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.err, std::string("brenvolt: ") + message + "\n");
+  }
+}
+
+TEST_F(ProfileCommand, OptionsWithoutEffectAreSaid) {
+  WriteData();
+  const std::string note = "No saved distribution would have been drawn";
+  const Arguments call{"profile", "ab.csv", "--formula", "Y=A", "--samples", "100"};
+  EXPECT_EQ(MustRun(call).out.find(note), std::string::npos);
+  Arguments without = call;
+  without.push_back("--no-saved-fits");
+  EXPECT_NE(MustRun(without).out.find(note), std::string::npos);
+  MustRun({"fit", "ab.csv", "--save", "p.bvw"});
+  without[1] = "p.bvw";
+  EXPECT_EQ(MustRun(without).out.find(note), std::string::npos);
+  without.push_back("--fit-best");
+  EXPECT_NE(MustRun(without).out.find(note), std::string::npos);
 }
 
 TEST_F(ProfileCommand, ClassesThatNoModelKnowsAreCountedAndSaid) {

@@ -25,6 +25,7 @@ Json ReportJson(const DesignCall& call, const DesignFindings& findings, double s
   Json report = {{"project", call.job.project.string()}, {"sheet", findings.sheet}};
   report.update(DesignJson(findings.design));
   report["smallestEigenvalue"] = smallest;
+  report["notes"] = findings.notes;
   return report;
 }
 
@@ -40,6 +41,7 @@ void Report(const DesignCall& call, const DesignFindings& findings) {
     return;
   }
   std::fputs(TextOf(findings.design).c_str(), stdout);
+  for (const std::string& note : findings.notes) std::printf("# %s\n", note.c_str());
   if (smallest > 0) return;
   std::printf(
       "# These correlations contradict each other: the matrix has the eigenvalue %.3g. A simulation changes "

@@ -63,12 +63,25 @@ ProfileJob::Truncation ParseTruncation(const std::string& text) {
   return {predictor, low, high};
 }
 
+nlohmann::ordered_json FixedJson(const std::vector<PredictorUse>& predictors) {
+  nlohmann::ordered_json list = nlohmann::ordered_json::array();
+  for (const PredictorUse& one : predictors) {
+    if (!one.fixed) continue;
+    nlohmann::ordered_json entry = {{"predictor", one.name}, {"value", nullptr}};
+    std::visit([&entry](const auto& value) { entry["value"] = value; }, *one.fixed);
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
 // What the runs are repeated from, beside the predictors' distributions.
 nlohmann::ordered_json DrawnJson(const ProfileCall& call, const ProfileRun& run) {
   using Json = nlohmann::ordered_json;
   const ProfileJob& job = call.job;
   Json drawn = DesignJson({{}, run.results.correlations});
   drawn.erase("variables");
+  drawn["method"] = run.results.method;
+  drawn["fixed"] = FixedJson(run.results.predictors);
   drawn["noise"] = Json::array();
   for (const ProfileJob::Noise& one : job.noise)
     drawn["noise"].push_back({{"response", one.response}, {"standardDeviation", one.standardDeviation}});
@@ -82,7 +95,7 @@ nlohmann::ordered_json DrawnJson(const ProfileCall& call, const ProfileRun& run)
 // The same, a line each.
 std::string DrawnText(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
-  std::string text;
+  std::string text = "  method " + run.results.method + "\n";
   for (const NotedCorrelation& pair : run.results.correlations)
     text += "  correlation " + pair.first + ", " + pair.second + " = " + ShortestNumber(pair.value) + "\n";
   for (const ProfileJob::Noise& one : job.noise)
@@ -152,8 +165,7 @@ void AddProfileCommand(CLI::App& program) {
       "--no-saved-fits", [call] { call->job.savedFits = false; },
       "Start each predictor from its column, whatever distribution is saved with it");
   AddNumber(*command, "--samples", "samples", job.samples, "N",
-            "Number of runs, " + std::to_string(kFewestProfilerRuns) + " or more (default " +
-                std::to_string(kUsualProfilerRuns) + ")");
+            "Number of runs, 1 or more (default " + std::to_string(kUsualProfilerRuns) + ")");
   AddNumber(*command, "--seed", "seed", job.seed, "S",
             "Seed, 1 or more: the same seed gives the same runs; default: one is drawn and reported");
   command->add_flag(
@@ -180,7 +192,9 @@ void AddProfileCommand(CLI::App& program) {
   command
       ->add_option(
           "-o,--output", job.output,
-          "Where the simulated runs go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project")
+          "Where the simulated runs go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the "
+          "first two take any number of runs, a project up to " +
+              std::to_string(kMostProfilerRuns))
       ->type_name("OUT");
   command
       ->add_option("--graphs", job.graphs,

@@ -93,8 +93,8 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
   if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
   for (const auto& [variable, cautions] : run.cautions)
     std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
-  if (!run.boundNotes.empty()) std::printf("\n");
-  for (const std::string& note : run.boundNotes) std::printf("  %s\n", note.c_str());
+  if (!run.methodNotes.empty()) std::printf("\n");
+  for (const std::string& note : run.methodNotes) std::printf("  %s\n", note.c_str());
   std::printf("\nDrawn by %s%s from\n%s", call.job.method.c_str(),
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());

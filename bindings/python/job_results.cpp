@@ -148,14 +148,19 @@ py::dict ProfileDict(const ProfileResults& results) {
   py::list responses;
   for (const ResponseResults& response : results.responses) responses.append(ResponseDict(response));
   py::dict predictors;
-  for (const PredictorUse& one : results.predictors) predictors[py::str(one.name)] = one.distribution;
+  py::dict fixed;
+  for (const PredictorUse& one : results.predictors) {
+    predictors[py::str(one.name)] = one.distribution;
+    if (one.fixed) fixed[py::str(one.name)] = *one.fixed;
+  }
   py::dict correlations;
   for (const NotedCorrelation& pair : results.correlations)
     correlations[py::make_tuple(pair.first, pair.second)] = pair.value;
   py::list defects;
   if (results.defects) defects = RowList(results.defects->rows, {kDefects});
-  return py::dict("runs"_a = results.runs, "predictors"_a = predictors, "correlations"_a = correlations,
-                  "responses"_a = responses, "defects"_a = defects, "notes"_a = results.notes);
+  return py::dict("runs"_a = results.runs, "method"_a = results.method, "predictors"_a = predictors,
+                  "fixed"_a = fixed, "correlations"_a = correlations, "responses"_a = responses,
+                  "defects"_a = defects, "notes"_a = results.notes);
 }
 
 }  // namespace brenvolt::python

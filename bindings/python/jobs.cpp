@@ -204,16 +204,15 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, con
   std::shared_ptr<AnalysisRef> analysis;
   SimulationFindings found;
   job.keepsSamples = true;
-  const bool followsFits = matrix == nullptr && job.matrix.empty() && InducesCorrelation(job.method);
-  const Sheet& follows = followsFits ? kept : matrix;
-  if (follows != nullptr) job.givenMatrix = DocumentOf(follows);
+  if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
+  if (kept != nullptr) job.savedMatrix = DocumentOf(kept);
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
                         NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
                         found.Notes());
 }
 
-// The variables in their notation by name, the correlations as triples, and the least eigenvalue of their matrix.
+// The variables in their notation by name, the correlations as triples, the least eigenvalue of their matrix, and notes.
 py::tuple Design(const DesignJob& job, const Sheet& sheet) {
   std::shared_ptr<AnalysisRef> analysis;
   DesignFindings found;
@@ -221,7 +220,8 @@ py::tuple Design(const DesignJob& job, const Sheet& sheet) {
   py::list correlations;
   for (const NotedCorrelation& pair : found.design.correlations)
     correlations.append(py::make_tuple(pair.first, pair.second, pair.value));
-  return py::make_tuple(NotationsOf(found.design), correlations, SmallestEigenvalue(found.design));
+  return py::make_tuple(NotationsOf(found.design), correlations, SmallestEigenvalue(found.design),
+                        found.notes);
 }
 
 // A function of Python as a model. It is called in blocks with the number of the first run and a list of columns, and gives
@@ -310,7 +310,11 @@ void DefineInputs(py::class_<Job>& job) {
       .def_property("correlation_table", nullptr,
                     [](Job& j, const Sheet& table) { j.inputs.correlationTable = CopyOf(table); })
       .def_property("from_file", nullptr,
-                    [](Job& j, std::filesystem::path file) { j.inputs.fromFile = std::move(file); });
+                    [](Job& j, std::filesystem::path file) { j.inputs.fromFile = std::move(file); })
+      .def("designed_names", [](const Job& j) {
+        JobFaults faults;
+        return j.inputs.Read(nullptr, faults).Names();
+      });
 }
 
 void BindFitJob(py::module_& module) {
@@ -415,11 +419,6 @@ void BindProfileJob(py::module_& module) {
               std::vector<std::string> responses, py::object function) {
              j.functions.push_back(FunctionOf(std::move(name), std::move(predictors), std::move(responses),
                                               std::move(function)));
-           })
-      .def("designed_names",
-           [](const ProfileJob& j) {
-             JobFaults faults;
-             return j.inputs.Read(nullptr, faults).Names();
            })
       .def("check", &Check<ProfileJob>)
       .def("run", &Profile);

@@ -11,6 +11,7 @@
 #include "host/jobs/base/project_files.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
 #include "host/numeric/distributions/distribution_types.h"
+#include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
 namespace {
@@ -52,6 +53,8 @@ Variant::Array SpecificationOf(const NotedDistribution& noted) {
   const DistributionFacts& facts = TypeOf(noted.code).facts;
   Variant::Array array{std::string(facts.name)};
   for (const double value : noted.values) array.emplace_back(value);
+  for (std::size_t i = 0; i < noted.levels.size(); ++i)
+    array[1 + i * facts.ParameterCount()] = noted.levels[i];
   if (facts.HasOffset()) array.emplace_back(noted.offset);
   for (const auto& bound : {noted.minimum, noted.maximum}) {
     array.emplace_back(std::int32_t{bound ? 1 : 0});
@@ -77,6 +80,30 @@ NotedDistribution DistributionFrom(const Variant::Array& array) {
   return noted;
 }
 
+std::vector<NotedCorrelation> CorrelationsIn(const Spreadsheet* matrix) {
+  std::vector<NotedCorrelation> pairs;
+  if (matrix == nullptr || !HasMatrixRows(*matrix)) return pairs;
+  for (std::size_t i = 0; i < matrix->VariableCount(); ++i) {
+    const Variable& column = matrix->VariableAt(i);
+    for (std::size_t j = i + 1; j < matrix->VariableCount(); ++j)
+      pairs.push_back({column.Name(), matrix->VariableAt(j).Name(), column.Values()[j]});
+  }
+  return pairs;
+}
+
+std::optional<std::string> WhatMatrixLacks(const Table& matrix, const std::vector<std::string>& variables) {
+  if (matrix == nullptr) return std::nullopt;
+  const std::vector<std::string> known = VariableNamesOf(matrix->Table());
+  std::string lacks;
+  std::size_t count = 0;
+  for (const std::string& name : variables) {
+    if (std::ranges::find(known, name) != known.end()) continue;
+    lacks += (count++ == 0 ? "" : ", ") + name;
+  }
+  if (count == 0) return std::nullopt;
+  return "The matrix lacks " + lacks + ", which " + (count == 1 ? "counts" : "count") + " as uncorrelated.";
+}
+
 std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet) {
   std::vector<std::string> names;
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) names.push_back(sheet.VariableAt(i).Name());
@@ -95,6 +122,16 @@ DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& f
   for (const std::string& text : designed) AddVariable("designed", text, design, faults);
   for (const std::string& text : correlations) AddCorrelation("correlations", text, others, design, faults);
   if (correlationTable != nullptr) AddCorrelations("correlations", *correlationTable, others, design, faults);
+  return design;
+}
+
+DesignText HandInputs::ReadNumeric(const std::vector<std::string>* others, JobFaults& faults) const {
+  DesignText design = Read(others, faults);
+  for (const NotedVariable& variable : design.variables) {
+    if (variable.distribution.levels.empty()) continue;
+    faults.push_back({"designed", "the levels of " + variable.name +
+                                      " are texts, which only a predictor of a model may have; number them"});
+  }
   return design;
 }
 
@@ -174,7 +211,7 @@ JobFaults DesignJob::Check() const {
   std::error_code ignored;
   const std::vector<std::string> none;
   const bool exists = std::filesystem::exists(project, ignored);
-  const DesignText design = inputs.Read(exists ? nullptr : &none, faults);
+  const DesignText design = inputs.ReadNumeric(exists ? nullptr : &none, faults);
   if (exists) return faults;
   if (!inputs.IsEmpty()) CheckFolder("project", project, faults);
   if (inputs.IsEmpty()) faults.push_back({"project", "there is no file " + project.string()});
@@ -194,7 +231,10 @@ DesignFindings DesignJob::Run(const JobInput& input, JobRecorder& recorder) cons
   AnalysisSession& session = input.start();
   session.Begin(Task::kDesign);
   FillDesign(session, wanted, given);
-  DesignFindings findings{DesignIn(session), input.sheet.Name()};
+  DesignFindings findings{DesignIn(session), input.sheet.Name(), {}};
+  // That of the project lacks what is new to it.
+  const Table named = inputs.matrix.empty() ? nullptr : given;
+  if (auto note = WhatMatrixLacks(named, findings.design.Names())) findings.notes.push_back(*std::move(note));
   if (inputs.IsEmpty()) return findings;
   session.Attempt([&] { return session.Dialog()->Call("SaveDistributionToInput"); });
   const Variant matrix = session.Dialog()->Get("CorrelationMatrix");

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,8 @@ struct HandInputs {
   }
   // What the texts say, with the faults of all. Correlations may also name `others`; if that is null, any variable.
   DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;
+  // The same where variables hold numbers alone.
+  DesignText ReadNumeric(const std::vector<std::string>* others, JobFaults& faults) const;
 };
 
 // Fills the open dialog of the design: variables that it lacks are added, those that it has get new distributions.
@@ -37,6 +40,10 @@ void BeginDesigned(AnalysisSession& session, const DesignText& design, const Tab
 // The array by which dialogs take a distribution, and back.
 Variant::Array SpecificationOf(const NotedDistribution& noted);
 NotedDistribution DistributionFrom(const Variant::Array& array);
+// Every pair of a matrix sheet, also those of 0; none of null and of what is no matrix.
+std::vector<NotedCorrelation> CorrelationsIn(const Spreadsheet* matrix);
+// A note on the variables that a matrix lacks, for people; nothing where it has all.
+std::optional<std::string> WhatMatrixLacks(const Table& matrix, const std::vector<std::string>& variables);
 // The names of a sheet's variables.
 std::vector<std::string> VariableNamesOf(const Spreadsheet& sheet);
 // The variables that the open dialog of the design simulates.
@@ -53,7 +60,8 @@ void OpenNewDesign(JobRun& run, JobRecorder& recorder);
 
 struct DesignFindings {
   DesignText design;
-  std::string sheet;  // of the project
+  std::string sheet;               // of the project
+  std::vector<std::string> notes;  // for people
 };
 
 struct DesignJob {

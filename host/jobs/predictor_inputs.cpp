@@ -62,6 +62,24 @@ std::string GapsIn(const std::string& words) {
   return gaps == std::string::npos ? std::string() : words.substr(gaps);
 }
 
+// The texts of a histogram's codes in a column of texts.
+void NameLevels(const Variable& column, NotedDistribution& drawn) {
+  if (drawn.code != DistributionCode::kHistogram || column.Type() != VariableType::kText) return;
+  for (std::size_t i = 0; i < drawn.values.size(); i += 2)  // codes and proportions in turn
+    drawn.levels.emplace_back(column.Label(drawn.values[i]).value_or(ShortestNumber(drawn.values[i])));
+}
+
+std::variant<double, std::string> FixedAt(const Variable& column, double value) {
+  const auto label = column.Label(value);
+  if (label && column.Type() == VariableType::kText) return std::string(*label);
+  return value;
+}
+
+std::string FixedText(const std::variant<double, std::string>& value) {
+  const double* number = std::get_if<double>(&value);
+  return number != nullptr ? ShortestNumber(*number) : std::get<std::string>(value);
+}
+
 void Enter(const NotedCorrelation& pair, const std::vector<std::string>& names, Rows& rows) {
   const std::size_t i = PlaceOf(pair.first, names);
   const std::size_t j = PlaceOf(pair.second, names);
@@ -144,20 +162,40 @@ void PredictorInputs::Correlate(bool asColumns, const Table& matrix,
   PutRows(session_, kCorrelations, std::move(rows));
 }
 
+bool PredictorInputs::AnySaved(const Spreadsheet& sheet) const {
+  return std::ranges::any_of(names_, [&sheet](const std::string& name) {
+    const auto place = sheet.FindVariable(name);
+    return place && sheet.VariableAt(*place).Property(kOrderProperty);
+  });
+}
+
 std::vector<PredictorUse> PredictorInputs::Uses(const Spreadsheet& simulated) const {
   std::vector<PredictorUse> uses;
   const Variant::Array words = session_.Dialog()->Get("PredictorDistributions").ToArray();
   for (std::size_t i = 0; i < names_.size(); ++i) {
-    const Variant specification = SpecificationOf(i);
-    const bool isText = simulated.VariableAt(i).Type() == VariableType::kText;
-    PredictorUse use{names_[i], words.at(i).ToText()};
-    if (IsDrawn(specification) && !isText)
-      use.distribution = NotationOf(DistributionFrom(specification.ToArray())) + GapsIn(use.distribution);
-    if (!IsDrawn(specification) && !isText)
-      use.distribution = "fixed at " + ShortestNumber(specification.ToArray().back().ToReal());
+    const Variant::Array specification = SpecificationOf(i).ToArray();
+    const Variable& column = simulated.VariableAt(i);
+    PredictorUse use{names_[i], {}};
+    if (specification.size() <= kFixedItems) {
+      use.fixed = FixedAt(column, specification.back().ToReal());
+      use.distribution = "fixed at " + FixedText(*use.fixed);
+    } else {
+      NotedDistribution drawn = DistributionFrom(specification);
+      NameLevels(column, drawn);
+      use.distribution = NotationOf(drawn);
+      if (drawn.levels.empty()) use.distribution += GapsIn(words.at(i).ToText());
+    }
     uses.push_back(std::move(use));
   }
   return uses;
+}
+
+// The dialog correlates draws by rank reordering, which it stratifies first.
+std::string PredictorInputs::Method() const {
+  std::size_t drawn = 0;
+  for (std::size_t i = 0; i < names_.size(); ++i) drawn += IsDrawn(SpecificationOf(i)) ? 1 : 0;
+  const bool isCorrelated = drawn > 1 && session_.Dialog()->Get(kCorrelated).ToBoolean();
+  return isCorrelated ? "latin-hypercube-iman-conover" : "monte-carlo";
 }
 
 std::vector<NotedCorrelation> PredictorInputs::Correlations() const {
@@ -173,6 +211,9 @@ std::vector<NotedCorrelation> PredictorInputs::Correlations() const {
     }
     drawn.push_back(i);
   }
+  // A pair without correlation says that the others have none either, and yet are drawn as correlated ones are.
+  if (correlations.empty() && drawn.size() > 1)
+    correlations.push_back({names_[drawn[0]], names_[drawn[1]], 0.0});
   return correlations;
 }
 

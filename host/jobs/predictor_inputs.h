@@ -31,9 +31,14 @@ class PredictorInputs {
   // Pairs of which one is no predictor are passed over.
   void Correlate(bool asColumns, const Table& matrix, const std::vector<NotedCorrelation>& pairs) const;
 
-  // In the notation, or in the dialog's words where they are not drawn from a distribution of numbers.
+  // Whether the column of a predictor carries a saved distribution.
+  bool AnySaved(const Spreadsheet& sheet) const;
+  // `simulated` are the runs.
   std::vector<PredictorUse> Uses(const Spreadsheet& simulated) const;
-  // The correlations of the predictors that are drawn, but for those of 0; none unless they are correlated.
+  // How the dialog draws them, one of kSimulationMethods.
+  std::string Method() const;
+  // The correlations of the predictors that are drawn, but for those of 0, of which one is there if all are; none unless
+  // they are correlated.
   std::vector<NotedCorrelation> Correlations() const;
 
  private:

@@ -12,6 +12,7 @@
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/profile_plots.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
 namespace {
@@ -85,16 +86,20 @@ JobFaults ProfileJob::Check() const {
   std::vector<std::string> responses;
   for (const std::string& text : formulas) CheckFormula(text, responses, faults);
   CheckOnce("formulas", std::move(responses), faults);
-  CheckWholeNumber("samples", samples, kFewestProfilerRuns, kMostInteger, faults);
-  if (samples > kMostProfilerRuns && !output.empty() && !HasEnding(output, ".csv"))
+  CheckWholeNumber("samples", samples, 1, kMostInteger, faults);
+  const bool isInPieces =
+      output.empty() || HasEnding(output, ".csv") || IsNumpyArchiveName(output) || !IsRegularTarget(output);
+  if (samples > kMostProfilerRuns && !isInPieces)
     faults.push_back({"output", "more than " + std::to_string(kMostProfilerRuns) +
-                                    " runs go to a .csv file, piece by piece"});
+                                    " runs go to a .csv or .npz file, piece by piece"});
   if (seed) CheckWholeNumber("seed", *seed, 1, kMostInteger, faults);
   CheckEntries(*this, faults);
   inputs.Read(nullptr, faults);
   DesignText noisy;
   for (const std::string& pair : noiseCorrelations)
     AddCorrelation("noiseCorrelations", pair, nullptr, noisy, faults);
+  if (data.decimalComma && data.file.empty() && !inputs.IsEmpty())
+    faults.push_back({"decimalComma", "there is no CSV file whose numbers could have decimal commas"});
   if (correlated && (!inputs.matrix.empty() || givenMatrix != nullptr))
     faults.push_back({"matrix", "the predictors follow either a matrix or their columns"});
   CheckDataTarget("output", output, faults);

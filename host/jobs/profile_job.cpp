@@ -20,7 +20,7 @@
 #include "host/jobs/predictor_inputs.h"
 #include "host/jobs/profile_plots.h"
 #include "host/tables/csv.h"
-#include "host/tables/matrix_sheet.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
 namespace {
@@ -61,18 +61,6 @@ std::size_t PlaceOf(const std::string& name, const std::vector<std::string>& nam
   throw WrongJob(field, "no " + kind + " called " + Quoted(name) + "; the " + kind + "s are " + list);
 }
 
-// Every pair of a matrix sheet, which may be null.
-std::vector<NotedCorrelation> PairsOf(const Spreadsheet* matrix) {
-  std::vector<NotedCorrelation> pairs;
-  if (matrix == nullptr || !HasMatrixRows(*matrix)) return pairs;
-  for (std::size_t i = 0; i < matrix->VariableCount(); ++i) {
-    const Variable& column = matrix->VariableAt(i);
-    for (std::size_t j = i + 1; j < matrix->VariableCount(); ++j)
-      pairs.push_back({column.Name(), matrix->VariableAt(j).Name(), column.Values()[j]});
-  }
-  return pairs;
-}
-
 // The dialog of the profiler, with predictors and responses by their places from 0.
 class Profiler {
  public:
@@ -87,13 +75,14 @@ class Profiler {
     const std::size_t shown = session_.Interface().Messages().size();
     LoadModels();
     SetFormulas();
-    const auto& messages = session_.Interface().Messages();
-    for (std::size_t i = shown; i < messages.size(); ++i) notes_.push_back(messages[i].text);
+    NoteMessages(shown);
     PutBatch(0);
     const bool takesSaved = job_.savedFits && !job_.fitBest;
     const DesignText saved =
         takesSaved ? SavedDistributions(session_.Interface(), input.sheet) : DesignText();
     if (job_.fitBest) FitBest();
+    if (!job_.savedFits && (job_.fitBest || !inputs_.AnySaved(input.sheet)))
+      notes_.push_back("No saved distribution would have been drawn, so that nothing was left out.");
     inputs_.TakeSaved(saved);
     unread_ = inputs_.TakeGiven(job_.inputs, input.sheet.VariableCount() == 0);
     Correlate(!saved.variables.empty(), input, recorder);
@@ -114,10 +103,14 @@ class Profiler {
   const RunBatches& Batches() const { return batches_; }
   // The runs of the next simulation.
   void PutBatch(std::int64_t batch) {
-    Put("NumberOfSamples", batches_.Runs(batch));
+    const std::int32_t runs = batches_.Runs(batch);
+    Put(runs < kFewestProfilerRuns ? "NumberOfRuns" : "NumberOfSamples", runs);
     Put("IsSeedRandomNumber", 1);
     Put("RandomSeedNumber", batches_.Seed(batch));
   }
+  // Lets go of what is shown of further batches.
+  void KeepDocuments(std::size_t count) { session_.Interface().KeepDocuments(count); }
+  std::size_t DocumentCount() const { return session_.Interface().Documents().size(); }
   // The runs of a batch, in the sheet of the first, which is filled anew.
   const Spreadsheet& Refill(std::int64_t batch) {
     Put("IsAutoUpdateSameSheet", 1);
@@ -131,7 +124,9 @@ class Profiler {
 
   // The simulated runs, why some have no prediction, and the graph of the profiles unless there are too many.
   AnalysisSession::Shown Simulate() {
+    const std::size_t messages = session_.Interface().Messages().size();
     auto shown = Show("SimulationResults");
+    NoteMessages(messages);
     if (shown.tables.empty()) throw Error("the analysis returned no table");
     return shown;
   }
@@ -176,6 +171,15 @@ class Profiler {
   }
 
  private:
+  // What the dialog has told since it had told so much.
+  void NoteMessages(std::size_t from) {
+    const auto& messages = session_.Interface().Messages();
+    for (std::size_t i = from; i < messages.size(); ++i) {
+      const std::string& where = messages[i].where;
+      notes_.push_back(messages[i].text + (where.empty() ? "" : " (" + where + ")"));
+    }
+  }
+
   void LoadModels() {
     if (job_.models.empty() && job_.functions.empty()) return;
     Variant::Array names;
@@ -225,9 +229,11 @@ class Profiler {
     const bool isGiven = !name.empty() || job_.givenMatrix != nullptr;
     std::vector<NotedCorrelation> pairs;
     const bool isDesign = input.sheet.CaseCount() == 0 && !isGiven && predictors_.size() > 1;
-    if (drawsSaved && (job_.correlated || isDesign)) pairs = PairsOf(MatrixFor({}, input).get());
+    if (drawsSaved && (job_.correlated || isDesign)) pairs = CorrelationsIn(MatrixFor({}, input).get());
     const auto isCorrelated = [](const NotedCorrelation& pair) { return pair.value != 0; };
     if (!job_.correlated && !isGiven && given.empty() && std::ranges::none_of(pairs, isCorrelated)) return;
+    if (job_.correlated && !drawsSaved && input.sheet.CaseCount() == 0)
+      throw WrongJob("correlated", "there are no data whose correlations could be followed");
     if (predictors_.size() < 2) {
       throw WrongJob(job_.correlated ? "correlated"
                      : isGiven       ? "matrix"
@@ -236,6 +242,7 @@ class Profiler {
     }
     Table matrix = job_.givenMatrix;
     if (!name.empty()) matrix = RecordedMatrix(name, MatrixFor(name, input), input, recorder);
+    if (auto note = WhatMatrixLacks(matrix, predictors_)) notes_.push_back(*std::move(note));
     pairs.insert(pairs.end(), given.begin(), given.end());
     inputs_.Correlate(job_.correlated, matrix, pairs);
   }
@@ -429,6 +436,7 @@ void TakeResults(Profiler& profiler, const AnalysisSession::Shown& simulated, Pr
   ProfileResults& results = found.results;
   results.runs = profiler.Batches().Runs(0);
   results.predictors = profiler.Predictors().Uses(found.simulated->Table());
+  results.method = profiler.Predictors().Method();
   results.correlations = profiler.Predictors().Correlations();
   results.notes = profiler.Notes();
   for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
@@ -465,8 +473,13 @@ void RunOn(Profiler& profiler, const std::filesystem::path& output, std::int64_t
   const RunBatches& batches = profiler.Batches();
   found.simulated =
       std::make_shared<CAnalysisTableDoc>(std::make_unique<Spreadsheet>(found.simulated->Table()));
-  std::optional<CsvPieces> pieces;
-  if (!output.empty()) pieces.emplace(output);
+  std::variant<std::monostate, CsvPieces, NumpyPieces> pieces;
+  if (IsNumpyArchiveName(output)) {
+    pieces.emplace<NumpyPieces>(output);
+  } else if (!output.empty()) {
+    pieces.emplace<CsvPieces>(output);
+  }
+  const std::size_t shown = profiler.DocumentCount();
   std::int64_t current = 0;
   bool isSimulated = true;  // the first batch
   const auto simulate = [&](std::int64_t batch, const BatchSink& take) {
@@ -474,9 +487,11 @@ void RunOn(Profiler& profiler, const std::filesystem::path& output, std::int64_t
     current = batch;
     firstRun = batches.FirstRun(batch);
     take(profiler.Refill(batch));
+    profiler.KeepDocuments(shown);
   };
   const auto take = [&](const Spreadsheet& simulated) {
-    if (pieces) pieces->Append(simulated);
+    if (auto* csv = std::get_if<CsvPieces>(&pieces)) csv->Append(simulated);
+    if (auto* archive = std::get_if<NumpyPieces>(&pieces)) archive->Append(simulated);
     for (std::size_t i = 0; found.results.defects && current > 0 && i < profiler.Responses().size(); ++i) {
       if (!profiler.IsSpecified(i)) continue;
       ProfileResults more;
@@ -486,7 +501,8 @@ void RunOn(Profiler& profiler, const std::filesystem::path& output, std::int64_t
     }
   };
   ExtendResults(batches, simulate, take, found.results);
-  if (pieces) pieces->Commit();
+  if (auto* csv = std::get_if<CsvPieces>(&pieces)) csv->Commit();
+  if (auto* archive = std::get_if<NumpyPieces>(&pieces)) archive->Commit();
 }
 
 }  // namespace

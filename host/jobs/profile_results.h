@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <variant>
 #include <vector>
 
 #include "host/analysis/analysis_table_doc.h"
@@ -52,17 +53,19 @@ struct ResponseResults {
   bool IsPredicted() const;
 };
 
-// What a predictor is drawn from, with its truncation: in the notation of distributions (host/jobs/notation/), but for one
-// of texts and one that is fixed.
+// What a predictor is drawn from, with its truncation: in the notation of distributions (host/jobs/notation/), followed by the
+// gaps in what its models accept; "fixed at 3" for one that is fixed.
 struct PredictorUse {
   std::string name;
   std::string distribution;
+  std::optional<std::variant<double, std::string>> fixed = {};  // a number, or the name of a class
 };
 
 struct ProfileResults {
   std::int64_t runs = 0;
+  std::string method;  // how the predictors are drawn, one of kSimulationMethods
   std::vector<PredictorUse> predictors;
-  std::vector<NotedCorrelation> correlations;  // of the predictors, but for those of 0
+  std::vector<NotedCorrelation> correlations;  // PredictorInputs::Correlations
   std::vector<ResponseResults> responses;
   // The exact counts, one row per specified response, then that of all; if there is any.
   std::optional<ResultTable> defects;

@@ -21,13 +21,27 @@ constexpr double kMostInteger = std::numeric_limits<std::int32_t>::max();
 std::vector<std::string> WhatBoundsLeaveOut(const std::vector<NotedVariable>& drawn) {
   std::vector<std::string> notes;
   for (const NotedVariable& variable : drawn) {
-    const auto& [code, values, offset, minimum, maximum] = variable.distribution;
+    const auto& [code, values, offset, minimum, maximum, levels] = variable.distribution;
     if (TypeOf(code).facts.isContinuous || !minimum || *minimum != std::floor(*minimum)) continue;
     notes.push_back(variable.name + ": Latin hypercube sampling leaves out the lower bound " +
                     ShortestNumber(*minimum) + " itself; a bound of " + ShortestNumber(*minimum - 0.5) +
                     " keeps it");
   }
   return notes;
+}
+
+// That a method draws each variable by itself, if there are correlations to be left out.
+std::vector<std::string> WhatIsNotFollowed(const std::vector<NotedCorrelation>& pairs,
+                                           const std::string& method) {
+  if (pairs.empty()) return {};
+  const auto strength = [](const NotedCorrelation& pair) { return std::abs(pair.value); };
+  const NotedCorrelation& most = *std::ranges::max_element(pairs, {}, strength);
+  const std::string one = most.first + " and " + most.second + ", " + FormatNumber("%.4g", most.value) + ",";
+  const std::string which = pairs.size() == 1 ? "The correlation of " + one + " is"
+                                              : "The correlations of " + std::to_string(pairs.size()) +
+                                                    " pairs, the strongest that of " + one + " are";
+  return {which + " left out: " + method +
+          " draws each variable by itself; the iman-conover methods follow correlations."};
 }
 
 // What the variables of the open dialog are drawn from; nothing where the run will say what is wrong with it.
@@ -110,7 +124,7 @@ void Write(const std::filesystem::path& path, SimulationFindings& run, JobRecord
 }  // namespace
 
 std::vector<std::string> SimulationFindings::Notes() const {
-  std::vector<std::string> notes = boundNotes;
+  std::vector<std::string> notes = methodNotes;
   for (std::string& note : results.Notes()) notes.push_back(std::move(note));
   return notes;
 }
@@ -145,7 +159,7 @@ void SimulateJob::CheckInputs(JobFaults& faults) const {
   if (!data.sheet.empty()) faults.push_back({"sheet", "without a project there is no sheet to choose"});
   const std::vector<std::string> none;
   const std::size_t before = faults.size();
-  const DesignText design = inputs.Read(&none, faults);
+  const DesignText design = inputs.ReadNumeric(&none, faults);
   if (design.variables.empty() && faults.size() == before)
     faults.push_back({"designed", "a simulation without a project needs at least one variable"});
   if (inputs.HasCorrelations() && kSimulationMethods.contains(method) && !InducesCorrelation(method)) {
@@ -154,10 +168,28 @@ void SimulateJob::CheckInputs(JobFaults& faults) const {
   }
 }
 
-// Those of the iman-conover methods follow one.
-std::unique_ptr<Spreadsheet> SimulateJob::FindMatrix(const JobInput& input) const {
-  if (!InducesCorrelation(method) || givenMatrix != nullptr) return nullptr;
-  return MatrixFor(matrix, input);
+Table SimulateJob::FollowedMatrix(const JobInput& input, JobRecorder& recorder) const {
+  if (givenMatrix != nullptr || !InducesCorrelation(method)) return givenMatrix;
+  if (savedMatrix != nullptr && matrix.empty()) return savedMatrix;
+  return RecordedMatrix(matrix, MatrixFor(matrix, input), input, recorder);
+}
+
+std::vector<NotedCorrelation> SimulateJob::LeftOut(const JobInput& input,
+                                                   const std::vector<NotedVariable>& drawn) const {
+  if (InducesCorrelation(method)) return {};
+  JobFaults none;
+  std::vector<NotedCorrelation> pairs = inputs.Read(nullptr, none).correlations;
+  if (inputs.IsEmpty()) {
+    const auto saved = savedMatrix == nullptr ? MatrixFor({}, input) : nullptr;
+    pairs = CorrelationsIn(savedMatrix == nullptr ? saved.get() : &savedMatrix->Table());
+  }
+  const auto isDrawn = [&drawn](const std::string& name) {
+    return std::ranges::find(drawn, name, &NotedVariable::name) != drawn.end();
+  };
+  std::erase_if(pairs, [&](const NotedCorrelation& pair) {
+    return pair.value == 0 || !isDrawn(pair.first) || !isDrawn(pair.second);
+  });
+  return pairs;
 }
 
 void SimulateJob::OpenDialog(AnalysisSession& session, const Table& follows) const {
@@ -185,15 +217,17 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   RefuseReplacedProject(output);
   SimulationFindings found;
   found.seed = ChosenSeed(seed);
-  std::unique_ptr<Spreadsheet> chosen = FindMatrix(input);
   AnalysisSession& session = Start(input, data);
-  const Table follows =
-      givenMatrix != nullptr ? givenMatrix : RecordedMatrix(matrix, std::move(chosen), input, recorder);
+  const Table follows = FollowedMatrix(input, recorder);
   OpenDialog(session, follows);
   Specify(session, input.sheet, found.seed);
   found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
   found.design.variables = ReadSimulated(*session.Dialog(), input.sheet);
-  if (method.starts_with("latin-hypercube")) found.boundNotes = WhatBoundsLeaveOut(found.design.variables);
+  if (method.starts_with("latin-hypercube")) found.methodNotes = WhatBoundsLeaveOut(found.design.variables);
+  for (std::string& note : WhatIsNotFollowed(LeftOut(input, found.design.variables), method))
+    found.methodNotes.push_back(std::move(note));
+  if (auto note = inputs.IsEmpty() ? std::nullopt : WhatMatrixLacks(follows, found.design.Names()))
+    found.methodNotes.push_back(*std::move(note));
   if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool toSheet =

@@ -29,7 +29,7 @@ struct SimulationFindings {
   std::string matrixSheet;
   std::int32_t seed = 0;                   // given or drawn: the same seed gives the same samples
   std::vector<VariableCautions> cautions;  // in the order of the variables in the data; none without one
-  std::vector<std::string> boundNotes;     // on bounds that the method does not keep to the letter
+  std::vector<std::string> methodNotes;    // on bounds and correlations that the method does not keep to
   DesignText design;  // what was drawn: the distributions, and the correlations that were asked for
 
   // What a reader of the samples should know, of their bounds and of their correlations.
@@ -48,6 +48,7 @@ struct SimulateJob {
   bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
   std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
   Table givenMatrix;             // in place of a name
+  Table savedMatrix;             // that belongs to the fits; null: the one saved with them in the project
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
   Plot plot;                     // of the data, which are kept in memory for it
   bool keepsTable = false;       // the findings have the document of the data, beside the summary
@@ -62,7 +63,10 @@ struct SimulateJob {
 
  private:
   void CheckInputs(JobFaults& faults) const;
-  std::unique_ptr<Spreadsheet> FindMatrix(const JobInput& input) const;
+  // What the samples follow; null without.
+  Table FollowedMatrix(const JobInput& input, JobRecorder& recorder) const;
+  // The correlations, other than 0, among what is drawn that the method does not follow.
+  std::vector<NotedCorrelation> LeftOut(const JobInput& input, const std::vector<NotedVariable>& drawn) const;
   void OpenDialog(AnalysisSession& session, const Table& matrix) const;
   void Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const;
 };

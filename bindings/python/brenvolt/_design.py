@@ -17,11 +17,13 @@ if TYPE_CHECKING:
 class Design:
     """What a project is designed to simulate."""
 
-    def __init__(self, variables, correlations, smallest_eigenvalue):
+    def __init__(self, variables, correlations, smallest_eigenvalue, notes):
         self.variables: dict[str, str] = variables
         """The distribution of each variable in the notation: {"h": "normal(location=50.2, scale=0.05)"}."""
         self.smallest_eigenvalue: float = smallest_eigenvalue
         """Of the correlations: unless it is above 0 they contradict each other, and a simulation repairs them."""
+        self.notes: list[str] = notes
+        """What to know about the design."""
         self._pairs = correlations
 
     @property
@@ -77,14 +79,18 @@ def _variables(variables):
 
 
 def _square(matrix, what, names=None):
-    """A sheet of a square DataFrame, or of an array of the named variables, for the host to take."""
+    """A sheet, for the host to take, of a square DataFrame, or of an array or a frame without labels over the named
+    variables."""
     import pandas
 
+    if getattr(matrix, "ndim", 2) != 2:
+        raise ValueError(f"{what} must have rows and columns; the array has {matrix.ndim} axes")
     frame = pandas.DataFrame(matrix)
-    columns = [str(name) for name in frame.columns]
-    if not hasattr(matrix, "columns") and names is not None and len(names) == len(columns):
-        columns = list(names)
+    has_labels = hasattr(matrix, "columns") and not isinstance(frame.columns, pandas.RangeIndex)
+    if not has_labels:
+        frame = _labelled(frame, what, names)
     sheet = _brenvolt.Spreadsheet(what)
+    columns = [str(name) for name in frame.columns]
     if not isinstance(frame.index, pandas.RangeIndex):
         rows = "rows"
         while rows in columns:
@@ -96,6 +102,16 @@ def _square(matrix, what, names=None):
         except (TypeError, ValueError):
             raise TypeError(f"the column {name!r} of {what} must hold numbers") from None
     return sheet
+
+
+def _labelled(frame, what, names):
+    """A frame that stands for an array, with the variables in their order as its labels."""
+    if not names:
+        raise ValueError(f"{what} does not name the variables: give a DataFrame whose rows and columns are called after them")
+    rows, columns = frame.shape
+    if (rows, columns) != (len(names), len(names)):
+        raise ValueError(f"{what} has {rows} rows and {columns} columns for {len(names)} variables: {', '.join(names)}")
+    return frame.set_axis(names, axis=0).set_axis(names, axis=1)
 
 
 def _framed(rows):
@@ -113,16 +129,17 @@ def _framed(rows):
 def _enter(job, variables, correlations=None, from_file=None):
     """Enters in a job what is given by hand."""
     job.designed = _variables(variables)
+    if from_file is not None:
+        job.from_file = _arguments.path(from_file, "from_file")
     correlations = _framed(correlations)
     if isinstance(correlations, Mapping):
         job.correlations = _pairs(correlations, "correlations")
     elif hasattr(correlations, "shape"):
-        names = list(variables) if isinstance(variables, Mapping) else None
+        is_whole = isinstance(variables, Mapping) and from_file is None
+        names = list(variables) if is_whole else job.designed_names()
         job.correlation_table = _square(correlations, "correlations", names)
     elif correlations is not None:
         _arguments.refuse("correlations", "a mapping of pairs, a DataFrame or an array", correlations)
-    if from_file is not None:
-        job.from_file = _arguments.path(from_file, "from_file")
 
 
 def _pairs(correlations, what):

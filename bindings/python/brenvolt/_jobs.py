@@ -502,7 +502,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     FittedVariable.cautions does; and "notes", what else to know about the samples.
     """
     source, correlations = _design._parts(source, correlations)
-    by_hand = from_file is not None or _is_design(source)
+    by_hand = from_file is not None or isinstance(source, Mapping)
     job = _job(_brenvolt.SimulateJob, data=None if by_hand else _file_of(source), samples=samples, method=method,
                seed=seed, truncate=truncate, sheet=sheet if by_hand else None,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
@@ -587,8 +587,8 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     gives an array of as many numbers; for several responses, whose names `responses` lists, a mapping or a list of arrays.
     Without, the response is called after the function, or "y", or "response" where an input is called so. What it
     raises, and what is no number, ends the profile with an Error that names the block.
-    samples: runs, 100 or more; 5000 without. Of more than 100000, ProfileResult.samples has the first ones. seed: 1 or more; the same seed gives the same runs. Without, one is drawn;
-    ProfileResult.seed tells it.
+    samples: runs, 1 or more; 5000 without. Of more than 100000, ProfileResult.samples has the first ones, and output takes
+    .csv and .npz. seed: 1 or more; the same seed gives the same runs. Without, one is drawn; ProfileResult.seed tells it.
     correlated: correlates the predictors as the matrix saved with their distributions has it, else as their columns are;
     fit_best: draws each from what fits its column best; saved_fits: False starts from the columns alone.
     variables: {predictor: distribution} over those of the data. from_file: a text file of variables and correlations.
@@ -675,8 +675,8 @@ def _rows_frame(rows, index):
 class ProfileResult:
     """What simulated runs told of the responses.
 
-    runs, seed; predictors: {name: what it is drawn from}, in the notation of distributions; correlations: {(predictor,
-    predictor): number}; samples: a DataFrame with a row per run; responses: {name:
+    runs, seed; method: how they were drawn, as for simulate(); predictors: {name: what it is drawn from}, in the notation of
+    distributions; fixed: {name: the value at which it stays}; correlations: {(predictor, predictor): number}; samples: a DataFrame with a row per run; responses: {name:
     ProfiledResponse}; defects: a DataFrame with a row per specified response, then that of all, with limits of 95 %
     confidence; notes: texts on what is left out.
     """
@@ -685,7 +685,9 @@ class ProfileResult:
         self._simulated = simulated
         self.runs: int = found["runs"]
         self.seed = seed
+        self.method: str = found["method"]
         self.predictors: dict[str, str] = found["predictors"]
+        self.fixed: dict[str, float | str] = found["fixed"]
         self.correlations: dict[tuple[str, str], float] = found["correlations"]
         self.responses = {response["name"]: ProfiledResponse(response) for response in found["responses"]}
         self.defects = _rows_frame(found["defects"], "response")

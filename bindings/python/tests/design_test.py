@@ -161,6 +161,26 @@ class Designs(Folder):
             with open("first.csv", "rb") as first, open(name, "rb") as other:
                 self.assertEqual(first.read(), other.read())
 
+    def test_correlations_that_a_method_does_not_follow_are_said(self):
+        file = os.path.join(EXAMPLES, "risk_register.txt")
+        brenvolt.design("p.bvw", from_file=file)
+        note = ("The correlations of 2 pairs, the strongest that of structure and services, 0.5, are left out: monte-carlo "
+                "draws each variable by itself; the iman-conover methods follow correlations.")
+        for source, given in (("p.bvw", {}), (None, {"from_file": file}), (brenvolt.design("p.bvw").variables, {})):
+            notes = brenvolt.simulate(source, 50, seed=1, **given).attrs["notes"]
+            self.assertEqual(notes, [note] if not isinstance(source, dict) else [])
+        for source in (["p.bvw"], ["--from", file]):
+            self.assertIn(f"\n  {note}\n", command("simulate", *source, "--samples", "50"))
+            report = json.loads(command("simulate", *source, "--samples", "50", "--format", "json"))
+            self.assertEqual((report["notes"], report["drawn"]["correlations"]), ([note], []))
+        one = brenvolt.simulate("p.bvw", 50, "latin-hypercube", variables=["structure", "steel_price"]).attrs["notes"]
+        self.assertEqual(one, ["The correlation of structure and steel_price, 0.4, is left out: latin-hypercube draws each "
+                               "variable by itself; the iman-conover methods follow correlations."])
+        self.assertEqual(brenvolt.simulate("p.bvw", 50, variables=["structure"]).attrs["notes"], [])
+        self.assertFalse([one for one in brenvolt.simulate("p.bvw", 50, "iman-conover").attrs["notes"] if "left out" in one])
+        fits = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions="normal")
+        self.assertIn("eruptions and waiting, 0.9008", brenvolt.simulate(fits, 50).attrs["notes"][0])
+
     # The mean of a triangular distribution between bounds by its closed form: the density is linear on each side of the
     # mode, and the integral of x (x - a) is x^3 / 3 - a x^2 / 2.
     def test_truncated_triangular_has_its_exact_mean(self):
@@ -215,9 +235,24 @@ class Designs(Folder):
             brenvolt.profile(inputs, formulas="y = h + a", matrix=sheet)
         for matrix, message in ((good.rename(index={"a": "b"}), 'called "b", not a'), (good.iloc[:1], "has 1 rows"),
                                 (good.rename(index={"a": "z"}, columns={"a": "z"}), "no variable is called 'z'"),
-                                (numpy.eye(3), "no variable is called '0'")):
+                                (numpy.eye(3), "has 3 rows and 3 columns for 2 variables: h, a"),
+                                (pandas.DataFrame(numpy.eye(3)), "for 2 variables: h, a"), (numpy.ones(2), "the array has 1 axes")):
             with self.assertRaisesRegex(ValueError, message):
                 brenvolt.simulate(inputs, 9, "iman-conover", correlations=matrix)
+        lacking = good.rename(index={"a": "z"}, columns={"a": "z"})
+        lacking.to_csv("z.csv")
+        note = "The matrix lacks a, which counts as uncorrelated."
+        self.assertEqual(brenvolt.simulate(inputs, 99, "iman-conover", matrix=lacking).attrs["notes"], [note])
+        self.assertIn(note, brenvolt.profile(inputs, formulas="y = h + a", matrix=lacking, samples=99).notes)
+        self.assertEqual(brenvolt.design("y.bvw", inputs, matrix="z.csv").notes, [note])
+        os.remove("y.bvw")
+        self.assertIn(f"\n# {note}\n", command("design", "y.bvw", "--variable", "h ~ normal(0, 1)", "--variable",
+                                               "a ~ normal(0, 1)", "--matrix", "z.csv"))
+        unlabelled = brenvolt.simulate(inputs, 200, "iman-conover", seed=1, correlations=pandas.DataFrame(good.to_numpy()))
+        self.assertTrue(unlabelled.equals(expected), "labels that are none stand for the order of the variables")
+        for call in (brenvolt.simulate, lambda *given, **how: brenvolt.profile(given[0], formulas="y = h + a", matrix=how["matrix"])):
+            with self.assertRaisesRegex(ValueError, "matrix does not name the variables"):
+                call(inputs, 9, "iman-conover", matrix=good.to_numpy())
         self.assertFalse(os.path.exists("x.bvw"))
 
     def test_refusals_are_those_of_the_command(self):
@@ -275,6 +310,35 @@ class Profiles(Folder):
         for data, options in (("stack.bvw", {"correlated": True}), (None, {"from_file": file})):
             self.assertTrue(brenvolt.profile(data, **options, **how).samples.equals(result.samples), data)
 
+    def test_profiles_are_repeated_from_their_reports(self):
+        frame = pandas.DataFrame({"a": numpy.sin(numpy.arange(60.0)), "b": numpy.cos(numpy.arange(60.0)), "c": numpy.arange(60.0)})
+        frame.to_csv("d.csv", index=False)
+        how = ["--formula", "y = a + b + c", "--formula", "z = a * c", "--noise", "y=0.5", "--noise", "z=1",
+               "--noise-correlation", "y,z=0.3", "--samples", "400", "--format", "json"]
+        for options in ([], ["--correlated"], ["--fix", "c=3", "--truncate", "a=-1:2"], ["--fit-best", "--correlation", "a,c=-0.5"],
+                        ["--correlation", "a,c=0"], ["--variable", "c ~ poisson(4)"]):
+            report = json.loads(command("profile", "d.csv", *how, *options, "-o", "first.csv"))
+            drawn, fixed = report["drawn"], {one["predictor"]: one["value"] for one in report["drawn"]["fixed"]}
+            variables = {one["name"]: one["distribution"] for one in report["predictors"] if one["name"] not in fixed}
+            again = ["profile", "--samples", str(report["runs"]), "--seed", str(report["seed"]), "--format", "json", "-o", "again.csv"]
+            for option, values in (("--formula", drawn["formulas"]), ("--noise-correlation", drawn["noiseCorrelations"]),
+                                   ("--variable", [f"{name} ~ {text}" for name, text in variables.items()]),
+                                   ("--fix", [f"{name}={value!r}" for name, value in fixed.items()]),
+                                   ("--noise", [f"{one['response']}={one['standardDeviation']!r}" for one in drawn["noise"]]),
+                                   ("--correlation", [f"{one['first']},{one['second']}={one['value']!r}"
+                                                      for one in drawn["correlations"]])):
+                again += [word for value in values for word in (option, value)]
+            repeated = json.loads(command(*again))
+            self.assertEqual(repeated["drawn"], drawn, options)
+            with open("first.csv", "rb") as first, open("again.csv", "rb") as other:
+                self.assertEqual(first.read(), other.read(), options)
+            result = brenvolt.profile("d.csv", formulas=drawn["formulas"], noise={"y": 0.5, "z": 1}, seed=report["seed"],
+                                      noise_correlations={("y", "z"): 0.3}, samples=400, variables=variables, fixed=fixed,
+                                      correlations={(one["first"], one["second"]): one["value"] for one in drawn["correlations"]})
+            self.assertEqual((result.method, result.fixed), (drawn["method"], fixed))
+            runs = pandas.read_csv("first.csv", float_precision="round_trip")[list(result.samples)]
+            numpy.testing.assert_array_equal(result.samples.to_numpy(float), runs.to_numpy(float))
+
     def test_profiles_draw_the_saved_fits(self):
         data = Weibull(80, 1.5).ppf((numpy.arange(500) + 0.5) / 500)
         frame = pandas.DataFrame({"life": data, "load": numpy.arange(500.0)})
@@ -328,6 +392,13 @@ class Profiles(Folder):
         response, valid = report["responses"][0], runs["y"].dropna()
         self.assertEqual(response["statistics"]["n"], len(valid))
         self.assertEqual(response["statistics"]["missing"], 250000 - len(valid))
+        report_again = json.loads(command(*call, "-o", "r.npz"))
+        self.assertEqual(report_again["responses"], report["responses"])
+        with numpy.load("r.npz") as columns:
+            self.assertEqual(list(columns), ["x", "n", "y"])
+            for name in columns:
+                numpy.testing.assert_array_equal(columns[name], runs[name].to_numpy(float))
+        self.assertFalse([name for name in os.listdir() if name.startswith(".")], "nothing temporary is left")
         self.assertGreater(response["statistics"]["missing"], 100, "runs without a prediction are met")
         for key, expected in (("mean", valid.mean()), ("standardDeviation", valid.std()), ("skewness", valid.skew()),
                               ("kurtosis", valid.kurt()), ("minimum", valid.min()), ("maximum", valid.max())):

@@ -355,7 +355,7 @@ class Simulations(Folder):
         cases = [(lambda: brenvolt.simulate(result, method="sobol"), ValueError, "expected one of "),
                  (lambda: brenvolt.simulate(result, matrix="m.csv"), ValueError, "only methods that induce"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix="none.csv"), Error, "neither a sheet"),
-                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), Error, "is not a matrix"),
+                 (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), ValueError, "does not name the variables"),
                  (lambda: brenvolt.simulate(result, 0), ValueError, "from 1 to 2147483647, got 0"),
                  (lambda: brenvolt.simulate(result, 10, "norta"), Error, "no generator"),
                  (lambda: brenvolt.simulate(result, variables="none"), ValueError, "no variable called 'none'"),

@@ -110,7 +110,7 @@ FORMULA = "y = x + 2 * n"
 REFUSED_PROFILES = (
     ({}, "nothing to predict: give a model or a formula (models)"),
     ({"formulas": ["x + n"]}, "expected RESPONSE=EXPRESSION, got 'x + n' (formulas)"),
-    ({"formulas": [FORMULA], "samples": 99}, "expected a whole number from 100 to 2147483647, got 99 (samples)"),
+    ({"formulas": [FORMULA], "samples": 0}, "expected a whole number from 1 to 2147483647, got 0 (samples)"),
     ({"formulas": [FORMULA], "seed": 0}, "expected a whole number from 1 to 2147483647, got 0 (seed)"),
     ({"formulas": [FORMULA], "noise": {"y": -1}}, "the standard deviation must not be less than 0 (noise)"),
     ({"formulas": [FORMULA], "noise": {"z": 1}}, "no response called 'z'; the responses are y (noise)"),
@@ -182,6 +182,7 @@ REFUSED_INPUTS = (
     ({"h": "triangular(1, 1, 1)"}, {}, "min must be less than max (character 23 of"),
     ({"h": "triangular(1, 5, 6)"}, {}, "the mode must lie between min and max"),
     ({"h": "gaussianmixture(1:0:1)"}, {}, "a gaussianmixture has from 2 to 20 components, not 1 (character"),
+    ({"h": "histogram(0:0.3, 1:0.4, 0:0.3)"}, {}, "the level 0 is there twice (character 29 of"),
     ({"h": "histogram(0:0.5, 1:0.4)"}, {}, "the proportions must add up to 1; they add up to 0.9"),
     ({"h": "nomral(1, 2)"}, {}, "no distribution is called 'nomral'; did you mean normal?"),
     ({"h": "normal(1, 2) in [50, 60]"}, {}, "the bounds leave nothing of the distribution"),

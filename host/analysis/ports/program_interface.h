@@ -2,6 +2,8 @@
 // shown is kept.
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -16,6 +18,9 @@ class ProgramInterface : public UserInterface {
   // Everything shown so far, oldest first; documents are tables and graphs.
   const std::vector<Message>& Messages() const { return messages_; }
   const std::vector<Variant::Object>& Documents() const { return documents_; }
+
+  // Lets go of the documents after the first so many, for runs in batches, which show more than memory may hold.
+  void KeepDocuments(std::size_t count) { documents_.resize(std::min(count, documents_.size())); }
 
   // Whether a question is answered with OK, as macros do; else it is cancelled and not shown.
   void AnswerQuestions(bool answers) { answersQuestions_ = answers; }

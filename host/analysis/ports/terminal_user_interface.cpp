@@ -1,6 +1,7 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "host/base/process/interruption.h"
 #include "host/base/process/terminal.h"
@@ -16,7 +17,10 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   // A question that the caller answered beforehand is not left standing as if somebody had to.
   const char* const answer = message.buttons == MessageButtons::kOk ? "" : " Yes.";
-  std::fprintf(stderr, "%s: %s%s%s\n", program_.c_str(), message.text.c_str(), answer, where.c_str());
+  std::string line = program_ + ": " + message.text + answer + where + "\n";
+  // Runs in batches say the same of each.
+  if (line != lastLine_) std::fputs(line.c_str(), stderr);
+  lastLine_ = std::move(line);
   return ProgramInterface::ShowMessage(message);
 }
 

@@ -12,7 +12,7 @@ class TerminalUserInterface : public ProgramInterface {
   // `program` begins every message: "brenvolt: <text>".
   explicit TerminalUserInterface(std::string program);
 
-  // Prints the text.
+  // Prints the text, unless it is that of the message before.
   MessageAnswer ShowMessage(const Message& message) override;
   // Shows progress when standard error is a terminal and the work is longer than a second.
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
@@ -24,6 +24,7 @@ class TerminalUserInterface : public ProgramInterface {
   std::string program_;
   bool terminal_;
   bool lineOpen_ = false;
+  std::string lastLine_;  // of the messages
 };
 
 }  // namespace brenvolt

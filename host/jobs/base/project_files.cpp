@@ -61,6 +61,22 @@ std::string MatrixName(const Workbook& workbook, const std::string& dataSheet) {
   return usual;
 }
 
+// The matrix of the first data sheet, or the only matrix of a project that has no data.
+std::string UsualMatrixName(const Workbook& project, const std::filesystem::path& path) {
+  std::vector<std::string> matrices;
+  for (std::size_t i = 0; i < project.SheetCount(); ++i) {
+    const Spreadsheet& sheet = project.SheetAt(i);
+    if (sheet.Kind() == SheetKind::kData) return CorrelationMatrixName(project, sheet.Name());
+    matrices.push_back(sheet.Name());
+  }
+  if (matrices.size() == 1) return matrices.front();
+  std::string list;
+  for (const std::string& name : matrices) list += (list.empty() ? "" : ", ") + name;
+  throw Error(matrices.empty() ? "the project has no sheet"
+                               : "the project has several matrices; name one after a colon: " + list,
+              path.string());
+}
+
 }  // namespace
 
 bool HasEnding(const std::filesystem::path& path, std::string_view ending) {
@@ -179,8 +195,7 @@ std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook
   }
   if (!Workbook::IsWorkbookFile(path)) return MatrixFromTable(ReadCsv(path, {}), path.string());
   DataFile other = OpenProject(path);
-  const std::string wanted =
-      sheetName.empty() ? CorrelationMatrixName(other.workbook, other.Sheet({}).Name()) : sheetName;
+  const std::string wanted = sheetName.empty() ? UsualMatrixName(other.workbook, path) : sheetName;
   return std::make_unique<Spreadsheet>(other.Sheet(wanted));
 }
 

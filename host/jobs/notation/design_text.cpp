@@ -55,6 +55,17 @@ std::optional<std::string_view> CorrelationIn(std::string_view line) {
   return rest;
 }
 
+// The line up to a comment: a '#' after a blank, behind the sign that follows the names, and in no quotes.
+std::string_view WithoutComment(std::string_view line) {
+  bool isQuoted = false;
+  for (std::size_t i = line.find_first_of("~="); i < line.size(); ++i) {
+    if (line[i] == '"') isQuoted = !isQuoted;
+    const bool isAfterBlank = i > 0 && (line[i - 1] == ' ' || line[i - 1] == '\t');
+    if (line[i] == '#' && isAfterBlank && !isQuoted) return Trim(line.substr(0, i));
+  }
+  return line;
+}
+
 void Place(const std::filesystem::path& file, std::size_t line, JobFaults& faults, std::size_t from) {
   for (std::size_t i = from; i < faults.size(); ++i)
     faults[i].message = file.string() + ", line " + std::to_string(line) + ": " + faults[i].message;
@@ -65,7 +76,7 @@ void Shorten(const std::filesystem::path& file, std::size_t from, JobFaults& fau
   if (faults.size() <= most) return;
   const std::size_t more = faults.size() - most;
   faults.resize(most);
-  faults.push_back({"from", file.string() + ": and " + std::to_string(more) + " more"});
+  faults.push_back({"fromFile", file.string() + ": and " + std::to_string(more) + " more"});
 }
 
 NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::string>& known) {
@@ -147,7 +158,10 @@ void AddCorrelations(const std::string& field, const Spreadsheet& table,
       }
     }
   } catch (const Error& error) {
-    faults.push_back({field, MessageOf(error)});
+    // The field is named with every fault, so that of the place only a row and a column are left to say.
+    const std::size_t comma = error.Where().find(", ");
+    const std::string place = comma == std::string::npos ? "" : error.Where().substr(comma + 2);
+    faults.push_back({field, error.what() + (place.empty() ? "" : " (" + place + ")")});
   }
 }
 
@@ -164,8 +178,9 @@ void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::st
   std::string line;
   for (std::size_t number = 1; std::getline(stream, line); ++number) {
     if (number == 1 && line.starts_with(kByteOrderMark)) line.erase(0, kByteOrderMark.size());
-    const std::string_view text = Trim(std::string_view(line).substr(0, line.find_last_not_of('\r') + 1));
+    std::string_view text = Trim(std::string_view(line).substr(0, line.find_last_not_of('\r') + 1));
     if (text.empty() || text.front() == '#') continue;
+    text = WithoutComment(text);
     if (const auto correlation = CorrelationIn(text)) {
       correlations.push_back({number, std::string(*correlation)});
       continue;

@@ -26,7 +26,8 @@ struct DesignText {
   std::vector<std::string> Names() const;
 };
 
-// Lines of a text file: variables; "correlation h, a = 0.4"; lines that begin with '#', and empty ones, say nothing.
+// Lines of a text file: variables; "correlation h, a = 0.4". What follows a '#' at the beginning of a line, or after a blank
+// behind the names, says nothing, and neither do empty lines.
 // Adds the faults of all lines, each with its number, as faults of the field "fromFile". Throws Error if the file cannot
 // be read. `others` as below.
 void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::string>* others,

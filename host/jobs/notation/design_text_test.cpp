@@ -14,17 +14,18 @@ const std::vector<std::string> kNoOthers;
 TEST(DesignText, FileReadsBackAsItIsWritten) {
   const TemporaryFolder folder;
   const auto file = folder.Path() / "plan.txt";
-  std::ofstream(file)
-      << "\xEF\xBB\xBF# A stack of parts\r\n\n  h ~ normal(50.2, 0.05)  \r\ncorrelation h, a,b = 0.4\n"
-         "a,b ~ triangular(1, 3, 2) in [1.5,]\ncorrelation ~ poisson(3)\n"
-         "correlation correlation,h=-0.25";
+  std::ofstream(file) << "\xEF\xBB\xBF# A stack of parts\r\n\n  h ~ normal(50.2, 0.05)  # of ~ 20 "
+                         "parts\r\ncorrelation h, a,b = 0.4 # was = 0.5\n"
+                         "a,b ~ triangular(1, 3, 2) in [1.5,]\ncorrelation ~ poisson(3)\n"
+                         "correlation correlation,h=-0.25\npart #2 ~ histogram(\"a # b\":1)\t# one\n";
   DesignText design;
   JobFaults faults;
   ReadDesignFile(file, &kNoOthers, design, faults);
   EXPECT_TRUE(faults.empty()) << faults.front().message;
   EXPECT_EQ(TextOf(design),
             "h ~ normal(location=50.2, scale=0.05)\na,b ~ triangular(min=1, max=3, mode=2) in [1.5, ]\n"
-            "correlation ~ poisson(3)\ncorrelation h, a,b = 0.4\ncorrelation correlation, h = -0.25\n");
+            "correlation ~ poisson(3)\npart #2 ~ histogram(\"a # b\":1)\ncorrelation h, a,b = "
+            "0.4\ncorrelation correlation, h = -0.25\n");
   std::ofstream(file) << TextOf(design);
   DesignText again;
   ReadDesignFile(file, &kNoOthers, again, faults);

@@ -156,12 +156,65 @@ class Reader {
   void Groups(const DistributionFacts& facts) {
     const std::size_t group = facts.ParameterCount();
     do {
-      const ParameterFacts& parameter = facts.parameters[noted_.values.size() % group];
+      const std::size_t inGroup = noted_.values.size() % group;
+      if (facts.code == DistributionCode::kHistogram && inGroup == 0) {
+        Level(facts);
+        continue;
+      }
+      const ParameterFacts& parameter = facts.parameters[inGroup];
       noted_.values.push_back(Value(Item(",:;)"), parameter.name, parameter.range, facts));
     } while (Take(',') || Take(':') || Take(';'));
     Expect(')', "after the last value");
     if (noted_.values.size() % group != 0)
       Fail(place_ - 1, "the last group is not complete; " + Takes(facts));
+  }
+
+  // The number or the text of a level, which none before it has.
+  void Level(const DistributionFacts& facts) {
+    const auto text = QuotedText();
+    const std::string_view item = text ? std::string_view(*text) : Item(",:;)");
+    const auto number = text ? std::nullopt : ParseNumber(item);
+    const bool isFirst = noted_.values.empty();
+    if (!isFirst && number.has_value() != noted_.levels.empty())
+      Fail(itemPlace_,
+           "the levels are all numbers or all texts; a text that is spelled like a number needs quotes");
+    if (number || item.empty()) {
+      noted_.values.push_back(Value(item, "code", ParameterRange::kFinite, facts));
+    } else {
+      noted_.values.push_back(static_cast<double>(noted_.levels.size() + 1));
+      noted_.levels.emplace_back(item);
+    }
+    if (IsLastLevelKnown()) Fail(itemPlace_, "the level " + std::string(item) + " is there twice");
+  }
+
+  // Whether the level that was read last is there already.
+  bool IsLastLevelKnown() const {
+    if (!noted_.levels.empty()) {
+      const auto last = noted_.levels.end() - 1;
+      return std::find(noted_.levels.begin(), last, *last) != last;
+    }
+    for (std::size_t i = 0; i + 1 < noted_.values.size(); i += 2) {  // codes and proportions in turn
+      if (noted_.values[i] == noted_.values.back()) return true;
+    }
+    return false;
+  }
+
+  // The text between the double quotes that stand here; nothing if none do.
+  std::optional<std::string> QuotedText() {
+    SkipBlanks();
+    if (place_ >= text_.size() || text_[place_] != '"') return std::nullopt;
+    itemPlace_ = place_;
+    std::string quoted;
+    for (++place_; place_ < text_.size(); ++place_) {
+      const bool isQuote = text_[place_] == '"';
+      if (isQuote && !text_.substr(place_ + 1).starts_with('"')) {
+        ++place_;
+        return quoted;
+      }
+      if (isQuote) ++place_;
+      quoted += text_[place_];
+    }
+    Fail(itemPlace_, "expected another '\"' at the end of the text");
   }
 
   // The place among the names, by a name or a synonym.
@@ -227,6 +280,7 @@ class Reader {
     Expect(',', "between the bounds, as in 'in [0, 100]'; either may be left out");
     noted_.maximum = Bound(",]");
     Expect(']', "after the bounds");
+    if (!noted_.levels.empty()) Fail(begin, "levels that are texts have no bounds");
     if (!noted_.minimum && !noted_.maximum) Fail(begin, "expected at least one bound, as in 'in [0, ]'");
     if (noted_.minimum && noted_.maximum && *noted_.minimum >= *noted_.maximum)
       Fail(begin, "the lower bound must be below the upper one");
@@ -259,10 +313,29 @@ std::string ValueText(double value, ParameterRange range) {
   return ShortestNumber(value);
 }
 
+// The number of characters of a text in UTF-8.
+std::ptrdiff_t Characters(std::string_view text) {
+  constexpr unsigned char kLeadingBits = 0xC0;
+  constexpr unsigned char kContinuation = 0x80;
+  return std::ranges::count_if(
+      text, [](char c) { return (static_cast<unsigned char>(c) & kLeadingBits) != kContinuation; });
+}
+
+// As Level reads it.
+std::string LevelText(const std::string& level) {
+  const bool isPlain = !level.empty() && !ParseNumber(level) && Trim(level) == level &&
+                       level.find_first_of(",:;)#\"") == std::string::npos;
+  if (isPlain) return level;
+  std::string quoted = "\"";
+  for (const char c : level) quoted += c == '"' ? "\"\"" : std::string(1, c);
+  return quoted + "\"";
+}
+
 }  // namespace
 
 NotationError::NotationError(std::string_view text, std::size_t place, const std::string& what)
-    : Error(what, "character " + std::to_string(place + 1) + " of " + Quoted(text)) {}
+    : Error(what,
+            "character " + std::to_string(Characters(text.substr(0, place)) + 1) + " of " + Quoted(text)) {}
 
 NotedDistribution ReadDistribution(std::string_view text) {
   return Reader(text).Distribution();
@@ -280,7 +353,9 @@ std::string NotationOf(const NotedDistribution& distribution) {
     const ParameterFacts& parameter = facts.parameters[i % group];
     if (i > 0) text += facts.isUserDefined && i % group != 0 ? ":" : ", ";
     if (!facts.isUserDefined && group > 1) text += std::string(parameter.name) + "=";
-    text += ValueText(distribution.values[i], parameter.range);
+    const bool isText = !distribution.levels.empty() && i % group == 0;
+    text += isText ? LevelText(distribution.levels.at(i / group))
+                   : ValueText(distribution.values[i], parameter.range);
   }
   if (facts.HasOffset() && !IsNotSet(distribution.offset) && distribution.offset != 0)
     text += ", offset=" + ShortestNumber(distribution.offset);

@@ -3,10 +3,13 @@
 //   h ~ normal(50.2, 0.05)
 //   cost ~ triangular(min=100, max=180, mode=120) in [100, 170]
 //   risk ~ histogram(0:0.9, 25000:0.1)
+//   sky ~ histogram(clear:0.7, "rain, snow":0.3)
 //
 // A distribution goes by its name or another usual one, in any case. Its parameters stand in the order of the catalogue
 // or under their names, the offset last; values of user-defined types come in groups, separated by colons or commas. The
-// part from "in" truncates the distribution; a bound may be left out. Numbers have a decimal point in every locale.
+// levels of a histogram are all numbers or all texts; a text stands between double quotes, a quote in it twice, where it
+// would not be read as one otherwise. The part from "in" truncates the distribution; a bound may be left out. Numbers have
+// a decimal point in every locale.
 #pragma once
 
 #include <cstddef>
@@ -27,6 +30,7 @@ struct NotedDistribution {
   double offset = kNotSet;  // of a distribution that has one: 0 if none is written
   std::optional<double> minimum;
   std::optional<double> maximum;
+  std::vector<std::string> levels = {};  // of a histogram of texts, whose values number them from 1
 };
 
 struct NotedVariable {

@@ -29,6 +29,10 @@ TEST(DistributionNotation, ReadsOrdersNamesSynonymsOffsetsAndBounds) {
       {"j ~ johnson(su, 1, 2, 3, 4)", "j ~ johnson(type=SU, gamma=1, delta=2, lambda=3, xi=4)"},
       {"r ~ histogram(0:0.9, 25000:0.1)", "r ~ histogram(0:0.9, 25000:0.1)"},
       {"r ~ histogram(0, 0.9, 25000, 0.1)", "r ~ histogram(0:0.9, 25000:0.1)"},
+      {"s ~ histogram(clear: 0.7, light rain : 0.3)", "s ~ histogram(clear:0.7, light rain:0.3)"},
+      {"s ~ histogram(\"clear\":0.7, \"rain, snow\":0.2, \"a \"\"b\"\"\":0.1)",
+       "s ~ histogram(clear:0.7, \"rain, snow\":0.2, \"a \"\"b\"\"\":0.1)"},
+      {"s ~ histogram(\"1\":0.7, \" \":0.3)", "s ~ histogram(\"1\":0.7, \" \":0.3)"},
       {"m ~ gaussian-mixture(0.3:10:1; 0.7:20:2)", "m ~ gaussianmixture(0.3:10:1, 0.7:20:2)"},
       {"y ~ rayleigh(2)", "y ~ rayleigh(2)"},
   };
@@ -38,6 +42,7 @@ TEST(DistributionNotation, ReadsOrdersNamesSynonymsOffsetsAndBounds) {
     EXPECT_EQ(NotationOf(ReadVariable(row.canonical)), row.canonical) << "reads back";
   }
   EXPECT_EQ(ReadDistribution("weibull(1, 2)").offset, 0.0);
+  EXPECT_EQ(ReadDistribution("histogram(b:0.4, a:0.6)").values, (std::vector<double>{1, 0.4, 2, 0.6}));
   EXPECT_EQ(ReadDistribution("normal(0.1, 0.3)").values, (std::vector<double>{0.1, 0.3}));
   SetUserNumberLocale({','});
   EXPECT_EQ(NotationOf(ReadDistribution("normal(0.1, 0.3)")), "normal(location=0.1, scale=0.3)")
@@ -55,6 +60,7 @@ TEST(DistributionNotation, FaultsPointAtTheCharacterAndSayWhatTheTypeTakes) {
       {" ~ normal(1, 2)", 1, "expected the name of a variable"},
       {"h ~ ", 5, "expected a distribution: one of normal, lognormal"},
       {"h ~ nomral(1, 2)", 5, "no distribution is called 'nomral'; did you mean normal?"},
+      {"gr\u00F6\u00DFe ~ nomral(1, 2)", 9, "did you mean normal?"},
       {"h ~ cauchy(1, 2)", 5, "no distribution is called 'cauchy'. The distributions are"},
       {"h ~ normal", 11, "normal takes location, scale"},
       {"h ~ normal(1)", 13, "scale is missing; normal takes location, scale"},
@@ -75,6 +81,13 @@ TEST(DistributionNotation, FaultsPointAtTheCharacterAndSayWhatTheTypeTakes) {
       {"h ~ histogram(0:0.5, 1:0.3)", 27, "the proportions must add up to 1; they add up to 0.8"},
       {"h ~ gaussianmixture(1:0:1)", 26, "a gaussianmixture has from 2 to 20 components, not 1"},
       {"h ~ histogram(0:0.5, 1)", 23, "the last group is not complete; histogram takes code:proportion, …"},
+      {"h ~ histogram(0:0.3, 1:0.4, 0:0.3)", 29, "the level 0 is there twice"},
+      {"h ~ histogram(a:0.3, b:0.4, a:0.3)", 29, "the level a is there twice"},
+      {"h ~ histogram(a:0.3, 2:0.7)", 22, "the levels are all numbers or all texts"},
+      {"h ~ histogram(a:0.3, b:0.7) in [1, 2]", 29, "levels that are texts have no bounds"},
+      {"h ~ histogram(1:0.3, b:0.7)", 22, "the levels are all numbers or all texts"},
+      {"h ~ histogram(\"a:0.3, 2:0.7)", 15, "expected another '\"'"},
+      {"h ~ histogram(:1)", 15, "expected a finite number for code, got nothing"},
       {"h ~ johnson(SX, 1, 2, 3, 4)", 13, "expected SL, SU, SB or SN for type, got 'SX'"},
       {"h ~ normal(1, 2) in [3, 2]", 18, "the lower bound must be below the upper one"},
       {"h ~ normal(1, 2) in [, ]", 18, "expected at least one bound"},
