@@ -64,7 +64,7 @@ void PrintField(double value) {
 void PrintFits(const std::vector<DistributionFit>& fits) {
   std::printf("distribution\tlog-likelihood\tks\tks-p\tad\tad-p\tchi-square\tdf\tp\tparameters\n");
   for (const DistributionFit& fit : fits) {
-    std::printf("%s", std::string(DisplayName(fit.specification.code)).c_str());
+    std::printf("%s", std::string(SpacedKey(fit.specification.code)).c_str());
     PrintField(fit.logLikelihood);
     for (const TestResult& test : {fit.kolmogorovSmirnov, fit.andersonDarling}) {
       PrintField(test.statistic);

@@ -45,7 +45,7 @@ void TestOneType(benchmark::State& state) {
     TestFit(fit, kSorted, ChiSquareBinning::kEqualProbabilities);
     benchmark::DoNotOptimize(fit.andersonDarling.pValue);
   }
-  state.SetLabel(std::string(DisplayName(fit.specification.code)));
+  state.SetLabel(std::string(SpacedKey(fit.specification.code)));
 }
 BENCHMARK(TestOneType)->DenseRange(0, 10)->Unit(benchmark::kMillisecond);
 

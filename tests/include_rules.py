@@ -59,14 +59,14 @@ ROOMS = (
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.
     Room("brv_sra/base", "host", ""),
-    Room("brv_sra/resources", "host", ""),
-    Room("brv_sra/distributions", "brv_sra/base brv_sra/resources", ""),
+    Room("brv_sra/resources", "brv_sra/base", ""),
+    Room("brv_sra/distributions", "brv_sra/base", ""),
     Room("brv_sra/matrix", "brv_sra/base", ""),
     Room("brv_sra/fitting", "brv_sra/distributions brv_sra/matrix", ""),
     Room("brv_sra/simulation/sampling", "brv_sra/distributions", ""),
     Room("brv_sra/simulation", "brv_sra/simulation/sampling brv_sra/matrix", ""),
     Room("brv_sra/profiler", "brv_sra/fitting brv_sra/simulation", ""),
-    Room("brv_sra/frame", "brv_sra/distributions", ""),
+    Room("brv_sra/frame", "brv_sra/distributions brv_sra/resources", ""),
     Room("brv_sra/fitting/dialogs", "brv_sra/frame brv_sra/fitting", ""),
     Room("brv_sra/matrix/dialogs", "brv_sra/frame brv_sra/matrix", ""),
     Room("brv_sra/simulation/dialogs", "brv_sra/frame brv_sra/simulation brv_sra/matrix/dialogs", ""),
@@ -86,14 +86,10 @@ ROOMS = (
 CONTRACT = "host/contract"
 # A name that means several folders, if the table names none below it.
 GROUPS = ("host", "host/numeric", "brv_sra")
-# The engines of the module know no text: what their faults and progress are called is the dialogs' to say.
-TEXTS = "brv_sra/resources"
-WITHOUT_TEXTS = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation",
-                 "brv_sra/simulation/sampling", "brv_sra/profiler")
-# But the catalogue names the distributions and their parameters.
-WITH_NAMES = "brv_sra/distributions/catalogue"
-# Nor does what computes: a literal of three words or more stands where a text is made, or is thrown.
-COMPUTING = WITHOUT_TEXTS + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
+# What computes knows no text: what faults, progress and distributions are called is the dialogs' to say. A literal of three
+# words or more stands where a text is made, or is thrown.
+COMPUTING = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation",
+             "brv_sra/simulation/sampling", "brv_sra/profiler") + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
     "host/statistics",)
 COMMENT = re.compile(r"//[^\n]*")
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
@@ -193,8 +189,6 @@ def fault(path, target):
         return folder
     if folder != room.folder and folder not in reachable(named_folders(room.folders)) and not is_beside(path, folder):
         return folder
-    if folder == TEXTS and room.folder in WITHOUT_TEXTS and subject_path(path) != WITH_NAMES:
-        return f"{target}: texts belong to dialogs"
     if is_dialog(target) and path.startswith("brv_sra/") and folder != room.folder and room.folder != "brv_sra/module":
         return f"{target}: a dialog of another folder"
     return None
@@ -236,7 +230,7 @@ def violations_of_file(root, path):
 
 def texts_of_file(root, path):
     """The literals in words that are in a file that only computes."""
-    if is_test(path) or folder_of(path) not in COMPUTING or subject_path(path) == WITH_NAMES:
+    if is_test(path) or folder_of(path) not in COMPUTING:
         return
     with open(os.path.join(root, path), encoding="utf-8", errors="replace") as file:
         code = COMMENT.sub("", file.read())
@@ -298,14 +292,9 @@ SELF_TESTS = (
     ("host/tables/a_test.cpp", "<unistd.h>", None),
     ("host/tables/a_test.cpp", '"host/formula/f.h"', "host/formula"),
     ("brv_sra/distributions/a.cpp", "<cmath>", None),
-    ("brv_sra/distributions/catalogue.cpp", '"brv_sra/resources/strings.h"', None),
-    ("brv_sra/distributions/catalogue_test.cpp", '"brv_sra/resources/strings.h"', None),
-    ("brv_sra/distributions/a.cpp", '"brv_sra/resources/strings.h"',
-     "brv_sra/resources/strings.h: texts belong to dialogs"),
-    ("brv_sra/fitting/a.cpp", '"brv_sra/resources/strings.h"',
-     "brv_sra/resources/strings.h: texts belong to dialogs"),
-    ("brv_sra/profiler/a_test.cpp", '"brv_sra/resources/resource_numbers.h"',
-     "brv_sra/resources/resource_numbers.h: texts belong to dialogs"),
+    ("brv_sra/distributions/a.cpp", '"brv_sra/resources/strings.h"', "brv_sra/resources"),
+    ("brv_sra/fitting/a.cpp", '"brv_sra/resources/strings.h"', "brv_sra/resources"),
+    ("brv_sra/profiler/a_test.cpp", '"brv_sra/resources/resource_numbers.h"', "brv_sra/resources"),
     ("brv_sra/profiler/dialogs/a.cpp", '"brv_sra/resources/strings.h"', None),
     ("brv_sra/matrix/a.cpp", '"brv_sra/base/fault.h"', None),
     ("brv_sra/base/a.h", '"brv_sra/distributions/catalogue.h"', "brv_sra/distributions"),

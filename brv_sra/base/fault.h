@@ -11,7 +11,8 @@
 namespace brenvolt::sra {
 
 enum class FaultIdentifier : std::uint8_t {
-  // The values of a distribution; about the word for a parameter, the detail is the distribution.
+  // A distribution is told by its key. The values of one: about the name of a parameter, the detail is the
+  // distribution.
   kInvalidParameter,
   kInvalidProportion,
   kInvalidTrials,  // of a simulation; about nothing, as the next ones

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <span>
 #include <stdexcept>
@@ -10,8 +9,6 @@
 #include <string_view>
 #include <vector>
 
-#include "brv_sra/resources/resource_numbers.h"
-#include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {
@@ -29,42 +26,40 @@ std::vector<DistributionCode> AllCodes() {
 TEST(Catalogue, PersistedNumbersNamesAndKeysOfEveryTypeStay) {
   const struct {
     std::int32_t number;
-    std::string_view internalKey, compactKey, spacedKey, name;
+    std::string_view internalKey, compactKey, spacedKey;
     bool offset;
     std::size_t values;
   } rows[] = {
-      {0, "scNormalDistr", "Normal", "Normal", "Normal", false, 2},
-      {1, "scLogNormal", "LogNormal", "Log Normal", "Log Normal", true, 2},
-      {2, "scFoldedNormal", "FoldedNormal", "Folded Normal", "Folded Normal", true, 2},
-      {3, "scHalfNormal", "HalfNormal", "Half Normal", "Half Normal", true, 1},
-      {4, "scRayleigh", "Rayleigh", "Rayleigh", "Rayleigh", true, 1},
-      {5, "scWeibull", "Weibull", "Weibull", "Weibull", true, 2},
-      {6, "scGaussianMixture", "GaussianMixture", "Gaussian Mixture", "Gaussian Mixture", false, 3},
-      {7, "scJohnson", "Johnson", "Johnson", "Johnson", false, 5},
-      {8, "scGenExtreme", "GeneralExtremeValue", "General Extreme Value", "General Extreme Value", false, 3},
-      {9, "scGenPareto", "GeneralPareto", "General Pareto", "General Pareto", true, 2},
-      {10, "scTriangular", "Triangular", "Triangular", "Triangular", false, 3},
-      {11, "scBinomial", "Binomial", "Binomial", "Binomial", false, 2},
-      {12, "scPoisson", "Poisson", "Poisson", "Poisson", false, 1},
-      {13, "scGeometric", "Geometric", "Geometric", "Geometric", false, 1},
-      {14, "scBernoulli", "Bernoulli", "Bernoulli", "Bernoulli", false, 1},
-      {15, "scDiscrete", "Histogram", "Histogram", "Histogram", false, 2},
+      {0, "scNormalDistr", "Normal", "Normal", false, 2},
+      {1, "scLogNormal", "LogNormal", "Log Normal", true, 2},
+      {2, "scFoldedNormal", "FoldedNormal", "Folded Normal", true, 2},
+      {3, "scHalfNormal", "HalfNormal", "Half Normal", true, 1},
+      {4, "scRayleigh", "Rayleigh", "Rayleigh", true, 1},
+      {5, "scWeibull", "Weibull", "Weibull", true, 2},
+      {6, "scGaussianMixture", "GaussianMixture", "Gaussian Mixture", false, 3},
+      {7, "scJohnson", "Johnson", "Johnson", false, 5},
+      {8, "scGenExtreme", "GeneralExtremeValue", "General Extreme Value", false, 3},
+      {9, "scGenPareto", "GeneralPareto", "General Pareto", true, 2},
+      {10, "scTriangular", "Triangular", "Triangular", false, 3},
+      {11, "scBinomial", "Binomial", "Binomial", false, 2},
+      {12, "scPoisson", "Poisson", "Poisson", false, 1},
+      {13, "scGeometric", "Geometric", "Geometric", false, 1},
+      {14, "scBernoulli", "Bernoulli", "Bernoulli", false, 1},
+      {15, "scDiscrete", "Histogram", "Histogram", false, 2},
   };
   for (const auto& row : rows) {
     const auto code = CodeFromNumber(row.number);
     ASSERT_TRUE(code.has_value());
     EXPECT_EQ(InternalKey(*code), row.internalKey);
-    EXPECT_EQ(DisplayName(*code), row.name);
-    EXPECT_EQ(Entry(*code).displayNameResource, 10036 + row.number);
     EXPECT_EQ(CompactKey(*code), row.compactKey);
     EXPECT_EQ(SpacedKey(*code), row.spacedKey);
     EXPECT_EQ(IsContinuous(*code), row.number <= 10);
     EXPECT_EQ(HasOffset(*code), row.offset);
-    EXPECT_EQ(Parameters(*code).size(), row.values);
+    EXPECT_EQ(Facts(*code).ParameterCount(), row.values);
   }
   EXPECT_FALSE(CodeFromNumber(-1));
   EXPECT_FALSE(CodeFromNumber(16));
-  EXPECT_THROW(Entry(static_cast<DistributionCode>(16)), std::out_of_range);
+  EXPECT_THROW(Facts(static_cast<DistributionCode>(16)), std::out_of_range);
 }
 
 TEST(Catalogue, EveryFormOfAKeyLeadsBackToItsType) {
@@ -75,17 +70,10 @@ TEST(Catalogue, EveryFormOfAKeyLeadsBackToItsType) {
       EXPECT_EQ(CodeFromKey(marker + std::string(key)), code) << key;
     }
     EXPECT_EQ(CodeFromKey(InternalKey(code)), code);
-    EXPECT_EQ(CodeFromDisplayName(DisplayName(code)), code);
   }
   for (const std::string_view unknown :
        {"", "normal", "Normal ", "DontTranslate!!", "DontTranslate!!scWeibull", "sc"}) {
     EXPECT_FALSE(CodeFromKey(unknown)) << unknown;
-  }
-}
-
-TEST(Catalogue, DisplayNamesAreComparedAsWholeTexts) {
-  for (const std::string_view name : {"Log", "Log Normal2", "LogNormal", ""}) {
-    EXPECT_FALSE(CodeFromDisplayName(name)) << name;
   }
 }
 
@@ -148,14 +136,11 @@ TEST(Catalogue, MacroTextHasMoreDigitsOnlyWhereSixDecimalsLoseSome) {
             "Array(scWeibull, 3.3333333333333331e-01, 5.000000e-01, Nothing, 0, 0, 0, 0)");
 }
 
-TEST(Catalogue, DescriptionAndWordsMatchTheNumberOfParameters) {
+TEST(Catalogue, EveryValueHasAStoredForm) {
   for (const DistributionCode code : AllCodes()) {
-    const CatalogueEntry& entry = Entry(code);
-    const auto conversions = static_cast<int>(std::ranges::count(entry.descriptionFormat, '%'));
-    EXPECT_TRUE(conversions == 0 || conversions == std::ssize(Parameters(code))) << DisplayName(code);
-    for (const Parameter& parameter : Parameters(code)) {
-      EXPECT_NE(ResourceString(parameter.headingResource), "") << DisplayName(code);
-      EXPECT_NE(ResourceString(parameter.wordResource), "") << DisplayName(code);
+    for (std::size_t i = 0; i < Facts(code).ParameterCount(); ++i) {
+      EXPECT_NO_THROW(StoredFault(code, i)) << SpacedKey(code);
+      EXPECT_EQ(StoredKey(code, i).empty(), StoredKey(code, 0).empty()) << SpacedKey(code);
     }
   }
 }

@@ -126,7 +126,7 @@ TEST(CurveFormulas, NumbersReadBackExactlyAndHaveNoExponent) {
 // The text evaluated is the catalogue's function times the factor.
 void ExpectAgreement(const DistributionSpecification& specification, const std::vector<double>& x) {
   const SpecifiedDistribution distribution(specification);
-  ASSERT_TRUE(distribution.IsValid()) << DisplayName(specification.code);
+  ASSERT_TRUE(distribution.IsValid()) << SpacedKey(specification.code);
   for (const CurveKind kind : {CurveKind::kDensity, CurveKind::kCumulative}) {
     const std::string text = IsContinuous(specification.code)
                                  ? ContinuousCurveFormula(specification, kind, kFactor)

@@ -17,8 +17,9 @@ bool IsGiven(double x) {
 }
 
 ValidityFault ParameterFault(DistributionCode code, std::size_t index, std::size_t place) {
-  return {{FaultIdentifier::kInvalidParameter, std::string(ParameterWord(code, place)),
-           std::string(DisplayName(code))},
+  const DistributionFacts& facts = Facts(code);
+  return {{FaultIdentifier::kInvalidParameter, std::string(facts.parameters[place].name),
+           std::string(CompactKey(code))},
           index};
 }
 

@@ -36,7 +36,7 @@ Fault NoProportion(std::string word, std::string name) {
 
 void Expect(const ValidityRow& row) {
   const auto found = CheckValues(row.code, row.values);
-  const std::string about = std::string(DisplayName(row.code)) + " " + testing::PrintToString(row.values);
+  const std::string about = std::string(SpacedKey(row.code)) + " " + testing::PrintToString(row.values);
   EXPECT_EQ(found ? std::optional(found->fault) : std::nullopt, row.fault) << about;
   EXPECT_EQ(found ? found->valueIndex : row.index, row.index) << about;
 }
@@ -71,15 +71,15 @@ TEST(Validity, AValueOutsideItsRangeIsNamedWithItsDistribution) {
       {kNormal, {0, -1e-300}, Invalid("scale", "Normal"), 1},
       {kNormal, {0}, Invalid("scale", "Normal"), 1},
       {kNormal, {0, 1, 2}, Invalid("scale", "Normal"), 2},
-      {kLogNormal, {0, 0}, Invalid("shape", "Log Normal"), 1},
+      {kLogNormal, {0, 0}, Invalid("shape", "LogNormal"), 1},
       {kWeibull, {1, kNan}, Invalid("shape", "Weibull"), 1},
-      {kGeneralExtremeValue, {0, 1, kNan}, Invalid("shape", "General Extreme Value"), 2},
+      {kGeneralExtremeValue, {0, 1, kNan}, Invalid("shape", "GeneralExtremeValue"), 2},
       {kJohnson, {5, 0, 1, 1, 0}, Invalid("type", "Johnson"), 0},
       {kJohnson, {2.5, 0, 1, 1, 0}, Invalid("type", "Johnson"), 0},
-      {kJohnson, {2, 0, 0, 1, 0}, Invalid("shape 2", "Johnson"), 2},
-      {kJohnson, {2, 0, 1, -1, 0}, Invalid("scale", "Johnson"), 3},
-      {kTriangular, {3, 5, 2}, Invalid("minimum and/or mode", "Triangular"), 0},
-      {kTriangular, {1, 5, 6}, Invalid("mode and/or maximum", "Triangular"), 2},
+      {kJohnson, {2, 0, 0, 1, 0}, Invalid("delta", "Johnson"), 2},
+      {kJohnson, {2, 0, 1, -1, 0}, Invalid("lambda", "Johnson"), 3},
+      {kTriangular, {3, 5, 2}, Invalid("min", "Triangular"), 0},
+      {kTriangular, {1, 5, 6}, Invalid("max", "Triangular"), 2},
       {kBinomial, {0.5, 2.5}, Invalid("trials", "Binomial"), 1},
       {kBinomial, {0.5, 0}, Invalid("trials", "Binomial"), 1},
       {kBinomial, {0.5, 0x1p54}, Invalid("trials", "Binomial"), 1},
@@ -89,12 +89,12 @@ TEST(Validity, AValueOutsideItsRangeIsNamedWithItsDistribution) {
       {kGeometric, {0}, NoProportion("proportion", "Geometric"), 0},
       {kBernoulli, {-0.1}, NoProportion("proportion", "Bernoulli"), 0},
       {kBernoulli, {}, Invalid("proportion", "Bernoulli"), 0},
-      {kHistogram, {1, 0.5, 2}, Invalid("code and/or proportion", "Histogram"), 3},
-      {kHistogram, {kNotSet, 0.5, 2, 0.5}, Invalid("code and/or proportion", "Histogram"), 0},
-      {kHistogram, {1, 1.5, 2, -0.5}, NoProportion("code and/or proportion", "Histogram"), 1},
-      {kGaussianMixture, {0.5, 0, 1, 0.5, 1, 0}, Invalid("standard deviation", "Gaussian Mixture"), 5},
-      {kGaussianMixture, {0.5, 0, 1, 0.4, 1, 1}, Invalid("mixing coefficient", "Gaussian Mixture"), 6},
-      {kGaussianMixture, {0.5, 0, 1, 0.5}, Invalid("mean", "Gaussian Mixture"), 4},
+      {kHistogram, {1, 0.5, 2}, Invalid("proportion", "Histogram"), 3},
+      {kHistogram, {kNotSet, 0.5, 2, 0.5}, Invalid("code", "Histogram"), 0},
+      {kHistogram, {1, 1.5, 2, -0.5}, NoProportion("proportion", "Histogram"), 1},
+      {kGaussianMixture, {0.5, 0, 1, 0.5, 1, 0}, Invalid("standard deviation", "GaussianMixture"), 5},
+      {kGaussianMixture, {0.5, 0, 1, 0.4, 1, 1}, Invalid("proportion", "GaussianMixture"), 6},
+      {kGaussianMixture, {0.5, 0, 1, 0.5}, Invalid("mean", "GaussianMixture"), 4},
   };
   for (const ValidityRow& row : rows) Expect(row);
 }

@@ -3,7 +3,7 @@
 //
 // A variable carries one property per distribution, named by its display name ("Log Normal"); "zOrder", the
 // names in rank order, each followed by ";"; and "zTruncProp", "(below; above; minimum; maximum)" with flags
-// 0 or 1.
+// 0 or 1. Display names are translated with the user interface; a reader knows the untranslated ones as well.
 //
 // The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
 // "Key=number" per value ("%.12e") and "Offset=…" last if the type has one. Three have bare numbers:
@@ -49,6 +49,8 @@ inline constexpr std::string_view kMode = "Mode";
 // The host's variable properties as the module needs them: get, set and removal of a text property by variable
 // number (counted from 1) and name. Get answers nothing for a property that does not exist; Set leaves a
 // property that the host refuses as it was.
+//
+// A distribution's property bears the name by which people know the distribution, in the language of their user interface.
 class VariablePropertyStore {
  public:
   virtual ~VariablePropertyStore() = default;
@@ -56,6 +58,7 @@ class VariablePropertyStore {
   virtual void Set(int variableNumber, std::string_view key, const std::string& value) = 0;
   virtual void Remove(int variableNumber, std::string_view key) = 0;
   virtual std::string VariableName(int variableNumber) const = 0;
+  virtual std::string_view NameOf(DistributionCode code) const = 0;
 };
 
 struct Truncation {
@@ -83,7 +86,7 @@ std::string TruncationPropertyText(const Truncation& truncation);
 // are not valid once they are rounded to the format is skipped. A variable without any valid fit gets an
 // empty order, which no reader accepts, and "InvalidFit" 1, which tells people why; a later write with a
 // valid fit puts an existing "InvalidFit" to 0. Properties of distributions that are no longer in the order
-// are removed: people would take them for fits. A null store writes nothing.
+// are removed, under either name: people would take them for fits. A null store writes nothing.
 void WriteDistributionProperties(VariablePropertyStore* store, const VariableDistributions& distributions);
 
 // Reads the distributions of the given variables (numbers counted from 1). The first fault ends the read of

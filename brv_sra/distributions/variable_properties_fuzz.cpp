@@ -68,7 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   const int variable = 1;
   Spreadsheet sheet("Data", 0, 1);
-  SheetPropertyStore store(sheet);
+  SheetPropertyStore store(sheet, SpacedKey);
   SetProperties(text, store);
   auto result = ReadDistributionProperties(store, std::span(&variable, 1));
   if (!result) return 0;
@@ -80,7 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const VariableDistributions expected = Rounded(read);
   if (!IsStorable(expected)) return 0;
   Spreadsheet copy("Copy", 0, 1);
-  SheetPropertyStore copyStore(copy);
+  SheetPropertyStore copyStore(copy, SpacedKey);
   WriteDistributionProperties(&copyStore, read);
   const auto again = ReadDistributionProperties(copyStore, std::span(&variable, 1))->front();
   Require(std::ranges::equal(again.ranked, expected.ranked, Same));

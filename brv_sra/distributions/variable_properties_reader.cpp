@@ -8,6 +8,7 @@
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
+#include "host/numeric/distributions/distribution_types.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -44,6 +45,15 @@ struct NamedProperty {
   std::string text;
 };
 
+// By the name of this language or the untranslated one.
+std::optional<DistributionCode> CodeOf(const VariablePropertyStore& store, std::string_view name) {
+  for (const DistributionType* type : DistributionTypes()) {
+    const DistributionCode code = type->facts.code;
+    if (name == store.NameOf(code) || name == SpacedKey(code)) return code;
+  }
+  return std::nullopt;
+}
+
 // Thrown in this file alone, so that the reader reads as what it reads: every item can end it.
 struct Failure {
   Fault fault;
@@ -59,7 +69,7 @@ class VariableReader {
     VariableDistributions result;
     result.variableNumber = variableNumber_;
     result.truncation = ReadTruncation();
-    for (const NamedProperty& property : ReadNamedProperties(ReadOrder())) {
+    for (const NamedProperty& property : ReadNamedProperties()) {
       result.ranked.push_back(Parse(property, result.truncation));
     }
     return result;
@@ -100,36 +110,31 @@ class VariableReader {
     return *bound;
   }
 
-  std::vector<DistributionCode> ReadOrder() const {
+  // The property of every distribution of the order, none parsed yet.
+  std::vector<NamedProperty> ReadNamedProperties() const {
     const auto text = store_.Get(variableNumber_, property_key::kOrder);
     // No name holds a control character, and a message could not show one.
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
     if (!text || std::ranges::any_of(*text, isControl)) Fail(kOrderPropertyInvalid);
-    std::vector<DistributionCode> codes;
+    std::vector<NamedProperty> properties;
     for (const std::string_view name : Split(WithoutEnclosure(*text), kOrderDelimiters)) {
       const auto value = store_.Get(variableNumber_, name);
       if (!value) Fail(kPropertyMissing, name);
-      if (WithoutEnclosure(*value).empty())
-        Fail(kPropertyValueMissing, name, store_.VariableName(variableNumber_));
-      const auto code = CodeFromDisplayName(name);
+      const std::string_view content = WithoutEnclosure(*value);
+      if (content.empty()) Fail(kPropertyValueMissing, name, store_.VariableName(variableNumber_));
+      const auto code = CodeOf(store_, name);
       if (!code) Fail(kOrderPropertyInvalid);
-      codes.push_back(*code);
+      properties.push_back({*code, std::string(content)});
     }
-    if (codes.empty()) Fail(kOrderPropertyInvalid);
-    return codes;
+    if (properties.empty()) Fail(kOrderPropertyInvalid);
+    if (NamesTwice(properties)) Fail(kOrderCountsDiffer);
+    return properties;
   }
 
-  // The property of every distribution of the order, none parsed yet.
-  std::vector<NamedProperty> ReadNamedProperties(const std::vector<DistributionCode>& order) const {
-    std::vector<NamedProperty> properties;
-    for (const DistributionCode code : order) {
-      if (std::ranges::find(properties, code, &NamedProperty::code) != properties.end()) continue;
-      const std::string_view name = DisplayName(code);
-      const std::string text = *store_.Get(variableNumber_, name);
-      properties.push_back({code, std::string(WithoutEnclosure(text))});
-    }
-    if (properties.size() != order.size()) Fail(kOrderCountsDiffer);
-    return properties;
+  static bool NamesTwice(const std::vector<NamedProperty>& properties) {
+    return std::ranges::any_of(properties, [&](const NamedProperty& one) {
+      return std::ranges::count(properties, one.code, &NamedProperty::code) > 1;
+    });
   }
 
   DistributionSpecification Parse(const NamedProperty& property, const Truncation& truncation) const {
@@ -140,7 +145,7 @@ class VariableReader {
     specification.truncationMinimum = truncation.minimum;
     specification.truncationMaximum = truncation.maximum;
     const auto items = Split(property.text, kItemDelimiters);
-    if (StoredKeys(property.code).empty()) {
+    if (StoredKey(property.code, 0).empty()) {
       ParseBareItems(items, specification);
     } else {
       ParseKeyedItems(items, specification);
@@ -166,7 +171,9 @@ class VariableReader {
 
   void ParseKeyedItems(const std::vector<std::string_view>& items,
                        DistributionSpecification& specification) const {
-    const auto keys = StoredKeys(specification.code);
+    std::vector<std::string_view> keys;
+    for (std::size_t i = 0; i < Facts(specification.code).ParameterCount(); ++i)
+      keys.push_back(StoredKey(specification.code, i));
     std::vector<std::optional<double>> values(keys.size());
     std::optional<double> offset;
     for (const std::string_view item : items) {
@@ -190,17 +197,14 @@ class VariableReader {
   void Check(const DistributionSpecification& specification) const {
     const auto fault = CheckSpecification(specification);
     if (!fault) return;
-    const FaultIdentifier identifier = StoredFault(specification, fault->valueIndex);
+    const FaultIdentifier identifier = FaultOf(specification, fault->valueIndex);
     if (identifier == kInvalidParameter) Fail(fault->fault);
-    Fail(identifier, DisplayName(specification.code), std::to_string(variableNumber_));
+    Fail(identifier, CompactKey(specification.code), std::to_string(variableNumber_));
   }
 
   // What is wrong with one stored value; kInvalidParameter if the check says more.
-  static FaultIdentifier StoredFault(const DistributionSpecification& specification, std::size_t index) {
-    if (index < specification.values.size()) {
-      const auto parameters = Parameters(specification.code);
-      return parameters[index % parameters.size()].storedFault;
-    }
+  static FaultIdentifier FaultOf(const DistributionSpecification& specification, std::size_t index) {
+    if (index < specification.values.size()) return StoredFault(specification.code, index);
     return HasOffset(specification.code) ? kStoredOffsetInvalid : kInvalidParameter;
   }
 

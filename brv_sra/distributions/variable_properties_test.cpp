@@ -63,13 +63,13 @@ class VariableProperties : public testing::Test {
   }
   // The same for a variable whose only distribution has the given value.
   Cause ValueFault(DistributionCode code, const std::string& value) {
-    const std::string name(DisplayName(code));
+    const std::string name(SpacedKey(code));
     return FaultOf({{"zOrder", name + ";"}, {name, value}});
   }
 
   NumberLocale former_ = UserNumberLocale();
   Spreadsheet sheet_{"Data", 0, 2};
-  SheetPropertyStore store_{sheet_};
+  SheetPropertyStore store_{sheet_, SpacedKey};
 };
 
 TEST_F(VariableProperties, TextOfEveryTypeIsExact) {
@@ -329,13 +329,13 @@ TEST_F(VariableProperties, ValuesThatBreakARuleAreNamedWithDistributionAndVariab
       {kNormal, "(Scale=0; Location=1)", stored(kStoredScaleInvalid, "Normal")},
       {kWeibull, "(Scale=1; Shape=-1; Offset=0)", stored(kStoredShapeInvalid, "Weibull")},
       {kWeibull, "(Scale=1; Shape=1; Offset=-444)", stored(kStoredOffsetInvalid, "Weibull")},
-      {kFoldedNormal, "(Scale=1; Shape=0; Offset=0)", stored(kStoredScaleInvalid, "Folded Normal")},
+      {kFoldedNormal, "(Scale=1; Shape=0; Offset=0)", stored(kStoredScaleInvalid, "FoldedNormal")},
       {kJohnson, "(2; 0; 1; 0; 0)", stored(kStoredScaleInvalid, "Johnson")},
       {kHistogram, "(1; 1.5; 2; -0.5)", stored(kStoredProportionInvalid, "Histogram")},
       {kHistogram, "(1; 0.5; 2; 0.499)", Fault{kInvalidTotalProportion}},
       {kGaussianMixture, "(1; 0; 1)", Fault{kInvalidMixtureCount}},
-      {kGaussianMixture, "(0.5; 0; 0; 0.5; 1; 1)", stored(kStoredScaleInvalid, "Gaussian Mixture")},
-      {kTriangular, "(Min=2; Max=3; Mode=1)", Fault{kInvalidParameter, "minimum and/or mode", "Triangular"}},
+      {kGaussianMixture, "(0.5; 0; 0; 0.5; 1; 1)", stored(kStoredScaleInvalid, "GaussianMixture")},
+      {kTriangular, "(Min=2; Max=3; Mode=1)", Fault{kInvalidParameter, "min", "Triangular"}},
   };
   for (const auto& row : rows) EXPECT_EQ(ValueFault(row.code, row.value), row.fault) << row.value;
 }
@@ -369,6 +369,32 @@ TEST_F(VariableProperties, SheetStoreLeavesVariablesThatDoNotExistAlone) {
   EXPECT_TRUE(sheet_.VariableAt(0).Properties().empty());
   EXPECT_TRUE(sheet_.VariableAt(1).Properties().empty());
   WriteDistributionProperties(nullptr, {});
+}
+
+// Names as a translation would have them.
+std::string_view Translated(DistributionCode code) {
+  return code == kNormal ? "Normalverteilung" : code == kLogNormal ? "Lognormalverteilung" : SpacedKey(code);
+}
+
+TEST_F(VariableProperties, NamesOfAnotherLanguageAreWrittenAndThoseOfNoneAreReadAsWell) {
+  SheetPropertyStore translated(sheet_, Translated);
+  Write({{.code = kLogNormal, .values = {0, 1}, .offset = 0}, {.code = kNormal, .values = {3, 4}}});
+  const int one = 1;
+  auto read = ReadDistributionProperties(translated, std::span(&one, 1));
+  ASSERT_TRUE(read);
+  ASSERT_EQ(read->front().ranked.size(), 2U);
+  EXPECT_EQ(read->front().ranked.front().code, kLogNormal);
+  WriteDistributionProperties(&translated, read->front());
+  EXPECT_EQ(Property("zOrder"), "Lognormalverteilung;Normalverteilung;");
+  EXPECT_EQ(Property("Normal"), "(no such property)") << "it would pass for another fit";
+  read = ReadDistributionProperties(translated, std::span(&one, 1));
+  ASSERT_TRUE(read);
+  EXPECT_EQ(read->front().ranked.back().values, (std::vector<double>{3, 4}));
+  store_.Set(1, "Normal", "(Location=1; Scale=1)");
+  store_.Set(1, "zOrder", "Normal;Normalverteilung;");
+  read = ReadDistributionProperties(translated, std::span(&one, 1));
+  ASSERT_FALSE(read);
+  EXPECT_EQ(*read.Reason().cause, Fault{kOrderCountsDiffer}) << "one distribution under two names";
 }
 
 }  // namespace

@@ -83,7 +83,7 @@ bool HoldsQuantiles(const DistributionSpecification& specification, const char* 
 const char* FormatOf(const DistributionSpecification& specification) {
   constexpr std::array<const char*, 10> kFormats{"%e",    "%.7e",  "%.8e",  "%.9e",  "%.10e",
                                                  "%.11e", "%.12e", "%.13e", "%.14e", "%.15e"};
-  const std::string_view usual = Entry(specification.code).storedFormat;
+  const std::string_view usual = StoredFormat(specification.code);
   const auto first = std::ranges::find(kFormats, usual);
   if (CheckValues(specification.code, specification.values)) return *first;
   const auto enough = std::find_if(first, kFormats.end(),
@@ -113,8 +113,9 @@ void MarkInvalidFit(VariablePropertyStore& store, int variableNumber, bool inval
 void RemoveStaleFits(VariablePropertyStore& store, int variableNumber,
                      std::span<const std::string_view> written) {
   for (const DistributionType* type : DistributionTypes()) {
-    const std::string_view name = DisplayName(type->facts.code);
-    if (std::ranges::find(written, name) == written.end()) store.Remove(variableNumber, name);
+    for (const std::string_view name : {store.NameOf(type->facts.code), SpacedKey(type->facts.code)}) {
+      if (std::ranges::find(written, name) == written.end()) store.Remove(variableNumber, name);
+    }
   }
 }
 
@@ -125,12 +126,12 @@ DistributionSpecification StoredForm(const DistributionSpecification& specificat
 }
 
 std::string DistributionPropertyText(const DistributionSpecification& specification) {
-  const auto keys = StoredKeys(specification.code);
   const char* const format = FormatOf(specification);
   std::vector<std::string> items;
   for (std::size_t i = 0; i < specification.values.size(); ++i) {
     const double value = specification.values[i];
-    items.push_back(i < keys.size() ? ItemText(keys[i], value, format) : NumberText(value, format));
+    const std::string_view key = StoredKey(specification.code, i);
+    items.push_back(key.empty() ? NumberText(value, format) : ItemText(key, value, format));
   }
   if (HasOffset(specification.code)) {
     items.push_back(ItemText(property_key::kOffset, OffsetOrNone(specification), format));
@@ -154,7 +155,7 @@ void WriteDistributionProperties(VariablePropertyStore* store, const VariableDis
   std::vector<std::string_view> written;
   for (const DistributionSpecification& specification : distributions.ranked) {
     if (!IsStorable(specification)) continue;
-    const std::string_view name = DisplayName(specification.code);
+    const std::string_view name = store->NameOf(specification.code);
     store->Set(variable, name, DistributionPropertyText(specification));
     order += std::string(name) + ";";
     written.push_back(name);

@@ -99,7 +99,7 @@ TEST(Bootstrap, GivesThePublishedLevelsOfCriticalValues) {
       {of(kWeibull, {3, 7}), 50, 0.05, kNotSet, 0.757 / extremeCase(50)},
   };
   for (Point point : points) {
-    SCOPED_TRACE(std::string(DisplayName(point.fit.specification.code)) + " " + std::to_string(point.level));
+    SCOPED_TRACE(std::string(SpacedKey(point.fit.specification.code)) + " " + std::to_string(point.level));
     point.fit.kolmogorovSmirnov.statistic = point.kolmogorovSmirnov;
     point.fit.andersonDarling.statistic = point.andersonDarling;
     BootstrapJob job = JobOf(point.fit, point.count, RandomStream(4).Substream(1, 2));
@@ -132,7 +132,7 @@ TEST(Bootstrap, PValuesAreUniformUnderTheHypothesisWherePlainOnesAreNot) {
   constexpr double kLeast = 1e-4;
   for (const auto& specification : {SpecificationOf(kNormal, {10, 3}), SpecificationOf(kWeibull, {2, 1.7}),
                                     SpecificationOf(kPoisson, {30})}) {
-    SCOPED_TRACE(DisplayName(specification.code));
+    SCOPED_TRACE(SpacedKey(specification.code));
     std::vector<double> plain;
     std::vector<double> kolmogorovSmirnov;
     std::vector<double> chiSquare;
@@ -206,7 +206,7 @@ TEST_F(BootstrapRun, EveryTypeIsDrawnEstimatedAndTested) {
   ASSERT_EQ(results.size(), 2U);
   for (const VariableFit& variable : results) {
     for (const DistributionFit& fit : variable.fits) {
-      SCOPED_TRACE(variable.name + " " + std::string(DisplayName(fit.specification.code)));
+      SCOPED_TRACE(variable.name + " " + std::string(SpacedKey(fit.specification.code)));
       ASSERT_TRUE(fit.IsValid());
       EXPECT_GE(fit.bootstrap.samples, 17) << "of 19";
       EXPECT_LE(fit.bootstrap.samples, 19);
@@ -234,7 +234,7 @@ TEST_F(BootstrapRun, ResultsDependNeitherOnCompanyNorOnTheProcessStream) {
   specification.continuous = {3};
   specification.continuousSpecifications.resize(1);
   for (const DistributionCode code : {kWeibull, kGaussianMixture, kTriangular}) {
-    SCOPED_TRACE(DisplayName(code));
+    SCOPED_TRACE(SpacedKey(code));
     auto& flags = specification.continuousSpecifications[0].fit;
     flags.fill(false);
     flags[PlaceInKind(code)] = true;

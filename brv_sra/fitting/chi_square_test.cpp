@@ -43,7 +43,7 @@ TEST(ChiSquareBins, CountsAndExpectationsAddUpForEveryTypeAndBinning) {
   for (const DistributionFit& fit : fits) {
     const auto data = QuantilesOf(fit, 700);
     for (const auto binning : {ChiSquareBinning::kEqualProbabilities, ChiSquareBinning::kEqualIntervals}) {
-      SCOPED_TRACE(testing::Message() << DisplayName(fit.specification.code) << static_cast<int>(binning));
+      SCOPED_TRACE(testing::Message() << SpacedKey(fit.specification.code) << static_cast<int>(binning));
       const auto bins = ChiSquareBins(fit.specification, data, binning);
       ASSERT_FALSE(bins.empty());
       EXPECT_LE(bins.size(), 51U);

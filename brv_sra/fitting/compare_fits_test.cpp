@@ -105,8 +105,9 @@ std::vector<Reference> Optima() {
   while (std::getline(file, line)) {
     const std::vector<std::string> row = Split(line, ',');
     if (row[3] != "optimum") continue;
-    Reference reference{row[0],         row[1] == "continuous", *CodeFromDisplayName(row[2]),    {},
-                        number(row[5]), number(row[6]),         {number(row[7]), number(row[8])}};
+    Reference reference{
+        row[0],         row[1] == "continuous",          *CodeFromKey(row[2]), {}, number(row[5]),
+        number(row[6]), {number(row[7]), number(row[8])}};
     for (const std::string& value : Split(row[4], ' ')) reference.parameters.push_back(std::stod(value));
     found.push_back(reference);
   }
@@ -176,7 +177,7 @@ TEST(FitsOfOthersReference, EveryFitReachesTheLikelihoodAndTheStatisticsOfSciPyA
   std::map<std::string, Sample> samples;
   int higher = 0;
   for (const Reference& reference : Optima()) {
-    SCOPED_TRACE(reference.data + ", " + std::string(DisplayName(reference.code)));
+    SCOPED_TRACE(reference.data + ", " + std::string(SpacedKey(reference.code)));
     auto found = samples.find(reference.data);
     if (found == samples.end()) {
       found = samples.emplace(reference.data, FitFile(reference.data, reference.continuous)).first;

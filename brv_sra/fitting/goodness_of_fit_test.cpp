@@ -122,7 +122,7 @@ std::vector<double> DataFor(DistributionCode code) {
 TEST(GoodnessOfFit, KolmogorovSmirnovIsThatOfTheHostForEveryType) {
   for (DistributionFit fit : Fits()) {
     const DistributionCode code = fit.specification.code;
-    SCOPED_TRACE(DisplayName(code));
+    SCOPED_TRACE(SpacedKey(code));
     const auto data = DataFor(code);
     TestFit(fit, data, ChiSquareBinning::kEqualProbabilities);
     const double offset = HasOffset(code) ? fit.specification.offset : 0.0;
@@ -139,7 +139,7 @@ TEST(GoodnessOfFit, KolmogorovSmirnovIsThatOfTheHostForEveryType) {
 
 TEST(GoodnessOfFit, StatisticsOfTheBootstrapAreThoseOfTheTestsWithoutPValues) {
   for (DistributionFit fit : Fits()) {
-    SCOPED_TRACE(DisplayName(fit.specification.code));
+    SCOPED_TRACE(SpacedKey(fit.specification.code));
     const auto data = DataFor(fit.specification.code);
     TestFit(fit, data, ChiSquareBinning::kEqualIntervals);
     DistributionFit again = fit;

@@ -15,7 +15,7 @@ using enum FaultIdentifier;
 using Codes = std::span<const DistributionCode>;
 
 Fault Refusal(FaultIdentifier fault, DistributionCode code, const VariableFit& variable) {
-  return {fault, std::string(DisplayName(code)), variable.name};
+  return {fault, std::string(CompactKey(code)), variable.name};
 }
 
 Result<void> CheckDistinct(Codes order, const VariableFit& variable) {
@@ -87,7 +87,7 @@ std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<con
 
 std::string OrderText(Codes order) {
   std::string text;
-  for (const DistributionCode code : order) text += std::string(DisplayName(code)) + ";";
+  for (const DistributionCode code : order) text += std::string(SpacedKey(code)) + ";";
   return text;
 }
 

@@ -26,7 +26,7 @@ std::vector<std::size_t> SavedOrder(const VariableFit& variable);
 Result<void> SetSavedOrder(VariableFit& variable, std::span<const DistributionCode> order);
 std::vector<DistributionCode> CodesOf(const VariableFit& variable, std::span<const std::size_t> fits);
 
-// "Weibull;Normal;", as the order is written.
+// "Weibull;Log Normal;": the keys of the distributions in their order.
 std::string OrderText(std::span<const DistributionCode> order);
 
 // The values of a distribution that are saved with user-defined distributions: the person's own, otherwise the

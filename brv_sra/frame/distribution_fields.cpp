@@ -8,6 +8,7 @@
 
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/validity.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -20,17 +21,17 @@ namespace {
 
 constexpr std::int32_t kMostLevels = 1000;
 
-std::int32_t LabelOf(const CatalogueEntry& entry, std::size_t field) {
-  if (field == Parameters(entry.code).size()) return kProfilerLabelOffset;
-  if (entry.code == DistributionCode::kHistogram && field == 0) return kProfilerLabelValue;
-  const Parameter& parameter = entry.parameters[field];
-  return parameter.labelResource != 0 ? parameter.labelResource : parameter.headingResource;
+std::int32_t LabelOf(DistributionCode code, std::size_t field) {
+  if (field == Facts(code).ParameterCount()) return kProfilerLabelOffset;
+  if (code == DistributionCode::kHistogram && field == 0) return kProfilerLabelValue;
+  const ParameterTexts& texts = TextsOf(code, field);
+  return texts.label != 0 ? texts.label : texts.heading;
 }
 
 }  // namespace
 
 std::size_t DistributionFields::GroupSize() const {
-  return Parameters(edited_.code).size();
+  return Facts(edited_.code).ParameterCount();
 }
 
 std::size_t DistributionFields::Groups() const {
@@ -70,7 +71,7 @@ void DistributionFields::Show() {
     Controls().Show(controls_.parameter + place, true);
     Controls().Show(controls_.parameterLabel + place, true);
     Controls().SetText(controls_.parameterLabel + place,
-                       dialog_.szLoadResString(LabelOf(Entry(edited_.code), field)));
+                       dialog_.szLoadResString(LabelOf(edited_.code, field)));
     Controls().SetDlgItemDouble(controls_.parameter + place,
                                 field < GroupSize() ? edited_.values[first + field] : edited_.offset);
   }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 
@@ -13,10 +15,12 @@ using enum FaultIdentifier;
 
 // How a text takes what the fault is about.
 enum class Form : std::uint8_t {
-  kPlain,     // not at all
-  kInserted,  // in the places of its conversions, the detail after what it is about
-  kAppended,  // at its end
-  kCause      // the cause has the text
+  kPlain,         // not at all
+  kInserted,      // in the places of its conversions, the detail after what it is about
+  kDistribution,  // the same, where it is about a distribution, told by its key
+  kParameter,     // the same, where it is about a parameter of the distribution that the detail tells
+  kAppended,      // at its end
+  kCause          // the cause has the text
 };
 
 struct Row {
@@ -30,8 +34,8 @@ struct Row {
 
 // In the order of the identifiers.
 constexpr Row kRows[] = {
-    {kInvalidParameter, kMsgInvalidParameter, Form::kInserted},
-    {kInvalidProportion, kMsgInvalidParameter, Form::kInserted, {}, 0, kMsgProportionRange},
+    {kInvalidParameter, kMsgInvalidParameter, Form::kParameter},
+    {kInvalidProportion, kMsgInvalidParameter, Form::kParameter, {}, 0, kMsgProportionRange},
     {kInvalidTrials, kMsgInvalidTrialsInSimulation},
     {kInvalidMixtureCount, kMsgInvalidMixtureCount},
     {kInvalidTotalProportion, kMsgInvalidTotalProportion},
@@ -43,13 +47,13 @@ constexpr Row kRows[] = {
     {kPropertyMissing, kMsgPropertyMissing, Form::kInserted},
     {kPropertyValueMissing, kMsgPropertyValueMissing, Form::kInserted},
     {kPropertyValuesInvalid, kMsgInvalidPropertyValues},
-    {kStoredLocationInvalid, kMsgStoredLocationInvalid, Form::kInserted},
-    {kStoredScaleInvalid, kMsgStoredScaleInvalid, Form::kInserted},
-    {kStoredShapeInvalid, kMsgStoredShapeInvalid, Form::kInserted},
-    {kStoredOffsetInvalid, kMsgStoredOffsetInvalid, Form::kInserted},
-    {kStoredProportionInvalid, kMsgStoredProportionInvalid, Form::kInserted},
-    {kStoredMeanInvalid, kMsgStoredMeanInvalid, Form::kInserted},
-    {kStoredTrialsInvalid, kMsgStoredTrialsInvalid, Form::kInserted},
+    {kStoredLocationInvalid, kMsgStoredLocationInvalid, Form::kDistribution},
+    {kStoredScaleInvalid, kMsgStoredScaleInvalid, Form::kDistribution},
+    {kStoredShapeInvalid, kMsgStoredShapeInvalid, Form::kDistribution},
+    {kStoredOffsetInvalid, kMsgStoredOffsetInvalid, Form::kDistribution},
+    {kStoredProportionInvalid, kMsgStoredProportionInvalid, Form::kDistribution},
+    {kStoredMeanInvalid, kMsgStoredMeanInvalid, Form::kDistribution},
+    {kStoredTrialsInvalid, kMsgStoredTrialsInvalid, Form::kDistribution},
     {kNotAMatrixFile, 0},
     {kMatrixOfOtherType, kMsgMatrixWrongType},
     {kMatrixLacksCases, kMsgMatrixCases},
@@ -72,9 +76,9 @@ constexpr Row kRows[] = {
     {kTooFewForPercentiles, kMsgPercentilesNotFitted, Form::kPlain,
      "variable {about}; fewer than 8 values for percentiles: there are {detail}"},
     {kNoValidVariables, kMsgNoValidVariables, Form::kPlain, "{detail}"},
-    {kDistributionTwice, kMsgOrderTwice, Form::kInserted},
-    {kDistributionNotFitted, kMsgOrderUnknown, Form::kInserted},
-    {kDistributionOfOtherKind, kMsgOrderKind, Form::kInserted},
+    {kDistributionTwice, kMsgOrderTwice, Form::kDistribution},
+    {kDistributionNotFitted, kMsgOrderUnknown, Form::kDistribution},
+    {kDistributionOfOtherKind, kMsgOrderKind, Form::kDistribution},
     {kInvalidOwnValues, 0, Form::kCause, "{about}"},
     {kTruncationLacksBound, kMsgTruncationBound, Form::kInserted},
     {kTruncationBoundsCrossed, kMsgTruncationCrossed, Form::kInserted},
@@ -115,12 +119,27 @@ static_assert([] {
   return true;
 }());
 
+// A key that is none stays as it is.
+std::string_view NameOf(const std::string& distribution) {
+  const auto code = CodeFromKey(distribution);
+  return code ? DisplayName(*code) : distribution;
+}
+
+std::string_view WordOf(const std::string& parameter, const std::string& distribution) {
+  const auto code = CodeFromKey(distribution);
+  return code ? ResourceString(TextsOf(*code, parameter).word) : parameter;
+}
+
 std::string TextOf(const Row& row, const Fault& fault) {
   switch (row.form) {
     case Form::kPlain:
       return std::string(ResourceString(row.resource));
     case Form::kInserted:
-      return FormatResource(row.resource, fault.about, fault.detail) +
+      return FormatResource(row.resource, fault.about, fault.detail);
+    case Form::kDistribution:
+      return FormatResource(row.resource, NameOf(fault.about), fault.detail);
+    case Form::kParameter:
+      return FormatResource(row.resource, WordOf(fault.about, fault.detail), NameOf(fault.detail)) +
              std::string(ResourceString(row.continuation));
     case Form::kAppended:
       return std::string(ResourceString(row.resource)) + fault.about;

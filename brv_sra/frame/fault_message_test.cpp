@@ -49,6 +49,12 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
        ""},
       {CausedBy({kInvalidParameter, "scale", "Normal"}, kInvalidPredictor, "A"),
        "Invalid scale parameter entry for Normal distribution. ", "variable A"},
+      {{kInvalidParameter, "delta", "Johnson"},
+       "Invalid shape 2 parameter entry for Johnson distribution. ",
+       ""},
+      {{kInvalidParameter, "proportion", "GaussianMixture"},
+       "Invalid mixing coefficient parameter entry for Gaussian Mixture distribution. ",
+       ""},
       {CausedBy({kInvalidProportion, "proportion", "Binomial"}, kInvalidOwnValues, "x"),
        "Invalid proportion parameter entry for Binomial distribution. Proportion should be between 0 and 1.",
        "x"},
@@ -63,6 +69,9 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
        "Weibull in order of distribution property has its parameter property missing.", "x"},
       {CausedBy({kPropertyValueMissing, "Normal", "x"}, kInvalidProperties, "x"),
        "Normal distribution property exists for variable x but its value is missing.", "x"},
+      {{kDistributionTwice, "LogNormal", "x"},
+       "Log Normal appears twice in the order of distributions of variable x.",
+       ""},
       {CausedBy({kStoredShapeInvalid, "Weibull", "3"}, kInvalidProperties, "x"),
        "Invalid shape value for Weibull distribution of variable 3. Please check the variable's properties "
        "to "

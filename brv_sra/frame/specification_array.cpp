@@ -7,6 +7,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/validity.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"

@@ -19,13 +19,10 @@ RowTemplate OkAndCancel(std::int32_t okCaption) {
   return {{kControlOk, kButton, Text(okCaption)}, {kControlCancel, kButton, Text(kFitButtonCancel)}};
 }
 
-// The check box of a distribution, and what belongs to it. The captions stand in the order of the check boxes.
+// The check box of a distribution, and what belongs to it.
 RowTemplate DistributionRow(const DistributionFacts& facts) {
   using namespace fit_dialog;
-  const std::int32_t check = CheckOf(facts.code);
-  const std::int32_t caption = facts.isContinuous ? kFitCheckNormal + check - kContinuousChecks
-                                                  : kFitCheckBinomial + check - kDiscreteChecks;
-  RowTemplate row{{check, kCheckBox, Text(caption)}};
+  RowTemplate row{{CheckOf(facts.code), kCheckBox, Text(FitCheckResource(facts.code))}};
   if (facts.HasOffset()) row.push_back({FieldOf(facts.code), kRealField, Text(kOffsetCaption)});
   if (facts.code == DistributionCode::kGaussianMixture)
     row.push_back({kMixtures, kIntegerField, Text(kFitLabelMixtures)});

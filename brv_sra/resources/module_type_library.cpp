@@ -3,8 +3,8 @@
 #include <array>
 #include <span>
 
+#include "brv_sra/base/distribution_constants.h"
 #include "brv_sra/resources/design_interface.h"
-#include "brv_sra/resources/distribution_constants.h"
 #include "brv_sra/resources/fit_distribution_interface.h"
 #include "brv_sra/resources/fit_results_interface.h"
 #include "brv_sra/resources/profiler_interface.h"

@@ -9,6 +9,8 @@
 
 #include <cstdint>
 
+#include "host/numeric/distributions/common/distribution_facts.h"
+
 namespace brenvolt::sra {
 
 // Commands of the start-up dialog: the text of a command bears the command's number.
@@ -30,23 +32,10 @@ inline constexpr std::int32_t kMsgDatasetTooLarge = 10013;
 inline constexpr std::int32_t kOffsetCaption = 10034;
 inline constexpr std::int32_t kOffsetNote = 10035;
 
-// Display names of the distribution types, in code order; they are also keys of variable properties.
-inline constexpr std::int32_t kNameNormal = 10036;
-inline constexpr std::int32_t kNameLogNormal = 10037;
-inline constexpr std::int32_t kNameFoldedNormal = 10038;
-inline constexpr std::int32_t kNameHalfNormal = 10039;
-inline constexpr std::int32_t kNameRayleigh = 10040;
-inline constexpr std::int32_t kNameWeibull = 10041;
-inline constexpr std::int32_t kNameGaussianMixture = 10042;
-inline constexpr std::int32_t kNameJohnson = 10043;
-inline constexpr std::int32_t kNameGeneralExtremeValue = 10044;
-inline constexpr std::int32_t kNameGeneralPareto = 10045;
-inline constexpr std::int32_t kNameTriangular = 10046;
-inline constexpr std::int32_t kNameBinomial = 10047;
-inline constexpr std::int32_t kNamePoisson = 10048;
-inline constexpr std::int32_t kNameGeometric = 10049;
-inline constexpr std::int32_t kNameBernoulli = 10050;
-inline constexpr std::int32_t kNameHistogram = 10051;
+// The display name of a distribution, in the order of the codes; it is also the key of a variable's property.
+constexpr std::int32_t NameResource(DistributionCode code) {
+  return 10036 + static_cast<std::int32_t>(code);
+}
 
 // Column headings of parameters, and messages of the fit specification and the simulation.
 inline constexpr std::int32_t kHeadingLocation = 10061;
@@ -144,14 +133,6 @@ inline constexpr std::int32_t kMsgInvalidTotalProportion = 10219;
 inline constexpr std::int32_t kMsgTooManySamples = 10220;
 inline constexpr std::int32_t kMsgNoValidFits = 10221;
 
-// The untranslated keys that hold a blank.
-inline constexpr std::int32_t kSpacedKeyLogNormal = 10238;
-inline constexpr std::int32_t kSpacedKeyFoldedNormal = 10239;
-inline constexpr std::int32_t kSpacedKeyHalfNormal = 10240;
-inline constexpr std::int32_t kSpacedKeyGaussianMixture = 10241;
-inline constexpr std::int32_t kSpacedKeyGeneralExtremeValue = 10242;
-inline constexpr std::int32_t kSpacedKeyGeneralPareto = 10243;
-
 // Progress, and the checks of variable properties and of the fit.
 inline constexpr std::int32_t kProgressAutoUpdating = 10244;
 inline constexpr std::int32_t kProgressPreparingResults = 10245;
@@ -175,24 +156,6 @@ inline constexpr std::int32_t kMsgStoredOffsetInvalid = 10274;
 inline constexpr std::int32_t kMsgInvalidMixtureCount = 10278;
 inline constexpr std::int32_t kMsgNoValidVariables = 10281;
 inline constexpr std::int32_t kMsgInvalidDistributionString = 10292;
-
-// Compact untranslated keys, in code order.
-inline constexpr std::int32_t kCompactKeyNormal = 20000;
-inline constexpr std::int32_t kCompactKeyLogNormal = 20001;
-inline constexpr std::int32_t kCompactKeyFoldedNormal = 20002;
-inline constexpr std::int32_t kCompactKeyHalfNormal = 20003;
-inline constexpr std::int32_t kCompactKeyRayleigh = 20004;
-inline constexpr std::int32_t kCompactKeyWeibull = 20005;
-inline constexpr std::int32_t kCompactKeyGaussianMixture = 20006;
-inline constexpr std::int32_t kCompactKeyJohnson = 20007;
-inline constexpr std::int32_t kCompactKeyGeneralExtremeValue = 20008;
-inline constexpr std::int32_t kCompactKeyGeneralPareto = 20009;
-inline constexpr std::int32_t kCompactKeyTriangular = 20010;
-inline constexpr std::int32_t kCompactKeyBinomial = 20011;
-inline constexpr std::int32_t kCompactKeyPoisson = 20012;
-inline constexpr std::int32_t kCompactKeyGeometric = 20013;
-inline constexpr std::int32_t kCompactKeyBernoulli = 20014;
-inline constexpr std::int32_t kCompactKeyHistogram = 20015;
 
 // The startup dialog.
 inline constexpr std::int32_t kStartupSelection = 20110;
@@ -222,24 +185,12 @@ inline constexpr std::int32_t kFitListEmpty = 20219;
 inline constexpr std::int32_t kFitSelectVariables = 20220;
 inline constexpr std::int32_t kFitSelectContinuous = 20221;
 inline constexpr std::int32_t kFitSelectDiscrete = 20222;
-inline constexpr std::int32_t kFitCheckNormal = 20223;
-inline constexpr std::int32_t kFitCheckLogNormal = 20224;
-inline constexpr std::int32_t kFitCheckFoldedNormal = 20225;
-inline constexpr std::int32_t kFitCheckHalfNormal = 20226;
-inline constexpr std::int32_t kFitCheckRayleigh = 20227;
-inline constexpr std::int32_t kFitCheckWeibull = 20228;
-inline constexpr std::int32_t kFitCheckGaussianMixture = 20229;
-inline constexpr std::int32_t kFitCheckJohnson = 20230;
-inline constexpr std::int32_t kFitCheckJohnsonPercentile = 20231;
-inline constexpr std::int32_t kFitCheckGeneralExtremeValue = 20232;
-inline constexpr std::int32_t kFitCheckGeneralPareto = 20233;
-inline constexpr std::int32_t kFitCheckTriangular = 20234;
-inline constexpr std::int32_t kFitLabelMixtures = 20235;
-inline constexpr std::int32_t kFitCheckBinomial = 20236;
-inline constexpr std::int32_t kFitCheckPoisson = 20237;
-inline constexpr std::int32_t kFitCheckGeometric = 20238;
-inline constexpr std::int32_t kFitCheckBernoulli = 20239;
-inline constexpr std::int32_t kFitCheckHistogram = 20240;
+// The caption of a distribution's check box, in the order of the codes.
+constexpr std::int32_t FitCheckResource(DistributionCode code) {
+  return 20223 + static_cast<std::int32_t>(code);
+}
+inline constexpr std::int32_t kFitCheckJohnsonPercentile = 20239;
+inline constexpr std::int32_t kFitLabelMixtures = 20240;
 inline constexpr std::int32_t kFitLabelTrials = 20241;
 inline constexpr std::int32_t kFitListSentenceEnd = 20242;
 inline constexpr std::int32_t kOpenDataTitle = 20243;

@@ -12,6 +12,8 @@
 namespace brenvolt::sra {
 namespace {
 
+using enum DistributionCode;
+
 constexpr auto kStrings = std::to_array<StringResource>({
     // Commands of the start-up dialog: the text of a command bears the command's number.
     {kCommandFitDistribution, "Fit Distribution"},
@@ -36,22 +38,22 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kOffsetCaption, " Offset "},
     {kOffsetNote, "(threshold/location)"},
     // Display names of the distribution types, in code order; they are also keys of variable properties.
-    {kNameNormal, "Normal"},
-    {kNameLogNormal, "Log Normal"},
-    {kNameFoldedNormal, "Folded Normal"},
-    {kNameHalfNormal, "Half Normal"},
-    {kNameRayleigh, "Rayleigh"},
-    {kNameWeibull, "Weibull"},
-    {kNameGaussianMixture, "Gaussian Mixture"},
-    {kNameJohnson, "Johnson"},
-    {kNameGeneralExtremeValue, "General Extreme Value"},
-    {kNameGeneralPareto, "General Pareto"},
-    {kNameTriangular, "Triangular"},
-    {kNameBinomial, "Binomial"},
-    {kNamePoisson, "Poisson"},
-    {kNameGeometric, "Geometric"},
-    {kNameBernoulli, "Bernoulli"},
-    {kNameHistogram, "Histogram"},
+    {NameResource(kNormal), "Normal"},
+    {NameResource(kLogNormal), "Log Normal"},
+    {NameResource(kFoldedNormal), "Folded Normal"},
+    {NameResource(kHalfNormal), "Half Normal"},
+    {NameResource(kRayleigh), "Rayleigh"},
+    {NameResource(kWeibull), "Weibull"},
+    {NameResource(kGaussianMixture), "Gaussian Mixture"},
+    {NameResource(kJohnson), "Johnson"},
+    {NameResource(kGeneralExtremeValue), "General Extreme Value"},
+    {NameResource(kGeneralPareto), "General Pareto"},
+    {NameResource(kTriangular), "Triangular"},
+    {NameResource(kBinomial), "Binomial"},
+    {NameResource(kPoisson), "Poisson"},
+    {NameResource(kGeometric), "Geometric"},
+    {NameResource(kBernoulli), "Bernoulli"},
+    {NameResource(kHistogram), "Histogram"},
     // Column headings of parameters, and messages of the fit specification and the simulation.
     {kHeadingLocation, "Location"},
     {kHeadingScale, "Scale"},
@@ -162,13 +164,13 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgNoValidFits,
      "None of the variables selected has valid distributions to fit and hence invalid.  Please check to have "
      "a different variable selection with valid distributions."},
-    // The untranslated keys that hold a blank.
-    {kSpacedKeyLogNormal, "DontTranslate!!Log Normal"},
-    {kSpacedKeyFoldedNormal, "DontTranslate!!Folded Normal"},
-    {kSpacedKeyHalfNormal, "DontTranslate!!Half Normal"},
-    {kSpacedKeyGaussianMixture, "DontTranslate!!Gaussian Mixture"},
-    {kSpacedKeyGeneralExtremeValue, "DontTranslate!!General Extreme Value"},
-    {kSpacedKeyGeneralPareto, "DontTranslate!!General Pareto"},
+    // The untranslated keys that hold a blank, as translators know them.
+    {10238, "DontTranslate!!Log Normal"},
+    {10239, "DontTranslate!!Folded Normal"},
+    {10240, "DontTranslate!!Half Normal"},
+    {10241, "DontTranslate!!Gaussian Mixture"},
+    {10242, "DontTranslate!!General Extreme Value"},
+    {10243, "DontTranslate!!General Pareto"},
     // Progress, and the checks of variable properties and of the fit.
     {kProgressAutoUpdating, "Auto updating..."},
     {kProgressPreparingResults, "Preparing results..."},
@@ -210,23 +212,6 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kMsgInvalidMixtureCount, "Invalid number of mixtures. Valid Range is 1<x<21"},
     {kMsgNoValidVariables, "No valid variables to proceed with the analysis"},
     {kMsgInvalidDistributionString, "Invalid distribution string"},
-    // Compact untranslated keys, in code order.
-    {kCompactKeyNormal, "DontTranslate!!Normal"},
-    {kCompactKeyLogNormal, "DontTranslate!!LogNormal"},
-    {kCompactKeyFoldedNormal, "DontTranslate!!FoldedNormal"},
-    {kCompactKeyHalfNormal, "DontTranslate!!HalfNormal"},
-    {kCompactKeyRayleigh, "DontTranslate!!Rayleigh"},
-    {kCompactKeyWeibull, "DontTranslate!!Weibull"},
-    {kCompactKeyGaussianMixture, "DontTranslate!!GaussianMixture"},
-    {kCompactKeyJohnson, "DontTranslate!!Johnson"},
-    {kCompactKeyGeneralExtremeValue, "DontTranslate!!GeneralExtremeValue"},
-    {kCompactKeyGeneralPareto, "DontTranslate!!GeneralPareto"},
-    {kCompactKeyTriangular, "DontTranslate!!Triangular"},
-    {kCompactKeyBinomial, "DontTranslate!!Binomial"},
-    {kCompactKeyPoisson, "DontTranslate!!Poisson"},
-    {kCompactKeyGeometric, "DontTranslate!!Geometric"},
-    {kCompactKeyBernoulli, "DontTranslate!!Bernoulli"},
-    {kCompactKeyHistogram, "DontTranslate!!Histogram"},
     // The startup dialog.
     {kStartupSelection, "&Selection conditions"},
     {kStartupWeights, "Case &weights"},
@@ -254,24 +239,24 @@ constexpr auto kStrings = std::to_array<StringResource>({
     {kFitSelectVariables, "Select variables for the analysis"},
     {kFitSelectContinuous, "Continuous variables:"},
     {kFitSelectDiscrete, "Discrete variables:"},
-    {kFitCheckNormal, "Nor&mal"},
-    {kFitCheckLogNormal, "&Log-Normal"},
-    {kFitCheckFoldedNormal, "Folded normal"},
-    {kFitCheckHalfNormal, "Half normal "},
-    {kFitCheckRayleigh, "&Rayleigh"},
-    {kFitCheckWeibull, "Weib&ull"},
-    {kFitCheckGaussianMixture, "&Gaussian mixture"},
-    {kFitCheckJohnson, "&Johnson distribution (general non-normal, single mode)"},
+    {FitCheckResource(kNormal), "Nor&mal"},
+    {FitCheckResource(kLogNormal), "&Log-Normal"},
+    {FitCheckResource(kFoldedNormal), "Folded normal"},
+    {FitCheckResource(kHalfNormal), "Half normal "},
+    {FitCheckResource(kRayleigh), "&Rayleigh"},
+    {FitCheckResource(kWeibull), "Weib&ull"},
+    {FitCheckResource(kGaussianMixture), "&Gaussian mixture"},
+    {FitCheckResource(kJohnson), "&Johnson distribution (general non-normal, single mode)"},
+    {FitCheckResource(kGeneralExtremeValue), "Generalized Extreme Value"},
+    {FitCheckResource(kGeneralPareto), "Generalized Pareto"},
+    {FitCheckResource(kTriangular), "Triangular"},
+    {FitCheckResource(kBinomial), "Binomial"},
+    {FitCheckResource(kPoisson), "Poisson"},
+    {FitCheckResource(kGeometric), "Geometric"},
+    {FitCheckResource(kBernoulli), "Bernoulli"},
+    {FitCheckResource(kHistogram), "Histogram"},
     {kFitCheckJohnsonPercentile, "&Percentile fit"},
-    {kFitCheckGeneralExtremeValue, "Generalized Extreme Value"},
-    {kFitCheckGeneralPareto, "Generalized Pareto"},
-    {kFitCheckTriangular, "Triangular"},
     {kFitLabelMixtures, "Number of mixtures:"},
-    {kFitCheckBinomial, "Binomial"},
-    {kFitCheckPoisson, "Poisson"},
-    {kFitCheckGeometric, "Geometric"},
-    {kFitCheckBernoulli, "Bernoulli"},
-    {kFitCheckHistogram, "Histogram"},
     {kFitLabelTrials, "  Number of trials:"},
     {kFitListSentenceEnd, "%s."},
     {kOpenDataTitle, "Open Data"},
@@ -791,10 +776,6 @@ std::string Fill(std::string_view text, std::initializer_list<std::string_view> 
 
 }  // namespace
 
-std::span<const StringResource> AllStringResources() {
-  return kStrings;
-}
-
 std::string_view ResourceString(std::int32_t number) {
   const auto found = std::ranges::lower_bound(kStrings, number, {}, &StringResource::number);
   return found != kStrings.end() && found->number == number ? found->text : std::string_view();
@@ -810,10 +791,6 @@ std::string FormatResource(std::int32_t number, std::string_view first, std::str
 
 std::string FormatResource(std::int32_t number, std::string_view first, int second) {
   return Fill(ResourceString(number), {first, std::to_string(second)});
-}
-
-std::string_view StripDontTranslate(std::string_view text) {
-  return text.starts_with(kDontTranslate) ? text.substr(kDontTranslate.size()) : text;
 }
 
 }  // namespace brenvolt::sra

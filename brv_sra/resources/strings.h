@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 #include <string>
 #include <string_view>
 
@@ -13,9 +12,6 @@ struct StringResource {
   std::int32_t number;
   std::string_view text;
 };
-
-// All texts, ascending by number; a number stands at most once.
-std::span<const StringResource> AllStringResources();
 
 // The text of a string resource, or an empty text for a number without one. The text lives as long as the
 // module.
@@ -27,9 +23,5 @@ std::string_view ResourceString(std::int32_t number);
 std::string FormatResource(std::int32_t number, std::string_view argument);
 std::string FormatResource(std::int32_t number, std::string_view first, std::string_view second);
 std::string FormatResource(std::int32_t number, std::string_view first, int second);
-
-// The marker that keeps a key out of translation, and a text without it.
-inline constexpr std::string_view kDontTranslate = "DontTranslate!!";
-std::string_view StripDontTranslate(std::string_view text);
 
 }  // namespace brenvolt::sra

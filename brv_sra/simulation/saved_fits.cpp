@@ -3,7 +3,6 @@
 #include <iterator>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
@@ -58,15 +57,14 @@ DistributionSpecification WithinTails(DistributionSpecification specification) {
 
 }  // namespace
 
-Result<std::vector<SavedFit>> SavedFits(Spreadsheet& sheet, std::span<const std::int16_t> variables,
-                                        bool truncate) {
-  const SheetPropertyStore store(sheet);
+Result<std::vector<SavedFit>> SavedFits(const SheetPropertyStore& input,
+                                        std::span<const std::int16_t> variables, bool truncate) {
   const std::vector<int> numbers(variables.begin(), variables.end());
-  const auto read = ReadDistributionProperties(store, numbers);
+  const auto read = ReadDistributionProperties(input, numbers);
   if (!read) return read.Reason();
   std::vector<SavedFit> fits;
   for (const VariableDistributions& variable : *read) {
-    const std::vector<double> sorted = SortedValues(sheet, variable.variableNumber);
+    const std::vector<double> sorted = SortedValues(input.Sheet(), variable.variableNumber);
     // Of no values, extremes that rule nothing out.
     const double minimum = sorted.empty() ? -1 : sorted.front();
     const double maximum = sorted.empty() ? 1 : sorted.back();

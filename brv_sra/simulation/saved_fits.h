@@ -7,8 +7,8 @@
 
 #include "brv_sra/base/fault.h"
 #include "brv_sra/distributions/reach.h"
+#include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/distributions/specification.h"
-#include "host/tables/spreadsheet.h"
 
 namespace brenvolt::sra {
 
@@ -23,7 +23,7 @@ struct SavedFit {
 
 // Of some variables, by their numbers, one after the other. `truncate` keeps to the range between the probabilities
 // 0.005 and 0.995. The data are the selected cases. The faults are those of the reader of properties.
-Result<std::vector<SavedFit>> SavedFits(Spreadsheet& sheet, std::span<const std::int16_t> variables,
-                                        bool truncate);
+Result<std::vector<SavedFit>> SavedFits(const SheetPropertyStore& input,
+                                        std::span<const std::int16_t> variables, bool truncate);
 
 }  // namespace brenvolt::sra

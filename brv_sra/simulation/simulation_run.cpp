@@ -104,32 +104,29 @@ Fault SamplingFault(const SimulationDesign& design) {
   return checked ? Fault{FaultIdentifier::kNotSampled} : checked.Reason();
 }
 
-std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet) {
-  const SheetPropertyStore store(sheet);
+std::vector<std::int16_t> VariablesWithDistributions(const SheetPropertyStore& input) {
   std::vector<std::int16_t> numbers;
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+  for (std::size_t i = 0; i < input.Sheet().VariableCount(); ++i) {
     // An empty order marks a variable whose fits all failed.
-    if (HasStoredOrder(store, static_cast<int>(i + 1))) numbers.push_back(VariableNumberOf(i));
+    if (HasStoredOrder(input, static_cast<int>(i + 1))) numbers.push_back(VariableNumberOf(i));
   }
   return numbers;
 }
 
-Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions& options) {
-  const SheetPropertyStore store(sheet);
+Result<SimulationDesign> ReadDesign(const SheetPropertyStore& input, const SimulationOptions& options) {
   const std::vector<int> numbers(options.variables.begin(), options.variables.end());
   SimulationDesign design;
   design.numberOfSamples = options.numberOfSamples;
   design.method = options.method;
   design.truncate = options.truncate;
   design.source = options.source;
-  const auto read = ReadDistributionProperties(store, numbers);
+  const auto read = ReadDistributionProperties(input, numbers);
   if (!read) return read.Reason();
   for (const VariableDistributions& variable : *read) {
     if (variable.ranked.empty()) return Fault{FaultIdentifier::kDistributionMissing};
     const DistributionSpecification& best = variable.ranked.front();
-    const Variable& input = sheet.VariableAt(static_cast<std::size_t>(variable.variableNumber - 1));
-    design.variables.push_back({variable.variableNumber, store.VariableName(variable.variableNumber), best,
-                                LevelLabels(input, best)});
+    const Variable& source = input.Sheet().VariableAt(static_cast<std::size_t>(variable.variableNumber - 1));
+    design.variables.push_back({variable.variableNumber, source.Name(), best, LevelLabels(source, best)});
   }
   const auto isContinuous = [](const SimulationVariable& variable) {
     return IsContinuous(variable.specification.code);

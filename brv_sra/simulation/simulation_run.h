@@ -8,6 +8,7 @@
 
 #include "brv_sra/base/fault.h"
 #include "brv_sra/base/run_progress.h"
+#include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/simulation/design_correlations.h"
 #include "brv_sra/simulation/sampling/simulation_design.h"
 #include "brv_sra/simulation/simulation_state.h"
@@ -16,12 +17,12 @@
 namespace brenvolt::sra {
 
 // The variables of a sheet that carry distribution properties, numbered from 1.
-std::vector<std::int16_t> VariablesWithDistributions(Spreadsheet& sheet);
+std::vector<std::int16_t> VariablesWithDistributions(const SheetPropertyStore& input);
 
 // The design over the best distribution of each variable, continuous variables first. kDistributionMissing
 // for a variable without one. Throws CDispatchException with the reader's message when a property is missing
 // or invalid.
-Result<SimulationDesign> ReadDesign(Spreadsheet& sheet, const SimulationOptions& options);
+Result<SimulationDesign> ReadDesign(const SheetPropertyStore& input, const SimulationOptions& options);
 
 // True when a sample matrix of this size is within the limit of 2,000,000,000 bytes.
 bool FitsSampleLimit(std::size_t variables, std::int64_t samples);

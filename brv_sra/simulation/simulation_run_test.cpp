@@ -6,6 +6,7 @@
 #include <limits>
 #include <numbers>
 
+#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/simulation/sampling/sample_generation.h"
 #include "brv_sra/simulation/simulation_summary.h"
 #include "host/analysis/ports/headless_user_interface.h"
@@ -164,7 +165,8 @@ TEST_F(SimulationRuns, UserDefinedLevelsKeepTheirTexts) {
   SimulationOptions options;
   options.variables = {1, 2};
   options.numberOfSamples = 50;
-  const SimulationRun run = *RunSimulation(*ReadDesign(sheet, options), true, kSeed, userInterface);
+  const SimulationRun run =
+      *RunSimulation(*ReadDesign(SheetPropertyStore(sheet, SpacedKey), options), true, kSeed, userInterface);
   ASSERT_NE(run.output, nullptr);
   EXPECT_EQ(run.output->VariableAt(0).Labels(), (std::map<double, std::string>{{1, "pass"}}));
   EXPECT_TRUE(run.output->VariableAt(1).Labels().empty());

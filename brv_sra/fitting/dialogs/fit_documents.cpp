@@ -9,6 +9,7 @@
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/dialogs/estimation_reason.h"
 #include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/result_sheet.h"
 #include "brv_sra/resources/strings.h"
@@ -157,12 +158,11 @@ void AddNumbered(Spreadsheet& sheet, const ResultColumn& column,
 
 // The headings of the values of a specification; those of repeated groups are numbered.
 std::vector<std::string> ValueNames(const DistributionSpecification& specification) {
-  const auto parameters = Parameters(specification.code);
-  const bool grouped = Facts(specification.code).isUserDefined;
+  const DistributionFacts& facts = Facts(specification.code);
   std::vector<std::string> names;
   for (std::size_t i = 0; i < specification.values.size(); ++i) {
-    std::string name(Trim(ResourceString(parameters[i % parameters.size()].headingResource)));
-    if (grouped) name += " " + std::to_string(i / parameters.size() + 1);
+    std::string name(Trim(ResourceString(TextsOf(facts.code, i).heading)));
+    if (facts.isUserDefined) name += " " + std::to_string(i / facts.ParameterCount() + 1);
     names.push_back(std::move(name));
   }
   return names;

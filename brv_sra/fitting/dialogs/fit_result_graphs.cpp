@@ -9,6 +9,7 @@
 #include "brv_sra/distributions/curve_formulas.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/fitting/dialogs/fit_documents.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"

@@ -22,6 +22,7 @@
 #include "brv_sra/fitting/dialogs/variable_lists.h"
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/dialog_templates.h"
@@ -158,7 +159,7 @@ constexpr std::size_t kMacroTruncation = 4;
 bool IsMacroArray(const Variant::Array& elements, DistributionCode code) {
   if (elements.size() <= kMacroFrame || elements[0].IsText()) return false;
   const std::size_t values = elements.size() - kMacroFrame;
-  const std::size_t group = Parameters(code).size();
+  const std::size_t group = Facts(code).ParameterCount();
   const bool isRepeated = code == DistributionCode::kGaussianMixture || code == DistributionCode::kHistogram;
   return isRepeated ? values % group == 0 : values == group + (HasOffset(code) ? 1 : 0);
 }
@@ -182,7 +183,7 @@ DistributionSpecification UserDefinedFrom(DistributionCode code, const Variant& 
   for (const Variant& element : elements) specification.values.push_back(element.ToReal());
   if (HasOffset(code)) {
     specification.offset = 0;
-    if (specification.values.size() > Parameters(code).size()) {
+    if (specification.values.size() > Facts(code).ParameterCount()) {
       specification.offset = specification.values.back();
       specification.values.pop_back();
     }

@@ -10,6 +10,7 @@
 #include "brv_sra/fitting/dialogs/fit_documents.h"
 #include "brv_sra/fitting/fit_correlation.h"
 #include "brv_sra/fitting/save_settings.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
@@ -65,7 +66,7 @@ void CFitDistributionResults::OnInitDialog() {
   for (const VariableFit& fit : Results().results) names.push_back(fit.name);
   if (GetInputTable() != nullptr) {
     // Fitting again keeps the truncation that a variable carries.
-    const SheetPropertyStore store(*GetInputTable());
+    const SheetPropertyStore store = PropertiesOf(*GetInputTable());
     for (VariableFit& fit : Results().results) {
       fit.saving.truncation = StoredTruncation(store, fit.variableNumber);
     }
@@ -350,7 +351,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowCorrelationMatri
 
 std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
   if (GetInputTable() == nullptr) return nullptr;
-  SheetPropertyStore store(*GetInputTable());
+  SheetPropertyStore store = PropertiesOf(*GetInputTable());
   for (const VariableFit& variable : Results().results) {
     if (variable.saving.selected) ValueOrThrow(CheckTruncation(variable));
   }

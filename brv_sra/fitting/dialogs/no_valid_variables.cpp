@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/fitting/dialogs/estimation_reason.h"
+#include "brv_sra/frame/distribution_texts.h"
 
 namespace brenvolt::sra {
 namespace {

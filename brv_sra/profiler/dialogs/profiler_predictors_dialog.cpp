@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"

@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/specification_array.h"
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
 #include "brv_sra/resources/design_interface.h"

@@ -6,6 +6,7 @@
 
 #include "brv_sra/distributions/sheet_property_store.h"
 #include "brv_sra/frame/attached_input.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
@@ -119,7 +120,7 @@ void CDesignSimulation::TakeKeptCorrelations() {
 
 // A variable whose properties cannot be read counts as one without, so that it can be given a distribution.
 void CDesignSimulation::ReadFitted(Spreadsheet& sheet) {
-  const SheetPropertyStore store(sheet);
+  const SheetPropertyStore store = PropertiesOf(sheet);
   const Names names = VariableNames(sheet);
   for (DesignedVariable& variable : Design().variables) {
     const auto found = std::ranges::find(names, variable.name);
@@ -172,7 +173,7 @@ void CDesignSimulation::RequireParticipants() const {
 void CDesignSimulation::SaveToInput() {
   RequireParticipants();
   Spreadsheet& input = *GetInputTable();
-  SheetPropertyStore store(input);
+  SheetPropertyStore store = PropertiesOf(input);
   SaveDesign(store, VariableNames(input), Design());
   if (!SimulationAndRisk().Matrix().attached) return;
   WriteIntoMatrix(Design(), input);

@@ -3,7 +3,7 @@
 #include <utility>
 #include <vector>
 
-#include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/resources/design_editor_templates.h"
 
 namespace brenvolt::sra {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "brv_sra/distributions/catalogue.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/resources/design_editor_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -32,7 +33,7 @@ constexpr Texts kHistogramTexts{kTitleCustomHistogram, kTableHistogramParameters
 std::string LineOf(DistributionCode code, std::size_t group, std::span<const double> values) {
   std::string line;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    const std::string_view heading = Trim(ResourceString(Parameters(code)[i].headingResource));
+    const std::string_view heading = Trim(ResourceString(TextsOf(code, i).heading));
     line += (i > 0 ? ", " : " ") + std::string(heading);
     if (!IsNotSet(values[i])) line += " " + FormatNumber(kListedNumberFormat, values[i]);
   }
@@ -65,7 +66,7 @@ void DesignSimUserDefinedModalDlg::Start(DistributionCode code) {
 
 void DesignSimUserDefinedModalDlg::ShowAll() {
   const DistributionSpecification& edited = fields_.Edited();
-  const std::size_t size = Parameters(edited.code).size();
+  const std::size_t size = Facts(edited.code).ParameterCount();
   const std::size_t share = edited.code == DistributionCode::kHistogram ? 1 : 0;
   const std::span<const double> values(edited.values);
   std::vector<std::string> lines;

@@ -8,6 +8,7 @@
 
 #include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/frame/control_members.h"
+#include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_table.h"
 #include "brv_sra/matrix/matrix_state.h"
@@ -70,7 +71,8 @@ Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
 Variant GetSavedFits(Dialog& dialog, Indexes) {
   if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
   const SimulationOptions& options = dialog.SimulationAndRisk().Simulation().options;
-  const auto fits = ValueOrThrow(SavedFits(*dialog.GetInputTable(), options.variables, options.truncate));
+  const auto fits =
+      ValueOrThrow(SavedFits(PropertiesOf(*dialog.GetInputTable()), options.variables, options.truncate));
   return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(SavedFitsSheet(fits)));
 }
 
@@ -164,7 +166,7 @@ void CSimulationFromDistribution::OnInitDialog() {
   if (options.numberOfSamples == 0) options.numberOfSamples = defaults.numberOfSamples;
   if (IsNotSet(options.seed)) options.seed = defaults.randomSeed;
   if (options.variables.empty() && GetInputTable() != nullptr) {
-    options.variables = VariablesWithDistributions(*GetInputTable());
+    options.variables = VariablesWithDistributions(PropertiesOf(*GetInputTable()));
   }
   Controls().SetDlgItemLong(kNumberOfSamples, options.numberOfSamples);
   Controls().SetChecked(kSeedSwitch, options.seeded);
@@ -286,7 +288,7 @@ void CSimulationFromDistribution::Exclude(const std::vector<std::int16_t>& varia
 }
 
 void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t>& variables) {
-  const auto available = VariablesWithDistributions(*GetInputTable());
+  const auto available = VariablesWithDistributions(PropertiesOf(*GetInputTable()));
   for (const std::int16_t number : variables) {
     if (std::ranges::find(available, number) == available.end()) {
       throw Error("variable " + Analysis().get_vn(number) + " has no fitted distribution",
@@ -342,7 +344,7 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
 
 Result<SampleSummaries> CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
   const SimulationOptions& options = Options();
-  const SimulationDesign design = ValueOrThrow(ReadDesign(*GetInputTable(), options));
+  const SimulationDesign design = ValueOrThrow(ReadDesign(PropertiesOf(*GetInputTable()), options));
   const RunProgress bars = CaptionedProgress(Analysis().Interface());
   const auto byColumns = [&](const ColumnSink& take) {
     return SimulateByColumns(design, options.seeded, options.seed, take, bars);
@@ -449,7 +451,7 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
   SimulationState& state = SimulationAndRisk().Simulation();
   const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
   try {
-    Result<SimulationDesign> design = ReadDesign(*GetInputTable(), state.options);
+    Result<SimulationDesign> design = ReadDesign(PropertiesOf(*GetInputTable()), state.options);
     if (!design) return Report(design.Reason());
     if (InducesCorrelation(design->method) && !AttachCorrelations(*design)) return Outcome::kFailed;
     Result<SimulationRun> run = RunSimulation(*design, state.options.seeded, state.options.seed,

@@ -200,7 +200,7 @@ TEST_F(Generation, SamplesFollowTheirDistributionUnderBothMethodsTruncatedOrNot)
                              ? std::min(KolmogorovPValue(sample, sampler, distribution),
                                         ChiSquarePValueOfBins(sample, sampler, distribution))
                              : ChiSquarePValue(sample, sampler, distribution, latinHypercube);
-        EXPECT_GT(p, 1e-6) << DisplayName(specification.code) << ", " << truncation.name << ", hypercube "
+        EXPECT_GT(p, 1e-6) << SpacedKey(specification.code) << ", " << truncation.name << ", hypercube "
                            << latinHypercube;
       }
     }
@@ -220,8 +220,7 @@ TEST_F(Generation, LatinHypercubeHoldsOneValuePerStratum) {
       SortAscending(sample);
       for (int i = 0; i < kStrata; ++i) {
         const double f = CdfOf(sampler, distribution, true, sample[static_cast<std::size_t>(i)]) * kStrata;
-        ASSERT_NEAR(f, i + 0.5, 0.5 + 1e-6)
-            << DisplayName(plain.specification.code) << ", " << truncation.name;
+        ASSERT_NEAR(f, i + 0.5, 0.5 + 1e-6) << SpacedKey(plain.specification.code) << ", " << truncation.name;
       }
     }
   }
@@ -262,7 +261,7 @@ TEST_F(Generation, DeepUpperLimitSpreadsTheValuesBelowIt) {
       EXPECT_GT(KolmogorovPValue(sample, VariableSampler(specification, false),
                                  SpecifiedDistribution(specification)),
                 1e-6)
-          << DisplayName(specification.code) << " below " << limit << ", hypercube " << latinHypercube;
+          << SpacedKey(specification.code) << " below " << limit << ", hypercube " << latinHypercube;
     }
   }
 }
@@ -279,7 +278,7 @@ TEST_F(Generation, DiscreteValuesStayWithinLimitsFarOut) {
       {VariableOf(kPoisson, {100}), 5.5, 12.5}};
   for (const auto& [variable, minimum, maximum] : cases) {
     for (const bool latinHypercube : {false, true}) {
-      SCOPED_TRACE(testing::Message() << DisplayName(variable.specification.code) << " from " << minimum);
+      SCOPED_TRACE(testing::Message() << SpacedKey(variable.specification.code) << " from " << minimum);
       design.variables = {variable};
       DistributionSpecification& specification = design.variables[0].specification;
       specification.truncateBelow = true;
@@ -380,14 +379,14 @@ TEST(DiscreteTable, ReproducesItsProbabilities) {
     const auto variable = VariableOf(code, values);
     const SpecifiedDistribution distribution(variable.specification);
     const auto table = DiscreteTable::Of(variable.specification);
-    ASSERT_TRUE(table.has_value()) << DisplayName(code) << ' ' << values[0];
+    ASSERT_TRUE(table.has_value()) << SpacedKey(code) << ' ' << values[0];
     constexpr int kDraws = 1 << 20;
     std::map<double, double> share;
     for (int i = 0; i < kDraws; ++i) share[table->Lookup((i + 0.5) / kDraws)] += 1.0 / kDraws;
     double total = 0;
     for (const auto& [value, measured] : share) {
       EXPECT_NEAR(measured, distribution.Density(value), 1e-4)
-          << DisplayName(code) << ' ' << values[0] << " at " << value;
+          << SpacedKey(code) << ' ' << values[0] << " at " << value;
       total += measured;
     }
     EXPECT_NEAR(total, 1, 1e-9);
