@@ -207,10 +207,6 @@ inline constexpr std::int32_t kFitOptionsGroupBinning = 20256;
 inline constexpr std::int32_t kFitOptionsEqualProbabilities = 20257;
 inline constexpr std::int32_t kFitOptionsEqualIntervals = 20258;
 
-// Columns of the fit results, and the faults of the goodness-of-fit computation.
-inline constexpr std::int32_t kMsgAndersonDarlingNoValues = 20275;
-inline constexpr std::int32_t kMsgAndersonDarlingCdfNoValues = 20276;
-
 // The correlation matrix file.
 inline constexpr std::int32_t kMsgMatrixCreateQuestion = 20305;
 inline constexpr std::int32_t kMsgMatrixWrongType = 20306;
@@ -229,9 +225,6 @@ inline constexpr std::int32_t kMatrixSelectVariablesList = 20316;
 inline constexpr std::int32_t kMethodNormalToAnything = 20400;
 inline constexpr std::int32_t kProgressComputing = 20401;
 inline constexpr std::int32_t kMsgSimulationFailedMatrix = 20402;
-inline constexpr std::int32_t kSimulationCaseName = 20403;
-inline constexpr std::int32_t kDesignTruncationMinimum = 20404;
-inline constexpr std::int32_t kDesignTruncationMaximum = 20405;
 
 // The profiler: instructions and commands.
 inline constexpr std::int32_t kProfilerTitle = 20500;
@@ -320,27 +313,6 @@ inline constexpr std::int32_t kProfilerCorrelationYTitle = 20603;
 inline constexpr std::int32_t kProfilerCorrelationNote = 20604;
 inline constexpr std::int32_t kDefectTitle = 20605;
 inline constexpr std::int32_t kDefectRowOverall = 20609;
-inline constexpr std::int32_t kDefectGraphExpression = 20610;
-
-// The profiler: help texts of its automation members.
-inline constexpr std::int32_t kHelpProfiler = 20630;
-inline constexpr std::int32_t kHelpAutoProfiler = 20631;
-inline constexpr std::int32_t kHelpInputCorrMatrix = 20632;
-inline constexpr std::int32_t kHelpLoadModels = 20633;
-inline constexpr std::int32_t kHelpUserDefinedDesignMatrixValuesY = 20634;
-inline constexpr std::int32_t kHelpVariableDistributionParams = 20635;
-inline constexpr std::int32_t kHelpNumberOfSamples = 20636;
-inline constexpr std::int32_t kHelpDependentForResult = 20637;
-inline constexpr std::int32_t kHelpLsl = 20638;
-inline constexpr std::int32_t kHelpUsl = 20639;
-inline constexpr std::int32_t kHelpTarget = 20640;
-inline constexpr std::int32_t kHelpCapabilityStats = 20641;
-inline constexpr std::int32_t kHelpSummaryStats = 20642;
-inline constexpr std::int32_t kHelpSummaryGraph = 20643;
-inline constexpr std::int32_t kHelpAutoUpdateSameSheet = 20644;
-inline constexpr std::int32_t kHelpSimulationResults = 20645;
-inline constexpr std::int32_t kHelpDefectProfile = 20646;
-inline constexpr std::int32_t kHelpStdDevY = 20647;
 
 // The fit results dialog, the simulation dialogs, and messages of the frame.
 inline constexpr std::int32_t kFitResultsTitle = 20710;

@@ -1,5 +1,5 @@
-// The module's texts by number. Every text that a person can see stands in the one table of strings.cpp; the
-// names of the numbers stand in resource_numbers.h. Looking a text up allocates nothing.
+// The module's texts by number. Every text that a person can see stands in one of the tables *_texts.h and
+// column_headings.h; the names of the numbers stand in resource_numbers.h. Looking a text up allocates nothing.
 #pragma once
 
 #include <cstdint>
@@ -7,11 +7,6 @@
 #include <string_view>
 
 namespace brenvolt::sra {
-
-struct StringResource {
-  std::int32_t number;
-  std::string_view text;
-};
 
 // The text of a string resource, or an empty text for a number without one. The text lives as long as the
 // module.

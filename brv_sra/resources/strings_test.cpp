@@ -75,7 +75,6 @@ TEST(Strings, ConversionsTakeTheirArgumentsInOrderAndArgumentsAreNotReadAgain) {
       FormatResource(kMsgStoredMeanInvalid, "Poisson", 12),
       "Invalid mean value for Poisson distribution of variable 12. Please check the variable's properties to "
       "have a valid mean value.");
-  EXPECT_EQ(FormatResource(kSimulationCaseName, "7"), "7");
   EXPECT_EQ(FormatResource(NameResource(DistributionCode::kNormal), "unused"), "Normal");
 }
 
