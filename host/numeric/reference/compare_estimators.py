@@ -564,16 +564,22 @@ def compare_percentiles(folder, lines):
     print(f"Johnson from percentiles: {count} samples")
 
 
+PREFACE = """# Estimators beside SciPy and R
+
+This page is written by
+
+    cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target fit_estimator
+    host/numeric/reference/compare_estimators.py
+
+Log-likelihoods reached; the relative difference is (ours − the better reference) / max(1, |reference|). References that ended where the likelihood has no bound are named in the note and not compared.
+"""
+
+
 def main():
     global PROGRAM
     if len(sys.argv) > 1:
         PROGRAM = pathlib.Path(sys.argv[1])
-    lines = ["# Estimators beside SciPy and R", "",
-             "This page is written by", "",
-             "    cmake --preset release -DBRENVOLT_BENCH=ON && cmake --build build --target fit_estimator",
-             "    host/numeric/reference/compare_estimators.py", "",
-             "Log-likelihoods reached; the relative difference is (ours − the better reference) / max(1, |reference|). "
-             "References that ended where the likelihood has no bound are named in the note and not compared.", ""]
+    lines = PREFACE.split("\n")
     with tempfile.TemporaryDirectory() as name:
         folder = pathlib.Path(name)
         for estimator in sys.argv[2:] or [*MAXIMUM_LIKELIHOOD, *MOMENTS, "johnson_percentiles"]:
