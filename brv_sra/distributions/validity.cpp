@@ -52,7 +52,6 @@ std::optional<ValidityFault> CheckTogether(DistributionCode code, std::span<cons
     case ValueRule::kTotalProportion:
       if (code == kGaussianMixture) return ParameterFault(code, values.size(), 0);
       return ValidityFault{{FaultIdentifier::kInvalidTotalProportion}, values.size()};
-    case ValueRule::kMinBelowMax:  // a single point
     case ValueRule::kOther:
       break;
   }

@@ -24,7 +24,7 @@ struct ValidityFault {
 //
 // - Each parameter is given (not kNotSet) and in the range of the distribution's facts.
 // - A distribution holds exactly its values; the last group of a user-defined one is complete.
-// - Triangular: minimum <= mode <= maximum; all three may be equal, though no function has a value then.
+// - Triangular: minimum <= mode <= maximum; all three may be equal.
 // - Histogram: the proportions add up to 1 within kTotalTolerance; no class at all adds up to 0.
 // - Gaussian mixture: kFewestMixtures to kMostMixtures components; the coefficients add up to 1 within kTotalTolerance.
 //

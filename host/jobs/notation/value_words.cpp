@@ -44,8 +44,6 @@ std::optional<std::string> WrongTogether(DistributionCode code, std::span<const 
     case ValueRule::kMinUpToMode:
     case ValueRule::kModeUpToMax:
       return "the mode must lie between min and max";
-    case ValueRule::kMinBelowMax:
-      return "min must be less than max";
     case ValueRule::kTotalProportion:
       return "the proportions must add up to 1; they add up to " +
              ShortestNumber(TotalProportion(code, values));

@@ -15,7 +15,7 @@ struct FormulasOf<Triangular> {
   double max;
   double mode;
 
-  bool AreConsistent() const { return min <= mode && mode <= max && min < max && std::isfinite(max - min); }
+  bool AreConsistent() const { return min <= mode && mode <= max && std::isfinite(max - min); }
 
   double Width() const { return max - min; }
   double Rise() const { return mode - min; }
@@ -30,18 +30,19 @@ struct FormulasOf<Triangular> {
 
   double LogDensity(double x) const { return std::log(Density(x)); }
 
-  // Sums of areas, never a difference, so that neither tail cancels where the mode lies at its end.
+  // Sums of areas, never a difference, so that neither tail cancels where the mode lies at its end. At a single point
+  // the end counts first: all of the distribution lies at or below it.
   double Cdf(double x) const {
-    if (x <= min) return 0.0;
     if (x >= max) return 1.0;
+    if (x <= min) return 0.0;
     if (x < mode) return (x - min) / Width() * ((x - min) / Rise());
     return x == mode ? Rise() / Width()
                      : Rise() / Width() + (x - mode) / Width() * (((max - x) + Fall()) / Fall());
   }
 
   double Complement(double x) const {
-    if (x <= min) return 1.0;
     if (x >= max) return 0.0;
+    if (x <= min) return 1.0;
     if (x > mode) return (max - x) / Width() * ((max - x) / Fall());
     return x == mode ? Fall() / Width()
                      : Fall() / Width() + (mode - x) / Width() * (((x - min) + Rise()) / Rise());

@@ -1,4 +1,4 @@
-// The triangular distribution: min <= mode <= max, min < max.
+// The triangular distribution: min <= mode <= max. Where all three are equal it is the point of them all.
 #pragma once
 
 #include "host/numeric/distributions/common/distribution.h"

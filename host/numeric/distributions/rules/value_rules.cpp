@@ -42,7 +42,7 @@ std::optional<ValueRule> BrokenRule(DistributionCode code, std::span<const doubl
   if (code == DistributionCode::kTriangular) {
     const auto [min, max, mode] = std::array{values[0], values[1], values[2]};
     if (min > mode) return ValueRule::kMinUpToMode;
-    return mode > max ? ValueRule::kModeUpToMax : ValueRule::kMinBelowMax;
+    return mode > max ? ValueRule::kModeUpToMax : ValueRule::kOther;
   }
   const bool isTotalWrong = isOfGroups && !(std::abs(TotalProportion(code, values) - 1) <= kTotalTolerance);
   return isTotalWrong ? ValueRule::kTotalProportion : ValueRule::kOther;

@@ -14,7 +14,6 @@ enum class ValueRule : std::uint8_t {
   kGroupCount,       // as many groups as the distribution may have
   kMinUpToMode,      // of the triangular one
   kModeUpToMax,      // of the triangular one
-  kMinBelowMax,      // of the triangular one
   kTotalProportion,  // proportions of groups add up to 1
   kOther
 };
