@@ -23,9 +23,7 @@ from ._brenvolt import _distribution_names, _johnson_families
 if TYPE_CHECKING:
     from numpy.typing import ArrayLike
 
-__all__ = ["Distribution", "from_code", "Normal", "LogNormal", "FoldedNormal", "HalfNormal", "Rayleigh", "Weibull",
-           "GaussianMixture", "Johnson", "GeneralExtremeValue", "GeneralPareto", "Triangular", "Binomial", "Poisson",
-           "Geometric", "Bernoulli", "Histogram"]
+__all__ = ["Distribution", "from_code", *_distribution_names]
 
 
 class Distribution(_Functions):
