@@ -61,13 +61,14 @@ Json CapabilityJson(const ResultTable& table) {
 }
 
 Json UnpredictedJson(const std::vector<UnpredictedRuns>& unpredicted) {
-  const auto orNull = [](const std::string& text) { return text.empty() ? Json(nullptr) : Json(text); };
   Json list = Json::array();
   for (const UnpredictedRuns& one : unpredicted) {
-    list.push_back({{"reason", one.reason},
-                    {"field", orNull(one.field)},
-                    {"values", orNull(one.values)},
-                    {"runs", one.runs}});
+    Json entry;
+    TakeFields(one, [&entry](const char* name, const auto& value) {
+      entry[name] = value;
+      if (entry[name] == "") entry[name] = nullptr;
+    });
+    list.push_back(std::move(entry));
   }
   return list;
 }

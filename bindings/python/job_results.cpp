@@ -58,12 +58,13 @@ py::object CapabilityOf(const ResponseResults& response) {
                   "distribution"_a = first.Text("description"_column));
 }
 
-py::list UnpredictedOf(const ResponseResults& response) {
-  py::list list;
+// The columns of a frame.
+py::dict UnpredictedOf(const ResponseResults& response) {
+  py::dict columns;
+  TakeFields(UnpredictedRuns(), [&](const char* name, const auto& /*value*/) { columns[name] = py::list(); });
   for (const UnpredictedRuns& one : response.unpredicted)
-    list.append(py::dict("reason"_a = one.reason, "field"_a = one.field, "values"_a = one.values,
-                         "runs"_a = one.runs));
-  return list;
+    TakeFields(one, [&](const char* name, const auto& value) { columns[name].attr("append")(value); });
+  return columns;
 }
 
 // The values of a predictor and the means of the response there, by predictor.

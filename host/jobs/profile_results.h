@@ -32,6 +32,14 @@ struct UnpredictedRuns {
   std::string values;  // the value, or the range of the values
   std::int64_t runs = 0;
 };
+// The fields by which programs know it, as take(name, value) in their order.
+template <class Take>
+void TakeFields(const UnpredictedRuns& unpredicted, Take take) {
+  take("reason", unpredicted.reason);
+  take("field", unpredicted.field);
+  take("values", unpredicted.values);
+  take("runs", unpredicted.runs);
+}
 // "field x, the value is missing"
 std::string ReasonText(const UnpredictedRuns& unpredicted);
 

@@ -730,7 +730,7 @@ class ProfiledResponse:
         self.correlations = _rows_frame(found["correlations"], "predictor")
         self.sensitivity = _rows_frame(found["sensitivity"], "predictor")
         self.r_squared: float = found["r_squared"]
-        self.unpredicted = pandas.DataFrame(found["unpredicted"], columns=["reason", "field", "values", "runs"])
+        self.unpredicted = pandas.DataFrame(found["unpredicted"])
         self.profiles = {predictor: pandas.DataFrame(means) for predictor, means in found["profiles"].items()}
         capability = found["capability"]
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
