@@ -157,6 +157,7 @@ TEST_F(Command, JsonOfAFitHasItsShape) {
                                       "description",
                                       "distribution",
                                       "firstInfiniteMoment",
+                                      "identifier",
                                       "kolmogorovSmirnov",
                                       "logLikelihood",
                                       "note",

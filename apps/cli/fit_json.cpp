@@ -23,6 +23,7 @@ Json TextOrNull(std::string_view text) {
 Json FitJson(const FittedDistribution& fit, std::size_t rank) {
   Json json = {{"rank", rank},
                {"code", fit.code},
+               {"identifier", fit.identifier},
                {"distribution", fit.name},
                {"description", fit.description},
                {"parameters", ListOrNull(fit.parameters)},
@@ -49,8 +50,10 @@ Json CautionsJson(const std::vector<FitCaution>& cautions) {
   for (const FitCaution& caution : cautions) {
     list.push_back({{"kind", caution.Name()},
                     {"distribution", caution.fit},
+                    {"identifier", caution.identifier},
                     {"probability", NumberJson(caution.probability)},
-                    {"instead", caution.instead.empty() ? Json(nullptr) : Json(caution.instead)},
+                    {"instead", TextOrNull(caution.instead)},
+                    {"insteadIdentifier", TextOrNull(caution.insteadIdentifier)},
                     {"insteadKsPValue", NumberJson(caution.insteadKsPValue)},
                     {"message", caution.Text()}});
   }
@@ -68,6 +71,7 @@ Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   }
   const FittedDistribution* best = variable.Best();
   json["best"] = best != nullptr ? Json(best->name) : Json(nullptr);
+  json["bestIdentifier"] = best != nullptr ? Json(best->identifier) : Json(nullptr);
   json["cautions"] = CautionsJson(variable.Cautions());
   json["notes"] = variable.Notes();
   return json;

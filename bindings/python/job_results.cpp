@@ -31,9 +31,9 @@ py::dict NumbersOf(const ResultRow& row, Groups groups) {
 
 py::dict FitDict(const FittedDistribution& fit) {
   return py::dict(
-      "code"_a = fit.code, "name"_a = fit.name, "parameters"_a = fit.parameters, "offset"_a = fit.offset,
-      "standard_errors"_a = fit.standardErrors, "reason"_a = fit.reason, "origin"_a = fit.origin,
-      "note"_a = fit.note,
+      "code"_a = fit.code, "identifier"_a = fit.identifier, "name"_a = fit.name,
+      "parameters"_a = fit.parameters, "offset"_a = fit.offset, "standard_errors"_a = fit.standardErrors,
+      "reason"_a = fit.reason, "origin"_a = fit.origin, "note"_a = fit.note,
       "statistics"_a = NumbersOf(fit.statistics, {kTests, kLikelihood, kReservations, kBootstrap}));
 }
 

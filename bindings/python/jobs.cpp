@@ -168,7 +168,7 @@ Sheet KeepFits(const FitJob& job, const std::shared_ptr<AnalysisRef>& analysis,
 
 // The place of the fit of a variable that is saved first, from 0; None if none is.
 std::optional<std::size_t> FirstSavedOf(const std::shared_ptr<AnalysisRef>& analysis, std::int32_t variable,
-                                        const std::vector<std::string>& fits) {
+                                        const std::vector<int>& fits) {
   std::optional<std::size_t> first;
   CarryOut(analysis, [&] { first = FirstSaved(*analysis->Session().Dialog(), variable, fits); });
   return first;

@@ -39,10 +39,13 @@ Wording WordingOf(Kind kind) {
 std::vector<FitCaution> CautionsAgainst(const FitReach& fit) {
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   std::vector<FitCaution> cautions;
-  if (fit.belowZero > kMostBeyondZero) cautions.push_back({Kind::kBelowZero, fit.fit, fit.belowZero});
-  if (fit.aboveZero > kMostBeyondZero) cautions.push_back({Kind::kAboveZero, fit.fit, fit.aboveZero});
-  if (fit.infiniteMoment == 1) cautions.push_back({Kind::kInfiniteMean, fit.fit, kNone});
-  if (fit.infiniteMoment == 2) cautions.push_back({Kind::kInfiniteVariance, fit.fit, kNone});
+  const auto add = [&](Kind kind, double probability) {
+    cautions.push_back({kind, fit.fit, fit.identifier, probability});
+  };
+  if (fit.belowZero > kMostBeyondZero) add(Kind::kBelowZero, fit.belowZero);
+  if (fit.aboveZero > kMostBeyondZero) add(Kind::kAboveZero, fit.aboveZero);
+  if (fit.infiniteMoment == 1) add(Kind::kInfiniteMean, kNone);
+  if (fit.infiniteMoment == 2) add(Kind::kInfiniteVariance, kNone);
   return cautions;
 }
 
@@ -69,6 +72,7 @@ std::vector<FitCaution> CautionsAgainstFirst(std::span<const FitReach> fits) {
   for (FitCaution& caution : cautions) {
     if (harmless == fits.end()) continue;
     caution.instead = harmless->fit;
+    caution.insteadIdentifier = harmless->identifier;
     caution.insteadKsPValue = harmless->ksPValue;
   }
   return cautions;

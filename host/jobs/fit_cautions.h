@@ -6,6 +6,7 @@
 #include <limits>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace brenvolt {
@@ -19,6 +20,7 @@ struct FitReach {
   double infiniteMoment;  // the order of the lowest one: 1 the mean, 2 the variance; NaN if neither is
   double ksPValue =
       std::numeric_limits<double>::quiet_NaN();  // of the Kolmogorov-Smirnov test; NaN without one
+  std::string_view identifier = {};              // of its distribution, for programs: "lognormal"
 };
 
 struct FitCaution {
@@ -26,8 +28,10 @@ struct FitCaution {
 
   Kind kind;
   std::string fit;
-  double probability;        // of the values that the data rule out; NaN if it is about a moment
-  std::string instead = {};  // the best fit that needs no caution; empty if all do
+  std::string_view identifier;  // of its distribution
+  double probability;           // of the values that the data rule out; NaN if it is about a moment
+  std::string instead = {};     // the best fit that needs no caution; empty if all do
+  std::string_view insteadIdentifier = {};
   // Of that one, which may itself be refused; NaN without a test.
   double insteadKsPValue = std::numeric_limits<double>::quiet_NaN();
 

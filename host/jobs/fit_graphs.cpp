@@ -3,7 +3,9 @@
 #include <cmath>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "host/analysis/action_recording.h"
@@ -24,15 +26,19 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 // Chooses on the Quick tab the fit of the shown variable, at a place among the results, that is saved first,
-// and returns its name. Nothing changes if there is none.
-std::string ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
-  const ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
-  std::vector<std::string> ranks;
-  for (const ResultRow& row : ranked.rows) ranks.push_back(row.name);
-  const auto first = FirstSaved(dialog, place, ranks);
-  if (!first) return {};
+// and returns its row. Nothing changes if there is none.
+std::optional<ResultRow> ChooseFirstSaved(AutomationObject& dialog, std::int32_t place) {
+  ResultTable ranked = ReadResultTable(dialog.Get("QuickTabDistributionSummaryStats"));
+  std::vector<int> codes;
+  for (const ResultRow& row : ranked.rows) codes.push_back(static_cast<int>(row.Number("code"_column)));
+  const auto first = FirstSaved(dialog, place, codes);
+  if (!first) return std::nullopt;
   dialog.Put("QuickTabDistribution", static_cast<std::int32_t>(*first + 1));
-  return ranks[*first];
+  return std::move(ranked.rows[*first]);
+}
+
+std::string_view IdentifierOf(const ResultRow& fit) {
+  return kFittedTypes.at(static_cast<std::size_t>(fit.Number("code"_column))).name;
 }
 
 // Of the variable that the Quick tab shows, with the fit that it shows.
@@ -72,7 +78,7 @@ Graph GraphOrReason(AutomationObject& dialog, std::string_view variable, const F
 
 // The histogram among the distributions has the bars of the data themselves for a curve.
 bool RepeatsData(const ResultRow& fit) {
-  return kFittedTypes.at(static_cast<std::size_t>(fit.Number("code"_column))).name == "histogram";
+  return IdentifierOf(fit) == "histogram";
 }
 
 // The curves of the best fits by rank over the histogram with the fit that is saved first, which the Quick tab shows.
@@ -153,10 +159,15 @@ void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& pat
   Json report = {{"variables", Json::array()}};
   for (std::size_t i = 0; i < summary.rows.size(); ++i) {
     dialog.Put("QuickTabVariable", static_cast<std::int32_t>(i + 1));
-    Json variable = {{"name", summary.rows[i].name}, {"distribution", nullptr}, {"graphs", Json::array()}};
+    Json variable = {{"name", summary.rows[i].name},
+                     {"distribution", nullptr},
+                     {"identifier", nullptr},
+                     {"graphs", Json::array()}};
     if (dialog.Get("QuickTabDistribution").ToInteger() != 0) {
-      const std::string first = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1));
-      if (!first.empty()) variable["distribution"] = first;
+      if (const auto first = ChooseFirstSaved(dialog, static_cast<std::int32_t>(i + 1))) {
+        variable["distribution"] = first->name;
+        variable["identifier"] = IdentifierOf(*first);
+      }
       variable["graphs"] = GraphsJson(dialog);
     }
     report["variables"].push_back(std::move(variable));

@@ -253,15 +253,15 @@ JobFaults FitJob::CheckTruncated(AutomationObject& results) const {
   for (const Truncation& one : truncate) {
     const auto variable = std::ranges::find(fitted, one.variable, &FittedVariable::name);
     if (variable == fitted.end()) continue;
-    std::vector<std::string> names;
-    for (const FittedDistribution& fit : variable->fits) names.push_back(fit.name);
+    std::vector<int> codes;
+    for (const FittedDistribution& fit : variable->fits) codes.push_back(fit.code);
     const auto chosen = std::ranges::find(order, one.variable, &Order::variable);
     const auto first =
         chosen != order.end()
             ? FitOf(chosen->distributions.front(), *variable)
-            : FirstSaved(results, static_cast<std::int32_t>(variable - fitted.begin() + 1), names);
+            : FirstSaved(results, static_cast<std::int32_t>(variable - fitted.begin() + 1), codes);
     if (!first || HasValuesBetween(variable->fits[*first], one.low, one.high)) continue;
-    faults.push_back({"truncate", Quoted(one.variable) + ": the " + names[*first] +
+    faults.push_back({"truncate", Quoted(one.variable) + ": the " + variable->fits[*first].name +
                                       " distribution fitted to it has no values within these bounds"});
   }
   return faults;

@@ -9,6 +9,7 @@
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/jobs/base/dialog_words.h"
 #include "host/numeric/distributions/distribution_types.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 
@@ -42,9 +43,14 @@ std::string_view NameOf(EstimateOrigin origin) {
   return {};
 }
 
+std::string_view IdentifierIn(const ResultRow& row) {
+  return kFittedTypes.at(static_cast<std::size_t>(row.Number("code"_column))).name;
+}
+
 FittedDistribution TakeFit(ResultRow row) {
   FittedDistribution fit;
   fit.code = static_cast<int>(row.Number("code"_column));
+  fit.identifier = IdentifierIn(row);
   fit.name = row.name;
   fit.description = row.Text("description"_column);
   fit.reason = row.Text("reason"_column);
@@ -100,10 +106,12 @@ std::vector<const FittedDistribution*> SavedFits(const FittedVariable& variable)
 }  // namespace
 
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
-                                      std::span<const std::string> fits) {
+                                      std::span<const int> fits) {
   const Variant index(variable);
   const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
-  const auto first = std::ranges::find(fits, order.substr(0, order.find(';')));
+  const FittedType* type = FindFittedType(order.substr(0, order.find(';')));
+  if (type == nullptr) return std::nullopt;
+  const auto first = std::ranges::find(fits, static_cast<int>(type - kFittedTypes.data()));
   if (first == fits.end()) return std::nullopt;
   return static_cast<std::size_t>(first - fits.begin());
 }
@@ -120,8 +128,12 @@ std::vector<FitCaution> FittedVariable::Cautions() const {
 }
 
 FitReach ReachIn(const ResultRow& row) {
-  return {row.name, row.Number("below_zero"_column), row.Number("above_zero"_column),
-          row.Number("infinite_moment"_column), KsPValueIn(row)};
+  return {row.name,
+          row.Number("below_zero"_column),
+          row.Number("above_zero"_column),
+          row.Number("infinite_moment"_column),
+          KsPValueIn(row),
+          IdentifierIn(row)};
 }
 
 std::vector<std::string> FittedVariable::Notes() const {

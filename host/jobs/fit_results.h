@@ -17,6 +17,7 @@ namespace brenvolt {
 
 struct FittedDistribution {
   int code = 0;
+  std::string_view identifier;         // "lognormal", as people write it in calls
   std::string name;                    // for people, as are the next two
   std::string description;             // for most distributions with the values
   std::string reason;                  // why the fit failed; empty for a valid one
@@ -54,10 +55,10 @@ struct FittedVariable {
 // A row of a table of fits.
 FitReach ReachIn(const ResultRow& row);
 
-// The place of the fit that is saved first, and so simulated, among the fits of a variable by their names for people;
-// nothing if none is saved. `variable` is the variable's place among the results, from 1.
+// The place of the fit that is saved first, and so simulated, among the fits of a variable by the codes of their
+// distributions; nothing if none is saved. `variable` is the variable's place among the results, from 1.
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
-                                      std::span<const std::string> fits);
+                                      std::span<const int> fits);
 
 struct VariableCautions {
   std::string variable;

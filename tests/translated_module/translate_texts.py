@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Writes the module's tables of texts with other headings of result columns, as a translation would have them.
+"""Writes the module's tables of texts as a translation would have them: with other headings of result columns and other
+names of the distributions.
 
     translate_texts.py STRINGS.cpp OUT.cpp
 """
@@ -7,8 +8,9 @@ import os
 import re
 import sys
 
-# The headings, and the kinds of variables, which tables show as texts.
-PREFIXES = ((re.compile(r'(\{(?:"\w+"_column\.heading|kKind\w+),\s*")'), "Überschrift "),)
+# The headings and the kinds of variables, which tables show as texts; the names of the distributions.
+PREFIXES = ((re.compile(r'(\{(?:"\w+"_column\.heading|kKind\w+),\s*")'), "Überschrift "),
+            (re.compile(r'(\{NameResource\([\w:]+\),\s*")'), "Verteilung "))
 TABLE = re.compile(r'#include "(brv_sra/resources/(?:\w+_texts|column_headings)\.h)"\n')
 
 

@@ -360,12 +360,12 @@ class FittedVariable:
         """The distribution that the variable is simulated from unless told otherwise: the one ranked first, of discrete
         ones the first that does not merely repeat the data as a histogram. One that gives a value density 0 only where
         no other was tried. None if no distribution fits."""
-        first = _brenvolt._first_saved(self._result.analysis._analysis, self._place, [fit["name"] for fit in self._fits])
+        first = _brenvolt._first_saved(self._result.analysis._analysis, self._place, [fit["code"] for fit in self._fits])
         return None if first is None else self.distributions[first]
 
     @property
     def fits(self) -> pandas.DataFrame:
-        """A DataFrame of the fits by rank: distribution, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
+        """A DataFrame of the fits by rank: distribution, under its identifier and its name, parameters, test statistics, p-values (ks: Kolmogorov-Smirnov,
         ad: Anderson-Darling), log-likelihood, AIC and BIC, the number of values of density 0; `reason` says why a fit failed,
         `origin` what its parameters come from ("likelihood", "moments", "percentiles", "extremes"), `note` what speaks
         against it.
@@ -376,8 +376,9 @@ class FittedVariable:
 
         rows = []
         for place, fit in enumerate(self._fits):
-            rows.append({"rank": place + 1, "distribution": fit["name"], **_scalars(self.distributions[place])})
-        frame = pandas.DataFrame(rows, columns=None if rows else ["rank", "distribution"])
+            rows.append({"rank": place + 1, "identifier": fit["identifier"], "distribution": fit["name"],
+                         **_scalars(self.distributions[place])})
+        frame = pandas.DataFrame(rows, columns=None if rows else ["rank", "identifier", "distribution"])
         if rows:
             for name in self._fits[0]["statistics"]:
                 frame[name] = [fit["statistics"][name] for fit in self._fits]

@@ -413,7 +413,8 @@ class SameCalls(unittest.TestCase):
         self.assertEqual(variable._quantiles, expected["quantiles"])
         rows = variable.fits.to_dict("records")
         for fitted, row, distribution in zip(expected["fits"], rows, variable.distributions, strict=True):
-            self.assertEqual((row["rank"], row["distribution"]), (fitted["rank"], fitted["distribution"]))
+            for name in ("rank", "identifier", "distribution"):
+                self.assertEqual(row[name], fitted[name])
             for text in ("reason", "origin", "note"):
                 self.assertEqual(row[text], fitted[text] or "")
             if fitted["parameters"] is None:

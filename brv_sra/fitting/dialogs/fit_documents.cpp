@@ -210,7 +210,7 @@ std::unique_ptr<Spreadsheet> RankedTable(const VariableFit& fit, RankingCriterio
   AddTextColumn(*sheet, "description"_column, [&](std::size_t i) {
     const DistributionSpecification& specification = order[i]->specification;
     return order[i]->IsValid() ? Description(specification.code, specification.values)
-                               : std::string(DisplayName(specification.code));
+                               : std::string(SpacedKey(specification.code));
   });
   const auto addColumns = [&](std::span<const FitColumn> columns) {
     for (const FitColumn& one : columns) {
