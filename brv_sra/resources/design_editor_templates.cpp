@@ -24,6 +24,18 @@ void AddParameters(std::vector<RowTemplate>& rows, std::int32_t label, std::int3
     rows.push_back({{label + i, kLabel, ""}, {field + i, kRealField, ""}});
 }
 
+// How many groups a user-defined distribution has, and which of them is shown.
+RowTemplate GroupsRow(std::int32_t mixtures, std::int32_t levels, std::int32_t group) {
+  return {{mixtures, kIntegerField, Text(kProfilerLabelMixtures)},
+          {levels, kIntegerField, Text(kProfilerLabelLevels)},
+          {group, kComboBox, ""}};
+}
+
+GroupTemplate BoundsGroup(std::int32_t minimum, std::int32_t maximum) {
+  return {Text(kFitResultsGroupTruncation),
+          {{{minimum, kRealField, Text(kProfilerLabelMin)}, {maximum, kRealField, Text(kProfilerLabelMax)}}}};
+}
+
 }  // namespace
 
 const DialogTemplate& DesignDistributionTemplate() {
@@ -31,17 +43,12 @@ const DialogTemplate& DesignDistributionTemplate() {
   static const DialogTemplate result = [] {
     std::vector<RowTemplate> rows{{{kVariable, kLabel, ""}},
                                   {{kTypes, kListBox, Text(kProfilerListDistributions)}},
-                                  {{kMixtures, kIntegerField, Text(kProfilerLabelMixtures)},
-                                   {kLevels, kIntegerField, Text(kProfilerLabelLevels)},
-                                   {kGroup, kComboBox, ""}}};
+                                  GroupsRow(kMixtures, kLevels, kGroup)};
     AddParameters(rows, kParameterLabel, kParameter, 5);
-    GroupTemplate bounds{
-        Text(kFitResultsGroupTruncation),
-        {{{kMinimum, kRealField, Text(kProfilerLabelMin)}, {kMaximum, kRealField, Text(kProfilerLabelMax)}}}};
     return DialogTemplate{15001,
                           Text(kDesignDistributionTitle),
                           OkAndCancel(),
-                          {{"", {{"", std::move(rows)}, std::move(bounds)}}}};
+                          {{"", {{"", std::move(rows)}, BoundsGroup(kMinimum, kMaximum)}}}};
   }();
   return result;
 }
@@ -88,9 +95,7 @@ const DialogTemplate& DesignDefaultsTemplate() {
 const DialogTemplate& DesignUserDefinedTemplate() {
   using namespace design_user_defined;
   static const DialogTemplate result = [] {
-    std::vector<RowTemplate> rows{{{kMixtures, kIntegerField, Text(kProfilerLabelMixtures)},
-                                   {kLevels, kIntegerField, Text(kProfilerLabelLevels)},
-                                   {kGroup, kComboBox, ""}}};
+    std::vector<RowTemplate> rows{GroupsRow(kMixtures, kLevels, kGroup)};
     AddParameters(rows, kParameterLabel, kParameter, 3);
     rows.push_back({{kTable, kListBox, ""}});
     rows.push_back({{kNote, kLabel, ""}, {kTotal, kLabel, ""}});
@@ -99,13 +104,10 @@ const DialogTemplate& DesignUserDefinedTemplate() {
                          {{kMixture, kRadioButton, Text(kProfilerGroupMixture)},
                           {kHistogram, kRadioButton, Text(kProfilerGroupHistogram)}},
                          {{kTitle, kLabel, ""}}}};
-    GroupTemplate bounds{
-        Text(kFitResultsGroupTruncation),
-        {{{kMinimum, kRealField, Text(kProfilerLabelMin)}, {kMaximum, kRealField, Text(kProfilerLabelMax)}}}};
     return DialogTemplate{15004,
                           Text(kDesignUserDefinedTitle),
                           OkAndCancel(),
-                          {{"", {std::move(kinds), {"", std::move(rows)}, std::move(bounds)}}}};
+                          {{"", {std::move(kinds), {"", std::move(rows)}, BoundsGroup(kMinimum, kMaximum)}}}};
   }();
   return result;
 }

@@ -19,10 +19,8 @@ constexpr DistributionControls kFields{kParameter, kParameterLabel, 5,       kMi
 DesignSimDistributionModalDlg::DesignSimDistributionModalDlg(CSimulationAndRisk& analysis,
                                                              std::string variable,
                                                              const DistributionSpecification* start)
-    : CSimulationAndRiskModalDialog(analysis, DesignDistributionTemplate()),
-      variable_(std::move(variable)),
-      start_(start),
-      fields_(*this, kFields, DistributionFields::Check::kAtOnce) {}
+    : EnteredDistributionDialog(analysis, DesignDistributionTemplate(), std::move(variable), start, kFields) {
+}
 
 void DesignSimDistributionModalDlg::OnInitDialog() {
   std::vector<std::string> types;

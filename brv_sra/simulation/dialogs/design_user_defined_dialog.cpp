@@ -44,10 +44,7 @@ std::string LineOf(DistributionCode code, std::size_t group, std::span<const dou
 
 DesignSimUserDefinedModalDlg::DesignSimUserDefinedModalDlg(CSimulationAndRisk& analysis, std::string variable,
                                                            const DistributionSpecification* start)
-    : CSimulationAndRiskModalDialog(analysis, DesignUserDefinedTemplate()),
-      variable_(std::move(variable)),
-      start_(start),
-      fields_(*this, kFields, DistributionFields::Check::kAtOnce) {}
+    : EnteredDistributionDialog(analysis, DesignUserDefinedTemplate(), std::move(variable), start, kFields) {}
 
 void DesignSimUserDefinedModalDlg::OnInitDialog() {
   Controls().SetText(kVariable, variable_);

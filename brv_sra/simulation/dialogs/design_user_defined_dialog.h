@@ -4,33 +4,23 @@
 
 #include <string>
 
-#include "brv_sra/distributions/specification.h"
-#include "brv_sra/frame/dialog_base.h"
-#include "brv_sra/frame/distribution_fields.h"
+#include "brv_sra/simulation/dialogs/entered_distribution_dialog.h"
 
 namespace brenvolt::sra {
 
-class DesignSimUserDefinedModalDlg : public CSimulationAndRiskModalDialog {
+class DesignSimUserDefinedModalDlg : public EnteredDistributionDialog {
  public:
-  // Starts from a distribution of the variable, if that is user-defined; null: from none. It must outlive the dialog.
+  // A start that is not user-defined counts as none.
   DesignSimUserDefinedModalDlg(CSimulationAndRisk& analysis, std::string variable,
                                const DistributionSpecification* start);
 
-  // What was entered, once OK was taken.
-  const DistributionSpecification& Entered() const { return fields_.Edited(); }
-
  protected:
   void OnInitDialog() override;
-  bool OnOk() override { return fields_.Taken().has_value(); }
   void OnControlChanged(std::int32_t number) override;
 
  private:
   void Start(DistributionCode code);
   void ShowAll();
-
-  std::string variable_;
-  const DistributionSpecification* start_;
-  DistributionFields fields_;
 };
 
 }  // namespace brenvolt::sra

@@ -57,31 +57,18 @@ auto Quantile(const Run& run, double location, double scale, double shape) {
   return run(MinusLogStage{}, MinusLogStage{}, FromReducedStage(location, scale, shape));
 }
 
-// Entries for the dispatch.
-
-void CdfOverArray(std::span<const double> x, double location, double scale, double shape,
-                  std::span<double> out) {
-  Cdf(ArrayRun{x, out}, location, scale, shape);
-}
-
-void QuantileOverArray(std::span<const double> p, double location, double scale, double shape,
-                       std::span<double> out) {
-  Quantile(ArrayRun{p, out}, location, scale, shape);
-}
+constexpr std::size_t kParameters = 3;
+using QuantileRun = ArrayRun;
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
 
+#include "host/numeric/distributions/common/array_forms-inl.h"
+
 #if HWY_ONCE
 namespace brenvolt {
-namespace {
-
-HWY_EXPORT(CdfOverArray);
-HWY_EXPORT(QuantileOverArray);
-
-}  // namespace
 
 template <>
 struct FormulasOf<GeneralExtremeValue> {
@@ -120,13 +107,13 @@ struct FormulasOf<GeneralExtremeValue> {
   double Cdf(double x) const {
     return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, location, scale, shape);
   }
-  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, location, scale, shape, out); }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, {location, scale, shape}, out); }
   double Complement(double x) const { return -std::expm1(-std::exp(-Reduced(x))); }
   double Quantile(double p) const {
     return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, location, scale, shape);
   }
   void Quantile(In p, Out out) const {
-    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, location, scale, shape, out);
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, {location, scale, shape}, out);
   }
   double ComplementQuantile(double q) const { return AtReduced(-std::log(-std::log1p(-q))); }
 

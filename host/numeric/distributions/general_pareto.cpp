@@ -34,31 +34,18 @@ auto Quantile(const Run& run, double scale, double shape, double threshold) {
   return run(HazardStage{}, FromReducedStage(threshold, scale, shape));
 }
 
-// Entries for the dispatch.
-
-void CdfOverArray(std::span<const double> x, double scale, double shape, double threshold,
-                  std::span<double> out) {
-  Cdf(ArrayRun{x, out}, scale, shape, threshold);
-}
-
-void QuantileOverArray(std::span<const double> p, double scale, double shape, double threshold,
-                       std::span<double> out) {
-  Quantile(ArrayRun{p, out}, scale, shape, threshold);
-}
+constexpr std::size_t kParameters = 3;
+using QuantileRun = ArrayRun;
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
 
+#include "host/numeric/distributions/common/array_forms-inl.h"
+
 #if HWY_ONCE
 namespace brenvolt {
-namespace {
-
-HWY_EXPORT(CdfOverArray);
-HWY_EXPORT(QuantileOverArray);
-
-}  // namespace
 
 template <>
 struct FormulasOf<GeneralPareto> {
@@ -95,13 +82,13 @@ struct FormulasOf<GeneralPareto> {
   double Cdf(double x) const {
     return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, shape, threshold);
   }
-  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, shape, threshold, out); }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, {scale, shape, threshold}, out); }
   double Complement(double x) const { return std::exp(-Hazard(x)); }
   double Quantile(double p) const {
     return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, shape, threshold);
   }
   void Quantile(In p, Out out) const {
-    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, shape, threshold, out);
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, {scale, shape, threshold}, out);
   }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 

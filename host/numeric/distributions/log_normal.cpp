@@ -64,31 +64,18 @@ auto Quantile(const Run& run, double scale, double shape, double threshold) {
   return run(QuantileStage{scale, shape, threshold});
 }
 
-// Entries for the dispatch.
-
-void CdfOverArray(std::span<const double> x, double scale, double shape, double threshold,
-                  std::span<double> out) {
-  Cdf(ArrayRun{x, out}, scale, shape, threshold);
-}
-
-void QuantileOverArray(std::span<const double> p, double scale, double shape, double threshold,
-                       std::span<double> out) {
-  Quantile(ArrayQuantileRun{p, out}, scale, shape, threshold);
-}
+constexpr std::size_t kParameters = 3;
+using QuantileRun = ArrayQuantileRun;
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
 
+#include "host/numeric/distributions/common/array_forms-inl.h"
+
 #if HWY_ONCE
 namespace brenvolt {
-namespace {
-
-HWY_EXPORT(CdfOverArray);
-HWY_EXPORT(QuantileOverArray);
-
-}  // namespace
 
 EstimationResult<NormalEstimate> EstimateLogNormal(std::span<const double> data, double offset) {
   if (auto checked = estimation::CheckAboveOffset(data, 2, offset, false); !checked) return checked.Reason();
@@ -137,7 +124,7 @@ struct FormulasOf<LogNormal> {
   double Cdf(double x) const {
     return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, shape, threshold);
   }
-  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, shape, threshold, out); }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, {scale, shape, threshold}, out); }
 
   double Complement(double x) const {
     const double y = x - threshold;
@@ -148,7 +135,7 @@ struct FormulasOf<LogNormal> {
     return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneQuantileRun){p}, scale, shape, threshold);
   }
   void Quantile(In p, Out out) const {
-    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, shape, threshold, out);
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, {scale, shape, threshold}, out);
   }
 
   double ComplementQuantile(double q) const {

@@ -57,29 +57,18 @@ auto Quantile(const Run& run, double scale, double threshold) {
   return run(QuantileStage{scale, threshold});
 }
 
-// Entries for the dispatch.
-
-void CdfOverArray(std::span<const double> x, double scale, double threshold, std::span<double> out) {
-  Cdf(ArrayRun{x, out}, scale, threshold);
-}
-
-void QuantileOverArray(std::span<const double> p, double scale, double threshold, std::span<double> out) {
-  Quantile(ArrayRun{p, out}, scale, threshold);
-}
+constexpr std::size_t kParameters = 2;
+using QuantileRun = ArrayRun;
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
 
+#include "host/numeric/distributions/common/array_forms-inl.h"
+
 #if HWY_ONCE
 namespace brenvolt {
-namespace {
-
-HWY_EXPORT(CdfOverArray);
-HWY_EXPORT(QuantileOverArray);
-
-}  // namespace
 
 EstimationResult<ScaleEstimate> EstimateRayleigh(std::span<const double> data, double offset) {
   auto sample = estimation::AboveOffset(data, offset, false);
@@ -118,7 +107,7 @@ struct FormulasOf<Rayleigh> {
   double Cdf(double x) const {
     return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, threshold);
   }
-  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, threshold, out); }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, {scale, threshold}, out); }
 
   double Complement(double x) const {
     if (std::isinf(x)) return x > 0.0 ? 0.0 : 1.0;
@@ -128,7 +117,7 @@ struct FormulasOf<Rayleigh> {
   double Quantile(double p) const {
     return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, threshold);
   }
-  void Quantile(In p, Out out) const { HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, threshold, out); }
+  void Quantile(In p, Out out) const { HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, {scale, threshold}, out); }
 
   double ComplementQuantile(double q) const { return threshold + scale * std::sqrt(-2.0 * std::log(q)); }
 

@@ -22,13 +22,6 @@ namespace {
 
 // The distribution function and the quantile over vectors, in stages: see vector_loops-inl.h.
 
-struct ExpStage {
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
-    return Exp(d, t);
-  }
-};
-
 // (ln y) factor, y = (x - threshold) / scale.
 struct PowerExponentStage {
   double scale;
@@ -70,31 +63,18 @@ auto Quantile(const Run& run, double scale, double shape, double threshold) {
   return run(HazardStage{}, LogTimesStage{1.0 / shape}, QuantileStage{scale, threshold});
 }
 
-// Entries for the dispatch.
-
-void CdfOverArray(std::span<const double> x, double scale, double shape, double threshold,
-                  std::span<double> out) {
-  Cdf(ArrayRun{x, out}, scale, shape, threshold);
-}
-
-void QuantileOverArray(std::span<const double> p, double scale, double shape, double threshold,
-                       std::span<double> out) {
-  Quantile(ArrayRun{p, out}, scale, shape, threshold);
-}
+constexpr std::size_t kParameters = 3;
+using QuantileRun = ArrayRun;
 
 }  // namespace
 }  // namespace HWY_NAMESPACE
 }  // namespace brenvolt
 HWY_AFTER_NAMESPACE();
 
+#include "host/numeric/distributions/common/array_forms-inl.h"
+
 #if HWY_ONCE
 namespace brenvolt {
-namespace {
-
-HWY_EXPORT(CdfOverArray);
-HWY_EXPORT(QuantileOverArray);
-
-}  // namespace
 
 template <>
 struct FormulasOf<Weibull> {
@@ -128,13 +108,13 @@ struct FormulasOf<Weibull> {
   double Cdf(double x) const {
     return HWY_STATIC_DISPATCH(Cdf)(HWY_STATIC_DISPATCH(OneRun){x}, scale, shape, threshold);
   }
-  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, scale, shape, threshold, out); }
+  void Cdf(In x, Out out) const { HWY_DYNAMIC_DISPATCH(CdfOverArray)(x, {scale, shape, threshold}, out); }
   double Complement(double x) const { return std::exp(-Hazard(x)); }
   double Quantile(double p) const {
     return HWY_STATIC_DISPATCH(Quantile)(HWY_STATIC_DISPATCH(OneRun){p}, scale, shape, threshold);
   }
   void Quantile(In p, Out out) const {
-    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, scale, shape, threshold, out);
+    HWY_DYNAMIC_DISPATCH(QuantileOverArray)(p, {scale, shape, threshold}, out);
   }
   double ComplementQuantile(double q) const { return AtHazard(-std::log(q)); }
 

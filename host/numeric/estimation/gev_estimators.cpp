@@ -15,6 +15,7 @@
 #include <span>
 #include <vector>
 
+#include "host/numeric/estimation/centred_sample.h"
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/special/bracketed_root.h"
 #include "host/numeric/special/log_one_plus.h"
@@ -358,19 +359,9 @@ std::vector<double> CovarianceAt(const Surface& surface, double count, const Vec
   return covariance;
 }
 
-// Sorted, centred on the median, scaled.
 EstimationResult<ScaledSample> Prepare(std::span<const double> data) {
   if (auto checked = CheckSample(data, 3); !checked) return checked.Reason();
-  std::vector<double> sorted;
-  if (!std::ranges::is_sorted(data)) {
-    sorted.assign(data.begin(), data.end());
-    std::ranges::sort(sorted);
-    data = sorted;
-  }
-  if (data.front() == data.back()) return Fault{EstimationFault::kNoSpread};
-  ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
-  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
-  return sample;
+  return estimation::SortedAndCentred(data);
 }
 
 EstimationResult<ExtremeValueEstimate> IfFinite(ExtremeValueEstimate estimate) {

@@ -18,20 +18,6 @@ namespace {
 
 // Stages of the formulas, parameters as members; see vector_loops-inl.h.
 
-struct ExpFormula {
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
-    return Exp(d, t);
-  }
-};
-
-struct LogFormula {
-  template <class D, class V>
-  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
-    return Log(d, t);
-  }
-};
-
 struct Log1pFormula {
   template <class D, class V>
   HWY_INLINE V operator()(D d, V /*x*/, V t) const {
@@ -65,10 +51,10 @@ using In = std::span<const double>;
 using Out = std::span<double>;
 
 void ExpArray(In x, Out out) {
-  OverArray(x, out, ExpFormula{});
+  OverArray(x, out, ExpStage{});
 }
 void LogArray(In x, Out out) {
-  OverArray(x, out, LogFormula{});
+  OverArray(x, out, LogStage{});
 }
 void Log1pArray(In x, Out out) {
   OverArray(x, out, Log1pFormula{});
@@ -81,10 +67,10 @@ void NormalQuantileArray(In p, double location, double scale, Out out) {
 }
 
 double ExpOne(double x) {
-  return AtOne(x, ExpFormula{});
+  return AtOne(x, ExpStage{});
 }
 double LogOne(double x) {
-  return AtOne(x, LogFormula{});
+  return AtOne(x, LogStage{});
 }
 double NormalCdfOne(double x, double location, double scale) {
   return AtOne(x, NormalCdfFormula{location, scale});

@@ -31,6 +31,20 @@ HWY_INLINE V ForProbabilities(D d, V p, V result) {
 // arguments x and of what the stage before gave for them, t (x itself, for the first). Several short stages
 // over a block are faster than one long formula: the chains of more values fit into the processor's window.
 
+// Stages that are a function alone.
+struct ExpStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return Exp(d, t);
+  }
+};
+struct LogStage {
+  template <class D, class V>
+  HWY_INLINE V operator()(D d, V /*x*/, V t) const {
+    return Log(d, t);
+  }
+};
+
 inline constexpr std::size_t kBlock = 512;  // values at a time, that stay in the nearest cache
 
 // Two vectors at a time, so that neither waits for its own last step.

@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/numeric/estimation/centred_sample.h"
 #include "host/numeric/estimation/estimator_support.h"
 #include "host/numeric/estimation/mixture/mixture_climber.h"
 #include "host/numeric/estimation/mixture/mixture_starts.h"
@@ -189,16 +190,9 @@ EstimationResult<std::vector<double>> EstimateGaussianMixture(std::span<const do
   if (2 * count > data.size()) {
     return FaultAbout(EstimationFault::kTooManyComponents, components, static_cast<double>(data.size()));
   }
-  std::vector<double> sorted;
-  if (!std::ranges::is_sorted(data)) {
-    sorted.assign(data.begin(), data.end());
-    std::ranges::sort(sorted);
-    data = sorted;
-  }
-  if (data.front() == data.back()) return Fault{EstimationFault::kNoSpread};
-  const ScaledSample sample = ScaleFrom(data, data[data.size() / 2]);
-  if (estimation::IsAnyNotFinite(sample.values)) return Fault{EstimationFault::kNotFinite};
-
+  const auto centred = estimation::SortedAndCentred(data);
+  if (!centred) return centred.Reason();
+  const ScaledSample& sample = *centred;
   const double deviation = std::sqrt(MeanSquare(sample.values, Mean(sample.values)));
   const Candidate best = FitSorted(sample.values, count, deviation, poll);
   if (best.mixture.empty()) return FaultAbout(EstimationFault::kNoMaximum, components);
