@@ -240,6 +240,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"fit", "labels.csv", "--continuous", "a", "--weights", "t"}, 1, "Case weights should be integer."},
       {{"fit", "good.bvw", "--format", "xml"}, 2, "--format"},
       {{"export", "good.bvw", "-o", "good.bvw"}, 2, "expected a file ending in .csv, got good.bvw (-o)"},
+      {{"export", "renamed.csv", "-o", "renamed.csv"}, 2, "would replace renamed.csv, which is read (-o)"},
       {{"export", "good.bvw", "-o", "renamed.csv"},
        1,
        "a project is not replaced by a CSV file (renamed.csv)"},

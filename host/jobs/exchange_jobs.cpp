@@ -34,6 +34,7 @@ JobFaults ImportJob::Check() const {
   if (!kind.empty() && kind != kData && kind != kMatrix)
     faults.push_back({"kind", "expected data or matrix, got " + Quoted(kind)});
   if (!IsText(sheet)) faults.push_back({"sheet", "the name is not UTF-8 text"});
+  CheckTargetsApart({{"file", file}}, {{"output", output}}, faults);
   return faults;
 }
 
@@ -52,6 +53,7 @@ Spreadsheet ImportJob::Run(JobRecorder& recorder) const {
 JobFaults ExportJob::Check() const {
   JobFaults faults;
   CheckCsvTarget("output", output, faults);
+  CheckTargetsApart({{"source", SplitSheetAddress(source).first}}, {{"output", output}}, faults);
   return faults;
 }
 
