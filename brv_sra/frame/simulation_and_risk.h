@@ -1,5 +1,6 @@
 // The analysis object: the one thing that the host asks the module for. It owns what outlives a single dialog
-// and starts every dialog of the analysis through a fixed table of sequence steps.
+// and starts every dialog of the analysis through a fixed table of sequence steps. Every dialog sees the class, so that it is
+// declared here; the folder module/ defines it, as it opens all dialogs and holds the state of all.
 #pragma once
 
 #include <cstdint>
