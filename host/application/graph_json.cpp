@@ -47,6 +47,11 @@ Json BoxJson(const GraphBox& box) {
           {"outliers", box.outliers}};
 }
 
+// What has no number is null.
+Json CellsJson(const GraphCells& cells) {
+  return {{"name", cells.name}, {"columns", cells.columns}, {"rows", cells.rows}, {"values", cells.values}};
+}
+
 template <class Part>
 void AddParts(const char* name, const std::vector<Part>& parts, Json (*json)(const Part&), Json& graph) {
   if (parts.empty()) return;
@@ -68,7 +73,9 @@ Json GraphJson(const Graph& graph) {
   AddParts("bands", graph.bands, BandJson, json);
   AddParts("regions", graph.regions, RegionJson, json);
   AddParts("boxes", graph.boxes, BoxJson, json);
+  AddParts("cells", graph.cells, CellsJson, json);
   AddParts("panels", graph.panels, GraphJson, json);
+  if (graph.panelColumns > 0) json["panelColumns"] = graph.panelColumns;
   if (!graph.notes.empty()) json["notes"] = graph.notes;
   return json;
 }

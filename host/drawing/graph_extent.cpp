@@ -8,6 +8,8 @@ namespace {
 
 // How many times as high as the tallest bar a curve may be.
 constexpr double kMostHeight = 1.5;
+// The tallest bar stays below the frame.
+constexpr double kHeadroom = 1.02;
 
 Extent CurveHeights(std::span<const GraphSeries> curves, const Extent& bars) {
   Extent heights;
@@ -52,6 +54,7 @@ GraphExtent ExtentOf(const Graph& graph, std::span<const GraphSeries> curves) {
     extent.y.Add(0);
     extent.y.Add(bars.heights);
   }
+  extent.y.to *= kHeadroom;
   const Extent heights = CurveHeights(curves, extent.y);
   if (!heights.IsEmpty()) {
     extent.y.Add(heights.from);
@@ -75,7 +78,8 @@ GraphExtent ExtentOf(const Graph& graph, std::span<const GraphSeries> curves) {
   for (const GraphBox& box : graph.boxes) AddBox(box, extent.x);
   const bool hasPoints = std::ranges::any_of(
       graph.series, [](const GraphSeries& series) { return series.style == SeriesStyle::kPoints; });
-  if (graph.kind != GraphKind::kProbabilityPlot && (hasPoints || !graph.boxes.empty())) {
+  if (graph.kind != GraphKind::kProbabilityPlot && graph.bars.empty() &&
+      (hasPoints || !graph.boxes.empty())) {
     extent.x.Widen();
     extent.y.Widen();
   }

@@ -10,6 +10,7 @@
 #include "host/base/number_text.h"
 #include "host/drawing/axis_scale.h"
 #include "host/drawing/graph_extent.h"
+#include "host/drawing/heat_map.h"
 #include "host/drawing/text_fitting.h"
 #include "host/drawing/thinning.h"
 
@@ -42,8 +43,10 @@ bool IsReference(const Graph& graph, const GraphSeries& series) {
          (graph.kind == GraphKind::kProbabilityPlot || graph.kind == GraphKind::kQuantilePlot);
 }
 
+// With the minus sign that the labels of the axes have.
 std::string MarkerText(const GraphSeries& marker) {
-  return marker.name + " " + FormatNumber("%.6g", marker.x[0]);
+  const double value = marker.x[0];
+  return marker.name + (value < 0 ? " −" : " ") + FormatNumber("%.6g", std::abs(value));
 }
 
 // The names on the vertical axis of a graph that has such.
@@ -80,11 +83,30 @@ std::vector<std::string> LegendOf(const Graph& graph) {
   return names;
 }
 
+constexpr int kMostNameLines = 2;
+
+int NameRoom(int width, int columns) {
+  return (width - 2 * kPadding) / columns - kLegendIcon - 3 * kPadding;
+}
+
 int LegendColumns(const std::vector<std::string>& names, int width) {
   int widest = 1;
   for (const std::string& name : names)
     widest = std::max(widest, WidthOf(Shown(name), TextFont(kSmallSize)) + kLegendIcon + 3 * kPadding);
   return std::clamp((width - 2 * kPadding) / widest, 1, static_cast<int>(names.size()));
+}
+
+// A name that is wider than the legend takes two lines.
+int LegendLines(const std::vector<std::string>& names, int width) {
+  if (names.empty()) return 0;
+  const int columns = LegendColumns(names, width);
+  if (columns > 1) return (static_cast<int>(names.size()) + columns - 1) / columns;
+  int lines = 0;
+  for (const std::string& name : names) {
+    const QString text = Wrapped(Shown(name), TextFont(kSmallSize), NameRoom(width, 1), kMostNameLines);
+    lines += static_cast<int>(text.count(QLatin1Char('\n'))) + 1;
+  }
+  return lines;
 }
 
 QString NotesText(const Graph& graph, int width) {
@@ -152,10 +174,12 @@ class PanelPlot {
       AddLegend();
       AddNotes();
     }
-    ReserveMarkerRows();
+    ReserveMarkerRows(0);
     LayOut();
     // The room is known only now.
     ScaleAxes(rect_->size());
+    LayOut();
+    ReserveMarkerRows(MarkerRows());
     LayOut();
     PlaceMarkers();
     painter.save();
@@ -409,11 +433,25 @@ class PanelPlot {
     auto& points = Add<QCPGraph>(plot_.xAxis, plot_.yAxis);
     points.setName(Shown(curve.name));
     points.setAdaptiveSampling(false);
-    points.setPen(QPen(pen.color(), curve.x.size() > kMostStems ? 2 : 1));
+    points.setPen(QPen(pen.color(), curve.x.size() > kMostStems ? 2 : 1, pen.style(), Qt::FlatCap));
     if (curve.x.size() <= kMostStems)
-      points.setScatterStyle(QCPScatterStyle(QCPScatterStyle::ssCircle, pen.color(), pen.color(), 5));
+      points.setScatterStyle(QCPScatterStyle(ShapeOf(pen.style()), QPen(pen.color(), 1), pen.color(), 5));
     points.setData(QVector<double>(curve.x.begin(), curve.x.end()),
                    QVector<double>(curve.y.begin(), curve.y.end()), true);
+  }
+
+  // Points differ as the patterns of their lines do.
+  static QCPScatterStyle::ScatterShape ShapeOf(Qt::PenStyle pattern) {
+    switch (pattern) {
+      case Qt::DashLine:
+        return QCPScatterStyle::ssSquare;
+      case Qt::DotLine:
+        return QCPScatterStyle::ssTriangle;
+      case Qt::DashDotLine:
+        return QCPScatterStyle::ssDiamond;
+      default:
+        return QCPScatterStyle::ssCircle;
+    }
   }
 
   void AddBoxes() {
@@ -427,14 +465,21 @@ class PanelPlot {
       drawn.setPen(QPen(theme_.barEdge, 1));
       drawn.setWhiskerPen(QPen(theme_.faintText, 1));
       drawn.setWhiskerBarPen(QPen(theme_.faintText, 1));
-      drawn.setMedianPen(QPen(theme_.text, 2));
+      drawn.setMedianPen(Qt::NoPen);  // the line is clipped away in PDF
       drawn.setOutlierStyle(
           QCPScatterStyle(QCPScatterStyle::ssCircle, QPen(theme_.point, 0.5), theme_.point, 5));
       const double at = static_cast<double>(i) + 0.5;
       drawn.addData(at, box.lowerWhisker, box.lowerQuartile, box.median, box.upperQuartile, box.upperWhisker,
                     OutliersOf(box));
+      AddMedian(at, thickness / 2, box.median);
       AddMean(at, box.mean);
     }
+  }
+
+  void AddMedian(double at, double half, double median) {
+    auto& line = Add<QCPCurve>(plot_.yAxis, plot_.xAxis);
+    line.setPen(QPen(theme_.text, 2, Qt::SolidLine, Qt::FlatCap));
+    line.setData(QVector<double>{at - half, at + half}, QVector<double>{median, median});
   }
 
   QVector<double> OutliersOf(const GraphBox& box) const {
@@ -500,9 +545,10 @@ class PanelPlot {
     legend.setWrap(columns);
     legend.setFillOrder(QCPLegend::foColumnsFirst, true);
     legend.setVisible(true);
-    const int room = (style_.area.width() - 2 * kPadding) / columns - kLegendIcon - 3 * kPadding;
+    const int room = NameRoom(style_.area.width(), columns);
     for (int i = 0; i < plot_.plottableCount(); ++i)
-      plot_.plottable(i)->setName(Elided(plot_.plottable(i)->name(), TextFont(kSmallSize), room));
+      plot_.plottable(i)->setName(
+          Wrapped(plot_.plottable(i)->name(), TextFont(kSmallSize), room, kMostNameLines));
     // Letters reach below the line that the items are measured by. The last row may have empty places.
     for (int i = 0; i < legend.itemCount(); ++i) {
       if (legend.item(i) != nullptr) legend.item(i)->setMargins(QMargins(2, 0, 2, 3));
@@ -532,13 +578,10 @@ class PanelPlot {
     plot_.plotLayout()->setMargins(QMargins(0, 0, 0, 0));
   }
 
-  // Labels of markers stand above the plot, in rows where they are close to each other.
-  void ReserveMarkerRows() {
+  void ReserveMarkerRows(std::size_t rows) {
     if (style_.isCell) return;
-    const auto markers = std::ranges::count_if(graph_.series, IsMarker);
     const int line = LineHeightOf(TextFont(kSmallSize));
-    rect_->setMinimumMargins(
-        QMargins(kPadding, static_cast<int>(markers) * line + 4, 2 * kPadding, kPadding));
+    rect_->setMinimumMargins(QMargins(kPadding, static_cast<int>(rows) * line + 4, 2 * kPadding, kPadding));
   }
 
   void LayOut() {
@@ -547,27 +590,47 @@ class PanelPlot {
       plot_.plotLayout()->update(phase);
   }
 
-  void PlaceMarkers() {
-    if (style_.isCell) return;
+  struct MarkerLabel {
+    QString text;
+    double centre;
+    std::size_t row;  // from the plot up
+  };
+
+  // Labels of markers stand above the plot, in rows where they are close to each other.
+  std::vector<MarkerLabel> MarkerLabels() const {
     const QFont font = TextFont(kSmallSize);
-    const int line = LineHeightOf(font);
-    std::vector<double> rowEnds;  // where the last label of each row ends
     std::vector<const GraphSeries*> markers;
     for (const GraphSeries& series : graph_.series) {
       if (IsMarker(series)) markers.push_back(&series);
     }
     std::ranges::sort(markers, {}, [](const GraphSeries* marker) { return marker->x[0]; });
+    std::vector<double> rowEnds;  // where the last label of each row ends
+    std::vector<MarkerLabel> labels;
     for (const GraphSeries* marker : markers) {
       const QString text = Elided(Shown(MarkerText(*marker)), font, rect_->width());
       const double half = WidthOf(text, font) / 2.0 + 3;
       const double centre = std::clamp(plot_.xAxis->coordToPixel(marker->x[0]), rect_->left() - 20 + half,
                                        rect_->right() + 10 - half);
       const auto row = std::ranges::find_if(rowEnds, [&](double end) { return end <= centre - half; });
-      const auto place = static_cast<int>(row - rowEnds.begin());
+      const auto place = static_cast<std::size_t>(row - rowEnds.begin());
       if (row == rowEnds.end()) rowEnds.push_back(0);
-      rowEnds[static_cast<std::size_t>(place)] = centre + half;
-      AddMarkerText(text, QPointF(centre, rect_->top() - 2 - place * line));
+      rowEnds[place] = centre + half;
+      labels.push_back({text, centre, place});
     }
+    return labels;
+  }
+
+  std::size_t MarkerRows() const {
+    std::size_t rows = 0;
+    for (const MarkerLabel& label : MarkerLabels()) rows = std::max(rows, label.row + 1);
+    return rows;
+  }
+
+  void PlaceMarkers() {
+    if (style_.isCell) return;
+    const int line = LineHeightOf(TextFont(kSmallSize));
+    for (const MarkerLabel& label : MarkerLabels())
+      AddMarkerText(label.text, QPointF(label.centre, rect_->top() - 2 - static_cast<int>(label.row) * line));
   }
 
   void AddMarkerText(const QString& text, const QPointF& at) {
@@ -610,12 +673,11 @@ void PaintText(const Graph& graph, const Theme& theme, const QRect& area, QCPPai
 }  // namespace
 
 int HeightOf(const Graph& graph, int width) {
+  if (!graph.cells.empty()) return HeatMapHeight(graph, width);
   const auto categories = static_cast<int>(CategoriesOf(graph).size());
   const int plot =
       categories > 0 ? std::max(kLeastPlotHeight, categories * kCategoryHeight) : kUsualPlotHeight;
-  const std::vector<std::string> legend = LegendOf(graph);
-  const int columns = legend.empty() ? 1 : LegendColumns(legend, width);
-  const int rows = (static_cast<int>(legend.size()) + columns - 1) / columns;
+  const int rows = LegendLines(LegendOf(graph), width);
   const QString notes = NotesText(graph, width);
   const int lines = rows + (notes.isEmpty() ? 0 : static_cast<int>(notes.count(QLatin1Char('\n'))) + 1);
   const auto markers = static_cast<int>(std::ranges::count_if(graph.series, IsMarker));
@@ -624,6 +686,7 @@ int HeightOf(const Graph& graph, int width) {
 }
 
 void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style, QCPPainter& painter) {
+  if (!graph.cells.empty()) return PaintHeatMap(graph, theme, style.area, painter);
   if (graph.kind == GraphKind::kText || !HasValues(graph))
     return PaintText(graph, theme, style.area, painter);
   PanelPlot(graph, theme, style).Paint(painter);

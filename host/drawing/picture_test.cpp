@@ -13,8 +13,10 @@
 #include "host/base/error.h"
 #include "host/drawing/svg_support_test.h"
 #include "host/graphs/box_plot.h"
+#include "host/graphs/correlation_map.h"
 #include "host/graphs/histogram_graph.h"
 #include "host/graphs/probability_plots.h"
+#include "host/graphs/scatter_matrix.h"
 
 namespace brenvolt {
 namespace {
@@ -189,6 +191,61 @@ TEST(Picture, ABoxShowsItsQuartilesMedianAndOutliers) {
   EXPECT_NEAR(outliers[1].points[0].x, PlaceOnX(picture, 30, "0", "30"), 2 * kPixel);
 }
 
+TEST(Picture, TheMedianOfABoxIsALineOfItsOwn) {
+  const Graph graph = BoxPlot(kValues, {"Box plot of Yield", "", "Yield", "Yield", ""});
+  const SvgPicture picture = DrawSvg(graph);
+  const std::vector<SvgShape> lines = picture.Lines("#222222");
+  const auto median =
+      std::ranges::find_if(lines, [](const SvgShape& line) { return line.box.left == line.box.right; });
+  ASSERT_NE(median, lines.end());
+  EXPECT_NEAR(median->box.left, PlaceOnX(picture, graph.boxes[0].median, "4", "16"), 2 * kPixel);
+  const SvgShape box = picture.Filled(kBar, "rect").front();
+  EXPECT_NEAR(median->box.top, box.box.top, 2 * kPixel);
+  EXPECT_NEAR(median->box.bottom, box.box.bottom, 2 * kPixel);
+}
+
+TEST(Picture, CurvesOfWholeNumbersDifferInPatternAsWell) {
+  Graph graph = Histogram();
+  graph.curves = {{"one", "x", 0, 80, true}, {"two", "2*x", 0, 80, true}};
+  const SvgPicture picture = DrawSvg(graph);
+  ASSERT_FALSE(picture.Lines(kFirstLine).empty());
+  ASSERT_FALSE(picture.Lines(kPoint).empty());
+  EXPECT_NE(picture.Lines(kFirstLine).front().dashes, picture.Lines(kPoint).front().dashes);
+}
+
+TEST(Picture, ALongNameInTheLegendTakesTwoLines) {
+  Graph graph = Histogram();
+  graph.curves[0].name = "General Extreme Value(location=3.8747, scale=0.1980, shape=-0.0501)";
+  const SvgPicture picture = DrawSvg(graph, 400);
+  EXPECT_NE(picture.Find("General Extreme Value(location=3.8747, scale=0.1980,"), nullptr);
+  EXPECT_NE(picture.Find("shape=-0.0501)"), nullptr);
+  EXPECT_EQ(picture.Collisions(), std::vector<std::string>{});
+}
+
+Graph Map(std::size_t variables) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < variables; ++i) names.push_back("variable number " + std::to_string(i));
+  const auto correlation = [](std::size_t row, std::size_t column) {
+    return row + column == 1 ? std::nan("") : row > column ? 0.75 : -0.5;
+  };
+  return CorrelationMap(names, correlation, "Correlations");
+}
+
+TEST(Picture, CellsOfAHeatMapHaveTheirNumbersAndColours) {
+  const SvgPicture picture = DrawSvg(Map(4), 640);
+  // From white to #0072b2 and to #d55e00, as far as the magnitude.
+  EXPECT_EQ(picture.Filled("#4095c5", "rect").size() + picture.Filled("#4095c5").size(), 5u);
+  EXPECT_EQ(std::ranges::count(picture.texts, "0.75", &SvgText::text), 5);
+  EXPECT_EQ(std::ranges::count(picture.texts, "−0.50", &SvgText::text), 5);
+  EXPECT_EQ(std::ranges::count(picture.texts, "1.00", &SvgText::text), 4);
+  const auto cell = std::ranges::find(picture.texts, "0.75", &SvgText::text);
+  const SvgText* row = picture.Find("variable number 2");
+  ASSERT_NE(row, nullptr);
+  EXPECT_NEAR(cell->box.top, row->box.top, 3);
+  EXPECT_EQ(DrawSvg(Map(100), 640).Find("0.75"), nullptr);
+  EXPECT_NE(DrawSvg(Map(200), 640).Find("the first 100 of 200 variables are shown"), nullptr);
+}
+
 Graph LongNames() {
   Graph graph = WithLimits(9.9, 10, 10.1);
   graph.title =
@@ -216,6 +273,82 @@ Graph Summary() {
       lines, "Summary of Yield");
 }
 
+Graph Pairs(std::size_t variables) {
+  std::vector<std::vector<double>> values;
+  for (std::size_t i = 0; i < variables; ++i) {
+    values.push_back(kValues);
+    std::rotate(values.back().begin(), values.back().begin() + static_cast<std::ptrdiff_t>(40 * i),
+                values.back().end());
+  }
+  std::vector<ScatterVariable> columns;
+  for (std::size_t i = 0; i < variables; ++i)
+    columns.push_back({"variable of a long name " + std::to_string(i), values[i]});
+  const auto text = [](std::size_t, std::size_t) {
+    return std::vector<std::string>{"reached 0.123", "asked 0.150"};
+  };
+  return ScatterMatrix(columns, text, "Rank correlations");
+}
+
+TEST(Picture, PointsOfAScatterMatrixShareTheScalesOfTheirColumnsAndRows) {
+  const Graph graph = Pairs(2);
+  const SvgPicture picture = DrawSvg(graph);
+  const std::vector<SvgShape> points = picture.Filled(kPoint, "circle");
+  ASSERT_EQ(points.size(), kValues.size());
+  const GraphSeries& series = graph.panels[2].series[0];
+  const auto [low, high] =
+      std::ranges::minmax_element(points, {}, [](const SvgShape& p) { return p.points[0].x; });
+  const auto [least, most] = std::ranges::minmax(series.x);
+  for (const SvgShape& bar : picture.Filled(kBar)) EXPECT_GE(bar.box.right, low->points[0].x - 2 * kPixel);
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    const double share = (series.x[i] - least) / (most - least);
+    EXPECT_NEAR(points[i].points[0].x, std::lerp(low->points[0].x, high->points[0].x, share), kPixel) << i;
+  }
+}
+
+TEST(Picture, StepsRiseAtTheirValues) {
+  Graph graph;
+  graph.kind = GraphKind::kEmpiricalDistribution;
+  graph.title = "Empirical distribution";
+  graph.series = {{"Observed", SeriesStyle::kSteps, {10, 20, 40}, {0.25, 0.75, 1}}};
+  const SvgPicture picture = DrawSvg(graph);
+  const std::vector<SvgShape> lines = picture.Lines(kPoint);
+  ASSERT_FALSE(lines.empty());
+  const SvgShape& steps = lines.front();
+  const double height = steps.box.bottom - steps.box.top;
+  std::vector<std::pair<double, double>> corners;  // where the line rises, and from what part of its height
+  for (std::size_t i = 1; i < steps.points.size(); ++i) {
+    if (std::abs(steps.points[i].y - steps.points[i - 1].y) > kPixel)
+      corners.emplace_back(steps.points[i].x, (steps.box.bottom - steps.points[i].y) / height);
+  }
+  ASSERT_EQ(corners.size(), 3u);
+  const double x[] = {10, 20, 40};
+  const double y[] = {0.25, 0.75, 1};
+  for (std::size_t i = 0; i < 3; ++i) {
+    EXPECT_NEAR(corners[i].first, PlaceOnX(picture, x[i], "10", "40"), 2 * kPixel) << i;
+    EXPECT_NEAR(corners[i].second, y[i], 0.01) << i;
+  }
+}
+
+TEST(Picture, ABandReachesFromItsLowerToItsUpperEdge) {
+  Graph graph;
+  graph.kind = GraphKind::kProfile;
+  graph.title = "Profile";
+  graph.series = {{"Mean", SeriesStyle::kLine, {0, 10}, {2, 2}}};
+  graph.bands = {{"Band", {0, 10}, {1, 0}, {3, 4}}};
+  const SvgPicture picture = DrawSvg(graph);
+  const SvgText* low = picture.Find("0");
+  ASSERT_NE(low, nullptr);
+  std::vector<SvgShape> fills = picture.Filled(kPoint);
+  ASSERT_FALSE(fills.empty());
+  const SvgBox& band = fills.front().box;
+  const std::vector<SvgShape> mean = picture.Lines(kFirstLine);
+  ASSERT_FALSE(mean.empty());
+  const double middle = mean.front().box.top;
+  EXPECT_NEAR(band.bottom - middle, middle - band.top, kPixel);
+  EXPECT_NEAR(band.left, mean.front().box.left, kPixel);
+  EXPECT_NEAR(band.right, mean.front().box.right, kPixel);
+}
+
 TEST(Picture, NoTextLiesOnAnotherOrLeavesThePicture) {
   const struct {
     const char* name;
@@ -223,7 +356,9 @@ TEST(Picture, NoTextLiesOnAnotherOrLeavesThePicture) {
   } kRows[] = {{"histogram", Histogram()}, {"limits", WithLimits(7, 7.4, 13)},
                {"long", LongNames()},      {"summary", Summary()},
                {"tornado", Tornado(8)},    {"hundred", Tornado(100)},
-               {"many", Tornado(1000)}};
+               {"many", Tornado(1000)},    {"map", Map(3)},
+               {"wide map", Map(100)},     {"pairs", Pairs(3)},
+               {"ten pairs", Pairs(10)}};
   for (const auto& row : kRows) {
     for (const int width : {0, 480, 640, 1200}) {
       const SvgPicture picture = DrawSvg(row.graph, width);
@@ -363,7 +498,8 @@ TEST(PictureReference, PicturesLookAsTheyDid) {
     PictureTheme theme;
   } kRows[] = {{"histogram", WithLimits(7, 10, 13), PictureTheme::kLight},
                {"summary", Summary(), PictureTheme::kDark},
-               {"tornado", Tornado(6), PictureTheme::kLight}};
+               {"tornado", Tornado(6), PictureTheme::kLight},
+               {"pairs", Pairs(2), PictureTheme::kLight}};
   for (const auto& row : kRows) {
     const std::string file = std::string(BRENVOLT_SOURCE_DIR "/host/drawing/reference/") + row.name + ".png";
     const std::string bytes = DrawPictures({&row.graph, 1}, {PictureFormat::kPng, row.theme, 640});

@@ -11,7 +11,7 @@
 namespace brenvolt {
 namespace {
 
-constexpr std::array<std::string_view, 13> kKindNames{"histogram",
+constexpr std::array<std::string_view, 14> kKindNames{"histogram",
                                                       "cumulative-histogram",
                                                       "pp",
                                                       "qq",
@@ -23,6 +23,7 @@ constexpr std::array<std::string_view, 13> kKindNames{"histogram",
                                                       "fit-comparison",
                                                       "scatter-matrix",
                                                       "scatter",
+                                                      "heat-map",
                                                       "text"};
 
 // Columns of unequal lengths, made into a sheet once the longest is known.
@@ -80,6 +81,22 @@ constexpr BoxColumn kBoxColumns[] = {{" lower whisker", &GraphBox::lowerWhisker}
                                      {" upper whisker", &GraphBox::upperWhisker},
                                      {" mean", &GraphBox::mean}};
 
+// A spreadsheet holds no infinite numbers.
+double FiniteOrMissing(double value) {
+  return std::isfinite(value) ? value : GetDefaultMDValue();
+}
+
+void AddCells(const GraphCells& cells, const std::string& prefix, Columns& columns) {
+  const std::size_t width = cells.columns.size();
+  columns.AddText(prefix + cells.name, cells.rows);
+  for (std::size_t column = 0; column < width; ++column) {
+    std::vector<double> values;
+    for (std::size_t row = 0; row < cells.rows.size(); ++row)
+      values.push_back(FiniteOrMissing(cells.values[row * width + column]));
+    columns.Add(prefix + cells.columns[column], std::move(values));
+  }
+}
+
 void AddSeries(const GraphSeries& series, const std::string& name, Columns& columns) {
   columns.Add(name + " x", series.x);
   columns.Add(name + " y", series.y);
@@ -105,13 +122,14 @@ void AddColumns(const Graph& graph, const std::string& prefix, Columns& columns)
     columns.Add(prefix + band.name + " upper", band.upper);
   }
   for (const GraphRegion& region : graph.regions) {
-    columns.Add(prefix + region.name + " from", {region.from});
-    columns.Add(prefix + region.name + " to", {region.to});
+    columns.Add(prefix + region.name + " from", {FiniteOrMissing(region.from)});
+    columns.Add(prefix + region.name + " to", {FiniteOrMissing(region.to)});
   }
   for (const GraphBox& box : graph.boxes) {
     for (const auto& [name, member] : kBoxColumns) columns.Add(prefix + box.name + name, {box.*member});
     columns.Add(prefix + box.name + " outliers", box.outliers);
   }
+  for (const GraphCells& cells : graph.cells) AddCells(cells, prefix, columns);
   for (const Graph& panel : graph.panels) AddColumns(panel, prefix + panel.title + ": ", columns);
 }
 

@@ -1,8 +1,8 @@
 // A graph as data: what is to be drawn, with its titles, and nothing about how. Whoever draws it, prints it
 // as JSON or puts it into a spreadsheet reads these plain structures.
 //
-// A graph holds any mix of bars, series, curves, bands, regions and boxes over common axes; the kind says what it
-// is, and with it what a reader may expect (histogram_graph.h, probability_plots.h, box_plot.h,
+// A graph holds any mix of bars, series, curves, bands, regions and boxes over common axes, or a table of cells; the
+// kind says what it is, and with it what a reader may expect (histogram_graph.h, probability_plots.h, box_plot.h,
 // scatter_matrix.h make them).
 #pragma once
 
@@ -30,12 +30,13 @@ enum class GraphKind : std::uint8_t {
   kFitComparison,  // a histogram with the curves of several fits
   kScatterMatrix,  // panels for every pair of variables
   kScatter,        // one variable against another
+  kHeatMap,        // a table of numbers, each in its colour
   kText            // notes alone
 };
 
 // The name of a kind in output that programs read: "histogram", "cumulative-histogram", "pp", "qq",
 // "empirical-distribution", "box-plot", "summary", "profile", "tornado", "fit-comparison", "scatter-matrix",
-// "scatter", "text".
+// "scatter", "heat-map", "text".
 std::string_view GraphKindName(GraphKind kind);
 
 // Adjoining bars: bar i reaches from bounds[i] to bounds[i + 1] and up to heights[i].
@@ -94,6 +95,14 @@ struct GraphBox {
   std::vector<double> outliers;  // ascending
 };
 
+// A table of numbers from -1 to 1, row by row; NaN where there is none.
+struct GraphCells {
+  std::string name;
+  std::vector<std::string> columns;
+  std::vector<std::string> rows;
+  std::vector<double> values;
+};
+
 struct Graph {
   GraphKind kind = GraphKind::kHistogram;
   std::string title;
@@ -105,6 +114,7 @@ struct Graph {
   std::vector<GraphBand> bands;
   std::vector<GraphRegion> regions;
   std::vector<GraphBox> boxes;
+  std::vector<GraphCells> cells;
   std::vector<Graph> panels;
   // What a reader must know of the data shown ("2200 of 1000000 points are shown").
   std::vector<std::string> notes;

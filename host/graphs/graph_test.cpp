@@ -7,6 +7,7 @@
 
 #include "host/base/error.h"
 #include "host/graphs/box_plot.h"
+#include "host/graphs/correlation_map.h"
 #include "host/graphs/histogram_graph.h"
 
 namespace brenvolt {
@@ -46,6 +47,25 @@ TEST(GraphTable, BandsAndRegionsAreColumns) {
   EXPECT_EQ(table->VariableAt(*table->FindVariable("Spread lower")).Values()[2], 3);
   EXPECT_EQ(table->VariableAt(*table->FindVariable("Spread upper")).Values()[0], 4);
   EXPECT_EQ(table->VariableAt(*table->FindVariable("Outside from")).Values()[0], 2);
+  EXPECT_TRUE(table->VariableAt(*table->FindVariable("Outside to")).IsMissing(0)) << "it is infinite";
+}
+
+TEST(CorrelationMap, HasACellForEachPairAndAColumnOfEachVariable) {
+  const auto correlation = [](std::size_t row, std::size_t column) {
+    return row > column ? 0.25 : std::nan("");
+  };
+  const Graph graph = CorrelationMap({"a", "b"}, correlation, "Correlations");
+  EXPECT_EQ(graph.cells[0].values[2], 0.25);
+  EXPECT_TRUE(std::isnan(graph.cells[0].values[1]));
+  const auto table = GraphTable(graph);
+  EXPECT_EQ(table->VariableAt(*table->FindVariable("a")).Values()[1], 0.25);
+  EXPECT_TRUE(table->VariableAt(*table->FindVariable("b")).IsMissing(0));
+  EXPECT_EQ(table->VariableAt(*table->FindVariable("b")).Values()[1], 1);
+  EXPECT_EQ(table->VariableAt(0).Label(2), "b");
+  EXPECT_THROW(CorrelationMap({}, correlation, ""), Error);
+  const Graph many = CorrelationMap(std::vector<std::string>(150, "x"), correlation, "");
+  EXPECT_EQ(many.cells[0].rows.size(), kMostMapped);
+  EXPECT_EQ(many.notes, std::vector<std::string>{"the first 100 of 150 variables are shown"});
 }
 
 TEST(SampleCurve, CoversItsRangeAndKeepsToWholeNumbers) {

@@ -195,5 +195,26 @@ TEST(EqualCountClasses, TiesStayTogetherAndNoClassIsEmpty) {
   }
 }
 
+TEST(SpearmanMatrix, HasWhatTheTestOfEachPairHas) {
+  constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+  const std::vector<double> x{1, 5, 3, 3, 9, 2};
+  const std::vector<double> y{2, 4, 4, 1, 7, 7};
+  const std::vector<double> gaps{2, kNan, 4, 1, 7, 6};
+  const std::vector<double> constant(6, 1);
+  for (const auto& third : {constant, gaps}) {
+    const std::vector<std::span<const double>> columns{x, y, third};
+    const std::vector<double> matrix = SpearmanMatrix(columns);
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < i; ++j) {
+        const double expected = SpearmanTest(columns[i], columns[j]).coefficient;
+        if (IsNotSet(expected)) continue;
+        EXPECT_EQ(matrix[i * 3 + j], matrix[j * 3 + i]) << i << j;
+        EXPECT_NEAR(matrix[i * 3 + j], expected, 1e-15) << i << j;
+      }
+    }
+  }
+  EXPECT_TRUE(std::isnan(SpearmanMatrix(std::vector<std::span<const double>>{x, constant})[1]));
+}
+
 }  // namespace
 }  // namespace brenvolt

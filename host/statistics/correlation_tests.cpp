@@ -4,6 +4,7 @@
 #include <array>
 #include <boost/math/distributions/students_t.hpp>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "host/numeric/algebra/correlation.h"
@@ -64,6 +65,34 @@ CorrelationTest SpearmanTest(std::span<const double> x, std::span<const double> 
   AverageRanks(pairs.y, ranks);
   pairs.y.swap(ranks);
   return Correlate(pairs);
+}
+
+std::vector<double> SpearmanMatrix(std::span<const std::span<const double>> columns) {
+  const std::size_t k = columns.size();
+  std::vector<double> matrix(k * k);
+  const bool isComplete = std::ranges::all_of(columns, [](std::span<const double> column) {
+    return std::ranges::none_of(column, [](double x) { return std::isnan(x); });
+  });
+  if (isComplete && k > 0 && columns.front().size() > 1) {
+    const std::size_t n = columns.front().size();
+    std::vector<double> rows(n * k);
+    std::vector<double> ranks(n);
+    for (std::size_t j = 0; j < k; ++j) {
+      AverageRanks(columns[j], ranks);
+      for (std::size_t i = 0; i < n; ++i) rows[i * k + j] = ranks[i];
+    }
+    PearsonCorrelation(rows, n, k, matrix);
+    return matrix;
+  }
+  for (std::size_t i = 0; i < k; ++i) {
+    matrix[i * k + i] = 1;
+    for (std::size_t j = 0; j < i; ++j) {
+      const double coefficient = SpearmanTest(columns[i], columns[j]).coefficient;
+      matrix[i * k + j] = matrix[j * k + i] =
+          IsNotSet(coefficient) ? std::numeric_limits<double>::quiet_NaN() : coefficient;
+    }
+  }
+  return matrix;
 }
 
 }  // namespace brenvolt

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <span>
+#include <vector>
 
 #include "host/base/almost_equal.h"
 
@@ -21,6 +22,10 @@ struct CorrelationTest {
 //
 // Spearman's coefficient: Pearson's of the ranks, equal values sharing the mean of their ranks.
 CorrelationTest SpearmanTest(std::span<const double> x, std::span<const double> y);
+
+// Spearman's coefficients of all pairs of columns of one length, row by row. A pair is taken over the cases in which
+// neither value is NaN; NaN where the coefficient is not set.
+std::vector<double> SpearmanMatrix(std::span<const std::span<const double>> columns);
 
 // The p-value of a coefficient over `count` cases, as above.
 double CorrelationPValue(double coefficient, std::int64_t count);
