@@ -11,6 +11,8 @@
 namespace brenvolt {
 namespace {
 
+constexpr std::size_t kMostShown = kShownByRank + 2 * kShownOfEachTail + 400;
+
 TEST(BoxPlot, QuartilesWhiskersAndOutliersAgreeWithR) {
   struct Case {
     std::vector<double> sample;
@@ -36,7 +38,7 @@ TEST(BoxPlot, ManyOutliersAreThinnedWithTheExtremesKept) {
   for (std::size_t i = 90000; i < sorted.size(); ++i) sorted[i] = static_cast<double>(i);
   const Graph graph = BoxPlot(sorted, {.dataName = "x"});
   const std::vector<double>& shown = graph.boxes[0].outliers;
-  EXPECT_LE(shown.size(), kShownByRank + 2 * kShownOfEachTail);
+  EXPECT_LE(shown.size(), kMostShown);
   EXPECT_EQ(shown.front(), 90000);
   EXPECT_EQ(shown.back(), 99999);
   ASSERT_EQ(graph.notes.size(), 1U);
@@ -51,12 +53,22 @@ TEST(BoxPlot, RefusesEmptyUnsortedAndNonFiniteSamples) {
   }
 }
 
+TEST(ShownRanks, DistancesGrowSlowlyFromTheTailsInwards) {
+  for (const std::size_t count : {100'000u, 10'000'000u}) {
+    const std::vector<std::size_t> ranks = ShownRanks(count);
+    for (std::size_t i = 1; ranks[i] < count / 2; ++i) {
+      const auto former = static_cast<double>(std::max(ranks[i - 1], kShownOfEachTail));
+      ASSERT_LE(static_cast<double>(ranks[i] - ranks[i - 1]), 0.05 * former) << ranks[i];
+    }
+  }
+}
+
 TEST(ShownRanks, AreAllOfASmallSampleAndKeepTheTailsOfALargeOne) {
   EXPECT_EQ(ShownRanks(3), (std::vector<std::size_t>{0, 1, 2}));
   EXPECT_TRUE(ShownRanks(0).empty());
   for (const std::size_t count : {std::size_t{2200}, std::size_t{2201}, std::size_t{1000000}}) {
     const std::vector<std::size_t> ranks = ShownRanks(count);
-    EXPECT_LE(ranks.size(), kShownByRank + 2 * kShownOfEachTail);
+    EXPECT_LE(ranks.size(), kMostShown);
     EXPECT_GE(ranks.size(), kShownByRank);
     for (std::size_t i = 0; i < kShownOfEachTail; ++i) {
       EXPECT_EQ(ranks[i], i);

@@ -72,7 +72,7 @@ TEST(ProbabilityPlots, LargeSampleIsThinnedAtItsOwnPositionsAndSaysSo) {
   for (const Graph& graph :
        {ProbabilityPlot(sorted, identity, kTexts), QuantilePlot(sorted, identity, kTexts)}) {
     const GraphSeries& points = graph.series[0];
-    EXPECT_LE(points.x.size(), 2200U);
+    EXPECT_LE(points.x.size(), 2600U);
     EXPECT_EQ(points.x, points.y);
     EXPECT_EQ(points.x.front(), sorted.front());
     EXPECT_EQ(points.x.back(), sorted.back());

@@ -8,6 +8,13 @@
 
 namespace brenvolt {
 
+namespace {
+
+// Beside the tails the distance to the next rank is the rank over this.
+constexpr std::size_t kRanksOfStep = 25;
+
+}  // namespace
+
 void RequireSorted(std::span<const double> values, const char* where) {
   if (values.empty()) throw Error("expected at least one value", where);
   if (!std::ranges::all_of(values, [](double x) { return std::isfinite(x); })) {
@@ -28,6 +35,12 @@ std::vector<std::size_t> ShownRanks(std::size_t count) {
     ranks.push_back(count - 1 - i);
   }
   const double step = static_cast<double>(count - 1) / (kShownByRank - 1);
+  // Their distance grows inwards, so that no gap stands beside the tails.
+  for (std::size_t i = kShownOfEachTail; static_cast<double>(i) < step * kRanksOfStep;
+       i += std::max<std::size_t>(1, i / kRanksOfStep)) {
+    ranks.push_back(i);
+    ranks.push_back(count - 1 - i);
+  }
   for (std::size_t i = 0; i < kShownByRank; ++i) {
     ranks.push_back(
         std::min(static_cast<std::size_t>(std::llround(static_cast<double>(i) * step)), count - 1));

@@ -12,7 +12,7 @@ namespace brenvolt {
 void RequireSorted(std::span<const double> values, const char* where);
 
 // Of a larger sample only some order statistics are shown: this many of each tail, where fits fail and single
-// values matter, and this many evenly spaced by rank over all.
+// values matter, some whose distances grow from there inwards, and this many evenly spaced by rank over all.
 inline constexpr std::size_t kShownOfEachTail = 100;
 inline constexpr std::size_t kShownByRank = 2000;
 
