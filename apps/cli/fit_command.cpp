@@ -126,7 +126,7 @@ void Fit(const FitCall& call) {
   }
   if (call.format == ReportFormat::kTable) ReportPlot(job.plot);
   if (call.format == ReportFormat::kTable && call.chart)
-    PrintCharts(FitPlots(*run.session->Dialog(), {{}, "histogram", {}, {}}));
+    PrintCharts(FitPlots(*run.session->Dialog(), *run.sheet, {{}, "histogram", {}, {}}));
   recording.Commit();
 }
 

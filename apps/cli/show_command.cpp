@@ -29,6 +29,7 @@ struct ShowOptions {
   std::filesystem::path project;
   std::string sheet;
   Plot plot;
+  std::string plotMatrix;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -200,16 +201,26 @@ void ShowSheet(const ShowOptions& options, const Spreadsheet& sheet) {
   json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
 }
 
+// What the matrix of that name asks for.
+DataOrigin OriginOf(const std::string& matrix, const Workbook& workbook) {
+  DataOrigin origin;
+  if (!matrix.empty()) TakeAsked(*NamedMatrix(matrix, workbook, "matrix " + matrix), origin);
+  return origin;
+}
+
 // A picture is that of the sheet, or of the first one with data.
 void Show(const ShowOptions& options) {
   JobFaults faults;
   CheckPlot(options.plot, kDataPlotKinds, faults);
+  if (!options.plotMatrix.empty() && !options.plot.IsAsked())
+    faults.push_back({"plotMatrix", "there is no picture without a file for it"});
   CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}}, faults);
   RequireNone(std::move(faults));
   DataFile project = OpenProject(options.project);
   if (options.plot.IsAsked()) {
     const Spreadsheet& drawn = project.Sheet(options.sheet);
-    WritePlot(options.plot, drawn.Name(), DataPlots(drawn, options.plot.Kind()));
+    WritePlot(options.plot, drawn.Name(),
+              DataPlots(drawn, options.plot.Kind(), OriginOf(options.plotMatrix, project.workbook)));
   }
   const bool json = options.format == ReportFormat::kJson;
   if (!options.sheet.empty()) {
@@ -229,6 +240,12 @@ void AddShowCommand(CLI::App& program) {
   command->add_option("SHEET", options->sheet,
                       "Sheet whose variables and properties, or correlations, are shown");
   AddPlotOptions(*command, options->plot, kDataPlotKinds);
+  command
+      ->add_option(
+          "--plot-matrix", options->plotMatrix,
+          "With --plot of simulated data, the correlations that were asked for: a sheet of the project, a "
+          "CSV file, or PROJECT.bvw[:SHEET]")
+      ->type_name("SHEET|FILE");
   AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
   command->callback([options] { Show(*options); });

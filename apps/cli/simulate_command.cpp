@@ -99,7 +99,7 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
   ReportPlot(call.job.plot);
-  if (call.job.keepsTable) PrintCharts(DataPlots(run.output->Table(), "histogram"));
+  if (call.job.keepsTable) PrintCharts(DataPlots(run.output->Table(), "histogram", call.job.Origin(run)));
 }
 
 // The data are written before anything is reported, so that a report stands for a finished job.
@@ -145,7 +145,7 @@ void AddSimulateCommand(CLI::App& program) {
           "Where the data go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the first "
           "two take any number of samples of the methods without correlation")
       ->type_name("OUT");
-  AddPlotOptions(*command, job.plot, kSimulationPlotKinds);
+  AddPlotOptions(*command, job.plot, kDataPlotKinds);
   AddChartOption(*command, job.keepsTable);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

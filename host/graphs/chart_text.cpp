@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -38,16 +40,46 @@ std::vector<ChartRow> RowsOf(const GraphBars& bars) {
   return rows;
 }
 
-// What the curve has in the middle of each class, where classes were joined of all of them.
-void AddExpected(const GraphBars& bars, const GraphCurve& curve, std::vector<ChartRow>& rows) {
-  Curve function(curve.formula, curve.name);
+// Between the points of a line, and 0 beyond them.
+double ValueAt(const GraphSeries& line, double x) {
+  const auto above = std::ranges::lower_bound(line.x, x);
+  if (above == line.x.end() || (above == line.x.begin() && *above > x)) return 0;
+  const auto i = static_cast<std::size_t>(above - line.x.begin());
+  if (i == 0 || line.x[i] == x) return line.y[i];
+  return std::lerp(line.y[i - 1], line.y[i], (x - line.x[i - 1]) / (line.x[i] - line.x[i - 1]));
+}
+
+// What is expected in a class, by its middle.
+struct Expectation {
+  std::string name;
+  std::function<double(double)> at;
+};
+
+// Of the curve, else of the line or the points over the bars; nothing for lines that mark a limit.
+std::optional<Expectation> ExpectationOf(const Graph& histogram) {
+  if (!histogram.curves.empty()) {
+    const GraphCurve& curve = histogram.curves.front();
+    const auto function = std::make_shared<Curve>(curve.formula, curve.name);
+    const bool isWhole = curve.wholeNumbers;
+    return Expectation{curve.name, [function, isWhole](double middle) {
+                         return function->At(isWhole ? std::round(middle) : middle);
+                       }};
+  }
+  for (const GraphSeries& series : histogram.series) {
+    const bool isLimit = series.x.size() == 2 && series.x[0] == series.x[1];
+    if (isLimit || series.x.empty()) continue;
+    return Expectation{series.name, [&series](double middle) { return ValueAt(series, middle); }};
+  }
+  return std::nullopt;
+}
+
+// Where classes were joined, that of all of them.
+void AddExpected(const GraphBars& bars, const Expectation& expectation, std::vector<ChartRow>& rows) {
   for (ChartRow& row : rows) row.expected = 0;
   std::size_t place = 0;
   for (std::size_t i = 0; i < bars.heights.size(); ++i) {
     while (place + 1 < rows.size() && bars.bounds[i] >= rows[place].to) ++place;
-    double middle = bars.bounds[i] / 2 + bars.bounds[i + 1] / 2;
-    if (curve.wholeNumbers) middle = std::round(middle);
-    rows[place].expected += function.At(middle);
+    rows[place].expected += expectation.at(bars.bounds[i] / 2 + bars.bounds[i + 1] / 2);
   }
 }
 
@@ -86,8 +118,8 @@ std::string ChartText(const Graph& histogram, std::size_t width) {
   if (histogram.bars.empty() || histogram.bars.front().heights.empty()) return {};
   const GraphBars& bars = histogram.bars.front();
   std::vector<ChartRow> rows = RowsOf(bars);
-  const bool hasCurve = !histogram.curves.empty();
-  if (hasCurve) AddExpected(bars, histogram.curves.front(), rows);
+  const std::optional<Expectation> expectation = ExpectationOf(histogram);
+  if (expectation) AddExpected(bars, *expectation, rows);
   const std::size_t from = WidestOf(rows, &ChartRow::from);
   const std::size_t to = WidestOf(rows, &ChartRow::to);
   const std::size_t count = WidestOf(rows, &ChartRow::count);
@@ -102,7 +134,7 @@ std::string ChartText(const Graph& histogram, std::size_t width) {
   for (const ChartRow& row : rows) {
     const double unit = most > 0 ? static_cast<double>(room) / most : 0;
     std::optional<std::size_t> mark;
-    if (hasCurve && std::isfinite(row.expected))
+    if (expectation && std::isfinite(row.expected))
       mark = static_cast<std::size_t>(
           std::clamp(std::round(row.expected * unit), 0.0, static_cast<double>(room)));
     const std::string bar = Bar(static_cast<std::size_t>(std::round(row.count * unit * kEighths)), mark);
@@ -110,7 +142,7 @@ std::string ChartText(const Graph& histogram, std::size_t width) {
             Padded(FormatNumber("%.6g", row.to), to) + "  " + Padded(FormatNumber("%.6g", row.count), count) +
             (bar.empty() ? "" : "  " + bar) + "\n";
   }
-  if (hasCurve) text += "  " + std::string(kMark) + " " + histogram.curves.front().name + "\n";
+  if (expectation) text += "  " + std::string(kMark) + " " + expectation->name + "\n";
   return text;
 }
 

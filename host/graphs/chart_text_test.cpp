@@ -47,6 +47,18 @@ TEST(ChartText, TheCurveIsMarkedInEveryRow) {
   EXPECT_THROW(ChartText(graph, 40), Error);
 }
 
+TEST(ChartText, ALineOverTheBarsIsMarkedAndALimitIsNot) {
+  Graph graph = Histogram({0, 1, 2}, {4, 2});
+  graph.series = {{"LSL", SeriesStyle::kLine, {1, 1}, {0, 4}}};
+  EXPECT_EQ(ChartText(graph, 40).find("│"), std::string::npos);
+  graph.series.push_back({"Expected", SeriesStyle::kLine, {0, 2}, {5, 1}});
+  EXPECT_EQ(ChartText(graph, 40),
+            "Histogram of x\n"
+            "  0 to 1  4  ██████████████████████████│\n"
+            "  1 to 2  2  █████████████│\n"
+            "  │ Expected\n");
+}
+
 TEST(ChartText, ManyClassesShareRowsAndLinesKeepToTheWidth) {
   std::vector<double> bounds{0};
   std::vector<double> heights;

@@ -17,6 +17,7 @@
 #include "host/base/files/output_file.h"
 #include "host/graphs/sampling_bands.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/data_plots.h"
 #include "host/jobs/fit_results.h"
 #include "host/numeric/distributions/distribution_types.h"
 
@@ -116,6 +117,20 @@ void AddBand(AutomationObject& dialog, std::size_t count, Graph& graph) {
       count, [&](std::span<const double> p, std::span<double> x) { distribution.Quantile(p, x); }, kName));
 }
 
+// Data that no distribution fits are shown without one, with the reason.
+PlotPage UnfittedPage(const Spreadsheet& sheet, const ResultRow& summary, std::string_view kind) {
+  const std::string reason = summary.Text("reason"_column);
+  const std::string note = reason.empty() ? "nothing could be fitted" : reason;
+  const auto place = sheet.FindVariable(summary.name);
+  const bool isOfData =
+      kind == kOverview || kind == kFitComparison || kind == "histogram" || kind == "box-plot";
+  if (!place || !isOfData) return SinglePage(summary.name, TextGraph({summary.name, note}));
+  PlotPage page = DataPage(sheet, sheet.VariableAt(*place), kind == kFitComparison ? "histogram" : kind);
+  page.page.notes.push_back(note);
+  page.cell.notes.push_back(note);
+  return page;
+}
+
 // In an overview the comparison stands for the histogram.
 PlotPage PageOf(AutomationObject& dialog, const ResultRow& summary, const Plot& plot) {
   const std::string& variable = summary.name;
@@ -133,21 +148,30 @@ PlotPage PageOf(AutomationObject& dialog, const ResultRow& summary, const Plot& 
 
 }  // namespace
 
-std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Plot& plot) {
+std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Spreadsheet& sheet, const Plot& plot) {
   std::vector<PlotPage> pages;
   const ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
   for (std::size_t i = 0; i < summary.rows.size(); ++i) {
     const auto place = static_cast<std::int32_t>(i + 1);
-    const std::string& variable = summary.rows[i].name;
     dialog.Put("QuickTabVariable", place);
     if (dialog.Get("QuickTabDistribution").ToInteger() == 0) {
-      pages.push_back(SinglePage(variable, TextGraph({variable, "nothing could be fitted"})));
+      pages.push_back(UnfittedPage(sheet, summary.rows[i], plot.Kind()));
       continue;
     }
     ChooseFirstSaved(dialog, place);
     pages.push_back(PageOf(dialog, summary.rows[i], plot));
   }
   return pages;
+}
+
+Graph FitGraphOf(CAnalysisSupport& analysis, std::int32_t variable, std::int32_t fit, const Plot& plot) {
+  const auto open = analysis.GetDialgInterface();
+  if (open == nullptr) throw Error("the analysis has no open dialog");
+  const ActionRecording none(analysis);
+  open->Put("QuickTabVariable", variable);
+  open->Put("QuickTabDistribution", fit);
+  const ResultTable summary = ReadResultTable(open->Get("SummaryStats"));
+  return PageOf(*open, summary.rows.at(static_cast<std::size_t>(variable - 1)), plot).page;
 }
 
 void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& path, JobRecorder& job) {

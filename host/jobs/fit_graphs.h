@@ -7,6 +7,7 @@
 
 #include "host/jobs/base/job_recorder.h"
 #include "host/jobs/base/plot.h"
+#include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
 
@@ -26,7 +27,10 @@ inline constexpr std::string_view kFitPlotKinds[] = {
     "qq",      "empirical-distribution", "box-plot",  kReturnLevels};
 
 // What there is to draw of each variable that the fit results dialog shows: the graphs of its kind. A graph that
-// cannot be made says why in its place.
-std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Plot& plot);
+// cannot be made says why in its place; of a variable without fits the data of the sheet are shown.
+std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Spreadsheet& sheet, const Plot& plot);
+
+// One of these for a fit of a variable, by their places among the results, from 1. No macro has it as a step.
+Graph FitGraphOf(CAnalysisSupport& analysis, std::int32_t variable, std::int32_t fit, const Plot& plot);
 
 }  // namespace brenvolt

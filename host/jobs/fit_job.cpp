@@ -358,7 +358,7 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
     const auto dialog = session.Dialog();
     WritePlot(plot, data.file.filename().string(),
               plot.Kind() == kReturnLevels ? ReturnLevelPlots(*this, *dialog, input.sheet)
-                                           : FitPlots(*dialog, plot));
+                                           : FitPlots(*dialog, input.sheet, plot));
   }
   return fitted;
 }

@@ -142,8 +142,9 @@ JobFaults SimulateJob::Check() const {
   }
   CheckInputs(faults);
   CheckDataTarget("output", output, faults);
-  CheckPlot(plot, kSimulationPlotKinds, faults);
-  if (plot.kind == kScatterKind && kSimulationMethods.contains(method) && !InducesCorrelation(method))
+  CheckPlot(plot, kDataPlotKinds, faults);
+  if ((plot.kind == kScatterKind || plot.kind == kHeatMapKind) && kSimulationMethods.contains(method) &&
+      !InducesCorrelation(method))
     faults.push_back(
         {"plotKind", "only methods that induce correlation have one to show; " + method + " does not"});
   CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
@@ -211,6 +212,10 @@ void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, st
   dialog->Put("TruncateSimulationData", truncate);
 }
 
+DataOrigin SimulateJob::Origin(const SimulationFindings& found) const {
+  return OriginOf(found.design, truncate, found.results);
+}
+
 SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   RefuseRecordedPlot(plot, recorder);
@@ -239,7 +244,7 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   RecordShown(session, recorder);
   Write(output, found, recorder);
   if (plot.IsAsked())
-    WritePlot(plot, "Simulated data", SimulationPlots(found.output->Table(), found.results, plot.Kind()));
+    WritePlot(plot, "Simulated data", DataPlots(found.output->Table(), plot.Kind(), Origin(found)));
   return found;
 }
 

@@ -10,6 +10,7 @@
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
+#include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/simulation_results.h"
@@ -60,6 +61,8 @@ struct SimulateJob {
   SimulationRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
   // The same from a sheet that is open.
   SimulationFindings Run(const JobInput& input, JobRecorder& recorder) const;
+  // Where the samples that it found come from, for their pictures.
+  DataOrigin Origin(const SimulationFindings& found) const;
 
  private:
   void CheckInputs(JobFaults& faults) const;

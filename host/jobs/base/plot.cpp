@@ -68,23 +68,6 @@ std::vector<std::filesystem::path> FilesFor(const std::filesystem::path& file,
   return files;
 }
 
-Graph Grid(std::vector<PlotPage> pages, const std::string& title) {
-  const auto whole = std::ranges::find(pages, true, &PlotPage::showsAll);
-  if (whole != pages.end()) return std::move(whole->page);
-  if (pages.size() == 1) return std::move(pages.front().page);
-  Graph grid;
-  grid.kind = GraphKind::kSummary;
-  grid.title = title;
-  if (pages.size() > kMostCells) {
-    grid.notes.push_back("the first " + std::to_string(kMostCells) + " of " + std::to_string(pages.size()) +
-                         " are shown; a PDF, or " + std::string(kNamePlace) +
-                         " in the name of the file, shows all");
-    pages.resize(kMostCells);
-  }
-  for (PlotPage& page : pages) grid.panels.push_back(std::move(page.cell));
-  return grid;
-}
-
 void Save(const std::filesystem::path& path, const std::string& bytes) {
   OutputFile file(path);
   file.Write(bytes);
@@ -92,6 +75,10 @@ void Save(const std::filesystem::path& path, const std::string& bytes) {
 }
 
 }  // namespace
+
+bool IsPictureName(const std::filesystem::path& file) {
+  return FormatOf(file).has_value();
+}
 
 std::string Alternatives(std::span<const std::string_view> words) {
   std::string text;
@@ -145,6 +132,23 @@ PlotPage CompoundPage(std::string name, std::vector<Graph> graphs) {
   return page;
 }
 
+Graph Together(std::vector<PlotPage> pages, const std::string& title) {
+  const auto whole = std::ranges::find(pages, true, &PlotPage::showsAll);
+  if (whole != pages.end()) return std::move(whole->page);
+  if (pages.size() == 1) return std::move(pages.front().page);
+  Graph grid;
+  grid.kind = GraphKind::kSummary;
+  grid.title = title;
+  if (pages.size() > kMostCells) {
+    grid.notes.push_back("the first " + std::to_string(kMostCells) + " of " + std::to_string(pages.size()) +
+                         " are shown; a PDF, or " + std::string(kNamePlace) +
+                         " in the name of the file, shows all");
+    pages.resize(kMostCells);
+  }
+  for (PlotPage& page : pages) grid.panels.push_back(std::move(page.cell));
+  return grid;
+}
+
 void WritePlot(const Plot& plot, const std::string& title, std::vector<PlotPage> pages) {
   if (pages.empty()) throw Error("there is nothing to draw", plot.file.string());
   PictureStyle style;
@@ -160,7 +164,7 @@ void WritePlot(const Plot& plot, const std::string& title, std::vector<PlotPage>
   if (style.format == PictureFormat::kPdf) {
     for (PlotPage& page : pages) graphs.push_back(std::move(page.page));
   } else {
-    graphs.push_back(Grid(std::move(pages), title));
+    graphs.push_back(Together(std::move(pages), title));
   }
   Save(plot.file, DrawPictures(graphs, style));
 }

@@ -31,6 +31,8 @@ struct Plot {
   std::string_view Kind() const { return kind ? std::string_view(*kind) : kOverview; }
 };
 
+// Whether the name ends as those of pictures do.
+bool IsPictureName(const std::filesystem::path& file);
 // All that can be refused without the data, and that nothing can be drawn here. `kinds` are the words for the graphs of
 // the job.
 void CheckPlot(const Plot& plot, std::span<const std::string_view> kinds, JobFaults& faults);
@@ -51,6 +53,10 @@ struct PlotPage {
 PlotPage SinglePage(std::string name, Graph graph);
 // A page of several graphs. The first is shown beside those of others.
 PlotPage CompoundPage(std::string name, std::vector<Graph> graphs);
+
+// One graph of all pages: the one that stands for all, the only one, or the cells of a grid, of which a note says so if there
+// are too many.
+Graph Together(std::vector<PlotPage> pages, const std::string& title);
 
 // Throws Error if there are no pages, and naming a file that cannot be
 // written.

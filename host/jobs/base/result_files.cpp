@@ -11,6 +11,7 @@
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
 #include "host/jobs/base/output_files.h"
+#include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/numpy_archive.h"
 
@@ -19,6 +20,12 @@ namespace {
 
 using Path = std::filesystem::path;
 
+Plot PictureIn(const Path& path) {
+  Plot plot;
+  plot.file = path;
+  return plot;
+}
+
 // Whether the result is a table or a graph is known only when it is made.
 void CheckName(const Path& path) {
   JobFaults asTable;
@@ -26,11 +33,20 @@ void CheckName(const Path& path) {
   JobFaults asGraph;
   CheckGraphsTarget("file", path, asGraph);
   if (path.empty() || asTable.empty() || asGraph.empty()) return;
-  throw Error("expected a file in an existing folder that ends in .csv, .npz, .bvw or .json", path.string());
+  JobFaults asPicture;
+  CheckPlot(PictureIn(path), {}, asPicture);
+  if (asPicture.empty()) return;
+  if (IsPictureName(path)) throw Error(asPicture.front().message, path.string());
+  throw Error(
+      "expected a file in an existing folder that ends in .csv, .npz or .bvw for a table, in .json, .png, "
+      ".svg "
+      "or .pdf for a graph",
+      path.string());
 }
 
 void SaveTable(const CAnalysisTableDoc& table, const Path& path) {
-  if (HasEnding(path, ".json")) throw Error("a table goes into .csv, .npz or .bvw", path.string());
+  if (HasEnding(path, ".json") || IsPictureName(path))
+    throw Error("a table goes into .csv, .npz or .bvw", path.string());
   if (HasProjectEnding(path)) {
     std::vector<std::unique_ptr<Spreadsheet>> sheets;
     sheets.push_back(std::make_unique<Spreadsheet>(table.Table()));
@@ -43,9 +59,13 @@ void SaveTable(const CAnalysisTableDoc& table, const Path& path) {
 }
 
 void SaveGraph(const CAnalysisGraphDoc& graph, const Path& path) {
+  if (IsPictureName(path)) {
+    const std::string& title = graph.Content().title;
+    return WritePlot(PictureIn(path), title, {SinglePage(title, graph.Content())});
+  }
   JobFaults faults;
   CheckGraphsTarget("file", path, faults);
-  if (!faults.empty()) throw Error("a graph goes into .json", path.string());
+  if (!faults.empty()) throw Error("a graph goes into .json, .png, .svg or .pdf", path.string());
   OutputFile file(path);
   file.Write(JsonText(GraphJson(graph.Content())));
   file.Commit();
