@@ -135,6 +135,7 @@ inline constexpr auto kProfilerTexts = std::to_array<StringResource>({
     {kResponseOfFewValues,
      "%s: no indices and no expected PPM are given for classes or no more than 20 different values, which no "
      "normal distribution describes; the observed PPM hold."},
+    {kResponseOutOfSpecification, "Out of specification"},
     {kMsgProfilerInfiniteValue, "The data contain a value that is not finite."},
     {kMsgProfilerNoValues, "The data contain no valid value."},
     {kMsgProfilerFieldTypes, "%s is numeric in one model and text in another."},

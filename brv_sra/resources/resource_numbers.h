@@ -412,6 +412,7 @@ inline constexpr std::int32_t kResponsePercentilesNoLimits = 20955;
 inline constexpr std::int32_t kResponseWithinNotNormal = 20956;
 inline constexpr std::int32_t kResponseTailNotFitted = 20957;
 inline constexpr std::int32_t kResponseOfFewValues = 20958;
+inline constexpr std::int32_t kResponseOutOfSpecification = 20959;
 
 // The profiler: what goes beyond the texts above.
 inline constexpr std::int32_t kMsgProfilerInfiniteValue = 21000;

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "host/analysis/action_recording.h"
 #include "host/analysis/run_bounds.h"
 #include "host/application/graph_json.h"
 #include "host/application/json_text.h"
@@ -367,41 +368,50 @@ struct SharedGraphs {
   std::optional<Graph> defects;
 };
 
-// A response without any prediction has no graphs of its own.
-void WriteGraphs(const std::filesystem::path& path, Profiler& profiler, const ProfileResults& results,
-                 const SharedGraphs& shared) {
-  using Json = nlohmann::ordered_json;
-  Json report = {{"responses", Json::array()}};
-  for (std::size_t i = 0; i < results.responses.size(); ++i) {
-    const ResponseResults& response = results.responses[i];
-    report["responses"].push_back(
-        {{"name", response.name},
-         {"graphs", response.IsPredicted() ? GraphJson(profiler.GraphsOf(i))["panels"] : Json::array()}});
-  }
-  if (shared.profiles) report["profiles"] = GraphJson(*shared.profiles);
-  if (shared.defects) report["defectProfile"] = GraphJson(*shared.defects);
-  OutputFile file(path);
-  file.Write(JsonText(report));
-  file.Commit();
+// Beyond the runs that the dialog takes at once, the graphs are those of the first ones.
+std::vector<std::string> GraphNotes(const RunBatches& batches) {
+  if (batches.Count() == 1) return {};
+  const std::int64_t last = batches.Count() - 1;
+  return {"the first " + std::to_string(batches.Runs(0)) + " of " +
+          std::to_string(batches.FirstRun(last) + batches.Runs(last)) + " runs are shown"};
 }
 
-SpecificationLimits LimitsOf(const ProfileJob& job, const std::string& response) {
-  const auto found = std::ranges::find(job.specifications, response, &ProfileJob::Specification::response);
-  return found == job.specifications.end() ? SpecificationLimits{} : found->limits;
-}
-
-void WritePictures(const ProfileJob& job, Profiler& profiler, const ProfileResults& results,
-                   const SharedGraphs& shared) {
+// A response without any prediction has no graphs of its own. No macro has these as steps.
+std::vector<ResponseGraphs> CollectGraphs(Profiler& profiler, CAnalysisSupport& analysis,
+                                          const ProfileResults& results, const SharedGraphs& shared) {
+  const ActionRecording none(analysis);
   std::vector<ResponseGraphs> responses;
   for (std::size_t i = 0; i < results.responses.size(); ++i) {
     const ResponseResults& response = results.responses[i];
-    ResponseGraphs graphs{response, LimitsOf(job, response.name), {}, {}, {}};
-    if (response.IsPredicted()) graphs.graphs = profiler.GraphsOf(i).panels;
+    ResponseGraphs graphs;
+    graphs.name = response.name;
+    graphs.notes = GraphNotes(profiler.Batches());
+    if (response.IsPredicted()) {
+      graphs.graphs = profiler.GraphsOf(i).panels;
+      graphs.capability = CapabilityLines(response);
+    }
     if (shared.profiles) graphs.profiles = PanelsOf(*shared.profiles, response.name);
     if (shared.defects) graphs.defectProfiles = PanelsOf(*shared.defects, response.name);
     responses.push_back(std::move(graphs));
   }
-  WritePlot(job.plot, "Simulated responses", ProfilePlots(responses, job.plot.Kind()));
+  return responses;
+}
+
+void WriteGraphs(const std::filesystem::path& path, const std::vector<ResponseGraphs>& responses,
+                 const SharedGraphs& shared) {
+  using Json = nlohmann::ordered_json;
+  Json report = {{"responses", Json::array()}};
+  for (const ResponseGraphs& response : responses) {
+    Json graphs = Json::array();
+    for (const Graph& graph : response.graphs) graphs.push_back(GraphJson(graph));
+    report["responses"].push_back({{"name", response.name}, {"graphs", std::move(graphs)}});
+  }
+  if (shared.profiles) report["profiles"] = GraphJson(*shared.profiles);
+  if (shared.defects) report["defectProfile"] = GraphJson(*shared.defects);
+  if (!responses.empty() && !responses.front().notes.empty()) report["notes"] = responses.front().notes;
+  OutputFile file(path);
+  file.Write(JsonText(report));
+  file.Commit();
 }
 
 // "no run has a prediction (Y: field x, the model does not accept the number: 3 to 5)".
@@ -520,7 +530,8 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   for (const auto& function : Numbered(functions, firstRun)) provided.emplace_back(function);
   ProfileFindings found;
   found.seed = ChosenSeed(seed);
-  Profiler profiler(*this, found.seed, Start(input, data));
+  AnalysisSession& session = Start(input, data);
+  Profiler profiler(*this, found.seed, session);
   profiler.Prepare(input, recorder);
   SharedGraphs shared;
   const AnalysisSession::Shown simulated = profiler.Simulate();
@@ -529,10 +540,12 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   TakeResults(profiler, simulated, found, shared);
   const bool isWhole = profiler.Batches().Count() == 1;
   if (isWhole) found.outputSheet = WriteSimulated(output, found.simulated, recorder);
-  if (shared.profiles && (plot.IsAsked() || !graphs.empty()))
-    AddProfileBands(found.simulated->Table(), *shared.profiles);
-  if (!graphs.empty()) WriteGraphs(graphs, profiler, found.results, shared);
-  if (plot.IsAsked()) WritePictures(*this, profiler, found.results, shared);
+  if (plot.IsAsked() || !graphs.empty() || keepsGraphs) {
+    if (shared.profiles) AddProfileBands(found.simulated->Table(), *shared.profiles);
+    found.graphs = CollectGraphs(profiler, session.Analysis(), found.results, shared);
+  }
+  if (!graphs.empty()) WriteGraphs(graphs, found.graphs, shared);
+  if (plot.IsAsked()) WritePlot(plot, "Simulated responses", ProfilePlots(found.graphs, plot.Kind()));
   if (!isWhole) RunOn(profiler, output, *firstRun, found);
   return found;
 }

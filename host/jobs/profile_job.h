@@ -13,6 +13,7 @@
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/design_job.h"
+#include "host/jobs/profile_plots.h"
 #include "host/jobs/profile_results.h"
 #include "host/models/model_function.h"
 #include "host/statistics/specification_limits.h"
@@ -22,8 +23,9 @@ namespace brenvolt {
 struct ProfileFindings {
   ProfileResults results;
   Table simulated;  // a row per run; of runs beyond those that the dialog takes at once, the first ones
-  std::string outputSheet;  // the sheet of the simulated runs where they went into a project
-  std::int32_t seed = 0;    // given or drawn: the same seed gives the same runs
+  std::string outputSheet;             // the sheet of the simulated runs where they went into a project
+  std::int32_t seed = 0;               // given or drawn: the same seed gives the same runs
+  std::vector<ResponseGraphs> graphs;  // of each response, where any were asked for
 };
 
 struct ProfileRun : JobRun, ProfileFindings {};
@@ -67,6 +69,7 @@ struct ProfileJob {
   std::filesystem::path output;  // empty: the simulated runs go nowhere
   std::filesystem::path graphs;  // empty: none are written
   Plot plot;
+  bool keepsGraphs = false;  // the findings have the graphs, also if none are written or drawn
 
   // All that can be refused without the data.
   JobFaults Check() const;

@@ -14,53 +14,36 @@
 namespace brenvolt {
 namespace {
 
-constexpr const char* kExcluded = "Out of specification";
 // What a panel of the capability lists, where it is known.
 constexpr ResultColumn kListed[] = {"cp"_column,  "cpk"_column, "pp"_column,
                                     "ppk"_column, "cpm"_column, "normal_p"_column};
 
-// The histogram with what the specification excludes.
-Graph HistogramOf(const ResponseGraphs& response) {
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  Graph histogram = response.graphs.front();
-  if (response.limits.HasLower()) histogram.regions.push_back({kExcluded, -kInfinity, response.limits.lower});
-  if (response.limits.HasUpper()) histogram.regions.push_back({kExcluded, response.limits.upper, kInfinity});
-  return histogram;
-}
-
-std::vector<std::string> CapabilityLines(const ResultTable& capability) {
-  std::vector<std::string> lines;
-  for (const ResultColumn& statistic : kListed) {
-    const auto row = std::ranges::find(capability.rows, statistic.identifier, &ResultRow::identifier);
-    if (row == capability.rows.end()) continue;
-    const double value = row->Number("value"_column);
-    if (!std::isnan(value)) lines.push_back(row->name + " " + FormatNumber("%.4g", value));
-  }
-  return lines;
-}
-
 std::vector<Graph> CapabilityOf(const ResponseGraphs& response) {
-  if (!response.results.capability) return {};
+  if (response.capability.empty()) return {};
   Graph panel;
   panel.kind = GraphKind::kSummary;
-  panel.title = "Capability of " + response.results.name;
-  panel.panels = {HistogramOf(response)};
+  panel.title = "Capability of " + response.name;
+  panel.panels = {response.graphs.front()};
   panel.panels.front().title.clear();
-  panel.notes = CapabilityLines(*response.results.capability);
+  panel.notes = response.capability;
   return {std::move(panel)};
 }
 
 std::vector<Graph> GraphsOf(const ResponseGraphs& response, std::string_view kind) {
   if (response.graphs.empty()) return {};
-  if (kind == "histogram") return {HistogramOf(response)};
+  if (kind == "histogram") return {response.graphs.front()};
   if (kind == "tornado") return {response.graphs.back()};
   if (kind == "profile") return response.profiles;
   if (kind == "defect-profile") return response.defectProfiles;
   if (kind == "capability") return CapabilityOf(response);
-  std::vector<Graph> all{HistogramOf(response), response.graphs.back()};
+  std::vector<Graph> all{response.graphs.front(), response.graphs.back()};
   all.insert(all.end(), response.profiles.begin(), response.profiles.end());
   all.insert(all.end(), response.defectProfiles.begin(), response.defectProfiles.end());
   return all;
+}
+
+void AddLines(const std::vector<std::string>& lines, Graph& graph) {
+  graph.notes.insert(graph.notes.end(), lines.begin(), lines.end());
 }
 
 constexpr double kBandFrom = 5;  // percent
@@ -107,14 +90,28 @@ std::vector<Graph> PanelsOf(const Graph& compound, const std::string& response) 
   return panels;
 }
 
+std::vector<std::string> CapabilityLines(const ResponseResults& response) {
+  if (!response.capability) return {};
+  const std::vector<ResultRow>& rows = response.capability->rows;
+  std::vector<std::string> lines;
+  for (const ResultColumn& statistic : kListed) {
+    const auto row = std::ranges::find(rows, statistic.identifier, &ResultRow::identifier);
+    if (row == rows.end()) continue;
+    const double value = row->Number("value"_column);
+    if (!std::isnan(value)) lines.push_back(row->name + " " + FormatNumber("%.4g", value));
+  }
+  return lines;
+}
+
 std::vector<PlotPage> ProfilePlots(std::span<const ResponseGraphs> responses, std::string_view kind) {
   std::vector<PlotPage> pages;
   for (const ResponseGraphs& response : responses) {
     std::vector<Graph> graphs = GraphsOf(response, kind);
     if (graphs.empty()) continue;
-    PlotPage page = CompoundPage(response.results.name, std::move(graphs));
-    if (kind == kOverview && response.results.capability)
-      page.page.notes = CapabilityLines(*response.results.capability);
+    PlotPage page = CompoundPage(response.name, std::move(graphs));
+    if (kind == kOverview) AddLines(response.capability, page.page);
+    AddLines(response.notes, page.page);
+    AddLines(response.notes, page.cell);
     pages.push_back(std::move(page));
   }
   return pages;

@@ -1,6 +1,8 @@
 // The graphs of result_documents.h.
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <string>
 #include <utility>
 
 #include "brv_sra/fitting/dialogs/fit_result_graphs.h"
@@ -28,6 +30,14 @@ void AddLimit(std::int32_t name, double x, Graph& histogram) {
   histogram.series.push_back(std::move(line));
 }
 
+// What the specification excludes.
+void AddExcluded(const SpecificationLimits& limits, Graph& histogram) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  const std::string name(ResourceString(kResponseOutOfSpecification));
+  if (limits.HasLower()) histogram.regions.push_back({name, -kInfinity, limits.lower});
+  if (limits.HasUpper()) histogram.regions.push_back({name, limits.upper, kInfinity});
+}
+
 Graph LimitedHistogram(const SimulatedResponse& response, const VariableFit& fit,
                        std::span<const double> sorted) {
   VariableFit drawn;
@@ -39,6 +49,7 @@ Graph LimitedHistogram(const SimulatedResponse& response, const VariableFit& fit
   AddLimit("lsl"_column.heading, response.limits.lower, histogram);
   AddLimit("target"_column.heading, response.limits.target, histogram);
   AddLimit("usl"_column.heading, response.limits.upper, histogram);
+  AddExcluded(response.limits, histogram);
   return histogram;
 }
 
