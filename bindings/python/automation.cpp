@@ -118,21 +118,32 @@ py::dict GraphParts(const AutomationRef& ref) {
     const auto copy = [](const std::vector<double>& values) {
       return py::array_t<double>(static_cast<py::ssize_t>(values.size()), values.data());
     };
-    curves.append(py::dict("name"_a = part.name, "formula"_a = part.formula, "x"_a = copy(sampled.x),
+    curves.append(py::dict("name"_a = part.name, "formula"_a = part.formula, "from"_a = part.from,
+                           "to"_a = part.to, "whole_numbers"_a = part.wholeNumbers, "x"_a = copy(sampled.x),
                            "y"_a = copy(sampled.y)));
   }
   py::list boxes;
   for (const GraphBox& part : graph.boxes)
-    boxes.append(py::dict("name"_a = part.name, "lower_quartile"_a = part.lowerQuartile,
-                          "median"_a = part.median, "upper_quartile"_a = part.upperQuartile,
-                          "lower_whisker"_a = part.lowerWhisker, "upper_whisker"_a = part.upperWhisker,
+    boxes.append(py::dict("name"_a = part.name, "lower_whisker"_a = part.lowerWhisker,
+                          "lower_quartile"_a = part.lowerQuartile, "median"_a = part.median,
+                          "upper_quartile"_a = part.upperQuartile, "upper_whisker"_a = part.upperWhisker,
                           "mean"_a = part.mean, "outliers"_a = view(part.outliers)));
   py::list bands;
   for (const GraphBand& part : graph.bands)
     bands.append(py::dict("name"_a = part.name, "x"_a = view(part.x), "lower"_a = view(part.lower),
                           "upper"_a = view(part.upper)));
+  py::list regions;
+  for (const GraphRegion& part : graph.regions)
+    regions.append(py::dict("name"_a = part.name, "from"_a = part.from, "to"_a = part.to));
+  py::list cells;
+  for (const GraphCells& part : graph.cells) {
+    const auto shape = py::make_tuple(part.rows.size(), part.columns.size());
+    cells.append(py::dict("name"_a = part.name, "columns"_a = part.columns, "rows"_a = part.rows,
+                          "values"_a = view(part.values).attr("reshape")(shape)));
+  }
   return py::dict("bars"_a = bars, "series"_a = series, "curves"_a = curves, "bands"_a = bands,
-                  "boxes"_a = boxes);
+                  "regions"_a = regions, "boxes"_a = boxes, "cells"_a = cells,
+                  "panel_columns"_a = graph.panelColumns);
 }
 
 void SaveGraph(const AutomationRef& ref, const std::filesystem::path& file,

@@ -3,9 +3,11 @@
 #include <pybind11/stl/filesystem.h>
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -21,7 +23,9 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/exchange_jobs.h"
 #include "host/jobs/fit_graphs.h"
@@ -253,13 +257,56 @@ std::shared_ptr<const ModelFunction> FunctionOf(std::string name, std::vector<st
       ModelFunction{std::move(name), std::move(predictors), std::move(responses), predict});
 }
 
-// The simulated runs, their seed, and what was found. `matrix` may be null.
+// Of no analysis.
+AutomationRef GraphRef(Graph graph) {
+  return {std::make_shared<CAnalysisGraphDoc>(std::move(graph)), nullptr};
+}
+
+// The graphs of each response by the words for their kinds.
+py::list ResponseGraphDicts(const std::vector<ResponseGraphs>& responses) {
+  py::list list;
+  for (const ResponseGraphs& response : responses) {
+    py::dict graphs;
+    for (const std::string_view kind : kProfilePlotKinds) {
+      auto pages = ProfilePlots({&response, 1}, kind);
+      if (!pages.empty()) graphs[py::str(std::string(kind))] = GraphRef(std::move(pages.front().page));
+    }
+    list.append(graphs);
+  }
+  return list;
+}
+
+// Of samples with what they come from: the distributions in their notation by name, and the correlations asked for.
+AutomationRef SampleGraph(const Sheet& sheet, const std::string& kind,
+                          const std::map<std::string, std::string>& distributions, bool isTruncated,
+                          const std::vector<std::tuple<std::string, std::string, double>>& asked) {
+  DataOrigin origin;
+  origin.isTruncated = isTruncated;
+  for (const auto& [name, notation] : distributions)
+    origin.distributions.push_back({name, ReadDistribution(notation)});
+  for (const auto& [first, second, value] : asked) origin.Ask(first, second, value);
+  auto pages = DataPlots(sheet->Sheet(), kind, origin);
+  if (pages.empty()) throw Error("there is nothing to draw");
+  return GraphRef(Together(std::move(pages), "Simulated data"));
+}
+
+AutomationRef FitGraphWith(const std::shared_ptr<AnalysisRef>& analysis, std::int32_t variable,
+                           std::int32_t fit, std::string kind, bool band) {
+  Plot plot;
+  plot.kind = std::move(kind);
+  plot.band = band;
+  return InTurn([&] { return GraphRef(FitGraphOf(analysis->Analysis(), variable, fit, plot)); });
+}
+
+// The simulated runs, their seed, what was found, and the graphs of the responses. `matrix` may be null.
 py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix) {
   std::shared_ptr<AnalysisRef> analysis;
   ProfileFindings found;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
+  job.keepsGraphs = true;
   CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
-  return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results));
+  return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results),
+                        ResponseGraphDicts(found.graphs));
 }
 
 template <class Job>
@@ -529,6 +576,11 @@ void BindJobs(py::module_& module) {
   module.def("_import", &Import, InHost(), py::arg("file"), py::arg("project"), py::arg("sheet"),
              py::arg("kind"), py::arg("decimal_comma"));
   module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));
+  module.def("_sample_graph", &SampleGraph, InHost());
+  module.def("_fit_graph", &FitGraphWith);
+  py::list dataKinds;
+  for (const std::string_view kind : kDataPlotKinds) dataKinds.append(std::string(kind));
+  module.attr("_data_plot_kinds") = dataKinds;
   module.def("_new_design", &NewDesign, InHost());
   module.def(
       "_matrix_from_table",

@@ -203,6 +203,11 @@ class TableDocument(AutomationObject):
     __slots__ = ()
 
     @property
+    def title(self) -> str:
+        """What the table is about."""
+        return self._automation.get("Title")
+
+    @property
     def sheet(self) -> _brenvolt.Spreadsheet:
         """The spreadsheet; its columns are views of the document's."""
         return self._automation.sheet()
@@ -215,16 +220,38 @@ class TableDocument(AutomationObject):
         return self.to_pandas()._repr_html_()
 
     def __repr__(self):
-        return f"<TableDocument {self.Title}: {self.NumberOfCases} cases, {self.NumberOfVariables} variables>"
+        return f"<TableDocument {self.title}: {self.NumberOfCases} cases, {self.NumberOfVariables} variables>"
 
 
 class GraphDocument(AutomationObject):
     """A graph that an analysis made, as data: what is to be drawn, with its titles.
 
-    Parts are dictionaries whose values are texts and NumPy arrays.
+    Parts are dictionaries whose values are texts and NumPy arrays. Attributes and keys are those of the JSON that
+    --graphs writes, in Python's spelling: xTitle is x_title. Members with a capital are those of macros.
     """
 
     __slots__ = ()
+
+    @property
+    def kind(self) -> str:
+        """What it is: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary",
+        "profile", "tornado", "fit-comparison", "scatter-matrix", "scatter", "heat-map" or "text"."""
+        return self._automation.get("Kind")
+
+    @property
+    def title(self) -> str:
+        """What the graph is about."""
+        return self._automation.get("Title")
+
+    @property
+    def x_title(self) -> str:
+        """What the horizontal axis is."""
+        return self._automation.get("XAxisTitle")
+
+    @property
+    def y_title(self) -> str:
+        """What the vertical axis is; of bars and boxes that lie on their side, the horizontal one."""
+        return self._automation.get("YAxisTitle")
 
     @property
     def bars(self) -> list[dict[str, Any]]:
@@ -238,7 +265,7 @@ class GraphDocument(AutomationObject):
 
     @property
     def curves(self) -> list[dict[str, Any]]:
-        """Curves drawn by a formula: name, formula, and points x, y along it."""
+        """Curves drawn by a formula: name, formula, from, to, whole_numbers, and points x, y along it."""
         return self._automation.graph()["curves"]
 
     @property
@@ -247,9 +274,24 @@ class GraphDocument(AutomationObject):
         return self._automation.graph()["bands"]
 
     @property
+    def regions(self) -> list[dict[str, Any]]:
+        """Ranges of x that stand out, such as what a specification excludes: name, from, to, which may be infinite."""
+        return self._automation.graph()["regions"]
+
+    @property
     def boxes(self) -> list[dict[str, Any]]:
-        """Boxes: name, quartiles, median, whiskers, mean, outliers."""
+        """Boxes: name, lower_whisker, lower_quartile, median, upper_quartile, upper_whisker, mean, outliers."""
         return self._automation.graph()["boxes"]
+
+    @property
+    def cells(self) -> list[dict[str, Any]]:
+        """Tables of numbers: name, columns, rows, values with an axis for each."""
+        return self._automation.graph()["cells"]
+
+    @property
+    def panel_columns(self) -> int:
+        """How many panels stand side by side; 0 where it does not matter."""
+        return self._automation.graph()["panel_columns"]
 
     @property
     def panels(self) -> list[GraphDocument]:
@@ -283,7 +325,7 @@ class GraphDocument(AutomationObject):
         return self._automation.small_picture()
 
     def __repr__(self):
-        return f"<GraphDocument {self.Kind}: {self.Title}>"
+        return f"<GraphDocument {self.kind}: {self.title}>"
 
 
 _DOCUMENTS = {"Spreadsheet": TableDocument, "Graph": GraphDocument}

@@ -306,7 +306,7 @@ class FitResult:
         self._job.save = _arguments.path(path, "path")
         self._job.save_fits(self.analysis._analysis, self._names)
 
-    def plot(self, kind: str = "histogram", ax: Any = None) -> Any:
+    def plot(self, kind: str = "histogram", ax: Any = None, band: bool = False) -> Any:
         """Draws a graph of each variable that has fits, as FittedVariable.plot does. Returns the axes: of several variables
         an array of them."""
         from . import _plotting
@@ -315,10 +315,10 @@ class FitResult:
         if not fitted:
             raise ValueError("no variable has a fit to draw")
         if len(fitted) == 1:
-            return fitted[0].plot(kind, ax=ax)
+            return fitted[0].plot(kind, ax=ax, band=band)
         axes = _plotting.grid(len(fitted), ax)
         for variable, one in zip(fitted, axes):
-            variable.plot(kind, ax=one)
+            variable.plot(kind, ax=one, band=band)
         return axes
 
     def _repr_html_(self):
@@ -406,21 +406,27 @@ class FittedVariable:
         place = self._place_of(name)
         return dict(zip(_scalars(self.distributions[place]), self._fits[place]["standard_errors"]))
 
-    def graph(self, kind: str, distribution: str | None = None) -> _automation.GraphDocument:
+    def graph(self, kind: str, distribution: str | None = None, band: bool = False) -> _automation.GraphDocument:
         """A GraphDocument of the fit ranked first, or of that of a named distribution.
 
-        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot" or "summary".
+        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary", or
+        "fit-comparison", the histogram with the curves of this fit and the best others. band: P-P and Q-Q plots have the
+        limits within which 95 % of samples from a continuous fit lie.
         """
-        member = _choice(kind, _brenvolt._fit_graphs, "kind")
+        member = _choice(kind, {**_brenvolt._fit_graphs, "fit-comparison": None}, "kind")
         place = 0 if distribution is None else self._place_of(distribution)
+        if member is None or band:
+            with self._result._conditions():
+                return _automation.wrapped(_brenvolt._fit_graph(self._result.analysis._analysis, self._place, place + 1,
+                                                                kind, band))
         dialog = self._shown()
         dialog.QuickTabDistribution = place + 1
         with self._result._conditions():
             return getattr(dialog, member)
 
-    def plot(self, kind: str = "histogram", distribution: str | None = None, ax: Any = None) -> Any:
+    def plot(self, kind: str = "histogram", distribution: str | None = None, ax: Any = None, band: bool = False) -> Any:
         """Draws a graph (see graph) with matplotlib on axes, those given or new ones, and returns them."""
-        return self.graph(kind, distribution).plot(ax)
+        return self.graph(kind, distribution, band).plot(ax)
 
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
@@ -493,10 +499,11 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     array in the order of the variables; pairs that nothing is said about are not correlated.
     from_file: a text file of variables and correlations, in place of a source or before its variables.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
-    plot: picture, as for fit(); plot_kind: "overview" (as without), "histogram", "box-plot", or "scatter-matrix" with the
-    correlations asked for and reached.
+    plot: picture, as for fit(); plot_kind: "overview" (as without), "histogram", "box-plot", or "scatter-matrix" and
+    "heat-map" with the correlations asked for and reached.
 
-    Returns a DataFrame with a row per sample, numbered from 1. Its attrs tell what it was drawn from: "method", "seed",
+    Returns a DataFrame with a row per sample, numbered from 1. Its plot("scatter-matrix"), "heat-map", "histogram" and
+    "box-plot" draw the samples with what they were asked to be; other plots are those of a DataFrame. Its attrs tell what it was drawn from: "method", "seed",
     "truncate"; "distributions" in the notation by variable; "correlations", by kind ("asked", "used", "pearson", "spearman")
     those of each pair as {name: {name: number}}; "repaired_matrix", which took the place of the correlations asked for where
     they contradict each other, in the same form, or None; "cautions", what speaks against simulating the best fits, as
@@ -520,11 +527,13 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
     simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept)
+    from ._samples import teach_to_draw
+
     frame = simulated.to_pandas()
     frame.attrs.update(seed=seed, cautions=cautions, method=method, truncate=truncate, distributions=drawn,
                        correlations={kind: _by_name(one) for kind, one in pairs.items()}, repaired_matrix=repaired,
                        notes=notes)
-    return frame
+    return teach_to_draw(frame)
 
 
 def _by_name(pairs):
@@ -682,7 +691,8 @@ class ProfileResult:
     confidence; notes: texts on what is left out.
     """
 
-    def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any]) -> None:
+    def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any],
+                 graphs: Iterable[Mapping[str, Any]]) -> None:
         self._simulated = simulated
         self.runs: int = found["runs"]
         self.seed = seed
@@ -690,7 +700,8 @@ class ProfileResult:
         self.predictors: dict[str, str] = found["predictors"]
         self.fixed: dict[str, float | str] = found["fixed"]
         self.correlations: dict[tuple[str, str], float] = found["correlations"]
-        self.responses = {response["name"]: ProfiledResponse(response) for response in found["responses"]}
+        self.responses = {response["name"]: ProfiledResponse(response, drawn)
+                          for response, drawn in zip(found["responses"], graphs)}
         self.defects = _rows_frame(found["defects"], "response")
         self.notes: list[str] = found["notes"]
 
@@ -707,6 +718,9 @@ class ProfileResult:
             response = next(iter(self.responses))
         return self.responses[response].plot(kind, ax)
 
+    def _repr_html_(self):
+        return "".join(f"<h4>{html.escape(name)}</h4>{response._repr_html_()}" for name, response in self.responses.items())
+
     def __repr__(self):
         return f"<ProfileResult of {self.runs} runs: {', '.join(self.responses)}>"
 
@@ -721,8 +735,10 @@ class ProfiledResponse:
     runs have no prediction.
     """
 
-    def __init__(self, found: Mapping[str, Any]) -> None:
+    def __init__(self, found: Mapping[str, Any], graphs: Mapping[str, Any]) -> None:
         import pandas
+
+        self._graphs = graphs
 
         self.name: str = found["name"]
         self.statistics = pandas.Series(found["statistics"], name=self.name)
@@ -737,14 +753,23 @@ class ProfiledResponse:
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
         self.capability_distribution = None if capability is None else capability["distribution"]
 
-    def plot(self, kind: str = "tornado", ax: Any = None) -> Any:
-        """Draws a graph with matplotlib on axes, those given or new ones, and returns them.
+    def graph(self, kind: str) -> _automation.GraphDocument:
+        """A GraphDocument, as pictures of profile() show it.
 
-        kind: "tornado", "histogram" with the limits, or "profile", the mean over each predictor, on an array of axes.
+        kind: "tornado", "histogram" with the limits, "profile", the runs over each predictor with their mean and the band of
+        nine tenths of them, "overview", and with a specification "defect-profile" and "capability".
         """
-        from . import _plotting
+        return _automation.wrapped(_choice(kind, self._graphs, "kind"))
 
-        return _plotting.draw_response(self, kind, ax)
+    def plot(self, kind: str = "tornado", ax: Any = None) -> Any:
+        """Draws a graph (see graph) with matplotlib on axes, those given or new ones, and returns them; of several panels, such
+        as the profiles over several predictors, an array of axes."""
+        return self.graph(kind).plot(ax)
+
+    def _repr_html_(self):
+        table = self.statistics.to_frame().T.to_html()
+        picture = self.graph("overview")._repr_svg_() if self._graphs else None
+        return table if picture is None else table + picture[picture.index("<svg"):]
 
     def __repr__(self):
         return f"<ProfiledResponse {self.name}>"

@@ -60,6 +60,45 @@ def _draw_series(series, style, axes):
         axes.plot(x, y, color=style[0], linestyle=style[1], label=name)
 
 
+def _draw_regions(regions, axes):
+    """Over the range that the other parts have."""
+    limits = axes.get_xlim()
+    names = set()
+    for region in regions:
+        low, high = max(region["from"], limits[0]), min(region["to"], limits[1])
+        if low < high:
+            label = None if region["name"] in names else region["name"]
+            axes.axvspan(low, high, color=LINES[0][0], alpha=0.15, linewidth=0, label=label, zorder=0)
+            names.add(region["name"])
+    axes.set_xlim(limits)
+
+
+def _draw_cells(cells, axes):
+    from matplotlib.colors import LinearSegmentedColormap
+
+    colours = LinearSegmentedColormap.from_list("correlation", [LINES[0][0], "white", LINES[1][0]])
+    values = cells["values"]
+    image = axes.imshow(values, cmap=colours, vmin=-1, vmax=1)
+    axes.set_xticks(range(len(cells["columns"])), cells["columns"], rotation=90)
+    axes.set_yticks(range(len(cells["rows"])), cells["rows"])
+    if values.size <= 400:
+        for (row, column), value in _finite(values):
+            axes.text(column, row, f"{value:.2f}", ha="center", va="center", fontsize="small",
+                      color="white" if abs(value) > 0.7 else "black")
+    axes.figure.colorbar(image, ax=axes, label=cells["name"])
+
+
+def _finite(values):
+    import numpy
+
+    return [(place, value) for place, value in numpy.ndenumerate(values) if math.isfinite(value)]
+
+
+def _draw_text(lines, axes):
+    axes.text(0.5, 0.5, "\n".join(lines), ha="center", va="center", transform=axes.transAxes)
+    axes.set_axis_off()
+
+
 def _draw_parts(graph, axes):
     lines = _lines()
     for band in graph.bands:
@@ -68,38 +107,62 @@ def _draw_parts(graph, axes):
         axes.bar(bars["bounds"][:-1], bars["heights"], bars["bounds"][1:] - bars["bounds"][:-1], align="edge", color=BAR,
                  edgecolor=BAR_EDGE, label=bars["name"])
     for series in graph.series:
-        reference = (REFERENCE, "--") if graph.Kind in ("pp", "qq") else None
-        _draw_series(series, reference or (next(lines) if series["style"] == "line" else None), axes)
+        reference = (REFERENCE, "--") if graph.kind in ("pp", "qq") else None
+        is_line = series["style"] == "line" and not _is_marker(series)
+        _draw_series(series, reference or (next(lines) if is_line else None), axes)
     for curve in graph.curves:
         colour, pattern = next(lines)
         axes.plot(curve["x"], curve["y"], color=colour, linestyle=pattern, label=curve["name"])
+    _draw_regions(graph.regions, axes)
+
+
+def _note(notes, axes):
+    """Below the axes."""
+    if notes:
+        axes.annotate("; ".join(notes), (0.5, 0), (0, -36), xycoords="axes fraction", textcoords="offset points", ha="center",
+                      va="top", fontsize="x-small", annotation_clip=False)
 
 
 def draw(graph: GraphDocument, axes: Any = None) -> Any:
     """Draws a graph on axes, those given or new ones, and returns them; of one made of panels, an array of axes."""
-    if graph.NumberOfPanels:
-        return _draw_panels(graph, axes)
+    panels = graph.panels
+    if len(panels) == 1:
+        return _draw_only_panel(graph, panels[0], axes)
+    if panels:
+        return _draw_panels(graph, panels, axes)
     if axes is None:
-        axes = pyplot().subplots()[1]
-    axes.set_title(graph.Title)
-    if graph.Kind == "tornado":
+        axes = pyplot().subplots(layout="constrained")[1]
+    if graph.kind == "text":
+        _draw_text(graph.notes, axes)
+        return axes
+    axes.set_title(graph.title)
+    if graph.kind == "tornado":
         _draw_tornado(graph.bars, axes)
-        axes.set_xlabel(graph.YAxisTitle)
-        return axes
-    if graph.boxes:
+        axes.set_xlabel(graph.y_title)
+    elif graph.boxes:
         _draw_boxes(graph.boxes, axes)
-        axes.set_xlabel(graph.YAxisTitle)
-        return axes
-    _draw_parts(graph, axes)
-    axes.set_xlabel(graph.XAxisTitle)
-    axes.set_ylabel(graph.YAxisTitle)
-    if len(axes.get_legend_handles_labels()[0]) > 1:
-        axes.legend(fontsize="small")
+        axes.set_xlabel(graph.y_title)
+    elif graph.cells:
+        _draw_cells(graph.cells[0], axes)
+    else:
+        _draw_parts(graph, axes)
+        axes.set_xlabel(graph.x_title)
+        axes.set_ylabel(graph.y_title)
+        if len(axes.get_legend_handles_labels()[0]) > 1:
+            axes.legend(fontsize="small")
+    _note(graph.notes, axes)
     return axes
 
 
-def grid(count: int, axes: Any = None) -> Any:
-    """So many axes, in about a square: those given, or new ones."""
+def _draw_only_panel(graph, panel, axes):
+    axes = draw(panel, axes)
+    axes.set_title(graph.title)
+    _note(graph.notes, axes)
+    return axes
+
+
+def grid(count: int, axes: Any = None, columns: int = 0) -> Any:
+    """So many axes: those given, or new ones, side by side in so many columns, or in about a square."""
     if axes is not None:
         import numpy
 
@@ -107,65 +170,33 @@ def grid(count: int, axes: Any = None) -> Any:
         if len(found) < count:
             raise ValueError(f"{count} axes are needed, not {len(found)}")
         return found
-    columns = math.ceil(math.sqrt(count))
+    columns = columns or math.ceil(math.sqrt(count))
     rows = math.ceil(count / columns)
-    figure, made = pyplot().subplots(rows, columns, squeeze=False, figsize=(5 * columns, 4 * rows), layout="constrained")
+    figure, made = pyplot().subplots(rows, columns, squeeze=False, figsize=(min(5 * columns, 20), min(4 * rows, 40)), layout="constrained")
     made = made.ravel()
     for unused in made[count:]:
         figure.delaxes(unused)
     return made[:count]
 
 
-def _draw_panels(graph, axes):
-    panels = graph.panels
-    found = grid(len(panels), axes)
+def _draw_panels(graph, panels, axes):
+    found = grid(len(panels), axes, graph.panel_columns)
     for panel, one in zip(panels, found):
         draw(panel, one)
+    if graph.kind == "scatter-matrix":
+        _share(found, graph.panel_columns)
     if axes is None:
-        found[0].figure.suptitle(graph.Title)
+        found[0].figure.suptitle(graph.title)
+        if graph.notes:
+            found[0].figure.supxlabel("; ".join(graph.notes), fontsize="small")
     return found
 
 
-def _response_tornado(response, axes):
-    _draw_tornado([{"name": name, "heights": [value]} for name, value in response.sensitivity["rank_correlation"].items()],
-                  axes)
-    axes.set_title(f"What drives {response.name}")
-    axes.set_xlabel("Rank correlation")
-
-
-def _response_histogram(response, axes):
-    classes = response.frequencies
-    axes.bar(classes["from"], classes["count"], classes["to"] - classes["from"], align="edge", color=BAR, edgecolor=BAR_EDGE)
-    if response.capability is not None:
-        for limit, name in (("lsl", "LSL"), ("target", "Target"), ("usl", "USL")):
-            value = response.capability.at[limit, "value"]
-            if not math.isnan(value):
-                axes.axvline(value, color=MARKER, linestyle="--", label=f"{name} {value:g}")
-        axes.legend(fontsize="small")
-    axes.set_title(f"Histogram of {response.name}")
-    axes.set_xlabel(response.name)
-    axes.set_ylabel("Number of observations")
-
-
-def _response_profiles(response, axes):
-    found = grid(len(response.profiles), axes)
-    for (predictor, means), one in zip(response.profiles.items(), found):
-        one.plot(means["value"], means["mean"], color=LINES[0][0])
-        one.set_xlabel(predictor)
-        one.set_ylabel(f"Mean of {response.name}")
-    return found
-
-
-RESPONSE_KINDS = ("tornado", "histogram", "profile")
-
-
-def draw_response(response: Any, kind: str, axes: Any) -> Any:
-    """Draws what simulated runs told of a response, and returns the axes."""
-    if kind not in RESPONSE_KINDS:
-        raise ValueError(f"kind must be one of {', '.join(RESPONSE_KINDS)}, not {kind!r}")
-    if kind == "profile":
-        return _response_profiles(response, axes)
-    if axes is None:
-        axes = pyplot().subplots()[1]
-    (_response_tornado if kind == "tornado" else _response_histogram)(response, axes)
-    return axes
+def _share(axes, columns):
+    """The cells of a matrix: numbers and names stand at its left and below it."""
+    for place, one in enumerate(axes):
+        one.set_title("")
+        if place % columns:
+            one.set_ylabel("")
+        if place + columns < len(axes):
+            one.set_xlabel("")

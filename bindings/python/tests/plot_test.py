@@ -1,21 +1,30 @@
 """Graphs drawn with matplotlib, and saved as the command draws them."""
 
+import gc
+import json
+import math
 import os
 import re
 import subprocess
 import sys
 import tempfile
 import unittest
+import weakref
 
 os.environ["MPLBACKEND"] = "Agg"
 
 import matplotlib.pyplot
 import numpy
+import pandas
 
 import brenvolt
 
 EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
 OZONE = {"data": os.path.join(EXAMPLES, "ozone.csv"), "models": os.path.join(EXAMPLES, "ozone_regression.pmml"), "seed": 7}
+
+
+def snake(name):
+    return re.sub("[A-Z]", lambda letter: "_" + letter[0].lower(), name)
 
 
 class Plots(unittest.TestCase):
@@ -68,6 +77,19 @@ class Plots(unittest.TestCase):
             with self.assertRaisesRegex(ValueError, "expected a file ending in .png, .svg or .pdf"):
                 self.waiting.graph("histogram").save(os.path.join(folder, "g.gif"))
 
+    def test_dialogs_save_graphs_as_pictures(self):
+        with tempfile.TemporaryDirectory() as folder:
+            dialog = self.fits.dialog
+            dialog.ResultsSaveFileName = os.path.join(folder, "qq.svg")
+            dialog.QQPlot
+            with open(os.path.join(folder, "qq.svg"), encoding="utf-8") as file:
+                self.assertIn("Q-Q Plot of", file.read())
+            for name, message in (("t.png", "a table goes into .csv, .npz or .bvw"), ("t.gif", "in .json, .png, .svg or .pdf")):
+                with self.assertRaisesRegex(brenvolt.Error, message):
+                    dialog.ResultsSaveFileName = os.path.join(folder, name)
+                    dialog.SummaryStats
+            self.assertEqual(os.listdir(folder), ["qq.svg"])
+
     def test_fit_simulate_and_profile_write_pictures(self):
         with tempfile.TemporaryDirectory() as folder:
             path = lambda name: os.path.join(folder, name)
@@ -78,20 +100,103 @@ class Plots(unittest.TestCase):
             with open(path("pairs.svg"), encoding="utf-8") as file:
                 self.assertRegex(file.read(), r">reached 0\.\d+</text>")
 
-    def test_responses_draw_what_drives_them(self):
+    def test_responses_draw_as_the_command_draws_them(self):
         found = brenvolt.profile(**OZONE, specifications={"O3": (2, None, 25)})
         axes = found.plot("tornado")
         numpy.testing.assert_allclose([bar.get_width() for bar in axes.patches],
                                       found.responses["O3"].sensitivity["rank_correlation"])
         axes = found.plot("histogram", "O3")
-        self.assertEqual([line.get_label() for line in axes.lines], ["LSL 2", "USL 25"])
-        self.assertEqual(sum(bar.get_height() for bar in axes.patches), found.runs)
-        self.assertEqual([one.get_xlabel() for one in found.plot("profile")], list(found.predictors))
-        with self.assertRaisesRegex(ValueError, "kind must be one of tornado, histogram, profile, not 'pie'"):
+        self.assertEqual([line.get_label() for line in axes.lines][:2], ["LSL 2", "USL 25"])
+        self.assertEqual(sum(bar.get_height() for bar in axes.containers[0]), found.runs)
+        excluded = found.responses["O3"].graph("histogram").regions
+        self.assertEqual([(one["from"], one["to"]) for one in excluded], [(-math.inf, 2), (25, math.inf)])
+        axes = found.plot("profile")
+        self.assertEqual([one.get_xlabel() for one in axes], list(found.predictors))
+        band = found.responses["O3"].graph("profile").panels[0].bands[0]
+        filled = axes[0].collections[0].get_paths()[0].vertices
+        self.assertEqual(filled[:, 1].min(), band["lower"].min())
+        self.assertEqual([one.get_ylabel() for one in found.plot("defect-profile")], ["Defect Rate"] * len(found.predictors))
+        self.assertEqual(found.plot("capability").get_title(), "Capability of O3")
+        with self.assertRaisesRegex(ValueError, "kind must be one of .*tornado, profile.*, not 'pie'"):
             found.plot("pie")
+        with self.assertRaisesRegex(ValueError, "not 'capability'"):
+            brenvolt.profile(**OZONE).plot("capability")
+
+    def test_samples_draw_what_was_asked_for_and_what_came(self):
+        samples = brenvolt.simulate({"a": "normal(10, 2)", "k": "poisson(3)"}, 2000, "iman-conover", seed=1,
+                                    correlations={("a", "k"): 0.5})
+        axes = samples.plot("scatter-matrix")
+        self.assertEqual(axes.shape, (4,))
+        reached = samples.corr("spearman").loc["a", "k"]
+        self.assertEqual(axes[1].texts[0].get_text(), f"reached {reached:.3f}\nasked 0.500")
+        histogram, counts = samples.plot("histogram")
+        line = histogram.lines[0]
+        width = histogram.patches[0].get_width()
+        x, y = line.get_data()
+        density = numpy.exp(-(((x - 10) / 2) ** 2) / 2) / (2 * math.sqrt(2 * math.pi))
+        numpy.testing.assert_allclose(y, 2000 * width * density)
+        self.assertEqual(line.get_label(), "normal(location=10, scale=2)")
+        expected = dict(zip(*counts.lines[0].get_data()))
+        self.assertAlmostEqual(expected[3], 2000 * math.exp(-3) * 27 / 6)
+        given = matplotlib.pyplot.subplots()[1]
+        self.assertIs(samples.plot("heat-map", ax=given), given)
+        self.assertEqual(samples.plot.hist().get_ylabel(), "Frequency")
+        self.assertEqual(len(samples.plot(kind="line").lines), 2)
+        self.assertIs(type(samples), pandas.DataFrame)
+        bars = brenvolt.simulate({"a": "normal(0, 1)"}, seed=1).plot("histogram").containers[0]
+        self.assertEqual(sum(bar.get_height() for bar in bars), 1000)
+        samples["b"] = samples.a * 2
+        self.assertEqual(len(samples.plot("histogram")), 3)
+        alive = weakref.ref(samples)
+        gc.disable()
+        self.addCleanup(gc.enable)
+        self.assertIn("<svg", samples._repr_html_())
+        del samples
+        self.assertIsNone(alive())
+
+    def test_names_are_those_of_the_json(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "g.json")
+            fits = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions=["weibull"], graphs=path)
+            with open(path, encoding="utf-8") as file:
+                written = {graph["kind"]: graph for graph in json.load(file)["variables"][1]["graphs"]}
+            found = brenvolt.profile(**OZONE, specifications={"O3": (2, None, 25)}, graphs=path)
+            with open(path, encoding="utf-8") as file:
+                profile = json.load(file)
+        pairs = [(written[kind], fits.variables["waiting"].graph(kind)) for kind in written]
+        pairs.append((profile["responses"][0]["graphs"][0], found.responses["O3"].graph("histogram")))
+        pairs += zip(profile["profiles"]["panels"], found.responses["O3"].graph("profile").panels)
+        seen = set()
+        for wanted, graph in pairs:
+            for key, value in wanted.items():
+                seen.add(key)
+                self._compare(value, getattr(graph, snake(key)), key)
+        self.assertLessEqual({"kind", "xTitle", "bars", "series", "curves", "boxes", "bands", "regions"}, seen)
+
+    def _compare(self, wanted, found, key):
+        if isinstance(wanted, dict):
+            self.assertEqual([snake(name) for name in wanted], list(found), key)
+            for name, value in wanted.items():
+                self._compare(value, found[snake(name)], name)
+        elif isinstance(wanted, list):
+            self.assertEqual(len(wanted), len(found), key)
+            for one, other in zip(wanted[:3], found):
+                self._compare(one, other, key)
+        elif wanted is None:
+            self.assertFalse(math.isfinite(found), key)
+        else:
+            self.assertEqual(wanted, found, key)
+
+    def test_fits_are_compared_and_banded(self):
+        graph = self.waiting.graph("fit-comparison")
+        self.assertEqual([curve["name"].split("(")[0] for curve in graph.curves], ["Weibull", "Normal"])
+        band = self.waiting.graph("qq", "normal", band=True).bands[0]
+        self.assertTrue((band["lower"] < band["upper"]).all())
+        self.assertEqual(self.waiting.graph("qq", "normal").bands, [])
 
     def test_notebooks_show_a_small_picture(self):
         self.assertIn("<svg", self.waiting._repr_html_())
+        self.assertIn("<svg", brenvolt.profile(**OZONE)._repr_html_())
         self.assertTrue(re.match(r"<\?xml", self.waiting.graph("qq")._repr_svg_()))
 
     def test_matplotlib_is_imported_only_to_draw(self):
