@@ -352,8 +352,15 @@ template <class Job>
 void DefineInputs(py::class_<Job>& job) {
   using Texts = std::vector<std::string>;
   job.def_property("designed", nullptr, [](Job& j, Texts texts) { j.inputs.designed = std::move(texts); })
-      .def_property("correlations", nullptr,
-                    [](Job& j, Texts texts) { j.inputs.correlations = std::move(texts); })
+      .def_property("named", nullptr,
+                    [](Job& j, std::vector<std::pair<std::string, std::string>> named) {
+                      j.inputs.named = std::move(named);
+                    })
+      .def_property("pairs", nullptr,
+                    [](Job& j, const std::vector<std::tuple<std::string, std::string, double>>& pairs) {
+                      for (const auto& [first, second, value] : pairs)
+                        j.inputs.pairs.push_back({first, second, value});
+                    })
       .def_property("correlation_table", nullptr,
                     [](Job& j, const Sheet& table) { j.inputs.correlationTable = CopyOf(table); })
       .def_property("from_file", nullptr,

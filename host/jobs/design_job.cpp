@@ -120,7 +120,9 @@ DesignText HandInputs::Read(const std::vector<std::string>* others, JobFaults& f
     }
   }
   for (const std::string& text : designed) AddVariable("designed", text, design, faults);
+  for (const auto& [name, text] : named) AddVariable("designed", name, text, design, faults);
   for (const std::string& text : correlations) AddCorrelation("correlations", text, others, design, faults);
+  for (const NotedCorrelation& pair : pairs) AddCorrelation("correlations", pair, others, design, faults);
   if (correlationTable != nullptr) AddCorrelations("correlations", *correlationTable, others, design, faults);
   return design;
 }

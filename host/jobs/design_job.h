@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "host/jobs/base/job_data.h"
@@ -18,13 +19,18 @@ namespace brenvolt {
 struct HandInputs {
   std::vector<std::string> designed;      // variables in the notation: "h ~ normal(50.2, 0.05)"
   std::vector<std::string> correlations;  // "h,a=0.4"
-  std::string matrix;                     // its name (NamedMatrix); the correlations are entered into it
+  // The same from programs, which need not write names into texts: names with distributions in the notation, and pairs.
+  std::vector<std::pair<std::string, std::string>> named;
+  std::vector<NotedCorrelation> pairs;
+  std::string matrix;  // its name (NamedMatrix); the correlations are entered into it
   std::shared_ptr<const Spreadsheet> correlationTable;  // a square table in place of pairs (MatrixFromTable)
   std::filesystem::path fromFile;                       // a text file of such lines, before the others
 
-  bool HasCorrelations() const { return !correlations.empty() || correlationTable != nullptr; }
+  bool HasCorrelations() const {
+    return !correlations.empty() || !pairs.empty() || correlationTable != nullptr;
+  }
   bool IsEmpty() const {
-    return designed.empty() && !HasCorrelations() && matrix.empty() && fromFile.empty();
+    return designed.empty() && named.empty() && !HasCorrelations() && matrix.empty() && fromFile.empty();
   }
   // What the texts say, with the faults of all. Correlations may also name `others`; if that is null, any variable.
   DesignText Read(const std::vector<std::string>* others, JobFaults& faults) const;

@@ -64,18 +64,10 @@ def _parts(source, correlations):
 def _notation(name, distribution):
     if isinstance(distribution, Distribution):
         values, offset = list(distribution._values), distribution._offset if distribution._has_offset else 0.0
-        return f"{name} ~ {_brenvolt._notation(distribution.code, values, offset)}"
+        return _brenvolt._notation(distribution.code, values, offset)
     if isinstance(distribution, str):
-        return f"{name} ~ {distribution}"
+        return distribution
     return _arguments.refuse(f"the distribution of {name}", "a Distribution or its notation", distribution)
-
-
-def _variables(variables):
-    if variables is None:
-        return []
-    if isinstance(variables, Mapping):
-        return [_notation(name, distribution) for name, distribution in variables.items()]
-    return _arguments.texts(variables, "variables", "a line of text")
 
 
 def _square(matrix, what, names=None):
@@ -128,12 +120,15 @@ def _framed(rows):
 
 def _enter(job, variables, correlations=None, from_file=None):
     """Enters in a job what is given by hand."""
-    job.designed = _variables(variables)
+    if isinstance(variables, Mapping):
+        job.named = [(str(name), _notation(name, distribution)) for name, distribution in variables.items()]
+    else:
+        job.designed = _arguments.texts(variables, "variables", "a line of text")
     if from_file is not None:
         job.from_file = _arguments.path(from_file, "from_file")
     correlations = _framed(correlations)
     if isinstance(correlations, Mapping):
-        job.correlations = _pairs(correlations, "correlations")
+        job.pairs = _pairs(correlations, "correlations")
     elif hasattr(correlations, "shape"):
         is_whole = isinstance(variables, Mapping) and from_file is None
         names = list(variables) if is_whole else job.designed_names()
@@ -143,17 +138,16 @@ def _enter(job, variables, correlations=None, from_file=None):
 
 
 def _pairs(correlations, what):
-    """The correlations of a mapping of pairs, in the notation."""
+    """The correlations of a mapping of pairs, [(first, second, number)]."""
     if correlations is None:
         return []
     if not isinstance(correlations, Mapping):
         _arguments.refuse(what, "a mapping of pairs", correlations)
-    texts = []
-    for pair, value in correlations.items():
+    for pair in correlations:
         if not isinstance(pair, tuple) or len(pair) != 2:
             raise ValueError(f"{what} must be between pairs (first, second), not {pair!r}")
-        texts.append(f"{pair[0]},{pair[1]}={_arguments.number(value, f'{what}[{pair!r}]')!r}")
-    return texts
+    return [(str(first), str(second), _arguments.number(value, f"{what}[{(first, second)!r}]"))
+            for (first, second), value in correlations.items()]
 
 
 def design(project: str | os.PathLike, variables: Mapping[str, Distribution | str] | Iterable[str] | None = None, *,

@@ -625,7 +625,8 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                correlated=correlated, fit_best=fit_best, saved_fits=saved_fits,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
                noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
-               noise_correlations=_design._pairs(noise_correlations, "noise_correlations"),
+               noise_correlations=[f"{first},{second}={value!r}" for first, second, value in
+                                   _design._pairs(noise_correlations, "noise_correlations")],
                specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
                                       "(lower limit, target, upper limit)"),
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),

@@ -124,6 +124,15 @@ class Designs(Folder):
                 pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
                 os.remove("p.bvw")
 
+    def test_names_may_hold_the_signs_of_the_notation(self):
+        names = ["a ~ b", "# of parts", "x, y = 1"]
+        wanted = {("a ~ b", "# of parts"): 0.5, ("# of parts", "x, y = 1"): -0.25}
+        samples = brenvolt.simulate({name: "normal(0, 1)" for name in names}, 50, "iman-conover", seed=1, correlations=wanted)
+        self.assertEqual(list(samples), names)
+        self.assertEqual(samples.attrs["correlations"]["asked"]["# of parts"], {"a ~ b": 0.5, "# of parts": 1.0, "x, y = 1": -0.25})
+        self.assertEqual(list(brenvolt.profile({name: Normal(0, 1) for name in names}, formulas="y = 'a ~ b' + 1", samples=200).predictors)[0],
+                         "a ~ b")
+
     def test_samples_tell_what_they_were_drawn_from(self):
         inputs = {"h": Normal(50.2, 0.05), "cost": "triangular(100, 180, 120) in [, 170]", "n": Poisson(3)}
         wanted = {("h", "cost"): 0.9, ("h", "n"): 0.9, ("cost", "n"): -0.9}

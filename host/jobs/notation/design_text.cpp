@@ -79,16 +79,23 @@ void Shorten(const std::filesystem::path& file, std::size_t from, JobFaults& fau
   faults.push_back({"fromFile", file.string() + ": and " + std::to_string(more) + " more"});
 }
 
+void RequireCorrelation(double value, const std::string& pair) {
+  if (std::abs(value) <= 1) return;
+  throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(value) + " for " + pair);
+}
+
+void RequireTwo(const NotedCorrelation& pair, std::string_view text) {
+  if (pair.first.empty() || pair.second.empty()) throw Error(std::string(kForm) + ", got " + Quoted(text));
+  if (pair.first == pair.second) throw Error("a variable is correlated with itself by 1, " + Quoted(text));
+}
+
 NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::string>& known) {
   const std::size_t equals = text.rfind('=');
   const auto value =
       equals == std::string_view::npos ? std::nullopt : ParseNumber(Trim(text.substr(equals + 1)));
   if (!value) throw Error(std::string(kForm) + ", got " + Quoted(text));
   const std::string_view pair = text.substr(0, equals);
-  if (!(std::abs(*value) <= 1)) {
-    throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(*value) + " for " +
-                std::string(Trim(pair)));
-  }
+  RequireCorrelation(*value, std::string(Trim(pair)));
   NotedCorrelation first{.first = {}, .second = {}, .value = *value};
   for (std::size_t comma = pair.find(','); comma != std::string_view::npos;
        comma = pair.find(',', comma + 1)) {
@@ -99,9 +106,39 @@ NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::s
     first = parted;
     break;
   }
-  if (first.first.empty() || first.second.empty()) throw Error(std::string(kForm) + ", got " + Quoted(text));
-  if (first.first == first.second) throw Error("a variable is correlated with itself by 1, " + Quoted(text));
+  RequireTwo(first, text);
   return first;
+}
+
+// `Read` makes of a text, or of its parts, what is added; an error is a fault of the field.
+template <class Read>
+void AddTo(DesignText& design, const std::string& field, JobFaults& faults, Read read) {
+  try {
+    NotedVariable variable = read();
+    if (Contains(design.Names(), variable.name))
+      throw Error("the variable " + variable.name + " is given twice");
+    design.variables.push_back(std::move(variable));
+  } catch (const Error& error) {
+    faults.push_back({field, MessageOf(error)});
+  }
+}
+
+template <class Read>
+void AddPairTo(DesignText& design, const std::string& field, const std::vector<std::string>* others,
+               JobFaults& faults, Read read) {
+  try {
+    std::vector<std::string> known = design.Names();
+    if (others != nullptr) known.insert(known.end(), others->begin(), others->end());
+    NotedCorrelation correlation = read(known);
+    if (others != nullptr) {
+      RequireKnown(correlation.first, known);
+      RequireKnown(correlation.second, known);
+    }
+    RequireNew(correlation, design.correlations);
+    design.correlations.push_back(std::move(correlation));
+  } catch (const Error& error) {
+    faults.push_back({field, MessageOf(error)});
+  }
 }
 
 }  // namespace
@@ -113,31 +150,29 @@ std::vector<std::string> DesignText::Names() const {
 }
 
 void AddVariable(const std::string& field, std::string_view text, DesignText& design, JobFaults& faults) {
-  try {
-    NotedVariable variable = ReadVariable(text);
-    if (Contains(design.Names(), variable.name))
-      throw Error("the variable " + variable.name + " is given twice");
-    design.variables.push_back(std::move(variable));
-  } catch (const Error& error) {
-    faults.push_back({field, MessageOf(error)});
-  }
+  AddTo(design, field, faults, [&] { return ReadVariable(text); });
+}
+
+void AddVariable(const std::string& field, const std::string& name, std::string_view distribution,
+                 DesignText& design, JobFaults& faults) {
+  AddTo(design, field, faults, [&] { return ReadVariable(name, distribution); });
 }
 
 void AddCorrelation(const std::string& field, std::string_view text, const std::vector<std::string>* others,
                     DesignText& design, JobFaults& faults) {
-  try {
-    std::vector<std::string> known = design.Names();
-    if (others != nullptr) known.insert(known.end(), others->begin(), others->end());
-    NotedCorrelation correlation = ReadCorrelation(text, known);
-    if (others != nullptr) {
-      RequireKnown(correlation.first, known);
-      RequireKnown(correlation.second, known);
-    }
-    RequireNew(correlation, design.correlations);
-    design.correlations.push_back(std::move(correlation));
-  } catch (const Error& error) {
-    faults.push_back({field, MessageOf(error)});
-  }
+  AddPairTo(design, field, others, faults,
+            [&](const std::vector<std::string>& known) { return ReadCorrelation(text, known); });
+}
+
+void AddCorrelation(const std::string& field, const NotedCorrelation& correlation,
+                    const std::vector<std::string>* others, DesignText& design, JobFaults& faults) {
+  AddPairTo(design, field, others, faults, [&](const std::vector<std::string>& /*known*/) {
+    const NotedCorrelation pair{std::string(Trim(correlation.first)), std::string(Trim(correlation.second)),
+                                correlation.value};
+    RequireCorrelation(pair.value, pair.first + "," + pair.second);
+    RequireTwo(pair, pair.first + "," + pair.second + "=" + ShortestNumber(pair.value));
+    return pair;
+  });
 }
 
 void AddCorrelations(const std::string& field, const Spreadsheet& table,

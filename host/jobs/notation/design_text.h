@@ -40,6 +40,11 @@ std::string TextOf(const DesignText& design);
 // before the last equals sign is a pair of names. Names may hold commas: of several ways to part them, one counts whose
 // names are both known, of variables of the design or of `others`. If that is null, names may be unknown.
 void AddVariable(const std::string& field, std::string_view text, DesignText& design, JobFaults& faults);
+// The same of a name and a distribution apart, and of names and a number.
+void AddVariable(const std::string& field, const std::string& name, std::string_view distribution,
+                 DesignText& design, JobFaults& faults);
+void AddCorrelation(const std::string& field, const NotedCorrelation& correlation,
+                    const std::vector<std::string>* others, DesignText& design, JobFaults& faults);
 void AddCorrelation(const std::string& field, std::string_view text, const std::vector<std::string>* others,
                     DesignText& design, JobFaults& faults);
 

@@ -62,6 +62,11 @@ class Reader {
     const std::size_t tilde = text_.find('~');
     if (tilde == std::string_view::npos)
       Fail(0, "expected a name, '~' and a distribution, as in h ~ normal(50.2, 0.05)");
+    return VariableUpTo(tilde);
+  }
+
+  // The name ends before the '~' at this place.
+  NotedVariable VariableUpTo(std::size_t tilde) {
     NotedVariable variable;
     variable.name = Trim(text_.substr(0, tilde));
     if (variable.name.empty()) Fail(0, "expected the name of a variable before '~'");
@@ -343,6 +348,10 @@ NotedDistribution ReadDistribution(std::string_view text) {
 
 NotedVariable ReadVariable(std::string_view text) {
   return Reader(text).Variable();
+}
+
+NotedVariable ReadVariable(const std::string& name, std::string_view distribution) {
+  return Reader(name + " ~ " + std::string(distribution)).VariableUpTo(name.size() + 1);
 }
 
 std::string NotationOf(const NotedDistribution& distribution) {

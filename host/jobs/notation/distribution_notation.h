@@ -45,10 +45,12 @@ class NotationError : public Error {
   NotationError(std::string_view text, std::size_t place, const std::string& what);
 };
 
-// Both throw NotationError. What they return is valid: values in their ranges and consistent, bounds that leave
+// All throw NotationError. What they return is valid: values in their ranges and consistent, bounds that leave
 // something of the distribution.
 NotedDistribution ReadDistribution(std::string_view text);
 NotedVariable ReadVariable(std::string_view text);
+// Of a name that stands apart, so that it may hold any character.
+NotedVariable ReadVariable(const std::string& name, std::string_view distribution);
 
 // The texts that read back as exactly these.
 std::string NotationOf(const NotedDistribution& distribution);

@@ -41,13 +41,24 @@ TEST(DistributionNotation, ReadsOrdersNamesSynonymsOffsetsAndBounds) {
     EXPECT_EQ(NotationOf(variable), row.canonical);
     EXPECT_EQ(NotationOf(ReadVariable(row.canonical)), row.canonical) << "reads back";
   }
-  EXPECT_EQ(ReadDistribution("weibull(1, 2)").offset, 0.0);
-  EXPECT_EQ(ReadDistribution("histogram(b:0.4, a:0.6)").values, (std::vector<double>{1, 0.4, 2, 0.6}));
-  EXPECT_EQ(ReadDistribution("normal(0.1, 0.3)").values, (std::vector<double>{0.1, 0.3}));
+  EXPECT_EQ(ReadVariable("x ~ weibull(1, 2)").distribution.offset, 0.0);
+  EXPECT_EQ(ReadVariable("x ~ normal(0.1, 0.3)").distribution.values, (std::vector<double>{0.1, 0.3}));
+  EXPECT_EQ(ReadVariable("x ~ histogram(b:0.4, a:0.6)").distribution.values,
+            (std::vector<double>{1, 0.4, 2, 0.6}));
   SetUserNumberLocale({','});
-  EXPECT_EQ(NotationOf(ReadDistribution("normal(0.1, 0.3)")), "normal(location=0.1, scale=0.3)")
+  EXPECT_EQ(NotationOf(ReadVariable("x ~ normal(0.1, 0.3)")), "x ~ normal(location=0.1, scale=0.3)")
       << "in every locale";
   SetUserNumberLocale({});
+}
+
+TEST(DistributionNotation, NameThatStandsApartMayHoldAnyCharacter) {
+  for (const char* name : {"a ~ b", "# of parts", "correlation a, b = 1"}) {
+    const NotedVariable variable = ReadVariable(name, "normal(1, 2)");
+    EXPECT_EQ(variable.name, name);
+    EXPECT_EQ(variable.distribution.values, (std::vector<double>{1, 2}));
+  }
+  EXPECT_EQ(ReadVariable(" x ", "normal(1, 2)").name, "x");
+  EXPECT_THROW(ReadVariable(" ", "normal(1, 2)"), NotationError);
 }
 
 TEST(DistributionNotation, FaultsPointAtTheCharacterAndSayWhatTheTypeTakes) {
