@@ -6,6 +6,7 @@
 #include <span>
 
 #include "brv_sra/resources/column_headings.h"
+#include "brv_sra/resources/distribution_names_texts.h"
 #include "brv_sra/resources/fit_texts.h"
 #include "brv_sra/resources/known_texts.h"
 #include "brv_sra/resources/profiler_texts.h"
@@ -16,7 +17,8 @@ namespace {
 
 using Texts = std::span<const StringResource>;
 
-constexpr Texts kTexts[] = {kKnownTexts, kColumnHeadings, kFitTexts, kSimulationTexts, kProfilerTexts};
+constexpr Texts kTexts[] = {kKnownTexts, kDistributionTexts, kColumnHeadings,
+                            kFitTexts,   kSimulationTexts,   kProfilerTexts};
 
 // The look-up halves each table: out of order it would miss texts.
 constexpr bool IsAscending(Texts texts) {

@@ -14,7 +14,7 @@
 
 namespace brenvolt {
 
-// Normal, Log Normal, Weibull, General Extreme Value, Rayleigh and Half Normal, in the order of their codes.
+// Those that can be fitted to censored values, in the order of their codes.
 std::span<const DistributionCode> CensoredDistributions();
 
 struct CensoredEstimate {
