@@ -87,8 +87,19 @@ TEST_F(CapabilityCommand, TakesPercentilesWhereTheValuesAreNotNormal) {
   const auto named = Report({"capability", "d.csv", "--spec", "y=,,6", "--distribution", "weibull"});
   EXPECT_TRUE(named["percentiles"]["distribution"].get<std::string>().starts_with("weibull("));
   // Of the exponential distribution: (6 - ln 2) / (-ln 0.00135 - ln 2).
-  EXPECT_NEAR(named["percentiles"]["ppu"], 0.8972, 0.01);
-  EXPECT_NEAR(named["percentiles"]["expectedPpm"]["above"], 2479, 200);
+  const auto& ppu = named["percentiles"]["ppu"];
+  const auto& above = named["percentiles"]["expectedPpm"]["above"];
+  EXPECT_NEAR(ppu["value"], 0.8972, 0.01);
+  EXPECT_NEAR(above["value"], 2479, 200);
+  EXPECT_TRUE(ppu["lower"].is_null());
+  const auto bootstrapped =
+      Report({"capability", "d.csv", "--spec", "y=,,6", "--distribution", "weibull", "--bootstrap", "200"});
+  for (const auto& row :
+       {bootstrapped["percentiles"]["ppu"], bootstrapped["percentiles"]["expectedPpm"]["above"]}) {
+    EXPECT_LT(row["lower"], row["value"]);
+    EXPECT_GT(row["upper"], row["value"]);
+  }
+  EXPECT_EQ(bootstrapped["percentiles"]["ppu"]["value"], ppu["value"]);
 }
 
 TEST_F(CapabilityCommand, RefusesWhatHasNoCapability) {

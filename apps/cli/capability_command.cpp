@@ -55,6 +55,11 @@ void AddChoices(CLI::App& command, CapabilityJob& job) {
           "Distribution whose percentiles are used; default: the one that fits best where the values are "
           "not normal")
       ->type_name("NAME");
+  AddNumber(
+      command, "--bootstrap", "bootstrap", job.bootstrap, "N",
+      "Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution");
+  AddNumber(command, "--bootstrap-seed", "bootstrapSeed", job.bootstrapSeed, "S",
+            "With --bootstrap, where its random numbers start; default 1");
   AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
             "Of the intervals, between 0 and 1; default 0.95");
 }

@@ -144,10 +144,15 @@ class IndexTable {
     table_.AddRow(std::move(cells));
   }
 
-  template <class Values>
-  std::string Fitted(Values PercentileCapability::*values, double Values::*value, Quantity quantity) const {
-    return found_.fitted ? WithLimits(found_.fitted->percentiles.*values.*value, {}, quantity)
-                         : std::string();
+  std::string Fitted(double CapabilityIndices::*index, ConfidenceInterval IndexIntervals::*interval) const {
+    if (!found_.fitted) return {};
+    return WithLimits(found_.fitted->percentiles.indices.*index, found_.fitted->intervals.indices.*interval,
+                      kIndex);
+  }
+  std::string Fitted(double PartsPerMillion::*parts, ConfidenceInterval PartsIntervals::*interval) const {
+    if (!found_.fitted) return {};
+    return WithLimits(found_.fitted->percentiles.expected.*parts, found_.fitted->intervals.expected.*interval,
+                      kParts);
   }
 
   void AddIndices() {
@@ -164,7 +169,7 @@ class IndexTable {
     for (const Row& row : kRows) {
       AddRow(row.heading, WithLimits(report.within.*row.index, report.withinIntervals.*row.interval, kIndex),
              WithLimits(report.overall.*row.index, report.overallIntervals.*row.interval, kIndex),
-             Fitted(&PercentileCapability::indices, row.index, kIndex), "");
+             Fitted(row.index, row.interval), "");
     }
     table_.AddRow({"Cpm", "", WithLimits(report.cpm, {}, kIndex)});
   }
@@ -185,7 +190,7 @@ class IndexTable {
           WithLimits(report.expectedWithin.*row.parts, report.expectedWithinIntervals.*row.interval, kParts),
           WithLimits(report.expectedOverall.*row.parts, report.expectedOverallIntervals.*row.interval,
                      kParts),
-          Fitted(&PercentileCapability::expected, row.parts, kParts),
+          Fitted(row.parts, row.interval),
           WithLimits(report.observed.*row.parts, report.observedIntervals.*row.interval, kParts));
     }
   }

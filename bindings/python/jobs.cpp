@@ -523,6 +523,8 @@ void BindCapabilityJob(py::module_& module) {
       .def_readwrite("control_chart", &CapabilityJob::controlChart)
       .def_readwrite("rules", &CapabilityJob::rules)
       .def_readwrite("distribution", &CapabilityJob::distribution)
+      .def_readwrite("bootstrap", &CapabilityJob::bootstrap)
+      .def_readwrite("bootstrap_seed", &CapabilityJob::bootstrapSeed)
       .def_readwrite("confidence", &CapabilityJob::confidence)
       .def_readwrite("select", &CapabilityJob::select)
       .def("check", &Check<CapabilityJob>)

@@ -16,7 +16,6 @@ namespace brenvolt {
 namespace {
 
 constexpr double kMostCount = std::numeric_limits<std::int32_t>::max();
-constexpr double kMostBootstrapSamples = 1'000'000;
 
 using Names = std::vector<std::string>;
 
@@ -56,7 +55,7 @@ class FitCheck {
     Counts("trials", job_.trials, "binomial", 1, kMostCount);
     if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
-    Bootstrap();
+    CheckBootstrap(job_.bootstrap, job_.bootstrapSeed, faults_);
     Quantiles();
     Saving();
     Save();
@@ -155,13 +154,6 @@ class FitCheck {
     if (!counts.empty()) RequireTried(field, *FindFittedType(distribution));
   }
 
-  void Bootstrap() {
-    if (job_.bootstrap) CheckWholeNumber("bootstrap", *job_.bootstrap, 1, kMostBootstrapSamples, faults_);
-    if (!job_.bootstrapSeed) return;
-    CheckWholeNumber("bootstrapSeed", *job_.bootstrapSeed, 0, kMostCount, faults_);
-    if (!job_.bootstrap) Add("bootstrapSeed", "a seed has no effect without a bootstrap");
-  }
-
   void Quantiles() {
     for (const double p : job_.quantiles) CheckWithin("quantiles", "a probability", p);
     for (const double x : job_.exceed) CheckNumber("exceed", x, faults_, "");
@@ -248,6 +240,15 @@ void CheckFitted(std::string_view field, const Entries& entries, const Names& na
 }
 
 }  // namespace
+
+void CheckBootstrap(const std::optional<double>& samples, const std::optional<double>& seed,
+                    JobFaults& faults) {
+  constexpr double kMostSamples = 1'000'000;
+  if (samples) CheckWholeNumber("bootstrap", *samples, 1, kMostSamples, faults);
+  if (!seed) return;
+  CheckWholeNumber("bootstrapSeed", *seed, 0, kMostCount, faults);
+  if (!samples) faults.push_back({"bootstrapSeed", "a seed has no effect without a bootstrap"});
+}
 
 JobFaults FitJob::CheckSaving(const Names& fitted) const {
   JobFaults faults = FitCheck(*this).SavingFaults();

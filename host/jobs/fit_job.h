@@ -109,4 +109,8 @@ struct FitJob {
   std::vector<std::string> Fit(AnalysisSession& session, const Spreadsheet& sheet) const;
 };
 
+// The fields bootstrap and bootstrapSeed of a job that fits.
+void CheckBootstrap(const std::optional<double>& samples, const std::optional<double>& seed,
+                    JobFaults& faults);
+
 }  // namespace brenvolt

@@ -15,32 +15,6 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-FittedValues ValuesOf(const FittedDistribution& fit) {
-  FittedValues values{
-      static_cast<DistributionCode>(fit.code), fit.parameters, std::isnan(fit.offset) ? 0 : fit.offset, {}};
-  for (const std::vector<double>& row : fit.covariance)
-    values.covariance.insert(values.covariance.end(), row.begin(), row.end());
-  return values;
-}
-
-// The fits to samples from a fit, which depend on the seed, the variable and the distribution alone.
-std::optional<FitBootstrap> BootstrapOf(const FitJob& job, const FittedVariable& variable,
-                                        const FittedValues& fit, std::size_t number) {
-  constexpr std::size_t kValuesOfComponent = 3;
-  if (!job.bootstrap) return std::nullopt;
-  const RandomStream stream = RandomStream(AsInteger(job.bootstrapSeed.value_or(1)))
-                                  .Substream(number, static_cast<std::uint64_t>(fit.code));
-  EstimationChoices choices;
-  choices.isByPercentiles = job.johnsonPercentiles;
-  if (fit.code == DistributionCode::kGaussianMixture)
-    choices.components = static_cast<std::int32_t>(fit.values.size() / kValuesOfComponent);
-  const EstimationPoll poll = [] {
-    if (InterruptionRequested()) throw UserCancelled();
-  };
-  return FitBootstrap(fit, static_cast<std::size_t>(variable.moments.Number("n"_column)),
-                      static_cast<std::size_t>(*job.bootstrap), stream, choices, poll);
-}
-
 Json NumberOrNull(double value) {
   return IsNotSet(value) || !std::isfinite(value) ? Json(nullptr) : Json(value);
 }
@@ -126,6 +100,27 @@ Graph ReturnLevelGraph(const FitJob& job, const FittedVariable& variable, const 
 
 }  // namespace
 
+FittedValues ValuesOf(const FittedDistribution& fit) {
+  FittedValues values{
+      static_cast<DistributionCode>(fit.code), fit.parameters, std::isnan(fit.offset) ? 0 : fit.offset, {}};
+  for (const std::vector<double>& row : fit.covariance)
+    values.covariance.insert(values.covariance.end(), row.begin(), row.end());
+  return values;
+}
+
+FitBootstrap BootstrapOf(const FittedValues& fit, std::size_t count, double samples,
+                         const RandomStream& stream, bool isByPercentiles) {
+  constexpr std::size_t kValuesOfComponent = 3;
+  EstimationChoices choices;
+  choices.isByPercentiles = isByPercentiles;
+  if (fit.code == DistributionCode::kGaussianMixture)
+    choices.components = static_cast<std::int32_t>(fit.values.size() / kValuesOfComponent);
+  const EstimationPoll poll = [] {
+    if (InterruptionRequested()) throw UserCancelled();
+  };
+  return FitBootstrap(fit, count, static_cast<std::size_t>(samples), stream, choices, poll);
+}
+
 FitQuantiles ReadOff(const FitJob& job, const std::string& name, const FittedValues& fit,
                      const FitBootstrap* bootstrap) {
   FitQuantiles found{name, job.IntervalConfidence()};
@@ -152,8 +147,14 @@ std::optional<FitQuantiles> QuantilesOf(const FitJob& job, const FittedVariable&
   const FittedDistribution* best = variable.Best();
   if (!job.AsksForQuantiles() || !variable.isContinuous || best == nullptr) return std::nullopt;
   const FittedValues fit = ValuesOf(*best);
-  const auto bootstrap = BootstrapOf(job, variable, fit, number);
-  return ReadOff(job, best->name, fit, bootstrap ? &*bootstrap : nullptr);
+  if (!job.bootstrap) return ReadOff(job, best->name, fit, nullptr);
+  // The samples depend on the seed, the variable and the distribution alone.
+  const RandomStream stream = RandomStream(AsInteger(job.bootstrapSeed.value_or(1)))
+                                  .Substream(number, static_cast<std::uint64_t>(fit.code));
+  const FitBootstrap bootstrap =
+      BootstrapOf(fit, static_cast<std::size_t>(variable.moments.Number("n"_column)), *job.bootstrap, stream,
+                  job.johnsonPercentiles);
+  return ReadOff(job, best->name, fit, &bootstrap);
 }
 
 std::vector<std::optional<FitQuantiles>> AllQuantiles(const FitJob& job,

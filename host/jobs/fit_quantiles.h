@@ -31,6 +31,12 @@ struct FitQuantiles {
   std::string note = {};  // why there are no intervals by covariance; empty if there are
 };
 
+// A fit with its covariance, where it was read with that.
+FittedValues ValuesOf(const FittedDistribution& fit);
+// Fits to samples from a fit of `count` values, which an interruption ends.
+FitBootstrap BootstrapOf(const FittedValues& fit, std::size_t count, double samples,
+                         const RandomStream& stream, bool isByPercentiles);
+
 // What the job asks for about a fit. `bootstrap` may be null.
 FitQuantiles ReadOff(const FitJob& job, const std::string& name, const FittedValues& fit,
                      const FitBootstrap* bootstrap);

@@ -123,6 +123,11 @@ struct PercentileCapability {
   CapabilityIndices indices;
   PartsPerMillion expected;
 };
+// Their intervals, from what bootstrapped fits give.
+struct PercentileIntervals {
+  IndexIntervals indices;
+  PartsIntervals expected;
+};
 // Throws Error when the limits are not valid. Nothing is set if a point is not finite or the points do not
 // ascend.
 PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,

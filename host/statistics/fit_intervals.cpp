@@ -100,16 +100,6 @@ ConfidenceInterval DeltaInterval(const FittedValues& fit, const Estimand& estima
   return {estimand.back(estimate - reach), estimand.back(estimate + reach)};
 }
 
-// Between the order statistics that leave (1 - confidence) / 2 of the values on either side.
-ConfidenceInterval Between(std::vector<double> values, double confidence) {
-  const auto n = static_cast<double>(values.size());
-  const double rank = std::floor((1 - confidence) / 2 * (n + 1));
-  if (rank < 1) return {};
-  std::ranges::sort(values);
-  const auto place = static_cast<std::size_t>(rank);
-  return {values[place - 1], values[values.size() - place]};
-}
-
 ConfidenceInterval BootstrapInterval(const FittedValues& fit, const std::vector<FittedValues>& fits,
                                      const Estimand& estimand, double confidence) {
   constexpr std::size_t kFewWithout = 20;
@@ -126,7 +116,7 @@ ConfidenceInterval BootstrapInterval(const FittedValues& fit, const std::vector<
   }
   const bool isStudentised = error && kFewWithout * (fits.size() - distances.size()) <= fits.size();
   const ConfidenceInterval found =
-      Between(isStudentised ? std::move(distances) : std::move(values), confidence);
+      PercentileInterval(isStudentised ? std::move(distances) : std::move(values), confidence);
   if (IsNotSet(found.lower)) return {};
   if (!isStudentised) return {estimand.back(found.lower), estimand.back(found.upper)};
   return {estimand.back(estimate - found.upper * *error), estimand.back(estimate - found.lower * *error)};
@@ -140,6 +130,15 @@ double FittedValues::Quantile(double p) const {
 
 double FittedValues::Exceedance(double x) const {
   return DistributionOf(*this).Complement(x);
+}
+
+ConfidenceInterval PercentileInterval(std::vector<double> values, double confidence) {
+  const auto n = static_cast<double>(values.size());
+  const double rank = std::floor((1 - confidence) / 2 * (n + 1));
+  if (rank < 1) return {};
+  std::ranges::sort(values);
+  const auto place = static_cast<std::size_t>(rank);
+  return {values[place - 1], values[values.size() - place]};
 }
 
 std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double> sample, double offset,

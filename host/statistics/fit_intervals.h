@@ -43,6 +43,10 @@ std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double>
 ConfidenceInterval QuantileInterval(const FittedValues& fit, double p, double confidence);
 ConfidenceInterval ExceedanceInterval(const FittedValues& fit, double x, double confidence);
 
+// Between the order statistics that leave (1 - confidence) / 2 of the values on either side: the percentile interval of what
+// bootstrapped fits give. Not set where the values are too few for that.
+ConfidenceInterval PercentileInterval(std::vector<double> values, double confidence);
+
 // The parametric bootstrap: fits to samples drawn from a fit. An interval is that of the bootstrap-t on the scale above (Efron
 // & Tibshirani 1993, An Introduction to the Bootstrap, section 12.5): it takes how far the fits lie from the one that they were
 // drawn from, in standard errors of their own, for how far that one lies from the truth. Where the fit has no covariance, or
@@ -56,6 +60,7 @@ class FitBootstrap {
 
   // Of the samples, how many could be fitted.
   std::size_t Fitted() const { return fits_.size(); }
+  const std::vector<FittedValues>& Fits() const { return fits_; }
   // Not set where the samples are too few for an order statistic on both sides.
   ConfidenceInterval Quantile(double p, double confidence) const;
   ConfidenceInterval Exceedance(double x, double confidence) const;

@@ -17,7 +17,8 @@ Specifications = Mapping[str, tuple[float | None, float | None, float | None]]
 
 def capability(data: Any, response: str | None = None, specifications: Specifications | None = None, *,
                subgroup: str | int | None = None, within: str | None = None, control_chart: str | None = None,
-               rules: str | None = None, distribution: str | None = None, confidence: float | None = None,
+               rules: str | None = None, distribution: str | None = None, bootstrap: int | None = None,
+               bootstrap_seed: int | None = None, confidence: float | None = None,
                select: str | None = None, sheet: str | None = None, plot: str | os.PathLike | None = None,
                plot_kind: str | None = None, plot_theme: str | None = None, plot_width: int | None = None,
                decimal_comma: bool = False) -> CapabilityResult:
@@ -32,6 +33,8 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
     control_chart: "i-mr", "x-bar-r" or "x-bar-s"; without, by the sizes of the subgroups. rules: "western-electric" (as
     without) or "nelson".
     distribution: whose percentiles are used; without, the one that fits best where the values are not normal.
+    bootstrap: samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution;
+    bootstrap_seed: where its random numbers start, 1 without.
     confidence: of the intervals, 0.95 without.
     select, sheet, plot, plot_theme, plot_width, decimal_comma: as for fit(). plot_kind: "overview" (as without),
     "control-charts" or "histogram".
@@ -44,7 +47,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
                      specifications=_jobs._tuples(_brenvolt.CapabilityJob.Specification, specifications, "specifications",
                                                   "(lower limit, target, upper limit)"),
                      subgroup=subgroup, within=within, control_chart=control_chart, rules=rules,
-                     distribution=distribution, confidence=confidence, select=select, plot=plot, plot_kind=plot_kind,
+                     distribution=distribution, bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, confidence=confidence, select=select, plot=plot, plot_kind=plot_kind,
                      plot_theme=plot_theme, plot_width=plot_width, decimal_comma=decimal_comma)
     job.check()
     required = [name for name in (response, *(specifications or ()), subgroup) if isinstance(name, str)]

@@ -145,6 +145,7 @@ REFUSED_CAPABILITIES = (
     ({"specifications": LIMITS, "control_chart": "x-bar-s"}, "so their chart is i-mr (control_chart)"),
     ({"specifications": LIMITS, "confidence": 1}, "expected a number between 0 and 1, got 1 (confidence)"),
     ({"specifications": LIMITS, "distribution": "weibul"}, "bernoulli, histogram (distribution)"),
+    ({"specifications": LIMITS, "bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
     ({"specifications": LIMITS, "select": "x > 100"}, "no case meets the condition 'x > 100' (select)"),
 )
 # Calls of fit() over DATA, of which values are censored.
@@ -172,7 +173,8 @@ CAPABILITIES = (
     ("piston_rings", {"specifications": RINGS}),
     ("piston_rings", {"specifications": RINGS, "subgroup": "sample", "within": "r-bar", "rules": "nelson"}),
     ("piston_rings", {"specifications": RINGS, "subgroup": 10, "select": "sample <= 20", "confidence": 0.9}),
-    ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "distribution": "lognormal"}),
+    ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "distribution": "lognormal",
+                            "bootstrap": 50}),
 )
 # Variables and correlations by hand that every job refuses, and what it says.
 NORMAL = "normal(0, 1)"

@@ -13,6 +13,7 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/fit_job.h"
+#include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_plots.h"
 #include "host/jobs/notation/distribution_notation.h"
@@ -207,22 +208,64 @@ std::optional<FittedDistribution> FitOf(const CapabilityFindings& found,
   return best == nullptr ? std::nullopt : std::optional(*best);
 }
 
-FittedCapability ByPercentiles(const FittedDistribution& fit, const SpecificationLimits& limits) {
-  const auto code = static_cast<DistributionCode>(fit.code);
-  const AnyDistribution distribution(code, fit.parameters, std::isnan(fit.offset) ? 0 : fit.offset);
+PercentileCapability PercentilesOf(const FittedValues& fit, const SpecificationLimits& limits) {
+  const AnyDistribution distribution(fit.code, fit.values, fit.offset);
   const ProcessDistribution process{[&](double p) { return distribution.Quantile(p); },
                                     [&](double x) { return distribution.Cdf(x); },
                                     [&](double x) { return distribution.Complement(x); }};
-  return {fit.name, NotationOf({code, fit.parameters, fit.offset, std::nullopt, std::nullopt}),
-          AnalysePercentiles(process, limits)};
+  return AnalysePercentiles(process, limits);
 }
 
-void JudgeDistribution(const std::optional<std::string>& named, CapabilityFindings& found) {
+// The interval of one of the figures, from those of bootstrapped fits. A figure that one of them lacks has none.
+template <class Figure>
+ConfidenceInterval IntervalOf(const std::vector<PercentileCapability>& fits, double confidence,
+                              const Figure& figure) {
+  std::vector<double> values;
+  for (const PercentileCapability& one : fits) values.push_back(figure(one));
+  if (std::ranges::any_of(values, [](double x) { return IsNotSet(x) || !std::isfinite(x); })) return {};
+  return PercentileInterval(std::move(values), confidence);
+}
+
+PercentileIntervals IntervalsOf(const std::vector<PercentileCapability>& fits, double confidence) {
+  const auto index = [&](double CapabilityIndices::*one) {
+    return IntervalOf(fits, confidence, [one](const PercentileCapability& fit) { return fit.indices.*one; });
+  };
+  const auto parts = [&](double PartsPerMillion::*one) {
+    return IntervalOf(fits, confidence, [one](const PercentileCapability& fit) { return fit.expected.*one; });
+  };
+  return {{index(&CapabilityIndices::potential), index(&CapabilityIndices::lower),
+           index(&CapabilityIndices::upper), index(&CapabilityIndices::least)},
+          {parts(&PartsPerMillion::below), parts(&PartsPerMillion::above), parts(&PartsPerMillion::total)}};
+}
+
+FittedCapability ByPercentiles(const CapabilityJob& job, const FittedDistribution& fit,
+                               const CapabilityFindings& found) {
+  const FittedValues values = ValuesOf(fit);
+  FittedCapability fitted{fit.name,
+                          NotationOf({values.code, fit.parameters, fit.offset, std::nullopt, std::nullopt}),
+                          PercentilesOf(values, found.limits)};
+  if (!job.bootstrap) return fitted;
+  const FitBootstrap bootstrap = BootstrapOf(values, found.values.size(), *job.bootstrap,
+                                             RandomStream(AsInteger(job.bootstrapSeed.value_or(1))), false);
+  std::vector<PercentileCapability> fits;
+  for (const FittedValues& one : bootstrap.Fits()) fits.push_back(PercentilesOf(one, found.limits));
+  fitted.samples = fits.size();
+  fitted.intervals = IntervalsOf(fits, found.confidence);
+  return fitted;
+}
+
+void JudgeDistribution(const CapabilityJob& job, CapabilityFindings& found) {
+  const std::optional<std::string>& named = job.distribution;
   found.normality = TestNormality(found.values);
   const bool isTested = !IsNotSet(found.normality.pValue);
   const bool isRejected = isTested && found.normality.pValue < kLevel;
   if (!isTested) found.notes.emplace_back("fewer than 8 values are not tested for normality");
-  if (!isRejected && !named) return;
+  if (!isRejected && !named) {
+    if (job.bootstrap)
+      found.notes.emplace_back(
+          "no distribution is fitted, so the bootstrap gives no intervals: name one to use it");
+    return;
+  }
   const auto fit = FitOf(found, named);
   if (!fit) {
     found.notes.push_back(named ? "the " + *named + " distribution cannot be fitted to these values"
@@ -235,7 +278,7 @@ void JudgeDistribution(const std::optional<std::string>& named, CapabilityFindin
         "describe a process that this is not");
     return;
   }
-  found.fitted = ByPercentiles(*fit, found.limits);
+  found.fitted = ByPercentiles(job, *fit, found);
   if (!isRejected) return;
   found.notes.emplace_back(
       "the values are not normal: read the indices and expected parts by percentiles, those within and "
@@ -281,6 +324,7 @@ JobFaults CapabilityJob::Check() const {
   }
   if (confidence && !(*confidence > 0 && *confidence < 1))
     add("confidence", "expected a number between 0 and 1, got " + ShortestNumber(*confidence));
+  CheckBootstrap(bootstrap, bootstrapSeed, faults);
   CheckPlot(plot, kCapabilityPlotKinds, faults);
   CheckTargetsApart({{"data", data.file}}, {{"plot", plot.file}}, faults);
   return faults;
@@ -309,7 +353,7 @@ CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
   sample.within = chosen.deviation;
   sample.withinDegrees = chosen.degrees;
   found.report = AnalyseCapability(found.values, sample, found.limits, found.confidence);
-  JudgeDistribution(distribution, found);
+  JudgeDistribution(*this, found);
   return found;
 }
 

@@ -37,8 +37,11 @@ struct CapabilityJob {
   std::optional<std::string> rules;         // without a word, western-electric
   // Which distribution's percentiles are used; without, the one that fits best, where the values are not normal.
   std::optional<std::string> distribution;
-  std::optional<double> confidence;   // of the intervals, between 0 and 1; without, 0.95
-  std::optional<std::string> select;  // as in a fit
+  // Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution.
+  std::optional<double> bootstrap;
+  std::optional<double> bootstrapSeed;  // without a number, 1
+  std::optional<double> confidence;     // of the intervals, between 0 and 1; without, 0.95
+  std::optional<std::string> select;    // as in a fit
   Plot plot;
 
   // All that can be refused without the data.

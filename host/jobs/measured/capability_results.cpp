@@ -78,18 +78,17 @@ Json PartsJson(const PartsPerMillion& parts, const PartsIntervals& intervals) {
 
 Json FittedJson(const FittedCapability& fitted) {
   const PercentileCapability& found = fitted.percentiles;
+  const IndexIntervals& intervals = fitted.intervals.indices;
   return {{"distribution", fitted.notation},
           {"lowPoint", Number(found.low)},
           {"median", Number(found.median)},
           {"highPoint", Number(found.high)},
-          {"pp", Number(found.indices.potential)},
-          {"ppl", Number(found.indices.lower)},
-          {"ppu", Number(found.indices.upper)},
-          {"ppk", Number(found.indices.least)},
-          {"expectedPpm",
-           {{"below", Number(found.expected.below)},
-            {"above", Number(found.expected.above)},
-            {"total", Number(found.expected.total)}}}};
+          {"bootstrapSamples", fitted.samples},
+          {"pp", Estimate(found.indices.potential, intervals.potential)},
+          {"ppl", Estimate(found.indices.lower, intervals.lower)},
+          {"ppu", Estimate(found.indices.upper, intervals.upper)},
+          {"ppk", Estimate(found.indices.least, intervals.least)},
+          {"expectedPpm", PartsJson(found.expected, fitted.intervals.expected)}};
 }
 
 Json SubgroupsJson(const CapabilityFindings& found) {

@@ -20,6 +20,8 @@ struct FittedCapability {
   std::string name;
   std::string notation;  // the distribution with its values
   PercentileCapability percentiles;
+  PercentileIntervals intervals = {};  // by bootstrap; not set without
+  std::size_t samples = 0;             // of the bootstrap, those that could be fitted
 };
 
 struct CapabilityFindings {
