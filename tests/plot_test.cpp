@@ -201,7 +201,7 @@ TEST_F(PlotCommand, PicturesThatCannotBeMadeAreRefusedBeforeTheWork) {
        2,
        "expected a file ending in .json, got g.csv (--graphs)"},
       {{"fit", "d.csv", "--save", "p.csv"}, 2, "expected a file ending in .bvw, got p.csv (--save)"},
-      {{"fit", "d.csv", "--record", "m.txt"}, 2, "--record needs a file ending in .py, got m.txt"},
+      {{"fit", "d.csv", "--record", "m.txt"}, 2, "expected a file ending in .py, got m.txt (--record)"},
       {{"show", "p.bvw", "--plot", "p.bmp"},
        2,
        "expected a file ending in .png, .svg or .pdf, got p.bmp (--plot)"},

@@ -41,7 +41,7 @@ void RememberCall(int argc, const char* const* argv) {
 
 void RequireMacroEnding(const std::filesystem::path& file) {
   if (!HasEnding(file, kMacroEnding))
-    throw WrongCall("--record needs a file ending in .py, got " + file.string());
+    throw WrongJob("record", "expected a file ending in .py, got " + file.string());
 }
 
 Recording::Recording(std::filesystem::path file) : file_(std::move(file)) {

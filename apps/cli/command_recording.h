@@ -12,12 +12,12 @@ namespace brenvolt::cli {
 void AddRecordOption(CLI::App& command, std::filesystem::path& file);
 // Keeps the call, which a recorded macro quotes. Called once, by main.
 void RememberCall(int argc, const char* const* argv);
-// Throws WrongCall unless the file's name ends as those of macros do.
+// Throws WrongJob unless the file's name ends as those of macros do.
 void RequireMacroEnding(const std::filesystem::path& file);
 
 class Recording {
  public:
-  // An empty name records nothing. Throws WrongCall for a name that does not end in .py.
+  // An empty name records nothing. Throws WrongJob for a name that does not end in .py.
   explicit Recording(std::filesystem::path file);
 
   JobRecorder& Job() { return job_; }

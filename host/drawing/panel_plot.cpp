@@ -33,6 +33,7 @@ constexpr std::size_t kManyPoints = 20000;
 // A denser line is drawn thin, which is faster by far and covers the same pixels.
 constexpr std::size_t kDenseLine = 3000;
 constexpr std::size_t kMostStems = 60;
+constexpr int kSmallCell = 150;  // is narrower
 
 bool IsMarker(const GraphSeries& series) {
   return series.style == SeriesStyle::kLine && series.x.size() == 2 && series.x[0] == series.x[1];
@@ -136,6 +137,23 @@ AxisScale HorizontalScale(const Extent& extent, int pixels) {
   return scale;
 }
 
+// Labels that would touch each other or those of the neighbouring cell are left out; their ticks stay.
+void ThinLabels(AxisScale& scale, int pixels) {
+  constexpr double kGap = 4;
+  constexpr double kBeyond = 3;  // the frame
+  double end = -kBeyond - kGap;
+  for (AxisTick& tick : scale.ticks) {
+    const double half = WidthOf(Shown(tick.label), TextFont(kSmallSize)) / 2.0;
+    const double centre = pixels * (tick.at - scale.from) / (scale.to - scale.from);
+    const bool hasRoom = centre - half >= end + kGap && centre + half <= pixels + kBeyond;
+    if (hasRoom) {
+      end = centre + half;
+    } else {
+      tick.label.clear();
+    }
+  }
+}
+
 AxisScale VerticalScale(const Extent& extent, int pixels) {
   return ScaleAxis(extent.from, extent.to, std::clamp(pixels / 36, 2, 10));
 }
@@ -190,6 +208,9 @@ class PanelPlot {
 
  private:
   bool IsHorizontal() const { return !categories_.empty(); }
+  bool IsSmallCell() const {
+    return style_.isCell && style_.area.width() - (style_.showsYAxis ? kCellAxisWidth : 0) < kSmallCell;
+  }
 
   // What the plot makes of its own belongs to it.
   template <class Part, class... Arguments>
@@ -263,7 +284,9 @@ class PanelPlot {
       SetCategories(room);
       return;
     }
-    SetAxis(*plot_.xAxis, HorizontalScale(extent_.x, room.width()), graph_.xTitle, room.width());
+    AxisScale across = HorizontalScale(extent_.x, room.width());
+    if (IsSmallCell()) ThinLabels(across, room.width());
+    SetAxis(*plot_.xAxis, across, graph_.xTitle, room.width());
     SetAxis(*plot_.yAxis, VerticalScale(extent_.y, room.height()), graph_.yTitle, room.height());
   }
 
@@ -382,7 +405,7 @@ class PanelPlot {
     grid.columns /= coarser;
     grid.rows /= coarser;
     const std::vector<std::size_t> shown = ThinPoints(series.x, series.y, grid);
-    const double size = shown.size() <= 150 ? 6 : shown.size() <= 1000 ? 4 : 3;
+    const double size = IsSmallCell() ? 2 : shown.size() <= 150 ? 6 : shown.size() <= 1000 ? 4 : 3;
     auto& points = Add<QCPGraph>(plot_.xAxis, plot_.yAxis);
     points.setName(Shown(series.name));
     points.setLineStyle(QCPGraph::lsNone);
@@ -655,18 +678,47 @@ class PanelPlot {
   std::size_t pens_ = 0;
 };
 
+// A line in the size at which it fits, if need be in several lines of a word each.
+struct FittedLine {
+  QString text;
+  QFont font;
+
+  FittedLine(const QString& line, int size, bool isBold, int width) : text(line) {
+    constexpr int kLeastSize = 8;
+    if (WidthOf(line, TextFont(kSmallSize, isBold)) > width && line.count(QLatin1Char(' ')) == 1)
+      text.replace(QLatin1Char(' '), QLatin1Char('\n'));
+    font = TextFont(size, isBold);
+    while (size > kLeastSize && Widest() > width) font = TextFont(--size, isBold);
+    if (Widest() > width) text = Elided(line, font, width);
+  }
+  int Widest() const {
+    int widest = 0;
+    for (const QString& part : text.split(QLatin1Char('\n'))) widest = std::max(widest, WidthOf(part, font));
+    return widest;
+  }
+  int Height() const {
+    const auto breaks = static_cast<int>(text.count(QLatin1Char('\n')));
+    return breaks == 0 ? LineHeightOf(TextFont()) + 2 : (breaks + 1) * LineHeightOf(font);
+  }
+};
+
 // Notes alone, in the middle; the first line stands out.
 void PaintText(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter) {
-  std::vector<std::string> lines = graph.notes;
-  if (lines.empty()) lines.push_back(graph.title.empty() ? "no values" : graph.title + ": no values");
-  const int line = LineHeightOf(TextFont()) + 2;
-  int top = area.center().y() - static_cast<int>(lines.size()) * line / 2;
-  for (std::size_t i = 0; i < lines.size(); ++i, top += line) {
-    const QFont font = TextFont(i == 0 ? kTitleSize : kSmallSize, i == 0);
-    painter.setFont(font);
+  std::vector<std::string> notes = graph.notes;
+  if (notes.empty()) notes.push_back(graph.title.empty() ? "no values" : graph.title + ": no values");
+  std::vector<FittedLine> lines;
+  int height = 0;
+  for (std::size_t i = 0; i < notes.size(); ++i) {
+    lines.emplace_back(Shown(notes[i]), i == 0 ? kTitleSize : kSmallSize, i == 0, area.width() - kPadding);
+    height += lines.back().Height();
+  }
+  int top = area.center().y() - height / 2;
+  for (std::size_t i = 0; i < lines.size(); ++i) {
+    painter.setFont(lines[i].font);
     painter.setPen(i == 0 ? theme.text : theme.faintText);
-    painter.drawText(QRect(area.left(), top, area.width(), line), Qt::AlignCenter,
-                     Elided(Shown(lines[i]), font, area.width() - kPadding));
+    painter.drawText(QRect(area.left(), top, area.width(), lines[i].Height()), Qt::AlignCenter,
+                     lines[i].text);
+    top += lines[i].Height();
   }
 }
 

@@ -305,6 +305,12 @@ TEST(Picture, PointsOfAScatterMatrixShareTheScalesOfTheirColumnsAndRows) {
   }
 }
 
+TEST(Picture, CorrelationsKeepTheirDigitsInTheSmallestCells) {
+  const SvgPicture picture = DrawSvg(Pairs(10), 640);
+  EXPECT_EQ(std::ranges::count(picture.texts, "0.123", &SvgText::text), 45);
+  EXPECT_EQ(std::ranges::count(picture.texts, "reached", &SvgText::text), 45);
+}
+
 TEST(Picture, StepsRiseAtTheirValues) {
   Graph graph;
   graph.kind = GraphKind::kEmpiricalDistribution;
