@@ -1,16 +1,8 @@
 #include "apps/cli/simulation_report.h"
 
-#include <algorithm>
-#include <cmath>
-#include <functional>
-#include <numbers>
-#include <span>
-#include <utility>
-#include <vector>
-
 #include "apps/cli/result_json.h"
 #include "apps/cli/text_table.h"
-#include "host/base/number_text.h"
+#include "host/jobs/reports/simulation_tables.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -18,55 +10,15 @@ namespace {
 using Json = nlohmann::ordered_json;
 using namespace result_columns;
 
-// Places among the data show against the spread.
-std::string SummaryNumber(const ResultRow& row, std::string_view identifier) {
-  constexpr int kDigits = 5;
-  for (const ResultColumn& moment : kMoments) {
-    if (moment.identifier == identifier) return Cell(row, moment, kDigits);
-  }
-  const double value = row.numbers.find(identifier)->second;
-  return ReadableNumber(value, DigitsFor(value, row.Number("standard_deviation"_column), kDigits));
-}
-
-std::string CorrelationNumber(const ResultRow& row, std::string_view identifier) {
-  const double value = row.numbers.find(identifier)->second;
-  return std::isnan(value) ? "-" : FormatNumber("%.4f", value);
-}
-
-// All pairs, or the strongest of those asked for, then those whose ranks correlate least as those of normal scores
-// would: 6/pi asin(r/2) (Pearson 1907).
-std::vector<ResultRow> ShownPairs(const SimulationResults& results) {
-  std::vector<ResultRow> shown;
-  for (const SimulatedPair& pair : results.pairs) shown.push_back(pair.correlations);
-  if (shown.size() <= kMostPairsShown) return shown;
-  const auto miss = [](const ResultRow& pair) {
-    const double reached = pair.Number("spearman"_column);
-    const double expected = 6 / std::numbers::pi * std::asin(pair.Number("used"_column) / 2);
-    return std::isnan(reached) ? 0.0 : std::abs(reached - expected);
-  };
-  const auto weight = [&miss](const ResultRow& pair) {
-    return std::pair(std::abs(pair.Number("asked"_column)), miss(pair));
-  };
-  std::ranges::stable_sort(shown, std::ranges::greater(), weight);
-  shown.resize(kMostPairsShown);
-  return shown;
-}
-
 Json Names(const SimulatedPair& pair) {
   return {pair.first, pair.second};
 }
 
 }  // namespace
 
-// Moments and percentiles apart, so that a line fits a terminal.
 std::string SummaryText(const ResultTable& summary) {
-  const std::span<const ResultTable::Heading> columns(summary.headings);
-  const auto percentile = std::ranges::find_if(columns, [](const ResultTable::Heading& column) {
-    return NumberIn(column.identifier, "percentile"_column).has_value();
-  });
-  const auto moments = static_cast<std::size_t>(percentile - columns.begin());
-  return TableText(summary.rows, "Variable", columns.first(moments), SummaryNumber) + "\n" +
-         TableText(summary.rows, "Variable", columns.subspan(moments), SummaryNumber);
+  const SummaryTables tables = TablesOf(summary);
+  return TextOf(tables.moments) + "\n" + TextOf(tables.percentiles);
 }
 
 Json SummaryJson(const ResultTable& summary) {
@@ -83,16 +35,9 @@ Json SummaryJson(const ResultTable& summary) {
 }
 
 std::string CorrelationsText(const SimulationResults& results) {
-  std::vector<ResultTable::Heading> columns = results.pairHeadings;
-  if (!results.Repair()) {
-    std::erase_if(columns, [](const auto& column) { return column.identifier == "used"_column.identifier; });
-  }
-  std::string text = TableText(ShownPairs(results), "Correlation of", columns, CorrelationNumber);
-  if (results.pairs.size() > kMostPairsShown) {
-    text += "  Of " + std::to_string(results.pairs.size()) + " pairs " +
-            std::to_string(results.pairs.size() - kMostPairsShown) +
-            " are not shown, those of the weakest correlations asked for; --format json has all.\n";
-  }
+  const ReportTable table = CorrelationTable(results, kMostPairsShown);
+  std::string text = TextOf(table);
+  for (const std::string& note : table.notes) text += "  " + note + "\n";
   for (const std::string& note : results.Notes()) text += "  " + note + "\n";
   return text;
 }

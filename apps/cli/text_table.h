@@ -1,12 +1,11 @@
 // Tables as a person reads them in a terminal: aligned columns, numbers to six significant digits.
 #pragma once
 
-#include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "host/analysis/result_table.h"
+#include "host/analysis/quantity_text.h"
+#include "host/reporting/report.h"
 
 namespace brenvolt::cli {
 
@@ -30,18 +29,7 @@ class TextTable {
   std::vector<std::vector<std::string>> rows_;
 };
 
-// A number for people, to `digits` significant digits; "-" for a value that does not exist (NaN).
-std::string ReadableNumber(double value, int digits = 6);
-// The digits in which a number shows a hundredth of `spread`: from `least` to 17.
-int DigitsFor(double value, double spread, int least);
-// A number in the form of its quantity; `digits` are those of a measure.
-std::string QuantityText(double value, Quantity quantity, int digits = 6);
-// The number of a row in the form of its column.
-std::string Cell(const ResultRow& row, const ResultColumn& column, int digits = 6);
-
-// The columns as the result table heads them, after the names of the rows.
-std::string TableText(std::span<const ResultRow> rows, std::string_view nameHeading,
-                      std::span<const ResultTable::Heading> columns,
-                      std::string (*number)(const ResultRow& row, std::string_view identifier));
+// The table alone, without its title and notes.
+std::string TextOf(const ReportTable& table);
 
 }  // namespace brenvolt::cli
