@@ -4,6 +4,7 @@
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/files/output_file.h"
+#include "host/jobs/base/command_words.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 
@@ -11,20 +12,10 @@ namespace brenvolt::cli {
 namespace {
 
 constexpr const char* kMacroEnding = ".py";
-// Characters that no shell interprets.
-constexpr const char* kPlainCharacters =
-    "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-+=./,:@%";
 
 std::string& TheCall() {
   static std::string call;
   return call;
-}
-
-std::string ShellWord(const std::string& argument) {
-  if (!argument.empty() && argument.find_first_not_of(kPlainCharacters) == std::string::npos) return argument;
-  std::string word = "'";
-  for (const char c : argument) word += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return word + "'";
 }
 
 }  // namespace

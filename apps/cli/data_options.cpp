@@ -1,7 +1,6 @@
 #include "apps/cli/data_options.h"
 
 #include <cstdio>
-#include <map>
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
@@ -10,25 +9,6 @@
 #include "host/graphs/chart_text.h"
 
 namespace brenvolt::cli {
-namespace {
-
-// The fields whose options have other names.
-const std::map<std::string, std::string, std::less<>> kOtherNames{
-    {"correlations", "--correlation"},
-    {"data", "DATA"},
-    {"designed", "--variable"},
-    {"fixed", "--fix"},
-    {"formulas", "--formula"},
-    {"fromFile", "--from"},
-    {"models", "--model"},
-    {"offsets", "--offset"},
-    {"noiseCorrelations", "--noise-correlation"},
-    {"output", "-o"},
-    {"project", "PROJECT.bvw"},
-    {"specifications", "--spec"}};
-
-}  // namespace
-
 JobFaults& FaultyWords() {
   static JobFaults faults;
   return faults;
@@ -90,6 +70,19 @@ void ReportPlot(const Plot& plot) {
   std::printf("\n%s written to %s\n", isSeveral ? "Pictures" : "Picture", plot.file.c_str());
 }
 
+void AddReportOption(CLI::App& command, std::filesystem::path& report) {
+  command
+      .add_option(
+          "--report", report,
+          "Report with tables, pictures and notes, by ending: .html as one file, .pdf, or .md with its "
+          "pictures in a folder beside it")
+      ->type_name("FILE");
+}
+
+void SayReportWritten(const std::filesystem::path& report) {
+  if (!report.empty()) std::printf("\nReport written to %s\n", report.c_str());
+}
+
 void AddChartOption(CLI::App& command, bool& chart) {
   command.add_flag("--chart", chart,
                    "Print a histogram of each variable in characters, where the output is a terminal");
@@ -102,11 +95,6 @@ void PrintCharts(const std::vector<PlotPage>& pages) {
     const std::string chart = ChartText(page.page, *width);
     if (!chart.empty()) std::printf("\n%s", chart.c_str());
   }
-}
-
-std::string OptionOf(const std::string& field) {
-  if (const auto other = kOtherNames.find(field); other != kOtherNames.end()) return other->second;
-  return "--" + Spelled(field, '-');
 }
 
 void AddList(CLI::App& command, const std::string& name, std::vector<std::string>& list,

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "host/application/json_text.h"
+#include "host/jobs/base/command_words.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
@@ -33,6 +34,11 @@ void AddYesOption(CLI::App& command, JobData& data);
 void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_view> kinds);
 // "Pictures written to FILE", for people; nothing without a plot.
 void ReportPlot(const Plot& plot);
+
+// Adds --report.
+void AddReportOption(CLI::App& command, std::filesystem::path& report);
+// "Report written to FILE", for people; nothing without a report.
+void SayReportWritten(const std::filesystem::path& report);
 
 // Adds --chart.
 void AddChartOption(CLI::App& command, bool& chart);
@@ -61,9 +67,6 @@ void KeepingFaults(const Read& read) {
     Append(wrong.Faults(), FaultyWords());
   }
 }
-
-// The option that gives a field of a job: "--rank-by" for rankBy.
-std::string OptionOf(const std::string& field);
 
 // An option with one argument for each occurrence: it must not swallow the name of the data file. Names of a
 // list are separated by commas.

@@ -16,7 +16,9 @@
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/measured/censored_fit_job.h"
+#include "host/jobs/reports/fit_report.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
+#include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -113,6 +115,8 @@ void Fit(const FitCall& call) {
   FitTerminal terminal;
   const FitJob& job = call.job;
   const FitRun run = job.Run(terminal, recording.Job());
+  if (!job.report.empty())
+    WriteReport(FitReport(job, *run.session, {*run.sheet, terminal.Messages()}), job.report);
   const bool json = call.format == ReportFormat::kJson;
   const bool readsCovariances = json || job.AsksForQuantiles();
   const auto variables =
@@ -124,7 +128,10 @@ void Fit(const FitCall& call) {
   if (!job.save.empty() && !json) {
     std::printf("\nFits saved in %s\n", job.save.c_str());
   }
-  if (call.format == ReportFormat::kTable) ReportPlot(job.plot);
+  if (call.format == ReportFormat::kTable) {
+    ReportPlot(job.plot);
+    SayReportWritten(job.report);
+  }
   if (call.format == ReportFormat::kTable && call.chart)
     PrintCharts(FitPlots(*run.session->Dialog(), *run.sheet, {{}, "histogram", {}, {}}));
   recording.Commit();
@@ -264,6 +271,7 @@ void AddFitCommand(CLI::App& program) {
       "--plot-band", job.plot.band,
       "With --plot, the limits within which 95 % of samples from a continuous fit lie, in P-P and Q-Q "
       "plots");
+  AddReportOption(*command, job.report);
   AddChartOption(*command, call->chart);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

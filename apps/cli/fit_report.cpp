@@ -106,27 +106,10 @@ std::string CautionsText(const std::vector<FitCaution>& cautions) {
 }
 
 std::string QuantilesText(const FitQuantiles& found, double spread) {
-  constexpr int kDigits = 5;
-  const auto value = [&](double x) { return ReadableNumber(x, DigitsFor(x, spread, kDigits)); };
-  const auto probability = [](double p) { return ReadableNumber(p, kDigits); };
-  const auto between = [](const ConfidenceInterval& interval, const auto& text) {
-    return IsNotSet(interval.lower) ? std::string("-") : text(interval.lower) + " to " + text(interval.upper);
-  };
-  TextTable table;
-  table.AddColumn("Of " + found.distribution, TextTable::Align::kLeft);
-  for (const char* heading : {"Estimate", "by covariance"})
-    table.AddColumn(heading, TextTable::Align::kRight);
-  if (found.samples > 0) table.AddColumn("by bootstrap", TextTable::Align::kRight);
-  for (const FitQuantiles::Row& row : found.quantiles) {
-    const std::string name = row.returnPeriod ? "level of return period " + ReadableNumber(*row.returnPeriod)
-                                              : "quantile " + ReadableNumber(row.probability);
-    table.AddRow({name, value(row.value), between(row.byCovariance, value), between(row.byBootstrap, value)});
-  }
-  for (const FitQuantiles::Row& row : found.exceedances)
-    table.AddRow({"probability above " + ReadableNumber(row.value), probability(row.probability),
-                  between(row.byCovariance, probability), between(row.byBootstrap, probability)});
-  return "\n" + table.Text() + "  Intervals have a confidence of " + ReadableNumber(100 * found.confidence) +
-         " %\n" + (found.note.empty() ? "" : "  note: " + found.note + "\n");
+  const ReportTable table = QuantileTable(found, spread);
+  std::string text = "\n" + TextOf(table);
+  for (const std::string& note : table.notes) text += "  " + note + "\n";
+  return text;
 }
 
 void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& input,

@@ -144,7 +144,7 @@ int main(int argc, char** argv) {
     return kWrongCall;
   } catch (const brenvolt::WrongJob& wrong) {
     for (const brenvolt::JobFault& fault : wrong.Faults())
-      Complain(fault.message, brenvolt::cli::OptionOf(fault.field));
+      Complain(fault.message, brenvolt::OptionOf(fault.field));
     return kWrongCall;
   } catch (const brenvolt::JobFailed&) {
     return brenvolt::InterruptionRequested() ? Interrupted() : kJobFailed;

@@ -15,6 +15,8 @@
 #include "host/base/number_text.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/profile_plots.h"
+#include "host/jobs/reports/profile_report.h"
+#include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -94,15 +96,9 @@ nlohmann::ordered_json DrawnJson(const ProfileCall& call, const ProfileRun& run)
 
 // The same, a line each.
 std::string DrawnText(const ProfileCall& call, const ProfileRun& run) {
-  const ProfileJob& job = call.job;
-  std::string text = "  method " + run.results.method + "\n";
-  for (const NotedCorrelation& pair : run.results.correlations)
-    text += "  correlation " + pair.first + ", " + pair.second + " = " + ShortestNumber(pair.value) + "\n";
-  for (const ProfileJob::Noise& one : job.noise)
-    text += "  noise " + one.response + " = " + ShortestNumber(one.standardDeviation) + "\n";
-  for (const std::string& pair : job.noiseCorrelations) text += "  noise correlation " + pair + "\n";
-  for (const auto& model : job.models) text += "  model " + model.string() + "\n";
-  for (const std::string& formula : job.formulas) text += "  formula " + formula + "\n";
+  std::string text;
+  for (const auto& [name, value] : DrawnFacts(call.job, run.results).facts)
+    text += "  " + name + " " + value + "\n";
   return text;
 }
 
@@ -126,6 +122,7 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
   }
   if (!job.graphs.empty()) std::printf("\nGraphs written to %s\n", job.graphs.c_str());
   ReportPlot(job.plot);
+  SayReportWritten(job.report);
 }
 
 // The files are written before anything is reported, so that a report means a finished job.
@@ -133,7 +130,10 @@ void Profile(const ProfileCall& call) {
   RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
-  Report(call, call.job.Run(terminal, recording.Job()));
+  const ProfileRun run = call.job.Run(terminal, recording.Job());
+  if (!call.job.report.empty())
+    WriteReport(ProfileReport(call.job, run, {*run.sheet, terminal.Messages()}), call.job.report);
+  Report(call, run);
   recording.Commit();
 }
 
@@ -202,6 +202,7 @@ void AddProfileCommand(CLI::App& program) {
                    "tornado graphs, profiles of predicted values, defect profiles; not with --record")
       ->type_name("FILE.json");
   AddPlotOptions(*command, job.plot, kProfilePlotKinds);
+  AddReportOption(*command, job.report);
   AddDecimalCommaOption(*command, job.data.decimalComma);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

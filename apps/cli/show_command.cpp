@@ -12,8 +12,11 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
+#include "host/jobs/reports/project_report.h"
+#include "host/reporting/report_file.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
@@ -21,46 +24,14 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// Enough to show any count whole.
-constexpr int kCountDigits = 15;
-constexpr int kMatrixDigits = 6;
-
 struct ShowOptions {
   std::filesystem::path project;
   std::string sheet;
+  std::filesystem::path report;
   Plot plot;
   std::string plotMatrix;
   ReportFormat format = ReportFormat::kTable;
 };
-
-std::string KindName(SheetKind kind) {
-  return kind == SheetKind::kMatrix ? "matrix" : "data";
-}
-
-std::string TypeName(VariableType type) {
-  return type == VariableType::kText ? "text" : "numeric";
-}
-
-std::size_t CountMissing(const Variable& variable) {
-  std::size_t missing = 0;
-  for (std::size_t i = 0; i < variable.Size(); ++i) missing += variable.IsMissing(i) ? 1 : 0;
-  return missing;
-}
-
-void ShowSheetsAsTable(const Workbook& workbook) {
-  TextTable table;
-  table.AddColumn("Sheet", TextTable::Align::kLeft);
-  table.AddColumn("Kind", TextTable::Align::kLeft);
-  table.AddColumn("Cases", TextTable::Align::kRight);
-  table.AddColumn("Variables", TextTable::Align::kRight);
-  table.AddColumn("Title", TextTable::Align::kLeft);
-  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
-    const Spreadsheet& sheet = workbook.SheetAt(i);
-    table.AddRow({sheet.Name(), KindName(sheet.Kind()), std::to_string(sheet.CaseCount()),
-                  std::to_string(sheet.VariableCount()), sheet.Title()});
-  }
-  std::fputs(table.Text().c_str(), stdout);
-}
 
 void ShowSheetsAsJson(const Workbook& workbook) {
   Json sheets = Json::array();
@@ -75,34 +46,9 @@ void ShowSheetsAsJson(const Workbook& workbook) {
   std::fputs(JsonText(Json{{"sheets", sheets}}).c_str(), stdout);
 }
 
-// What the variables of a sheet are simulated from; nothing where none carries a distribution. Properties that are none
-// stand in the list of the properties alone.
-DesignText DesignOf(const ShowOptions& options, const Spreadsheet& sheet) {
-  bool any = false;
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i)
-    any = any || sheet.VariableAt(i).Property(kOrderProperty).has_value();
-  if (!any) return {};
-  DesignJob job;
-  job.project = options.project;
-  job.sheet = sheet.Name();
-  TerminalUserInterface terminal(kProgram);
-  JobRecorder none;
-  return job.Run(terminal, none).design;
-}
-
 void ShowVariablesAsTable(const Spreadsheet& sheet, const DesignText& design) {
-  TextTable table;
-  table.AddColumn("Variable", TextTable::Align::kLeft);
-  table.AddColumn("Type", TextTable::Align::kLeft);
-  table.AddColumn("Valid", TextTable::Align::kRight);
-  table.AddColumn("Missing", TextTable::Align::kRight);
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    const Variable& variable = sheet.VariableAt(i);
-    const std::size_t missing = CountMissing(variable);
-    table.AddRow({variable.Name(), TypeName(variable.Type()), std::to_string(variable.Size() - missing),
-                  std::to_string(missing)});
-  }
-  std::printf("%s, %zu cases\n%s", sheet.Name().c_str(), sheet.CaseCount(), table.Text().c_str());
+  std::printf("%s, %zu cases\n%s", sheet.Name().c_str(), sheet.CaseCount(),
+              TextOf(VariableTable(sheet)).c_str());
   if (sheet.WeightVariable()) {
     std::printf("\nCases weighted by %s\n", sheet.VariableAt(*sheet.WeightVariable()).Name().c_str());
   }
@@ -137,31 +83,9 @@ void ShowVariablesAsJson(const Spreadsheet& sheet, const DesignText& design) {
              stdout);
 }
 
-double ValidCases(const Spreadsheet& matrix) {
-  return matrix.VariableAt(0).Values()[MatrixSummaryRows(matrix.CaseCount()).validCases];
-}
-
 void ShowMatrixAsTable(const Spreadsheet& matrix) {
-  const std::size_t size = matrix.VariableCount();
-  const MatrixSummaryRows rows(matrix.CaseCount());
-  TextTable table;
-  table.AddColumn("Variable", TextTable::Align::kLeft);
-  for (std::size_t c = 0; c < size; ++c)
-    table.AddColumn(matrix.VariableAt(c).Name(), TextTable::Align::kRight);
-  table.AddColumn("Mean", TextTable::Align::kRight);
-  table.AddColumn("Std.Dev.", TextTable::Align::kRight);
-  for (std::size_t row = 0; row < size; ++row) {
-    std::vector<std::string> cells{matrix.VariableAt(row).Name()};
-    for (std::size_t c = 0; c < size; ++c)
-      cells.push_back(ReadableNumber(matrix.VariableAt(c).Values()[row]));
-    const double mean = matrix.VariableAt(row).Values()[rows.means];
-    const double deviation = matrix.VariableAt(row).Values()[rows.standardDeviations];
-    cells.push_back(ReadableNumber(mean, DigitsFor(mean, deviation, kMatrixDigits)));
-    cells.push_back(ReadableNumber(deviation, kMatrixDigits));
-    table.AddRow(std::move(cells));
-  }
-  std::printf("%s, matrix of %zu variables, number of valid cases %s\n%s", matrix.Name().c_str(), size,
-              ReadableNumber(ValidCases(matrix), kCountDigits).c_str(), table.Text().c_str());
+  std::printf("%s, %s\n%s", matrix.Name().c_str(), MatrixText(matrix).c_str(),
+              TextOf(MatrixTable(matrix, matrix.VariableCount())).c_str());
 }
 
 Json NumberOrNull(double value) {
@@ -197,7 +121,8 @@ void ShowSheet(const ShowOptions& options, const Spreadsheet& sheet) {
     json ? ShowMatrixAsJson(sheet) : ShowMatrixAsTable(sheet);
     return;
   }
-  const DesignText design = DesignOf(options, sheet);
+  TerminalUserInterface terminal(kProgram);
+  const DesignText design = DesignOf(options.project, sheet, terminal);
   json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
 }
 
@@ -208,13 +133,15 @@ DataOrigin OriginOf(const std::string& matrix, const Workbook& workbook) {
   return origin;
 }
 
-// A picture is that of the sheet, or of the first one with data.
+// A picture is that of the sheet, or of the first one with data; a report is that of the sheet, or of all.
 void Show(const ShowOptions& options) {
   JobFaults faults;
   CheckPlot(options.plot, kDataPlotKinds, faults);
   if (!options.plotMatrix.empty() && !options.plot.IsAsked())
     faults.push_back({"plotMatrix", "there is no picture without a file for it"});
-  CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}}, faults);
+  CheckReport(options.report, faults);
+  CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}, {"report", options.report}},
+                    faults);
   RequireNone(std::move(faults));
   DataFile project = OpenProject(options.project);
   if (options.plot.IsAsked()) {
@@ -222,13 +149,21 @@ void Show(const ShowOptions& options) {
     WritePlot(options.plot, drawn.Name(),
               DataPlots(drawn, options.plot.Kind(), OriginOf(options.plotMatrix, project.workbook)));
   }
+  if (!options.report.empty()) {
+    TerminalUserInterface terminal(kProgram);
+    WriteReport(ProjectReport(options.project, project, options.sheet, options.report, terminal),
+                options.report);
+  }
   const bool json = options.format == ReportFormat::kJson;
   if (!options.sheet.empty()) {
     ShowSheet(options, project.Sheet(options.sheet));
   } else {
-    json ? ShowSheetsAsJson(project.workbook) : ShowSheetsAsTable(project.workbook);
+    json ? ShowSheetsAsJson(project.workbook)
+         : static_cast<void>(std::fputs(TextOf(SheetTable(project.workbook)).c_str(), stdout));
   }
-  if (!json) ReportPlot(options.plot);
+  if (json) return;
+  ReportPlot(options.plot);
+  SayReportWritten(options.report);
 }
 
 }  // namespace
@@ -246,6 +181,7 @@ void AddShowCommand(CLI::App& program) {
           "With --plot of simulated data, the correlations that were asked for: a sheet of the project, a "
           "CSV file, or PROJECT.bvw[:SHEET]")
       ->type_name("SHEET|FILE");
+  AddReportOption(*command, options->report);
   AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
   command->callback([options] { Show(*options); });

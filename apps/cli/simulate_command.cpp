@@ -13,7 +13,9 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
+#include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/simulate_job.h"
+#include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -99,6 +101,7 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
   ReportPlot(call.job.plot);
+  SayReportWritten(call.job.report);
   if (call.job.keepsTable) PrintCharts(DataPlots(run.output->Table(), "histogram", call.job.Origin(run)));
 }
 
@@ -107,7 +110,10 @@ void Simulate(const SimulateCall& call) {
   RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
-  Report(call, call.job.Run(terminal, recording.Job()));
+  const SimulationRun run = call.job.Run(terminal, recording.Job());
+  if (!call.job.report.empty())
+    WriteReport(SimulationReport(call.job, run, {*run.sheet, terminal.Messages()}), call.job.report);
+  Report(call, run);
   recording.Commit();
 }
 
@@ -146,6 +152,7 @@ void AddSimulateCommand(CLI::App& program) {
           "two take any number of samples of the methods without correlation")
       ->type_name("OUT");
   AddPlotOptions(*command, job.plot, kDataPlotKinds);
+  AddReportOption(*command, job.report);
   AddChartOption(*command, job.keepsTable);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

@@ -25,6 +25,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/exchange_jobs.h"
@@ -35,8 +36,12 @@
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/profile_job.h"
+#include "host/jobs/reports/fit_report.h"
+#include "host/jobs/reports/profile_report.h"
+#include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
+#include "host/reporting/report_file.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace py = pybind11;
@@ -147,6 +152,10 @@ JobInput InputOf(const Sheet& sheet, bool isLent, std::shared_ptr<AnalysisRef>& 
   return {sheet->Sheet(), workbook != nullptr ? &workbook->File() : nullptr, sheet.get(), start, isLent};
 }
 
+ReportContext ContextOf(AnalysisRef& analysis, bool isFromFile) {
+  return {analysis.Input()->Sheet(), analysis.Session().Interface().Messages(), isFromFile};
+}
+
 // The analysis, the names of the fitted variables in the order of the results, their fits, and their quantiles as JSON.
 py::tuple Fit(const FitJob& job, const Sheet& sheet, bool isLent) {
   std::shared_ptr<AnalysisRef> analysis;
@@ -178,6 +187,19 @@ std::optional<std::size_t> FirstSavedOf(const std::shared_ptr<AnalysisRef>& anal
   return first;
 }
 
+// The report of the fits that the open dialog shows.
+void WriteFitReport(FitJob job, const std::shared_ptr<AnalysisRef>& analysis,
+                    const std::filesystem::path& path, bool isFromFile) {
+  job.report = path;
+  JobFaults faults;
+  CheckReport(path, faults);
+  RequireNone(std::move(faults));
+  CarryOut(analysis, [&] {
+    RefuseRecordedReport(path, TheJob());
+    WriteReport(FitReport(job, analysis->Session(), ContextOf(*analysis, isFromFile)), path);
+  });
+}
+
 void SaveFitted(const FitJob& job, std::shared_ptr<AnalysisRef> analysis,
                 const std::vector<std::string>& fitted) {
   CarryOut(analysis, [&] {
@@ -204,13 +226,18 @@ py::dict NotationsOf(const DesignText& design) {
 
 // The samples, their seed, and what they were drawn from. `matrix`, which is given, and `kept`, which belongs to the fits
 // and serves the methods that follow one, may be null.
-py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, const Sheet& kept) {
+py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, const Sheet& kept,
+                   bool isFromFile) {
   std::shared_ptr<AnalysisRef> analysis;
   SimulationFindings found;
   job.keepsSamples = true;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   if (kept != nullptr) job.savedMatrix = DocumentOf(kept);
-  CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
+  CarryOut(analysis, [&] {
+    found = job.Run(InputOf(sheet, true, analysis), TheJob());
+    if (!job.report.empty())
+      WriteReport(SimulationReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
+  });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
                         NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
                         found.Notes());
@@ -299,12 +326,16 @@ AutomationRef FitGraphWith(const std::shared_ptr<AnalysisRef>& analysis, std::in
 }
 
 // The simulated runs, their seed, what was found, and the graphs of the responses. `matrix` may be null.
-py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix) {
+py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool isFromFile) {
   std::shared_ptr<AnalysisRef> analysis;
   ProfileFindings found;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   job.keepsGraphs = true;
-  CarryOut(analysis, [&] { found = job.Run(InputOf(sheet, true, analysis), TheJob()); });
+  CarryOut(analysis, [&] {
+    found = job.Run(InputOf(sheet, true, analysis), TheJob());
+    if (!job.report.empty())
+      WriteReport(ProfileReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
+  });
   return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results),
                         ResponseGraphDicts(found.graphs));
 }
@@ -401,12 +432,14 @@ void BindFitJob(py::module_& module) {
       .def_readwrite("select", &FitJob::select)
       .def_readwrite("save", &FitJob::save)
       .def_readwrite("graphs", &FitJob::graphs)
+      .def_readwrite("report", &FitJob::report)
       .def_readwrite("truncate", &FitJob::truncate)
       .def_readwrite("order", &FitJob::order)
       .def("check", &Check<FitJob>)
       .def("run", &Fit)
       .def("keep", &KeepFits)
-      .def("save_fits", &SaveFitted);
+      .def("save_fits", &SaveFitted)
+      .def("write_report", &WriteFitReport);
   DefineData(job);
   DefinePlot(job);
   job.def_property("plot_band", nullptr, [](FitJob& j, bool band) { j.plot.band = band; });
@@ -437,6 +470,7 @@ void BindSimulateJob(py::module_& module) {
       .def_readwrite("seed", &SimulateJob::seed)
       .def_readwrite("truncate", &SimulateJob::truncate)
       .def_readwrite("matrix", &SimulateJob::matrix)
+      .def_readwrite("report", &SimulateJob::report)
       .def("check", &Check<SimulateJob>)
       .def("run", &Simulate);
   DefineData(job);
@@ -468,6 +502,7 @@ void BindProfileJob(py::module_& module) {
       .def_readwrite("truncate", &ProfileJob::truncate)
       .def_readwrite("output", &ProfileJob::output)
       .def_readwrite("graphs", &ProfileJob::graphs)
+      .def_readwrite("report", &ProfileJob::report)
       .def("add_function",
            [](ProfileJob& j, std::string name, std::vector<std::string> predictors,
               std::vector<std::string> responses, py::object function) {

@@ -8,12 +8,16 @@
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
 #include "bindings/python/numpy_arrays.h"
+#include "bindings/python/python_interface.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
+#include "host/jobs/reports/project_report.h"
+#include "host/reporting/report_file.h"
 #include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;
@@ -470,6 +474,21 @@ void BindWorkbook(py::module_& module) {
           InHost(), py::arg("path") = std::nullopt,
           "Writes the project in one step: the file holds its old or its new content, never a mixture. "
           "Without a path, to the file that it was read from or last saved to.")
+      .def(
+          "report",
+          [](const Book& book, const std::filesystem::path& path, const std::string& sheet) {
+            const auto file = book->Path();
+            if (!file) throw Error("a workbook that is saved nowhere has no report");
+            JobFaults faults;
+            CheckReport(path, faults);
+            RequireNone(std::move(faults));
+            PythonInterface interface;
+            WriteReport(ProjectReport(*file, book->File(), sheet, path, interface), path);
+          },
+          InHost(), py::arg("path"), py::arg("sheet") = "",
+          "Writes a report of a sheet, or without its name of all, with tables and pictures, by ending: "
+          ".html as one "
+          "file, .pdf, or .md with its pictures in a folder beside it.")
       .def(
           "__repr__",
           [](const Book& book) {

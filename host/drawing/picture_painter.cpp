@@ -1,17 +1,16 @@
 // What the library exports: graphs in, the bytes of a file out.
 #include <qcustomplot.h>
 
-#include <QApplication>
 #include <QBuffer>
 #include <QPdfWriter>
 #include <QSvgGenerator>
-#include <clocale>
 #include <memory>
 
 #include "host/base/error.h"
 #include "host/base/export.h"
 #include "host/drawing/page.h"
 #include "host/drawing/text_fitting.h"
+#include "host/drawing/toolkit.h"
 #include "host/graphs/picture.h"
 
 namespace brenvolt {
@@ -19,27 +18,6 @@ namespace {
 
 constexpr int kPixelsPerInch = 96;
 constexpr int kPixelsPerMetre = 3780;
-
-// The toolkit needs an application, of which a process may have one; it would take the process's number format
-// along with the user's language, and would write its own remarks to standard error.
-class Toolkit {
- public:
-  Toolkit() {
-    if (QCoreApplication::instance() != nullptr) return;
-    const std::string former = std::setlocale(LC_ALL, nullptr);
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-    application_ = std::make_unique<QApplication>(count_, arguments_);
-    std::setlocale(LC_ALL, former.c_str());
-  }
-
- private:
-  int count_ = 3;
-  char name_[9] = "brenvolt";
-  char option_[10] = "-platform";
-  char platform_[10] = "offscreen";
-  char* arguments_[4] = {name_, option_, platform_, nullptr};
-  std::unique_ptr<QApplication> application_;
-};
 
 void Paint(const Page& page, const Theme& theme, bool isVector, QPaintDevice& device) {
   QCPPainter painter;
@@ -62,6 +40,24 @@ QByteArray Png(const Graph& graph, const PictureStyle& style) {
   return buffer.data();
 }
 
+// Rules by which a picture in light colours is dark where its reader prefers that. They name the colours, of which two
+// that are the same in light are the same in dark.
+QByteArray DarkRules() {
+  const QList<QColor> light = ColoursOf(ThemeOf(PictureTheme::kLight));
+  const QList<QColor> dark = ColoursOf(ThemeOf(PictureTheme::kDark));
+  QByteArray rules;
+  QList<QRgb> named;
+  for (qsizetype i = 0; i < light.size(); ++i) {
+    if (named.contains(light[i].rgb())) continue;
+    named.append(light[i].rgb());
+    for (const char* of : {"fill", "stroke"}) {
+      rules += QByteArray(".brenvolt [") + of + "=\"" + light[i].name().toLatin1() + "\"]{" + of + ":" +
+               dark[i].name().toLatin1() + "}";
+    }
+  }
+  return "<style>@media screen and (prefers-color-scheme:dark){" + rules + "}</style>";
+}
+
 QByteArray Svg(const Graph& graph, const PictureStyle& style) {
   const Page page(graph, style.width);
   QBuffer buffer;
@@ -70,10 +66,16 @@ QByteArray Svg(const Graph& graph, const PictureStyle& style) {
   generator.setSize(page.Size());
   generator.setViewBox(QRect(QPoint(0, 0), page.Size()));
   generator.setResolution(kPixelsPerInch);
-  generator.setTitle(Shown(graph.title));
+  // The toolkit writes it between tags as it stands.
+  generator.setTitle(Shown(graph.title).toHtmlEscaped());
   generator.setDescription(QString());
   Paint(page, ThemeOf(style.theme), true, generator);
-  return buffer.data();
+  QByteArray bytes = buffer.data();
+  if (style.theme == PictureTheme::kReader) {
+    bytes.replace("<defs>", DarkRules() + "<defs>");
+    bytes.replace("<svg ", "<svg class=\"brenvolt\" ");
+  }
+  return bytes;
 }
 
 QByteArray Pdf(std::span<const Graph> graphs, const PictureStyle& style) {
@@ -106,7 +108,7 @@ QByteArray Pdf(std::span<const Graph> graphs, const PictureStyle& style) {
 }
 
 std::string Draw(std::span<const Graph> graphs, const PictureStyle& style) {
-  static const Toolkit toolkit;
+  RequireToolkit();
   if (graphs.size() > 1 && style.format != PictureFormat::kPdf)
     throw Error("only PDF has a page for each of several graphs");
   const QByteArray bytes = style.format == PictureFormat::kPdf   ? Pdf(graphs, style)

@@ -37,6 +37,14 @@ const Theme& ThemeOf(PictureTheme theme) {
   return theme == PictureTheme::kDark ? kDark : kLight;
 }
 
+// Lines come before what a picture fills with a colour of the same hue.
+QList<QColor> ColoursOf(const Theme& theme) {
+  QList<QColor> colours(theme.lines.begin(), theme.lines.end());
+  colours << theme.background << theme.text << theme.faintText << theme.grid << theme.bar << theme.barEdge
+          << theme.negativeBar << theme.point << theme.reference << theme.region << theme.marker;
+  return colours;
+}
+
 QFont TextFont(int pixels, bool bold) {
   QFont font(QStringLiteral("DejaVu Sans"));
   font.setPixelSize(pixels);

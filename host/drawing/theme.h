@@ -3,6 +3,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QList>
 #include <array>
 
 #include "host/graphs/picture.h"
@@ -27,6 +28,9 @@ struct Theme {
 
 // Both keep to colours that the colour-blind tell apart (Okabe and Ito 2008, Color Universal Design).
 const Theme& ThemeOf(PictureTheme theme);
+
+// All colours of a theme, each at the same place in every theme.
+QList<QColor> ColoursOf(const Theme& theme);
 
 inline constexpr int kTextSize = 12;  // in pixels
 inline constexpr int kTitleSize = 14;

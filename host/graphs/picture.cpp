@@ -3,6 +3,7 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/base/process/dynamic_library.h"
@@ -14,6 +15,7 @@ constexpr const char* kLibrary = "libbrenvolt_drawing.so";
 
 // The library, or why there is none.
 struct Loaded {
+  std::unique_ptr<DynamicLibrary> library;
   PictureFunction* draw = nullptr;
   std::string fault;
 };
@@ -23,16 +25,18 @@ Loaded Load() {
       LibraryFileOf(reinterpret_cast<const void*>(&DrawPictures)).parent_path() / kLibrary;
   std::error_code ignored;
   if (!std::filesystem::exists(file, ignored)) {
-    return {nullptr,
+    return {nullptr, nullptr,
             "this build draws no pictures; install the Debian packages qt6-base-dev, qt6-svg-dev and "
             "libqcustomplot-dev, and build again"};
   }
   try {
-    const DynamicLibrary library(file);
-    return {library.Symbol<PictureFunction*()>(kPictureSymbol)(), {}};
+    auto library = std::make_unique<DynamicLibrary>(file);
+    PictureFunction* const draw = library->Symbol<PictureFunction*()>(kPictureSymbol)();
+    return {std::move(library), draw, {}};
   } catch (const Error& error) {
-    return {nullptr, "the library that draws pictures " + std::string(error.what()) +
-                         "; the Debian packages libqcustomplot2.1-qt6 and libqt6svg6 bring what it needs"};
+    return {nullptr, nullptr,
+            "the library that draws pictures " + std::string(error.what()) +
+                "; the Debian packages libqcustomplot2.1-qt6 and libqt6svg6 bring what it needs"};
   }
 }
 
@@ -45,6 +49,11 @@ const Loaded& Library() {
 
 std::string WhyNoPictures() {
   return Library().fault;
+}
+
+const DynamicLibrary& DrawingLibrary() {
+  if (Library().library == nullptr) throw Error(Library().fault);
+  return *Library().library;
 }
 
 std::string DrawPictures(std::span<const Graph> graphs, const PictureStyle& style) {

@@ -10,8 +10,14 @@
 
 namespace brenvolt {
 
+class DynamicLibrary;
+
 enum class PictureFormat : std::uint8_t { kPng, kSvg, kPdf };
-enum class PictureTheme : std::uint8_t { kLight, kDark };
+enum class PictureTheme : std::uint8_t {
+  kLight,
+  kDark,
+  kReader  // of an SVG: light, and dark on a screen whose reader prefers that
+};
 
 struct PictureStyle {
   PictureFormat format = PictureFormat::kPng;
@@ -28,6 +34,8 @@ std::string DrawPictures(std::span<const Graph> graphs, const PictureStyle& styl
 
 // Why no picture can be drawn here, and which packages bring what is missing; empty where pictures can be drawn.
 std::string WhyNoPictures();
+// The library, which may have more to offer than pictures. Throws Error with the reason where there is none.
+const DynamicLibrary& DrawingLibrary();
 
 // What the library does, and the name of its function that returns this one.
 using PictureFunction = std::string(std::span<const Graph> graphs, const PictureStyle& style);

@@ -31,13 +31,6 @@ std::vector<double> SelectedValues(const Spreadsheet& sheet, const Variable& var
   return values;
 }
 
-std::vector<double> SortedValues(const Spreadsheet& sheet, const Variable& variable) {
-  std::vector<double> values = SelectedValues(sheet, variable);
-  std::erase_if(values, [](double x) { return !std::isfinite(x); });
-  std::ranges::sort(values);
-  return values;
-}
-
 Graph Histogram(const std::string& name, const std::vector<double>& sorted, const DataOrigin& origin) {
   const bool isDiscrete = AreWhole(sorted) && sorted.back() - sorted.front() <= kMostWhole;
   Graph graph = HistogramGraph(sorted, ClassesOf(sorted, !isDiscrete).bounds, HistogramKind::kPlain, {},
@@ -151,6 +144,13 @@ PlotPage MatrixPage(const Spreadsheet& matrix, std::string_view kind) {
 }
 
 }  // namespace
+
+std::vector<double> SortedValues(const Spreadsheet& sheet, const Variable& variable) {
+  std::vector<double> values = SelectedValues(sheet, variable);
+  std::erase_if(values, [](double x) { return !std::isfinite(x); });
+  std::ranges::sort(values);
+  return values;
+}
 
 void DataOrigin::Ask(const std::string& first, const std::string& second, double correlation) {
   asked[{first, second}] = asked[{second, first}] = correlation;

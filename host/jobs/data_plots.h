@@ -19,6 +19,9 @@ inline constexpr std::string_view kHeatMapKind = "heat-map";
 inline constexpr std::string_view kDataPlotKinds[] = {kOverview, "histogram", "box-plot", kScatterKind,
                                                       kHeatMapKind};
 
+// The values of a variable in the cases that the selection accepts, ascending.
+std::vector<double> SortedValues(const Spreadsheet& sheet, const Variable& variable);
+
 // What is known of where data come from.
 struct DataOrigin {
   std::vector<NotedVariable> distributions;  // that variables of these names were drawn from

@@ -8,6 +8,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
@@ -274,7 +275,9 @@ JobFaults FitJob::Check() const {
   CheckFolder("save", save, faults);
   CheckGraphsTarget("graphs", graphs, faults);
   CheckPlot(plot, kFitPlotKinds, faults);
-  CheckTargetsApart({{"data", data.file}}, {{"save", save}, {"graphs", graphs}, {"plot", plot.file}}, faults);
+  CheckReport(report, faults);
+  CheckTargetsApart({{"data", data.file}},
+                    {{"save", save}, {"graphs", graphs}, {"plot", plot.file}, {"report", report}}, faults);
   if (!variables.All().empty()) {
     Append(CheckVariables(variables), faults);
   } else if (!trials.empty()) {

@@ -148,19 +148,21 @@ PlotPage PageOf(AutomationObject& dialog, const ResultRow& summary, const Plot& 
 
 }  // namespace
 
+PlotPage FitPlotOf(AutomationObject& dialog, const ResultTable& summary, std::size_t variable,
+                   const Spreadsheet& sheet, const Plot& plot) {
+  const auto place = static_cast<std::int32_t>(variable + 1);
+  const ResultRow& row = summary.rows[variable];
+  dialog.Put("QuickTabVariable", place);
+  if (dialog.Get("QuickTabDistribution").ToInteger() == 0) return UnfittedPage(sheet, row, plot.Kind());
+  ChooseFirstSaved(dialog, place);
+  return PageOf(dialog, row, plot);
+}
+
 std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Spreadsheet& sheet, const Plot& plot) {
   std::vector<PlotPage> pages;
   const ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
-  for (std::size_t i = 0; i < summary.rows.size(); ++i) {
-    const auto place = static_cast<std::int32_t>(i + 1);
-    dialog.Put("QuickTabVariable", place);
-    if (dialog.Get("QuickTabDistribution").ToInteger() == 0) {
-      pages.push_back(UnfittedPage(sheet, summary.rows[i], plot.Kind()));
-      continue;
-    }
-    ChooseFirstSaved(dialog, place);
-    pages.push_back(PageOf(dialog, summary.rows[i], plot));
-  }
+  for (std::size_t i = 0; i < summary.rows.size(); ++i)
+    pages.push_back(FitPlotOf(dialog, summary, i, sheet, plot));
   return pages;
 }
 

@@ -1,10 +1,12 @@
 // The graphs of a fit for programs and as pictures.
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string_view>
 #include <vector>
 
+#include "host/analysis/result_table.h"
 #include "host/jobs/base/job_recorder.h"
 #include "host/jobs/base/plot.h"
 #include "host/tables/spreadsheet.h"
@@ -32,5 +34,9 @@ std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Spreadsheet& shee
 
 // One of these for a fit of a variable, by their places among the results, from 1. No macro has it as a step.
 Graph FitGraphOf(CAnalysisSupport& analysis, std::int32_t variable, std::int32_t fit, const Plot& plot);
+
+// The page of a variable, by its place in the summary of the dialog from 0.
+PlotPage FitPlotOf(AutomationObject& dialog, const ResultTable& summary, std::size_t variable,
+                   const Spreadsheet& sheet, const Plot& plot);
 
 }  // namespace brenvolt

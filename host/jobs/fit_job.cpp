@@ -12,6 +12,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
@@ -344,6 +345,7 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
   RequireNone(Check());
   RequireNone(CheckSheet(*this, input.sheet));
   RefuseRecordedPlot(plot, recorder);
+  RefuseRecordedReport(report, recorder);
   std::optional<FormerConditions> former;
   if (input.isLent) former.emplace(input.sheet);
   if (!save.empty()) TakeFormer(input, recorder);

@@ -74,6 +74,7 @@ struct FitJob {
   std::vector<Truncation> truncate;  // saved with the fits, as is the order
   std::vector<Order> order;          // without, all valid fits by their ranks
   std::filesystem::path graphs;      // empty: none are written
+  std::filesystem::path report;      // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
 
   std::string RankedBy(bool continuous) const {

@@ -85,14 +85,6 @@ FittedVariable ReadVariable(AutomationObject& dialog, std::size_t place, ResultR
   return variable;
 }
 
-// That of the bootstrap where there was one.
-double KsPValueIn(const ResultRow& row) {
-  const bool isBootstrapped =
-      row.Has("bootstrap_samples"_column) && row.Number("bootstrap_samples"_column) > 0;
-  const ResultColumn& column = isBootstrapped ? "bootstrap_ks_p"_column : "ks_p"_column;
-  return row.Has(column) ? row.Number(column) : std::numeric_limits<double>::quiet_NaN();
-}
-
 // The saved fits, best first.
 std::vector<const FittedDistribution*> SavedFits(const FittedVariable& variable) {
   std::vector<const FittedDistribution*> saved(variable.fits.size());
@@ -104,6 +96,13 @@ std::vector<const FittedDistribution*> SavedFits(const FittedVariable& variable)
 }
 
 }  // namespace
+
+double KsPValueIn(const ResultRow& row) {
+  const bool isBootstrapped =
+      row.Has("bootstrap_samples"_column) && row.Number("bootstrap_samples"_column) > 0;
+  const ResultColumn& column = isBootstrapped ? "bootstrap_ks_p"_column : "ks_p"_column;
+  return row.Has(column) ? row.Number(column) : std::numeric_limits<double>::quiet_NaN();
+}
 
 std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t variable,
                                       std::span<const int> fits) {

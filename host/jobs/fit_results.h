@@ -52,6 +52,10 @@ struct FittedVariable {
   std::vector<std::string> Notes() const;
 };
 
+// The p-value of the Kolmogorov-Smirnov test of a row of a table of fits: the bootstrap's where there was one; NaN without
+// a test.
+double KsPValueIn(const ResultRow& row);
+
 // A row of a table of fits.
 FitReach ReachIn(const ResultRow& row);
 

@@ -9,6 +9,7 @@
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/profile_plots.h"
@@ -107,7 +108,9 @@ JobFaults ProfileJob::Check() const {
   std::vector<JobFile> files{{"data", data.file}, {"fromFile", inputs.fromFile}, {"matrix", inputs.matrix}};
   for (const auto& model : models) files.push_back({"models", model});
   CheckPlot(plot, kProfilePlotKinds, faults);
-  CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}}, faults);
+  CheckReport(report, faults);
+  CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}, {"report", report}},
+                    faults);
   return faults;
 }
 

@@ -17,6 +17,7 @@
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/long_profile.h"
 #include "host/jobs/predictor_inputs.h"
 #include "host/jobs/profile_plots.h"
@@ -522,6 +523,7 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   RequireNone(Check());
   RequireCases(input.sheet);
   RefuseRecordedPlot(plot, recorder);
+  RefuseRecordedReport(report, recorder);
   RefuseReplacedProject(output);
   if (!graphs.empty()) RefuseProjectTarget(graphs);
   RequireRecordable(recorder);
@@ -540,7 +542,7 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   TakeResults(profiler, simulated, found, shared);
   const bool isWhole = profiler.Batches().Count() == 1;
   if (isWhole) found.outputSheet = WriteSimulated(output, found.simulated, recorder);
-  if (plot.IsAsked() || !graphs.empty() || keepsGraphs) {
+  if (plot.IsAsked() || !graphs.empty() || !report.empty() || keepsGraphs) {
     if (shared.profiles) AddProfileBands(found.simulated->Table(), *shared.profiles);
     found.graphs = CollectGraphs(profiler, session.Analysis(), found.results, shared);
   }

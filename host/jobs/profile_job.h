@@ -68,6 +68,7 @@ struct ProfileJob {
   std::vector<Truncation> truncate;
   std::filesystem::path output;  // empty: the simulated runs go nowhere
   std::filesystem::path graphs;  // empty: none are written
+  std::filesystem::path report;  // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
   bool keepsGraphs = false;  // the findings have the graphs, also if none are written or drawn
 

@@ -9,6 +9,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/numeric/distributions/distribution_types.h"
 
@@ -143,12 +144,13 @@ JobFaults SimulateJob::Check() const {
   CheckInputs(faults);
   CheckDataTarget("output", output, faults);
   CheckPlot(plot, kDataPlotKinds, faults);
+  CheckReport(report, faults);
   if ((plot.kind == kScatterKind || plot.kind == kHeatMapKind) && kSimulationMethods.contains(method) &&
       !InducesCorrelation(method))
     faults.push_back(
         {"plotKind", "only methods that induce correlation have one to show; " + method + " does not"});
   CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
-                    {{"output", output}, {"plot", plot.file}}, faults);
+                    {{"output", output}, {"plot", plot.file}, {"report", report}}, faults);
   return faults;
 }
 
@@ -219,6 +221,7 @@ DataOrigin SimulateJob::Origin(const SimulationFindings& found) const {
 SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
   RefuseRecordedPlot(plot, recorder);
+  RefuseRecordedReport(report, recorder);
   RefuseReplacedProject(output);
   SimulationFindings found;
   found.seed = ChosenSeed(seed);
@@ -235,11 +238,12 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
     found.methodNotes.push_back(*std::move(note));
   if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
-  const bool toSheet =
-      keepsSamples || keepsTable || plot.IsAsked() || InducesCorrelation(method) || HasProjectEnding(output);
+  const bool keepsData = keepsSamples || keepsTable || plot.IsAsked() || !report.empty();
+  const bool toSheet = keepsData || InducesCorrelation(method) || HasProjectEnding(output);
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", method);
-  if (toSheet && (!keepsSamples || plot.IsAsked() || InducesCorrelation(method))) Summarize(session, found);
+  if (toSheet && (!keepsSamples || plot.IsAsked() || !report.empty() || InducesCorrelation(method)))
+    Summarize(session, found);
   found.design.correlations = found.results.Asked();
   RecordShown(session, recorder);
   Write(output, found, recorder);

@@ -51,6 +51,7 @@ struct SimulateJob {
   Table givenMatrix;             // in place of a name
   Table savedMatrix;             // that belongs to the fits; null: the one saved with them in the project
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
+  std::filesystem::path report;  // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;                     // of the data, which are kept in memory for it
   bool keepsTable = false;       // the findings have the document of the data, beside the summary
   bool keepsSamples = false;     // the findings have the document of the data, and no summary

@@ -75,6 +75,10 @@ def _is_lent(data):
     return isinstance(data, (Spreadsheet, _automation.TableDocument, Workbook))
 
 
+def _is_path(data):
+    return isinstance(data, (str, os.PathLike))
+
+
 def _file_of(data):
     """The file that data come from; None for data that do not come from one."""
     if isinstance(data, (str, os.PathLike)):
@@ -184,8 +188,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         censor: str | None = None, censor_upper: str | None = None, sheet: str | None = None,
         save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
-        plot_width: int | None = None, plot_band: bool = False, yes: bool = False,
-        decimal_comma: bool = False) -> FitResult | _censored.CensoredFitResult:
+        plot_width: int | None = None, plot_band: bool = False, report: str | os.PathLike | None = None,
+        yes: bool = False, decimal_comma: bool = False) -> FitResult | _censored.CensoredFitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -218,6 +222,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     plot_kind: "overview" (as without), "fit-comparison", "histogram", "cumulative-histogram", "pp", "qq",
     "empirical-distribution", "box-plot" or "return-levels"; plot_theme: "light" (as without) or "dark"; plot_width: in pixels;
     plot_band: P-P and Q-Q plots have the limits within which 95 % of samples from a continuous fit lie.
+    report: see FitResult.report.
     yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
     data.
     decimal_comma: the CSV file has decimal commas, and semicolons between the fields.
@@ -235,7 +240,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                exceed=_numbers(exceed, "exceed"), return_periods=_numbers(return_periods, "return_periods"),
                confidence=confidence, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
-               plot_band=plot_band, yes=yes, decimal_comma=decimal_comma)
+               plot_band=plot_band, report=report, yes=yes, decimal_comma=decimal_comma)
     required = [name for given in (continuous, discrete, weights, censor, censor_upper)
                 for name in _arguments.names(given, "required")]
     if censor is not None or censor_upper is not None:
@@ -243,7 +248,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
 
         return _censored.fit(job, censor, censor_upper, lambda: _sheet_of(data, sheet, required, decimal_comma))
     job.check()
-    return FitResult(job, _sheet_of(data, sheet, required, decimal_comma), _is_lent(data))
+    result = FitResult(job, _sheet_of(data, sheet, required, decimal_comma), _is_lent(data))
+    if report:
+        result.report(report)
+    return result
 
 
 class FitResult:
@@ -305,6 +313,13 @@ class FitResult:
         self._job.truncate, self._job.order = _truncations(truncate), _orders(order)
         self._job.save = _arguments.path(path, "path")
         self._job.save_fits(self.analysis._analysis, self._names)
+
+    def report(self, path: str | os.PathLike) -> None:
+        """Writes a report with tables, pictures and notes, by ending: .html as one file, .pdf, or .md with its pictures in a
+        folder beside it. Of more than fifty variables those that their fits miss most are shown one by one."""
+        path = _arguments.path(path, "path")
+        with self._conditions():
+            self._job.write_report(self.analysis._analysis, path, not self._lent)
 
     def plot(self, kind: str = "histogram", ax: Any = None, band: bool = False) -> Any:
         """Draws a graph of each variable that has fits, as FittedVariable.plot does. Returns the axes: of several variables
@@ -482,7 +497,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
              from_file: str | os.PathLike | None = None, variables: Names = None,
              sheet: str | None = None, plot: str | os.PathLike | None = None,
              plot_kind: str | None = None, plot_theme: str | None = None,
-             plot_width: int | None = None) -> pandas.DataFrame:
+             plot_width: int | None = None, report: str | os.PathLike | None = None) -> pandas.DataFrame:
     """Draws samples from the best fit of each variable, or from distributions given by hand.
 
     source: a FitResult, or fits saved in a project: its path, a Workbook, or a Spreadsheet of one. Or by hand {name:
@@ -500,7 +515,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     from_file: a text file of variables and correlations, in place of a source or before its variables.
     variables: names of those to simulate; without, those of the FitResult, or all with distributions.
     plot: picture, as for fit(); plot_kind: "overview" (as without), "histogram", "box-plot", or "scatter-matrix" and
-    "heat-map" with the correlations asked for and reached.
+    "heat-map" with the correlations asked for and reached; report: file with tables, pictures and notes, as FitResult.report
+    writes it.
 
     Returns a DataFrame with a row per sample, numbered from 1. Its plot("scatter-matrix"), "heat-map", "histogram" and
     "box-plot" draw the samples with what they were asked to be; other plots are those of a DataFrame. Its attrs tell what it was drawn from: "method", "seed",
@@ -515,7 +531,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
                seed=seed, truncate=truncate, sheet=sheet if by_hand else None,
                matrix=os.fspath(matrix) if isinstance(matrix, (str, os.PathLike)) else None,
                variables=_arguments.names(variables, "variables"), plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
-               plot_width=plot_width)
+               plot_width=plot_width, report=report)
     if by_hand or correlations is not None:
         _design._enter(job, source if by_hand else None, correlations, from_file)
     job.check()
@@ -526,7 +542,7 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
-    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept)
+    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept, by_hand or _is_path(source))
     from ._samples import teach_to_draw
 
     frame = simulated.to_pandas()
@@ -583,7 +599,8 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
             responses: str | Iterable[str] | None = None, sheet: str | None = None,
             output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
             plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
-            plot_width: int | None = None, decimal_comma: bool = False) -> ProfileResult:
+            plot_width: int | None = None, report: str | os.PathLike | None = None,
+            decimal_comma: bool = False) -> ProfileResult:
     """Simulates what models, formulas or a function predict, and compares it with specifications.
 
     profile(data, models, formulas, ...) or profile(function, inputs, ...), where inputs are as data.
@@ -609,7 +626,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     truncate: {predictor: (minimum, maximum)}, each of which may be None, in place of the range that a model declares.
     output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
     plot: picture, as for fit(), of each response; plot_kind: "overview" (as without), "histogram", "tornado", "profile",
-    "defect-profile" or "capability".
+    "defect-profile" or "capability". report: file with tables, pictures and notes, as FitResult.report writes it.
     decimal_comma: as for fit().
 
     Returns a ProfileResult.
@@ -632,7 +649,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
                output=output, graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
-               plot_width=plot_width, decimal_comma=decimal_comma)
+               plot_width=plot_width, report=report, decimal_comma=decimal_comma)
     given = {**data, **(variables or {})} if by_hand and data is not None else variables
     _design._enter(job, given, correlations, from_file)
     table = None
@@ -647,7 +664,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     if table is None:
         table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma)
     try:
-        return ProfileResult(*job.run(table, chosen))
+        return ProfileResult(*job.run(table, chosen, by_hand or _is_path(data)))
     except Error as error:
         if function is None or model.failure is None:
             raise

@@ -100,6 +100,32 @@ class Plots(unittest.TestCase):
             with open(path("pairs.svg"), encoding="utf-8") as file:
                 self.assertRegex(file.read(), r">reached 0\.\d+</text>")
 
+    def test_reports_are_those_of_the_command(self):
+        with tempfile.TemporaryDirectory() as folder:
+            def text(name):
+                with open(os.path.join(folder, name), encoding="utf-8") as file:
+                    return file.read()
+
+            data = os.path.join(EXAMPLES, "faithful.csv")
+            fits = brenvolt.fit(data, distributions=["normal"], select="waiting > 60", report=os.path.join(folder, "f.html"),
+                                save=os.path.join(folder, "p.bvw"))
+            self.assertIn("brenvolt fit " + data, text("f.html"))
+            fits.report(os.path.join(folder, "f.md"))
+            self.assertIn("Cases with: waiting &gt; 60", text("f.md"))
+            self.fits.report(os.path.join(folder, "again.html"))
+            frame = brenvolt.open_workbook(data).sheet("")
+            brenvolt.fit(frame, distributions=["normal"], select="waiting > 70", report=os.path.join(folder, "lent.md"))
+            self.assertIn("Cases with: waiting &gt; 70", text("lent.md"))
+            self.assertIn("no command repeats this", text("lent.md"))
+            brenvolt.simulate({"a": "normal(0, 1)"}, 100, report=os.path.join(folder, "s.md"))
+            self.assertRegex(text("s.md"), r"brenvolt simulate --variable 'a ~ normal\(0, 1\)' --method monte-carlo")
+            brenvolt.profile(lambda a: a * a, {"a": "normal(0, 1)"}, samples=200, report=os.path.join(folder, "r.html"))
+            self.assertIn("no command repeats this", text("r.html"))
+            brenvolt.open_workbook(os.path.join(folder, "p.bvw")).report(os.path.join(folder, "p.html"))
+            self.assertIn("<title>Project p.bvw</title>", text("p.html"))
+            with self.assertRaisesRegex(ValueError, "expected a file ending in .html, .md or .pdf"):
+                fits.report(os.path.join(folder, "f.doc"))
+
     def test_responses_draw_as_the_command_draws_them(self):
         found = brenvolt.profile(**OZONE, specifications={"O3": (2, None, 25)})
         axes = found.plot("tornado")

@@ -35,6 +35,8 @@ REFUSED_FITS = (
     ({"weights": "z"}, "sheet d has no variable called 'z' (weights)"),
     ({"save": "p.bvw", "graphs": "g.png"}, "expected a file ending in .json, got g.png (graphs)"),
     ({"save": "p.bvw", "plot": "p.gif"}, "expected a file ending in .png, .svg or .pdf, got p.gif (plot)"),
+    ({"report": "r.txt"}, "expected a file ending in .html, .md or .pdf, got r.txt (report)"),
+    ({"report": "none/r.html"}, "the folder of none/r.html does not exist (report)"),
     ({"plot": "p.png", "plot_kind": "pie"}, "pp, qq, return-levels; got 'pie' (plot_kind)"),
     ({"plot": "p.png", "plot_theme": "blue"}, "expected one of dark, light; got 'blue' (plot_theme)"),
     ({"plot_width": 640}, "there is no picture without a file for it (plot_width)"),

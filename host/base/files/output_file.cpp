@@ -12,6 +12,10 @@
 
 namespace brenvolt {
 
+bool IsWritableFolder(const std::filesystem::path& folder) {
+  return access(folder.empty() ? "." : folder.c_str(), W_OK | X_OK) == 0;
+}
+
 OutputFile::OutputFile(std::filesystem::path target) : target_(std::move(target)) {
   std::error_code ignored;
   const auto status = std::filesystem::status(target_, ignored);

@@ -10,6 +10,9 @@
 
 namespace brenvolt {
 
+// Whether this process may make files in a folder; an empty path is the working folder.
+bool IsWritableFolder(const std::filesystem::path& folder);
+
 class OutputFile {
  public:
   // Opens the target for writing. A regular or not yet existing target is written under a temporary name in

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <system_error>
 
+#include "host/base/files/output_file.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/numpy_archive.h"
 
@@ -18,6 +19,12 @@ bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b) 
   return std::filesystem::weakly_canonical(a, ignored) == std::filesystem::weakly_canonical(b, ignored);
 }
 
+// Where the file is, which a link may have elsewhere.
+std::filesystem::path TargetFolder(const std::filesystem::path& path) {
+  std::error_code ignored;
+  return std::filesystem::weakly_canonical(path, ignored).parent_path();
+}
+
 }  // namespace
 
 bool IsRegularTarget(const std::filesystem::path& path) {
@@ -29,8 +36,12 @@ bool IsRegularTarget(const std::filesystem::path& path) {
 void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
   const std::filesystem::path folder = path.parent_path();
   std::error_code ignored;
-  if (folder.empty() || std::filesystem::is_directory(folder, ignored)) return;
-  faults.push_back({std::string(field), "the folder of " + path.string() + " does not exist"});
+  if (path.empty()) return;
+  if (!folder.empty() && !std::filesystem::is_directory(folder, ignored)) {
+    faults.push_back({std::string(field), "the folder of " + path.string() + " does not exist"});
+  } else if (IsRegularTarget(path) && !IsWritableFolder(TargetFolder(path))) {
+    faults.push_back({std::string(field), "no file can be written in the folder of " + path.string()});
+  }
 }
 
 void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {

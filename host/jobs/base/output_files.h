@@ -22,7 +22,8 @@ void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path
 
 // The same for separated values: CSV, by the ending, or a device or pipe.
 void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
-// Adds a fault where the folder of an output does not exist, which would be found only when the work is done.
+// Adds a fault where the folder of an output does not exist or takes no file, which would be found only when the work is
+// done.
 void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
 // A file that a job reads or writes, and the field that names it. An empty path is no file.

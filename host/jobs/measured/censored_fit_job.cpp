@@ -293,6 +293,7 @@ JobFaults ExcludedFields(const FitJob& job) {
                              {"bootstrap", job.bootstrap.has_value()},
                              {"save", !job.save.empty()},
                              {"graphs", !job.graphs.empty()},
+                             {"report", !job.report.empty()},
                              {"plotBand", job.plot.band}};
   JobFaults faults;
   for (const Excluded& one : fields) {

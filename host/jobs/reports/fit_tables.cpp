@@ -170,6 +170,31 @@ ReportTable RankingTable(const FittedVariable& variable, const std::string& rank
   return Ranking(variable, rankedBy, bootstrapped).Table();
 }
 
+ReportTable QuantileTable(const FitQuantiles& found, double spread) {
+  constexpr int kDigits = 5;
+  const auto value = [&](double x) { return ReadableNumber(x, DigitsFor(x, spread, kDigits)); };
+  const auto probability = [](double p) { return ReadableNumber(p, kDigits); };
+  const auto between = [](const ConfidenceInterval& interval, const auto& text) {
+    return IsNotSet(interval.lower) ? std::string("-") : text(interval.lower) + " to " + text(interval.upper);
+  };
+  ReportTable table;
+  table.AddText("Of " + found.distribution);
+  for (const char* heading : {"Estimate", "by covariance"}) table.AddNumber(heading);
+  if (found.samples > 0) table.AddNumber("by bootstrap");
+  for (const FitQuantiles::Row& row : found.quantiles) {
+    const std::string name = row.returnPeriod ? "level of return period " + ReadableNumber(*row.returnPeriod)
+                                              : "quantile " + ReadableNumber(row.probability);
+    table.AddRow({name, value(row.value), between(row.byCovariance, value), between(row.byBootstrap, value)});
+  }
+  for (const FitQuantiles::Row& row : found.exceedances)
+    table.AddRow({"probability above " + ReadableNumber(row.value), probability(row.probability),
+                  between(row.byCovariance, probability), between(row.byBootstrap, probability)});
+  for (ReportRow& row : table.rows) row.cells.resize(table.columns.size());
+  table.notes.push_back("Intervals have a confidence of " + ReadableNumber(100 * found.confidence) + " %");
+  if (!found.note.empty()) table.notes.push_back("note: " + found.note);
+  return table;
+}
+
 std::string PValueNote(std::int32_t bootstrapSamples) {
   if (bootstrapSamples > 0) {
     return "P-values by parametric bootstrap, " + std::to_string(bootstrapSamples) +

@@ -1,0 +1,12 @@
+// The report of a fit.
+#pragma once
+
+#include "host/jobs/fit_job.h"
+#include "host/jobs/reports/report_parts.h"
+
+namespace brenvolt {
+
+// Of the fits that the open dialog of the session shows. Of many variables those that fits miss most are shown one by one.
+Report FitReport(const FitJob& job, AnalysisSession& session, const ReportContext& context);
+
+}  // namespace brenvolt

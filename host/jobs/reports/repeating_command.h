@@ -1,0 +1,23 @@
+// Jobs as the command that repeats them, whoever ran them.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+
+#include "host/jobs/fit_job.h"
+#include "host/jobs/profile_job.h"
+#include "host/jobs/simulate_job.h"
+
+namespace brenvolt {
+
+// "brenvolt fit data.csv --rank-by aic"; empty where no command can say it: for data without a file, matrices and functions
+// of a program, and names with commas in a list of names. Seeds are those that were drawn.
+std::string CommandOf(const FitJob& job);
+std::string CommandOf(const SimulateJob& job, std::int32_t seed);
+std::string CommandOf(const ProfileJob& job, std::int32_t seed);
+// Of a project and the name of one of its sheets, which may be empty.
+std::string ShowCommandOf(const std::filesystem::path& project, const std::string& sheet,
+                          const std::filesystem::path& report);
+
+}  // namespace brenvolt
