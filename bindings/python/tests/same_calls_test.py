@@ -182,7 +182,7 @@ CAPABILITIES = (
 NORMAL = "normal(0, 1)"
 REFUSED_INPUTS = (
     ({"h": "normal(1, -2)"}, {}, "expected a number above 0 for scale, got '-2'; normal takes location, scale (character 15"),
-    ({"h": "triangular(5, 1, 3)"}, {}, "the mode must lie between min and max (character 23 of"),
+    ({"h": "triangular(5, 1, 3)"}, {}, "min must not be above max (character 23 of"),
     ({"h": "triangular(1, 5, 6)"}, {}, "the mode must lie between min and max"),
     ({"h": "gaussianmixture(1:0:1)"}, {}, "a gaussianmixture has from 2 to 20 components, not 1 (character"),
     ({"h": "histogram(0:0.3, 1:0.4, 0:0.3)"}, {}, "the level 0 is there twice (character 29 of"),

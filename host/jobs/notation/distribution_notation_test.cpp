@@ -85,7 +85,7 @@ TEST(DistributionNotation, FaultsPointAtTheCharacterAndSayWhatTheTypeTakes) {
       {"h ~ normal(scale=2, scale=1)", 27, "scale is given twice"},
       {"h ~ lognormal(mean=2, sd=1)", 15,
        "lognormal has no parameter called 'mean'; it takes scale, shape, offset"},
-      {"h ~ triangular(5, 1, 3)", 23, "the mode must lie between min and max"},
+      {"h ~ triangular(5, 1, 3)", 23, "min must not be above max"},
       {"h ~ triangular(1, 5, 7)", 23, "the mode must lie between min and max"},
       {"h ~ binomial(0.5, 2.5)", 19, "expected a whole number from 1 to 2**53 for trials"},
       {"h ~ bernoulli(1.2)", 15, "expected a number from 0 to 1 for proportion"},

@@ -43,7 +43,7 @@ std::optional<std::string> WrongTogether(DistributionCode code, std::span<const 
       return GroupCountText(code, values.size() / TypeOf(code).facts.ParameterCount());
     case ValueRule::kMinUpToMode:
     case ValueRule::kModeUpToMax:
-      return "the mode must lie between min and max";
+      return values[0] > values[1] ? "min must not be above max" : "the mode must lie between min and max";
     case ValueRule::kTotalProportion:
       return "the proportions must add up to 1; they add up to " +
              ShortestNumber(TotalProportion(code, values));
