@@ -120,6 +120,7 @@ TEST_F(Command, WrongDesignsAreRefusedBeforeAnythingIsWritten) {
       {{"--variable", "h ~ histogram(0:0.5, 1:0.4)"}, "the proportions must add up to 1; they add up to 0.9"},
       {{"--correlation", "a,b=0.5"}, "no variable is called 'a'"},
       {{"--from", "none.txt"}, "none.txt cannot be read"},
+      {{"--from", "."}, ". is not a regular file; it is read more than once"},
       {{"--variable", "h ~ normal(1, 1)", "--sheet", "x"}, "a new project has no sheet to choose"},
   };
   for (const auto& row : rows) {

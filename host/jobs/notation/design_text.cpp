@@ -202,6 +202,9 @@ void AddCorrelations(const std::string& field, const Spreadsheet& table,
 
 void ReadDesignFile(const std::filesystem::path& file, const std::vector<std::string>* others,
                     DesignText& design, JobFaults& faults) {
+  std::error_code ignored;
+  if (std::filesystem::exists(file, ignored) && !std::filesystem::is_regular_file(file, ignored))
+    throw Error("is not a regular file; it is read more than once, so save it as one", file.string());
   std::ifstream stream(file);
   if (!stream) throw Error("cannot be read", file.string());
   struct Line {
