@@ -123,7 +123,8 @@ def _told(failure):
 def _described(given):
     shape = getattr(given, "shape", None)
     if shape is not None:
-        return f"an array of shape {tuple(shape)}"
+        kind = getattr(getattr(given, "dtype", None), "kind", "O")
+        return f"an array of shape {tuple(shape)}" if kind in "fiubO" else f"an array of type {given.dtype}"
     if isinstance(given, (tuple, list)):
         return f"{len(given)} values"
     return f"a {type(given).__name__}"

@@ -485,7 +485,8 @@ class Profiles(Folder):
 
         cases = ((lambda x: x[:-1], "expected 500 numbers; the function gave an array of shape .499,. .<lambda>, runs 1 to 500"),
                  (lambda x: 3.5, "the function gave a float"), (lambda x: numpy.log(x), "run .* has no number but nan; of the block"),
-                 (lambda x: x.astype(str), "expected 500 numbers"), (lambda x: {"z": x}, "no column 'y'"),
+                 (lambda x: x.astype(str), "expected 500 numbers; the function gave an array of type <U"),
+                 (lambda x: x + 1j, "expected 500 numbers; the function gave an array of type complex128"), (lambda x: {"z": x}, "no column 'y'"),
                  (lambda x: numpy.outer(x, x), "an array of shape"), (lambda x: None, "the function gave a NoneType"))
         for function, message in cases:
             with self.assertRaisesRegex(brenvolt.Error, message):
