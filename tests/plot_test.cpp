@@ -70,11 +70,12 @@ TEST_F(PlotCommand, SimulatedDataShowTheCorrelationsAskedForAndReached) {
   std::snprintf(reached, sizeof reached, "reached %.3f", pair["spearman"].get<double>());
   EXPECT_TRUE(Shows("s.svg", reached)) << reached;
   EXPECT_TRUE(Shows("s.svg", "eruptions"));
-  MustRun({"simulate", "p.bvw", "--seed", "7", "--plot", "s.svg"});
+  MustRun({"simulate", "p.bvw", "--method", "monte-carlo", "--seed", "7", "--plot", "s.svg"});
   EXPECT_TRUE(Shows("s.svg", "Histogram of waiting"));
   MustRun({"simulate", "--variable", "h ~ normal(50, 2)", "--seed", "7", "--plot", "s.svg"});
   EXPECT_TRUE(Shows("s.svg", "normal(location=50, scale=2)"));
-  const Outcome refused = Run({"simulate", "p.bvw", "--plot", "s.svg", "--plot-kind", "scatter-matrix"});
+  const Outcome refused = Run(
+      {"simulate", "p.bvw", "--method", "monte-carlo", "--plot", "s.svg", "--plot-kind", "scatter-matrix"});
   EXPECT_EQ(refused.status, 2);
   EXPECT_NE(refused.err.find("only methods that induce correlation have one to show"), std::string::npos);
   MustRun({"show", "p.bvw", "--plot", "d.svg"});

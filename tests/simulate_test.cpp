@@ -22,8 +22,9 @@ TEST_F(Command, SavedFitsSimulateReproducibly) {
     EXPECT_NE(BytesOf(File("a.csv")), BytesOf(File("b.csv")));
   }
   EXPECT_TRUE(BytesOf(File("a.csv")).starts_with("Sample #,eruptions,waiting\n1,"));
-  const auto report = Json::parse(
-      MustRun({"simulate", "geyser.bvw", "--samples", "20000", "--seed", "1", "--format", "json"}).out);
+  const auto report = Json::parse(MustRun({"simulate", "geyser.bvw", "--method", "monte-carlo", "--samples",
+                                           "20000", "--seed", "1", "--format", "json"})
+                                      .out);
   EXPECT_EQ(report["method"], "Monte Carlo method");
   EXPECT_EQ(report["variables"][1]["n"], 20000);
   EXPECT_NEAR(report["variables"][1]["mean"], 70.897, 0.5);
@@ -64,8 +65,8 @@ TEST_F(Command, SimulatedDataGoIntoAProjectAsAnotherSheet) {
   MustRun({"simulate", "p.bvw", "--samples", "10", "-o", "p.bvw"});
   const auto shown = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
   ASSERT_EQ(shown.size(), 4U);
-  EXPECT_EQ(shown[2]["name"], "Monte Carlo method");
-  EXPECT_EQ(shown[3]["name"], "Monte Carlo method (2)");
+  EXPECT_EQ(shown[2]["name"], "Iman Conover method");
+  EXPECT_EQ(shown[3]["name"], "Iman Conover method (2)");
 }
 
 // Old Faithful's waits follow its eruptions. The target is the correlation of normal scores, whose ranks
@@ -106,7 +107,52 @@ TEST_F(Command, SimulationReachesTheCorrelationSavedWithTheFits) {
     }
     EXPECT_NE(simulate({}).find("  Correlation of      Asked for  Pearson  Spearman\n"), std::string::npos);
   }
-  EXPECT_FALSE(Json::parse(MustRun({"simulate", "p.bvw", "--format", "json"}).out).contains("correlations"));
+  EXPECT_FALSE(Json::parse(MustRun({"simulate", "p.bvw", "--method", "monte-carlo", "--format", "json"}).out)
+                   .contains("correlations"));
+}
+
+// Known are correlations that are given, in a text file, saved with a design or with fits, as far as both variables of
+// a pair are drawn; a saved matrix that has no number for a pair is not followed.
+TEST_F(Command, WithoutAMethodKnownCorrelationsAreFollowed) {
+  WriteBytes(File("m.csv"), ",a,b\na,1,0.5\nb,0.5,1\n");
+  WriteBytes(File("linked.txt"),
+             "a ~ normal(0, 1)\nb ~ normal(0, 1)\nc ~ poisson(3)\ncorrelation a, b = 0.5\n");
+  MustRun({"design", "linked.bvw", "--from", "linked.txt"});
+  MustRun({"design", "free.bvw", "--variable", "a ~ normal(0, 1)", "--variable", "b ~ normal(0, 1)"});
+  MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "fits.bvw"});
+  std::filesystem::copy(File("fits.bvw"), File("holed.bvw"));
+  Sql("holed.bvw", "UPDATE variable SET name = 'pause' WHERE name = 'waiting' AND sheet = 1");
+  const std::vector<std::string> pair{"--variable", "a ~ normal(0, 1)", "--variable", "b ~ normal(0, 1)"};
+  const auto with = [](std::vector<std::string> words, const std::vector<std::string>& more) {
+    words.insert(words.end(), more.begin(), more.end());
+    return words;
+  };
+  const std::tuple<std::vector<std::string>, const char*> cases[] = {
+      {pair, "monte-carlo"},
+      {with(pair, {"--correlation", "a,b=0.5"}), "iman-conover"},
+      {with(pair, {"--matrix", "m.csv"}), "iman-conover"},
+      {{"--from", "linked.txt"}, "iman-conover"},
+      {{"--from", "linked.txt", "--variables", "a,c"}, "monte-carlo"},
+      {{"linked.bvw"}, "iman-conover"},
+      {{"linked.bvw", "--variables", "b,c"}, "monte-carlo"},
+      {{"linked.bvw", "--plot", "s.svg", "--plot-kind", "scatter-matrix"}, "iman-conover"},
+      {{"free.bvw"}, "monte-carlo"},
+      {{"free.bvw", "--matrix", "m.csv"}, "iman-conover"},
+      {{"fits.bvw"}, "iman-conover"},
+      {{"fits.bvw", "--variables", "waiting"}, "monte-carlo"},
+      {{"holed.bvw"}, "monte-carlo"},
+  };
+  for (const auto& [words, method] : cases) {
+    std::vector<std::string> call =
+        with({"simulate", "--samples", "200", "--seed", "1", "-o", "s.csv"}, words);
+    EXPECT_EQ(JsonOf(call)["drawn"]["method"], method) << testing::PrintToString(words);
+    const std::string bytes = BytesOf(File("s.csv"));
+    MustRun(with(call, {"--method", method}));
+    EXPECT_EQ(BytesOf(File("s.csv")), bytes) << testing::PrintToString(words);
+  }
+  const Outcome refused = Run({"simulate", "free.bvw", "--plot", "s.svg", "--plot-kind", "scatter-matrix"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_NE(refused.err.find("monte-carlo does not (--plot-kind)"), std::string::npos) << refused.err;
 }
 
 TEST_F(Command, LatinHypercubeSaysWhichLowerBoundItLeavesOut) {
@@ -282,7 +328,7 @@ TEST_F(Command, JsonOfASimulationSaysWhereTheDataWent) {
   MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "p.bvw"});
   EXPECT_FALSE(JsonOf({"simulate", "p.bvw"}).contains("output"));
   EXPECT_EQ(JsonOf({"simulate", "p.bvw", "-o", "x.csv"})["output"], Json({{"file", "x.csv"}}));
-  for (const char* sheet : {"Monte Carlo method", "Monte Carlo method (2)"}) {
+  for (const char* sheet : {"Iman Conover method", "Iman Conover method (2)"}) {
     EXPECT_EQ(JsonOf({"simulate", "p.bvw", "-o", "p.bvw"})["output"],
               Json({{"file", "p.bvw"}, {"sheet", sheet}}));
   }
@@ -302,9 +348,9 @@ TEST_F(Command, InterruptedSimulationLeavesNoFile) {
   WriteBytes(File("x.csv"), "former\n");
   for (const std::string output : {"x.csv", "y.npz", "p.bvw"}) {
     const auto before = folder.Names();
-    const Outcome stopped = RunBrenvolt(
-        {"simulate", "p.bvw", "--samples", output == "p.bvw" ? "60000000" : "1500000000", "-o", output},
-        folder.Path(), std::chrono::milliseconds(400));
+    const Outcome stopped = RunBrenvolt({"simulate", "p.bvw", "--method", "monte-carlo", "--samples",
+                                         output == "p.bvw" ? "60000000" : "1500000000", "-o", output},
+                                        folder.Path(), std::chrono::milliseconds(400));
     EXPECT_EQ(stopped.status, 130) << output;
     EXPECT_EQ(stopped.err, "brenvolt: interrupted\n");
     EXPECT_EQ(folder.Names(), before);

@@ -54,7 +54,7 @@ Json SavedCautionsJson(const std::vector<VariableCautions>& variables) {
 
 // What the job is repeated from.
 Json DrawnJson(const SimulateCall& call, const SimulationRun& run) {
-  Json drawn = {{"method", call.job.method}, {"truncate", call.job.truncate}};
+  Json drawn = {{"method", run.method}, {"truncate", call.job.truncate}};
   drawn.update(DesignJson(run.design));
   return drawn;
 }
@@ -97,7 +97,7 @@ void Report(const SimulateCall& call, const SimulationRun& run) {
     std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
   if (!run.methodNotes.empty()) std::printf("\n");
   for (const std::string& note : run.methodNotes) std::printf("  %s\n", note.c_str());
-  std::printf("\nDrawn by %s%s from\n%s", call.job.method.c_str(),
+  std::printf("\nDrawn by %s%s from\n%s", run.method.c_str(),
               call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
   if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
   ReportPlot(call.job.plot);
@@ -134,7 +134,10 @@ void AddSimulateCommand(CLI::App& program) {
       ->type_name("NAME");
   AddList(*command, "--variables", job.variables, "V,V",
           "Variables to simulate; default: all with distributions");
-  command->add_option("--method", job.method, "How samples are drawn (default monte-carlo)")
+  command
+      ->add_option(
+          "--method", job.method,
+          "How samples are drawn; default: iman-conover where correlations are known, else monte-carlo")
       ->type_name("monte-carlo|latin-hypercube|iman-conover|latin-hypercube-iman-conover|norta");
   command
       ->add_option("--matrix", job.matrix,

@@ -224,7 +224,7 @@ py::dict NotationsOf(const DesignText& design) {
   return variables;
 }
 
-// The samples, their seed, and what they were drawn from. `matrix`, which is given, and `kept`, which belongs to the fits
+// The samples, their method and seed, and what they were drawn from. `matrix`, which is given, and `kept`, which belongs to the fits
 // and serves the methods that follow one, may be null.
 py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, const Sheet& kept,
                    bool isFromFile) {
@@ -238,9 +238,9 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, con
     if (!job.report.empty())
       WriteReport(SimulationReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
   });
-  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.seed, CautionTexts(found.cautions),
-                        NotationsOf(found.design), PairDicts(found.results), RepairedMatrix(found.results),
-                        found.Notes());
+  return py::make_tuple(std::make_shared<SheetRef>(found.output), found.method, found.seed,
+                        CautionTexts(found.cautions), NotationsOf(found.design), PairDicts(found.results),
+                        RepairedMatrix(found.results), found.Notes());
 }
 
 // The variables in their notation by name, the correlations as triples, the least eigenvalue of their matrix, and notes.

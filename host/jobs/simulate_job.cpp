@@ -133,25 +133,27 @@ std::vector<std::string> SimulationFindings::Notes() const {
 JobFaults SimulateJob::Check() const {
   JobFaults faults;
   CheckOnce("variables", variables, faults);
-  CheckWord("method", method, kSimulationMethods, faults);
+  if (method) CheckWord("method", *method, kSimulationMethods, faults);
   CheckWholeNumber("samples", samples, 1, kMostInteger, faults);
   if (seed) CheckWholeNumber("seed", *seed, 0, kMostInteger, faults);
-  if ((!matrix.empty() || givenMatrix != nullptr) && kSimulationMethods.contains(method) &&
-      !InducesCorrelation(method)) {
-    faults.push_back(
-        {"matrix", "only methods that induce correlation follow a matrix; " + method + " does not"});
-  }
   CheckInputs(faults);
+  CheckMethod(faults);
   CheckDataTarget("output", output, faults);
   CheckPlot(plot, kDataPlotKinds, faults);
   CheckReport(report, faults);
-  if ((plot.kind == kScatterKind || plot.kind == kHeatMapKind) && kSimulationMethods.contains(method) &&
-      !InducesCorrelation(method))
-    faults.push_back(
-        {"plotKind", "only methods that induce correlation have one to show; " + method + " does not"});
   CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
                     {{"output", output}, {"plot", plot.file}, {"report", report}}, faults);
   return faults;
+}
+
+void SimulateJob::CheckMethod(JobFaults& faults) const {
+  if (!method || !kSimulationMethods.contains(*method) || InducesCorrelation(*method)) return;
+  const auto refuse = [&](const char* field, const std::string& what) {
+    faults.push_back({field, "only methods that induce correlation " + what + "; " + *method + " does not"});
+  };
+  if (!matrix.empty() || givenMatrix != nullptr) refuse("matrix", "follow a matrix");
+  if (inputs.HasCorrelations()) refuse("correlations", "follow correlations");
+  if (plot.kind == kScatterKind || plot.kind == kHeatMapKind) refuse("plotKind", "have one to show");
 }
 
 // What stands in place of a project. Correlations alone have one to be entered in.
@@ -165,21 +167,24 @@ void SimulateJob::CheckInputs(JobFaults& faults) const {
   const DesignText design = inputs.ReadNumeric(&none, faults);
   if (design.variables.empty() && faults.size() == before)
     faults.push_back({"designed", "a simulation without a project needs at least one variable"});
-  if (inputs.HasCorrelations() && kSimulationMethods.contains(method) && !InducesCorrelation(method)) {
-    faults.push_back({"correlations",
-                      "only methods that induce correlation follow correlations; " + method + " does not"});
+}
+
+std::vector<std::string> SimulateJob::DrawnNames(const JobInput& input) const {
+  if (!variables.empty()) return variables;
+  if (!inputs.IsEmpty()) {
+    JobFaults none;
+    return inputs.Read(nullptr, none).Names();
   }
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < input.sheet.VariableCount(); ++i) {
+    const Variable& variable = input.sheet.VariableAt(i);
+    if (variable.Property(kOrderProperty)) names.push_back(variable.Name());
+  }
+  return names;
 }
 
-Table SimulateJob::FollowedMatrix(const JobInput& input, JobRecorder& recorder) const {
-  if (givenMatrix != nullptr || !InducesCorrelation(method)) return givenMatrix;
-  if (savedMatrix != nullptr && matrix.empty()) return savedMatrix;
-  return RecordedMatrix(matrix, MatrixFor(matrix, input), input, recorder);
-}
-
-std::vector<NotedCorrelation> SimulateJob::LeftOut(const JobInput& input,
-                                                   const std::vector<NotedVariable>& drawn) const {
-  if (InducesCorrelation(method)) return {};
+std::vector<NotedCorrelation> SimulateJob::KnownCorrelations(const JobInput& input,
+                                                             const std::vector<std::string>& drawn) const {
   JobFaults none;
   std::vector<NotedCorrelation> pairs = inputs.Read(nullptr, none).correlations;
   if (inputs.IsEmpty()) {
@@ -187,11 +192,41 @@ std::vector<NotedCorrelation> SimulateJob::LeftOut(const JobInput& input,
     pairs = CorrelationsIn(savedMatrix == nullptr ? saved.get() : &savedMatrix->Table());
   }
   const auto isDrawn = [&drawn](const std::string& name) {
-    return std::ranges::find(drawn, name, &NotedVariable::name) != drawn.end();
+    return std::ranges::find(drawn, name) != drawn.end();
   };
-  std::erase_if(pairs, [&](const NotedCorrelation& pair) {
-    return pair.value == 0 || !isDrawn(pair.first) || !isDrawn(pair.second);
-  });
+  std::erase_if(pairs,
+                [&](const NotedCorrelation& pair) { return !isDrawn(pair.first) || !isDrawn(pair.second); });
+  return pairs;
+}
+
+// A saved matrix is followed by itself only where it has a number for every pair: one that lacks a variable would end
+// the run, and nobody asked for it.
+std::string SimulateJob::ChosenMethod(const JobInput& input) const {
+  constexpr const char* kFollowing = "iman-conover";
+  if (!matrix.empty() || givenMatrix != nullptr || inputs.HasCorrelations()) return kFollowing;
+  const std::vector<std::string> drawn = DrawnNames(input);
+  const std::vector<NotedCorrelation> pairs = KnownCorrelations(input, drawn);
+  const bool isWhole =
+      !inputs.IsEmpty() ||
+      (pairs.size() == drawn.size() * (drawn.size() - 1) / 2 &&
+       std::ranges::all_of(pairs, [](const NotedCorrelation& pair) { return std::isfinite(pair.value); }));
+  const bool isAny = std::ranges::any_of(pairs, [](const NotedCorrelation& pair) { return pair.value != 0; });
+  return isWhole && isAny ? kFollowing : "monte-carlo";
+}
+
+Table SimulateJob::FollowedMatrix(const JobInput& input, JobRecorder& recorder) const {
+  if (givenMatrix != nullptr || !InducesCorrelation(*method)) return givenMatrix;
+  if (savedMatrix != nullptr && matrix.empty()) return savedMatrix;
+  return RecordedMatrix(matrix, MatrixFor(matrix, input), input, recorder);
+}
+
+std::vector<NotedCorrelation> SimulateJob::LeftOut(const JobInput& input,
+                                                   const std::vector<NotedVariable>& drawn) const {
+  if (InducesCorrelation(*method)) return {};
+  std::vector<std::string> names;
+  for (const NotedVariable& variable : drawn) names.push_back(variable.name);
+  std::vector<NotedCorrelation> pairs = KnownCorrelations(input, names);
+  std::erase_if(pairs, [](const NotedCorrelation& pair) { return pair.value == 0; });
   return pairs;
 }
 
@@ -207,7 +242,7 @@ void SimulateJob::OpenDialog(AnalysisSession& session, const Table& follows) con
 void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, std::int32_t chosenSeed) const {
   const auto dialog = session.Dialog();
   if (!variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, variables, "variables")));
-  dialog->Put(kSimulationMethods.at(method), true);
+  dialog->Put(kSimulationMethods.at(*method), true);
   dialog->Put("NumberOfSamples", AsInteger(samples));
   dialog->Put("IsSeedRandomNumber", true);
   dialog->Put("RandomSeedNumber", chosenSeed);
@@ -220,10 +255,21 @@ DataOrigin SimulateJob::Origin(const SimulationFindings& found) const {
 
 SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
+  if (method) return RunByMethod(input, recorder);
+  SimulateJob chosen = *this;
+  chosen.method = ChosenMethod(input);
+  JobFaults faults;
+  chosen.CheckMethod(faults);
+  RequireNone(std::move(faults));
+  return chosen.RunByMethod(input, recorder);
+}
+
+SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& recorder) const {
   RefuseRecordedPlot(plot, recorder);
   RefuseRecordedReport(report, recorder);
   RefuseReplacedProject(output);
   SimulationFindings found;
+  found.method = *method;
   found.seed = ChosenSeed(seed);
   AnalysisSession& session = Start(input, data);
   const Table follows = FollowedMatrix(input, recorder);
@@ -231,18 +277,18 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   Specify(session, input.sheet, found.seed);
   found.cautions = ReadSavedCautions(*session.Dialog(), input.sheet);
   found.design.variables = ReadSimulated(*session.Dialog(), input.sheet);
-  if (method.starts_with("latin-hypercube")) found.methodNotes = WhatBoundsLeaveOut(found.design.variables);
-  for (std::string& note : WhatIsNotFollowed(LeftOut(input, found.design.variables), method))
+  if (method->starts_with("latin-hypercube")) found.methodNotes = WhatBoundsLeaveOut(found.design.variables);
+  for (std::string& note : WhatIsNotFollowed(LeftOut(input, found.design.variables), *method))
     found.methodNotes.push_back(std::move(note));
   if (auto note = inputs.IsEmpty() ? std::nullopt : WhatMatrixLacks(follows, found.design.Names()))
     found.methodNotes.push_back(*std::move(note));
-  if (inputs.IsEmpty() && InducesCorrelation(method) && follows != nullptr)
+  if (inputs.IsEmpty() && InducesCorrelation(*method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
   const bool keepsData = keepsSamples || keepsTable || plot.IsAsked() || !report.empty();
-  const bool toSheet = keepsData || InducesCorrelation(method) || HasProjectEnding(output);
+  const bool toSheet = keepsData || InducesCorrelation(*method) || HasProjectEnding(output);
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
-  if (!isDone) throw Error("nothing was produced: this method has no generator", method);
-  if (toSheet && (!keepsSamples || plot.IsAsked() || !report.empty() || InducesCorrelation(method)))
+  if (!isDone) throw Error("nothing was produced: this method has no generator", *method);
+  if (toSheet && (!keepsSamples || plot.IsAsked() || !report.empty() || InducesCorrelation(*method)))
     Summarize(session, found);
   found.design.correlations = found.results.Asked();
   RecordShown(session, recorder);

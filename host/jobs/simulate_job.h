@@ -28,6 +28,7 @@ struct SimulationFindings {
   std::string outputSheet;
   std::filesystem::path matrixFile;
   std::string matrixSheet;
+  std::string method;                      // given, or chosen by what is known of correlations
   std::int32_t seed = 0;                   // given or drawn: the same seed gives the same samples
   std::vector<VariableCautions> cautions;  // in the order of the variables in the data; none without one
   std::vector<std::string> methodNotes;    // on bounds and correlations that the method does not keep to
@@ -43,7 +44,8 @@ struct SimulateJob {
   JobData data;                        // of a project; without a sheet's name, the first with distributions
   HandInputs inputs;                   // in place of a project; the matrix of both is `matrix`
   std::vector<std::string> variables;  // without names, all with distributions
-  std::string method = "monte-carlo";
+  // Without, one that follows correlations where any are known, and Monte Carlo where none are.
+  std::optional<std::string> method;
   double samples = 1000;
   std::optional<double> seed;    // without, Run draws one
   bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
@@ -67,6 +69,16 @@ struct SimulateJob {
 
  private:
   void CheckInputs(JobFaults& faults) const;
+  // What the method that is given does not follow or show; nothing without one.
+  void CheckMethod(JobFaults& faults) const;
+  // The names of what will be drawn, before a dialog is open.
+  std::vector<std::string> DrawnNames(const JobInput& input) const;
+  // The correlations that are known among what is drawn, without a matrix that is asked for.
+  std::vector<NotedCorrelation> KnownCorrelations(const JobInput& input,
+                                                  const std::vector<std::string>& drawn) const;
+  std::string ChosenMethod(const JobInput& input) const;
+  // The job with a method.
+  SimulationFindings RunByMethod(const JobInput& input, JobRecorder& recorder) const;
   // What the samples follow; null without.
   Table FollowedMatrix(const JobInput& input, JobRecorder& recorder) const;
   // The correlations, other than 0, among what is drawn that the method does not follow.

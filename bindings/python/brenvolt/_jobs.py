@@ -492,7 +492,7 @@ def _scalars(distribution):
 
 def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
              | Mapping[str, _distributions.Distribution | str] | _design.Design | None = None, samples: int = 1000,
-             method: str = "monte-carlo", *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
+             method: str | None = None, *, seed: int | None = None, truncate: bool = False, matrix: Any = None,
              correlations: Mapping[tuple[str, str], float] | pandas.DataFrame | numpy.ndarray | None = None,
              from_file: str | os.PathLike | None = None, variables: Names = None,
              sheet: str | None = None, plot: str | os.PathLike | None = None,
@@ -504,7 +504,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
     distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"), or a Design, with its
     correlations.
     method: "monte-carlo", "latin-hypercube", or with rank correlations "iman-conover" or
-    "latin-hypercube-iman-conover"; "norta" has no generator and is refused.
+    "latin-hypercube-iman-conover"; "norta" has no generator and is refused. Without, "iman-conover" where correlations are
+    known, else "monte-carlo"; the frame's attrs["method"] tells it.
     seed: 0 to 2147483647; the same seed gives the same samples. Without, one is drawn, so that they differ each time;
     the frame's attrs["seed"] tells it.
     truncate: keeps each variable within its 0.5 % and 99.5 % quantiles.
@@ -542,7 +543,8 @@ def simulate(source: FitResult | Workbook | Spreadsheet | str | os.PathLike
         if variables is None:
             job.variables = sorted(source.best, key=lambda name: source.sheet.variable(name).number)
     target = _brenvolt._new_design() if by_hand else _fitted_sheet(source, sheet)
-    simulated, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept, by_hand or _is_path(source))
+    simulated, method, seed, cautions, drawn, pairs, repaired, notes = job.run(target, chosen, kept,
+                                                                               by_hand or _is_path(source))
     from ._samples import teach_to_draw
 
     frame = simulated.to_pandas()

@@ -176,11 +176,11 @@ class Designs(Folder):
         note = ("The correlations of 2 pairs, the strongest that of structure and services, 0.5, are left out: monte-carlo "
                 "draws each variable by itself; the iman-conover methods follow correlations.")
         for source, given in (("p.bvw", {}), (None, {"from_file": file}), (brenvolt.design("p.bvw").variables, {})):
-            notes = brenvolt.simulate(source, 50, seed=1, **given).attrs["notes"]
+            notes = brenvolt.simulate(source, 50, "monte-carlo", seed=1, **given).attrs["notes"]
             self.assertEqual(notes, [note] if not isinstance(source, dict) else [])
         for source in (["p.bvw"], ["--from", file]):
-            self.assertIn(f"\n  {note}\n", command("simulate", *source, "--samples", "50"))
-            report = json.loads(command("simulate", *source, "--samples", "50", "--format", "json"))
+            self.assertIn(f"\n  {note}\n", command("simulate", *source, "--method", "monte-carlo", "--samples", "50"))
+            report = json.loads(command("simulate", *source, "--method", "monte-carlo", "--samples", "50", "--format", "json"))
             self.assertEqual((report["notes"], report["drawn"]["correlations"]), ([note], []))
         one = brenvolt.simulate("p.bvw", 50, "latin-hypercube", variables=["structure", "steel_price"]).attrs["notes"]
         self.assertEqual(one, ["The correlation of structure and steel_price, 0.4, is left out: latin-hypercube draws each "
@@ -188,7 +188,7 @@ class Designs(Folder):
         self.assertEqual(brenvolt.simulate("p.bvw", 50, variables=["structure"]).attrs["notes"], [])
         self.assertFalse([one for one in brenvolt.simulate("p.bvw", 50, "iman-conover").attrs["notes"] if "left out" in one])
         fits = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions="normal")
-        self.assertIn("eruptions and waiting, 0.9008", brenvolt.simulate(fits, 50).attrs["notes"][0])
+        self.assertIn("eruptions and waiting, 0.9008", brenvolt.simulate(fits, 50, "monte-carlo").attrs["notes"][0])
 
     # The mean of a triangular distribution between bounds by its closed form: the density is linear on each side of the
     # mode, and the integral of x (x - a) is x^3 / 3 - a x^2 / 2.

@@ -353,7 +353,7 @@ class Simulations(Folder):
     def test_what_cannot_be_simulated_is_told(self):
         result = brenvolt.fit(example("faithful"))
         cases = [(lambda: brenvolt.simulate(result, method="sobol"), ValueError, "expected one of "),
-                 (lambda: brenvolt.simulate(result, matrix="m.csv"), ValueError, "only methods that induce"),
+                 (lambda: brenvolt.simulate(result, method="monte-carlo", matrix="m.csv"), ValueError, "only methods that induce"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix="none.csv"), Error, "neither a sheet"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), ValueError, "does not name the variables"),
                  (lambda: brenvolt.simulate(result, 0), ValueError, "from 1 to 2147483647, got 0"),

@@ -101,7 +101,7 @@ REFUSED_SIMULATIONS = (
     ({"samples": 2.5}, "expected a whole number from 1 to 2147483647, got 2.5 (samples)"),
     ({"seed": 10**23}, "from 0 to 2147483647, got 100000000000000000000000 (seed)"),
     ({"seed": -1}, "expected a whole number from 0 to 2147483647, got -1 (seed)"),
-    ({"matrix": "m"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
+    ({"matrix": "m", "method": "monte-carlo"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),
     ({"matrix": "m", "method": "iman-conover"}, "this is neither a sheet of the project nor a file (matrix m)"),
     ({"variables": ["x", "x"]}, "'x' is given twice (variables)"),
     ({"variables": ["z"]}, "sheet d has no variable called 'z' (variables)"),
@@ -223,7 +223,7 @@ PROFILES = (
      "specifications": {"y": (None, 100, 110)}},
 )
 SCORES = ({}, {"leave_invalid": True})
-SIMULATIONS = ({}, {"method": "latin-hypercube", "truncate": True}, {"method": "iman-conover"},
+SIMULATIONS = ({}, {"variables": ["waiting"]}, {"method": "monte-carlo"}, {"method": "latin-hypercube", "truncate": True}, {"method": "iman-conover"},
                {"method": "latin-hypercube-iman-conover", "variables": ["waiting", "eruptions"], "samples": 500})
 
 
@@ -362,8 +362,9 @@ class SameCalls(unittest.TestCase):
         brenvolt.fit("d.csv", ["x", "n"], distributions=["normal"], save="fits.bvw")
         matrix = pandas.DataFrame([[1, 0.5], [0.5, 1]], columns=["x", "n"])
         matrix.to_csv("m.csv", index=False)
-        refused = self.refused_by_command("simulate", "fits.bvw", "--matrix", "m.csv")
-        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.simulate("fits.bvw", matrix=matrix)))
+        refused = self.refused_by_command("simulate", "fits.bvw", "--method", "monte-carlo", "--matrix", "m.csv")
+        self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.simulate("fits.bvw", method="monte-carlo",
+                                                                                   matrix=matrix)))
         self.assertEqual(refused[0], 2)
 
     def test_decimal_commas_are_read_alike(self):
@@ -453,6 +454,7 @@ class SameCalls(unittest.TestCase):
                 expected = pandas.read_csv("s.csv", index_col="Sample #", float_precision="round_trip")
                 for source in (result, "fits.bvw", brenvolt.open_workbook("fits.bvw")):
                     samples = brenvolt.simulate(source, seed=7, **arguments)
+                    self.assertEqual(samples.attrs["method"], json.loads(done.stdout)["drawn"]["method"])
                     pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
                     self.assertEqual(samples.attrs["cautions"], cautions)
 

@@ -139,14 +139,14 @@ std::string CommandOf(const FitJob& job) {
   return std::move(command).Text();
 }
 
-std::string CommandOf(const SimulateJob& job, std::int32_t seed) {
+std::string CommandOf(const SimulateJob& job, const std::string& method, std::int32_t seed) {
   if (job.data.file.empty() && job.inputs.IsEmpty()) return {};
   if (job.givenMatrix != nullptr || job.inputs.correlationTable != nullptr) return {};
   CommandText command("simulate", job.data.file);
   AddInputs(job.inputs, command);
   command.AddText("sheet", job.data.sheet);
   command.AddList("variables", job.variables);
-  command.Add("method", job.method);
+  command.Add("method", method);
   command.AddText("matrix", job.matrix);
   command.Add("samples", ShortestNumber(job.samples));
   command.Add("seed", std::to_string(seed));
