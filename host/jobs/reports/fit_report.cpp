@@ -223,10 +223,12 @@ class FitReportMaker {
   static ReportFacts Moments(const FittedVariable& variable) {
     const auto cell = [&](const ResultColumn& column) { return Cell(variable.moments, column); };
     return {{{"Type", variable.isContinuous ? "continuous" : "discrete"},
-             {"n", cell("n"_column) + ", missing " + cell("missing"_column)},
-             {"Mean", cell("mean"_column) + ", std.dev. " + cell("standard_deviation"_column)},
-             {"Skewness", ShapeText(variable.moments, "skewness"_column) + ", kurtosis " +
-                              ShapeText(variable.moments, "kurtosis"_column)},
+             {"n", cell("n"_column)},
+             {"Missing", cell("missing"_column)},
+             {"Mean", cell("mean"_column)},
+             {"Std.Dev.", cell("standard_deviation"_column)},
+             {"Skewness", ShapeText(variable.moments, "skewness"_column)},
+             {"Kurtosis", ShapeText(variable.moments, "kurtosis"_column)},
              {"Range", cell("minimum"_column) + " to " + cell("maximum"_column)}}};
   }
 
