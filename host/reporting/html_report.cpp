@@ -88,7 +88,7 @@ class HtmlWriter {
     body += "<section id=\"" + place + "\">\n<" + heading + ">" + HtmlText(section.title) + "</" + heading +
             ">\n";
     for (const ReportBlock& block : section.blocks)
-      body += std::visit([this](const auto& one) { return Html(one); }, block);
+      body += std::visit([this](const auto& one) { return this->Html(one); }, block);
     for (std::size_t i = 0; i < section.sections.size(); ++i)
       AddSection(section.sections[i], place + "-" + std::to_string(i + 1), level + 1, body);
     body += "</section>\n";
