@@ -3,6 +3,7 @@
 #include <qcustomplot.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -702,6 +703,15 @@ struct FittedLine {
   }
 };
 
+// Whether values lie where QCustomPlot, which ends at 1e250, has no axis.
+bool IsBeyondAxes(const Graph& graph) {
+  constexpr double kLargest = 1e249;
+  const GraphExtent extent = ExtentOf(graph, {});
+  return std::ranges::any_of(std::array{extent.x, extent.y}, [](const Extent& one) {
+    return !one.IsEmpty() && std::max(std::abs(one.from), std::abs(one.to)) > kLargest;
+  });
+}
+
 // Notes alone, in the middle; the first line stands out.
 void PaintText(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter) {
   std::vector<std::string> notes = graph.notes;
@@ -741,6 +751,11 @@ void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style,
   if (!graph.cells.empty()) return PaintHeatMap(graph, theme, style.area, painter);
   if (graph.kind == GraphKind::kText || !HasValues(graph))
     return PaintText(graph, theme, style.area, painter);
+  if (IsBeyondAxes(graph)) {
+    Graph words;
+    words.notes = {graph.title, "the values are too large for an axis, which ends at 1e249"};
+    return PaintText(words, theme, style.area, painter);
+  }
   PanelPlot(graph, theme, style).Paint(painter);
 }
 

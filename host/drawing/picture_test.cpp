@@ -396,7 +396,7 @@ TEST(Picture, NothingConstantAndExtremeValuesDrawSomething) {
     std::vector<double> y;
   } kRows[] = {{{3}, {4}},
                {{0, 0}, {0, 0}},
-               {{1e300, -1e300}, {1, 2}},
+               {{1e248, -1e248}, {1, 2}},
                {{1e9 + 0.001, 1e9 + 0.002}, {1e-12, 2e-12}},
                {{std::nan(""), 1}, {2, kInfinity}},
                {{5e-324, 1e-323}, {1, 2}}};
@@ -409,6 +409,13 @@ TEST(Picture, NothingConstantAndExtremeValuesDrawSomething) {
     EXPECT_NE(picture.Find("Points"), nullptr) << row.x[0];
     EXPECT_EQ(picture.Collisions(), std::vector<std::string>{}) << row.x[0];
   }
+  Graph beyond;
+  beyond.kind = GraphKind::kScatter;
+  beyond.title = "Points";
+  beyond.series.push_back({"points", SeriesStyle::kPoints, {1e300, -1e300}, {1, 2}});
+  const SvgPicture words = DrawSvg(beyond);
+  EXPECT_NE(words.Find("Points"), nullptr);
+  EXPECT_NE(words.Find("the values are too large for an axis, which ends at 1e249"), nullptr);
 }
 
 TEST(Picture, ADensityWithAPoleLeavesTheBarsVisible) {
