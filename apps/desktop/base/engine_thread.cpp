@@ -1,6 +1,5 @@
 #include "apps/desktop/base/engine_thread.h"
 
-#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTimer>
 #include <utility>
@@ -65,21 +64,22 @@ void EngineThread::Run(const std::function<void()>& call) {
     tasks_.push_back(&task);
   }
   changed_.notify_all();
-  QEventLoop loop;
-  QElapsedTimer clock;
-  clock.start();
-  QTimer moment;
-  moment.setSingleShot(true);
-  moment.start(kMomentInMilliseconds);
+  const int depth = ++depth_;
   bool isLong = false;
+  QTimer moment;
+  // A call that waits for an answer, or for the call that an answer makes, is not what takes long.
+  connect(&moment, &QTimer::timeout, this, [&] {
+    if (isLong || depth != depth_ || !IsBusy()) return;
+    isLong = true;
+    emit busyChanged(true);
+  });
+  moment.start(kMomentInMilliseconds);
+  QEventLoop loop;
   while (!IsDone(task)) {
-    if (!isLong && clock.elapsed() >= kMomentInMilliseconds) {
-      isLong = true;
-      emit busyChanged(true);
-    }
     const auto input = isLong ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents;
     loop.processEvents(input | QEventLoop::WaitForMoreEvents);
   }
+  --depth_;
   if (isLong) emit busyChanged(false);
   if (task.failure) std::rethrow_exception(task.failure);
 }

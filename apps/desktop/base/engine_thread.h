@@ -55,6 +55,7 @@ class EngineThread : public QObject {
   int running_ = 0;  // calls begun and not ended
   int waiting_ = 0;  // those of them that wait for an answer
   bool ends_ = false;
+  int depth_ = 0;  // of calls from the window's thread, which alone counts them
   std::thread thread_;
 };
 
