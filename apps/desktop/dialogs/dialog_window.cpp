@@ -1,11 +1,14 @@
 #include "apps/desktop/dialogs/dialog_window.h"
 
 #include <QCloseEvent>
+#include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/caption.h"
+#include "apps/desktop/dialogs/settings_window.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::desktop {
@@ -21,7 +24,11 @@ bool IsSameEntry(const std::string& typed, const std::string& kept) {
 }  // namespace
 
 DialogWindow::DialogWindow(EngineThread& engine, CAnalysisDialog& dialog, Exists exists, QWidget* parent)
-    : QDialog(parent), engine_(engine), dialog_(dialog), exists_(std::move(exists)) {
+    : QDialog(parent),
+      engine_(engine),
+      dialog_(dialog),
+      exists_(std::move(exists)),
+      automation_(dialog.AutomationInterface()) {
   setWindowTitle(ReadCaption(dialog.Template().caption).text);
   setObjectName(QStringLiteral("dialog%1").arg(dialog.Template().number));
   ControlActions actions;
@@ -39,7 +46,11 @@ DialogWindow::DialogWindow(EngineThread& engine, CAnalysisDialog& dialog, Exists
   form_ = new DialogForm(dialog.Template(), std::move(actions));
   auto* const layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->addWidget(form_);
+  layout->addWidget(form_, 1);
+  const auto* const automation = dynamic_cast<const DialogAutomationBase*>(automation_.get());
+  if (automation != nullptr &&
+      std::ranges::any_of(automation->Interface().members, SettingsWindow::IsSetting))
+    layout->addLayout(MakeSettingsRow());
   connect(&engine_, &EngineThread::busyChanged, this, &DialogWindow::Follow);
   if (auto* const ok = qobject_cast<QPushButton*>(form_->WidgetOf(kControlOk))) ok->setDefault(true);
   Refresh();
@@ -53,6 +64,35 @@ void DialogWindow::Refresh() {
 void DialogWindow::Forget() {
   isOpen_ = false;
   exists_ = nullptr;
+  automation_ = nullptr;
+}
+
+// The way to the settings that no control has.
+QLayout* DialogWindow::MakeSettingsRow() {
+  auto* const button = new QPushButton(tr("All settings..."));
+  button->setObjectName(QStringLiteral("allSettings"));
+  button->setToolTip(tr("Every setting of the dialog by name, also those without a control"));
+  button->setAutoDefault(false);
+  connect(button, &QPushButton::clicked, this, &DialogWindow::ShowSettings);
+  connect(&engine_, &EngineThread::busyChanged, button, &QPushButton::setDisabled);
+  auto* const row = new QHBoxLayout;
+  const int margin = form_->layout()->contentsMargins().left();
+  row->setContentsMargins(margin, 0, margin, margin);
+  row->addWidget(button);
+  row->addStretch(1);
+  return row;
+}
+
+void DialogWindow::ShowSettings() {
+  form_->Commit();
+  const auto automation = automation_;
+  const auto* const described = dynamic_cast<const DialogAutomationBase*>(automation.get());
+  if (!isOpen_ || described == nullptr || engine_.IsBusy()) return;
+  SettingsWindow window(engine_, automation, described->Interface(), this);
+  connect(&window, &SettingsWindow::changed, this, &DialogWindow::Refresh);
+  window.exec();
+  Refresh();
+  emit operated();
 }
 
 // Long work leaves the window alive but takes nothing from it.

@@ -9,6 +9,7 @@
 #include "apps/desktop/base/engine_thread.h"
 #include "apps/desktop/dialogs/dialog_form.h"
 #include "host/analysis/analysis_dialog.h"
+#include "host/analysis/dialog_automation.h"
 
 namespace brenvolt::desktop {
 
@@ -44,10 +45,13 @@ class DialogWindow : public QDialog {
   void Press(std::int32_t number);
   void Enter(std::int32_t number, const QString& text);
   void Follow(bool isBusy);
+  QLayout* MakeSettingsRow();
+  void ShowSettings();
 
   EngineThread& engine_;
   CAnalysisDialog& dialog_;
   Exists exists_;
+  std::shared_ptr<AutomationObject> automation_;
   DialogForm* form_;
   bool isOpen_ = true;
   bool isRefused_ = false;   // the dialog has not kept what was typed last
