@@ -1,0 +1,280 @@
+// The questions of the port, and how a dialog in the window answers mouse and keys.
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTableView>
+
+#include "apps/desktop/dialogs/caption.h"
+#include "apps/desktop/dialogs/settings_window.h"
+#include "apps/desktop/dialogs/variant_text.h"
+#include "apps/desktop/port/desktop_support_test.h"
+#include "apps/desktop/port/matrix_table.h"
+#include "apps/desktop/port/selection_question.h"
+#include "apps/desktop/port/variable_table.h"
+
+namespace brenvolt::desktop::test {
+namespace {
+
+TEST(Caption, MarksAreTakenOffAndWordsStay) {
+  const struct {
+    const char* written;
+    const char* text;
+    CaptionMark mark;
+  } cases[] = {{"g&OK", "&OK", CaptionMark::kAccept},
+               {"`Open D&ata", "Open D&ata", CaptionMark::kOpen},
+               {"h&Variables:", "&Variables:", CaptionMark::kVariables},
+               {" Offset ", "Offset", CaptionMark::kNone},
+               {"hidden", "hidden", CaptionMark::kNone},
+               {"g&", "g&", CaptionMark::kNone},
+               {"", "", CaptionMark::kNone}};
+  for (const auto& one : cases) {
+    const Caption caption = ReadCaption(one.written);
+    EXPECT_EQ(caption.text.toStdString(), one.text);
+    EXPECT_EQ(caption.mark, one.mark) << one.written;
+  }
+  EXPECT_EQ(Spoken(QStringLiteral("&Variables:")).toStdString(), "Variables");
+}
+
+TEST(NameFilters, EveryDescriptionKeepsItsPatterns) {
+  const QStringList filters = NameFilters("Data files (*.csv;*.bvw)|*.csv;*.bvw|All files (*.*)|*.*||");
+  ASSERT_EQ(filters.size(), 2);
+  EXPECT_EQ(filters[0].toStdString(), "Data files (*.csv *.bvw)");
+  EXPECT_EQ(filters[1].toStdString(), "All files (*)");
+}
+
+TEST(VariableTable, VariableIsInOneListAtMostAndTheOrderIsThatOfTheChoice) {
+  VariableTable table({"a", "b", "c"}, {"One", "Two"}, {{2}, {}}, nullptr);
+  table.Choose(0, 0, true);
+  table.Choose(1, 1, true);
+  table.Choose(2, 0, true);
+  EXPECT_EQ(table.Chosen()[0], (std::vector<std::int16_t>{1, 3}));
+  EXPECT_EQ(table.Chosen()[1], (std::vector<std::int16_t>{2}));
+  table.Choose(0, 1, false);
+  EXPECT_EQ(table.Chosen()[0].size(), 2U);
+}
+
+TEST(VariableTable, TypesAndValidValuesAreThoseOfTheSheet) {
+  Spreadsheet sheet("data");
+  Variable texts("t", 3);
+  texts.SetType(VariableType::kText);
+  sheet.AddVariable(texts);
+  Variable numbers("x", 3);
+  numbers.AssignValues({1, numbers.MissingCode(), 3});
+  sheet.AddVariable(numbers);
+  const VariableTable table({"t", "x"}, {"List"}, {{}}, &sheet);
+  const auto shown = [&](int row, int column) {
+    return table.data(table.index(row, column), Qt::DisplayRole).toString().toStdString();
+  };
+  EXPECT_EQ(shown(0, 3), "text");
+  EXPECT_EQ(shown(1, 3), "number");
+  EXPECT_EQ(shown(0, 4), "3");
+  EXPECT_EQ(shown(1, 4), "2");
+}
+
+TEST(MatrixTable, CellsAreSymmetricAndBadOnesAreMarked) {
+  MatrixTable table({"a", "b", "c"}, {"1", "0.5", "0", "0.5", "1", "0", "0", "0", "1"});
+  const auto put = [&](int row, int column, const char* text) {
+    return table.setData(table.index(row, column), QString::fromLatin1(text), Qt::EditRole);
+  };
+  EXPECT_TRUE(put(2, 0, "-0.25"));
+  EXPECT_EQ(table.Cells()[2], "-0.25");
+  EXPECT_FALSE(put(1, 1, "0.3"));
+  EXPECT_EQ(table.Cells()[4], "1");
+  EXPECT_EQ(table.BadCells(), 0);
+  EXPECT_NEAR(*table.SmallestEigenvalue(), 0.4, 0.1);
+  for (const char* bad : {"1.5", "-1.01", "x", ""}) {
+    put(0, 1, bad);
+    EXPECT_EQ(table.BadCells(), 1) << bad;
+    EXPECT_FALSE(table.SmallestEigenvalue()) << bad;
+    EXPECT_TRUE(table.data(table.index(1, 0), Qt::BackgroundRole).isValid()) << bad;
+  }
+}
+
+TEST(MatrixTable, BlockOfASpreadsheetIsPastedFromItsCellOn) {
+  MatrixTable table({"a", "b", "c"}, {"1", "0", "0", "0", "1", "0", "0", "0", "1"});
+  EXPECT_EQ(table.Paste(0, 0, QStringLiteral("1\t0.1\t0.2\r\n0.1\t1\t0.3\r\n0.2\t0.3\t1\r\n")), 6);
+  EXPECT_EQ(table.Cells(),
+            (std::vector<std::string>{"1", "0.1", "0.2", "0.1", "1", "0.3", "0.2", "0.3", "1"}));
+  EXPECT_EQ(table.Paste(1, 2, QStringLiteral("0.7\t0.8\n0.9")), 1);
+  EXPECT_EQ(table.Cells()[7], "0.7");
+  EXPECT_EQ(table.Copy(0, 0, 0, 2).toStdString(), "1\t0.1\t0.2\n");
+}
+
+TEST(SelectionQuestion, VerdictCountsTheCasesOrPointsAtTheFault) {
+  Spreadsheet sheet("data");
+  Variable x("wait time", 4);
+  x.AssignValues({1, 2, 3, 4});
+  sheet.AddVariable(x);
+  bool isValid = false;
+  EXPECT_EQ(VerdictOn(NameInFormulas("wait time") + " > 1", sheet, isValid),
+            "3 of 4 cases meet the condition.");
+  EXPECT_TRUE(isValid);
+  EXPECT_NE(VerdictOn("height > 1", sheet, isValid).find("height"), std::string::npos);
+  EXPECT_FALSE(isValid);
+  EXPECT_EQ(NameInFormulas("x.1"), "x.1");
+  EXPECT_EQ(NameInFormulas("1x"), "'1x'");
+}
+
+TEST(DialogWindow, ControlsFollowTheDialogAtOnceAndKeysSuffice) {
+  Desk desk(kExamples + "faithful.csv");
+  EXPECT_FALSE(desk.Control(1254).isEnabled());
+  QTest::keyClick(&desk.Control(1006), Qt::Key_End);
+  EXPECT_TRUE(desk.Control(1254).isEnabled());
+  QTest::keyClick(&desk.Control(1006), Qt::Key_Home);
+  EXPECT_FALSE(desk.Control(1254).isEnabled());
+  QTest::keyClick(&desk.Control(1006), Qt::Key_Return);
+  EXPECT_EQ(desk.Dialog(), 25974);
+  QTest::keyClick(&desk.Window(), Qt::Key_Escape);
+  EXPECT_EQ(desk.Dialog(), 25980);
+  auto& list = static_cast<QListWidget&>(desk.Control(1006));
+  const QPoint place = list.visualItemRect(list.item(2)).center();
+  QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
+  const DismissedMessage noMatrixFile;
+  QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, place);
+  EXPECT_EQ(desk.Dialog(), 15000);
+  desk.Window().close();
+  EXPECT_EQ(desk.Dialog(), 25980);
+  desk.Window().close();
+  EXPECT_EQ(desk.Dialog(), 0);
+}
+
+TEST(DialogWindow, RadioButtonsExcludeEachOtherWithinTheirGroup) {
+  Desk desk(kExamples + "faithful.csv");
+  desk.Click(kControlOk);
+  const auto checked = [&](std::int32_t number) {
+    return static_cast<QAbstractButton&>(desk.Control(number)).isChecked();
+  };
+  for (const int chosen : {1013, 1014, 1014, 1013}) {
+    desk.Click(chosen);
+    EXPECT_TRUE(checked(chosen));
+    EXPECT_FALSE(checked(1013 + 1014 - chosen));
+  }
+}
+
+TEST(WindowInterface, RefusalIsAMessageWithTheTextOfTheDialog) {
+  Desk desk(kExamples + "toxocara.csv");
+  desk.Click(kControlOk);
+  QStringList texts;
+  const Hand refuse("variables", [&](QWidget& window) { PressButton(window, QDialogButtonBox::RejectRole); });
+  desk.Click(kControlOk);
+  EXPECT_TRUE(refuse.HasActed());
+  EXPECT_EQ(desk.Dialog(), 25974);
+  const Hand leaveEmpty("variables",
+                        [&](QWidget& window) { PressButton(window, QDialogButtonBox::AcceptRole); });
+  const Hand read("message", [&](QWidget& window) {
+    for (const QLabel* label : window.findChildren<QLabel*>()) texts.push_back(label->text());
+    QTest::keyClick(&window, Qt::Key_Escape);
+  });
+  // The second time the question is cancelled.
+  QTimer::singleShot(300, [&] {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      if (window->isVisible() && window->objectName() == QStringLiteral("variables")) window->close();
+    }
+  });
+  desk.Click(1010);
+  EXPECT_TRUE(read.HasActed());
+  EXPECT_TRUE(texts.join(u' ').contains(QStringLiteral("Too few variables selected.")))
+      << texts.join(u' ').toStdString();
+}
+
+// Puts a setting by its name, by the window of all settings.
+void PutSetting(Desk& desk, const QString& name, const QString& value) {
+  const Hand put("settings", [&](QWidget& window) {
+    auto& members = Child<QListWidget>(window, "members");
+    for (int row = 0; row < members.count(); ++row) {
+      if (members.item(row)->toolTip() == name) members.setCurrentRow(row);
+    }
+    auto& field = Child<QLineEdit>(window, "value");
+    field.setText(value);
+    Desk::ClickOn(Child<QPushButton>(window, "set"));
+    EXPECT_EQ(Child<QLabel>(window, "verdict").text().toStdString(), "Done.");
+    EXPECT_EQ(field.text().toStdString(), value.toStdString());
+    QTest::keyClick(&window, Qt::Key_Escape);
+  });
+  Desk::ClickOn(Child<QPushButton>(desk.Window(), "allSettings"));
+  EXPECT_TRUE(put.HasActed());
+}
+
+TEST(SettingsWindow, SettingsWithAndWithoutAControlArePutByName) {
+  Desk desk(kExamples + "faithful.csv");
+  desk.Click(kControlOk);
+  PutSetting(desk, "IsCasewise", "1");
+  EXPECT_TRUE(static_cast<QAbstractButton&>(desk.Control(1014)).isChecked());
+  PutSetting(desk, "BootstrapSamples", "20");
+  PutSetting(desk, "ContinuousVariable", "2");
+  desk.engine.Run(
+      [&] { EXPECT_EQ(desk.run->Analysis().GetDialgInterface()->Get("BootstrapSamples").ToInteger(), 20); });
+  EXPECT_EQ(WordsOf("BootstrapSamples").toStdString(), "Bootstrap samples");
+}
+
+TEST(VariantText, ValuesAreReadAsTheyAreWrittenAndNonsenseIsRefused) {
+  EXPECT_EQ(TextOf(ValueOf("[[1, 0.5], [0.5, 1]]", AutomationType::kVariant)).toStdString(),
+            "[[1,0.5],[0.5,1]]");
+  EXPECT_EQ(TextOf(ValueOf("1-3 5", AutomationType::kVariant)).toStdString(), "1-3 5");
+  EXPECT_EQ(ValueOf("true", AutomationType::kBoolean).ToBoolean(), true);
+  EXPECT_EQ(ValueOf(" 7 ", AutomationType::kInteger).ToInteger(), 7);
+  for (const auto& [text, type] :
+       std::vector<std::pair<const char*, AutomationType>>{{"2.5", AutomationType::kInteger},
+                                                           {"maybe", AutomationType::kBoolean},
+                                                           {"x", AutomationType::kReal},
+                                                           {"[1, 2", AutomationType::kVariant}})
+    EXPECT_THROW(ValueOf(text, type), Error) << text;
+}
+
+// The fits' bootstrap runs for minutes if nobody stops it.
+TEST(WindowInterface, CancelIsAnsweredWithinASecondAndTheWindowStaysAlive) {
+  Desk desk(kExamples + "faithful.csv");
+  desk.Click(kControlOk);
+  const Hand choose("variables", [&](QWidget& window) {
+    Child<QTableView>(window, "table").selectAll();
+    Desk::ClickOn(Child<QPushButton>(window, "into1"));
+    PressButton(window, QDialogButtonBox::AcceptRole);
+  });
+  desk.Click(1010);
+  desk.engine.Run(
+      [&] { desk.run->Analysis().GetDialgInterface()->Put("BootstrapSamples", std::int32_t{100'000}); });
+  QElapsedTimer sinceCancel;
+  int beats = 0;
+  QTimer heart;
+  QObject::connect(&heart, &QTimer::timeout, [&] { ++beats; });
+  heart.start(10);
+  const Hand cancel("progress", [&](QWidget& window) {
+    beats = 0;
+    QTest::qWait(300);
+    EXPECT_GT(beats, 10);
+    EXPECT_FALSE(desk.Control(1010).isEnabled());
+    sinceCancel.start();
+    Desk::ClickOn(Child<QPushButton>(window, "cancel"));
+  });
+  desk.Click(kControlOk);
+  ASSERT_TRUE(cancel.HasActed());
+  EXPECT_LT(sinceCancel.elapsed(), 1000);
+  EXPECT_EQ(desk.Dialog(), 25974);
+  EXPECT_TRUE(desk.Control(1010).isEnabled());
+  for (QWidget* window : QApplication::topLevelWidgets())
+    EXPECT_FALSE(window->isVisible() && window->objectName() == QStringLiteral("progress"));
+}
+
+TEST(EngineThread, CallsWithinQuestionsRunAndFaultsReachTheirCallers) {
+  Toolkit();
+  EngineThread engine;
+  std::vector<int> order;
+  engine.Run([&] {
+    order.push_back(1);
+    EXPECT_TRUE(engine.IsBusy());
+    engine.Ask([&] {
+      order.push_back(2);
+      EXPECT_FALSE(engine.IsBusy());
+      engine.Run([&] { order.push_back(3); });
+      EXPECT_THROW(engine.Run([] { throw Error("inside"); }), Error);
+    });
+    EXPECT_THROW(engine.Ask([] { throw Error("asked"); }), Error);
+    order.push_back(4);
+  });
+  EXPECT_EQ(order, (std::vector<int>{1, 2, 3, 4}));
+  EXPECT_FALSE(engine.IsBusy());
+  EXPECT_THROW(engine.Run([] { throw Error("outside"); }), Error);
+}
+
+}  // namespace
+}  // namespace brenvolt::desktop::test
