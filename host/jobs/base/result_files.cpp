@@ -44,7 +44,9 @@ void CheckName(const Path& path) {
       path.string());
 }
 
-void SaveTable(const CAnalysisTableDoc& table, const Path& path) {
+}  // namespace
+
+void SaveResultTable(const CAnalysisTableDoc& table, const Path& path) {
   if (HasEnding(path, ".json") || IsPictureName(path))
     throw Error("a table goes into .csv, .npz or .bvw", path.string());
   if (HasProjectEnding(path)) {
@@ -58,7 +60,7 @@ void SaveTable(const CAnalysisTableDoc& table, const Path& path) {
   }
 }
 
-void SaveGraph(const CAnalysisGraphDoc& graph, const Path& path) {
+void SaveResultGraph(const CAnalysisGraphDoc& graph, const Path& path) {
   if (IsPictureName(path)) {
     const std::string& title = graph.Content().title;
     return WritePlot(PictureIn(path), title, {SinglePage(title, graph.Content())});
@@ -71,10 +73,8 @@ void SaveGraph(const CAnalysisGraphDoc& graph, const Path& path) {
   file.Commit();
 }
 
-}  // namespace
-
 void OfferResultFiles(CAnalysisDoc& document) {
-  document.SetResultSaver({CheckName, SaveTable, SaveGraph});
+  document.SetResultSaver({CheckName, SaveResultTable, SaveResultGraph});
 }
 
 }  // namespace brenvolt
