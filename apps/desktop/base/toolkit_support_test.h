@@ -1,0 +1,30 @@
+// The toolkit in tests of the window: without a display, in a number format of its own.
+#pragma once
+
+#include <QApplication>
+#include <clocale>
+
+#include "host/base/number_text.h"
+
+namespace brenvolt::desktop::test {
+
+// The toolkit's one application, which is made at the first call and stays until the process ends, as the toolkit
+// wants.
+inline void StartToolkit() {
+  if (QCoreApplication::instance() != nullptr) return;
+  static int count = 1;
+  static char name[] = "desktop_tests";
+  static char* arguments[] = {name, nullptr};
+  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+  new QApplication(count, arguments);
+  std::setlocale(LC_NUMERIC, "C");
+  SetUserNumberLocale({});
+}
+
+// A base of test fixtures, before members that are widgets.
+struct WithToolkit {
+  WithToolkit() { StartToolkit(); }
+};
+
+}  // namespace brenvolt::desktop::test
