@@ -1,0 +1,157 @@
+#include "apps/desktop/views/property_panel.h"
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "apps/desktop/base/text.h"
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt::desktop {
+namespace {
+
+QString NumberText(double value) {
+  std::string text = ShortestNumber(value);
+  std::ranges::replace(text, '.', UserNumberLocale().decimalSeparator);
+  return Shown(text);
+}
+
+struct Summary {
+  std::size_t valid = 0;
+  double minimum = std::numeric_limits<double>::infinity();
+  double maximum = -std::numeric_limits<double>::infinity();
+};
+
+Summary SummaryOf(const Variable& variable) {
+  Summary summary;
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    if (variable.IsMissing(i)) continue;
+    ++summary.valid;
+    summary.minimum = std::min(summary.minimum, variable.Values()[i]);
+    summary.maximum = std::max(summary.maximum, variable.Values()[i]);
+  }
+  return summary;
+}
+
+QLabel* NewLabel() {
+  auto* label = new QLabel;
+  label->setTextFormat(Qt::PlainText);
+  label->setWordWrap(true);
+  label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  return label;
+}
+
+}  // namespace
+
+PropertyPanel::PropertyPanel(Describer describer, QWidget* parent)
+    : QWidget(parent),
+      describer_(std::move(describer)),
+      name_(new QLineEdit),
+      missingCode_(new QLineEdit),
+      kind_(NewLabel()),
+      counts_(NewLabel()),
+      range_(NewLabel()),
+      distribution_(NewLabel()),
+      properties_(NewLabel()) {
+  auto* form = new QFormLayout(this);
+  form->setRowWrapPolicy(QFormLayout::WrapLongRows);
+  form->addRow(tr("&Name:"), name_);
+  form->addRow(tr("Kind:"), kind_);
+  form->addRow(tr("Values:"), counts_);
+  form->addRow(tr("Range:"), range_);
+  form->addRow(tr("&Missing code:"), missingCode_);
+  form->addRow(tr("Distribution:"), distribution_);
+  form->addRow(tr("Properties:"), properties_);
+  name_->setObjectName(QStringLiteral("variableName"));
+  missingCode_->setObjectName(QStringLiteral("missingCode"));
+  distribution_->setObjectName(QStringLiteral("distribution"));
+  missingCode_->setPlaceholderText(tr("none"));
+  missingCode_->setToolTip(tr("A number that stands for a missing value; empty cells are always missing"));
+  connect(name_, &QLineEdit::editingFinished, this, &PropertyPanel::Rename);
+  connect(missingCode_, &QLineEdit::editingFinished, this, &PropertyPanel::ChangeMissingCode);
+  Refresh();
+}
+
+void PropertyPanel::Show(Document* document, Spreadsheet* sheet, std::size_t variable) {
+  if (document_ == document && sheet_ == sheet && variable_ == variable) return;
+  disconnect(connection_);
+  document_ = document;
+  sheet_ = sheet;
+  variable_ = variable;
+  if (document != nullptr) connection_ = connect(document, &Document::edited, this, &PropertyPanel::Refresh);
+  Refresh();
+}
+
+const Variable* PropertyPanel::Current() const {
+  if (document_ == nullptr || sheet_ == nullptr || variable_ >= sheet_->VariableCount()) return nullptr;
+  return &sheet_->VariableAt(variable_);
+}
+
+void PropertyPanel::Refresh() {
+  const Variable* variable = Current();
+  setEnabled(variable != nullptr);
+  if (variable == nullptr) {
+    name_->clear();
+    missingCode_->clear();
+    for (QLabel* label : {kind_, counts_, range_, distribution_, properties_}) label->clear();
+    return;
+  }
+  const Summary summary = SummaryOf(*variable);
+  const bool isText = variable->Type() == VariableType::kText;
+  name_->setText(Shown(variable->Name()));
+  kind_->setText(isText ? tr("text, %n different", nullptr, static_cast<int>(variable->Labels().size()))
+                        : tr("numbers"));
+  counts_->setText(tr("%L1 valid, %L2 missing").arg(summary.valid).arg(variable->Size() - summary.valid));
+  range_->setText(isText || summary.valid == 0
+                      ? QStringLiteral("–")
+                      : tr("%1 to %2").arg(NumberText(summary.minimum), NumberText(summary.maximum)));
+  missingCode_->setText(std::isnan(variable->MissingCode()) ? QString()
+                                                            : NumberText(variable->MissingCode()));
+  const QString described = variable->Properties().empty() ? QString() : describer_(*variable);
+  distribution_->setText(described.isEmpty() ? tr("none saved") : described);
+  QStringList lines;
+  for (const auto& [key, value] : variable->Properties())
+    lines << Shown(key) + QStringLiteral(": ") + Shown(value);
+  properties_->setText(lines.isEmpty() ? QStringLiteral("–") : lines.join(QLatin1Char('\n')));
+}
+
+void PropertyPanel::Change(const QString& what, const std::function<void(VariableFacts& facts)>& change) {
+  const Variable* variable = Current();
+  if (variable == nullptr) return;
+  SetFacts edit{sheet_->Name(), {{variable_, FactsOf(*variable)}}};
+  change(edit.variables[0].second);
+  if (AreSame(edit.variables[0].second, FactsOf(*variable))) return;
+  Edits edits;
+  edits.emplace_back(std::move(edit));
+  try {
+    document_->Do(what, std::move(edits));
+  } catch (const Error& error) {
+    emit refused(Shown(error.what()));
+    Refresh();
+  }
+}
+
+void PropertyPanel::Rename() {
+  const std::string name = Utf8(name_->text().trimmed());
+  if (name.empty()) {
+    emit refused(tr("A variable needs a name."));
+    return Refresh();
+  }
+  Change(tr("Rename variable"), [&](VariableFacts& facts) { facts.name = name; });
+}
+
+void PropertyPanel::ChangeMissingCode() {
+  const std::string text = Utf8(missingCode_->text().trimmed());
+  std::optional<double> code = text.empty() ? GetDefaultMDValue() : ParseNumber(text, UserNumberLocale());
+  if (!code) {
+    emit refused(tr("Missing code: expected a number, got '%1'").arg(Shown(text)));
+    return Refresh();
+  }
+  Change(tr("Change missing code"), [&](VariableFacts& facts) { facts.missingCode = *code; });
+}
+
+}  // namespace brenvolt::desktop

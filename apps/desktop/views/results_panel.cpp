@@ -1,0 +1,290 @@
+#include "apps/desktop/views/results_panel.h"
+
+#include <QClipboard>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QLabel>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTableView>
+#include <QToolBar>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "apps/desktop/base/text.h"
+#include "apps/desktop/views/picture_view.h"
+#include "apps/desktop/views/result_model.h"
+#include "host/base/error.h"
+#include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/output_files.h"
+#include "host/jobs/base/result_files.h"
+
+namespace brenvolt::desktop {
+
+struct ResultsPanel::Result {
+  std::shared_ptr<CAnalysisTableDoc> table;
+  std::shared_ptr<CAnalysisGraphDoc> graph;
+  QTreeWidgetItem* item = nullptr;
+  QWidget* page = nullptr;
+};
+
+namespace {
+
+// Pages that were looked at long ago are made again.
+constexpr qsizetype kMostPages = 30;
+constexpr int kPlaceRole = Qt::UserRole;
+constexpr int kTreeWidth = 220;
+constexpr std::size_t kMostCopied = 2'000'000;
+
+QTableView* MakeTable(const std::shared_ptr<CAnalysisTableDoc>& document) {
+  auto* view = new QTableView;
+  auto* model = new ResultModel(document, view);
+  view->setObjectName(QStringLiteral("resultTable"));
+  view->setAccessibleName(Shown(document->Table().Title()));
+  view->setModel(model);
+  view->setSortingEnabled(true);
+  view->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+  view->horizontalHeader()->setSortIndicatorClearable(true);
+  view->setSelectionMode(QAbstractItemView::ContiguousSelection);
+  view->setAlternatingRowColors(true);
+  view->setWordWrap(false);
+  const int line = view->fontMetrics().height() + 8;
+  view->verticalHeader()->setMinimumSectionSize(line);
+  view->verticalHeader()->setDefaultSectionSize(line);
+  view->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+  view->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
+  constexpr int kMeasuredColumns = 100;
+  view->horizontalHeader()->setResizeContentsPrecision(50);
+  for (int column = 0; column < std::min(model->columnCount(), kMeasuredColumns); ++column) {
+    view->resizeColumnToContents(column);
+    view->setColumnWidth(column, std::clamp(view->columnWidth(column) + 8, 72, 260));
+  }
+  return view;
+}
+
+// A heading above the grid, as long as the title says more than the tree does.
+QWidget* WithTitle(QTableView* view, const Spreadsheet& table) {
+  auto* page = new QWidget;
+  auto* layout = new QVBoxLayout(page);
+  layout->setContentsMargins(0, 0, 0, 0);
+  auto* title = new QLabel(Shown(table.Title().empty() ? table.Name() : table.Title()));
+  QFont bold = title->font();
+  bold.setBold(true);
+  title->setFont(bold);
+  title->setMargin(6);
+  title->setWordWrap(true);
+  title->setTextFormat(Qt::PlainText);
+  title->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  layout->addWidget(title);
+  layout->addWidget(view);
+  page->setFocusProxy(view);
+  return page;
+}
+
+QString TitleOf(const Spreadsheet& table) {
+  return Shown(table.Name().empty() ? table.Title() : table.Name());
+}
+
+}  // namespace
+
+ResultsPanel::ResultsPanel(QWidget* parent)
+    : QWidget(parent), tree_(new QTreeWidget), pages_(new QStackedWidget), tools_(new QToolBar) {
+  tree_->setObjectName(QStringLiteral("results"));
+  tree_->setAccessibleName(tr("Results"));
+  tree_->setHeaderHidden(true);
+  tree_->setUniformRowHeights(true);
+  auto* empty = new QLabel(tr("Results appear here."));
+  empty->setAlignment(Qt::AlignCenter);
+  empty->setEnabled(false);
+  pages_->addWidget(empty);
+  auto* splitter = new QSplitter(Qt::Horizontal);
+  splitter->addWidget(tree_);
+  splitter->addWidget(pages_);
+  splitter->setStretchFactor(1, 1);
+  splitter->setSizes({kTreeWidth, 3 * kTreeWidth});
+  auto* layout = new QVBoxLayout(this);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(0);
+  layout->addWidget(tools_);
+  layout->addWidget(splitter, 1);
+
+  tools_->addAction(tr("Copy"), this, &ResultsPanel::Copy)->setToolTip(tr("Copy the table or the picture"));
+  tools_->addAction(tr("Save…"), this, &ResultsPanel::Save)
+      ->setToolTip(tr("Save the table or the picture in a file"));
+  keep_ = tools_->addAction(tr("Add to project"), this, [this] {
+    if (const Result* result = CurrentResult(); result != nullptr && result->table != nullptr)
+      emit keepAsked(result->table);
+  });
+  keep_->setToolTip(tr("Keep the table as a sheet of the project"));
+  tools_->addAction(tr("Remove"), this, &ResultsPanel::Remove)->setToolTip(tr("Remove the result"));
+  tools_->addSeparator();
+  const auto zoom = [this](void (PictureView::*how)()) {
+    return [this, how] {
+      if (auto* picture = qobject_cast<PictureView*>(Page())) (picture->*how)();
+    };
+  };
+  zooms_ << tools_->addAction(tr("Larger"), this, zoom(&PictureView::ZoomIn))
+         << tools_->addAction(tr("Smaller"), this, zoom(&PictureView::ZoomOut))
+         << tools_->addAction(tr("Fit width"), this, zoom(&PictureView::ZoomToFit));
+  connect(tree_, &QTreeWidget::currentItemChanged, this, &ResultsPanel::ShowCurrent);
+  UpdateActions();
+}
+
+ResultsPanel::~ResultsPanel() = default;
+
+void ResultsPanel::BeginGroup(const QString& title) {
+  group_ = new QTreeWidgetItem(tree_, {title});
+  group_->setData(0, kPlaceRole, -1);
+  group_->setExpanded(true);
+}
+
+void ResultsPanel::Add(std::shared_ptr<CAnalysisTableDoc> table) {
+  const QString title = TitleOf(table->Table());
+  AddItem(title, {std::move(table), nullptr});
+}
+
+void ResultsPanel::Add(std::shared_ptr<CAnalysisGraphDoc> graph) {
+  const QString title = Shown(graph->Content().title);
+  AddItem(title, {nullptr, std::move(graph)});
+}
+
+void ResultsPanel::AddItem(const QString& title, Result result) {
+  if (group_ == nullptr) BeginGroup(tr("Results"));
+  auto* item = new QTreeWidgetItem(group_, {title});
+  item->setToolTip(0, title);
+  item->setData(0, kPlaceRole, static_cast<int>(results_.size()));
+  result.item = item;
+  results_.push_back(std::make_unique<Result>(std::move(result)));
+  tree_->setCurrentItem(item);
+  emit added();
+}
+
+int ResultsPanel::Count() const {
+  return static_cast<int>(std::ranges::count_if(results_, [](const auto& one) { return one != nullptr; }));
+}
+
+void ResultsPanel::Refresh() {
+  for (auto* view : pages_->findChildren<QTableView*>()) static_cast<ResultModel*>(view->model())->Refresh();
+}
+
+QWidget* ResultsPanel::Page() const {
+  const Result* result = CurrentResult();
+  return result == nullptr ? nullptr : result->page;
+}
+
+ResultsPanel::Result* ResultsPanel::CurrentResult() const {
+  const QTreeWidgetItem* item = tree_->currentItem();
+  const int place = item == nullptr ? -1 : item->data(0, kPlaceRole).toInt();
+  return place < 0 ? nullptr : results_[static_cast<std::size_t>(place)].get();
+}
+
+QWidget* ResultsPanel::MakePage(const Result& result) {
+  if (result.graph != nullptr) return new PictureView(result.graph);
+  return WithTitle(MakeTable(result.table), result.table->Table());
+}
+
+void ResultsPanel::ShowCurrent() {
+  Result* result = CurrentResult();
+  UpdateActions();
+  if (result == nullptr) return pages_->setCurrentIndex(0);
+  if (result->page == nullptr) {
+    result->page = MakePage(*result);
+    pages_->addWidget(result->page);
+  }
+  pages_->setCurrentWidget(result->page);
+  open_.removeOne(result->item);
+  open_.prepend(result->item);
+  while (open_.size() > kMostPages) {
+    auto& old = *results_[static_cast<std::size_t>(open_.takeLast()->data(0, kPlaceRole).toInt())];
+    delete std::exchange(old.page, nullptr);
+  }
+}
+
+void ResultsPanel::UpdateActions() {
+  const Result* result = CurrentResult();
+  for (QAction* action : tools_->actions()) action->setEnabled(result != nullptr);
+  keep_->setEnabled(result != nullptr && result->table != nullptr);
+  for (QAction* action : zooms_) action->setEnabled(result != nullptr && result->graph != nullptr);
+}
+
+void ResultsPanel::Copy() {
+  if (auto* picture = qobject_cast<PictureView*>(Page())) {
+    try {
+      picture->Copy();
+    } catch (const Error& error) {
+      emit said(Shown(error.what()));
+    }
+    return;
+  }
+  const auto* view = Page() == nullptr ? nullptr : Page()->findChild<QTableView*>();
+  if (view == nullptr) return;
+  const auto& model = static_cast<const ResultModel&>(*view->model());
+  const QItemSelection selection = view->selectionModel()->selection();
+  const bool isPart = selection.size() == 1 && (selection[0].height() > 1 || selection[0].width() > 1);
+  const QItemSelectionRange part = isPart ? selection[0] : QItemSelectionRange();
+  const int bottom = isPart ? part.bottom() : model.rowCount() - 1;
+  const int right = isPart ? part.right() : model.columnCount() - 1;
+  const int top = isPart ? part.top() : 0;
+  const int left = isPart ? part.left() : 0;
+  if (static_cast<std::size_t>(bottom - top + 1) * static_cast<std::size_t>(right - left + 1) > kMostCopied)
+    return emit said(tr("These are too many cells for the clipboard; save the table instead."));
+  QGuiApplication::clipboard()->setText(Shown(model.CopyText(top, left, bottom, right)));
+}
+
+void ResultsPanel::Save() {
+  const Result* result = CurrentResult();
+  if (result == nullptr) return;
+  const QString filter =
+      result->table != nullptr
+          ? tr("CSV (*.csv);;Project (*.bvw);;NumPy arrays (*.npz)")
+          : tr("PNG picture (*.png);;SVG picture (*.svg);;PDF (*.pdf);;Data of the graph (*.json)");
+  QString chosen;
+  QString name =
+      QFileDialog::getSaveFileName(this, tr("Save result"), result->item->text(0), filter, &chosen);
+  if (name.isEmpty()) return;
+  if (QFileInfo(name).suffix().isEmpty())
+    name += chosen.section(QLatin1Char('*'), 1, 1).section(QLatin1Char(')'), 0, 0);
+  try {
+    SaveTo(PathOf(name));
+    emit said(tr("Saved in %1").arg(name));
+  } catch (const Error& error) {
+    emit said(Shown(error.Where()) + QStringLiteral(": ") + Shown(error.what()));
+  } catch (const WrongJob& wrong) {
+    emit said(Shown(wrong.what()));
+  }
+}
+
+void ResultsPanel::SaveTo(const std::filesystem::path& file) const {
+  const Result* result = CurrentResult();
+  if (result == nullptr) return;
+  if (result->table != nullptr) {
+    JobFaults faults;
+    CheckDataTarget("file", file, faults);
+    RequireNone(std::move(faults));
+    return SaveResultTable(*result->table, file);
+  }
+  if (file.extension() == ".json") return SaveResultGraph(*result->graph, file);
+  static_cast<const PictureView*>(result->page)->Save(file);
+}
+
+void ResultsPanel::Remove() {
+  Result* result = CurrentResult();
+  if (result == nullptr) return;
+  open_.removeOne(result->item);
+  auto& place = results_[static_cast<std::size_t>(result->item->data(0, kPlaceRole).toInt())];
+  QTreeWidgetItem* parent = result->item->parent();
+  const std::unique_ptr<Result> removed = std::move(place);
+  delete removed->item;
+  delete removed->page;
+  if (parent->childCount() == 0) {
+    if (group_ == parent) group_ = nullptr;
+    delete parent;
+  }
+  ShowCurrent();
+}
+
+}  // namespace brenvolt::desktop

@@ -1,0 +1,72 @@
+// What analyses have shown, as pages in a tree: tables to read, sort, copy and export, pictures to enlarge, copy and
+// save. A page is made when it is looked at, so that a hundred thousand results take no more time than the tree.
+#pragma once
+
+#include <QWidget>
+#include <filesystem>
+#include <memory>
+
+#include "host/analysis/analysis_graph_doc.h"
+#include "host/analysis/analysis_table_doc.h"
+
+class QStackedWidget;
+class QToolBar;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace brenvolt::desktop {
+
+class ResultsPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit ResultsPanel(QWidget* parent = nullptr);
+  ~ResultsPanel() override;
+
+  // What comes from now on stands below this title.
+  void BeginGroup(const QString& title);
+  // The page that came last is shown.
+  void Add(std::shared_ptr<CAnalysisTableDoc> table);
+  void Add(std::shared_ptr<CAnalysisGraphDoc> graph);
+  int Count() const;
+  // Shows tables again whose analysis has filled them anew.
+  void Refresh();
+  QTreeWidget& Tree() { return *tree_; }
+  // The page that is shown; null if none is.
+  QWidget* Page() const;
+
+ public slots:
+  void Copy();
+  // Asks for a file, whose ending says the format.
+  void Save();
+  void Remove();
+  // Both throw Error and WrongJob.
+  void SaveTo(const std::filesystem::path& file) const;
+
+ signals:
+  // There is one more result.
+  void added();
+  void said(const QString& text);
+  // The table is to be kept as a sheet of the project.
+  void keepAsked(std::shared_ptr<CAnalysisTableDoc> table);
+
+ private:
+  struct Result;
+
+  void AddItem(const QString& title, Result result);
+  void ShowCurrent();
+  QWidget* MakePage(const Result& result);
+  Result* CurrentResult() const;
+  void UpdateActions();
+
+  QTreeWidget* tree_;
+  QStackedWidget* pages_;
+  QToolBar* tools_;
+  QAction* keep_;
+  QList<QAction*> zooms_;
+  QTreeWidgetItem* group_ = nullptr;
+  QList<QTreeWidgetItem*> open_;  // those with a page, the one looked at last first
+  std::vector<std::unique_ptr<Result>> results_;
+};
+
+}  // namespace brenvolt::desktop
