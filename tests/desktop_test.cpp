@@ -70,6 +70,13 @@ TEST_F(DesktopProgram, ScreenshotShowsTheFileThatWasOpened) {
   EXPECT_NE(std::filesystem::file_size(File("empty.png")), std::filesystem::file_size(File("data.png")));
 }
 
+TEST_F(DesktopProgram, PictureOfAFileThatCannotBeOpenedSaysWhyAndFails) {
+  std::ofstream(File("picture.csv"), std::ios::binary) << std::string("\x89PNG\0", 5);
+  const Outcome outcome = Start({"picture.csv", "--screenshot", "failed.png"});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_NE(outcome.err.find("picture.csv"), std::string::npos) << outcome.err;
+}
+
 TEST_F(DesktopProgram, MacroRunsAndItsFailureIsTheStatus) {
   std::ofstream(File("good.py")) << "open('made.txt', 'w').write('by the macro')\n";
   std::ofstream(File("bad.py")) << "raise SystemExit('refused')\n";

@@ -2,6 +2,7 @@
 // was wrong.
 #include <QApplication>
 #include <QIcon>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <clocale>
 #include <cstdio>
@@ -46,6 +47,7 @@ void Begin(MainWindow& window, const StartOptions& options) {
                    options.screenshot.c_str());
     QCoreApplication::exit(saved && succeeded ? 0 : kFailed);
   };
+  if (options.screenshot.empty()) window.Resume();
   const bool opened = options.file.empty() || window.OpenFile(options.file);
   if (options.macro.empty() || !opened) {
     finish(opened);
@@ -71,7 +73,12 @@ int main(int argc, char** argv) {
   QCoreApplication::setApplicationName(QStringLiteral("Brenvolt"));
   QApplication::setDesktopFileName(QStringLiteral("brenvolt-desktop"));
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/brenvolt.svg")));
-  MainWindow window;
+  // A picture shows what was asked for, and nothing that the person has kept.
+  const QTemporaryDir unattended;
+  const bool isUnattended = !options->screenshot.empty();
+  MainWindow window(isUnattended ? brenvolt::desktop::PathOf(unattended.path())
+                                 : brenvolt::desktop::Settings::PersonalFolder());
+  window.SetUnattended(isUnattended);
   window.show();
   QTimer::singleShot(0, &window, [&window, &options] { Begin(window, *options); });
   return QApplication::exec();

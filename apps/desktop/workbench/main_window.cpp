@@ -1,59 +1,529 @@
 #include "apps/desktop/workbench/main_window.h"
 
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGuiApplication>
 #include <QMessageBox>
-#include <QPlainTextEdit>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QUrl>
+#include <algorithm>
+#include <cstdio>
+#include <new>
 
 #include "apps/desktop/base/text.h"
-#include "apps/desktop/workbench/macro_process.h"
-#include "host/application/application.h"
+#include "apps/desktop/views/property_panel.h"
+#include "apps/desktop/views/results_panel.h"
+#include "apps/desktop/workbench/document_view.h"
+#include "apps/desktop/workbench/macro_panel.h"
+#include "apps/desktop/workbench/recovery_dialog.h"
+#include "apps/desktop/workbench/start_page.h"
 #include "host/base/error.h"
+#include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/project_files.h"
+#include "host/jobs/data_plots.h"
 
 namespace brenvolt::desktop {
 namespace {
 
-constexpr int kWidth = 1000;
-constexpr int kHeight = 650;
+constexpr int kWidth = 1200;
+constexpr int kHeight = 760;
+constexpr int kMessageTime = 15000;
+// What the state of the layout is about; another number forgets it.
+constexpr int kLayoutVersion = 1;
 
-QString Description(const DataFile& data) {
-  QString text = ShownPath(data.path) + QStringLiteral("\n");
-  for (std::size_t i = 0; i < data.workbook.SheetCount(); ++i) {
-    const Spreadsheet& sheet = data.workbook.SheetAt(i);
-    text += MainWindow::tr("%1: %2 variables, %3 cases\n")
-                .arg(Shown(sheet.Name()))
-                .arg(sheet.VariableCount())
-                .arg(sheet.CaseCount());
-  }
-  return text;
+QString Explained(const Error& error) {
+  if (error.Where().empty()) return Shown(error.what());
+  return Shown(error.Where()) + QStringLiteral(":\n") + Shown(error.what());
 }
+
+// What a wait of more than a moment looks like.
+class WaitCursor {
+ public:
+  WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+  ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+};
 
 }  // namespace
 
-MainWindow::MainWindow() : page_(new QPlainTextEdit(this)) {
+MainWindow::MainWindow(const std::filesystem::path& folder) : settings_(folder) {
   setWindowTitle(QStringLiteral("Brenvolt"));
+  setAcceptDrops(true);
+  ApplyTheme(settings_.Theme());
   resize(kWidth, kHeight);
-  page_->setReadOnly(true);
-  setCentralWidget(page_);
+  MakeParts();
+  MakeFileMenu();
+  MakeEditMenu();
+  MakeTaskMenu();
+  MakeViewMenu();
+  MakeHelpMenu();
+  ConnectParts();
+  restoreGeometry(settings_.Layout(QStringLiteral("window")));
+  restoreState(settings_.Layout(QStringLiteral("docks")), kLayoutVersion);
+  splitter_->restoreState(settings_.Layout(QStringLiteral("splitter")));
+  start_->SetRecentFiles(settings_.RecentFiles());
+  ShowState();
+}
+
+MainWindow::~MainWindow() {
+  properties_->Show(nullptr, nullptr, 0);
+  // The views look at the documents.
+  tabs_->disconnect(this);
+  delete tabs_;
+}
+
+void MainWindow::MakeParts() {
+  start_ = new StartPage;
+  pages_ = new QStackedWidget;
+  splitter_ = new QSplitter(Qt::Horizontal);
+  tabs_ = new QTabWidget;
+  tabs_->setObjectName(QStringLiteral("documents"));
+  tabs_->setAccessibleName(tr("Documents"));
+  tabs_->setDocumentMode(true);
+  tabs_->setTabsClosable(true);
+  tabs_->setMovable(true);
+  results_ = new ResultsPanel;
+  splitter_->addWidget(tabs_);
+  splitter_->addWidget(results_);
+  splitter_->setSizes({kWidth / 2, kWidth / 2});
+  results_->hide();
+  splitter_->setChildrenCollapsible(true);
+  pages_->addWidget(start_);
+  pages_->addWidget(splitter_);
+  setCentralWidget(pages_);
+
+  properties_ = new PropertyPanel([](const Variable&) { return QString(); });
+  propertyDock_ = new QDockWidget(tr("Variable"), this);
+  propertyDock_->setObjectName(QStringLiteral("variableDock"));
+  propertyDock_->setWidget(properties_);
+  addDockWidget(Qt::RightDockWidgetArea, propertyDock_);
+  macros_ = new MacroPanel(settings_.Macros());
+  macroDock_ = new QDockWidget(tr("Macro"), this);
+  macroDock_->setObjectName(QStringLiteral("macroDock"));
+  macroDock_->setWidget(macros_);
+  addDockWidget(Qt::BottomDockWidgetArea, macroDock_);
+  propertyDock_->hide();
+  macroDock_->hide();
+}
+
+void MainWindow::ConnectParts() {
+  connect(start_, &StartPage::openAsked, this, &MainWindow::Open);
+  connect(start_, &StartPage::newAsked, this, &MainWindow::NewProject);
+  connect(start_, &StartPage::fileAsked, this, [this](const QString& file) { OpenFile(PathOf(file)); });
+  connect(tabs_, &QTabWidget::currentChanged, this, &MainWindow::ShowCurrent);
+  connect(tabs_, &QTabWidget::tabCloseRequested, this, [this](int tab) {
+    tabs_->setCurrentIndex(tab);
+    CloseDocument();
+  });
+  connect(results_, &ResultsPanel::added, results_, &QWidget::show);
+  connect(results_, &ResultsPanel::said, this, &MainWindow::Say);
+  connect(results_, &ResultsPanel::keepAsked, this, [this](const std::shared_ptr<CAnalysisTableDoc>& table) {
+    if (CurrentDocument() == nullptr) NewProject();
+    CurrentDocument()->Change(tr("Add result"), [&](Workbook& workbook) {
+      workbook.Add(std::make_unique<Spreadsheet>(table->Table()));
+    });
+    Say(tr("The table is a sheet of %1 now.").arg(CurrentDocument()->Title()));
+  });
+  connect(properties_, &PropertyPanel::refused, this, &MainWindow::Say);
+  connect(macros_, &MacroPanel::said, this, &MainWindow::Say);
+  connect(macros_, &MacroPanel::ended, this, &MainWindow::macroEnded);
+  connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &MainWindow::LookAtFile);
+}
+
+Document* MainWindow::CurrentDocument() const {
+  DocumentView* view = CurrentView();
+  return view == nullptr ? nullptr : &view->Owner();
+}
+
+DocumentView* MainWindow::CurrentView() const {
+  return qobject_cast<DocumentView*>(tabs_->currentWidget());
+}
+
+DocumentView* MainWindow::ViewOf(const Document& document) const {
+  for (int i = 0; i < tabs_->count(); ++i) {
+    auto* view = static_cast<DocumentView*>(tabs_->widget(i));
+    if (&view->Owner() == &document) return view;
+  }
+  return nullptr;
+}
+
+DocumentView& MainWindow::AddDocument(std::unique_ptr<Document> added) {
+  Document& document = *documents_.emplace_back(std::move(added));
+  auto* view = new DocumentView(document);
+  history_.addStack(&document.History());
+  connect(view, &DocumentView::refused, this, &MainWindow::Say);
+  connect(view, &DocumentView::currentChanged, this, &MainWindow::ShowCurrent);
+  connect(view, &DocumentView::reloadAsked, this, [this, &document] { Reload(document); });
+  connect(&document, &Document::stateChanged, this, &MainWindow::ShowState);
+  connect(&document, &Document::journalFailed, this, &MainWindow::Say);
+  tabs_->setCurrentIndex(tabs_->addTab(view, document.Title()));
+  Watch(document);
+  pages_->setCurrentWidget(splitter_);
+  ShowState();
+  if (SheetView* grid = view->CurrentGrid()) grid->setFocus();
+  return *view;
+}
+
+void MainWindow::RemoveDocument(Document& document) {
+  properties_->Show(nullptr, nullptr, 0);
+  history_.removeStack(&document.History());
+  if (!document.File().empty()) watcher_.removePath(ShownPath(document.File()));
+  delete ViewOf(document);
+  std::erase_if(documents_, [&](const auto& one) { return one.get() == &document; });
+  if (documents_.empty() && results_->Count() == 0) ShowStartPage();
+  ShowState();
 }
 
 bool MainWindow::OpenFile(const std::filesystem::path& path) {
+  return OpenFile(path, UserNumberLocale().decimalSeparator == ',' && !Workbook::IsWorkbookFile(path));
+}
+
+bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) {
+  for (const auto& document : documents_) {
+    std::error_code ignored;
+    if (!std::filesystem::equivalent(document->File(), path, ignored)) continue;
+    tabs_->setCurrentWidget(ViewOf(*document));
+    pages_->setCurrentWidget(splitter_);
+    return true;
+  }
   try {
-    page_->setPlainText(Description(OpenDataFile(path, {})));
+    if (HasEnding(path, ".py")) {
+      macros_->Open(path);
+      macroDock_->show();
+      return true;
+    }
+    std::unique_ptr<Document> opened;
+    {
+      const WaitCursor wait;
+      opened = Document::Open(settings_.Journals(), path, decimalComma);
+    }
+    settings_.AddRecentFile(ShownPath(opened->File()));
+    start_->SetRecentFiles(settings_.RecentFiles());
+    AddDocument(std::move(opened));
     return true;
   } catch (const Error& error) {
-    QMessageBox::warning(this, windowTitle(), Shown(error.Where() + ": " + error.what()));
-    return false;
+    Warn(Explained(error));
+  } catch (const std::bad_alloc&) {
+    Warn(tr("There is not enough memory to open %1.").arg(ShownPath(path)));
+  }
+  return false;
+}
+
+void MainWindow::NewProject() {
+  AddDocument(Document::New(settings_.Journals()));
+}
+
+void MainWindow::Open() {
+  const QString all =
+      tr("Projects and data (*.bvw *.csv *.txt);;Data with decimal comma (*.csv *.txt);;"
+         "Macros (*.py);;All files (*)");
+  QString chosen;
+  for (const QString& file : QFileDialog::getOpenFileNames(this, tr("Open"), {}, all, &chosen)) {
+    const bool decimalComma = chosen == all.section(QStringLiteral(";;"), 1, 1);
+    decimalComma ? OpenFile(PathOf(file), true) : OpenFile(PathOf(file));
   }
 }
 
 void MainWindow::RunMacro(const std::filesystem::path& path) {
-  auto* macro = new MacroProcess(this);
-  page_->clear();
-  connect(macro, &MacroProcess::printed, page_, &QPlainTextEdit::insertPlainText);
-  connect(macro, &MacroProcess::ended, this, [this, macro](bool succeeded) {
-    macro->deleteLater();
-    emit macroEnded(succeeded);
+  try {
+    macros_->Open(path);
+  } catch (const Error& error) {
+    Warn(Explained(error));
+    emit macroEnded(false);
+    return;
+  }
+  macroDock_->show();
+  macros_->Run();
+}
+
+void MainWindow::Resume() {
+  auto left = LeftJournals(settings_.Journals());
+  if (!left.empty()) {
+    RecoveryDialog dialog(
+        std::move(left), [this](LeftJournal& one) { return Recover(one); }, this);
+    dialog.exec();
+  }
+  for (const QString& file : settings_.SessionFiles()) {
+    // A file that is gone since is no fault of today.
+    if (QFileInfo::exists(file)) OpenFile(PathOf(file));
+  }
+}
+
+bool MainWindow::Recover(LeftJournal& left) {
+  try {
+    Document::Recovered recovered = Document::Recover(settings_.Journals(), left);
+    const QString title = recovered.document->Title();
+    AddDocument(std::move(recovered.document));
+    if (!recovered.fitsFile)
+      Warn(tr("%1 was changed since by another program. %2 of %3 unsaved edits could still be made; look at "
+              "the "
+              "data before you save.")
+               .arg(title)
+               .arg(recovered.edits)
+               .arg(left.EditCount()));
+    return true;
+  } catch (const Error& error) {
+    Warn(Explained(error));
+    return false;
+  }
+}
+
+bool MainWindow::Save() {
+  return CurrentDocument() != nullptr && SaveDocument(*CurrentDocument(), false);
+}
+
+bool MainWindow::SaveAs() {
+  return CurrentDocument() != nullptr && SaveDocument(*CurrentDocument(), true);
+}
+
+bool MainWindow::SaveDocument(Document& document, bool asNew) {
+  asNew |= !document.IsProject();
+  if (!asNew && !ConfirmReplacement(document, asNew)) return false;
+  if (!asNew) return WriteDocument(document, document.File());
+  std::filesystem::path proposed = document.File().empty() ? "project.bvw" : document.File();
+  proposed.replace_extension(".bvw");
+  QString name =
+      QFileDialog::getSaveFileName(this, tr("Save project"), ShownPath(proposed), tr("Projects (*.bvw)"));
+  if (name.isEmpty()) return false;
+  if (!HasProjectEnding(PathOf(name))) name += QStringLiteral(".bvw");
+  return WriteDocument(document, PathOf(name));
+}
+
+// A file that another program wrote to is not replaced unasked.
+bool MainWindow::ConfirmReplacement(Document& document, bool& asNew) {
+  if (!document.IsChangedOutside()) return true;
+  QMessageBox box(
+      QMessageBox::Warning, windowTitle(),
+      QFileInfo::exists(ShownPath(document.File()))
+          ? tr("Another program has changed %1 since it was opened. Saving replaces what it wrote.")
+                .arg(document.Title())
+          : tr("Another program has removed %1 since it was opened.").arg(document.Title()),
+      QMessageBox::NoButton, this);
+  auto* replace = box.addButton(tr("&Save here"), QMessageBox::DestructiveRole);
+  auto* other = box.addButton(tr("Save &under another name…"), QMessageBox::AcceptRole);
+  box.addButton(QMessageBox::Cancel);
+  box.setDefaultButton(qobject_cast<QPushButton*>(other));
+  box.exec();
+  asNew = box.clickedButton() == other;
+  return asNew || box.clickedButton() == replace;
+}
+
+bool MainWindow::WriteDocument(Document& document, const std::filesystem::path& file) {
+  try {
+    const WaitCursor wait;
+    document.Save(file);
+  } catch (const Error& error) {
+    Warn(tr("%1\n\nYour edits are kept here; save them in another place, or try again.")
+             .arg(Explained(error)));
+    return false;
+  }
+  settings_.AddRecentFile(ShownPath(document.File()));
+  start_->SetRecentFiles(settings_.RecentFiles());
+  Watch(document);
+  if (DocumentView* view = ViewOf(document)) view->SetNotice({});
+  Say(tr("Saved %1.").arg(ShownPath(document.File())));
+  return true;
+}
+
+bool MainWindow::MayClose(Document& document) {
+  if (!document.IsModified()) return true;
+  if (DocumentView* view = ViewOf(document)) tabs_->setCurrentWidget(view);
+  const auto answer = QMessageBox::question(
+      this, windowTitle(), tr("Save the changes to %1?").arg(document.Title()),
+      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Save);
+  if (answer == QMessageBox::Save) return SaveDocument(document, false);
+  return answer == QMessageBox::Discard;
+}
+
+bool MainWindow::CloseDocument() {
+  Document* document = CurrentDocument();
+  if (document == nullptr) return true;
+  if (document->IsBusy()) {
+    Say(tr("An analysis reads %1; close its dialog first.").arg(document->Title()));
+    return false;
+  }
+  if (!MayClose(*document)) return false;
+  RemoveDocument(*document);
+  return true;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  QStringList session;
+  for (const auto& document : documents_) {
+    if (!MayClose(*document)) return event->ignore();
+    if (!document->File().empty()) session << ShownPath(document->File());
+  }
+  if (macros_->IsModified() && !macros_->Text().trimmed().isEmpty()) {
+    const auto answer = QMessageBox::question(this, windowTitle(), tr("Save the macro?"),
+                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                                              QMessageBox::Save);
+    if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !macros_->AskSave()))
+      return event->ignore();
+  }
+  settings_.SetSessionFiles(session);
+  settings_.SetLayout(QStringLiteral("window"), saveGeometry());
+  settings_.SetLayout(QStringLiteral("docks"), saveState(kLayoutVersion));
+  settings_.SetLayout(QStringLiteral("splitter"), splitter_->saveState());
+  while (!documents_.empty()) RemoveDocument(*documents_.back());
+  event->accept();
+}
+
+void MainWindow::Reload(Document& document) {
+  const std::filesystem::path file = document.File();
+  const bool decimalComma = document.DecimalComma();
+  if (document.IsModified()) {
+    const auto answer = QMessageBox::question(
+        this, windowTitle(), tr("Reading %1 again loses your unsaved changes to it.").arg(document.Title()),
+        QMessageBox::Discard | QMessageBox::Cancel, QMessageBox::Cancel);
+    if (answer != QMessageBox::Discard) return;
+  }
+  // Opened before the former one goes: where that fails, what is here stays.
+  try {
+    auto again = Document::Open(settings_.Journals(), file, decimalComma);
+    RemoveDocument(document);
+    AddDocument(std::move(again));
+  } catch (const Error& error) {
+    Warn(Explained(error));
+  }
+}
+
+void MainWindow::ExportSheet() {
+  const DocumentView* view = CurrentView();
+  const Spreadsheet* sheet = view == nullptr ? nullptr : view->CurrentSheet();
+  if (sheet == nullptr) return;
+  QString name = QFileDialog::getSaveFileName(
+      this, tr("Export sheet"), Shown(sheet->Name()) + QStringLiteral(".csv"), tr("CSV (*.csv)"));
+  if (name.isEmpty()) return;
+  if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".csv");
+  try {
+    const bool comma = UserNumberLocale().decimalSeparator == ',';
+    WriteCsvFile(*sheet, PathOf(name), comma ? CsvFormat::DecimalComma() : CsvFormat());
+    Say(tr("Exported %1.").arg(name));
+  } catch (const Error& error) {
+    Warn(Explained(error));
+  }
+}
+
+void MainWindow::ShowPictures() {
+  const SheetView* grid = CurrentView() == nullptr ? nullptr : CurrentView()->CurrentGrid();
+  const auto variable = grid == nullptr ? std::nullopt : grid->CurrentVariable();
+  if (!variable) return Say(tr("Choose a cell of the variable first."));
+  const Spreadsheet& sheet = CurrentView()->CurrentGrid()->Model().Sheet();
+  try {
+    const WaitCursor wait;
+    Spreadsheet alone(sheet.Name());
+    alone.SetKind(sheet.Kind());
+    alone.AddVariable(sheet.VariableAt(*variable));
+    alone.SetSelection(sheet.Selection());
+    const std::vector<PlotPage> pages = DataPlots(alone, kOverview);
+    results_->BeginGroup(tr("Pictures of %1").arg(CurrentDocument()->Title()));
+    for (const PlotPage& page : pages) results_->Add(std::make_shared<CAnalysisGraphDoc>(page.page));
+  } catch (const Error& error) {
+    Warn(Explained(error));
+  } catch (const WrongJob& wrong) {
+    Warn(Shown(wrong.what()));
+  }
+}
+
+void MainWindow::Watch(const Document& document) {
+  if (!document.File().empty()) watcher_.addPath(ShownPath(document.File()));
+}
+
+void MainWindow::LookAtFile(const QString& file) {
+  // Programs replace a file in several steps, as this one does.
+  constexpr int kPatience = 300;
+  QTimer::singleShot(kPatience, this, [this, file] {
+    for (const auto& document : documents_) {
+      if (ShownPath(document->File()) != file) continue;
+      Watch(*document);
+      if (!document->IsChangedOutside()) continue;
+      ViewOf(*document)->SetNotice(
+          QFileInfo::exists(file) ? tr("Another program has changed this file.")
+                                  : tr("Another program has removed this file. Save it to keep the data."));
+    }
   });
-  macro->Start(path);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  QStringList others;
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) {
+      OpenFile(PathOf(url.toLocalFile()));
+    } else {
+      others << url.toDisplayString();
+    }
+  }
+  event->acceptProposedAction();
+  if (!others.isEmpty())
+    Warn(tr("Only files of this machine can be opened, not %1.").arg(others.join(QStringLiteral(", "))));
+}
+
+void MainWindow::ShowCurrent() {
+  DocumentView* view = CurrentView();
+  SheetView* grid = view == nullptr ? nullptr : view->CurrentGrid();
+  const auto variable = grid == nullptr ? std::nullopt : grid->CurrentVariable();
+  if (variable) {
+    properties_->Show(&view->Owner(), &grid->Model().Sheet(), *variable);
+  } else {
+    properties_->Show(nullptr, nullptr, 0);
+  }
+  ShowState();
+}
+
+void MainWindow::ShowState() {
+  const Document* document = CurrentDocument();
+  for (int i = 0; i < tabs_->count(); ++i) {
+    const Document& one = static_cast<DocumentView*>(tabs_->widget(i))->Owner();
+    tabs_->setTabText(i, one.IsModified() ? one.Title() + QStringLiteral(" *") : one.Title());
+    tabs_->setTabToolTip(i, one.File().empty() ? tr("Not saved yet") : ShownPath(one.File()));
+  }
+  history_.setActiveStack(
+      document == nullptr || document->IsBusy() ? nullptr : &const_cast<Document*>(document)->History());
+  setWindowModified(document != nullptr && document->IsModified());
+  setWindowTitle(document == nullptr ? QStringLiteral("Brenvolt")
+                                     : tr("%1[*] – Brenvolt").arg(document->Title()));
+  for (QAction* action : documentActions_) action->setEnabled(document != nullptr);
+  const bool hasGrid = CurrentView() != nullptr && CurrentView()->CurrentGrid() != nullptr;
+  for (QAction* action : gridActions_) action->setEnabled(hasGrid);
+}
+
+void MainWindow::ShowStartPage() {
+  start_->SetRecentFiles(settings_.RecentFiles());
+  pages_->setCurrentWidget(start_);
+}
+
+void MainWindow::Say(const QString& text) {
+  statusBar()->showMessage(text, kMessageTime);
+}
+
+void MainWindow::Warn(const QString& text) {
+  if (isUnattended_) {
+    std::fprintf(stderr, "brenvolt-desktop: %s\n",
+                 qPrintable(QString(text).replace(QLatin1Char('\n'), QLatin1Char(' '))));
+    return;
+  }
+  QMessageBox box(QMessageBox::Warning, QStringLiteral("Brenvolt"), text, QMessageBox::Ok, this);
+  box.setTextFormat(Qt::PlainText);
+  box.exec();
+}
+
+void MainWindow::SetTheme(ThemeChoice theme) {
+  settings_.SetTheme(theme);
+  ApplyTheme(theme);
 }
 
 }  // namespace brenvolt::desktop

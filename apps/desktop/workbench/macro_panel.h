@@ -1,0 +1,62 @@
+// Macros: read, changed and run. What a macro prints stands below its text, and a fault at its line.
+#pragma once
+
+#include <QWidget>
+#include <filesystem>
+#include <optional>
+
+class QAction;
+class QLabel;
+class QPlainTextEdit;
+
+namespace brenvolt::desktop {
+
+class MacroProcess;
+
+// The line of a macro, counted from 1, at which the output of its run says that it failed.
+std::optional<int> FailedLine(const QString& output, const QString& macro);
+
+class MacroPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  // Macros that are not saved yet are run from files in this folder.
+  explicit MacroPanel(std::filesystem::path folder, QWidget* parent = nullptr);
+
+  // Shows a macro. Throws Error if it cannot be read.
+  void Open(const std::filesystem::path& macro);
+  void SetText(const QString& text);
+  QString Text() const;
+  bool IsModified() const;
+  // Throws Error.
+  void Save(const std::filesystem::path& macro);
+
+ public slots:
+  void Run();
+  void Stop();
+  // Ask for the file.
+  void AskOpen();
+  bool AskSave();
+
+ signals:
+  void ended(bool succeeded);
+  void said(const QString& text);
+
+ private:
+  std::filesystem::path FileToRun();
+  void Finish(bool succeeded);
+  void MarkLine(int line);
+  void UpdateTitle();
+
+  std::filesystem::path folder_;
+  std::filesystem::path file_;
+  QPlainTextEdit* editor_;
+  QPlainTextEdit* output_;
+  QLabel* title_;
+  QAction* run_;
+  QAction* stop_;
+  MacroProcess* process_ = nullptr;
+  QString running_;
+};
+
+}  // namespace brenvolt::desktop

@@ -1,0 +1,161 @@
+#include "apps/desktop/workbench/start_page.h"
+
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollArea>
+#include <QVBoxLayout>
+#include <system_error>
+
+#include "apps/desktop/base/text.h"
+
+namespace brenvolt::desktop {
+namespace {
+
+struct Example {
+  const char* file;
+  const char* text;
+};
+constexpr Example kExamples[] = {
+    {"portpirie_sea_level.csv",
+     QT_TRANSLATE_NOOP("StartPage", "Yearly highest sea levels at Port Pirie (65)")},
+    {"groundbeef.csv", QT_TRANSLATE_NOOP("StartPage", "Servings of ground beef, in grams (254)")},
+    {"danish_fire_losses.csv", QT_TRANSLATE_NOOP("StartPage", "Danish fire insurance losses (2167)")},
+    {"faithful.csv", QT_TRANSLATE_NOOP("StartPage", "Eruptions of the Old Faithful geyser (272)")},
+    {"toxocara.csv", QT_TRANSLATE_NOOP("StartPage", "Parasites counted in cats (53)")},
+    {"ozone.csv", QT_TRANSLATE_NOOP("StartPage", "Ozone and weather at Los Angeles (330)")}};
+
+constexpr int kWidth = 860;
+constexpr int kMostRecentShown = 6;
+
+QString Said(const char* text) {
+  return QCoreApplication::translate("StartPage", text);
+}
+
+QLabel* Heading(const QString& text, double size, bool bold) {
+  auto* label = new QLabel(text);
+  QFont font = label->font();
+  font.setPointSizeF(font.pointSizeF() * size);
+  font.setBold(bold);
+  label->setFont(font);
+  return label;
+}
+
+// A line to click on, with the whole path as its tooltip.
+QPushButton* FileLink(const QString& text, const QString& file) {
+  auto* link = new QPushButton(text);
+  link->setFlat(true);
+  link->setCursor(Qt::PointingHandCursor);
+  link->setToolTip(file);
+  link->setStyleSheet(
+      QStringLiteral("QPushButton{text-align:left;padding:3px 6px;color:palette(link)}"
+                     "QPushButton:hover,QPushButton:focus{text-decoration:underline}"));
+  return link;
+}
+
+void Empty(QLayout& layout) {
+  while (QLayoutItem* item = layout.takeAt(0)) {
+    delete item->widget();
+    delete item;
+  }
+}
+
+}  // namespace
+
+StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout) {
+  auto* content = new QWidget;
+  content->setMaximumWidth(kWidth);
+  auto* layout = new QVBoxLayout(content);
+  layout->setContentsMargins(32, 28, 32, 28);
+  layout->setSpacing(10);
+  layout->addWidget(Heading(QStringLiteral("Brenvolt"), 2.2, true));
+  layout->addWidget(Heading(tr("Distributions and simulation"), 1.15, false));
+  layout->addSpacing(12);
+
+  auto* lower = new QGridLayout;
+  lower->setHorizontalSpacing(40);
+  auto* open = new QPushButton(tr("&Open a file…"));
+  auto* make = new QPushButton(tr("&New project"));
+  open->setToolTip(tr("A project (.bvw) or a table of data, such as CSV; or drop files on the window"));
+  auto* buttons = new QHBoxLayout;
+  buttons->setSpacing(8);
+  buttons->addWidget(open);
+  buttons->addWidget(make);
+  buttons->addStretch();
+  connect(open, &QPushButton::clicked, this, &StartPage::openAsked);
+  connect(make, &QPushButton::clicked, this, &StartPage::newAsked);
+  recent_->setSpacing(2);
+  recent_->setAlignment(Qt::AlignTop);
+  lower->addWidget(Heading(tr("Files"), 1.15, true), 0, 0);
+  lower->addLayout(buttons, 1, 0);
+  lower->addLayout(recent_, 2, 0);
+  if (!ExampleFolder().empty()) {
+    lower->addWidget(Heading(tr("Examples"), 1.15, true), 0, 1);
+    lower->addWidget(MakeExamples(), 1, 1, 2, 1, Qt::AlignTop);
+  }
+  lower->setRowStretch(2, 1);
+  lower->setColumnStretch(0, 1);
+  lower->setColumnStretch(1, 1);
+  layout->addLayout(lower);
+  layout->addStretch();
+
+  auto* scroll = new QScrollArea;
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setWidgetResizable(true);
+  auto* centred = new QWidget;
+  auto* row = new QHBoxLayout(centred);
+  row->addStretch(1);
+  row->addWidget(content, 100);
+  row->addStretch(1);
+  scroll->setWidget(centred);
+  auto* page = new QVBoxLayout(this);
+  page->setContentsMargins(0, 0, 0, 0);
+  page->addWidget(scroll);
+  SetRecentFiles({});
+}
+
+QWidget* StartPage::MakeExamples() {
+  auto* box = new QWidget;
+  auto* layout = new QVBoxLayout(box);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+  const std::filesystem::path folder = ExampleFolder();
+  for (const Example& example : kExamples) {
+    const QString file = ShownPath(folder / example.file);
+    if (!QFileInfo::exists(file)) continue;
+    auto* link = FileLink(Said(example.text), file);
+    connect(link, &QPushButton::clicked, this, [this, file] { emit fileAsked(file); });
+    layout->addWidget(link);
+  }
+  return box;
+}
+
+void StartPage::SetRecentFiles(const QStringList& files) {
+  Empty(*recent_);
+  if (files.isEmpty()) {
+    auto* none = new QLabel(tr("Files that you have opened appear here."));
+    none->setEnabled(false);
+    none->setContentsMargins(6, 3, 6, 3);
+    recent_->addWidget(none);
+  }
+  for (const QString& file : files.mid(0, kMostRecentShown)) {
+    auto* link = FileLink(QFileInfo(file).fileName(), file);
+    link->setEnabled(QFileInfo::exists(file));
+    connect(link, &QPushButton::clicked, this, [this, file] { emit fileAsked(file); });
+    recent_->addWidget(link);
+  }
+}
+
+std::filesystem::path StartPage::ExampleFolder() {
+  const std::filesystem::path program = PathOf(QCoreApplication::applicationDirPath());
+  for (const std::filesystem::path& folder : {program.parent_path() / "share/brenvolt/examples",
+                                              program.parent_path().parent_path() / "examples"}) {
+    std::error_code ignored;
+    if (std::filesystem::exists(folder / kExamples[0].file, ignored)) return folder;
+  }
+  return {};
+}
+
+}  // namespace brenvolt::desktop
