@@ -1,6 +1,8 @@
 // The toolkit in tests of the window: without a display, in a number format of its own.
 #pragma once
 
+#include <unistd.h>
+
 #include <QApplication>
 #include <clocale>
 
@@ -9,8 +11,10 @@
 namespace brenvolt::desktop::test {
 
 // The toolkit's one application, which is made at the first call and stays until the process ends, as the toolkit
-// wants.
+// wants. A window that nobody answers would wait for ever: the process ends a minute after the last call.
+inline constexpr unsigned kSecondsToEnd = 60;
 inline void StartToolkit() {
+  alarm(kSecondsToEnd);
   if (QCoreApplication::instance() != nullptr) return;
   static int count = 1;
   static char name[] = "desktop_tests";

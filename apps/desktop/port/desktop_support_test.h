@@ -3,7 +3,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -13,35 +12,19 @@
 #include <QTabWidget>
 #include <QTest>
 #include <QTimer>
-#include <clocale>
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "apps/desktop/base/engine_thread.h"
+#include "apps/desktop/base/toolkit_support_test.h"
 #include "apps/desktop/port/analysis_run.h"
 #include "apps/desktop/port/document_sink.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/application/application.h"
 
 namespace brenvolt::desktop::test {
-
-// The toolkit's one application, which is made at the first call. A window that nobody answers would wait for ever: the
-// process ends after a minute.
-inline constexpr unsigned kSecondsToEnd = 60;
-inline QApplication& Toolkit() {
-  static int count = 1;
-  static char name[] = "desktop_tests";
-  static char* arguments[] = {name, nullptr};
-  if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
-  alarm(kSecondsToEnd);
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  // It stays until the process ends, as the toolkit wants.
-  static QApplication* const application = new QApplication(count, arguments);
-  std::setlocale(LC_NUMERIC, "C");
-  return *application;
-}
 
 // Keeps what it is handed.
 struct KeepingSink : DocumentSink {
@@ -105,12 +88,13 @@ class DismissedMessage : public Hand {
 };
 
 // An analysis in a window, and the mouse and the keys of who uses it.
-class Desk {
+class Desk : WithToolkit {
  public:
   explicit Desk(const std::filesystem::path& data) {
-    Toolkit();
     sheet_ = sink.OpenData(data);
     Begin(*sheet_);
+    // An analysis begins with the task that the last one chose; those of tests begin with the first.
+    if (Dialog() == kStartup) ClickRow(kTasks, 0);
   }
   void Begin(Spreadsheet& sheet) {
     run.reset();
@@ -168,6 +152,9 @@ class Desk {
   std::unique_ptr<AnalysisRun> run;
 
  private:
+  static constexpr int kStartup = 25980;
+  static constexpr std::int32_t kTasks = 1006;
+
   Spreadsheet* sheet_ = nullptr;
 };
 

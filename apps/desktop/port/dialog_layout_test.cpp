@@ -176,7 +176,7 @@ void ExpectInOrder(ShownForm& shown, const DialogTemplate& source) {
 }
 
 TEST(DialogLayout, EveryControlIsOnTheScreenOnceUncoveredAndWhole) {
-  Toolkit();
+  StartToolkit();
   const AllTemplates templates;
   EXPECT_EQ(templates.All().size(), 13U);
   const QFont usual = QApplication::font();
@@ -194,7 +194,7 @@ TEST(DialogLayout, EveryControlIsOnTheScreenOnceUncoveredAndWhole) {
 }
 
 TEST(DialogLayout, EveryControlThatTakesTheKeyboardHasANameForScreenReaders) {
-  Toolkit();
+  StartToolkit();
   const AllTemplates templates;
   for (const auto& [number, source] : templates.All()) {
     const ShownForm shown(*source);

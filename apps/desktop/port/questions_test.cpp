@@ -256,7 +256,7 @@ TEST(WindowInterface, CancelIsAnsweredWithinASecondAndTheWindowStaysAlive) {
 }
 
 TEST(EngineThread, CallsWithinQuestionsRunAndFaultsReachTheirCallers) {
-  Toolkit();
+  StartToolkit();
   EngineThread engine;
   std::vector<int> order;
   engine.Run([&] {

@@ -76,7 +76,6 @@ class VariableDialog : public QDialog {
     view_.verticalHeader()->setDefaultSectionSize(view_.fontMetrics().height() * 3 / 2);
     view_.setTabKeyNavigation(false);
     for (int column = 0; column < table_.columnCount(); ++column) view_.resizeColumnToContents(column);
-    view_.horizontalHeader()->setSectionResizeMode(static_cast<int>(lists_.size()) + 1, QHeaderView::Stretch);
     view_.setMinimumSize(kCharacters * view_.fontMetrics().averageCharWidth(),
                          kRows * view_.verticalHeader()->defaultSectionSize());
     return &view_;
