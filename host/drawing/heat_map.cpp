@@ -12,7 +12,6 @@ namespace brenvolt {
 namespace {
 
 constexpr int kMargin = 8;
-constexpr int kSmallSize = 11;
 constexpr int kTallestCell = 44;
 constexpr int kLeastCell = 3;
 constexpr int kTallestNames = 110;

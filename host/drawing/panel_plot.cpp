@@ -13,6 +13,7 @@
 #include "host/drawing/graph_extent.h"
 #include "host/drawing/heat_map.h"
 #include "host/drawing/text_fitting.h"
+#include "host/drawing/text_panel.h"
 #include "host/drawing/thinning.h"
 
 namespace brenvolt {
@@ -25,7 +26,6 @@ constexpr int kUsualPlotHeight = 300;
 constexpr int kCategoryHeight = 18;
 // A picture of more named bars or boxes would be too long to read.
 constexpr std::size_t kMostCategories = 200;
-constexpr int kSmallSize = 11;  // of axis numbers, legends and notes
 // Cells of a pixel, so that what is drawn at twice the size loses nothing.
 constexpr std::size_t kCellsOfPixel = 2;
 // Of more points than these a pixel has one at most, or several pixels share one.
@@ -182,6 +182,14 @@ class PanelPlot {
     plot_.setViewport(QRect(QPoint(0, 0), style.area.size()));
     StyleAxes();
     ScaleAxes(style.area.size() - QSize(90, 90));
+  }
+
+  // Whether values lie where QCustomPlot, which ends at 1e250, has no axis.
+  bool IsBeyondAxes() const {
+    constexpr double kLargest = 1e249;
+    return std::ranges::any_of(std::array{extent_.x, extent_.y}, [](const Extent& one) {
+      return !one.IsEmpty() && std::max(std::abs(one.from), std::abs(one.to)) > kLargest;
+    });
   }
 
   void Paint(QCPPainter& painter) {
@@ -679,59 +687,6 @@ class PanelPlot {
   std::size_t pens_ = 0;
 };
 
-// A line in the size at which it fits, if need be in several lines of a word each.
-struct FittedLine {
-  QString text;
-  QFont font;
-
-  FittedLine(const QString& line, int size, bool isBold, int width) : text(line) {
-    constexpr int kLeastSize = 8;
-    if (WidthOf(line, TextFont(kSmallSize, isBold)) > width && line.count(QLatin1Char(' ')) == 1)
-      text.replace(QLatin1Char(' '), QLatin1Char('\n'));
-    font = TextFont(size, isBold);
-    while (size > kLeastSize && Widest() > width) font = TextFont(--size, isBold);
-    if (Widest() > width) text = Elided(line, font, width);
-  }
-  int Widest() const {
-    int widest = 0;
-    for (const QString& part : text.split(QLatin1Char('\n'))) widest = std::max(widest, WidthOf(part, font));
-    return widest;
-  }
-  int Height() const {
-    const auto breaks = static_cast<int>(text.count(QLatin1Char('\n')));
-    return breaks == 0 ? LineHeightOf(TextFont()) + 2 : (breaks + 1) * LineHeightOf(font);
-  }
-};
-
-// Whether values lie where QCustomPlot, which ends at 1e250, has no axis.
-bool IsBeyondAxes(const Graph& graph) {
-  constexpr double kLargest = 1e249;
-  const GraphExtent extent = ExtentOf(graph, {});
-  return std::ranges::any_of(std::array{extent.x, extent.y}, [](const Extent& one) {
-    return !one.IsEmpty() && std::max(std::abs(one.from), std::abs(one.to)) > kLargest;
-  });
-}
-
-// Notes alone, in the middle; the first line stands out.
-void PaintText(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter) {
-  std::vector<std::string> notes = graph.notes;
-  if (notes.empty()) notes.push_back(graph.title.empty() ? "no values" : graph.title + ": no values");
-  std::vector<FittedLine> lines;
-  int height = 0;
-  for (std::size_t i = 0; i < notes.size(); ++i) {
-    lines.emplace_back(Shown(notes[i]), i == 0 ? kTitleSize : kSmallSize, i == 0, area.width() - kPadding);
-    height += lines.back().Height();
-  }
-  int top = area.center().y() - height / 2;
-  for (std::size_t i = 0; i < lines.size(); ++i) {
-    painter.setFont(lines[i].font);
-    painter.setPen(i == 0 ? theme.text : theme.faintText);
-    painter.drawText(QRect(area.left(), top, area.width(), lines[i].Height()), Qt::AlignCenter,
-                     lines[i].text);
-    top += lines[i].Height();
-  }
-}
-
 }  // namespace
 
 int HeightOf(const Graph& graph, int width) {
@@ -751,12 +706,13 @@ void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style,
   if (!graph.cells.empty()) return PaintHeatMap(graph, theme, style.area, painter);
   if (graph.kind == GraphKind::kText || !HasValues(graph))
     return PaintText(graph, theme, style.area, painter);
-  if (IsBeyondAxes(graph)) {
+  PanelPlot plot(graph, theme, style);
+  if (plot.IsBeyondAxes()) {
     Graph words;
     words.notes = {graph.title, "the values are too large for an axis, which ends at 1e249"};
     return PaintText(words, theme, style.area, painter);
   }
-  PanelPlot(graph, theme, style).Paint(painter);
+  plot.Paint(painter);
 }
 
 }  // namespace brenvolt

@@ -34,6 +34,7 @@ QList<QColor> ColoursOf(const Theme& theme);
 
 inline constexpr int kTextSize = 12;  // in pixels
 inline constexpr int kTitleSize = 14;
+inline constexpr int kSmallSize = 11;  // of axis numbers, legends and notes
 
 QFont TextFont(int pixels = kTextSize, bool bold = false);
 
