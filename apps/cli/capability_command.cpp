@@ -16,11 +16,6 @@ struct CapabilityCall {
   ReportFormat format = ReportFormat::kTable;
 };
 
-CapabilityJob::Specification ParseSpecification(const std::string& text) {
-  const auto [response, limits] = SpecificationIn(text);
-  return {response, limits};
-}
-
 std::string Words(const Choices& choices) {
   std::string words;
   for (const auto& [word, member] : choices) words += (words.empty() ? "" : "|") + word;

@@ -53,11 +53,6 @@ ProfileJob::Fixed ParseFixed(const std::string& text) {
   return {predictor, value};
 }
 
-ProfileJob::Specification ParseSpecification(const std::string& text) {
-  const auto [response, limits] = SpecificationIn(text);
-  return {response, limits};
-}
-
 ProfileJob::Truncation ParseTruncation(const std::string& text) {
   constexpr const char* kForm = "PREDICTOR=LOW:HIGH";
   const auto [predictor, bounds] = SplitEntry("truncate", kForm, text);

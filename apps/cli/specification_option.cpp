@@ -8,7 +8,7 @@
 
 namespace brenvolt::cli {
 
-std::pair<std::string, SpecificationLimits> SpecificationIn(const std::string& text) {
+ResponseSpecification ParseSpecification(const std::string& text) {
   constexpr const char* kField = "specifications";
   constexpr const char* kForm = "RESPONSE=LSL,TARGET,USL, each of which may be empty";
   constexpr std::size_t kNumbers = 3;

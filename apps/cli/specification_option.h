@@ -2,13 +2,12 @@
 #pragma once
 
 #include <string>
-#include <utility>
 
-#include "host/statistics/specification_limits.h"
+#include "host/jobs/base/specification_check.h"
 
 namespace brenvolt::cli {
 
 // "Y=LSL,TARGET,USL", each of which may be empty. Throws WrongJob.
-std::pair<std::string, SpecificationLimits> SpecificationIn(const std::string& text);
+ResponseSpecification ParseSpecification(const std::string& text);
 
 }  // namespace brenvolt::cli

@@ -363,18 +363,15 @@ void DefinePlot(py::class_<Job>& job) {
       .def_property("plot_width", nullptr, [](Job& j, double width) { j.plot.width = width; });
 }
 
-// The specification of a response, which the job has a structure for.
-template <class Job>
-void DefineSpecification(py::class_<Job>& job) {
-  using Specification = typename Job::Specification;
-  py::class_<Specification>(job, "Specification")
+void BindSpecification(py::module_& module) {
+  py::class_<ResponseSpecification>(module, "ResponseSpecification")
       .def(py::init([](std::string response, std::optional<double> lower, std::optional<double> target,
                        std::optional<double> upper) {
         SpecificationLimits limits;
         limits.lower = lower.value_or(limits.lower);
         limits.target = target.value_or(limits.target);
         limits.upper = upper.value_or(limits.upper);
-        return Specification{std::move(response), limits};
+        return ResponseSpecification{std::move(response), limits};
       }));
 }
 
@@ -484,7 +481,6 @@ void BindProfileJob(py::module_& module) {
   py::class_<ProfileJob::Fixed>(job, "Fixed").def(py::init<std::string, std::variant<double, std::string>>());
   py::class_<ProfileJob::Truncation>(job, "Truncation")
       .def(py::init<std::string, std::optional<double>, std::optional<double>>());
-  DefineSpecification(job);
   job.def(py::init<>())
       .def_readwrite("models", &ProfileJob::models)
       .def_readwrite("formulas", &ProfileJob::formulas)
@@ -549,7 +545,6 @@ void BindCensoredFitJob(py::module_& module) {
 
 void BindCapabilityJob(py::module_& module) {
   py::class_<CapabilityJob> job(module, "CapabilityJob");
-  DefineSpecification(job);
   job.def(py::init<>())
       .def_readwrite("response", &CapabilityJob::response)
       .def_readwrite("specifications", &CapabilityJob::specifications)
@@ -572,6 +567,7 @@ void BindCapabilityJob(py::module_& module) {
 
 void BindJobs(py::module_& module) {
   BindFitJob(module);
+  BindSpecification(module);
   BindDesignJob(module);
   BindSimulateJob(module);
   BindProfileJob(module);

@@ -51,8 +51,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
     if (one.standardDeviation < 0)
       faults.push_back({"noise", Quoted(one.response) + ": the standard deviation must not be less than 0"});
   }
-  for (const ProfileJob::Specification& one : job.specifications)
-    CheckLimits(one.response, one.limits, faults);
+  for (const ResponseSpecification& one : job.specifications) CheckLimits(one.response, one.limits, faults);
   for (const ProfileJob::Fixed& one : job.fixed) {
     if (const double* number = std::get_if<double>(&one.value)) {
       CheckNumber("fixed", *number, faults, one.predictor);
@@ -73,7 +72,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
       faults.push_back({"truncate", Quoted(one.predictor) + ": a predictor that is fixed has no draws"});
   }
   CheckEachOnce("noise", job.noise, &ProfileJob::Noise::response, faults);
-  CheckEachOnce("specifications", job.specifications, &ProfileJob::Specification::response, faults);
+  CheckEachOnce("specifications", job.specifications, &ResponseSpecification::response, faults);
   CheckEachOnce("fixed", job.fixed, &ProfileJob::Fixed::predictor, faults);
   CheckEachOnce("truncate", job.truncate, &ProfileJob::Truncation::predictor, faults);
 }

@@ -151,8 +151,8 @@ class Profiler {
   }
 
   bool IsSpecified(std::size_t response) const {
-    return std::ranges::find(job_.specifications, responses_[response],
-                             &ProfileJob::Specification::response) != job_.specifications.end();
+    return std::ranges::find(job_.specifications, responses_[response], &ResponseSpecification::response) !=
+           job_.specifications.end();
   }
 
   // The table of the counts of defects and the graph of the profiles, for which the response is specified.
@@ -327,7 +327,7 @@ class Profiler {
     std::vector<std::string> noisy;
     for (const ProfileJob::Noise& one : job_.noise) noisy.push_back(one.response);
     CorrelateNoise(session_, job_.noiseCorrelations, responses_, noisy);
-    for (const ProfileJob::Specification& one : job_.specifications) {
+    for (const ResponseSpecification& one : job_.specifications) {
       Select(PlaceOf(one.response, responses_, "specifications", "response"));
       Put("LSL", Limit(one.limits.lower));
       Put("USL", Limit(one.limits.upper));

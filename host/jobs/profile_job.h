@@ -12,11 +12,11 @@
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
+#include "host/jobs/base/specification_check.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/profile_plots.h"
 #include "host/jobs/profile_results.h"
 #include "host/models/model_function.h"
-#include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
 
@@ -34,10 +34,6 @@ struct ProfileJob {
   struct Noise {
     std::string response;
     double standardDeviation;
-  };
-  struct Specification {
-    std::string response;
-    SpecificationLimits limits;
   };
   struct Fixed {
     std::string predictor;
@@ -63,7 +59,7 @@ struct ProfileJob {
   Table givenMatrix;      // in place of the name of a matrix
   std::vector<std::string> noiseCorrelations;  // of the noise of two responses, "y,z=0.5"
   std::vector<Noise> noise;
-  std::vector<Specification> specifications;
+  std::vector<ResponseSpecification> specifications;
   std::vector<Fixed> fixed;
   std::vector<Truncation> truncate;
   std::filesystem::path output;  // empty: the simulated runs go nowhere

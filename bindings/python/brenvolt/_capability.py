@@ -44,7 +44,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
     if isinstance(subgroup, int) and not isinstance(subgroup, bool):
         subgroup = str(subgroup)
     job = _jobs._job(_brenvolt.CapabilityJob, data=_jobs._file_of(data), response=response,
-                     specifications=_jobs._tuples(_brenvolt.CapabilityJob.Specification, specifications, "specifications",
+                     specifications=_jobs._tuples(_brenvolt.ResponseSpecification, specifications, "specifications",
                                                   "(lower limit, target, upper limit)"),
                      subgroup=subgroup, within=within, control_chart=control_chart, rules=rules,
                      distribution=distribution, bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, confidence=confidence, select=select, plot=plot, plot_kind=plot_kind,

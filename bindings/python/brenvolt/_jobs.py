@@ -646,7 +646,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                noise=_entries(_brenvolt.ProfileJob.Noise, noise, "noise", "{response: deviation}"),
                noise_correlations=[f"{first},{second}={value!r}" for first, second, value in
                                    _design._pairs(noise_correlations, "noise_correlations")],
-               specifications=_tuples(_brenvolt.ProfileJob.Specification, specifications, "specifications",
+               specifications=_tuples(_brenvolt.ResponseSpecification, specifications, "specifications",
                                       "(lower limit, target, upper limit)"),
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),

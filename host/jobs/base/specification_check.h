@@ -1,4 +1,4 @@
-// What can be wrong with the specification of a response.
+// The specification of a response in a job, and what can be wrong with it.
 #pragma once
 
 #include <string>
@@ -7,6 +7,11 @@
 #include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
+
+struct ResponseSpecification {
+  std::string response;
+  SpecificationLimits limits;
+};
 
 // Adds a fault of the field specifications unless the limits are valid.
 void CheckLimits(const std::string& response, const SpecificationLimits& limits, JobFaults& faults);

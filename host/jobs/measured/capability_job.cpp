@@ -306,7 +306,7 @@ JobFaults CapabilityJob::Check() const {
     add("specifications",
         Quoted(specifications.front().response) + " is not the response, which is " + Quoted(response));
   }
-  for (const Specification& one : specifications) CheckLimits(one.response, one.limits, faults);
+  for (const ResponseSpecification& one : specifications) CheckLimits(one.response, one.limits, faults);
   if (within) CheckWord("within", *within, kWithinEstimates, faults);
   if (controlChart) CheckWord("controlChart", *controlChart, kControlCharts, faults);
   if (rules) CheckWord("rules", *rules, kControlRules, faults);

@@ -10,8 +10,8 @@
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
+#include "host/jobs/base/specification_check.h"
 #include "host/jobs/measured/capability_results.h"
-#include "host/statistics/specification_limits.h"
 
 namespace brenvolt {
 
@@ -22,14 +22,9 @@ extern const Choices kControlCharts;
 extern const Choices kControlRules;
 
 struct CapabilityJob {
-  struct Specification {
-    std::string response;
-    SpecificationLimits limits;
-  };
-
   JobData data;
-  std::string response;                       // empty: the one that is specified
-  std::vector<Specification> specifications;  // of the response
+  std::string response;                               // empty: the one that is specified
+  std::vector<ResponseSpecification> specifications;  // of the response
   // The column that tells subgroups apart, or else how many cases in a row make one; without, every value stands alone.
   std::optional<std::string> subgroup;
   std::optional<std::string> within;  // without a word, pooled, or moving-range where there are no subgroups

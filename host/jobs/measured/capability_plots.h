@@ -1,4 +1,4 @@
-// The pictures of a measured process: its control charts, and its values beside the specification.
+// The pictures of a measured process: its control charts, and its values beside their limits.
 #pragma once
 
 #include <string_view>

@@ -27,7 +27,7 @@ ReportFacts FactsOf(const ProfileJob& job, const ProfileFindings& found) {
   for (const auto& model : job.models) add("Model", model.string());
   for (const std::string& formula : job.formulas) add("Formula", formula);
   for (const auto& function : job.functions) add("Function", function->name);
-  for (const ProfileJob::Specification& one : job.specifications) {
+  for (const ResponseSpecification& one : job.specifications) {
     add("Specification", one.response + ": lower limit " + LimitText(one.limits.lower) + ", target " +
                              LimitText(one.limits.target) + ", upper limit " + LimitText(one.limits.upper));
   }

@@ -176,7 +176,7 @@ std::string CommandOf(const ProfileJob& job, std::int32_t seed) {
   for (const ProfileJob::Noise& one : job.noise)
     command.Add("noise", one.response + "=" + ShortestNumber(one.standardDeviation));
   command.AddEach("noiseCorrelations", job.noiseCorrelations);
-  for (const ProfileJob::Specification& one : job.specifications) {
+  for (const ResponseSpecification& one : job.specifications) {
     command.Add("specifications", one.response + "=" + Limit(one.limits.lower) + "," +
                                       Limit(one.limits.target) + "," + Limit(one.limits.upper));
   }
