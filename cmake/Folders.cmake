@@ -34,6 +34,7 @@ function(add_test_program target)
         "BRENVOLT_SOURCE_DIR=\"${PROJECT_SOURCE_DIR}\";BRENVOLT_BUILD_DIR=\"${PROJECT_BINARY_DIR}\"")
     endif()
   endforeach()
+  compile_quickly(${target})
   target_precompile_headers(${target} PRIVATE <gtest/gtest.h> <string> <vector>)
   gtest_discover_tests(${target} TEST_FILTER "-*Reference.*" DISCOVERY_TIMEOUT 60
                        PROPERTIES LABELS ${arg_LABEL} TIMEOUT 300)
