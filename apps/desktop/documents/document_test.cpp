@@ -8,6 +8,7 @@
 #include <csignal>
 #include <cstring>
 #include <fstream>
+#include <string>
 
 #include "apps/desktop/base/toolkit_support_test.h"
 #include "host/base/error.h"
@@ -205,8 +206,10 @@ TEST_F(DocumentTest, KilledWhileEditingAndSavingNothingIsLost) {
     document->Save(file);
   }
   int recoveries = 0;
+  double found = 0;
   for (int run = 0; run < 30; ++run) {
-    WriteBytes(said, "0");
+    // Until its first edit a process stands where the one before it stood.
+    WriteBytes(said, std::to_string(static_cast<int>(found)));
     KillDuring(
         [&] {
           auto document = Document::Open(Journals(), file);
@@ -234,7 +237,7 @@ TEST_F(DocumentTest, KilledWhileEditingAndSavingNothingIsLost) {
       EXPECT_TRUE(recovered.fitsFile);
       document = std::move(recovered.document);
     }
-    const double found = ValuesOf(*document, 0)[0];
+    found = ValuesOf(*document, 0)[0];
     EXPECT_GE(found, done) << run;
     EXPECT_LE(found, done + 1) << run;
     EXPECT_TRUE(found == 0 || ValuesOf(*document, 1)[0] == 2 * found) << found;
