@@ -36,7 +36,7 @@ import traceback
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.environ.get("BRENVOLT_BUILD_DIR", os.path.join(ROOT, "build"))
-PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/guide/*.md", root_dir=ROOT) + glob.glob("docs/reference/*.md", root_dir=ROOT))]
+PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/tutorial/*.md", root_dir=ROOT) + glob.glob("docs/guide/*.md", root_dir=ROOT) + glob.glob("docs/reference/*.md", root_dir=ROOT))]
 LEFT_OUT = "…"
 FENCE = re.compile(r"^```([^\n`]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
