@@ -47,3 +47,6 @@ endif()
 function(compile_quickly target)
   target_compile_options(${target} PRIVATE $<$<CONFIG:Release>:-O1>)
 endfunction()
+
+# Where an installation has its documents and the data of its examples, under its prefix.
+set(BRENVOLT_DOCUMENTS share/doc/brenvolt)

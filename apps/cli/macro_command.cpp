@@ -28,11 +28,14 @@ std::string Environment(const char* name) {
   return value != nullptr ? value : "";
 }
 
-// The folder that holds the package: that of an installation, or of a built tree.
+// Where Debian's packages put theirs.
+constexpr const char* kDebianPackages = "python3/dist-packages";
+
+// The folder that holds the package: that of an installation, of a Debian package, or of a built tree.
 fs::path PackageFolder() {
   const fs::path libraries =
       LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path();
-  const std::array<fs::path, 2> places{libraries / BRENVOLT_PYTHON_PACKAGES,
+  const std::array<fs::path, 3> places{libraries / BRENVOLT_PYTHON_PACKAGES, libraries / kDebianPackages,
                                        libraries.parent_path() / "python"};
   std::error_code ignored;
   for (const fs::path& place : places) {

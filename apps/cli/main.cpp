@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "apps/base/example_files.h"
+#include "apps/base/option_table.h"
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
@@ -96,7 +98,7 @@ std::string Complaint(const CLI::App& program, const CLI::ParseError& error) {
 int Run(int argc, char** argv) {
   CLI::App program("Fits probability distributions to data, ranks the fits, and simulates data from them.");
   program.name(brenvolt::cli::kProgram);
-  program.set_version_flag("--version", BRENVOLT_VERSION);
+  brenvolt::AddProgramFlags(program);
   program.require_subcommand(1);
   program.footer("brenvolt COMMAND --help gives details and an example." + kExitStatuses);
   brenvolt::cli::AddFitCommand(program);
@@ -111,7 +113,7 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddMacroCommand(program);
   brenvolt::cli::AddTypelibCommand(program);
   for (CLI::App* command : program.get_subcommands({}))
-    command->footer(command->get_footer() + kExitStatuses);
+    command->footer(brenvolt::WithInstalledExamples(command->get_footer()) + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);
   try {
     program.parse(Arguments(argc, argv));

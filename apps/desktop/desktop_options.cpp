@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <string>
 
+#include "apps/base/option_table.h"
+
 namespace brenvolt::desktop {
 namespace {
 
@@ -15,7 +17,7 @@ std::optional<StartOptions> ReadOptions(int argc, char** argv, int& status) {
   StartOptions options;
   CLI::App program("Fits distributions to data, simulates and profiles, in a window.");
   program.name("brenvolt-desktop");
-  program.set_version_flag("--version", BRENVOLT_VERSION);
+  AddProgramFlags(program);
   program.add_option("file", options.file, "a project (.bvw) or a file of data to open")
       ->option_text("FILE")
       ->check(CLI::ExistingFile);

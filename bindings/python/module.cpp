@@ -2,9 +2,14 @@
 // beside it, brenvolt/.
 #include "bindings/python/module.h"
 
+#include "apps/base/version.h"
+
 PYBIND11_MODULE(_brenvolt, module) {
   module.doc() = "The host of Brenvolt Distributions & Simulation; use the package brenvolt.";
   module.attr("__version__") = BRENVOLT_VERSION;
+  module.def(
+      "version_text", [] { return brenvolt::VersionText("brenvolt"); },
+      "What brenvolt --version says: version, commit, compiler, instruction set, libraries.");
   brenvolt::python::BindErrors(module);
   brenvolt::python::BindSheets(module);
   brenvolt::python::BindDistributions(module);

@@ -13,6 +13,8 @@ _Path = str | os.PathLike
 __version__: str
 NotSet: float
 
+def version_text() -> str: ...
+
 class Variable:
     name: str
     missing_code: float

@@ -1,0 +1,61 @@
+# Debian packages, made by CPack of the installed components; tools/packages calls it. packaging/finish_packages.cmake
+# puts right what Debian keeps elsewhere than an installation by hand.
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME brenvolt)
+set(BRENVOLT_MAINTAINER "Brenvolt Developers <brenvolt@packages.invalid>" CACHE STRING "Name and address in Debian packages")
+set(CPACK_PACKAGE_CONTACT ${BRENVOLT_MAINTAINER})
+set(CPACK_SOURCE_FOLDER ${PROJECT_SOURCE_DIR})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "fits distributions, simulates correlated data, profiles models")
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ
+                                                WORLD_EXECUTE)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/finish_packages.cmake)
+
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
+set(CPACK_DEBIAN_PACKAGE_SECTION math)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/lib)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(same_version "brenvolt (= ${PROJECT_VERSION}-1)")
+
+# debian_package(COMPONENT NAME SECTION "DEPENDS" "SUMMARY"): the summary begins in lower case, as Debian's do.
+function(debian_package component name section depends summary)
+  string(TOUPPER ${component} key)
+  foreach(setting IN ITEMS PACKAGE_NAME=${name} PACKAGE_SECTION=${section} "PACKAGE_DEPENDS=${depends}")
+    string(REGEX MATCH "^([A-Z_]+)=(.*)$" parts "${setting}")
+    set(CPACK_DEBIAN_${key}_${CMAKE_MATCH_1} "${CMAKE_MATCH_2}" PARENT_SCOPE)
+  endforeach()
+  set(CPACK_COMPONENT_${key}_DESCRIPTION "${summary}\nBrenvolt fits probability distributions to the variables of a data\nfile, tests and ranks the fits, simulates data with their\ncorrelations, and profiles the predictions of models." PARENT_SCOPE)
+  set(CPACK_COMPONENTS_ALL ${CPACK_COMPONENTS_ALL} ${component} PARENT_SCOPE)
+endfunction()
+
+set(CPACK_COMPONENTS_ALL)
+debian_package(command brenvolt math "" "fits distributions to data and simulates, by command")
+debian_package(documents brenvolt-doc doc "" "documentation of Brenvolt")
+debian_package(development libbrenvolt-dev libdevel "${same_version}, libboost-dev, nlohmann-json3-dev" "headers of Brenvolt's library")
+if(TARGET drawing)
+  debian_package(drawing brenvolt-drawing math "${same_version}" "draws the pictures of Brenvolt")
+  set(CPACK_DEBIAN_COMMAND_PACKAGE_RECOMMENDS brenvolt-drawing)
+endif()
+if(TARGET desktop)
+  debian_package(window brenvolt-desktop math "${same_version}" "window of Brenvolt")
+  set(CPACK_DEBIAN_WINDOW_PACKAGE_RECOMMENDS "brenvolt-drawing, python3-brenvolt")
+endif()
+if(BRENVOLT_PYTHON)
+  math(EXPR next_python "${Python3_VERSION_MINOR} + 1")
+  debian_package(python python3-brenvolt python
+    "${same_version}, python3 (>= 3.${Python3_VERSION_MINOR}), python3 (<< 3.${next_python}), python3-numpy, python3-pandas"
+    "Python package of Brenvolt, and its macros")
+  set(CPACK_DEBIAN_COMMAND_PACKAGE_SUGGESTS python3-brenvolt)
+endif()
+set(CPACK_DEBIAN_DOCUMENTS_PACKAGE_ARCHITECTURE all)
+# Who links the library depends on its package, and the loader's cache hears of it.
+file(WRITE ${PROJECT_BINARY_DIR}/generated/shlibs "libbrenvolt 0 brenvolt (>= ${PROJECT_VERSION})\n")
+file(WRITE ${PROJECT_BINARY_DIR}/generated/triggers "activate-noawait ldconfig\n")
+set(CPACK_DEBIAN_COMMAND_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/generated/shlibs
+                                               ${PROJECT_BINARY_DIR}/generated/triggers)
+set(CPACK_DEBIAN_DRAWING_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/generated/triggers)
+include(CPack)
