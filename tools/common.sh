@@ -1,6 +1,7 @@
-# Shared parts of ./run and ./test: packages, configuration and build. To be sourced; leaves the shell in the tree's
+# Shared parts of ./run, ./test and tools/packages: packages, configuration and build. To be sourced; leaves the shell in the tree's
 # root with errors fatal. Nothing here is done a second time: what is installed and built is found so at once.
 set -euo pipefail
+script=$(readlink -f "$0")
 root=$(cd "$(dirname "$(readlink -f "${BASH_SOURCE[0]}")")/.." && pwd)
 cd "$root"
 
@@ -11,21 +12,23 @@ Fail() {
   exit 1
 }
 
-# The names in packages.txt that are not installed, one per line.
+# MissingPackages LIST...: the names in the lists that are not installed, one per line.
 MissingPackages() {
   local names
-  mapfile -t names < <(grep -oE '^[a-z0-9][a-z0-9.+-]*' packages.txt)
+  mapfile -t names < <(grep -ohE '^[a-z0-9][a-z0-9.+-]*' "$@")
   comm -23 <(printf '%s\n' "${names[@]}" | sort -u) \
     <(dpkg-query -W -f '${db:Status-Status} ${Package}\n' "${names[@]}" 2>/dev/null | sed -n 's/^installed //p' | sort -u)
 }
 
+# InstallPackages [LIST...]: those of packages.txt, if no list is named.
 InstallPackages() {
+  [[ $# -gt 0 ]] || set -- packages.txt
   if ! command -v dpkg-query >/dev/null; then
-    Say "no dpkg on this system: taking the packages named in packages.txt for installed"
+    Say "no dpkg on this system: taking the packages named in $* for installed"
     return
   fi
   local missing asRoot=()
-  mapfile -t missing < <(MissingPackages)
+  mapfile -t missing < <(MissingPackages "$@")
   [[ ${#missing[@]} -gt 0 ]] || return 0
   if [[ $(id -u) -ne 0 ]]; then
     command -v sudo >/dev/null ||
@@ -46,7 +49,7 @@ ContinueAsOwner() {
   if [[ -d build ]]; then
     find build ! -user "$SUDO_USER" -exec chown -h "$SUDO_USER:" {} +
   fi
-  exec sudo -H -u "$SUDO_USER" -- "$root/$(basename "$0")" "$@"
+  exec sudo -H -u "$SUDO_USER" -- "$script" "$@"
 }
 
 # Build TARGET...: brings the targets (everything, if none is named) up to date in build/.
