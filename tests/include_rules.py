@@ -184,8 +184,12 @@ def reachable(folders):
 
 
 def is_beside(path, folder):
-    """A test may include what lies beside its subject in the same part of the tree."""
-    return is_test(path) and folder.split("/")[:2] == path.split("/")[:2]
+    """A test may include what lies beside its subject in the same part of the tree; one of a dialog, also the folder that
+    opens all dialogs."""
+    if not is_test(path):
+        return False
+    opens_dialog = folder == "brv_sra/module" and "/dialogs/" in path and path.startswith("brv_sra/")
+    return opens_dialog or folder.split("/")[:2] == path.split("/")[:2]
 
 
 def fault(path, target):
@@ -326,6 +330,9 @@ SELF_TESTS = (
     ("brv_sra/module/f.cpp", '"brv_sra/fitting/dialogs/fit_dialog.h"', None),
     ("brv_sra/frame/f.h", '"brv_sra/fitting/estimation.h"', "brv_sra/fitting"),
     ("brv_sra/frame/f.cpp", '"brv_sra/module/start.h"', "brv_sra/module"),
+    ("brv_sra/fitting/dialogs/fit_dialog.cpp", '"brv_sra/module/start.h"', "brv_sra/module"),
+    ("brv_sra/fitting/dialogs/fit_dialog_test.cpp", '"brv_sra/module/start.h"', None),
+    ("brv_sra/fitting/estimation_test.cpp", '"brv_sra/module/start.h"', "brv_sra/module"),
     ("apps/cli/a.cpp", '"host/application/b.h"', None),
     ("apps/cli/a.cpp", "<CLI/CLI.hpp>", None),
     ("apps/cli/a.cpp", "<unistd.h>", "<unistd.h>: system header"),

@@ -7,21 +7,21 @@
 #include <span>
 #include <string_view>
 
+#include "brv_sra/frame/analysis_services.h"
 #include "brv_sra/frame/loaded_module.h"
-#include "brv_sra/frame/simulation_and_risk.h"
 #include "host/analysis/dialog_automation.h"
 
 namespace brenvolt::sra {
 
 class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
  public:
-  CSimulationAndRiskModelessDialog(CSimulationAndRisk& analysis, const DialogTemplate& source)
+  CSimulationAndRiskModelessDialog(AnalysisServices& analysis, const DialogTemplate& source)
       : CAnalysisModelessDialog(analysis, source), analysis_(analysis) {}
   ~CSimulationAndRiskModelessDialog() override {
     if (automation_ != nullptr) automation_->DialogClosed();
   }
 
-  CSimulationAndRisk& SimulationAndRisk() const { return analysis_; }
+  AnalysisServices& Services() const { return analysis_; }
   std::shared_ptr<AutomationObject> AutomationInterface() override { return automation_; }
 
  protected:
@@ -38,20 +38,20 @@ class CSimulationAndRiskModelessDialog : public CAnalysisModelessDialog {
   bool Attempt(const std::function<void()>& action) const;
 
  private:
-  CSimulationAndRisk& analysis_;
+  AnalysisServices& analysis_;
   std::shared_ptr<DialogAutomationBase> automation_;
 };
 
 // The same over the host's modal dialog, for sub-editors.
 class CSimulationAndRiskModalDialog : public CAnalysisModalDialog {
  public:
-  CSimulationAndRiskModalDialog(CSimulationAndRisk& analysis, const DialogTemplate& source)
+  CSimulationAndRiskModalDialog(AnalysisServices& analysis, const DialogTemplate& source)
       : CAnalysisModalDialog(analysis, source), analysis_(analysis) {}
 
-  CSimulationAndRisk& SimulationAndRisk() const { return analysis_; }
+  AnalysisServices& Services() const { return analysis_; }
 
  private:
-  CSimulationAndRisk& analysis_;
+  AnalysisServices& analysis_;
 };
 
 }  // namespace brenvolt::sra

@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 
 #include "brv_sra/frame/loaded_module.h"
-#include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/module/fitted_distribution_list.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/analysis_dialog.h"

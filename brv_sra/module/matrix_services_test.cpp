@@ -4,9 +4,9 @@
 #include <cmath>
 
 #include "brv_sra/fitting/fit_state.h"
-#include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/dialog_automation.h"
 #include "host/analysis/ports/headless_user_interface.h"

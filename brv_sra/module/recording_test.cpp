@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "brv_sra/fitting/dialogs/fit_options_dialog.h"
-#include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/resources/design_editor_templates.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_dialog.h"

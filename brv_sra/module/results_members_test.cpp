@@ -5,8 +5,8 @@
 #include <functional>
 #include <map>
 
-#include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/simulation/simulation_state.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/analysis/ports/headless_user_interface.h"

@@ -1,4 +1,4 @@
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/module/simulation_and_risk.h"
 
 #include <new>
 
@@ -6,10 +6,11 @@
 #include "brv_sra/fitting/dialogs/fit_results_dialog.h"
 #include "brv_sra/fitting/fit_state.h"
 #include "brv_sra/frame/loaded_module.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/module/define_task_dialog.h"
+#include "brv_sra/module/sequence_table.h"
 #include "brv_sra/module/simulation_startup_dialog.h"
 #include "brv_sra/profiler/dialogs/profiler_dialog.h"
 #include "brv_sra/profiler/profiler_state.h"
@@ -40,7 +41,7 @@ std::int32_t OpenDialog(CSimulationAndRisk& analysis) {
 }  // namespace
 
 CSimulationAndRisk::CSimulationAndRisk(CAnalysisDoc* document)
-    : CAnalysisSupport(document, ModuleContext()),
+    : AnalysisServices(document, ModuleContext()),
       fit_(std::make_unique<FitState>()),
       matrix_(std::make_unique<MatrixState>()),
       simulation_(std::make_unique<SimulationState>()),

@@ -1,6 +1,6 @@
 #include "brv_sra/module/simulation_startup_dialog.h"
 
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/module_type_library.h"
 

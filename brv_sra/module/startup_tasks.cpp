@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 
@@ -37,22 +37,21 @@ std::int32_t LastTask() {
 }
 
 void CTaskDialog::OnInitDialog() {
-  SimulationAndRisk().EnableStartupMenus(true);
+  analysis_.EnableStartupMenus(true);
 }
 
 void CTaskDialog::StartTask(const StartupTask& task, std::int32_t step) {
-  CSimulationAndRisk& analysis = SimulationAndRisk();
-  former_ = {lastTask, analysis.StartupMenusEnabled(), analysis.CaseSelectionEnabled()};
+  former_ = {lastTask, analysis_.StartupMenusEnabled(), analysis_.CaseSelectionEnabled()};
   lastTask = task.command;
-  analysis.EnableStartupMenus(false);
-  analysis.EnableCaseSettings(!task.ignoresCaseSettings);
-  analysis.RequestStep(step);
+  analysis_.EnableStartupMenus(false);
+  analysis_.EnableCaseSettings(!task.ignoresCaseSettings);
+  analysis_.RequestStep(step);
 }
 
 void CTaskDialog::OnStepRefused() {
   lastTask = former_.lastTask;
-  SimulationAndRisk().EnableStartupMenus(former_.startupMenus);
-  SimulationAndRisk().EnableCaseSettings(former_.caseSettings);
+  analysis_.EnableStartupMenus(former_.startupMenus);
+  analysis_.EnableCaseSettings(former_.caseSettings);
 }
 
 }  // namespace brenvolt::sra

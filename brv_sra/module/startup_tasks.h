@@ -5,6 +5,7 @@
 #include <span>
 
 #include "brv_sra/frame/dialog_base.h"
+#include "brv_sra/module/simulation_and_risk.h"
 
 namespace brenvolt::sra {
 
@@ -28,9 +29,11 @@ std::int32_t LastTask();
 // A dialog that starts tasks.
 class CTaskDialog : public CSimulationAndRiskModelessDialog {
  public:
-  using CSimulationAndRiskModelessDialog::CSimulationAndRiskModelessDialog;
+  CTaskDialog(CSimulationAndRisk& analysis, const DialogTemplate& source)
+      : CSimulationAndRiskModelessDialog(analysis, source), analysis_(analysis) {}
 
  protected:
+  CSimulationAndRisk& SimulationAndRisk() const { return analysis_; }
   // Switches the host's startup menus on.
   void OnInitDialog() override;
   // Remembers the task, switches the host's startup menus off, its case selection and weights on or off as the
@@ -44,6 +47,7 @@ class CTaskDialog : public CSimulationAndRiskModelessDialog {
     bool startupMenus = true;
     bool caseSettings = true;
   };
+  CSimulationAndRisk& analysis_;
   Settings former_;  // before the task that was started last
 };
 

@@ -245,7 +245,7 @@ static_assert(Binds(kFitDistributionInterface, kMembers));
 
 }  // namespace
 
-CFitDistribution::CFitDistribution(CSimulationAndRisk& analysis)
+CFitDistribution::CFitDistribution(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, FitDistributionTemplate()) {
   EnableAutomation<CFitDistribution>(kFitDistributionInterface, "CFitDistribution", kMembers);
 }

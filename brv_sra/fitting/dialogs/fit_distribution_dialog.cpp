@@ -15,7 +15,7 @@
 #include "brv_sra/fitting/fit_run.h"
 #include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
@@ -125,16 +125,16 @@ void CFitDistribution::OnControlChanged(std::int32_t number) {
 }
 
 bool CFitDistribution::EditOptions() {
-  FitOptionsModalDlg options(SimulationAndRisk());
+  FitOptionsModalDlg options(Services());
   options.DoModal();
   return true;
 }
 
 // A new input has a specification of its own. A person who does not want to fit it has no use for the dialog.
 bool CFitDistribution::OpenData() {
-  if (!SimulationAndRisk().OpenData()) return false;
+  if (!Services().OpenData()) return false;
   OnInitDialog();
-  if (!SimulationAndRisk().MayFitInput()) GoBack();
+  if (!Services().MayFitInput()) GoBack();
   return true;
 }
 
@@ -383,7 +383,7 @@ bool CFitDistribution::RunAndKeepResults() {
   CaseCounts cases;
   if (!Run(results, cases)) return false;
   TakeOverMixturesOf(results);
-  FitState& state = SimulationAndRisk().Fit();
+  FitState& state = Services().Fit();
   state.committed = state.specification;
   state.cases = cases;
   state.results = std::move(results);

@@ -13,7 +13,7 @@ namespace brenvolt::sra {
 
 class CFitDistribution : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CFitDistribution(CSimulationAndRisk& analysis);
+  explicit CFitDistribution(AnalysisServices& analysis);
 
   // Operations of automation, each as the person's own action. They throw Error for what the dialog refuses,
   // and then nothing has changed.
@@ -28,8 +28,8 @@ class CFitDistribution : public CSimulationAndRiskModelessDialog {
   int ShownContinuousVariable() const { return shownContinuous_ + 1; }
   int ShownDiscreteVariable() const { return shownDiscrete_ + 1; }
 
-  FitSpecification& Specification() { return SimulationAndRisk().Fit().specification; }
-  const FitSpecification& Specification() const { return SimulationAndRisk().Fit().specification; }
+  FitSpecification& Specification() { return Services().Fit().specification; }
+  const FitSpecification& Specification() const { return Services().Fit().specification; }
 
  protected:
   void OnInitDialog() override;

@@ -33,11 +33,11 @@ constexpr std::array<Choice<ChiSquareBinning>, 2> kBinnings{{
 
 }  // namespace
 
-FitOptionsModalDlg::FitOptionsModalDlg(CSimulationAndRisk& analysis)
+FitOptionsModalDlg::FitOptionsModalDlg(AnalysisServices& analysis)
     : CSimulationAndRiskModalDialog(analysis, FitOptionsTemplate()) {}
 
 void FitOptionsModalDlg::OnInitDialog() {
-  const FitSpecification& specification = SimulationAndRisk().Fit().specification;
+  const FitSpecification& specification = Services().Fit().specification;
   const auto show = [&](const auto& choices) {
     for (const auto& choice : choices) {
       if (specification.*choice.field == choice.value) Controls().SetChecked(choice.control, true);
@@ -48,7 +48,7 @@ void FitOptionsModalDlg::OnInitDialog() {
 }
 
 void FitOptionsModalDlg::OnControlChanged(std::int32_t number) {
-  FitSpecification& specification = SimulationAndRisk().Fit().specification;
+  FitSpecification& specification = Services().Fit().specification;
   const auto take = [&](const auto& choices) {
     for (const auto& choice : choices) {
       if (choice.control == number && Controls().IsChecked(number))

@@ -10,7 +10,7 @@ namespace brenvolt::sra {
 
 class FitOptionsModalDlg : public CSimulationAndRiskModalDialog {
  public:
-  explicit FitOptionsModalDlg(CSimulationAndRisk& analysis);
+  explicit FitOptionsModalDlg(AnalysisServices& analysis);
 
  protected:
   void OnInitDialog() override;

@@ -271,7 +271,7 @@ static_assert(Binds(kFitDistributionResultsInterface, kMembers));
 
 }  // namespace
 
-CFitDistributionResults::CFitDistributionResults(CSimulationAndRisk& analysis)
+CFitDistributionResults::CFitDistributionResults(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, FitResultsTemplate()) {
   EnableAutomation<CFitDistributionResults>(kFitDistributionResultsInterface, "CFitDistributionResults",
                                             kMembers);

@@ -12,7 +12,7 @@
 #include "brv_sra/fitting/save_settings.h"
 #include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -378,7 +378,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
   auto correlations = ShowCorrelations(saved);
   // A simulation of the same input goes on with them.
   if (correlations->HasTable()) {
-    SimulationAndRisk().Matrix().saved =
+    Services().Matrix().saved =
         ValueOrThrow(ReadMatrixFile(correlations->Table(), {.useCaseSelection = false, .isCancelled = {}}));
   }
   return correlations;

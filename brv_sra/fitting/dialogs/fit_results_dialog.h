@@ -25,9 +25,9 @@ namespace brenvolt::sra {
 
 class CFitDistributionResults : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CFitDistributionResults(CSimulationAndRisk& analysis);
+  explicit CFitDistributionResults(AnalysisServices& analysis);
 
-  FitState& Results() const { return SimulationAndRisk().Fit(); }
+  FitState& Results() const { return Services().Fit(); }
   // The variable at a place among the results, from 1. Throws Error if there is none.
   VariableFit& VariableAt(int place) const;
   // The variables of the Quick and of the Save/plot tab.

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "brv_sra/fitting/fit_state.h"
-#include "brv_sra/frame/sequence_table.h"
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_dialog.h"
 #include "host/analysis/ports/headless_user_interface.h"

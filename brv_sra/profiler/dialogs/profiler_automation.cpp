@@ -221,7 +221,7 @@ static_assert(Binds(kSimulationProfilerInterface, kMembers));
 
 }  // namespace
 
-CSimulationProfiler::CSimulationProfiler(CSimulationAndRisk& analysis)
+CSimulationProfiler::CSimulationProfiler(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, ProfilerTemplate()), predictors_(*this, Design()) {
   EnableAutomation<CSimulationProfiler>(kSimulationProfilerInterface, "CSimulationProfiler", kMembers);
 }

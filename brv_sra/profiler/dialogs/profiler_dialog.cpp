@@ -9,7 +9,7 @@
 
 #include "brv_sra/frame/captioned_progress.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
 #include "brv_sra/profiler/dialogs/defect_documents.h"
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
@@ -56,9 +56,9 @@ ProfilerDependent& CSimulationProfiler::Selected() const {
 }
 
 void CSimulationProfiler::OnInitDialog() {
-  State().mode = SimulationAndRisk().AutoProfiler() ? ProfilerMode::kFormulas : ProfilerMode::kModels;
+  State().mode = Services().AutoProfiler() ? ProfilerMode::kFormulas : ProfilerMode::kModels;
   const bool formulas = State().mode == ProfilerMode::kFormulas;
-  if (!formulas) SimulationAndRisk().UpdateFromInputSpreadsheet();
+  if (!formulas) Services().UpdateFromInputSpreadsheet();
   for (const std::int32_t control : {kFormula, kSetFormula, kUndoFormula}) Controls().Show(control, formulas);
   Controls().Show(kModel, !formulas);
   Controls().Enable(kOptions, false);  // those of the host, which has none for this dialog

@@ -27,9 +27,9 @@ namespace brenvolt::sra {
 
 class CSimulationProfiler : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CSimulationProfiler(CSimulationAndRisk& analysis);
+  explicit CSimulationProfiler(AnalysisServices& analysis);
 
-  ProfilerState& State() const { return SimulationAndRisk().Profiler(); }
+  ProfilerState& State() const { return Services().Profiler(); }
   ProfilerDesign& Design() const { return State().design; }
   // The dependent that is edited and shown. Throws Error if there is none.
   ProfilerDependent& Selected() const;

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <functional>
 
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "brv_sra/matrix/matrix_state.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/profiler/dialogs/profiler_specification.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/ports/headless_user_interface.h"

@@ -173,7 +173,7 @@ static_assert(Binds(kDesignSimulationInterface, kMembers));
 
 }  // namespace
 
-CDesignSimulation::CDesignSimulation(CSimulationAndRisk& analysis)
+CDesignSimulation::CDesignSimulation(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, DesignTemplate()) {
   EnableAutomation<CDesignSimulation>(kDesignSimulationInterface, "CDesignSimulation", kMembers);
 }

@@ -45,7 +45,7 @@ struct Participants {
 
 }  // namespace
 
-DesignSimCorrelationParamsModalDlg::DesignSimCorrelationParamsModalDlg(CSimulationAndRisk& analysis,
+DesignSimCorrelationParamsModalDlg::DesignSimCorrelationParamsModalDlg(AnalysisServices& analysis,
                                                                        DesignState& design)
     : CSimulationAndRiskModalDialog(analysis, DesignCorrelationsTemplate()),
       target_(design),

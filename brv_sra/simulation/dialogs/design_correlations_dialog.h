@@ -15,7 +15,7 @@ namespace brenvolt::sra {
 class DesignSimCorrelationParamsModalDlg : public CSimulationAndRiskModalDialog {
  public:
   // The design must outlive the dialog; OK writes into it.
-  DesignSimCorrelationParamsModalDlg(CSimulationAndRisk& analysis, DesignState& design);
+  DesignSimCorrelationParamsModalDlg(AnalysisServices& analysis, DesignState& design);
 
  protected:
   void OnInitDialog() override;

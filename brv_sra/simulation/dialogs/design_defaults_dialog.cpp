@@ -43,7 +43,7 @@ std::string DesignLine(const DesignedVariable& variable, ParameterSource source)
   return name + SpecificationText(shown);
 }
 
-DesignSimDefaultDistributionsModalDlg::DesignSimDefaultDistributionsModalDlg(CSimulationAndRisk& analysis,
+DesignSimDefaultDistributionsModalDlg::DesignSimDefaultDistributionsModalDlg(AnalysisServices& analysis,
                                                                              DesignState& design)
     : CSimulationAndRiskModalDialog(analysis, DesignDefaultsTemplate()), target_(design), edited_(design) {}
 

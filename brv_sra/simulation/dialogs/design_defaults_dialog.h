@@ -16,7 +16,7 @@ std::string DesignLine(const DesignedVariable& variable, ParameterSource source)
 class DesignSimDefaultDistributionsModalDlg : public CSimulationAndRiskModalDialog {
  public:
   // The design must outlive the dialog and have a variable; OK writes into it.
-  DesignSimDefaultDistributionsModalDlg(CSimulationAndRisk& analysis, DesignState& design);
+  DesignSimDefaultDistributionsModalDlg(AnalysisServices& analysis, DesignState& design);
 
  protected:
   void OnInitDialog() override;

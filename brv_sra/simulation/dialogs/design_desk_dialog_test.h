@@ -8,7 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/simulation/dialogs/design_dialog.h"
 #include "host/analysis/ports/headless_user_interface.h"

@@ -8,7 +8,7 @@
 #include "brv_sra/frame/attached_input.h"
 #include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -89,7 +89,7 @@ DesignedVariable& CDesignSimulation::VariableAt(std::int32_t place) const {
 // distributions that they carry in the former one.
 void CDesignSimulation::OnInitDialog() {
   Spreadsheet* const former = GetInputTable();
-  SimulationAndRisk().ValidateOrDesignInputMatrixFile();
+  Services().ValidateOrDesignInputMatrixFile();
   ReadInput();
   if (former != nullptr && former != GetInputTable()) ReadFitted(*former);
   Controls().SetChecked(kUseFitted, Design().source == ParameterSource::kFitted);
@@ -102,7 +102,7 @@ void CDesignSimulation::ReadInput() {
   if (input == nullptr) return;
   SetDesignVariables(Design(), NumericVariables(*input));
   ReadFitted(*input);
-  const MatrixState& matrix = SimulationAndRisk().Matrix();
+  const MatrixState& matrix = Services().Matrix();
   if (matrix.attached) {
     TakeMatrix(matrix.file, Design());
   } else {
@@ -114,7 +114,7 @@ void CDesignSimulation::ReadInput() {
 // from the distributions, which may change here. A matrix that is not valid is told and not taken.
 void CDesignSimulation::TakeKeptCorrelations() {
   Attempt([this] {
-    if (const auto kept = KeptMatrix(SimulationAndRisk())) TakeCorrelations(*kept, Design());
+    if (const auto kept = KeptMatrix(Services())) TakeCorrelations(*kept, Design());
   });
 }
 
@@ -175,9 +175,9 @@ void CDesignSimulation::SaveToInput() {
   Spreadsheet& input = *GetInputTable();
   SheetPropertyStore store = PropertiesOf(input);
   SaveDesign(store, VariableNames(input), Design());
-  if (!SimulationAndRisk().Matrix().attached) return;
+  if (!Services().Matrix().attached) return;
   WriteIntoMatrix(Design(), input);
-  SimulationAndRisk().ValidateInputMatrixFile();
+  Services().ValidateInputMatrixFile();
 }
 
 std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
@@ -185,7 +185,7 @@ std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
   const MatrixFile file = MatrixOf(Design());
   const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file));
   Present(document);
-  SimulationAndRisk().Matrix().saved = file;
+  Services().Matrix().saved = file;
   return document;
 }
 
@@ -254,18 +254,18 @@ void CDesignSimulation::TakeOwn(DesignedVariable& variable, DistributionSpecific
 template <class Editor>
 bool CDesignSimulation::EditDistribution() {
   DesignedVariable& variable = *Highlighted();
-  Editor editor(SimulationAndRisk(), variable.name, SimulatedFrom(variable, Design().source));
+  Editor editor(Services(), variable.name, SimulatedFrom(variable, Design().source));
   if (!editor.DoModal()) return false;
   TakeOwn(variable, editor.Entered());
   return true;
 }
 
 bool CDesignSimulation::EditCorrelations() {
-  return DesignSimCorrelationParamsModalDlg(SimulationAndRisk(), Design()).DoModal();
+  return DesignSimCorrelationParamsModalDlg(Services(), Design()).DoModal();
 }
 
 bool CDesignSimulation::EditDefaults() {
-  if (!DesignSimDefaultDistributionsModalDlg(SimulationAndRisk(), Design()).DoModal()) return false;
+  if (!DesignSimDefaultDistributionsModalDlg(Services(), Design()).DoModal()) return false;
   Controls().SetChecked(kUseFitted, Design().source == ParameterSource::kFitted);
   ShowVariables();
   return true;
@@ -306,10 +306,10 @@ bool CDesignSimulation::AskForVariables() {
 bool CDesignSimulation::OnOk() {
   const bool saved = Attempt([this] {
     SaveToInput();
-    SimulationAndRisk().Matrix().saved = MatrixOf(Design());
+    Services().Matrix().saved = MatrixOf(Design());
   });
   if (!saved) return false;
-  SimulationOptions& options = SimulationAndRisk().Simulation().options;
+  SimulationOptions& options = Services().Simulation().options;
   options.source = Design().source;
   options.variables.clear();
   options.excluded.clear();

@@ -20,9 +20,9 @@ namespace brenvolt::sra {
 
 class CDesignSimulation : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CDesignSimulation(CSimulationAndRisk& analysis);
+  explicit CDesignSimulation(AnalysisServices& analysis);
 
-  DesignState& Design() const { return SimulationAndRisk().Simulation().design; }
+  DesignState& Design() const { return Services().Simulation().design; }
   // The variable at a place in the design, from 1. Throws Error if there is none.
   DesignedVariable& VariableAt(std::int32_t place) const;
 

@@ -16,8 +16,7 @@ constexpr DistributionControls kFields{kParameter, kParameterLabel, 5,       kMi
 
 }  // namespace
 
-DesignSimDistributionModalDlg::DesignSimDistributionModalDlg(CSimulationAndRisk& analysis,
-                                                             std::string variable,
+DesignSimDistributionModalDlg::DesignSimDistributionModalDlg(AnalysisServices& analysis, std::string variable,
                                                              const DistributionSpecification* start)
     : EnteredDistributionDialog(analysis, DesignDistributionTemplate(), std::move(variable), start, kFields) {
 }

@@ -9,7 +9,7 @@ namespace brenvolt::sra {
 
 class DesignSimDistributionModalDlg : public EnteredDistributionDialog {
  public:
-  DesignSimDistributionModalDlg(CSimulationAndRisk& analysis, std::string variable,
+  DesignSimDistributionModalDlg(AnalysisServices& analysis, std::string variable,
                                 const DistributionSpecification* start);
 
  protected:

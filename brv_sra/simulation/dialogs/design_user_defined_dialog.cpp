@@ -42,7 +42,7 @@ std::string LineOf(DistributionCode code, std::size_t group, std::span<const dou
 
 }  // namespace
 
-DesignSimUserDefinedModalDlg::DesignSimUserDefinedModalDlg(CSimulationAndRisk& analysis, std::string variable,
+DesignSimUserDefinedModalDlg::DesignSimUserDefinedModalDlg(AnalysisServices& analysis, std::string variable,
                                                            const DistributionSpecification* start)
     : EnteredDistributionDialog(analysis, DesignUserDefinedTemplate(), std::move(variable), start, kFields) {}
 

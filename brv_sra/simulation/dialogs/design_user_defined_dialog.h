@@ -11,7 +11,7 @@ namespace brenvolt::sra {
 class DesignSimUserDefinedModalDlg : public EnteredDistributionDialog {
  public:
   // A start that is not user-defined counts as none.
-  DesignSimUserDefinedModalDlg(CSimulationAndRisk& analysis, std::string variable,
+  DesignSimUserDefinedModalDlg(AnalysisServices& analysis, std::string variable,
                                const DistributionSpecification* start);
 
  protected:

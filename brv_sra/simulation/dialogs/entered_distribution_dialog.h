@@ -18,7 +18,7 @@ class EnteredDistributionDialog : public CSimulationAndRiskModalDialog {
 
  protected:
   // `start` is a distribution of the variable to start from, or null; it must outlive the dialog.
-  EnteredDistributionDialog(CSimulationAndRisk& analysis, const DialogTemplate& dialog, std::string variable,
+  EnteredDistributionDialog(AnalysisServices& analysis, const DialogTemplate& dialog, std::string variable,
                             const DistributionSpecification* start, const DistributionControls& fields)
       : CSimulationAndRiskModalDialog(analysis, dialog),
         variable_(std::move(variable)),

@@ -29,7 +29,7 @@ MatrixFile ReadGivenMatrix(const Spreadsheet& sheet) {
   throw Error(std::string(ResourceString(kMsgSimulationFailedMatrix)), "sheet " + sheet.Name() + ": " + why);
 }
 
-std::optional<MatrixFile> KeptMatrix(CSimulationAndRisk& analysis) {
+std::optional<MatrixFile> KeptMatrix(AnalysisServices& analysis) {
   if (analysis.Matrix().saved) return analysis.Matrix().saved;
   const CAnalysisDoc* document = analysis.Document();
   const auto sheet = document == nullptr ? nullptr : document->FindMatrix({});

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/analysis_services.h"
 #include "brv_sra/matrix/matrix_file.h"
 #include "host/tables/spreadsheet.h"
 
@@ -19,6 +19,6 @@ MatrixFile ReadGivenMatrix(const Spreadsheet& sheet);
 
 // The matrix of an input that is no matrix file: the one that was saved with its fits or its design in this analysis, or
 // lies beside it. Throws Error if the latter is not valid.
-std::optional<MatrixFile> KeptMatrix(CSimulationAndRisk& analysis);
+std::optional<MatrixFile> KeptMatrix(AnalysisServices& analysis);
 
 }  // namespace brenvolt::sra

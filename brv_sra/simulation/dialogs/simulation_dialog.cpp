@@ -10,7 +10,7 @@
 #include "brv_sra/frame/control_members.h"
 #include "brv_sra/frame/distribution_texts.h"
 #include "brv_sra/frame/fault_message.h"
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/matrix_state.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
@@ -58,7 +58,7 @@ Variant GetSimulationResults(Dialog& dialog, Indexes) {
 }
 
 Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
-  const auto& matrix = dialog.SimulationAndRisk().Simulation().matrix;
+  const auto& matrix = dialog.Services().Simulation().matrix;
   if (!matrix) return {};
   return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(*matrix)));
 }
@@ -70,7 +70,7 @@ Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
 // For programs: it is not shown.
 Variant GetSavedFits(Dialog& dialog, Indexes) {
   if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
-  const SimulationOptions& options = dialog.SimulationAndRisk().Simulation().options;
+  const SimulationOptions& options = dialog.Services().Simulation().options;
   const auto fits =
       ValueOrThrow(SavedFits(PropertiesOf(*dialog.GetInputTable()), options.variables, options.truncate));
   return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(SavedFitsSheet(fits)));
@@ -90,7 +90,7 @@ constexpr Member Method(std::string_view name) {
 }
 
 Variant GetExcluded(Dialog& dialog, Indexes) {
-  return dialog.Analysis().dsplst(dialog.SimulationAndRisk().Simulation().options.excluded);
+  return dialog.Analysis().dsplst(dialog.Services().Simulation().options.excluded);
 }
 void PutExcluded(Dialog& dialog, Indexes, const Variant& value) {
   if (dialog.GetInputTable() == nullptr) throw Error("no input spreadsheet");
@@ -98,7 +98,7 @@ void PutExcluded(Dialog& dialog, Indexes, const Variant& value) {
 }
 
 Variant GetMatrixName(Dialog& dialog, Indexes) {
-  return dialog.SimulationAndRisk().Simulation().options.matrix;
+  return dialog.Services().Simulation().options.matrix;
 }
 void PutMatrixName(Dialog& dialog, Indexes, const Variant& value) {
   dialog.ChooseMatrix(value.ToText());
@@ -152,7 +152,7 @@ void TakeSummaries(const MatrixFile& given, MatrixFile& file) {
 
 }  // namespace
 
-CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& analysis)
+CSimulationFromDistribution::CSimulationFromDistribution(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationTemplate()) {
   EnableAutomation<CSimulationFromDistribution>(kSimulationFromDistributionInterface,
                                                 "CSimulationFromDistribution", kMembers);
@@ -160,9 +160,9 @@ CSimulationFromDistribution::CSimulationFromDistribution(CSimulationAndRisk& ana
 
 // An input that is a matrix file is the correlation matrix as well.
 void CSimulationFromDistribution::OnInitDialog() {
-  SimulationAndRisk().ValidateInputMatrixFile();
+  Services().ValidateInputMatrixFile();
   SimulationOptions& options = Options();
-  const CSimulationAndRisk::NumericDefaults& defaults = SimulationAndRisk().Defaults();
+  const AnalysisServices::NumericDefaults& defaults = Services().Defaults();
   if (options.numberOfSamples == 0) options.numberOfSamples = defaults.numberOfSamples;
   if (IsNotSet(options.seed)) options.seed = defaults.randomSeed;
   if (options.variables.empty() && GetInputTable() != nullptr) {
@@ -242,7 +242,7 @@ void CSimulationFromDistribution::TakeMatrixChoice() {
 }
 
 void CSimulationFromDistribution::ChooseMatrix(const std::string& name) {
-  SimulationState& state = SimulationAndRisk().Simulation();
+  SimulationState& state = Services().Simulation();
   if (name.empty()) {
     state.matrix.reset();
   } else {
@@ -302,7 +302,7 @@ void CSimulationFromDistribution::SelectVariables(const std::vector<std::int16_t
 }
 
 void CSimulationFromDistribution::SetCorrelationMatrix(const Spreadsheet& sheet) {
-  SimulationAndRisk().Simulation().matrix = ReadGivenMatrix(sheet);
+  Services().Simulation().matrix = ReadGivenMatrix(sheet);
   Options().matrix.clear();
   ListMatrices();
 }
@@ -317,7 +317,7 @@ bool CSimulationFromDistribution::OnOk() {
 std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationResults() {
   const Outcome outcome = ValidateAndRun();
   if (outcome == Outcome::kFailed) throw Error(kNothingSimulated);
-  return outcome == Outcome::kProduced ? SimulationAndRisk().Simulation().output : nullptr;
+  return outcome == Outcome::kProduced ? Services().Simulation().output : nullptr;
 }
 
 std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
@@ -413,17 +413,17 @@ bool CSimulationFromDistribution::ValidateSeed() {
     return true;
   }
   ShowMessage(kMsgInvalidSeed);
-  Options().seed = SimulationAndRisk().Defaults().randomSeed;
+  Options().seed = Services().Defaults().randomSeed;
   Controls().SetText(kSeed, ShortestNumber(Options().seed));
   return false;
 }
 
 const MatrixFile* CSimulationFromDistribution::CorrelationMatrix() {
-  const SimulationState& state = SimulationAndRisk().Simulation();
+  const SimulationState& state = Services().Simulation();
   if (state.matrix) return &*state.matrix;
-  const MatrixState& input = SimulationAndRisk().Matrix();
+  const MatrixState& input = Services().Matrix();
   if (input.attached) return &input.file;
-  kept_ = KeptMatrix(SimulationAndRisk());
+  kept_ = KeptMatrix(Services());
   return kept_ ? &*kept_ : nullptr;
 }
 
@@ -448,7 +448,7 @@ bool CSimulationFromDistribution::AttachCorrelations(SimulationDesign& design) {
 }
 
 CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
-  SimulationState& state = SimulationAndRisk().Simulation();
+  SimulationState& state = Services().Simulation();
   const bool updating = state.options.autoUpdate && state.output != nullptr && state.output->HasTable();
   try {
     Result<SimulationDesign> design = ReadDesign(PropertiesOf(*GetInputTable()), state.options);
@@ -471,7 +471,7 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Run() {
 }
 
 void CSimulationFromDistribution::Produce(SimulationRun run) {
-  SimulationState& state = SimulationAndRisk().Simulation();
+  SimulationState& state = Services().Simulation();
   ShowOutput(std::move(run.output));
   state.correlations = std::move(run.correlations);
   if (!state.correlations) return;
@@ -488,7 +488,7 @@ CSimulationFromDistribution::Outcome CSimulationFromDistribution::Report(const F
 // Simulated data open as a spreadsheet of their own, whatever the option says. A sheet that is refilled keeps
 // its name and its place: a front end that shows it already has it.
 void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output) {
-  SimulationState& state = SimulationAndRisk().Simulation();
+  SimulationState& state = Services().Simulation();
   if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     output->SetName(state.output->Table().Name());
     state.output->Table() = std::move(*output);
@@ -501,7 +501,7 @@ void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output
 }
 
 void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correlations) {
-  const Spreadsheet& output = SimulationAndRisk().Simulation().output->Table();
+  const Spreadsheet& output = Services().Simulation().output->Table();
   const CorrelationRepair& repair = *correlations.repair;
   MatrixFile file = MatrixFile::Identity(VariableNames(output));
   file.SetCorrelations(repair.matrix);

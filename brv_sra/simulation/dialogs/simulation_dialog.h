@@ -18,7 +18,7 @@ namespace brenvolt::sra {
 
 class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CSimulationFromDistribution(CSimulationAndRisk& analysis);
+  explicit CSimulationFromDistribution(AnalysisServices& analysis);
 
   // The variables to simulate, numbered from 1. Throws Error for one without distribution properties.
   void SelectVariables(const std::vector<std::int16_t>& variables);
@@ -50,7 +50,7 @@ class CSimulationFromDistribution : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
-  SimulationOptions& Options() { return SimulationAndRisk().Simulation().options; }
+  SimulationOptions& Options() { return Services().Simulation().options; }
   bool AskForVariables();
   bool AskForExcluded();
   // The variables that a person chooses in place of the present ones; nothing if they cancelled.

@@ -4,7 +4,8 @@
 
 #include <algorithm>
 
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 #include "brv_sra/resources/dialog_templates.h"
 #include "host/analysis/analysis_memory.h"
 #include "host/analysis/ports/headless_user_interface.h"

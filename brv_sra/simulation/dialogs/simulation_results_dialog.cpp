@@ -44,7 +44,7 @@ SimulatedCorrelations Among(const SimulatedCorrelations& whole, const std::vecto
 
 }  // namespace
 
-CSimulationResults::CSimulationResults(CSimulationAndRisk& analysis)
+CSimulationResults::CSimulationResults(AnalysisServices& analysis)
     : CSimulationAndRiskModelessDialog(analysis, SimulationResultsTemplate()) {
   EnableAutomation<CSimulationResults>(kSimulationResultsInterface, "CSimulationResults", {});
 }
@@ -58,7 +58,7 @@ std::string_view CSimulationResults::KindWithoutMeaning(std::int32_t kind) const
 }
 
 void CSimulationResults::PutResultsVariables(const Variant& variables) {
-  const auto& output = SimulationAndRisk().Simulation().output;
+  const auto& output = Services().Simulation().output;
   if (output == nullptr || !output->HasTable()) throw Error("there are no simulated data");
   variables_.clear();
   for (const std::int16_t number : VariableNumbers(variables, output->Table().VariableCount()))
@@ -72,7 +72,7 @@ bool CSimulationResults::OnOk() {
 
 // The first table is the one that is asked for.
 bool CSimulationResults::ShowSummaries() {
-  const SimulationState& state = SimulationAndRisk().Simulation();
+  const SimulationState& state = Services().Simulation();
   const auto& output = state.output;
   if (output == nullptr || !output->HasTable()) return false;
   Request().kind.reset();

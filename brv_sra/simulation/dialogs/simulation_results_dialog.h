@@ -13,7 +13,7 @@ namespace brenvolt::sra {
 
 class CSimulationResults : public CSimulationAndRiskModelessDialog {
  public:
-  explicit CSimulationResults(CSimulationAndRisk& analysis);
+  explicit CSimulationResults(AnalysisServices& analysis);
 
   // The variables are numbers of the simulated data's variables.
   std::string_view WithoutMeaning(DispatchId resultsMember) const override;

@@ -1,11 +1,10 @@
-// The sequence of the analysis: steps 100 to 108.
+// The numbers of the steps of the analysis.
 #pragma once
 
-#include "host/analysis/analysis_support.h"
+#include <cstdint>
 
-namespace brenvolt::sra {
+namespace brenvolt::sra::step {
 
-namespace step {
 inline constexpr std::int32_t kInit = 100;
 inline constexpr std::int32_t kStartup = 101;
 inline constexpr std::int32_t kFit = 102;
@@ -16,9 +15,5 @@ inline constexpr std::int32_t kSimulationFromStartup =
     106;  // the same dialog, returning to the startup dialog
 inline constexpr std::int32_t kDesign = 107;
 inline constexpr std::int32_t kProfiler = 108;
-}  // namespace step
 
-// Nine rows and a terminating all-zero row.
-const SequenceStep* SequenceTable();
-
-}  // namespace brenvolt::sra
+}  // namespace brenvolt::sra::step

@@ -1,6 +1,5 @@
 // The analysis object: the one thing that the host asks the module for. It owns what outlives a single dialog
-// and starts every dialog of the analysis through a fixed table of sequence steps. Every dialog sees the class, so that it is
-// declared here; the folder module/ defines it, as it opens all dialogs and holds the state of all.
+// and starts every dialog of the analysis through a fixed table of sequence steps. Dialogs know it as `AnalysisServices`.
 #pragma once
 
 #include <cstdint>
@@ -8,17 +7,11 @@
 #include <string>
 
 #include "brv_sra/distributions/specification.h"
-#include "host/analysis/analysis_support.h"
-#include "host/base/export.h"
+#include "brv_sra/frame/analysis_services.h"
 
 namespace brenvolt::sra {
 
-struct FitState;
-struct MatrixState;
-struct ProfilerState;
-struct SimulationState;
-
-class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
+class BRENVOLT_EXPORT CSimulationAndRisk : public AnalysisServices {
  public:
   // `document` may be null.
   explicit CSimulationAndRisk(CAnalysisDoc* document);
@@ -44,46 +37,17 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   std::int32_t SimulationResultsDialog();
   std::int32_t SimulationProfilerDialog();
 
-  // The correlation matrix file; each returns nonzero for success.
+  // More of the correlation matrix file; each returns nonzero for success.
   //
-  // Checks the input as a matrix file and reads it; shows a message for a fault. `parent` is the window that
-  // asks. If it fails, no matrix file is attached and no values are kept.
-  std::int32_t ValidateInputMatrixFile(WindowHandle parent = nullptr);
-  // The same, then the names of its variables; for an input that is not a valid matrix file, asks whether to
-  // create one, except under automation.
-  std::int32_t ValidateOrDesignInputMatrixFile();
   // Makes a matrix of uncorrelated variables, shows it, and attaches it as the input. The person chooses the
   // variables from the input's; under automation they are those of Matrix().variables.
   std::int32_t CreateAndAttachCorrelationInputFile();
-  // Reads number and names of variables of the input, which is a matrix file or data; 0 without an input. Of a
-  // spreadsheet they are those that are selected for fitting, continuous ones first, and for simulation; all where none
-  // is. Nothing is read, and the answer is 1, while the profiler works with formulas.
+  // Reads number and names of the input's variables; 0 without an input. Nothing is read, and the answer is 1, while the
+  // profiler works with formulas.
   std::int32_t UpdateFromInputMatrixFile();
-  std::int32_t UpdateFromInputSpreadsheet();
   // Whether the matrix last validated is symmetric, exactly, with a diagonal of exactly 1.
   std::int32_t IsCorrelationMatrixSymmetric();
 
-  // Lets the person choose a data file, which becomes the input; what was specified for the previous input is
-  // forgotten. False, and nothing changed, when the person cancelled or the file could not be read: a message
-  // has then said why.
-  bool OpenData();
-  // A matrix file can be fitted like other data, which is seldom meant: if the input is one, asks. False
-  // when the person decides against it.
-  bool MayFitInput() const;
-
-  // Defaults of numeric settings; everything around them starts at zero. The contract prescribes all of them, also those
-  // that nothing reads.
-  struct NumericDefaults {
-    std::int32_t reservedCount = 0;
-    std::int32_t numberOfSamples = 100;
-    double randomSeed = 1000.0;
-    std::int32_t textLength = 256;
-    const void* reservedPointer = nullptr;
-  };
-  const NumericDefaults& Defaults() const { return defaults_; }
-
-  // The startup dialog's "AutoProfiler" choice, read by the profiler.
-  bool AutoProfiler() const { return autoProfiler_; }
   void SetAutoProfiler(bool on) { autoProfiler_ = on; }
 
   // The host's startup menus, and its case selection conditions and case weights, for this analysis; all are
@@ -95,12 +59,18 @@ class BRENVOLT_EXPORT CSimulationAndRisk : public CAnalysisSupport {
   }
 
   DistributionSpecification& Specification() { return specification_; }
-  // What the fit dialogs share, what is known of the correlation matrix, what the simulation dialogs share,
-  // and what the profiler keeps.
-  FitState& Fit() { return *fit_; }
-  MatrixState& Matrix() { return *matrix_; }
-  SimulationState& Simulation() { return *simulation_; }
-  ProfilerState& Profiler() { return *profiler_; }
+
+  FitState& Fit() override { return *fit_; }
+  MatrixState& Matrix() override { return *matrix_; }
+  SimulationState& Simulation() override { return *simulation_; }
+  ProfilerState& Profiler() override { return *profiler_; }
+  const NumericDefaults& Defaults() const override { return defaults_; }
+  bool AutoProfiler() const override { return autoProfiler_; }
+  bool OpenData() override;
+  bool MayFitInput() const override;
+  std::int32_t ValidateInputMatrixFile(WindowHandle parent = nullptr) override;
+  std::int32_t ValidateOrDesignInputMatrixFile() override;
+  std::int32_t UpdateFromInputSpreadsheet() override;
 
  private:
   DistributionSpecification specification_;

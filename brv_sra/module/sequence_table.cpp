@@ -1,6 +1,7 @@
-#include "brv_sra/frame/sequence_table.h"
+#include "brv_sra/module/sequence_table.h"
 
-#include "brv_sra/frame/simulation_and_risk.h"
+#include "brv_sra/frame/sequence_steps.h"
+#include "brv_sra/module/simulation_and_risk.h"
 
 namespace brenvolt::sra {
 namespace {
