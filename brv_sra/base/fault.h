@@ -46,6 +46,7 @@ enum class FaultIdentifier : std::uint8_t {
   kMatrixLacksStandardDeviation,
   kMatrixDeviationsDeselected,  // or the number of cases
   kMatrixLacksValidCases,
+  kMatrixSizesDiffer,  // the values are not as many as the variables ask for
   // A fit.
   kDataTooLarge,
   kWeightsAreText,  // about the variable, as the next ones

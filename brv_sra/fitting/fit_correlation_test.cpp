@@ -27,7 +27,7 @@ FitCorrelations Correlate(const Spreadsheet& sheet, const std::vector<int>& vari
 }
 
 bool IsReadable(const FitCorrelations& correlations) {
-  return static_cast<bool>(ReadMatrixFile(*MakeMatrixFile(correlations.file)));
+  return static_cast<bool>(ReadMatrixFile(**MakeMatrixFile(correlations.file)));
 }
 
 // Anscombe (1973), the first and the third set: published mean 9 and 7.50, correlation 0.816.

@@ -64,6 +64,8 @@ constexpr Row kRows[] = {
     {kMatrixLacksStandardDeviation, kMsgMatrixStandardDeviation},
     {kMatrixDeviationsDeselected, kMsgMatrixDeviationsDeselected},
     {kMatrixLacksValidCases, kMsgMatrixValidCases},
+    {kMatrixSizesDiffer, kMsgMatrixInvalid, Form::kPlain,
+     "the values do not match the number of variables"},
     {kDataTooLarge, kMsgDatasetTooLarge},
     {kWeightsAreText, kMsgWeightsNotIntegers, Form::kPlain, "variable {about}"},
     {kWeightNotWhole, kMsgWeightsNotIntegers, Form::kPlain, "variable {about}, case {detail}"},

@@ -86,6 +86,9 @@ TEST(FaultMessage, TextAndPlaceTakeWhatTheFaultIsAbout) {
       {{kInvalidNoise, "Y"}, "Please set a valid standard deviation of the noise of Y", ""},
       {{kPredictedFromItself, "Y"}, "Please check the formula for Y", "it is predicted from itself"},
       {{kCorrelationUndefined, "A", "B"}, "Correlation Failed!", "A, B"},
+      {{kMatrixSizesDiffer},
+       "Invalid correlation matrix. Please check the validity of the input correlation matrix.",
+       "the values do not match the number of variables"},
   };
   for (const auto& row : rows) {
     const FaultMessage message = MessageOf(row.fault);

@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "host/base/almost_equal.h"
-#include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -27,15 +26,12 @@ std::string_view CutTitle(std::string_view title) {
   return title.substr(0, end);
 }
 
-void CheckSizes(const MatrixFile& file) {
+bool SizesAgree(const MatrixFile& file) {
   const std::size_t m = file.variables.size();
   const bool rowsFit =
       std::ranges::all_of(file.correlations, [m](const auto& row) { return row.size() == m; });
-  if (m > 0 && rowsFit && file.correlations.size() == m && file.means.size() == m &&
-      file.standardDeviations.size() == m) {
-    return;
-  }
-  throw Error("the values do not match the number of variables", std::string(kCorrelationMatrixTitle));
+  return m > 0 && rowsFit && file.correlations.size() == m && file.means.size() == m &&
+         file.standardDeviations.size() == m;
 }
 
 Variable MatrixColumn(const MatrixFile& file, std::size_t c) {
@@ -153,18 +149,16 @@ MatrixFile MatrixFile::Identity(std::vector<std::string> variables) {
 }
 
 void MatrixFile::SetCorrelations(std::span<const double> rowMajor) {
-  const std::size_t m = variables.size();
-  if (rowMajor.size() != m * m)
-    throw Error("the values do not match the number of variables", std::string(kCorrelationMatrixTitle));
   correlations.clear();
-  for (std::size_t i = 0; i < m; ++i) {
-    const auto row = rowMajor.subspan(i * m, m);
+  while (!rowMajor.empty()) {
+    const auto row = rowMajor.first(std::clamp<std::size_t>(variables.size(), 1, rowMajor.size()));
     correlations.emplace_back(row.begin(), row.end());
+    rowMajor = rowMajor.subspan(row.size());
   }
 }
 
-std::unique_ptr<Spreadsheet> MakeMatrixFile(const MatrixFile& file, std::string_view title) {
-  CheckSizes(file);
+Result<std::unique_ptr<Spreadsheet>> MakeMatrixFile(const MatrixFile& file, std::string_view title) {
+  if (!SizesAgree(file)) return Fault{FaultIdentifier::kMatrixSizesDiffer};
   const std::string text(CutTitle(title.empty() ? kCorrelationMatrixTitle : title));
   auto sheet = std::make_unique<Spreadsheet>(text);
   sheet->SetKind(SheetKind::kMatrix);

@@ -26,15 +26,14 @@ struct MatrixFile {
 
   // Uncorrelated variables of mean 0 and standard deviation 1, one valid case.
   static MatrixFile Identity(std::vector<std::string> variables);
-  // Takes correlations (m x m, row-major), as PearsonCorrelation gives them. Throws Error on another size.
+  // Takes correlations (m x m, row-major), as PearsonCorrelation gives them. MakeMatrixFile refuses another size.
   void SetCorrelations(std::span<const double> rowMajor);
 };
 
 // The matrix file as a sheet of m + 4 cases, whose title and name are `title`, by default "Correlation
 // matrix". A title is cut at 80 bytes. The cells that mean nothing are missing. A correlation that is NaN (of
-// a constant variable, say) is written as it is; ReadMatrixFile refuses the file. Throws Error when the sizes
-// differ.
-std::unique_ptr<Spreadsheet> MakeMatrixFile(const MatrixFile& file, std::string_view title = {});
+// a constant variable, say) is written as it is; ReadMatrixFile refuses the file. There is a fault when the sizes differ.
+Result<std::unique_ptr<Spreadsheet>> MakeMatrixFile(const MatrixFile& file, std::string_view title = {});
 
 struct MatrixReadOptions {
   bool useCaseSelection = true;

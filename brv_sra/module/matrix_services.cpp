@@ -91,7 +91,7 @@ std::int32_t CSimulationAndRisk::CreateAndAttachCorrelationInputFile() {
   }
   if (variables.empty()) return 0;
 
-  const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(MatrixFile::Identity(variables)));
+  const auto document = std::make_shared<CAnalysisTableDoc>(*MakeMatrixFile(MatrixFile::Identity(variables)));
   matrix_->variables = std::move(variables);
   ShowAndAttachInput(*this, document);
   return ValidateInputMatrixFile();

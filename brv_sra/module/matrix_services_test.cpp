@@ -47,7 +47,7 @@ struct MatrixServices : testing::Test {
   Spreadsheet data{"data", 5, 3};
   CAnalysisDoc document{userInterface, &data};
   std::unique_ptr<CSimulationAndRisk> analysis{Kro6NewAnalysis()};
-  std::unique_ptr<Spreadsheet> matrix = MakeMatrixFile(MatrixFile::Identity({"x", "y"}));
+  std::unique_ptr<Spreadsheet> matrix = *MakeMatrixFile(MatrixFile::Identity({"x", "y"}));
 
   MatrixServices() {
     userInterface.document = &document;

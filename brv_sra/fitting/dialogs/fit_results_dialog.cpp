@@ -336,7 +336,7 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowCorrelations(
     Analysis().ShowMessage(
         FormatResource(kMsgCorrelationsUndefined, std::to_string(undefined.size() - named)));
   }
-  return Show(MakeMatrixFile(correlations.file));
+  return Show(ValueOrThrow(MakeMatrixFile(correlations.file)));
 }
 
 std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::ShowCorrelationMatrix() {

@@ -314,7 +314,7 @@ TEST_F(ProfilerDialog, CorrelationMatricesArePutInEveryFormAndChecked) {
   SumFormula();
   MatrixFile file = MatrixFile::Identity({"B", "other", "A"});
   file.correlations[0][2] = file.correlations[2][0] = 0.3;
-  const Variant matrix = Variant::Object(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file)));
+  const Variant matrix = Variant::Object(std::make_shared<CAnalysisTableDoc>(*MakeMatrixFile(file)));
   for (const auto& [value, expected] : {std::pair<Variant, double>{Array{1, 0.1, 0.1, 1}, 0.1},
                                         {Array{Array{1, 0.2}, Array{0.2, 1}}, 0.2},
                                         {matrix, 0.3}}) {
@@ -323,7 +323,7 @@ TEST_F(ProfilerDialog, CorrelationMatricesArePutInEveryFormAndChecked) {
   }
   EXPECT_EQ(Shown(Automation().Get("UserDefinedDesignMatrixValues")), "1 0.3  0.3 1  ");
   const std::string invalid = "Invalid input correlation. Please use a valid correlation to continue.";
-  const auto foreign = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(MatrixFile::Identity({"x", "y"})));
+  const auto foreign = std::make_shared<CAnalysisTableDoc>(*MakeMatrixFile(MatrixFile::Identity({"x", "y"})));
   const Variant wrongs[] = {Variant(Array{1, 0.1, 0.1}),        Variant(Array{1, 0.1, 0.2, 1}),
                             Variant(Array{1, 1.1, 1.1, 1}),     Variant(Array{2, 0, 0, 1}),
                             Variant(Array{Array{1}, Array{1}}), Variant::Object(foreign)};

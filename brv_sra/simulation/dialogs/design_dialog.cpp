@@ -183,7 +183,7 @@ void CDesignSimulation::SaveToInput() {
 std::shared_ptr<CAnalysisTableDoc> CDesignSimulation::ShowCorrelationMatrix() {
   RequireParticipants();
   const MatrixFile file = MatrixOf(Design());
-  const auto document = std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file));
+  const auto document = std::make_shared<CAnalysisTableDoc>(ValueOrThrow(MakeMatrixFile(file)));
   Present(document);
   Services().Matrix().saved = file;
   return document;

@@ -82,7 +82,7 @@ TEST_F(Desk, MatrixFileIsReadAndWritten) {
   MatrixFile file = MatrixFile::Identity({"x", "y"});
   file.correlations = {{1, 0.5}, {0.5, 1}};
   file.means = {3, 4};
-  const auto sheet = MakeMatrixFile(file);
+  const auto sheet = *MakeMatrixFile(file);
   Open(sheet.get());
   EXPECT_TRUE(person.messages.empty());
   EXPECT_EQ(Get(kValues), "((1 0.5) (0.5 1))");
@@ -130,7 +130,7 @@ TEST_F(Desk, CorrelationsThatAreKeptWithTheInputStay) {
     Dialog().Call("Cancel");
     if (inProject) {
       const auto find = [](const Spreadsheet&, const std::string&) {
-        return MakeMatrixFile(CorrelatedFile(0.6));
+        return *MakeMatrixFile(CorrelatedFile(0.6));
       };
       document->SetMatrixSource({[] { return Names(); }, find});
     } else {

@@ -60,7 +60,8 @@ Variant GetSimulationResults(Dialog& dialog, Indexes) {
 Variant GetCorrelationMatrix(Dialog& dialog, Indexes) {
   const auto& matrix = dialog.Services().Simulation().matrix;
   if (!matrix) return {};
-  return std::shared_ptr<AutomationObject>(std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(*matrix)));
+  return std::shared_ptr<AutomationObject>(
+      std::make_shared<CAnalysisTableDoc>(ValueOrThrow(MakeMatrixFile(*matrix))));
 }
 // Indexed by the name of the file that the samples go to.
 Variant GetSimulationFile(Dialog& dialog, Indexes indexes) {
@@ -513,7 +514,8 @@ void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correl
                              " to " + Readable(repair.to),
                          MessageIcon::kInformation);
   Analysis().Interface().ShowDocument(
-      std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle))));
+      std::make_shared<CAnalysisTableDoc>(
+          ValueOrThrow(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle)))));
 }
 
 }  // namespace brenvolt::sra

@@ -47,7 +47,7 @@ struct SimulationDialog : testing::Test {
         if (i != j) file.correlations[i][j] = correlation;
       }
     }
-    return std::make_shared<CAnalysisTableDoc>(MakeMatrixFile(file));
+    return std::make_shared<CAnalysisTableDoc>(*MakeMatrixFile(file));
   }
   void PutMatrix(const std::shared_ptr<CAnalysisTableDoc>& matrix) {
     Dialog().Put("CorrelationMatrix", Variant::Object(matrix));
