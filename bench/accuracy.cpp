@@ -1,5 +1,5 @@
 // Prints docs/evidence/accuracy.md: the errors of the distribution functions against the tables of
-// high-precision values, per type and function, measured now.
+// high-precision values, per distribution and function, measured now.
 //
 //   accuracy <folder of the tables>
 #include <algorithm>
@@ -23,7 +23,7 @@ of Cdf and Quantile give the bits of the scalar forms: a test holds them to it o
 instruction set that the machine offers, so that one figure serves both.
 
 An error is relative to the value; of a log-density, to 1 if the value is smaller; of a quantile or mean, to
-the type's locations and thresholds if these are larger than the value, because their rounding bounds it.
+the distribution's locations and thresholds if these are larger than the value, because their rounding bounds it.
 A quantile of a mixture at just the share of components that lie far apart is not in the table: every x in the
 gap has that probability to the last bit. The tests hold every row to 1e-13 in the body and 1e-10 in the tails.
 
@@ -31,7 +31,7 @@ The round trip is the quantile of the probability of the nearer tail at each x o
 above 1e-300. "Of x": the largest error of the x that comes back where four units in the last place of the
 probability move x by less than 1e-12. Elsewhere the density is so low that doubles of the probability do not
 tell the values of x apart; "of the probability" gives the largest error of the probability at the x that comes
-back. The quantile of a discrete type has no error but a wrong value: every row is held to give the value of the
+back. The quantile of a discrete distribution has no error but a wrong value: every row is held to give the value of the
 table, and the quantile of the probability of a count to be the least count that has it.
 
 This document is printed by a program; to make it again:
@@ -77,11 +77,11 @@ std::string List(In parameters) {
   return text + (isLong ? ", …)" : ")");
 }
 
-void PrintFunctions(const Type& type, const std::vector<Row>& rows) {
+void PrintFunctions(const BoundDistribution& distribution, const std::vector<Row>& rows) {
   std::map<std::string, std::map<bool, Worst>> worst;
   for (const Row& row : rows) {
-    const double computed = type.functions.at(row.function)(row.argument, row.parameters);
-    worst[row.function][row.isTail].Take(RelativeError(type, row, computed),
+    const double computed = distribution.functions.at(row.function)(row.argument, row.parameters);
+    worst[row.function][row.isTail].Take(RelativeError(distribution, row, computed),
                                          Number(row.argument) + " with " + List(row.parameters));
   }
   std::puts("| Function | Points | Body | Worst at | Tail | Worst at |\n|---|---:|---:|---|---:|---|");
@@ -93,11 +93,12 @@ void PrintFunctions(const Type& type, const std::vector<Row>& rows) {
   }
 }
 
-void PrintMoments(const Type& type, const std::vector<MomentRow>& rows) {
+void PrintMoments(const BoundDistribution& distribution, const std::vector<MomentRow>& rows) {
   std::map<std::string, Worst> worst;
   for (const MomentRow& row : rows) {
-    worst[row.function].Take(RelativeError(type, row, type.moments.at(row.function)(row.parameters)),
-                             List(row.parameters));
+    worst[row.function].Take(
+        RelativeError(distribution, row, distribution.moments.at(row.function)(row.parameters)),
+        List(row.parameters));
   }
   std::puts("\n| Moment | Parameter sets | Error | Worst at |\n|---|---:|---:|---|");
   for (const auto& [name, most] : worst) {
@@ -106,13 +107,13 @@ void PrintMoments(const Type& type, const std::vector<MomentRow>& rows) {
   }
 }
 
-void PrintRoundTrips(const Type& type, const std::vector<Row>& rows) {
-  if (type.isDiscrete) return;  // the tests of exact jumps hold these
+void PrintRoundTrips(const BoundDistribution& distribution, const std::vector<Row>& rows) {
+  if (distribution.isDiscrete) return;  // the tests of exact jumps hold these
   Worst conditioned;
   Worst rest;
   for (const Row& row : rows) {
     if (!IsForRoundTrip(row)) continue;
-    const RoundTrip trip = GoRound(type, row.argument, row.parameters);
+    const RoundTrip trip = GoRound(distribution, row.argument, row.parameters);
     const std::string place = Number(row.argument) + " with " + List(row.parameters);
     if (trip.isConditioned) {
       conditioned.Take(trip.error, place);
@@ -131,16 +132,16 @@ void PrintRoundTrips(const Type& type, const std::vector<Row>& rows) {
 // False when a table is missing.
 bool Print(const std::string& folder) {
   std::fputs(kHead, stdout);
-  for (const Type& type : AllTypes()) {
-    const std::vector<Row> rows = ReadTable(folder, type);
+  for (const BoundDistribution& distribution : BoundDistributions()) {
+    const std::vector<Row> rows = ReadTable(folder, distribution);
     if (rows.empty()) {
-      std::fprintf(stderr, "accuracy: no table of %s in %s\n", type.name.c_str(), folder.c_str());
+      std::fprintf(stderr, "accuracy: no table of %s in %s\n", distribution.name.c_str(), folder.c_str());
       return false;
     }
-    std::printf("\n## %s\n\n", type.name.c_str());
-    PrintFunctions(type, rows);
-    PrintMoments(type, ReadMoments(folder, type));
-    PrintRoundTrips(type, rows);
+    std::printf("\n## %s\n\n", distribution.name.c_str());
+    PrintFunctions(distribution, rows);
+    PrintMoments(distribution, ReadMoments(folder, distribution));
+    PrintRoundTrips(distribution, rows);
   }
   return true;
 }

@@ -1,4 +1,4 @@
-// Estimation and tests of the eleven continuous types: each type alone, and all of them as a run has them
+// Estimation and tests of the eleven continuous distributions: each alone, and all of them as a run has them
 // (sorted values in, fits out), over n values.
 //   fit_bench --benchmark_filter=FitAll
 #include <benchmark/benchmark.h>
@@ -43,7 +43,7 @@ const Data& SortedData(std::int64_t shape, std::size_t count) {
   return data;
 }
 
-ContinuousSpecification AllTypes(const Data& data) {
+ContinuousSpecification AllDistributionsOf(const Data& data) {
   ContinuousSpecification specification;
   specification.fit.fill(true);
   const double offset = data.values.front() - 0.01 * (data.values.back() - data.values.front());
@@ -54,7 +54,7 @@ ContinuousSpecification AllTypes(const Data& data) {
 
 void FitAll(benchmark::State& state) {
   const Data& data = SortedData(state.range(0), static_cast<std::size_t>(state.range(1)));
-  const ContinuousSpecification specification = AllTypes(data);
+  const ContinuousSpecification specification = AllDistributionsOf(data);
   for (auto _ : state) {
     benchmark::DoNotOptimize(FitContinuousDistributions({data.values, data.moments}, specification,
                                                         ChiSquareBinning::kEqualProbabilities, [] {}));
@@ -72,7 +72,7 @@ BENCHMARK(FitAll)
 void EstimateOne(benchmark::State& state) {
   const auto code = static_cast<DistributionCode>(state.range(0));
   const Data& data = SortedData(state.range(1), static_cast<std::size_t>(state.range(2)));
-  const ContinuousSpecification specification = AllTypes(data);
+  const ContinuousSpecification specification = AllDistributionsOf(data);
   for (auto _ : state) {
     benchmark::DoNotOptimize(EstimateContinuous(code, {data.values, data.moments}, specification, [] {}));
   }
@@ -87,7 +87,8 @@ BENCHMARK(EstimateOne)
 void TestOne(benchmark::State& state) {
   const auto code = static_cast<DistributionCode>(state.range(0));
   const Data& data = SortedData(kLogNormalLike, static_cast<std::size_t>(state.range(1)));
-  DistributionFit fit = EstimateContinuous(code, {data.values, data.moments}, AllTypes(data), [] {});
+  DistributionFit fit =
+      EstimateContinuous(code, {data.values, data.moments}, AllDistributionsOf(data), [] {});
   for (auto _ : state) TestFit(fit, data.values, ChiSquareBinning::kEqualProbabilities);
   benchmark::DoNotOptimize(fit);
 }

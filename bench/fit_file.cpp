@@ -2,7 +2,7 @@
 // prints one line per fit, for comparison with other programs; or the time that it takes, without reading.
 //   fit_file FILE COLUMN continuous|discrete            COLUMN counts from 1
 //   fit_file FILE COLUMN continuous|discrete --time N   the shortest of N repetitions, in seconds
-//   fit_file FILE COLUMN continuous --time N CODE…      the same for the types of these codes alone
+//   fit_file FILE COLUMN continuous --time N CODE…      the same for the distributions of these codes alone
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -31,7 +31,7 @@ std::vector<double> ReadColumn(const char* path, std::size_t column) {
   return values;
 }
 
-// All types if `codes` is empty.
+// All distributions if `codes` is empty.
 std::vector<DistributionFit> FitTypes(std::vector<double> values, bool continuous,
                                       std::span<const DistributionCode> codes) {
   MomentAccumulator moments;

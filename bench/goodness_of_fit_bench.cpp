@@ -1,4 +1,4 @@
-// The three tests of one fit of every continuous type on a million values, with p-values.
+// The three tests of one fit of every continuous distribution on a million values, with p-values.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

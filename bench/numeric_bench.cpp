@@ -50,7 +50,7 @@ void OverArrays(benchmark::State& state, const std::vector<double>& in, const Fi
   CountValues(state);
 }
 
-// Draws of a type, the arguments of its distribution function.
+// Draws of a distribution, the arguments of its distribution function.
 template <class Quantile>
 std::vector<double> Draws(const Quantile& quantile) {
   std::vector<double> values = Uniforms();
@@ -58,7 +58,7 @@ std::vector<double> Draws(const Quantile& quantile) {
   return values;
 }
 
-// The four loops of a type: ours and Boost's, distribution function and quantile.
+// The four loops of a distribution: ours and Boost's, distribution function and quantile.
 #define DISTRIBUTION_BENCHMARKS(Name, distribution, boostDistribution, ...)                               \
   std::vector<double> Name##Draws() {                                                                     \
     return Draws([](auto& values) { Distribution<distribution>(__VA_ARGS__).Quantile(values, values); }); \
@@ -94,7 +94,7 @@ DISTRIBUTION_BENCHMARKS(Lognormal, LogNormal, boost::math::lognormal(1.0, 0.5), 
 DISTRIBUTION_BENCHMARKS(Weibull, Weibull, boost::math::weibull(1.5, 2.0), 2.0, 1.5, 0.0);
 DISTRIBUTION_BENCHMARKS(Rayleigh, Rayleigh, boost::math::rayleigh(2.0), 2.0, 0.0);
 
-// Boost has neither generalized type: the textbook formulas, as one would write them in a scalar loop.
+// Boost has neither generalized distribution: the textbook formulas, as one would write them in a scalar loop.
 struct PlainGev {
   double location;
   double scale;

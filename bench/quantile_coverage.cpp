@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/statistics/fit_intervals.h"
 
 namespace brenvolt {

@@ -164,7 +164,7 @@ void AddVariableOptions(CLI::App& command, FitJob& job) {
 
 void AddDistributionOptions(CLI::App& command, FitJob& job) {
   AddList(command, "--distributions", job.distributions, "NAME,NAME",
-          "Distributions to try; default all that apply to a variable: " + FittedTypeNames());
+          "Distributions to try; default all that apply to a variable: " + AllDistributionNames());
   AddEntries(
       command, "--offset", job.offsets, ParseOffset, "V:DISTRIBUTION=NUMBER",
       "Where a distribution of a variable starts; default 0. One that is not below all values makes that "

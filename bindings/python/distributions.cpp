@@ -12,7 +12,7 @@
 #include "bindings/python/numpy_arrays.h"
 #include "host/base/number_text.h"
 #include "host/jobs/notation/value_words.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/johnson.h"
 #include "host/numeric/random/random_stream.h"
 
@@ -53,7 +53,7 @@ class BoundDistribution {
   // Throws ValueError or TypeError that names the parameter at fault.
   BoundDistribution(std::size_t code, const py::sequence& values, const py::object& offset)
       : code_(static_cast<DistributionCode>(code)) {
-    if (code >= DistributionTypes().size())
+    if (code >= DistributionTable().size())
       throw py::value_error("no distribution of code " + std::to_string(code));
     for (const py::handle value : values)
       values_.push_back(NumberFrom(NameOf(ParameterAt(values_.size())), value));
@@ -68,7 +68,7 @@ class BoundDistribution {
     if (const auto wrong = WrongTogether(code_, values_)) throw py::value_error(*wrong);
   }
 
-  const DistributionFacts& Facts() const { return TypeOf(code_).facts; }
+  const DistributionFacts& Facts() const { return EntryOf(code_).facts; }
   AnyDistribution View() const { return {code_, values_, offset_}; }
   double Offset() const { return offset_; }
   const std::vector<double>& Values() const { return values_; }
@@ -140,7 +140,7 @@ py::object At(const BoundDistribution& distribution, const py::object& x) {
   return out;
 }
 
-// A uniform deviate of 0 would give the end of the support, infinite for many types.
+// A uniform deviate of 0 would give the end of the support, infinite for many distributions.
 constexpr double kLeastProbability = 0x1p-54;
 
 void DrawInto(const BoundDistribution& distribution, const RandomStream& stream, std::size_t begin,
@@ -243,16 +243,16 @@ void BindDistributions(py::module_& module) {
           "seed, 0 to 2147483647, gives the same values on every machine; without one they differ each time.")
       .def_property_readonly(
           "code", [](const BoundDistribution& d) { return static_cast<int>(d.Facts().code); },
-          "The code of the type in macros and project files.")
+          "The code of the distribution in macros and project files.")
       .def_property_readonly(
           "is_continuous", [](const BoundDistribution& d) { return d.Facts().isContinuous; },
-          "False for a discrete type.")
+          "False for a discrete distribution.")
       .def_property_readonly("parameters", &Parameters, "The parameters by name.")
       .def_property_readonly("_values", &BoundDistribution::Values)
       .def_property_readonly("_offset", &BoundDistribution::Offset)
       .def_property_readonly("_has_offset", [](const BoundDistribution& d) { return d.Facts().HasOffset(); });
   py::list names;
-  for (const DistributionType* type : DistributionTypes()) names.append(std::string(type->facts.name));
+  for (const DistributionEntry* entry : DistributionTable()) names.append(std::string(entry->facts.name));
   module.attr("_distribution_names") = py::tuple(names);
   module.attr("_johnson_families") = py::cast(kJohnsonFamilies);
 }

@@ -62,9 +62,9 @@ std::unique_ptr<Spreadsheet> CopyOf(const Sheet& sheet) {
 
 // The code of a distribution that a person names. Throws ValueError that lists the names.
 std::size_t CodeOf(const std::string& name) {
-  const FittedType* type = FindFittedType(name);
-  if (type == nullptr) throw py::value_error(NoSuchType(name));
-  return static_cast<std::size_t>(type - kFittedTypes.data());
+  const NamedDistribution* distribution = FindDistribution(name);
+  if (distribution == nullptr) throw py::value_error(NoSuchDistribution(name));
+  return static_cast<std::size_t>(distribution - kNamedDistributions.data());
 }
 
 void RequireProjectEnding(const char* field, const std::filesystem::path& path) {

@@ -7,7 +7,7 @@
 #include "brv_sra/base/distribution_constants.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -52,7 +52,7 @@ const StoredParameter& Stored(DistributionCode code, std::size_t place) {
   return *found;
 }
 
-// The values of user-defined types, of which there is any number, and those of the Johnson family.
+// The values of user-defined distributions, of which there is any number, and those of the Johnson family.
 bool AreBare(DistributionCode code) {
   return Facts(code).isUserDefined || code == kJohnson;
 }
@@ -69,8 +69,8 @@ std::string Spaced(std::string_view name) {
 
 template <class Predicate>
 std::optional<DistributionCode> FindCode(Predicate matches) {
-  for (const DistributionType* type : DistributionTypes()) {
-    if (matches(type->facts.code)) return type->facts.code;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    if (matches(entry->facts.code)) return entry->facts.code;
   }
   return std::nullopt;
 }
@@ -95,7 +95,7 @@ std::string DescribedName(std::string_view parameter) {
 }  // namespace
 
 const DistributionFacts& Facts(DistributionCode code) {
-  return TypeOf(code).facts;
+  return EntryOf(code).facts;
 }
 
 bool IsContinuous(DistributionCode code) {
@@ -122,8 +122,8 @@ std::string_view CompactKey(DistributionCode code) {
 std::string_view SpacedKey(DistributionCode code) {
   static const auto kKeys = [] {
     std::array<std::string, kDistributionCount> keys;
-    for (const DistributionType* type : DistributionTypes())
-      keys[static_cast<std::size_t>(type->facts.code)] = Spaced(type->facts.name);
+    for (const DistributionEntry* entry : DistributionTable())
+      keys[static_cast<std::size_t>(entry->facts.code)] = Spaced(entry->facts.name);
     return keys;
   }();
   return kKeys.at(static_cast<std::size_t>(code));

@@ -43,7 +43,7 @@ FaultIdentifier StoredFault(DistributionCode code, std::size_t place);
 std::string Description(DistributionCode code, std::span<const double> values);
 
 // "Array(scNormalDistr, 1.000000e+00, 2.000000e+00, 0, 0, 0, 0)": how a macro writes it. The
-// offset of types that have one follows the values as one more value; a value that is not set is "Nothing", and
+// offset of distributions that have one follows the values as one more value; a value that is not set is "Nothing", and
 // one that would not read back exactly from six decimals has more digits.
 std::string MacroText(const DistributionSpecification& specification);
 

@@ -31,7 +31,7 @@ std::string ContinuousCurveFormula(const DistributionSpecification& specificatio
 // factor: "*Poisson(x,3)*(x>=0)". A cumulative curve begins with "=" and the factor, whatever the unit. The
 // steps of a Bernoulli distribution or a histogram are a sum, which stands in parentheses behind a factor:
 // "*100*1*(0.75*(x>=-0.5 & x<=0.5) + 0.25*(x>0.5 & x<=1.5))". A step of a histogram reaches from its code
-// half the smallest distance between codes to either side, but at most 0.5. A code that is no discrete type's
+// half the smallest distance between codes to either side, but at most 0.5. A code that is no discrete distribution's
 // gives the text up to the factor.
 enum class DensityUnit : std::uint8_t { kProportions, kCounts };
 std::string DiscreteCurveFormula(const DistributionSpecification& specification, CurveKind kind,

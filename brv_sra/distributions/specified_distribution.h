@@ -2,7 +2,7 @@
 #pragma once
 
 #include "brv_sra/distributions/specification.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "brv_sra/distributions/catalogue.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/rules/value_rules.h"
 
 namespace brenvolt::sra {

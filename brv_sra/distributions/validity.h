@@ -35,7 +35,7 @@ std::optional<ValidityFault> CheckValues(DistributionCode code, std::span<const 
 // The rule about one value alone, by its index.
 std::optional<ValidityFault> CheckValue(DistributionCode code, std::size_t index, double value,
                                         CheckPurpose purpose = CheckPurpose::kEntry);
-// The same as CheckValues including the offset of types that have one: it must be given and finite.
+// The same as CheckValues including the offset of distributions that have one: it must be given and finite.
 std::optional<ValidityFault> CheckSpecification(const DistributionSpecification& specification,
                                                 CheckPurpose purpose = CheckPurpose::kEntry);
 

@@ -5,7 +5,7 @@
 // names in rank order, each followed by ";"; and "zTruncProp", "(below; above; minimum; maximum)" with flags
 // 0 or 1. Display names are translated with the user interface; a reader knows the untranslated ones as well.
 //
-// The value of a distribution is "(" + items + ")", items separated by "; ". Most types have one item
+// The value of a distribution is "(" + items + ")", items separated by "; ". Most distributions have one item
 // "Key=number" per value ("%.12e") and "Offset=…" last if the type has one. Three have bare numbers:
 // - Gaussian Mixture: coefficient, mean and deviation per component;
 // - Johnson: type, gamma, delta, lambda and xi;
@@ -68,7 +68,7 @@ struct Truncation {
   double maximum = kNotSet;
 };
 
-// The distributions of one variable, best first, each type at most once.
+// The distributions of one variable, best first, each at most once.
 struct VariableDistributions {
   int variableNumber = 0;
   std::vector<DistributionSpecification> ranked;  // each carries the variable's truncation as well

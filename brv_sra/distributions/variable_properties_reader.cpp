@@ -8,7 +8,7 @@
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -47,8 +47,8 @@ struct NamedProperty {
 
 // By the name of this language or the untranslated one.
 std::optional<DistributionCode> CodeOf(const VariablePropertyStore& store, std::string_view name) {
-  for (const DistributionType* type : DistributionTypes()) {
-    const DistributionCode code = type->facts.code;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    const DistributionCode code = entry->facts.code;
     if (name == store.NameOf(code) || name == SpacedKey(code)) return code;
   }
   return std::nullopt;

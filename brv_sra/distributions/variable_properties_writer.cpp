@@ -10,7 +10,7 @@
 #include "brv_sra/distributions/validity.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -79,7 +79,7 @@ bool HoldsQuantiles(const DistributionSpecification& specification, const char* 
   return true;
 }
 
-// The format of the values: the type's own, or with as many more digits as the quantiles need.
+// The format of the values: the distribution's own, or with as many more digits as the quantiles need.
 const char* FormatOf(const DistributionSpecification& specification) {
   constexpr std::array<const char*, 10> kFormats{"%e",    "%.7e",  "%.8e",  "%.9e",  "%.10e",
                                                  "%.11e", "%.12e", "%.13e", "%.14e", "%.15e"};
@@ -112,8 +112,8 @@ void MarkInvalidFit(VariablePropertyStore& store, int variableNumber, bool inval
 // Fits of a former order that the new one does not name.
 void RemoveStaleFits(VariablePropertyStore& store, int variableNumber,
                      std::span<const std::string_view> written) {
-  for (const DistributionType* type : DistributionTypes()) {
-    for (const std::string_view name : {store.NameOf(type->facts.code), SpacedKey(type->facts.code)}) {
+  for (const DistributionEntry* entry : DistributionTable()) {
+    for (const std::string_view name : {store.NameOf(entry->facts.code), SpacedKey(entry->facts.code)}) {
       if (std::ranges::find(written, name) == written.end()) store.Remove(variableNumber, name);
     }
   }

@@ -40,7 +40,7 @@ struct Tallies {
   Tally andersonDarling;
 };
 
-// Statistics of discrete types take few values, and those of a type that reproduces its data, as Bernoulli
+// Statistics of discrete distributions take few values, and those of one that reproduces its data, as Bernoulli
 // does, are 0 but for rounding: what differs by rounding is as extreme.
 bool IsAsLarge(double sample, double data) {
   constexpr double kRounding = 1e-10;

@@ -1,11 +1,11 @@
 // The chi-square test of a fitted distribution (Pearson 1900): values counted in bins against the counts
 // that the fit expects.
 //
-// Continuous types: the data less the offset are rounded to a range of k = 20 to 50 round steps
+// Continuous distributions: the data less the offset are rounded to a range of k = 20 to 50 round steps
 // (host/base/axis_scaling.h). Equal probabilities: the boundaries are the fitted quantiles at 1/k, 2/k, …,
 // the last 1e30. Equal intervals: the range in k equal widths.
 //
-// Discrete types: counts pile up on whole numbers, where neither rule puts sensible boundaries, so that the
+// Discrete distributions: counts pile up on whole numbers, where neither rule puts sensible boundaries, so that the
 // choice of binning does not count. A bin is one whole number of the data's range if there are 50 at most,
 // else a group of 1, 2 or 5 times a power of ten; of a histogram, one class.
 //

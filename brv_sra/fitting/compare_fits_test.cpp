@@ -16,7 +16,7 @@ namespace {
 
 const std::string kFolder = BRENVOLT_SOURCE_DIR "/brv_sra/fitting/reference/";
 
-// How far a fit may be from the optimum. The references of the searched types are good to some 1e-7, as they
+// How far a fit may be from the optimum. The references of the searched distributions are good to some 1e-7, as they
 // come from a search that knows no derivatives; those of the others to rounding.
 struct Tolerance {
   double shortfall;   // of the log-likelihood, relative; a higher one is not a fault

@@ -14,7 +14,7 @@
 #include "brv_sra/fitting/goodness_of_fit.h"
 #include "host/base/parallel.h"
 #include "host/base/process/floating_point_guard.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt::sra {
@@ -78,7 +78,7 @@ std::int64_t CountWithoutDensity(const DistributionSpecification& specification,
 
 DistributionFit RunStep(DistributionCode code, double offset, const EstimationInput& input) {
   const FloatingPointGuard guard;
-  EstimateResult estimate = Usable(TypeOf(code).estimate(input));
+  EstimateResult estimate = Usable(EntryOf(code).estimate(input));
   if (!estimate) return Failed(code, offset, std::move(estimate).Reason());
   DropErrorsThatAreNotFinite(*estimate);
   DistributionFit fit;

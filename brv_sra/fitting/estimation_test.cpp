@@ -1,4 +1,4 @@
-// The estimates of all sixteen types through the one table of steps.
+// The estimates of all sixteen distributions through the one table of steps.
 #include "brv_sra/fitting/estimation.h"
 
 #include <gtest/gtest.h>
@@ -240,7 +240,7 @@ TEST(Estimation, FoldedNormalAtLocationZeroHasNoStandardErrors) {
 }
 
 TEST(Estimation, OneFailureLeavesTheOtherFitsAlone) {
-  const Data data({-1, 2, 3, 5, 7, 11, 13, 17});  // below the offset of six types
+  const Data data({-1, 2, 3, 5, 7, 11, 13, 17});  // below the offset of six distributions
   const auto fits =
       *FitContinuousDistributions(data.Sample(), Everything(0), ChiSquareBinning::kEqualIntervals, [] {});
   ASSERT_EQ(fits.size(), 11U);

@@ -116,7 +116,7 @@ struct DistributionFit {
   std::int64_t valuesWithoutDensity = 0;  // of the sample: those at which the density is 0
   TestResult kolmogorovSmirnov;
   ChiSquareResult chiSquare;
-  TestResult andersonDarling;  // continuous types only
+  TestResult andersonDarling;  // continuous distributions only
   BootstrapResult bootstrap;
 
   bool IsValid() const { return !specification.values.empty() && !IsNotSet(specification.values.front()); }
@@ -132,8 +132,9 @@ struct SaveSettings {
   bool selected = true;            // whether the variable takes part at all
   std::vector<std::size_t> order;  // indices into the fits, best first; none: the default order
   Truncation truncation;
-  std::vector<DistributionSpecification> userDefined;  // the person's own values, each type at most once
-  std::vector<DistributionCode> userDefinedOrder;      // none: the default order
+  std::vector<DistributionSpecification>
+      userDefined;                                 // the person's own values, each distribution at most once
+  std::vector<DistributionCode> userDefinedOrder;  // none: the default order
 };
 
 struct VariableFit {

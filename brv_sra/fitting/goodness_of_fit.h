@@ -1,5 +1,5 @@
 // The goodness-of-fit tests of a fitted distribution: Kolmogorov-Smirnov, chi-square and, for continuous
-// types, Anderson-Darling.
+// distributions, Anderson-Darling.
 #pragma once
 
 #include <span>

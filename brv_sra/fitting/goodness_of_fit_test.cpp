@@ -87,7 +87,7 @@ TEST(GoodnessOfFitReference, AllTestsAgreeWithSciPyAndR) {
   EXPECT_EQ(rows, 22);
 }
 
-// A set of values of every type that spreads over 0 to 10.
+// A set of values of every distribution that spreads over 0 to 10.
 const std::vector<DistributionFit>& Fits() {
   using enum DistributionCode;
   static const std::vector<DistributionFit> kFits{FitOf(kNormal, {4, 2.5}),
@@ -109,7 +109,7 @@ const std::vector<DistributionFit>& Fits() {
   return kFits;
 }
 
-// Values in [0, 10); whole numbers, 0 to `largest`, for a discrete type.
+// Values in [0, 10); whole numbers, 0 to `largest`, for a discrete distribution.
 std::vector<double> DataFor(DistributionCode code) {
   std::vector<double> data(3000);
   RandomStream(33).FillUniform(0, data);
@@ -127,7 +127,7 @@ TEST(GoodnessOfFit, KolmogorovSmirnovIsThatOfTheHostForEveryType) {
     TestFit(fit, data, ChiSquareBinning::kEqualProbabilities);
     const double offset = HasOffset(code) ? fit.specification.offset : 0.0;
     const auto statistic =
-        TestKolmogorovSmirnov(AnyDistribution(TypeOf(code), fit.specification.values), data, offset);
+        TestKolmogorovSmirnov(AnyDistribution(EntryOf(code), fit.specification.values), data, offset);
     ASSERT_TRUE(statistic);
     EXPECT_EQ(fit.kolmogorovSmirnov.statistic, *statistic);
     EXPECT_EQ(IsNotSet(fit.andersonDarling.statistic), !IsContinuous(code));

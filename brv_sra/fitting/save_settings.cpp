@@ -29,7 +29,7 @@ auto FindUserDefined(const VariableFit& variable, DistributionCode code) {
   return std::ranges::find(variable.saving.userDefined, code, &DistributionSpecification::code);
 }
 
-// The valid fit of a type as an index; the number of fits if there is none.
+// The valid fit of a distribution as an index; the number of fits if there is none.
 std::size_t FindValidFit(const VariableFit& variable, DistributionCode code) {
   const auto found = std::ranges::find_if(variable.fits, [code](const DistributionFit& fit) {
     return fit.specification.code == code && fit.IsValid();

@@ -33,13 +33,13 @@ std::string OrderText(std::span<const DistributionCode> order);
 // valid fit's. Null if there are neither.
 const DistributionSpecification* UserDefinedSpecification(const VariableFit& variable, DistributionCode code);
 bool HasUserDefinedValues(const VariableFit& variable, DistributionCode code);
-// Takes the person's own values, which must be valid, of a type of the variable's kind.
+// Takes the person's own values, which must be valid, of a distribution of the variable's kind.
 Result<void> SetUserDefinedValues(VariableFit& variable, DistributionSpecification specification);
 void DropUserDefinedValues(VariableFit& variable, DistributionCode code);
-// The order with user-defined distributions: the person's, otherwise the saved order followed by the types that
+// The order with user-defined distributions: the person's, otherwise the saved order followed by the distributions that
 // have own values only.
 std::vector<DistributionCode> UserDefinedOrder(const VariableFit& variable);
-// Types with own values or a valid fit, each once; none for the default order.
+// Distributions with own values or a valid fit, each once; none for the default order.
 Result<void> SetUserDefinedOrder(VariableFit& variable, std::span<const DistributionCode> order);
 
 // A fault when a bound in force is not set, or when bounds in force cross once they are rounded as they are

@@ -7,7 +7,7 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -48,8 +48,8 @@ std::string_view DisplayName(DistributionCode code) {
 }
 
 std::optional<DistributionCode> CodeFromDisplayName(std::string_view name) {
-  for (const DistributionType* type : DistributionTypes()) {
-    if (DisplayName(type->facts.code) == name) return type->facts.code;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    if (DisplayName(entry->facts.code) == name) return entry->facts.code;
   }
   return std::nullopt;
 }

@@ -7,15 +7,15 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
 
 TEST(DistributionTexts, NamesAndSpacedKeysAreThoseThatTranslatorsKnow) {
   std::int32_t spaced = 10238;
-  for (const DistributionType* type : DistributionTypes()) {
-    const DistributionCode code = type->facts.code;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    const DistributionCode code = entry->facts.code;
     EXPECT_EQ(ResourceString(10036 + static_cast<std::int32_t>(code)), DisplayName(code));
     EXPECT_EQ(DisplayName(code), SpacedKey(code)) << "this module is not translated";
     EXPECT_EQ(CodeFromDisplayName(DisplayName(code)), code);
@@ -32,11 +32,11 @@ TEST(DistributionTexts, NamesAreComparedAsWholeTexts) {
 }
 
 TEST(DistributionTexts, EveryParameterHasAHeadingAndAWord) {
-  for (const DistributionType* type : DistributionTypes()) {
-    for (std::size_t i = 0; i < type->facts.ParameterCount(); ++i) {
-      const ParameterTexts& texts = TextsOf(type->facts.code, i);
-      EXPECT_NE(ResourceString(texts.heading), "") << type->facts.name << i;
-      EXPECT_NE(ResourceString(texts.word), "") << type->facts.name << i;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    for (std::size_t i = 0; i < entry->facts.ParameterCount(); ++i) {
+      const ParameterTexts& texts = TextsOf(entry->facts.code, i);
+      EXPECT_NE(ResourceString(texts.heading), "") << entry->facts.name << i;
+      EXPECT_NE(ResourceString(texts.word), "") << entry->facts.name << i;
     }
   }
 }

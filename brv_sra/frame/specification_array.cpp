@@ -32,7 +32,7 @@ bool HasTruncation(const DistributionFacts& facts, std::size_t items) {
 }
 
 // Throws Error unless the array has as many values as its distribution takes, with or without an offset and a
-// truncation. User-defined types have any number.
+// truncation. User-defined distributions have any number.
 void RequireValueCount(std::span<const Variant> array) {
   const DistributionCode code = CodeFromVariant(array[0]);
   const DistributionFacts& facts = Facts(code);
@@ -89,7 +89,7 @@ std::string MixtureText(std::span<const double> values) {
 bool Tell(const DistributionSpecification& specification, std::span<const double> written) {
   constexpr double kTolerance = 0.01;
   constexpr double kChecked[] = {0.01, 0.5, 0.99};
-  const auto& parameters = TypeOf(specification.code).facts.parameters;
+  const auto& parameters = EntryOf(specification.code).facts.parameters;
   for (std::size_t i = 0; i < written.size(); ++i) {
     const double value = specification.values[i];
     const bool mayBeZero = parameters[i].range == ParameterRange::kFinite;
@@ -132,7 +132,7 @@ std::string ValuesText(const DistributionSpecification& specification) {
 // The prescribed description, with the values where it has none or too few digits of them.
 std::string DescriptionWithValues(const DistributionSpecification& specification) {
   std::string text = Description(specification.code, specification.values);
-  const std::size_t count = TypeOf(specification.code).facts.ParameterCount();
+  const std::size_t count = EntryOf(specification.code).facts.ParameterCount();
   if (specification.values.size() != count || CheckSpecification(specification)) return text;
   if (text.find('(') == std::string::npos) return text + ValuesText(specification);
   return Tell(specification, Written(specification, "%.4f")) ? text

@@ -30,7 +30,7 @@ void CheckEnteredSpecification(const DistributionSpecification& specification);
 // The specification that a person puts as an array. Throws Error whose where() begins with the `owner`.
 DistributionSpecification EnteredSpecification(std::span<const Variant> array, const std::string& owner);
 
-// "Normal(location=1.0000, scale=2.0000) [0, 5]"; the values of user-defined types and an offset are listed after the
+// "Normal(location=1.0000, scale=2.0000) [0, 5]"; the values of user-defined distributions and an offset are listed after the
 // name.
 std::string SpecificationText(const DistributionSpecification& specification);
 

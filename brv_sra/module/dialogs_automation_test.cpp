@@ -330,7 +330,7 @@ TEST_F(Automation, DisabledControlsRefuseAndKeepTheirState) {
   }
 }
 
-TEST_F(Automation, ConstantsOfDistributionTypesAreTheCataloguesKeys) {
+TEST_F(Automation, ConstantsOfDistributionsAreTheCataloguesKeys) {
   const auto keys = FindEnumeration("SupportedDistributionsType")->constants;
   ASSERT_EQ(keys.size(), 16U);
   for (std::size_t code = 0; code < keys.size(); ++code) {

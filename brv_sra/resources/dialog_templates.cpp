@@ -4,7 +4,7 @@
 
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -45,8 +45,8 @@ TabTemplate DistributionTab(std::int32_t caption, bool isContinuous) {
   std::vector<RowTemplate> rows{{{kContinuousVariable + shift, kComboBox, ""},
                                  button(kContinuousPrevious, kFitButtonPrevious),
                                  button(kContinuousNext, kFitButtonNext)}};
-  for (const DistributionType* type : DistributionTypes()) {
-    if (type->facts.isContinuous == isContinuous) rows.push_back(DistributionRow(type->facts));
+  for (const DistributionEntry* entry : DistributionTable()) {
+    if (entry->facts.isContinuous == isContinuous) rows.push_back(DistributionRow(entry->facts));
   }
   rows.push_back({button(kContinuousSelectAll, kFitButtonSelectAll),
                   button(kContinuousClearAll, kFitButtonClearAll),

@@ -61,7 +61,7 @@ inline constexpr auto kKnownTexts = std::to_array<StringResource>({
     {kLowerShape, "shape"},
     {kTriangularLayoutNote, "(min,max,mode)"},
     {kAnalysisTitle, "Distributions & Simulation analysis"},
-    // The editors of user-defined types, edit labels, and the words that name a parameter inside messages.
+    // The editors of user-defined distributions, edit labels, and the words that name a parameter inside messages.
     {kTitleCustomGaussianMixture, "Custom Gaussian mixture distribution"},
     {kTableGaussianMixtureParameters, "GM Parameters"},
     {kHeadingMixingCoefficient, "Mixing coef. "},

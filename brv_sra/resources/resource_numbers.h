@@ -59,7 +59,7 @@ inline constexpr std::int32_t kLowerShape = 10088;
 inline constexpr std::int32_t kTriangularLayoutNote = 10089;
 inline constexpr std::int32_t kAnalysisTitle = 10093;
 
-// The editors of user-defined types, edit labels, and the words that name a parameter inside messages.
+// The editors of user-defined distributions, edit labels, and the words that name a parameter inside messages.
 inline constexpr std::int32_t kTitleCustomGaussianMixture = 10098;
 inline constexpr std::int32_t kTableGaussianMixtureParameters = 10099;
 inline constexpr std::int32_t kHeadingMixingCoefficient = 10100;

@@ -19,7 +19,7 @@ double FiniteOr(double value, double otherwise) {
   return std::isfinite(value) ? value : otherwise;
 }
 
-// What stands behind the first distribution of a variable: the fitted ones of other types.
+// What stands behind the first distribution of a variable: the other fitted ones.
 void AppendOthers(const std::vector<DistributionSpecification>& fitted, DistributionCode first,
                   std::vector<DistributionSpecification>& ranked) {
   for (const DistributionSpecification& other : fitted) {

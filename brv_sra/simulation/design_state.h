@@ -51,7 +51,7 @@ Result<std::vector<DistributionSpecification>> SavedDistributions(const Variable
                                                                   int variableNumber);
 
 // Writes what each variable is simulated from as the properties of the variable of its name, followed by the fitted
-// distributions of other types, in their order. A variable that is left out, or of which nothing is known, stays as it
+// others, in their order. A variable that is left out, or of which nothing is known, stays as it
 // is.
 void SaveDesign(VariablePropertyStore& store, std::span<const std::string> sheetVariables,
                 const DesignState& design);

@@ -95,7 +95,7 @@ std::int32_t ComputeKolmogorovSmirnovTest(std::int32_t testCode, std::span<const
   const auto found = std::ranges::find(kTestCodes, testCode);
   if (found == kTestCodes.end()) return 0;
   const auto code = static_cast<DistributionCode>(found - kTestCodes.begin());
-  const auto result = TestKolmogorovSmirnov(AnyDistribution(TypeOf(code), parameters), sortedData, offset);
+  const auto result = TestKolmogorovSmirnov(AnyDistribution(EntryOf(code), parameters), sortedData, offset);
   if (result) statistic = *result;
   return result ? 1 : 0;
 }

@@ -13,7 +13,7 @@ namespace {
 
 // Densities and distribution functions: SciPy 1.10 (norm, lognorm, foldnorm, halfnorm, rayleigh, weibull_min,
 // johnsonsu, genextreme, genpareto, triang, binom, poisson, geom; the sign of the shapes of the generalized
-// ones and the start of geom adapted), printed with repr(). The quantile of a discrete type at a probability
+// ones and the start of geom adapted), printed with repr(). The quantile of a discrete distribution at a probability
 // near a step could fall to either side; none of these is.
 TEST(Curve, FunctionsTakeTheirArgumentsInTheOrderOfTheTable) {
   struct Case {

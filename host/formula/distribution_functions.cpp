@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/numeric/distributions/all_distributions.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {

@@ -10,7 +10,7 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
@@ -50,7 +50,7 @@ void PutCorrelations(AutomationObject& dialog, const DesignText& design,
 }  // namespace
 
 Variant::Array SpecificationOf(const NotedDistribution& noted) {
-  const DistributionFacts& facts = TypeOf(noted.code).facts;
+  const DistributionFacts& facts = EntryOf(noted.code).facts;
   Variant::Array array{std::string(facts.name)};
   for (const double value : noted.values) array.emplace_back(value);
   for (std::size_t i = 0; i < noted.levels.size(); ++i)
@@ -68,7 +68,7 @@ NotedDistribution DistributionFrom(const Variant::Array& array) {
   const std::string key = array.front().ToText();
   NotedDistribution noted;
   noted.code = static_cast<DistributionCode>(std::ranges::find(keys, key) - keys.begin());
-  const DistributionFacts& facts = TypeOf(noted.code).facts;
+  const DistributionFacts& facts = EntryOf(noted.code).facts;
   const auto truncation = array.end() - 4;
   for (auto item = array.begin() + 1; item != truncation; ++item) noted.values.push_back(item->ToReal());
   if (facts.HasOffset()) {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {

@@ -30,10 +30,11 @@ bool HoldsTrimmed(const Names& names, const std::string& name) {
 }
 
 // The distribution of that name; null if there is none, which is a fault.
-const FittedType* TypeNamed(std::string_view field, const std::string& name, JobFaults& faults) {
-  const FittedType* type = FindFittedType(name);
-  if (type == nullptr) faults.push_back({std::string(field), NoSuchType(name)});
-  return type;
+const NamedDistribution* DistributionNamed(std::string_view field, const std::string& name,
+                                           JobFaults& faults) {
+  const NamedDistribution* distribution = FindDistribution(name);
+  if (distribution == nullptr) faults.push_back({std::string(field), NoSuchDistribution(name)});
+  return distribution;
 }
 
 template <class Entries>
@@ -54,7 +55,7 @@ class FitCheck {
     Offsets();
     Counts("mixtures", job_.mixtures, "gaussianmixture", kFewestMixtures, kMostMixtures);
     Counts("trials", job_.trials, "binomial", 1, kMostCount);
-    if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindFittedType("johnson"));
+    if (job_.johnsonPercentiles) RequireTried("johnsonPercentiles", *FindDistribution("johnson"));
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
     CheckBootstrap(job_.bootstrap, job_.bootstrapSeed, faults_);
     Quantiles();
@@ -81,8 +82,9 @@ class FitCheck {
   }
 
   // A setting of a distribution that is not tried would do nothing.
-  void RequireTried(std::string_view field, const FittedType& type) {
-    if (!job_.Tries(type)) Add(field, "the " + std::string(type.name) + " distribution is not tried");
+  void RequireTried(std::string_view field, const NamedDistribution& distribution) {
+    if (!job_.Tries(distribution))
+      Add(field, "the " + std::string(distribution.name) + " distribution is not tried");
   }
 
   // A setting of a kind of variables that is not fitted would do nothing.
@@ -105,14 +107,14 @@ class FitCheck {
   void Distributions() {
     Names names;
     for (const std::string& name : job_.distributions) {
-      const FittedType* type = TypeNamed("distributions", name, faults_);
-      if (type == nullptr) return;
-      names.push_back(type->name);
+      const NamedDistribution* distribution = DistributionNamed("distributions", name, faults_);
+      if (distribution == nullptr) return;
+      names.push_back(distribution->name);
     }
     CheckOnce("distributions", std::move(names), faults_);
     for (const bool continuous : {true, false}) {
-      const bool any = std::ranges::any_of(kFittedTypes, [&](const FittedType& type) {
-        return type.continuous == continuous && job_.Tries(type);
+      const bool any = std::ranges::any_of(kNamedDistributions, [&](const NamedDistribution& distribution) {
+        return distribution.continuous == continuous && job_.Tries(distribution);
       });
       if (any || !IsFitted(continuous)) continue;
       Add("distributions",
@@ -122,25 +124,25 @@ class FitCheck {
       return;
     }
     for (const std::string& name : job_.distributions) {
-      const FittedType& type = *FindFittedType(name);
-      if (!IsFitted(type.continuous))
+      const NamedDistribution& distribution = *FindDistribution(name);
+      if (!IsFitted(distribution.continuous))
         Add("distributions",
-            "the " + type.name + " distribution is for " +
-                (type.continuous ? "continuous variables, but no continuous variable is fitted"
-                                 : "discrete variables; a variable is fitted as discrete only if it "
-                                   "is given as discrete"));
+            "the " + distribution.name + " distribution is for " +
+                (distribution.continuous ? "continuous variables, but no continuous variable is fitted"
+                                         : "discrete variables; a variable is fitted as discrete only if it "
+                                           "is given as discrete"));
     }
   }
 
   void Offsets() {
     Names things;
     for (const FitJob::Offset& offset : job_.offsets) {
-      const FittedType* type = TypeNamed("offsets", offset.distribution, faults_);
-      if (type == nullptr) continue;
-      const std::string name(type->name);
+      const NamedDistribution* distribution = DistributionNamed("offsets", offset.distribution, faults_);
+      if (distribution == nullptr) continue;
+      const std::string name(distribution->name);
       things.push_back(offset.variable + ":" + name);
-      if (type->offset.empty()) Add("offsets", "the " + name + " distribution has no offset");
-      RequireTried("offsets", *type);
+      if (distribution->offset.empty()) Add("offsets", "the " + name + " distribution has no offset");
+      RequireTried("offsets", *distribution);
       CheckNumber("offsets", offset.value, faults_, things.back());
       if (IsNotSet(offset.value)) Add("offsets", "-444 means that no offset is set and cannot be an offset");
     }
@@ -152,7 +154,7 @@ class FitCheck {
     for (const FitJob::Count& count : counts)
       CheckWholeNumber(field, count.value, fewest, most, faults_, count.variable);
     CheckOnce(field, NamesOf(counts), faults_);
-    if (!counts.empty()) RequireTried(field, *FindFittedType(distribution));
+    if (!counts.empty()) RequireTried(field, *FindDistribution(distribution));
   }
 
   void Quantiles() {
@@ -198,13 +200,13 @@ class FitCheck {
       Add("order", Quoted(order.variable) + ": expected at least one distribution");
     Names names;
     for (const std::string& name : order.distributions) {
-      const FittedType* type = TypeNamed("order", name, faults_);
-      if (type == nullptr) continue;
-      RequireTried("order", *type);
-      if (type->continuous == HoldsTrimmed(job_.variables.discrete, order.variable))
-        Add("order", Quoted(order.variable) + ": the " + type->name + " distribution is for " +
-                         (type->continuous ? "continuous variables" : "discrete variables"));
-      names.emplace_back(type->name);
+      const NamedDistribution* distribution = DistributionNamed("order", name, faults_);
+      if (distribution == nullptr) continue;
+      RequireTried("order", *distribution);
+      if (distribution->continuous == HoldsTrimmed(job_.variables.discrete, order.variable))
+        Add("order", Quoted(order.variable) + ": the " + distribution->name + " distribution is for " +
+                         (distribution->continuous ? "continuous variables" : "discrete variables"));
+      names.emplace_back(distribution->name);
     }
     CheckOnce("order", std::move(names), faults_);
   }

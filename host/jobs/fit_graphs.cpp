@@ -19,7 +19,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/fit_results.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -39,7 +39,7 @@ std::optional<ResultRow> ChooseFirstSaved(AutomationObject& dialog, std::int32_t
 }
 
 std::string_view IdentifierOf(const ResultRow& fit) {
-  return kFittedTypes.at(static_cast<std::size_t>(fit.Number("code"_column))).name;
+  return kNamedDistributions.at(static_cast<std::size_t>(fit.Number("code"_column))).name;
 }
 
 // Of the variable that the Quick tab shows, with the fit that it shows.
@@ -106,7 +106,7 @@ void AddBand(AutomationObject& dialog, std::size_t count, Graph& graph) {
   const ResultRow& fit =
       fits.at(static_cast<std::size_t>(dialog.Get("QuickTabDistribution").ToInteger() - 1));
   const auto code = static_cast<std::size_t>(fit.Number("code"_column));
-  if (graph.series.empty() || !kFittedTypes.at(code).continuous) return;
+  if (graph.series.empty() || !kNamedDistributions.at(code).continuous) return;
   if (graph.kind == GraphKind::kProbabilityPlot) graph.bands.push_back(ProbabilityBand(count, kName));
   if (graph.kind != GraphKind::kQuantilePlot) return;
   const std::vector<double> parameters = fit.Numbered("parameter"_column);

@@ -16,7 +16,7 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
@@ -156,8 +156,9 @@ void PutDistributions(AutomationObject& dialog, const FitJob& job, const FitJob:
     const std::size_t count = (continuous ? fitted.continuous : fitted.discrete).size();
     for (std::size_t i = 1; i <= count; ++i) {
       const auto place = static_cast<std::int32_t>(i);
-      for (const FittedType& type : kFittedTypes) {
-        if (type.continuous == continuous) dialog.Put(type.check, place, job.Tries(type));
+      for (const NamedDistribution& distribution : kNamedDistributions) {
+        if (distribution.continuous == continuous)
+          dialog.Put(distribution.check, place, job.Tries(distribution));
       }
       if (continuous) dialog.Put("FitJohnsonByPercentile", place, job.johnsonPercentiles);
     }
@@ -166,7 +167,7 @@ void PutDistributions(AutomationObject& dialog, const FitJob& job, const FitJob:
 
 void PutNumbers(AutomationObject& dialog, const FitJob& job, const FitJob::Variables& fitted) {
   for (const FitJob::Offset& offset : job.offsets) {
-    dialog.Put(FindFittedType(offset.distribution)->offset, PlaceOf(offset.variable, fitted.continuous),
+    dialog.Put(FindDistribution(offset.distribution)->offset, PlaceOf(offset.variable, fitted.continuous),
                offset.value);
   }
   for (const FitJob::Count& mixture : job.mixtures) {
@@ -179,17 +180,17 @@ void PutNumbers(AutomationObject& dialog, const FitJob& job, const FitJob::Varia
   }
 }
 
-// Codes are the places in the table of types, whose order is that of the catalogue.
+// Codes are the places in the table of distributions, whose order is that of the catalogue.
 Variant CodesOf(const std::vector<std::string>& names) {
   Variant::Array codes;
   for (const std::string& name : names)
-    codes.emplace_back(static_cast<std::int32_t>(FindFittedType(name) - kFittedTypes.data()));
+    codes.emplace_back(static_cast<std::int32_t>(FindDistribution(name) - kNamedDistributions.data()));
   return codes;
 }
 
 // The place of the fit of a distribution, which is valid.
 std::optional<std::size_t> FitOf(const std::string& distribution, const FittedVariable& variable) {
-  const auto code = static_cast<int>(FindFittedType(distribution) - kFittedTypes.data());
+  const auto code = static_cast<int>(FindDistribution(distribution) - kNamedDistributions.data());
   const auto found = std::ranges::find(variable.fits, code, &FittedDistribution::code);
   if (found == variable.fits.end() || found->parameters.empty()) return std::nullopt;
   return static_cast<std::size_t>(found - variable.fits.begin());
@@ -232,9 +233,9 @@ std::vector<std::string> FitJob::Variables::All() const {
   return all;
 }
 
-bool FitJob::Tries(const FittedType& type) const {
+bool FitJob::Tries(const NamedDistribution& distribution) const {
   return distributions.empty() || std::ranges::any_of(distributions, [&](const std::string& name) {
-           return FindFittedType(name) == &type;
+           return FindDistribution(name) == &distribution;
          });
 }
 

@@ -83,7 +83,7 @@ struct FitJob {
   bool AsksForQuantiles() const { return !quantiles.empty() || !exceed.empty() || !returnPeriods.empty(); }
   double IntervalConfidence() const { return confidence.value_or(0.95); }
   // Whether the distribution is tried, if it applies to a variable.
-  bool Tries(const FittedType& type) const;
+  bool Tries(const NamedDistribution& distribution) const;
 
   // All that can be refused without the data.
   JobFaults Check() const;

@@ -7,7 +7,7 @@
 
 #include "host/base/error.h"
 #include "host/base/process/interruption.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/statistics/fit_intervals.h"
 
 namespace brenvolt {

@@ -10,7 +10,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/jobs/base/dialog_words.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 
 namespace brenvolt {
@@ -44,7 +44,7 @@ std::string_view NameOf(EstimateOrigin origin) {
 }
 
 std::string_view IdentifierIn(const ResultRow& row) {
-  return kFittedTypes.at(static_cast<std::size_t>(row.Number("code"_column))).name;
+  return kNamedDistributions.at(static_cast<std::size_t>(row.Number("code"_column))).name;
 }
 
 FittedDistribution TakeFit(ResultRow row) {
@@ -108,9 +108,9 @@ std::optional<std::size_t> FirstSaved(AutomationObject& dialog, std::int32_t var
                                       std::span<const int> fits) {
   const Variant index(variable);
   const std::string order = dialog.Get("DistributionOrder", {&index, 1}).ToText();
-  const FittedType* type = FindFittedType(order.substr(0, order.find(';')));
-  if (type == nullptr) return std::nullopt;
-  const auto first = std::ranges::find(fits, static_cast<int>(type - kFittedTypes.data()));
+  const NamedDistribution* distribution = FindDistribution(order.substr(0, order.find(';')));
+  if (distribution == nullptr) return std::nullopt;
+  const auto first = std::ranges::find(fits, static_cast<int>(distribution - kNamedDistributions.data()));
   if (first == fits.end()) return std::nullopt;
   return static_cast<std::size_t>(first - fits.begin());
 }

@@ -11,7 +11,7 @@
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -23,7 +23,7 @@ std::vector<std::string> WhatBoundsLeaveOut(const std::vector<NotedVariable>& dr
   std::vector<std::string> notes;
   for (const NotedVariable& variable : drawn) {
     const auto& [code, values, offset, minimum, maximum, levels] = variable.distribution;
-    if (TypeOf(code).facts.isContinuous || !minimum || *minimum != std::floor(*minimum)) continue;
+    if (EntryOf(code).facts.isContinuous || !minimum || *minimum != std::floor(*minimum)) continue;
     notes.push_back(variable.name + ": Latin hypercube sampling leaves out the lower bound " +
                     ShortestNumber(*minimum) + " itself; a bound of " + ShortestNumber(*minimum - 0.5) +
                     " keeps it");

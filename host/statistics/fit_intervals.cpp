@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "host/base/parallel.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/normal.h"
 #include "host/statistics/moments.h"
 
@@ -147,15 +147,15 @@ std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double>
   MomentAccumulator accumulator;
   for (const double x : sample) accumulator.Add(x, 1);
   const Moments moments = accumulator.Finish();
-  const auto estimate = TypeOf(code).estimate({.sorted = sample,
-                                               .offset = offset,
-                                               .mean = moments.mean,
-                                               .standardDeviation = moments.standardDeviation,
-                                               .skewness = moments.skewness,
-                                               .kurtosis = moments.kurtosis,
-                                               .components = choices.components,
-                                               .isByPercentiles = choices.isByPercentiles,
-                                               .poll = poll});
+  const auto estimate = EntryOf(code).estimate({.sorted = sample,
+                                                .offset = offset,
+                                                .mean = moments.mean,
+                                                .standardDeviation = moments.standardDeviation,
+                                                .skewness = moments.skewness,
+                                                .kurtosis = moments.kurtosis,
+                                                .components = choices.components,
+                                                .isByPercentiles = choices.isByPercentiles,
+                                                .poll = poll});
   if (!estimate) return std::nullopt;
   return FittedValues{code, estimate->values, offset, estimate->covariance};
 }

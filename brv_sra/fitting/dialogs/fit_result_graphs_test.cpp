@@ -34,7 +34,7 @@ VariableFit Named(bool continuous) {
 const std::vector<double> kLives{1.2, 1.5, 2, 2, 2.25, 2.5, 3, 3.75, 4, 6.5};
 const std::vector<double> kCounts{0, 0, 0, 1, 1, 2, 2, 2, 3, 5};
 
-// Every type, shifted and not; discrete ones at whole numbers.
+// Every distribution, shifted and not; discrete ones at whole numbers.
 TEST(FitGraphs, CurvesOfEveryTypeAreThoseOfTheDistribution) {
   const DistributionFit fits[] = {Fit(kNormal, {3, 1.5}),
                                   Fit(kLogNormal, {1, 0.5}, 0.5),

@@ -1,7 +1,7 @@
 // The profiler's page of predictors: which distribution each is drawn from.
 //
 // The fields show the distribution that is highlighted for the predictor that is highlighted: its values
-// where it is the predictor's own, otherwise nothing. Of a type of repeated groups they show one group at a time,
+// where it is the predictor's own, otherwise nothing. Of a distribution of repeated groups they show one group at a time,
 // which the combo box chooses. "Fixed" comes after the distributions.
 #pragma once
 

@@ -22,12 +22,12 @@ DesignSimDistributionModalDlg::DesignSimDistributionModalDlg(AnalysisServices& a
 }
 
 void DesignSimDistributionModalDlg::OnInitDialog() {
-  std::vector<std::string> types;
+  std::vector<std::string> names;
   for (int code = 0; code < kDistributionCount; ++code)
-    types.emplace_back(DisplayName(static_cast<DistributionCode>(code)));
+    names.emplace_back(DisplayName(static_cast<DistributionCode>(code)));
   const DistributionCode code = start_ != nullptr ? start_->code : DistributionCode::kNormal;
   Controls().SetText(kVariable, variable_);
-  Controls().SetItems(kTypes, std::move(types));
+  Controls().SetItems(kTypes, std::move(names));
   Controls().Select(kTypes, static_cast<int>(code));
   fields_.Edit(code, start_);
 }

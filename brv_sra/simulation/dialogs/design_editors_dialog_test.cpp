@@ -46,7 +46,7 @@ TEST_F(DesignEditors, DistributionIsEnteredWithOffsetAndBounds) {
             "Var2: Weibull(scale=3.0000, shape=2.0000) + 0.5 [, 9]");
 }
 
-// The types differ in their fields; the labels are those of the catalogue.
+// The distributions differ in their fields; the labels are those of the catalogue.
 TEST_F(DesignEditors, EveryTypeShowsItsParameters) {
   using namespace design_distribution;
   const char* const labels[kDistributionCount] = {"Location:,Scale:",

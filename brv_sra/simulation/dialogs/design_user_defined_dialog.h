@@ -1,4 +1,4 @@
-// The user-defined types: a Gaussian mixture of 2 to 20 components, or a histogram of codes whose proportions add up to 1,
+// The user-defined distributions: a Gaussian mixture of 2 to 20 components, or a histogram of codes whose proportions add up to 1,
 // with all components or classes in a list and the layout of their values in a note.
 #pragma once
 

@@ -513,9 +513,8 @@ void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correl
                              " with " + file.variables[repair.row] + " from " + Readable(repair.from) +
                              " to " + Readable(repair.to),
                          MessageIcon::kInformation);
-  Analysis().Interface().ShowDocument(
-      std::make_shared<CAnalysisTableDoc>(
-          ValueOrThrow(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle)))));
+  Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(
+      ValueOrThrow(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle)))));
 }
 
 }  // namespace brenvolt::sra

@@ -1,4 +1,4 @@
-// The natural generators: candidates for Monte Carlo values of the types that have a quicker way to a value
+// The natural generators: candidates for Monte Carlo values of the distributions that have a quicker way to a value
 // than inversion.
 #pragma once
 

@@ -1,4 +1,4 @@
-// One distribution of every type, and the ways to truncate it: the tables over which sampling is tested.
+// Every distribution, and the ways to truncate it: the tables over which sampling is tested.
 #pragma once
 
 #include <string>
@@ -53,7 +53,7 @@ inline constexpr SampledTruncation kTruncations[] = {{"none", false, 0, 1},
                                                      {"one limit and band", true, 0, 0.8},
                                                      {"far limit", false, 0.995, 1}};
 
-// The variable with user limits; a discrete type's lie between its values, so that inversion and rejection
+// The variable with user limits; a discrete distribution's lie between its values, so that inversion and rejection
 // agree on what lies within.
 inline SimulationVariable Truncated(SimulationVariable variable, const SampledTruncation& truncation) {
   DistributionSpecification& s = variable.specification;

@@ -84,7 +84,7 @@ void VariableSampler::SetRanges(bool truncate, ParameterSource source) {
 }
 
 bool VariableSampler::HasValues() const {
-  // Not so if a limit is NaN. Limits between two neighbouring values of a discrete type leave no value.
+  // Not so if a limit is NaN. Limits between two neighbouring values of a discrete distribution leave no value.
   if (!(leastValue_ <= mostValue_)) return false;
   if (IsSentinel(distribution_.Quantile(0.5))) return false;
   if (!(leastProbability_ <= mostProbability_) || upperProbability_ <= 0) return false;

@@ -5,7 +5,7 @@
 // order of draws is that of values drawn one after another: a Monte Carlo value takes one uniform deviate u
 // for its fallback, used or not, then up to five candidates of one or two uniform deviates each
 // (candidates.h), and is the first candidate within the range of values, otherwise the value at the probability
-// lower + u (upper - lower). Types without candidates are at that probability at once.
+// lower + u (upper - lower). Distributions without candidates are at that probability at once.
 #pragma once
 
 #include <cstdint>
@@ -32,7 +32,7 @@ class VariableSampler {
 
   // False when the distribution cannot be sampled; the other members must then not be called.
   bool IsValid() const { return valid_; }
-  // The range of probabilities, 0 <= lower <= upper <= 1. Of a discrete type the lower end is the
+  // The range of probabilities, 0 <= lower <= upper <= 1. Of a discrete distribution the lower end is the
   // distribution function at the lower limit, so inversion does not reach that limit itself.
   double LowerProbability() const { return lowerProbability_; }
   double UpperProbability() const { return upperProbability_; }

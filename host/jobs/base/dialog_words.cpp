@@ -6,21 +6,21 @@
 #include "host/base/lower_case.h"
 #include "host/base/nearest_name.h"
 #include "host/base/quoted.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 
 namespace {
 
-std::vector<FittedType> TypesFromFacts() {
-  std::vector<FittedType> types;
-  for (const DistributionType* type : DistributionTypes()) {
-    const DistributionFacts& facts = type->facts;
+std::vector<NamedDistribution> DistributionsFromFacts() {
+  std::vector<NamedDistribution> distributions;
+  for (const DistributionEntry* entry : DistributionTable()) {
+    const DistributionFacts& facts = entry->facts;
     const std::string longName(facts.longName);
-    types.push_back({LowerCase(facts.name), facts.isContinuous, "Is" + longName + "Distribution",
-                     facts.HasOffset() ? longName + "Offset" : ""});
+    distributions.push_back({LowerCase(facts.name), facts.isContinuous, "Is" + longName + "Distribution",
+                             facts.HasOffset() ? longName + "Offset" : ""});
   }
-  return types;
+  return distributions;
 }
 
 // What people call distributions beside the names of their facts, as statistics packages have taught them.
@@ -44,31 +44,33 @@ bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
 
 }  // namespace
 
-const std::vector<FittedType> kFittedTypes = TypesFromFacts();
+const std::vector<NamedDistribution> kNamedDistributions = DistributionsFromFacts();
 
-const FittedType* FindFittedType(std::string_view name) {
+const NamedDistribution* FindDistribution(std::string_view name) {
   std::string plain = LowerCase(name);
   std::erase_if(plain, [](char c) { return c == ' ' || c == '-' || c == '_'; });
   const auto other = std::ranges::find(kOtherNames, plain, &OtherName::name);
-  if (other != kOtherNames.end()) return &kFittedTypes[static_cast<std::size_t>(other->code)];
-  for (const DistributionType* type : DistributionTypes()) {
-    if (IsCalled(type->facts, plain)) return &kFittedTypes[static_cast<std::size_t>(type->facts.code)];
+  if (other != kOtherNames.end()) return &kNamedDistributions[static_cast<std::size_t>(other->code)];
+  for (const DistributionEntry* entry : DistributionTable()) {
+    if (IsCalled(entry->facts, plain))
+      return &kNamedDistributions[static_cast<std::size_t>(entry->facts.code)];
   }
   return nullptr;
 }
 
-std::string FittedTypeNames() {
+std::string AllDistributionNames() {
   std::string names;
-  for (const FittedType& type : kFittedTypes) names += (names.empty() ? "" : ", ") + type.name;
+  for (const NamedDistribution& distribution : kNamedDistributions)
+    names += (names.empty() ? "" : ", ") + distribution.name;
   return names;
 }
 
-std::string NoSuchType(std::string_view name) {
+std::string NoSuchDistribution(std::string_view name) {
   std::vector<std::string> names;
-  for (const FittedType& type : kFittedTypes) names.push_back(type.name);
+  for (const NamedDistribution& distribution : kNamedDistributions) names.push_back(distribution.name);
   const std::string hint = NearestNameHint(name, names);
   return "no distribution called " + Quoted(name) + hint +
-         (hint.empty() ? "; the distributions are " : " The distributions are ") + FittedTypeNames();
+         (hint.empty() ? "; the distributions are " : " The distributions are ") + AllDistributionNames();
 }
 
 const Choices kCriteria{{"ks", "ContinuousKolmogorovSmirovTest"},

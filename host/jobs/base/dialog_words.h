@@ -12,7 +12,7 @@
 namespace brenvolt {
 
 // A distribution, and its members in the dialog of the fit specification.
-struct FittedType {
+struct NamedDistribution {
   std::string name;  // that of its facts in lower case
   bool continuous;
   std::string check;
@@ -20,16 +20,16 @@ struct FittedType {
 };
 
 // In the order of the distributions' codes, which are the places here.
-extern const std::vector<FittedType> kFittedTypes;
+extern const std::vector<NamedDistribution> kNamedDistributions;
 
 // The distribution that a person names, in any case, with blanks or hyphens between its words ("Log-Normal"),
 // or by another usual name ("gev"); null when there is none.
-const FittedType* FindFittedType(std::string_view name);
+const NamedDistribution* FindDistribution(std::string_view name);
 // All names, separated by commas.
-std::string FittedTypeNames();
+std::string AllDistributionNames();
 // What is said of a name that none has: "no distribution called 'x'; the distributions are normal, …", and
 // before them the nearest name where one is near.
-std::string NoSuchType(std::string_view name);
+std::string NoSuchDistribution(std::string_view name);
 
 // Of the fit specification: by what continuous and discrete variables are ranked, the bins of the chi-square
 // test, and what is left out with a missing value.

@@ -18,14 +18,15 @@ TEST(DialogWords, DistributionsAreFoundAsPeopleWriteThem) {
                                                        {"GenExtreme", "generalextremevalue"},
                                                        {"Generalized Pareto", "generalpareto"}};
   for (const auto& [written, name] : names) {
-    const FittedType* type = FindFittedType(written);
-    ASSERT_NE(type, nullptr) << written;
-    EXPECT_EQ(type->name, name) << written;
+    const NamedDistribution* distribution = FindDistribution(written);
+    ASSERT_NE(distribution, nullptr) << written;
+    EXPECT_EQ(distribution->name, name) << written;
     // Callers take the place in the table for the code.
-    EXPECT_LT(static_cast<std::size_t>(type - kFittedTypes.data()), kFittedTypes.size()) << written;
+    EXPECT_LT(static_cast<std::size_t>(distribution - kNamedDistributions.data()), kNamedDistributions.size())
+        << written;
   }
-  EXPECT_EQ(FindFittedType("weibul"), nullptr);
-  EXPECT_EQ(FindFittedType(""), nullptr);
+  EXPECT_EQ(FindDistribution("weibul"), nullptr);
+  EXPECT_EQ(FindDistribution(""), nullptr);
 }
 
 }  // namespace

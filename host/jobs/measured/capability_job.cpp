@@ -17,7 +17,7 @@
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_plots.h"
 #include "host/jobs/notation/distribution_notation.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -315,11 +315,11 @@ JobFaults CapabilityJob::Check() const {
   if (!subgroup && controlChart && kControlCharts.contains(*controlChart) && *controlChart != "i-mr")
     add("controlChart", "the values have no subgroups, so their chart is i-mr");
   if (distribution) {
-    const FittedType* type = FindFittedType(*distribution);
-    if (type == nullptr) {
-      add("distribution", NoSuchType(*distribution));
-    } else if (!type->continuous) {
-      add("distribution", "the " + type->name + " distribution is for discrete variables");
+    const NamedDistribution* named = FindDistribution(*distribution);
+    if (named == nullptr) {
+      add("distribution", NoSuchDistribution(*distribution));
+    } else if (!named->continuous) {
+      add("distribution", "the " + named->name + " distribution is for discrete variables");
     }
   }
   if (confidence && !(*confidence > 0 && *confidence < 1))

@@ -14,7 +14,7 @@
 #include "host/jobs/measured/censored_plots.h"
 #include "host/jobs/notation/distribution_notation.h"
 #include "host/numeric/censored/censored_estimator.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -191,21 +191,22 @@ std::string ReasonOf(const Fault<EstimationFault>& fault) {
   }
 }
 
-// The name by which people call the type of a code.
+// The name by which people call the distribution of a code.
 const std::string& NameOf(DistributionCode code) {
-  return kFittedTypes[static_cast<std::size_t>(code)].name;
+  return kNamedDistributions[static_cast<std::size_t>(code)].name;
 }
 
 double OffsetFor(const FitJob& job, const std::string& variable, DistributionCode code) {
   for (const FitJob::Offset& one : job.offsets) {
-    if (one.variable == variable && FindFittedType(one.distribution)->name == NameOf(code)) return one.value;
+    if (one.variable == variable && FindDistribution(one.distribution)->name == NameOf(code))
+      return one.value;
   }
   return 0;
 }
 
 CensoredFit FitOf(DistributionCode code, const CensoredSample& sample, double offset,
                   const std::vector<PlottingPosition>& positions) {
-  const DistributionFacts& facts = TypeOf(code).facts;
+  const DistributionFacts& facts = EntryOf(code).facts;
   CensoredFit fit;
   fit.name = NameOf(code);
   fit.values.code = code;
@@ -234,7 +235,7 @@ CensoredFit FitOf(DistributionCode code, const CensoredSample& sample, double of
 std::vector<DistributionCode> CodesFor(const FitJob& job) {
   std::vector<DistributionCode> codes;
   for (const DistributionCode code : CensoredDistributions()) {
-    if (job.Tries(kFittedTypes[static_cast<std::size_t>(code)])) codes.push_back(code);
+    if (job.Tries(kNamedDistributions[static_cast<std::size_t>(code)])) codes.push_back(code);
   }
   return codes;
 }
@@ -318,12 +319,12 @@ JobFaults CensoredFitJob::Check() const {
   for (const DistributionCode code : CensoredDistributions())
     fitted += (fitted.empty() ? "" : ", ") + NameOf(code);
   for (const std::string& name : fit.distributions) {
-    const FittedType* type = FindFittedType(name);
-    if (type != nullptr &&
-        std::ranges::find(CensoredDistributions(), type->name, NameOf) == CensoredDistributions().end())
+    const NamedDistribution* named = FindDistribution(name);
+    if (named != nullptr &&
+        std::ranges::find(CensoredDistributions(), named->name, NameOf) == CensoredDistributions().end())
       faults.push_back(
           {"distributions",
-           "the " + type->name + " distribution is not fitted to censored values; these are: " + fitted});
+           "the " + named->name + " distribution is not fitted to censored values; these are: " + fitted});
   }
   return faults;
 }

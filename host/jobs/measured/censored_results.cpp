@@ -3,7 +3,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -25,7 +25,7 @@ Json FitJson(const CensoredFit& fit, std::size_t rank) {
   if (!fit.IsValid()) return json;
   json["description"] = fit.notation;
   json["parameters"] = fit.values.values;
-  if (TypeOf(fit.values.code).facts.HasOffset()) json["offset"] = fit.values.offset;
+  if (EntryOf(fit.values.code).facts.HasOffset()) json["offset"] = fit.values.offset;
   json["standardErrors"] = fit.standardErrors;
   const std::size_t n = fit.values.values.size();
   Json covariance = Json::array();

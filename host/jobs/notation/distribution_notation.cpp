@@ -11,7 +11,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/notation/value_words.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/johnson.h"
 
 namespace brenvolt {
@@ -35,7 +35,7 @@ constexpr std::array<Synonym, 9> kSynonyms{{{"mean", "location", DistributionCod
                                             {"family", "type", {}}}};
 
 std::string TypeName(const DistributionFacts& facts) {
-  return kFittedTypes[static_cast<std::size_t>(facts.code)].name;
+  return kNamedDistributions[static_cast<std::size_t>(facts.code)].name;
 }
 
 // The parameters in order, with the offset if there is one.
@@ -76,7 +76,7 @@ class Reader {
   }
 
   NotedDistribution Distribution() {
-    const DistributionFacts& facts = Type();
+    const DistributionFacts& facts = FactsNamed();
     noted_.code = facts.code;
     Values(facts);
     const std::size_t values = place_;
@@ -105,23 +105,23 @@ class Reader {
     if (!Take(c)) Fail(place_, "expected '" + std::string(1, c) + "' " + why);
   }
 
-  const DistributionFacts& Type() {
+  const DistributionFacts& FactsNamed() {
     SkipBlanks();
     start_ = place_;
     const std::size_t open = std::min(text_.find('(', place_), text_.size());
     const std::string name(Trim(text_.substr(place_, open - place_)));
-    if (name.empty()) Fail(place_, "expected a distribution: one of " + FittedTypeNames());
-    const FittedType* type = FindFittedType(name);
-    if (type == nullptr) {
+    if (name.empty()) Fail(place_, "expected a distribution: one of " + AllDistributionNames());
+    const NamedDistribution* distribution = FindDistribution(name);
+    if (distribution == nullptr) {
       std::vector<std::string> names;
-      for (const FittedType& known : kFittedTypes) names.push_back(known.name);
+      for (const NamedDistribution& known : kNamedDistributions) names.push_back(known.name);
       const std::string nearest = NearestName(name, names);
       const std::string hint = nearest.empty() ? "." : "; did you mean " + nearest + "?";
       Fail(place_, "no distribution is called " + Quoted(name) + hint +
-                       " The distributions are: " + FittedTypeNames());
+                       " The distributions are: " + AllDistributionNames());
     }
     place_ = open;
-    return TypeOf(static_cast<DistributionCode>(type - kFittedTypes.data())).facts;
+    return EntryOf(static_cast<DistributionCode>(distribution - kNamedDistributions.data())).facts;
   }
 
   std::string Takes(const DistributionFacts& facts) const {
@@ -355,7 +355,7 @@ NotedVariable ReadVariable(const std::string& name, std::string_view distributio
 }
 
 std::string NotationOf(const NotedDistribution& distribution) {
-  const DistributionFacts& facts = TypeOf(distribution.code).facts;
+  const DistributionFacts& facts = EntryOf(distribution.code).facts;
   const std::size_t group = facts.ParameterCount();
   std::string text = TypeName(facts) + "(";
   for (std::size_t i = 0; i < distribution.values.size(); ++i) {
@@ -381,7 +381,7 @@ std::string NotationOf(const NotedVariable& variable) {
 }
 
 std::string ParameterNames(DistributionCode code) {
-  const DistributionFacts& facts = TypeOf(code).facts;
+  const DistributionFacts& facts = EntryOf(code).facts;
   std::string text;
   for (const std::string& name : NamesOf(facts))
     text += (text.empty() ? "" : facts.isUserDefined ? ":" : ", ") + name;

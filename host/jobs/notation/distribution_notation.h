@@ -6,7 +6,7 @@
 //   sky ~ histogram(clear:0.7, "rain, snow":0.3)
 //
 // A distribution goes by its name or another usual one, in any case. Its parameters stand in the order of the catalogue
-// or under their names, the offset last; values of user-defined types come in groups, separated by colons or commas. The
+// or under their names, the offset last; values of user-defined distributions come in groups, separated by colons or commas. The
 // levels of a histogram are all numbers or all texts; a text stands between double quotes, a quote in it twice, where it
 // would not be read as one otherwise. The part from "in" truncates the distribution; a bound may be left out. Numbers have
 // a decimal point in every locale.

@@ -2,7 +2,7 @@
 
 #include "host/base/number_text.h"
 #include "host/jobs/base/dialog_words.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/rules/value_rules.h"
 
 namespace brenvolt {
@@ -10,7 +10,7 @@ namespace {
 
 std::string GroupCountText(DistributionCode code, std::size_t count) {
   const GroupCounts counts = GroupCountsOf(code);
-  return "a " + std::string(kFittedTypes[static_cast<std::size_t>(code)].name) + " has from " +
+  return "a " + std::string(kNamedDistributions[static_cast<std::size_t>(code)].name) + " has from " +
          std::to_string(counts.fewest) + " to " + std::to_string(counts.most) + " components, not " +
          std::to_string(count);
 }
@@ -40,7 +40,7 @@ std::optional<std::string> WrongTogether(DistributionCode code, std::span<const 
   if (!broken) return std::nullopt;
   switch (*broken) {
     case ValueRule::kGroupCount:
-      return GroupCountText(code, values.size() / TypeOf(code).facts.ParameterCount());
+      return GroupCountText(code, values.size() / EntryOf(code).facts.ParameterCount());
     case ValueRule::kMinUpToMode:
     case ValueRule::kModeUpToMax:
       return values[0] > values[1] ? "min must not be above max" : "the mode must lie between min and max";

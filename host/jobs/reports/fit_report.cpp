@@ -127,7 +127,7 @@ class FitReportMaker {
 
   std::string Tried() const {
     std::vector<std::string> names;
-    for (const std::string& name : job_.distributions) names.push_back(FindFittedType(name)->name);
+    for (const std::string& name : job_.distributions) names.push_back(FindDistribution(name)->name);
     return NamesText(names);
   }
 

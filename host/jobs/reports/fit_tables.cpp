@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "host/analysis/quantity_text.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -123,7 +123,7 @@ class Ranking {
   }
 
   static const ParameterFacts& ParameterOf(const FittedDistribution& fit, std::size_t i) {
-    const DistributionFacts& facts = TypeOf(static_cast<DistributionCode>(fit.code)).facts;
+    const DistributionFacts& facts = EntryOf(static_cast<DistributionCode>(fit.code)).facts;
     return facts.parameters[i % facts.ParameterCount()];
   }
 

@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -304,7 +304,7 @@ std::vector<Start> StartsOf(DistributionCode code, const CensoredSample& sample,
 // Values that the distribution cannot have taken.
 std::optional<Fault<EstimationFault>> ImpossibleValue(DistributionCode code, const CensoredSample& sample,
                                                       double offset) {
-  if (!TypeOf(code).facts.HasOffset()) return std::nullopt;
+  if (!EntryOf(code).facts.HasOffset()) return std::nullopt;
   const bool mayTouch = code == DistributionCode::kHalfNormal;
   for (const auto* part : {&sample.exact, &sample.left, &sample.to}) {
     for (const double x : *part) {

@@ -1,4 +1,4 @@
-// What is peculiar to the discrete types: jumps, ties, point distributions, codes in any order, counts that
+// What is peculiar to the discrete distributions: jumps, ties, point distributions, codes in any order, counts that
 // come again.
 #include <gtest/gtest.h>
 
@@ -15,34 +15,34 @@
 namespace brenvolt {
 namespace {
 
+using references::BoundDistribution;
 using references::Parameters;
-using references::Type;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kLastBelowOne = 1.0 - 0x1p-53;
 
-const Type& TypeOf(const std::string& name) {
-  static const std::map<std::string, Type> types = [] {
-    std::map<std::string, Type> byName;
-    for (const Type& type : references::AllTypes()) byName[type.name] = type;
+const BoundDistribution& BoundOf(const std::string& name) {
+  static const std::map<std::string, BoundDistribution> distributions = [] {
+    std::map<std::string, BoundDistribution> byName;
+    for (const BoundDistribution& bound : references::BoundDistributions()) byName[bound.name] = bound;
     return byName;
   }();
-  return types.at(name);
+  return distributions.at(name);
 }
 
 struct Tested {
-  std::string type;
+  std::string name;
   Parameters parameters;
 
   double At(const std::string& function, double x) const {
-    return TypeOf(type).functions.at(function)(x, parameters);
+    return BoundOf(name).functions.at(function)(x, parameters);
   }
-  double Moment(const std::string& name) const { return TypeOf(type).moments.at(name)(parameters); }
+  double Moment(const std::string& moment) const { return BoundOf(name).moments.at(moment)(parameters); }
 };
 
 void PrintTo(const Tested& distribution, std::ostream* out) {
-  *out << distribution.type << testing::PrintToString(distribution.parameters);
+  *out << distribution.name << testing::PrintToString(distribution.parameters);
 }
 
 TEST(DiscreteDistributions, HistogramNeedsCompleteClassesThatAddUpToOne) {
@@ -195,7 +195,7 @@ TEST(DiscreteDistributions, ArraysWithRepeatedCountsGiveTheBitsOfTheScalars) {
     for (int i = 1; i < 600; ++i) p.push_back((i * 377 % 600) / 600.0);
     for (const auto& [function, arguments] : {std::pair("Cdf", x), std::pair("Quantile", p)}) {
       std::vector<double> values = arguments;
-      TypeOf(distribution.type).arrays.at(function)(values, distribution.parameters, values);
+      BoundOf(distribution.name).arrays.at(function)(values, distribution.parameters, values);
       for (std::size_t i = 0; i < values.size(); ++i) {
         const double expected = distribution.At(function, arguments[i]);
         ASSERT_TRUE(values[i] == expected || (std::isnan(values[i]) && std::isnan(expected)))

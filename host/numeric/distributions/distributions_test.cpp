@@ -15,13 +15,13 @@
 namespace brenvolt {
 namespace {
 
+using references::BoundDistribution;
 using references::Parameters;
-using references::Type;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
-// A type with valid parameters, its support, and what makes its parameters invalid, beside values outside
+// A distribution with valid parameters, its support, and what makes its parameters invalid, beside values outside
 // their ranges.
 struct Case {
   std::string name;
@@ -64,9 +64,10 @@ const std::vector<Case>& Cases() {
   return cases;
 }
 
-const Type& TypeOf(const std::string& name) {
-  static const std::vector<Type> types = references::AllTypes();
-  return *std::find_if(types.begin(), types.end(), [&](const Type& type) { return type.name == name; });
+const BoundDistribution& BoundOf(const std::string& name) {
+  static const std::vector<BoundDistribution> distributions = references::BoundDistributions();
+  return *std::find_if(distributions.begin(), distributions.end(),
+                       [&](const BoundDistribution& bound) { return bound.name == name; });
 }
 
 bool IsQuantile(const std::string& function) {
@@ -100,18 +101,18 @@ void PrintTo(const Case& distribution, std::ostream* out) {
 
 class Distributions : public testing::TestWithParam<Case> {
  protected:
-  const Type& type_ = TypeOf(GetParam().name);
+  const BoundDistribution& bound_ = BoundOf(GetParam().name);
 
   double Call(const std::string& function, double x) const {
-    return type_.functions.at(function)(x, GetParam().parameters);
+    return bound_.functions.at(function)(x, GetParam().parameters);
   }
 };
 
 TEST(DistributionCases, HoldEveryType) {
-  for (const Type& type : references::AllTypes()) {
+  for (const BoundDistribution& bound : references::BoundDistributions()) {
     EXPECT_TRUE(std::any_of(Cases().begin(), Cases().end(), [&](const Case& c) {
-      return c.name == type.name;
-    })) << type.name;
+      return c.name == bound.name;
+    })) << bound.name;
   }
 }
 
@@ -135,7 +136,7 @@ TEST_P(Distributions, InfinitiesAndEndsOfSupportGiveLimits) {
 }
 
 TEST_P(Distributions, NanStaysNanAndProbabilityOutsideUnitIntervalIsInvalid) {
-  for (const auto& [name, function] : type_.functions) {
+  for (const auto& [name, function] : bound_.functions) {
     SCOPED_TRACE(name);
     EXPECT_TRUE(std::isnan(Call(name, kNan)));
     if (!IsQuantile(name)) continue;
@@ -153,22 +154,22 @@ TEST_P(Distributions, InvalidParametersGiveSentinelsFromEveryFunction) {
   };
   for (std::size_t i = 0; i < distribution.parameters.size(); ++i) {
     for (const double bad : {kNan, kInfinity, -kInfinity}) addWith(i, bad);
-    for (const double bad : OutsideOf(type_.RangeOf(i))) addWith(i, bad);
+    for (const double bad : OutsideOf(bound_.RangeOf(i))) addWith(i, bad);
   }
   for (const Parameters& parameters : invalid) {
     SCOPED_TRACE(testing::PrintToString(parameters));
     const auto sentinel = [](const std::string& name) {
       return IsQuantile(name) ? kInvalidQuantile : kInvalidProbability;
     };
-    for (const auto& [name, function] : type_.functions) {
+    for (const auto& [name, function] : bound_.functions) {
       EXPECT_EQ(function(0.5, parameters), sentinel(name)) << name;
     }
-    for (const auto& [name, function] : type_.arrays) {
+    for (const auto& [name, function] : bound_.arrays) {
       std::vector<double> values = {0.25, 0.5, kNan};
       function(values, parameters, values);
       EXPECT_EQ(values, std::vector<double>(3, sentinel(name))) << name;
     }
-    for (const auto& [name, moment] : type_.moments)
+    for (const auto& [name, moment] : bound_.moments)
       EXPECT_EQ(moment(parameters), kInvalidProbability) << name;
   }
 }
@@ -176,7 +177,7 @@ TEST_P(Distributions, InvalidParametersGiveSentinelsFromEveryFunction) {
 TEST_P(Distributions, ArrayFormsInPlaceEqualScalars) {
   const std::vector<double> values = {-kInfinity, -3.0, 0.0, 1e-300, 0.02, 0.5,       0.77, 1.0,
                                       1.5,        7.25, 40., 41.0,   1e9,  kInfinity, kNan};
-  for (const auto& [name, function] : type_.arrays) {
+  for (const auto& [name, function] : bound_.arrays) {
     std::vector<double> array = values;
     function(array, GetParam().parameters, array);
     for (std::size_t i = 0; i < values.size(); ++i) {
@@ -187,7 +188,7 @@ TEST_P(Distributions, ArrayFormsInPlaceEqualScalars) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(AllTypes, Distributions, testing::ValuesIn(Cases()),
+INSTANTIATE_TEST_SUITE_P(BoundDistributions, Distributions, testing::ValuesIn(Cases()),
                          [](const auto& info) { return info.param.name + std::to_string(info.index); });
 
 // Parameters at which the formulas of mean and variance meet 0 times or less infinity.
@@ -210,7 +211,7 @@ TEST(DistributionMoments, OfExtremeParametersAreNeverNan) {
       {"general_pareto", {1.0, 0.5, 0.0}},
       {"triangular", {-8e307, 8e307, 0.0}}};
   for (const auto& [name, parameters] : extremes) {
-    for (const auto& [moment, function] : TypeOf(name).moments) {
+    for (const auto& [moment, function] : BoundOf(name).moments) {
       EXPECT_FALSE(std::isnan(function(parameters))) << name << testing::PrintToString(parameters) << moment;
     }
   }

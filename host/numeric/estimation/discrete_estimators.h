@@ -1,4 +1,4 @@
-// Estimation of the five discrete types.
+// Estimation of the five discrete distributions.
 #pragma once
 
 #include <cstdint>

@@ -7,7 +7,7 @@
 #include <span>
 
 #include "host/base/result.h"
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 

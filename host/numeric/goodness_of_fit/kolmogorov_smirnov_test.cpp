@@ -147,7 +147,7 @@ TEST(KolmogorovSmirnovTest, WrongCallsAreToldApart) {
   };
   for (const Case& c : cases) {
     const auto statistic =
-        TestKolmogorovSmirnov(AnyDistribution(TypeOf(c.code), c.parameters), c.data, c.offset);
+        TestKolmogorovSmirnov(AnyDistribution(EntryOf(c.code), c.parameters), c.data, c.offset);
     ASSERT_FALSE(statistic);
     EXPECT_EQ(statistic.Reason().identifier, c.fault);
   }

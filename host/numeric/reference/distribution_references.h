@@ -1,4 +1,4 @@
-// For tests and measurements: every distribution type with its functions in one shape, its table of
+// For tests and measurements: every distribution with its functions in one shape, its table of
 // high-precision values, and the error of a computed value against a row of it.
 #pragma once
 
@@ -18,7 +18,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt::references {
 
@@ -29,12 +29,12 @@ using Function = std::function<double(double, In parameters)>;
 using ArrayFunction = std::function<void(In, In parameters, Out)>;
 using Moment = std::function<double(In parameters)>;
 
-// The limits that every type keeps.
+// The limits that every distribution keeps.
 inline constexpr double kBodyTolerance = 1e-13;
 inline constexpr double kTailTolerance = 1e-10;
 inline constexpr double kRoundTripTolerance = 1e-12;
 
-struct Type {
+struct BoundDistribution {
   const DistributionFacts* facts = nullptr;
   std::string name;
   bool isDiscrete;
@@ -51,8 +51,8 @@ struct Type {
   }
 };
 
-inline void PrintTo(const Type& type, std::ostream* out) {
-  *out << type.name;
+inline void PrintTo(const BoundDistribution& distribution, std::ostream* out) {
+  *out << distribution.name;
 }
 
 // "GeneralPareto" as "general_pareto".
@@ -66,9 +66,9 @@ inline std::string WithUnderscores(std::string_view name) {
 }
 
 // Of the parameters of a table, a threshold stands last.
-inline AnyDistribution DistributionOf(const DistributionType& type, In parameters) {
-  const bool hasThreshold = type.facts.HasOffset() && !parameters.empty();
-  return {type.facts.code, hasThreshold ? parameters.first(parameters.size() - 1) : parameters,
+inline AnyDistribution DistributionOf(const DistributionEntry& entry, In parameters) {
+  const bool hasThreshold = entry.facts.HasOffset() && !parameters.empty();
+  return {entry.facts.code, hasThreshold ? parameters.first(parameters.size() - 1) : parameters,
           hasThreshold ? parameters.back() : 0.0};
 }
 
@@ -96,28 +96,34 @@ inline std::vector<std::size_t> PlacesOf(const DistributionFacts& facts) {
   return places;
 }
 
-inline Type Bind(const DistributionType& type) {
-  Type bound{
-      &type.facts, WithUnderscores(type.facts.name), !type.facts.isContinuous, PlacesOf(type.facts), {}, {},
-      {}};
+inline BoundDistribution Bind(const DistributionEntry& entry) {
+  BoundDistribution bound{&entry.facts,
+                          WithUnderscores(entry.facts.name),
+                          !entry.facts.isContinuous,
+                          PlacesOf(entry.facts),
+                          {},
+                          {},
+                          {}};
   for (const auto& [name, function] : FunctionNames()) {
-    bound.functions[name] = [&type, f = function](double x, In parameters) {
-      return DistributionOf(type, parameters).At(f, x);
+    bound.functions[name] = [&entry, f = function](double x, In parameters) {
+      return DistributionOf(entry, parameters).At(f, x);
     };
-    bound.arrays[name] = [&type, f = function](In x, In parameters, Out out) {
-      DistributionOf(type, parameters).At(f, x, out);
+    bound.arrays[name] = [&entry, f = function](In x, In parameters, Out out) {
+      DistributionOf(entry, parameters).At(f, x, out);
     };
   }
-  bound.moments["Mean"] = [&type](In parameters) { return DistributionOf(type, parameters).Mean(); };
-  bound.moments["Variance"] = [&type](In parameters) { return DistributionOf(type, parameters).Variance(); };
+  bound.moments["Mean"] = [&entry](In parameters) { return DistributionOf(entry, parameters).Mean(); };
+  bound.moments["Variance"] = [&entry](In parameters) {
+    return DistributionOf(entry, parameters).Variance();
+  };
   return bound;
 }
 
 // In the order of the codes.
-inline std::vector<Type> AllTypes() {
-  std::vector<Type> types;
-  for (const DistributionType* type : DistributionTypes()) types.push_back(Bind(*type));
-  return types;
+inline std::vector<BoundDistribution> BoundDistributions() {
+  std::vector<BoundDistribution> distributions;
+  for (const DistributionEntry* entry : DistributionTable()) distributions.push_back(Bind(*entry));
+  return distributions;
 }
 
 struct Row {
@@ -162,10 +168,10 @@ inline Parameters ReadParameters(const std::vector<std::string>& fields, std::si
   return parameters;
 }
 
-// The rows of <folder>/<type>.csv: function, region, argument, parameters…, value.
-inline std::vector<Row> ReadTable(const std::string& folder, const Type& type) {
+// The rows of <folder>/<name>.csv: function, region, argument, parameters…, value.
+inline std::vector<Row> ReadTable(const std::string& folder, const BoundDistribution& distribution) {
   std::vector<Row> rows;
-  for (const auto& fields : ReadFields(folder + "/" + type.name + ".csv")) {
+  for (const auto& fields : ReadFields(folder + "/" + distribution.name + ".csv")) {
     rows.push_back({fields.at(0), fields.at(1) == "tail", ReadNumber(fields.at(2)), ReadParameters(fields, 3),
                     ReadNumber(fields.back())});
   }
@@ -178,38 +184,39 @@ struct MomentRow {
   double value;
 };
 
-// The rows of <folder>/<type>_moments.csv: function, parameters…, value.
-inline std::vector<MomentRow> ReadMoments(const std::string& folder, const Type& type) {
+// The rows of <folder>/<name>_moments.csv: function, parameters…, value.
+inline std::vector<MomentRow> ReadMoments(const std::string& folder, const BoundDistribution& distribution) {
   std::vector<MomentRow> rows;
-  for (const auto& fields : ReadFields(folder + "/" + type.name + "_moments.csv")) {
+  for (const auto& fields : ReadFields(folder + "/" + distribution.name + "_moments.csv")) {
     rows.push_back({fields.at(0), ReadParameters(fields, 1), ReadNumber(fields.back())});
   }
   return rows;
 }
 
-// The size to which an error of a value on the axis is relative: its own, or that of the type's places.
-inline double SizeOnAxis(const Type& type, double x, In parameters) {
+// The size to which an error of a value on the axis is relative: its own, or that of the distribution's places.
+inline double SizeOnAxis(const BoundDistribution& distribution, double x, In parameters) {
   double size = std::abs(x);
-  for (const std::size_t i : type.origins) {
+  for (const std::size_t i : distribution.origins) {
     if (i < parameters.size()) size = std::max(size, std::abs(parameters[i]));
   }
   return size;
 }
 
 // The error relative to the value; of a logarithm, relative to 1 where it is small; of a quantile, relative
-// to the type's places where the sum of them and the rest is smaller.
-inline double RelativeError(const Type& type, const Row& row, double computed) {
+// to the distribution's places where the sum of them and the rest is smaller.
+inline double RelativeError(const BoundDistribution& distribution, const Row& row, double computed) {
   const bool isQuantile = row.function == "Quantile" || row.function == "ComplementQuantile";
-  double size = isQuantile ? SizeOnAxis(type, row.value, row.parameters) : std::abs(row.value);
+  double size = isQuantile ? SizeOnAxis(distribution, row.value, row.parameters) : std::abs(row.value);
   if (row.function == "LogDensity") size = std::max(size, 1.0);
   const double error = std::abs(computed - row.value);
   return error == 0.0 ? 0.0 : error / size;
 }
 
 // The error of a mean, relative like a quantile's, or of a variance; none if both are infinite.
-inline double RelativeError(const Type& type, const MomentRow& row, double computed) {
+inline double RelativeError(const BoundDistribution& distribution, const MomentRow& row, double computed) {
   if (computed == row.value) return 0.0;
-  const double size = row.function == "Mean" ? SizeOnAxis(type, row.value, row.parameters) : row.value;
+  const double size =
+      row.function == "Mean" ? SizeOnAxis(distribution, row.value, row.parameters) : row.value;
   return std::abs(computed - row.value) / size;
 }
 
@@ -228,17 +235,17 @@ inline bool IsForRoundTrip(const Row& row) {
   return (row.function == "Cdf" || row.function == "Complement") && row.value <= 0.5;
 }
 
-inline RoundTrip GoRound(const Type& type, double x, In parameters) {
+inline RoundTrip GoRound(const BoundDistribution& distribution, double x, In parameters) {
   constexpr double kFourUlps = 4.0 * std::numeric_limits<double>::epsilon();
-  const double low = type.functions.at("Cdf")(x, parameters);
-  const double high = type.functions.at("Complement")(x, parameters);
+  const double low = distribution.functions.at("Cdf")(x, parameters);
+  const double high = distribution.functions.at("Complement")(x, parameters);
   const bool isLower = low <= high;
-  const double back =
-      type.functions.at(isLower ? "Quantile" : "ComplementQuantile")(isLower ? low : high, parameters);
-  const double size = SizeOnAxis(type, x, parameters);
-  const double density = type.functions.at("Density")(x, parameters);
+  const double back = distribution.functions.at(isLower ? "Quantile" : "ComplementQuantile")(
+      isLower ? low : high, parameters);
+  const double size = SizeOnAxis(distribution, x, parameters);
+  const double density = distribution.functions.at("Density")(x, parameters);
   const double p = std::min(low, high);
-  const double again = type.functions.at(isLower ? "Cdf" : "Complement")(back, parameters);
+  const double again = distribution.functions.at(isLower ? "Cdf" : "Complement")(back, parameters);
   const double error = std::abs(back - x);
   return {error == 0.0 ? 0.0 : error / size, kFourUlps * p < kRoundTripTolerance * density * size,
           std::abs(again - p) / p};

@@ -1,4 +1,4 @@
-// What the functions of every distribution type return if they have no answer.
+// What the functions of every distribution return if they have no answer.
 #pragma once
 
 #include "host/base/almost_equal.h"

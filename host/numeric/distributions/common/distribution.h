@@ -53,7 +53,7 @@ constexpr double InvalidResult(DistributionFunction function) {
 // A distribution for callers that are told at run time which: its facts, and its functions over its values
 // in the order of the parameters. A wrong number of values is invalid. Distributions without an offset ignore
 // it.
-struct DistributionType {
+struct DistributionEntry {
   using In = std::span<const double>;
   using Out = std::span<double>;
   using AtOne = double (*)(double x, In values, double offset);
@@ -116,7 +116,7 @@ class Distribution {
   // The fit to a sample. The formulas say how each parameter is estimated.
   static EstimateResult Estimate(const EstimationInput& input);
 
-  static constinit const DistributionType kType;
+  static constinit const DistributionEntry kEntry;
 
  private:
   using Parameters = std::conditional_t<kIsOfGroups, In, std::array<double, kPlaceCount>>;

@@ -259,9 +259,9 @@ EstimateResult Distribution<D>::Estimate(const EstimationInput& input) {
 }
 
 template <class D>
-constinit const DistributionType Distribution<D>::kType = [
+constinit const DistributionEntry Distribution<D>::kEntry = [
 ]<std::size_t... function>(std::index_sequence<function...>) {
-  return DistributionType{
+  return DistributionEntry{
       D::kFacts,
       [](In values, double offset) { return OfValues(values, offset).IsValid(); },
       {[](double x, In values, double offset) {

@@ -5,7 +5,7 @@
 #include <limits>
 #include <set>
 
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 
 namespace brenvolt {
@@ -16,7 +16,7 @@ GroupCounts GroupCountsOf(DistributionCode code) {
 }
 
 double TotalProportion(DistributionCode code, std::span<const double> values) {
-  const DistributionFacts& facts = TypeOf(code).facts;
+  const DistributionFacts& facts = EntryOf(code).facts;
   double total = 0;
   for (std::size_t i = 0; i < values.size(); ++i) {
     if (facts.parameters[i % facts.ParameterCount()].range == ParameterRange::kProportion) total += values[i];
@@ -34,11 +34,11 @@ std::optional<std::size_t> RepeatedLevel(DistributionCode code, std::span<const 
 }
 
 std::optional<ValueRule> BrokenRule(DistributionCode code, std::span<const double> values) {
-  const DistributionType& type = TypeOf(code);
-  const bool isOfGroups = type.facts.isUserDefined;
-  if (isOfGroups && !GroupCountsOf(code).Contains(values.size() / type.facts.ParameterCount()))
+  const DistributionEntry& entry = EntryOf(code);
+  const bool isOfGroups = entry.facts.isUserDefined;
+  if (isOfGroups && !GroupCountsOf(code).Contains(values.size() / entry.facts.ParameterCount()))
     return ValueRule::kGroupCount;
-  if (type.isValid(values, 0.0)) return std::nullopt;
+  if (entry.isValid(values, 0.0)) return std::nullopt;
   if (code == DistributionCode::kTriangular) {
     const auto [min, max, mode] = std::array{values[0], values[1], values[2]};
     if (min > mode) return ValueRule::kMinUpToMode;

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the reference tables of the further continuous types: <type>.csv and <type>_moments.csv beside this script.
+"""Writes the reference tables of the further continuous distributions: <name>.csv and <name>_moments.csv beside this script.
 
 Run by hand (needs mpmath; four minutes); the tables are committed. The rules are those of make_tables.py: arguments are
 doubles, taken exactly; values have at least 50 digits before they are rounded; functions come from the definitions,

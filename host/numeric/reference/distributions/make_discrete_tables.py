@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the reference tables of the discrete distribution types beside this script: <type>.csv, <type>_moments.csv.
+"""Writes the reference tables of the discrete distributions beside this script: <name>.csv, <name>_moments.csv.
 
 Run by hand (needs mpmath, and gmpy2 unless you have hours); the tables are committed. Every argument and parameter is a
 double, taken exactly; every value is computed with at least 50 digits and rounded once to the nearest double.

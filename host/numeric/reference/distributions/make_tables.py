@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the reference tables of the normal, lognormal and Weibull types: <type>.csv and <type>_moments.csv beside
+"""Writes the reference tables of the normal, lognormal and Weibull distributions: <name>.csv and <name>_moments.csv beside
 this script.
 
 Run by hand (needs mpmath); the tables are committed. Every argument is a double, taken exactly; every value is computed

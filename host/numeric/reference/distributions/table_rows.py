@@ -1,4 +1,4 @@
-"""What the scripts that make the tables of the distribution types share: arguments, regions, rows, files.
+"""What the scripts that make the tables of the distributions share: arguments, regions, rows, files.
 
 A distribution is a class with `name`, `parameters` (names of columns), `sets` of parameters, and the methods log_density, cdf,
 complement, quantile, complement_quantile; `is_inside(x)` says whether the density lives at x. A distribution with `moment_sets`
@@ -106,7 +106,7 @@ def write(name, header, rows):
 
 
 def write_table(kind):
-    """<type>.csv: function, region, argument, the parameters, value. Values that a double cannot hold are left out."""
+    """<name>.csv: function, region, argument, the parameters, value. Values that a double cannot hold are left out."""
     rows = []
     for values in kind.sets:
         for function, where, argument, parameters, value in continuous_rows(kind(*values), values):
@@ -121,7 +121,7 @@ def write_table(kind):
 
 
 def write_moments(kind):
-    """<type>_moments.csv: function, the parameters, value; infinite moments are `inf`."""
+    """<name>_moments.csv: function, the parameters, value; infinite moments are `inf`."""
     rows = []
     for values in kind.moment_sets:
         distribution = kind(*values)

@@ -9,32 +9,32 @@
 namespace brenvolt {
 
 // In the order of their codes.
-std::span<const DistributionType* const> DistributionTypes();
+std::span<const DistributionEntry* const> DistributionTable();
 
 // Throws std::out_of_range for an unknown code.
-const DistributionType& TypeOf(DistributionCode code);
+const DistributionEntry& EntryOf(DistributionCode code);
 
 // A view of a distribution with its values and its offset; the values must outlive it. What the functions
 // answer: distribution.h.
 class AnyDistribution {
  public:
-  using In = DistributionType::In;
-  using Out = DistributionType::Out;
+  using In = DistributionEntry::In;
+  using Out = DistributionEntry::Out;
 
   AnyDistribution(DistributionCode code, In values, double offset)
-      : type_(&TypeOf(code)), values_(values), offset_(offset) {}
+      : entry_(&EntryOf(code)), values_(values), offset_(offset) {}
 
   // From a list of all parameters, from which a threshold may be left out; it is then 0.
-  AnyDistribution(const DistributionType& type, In parameters);
+  AnyDistribution(const DistributionEntry& entry, In parameters);
 
-  const DistributionFacts& Facts() const { return type_->facts; }
-  bool IsValid() const { return type_->isValid(values_, offset_); }
+  const DistributionFacts& Facts() const { return entry_->facts; }
+  bool IsValid() const { return entry_->isValid(values_, offset_); }
 
   double At(DistributionFunction function, double x) const {
-    return type_->atOne[static_cast<std::size_t>(function)](x, values_, offset_);
+    return entry_->atOne[static_cast<std::size_t>(function)](x, values_, offset_);
   }
   void At(DistributionFunction function, In x, Out out) const {
-    type_->overArray[static_cast<std::size_t>(function)](x, values_, offset_, out);
+    entry_->overArray[static_cast<std::size_t>(function)](x, values_, offset_, out);
   }
 
   double Density(double x) const { return At(DistributionFunction::kDensity, x); }
@@ -50,12 +50,12 @@ class AnyDistribution {
   void Quantile(In p, Out out) const { At(DistributionFunction::kQuantile, p, out); }
   void ComplementQuantile(In q, Out out) const { At(DistributionFunction::kComplementQuantile, q, out); }
 
-  double Mean() const { return type_->mean(values_, offset_); }
-  double Variance() const { return type_->variance(values_, offset_); }
-  double LogLikelihood(In sorted) const { return type_->logLikelihood(sorted, values_, offset_); }
+  double Mean() const { return entry_->mean(values_, offset_); }
+  double Variance() const { return entry_->variance(values_, offset_); }
+  double LogLikelihood(In sorted) const { return entry_->logLikelihood(sorted, values_, offset_); }
 
  private:
-  const DistributionType* type_;
+  const DistributionEntry* entry_;
   In values_;
   double offset_;
 };

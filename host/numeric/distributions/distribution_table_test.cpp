@@ -1,6 +1,6 @@
 // Every row of the table bound to its own distribution, with its values in their order, and its functions to
 // each other. The functions themselves are held to tables elsewhere.
-#include "host/numeric/distributions/distribution_types.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 #include <gtest/gtest.h>
 
@@ -56,10 +56,10 @@ const std::vector<Case>& Cases() {
   return kCases;
 }
 
-TEST(DistributionTypesReference, EveryTypeAgreesWithSciPy) {
+TEST(DistributionTableReference, EveryDistributionAgreesWithSciPy) {
   ASSERT_EQ(Cases().size(), static_cast<std::size_t>(kDistributionCount));
   for (const Case& c : Cases()) {
-    SCOPED_TRACE(TypeOf(c.code).facts.name);
+    SCOPED_TRACE(EntryOf(c.code).facts.name);
     const AnyDistribution distribution(c.code, c.values, c.offset);
     const double x = c.x + c.offset;
     EXPECT_TRUE(distribution.IsValid());
@@ -70,15 +70,15 @@ TEST(DistributionTypesReference, EveryTypeAgreesWithSciPy) {
   }
 }
 
-TEST(DistributionTypes, FunctionsOfATypeBelongTogether) {
+TEST(DistributionTable, FunctionsOfADistributionBelongTogether) {
   for (const Case& c : Cases()) {
-    SCOPED_TRACE(TypeOf(c.code).facts.name);
+    SCOPED_TRACE(EntryOf(c.code).facts.name);
     const AnyDistribution distribution(c.code, c.values, c.offset);
     for (const double p : {0.03, 0.35, 0.8}) {
       const double x = distribution.Quantile(p);
       const double y = distribution.ComplementQuantile(1.0 - p);
       EXPECT_NEAR(x, y, 1e-10 * std::max(1.0, std::abs(x)));
-      if (TypeOf(c.code).facts.isContinuous) {
+      if (EntryOf(c.code).facts.isContinuous) {
         EXPECT_NEAR(distribution.Cdf(x), p, 1e-12);
         // The density is the slope of the distribution function.
         const double h = 1e-5;
@@ -101,19 +101,19 @@ TEST(DistributionTypes, FunctionsOfATypeBelongTogether) {
   }
 }
 
-TEST(DistributionTypes, OffsetShiftsTheTypesThatHaveOneAndNoOther) {
+TEST(DistributionTable, OffsetShiftsThoseThatHaveOneAndNoOther) {
   for (const Case& c : Cases()) {
     const AnyDistribution plain(c.code, c.values, 0.0);
     const AnyDistribution shifted(c.code, c.values, 64.0);
-    const double shift = TypeOf(c.code).facts.HasOffset() ? 64.0 : 0.0;
-    EXPECT_NEAR(shifted.Cdf(c.x + shift), plain.Cdf(c.x), 1e-12) << TypeOf(c.code).facts.name;
-    EXPECT_NEAR(shifted.Quantile(0.5), plain.Quantile(0.5) + shift, 1e-12 * 64) << TypeOf(c.code).facts.name;
+    const double shift = EntryOf(c.code).facts.HasOffset() ? 64.0 : 0.0;
+    EXPECT_NEAR(shifted.Cdf(c.x + shift), plain.Cdf(c.x), 1e-12) << EntryOf(c.code).facts.name;
+    EXPECT_NEAR(shifted.Quantile(0.5), plain.Quantile(0.5) + shift, 1e-12 * 64) << EntryOf(c.code).facts.name;
   }
 }
 
-TEST(DistributionTypes, WrongNumberOfValuesIsInvalidNotReadBeyond) {
+TEST(DistributionTable, WrongNumberOfValuesIsInvalidNotReadBeyond) {
   for (const Case& c : Cases()) {
-    SCOPED_TRACE(TypeOf(c.code).facts.name);
+    SCOPED_TRACE(EntryOf(c.code).facts.name);
     std::vector<double> few(c.values.begin(), c.values.end() - 1);
     std::vector<double> many = c.values;
     many.push_back(1.0);
@@ -128,7 +128,7 @@ TEST(DistributionTypes, WrongNumberOfValuesIsInvalidNotReadBeyond) {
       EXPECT_EQ(out[0], kInvalidProbability);
     }
     const AnyDistribution infinite(c.code, c.values, std::numeric_limits<double>::infinity());
-    EXPECT_EQ(infinite.IsValid(), !TypeOf(c.code).facts.HasOffset());
+    EXPECT_EQ(infinite.IsValid(), !EntryOf(c.code).facts.HasOffset());
   }
 }
 
