@@ -128,15 +128,17 @@ class Ranking {
   }
 
   // Against what a parameter has to show: a place or a size in the unit of the data against their spread, the
-  // location of their logarithm against that. NaN for those without a unit.
+  // location of their logarithm against that, which is the last parameter. NaN for those without a unit.
   double SpreadAbout(const FittedDistribution& fit, std::size_t i) const {
-    static constexpr std::string_view kWithoutUnit[] = {"shape",      "type", "gamma", "delta",
-                                                        "proportion", "code", "trials"};
-    const std::string_view name = ParameterOf(fit, i).name;
-    if (std::ranges::find(kWithoutUnit, name) != std::end(kWithoutUnit))
-      return std::numeric_limits<double>::quiet_NaN();
-    const bool isOfLogarithms = static_cast<DistributionCode>(fit.code) == DistributionCode::kLogNormal;
-    return isOfLogarithms ? fit.parameters.back() : deviation_;
+    switch (ParameterOf(fit, i).unit) {
+      case ParameterUnit::kData:
+        return deviation_;
+      case ParameterUnit::kLogarithmOfData:
+        return fit.parameters.back();
+      case ParameterUnit::kNone:
+        break;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
   }
 
   // A table in which no fit has a bootstrap lacks its columns.

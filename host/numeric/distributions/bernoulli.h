@@ -6,10 +6,11 @@
 namespace brenvolt {
 
 struct Bernoulli {
-  static constexpr DistributionFacts kFacts{.code = DistributionCode::kBernoulli,
-                                            .name = "Bernoulli",
-                                            .isContinuous = false,
-                                            .parameters = {{{"proportion", ParameterRange::kProportion}}}};
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kBernoulli,
+      .name = "Bernoulli",
+      .isContinuous = false,
+      .parameters = {{{"proportion", ParameterRange::kProportion, ParameterUnit::kNone}}}};
 };
 
 extern template class Distribution<Bernoulli>;

@@ -11,7 +11,8 @@ struct Binomial {
       .name = "Binomial",
       .shortName = "binom",
       .isContinuous = false,
-      .parameters = {{{"proportion", ParameterRange::kProportion}, {"trials", ParameterRange::kTrials}}},
+      .parameters = {{{"proportion", ParameterRange::kProportion, ParameterUnit::kNone},
+                      {"trials", ParameterRange::kTrials, ParameterUnit::kNone}}},
       .curves = {"Binom", "iBinom"}};
 };
 

@@ -16,7 +16,7 @@ struct GaussianMixture {
       .name = "GaussianMixture",
       .shortName = "mixture",
       .isUserDefined = true,
-      .parameters = {{{"proportion", ParameterRange::kProportion},
+      .parameters = {{{"proportion", ParameterRange::kProportion, ParameterUnit::kNone},
                       {"mean", ParameterRange::kFinite},
                       {"standard deviation", ParameterRange::kPositive}}},
       .estimation = {.copiesSample = true, .slowness = 5}};

@@ -7,16 +7,17 @@
 namespace brenvolt {
 
 struct GeneralExtremeValue {
-  static constexpr DistributionFacts kFacts{.code = DistributionCode::kGeneralExtremeValue,
-                                            .name = "GeneralExtremeValue",
-                                            .longName = "GeneralizedExtremeValue",
-                                            .macroName = "GenExtreme",
-                                            .shortName = "GEV",
-                                            .parameters = {{{"location", ParameterRange::kFinite},
-                                                            {"scale", ParameterRange::kPositive},
-                                                            {"shape", ParameterRange::kFinite}}},
-                                            .curves = {"GEV", "IGEV"},
-                                            .estimation = {.copiesSample = true, .slowness = 4}};
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kGeneralExtremeValue,
+      .name = "GeneralExtremeValue",
+      .longName = "GeneralizedExtremeValue",
+      .macroName = "GenExtreme",
+      .shortName = "GEV",
+      .parameters = {{{"location", ParameterRange::kFinite},
+                      {"scale", ParameterRange::kPositive},
+                      {"shape", ParameterRange::kFinite, ParameterUnit::kNone}}},
+      .curves = {"GEV", "IGEV"},
+      .estimation = {.copiesSample = true, .slowness = 4}};
 };
 
 extern template class Distribution<GeneralExtremeValue>;

@@ -14,7 +14,8 @@ struct GeneralPareto {
       .macroName = "GenPareto",
       .shortName = "GPD",
       .offset = OffsetPlace::kFirst,
-      .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kFinite}}},
+      .parameters = {{{"scale", ParameterRange::kPositive},
+                      {"shape", ParameterRange::kFinite, ParameterUnit::kNone}}},
       .curves = {"GPD", "IGPD"},
       .estimation = {.copiesSample = true, .slowness = 3}};
 };

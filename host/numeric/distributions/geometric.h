@@ -12,7 +12,7 @@ struct Geometric {
       .name = "Geometric",
       .shortName = "geom",
       .isContinuous = false,
-      .parameters = {{{"proportion", ParameterRange::kPositiveProportion}}},
+      .parameters = {{{"proportion", ParameterRange::kPositiveProportion, ParameterUnit::kNone}}},
       .curves = {"Geom", "iGeom"}};
 };
 

@@ -16,7 +16,8 @@ struct Histogram {
       .shortName = "discrete",
       .isContinuous = false,
       .isUserDefined = true,
-      .parameters = {{{"code", ParameterRange::kFinite}, {"proportion", ParameterRange::kProportion}}}};
+      .parameters = {{{"code", ParameterRange::kFinite, ParameterUnit::kNone},
+                      {"proportion", ParameterRange::kProportion, ParameterUnit::kNone}}}};
 };
 
 extern template class Distribution<Histogram>;

@@ -11,15 +11,16 @@
 namespace brenvolt {
 
 struct Johnson {
-  static constexpr DistributionFacts kFacts{.code = DistributionCode::kJohnson,
-                                            .name = "Johnson",
-                                            .parameters = {{{"type", ParameterRange::kJohnsonFamily},
-                                                            {"gamma", ParameterRange::kFinite},
-                                                            {"delta", ParameterRange::kPositive},
-                                                            {"lambda", ParameterRange::kPositive},
-                                                            {"xi", ParameterRange::kFinite}}},
-                                            .curves = {"Johnson", "iJohnson"},
-                                            .estimation = {.copiesSample = true, .slowness = 1}};
+  static constexpr DistributionFacts kFacts{
+      .code = DistributionCode::kJohnson,
+      .name = "Johnson",
+      .parameters = {{{"type", ParameterRange::kJohnsonFamily, ParameterUnit::kNone},
+                      {"gamma", ParameterRange::kFinite, ParameterUnit::kNone},
+                      {"delta", ParameterRange::kPositive, ParameterUnit::kNone},
+                      {"lambda", ParameterRange::kPositive},
+                      {"xi", ParameterRange::kFinite}}},
+      .curves = {"Johnson", "iJohnson"},
+      .estimation = {.copiesSample = true, .slowness = 1}};
 };
 
 // What the families 1 to 4 are called.

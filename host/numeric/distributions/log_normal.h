@@ -13,7 +13,8 @@ struct LogNormal {
       .name = "LogNormal",
       .shortName = "lognorm",
       .offset = OffsetPlace::kWithX,
-      .parameters = {{{"scale", ParameterRange::kFinite}, {"shape", ParameterRange::kPositive}}},
+      .parameters = {{{"scale", ParameterRange::kFinite, ParameterUnit::kLogarithmOfData},
+                      {"shape", ParameterRange::kPositive, ParameterUnit::kNone}}},
       .curves = {"Lognorm", "iLognorm"},
       .estimation = {.copiesSample = true}};
 };

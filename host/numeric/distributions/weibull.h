@@ -10,7 +10,8 @@ struct Weibull {
       .code = DistributionCode::kWeibull,
       .name = "Weibull",
       .offset = OffsetPlace::kLast,
-      .parameters = {{{"scale", ParameterRange::kPositive}, {"shape", ParameterRange::kPositive}}},
+      .parameters = {{{"scale", ParameterRange::kPositive},
+                      {"shape", ParameterRange::kPositive, ParameterUnit::kNone}}},
       .curves = {"weibull", "iWeibull"},
       .estimation = {.copiesSample = true}};
 };

@@ -68,9 +68,17 @@ inline bool IsInRange(double x, ParameterRange range) {
 // functions take each share relative to the total.
 inline constexpr double kTotalTolerance = 2e-5;
 
+// What the size of a parameter is to be seen against.
+enum class ParameterUnit : std::uint8_t {
+  kData,  // a place or a size among the data
+  kLogarithmOfData,
+  kNone
+};
+
 struct ParameterFacts {
   std::string_view name;
   ParameterRange range = ParameterRange::kFinite;
+  ParameterUnit unit = ParameterUnit::kData;
 };
 
 // Where the formula of a curve takes the offset, a threshold that shifts the support. A list of parameters
