@@ -11,12 +11,20 @@ if(Python3_Interpreter_FOUND)
   endif()
   set(program_files ${programs})
   list(TRANSFORM program_files REPLACE "(.+)" "$<TARGET_FILE:\\1>")
+  set(reference_of_python)
+  if(TARGET python_package)
+    list(APPEND programs python_package)
+    set(reference_of_python ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/packaging/python_reference.py
+                            ${PROJECT_BINARY_DIR}/python > ${pages}/python.md)
+  endif()
   add_custom_command(OUTPUT ${pages}/made
                      COMMAND ${CMAKE_COMMAND} -E rm -rf ${pages}
                      COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/packaging/pages.py ${pages} ${PROJECT_VERSION}
                              ${program_files}
+                     COMMAND ${reference_of_python}
                      COMMAND ${CMAKE_COMMAND} -E touch ${pages}/made
-                     DEPENDS ${PROJECT_SOURCE_DIR}/packaging/pages.py ${programs})
+                     DEPENDS ${PROJECT_SOURCE_DIR}/packaging/pages.py ${PROJECT_SOURCE_DIR}/packaging/python_reference.py
+                             ${programs})
   add_custom_target(pages ALL DEPENDS ${pages}/made)
 
   # install_pages(PROGRAM COMPONENT): a page names the data of its examples where they are, which the prefix decides.
@@ -66,5 +74,12 @@ install(EXPORT brenvolt NAMESPACE brenvolt:: FILE brenvolt-targets.cmake DESTINA
 install(FILES cmake/brenvolt-config.cmake ${PROJECT_BINARY_DIR}/generated/brenvolt-config-version.cmake
         DESTINATION ${package} COMPONENT development)
 
+# Everything that is installed, and no test.
+add_custom_target(installed)
+foreach(target IN ITEMS cli brv_sra drawing desktop python_package pages)
+  if(TARGET ${target})
+    add_dependencies(installed ${target})
+  endif()
+endforeach()
 add_custom_target(uninstall COMMAND ${CMAKE_COMMAND} -D MANIFEST=${PROJECT_BINARY_DIR}/install_manifest.txt
                                     -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake)

@@ -290,7 +290,8 @@ def cell(text):
 
 
 def code_cell(text):
-    return "`" + text.replace("|", "\\|") + "`"
+    """A bar in it ends no cell of a site's table."""
+    return "`" + text + "`"
 
 
 def reference_of(program, command):

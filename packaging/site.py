@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Builds the documentation as a site: HTML pages with navigation and search, from the same Markdown.
 
-    site.py FOLDER [PAGES]   writes the site into FOLDER; PAGES is the folder of the reference of commands, build/pages
+    site.py FOLDER [PAGES]   writes the site into FOLDER; PAGES holds the reference of commands and of Python, build/pages
     site.py --check          prints each page of docs/ that the navigation leaves out; exit status 1 if there is any
 
 The index of the documents, docs/README.md, is the navigation: what it names is in it, under the same words.
@@ -43,14 +43,14 @@ def read(*path):
         return file.read()
 
 
-def navigation(commands):
+def navigation(made):
     """Lines of the navigation: titles with the pages that they lead to."""
     lines = ["  - Home: index.md"]
     index = read(ROOT, "docs/README.md")
     for folder, title in SECTIONS:
         lines.append(f"  - {title}:")
         if folder == "reference":
-            lines += [f'      - "Command {name[:-3]}": reference/commands/{name}' for name in commands]
+            lines += [f'      - "{title}": reference/made/{name}' for name, title in made]
         seen = []
         for text, page in re.findall(rf"\[([^\]]+)\]\(({folder}/[^)#]+\.md)\)", index):
             if page not in seen:
@@ -77,16 +77,17 @@ def copy_documents(docs, pages):
              "examples/README.md": "examples.md"}
     for source, target in moved.items():
         shutil.copy(os.path.join(ROOT, source), os.path.join(docs, target))
-    commands = sorted(name for name in os.listdir(pages) if name.endswith(".md")) if pages else []
-    if commands:
-        os.makedirs(os.path.join(docs, "reference/commands"))
-    for name in commands:
-        shutil.copy(os.path.join(pages, name), os.path.join(docs, "reference/commands", name))
+    made = []
+    for name in sorted(name for name in os.listdir(pages) if name.endswith(".md")) if pages else ():
+        os.makedirs(os.path.join(docs, "reference/made"), exist_ok=True)
+        shutil.copy(os.path.join(pages, name), os.path.join(docs, "reference/made", name))
+        heading = read(pages, name).partition("\n")[0].lstrip("# ")
+        made.append((name, heading if " " in heading else f"Command {heading}"))
     for folder, _, names in os.walk(docs):
         for name in names:
             if name.endswith(".md"):
                 relink(docs, os.path.join(folder, name), moved)
-    return commands
+    return made
 
 
 def relink(docs, path, moved):
@@ -112,9 +113,12 @@ def relink(docs, path, moved):
 
     parts = re.split(r"(^```.*?^```$)", read(path), flags=re.MULTILINE | re.DOTALL)
     parts[::2] = [re.sub(r"\[([^\]\[]*)\]\(([^)\s]+)\)", link, part) for part in parts[::2]]
+    # A bar in code ends no cell here, so that its backslash would be shown.
+    parts[::2] = [re.sub(r"`[^`\n]*`", lambda code: code[0].replace("\\|", "|"), part) for part in parts[::2]]
+    # A list needs a blank line above it here.
+    parts[::2] = [re.sub(r"(?m)^(?![-*|> ]|\d+\.|$)(.+)\n(?=[-*] |\d+\. )", r"\1\n\n", part) for part in parts[::2]]
     with open(path, "w", encoding="utf-8") as file:
-        # Python-Markdown wants a blank line above a list or a fence that the tree's readers do not need.
-        file.write(re.sub(r"(?m)^(?![-*|> ]|\d+\.|$)(.+)\n(?=[-*] |\d+\. )", r"\1\n\n", "".join(parts)))
+        file.write("".join(parts))
 
 
 def broken_links(site):
@@ -135,9 +139,9 @@ def broken_links(site):
 def build(site, pages):
     with tempfile.TemporaryDirectory() as folder:
         docs = os.path.join(folder, "docs")
-        commands = copy_documents(docs, pages)
+        made = copy_documents(docs, pages)
         with open(os.path.join(folder, "mkdocs.yml"), "w", encoding="utf-8") as file:
-            file.write(CONFIGURATION.format(docs=docs, site=os.path.abspath(site), navigation="\n".join(navigation(commands))))
+            file.write(CONFIGURATION.format(docs=docs, site=os.path.abspath(site), navigation="\n".join(navigation(made))))
         subprocess.run(["mkdocs", "build", "--quiet", "--clean", "-f", file.name], check=True)
     return sorted(set(broken_links(site)))
 

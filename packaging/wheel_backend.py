@@ -32,10 +32,7 @@ def build(folder):
     if not os.path.exists(os.path.join(folder, "build.ninja")):
         subprocess.run(["cmake", "-G", "Ninja", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DBRENVOLT_TESTS=OFF"],
                        check=True)
-    known = subprocess.run(["ninja", "-C", folder, "-t", "query", "drawing"], stdout=subprocess.DEVNULL,
-                           stderr=subprocess.DEVNULL).returncode == 0
-    subprocess.run(["cmake", "--build", folder, "--target", "brv_sra", "python_package", *(["drawing"] if known else [])],
-                   check=True)
+    subprocess.run(["cmake", "--build", folder, "--target", "wheel_files"], check=True)
 
 
 def metadata():

@@ -14,6 +14,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import zipfile
 
 BUILD = os.path.abspath(sys.argv.pop())
 TESTS = os.path.dirname(os.path.abspath(__file__))
@@ -152,6 +153,25 @@ class Installation(unittest.TestCase):
         run("cmake", "--build", build)
         data = self.installed("share/doc/brenvolt/examples/faithful.csv")
         self.assertEqual(run(os.path.join(build, "consumer"), data, env=BARE), "272 cases, median 4.0\n")
+
+    @unittest.skipUnless(glob.glob(os.path.join(BUILD, "python/brenvolt/_brenvolt.*.so")), "the build has no Python package")
+    def test_wheel_needs_nothing_beside_it(self):
+        sys.path.insert(0, os.path.join(TESTS, "../packaging"))
+        import wheel_backend
+        wheel, unpacked = (os.path.join(self.folder, name) for name in ("brenvolt.whl", "unpacked"))
+        wheel_backend.write_wheel(wheel, BUILD)
+        with zipfile.ZipFile(wheel) as opened:
+            opened.extractall(unpacked)
+            names = opened.namelist()
+        self.assertIn("brenvolt/py.typed", names)
+        with open(glob.glob(f"{unpacked}/*.dist-info/RECORD")[0], encoding="utf-8") as record:
+            self.assertEqual([line.split(",")[0] for line in record], names)
+        # No library of the build is loaded, nor of an installation.
+        program = ("import brenvolt; brenvolt.fit('{0}'); "
+                   "print(*{{line.split()[-1] for line in open('/proc/self/maps') if 'lib/libbr' in line or 'libs/libbr' in line}})")
+        printed = run(sys.executable, "-c", program.format(self.installed("share/doc/brenvolt/examples/faithful.csv")),
+                      cwd=self.work, env={**BARE, "PYTHONPATH": unpacked})
+        self.assertEqual({os.path.dirname(path) for path in printed.split()}, {os.path.join(unpacked, "brenvolt/libs")})
 
     def test_uninstall_leaves_nothing(self):
         """Into a second folder, as the other tests use the first."""
