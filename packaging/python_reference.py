@@ -7,6 +7,7 @@
 import inspect
 import re
 import sys
+import textwrap
 
 sys.dont_write_bytecode = True
 sys.path.insert(0, sys.argv[1])
@@ -35,7 +36,8 @@ def described(value):
 def entry(level, name, value):
     text = described(value)
     shown = signature(value)
-    call = ["```python", name.rsplit(".", 1)[-1] + shown, "```", ""] if shown else []
+    call = textwrap.wrap(name.rsplit(".", 1)[-1] + shown, 110, subsequent_indent="    ", break_long_words=False, break_on_hyphens=False)
+    call = ["```python", *call, "```", ""] if shown else []
     return [f"{'#' * level} {name}", "", *call, *(["```text", text, "```", ""] if text else [])]
 
 

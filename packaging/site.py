@@ -28,6 +28,8 @@ theme:
   navigation_depth: 2
 use_directory_urls: false
 strict: true
+extra_css:
+  - wide.css
 markdown_extensions:
   - tables
   - fenced_code
@@ -36,6 +38,10 @@ markdown_extensions:
 nav:
 {navigation}
 """
+
+
+# Room for reports, whose lines have up to 120 characters.
+STYLE = "@media (min-width: 1300px) { .container { max-width: 1280px; } }\npre code { font-size: 85%; }\n"
 
 
 def read(*path):
@@ -140,6 +146,8 @@ def build(site, pages):
     with tempfile.TemporaryDirectory() as folder:
         docs = os.path.join(folder, "docs")
         made = copy_documents(docs, pages)
+        with open(os.path.join(docs, "wide.css"), "w", encoding="utf-8") as file:
+            file.write(STYLE)
         with open(os.path.join(folder, "mkdocs.yml"), "w", encoding="utf-8") as file:
             file.write(CONFIGURATION.format(docs=docs, site=os.path.abspath(site), navigation="\n".join(navigation(made))))
         subprocess.run(["mkdocs", "build", "--quiet", "--clean", "-f", file.name], check=True)
