@@ -3,7 +3,7 @@
 The wheel holds the libraries of the host, of the analysis and, where Qt is installed, of pictures. Libraries of Debian's
 packages, which the build links, are not inside: it is a wheel for the machine that built it and for its like.
 
-    pip install .                                      builds in build/, where ./run and ./test do
+    pip install .                                      builds in build/ if ./run or ./test have, else in build-wheel/
     pip install . --config-settings build-dir=FOLDER   builds elsewhere
 """
 
@@ -25,6 +25,12 @@ EARLIEST = (1980, 1, 1, 0, 0, 0)  # that zip files can hold: the same build make
 def version():
     with open(os.path.join(ROOT, "CMakeLists.txt"), encoding="utf-8") as file:
         return re.search(r"project\(brenvolt VERSION ([\d.]+)", file.read())[1]
+
+
+def build_folder(settings):
+    """A folder of its own is configured without tests, which build/ must have."""
+    configured = os.path.exists(os.path.join(ROOT, "build/build.ninja"))
+    return os.path.join(ROOT, (settings or {}).get("build-dir", "build" if configured else "build-wheel"))
 
 
 def build(folder):
@@ -92,7 +98,7 @@ def write_wheel(path, folder):
 # ---- what pip calls --------------------------------------------------------------------------------------------------
 
 def build_wheel(wheel_directory, config_settings=None, metadata_directory=None):
-    folder = os.path.join(ROOT, (config_settings or {}).get("build-dir", "build"))
+    folder = build_folder(config_settings)
     build(folder)
     name = f"brenvolt-{version()}-{tag()}.whl"
     write_wheel(os.path.join(wheel_directory, name), folder)
