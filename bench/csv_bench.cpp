@@ -9,6 +9,7 @@
 #include <string>
 
 #include "host/tables/csv.h"
+#include "host/tables/formats/data_file_reader.h"
 
 namespace brenvolt {
 namespace {
@@ -80,6 +81,13 @@ void Write(benchmark::State& state, const Spreadsheet& sheet, const CsvFormat& f
 void ReadNumbers(benchmark::State& state) {
   Read(state, Numbers(), {});
 }
+// The same as people's files are read, whose layout is found by looking.
+void ReadNumbersFound(benchmark::State& state) {
+  const TemporaryCsv file;
+  WriteCsv(Numbers(), file.Path(), {});
+  for (auto _ : state) benchmark::DoNotOptimize(ReadDataFile(file.Path(), {}));
+  state.SetBytesProcessed(state.iterations() * file.Bytes());
+}
 void ReadNumbersWithComma(benchmark::State& state) {
   Read(state, Numbers(), CsvFormat::DecimalComma());
 }
@@ -100,6 +108,7 @@ void FormatNumbers(benchmark::State& state) {
 }
 
 BENCHMARK(ReadNumbers)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(ReadNumbersFound)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(ReadNumbersWithComma)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(ReadTexts)->Unit(benchmark::kMillisecond)->UseRealTime();
 BENCHMARK(WriteNumbers)->Unit(benchmark::kMillisecond)->UseRealTime();

@@ -21,10 +21,6 @@ std::string_view WithoutSign(std::string_view text) {
   return text.substr(text.starts_with('-') || text.starts_with('+') ? 1 : 0);
 }
 
-bool IsMissingWord(std::string_view text) {
-  return text == "NA" || SpellsWord(WithoutSign(text), "nan");
-}
-
 bool IsInfinityWord(std::string_view text) {
   const std::string_view word = WithoutSign(text);
   return SpellsWord(word, "inf") || SpellsWord(word, "infinity");
@@ -43,7 +39,48 @@ bool IsSafeMark(char c) {
   return byte > 0 && byte < 0x80 && !letterOrDigit && kUnsafe.find(c) == std::string_view::npos;
 }
 
+bool IsGroupMark(std::string_view text, char separator, std::size_t& length) {
+  length = 1;
+  if (text.front() == separator) return true;
+  if (separator != ' ') return false;
+  for (const std::string_view blank : {"\u00A0", "\u202F", "\u2009"}) {
+    length = blank.size();
+    if (text.starts_with(blank)) return true;
+  }
+  return false;
+}
+
 }  // namespace
+
+bool IsMissingWord(std::string_view text) {
+  return text == "NA" || SpellsWord(WithoutSign(text), "nan");
+}
+
+bool ReadGroupedNumber(std::string_view text, char decimalSeparator, char thousandsSeparator, double& value) {
+  constexpr std::size_t kGroup = 3;
+  constexpr std::size_t kLongest = 64;  // more digits than any double
+  const std::string_view whole = WithoutSign(text);
+  if (whole.size() > kLongest || whole.starts_with('0')) return false;
+  std::string plain(text.substr(0, text.size() - whole.size()));
+  std::size_t digits = 0;  // of the group
+  bool grouped = false;
+  std::size_t i = 0;
+  for (std::size_t length = 1; i < whole.size() && whole[i] != decimalSeparator; i += length) {
+    length = 1;
+    if (whole[i] >= '0' && whole[i] <= '9') {
+      if (++digits > kGroup) return false;
+      plain += whole[i];
+      continue;
+    }
+    if (!IsGroupMark(whole.substr(i), thousandsSeparator, length)) return false;
+    if (digits == 0 || (grouped && digits != kGroup)) return false;
+    grouped = true;
+    digits = 0;
+  }
+  if (!grouped || digits != kGroup) return false;
+  plain += whole.substr(i);
+  return ReadNumber(plain, {decimalSeparator}, value) == NumberReading::kNumber;
+}
 
 void CheckCsvFormat(const CsvFormat& format) {
   if (format.separator == format.decimalSeparator) throw Error("the separator is also the decimal separator");
@@ -53,9 +90,11 @@ void CheckCsvFormat(const CsvFormat& format) {
   }
 }
 
-CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& value) {
+CsvCellKind ReadCsvCell(const CsvField& field, const CsvLayout& layout, double& value) {
   const std::string_view text = field.quoted ? Trim(field.text) : field.text;
-  switch (ReadNumber(text, {format.decimalSeparator}, value)) {
+  if (!layout.missing.empty() && std::ranges::find(layout.missing, text) != layout.missing.end())
+    return CsvCellKind::kMissing;
+  switch (ReadNumber(text, {layout.decimalSeparator}, value)) {
     case NumberReading::kNumber:
       return CsvCellKind::kNumber;
     case NumberReading::kTooLarge:
@@ -64,6 +103,10 @@ CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& 
       break;
   }
   if (field.text.empty() || (!field.quoted && IsMissingWord(text))) return CsvCellKind::kMissing;
+  if (layout.thousandsSeparator != 0 &&
+      ReadGroupedNumber(text, layout.decimalSeparator, layout.thousandsSeparator, value)) {
+    return CsvCellKind::kNumber;
+  }
   if (!IsInfinityWord(text)) return CsvCellKind::kText;
   value = std::numeric_limits<double>::infinity() * (text.front() == '-' ? -1 : 1);
   return CsvCellKind::kNumber;

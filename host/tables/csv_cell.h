@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "host/tables/csv.h"
+#include "host/tables/csv_layout.h"
 #include "host/tables/csv_scan.h"
 
 namespace brenvolt {
@@ -23,8 +24,9 @@ enum class CsvCellKind : std::uint8_t {
 };
 
 // Reads a field; `value` is written for numbers only. Quoted or not, a number is a number, and so are "inf"
-// and "-inf" in any case; the words for missing values are text if they are quoted.
-CsvCellKind ReadCsvCell(const CsvField& field, const CsvFormat& format, double& value);
+// and "-inf" in any case; the words for missing values are text if they are quoted, but not those that the layout
+// names.
+CsvCellKind ReadCsvCell(const CsvField& field, const CsvLayout& layout, double& value);
 
 // The field's text as a person means it: doubled quotes made single. `buffer` keeps the text if it must be
 // made.

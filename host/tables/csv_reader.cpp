@@ -84,8 +84,8 @@ struct Block {
   std::size_t end = 0;
   std::size_t firstRow = 0;
   std::size_t rows = 0;
-  std::vector<double> cells;          // row by row
-  std::vector<std::uint8_t> hasText;  // by column
+  std::vector<double> cells;       // row by row
+  std::vector<std::size_t> texts;  // by column: their number
   std::map<std::size_t, std::size_t>
       firstTooLarge;  // by column: the offset of the first number beyond the range
   std::optional<CsvFault> fault;
@@ -93,8 +93,11 @@ struct Block {
 
 class Reader {
  public:
-  Reader(std::string_view text, const CsvFormat& format, const std::string& fileName)
-      : text_(text), format_(format), fileName_(fileName) {}
+  Reader(std::string_view text, const CsvLayout& layout, const std::string& fileName)
+      : text_(text), layout_(layout), fileName_(fileName) {}
+
+  // After Read: the columns of texts most of whose values are numbers.
+  std::vector<StrayTexts>& Mixed() { return mixed_; }
 
   Spreadsheet Read(const std::string& sheetName, std::size_t blockBytes) {
     const std::size_t body = ReadHeader();
@@ -114,7 +117,13 @@ class Reader {
  private:
   [[noreturn]] void Fail(const std::string& what) const { throw Error(what, fileName_); }
   [[noreturn]] void Fail(const CsvFault& fault) const;
+  std::size_t LineOf(std::size_t offset) const;
+  static CsvFault TooLong(const CsvField& field, std::size_t offset, std::size_t column);
 
+  CsvScanner ScannerOf(std::size_t begin, std::size_t end) const {
+    return {text_, begin, end, layout_.separator, layout_.comment};
+  }
+  std::vector<std::string> ReadLine(CsvScanner& scanner) const;
   std::size_t ReadHeader();
   void SplitBody(std::size_t body, std::size_t blockBytes);
   void ReadBlock(Block& block) const;
@@ -122,6 +131,10 @@ class Reader {
   void ReadCell(const CsvField& field, std::size_t column, std::size_t offset, Block& block) const;
   void NumberRows();
   void FindTextColumns();
+  std::size_t CountTexts(std::size_t column) const;
+  std::size_t CountValues(std::size_t column) const;
+  void JudgeTexts(std::size_t column, std::vector<StrayTexts>& stray);
+  std::vector<StrayTexts::Cell> FirstTexts(std::size_t column) const;
   void ThrowOnTooLargeNumber() const;
   void GatherColumns();
   void ReadTexts();
@@ -130,15 +143,18 @@ class Reader {
   Variable MakeVariable(std::size_t column);
 
   // Lines without text are missing values if there is but one column.
-  bool SkipBlankLine(CsvScanner& scanner) const { return names_.size() > 1 && scanner.SkipBlankLine(); }
+  bool SkipLine(CsvScanner& scanner) const {
+    return scanner.SkipComment() || (names_.size() > 1 && scanner.SkipBlankLine());
+  }
   bool IsTextColumn(std::size_t column) const { return placeOfText_[column] != kNoText; }
 
   static constexpr std::size_t kNoText = static_cast<std::size_t>(-1);
 
   std::string_view text_;
-  const CsvFormat& format_;
+  const CsvLayout& layout_;
   const std::string& fileName_;
   std::vector<std::string> names_;
+  std::vector<std::string> units_;  // by column, or none at all
   std::vector<Block> blocks_;
   std::size_t rows_ = 0;
   std::vector<std::vector<double>> columns_;
@@ -146,35 +162,63 @@ class Reader {
   std::vector<std::size_t> placeOfText_;            // by column: its place in textColumns_, or kNoText
   std::vector<std::vector<TextCodes>> blockCodes_;  // by block and place
   std::vector<TextCodes> codes_;                    // by place
+  std::vector<StrayTexts> mixed_;
 };
 
-void Reader::Fail(const CsvFault& fault) const {
-  const auto line =
-      1 + std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(fault.offset), '\n');
-  throw Error(fault.what,
-              fileName_ + ", line " + std::to_string(line) + ", column " + std::to_string(fault.column));
+std::size_t Reader::LineOf(std::size_t offset) const {
+  return 1 + static_cast<std::size_t>(
+                 std::count(text_.begin(), text_.begin() + static_cast<std::ptrdiff_t>(offset), '\n'));
 }
 
-// Returns where the header ends.
-std::size_t Reader::ReadHeader() {
-  const std::size_t begin = text_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
-  CsvScanner scanner(text_, begin, text_.size(), format_.separator);
-  while (!scanner.AtEnd() && scanner.SkipBlankLine()) {
+CsvFault Reader::TooLong(const CsvField& field, std::size_t offset, std::size_t column) {
+  return {"the field holds a text of " + std::to_string(field.text.size()) + " bytes, more than " +
+              std::to_string(kMostTextBytes),
+          offset, column};
+}
+
+void Reader::Fail(const CsvFault& fault) const {
+  throw Error(fault.what, fileName_ + ", line " + std::to_string(LineOf(fault.offset)) + ", column " +
+                              std::to_string(fault.column));
+}
+
+// The texts of the next line that is neither blank nor a comment.
+std::vector<std::string> Reader::ReadLine(CsvScanner& scanner) const {
+  while (!scanner.AtEnd() && (scanner.SkipComment() || scanner.SkipBlankLine())) {
   }
-  if (scanner.AtEnd()) Fail("the file is empty");
   std::vector<std::string> cells;
+  if (scanner.AtEnd()) return cells;
   CsvField field;
   std::string buffer;
   CsvFieldEnd end = CsvFieldEnd::kSeparator;
   try {
     while (end == CsvFieldEnd::kSeparator) {
+      const std::size_t offset = scanner.Offset();
       end = scanner.Next(field);
+      if (field.text.size() > kMostTextBytes) throw TooLong(field, offset, cells.size() + 1);
       cells.emplace_back(CsvFieldText(field, buffer));
     }
   } catch (const CsvFault& fault) {
     Fail(fault);
   }
+  return cells;
+}
+
+// Returns where the data begin.
+std::size_t Reader::ReadHeader() {
+  const std::size_t mark = text_.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0;
+  const std::size_t begin = std::max(mark, layout_.begin);
+  CsvScanner scanner = ScannerOf(begin, text_.size());
+  std::vector<std::string> cells = ReadLine(scanner);
+  if (cells.empty()) Fail("the file is empty");
+  if (layout_.headerLacksFirst) cells.insert(cells.begin(), std::string());
+  if (!layout_.hasHeader) {
+    names_ = ColumnNames(std::vector<std::string>(cells.size()));
+    return begin;
+  }
   names_ = ColumnNames(std::move(cells));
+  if (!layout_.hasUnits) return scanner.Offset();
+  units_ = ReadLine(scanner);
+  units_.resize(names_.size());
   return scanner.Offset();
 }
 
@@ -191,11 +235,11 @@ void Reader::ReadBlock(Block& block) const {
   const std::string_view text = text_.substr(block.begin, block.end - block.begin);
   const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) + 1;
   block.cells.reserve(names_.size() * std::min(lines, text.size() / names_.size() + 1));
-  block.hasText.assign(names_.size(), 0);
-  CsvScanner scanner(text_, block.begin, block.end, format_.separator);
+  block.texts.assign(names_.size(), 0);
+  CsvScanner scanner = ScannerOf(block.begin, block.end);
   try {
     while (!scanner.AtEnd()) {
-      if (!SkipBlankLine(scanner)) ReadRow(scanner, block);
+      if (!SkipLine(scanner)) ReadRow(scanner, block);
     }
   } catch (const CsvFault& fault) {
     block.fault = fault;
@@ -230,7 +274,7 @@ void Reader::ReadRow(CsvScanner& scanner, Block& block) const {
 // The cell is the one of this column in the last row of block.cells, where it is missing so far.
 void Reader::ReadCell(const CsvField& field, std::size_t column, std::size_t offset, Block& block) const {
   double& value = block.cells[block.cells.size() - names_.size() + column];
-  switch (ReadCsvCell(field, format_, value)) {
+  switch (ReadCsvCell(field, layout_, value)) {
     case CsvCellKind::kMissing:
     case CsvCellKind::kNumber:
       return;
@@ -238,7 +282,8 @@ void Reader::ReadCell(const CsvField& field, std::size_t column, std::size_t off
       block.firstTooLarge.try_emplace(column, offset);
       break;
     case CsvCellKind::kText:
-      block.hasText[column] = 1;
+      if (field.text.size() > kMostTextBytes) throw TooLong(field, offset, column + 1);
+      ++block.texts[column];
       break;
   }
   value = 0;  // present; a code will take its place
@@ -256,11 +301,64 @@ void Reader::NumberRows() {
 
 void Reader::FindTextColumns() {
   placeOfText_.assign(names_.size(), kNoText);
+  std::vector<StrayTexts> stray;
   for (std::size_t c = 0; c < names_.size(); ++c) {
-    if (std::ranges::none_of(blocks_, [c](const Block& block) { return block.hasText[c] != 0; })) continue;
+    const bool given = std::ranges::find(layout_.textColumns, names_[c]) != layout_.textColumns.end();
+    if (!given && CountTexts(c) == 0) continue;
+    if (!given) JudgeTexts(c, stray);
     placeOfText_[c] = textColumns_.size();
     textColumns_.push_back(c);
   }
+  if (!stray.empty()) throw StrayTextsError(std::move(stray), fileName_);
+}
+
+std::size_t Reader::CountTexts(std::size_t column) const {
+  std::size_t texts = 0;
+  for (const Block& block : blocks_) texts += block.texts[column];
+  return texts;
+}
+
+std::size_t Reader::CountValues(std::size_t column) const {
+  std::size_t values = 0;
+  for (const Block& block : blocks_) {
+    for (std::size_t i = column; i < block.cells.size(); i += names_.size())
+      values += std::isnan(block.cells[i]) ? 0 : 1;
+  }
+  return values;
+}
+
+void Reader::JudgeTexts(std::size_t column, std::vector<StrayTexts>& stray) {
+  constexpr std::size_t kStrayPercent = 1;
+  constexpr std::size_t kMixedPercent = 50;
+  if (!layout_.refusesStrayTexts) return;
+  const std::size_t texts = CountTexts(column);
+  const std::size_t values = CountValues(column);
+  if (texts * 100 > values * kMixedPercent) return;
+  StrayTexts found{names_[column], texts, values, FirstTexts(column)};
+  (texts * 100 <= values * kStrayPercent ? stray : mixed_).push_back(std::move(found));
+}
+
+std::vector<StrayTexts::Cell> Reader::FirstTexts(std::size_t column) const {
+  constexpr std::size_t kShown = 3;
+  std::vector<StrayTexts::Cell> found;
+  CsvField field;
+  std::string buffer;
+  double ignored = 0;
+  for (const Block& block : blocks_) {
+    if (block.texts[column] == 0) continue;
+    CsvScanner scanner = ScannerOf(block.begin, block.end);
+    while (!scanner.AtEnd()) {
+      if (SkipLine(scanner)) continue;
+      for (std::size_t c = 0; c < names_.size(); ++c) {
+        const std::size_t offset = scanner.Offset();
+        scanner.Next(field);
+        if (c != column || ReadCsvCell(field, layout_, ignored) != CsvCellKind::kText) continue;
+        found.push_back({std::string(CsvFieldText(field, buffer)), LineOf(offset)});
+        if (found.size() == kShown) return found;
+      }
+    }
+  }
+  return found;
 }
 
 // In a column of texts, what looks like such a number is a text.
@@ -302,10 +400,10 @@ void Reader::ReadTexts() {
 
 // Puts codes of this block into the text columns.
 void Reader::ReadBlockTexts(const Block& block, std::vector<TextCodes>& codes) {
-  CsvScanner scanner(text_, block.begin, block.end, format_.separator);
+  CsvScanner scanner = ScannerOf(block.begin, block.end);
   CsvField field;
   for (std::size_t row = block.firstRow; row < block.firstRow + block.rows; ++row) {
-    while (SkipBlankLine(scanner)) {
+    while (SkipLine(scanner)) {
     }
     for (std::size_t c = 0; c < names_.size(); ++c) {
       scanner.Next(field);
@@ -334,6 +432,7 @@ void Reader::UniteCodes(std::size_t place) {
 Variable Reader::MakeVariable(std::size_t column) {
   Variable variable(names_[column], 0);
   variable.AssignValues(std::move(columns_[column]));
+  if (!units_.empty() && !units_[column].empty()) variable.SetProperty(kUnitProperty, units_[column]);
   if (!IsTextColumn(column)) return variable;
   variable.SetType(VariableType::kText);
   double code = 0;
@@ -345,9 +444,17 @@ Variable Reader::MakeVariable(std::size_t column) {
 }  // namespace
 
 Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
+                          const CsvLayout& layout, std::size_t blockBytes, std::vector<StrayTexts>* mixed) {
+  Reader reader(text, layout, fileName);
+  Spreadsheet sheet = reader.Read(sheetName, blockBytes);
+  if (mixed != nullptr) *mixed = std::move(reader.Mixed());
+  return sheet;
+}
+
+Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
                           const CsvFormat& format, std::size_t blockBytes) {
   CheckCsvFormat(format);
-  return Reader(text, format, fileName).Read(sheetName, blockBytes);
+  return ReadCsvBlocks(text, sheetName, fileName, CsvLayout(format), blockBytes, nullptr);
 }
 
 Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const CsvFormat& format) {

@@ -7,14 +7,22 @@
 #include <string_view>
 
 #include "host/tables/csv.h"
+#include "host/tables/csv_layout.h"
 
 namespace brenvolt {
 
 // Long enough to make the cost of a block vanish, short enough that a block and its numbers stay in cache.
 inline constexpr std::size_t kCsvBlockBytes = std::size_t{1} << 19;
 
+// The most bytes of one text: more is no table of data.
+inline constexpr std::size_t kMostTextBytes = std::size_t{1} << 20;
+
 // Reads `text` into a sheet called `sheetName`; `fileName` appears in errors. `blockBytes` is at least 1.
 Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
                           const CsvFormat& format, std::size_t blockBytes = kCsvBlockBytes);
+// The same of a text that is laid out otherwise. `mixed` takes the columns that became texts although a half or more of
+// their values are numbers; it may be null.
+Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
+                          const CsvLayout& layout, std::size_t blockBytes, std::vector<StrayTexts>* mixed);
 
 }  // namespace brenvolt

@@ -8,8 +8,13 @@
 
 namespace brenvolt {
 
-CsvScanner::CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator)
-    : text_(text), next_(text.data() + begin), end_(text.data() + end), separator_(separator) {
+CsvScanner::CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator,
+                       char comment)
+    : text_(text),
+      next_(text.data() + begin),
+      end_(text.data() + end),
+      separator_(separator),
+      comment_(comment) {
   const std::size_t nonText = FindNonText(text.substr(begin, end - begin));
   firstNonText_ = nonText == std::string_view::npos ? end_ : next_ + nonText;
   for (const char c : {separator, '"', '\n'}) isSpecial_[static_cast<std::uint8_t>(c)] = true;
@@ -25,6 +30,15 @@ bool CsvScanner::SkipBlankLine() {
   const char* const past = PastRowEnd(SkipBlanks(next_));
   if (past == nullptr) return false;
   next_ = past;
+  return true;
+}
+
+bool CsvScanner::SkipComment() {
+  if (comment_ == 0) return false;
+  const char* const first = SkipBlanks(next_);
+  if (first == end_ || *first != comment_) return false;
+  const char* const lineEnd = std::find(first, end_, '\n');
+  next_ = lineEnd == end_ ? end_ : lineEnd + 1;
   return true;
 }
 

@@ -34,7 +34,8 @@ struct CsvFault {
 // UTF-8 without zero bytes.
 class CsvScanner {
  public:
-  CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator);
+  // `comment` begins lines that SkipComment passes over; 0: there are none.
+  CsvScanner(std::string_view text, std::size_t begin, std::size_t end, char separator, char comment = 0);
 
   bool AtEnd() const { return next_ == end_; }
   // Where the next field begins.
@@ -42,6 +43,8 @@ class CsvScanner {
   // At the start of a row: passes over a line that holds at most blanks. False, and nothing moved, for
   // others.
   bool SkipBlankLine();
+  // The same for a comment.
+  bool SkipComment();
   // Reads one field and tells what ended it. Throws CsvFault.
   CsvFieldEnd Next(CsvField& field);
 
@@ -67,6 +70,7 @@ class CsvScanner {
   const char* firstNonText_;  // or end_
   std::size_t column_ = 1;
   char separator_;
+  char comment_;
   std::array<bool, 256> isSpecial_{};  // what ends an unquoted field or is a fault in it
 };
 

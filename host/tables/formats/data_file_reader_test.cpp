@@ -1,0 +1,385 @@
+#include "host/tables/formats/data_file_reader.h"
+
+#include <archive.h>
+#include <archive_entry.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <memory>
+
+#include "host/base/files/mapped_file.h"
+#include "host/tables/csv_layout.h"
+#include "host/tables/csv_reader.h"
+#include "host/tables/formats/packages_reader.h"
+#include "host/tables/formats/zip_content.h"
+
+namespace brenvolt {
+namespace {
+
+const std::string kPackages = BRENVOLT_SOURCE_DIR "/host/tables/formats/reference/packages/";
+
+// The cells of a column: numbers, texts in brackets, "-" where a value is missing.
+std::string Shown(const Spreadsheet& sheet, const std::string& name, std::size_t most = 4) {
+  const Variable& variable = sheet.VariableAt(sheet.FindVariable(name).value());
+  std::string text;
+  for (std::size_t row = 0; row < std::min(most, variable.Size()); ++row) {
+    const double value = variable.Values()[row];
+    const auto label = variable.Label(value);
+    std::ostringstream cell;
+    if (variable.IsMissing(row)) {
+      cell << "-";
+    } else if (label && variable.Type() == VariableType::kText) {
+      cell << "[" << *label << "]";
+    } else {
+      cell << value;
+    }
+    text += (row > 0 ? " " : "") + cell.str();
+  }
+  return text;
+}
+
+std::string RefusalOf(std::string_view bytes, const TextOptions& options = {}) {
+  try {
+    ReadDataBytes(bytes, "data", "file", options);
+  } catch (const Error& error) {
+    return error.what();
+  }
+  return "accepted";
+}
+
+std::string Packed(const std::string& content, int (*filter)(archive*)) {
+  archive* writer = archive_write_new();
+  std::string bytes(content.size() + 65536, '\0');
+  std::size_t used = 0;
+  filter(writer);
+  archive_write_set_format_raw(writer);
+  archive_write_open_memory(writer, bytes.data(), bytes.size(), &used);
+  archive_entry* entry = archive_entry_new();
+  archive_entry_set_filetype(entry, AE_IFREG);
+  archive_write_header(writer, entry);
+  archive_write_data(writer, content.data(), content.size());
+  archive_entry_free(entry);
+  archive_write_free(writer);
+  bytes.resize(used);
+  return bytes;
+}
+
+// A zip file of the parts, which are not compressed.
+std::string PackedParts(const std::vector<ZipPart>& parts) {
+  const std::unique_ptr<archive, int (*)(archive*)> writer(archive_write_new(), archive_write_free);
+  const std::unique_ptr<archive_entry, void (*)(archive_entry*)> entry(archive_entry_new(),
+                                                                       archive_entry_free);
+  std::string bytes;
+  std::size_t room = 1 << 16;
+  for (const ZipPart& part : parts) room += part.content.size() + 4 * part.name.size() + 1024;
+  bytes.resize(room);
+  std::size_t used = 0;
+  archive_write_set_format_zip(writer.get());
+  archive_write_zip_set_compression_store(writer.get());
+  archive_write_open_memory(writer.get(), bytes.data(), bytes.size(), &used);
+  for (const ZipPart& part : parts) {
+    archive_entry_clear(entry.get());
+    archive_entry_set_pathname_utf8(entry.get(), part.name.c_str());
+    archive_entry_set_filetype(entry.get(), AE_IFREG);
+    archive_entry_set_perm(entry.get(), 0644);
+    archive_entry_set_size(entry.get(), static_cast<la_int64_t>(part.content.size()));
+    archive_write_header(writer.get(), entry.get());
+    archive_write_data(writer.get(), part.content.data(), part.content.size());
+  }
+  archive_write_close(writer.get());
+  bytes.resize(used);
+  return bytes;
+}
+
+// Expected cells come from the scripts that made the files (reference/make_package_files.py), and R's iris.
+TEST(DataFilesReference, FilesOfOtherProgramsMeanWhatTheyShowThere) {
+  const struct {
+    const char* file;
+    std::size_t sheet;
+    const char* column;
+    const char* cells;
+    std::size_t cases;
+  } rows[] = {
+      {"book.xlsx", 0, "when", "[2024-02-28] [2024-02-29 10:30:00] [2024-03-01] [2024-03-02]", 4},
+      {"book.xlsx", 0, "force", "1.5 2.5 - 4.5", 4},
+      {"book.xlsx", 0, "lot", "[A] [B, late] [A] [C]", 4},
+      {"book.xlsx", 0, "double", "3 5 0 9", 4},
+      {"book.xlsx", 0, "ok", "1 0 1 1", 4},
+      {"book.xlsx", 1, "x", "1 2 3", 3},
+      {"book.ods", 0, "when", "[2024-02-29] [2024-03-01 10:30:00] [2024-03-02]", 3},
+      {"book.ods", 0, "force", "1.5 2.5 -", 3},
+      {"book.ods", 0, "double", "3 5 0", 3},
+      {"cars.dta", 0, "mpg", "21 22.5 -", 3},
+      {"cars.dta", 0, "make", "[Äpfel] [b] [c]", 3},
+      {"iris.sav", 0, "Sepal.Length", "5.1 4.9 4.7 4.6", 150},
+      {"iris.sas7bdat.gz", 0, "Sepal_Length", "5.1 4.9 4.7 4.6", 150},
+      {"iris.sas7bdat.gz", 0, "Species", "[setosa] [setosa] [setosa] [setosa]", 150},
+      {"iris.xpt", 0, "Sepal_Length", "5.1 4.9 4.7 4.6", 20},
+      {"arrays.npz", 0, "x", "1.5 - 3", 3},
+      {"arrays.npz", 0, "i", "1 -2 3", 3},
+      {"arrays.npz", 0, "m_2", "1 3 5", 3},
+      {"arrays.npz", 0, "f_1", "1 3 5", 3},
+      {"arrays.npz", 0, "b", "1 0 1", 3},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(std::string(row.file) + " " + row.column);
+    const DataRead read = ReadDataFile(kPackages + row.file, {});
+    ASSERT_LT(row.sheet, read.sheets.size());
+    const Spreadsheet& sheet = *read.sheets[row.sheet];
+    EXPECT_EQ(sheet.CaseCount(), row.cases);
+    EXPECT_EQ(Shown(sheet, row.column), row.cells);
+  }
+}
+
+TEST(DataFilesReference, PackagesKeepLabelsAndDescriptions) {
+  const DataRead cars = ReadDataFile(kPackages + "cars.dta", {});
+  const Spreadsheet& sheet = *cars.sheets.front();
+  EXPECT_EQ(sheet.VariableAt(1).Label(6), "six");
+  EXPECT_EQ(sheet.VariableAt(1).Type(), VariableType::kNumeric);
+  EXPECT_EQ(sheet.VariableAt(0).Property(kLabelProperty), "miles per gallon");
+}
+
+TEST(DataFiles, WorkbooksTellWhatIsDoubtful) {
+  const DataRead read = ReadDataFile(kPackages + "book.xlsx", {});
+  ASSERT_EQ(read.sheets.size(), 2u);
+  EXPECT_EQ(read.sheets[0]->Name(), "Data");
+  EXPECT_EQ(read.readAs, "in sheet Data the header in line 3");
+  ASSERT_FALSE(read.doubts.empty());
+  EXPECT_EQ(
+      read.doubts[0].message,
+      "sheet Data has 1 merged range: the value stands in the first cell of each, the others are missing");
+}
+
+TEST(DataFiles, LinesOfJsonAreATable) {
+  const DataRead read = ReadDataBytes(
+      "{\"x\": 1.5, \"t\": \"a, b\"}\n\n{\"t\": \"NA\", \"y\": true}\n{\"x\": null, \"t\": null}\n", "data",
+      "file", {});
+  const Spreadsheet& sheet = *read.sheets.front();
+  EXPECT_EQ(Shown(sheet, "x"), "1.5 - -");
+  EXPECT_EQ(Shown(sheet, "t"), "[a, b] - -");
+  EXPECT_EQ(Shown(sheet, "y"), "- 1 -");
+}
+
+TEST(DataFiles, PackedTextsAreUnpacked) {
+  for (const auto filter : {archive_write_add_filter_gzip, archive_write_add_filter_zstd}) {
+    const DataRead read = ReadDataBytes(Packed("x;y\n1,5;2\n", filter), "data", "file", {});
+    EXPECT_EQ(Shown(*read.sheets.front(), "x"), "1.5");
+    EXPECT_TRUE(read.readAs.starts_with("content packed by ")) << read.readAs;
+  }
+}
+
+TEST(DataFiles, WhatIsNotReadIsNamed) {
+  const std::string compound = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
+  std::string encrypted = compound;
+  for (const char c : std::string_view("EncryptedPackage")) encrypted += {c, '\0'};
+  const struct {
+    std::string bytes;
+    const char* refusal;
+  } rows[] = {
+      {"PAR1....PAR1",
+       "this is a Parquet file, which is not read; in Python: brenvolt.fit(pandas.read_parquet(FILE))"},
+      {std::string("ARROW1\0\0", 8),
+       "this is an Arrow file, which is not read; in Python: brenvolt.fit(pandas.read_feather(FILE))"},
+      {"\x89HDF\r\n\x1a\n",
+       "this is an HDF5 file, which is not read; in Python: brenvolt.fit(pandas.read_hdf(FILE))"},
+      {"%PDF-1.4", "this is a PDF file, which is not read; it holds pages, no table of data"},
+      {"<!DOCTYPE html><p>", "this is an HTML page, which is not read; save its table as .csv"},
+      {"{\n \"a\": 1\n}\n",
+       "this is a JSON document, which is not read; write an object in each line, or .csv"},
+      {encrypted, "this is an encrypted workbook, which is not read; save it without a password"},
+      {compound,
+       "this is an office document in an old format, which is not read; save it as .xlsx, .ods or .csv"},
+      {PackedParts({{"word/document.xml", "x"}}),
+       "this is a word processor's document, which is not read; save its table as .csv"},
+      {PackedParts({{"a.csv", "x"}}), "this is a zip archive, which is not read; unpack it"},
+  };
+  for (const auto& row : rows) EXPECT_EQ(RefusalOf(row.bytes), row.refusal);
+}
+
+std::string Contents(const char* file) {
+  const MappedFile mapped(kPackages + file);
+  return std::string(mapped.Text());
+}
+
+TEST(DataFiles, CutFilesAreRefused) {
+  for (const char* file :
+       {"book.xlsx", "book.ods", "cars.dta", "iris.sav", "iris.xpt", "iris.sas7bdat.gz", "arrays.npz"}) {
+    const std::string whole = Contents(file);
+    for (const double share : {0.1, 0.5, 0.9}) {
+      const std::string refusal =
+          RefusalOf(whole.substr(0, static_cast<std::size_t>(share * static_cast<double>(whole.size()))));
+      // A table of cases that ends early is one of fewer cases.
+      const bool mayEndEarly = std::string_view(file) == "iris.xpt" && share > 0.4;
+      EXPECT_TRUE(refusal != "accepted" || mayEndEarly) << file << " " << share;
+    }
+  }
+}
+
+// A sheet of the cells given, as the least that a workbook consists of.
+std::string Workbook(const std::string& cells, const std::string& prologue = {},
+                     const std::string& texts = {}) {
+  const std::string ns = "http://schemas.openxmlformats.org/spreadsheetml/2006/main";
+  const std::string relations = "http://schemas.openxmlformats.org/officeDocument/2006/relationships";
+  const std::string package = "http://schemas.openxmlformats.org/package/2006/";
+  return PackedParts(
+      {{"[Content_Types].xml",
+        "<?xml version=\"1.0\"?><Types xmlns=\"" + package +
+            "content-types\"><Default Extension=\"rels\" "
+            "ContentType=\"application/vnd.openxmlformats-package.relationships+xml\"/>"
+            "<Default Extension=\"xml\" ContentType=\"application/xml\"/><Override "
+            "PartName=\"/xl/workbook.xml\" "
+            "ContentType=\"application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml\"/"
+            "><Override "
+            "PartName=\"/xl/worksheets/sheet1.xml\" "
+            "ContentType=\"application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml\"/></"
+            "Types>"},
+       {"_rels/.rels", "<?xml version=\"1.0\"?><Relationships xmlns=\"" + package +
+                           "relationships\"><Relationship Id=\"rId1\" Type=\"" + relations +
+                           "/officeDocument\" Target=\"xl/workbook.xml\"/></Relationships>"},
+       {"xl/workbook.xml",
+        "<?xml version=\"1.0\"?><workbook xmlns=\"" + ns + "\" xmlns:r=\"" + relations +
+            "\"><sheets><sheet name=\"S\" sheetId=\"1\" r:id=\"rId1\"/></sheets></workbook>"},
+       {"xl/_rels/workbook.xml.rels", "<?xml version=\"1.0\"?><Relationships xmlns=\"" + package +
+                                          "relationships\"><Relationship Id=\"rId1\" Type=\"" + relations +
+                                          "/worksheet\" Target=\"worksheets/sheet1.xml\"/><Relationship "
+                                          "Id=\"rId2\" Type=\"" +
+                                          relations +
+                                          "/sharedStrings\" Target=\"/xl/texts.xml\"/></Relationships>"},
+       {"xl/texts.xml", "<?xml version=\"1.0\"?><sst xmlns=\"" + ns + "\">" + texts + "</sst>"},
+       {"xl/worksheets/sheet1.xml", "<?xml version=\"1.0\"?>" + prologue + "<worksheet xmlns=\"" + ns +
+                                        "\"><sheetData>" + cells + "</sheetData></worksheet>"}});
+}
+
+// The forms in which programs write a text into a cell.
+TEST(DataFiles, TextsOfWorkbooksAreReadInAllTheirForms) {
+  const std::string texts =
+      "<si><t>head</t></si><si><r><rPr><b/></rPr><t>bo</t></r><r><t xml:space=\"preserve\">ld &amp; "
+      "plain</t></r></si>"
+      "<si><t/></si><si><t>\u6771\u4EAC</t><rPh sb=\"0\" eb=\"1\"><t>\u30C8\u30A6</t></rPh></si>";
+  const std::string rows =
+      "<row r=\"1\"><c r=\"A1\" t=\"s\"><v>0</v></c><c r=\"B1\" t=\"inlineStr\"><is><t>x</t></is></c></row>"
+      "<row r=\"2\"><c r=\"A2\" t=\"s\"><v>1</v></c><c r=\"B2\"><f>1+1</f><v>2</v></c></row>"
+      "<row r=\"3\"><c r=\"A3\" t=\"s\"><v>2</v></c><c r=\"B3\"><v>3</v></c></row>"
+      "<row r=\"4\"><c r=\"A4\" t=\"s\"><v>3</v></c><c r=\"B4\"><v>4</v></c></row>"
+      "<row><c t=\"inlineStr\"><is><r><t>in </t></r><r><t>two</t></r></is></c><c><v>5</v></c></row>"
+      "<row><c t=\"str\"><f>A1</f><v>made</v></c><c><v>6</v></c></row>"
+      "<row><c t=\"e\"><v>#DIV/0!</v></c><c t=\"b\"><v>1</v></c></row>";
+  const DataRead read = ReadDataBytes(Workbook(rows, {}, texts), "data", "file", {});
+  EXPECT_EQ(Shown(*read.sheets.front(), "head", 9),
+            "[bold & plain] - [\u6771\u4EAC] [in two] [made] [#DIV/0!]");
+  EXPECT_EQ(Shown(*read.sheets.front(), "x", 9), "2 3 4 5 6 1");
+  EXPECT_EQ(RefusalOf(Workbook("<row><c t=\"s\"><v>7</v></c></row>", {}, texts)),
+            "the file is damaged: a cell refers to a text that is not there");
+  EXPECT_EQ(RefusalOf(Workbook("<row><c><v>1x</v></c></row>")),
+            "the file is damaged: a cell of a number holds none");
+}
+
+TEST(DataFiles, WorkbooksOfMaliceAreBounded) {
+  const std::string header = "<row r=\"1\"><c r=\"A1\" t=\"inlineStr\"><is><t>x</t></is></c></row>";
+  const std::string row = "<row r=\"2\"><c r=\"A2\"><v>1</v></c></row>";
+  EXPECT_EQ(RefusalOf(Workbook(header + row)), "accepted");
+  EXPECT_TRUE(RefusalOf(Workbook(header + "<row r=\"1048576\"><c r=\"XFD1048576\"><v>1</v></c></row>"))
+                  .find("which is no table") != std::string::npos);
+  // An entity that would become a billion letters stays unknown.
+  const std::string bomb =
+      "<!DOCTYPE w [<!ENTITY a \"aaaaaaaaaa\"><!ENTITY b \"&a;&a;&a;&a;&a;&a;&a;&a;&a;&a;\"><!ENTITY c "
+      "\"&b;&b;&b;&b;&b;&b;\">]>";
+  const std::string refusal = RefusalOf(
+      Workbook(header + "<row r=\"2\"><c r=\"A2\" t=\"inlineStr\"><is><t>&c;</t></is></c></row>", bomb));
+  EXPECT_TRUE(refusal == "accepted" || refusal.find("damaged") != std::string::npos) << refusal;
+  const std::string wide = Workbook(header + row + "<row r=\"3\"><c r=\"XFD3\"><v>1</v></c></row>");
+  EXPECT_EQ(ReadDataBytes(wide, "data", "file", {}).sheets.front()->VariableCount(), 16384u);
+}
+
+TEST(DataFiles, WhatUnpacksWithoutEndIsRefused) {
+  const std::string bomb = Packed(std::string(std::size_t{300} << 20, '0'), archive_write_add_filter_gzip);
+  EXPECT_EQ(RefusalOf(bomb), "the file unpacks to more than 256 MB, which no table of data of its size does");
+}
+
+TEST(DataFiles, TextsBeyondBoundsAndWrongBytesAreNamed) {
+  const std::string longCell = "a,b\n1," + std::string(kMostTextBytes + 1, 'x') + "\n";
+  EXPECT_EQ(RefusalOf(longCell), "the field holds a text of 1048577 bytes, more than 1048576");
+  std::string wrongInTheMiddle = "a,b\n";
+  for (int i = 0; i < 20'000; ++i) wrongInTheMiddle += "1,text\n";
+  wrongInTheMiddle += "2,caf\xE9\n";
+  EXPECT_EQ(
+      RefusalOf(wrongInTheMiddle),
+      "the text is not UTF-8 from here on, as it is above; another encoding reads it: windows-1252, for one");
+  TextOptions western;
+  western.encoding = "windows-1252";
+  EXPECT_EQ(RefusalOf(wrongInTheMiddle, western), "accepted");
+  TextOptions japanese;
+  japanese.encoding = "EUC-JP";
+  EXPECT_EQ(RefusalOf(wrongInTheMiddle, japanese), "the text is not EUC-JP in line 20002");
+}
+
+TEST(DataFiles, FewTextsAmongNumbersAreRefusedWithTheirPlaces) {
+  std::string text = "x,y\n";
+  for (int i = 0; i < 500; ++i) text += i == 40 || i == 41 ? "n/a,1\n" : i == 300 ? "broken,1\n" : "1.5,1\n";
+  try {
+    ReadDataBytes(text, "data", "file", {});
+    FAIL();
+  } catch (const StrayTextsError& stray) {
+    ASSERT_EQ(stray.Columns().size(), 1u);
+    const StrayTexts& found = stray.Columns().front();
+    EXPECT_EQ(found.column, "x");
+    EXPECT_EQ(found.texts, 3u);
+    EXPECT_EQ(found.values, 500u);
+    ASSERT_EQ(found.first.size(), 3u);
+    EXPECT_EQ(found.first[2].text, "broken");
+    EXPECT_EQ(found.first[2].line, 302u);
+  }
+  TextOptions missing;
+  missing.missingText = {"n/a", "broken"};
+  EXPECT_EQ(Shown(*ReadDataBytes(text, "data", "file", missing).sheets.front(), "x", 1), "1.5");
+  TextOptions texts;
+  texts.text = {"x"};
+  EXPECT_EQ(Shown(*ReadDataBytes(text, "data", "file", texts).sheets.front(), "x", 1), "[1.5]");
+}
+
+TEST(DataFiles, OptionsThatDoNotApplyAreRefused) {
+  TextOptions delimiter;
+  delimiter.delimiter = ";";
+  TextOptions third;
+  third.header = "3";
+  TextOptions unknown;
+  unknown.text = {"c"};
+  const struct {
+    std::string bytes;
+    TextOptions options;
+    const char* field;
+  } rows[] = {
+      {Contents("book.xlsx"), delimiter, "delimiter"},
+      {Contents("iris.sav"), third, "header"},
+      {"a,b\n1,2\n", third, "header"},
+      {"a,b\n1,2\n", unknown, "text"},
+  };
+  for (const auto& row : rows) {
+    try {
+      ReadDataBytes(row.bytes, "data", "file", row.options);
+      ADD_FAILURE() << row.field;
+    } catch (const OptionError& wrong) {
+      EXPECT_EQ(wrong.Field(), row.field);
+    }
+  }
+}
+
+TEST(DataFiles, WordsThatMeanNothingAreRefused) {
+  TextOptions wrong;
+  wrong.delimiter = "5";
+  wrong.decimal = "x";
+  wrong.thousands = ";";
+  wrong.header = "none";
+  wrong.comment = "ab";
+  wrong.encoding = "nothing";
+  std::string fields;
+  for (const ReadingNote& fault : CheckTextOptions(wrong)) fields += fault.field + " ";
+  EXPECT_EQ(fields, "delimiter decimal thousands header comment encoding ");
+  TextOptions twice;
+  twice.delimiter = twice.decimal = ",";
+  EXPECT_EQ(CheckTextOptions(twice).size(), 1u);
+}
+
+}  // namespace
+}  // namespace brenvolt

@@ -1,0 +1,178 @@
+#include "host/tables/text/text_table.h"
+
+#include <algorithm>
+
+#include "host/base/error.h"
+#include "host/base/number_text.h"
+#include "host/base/quoted.h"
+#include "host/base/text_encoding.h"
+#include "host/base/utf8.h"
+#include "host/tables/csv_reader.h"
+#include "host/tables/text/text_detection.h"
+
+namespace brenvolt {
+namespace {
+
+// Where a line begins, from 1; the end of the text if it has none of that number.
+std::size_t OffsetOfLine(std::string_view text, std::size_t line) {
+  std::size_t offset = 0;
+  for (; line > 1; --line) {
+    offset = text.find('\n', offset);
+    if (offset == std::string_view::npos) return text.size();
+    ++offset;
+  }
+  return offset;
+}
+
+// Appends a line whose runs of blanks outside of quotes have become single tabs.
+void AppendDivided(std::string& out, std::string_view line) {
+  bool quoted = false;
+  const bool cut = line.ends_with('\r');
+  if (cut) line.remove_suffix(1);
+  line = Trim(line);
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    if (line[i] == '"') quoted = !quoted;
+    const bool blank = !quoted && (line[i] == ' ' || line[i] == '\t');
+    if (!blank) {
+      out += line[i];
+    } else if (out.back() != '\t') {
+      out += '\t';
+    }
+  }
+}
+
+// The text as the reader takes it: fields are separated by one character, no comment holds a quote, and a header in a
+// comment is none. Lines keep their numbers.
+std::string Rewritten(std::string_view text, const DetectedLayout& found) {
+  std::string out;
+  out.reserve(text.size());
+  const char comment = found.layout.comment;
+  std::size_t number = 1;
+  for (std::size_t offset = 0; offset < text.size(); ++number) {
+    const std::size_t end = std::min(text.find('\n', offset), text.size());
+    std::string_view line = text.substr(offset, end - offset);
+    const bool isComment = comment != 0 && TrimLeft(line).starts_with(comment);
+    if (isComment && found.headerInComment && number == found.beginLine) {
+      line = TrimLeft(line);
+      while (line.starts_with(comment)) line.remove_prefix(1);
+      line = TrimLeft(line);
+    } else if (isComment) {
+      line = line.substr(0, line.find('"'));
+    }
+    if (!isComment || (found.headerInComment && number == found.beginLine)) {
+      if (found.delimiter == kBlanks) {
+        AppendDivided(out, line);
+      } else {
+        out += line;
+      }
+    } else {
+      out += line;
+    }
+    if (end < text.size()) out += '\n';
+    offset = end + 1;
+  }
+  return out;
+}
+
+std::string Joined(const std::vector<std::string>& parts) {
+  std::string text;
+  for (std::size_t i = 0; i < parts.size(); ++i)
+    text += (i == 0 ? "" : i + 1 == parts.size() ? " and " : ", ") + parts[i];
+  return text;
+}
+
+void RequireColumns(const Spreadsheet& sheet, const std::vector<std::string>& names,
+                    const std::string& where) {
+  for (const std::string& name : names) {
+    if (!sheet.FindVariable(name)) throw OptionError({"text", "no column called " + Quoted(name)}, where);
+  }
+}
+
+// What is to be told of columns that are read as texts though most of their values are numbers.
+ReadingNote NoteOf(const StrayTexts& mixed) {
+  std::string cells;
+  for (const StrayTexts::Cell& cell : mixed.first)
+    cells += (cells.empty() ? "" : ", ") + Quoted(cell.text) + " (line " + std::to_string(cell.line) + ")";
+  return {"missingText", mixed.column + " is read as text: of its " + std::to_string(mixed.values) +
+                             " values " + std::to_string(mixed.texts) +
+                             (mixed.texts == 1 ? " is no number: " : " are no numbers: ") + cells};
+}
+
+// Reads text in UTF-8.
+class TextReader {
+ public:
+  TextReader(std::string_view text, const std::string& name, const std::string& where,
+             const TextOptions& options)
+      : text_(text), name_(name), where_(where), options_(options) {}
+
+  void Read(std::vector<std::string> readAs, DataRead& read) {
+    DetectedLayout found = DetectLayout(text_, options_);
+    readAs.insert(readAs.end(), found.readAs.begin(), found.readAs.end());
+    std::string rewritten;
+    std::string_view text = text_;
+    if (found.delimiter == kBlanks || found.layout.comment != 0) text = rewritten = Rewritten(text_, found);
+    found.layout.begin = OffsetOfLine(text, found.beginLine);
+    if (options_.header && found.layout.begin == text.size() && !text.empty())
+      throw OptionError({"header", "the file has no line " + *options_.header}, where_);
+    std::vector<StrayTexts> mixed;
+    auto sheet = std::make_unique<Spreadsheet>(
+        ReadCsvBlocks(text, name_, where_, found.layout, kCsvBlockBytes, &mixed));
+    RequireColumns(*sheet, options_.text, where_);
+    read.sheets.push_back(std::move(sheet));
+    read.doubts.insert(read.doubts.end(), found.doubts.begin(), found.doubts.end());
+    for (const StrayTexts& one : mixed) read.doubts.push_back(NoteOf(one));
+    read.readAs = Joined(readAs);
+  }
+
+ private:
+  std::string_view text_;
+  const std::string& name_;
+  const std::string& where_;
+  const TextOptions& options_;
+};
+
+bool IsUtf8(std::string name) {
+  std::ranges::transform(name, name.begin(),
+                         [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+  return name == "UTF-8" || name == "UTF8" || name == "ASCII" || name == "US-ASCII";
+}
+
+}  // namespace
+
+DataRead ReadTextTable(std::string_view bytes, const std::string& name, const std::string& where,
+                       const TextOptions& options) {
+  DetectedEncoding encoding = DetectEncoding(bytes);
+  DataRead read;
+  std::vector<std::string> readAs;
+  if (options.encoding) {
+    encoding = {*options.encoding, encoding.mark, false};
+  } else if (!IsUtf8(encoding.name)) {
+    readAs.push_back(encoding.name + " text");
+    if (encoding.isDoubtful)
+      read.doubts.push_back(
+          {"encoding", "few characters tell the encoding, which is taken for " + encoding.name});
+  }
+  if (IsUtf8(encoding.name)) {
+    const std::string_view text = bytes.substr(bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
+    try {
+      TextReader(text, name, where, options).Read(std::move(readAs), read);
+    } catch (const Error& error) {
+      if (std::string_view(error.what()) != "the text is not UTF-8" || options.encoding) throw;
+      throw Error(std::string(error.what()) +
+                      " from here on, as it is above; another encoding reads it: windows-1252, for one",
+                  error.Where());
+    }
+    return read;
+  }
+  std::string text;
+  try {
+    text = ToUtf8(bytes.substr(options.encoding ? 0 : encoding.mark), encoding.name);
+  } catch (const EncodingFault& fault) {
+    throw OptionError(
+        {"encoding", "the text is not " + encoding.name + " in line " + std::to_string(fault.line)}, where);
+  }
+  TextReader(text, name, where, options).Read(std::move(readAs), read);
+  return read;
+}
+
+}  // namespace brenvolt
