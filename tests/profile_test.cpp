@@ -543,7 +543,7 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
        2,
        "more than 100000 runs go to a .csv or .npz file"},
       {{"--formula", "Y=A", "--seed", "0"}, 2, "--seed"},
-      {{"--formula", "Y=A", "-o", "out.txt"}, 2, ".csv, .npz or .bvw"},
+      {{"--formula", "Y=A", "-o", "out.txt"}, 2, ".csv, .npz, .xlsx, .sav, .dta or .bvw"},
   };
   for (const auto& c : cases) {
     Arguments arguments = start;

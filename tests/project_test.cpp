@@ -124,6 +124,25 @@ TEST_F(Command, ImportAndExportGiveTheDataBack) {
   EXPECT_EQ(BytesOf(File("again.csv")), text);
 }
 
+TEST_F(Command, PreviewShowsWhatAFileIsReadAsAndKeepsNothing) {
+  WriteBytes(File("t.txt"), "time;lot\ns;-\n0,5;A\n;B\n1,5;A\n");
+  const Outcome shown = Run({"import", "t.txt", "--preview", "--units-row"});
+  EXPECT_EQ(shown.status, 0) << shown.err;
+  EXPECT_EQ(shown.err, "brenvolt: t.txt has fields separated by semicolons and decimal commas\n");
+  EXPECT_EQ(shown.out,
+            "Sheet t: 3 cases of 2 variables\n"
+            "  Variable  Type    Unit  Missing  Case 1  Case 2  Case 3\n"
+            "  time      number  s           1     0.5       -     1.5\n"
+            "  lot       text    -           0       A       B       A\n");
+  const Json json = Json::parse(Run({"import", "t.txt", "--preview", "--format", "json"}).out);
+  EXPECT_EQ(json["sheets"][0]["variables"][0]["missing"], 1);
+  EXPECT_EQ(json["sheets"][0]["variables"][1]["first"], Json({"A", "B", "A"}));
+  EXPECT_EQ(Run({"import", "t.txt"}).status, 2) << "only a preview goes without a project";
+  EXPECT_EQ(Run({"import", "t.txt", "--preview", "-o", "p.bvw"}).status, 2);
+  EXPECT_EQ(Run({"import", "t.txt", "-o", "p.bvw", "--format", "json"}).status, 2);
+  EXPECT_FALSE(std::filesystem::exists(File("p.bvw")));
+}
+
 TEST_F(Command, MatrixGoesThroughAProjectAndBack) {
   const std::string text =
       ",load,\"width, mm\"\nload,1,-0.1\n\"width, mm\",-0.1,1\nMeans,2.5,20\nStd.Dev.,0.1,0.5\n"

@@ -4,10 +4,12 @@
 
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <regex>
 #include <sstream>
 
 #include "host/graphs/picture.h"
+#include "host/tables/formats/zip_content.h"
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {
@@ -209,6 +211,36 @@ TEST_F(ReportCommand, OfManyVariablesThoseAreShownThatFitsMissMost) {
   EXPECT_LT(html.find("<h3>bad</h3>"), html.find("<h3>v59</h3>")) << "the worst first";
 }
 
+// The numbers of the table are rounded for people, those of the workbook are not.
+TEST_F(ReportCommand, AWorkbookHasTheDataTheFitsAndChartsAsNumbers) {
+  Report({"fit", kExamples + "faithful.csv"}, "r.xlsx");
+  const Json fits = Json::parse(MustRun({"fit", kExamples + "faithful.csv", "--format", "json"}).out);
+  for (const std::string sheet : {"faithful", "Ranked fits", "Correlations", "Summaries"})
+    MustRun({"import", "r.xlsx", "--sheet", sheet, "--preview"});
+  const auto cells = [&](const std::string& sheet) {
+    const Json shown = Json::parse(
+        MustRun({"import", "r.xlsx", "--sheet", sheet, "--preview", "--format", "json"}).out)["sheets"][0];
+    std::map<std::string, Json> columns;
+    for (const Json& variable : shown["variables"]) columns[variable["name"]] = variable["first"];
+    return columns;
+  };
+  const auto ranked = cells("Ranked fits");
+  const Json& best = fits["variables"][0]["fits"][0];
+  EXPECT_EQ(ranked.at("distribution")[0], best["identifier"]);
+  const double aic = best["aic"];
+  EXPECT_NEAR(std::stod(ranked.at("aic")[0].get<std::string>()), aic, 1e-14 * std::abs(aic));
+  const double mean = fits["variables"][1]["mean"];
+  EXPECT_NEAR(std::stod(cells("Summaries").at("mean")[1].get<std::string>()), mean, 1e-14 * mean);
+  // As R's cor() prints it for its data set.
+  EXPECT_NEAR(std::stod(cells("Correlations").at("with waiting")[0].get<std::string>()), 0.9008112, 5e-8);
+  const auto parts = UnpackedParts(BytesOf(File("r.xlsx")), "r.xlsx");
+  const auto isChart = [](const ZipPart& part) { return part.name.starts_with("xl/charts/chart"); };
+  ASSERT_EQ(std::ranges::count_if(parts, isChart), 2);
+  const std::string& chart = std::ranges::find_if(parts, isChart)->content;
+  EXPECT_NE(chart.find("<c:scatterChart>"), std::string::npos);
+  EXPECT_EQ(CountOf("<c:ser>", chart), 4U) << "the data and three fits";
+}
+
 TEST_F(ReportCommand, WhatCannotBeWrittenIsRefusedBeforeTheWork) {
   WriteBytes(File("d.csv"), "x\n1\n2\n4\n");
   WriteBytes(File("t.csv"), "x\na\nb\n");
@@ -219,7 +251,7 @@ TEST_F(ReportCommand, WhatCannotBeWrittenIsRefusedBeforeTheWork) {
     int status = 2;
   } kRows[] = {
       {{"fit", "d.csv", "--report", "r.txt"},
-       "expected a file ending in .html, .md or .pdf, got r.txt (--report)"},
+       "expected a file ending in .html, .md, .pdf or .xlsx, got r.txt (--report)"},
       {{"simulate", "p.bvw", "--report", "r"},
        "expected a file ending in .html, .md or .pdf, got r (--report)"},
       {{"show", "p.bvw", "--report", "r.svg"},

@@ -65,7 +65,11 @@ void AddCapabilityCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("capability", "Judge measured values against a specification");
   const auto call = std::make_shared<CapabilityCall>();
   CapabilityJob& job = call->job;
-  command->add_option("DATA", job.data.file, "CSV file with a header row, or a project (.bvw)")->required();
+  command
+      ->add_option("DATA", job.data.file,
+                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
+                   "standard input")
+      ->required();
   command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   command
@@ -82,7 +86,7 @@ void AddCapabilityCommand(CLI::App& program) {
   command->add_option("--select", job.select, "Use only the cases that meet a condition")
       ->type_name("'X > 3 and Y = 1'");
   AddPlotOptions(*command, job.plot, kCapabilityPlotKinds);
-  AddDecimalCommaOption(*command, job.data.decimalComma);
+  AddReadingOptions(*command, job.data);
   AddFormatOption(*command, call->format);
   command->footer(
       "Example:\n  brenvolt capability examples/piston_rings.csv --spec diameter=73.95,74,74.05 --subgroup "

@@ -49,6 +49,44 @@ void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {
   command.add_flag("--decimal-comma", decimalComma, "CSV with decimal commas, semicolons between the fields");
 }
 
+namespace {
+
+void TellReading(const DataFile& file) {
+  if (const std::string text = ReadAsText(file); !text.empty())
+    std::fprintf(stderr, "%s: %s\n", kProgram, text.c_str());
+  for (const ReadingNote& doubt : file.doubts) {
+    const std::string option = doubt.field.empty() ? "" : " (" + OptionOf(doubt.field) + ")";
+    std::fprintf(stderr, "%s: %s%s\n", kProgram, doubt.message.c_str(), option.c_str());
+  }
+}
+
+}  // namespace
+
+void AddReadingOptions(CLI::App& command, JobData& data) {
+  data.tell = TellReading;
+  TextOptions& text = data.text;
+  CLI::Option_group* group = command.add_option_group(
+      "How a text file is laid out",
+      "What is not given here is found by looking at the file, and said if it is unusual");
+  AddDecimalCommaOption(*group, data.decimalComma);
+  group->add_option("--delimiter", text.delimiter, "What stands between the fields")
+      ->type_name("CHARACTER|tab|blanks");
+  group->add_option("--decimal", text.decimal, "The decimal sign")->type_name(".|,");
+  group->add_option("--thousands", text.thousands, "What separates groups of digits")
+      ->type_name("CHARACTER|none");
+  group->add_option("--header", text.header, "The line of the names of the columns, or no if there is none")
+      ->type_name("N|no");
+  group->add_flag_function(
+      "--units-row,!--no-units-row", [&text](std::int64_t count) { text.unitsRow = count > 0; },
+      "The line after the header holds the units, or does not");
+  group->add_option("--comment", text.comment, "What begins lines that are passed over")
+      ->type_name("CHARACTER|none");
+  group->add_option("--encoding", text.encoding, "UTF-8, UTF-16, windows-1252, …")->type_name("NAME");
+  AddList(*group, "--missing-text", text.missingText, "TEXT,…",
+          "Texts that mean a missing value, besides NA and nan");
+  AddList(*group, "--text", text.text, "NAME,…", "Columns that are texts whatever they hold");
+}
+
 void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_view> kinds) {
   command
       .add_option(
@@ -70,12 +108,12 @@ void ReportPlot(const Plot& plot) {
   std::printf("\n%s written to %s\n", isSeveral ? "Pictures" : "Picture", plot.file.c_str());
 }
 
-void AddReportOption(CLI::App& command, std::filesystem::path& report) {
+void AddReportOption(CLI::App& command, std::filesystem::path& report, const std::string& more) {
   command
-      .add_option(
-          "--report", report,
-          "Report with tables, pictures and notes, by ending: .html as one file, .pdf, or .md with its "
-          "pictures in a folder beside it")
+      .add_option("--report", report,
+                  std::string("Report with tables, pictures and notes, by ending: .html as one file, .pdf, "
+                              "or .md with its ") +
+                      "pictures in a folder beside it" + more)
       ->type_name("FILE");
 }
 

@@ -27,6 +27,10 @@ void AddFormatOption(CLI::App& command, ReportFormat& format);
 // Adds --decimal-comma.
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
+// Adds --decimal-comma and the other options that say how a text file is laid out; what is found of a file by looking is
+// said on standard error.
+void AddReadingOptions(CLI::App& command, JobData& data);
+
 // Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
 
@@ -36,7 +40,7 @@ void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_v
 void ReportPlot(const Plot& plot);
 
 // Adds --report.
-void AddReportOption(CLI::App& command, std::filesystem::path& report);
+void AddReportOption(CLI::App& command, std::filesystem::path& report, const std::string& more = {});
 // "Report written to FILE", for people; nothing without a report.
 void SayReportWritten(const std::filesystem::path& report);
 

@@ -4,7 +4,12 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "host/jobs/exchange_jobs.h"
+#include "apps/cli/text_table.h"
+#include "apps/cli/wrong_call.h"
+#include "host/application/json_text.h"
+#include "host/jobs/exchange/exchange_jobs.h"
+#include "host/jobs/exchange/preview_job.h"
+#include "host/jobs/reports/preview_table.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -15,7 +20,32 @@ struct Options {
   std::filesystem::path record;
 };
 
-void Import(const Options<ImportJob>& options) {
+struct ImportOptions : Options<ImportJob> {
+  bool preview = false;
+  ReportFormat format = ReportFormat::kTable;
+};
+
+void Preview(const ImportOptions& options) {
+  if (!options.job.output.empty() || !options.job.kind.empty() || !options.record.empty())
+    throw WrongCall("a preview imports nothing: it goes without -o, --kind and --record");
+  PreviewJob job{options.job.data};
+  job.data.sheet = options.job.sheet;
+  const FilePreview preview = job.Run();
+  if (options.format == ReportFormat::kJson) {
+    std::fputs(JsonText(PreviewJson(preview)).c_str(), stdout);
+    return;
+  }
+  for (const PreviewedSheet& sheet : preview.sheets) {
+    const ReportTable table = PreviewTable(sheet);
+    std::printf("%s%s\n%s", &sheet == &preview.sheets.front() ? "" : "\n", table.title.c_str(),
+                TextOf(table).c_str());
+  }
+}
+
+void Import(const ImportOptions& options) {
+  if (options.preview) return Preview(options);
+  if (options.job.output.empty()) throw CLI::RequiredError("--output");
+  if (options.format == ReportFormat::kJson) throw WrongCall("only a preview has formats (--format)");
   RequireNone(options.job.Check());
   Recording recording(options.record);
   const Spreadsheet sheet = options.job.Run(recording.Job());
@@ -40,34 +70,45 @@ void Export(const Options<ExportJob>& options) {
 
 void AddImportCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("import", "Import a data file into a project");
-  const auto options = std::make_shared<Options<ImportJob>>();
+  const auto options = std::make_shared<ImportOptions>();
   command
-      ->add_option("FILE", options->job.file,
-                   "CSV file with a header row: data, or a matrix whose first column names the rows")
+      ->add_option("FILE", options->job.data.file,
+                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines): data, or a matrix whose "
+                   "first column names the rows")
       ->required();
   command->add_option("-o,--output", options->job.output, "Project, created if it does not exist")
-      ->required()
       ->type_name("PROJECT.bvw");
-  command->add_option("--sheet", options->job.sheet, "Name of the new sheet; default: the file's name")
+  command
+      ->add_option(
+          "--sheet", options->job.sheet,
+          "Name of the new sheet; default: the file's name. With --preview, the sheet of a workbook to show")
       ->type_name("NAME");
+  command->add_flag("--preview", options->preview,
+                    "Import nothing, but print what the file is read as: the types of its variables, their "
+                    "missing values, and the "
+                    "first cases");
   command
       ->add_option("--kind", options->job.kind,
                    "What the file holds; default: a matrix where the names of rows are those of a matrix")
       ->type_name("data|matrix");
-  AddDecimalCommaOption(*command, options->job.decimalComma);
+  AddReadingOptions(*command, options->job.data);
   AddRecordOption(*command, options->record);
+  AddFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt import examples/faithful.csv -o geyser.bvw");
   command->callback([options] { Import(*options); });
 }
 
 void AddExportCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("export", "Write a sheet of a project as CSV");
+  CLI::App* command = program.add_subcommand("export", "Write a sheet of a project as a data file");
   const auto options = std::make_shared<Options<ExportJob>>();
   command
       ->add_option("PROJECT[:SHEET]", options->job.source,
                    "Project (.bvw) and sheet, data or matrix; default: its first data sheet")
       ->required();
-  command->add_option("-o,--output", options->job.output, "CSV file")->required()->type_name("FILE.csv");
+  command
+      ->add_option("-o,--output", options->job.output, "Data file, by ending: .csv, .npz, .xlsx, .sav, .dta")
+      ->required()
+      ->type_name("FILE");
   AddDecimalCommaOption(*command, options->job.decimalComma);
   AddRecordOption(*command, options->record);
   command->footer("Example:\n  brenvolt export geyser.bvw:faithful -o faithful.csv");

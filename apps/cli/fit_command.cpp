@@ -115,8 +115,7 @@ void Fit(const FitCall& call) {
   FitTerminal terminal;
   const FitJob& job = call.job;
   const FitRun run = job.Run(terminal, recording.Job());
-  if (!job.report.empty())
-    WriteReport(FitReport(job, *run.session, {*run.sheet, terminal.Messages()}), job.report);
+  if (!job.report.empty()) WriteReportOfFit(job, *run.session, {*run.sheet, terminal.Messages()});
   const bool json = call.format == ReportFormat::kJson;
   const bool readsCovariances = json || job.AsksForQuantiles();
   const auto variables =
@@ -251,10 +250,14 @@ void AddFitCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("fit", "Fit distributions to the variables of a data file");
   const auto call = std::make_shared<FitCall>();
   FitJob& job = call->job;
-  command->add_option("DATA", job.data.file, "CSV file with a header row, or a project (.bvw)")->required();
+  command
+      ->add_option("DATA", job.data.file,
+                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
+                   "standard input")
+      ->required();
   command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
-  AddDecimalCommaOption(*command, job.data.decimalComma);
+  AddReadingOptions(*command, job.data);
   AddYesOption(*command, job.data);
   AddVariableOptions(*command, job);
   AddDistributionOptions(*command, job);
@@ -271,7 +274,9 @@ void AddFitCommand(CLI::App& program) {
       "--plot-band", job.plot.band,
       "With --plot, the limits within which 95 % of samples from a continuous fit lie, in P-P and Q-Q "
       "plots");
-  AddReportOption(*command, job.report);
+  AddReportOption(
+      *command, job.report,
+      "; .xlsx with the data, all fits, correlations, summaries and charts on sheets of their own");
   AddChartOption(*command, call->chart);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);

@@ -78,22 +78,24 @@ void AddScoreCommand(CLI::App& program) {
   ScoreJob& job = call->job;
   command->add_option("MODEL", job.model, "PMML file, version 3.0 to 4.4")->required();
   command
-      ->add_option(
-          "DATA", job.data.file,
-          "CSV file with a header row, or project (.bvw); the columns that the model reads are found "
-          "by their names")
+      ->add_option("DATA", job.data.file,
+                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); the "
+                   "columns that the model reads are found "
+                   "by their names")
       ->required();
   command->add_option("--sheet", job.data.sheet, "Sheet of a project; default: its first data sheet")
       ->type_name("NAME");
   command
-      ->add_option("-o,--output", job.output,
-                   "CSV file of the predictions, one line per case; default: standard output")
-      ->type_name("OUT.csv");
+      ->add_option(
+          "-o,--output", job.output,
+          "File of the predictions, one line per case, by ending: .csv, .npz, .xlsx, .sav, .dta; default: "
+          "standard output, as CSV")
+      ->type_name("FILE");
   command->add_flag("--probabilities", job.probabilities, "Also the probability of every class");
   command->add_flag(
       "--leave-invalid", job.leaveInvalid,
       "Leave a case without predictions where the model refuses one of its values; default: fail");
-  AddDecimalCommaOption(*command, job.data.decimalComma);
+  AddReadingOptions(*command, job.data);
   AddRecordOption(*command, call->record);
   AddFormatOption(*command, call->format);
   command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv -o predicted.csv");

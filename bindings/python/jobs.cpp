@@ -16,6 +16,7 @@
 #include "bindings/python/module.h"
 #include "bindings/python/numpy_arrays.h"
 #include "bindings/python/outcome.h"
+#include "bindings/python/reading.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "bindings/python/variants.h"
@@ -28,7 +29,8 @@
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
-#include "host/jobs/exchange_jobs.h"
+#include "host/jobs/exchange/exchange_jobs.h"
+#include "host/jobs/exchange/preview_job.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
@@ -111,8 +113,17 @@ std::vector<std::string> Append(const std::filesystem::path& path, const std::ve
 }
 
 std::string Import(const std::filesystem::path& file, const std::filesystem::path& output,
-                   const std::string& sheet, const std::string& kind, bool decimalComma) {
-  return ImportJob{file, output, sheet, kind, decimalComma}.Run(TheJob()).Name();
+                   const std::string& sheet, const std::string& kind, bool decimalComma,
+                   const TextOptions& text) {
+  return ImportJob{DataOf(file, decimalComma, text), output, sheet, kind}.Run(TheJob()).Name();
+}
+
+// What a file would be read as, as JSON.
+std::string Preview(const std::filesystem::path& file, const std::string& sheet, bool decimalComma,
+                    const TextOptions& text) {
+  PreviewJob job{DataOf(file, decimalComma, text)};
+  job.data.sheet = sheet;
+  return JsonText(PreviewJson(job.Run()));
 }
 
 void Export(const std::string& source, const std::filesystem::path& output, bool decimalComma) {
@@ -192,11 +203,11 @@ void WriteFitReport(FitJob job, const std::shared_ptr<AnalysisRef>& analysis,
                     const std::filesystem::path& path, bool isFromFile) {
   job.report = path;
   JobFaults faults;
-  CheckReport(path, faults);
+  CheckReport(path, faults, ReportKinds::kDocumentsAndWorkbook);
   RequireNone(std::move(faults));
   CarryOut(analysis, [&] {
     RefuseRecordedReport(path, TheJob());
-    WriteReport(FitReport(job, analysis->Session(), ContextOf(*analysis, isFromFile)), path);
+    WriteReportOfFit(job, analysis->Session(), ContextOf(*analysis, isFromFile));
   });
 }
 
@@ -351,6 +362,11 @@ void DefineData(py::class_<Job>& job) {
   job.def_property("data", nullptr, [](Job& j, std::filesystem::path file) { j.data.file = std::move(file); })
       .def_property("sheet", nullptr, [](Job& j, std::string name) { j.data.sheet = std::move(name); })
       .def_property("decimal_comma", nullptr, [](Job& j, bool comma) { j.data.decimalComma = comma; })
+      .def_property("reading", nullptr,
+                    [](Job& j, const TextOptions& text) {
+                      j.data.text = text;
+                      j.data.tell = WarnOfDoubts;
+                    })
       .def_property("yes", nullptr, [](Job& j, bool yes) { j.data.yes = yes; });
 }
 
@@ -593,7 +609,7 @@ void BindJobs(py::module_& module) {
       "_open_project",
       [](const std::filesystem::path& path) {
         auto workbook = std::make_shared<WorkbookRef>(OpenProject(path));
-        RecordOpened(workbook, path, false);
+        RecordOpened(workbook, path);
         return workbook;
       },
       InHost(), py::arg("path"));
@@ -614,7 +630,9 @@ void BindJobs(py::module_& module) {
       },
       InHost(), py::arg("analysis"), py::arg("path"));
   module.def("_import", &Import, InHost(), py::arg("file"), py::arg("project"), py::arg("sheet"),
-             py::arg("kind"), py::arg("decimal_comma"));
+             py::arg("kind"), py::arg("decimal_comma"), py::arg("reading"));
+  module.def("_preview", &Preview, InHost(), py::arg("path"), py::arg("sheet"), py::arg("decimal_comma"),
+             py::arg("reading"));
   module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));
   module.def("_sample_graph", &SampleGraph, InHost());
   module.def("_fit_graph", &FitGraphWith);

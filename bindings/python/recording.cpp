@@ -61,9 +61,9 @@ JobRecorder& TheJob() {
 }
 
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,
-                  bool decimalComma) {
+                  JobRecorder::Arguments reading) {
   Keep(workbook);
-  TheJob().Opened(path, decimalComma, workbook.get());
+  TheJob().Opened(path, std::move(reading), workbook.get());
 }
 
 void RecordMade(const std::shared_ptr<WorkbookRef>& workbook) {

@@ -21,7 +21,7 @@ void Keep(const std::shared_ptr<void>& object);
 // Names for what Python holds. While a macro is recorded, what it names stays alive, so that no address
 // becomes another object's.
 void RecordOpened(const std::shared_ptr<WorkbookRef>& workbook, const std::filesystem::path& path,
-                  bool decimalComma);
+                  JobRecorder::Arguments reading = {});
 void RecordMade(const std::shared_ptr<WorkbookRef>& workbook);
 // A sheet of a workbook by the name that was asked for, "" for the first data sheet; nothing if the macro
 // has it already.

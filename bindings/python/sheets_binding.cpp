@@ -9,15 +9,18 @@
 #include "bindings/python/module.h"
 #include "bindings/python/numpy_arrays.h"
 #include "bindings/python/python_interface.h"
+#include "bindings/python/reading.h"
 #include "bindings/python/recording.h"
 #include "bindings/python/sheets.h"
 #include "host/base/error.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/job_data.h"
+#include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/reports/project_report.h"
 #include "host/reporting/report_file.h"
+#include "host/tables/formats/data_file_writer.h"
 #include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;
@@ -198,6 +201,21 @@ void TextProperty(Class& type, const char* name, const char* doc) {
                         },
                         InHost()),
                     doc);
+}
+
+// How a text file is laid out; what is not set is found by looking at the file.
+void BindReading(py::module_& module) {
+  py::class_<TextOptions>(module, "_Reading")
+      .def(py::init<>())
+      .def_readwrite("delimiter", &TextOptions::delimiter)
+      .def_readwrite("decimal", &TextOptions::decimal)
+      .def_readwrite("thousands", &TextOptions::thousands)
+      .def_readwrite("header", &TextOptions::header)
+      .def_readwrite("units_row", &TextOptions::unitsRow)
+      .def_readwrite("comment", &TextOptions::comment)
+      .def_readwrite("encoding", &TextOptions::encoding)
+      .def_readwrite("missing_text", &TextOptions::missingText)
+      .def_readwrite("text", &TextOptions::text);
 }
 
 void BindVariable(py::module_& module) {
@@ -388,7 +406,19 @@ void BindSheet(py::module_& module) {
           },
           InHost(), py::arg("path"),
           "Writes an archive of NumPy arrays, one per variable, which numpy.load reads. Replaces no "
-          "project.");
+          "project.")
+      .def(
+          "to_file",
+          [](const Sheet& s, const std::filesystem::path& path) {
+            JobFaults faults;
+            CheckTableTarget("path", path, faults);
+            RequireNone(std::move(faults));
+            RefuseProjectTarget(path);
+            WriteDataFile(s->Sheet(), path);
+            RecordCall(s, "to_file", {PythonPath(path)});
+          },
+          InHost(), py::arg("path"),
+          "Writes a data file, by ending .csv, .npz, .xlsx, .sav or .dta. Replaces no project.");
   module.def(
       "read_csv",
       [](const std::filesystem::path& path, bool decimalComma) {
@@ -413,6 +443,11 @@ void BindWorkbook(py::module_& module) {
            }),
            InHost(), "An empty project without a file.")
       .def_property_readonly("path", &WorkbookRef::Path, InHost(), "The project's file, or None.")
+      .def_property_readonly(
+          "read_as", [](const Book& book) { return ReadAsText(book->File()); }, InHost(),
+          "What is not as usual in the text file that the workbook was read from, such as \"data.csv has "
+          "fields "
+          "separated by tabs\"; empty if there is nothing.")
       .def_property_readonly("names", py::cpp_function(&WorkbookRef::Names, InHost()),
                              "The names of the sheets in their order.")
       .def(
@@ -499,21 +534,20 @@ void BindWorkbook(py::module_& module) {
           InHost());
   module.def(
       "open_workbook",
-      [](const std::filesystem::path& path, bool decimalComma) {
-        JobData data;
-        data.file = path;
-        data.decimalComma = decimalComma;
+      [](const std::filesystem::path& path, bool decimalComma, const TextOptions& text) {
+        const JobData data = DataOf(path, decimalComma, text);
         auto workbook = std::make_shared<WorkbookRef>(OpenJobData(data));
-        RecordOpened(workbook, path, decimalComma);
+        RecordOpened(workbook, path, ReadingArguments(data));
         return workbook;
       },
-      InHost(), py::arg("path"), py::arg("decimal_comma") = false,
-      "Opens a project, or a CSV file as a workbook of one sheet.");
+      InHost(), py::arg("path"), py::arg("decimal_comma") = false, py::arg("reading") = TextOptions(),
+      "Opens a project, or a data file of another kind as a workbook.");
 }
 
 }  // namespace
 
 void BindSheets(py::module_& module) {
+  BindReading(module);
   BindVariable(module);
   BindSheet(module);
   BindWorkbook(module);

@@ -51,7 +51,7 @@ Spreadsheet& DataFile::Sheet(const std::string& name) {
       path.string());
 }
 
-DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format) {
+DataFile OpenDataFile(const std::filesystem::path& path, const TextOptions& options) {
   DataFile file;
   file.path = path;
   // Only a regular file can be read twice.
@@ -60,7 +60,10 @@ DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format
   if (file.isProject) {
     file.workbook = Workbook::Open(path);
   } else {
-    file.workbook.Add(std::make_unique<Spreadsheet>(ReadCsv(path, format)));
+    DataRead read = ReadDataFile(path, options);
+    for (auto& sheet : read.sheets) file.workbook.Add(std::move(sheet));
+    file.readAs = std::move(read.readAs);
+    file.doubts = std::move(read.doubts);
   }
   return file;
 }

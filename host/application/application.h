@@ -4,10 +4,11 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "host/analysis/analysis_support.h"
 #include "host/base/process/dynamic_library.h"
-#include "host/tables/csv.h"
+#include "host/tables/formats/data_file_reader.h"
 #include "host/tables/workbook.h"
 
 namespace brenvolt {
@@ -40,13 +41,16 @@ struct DataFile {
   std::filesystem::path path;
   Workbook workbook;
   bool isProject = false;
+  // Of other formats, what was found by looking (data_file_reader.h).
+  std::string readAs;
+  std::vector<ReadingNote> doubts;
 
   // The sheet called `name`; the first data sheet if the name is empty. Throws Error naming the file.
   Spreadsheet& Sheet(const std::string& name);
 };
 
-// Opens a project or a CSV file, told apart by content. Throws Error naming the file.
-DataFile OpenDataFile(const std::filesystem::path& path, const CsvFormat& format);
+// Opens a project or a data file of another format, told apart by content. Throws as ReadDataFile does.
+DataFile OpenDataFile(const std::filesystem::path& path, const TextOptions& options);
 
 // Evaluates a sheet's selection condition into its mask of accepted cases. Throws Error pointing at the fault
 // of the condition; the sheet's selection then stays as it was.

@@ -260,7 +260,7 @@ DesignFindings DesignJob::Run(ProgramInterface& interface, JobRecorder& recorder
   if (std::filesystem::exists(project, ignored)) {
     run.data = OpenProject(project);
     run.sheet = &FittedSheet(run.data, sheet);
-    recorder.Opened(project, false, &run.data.workbook);
+    recorder.Opened(project, {}, &run.data.workbook);
     recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
   } else {
     OpenNewDesign(run, recorder);

@@ -274,10 +274,11 @@ JobFaults FitJob::CheckVariables(const Variables& fitted) const {
 
 JobFaults FitJob::Check() const {
   JobFaults faults = FitCheck(*this).Faults();
+  CheckReading(data, faults);
   CheckFolder("save", save, faults);
   CheckGraphsTarget("graphs", graphs, faults);
   CheckPlot(plot, kFitPlotKinds, faults);
-  CheckReport(report, faults);
+  CheckReport(report, faults, ReportKinds::kDocumentsAndWorkbook);
   CheckTargetsApart({{"data", data.file}},
                     {{"save", save}, {"graphs", graphs}, {"plot", plot.file}, {"report", report}}, faults);
   if (!variables.All().empty()) {

@@ -371,7 +371,7 @@ FitRun FitJob::Run(ProgramInterface& interface, JobRecorder& recorder) const {
   FitRun run;
   run.data = OpenJobData(data);
   run.sheet = &run.data.Sheet(data.sheet);
-  recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
+  recorder.Opened(data.file, ReadingArguments(data), &run.data.workbook);
   recorder.Took(&run.data.workbook, run.data.isProject ? run.sheet->Name() : "", run.sheet);
   run.variables = Run(run.Input(interface, recorder), recorder);
   return run;

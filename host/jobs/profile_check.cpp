@@ -81,6 +81,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
 
 JobFaults ProfileJob::Check() const {
   JobFaults faults;
+  CheckReading(data, faults);
   if (models.empty() && formulas.empty() && functions.empty())
     faults.push_back({"models", "nothing to predict: give a model or a formula"});
   std::vector<std::string> responses;
@@ -103,6 +104,7 @@ JobFaults ProfileJob::Check() const {
   if (correlated && (!inputs.matrix.empty() || givenMatrix != nullptr))
     faults.push_back({"matrix", "the predictors follow either a matrix or their columns"});
   CheckDataTarget("output", output, faults);
+  CheckSize("output", output, samples, faults);
   CheckGraphsTarget("graphs", graphs, faults);
   std::vector<JobFile> files{{"data", data.file}, {"fromFile", inputs.fromFile}, {"matrix", inputs.matrix}};
   for (const auto& model : models) files.push_back({"models", model});

@@ -566,7 +566,7 @@ ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) c
   if (!data.file.empty()) {
     run.data = OpenJobData(data);
     run.sheet = &run.data.Sheet(data.sheet);
-    recorder.Opened(data.file, data.decimalComma, &run.data.workbook);
+    recorder.Opened(data.file, ReadingArguments(data), &run.data.workbook);
     recorder.Took(&run.data.workbook, data.sheet, run.sheet);
   } else if (inputs.IsEmpty()) {
     throw WrongJob("data",

@@ -4,13 +4,15 @@
 
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/formats/data_file_writer.h"
 
 namespace brenvolt {
 
 JobFaults ScoreJob::Check() const {
   JobFaults faults;
   if (model.empty()) faults.push_back({"model", "missing model file"});
-  CheckCsvTarget("output", output, faults);
+  CheckReading(data, faults);
+  CheckTableTarget("output", output, faults);
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
@@ -44,20 +46,24 @@ ScoreRun ScoreJob::Score(const Spreadsheet& cases) const {
 
 void ScoreJob::Record(JobRecorder& recorder, const void* predictions, const void* cases) const {
   if (!recorder.IsRecording()) return;
-  recorder.Gave(
-      "predictions", nullptr, "Score",
-      {PythonPath(model), cases != nullptr ? recorder.NameOf(cases) : PythonPath(data.file),
-       data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet), probabilities ? "probabilities=True" : "",
-       leaveInvalid ? "leave_invalid=True" : "", DecimalCommaArgument(data.decimalComma)},
-      predictions);
+  JobRecorder::Arguments arguments{
+      PythonPath(model), cases != nullptr ? recorder.NameOf(cases) : PythonPath(data.file),
+      data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet), probabilities ? "probabilities=True" : "",
+      leaveInvalid ? "leave_invalid=True" : ""};
+  for (std::string& argument : ReadingArguments(data)) arguments.push_back(std::move(argument));
+  recorder.Gave("predictions", nullptr, "Score", arguments, predictions);
 }
 
 ScoreRun ScoreJob::Run(JobRecorder& recorder) const {
   ScoreRun run = Score();
   Record(recorder, &run.predictions);
   const std::filesystem::path file = output.empty() ? "/dev/stdout" : output;
-  recorder.Called(&run.predictions, "to_csv", {PythonPath(file), DecimalCommaArgument(data.decimalComma)});
-  if (!output.empty()) WriteCsvFile(run.predictions, output, data.Format());
+  const bool isCsv = !HasDataEnding(file) || HasEnding(file, ".csv");
+  recorder.Called(&run.predictions, isCsv ? "to_csv" : "to_file",
+                  {PythonPath(file), isCsv ? DecimalCommaArgument(data.decimalComma) : ""});
+  if (output.empty()) return run;
+  RefuseProjectTarget(output);
+  WriteDataFile(run.predictions, output, data.Format());
   return run;
 }
 

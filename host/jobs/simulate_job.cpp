@@ -12,6 +12,8 @@
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/numeric/distributions/distribution_table.h"
+#include "host/tables/formats/data_file_writer.h"
+#include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
 namespace {
@@ -139,6 +141,7 @@ JobFaults SimulateJob::Check() const {
   CheckInputs(faults);
   CheckMethod(faults);
   CheckDataTarget("output", output, faults);
+  CheckSize("output", output, samples, faults);
   CheckPlot(plot, kDataPlotKinds, faults);
   CheckReport(report, faults);
   CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
@@ -284,8 +287,9 @@ SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& 
     found.methodNotes.push_back(*std::move(note));
   if (inputs.IsEmpty() && InducesCorrelation(*method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
+  const bool inPieces = !HasDataEnding(output) || HasEnding(output, ".csv") || IsNumpyArchiveName(output);
   const bool keepsData = keepsSamples || keepsTable || plot.IsAsked() || !report.empty();
-  const bool toSheet = keepsData || InducesCorrelation(*method) || HasProjectEnding(output);
+  const bool toSheet = keepsData || InducesCorrelation(*method) || HasProjectEnding(output) || !inPieces;
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", *method);
   if (toSheet && (!keepsSamples || plot.IsAsked() || !report.empty() || InducesCorrelation(*method)))
@@ -306,7 +310,7 @@ SimulationRun SimulateJob::Run(ProgramInterface& interface, JobRecorder& recorde
       throw WrongJob("project", "nothing to simulate: give a project, or variables with their distributions");
     run.data = OpenProject(data.file);
     run.sheet = &FittedSheet(run.data, data.sheet);
-    recorder.Opened(data.file, false, &run.data.workbook);
+    recorder.Opened(data.file, {}, &run.data.workbook);
     recorder.Took(&run.data.workbook, run.sheet->Name(), run.sheet);
   } else {
     OpenNewDesign(run, recorder);

@@ -9,6 +9,7 @@
 #include "host/base/error.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/csv_layout.h"
 
 namespace brenvolt::desktop {
 
@@ -128,10 +129,24 @@ std::unique_ptr<Document> Document::New(const std::filesystem::path& journals,
   return std::make_unique<Document>(journals, std::move(data), false);
 }
 
+namespace {
+
+// The decimal sign is found by looking. Texts among numbers are there to be corrected: their columns are read as texts.
+DataFile ReadAnyhow(const std::filesystem::path& file) {
+  TextOptions options;
+  try {
+    return OpenDataFile(file, options);
+  } catch (const StrayTextsError& stray) {
+    for (const StrayTexts& column : stray.Columns()) options.text.push_back(column.column);
+  }
+  return OpenDataFile(file, options);
+}
+
+}  // namespace
+
 std::unique_ptr<Document> Document::Open(const std::filesystem::path& journals,
                                          const std::filesystem::path& file, bool decimalComma) {
-  DataFile data = OpenDataFile(std::filesystem::absolute(file), FormatOf(decimalComma));
-  return std::make_unique<Document>(journals, std::move(data), decimalComma);
+  return std::make_unique<Document>(journals, ReadAnyhow(std::filesystem::absolute(file)), decimalComma);
 }
 
 Document::Recovered Document::Recover(const std::filesystem::path& journals, LeftJournal& left) {

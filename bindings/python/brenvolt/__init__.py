@@ -14,12 +14,13 @@ dialogs, as macros do; see Application and Analysis.
 from . import _arguments  # before anything takes functions of the extension
 from ._automation import (Analysis, Application, Array, AutomationObject, GraphDocument, IndexedProperty, Nothing,
                           TableDocument)
-from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, open_workbook, read_csv, version_text
+from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, read_csv, version_text
 from ._capability import CapabilityResult, capability
 from ._censored import CensoredFitResult, CensoredVariable
 from ._design import Design, design
 from ._errors import Error, MessageWarning
 from ._jobs import FitResult, FittedVariable, ProfiledResponse, ProfileResult, fit, profile, score, simulate
+from ._reading import open_workbook, preview
 from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
 
@@ -27,8 +28,8 @@ _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityR
             "CensoredFitResult", "CensoredVariable", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
             "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
-            "dialogs", "design", "distributions", "fit", "open_workbook", "profile", "read_csv", "record", "score", "simulate",
-            "version_text")
+            "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record", "score",
+            "simulate", "version_text")
 
 
 def __getattr__(name):

@@ -188,4 +188,4 @@ def _explain(owner, only=None):
 for _owner in (_brenvolt.Spreadsheet, _brenvolt.Variable, _brenvolt.Workbook):
     _explain(_owner)
 _explain(_brenvolt, ("open_workbook", "read_csv", "_start_recording", "_append", "_export", "_import", "_named_matrix",
-                     "_save_fits", "_take_former_properties", "_write_fit_graphs"))
+                     "_preview", "_save_fits", "_take_former_properties", "_write_fit_graphs"))

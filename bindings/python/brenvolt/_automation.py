@@ -12,7 +12,7 @@ import functools
 import os
 from typing import TYPE_CHECKING, Any
 
-from . import _arguments, _brenvolt
+from . import _arguments, _brenvolt, _reading
 
 if TYPE_CHECKING:
     import pandas
@@ -439,9 +439,9 @@ def _sheet(table, what="sheet"):
 class Application:
     """What macros start from: opens data files and starts analyses."""
 
-    def open(self, path: str | os.PathLike, decimal_comma: bool = False) -> _brenvolt.Workbook:
-        """Opens a project (.bvw), or a CSV file as a workbook of one sheet."""
-        return _brenvolt.open_workbook(path, decimal_comma)
+    def open(self, path: str | os.PathLike, decimal_comma: bool = False, **reading: Any) -> _brenvolt.Workbook:
+        """Opens a project (.bvw), or a data file of another kind as a workbook; reading: see fit()."""
+        return _brenvolt.open_workbook(path, decimal_comma, _reading.options(reading, "open"))
 
     def new_workbook(self) -> _brenvolt.Workbook:
         """An empty project without a file."""
@@ -489,19 +489,20 @@ class Application:
         return _brenvolt._append(path, [_sheet(sheet) for sheet in sheets])
 
     def import_file(self, file: str | os.PathLike, output: str | os.PathLike, sheet: str = "", kind: str = "",
-                    decimal_comma: bool = False) -> str:
-        """Imports a CSV file into a project (.bvw), created if missing, and returns the sheet's name.
+                    decimal_comma: bool = False, **reading: Any) -> str:
+        """Imports a data file into a project (.bvw), created if missing, and returns the sheet's name.
 
-        kind: "data" or "matrix"; by default the file decides.
+        kind: "data" or "matrix"; by default the file decides. reading: see fit().
         """
-        return _brenvolt._import(file, output, sheet, kind, decimal_comma)
+        return _brenvolt._import(file, output, sheet, kind, decimal_comma, _reading.options(reading, "import_file"))
 
     def export_sheet(self, source: str, output: str | os.PathLike, decimal_comma: bool = False) -> None:
         """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""
         _brenvolt._export(source, output, decimal_comma)
 
     def score(self, model: str | os.PathLike, data: str | os.PathLike | _brenvolt.Spreadsheet | TableDocument,
-              sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False) -> _brenvolt.Spreadsheet:
+              sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False,
+              **reading: Any) -> _brenvolt.Spreadsheet:
         """The predictions of a PMML model for the cases of a file, by the name of its sheet, or of an open sheet.
 
         probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
@@ -511,7 +512,7 @@ class Application:
         fields = {"model": model, "probabilities": probabilities, "leave_invalid": leave_invalid}
         cases = _sheet(data) if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)) else None
         if cases is None:
-            fields.update(data=data, sheet=sheet, decimal_comma=decimal_comma)
+            fields.update(data=data, sheet=sheet, decimal_comma=decimal_comma, reading=_reading.options(reading, "score"))
         for field, value in fields.items():
             _arguments.set_field(job, field, value)
         return job.run(cases)

@@ -9,7 +9,7 @@ import os
 from collections.abc import Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
-from . import _arguments, _automation, _brenvolt, _design, _function, _sheets, distributions as _distributions
+from . import _arguments, _automation, _brenvolt, _design, _function, _reading, _sheets, distributions as _distributions
 from ._brenvolt import Spreadsheet, Workbook
 from ._errors import Error
 
@@ -24,12 +24,13 @@ Names = str | int | Iterable[str] | Iterable[int] | None
 _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
 
 
-def _sheet_of(data, name, required=(), decimal_comma=False):
+def _sheet_of(data, name, required=(), decimal_comma=False, reading=None):
     """The spreadsheet in whatever people have their data in; the columns required of a frame cannot be left out of it."""
     if name is not None and not isinstance(name, str):
         _arguments.refuse("sheet", "a name", name)
     if isinstance(data, (str, os.PathLike)):
-        return _brenvolt.open_workbook(data, decimal_comma).sheet(name or "")
+        return _brenvolt.open_workbook(data, decimal_comma, _reading.options(reading or {}, "fit")).sheet(name or "")
+    _reading.refuse(reading or {}, "data", data)
     if decimal_comma:
         raise ValueError(f"decimal_comma has no effect: data is a {type(data).__name__}")
     if isinstance(data, (Spreadsheet, _automation.TableDocument)):
@@ -189,7 +190,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
         plot_width: int | None = None, plot_band: bool = False, report: str | os.PathLike | None = None,
-        yes: bool = False, decimal_comma: bool = False) -> FitResult | _censored.CensoredFitResult:
+        yes: bool = False, decimal_comma: bool = False,
+        **reading: Any) -> FitResult | _censored.CensoredFitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
     data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
@@ -225,7 +227,10 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     report: see FitResult.report.
     yes: says that the rows of a matrix are meant as data; without, a fit of a matrix is refused, and so is yes for any other
     data.
-    decimal_comma: the CSV file has decimal commas, and semicolons between the fields.
+    decimal_comma: the text file has decimal commas, and semicolons between the fields.
+    reading: how a text file is laid out, which otherwise is found by looking at it: delimiter, decimal, thousands, header
+    (the number of its line, or False), units_row, comment, encoding, missing_text (texts that mean a missing value), text
+    (names of columns that are texts whatever they hold).
 
     Returns a FitResult; of censored values a CensoredFitResult. Raises Error with the system's message where the data cannot be fitted, ValueError for
     arguments that make no sense.
@@ -240,15 +245,16 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                exceed=_numbers(exceed, "exceed"), return_periods=_numbers(return_periods, "return_periods"),
                confidence=confidence, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
-               plot_band=plot_band, report=report, yes=yes, decimal_comma=decimal_comma)
+               plot_band=plot_band, report=report, yes=yes, decimal_comma=decimal_comma,
+               reading=_reading.options(reading, "fit"))
     required = [name for given in (continuous, discrete, weights, censor, censor_upper)
                 for name in _arguments.names(given, "required")]
     if censor is not None or censor_upper is not None:
         from . import _censored
 
-        return _censored.fit(job, censor, censor_upper, lambda: _sheet_of(data, sheet, required, decimal_comma))
+        return _censored.fit(job, censor, censor_upper, lambda: _sheet_of(data, sheet, required, decimal_comma, reading))
     job.check()
-    result = FitResult(job, _sheet_of(data, sheet, required, decimal_comma), _is_lent(data))
+    result = FitResult(job, _sheet_of(data, sheet, required, decimal_comma, reading), _is_lent(data))
     if report:
         result.report(report)
     return result
@@ -602,7 +608,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
             output: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
             plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
             plot_width: int | None = None, report: str | os.PathLike | None = None,
-            decimal_comma: bool = False) -> ProfileResult:
+            decimal_comma: bool = False, **reading: Any) -> ProfileResult:
     """Simulates what models, formulas or a function predict, and compares it with specifications.
 
     profile(data, models, formulas, ...) or profile(function, inputs, ...), where inputs are as data.
@@ -626,10 +632,10 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     specifications: {response: (lower limit, target, upper limit)}, each of which may be None.
     fixed: {predictor: number, or the name of a class}.
     truncate: {predictor: (minimum, maximum)}, each of which may be None, in place of the range that a model declares.
-    output: file that takes the simulated runs, by ending .csv, .npz or .bvw; graphs: JSON file for the data of the graphs.
+    output: file that takes the simulated runs, by ending .csv, .npz, .xlsx, .sav, .dta or .bvw; graphs: JSON file for the data of the graphs.
     plot: picture, as for fit(), of each response; plot_kind: "overview" (as without), "histogram", "tornado", "profile",
     "defect-profile" or "capability". report: file with tables, pictures and notes, as FitResult.report writes it.
-    decimal_comma: as for fit().
+    decimal_comma, reading: as for fit().
 
     Returns a ProfileResult.
     """
@@ -651,12 +657,13 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
                fixed=_entries(_brenvolt.ProfileJob.Fixed, fixed, "fixed", "{predictor: value}", texts=True),
                truncate=_tuples(_brenvolt.ProfileJob.Truncation, truncate, "truncate", "(minimum, maximum)"),
                output=output, graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme,
-               plot_width=plot_width, report=report, decimal_comma=decimal_comma)
+               plot_width=plot_width, report=report, decimal_comma=decimal_comma,
+               reading=_reading.options(reading, "profile"))
     given = {**data, **(variables or {})} if by_hand and data is not None else variables
     _design._enter(job, given, correlations, from_file)
     table = None
     if function is not None:
-        table = None if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma)
+        table = None if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma, reading=reading)
         model = _function.Model(function, _inputs_of(job, table), responses)
         job.add_function(model.name, model.predictors, model.responses, model)
     elif responses is not None:
@@ -664,7 +671,7 @@ def profile(data: Any = None, models: str | os.PathLike | Iterable[str | os.Path
     job.check()
     chosen = None if matrix is None or isinstance(matrix, (str, os.PathLike)) else _matrix_of(matrix)
     if table is None:
-        table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma)
+        table = _brenvolt._new_design() if by_hand else _sheet_of(data, sheet, decimal_comma=decimal_comma, reading=reading)
     try:
         return ProfileResult(*job.run(table, chosen, by_hand or _is_path(data)))
     except Error as error:
@@ -796,26 +803,26 @@ class ProfiledResponse:
 
 
 def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, leave_invalid: bool = False,
-          sheet: str | None = None, decimal_comma: bool = False) -> pandas.DataFrame:
+          sheet: str | None = None, decimal_comma: bool = False, **reading: Any) -> pandas.DataFrame:
     """The predictions of a PMML model, a DataFrame with a row per case.
 
     data: as for fit(); the columns that the model reads are found by their names.
     probabilities: also the probability of every class; leave_invalid: no prediction, instead of an Error, where the model
     refuses a value.
-    decimal_comma: as for fit().
+    decimal_comma, reading: as for fit().
 
     attrs["unpredicted"] of the frame says why cases have no prediction: for each reason its field, reason, value, the lowest
     and the highest number, and the count. attrs["unavailable_outputs"] names the outputs of the model that cannot be given,
     with the reason.
     """
     job = _job(_brenvolt.ScoreJob, model=model, probabilities=probabilities, leave_invalid=leave_invalid,
-               data=_file_of(data), decimal_comma=decimal_comma)
+               data=_file_of(data), decimal_comma=decimal_comma, reading=_reading.options(reading, "score"))
     job.check()
     if isinstance(data, (str, os.PathLike)):
         job.sheet = "" if sheet is None else _arguments.text(sheet, "sheet")
         predictions = job.run(None)
     else:
-        predictions = job.run(_sheet_of(data, sheet, decimal_comma=decimal_comma))
+        predictions = job.run(_sheet_of(data, sheet, decimal_comma=decimal_comma, reading=reading))
     frame = predictions.to_pandas()
     frame.attrs["unpredicted"] = predictions.unpredicted
     frame.attrs["unavailable_outputs"] = predictions.unavailable_outputs

@@ -84,7 +84,7 @@ class Plots(unittest.TestCase):
             dialog.QQPlot
             with open(os.path.join(folder, "qq.svg"), encoding="utf-8") as file:
                 self.assertIn("Q-Q Plot of", file.read())
-            for name, message in (("t.png", "a table goes into .csv, .npz or .bvw"), ("t.gif", "in .json, .png, .svg or .pdf")):
+            for name, message in (("t.png", "a table goes into .csv, .npz, .xlsx, .sav, .dta or .bvw"), ("t.gif", "in .json, .png, .svg or .pdf")):
                 with self.assertRaisesRegex(brenvolt.Error, message):
                     dialog.ResultsSaveFileName = os.path.join(folder, name)
                     dialog.SummaryStats

@@ -35,7 +35,7 @@ REFUSED_FITS = (
     ({"weights": "z"}, "sheet d has no variable called 'z' (weights)"),
     ({"save": "p.bvw", "graphs": "g.png"}, "expected a file ending in .json, got g.png (graphs)"),
     ({"save": "p.bvw", "plot": "p.gif"}, "expected a file ending in .png, .svg or .pdf, got p.gif (plot)"),
-    ({"report": "r.txt"}, "expected a file ending in .html, .md or .pdf, got r.txt (report)"),
+    ({"report": "r.txt"}, "expected a file ending in .html, .md, .pdf or .xlsx, got r.txt (report)"),
     ({"report": "none/r.html"}, "the folder of none/r.html does not exist (report)"),
     ({"plot": "p.png", "plot_kind": "pie"}, "pp, qq, return-levels; got 'pie' (plot_kind)"),
     ({"plot": "p.png", "plot_theme": "blue"}, "expected one of dark, light; got 'blue' (plot_theme)"),
@@ -119,7 +119,7 @@ REFUSED_PROFILES = (
     ({"formulas": [FORMULA], "specifications": {"y": (5, None, 3)}}, "must be less than the upper one (specifications)"),
     ({"formulas": [FORMULA], "fixed": {"z": 1}}, "no predictor called 'z'; the predictors are x, n (fixed)"),
     ({"formulas": [FORMULA], "truncate": {"x": (3, 3)}}, "the minimum must be less than the maximum (truncate)"),
-    ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz or .bvw, got r.txt (output)"),
+    ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz, .xlsx, .sav, .dta or .bvw, got r.txt (output)"),
     ({"formulas": [FORMULA], "output": "none/r.csv"}, "the folder of none/r.csv does not exist (output)"),
     ({"formulas": ["y = x"], "correlated": True}, "a single predictor has nothing to be correlated with (correlated)"),
     ({"formulas": [FORMULA], "correlated": True, "fixed": {"x": 1}},
@@ -264,8 +264,8 @@ REFUSED_IMPORTS = (
     ({"output": "p.bvw", "kind": "matrix"}, "must hold numbers (d.csv)"),
 )
 REFUSED_EXPORTS = (
-    ({"output": "d.txt"}, "expected a file ending in .csv, got d.txt (output)"),
-    ({"output": "fits.bvw"}, "expected a file ending in .csv, got fits.bvw (output)"),
+    ({"output": "d.txt"}, "expected a file ending in .csv, .npz, .xlsx, .sav or .dta, got d.txt (output)"),
+    ({"output": "fits.bvw"}, "expected a file ending in .csv, .npz, .xlsx, .sav or .dta, got fits.bvw (output)"),
 )
 
 
@@ -366,6 +366,34 @@ class SameCalls(unittest.TestCase):
         self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.simulate("fits.bvw", method="monte-carlo",
                                                                                    matrix=matrix)))
         self.assertEqual(refused[0], 2)
+
+    def test_files_are_read_alike_however_they_are_laid_out(self):
+        with open("report.txt", "w", encoding="windows-1252") as file:
+            file.write("Prüfer: Weiß\n\ngröße;n\n" + "".join(f"{i},5;{i % 3}\n" for i in range(1, 9)))
+        done = self.command("fit", "report.txt", "--distributions", "normal", "--format", "json")
+        self.assertEqual(done.stderr, "brenvolt: report.txt has windows-1252 text, fields separated by semicolons, decimal "
+                                      "commas and the header in line 3\n")
+        fitted = brenvolt.fit("report.txt", distributions="normal")
+        for expected in json.loads(done.stdout)["variables"]:
+            self.compare(expected, fitted.variables[expected["name"]])
+        self.assertEqual(fitted.summary.loc["größe", "mean"], 5)
+        self.assertEqual("brenvolt: " + brenvolt.open_workbook("report.txt").read_as + "\n", done.stderr)
+        with open("rare.csv", "w") as file:
+            file.write("x\n" + "1.5\n2.5\n4\n" * 40 + "broken\n")
+        self.assertEqual(self.refused_by_command("fit", "rare.csv"), self.refused_by_python(lambda: brenvolt.fit("rare.csv")))
+        told = self.command("fit", "rare.csv", "--missing-text", "broken", "--distributions", "normal", "--format", "json")
+        kept = brenvolt.fit("rare.csv", distributions="normal", missing_text="broken")
+        self.compare(json.loads(told.stdout)["variables"][0], kept.variables["x"])
+        with open("bare.csv", "w") as file:
+            file.write("1.5,2\n2.5,3\n3.5,5\n")
+        with self.assertWarnsRegex(brenvolt.MessageWarning, r"line 1 looks like data and is read as such.*\(header\)"):
+            self.assertEqual(brenvolt.open_workbook("bare.csv").sheet().names, ["Var1", "Var2"])
+        self.assertEqual(brenvolt.open_workbook("bare.csv", header=False).sheet().names, ["Var1", "Var2"])
+        self.assertEqual(brenvolt.open_workbook("bare.csv", header=2).sheet().names, ["2.5", "3"])
+        with self.assertRaisesRegex(TypeError, "unexpected keyword argument 'delimeter'"):
+            brenvolt.fit("bare.csv", delimeter=";")
+        with self.assertRaisesRegex(ValueError, "delimiter has no effect: data is a dict"):
+            brenvolt.fit({"x": [1.0, 2.0]}, delimiter=";")
 
     def test_decimal_commas_are_read_alike(self):
         with open("comma.csv", "w") as file:

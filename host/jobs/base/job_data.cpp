@@ -1,12 +1,14 @@
 #include "host/jobs/base/job_data.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <limits>
 #include <random>
 #include <utility>
 
 #include "host/base/quoted.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/csv_layout.h"
 
 namespace brenvolt {
 
@@ -19,10 +21,119 @@ std::int32_t DrawSeed() {
   return std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source);
 }
 
+namespace {
+
+// The options with what the decimal comma stands for.
+TextOptions OptionsOf(const JobData& data) {
+  TextOptions options = data.text;
+  if (!data.decimalComma) return options;
+  if (!options.decimal) options.decimal = ",";
+  if (!options.delimiter) options.delimiter = ";";
+  return options;
+}
+
+std::string Listed(const std::vector<std::string>& texts, const char* separator) {
+  std::string list;
+  for (const std::string& text : texts) list += (list.empty() ? "" : separator) + text;
+  return list;
+}
+
+// The texts, and the options that say what they are.
+WrongJob WrongTexts(const std::vector<StrayTexts>& columns) {
+  const StrayTexts& first = columns.front();
+  std::vector<std::string> cells;
+  std::vector<std::string> texts;
+  for (const StrayTexts::Cell& cell : first.first) {
+    cells.push_back(Quoted(cell.text) + " in line " + std::to_string(cell.line));
+    if (std::ranges::find(texts, cell.text) == texts.end()) texts.push_back(cell.text);
+  }
+  std::vector<std::string> names;
+  for (const StrayTexts& column : columns) names.push_back(column.column);
+  const std::string several =
+      columns.size() > 1 ? "; so are values of " + Listed({names.begin() + 1, names.end()}, ", ") : "";
+  const std::string verb = first.texts == 1 ? " is no number: " : " are no numbers: ";
+  return WrongJob(
+      {{"missingText", std::to_string(first.texts) + " of the " + std::to_string(first.values) +
+                           " values of " + first.column + verb + Listed(cells, ", ") + several + "; " +
+                           Quoted(Listed(texts, ",")) + " here reads such texts as missing"},
+       {"text", Quoted(Listed(names, ",")) + " here reads all values as texts"}});
+}
+
+DataFile Opened(const JobData& data) {
+  try {
+    return OpenDataFile(data.file, OptionsOf(data));
+  } catch (const StrayTextsError& stray) {
+    throw WrongTexts(stray.Columns());
+  } catch (const OptionError& wrong) {
+    throw WrongJob(wrong.Field(), std::string(wrong.what()) + " (" + wrong.Where() + ")");
+  }
+}
+
+// A field of the options that is given; empty if none is.
+std::string FirstGiven(const JobData& data) {
+  const TextOptions& text = data.text;
+  const std::pair<bool, const char*> given[] = {
+      {data.decimalComma, "decimalComma"},        {text.delimiter.has_value(), "delimiter"},
+      {text.decimal.has_value(), "decimal"},      {text.thousands.has_value(), "thousands"},
+      {text.header.has_value(), "header"},        {text.unitsRow.has_value(), "unitsRow"},
+      {text.comment.has_value(), "comment"},      {text.encoding.has_value(), "encoding"},
+      {!text.missingText.empty(), "missingText"}, {!text.text.empty(), "text"}};
+  for (const auto& [isGiven, field] : given) {
+    if (isGiven) return field;
+  }
+  return {};
+}
+
+}  // namespace
+
+void CheckReading(const JobData& data, JobFaults& faults) {
+  for (const ReadingNote& fault : CheckTextOptions(data.text)) faults.push_back({fault.field, fault.message});
+  const auto differs = [&data](const std::optional<std::string>& given,
+                               std::initializer_list<const char*> same) {
+    return data.decimalComma && given && std::ranges::find(same, *given) == same.end();
+  };
+  if (differs(data.text.decimal, {","}))
+    faults.push_back({"decimal", "numbers with decimal commas have another decimal sign"});
+  if (data.decimalComma && data.text.delimiter && *data.text.delimiter == ",")
+    faults.push_back({"delimiter", "a comma cannot be between the fields and in numbers"});
+}
+
+JobRecorder::Arguments ReadingArguments(const JobData& data) {
+  JobRecorder::Arguments arguments{DecimalCommaArgument(data.decimalComma)};
+  const auto add = [&arguments](const char* name, const std::optional<std::string>& text) {
+    if (text) arguments.push_back(name + ("=" + PythonText(*text)));
+  };
+  const TextOptions& text = data.text;
+  add("delimiter", text.delimiter);
+  add("decimal", text.decimal);
+  add("thousands", text.thousands);
+  add("header", text.header);
+  if (text.unitsRow) arguments.push_back(*text.unitsRow ? "units_row=True" : "units_row=False");
+  add("comment", text.comment);
+  add("encoding", text.encoding);
+  const auto addList = [&arguments](const char* name, const std::vector<std::string>& texts) {
+    std::vector<std::string> quoted;
+    for (const std::string& one : texts) quoted.push_back(PythonText(one));
+    if (!texts.empty()) arguments.push_back(std::string(name) + "=[" + Listed(quoted, ", ") + "]");
+  };
+  addList("missing_text", text.missingText);
+  addList("text", text.text);
+  return arguments;
+}
+
+std::string ReadAsText(const DataFile& file) {
+  const std::string name = file.path == kStandardInput ? "standard input" : file.path.filename().string();
+  return file.readAs.empty() ? std::string() : name + " has " + file.readAs;
+}
+
 DataFile OpenJobData(const JobData& data) {
-  DataFile file = OpenDataFile(data.file, data.Format());
-  if (file.isProject && data.decimalComma)
-    throw WrongJob("decimalComma", "a project has no decimal separators, only CSV files do");
+  JobFaults faults;
+  CheckReading(data, faults);
+  RequireNone(std::move(faults));
+  DataFile file = Opened(data);
+  if (const std::string given = FirstGiven(data); file.isProject && !given.empty())
+    throw WrongJob(given, "a project is no text file: this does not apply to it");
+  if (data.tell) data.tell(file);
   return file;
 }
 

@@ -10,6 +10,7 @@
 
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/job_recorder.h"
+#include "host/tables/csv.h"
 
 namespace brenvolt {
 
@@ -18,13 +19,22 @@ inline CsvFormat FormatOf(bool decimalComma) {
 }
 
 struct JobData {
-  std::filesystem::path file;
-  std::string sheet;  // empty: the first data sheet
-  bool decimalComma = false;
+  std::filesystem::path file;  // "-" is standard input
+  std::string sheet;           // empty: the first data sheet
+  bool decimalComma = false;   // semicolons between the fields, unless the options say otherwise
+  TextOptions text;            // how a text file is laid out; what is not said is found by looking
+  std::function<void(const DataFile&)> tell;  // takes what was found; may be empty
   bool yes = false;  // questions are answered with OK; without, a job that asks one is refused
 
   CsvFormat Format() const { return FormatOf(decimalComma); }
 };
+
+// What is wrong with how the file of the data is to be read.
+void CheckReading(const JobData& data, JobFaults& faults);
+// The same as arguments of a macro's call.
+JobRecorder::Arguments ReadingArguments(const JobData& data);
+// "data.csv has fields separated by tabs": what was found that is not as usual; empty if there is nothing.
+std::string ReadAsText(const DataFile& file);
 
 // Throws Error for a matrix, whose rows are no cases.
 void RequireCases(const Spreadsheet& sheet);
@@ -46,7 +56,8 @@ struct JobInput {
   bool isLent = false;  // the sheet keeps its own case weights and selection when the job has ended
 };
 
-// Opens the file of the data. Throws WrongJob for a decimal comma of a project, which has no texts of numbers, and Error.
+// Opens the file of the data and tells what was found. Throws WrongJob for options that the file shows to be wrong, and
+// Error.
 DataFile OpenJobData(const JobData& data);
 // Starts the analysis of a job.
 AnalysisSession& Start(const JobInput& input, const JobData& data);

@@ -37,8 +37,9 @@ void JobRecorder::Gave(std::string_view name, const void* object, std::string_vi
   if (recorder_ != nullptr) recorder_->Assign(name, CallText(object, function, arguments), result);
 }
 
-void JobRecorder::Opened(const std::filesystem::path& path, bool decimalComma, const void* workbook) {
-  Gave("workbook", nullptr, "Open", {PythonPath(path), DecimalCommaArgument(decimalComma)}, workbook);
+void JobRecorder::Opened(const std::filesystem::path& path, Arguments reading, const void* workbook) {
+  reading.insert(reading.begin(), PythonPath(path));
+  Gave("workbook", nullptr, "Open", reading, workbook);
 }
 
 void JobRecorder::Took(const void* workbook, const std::string& name, const void* sheet) {

@@ -24,7 +24,8 @@ class JobRecorder {
   MacroRecorder* Recorder() const { return recorder_; }
 
   // Objects are told apart by their addresses (macro_recorder.h).
-  void Opened(const std::filesystem::path& path, bool decimalComma, const void* workbook);
+  using Arguments = std::vector<std::string>;
+  void Opened(const std::filesystem::path& path, Arguments reading, const void* workbook);
   // An empty name means the first data sheet.
   void Took(const void* workbook, const std::string& name, const void* sheet);
   // An attribute of an object got a text, or None.
@@ -36,7 +37,6 @@ class JobRecorder {
 
   // A call of a function: a method of `object`, or of the application where that is null. Arguments are
   // Python text; those that are empty are left out.
-  using Arguments = std::vector<std::string>;
   void Called(const void* object, std::string_view function, const Arguments& arguments);
   // The same, whose result is an object of the macro under a name.
   void Gave(std::string_view name, const void* object, std::string_view function, const Arguments& arguments,

@@ -6,6 +6,7 @@
 
 #include "host/base/files/output_file.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/formats/data_file_writer.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
@@ -44,20 +45,37 @@ void CheckFolder(std::string_view field, const std::filesystem::path& path, JobF
   }
 }
 
-void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
+namespace {
+
+// "expected a file ending in .csv, .npz, .xlsx, .sav, .dta or .bvw, got x.txt".
+void CheckEnding(std::string_view field, const std::filesystem::path& path, std::vector<std::string> endings,
+                 JobFaults& faults) {
+  std::string list = endings.front();
+  for (std::size_t i = 1; i < endings.size(); ++i)
+    list += (i + 1 == endings.size() ? " or " : ", ") + endings[i];
+  faults.push_back({std::string(field), "expected a file ending in " + list + ", got " + path.string()});
+}
+
+}  // namespace
+
+void CheckTableTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
   CheckFolder(field, path, faults);
-  if (path.empty() || HasEnding(path, ".csv") || !IsRegularTarget(path)) return;
-  faults.push_back({std::string(field), "expected a file ending in .csv, got " + path.string()});
+  if (path.empty() || HasDataEnding(path) || !IsRegularTarget(path)) return;
+  CheckEnding(field, path, DataEndings(), faults);
 }
 
 void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
   CheckFolder(field, path, faults);
-  if (path.empty() || HasProjectEnding(path) || HasEnding(path, ".csv") || IsNumpyArchiveName(path) ||
-      !IsRegularTarget(path)) {
-    return;
-  }
-  faults.push_back(
-      {std::string(field), "expected a file ending in .csv, .npz or .bvw, got " + path.string()});
+  if (path.empty() || HasProjectEnding(path) || HasDataEnding(path) || !IsRegularTarget(path)) return;
+  std::vector<std::string> endings = DataEndings();
+  endings.push_back(".bvw");
+  CheckEnding(field, path, std::move(endings), faults);
+}
+
+void CheckSize(std::string_view field, const std::filesystem::path& path, double cases, JobFaults& faults) {
+  if (!(cases >= 0 && cases < 1e15)) return;
+  const std::string fault = WhyTooLarge(path, static_cast<std::size_t>(cases), 0);
+  if (!fault.empty()) faults.push_back({std::string(field), fault});
 }
 
 void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults) {
@@ -87,13 +105,14 @@ void RefuseReplacedProject(const std::filesystem::path& path) {
 }
 
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder) {
-  if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(table.Table(), path);
-    recorder.Called(&table, "sheet.to_npz", {PythonPath(path)});
-    return;
-  }
-  WriteCsvFile(table.Table(), path, {});
-  recorder.Called(&table, "sheet.to_csv", {PythonPath(path)});
+  RefuseProjectTarget(path);
+  WriteDataFile(table.Table(), path);
+  const bool isCsv = !HasDataEnding(path) || HasEnding(path, ".csv");
+  recorder.Called(&table,
+                  isCsv                      ? "sheet.to_csv"
+                  : IsNumpyArchiveName(path) ? "sheet.to_npz"
+                                             : "sheet.to_file",
+                  {PythonPath(path)});
 }
 
 std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,

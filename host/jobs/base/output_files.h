@@ -14,14 +14,16 @@ namespace brenvolt {
 
 // True for a regular file or a path that does not exist.
 bool IsRegularTarget(const std::filesystem::path& path);
-// Adds a fault of the field unless data may go to `path`: a project, CSV or NumPy arrays by the ending, CSV
-// to devices and pipes, or nothing for an empty path.
+// Adds a fault of the field unless data may go to `path`: a project or a data file by the ending
+// (data_file_writer.h), CSV to devices and pipes, or nothing for an empty path.
 void CheckDataTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// Adds a fault where a file of that ending does not take so many cases.
+void CheckSize(std::string_view field, const std::filesystem::path& path, double cases, JobFaults& faults);
 // The same for the data of graphs: JSON, by the ending, or a device or pipe.
 void CheckGraphsTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
-// The same for separated values: CSV, by the ending, or a device or pipe.
-void CheckCsvTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
+// The same without a project.
+void CheckTableTarget(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 // Adds a fault where the folder of an output does not exist or takes no file, which would be found only when the work is
 // done.
 void CheckFolder(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
@@ -39,8 +41,8 @@ void CheckTargetsApart(const std::vector<JobFile>& inputs, const std::vector<Job
 // Throws Error if data of another format would replace a project.
 void RefuseReplacedProject(const std::filesystem::path& path);
 
-// Writes a document, to NumPy arrays where the name ends so, otherwise as CSV. Throws Error, and writes nothing,
-// where a project would be replaced.
+// Writes a document by the ending of the name, CSV where there is no other. Throws Error, and writes nothing, where a
+// project would be replaced.
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
 // Adds documents to the project at `path`, which is created if missing. Returns their names there.
 std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,

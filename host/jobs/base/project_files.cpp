@@ -193,7 +193,8 @@ std::unique_ptr<Spreadsheet> NamedMatrix(const std::string& name, const Workbook
   if (!std::filesystem::exists(path, ignored)) {
     throw Error("this is neither a sheet of the project nor a file", where);
   }
-  if (!Workbook::IsWorkbookFile(path)) return MatrixFromTable(ReadCsv(path, {}), path.string());
+  if (!Workbook::IsWorkbookFile(path))
+    return MatrixFromTable(*ReadDataFile(path, {}).sheets.front(), path.string());
   DataFile other = OpenProject(path);
   const std::string wanted = sheetName.empty() ? UsualMatrixName(other.workbook, path) : sheetName;
   return std::make_unique<Spreadsheet>(other.Sheet(wanted));
@@ -239,7 +240,7 @@ void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
-    throw Error("a project is not replaced by a CSV file", path.string());
+    throw Error("a project is not replaced by a file of another kind", path.string());
   }
 }
 

@@ -11,6 +11,7 @@
 
 #include "host/application/application.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/tables/csv.h"
 
 namespace brenvolt {
 

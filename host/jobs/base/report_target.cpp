@@ -4,13 +4,16 @@
 
 #include "host/jobs/base/output_files.h"
 #include "host/reporting/report_file.h"
+#include "host/tables/formats/workbook_file.h"
 
 namespace brenvolt {
 
-void CheckReport(const std::filesystem::path& path, JobFaults& faults) {
+void CheckReport(const std::filesystem::path& path, JobFaults& faults, ReportKinds kinds) {
   if (path.empty()) return;
-  if (!IsReportName(path)) {
-    faults.push_back({"report", "expected a file ending in .html, .md or .pdf, got " + path.string()});
+  const bool takesWorkbook = kinds == ReportKinds::kDocumentsAndWorkbook;
+  if (!IsReportName(path) && !(takesWorkbook && IsWorkbookName(path))) {
+    const std::string endings = takesWorkbook ? ".html, .md, .pdf or .xlsx" : ".html, .md or .pdf";
+    faults.push_back({"report", "expected a file ending in " + endings + ", got " + path.string()});
     return;
   }
   CheckFolder("report", path, faults);

@@ -13,7 +13,7 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
-#include "host/tables/numpy_archive.h"
+#include "host/tables/formats/data_file_writer.h"
 
 namespace brenvolt {
 namespace {
@@ -38,7 +38,8 @@ void CheckName(const Path& path) {
   if (asPicture.empty()) return;
   if (IsPictureName(path)) throw Error(asPicture.front().message, path.string());
   throw Error(
-      "expected a file in an existing folder that ends in .csv, .npz or .bvw for a table, in .json, .png, "
+      "expected a file in an existing folder that ends in .csv, .npz, .xlsx, .sav, .dta or .bvw for a table, "
+      "in .json, .png, "
       ".svg "
       "or .pdf for a graph",
       path.string());
@@ -48,15 +49,14 @@ void CheckName(const Path& path) {
 
 void SaveResultTable(const CAnalysisTableDoc& table, const Path& path) {
   if (HasEnding(path, ".json") || IsPictureName(path))
-    throw Error("a table goes into .csv, .npz or .bvw", path.string());
+    throw Error("a table goes into .csv, .npz, .xlsx, .sav, .dta or .bvw", path.string());
   if (HasProjectEnding(path)) {
     std::vector<std::unique_ptr<Spreadsheet>> sheets;
     sheets.push_back(std::make_unique<Spreadsheet>(table.Table()));
     AppendToProject(path, std::move(sheets));
-  } else if (IsNumpyArchiveName(path)) {
-    WriteNumpyArchive(table.Table(), path);
   } else {
-    WriteCsvFile(table.Table(), path, {});
+    RefuseProjectTarget(path);
+    WriteDataFile(table.Table(), path);
   }
 }
 

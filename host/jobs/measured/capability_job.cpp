@@ -297,6 +297,7 @@ const Choices kControlRules{{"nelson", "nelson"}, {"western-electric", "western-
 
 JobFaults CapabilityJob::Check() const {
   JobFaults faults;
+  CheckReading(data, faults);
   const auto add = [&](const char* field, const std::string& message) { faults.push_back({field, message}); };
   if (specifications.empty()) {
     add("specifications", "missing specification: capability is judged against limits");

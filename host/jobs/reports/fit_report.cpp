@@ -13,7 +13,10 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/reports/fit_tables.h"
+#include "host/jobs/reports/fit_workbook.h"
 #include "host/jobs/reports/repeating_command.h"
+#include "host/reporting/report_file.h"
+#include "host/tables/formats/workbook_file.h"
 
 namespace brenvolt {
 namespace {
@@ -248,6 +251,11 @@ class FitReportMaker {
 
 Report FitReport(const FitJob& job, AnalysisSession& session, const ReportContext& context) {
   return FitReportMaker(job, session, context).Made();
+}
+
+void WriteReportOfFit(const FitJob& job, AnalysisSession& session, const ReportContext& context) {
+  if (IsWorkbookName(job.report)) return WriteFitWorkbook(session, context, job.report);
+  WriteReport(FitReport(job, session, context), job.report);
 }
 
 }  // namespace brenvolt

@@ -1,4 +1,4 @@
-#include "host/jobs/exchange_jobs.h"
+#include "host/jobs/exchange/exchange_jobs.h"
 
 #include <utility>
 
@@ -7,6 +7,7 @@
 #include "host/base/utf8.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/formats/data_file_writer.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt {
@@ -16,9 +17,11 @@ constexpr std::string_view kData = "data";
 constexpr std::string_view kMatrix = "matrix";
 
 Spreadsheet ReadSheet(const ImportJob& job) {
-  Spreadsheet table = ReadCsv(job.file, FormatOf(job.decimalComma));
+  DataFile file = OpenJobData(job.data);
+  if (file.isProject) throw Error("the file is already a project", job.data.file.string());
+  Spreadsheet table = std::move(file.Sheet(job.data.sheet));
   const bool isMatrix = job.kind.empty() ? LooksLikeMatrixTable(table) : job.kind == kMatrix;
-  return isMatrix ? std::move(*MatrixFromTable(table, job.file.string())) : std::move(table);
+  return isMatrix ? std::move(*MatrixFromTable(table, job.data.file.string())) : std::move(table);
 }
 
 std::string Keyword(const char* name, const std::string& text) {
@@ -31,29 +34,32 @@ JobFaults ImportJob::Check() const {
   JobFaults faults;
   CheckProjectEnding("output", output, faults);
   CheckFolder("output", output, faults);
+  CheckReading(data, faults);
   if (!kind.empty() && kind != kData && kind != kMatrix)
     faults.push_back({"kind", "expected data or matrix, got " + Quoted(kind)});
   if (!IsText(sheet)) faults.push_back({"sheet", "the name is not UTF-8 text"});
-  CheckTargetsApart({{"file", file}}, {{"output", output}}, faults);
+  CheckTargetsApart({{"file", data.file}}, {{"output", output}}, faults);
   return faults;
 }
 
 Spreadsheet ImportJob::Run(JobRecorder& recorder) const {
   RequireNone(Check());
-  if (Workbook::IsWorkbookFile(file)) throw Error("the file is already a project", file.string());
   Spreadsheet taken = ReadSheet(*this);
   if (!sheet.empty()) taken.SetName(sheet);
   MergeIntoProject(output, taken);
-  recorder.Called(nullptr, "Import",
-                  {PythonPath(file), PythonPath(output), Keyword("sheet=", sheet), Keyword("kind=", kind),
-                   DecimalCommaArgument(decimalComma)});
+  JobRecorder::Arguments arguments{PythonPath(data.file), PythonPath(output), Keyword("sheet=", sheet),
+                                   Keyword("kind=", kind)};
+  for (std::string& argument : ReadingArguments(data)) arguments.push_back(std::move(argument));
+  recorder.Called(nullptr, "Import", arguments);
   return taken;
 }
 
 JobFaults ExportJob::Check() const {
   JobFaults faults;
-  CheckCsvTarget("output", output, faults);
+  CheckTableTarget("output", output, faults);
   CheckTargetsApart({{"source", SplitSheetAddress(source).first}}, {{"output", output}}, faults);
+  if (decimalComma && HasDataEnding(output) && !HasEnding(output, ".csv"))
+    faults.push_back({"decimalComma", "only CSV files have decimal signs"});
   return faults;
 }
 
@@ -61,7 +67,8 @@ void ExportJob::Run(JobRecorder& recorder) const {
   RequireNone(Check());
   const auto [path, name] = SplitSheetAddress(source);
   DataFile project = OpenProject(path);
-  WriteCsvFile(project.Sheet(name), output, FormatOf(decimalComma));
+  RefuseProjectTarget(output);
+  WriteDataFile(project.Sheet(name), output, FormatOf(decimalComma));
   recorder.Called(nullptr, "Export",
                   {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma)});
 }

@@ -11,18 +11,17 @@ namespace brenvolt {
 
 // Takes a data file into a project, which is created if missing.
 struct ImportJob {
-  std::filesystem::path file;
+  JobData data;
   std::filesystem::path output;  // the project
   std::string sheet;             // the name of the new sheet; empty: the file's name
   std::string kind;              // "data" or "matrix"; empty: the file decides
-  bool decimalComma = false;
 
   JobFaults Check() const;
   // Returns the sheet taken in. Throws WrongJob and Error.
   Spreadsheet Run(JobRecorder& recorder) const;
 };
 
-// Writes a sheet of a project as CSV.
+// Writes a sheet of a project as a data file, by the ending of its name.
 struct ExportJob {
   std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
   std::filesystem::path output;
