@@ -1,81 +1,24 @@
 #include "host/numeric/censored/censored_estimator.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <numbers>
 #include <optional>
 #include <vector>
 
+#include "host/numeric/censored/censored_likelihood.h"
 #include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::size_t kMostParameters = 3;
-using Point = std::array<double, kMostParameters>;
-using Matrix = std::array<Point, kMostParameters>;
+using Point = Coordinates;
+using Matrix = CoordinateMatrix;
 
 constexpr DistributionCode kCensored[] = {
     DistributionCode::kNormal,   DistributionCode::kLogNormal, DistributionCode::kHalfNormal,
     DistributionCode::kRayleigh, DistributionCode::kWeibull,   DistributionCode::kGeneralExtremeValue};
-
-double SumOfLogarithms(std::span<const double> probabilities) {
-  double sum = 0;
-  for (const double p : probabilities) sum += std::log(p);
-  return sum;
-}
-
-// The log-likelihood of a distribution of some parameters.
-class Likelihood {
- public:
-  Likelihood(DistributionCode code, const CensoredSample& sample, double offset)
-      : code_(code), sample_(sample), offset_(offset) {
-    const std::size_t most =
-        std::max({sample.exact.size(), sample.right.size(), sample.left.size(), sample.from.size()});
-    for (std::vector<double>& buffer : buffers_) buffer.resize(most);
-  }
-
-  // -infinity where the values are impossible.
-  double At(std::span<const double> values) {
-    const AnyDistribution distribution(code_, values, offset_);
-    if (!distribution.IsValid()) return -kInfinity;
-    double sum = 0;
-    const auto exact = std::span(buffers_[0]).first(sample_.exact.size());
-    distribution.LogDensity(sample_.exact, exact);
-    for (const double logDensity : exact) sum += logDensity;
-    const auto right = std::span(buffers_[0]).first(sample_.right.size());
-    distribution.Complement(sample_.right, right);
-    sum += SumOfLogarithms(right);
-    const auto left = std::span(buffers_[0]).first(sample_.left.size());
-    distribution.Cdf(sample_.left, left);
-    sum += SumOfLogarithms(left) + OfIntervals(distribution);
-    return std::isfinite(sum) ? sum : -kInfinity;
-  }
-
- private:
-  // By the tail in which the probabilities are smaller, so that their difference keeps its digits.
-  double OfIntervals(const AnyDistribution& distribution) {
-    const std::size_t n = sample_.from.size();
-    std::array<std::span<double>, 4> p;
-    for (std::size_t i = 0; i < p.size(); ++i) p[i] = std::span(buffers_[i]).first(n);
-    distribution.Cdf(sample_.from, p[0]);
-    distribution.Cdf(sample_.to, p[1]);
-    distribution.Complement(sample_.from, p[2]);
-    distribution.Complement(sample_.to, p[3]);
-    double sum = 0;
-    for (std::size_t i = 0; i < n; ++i)
-      sum += std::log(p[1][i] < p[2][i] ? p[1][i] - p[0][i] : p[2][i] - p[3][i]);
-    return sum;
-  }
-
-  DistributionCode code_;
-  const CensoredSample& sample_;
-  double offset_;
-  std::array<std::vector<double>, 4> buffers_;
-};
 
 // Where a search begins, and the coordinates in which it goes: logarithms of positive parameters, others in a unit near
 // their standard error.
@@ -84,20 +27,22 @@ struct Start {
   std::vector<double> units;  // 0 for a logarithm
 };
 
-struct Derivatives {
-  double value;
-  Point gradient;
-  Matrix hessian;
-};
-
+// Maximises the log-likelihood of a distribution's parameters.
 class Climb {
  public:
-  Climb(Likelihood& likelihood, Start start) : likelihood_(likelihood), start_(std::move(start)) {}
+  Climb(DistributionCode code, const CensoredSample& sample, double offset, Start start)
+      : code_(code), sample_(sample), offset_(offset), start_(std::move(start)) {}
 
   EstimationResult<CensoredEstimate> Run();
 
  private:
+  struct Place {
+    Point point;
+    SecondOrder likelihood;  // by the coordinates of the search
+  };
+
   std::size_t Size() const { return start_.values.size(); }
+  double UnitOf(std::size_t i) const { return start_.units[i] > 0 ? start_.units[i] : 1; }
   std::vector<double> ValuesAt(const Point& point) const {
     std::vector<double> values(Size());
     for (std::size_t i = 0; i < Size(); ++i)
@@ -105,43 +50,23 @@ class Climb {
                                       : start_.values[i] * std::exp(point[i]);
     return values;
   }
-  double At(const Point& point) { return likelihood_.At(ValuesAt(point)); }
-  double Moved(const Point& point, std::size_t i, double by, std::size_t j = 0, double byOther = 0) {
-    Point moved = point;
-    moved[i] += by;
-    moved[j] += byOther;
-    return At(moved);
-  }
-  Derivatives DerivativesAt(const Point& point);
-  std::optional<Point> Ascend(const Point& from, const Point& step, double value);
-  CensoredEstimate EstimateAt(const Point& point, const Derivatives& there, double gradient,
-                              int iterations) const;
+  Place At(const Point& point) const;
+  std::optional<Place> Ascend(const Place& from, const Point& step) const;
+  CensoredEstimate EstimateAt(const Place& place, double gradient, int iterations) const;
 
-  Likelihood& likelihood_;
+  DistributionCode code_;
+  const CensoredSample& sample_;
+  double offset_;
   Start start_;
 };
 
-Derivatives Climb::DerivativesAt(const Point& point) {
-  constexpr double kStep = 1e-3;
-  Derivatives found{At(point), {}, {}};
+Climb::Place Climb::At(const Point& point) const {
+  Place place{point, CensoredLogLikelihood(code_, ValuesAt(point), sample_, offset_)};
   for (std::size_t i = 0; i < Size(); ++i) {
-    const double above = Moved(point, i, kStep);
-    const double below = Moved(point, i, -kStep);
-    const double farAbove = Moved(point, i, 2 * kStep);
-    const double farBelow = Moved(point, i, -2 * kStep);
-    found.gradient[i] = (8 * (above - below) - (farAbove - farBelow)) / (12 * kStep);
-    found.hessian[i][i] =
-        (16 * (above + below) - (farAbove + farBelow) - 30 * found.value) / (12 * kStep * kStep);
-    for (std::size_t j = 0; j < i; ++j) {
-      const auto mixed = [&](double h) {
-        return (Moved(point, i, h, j, h) - Moved(point, i, h, j, -h) - Moved(point, i, -h, j, h) +
-                Moved(point, i, -h, j, -h)) /
-               (4 * h * h);
-      };
-      found.hessian[i][j] = found.hessian[j][i] = (4 * mixed(kStep) - mixed(2 * kStep)) / 3;
-    }
+    place.likelihood.first[i] *= UnitOf(i);
+    for (std::size_t j = 0; j < Size(); ++j) place.likelihood.second[i][j] *= UnitOf(i) * UnitOf(j);
   }
-  return found;
+  return place;
 }
 
 // The lower Cholesky factor of -hessian + ridge; nothing unless that is positive definite.
@@ -185,23 +110,26 @@ double LengthOf(const Point& point, std::size_t n) {
   return std::sqrt(squares);
 }
 
-// The point behind a step, halved until the likelihood has not fallen.
-std::optional<Point> Climb::Ascend(const Point& from, const Point& step, double value) {
+// The place behind a step, halved until the likelihood has not fallen by more than its sum may be rounded.
+std::optional<Climb::Place> Climb::Ascend(const Place& from, const Point& step) const {
   constexpr int kMostHalvings = 40;
+  constexpr double kRounding = 1e-13;
+  const double least = from.likelihood.value -
+                       kRounding * (std::abs(from.likelihood.value) + static_cast<double>(sample_.Count()));
   double share = 1;
   for (int i = 0; i < kMostHalvings; ++i, share /= 2) {
-    Point to = from;
+    Point to = from.point;
     for (std::size_t k = 0; k < Size(); ++k) to[k] += share * step[k];
-    if (At(to) >= value) return to;
+    Place place = At(to);
+    if (place.likelihood.value >= least) return place;
   }
   return std::nullopt;
 }
 
-CensoredEstimate Climb::EstimateAt(const Point& point, const Derivatives& there, double gradient,
-                                   int iterations) const {
+CensoredEstimate Climb::EstimateAt(const Place& place, double gradient, int iterations) const {
   const std::size_t n = Size();
-  const Matrix factor = *FactorOf(there.hessian, n, 0);
-  const std::vector<double> values = ValuesAt(point);
+  const Matrix factor = *FactorOf(place.likelihood.second, n, 0);
+  const std::vector<double> values = ValuesAt(place.point);
   std::vector<double> covariance(n * n);
   for (std::size_t j = 0; j < n; ++j) {
     Point one{};
@@ -211,38 +139,41 @@ CensoredEstimate Climb::EstimateAt(const Point& point, const Derivatives& there,
     for (std::size_t i = 0; i < n; ++i) covariance[i * n + j] = column[i] * scale(i) * scale(j);
   }
   CensoredEstimate found{EstimateWithCovariance(values, std::move(covariance)), iterations, gradient};
-  found.estimate.logLikelihood = there.value;
+  found.estimate.logLikelihood = place.likelihood.value;
   return found;
 }
 
 EstimationResult<CensoredEstimate> Climb::Run() {
   constexpr int kMostIterations = 200;
   constexpr double kFlat = 1e-9;    // gradient in standard errors at which the search ends
-  constexpr double kAtEnd = 1e-6;   // and that of a maximum
+  constexpr double kAtEnd = 1e-6;   // and that of a maximum, where rounding lets it fall no further
   constexpr double kFarthest = 60;  // the logarithm of a parameter that runs away
   constexpr double kLongest = 2;    // step
-  Point point{};
-  if (!std::isfinite(At(point))) return FaultAbout(EstimationFault::kNoMaximum, 0);
+  Place here = At({});
+  if (!std::isfinite(here.likelihood.value)) return FaultAbout(EstimationFault::kNoMaximum, 0);
   const std::size_t n = Size();
+  double former = std::numeric_limits<double>::infinity();
   for (int iteration = 0; iteration < kMostIterations; ++iteration) {
-    const Derivatives here = DerivativesAt(point);
-    const auto information = FactorOf(here.hessian, n, 0);
+    const Matrix& hessian = here.likelihood.second;
+    const auto information = FactorOf(hessian, n, 0);
     auto factor = information;
-    for (double ridge = 1e-3; !factor && ridge < 1e20; ridge *= 10) factor = FactorOf(here.hessian, n, ridge);
+    for (double ridge = 1e-3; !factor && ridge < 1e20; ridge *= 10) factor = FactorOf(hessian, n, ridge);
     if (!factor) return FaultAbout(EstimationFault::kNoMaximum, 0);
-    const Point score = SolveLower(*factor, n, here.gradient);
+    const Point score = SolveLower(*factor, n, here.likelihood.first);
     const double gradient = LengthOf(score, n);
-    if (information && gradient < kFlat) return EstimateAt(point, here, gradient, iteration);
+    const bool isEnd = gradient < kFlat || (gradient < kAtEnd && gradient > former / 2);
+    if (information && isEnd) return EstimateAt(here, gradient, iteration);
     Point step = SolveUpper(*factor, n, score);
     const double length = LengthOf(step, n);
     if (length > kLongest) std::ranges::for_each(step, [&](double& x) { x *= kLongest / length; });
-    const auto next = Ascend(point, step, here.value);
-    if (!next || *next == point) {
-      if (information && gradient < kAtEnd) return EstimateAt(point, here, gradient, iteration);
+    auto next = Ascend(here, step);
+    if (!next || next->point == here.point) {
+      if (information && gradient < kAtEnd) return EstimateAt(here, gradient, iteration);
       return FaultAbout(EstimationFault::kNoConvergence, 0);
     }
-    point = *next;
-    if (LengthOf(point, n) > kFarthest) return FaultAbout(EstimationFault::kNoMaximum, 0);
+    here = *std::move(next);
+    former = gradient;
+    if (LengthOf(here.point, n) > kFarthest) return FaultAbout(EstimationFault::kNoMaximum, 0);
   }
   return FaultAbout(EstimationFault::kNoConvergence, 0);
 }
@@ -330,10 +261,9 @@ EstimationResult<CensoredEstimate> EstimateCensored(DistributionCode code, const
   const bool isBoundedAbove = sample.right.size() < sample.Count();
   const bool isBoundedBelow = sample.left.size() < sample.Count();
   if (!isBoundedAbove || !isBoundedBelow) return FaultAbout(EstimationFault::kNoMaximum, 0);
-  Likelihood likelihood(code, sample, offset);
   EstimationResult<CensoredEstimate> best = FaultAbout(EstimationFault::kNoMaximum, 0);
   for (Start& start : StartsOf(code, sample, offset)) {
-    auto found = Climb(likelihood, std::move(start)).Run();
+    auto found = Climb(code, sample, offset, std::move(start)).Run();
     // Below a shape of -1 the density is infinite at the end, and the likelihood has no maximum.
     if (found && code == DistributionCode::kGeneralExtremeValue && found->estimate.values.back() <= -1)
       continue;

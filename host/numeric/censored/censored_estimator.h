@@ -1,7 +1,7 @@
 // Maximum likelihood of distributions over censored values (Lawless 2003, Statistical Models and Methods for Lifetime
 // Data, 2nd ed., section 2.2): an exact value contributes its density, any other the probability of what is known of it.
 //
-// Newton's method on the logarithms of positive parameters, with derivatives by central differences of fourth order. An
+// Newton's method on the logarithms of positive parameters, with the derivatives of censored_likelihood.h. An
 // estimate is given only where the likelihood is at its maximum: the gradient, in standard errors of the parameters, is
 // below 1e-6, and the information is positive definite.
 #pragma once

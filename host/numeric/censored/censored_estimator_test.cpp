@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "host/numeric/censored/survival_curve.h"
+#include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
@@ -136,6 +137,40 @@ TEST(CensoredEstimator, DoesNotDependOnTheUnits) {
   ASSERT_TRUE(expected && found);
   EXPECT_NEAR(found->estimate.values[0], 1e6 * expected->estimate.values[0], 1.0);
   EXPECT_NEAR(found->estimate.values[1], expected->estimate.values[1], 1e-8);
+}
+
+// The end of the fitted support lies so near the greatest value that no step in the parameters, however short, is sure to
+// stay within.
+TEST(CensoredEstimatorReference, FitsManyValuesUpToTheEndOfTheSupport) {
+  struct Row {
+    DistributionCode of;  // the values
+    std::size_t count;
+    double logLikelihood;
+    std::vector<double> values;
+    std::vector<double> errors;
+  };
+  const Row rows[] = {
+#include "host/numeric/censored/reference/long_samples.inc"
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.count);
+    const std::vector<double> parameters =
+        row.of == DistributionCode::kNormal ? std::vector{10.0, 1.0} : std::vector{100.0, 3.0};
+    const AnyDistribution distribution(row.of, parameters, 0);
+    CensoredSample sample;
+    for (std::size_t i = 0; i < row.count; ++i) {
+      const double x = distribution.Quantile((static_cast<double>(i) + 0.5) / static_cast<double>(row.count));
+      sample.Add(i % 3 == 0 ? CensoredValue::Right(x) : CensoredValue::Exact(x));
+    }
+    const auto found = EstimateCensored(DistributionCode::kGeneralExtremeValue, sample, 0);
+    ASSERT_TRUE(found);
+    EXPECT_LT(found->gradient, 1e-6);
+    EXPECT_NEAR(found->estimate.logLikelihood, row.logLikelihood, 1e-4);
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+      EXPECT_NEAR(found->estimate.values[i], row.values[i], 1e-5 * row.errors[i]) << i;
+      EXPECT_NEAR(found->estimate.standardErrors[i], row.errors[i], 1e-5 * row.errors[i]) << i;
+    }
+  }
 }
 
 TEST(SurvivalCurveReference, AgreesWithSurvfit) {
