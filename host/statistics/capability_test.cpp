@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "host/base/error.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/normal.h"
 #include "host/numeric/distributions/weibull.h"
 #include "host/numeric/random/random_stream.h"
@@ -260,6 +261,38 @@ TEST(Capability, PercentileIndicesStandOnTheDistribution) {
   const SpecificationLimits limits{1, 12, kNone};
   EXPECT_NEAR(AnalysePercentiles(normalProcess, limits).indices.least, NormalIndices(5, 2, limits).least,
               1e-5);
+}
+
+TEST(CapabilityReference, PercentileIndicesAgreeWithScipy) {
+  struct Row {
+    DistributionCode code;
+    std::vector<double> values;
+    double lower, upper, potential, ofLower, ofUpper, least, below, above;
+  };
+  const Row rows[] = {
+#include "host/statistics/reference/percentiles.inc"
+  };
+  const auto expectSame = [](double found, double expected, const char* what) {
+    if (std::isnan(expected)) {
+      EXPECT_TRUE(IsNotSet(found)) << what;
+    } else {
+      EXPECT_NEAR(found, expected, 1e-9 * std::abs(expected)) << what;
+    }
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(static_cast<int>(row.code));
+    const AnyDistribution fit(row.code, row.values, 0);
+    const PercentileCapability found =
+        AnalysePercentiles({[&](double p) { return fit.Quantile(p); }, [&](double x) { return fit.Cdf(x); },
+                            [&](double x) { return fit.Complement(x); }},
+                           {row.lower, row.upper, kNone});
+    expectSame(found.indices.potential, row.potential, "Pp");
+    expectSame(found.indices.lower, row.ofLower, "Ppl");
+    expectSame(found.indices.upper, row.ofUpper, "Ppu");
+    expectSame(found.indices.least, row.least, "Ppk");
+    if (!std::isnan(row.lower)) expectSame(found.expected.below, row.below, "below");
+    if (!std::isnan(row.upper)) expectSame(found.expected.above, row.above, "above");
+  }
 }
 
 TEST(Capability, PercentilesThatAreNoneGiveNoIndex) {
