@@ -141,6 +141,17 @@ TEST_F(PlotCommand, APictureChangesNoSample) {
   }
 }
 
+TEST_F(PlotCommand, SaysWhatADrawingOfDefectsLacks) {
+  for (const std::string kind : {"defect-profile", "capability"}) {
+    const Outcome outcome =
+        Run({"profile", kExamples + "ozone.csv", "--model", kExamples + "ozone_regression.pmml", "--plot",
+             "p.svg", "--plot-kind", kind});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_NE(outcome.err.find("no response has a specification to draw " + kind + " by"), std::string::npos)
+        << outcome.err;
+  }
+}
+
 TEST_F(PlotCommand, ResponsesShowLimitsDriversProfilesAndDefects) {
   std::vector<std::string> call{"profile",  kExamples + "ozone.csv",
                                 "--model",  kExamples + "ozone_regression.pmml",
@@ -149,8 +160,9 @@ TEST_F(PlotCommand, ResponsesShowLimitsDriversProfilesAndDefects) {
                                 "--graphs", "g.json",
                                 "--plot",   "p.svg"};
   MustRun(call);
-  for (const char* text : {"Histogram of O3", "What drives O3", "LSL 2", "Target 10", "USL 25", "O3 / temp",
-                           "Defect Rate", "Out of specification", "5 % to 95 % of the runs"}) {
+  for (const char* text :
+       {"Histogram of O3", "What drives O3", "LSL 2", "Target 10", "USL 25", "O3 / temp",
+        "Defect Rate: O3 / temp", "Defect Rate", "Out of specification", "5 % to 95 % of the runs"}) {
     EXPECT_TRUE(Shows("p.svg", text)) << text;
   }
   const Json regions = Json::parse(BytesOf(File("g.json")))["responses"][0]["graphs"][0]["regions"];

@@ -18,11 +18,11 @@ constexpr int kUsualMostWidth = 2400;
 // Panels narrower than this are cells of a matrix.
 constexpr int kNarrowest = 230;
 constexpr int kCellWidth = 130;
-constexpr int kLeastCellWidth = 60;
 constexpr int kMargin = 8;
 constexpr int kTitleHeight = 32;
 constexpr int kNoteSize = 11;
 constexpr double kCellRatio = 0.85;
+static_assert(kMatrixFrame == kCellAxisWidth + kMargin);
 
 bool IsMatrix(const Graph& graph) {
   return graph.kind == GraphKind::kScatterMatrix;
@@ -115,15 +115,14 @@ void Page::LayOutPanels(int width) {
       areas_.emplace_back(static_cast<int>(i - begin) * panel, top, panel, height);
     top += height;
   }
-  size_ = QSize(panel * columns, top);
+  size_ = QSize(std::max(width, panel * columns), top);
 }
 
 // The left column and the last row have the axes of all.
 void Page::LayOutCells(int width) {
   const auto columns = static_cast<int>(columns_);
   const int rows = (static_cast<int>(graph_.panels.size()) + columns - 1) / columns;
-  const int room =
-      width > 0 ? width - kCellAxisWidth - kMargin : columns * std::max(kCellWidth, 480 / columns);
+  const int room = width > 0 ? width - kMatrixFrame : columns * std::max(kCellWidth, 480 / columns);
   const int cell = std::max(kLeastCellWidth, room / columns);
   const int height = static_cast<int>(cell * kCellRatio);
   const int top = graph_.title.empty() ? kMargin : kTitleHeight;
@@ -134,7 +133,8 @@ void Page::LayOutCells(int width) {
                         column == 0 ? kCellAxisWidth + cell : cell,
                         row == rows - 1 ? height + kCellAxisHeight : height);
   }
-  size_ = QSize(kCellAxisWidth + columns * cell + kMargin, top + rows * height + kCellAxisHeight);
+  size_ = QSize(std::max(width, kCellAxisWidth + columns * cell + kMargin),
+                top + rows * height + kCellAxisHeight);
 }
 
 void Page::Paint(const Theme& theme, QCPPainter& painter) const {

@@ -306,9 +306,15 @@ TEST(Picture, PointsOfAScatterMatrixShareTheScalesOfTheirColumnsAndRows) {
 }
 
 TEST(Picture, CorrelationsKeepTheirDigitsInTheSmallestCells) {
-  const SvgPicture picture = DrawSvg(Pairs(10), 640);
+  const Graph graph = Pairs(10);
+  const SvgPicture picture = DrawSvg(graph, 640);
   EXPECT_EQ(std::ranges::count(picture.texts, "0.123", &SvgText::text), 45);
   EXPECT_EQ(std::ranges::count(picture.texts, "reached", &SvgText::text), 45);
+  PictureStyle style;
+  style.format = PictureFormat::kSvg;
+  style.width = 640;
+  EXPECT_NE(DrawPictures({&graph, 1}, style).find("viewBox=\"0 0 640 "), std::string::npos);
+  EXPECT_LT(LeastWidthOf(graph), 640);
 }
 
 TEST(Picture, StepsRiseAtTheirValues) {

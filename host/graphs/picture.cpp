@@ -56,6 +56,11 @@ const DynamicLibrary& DrawingLibrary() {
   return *Library().library;
 }
 
+int LeastWidthOf(const Graph& graph) {
+  if (graph.kind != GraphKind::kScatterMatrix) return 0;
+  return kMatrixFrame + static_cast<int>(graph.panelColumns) * kLeastCellWidth;
+}
+
 std::string DrawPictures(std::span<const Graph> graphs, const PictureStyle& style) {
   if (Library().draw == nullptr) throw Error(Library().fault);
   if (graphs.empty()) throw Error("there is nothing to draw");

@@ -26,11 +26,17 @@ struct PictureStyle {
 };
 
 inline constexpr int kLeastPictureWidth = 320;
+// What a matrix needs beside its cells, and each of these.
+inline constexpr int kMatrixFrame = 72;
+inline constexpr int kLeastCellWidth = 48;
 inline constexpr int kGreatestPictureWidth = 8000;
 
 // The bytes of a file: of one graph, or, as PDF, of one graph a page. The height follows from the graph and the
 // width. Throws Error if pictures cannot be drawn here, or if the curve of a graph has an invalid formula.
 std::string DrawPictures(std::span<const Graph> graphs, const PictureStyle& style);
+
+// The least width in which the cells of a matrix can be told apart; of another graph 0.
+int LeastWidthOf(const Graph& graph);
 
 // Why no picture can be drawn here, and which packages bring what is missing; empty where pictures can be drawn.
 std::string WhyNoPictures();

@@ -55,7 +55,7 @@ PlotPage PageOf(const Spreadsheet& sheet, const Variable& variable, std::string_
   }
   std::vector<Graph> graphs;
   if (kind != "box-plot") graphs.push_back(Histogram(name, sorted, origin));
-  if (kind != "histogram") graphs.push_back(BoxPlot(sorted, {"Box plot of " + name, "", name, name, ""}));
+  if (kind != "histogram") graphs.push_back(BoxPlot(sorted, {"Box Plot of " + name, "", name, name, ""}));
   return CompoundPage(name, std::move(graphs));
 }
 

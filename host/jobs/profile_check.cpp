@@ -109,6 +109,10 @@ JobFaults ProfileJob::Check() const {
   std::vector<JobFile> files{{"data", data.file}, {"fromFile", inputs.fromFile}, {"matrix", inputs.matrix}};
   for (const auto& model : models) files.push_back({"models", model});
   CheckPlot(plot, kProfilePlotKinds, faults);
+  const bool needsLimits = plot.Kind() == "defect-profile" || plot.Kind() == "capability";
+  if (plot.IsAsked() && needsLimits && specifications.empty())
+    faults.push_back({"plotKind", "no response has a specification to draw " + std::string(plot.Kind()) +
+                                      " by: give the limits of one"});
   CheckReport(report, faults);
   CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}, {"report", report}},
                     faults);

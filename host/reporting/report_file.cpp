@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <system_error>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
@@ -28,17 +29,36 @@ std::string EndingOf(const std::filesystem::path& file) {
   return LowerCase(file.extension().string());
 }
 
-// The pictures are there before what shows them.
+// A folder that is made, and taken away with what is in it unless it is to stay.
+class NewFolder {
+ public:
+  explicit NewFolder(std::filesystem::path path) : path_(std::move(path)) {
+    std::error_code code;
+    isNew_ = std::filesystem::create_directories(path_, code);
+    if (code) throw Error("the folder of the pictures cannot be made: " + code.message(), path_.string());
+  }
+  NewFolder(const NewFolder&) = delete;
+  NewFolder& operator=(const NewFolder&) = delete;
+  ~NewFolder() {
+    std::error_code ignored;
+    if (isNew_) std::filesystem::remove_all(path_, ignored);
+  }
+  void Keep() { isNew_ = false; }
+
+ private:
+  std::filesystem::path path_;
+  bool isNew_ = false;
+};
+
+// The pictures are there before what shows them, and go again where that cannot be written.
 void WriteMarkdown(const Report& report, const std::filesystem::path& file) {
   const std::filesystem::path folder = PictureFolder(file);
   const MarkdownReport made = MarkdownOf(report, folder.filename().string(), WhyNoPictures().empty());
-  if (!made.pictures.empty()) {
-    std::error_code code;
-    std::filesystem::create_directories(folder, code);
-    if (code) throw Error("the folder of the pictures cannot be made: " + code.message(), folder.string());
-  }
+  if (made.pictures.empty()) return Save(file, made.text);
+  NewFolder pictures(folder);
   for (const auto& [name, bytes] : made.pictures) Save(folder / name, bytes);
   Save(file, made.text);
+  pictures.Keep();
 }
 
 }  // namespace

@@ -138,8 +138,8 @@ Graph MakeDefectGraph(std::span<const ProfiledResponse> responses,
     const std::string& predictor = predictors[profile.predictor].name;
     Graph panel;
     panel.kind = GraphKind::kProfile;
-    panel.title = response;
-    panel.title.append(" / ").append(predictor);
+    panel.title = ResourceString("table_rate"_column.heading);
+    panel.title.append(": ").append(response).append(" / ").append(predictor);
     panel.xTitle = predictor;
     panel.yTitle = ResourceString("table_rate"_column.heading);
     GraphSeries line;

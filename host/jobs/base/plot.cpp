@@ -7,6 +7,7 @@
 
 #include "host/base/error.h"
 #include "host/base/files/output_file.h"
+#include "host/base/number_text.h"
 #include "host/graphs/picture.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
@@ -31,6 +32,20 @@ std::optional<PictureFormat> FormatOf(const std::filesystem::path& file) {
 
 bool HasNamePlace(const std::filesystem::path& file) {
   return file.string().find(kNamePlace) != std::string::npos;
+}
+
+// A word in braces that stands for nothing; empty if there is none.
+std::string UnknownPlace(const std::filesystem::path& file) {
+  const std::string name = file.string();
+  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
+  for (auto begin = name.find('{'); begin != std::string::npos; begin = name.find('{', begin + 1)) {
+    std::size_t end = begin + 1;
+    while (end < name.size() && isLetter(name[end])) ++end;
+    if (end == begin + 1 || end == name.size() || name[end] != '}') continue;
+    std::string place = name.substr(begin, end - begin + 1);
+    if (place != kNamePlace) return place;
+  }
+  return {};
 }
 
 // A name as a part of file names on every system.
@@ -108,6 +123,9 @@ void CheckPlot(const Plot& plot, std::span<const std::string_view> kinds, JobFau
     faults.push_back({"plot", "expected a file ending in .png, .svg or .pdf, got " + plot.file.string()});
     return;
   }
+  if (const std::string unknown = UnknownPlace(plot.file); !unknown.empty())
+    faults.push_back({"plot", unknown + " stands for nothing in the name of a picture; expected " +
+                                  std::string(kNamePlace) + ", the variable or response"});
   if (!HasNamePlace(plot.file.parent_path())) CheckFolder("plot", plot.file, faults);
   if (const std::string why = WhyNoPictures(); !why.empty()) faults.push_back({"plot", why});
 }
@@ -149,6 +167,21 @@ Graph Together(std::vector<PlotPage> pages, const std::string& title) {
   return grid;
 }
 
+namespace {
+
+// The cells of a matrix share the width of a picture.
+void RequireWidth(const Plot& plot, std::span<const Graph> graphs) {
+  for (const Graph& graph : graphs) {
+    const int least = LeastWidthOf(graph);
+    if (plot.width && *plot.width < least)
+      throw WrongJob("plotWidth", "the " + std::to_string(graph.panelColumns) +
+                                      " columns of the matrix need a width of at least " +
+                                      std::to_string(least) + ", got " + ShortestNumber(*plot.width));
+  }
+}
+
+}  // namespace
+
 void WritePlot(const Plot& plot, const std::string& title, std::vector<PlotPage> pages) {
   if (pages.empty()) throw Error("there is nothing to draw", plot.file.string());
   PictureStyle style;
@@ -166,6 +199,7 @@ void WritePlot(const Plot& plot, const std::string& title, std::vector<PlotPage>
   } else {
     graphs.push_back(Together(std::move(pages), title));
   }
+  RequireWidth(plot, graphs);
   Save(plot.file, DrawPictures(graphs, style));
 }
 

@@ -52,6 +52,15 @@ TEST(Plot, NothingIsAskedForByDefault) {
   EXPECT_EQ(FaultsOf({}), std::vector<std::string>{});
 }
 
+TEST(Plot, AWordInBracesThatStandsForNothingIsRefused) {
+  EXPECT_EQ(FaultsOf({"{nmae}.svg", {}, {}, {}}),
+            std::vector<std::string>{
+                "plot: {nmae} stands for nothing in the name of a picture; expected {name}, the "
+                "variable or response"});
+  for (const char* name : {"{name}.svg", "a{}b.svg", "{1}.svg", "{.svg", "of {name} {name}.png"})
+    EXPECT_EQ(FaultsOf({name, {}, {}, {}}), std::vector<std::string>{}) << name;
+}
+
 struct PlotFiles : testing::Test {
   void SetUp() override {
     if (const std::string why = WhyNoPictures(); !why.empty()) GTEST_SKIP() << why;
