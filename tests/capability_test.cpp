@@ -5,12 +5,13 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/tables/csv.h"
 #include "tests/run_program.h"
 
 namespace brenvolt::test {
 namespace {
 
-const std::string kRings = BRENVOLT_SOURCE_DIR "/examples/piston_rings.csv";
+const std::string kProcess = BRENVOLT_SOURCE_DIR "/examples/process.csv";
 
 struct CapabilityCommand : testing::Test {
   TemporaryFolder folder;
@@ -29,29 +30,43 @@ struct CapabilityCommand : testing::Test {
   }
 };
 
-// Montgomery (2013), table 6.3. The deviations and indices by base R (host/statistics/reference/make_subgroup_table.R):
-// within 0.00999960 by S-bar, 0.00999171 by R-bar, 0.01002577 pooled.
+// The deviations by base R (host/statistics/reference/make_subgroup_table.R).
 TEST_F(CapabilityCommand, EstimatesTheDeviationWithinAsAsked) {
   const struct {
     const char* word;
     double deviation;
-  } cases[] = {{"s-bar", 0.00999960409593}, {"r-bar", 0.0099917068}, {"pooled", 0.0100257668036}};
+  } cases[] = {{"s-bar", 0.0495589978763}, {"r-bar", 0.049585923}, {"pooled", 0.0483390801181}};
   for (const auto& c : cases) {
-    const auto report = Report({"capability", kRings, "--response", "diameter", "--spec",
-                                "diameter=73.95,74,74.05", "--subgroup", "sample", "--within", c.word});
-    EXPECT_NEAR(report["indices"]["cp"]["value"], 0.1 / (6 * c.deviation), 1e-6) << c.word;
-    EXPECT_NEAR(report["indices"]["cpk"]["value"], (74.05 - 74.001176) / (3 * c.deviation), 1e-6) << c.word;
+    const auto report = Report({"capability", kProcess, "--response", "size", "--spec", "size=5.49,5.64,5.79",
+                                "--subgroup", "sample", "--within", c.word});
+    EXPECT_NEAR(report["indices"]["cp"]["value"], 0.3 / (6 * c.deviation), 1e-6) << c.word;
+    EXPECT_NEAR(report["indices"]["cpk"]["value"], (5.6136 - 5.49) / (3 * c.deviation), 1e-6) << c.word;
   }
-  const auto singles = Report({"capability", kRings, "--spec", "diameter=73.95,,74.05"});
+  const auto singles = Report({"capability", kProcess, "--spec", "size=5.49,,5.79"});
   EXPECT_EQ(singles["stability"]["controlChart"], "i-mr");
   EXPECT_EQ(singles["deviations"]["within"], "moving-range");
   EXPECT_TRUE(singles["indices"]["cpm"]["value"].is_null());
 }
 
+TEST_F(CapabilityCommand, RowsAsCsvAreTheFiguresOfJson) {
+  const std::vector<std::string> call{"capability",          kProcess,     "--spec",
+                                      "size=5.49,5.64,5.79", "--subgroup", "5"};
+  std::vector<std::string> asCsv = call;
+  asCsv.insert(asCsv.end(), {"--format", "csv"});
+  Write("figures.csv", Run(asCsv).out);
+  const Spreadsheet figures = ReadCsv(folder.Path() / "figures.csv");
+  const auto report = Report(call);
+  ASSERT_EQ(figures.CaseCount(), 22U);
+  for (std::size_t i = 0; i < 9; ++i) {
+    const std::string name(*figures.VariableAt(1).Label(figures.VariableAt(1).Values()[i]));
+    EXPECT_EQ(figures.VariableAt(2).Values()[i], report["indices"][name]["value"].get<double>()) << name;
+  }
+}
+
 TEST_F(CapabilityCommand, GroupsByColumnAsBySize) {
   const auto column =
-      Report({"capability", kRings, "--spec", "diameter=73.95,74,74.05", "--subgroup", "sample"});
-  auto size = Report({"capability", kRings, "--spec", "diameter=73.95,74,74.05", "--subgroup", "5"});
+      Report({"capability", kProcess, "--spec", "size=5.49,5.64,5.79", "--subgroup", "sample"});
+  auto size = Report({"capability", kProcess, "--spec", "size=5.49,5.64,5.79", "--subgroup", "5"});
   EXPECT_EQ(column, size);
   // A case without a value makes its subgroup smaller, a subgroup of one takes no part.
   Write("d.csv", "y,g\n1,a\n2,a\n4,b\n,b\n3,a\n5,c\n7,c\n6,\n2,c\n");

@@ -52,7 +52,12 @@ TEST_F(Command, EveryVerbHasHelpWithAnExample) {
     const Outcome help = MustRun({command, "--help"});
     EXPECT_NE(help.out.find("Example:\n  brenvolt " + command), std::string::npos) << help.out;
     EXPECT_NE(help.out.find("Exit status: 0 done; 1 the job failed"), std::string::npos) << help.out;
+    EXPECT_EQ(MustRun({"help", command}).out, help.out);
   }
+  EXPECT_EQ(MustRun({"help"}).out, MustRun({"--help"}).out);
+  const Outcome distributions = MustRun({"help", "distributions"});
+  EXPECT_NE(distributions.out.find("weibull              scale, shape, offset"), std::string::npos)
+      << distributions.out;
 }
 
 }  // namespace

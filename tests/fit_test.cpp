@@ -2,9 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <fstream>
 #include <sstream>
 
 #include "host/base/number_text.h"
+#include "host/tables/csv.h"
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {
@@ -354,6 +356,32 @@ TEST_F(Command, PreciseAndTinyUnitsShowInTheReports) {
   EXPECT_NE(MustRun({"show", "p.bvw", "Correlation matrix"}).out.find("100.0000"), std::string::npos);
   const std::string usual = MustRun({"fit", kExamples + "groundbeef.csv", "--distributions", "normal"}).out;
   EXPECT_EQ(usual.find(" = ("), std::string::npos) << usual;
+}
+
+TEST_F(Command, OnlyTheBestFitsAreReportedWhereThatIsAsked) {
+  const std::vector<std::string> call{"fit", kExamples + "groundbeef.csv", "--top", "2"};
+  const auto with = [&](const std::string& format) {
+    std::vector<std::string> arguments = call;
+    arguments.insert(arguments.end(), {"--format", format});
+    return MustRun(arguments).out;
+  };
+  const auto report = Json::parse(with("json"))["variables"][0];
+  ASSERT_EQ(report["fits"].size(), 2U);
+  const auto all =
+      Json::parse(MustRun({"fit", kExamples + "groundbeef.csv", "--format", "json"}).out)["variables"][0];
+  EXPECT_EQ(report["fits"][1], all["fits"][1]);
+  EXPECT_EQ(report["cautions"], all["cautions"]);
+  std::ofstream(File("fits.csv")) << with("csv");
+  const Spreadsheet fits = ReadCsv(File("fits.csv"));
+  ASSERT_EQ(fits.CaseCount(), 2U);
+  for (std::size_t i = 0; i < 2; ++i) {
+    const auto number = [&](const char* column) {
+      return fits.VariableAt(fits.FindVariable(column).value()).Values()[i];
+    };
+    EXPECT_EQ(number("rank"), static_cast<double>(i + 1));
+    EXPECT_EQ(number("ks"), report["fits"][i]["kolmogorovSmirnov"]["statistic"].get<double>());
+    EXPECT_EQ(number("parameter.1"), report["fits"][i]["parameters"][0].get<double>());
+  }
 }
 
 TEST_F(Command, TableOfAFitFitsTheScreenAndPutsFailuresLast) {

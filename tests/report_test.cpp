@@ -122,6 +122,20 @@ TEST_F(ReportCommand, APdfHasItsFontsItsPagesAndAllTables) {
   EXPECT_NE(text.find("Brenvolt Distributions & Simulation", last), std::string::npos);
 }
 
+TEST_F(ReportCommand, MeasuredValuesHaveReports) {
+  const std::string rings = Report(
+      {"capability", kExamples + "process.csv", "--spec", "size=5.49,5.64,5.79", "--subgroup", "sample"},
+      "c.md");
+  ExpectAll(rings, {"# Capability of size of process.csv\n", "--spec size=5.49,5.64,5.79 --subgroup sample",
+                    "## Stability", "| X-bar |", "No signal by the rules of western-electric",
+                    "## Capability", "| Cpk, Ppk |", "Intervals have a confidence of 95 %"});
+  const std::string fans = Report({"fit", kExamples + "generator_fans.csv", "--censor", "status",
+                                   "--continuous", "hours", "--quantiles", "0.1"},
+                                  "f.html");
+  ExpectAll(fans, {"Distributions fitted to censored values of generator_fans.csv", "--censor status",
+                   "12 exact, 58 right censored", "quantile 0.1", "tests need every value"});
+}
+
 TEST_F(ReportCommand, MarkdownHasItsPicturesBesideIt) {
   const std::string markdown = Report({"fit", kExamples + "portpirie_sea_level.csv"}, "r.md");
   ExpectAll(markdown, {"# Distributions fitted to portpirie\\_sea\\_level.csv\n", "|---:|---|---:|",
@@ -129,6 +143,10 @@ TEST_F(ReportCommand, MarkdownHasItsPicturesBesideIt) {
   if (!draws) return;
   ExpectAll(markdown, {"![Histogram of sealevel](r_pictures/1.svg)", "(r_pictures/6.svg)"});
   EXPECT_NE(BytesOf(File("r_pictures/6.svg")).find("</svg>"), std::string::npos);
+  // What cannot be written leaves no pictures behind.
+  std::filesystem::create_directory(File("d.md"));
+  EXPECT_EQ(Run({"fit", kExamples + "portpirie_sea_level.csv", "--report", "d.md"}).status, 1);
+  EXPECT_FALSE(std::filesystem::exists(File("d_pictures")));
 }
 
 TEST_F(ReportCommand, TheCommandInAReportRepeatsTheJob) {

@@ -32,20 +32,43 @@ TEST_F(ScoreCommand, WritesThePredictionsThatTheModelsProgramMade) {
   const Spreadsheet found = ReadCsv(folder.Path() / "out.csv");
   const Spreadsheet expected = ReadCsv(kModels + "RegressionOzone.expected.csv");
   ASSERT_EQ(found.CaseCount(), expected.CaseCount());
-  EXPECT_EQ(found.VariableAt(0).Name(), "O3");
+  EXPECT_EQ(found.VariableAt(1).Name(), "O3");
   for (std::size_t i = 0; i < found.CaseCount(); ++i) {
     const double x = expected.VariableAt(0).Values()[i];
-    EXPECT_NEAR(found.VariableAt(0).Values()[i], x, 1e-10 * std::fabs(x));
+    EXPECT_EQ(found.VariableAt(0).Values()[i], static_cast<double>(i + 1));
+    EXPECT_NEAR(found.VariableAt(1).Values()[i], x, 1e-10 * std::fabs(x));
   }
 }
 
 TEST_F(ScoreCommand, PrintsClassesAsTheirNamesAndProbabilitiesWhenAsked) {
   Write("one.csv",
         "Petal.Width,Petal.Length,Sepal.Width,Sepal.Length,Species\n0.2,1.4,3.5,5.1,setosa\n2,5,3,6,x\n");
-  EXPECT_EQ(Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv"}).out, "Species\nsetosa\nvirginica\n");
-  EXPECT_EQ(Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv", "--probabilities"}).out,
-            "Species,probability(setosa),probability(versicolor),probability(virginica)\nsetosa,1,0,0\n"
-            "virginica,0,0.021739130434782608,0.9782608695652174\n");
+  EXPECT_EQ(Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv"}).out,
+            "Case,Species\n1,setosa\n2,virginica\n");
+  EXPECT_EQ(
+      Run({"score", kModels + "DecisionTreeIris.pmml", "one.csv", "--probabilities"}).out,
+      "Case,Species,probability(setosa),probability(versicolor),probability(virginica)\n1,setosa,1,0,0\n"
+      "2,virginica,0,0.021739130434782608,0.9782608695652174\n");
+}
+
+TEST_F(ScoreCommand, KeepsTheColumnsThatTellCasesApart) {
+  Write("d.csv", "id,temp,ibh,ibt,O3\nmon,40,2693,87,3\n\"tue, late\",45,590,128,5\n");
+  const std::vector<std::string> call{"score", kModels + "RegressionOzone.pmml", "d.csv", "--keep", "id,O3"};
+  const Outcome outcome = Run(call);
+  EXPECT_EQ(outcome.out.find("Case,id,O3 (data),O3\n1,mon,3,"), 0U) << outcome.out << outcome.err;
+  EXPECT_NE(outcome.out.find("\n2,\"tue, late\",5,"), std::string::npos) << outcome.out;
+  std::vector<std::string> asJson = call;
+  asJson.insert(asJson.end(), {"--format", "json"});
+  const auto report = nlohmann::json::parse(Run(asJson).out);
+  EXPECT_EQ(report["predictions"]["id"].dump(), R"(["mon","tue, late"])");
+  EXPECT_EQ(report["predictions"]["O3 (data)"].dump(), "[3.0,5.0]");
+  const std::pair<const char*, const char*> refusals[] = {
+      {"day", "sheet d has no variable called 'day' (--keep)"}, {"id,id", "'id' is given twice (--keep)"}};
+  for (const auto& [kept, message] : refusals) {
+    const Outcome refused = Run({"score", kModels + "RegressionOzone.pmml", "d.csv", "--keep", kept});
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_NE(refused.err.find(message), std::string::npos) << refused.err;
+  }
 }
 
 TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
@@ -83,7 +106,7 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
     EXPECT_NE(outcome.err.find(wrong.message), std::string::npos) << outcome.err;
     EXPECT_FALSE(std::filesystem::exists(folder.Path() / "out.csv"));
   }
-  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "prediction\n3\n\n");
+  EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "Case,prediction\n1,3\n2,\n");
   constexpr const char* kReasons =
       "No prediction for 1 of 2 cases\n"
       "  Field  Reason                             Values  Count\n"

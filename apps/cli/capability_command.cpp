@@ -7,6 +7,8 @@
 #include "apps/cli/specification_option.h"
 #include "host/application/json_text.h"
 #include "host/jobs/measured/capability_job.h"
+#include "host/jobs/reports/measured_reports.h"
+#include "host/jobs/reports/result_sheets.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -24,10 +26,13 @@ std::string Words(const Choices& choices) {
 
 void Judge(const CapabilityCall& call) {
   RequireWords(call.job);
-  const CapabilityFindings found = call.job.Run();
+  const CapabilityFindings found = RunReported(call.job);
+  if (call.format == ReportFormat::kCsv) return PrintCsv(CapabilitySheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
   std::fputs((isJson ? JsonText(CapabilityJson(found)) : CapabilityText(found)).c_str(), stdout);
-  if (!isJson) ReportPlot(call.job.plot);
+  if (isJson) return;
+  ReportPlot(call.job.plot);
+  SayReportWritten(call.job.report);
 }
 
 void AddChoices(CLI::App& command, CapabilityJob& job) {
@@ -86,11 +91,11 @@ void AddCapabilityCommand(CLI::App& program) {
   command->add_option("--select", job.select, "Use only the cases that meet a condition")
       ->type_name("'X > 3 and Y = 1'");
   AddPlotOptions(*command, job.plot, kCapabilityPlotKinds);
+  AddReportOption(*command, job.report);
   AddReadingOptions(*command, job.data);
-  AddFormatOption(*command, call->format);
+  AddTableFormatOption(*command, call->format);
   command->footer(
-      "Example:\n  brenvolt capability examples/piston_rings.csv --spec diameter=73.95,74,74.05 --subgroup "
-      "sample");
+      "Example:\n  brenvolt capability examples/process.csv --spec size=5.49,5.64,5.79 --subgroup sample");
   command->callback([call] { Judge(*call); });
 }
 

@@ -19,5 +19,7 @@ void AddExportCommand(CLI::App& program);
 inline constexpr const char* kMacroVerb = "macro";
 void AddMacroCommand(CLI::App& program);
 void AddTypelibCommand(CLI::App& program);
+// Added last: it explains those that are there.
+void AddHelpCommand(CLI::App& program);
 
 }  // namespace brenvolt::cli

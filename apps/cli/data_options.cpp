@@ -1,12 +1,14 @@
 #include "apps/cli/data_options.h"
 
 #include <cstdio>
+#include <map>
 
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
 #include "host/base/process/terminal.h"
 #include "host/base/quoted.h"
 #include "host/graphs/chart_text.h"
+#include "host/tables/csv.h"
 
 namespace brenvolt::cli {
 JobFaults& FaultyWords() {
@@ -14,17 +16,42 @@ JobFaults& FaultyWords() {
   return faults;
 }
 
-void AddFormatOption(CLI::App& command, ReportFormat& format) {
+namespace {
+
+using Formats = std::map<std::string, ReportFormat>;
+
+void AddFormats(CLI::App& command, const Formats& formats, const std::string& expected,
+                const std::string& type, const std::string& help, ReportFormat& format) {
   command
       .add_option_function<std::string>(
           "--format",
-          [&format](const std::string& name) {
-            if (name != "json" && name != "table")
-              throw WrongJob("format", "expected table or json, got " + Quoted(name));
-            format = name == "json" ? ReportFormat::kJson : ReportFormat::kTable;
+          [&format, formats, expected](const std::string& name) {
+            const auto found = formats.find(name);
+            if (found == formats.end())
+              throw WrongJob("format", "expected " + expected + ", got " + Quoted(name));
+            format = found->second;
           },
-          "table for people (default), json for programs")
-      ->type_name("table|json");
+          help)
+      ->type_name(type);
+}
+
+}  // namespace
+
+void AddFormatOption(CLI::App& command, ReportFormat& format) {
+  AddFormats(command, {{"table", ReportFormat::kTable}, {"json", ReportFormat::kJson}}, "table or json",
+             "table|json", "table for people (default), json for programs", format);
+}
+
+void AddTableFormatOption(CLI::App& command, ReportFormat& format) {
+  AddFormats(
+      command, {{"table", ReportFormat::kTable}, {"json", ReportFormat::kJson}, {"csv", ReportFormat::kCsv}},
+      "table, json or csv", "table|json|csv",
+      "table for people (default); for programs json, or csv with a row for each line of the main table",
+      format);
+}
+
+void PrintCsv(const Spreadsheet& sheet, const JobData& data) {
+  std::fputs(CsvText(sheet, data.Format()).c_str(), stdout);
 }
 
 void AddYesOption(CLI::App& command, JobData& data) {

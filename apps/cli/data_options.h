@@ -20,10 +20,12 @@
 
 namespace brenvolt::cli {
 
-enum class ReportFormat { kTable, kJson };
+enum class ReportFormat { kTable, kJson, kCsv };
 
 // Adds --format table|json.
 void AddFormatOption(CLI::App& command, ReportFormat& format);
+// The same with csv, the rows of the tables with all digits.
+void AddTableFormatOption(CLI::App& command, ReportFormat& format);
 // Adds --decimal-comma.
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
@@ -32,6 +34,8 @@ void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 void AddReadingOptions(CLI::App& command, JobData& data);
 
 // Adds --yes.
+// A sheet on standard output.
+void PrintCsv(const Spreadsheet& sheet, const JobData& data);
 void AddYesOption(CLI::App& command, JobData& data);
 
 // Adds --plot with what says how it is drawn. `kinds` are the words for the graphs of the command.

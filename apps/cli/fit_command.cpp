@@ -17,6 +17,8 @@
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/reports/fit_report.h"
+#include "host/jobs/reports/measured_reports.h"
+#include "host/jobs/reports/result_sheets.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
 #include "host/reporting/report_file.h"
 
@@ -97,10 +99,13 @@ class FitTerminal : public TerminalUserInterface {
 void FitCensored(const FitCall& call) {
   RequireWords(call.censored);
   if (!call.record.empty()) throw WrongJob("record", "a fit of censored values cannot be recorded");
-  const CensoredFindings found = call.censored.Run();
+  const CensoredFindings found = RunReported(call.censored);
+  if (call.format == ReportFormat::kCsv) return PrintCsv(CensoredSheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
   std::fputs((isJson ? JsonText(CensoredJson(found)) : CensoredText(found)).c_str(), stdout);
-  if (!isJson) ReportPlot(call.job.plot);
+  if (isJson) return;
+  ReportPlot(call.job.plot);
+  SayReportWritten(call.job.report);
 }
 
 // The fits are saved and the graphs written before anything is reported, so that a report means a
@@ -118,9 +123,14 @@ void Fit(const FitCall& call) {
   if (!job.report.empty()) WriteReportOfFit(job, *run.session, {*run.sheet, terminal.Messages()});
   const bool json = call.format == ReportFormat::kJson;
   const bool readsCovariances = json || job.AsksForQuantiles();
-  const auto variables =
-      ReadFitResults(*run.session->Dialog(), readsCovariances ? Covariances::kRead : Covariances::kLeftOut);
+  const auto variables = ReadFitResults(
+      *run.session->Dialog(), readsCovariances ? Covariances::kRead : Covariances::kLeftOut, job.Top());
   terminal.SayAllBut(json ? std::vector<FittedVariable>() : variables);
+  if (call.format == ReportFormat::kCsv) {
+    PrintCsv(FitSheet(variables), job.data);
+    recording.Commit();
+    return;
+  }
   ReportFit(variables, *run.sheet,
             {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format,
              AllQuantiles(job, variables)});
@@ -217,6 +227,11 @@ void AddQuantileOptions(CLI::App& command, FitJob& job) {
             "Of these intervals, between 0 and 1; default 0.95");
 }
 
+void AddTopOption(CLI::App& command, FitJob& job) {
+  AddNumber(command, "--top", "top", job.top, "N",
+            "Report so many fits of each variable, the best; default all");
+}
+
 void AddCensoringOptions(CLI::App& command, CensoredFitJob& job) {
   command
       .add_option(
@@ -263,6 +278,7 @@ void AddFitCommand(CLI::App& program) {
   AddDistributionOptions(*command, job);
   AddTestOptions(*command, job);
   AddQuantileOptions(*command, job);
+  AddTopOption(*command, job);
   AddCensoringOptions(*command, call->censored);
   AddSaveOptions(*command, job);
   command
@@ -279,7 +295,7 @@ void AddFitCommand(CLI::App& program) {
       "; .xlsx with the data, all fits, correlations, summaries and charts on sheets of their own");
   AddChartOption(*command, call->chart);
   AddRecordOption(*command, call->record);
-  AddFormatOption(*command, call->format);
+  AddTableFormatOption(*command, call->format);
   command->footer(
       "Example:\n"
       "  brenvolt fit examples/groundbeef.csv --save beef.bvw\n"

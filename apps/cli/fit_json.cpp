@@ -66,7 +66,7 @@ Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   json["reason"] = TextOrNull(variable.reason);
   json["rankedBy"] = rankedBy;
   json["fits"] = Json::array();
-  for (const FittedDistribution& fit : variable.fits) {
+  for (const FittedDistribution& fit : variable.Shown()) {
     json["fits"].push_back(FitJson(fit, json["fits"].size() + 1));
   }
   const FittedDistribution* best = variable.Best();

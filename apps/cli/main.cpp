@@ -12,6 +12,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/error.h"
+#include "host/base/nearest_name.h"
 #include "host/base/process/interruption.h"
 #include "host/base/process/memory_policy.h"
 #include "host/base/quoted.h"
@@ -36,13 +37,16 @@ void Complain(const std::string& what, const std::string& where = {}) {
 void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
   if (argc >= 2 && argv[1][0] == '-') return;
   std::string names;
+  std::vector<std::string> known;
   for (const CLI::App* command : program.get_subcommands({})) {
     if (argc >= 2 && command->get_name() == argv[1]) return;
-    names += (names.empty() ? "" : ", ") + command->get_name();
+    known.push_back(command->get_name());
+    names += (names.empty() ? "" : ", ") + known.back();
   }
   if (argc < 2) throw brenvolt::cli::WrongCall("missing command; the commands are " + names);
-  throw brenvolt::cli::WrongCall("unknown command " + brenvolt::Quoted(argv[1]) + "; the commands are " +
-                                 names);
+  const std::string hint = brenvolt::NearestNameHint(argv[1], known);
+  throw brenvolt::cli::WrongCall("unknown command " + brenvolt::Quoted(argv[1]) + hint +
+                                 (hint.empty() ? "; the commands are " : " The commands are ") + names);
 }
 
 // An empty word behind an option is mostly a variable of a script that is not set. It means none to two of them.
@@ -73,6 +77,15 @@ std::vector<std::string> Arguments(int argc, char** argv) {
   return arguments;
 }
 
+// "; did you mean --plot?", where one of the command's options is near.
+std::string NearestOptionHint(const CLI::App& command, const std::string& written) {
+  std::vector<std::string> known;
+  for (const CLI::Option* option : command.get_options()) {
+    for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+  }
+  return brenvolt::NearestNameHint(written.substr(0, written.find('=')), known);
+}
+
 // What the parser found wrong, as a sentence about the command that was called.
 std::string Complaint(const CLI::App& program, const CLI::ParseError& error) {
   const auto called = program.get_subcommands();
@@ -82,7 +95,10 @@ std::string Complaint(const CLI::App& program, const CLI::ParseError& error) {
     const std::vector<std::string> left = program.remaining(true);
     const auto option =
         std::ranges::find_if(left, [](const std::string& word) { return word.starts_with('-'); });
-    if (option != left.end()) return "unknown option " + *option + help;
+    if (option != left.end()) {
+      const std::string hint = NearestOptionHint(called.empty() ? program : *called.front(), *option);
+      return "unknown option " + *option + hint + (hint.empty() ? help : help.substr(1));
+    }
     return "unexpected argument " + brenvolt::Quoted(left.empty() ? "" : left.front()) + help;
   }
   const std::string what = error.what();
@@ -112,6 +128,7 @@ int Run(int argc, char** argv) {
   brenvolt::cli::AddExportCommand(program);
   brenvolt::cli::AddMacroCommand(program);
   brenvolt::cli::AddTypelibCommand(program);
+  brenvolt::cli::AddHelpCommand(program);
   for (CLI::App* command : program.get_subcommands({}))
     command->footer(brenvolt::WithInstalledExamples(command->get_footer()) + kExitStatuses);
   RefuseUnknownVerb(program, argc, argv);

@@ -16,6 +16,7 @@
 #include "host/jobs/profile_job.h"
 #include "host/jobs/profile_plots.h"
 #include "host/jobs/reports/profile_report.h"
+#include "host/jobs/reports/result_sheets.h"
 #include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
@@ -99,6 +100,7 @@ std::string DrawnText(const ProfileCall& call, const ProfileRun& run) {
 
 void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
+  if (call.format == ReportFormat::kCsv) return PrintCsv(ProfileSheet(run.results), job.data);
   if (call.format == ReportFormat::kJson) {
     auto report = ProfileJson(run.results);
     report["seed"] = run.seed;
@@ -200,7 +202,7 @@ void AddProfileCommand(CLI::App& program) {
   AddReportOption(*command, job.report);
   AddReadingOptions(*command, job.data);
   AddRecordOption(*command, call->record);
-  AddFormatOption(*command, call->format);
+  AddTableFormatOption(*command, call->format);
   command->footer(
       "Example:\n  brenvolt profile examples/ozone.csv --model examples/ozone_regression.pmml --fit-best "
       "--correlated --noise O3=4.75 --spec O3=,,25 --seed 7\n  brenvolt profile --from "

@@ -36,6 +36,11 @@ nlohmann::ordered_json ColumnsJson(const Spreadsheet& predictions) {
 void ReportJson(const ScoreJob& job, const ScoreRun& run) {
   nlohmann::ordered_json report = {{"cases", run.predictions.CaseCount()},
                                    {"unpredicted", UnpredictedJson(run.unpredicted)}};
+  if (!run.predictions.AreCasesNumbered()) {
+    auto& names = report["caseNames"] = nlohmann::ordered_json::array();
+    for (std::size_t i = 0; i < run.predictions.CaseCount(); ++i)
+      names.push_back(run.predictions.CaseName(i));
+  }
   auto unavailable = nlohmann::ordered_json::array();
   for (const UnavailableOutput& output : run.unavailable)
     unavailable.push_back({{"name", output.name}, {"reason", output.reason}});
@@ -91,14 +96,16 @@ void AddScoreCommand(CLI::App& program) {
           "File of the predictions, one line per case, by ending: .csv, .npz, .xlsx, .sav, .dta; default: "
           "standard output, as CSV")
       ->type_name("FILE");
+  AddList(*command, "--keep", job.keep, "V,V",
+          "Columns of the data that stand before the predictions, so that cases can be told apart");
   command->add_flag("--probabilities", job.probabilities, "Also the probability of every class");
   command->add_flag(
       "--leave-invalid", job.leaveInvalid,
       "Leave a case without predictions where the model refuses one of its values; default: fail");
   AddReadingOptions(*command, job.data);
   AddRecordOption(*command, call->record);
-  AddFormatOption(*command, call->format);
-  command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv -o predicted.csv");
+  AddTableFormatOption(*command, call->format);
+  command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv --keep doy -o predicted.csv");
   command->callback([call] { Score(*call); });
 }
 

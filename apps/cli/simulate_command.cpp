@@ -13,6 +13,7 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
+#include "host/jobs/reports/result_sheets.h"
 #include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/simulate_job.h"
 #include "host/reporting/report_file.h"
@@ -85,6 +86,7 @@ std::string Samples(std::int64_t count) {
 }
 
 void Report(const SimulateCall& call, const SimulationRun& run) {
+  if (call.format == ReportFormat::kCsv) return PrintCsv(SimulationSheet(run.results), call.job.data);
   if (call.format == ReportFormat::kJson) {
     std::fputs(JsonText(ReportJson(call, run)).c_str(), stdout);
     return;
@@ -158,7 +160,7 @@ void AddSimulateCommand(CLI::App& program) {
   AddReportOption(*command, job.report);
   AddChartOption(*command, job.keepsTable);
   AddRecordOption(*command, call->record);
-  AddFormatOption(*command, call->format);
+  AddTableFormatOption(*command, call->format);
   command->footer(
       "Example:\n  brenvolt simulate geyser.bvw --method iman-conover --samples 10000 --seed 7 -o "
       "simulated.csv\n  brenvolt simulate --variable 'h ~ normal(50.2, 0.05)' --variable 'n ~ poisson(3)' "

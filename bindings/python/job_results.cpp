@@ -101,7 +101,7 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
   py::list list;
   for (const FittedVariable& variable : variables) {
     py::list fits;
-    for (const FittedDistribution& fit : variable.fits) fits.append(FitDict(fit));
+    for (const FittedDistribution& fit : variable.Shown()) fits.append(FitDict(fit));
     list.append(py::dict("name"_a = variable.name, "reason"_a = variable.reason,
                          "continuous"_a = variable.isContinuous,
                          "moments"_a = NumbersOf(variable.moments, {kMoments}), "fits"_a = fits,

@@ -39,6 +39,7 @@
 #include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/profile_job.h"
 #include "host/jobs/reports/fit_report.h"
+#include "host/jobs/reports/measured_reports.h"
 #include "host/jobs/reports/profile_report.h"
 #include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/score_job.h"
@@ -147,7 +148,8 @@ std::string Capability(const CapabilityJob& job, const Sheet& sheet) {
   std::string report;
   CarryOut(nullptr, [&] {
     RefuseRecordedPlot(job.plot, TheJob());
-    report = JsonText(CapabilityJson(job.Run(sheet->Sheet())));
+    RefuseRecordedReport(job.report, TheJob());
+    report = JsonText(CapabilityJson(RunReported(job, sheet->Sheet())));
   });
   return report;
 }
@@ -176,7 +178,7 @@ py::tuple Fit(const FitJob& job, const Sheet& sheet, bool isLent) {
   CarryOut(analysis, [&] {
     names = job.Run(InputOf(sheet, isLent, analysis), TheJob());
     fitted = ReadFitResults(*analysis->Session().Dialog(),
-                            job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut);
+                            job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut, job.Top());
     for (const auto& one : AllQuantiles(job, fitted)) quantiles.push_back(JsonText(QuantilesJson(one)));
   });
   return py::make_tuple(analysis, names, FitDicts(fitted), quantiles);
@@ -336,6 +338,15 @@ AutomationRef FitGraphWith(const std::shared_ptr<AnalysisRef>& analysis, std::in
   return InTurn([&] { return GraphRef(FitGraphOf(analysis->Analysis(), variable, fit, plot)); });
 }
 
+// Of the fit of a variable, both numbers from 1.
+AutomationRef ReturnLevels(const FitJob& job, const std::shared_ptr<AnalysisRef>& analysis,
+                           std::size_t variable, std::size_t fit) {
+  return InTurn([&] {
+    return GraphRef(
+        ReturnLevelsOf(job, *analysis->Session().Dialog(), analysis->Input()->Sheet(), variable, fit));
+  });
+}
+
 // The simulated runs, their seed, what was found, and the graphs of the responses. `matrix` may be null.
 py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool isFromFile) {
   std::shared_ptr<AnalysisRef> analysis;
@@ -441,6 +452,7 @@ void BindFitJob(py::module_& module) {
       .def_readwrite("exceed", &FitJob::exceed)
       .def_readwrite("return_periods", &FitJob::returnPeriods)
       .def_readwrite("confidence", &FitJob::confidence)
+      .def_readwrite("top", &FitJob::top)
       .def_readwrite("weights", &FitJob::weights)
       .def_readwrite("select", &FitJob::select)
       .def_readwrite("save", &FitJob::save)
@@ -452,6 +464,7 @@ void BindFitJob(py::module_& module) {
       .def("run", &Fit)
       .def("keep", &KeepFits)
       .def("save_fits", &SaveFitted)
+      .def("return_levels", &ReturnLevels)
       .def("write_report", &WriteFitReport);
   DefineData(job);
   DefinePlot(job);
@@ -534,6 +547,7 @@ void BindScoreJob(py::module_& module) {
       .def_readwrite("model", &ScoreJob::model)
       .def_readwrite("probabilities", &ScoreJob::probabilities)
       .def_readwrite("leave_invalid", &ScoreJob::leaveInvalid)
+      .def_readwrite("keep", &ScoreJob::keep)
       .def("check", &Check<ScoreJob>)
       .def("run", &Score, InHost());
   DefineData(job);
@@ -544,7 +558,8 @@ std::string FitCensored(const CensoredFitJob& job, const Sheet& sheet) {
   std::string report;
   CarryOut(nullptr, [&] {
     RefuseRecordedPlot(job.fit.plot, TheJob());
-    report = JsonText(CensoredJson(job.Run(sheet->Sheet())));
+    RefuseRecordedReport(job.fit.report, TheJob());
+    report = JsonText(CensoredJson(RunReported(job, sheet->Sheet())));
   });
   return report;
 }
@@ -569,6 +584,7 @@ void BindCapabilityJob(py::module_& module) {
       .def_readwrite("control_chart", &CapabilityJob::controlChart)
       .def_readwrite("rules", &CapabilityJob::rules)
       .def_readwrite("distribution", &CapabilityJob::distribution)
+      .def_readwrite("report", &CapabilityJob::report)
       .def_readwrite("bootstrap", &CapabilityJob::bootstrap)
       .def_readwrite("bootstrap_seed", &CapabilityJob::bootstrapSeed)
       .def_readwrite("confidence", &CapabilityJob::confidence)

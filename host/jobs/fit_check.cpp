@@ -44,6 +44,9 @@ Names NamesOf(const Entries& entries) {
   return names;
 }
 
+// More than there are distributions.
+constexpr double kMostFits = 1000;
+
 // Looks a job through; each member adds the faults of some fields.
 class FitCheck {
  public:
@@ -59,6 +62,7 @@ class FitCheck {
     RequireFitted("johnsonPercentiles", job_.johnsonPercentiles, true);
     CheckBootstrap(job_.bootstrap, job_.bootstrapSeed, faults_);
     Quantiles();
+    if (job_.top) CheckWholeNumber("top", *job_.top, 1, kMostFits, faults_);
     Saving();
     Save();
     return std::move(faults_);
@@ -258,6 +262,10 @@ JobFaults FitJob::CheckSaving(const Names& fitted) const {
   CheckFitted("truncate", truncate, fitted, "", faults);
   CheckFitted("order", order, fitted, "", faults);
   return faults;
+}
+
+std::size_t FitJob::Top() const {
+  return top ? static_cast<std::size_t>(*top) : std::numeric_limits<std::size_t>::max();
 }
 
 JobFaults FitJob::CheckVariables(const Variables& fitted) const {

@@ -70,6 +70,7 @@ struct FitJob {
   std::vector<double> exceed;
   std::vector<double> returnPeriods;
   std::optional<double> confidence;  // of the intervals, between 0 and 1; without, 0.95
+  std::optional<double> top;         // fits of each variable that are reported, the best; without, all
   std::filesystem::path save;        // empty: the fits are not saved
   std::vector<Truncation> truncate;  // saved with the fits, as is the order
   std::vector<Order> order;          // without, all valid fits by their ranks
@@ -81,6 +82,7 @@ struct FitJob {
     return (continuous ? rankBy : discreteRankBy).value_or("ks");
   }
   bool AsksForQuantiles() const { return !quantiles.empty() || !exceed.empty() || !returnPeriods.empty(); }
+  std::size_t Top() const;
   double IntervalConfidence() const { return confidence.value_or(0.95); }
   // Whether the distribution is tried, if it applies to a variable.
   bool Tries(const NamedDistribution& distribution) const;

@@ -7,6 +7,7 @@
 
 #include "host/base/error.h"
 #include "host/base/process/interruption.h"
+#include "host/base/quoted.h"
 #include "host/numeric/distributions/distribution_table.h"
 #include "host/statistics/fit_intervals.h"
 
@@ -183,6 +184,16 @@ std::vector<PlotPage> ReturnLevelPlots(const FitJob& job, AutomationObject& dial
     pages.push_back(SinglePage(variable.name, ReturnLevelGraph(job, variable, *best, sheet)));
   }
   return pages;
+}
+
+Graph ReturnLevelsOf(const FitJob& job, AutomationObject& dialog, const Spreadsheet& sheet,
+                     std::size_t variable, std::size_t fit) {
+  const std::vector<FittedVariable> variables = ReadFitResults(dialog, Covariances::kRead);
+  const FittedVariable& chosen = variables.at(variable - 1);
+  if (!chosen.isContinuous)
+    throw Error("return levels are those of continuous variables, and " + Quoted(chosen.name) +
+                " is discrete");
+  return ReturnLevelGraph(job, chosen, chosen.fits.at(fit - 1), sheet);
 }
 
 }  // namespace brenvolt

@@ -53,5 +53,8 @@ nlohmann::ordered_json QuantilesJson(const std::optional<FitQuantiles>& found);
 // The return levels of each variable that the open dialog shows, over the reduced variate -ln(-ln p), with the values at
 // their plotting positions.
 std::vector<PlotPage> ReturnLevelPlots(const FitJob& job, AutomationObject& dialog, const Spreadsheet& sheet);
+// The same of one fit, both numbers from 1. Throws Error for a discrete variable.
+Graph ReturnLevelsOf(const FitJob& job, AutomationObject& dialog, const Spreadsheet& sheet,
+                     std::size_t variable, std::size_t fit);
 
 }  // namespace brenvolt

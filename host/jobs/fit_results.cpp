@@ -120,6 +120,12 @@ const FittedDistribution* FittedVariable::Best() const {
   return saved.empty() ? nullptr : saved.front();
 }
 
+std::span<const FittedDistribution> FittedVariable::Shown() const {
+  const FittedDistribution* best = Best();
+  const std::size_t least = best == nullptr ? 0 : static_cast<std::size_t>(best - fits.data()) + 1;
+  return std::span(fits).first(std::min(std::max(top, least), fits.size()));
+}
+
 std::vector<FitCaution> FittedVariable::Cautions() const {
   std::vector<FitReach> reaches;
   for (const FittedDistribution* fit : SavedFits(*this)) reaches.push_back(ReachIn(fit->statistics));
@@ -178,11 +184,13 @@ std::vector<VariableCautions> ReadSavedCautions(AutomationObject& dialog, const 
   return found;
 }
 
-std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances) {
+std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances,
+                                           std::size_t top) {
   ResultTable summary = ReadResultTable(dialog.Get("SummaryStats"));
   std::vector<FittedVariable> variables;
   for (ResultRow& row : summary.rows) {
     variables.push_back(ReadVariable(dialog, variables.size(), std::move(row), covariances));
+    variables.back().top = top;
   }
   return variables;
 }

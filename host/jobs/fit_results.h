@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <optional>
 #include <span>
 #include <string>
@@ -40,11 +41,14 @@ struct FittedVariable {
   std::string reason;  // why there are no fits; empty if there are
   bool isContinuous = true;
   ResultRow moments;
-  std::string ranking;                   // by what the fits are ranked, for people
-  std::vector<FittedDistribution> fits;  // best first; none if there is nothing to fit
+  std::string ranking;                                        // by what the fits are ranked, for people
+  std::vector<FittedDistribution> fits;                       // best first; none if there is nothing to fit
+  std::size_t top = std::numeric_limits<std::size_t>::max();  // of these, how many are reported
 
   // The fit that is saved first, from which the variable is simulated; null if none is valid.
   const FittedDistribution* Best() const;
+  // The fits to report, that one among them.
+  std::span<const FittedDistribution> Shown() const;
   // What speaks against that one.
   std::vector<FitCaution> Cautions() const;
   // What the fits as a whole are to be read with: that all are refused, that the data are much rounded. Sentences
@@ -76,6 +80,7 @@ std::vector<VariableCautions> ReadSavedCautions(AutomationObject& dialog, const 
 // One entry for each fitted variable, in the order of the summary. Shows each variable on the Quick tab of
 // the dialog, and each of its valid fits where covariances are wanted.
 enum class Covariances { kLeftOut, kRead };
-std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances);
+std::vector<FittedVariable> ReadFitResults(AutomationObject& dialog, Covariances covariances,
+                                           std::size_t top = std::numeric_limits<std::size_t>::max());
 
 }  // namespace brenvolt

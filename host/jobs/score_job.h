@@ -2,6 +2,8 @@
 #pragma once
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
@@ -10,7 +12,7 @@
 namespace brenvolt {
 
 struct ScoreRun {
-  Spreadsheet predictions;       // a case each
+  Spreadsheet predictions;       // a case each, under its name or number, behind the columns that are kept
   UnpredictedCases unpredicted;  // why cases have none
   std::vector<UnavailableOutput> unavailable;
 };
@@ -18,9 +20,10 @@ struct ScoreRun {
 struct ScoreJob {
   std::filesystem::path model;
   JobData data;
-  bool probabilities = false;    // also of every class
-  bool leaveInvalid = false;     // no prediction, instead of Error, where the model refuses a value
-  std::filesystem::path output;  // a CSV file; empty: none
+  bool probabilities = false;     // also of every class
+  std::vector<std::string> keep;  // columns of the data that stand before the predictions
+  bool leaveInvalid = false;      // no prediction, instead of Error, where the model refuses a value
+  std::filesystem::path output;   // a CSV file; empty: none
 
   JobFaults Check() const;
   // The predictions are written where `output` says. Throws WrongJob and Error.

@@ -10,6 +10,7 @@ import difflib
 import enum
 import functools
 import os
+from collections.abc import Iterable
 from typing import TYPE_CHECKING, Any
 
 from . import _arguments, _brenvolt, _reading
@@ -502,14 +503,14 @@ class Application:
 
     def score(self, model: str | os.PathLike, data: str | os.PathLike | _brenvolt.Spreadsheet | TableDocument,
               sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False,
-              **reading: Any) -> _brenvolt.Spreadsheet:
+              keep: Iterable[str] = (), **reading: Any) -> _brenvolt.Spreadsheet:
         """The predictions of a PMML model for the cases of a file, by the name of its sheet, or of an open sheet.
 
         probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
-        the model refuses a value. The predictions' `unpredicted` says why cases have none.
+        the model refuses a value; keep: columns of the data that stand before the predictions. Their `unpredicted` says why cases have none.
         """
         job = _brenvolt.ScoreJob()
-        fields = {"model": model, "probabilities": probabilities, "leave_invalid": leave_invalid}
+        fields = {"model": model, "probabilities": probabilities, "leave_invalid": leave_invalid, "keep": list(keep)}
         cases = _sheet(data) if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)) else None
         if cases is None:
             fields.update(data=data, sheet=sheet, decimal_comma=decimal_comma, reading=_reading.options(reading, "score"))

@@ -21,7 +21,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
                bootstrap_seed: int | None = None, confidence: float | None = None,
                select: str | None = None, sheet: str | None = None, plot: str | os.PathLike | None = None,
                plot_kind: str | None = None, plot_theme: str | None = None, plot_width: int | None = None,
-               decimal_comma: bool = False, **reading: Any) -> CapabilityResult:
+               report: str | os.PathLike | None = None, decimal_comma: bool = False, **reading: Any) -> CapabilityResult:
     """Judges measured values against a specification: control charts, indices, parts per million.
 
     data: as for fit().
@@ -36,7 +36,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
     bootstrap: samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution;
     bootstrap_seed: where its random numbers start, 1 without.
     confidence: of the intervals, 0.95 without.
-    select, sheet, plot, plot_theme, plot_width, decimal_comma, reading: as for fit(). plot_kind: "overview" (as without),
+    select, sheet, plot, plot_theme, plot_width, report, decimal_comma, reading: as for fit(). plot_kind: "overview" (as without),
     "control-charts" or "histogram".
 
     Returns a CapabilityResult.
@@ -48,7 +48,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
                                                   "(lower limit, target, upper limit)"),
                      subgroup=subgroup, within=within, control_chart=control_chart, rules=rules,
                      distribution=distribution, bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, confidence=confidence,
-                     select=select, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
+                     select=select, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width, report=report,
                      decimal_comma=decimal_comma, reading=_reading.options(reading, "capability"))
     job.check()
     required = [name for name in (response, *(specifications or ()), subgroup) if isinstance(name, str)]

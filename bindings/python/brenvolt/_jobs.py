@@ -185,7 +185,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
         bootstrap: int | None = None, bootstrap_seed: int | None = None,
         quantiles: float | Iterable[float] | None = None, exceed: float | Iterable[float] | None = None,
-        return_periods: float | Iterable[float] | None = None, confidence: float | None = None,
+        return_periods: float | Iterable[float] | None = None, confidence: float | None = None, top: int | None = None,
         censor: str | None = None, censor_upper: str | None = None, sheet: str | None = None,
         save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
@@ -221,6 +221,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     save: project file that takes the data with the fits; see FitResult.save.
     graphs: JSON file that takes the data of each variable's graphs with the fit that is saved first.
     plot: picture, by ending .png, .svg, or .pdf with a page for each variable; with "{name}" in its name a file for each.
+    top: how many fits of each variable are reported, the best; without, all.
     plot_kind: "overview" (as without), "fit-comparison", "histogram", "cumulative-histogram", "pp", "qq",
     "empirical-distribution", "box-plot" or "return-levels"; plot_theme: "light" (as without) or "dark"; plot_width: in pixels;
     plot_band: P-P and Q-Q plots have the limits within which 95 % of samples from a continuous fit lie.
@@ -243,7 +244,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, quantiles=_numbers(quantiles, "quantiles"),
                exceed=_numbers(exceed, "exceed"), return_periods=_numbers(return_periods, "return_periods"),
-               confidence=confidence, weights=weights, select=select, save=save,
+               confidence=confidence, top=top, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
                plot_band=plot_band, report=report, yes=yes, decimal_comma=decimal_comma,
                reading=_reading.options(reading, "fit"))
@@ -337,6 +338,9 @@ class FitResult:
             raise ValueError("no variable has a fit to draw")
         if len(fitted) == 1:
             return fitted[0].plot(kind, ax=ax, band=band)
+        if kind == "summary":
+            raise ValueError("the summary of a variable has several panels, so that it is drawn for one at a time: "
+                             f"variables[{fitted[0].name!r}].plot('summary')")
         axes = _plotting.grid(len(fitted), ax)
         for variable, one in zip(fitted, axes):
             variable.plot(kind, ax=one, band=band)
@@ -430,12 +434,16 @@ class FittedVariable:
     def graph(self, kind: str, distribution: str | None = None, band: bool = False) -> _automation.GraphDocument:
         """A GraphDocument of the fit ranked first, or of that of a named distribution.
 
-        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary", or
-        "fit-comparison", the histogram with the curves of this fit and the best others. band: P-P and Q-Q plots have the
+        kind: "histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot", "summary",
+        "fit-comparison", the histogram with the curves of this fit and the best others, or "return-levels" with their
+        intervals by covariance. band: P-P and Q-Q plots have the
         limits within which 95 % of samples from a continuous fit lie.
         """
-        member = _choice(kind, {**_brenvolt._fit_graphs, "fit-comparison": None}, "kind")
+        member = _choice(kind, {**_brenvolt._fit_graphs, "fit-comparison": None, "return-levels": None}, "kind")
         place = 0 if distribution is None else self._place_of(distribution)
+        if kind == "return-levels":
+            with self._result._conditions():
+                return _automation.wrapped(self._result._job.return_levels(self._result.analysis._analysis, self._place, place + 1))
         if member is None or band:
             with self._result._conditions():
                 return _automation.wrapped(_brenvolt._fit_graph(self._result.analysis._analysis, self._place, place + 1,
@@ -802,11 +810,13 @@ class ProfiledResponse:
         return f"<ProfiledResponse {self.name}>"
 
 
-def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, leave_invalid: bool = False,
+def score(model: str | os.PathLike, data: Any, *, keep: Names = None, probabilities: bool = False, leave_invalid: bool = False,
           sheet: str | None = None, decimal_comma: bool = False, **reading: Any) -> pandas.DataFrame:
     """The predictions of a PMML model, a DataFrame with a row per case.
 
     data: as for fit(); the columns that the model reads are found by their names.
+    keep: columns of the data that stand before the predictions; one that is called like a prediction gets " (data)" behind
+    its name. The predictions of a DataFrame have its index; others count from 0, or have the names of their cases.
     probabilities: also the probability of every class; leave_invalid: no prediction, instead of an Error, where the model
     refuses a value.
     decimal_comma, reading: as for fit().
@@ -815,15 +825,22 @@ def score(model: str | os.PathLike, data: Any, *, probabilities: bool = False, l
     and the highest number, and the count. attrs["unavailable_outputs"] names the outputs of the model that cannot be given,
     with the reason.
     """
-    job = _job(_brenvolt.ScoreJob, model=model, probabilities=probabilities, leave_invalid=leave_invalid,
+    import pandas
+
+    kept = _arguments.names(keep, "keep")
+    job = _job(_brenvolt.ScoreJob, model=model, keep=kept, probabilities=probabilities, leave_invalid=leave_invalid,
                data=_file_of(data), decimal_comma=decimal_comma, reading=_reading.options(reading, "score"))
     job.check()
     if isinstance(data, (str, os.PathLike)):
         job.sheet = "" if sheet is None else _arguments.text(sheet, "sheet")
         predictions = job.run(None)
     else:
-        predictions = job.run(_sheet_of(data, sheet, decimal_comma=decimal_comma, reading=reading))
+        predictions = job.run(_sheet_of(data, sheet, kept, decimal_comma, reading))
     frame = predictions.to_pandas()
+    if hasattr(data, "iloc"):
+        frame.index = data.index
+    elif isinstance(frame.index, pandas.RangeIndex):
+        frame = frame.reset_index(drop=True)
     frame.attrs["unpredicted"] = predictions.unpredicted
     frame.attrs["unavailable_outputs"] = predictions.unavailable_outputs
     return frame

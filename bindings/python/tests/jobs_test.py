@@ -56,6 +56,13 @@ class Scores(Folder):
         self.assertEqual(brenvolt.Application().score(model, example("ozone")).unpredicted, [])
         self.assertEqual(brenvolt.score(model, data).attrs["unpredicted"], predictions.unpredicted)
 
+    def test_predictions_have_the_index_of_their_frame(self):
+        model = os.path.join(EXAMPLES, "ozone_regression.pmml")
+        frame = pandas.read_csv(example("ozone")).set_index("doy").tail(3)
+        scores = brenvolt.score(model, frame, keep="O3")
+        self.assertEqual(scores.index.tolist(), frame.index.tolist())
+        self.assertEqual(list(scores.columns), ["O3 (data)", "O3"])
+
     def test_a_profile_fails_for_its_reason_and_not_for_an_earlier_notice(self):
         with open(self.file("grades.pmml"), "w") as file:
             file.write(GRADES)

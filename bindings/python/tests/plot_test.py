@@ -61,6 +61,17 @@ class Plots(unittest.TestCase):
         with self.assertRaisesRegex(ValueError, "2 axes are needed, not 1"):
             self.fits.plot(ax=given[0])
 
+    def test_a_summary_is_drawn_for_one_variable_at_a_time(self):
+        with self.assertRaisesRegex(ValueError, r"one at a time: variables\['eruptions'\]\.plot\('summary'\)"):
+            self.fits.plot("summary")
+
+    def test_return_levels_are_drawn_as_the_command_does(self):
+        graph = self.waiting.graph("return-levels", "normal")
+        self.assertEqual(graph.title, "Return levels of waiting")
+        line = next(one for one in graph.series if one["style"] == "line")
+        expected = self.waiting.distribution("normal").ppf(math.exp(-math.exp(-line["x"][50])))
+        self.assertAlmostEqual(line["y"][50], expected, 9)
+
     def test_a_graph_of_panels_draws_each(self):
         axes = self.waiting.plot("summary")
         self.assertEqual(len(axes), 4)

@@ -157,6 +157,9 @@ REFUSED_CENSORED = (
     ({"continuous": ["x"], "censor": "n"}, "0 or right, 1 or exact, 2 or left, 3 or interval, or in a column called after"
                                            " censoring 0 or 1 (censor)"),
     ({"continuous": ["x"], "censor_upper": "n"}, "case 3: the upper bound 0 is below the lower one, 3 (censor_upper)"),
+    ({"top": 0}, "expected a whole number from 1 to 1000, got 0 (top)"),
+    ({"plot": "{nmae}.png"}, "{nmae} stands for nothing in the name of a picture; expected {name}, the variable or response"
+                             " (plot)"),
     ({"continuous": ["x"], "censor": "w", "bootstrap": 9}, "this does not apply to censored values (bootstrap)"),
     ({"discrete": ["x"], "censor": "w"}, "this does not apply to censored values (discrete)"),
     ({"continuous": ["x"], "censor": "w", "rank_by": "ks"}, "ranked by aic or bic (rank_by)"),
@@ -170,11 +173,11 @@ CENSORED = (
     {**FANS, "distributions": ["weibull"], "offsets": {"hours": {"weibull": -100}}, "return_periods": [10]},
 )
 # And over an example.
-RINGS = {"diameter": (73.95, 74, 74.05)}
+PROCESS = {"size": (5.49, 5.64, 5.79)}
 CAPABILITIES = (
-    ("piston_rings", {"specifications": RINGS}),
-    ("piston_rings", {"specifications": RINGS, "subgroup": "sample", "within": "r-bar", "rules": "nelson"}),
-    ("piston_rings", {"specifications": RINGS, "subgroup": 10, "select": "sample <= 20", "confidence": 0.9}),
+    ("process", {"specifications": PROCESS}),
+    ("process", {"specifications": PROCESS, "subgroup": "sample", "within": "r-bar", "rules": "nelson"}),
+    ("process", {"specifications": PROCESS, "subgroup": 10, "select": "sample <= 12", "confidence": 0.9}),
     ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "distribution": "lognormal",
                             "bootstrap": 50}),
 )
@@ -222,7 +225,7 @@ PROFILES = (
     {"formulas": ["y = temp * 2"], "samples": 300, "fit_best": True, "truncate": {"temp": (10, 30)},
      "specifications": {"y": (None, 100, 110)}},
 )
-SCORES = ({}, {"leave_invalid": True})
+SCORES = ({}, {"leave_invalid": True}, {"keep": ["doy", "O3"]})
 SIMULATIONS = ({}, {"variables": ["waiting"]}, {"method": "monte-carlo"}, {"method": "latin-hypercube", "truncate": True}, {"method": "iman-conover"},
                {"method": "latin-hypercube-iman-conover", "variables": ["waiting", "eruptions"], "samples": 500})
 
@@ -560,10 +563,11 @@ class SameCalls(unittest.TestCase):
             with self.subTest(**arguments):
                 self.command("score", OZONE, file, *words(arguments), "-o", "s.csv")
                 expected = pandas.read_csv("s.csv", float_precision="round_trip")
+                self.assertEqual(expected.pop("Case").tolist(), list(range(1, 331)))
                 for source in (file, pandas.read_csv(file), brenvolt.open_workbook(file)):
                     scores = brenvolt.score(OZONE, source, **arguments)
-                    pandas.testing.assert_frame_equal(scores, expected, check_exact=True)
-        for data, options, status in (("d.csv", {}, 1), (file, {"probabilities": True}, 2)):
+                    pandas.testing.assert_frame_equal(scores, expected, check_exact=True, check_dtype=False)
+        for data, options, status in (("d.csv", {}, 1), (file, {"probabilities": True}, 2), (file, {"keep": ["z"]}, 2)):
             refused = self.refused_by_command("score", OZONE, data, *words(options))
             self.assertEqual(refused, self.refused_by_python(lambda: brenvolt.score(OZONE, data, **options)))
             self.assertEqual(refused[0], status)

@@ -11,6 +11,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
+#include "host/jobs/base/report_target.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
@@ -327,7 +328,8 @@ JobFaults CapabilityJob::Check() const {
     add("confidence", "expected a number between 0 and 1, got " + ShortestNumber(*confidence));
   CheckBootstrap(bootstrap, bootstrapSeed, faults);
   CheckPlot(plot, kCapabilityPlotKinds, faults);
-  CheckTargetsApart({{"data", data.file}}, {{"plot", plot.file}}, faults);
+  CheckReport(report, faults);
+  CheckTargetsApart({{"data", data.file}}, {{"plot", plot.file}, {"report", report}}, faults);
   return faults;
 }
 

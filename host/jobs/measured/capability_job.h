@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -37,6 +38,7 @@ struct CapabilityJob {
   std::optional<double> bootstrapSeed;  // without a number, 1
   std::optional<double> confidence;     // of the intervals, between 0 and 1; without, 0.95
   std::optional<std::string> select;    // as in a fit
+  std::filesystem::path report;         // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
 
   // All that can be refused without the data.

@@ -258,6 +258,7 @@ CensoredVariable FitVariable(const CensoredFitJob& job, const Spreadsheet& sheet
   });
   if (job.fit.AsksForQuantiles() && found.fits.front().IsValid())
     found.quantiles = ReadOff(job.fit, found.fits.front().name, found.fits.front().values, nullptr);
+  if (found.fits.size() > job.fit.Top()) found.fits.resize(job.fit.Top());
   return found;
 }
 
@@ -294,7 +295,6 @@ JobFaults ExcludedFields(const FitJob& job) {
                              {"bootstrap", job.bootstrap.has_value()},
                              {"save", !job.save.empty()},
                              {"graphs", !job.graphs.empty()},
-                             {"report", !job.report.empty()},
                              {"plotBand", job.plot.band}};
   JobFaults faults;
   for (const Excluded& one : fields) {
@@ -312,7 +312,7 @@ JobFaults CensoredFitJob::Check() const {
   plain.plot = {};
   faults = plain.Check();
   CheckPlot(fit.plot, kCensoredPlotKinds, faults);
-  CheckTargetsApart({{"data", fit.data.file}}, {{"plot", fit.plot.file}}, faults);
+  CheckTargetsApart({{"data", fit.data.file}}, {{"plot", fit.plot.file}, {"report", fit.report}}, faults);
   if (fit.rankBy && *fit.rankBy != "aic" && *fit.rankBy != "bic" && kCriteria.contains(*fit.rankBy))
     faults.push_back({"rankBy", "tests need every value; censored ones are ranked by aic or bic"});
   std::string fitted;

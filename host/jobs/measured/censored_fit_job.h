@@ -12,7 +12,7 @@ namespace brenvolt {
 inline constexpr std::string_view kCensoredPlotKinds[] = {kOverview, "empirical-distribution", "qq"};
 
 struct CensoredFitJob {
-  // Its data, variables, distributions, offsets, criterion, case weights, selection, quantiles and plot; the rest does not
+  // Its data, variables, distributions, offsets, criterion, case weights, selection, quantiles, report and plot; the rest does not
   // apply.
   FitJob fit;
   // The column that says how each case is known: exact, right, left or interval.

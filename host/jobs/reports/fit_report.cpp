@@ -43,8 +43,8 @@ class FitReportMaker {
       : job_(job),
         sheet_(context.sheet),
         dialog_(*session.Dialog()),
-        variables_(
-            ReadFitResults(dialog_, job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut)),
+        variables_(ReadFitResults(
+            dialog_, job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut, job.Top())),
         quantiles_(AllQuantiles(job, variables_)) {
     for (const FittedVariable& variable : variables_) {
       (variable.isContinuous ? continuous_ : discrete_).push_back(variable.name);

@@ -56,7 +56,7 @@ class Ranking {
     table_.AddNumber(criterion_.heading);
     for (const CriterionColumns* test : tests_) table_.AddNumber(test->pHeading);
     if (ShowsAicBeside()) table_.AddNumber(aic_.heading);
-    for (const FittedDistribution& fit : variable.fits) AddFit(fit);
+    for (const FittedDistribution& fit : variable.Shown()) AddFit(fit);
   }
 
   ReportTable Table() && { return std::move(table_); }

@@ -98,11 +98,12 @@ void AddInputs(const HandInputs& inputs, CommandText& command) {
   command.AddText("fromFile", inputs.fromFile.string());
 }
 
-}  // namespace
+void AddSpecification(const ResponseSpecification& one, CommandText& command) {
+  command.Add("specifications", one.response + "=" + Limit(one.limits.lower) + "," +
+                                    Limit(one.limits.target) + "," + Limit(one.limits.upper));
+}
 
-std::string CommandOf(const FitJob& job) {
-  if (job.data.file.empty()) return {};
-  CommandText command("fit", job.data.file);
+void AddFit(const FitJob& job, CommandText& command) {
   command.AddText("sheet", job.data.sheet);
   command.AddFlag("--decimal-comma", job.data.decimalComma);
   command.AddFlag("--yes", job.data.yes);
@@ -128,12 +129,51 @@ std::string CommandOf(const FitJob& job) {
   command.AddNumbers("exceed", job.exceed);
   command.AddNumbers("returnPeriods", job.returnPeriods);
   command.AddNumber("confidence", job.confidence);
+  command.AddNumber("top", job.top);
   command.AddText("save", job.save.string());
   for (const FitJob::Truncation& one : job.truncate)
     command.Add("truncate", one.variable + "=" + Bound(one.low) + ":" + Bound(one.high));
   for (const FitJob::Order& one : job.order)
     command.Add("order", one.variable + "=" + command.Joined(one.distributions));
   command.AddText("graphs", job.graphs.string());
+  AddPlot(job.plot, command);
+  command.AddText("report", job.report.string());
+}
+
+}  // namespace
+
+std::string CommandOf(const FitJob& job) {
+  if (job.data.file.empty()) return {};
+  CommandText command("fit", job.data.file);
+  AddFit(job, command);
+  return std::move(command).Text();
+}
+
+std::string CommandOf(const CensoredFitJob& job) {
+  if (job.fit.data.file.empty()) return {};
+  CommandText command("fit", job.fit.data.file);
+  AddFit(job.fit, command);
+  command.AddWord("censor", job.censor);
+  command.AddWord("censorUpper", job.censorUpper);
+  return std::move(command).Text();
+}
+
+std::string CommandOf(const CapabilityJob& job) {
+  if (job.data.file.empty()) return {};
+  CommandText command("capability", job.data.file);
+  command.AddText("sheet", job.data.sheet);
+  command.AddFlag("--decimal-comma", job.data.decimalComma);
+  command.AddText("response", job.response);
+  for (const ResponseSpecification& one : job.specifications) AddSpecification(one, command);
+  command.AddWord("subgroup", job.subgroup);
+  command.AddWord("within", job.within);
+  command.AddWord("controlChart", job.controlChart);
+  command.AddWord("rules", job.rules);
+  command.AddWord("distribution", job.distribution);
+  command.AddNumber("bootstrap", job.bootstrap);
+  command.AddNumber("bootstrapSeed", job.bootstrapSeed);
+  command.AddNumber("confidence", job.confidence);
+  command.AddWord("select", job.select);
   AddPlot(job.plot, command);
   command.AddText("report", job.report.string());
   return std::move(command).Text();
@@ -176,10 +216,7 @@ std::string CommandOf(const ProfileJob& job, std::int32_t seed) {
   for (const ProfileJob::Noise& one : job.noise)
     command.Add("noise", one.response + "=" + ShortestNumber(one.standardDeviation));
   command.AddEach("noiseCorrelations", job.noiseCorrelations);
-  for (const ResponseSpecification& one : job.specifications) {
-    command.Add("specifications", one.response + "=" + Limit(one.limits.lower) + "," +
-                                      Limit(one.limits.target) + "," + Limit(one.limits.upper));
-  }
+  for (const ResponseSpecification& one : job.specifications) AddSpecification(one, command);
   for (const ProfileJob::Fixed& one : job.fixed) {
     const double* number = std::get_if<double>(&one.value);
     command.Add("fixed",

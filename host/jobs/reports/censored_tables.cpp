@@ -1,0 +1,76 @@
+#include "host/jobs/reports/censored_tables.h"
+
+#include <cmath>
+#include <utility>
+
+#include "host/analysis/quantity_text.h"
+#include "host/base/number_text.h"
+
+namespace brenvolt {
+namespace {
+
+std::string CountsText(const CensoredVariable& variable) {
+  std::string text = std::to_string(variable.exact) + " exact";
+  const std::pair<const char*, std::size_t> counts[] = {{"right censored", variable.right},
+                                                        {"left censored", variable.left},
+                                                        {"in intervals", variable.interval}};
+  for (const auto& [word, count] : counts) {
+    if (count > 0) text += ", " + std::to_string(count) + " " + word;
+  }
+  return text;
+}
+
+// "83.35 (2.527)" for each value with its standard error.
+std::string ValuesText(const CensoredFit& fit) {
+  std::string text;
+  for (std::size_t i = 0; i < fit.values.values.size(); ++i) {
+    const std::string error =
+        i < fit.standardErrors.size() ? " (" + ReadableNumber(fit.standardErrors[i], 4) + ")" : "";
+    text += (i == 0 ? "" : ", ") + ReadableNumber(fit.values.values[i]) + error;
+  }
+  return text;
+}
+
+}  // namespace
+
+std::string CensoringText(const CensoredVariable& variable) {
+  std::string text = "n " + std::to_string(variable.Count()) + ", missing " +
+                     std::to_string(variable.missing) + ": " + CountsText(variable);
+  return variable.reading.empty() ? text : text + " (read: " + variable.reading + ")";
+}
+
+std::string RankingText(const CensoredVariable& variable) {
+  return "Ranked by " + std::string(variable.rankedBy == "bic" ? "BIC" : "AIC") +
+         "; values with their standard errors; distance from the " +
+         (variable.isKaplanMeier ? "Kaplan-Meier" : "Turnbull") + " curve";
+}
+
+ReportTable CensoredRankingTable(const CensoredVariable& variable) {
+  ReportTable table;
+  table.AddText("Distribution");
+  table.AddText("Values");
+  for (const char* heading : {"Log-likelihood", "AIC", "BIC", "Distance"}) table.AddNumber(heading);
+  for (const CensoredFit& fit : variable.fits) {
+    if (!fit.IsValid()) {
+      table.notes.push_back(fit.name + ": no fit: " + fit.reason);
+      continue;
+    }
+    table.AddRow({fit.name, ValuesText(fit), FormatNumber("%.3f", fit.logLikelihood),
+                  FormatNumber("%.2f", fit.aic), FormatNumber("%.2f", fit.bic),
+                  FormatNumber("%.4f", fit.distance)});
+  }
+  return table;
+}
+
+double SpreadOf(const FittedValues& fit) {
+  constexpr double kLow = 0.1587;
+  return (fit.Quantile(1 - kLow) - fit.Quantile(kLow)) / 2;
+}
+
+std::string UntestedText() {
+  return "The Kolmogorov-Smirnov, chi-square and Anderson-Darling tests need every value, so none is "
+         "given. AIC "
+         "and BIC\nhold for censored values, and the distance from the curve compares fits.";
+}
+
+}  // namespace brenvolt

@@ -1,0 +1,20 @@
+// The reports of jobs about measured values, and the jobs with the reports that they ask for.
+#pragma once
+
+#include "host/jobs/measured/capability_job.h"
+#include "host/jobs/measured/censored_fit_job.h"
+#include "host/jobs/reports/report_parts.h"
+#include "host/reporting/report.h"
+
+namespace brenvolt {
+
+Report ReportOf(const CapabilityJob& job, const CapabilityFindings& found, const ReportContext& context);
+Report ReportOf(const CensoredFitJob& job, const CensoredFindings& found, const ReportContext& context);
+
+// Carry the job out, over its file or a sheet that is open, and write the report that it asks for. Throw as Run.
+CapabilityFindings RunReported(const CapabilityJob& job);
+CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet);
+CensoredFindings RunReported(const CensoredFitJob& job);
+CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet);
+
+}  // namespace brenvolt
