@@ -162,37 +162,41 @@ void CAnalysisSupport::AfterCallEventHandler() {}
 bool CAnalysisSupport::SetInputTableValue(int caseNumber, int variable, const std::string& text) {
   Variable* target = InputVariable(InputTable(), variable);
   if (!HasCase(target, caseNumber)) return false;
-  return SetInputTableValue(caseNumber, variable, ValueOfLabel(*target, text));
+  double value = 0;
+  Interface().Change([&] { value = ValueOfLabel(*target, text); });
+  return SetInputTableValue(caseNumber, variable, value);
 }
 
 bool CAnalysisSupport::SetInputTableValue(int caseNumber, int variable, double value) {
   Variable* target = InputVariable(InputTable(), variable);
   if (!HasCase(target, caseNumber)) return false;
-  target->MutableValues()[static_cast<std::size_t>(caseNumber - 1)] = value;
+  Interface().Change([&] { target->MutableValues()[static_cast<std::size_t>(caseNumber - 1)] = value; });
   return true;
 }
 
 bool CAnalysisSupport::SetInputTableTextLabel(int variable, double value, const std::string& text) {
   Variable* target = InputVariable(InputTable(), variable);
   if (target == nullptr) return false;
-  target->SetLabel(value, text);
+  Interface().Change([&] { target->SetLabel(value, text); });
   return true;
 }
 
 bool CAnalysisSupport::InputTableAddCases(int count) {
   if (InputTable() == nullptr || count < 0) return false;
-  InputTable()->AddCases(static_cast<std::size_t>(count));
+  Interface().Change([&] { InputTable()->AddCases(static_cast<std::size_t>(count)); });
   return true;
 }
 
 bool CAnalysisSupport::InputTableAddVariables(int count) {
   Spreadsheet* table = InputTable();
   if (table == nullptr || count < 0) return false;
-  for (int i = 0; i < count; ++i) {
-    Variable variable("Var" + std::to_string(table->VariableCount() + 1), 0);
-    variable.Resize(table->CaseCount(), variable.MissingCode());
-    table->AddVariable(std::move(variable));
-  }
+  Interface().Change([&] {
+    for (int i = 0; i < count; ++i) {
+      Variable variable("Var" + std::to_string(table->VariableCount() + 1), 0);
+      variable.Resize(table->CaseCount(), variable.MissingCode());
+      table->AddVariable(std::move(variable));
+    }
+  });
   return true;
 }
 

@@ -12,11 +12,11 @@ bool EditSelectionConditions(CAnalysisSupport& analysis) {
   SelectionQuestion question{table->Selection().enabled, table->Selection().condition};
   while (analysis.Interface().EditSelection(question)) {
     if (!question.enabled || question.condition.empty()) {
-      table->SetSelection({false, question.condition, {}});
+      analysis.Interface().Change([&] { table->SetSelection({false, question.condition, {}}); });
       return true;
     }
     try {
-      analysis.Document()->ApplySelection(question.condition);
+      analysis.Interface().Change([&] { analysis.Document()->ApplySelection(question.condition); });
       return true;
     } catch (const Error& error) {
       analysis.ShowMessage(error.what(), error.Where());
@@ -40,7 +40,8 @@ bool EditCaseWeights(CAnalysisSupport& analysis) {
     const bool isVariable =
         question.variable > 0 && static_cast<std::size_t>(question.variable) <= table->VariableCount();
     if (isVariable || question.variable == 0) {
-      table->SetWeightVariable(isVariable ? std::optional<std::size_t>(question.variable - 1) : std::nullopt);
+      const auto chosen = isVariable ? std::optional<std::size_t>(question.variable - 1) : std::nullopt;
+      analysis.Interface().Change([&] { table->SetWeightVariable(chosen); });
       return true;
     }
     analysis.ShowMessage("no variable " + std::to_string(question.variable), table->Name());

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -43,6 +44,8 @@ struct VariableQuestion {
   std::vector<std::string> names;
   std::vector<std::int16_t> first;
   std::vector<std::int16_t> second;
+  bool takesNames =
+      false;  // new names may be added to `names`; they are chosen by their numbers as the others are
 };
 
 // The selection conditions of the input: which cases an analysis uses.
@@ -83,6 +86,9 @@ class UserInterface : public ProgressPort {
   // Show a finished document, which the receiver may keep.
   virtual void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) = 0;
   virtual void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) = 0;
+  // Carries out a change of data that the user may be looking at: of the input table, or of a document that was shown.
+  // A front end that shows them on a thread of its own does it there.
+  virtual void Change(const std::function<void()>& change) { change(); }
 };
 
 }  // namespace brenvolt

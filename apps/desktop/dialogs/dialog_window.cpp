@@ -127,7 +127,9 @@ void DialogWindow::Operate(const std::function<bool(CAnalysisDialog&)>& operatio
 void DialogWindow::Press(std::int32_t number) {
   isRefused_ = false;
   if (number != kControlCancel) form_->Commit();
-  if (!isRefused_) Operate([=](CAnalysisDialog& open) { return open.Press(number); });
+  if (isRefused_) return;
+  emit pressing(number);
+  Operate([=](CAnalysisDialog& open) { return open.Press(number); });
 }
 
 void DialogWindow::Enter(std::int32_t number, const QString& text) {

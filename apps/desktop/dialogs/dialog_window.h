@@ -32,6 +32,8 @@ class DialogWindow : public QDialog {
   void reject() override;
 
  signals:
+  // A button is about to be pressed; what was typed before counts already.
+  void pressing(std::int32_t number);
   // An operation is done; the dialog may no longer exist.
   void operated();
   // An operation failed in a way that dialogs do not show themselves.

@@ -60,6 +60,8 @@ class Document : public QObject {
   // An analysis does the same at times of its own: from Observe on, TakeChanges makes one edit of what it changed since.
   void Observe();
   void TakeChanges(const QString& what);
+  // Meanwhile tells who shows the sheet of more or fewer variables or cases.
+  void ShowShape(const Spreadsheet& sheet) { emit edited(QString::fromStdString(sheet.Name()), true); }
   void EndObservation();
 
   // While an analysis computes with the document it cannot be edited; while one of its dialogs is open, which knows

@@ -6,6 +6,8 @@
 namespace brenvolt::desktop {
 namespace {
 
+constexpr int kProfile = 3;
+
 // Whether a dialog of the sequence is the one that is open: another one may have taken its address, but not its
 // automation object.
 std::function<bool()> OpenTest(const CAnalysisSupport& analysis, CAnalysisDialog& dialog) {
@@ -56,6 +58,8 @@ bool AnalysisRun::Begin(int task) {
     const auto dialog = analysis_->GetDialgInterface();
     if (dialog == nullptr) return;
     dialog->Put("TypeOfAnalysis", std::int32_t{task});
+    // A person may type formulas as well as load models.
+    if (task == kProfile) dialog->Put("AutoProfiler", std::int32_t{1});
     began = dialog->Call("OK").ToInteger() != 0;
   });
   Show();

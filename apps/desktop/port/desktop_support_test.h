@@ -34,6 +34,7 @@ struct KeepingSink : DocumentSink {
     opened.push_back(std::make_unique<DataFile>(OpenDataFile(path, {})));
     return &opened.back()->Sheet({});
   }
+  void TakeChange() override {}
 
   std::vector<std::shared_ptr<CAnalysisTableDoc>> tables;
   std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs;

@@ -23,6 +23,9 @@ class DocumentSink {
   // becomes the input of the analysis. The receiver keeps the sheet at least as long as the analysis lives. Throws Error
   // for a file that cannot be read.
   virtual Spreadsheet* OpenData(const std::filesystem::path& path) = 0;
+  // The analysis has changed its input, or filled a document anew that it has handed over. What shows them is told before
+  // it is painted again.
+  virtual void TakeChange() = 0;
 };
 
 }  // namespace desktop

@@ -8,6 +8,7 @@
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/dialog_window.h"
 #include "apps/desktop/port/matrix_question.h"
+#include "apps/desktop/port/name_question.h"
 #include "apps/desktop/port/selection_question.h"
 #include "apps/desktop/port/variable_question.h"
 #include "apps/desktop/port/weight_question.h"
@@ -107,7 +108,10 @@ std::vector<std::filesystem::path> WindowInterface::ChooseFiles(const FileQuesti
 
 bool WindowInterface::SelectVariables(VariableQuestion& question) {
   bool accepted = false;
-  engine_.Ask([&] { accepted = AskForVariables(question, Input(), Front()); });
+  engine_.Ask([&] {
+    accepted =
+        question.takesNames ? AskForNames(question, Front()) : AskForVariables(question, Input(), Front());
+  });
   return accepted;
 }
 
@@ -152,6 +156,13 @@ void WindowInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) 
 
 void WindowInterface::ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
   engine_.Ask([&] { sink_.TakeGraph(std::move(graph)); });
+}
+
+void WindowInterface::Change(const std::function<void()>& change) {
+  engine_.Ask([&] {
+    change();
+    sink_.TakeChange();
+  });
 }
 
 void WindowInterface::ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) {

@@ -31,6 +31,8 @@ class WindowInterface : public UserInterface {
   void RunModal(CAnalysisModalDialog& dialog) override;
   void ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
   void ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
+  // What a person may look at is changed by the thread that paints it.
+  void Change(const std::function<void()>& change) override;
   void ShowProgress(std::string_view caption, std::int64_t done, std::int64_t total) override;
   void EndProgress() override;
   bool IsExternallyCancelled() override;

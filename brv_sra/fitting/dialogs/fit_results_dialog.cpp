@@ -367,9 +367,11 @@ std::shared_ptr<CAnalysisTableDoc> CFitDistributionResults::SaveFits() {
     // Fits of before would pass for those of this time.
     if (!isFitted(distributions) && HasStoredOrder(store, number))
       Analysis().ShowMessage(FormatResource(kMsgFormerFitsRemoved, store.VariableName(number)));
-    WriteDistributionProperties(&store, distributions);
     if (isFitted(distributions)) saved.push_back(number);
   }
+  Analysis().Interface().Change([&] {
+    for (const VariableDistributions& distributions : all) WriteDistributionProperties(&store, distributions);
+  });
   for (std::size_t i = 0; i < GetInputTable()->VariableCount(); ++i) {
     const int number = static_cast<int>(i) + 1;
     const bool before = HasStoredOrder(store, number) && std::ranges::find(saved, number) == saved.end();

@@ -349,7 +349,7 @@ void CSimulationProfiler::Produce(ProfilerRun run) {
   state.outputIndependent = run.independent;
   if (state.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     run.output->SetName(state.output->Table().Name());
-    state.output->Table() = std::move(*run.output);
+    Analysis().Interface().Change([&] { state.output->Table() = std::move(*run.output); });
     SaveRequested(state.output);
   } else {
     state.output = std::make_shared<CAnalysisTableDoc>(std::move(run.output));

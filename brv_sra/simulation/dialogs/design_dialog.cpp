@@ -158,9 +158,11 @@ void CDesignSimulation::AddToInput(const Names& names) {
     sheet = GetInputTable();
   }
   const Names known = VariableNames(*sheet);
-  for (const std::string& name : names) {
-    if (std::ranges::find(known, name) == known.end()) sheet->AddVariable(Variable(name, 0));
-  }
+  Analysis().Interface().Change([&] {
+    for (const std::string& name : names) {
+      if (std::ranges::find(known, name) == known.end()) sheet->AddVariable(Variable(name, 0));
+    }
+  });
 }
 
 void CDesignSimulation::RequireParticipants() const {
@@ -174,9 +176,12 @@ void CDesignSimulation::SaveToInput() {
   RequireParticipants();
   Spreadsheet& input = *GetInputTable();
   SheetPropertyStore store = PropertiesOf(input);
-  SaveDesign(store, VariableNames(input), Design());
-  if (!Services().Matrix().attached) return;
-  WriteIntoMatrix(Design(), input);
+  const bool isMatrix = Services().Matrix().attached;
+  Analysis().Interface().Change([&] {
+    SaveDesign(store, VariableNames(input), Design());
+    if (isMatrix) WriteIntoMatrix(Design(), input);
+  });
+  if (!isMatrix) return;
   Services().ValidateInputMatrixFile();
 }
 
@@ -292,6 +297,7 @@ bool CDesignSimulation::AskForVariables() {
   VariableQuestion question;
   question.caption = szLoadResString(kDesignSelectVariables);
   question.names = NumericVariables(*GetInputTable());
+  question.takesNames = TakesNames(*GetInputTable());
   for (const std::string& name : Design().Names()) {
     const auto place = std::ranges::find(question.names, name) - question.names.begin();
     question.first.push_back(VariableNumberOf(static_cast<std::size_t>(place)));

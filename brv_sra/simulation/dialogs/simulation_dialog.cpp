@@ -492,7 +492,7 @@ void CSimulationFromDistribution::ShowOutput(std::unique_ptr<Spreadsheet> output
   SimulationState& state = Services().Simulation();
   if (state.options.autoUpdate && state.output != nullptr && state.output->HasTable()) {
     output->SetName(state.output->Table().Name());
-    state.output->Table() = std::move(*output);
+    Analysis().Interface().Change([&] { state.output->Table() = std::move(*output); });
     return SaveRequested(state.output);
   }
   state.output = std::make_shared<CAnalysisTableDoc>(std::move(output));
@@ -513,6 +513,8 @@ void CSimulationFromDistribution::ShowRepair(const SimulatedCorrelations& correl
                              " with " + file.variables[repair.row] + " from " + Readable(repair.from) +
                              " to " + Readable(repair.to),
                          MessageIcon::kInformation);
+  // It tells of the simulated data, and is not the matrix of the input.
+  const ResultsToWorkbookOff off(*Analysis().Document());
   Analysis().Interface().ShowDocument(std::make_shared<CAnalysisTableDoc>(
       ValueOrThrow(MakeMatrixFile(file, szLoadResString(kRepairedMatrixTitle)))));
 }
