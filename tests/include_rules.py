@@ -59,6 +59,7 @@ ROOMS = (
     Room("host/jobs/notation", "host/jobs/base", "third-party"),
     Room("host/jobs", "host/jobs/notation", "third-party"),
     Room("host/jobs/exchange", "host/jobs", "third-party"),
+    Room("host/jobs/dialogs", "host/jobs", "third-party"),
     Room("host/jobs/measured", "host/jobs", "third-party"),
     Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange", ""),
     Room("host/drawing", "host/reporting", "third-party drawing"),

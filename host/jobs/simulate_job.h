@@ -64,6 +64,8 @@ struct SimulateJob {
   SimulationRun Run(ProgramInterface& interface, JobRecorder& recorder) const;
   // The same from a sheet that is open.
   SimulationFindings Run(const JobInput& input, JobRecorder& recorder) const;
+  // How samples are drawn without a method: as correlations that are known say, if there are any.
+  std::string ChosenMethod(const JobInput& input) const;
   // Where the samples that it found come from, for their pictures.
   DataOrigin Origin(const SimulationFindings& found) const;
 
@@ -76,7 +78,6 @@ struct SimulateJob {
   // The correlations that are known among what is drawn, without a matrix that is asked for.
   std::vector<NotedCorrelation> KnownCorrelations(const JobInput& input,
                                                   const std::vector<std::string>& drawn) const;
-  std::string ChosenMethod(const JobInput& input) const;
   // The job with a method.
   SimulationFindings RunByMethod(const JobInput& input, JobRecorder& recorder) const;
   // What the samples follow; null without.

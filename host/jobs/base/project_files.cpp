@@ -167,13 +167,17 @@ void SaveFits(const Spreadsheet& sheet, std::unique_ptr<Spreadsheet> matrix, Dat
   home->workbook.Save(path);
 }
 
+bool CarriesDistributions(const Spreadsheet& sheet) {
+  for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
+    if (sheet.VariableAt(v).Property(kOrderProperty)) return true;
+  }
+  return false;
+}
+
 Spreadsheet& FittedSheet(DataFile& data, const std::string& name) {
   if (!name.empty()) return data.Sheet(name);
   for (std::size_t i = 0; i < data.workbook.SheetCount(); ++i) {
-    Spreadsheet& sheet = data.workbook.SheetAt(i);
-    for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
-      if (sheet.VariableAt(v).Property(kOrderProperty)) return sheet;
-    }
+    if (CarriesDistributions(data.workbook.SheetAt(i))) return data.workbook.SheetAt(i);
   }
   return data.Sheet({});
 }

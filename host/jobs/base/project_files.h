@@ -56,6 +56,8 @@ bool IsSavedAs(const DataFile& data, const std::filesystem::path& path);
 void SaveFits(const Spreadsheet& sheet, std::unique_ptr<Spreadsheet> matrix, DataFile* home,
               const std::filesystem::path& path);
 
+// Whether any variable carries saved distributions.
+bool CarriesDistributions(const Spreadsheet& sheet);
 // The sheet of that name; without a name, the first whose variables carry saved distributions, otherwise the first
 // data sheet: simulated data may stand before the sheet that they came from. Throws Error.
 Spreadsheet& FittedSheet(DataFile& data, const std::string& name);

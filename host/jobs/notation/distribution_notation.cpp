@@ -340,7 +340,8 @@ std::string LevelText(const std::string& level) {
 
 NotationError::NotationError(std::string_view text, std::size_t place, const std::string& what)
     : Error(what,
-            "character " + std::to_string(Characters(text.substr(0, place)) + 1) + " of " + Quoted(text)) {}
+            "character " + std::to_string(Characters(text.substr(0, place)) + 1) + " of " + Quoted(text)),
+      character_(Characters(text.substr(0, place))) {}
 
 NotedDistribution ReadDistribution(std::string_view text) {
   return Reader(text).Distribution();

@@ -41,8 +41,14 @@ struct NotedVariable {
 // A text that is not in the notation, or says something impossible: the message names the character, counted from 1.
 class NotationError : public Error {
  public:
-  // `place` counts from 0.
+  // `place` counts bytes from 0.
   NotationError(std::string_view text, std::size_t place, const std::string& what);
+
+  // The character, counted from 0.
+  std::size_t Place() const noexcept { return character_; }
+
+ private:
+  std::size_t character_;
 };
 
 // All throw NotationError. What they return is valid: values in their ranges and consistent, bounds that leave

@@ -39,10 +39,10 @@ bool IsBootstrapped(const FitJob& job) {
 
 class FitReportMaker {
  public:
-  FitReportMaker(const FitJob& job, AnalysisSession& session, const ReportContext& context)
+  FitReportMaker(const FitJob& job, AutomationObject& dialog, const ReportContext& context)
       : job_(job),
         sheet_(context.sheet),
-        dialog_(*session.Dialog()),
+        dialog_(dialog),
         variables_(ReadFitResults(
             dialog_, job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut, job.Top())),
         quantiles_(AllQuantiles(job, variables_)) {
@@ -249,13 +249,13 @@ class FitReportMaker {
 
 }  // namespace
 
-Report FitReport(const FitJob& job, AnalysisSession& session, const ReportContext& context) {
-  return FitReportMaker(job, session, context).Made();
+Report FitReport(const FitJob& job, AutomationObject& dialog, const ReportContext& context) {
+  return FitReportMaker(job, dialog, context).Made();
 }
 
 void WriteReportOfFit(const FitJob& job, AnalysisSession& session, const ReportContext& context) {
   if (IsWorkbookName(job.report)) return WriteFitWorkbook(session, context, job.report);
-  WriteReport(FitReport(job, session, context), job.report);
+  WriteReport(FitReport(job, *session.Dialog(), context), job.report);
 }
 
 }  // namespace brenvolt

@@ -6,8 +6,8 @@
 
 namespace brenvolt {
 
-// Of the fits that the open dialog of the session shows. Of many variables those that fits miss most are shown one by one.
-Report FitReport(const FitJob& job, AnalysisSession& session, const ReportContext& context);
+// Of the fits that the dialog shows, which was opened by the job. Of many variables those that fits miss most are shown one by one.
+Report FitReport(const FitJob& job, AutomationObject& dialog, const ReportContext& context);
 
 // Writes it to the file that the job names; where that is a workbook, the results as its sheets (fit_workbook.h). Throws
 // Error naming the file.

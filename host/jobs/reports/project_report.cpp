@@ -7,6 +7,7 @@
 
 #include "host/analysis/quantity_text.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/project_files.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/reports/repeating_command.h"
 #include "host/statistics/moments.h"
@@ -170,10 +171,7 @@ std::string MatrixText(const Spreadsheet& matrix) {
 
 DesignText DesignOf(const std::filesystem::path& project, const Spreadsheet& sheet,
                     ProgramInterface& interface) {
-  bool any = false;
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i)
-    any = any || sheet.VariableAt(i).Property(kOrderProperty).has_value();
-  if (!any) return {};
+  if (!CarriesDistributions(sheet)) return {};
   DesignJob job;
   job.project = project;
   job.sheet = sheet.Name();

@@ -1,0 +1,25 @@
+// What a person has chosen in open dialogs, as the jobs that ask for the same: reports say it, and repeat it.
+#pragma once
+
+#include "host/automation/automation_object.h"
+#include "host/jobs/fit_job.h"
+#include "host/jobs/profile_job.h"
+#include "host/jobs/simulate_job.h"
+
+namespace brenvolt {
+
+// The files and reports of the jobs are not those of dialogs, and stay empty. All throw Error for a choice that no job has.
+
+struct FitInDialog {
+  FitJob job;
+  bool isWhole = true;  // false: variables are treated in ways that the job cannot tell apart
+};
+// Of the fit specification over a sheet.
+FitInDialog ReadFitJob(AutomationObject& dialog, const Spreadsheet& sheet);
+// Of the simulation of a sheet. Its samples can be drawn again, or there is no job.
+SimulateJob ReadSimulateJob(AutomationObject& dialog, const Spreadsheet& sheet);
+// Of the profiler, which shows another response meanwhile; `selected` counts from 1, and is shown again. Every predictor has
+// its distribution.
+ProfileJob ReadProfileJob(AutomationObject& dialog, int selected);
+
+}  // namespace brenvolt

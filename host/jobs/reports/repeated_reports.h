@@ -1,0 +1,15 @@
+// Reports of jobs that are run once more to be reported: those that a person did in dialogs, which have numbers alone.
+#pragma once
+
+#include "host/jobs/profile_job.h"
+#include "host/jobs/simulate_job.h"
+#include "host/reporting/report.h"
+
+namespace brenvolt {
+
+// Of a sheet that is open, in the workbook `home`; neither is changed. `isFromFile` says that the command which opens the
+// file of the job's data does the same. Throw WrongJob, JobFailed and Error.
+Report RepeatedReport(SimulateJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile);
+Report RepeatedReport(ProfileJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile);
+
+}  // namespace brenvolt
