@@ -10,6 +10,7 @@
 #include "apps/desktop/base/text.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/jobs/notation/distribution_notation.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -47,15 +48,17 @@ QLabel* NewLabel() {
 
 }  // namespace
 
-PropertyPanel::PropertyPanel(Describer describer, QWidget* parent)
+PropertyPanel::PropertyPanel(Describer describer, Designer designer, QWidget* parent)
     : QWidget(parent),
       describer_(std::move(describer)),
+      designer_(std::move(designer)),
       name_(new QLineEdit),
       missingCode_(new QLineEdit),
       kind_(NewLabel()),
       counts_(NewLabel()),
       range_(NewLabel()),
-      distribution_(NewLabel()),
+      distribution_(new QLineEdit),
+      fault_(NewLabel()),
       properties_(NewLabel()) {
   auto* form = new QFormLayout(this);
   form->setRowWrapPolicy(QFormLayout::WrapLongRows);
@@ -64,11 +67,18 @@ PropertyPanel::PropertyPanel(Describer describer, QWidget* parent)
   form->addRow(tr("Values:"), counts_);
   form->addRow(tr("Range:"), range_);
   form->addRow(tr("&Missing code:"), missingCode_);
-  form->addRow(tr("Distribution:"), distribution_);
+  form->addRow(tr("&Distribution:"), distribution_);
+  form->addRow(fault_);
   form->addRow(tr("Properties:"), properties_);
   name_->setObjectName(QStringLiteral("variableName"));
   missingCode_->setObjectName(QStringLiteral("missingCode"));
   distribution_->setObjectName(QStringLiteral("distribution"));
+  distribution_->setPlaceholderText(tr("none, or such as normal(50, 2)"));
+  distribution_->setToolTip(tr(
+      "What the variable is simulated from, such as normal(50, 2) or triangular(100, 180, 120) in [, 170]"));
+  fault_->setObjectName(QStringLiteral("distributionFault"));
+  connect(distribution_, &QLineEdit::editingFinished, this, &PropertyPanel::ChangeDistribution);
+  connect(distribution_, &QLineEdit::textEdited, fault_, &QLabel::clear);
   missingCode_->setPlaceholderText(tr("none"));
   missingCode_->setToolTip(tr("A number that stands for a missing value; empty cells are always missing"));
   connect(name_, &QLineEdit::editingFinished, this, &PropertyPanel::Rename);
@@ -97,7 +107,9 @@ void PropertyPanel::Refresh() {
   if (variable == nullptr) {
     name_->clear();
     missingCode_->clear();
-    for (QLabel* label : {kind_, counts_, range_, distribution_, properties_}) label->clear();
+    distribution_->clear();
+    for (QLabel* label : {kind_, counts_, range_, fault_, properties_}) label->clear();
+    described_.clear();
     return;
   }
   const Summary summary = SummaryOf(*variable);
@@ -111,8 +123,11 @@ void PropertyPanel::Refresh() {
                       : tr("%1 to %2").arg(NumberText(summary.minimum), NumberText(summary.maximum)));
   missingCode_->setText(std::isnan(variable->MissingCode()) ? QString()
                                                             : NumberText(variable->MissingCode()));
-  const QString described = variable->Properties().empty() ? QString() : describer_(*variable);
-  distribution_->setText(described.isEmpty() ? tr("none saved") : described);
+  described_ = variable->Properties().empty() ? QString() : describer_(*variable);
+  distribution_->setText(described_);
+  distribution_->setCursorPosition(0);
+  distribution_->setEnabled(!isText);
+  fault_->clear();
   QStringList lines;
   for (const auto& [key, value] : variable->Properties())
     lines << Shown(key) + QStringLiteral(": ") + Shown(value);
@@ -152,6 +167,30 @@ void PropertyPanel::ChangeMissingCode() {
     return Refresh();
   }
   Change(tr("Change missing code"), [&](VariableFacts& facts) { facts.missingCode = *code; });
+}
+
+// What is wrong stays to be mended, with the cursor where it is.
+void PropertyPanel::PointAt(const QString& fault, std::size_t character) {
+  fault_->setText(fault);
+  const auto place = std::min(static_cast<int>(character), static_cast<int>(distribution_->text().size()));
+  distribution_->setSelection(place, 1);
+}
+
+void PropertyPanel::ChangeDistribution() {
+  const Variable* variable = Current();
+  const QString text = distribution_->text().trimmed();
+  if (variable == nullptr || text == described_ || !fault_->text().isEmpty()) return;
+  if (text.isEmpty()) return Refresh();
+  distribution_->setText(text);
+  try {
+    auto properties = designer_(*variable, Utf8(text));
+    Change(tr("Change distribution"),
+           [&](VariableFacts& facts) { facts.properties = std::move(properties); });
+  } catch (const NotationError& error) {
+    PointAt(Shown(error.Where()) + QStringLiteral(": ") + Shown(error.what()), error.Place());
+  } catch (const std::exception& error) {
+    PointAt(Shown(error.what()), 0);
+  }
 }
 
 }  // namespace brenvolt::desktop

@@ -20,7 +20,12 @@ class PropertyPanel : public QWidget {
   // What a variable is simulated from, in the notation of distributions; empty if it carries none.
   using Describer = std::function<QString(const Variable& variable)>;
 
-  explicit PropertyPanel(Describer describer, QWidget* parent = nullptr);
+  // The properties of the variable once it is simulated from a distribution in that notation. Throws as PropertiesWith
+  // does (host/jobs/dialogs/variable_design.h).
+  using Designer = std::function<std::vector<std::pair<std::string, std::string>>(
+      const Variable& variable, const std::string& distribution)>;
+
+  PropertyPanel(Describer describer, Designer designer, QWidget* parent = nullptr);
 
   // Shows a variable until it is told of another one; none without a document.
   void Show(Document* document, Spreadsheet* sheet, std::size_t variable);
@@ -33,9 +38,12 @@ class PropertyPanel : public QWidget {
   void Change(const QString& what, const std::function<void(VariableFacts& facts)>& change);
   void Rename();
   void ChangeMissingCode();
+  void ChangeDistribution();
+  void PointAt(const QString& fault, std::size_t character);
   const Variable* Current() const;
 
   Describer describer_;
+  Designer designer_;
   Document* document_ = nullptr;
   Spreadsheet* sheet_ = nullptr;
   std::size_t variable_ = 0;
@@ -45,7 +53,9 @@ class PropertyPanel : public QWidget {
   QLabel* kind_;
   QLabel* counts_;
   QLabel* range_;
-  QLabel* distribution_;
+  QLineEdit* distribution_;
+  QLabel* fault_;
+  QString described_;  // the distribution that the variable carries
   QLabel* properties_;
 };
 

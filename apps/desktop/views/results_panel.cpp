@@ -120,6 +120,8 @@ ResultsPanel::ResultsPanel(QWidget* parent)
       emit keepAsked(result->table);
   });
   keep_->setToolTip(tr("Keep the table as a sheet of the project"));
+  tools_->addAction(tr("Report…"), this, &ResultsPanel::reportAsked)
+      ->setToolTip(tr("Write a report of the results of the open dialog: PDF, HTML or Markdown"));
   tools_->addAction(tr("Remove"), this, &ResultsPanel::Remove)->setToolTip(tr("Remove the result"));
   tools_->addSeparator();
   const auto zoom = [this](void (PictureView::*how)()) {
@@ -159,8 +161,22 @@ void ResultsPanel::AddItem(const QString& title, Result result) {
   item->setData(0, kPlaceRole, static_cast<int>(results_.size()));
   result.item = item;
   results_.push_back(std::make_unique<Result>(std::move(result)));
-  tree_->setCurrentItem(item);
+  if (isSeries_) {
+    if (first_ == nullptr) first_ = item;
+  } else {
+    tree_->setCurrentItem(item);
+  }
   emit added();
+}
+
+void ResultsPanel::BeginSeries() {
+  isSeries_ = true;
+  first_ = nullptr;
+}
+
+void ResultsPanel::EndSeries() {
+  isSeries_ = false;
+  if (first_ != nullptr) tree_->setCurrentItem(std::exchange(first_, nullptr));
 }
 
 int ResultsPanel::Count() const {
@@ -278,6 +294,7 @@ void ResultsPanel::Remove() {
   auto& place = results_[static_cast<std::size_t>(result->item->data(0, kPlaceRole).toInt())];
   QTreeWidgetItem* parent = result->item->parent();
   const std::unique_ptr<Result> removed = std::move(place);
+  if (first_ == removed->item) first_ = nullptr;
   delete removed->item;
   delete removed->page;
   if (parent->childCount() == 0) {

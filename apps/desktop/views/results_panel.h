@@ -25,7 +25,9 @@ class ResultsPanel : public QWidget {
 
   // What comes from now on stands below this title.
   void BeginGroup(const QString& title);
-  // The page that came last is shown.
+  // The page that came last is shown; of those that come between the two calls, the first.
+  void BeginSeries();
+  void EndSeries();
   void Add(std::shared_ptr<CAnalysisTableDoc> table);
   void Add(std::shared_ptr<CAnalysisGraphDoc> graph);
   int Count() const;
@@ -47,6 +49,8 @@ class ResultsPanel : public QWidget {
   // There is one more result.
   void added();
   void said(const QString& text);
+  // A report of the results is asked for.
+  void reportAsked();
   // The table is to be kept as a sheet of the project.
   void keepAsked(std::shared_ptr<CAnalysisTableDoc> table);
 
@@ -65,7 +69,9 @@ class ResultsPanel : public QWidget {
   QAction* keep_;
   QList<QAction*> zooms_;
   QTreeWidgetItem* group_ = nullptr;
-  QList<QTreeWidgetItem*> open_;  // those with a page, the one looked at last first
+  bool isSeries_ = false;
+  QTreeWidgetItem* first_ = nullptr;  // of the series
+  QList<QTreeWidgetItem*> open_;      // those with a page, the one looked at last first
   std::vector<std::unique_ptr<Result>> results_;
 };
 

@@ -55,12 +55,17 @@ MacroPanel::MacroPanel(std::filesystem::path folder, QWidget* parent)
       editor_(NewPage(tr("Macro"))),
       output_(NewPage(tr("Output of the macro"))),
       title_(new QLabel) {
-  editor_->setPlaceholderText(tr("Open a macro, or write one: a Python program over the package brenvolt."));
+  editor_->setPlaceholderText(
+      tr("Record what you do, open a macro, or write one: a Python program over the "
+         "package brenvolt."));
   editor_->setObjectName(QStringLiteral("macro"));
   output_->setObjectName(QStringLiteral("macroOutput"));
   output_->setReadOnly(true);
   output_->setPlaceholderText(tr("What a macro prints appears here."));
   auto* tools = new QToolBar;
+  record_ = tools->addAction(tr("Record"));
+  record_->setCheckable(true);
+  record_->setToolTip(tr("Write down what you do in dialogs as a macro"));
   run_ = tools->addAction(tr("Run"), this, &MacroPanel::Run);
   stop_ = tools->addAction(tr("Stop"), this, &MacroPanel::Stop);
   stop_->setEnabled(false);
@@ -80,6 +85,7 @@ MacroPanel::MacroPanel(std::filesystem::path folder, QWidget* parent)
   layout->setSpacing(0);
   layout->addWidget(tools);
   layout->addWidget(splitter);
+  connect(record_, &QAction::triggered, this, &MacroPanel::recordAsked);
   connect(editor_->document(), &QTextDocument::modificationChanged, this, &MacroPanel::UpdateTitle);
   connect(editor_, &QPlainTextEdit::textChanged, this, [this] { editor_->setExtraSelections({}); });
   UpdateTitle();
@@ -111,6 +117,10 @@ QString MacroPanel::Text() const {
   return editor_->toPlainText();
 }
 
+QString MacroPanel::Output() const {
+  return output_->toPlainText();
+}
+
 bool MacroPanel::IsModified() const {
   return editor_->document()->isModified();
 }
@@ -120,6 +130,11 @@ void MacroPanel::Save(const std::filesystem::path& macro) {
   file_ = macro;
   editor_->document()->setModified(false);
   UpdateTitle();
+}
+
+void MacroPanel::SetRecording(bool recording) {
+  record_->setChecked(recording);
+  record_->setText(recording ? tr("Stop recording") : tr("Record"));
 }
 
 // What is run is what is shown, saved or not; the file that a person saved is not touched.

@@ -1,4 +1,4 @@
-// Macros: read, changed and run. What a macro prints stands below its text, and a fault at its line.
+// Macros: recorded, read, changed and run. What a macro prints stands below its text, and a fault at its line.
 #pragma once
 
 #include <QWidget>
@@ -27,9 +27,13 @@ class MacroPanel : public QWidget {
   void Open(const std::filesystem::path& macro);
   void SetText(const QString& text);
   QString Text() const;
+  // What the macro that was run last has printed.
+  QString Output() const;
   bool IsModified() const;
   // Throws Error.
   void Save(const std::filesystem::path& macro);
+  // The recorder is switched on and off by who owns the analyses.
+  void SetRecording(bool recording);
 
  public slots:
   void Run();
@@ -39,6 +43,7 @@ class MacroPanel : public QWidget {
   bool AskSave();
 
  signals:
+  void recordAsked(bool on);
   void ended(bool succeeded);
   void said(const QString& text);
 
@@ -53,6 +58,7 @@ class MacroPanel : public QWidget {
   QPlainTextEdit* editor_;
   QPlainTextEdit* output_;
   QLabel* title_;
+  QAction* record_;
   QAction* run_;
   QAction* stop_;
   MacroProcess* process_ = nullptr;

@@ -28,6 +28,7 @@ void MainWindow::MakeFileMenu() {
                    << menu.addAction(tr("Save &as…"), QKeySequence(tr("Ctrl+Shift+S")), this,
                                      &MainWindow::SaveAs);
   gridActions_ << menu.addAction(tr("&Export sheet…"), this, &MainWindow::ExportSheet);
+  menu.addAction(tr("Export r&eport…"), this, &MainWindow::ExportReport);
   menu.addSeparator();
   documentActions_ << menu.addAction(tr("&Close"), QKeySequence::Close, this, &MainWindow::CloseDocument);
   menu.addAction(tr("&Quit"), QKeySequence::Quit, this, &QWidget::close);
@@ -88,6 +89,12 @@ void MainWindow::MakeEditMenu() {
 
 void MainWindow::MakeTaskMenu() {
   QMenu& menu = *menuBar()->addMenu(tr("&Analyse"));
+  for (const auto& [task, text] :
+       {std::pair(Task::kFit, tr("&Fit distributions…")), std::pair(Task::kSimulate, tr("&Simulate data…")),
+        std::pair(Task::kDesign, tr("&Design a simulation…")),
+        std::pair(Task::kProfile, tr("&Profile a model…"))})
+    menu.addAction(text, this, [this, chosen = task] { StartTask(chosen); });
+  menu.addSeparator();
   gridActions_ << menu.addAction(tr("P&ictures of the variable"), this, &MainWindow::ShowPictures);
 }
 

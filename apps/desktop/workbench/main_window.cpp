@@ -5,7 +5,6 @@
 #include <QDragEnterEvent>
 #include <QFileDialog>
 #include <QFileInfo>
-#include <QGuiApplication>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -22,14 +21,15 @@
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/views/property_panel.h"
 #include "apps/desktop/views/results_panel.h"
+#include "apps/desktop/workbench/analysis_desk.h"
 #include "apps/desktop/workbench/document_view.h"
 #include "apps/desktop/workbench/macro_panel.h"
 #include "apps/desktop/workbench/recovery_dialog.h"
 #include "apps/desktop/workbench/start_page.h"
+#include "apps/desktop/workbench/telling.h"
 #include "host/base/error.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/project_files.h"
-#include "host/jobs/data_plots.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -39,20 +39,6 @@ constexpr int kHeight = 760;
 constexpr int kMessageTime = 15000;
 // What the state of the layout is about; another number forgets it.
 constexpr int kLayoutVersion = 1;
-
-QString Explained(const Error& error) {
-  if (error.Where().empty()) return Shown(error.what());
-  return Shown(error.Where()) + QStringLiteral(":\n") + Shown(error.what());
-}
-
-// What a wait of more than a moment looks like.
-class WaitCursor {
- public:
-  WaitCursor() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
-  ~WaitCursor() { QGuiApplication::restoreOverrideCursor(); }
-  WaitCursor(const WaitCursor&) = delete;
-  WaitCursor& operator=(const WaitCursor&) = delete;
-};
 
 }  // namespace
 
@@ -77,12 +63,17 @@ MainWindow::MainWindow(const std::filesystem::path& folder) : settings_(folder) 
 
 MainWindow::~MainWindow() {
   properties_->Show(nullptr, nullptr, 0);
+  desk_.reset();
   // The views look at the documents.
   tabs_->disconnect(this);
   delete tabs_;
 }
 
 void MainWindow::MakeParts() {
+  desk_ = std::make_unique<AnalysisDesk>(*this, [this](const std::filesystem::path& file) -> Document& {
+    if (!OpenFile(file)) throw Error("the file cannot be opened", file.string());
+    return *CurrentDocument();
+  });
   start_ = new StartPage;
   pages_ = new QStackedWidget;
   splitter_ = new QSplitter(Qt::Horizontal);
@@ -102,7 +93,9 @@ void MainWindow::MakeParts() {
   pages_->addWidget(splitter_);
   setCentralWidget(pages_);
 
-  properties_ = new PropertyPanel([](const Variable&) { return QString(); });
+  properties_ = new PropertyPanel(
+      [this](const Variable& variable) { return desk_->Describe(variable); },
+      [this](const Variable& variable, const std::string& text) { return desk_->Designed(variable, text); });
   propertyDock_ = new QDockWidget(tr("Variable"), this);
   propertyDock_->setObjectName(QStringLiteral("variableDock"));
   propertyDock_->setWidget(properties_);
@@ -117,6 +110,16 @@ void MainWindow::MakeParts() {
 }
 
 void MainWindow::ConnectParts() {
+  connect(desk_.get(), &AnalysisDesk::begun, results_, &ResultsPanel::BeginGroup);
+  connect(desk_.get(), &AnalysisDesk::tableShown, results_,
+          qOverload<std::shared_ptr<CAnalysisTableDoc>>(&ResultsPanel::Add));
+  connect(desk_.get(), &AnalysisDesk::graphShown, results_,
+          qOverload<std::shared_ptr<CAnalysisGraphDoc>>(&ResultsPanel::Add));
+  connect(desk_.get(), &AnalysisDesk::seriesBegun, results_, &ResultsPanel::BeginSeries);
+  connect(desk_.get(), &AnalysisDesk::seriesEnded, results_, &ResultsPanel::EndSeries);
+  connect(desk_.get(), &AnalysisDesk::changed, results_, &ResultsPanel::Refresh);
+  connect(desk_.get(), &AnalysisDesk::said, this, &MainWindow::Say);
+  connect(start_, &StartPage::taskAsked, this, &MainWindow::StartTaskAfresh);
   connect(start_, &StartPage::openAsked, this, &MainWindow::Open);
   connect(start_, &StartPage::newAsked, this, &MainWindow::NewProject);
   connect(start_, &StartPage::fileAsked, this, [this](const QString& file) { OpenFile(PathOf(file)); });
@@ -127,16 +130,20 @@ void MainWindow::ConnectParts() {
   });
   connect(results_, &ResultsPanel::added, results_, &QWidget::show);
   connect(results_, &ResultsPanel::said, this, &MainWindow::Say);
+  connect(results_, &ResultsPanel::reportAsked, this, &MainWindow::ExportReport);
   connect(results_, &ResultsPanel::keepAsked, this, [this](const std::shared_ptr<CAnalysisTableDoc>& table) {
     if (CurrentDocument() == nullptr) NewProject();
+    if (CurrentDocument()->IsBusy()) return Say(tr("An analysis computes; add the table when it has ended."));
     CurrentDocument()->Change(tr("Add result"), [&](Workbook& workbook) {
       workbook.Add(std::make_unique<Spreadsheet>(table->Table()));
     });
+    desk_->Recording().Added(*CurrentDocument(), *table);
     Say(tr("The table is a sheet of %1 now.").arg(CurrentDocument()->Title()));
   });
   connect(properties_, &PropertyPanel::refused, this, &MainWindow::Say);
   connect(macros_, &MacroPanel::said, this, &MainWindow::Say);
   connect(macros_, &MacroPanel::ended, this, &MainWindow::macroEnded);
+  connect(macros_, &MacroPanel::recordAsked, this, &MainWindow::SetRecording);
   connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &MainWindow::LookAtFile);
 }
 
@@ -176,6 +183,7 @@ DocumentView& MainWindow::AddDocument(std::unique_ptr<Document> added) {
 
 void MainWindow::RemoveDocument(Document& document) {
   properties_->Show(nullptr, nullptr, 0);
+  desk_->Recording().Closed(document);
   history_.removeStack(&document.History());
   if (!document.File().empty()) watcher_.removePath(ShownPath(document.File()));
   delete ViewOf(document);
@@ -327,6 +335,7 @@ bool MainWindow::WriteDocument(Document& document, const std::filesystem::path& 
              .arg(Explained(error)));
     return false;
   }
+  desk_->Recording().Saved(document);
   settings_.AddRecentFile(ShownPath(document.File()));
   start_->SetRecentFiles(settings_.RecentFiles());
   Watch(document);
@@ -348,13 +357,22 @@ bool MainWindow::MayClose(Document& document) {
 bool MainWindow::CloseDocument() {
   Document* document = CurrentDocument();
   if (document == nullptr) return true;
-  if (document->IsBusy()) {
-    Say(tr("An analysis reads %1; close its dialog first.").arg(document->Title()));
+  if (!MayClose(*document)) return false;
+  if (!desk_->CloseAnalysesOf(*document)) {
+    Say(tr("An analysis computes with %1; cancel it first.").arg(document->Title()));
     return false;
   }
-  if (!MayClose(*document)) return false;
   RemoveDocument(*document);
   return true;
+}
+
+// Asks whether a macro that was changed is saved; false if the person cancelled.
+bool MainWindow::MayReplaceMacro() {
+  if (!macros_->IsModified() || macros_->Text().trimmed().isEmpty()) return true;
+  const auto answer = QMessageBox::question(this, windowTitle(), tr("Save the macro?"),
+                                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                                            QMessageBox::Save);
+  return answer == QMessageBox::Discard || (answer == QMessageBox::Save && macros_->AskSave());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -363,12 +381,11 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     if (!MayClose(*document)) return event->ignore();
     if (!document->File().empty()) session << ShownPath(document->File());
   }
-  if (macros_->IsModified() && !macros_->Text().trimmed().isEmpty()) {
-    const auto answer = QMessageBox::question(this, windowTitle(), tr("Save the macro?"),
-                                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
-                                              QMessageBox::Save);
-    if (answer == QMessageBox::Cancel || (answer == QMessageBox::Save && !macros_->AskSave()))
-      return event->ignore();
+  if (!MayReplaceMacro()) return event->ignore();
+  for (const auto& document : documents_) {
+    if (desk_->CloseAnalysesOf(*document)) continue;
+    Say(tr("An analysis computes; cancel it first."));
+    return event->ignore();
   }
   settings_.SetSessionFiles(session);
   settings_.SetLayout(QStringLiteral("window"), saveGeometry());
@@ -388,50 +405,13 @@ void MainWindow::Reload(Document& document) {
     if (answer != QMessageBox::Discard) return;
   }
   // Opened before the former one goes: where that fails, what is here stays.
+  if (!desk_->CloseAnalysesOf(document)) return Say(tr("An analysis computes; cancel it first."));
   try {
     auto again = Document::Open(settings_.Journals(), file, decimalComma);
     RemoveDocument(document);
     AddDocument(std::move(again));
   } catch (const Error& error) {
     Warn(Explained(error));
-  }
-}
-
-void MainWindow::ExportSheet() {
-  const DocumentView* view = CurrentView();
-  const Spreadsheet* sheet = view == nullptr ? nullptr : view->CurrentSheet();
-  if (sheet == nullptr) return;
-  QString name = QFileDialog::getSaveFileName(
-      this, tr("Export sheet"), Shown(sheet->Name()) + QStringLiteral(".csv"), tr("CSV (*.csv)"));
-  if (name.isEmpty()) return;
-  if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".csv");
-  try {
-    const bool comma = UserNumberLocale().decimalSeparator == ',';
-    WriteCsvFile(*sheet, PathOf(name), comma ? CsvFormat::DecimalComma() : CsvFormat());
-    Say(tr("Exported %1.").arg(name));
-  } catch (const Error& error) {
-    Warn(Explained(error));
-  }
-}
-
-void MainWindow::ShowPictures() {
-  const SheetView* grid = CurrentView() == nullptr ? nullptr : CurrentView()->CurrentGrid();
-  const auto variable = grid == nullptr ? std::nullopt : grid->CurrentVariable();
-  if (!variable) return Say(tr("Choose a cell of the variable first."));
-  const Spreadsheet& sheet = CurrentView()->CurrentGrid()->Model().Sheet();
-  try {
-    const WaitCursor wait;
-    Spreadsheet alone(sheet.Name());
-    alone.SetKind(sheet.Kind());
-    alone.AddVariable(sheet.VariableAt(*variable));
-    alone.SetSelection(sheet.Selection());
-    const std::vector<PlotPage> pages = DataPlots(alone, kOverview);
-    results_->BeginGroup(tr("Pictures of %1").arg(CurrentDocument()->Title()));
-    for (const PlotPage& page : pages) results_->Add(std::make_shared<CAnalysisGraphDoc>(page.page));
-  } catch (const Error& error) {
-    Warn(Explained(error));
-  } catch (const WrongJob& wrong) {
-    Warn(Shown(wrong.what()));
   }
 }
 
@@ -491,8 +471,9 @@ void MainWindow::ShowState() {
     tabs_->setTabText(i, one.IsModified() ? one.Title() + QStringLiteral(" *") : one.Title());
     tabs_->setTabToolTip(i, one.File().empty() ? tr("Not saved yet") : ShownPath(one.File()));
   }
-  history_.setActiveStack(
-      document == nullptr || document->IsBusy() ? nullptr : &const_cast<Document*>(document)->History());
+  history_.setActiveStack(document == nullptr || document->IsBusy() || document->IsObserved()
+                              ? nullptr
+                              : &const_cast<Document*>(document)->History());
   setWindowModified(document != nullptr && document->IsModified());
   setWindowTitle(document == nullptr ? QStringLiteral("Brenvolt")
                                      : tr("%1[*] – Brenvolt").arg(document->Title()));

@@ -10,6 +10,7 @@
 
 #include "apps/desktop/documents/document.h"
 #include "apps/desktop/workbench/settings.h"
+#include "host/jobs/base/analysis_session.h"
 
 class QActionGroup;
 class QDockWidget;
@@ -20,6 +21,7 @@ class QTabWidget;
 
 namespace brenvolt::desktop {
 
+class AnalysisDesk;
 class DocumentView;
 class MacroPanel;
 class PropertyPanel;
@@ -52,8 +54,11 @@ class MainWindow : public QMainWindow {
   std::size_t DocumentCount() const { return documents_.size(); }
   ResultsPanel& Results() { return *results_; }
   MacroPanel& Macros() { return *macros_; }
+  AnalysisDesk& Desk() { return *desk_; }
 
  public slots:
+  // Begins a task over the current document; asks for one where there is none and the task needs data.
+  void StartTask(Task task);
   void NewProject();
   // Asks for files.
   void Open();
@@ -62,6 +67,8 @@ class MainWindow : public QMainWindow {
   bool SaveAs();
   // Closes the current document; asks before unsaved edits are lost. False if the person cancelled.
   bool CloseDocument();
+  // Asks for the file of a report of the results that an open dialog shows.
+  void ExportReport();
 
  signals:
   void macroEnded(bool succeeded);
@@ -90,11 +97,21 @@ class MainWindow : public QMainWindow {
   bool WriteDocument(Document& document, const std::filesystem::path& file);
   // Asks whether unsaved edits are saved; false if the person cancelled.
   bool MayClose(Document& document);
+  bool MayReplaceMacro();
+  void SetRecording(bool on);
   void Reload(Document& document);
   void ExportSheet();
+  void WriteReportTo(const std::filesystem::path& file);
   // Histogram and box plot of the variable of the current cell, as results.
   void ShowPictures();
   bool Recover(LeftJournal& left);
+
+  // The sheet of a document that a task is about; throws Error without one.
+  static Spreadsheet& SheetFor(Task task, Document& document, Spreadsheet* current);
+  // The same from the start page.
+  void StartTaskAfresh(Task task);
+  // A project with an empty sheet, whose variables a design names.
+  void NewDesign();
 
   void Watch(const Document& document);
   void LookAtFile(const QString& file);
@@ -110,6 +127,7 @@ class MainWindow : public QMainWindow {
   Settings settings_;
   bool isUnattended_ = false;
   std::vector<std::unique_ptr<Document>> documents_;
+  std::unique_ptr<AnalysisDesk> desk_;  // its analyses look at the documents
   QUndoGroup history_;
   QFileSystemWatcher watcher_;
 

@@ -1,5 +1,6 @@
 #include "apps/desktop/workbench/start_page.h"
 
+#include <QCommandLinkButton>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -13,6 +14,21 @@
 
 namespace brenvolt::desktop {
 namespace {
+
+struct TaskCard {
+  Task task;
+  const char* title;
+  const char* text;
+};
+constexpr TaskCard kTasks[] = {
+    {Task::kFit, QT_TRANSLATE_NOOP("StartPage", "&Fit distributions"),
+     QT_TRANSLATE_NOOP("StartPage", "Find which distributions describe the variables of your data")},
+    {Task::kSimulate, QT_TRANSLATE_NOOP("StartPage", "&Simulate data"),
+     QT_TRANSLATE_NOOP("StartPage", "Draw samples from the distributions saved with a project")},
+    {Task::kDesign, QT_TRANSLATE_NOOP("StartPage", "&Design a simulation"),
+     QT_TRANSLATE_NOOP("StartPage", "Enter distributions and correlations yourself; no data are needed")},
+    {Task::kProfile, QT_TRANSLATE_NOOP("StartPage", "&Profile a model"),
+     QT_TRANSLATE_NOOP("StartPage", "See what a model or a formula predicts when its inputs vary")}};
 
 struct Example {
   const char* file;
@@ -73,6 +89,8 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout
   layout->addWidget(Heading(QStringLiteral("Brenvolt"), 2.2, true));
   layout->addWidget(Heading(tr("Distributions and simulation"), 1.15, false));
   layout->addSpacing(12);
+  AddTasks(*layout);
+  layout->addSpacing(12);
 
   auto* lower = new QGridLayout;
   lower->setHorizontalSpacing(40);
@@ -114,6 +132,20 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout
   page->setContentsMargins(0, 0, 0, 0);
   page->addWidget(scroll);
   SetRecentFiles({});
+}
+
+void StartPage::AddTasks(QVBoxLayout& layout) {
+  auto* grid = new QGridLayout;
+  grid->setSpacing(10);
+  int place = 0;
+  for (const TaskCard& card : kTasks) {
+    auto* button = new QCommandLinkButton(Said(card.title), Said(card.text));
+    button->setObjectName(QStringLiteral("task%1").arg(static_cast<int>(card.task)));
+    connect(button, &QCommandLinkButton::clicked, this, [this, &card] { emit taskAsked(card.task); });
+    grid->addWidget(button, place / 2, place % 2);
+    ++place;
+  }
+  layout.addLayout(grid);
 }
 
 QWidget* StartPage::MakeExamples() {

@@ -1,8 +1,10 @@
-// What the window shows first: files and examples to begin with.
+// What the window shows first: the tasks, recent files, and examples to try them on.
 #pragma once
 
 #include <QWidget>
 #include <filesystem>
+
+#include "host/jobs/base/analysis_session.h"
 
 class QVBoxLayout;
 
@@ -20,11 +22,13 @@ class StartPage : public QWidget {
   static std::filesystem::path ExampleFolder();
 
  signals:
+  void taskAsked(Task task);
   void openAsked();
   void newAsked();
   void fileAsked(const QString& file);
 
  private:
+  void AddTasks(QVBoxLayout& layout);
   QWidget* MakeExamples();
 
   QVBoxLayout* recent_;

@@ -1,0 +1,134 @@
+// The four tasks as a person does them in the main window, by mouse and keys, to results in the tree.
+#include <gtest/gtest.h>
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTableView>
+#include <QTreeWidget>
+
+#include "apps/desktop/base/text.h"
+#include "apps/desktop/port/desktop_support_test.h"
+#include "apps/desktop/views/results_panel.h"
+#include "apps/desktop/workbench/analysis_desk.h"
+#include "apps/desktop/workbench/bench_support_test.h"
+#include "apps/desktop/workbench/document_view.h"
+#include "apps/desktop/workbench/main_window.h"
+
+namespace brenvolt::desktop::test {
+namespace {
+
+struct Tasks : Bench, testing::Test {};
+
+TEST_F(Tasks, FitsAreRankedAndDrawnAtOnce) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  const Hand choose("variables", [](QWidget& asked) { CheckVariables(asked, {"eruptions", "waiting"}); });
+  window.StartTask(Task::kFit);
+  ASSERT_TRUE(choose.HasActed());
+  ASSERT_EQ(Dialog(), 25974);
+  Click(kControlOk);
+  ASSERT_EQ(Dialog(), 25983);
+  const QStringList results = Results();
+  EXPECT_EQ(results.size(), 6) << Utf8(results.join(u'\n'));
+  EXPECT_EQ(results.value(0), QStringLiteral("Fits of faithful.csv"));
+  EXPECT_EQ(window.Results().Tree().currentItem()->text(0), results.value(1))
+      << "the first is looked at first";
+  EXPECT_FALSE(window.CurrentDocument()->IsModified()) << "a fit changes nothing";
+}
+
+TEST_F(Tasks, ADesignWithoutDataIsSimulatedFromTheStartPage) {
+  const Hand name("names", [](QWidget& asked) {
+    Child<QPlainTextEdit>(asked, "names").setPlainText(QStringLiteral("h\nw"));
+    PressButton(asked, QDialogButtonBox::AcceptRole);
+  });
+  QTest::mouseClick(window.findChild<QWidget*>("task2"), Qt::LeftButton);
+  ASSERT_TRUE(name.HasActed());
+  ASSERT_EQ(Dialog(), 15000);
+  Spreadsheet& sheet = *window.CurrentView()->CurrentSheet();
+  EXPECT_EQ(sheet.VariableCount(), 2U);
+  EXPECT_EQ(window.CurrentView()->CurrentGrid()->model()->columnCount(), 2);
+  DesignNormal(0, "50.2", "0.05");
+  DesignNormal(1, "10", "2");
+  Click(kControlOk);
+  ASSERT_EQ(Dialog(), 25991);
+  EXPECT_EQ(window.CurrentDocument()->Content().SheetCount(), 2U) << "the design with its correlations";
+  EXPECT_TRUE(window.CurrentDocument()->IsModified());
+  Type(1127, "200");
+  Click(kControlOk);
+  ASSERT_EQ(Dialog(), 25988);
+  const QStringList results = Results();
+  // The matrix, the data, their summary and a picture of each variable.
+  EXPECT_EQ(results.size(), 6) << Utf8(results.join(u'\n'));
+
+  QTest::keyClick(&window.Desk().Window()[0], Qt::Key_Escape);
+  EXPECT_EQ(Dialog(), 25991);
+}
+
+TEST_F(Tasks, AFormulaIsProfiledAtOnce) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  window.StartTask(Task::kProfile);
+  ASSERT_EQ(Dialog(), 15033);
+  Type(1352, QStringLiteral("y = eruptions + waiting"));
+  Click(1353);
+  Type(1347, QStringLiteral("90"));
+  Click(kControlOk);
+  const QStringList results = Results();
+  EXPECT_GT(results.size(), 6) << Utf8(results.join(u'\n'));
+  EXPECT_TRUE(results.join(u'\n').contains(QStringLiteral("y"))) << Utf8(results.join(u'\n'));
+}
+
+TEST_F(Tasks, WhatAnAnalysisSavesCanBeUndoneAndIsPaintedByTheThreadThatChangesIt) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  const Hand choose("variables", [](QWidget& asked) { CheckVariables(asked, {"waiting"}); });
+  window.StartTask(Task::kFit);
+  Click(kControlOk);
+  ASSERT_EQ(Dialog(), 25983);
+  std::vector<Qt::HANDLE> threads;
+  const QMetaObject::Connection changed = QObject::connect(
+      &window.Desk(), &AnalysisDesk::changed, &window, [&] { threads.push_back(QThread::currentThreadId()); },
+      Qt::DirectConnection);
+  Click(1104);
+  QObject::disconnect(changed);
+  ASSERT_FALSE(threads.empty());
+  for (Qt::HANDLE thread : threads) EXPECT_EQ(thread, QThread::currentThreadId());
+  const Workbook& content = window.CurrentDocument()->Content();
+  EXPECT_EQ(content.SheetCount(), 2U);
+  const Variable& waiting = content.SheetAt(0).VariableAt(1);
+  EXPECT_FALSE(waiting.Properties().empty());
+  while (Dialog() != 0) QTest::keyClick(window.Desk().Window(), Qt::Key_Escape);
+  QTest::qWait(10);
+  window.CurrentDocument()->History().undo();
+  window.CurrentDocument()->History().undo();
+  EXPECT_TRUE(waiting.Properties().empty());
+  EXPECT_EQ(content.SheetCount(), 1U);
+}
+
+TEST_F(Tasks, ADistributionIsEnteredInPlainNotation) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  SheetView& grid = *window.CurrentView()->CurrentGrid();
+  grid.setCurrentIndex(grid.model()->index(0, 1));
+  auto& field = Child<QLineEdit>(window, "distribution");
+  const auto enter = [&](const char* text) {
+    field.setText(QLatin1String(text));
+    QTest::keyClick(&field, Qt::Key_Return);
+  };
+  enter("normal(10, -2)");
+  EXPECT_EQ(field.text(), QStringLiteral("normal(10, -2)")) << "what is wrong stays to be mended";
+  EXPECT_EQ(field.selectedText(), QStringLiteral("-"));
+  EXPECT_TRUE(
+      Child<QLabel>(window, "distributionFault").text().startsWith(QStringLiteral("character 12 of ")))
+      << Utf8(Child<QLabel>(window, "distributionFault").text());
+  const Variable& waiting = window.CurrentDocument()->Content().SheetAt(0).VariableAt(1);
+  EXPECT_TRUE(waiting.Properties().empty());
+  QTest::keyClick(&field, Qt::Key_Backspace);
+  QTest::keyClick(&field, Qt::Key_Return);
+  EXPECT_EQ(field.text(), QStringLiteral("normal(location=10, scale=2)"));
+  EXPECT_TRUE(Child<QLabel>(window, "distributionFault").text().isEmpty());
+  EXPECT_FALSE(waiting.Properties().empty());
+  window.CurrentDocument()->History().undo();
+  EXPECT_TRUE(waiting.Properties().empty());
+  EXPECT_EQ(field.text(), QString());
+}
+
+}  // namespace
+}  // namespace brenvolt::desktop::test
