@@ -59,9 +59,10 @@ ROOMS = (
     Room("host/jobs/notation", "host/jobs/base", "third-party"),
     Room("host/jobs", "host/jobs/notation", "third-party"),
     Room("host/jobs/exchange", "host/jobs", "third-party"),
-    Room("host/jobs/dialogs", "host/jobs", "third-party"),
     Room("host/jobs/measured", "host/jobs", "third-party"),
-    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange", ""),
+    Room("host/jobs/profile", "host/jobs", "third-party"),
+    Room("host/jobs/dialogs", "host/jobs/profile", "third-party"),
+    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange host/jobs/profile", ""),
     Room("host/drawing", "host/reporting", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 
 namespace brenvolt::cli {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/jobs/fit_results.h"
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/jobs/simulation_results.h"
 
 namespace brenvolt::python {

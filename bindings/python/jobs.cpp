@@ -37,7 +37,8 @@
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/measured/censored_fit_job.h"
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile/profile_graphs.h"
+#include "host/jobs/profile/profile_job.h"
 #include "host/jobs/reports/fit_report.h"
 #include "host/jobs/reports/measured_reports.h"
 #include "host/jobs/reports/profile_report.h"
@@ -355,6 +356,7 @@ py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool 
   job.keepsGraphs = true;
   CarryOut(analysis, [&] {
     found = job.Run(InputOf(sheet, true, analysis), TheJob());
+    MakeGraphs(analysis->Session(), found);
     if (!job.report.empty())
       WriteReport(ProfileReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
   });

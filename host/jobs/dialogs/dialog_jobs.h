@@ -3,7 +3,7 @@
 
 #include "host/automation/automation_object.h"
 #include "host/jobs/fit_job.h"
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile/profile_job.h"
 #include "host/jobs/simulate_job.h"
 
 namespace brenvolt {

@@ -6,7 +6,7 @@
 #include <variant>
 
 #include "host/base/number_text.h"
-#include "host/jobs/profile_plots.h"
+#include "host/jobs/profile/profile_plots.h"
 #include "host/jobs/reports/profile_tables.h"
 #include "host/jobs/reports/repeating_command.h"
 

@@ -1,7 +1,7 @@
 // The report of a profile.
 #pragma once
 
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile/profile_job.h"
 #include "host/jobs/reports/report_parts.h"
 
 namespace brenvolt {

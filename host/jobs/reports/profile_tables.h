@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/reporting/report.h"
 
 namespace brenvolt {

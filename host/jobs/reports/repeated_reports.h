@@ -1,7 +1,7 @@
 // Reports of jobs that are run once more to be reported: those that a person did in dialogs, which have numbers alone.
 #pragma once
 
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile/profile_job.h"
 #include "host/jobs/simulate_job.h"
 #include "host/reporting/report.h"
 

@@ -8,7 +8,7 @@
 #include "host/jobs/fit_job.h"
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/measured/censored_fit_job.h"
-#include "host/jobs/profile_job.h"
+#include "host/jobs/profile/profile_job.h"
 #include "host/jobs/simulate_job.h"
 
 namespace brenvolt {

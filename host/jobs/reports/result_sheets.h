@@ -7,7 +7,7 @@
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_results.h"
 #include "host/jobs/measured/censored_results.h"
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/jobs/simulation_results.h"
 #include "host/tables/spreadsheet.h"
 

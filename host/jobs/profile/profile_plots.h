@@ -7,7 +7,7 @@
 
 #include "host/graphs/graph.h"
 #include "host/jobs/base/plot.h"
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {

@@ -1,4 +1,4 @@
-#include "host/jobs/predictor_inputs.h"
+#include "host/jobs/profile/predictor_inputs.h"
 
 #include <algorithm>
 #include <utility>

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/jobs/design_job.h"
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 
 namespace brenvolt {
 

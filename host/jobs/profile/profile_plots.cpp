@@ -1,4 +1,4 @@
-#include "host/jobs/profile_plots.h"
+#include "host/jobs/profile/profile_plots.h"
 
 #include <algorithm>
 #include <cmath>

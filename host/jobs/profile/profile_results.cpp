@@ -1,4 +1,4 @@
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 
 #include <algorithm>
 #include <cmath>

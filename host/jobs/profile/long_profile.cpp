@@ -1,4 +1,4 @@
-#include "host/jobs/long_profile.h"
+#include "host/jobs/profile/long_profile.h"
 
 #include <algorithm>
 #include <cmath>

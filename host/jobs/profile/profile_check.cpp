@@ -11,8 +11,8 @@
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/base/specification_check.h"
-#include "host/jobs/profile_job.h"
-#include "host/jobs/profile_plots.h"
+#include "host/jobs/profile/profile_job.h"
+#include "host/jobs/profile/profile_plots.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt {

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {

@@ -14,18 +14,26 @@
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/design_job.h"
-#include "host/jobs/profile_plots.h"
-#include "host/jobs/profile_results.h"
+#include "host/jobs/profile/profile_plots.h"
+#include "host/jobs/profile/profile_results.h"
 #include "host/models/model_function.h"
 
 namespace brenvolt {
 
+// The graphs of all responses together.
+struct SharedGraphs {
+  std::optional<Graph> profiles;
+  std::optional<Graph> defects;
+};
+
 struct ProfileFindings {
   ProfileResults results;
   Table simulated;  // a row per run; of runs beyond those that the dialog takes at once, the first ones
-  std::string outputSheet;             // the sheet of the simulated runs where they went into a project
-  std::int32_t seed = 0;               // given or drawn: the same seed gives the same runs
-  std::vector<ResponseGraphs> graphs;  // of each response, where any were asked for
+  std::string outputSheet;  // the sheet of the simulated runs where they went into a project
+  std::int32_t seed = 0;    // given or drawn: the same seed gives the same runs
+  SharedGraphs shared;
+  std::vector<std::string> graphNotes;  // on all graphs
+  std::vector<ResponseGraphs> graphs;  // of each response, once they were made: MakeGraphs (profile_graphs.h)
 };
 
 struct ProfileRun : JobRun, ProfileFindings {};
@@ -66,7 +74,9 @@ struct ProfileJob {
   std::filesystem::path graphs;  // empty: none are written
   std::filesystem::path report;  // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
-  bool keepsGraphs = false;  // the findings have the graphs, also if none are written or drawn
+  // The findings have the graphs also if none are written or drawn, where the dialog goes on to further runs. Of fewer runs
+  // the dialog makes them later.
+  bool keepsGraphs = false;
 
   // All that can be refused without the data.
   JobFaults Check() const;
