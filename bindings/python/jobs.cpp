@@ -348,7 +348,8 @@ AutomationRef ReturnLevels(const FitJob& job, const std::shared_ptr<AnalysisRef>
   });
 }
 
-// The simulated runs, their seed, what was found, and the graphs of the responses. `matrix` may be null.
+// The simulated runs, their seed, what was found, and a function that makes the graphs of the responses, which takes some
+// time. `matrix` may be null.
 py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool isFromFile) {
   std::shared_ptr<AnalysisRef> analysis;
   ProfileFindings found;
@@ -356,12 +357,16 @@ py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool 
   job.keepsGraphs = true;
   CarryOut(analysis, [&] {
     found = job.Run(InputOf(sheet, true, analysis), TheJob());
-    MakeGraphs(analysis->Session(), found);
     if (!job.report.empty())
       WriteReport(ProfileReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
   });
-  return py::make_tuple(std::make_shared<SheetRef>(found.simulated), found.seed, ProfileDict(found.results),
-                        ResponseGraphDicts(found.graphs));
+  const auto kept = std::make_shared<ProfileFindings>(std::move(found));
+  const auto graphs = [kept, analysis] {
+    CarryOut(analysis, [&] { MakeGraphs(analysis->Session(), *kept); });
+    return ResponseGraphDicts(kept->graphs);
+  };
+  return py::make_tuple(std::make_shared<SheetRef>(kept->simulated), kept->seed, ProfileDict(kept->results),
+                        py::cpp_function(graphs));
 }
 
 template <class Job>

@@ -3,10 +3,11 @@
 from __future__ import annotations
 
 import contextlib
+import functools
 import html
 import json
 import os
-from collections.abc import Iterable, Mapping
+from collections.abc import Callable, Iterable, Mapping
 from typing import TYPE_CHECKING, Any
 
 from . import _arguments, _automation, _brenvolt, _design, _function, _reading, _sheets, distributions as _distributions
@@ -727,18 +728,24 @@ class ProfileResult:
     """
 
     def __init__(self, simulated: Spreadsheet, seed: int, found: Mapping[str, Any],
-                 graphs: Iterable[Mapping[str, Any]]) -> None:
+                 make_graphs: Callable[[], list[Mapping[str, Any]]]) -> None:
         self._simulated = simulated
+        self._make_graphs = make_graphs
         self.runs: int = found["runs"]
         self.seed = seed
         self.method: str = found["method"]
         self.predictors: dict[str, str] = found["predictors"]
         self.fixed: dict[str, float | str] = found["fixed"]
         self.correlations: dict[tuple[str, str], float] = found["correlations"]
-        self.responses = {response["name"]: ProfiledResponse(response, drawn)
-                          for response, drawn in zip(found["responses"], graphs)}
+        self.responses = {response["name"]: ProfiledResponse(self, place, response)
+                          for place, response in enumerate(found["responses"])}
         self.defects = _rows_frame(found["defects"], "response")
         self.notes: list[str] = found["notes"]
+
+    @functools.cached_property
+    def _graphs(self):
+        """The graphs by kind, a dictionary for each response, made when the first is wanted."""
+        return self._make_graphs()
 
     @property
     def samples(self) -> pandas.DataFrame:
@@ -770,11 +777,10 @@ class ProfiledResponse:
     runs have no prediction.
     """
 
-    def __init__(self, found: Mapping[str, Any], graphs: Mapping[str, Any]) -> None:
+    def __init__(self, result: ProfileResult, place: int, found: Mapping[str, Any]) -> None:
         import pandas
 
-        self._graphs = graphs
-
+        self._result, self._place = result, place
         self.name: str = found["name"]
         self.statistics = pandas.Series(found["statistics"], name=self.name)
         self.percentiles = _rows_frame(found["percentiles"], "percent")
@@ -787,6 +793,10 @@ class ProfiledResponse:
         capability = found["capability"]
         self.capability = None if capability is None else _rows_frame(capability["rows"], "statistic")
         self.capability_distribution = None if capability is None else capability["distribution"]
+
+    @property
+    def _graphs(self):
+        return self._result._graphs[self._place]
 
     def graph(self, kind: str) -> _automation.GraphDocument:
         """A GraphDocument, as pictures of profile() show it.
