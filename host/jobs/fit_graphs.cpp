@@ -122,10 +122,11 @@ PlotPage UnfittedPage(const Spreadsheet& sheet, const ResultRow& summary, std::s
   const std::string reason = summary.Text("reason"_column);
   const std::string note = reason.empty() ? "nothing could be fitted" : reason;
   const auto place = sheet.FindVariable(summary.name);
-  const bool isOfData =
-      kind == kOverview || kind == kFitComparison || kind == "histogram" || kind == "box-plot";
+  const bool isWhole = kind == kOverview || kind == kFitSummaryGraph.word;
+  const bool isOfData = isWhole || kind == kFitComparison || kind == "histogram" || kind == "box-plot";
   if (!place || !isOfData) return SinglePage(summary.name, TextGraph({summary.name, note}));
-  PlotPage page = DataPage(sheet, sheet.VariableAt(*place), kind == kFitComparison ? "histogram" : kind);
+  const std::string_view shown = isWhole ? kOverview : kind == kFitComparison ? "histogram" : kind;
+  PlotPage page = DataPage(sheet, sheet.VariableAt(*place), shown);
   page.page.notes.push_back(note);
   page.cell.notes.push_back(note);
   return page;
@@ -137,6 +138,7 @@ PlotPage PageOf(AutomationObject& dialog, const ResultRow& summary, const Plot& 
   const std::string_view kind = plot.Kind();
   const bool isWhole = kind == kOverview;
   std::vector<Graph> graphs;
+  if (kind == kFitSummaryGraph.word) graphs.push_back(GraphOrReason(dialog, variable, kFitSummaryGraph));
   if (isWhole || kind == kFitComparison) graphs.push_back(ComparisonOf(dialog, variable));
   for (const FitGraph& graph : kFitGraphs) {
     if (graph.word != kind && (!isWhole || graph.word == kFitGraphs[0].word)) continue;
@@ -170,10 +172,13 @@ Graph FitGraphOf(CAnalysisSupport& analysis, std::int32_t variable, std::int32_t
   const auto open = analysis.GetDialgInterface();
   if (open == nullptr) throw Error("the analysis has no open dialog");
   const ActionRecording none(analysis);
+  const ResultTable summary = ReadResultTable(open->Get("SummaryStats"));
+  const auto place = static_cast<std::size_t>(variable - 1);
+  const ResultRow& row = summary.rows.at(place);
+  if (fit == 0) return FitPlotOf(*open, summary, place, *analysis.InputTable(), plot).page;
   open->Put("QuickTabVariable", variable);
   open->Put("QuickTabDistribution", fit);
-  const ResultTable summary = ReadResultTable(open->Get("SummaryStats"));
-  return PageOf(*open, summary.rows.at(static_cast<std::size_t>(variable - 1)), plot).page;
+  return PageOf(*open, row, plot).page;
 }
 
 void WriteFitGraphs(CAnalysisSupport& analysis, const std::filesystem::path& path, JobRecorder& job) {

@@ -32,7 +32,8 @@ inline constexpr std::string_view kFitPlotKinds[] = {
 // cannot be made says why in its place; of a variable without fits the data of the sheet are shown.
 std::vector<PlotPage> FitPlots(AutomationObject& dialog, const Spreadsheet& sheet, const Plot& plot);
 
-// One of these for a fit of a variable, by their places among the results, from 1. No macro has it as a step.
+// One of these, or the summary, for a fit of a variable, by their places among the results, from 1; fit 0 is what pictures
+// show: the fit that is saved first, or the data where there is none. No macro has it as a step.
 Graph FitGraphOf(CAnalysisSupport& analysis, std::int32_t variable, std::int32_t fit, const Plot& plot);
 
 // The page of a variable, by its place in the summary of the dialog from 0.

@@ -22,6 +22,8 @@ if TYPE_CHECKING:
 
 Names = str | int | Iterable[str] | Iterable[int] | None
 
+# The graphs of a fit by their kinds, with the members of the dialog that make them.
+_FIT_GRAPHS = {**_brenvolt._fit_graphs, "fit-comparison": None, "return-levels": None}
 _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
 
 
@@ -330,21 +332,19 @@ class FitResult:
             self._job.write_report(self.analysis._analysis, path, not self._lent)
 
     def plot(self, kind: str = "histogram", ax: Any = None, band: bool = False) -> Any:
-        """Draws a graph of each variable that has fits, as FittedVariable.plot does. Returns the axes: of several variables
-        an array of them."""
+        """Draws a graph of each variable, of a kind of FittedVariable.graph, as pictures of fit() show it: with the best fit, and
+        a variable without fits by its data. Returns the axes: of several variables an array of them."""
         from . import _plotting
 
-        fitted = [variable for variable in self.variables.values() if variable.best is not None]
-        if not fitted:
-            raise ValueError("no variable has a fit to draw")
-        if len(fitted) == 1:
-            return fitted[0].plot(kind, ax=ax, band=band)
-        if kind == "summary":
+        if kind == "summary" and len(self.variables) > 1:
             raise ValueError("the summary of a variable has several panels, so that it is drawn for one at a time: "
-                             f"variables[{fitted[0].name!r}].plot('summary')")
-        axes = _plotting.grid(len(fitted), ax)
-        for variable, one in zip(fitted, axes):
-            variable.plot(kind, ax=one, band=band)
+                             f"variables[{next(iter(self.variables))!r}].plot('summary')")
+        graphs = [variable._picture(kind, band) for variable in self.variables.values()]
+        if len(graphs) == 1:
+            return graphs[0].plot(ax)
+        axes = _plotting.grid(len(graphs), ax)
+        for graph, one in zip(graphs, axes):
+            graph.plot(one)
         return axes
 
     def _repr_html_(self):
@@ -440,15 +440,10 @@ class FittedVariable:
         intervals by covariance. band: P-P and Q-Q plots have the
         limits within which 95 % of samples from a continuous fit lie.
         """
-        member = _choice(kind, {**_brenvolt._fit_graphs, "fit-comparison": None, "return-levels": None}, "kind")
+        member = _choice(kind, _FIT_GRAPHS, "kind")
         place = 0 if distribution is None else self._place_of(distribution)
-        if kind == "return-levels":
-            with self._result._conditions():
-                return _automation.wrapped(self._result._job.return_levels(self._result.analysis._analysis, self._place, place + 1))
         if member is None or band:
-            with self._result._conditions():
-                return _automation.wrapped(_brenvolt._fit_graph(self._result.analysis._analysis, self._place, place + 1,
-                                                                kind, band))
+            return self._drawn(place + 1, kind, band)
         dialog = self._shown()
         dialog.QuickTabDistribution = place + 1
         with self._result._conditions():
@@ -457,6 +452,18 @@ class FittedVariable:
     def plot(self, kind: str = "histogram", distribution: str | None = None, ax: Any = None, band: bool = False) -> Any:
         """Draws a graph (see graph) with matplotlib on axes, those given or new ones, and returns them."""
         return self.graph(kind, distribution, band).plot(ax)
+
+    def _picture(self, kind, band=False):
+        """The graph as pictures show it."""
+        _choice(kind, _FIT_GRAPHS, "kind")
+        return self._drawn(0, kind, band)
+
+    def _drawn(self, fit, kind, band):
+        analysis = self._result.analysis._analysis
+        with self._result._conditions():
+            if kind == "return-levels":
+                return _automation.wrapped(self._result._job.return_levels(analysis, self._place, max(fit, 1)))
+            return _automation.wrapped(_brenvolt._fit_graph(analysis, self._place, fit, kind, band))
 
     def _place_of(self, name):
         """The place of a distribution among the fits, from 0."""
@@ -473,7 +480,7 @@ class FittedVariable:
 
     def _repr_html_(self):
         table = self.fits.dropna(axis="columns", how="all").to_html(index=False)
-        picture = None if self.best is None else self.graph("histogram")._repr_svg_()
+        picture = self._picture("histogram")._repr_svg_()
         return table if picture is None else table + picture[picture.index("<svg"):]
 
     def __repr__(self):

@@ -72,6 +72,14 @@ class Plots(unittest.TestCase):
         expected = self.waiting.distribution("normal").ppf(math.exp(-math.exp(-line["x"][50])))
         self.assertAlmostEqual(line["y"][50], expected, 9)
 
+    def test_a_variable_without_fits_is_drawn_by_its_data(self):
+        fits = brenvolt.fit({"x": [1.0, 2, 4, 3, 6, 5], "flat": [3.0] * 6}, distributions=["normal"])
+        axes = fits.plot("histogram")
+        self.assertEqual([len(one.lines) + len(one.patches) > 0 for one in axes], [True, True])
+        self.assertEqual(fits.variables["flat"].distributions, [])
+        self.assertIn("<svg", fits.variables["flat"]._repr_html_())
+        self.assertEqual(len(fits.plot("qq")), 2)
+
     def test_a_graph_of_panels_draws_each(self):
         axes = self.waiting.plot("summary")
         self.assertEqual(len(axes), 4)
