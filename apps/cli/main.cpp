@@ -17,6 +17,7 @@
 #include "host/base/process/memory_policy.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/analysis_session.h"
+#include "host/jobs/base/empty_text.h"
 
 namespace {
 
@@ -49,14 +50,24 @@ void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
                                  (hint.empty() ? "; the commands are " : " The commands are ") + names);
 }
 
-// An empty word behind an option is mostly a variable of a script that is not set. It means none to two of them.
-void RefuseEmptyValues(const std::vector<std::string>& arguments) {
-  for (std::size_t i = 1; i < arguments.size(); ++i) {
-    const std::string& option = arguments[i - 1];
-    const bool isOption =
-        option.size() > 1 && option.starts_with('-') && option.find('=') == std::string::npos;
-    if (arguments[i].empty() && isOption && option != "--weights" && option != "--select")
-      throw brenvolt::cli::WrongCall(option + " needs a value");
+// Also "--save=", and arguments that belong to no option.
+void RefuseEmptyTexts(const std::vector<std::string>& arguments) {
+  const auto fieldOf = [](std::string_view option) {
+    return option.substr(std::min(option.find_first_not_of('-'), option.size()));
+  };
+  const auto refuse = [](const std::string& where) {
+    throw brenvolt::cli::WrongCall(brenvolt::kEmptyText + (" (" + where + ")"));
+  };
+  std::string option;  // before the argument, if it is one
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument.empty() && option.empty()) refuse("argument " + std::to_string(i + 1));
+    if (argument.empty() && !brenvolt::MayBeEmpty(fieldOf(option))) refuse(option);
+    const bool isOption = argument.size() > 1 && argument.starts_with('-') && argument != "--";
+    const std::string name = argument.substr(0, argument.find('='));
+    const bool hasValue = name.size() < argument.size();
+    if (isOption && name.size() + 1 == argument.size() && !brenvolt::MayBeEmpty(fieldOf(name))) refuse(name);
+    option = isOption && !hasValue ? name : "";
   }
 }
 
@@ -65,7 +76,7 @@ void RefuseEmptyValues(const std::vector<std::string>& arguments) {
 std::vector<std::string> Arguments(int argc, char** argv) {
   std::vector<std::string> arguments(argv + 1, argv + argc);
   const bool isMacro = !arguments.empty() && arguments[0] == brenvolt::cli::kMacroVerb;
-  if (!isMacro) RefuseEmptyValues(arguments);
+  if (!isMacro) RefuseEmptyTexts(arguments);
   if (isMacro) {
     auto file = arguments.begin() + 1;
     if (file != arguments.end() && *file == kRecordOption)

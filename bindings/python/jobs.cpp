@@ -24,6 +24,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/jobs/base/empty_text.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
@@ -69,6 +70,10 @@ std::size_t CodeOf(const std::string& name) {
   const NamedDistribution* distribution = FindDistribution(name);
   if (distribution == nullptr) throw py::value_error(NoSuchDistribution(name));
   return static_cast<std::size_t>(distribution - kNamedDistributions.data());
+}
+
+void RequireValue(const std::string& field, const std::string& text) {
+  if (text.empty() && !MayBeEmpty(field)) throw WrongJob(field, kEmptyText);
 }
 
 void RequireProjectEnding(const char* field, const std::filesystem::path& path) {
@@ -622,6 +627,7 @@ void BindJobs(py::module_& module) {
       },
       InHost(), py::arg("sheet"), py::arg("path"));
   module.def("_code_of", &CodeOf);
+  module.def("_require_value", &RequireValue);
   module.def("_first_saved", &FirstSavedOf);
   py::dict graphs;
   for (const FitGraph& graph : kFitGraphs) graphs[py::str(std::string(graph.word))] = graph.member;

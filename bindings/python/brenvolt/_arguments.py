@@ -60,13 +60,15 @@ def path(value, what):
     """A path as text."""
     if not isinstance(value, (str, bytes, os.PathLike)):
         refuse(what, "a path", value)
+    _brenvolt._require_value(what, os.fsdecode(value))
     return os.fsdecode(value)
 
 
-def text(value, what):
-    """A text."""
+def text(value, what, wanted="a text"):
+    """A text that is not empty."""
     if not _is_text(value):
-        refuse(what, "a text", value)
+        refuse(what, wanted, value)
+    _brenvolt._require_value(what, value)
     return value
 
 
@@ -148,8 +150,9 @@ def set_field(target, field, value):
     words, fits = _accepted(kind)
     if not fits(value):
         refuse(field, words.removesuffix(" or None"), value)
-    if kind == "os.PathLike" and not os.fspath(value):
-        raise ValueError(f"{field} must not be empty")
+    for one in value if isinstance(value, (list, tuple)) else [value]:
+        if isinstance(one, (str, os.PathLike)):
+            _brenvolt._require_value(field, os.fspath(one))
     try:
         setattr(target, field, value)
     except TypeError as error:

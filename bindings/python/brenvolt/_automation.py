@@ -507,13 +507,15 @@ class Application:
         """The predictions of a PMML model for the cases of a file, by the name of its sheet, or of an open sheet.
 
         probabilities: also the probability of every class; leave_invalid: no prediction, instead of an error, where
-        the model refuses a value; keep: columns of the data that stand before the predictions. Their `unpredicted` says why cases have none.
+        the model refuses a value; keep: columns of the data that stand before the predictions. The predictions'
+        `unpredicted` says why cases have none.
         """
         job = _brenvolt.ScoreJob()
         fields = {"model": model, "probabilities": probabilities, "leave_invalid": leave_invalid, "keep": list(keep)}
         cases = _sheet(data) if isinstance(data, (_brenvolt.Spreadsheet, TableDocument)) else None
         if cases is None:
-            fields.update(data=data, sheet=sheet, decimal_comma=decimal_comma, reading=_reading.options(reading, "score"))
+            fields.update(data=data, decimal_comma=decimal_comma, reading=_reading.options(reading, "score"),
+                          **({"sheet": sheet} if sheet else {}))
         for field, value in fields.items():
             _arguments.set_field(job, field, value)
         return job.run(cases)

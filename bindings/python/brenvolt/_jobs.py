@@ -29,8 +29,8 @@ _DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Sprea
 
 def _sheet_of(data, name, required=(), decimal_comma=False, reading=None):
     """The spreadsheet in whatever people have their data in; the columns required of a frame cannot be left out of it."""
-    if name is not None and not isinstance(name, str):
-        _arguments.refuse("sheet", "a name", name)
+    if name is not None:
+        _arguments.text(name, "sheet", "a name")
     if isinstance(data, (str, os.PathLike)):
         return _brenvolt.open_workbook(data, decimal_comma, _reading.options(reading or {}, "fit")).sheet(name or "")
     _reading.refuse(reading or {}, "data", data)
@@ -591,8 +591,8 @@ def _is_design(source):
 
 
 def _fitted_sheet(source, name):
-    if name is not None and not isinstance(name, str):
-        _arguments.refuse("sheet", "a name", name)
+    if name is not None:
+        _arguments.text(name, "sheet", "a name")
     if isinstance(source, (FitResult, Spreadsheet)):
         _refuse_sheet(name, "source", source)
         return source.sheet if isinstance(source, FitResult) else source

@@ -286,7 +286,9 @@ class Fits(Folder):
                  ({"offsets": {"x": {"weibull": 10**400}}}, ValueError, r"\['weibull'\] is too large a number"),
                  ({"trials": {"x": True}}, TypeError, r"trials\['x'\] must be a number, not bool"),
                  ({"save": 3}, TypeError, "save must be a path, not int"),
-                 ({"save": ""}, ValueError, "save must not be empty"),
+                 ({"save": ""}, ValueError, r"expected a value, got an empty text \(save\)"),
+                 ({"sheet": ""}, ValueError, r"expected a value, got an empty text \(sheet\)"),
+                 ({"continuous": ["x", ""]}, ValueError, r"expected a value, got an empty text \(continuous\)"),
                  ({"sheet": 3}, TypeError, "sheet must be a name, not int")]
         for arguments, kind, message in cases:
             with self.assertRaisesRegex(kind, message):

@@ -53,6 +53,8 @@ REFUSED_FITS = (
     ({"discrete": ["n"], "distributions": ["normal", "poisson"]},
      "the normal distribution is for continuous variables, but no continuous variable is fitted (distributions)"),
     ({"yes": True}, "the data are not a correlation matrix, so there is nothing to confirm (yes)"),
+    ({"rank_by": ""}, "expected a value, got an empty text (rank_by)"),
+    ({"plot": ""}, "expected a value, got an empty text (plot)"),
     ({"weights": ""}, "the data have no case weights to leave out (weights)"),
     ({"select": ""}, "the data have no selection of cases to leave out (select)"),
     ({"continuous": ["x"], "save": "p.bvw", "truncate": {"x": (None, None)}}, "'x' has no bounds to take away (truncate)"),
