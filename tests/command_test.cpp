@@ -60,5 +60,30 @@ TEST_F(Command, EveryVerbHasHelpWithAnExample) {
       << distributions.out;
 }
 
+// A report that is longer than the buffer of standard output fails before its end.
+TEST_F(Command, ReportsThatCannotBeWrittenAreNoSuccess) {
+  const std::string model = kExamples + "ozone_regression.pmml";
+  const std::string data = kExamples + "ozone.csv";
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const std::vector<std::string> calls[] = {{"fit", data, "--format", "json"},
+                                            {"fit", data},
+                                            {"score", model, data},
+                                            {"profile", data, "--model", model, "--format", "json"},
+                                            {"profile", data, "--model", model},
+                                            {"simulate", "p.bvw", "--format", "json"},
+                                            {"simulate", "p.bvw"},
+                                            {"design", "--variable", "a ~ normal(0, 1)"},
+                                            {"capability", data, "--spec", "O3=0,,30", "--format", "json"},
+                                            {"show", "p.bvw", "--format", "json"},
+                                            {"typelib", "--format", "json"}};
+  for (const std::vector<std::string>& call : calls) {
+    std::vector<std::string> arguments{"-c", R"("$0" "$@" > /dev/full)", BRENVOLT_BUILD_DIR "/bin/brenvolt"};
+    arguments.insert(arguments.end(), call.begin(), call.end());
+    const Outcome outcome = RunProgram("/bin/sh", arguments, folder.Path());
+    EXPECT_EQ(outcome.status, 1) << call[0];
+    EXPECT_NE(outcome.err.find("the output cannot be written"), std::string::npos) << call[0] << outcome.err;
+  }
+}
+
 }  // namespace
 }  // namespace brenvolt::test

@@ -1,6 +1,8 @@
 // The command brenvolt. Exit status 0: done; 1: the job failed; 2: the call was wrong; 130: interrupted.
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
@@ -154,6 +156,14 @@ int Run(int argc, char** argv) {
   return 0;
 }
 
+// A report that is longer than the buffer was written in parts, any of which may have failed.
+void RequirePrinted() {
+  const bool failedBefore = std::ferror(stdout) != 0;
+  if (std::fflush(stdout) == 0 && !failedBefore) return;
+  const std::string reason = failedBefore ? "" : std::string(": ") + std::strerror(errno);
+  throw brenvolt::Error("the output cannot be written" + reason, "standard output");
+}
+
 int Interrupted() {
   Complain("interrupted");
   return kInterrupted;
@@ -167,7 +177,7 @@ int main(int argc, char** argv) {
   try {
     brenvolt::cli::RememberCall(argc, argv);
     const int status = Run(argc, argv);
-    if (std::fflush(stdout) != 0) throw brenvolt::Error("the output cannot be written", "standard output");
+    RequirePrinted();
     return status;
   } catch (const brenvolt::cli::WrongCall& error) {
     Complain(error.what());
