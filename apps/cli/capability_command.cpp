@@ -70,13 +70,7 @@ void AddCapabilityCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("capability", "Judge measured values against a specification");
   const auto call = std::make_shared<CapabilityCall>();
   CapabilityJob& job = call->job;
-  command
-      ->add_option("DATA", job.data.file,
-                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
-                   "standard input")
-      ->required();
-  command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
-      ->type_name("NAME");
+  AddDataOptions(*command, job.data)->required();
   command
       ->add_option("--response", job.response,
                    "Variable that was measured; default: the one that --spec names")

@@ -29,13 +29,17 @@ void AddTableFormatOption(CLI::App& command, ReportFormat& format);
 // Adds --decimal-comma.
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma);
 
+// Adds DATA, which `about` may say more of, and --sheet. Returns the former.
+CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string& about = {});
+
 // Adds --decimal-comma and the other options that say how a text file is laid out; what is found of a file by looking is
 // said on standard error.
 void AddReadingOptions(CLI::App& command, JobData& data);
 
-// Adds --yes.
 // A sheet on standard output.
 void PrintCsv(const Spreadsheet& sheet, const JobData& data);
+
+// Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
 
 // Adds --plot with what says how it is drawn. `kinds` are the words for the graphs of the command.

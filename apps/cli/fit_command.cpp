@@ -265,13 +265,7 @@ void AddFitCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("fit", "Fit distributions to the variables of a data file");
   const auto call = std::make_shared<FitCall>();
   FitJob& job = call->job;
-  command
-      ->add_option("DATA", job.data.file,
-                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
-                   "standard input")
-      ->required();
-  command->add_option("--sheet", job.data.sheet, "Sheet of the project; default: its first data sheet")
-      ->type_name("NAME");
+  AddDataOptions(*command, job.data)->required();
   AddReadingOptions(*command, job.data);
   AddYesOption(*command, job.data);
   AddVariableOptions(*command, job);

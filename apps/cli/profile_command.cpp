@@ -141,13 +141,11 @@ void AddProfileCommand(CLI::App& program) {
       "profile", "Simulate what models or formulas predict, and compare it with specifications");
   const auto call = std::make_shared<ProfileCall>();
   ProfileJob& job = call->job;
-  command->add_option("DATA", job.data.file,
-                      "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw), "
-                      "whose columns the predictors start from: "
-                      "the distribution saved with the column of the predictor's name, else Normal with its "
-                      "mean and standard deviation; without data --variable or --from say all");
-  command->add_option("--sheet", job.data.sheet, "Sheet of a project; default: its first data sheet")
-      ->type_name("NAME");
+  AddDataOptions(
+      *command, job.data,
+      ", whose columns the predictors start from: the distribution saved with the column of the "
+      "predictor's name, else Normal with its mean and standard deviation; without data --variable or "
+      "--from say all");
   AddEntries(*command, "--model", job.models, ParseModel, "FILE.pmml",
              "Model that predicts its dependents; may be repeated");
   AddEntries(*command, "--formula", job.formulas, ParseFormula, "'Y=...'",

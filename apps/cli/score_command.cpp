@@ -82,14 +82,8 @@ void AddScoreCommand(CLI::App& program) {
   const auto call = std::make_shared<ScoreCall>();
   ScoreJob& job = call->job;
   command->add_option("MODEL", job.model, "PMML file, version 3.0 to 4.4")->required();
-  command
-      ->add_option("DATA", job.data.file,
-                   "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); the "
-                   "columns that the model reads are found "
-                   "by their names")
+  AddDataOptions(*command, job.data, "; the columns that the model reads are found by their names")
       ->required();
-  command->add_option("--sheet", job.data.sheet, "Sheet of a project; default: its first data sheet")
-      ->type_name("NAME");
   command
       ->add_option(
           "-o,--output", job.output,
