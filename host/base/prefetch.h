@@ -3,12 +3,6 @@
 
 namespace brenvolt {
 
-inline void Prefetch([[maybe_unused]] const void* place) {
-#if defined(__GNUC__)
-  __builtin_prefetch(place, 0, 3);
-#endif
-}
-
 inline void PrefetchForWriting([[maybe_unused]] const void* place) {
 #if defined(__GNUC__)
   __builtin_prefetch(place, 1, 3);

@@ -58,7 +58,5 @@ inline constexpr FitGraph kFitSummaryGraph{"summary", "SummaryGraph"};
 
 // The property that marks a variable with saved distributions.
 inline constexpr std::string_view kOrderProperty = "zOrder";
-// The property with the bounds within which a variable is simulated.
-inline constexpr std::string_view kTruncationProperty = "zTruncProp";
 
 }  // namespace brenvolt
