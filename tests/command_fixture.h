@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/run_program.h"
@@ -33,6 +34,7 @@ struct Command : testing::Test {
     return Json::parse(MustRun(arguments).out);
   }
   std::filesystem::path File(const std::string& name) const { return folder.Path() / name; }
+  void Write(const std::string& name, std::string_view text) const { WriteBytes(File(name), text); }
   void Sql(const std::string& project, const std::string& statement) const {
     sqlite3* connection = nullptr;
     ASSERT_EQ(sqlite3_open(File(project).c_str(), &connection), SQLITE_OK);

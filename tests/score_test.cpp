@@ -1,35 +1,22 @@
 // brenvolt score as a user runs it.
-#include <gtest/gtest.h>
-
 #include <cmath>
-#include <fstream>
-#include <nlohmann/json.hpp>
 
 #include "host/tables/csv.h"
-#include "tests/run_program.h"
+#include "tests/command_fixture.h"
 
 namespace brenvolt::test {
 namespace {
 
 const std::string kModels = BRENVOLT_SOURCE_DIR "/host/models/reference/interchange/";
 
-struct ScoreCommand : testing::Test {
-  TemporaryFolder folder;
-
-  Outcome Run(const std::vector<std::string>& arguments) const {
-    return RunBrenvolt(arguments, folder.Path());
-  }
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder.Path() / name) << text;
-  }
-};
+struct ScoreCommand : Command {};
 
 TEST_F(ScoreCommand, WritesThePredictionsThatTheModelsProgramMade) {
   const Outcome outcome =
       Run({"score", kModels + "RegressionOzone.pmml", kModels + "Ozone.csv", "-o", "out.csv"});
   ASSERT_EQ(outcome.status, 0) << outcome.err;
   EXPECT_EQ(outcome.out, "Predictions of 330 cases written to out.csv\n");
-  const Spreadsheet found = ReadCsv(folder.Path() / "out.csv");
+  const Spreadsheet found = ReadCsv(File("out.csv"));
   const Spreadsheet expected = ReadCsv(kModels + "RegressionOzone.expected.csv");
   ASSERT_EQ(found.CaseCount(), expected.CaseCount());
   EXPECT_EQ(found.VariableAt(1).Name(), "O3");
@@ -104,7 +91,7 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
     const Outcome outcome = Run(arguments);
     EXPECT_EQ(outcome.status, 1);
     EXPECT_NE(outcome.err.find(wrong.message), std::string::npos) << outcome.err;
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "out.csv"));
+    EXPECT_FALSE(std::filesystem::exists(File("out.csv")));
   }
   EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).out, "Case,prediction\n1,3\n2,\n");
   constexpr const char* kReasons =
@@ -114,8 +101,8 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
   EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid"}).err, kReasons);
   EXPECT_EQ(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid", "-o", "out.csv"}).out,
             std::string("Predictions of 2 cases written to out.csv\n") + kReasons);
-  const auto report = nlohmann::json::parse(
-      Run({"score", "model.pmml", "unseen.csv", "--leave-invalid", "--format", "json"}).out);
+  const auto report =
+      Json::parse(Run({"score", "model.pmml", "unseen.csv", "--leave-invalid", "--format", "json"}).out);
   EXPECT_EQ(report["predictions"]["prediction"].dump(), "[3.0,null]");
   EXPECT_EQ(report["unpredicted"].dump(),
             R"([{"count":1,"field":"c","highest":null,"lowest":null,"reason":"unknown","value":"w"}])");

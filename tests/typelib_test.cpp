@@ -4,7 +4,6 @@
 
 #include <cstdlib>
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
 #include <set>
@@ -113,9 +112,6 @@ struct TypeLibraryText : testing::Test {
     library = FindTypeLibrary("BrvSRA");
     ASSERT_NE(library, nullptr);
   }
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder.Path() / name) << text;
-  }
   int Compile(const std::string& name) const {
     const std::string command = "cd '" + folder.Path().string() +
                                 "' && x86_64-w64-mingw32-widl --nostdinc -I . -L . -t -o " + name + ".tlb " +
@@ -141,9 +137,9 @@ struct TypeLibraryText : testing::Test {
 TEST_F(TypeLibraryText, CompiledNumbersAreThoseOfTheCalls) {
   const Outcome printed = RunBrenvolt({"typelib", "--idl"}, folder.Path());
   ASSERT_EQ(printed.status, 0) << printed.err;
-  Write("oaidl.idl", kAutomationTypes);
-  Write("stdole2.idl", kStandardLibrary);
-  Write("brvsra.idl", printed.out);
+  WriteBytes(folder / "oaidl.idl", kAutomationTypes);
+  WriteBytes(folder / "stdole2.idl", kStandardLibrary);
+  WriteBytes(folder / "brvsra.idl", printed.out);
   ASSERT_EQ(Compile("stdole2"), 0) << "widl comes with the package mingw-w64-tools";
   ASSERT_EQ(Compile("brvsra"), 0);
   const CompiledLibrary compiled(BytesOf(folder.Path() / "brvsra.tlb"));
