@@ -69,8 +69,8 @@ const DialogTemplate& DesignCorrelationsTemplate() {
                                           {{kChanges, kListBox, Text(kDesignListChanges)}}}},
                                         {"",
                                          {{{kVariable, kComboBox, Text(kDesignLabelVariable)}},
-                                          {{kMean, kRealField, Text(kDesignLabelMean)},
-                                           {kDeviation, kRealField, Text(kDesignLabelDeviation)}}}}}}}};
+                                          {{kMean, kRealField, Text(kDesignLabelMean)}},
+                                          {{kDeviation, kRealField, Text(kDesignLabelDeviation)}}}}}}}};
   return result;
 }
 
@@ -82,7 +82,7 @@ const DialogTemplate& DesignDefaultsTemplate() {
       OkAndCancel(),
       {{"",
         {{"",
-          {{{kVariables, kListBox, ""}, {kFitted, kListBox, Text(kDesignListFitted)}},
+          {{{kVariables, kListBox, Text(kDesignLabelVariable)}, {kFitted, kListBox, Text(kDesignListFitted)}},
            {{kTakeOver, kButton, Text(kDesignButtonTakeOver)},
             {kTakeOverAll, kButton, Text(kDesignButtonTakeOverAll)},
             {kLeave, kButton, Text(kDesignButtonLeave)}},

@@ -8,6 +8,8 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <iterator>
+#include <optional>
 
 #include "apps/desktop/dialogs/caption.h"
 #include "apps/desktop/dialogs/page_area.h"
@@ -51,6 +53,12 @@ bool HasLead(const RowTemplate& row) {
       (IsField(first.kind) || first.kind == ControlKind::kComboBox) && !IsNamedBefore(first);
   return isLabelled || (row.size() > 1 && IsNamedBefore(row[1])) ||
          (row.size() > 1 && first.kind == ControlKind::kCheckBox && IsField(row[1].kind));
+}
+
+// A group without a caption that begins with a label goes on under the captioned one before it: radio buttons exclude
+// each other within a group, so that two lists of them under one caption are two groups.
+bool GoesOn(const GroupTemplate& group) {
+  return ReadCaption(group.caption).text.isEmpty() && group.rows.front().front().kind == ControlKind::kLabel;
 }
 
 std::vector<std::int32_t> NumbersIn(const std::vector<RowTemplate>& rows) {
@@ -113,13 +121,23 @@ QWidget* DialogForm::MakePage(const TabTemplate& tab) {
   auto* const page = new QWidget;
   auto* const layout = new QVBoxLayout(page);
   bool hasList = false;
+  std::optional<std::size_t> captioned;  // the place of the last group with a caption
   for (const GroupTemplate& group : tab.groups) {
     const QString caption = ReadCaption(group.caption).text;
     place_ = caption.isEmpty() ? ReadCaption(tab.caption).text : caption;
     if (place_.isEmpty()) place_ = ReadCaption(template_.caption).text;
     const bool stretches = std::ranges::any_of(group.rows, HasList);
     hasList = hasList || stretches;
-    layout->addWidget(MakeGroup(group), stretches ? 1 : 0);
+    QWidget* const box = MakeGroup(group);
+    if (captioned && GoesOn(group)) {
+      auto& before = groups_[*captioned];
+      auto& grid = static_cast<QGridLayout&>(*before.first->layout());
+      grid.addWidget(box, grid.rowCount(), kLeadColumn, 1, 2);
+      std::ranges::copy(groups_.back().second, std::back_inserter(before.second));
+      continue;
+    }
+    layout->addWidget(box, stretches ? 1 : 0);
+    captioned = caption.isEmpty() ? std::nullopt : std::optional(groups_.size() - 1);
   }
   if (!hasList) layout->addStretch(1);
   return page;

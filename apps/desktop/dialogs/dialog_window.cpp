@@ -3,8 +3,10 @@
 #include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <utility>
 
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/caption.h"
@@ -13,6 +15,11 @@
 
 namespace brenvolt::desktop {
 namespace {
+
+// The rest of the screen is for the window's frame and the task bar.
+constexpr double kShareOfScreen = 0.9;
+// What a title bar needs beside the caption.
+constexpr int kTitleBarCharacters = 18;
 
 // Whether a dialog has kept an entry, if written otherwise: "1e3" becomes "1000".
 bool IsSameEntry(const std::string& typed, const std::string& kept) {
@@ -38,6 +45,7 @@ DialogWindow::DialogWindow(EngineThread& engine, CAnalysisDialog& dialog, Exists
   };
   actions.select = [this](std::int32_t number, int place) {
     Operate([=](CAnalysisDialog& open) { return open.Select(number, place); });
+    if (isOpen_ && dialog_.Controls().At(number).kind == ControlKind::kListBox) emit rowChosen(number);
   };
   actions.enter = [this](std::int32_t number, const QString& text) { Enter(number, text); };
   actions.doubleClick = [this](std::int32_t number) {
@@ -55,6 +63,16 @@ DialogWindow::DialogWindow(EngineThread& engine, CAnalysisDialog& dialog, Exists
   if (auto* const ok = qobject_cast<QPushButton*>(form_->WidgetOf(kControlOk))) ok->setDefault(true);
   Refresh();
   form_->FocusFirst();
+  FitContent();
+}
+
+// As large as the content asks for where the screen has the room, and wide enough for the caption to be read.
+void DialogWindow::FitContent() {
+  const QFontMetrics metrics = fontMetrics();
+  setMinimumWidth(metrics.horizontalAdvance(windowTitle()) +
+                  kTitleBarCharacters * metrics.averageCharWidth());
+  const QSize most = screen()->availableSize() * kShareOfScreen;
+  resize(sizeHint().expandedTo(minimumSize()).boundedTo(most));
 }
 
 void DialogWindow::Refresh() {
@@ -129,7 +147,9 @@ void DialogWindow::Press(std::int32_t number) {
   if (number != kControlCancel) form_->Commit();
   if (isRefused_) return;
   emit pressing(number);
+  const std::int32_t outer = std::exchange(pressed_, number);
   Operate([=](CAnalysisDialog& open) { return open.Press(number); });
+  pressed_ = outer;
 }
 
 void DialogWindow::Enter(std::int32_t number, const QString& text) {

@@ -27,6 +27,8 @@ class DialogWindow : public QDialog {
   // The dialog is gone, and what its module made may go as well.
   void Forget();
   DialogForm& Form() { return *form_; }
+  // The button whose work is under way; 0 without.
+  std::int32_t PressedButton() const { return pressed_; }
 
   // The window's own ways to leave it are the dialog's Cancel.
   void reject() override;
@@ -36,6 +38,8 @@ class DialogWindow : public QDialog {
   void pressing(std::int32_t number);
   // An operation is done; the dialog may no longer exist.
   void operated();
+  // A row of a list was chosen, and the dialog knows it.
+  void rowChosen(std::int32_t list);
   // An operation failed in a way that dialogs do not show themselves.
   void failed(const QString& what);
 
@@ -47,6 +51,7 @@ class DialogWindow : public QDialog {
   void Press(std::int32_t number);
   void Enter(std::int32_t number, const QString& text);
   void Follow(bool isBusy);
+  void FitContent();
   QLayout* MakeSettingsRow();
   void ShowSettings();
 
@@ -56,6 +61,7 @@ class DialogWindow : public QDialog {
   std::shared_ptr<AutomationObject> automation_;
   DialogForm* form_;
   bool isOpen_ = true;
+  std::int32_t pressed_ = 0;
   bool isRefused_ = false;   // the dialog has not kept what was typed last
   QPointer<QWidget> focus_;  // what had the keyboard before long work
 };

@@ -75,6 +75,7 @@ class AllTemplates {
   std::map<int, const DialogTemplate*> all_;
 };
 
+// Those of the pages in the order of the template, then those of the column beside them.
 std::vector<std::int32_t> NumbersOf(const DialogTemplate& source) {
   std::vector<std::int32_t> numbers;
   const auto add = [&](const std::vector<RowTemplate>& rows) {
@@ -82,10 +83,10 @@ std::vector<std::int32_t> NumbersOf(const DialogTemplate& source) {
       for (const ControlTemplate& control : row) numbers.push_back(control.number);
     }
   };
-  add(source.buttons);
   for (const TabTemplate& tab : source.tabs) {
     for (const GroupTemplate& group : tab.groups) add(group.rows);
   }
+  add(source.buttons);
   return numbers;
 }
 
@@ -204,6 +205,28 @@ TEST(DialogLayout, EveryControlThatTakesTheKeyboardHasANameForScreenReaders) {
       EXPECT_FALSE(widget.accessibleName().isEmpty()) << number << ": " << control;
       EXPECT_FALSE(widget.accessibleName().contains(u'&')) << number << ": " << control;
     }
+  }
+}
+
+TEST(DialogLayout, TheTabulatorGoesThroughTheControlsInTheOrderOfTheTemplate) {
+  StartToolkit();
+  const AllTemplates templates;
+  for (const auto& [number, source] : templates.All()) {
+    const ShownForm shown(*source);
+    std::vector<std::int32_t> wanted;
+    for (const std::int32_t control : NumbersOf(*source)) {
+      if (shown.form.WidgetOf(control)->focusPolicy() & Qt::TabFocus) wanted.push_back(control);
+    }
+    std::vector<std::int32_t> gone;
+    const QWidget* const first = shown.form.WidgetOf(wanted.front());
+    const QWidget* widget = first;
+    do {
+      const bool isControl = widget->objectName().startsWith(QStringLiteral("control"));
+      if (isControl && (widget->focusPolicy() & Qt::TabFocus))
+        gone.push_back(widget->objectName().mid(7).toInt());
+      widget = widget->nextInFocusChain();
+    } while (widget != first);
+    EXPECT_EQ(gone, wanted) << "template " << number;
   }
 }
 

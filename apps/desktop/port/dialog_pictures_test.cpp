@@ -1,6 +1,7 @@
 // Pictures of every dialog and question, as a session on example data shows them. They go into the folder that
 // BRENVOLT_PICTURES names (tools/desktop_pictures), else into one that is removed again.
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLineEdit>
 #include <QPixmap>
 #include <QTableView>
@@ -68,6 +69,17 @@ struct DialogPictures : testing::Test {
     EXPECT_TRUE(hand.HasActed()) << name;
   }
 
+  // A folder that the picture may name wherever it is drawn.
+  static void ShowExamples(QWidget& window) {
+    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "examples";
+    if (std::getenv("BRENVOLT_PICTURES") != nullptr && !std::filesystem::exists(folder))
+      std::filesystem::create_directory_symlink(kExamples, folder);
+    const bool isThere = std::filesystem::is_directory(folder);
+    static_cast<QFileDialog&>(window).setDirectory(
+        ShownPath(isThere ? folder : std::filesystem::path(kExamples)));
+    QTest::qWait(100);
+  }
+
   void TakeFit() {
     Desk desk(kExamples + "faithful.csv");
     pictures.TakePages(desk.Window(), "startup");
@@ -76,6 +88,7 @@ struct DialogPictures : testing::Test {
       QTest::qWait(200);
     });
     TakeOpened(desk, 1002, "weights", "case_weights");
+    TakeOpened(desk, 1003, "files", "files", ShowExamples, false);
     desk.ClickRow(1006, 0);
     desk.Click(kControlOk);
     TakeOpened(desk, 1010, "variables", "variables", [](QWidget& window) {
@@ -105,6 +118,24 @@ struct DialogPictures : testing::Test {
     desk.Click(kControlOk);
     ASSERT_EQ(desk.Dialog(), 25988);
     pictures.TakePages(desk.Window(), "simulation_results");
+  }
+
+  void TakeProfile() {
+    Desk desk(kExamples + "ozone.csv");
+    desk.ClickRow(1006, 3);
+    desk.Click(kControlOk);
+    ASSERT_EQ(desk.Dialog(), 15033);
+    const Hand models("files", [](QWidget& window) {
+      static_cast<QFileDialog&>(window).selectFile(ShownPath(kExamples + "ozone_regression.pmml"));
+      QMetaObject::invokeMethod(&window, "accept");
+    });
+    desk.Click(1302);
+    EXPECT_TRUE(models.HasActed());
+    desk.Click(1338);
+    desk.Type(1347, "25");
+    desk.Click(kControlOk);
+    pictures.TakePages(desk.Window(), "profiler");
+    EXPECT_FALSE(desk.sink.graphs.empty());
   }
 
   void TakeDesign() {
@@ -156,6 +187,7 @@ TEST_F(DialogPictures, EveryDialogAndQuestionIsDrawn) {
   StartToolkit();
   TakeFit();
   TakeDesign();
+  TakeProfile();
   const std::set<std::string> expected{"startup",
                                        "selection_conditions",
                                        "case_weights",
@@ -164,6 +196,9 @@ TEST_F(DialogPictures, EveryDialogAndQuestionIsDrawn) {
                                        "fit_2",
                                        "fit_3",
                                        "fit_options",
+                                       "files",
+                                       "profiler_1",
+                                       "profiler_2",
                                        "fit_results_1",
                                        "fit_results_2",
                                        "simulation",

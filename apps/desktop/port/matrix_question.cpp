@@ -7,6 +7,7 @@
 #include <QHeaderView>
 #include <QPushButton>
 #include <QShortcut>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -20,6 +21,21 @@ namespace {
 
 constexpr int kCharacters = 56;
 constexpr int kRows = 8;
+
+// A bad cell keeps its colour while it is the current one.
+class CellPainter : public QStyledItemDelegate {
+ protected:
+  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+    QStyledItemDelegate::initStyleOption(option, index);
+    const QVariant colour = index.data(Qt::BackgroundRole);
+    if (!colour.isValid()) return;
+    option->palette.setBrush(QPalette::Highlight, colour.value<QBrush>().color().darker(kDarker));
+    option->palette.setColor(QPalette::HighlightedText, Qt::black);
+  }
+
+ private:
+  static constexpr int kDarker = 125;
+};
 
 class MatrixDialog : public QDialog {
  public:
@@ -54,6 +70,7 @@ class MatrixDialog : public QDialog {
     view_.setObjectName(QStringLiteral("table"));
     view_.setAccessibleName(windowTitle());
     view_.setModel(&table_);
+    view_.setItemDelegate(&painter_);
     view_.setTabKeyNavigation(false);
     view_.verticalHeader()->setDefaultSectionSize(view_.fontMetrics().height() * 3 / 2);
     view_.resizeColumnsToContents();
@@ -105,6 +122,7 @@ class MatrixDialog : public QDialog {
 
   MatrixTable table_;
   WrappedLabel note_;
+  CellPainter painter_;
   QTableView view_;
   WrappedLabel verdict_;
   QDialogButtonBox buttons_;

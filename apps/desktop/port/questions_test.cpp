@@ -2,8 +2,11 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollBar>
 #include <QTableView>
+#include <numeric>
 
+#include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/caption.h"
 #include "apps/desktop/dialogs/settings_window.h"
 #include "apps/desktop/dialogs/variant_text.h"
@@ -11,6 +14,7 @@
 #include "apps/desktop/port/matrix_table.h"
 #include "apps/desktop/port/selection_question.h"
 #include "apps/desktop/port/variable_table.h"
+#include "host/base/number_text.h"
 
 namespace brenvolt::desktop::test {
 namespace {
@@ -44,13 +48,93 @@ TEST(NameFilters, EveryDescriptionKeepsItsPatterns) {
 
 TEST(VariableTable, VariableIsInOneListAtMostAndTheOrderIsThatOfTheChoice) {
   VariableTable table({"a", "b", "c"}, {"One", "Two"}, {{2}, {}}, nullptr);
-  table.Choose(0, 0, true);
-  table.Choose(1, 1, true);
-  table.Choose(2, 0, true);
+  table.Choose({0}, 0, true);
+  table.Choose({1}, 1, true);
+  table.Choose({2}, 0, true);
   EXPECT_EQ(table.Chosen()[0], (std::vector<std::int16_t>{1, 3}));
   EXPECT_EQ(table.Chosen()[1], (std::vector<std::int16_t>{2}));
-  table.Choose(0, 1, false);
+  table.Choose({0}, 1, false);
   EXPECT_EQ(table.Chosen()[0].size(), 2U);
+}
+
+// Numbers of variables have 16 bits; a larger one would choose another variable.
+TEST(VariableTable, OfAHundredThousandVariablesThoseWithANumberAreChosen) {
+  constexpr int kMany = 100'000;
+  VariableTable table(std::vector<std::string>(kMany, "x"), {"One", "Two"}, {{}, {}}, nullptr);
+  std::vector<int> rows(kMany);
+  std::iota(rows.begin(), rows.end(), 0);
+  table.Choose(rows, 1, true);
+  table.Choose(rows, 0, true);
+  EXPECT_EQ(table.Chosen()[0].size(), 32767U);
+  EXPECT_EQ(table.Chosen()[0].back(), 32767);
+  EXPECT_TRUE(table.Chosen()[1].empty());
+  EXPECT_FALSE(table.flags(table.index(40'000, 0)).testFlag(Qt::ItemIsUserCheckable));
+  EXPECT_FALSE(table.data(table.index(40'000, 0), Qt::ToolTipRole).toString().isEmpty());
+}
+
+TEST(WindowInterface, VariablesWithTheirTypesAndCountsAreAllSeenWithoutScrolling) {
+  Desk desk(kExamples + "faithful.csv");
+  desk.Click(kControlOk);
+  const Hand look("variables", [](QWidget& window) {
+    const auto& view = Child<QTableView>(window, "table");
+    EXPECT_GT(view.columnViewportPosition(5), 0);
+    EXPECT_FALSE(view.horizontalScrollBar()->isVisible());
+    PressButton(window, QDialogButtonBox::RejectRole);
+  });
+  desk.Click(1010);
+  EXPECT_TRUE(look.HasActed());
+}
+
+// The colour of what is selected would hide the fault.
+TEST(WindowInterface, TheBadCellOfAMatrixIsMarkedAlsoWhereItIsTheCurrentOne) {
+  StartToolkit();
+  EngineThread engine;
+  KeepingSink sink;
+  QWidget owner;
+  WindowInterface interface(engine, sink, owner);
+  const Hand look("matrix", [](QWidget& window) {
+    auto& view = Child<QTableView>(window, "table");
+    view.model()->setData(view.model()->index(0, 1), QStringLiteral("2.5"));
+    ASSERT_EQ(view.currentIndex(), view.model()->index(0, 1));
+    const QRect cell = view.visualRect(view.currentIndex());
+    const QColor colour = view.viewport()->grab(cell).toImage().pixelColor(3, cell.height() / 2);
+    EXPECT_GT(colour.red(), colour.blue() + 20) << Utf8(colour.name());
+    PressButton(window, QDialogButtonBox::RejectRole);
+  });
+  engine.Run([&] {
+    MatrixQuestion question{"Correlations", "", {"a", "b"}, {"1", "0", "0", "1"}};
+    EXPECT_FALSE(interface.EditMatrix(question));
+  });
+  EXPECT_TRUE(look.HasActed());
+}
+
+TEST(DialogWindow, OpensWideEnoughForItsCaption) {
+  Desk desk(kExamples + "faithful.csv");
+  desk.engine.Run([&] { desk.run->Analysis().GetDialgInterface()->Call("OK"); });
+  desk.run->Show();
+  const int caption = desk.Window().fontMetrics().horizontalAdvance(desk.Window().windowTitle());
+  EXPECT_GT(desk.Window().width(), caption);
+  EXPECT_GE(desk.Window().width(), desk.Window().sizeHint().width());
+}
+
+// A module that is missing or none is named.
+TEST(AnalysisRun, AModuleThatDoesNotLoadIsSaidByName) {
+  StartToolkit();
+  const std::string own = qEnvironmentVariable("BRENVOLT_MODULE").toStdString();
+  EngineThread engine;
+  KeepingSink sink;
+  QWidget owner;
+  Spreadsheet& sheet = *sink.OpenData(kExamples + "faithful.csv");
+  for (const std::string& module : {std::string("/no/such/module.so"), kExamples + "faithful.csv"}) {
+    qputenv("BRENVOLT_MODULE", module.c_str());
+    try {
+      const AnalysisRun run(engine, sink, sheet, owner);
+      ADD_FAILURE() << module;
+    } catch (const Error& error) {
+      EXPECT_NE((error.Where() + error.what()).find(module), std::string::npos) << error.what();
+    }
+  }
+  own.empty() ? qunsetenv("BRENVOLT_MODULE") : qputenv("BRENVOLT_MODULE", own.c_str());
 }
 
 TEST(VariableTable, TypesAndValidValuesAreThoseOfTheSheet) {
@@ -136,6 +220,36 @@ TEST(DialogWindow, ControlsFollowTheDialogAtOnceAndKeysSuffice) {
   EXPECT_EQ(desk.Dialog(), 25980);
   desk.Window().close();
   EXPECT_EQ(desk.Dialog(), 0);
+}
+
+TEST(DialogWindow, FieldsTakeAndShowTheDecimalCommaOfThePerson) {
+  SetUserNumberLocale({','});
+  Desk desk(kExamples + "faithful.csv");
+  desk.ClickRow(1006, 2);
+  const DismissedMessage noMatrixFile;
+  desk.Click(kControlOk);
+  ASSERT_EQ(desk.Dialog(), 15000);
+  desk.ClickRow(1401, 0);
+  const Hand enter("dialog15001", [](QWidget& window) {
+    auto& editor = static_cast<DialogWindow&>(window);
+    static_cast<QListWidget&>(Desk::ControlIn(editor, 1411)).setCurrentRow(0);
+    Desk::TypeInto(Desk::ControlIn(editor, 1412), "70,25");
+    Desk::TypeInto(Desk::ControlIn(editor, 1413), "1,5");
+    EXPECT_EQ(static_cast<QLineEdit&>(Desk::ControlIn(editor, 1412)).text(), "70,25");
+    Desk::ClickOn(Desk::ControlIn(editor, kControlOk));
+  });
+  desk.Click(1407);
+  EXPECT_TRUE(enter.HasActed());
+  const QString chosen = static_cast<QListWidget&>(desk.Control(1401)).item(0)->text();
+  EXPECT_TRUE(chosen.contains(QLatin1String("location=70.2500, scale=1.5000"))) << Utf8(chosen);
+  SetUserNumberLocale({});
+}
+
+TEST(MatrixTable, DecimalCommasAreReadAsCorrelations) {
+  MatrixTable table({"a", "b"}, {"1", "0", "0", "1"});
+  EXPECT_EQ(table.Paste(0, 0, QStringLiteral("1\t0,25\n0,25\t1\n")), 2);
+  EXPECT_EQ(table.BadCells(), 0);
+  EXPECT_NEAR(*table.SmallestEigenvalue(), 0.75, 1e-12);
 }
 
 TEST(DialogWindow, RadioButtonsExcludeEachOtherWithinTheirGroup) {

@@ -6,9 +6,12 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
 #include <QSortFilterProxyModel>
 #include <QTableView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/caption.h"
@@ -19,6 +22,8 @@ namespace {
 
 constexpr int kRows = 14;
 constexpr int kCharacters = 62;
+// Whose texts say how wide columns are.
+constexpr int kMeasuredRows = 200;
 
 class VariableDialog : public QDialog {
  public:
@@ -75,19 +80,34 @@ class VariableDialog : public QDialog {
     view_.verticalHeader()->hide();
     view_.verticalHeader()->setDefaultSectionSize(view_.fontMetrics().height() * 3 / 2);
     view_.setTabKeyNavigation(false);
-    for (int column = 0; column < table_.columnCount(); ++column) view_.resizeColumnToContents(column);
-    view_.setMinimumSize(kCharacters * view_.fontMetrics().averageCharWidth(),
-                         kRows * view_.verticalHeader()->defaultSectionSize());
+    view_.setMinimumSize(WidthOfColumns(), kRows * view_.verticalHeader()->defaultSectionSize());
     return &view_;
+  }
+
+  // All columns are seen at once, and names take what the others leave.
+  int WidthOfColumns() {
+    QHeaderView& header = *view_.horizontalHeader();
+    header.setResizeContentsPrecision(kMeasuredRows);
+    int width = 2 * view_.frameWidth() + view_.verticalScrollBar()->sizeHint().width();
+    for (int column = 0; column < table_.columnCount(); ++column) {
+      view_.resizeColumnToContents(column);
+      width += header.sectionSize(column);
+    }
+    header.setSectionResizeMode(static_cast<int>(lists_.size()) + 1, QHeaderView::Stretch);
+    const int least = kCharacters * view_.fontMetrics().averageCharWidth();
+    return std::clamp(width, least, std::max(least, screen()->availableSize().width() * 3 / 4));
   }
 
   // What the buttons below the table do to the rows that are selected, or to all that the search shows.
   void Choose(int list, bool isIn) {
-    const QModelIndexList rows = view_.selectionModel()->selectedRows();
-    for (const QModelIndex& row : rows) table_.Choose(shown_.mapToSource(row).row(), list, isIn);
-    if (!rows.isEmpty()) return;
-    for (int row = 0; row < shown_.rowCount(); ++row)
-      table_.Choose(shown_.mapToSource(shown_.index(row, 0)).row(), list, isIn);
+    std::vector<int> rows;
+    for (const QItemSelectionRange& range : view_.selectionModel()->selection()) {
+      for (int row = range.top(); row <= range.bottom(); ++row)
+        rows.push_back(shown_.mapToSource(shown_.index(row, 0)).row());
+    }
+    for (int row = 0; row < shown_.rowCount() && view_.selectionModel()->selection().isEmpty(); ++row)
+      rows.push_back(shown_.mapToSource(shown_.index(row, 0)).row());
+    table_.Choose(rows, list, isIn);
   }
 
   QLayout* MakeListButtons() {

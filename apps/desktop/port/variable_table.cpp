@@ -1,6 +1,8 @@
 #include "apps/desktop/port/variable_table.h"
 
 #include <algorithm>
+#include <iterator>
+#include <limits>
 
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/caption.h"
@@ -11,6 +13,9 @@ namespace {
 // The columns after the boxes.
 enum Column { kNumber, kName, kType, kValid, kColumns };
 
+// An analysis numbers the variables that it is given by 16 bits.
+constexpr int kMostNumbered = std::numeric_limits<std::int16_t>::max();
+
 }  // namespace
 
 VariableTable::VariableTable(std::vector<std::string> names, QStringList lists,
@@ -18,6 +23,13 @@ VariableTable::VariableTable(std::vector<std::string> names, QStringList lists,
     : names_(std::move(names)), lists_(std::move(lists)), chosen_(std::move(chosen)), input_(input) {
   if (input_ != nullptr && input_->VariableCount() != names_.size()) input_ = nullptr;
   valid_.resize(names_.size());
+  listOf_.assign(names_.size(), -1);
+  for (std::size_t list = 0; list < chosen_.size(); ++list) {
+    for (const std::int16_t number : chosen_[list]) {
+      if (number >= 1 && static_cast<std::size_t>(number) <= listOf_.size())
+        listOf_[static_cast<std::size_t>(number) - 1] = static_cast<int>(list);
+    }
+  }
 }
 
 int VariableTable::rowCount(const QModelIndex& parent) const {
@@ -26,11 +38,6 @@ int VariableTable::rowCount(const QModelIndex& parent) const {
 
 int VariableTable::columnCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(lists_.size()) + (input_ != nullptr ? kColumns : kType);
-}
-
-bool VariableTable::IsIn(int row, int list) const {
-  const auto& numbers = chosen_[static_cast<std::size_t>(list)];
-  return std::ranges::find(numbers, row + 1) != numbers.end();
 }
 
 const Variable* VariableTable::VariableOf(int row) const {
@@ -56,6 +63,8 @@ QVariant VariableTable::ValidOf(int row) const {
 
 QVariant VariableTable::data(const QModelIndex& index, int role) const {
   const int lists = static_cast<int>(lists_.size());
+  if (role == Qt::ToolTipRole && index.row() >= kMostNumbered)
+    return tr("Only the first %1 variables can be chosen").arg(kMostNumbered);
   if (index.column() < lists) {
     if (role == Qt::CheckStateRole) return IsIn(index.row(), index.column()) ? Qt::Checked : Qt::Unchecked;
     if (role == Qt::AccessibleTextRole) return Spoken(lists_[index.column()]);
@@ -87,21 +96,33 @@ QVariant VariableTable::headerData(int section, Qt::Orientation orientation, int
 
 Qt::ItemFlags VariableTable::flags(const QModelIndex& index) const {
   const Qt::ItemFlags usual = Qt::ItemIsEnabled | Qt::ItemIsSelectable;
+  if (index.row() >= kMostNumbered) return Qt::NoItemFlags;
   return index.column() < static_cast<int>(lists_.size()) ? usual | Qt::ItemIsUserCheckable : usual;
 }
 
 bool VariableTable::setData(const QModelIndex& index, const QVariant& value, int role) {
   if (role != Qt::CheckStateRole || index.column() >= static_cast<int>(lists_.size())) return false;
-  Choose(index.row(), index.column(), value.toInt() == Qt::Checked);
+  Choose({index.row()}, index.column(), value.toInt() == Qt::Checked);
   return true;
 }
 
-void VariableTable::Choose(int row, int list, bool isIn) {
-  const auto number = static_cast<std::int16_t>(row + 1);
-  if (IsIn(row, list) == isIn) return;
-  for (auto& numbers : chosen_) std::erase(numbers, number);
-  if (isIn) chosen_[static_cast<std::size_t>(list)].push_back(number);
-  emit dataChanged(index(row, 0), index(row, static_cast<int>(lists_.size()) - 1), {Qt::CheckStateRole});
+void VariableTable::Choose(const std::vector<int>& rows, int list, bool isIn) {
+  std::vector<std::int16_t> changed;
+  for (const int row : rows) {
+    if (row >= kMostNumbered || IsIn(row, list) == isIn) continue;
+    listOf_[static_cast<std::size_t>(row)] = isIn ? list : -1;
+    changed.push_back(static_cast<std::int16_t>(row + 1));
+  }
+  if (changed.empty()) return;
+  for (std::size_t i = 0; i < chosen_.size(); ++i) {
+    std::erase_if(chosen_[i], [&](std::int16_t number) {
+      return listOf_[static_cast<std::size_t>(number) - 1] != static_cast<int>(i);
+    });
+  }
+  if (isIn) std::ranges::copy(changed, std::back_inserter(chosen_[static_cast<std::size_t>(list)]));
+  const auto [first, last] = std::ranges::minmax(changed);
+  emit dataChanged(index(first - 1, 0), index(last - 1, static_cast<int>(lists_.size()) - 1),
+                   {Qt::CheckStateRole});
   emit chosenChanged();
 }
 

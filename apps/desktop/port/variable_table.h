@@ -18,8 +18,8 @@ class VariableTable : public QAbstractTableModel {
                 std::vector<std::vector<std::int16_t>> chosen, const Spreadsheet* input);
 
   const std::vector<std::vector<std::int16_t>>& Chosen() const { return chosen_; }
-  // A variable that is put into one list leaves the other.
-  void Choose(int row, int list, bool isIn);
+  // Variables that are put into one list leave the other. Those whose numbers are too large to be chosen stay out.
+  void Choose(const std::vector<int>& rows, int list, bool isIn);
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
@@ -32,8 +32,7 @@ class VariableTable : public QAbstractTableModel {
   void chosenChanged();
 
  private:
-  bool IsIn(int row, int list) const;
-  int ListOf(const QModelIndex& index) const { return index.column(); }
+  bool IsIn(int row, int list) const { return listOf_[static_cast<std::size_t>(row)] == list; }
   const Variable* VariableOf(int row) const;
   QString TypeOf(int row) const;
   QVariant ValidOf(int row) const;
@@ -41,6 +40,7 @@ class VariableTable : public QAbstractTableModel {
   std::vector<std::string> names_;
   QStringList lists_;
   std::vector<std::vector<std::int16_t>> chosen_;
+  std::vector<int> listOf_;  // of each variable; -1 for none
   const Spreadsheet* input_;
   mutable std::vector<std::optional<std::size_t>> valid_;  // counted when first shown
 };
