@@ -1,6 +1,7 @@
 #include "apps/desktop/documents/document.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -133,7 +134,7 @@ TEST_F(DocumentTest, ImpossibleEditsChangeNothing) {
 TEST_F(DocumentTest, SavingEndsTheJournalAndAFailedSaveKeepsIt) {
   auto document = NewDocument();
   document->Do("Edit", Cell(0, 0, 1));
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Journals()), {}), 2);  // with its lock
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Journals()), {}), 1);
   EXPECT_THROW(document->Save(folder / "no folder" / "a.bvw"), Error);
   EXPECT_TRUE(document->IsModified());
   EXPECT_THROW(document->Save(folder / "a.csv"), Error);
@@ -151,6 +152,63 @@ TEST_F(DocumentTest, SavingEndsTheJournalAndAFailedSaveKeepsIt) {
   document->Do("Edit", Cell(0, 0, 2));
   document->Save(folder / "a.bvw");
   EXPECT_EQ(Workbook::Open(folder / "a.bvw").SheetAt(0).VariableAt(0).Values()[0], 2);
+}
+
+// While one exists, no file of this process grows beyond a size, as on a device that is full.
+class FullDevice {
+ public:
+  explicit FullDevice(std::uintmax_t bytes) : former_(signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &limit_);
+    const rlimit full{bytes, limit_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &full);
+  }
+  ~FullDevice() {
+    setrlimit(RLIMIT_FSIZE, &limit_);
+    signal(SIGXFSZ, former_);
+  }
+  FullDevice(const FullDevice&) = delete;
+  FullDevice& operator=(const FullDevice&) = delete;
+
+ private:
+  void (*former_)(int);
+  rlimit limit_{};
+};
+
+TEST_F(DocumentTest, AFullDeviceKeepsTheFileAndTheEdits) {
+  auto document = NewDocument();
+  const auto file = folder / "a.bvw";
+  document->Do("Edit", Cell(0, 0, 1));
+  document->Save(file);
+  const std::string saved = BytesOf(file);
+  document->Do("Longer", One(AddCases{"Data", 10, {100'000, {}, {}, {}}}));
+  {
+    const FullDevice full(saved.size() + 10'000);
+    try {
+      document->Save(file);
+      ADD_FAILURE() << "saved";
+    } catch (const Error& error) {
+      EXPECT_EQ(error.Where(), file.string()) << error.what();
+    }
+  }
+  EXPECT_TRUE(document->IsModified());
+  EXPECT_EQ(BytesOf(file), saved);
+  EXPECT_EQ(Workbook::Open(file).SheetAt(0).CaseCount(), 10U);
+  document->Save(file);
+  EXPECT_EQ(Workbook::Open(file).SheetAt(0).CaseCount(), 100'010U);
+  EXPECT_TRUE(std::filesystem::is_empty(Journals()));
+}
+
+// The edits go on, and the person is told that a crash would lose them.
+TEST_F(DocumentTest, AJournalThatCannotGrowIsSaidOnceAndEditingGoesOn) {
+  auto document = NewDocument();
+  int said = 0;
+  QObject::connect(document.get(), &Document::journalFailed, [&](const QString&) { ++said; });
+  const FullDevice full(100);
+  for (int n = 1; n <= 3; ++n) document->Do("Edit", Cell(0, 0, n));
+  EXPECT_EQ(said, 1);
+  EXPECT_EQ(ValuesOf(*document, 0)[0], 3);
+  document->History().undo();
+  EXPECT_EQ(ValuesOf(*document, 0)[0], 2);
 }
 
 // What a job does to the workbook is one step of the history: properties, and a matrix that replaces another.
@@ -245,6 +303,7 @@ TEST_F(DocumentTest, KilledWhileEditingAndSavingNothingIsLost) {
   }
   EXPECT_GT(recoveries, 5);
   EXPECT_TRUE(LeftJournals(Journals()).empty());
+  EXPECT_TRUE(std::filesystem::is_empty(Journals()));
 }
 
 TEST_F(DocumentTest, JournalsThatDoNotFitAreSaidToAndDamagedOnesEndEarly) {

@@ -8,6 +8,7 @@
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/documents/edit_stream.h"
 #include "host/base/error.h"
+#include "host/base/files/file_lock.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -22,10 +23,15 @@ enum class RecordKind : quint8 { kEdits = 1, kSave = 2 };
 
 constexpr char kEnding[] = ".journal";
 
-constexpr QLatin1String kLockEnding(".lock");
+// The file is this one's alone, and still there: who looked for left journals may have removed it before.
+bool IsOwned(const QFile& file) {
+  return LockOpenFile(file.handle()) && file.exists();
+}
 
-QString LockOf(const QString& journal) {
-  return journal + kLockEnding;
+// As long as the file is there it is locked.
+void RemoveOwned(QFile& file) {
+  QFile::remove(file.fileName());
+  file.close();
 }
 
 QString NewName(const std::filesystem::path& folder) {
@@ -62,20 +68,32 @@ bool IsSaveCutShort(const std::filesystem::path& target) {
 
 }  // namespace
 
-Journal::Journal(const std::filesystem::path& folder, const JournalBase& base)
-    : lock_(LockOf(NewName(folder))), file_(lock_.fileName().chopped(kLockEnding.size())) {
-  lock_.setStaleLockTime(0);
-  if (!lock_.tryLock() || !file_.open(QIODevice::ReadWrite | QIODevice::NewOnly))
-    throw Error("unsaved edits cannot be kept for the case of a crash", Utf8(file_.fileName()));
-  QDataStream stream(&file_);
-  stream << kMagic << kVersion << base;
-  if (stream.status() != QDataStream::Ok || !file_.flush())
+Journal::Journal(const std::filesystem::path& folder, const JournalBase& base) {
+  constexpr int kAttempts = 3;
+  bool hasBegun = false;
+  for (int i = 0; i < kAttempts && !hasBegun; ++i) hasBegun = Begin(folder);
+  if (!hasBegun)
     throw Error("unsaved edits cannot be kept for the case of a crash: " + Utf8(file_.errorString()),
                 Utf8(file_.fileName()));
+  QDataStream stream(&file_);
+  stream << kMagic << kVersion << base;
+  if (stream.status() == QDataStream::Ok && file_.flush()) return;
+  const Error error("unsaved edits cannot be kept for the case of a crash: " + Utf8(file_.errorString()),
+                    Utf8(file_.fileName()));
+  RemoveOwned(file_);
+  throw error;
+}
+
+bool Journal::Begin(const std::filesystem::path& folder) {
+  file_.setFileName(NewName(folder));
+  if (!file_.open(QIODevice::ReadWrite | QIODevice::NewOnly)) return false;
+  if (IsOwned(file_)) return true;
+  file_.close();
+  return false;
 }
 
 Journal::~Journal() {
-  file_.remove();
+  RemoveOwned(file_);
 }
 
 void Journal::Append(Edits& edits) {
@@ -116,14 +134,11 @@ void Journal::TakeBack() {
   file_.resize(last_);
 }
 
-LeftJournal::LeftJournal(const std::filesystem::path& journal)
-    : path_(journal), lock_(LockOf(ShownPath(journal))), file_(ShownPath(journal)) {
-  lock_.setStaleLockTime(0);
-}
+LeftJournal::LeftJournal(const std::filesystem::path& journal) : path_(journal), file_(ShownPath(journal)) {}
 
 std::unique_ptr<LeftJournal> LeftJournal::Take(const std::filesystem::path& journal) {
   std::unique_ptr<LeftJournal> left(new LeftJournal(journal));
-  if (!left->lock_.tryLock() || !left->file_.open(QIODevice::ReadOnly)) return nullptr;
+  if (!left->file_.open(QIODevice::ReadOnly) || !IsOwned(left->file_)) return nullptr;
   if (left->ReadHeader() && left->SkipRecords() && !left->IsSaved()) return left;
   left->Remove();
   return nullptr;
@@ -188,27 +203,10 @@ std::optional<Edits> LeftJournal::Next() {
 }
 
 void LeftJournal::Remove() {
-  file_.remove();
+  RemoveOwned(file_);
 }
-
-namespace {
-
-// A process may be killed between taking a lock and beginning its journal.
-void RemoveLocksWithoutJournal(const QDir& folder) {
-  const QStringList locks =
-      folder.entryList({QStringLiteral("*") + LockOf(QLatin1String(kEnding))}, QDir::Files);
-  for (const QString& name : locks) {
-    if (folder.exists(name.chopped(kLockEnding.size()))) continue;
-    QLockFile lock(folder.filePath(name));
-    lock.setStaleLockTime(0);
-    if (lock.tryLock()) lock.unlock();
-  }
-}
-
-}  // namespace
 
 std::vector<std::unique_ptr<LeftJournal>> LeftJournals(const std::filesystem::path& folder) {
-  RemoveLocksWithoutJournal(QDir(ShownPath(folder)));
   std::vector<std::unique_ptr<LeftJournal>> left;
   const QDir files(ShownPath(folder), QStringLiteral("*") + QLatin1String(kEnding), QDir::Time, QDir::Files);
   for (const QString& name : files.entryList()) {

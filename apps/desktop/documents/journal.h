@@ -1,9 +1,9 @@
 // What was done to a project since it was last saved, in a file of its own, so that a killed process loses nothing: each
-// edit is in the file before the next one is made. The file goes when the project is saved or closed.
+// edit is in the file before the next one is made. The file goes when the project is saved or closed. The process that
+// writes it holds its lock, so that other processes see whether it was left.
 #pragma once
 
 #include <QFile>
-#include <QLockFile>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -37,11 +37,10 @@ class Journal {
   void TakeBack();
 
  private:
+  bool Begin(const std::filesystem::path& folder);
   void Finish(qint64 begin);
 
   qint64 last_ = 0;  // where the last record stands
-
-  QLockFile lock_;
   QFile file_;
 };
 
@@ -70,7 +69,6 @@ class LeftJournal {
   bool IsSaved() const;
 
   std::filesystem::path path_;
-  QLockFile lock_;
   QFile file_;
   JournalBase base_;
   qint64 first_ = 0;  // where the first record stands
