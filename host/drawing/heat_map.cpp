@@ -98,6 +98,17 @@ class HeatMap {
     painter_.restore();
   }
 
+  PictureFrame Frame() const {
+    const auto rows = layout_.cells.rows.size();
+    const auto columns = layout_.cells.columns.size();
+    const QPointF begin = layout_.Cell(0, 0).topLeft() + area_.topLeft();
+    const QPointF end = layout_.Cell(rows, columns).topLeft() + area_.topLeft();
+    PictureFrame frame;
+    frame.x = {0, static_cast<double>(columns), begin.x(), end.x()};
+    frame.y = {0, static_cast<double>(rows), begin.y(), end.y()};
+    return frame;
+  }
+
  private:
   QColor ColourOf(double value) const {
     if (!std::isfinite(value)) return theme_.grid;
@@ -204,8 +215,10 @@ int HeatMapHeight(const Graph& graph, int width) {
   return Layout(graph, width).Height();
 }
 
-void PaintHeatMap(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter) {
-  HeatMap(graph, theme, area, painter).Paint();
+PictureFrame PaintHeatMap(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter) {
+  HeatMap map(graph, theme, area, painter);
+  map.Paint();
+  return map.Frame();
 }
 
 }  // namespace brenvolt

@@ -4,6 +4,7 @@
 #include <QRect>
 
 #include "host/drawing/theme.h"
+#include "host/graphs/framed_picture.h"
 #include "host/graphs/graph.h"
 
 class QCPPainter;
@@ -13,6 +14,7 @@ namespace brenvolt {
 // How many pixels of height the table asks for at this width.
 int HeatMapHeight(const Graph& graph, int width);
 
-void PaintHeatMap(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter);
+// The axes of what is painted count columns and rows.
+PictureFrame PaintHeatMap(const Graph& graph, const Theme& theme, const QRect& area, QCPPainter& painter);
 
 }  // namespace brenvolt

@@ -137,13 +137,20 @@ void Page::LayOutCells(int width) {
                 top + rows * height + kCellAxisHeight);
 }
 
-void Page::Paint(const Theme& theme, QCPPainter& painter) const {
+std::vector<PictureFrame> Page::Paint(const Theme& theme, QCPPainter& painter) const {
+  std::vector<PictureFrame> frames;
+  const auto paint = [&](std::size_t place, const Graph& graph, const PanelStyle& style) {
+    auto frame = PaintPanel(graph, theme, style, painter);
+    if (!frame) return;
+    frame->panel = place;
+    frames.push_back(*frame);
+  };
   painter.fillRect(QRect(QPoint(0, 0), size_), theme.background);
   if (graph_.panels.empty()) {
     PanelStyle style;
     style.area = QRect(QPoint(0, 0), size_);
-    PaintPanel(graph_, theme, style, painter);
-    return;
+    paint(0, graph_, style);
+    return frames;
   }
   PaintTitle(theme, painter);
   const std::vector<GraphExtent> shared =
@@ -158,9 +165,10 @@ void Page::Paint(const Theme& theme, QCPPainter& painter) const {
       style.showsYAxis = i % columns_ == 0;
       style.showsXAxis = i + columns_ >= areas_.size();
     }
-    PaintPanel(graph_.panels[i], theme, style, painter);
+    paint(i, graph_.panels[i], style);
   }
   PaintNotes(theme, painter);
+  return frames;
 }
 
 void Page::PaintTitle(const Theme& theme, QCPPainter& painter) const {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/drawing/theme.h"
+#include "host/graphs/framed_picture.h"
 #include "host/graphs/graph.h"
 
 class QCPPainter;
@@ -19,8 +20,8 @@ class Page {
   Page(const Graph& graph, int width);
 
   QSize Size() const { return size_; }
-  // Throws Error if a curve has an invalid formula.
-  void Paint(const Theme& theme, QCPPainter& painter) const;
+  // The frames of what has axes. Throws Error if a curve has an invalid formula.
+  std::vector<PictureFrame> Paint(const Theme& theme, QCPPainter& painter) const;
 
  private:
   void LayOutPanels(int width);

@@ -215,6 +215,19 @@ class PanelPlot {
     painter.restore();
   }
 
+  // Where the axes lie, once it is painted.
+  PictureFrame Frame() const {
+    const auto axis = [](const QCPAxis& shown, int offset) {
+      const QCPRange range = shown.range();
+      return PictureAxis{range.lower, range.upper, shown.coordToPixel(range.lower) + offset,
+                         shown.coordToPixel(range.upper) + offset};
+    };
+    PictureFrame frame;
+    frame.x = axis(*plot_.xAxis, style_.area.left());
+    frame.y = axis(*plot_.yAxis, style_.area.top());
+    return frame;
+  }
+
  private:
   bool IsHorizontal() const { return !categories_.empty(); }
   bool IsSmallCell() const {
@@ -702,17 +715,22 @@ int HeightOf(const Graph& graph, int width) {
   return plot + kAxisAndTitle + (lines + markers) * (LineHeightOf(TextFont(kSmallSize)) + 2);
 }
 
-void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style, QCPPainter& painter) {
+std::optional<PictureFrame> PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style,
+                                       QCPPainter& painter) {
   if (!graph.cells.empty()) return PaintHeatMap(graph, theme, style.area, painter);
-  if (graph.kind == GraphKind::kText || !HasValues(graph))
-    return PaintText(graph, theme, style.area, painter);
+  if (graph.kind == GraphKind::kText || !HasValues(graph)) {
+    PaintText(graph, theme, style.area, painter);
+    return std::nullopt;
+  }
   PanelPlot plot(graph, theme, style);
   if (plot.IsBeyondAxes()) {
     Graph words;
     words.notes = {graph.title, "the values are too large for an axis, which ends at 1e249"};
-    return PaintText(words, theme, style.area, painter);
+    PaintText(words, theme, style.area, painter);
+    return std::nullopt;
   }
   plot.Paint(painter);
+  return plot.Frame();
 }
 
 }  // namespace brenvolt

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QRect>
+#include <optional>
 
 #include "host/drawing/graph_extent.h"
 #include "host/drawing/theme.h"
+#include "host/graphs/framed_picture.h"
 #include "host/graphs/graph.h"
 
 class QCPPainter;
@@ -27,7 +29,9 @@ inline constexpr int kCellAxisHeight = 44;
 // How many pixels of height the graph asks for at this width, by its legend, its notes and its named bars.
 int HeightOf(const Graph& graph, int width);
 
-// Throws Error if a curve has an invalid formula.
-void PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style, QCPPainter& painter);
+// Where the axes of the graph lie in what is painted on; nothing for words alone. Throws Error if a curve has an
+// invalid formula.
+std::optional<PictureFrame> PaintPanel(const Graph& graph, const Theme& theme, const PanelStyle& style,
+                                       QCPPainter& painter);
 
 }  // namespace brenvolt

@@ -11,7 +11,7 @@
 #include "host/drawing/page.h"
 #include "host/drawing/text_fitting.h"
 #include "host/drawing/toolkit.h"
-#include "host/graphs/picture.h"
+#include "host/graphs/framed_picture.h"
 
 namespace brenvolt {
 namespace {
@@ -19,13 +19,13 @@ namespace {
 constexpr int kPixelsPerInch = 96;
 constexpr int kPixelsPerMetre = 3780;
 
-void Paint(const Page& page, const Theme& theme, bool isVector, QPaintDevice& device) {
+std::vector<PictureFrame> Paint(const Page& page, const Theme& theme, bool isVector, QPaintDevice& device) {
   QCPPainter painter;
   if (!painter.begin(&device)) throw Error("the picture cannot be painted");
   painter.setMode(QCPPainter::pmVectorized, isVector);
   painter.setMode(QCPPainter::pmNoCaching, true);
   painter.setRenderHint(QPainter::Antialiasing);
-  page.Paint(theme, painter);
+  return page.Paint(theme, painter);
 }
 
 QByteArray Png(const Graph& graph, const PictureStyle& style) {
@@ -58,7 +58,12 @@ QByteArray DarkRules() {
   return "<style>@media screen and (prefers-color-scheme:dark){" + rules + "}</style>";
 }
 
-QByteArray Svg(const Graph& graph, const PictureStyle& style) {
+struct SvgPicture {
+  QByteArray bytes;
+  std::vector<PictureFrame> frames;
+};
+
+SvgPicture Svg(const Graph& graph, const PictureStyle& style) {
   const Page page(graph, style.width);
   QBuffer buffer;
   QSvgGenerator generator;
@@ -69,13 +74,13 @@ QByteArray Svg(const Graph& graph, const PictureStyle& style) {
   // The toolkit writes it between tags as it stands.
   generator.setTitle(Shown(graph.title).toHtmlEscaped());
   generator.setDescription(QString());
-  Paint(page, ThemeOf(style.theme), true, generator);
+  std::vector<PictureFrame> frames = Paint(page, ThemeOf(style.theme), true, generator);
   QByteArray bytes = buffer.data();
   if (style.theme == PictureTheme::kReader) {
     bytes.replace("<defs>", DarkRules() + "<defs>");
     bytes.replace("<svg ", "<svg class=\"brenvolt\" ");
   }
-  return bytes;
+  return {std::move(bytes), std::move(frames)};
 }
 
 QByteArray Pdf(std::span<const Graph> graphs, const PictureStyle& style) {
@@ -112,9 +117,17 @@ std::string Draw(std::span<const Graph> graphs, const PictureStyle& style) {
   if (graphs.size() > 1 && style.format != PictureFormat::kPdf)
     throw Error("only PDF has a page for each of several graphs");
   const QByteArray bytes = style.format == PictureFormat::kPdf   ? Pdf(graphs, style)
-                           : style.format == PictureFormat::kSvg ? Svg(graphs.front(), style)
+                           : style.format == PictureFormat::kSvg ? Svg(graphs.front(), style).bytes
                                                                  : Png(graphs.front(), style);
   return bytes.toStdString();
+}
+
+// Programs that draw pictures into windows ask for them as SVG.
+FramedPicture DrawFramed(const Graph& graph, const PictureStyle& style) {
+  RequireToolkit();
+  if (style.format != PictureFormat::kSvg) throw Error("only an SVG is drawn with its frames");
+  SvgPicture picture = Svg(graph, style);
+  return {picture.bytes.toStdString(), std::move(picture.frames)};
 }
 
 }  // namespace
@@ -123,4 +136,8 @@ std::string Draw(std::span<const Graph> graphs, const PictureStyle& style) {
 
 extern "C" BRENVOLT_EXPORT brenvolt::PictureFunction* BrenvoltPictures() {
   return &brenvolt::Draw;
+}
+
+extern "C" BRENVOLT_EXPORT brenvolt::FramedPictureFunction* BrenvoltFramedPicture() {
+  return &brenvolt::DrawFramed;
 }
