@@ -5,8 +5,10 @@
 #include <QObject>
 #include <QPointer>
 #include <memory>
+#include <vector>
 
 #include "apps/desktop/base/engine_thread.h"
+#include "apps/desktop/base/limit_mover.h"
 #include "apps/desktop/dialogs/dialog_window.h"
 #include "apps/desktop/port/document_sink.h"
 #include "apps/desktop/port/window_interface.h"
@@ -14,7 +16,7 @@
 
 namespace brenvolt::desktop {
 
-class AnalysisRun : public QObject {
+class AnalysisRun : public QObject, public LimitMover {
   Q_OBJECT
 
  public:
@@ -35,6 +37,11 @@ class AnalysisRun : public QObject {
   // From the startup dialog to the dialog of one of its tasks, as a choice in its list does. False if it was refused.
   bool Begin(int task);
 
+  // The limits in pictures that the open dialog made are settings of it, which go by the names of the limits.
+  bool CanMove(const CAnalysisGraphDoc& graph, const PictureLimit& limit) override;
+  MovedLimit Move(const CAnalysisGraphDoc& graph, const PictureLimit& limit, double value,
+                  bool isLast) override;
+
  signals:
   // Another dialog's window is shown.
   void windowChanged();
@@ -42,17 +49,42 @@ class AnalysisRun : public QObject {
   void ended();
 
  private:
+  // Hands everything on, and remembers which button made which picture.
+  class RememberingSink : public DocumentSink {
+   public:
+    RememberingSink(AnalysisRun& run, DocumentSink& sink) : run_(run), sink_(sink) {}
+    void TakeDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
+    void TakeGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
+    Spreadsheet* OpenData(const std::filesystem::path& path) override { return sink_.OpenData(path); }
+
+   private:
+    AnalysisRun& run_;
+    DocumentSink& sink_;
+    std::int32_t withTables_ = 0;  // a button that makes tables, too, and whose pictures stay as they are
+  };
+  struct MadeGraph {
+    std::shared_ptr<CAnalysisGraphDoc> graph;
+    std::int32_t button = 0;
+  };
+
+  MadeGraph* MadeOf(const CAnalysisGraphDoc& graph);
+  void FollowChoice();
+  // For the engine's thread: what a button shows, without a line in the macro.
+  WindowInterface::Handed PressQuietly(std::int32_t button);
+  MovedLimit Remake(MadeGraph& made, const PictureLimit& limit);
   void Follow();
   void OpenWindow(CAnalysisDialog& dialog, const QPoint* place);
 
   EngineThread& engine_;
   QWidget& owner_;
+  RememberingSink sink_;
   WindowInterface interface_;
   Application application_;
   CAnalysisDoc input_;
   std::unique_ptr<CAnalysisSupport> analysis_;
   std::function<bool()> isOpen_;  // of the dialog that the window shows
   QPointer<DialogWindow> window_;
+  std::vector<MadeGraph> made_;  // by the dialog that is open, the last one last
 };
 
 }  // namespace brenvolt::desktop

@@ -4,6 +4,7 @@
 #include <QEventLoop>
 #include <QFileDialog>
 #include <QMessageBox>
+#include <utility>
 
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/dialog_window.h"
@@ -78,7 +79,24 @@ void WindowInterface::ShowFault(const QString& what) {
   box.exec();
 }
 
+WindowInterface::Handed WindowInterface::Quietly(const std::function<void()>& call) {
+  Handed shown;
+  Handed* const outer = std::exchange(quiet_, &shown);
+  try {
+    call();
+  } catch (...) {
+    quiet_ = outer;
+    throw;
+  }
+  quiet_ = outer;
+  return shown;
+}
+
 MessageAnswer WindowInterface::ShowMessage(const Message& message) {
+  if (quiet_ != nullptr) {
+    quiet_->message = message.text;
+    return MessageAnswer::kCancel;
+  }
   MessageAnswer answer = MessageAnswer::kOk;
   engine_.Ask([&] {
     QMessageBox box(IconOf(message.icon), CaptionOf(message), Shown(message.text), QMessageBox::Ok, Front());
@@ -93,6 +111,7 @@ MessageAnswer WindowInterface::ShowMessage(const Message& message) {
 }
 
 std::vector<std::filesystem::path> WindowInterface::ChooseFiles(const FileQuestion& question) {
+  if (quiet_ != nullptr) return {};
   std::vector<std::filesystem::path> chosen;
   engine_.Ask([&] {
     QFileDialog dialog(Front(), Shown(question.title));
@@ -107,6 +126,7 @@ std::vector<std::filesystem::path> WindowInterface::ChooseFiles(const FileQuesti
 }
 
 bool WindowInterface::SelectVariables(VariableQuestion& question) {
+  if (quiet_ != nullptr) return false;
   bool accepted = false;
   engine_.Ask([&] {
     accepted =
@@ -116,18 +136,21 @@ bool WindowInterface::SelectVariables(VariableQuestion& question) {
 }
 
 bool WindowInterface::EditSelection(SelectionQuestion& question) {
+  if (quiet_ != nullptr) return false;
   bool accepted = false;
   engine_.Ask([&] { accepted = AskForSelection(question, Input(), Front()); });
   return accepted;
 }
 
 bool WindowInterface::EditWeights(WeightQuestion& question) {
+  if (quiet_ != nullptr) return false;
   bool accepted = false;
   engine_.Ask([&] { accepted = AskForWeights(question, Input(), Front()); });
   return accepted;
 }
 
 bool WindowInterface::EditMatrix(MatrixQuestion& question) {
+  if (quiet_ != nullptr) return false;
   bool accepted = false;
   engine_.Ask([&] { accepted = AskForMatrix(question, Front()); });
   return accepted;
@@ -136,6 +159,7 @@ bool WindowInterface::EditMatrix(MatrixQuestion& question) {
 // The window stands until the dialog is no longer open, which its own operations bring about; they run while this call
 // waits.
 void WindowInterface::RunModal(CAnalysisModalDialog& dialog) {
+  if (quiet_ != nullptr) return;
   engine_.Ask([&] {
     DialogWindow window(
         engine_, dialog, [&dialog] { return dialog.IsOpen(); }, Front());
@@ -151,10 +175,12 @@ void WindowInterface::RunModal(CAnalysisModalDialog& dialog) {
 }
 
 void WindowInterface::ShowDocument(std::shared_ptr<CAnalysisTableDoc> document) {
+  if (quiet_ != nullptr) return quiet_->tables.push_back(std::move(document));
   engine_.Ask([&] { sink_.TakeDocument(std::move(document)); });
 }
 
 void WindowInterface::ShowGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
+  if (quiet_ != nullptr) return quiet_->graphs.push_back(std::move(graph));
   engine_.Ask([&] { sink_.TakeGraph(std::move(graph)); });
 }
 

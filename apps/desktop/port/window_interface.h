@@ -3,6 +3,9 @@
 #pragma once
 
 #include <QPointer>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "apps/desktop/base/engine_thread.h"
 #include "apps/desktop/port/document_sink.h"
@@ -38,6 +41,15 @@ class WindowInterface : public UserInterface {
   bool IsExternallyCancelled() override;
   std::chrono::milliseconds PollInterval() const override;
 
+  // What an analysis would show.
+  struct Handed {
+    std::vector<std::shared_ptr<CAnalysisTableDoc>> tables;
+    std::vector<std::shared_ptr<CAnalysisGraphDoc>> graphs;
+    std::string message;  // the last one
+  };
+  // For the engine's thread: carries out a call that shows and asks the person nothing; questions count as cancelled.
+  Handed Quietly(const std::function<void()>& call);
+
   // For the window's thread: a message of the window itself.
   void ShowFault(const QString& what);
 
@@ -50,6 +62,7 @@ class WindowInterface : public UserInterface {
   QWidget& owner_;
   QPointer<ProgressWindow> progress_;
   std::function<const Spreadsheet*()> input_;
+  Handed* quiet_ = nullptr;  // what is shown goes here instead; the engine's thread alone looks at it
 };
 
 // A file dialog's filters from those of a question, whose descriptions and patterns stand one behind the other, apart by

@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "apps/desktop/base/live_graphs.h"
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/views/picture_view.h"
 #include "apps/desktop/views/result_model.h"
@@ -133,6 +134,8 @@ ResultsPanel::ResultsPanel(QWidget* parent)
          << tools_->addAction(tr("Smaller"), this, zoom(&PictureView::ZoomOut))
          << tools_->addAction(tr("Fit width"), this, zoom(&PictureView::ZoomToFit));
   connect(tree_, &QTreeWidget::currentItemChanged, this, &ResultsPanel::ShowCurrent);
+  connect(&LiveGraphs::All(), &LiveGraphs::replaced, this,
+          [this](const auto& former, auto now) { Replace(*former, std::move(now)); });
   UpdateActions();
 }
 
@@ -199,8 +202,56 @@ ResultsPanel::Result* ResultsPanel::CurrentResult() const {
 }
 
 QWidget* ResultsPanel::MakePage(const Result& result) {
-  if (result.graph != nullptr) return new PictureView(result.graph);
+  if (result.graph != nullptr) return MakePicture(result.graph);
   return WithTitle(MakeTable(result.table), result.table->Table());
+}
+
+PictureView* ResultsPanel::MakePicture(const std::shared_ptr<CAnalysisGraphDoc>& graph) {
+  auto* picture = new PictureView(graph, &LiveGraphs::All());
+  connect(picture, &PictureView::limitMoved, this,
+          [this](const std::shared_ptr<const CAnalysisGraphDoc>& former, const MovedLimit& moved,
+                 bool isLast) { Follow(*former, moved, isLast); });
+  return picture;
+}
+
+ResultsPanel::Result* ResultsPanel::ResultOf(const CAnalysisGraphDoc& graph) const {
+  const auto found = std::ranges::find_if(
+      results_, [&](const auto& one) { return one != nullptr && one->graph.get() == &graph; });
+  return found != results_.end() ? found->get() : nullptr;
+}
+
+void ResultsPanel::Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAnalysisGraphDoc> now) {
+  Result* const result = ResultOf(former);
+  if (result == nullptr) return;
+  const QString title = Shown(now->Content().title);
+  result->item->setText(0, title);
+  result->item->setToolTip(0, title);
+  result->graph = std::move(now);
+  if (auto* picture = static_cast<PictureView*>(result->page)) picture->Show(result->graph);
+}
+
+void ResultsPanel::ReplaceTable(const QTreeWidgetItem& group,
+                                const std::shared_ptr<CAnalysisTableDoc>& table) {
+  const QString title = TitleOf(table->Table());
+  for (const auto& one : results_) {
+    if (one == nullptr || one->table == nullptr || one->item->parent() != &group ||
+        one->item->text(0) != title)
+      continue;
+    one->table = table;
+    // The page is made again when it is looked at.
+    open_.removeOne(one->item);
+    delete std::exchange(one->page, nullptr);
+  }
+}
+
+void ResultsPanel::Follow(const CAnalysisGraphDoc& former, const MovedLimit& moved, bool isLast) {
+  const Result* const result = ResultOf(former);
+  if (moved.graph != nullptr) Replace(former, moved.graph);
+  if (!isLast) return;
+  if (result != nullptr) {
+    for (const auto& table : moved.tables) ReplaceTable(*result->item->parent(), table);
+  }
+  emit said(QString(moved.words).replace(u'\n', QStringLiteral(", ")));
 }
 
 void ResultsPanel::ShowCurrent() {

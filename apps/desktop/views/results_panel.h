@@ -1,11 +1,13 @@
 // What analyses have shown, as pages in a tree: tables to read, sort, copy and export, pictures to enlarge, copy and
-// save. A page is made when it is looked at, so that a hundred thousand results take no more time than the tree.
+// save, which change with the dialogs that made them (live_graphs.h). A page is made when it is looked at, so that a
+// hundred thousand results take no more time than the tree.
 #pragma once
 
 #include <QWidget>
 #include <filesystem>
 #include <memory>
 
+#include "apps/desktop/base/limit_mover.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/analysis/analysis_table_doc.h"
 
@@ -15,6 +17,8 @@ class QTreeWidget;
 class QTreeWidgetItem;
 
 namespace brenvolt::desktop {
+
+class PictureView;
 
 class ResultsPanel : public QWidget {
   Q_OBJECT
@@ -31,6 +35,8 @@ class ResultsPanel : public QWidget {
   void Add(std::shared_ptr<CAnalysisTableDoc> table);
   void Add(std::shared_ptr<CAnalysisGraphDoc> graph);
   int Count() const;
+  // Another graph takes the place of one; nothing happens where that was removed.
+  void Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAnalysisGraphDoc> now);
   // Shows tables again whose analysis has filled them anew.
   void Refresh();
   QTreeWidget& Tree() { return *tree_; }
@@ -58,8 +64,13 @@ class ResultsPanel : public QWidget {
   struct Result;
 
   void AddItem(const QString& title, Result result);
+  Result* ResultOf(const CAnalysisGraphDoc& graph) const;
+  // What a limit that was moved changed: its picture, and tables that stand in its group under the same title.
+  void Follow(const CAnalysisGraphDoc& former, const MovedLimit& moved, bool isLast);
+  void ReplaceTable(const QTreeWidgetItem& group, const std::shared_ptr<CAnalysisTableDoc>& table);
   void ShowCurrent();
   QWidget* MakePage(const Result& result);
+  PictureView* MakePicture(const std::shared_ptr<CAnalysisGraphDoc>& graph);
   Result* CurrentResult() const;
   void UpdateActions();
 
