@@ -2,6 +2,7 @@
 // was wrong.
 #include <QApplication>
 #include <QIcon>
+#include <QLocale>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <clocale>
@@ -11,6 +12,7 @@
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/desktop_options.h"
 #include "apps/desktop/workbench/main_window.h"
+#include "host/base/number_text.h"
 #include "host/base/process/memory_policy.h"
 
 namespace {
@@ -35,6 +37,12 @@ void RefuseMissingDisplay(QtMsgType type, const QMessageLogContext& /*context*/,
 void ReportFault(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
   if (type == QtCriticalMsg || type == QtFatalMsg)
     std::fprintf(stderr, "brenvolt-desktop: %s\n", qPrintable(text));
+}
+
+// Numbers are shown and typed as in the person's language, also where the system has no tables of that language.
+void AdoptDecimalSeparator() {
+  const QString separator = QLocale::system().decimalPoint();
+  if (separator == QStringLiteral(",")) brenvolt::SetUserNumberLocale({','});
 }
 
 // Carries out what the call asked for, and ends the program where a picture was all of it.
@@ -70,6 +78,7 @@ int main(int argc, char** argv) {
   qInstallMessageHandler(ReportFault);
   // Numbers in files are read and written as elsewhere, whatever the person's language.
   std::setlocale(LC_NUMERIC, "C");
+  AdoptDecimalSeparator();
   QCoreApplication::setApplicationName(QStringLiteral("Brenvolt"));
   QApplication::setDesktopFileName(QStringLiteral("brenvolt-desktop"));
   QApplication::setWindowIcon(QIcon(QStringLiteral(":/brenvolt.svg")));

@@ -15,6 +15,7 @@
 #include "apps/desktop/base/toolkit_support_test.h"
 #include "host/base/error.h"
 #include "host/base/files/temporary_folder_support_test.h"
+#include "host/base/number_text.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::desktop {
@@ -143,6 +144,29 @@ TEST_F(SheetViewTest, APasteThatDoesNotFitChangesNothingAndSaysWhere) {
   QGuiApplication::clipboard()->setText("9\n");
   view->Paste();
   for (int row = 0; row < 3; ++row) EXPECT_EQ(Cell(row, 1), "9");
+}
+
+// Also from and into a spreadsheet of the same language.
+TEST_F(SheetViewTest, NumbersHaveTheDecimalCommaOfThePerson) {
+  SetUserNumberLocale({','});
+  OpenSmall();
+  EXPECT_EQ(Cell(0, 0), "1,5");
+  Type(0, 1, "2,25");
+  EXPECT_EQ(Sheet().VariableAt(1).Values()[0], 2.25);
+  Select(1, 0, 1, 0);
+  QGuiApplication::clipboard()->setText("-0,5\t1e-3\n3,25\t1,5\n");
+  view->Paste();
+  EXPECT_TRUE(refusals.isEmpty()) << Utf8(refusals.value(0));
+  EXPECT_EQ(Sheet().VariableAt(0).Values()[1], -0.5);
+  EXPECT_EQ(Sheet().VariableAt(1).Values()[1], 0.001);
+  Select(1, 0, 2, 1);
+  view->Copy();
+  EXPECT_EQ(QGuiApplication::clipboard()->text(), "-0,5\t0,001\n3,25\t1,5\n");
+  // A point is read as well, and marks between thousands are not: no number has two readings.
+  for (const char* text : {"2.75", "1.234,5"}) Type(0, 0, text);
+  EXPECT_EQ(refusals.size(), 1);
+  EXPECT_EQ(Sheet().VariableAt(0).Values()[0], 2.75);
+  SetUserNumberLocale({});
 }
 
 TEST_F(SheetViewTest, CasesAndVariablesComeAndGo) {
