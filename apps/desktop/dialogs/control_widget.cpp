@@ -192,7 +192,10 @@ class FieldWidget final : public ControlWidget {
     const QString text = Shown(state.text);
     if (text == shown_) return;
     shown_ = text;
-    static_cast<QLineEdit*>(Widget())->setText(text);
+    auto* field = static_cast<QLineEdit*>(Widget());
+    field->setText(text);
+    // A number that is longer than the field shows its beginning.
+    field->setCursorPosition(0);
   }
 
   const ControlActions& actions_;
