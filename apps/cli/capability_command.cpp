@@ -1,9 +1,9 @@
 // brenvolt capability: how well a measured process keeps its specification.
 #include <cstdio>
 
-#include "apps/cli/capability_report.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/measured_report.h"
 #include "apps/cli/specification_option.h"
 #include "host/application/json_text.h"
 #include "host/jobs/measured/capability_job.h"

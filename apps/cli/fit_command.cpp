@@ -4,11 +4,11 @@
 #include <utility>
 #include <vector>
 
-#include "apps/cli/censored_report.h"
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
+#include "apps/cli/measured_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/base/number_text.h"
