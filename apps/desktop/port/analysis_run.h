@@ -56,6 +56,7 @@ class AnalysisRun : public QObject, public LimitMover {
     void TakeDocument(std::shared_ptr<CAnalysisTableDoc> document) override;
     void TakeGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override;
     Spreadsheet* OpenData(const std::filesystem::path& path) override { return sink_.OpenData(path); }
+    void TakeChange() override { sink_.TakeChange(); }
 
    private:
     AnalysisRun& run_;
