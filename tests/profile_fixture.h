@@ -20,6 +20,15 @@ inline const std::string kFormula =
     "O3 = -7.727982213955437 + 0.3804408287168912*temp - 0.001186227769643128*ibh - "
     "0.005821484614040797*ibt";
 
+// y = 2 A, for A from 8 to 12 alone: one standard deviation on either side of its mean.
+inline constexpr const char* kRanged = R"(<PMML version="4.2" xmlns="http://www.dmg.org/PMML-4_2"><Header/>
+<DataDictionary><DataField name="A" optype="continuous" dataType="double">
+<Interval closure="closedClosed" leftMargin="8" rightMargin="12"/></DataField>
+<DataField name="y" optype="continuous" dataType="double"/></DataDictionary>
+<RegressionModel functionName="regression"><MiningSchema><MiningField name="A"/>
+<MiningField name="y" usageType="target"/></MiningSchema><RegressionTable intercept="0">
+<NumericPredictor name="A" coefficient="2"/></RegressionTable></RegressionModel></PMML>)";
+
 using Arguments = std::vector<std::string>;
 
 struct ProfileCommand : Command {

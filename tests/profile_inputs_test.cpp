@@ -8,15 +8,6 @@
 namespace brenvolt::test {
 namespace {
 
-// y = 2 A, for A from 8 to 12 alone: one standard deviation on either side of its mean.
-constexpr const char* kRanged = R"(<PMML version="4.2" xmlns="http://www.dmg.org/PMML-4_2"><Header/>
-<DataDictionary><DataField name="A" optype="continuous" dataType="double">
-<Interval closure="closedClosed" leftMargin="8" rightMargin="12"/></DataField>
-<DataField name="y" optype="continuous" dataType="double"/></DataDictionary>
-<RegressionModel functionName="regression"><MiningSchema><MiningField name="A"/>
-<MiningField name="y" usageType="target"/></MiningSchema><RegressionTable intercept="0">
-<NumericPredictor name="A" coefficient="2"/></RegressionTable></RegressionModel></PMML>)";
-
 TEST_F(ProfileCommand, PredictorsKeepToTheRangeOfTheirModelUnlessThatIsLifted) {
   WriteData();
   WriteBytes(File("m.pmml"), kRanged);

@@ -264,7 +264,7 @@ TEST_F(Command, WrongInputGetsOneClearLineAndChangesNothing) {
       {{"export", "renamed.csv", "-o", "renamed.csv"}, 2, "would replace renamed.csv, which is read (-o)"},
       {{"export", "good.bvw", "-o", "renamed.csv"},
        1,
-       "a project is not replaced by a CSV file (renamed.csv)"},
+       "a project is not replaced by a file of another kind (renamed.csv)"},
       {{"simulate", "good.bvw", "-o", "/proc/x.csv"}, 1, "/proc/x.csv"},
       {{"simulate", "weights.csv"}, 1, "weights.csv"},
       {{"simulate", "endless.bvw"}, 1, "Simulation failed.  Please review"},

@@ -35,16 +35,26 @@ Json ArgumentAsJson(const CLI::Option& option) {
           {"description", option.get_description()}};
 }
 
+// Groups of options, which are parts without a name, belong to what holds them.
 Json CommandAsJson(const CLI::App& command) {
   Json arguments = Json::array();
   Json options = Json::array();
-  for (const CLI::Option* option : command.get_options()) {
-    const bool isNamed = !option->get_snames().empty() || !option->get_lnames().empty();
-    if (isNamed) options.push_back(OptionAsJson(*option));
-    if (option->get_positional()) arguments.push_back(ArgumentAsJson(*option));
-  }
   Json commands = Json::array();
-  for (const CLI::App* part : command.get_subcommands({})) commands.push_back(CommandAsJson(*part));
+  const auto addOptions = [&](const CLI::App& part) {
+    for (const CLI::Option* option : part.get_options()) {
+      const bool isNamed = !option->get_snames().empty() || !option->get_lnames().empty();
+      if (isNamed) options.push_back(OptionAsJson(*option));
+      if (option->get_positional()) arguments.push_back(ArgumentAsJson(*option));
+    }
+  };
+  addOptions(command);
+  for (const CLI::App* part : command.get_subcommands({})) {
+    if (part->get_name().empty()) {
+      addOptions(*part);
+    } else {
+      commands.push_back(CommandAsJson(*part));
+    }
+  }
   return {{"name", command.get_name()}, {"description", command.get_description()},
           {"arguments", arguments},     {"options", options},
           {"commands", commands},       {"footer", command.get_footer()}};

@@ -33,7 +33,10 @@ std::string DistributionsText() {
 
 void Explain(const CLI::App& program, const std::string& topic) {
   if (topic.empty()) {
-    std::fputs(program.help().c_str(), stdout);
+    // Its own member would give the help of the command that was called, this one.
+    const std::string text =
+        program.get_formatter()->make_help(&program, program.get_name(), CLI::AppFormatMode::Normal);
+    std::fputs(text.c_str(), stdout);
     return;
   }
   std::vector<std::string> topics;

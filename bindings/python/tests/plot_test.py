@@ -142,7 +142,7 @@ class Plots(unittest.TestCase):
             self.assertIn("no command repeats this", text("r.html"))
             brenvolt.open_workbook(os.path.join(folder, "p.bvw")).report(os.path.join(folder, "p.html"))
             self.assertIn("<title>Project p.bvw</title>", text("p.html"))
-            with self.assertRaisesRegex(ValueError, "expected a file ending in .html, .md or .pdf"):
+            with self.assertRaisesRegex(ValueError, "expected a file ending in .html, .md, .pdf or .xlsx"):
                 fits.report(os.path.join(folder, "f.doc"))
 
     def test_responses_draw_as_the_command_draws_them(self):

@@ -375,10 +375,10 @@ class SameCalls(unittest.TestCase):
     def test_files_are_read_alike_however_they_are_laid_out(self):
         with open("report.txt", "w", encoding="windows-1252") as file:
             file.write("Prüfer: Weiß\n\ngröße;n\n" + "".join(f"{i},5;{i % 3}\n" for i in range(1, 9)))
-        done = self.command("fit", "report.txt", "--distributions", "normal", "--format", "json")
+        done = self.command("fit", "report.txt", "--continuous", "größe,n", "--distributions", "normal", "--format", "json")
         self.assertEqual(done.stderr, "brenvolt: report.txt has windows-1252 text, fields separated by semicolons, decimal "
                                       "commas and the header in line 3\n")
-        fitted = brenvolt.fit("report.txt", distributions="normal")
+        fitted = brenvolt.fit("report.txt", ["größe", "n"], distributions="normal")
         for expected in json.loads(done.stdout)["variables"]:
             self.compare(expected, fitted.variables[expected["name"]])
         self.assertEqual(fitted.summary.loc["größe", "mean"], 5)
