@@ -72,7 +72,7 @@ TEST_F(Command, ReportsThatCannotBeWrittenAreNoSuccess) {
                                             {"profile", data, "--model", model},
                                             {"simulate", "p.bvw", "--format", "json"},
                                             {"simulate", "p.bvw"},
-                                            {"design", "--variable", "a ~ normal(0, 1)"},
+                                            {"design", "d.bvw", "--variable", "a ~ normal(0, 1)"},
                                             {"capability", data, "--spec", "O3=0,,30", "--format", "json"},
                                             {"show", "p.bvw", "--format", "json"},
                                             {"typelib", "--format", "json"}};

@@ -55,9 +55,11 @@ void PrintCsv(const Spreadsheet& sheet, const JobData& data) {
 }
 
 CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string& about) {
-  CLI::Option* const option =
-      command.add_option("DATA", data.file, "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
-                         "standard input" + about);
+  CLI::Option* const option = command.add_option(
+      "DATA", data.file,
+      "Data file (text, xlsx, ods, SPSS, Stata, SAS, npz, JSON lines) or project (.bvw); - is "
+      "standard input" +
+          about);
   command.add_option("--sheet", data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   return option;

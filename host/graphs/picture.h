@@ -28,7 +28,7 @@ struct PictureStyle {
 inline constexpr int kLeastPictureWidth = 320;
 // What a matrix needs beside its cells, and each of these.
 inline constexpr int kMatrixFrame = 72;
-inline constexpr int kLeastCellWidth = 48;
+inline constexpr int kLeastCellWidth = 56;
 inline constexpr int kGreatestPictureWidth = 8000;
 
 // The bytes of a file: of one graph, or, as PDF, of one graph a page. The height follows from the graph and the

@@ -95,10 +95,12 @@ ScoreRun ScoreJob::Score(const Spreadsheet& cases) const {
 
 void ScoreJob::Record(JobRecorder& recorder, const void* predictions, const void* cases) const {
   if (!recorder.IsRecording()) return;
-  JobRecorder::Arguments arguments{
-      PythonPath(model), cases != nullptr ? recorder.NameOf(cases) : PythonPath(data.file),
-      data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet), KeepArgument(keep), probabilities ? "probabilities=True" : "",
-      leaveInvalid ? "leave_invalid=True" : ""};
+  JobRecorder::Arguments arguments{PythonPath(model),
+                                   cases != nullptr ? recorder.NameOf(cases) : PythonPath(data.file),
+                                   data.sheet.empty() ? "" : "sheet=" + PythonText(data.sheet),
+                                   KeepArgument(keep),
+                                   probabilities ? "probabilities=True" : "",
+                                   leaveInvalid ? "leave_invalid=True" : ""};
   for (std::string& argument : ReadingArguments(data)) arguments.push_back(std::move(argument));
   recorder.Gave("predictions", nullptr, "Score", arguments, predictions);
 }

@@ -223,8 +223,8 @@ TEST(DialogWindow, ControlsFollowTheDialogAtOnceAndKeysSuffice) {
 }
 
 TEST(DialogWindow, FieldsTakeAndShowTheDecimalCommaOfThePerson) {
-  SetUserNumberLocale({','});
   Desk desk(kExamples + "faithful.csv");
+  SetUserNumberLocale({','});
   desk.ClickRow(1006, 2);
   const DismissedMessage noMatrixFile;
   desk.Click(kControlOk);

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "apps/desktop/base/text.h"
+#include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_recorder.h"
 
 namespace brenvolt::desktop {
@@ -30,7 +31,9 @@ void MacroRecording::Began(const Document& document, const Spreadsheet& sheet, C
   if (known == nullptr) {
     known = std::make_shared<Known>();
     kept_.push_back(known);
-    if (hasFile) recorder.Opened(document.File(), document.DecimalComma(), known->workbook.get());
+    JobData data;
+    data.decimalComma = document.DecimalComma();
+    if (hasFile) recorder.Opened(document.File(), ReadingArguments(data), known->workbook.get());
   }
   std::unique_ptr<char>& token = known->sheets[sheet.Name()];
   if (token == nullptr) {

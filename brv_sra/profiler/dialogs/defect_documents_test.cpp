@@ -157,7 +157,7 @@ TEST(DefectDocuments, GraphHasAPanelForEachProfile) {
   const Graph graph = MakeDefectGraph(responses, predictors);
   EXPECT_EQ(graph.title, "Defect Profiler");
   ASSERT_EQ(graph.panels.size(), 2U);
-  EXPECT_EQ(graph.panels[1].title, "y / again");
+  EXPECT_EQ(graph.panels[1].title, "Defect Rate: y / again");
   EXPECT_EQ(graph.panels[0].xTitle, "x");
   EXPECT_EQ(graph.panels[0].series[0].x.size(), 20U);
   EXPECT_EQ(graph.panels[0].series[0].y.back(), 1);
