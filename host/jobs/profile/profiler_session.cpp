@@ -12,6 +12,10 @@ ProfilerSession::ProfilerSession(const ProfileJob& job, std::int32_t seed, Analy
   dialog_ = session_.Dialog();
 }
 
+void ProfilerSession::AddNote(std::string note) {
+  notes_.push_back(std::move(note));
+}
+
 void ProfilerSession::LoadModels(const Variant::Array& models) {
   PutPredictions("LoadModels", models);
 }

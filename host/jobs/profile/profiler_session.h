@@ -27,7 +27,7 @@ class ProfilerSession {
   const PredictorInputs& Predictors() const { return inputs_; }
   // What the dialog has told of what it leaves out, and what else is to be said of the results.
   const std::vector<std::string>& Notes() const { return notes_; }
-  void AddNote(std::string note) { notes_.push_back(std::move(note)); }
+  void AddNote(std::string note);
 
   // What predicts. Both give the dialog its predictors and responses; models come first, as formulas take the places of
   // models of their responses.

@@ -331,7 +331,7 @@ void Detector::TellHeader(const HeaderFound& header) {
     } else if (header.line != division_.rows.front().line) {
       found_.readAs.push_back("the header in " + line);
     }
-    if (header.lacksFirst) found_.readAs.push_back("a first column that the header does not name");
+    if (header.lacksFirst) found_.readAs.emplace_back("a first column that the header does not name");
   }
   if (header.hasUnits) ReadAs(options_.unitsRow.has_value(), "units in the line after the header");
 }
