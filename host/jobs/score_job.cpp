@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <utility>
 
-#include "host/base/quoted.h"
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
@@ -53,11 +52,7 @@ std::string KeepArgument(const std::vector<std::string>& keep) {
 JobFaults ScoreJob::Check() const {
   JobFaults faults;
   if (model.empty()) faults.push_back({"model", "missing model file"});
-  for (std::size_t i = 0; i < keep.size(); ++i) {
-    if (std::find(keep.begin(), keep.begin() + static_cast<std::ptrdiff_t>(i), keep[i]) !=
-        keep.begin() + static_cast<std::ptrdiff_t>(i))
-      faults.push_back({"keep", Quoted(keep[i]) + " is given twice"});
-  }
+  CheckOnce("keep", keep, faults);
   CheckReading(data, faults);
   CheckTableTarget("output", output, faults);
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
