@@ -229,34 +229,84 @@ TEST_F(ReportCommand, OfManyVariablesThoseAreShownThatFitsMissMost) {
   EXPECT_LT(html.find("<h3>bad</h3>"), html.find("<h3>v59</h3>")) << "the worst first";
 }
 
+// A few cells of a sheet of a workbook, by the columns, as import shows them.
+class WorkbookOfResults : public ReportCommand {
+ protected:
+  std::map<std::string, Json> Cells(const std::string& file, const std::string& sheet) const {
+    const Json shown = Json::parse(
+        MustRun({"import", file, "--sheet", sheet, "--preview", "--format", "json"}).out)["sheets"][0];
+    std::map<std::string, Json> columns;
+    for (const Json& variable : shown["variables"]) columns[variable["name"]] = variable["first"];
+    return columns;
+  }
+  std::vector<std::string> Charts(const std::string& file) const {
+    std::vector<std::string> charts;
+    for (ZipPart& part : UnpackedParts(BytesOf(File(file)), file)) {
+      if (part.name.starts_with("xl/charts/chart")) charts.push_back(std::move(part.content));
+    }
+    return charts;
+  }
+};
+double NumberIn(const Json& cell) {
+  return std::stod(cell.get<std::string>());
+}
+
 // The numbers of the table are rounded for people, those of the workbook are not.
-TEST_F(ReportCommand, AWorkbookHasTheDataTheFitsAndChartsAsNumbers) {
+TEST_F(WorkbookOfResults, AWorkbookHasTheDataTheFitsAndChartsAsNumbers) {
   Report({"fit", kExamples + "faithful.csv"}, "r.xlsx");
   const Json fits = Json::parse(MustRun({"fit", kExamples + "faithful.csv", "--format", "json"}).out);
   for (const std::string sheet : {"faithful", "Ranked fits", "Correlations", "Summaries"})
     MustRun({"import", "r.xlsx", "--sheet", sheet, "--preview"});
-  const auto cells = [&](const std::string& sheet) {
-    const Json shown = Json::parse(
-        MustRun({"import", "r.xlsx", "--sheet", sheet, "--preview", "--format", "json"}).out)["sheets"][0];
-    std::map<std::string, Json> columns;
-    for (const Json& variable : shown["variables"]) columns[variable["name"]] = variable["first"];
-    return columns;
-  };
-  const auto ranked = cells("Ranked fits");
+  const auto ranked = Cells("r.xlsx", "Ranked fits");
   const Json& best = fits["variables"][0]["fits"][0];
   EXPECT_EQ(ranked.at("distribution")[0], best["identifier"]);
   const double aic = best["aic"];
-  EXPECT_NEAR(std::stod(ranked.at("aic")[0].get<std::string>()), aic, 1e-14 * std::abs(aic));
+  EXPECT_NEAR(NumberIn(ranked.at("aic")[0]), aic, 1e-14 * std::abs(aic));
   const double mean = fits["variables"][1]["mean"];
-  EXPECT_NEAR(std::stod(cells("Summaries").at("mean")[1].get<std::string>()), mean, 1e-14 * mean);
+  EXPECT_NEAR(NumberIn(Cells("r.xlsx", "Summaries").at("mean")[1]), mean, 1e-14 * mean);
   // As R's cor() prints it for its data set.
-  EXPECT_NEAR(std::stod(cells("Correlations").at("with waiting")[0].get<std::string>()), 0.9008112, 5e-8);
-  const auto parts = UnpackedParts(BytesOf(File("r.xlsx")), "r.xlsx");
-  const auto isChart = [](const ZipPart& part) { return part.name.starts_with("xl/charts/chart"); };
-  ASSERT_EQ(std::ranges::count_if(parts, isChart), 2);
-  const std::string& chart = std::ranges::find_if(parts, isChart)->content;
-  EXPECT_NE(chart.find("<c:scatterChart>"), std::string::npos);
-  EXPECT_EQ(CountOf("<c:ser>", chart), 4U) << "the data and three fits";
+  EXPECT_NEAR(NumberIn(Cells("r.xlsx", "Correlations").at("with waiting")[0]), 0.9008112, 5e-8);
+  const std::vector<std::string> charts = Charts("r.xlsx");
+  ASSERT_EQ(charts.size(), 2U);
+  EXPECT_NE(charts.front().find("<c:scatterChart>"), std::string::npos);
+  EXPECT_EQ(CountOf("<c:ser>", charts.front()), 4U) << "the data and three fits";
+}
+
+// The numbers are those that the command prints as JSON.
+TEST_F(WorkbookOfResults, AWorkbookOfSamplesHasTheirSummariesCorrelationsAndCharts) {
+  const Json told =
+      Json::parse(MustRun({"simulate", "--variable", "h ~ normal(50, 2)", "--variable", "n ~ poisson(3)",
+                           "--correlation", "h,n=0.5", "--seed", "7", "-o", "s.xlsx", "--format", "json"})
+                      .out);
+  EXPECT_EQ(Cells("s.xlsx", "Distributions").at("drawn_from")[1], "poisson(3)");
+  const double mean = told["variables"][0]["mean"];
+  EXPECT_NEAR(NumberIn(Cells("s.xlsx", "Summaries").at("mean")[0]), mean, 1e-14 * mean);
+  const auto pairs = Cells("s.xlsx", "Correlations");
+  EXPECT_EQ(pairs.at("asked")[0], "0.5");
+  EXPECT_NEAR(NumberIn(pairs.at("spearman")[0]), told["correlations"][0]["spearman"], 1e-14);
+  EXPECT_EQ(Charts("s.xlsx").size(), 2U);
+  // The data come first, so that they are what a program takes from the file.
+  const Json sheets =
+      Json::parse(MustRun({"import", "s.xlsx", "--preview", "--format", "json"}).out)["sheets"];
+  EXPECT_EQ(sheets[0]["name"], "Iman Conover method");
+  EXPECT_EQ(sheets[0]["cases"], 1000);
+}
+
+TEST_F(WorkbookOfResults, AWorkbookOfRunsHasLimitsRatesAndCharts) {
+  const Json told =
+      Json::parse(MustRun({"profile", "--variable", "A ~ normal(5, 1)", "--variable", "B ~ weibull(2, 1.5)",
+                           "--formula", "Y=A*B", "--spec", "Y=2,5,10", "--seed", "3", "--samples", "400",
+                           "-o", "p.xlsx", "--format", "json"})
+                      .out);
+  EXPECT_EQ(Cells("p.xlsx", "Predictors").at("predictor")[1], "B");
+  const auto rates = Cells("p.xlsx", "Defect rates");
+  EXPECT_EQ(NumberIn(rates.at("defects")[0]), told["defects"][0]["defects"]);
+  const auto limits = Cells("p.xlsx", "Limits");
+  EXPECT_EQ(limits.at("figure")[2], "usl");
+  EXPECT_EQ(NumberIn(limits.at("value")[2]), 10);
+  EXPECT_EQ(Cells("p.xlsx", "Correlations").at("predictor")[0],
+            told["responses"][0]["sensitivity"][0]["predictor"]);
+  EXPECT_EQ(Charts("p.xlsx").size(), 3U) << "the response, and how it follows each predictor";
 }
 
 TEST_F(ReportCommand, WhatCannotBeWrittenIsRefusedBeforeTheWork) {

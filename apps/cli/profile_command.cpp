@@ -15,8 +15,8 @@
 #include "host/base/number_text.h"
 #include "host/jobs/profile/profile_job.h"
 #include "host/jobs/profile/profile_plots.h"
+#include "host/jobs/profile/profile_workbook.h"
 #include "host/jobs/reports/profile_report.h"
-#include "host/jobs/reports/result_sheets.h"
 #include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
@@ -187,8 +187,9 @@ void AddProfileCommand(CLI::App& program) {
   command
       ->add_option(
           "-o,--output", job.output,
-          "Where the simulated runs go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the "
-          "first two take any number of runs, a project up to " +
+          "Where the simulated runs go, by ending: .csv, .npz for NumPy arrays, .xlsx with summaries, "
+          "correlations, limits, rates and charts on sheets of their own, .sav, .dta, or .bvw for a project; "
+          "the first two take any number of runs, the others up to " +
               std::to_string(kMostProfilerRuns))
       ->type_name("OUT");
   command

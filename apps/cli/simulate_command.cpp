@@ -13,9 +13,9 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
-#include "host/jobs/reports/result_sheets.h"
 #include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/simulate_job.h"
+#include "host/jobs/simulation_workbook.h"
 #include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
@@ -153,8 +153,9 @@ void AddSimulateCommand(CLI::App& program) {
   command
       ->add_option(
           "-o,--output", job.output,
-          "Where the data go, by ending: .csv, .npz for NumPy arrays, or .bvw for a project; the first "
-          "two take any number of samples of the methods without correlation")
+          "Where the data go, by ending: .csv, .npz for NumPy arrays, .xlsx with distributions, summaries, "
+          "correlations and charts on sheets of their own, .sav, .dta, or .bvw for a project; the first two "
+          "take any number of samples of the methods without correlation")
       ->type_name("OUT");
   AddPlotOptions(*command, job.plot, kDataPlotKinds);
   AddReportOption(*command, job.report);

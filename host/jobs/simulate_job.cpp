@@ -11,8 +11,10 @@
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
+#include "host/jobs/simulation_workbook.h"
 #include "host/numeric/distributions/distribution_table.h"
 #include "host/tables/formats/data_file_writer.h"
+#include "host/tables/formats/workbook_file.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
@@ -110,7 +112,8 @@ void WriteIntoProject(const std::filesystem::path& path, SimulationFindings& run
 
 // Writes what is not written yet. A repaired matrix goes with the data: "x.csv" and
 // "x-repaired-matrix.csv".
-void Write(const std::filesystem::path& path, SimulationFindings& run, JobRecorder& recorder) {
+void Write(const SimulateJob& job, SimulationFindings& run, JobRecorder& recorder) {
+  const std::filesystem::path& path = job.output;
   run.file = path;
   if (path.empty()) return;
   if (HasProjectEnding(path)) {
@@ -118,7 +121,12 @@ void Write(const std::filesystem::path& path, SimulationFindings& run, JobRecord
     return;
   }
   if (run.output == nullptr) return;
-  WriteTable(path, *run.output, recorder);
+  if (IsWorkbookName(path)) {
+    WriteSimulationWorkbook(job, run, path);
+    RecordTable(path, *run.output, recorder);
+  } else {
+    WriteTable(path, *run.output, recorder);
+  }
   if (run.repairedMatrix == nullptr || !IsRegularTarget(path)) return;
   run.matrixFile = path.parent_path() / (path.stem().string() + "-repaired-matrix.csv");
   WriteTable(run.matrixFile, *run.repairedMatrix, recorder);
@@ -292,11 +300,11 @@ SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& 
   const bool toSheet = keepsData || InducesCorrelation(*method) || HasProjectEnding(output) || !inPieces;
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", *method);
-  if (toSheet && (!keepsSamples || plot.IsAsked() || !report.empty() || InducesCorrelation(*method)))
-    Summarize(session, found);
+  const bool showsResults = plot.IsAsked() || !report.empty() || IsWorkbookName(output);
+  if (toSheet && (!keepsSamples || showsResults || InducesCorrelation(*method))) Summarize(session, found);
   found.design.correlations = found.results.Asked();
   RecordShown(session, recorder);
-  Write(output, found, recorder);
+  Write(*this, found, recorder);
   if (plot.IsAsked())
     WritePlot(plot, "Simulated data", DataPlots(found.output->Table(), plot.Kind(), Origin(found)));
   return found;

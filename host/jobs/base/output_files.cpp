@@ -107,6 +107,10 @@ void RefuseReplacedProject(const std::filesystem::path& path) {
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder) {
   RefuseProjectTarget(path);
   WriteDataFile(table.Table(), path);
+  RecordTable(path, table, recorder);
+}
+
+void RecordTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder) {
   const bool isCsv = !HasDataEnding(path) || HasEnding(path, ".csv");
   recorder.Called(&table,
                   isCsv                      ? "sheet.to_csv"

@@ -44,6 +44,8 @@ void RefuseReplacedProject(const std::filesystem::path& path);
 // Writes a document by the ending of the name, CSV where there is no other. Throws Error, and writes nothing, where a
 // project would be replaced.
 void WriteTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
+// Records that a document was written; of a workbook of results a macro writes the document alone.
+void RecordTable(const std::filesystem::path& path, const CAnalysisTableDoc& table, JobRecorder& recorder);
 // Adds documents to the project at `path`, which is created if missing. Returns their names there.
 std::vector<std::string> AppendTables(const std::filesystem::path& path, const std::vector<Table>& tables,
                                       JobRecorder& recorder);

@@ -9,8 +9,10 @@
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/profile/profile_graphs.h"
+#include "host/jobs/profile/profile_workbook.h"
 #include "host/jobs/profile/profiler_setup.h"
 #include "host/tables/csv.h"
+#include "host/tables/formats/workbook_file.h"
 #include "host/tables/numpy_archive.h"
 
 namespace brenvolt {
@@ -150,9 +152,14 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   const std::vector<std::string> unread = SetUpProfiler(*this, input, recorder, profiler);
   TakeResults(profiler, unread, profiler.Simulate(), found);
   const bool isWhole = profiler.Batches().Count() == 1;
-  if (isWhole) found.outputSheet = WriteSimulated(output, found.simulated, recorder);
-  const bool drawsGraphs = plot.IsAsked() || !graphs.empty() || !report.empty();
+  const bool drawsGraphs = plot.IsAsked() || !graphs.empty() || !report.empty() || IsWorkbookName(output);
+  if (isWhole && !IsWorkbookName(output))
+    found.outputSheet = WriteSimulated(output, found.simulated, recorder);
   if (drawsGraphs || (keepsGraphs && !isWhole)) MakeGraphs(session, found);
+  if (IsWorkbookName(output)) {
+    WriteProfileWorkbook(found, output);
+    RecordTable(output, *found.simulated, recorder);
+  }
   if (!graphs.empty()) WriteGraphs(graphs, found);
   if (plot.IsAsked()) WritePlot(plot, "Simulated responses", ProfilePlots(found.graphs, plot.Kind()));
   if (!isWhole) RunOn(profiler, output, *firstRun, found);

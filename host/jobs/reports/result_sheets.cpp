@@ -1,68 +1,15 @@
 #include "host/jobs/reports/result_sheets.h"
 
-#include <algorithm>
-#include <map>
 #include <nlohmann/json.hpp>
-#include <span>
 #include <string>
 #include <utility>
+
+#include "host/jobs/base/row_sheet.h"
 
 namespace brenvolt {
 namespace {
 
 using namespace result_columns;
-
-// A sheet that grows by rows, whose columns are there once a row has one.
-class RowSheet {
- public:
-  void BeginRow() { ++rows_; }
-  void Put(const std::string& column, double value) { Of(column).numbers.back() = value; }
-  void Put(const std::string& column, const std::string& text) {
-    Column& found = Of(column);
-    found.isText = true;
-    if (text.empty()) return;
-    const auto code =
-        static_cast<double>(found.codes.try_emplace(text, found.codes.size() + 1).first->second);
-    found.numbers.back() = code;
-  }
-  // Those of the columns that the row has.
-  void Put(const ResultRow& row, std::span<const ResultColumn> columns) {
-    for (const ResultColumn& column : columns) {
-      if (row.Has(column)) Put(std::string(column.identifier), row.Number(column));
-    }
-  }
-
-  Spreadsheet Made(std::string name) && {
-    Spreadsheet sheet(std::move(name));
-    for (Column& column : columns_) {
-      column.numbers.resize(rows_, GetDefaultMDValue());
-      Variable variable(column.name, rows_);
-      variable.AssignValues(std::move(column.numbers));
-      if (column.isText) variable.SetType(VariableType::kText);
-      for (const auto& [text, code] : column.codes) variable.SetLabel(static_cast<double>(code), text);
-      sheet.AddVariable(std::move(variable));
-    }
-    return sheet;
-  }
-
- private:
-  struct Column {
-    std::string name;
-    std::vector<double> numbers = {};
-    bool isText = false;
-    std::map<std::string, std::size_t> codes = {};
-  };
-
-  Column& Of(const std::string& name) {
-    auto found = std::ranges::find(columns_, name, &Column::name);
-    if (found == columns_.end()) found = columns_.insert(columns_.end(), Column{name});
-    found->numbers.resize(rows_, GetDefaultMDValue());
-    return *found;
-  }
-
-  std::size_t rows_ = 0;
-  std::vector<Column> columns_;
-};
 
 // "parameter.1" with "standard_error.1", where there are errors, and so on.
 void PutParameters(const std::vector<double>& values, const std::vector<double>& errors, RowSheet& sheet) {
@@ -131,34 +78,6 @@ Spreadsheet CensoredSheet(const CensoredFindings& found) {
     }
   }
   return std::move(sheet).Made("fits");
-}
-
-Spreadsheet SimulationSheet(const SimulationResults& results) {
-  RowSheet sheet;
-  for (const ResultRow& row : results.summary.rows) {
-    sheet.BeginRow();
-    sheet.Put("variable", row.name);
-    sheet.Put(row, kMoments);
-    for (const ResultTable::Heading& heading : results.summary.headings) {
-      if (NumberIn(heading.identifier, "percentile"_column))
-        sheet.Put(heading.identifier, row.numbers.at(heading.identifier));
-    }
-  }
-  return std::move(sheet).Made("simulation");
-}
-
-Spreadsheet ProfileSheet(const ProfileResults& results) {
-  RowSheet sheet;
-  for (const ResponseResults& response : results.responses) {
-    sheet.BeginRow();
-    sheet.Put("response", response.name);
-    sheet.Put(response.statistics, kMoments);
-    if (!response.capability) continue;
-    for (const ResultRow& row : response.capability->rows) {
-      if (row.Has("value"_column)) sheet.Put(row.identifier, row.Number("value"_column));
-    }
-  }
-  return std::move(sheet).Made("responses");
 }
 
 Spreadsheet CapabilitySheet(const CapabilityFindings& found) {

@@ -7,8 +7,6 @@
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_results.h"
 #include "host/jobs/measured/censored_results.h"
-#include "host/jobs/profile/profile_results.h"
-#include "host/jobs/simulation_results.h"
 #include "host/tables/spreadsheet.h"
 
 namespace brenvolt {
@@ -16,10 +14,6 @@ namespace brenvolt {
 // The fits of each variable by rank.
 Spreadsheet FitSheet(const std::vector<FittedVariable>& variables);
 Spreadsheet CensoredSheet(const CensoredFindings& found);
-// The moments and percentiles of each variable.
-Spreadsheet SimulationSheet(const SimulationResults& results);
-// The moments of each response, with its capability where it has a specification.
-Spreadsheet ProfileSheet(const ProfileResults& results);
 // The indices and the parts per million with their intervals.
 Spreadsheet CapabilitySheet(const CapabilityFindings& found);
 
