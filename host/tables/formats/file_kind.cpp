@@ -96,6 +96,8 @@ KindFound ZipKind(std::string_view bytes) {
                ? KindFound{FileKind::kOds, "an ods workbook", {}}
                : KindFound{FileKind::kUnread, "an OpenDocument file that is no spreadsheet", {}};
   }
+  if (has("encrypted-package"))
+    return {FileKind::kUnread, "an encrypted document", "save it without a password"};
   if (has("word/document.xml"))
     return {FileKind::kUnread, "a word processor's document", "save its table as .csv"};
   if (has("ppt/presentation.xml")) return {FileKind::kUnread, "a presentation", {}};

@@ -7,15 +7,18 @@
 
 #include "host/base/number_text.h"
 #include "host/tables/formats/workbook_bounds.h"
-#include "host/tables/formats/workbook_xml.h"
+#include "host/tables/formats/xml_scan.h"
 #include "host/tables/formats/zip_content.h"
 
 namespace brenvolt {
 namespace {
 
+constexpr std::string_view kContentPart = "content.xml";
+constexpr std::string_view kManifestPart = "META-INF/manifest.xml";
+
 // How often a cell or row repeats.
-std::size_t Repeated(const pugi::xml_node& element, std::string_view name, std::size_t most) {
-  const std::string_view text = AttributeOf(element, name);
+std::size_t Repeated(const XmlTag& tag, std::string_view name, std::size_t most) {
+  const std::string text = tag.Value(name);
   std::size_t count = 1;
   std::from_chars(text.data(), text.data() + text.size(), count);
   return std::clamp<std::size_t>(count, 1, most);
@@ -30,37 +33,37 @@ std::string DateOf(std::string_view value) {
   return text;
 }
 
-class OdsWalk {
+class OdsWalk : public XmlHandler {
  public:
-  explicit OdsWalk(const std::string& where) : where_(where), bound_(where) {}
+  OdsWalk(std::size_t bytes, const std::string& where) : where_(where), bound_(bytes, where) {}
 
-  void Start(std::string_view name, const pugi::xml_node& element) {
+  void Start(std::string_view name, const XmlTag& tag) override {
     // Remarks and shapes hold paragraphs, shapes also tables.
     if (aside_ > 0 || name == "annotation" || name == "shapes" || name == "tracked-changes") {
       ++aside_;
     } else if (name == "table") {
-      grids.push_back({std::string(AttributeOf(element, "name")), {}, 0});
+      grids.push_back({tag.Value("name"), {}, 0});
       row_ = 0;
     } else if (name == "table-row") {
-      rowRepeats_ = Repeated(element, "number-rows-repeated", kMostSheetRows);
+      rowRepeats_ = Repeated(tag, "number-rows-repeated", kMostSheetRows);
       column_ = 0;
       cells_.clear();
     } else if (name == "table-cell" || name == "covered-table-cell") {
-      BeginCell(element);
+      BeginCell(tag);
     } else if (name == "p") {
       if (hasParagraph_) text_ += ' ';
       hasParagraph_ = true;
       ++inParagraph_;
     } else if (name == "s") {
-      text_.append(Repeated(element, "c", kMostBlanks), ' ');
+      text_.append(Repeated(tag, "c", kMostBlanks), ' ');
     } else if (name == "tab") {
       text_ += ' ';
     }
   }
-  void Text(std::string_view text) {
+  void Text(std::string_view text) override {
     if (aside_ == 0 && inParagraph_ > 0) text_ += text;
   }
-  void End(std::string_view name) {
+  void End(std::string_view name) override {
     if (aside_ > 0) {
       --aside_;
     } else if (name == "p") {
@@ -77,16 +80,14 @@ class OdsWalk {
  private:
   static constexpr std::size_t kMostBlanks = 1000;
 
-  void BeginCell(const pugi::xml_node& element) {
-    cellRepeats_ = Repeated(element, "number-columns-repeated", kMostSheetColumns);
-    type_ = AttributeOf(element, "value-type");
-    value_ = AttributeOf(element, type_ == "boolean" ? "boolean-value"
-                                  : type_ == "date"  ? "date-value"
-                                                     : "value");
+  void BeginCell(const XmlTag& tag) {
+    cellRepeats_ = Repeated(tag, "number-columns-repeated", kMostSheetColumns);
+    type_ = tag.Value("value-type");
+    value_ = tag.Value(type_ == "boolean" ? "boolean-value" : type_ == "date" ? "date-value" : "value");
     text_.clear();
     hasParagraph_ = false;
-    const bool isMerged = Repeated(element, "number-columns-spanned", kMostSheetColumns) > 1 ||
-                          Repeated(element, "number-rows-spanned", kMostSheetRows) > 1;
+    const bool isMerged = Repeated(tag, "number-columns-spanned", kMostSheetColumns) > 1 ||
+                          Repeated(tag, "number-rows-spanned", kMostSheetRows) > 1;
     if (isMerged && !grids.empty()) ++grids.back().mergedRanges;
   }
 
@@ -147,15 +148,22 @@ class OdsWalk {
 }  // namespace
 
 std::vector<SheetGrid> ReadOds(std::string_view bytes, const std::string& where) {
-  for (ZipPart& part : UnpackedParts(bytes, where)) {
-    if (part.name == "content.xml") return ReadOdsContent(std::move(part.content), where);
+  const auto isRead = [](std::string_view name) { return name == kContentPart || name == kManifestPart; };
+  const ZipPart* content = nullptr;
+  const std::vector<ZipPart> parts = UnpackedParts(bytes, where, isRead);
+  for (const ZipPart& part : parts) {
+    // The parts themselves do not tell that they are encrypted.
+    if (part.name == kManifestPart && part.content.find("encryption-data") != std::string::npos)
+      throw Error("the workbook is encrypted; save it without a password", where);
+    if (part.name == kContentPart) content = &part;
   }
-  throw Error("the workbook is damaged: it has no content", where);
+  if (content == nullptr) throw Error("the workbook is damaged: it has no content", where);
+  return ReadOdsContent(content->content, where);
 }
 
-std::vector<SheetGrid> ReadOdsContent(std::string content, const std::string& where) {
-  OdsWalk walk(where);
-  WalkXml(content.data(), content.size(), walk, where);
+std::vector<SheetGrid> ReadOdsContent(std::string_view content, const std::string& where) {
+  OdsWalk walk(content.size(), where);
+  ScanXml(content, walk, where);
   return std::move(walk.grids);
 }
 

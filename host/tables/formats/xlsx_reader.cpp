@@ -11,7 +11,7 @@
 #include "host/base/number_text.h"
 #include "host/tables/formats/workbook_bounds.h"
 #include "host/tables/formats/workbook_dates.h"
-#include "host/tables/formats/workbook_xml.h"
+#include "host/tables/formats/xml_scan.h"
 #include "host/tables/formats/zip_content.h"
 
 namespace brenvolt {
@@ -24,35 +24,21 @@ std::optional<std::size_t> NumberIn(std::string_view text) {
   return number;
 }
 
-// Of an element that refers to a part: "r:id", beside an "id" without prefix.
-std::string_view IdentifierOf(const pugi::xml_node& element) {
-  for (const pugi::xml_attribute& attribute : element.attributes()) {
-    const std::string_view name = attribute.name();
-    if (name.ends_with(":id")) return attribute.value();
-  }
-  return {};
-}
-
 bool IsTrue(std::string_view text) {
   return text == "1" || text == "true";
 }
 
-struct Quiet {
-  void Text(std::string_view) {}
-  void End(std::string_view) {}
-};
-
 // Which parts the workbook refers to.
-struct Relations : Quiet {
+struct Relations : XmlHandler {
   std::map<std::string, std::string, std::less<>> targets;  // by identifier
   std::string strings;
   std::string styles;
 
-  void Start(std::string_view name, const pugi::xml_node& element) {
+  void Start(std::string_view name, const XmlTag& tag) override {
     if (name != "Relationship") return;
-    const std::string part = PartNamed(AttributeOf(element, "Target"));
-    const std::string_view type = AttributeOf(element, "Type");
-    targets[std::string(AttributeOf(element, "Id"))] = part;
+    const std::string part = PartNamed(tag.Value("Target"));
+    const std::string type = tag.Value("Type");
+    targets[tag.Value("Id")] = part;
     if (type.ends_with("/sharedStrings")) strings = part;
     if (type.ends_with("/styles")) styles = part;
   }
@@ -71,29 +57,29 @@ struct Relations : Quiet {
   }
 };
 
-struct Sheets : Quiet {
+struct Sheets : XmlHandler {
   std::vector<std::pair<std::string, std::string>> names;  // with the identifiers of their parts
   bool beginsIn1904 = false;
 
-  void Start(std::string_view name, const pugi::xml_node& element) {
-    if (name == "sheet") names.emplace_back(AttributeOf(element, "name"), IdentifierOf(element));
-    if (name == "workbookPr") beginsIn1904 = IsTrue(AttributeOf(element, "date1904"));
+  void Start(std::string_view name, const XmlTag& tag) override {
+    if (name == "sheet") names.emplace_back(tag.Value("name"), tag.PrefixedValue("id"));
+    if (name == "workbookPr") beginsIn1904 = IsTrue(tag.Value("date1904"));
   }
 };
 
 // Which formats of cells show numbers as dates.
-struct DateStyles : Quiet {
+struct DateStyles : XmlHandler {
   std::vector<bool> dates;  // by the number of the cell format
 
-  void Start(std::string_view name, const pugi::xml_node& element) {
+  void Start(std::string_view name, const XmlTag& tag) override {
     if (name == "cellXfs") inCellFormats_ = true;
-    const std::size_t number = NumberIn(AttributeOf(element, "numFmtId")).value_or(0);
-    if (name == "numFmt") codes_[number] = AttributeOf(element, "formatCode");
+    const std::size_t number = NumberIn(tag.Value("numFmtId")).value_or(0);
+    if (name == "numFmt") codes_[number] = tag.Value("formatCode");
     if (name != "xf" || !inCellFormats_) return;
     const auto code = codes_.find(number);
     dates.push_back(code != codes_.end() ? IsDateFormat(code->second) : IsBuiltInDate(number));
   }
-  void End(std::string_view name) {
+  void End(std::string_view name) override {
     if (name == "cellXfs") inCellFormats_ = false;
   }
 
@@ -103,18 +89,18 @@ struct DateStyles : Quiet {
 };
 
 // The texts that cells share. Parts of other looks are one text; how it is pronounced is none.
-struct SharedTexts {
+struct SharedTexts : XmlHandler {
   std::vector<std::string> texts;
 
-  void Start(std::string_view name, const pugi::xml_node&) {
+  void Start(std::string_view name, const XmlTag&) override {
     if (name == "si") texts.emplace_back();
     if (name == "rPh") ++pronounced_;
     inText_ = name == "t" && pronounced_ == 0;
   }
-  void Text(std::string_view text) {
+  void Text(std::string_view text) override {
     if (inText_ && !texts.empty()) texts.back() += text;
   }
-  void End(std::string_view name) {
+  void End(std::string_view name) override {
     if (name == "rPh") --pronounced_;
     inText_ = false;
   }
@@ -124,28 +110,28 @@ struct SharedTexts {
   bool inText_ = false;
 };
 
-class SheetWalk {
+class SheetWalk : public XmlHandler {
  public:
   SheetWalk(const SharedTexts& shared, const DateStyles& styles, std::int64_t origin, WorkbookBound& bound,
             const std::string& where)
       : shared_(shared), styles_(styles), origin_(origin), bound_(bound), where_(where) {}
 
-  void Start(std::string_view name, const pugi::xml_node& element) {
+  void Start(std::string_view name, const XmlTag& tag) override {
     takesText_ = name == "v" || (name == "t" && pronounced_ == 0);
     if (name == "rPh") ++pronounced_;
     if (name == "row") {
-      row_ = NumberIn(AttributeOf(element, "r")).value_or(row_ + 1);
+      row_ = NumberIn(tag.Value("r")).value_or(row_ + 1);
       column_ = 0;
     } else if (name == "c") {
-      BeginCell(element);
+      BeginCell(tag);
     } else if (name == "mergeCell") {
       ++grid.mergedRanges;
     }
   }
-  void Text(std::string_view text) {
+  void Text(std::string_view text) override {
     if (takesText_) text_ += text;
   }
-  void End(std::string_view name) {
+  void End(std::string_view name) override {
     takesText_ = false;
     if (name == "rPh") --pronounced_;
     if (name == "c") EndCell();
@@ -155,8 +141,8 @@ class SheetWalk {
 
  private:
   // Cells whose place is not said follow each other.
-  void BeginCell(const pugi::xml_node& element) {
-    const std::string_view place = AttributeOf(element, "r");
+  void BeginCell(const XmlTag& tag) {
+    const std::string place = tag.Value("r");
     if (place.empty()) {
       ++column_;
     } else {
@@ -164,8 +150,8 @@ class SheetWalk {
     }
     if (row_ == 0 || row_ > kMostSheetRows || column_ == 0 || column_ > kMostSheetColumns)
       throw Error("the file is damaged: a cell lies outside of the sheet", where_);
-    type_ = AttributeOf(element, "t");
-    style_ = NumberIn(AttributeOf(element, "s")).value_or(0);
+    type_ = tag.Value("t");
+    style_ = NumberIn(tag.Value("s")).value_or(0);
     text_.clear();
   }
   void SetPlace(std::string_view place) {
@@ -226,39 +212,16 @@ template <class Handler>
 Handler Taken(XlsxParts& parts, std::string_view name, const std::string& where) {
   Handler handler;
   const auto part = parts.find(name);
-  if (part != parts.end()) WalkXml(part->second.data(), part->second.size(), handler, where);
+  if (part != parts.end()) ScanXml(part->second, handler, where);
   return handler;
-}
-
-// Reads the rows of a sheet some at a time, since their tree is many times as large as their text; then what is about them.
-void WalkSheet(std::string& xml, SheetWalk& walk, const std::string& where) {
-  constexpr std::string_view kRows = "sheetData";
-  constexpr std::size_t kPiece = std::size_t{1} << 20;
-  const std::size_t name = xml.find(kRows);
-  const std::size_t open = xml.rfind('<', name);
-  std::size_t begin = xml.find('>', name);
-  if (name == std::string::npos || open == std::string::npos || begin == std::string::npos ||
-      xml[begin - 1] == '/')
-    return WalkXml(xml.data(), xml.size(), walk, where);
-  const std::string prefix = xml.substr(open + 1, name - open - 1);
-  const std::string rowEnd = "</" + prefix + "row>";
-  const std::size_t end = xml.find("</" + prefix + std::string(kRows), ++begin);
-  if (end == std::string::npos) throw Error("the workbook is damaged: its rows are cut off", where);
-  std::string rest = xml.substr(0, begin) + xml.substr(end);
-  while (begin < end) {
-    const std::size_t close = end - begin > kPiece ? xml.find(rowEnd, begin + kPiece) : end;
-    const std::size_t stop = close < end ? close + rowEnd.size() : end;
-    WalkXml(xml.data() + begin, stop - begin, walk, where);
-    begin = stop;
-  }
-  WalkXml(rest.data(), rest.size(), walk, where);
 }
 
 }  // namespace
 
 std::vector<SheetGrid> ReadXlsx(std::string_view bytes, const std::string& where) {
   XlsxParts parts;
-  for (ZipPart& part : UnpackedParts(bytes, where)) parts[part.name] = std::move(part.content);
+  const auto isRead = [](std::string_view name) { return name.ends_with(".xml") || name.ends_with(".rels"); };
+  for (ZipPart& part : UnpackedParts(bytes, where, isRead)) parts[part.name] = std::move(part.content);
   return ReadXlsxParts(std::move(parts), where);
 }
 
@@ -268,7 +231,9 @@ std::vector<SheetGrid> ReadXlsxParts(XlsxParts parts, const std::string& where) 
   const auto shared = Taken<SharedTexts>(parts, relations.strings, where);
   const auto styles = Taken<DateStyles>(parts, relations.styles, where);
   const std::int64_t origin = sheets.beginsIn1904 ? DaysOf(1904, 1, 1) : DaysOf(1899, 12, 30);
-  WorkbookBound bound(where);
+  std::size_t size = 0;
+  for (const auto& [name, content] : parts) size += content.size();
+  WorkbookBound bound(size, where);
   std::vector<SheetGrid> grids;
   for (const auto& [name, identifier] : sheets.names) {
     const auto target = relations.targets.find(identifier);
@@ -276,7 +241,7 @@ std::vector<SheetGrid> ReadXlsxParts(XlsxParts parts, const std::string& where) 
     // Sheets of charts alone have no cells.
     if (part == parts.end() || !part->first.starts_with("xl/worksheets/")) continue;
     SheetWalk walk(shared, styles, origin, bound, where);
-    WalkSheet(part->second, walk, where);
+    ScanXml(part->second, walk, where);
     std::string().swap(part->second);
     walk.grid.name = name;
     grids.push_back(std::move(walk.grid));

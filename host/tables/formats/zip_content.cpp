@@ -79,28 +79,6 @@ class Bound {
   const std::string& where_;
 };
 
-template <class Take>
-void ForEachPart(std::string_view bytes, const std::string& where, const Take& take) {
-  Reader reader(where);
-  archive_read_support_format_zip_seekable(reader.Get());
-  if (!reader.Open(bytes)) reader.Fail();
-  Bound bound(bytes.size(), where);
-  std::size_t parts = 0;
-  while (archive_entry* entry = reader.Next()) {
-    if (++parts > kMostParts)
-      throw Error("the file has more than " + std::to_string(kMostParts) + " parts", where);
-    if (archive_entry_is_encrypted(entry) != 0)
-      throw Error("the file is encrypted; save it without a password", where);
-    const char* name = archive_entry_pathname(entry);
-    ZipPart part{name != nullptr ? name : "", {}};
-    reader.Read([&](std::string_view piece) {
-      bound.Add(piece.size());
-      if (!piece.empty()) take(part, piece);
-    });
-    take(part, {});
-  }
-}
-
 }  // namespace
 
 std::size_t MostUnpackedBytes(std::size_t packedBytes) {
@@ -147,13 +125,27 @@ std::string Unpacked(std::string_view bytes, const std::string& where) {
   return content;
 }
 
-std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where) {
+std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where, IsPartRead isRead) {
+  Reader reader(where);
+  archive_read_support_format_zip_seekable(reader.Get());
+  if (!reader.Open(bytes)) reader.Fail();
+  Bound bound(bytes.size(), where);
   std::vector<ZipPart> parts;
-  std::string content;
-  ForEachPart(bytes, where, [&](ZipPart& part, std::string_view piece) {
-    part.content += piece;
-    if (piece.empty()) parts.push_back(std::move(part));
-  });
+  std::size_t count = 0;
+  while (archive_entry* entry = reader.Next()) {
+    if (++count > kMostParts)
+      throw Error("the file has more than " + std::to_string(kMostParts) + " parts", where);
+    if (archive_entry_is_encrypted(entry) != 0)
+      throw Error("the file is encrypted; save it without a password", where);
+    const char* name = archive_entry_pathname(entry);
+    ZipPart part{name != nullptr ? name : "", {}};
+    if (isRead != nullptr && !isRead(part.name)) continue;
+    reader.Read([&](std::string_view piece) {
+      bound.Add(piece.size());
+      part.content += piece;
+    });
+    parts.push_back(std::move(part));
+  }
   return parts;
 }
 

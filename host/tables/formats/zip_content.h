@@ -23,11 +23,14 @@ std::string Unpacked(std::string_view bytes, const std::string& where);
 // What a file of that size may unpack to: 256 MB, or 200 times its size, which tables of data hardly reach.
 std::size_t MostUnpackedBytes(std::size_t packedBytes);
 
-// The parts of a zip file in their order. Throws the same, also for encrypted parts.
+// The parts of a zip file in their order; without a condition on their names, all. What is not asked for is not unpacked. Throws
+// the same, also for encrypted parts.
 struct ZipPart {
   std::string name;
   std::string content;
 };
-std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where);
+using IsPartRead = bool (*)(std::string_view name);
+std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where,
+                                   IsPartRead isRead = nullptr);
 
 }  // namespace brenvolt
