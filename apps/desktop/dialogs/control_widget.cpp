@@ -49,6 +49,8 @@ class ButtonWidget final : public ControlWidget {
     button->setText(caption.text);
     button->setIcon(IconOf(caption.mark));
     button->setAccessibleName(Spoken(caption.text));
+    // Enter is OK, whichever button was pressed last; only who has gone to Cancel means that one.
+    button->setAutoDefault(control.number == kControlCancel);
     // What is half typed in a field is not handed over on the way to Cancel.
     if (control.number == kControlCancel) button->setFocusPolicy(Qt::TabFocus);
     const std::int32_t number = control.number;

@@ -60,8 +60,37 @@ TEST_F(Tasks, ADesignWithoutDataIsSimulatedFromTheStartPage) {
   // The matrix, the data, their summary and a picture of each variable.
   EXPECT_EQ(results.size(), 6) << Utf8(results.join(u'\n'));
 
-  QTest::keyClick(&window.Desk().Window()[0], Qt::Key_Escape);
+  QTest::keyClick(window.Desk().Window(), Qt::Key_Escape);
   EXPECT_EQ(Dialog(), 25991);
+  const DismissedMessage question;
+  QTest::keyClick(window.Desk().Window(), Qt::Key_Escape);
+  EXPECT_EQ(Dialog(), 15000);
+  EXPECT_FALSE(question.HasActed()) << "what the input is was said when the design began";
+}
+
+// The button that was pressed last has the keyboard.
+TEST_F(Tasks, EnterIsOkInEveryDialogAndEscapeIsCancel) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  const auto press = [this](Qt::Key key) {
+    DialogWindow& dialog = *window.Desk().Window();
+    QTest::keyClick(dialog.focusWidget() != nullptr ? dialog.focusWidget() : &dialog, key);
+  };
+  const Hand choose("variables", [](QWidget& asked) { CheckVariables(asked, {"waiting"}); });
+  window.StartTask(Task::kFit);
+  press(Qt::Key_Return);
+  ASSERT_EQ(Dialog(), 25983);
+  Click(1104);
+  Click(1165);
+  ASSERT_EQ(Dialog(), 25991);
+  press(Qt::Key_Return);
+  ASSERT_EQ(Dialog(), 25988);
+  press(Qt::Key_Escape);
+  ASSERT_EQ(Dialog(), 25991);
+  const Hand accept("variables", [](QWidget& asked) { PressButton(asked, QDialogButtonBox::AcceptRole); });
+  Click(1120);
+  ASSERT_TRUE(accept.HasActed());
+  press(Qt::Key_Return);
+  EXPECT_EQ(Dialog(), 25988);
 }
 
 TEST_F(Tasks, AFormulaIsProfiledAtOnce) {

@@ -85,11 +85,20 @@ DesignedVariable& CDesignSimulation::VariableAt(std::int32_t place) const {
   return Design().variables[static_cast<std::size_t>(place) - 1];
 }
 
+// Who comes back to a design has said already what its input is.
+bool CDesignSimulation::IsBegun() const {
+  if (Design().variables.empty() || GetInputTable() == nullptr) return false;
+  const Names known = NumericVariables(*GetInputTable());
+  return std::ranges::all_of(Design().variables, [&](const DesignedVariable& variable) {
+    return std::ranges::find(known, variable.name) != known.end();
+  });
+}
+
 // A person may make a matrix file of the input's variables, which is then the input; the variables keep the
 // distributions that they carry in the former one.
 void CDesignSimulation::OnInitDialog() {
   Spreadsheet* const former = GetInputTable();
-  Services().ValidateOrDesignInputMatrixFile();
+  IsBegun() ? Services().ValidateInputMatrixFile() : Services().ValidateOrDesignInputMatrixFile();
   ReadInput();
   if (former != nullptr && former != GetInputTable()) ReadFitted(*former);
   Controls().SetChecked(kUseFitted, Design().source == ParameterSource::kFitted);

@@ -54,6 +54,7 @@ class CDesignSimulation : public CSimulationAndRiskModelessDialog {
   void OnControlChanged(std::int32_t number) override;
 
  private:
+  bool IsBegun() const;
   void ReadInput();
   void TakeKeptCorrelations();
   void ReadFitted(Spreadsheet& sheet);
