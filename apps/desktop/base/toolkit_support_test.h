@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QFont>
 #include <clocale>
 
+#include "apps/desktop/base/theme.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::desktop::test {
@@ -13,6 +15,10 @@ namespace brenvolt::desktop::test {
 // The toolkit's one application, which is made at the first call and stays until the process ends, as the toolkit
 // wants. A window that nobody answers would wait for ever: the process ends a minute after the last call.
 inline constexpr unsigned kSecondsToEnd = 60;
+// The colours and the size of the letters that BRENVOLT_THEME ("dark") and BRENVOLT_POINTS ask for.
+inline ThemeChoice AskedTheme() {
+  return qgetenv("BRENVOLT_THEME") == "dark" ? ThemeChoice::kDark : ThemeChoice::kSystem;
+}
 inline void StartToolkit() {
   alarm(kSecondsToEnd);
   if (QCoreApplication::instance() != nullptr) return;
@@ -24,6 +30,12 @@ inline void StartToolkit() {
   new QApplication(count, arguments);
   std::setlocale(LC_NUMERIC, "C");
   SetUserNumberLocale({});
+  ApplyTheme(AskedTheme());
+  if (const int points = qEnvironmentVariableIntValue("BRENVOLT_POINTS"); points > 0) {
+    QFont font = QApplication::font();
+    font.setPointSize(points);
+    QApplication::setFont(font);
+  }
 }
 
 // A base of test fixtures, before members that are widgets.

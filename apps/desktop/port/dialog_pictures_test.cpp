@@ -1,6 +1,7 @@
 // Pictures of every dialog and question, as a session on example data shows them. They go into the folder that
 // BRENVOLT_PICTURES names (tools/desktop_pictures), else into one that is removed again.
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPixmap>
@@ -69,15 +70,15 @@ struct DialogPictures : testing::Test {
     EXPECT_TRUE(hand.HasActed()) << name;
   }
 
-  // A folder that the picture may name wherever it is drawn.
+  // The picture names no folder of the machine where it is drawn, nor when its files came there.
   static void ShowExamples(QWidget& window) {
-    const std::filesystem::path folder = std::filesystem::temp_directory_path() / "examples";
-    if (std::getenv("BRENVOLT_PICTURES") != nullptr && !std::filesystem::exists(folder))
-      std::filesystem::create_directory_symlink(kExamples, folder);
-    const bool isThere = std::filesystem::is_directory(folder);
-    static_cast<QFileDialog&>(window).setDirectory(
-        ShownPath(isThere ? folder : std::filesystem::path(kExamples)));
+    auto& dialog = static_cast<QFileDialog&>(window);
+    dialog.setDirectory(Shown(kExamples));
+    dialog.setSidebarUrls({});
+    dialog.setViewMode(QFileDialog::List);
     QTest::qWait(100);
+    auto& place = Child<QComboBox>(window, "lookInCombo");
+    place.setItemText(place.currentIndex(), QStringLiteral("examples"));
   }
 
   void TakeFit() {

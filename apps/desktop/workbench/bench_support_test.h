@@ -31,8 +31,12 @@ inline void CheckVariables(QWidget& asked, const QStringList& names) {
 
 struct Bench : WithToolkit {
   TemporaryFolder folder;
-  MainWindow window{folder / "state"};
+  MainWindow window{StateIn(folder)};
 
+  static std::filesystem::path StateIn(const TemporaryFolder& folder) {
+    Settings(folder / "state").SetTheme(AskedTheme());
+    return folder / "state";
+  }
   Bench() {
     window.SetUnattended(true);
     window.show();

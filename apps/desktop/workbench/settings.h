@@ -6,9 +6,9 @@
 #include <QStringList>
 #include <filesystem>
 
-namespace brenvolt::desktop {
+#include "apps/desktop/base/theme.h"
 
-enum class ThemeChoice { kSystem, kLight, kDark };
+namespace brenvolt::desktop {
 
 class Settings {
  public:
@@ -37,8 +37,5 @@ class Settings {
 
   std::filesystem::path folder_;
 };
-
-// Gives the application the colours of a theme.
-void ApplyTheme(ThemeChoice theme);
 
 }  // namespace brenvolt::desktop
