@@ -78,7 +78,8 @@ class Array {
     ReadType(Entry(header, "'descr':"));
     fortran_ = Entry(header, "'fortran_order':").starts_with("True");
     ReadShape(Entry(header, "'shape':"));
-    if (columns_ != 0 && rows_ > bytes_.size() / type_->size / columns_) Fail("is cut off");
+    if (columns_ == 0) Fail("has no values");
+    if (rows_ > bytes_.size() / type_->size / columns_) Fail("is cut off");
   }
   std::string_view Entry(std::string_view header, std::string_view key) const {
     const std::size_t place = header.find(key);
@@ -127,9 +128,14 @@ class Array {
 }  // namespace
 
 DataRead ReadNumpyFile(std::string_view bytes, const std::string& name, const std::string& where) {
+  return ReadNumpyArrays(UnpackedParts(bytes, where), name, where);
+}
+
+DataRead ReadNumpyArrays(const std::vector<ZipPart>& parts, const std::string& name,
+                         const std::string& where) {
   auto sheet = std::make_unique<Spreadsheet>(name);
   std::size_t rows = 0;
-  for (const ZipPart& part : UnpackedParts(bytes, where)) {
+  for (const ZipPart& part : parts) {
     const Array array(part, where);
     if (sheet->VariableCount() > 0 && array.Rows() != rows) {
       throw Error("the arrays are of different lengths: " + std::to_string(rows) + " and, of " + part.name +

@@ -1,0 +1,9 @@
+// Arbitrary bytes as an SPSS file.
+#include "host/tables/formats/packages_reader.h"
+#include "host/tables/formats/reader_fuzz_support_test.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  return brenvolt::TryReader(data, size, [](std::string_view bytes) {
+    return brenvolt::ReadPackageFile(bytes, brenvolt::FileKind::kSpss, "data", "file");
+  });
+}
