@@ -10,9 +10,10 @@ from ._errors import warn
 # What pandas.api.types.infer_dtype calls columns of Python objects that are all numbers, all texts, or neither.
 _NUMBERS = frozenset(("integer", "floating", "mixed-integer-float", "decimal", "boolean"))
 _TEXTS = frozenset(("string", "empty"))
-_HELD = ("numbers", "texts")
-_OTHERS = frozenset(("bytes", "complex", "date", "datetime", "datetime64", "time", "timedelta", "timedelta64", "period",
-                     "interval"))
+_DATES = frozenset(("date", "datetime", "datetime64"))
+_TIMES = frozenset(("time", "timedelta", "timedelta64"))
+_HELD = ("numbers", "texts", "dates", "times")
+_OTHERS = frozenset(("bytes", "complex", "period", "interval"))
 
 
 def _mixed_kind(series):
@@ -25,7 +26,8 @@ def _mixed_kind(series):
 
 
 def _kind(series):
-    """What a column holds: "numbers", "texts", or the name of a kind that a spreadsheet cannot hold."""
+    """What a column holds: "numbers", "texts", "dates", "times" (of day, or durations), or the name of a kind that a
+    spreadsheet cannot hold."""
     import pandas
 
     kind = series.dtype
@@ -38,6 +40,10 @@ def _kind(series):
     found = pandas.api.types.infer_dtype(series, skipna=True)
     if found in _NUMBERS:
         return "numbers"
+    if found in _DATES:
+        return "dates"
+    if found in _TIMES:
+        return "times"
     if found in _OTHERS:
         return found
     return "texts" if found in _TEXTS else _mixed_kind(series)
@@ -50,6 +56,34 @@ def _numbers(series):
     if series.dtype == object or isinstance(series.dtype, pandas.CategoricalDtype):
         series = series.astype(object).map(lambda value: float("nan") if pandas.isna(value) else float(value))
     return series.to_numpy(dtype=float, na_value=float("nan"))
+
+
+def _dates(series):
+    """Dates as workbooks' are read: "2024-02-29", with the time where there is one."""
+    import pandas
+
+    def text(value):
+        if pandas.isna(value):
+            return None
+        moment = f"{value.year:04}-{value.month:02}-{value.day:02}"
+        clock = tuple(getattr(value, part, 0) for part in ("hour", "minute", "second"))
+        return moment + " {:02}:{:02}:{:02}".format(*clock) if any(clock) else moment
+
+    return series.astype(object).map(text)
+
+
+def _hours(series):
+    """Times of day and durations as workbooks' are read: hours."""
+    import pandas
+
+    def hours(value):
+        if pandas.isna(value):
+            return float("nan")
+        if hasattr(value, "hour"):
+            return value.hour + value.minute / 60 + (value.second + value.microsecond / 1e6) / 3600
+        return pandas.Timedelta(value).total_seconds() / 3600
+
+    return series.astype(object).map(hours).to_numpy(dtype=float)
 
 
 def _too_large(name):
@@ -101,6 +135,10 @@ def _set_column(sheet, name, series, kind):
             raise _too_large(name) from None
     elif kind == "texts":
         sheet._set_column(name, *_codes_and_labels(series.astype(object)))
+    elif kind == "dates":
+        sheet._set_column(name, *_codes_and_labels(_dates(series)))
+    elif kind == "times":
+        sheet._set_column(name, _hours(series))
     else:
         raise _refusal(name, kind)
 
@@ -108,7 +146,8 @@ def _set_column(sheet, name, series, kind):
 def _setitem(self, name, values):
     """Sets a column, a new one or in the place of the one of that name: numbers, or texts.
 
-    Missing values, and those that a NumPy mask hides, stay missing. Dates, durations and complex numbers are refused.
+    Missing values, and those that a NumPy mask hides, stay missing. Dates become texts such as 2024-02-29, times of day and
+    durations numbers of hours. Complex numbers are refused.
     """
     import numpy
 
@@ -161,8 +200,8 @@ def _from_pandas(frame, name="Sheet", required=()):
     """A spreadsheet with the columns of a DataFrame, or of a Series.
 
     Numbers, numbers as Python objects or categories, and truth values become numeric variables; texts become text
-    variables; missing values stay missing. Columns of other kinds (dates, durations, complex numbers, lists) are left out
-    with a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
+    variables, and so do dates, as 2024-02-29; times of day and durations become numbers of hours; missing values stay
+    missing. Columns of other kinds (complex numbers, lists) are left out with a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
     """
     import pandas
 

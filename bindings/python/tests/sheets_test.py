@@ -100,9 +100,25 @@ class Pandas(unittest.TestCase):
         sheet["t"] = numpy.ma.masked_array(["a", "b", "a"], [False, True, False])
         numpy.testing.assert_array_equal(sheet["t"], [1, nan, 1])
 
+    def test_dates_are_texts_and_times_hours_as_in_workbooks(self):
+        day = datetime.date(2024, 2, 29)
+        moments = ["2024-02-29 10:30:00", None, "2024-03-01"]
+        frame = pandas.DataFrame({"day": [day, None, day], "moment": pandas.to_datetime(moments),
+                                  "zone": pandas.to_datetime(moments).tz_localize("Europe/Paris"),
+                                  "clock": [datetime.time(10, 30), None, datetime.time(0, 0, 36)],
+                                  "lasted": pandas.to_timedelta(["26:15:00", None, "-30min"])})
+        shown = Spreadsheet.from_pandas(frame).to_pandas()
+        self.assertEqual(list(shown["day"].fillna("-")), ["2024-02-29", "-", "2024-02-29"])
+        for name in ("moment", "zone"):
+            self.assertEqual(list(shown[name].fillna("-")), ["2024-02-29 10:30:00", "-", "2024-03-01"])
+        numpy.testing.assert_allclose(shown["clock"], [10.5, numpy.nan, 0.01])
+        numpy.testing.assert_allclose(shown["lasted"], [26.25, numpy.nan, -0.5])
+        sheet = Spreadsheet("s")
+        sheet["x"] = numpy.array(["2024-02-29"], dtype="datetime64[D]")
+        self.assertEqual(sheet.variable("x").labels, {1.0: "2024-02-29"})
+
     def test_what_is_neither_numbers_nor_texts_is_left_out_unless_asked_for(self):
-        columns = (pandas.to_datetime(["2020-01-01"]), pandas.to_timedelta(["1 day"]), [datetime.date(2020, 1, 1)],
-                   [1j], pandas.period_range("2020-01", periods=1, freq="M"), [[1, 2]], [b"a"], [uuid.uuid4()])
+        columns = ([1j], pandas.period_range("2020-01", periods=1, freq="M"), [[1, 2]], [b"a"], [uuid.uuid4()])
         for column in columns:
             frame = pandas.DataFrame({"x": column, "y": [1.0]})
             with self.assertWarnsRegex(brenvolt.MessageWarning, r"left out: x \("):

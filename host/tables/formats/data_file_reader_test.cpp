@@ -110,6 +110,11 @@ TEST(DataFilesReference, FilesOfOtherProgramsMeanWhatTheyShowThere) {
       {"book.ods", 0, "when", "[2024-02-29] [2024-03-01 10:30:00] [2024-03-02]", 3},
       {"book.ods", 0, "force", "1.5 2.5 -", 3},
       {"book.ods", 0, "double", "3 5 0", 3},
+      {"dates.dta", 0, "day", "[2024-02-29] [1959-12-31] -", 3},
+      {"dates.dta", 0, "moment", "[2024-02-29 10:30:00] [1960-01-01] [2024-03-01 23:59:59]", 3},
+      {"times.xlsx", 0, "day", "[2024-02-29] [2024-03-01]", 2},
+      {"times.xlsx", 0, "clock", "10.5 0", 2},
+      {"times.xlsx", 0, "lasted", "26.25 0.01", 2},
       {"cars.dta", 0, "mpg", "21 22.5 -", 3},
       {"cars.dta", 0, "make", "[Äpfel] [b] [c]", 3},
       {"iris.sav", 0, "Sepal.Length", "5.1 4.9 4.7 4.6", 150},
@@ -373,6 +378,9 @@ TEST(DataFiles, OddWorkbooksMeanWhatTheyShow) {
        OdsWorkbook(odsHead + OdsRow("<t:table-cell o:value-type=\"float\" o:value=\"7\"><o:annotation><x:p>no"
                                     "</x:p></o:annotation><x:p>7</x:p></t:table-cell>")),
        "7"},
+      {"durations are hours",
+       OdsWorkbook(odsHead + OdsRow("<t:table-cell o:value-type=\"time\" o:time-value=\"PT26H15M00S\"/>")),
+       "26.25"},
       {"character data", OdsWorkbook(odsHead + OdsRow(OdsText("<![CDATA[<a> & b]]><!-- > -->"))),
        "[<a> & b]"},
   };

@@ -7,6 +7,7 @@
 
 #include "host/base/number_text.h"
 #include "host/tables/formats/workbook_bounds.h"
+#include "host/tables/formats/workbook_dates.h"
 #include "host/tables/formats/xml_scan.h"
 #include "host/tables/formats/zip_content.h"
 
@@ -83,7 +84,7 @@ class OdsWalk : public XmlHandler {
   void BeginCell(const XmlTag& tag) {
     cellRepeats_ = Repeated(tag, "number-columns-repeated", kMostSheetColumns);
     type_ = tag.Value("value-type");
-    value_ = tag.Value(type_ == "boolean" ? "boolean-value" : type_ == "date" ? "date-value" : "value");
+    value_ = tag.Value(type_ == "boolean" || type_ == "date" || type_ == "time" ? type_ + "-value" : "value");
     text_.clear();
     hasParagraph_ = false;
     const bool isMerged = Repeated(tag, "number-columns-spanned", kMostSheetColumns) > 1 ||
@@ -99,6 +100,9 @@ class OdsWalk : public XmlHandler {
       cell.number = *number;
     } else if (type_ == "boolean") {
       cell.number = value_ == "true" ? 1 : 0;
+    } else if (const auto hours = type_ == "time" ? HoursOfDuration(value_) : std::nullopt) {
+      cell.number = *hours;
+      if (!grids.empty()) grids.back().hasTimes = true;
     } else {
       cell.isText = true;
       cell.text = type_ == "date" ? DateOf(value_) : text_;

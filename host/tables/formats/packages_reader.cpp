@@ -12,7 +12,9 @@
 #include <unordered_map>
 
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 #include "host/tables/csv_reader.h"
+#include "host/tables/formats/workbook_dates.h"
 
 namespace brenvolt {
 namespace {
@@ -73,8 +75,8 @@ struct Column {
 // Takes what the library finds. The library is of C: nothing may be thrown through it.
 class Collector {
  public:
-  Collector(std::size_t bytes, std::string where)
-      : most_(bytes * kMostCellsOfByte + kAlways), where_(std::move(where)) {}
+  Collector(std::size_t bytes, Package package, std::string where)
+      : most_(bytes * kMostCellsOfByte + kAlways), package_(package), where_(std::move(where)) {}
 
   int TakeVariable(readstat_variable_t* variable, const char* labelSet) {
     return Guarded([&] {
@@ -94,7 +96,8 @@ class Collector {
       if (++cells_ > most_)
         throw Error("the file is damaged: it unpacks to more than a table of its size holds", where_);
       Column& column = columns_.at(static_cast<std::size_t>(readstat_variable_get_index(variable)));
-      column.values.push_back(column.isText ? CodeOf(column, value) : NumberOf(column, variable, value));
+      column.values.push_back(column.isText ? CodeOf(column, TextOf(readstat_string_value(value)))
+                                            : NumberOf(column, variable, value));
     });
   }
 
@@ -123,6 +126,7 @@ class Collector {
   void Rethrow() const {
     if (failure_) std::rethrow_exception(failure_);
   }
+  bool HasTimes() const { return hasTimes_; }
   // "x: 8, 9" of each variable whose values of several codes are read as missing.
   std::string SeveralCodes() const {
     std::string names;
@@ -166,8 +170,7 @@ class Collector {
     return readstat_double_value(value);
   }
 
-  double CodeOf(Column& column, readstat_value_t value) const {
-    std::string text = TextOf(readstat_string_value(value));
+  double CodeOf(Column& column, std::string text) const {
     if (text.size() > kMostTextBytes) throw Error(column.name + " holds a text of more than 1 MB", where_);
     text.erase(text.find_last_not_of(' ') + 1);
     if (text.empty()) return kMissing;
@@ -176,7 +179,30 @@ class Collector {
     return found->second;
   }
 
-  Variable VariableOf(Column& column) const {
+  // Numbers of a date's format become texts, those of a time's hours.
+  void ConvertTimes(Column& column) {
+    const auto scale = column.isText ? std::nullopt : TimeScaleOf(package_, column.format);
+    if (!scale) return;
+    column.format.clear();
+    const double missing = column.missingCode.value_or(kMissing);
+    column.missingCode.reset();
+    column.isText = scale->shown == Shown::kDate;
+    hasTimes_ = hasTimes_ || !column.isText;
+    for (double& value : column.values) {
+      if (value == missing) value = kMissing;
+      if (std::isnan(value)) continue;
+      const double days = value / scale->unitsOfDay;
+      if (!column.isText) {
+        value = days * kHoursOfDay;
+        continue;
+      }
+      const bool isDay = IsDay(days + static_cast<double>(scale->origin));
+      value = CodeOf(column, isDay ? DateText(days, scale->origin) : ShortestNumber(value));
+    }
+  }
+
+  Variable VariableOf(Column& column) {
+    ConvertTimes(column);
     Variable variable(column.name, 0);
     variable.AssignValues(std::move(column.values));
     if (column.isText) {
@@ -196,6 +222,8 @@ class Collector {
   std::map<std::string, std::map<double, std::string>> labels_;
   std::size_t cells_ = 0;
   std::size_t most_;
+  Package package_;
+  bool hasTimes_ = false;
   std::string where_;
   std::exception_ptr failure_;
 };
@@ -208,6 +236,11 @@ int OnValue(int, readstat_variable_t* variable, readstat_value_t value, void* co
 }
 int OnLabel(const char* set, readstat_value_t value, const char* label, void* context) {
   return static_cast<Collector*>(context)->TakeLabel(set, value, label);
+}
+
+Package PackageOf(FileKind kind) {
+  if (kind == FileKind::kSpss) return Package::kSpss;
+  return kind == FileKind::kStata ? Package::kStata : Package::kSas;
 }
 
 readstat_error_t Parse(readstat_parser_t* parser, FileKind kind, Collector& collector) {
@@ -230,7 +263,7 @@ DataRead ReadPackageFile(std::string_view bytes, FileKind kind, const std::strin
   const std::unique_ptr<readstat_parser_t, void (*)(readstat_parser_t*)> parser(readstat_parser_init(),
                                                                                 readstat_parser_free);
   Input input{bytes};
-  Collector collector(bytes.size(), where);
+  Collector collector(bytes.size(), PackageOf(kind), where);
   readstat_set_open_handler(parser.get(), Open);
   readstat_set_close_handler(parser.get(), Close);
   readstat_set_seek_handler(parser.get(), Seek);
@@ -249,6 +282,7 @@ DataRead ReadPackageFile(std::string_view bytes, FileKind kind, const std::strin
   const std::string several = collector.SeveralCodes();
   if (!several.empty())
     read.readAs = "several codes of missing values, all of which are read as missing, in " + several;
+  if (collector.HasTimes()) read.readAs += std::string(read.readAs.empty() ? "" : ", ") + "times as hours";
   return read;
 }
 

@@ -135,6 +135,7 @@ DataRead TableOf(SheetGrid grid, const std::string& place, const TextOptions& op
   known.comment = "none";
   known.encoding = "UTF-8";
   DataRead read = ReadTextTable(text, grid.name, place, known);
+  if (grid.hasTimes) read.readAs += std::string(read.readAs.empty() ? "" : ", ") + "times as hours";
   if (grid.mergedRanges > 0) {
     read.doubts.push_back({"", "sheet " + grid.name + " has " + std::to_string(grid.mergedRanges) +
                                    (grid.mergedRanges == 1 ? " merged range" : " merged ranges") +

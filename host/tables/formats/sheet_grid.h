@@ -22,6 +22,7 @@ struct SheetGrid {
   std::string name;
   std::vector<GridCell> cells;  // in any order; of two in one place the later counts
   std::size_t mergedRanges = 0;
+  bool hasTimes = false;  // which are numbers of hours
 };
 
 // The sheet as a table: a header, which need not be in the first row, above columns of numbers or texts, by the rules and

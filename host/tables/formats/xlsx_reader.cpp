@@ -67,9 +67,9 @@ struct Sheets : XmlHandler {
   }
 };
 
-// Which formats of cells show numbers as dates.
+// What the formats of cells show numbers as.
 struct DateStyles : XmlHandler {
-  std::vector<bool> dates;  // by the number of the cell format
+  std::vector<Shown> shown;  // by the number of the cell format
 
   void Start(std::string_view name, const XmlTag& tag) override {
     if (name == "cellXfs") inCellFormats_ = true;
@@ -77,7 +77,7 @@ struct DateStyles : XmlHandler {
     if (name == "numFmt") codes_[number] = tag.Value("formatCode");
     if (name != "xf" || !inCellFormats_) return;
     const auto code = codes_.find(number);
-    dates.push_back(code != codes_.end() ? IsDateFormat(code->second) : IsBuiltInDate(number));
+    shown.push_back(code != codes_.end() ? ShownBy(code->second) : ShownByBuiltIn(number));
   }
   void End(std::string_view name) override {
     if (name == "cellXfs") inCellFormats_ = false;
@@ -179,9 +179,10 @@ class SheetWalk : public XmlHandler {
   void PutNumber() {
     const auto number = ParseNumber(text_);
     if (!number) throw Error("the file is damaged: a cell of a number holds none", where_);
-    const bool isDate = style_ < styles_.dates.size() && styles_.dates[style_] && IsSerial(*number);
-    if (isDate) return PutText(DateText(*number, origin_));
-    Put({.number = *number, .text = {}});
+    const Shown shown = style_ < styles_.shown.size() ? styles_.shown[style_] : Shown::kNumber;
+    if (shown == Shown::kDate && IsSerial(*number)) return PutText(DateText(*number, origin_));
+    if (shown == Shown::kTime) grid.hasTimes = true;
+    Put({.number = shown == Shown::kTime ? *number * kHoursOfDay : *number, .text = {}});
   }
   void PutText(std::string text) {
     bound_.AddText(text.size());

@@ -5,6 +5,8 @@
 
 book.xlsx   openpyxl: two sheets and one of notes, a header in row 3, dates, a formula with its cached value put in by hand,
             an error cell, a merged range, a truth value
+times.xlsx  openpyxl: days, times of day, durations
+dates.dta   pandas: days and moments
 book.ods    odfpy: the same table with dates, a formula, a repeated cell
 cars.dta    pandas: a Stata file of release 118 with value labels, a missing value, texts
 arrays.npz  numpy: arrays of one and of two axes, of several types and orders of bytes
@@ -92,6 +94,18 @@ def stata():
                    variable_labels={"mpg": "miles per gallon"})
 
 
+def dates():
+    import datetime
+    frame = pandas.DataFrame({"day": pandas.to_datetime(["2024-02-29", "1959-12-31", None]),
+                              "moment": pandas.to_datetime(["2024-02-29 10:30:00", "1960-01-01", "2024-03-01 23:59:59"])})
+    frame.to_stata(FOLDER / "dates.dta", write_index=False, version=118, convert_dates={"day": "td", "moment": "tc"})
+    book = openpyxl.Workbook()
+    for row in (["day", "clock", "lasted"], [datetime.date(2024, 2, 29), datetime.time(10, 30), datetime.timedelta(hours=26, minutes=15)],
+                [datetime.date(2024, 3, 1), datetime.time(0, 0), datetime.timedelta(seconds=36)]):
+        book.active.append(row)
+    book.save(FOLDER / "times.xlsx")
+
+
 def npz():
     numpy.savez_compressed(FOLDER / "arrays.npz", x=numpy.array([1.5, numpy.nan, 3]), i=numpy.array([1, -2, 3], dtype=">i4"),
                            m=numpy.arange(6, dtype=numpy.float32).reshape(3, 2), f=numpy.asfortranarray([[1., 2], [3, 4], [5, 6]]),
@@ -102,4 +116,5 @@ FOLDER.mkdir(exist_ok=True)
 xlsx()
 ods()
 stata()
+dates()
 npz()
