@@ -24,7 +24,8 @@ Names = str | int | Iterable[str] | Iterable[int] | None
 
 # The graphs of a fit by their kinds, with the members of the dialog that make them.
 _FIT_GRAPHS = {**_brenvolt._fit_graphs, "fit-comparison": None, "return-levels": None}
-_DATA = "a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook or path"
+_DATA = ("a Series, DataFrame, mapping of arrays, array of one or two axes, table with to_pandas() or __dataframe__(), "
+         "Spreadsheet, Workbook or path")
 
 
 def _sheet_of(data, name, required=(), decimal_comma=False, reading=None):
@@ -41,6 +42,8 @@ def _sheet_of(data, name, required=(), decimal_comma=False, reading=None):
         return _automation._sheet(data)
     if isinstance(data, Workbook):
         return data.sheet(name or "")
+    if not hasattr(data, "iloc") and (hasattr(data, "to_pandas") or hasattr(data, "__dataframe__")):
+        data = _sheets._frame_of_another_library(data)
     if hasattr(data, "iloc"):
         return Spreadsheet.from_pandas(data, name or "Sheet", required)
     if getattr(getattr(data, "dtype", None), "names", None):
@@ -197,7 +200,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         **reading: Any) -> FitResult | _censored.CensoredFitResult:
     """Fits distributions to variables, tests every fit, and ranks the fits.
 
-    data: a Series, DataFrame, mapping of arrays, array of one or two axes, Spreadsheet, Workbook, or the path of a CSV
+    data: a Series, DataFrame, mapping of arrays, array of one or two axes, table of another library that has to_pandas() or
+          __dataframe__(), Spreadsheet, Workbook, or the path of a CSV
     file or project.
     continuous, discrete: names of variables; without both, every numeric variable is fitted as continuous.
     distributions: names of those to try ("weibull", "gev", ...); without, all that apply to a variable.

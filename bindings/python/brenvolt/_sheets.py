@@ -168,6 +168,19 @@ def _set_values(self, values):
     _assign_values(self, _numbers(series))
 
 
+def _frame_of_another_library(table):
+    """The pandas frame of a table of Arrow, Polars and the like: as the library makes it, or by the interchange protocol."""
+    if hasattr(table, "to_pandas"):
+        try:
+            return table.to_pandas()
+        except ImportError:
+            if not hasattr(table, "__dataframe__"):
+                raise
+    from pandas.api.interchange import from_dataframe
+
+    return from_dataframe(table)
+
+
 def _from_columns(columns, name, required):
     """A spreadsheet with the columns of a mapping, under the rules of _from_pandas."""
     sheet = Spreadsheet(name)

@@ -131,6 +131,26 @@ class Fits(Folder):
         self.assertEqual(list(weighted.variables), ["x"])
         self.assertAlmostEqual(weighted.best["x"].scale, plain.scale, places=12)
 
+    def test_tables_of_other_libraries_are_taken_by_what_they_offer(self):
+        frame = pandas.DataFrame({"x": [1.0, 2, 4, numpy.nan], "t": ["a", "b", "a", None]})
+
+        class Exchanged:
+            def __dataframe__(self, nan_as_null=False, allow_copy=True):
+                return frame.__dataframe__(nan_as_null, allow_copy)
+
+        class Converted(Exchanged):
+            def to_pandas(self):
+                return frame
+
+        class WithoutItsPart(Exchanged):
+            def to_pandas(self):
+                raise ModuleNotFoundError("pyarrow")
+
+        expected = brenvolt.fit(frame, distributions="normal").best["x"]
+        for table in (Exchanged(), Converted(), WithoutItsPart()):
+            with self.subTest(type(table).__name__):
+                self.assertEqual(brenvolt.fit(table, distributions="normal").best["x"], expected)
+
     def test_a_column_asked_for_is_refused_by_its_kind(self):
         frame = pandas.DataFrame({"x": [1.0, 2, 4], "when": pandas.period_range("2020-01", periods=3, freq="M")})
         with self.assertRaisesRegex(TypeError, "column 'when' holds period values"):
