@@ -9,7 +9,7 @@
 #include <sstream>
 
 #include "host/graphs/picture.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {

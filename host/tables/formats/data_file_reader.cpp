@@ -6,8 +6,8 @@
 #include "host/tables/formats/json_lines.h"
 #include "host/tables/formats/numpy_reader.h"
 #include "host/tables/formats/packages_reader.h"
-#include "host/tables/formats/sheet_grid.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/sheet_grid.h"
+#include "host/tables/office/zip_content.h"
 #include "host/tables/text/text_table.h"
 
 namespace brenvolt {

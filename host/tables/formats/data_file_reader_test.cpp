@@ -12,7 +12,7 @@
 #include "host/tables/csv_layout.h"
 #include "host/tables/csv_reader.h"
 #include "host/tables/formats/packages_reader.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {

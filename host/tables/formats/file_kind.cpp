@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {

@@ -7,7 +7,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
-#include "host/tables/formats/sheet_grid.h"
+#include "host/tables/office/sheet_grid.h"
 
 namespace brenvolt {
 namespace {

@@ -9,7 +9,7 @@
 
 #include "host/base/error.h"
 #include "host/base/quoted.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {

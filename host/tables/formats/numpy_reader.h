@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "host/tables/formats/data_file_reader.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 

@@ -14,7 +14,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/tables/csv_reader.h"
-#include "host/tables/formats/workbook_dates.h"
+#include "host/tables/office/workbook_dates.h"
 
 namespace brenvolt {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "host/base/error.h"
-#include "host/tables/formats/xlsx_reader.h"
+#include "host/tables/office/xlsx_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string_view rest(reinterpret_cast<const char*>(data), size);

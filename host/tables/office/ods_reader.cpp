@@ -1,4 +1,4 @@
-#include "host/tables/formats/ods_reader.h"
+#include "host/tables/office/ods_reader.h"
 
 #include <algorithm>
 #include <charconv>
@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "host/base/number_text.h"
-#include "host/tables/formats/workbook_bounds.h"
-#include "host/tables/formats/workbook_dates.h"
-#include "host/tables/formats/xml_scan.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/workbook_bounds.h"
+#include "host/tables/office/workbook_dates.h"
+#include "host/tables/office/xml_scan.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {

@@ -1,4 +1,4 @@
-#include "host/tables/formats/xml_scan.h"
+#include "host/tables/office/xml_scan.h"
 
 #include <charconv>
 #include <cstdint>

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "host/base/error.h"
-#include "host/tables/formats/ods_reader.h"
+#include "host/tables/office/ods_reader.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {

@@ -1,4 +1,4 @@
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/zip_content.h"
 
 #include <archive.h>
 #include <archive_entry.h>

@@ -1,4 +1,4 @@
-#include "host/tables/formats/xlsx_reader.h"
+#include "host/tables/office/xlsx_reader.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,10 +9,10 @@
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
-#include "host/tables/formats/workbook_bounds.h"
-#include "host/tables/formats/workbook_dates.h"
-#include "host/tables/formats/xml_scan.h"
-#include "host/tables/formats/zip_content.h"
+#include "host/tables/office/workbook_bounds.h"
+#include "host/tables/office/workbook_dates.h"
+#include "host/tables/office/xml_scan.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {

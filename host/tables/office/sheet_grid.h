@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/tables/formats/data_file_reader.h"
+#include "host/tables/text/data_read.h"
 
 namespace brenvolt {
 

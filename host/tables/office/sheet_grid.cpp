@@ -1,4 +1,4 @@
-#include "host/tables/formats/sheet_grid.h"
+#include "host/tables/office/sheet_grid.h"
 
 #include <algorithm>
 #include <iterator>
@@ -6,8 +6,8 @@
 #include "host/base/error.h"
 #include "host/tables/csv_cell.h"
 #include "host/tables/csv_reader.h"
-#include "host/tables/formats/ods_reader.h"
-#include "host/tables/formats/xlsx_reader.h"
+#include "host/tables/office/ods_reader.h"
+#include "host/tables/office/xlsx_reader.h"
 #include "host/tables/text/text_table.h"
 
 namespace brenvolt {

@@ -1,4 +1,4 @@
-#include "host/tables/formats/workbook_dates.h"
+#include "host/tables/office/workbook_dates.h"
 
 #include <gtest/gtest.h>
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "host/tables/formats/sheet_grid.h"
+#include "host/tables/office/sheet_grid.h"
 
 namespace brenvolt {
 
