@@ -216,7 +216,11 @@ void DialogAutomationBase::AddSetting(std::size_t place, std::vector<Variant> in
   setting.member = &member;
   setting.kind = CallKind::kPut;
   setting.indexes = std::move(indexes);
-  setting.value = InvokeOwn(place, CallKind::kGet, setting.indexes, {});
+  try {
+    setting.value = InvokeOwn(place, CallKind::kGet, setting.indexes, {});
+  } catch (const Error&) {
+    return;  // of what is not there yet, such as the limits of a response before a model is loaded
+  }
   if (setting.value.IsObject()) return;  // a document, which no control changes
   setting.text = SettingText(member, setting.value);
   // The earlier choice is not a setting any more; it follows from the new one.

@@ -2,6 +2,7 @@
 // recorded: the files are the same, byte for byte.
 #include <QAction>
 #include <QCheckBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QProcess>
@@ -54,14 +55,36 @@ struct MainJob : Bench, testing::Test {
     }
     ADD_FAILURE() << "no recorder";
   }
-  // Runs a macro that is shown in the editor, from a file.
-  void RunRecorded() {
+  // Runs the macro that is shown in the editor by the command and by a window of its own, each time from the files as they
+  // were, `former`; both leave the bytes that the hands did.
+  void CompareReplays(const std::string& project, const std::optional<std::string>& former) {
+    const std::string expected = BytesOf(File(project));
+    if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
+      GTEST_SKIP() << "the Python package is not built";
     window.Macros().Save(File("recorded.py"));
-    std::optional<bool> succeeded;
-    QObject::connect(&window, &MainWindow::macroEnded, &window, [&](bool done) { succeeded = done; });
-    window.RunMacro(File("recorded.py"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return succeeded.has_value(); }, 20000));
-    EXPECT_EQ(succeeded, true) << Utf8(window.Macros().Text()) << Utf8(window.Macros().Output());
+    const QString macro = ShownPath(File("recorded.py"));
+    for (const auto& [program, arguments] :
+         {std::pair(QStringLiteral("brenvolt"), QStringList{QStringLiteral("macro"), macro}),
+          {QStringLiteral("brenvolt-desktop"),
+           {QStringLiteral("--run-macro"), macro, QStringLiteral("--screenshot"),
+            ShownPath(File("shot.png"))}}}) {
+      std::filesystem::remove(File(project));
+      if (former) WriteBytes(File(project), *former);
+      QProcess replay;
+      replay.setProcessChannelMode(QProcess::MergedChannels);
+      replay.start(QStringLiteral(BRENVOLT_BUILD_DIR "/bin/") + program, arguments);
+      ASSERT_TRUE(replay.waitForFinished()) << Utf8(program);
+      EXPECT_EQ(replay.exitCode(), 0)
+          << Utf8(program) << replay.readAll().toStdString() << Utf8(window.Macros().Text());
+      EXPECT_TRUE(BytesOf(File(project)) == expected) << Utf8(program) << "\n"
+                                                      << Utf8(window.Macros().Text());
+    }
+  }
+  // The result that is looked at becomes a sheet of the project.
+  void AddToProject() {
+    for (QAction* const action : window.Results().findChildren<QAction*>()) {
+      if (action->text() == QStringLiteral("Add to project")) action->trigger();
+    }
   }
   // The report in Markdown that the window makes is the one of the command that it says repeats it, but for the time.
   void CompareReport() {
@@ -122,16 +145,13 @@ TEST_F(MainJob, FitsSavedInTheWindowAreTheBytesOfTheCommandAndOfTheRecordedMacro
   CompareReport();
   EndDialogs();
 
-  if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
-    GTEST_SKIP() << "the Python package is not built";
-  std::filesystem::remove(File("window.bvw"));
-  RunRecorded();
-  EXPECT_TRUE(BytesOf(File("window.bvw")) == expected) << Utf8(window.Macros().Text());
+  CompareReplays("window.bvw", std::nullopt);
 }
 
 TEST_F(MainJob, SamplesAndTheirProjectAreThoseOfTheCommand) {
   Command({"fit", Data("faithful.csv"), "--continuous", "eruptions,waiting", "--save", "command.bvw"});
-  std::filesystem::copy_file(File("command.bvw"), File("window.bvw"));
+  const std::string fitted = BytesOf(File("command.bvw"));
+  WriteBytes(File("window.bvw"), fitted);
   Command({"simulate", "command.bvw", "--method", "latin-hypercube-iman-conover", "--samples", "500",
            "--seed", "7", "-o", "command.csv"});
   Command({"simulate", "command.bvw", "--method", "latin-hypercube-iman-conover", "--samples", "500",
@@ -146,20 +166,20 @@ TEST_F(MainJob, SamplesAndTheirProjectAreThoseOfTheCommand) {
   Type(1129, "7");
   Click(kControlOk);
   ASSERT_EQ(Dialog(), 25988);
+  window.Results().Tree().setCurrentItem(window.Results().Tree().topLevelItem(0)->child(0));
+  window.Results().SaveTo(File("window.csv"));
+  EXPECT_TRUE(BytesOf(File("window.csv")) == BytesOf(File("command.csv")));
+  AddToProject();
+  EXPECT_TRUE(window.Save());
+  EXPECT_TRUE(BytesOf(File("window.bvw")) == BytesOf(File("command.bvw")));
   Record();
   const QString macro = window.Macros().Text();
   // A line for each choice, none for each key.
   for (const char* const member : {"LHSwithImanMethod = ", "NumberOfSamples = 500", "RandomSeedNumber = 7"})
     EXPECT_EQ(macro.count(QLatin1String(member)), 1) << member << "\n" << Utf8(macro);
-  window.Results().Tree().setCurrentItem(window.Results().Tree().topLevelItem(0)->child(0));
-  window.Results().SaveTo(File("window.csv"));
-  EXPECT_TRUE(BytesOf(File("window.csv")) == BytesOf(File("command.csv")));
-  for (QAction* const action : window.Results().findChildren<QAction*>()) {
-    if (action->text() == QStringLiteral("Add to project")) action->trigger();
-  }
-  EXPECT_TRUE(window.Save());
-  EXPECT_TRUE(BytesOf(File("window.bvw")) == BytesOf(File("command.bvw")));
   CompareReport();
+  EndDialogs();
+  CompareReplays("window.bvw", fitted);
 }
 
 TEST_F(MainJob, ADesignIsSavedAsByTheCommandAndByTheRecordedMacro) {
@@ -187,23 +207,21 @@ TEST_F(MainJob, ADesignIsSavedAsByTheCommandAndByTheRecordedMacro) {
   Record();
   const std::string expected = BytesOf(File("command.bvw"));
   EXPECT_TRUE(BytesOf(File("window.bvw")) == expected);
-  std::filesystem::remove(File("window.bvw"));
-  if (!std::filesystem::exists(BRENVOLT_BUILD_DIR "/python/brenvolt/__init__.py"))
-    GTEST_SKIP() << "the Python package is not built";
-  RunRecorded();
-  EXPECT_TRUE(BytesOf(File("window.bvw")) == expected) << Utf8(window.Macros().Text());
+  CompareReplays("window.bvw", std::nullopt);
 }
 
 TEST_F(MainJob, TheProfileOfAModelIsThatOfTheCommand) {
   Command({"profile", Data("ozone.csv"), "--model", Data("ozone_regression.pmml"), "--fit-best", "--samples",
            "500", "--seed", "7", "-o", "command.csv"});
   ASSERT_TRUE(window.OpenFile(kExamples + "ozone.csv"));
+  SaveAs("window.bvw");
+  const std::string former = BytesOf(File("window.bvw"));
+  Record();
   window.StartTask(Task::kProfile);
   ASSERT_EQ(Dialog(), 15033);
   const Hand load("files", [](QWidget& asked) {
-    auto& edit = Child<QLineEdit>(asked, "fileNameEdit");
-    edit.setText(Data("ozone_regression.pmml"));
-    QTest::keyClick(&edit, Qt::Key_Return);
+    static_cast<QFileDialog&>(asked).selectFile(Data("ozone_regression.pmml"));
+    QMetaObject::invokeMethod(&asked, "accept");
   });
   Click(1302);
   EXPECT_TRUE(load.HasActed());
@@ -216,7 +234,13 @@ TEST_F(MainJob, TheProfileOfAModelIsThatOfTheCommand) {
   window.Results().Tree().setCurrentItem(window.Results().Tree().topLevelItem(0)->child(0));
   window.Results().SaveTo(File("window.csv"));
   EXPECT_TRUE(BytesOf(File("window.csv")) == BytesOf(File("command.csv")));
+  AddToProject();
+  EXPECT_TRUE(window.Save());
+  Record();
+  EXPECT_TRUE(BytesOf(File("window.bvw")) != former);
   CompareReport();
+  EndDialogs();
+  CompareReplays("window.bvw", former);
 }
 
 }  // namespace
