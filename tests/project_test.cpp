@@ -1,6 +1,8 @@
 // What is kept: saved fits with their correlations, data and matrices that go through a project and back.
 #include <gtest/gtest.h>
 
+#include <thread>
+
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {
@@ -37,6 +39,64 @@ TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
   const Outcome constant = Run({"fit", "d.csv", "--continuous", "a", "--discrete", "b", "--save", "q.bvw"});
   EXPECT_EQ(constant.status, 0);
   EXPECT_EQ(constant.err, "brenvolt: The correlation of a and b is not defined and is taken as 0.\n");
+}
+
+// Programs that save at the same time: into a project that is not there yet, and into the one that they read.
+TEST_F(Command, NothingIsLostOfWhatSeveralProgramsSaveIntoOneProject) {
+  constexpr int kPrograms = 4;
+  constexpr int kSaves = 10;
+  std::string names;
+  std::string values[2];
+  for (int i = 0; i < kPrograms * kSaves; ++i) {
+    names += (i == 0 ? "V" : ",V") + std::to_string(i);
+    for (const int line : {0, 1}) values[line] += (i == 0 ? "" : ",") + std::to_string(3 * line + i);
+  }
+  Write("d.csv", names + "\n" + values[0] + "\n" + values[1] + "\n" + values[0] + "\n");
+  for (const std::string source : {"d.csv", "p.bvw"}) {
+    std::filesystem::remove(File("p.bvw"));
+    if (source == "p.bvw") MustRun({"import", "d.csv", "-o", "p.bvw"});
+    std::vector<std::thread> programs;
+    for (int program = 0; program < kPrograms; ++program) {
+      programs.emplace_back([this, &source, program] {
+        for (int save = 0; save < kSaves; ++save) {
+          const std::string name = "V" + std::to_string(program * kSaves + save);
+          const Outcome outcome =
+              Run({"fit", source, "--continuous", name, "--distributions", "normal", "--save", "p.bvw"});
+          EXPECT_EQ(outcome.status, 0) << outcome.err;
+        }
+      });
+    }
+    for (std::thread& program : programs) program.join();
+    const Json saved = JsonOf({"show", "p.bvw", "d"});
+    for (const Json& variable : saved["variables"])
+      EXPECT_FALSE(variable["properties"].empty()) << source << ": " << variable["name"];
+    EXPECT_EQ(JsonOf({"show", "p.bvw", "Correlation matrix"})["variables"].size(), kPrograms * kSaves)
+        << source;
+    EXPECT_EQ(folder.Names(), (std::vector<std::string>{"d.csv", "p.bvw"}));
+  }
+}
+
+TEST_F(Command, WaitForAProjectInUseHasALimit) {
+  Write("d.csv", "x\n1\n2\n4\n");
+  MustRun({"import", "d.csv", "-o", "p.bvw"});
+  sqlite3* other = nullptr;
+  ASSERT_EQ(sqlite3_open(File("p.bvw").c_str(), &other), SQLITE_OK);
+  ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+  const std::vector<std::string> fit{"fit", "p.bvw", "--save", "p.bvw", "--wait"};
+  const auto waiting = [&](const char* seconds) {
+    std::vector<std::string> call = fit;
+    call.emplace_back(seconds);
+    return Run(call);
+  };
+  const Outcome brief = waiting("0.05");
+  EXPECT_EQ(brief.status, 1);
+  EXPECT_EQ(brief.err, "brenvolt: the project cannot be written: it is in use by another program (p.bvw)\n");
+  EXPECT_EQ(waiting("1.2").err,
+            "brenvolt: waiting for another program that uses the project (p.bvw)\n" + brief.err);
+  EXPECT_EQ(waiting("-1").err,
+            "brenvolt: expected a number of seconds from 0 to 31622400, got -1 (--wait)\n");
+  sqlite3_close(other);
+  EXPECT_EQ(waiting("0").status, 0);
 }
 
 // What a former fit left behind would pass for a fit of the present data.

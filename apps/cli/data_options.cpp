@@ -8,6 +8,7 @@
 #include "host/base/process/terminal.h"
 #include "host/base/quoted.h"
 #include "host/graphs/chart_text.h"
+#include "host/jobs/base/project_files.h"
 #include "host/tables/csv.h"
 
 namespace brenvolt::cli {
@@ -63,6 +64,15 @@ CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string&
   command.add_option("--sheet", data.sheet, "Sheet of the project; default: its first data sheet")
       ->type_name("NAME");
   return option;
+}
+
+void AddWaitOption(CLI::App& command) {
+  command
+      .add_option_function<std::string>(
+          "--wait",
+          [](const std::string& text) { KeepingFaults([&] { SetProjectWait(NumberIn("wait", text)); }); },
+          "How long to wait for a project that other programs save or use; default 60")
+      ->type_name("SECONDS");
 }
 
 void AddYesOption(CLI::App& command, JobData& data) {

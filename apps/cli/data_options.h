@@ -39,6 +39,9 @@ void AddReadingOptions(CLI::App& command, JobData& data);
 // A sheet on standard output.
 void PrintCsv(const Spreadsheet& sheet, const JobData& data);
 
+// Adds --wait.
+void AddWaitOption(CLI::App& command);
+
 // Adds --yes.
 void AddYesOption(CLI::App& command, JobData& data);
 

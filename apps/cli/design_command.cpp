@@ -66,6 +66,7 @@ void AddDesignCommand(CLI::App& program) {
       "design", "Enter distributions and correlations by hand; without any, print those of a project");
   command->add_option("project,-o,--output", job.project, "Project (.bvw) to make, or to change")
       ->type_name("PROJECT.bvw");
+  AddWaitOption(*command);
   command
       ->add_option("--sheet", job.sheet,
                    "Sheet of the project; default: the first whose variables carry distributions")

@@ -78,6 +78,7 @@ void AddImportCommand(CLI::App& program) {
       ->required();
   command->add_option("-o,--output", options->job.output, "Project, created if it does not exist")
       ->type_name("PROJECT.bvw");
+  AddWaitOption(*command);
   command
       ->add_option(
           "--sheet", options->job.sheet,

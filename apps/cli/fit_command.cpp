@@ -252,6 +252,7 @@ void AddSaveOptions(CLI::App& command, FitJob& job) {
       .add_option("--save", job.save,
                   "Project that takes the data with the fits as properties, and their correlation matrix")
       ->type_name("PROJECT.bvw");
+  AddWaitOption(command);
   AddEntries(command, "--truncate", job.truncate, ParseTruncation, "V=LOW:HIGH",
              "With --save, bounds within which a variable is simulated, saved with its fits; either may be "
              "left out");

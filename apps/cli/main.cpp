@@ -14,6 +14,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/error.h"
+#include "host/base/files/file_turn.h"
 #include "host/base/nearest_name.h"
 #include "host/base/process/interruption.h"
 #include "host/base/process/memory_policy.h"
@@ -164,6 +165,14 @@ void RequirePrinted() {
   throw brenvolt::Error("the output cannot be written" + reason, "standard output");
 }
 
+void SayWaits() {
+  brenvolt::TurnPatience patience = brenvolt::CurrentTurnPatience();
+  patience.tell = [](const std::string& file) {
+    Complain("waiting for another program that uses the project", file);
+  };
+  brenvolt::SetTurnPatience(std::move(patience));
+}
+
 int Interrupted() {
   Complain("interrupted");
   return kInterrupted;
@@ -174,6 +183,7 @@ int Interrupted() {
 int main(int argc, char** argv) {
   brenvolt::ReturnLargeBlocksAtOnce();
   const brenvolt::InterruptionCatcher interruptions;
+  SayWaits();
   try {
     brenvolt::cli::RememberCall(argc, argv);
     const int status = Run(argc, argv);

@@ -192,6 +192,7 @@ void AddProfileCommand(CLI::App& program) {
           "the first two take any number of runs, the others up to " +
               std::to_string(kMostProfilerRuns))
       ->type_name("OUT");
+  AddWaitOption(*command);
   command
       ->add_option("--graphs", job.graphs,
                    "File for the data of the graphs as JSON: histograms with the best fit and the limits, "

@@ -157,6 +157,7 @@ void AddSimulateCommand(CLI::App& program) {
           "correlations and charts on sheets of their own, .sav, .dta, or .bvw for a project; the first two "
           "take any number of samples of the methods without correlation")
       ->type_name("OUT");
+  AddWaitOption(*command);
   AddPlotOptions(*command, job.plot, kDataPlotKinds);
   AddReportOption(*command, job.report);
   AddChartOption(*command, job.keepsTable);

@@ -626,6 +626,9 @@ void BindJobs(py::module_& module) {
         TheJob().Called(nullptr, "TakeFormerProperties", {RecordedName(sheet), PythonPath(path)});
       },
       InHost(), py::arg("sheet"), py::arg("path"));
+  module.def(
+      "save_wait", &SetProjectWait, py::arg("seconds"),
+      "Sets how many seconds this process waits for a project that other programs save or use; 60 at first.");
   module.def("_code_of", &CodeOf);
   module.def("_require_value", &RequireValue);
   module.def("_first_saved", &FirstSavedOf);

@@ -8,6 +8,7 @@
 #include "host/analysis/result_table.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
+#include "host/base/files/file_turn.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
@@ -289,10 +290,24 @@ Table FitJob::Keep(AnalysisSession& session, Spreadsheet& sheet,
 }
 
 // Truncations and other variables' fits that the project holds are part of what is saved in it.
-void FitJob::TakeFormer(const JobInput& input, JobRecorder& recorder) const {
-  if (input.home != nullptr && IsSavedAs(*input.home, save)) return;
+FitJob::Former FitJob::TakeFormer(const JobInput& input, JobRecorder& recorder) const {
+  const FileIdentity project = FileIdentity::Of(save);
+  if (input.home != nullptr && IsSavedAs(*input.home, save))
+    return {PropertiesOf(input.sheet),
+            input.home->workbook.IsChangedByOthers(save) ? FileIdentity() : project};
   TakeFormerProperties(save, input.sheet);
   recorder.Called(nullptr, "TakeFormerProperties", {recorder.NameOf(input.recorded), PythonPath(save)});
+  return {PropertiesOf(input.sheet), project};
+}
+
+// The matrix is calculated from all variables with fits, so it has to know those that others saved meanwhile; nobody
+// else saves until this is done.
+void FitJob::SaveFitted(const JobInput& input, AnalysisSession& session,
+                        const std::vector<std::string>& fitted, const Former& former,
+                        JobRecorder& recorder) const {
+  const FileTurn turn(save);
+  if (FileIdentity::Of(save) != former.project) RefreshProperties(save, former.properties, input.sheet);
+  SaveKept(input, Keep(session, input.sheet, fitted), recorder);
 }
 
 // Puts the sheet with its correlation matrix into the project.
@@ -308,6 +323,7 @@ void FitJob::Save(const JobInput& input, AnalysisSession& session, const std::ve
   CheckProjectEnding("save", save, faults);
   CheckFolder("save", save, faults);
   RequireNone(std::move(faults));
+  const FileTurn turn(save);
   TakeFormer(input, recorder);
   const Table matrix = Keep(session, input.sheet, fitted);
   const FormerConditions former(input.sheet);
@@ -349,13 +365,14 @@ std::vector<std::string> FitJob::Run(const JobInput& input, JobRecorder& recorde
   RefuseRecordedReport(report, recorder);
   std::optional<FormerConditions> former;
   if (input.isLent) former.emplace(input.sheet);
-  if (!save.empty()) TakeFormer(input, recorder);
+  Former formerFits;
+  if (!save.empty()) formerFits = TakeFormer(input, recorder);
   ApplyCaseOptions(input.sheet);
   if (weights) recorder.Set(input.recorded, "weight_variable", OrNone(*weights));
   if (select) recorder.Set(input.recorded, "selection", OrNone(*select));
   AnalysisSession& session = Start(input, data);
   std::vector<std::string> fitted = Fit(session, input.sheet);
-  if (!save.empty()) SaveKept(input, Keep(session, input.sheet, fitted), recorder);
+  if (!save.empty()) SaveFitted(input, session, fitted, formerFits, recorder);
   if (!graphs.empty()) WriteFitGraphs(session.Analysis(), graphs, recorder);
   if (plot.IsAsked()) {
     const auto dialog = session.Dialog();

@@ -6,10 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "host/base/files/file_identity.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/plot.h"
+#include "host/jobs/base/project_files.h"
 
 namespace brenvolt {
 
@@ -107,8 +109,15 @@ struct FitJob {
   JobFaults CheckSaving(const std::vector<std::string>& fitted) const;
   JobFaults CheckTruncated(AutomationObject& results) const;
   void ApplyCaseOptions(Spreadsheet& sheet) const;
+  // What the variables carried before the fit, by which it is seen what others saved meanwhile.
+  struct Former {
+    SheetProperties properties;
+    FileIdentity project;
+  };
+  void SaveFitted(const JobInput& input, AnalysisSession& session, const std::vector<std::string>& fitted,
+                  const Former& former, JobRecorder& recorder) const;
   void SaveKept(const JobInput& input, const Table& matrix, JobRecorder& recorder) const;
-  void TakeFormer(const JobInput& input, JobRecorder& recorder) const;
+  Former TakeFormer(const JobInput& input, JobRecorder& recorder) const;
   std::vector<std::string> Fit(AnalysisSession& session, const Spreadsheet& sheet) const;
 };
 

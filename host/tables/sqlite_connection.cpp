@@ -5,10 +5,11 @@
 #include <algorithm>
 #include <cstring>
 
+#include "host/base/process/interruption.h"
+
 namespace brenvolt {
 namespace {
 
-constexpr int kBusyMilliseconds = 2000;
 constexpr int kPrimaryCodeMask = 0xff;
 
 struct Switch {
@@ -60,6 +61,11 @@ bool DatabaseError::IsUnusableFile() const noexcept {
   return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || code_ == SQLITE_READONLY_DBMOVED;
 }
 
+bool DatabaseError::NeedsRepair() const noexcept {
+  const int primary = code_ & kPrimaryCodeMask;
+  return primary == SQLITE_READONLY || primary == SQLITE_CANTOPEN;
+}
+
 void Connection::Closer::operator()(sqlite3* database) const noexcept {
   sqlite3_close_v2(database);
 }
@@ -74,15 +80,25 @@ Connection::Connection(const std::filesystem::path& file, std::string named, Pur
     : named_(std::move(named)), purpose_(purpose) {
   sqlite3* opened = nullptr;
   const int result =
-      sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &opened, SQLITE_OPEN_READWRITE, nullptr);
+      sqlite3_open_v2(std::filesystem::absolute(file).c_str(), &opened,
+                      purpose == Purpose::kRead ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE, nullptr);
   database_.reset(opened);
   if (result != SQLITE_OK) Fail(result);
   sqlite3_extended_result_codes(opened, 1);
-  sqlite3_busy_timeout(opened, kBusyMilliseconds);
+  wait_ = std::make_unique<TurnWait>(named_);
+  sqlite3_busy_handler(opened, WaitForOthers, wait_.get());
   for (const Switch& chosen : kDistrust) sqlite3_db_config(opened, chosen.option, chosen.value, nullptr);
 }
 
+// A wait begins with its first attempt.
+int Connection::WaitForOthers(void* wait, int attempt) noexcept {
+  auto& turn = *static_cast<TurnWait*>(wait);
+  if (attempt == 0) turn.Begin();
+  return turn.Pause() ? 1 : 0;
+}
+
 void Connection::Fail(int code) {
+  if ((code & kPrimaryCodeMask) == SQLITE_BUSY && InterruptionRequested()) throw UserCancelled();
   const int systemError = database_ ? sqlite3_system_errno(database_.get()) : 0;
   throw DatabaseError(Describe(code, systemError, purpose_ == Purpose::kWrite), named_, code);
 }

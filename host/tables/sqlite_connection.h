@@ -14,6 +14,7 @@
 #include <string_view>
 
 #include "host/base/error.h"
+#include "host/base/files/file_turn.h"
 
 struct sqlite3;
 struct sqlite3_blob;
@@ -27,6 +28,9 @@ class DatabaseError : public Error {
       : Error(what, std::move(where)), code_(code) {}
   // SQLite's extended result code.
   int Code() const noexcept { return code_; }
+  // True when only a connection that may write can read the file: a killed writer left its journal, or another program
+  // keeps a log of what it writes.
+  bool NeedsRepair() const noexcept;
   // True when the file itself is at fault: damaged, not a database, or no longer the file under its name.
   bool IsUnusableFile() const noexcept;
 
@@ -38,10 +42,11 @@ class Statement;
 
 class Connection {
  public:
-  enum class Purpose { kRead, kWrite };
+  enum class Purpose { kRead, kRepair, kWrite };
 
   // Opens an existing file, which must be a regular one. `named` takes its place in errors. A connection for
-  // reading may write as well: it undoes what a killed writer began.
+  // reading writes nothing; one for repair is for reading as well, but undoes what a killed writer began, or fails
+  // where it may not. While others use the file, all wait as long as the process is to (file_turn.h).
   Connection(const std::filesystem::path& file, std::string named, Purpose purpose);
 
   // Runs statements that give no rows of interest.
@@ -65,6 +70,9 @@ class Connection {
   struct Closer {
     void operator()(sqlite3* database) const noexcept;
   };
+  static int WaitForOthers(void* wait, int attempt) noexcept;
+
+  std::unique_ptr<TurnWait> wait_;  // SQLite knows its place
   std::unique_ptr<sqlite3, Closer> database_;
   std::string named_;
   Purpose purpose_;

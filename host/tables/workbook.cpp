@@ -5,8 +5,11 @@
 #include <system_error>
 
 #include "host/base/error.h"
+#include "host/base/files/file_identity.h"
 #include "host/base/files/file_replacement.h"
+#include "host/base/files/file_turn.h"
 #include "host/tables/sqlite_connection.h"
+#include "host/tables/workbook_merge.h"
 #include "host/tables/workbook_reader.h"
 #include "host/tables/workbook_writer.h"
 
@@ -16,6 +19,8 @@ struct StoredWorkbook {
   std::filesystem::path path;  // links followed
   WorkbookHeader header;
   StoredColumns columns;
+  FileIdentity state;    // of the file; none where the file holds more than what is here
+  ProjectMemory memory;  // what was read or saved
 };
 
 namespace {
@@ -63,6 +68,7 @@ StoredWorkbook SaveAnew(const std::filesystem::path& path, SheetList sheets) {
   const std::optional<Connection> former = LockFormer(replacement.Target(), path.string());
   RemoveCompanions(replacement.Target(), path.string());
   replacement.Commit();
+  stored.state = FileIdentity::Of(stored.path);
   return stored;
 }
 
@@ -70,16 +76,22 @@ StoredWorkbook SaveAnew(const std::filesystem::path& path, SheetList sheets) {
 std::optional<StoredWorkbook> SaveInPlace(const std::filesystem::path& path, SheetList sheets,
                                           const StoredWorkbook& stored) {
   std::error_code ignored;
-  if (stored.path != FollowLinks(path) || !std::filesystem::is_regular_file(stored.path, ignored))
+  if (stored.path != FollowLinks(path) || !std::filesystem::is_regular_file(stored.path, ignored) ||
+      FileIdentity::Of(stored.path) != stored.state) {
     return std::nullopt;
+  }
   try {
     Connection connection(stored.path, path.string(), Connection::Purpose::kWrite);
     auto columns = UpdateWorkbook(connection, sheets, stored.columns, stored.header);
     if (!columns) return std::nullopt;
     // The counter rises by one with every transaction. Read from the file now, it might count another
     // program's.
-    StoredWorkbook updated{stored.path, stored.header, std::move(*columns)};
+    StoredWorkbook updated;
+    updated.path = stored.path;
+    updated.header = stored.header;
+    updated.columns = std::move(*columns);
     ++updated.header.changeCounter;
+    updated.state = FileIdentity::Of(stored.path);
     return updated;
   } catch (const DatabaseError& error) {
     if (!error.IsUnusableFile()) throw;
@@ -101,12 +113,18 @@ Workbook::Workbook(Workbook&&) noexcept = default;
 Workbook& Workbook::operator=(Workbook&&) noexcept = default;
 
 Workbook Workbook::Open(const std::filesystem::path& path) {
+  auto stored = std::make_unique<StoredWorkbook>();
+  // Before the file is opened: what is put in its place in between shows as a change.
+  stored->state = FileIdentity::Of(path);
   Connection connection = OpenWorkbookFile(path);
   WorkbookContent content = ReadWorkbook(connection);
   Workbook workbook;
   workbook.sheets_ = std::move(content.sheets);
-  workbook.stored_ = std::make_unique<StoredWorkbook>(
-      StoredWorkbook{FollowLinks(path), content.header, std::move(content.columns)});
+  stored->path = FollowLinks(path);
+  stored->header = content.header;
+  stored->memory = RememberSheets(workbook.sheets_, content.columns);
+  stored->columns = std::move(content.columns);
+  workbook.stored_ = std::move(stored);
   return workbook;
 }
 
@@ -152,12 +170,55 @@ std::unique_ptr<Spreadsheet> Workbook::Remove(std::string_view name) {
   return removed;
 }
 
-void Workbook::Save(const std::filesystem::path& path) {
-  RequireConsistent(sheets_, path.string());
+bool Workbook::IsChangedByOthers(const std::filesystem::path& path) const {
+  if (stored_ == nullptr || stored_->path != FollowLinks(path)) return false;
+  const FileIdentity present = FileIdentity::Of(stored_->path);
+  return present.IsThere() && (present != stored_->state || stored_->header.writeAheadLog);
+}
+
+void Workbook::SaveMerged(const std::filesystem::path& path) {
+  std::optional<Workbook> merged;
+  try {
+    merged = Open(path);
+  } catch (const DatabaseError& error) {
+    if (!error.IsUnusableFile()) throw;
+  } catch (const Error&) {
+    // What cannot be read is no project that could be kept.
+  }
+  if (!merged) {
+    SaveAlone(path);
+    return;
+  }
+  const ProjectMemory memory = RememberSheets(sheets_, stored_->columns);
+  MergeSheets(merged->sheets_, merged->stored_->memory, sheets_, memory, stored_->memory, path.string());
+  merged->SaveAlone(path);
+  // The file holds what others saved as well, so that every further save merges again.
+  stored_->memory = memory;
+  stored_->state = {};
+}
+
+void Workbook::SaveAlone(const std::filesystem::path& path) {
   std::optional<StoredWorkbook> saved;
   if (stored_) saved = SaveInPlace(path, sheets_, *stored_);
   if (!saved) saved = SaveAnew(path, sheets_);
+  saved->memory = RememberSheets(sheets_, saved->columns);
   stored_ = std::make_unique<StoredWorkbook>(std::move(*saved));
+}
+
+void Workbook::Save(const std::filesystem::path& path) {
+  RequireConsistent(sheets_, path.string());
+  const FileTurn turn(path);
+  if (IsChangedByOthers(path)) {
+    SaveMerged(path);
+  } else {
+    SaveAlone(path);
+  }
+}
+
+void Workbook::Replace(const std::filesystem::path& path) {
+  RequireConsistent(sheets_, path.string());
+  const FileTurn turn(path);
+  SaveAlone(path);
 }
 
 }  // namespace brenvolt

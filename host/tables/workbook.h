@@ -61,15 +61,26 @@ class Workbook {
   // If `path` is the file that this project was read from or last saved to, and nobody else wrote to it
   // since, only columns whose content changed are written, into the file as it stands. Otherwise, and when no
   // column could be kept or more than half of the file would be left unused, a new file takes the place of
-  // the former one; what others wrote there is replaced with it. Equal content in new files gives equal
-  // bytes.
+  // the former one. Equal content in new files gives equal bytes.
+  //
+  // If others wrote to that file since, what they saved stays, and what was changed here is put into it
+  // (workbook_merge.h); the sheets here remain as they are. Programs that save at the same time take turns
+  // (file_turn.h); who reads, changes and saves with one FileTurn keeps others out in between.
   //
   // Throws Error, naming the file: it is a folder, device or pipe, may not be written, is in use by another
-  // program, the device is full; also when sheets share a name, or a variable, weight variable or case
-  // selection does not match its sheet.
+  // program, the device is full; others changed the same data; also when sheets share a name, or a variable,
+  // weight variable or case selection does not match its sheet.
   void Save(const std::filesystem::path& path);
+  // The same, but what others wrote is lost: for people who were asked.
+  void Replace(const std::filesystem::path& path);
+
+  // Whether `path` is the file that this project was read from or last saved to, and others wrote to it since.
+  bool IsChangedByOthers(const std::filesystem::path& path) const;
 
  private:
+  void SaveMerged(const std::filesystem::path& path);
+  void SaveAlone(const std::filesystem::path& path);
+
   std::vector<std::unique_ptr<Spreadsheet>> sheets_;
   std::unique_ptr<StoredWorkbook> stored_;  // what is in the file last read or saved; null without one
 };

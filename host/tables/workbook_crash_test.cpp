@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "host/base/files/file_turn.h"
 #include "host/tables/workbook.h"
 #include "host/tables/workbook_support_test.h"
 
@@ -180,7 +181,9 @@ TEST(WorkbookCrashTest, FileInUseIsNotTouched) {
   sqlite3* other = nullptr;
   ASSERT_EQ(sqlite3_open(path.c_str(), &other), SQLITE_OK);
   ASSERT_EQ(sqlite3_exec(other, "BEGIN IMMEDIATE", nullptr, nullptr, nullptr), SQLITE_OK);
+  SetTurnPatience({0.1, {}});
   const Error error = ErrorOf([&] { WithContent(2).Save(path); });
+  SetTurnPatience({});
   EXPECT_STREQ(error.what(), "the project cannot be written: it is in use by another program");
   EXPECT_EQ(error.Where(), path.string());
   EXPECT_EQ(ContentOf(path), 1) << "reading beside a writer";

@@ -300,9 +300,10 @@ std::vector<double> ContentReader::ReadColumn(std::int64_t id, const std::string
 
 }  // namespace
 
-Connection OpenWorkbookFile(const std::filesystem::path& path) {
-  RequireRegularFile(path);
-  Connection connection(path, path.string(), Connection::Purpose::kRead);
+namespace {
+
+Connection OpenFor(Connection::Purpose purpose, const std::filesystem::path& path) {
+  Connection connection(path, path.string(), purpose);
   // Before SQLite looks at the content, which it could not understand from a newer version.
   RequireReadableFormat(ReadWorkbookHeader(connection), connection.Name());
   connection.Execute("PRAGMA cell_size_check = ON; BEGIN");
@@ -311,6 +312,21 @@ Connection OpenWorkbookFile(const std::filesystem::path& path) {
   if (!header.writeAheadLog && header.size > connection.FileSize()) Damaged(connection, "its end is missing");
   if (header.textEncoding != kUtf8) Damaged(connection, "its texts are not UTF-8");
   return connection;
+}
+
+}  // namespace
+
+// A journal may belong to the file that stands under the name now, while the file that was opened has been replaced:
+// taking it for one's own would destroy it. So it is undone only in turn, when nobody replaces the file.
+Connection OpenWorkbookFile(const std::filesystem::path& path) {
+  RequireRegularFile(path);
+  try {
+    return OpenFor(Connection::Purpose::kRead, path);
+  } catch (const DatabaseError& error) {
+    if (!error.NeedsRepair()) throw;
+  }
+  const FileTurn turn(path);
+  return OpenFor(Connection::Purpose::kRepair, path);
 }
 
 WorkbookContent ReadWorkbook(Connection& connection) {

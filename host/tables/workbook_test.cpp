@@ -109,7 +109,14 @@ TEST(WorkbookTest, FileShrinksAfterMostOfItsContentWasRemoved) {
 TEST(WorkbookTest, SaveNeverMixesWithWhatOthersPutIntoItsFile) {
   const TemporaryFolder folder;
   const auto path = folder / "p.bvw";
-  const std::pair<const char*, std::function<void()>> intruders[] = {
+  // What the file holds after the save: what is here; both; what another put there, since the save is refused.
+  enum Outcome { kMine, kBoth, kTheirs };
+  struct Intruder {
+    const char* what;
+    std::function<void()> intrude;
+    Outcome outcome = kMine;
+  };
+  const Intruder intruders[] = {
       {"an editor changed a value",
        [&] { RunSql(path, "UPDATE column_chunk SET doubles = zeroblob(800000)"); }},
       {"an editor swapped columns",
@@ -121,22 +128,37 @@ TEST(WorkbookTest, SaveNeverMixesWithWhatOthersPutIntoItsFile) {
          other.Save(folder / "other.bvw");
          std::filesystem::copy_file(folder / "other.bvw", path,
                                     std::filesystem::copy_options::overwrite_existing);
-       }},
-      {"the same program saved another project", [&] { PlainWorkbook(7, 1).Save(path); }},
+       },
+       kBoth},
+      {"the same program saved another project", [&] { PlainWorkbook(7, 1).Save(path); }, kTheirs},
       {"the file went away", [&] { std::filesystem::remove(path); }},
       {"the file lost its end", [&] { std::filesystem::resize_file(path, 100'000); }},
       {"the file became a text", [&] { WriteBytes(path, "no project"); }},
       {"the file became empty", [&] { WriteBytes(path, ""); }},
       {"an editor turned to a write-ahead log", [&] { RunSql(path, "PRAGMA journal_mode = WAL"); }},
   };
-  for (const auto& [what, intrude] : intruders) {
+  for (const auto& [what, intrude, outcome] : intruders) {
     SCOPED_TRACE(what);
     Workbook workbook = PlainWorkbook(100'000, 2);
     workbook.Save(path);
     intrude();
     workbook.SheetAt(0).SetTitle(what);
-    workbook.Save(path);
-    ExpectSameContent(workbook, Workbook::Open(path));
+    if (outcome == kTheirs) {
+      workbook.SheetAt(0).VariableAt(0).MutableValues()[0] = 5;
+      const std::string reason = ErrorOf([&] { workbook.Save(path); }).what();
+      EXPECT_NE(reason.find("another program changed the sheet \"Data\""), std::string::npos) << reason;
+      EXPECT_EQ(Workbook::Open(path).SheetAt(0).CaseCount(), 7U);
+      workbook.Replace(path);
+    } else {
+      workbook.Save(path);
+    }
+    const Workbook saved = Workbook::Open(path);
+    if (outcome == kBoth) {
+      EXPECT_EQ(saved.SheetAt(0).Title(), what);
+      EXPECT_EQ(saved.SheetAt(0).VariableAt(1).Values()[0], 1e9);
+    } else {
+      ExpectSameContent(workbook, saved);
+    }
   }
 }
 

@@ -226,7 +226,8 @@ void Document::Save(const std::filesystem::path& file) {
   if (!HasProjectEnding(target)) throw Error("a project ends in .bvw", target.string());
   if (journal_ != nullptr) journal_->BeginSave(target);
   try {
-    data_.workbook.Save(target);
+    // Whoever saves a file that was changed outside was asked.
+    IsChangedOutside() ? data_.workbook.Replace(target) : data_.workbook.Save(target);
   } catch (...) {
     if (journal_ != nullptr) journal_->TakeBack();
     throw;

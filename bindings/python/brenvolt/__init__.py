@@ -14,7 +14,7 @@ dialogs, as macros do; see Application and Analysis.
 from . import _arguments  # before anything takes functions of the extension
 from ._automation import (Analysis, Application, Array, AutomationObject, GraphDocument, IndexedProperty, Nothing,
                           TableDocument)
-from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, read_csv, version_text
+from ._brenvolt import Message, NotSet, Spreadsheet, Variable, Workbook, __version__, read_csv, save_wait, version_text
 from ._capability import CapabilityResult, capability
 from ._censored import CensoredFitResult, CensoredVariable
 from ._design import Design, design
@@ -28,8 +28,8 @@ _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityR
             "CensoredFitResult", "CensoredVariable", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
             "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
-            "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record", "score",
-            "simulate", "version_text")
+            "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record",
+            "save_wait", "score", "simulate", "version_text")
 
 
 def __getattr__(name):

@@ -4,6 +4,8 @@
 #include <cstring>
 
 #include "host/base/error.h"
+#include "host/base/files/file_turn.h"
+#include "host/base/number_text.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/tables/matrix_sheet.h"
 
@@ -94,6 +96,16 @@ void CheckProjectEnding(std::string_view field, const std::filesystem::path& pat
   faults.push_back({std::string(field), "expected a file ending in .bvw, got " + path.string()});
 }
 
+void SetProjectWait(double seconds) {
+  constexpr double kMost = 366 * 24 * 3600.0;
+  if (!(seconds >= 0 && seconds <= kMost))
+    throw WrongJob("wait", "expected a number of seconds from 0 to " + ShortestNumber(kMost) + ", got " +
+                               ShortestNumber(seconds));
+  TurnPatience patience = CurrentTurnPatience();
+  patience.seconds = seconds;
+  SetTurnPatience(std::move(patience));
+}
+
 DataFile OpenProject(const std::filesystem::path& path) {
   DataFile file;
   file.path = path;
@@ -139,6 +151,7 @@ void PutCorrelationMatrix(Workbook& workbook, const std::string& dataSheet,
 
 void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& sheet,
                       std::unique_ptr<Spreadsheet> matrix) {
+  const FileTurn turn(path);
   Workbook workbook = ExistingOrNew(path);
   Spreadsheet* former = workbook.Find(sheet.Name());
   if (former == nullptr) {
@@ -150,6 +163,25 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
   }
   if (matrix != nullptr) PutCorrelationMatrix(workbook, sheet.Name(), std::move(matrix));
   workbook.Save(path);
+}
+
+SheetProperties PropertiesOf(const Spreadsheet& sheet) {
+  SheetProperties properties;
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i)
+    properties.push_back(sheet.VariableAt(i).Properties());
+  return properties;
+}
+
+void RefreshProperties(const std::filesystem::path& path, const SheetProperties& former, Spreadsheet& sheet) {
+  const Workbook workbook = ExistingOrNew(path);
+  const Spreadsheet* saved = workbook.Find(sheet.Name());
+  if (saved == nullptr || !SameData(*saved, sheet) || former.size() != sheet.VariableCount()) return;
+  for (std::size_t i = 0; i < former.size(); ++i) {
+    Variable& variable = sheet.VariableAt(i);
+    if (variable.Properties() != former[i]) continue;
+    for (const auto& [key, value] : former[i]) variable.RemoveProperty(key);
+    for (const auto& [key, value] : saved->VariableAt(i).Properties()) variable.SetProperty(key, value);
+  }
 }
 
 bool IsSavedAs(const DataFile& data, const std::filesystem::path& path) {
@@ -220,6 +252,7 @@ void OfferMatrices(CAnalysisDoc& document, const Workbook& workbook) {
 
 std::vector<std::string> AppendToProject(const std::filesystem::path& path,
                                          std::vector<std::unique_ptr<Spreadsheet>> sheets) {
+  const FileTurn turn(path);
   Workbook workbook = ExistingOrNew(path);
   std::vector<std::string> names;
   for (auto& sheet : sheets) names.push_back(workbook.Add(std::move(sheet)).Name());

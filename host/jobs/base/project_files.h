@@ -23,6 +23,10 @@ bool HasProjectEnding(const std::filesystem::path& path);
 // Adds a fault of the field where the name does not end so.
 void CheckProjectEnding(std::string_view field, const std::filesystem::path& path, JobFaults& faults);
 
+// How many seconds this process waits for a project that others save or use; 60 unless it is set. Throws WrongJob about
+// the field wait for anything but a number from 0 to a year.
+void SetProjectWait(double seconds);
+
 // Opens an existing project; throws Error when the file is not one.
 DataFile OpenProject(const std::filesystem::path& path);
 
@@ -37,6 +41,13 @@ void MergeIntoProject(const std::filesystem::path& path, const Spreadsheet& shee
 // already, where its variables lack them. Nothing happens without such a file, or where its sheet of that
 // name holds other data. Throws Error when the file is not a project.
 void TakeFormerProperties(const std::filesystem::path& path, Spreadsheet& sheet);
+
+// The properties of each variable of a sheet.
+using SheetProperties = std::vector<std::vector<std::pair<std::string, std::string>>>;
+SheetProperties PropertiesOf(const Spreadsheet& sheet);
+// Gives the variables whose properties are still the former ones those that the project at `path` holds for them by
+// now. Nothing happens where it holds no such sheet, or one with other data. Throws as TakeFormerProperties does.
+void RefreshProperties(const std::filesystem::path& path, const SheetProperties& former, Spreadsheet& sheet);
 
 // What the correlation matrix of a data sheet is called in the workbook, or would be: "Correlation matrix"
 // where that sheet is the first data sheet, "Correlation matrix of SHEET" otherwise, with a number after it
