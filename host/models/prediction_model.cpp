@@ -430,7 +430,7 @@ PredictionModel& PredictionModel::operator=(PredictionModel&&) noexcept = defaul
 PredictionModel PredictionModel::Load(const std::filesystem::path& path) {
   if (auto function = FindProvidedModel(path.string())) return FromFunction(std::move(function));
   const MappedFile file(path);
-  return Parse(file.Text(), path.string());
+  return file.Use([&](std::string_view text) { return Parse(text, path.string()); });
 }
 
 PredictionModel PredictionModel::Parse(std::string_view text, const std::string& name) {

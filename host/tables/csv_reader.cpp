@@ -463,7 +463,9 @@ Spreadsheet ReadCsvText(std::string_view text, const std::string& name, const Cs
 
 Spreadsheet ReadCsv(const std::filesystem::path& path, const CsvFormat& format) {
   const MappedFile file(path);
-  return ReadCsvBlocks(file.Text(), path.stem().string(), path.string(), format);
+  return file.Use([&](std::string_view text) {
+    return ReadCsvBlocks(text, path.stem().string(), path.string(), format);
+  });
 }
 
 }  // namespace brenvolt

@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <cstddef>
 #include <fstream>
 #include <set>
 #include <thread>
@@ -36,7 +38,7 @@ using OutputFiles = Files;
 using MappedFiles = Files;
 
 std::string Content(const path& file) {
-  return std::string(MappedFile(file).Text());
+  return MappedFile(file).Use([](std::string_view text) { return std::string(text); });
 }
 
 void WriteWhole(const path& target, std::string_view bytes) {
@@ -160,6 +162,29 @@ TEST_F(MappedFiles, ReadWhatClaimsToBeEmpty) {
   EXPECT_EQ(Content(Put("empty", "")), "");
   EXPECT_EQ(Content("/dev/null"), "");
   EXPECT_NE(Content("/proc/self/status").find("Pid:"), std::string::npos);
+}
+
+// Touching what is gone raised a signal that ended the program.
+TEST_F(MappedFiles, AFileShortenedWhileItIsReadIsAnError) {
+  const std::string bytes(std::size_t{1} << 20, 'x');
+  for (const std::size_t left : {std::size_t{0}, std::size_t{5000}, bytes.size() - 1}) {
+    const path file = Put("file", bytes);
+    const MappedFile mapped(file);
+    std::ptrdiff_t kept = 0;
+    try {
+      mapped.Use([&](std::string_view text) {
+        std::filesystem::resize_file(file, left);
+        std::thread([&] { kept = std::ranges::count(text, 'x'); }).join();
+        return 0;
+      });
+      ADD_FAILURE() << left;
+    } catch (const Error& error) {
+      EXPECT_STREQ(error.what(), "another program shortened the file while it was read; try again");
+      EXPECT_EQ(error.Where(), file.string());
+    }
+    EXPECT_EQ(kept, static_cast<std::ptrdiff_t>(left));
+  }
+  EXPECT_EQ(Content(Put("file", "whole")), "whole") << "no guard is left behind";
 }
 
 TEST_F(MappedFiles, FailuresNameTheFile) {

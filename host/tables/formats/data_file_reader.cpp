@@ -78,10 +78,14 @@ DataRead ReadDataBytes(std::string_view bytes, const std::string& name, const st
 DataRead ReadDataFile(const std::filesystem::path& path, const TextOptions& options) {
   if (path == kStandardInput) {
     const MappedFile file(kStandardInputFile);
-    return ReadDataBytes(file.Text(), "standard input", "standard input", options);
+    return file.Use([&](std::string_view text) {
+      return ReadDataBytes(text, "standard input", "standard input", options);
+    });
   }
   const MappedFile file(path);
-  return ReadDataBytes(file.Text(), WithoutPacking(path), path.string(), options);
+  return file.Use([&](std::string_view text) {
+    return ReadDataBytes(text, WithoutPacking(path), path.string(), options);
+  });
 }
 
 }  // namespace brenvolt

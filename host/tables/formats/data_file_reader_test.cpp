@@ -204,7 +204,7 @@ TEST(DataFiles, WhatIsNotReadIsNamed) {
 
 std::string Contents(const char* file) {
   const MappedFile mapped(kPackages + file);
-  return std::string(mapped.Text());
+  return mapped.Use([](std::string_view text) { return std::string(text); });
 }
 
 TEST(DataFiles, CutFilesAreRefused) {
