@@ -85,7 +85,7 @@ TEST_F(LifeData, RefusesWhatIsNotCensored) {
   const Case cases[] = {
       {{"--censor", "none"}, "sheet c has no variable called 'none' (--censor)"},
       {{"--censor", "status"},
-       "case 3: '5' in 'status' says nothing about censoring; expected 0 or right, 1 or exact, 2 or "
+       "case 3: '5' in 'status' is not a code of censoring; expected 0 or right, 1 or exact, 2 or "
        "left, 3 or interval, or in a column called after censoring 0 or 1 (--censor)"},
       {{"--censor-upper", "u"}, "case 2: the upper bound 1 is below the lower one, 2 (--censor-upper)"},
       {{"--censor", "status", "--bootstrap", "9"}, "this does not apply to censored values (--bootstrap)"},

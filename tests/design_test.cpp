@@ -121,7 +121,8 @@ TEST_F(Command, WrongDesignsAreRefusedBeforeAnythingIsWritten) {
       {{"--correlation", "a,b=0.5"}, "no variable is called 'a'"},
       {{"--from", "none.txt"}, "none.txt cannot be read"},
       {{"--from", "."}, ". is not a regular file; it is read more than once"},
-      {{"--variable", "h ~ normal(1, 1)", "--sheet", "x"}, "a new project has no sheet to choose"},
+      {{"--variable", "h ~ normal(1, 1)", "--sheet", "x"},
+       "a sheet can be chosen only in a project that exists"},
   };
   for (const auto& row : rows) {
     std::vector<std::string> call{"design", "plan.bvw"};

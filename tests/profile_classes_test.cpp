@@ -124,7 +124,7 @@ TEST_F(ProfileCommand, ClassesByHandAreThoseOfTheModel) {
   WriteData();
   const Outcome numbers =
       Run({"profile", "ab.csv", "--formula", "Y=A+B", "--variable", "A ~ histogram(a:1)"});
-  EXPECT_NE(numbers.err.find("the predictor holds numbers, no classes such as a"), std::string::npos)
+  EXPECT_NE(numbers.err.find("the predictor holds numbers, not classes such as a"), std::string::npos)
       << numbers.err;
   const Outcome simulated = Run({"simulate", "--variable", "A ~ histogram(a:0.5, b:0.5)"});
   EXPECT_EQ(simulated.status, 2);

@@ -158,8 +158,8 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A+B", "--truncate", "A=500:600"},
        2,
        "'A': The bounds leave nothing of the Normal distribution. (--truncate)"},
-      {{"--formula", "Y=A", "--truncate", "A=:"}, 2, "'A' has no range that could be lifted (--truncate)"},
-      {{"--formula", "Y=A+B", "--correlated", "--fix", "A=1"}, 2, "a single random predictor has nothing"},
+      {{"--formula", "Y=A", "--truncate", "A=:"}, 2, "'A' has no bounds that could be removed (--truncate)"},
+      {{"--formula", "Y=A+B", "--correlated", "--fix", "A=1"}, 2, "only one predictor is drawn at random"},
       {{"--formula", "Y=2*Z", "--formula", "Z=Y-1"}, 1, "it is predicted from itself"},
       {{"--formula", "Y=A", "--samples", "0"}, 2, "from 1 to 2147483647, got 0"},
       {{"--formula", "Y=A", "--samples", "100001", "-o", "r.bvw"},
@@ -237,9 +237,9 @@ TEST_F(ProfileCommand, WhatNeedsDataIsRefusedWithoutThem) {
   const Arguments call{"profile",          "--variable", "a ~ normal(0, 1)", "--variable",
                        "b ~ normal(0, 1)", "--formula",  "y = a + b"};
   for (const auto& [option, message] :
-       {std::pair("--correlated", "there are no data whose correlations could be followed (--correlated)"),
+       {std::pair("--correlated", "there are no data to take the correlations from (--correlated)"),
         std::pair("--decimal-comma",
-                  "there is no CSV file whose numbers could have decimal commas (--decimal-comma)")}) {
+                  "this applies to text files, and no data file is given (--decimal-comma)")}) {
     Arguments whole = call;
     whole.push_back(option);
     const Outcome outcome = Run(whole);

@@ -27,7 +27,7 @@ struct ImportOptions : Options<ImportJob> {
 
 void Preview(const ImportOptions& options) {
   if (!options.job.output.empty() || !options.job.kind.empty() || !options.record.empty())
-    throw WrongCall("a preview imports nothing: it goes without -o, --kind and --record");
+    throw WrongCall("a preview imports nothing, so -o, --kind and --record cannot be given with it");
   PreviewJob job{options.job.data};
   job.data.sheet = options.job.sheet;
   const FilePreview preview = job.Run();
@@ -45,7 +45,7 @@ void Preview(const ImportOptions& options) {
 void Import(const ImportOptions& options) {
   if (options.preview) return Preview(options);
   if (options.job.output.empty()) throw CLI::RequiredError("--output");
-  if (options.format == ReportFormat::kJson) throw WrongCall("only a preview has formats (--format)");
+  if (options.format == ReportFormat::kJson) throw WrongCall("this applies only to a preview (--format)");
   RequireNone(options.job.Check());
   Recording recording(options.record);
   const Spreadsheet sheet = options.job.Run(recording.Job());

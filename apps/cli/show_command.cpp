@@ -138,7 +138,7 @@ void Show(const ShowOptions& options) {
   JobFaults faults;
   CheckPlot(options.plot, kDataPlotKinds, faults);
   if (!options.plotMatrix.empty() && !options.plot.IsAsked())
-    faults.push_back({"plotMatrix", "there is no picture without a file for it"});
+    faults.push_back({"plotMatrix", "this affects only a picture; give the file of the picture as well"});
   CheckReport(options.report, faults);
   CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}, {"report", options.report}},
                     faults);

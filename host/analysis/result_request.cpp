@@ -124,7 +124,7 @@ void ResultRequest::Take(DispatchId member, const Variant& value) {
       file = value.ToText();
       return;
     default:
-      throw Error("is no part of a request");
+      throw Error("is not part of a request");
   }
 }
 

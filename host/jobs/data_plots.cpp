@@ -81,7 +81,7 @@ struct NumericColumns {
 
 void RequirePair(const NumericColumns& columns) {
   if (columns.names.size() < 2)
-    throw WrongJob("plotKind", "a single variable has nothing to be correlated with");
+    throw WrongJob("plotKind", "there is only one variable, so there are no correlations to show");
 }
 
 PlotPage WholePage(Graph graph) {

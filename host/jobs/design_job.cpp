@@ -219,7 +219,7 @@ JobFaults DesignJob::Check() const {
   if (inputs.IsEmpty()) faults.push_back({"project", "there is no file " + project.string()});
   if (!inputs.IsEmpty() && design.variables.empty() && faults.empty())
     faults.push_back({"designed", "a new project needs at least one variable"});
-  if (!sheet.empty()) faults.push_back({"sheet", "a new project has no sheet to choose"});
+  if (!sheet.empty()) faults.push_back({"sheet", "a sheet can be chosen only in a project that exists"});
   return faults;
 }
 

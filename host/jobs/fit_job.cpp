@@ -104,9 +104,8 @@ void SayWhatLooksCensored(const Spreadsheet& sheet, const FitJob::Variables& fit
   const std::vector<std::string> named = fitted.All();
   if (!column || named == std::vector<std::string>{*column}) return;
   interface.ShowMessage(
-      {Quoted(*column) +
-           " may say which values are censored, that is known by a bound alone; a fit takes that "
-           "into account if the column is given as the one of censoring",
+      {Quoted(*column) + " may say which values are censored, that is, known only by a bound; to fit them as "
+                         "such, give it as the column of censoring",
        {},
        {}});
 }
@@ -218,7 +217,7 @@ void RequireBounds(AutomationObject& dialog, std::int32_t place, const FitJob::T
   const auto has = [&](const char* member) { return dialog.Get(member, {&index, 1}).ToBoolean(); };
   if (truncation.low || truncation.high || has("IsUserDefinedTruncMin") || has("IsUserDefinedTruncMax"))
     return;
-  throw WrongJob("truncate", Quoted(truncation.variable) + " has no bounds to take away");
+  throw WrongJob("truncate", Quoted(truncation.variable) + " has no bounds that could be removed");
 }
 
 // What is put where a project is asked to have none.

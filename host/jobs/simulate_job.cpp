@@ -171,8 +171,11 @@ void SimulateJob::CheckMethod(JobFaults& faults) const {
 void SimulateJob::CheckInputs(JobFaults& faults) const {
   if (inputs.IsEmpty()) return;
   if (!data.file.empty())
-    faults.push_back({"project", "what is given by hand stands in place of a project; design changes one"});
-  if (!data.sheet.empty()) faults.push_back({"sheet", "without a project there is no sheet to choose"});
+    faults.push_back(
+        {"project",
+         "give either a project or variables by hand; to change the distributions of a project use design"});
+  if (!data.sheet.empty())
+    faults.push_back({"sheet", "a sheet can be chosen only in a project, and none is given"});
   const std::vector<std::string> none;
   const std::size_t before = faults.size();
   const DesignText design = inputs.ReadNumeric(&none, faults);

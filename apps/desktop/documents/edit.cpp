@@ -63,7 +63,7 @@ class Applier {
     Spreadsheet& sheet = SheetCalled(workbook_, edit.sheet);
     if (edit.weight) RequireVariable(sheet, *edit.weight);
     if (!edit.selection.accepted.empty() && edit.selection.accepted.size() != sheet.CaseCount())
-      throw Error("the selection is of another number of cases", sheet.Name());
+      throw Error("the selection is for a different number of cases than the sheet has", sheet.Name());
     SetConditions former{edit.sheet, sheet.WeightVariable(), sheet.Selection()};
     sheet.SetWeightVariable(edit.weight);
     sheet.SetSelection(std::move(edit.selection));

@@ -107,8 +107,8 @@ class MatrixDialog : public QDialog {
     const int bad = table_.BadCells();
     QString verdict;
     if (bad > 0) {
-      verdict = bad == 1 ? tr("A cell, marked in colour, is no number from -1 to 1.")
-                         : tr("%1 cells, marked in colour, are no numbers from -1 to 1.").arg(bad);
+      verdict = bad == 1 ? tr("A cell, marked in colour, is not a number from -1 to 1.")
+                         : tr("%1 cells, marked in colour, are not numbers from -1 to 1.").arg(bad);
     } else if (const auto smallest = table_.SmallestEigenvalue()) {
       verdict = tr("Smallest eigenvalue: %1. ").arg(*smallest, 0, 'g', 4);
       verdict +=

@@ -223,7 +223,7 @@ class Files(unittest.TestCase):
         with self.assertRaisesRegex(ValueError, r"expected a file ending in .bvw, got p.csv \(path\)"):
             workbook.save("p.csv")
         workbook.save(self.file("p.bvw"))
-        with self.assertRaisesRegex(ValueError, r"a project is no text file.* \(decimal_comma\)"):
+        with self.assertRaisesRegex(ValueError, r"the data are a project.* \(decimal_comma\)"):
             brenvolt.open_workbook(self.file("p.bvw"), decimal_comma=True)
         sheet["strength"] = [1.0, 2.0, 3.0]
         workbook.save()

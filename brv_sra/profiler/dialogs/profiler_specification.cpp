@@ -74,7 +74,7 @@ Variant::Array WithCodes(ProfilerPredictor& predictor, Variant::Array array) {
     if (!array[i].IsText()) continue;
     const std::string name = array[i].ToText();
     if (!isClass && !ParseNumber(name))
-      throw Error("the predictor holds numbers, no classes such as " + name, "predictor " + predictor.name);
+      throw Error("the predictor holds numbers, not classes such as " + name, "predictor " + predictor.name);
     if (isClass) array[i] = ClassCode(predictor, name);
   }
   return array;

@@ -105,7 +105,7 @@ void PutMatrixName(Dialog& dialog, Indexes, const Variant& value) {
   dialog.ChooseMatrix(value.ToText());
 }
 
-// Those from CorrelationMatrix on are no members that macros knew from the start; they follow the others.
+// Those from CorrelationMatrix on are not members that macros knew from the start; they follow the others.
 constexpr std::array<Member, 18> kMembers{{
     {"Variables", GetVariables, PutVariables},
     Method<kMonteCarlo>("MonteCarloMethod"),

@@ -51,7 +51,7 @@ WrongJob WrongTexts(const std::vector<StrayTexts>& columns) {
   for (const StrayTexts& column : columns) names.push_back(column.column);
   const std::string several =
       columns.size() > 1 ? "; so are values of " + Listed({names.begin() + 1, names.end()}, ", ") : "";
-  const std::string verb = first.texts == 1 ? " is no number: " : " are no numbers: ";
+  const std::string verb = first.texts == 1 ? " is not a number: " : " are not numbers: ";
   return WrongJob(
       {{"missingText", std::to_string(first.texts) + " of the " + std::to_string(first.values) +
                            " values of " + first.column + verb + Listed(cells, ", ") + several + "; " +
@@ -93,9 +93,9 @@ void CheckReading(const JobData& data, JobFaults& faults) {
     return data.decimalComma && given && std::ranges::find(same, *given) == same.end();
   };
   if (differs(data.text.decimal, {","}))
-    faults.push_back({"decimal", "numbers with decimal commas have another decimal sign"});
+    faults.push_back({"decimal", "decimal commas are asked for as well; give one of the two"});
   if (data.decimalComma && data.text.delimiter && *data.text.delimiter == ",")
-    faults.push_back({"delimiter", "a comma cannot be between the fields and in numbers"});
+    faults.push_back({"delimiter", "a comma cannot be both the delimiter and the decimal sign"});
 }
 
 JobRecorder::Arguments ReadingArguments(const JobData& data) {
@@ -132,7 +132,7 @@ DataFile OpenJobData(const JobData& data) {
   RequireNone(std::move(faults));
   DataFile file = Opened(data);
   if (const std::string given = FirstGiven(data); file.isProject && !given.empty())
-    throw WrongJob(given, "a project is no text file: this does not apply to it");
+    throw WrongJob(given, "this applies to text files, and the data are a project");
   if (data.tell) data.tell(file);
   return file;
 }

@@ -105,7 +105,8 @@ void CheckPlot(const Plot& plot, std::span<const std::string_view> kinds, JobFau
   const auto checkWord = [&](const char* field, const std::optional<std::string>& word,
                              std::span<const std::string_view> words) {
     if (!word) return;
-    if (!plot.IsAsked()) faults.push_back({field, "there is no picture without a file for it"});
+    if (!plot.IsAsked())
+      faults.push_back({field, "this affects only a picture; give the file of the picture as well"});
     Choices choices;
     for (const std::string_view one : words) choices.emplace(one, one);
     CheckWord(field, *word, choices, faults);
@@ -113,18 +114,19 @@ void CheckPlot(const Plot& plot, std::span<const std::string_view> kinds, JobFau
   checkWord("plotKind", plot.kind, kinds);
   checkWord("plotTheme", plot.theme, kThemes);
   if (plot.width) {
-    if (!plot.IsAsked()) faults.push_back({"plotWidth", "there is no picture without a file for it"});
+    if (!plot.IsAsked())
+      faults.push_back({"plotWidth", "this affects only a picture; give the file of the picture as well"});
     CheckWholeNumber("plotWidth", *plot.width, kLeastPictureWidth, kGreatestPictureWidth, faults);
   }
   if (plot.band && !plot.IsAsked())
-    faults.push_back({"plotBand", "there is no picture without a file for it"});
+    faults.push_back({"plotBand", "this affects only a picture; give the file of the picture as well"});
   if (!plot.IsAsked()) return;
   if (!FormatOf(plot.file)) {
     faults.push_back({"plot", "expected a file ending in .png, .svg or .pdf, got " + plot.file.string()});
     return;
   }
   if (const std::string unknown = UnknownPlace(plot.file); !unknown.empty())
-    faults.push_back({"plot", unknown + " stands for nothing in the name of a picture; expected " +
+    faults.push_back({"plot", unknown + " has no meaning in the name of a picture; expected " +
                                   std::string(kNamePlace) + ", the variable or response"});
   if (!HasNamePlace(plot.file.parent_path())) CheckFolder("plot", plot.file, faults);
   if (const std::string why = WhyNoPictures(); !why.empty()) faults.push_back({"plot", why});

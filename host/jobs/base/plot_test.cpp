@@ -33,15 +33,17 @@ TEST(Plot, WhatCannotBeDrawnIsRefusedBeforeAnyWork) {
   const struct {
     Plot plot;
     std::string fault;
-  } kRows[] = {{{"x.gif", {}, {}, {}}, "plot: expected a file ending in .png, .svg or .pdf, got x.gif"},
-               {{"x", {}, {}, {}}, "plot: expected a file ending in .png, .svg or .pdf, got x"},
-               {{"", "histogram", {}, {}}, "plotKind: there is no picture without a file for it"},
-               {{"", {}, "dark", {}}, "plotTheme: there is no picture without a file for it"},
-               {{"", {}, {}, 640}, "plotWidth: there is no picture without a file for it"},
-               {{"x.png", "pie", {}, {}}, "plotKind: expected one of histogram, overview; got 'pie'"},
-               {{"x.png", {}, "blue", {}}, "plotTheme: expected one of dark, light; got 'blue'"},
-               {{"x.png", {}, {}, 12}, "plotWidth: expected a whole number from 320 to 8000, got 12"},
-               {{"no/such/x.png", {}, {}, {}}, "plot: the folder of no/such/x.png does not exist"}};
+  } kRows[] = {
+      {{"x.gif", {}, {}, {}}, "plot: expected a file ending in .png, .svg or .pdf, got x.gif"},
+      {{"x", {}, {}, {}}, "plot: expected a file ending in .png, .svg or .pdf, got x"},
+      {{"", "histogram", {}, {}},
+       "plotKind: this affects only a picture; give the file of the picture as well"},
+      {{"", {}, "dark", {}}, "plotTheme: this affects only a picture; give the file of the picture as well"},
+      {{"", {}, {}, 640}, "plotWidth: this affects only a picture; give the file of the picture as well"},
+      {{"x.png", "pie", {}, {}}, "plotKind: expected one of histogram, overview; got 'pie'"},
+      {{"x.png", {}, "blue", {}}, "plotTheme: expected one of dark, light; got 'blue'"},
+      {{"x.png", {}, {}, 12}, "plotWidth: expected a whole number from 320 to 8000, got 12"},
+      {{"no/such/x.png", {}, {}, {}}, "plot: the folder of no/such/x.png does not exist"}};
   for (const auto& row : kRows) {
     const std::vector<std::string> faults = FaultsOf(row.plot);
     EXPECT_NE(std::ranges::find(faults, row.fault), faults.end()) << row.fault;
@@ -53,10 +55,10 @@ TEST(Plot, NothingIsAskedForByDefault) {
 }
 
 TEST(Plot, AWordInBracesThatStandsForNothingIsRefused) {
-  EXPECT_EQ(FaultsOf({"{nmae}.svg", {}, {}, {}}),
-            std::vector<std::string>{
-                "plot: {nmae} stands for nothing in the name of a picture; expected {name}, the "
-                "variable or response"});
+  EXPECT_EQ(
+      FaultsOf({"{nmae}.svg", {}, {}, {}}),
+      std::vector<std::string>{"plot: {nmae} has no meaning in the name of a picture; expected {name}, the "
+                               "variable or response"});
   for (const char* name : {"{name}.svg", "a{}b.svg", "{1}.svg", "{.svg", "of {name} {name}.png"})
     EXPECT_EQ(FaultsOf({name, {}, {}, {}}), std::vector<std::string>{}) << name;
 }

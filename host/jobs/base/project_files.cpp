@@ -277,7 +277,7 @@ void RefuseProjectTarget(const std::filesystem::path& path) {
   std::error_code ignored;
   const bool regular = std::filesystem::is_regular_file(path, ignored);
   if (HasProjectEnding(path) || (regular && Workbook::IsWorkbookFile(path))) {
-    throw Error("a project is not replaced by a file of another kind", path.string());
+    throw Error("this would replace a project by a file of another kind; choose another name", path.string());
   }
 }
 

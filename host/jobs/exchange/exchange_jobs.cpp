@@ -59,7 +59,7 @@ JobFaults ExportJob::Check() const {
   CheckTableTarget("output", output, faults);
   CheckTargetsApart({{"source", SplitSheetAddress(source).first}}, {{"output", output}}, faults);
   if (decimalComma && HasDataEnding(output) && !HasEnding(output, ".csv"))
-    faults.push_back({"decimalComma", "only CSV files have decimal signs"});
+    faults.push_back({"decimalComma", "the decimal sign can be chosen for CSV files only"});
   return faults;
 }
 

@@ -132,7 +132,7 @@ class Reader {
     if (!known)
       throw WrongJob("censor",
                      Case(i) + ": " + Quoted(text) + " in " + Quoted(codes_->Name()) +
-                         " says nothing about censoring; expected 0 or right, 1 or exact, 2 or left, 3 or "
+                         " is not a code of censoring; expected 0 or right, 1 or exact, 2 or left, 3 or "
                          "interval, or in a column called after censoring 0 or 1");
     met_.try_emplace(text, *known);
     if (*known == Known::kInterval && upper_ == nullptr)

@@ -182,7 +182,7 @@ class Reader {
     const bool isFirst = noted_.values.empty();
     if (!isFirst && number.has_value() != noted_.levels.empty())
       Fail(itemPlace_,
-           "the levels are all numbers or all texts; a text that is spelled like a number needs quotes");
+           "levels must be all numbers or all texts; a text that is spelled like a number needs quotes");
     if (number || item.empty()) {
       noted_.values.push_back(Value(item, "code", ParameterRange::kFinite, facts));
     } else {
@@ -285,7 +285,7 @@ class Reader {
     Expect(',', "between the bounds, as in 'in [0, 100]'; either may be left out");
     noted_.maximum = Bound(",]");
     Expect(']', "after the bounds");
-    if (!noted_.levels.empty()) Fail(begin, "levels that are texts have no bounds");
+    if (!noted_.levels.empty()) Fail(begin, "bounds do not apply to levels that are texts");
     if (!noted_.minimum && !noted_.maximum) Fail(begin, "expected at least one bound, as in 'in [0, ]'");
     if (noted_.minimum && noted_.maximum && *noted_.minimum >= *noted_.maximum)
       Fail(begin, "the lower bound must be below the upper one");

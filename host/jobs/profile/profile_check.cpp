@@ -100,7 +100,7 @@ JobFaults ProfileJob::Check() const {
   for (const std::string& pair : noiseCorrelations)
     AddCorrelation("noiseCorrelations", pair, nullptr, noisy, faults);
   if (data.decimalComma && data.file.empty() && !inputs.IsEmpty())
-    faults.push_back({"decimalComma", "there is no CSV file whose numbers could have decimal commas"});
+    faults.push_back({"decimalComma", "this applies to text files, and no data file is given"});
   if (correlated && (!inputs.matrix.empty() || givenMatrix != nullptr))
     faults.push_back({"matrix", "the predictors follow either a matrix or their columns"});
   CheckDataTarget("output", output, faults);

@@ -186,7 +186,7 @@ ProfileRun ProfileJob::Run(ProgramInterface& interface, JobRecorder& recorder) c
     throw WrongJob("data",
                    "nothing to draw predictors from: give data, or variables with their distributions");
   } else if (!data.sheet.empty()) {
-    throw WrongJob("sheet", "without a project there is no sheet to choose");
+    throw WrongJob("sheet", "a sheet can be chosen only in a project, and none is given");
   } else {
     OpenNewDesign(run, recorder);
   }

@@ -127,12 +127,12 @@ class Setup {
     const auto isCorrelated = [](const NotedCorrelation& pair) { return pair.value != 0; };
     if (!job_.correlated && !isGiven && given.empty() && std::ranges::none_of(pairs, isCorrelated)) return;
     if (job_.correlated && !drawsSaved && input_.sheet.CaseCount() == 0)
-      throw WrongJob("correlated", "there are no data whose correlations could be followed");
+      throw WrongJob("correlated", "there are no data to take the correlations from");
     if (Names().size() < 2) {
       throw WrongJob(job_.correlated ? "correlated"
                      : isGiven       ? "matrix"
                                      : "correlations",
-                     "a single predictor has nothing to be correlated with");
+                     "there is only one predictor, so it cannot be correlated with another");
     }
     Table matrix = job_.givenMatrix;
     if (!name.empty()) matrix = RecordedMatrix(name, MatrixFor(name, input_), input_, recorder);
@@ -183,7 +183,8 @@ class Setup {
     std::size_t random = 0;
     for (std::size_t i = 0; i < Names().size(); ++i) random += IsRandom(Inputs().SpecificationOf(i)) ? 1 : 0;
     if (job_.correlated && random == 1)
-      throw WrongJob("correlated", "a single random predictor has nothing to be correlated with");
+      throw WrongJob("correlated",
+                     "only one predictor is drawn at random, so it cannot be correlated with another");
   }
 
   // The array of a distribution ends with its truncation; that of a fixed value is shorter.
@@ -200,7 +201,7 @@ class Setup {
     const std::size_t values = array.size() - kTruncationItems;
     const bool isTruncated = array[values].ToBoolean() || array[values + 2].ToBoolean();
     if (!truncation.minimum && !truncation.maximum && !isTruncated)
-      throw WrongJob("truncate", Quoted(truncation.predictor) + " has no range that could be lifted");
+      throw WrongJob("truncate", Quoted(truncation.predictor) + " has no bounds that could be removed");
     array.resize(values);
     for (const auto& bound : {truncation.minimum, truncation.maximum}) {
       array.emplace_back(std::int32_t{bound ? 1 : 0});

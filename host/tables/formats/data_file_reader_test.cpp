@@ -188,7 +188,7 @@ TEST(DataFiles, WhatIsNotReadIsNamed) {
        "this is an Arrow file, which is not read; in Python: brenvolt.fit(pandas.read_feather(FILE))"},
       {"\x89HDF\r\n\x1a\n",
        "this is an HDF5 file, which is not read; in Python: brenvolt.fit(pandas.read_hdf(FILE))"},
-      {"%PDF-1.4", "this is a PDF file, which is not read; it holds pages, no table of data"},
+      {"%PDF-1.4", "this is a PDF file, which is not read; it holds pages, not a table of data"},
       {"<!DOCTYPE html><p>", "this is an HTML page, which is not read; save its table as .csv"},
       {"{\n \"a\": 1\n}\n",
        "this is a JSON document, which is not read; write an object in each line, or .csv"},
@@ -277,7 +277,7 @@ TEST(DataFiles, TextsOfWorkbooksAreReadInAllTheirForms) {
   EXPECT_EQ(RefusalOf(Workbook("<row><c t=\"s\"><v>7</v></c></row>", {}, texts)),
             "the file is damaged: a cell refers to a text that is not there");
   EXPECT_EQ(RefusalOf(Workbook("<row><c><v>1x</v></c></row>")),
-            "the file is damaged: a cell of a number holds none");
+            "the file is damaged: a cell of a number does not hold one");
 }
 
 // A sheet of the rows given, as the least that an ods workbook consists of.
@@ -323,7 +323,7 @@ TEST(DataFiles, WorkbooksOfMaliceAreRefusedByName) {
     const char* refusal;
   } rows[] = {
       {"cells far apart", Workbook(head + "<row r=\"1048576\"><c r=\"XFD1048576\"><v>1</v></c></row>"),
-       "which is no table"},
+       "which is not a table"},
       {"a billion cells", OdsWorkbook(odsHead + OdsRow(OdsNumber(everyColumn), everyRow)),
        "the workbook has more than 5000000 cells, most of which repeat others"},
       {"a text in each", OdsWorkbook(odsHead + OdsRow(OdsText(megabyte, everyColumn), everyRow)),

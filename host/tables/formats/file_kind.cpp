@@ -49,7 +49,7 @@ constexpr std::array kSignatures{
     Signature{0, "RDX3\n", FileKind::kUnread, "an R data file", "save it in R by write.csv"},
     Signature{0, "CDF\x01", FileKind::kUnread, "a NetCDF file", ""},
     Signature{0, "CDF\x02", FileKind::kUnread, "a NetCDF file", ""},
-    Signature{0, "%PDF-", FileKind::kUnread, "a PDF file", "it holds pages, no table of data"},
+    Signature{0, "%PDF-", FileKind::kUnread, "a PDF file", "it holds pages, not a table of data"},
     Signature{0, "\x89PNG", FileKind::kUnread, "a PNG picture", ""},
     Signature{0, "\xFF\xD8\xFF", FileKind::kUnread, "a JPEG picture", ""},
     Signature{0, "GIF89a", FileKind::kUnread, "a GIF picture", ""},
@@ -94,7 +94,7 @@ KindFound ZipKind(std::string_view bytes) {
   if (has("content.xml") && has("META-INF/manifest.xml")) {
     return content.mimetype.find("spreadsheet") != std::string::npos
                ? KindFound{FileKind::kOds, "an ods workbook", {}}
-               : KindFound{FileKind::kUnread, "an OpenDocument file that is no spreadsheet", {}};
+               : KindFound{FileKind::kUnread, "an OpenDocument file other than a spreadsheet", {}};
   }
   if (has("encrypted-package"))
     return {FileKind::kUnread, "an encrypted document", "save it without a password"};

@@ -21,8 +21,8 @@ class LineGatherer {
 
   void Take(std::string_view line, std::size_t number) {
     const Json object = Json::parse(line, nullptr, false);
-    if (object.is_discarded()) Fail("the line is no JSON", number);
-    if (!object.is_object()) Fail("the line is no JSON object", number);
+    if (object.is_discarded()) Fail("the line is not JSON", number);
+    if (!object.is_object()) Fail("the line is not a JSON object", number);
     ++rows_;
     const std::size_t former = cells_.size();
     for (const auto& [name, value] : object.items()) TakeMember(name, value, number);

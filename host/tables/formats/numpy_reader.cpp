@@ -66,7 +66,7 @@ class Array {
 
   void ReadHeader() {
     constexpr std::size_t kStart = 8;
-    if (bytes_.size() < kStart + 4 || !bytes_.starts_with("\x93NUMPY")) Fail("is no NumPy array");
+    if (bytes_.size() < kStart + 4 || !bytes_.starts_with("\x93NUMPY")) Fail("is not a NumPy array");
     const bool isLong = bytes_[6] > 1;
     std::size_t length = 0;
     for (std::size_t i = 0; i < (isLong ? 4U : 2U); ++i)
@@ -95,7 +95,8 @@ class Array {
         end == std::string_view::npos ? std::string_view() : entry.substr(1, end - 1);
     type_ = code.size() < 2 ? std::end(kTypes) : std::ranges::find(kTypes, code.substr(1), &Type::code);
     if (type_ == std::end(kTypes))
-      Fail("holds values of type " + std::string(code.empty() ? entry.substr(0, 20) : code) + ", no numbers");
+      Fail("holds values of type " + std::string(code.empty() ? entry.substr(0, 20) : code) +
+           ", not numbers");
     swapped_ = code[0] == '>';
   }
   void ReadShape(std::string_view entry) {

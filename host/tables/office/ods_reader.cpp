@@ -96,7 +96,7 @@ class OdsWalk : public XmlHandler {
     GridCell cell;
     if (type_ == "float" || type_ == "percentage" || type_ == "currency") {
       const auto number = ParseNumber(value_);
-      if (!number) throw Error("the file is damaged: a cell of a number holds none", where_);
+      if (!number) throw Error("the file is damaged: a cell of a number does not hold one", where_);
       cell.number = *number;
     } else if (type_ == "boolean") {
       cell.number = value_ == "true" ? 1 : 0;

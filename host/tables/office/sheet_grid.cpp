@@ -35,7 +35,7 @@ class GridText {
     const std::size_t places = (std::size_t{last_} - first_ + 1) * (std::size_t{cells_.back().row} + 1);
     if (places > std::max(kAlwaysPlaces, cells_.size() * kMostPlacesOfCell)) {
       throw Error("the sheet has " + std::to_string(cells_.size()) + " cells spread over " +
-                      std::to_string(places) + " places, which is no table",
+                      std::to_string(places) + " places, which is not a table",
                   where_);
     }
   }

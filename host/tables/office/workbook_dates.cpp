@@ -45,7 +45,7 @@ Day DayOf(std::int64_t days) {
   return {year, number, static_cast<int>(dayOfYear - (153 * month + 2) / 5 + 1)};
 }
 
-// Whether the letters "m" at the start of a code, with no hours before them, are months, which are no minutes of "mm:ss".
+// Whether the letters "m" at the start of a code, with no hours before them, are months, not minutes of "mm:ss".
 bool IsMonth(std::string_view code) {
   const std::size_t end = code.find_first_not_of("mM");
   const std::string_view rest = end == std::string_view::npos ? std::string_view() : code.substr(end);

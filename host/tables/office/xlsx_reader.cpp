@@ -178,7 +178,7 @@ class SheetWalk : public XmlHandler {
   }
   void PutNumber() {
     const auto number = ParseNumber(text_);
-    if (!number) throw Error("the file is damaged: a cell of a number holds none", where_);
+    if (!number) throw Error("the file is damaged: a cell of a number does not hold one", where_);
     const Shown shown = style_ < styles_.shown.size() ? styles_.shown[style_] : Shown::kNumber;
     if (shown == Shown::kDate && IsSerial(*number)) return PutText(DateText(*number, origin_));
     if (shown == Shown::kTime) grid.hasTimes = true;

@@ -95,7 +95,7 @@ ReadingNote NoteOf(const StrayTexts& mixed) {
     cells += (cells.empty() ? "" : ", ") + Quoted(cell.text) + " (line " + std::to_string(cell.line) + ")";
   return {"missingText", mixed.column + " is read as text: of its " + std::to_string(mixed.values) +
                              " values " + std::to_string(mixed.texts) +
-                             (mixed.texts == 1 ? " is no number: " : " are no numbers: ") + cells};
+                             (mixed.texts == 1 ? " is not a number: " : " are not numbers: ") + cells};
 }
 
 // Reads text in UTF-8.
