@@ -34,11 +34,15 @@ def build_folder(settings):
 
 
 def build(folder):
-    """Brings what the wheel holds up to date; configures the folder first if it is new."""
+    """Brings what the wheel holds up to date; configures the folder first if it is new.
+
+    pip hides Debian's NumPy from every Python that is started below it, by a module on PYTHONPATH.
+    """
+    plain = {name: value for name, value in os.environ.items() if not name.startswith("PYTHON")}
     if not os.path.exists(os.path.join(folder, "build.ninja")):
-        subprocess.run(["cmake", "-G", "Ninja", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release", "-DBRENVOLT_TESTS=OFF"],
-                       check=True)
-    subprocess.run(["cmake", "--build", folder, "--target", "wheel_files"], check=True)
+        subprocess.run(["cmake", "-G", "Ninja", "-S", ROOT, "-B", folder, "-DCMAKE_BUILD_TYPE=Release",
+                        "-DBRENVOLT_TESTS=OFF"], check=True, env=plain)
+    subprocess.run(["cmake", "--build", folder, "--target", "wheel_files"], check=True, env=plain)
 
 
 def metadata():

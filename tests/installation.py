@@ -106,6 +106,16 @@ class Installation(unittest.TestCase):
             for file in re.findall(r"\S*examples/\S+", text):
                 self.assertTrue(os.path.exists(file), file)
 
+    @unittest.skipUnless(shutil.which("man"), "man is not installed")
+    def test_manual_pages_render_without_warnings(self):
+        for page in glob.glob(self.installed("share/man/man1/*")):
+            self.assertEqual(self.warnings_of_man(page), "", page)
+
+    def warnings_of_man(self, page):
+        done = subprocess.run(["man", "--warnings", "-E", "UTF-8", "-l", page], capture_output=True, text=True,
+                              env={**BARE, "MANWIDTH": "100"}, check=True)
+        return done.stderr
+
     def complete(self, *words):
         script = self.installed("share/bash-completion/completions/brenvolt")
         listed = " ".join(f"'{word}'" for word in words)

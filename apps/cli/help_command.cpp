@@ -31,6 +31,20 @@ std::string DistributionsText() {
   return "Distributions by the names that options and texts take\n" + table.Text();
 }
 
+// "fit --quantiles, score --keep": the options whose names hold the word.
+std::string OptionsCalled(const CLI::App& program, const std::string& word) {
+  std::string list;
+  for (const CLI::App* command : program.get_subcommands({})) {
+    for (const CLI::Option* option : command->get_options()) {
+      for (const std::string& name : option->get_lnames()) {
+        if (name.find(word) != std::string::npos)
+          list += (list.empty() ? "" : ", ") + command->get_name() + " --" + name;
+      }
+    }
+  }
+  return list;
+}
+
 void Explain(const CLI::App& program, const std::string& topic) {
   if (topic.empty()) {
     // Its own member would give the help of the command that was called, this one.
@@ -54,6 +68,9 @@ void Explain(const CLI::App& program, const std::string& topic) {
   std::string list;
   for (const std::string& one : topics) list += (list.empty() ? "" : ", ") + one;
   const std::string hint = NearestNameHint(topic, topics);
+  const std::string options = OptionsCalled(program, topic);
+  if (hint.empty() && !options.empty())
+    throw WrongCall("no topic " + Quoted(topic) + "; these options are called so: " + options);
   throw WrongCall("no topic " + Quoted(topic) + hint +
                   (hint.empty() ? "; the topics are " : " The topics are ") + list);
 }

@@ -1,5 +1,6 @@
 // The command brenvolt. Exit status 0: done; 1: the job failed; 2: the call was wrong; 130: interrupted.
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -91,11 +92,16 @@ std::vector<std::string> Arguments(int argc, char** argv) {
   return arguments;
 }
 
-// "; did you mean --plot?", where one of the command's options is near.
+// "; did you mean --plot?", where one of the command's options is near; "; MODEL has no option before it", where what comes
+// by its place is called so.
 std::string NearestOptionHint(const CLI::App& command, const std::string& written) {
   std::vector<std::string> known;
   for (const CLI::Option* option : command.get_options()) {
     for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+    std::string asOption = "--" + option->get_name(true);
+    std::ranges::transform(asOption, asOption.begin(), [](unsigned char c) { return std::tolower(c); });
+    if (option->get_positional() && asOption == written)
+      return "; " + option->get_name(true) + " stands by its place, without an option before it.";
   }
   return brenvolt::NearestNameHint(written.substr(0, written.find('=')), known);
 }

@@ -28,7 +28,7 @@ std::string Describe(int code, int systemError, bool writing) {
   const char* const failed = writing ? "the project cannot be written: " : "the project cannot be read: ";
   switch (code & kPrimaryCodeMask) {
     case SQLITE_NOTADB:
-      return "the file is not a project";
+      return "the file is not a project; import makes one of a data file";
     case SQLITE_CORRUPT:
       return "the project is damaged";
     case SQLITE_BUSY:

@@ -34,7 +34,7 @@ void RequireRegularFile(const std::filesystem::path& path) {
 }
 
 void RequireReadableFormat(const WorkbookHeader& header, const std::string& name) {
-  if (!header.IsWorkbook()) throw Error("the file is not a project", name);
+  if (!header.IsWorkbook()) throw Error("the file is not a project; import makes one of a data file", name);
   if (header.formatVersion > static_cast<std::uint32_t>(Workbook::kFormatVersion)) {
     throw Error("was written by a newer version of this program (format " +
                     std::to_string(header.formatVersion) + ", this version reads formats up to " +
