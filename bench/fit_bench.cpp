@@ -62,7 +62,7 @@ void FitAll(benchmark::State& state) {
   state.SetItemsProcessed(state.iterations() * state.range(1));
 }
 BENCHMARK(FitAll)
-    ->ArgsProduct({{kLogNormalLike, kNormalLike}, {1'000, 10'000, 100'000, 1'000'000}})
+    ->ArgsProduct({{kLogNormalLike, kNormalLike}, {100, 1'000, 10'000, 100'000, 1'000'000}})
     ->ArgNames({"shape", "n"})
     ->Unit(benchmark::kMillisecond)
     ->MeasureProcessCPUTime()
@@ -80,7 +80,7 @@ void EstimateOne(benchmark::State& state) {
 BENCHMARK(EstimateOne)
     ->ArgsProduct({benchmark::CreateDenseRange(0, kContinuousCount - 1, 1),
                    {kLogNormalLike, kNormalLike},
-                   {1'000, 100'000, 1'000'000}})
+                   {100, 1'000, 10'000, 100'000, 1'000'000}})
     ->ArgNames({"code", "shape", "n"})
     ->Unit(benchmark::kMillisecond);
 
