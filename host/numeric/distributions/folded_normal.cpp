@@ -49,13 +49,17 @@ struct FormulasOf<FoldedNormal> {
     return -0.5 * near * near + std::log1p(std::exp(-apart)) - std::log(scale) - kLogSqrtTwoPi;
   }
 
+  bool IsFarFromThreshold(double x) const {
+    return (x - threshold) / scale * std::max(1.0, Centre() / scale) > 1.0;
+  }
+
   // Near the threshold the two normal probabilities cancel; there it is the integral of their common
   // density, exp(-m^2 / 2) exp(-t^2 / 2) cosh(m t), over a length at which that is nearly a polynomial.
   double Cdf(double x) const {
     if (!(x > threshold)) return 0.0;
+    if (IsFarFromThreshold(x)) return StandardNormalCdf(Near(x)) - StandardNormalCdf(-Far(x));
     const double h = (x - threshold) / scale;
     const double m = Centre() / scale;
-    if (h * std::max(1.0, m) > 1.0) return StandardNormalCdf(Near(x)) - StandardNormalCdf(-Far(x));
     const auto integrand = [m](double t) { return std::exp(-0.5 * t * t) * std::cosh(m * t); };
     return 2.0 * kInverseSqrtTwoPi * ExpMinusHalfSquare(m) *
            boost::math::quadrature::gauss<double, 15>::integrate(integrand, 0.0, h);
@@ -63,6 +67,35 @@ struct FormulasOf<FoldedNormal> {
 
   double Complement(double x) const {
     return x > threshold ? StandardNormalCdf(-Near(x)) + StandardNormalCdf(-Far(x)) : 1.0;
+  }
+
+  // Over arrays; a piece at a time, as `out` may be `x`.
+  void Cdf(In x, Out out) const {
+    OverPieces(x, out, 1.0, [this](double at, double near, double far) {
+      return std::isnan(at) ? at : IsFarFromThreshold(at) ? near - far : Cdf(at);
+    });
+  }
+  void Complement(In x, Out out) const {
+    OverPieces(x, out, -1.0,
+               [this](double at, double near, double far) { return at <= threshold ? 1.0 : near + far; });
+  }
+
+  // out[i] = combine(x, P(Z <= sign near), P(Z <= -far)) of each x.
+  template <class Combine>
+  void OverPieces(In x, Out out, double sign, const Combine& combine) const {
+    constexpr std::size_t kPiece = 512;
+    std::array<double, kPiece> near;
+    std::array<double, kPiece> far;
+    for (std::size_t begin = 0; begin < x.size(); begin += kPiece) {
+      const In piece = x.subspan(begin, std::min(kPiece, x.size() - begin));
+      for (std::size_t i = 0; i < piece.size(); ++i) {
+        near[i] = sign * Near(piece[i]);
+        far[i] = -Far(piece[i]);
+      }
+      for (auto* z : {&near, &far})
+        vector_forms::NormalCdf(In(*z).first(piece.size()), 0.0, 1.0, Out(*z).first(piece.size()));
+      for (std::size_t i = 0; i < piece.size(); ++i) out[begin + i] = combine(piece[i], near[i], far[i]);
+    }
   }
 
   // The same without threshold, whose rounding the search must not see.

@@ -88,6 +88,27 @@ struct FormulasOf<GaussianMixture> {
     return WeightedSum([x](const Component& c) { return StandardNormalCdf(-c.Standardised(x)); }) / Total();
   }
 
+  // The same over arrays, of the standardised values times `sign`; a piece at a time, as `out` may be `x`.
+  void OfStandardised(In x, double sign, Out out) const {
+    constexpr std::size_t kPiece = 512;
+    std::array<double, kPiece> sums;
+    std::array<double, kPiece> terms;
+    const double total = Total();
+    for (std::size_t begin = 0; begin < x.size(); begin += kPiece) {
+      const In piece = x.subspan(begin, std::min(kPiece, x.size() - begin));
+      const Out term = Out(terms).first(piece.size());
+      sums.fill(0.0);
+      ForEach([&](const Component& c) {
+        for (std::size_t i = 0; i < piece.size(); ++i) term[i] = sign * c.Standardised(piece[i]);
+        vector_forms::NormalCdf(term, 0.0, 1.0, term);
+        for (std::size_t i = 0; i < piece.size(); ++i) sums[i] += c.proportion * term[i];
+      });
+      for (std::size_t i = 0; i < piece.size(); ++i) out[begin + i] = sums[i] / total;
+    }
+  }
+  void Cdf(In x, Out out) const { OfStandardised(x, 1.0, out); }
+  void Complement(In x, Out out) const { OfStandardised(x, -1.0, out); }
+
   // The quantile lies between the least and the greatest of the components', all at the normal quantile z.
   double Solve(double p, double z, bool isLower) const {
     constexpr double kSlack = 1e-12;

@@ -8,6 +8,7 @@
 #include "host/numeric/estimation/johnson_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 template <>
@@ -79,6 +80,16 @@ struct FormulasOf<Johnson> {
 
   double Cdf(double x) const { return StandardNormalCdf(Standardised(x)); }
   double Complement(double x) const { return StandardNormalCdf(-Standardised(x)); }
+
+  // Over arrays; `out` may be `x`.
+  void Cdf(In x, Out out) const {
+    for (std::size_t i = 0; i < x.size(); ++i) out[i] = std::isnan(x[i]) ? x[i] : Standardised(x[i]);
+    vector_forms::NormalCdf(out.first(x.size()), 0.0, 1.0, out);
+  }
+  void Complement(In x, Out out) const {
+    for (std::size_t i = 0; i < x.size(); ++i) out[i] = std::isnan(x[i]) ? x[i] : -Standardised(x[i]);
+    vector_forms::NormalCdf(out.first(x.size()), 0.0, 1.0, out);
+  }
 
   // The x at the standard normal value z.
   double AtNormal(double z) const {
