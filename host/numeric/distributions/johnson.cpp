@@ -4,8 +4,8 @@
 #include <array>
 
 #include "host/numeric/distributions/common/distribution_forms.h"
-#include "host/numeric/estimation/johnson_bounded_moments.h"
-#include "host/numeric/estimation/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_bounded_moments.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
 #include "host/numeric/special/exact_sums.h"
 #include "host/numeric/vector/standard_normal.h"
 #include "host/numeric/vector/vector_forms.h"

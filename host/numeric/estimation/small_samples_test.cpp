@@ -16,7 +16,7 @@
 #include "host/numeric/estimation/folded_normal_estimator.h"
 #include "host/numeric/estimation/gev_estimators.h"
 #include "host/numeric/estimation/gpd_estimators.h"
-#include "host/numeric/estimation/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
 #include "host/numeric/estimation/mixture/gaussian_mixture_estimator.h"
 #include "host/numeric/estimation/normal_estimator.h"
 

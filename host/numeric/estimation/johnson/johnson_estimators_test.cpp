@@ -1,4 +1,4 @@
-#include "host/numeric/estimation/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
 
 #include <gtest/gtest.h>
 

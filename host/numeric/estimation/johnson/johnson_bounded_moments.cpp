@@ -1,4 +1,4 @@
-#include "host/numeric/estimation/johnson_bounded_moments.h"
+#include "host/numeric/estimation/johnson/johnson_bounded_moments.h"
 
 #include <algorithm>
 #include <boost/math/special_functions/zeta.hpp>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/numeric/vector/standard_normal.h"
+#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 
@@ -14,22 +15,30 @@ BoundedMoments MomentsOfBounded(double gamma, double delta) {
   constexpr double kReach = 9.5;
   const double step = std::min(0.25, 0.4 * delta);
   const double upper = kReach + std::min(4.0 / delta, gamma);
-  std::vector<double> logs;
-  std::vector<double> weights;
-  double greatest = -std::numeric_limits<double>::infinity();
-  const int count = static_cast<int>((upper + kReach) / step) + 1;
-  for (int i = 0; i < count; ++i) {
-    const double z = i * step - kReach;  // not by repeated addition, whose rounding shifts a steep y
-    const double t = (z - gamma) / delta;
-    const double logY = t > 0.0 ? -std::log1p(std::exp(-t)) : t - std::log1p(std::exp(t));
-    logs.push_back(logY);
-    weights.push_back(std::exp(-0.5 * z * z));
-    greatest = std::max(greatest, logY);
+  const auto count = static_cast<std::size_t>((upper + kReach) / step) + 1;
+  std::vector<double> logs(count);
+  std::vector<double> weights(count);
+  std::vector<double> folds(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    const double z =
+        static_cast<double>(i) * step - kReach;  // not by repeated addition, whose rounding shifts a steep y
+    logs[i] = (z - gamma) / delta;
+    weights[i] = -0.5 * z * z;
+    folds[i] = -std::abs(logs[i]);
   }
+  elementary::Exp(weights, weights);
+  elementary::Exp(folds, folds);
+  elementary::Log1p(folds, folds);
+  double greatest = -std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < count; ++i) {
+    logs[i] = std::min(logs[i], 0.0) - folds[i];  // ln y
+    greatest = std::max(greatest, logs[i]);
+  }
+  for (double& x : logs) x -= greatest;
+  elementary::Exp(logs, logs);
   double total = 0.0;
   double first = 0.0;
   for (std::size_t i = 0; i < logs.size(); ++i) {
-    logs[i] = std::exp(logs[i] - greatest);
     total += weights[i];
     first += weights[i] * logs[i];
   }

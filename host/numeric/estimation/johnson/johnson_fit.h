@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-#include "host/numeric/estimation/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
 
 namespace brenvolt {
 

@@ -7,9 +7,9 @@
 #include <limits>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/johnson_bounded_moments.h"
-#include "host/numeric/estimation/johnson_estimators.h"
-#include "host/numeric/estimation/johnson_fit.h"
+#include "host/numeric/estimation/johnson/johnson_bounded_moments.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_fit.h"
 
 namespace brenvolt {
 namespace {

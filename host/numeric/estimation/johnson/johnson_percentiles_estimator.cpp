@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
-#include "host/numeric/estimation/johnson_estimators.h"
-#include "host/numeric/estimation/johnson_fit.h"
+#include "host/numeric/estimation/johnson/johnson_estimators.h"
+#include "host/numeric/estimation/johnson/johnson_fit.h"
 #include "host/numeric/vector/standard_normal.h"
 
 namespace brenvolt {
