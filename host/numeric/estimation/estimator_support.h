@@ -120,7 +120,9 @@ inline ScaledSample ScaleFrom(std::span<const double> data, double origin) {
   }
   if (!(greatest > 0.0) || !std::isfinite(greatest)) return sample;
   sample.exponent = std::ilogb(greatest);
-  for (double& x : sample.values) x = std::scalbn(x, -sample.exponent);
+  const double factor = std::scalbn(1.0, -sample.exponent);
+  const bool isExact = std::isnormal(factor);
+  for (double& x : sample.values) x = isExact ? x * factor : std::scalbn(x, -sample.exponent);
   return sample;
 }
 

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/estimation/likelihood_sums.h"
 #include "host/numeric/special/bracketed_root.h"
 #include "host/numeric/vector/vector_forms.h"
 
@@ -39,11 +40,7 @@ class FoldedLikelihood {
   double Excess(double d) const {
     Ask(poll_);
     const double slope = 2.0 * (mean_ - d) / ScaleSquared(d);
-    const double sum = SumOverBlocks(values_, [slope](std::span<const double> x, std::span<double> out) {
-      for (std::size_t i = 0; i < x.size(); ++i) out[i] = slope * x[i];
-      elementary::Exp(out, out);
-      for (std::size_t i = 0; i < x.size(); ++i) out[i] = 2.0 * x[i] / (out[i] + 1.0);
-    });
+    const double sum = SumFolded(values_, slope);
     return sum / static_cast<double>(values_.size()) - d;
   }
 

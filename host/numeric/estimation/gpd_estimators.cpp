@@ -13,9 +13,8 @@
 #include <vector>
 
 #include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/estimation/likelihood_sums.h"
 #include "host/numeric/special/bracketed_root.h"
-#include "host/numeric/special/log_one_plus.h"
-#include "host/numeric/vector/vector_forms.h"
 
 namespace brenvolt {
 namespace {
@@ -23,7 +22,6 @@ namespace {
 using estimation::Ask;
 using estimation::CheckAboveOffset;
 using estimation::CompensatedSum;
-using estimation::kBlock;
 using estimation::ScaledSample;
 using estimation::ScaleFrom;
 
@@ -61,29 +59,8 @@ struct ProfileSums {
 };
 
 ProfileSums SumProfile(std::span<const double> values, double ratio) {
-  CompensatedSum w;
-  CompensatedSum wByRatio;
-  CompensatedSum shapeByRatio;
-  double buffer[kBlock];
-  for (std::size_t begin = 0; begin < values.size(); begin += kBlock) {
-    const auto y = values.subspan(begin, std::min(kBlock, values.size() - begin));
-    const std::span<double> logs(buffer, y.size());
-    for (std::size_t i = 0; i < y.size(); ++i) logs[i] = ratio * y[i];
-    elementary::Log1p(logs, logs);
-    double value = 0.0;
-    double byRatio = 0.0;
-    double byShape = 0.0;
-    for (std::size_t i = 0; i < y.size(); ++i) {
-      const LogOnePlus term = DifferentiateLogOnePlus(y[i], ratio, logs[i]);
-      value += term.value;
-      byRatio += term.byK;
-      byShape += y[i] * term.byZ;
-    }
-    w.Add(value);
-    wByRatio.Add(byRatio);
-    shapeByRatio.Add(byShape);
-  }
-  return {static_cast<double>(values.size()), w.Value(), wByRatio.Value(), shapeByRatio.Value()};
+  const auto [w, wByRatio, shapeByRatio] = SumPareto(values, ratio);
+  return {static_cast<double>(values.size()), w, wByRatio, shapeByRatio};
 }
 
 Profile FromSums(const ProfileSums& sums, double ratio) {
@@ -158,10 +135,10 @@ std::vector<Peak> Peaks(const Values& values, const std::vector<double>& grid, c
   return peaks;
 }
 
-// A large sample by some thousand values: evenly placed ones between its ends, and those at its ends as they
+// A large sample by some hundred values: evenly placed ones between its ends, and those at its ends as they
 // are, since the greatest ones decide where a bounded support may end.
 WeightedValues ThinnedBetweenEnds(std::span<const double> sorted, std::size_t count) {
-  constexpr std::size_t kEnd = 256;
+  constexpr std::size_t kEnd = 64;
   const auto middle = sorted.subspan(kEnd, sorted.size() - 2 * kEnd);
   const auto low = sorted.first(kEnd);
   const auto high = sorted.last(kEnd);

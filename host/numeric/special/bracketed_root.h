@@ -34,9 +34,9 @@ std::optional<double> SolveFallingNear(const Function& f, double guess, double l
   }
 }
 
-// The sample size from which samples are thinned, and the size of a thinned sample.
-inline constexpr std::size_t kLargeSample = 20'000;
-inline constexpr std::size_t kThinnedSample = 4'096;
+// The sample size beyond which the search of an estimator is made on a thinned sample, and the size of that.
+inline constexpr std::size_t kLargeSample = 1'000;
+inline constexpr std::size_t kThinnedSample = 512;
 
 // `count` of the sorted values, evenly placed; all of them if there are no more.
 inline std::vector<double> Thinned(std::span<const double> sorted, std::size_t count) {

@@ -28,7 +28,6 @@ using mixture::Candidate;
 using mixture::Climber;
 using mixture::Component;
 using mixture::Mixture;
-using mixture::Polish;
 using mixture::RunShort;
 using mixture::RunToTheEnd;
 using mixture::SplitAndMerged;
@@ -37,8 +36,8 @@ using mixture::WithOneMore;
 using mixture::WithTail;
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr int kMostCycles = 1000;
-constexpr std::size_t kSearchedWhole = 5'000;  // the search costs thousands of passes over its values
+constexpr std::size_t kSearchedWhole = 2'500;  // the search costs hundreds of passes over its values
+constexpr std::size_t kSearchedThin = 2'048;
 
 void SortByMean(Mixture& mixture) {
   std::sort(mixture.begin(), mixture.end(), [](const Component& a, const Component& b) {
@@ -73,24 +72,51 @@ std::vector<Candidate> BestShortRuns(Climber& climber, const std::vector<Mixture
   return runs;
 }
 
+// Whether both are one maximum, to which different starts have led.
+bool IsSame(const Mixture& a, const Mixture& b) {
+  constexpr double kSame = 1e-5;
+  for (std::size_t c = 0; c < a.size(); ++c) {
+    const double distance =
+        std::max(std::abs(a[c].mean - b[c].mean), std::abs(a[c].deviation - b[c].deviation)) / a[c].deviation;
+    if (std::max(distance, std::abs(a[c].proportion - b[c].proportion)) > kSame) return false;
+  }
+  return true;
+}
+
+// The maxima that the runs end at, each once; a run without one stands as it is.
+std::vector<Candidate> Ends(Climber& climber, const std::vector<Candidate>& runs) {
+  std::vector<Candidate> ends;
+  for (const Candidate& run : runs) {
+    Candidate end = RunToTheEnd(climber, run.mixture);
+    if (end.mixture.empty()) end = run;
+    SortByMean(end.mixture);
+    const auto isSame = [&end](const Candidate& other) { return IsSame(other.mixture, end.mixture); };
+    if (std::ranges::none_of(ends, isSame)) ends.push_back(std::move(end));
+  }
+  return ends;
+}
+
 // `isStart`: the mixture found only gives starts for one with a component more.
 Candidate SearchMixture(std::span<const double> sorted, std::size_t components, double deviation,
                         const EstimationPoll& poll, bool isStart = false) {
   // A few components deserve a thorough search; with many, there is little to choose between the maxima.
   constexpr std::size_t kFew = 6;
+  constexpr std::size_t kSketched = 512;  // values that the short runs look at
   const bool isThorough = components <= kFew;
-  const std::size_t longRuns = !isThorough ? 3 : isStart ? 4 : 8;
-  const std::size_t neighbourRuns = !isThorough ? 1 : isStart ? 2 : 3;
+  const std::size_t longRuns = !isThorough ? 3 : isStart ? 12 : 40;
+  const std::size_t neighbourRuns = !isThorough ? 1 : isStart ? 4 : 8;
   const int rounds = isThorough && !isStart ? 3 : 1;
-  const std::size_t sketchedValues = isThorough ? 4000 : 1000;  // that the short runs look at
-  const std::vector<double> thin = Thinned(sorted, sketchedValues);
+  if (components == 1) return {{{1.0, Mean(sorted), deviation}}, 0.0};
+  const std::vector<double> thin = Thinned(sorted, kSketched);
   Climber sketch(thin, components, deviation, poll);
   Climber climber(sorted, components, deviation, poll);
   Candidate best;
   const auto improve = [&](const std::vector<Mixture>& starts, std::size_t runs) {
     bool isBetter = false;
-    for (const Candidate& run : BestShortRuns(sketch, starts, runs)) {
-      Candidate end = RunToTheEnd(climber, run.mixture, best.logLikelihood, kMostCycles);
+    std::vector<Candidate> ends = BestShortRuns(sketch, starts, runs);
+    if (thin.size() < sorted.size()) ends = Ends(sketch, ends);
+    for (const Candidate& run : ends) {
+      Candidate end = RunToTheEnd(climber, run.mixture);
       if (!(end.logLikelihood > best.logLikelihood + 1e-10) || HasTwins(end.mixture)) continue;
       best = std::move(end);
       isBetter = true;
@@ -110,30 +136,18 @@ Candidate SearchMixture(std::span<const double> sorted, std::size_t components, 
   return best;
 }
 
-// The cycles that a search over thinned values is followed by on all `count`, where the likelihood is so flat
-// that Newton's method fails: as many as cost some seconds.
-int CyclesToFinish(std::size_t count) {
-  constexpr std::size_t kValues = 50'000'000;
-  return static_cast<int>(std::clamp<std::size_t>(kValues / count, 20, kMostCycles));
-}
-
-// The mixture found in a thinned sample polished over samples of rising size, each with the slopes of the one
-// before: their maxima lie close, as evenly placed values tell the distribution far better than as many
-// random ones. Empty if the mixture collapses.
-Candidate Refined(std::span<const double> sorted, std::vector<double> known, Mixture mixture,
-                  double deviation, const EstimationPoll& poll) {
+// The mixture found in a thinned sample climbed from over samples of rising size: their maxima lie close, as evenly placed
+// values tell the distribution far better than as many random ones. Empty if the mixture collapses.
+Candidate Refined(std::span<const double> sorted, std::size_t known, Mixture mixture, double deviation,
+                  const EstimationPoll& poll) {
   constexpr std::size_t kRise = 16;
   Candidate best = {std::move(mixture)};
-  const std::size_t components = best.mixture.size();
-  for (std::size_t count = known.size(); count < sorted.size() && !best.mixture.empty();) {
-    count = std::min(count * kRise, sorted.size());
-    std::vector<double> thin;
-    if (count < sorted.size()) thin = Thinned(sorted, count);
-    Climber sketch(known, components, deviation, poll);
-    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), components, deviation, poll);
-    auto end = Polish(sketch, climber, best.mixture);
-    best = end ? *std::move(end) : RunToTheEnd(climber, best.mixture, -kInfinity, CyclesToFinish(count));
-    known = std::move(thin);
+  while (known < sorted.size() && !best.mixture.empty()) {
+    known = std::min(known * kRise, sorted.size());
+    const std::vector<double> thin = known < sorted.size() ? Thinned(sorted, known) : std::vector<double>();
+    Climber climber(thin.empty() ? sorted : std::span<const double>(thin), best.mixture.size(), deviation,
+                    poll);
+    best = RunToTheEnd(climber, best.mixture);
   }
   return best;
 }
@@ -143,7 +157,7 @@ Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, dou
                        double deviation, const EstimationPoll& poll) {
   constexpr int kSteps = 5;
   constexpr std::size_t kSeen = 32;  // thinned values; a component of more is found among them
-  const std::size_t most = kSeen * sorted.size() / kThinnedSample;
+  const std::size_t most = kSeen * sorted.size() / kSearchedThin;
   Climber climber(sorted, fewer.size() + 1, deviation, poll);
   Candidate best;
   for (Mixture& start : WithTail(fewer, sorted, most, deviation)) {
@@ -156,17 +170,17 @@ Candidate BestWithTail(std::span<const double> sorted, const Mixture& fewer, dou
     best.logLikelihood = climber.Step(best.mixture);
   }
   if (!(best.logLikelihood > leastLogLikelihood)) return {};
-  return RunToTheEnd(climber, best.mixture, leastLogLikelihood, CyclesToFinish(sorted.size()));
+  return RunToTheEnd(climber, best.mixture);
 }
 
 // A large sample is searched thinned.
 Candidate FitSorted(std::span<const double> sorted, std::size_t components, double deviation,
                     const EstimationPoll& poll) {
   if (sorted.size() <= kSearchedWhole) return SearchMixture(sorted, components, deviation, poll);
-  const std::vector<double> thin = Thinned(sorted, kThinnedSample);
+  const std::vector<double> thin = Thinned(sorted, kSearchedThin);
   const Candidate ofThin = SearchMixture(thin, components, deviation, poll);
   if (ofThin.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
-  Candidate best = Refined(sorted, thin, ofThin.mixture, deviation, poll);
+  Candidate best = Refined(sorted, thin.size(), ofThin.mixture, deviation, poll);
   if (best.mixture.empty()) return SearchMixture(sorted, components, deviation, poll);
   if (components > 1) {
     const Candidate fewer = SearchMixture(thin, components - 1, deviation, poll, true);

@@ -1,14 +1,10 @@
-// Climbing from a mixture to a maximum of the likelihood of a sample: steps of expectation and maximisation
-// (Dempster, Laird & Rubin 1977), accelerated by squared extrapolation (Varadhan & Roland 2008, scheme S3) in
-// the logarithms of proportions and standard deviations and in the means; an extrapolation that loses
-// likelihood is taken back, so that the likelihood never falls. Near a maximum Newton's method for the fixed
-// point of the step finishes the run.
+// Climbing from a mixture to a maximum of the likelihood of a sample: a few steps of expectation and maximisation
+// (Dempster, Laird & Rubin 1977), then Newton's method.
 //
 // Values are in units in which their squares are far from overflow.
 #pragma once
 
 #include <limits>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -31,6 +27,9 @@ class Climber {
   // Replaces the mixture by the next one and returns the mean log-likelihood of the one given.
   double Step(Mixture& mixture);
 
+  // The log-likelihood with its derivatives, all as means over the values.
+  MixtureDerivatives Differentiate(const Mixture& mixture);
+
   // Whether a component holds fewer than two values or its standard deviation is below 1e-6 of that of the
   // values.
   bool IsCollapsed(const Mixture& mixture) const;
@@ -51,15 +50,7 @@ struct Candidate {
 // A few plain steps; minus infinity as likelihood where the mixture collapses.
 Candidate RunShort(Climber& climber, Mixture mixture);
 
-// Newton's method for the mixture that a step leaves where it is, from one near: the slopes come from
-// `sketch`, whose values may be a thinned sample of those of `climber` (the iteration then converges by a
-// constant factor). Nothing when a move is long, loses likelihood or collapses, or when the moves do not
-// vanish.
-std::optional<Candidate> Polish(Climber& sketch, Climber& climber, Mixture at);
-
-// Until a cycle of two steps and an extrapolation gains nothing to speak of, or until Newton's method, tried
-// ever more seldom, converges. Returns nothing for a run that collapses, or that climbs so slowly that it
-// will not reach the mean log-likelihood `known`. After `mostCycles` it stands as it is.
-Candidate RunToTheEnd(Climber& climber, const Mixture& start, double known, int mostCycles);
+// The maximum that Newton's method reaches; minus infinity as likelihood where the mixture collapses or no maximum is found.
+Candidate RunToTheEnd(Climber& climber, const Mixture& start);
 
 }  // namespace brenvolt::mixture

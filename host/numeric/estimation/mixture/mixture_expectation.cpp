@@ -71,6 +71,9 @@ double Total(const Vector* partial) {
   return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
 }
 
+constexpr std::size_t kPowers = 5;       // of the standardised values, from 0
+constexpr std::size_t kCoordinates = 3;  // of a component
+
 // A total density below it has lost digits, or all, to the smallest doubles.
 constexpr double kLeastTotal = 1e-200;
 
@@ -131,6 +134,50 @@ class Block {
     sums.second += Total(seconds);
   }
 
+  // Adds the sums over the block of each component's responsibility r times powers of z = (x - mean) / deviation,
+  // r, r z, … r z^4, and writes the slopes of the values' log-likelihoods by its coordinates, r, r z and r (z^2 - 1).
+  void AddPowers(const MixtureComponent& component, std::size_t c, const double* inverse, double* slopes,
+                 double* powers) const {
+    const Tag d;
+    const std::size_t lanes = hn::Lanes(d);
+    const double* row = densities_ + c * kStride;
+    const Vector mean = hn::Set(d, component.mean);
+    const Vector scale = hn::Set(d, 1.0 / component.deviation);
+    Vector sums[kPowers][kMostVectors];
+    for (auto& sum : sums) std::fill_n(sum, kPartialSums / lanes, hn::Zero(d));
+    for (std::size_t i = 0; i < Padded(); i += kPartialSums) {
+      for (std::size_t j = 0; j < kPartialSums / lanes; ++j) {
+        const std::size_t at = i + j * lanes;
+        const Vector z = hn::Mul(hn::Sub(hn::LoadU(d, x_ + at), mean), scale);
+        Vector power = hn::Mul(hn::LoadU(d, row + at), hn::LoadU(d, inverse + at));
+        Vector terms[kPowers];
+        for (std::size_t k = 0; k < kPowers; ++k, power = hn::Mul(power, z)) {
+          terms[k] = power;
+          sums[k][j] = hn::Add(sums[k][j], power);
+        }
+        hn::StoreU(terms[0], d, slopes + at);
+        hn::StoreU(terms[1], d, slopes + kStride + at);
+        hn::StoreU(hn::Sub(terms[2], terms[0]), d, slopes + 2 * kStride + at);
+      }
+    }
+    for (std::size_t k = 0; k < kPowers; ++k) powers[k] += Total(sums[k]);
+  }
+
+  // The sum over the block of the products of two slopes.
+  double Product(const double* a, const double* b) const {
+    const Tag d;
+    const std::size_t lanes = hn::Lanes(d);
+    Vector sums[kMostVectors];
+    std::fill_n(sums, kPartialSums / lanes, hn::Zero(d));
+    for (std::size_t i = 0; i < Padded(); i += kPartialSums) {
+      for (std::size_t j = 0; j < kPartialSums / lanes; ++j) {
+        const std::size_t at = i + j * lanes;
+        sums[j] = hn::Add(sums[j], hn::Mul(hn::LoadU(d, a + at), hn::LoadU(d, b + at)));
+      }
+    }
+    return Total(sums);
+  }
+
  private:
   std::size_t Padded() const { return (count_ + kPartialSums - 1) / kPartialSums * kPartialSums; }
 
@@ -180,10 +227,11 @@ class Block {
   double* densities_;
 };
 
-}  // namespace
-
-double Expectation(std::span<const double> values, std::span<const MixtureComponent> mixture,
-                   std::span<ResponsibilitySums> sums, double* densities) {
+// take(block, inverse) is given each block with its densities and the reciprocals of their totals. Returns the
+// log-likelihood.
+template <class Take>
+double ForBlocks(std::span<const double> values, std::span<const MixtureComponent> mixture, double* densities,
+                 const Take& take) {
   HWY_ALIGN double padded[kStride];
   HWY_ALIGN double inverse[kStride];
   double logLikelihood = 0.0;
@@ -197,9 +245,32 @@ double Expectation(std::span<const double> values, std::span<const MixtureCompon
     }
     Block block(from, x.size(), densities);
     logLikelihood += block.Evaluate(mixture, inverse);
-    for (std::size_t c = 0; c < mixture.size(); ++c) block.AddSums(mixture[c], c, inverse, sums[c]);
+    take(block, inverse);
   }
   return logLikelihood;
+}
+
+}  // namespace
+
+double Expectation(std::span<const double> values, std::span<const MixtureComponent> mixture,
+                   std::span<ResponsibilitySums> sums, double* densities) {
+  return ForBlocks(values, mixture, densities, [&](const Block& block, const double* inverse) {
+    for (std::size_t c = 0; c < mixture.size(); ++c) block.AddSums(mixture[c], c, inverse, sums[c]);
+  });
+}
+
+// `powers` become the sums of AddPowers, `products` those of the slopes' products, on and below the diagonal.
+double Derivatives(std::span<const double> values, std::span<const MixtureComponent> mixture,
+                   double* densities, double* slopes, double* powers, double* products) {
+  const std::size_t n = kCoordinates * mixture.size();
+  return ForBlocks(values, mixture, densities, [&](const Block& block, const double* inverse) {
+    for (std::size_t c = 0; c < mixture.size(); ++c)
+      block.AddPowers(mixture[c], c, inverse, slopes + kCoordinates * c * kStride, powers + kPowers * c);
+    for (std::size_t a = 0; a < n; ++a) {
+      for (std::size_t b = 0; b <= a; ++b)
+        products[a * n + b] += block.Product(slopes + a * kStride, slopes + b * kStride);
+    }
+  });
 }
 
 }  // namespace HWY_NAMESPACE
@@ -210,16 +281,67 @@ HWY_AFTER_NAMESPACE();
 namespace brenvolt {
 
 HWY_EXPORT(Expectation);
+HWY_EXPORT(Derivatives);
+
+namespace {
+
+bool IsRegular(std::span<const MixtureComponent> mixture) {
+  return std::all_of(mixture.begin(), mixture.end(), [](const MixtureComponent& c) {
+    return c.proportion > 0.0 && c.deviation > 0.0 && std::isfinite(c.proportion / c.deviation) &&
+           std::isfinite(c.mean) && std::isfinite(1.0 / c.deviation / c.deviation);
+  });
+}
+
+}  // namespace
 
 double MixtureExpectation::Run(std::span<const double> values, std::span<const MixtureComponent> mixture,
                                std::span<ResponsibilitySums> sums) {
   std::fill(sums.begin(), sums.end(), ResponsibilitySums{});
-  const bool isRegular = std::all_of(mixture.begin(), mixture.end(), [](const MixtureComponent& c) {
-    return c.proportion > 0.0 && c.deviation > 0.0 && std::isfinite(c.proportion / c.deviation) &&
-           std::isfinite(c.mean) && std::isfinite(1.0 / c.deviation / c.deviation);
-  });
-  if (!isRegular) return std::numeric_limits<double>::quiet_NaN();
+  if (!IsRegular(mixture)) return std::numeric_limits<double>::quiet_NaN();
   return HWY_DYNAMIC_DISPATCH(Expectation)(values, mixture, sums, densities_.data());
+}
+
+// A component's log density ln(proportion) - ln(deviation) - z^2 / 2 has the slopes 1, z and z^2 - 1 by its
+// coordinates; the expectation of their products and of the second derivatives makes its block of the second derivatives,
+// from which the products of the values' own slopes are taken.
+MixtureDerivatives MixtureExpectation::Differentiate(std::span<const double> values,
+                                                     std::span<const MixtureComponent> mixture) {
+  constexpr std::size_t kPowers = 5;
+  const std::size_t n = 3 * mixture.size();
+  MixtureDerivatives derivatives{std::numeric_limits<double>::quiet_NaN(), std::vector<double>(n),
+                                 std::vector<double>(n * n)};
+  if (!IsRegular(mixture)) return derivatives;
+  slopes_.resize(n * kBlock);
+  std::vector<double> powers(kPowers * mixture.size());
+  std::vector<double>& information = derivatives.information;
+  derivatives.logLikelihood = HWY_DYNAMIC_DISPATCH(Derivatives)(
+      values, mixture, densities_.data(), slopes_.data(), powers.data(), information.data());
+  const auto count = static_cast<double>(values.size());
+  for (std::size_t c = 0; c < mixture.size(); ++c) {
+    const double* m = powers.data() + kPowers * c;
+    const double own[] = {m[0],
+                          m[1],
+                          m[2] - m[0],
+                          m[1],
+                          m[2] - m[0],
+                          m[3] - 3.0 * m[1],
+                          m[2] - m[0],
+                          m[3] - 3.0 * m[1],
+                          m[4] - 4.0 * m[2] + m[0]};
+    for (std::size_t a = 0; a < 3; ++a) {
+      derivatives.gradient[3 * c + a] = own[a];
+      for (std::size_t b = 0; b <= a; ++b) information[(3 * c + a) * n + 3 * c + b] -= own[3 * a + b];
+    }
+    // Of the total of the proportions.
+    const double share = mixture[c].proportion;
+    derivatives.gradient[3 * c] -= count * share;
+    information[3 * c * n + 3 * c] += count * share;
+    for (std::size_t b = 0; b <= c; ++b)
+      information[3 * c * n + 3 * b] -= count * share * mixture[b].proportion;
+  }
+  for (std::size_t a = 0; a < n; ++a)
+    for (std::size_t b = 0; b < a; ++b) information[b * n + a] = information[a * n + b];
+  return derivatives;
 }
 
 }  // namespace brenvolt

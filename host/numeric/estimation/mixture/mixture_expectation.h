@@ -24,6 +24,15 @@ struct ResponsibilitySums {
   double second = 0.0;
 };
 
+// The log-likelihood as a function of each component's ln(proportion), mean and ln(standard deviation), the means in units
+// of the standard deviation: first derivatives and the negative of the second ones, row-major. The proportions need
+// not add up to 1: what counts is their share in the total.
+struct MixtureDerivatives {
+  double logLikelihood = 0.0;
+  std::vector<double> gradient;
+  std::vector<double> information;
+};
+
 class MixtureExpectation {
  public:
   static constexpr std::size_t kBlock = 256;  // values summed up together
@@ -36,8 +45,12 @@ class MixtureExpectation {
   double Run(std::span<const double> values, std::span<const MixtureComponent> mixture,
              std::span<ResponsibilitySums> sums);
 
+  // The derivatives at a mixture whose proportions add up to 1 (Louis 1982, eq. 3.2'); NaN or infinite as those of Run.
+  MixtureDerivatives Differentiate(std::span<const double> values, std::span<const MixtureComponent> mixture);
+
  private:
   std::vector<double> densities_;  // of a block, by component
+  std::vector<double> slopes_;     // of a block, by coordinate
 };
 
 }  // namespace brenvolt

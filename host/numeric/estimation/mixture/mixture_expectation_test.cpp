@@ -95,13 +95,60 @@ TEST(MixtureExpectation, ValueFarFromAllComponentsKeepsItsResponsibilities) {
   }
 }
 
+// Of the plain log-likelihood, in which only the shares of the proportions count, by differences.
+TEST(MixtureExpectation, DerivativesAreThoseOfTheLogLikelihood) {
+  const std::vector<double> values = Draws(259);
+  const std::size_t n = 3 * kMixture.size();
+  const auto logLikelihoodAt = [&](std::vector<long double> point) {
+    long double total = 0.0L;
+    long double scale = 0.0L;
+    for (std::size_t c = 0; c < kMixture.size(); ++c)
+      scale += kMixture[c].proportion * std::exp(point[3 * c]);
+    for (const double x : values) {
+      long double density = 0.0L;
+      for (std::size_t c = 0; c < kMixture.size(); ++c) {
+        const long double deviation = kMixture[c].deviation * std::exp(point[3 * c + 2]);
+        const long double z = (x - kMixture[c].mean - point[3 * c + 1] * kMixture[c].deviation) / deviation;
+        density += kMixture[c].proportion * std::exp(point[3 * c]) / deviation * std::exp(-0.5L * z * z);
+      }
+      total += std::log(density / scale / std::sqrt(2.0L * std::numbers::pi_v<long double>));
+    }
+    return total;
+  };
+  constexpr long double kStep = 1e-4L;
+  const auto at = [&](std::size_t a, long double first, std::size_t b, long double second) {
+    std::vector<long double> point(n);
+    point[a] += first * kStep;
+    point[b] += second * kStep;
+    return logLikelihoodAt(point);
+  };
+  const MixtureDerivatives derivatives = MixtureExpectation(kMixture.size()).Differentiate(values, kMixture);
+  EXPECT_NEAR(derivatives.logLikelihood, static_cast<double>(logLikelihoodAt(std::vector<long double>(n))),
+              1e-10);
+  for (std::size_t a = 0; a < n; ++a) {
+    const auto slope = static_cast<double>((at(a, 1, a, 0) - at(a, -1, a, 0)) / (2 * kStep));
+    EXPECT_NEAR(derivatives.gradient[a], slope, 1e-4 * (1.0 + std::abs(slope))) << a;
+    for (std::size_t b = 0; b < n; ++b) {
+      const auto curvature = static_cast<double>(
+          (at(a, 1, b, 1) - at(a, 1, b, -1) - at(a, -1, b, 1) + at(a, -1, b, -1)) / (4 * kStep * kStep));
+      EXPECT_NEAR(derivatives.information[a * n + b], -curvature, 1e-3 * (1.0 + std::abs(curvature)))
+          << a << ", " << b;
+    }
+  }
+}
+
 TEST(MixtureExpectation, EveryInstructionSetGivesTheSameBits) {
   std::vector<double> values = Draws(1003);
   values[500] = 200.0;
   const Result chosen = Evaluate(values, kMixture);
+  const MixtureDerivatives derivatives = MixtureExpectation(kMixture.size()).Differentiate(values, kMixture);
   UnderEveryInstructionSet([&] {
     const Result result = Evaluate(values, kMixture);
     EXPECT_EQ(result.logLikelihood, chosen.logLikelihood);
+    const auto [logLikelihood, gradient, information] =
+        MixtureExpectation(kMixture.size()).Differentiate(values, kMixture);
+    EXPECT_EQ(gradient, derivatives.gradient);
+    EXPECT_EQ(information, derivatives.information);
     for (std::size_t c = 0; c < kMixture.size(); ++c) {
       EXPECT_EQ(result.sums[c].weight, chosen.sums[c].weight);
       EXPECT_EQ(result.sums[c].first, chosen.sums[c].first);

@@ -95,7 +95,7 @@ Mixture Concentric(double mean, double deviation, std::size_t components, double
 }  // namespace
 
 std::vector<Mixture> Starts(std::span<const double> sorted, std::size_t components, double deviation) {
-  constexpr std::size_t kDivisionCount = 600;  // values among which the least-squares groups are sought
+  constexpr std::size_t kDivisionCount = 200;  // values among which the least-squares groups are sought
   const std::size_t n = sorted.size();
   const double mean = Mean(sorted);
   std::vector<Mixture> starts;
@@ -196,7 +196,7 @@ std::vector<Mixture> WithTail(const Mixture& mixture, std::span<const double> so
                               double deviation) {
   constexpr std::size_t kFewest = 4;
   std::vector<Mixture> starts;
-  for (std::size_t count = kFewest; count <= most && 2 * count <= sorted.size(); count *= 2) {
+  for (std::size_t count = kFewest; count <= most && 2 * count <= sorted.size(); count *= 4) {
     for (const auto& group : {sorted.first(count), sorted.last(count)}) {
       const Component tail = FromGroup(group, sorted.size(), deviation);
       Mixture start = mixture;

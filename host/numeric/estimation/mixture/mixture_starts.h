@@ -22,7 +22,7 @@ std::vector<Mixture> SplitAndMerged(const Mixture& mixture);
 // component more (Verbeek, Vlassis & Krose 2003).
 std::vector<Mixture> WithOneMore(const Mixture& mixture);
 
-// The mixture with one component more, of the least or the greatest values: of 4, 8, 16, … up to `most` of
+// The mixture with one component more, of the least or the greatest values: of 4, 16, 64, … up to `most` of
 // them.
 std::vector<Mixture> WithTail(const Mixture& mixture, std::span<const double> sorted, std::size_t most,
                               double deviation);
