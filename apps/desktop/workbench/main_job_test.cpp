@@ -175,7 +175,7 @@ TEST_F(MainJob, SamplesAndTheirProjectAreThoseOfTheCommand) {
   Record();
   const QString macro = window.Macros().Text();
   // A line for each choice, none for each key.
-  for (const char* const member : {"LHSwithImanMethod = ", "NumberOfSamples = 500", "RandomSeedNumber = 7"})
+  for (const char* const member : {"LHSwithImanMethod = ", "NumberOfSamples = 500", "RandomSeedNumber = 7\n"})
     EXPECT_EQ(macro.count(QLatin1String(member)), 1) << member << "\n" << Utf8(macro);
   CompareReport();
   EndDialogs();
