@@ -56,7 +56,7 @@ TEST_F(CapabilityCommand, RowsAsCsvAreTheFiguresOfJson) {
   Write("figures.csv", Run(asCsv).out);
   const Spreadsheet figures = ReadCsv(folder.Path() / "figures.csv");
   const auto report = Report(call);
-  ASSERT_EQ(figures.CaseCount(), 22U);
+  ASSERT_EQ(figures.CaseCount(), 25U);
   for (std::size_t i = 0; i < 9; ++i) {
     const std::string name(*figures.VariableAt(1).Label(figures.VariableAt(1).Values()[i]));
     EXPECT_EQ(figures.VariableAt(2).Values()[i], report["indices"][name]["value"].get<double>()) << name;

@@ -6,6 +6,7 @@
 #include "apps/cli/measured_report.h"
 #include "apps/cli/specification_option.h"
 #include "host/application/json_text.h"
+#include "host/jobs/json/measured_json.h"
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/reports/measured_reports.h"
 #include "host/jobs/reports/result_sheets.h"

@@ -5,10 +5,10 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/design_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/design_job.h"
+#include "host/jobs/json/design_json.h"
 
 namespace brenvolt::cli {
 namespace {

@@ -9,6 +9,7 @@
 #include "host/application/json_text.h"
 #include "host/jobs/exchange/exchange_jobs.h"
 #include "host/jobs/exchange/preview_job.h"
+#include "host/jobs/json/preview_json.h"
 #include "host/jobs/reports/preview_table.h"
 
 namespace brenvolt::cli {

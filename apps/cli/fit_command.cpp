@@ -15,6 +15,7 @@
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
+#include "host/jobs/json/measured_json.h"
 #include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/reports/fit_report.h"
 #include "host/jobs/reports/measured_reports.h"

@@ -4,9 +4,9 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
-#include "apps/cli/fit_json.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
+#include "host/jobs/json/fit_json.h"
 #include "host/jobs/reports/fit_tables.h"
 
 namespace brenvolt::cli {

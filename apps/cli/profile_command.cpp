@@ -1,18 +1,17 @@
 // brenvolt profile: how predictions vary when their predictors do, and how often they miss a specification.
 #include <cstdio>
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/design_report.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/specification_option.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
+#include "host/jobs/json/profile_json.h"
 #include "host/jobs/profile/profile_job.h"
 #include "host/jobs/profile/profile_plots.h"
 #include "host/jobs/profile/profile_workbook.h"
@@ -61,36 +60,7 @@ ProfileJob::Truncation ParseTruncation(const std::string& text) {
   return {predictor, low, high};
 }
 
-nlohmann::ordered_json FixedJson(const std::vector<PredictorUse>& predictors) {
-  nlohmann::ordered_json list = nlohmann::ordered_json::array();
-  for (const PredictorUse& one : predictors) {
-    if (!one.fixed) continue;
-    nlohmann::ordered_json entry = {{"predictor", one.name}, {"value", nullptr}};
-    std::visit([&entry](const auto& value) { entry["value"] = value; }, *one.fixed);
-    list.push_back(std::move(entry));
-  }
-  return list;
-}
-
-// What the runs are repeated from, beside the predictors' distributions.
-nlohmann::ordered_json DrawnJson(const ProfileCall& call, const ProfileRun& run) {
-  using Json = nlohmann::ordered_json;
-  const ProfileJob& job = call.job;
-  Json drawn = DesignJson({{}, run.results.correlations});
-  drawn.erase("variables");
-  drawn["method"] = run.results.method;
-  drawn["fixed"] = FixedJson(run.results.predictors);
-  drawn["noise"] = Json::array();
-  for (const ProfileJob::Noise& one : job.noise)
-    drawn["noise"].push_back({{"response", one.response}, {"standardDeviation", one.standardDeviation}});
-  drawn["noiseCorrelations"] = job.noiseCorrelations;
-  drawn["models"] = Json::array();
-  for (const auto& model : job.models) drawn["models"].push_back(model.string());
-  drawn["formulas"] = job.formulas;
-  return drawn;
-}
-
-// The same, a line each.
+// What the runs are repeated from, a line each.
 std::string DrawnText(const ProfileCall& call, const ProfileRun& run) {
   std::string text;
   for (const auto& [name, value] : DrawnFacts(call.job, run.results).facts)
@@ -102,13 +72,7 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
   if (call.format == ReportFormat::kCsv) return PrintCsv(ProfileSheet(run.results), job.data);
   if (call.format == ReportFormat::kJson) {
-    auto report = ProfileJson(run.results);
-    report["seed"] = run.seed;
-    report["drawn"] = DrawnJson(call, run);
-    if (!job.output.empty()) report["output"] = {{"file", job.output.string()}};
-    if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
-    if (!job.graphs.empty()) report["graphs"] = job.graphs.string();
-    std::fputs(JsonText(report).c_str(), stdout);
+    std::fputs(JsonText(ProfileJson(job, run)).c_str(), stdout);
     return;
   }
   std::printf("Seed %d\n", run.seed);

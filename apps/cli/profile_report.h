@@ -2,7 +2,6 @@
 // then the defects of all.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/jobs/profile/profile_results.h"
@@ -11,7 +10,5 @@ namespace brenvolt::cli {
 
 // `drawn` are lines on what the predictors and the noise follow, after the list of the predictors.
 std::string ProfileText(const ProfileResults& results, const std::string& drawn);
-// Correlations are for programs alone, and the frequencies of a response of many values.
-nlohmann::ordered_json ProfileJson(const ProfileResults& results);
 
 }  // namespace brenvolt::cli

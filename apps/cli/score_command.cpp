@@ -4,8 +4,8 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/result_json.h"
 #include "apps/cli/unpredicted_report.h"
+#include "host/jobs/json/score_json.h"
 #include "host/jobs/score_job.h"
 
 namespace brenvolt::cli {
@@ -16,42 +16,6 @@ struct ScoreCall {
   std::filesystem::path record;
   ReportFormat format = ReportFormat::kTable;
 };
-
-// The columns of the predictions: texts, numbers, and null if there is none.
-nlohmann::ordered_json ColumnsJson(const Spreadsheet& predictions) {
-  nlohmann::ordered_json columns = nlohmann::ordered_json::object();
-  for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {
-    const Variable& variable = predictions.VariableAt(k);
-    auto values = nlohmann::ordered_json::array();
-    for (std::size_t i = 0; i < variable.Size(); ++i) {
-      const double value = variable.Values()[i];
-      const auto label = variable.IsMissing(i) ? std::nullopt : variable.Label(value);
-      values.push_back(label ? nlohmann::ordered_json(std::string(*label)) : NumberJson(value));
-    }
-    columns[variable.Name()] = std::move(values);
-  }
-  return columns;
-}
-
-void ReportJson(const ScoreJob& job, const ScoreRun& run) {
-  nlohmann::ordered_json report = {{"cases", run.predictions.CaseCount()},
-                                   {"unpredicted", UnpredictedJson(run.unpredicted)}};
-  if (!run.predictions.AreCasesNumbered()) {
-    auto& names = report["caseNames"] = nlohmann::ordered_json::array();
-    for (std::size_t i = 0; i < run.predictions.CaseCount(); ++i)
-      names.push_back(run.predictions.CaseName(i));
-  }
-  auto unavailable = nlohmann::ordered_json::array();
-  for (const UnavailableOutput& output : run.unavailable)
-    unavailable.push_back({{"name", output.name}, {"reason", output.reason}});
-  report["unavailableOutputs"] = std::move(unavailable);
-  if (job.output.empty()) {
-    report["predictions"] = ColumnsJson(run.predictions);
-  } else {
-    report["output"] = {{"file", job.output.string()}};
-  }
-  std::fputs(JsonText(report).c_str(), stdout);
-}
 
 // Predictions on standard output stay alone there: programs read them.
 void ReportTable(const ScoreJob& job, const ScoreRun& run) {
@@ -71,7 +35,11 @@ void ReportTable(const ScoreJob& job, const ScoreRun& run) {
 void Score(const ScoreCall& call) {
   Recording recording(call.record);
   const ScoreRun run = call.job.Run(recording.Job());
-  (call.format == ReportFormat::kJson ? ReportJson : ReportTable)(call.job, run);
+  if (call.format == ReportFormat::kJson) {
+    std::fputs(JsonText(ScoreJson(call.job, run)).c_str(), stdout);
+  } else {
+    ReportTable(call.job, run);
+  }
   recording.Commit();
 }
 

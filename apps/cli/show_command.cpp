@@ -5,7 +5,6 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/design_report.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
@@ -15,6 +14,7 @@
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
+#include "host/jobs/json/design_json.h"
 #include "host/jobs/reports/project_report.h"
 #include "host/reporting/report_file.h"
 #include "host/tables/matrix_sheet.h"

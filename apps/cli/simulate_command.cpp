@@ -1,18 +1,16 @@
 // brenvolt simulate: samples drawn from the distributions that a project's variables carry.
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
-#include "apps/cli/design_report.h"
-#include "apps/cli/fit_json.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
+#include "host/jobs/json/simulation_json.h"
 #include "host/jobs/reports/simulation_report.h"
 #include "host/jobs/simulate_job.h"
 #include "host/jobs/simulation_workbook.h"
@@ -20,8 +18,6 @@
 
 namespace brenvolt::cli {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 struct SimulateCall {
   SimulateJob job;
@@ -41,46 +37,6 @@ std::string DestinationText(const SimulationRun& run) {
          (run.matrixFile.empty() ? "" : "; the repaired matrix to " + run.matrixFile.string());
 }
 
-Json SavedCautionsJson(const std::vector<VariableCautions>& variables) {
-  Json list = Json::array();
-  for (const auto& [variable, cautions] : variables) {
-    for (Json& caution : CautionsJson(cautions)) {
-      Json entry = {{"variable", variable}};
-      entry.update(caution);
-      list.push_back(std::move(entry));
-    }
-  }
-  return list;
-}
-
-// What the job is repeated from.
-Json DrawnJson(const SimulateCall& call, const SimulationRun& run) {
-  Json drawn = {{"method", run.method}, {"truncate", call.job.truncate}};
-  drawn.update(DesignJson(run.design));
-  return drawn;
-}
-
-Json ReportJson(const SimulateCall& call, const SimulationRun& run) {
-  Json report = {{"method", run.results.summary.title},
-                 {"samples", call.Samples()},
-                 {"seed", run.seed},
-                 {"drawn", DrawnJson(call, run)},
-                 {"variables", SummaryJson(run.results.summary)},
-                 {"cautions", SavedCautionsJson(run.cautions)},
-                 {"notes", run.Notes()}};
-  if (!run.results.pairs.empty()) report["correlations"] = CorrelationsJson(run.results);
-  if (const auto repair = run.results.Repair()) report["repair"] = RepairJson(*repair);
-  if (run.repairedMatrix != nullptr) {
-    report["repairedMatrix"] = MatrixJson(run.repairedMatrix->Table());
-  }
-  if (run.file.empty()) return report;
-  report["output"] = {{"file", run.file.string()}};
-  if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
-  if (!run.matrixFile.empty()) report["output"]["matrixFile"] = run.matrixFile.string();
-  if (!run.matrixSheet.empty()) report["output"]["matrixSheet"] = run.matrixSheet;
-  return report;
-}
-
 std::string Samples(std::int64_t count) {
   return std::to_string(count) + (count == 1 ? " sample" : " samples");
 }
@@ -88,7 +44,7 @@ std::string Samples(std::int64_t count) {
 void Report(const SimulateCall& call, const SimulationRun& run) {
   if (call.format == ReportFormat::kCsv) return PrintCsv(SimulationSheet(run.results), call.job.data);
   if (call.format == ReportFormat::kJson) {
-    std::fputs(JsonText(ReportJson(call, run)).c_str(), stdout);
+    std::fputs(JsonText(SimulationJson(call.job, run)).c_str(), stdout);
     return;
   }
   const ResultTable& summary = run.results.summary;

@@ -2,7 +2,6 @@
 // correlations asked for beside those reached.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "host/jobs/simulation_results.h"
@@ -10,8 +9,6 @@
 namespace brenvolt::cli {
 
 std::string SummaryText(const ResultTable& summary);
-// One object per variable.
-nlohmann::ordered_json SummaryJson(const ResultTable& summary);
 
 // Pairs that a table shows at most; a program gets all.
 inline constexpr std::size_t kMostPairsShown = 45;
@@ -19,10 +16,5 @@ inline constexpr std::size_t kMostPairsShown = 45;
 // A line for each pair; of too many those whose Spearman correlation is farthest from that of normal scores with the
 // correlation used.
 std::string CorrelationsText(const SimulationResults& results);
-// One object per pair.
-nlohmann::ordered_json CorrelationsJson(const SimulationResults& results);
-nlohmann::ordered_json RepairJson(const MatrixRepair& repair);
-// The names and the rows of a correlation matrix.
-nlohmann::ordered_json MatrixJson(const Spreadsheet& matrix);
 
 }  // namespace brenvolt::cli

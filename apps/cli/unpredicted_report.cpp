@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <span>
 
-#include "apps/cli/result_json.h"
 #include "apps/cli/text_table.h"
 #include "host/application/no_prediction_text.h"
 
@@ -28,22 +27,6 @@ std::string UnpredictedText(const UnpredictedCases& unpredicted, std::size_t tot
     text += "  and " + std::to_string(reasons.size() - kMostLines) + " further reasons\n";
   }
   return text;
-}
-
-nlohmann::ordered_json UnpredictedJson(const UnpredictedCases& unpredicted) {
-  auto list = nlohmann::ordered_json::array();
-  for (const UnpredictedReason& reason : unpredicted.Reasons()) {
-    nlohmann::ordered_json entry = {{"field", reason.field},
-                                    {"reason", NoPredictionName(reason.reason)},
-                                    {"value", reason.value},
-                                    {"lowest", NumberJson(reason.lowest)},
-                                    {"highest", NumberJson(reason.highest)},
-                                    {"count", reason.cases}};
-    if (reason.field.empty()) entry["field"] = nullptr;
-    if (reason.value.empty()) entry["value"] = nullptr;
-    list.push_back(std::move(entry));
-  }
-  return list;
 }
 
 }  // namespace brenvolt::cli

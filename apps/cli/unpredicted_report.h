@@ -1,7 +1,6 @@
-// Why cases, or runs, have no prediction, as a person reads it and in JSON.
+// Why cases, or runs, have no prediction, as a person reads it.
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 
@@ -12,8 +11,5 @@ namespace brenvolt::cli {
 // "No prediction for 3 of 10 cases" and a line for each reason, the most frequent ones; nothing if all
 // have one. `cases` says what is counted.
 std::string UnpredictedText(const UnpredictedCases& unpredicted, std::size_t total, std::string_view cases);
-
-// An object for each reason.
-nlohmann::ordered_json UnpredictedJson(const UnpredictedCases& unpredicted);
 
 }  // namespace brenvolt::cli

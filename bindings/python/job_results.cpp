@@ -2,10 +2,12 @@
 
 #include <pybind11/stl.h>
 
+#include <algorithm>
 #include <initializer_list>
 #include <limits>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "host/base/number_text.h"
 
@@ -108,6 +110,31 @@ py::list FitDicts(const std::vector<FittedVariable>& variables) {
                          "cautions"_a = TextsOf(variable.Cautions()), "notes"_a = variable.Notes()));
   }
   return list;
+}
+
+py::dict ColumnPlaces() {
+  py::dict groups;
+  const auto add = [&groups](const char* name, std::span<const ResultColumn> columns) {
+    py::dict places;
+    for (const ResultColumn& column : columns) {
+      py::list keys;
+      for (std::string_view rest = column.json; !rest.empty();) {
+        const std::size_t end = std::min(rest.find('/', 1), rest.size());
+        keys.append(std::string(rest.substr(1, end - 1)));
+        rest.remove_prefix(end);
+      }
+      places[py::str(std::string(column.identifier))] = keys;
+    }
+    groups[name] = places;
+  };
+  add("read_off", kReadOff);
+  add("likelihood", kLikelihood);
+  add("distance", kCurveDistance);
+  add("steps", kCurveSteps);
+  add("positions", kPlottingPositions);
+  add("levels", kChartLevels);
+  add("signals", kSignals);
+  return groups;
 }
 
 py::dict CautionTexts(const std::vector<VariableCautions>& variables) {

@@ -20,5 +20,7 @@ pybind11::dict PairDicts(const SimulationResults& results);
 // The correlations that took the place of those asked for, {name: {name: number}}; None where there was no repair.
 pybind11::object RepairedMatrix(const SimulationResults& results);
 pybind11::dict ProfileDict(const ProfileResults& results);
+// {table: {column: the keys of its place in an object of JSON}}, of the tables that are read out of JSON.
+pybind11::dict ColumnPlaces();
 
 }  // namespace brenvolt::python

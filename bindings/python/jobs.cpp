@@ -36,6 +36,9 @@
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
+#include "host/jobs/json/fit_json.h"
+#include "host/jobs/json/measured_json.h"
+#include "host/jobs/json/preview_json.h"
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/measured/censored_fit_job.h"
 #include "host/jobs/profile/profile_graphs.h"
@@ -152,11 +155,7 @@ Sheet Score(const ScoreJob& job, const Sheet& cases) {
 // The report of the command as JSON.
 std::string Capability(const CapabilityJob& job, const Sheet& sheet) {
   std::string report;
-  CarryOut(nullptr, [&] {
-    RefuseRecordedPlot(job.plot, TheJob());
-    RefuseRecordedReport(job.report, TheJob());
-    report = JsonText(CapabilityJson(RunReported(job, sheet->Sheet())));
-  });
+  CarryOut(nullptr, [&] { report = JsonText(CapabilityJson(RunReported(job, sheet->Sheet()))); });
   return report;
 }
 
@@ -568,11 +567,7 @@ void BindScoreJob(py::module_& module) {
 // The report of the command as JSON.
 std::string FitCensored(const CensoredFitJob& job, const Sheet& sheet) {
   std::string report;
-  CarryOut(nullptr, [&] {
-    RefuseRecordedPlot(job.fit.plot, TheJob());
-    RefuseRecordedReport(job.fit.report, TheJob());
-    report = JsonText(CensoredJson(RunReported(job, sheet->Sheet())));
-  });
+  CarryOut(nullptr, [&] { report = JsonText(CensoredJson(RunReported(job, sheet->Sheet()))); });
   return report;
 }
 
@@ -619,6 +614,7 @@ void BindJobs(py::module_& module) {
   BindCapabilityJob(module);
   BindCensoredFitJob(module);
   module.attr("NotSet") = kNotSet;
+  module.attr("_columns") = ColumnPlaces();
   module.def(
       "_take_former_properties",
       [](const Sheet& sheet, const std::filesystem::path& path) {

@@ -25,14 +25,16 @@ enum class Quantity : std::uint8_t {
 struct ResultColumn {
   std::string_view identifier;  // also names the column in frames
   std::string_view json;        // its place in the object of a row in JSON (a pointer of RFC 6901), or empty
-  std::int32_t heading;         // the number of a text of the module
+  std::int32_t heading;         // the number of a text of the module; 0 of what jobs find without it
   Quantity quantity = Quantity::kMeasure;
+  bool hasLimits = false;  // of a statistic: whether there may be confidence limits for it
 };
 
 namespace result_columns {
 
 // In the order of the reports. Columns that share a heading differ in the table or in their place in it.
 using enum Quantity;
+constexpr bool kHasLimits = true;
 
 // Columns without a place in JSON of their own: texts, and those that are numbered ("parameter.1", …).
 inline constexpr ResultColumn kOthers[] = {{"kind", "", 20740},        {"code", "", 20750},
@@ -117,22 +119,22 @@ inline constexpr ResultColumn kCapability[] = {
     {"usl", "/specification/upper", 20872},
     {"normal_p", "/normalPValue", 20874, kPValue},
     {"within_deviation", "/within/standardDeviation", 20873},
-    {"cp", "/within/cp", 20875},
-    {"cpl", "/within/cpl", 20876},
-    {"cpu", "/within/cpu", 20877},
-    {"cpk", "/within/cpk", 20878},
-    {"within_below", "/within/expectedPpm/below", 20887, kPartsPerMillion},
-    {"within_above", "/within/expectedPpm/above", 20888, kPartsPerMillion},
-    {"within_total", "/within/expectedPpm/total", 20889, kPartsPerMillion},
+    {"cp", "/within/cp", 20875, kMeasure, kHasLimits},
+    {"cpl", "/within/cpl", 20876, kMeasure, kHasLimits},
+    {"cpu", "/within/cpu", 20877, kMeasure, kHasLimits},
+    {"cpk", "/within/cpk", 20878, kMeasure, kHasLimits},
+    {"within_below", "/within/expectedPpm/below", 20887, kPartsPerMillion, kHasLimits},
+    {"within_above", "/within/expectedPpm/above", 20888, kPartsPerMillion, kHasLimits},
+    {"within_total", "/within/expectedPpm/total", 20889, kPartsPerMillion, kHasLimits},
     {"overall_deviation", "/overall/standardDeviation", 20744},
-    {"pp", "/overall/pp", 20880},
-    {"ppl", "/overall/ppl", 20881},
-    {"ppu", "/overall/ppu", 20882},
-    {"ppk", "/overall/ppk", 20883},
+    {"pp", "/overall/pp", 20880, kMeasure, kHasLimits},
+    {"ppl", "/overall/ppl", 20881, kMeasure, kHasLimits},
+    {"ppu", "/overall/ppu", 20882, kMeasure, kHasLimits},
+    {"ppk", "/overall/ppk", 20883, kMeasure, kHasLimits},
     {"cpm", "/overall/cpm", 20879},
-    {"overall_below", "/overall/expectedPpm/below", 20890, kPartsPerMillion},
-    {"overall_above", "/overall/expectedPpm/above", 20891, kPartsPerMillion},
-    {"overall_total", "/overall/expectedPpm/total", 20892, kPartsPerMillion}};
+    {"overall_below", "/overall/expectedPpm/below", 20890, kPartsPerMillion, kHasLimits},
+    {"overall_above", "/overall/expectedPpm/above", 20891, kPartsPerMillion, kHasLimits},
+    {"overall_total", "/overall/expectedPpm/total", 20892, kPartsPerMillion, kHasLimits}};
 inline constexpr ResultColumn kCapabilityByPercentiles[] = {
     {"low_point", "/percentiles/p0.135", 20893},
     {"median_point", "/percentiles/p50", 20894},
@@ -145,9 +147,63 @@ inline constexpr ResultColumn kCapabilityByPercentiles[] = {
     {"percentile_above", "/percentiles/expectedPpm/above", 20901, kPartsPerMillion},
     {"percentile_total", "/percentiles/expectedPpm/total", 20902, kPartsPerMillion}};
 inline constexpr ResultColumn kObserved[] = {
-    {"observed_below", "/observedPpm/below", 20884, kPartsPerMillion},
-    {"observed_above", "/observedPpm/above", 20885, kPartsPerMillion},
-    {"observed_total", "/observedPpm/total", 20886, kPartsPerMillion}};
+    {"observed_below", "/observedPpm/below", 20884, kPartsPerMillion, kHasLimits},
+    {"observed_above", "/observedPpm/above", 20885, kPartsPerMillion, kHasLimits},
+    {"observed_total", "/observedPpm/total", 20886, kPartsPerMillion, kHasLimits}};
+
+// What jobs find without the module. The identifiers are those of frames, each the only one in its table: other tables may
+// have it as well, so that "_column" does not find these.
+
+// Of a value that is read off a fit; of a fit of censored values, beside the likelihood.
+inline constexpr ResultColumn kReadOff[] = {
+    {"probability", "/probability", 0},          {"value", "/value", 0},
+    {"return_period", "/returnPeriod", 0},       {"lower", "/byCovariance/lower", 0},
+    {"upper", "/byCovariance/upper", 0},         {"bootstrap_lower", "/byBootstrap/lower", 0},
+    {"bootstrap_upper", "/byBootstrap/upper", 0}};
+inline constexpr ResultColumn kCensoredSearch[] = {{"iterations", "/iterations", 0, kCount},
+                                                   {"gradient", "/gradient", 0}};
+inline constexpr ResultColumn kCurveDistance[] = {{"distance", "/distance", 0, kStatistic}};
+// Of a distribution function that is estimated without a distribution.
+inline constexpr ResultColumn kCurveSteps[] = {
+    {"from", "/from", 0}, {"to", "/to", 0}, {"before", "/before", 0}, {"after", "/after", 0}};
+inline constexpr ResultColumn kPlottingPositions[] = {{"value", "/value", 0},
+                                                      {"probability", "/probability", 0}};
+
+// Of a measured process: the points of a control chart and its signals.
+inline constexpr ResultColumn kChartLevels[] = {
+    {"points", "/points", 0}, {"lower", "/lower", 0}, {"centre", "/centre", 0}, {"upper", "/upper", 0}};
+inline constexpr ResultColumn kSignals[] = {
+    {"point", "/point", 0}, {"rule", "/rule", 0, kCount}, {"text", "/text", 0}};
+// Its figures, each with its limits.
+inline constexpr ResultColumn kIndicesWithin[] = {{"cp", "/indices/cp", 0},
+                                                  {"cpl", "/indices/cpl", 0},
+                                                  {"cpu", "/indices/cpu", 0},
+                                                  {"cpk", "/indices/cpk", 0}};
+inline constexpr ResultColumn kIndicesOverall[] = {{"pp", "/indices/pp", 0},
+                                                   {"ppl", "/indices/ppl", 0},
+                                                   {"ppu", "/indices/ppu", 0},
+                                                   {"ppk", "/indices/ppk", 0}};
+inline constexpr ResultColumn kTargetIndex[] = {{"cpm", "/indices/cpm", 0}};
+inline constexpr ResultColumn kIndicesByPercentiles[] = {{"percentiles_pp", "/percentiles/pp", 0},
+                                                         {"percentiles_ppl", "/percentiles/ppl", 0},
+                                                         {"percentiles_ppu", "/percentiles/ppu", 0},
+                                                         {"percentiles_ppk", "/percentiles/ppk", 0}};
+inline constexpr ResultColumn kPpmByPercentiles[] = {
+    {"ppm_percentiles_below", "/percentiles/expectedPpm/below", 0, kPartsPerMillion},
+    {"ppm_percentiles_above", "/percentiles/expectedPpm/above", 0, kPartsPerMillion},
+    {"ppm_percentiles_total", "/percentiles/expectedPpm/total", 0, kPartsPerMillion}};
+inline constexpr ResultColumn kPpmObserved[] = {
+    {"ppm_observed_below", "/ppm/observed/below", 0, kPartsPerMillion},
+    {"ppm_observed_above", "/ppm/observed/above", 0, kPartsPerMillion},
+    {"ppm_observed_total", "/ppm/observed/total", 0, kPartsPerMillion}};
+inline constexpr ResultColumn kPpmWithin[] = {
+    {"ppm_expectedWithin_below", "/ppm/expectedWithin/below", 0, kPartsPerMillion},
+    {"ppm_expectedWithin_above", "/ppm/expectedWithin/above", 0, kPartsPerMillion},
+    {"ppm_expectedWithin_total", "/ppm/expectedWithin/total", 0, kPartsPerMillion}};
+inline constexpr ResultColumn kPpmOverall[] = {
+    {"ppm_expectedOverall_below", "/ppm/expectedOverall/below", 0, kPartsPerMillion},
+    {"ppm_expectedOverall_above", "/ppm/expectedOverall/above", 0, kPartsPerMillion},
+    {"ppm_expectedOverall_total", "/ppm/expectedOverall/total", 0, kPartsPerMillion}};
 
 }  // namespace result_columns
 

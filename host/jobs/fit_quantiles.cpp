@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "host/base/error.h"
@@ -13,28 +12,6 @@
 
 namespace brenvolt {
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json NumberOrNull(double value) {
-  return IsNotSet(value) || !std::isfinite(value) ? Json(nullptr) : Json(value);
-}
-
-Json IntervalJson(const ConfidenceInterval& interval) {
-  return {{"lower", NumberOrNull(interval.lower)}, {"upper", NumberOrNull(interval.upper)}};
-}
-
-Json RowsJson(const std::vector<FitQuantiles::Row>& rows) {
-  Json list = Json::array();
-  for (const FitQuantiles::Row& row : rows) {
-    list.push_back({{"probability", row.probability},
-                    {"value", NumberOrNull(row.value)},
-                    {"returnPeriod", row.returnPeriod ? Json(*row.returnPeriod) : Json(nullptr)},
-                    {"byCovariance", IntervalJson(row.byCovariance)},
-                    {"byBootstrap", IntervalJson(row.byBootstrap)}});
-  }
-  return list;
-}
 
 // The valid values, ascending.
 std::vector<double> SortedValues(const Spreadsheet& sheet, const std::string& name) {
@@ -163,16 +140,6 @@ std::vector<std::optional<FitQuantiles>> AllQuantiles(const FitJob& job,
   std::vector<std::optional<FitQuantiles>> all;
   for (const FittedVariable& variable : variables) all.push_back(QuantilesOf(job, variable, all.size() + 1));
   return all;
-}
-
-Json QuantilesJson(const std::optional<FitQuantiles>& found) {
-  if (!found) return nullptr;
-  return {{"distribution", found->distribution},
-          {"confidence", found->confidence},
-          {"bootstrapSamples", found->samples},
-          {"quantiles", RowsJson(found->quantiles)},
-          {"exceedances", RowsJson(found->exceedances)},
-          {"note", found->note.empty() ? Json(nullptr) : Json(found->note)}};
 }
 
 std::vector<PlotPage> ReturnLevelPlots(const FitJob& job, AutomationObject& dialog,

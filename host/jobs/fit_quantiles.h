@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -47,8 +46,6 @@ std::optional<FitQuantiles> QuantilesOf(const FitJob& job, const FittedVariable&
 // The same for all variables that the results show.
 std::vector<std::optional<FitQuantiles>> AllQuantiles(const FitJob& job,
                                                       const std::vector<FittedVariable>& variables);
-// Null without.
-nlohmann::ordered_json QuantilesJson(const std::optional<FitQuantiles>& found);
 
 // The return levels of each variable that the open dialog shows, over the reduced variate -ln(-ln p), with the values at
 // their plotting positions.

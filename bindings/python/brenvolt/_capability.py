@@ -77,9 +77,10 @@ class CapabilityResult:
         self.is_stable: bool = stability["isStable"]
         self.warning: str | None = stability["warning"]
         self.location, self.dispersion = (_chart(stability[which]) for which in ("location", "dispersion"))
-        self.signals = pandas.DataFrame(
-            [{"chart": stability[which]["of"], **signal} for which in ("location", "dispersion")
-             for signal in stability[which]["signals"]], columns=["chart", "point", "rule", "text"])
+        signals = [(stability[which]["of"], signal) for which in ("location", "dispersion")
+                   for signal in stability[which]["signals"]]
+        self.signals = _jobs._frame([signal for _, signal in signals], "signals")
+        self.signals.insert(0, "chart", [chart for chart, _ in signals])
         self.indices = pandas.DataFrame.from_dict(report["indices"], orient="index", dtype=float)
         self.percentiles: dict[str, Any] | None = report["percentiles"]
         rows = {(kind, which): one for kind, parts in report["ppm"].items() for which, one in parts.items()}
@@ -99,5 +100,4 @@ class CapabilityResult:
 def _chart(chart: Mapping[str, Any]) -> pandas.DataFrame:
     import pandas
 
-    columns = {column: chart[column] for column in ("points", "lower", "centre", "upper")}
-    return pandas.DataFrame(columns, index=chart["names"], dtype=float)
+    return pandas.DataFrame(_jobs._numbers_of(chart, "levels"), index=chart["names"], dtype=float)

@@ -49,8 +49,6 @@ class CensoredVariable:
     """
 
     def __init__(self, found: dict[str, Any]) -> None:
-        import pandas
-
         self.name: str = found["name"]
         self.n: int = found["n"]
         self.missing: int = found["missing"]
@@ -62,8 +60,8 @@ class CensoredVariable:
                                                        else fit["offset"]) for fit in self._fits]
         curve = found["curve"]
         self.estimator: str = curve["estimator"]
-        self.curve = pandas.DataFrame(curve["steps"], columns=["from", "to", "before", "after"], dtype=float)
-        self.positions = pandas.DataFrame(curve["plottingPositions"], columns=["value", "probability"], dtype=float)
+        self.curve = _jobs._frame(curve["steps"], "steps", dtype=float)
+        self.positions = _jobs._frame(curve["plottingPositions"], "positions", dtype=float)
 
     @property
     def best(self) -> _distributions.Distribution | None:
@@ -79,8 +77,8 @@ class CensoredVariable:
         rows = []
         for fit, distribution in zip(self._fits, self.distributions):
             rows.append({"rank": fit["rank"], "distribution": fit["distribution"], **_jobs._scalars(distribution),
-                         "log_likelihood": fit["logLikelihood"], "aic": fit["aic"], "bic": fit["bic"],
-                         "distance": fit["distance"], "reason": fit["reason"] or ""})
+                         **_jobs._numbers_of(fit, "likelihood"), **_jobs._numbers_of(fit, "distance"),
+                         "reason": fit["reason"] or ""})
         return pandas.DataFrame(rows)
 
     @property

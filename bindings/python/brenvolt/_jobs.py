@@ -491,16 +491,24 @@ class FittedVariable:
         return f"<FittedVariable {self.name}: {self.best!r}>"
 
 
+def _numbers_of(row, table):
+    """The numbers of an object of JSON by the columns of frames."""
+    return {column: functools.reduce(lambda part, key: part[key], places, row)
+            for column, places in _brenvolt._columns[table].items()}
+
+
+def _frame(rows, table, **options):
+    """A DataFrame of objects of JSON, a row for each."""
+    import pandas
+
+    return pandas.DataFrame([_numbers_of(row, table) for row in rows], columns=list(_brenvolt._columns[table]), **options)
+
+
 def _read_off(quantiles, which):
     """A DataFrame of what was read off a fit, or None."""
     if quantiles is None or not quantiles[which]:
         return None
-    import pandas
-
-    rows = [{"probability": row["probability"], "value": row["value"], "return_period": row["returnPeriod"],
-             **row["byCovariance"], **{f"bootstrap_{end}": one for end, one in row["byBootstrap"].items()}}
-            for row in quantiles[which]]
-    return pandas.DataFrame(rows).astype(float)
+    return _frame(quantiles[which], "read_off", dtype=float)
 
 
 def _distribution(fit):

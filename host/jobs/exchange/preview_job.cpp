@@ -1,7 +1,6 @@
 #include "host/jobs/exchange/preview_job.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 
 #include "host/base/number_text.h"
 #include "host/tables/csv_layout.h"
@@ -62,26 +61,6 @@ FilePreview PreviewJob::Run() const {
   for (std::size_t i = 0; i < file.workbook.SheetCount(); ++i)
     preview.sheets.push_back(PreviewOf(file.workbook.SheetAt(i)));
   return preview;
-}
-
-nlohmann::ordered_json PreviewJson(const FilePreview& preview) {
-  using Json = nlohmann::ordered_json;
-  Json json{{"readAs", preview.readAs}, {"doubts", Json::array()}, {"sheets", Json::array()}};
-  for (const ReadingNote& doubt : preview.doubts)
-    json["doubts"].push_back({{"option", doubt.field}, {"message", doubt.message}});
-  for (const PreviewedSheet& sheet : preview.sheets) {
-    Json variables = Json::array();
-    for (const PreviewedVariable& variable : sheet.variables) {
-      variables.push_back({{"name", variable.name},
-                           {"type", variable.type},
-                           {"unit", variable.unit},
-                           {"missing", variable.missing},
-                           {"first", variable.first}});
-    }
-    json["sheets"].push_back(
-        {{"name", sheet.name}, {"kind", sheet.kind}, {"cases", sheet.cases}, {"variables", variables}});
-  }
-  return json;
 }
 
 }  // namespace brenvolt

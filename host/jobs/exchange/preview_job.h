@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -41,7 +40,5 @@ struct PreviewJob {
   // Throws WrongJob and Error.
   FilePreview Run() const;
 };
-
-nlohmann::ordered_json PreviewJson(const FilePreview& preview);
 
 }  // namespace brenvolt

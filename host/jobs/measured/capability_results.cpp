@@ -1,104 +1,55 @@
 #include "host/jobs/measured/capability_results.h"
 
-#include <cmath>
-#include <nlohmann/json.hpp>
 #include <set>
+#include <utility>
 
 #include "host/base/number_text.h"
 
 namespace brenvolt {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using namespace result_columns;
 
-Json Number(double value) {
-  return IsNotSet(value) || !std::isfinite(value) ? Json(nullptr) : Json(value);
-}
-
-Json Estimate(double value, const ConfidenceInterval& interval) {
-  return {{"value", Number(value)}, {"lower", Number(interval.lower)}, {"upper", Number(interval.upper)}};
-}
-
-Json Numbers(const std::vector<double>& values) {
-  Json list = Json::array();
-  for (const double value : values) list.push_back(Number(value));
-  return list;
-}
-
-Json DeviationJson(const DeviationEstimate& estimate) {
-  return {{"value", Number(estimate.deviation)}, {"degreesOfFreedom", Number(estimate.degrees)}};
-}
-
-Json SignalsJson(const CapabilityFindings& found, bool isLocation) {
-  Json list = Json::array();
-  const ControlChart& chart = isLocation ? found.charts.location : found.charts.dispersion;
-  for (const ControlSignal& signal : chart.signals) {
-    list.push_back({{"point", isLocation ? found.names[signal.point] : found.DispersionName(signal.point)},
-                    {"rule", signal.rule + 1},
-                    {"text", found.RuleText(found.rules[signal.rule])}});
+class FigureList {
+ public:
+  void Add(const ResultColumn& column, double value, const ConfidenceInterval& interval) {
+    figures_.push_back({column, value, interval});
   }
-  return list;
-}
+  void Add(std::span<const ResultColumn, 4> columns, const CapabilityIndices& indices,
+           const IndexIntervals& intervals) {
+    Add(columns[0], indices.potential, intervals.potential);
+    Add(columns[1], indices.lower, intervals.lower);
+    Add(columns[2], indices.upper, intervals.upper);
+    Add(columns[3], indices.least, intervals.least);
+  }
+  void Add(std::span<const ResultColumn, 3> columns, const PartsPerMillion& parts,
+           const PartsIntervals& intervals) {
+    Add(columns[0], parts.below, intervals.below);
+    Add(columns[1], parts.above, intervals.above);
+    Add(columns[2], parts.total, intervals.total);
+  }
+  std::vector<CapabilityFigure> All() && { return std::move(figures_); }
 
-Json ChartJson(const CapabilityFindings& found, bool isLocation) {
-  const ControlChart& chart = isLocation ? found.charts.location : found.charts.dispersion;
-  Json names = Json::array();
-  for (std::size_t i = 0; i < chart.points.size(); ++i)
-    names.push_back(isLocation ? found.names[i] : found.DispersionName(i));
-  return {{"of", isLocation ? found.LocationTitle() : found.DispersionTitle()},
-          {"names", std::move(names)},
-          {"points", Numbers(chart.points)},
-          {"centre", Numbers(chart.centre)},
-          {"lower", Numbers(chart.lower)},
-          {"upper", Numbers(chart.upper)},
-          {"signals", SignalsJson(found, isLocation)}};
-}
-
-Json IndicesJson(const CapabilityReport& report) {
-  const CapabilityIndices& c = report.within;
-  const IndexIntervals& ci = report.withinIntervals;
-  const CapabilityIndices& p = report.overall;
-  const IndexIntervals& pi = report.overallIntervals;
-  return {{"cp", Estimate(c.potential, ci.potential)},
-          {"cpl", Estimate(c.lower, ci.lower)},
-          {"cpu", Estimate(c.upper, ci.upper)},
-          {"cpk", Estimate(c.least, ci.least)},
-          {"pp", Estimate(p.potential, pi.potential)},
-          {"ppl", Estimate(p.lower, pi.lower)},
-          {"ppu", Estimate(p.upper, pi.upper)},
-          {"ppk", Estimate(p.least, pi.least)},
-          {"cpm", Estimate(report.cpm, {})}};
-}
-
-Json PartsJson(const PartsPerMillion& parts, const PartsIntervals& intervals) {
-  return {{"below", Estimate(parts.below, intervals.below)},
-          {"above", Estimate(parts.above, intervals.above)},
-          {"total", Estimate(parts.total, intervals.total)}};
-}
-
-Json FittedJson(const FittedCapability& fitted) {
-  const PercentileCapability& found = fitted.percentiles;
-  const IndexIntervals& intervals = fitted.intervals.indices;
-  return {{"distribution", fitted.notation},
-          {"lowPoint", Number(found.low)},
-          {"median", Number(found.median)},
-          {"highPoint", Number(found.high)},
-          {"bootstrapSamples", fitted.samples},
-          {"pp", Estimate(found.indices.potential, intervals.potential)},
-          {"ppl", Estimate(found.indices.lower, intervals.lower)},
-          {"ppu", Estimate(found.indices.upper, intervals.upper)},
-          {"ppk", Estimate(found.indices.least, intervals.least)},
-          {"expectedPpm", PartsJson(found.expected, fitted.intervals.expected)}};
-}
-
-Json SubgroupsJson(const CapabilityFindings& found) {
-  if (found.subgroups.empty()) return nullptr;
-  std::set<std::size_t> sizes;
-  for (const SubgroupStatistics& one : found.subgroups) sizes.insert(one.count);
-  return {{"count", found.subgroups.size()}, {"sizes", sizes}};
-}
+ private:
+  std::vector<CapabilityFigure> figures_;
+};
 
 }  // namespace
+
+std::vector<CapabilityFigure> CapabilityFindings::Figures() const {
+  FigureList figures;
+  figures.Add(kIndicesWithin, report.within, report.withinIntervals);
+  figures.Add(kIndicesOverall, report.overall, report.overallIntervals);
+  figures.Add(kTargetIndex[0], report.cpm, {});
+  if (fitted) {
+    figures.Add(kIndicesByPercentiles, fitted->percentiles.indices, fitted->intervals.indices);
+    figures.Add(kPpmByPercentiles, fitted->percentiles.expected, fitted->intervals.expected);
+  }
+  figures.Add(kPpmObserved, report.observed, report.observedIntervals);
+  figures.Add(kPpmWithin, report.expectedWithin, report.expectedWithinIntervals);
+  figures.Add(kPpmOverall, report.expectedOverall, report.expectedOverallIntervals);
+  return std::move(figures).All();
+}
 
 std::string CapabilityFindings::RuleText(const ControlRule& rule) const {
   const std::string needed = std::to_string(rule.needed);
@@ -145,42 +96,6 @@ std::string CapabilityFindings::Warning() const {
          std::to_string(charts.location.points.size()) +
          " points end a signal of the control charts. Its capability can change at any time; find the causes "
          "before you rely on the indices";
-}
-
-Json CapabilityJson(const CapabilityFindings& found) {
-  const CapabilityReport& report = found.report;
-  const ProcessSample& sample = report.sample;
-  Json json = {{"response", found.response},
-               {"cases", found.cases},
-               {"n", sample.count},
-               {"specification",
-                {{"lower", Number(found.limits.lower)},
-                 {"target", Number(found.limits.target)},
-                 {"upper", Number(found.limits.upper)}}},
-               {"subgroups", SubgroupsJson(found)}};
-  json["stability"] = {{"isStable", found.IsStable()},
-                       {"warning", found.IsStable() ? Json(nullptr) : Json(found.Warning())},
-                       {"controlChart", found.chartWord},
-                       {"rules", found.rulesWord},
-                       {"location", ChartJson(found, true)},
-                       {"dispersion", ChartJson(found, false)}};
-  json["normality"] = {{"andersonDarling", Number(found.normality.statistic)},
-                       {"pValue", Number(found.normality.pValue)}};
-  json["mean"] = Number(sample.mean);
-  json["deviations"] = {{"overall", Number(sample.overall)},
-                        {"within", found.withinWord},
-                        {"movingRange", DeviationJson(found.movingRange)},
-                        {"rBar", DeviationJson(found.within.ranges)},
-                        {"sBar", DeviationJson(found.within.deviations)},
-                        {"pooled", DeviationJson(found.within.pooled)}};
-  json["confidence"] = found.confidence;
-  json["indices"] = IndicesJson(report);
-  json["percentiles"] = found.fitted ? FittedJson(*found.fitted) : Json(nullptr);
-  json["ppm"] = {{"observed", PartsJson(report.observed, report.observedIntervals)},
-                 {"expectedWithin", PartsJson(report.expectedWithin, report.expectedWithinIntervals)},
-                 {"expectedOverall", PartsJson(report.expectedOverall, report.expectedOverallIntervals)}};
-  json["notes"] = found.notes;
-  return json;
 }
 
 }  // namespace brenvolt

@@ -1,13 +1,13 @@
-// What is found about the capability of a measured process, as numbers, and the same for programs.
+// What is found about the capability of a measured process, as numbers.
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "host/analysis/result_columns.h"
 #include "host/statistics/capability.h"
 #include "host/statistics/control_charts.h"
 #include "host/statistics/normality.h"
@@ -22,6 +22,13 @@ struct FittedCapability {
   PercentileCapability percentiles;
   PercentileIntervals intervals = {};  // by bootstrap; not set without
   std::size_t samples = 0;             // of the bootstrap, those that could be fitted
+};
+
+// An index or the parts per million beyond a limit. What is not set there is none of.
+struct CapabilityFigure {
+  const ResultColumn& column;
+  double value;
+  ConfidenceInterval interval;
 };
 
 struct CapabilityFindings {
@@ -53,8 +60,8 @@ struct CapabilityFindings {
   const std::string& DispersionName(std::size_t point) const;
   const char* LocationTitle() const;    // "X-bar"
   const char* DispersionTitle() const;  // "R"
+  // In the order of the reports; those by percentiles where a distribution was fitted.
+  std::vector<CapabilityFigure> Figures() const;
 };
-
-nlohmann::ordered_json CapabilityJson(const CapabilityFindings& found);
 
 }  // namespace brenvolt

@@ -1,12 +1,12 @@
-// What a fit of censored values found, as numbers, and the same for programs.
+// What a fit of censored values found, as numbers.
 #pragma once
 
 #include <cstddef>
-#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "host/analysis/result_table.h"
 #include "host/jobs/fit_quantiles.h"
 #include "host/numeric/censored/survival_curve.h"
 #include "host/statistics/fit_intervals.h"
@@ -27,6 +27,8 @@ struct CensoredFit {
   double distance = 0;  // the greatest from the curve without a distribution, at the plotting positions
 
   bool IsValid() const { return reason.empty(); }
+  // Those of the columns of censored fits, NaN where the fit failed.
+  ResultRow Statistics() const;
 };
 
 struct CensoredVariable {
@@ -49,7 +51,5 @@ struct CensoredVariable {
 struct CensoredFindings {
   std::vector<CensoredVariable> variables;
 };
-
-nlohmann::ordered_json CensoredJson(const CensoredFindings& found);
 
 }  // namespace brenvolt

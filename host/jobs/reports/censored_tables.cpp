@@ -9,6 +9,8 @@
 namespace brenvolt {
 namespace {
 
+using namespace result_columns;
+
 std::string CountsText(const CensoredVariable& variable) {
   std::string text = std::to_string(variable.exact) + " exact";
   const std::pair<const char*, std::size_t> counts[] = {{"right censored", variable.right},
@@ -55,9 +57,13 @@ ReportTable CensoredRankingTable(const CensoredVariable& variable) {
       table.notes.push_back(fit.name + ": no fit: " + fit.reason);
       continue;
     }
-    table.AddRow({fit.name, ValuesText(fit), FormatNumber("%.3f", fit.logLikelihood),
-                  FormatNumber("%.2f", fit.aic), FormatNumber("%.2f", fit.bic),
-                  FormatNumber("%.4f", fit.distance)});
+    const ResultRow statistics = fit.Statistics();
+    std::vector<std::string> cells{fit.name, ValuesText(fit)};
+    for (const std::span<const ResultColumn> columns :
+         {std::span<const ResultColumn>(kLikelihood), std::span<const ResultColumn>(kCurveDistance)}) {
+      for (const ResultColumn& column : columns) cells.push_back(Cell(statistics, column));
+    }
+    table.AddRow(std::move(cells));
   }
   return table;
 }

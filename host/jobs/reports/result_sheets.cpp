@@ -1,6 +1,7 @@
 #include "host/jobs/reports/result_sheets.h"
 
-#include <nlohmann/json.hpp>
+#include <cmath>
+#include <iterator>
 #include <string>
 #include <utility>
 
@@ -17,18 +18,6 @@ void PutParameters(const std::vector<double>& values, const std::vector<double>&
     const std::string number = std::to_string(i + 1);
     sheet.Put("parameter." + number, values[i]);
     if (i < errors.size()) sheet.Put("standard_error." + number, errors[i]);
-  }
-}
-
-// A row of a figure, its value with the limits of its interval.
-void PutFigure(const std::string& name, const nlohmann::ordered_json& figure, const CapabilityFindings& found,
-               RowSheet& sheet) {
-  sheet.BeginRow();
-  sheet.Put("response", found.response);
-  sheet.Put("figure", name);
-  for (const auto& [key, value] : figure.items()) {
-    if (value.is_number() || value.is_null())
-      sheet.Put(key, value.is_number() ? value.get<double>() : GetDefaultMDValue());
   }
 }
 
@@ -69,10 +58,8 @@ Spreadsheet CensoredSheet(const CensoredFindings& found) {
       sheet.Put("description", fit.notation);
       sheet.Put("reason", fit.reason);
       if (!fit.IsValid()) continue;
-      sheet.Put("log_likelihood", fit.logLikelihood);
-      sheet.Put("aic", fit.aic);
-      sheet.Put("bic", fit.bic);
-      sheet.Put("distance", fit.distance);
+      sheet.Put(fit.Statistics(), kLikelihood);
+      sheet.Put(fit.Statistics(), kCurveDistance);
       sheet.Put("offset", fit.values.offset);
       PutParameters(fit.values.values, fit.standardErrors, sheet);
     }
@@ -82,15 +69,14 @@ Spreadsheet CensoredSheet(const CensoredFindings& found) {
 
 Spreadsheet CapabilitySheet(const CapabilityFindings& found) {
   RowSheet sheet;
-  const nlohmann::ordered_json report = CapabilityJson(found);
-  for (const auto& [name, figure] : report["indices"].items()) PutFigure(name, figure, found, sheet);
-  const nlohmann::ordered_json& fitted = report["percentiles"];
-  for (const char* name : {"pp", "ppl", "ppu", "ppk"}) {
-    if (!fitted.is_null()) PutFigure(std::string("percentiles_") + name, fitted[name], found, sheet);
-  }
-  for (const auto& [basis, parts] : report["ppm"].items()) {
-    for (const auto& [side, figure] : parts.items())
-      PutFigure("ppm_" + basis + "_" + side, figure, found, sheet);
+  for (const CapabilityFigure& figure : found.Figures()) {
+    const double numbers[] = {figure.value, figure.interval.lower, figure.interval.upper};
+    sheet.BeginRow();
+    sheet.Put("response", found.response);
+    sheet.Put("figure", std::string(figure.column.identifier));
+    for (std::size_t i = 0; i < std::size(numbers); ++i)
+      sheet.Put(kEstimates[i].identifier,
+                IsNotSet(numbers[i]) || !std::isfinite(numbers[i]) ? GetDefaultMDValue() : numbers[i]);
   }
   return std::move(sheet).Made("capability");
 }

@@ -1,15 +1,15 @@
-// The report of the profiler for programs.
-#include <algorithm>
-#include <array>
+#include "host/jobs/json/profile_json.h"
+
 #include <cmath>
 #include <string>
-#include <string_view>
+#include <utility>
+#include <variant>
 
-#include "apps/cli/profile_report.h"
-#include "apps/cli/result_json.h"
 #include "host/base/number_text.h"
+#include "host/jobs/json/design_json.h"
+#include "host/jobs/json/result_json.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -24,22 +24,13 @@ Json PercentilesJson(std::span<const ResultRow> rows) {
   return list;
 }
 
-// What never has confidence limits.
-constexpr std::array<std::string_view, 7> kWithoutLimits{
-    "lsl", "target", "usl", "normal_p", "within_deviation", "overall_deviation", "cpm"};
-
-bool HasLimits(const ResultColumn& statistic) {
-  const bool isByPercentiles = std::string_view(statistic.json).starts_with("/percentiles/");
-  return !isByPercentiles && std::ranges::find(kWithoutLimits, statistic.identifier) == kWithoutLimits.end();
-}
-
 // The values of some rows; a value that may have confidence limits is an object of the three, whether or not these
 // runs give any.
 void AddEstimates(const ResultTable& table, std::span<const ResultColumn> statistics, Json& json) {
   for (const ResultColumn& statistic : statistics) {
     const ResultRow& row = table.Row(statistic);
     Json& place = PlaceOf(statistic, json);
-    if (!HasLimits(statistic) || std::isnan(row.Number("value"_column))) {
+    if (!statistic.hasLimits || std::isnan(row.Number("value"_column))) {
       place = NumberJson(row.Number("value"_column));
     } else {
       AddNumbers(row, kEstimates, place);
@@ -97,9 +88,37 @@ Json ResponseJson(const ResponseResults& response) {
           {"capability", response.capability ? CapabilityJson(*response.capability) : Json(nullptr)}};
 }
 
+Json FixedJson(const std::vector<PredictorUse>& predictors) {
+  Json list = Json::array();
+  for (const PredictorUse& one : predictors) {
+    if (!one.fixed) continue;
+    Json entry = {{"predictor", one.name}, {"value", nullptr}};
+    std::visit([&entry](const auto& value) { entry["value"] = value; }, *one.fixed);
+    list.push_back(std::move(entry));
+  }
+  return list;
+}
+
+// What the runs are repeated from, beside the predictors' distributions.
+Json DrawnJson(const ProfileJob& job, const ProfileFindings& run) {
+  Json drawn = DesignJson({{}, run.results.correlations});
+  drawn.erase("variables");
+  drawn["method"] = run.results.method;
+  drawn["fixed"] = FixedJson(run.results.predictors);
+  drawn["noise"] = Json::array();
+  for (const ProfileJob::Noise& one : job.noise)
+    drawn["noise"].push_back({{"response", one.response}, {"standardDeviation", one.standardDeviation}});
+  drawn["noiseCorrelations"] = job.noiseCorrelations;
+  drawn["models"] = Json::array();
+  for (const auto& model : job.models) drawn["models"].push_back(model.string());
+  drawn["formulas"] = job.formulas;
+  return drawn;
+}
+
 }  // namespace
 
-Json ProfileJson(const ProfileResults& results) {
+Json ProfileJson(const ProfileJob& job, const ProfileFindings& run) {
+  const ProfileResults& results = run.results;
   Json report = {{"runs", results.runs},
                  {"predictors", Json::array()},
                  {"responses", Json::array()},
@@ -111,7 +130,12 @@ Json ProfileJson(const ProfileResults& results) {
   }
   if (results.defects) report["defects"] = RowsJson(results.defects->rows, "response", kDefects);
   for (const std::string& note : results.notes) report["notes"].push_back(note);
+  report["seed"] = run.seed;
+  report["drawn"] = DrawnJson(job, run);
+  if (!job.output.empty()) report["output"] = {{"file", job.output.string()}};
+  if (!run.outputSheet.empty()) report["output"]["sheet"] = run.outputSheet;
+  if (!job.graphs.empty()) report["graphs"] = job.graphs.string();
   return report;
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

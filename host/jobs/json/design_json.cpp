@@ -1,6 +1,6 @@
-#include "apps/cli/design_report.h"
+#include "host/jobs/json/design_json.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
 
 nlohmann::ordered_json DesignJson(const DesignText& design) {
   using Json = nlohmann::ordered_json;
@@ -15,4 +15,4 @@ nlohmann::ordered_json DesignJson(const DesignText& design) {
   return {{"variables", variables}, {"correlations", correlations}};
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

@@ -1,17 +1,23 @@
-#include "apps/cli/result_json.h"
+#include "host/jobs/json/result_json.h"
 
-#include <cmath>
 #include <cstdint>
 #include <string>
 #include <utility>
 
-namespace brenvolt::cli {
+#include "host/application/json_text.h"
+
+namespace brenvolt {
 
 using Json = nlohmann::ordered_json;
 
 Json NumberJson(double value, Quantity quantity) {
-  if (!std::isfinite(value)) return nullptr;
-  return quantity == Quantity::kCount ? Json(static_cast<std::int64_t>(value)) : Json(value);
+  Json number = NumberOrNull(value);
+  if (quantity == Quantity::kCount && !number.is_null()) number = static_cast<std::int64_t>(value);
+  return number;
+}
+
+Json TextOrNull(std::string_view text) {
+  return text.empty() ? Json(nullptr) : Json(text);
 }
 
 Json& PlaceOf(const ResultColumn& column, Json& json) {
@@ -34,4 +40,4 @@ Json RowsJson(std::span<const ResultRow> rows, const char* nameKey, std::span<co
   return list;
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt

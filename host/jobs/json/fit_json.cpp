@@ -1,11 +1,12 @@
-#include "apps/cli/fit_json.h"
+#include "host/jobs/json/fit_json.h"
 
-#include <string_view>
+#include <cmath>
 #include <vector>
 
-#include "apps/cli/result_json.h"
+#include "host/base/almost_equal.h"
+#include "host/jobs/json/result_json.h"
 
-namespace brenvolt::cli {
+namespace brenvolt {
 namespace {
 
 using Json = nlohmann::ordered_json;
@@ -16,8 +17,15 @@ Json ListOrNull(const std::vector<T>& values) {
   return values.empty() ? Json(nullptr) : Json(values);
 }
 
-Json TextOrNull(std::string_view text) {
-  return text.empty() ? Json(nullptr) : Json(text);
+Json RowsOf(const std::vector<FitQuantiles::Row>& rows) {
+  const auto end = [](double limit) { return IsNotSet(limit) ? std::nan("") : limit; };
+  Json list = Json::array();
+  for (const FitQuantiles::Row& row : rows) {
+    list.push_back(NumbersJson(kReadOff, {row.probability, row.value, row.returnPeriod.value_or(std::nan("")),
+                                          end(row.byCovariance.lower), end(row.byCovariance.upper),
+                                          end(row.byBootstrap.lower), end(row.byBootstrap.upper)}));
+  }
+  return list;
 }
 
 Json FitJson(const FittedDistribution& fit, std::size_t rank) {
@@ -60,6 +68,13 @@ Json CautionsJson(const std::vector<FitCaution>& cautions) {
   return list;
 }
 
+Json QuantilesJson(const std::optional<FitQuantiles>& found) {
+  if (!found) return nullptr;
+  return {{"distribution", found->distribution},       {"confidence", found->confidence},
+          {"bootstrapSamples", found->samples},        {"quantiles", RowsOf(found->quantiles)},
+          {"exceedances", RowsOf(found->exceedances)}, {"note", TextOrNull(found->note)}};
+}
+
 Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   Json json = {{"name", variable.name}, {"kind", variable.isContinuous ? "continuous" : "discrete"}};
   AddNumbers(variable.moments, kMoments, json);
@@ -77,4 +92,4 @@ Json VariableJson(const FittedVariable& variable, const std::string& rankedBy) {
   return json;
 }
 
-}  // namespace brenvolt::cli
+}  // namespace brenvolt
