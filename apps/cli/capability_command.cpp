@@ -27,7 +27,7 @@ std::string Words(const Choices& choices) {
 
 void Judge(const CapabilityCall& call) {
   RequireWords(call.job);
-  const CapabilityFindings found = RunReported(call.job);
+  const CapabilityFindings found = RunReported(call.job, JobRecorder());
   if (call.format == ReportFormat::kCsv) return PrintCsv(CapabilitySheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
   std::fputs((isJson ? JsonText(CapabilityJson(found)) : CapabilityText(found)).c_str(), stdout);

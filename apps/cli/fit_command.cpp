@@ -99,8 +99,8 @@ class FitTerminal : public TerminalUserInterface {
 
 void FitCensored(const FitCall& call) {
   RequireWords(call.censored);
-  if (!call.record.empty()) throw WrongJob("record", "a fit of censored values cannot be recorded");
-  const CensoredFindings found = RunReported(call.censored);
+  Recording recording(call.record);
+  const CensoredFindings found = RunReported(call.censored, recording.Job());
   if (call.format == ReportFormat::kCsv) return PrintCsv(CensoredSheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
   std::fputs((isJson ? JsonText(CensoredJson(found)) : CensoredText(found)).c_str(), stdout);

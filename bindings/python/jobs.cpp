@@ -155,7 +155,7 @@ Sheet Score(const ScoreJob& job, const Sheet& cases) {
 // The report of the command as JSON.
 std::string Capability(const CapabilityJob& job, const Sheet& sheet) {
   std::string report;
-  CarryOut(nullptr, [&] { report = JsonText(CapabilityJson(RunReported(job, sheet->Sheet()))); });
+  CarryOut(nullptr, [&] { report = JsonText(CapabilityJson(RunReported(job, sheet->Sheet(), TheJob()))); });
   return report;
 }
 
@@ -567,7 +567,7 @@ void BindScoreJob(py::module_& module) {
 // The report of the command as JSON.
 std::string FitCensored(const CensoredFitJob& job, const Sheet& sheet) {
   std::string report;
-  CarryOut(nullptr, [&] { report = JsonText(CensoredJson(RunReported(job, sheet->Sheet()))); });
+  CarryOut(nullptr, [&] { report = JsonText(CensoredJson(RunReported(job, sheet->Sheet(), TheJob()))); });
   return report;
 }
 

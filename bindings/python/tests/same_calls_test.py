@@ -325,6 +325,14 @@ class SameCalls(unittest.TestCase):
         self.check_refusals("export", "fits.bvw", lambda arguments: application.export_sheet("fits.bvw", **arguments),
                             REFUSED_EXPORTS)
 
+    def test_what_a_macro_has_no_lines_for_is_refused_alike(self):
+        refused = self.refused_by_command("fit", "d.csv", "--continuous", "x", "--censor", "w", "--record", "m.py")
+        self.assertEqual(refused, (2, ["a fit of censored values cannot be recorded (record)"]))
+        with brenvolt.record("m.py"):
+            self.assertEqual(self.refused_by_python(lambda: brenvolt.fit("d.csv", "x", censor="w")), refused)
+            self.assertEqual(self.refused_by_python(lambda: brenvolt.capability("d.csv", specifications=LIMITS)),
+                             (2, ["the capability of a process cannot be recorded (record)"]))
+
     def test_a_profile_that_predicts_nothing_fails_for_the_same_reasons(self):
         arguments = {"formulas": ["y = ln(-1 - x * x)", "z = y + n"]}
         status, said = self.refused_by_command("profile", "d.csv", *words(arguments))

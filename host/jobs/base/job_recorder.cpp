@@ -1,5 +1,7 @@
 #include "host/jobs/base/job_recorder.h"
 
+#include "host/jobs/base/job_fault.h"
+
 namespace brenvolt {
 namespace {
 
@@ -62,6 +64,10 @@ void JobRecorder::Started(const void* sheet, CAnalysisSupport& analysis) {
 void JobRecorder::Shown(CAnalysisSupport& analysis, std::size_t place, const void* document) {
   if (recorder_ == nullptr || recorder_->Knows(document)) return;
   recorder_->Know(document, recorder_->NameOf(&analysis) + ".Documents[" + std::to_string(place) + "]");
+}
+
+void RefuseRecording(const std::string& job, const JobRecorder& recorder) {
+  if (recorder.IsRecording()) throw WrongJob("record", job + " cannot be recorded");
 }
 
 }  // namespace brenvolt

@@ -51,6 +51,10 @@ class JobRecorder {
   MacroRecorder* recorder_ = nullptr;
 };
 
+// For a job that a macro has no lines for. Throws WrongJob
+// about the field record while something is recorded.
+void RefuseRecording(const std::string& job, const JobRecorder& recorder);
+
 // "decimal_comma=True", or nothing if it is false.
 std::string DecimalCommaArgument(bool decimalComma);
 

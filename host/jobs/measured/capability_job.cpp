@@ -360,20 +360,15 @@ CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
   return found;
 }
 
-CapabilityFindings CapabilityJob::Run(Spreadsheet& sheet) const {
+CapabilityFindings CapabilityJob::Run(Spreadsheet& sheet, const JobRecorder& recorder) const {
   RequireNone(Check());
+  RefuseRecording("the capability of a process", recorder);
   RequireCases(sheet);
   const FormerConditions former(sheet);
   if (select) SelectCases(sheet, *select);
   CapabilityFindings found = Analyse(sheet);
   if (plot.IsAsked()) WritePlot(plot, found.response, CapabilityPlots(found, plot.Kind()));
   return found;
-}
-
-CapabilityFindings CapabilityJob::Run() const {
-  RequireNone(Check());
-  DataFile file = OpenJobData(data);
-  return Run(file.Sheet(data.sheet));
 }
 
 }  // namespace brenvolt

@@ -43,10 +43,9 @@ struct CapabilityJob {
 
   // All that can be refused without the data.
   JobFaults Check() const;
-  // Throws WrongJob, also for values that have no capability, and Error.
-  CapabilityFindings Run() const;
-  // The same of a sheet that is open, which is left as it was.
-  CapabilityFindings Run(Spreadsheet& sheet) const;
+  // Of a sheet that is open, which is left as it was. Throws WrongJob, also for values that have no capability and while a macro
+  // is recorded, and Error.
+  CapabilityFindings Run(Spreadsheet& sheet, const JobRecorder& recorder) const;
 
  private:
   CapabilityFindings Analyse(const Spreadsheet& sheet) const;

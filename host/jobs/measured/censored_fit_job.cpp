@@ -329,8 +329,9 @@ JobFaults CensoredFitJob::Check() const {
   return faults;
 }
 
-CensoredFindings CensoredFitJob::Run(Spreadsheet& sheet) const {
+CensoredFindings CensoredFitJob::Run(Spreadsheet& sheet, const JobRecorder& recorder) const {
   RequireNone(Check());
+  RefuseRecording("a fit of censored values", recorder);
   RequireCases(sheet);
   const FormerConditions former(sheet);
   if (fit.weights && fit.weights->empty()) sheet.SetWeightVariable(std::nullopt);
@@ -344,12 +345,6 @@ CensoredFindings CensoredFitJob::Run(Spreadsheet& sheet) const {
   if (fit.plot.IsAsked())
     WritePlot(fit.plot, fit.data.file.filename().string(), CensoredPlots(found, fit.plot.Kind()));
   return found;
-}
-
-CensoredFindings CensoredFitJob::Run() const {
-  RequireNone(Check());
-  DataFile file = OpenJobData(fit.data);
-  return Run(file.Sheet(fit.data.sheet));
 }
 
 }  // namespace brenvolt

@@ -23,10 +23,9 @@ struct CensoredFitJob {
 
   bool IsAsked() const { return censor || censorUpper; }
   JobFaults Check() const;
-  // Throws WrongJob, also for columns that say nothing about censoring, and Error.
-  CensoredFindings Run() const;
-  // The same of a sheet that is open, which is left as it was.
-  CensoredFindings Run(Spreadsheet& sheet) const;
+  // Of a sheet that is open, which is left as it was. Throws WrongJob, also for columns that say nothing about censoring and while
+  // a macro is recorded, and Error.
+  CensoredFindings Run(Spreadsheet& sheet, const JobRecorder& recorder) const;
 };
 
 }  // namespace brenvolt

@@ -91,6 +91,14 @@ void WriteAsked(const Job& job, const std::filesystem::path& report, const Findi
   if (!report.empty()) WriteReport(ReportOf(job, found, {sheet, none, isFromFile}), report);
 }
 
+// What is wrong with the call is said before the file is opened.
+template <class Job>
+auto RunOpened(const Job& job, const JobData& data, const JobRecorder& recorder) {
+  RequireNone(job.Check());
+  DataFile file = OpenJobData(data);
+  return RunReported(job, file.Sheet(data.sheet), recorder);
+}
+
 }  // namespace
 
 Report ReportOf(const CapabilityJob& job, const CapabilityFindings& found, const ReportContext& context) {
@@ -132,28 +140,24 @@ Report ReportOf(const CensoredFitJob& job, const CensoredFindings& found, const 
   return report;
 }
 
-CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet) {
-  CapabilityFindings found = job.Run(sheet);
+CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet, const JobRecorder& recorder) {
+  CapabilityFindings found = job.Run(sheet, recorder);
   WriteAsked(job, job.report, found, sheet, !job.data.file.empty());
   return found;
 }
 
-CapabilityFindings RunReported(const CapabilityJob& job) {
-  RequireNone(job.Check());
-  DataFile file = OpenJobData(job.data);
-  return RunReported(job, file.Sheet(job.data.sheet));
+CapabilityFindings RunReported(const CapabilityJob& job, const JobRecorder& recorder) {
+  return RunOpened(job, job.data, recorder);
 }
 
-CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet) {
-  CensoredFindings found = job.Run(sheet);
+CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet, const JobRecorder& recorder) {
+  CensoredFindings found = job.Run(sheet, recorder);
   WriteAsked(job, job.fit.report, found, sheet, !job.fit.data.file.empty());
   return found;
 }
 
-CensoredFindings RunReported(const CensoredFitJob& job) {
-  RequireNone(job.Check());
-  DataFile file = OpenJobData(job.fit.data);
-  return RunReported(job, file.Sheet(job.fit.data.sheet));
+CensoredFindings RunReported(const CensoredFitJob& job, const JobRecorder& recorder) {
+  return RunOpened(job, job.fit.data, recorder);
 }
 
 }  // namespace brenvolt

@@ -12,9 +12,9 @@ Report ReportOf(const CapabilityJob& job, const CapabilityFindings& found, const
 Report ReportOf(const CensoredFitJob& job, const CensoredFindings& found, const ReportContext& context);
 
 // Carry the job out, over its file or a sheet that is open, and write the report that it asks for. Throw as Run.
-CapabilityFindings RunReported(const CapabilityJob& job);
-CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet);
-CensoredFindings RunReported(const CensoredFitJob& job);
-CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet);
+CapabilityFindings RunReported(const CapabilityJob& job, const JobRecorder& recorder);
+CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet, const JobRecorder& recorder);
+CensoredFindings RunReported(const CensoredFitJob& job, const JobRecorder& recorder);
+CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet, const JobRecorder& recorder);
 
 }  // namespace brenvolt
