@@ -180,7 +180,7 @@ TEST_F(TypeLibraryText, CommandShowsInterfacesAndRefusesOthers) {
       RunBrenvolt({"typelib", "SRASimulationProfiler", "--format", "json"}, folder.Path()).out);
   ASSERT_EQ(json["interfaces"].size(), 1U);
   const auto& members = json["interfaces"][0]["members"];
-  ASSERT_EQ(members.size(), 27U);
+  ASSERT_EQ(members.size(), 28U);
   EXPECT_EQ(members[4]["indexes"][0]["name"], "iID");
   EXPECT_TRUE(members[0]["get"].is_null());
   const Outcome unknown = RunBrenvolt({"typelib", "SRANone"}, folder.Path());

@@ -158,7 +158,7 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 116U);
+  EXPECT_EQ(read, 117U);
   EXPECT_EQ(put, 93U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }

@@ -36,6 +36,13 @@ std::vector<double> Without(const std::vector<double>& matrix, std::size_t k, st
 
 }  // namespace
 
+std::vector<NumberRange> ProfilerPredictor::Gaps() const {
+  std::vector<NumberRange> gaps;
+  for (std::size_t i = 1; keepsToParts && i < parts.size(); ++i)
+    gaps.push_back({parts[i - 1].high, parts[i].low});
+  return gaps;
+}
+
 std::optional<std::size_t> ProfilerDesign::FindPredictor(std::string_view name) const {
   return Find(predictors, name);
 }

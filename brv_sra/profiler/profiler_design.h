@@ -53,6 +53,8 @@ struct ProfilerPredictor {
   bool categorical = false;
 
   bool IsRandom() const { return setting == PredictorSetting::kRandom; }
+  // What lies between the parts that its distribution keeps to.
+  std::vector<NumberRange> Gaps() const;
 };
 
 struct ProfilerDependent {

@@ -12,7 +12,7 @@ using enum AutomationType;
 
 inline constexpr std::array<ArgumentDescription, 1> kPlace{{{"iID", kInteger}}};
 
-inline constexpr std::array<MemberDescription, 27> kMembers{{
+inline constexpr std::array<MemberDescription, 28> kMembers{{
     Property("InputCorrMatrix", 0x60030000, kNone, kVariant, "Input correlation matrix"),
     Property("LoadModels", 0x60030001, kText, kVariant, "Load models"),
     Property(
@@ -57,6 +57,10 @@ inline constexpr std::array<MemberDescription, 27> kMembers{{
     Property(
         "NumberOfRuns", 0x6003002a, kInteger, kInteger,
         "The number of runs, 1 to 100000: as NumberOfSamples, but a program may ask for fewer than 100."),
+    Property(
+        "PredictorGaps", 0x6003002c, kVariant, kNone,
+        "For each predictor an array of the gaps that its distribution leaves out, where one begins and ends "
+        "in turn."),
 }};
 
 }  // namespace profiler_interface

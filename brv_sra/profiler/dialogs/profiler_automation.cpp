@@ -177,6 +177,19 @@ Variant GetDistributions(Dialog& dialog, Indexes) {
   return NameArray(texts);
 }
 
+Variant GetGaps(Dialog& dialog, Indexes) {
+  Variant::Array predictors;
+  for (const ProfilerPredictor& predictor : dialog.Design().predictors) {
+    Variant::Array ends;
+    for (const NumberRange& gap : predictor.Gaps()) {
+      ends.emplace_back(gap.low);
+      ends.emplace_back(gap.high);
+    }
+    predictors.emplace_back(std::move(ends));
+  }
+  return predictors;
+}
+
 template <auto Make>
 Variant GetOutput(Dialog& dialog, Indexes) {
   return Variant::Object((dialog.*Make)());
@@ -187,7 +200,7 @@ std::int32_t ShownPredictor(Dialog& dialog) {
   return dialog.Controls().Selection(kPredictors) + 1;
 }
 
-constexpr std::array<Member, 27> kMembers{{
+constexpr std::array<Member, 28> kMembers{{
     {"InputCorrMatrix", nullptr, PutCorrelations},
     {"LoadModels", GetModels, PutModels},
     {"UserDefinedDesignMatrixValues", GetCorrelations, PutCorrelations},
@@ -216,6 +229,7 @@ constexpr std::array<Member, 27> kMembers{{
     {"Dependents", GetDependents, nullptr},
     {"PredictorDistributions", GetDistributions, nullptr},
     {"NumberOfRuns", GetRuns, PutFewRuns},
+    {"PredictorGaps", GetGaps, nullptr},
 }};
 static_assert(Binds(kSimulationProfilerInterface, kMembers));
 

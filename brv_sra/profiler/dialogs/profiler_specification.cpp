@@ -11,6 +11,7 @@
 #include "brv_sra/resources/strings.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/models/range_text.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -108,16 +109,6 @@ std::string FixedText(double value) {
   return isShown ? text : text + " = " + ShortestNumber(value);
 }
 
-// " without 3 to 5": the gaps of the range that the distribution keeps to.
-std::string GapsText(const ProfilerPredictor& predictor) {
-  std::string text;
-  for (std::size_t i = 1; predictor.keepsToParts && i < predictor.parts.size(); ++i) {
-    text += (text.empty() ? " without " : ", ") + ShortestNumber(predictor.parts[i - 1].high) + " to " +
-            ShortestNumber(predictor.parts[i].low);
-  }
-  return text;
-}
-
 }  // namespace
 
 void RequireClasses(const ProfilerPredictor& predictor, const DistributionSpecification& specification) {
@@ -166,7 +157,7 @@ std::string SpecificationText(const ProfilerPredictor& predictor) {
     const bool ofClasses =
         !predictor.labels.empty() && predictor.specification.code == DistributionCode::kHistogram;
     return ofClasses ? ClassesText(predictor)
-                     : SpecificationText(predictor.specification) + GapsText(predictor);
+                     : SpecificationText(predictor.specification) + GapsText(predictor.Gaps());
   }
   const std::string fixed = std::string(ResourceString(kProfilerFixed)) + " ";
   const auto label = predictor.labels.find(predictor.fixedValue);

@@ -6,6 +6,7 @@
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
+#include "host/models/range_text.h"
 
 namespace brenvolt {
 namespace {
@@ -56,10 +57,13 @@ void PutRows(AnalysisSession& session, const char* member, Rows rows) {
   session.Attempt([&] { session.Dialog()->Put(member, matrix); });
 }
 
-// " without 3 to 5" at the end of the dialog's words: the gaps of what models accept, which no notation has.
-std::string GapsIn(const std::string& words) {
-  const auto gaps = words.rfind(" without ");
-  return gaps == std::string::npos ? std::string() : words.substr(gaps);
+// The gaps of what models accept, which no notation has: where they begin and end in turn.
+std::vector<NumberRange> GapsFrom(const Variant& ends) {
+  std::vector<NumberRange> gaps;
+  const Variant::Array numbers = ends.ToArray();
+  for (std::size_t i = 0; i + 1 < numbers.size(); i += 2)
+    gaps.push_back({numbers[i].ToReal(), numbers[i + 1].ToReal()});
+  return gaps;
 }
 
 // The texts of a histogram's codes in a column of texts.
@@ -171,7 +175,7 @@ bool PredictorInputs::AnySaved(const Spreadsheet& sheet) const {
 
 std::vector<PredictorUse> PredictorInputs::Uses(const Spreadsheet& simulated) const {
   std::vector<PredictorUse> uses;
-  const Variant::Array words = session_.Dialog()->Get("PredictorDistributions").ToArray();
+  const Variant::Array gaps = session_.Dialog()->Get("PredictorGaps").ToArray();
   for (std::size_t i = 0; i < names_.size(); ++i) {
     const Variant::Array specification = SpecificationOf(i).ToArray();
     const Variable& column = simulated.VariableAt(i);
@@ -183,7 +187,7 @@ std::vector<PredictorUse> PredictorInputs::Uses(const Spreadsheet& simulated) co
       NotedDistribution drawn = DistributionFrom(specification);
       NameLevels(column, drawn);
       use.distribution = NotationOf(drawn);
-      if (drawn.levels.empty()) use.distribution += GapsIn(words.at(i).ToText());
+      if (drawn.levels.empty()) use.distribution += GapsText(GapsFrom(gaps.at(i)));
     }
     uses.push_back(std::move(use));
   }
