@@ -8,7 +8,7 @@
 #include "host/application/json_text.h"
 #include "host/jobs/json/measured_json.h"
 #include "host/jobs/measured/capability_job.h"
-#include "host/jobs/reports/measured_reports.h"
+#include "host/jobs/reports/reported_jobs.h"
 #include "host/jobs/reports/result_sheets.h"
 
 namespace brenvolt::cli {

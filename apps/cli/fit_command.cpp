@@ -17,11 +17,9 @@
 #include "host/jobs/fit_quantiles.h"
 #include "host/jobs/json/measured_json.h"
 #include "host/jobs/measured/censored_fit_job.h"
-#include "host/jobs/reports/fit_report.h"
-#include "host/jobs/reports/measured_reports.h"
+#include "host/jobs/reports/reported_jobs.h"
 #include "host/jobs/reports/result_sheets.h"
 #include "host/numeric/distributions/gaussian_mixture.h"
-#include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -120,8 +118,7 @@ void Fit(const FitCall& call) {
   Recording recording(call.record);
   FitTerminal terminal;
   const FitJob& job = call.job;
-  const FitRun run = job.Run(terminal, recording.Job());
-  if (!job.report.empty()) WriteReportOfFit(job, *run.session, {*run.sheet, terminal.Messages()});
+  const FitRun run = RunReported(job, terminal, recording.Job());
   const bool json = call.format == ReportFormat::kJson;
   const bool readsCovariances = json || job.AsksForQuantiles();
   const auto variables = ReadFitResults(

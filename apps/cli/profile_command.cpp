@@ -16,7 +16,7 @@
 #include "host/jobs/profile/profile_plots.h"
 #include "host/jobs/profile/profile_workbook.h"
 #include "host/jobs/reports/profile_report.h"
-#include "host/reporting/report_file.h"
+#include "host/jobs/reports/reported_jobs.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -91,9 +91,7 @@ void Profile(const ProfileCall& call) {
   RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
-  const ProfileRun run = call.job.Run(terminal, recording.Job());
-  if (!call.job.report.empty())
-    WriteReport(ProfileReport(call.job, run, {*run.sheet, terminal.Messages()}), call.job.report);
+  const ProfileRun run = RunReported(call.job, terminal, recording.Job());
   Report(call, run);
   recording.Commit();
 }

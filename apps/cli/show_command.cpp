@@ -1,5 +1,4 @@
 // brenvolt show: what a project holds.
-#include <cmath>
 #include <cstdio>
 #include <nlohmann/json.hpp>
 
@@ -9,14 +8,11 @@
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/jobs/base/dialog_words.h"
-#include "host/jobs/base/output_files.h"
-#include "host/jobs/base/project_files.h"
-#include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/json/design_json.h"
 #include "host/jobs/reports/project_report.h"
-#include "host/reporting/report_file.h"
+#include "host/jobs/reports/show_job.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace brenvolt::cli {
@@ -24,12 +20,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-struct ShowOptions {
-  std::filesystem::path project;
-  std::string sheet;
-  std::filesystem::path report;
-  Plot plot;
-  std::string plotMatrix;
+struct ShowCall {
+  ShowJob job;
   ReportFormat format = ReportFormat::kTable;
 };
 
@@ -88,10 +80,6 @@ void ShowMatrixAsTable(const Spreadsheet& matrix) {
               TextOf(MatrixTable(matrix, matrix.VariableCount())).c_str());
 }
 
-Json NumberOrNull(double value) {
-  return std::isfinite(value) ? Json(value) : Json(nullptr);
-}
-
 void ShowMatrixAsJson(const Spreadsheet& matrix) {
   const std::size_t size = matrix.VariableCount();
   const MatrixSummaryRows rows(matrix.CaseCount());
@@ -115,76 +103,51 @@ void ShowMatrixAsJson(const Spreadsheet& matrix) {
 }
 
 // A matrix that lacks rows is shown as data are.
-void ShowSheet(const ShowOptions& options, const Spreadsheet& sheet) {
-  const bool json = options.format == ReportFormat::kJson;
+void ShowSheet(const ShowCall& call, const Spreadsheet& sheet, ProgramInterface& interface) {
+  const bool json = call.format == ReportFormat::kJson;
   if (HasMatrixRows(sheet)) {
     json ? ShowMatrixAsJson(sheet) : ShowMatrixAsTable(sheet);
     return;
   }
-  TerminalUserInterface terminal(kProgram);
-  const DesignText design = DesignOf(options.project, sheet, terminal);
+  const DesignText design = DesignOf(call.job.project, sheet, interface);
   json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
 }
 
-// What the matrix of that name asks for.
-DataOrigin OriginOf(const std::string& matrix, const Workbook& workbook) {
-  DataOrigin origin;
-  if (!matrix.empty()) TakeAsked(*NamedMatrix(matrix, workbook, "matrix " + matrix), origin);
-  return origin;
-}
-
-// A picture is that of the sheet, or of the first one with data; a report is that of the sheet, or of all.
-void Show(const ShowOptions& options) {
-  JobFaults faults;
-  CheckPlot(options.plot, kDataPlotKinds, faults);
-  if (!options.plotMatrix.empty() && !options.plot.IsAsked())
-    faults.push_back({"plotMatrix", "this affects only a picture; give the file of the picture as well"});
-  CheckReport(options.report, faults);
-  CheckTargetsApart({{"project", options.project}}, {{"plot", options.plot.file}, {"report", options.report}},
-                    faults);
-  RequireNone(std::move(faults));
-  DataFile project = OpenProject(options.project);
-  if (options.plot.IsAsked()) {
-    const Spreadsheet& drawn = project.Sheet(options.sheet);
-    WritePlot(options.plot, drawn.Name(),
-              DataPlots(drawn, options.plot.Kind(), OriginOf(options.plotMatrix, project.workbook)));
-  }
-  if (!options.report.empty()) {
-    TerminalUserInterface terminal(kProgram);
-    WriteReport(ProjectReport(options.project, project, options.sheet, options.report, terminal),
-                options.report);
-  }
-  const bool json = options.format == ReportFormat::kJson;
-  if (!options.sheet.empty()) {
-    ShowSheet(options, project.Sheet(options.sheet));
+void Show(const ShowCall& call) {
+  TerminalUserInterface terminal(kProgram);
+  DataFile project = call.job.Run(terminal, JobRecorder());
+  const bool json = call.format == ReportFormat::kJson;
+  if (!call.job.sheet.empty()) {
+    ShowSheet(call, project.Sheet(call.job.sheet), terminal);
+  } else if (json) {
+    ShowSheetsAsJson(project.workbook);
   } else {
-    json ? ShowSheetsAsJson(project.workbook)
-         : static_cast<void>(std::fputs(TextOf(SheetTable(project.workbook)).c_str(), stdout));
+    std::fputs(TextOf(SheetTable(project.workbook)).c_str(), stdout);
   }
   if (json) return;
-  ReportPlot(options.plot);
-  SayReportWritten(options.report);
+  ReportPlot(call.job.plot);
+  SayReportWritten(call.job.report);
 }
 
 }  // namespace
 
 void AddShowCommand(CLI::App& program) {
   CLI::App* command = program.add_subcommand("show", "Show the sheets of a project, or a sheet's variables");
-  const auto options = std::make_shared<ShowOptions>();
-  command->add_option("PROJECT", options->project, "Project (.bvw)")->required();
-  command->add_option("SHEET", options->sheet,
-                      "Sheet whose variables and properties, or correlations, are shown");
-  AddPlotOptions(*command, options->plot, kDataPlotKinds);
+  const auto call = std::make_shared<ShowCall>();
+  ShowJob& job = call->job;
+  command->add_option("PROJECT", job.project, "Project (.bvw)")->required();
+  command->add_option("SHEET", job.sheet, "Sheet whose variables and properties, or correlations, are shown");
+  AddPlotOptions(*command, job.plot, kDataPlotKinds);
   command
       ->add_option(
-          "--plot-matrix", options->plotMatrix,
+          "--plot-matrix", job.plotMatrix,
           "With --plot of simulated data, the correlations that were asked for: a sheet of the project, a "
           "CSV file, or PROJECT.bvw[:SHEET]")
       ->type_name("SHEET|FILE");
-  AddReportOption(*command, options->report);
-  AddFormatOption(*command, options->format);
+  AddReportOption(*command, job.report);
+  AddFormatOption(*command, call->format);
   command->footer("Example:\n  brenvolt show beef.bvw groundbeef");
-  command->callback([options] { Show(*options); });
+  command->callback([call] { Show(*call); });
 }
 
 }  // namespace brenvolt::cli

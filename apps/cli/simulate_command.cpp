@@ -11,10 +11,9 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/json/simulation_json.h"
-#include "host/jobs/reports/simulation_report.h"
+#include "host/jobs/reports/reported_jobs.h"
 #include "host/jobs/simulate_job.h"
 #include "host/jobs/simulation_workbook.h"
-#include "host/reporting/report_file.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -68,9 +67,7 @@ void Simulate(const SimulateCall& call) {
   RequireWords(call.job);
   Recording recording(call.record);
   TerminalUserInterface terminal(kProgram);
-  const SimulationRun run = call.job.Run(terminal, recording.Job());
-  if (!call.job.report.empty())
-    WriteReport(SimulationReport(call.job, run, {*run.sheet, terminal.Messages()}), call.job.report);
+  const SimulationRun run = RunReported(call.job, terminal, recording.Job());
   Report(call, run);
   recording.Commit();
 }

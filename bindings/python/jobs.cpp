@@ -44,12 +44,9 @@
 #include "host/jobs/profile/profile_graphs.h"
 #include "host/jobs/profile/profile_job.h"
 #include "host/jobs/reports/fit_report.h"
-#include "host/jobs/reports/measured_reports.h"
-#include "host/jobs/reports/profile_report.h"
-#include "host/jobs/reports/simulation_report.h"
+#include "host/jobs/reports/reported_jobs.h"
 #include "host/jobs/score_job.h"
 #include "host/jobs/simulate_job.h"
-#include "host/reporting/report_file.h"
 #include "host/tables/matrix_sheet.h"
 
 namespace py = pybind11;
@@ -251,11 +248,7 @@ py::tuple Simulate(SimulateJob job, const Sheet& sheet, const Sheet& matrix, con
   job.keepsSamples = true;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   if (kept != nullptr) job.savedMatrix = DocumentOf(kept);
-  CarryOut(analysis, [&] {
-    found = job.Run(InputOf(sheet, true, analysis), TheJob());
-    if (!job.report.empty())
-      WriteReport(SimulationReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
-  });
+  CarryOut(analysis, [&] { found = RunReported(job, InputOf(sheet, true, analysis), TheJob(), isFromFile); });
   return py::make_tuple(std::make_shared<SheetRef>(found.output), found.method, found.seed,
                         CautionTexts(found.cautions), NotationsOf(found.design), PairDicts(found.results),
                         RepairedMatrix(found.results), found.Notes());
@@ -359,11 +352,7 @@ py::tuple Profile(ProfileJob job, const Sheet& sheet, const Sheet& matrix, bool 
   ProfileFindings found;
   if (matrix != nullptr) job.givenMatrix = DocumentOf(matrix);
   job.keepsGraphs = true;
-  CarryOut(analysis, [&] {
-    found = job.Run(InputOf(sheet, true, analysis), TheJob());
-    if (!job.report.empty())
-      WriteReport(ProfileReport(job, found, ContextOf(*analysis, isFromFile)), job.report);
-  });
+  CarryOut(analysis, [&] { found = RunReported(job, InputOf(sheet, true, analysis), TheJob(), isFromFile); });
   const auto kept = std::make_shared<ProfileFindings>(std::move(found));
   const auto graphs = [kept, analysis] {
     CarryOut(analysis, [&] { MakeGraphs(analysis->Session(), *kept); });

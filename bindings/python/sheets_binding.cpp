@@ -17,9 +17,7 @@
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
-#include "host/jobs/base/report_target.h"
-#include "host/jobs/reports/project_report.h"
-#include "host/reporting/report_file.h"
+#include "host/jobs/reports/show_job.h"
 #include "host/tables/formats/data_file_writer.h"
 #include "host/tables/numpy_archive.h"
 
@@ -514,11 +512,12 @@ void BindWorkbook(py::module_& module) {
           [](const Book& book, const std::filesystem::path& path, const std::string& sheet) {
             const auto file = book->Path();
             if (!file) throw Error("a workbook that is saved nowhere has no report");
-            JobFaults faults;
-            CheckReport(path, faults);
-            RequireNone(std::move(faults));
             PythonInterface interface;
-            WriteReport(ProjectReport(*file, book->File(), sheet, path, interface), path);
+            ShowJob job;
+            job.project = *file;
+            job.sheet = sheet;
+            job.report = path;
+            job.Run(book->File(), interface, TheJob());
           },
           InHost(), py::arg("path"), py::arg("sheet") = "",
           "Writes a report of a sheet, or without its name of all, with tables and pictures, by ending: "

@@ -10,7 +10,6 @@
 #include "host/jobs/reports/censored_tables.h"
 #include "host/jobs/reports/fit_tables.h"
 #include "host/jobs/reports/repeating_command.h"
-#include "host/reporting/report_file.h"
 
 namespace brenvolt {
 namespace {
@@ -84,21 +83,6 @@ ReportSection VariableSection(const CensoredFindings& found, std::size_t place) 
   return section;
 }
 
-template <class Job, class Findings>
-void WriteAsked(const Job& job, const std::filesystem::path& report, const Findings& found,
-                const Spreadsheet& sheet, bool isFromFile) {
-  const std::vector<Message> none;
-  if (!report.empty()) WriteReport(ReportOf(job, found, {sheet, none, isFromFile}), report);
-}
-
-// What is wrong with the call is said before the file is opened.
-template <class Job>
-auto RunOpened(const Job& job, const JobData& data, const JobRecorder& recorder) {
-  RequireNone(job.Check());
-  DataFile file = OpenJobData(data);
-  return RunReported(job, file.Sheet(data.sheet), recorder);
-}
-
 }  // namespace
 
 Report ReportOf(const CapabilityJob& job, const CapabilityFindings& found, const ReportContext& context) {
@@ -138,26 +122,6 @@ Report ReportOf(const CensoredFitJob& job, const CensoredFindings& found, const 
   report.sections.push_back(NotesSection({{kNote, std::move(untested)}}, context.messages));
   report.sections.push_back(MadeSection(std::nullopt));
   return report;
-}
-
-CapabilityFindings RunReported(const CapabilityJob& job, Spreadsheet& sheet, const JobRecorder& recorder) {
-  CapabilityFindings found = job.Run(sheet, recorder);
-  WriteAsked(job, job.report, found, sheet, !job.data.file.empty());
-  return found;
-}
-
-CapabilityFindings RunReported(const CapabilityJob& job, const JobRecorder& recorder) {
-  return RunOpened(job, job.data, recorder);
-}
-
-CensoredFindings RunReported(const CensoredFitJob& job, Spreadsheet& sheet, const JobRecorder& recorder) {
-  CensoredFindings found = job.Run(sheet, recorder);
-  WriteAsked(job, job.fit.report, found, sheet, !job.fit.data.file.empty());
-  return found;
-}
-
-CensoredFindings RunReported(const CensoredFitJob& job, const JobRecorder& recorder) {
-  return RunOpened(job, job.fit.data, recorder);
 }
 
 }  // namespace brenvolt
