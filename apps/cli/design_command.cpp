@@ -7,6 +7,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/base/correlation_rules.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/json/design_json.h"
 
@@ -42,7 +43,7 @@ void Report(const DesignCall& call, const DesignFindings& findings) {
   }
   std::fputs(TextOf(findings.design).c_str(), stdout);
   for (const std::string& note : findings.notes) std::printf("# %s\n", note.c_str());
-  if (smallest > 0) return;
+  if (IsPositiveEigenvalue(smallest)) return;
   std::printf(
       "# These correlations contradict each other: the matrix has the eigenvalue %.3g. A simulation changes "
       "them as\n"

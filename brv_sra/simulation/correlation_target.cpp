@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "host/base/almost_equal.h"
+#include "host/base/correlation_rules.h"
 #include "host/numeric/algebra/cholesky.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
 
@@ -12,10 +13,6 @@ namespace brenvolt::sra {
 namespace {
 
 constexpr double kSmallestRepaired = 1e-15;
-
-bool IsPositive(double x) {
-  return x > 0 && !AlmostEqual(x, 0.0);
-}
 
 bool IsNegative(double x) {
   return x < 0 && !AlmostEqual(x, 0.0);
@@ -82,7 +79,7 @@ Result<TargetFactor> FactorTarget(std::span<const double> matrix, std::size_t k)
   }
   Decomposition eigen(k);
   if (!eigen.Of(target)) return unusable;
-  if (!std::ranges::all_of(eigen.values, IsPositive)) {
+  if (!std::ranges::all_of(eigen.values, IsPositiveEigenvalue)) {
     const std::vector<double> given = target;
     const double smallest = eigen.values.front();
     RepairCorrelationMatrix(target, k, eigen.values, eigen.vectors);

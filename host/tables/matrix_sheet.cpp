@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/base/almost_equal.h"
+#include "host/base/correlation_rules.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 
@@ -179,9 +180,7 @@ bool HasMatrixRows(const Spreadsheet& sheet) {
 }
 
 bool IsCorrelation(double value, double missingCode, bool onDiagonal) {
-  if (IsMissingValue(value, missingCode)) return false;
-  if (onDiagonal) return AlmostEqual(value, 1.0);
-  return std::abs(value) <= 1.0 || AlmostEqual(std::abs(value), 1.0);
+  return !IsMissingValue(value, missingCode) && IsStoredCorrelation(value, onDiagonal);
 }
 
 bool LooksLikeMatrixTable(const Spreadsheet& table) {

@@ -15,6 +15,7 @@
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/dialogs/wrapped_label.h"
 #include "apps/desktop/port/matrix_table.h"
+#include "host/base/correlation_rules.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -112,7 +113,7 @@ class MatrixDialog : public QDialog {
     } else if (const auto smallest = table_.SmallestEigenvalue()) {
       verdict = tr("Smallest eigenvalue: %1. ").arg(*smallest, 0, 'g', 4);
       verdict +=
-          *smallest > 0
+          IsPositiveEigenvalue(*smallest)
               ? tr("The matrix is positive definite.")
               : tr("No variables can have these correlations; a simulation repairs the matrix and says how.");
     }

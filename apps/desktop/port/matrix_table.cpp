@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "apps/desktop/base/text.h"
-#include "host/base/almost_equal.h"
+#include "host/base/correlation_rules.h"
 #include "host/base/number_text.h"
 #include "host/numeric/algebra/symmetric_eigen.h"
 
@@ -13,8 +13,7 @@ namespace {
 
 std::optional<double> CorrelationIn(const std::string& cell) {
   const auto value = ParseTravelledNumber(Trim(cell));
-  const bool isInRange = value && *value <= 1 && (*value >= -1 || AlmostEqual(*value, -1));
-  return isInRange ? value : std::nullopt;
+  return value ? CorrelationEntry(*value) : std::nullopt;
 }
 
 }  // namespace

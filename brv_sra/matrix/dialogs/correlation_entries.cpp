@@ -8,6 +8,7 @@
 #include "brv_sra/resources/strings.h"
 #include "host/analysis/analysis_table_doc.h"
 #include "host/base/almost_equal.h"
+#include "host/base/correlation_rules.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/tables/matrix_sheet.h"
@@ -19,11 +20,6 @@ namespace {
   throw Error(std::string(ResourceString(kMsgProfilerInvalidCorrelation)), why);
 }
 
-// There is a tolerance below -1 but not above 1.
-bool IsEntry(double value) {
-  return value <= 1 && (value >= -1 || AlmostEqual(value, -1)) && !IsNotSet(value);
-}
-
 void Check(std::span<const double> matrix, std::span<const std::string> names) {
   const std::size_t k = names.size();
   for (std::size_t i = 0; i < k; ++i) {
@@ -31,7 +27,7 @@ void Check(std::span<const double> matrix, std::span<const std::string> names) {
       Refuse("row " + std::to_string(i + 1) + " is not 1 with itself");
     for (std::size_t j = 0; j < k; ++j) {
       const std::string place = "row " + std::to_string(i + 1) + ", column " + std::to_string(j + 1);
-      if (!IsEntry(matrix[i * k + j])) Refuse(place + " is not a correlation");
+      if (!CorrelationEntry(matrix[i * k + j])) Refuse(place + " is not a correlation");
     }
   }
   const auto entry = [&](std::size_t row, std::size_t column) { return matrix[row * k + column]; };
@@ -88,8 +84,7 @@ bool TakeCells(std::span<const std::string> cells, std::size_t k, std::vector<do
 
 std::optional<double> EnteredCorrelation(const std::string& text) {
   const auto value = ParseTravelledNumber(Trim(text));
-  if (!value || !IsEntry(*value)) return std::nullopt;
-  return std::max(*value, -1.0);
+  return value ? CorrelationEntry(*value) : std::nullopt;
 }
 
 bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
@@ -122,7 +117,7 @@ std::vector<double> CorrelationsFrom(const Variant& value, std::span<const std::
   if (matrix.size() != k * k)
     Refuse(std::to_string(matrix.size()) + " values for " + std::to_string(k) + " variables");
   Check(matrix, names);
-  for (double& entry : matrix) entry = std::max(entry, -1.0);
+  for (double& entry : matrix) entry = *CorrelationEntry(entry);
   for (std::size_t i = 0; i < k; ++i) {
     matrix[i * k + i] = 1.0;
     for (std::size_t j = 0; j < i; ++j) matrix[j * k + i] = matrix[i * k + j];

@@ -1,9 +1,9 @@
 #include "host/jobs/notation/design_text.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fstream>
 
+#include "host/base/correlation_rules.h"
 #include "host/base/error.h"
 #include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
@@ -79,8 +79,8 @@ void Shorten(const std::filesystem::path& file, std::size_t from, JobFaults& fau
   faults.push_back({"fromFile", file.string() + ": and " + std::to_string(more) + " more"});
 }
 
-void RequireCorrelation(double value, const std::string& pair) {
-  if (std::abs(value) <= 1) return;
+double RequiredCorrelation(double value, const std::string& pair) {
+  if (const auto entered = CorrelationEntry(value)) return *entered;
   throw Error("a correlation lies between -1 and 1, got " + ShortestNumber(value) + " for " + pair);
 }
 
@@ -95,12 +95,12 @@ NotedCorrelation ReadCorrelation(std::string_view text, const std::vector<std::s
       equals == std::string_view::npos ? std::nullopt : ParseNumber(Trim(text.substr(equals + 1)));
   if (!value) throw Error(std::string(kForm) + ", got " + Quoted(text));
   const std::string_view pair = text.substr(0, equals);
-  RequireCorrelation(*value, std::string(Trim(pair)));
-  NotedCorrelation first{.first = {}, .second = {}, .value = *value};
+  const double correlation = RequiredCorrelation(*value, std::string(Trim(pair)));
+  NotedCorrelation first{.first = {}, .second = {}, .value = correlation};
   for (std::size_t comma = pair.find(','); comma != std::string_view::npos;
        comma = pair.find(',', comma + 1)) {
     const NotedCorrelation parted{std::string(Trim(pair.substr(0, comma))),
-                                  std::string(Trim(pair.substr(comma + 1))), *value};
+                                  std::string(Trim(pair.substr(comma + 1))), correlation};
     if (first.first.empty()) first = parted;
     if (!Contains(known, parted.first) || !Contains(known, parted.second)) continue;
     first = parted;
@@ -167,9 +167,9 @@ void AddCorrelation(const std::string& field, std::string_view text, const std::
 void AddCorrelation(const std::string& field, const NotedCorrelation& correlation,
                     const std::vector<std::string>* others, DesignText& design, JobFaults& faults) {
   AddPairTo(design, field, others, faults, [&](const std::vector<std::string>& /*known*/) {
-    const NotedCorrelation pair{std::string(Trim(correlation.first)), std::string(Trim(correlation.second)),
-                                correlation.value};
-    RequireCorrelation(pair.value, pair.first + "," + pair.second);
+    NotedCorrelation pair{std::string(Trim(correlation.first)), std::string(Trim(correlation.second)),
+                          correlation.value};
+    pair.value = RequiredCorrelation(pair.value, pair.first + "," + pair.second);
     RequireTwo(pair, pair.first + "," + pair.second + "=" + ShortestNumber(pair.value));
     return pair;
   });
