@@ -5,13 +5,12 @@
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/distributions/specified_distribution.h"
 #include "brv_sra/distributions/variable_properties.h"
+#include "host/base/truncated_tail.h"
 #include "host/numeric/goodness_of_fit/kolmogorov_smirnov.h"
 #include "host/numeric/vector/sorting.h"
 
 namespace brenvolt::sra {
 namespace {
-
-constexpr double kTruncatedTail = 0.005;
 
 // How often a case counts; 0 for a weight that is none.
 std::size_t CopiesOf(const Spreadsheet& sheet, std::size_t at) {

@@ -3,13 +3,11 @@
 #include <algorithm>
 #include <cmath>
 
+#include "host/base/truncated_tail.h"
 #include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
-
-constexpr double kLowProbability = 0.005;
-constexpr double kHighProbability = 0.995;
 
 void AddDensity(const AnyDistribution& distribution, double from, double to, double factor,
                 GraphSeries& expected) {
@@ -45,8 +43,8 @@ GraphSeries ExpectedCounts(const NotedDistribution& noted, bool isTruncated, std
     if (!isTruncated && !noted.minimum && !noted.maximum) AddClasses(distribution, bounds, count, expected);
     return expected;
   }
-  double low = isTruncated ? kLowProbability : 0;
-  double high = isTruncated ? kHighProbability : 1;
+  double low = isTruncated ? kTruncatedTail : 0;
+  double high = isTruncated ? 1 - kTruncatedTail : 1;
   if (noted.minimum) low = std::max(low, distribution.Cdf(*noted.minimum));
   if (noted.maximum) high = std::min(high, distribution.Cdf(*noted.maximum));
   if (!(low < high)) return expected;

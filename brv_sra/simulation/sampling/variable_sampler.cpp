@@ -9,13 +9,14 @@
 #include "brv_sra/simulation/sampling/candidate_draws.h"
 #include "brv_sra/simulation/sampling/random_permutation.h"
 #include "host/base/parallel.h"
+#include "host/base/truncated_tail.h"
 #include "host/numeric/vector/distribution_values.h"
 
 namespace brenvolt::sra {
 namespace {
 
-constexpr double kTruncatedLower = 0.005;
-constexpr double kTruncatedUpper = 0.995;
+constexpr double kTruncatedLower = kTruncatedTail;
+constexpr double kTruncatedUpper = 1 - kTruncatedTail;
 constexpr double kUnbounded = 1e300;
 constexpr std::size_t kTile = 1024;         // values whose draws stay in the nearest caches
 constexpr std::size_t kBlock = 16 * kTile;  // values of one task

@@ -9,6 +9,7 @@
 
 #include "host/numeric/censored/censored_likelihood.h"
 #include "host/numeric/distributions/distribution_table.h"
+#include "host/numeric/vector/small_cholesky.h"
 
 namespace brenvolt {
 namespace {
@@ -71,37 +72,12 @@ Climb::Place Climb::At(const Point& point) const {
 
 // The lower Cholesky factor of -hessian + ridge; nothing unless that is positive definite.
 std::optional<Matrix> FactorOf(const Matrix& hessian, std::size_t n, double ridge) {
-  Matrix factor{};
+  Matrix matrix{};
   for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j) {
-      double sum = -hessian[i][j] + (i == j ? ridge : 0);
-      for (std::size_t k = 0; k < j; ++k) sum -= factor[i][k] * factor[j][k];
-      if (i != j) {
-        factor[i][j] = sum / factor[j][j];
-      } else if (sum > 0 && std::isfinite(sum)) {
-        factor[i][i] = std::sqrt(sum);
-      } else {
-        return std::nullopt;
-      }
-    }
+    for (std::size_t j = 0; j <= i; ++j) matrix[i][j] = -hessian[i][j] + (i == j ? ridge : 0);
   }
-  return factor;
-}
-
-Point SolveLower(const Matrix& factor, std::size_t n, Point right) {
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t k = 0; k < i; ++k) right[i] -= factor[i][k] * right[k];
-    right[i] /= factor[i][i];
-  }
-  return right;
-}
-
-Point SolveUpper(const Matrix& factor, std::size_t n, Point right) {
-  for (std::size_t i = n; i-- > 0;) {
-    for (std::size_t k = i + 1; k < n; ++k) right[i] -= factor[k][i] * right[k];
-    right[i] /= factor[i][i];
-  }
-  return right;
+  Matrix factor;
+  return SmallCholesky(matrix, n, 0, factor) ? std::optional(factor) : std::nullopt;
 }
 
 double LengthOf(const Point& point, std::size_t n) {
