@@ -20,9 +20,6 @@ class ResultModel : public QAbstractTableModel {
   // The row of the document that is shown at a row of the grid.
   std::size_t RowAt(int row) const;
 
-  // The first column holds the names of the rows, if the table has names that are not mere numbers.
-  bool HasNames() const { return hasNames_; }
-
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
@@ -44,7 +41,7 @@ class ResultModel : public QAbstractTableModel {
   std::vector<std::uint32_t> SortedBy(int column, Qt::SortOrder order) const;
 
   std::shared_ptr<const CAnalysisTableDoc> document_;
-  bool hasNames_;
+  bool hasNames_;  // the first column holds the names of the rows, which are not mere numbers
   std::uint64_t ContentStamp() const;
   std::uint64_t stamp_ = 0;           // of the content that is shown
   std::vector<std::uint32_t> order_;  // empty: that of the document
