@@ -149,7 +149,7 @@ TEST_F(ProfileCommand, SaysWhatIsWrongAndWritesNothing) {
       {{"--formula", "Y=A", "--noise", "Y=-1"}, 2, "must not be less than 0 (--noise)"},
       {{"--formula", "Y=A", "--noise", "Q=1"}, 2, "no response called 'Q'"},
       {{"--formula", "Y=A", "--fix", "Q=1"}, 2, "no predictor called 'Q'"},
-      {{"--formula", "Y=A", "--truncate", "A=3,1"}, 2, "must be less than the maximum"},
+      {{"--formula", "Y=A", "--truncate", "A=3,1"}, 2, "the lower bound must be less than the upper one"},
       {{"--formula", "Y=A", "--fix", "A=1"}, 1, "must be random"},
       {{"--formula", "Y=A", "--fix", "A=1", "--truncate", "A=0,1"},
        2,

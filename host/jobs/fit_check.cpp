@@ -8,6 +8,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/range_check.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
@@ -162,24 +163,19 @@ class FitCheck {
   }
 
   void Quantiles() {
-    for (const double p : job_.quantiles) CheckWithin("quantiles", "a probability", p);
+    for (const double p : job_.quantiles) CheckBetweenZeroAndOne("quantiles", p, faults_, "a probability");
     for (const double x : job_.exceed) CheckNumber("exceed", x, faults_, "");
     for (const double period : job_.returnPeriods) {
       if (!(period > 1) || !std::isfinite(period))
         Add("returnPeriods", "expected a period longer than 1, got " + ShortestNumber(period));
     }
-    if (job_.confidence) CheckWithin("confidence", "a number", *job_.confidence);
+    if (job_.confidence) CheckBetweenZeroAndOne("confidence", *job_.confidence, faults_);
     RequireFitted("quantiles", !job_.quantiles.empty(), true);
     RequireFitted("exceed", !job_.exceed.empty(), true);
     RequireFitted("returnPeriods", !job_.returnPeriods.empty(), true);
     const bool isDrawn = job_.plot.IsAsked() && job_.plot.Kind() == kReturnLevels;
     if (job_.confidence && !job_.AsksForQuantiles() && !isDrawn)
       Add("confidence", "no quantile is asked for, and no probability or return level");
-  }
-
-  void CheckWithin(std::string_view field, const std::string& what, double value) {
-    if (!(value > 0 && value < 1))
-      Add(field, "expected " + what + " between 0 and 1, got " + ShortestNumber(value));
   }
 
   void Saving() {
@@ -195,8 +191,7 @@ class FitCheck {
       CheckNumber("truncate", *bound, faults_, truncation.variable);
       if (IsNotSet(*bound)) Add("truncate", "-444 means that no bound is set and cannot be a bound");
     }
-    if (truncation.low && truncation.high && *truncation.low >= *truncation.high)
-      Add("truncate", Quoted(truncation.variable) + ": the lower bound must be less than the upper one");
+    CheckAscending("truncate", truncation.variable, truncation.low, truncation.high, faults_);
   }
 
   void CheckOrder(const FitJob::Order& order) {

@@ -120,7 +120,7 @@ REFUSED_PROFILES = (
     ({"formulas": [FORMULA], "noise": {"z": 1}}, "no response called 'z'; the responses are y (noise)"),
     ({"formulas": [FORMULA], "specifications": {"y": (5, None, 3)}}, "must be less than the upper one (specifications)"),
     ({"formulas": [FORMULA], "fixed": {"z": 1}}, "no predictor called 'z'; the predictors are x, n (fixed)"),
-    ({"formulas": [FORMULA], "truncate": {"x": (3, 3)}}, "the minimum must be less than the maximum (truncate)"),
+    ({"formulas": [FORMULA], "truncate": {"x": (3, 3)}}, "'x': the lower bound must be less than the upper one (truncate)"),
     ({"formulas": [FORMULA], "output": "r.txt"}, "expected a file ending in .csv, .npz, .xlsx, .sav, .dta or .bvw, got r.txt (output)"),
     ({"formulas": [FORMULA], "output": "none/r.csv"}, "the folder of none/r.csv does not exist (output)"),
     ({"formulas": ["y = x"], "correlated": True}, "there is only one predictor, so it cannot be correlated with another (correlated)"),

@@ -1,6 +1,7 @@
 #include "host/jobs/base/specification_check.h"
 
 #include "host/base/quoted.h"
+#include "host/jobs/base/range_check.h"
 
 namespace brenvolt {
 
@@ -12,7 +13,7 @@ void CheckLimits(const std::string& response, const SpecificationLimits& limits,
   if (!limits.HasLower() && !limits.HasUpper()) {
     add("expected a lower or an upper limit");
   } else if (limits.lower >= limits.upper) {
-    add("the lower limit must be less than the upper one");
+    CheckAscending("specifications", response, limits.lower, limits.upper, faults, "limit");
   } else if (limits.target < limits.lower || limits.target > limits.upper) {
     add("the target lies outside the limits");
   } else {

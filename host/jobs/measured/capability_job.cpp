@@ -11,6 +11,7 @@
 #include "host/base/quoted.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
+#include "host/jobs/base/range_check.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/fit_job.h"
@@ -324,8 +325,7 @@ JobFaults CapabilityJob::Check() const {
       add("distribution", "the " + named->name + " distribution is for discrete variables");
     }
   }
-  if (confidence && !(*confidence > 0 && *confidence < 1))
-    add("confidence", "expected a number between 0 and 1, got " + ShortestNumber(*confidence));
+  if (confidence) CheckBetweenZeroAndOne("confidence", *confidence, faults);
   CheckBootstrap(bootstrap, bootstrapSeed, faults);
   CheckPlot(plot, kCapabilityPlotKinds, faults);
   CheckReport(report, faults);

@@ -9,6 +9,7 @@
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/range_check.h"
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/profile/profile_job.h"
@@ -63,9 +64,7 @@ void CheckEntries(const ProfileJob& job, JobFaults& faults) {
     for (const auto& bound : {one.minimum, one.maximum}) {
       if (bound) CheckNumber("truncate", *bound, faults, one.predictor);
     }
-    if (one.minimum && one.maximum && *one.minimum >= *one.maximum) {
-      faults.push_back({"truncate", Quoted(one.predictor) + ": the minimum must be less than the maximum"});
-    }
+    CheckAscending("truncate", one.predictor, one.minimum, one.maximum, faults);
   }
   for (const ProfileJob::Truncation& one : job.truncate) {
     if (std::ranges::find(job.fixed, one.predictor, &ProfileJob::Fixed::predictor) != job.fixed.end())
