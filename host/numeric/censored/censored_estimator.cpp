@@ -15,7 +15,6 @@ namespace brenvolt {
 namespace {
 
 using Point = Coordinates;
-using Matrix = CoordinateMatrix;
 
 constexpr DistributionCode kCensored[] = {
     DistributionCode::kNormal,   DistributionCode::kLogNormal, DistributionCode::kHalfNormal,
@@ -71,12 +70,13 @@ Climb::Place Climb::At(const Point& point) const {
 }
 
 // The lower Cholesky factor of -hessian + ridge; nothing unless that is positive definite.
-std::optional<Matrix> FactorOf(const Matrix& hessian, std::size_t n, double ridge) {
-  Matrix matrix{};
+using Factor = std::array<double, kMostCoordinates * kMostCoordinates>;
+std::optional<Factor> FactorOf(const CoordinateMatrix& hessian, std::size_t n, double ridge) {
+  Factor matrix{};
   for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j) matrix[i][j] = -hessian[i][j] + (i == j ? ridge : 0);
+    for (std::size_t j = 0; j <= i; ++j) matrix[i * n + j] = -hessian[i][j] + (i == j ? ridge : 0);
   }
-  Matrix factor;
+  Factor factor;
   return SmallCholesky(matrix, n, 0, factor) ? std::optional(factor) : std::nullopt;
 }
 
@@ -104,13 +104,14 @@ std::optional<Climb::Place> Climb::Ascend(const Place& from, const Point& step) 
 
 CensoredEstimate Climb::EstimateAt(const Place& place, double gradient, int iterations) const {
   const std::size_t n = Size();
-  const Matrix factor = *FactorOf(place.likelihood.second, n, 0);
+  const Factor factor = *FactorOf(place.likelihood.second, n, 0);
   const std::vector<double> values = ValuesAt(place.point);
   std::vector<double> covariance(n * n);
   for (std::size_t j = 0; j < n; ++j) {
-    Point one{};
-    one[j] = 1;
-    const Point column = SolveUpper(factor, n, SolveLower(factor, n, one));
+    Point column{};
+    column[j] = 1;
+    SolveLower(factor, n, column);
+    SolveUpper(factor, n, column);
     const auto scale = [&](std::size_t i) { return start_.units[i] > 0 ? start_.units[i] : values[i]; };
     for (std::size_t i = 0; i < n; ++i) covariance[i * n + j] = column[i] * scale(i) * scale(j);
   }
@@ -130,16 +131,17 @@ EstimationResult<CensoredEstimate> Climb::Run() {
   const std::size_t n = Size();
   double former = std::numeric_limits<double>::infinity();
   for (int iteration = 0; iteration < kMostIterations; ++iteration) {
-    const Matrix& hessian = here.likelihood.second;
+    const CoordinateMatrix& hessian = here.likelihood.second;
     const auto information = FactorOf(hessian, n, 0);
     auto factor = information;
     for (double ridge = 1e-3; !factor && ridge < 1e20; ridge *= 10) factor = FactorOf(hessian, n, ridge);
     if (!factor) return FaultAbout(EstimationFault::kNoMaximum, 0);
-    const Point score = SolveLower(*factor, n, here.likelihood.first);
-    const double gradient = LengthOf(score, n);
+    Point step = here.likelihood.first;
+    SolveLower(*factor, n, step);
+    const double gradient = LengthOf(step, n);
     const bool isEnd = gradient < kFlat || (gradient < kAtEnd && gradient > former / 2);
     if (information && isEnd) return EstimateAt(here, gradient, iteration);
-    Point step = SolveUpper(*factor, n, score);
+    SolveUpper(*factor, n, step);
     const double length = LengthOf(step, n);
     if (length > kLongest) std::ranges::for_each(step, [&](double& x) { x *= kLongest / length; });
     auto next = Ascend(here, step);

@@ -4,44 +4,27 @@
 #include <cmath>
 #include <cstddef>
 #include <optional>
+#include <utility>
+
+#include "host/numeric/vector/small_cholesky.h"
 
 namespace brenvolt::estimation {
 namespace {
 
 using Vector = std::vector<double>;
 
-// Lower Cholesky factor; nothing when the matrix is not positive definite. Not the factor of host/numeric/algebra,
-// which takes a pivot for positive from some 1e-15 of its diagonal element on: along the ridges that likelihoods have
-// where they grow towards an end of the parameters such pivots are what rounding leaves of 0, and the climb would end on
-// a ridge as on a maximum.
+// The lower Cholesky factor; nothing when the matrix is not positive definite. Pivots must be well above rounding: along the
+// ridges that likelihoods have where they grow towards an end of the parameters smaller ones are what rounding leaves of 0, and
+// the climb would end on a ridge as on a maximum.
 std::optional<Vector> Factorise(std::span<const double> matrix, std::size_t n) {
+  constexpr double kLeastPivot = 1e-14;
   Vector lower(n * n);
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j <= i; ++j) {
-      double rest = matrix[i * n + j];
-      for (std::size_t m = 0; m < j; ++m) rest -= lower[i * n + m] * lower[j * n + m];
-      if (i != j) {
-        lower[i * n + j] = rest / lower[j * n + j];
-      } else if (rest > 1e-14 * std::abs(matrix[i * n + i])) {
-        lower[i * n + i] = std::sqrt(rest);
-      } else {
-        return std::nullopt;
-      }
-    }
-  }
-  return lower;
+  return SmallCholesky(matrix, n, kLeastPivot, lower) ? std::optional(std::move(lower)) : std::nullopt;
 }
 
 Vector Solve(const Vector& lower, Vector right) {
-  const std::size_t n = right.size();
-  for (std::size_t i = 0; i < n; ++i) {
-    for (std::size_t j = 0; j < i; ++j) right[i] -= lower[i * n + j] * right[j];
-    right[i] /= lower[i * n + i];
-  }
-  for (std::size_t i = n; i-- > 0;) {
-    for (std::size_t j = i + 1; j < n; ++j) right[i] -= lower[j * n + i] * right[j];
-    right[i] /= lower[i * n + i];
-  }
+  SolveLower(lower, right.size(), right);
+  SolveUpper(lower, right.size(), right);
   return right;
 }
 
