@@ -76,7 +76,7 @@ install(FILES cmake/brenvolt-config.cmake ${PROJECT_BINARY_DIR}/generated/brenvo
 
 # Everything that is installed, and no test.
 add_custom_target(installed)
-foreach(target IN ITEMS cli brv_sra drawing desktop python_package pages)
+foreach(target IN ITEMS cli brv_sra drawing ranks desktop python_package pages)
   if(TARGET ${target})
     add_dependencies(installed ${target})
   endif()

@@ -20,7 +20,7 @@ class Room(NamedTuple):
     foreign: str  # headers from outside the tree, besides the standard library: "system", "third-party", "drawing"
 
 
-# A name means all the folders of the table below it, but "host" leaves out drawing, a library of its own.
+# A name means all the folders of the table below it, but "host" leaves out drawing and ranks, libraries of their own.
 ROOMS = (
     Room("host/base", "", "system third-party"),
     Room("host/base/process", "host/base", "system third-party"),
@@ -45,6 +45,8 @@ ROOMS = (
     Room("host/tables/formats", "host/tables/office", "third-party"),
     Room("host/controls", "host/base", "third-party"),
     Room("host/automation", "host/base", "third-party"),
+    Room("host/rounds", "host/base/files", ""),
+    Room("host/ranks", "host/rounds", "third-party"),
     Room("host/statistics", "host/numeric host/tables", "third-party"),
     Room("host/formula", "host/numeric/distributions", "third-party"),
     Room("host/models/document", "host/base", "third-party"),
@@ -57,7 +59,7 @@ ROOMS = (
     Room("host/analysis/ports", "host/analysis", "third-party"),
     Room("host/contract", "host/numeric host/analysis/ports", ""),
     Room("host/application", "host/models host/analysis/ports host/tables/formats", "third-party"),
-    Room("host/jobs/base", "host/application host/reporting", "third-party"),
+    Room("host/jobs/base", "host/application host/reporting host/rounds", "third-party"),
     Room("host/jobs/notation", "host/jobs/base", "third-party"),
     Room("host/jobs", "host/jobs/notation", "third-party"),
     Room("host/jobs/exchange", "host/jobs", "third-party"),
@@ -176,7 +178,7 @@ def named_folders(text):
             yield name
             continue
         for room in ROOMS:
-            if room.folder.startswith(name + "/") and (name, room.folder) != ("host", "host/drawing"):
+            if room.folder.startswith(name + "/") and (name, room.folder) not in (("host", "host/drawing"), ("host", "host/ranks")):
                 yield room.folder
 
 

@@ -13,7 +13,7 @@ using enum AutomationType;
 inline constexpr std::array<ArgumentDescription, 1> kFile{{{"sFileName", kText}}};
 
 // Those from CorrelationMatrix on are younger than the members before, whose numbers stand in recorded macros.
-inline constexpr std::array<MemberDescription, 18> kMembers{{
+inline constexpr std::array<MemberDescription, 19> kMembers{{
     Property("Variables", 0x60030000, kText, kVariant,
              "The variables to simulate: their numbers as a text (\"1-3 5\"). Takes such a text, a number or "
              "an array of numbers; each must have a saved distribution."),
@@ -66,6 +66,10 @@ inline constexpr std::array<MemberDescription, 18> kMembers{{
         "CorrelationMatrixName", 0x6003001f, kText, kText,
         "The matrix sheet beside the input that correlated methods follow, by its name; empty for that of "
         "the input."),
+    Property(
+        "NumberOfFileSamples", 0x60030021, kReal, kReal,
+        "How many cases SimulationFile simulates, where these are more than NumberOfSamples takes; 0: as "
+        "many as that."),
 }};
 
 }  // namespace simulation_interface

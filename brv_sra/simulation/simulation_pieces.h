@@ -28,6 +28,9 @@ using ColumnSink = std::function<void(std::size_t variable, std::span<const doub
 // The summary is exact: the values are drawn two or three times. By cases, a column whose values take draws
 // as they come (a truncated type with candidates) is drawn once more, so that the next one's place in the
 // stream is known.
+//
+// Work is done in rounds by the crew (host/rounds), all of which call this. Of several processes one hands on the samples, and
+// the sinks of the others take none; an empty sink takes none anywhere.
 Result<SampleSummaries> SimulateByCases(const SimulationDesign& design, bool seeded, double seed,
                                         const CaseSink& take, const RunProgress& bars);
 Result<SampleSummaries> SimulateByColumns(const SimulationDesign& design, bool seeded, double seed,

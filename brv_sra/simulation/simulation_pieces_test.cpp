@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
 #include <vector>
 
 #include "brv_sra/simulation/sampling/sampled_distributions_test.h"
@@ -11,6 +13,7 @@
 #include "host/analysis/ports/headless_user_interface.h"
 #include "host/base/error.h"
 #include "host/numeric/random/random_stream.h"
+#include "host/rounds/crew.h"
 
 namespace brenvolt::sra {
 namespace {
@@ -81,6 +84,57 @@ TEST_F(Pieces, HoldTheValuesAndTheSummaryOfOneRunAsAWhole) {
       EXPECT_EQ(found, expected);
       EXPECT_EQ(byColumns->values, summary.values);
       EXPECT_EQ(ProcessStreamPosition(), end);
+    }
+  }
+}
+
+// A crew that splits the parts of each round in its own way, as several processes do, and joins in its own order.
+class SplittingCrew : public Crew {
+ public:
+  explicit SplittingCrew(std::uint64_t most) : most_(most) {}
+
+  int Rank() const override { return 0; }
+  int Count() const override { return 2; }
+  bool RunsInOrder() const override { return false; }
+  std::string Run(const Round& round) override {
+    std::vector<std::string> pieces;
+    for (std::uint64_t end = round.parts; end > 0; end -= std::min(most_, end))
+      pieces.push_back(round.run({end - std::min(most_, end), end}));
+    while (pieces.size() > 1) {
+      const std::string last = std::move(pieces.back());
+      pieces.pop_back();
+      pieces.back() = round.join(last, pieces.back());
+    }
+    return round.finish(pieces[0]);
+  }
+
+ private:
+  std::uint64_t most_;
+};
+
+TEST_F(Pieces, AnySplitOfTheRoundsGivesTheSameBytes) {
+  for (const SampledTruncation& truncation : {kTruncations[0], kTruncations[3]}) {
+    for (const auto method : {SimulationMethod::kMonteCarlo, SimulationMethod::kLatinHypercube}) {
+      SCOPED_TRACE(testing::Message() << truncation.name << ", method " << static_cast<int>(method));
+      UseAllDistributions(truncation);
+      design.variables.resize(5);
+      design.variables[1].name = design.variables[4].name;
+      design.numberOfSamples = 2 * SampleSummary::kPart + 4711;
+      design.method = method;
+      const auto alone = ByColumns([](std::size_t, std::span<const double>) {});
+      const std::uint64_t end = ProcessStreamPosition();
+      const SimulationRun whole = *RunSimulation(design, true, kSeed, userInterface);
+      EXPECT_EQ(alone->values, SummarizeOutput(*whole.output, userInterface).values);
+      for (const std::uint64_t most : {1, 2, 5}) {
+        SplittingCrew crew(most);
+        const CrewScope scope(crew);
+        EXPECT_EQ(ByColumns([](std::size_t, std::span<const double>) {})->values, alone->values);
+        EXPECT_EQ(ProcessStreamPosition(), end);
+        std::uint64_t cases = 0;
+        const auto byCases = ByCases([&](const Spreadsheet& piece) { cases += piece.CaseCount(); });
+        EXPECT_EQ(byCases->values, alone->values);
+        EXPECT_EQ(cases, static_cast<std::uint64_t>(design.numberOfSamples));
+      }
     }
   }
 }

@@ -25,7 +25,8 @@ struct SimulationOptions {
   bool truncate = false;
   SimulationMethod method = SimulationMethod::kMonteCarlo;
   SimulationMethod previousMethod = SimulationMethod::kMonteCarlo;  // the one chosen before
-  bool autoUpdate = false;  // the next output takes the place of the last one
+  std::int64_t fileSamples = 0;  // into a file, in place of numberOfSamples; 0: as many as these
+  bool autoUpdate = false;       // the next output takes the place of the last one
   ParameterSource source = ParameterSource::kUserSpecified;
 };
 

@@ -58,16 +58,47 @@ SampleSummary::SampleSummary(std::uint64_t count) : count_(count) {
 }
 
 void SampleSummary::Add(std::span<const double> values) {
-  if (isFirstPass_) {
-    for (std::size_t from = 0; from < values.size(); from += kBlock)
-      moments_.Add(values.subspan(from, std::min(kBlock, values.size() - from)));
+  for (std::size_t from = 0; isFirstPass_ && from < values.size(); from += kBlock) {
+    if (left_ == 0) {
+      parts_.emplace_back();
+      left_ = kPart;
+    }
+    const std::size_t count = std::min(kBlock, values.size() - from);
+    parts_.back().Add(values.subspan(from, count));
+    left_ -= count;
   }
   search_->Add(values);
 }
 
 void SampleSummary::EndPass() {
+  for (const MomentAccumulator& part : parts_) moments_.Join(part);
+  parts_.clear();
   isFirstPass_ = false;
   search_->EndPass();
+}
+
+void SampleSummary::PutTally(ByteWriter& bytes) const {
+  bytes.Put<std::uint64_t>(parts_.size());
+  for (const MomentAccumulator& part : parts_) part.Put(bytes);
+  search_->PutTally(bytes);
+}
+
+void SampleSummary::AddTally(ByteReader& bytes) {
+  const auto parts = bytes.Get<std::uint64_t>();
+  for (std::uint64_t part = 0; part < parts; ++part) parts_.push_back(MomentAccumulator::Get(bytes));
+  left_ = 0;
+  search_->AddTally(bytes);
+}
+
+void SampleSummary::PutKnown(ByteWriter& bytes) const {
+  moments_.Put(bytes);
+  search_->PutKnown(bytes);
+}
+
+void SampleSummary::TakeKnown(ByteReader& bytes) {
+  moments_ = MomentAccumulator::Get(bytes);
+  isFirstPass_ = false;
+  search_->TakeKnown(bytes);
 }
 
 std::vector<double> SampleSummary::Values() const {

@@ -99,6 +99,8 @@ double MomentAccumulator::Unit() const {
 }
 
 void MomentAccumulator::Join(const MomentAccumulator& block) {
+  missing_ += block.missing_;
+  if (block.count_ == 0) return;
   if (count_ == 0) {
     const std::int64_t missing = missing_;
     *this = block;
@@ -164,6 +166,24 @@ Moments MomentAccumulator::Finish() const {
     moments.logMean = logMean_;
     if (n > 1) moments.logStandardDeviation = std::sqrt(logSum_ / (n - 1));
   }
+  return moments;
+}
+
+void MomentAccumulator::Put(ByteWriter& bytes) const {
+  for (const std::int64_t number : {count_, missing_, std::int64_t{exponent_}}) bytes.Put(number);
+  for (const double number : {mean_, inverseUnit_, longDeviation_, m2_, m3_, m4_, minimum_, maximum_})
+    bytes.Put(number);
+}
+
+MomentAccumulator MomentAccumulator::Get(ByteReader& bytes) {
+  MomentAccumulator moments;
+  moments.logarithms_ = false;
+  moments.count_ = bytes.Get<std::int64_t>();
+  moments.missing_ = bytes.Get<std::int64_t>();
+  moments.exponent_ = static_cast<int>(bytes.Get<std::int64_t>());
+  for (double* number : {&moments.mean_, &moments.inverseUnit_, &moments.longDeviation_, &moments.m2_,
+                         &moments.m3_, &moments.m4_, &moments.minimum_, &moments.maximum_})
+    *number = bytes.Get<double>();
   return moments;
 }
 

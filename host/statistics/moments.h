@@ -5,6 +5,7 @@
 #include <span>
 
 #include "host/base/almost_equal.h"
+#include "host/base/bytes.h"
 
 namespace brenvolt {
 
@@ -33,15 +34,19 @@ class MomentAccumulator {
   // joined to those before (Pébay 2008, eqs. 3.1-3.3). From then on the logarithms have no moments.
   void Add(std::span<const double> block);
   void CountMissing() { ++missing_; }
+  // Takes all that another one took, as a block.
+  void Join(const MomentAccumulator& block);
   // The moments of what was added: skewness and kurtosis with their small-sample corrections, standard
   // deviations with divisor n - 1. All are kNotSet if the sample is too small for them.
   Moments Finish() const;
+  // What was added by blocks, as bytes.
+  void Put(ByteWriter& bytes) const;
+  static MomentAccumulator Get(ByteReader& bytes);
 
  private:
   void AddOnce(double x);
   void Rescale(double deviation);
   double Unit() const;  // of the central moments; 0 while they are all 0
-  void Join(const MomentAccumulator& block);
   void AddLogarithm(double x, std::int64_t copies);
 
   std::int64_t count_ = 0;

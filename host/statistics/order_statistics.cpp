@@ -20,12 +20,16 @@ OrderStatisticSearch::OrderStatisticSearch(std::span<const std::uint64_t> ranks)
   if (ranks.empty()) return;
   Group all;
   for (std::size_t i = 0; i < ranks.size(); ++i) all.sought.push_back(i);
-  all.counts.assign(kParts, 0);
   groups_.push_back(std::move(all));
+}
+
+void OrderStatisticSearch::NeedCounts(Group& group) {
+  if (!group.keeps && group.counts.empty()) group.counts.assign(kParts, 0);
 }
 
 void OrderStatisticSearch::Add(std::span<const double> values) {
   if (IsDone()) return;
+  std::ranges::for_each(groups_, NeedCounts);
   if (knownBits_ == 0) {
     std::vector<std::uint64_t>& counts = groups_.front().counts;
     for (const double x : values) ++counts[OrderedBits(x) >> (kKeyBits - kBitsPerPass)];
@@ -48,6 +52,7 @@ void OrderStatisticSearch::Add(std::span<const double> values) {
 void OrderStatisticSearch::EndPass() {
   std::vector<Group> parts;
   for (Group& group : groups_) {
+    NeedCounts(group);
     if (group.keeps) {
       FinishKept(group);
     } else {
@@ -89,10 +94,65 @@ void OrderStatisticSearch::Divide(const Group& group, std::vector<Group>& parts)
 void OrderStatisticSearch::StartPass(std::vector<Group> groups) {
   groups_ = std::move(groups);
   isTopSought_.assign(groups_.empty() ? 0 : kParts, 0);
-  for (Group& group : groups_) {
-    isTopSought_[group.prefix >> (knownBits_ - kBitsPerPass)] = 1;
-    if (!group.keeps) group.counts.assign(kParts, 0);
+  for (const Group& group : groups_) isTopSought_[group.prefix >> (knownBits_ - kBitsPerPass)] = 1;
+}
+
+// Counts are few at first: then the ones other than 0 are listed with their places.
+void OrderStatisticSearch::PutTally(ByteWriter& bytes) const {
+  for (const Group& group : groups_) {
+    bytes.Put(group.members);
+    const auto empty = static_cast<std::size_t>(std::ranges::count(group.counts, std::uint64_t{0}));
+    const bool isDense = group.counts.size() - empty > kParts / 2;
+    bytes.Put(isDense);
+    if (isDense) {
+      bytes.Put(group.counts);
+      continue;
+    }
+    std::vector<std::uint64_t> listed;
+    for (std::size_t part = 0; part < group.counts.size(); ++part)
+      if (group.counts[part] > 0) listed.insert(listed.end(), {part, group.counts[part]});
+    bytes.Put(listed);
   }
+}
+
+void OrderStatisticSearch::AddTally(ByteReader& bytes) {
+  for (Group& group : groups_) {
+    NeedCounts(group);
+    const auto members = bytes.GetList<double>();
+    group.members.insert(group.members.end(), members.begin(), members.end());
+    const bool isDense = bytes.Get<bool>();
+    const auto numbers = bytes.GetList<std::uint64_t>();
+    if (isDense) {
+      for (std::size_t part = 0; part < kParts; ++part) group.counts[part] += numbers.at(part);
+    } else {
+      for (std::size_t i = 0; i + 1 < numbers.size(); i += 2) group.counts.at(numbers[i]) += numbers[i + 1];
+    }
+  }
+}
+
+void OrderStatisticSearch::PutKnown(ByteWriter& bytes) const {
+  bytes.Put(values_);
+  bytes.Put(knownBits_);
+  bytes.Put<std::uint64_t>(groups_.size());
+  for (const Group& group : groups_) {
+    bytes.Put(group.prefix);
+    bytes.Put(group.below);
+    bytes.Put(group.keeps);
+    bytes.Put(group.sought);
+  }
+}
+
+void OrderStatisticSearch::TakeKnown(ByteReader& bytes) {
+  values_ = bytes.GetList<double>();
+  knownBits_ = bytes.Get<int>();
+  std::vector<Group> groups(bytes.Get<std::uint64_t>());
+  for (Group& group : groups) {
+    group.prefix = bytes.Get<std::uint64_t>();
+    group.below = bytes.Get<std::uint64_t>();
+    group.keeps = bytes.Get<bool>();
+    group.sought = bytes.GetList<std::size_t>();
+  }
+  StartPass(std::move(groups));
 }
 
 }  // namespace brenvolt

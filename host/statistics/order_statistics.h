@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+#include "host/base/bytes.h"
+
 namespace brenvolt {
 
 // The values of given ranks. Whoever asks gives the whole sample, in pieces of any size and in any order,
@@ -24,6 +26,13 @@ class OrderStatisticSearch {
   // The order statistic of ranks[index] as given to the constructor; when the search is done.
   double Value(std::size_t index) const { return values_[index]; }
 
+  // What the values of this pass have told, as bytes, for a search that others help with: each gives some of the values,
+  // and all tallies are added to one search, which ends the pass and hands the others what is known between two passes.
+  void PutTally(ByteWriter& bytes) const;
+  void AddTally(ByteReader& bytes);
+  void PutKnown(ByteWriter& bytes) const;
+  void TakeKnown(ByteReader& bytes);
+
  private:
   // Values whose first bits are known to be those of an order statistic sought.
   struct Group {
@@ -32,11 +41,12 @@ class OrderStatisticSearch {
     std::vector<std::size_t> sought;  // indexes of the ranks within the group
     bool keeps = false;               // whether its members are kept, or counted by their next bits
     std::vector<double> members;
-    std::vector<std::uint64_t> counts;
+    std::vector<std::uint64_t> counts;  // from the first value on
   };
   void FinishKept(Group& group);
   void Divide(const Group& group, std::vector<Group>& parts);
   void StartPass(std::vector<Group> groups);
+  static void NeedCounts(Group& group);
 
   std::vector<std::uint64_t> ranks_;
   std::vector<double> values_;

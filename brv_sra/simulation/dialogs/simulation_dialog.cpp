@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <new>
 #include <optional>
 #include <utility>
@@ -19,10 +21,12 @@
 #include "brv_sra/simulation/dialogs/simulation_documents.h"
 #include "brv_sra/simulation/saved_fits.h"
 #include "brv_sra/simulation/simulation_run.h"
+#include "host/analysis/run_bounds.h"
 #include "host/automation/dialog_interface.h"
 #include "host/automation/variable_list.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/rounds/crew.h"
 #include "host/tables/csv.h"
 #include "host/tables/numpy_archive.h"
 
@@ -105,8 +109,18 @@ void PutMatrixName(Dialog& dialog, Indexes, const Variant& value) {
   dialog.ChooseMatrix(value.ToText());
 }
 
+Variant GetFileSamples(Dialog& dialog, Indexes) {
+  return static_cast<double>(dialog.Services().Simulation().options.fileSamples);
+}
+void PutFileSamples(Dialog& dialog, Indexes, const Variant& value) {
+  const double samples = value.ToReal();
+  if (!(samples >= 0 && samples <= kMostFileSamples && samples == std::floor(samples)))
+    throw Error("expected a whole number from 0 to " + ShortestNumber(kMostFileSamples));
+  dialog.Services().Simulation().options.fileSamples = static_cast<std::int64_t>(samples);
+}
+
 // Those from CorrelationMatrix on are not members that macros knew from the start; they follow the others.
-constexpr std::array<Member, 18> kMembers{{
+constexpr std::array<Member, 19> kMembers{{
     {"Variables", GetVariables, PutVariables},
     Method<kMonteCarlo>("MonteCarloMethod"),
     Method<kLatinHypercube>("LHSMethod"),
@@ -125,6 +139,7 @@ constexpr std::array<Member, 18> kMembers{{
     {"ExcludedVariables", GetExcluded, PutExcluded},
     {"UseFittedDistributions", GetChecked<Dialog, kUseFitted>, PutChecked<Dialog, kUseFitted>},
     {"CorrelationMatrixName", GetMatrixName, PutMatrixName},
+    {"NumberOfFileSamples", GetFileSamples, PutFileSamples},
 }};
 static_assert(Binds(kSimulationFromDistributionInterface, kMembers));
 
@@ -345,12 +360,16 @@ std::shared_ptr<CAnalysisTableDoc> CSimulationFromDistribution::SimulationFile(
 
 Result<SampleSummaries> CSimulationFromDistribution::RunInPieces(const std::filesystem::path& file) {
   const SimulationOptions& options = Options();
-  const SimulationDesign design = ValueOrThrow(ReadDesign(PropertiesOf(*GetInputTable()), options));
+  SimulationDesign design = ValueOrThrow(ReadDesign(PropertiesOf(*GetInputTable()), options));
+  if (options.fileSamples > 0) design.numberOfSamples = options.fileSamples;
+  if (UsesLatinHypercube(design.method) && design.numberOfSamples > std::numeric_limits<std::int32_t>::max())
+    throw Error("Latin hypercube sampling takes as many samples as NumberOfSamples can be at most");
   const RunProgress bars = CaptionedProgress(Analysis().Interface());
   const auto byColumns = [&](const ColumnSink& take) {
     return SimulateByColumns(design, options.seeded, options.seed, take, bars);
   };
-  if (file.empty()) return byColumns([](std::size_t, std::span<const double>) {});
+  if (file.empty()) return byColumns({});
+  if (TheCrew().Rank() != 0) return byColumns([](std::size_t, std::span<const double>) {});
   if (IsNumpyArchiveName(file)) {
     NumpyArchive archive(file);
     std::optional<std::size_t> current;

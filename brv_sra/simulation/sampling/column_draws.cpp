@@ -1,7 +1,9 @@
 #include "brv_sra/simulation/sampling/column_draws.h"
 
 #include <bit>
+#include <cassert>
 #include <numeric>
+#include <utility>
 
 #include "brv_sra/simulation/sampling/random_permutation.h"
 #include "host/base/parallel.h"
@@ -61,9 +63,24 @@ void ColumnDraws::DrawStrata(std::span<double> out) {
   position_ += out.size();
 }
 
-void ColumnDraws::Restart() {
-  row_ = 0;
-  position_ = strata_.size() == 0 ? start_ : strataEnd_;
+void ColumnDraws::GoTo(std::size_t row) {
+  if (row == row_) return;
+  row_ = row;
+  if (latinHypercube_) {
+    position_ = strata_.size() == 0 ? start_ : strataEnd_ + row;
+  } else if (const auto fixed = sampler_.FixedDraws()) {
+    position_ = start_ + *fixed * row;
+  } else if (row == 0) {
+    position_ = start_;
+  } else {
+    assert(row % rowsApart_ == 0);
+    position_ = entries_.at(row / rowsApart_);
+  }
+}
+
+void ColumnDraws::SetEntries(std::size_t rowsApart, std::vector<std::uint64_t> entries) {
+  rowsApart_ = rowsApart;
+  entries_ = std::move(entries);
 }
 
 }  // namespace brenvolt::sra

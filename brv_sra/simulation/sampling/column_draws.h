@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "brv_sra/simulation/sampling/simulation_design.h"
 #include "brv_sra/simulation/sampling/variable_sampler.h"
@@ -30,8 +31,13 @@ class ColumnDraws {
   std::uint64_t Position() const { return position_; }
   // The next values. False when one is not finite. Throws std::bad_alloc when memory is short.
   bool Draw(std::span<double> out);
-  void Restart();
+  void Restart() { GoTo(0); }
+  // Goes to a row: if values take draws as they come to the first one, to one of Entries, or to the one that is next.
+  void GoTo(std::size_t row);
   void Release() { strata_ = {}; }
+
+  // Where rows draw in the stream whose values take draws as they come: every rowsApart-th one, the first one first.
+  void SetEntries(std::size_t rowsApart, std::vector<std::uint64_t> entries);
 
  private:
   void DrawStrata(std::span<double> out);
@@ -43,6 +49,8 @@ class ColumnDraws {
   bool latinHypercube_;
   std::size_t row_ = 0;
   std::uint64_t position_;
+  std::size_t rowsApart_ = 0;
+  std::vector<std::uint64_t> entries_;
   std::uint64_t strataEnd_ = 0;         // the position after the draws of the permutation
   AnalysisArray<std::int32_t> strata_;  // empty until they are known
 };

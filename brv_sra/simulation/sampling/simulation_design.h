@@ -44,7 +44,7 @@ struct SimulationVariable {
 struct SimulationDesign {
   std::vector<SimulationVariable> variables;  // continuous ones first
   std::vector<std::int32_t> excluded;         // indices of variables that take no part
-  std::int32_t numberOfSamples = 0;
+  std::int64_t numberOfSamples = 0;           // Latin hypercube sampling has 2^31 - 1 at most
   SimulationMethod method = SimulationMethod::kMonteCarlo;
   ParameterSource source = ParameterSource::kUserSpecified;
   bool truncate = false;  // keep to the range between the probabilities 0.005 and 0.995
