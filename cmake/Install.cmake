@@ -66,7 +66,7 @@ target_compile_features(host INTERFACE cxx_std_20)
 target_include_directories(host INTERFACE $<INSTALL_INTERFACE:include/brenvolt>)
 target_link_libraries(host INTERFACE $<INSTALL_INTERFACE:Boost::headers> $<INSTALL_INTERFACE:nlohmann_json::nlohmann_json>)
 install(DIRECTORY host DESTINATION include/brenvolt COMPONENT development FILES_MATCHING PATTERN "*.h"
-        PATTERN "*_test.h" EXCLUDE PATTERN drawing EXCLUDE PATTERN reference EXCLUDE PATTERN fuzz_seeds EXCLUDE)
+        PATTERN "*_test.h" EXCLUDE PATTERN drawing EXCLUDE PATTERN ranks EXCLUDE PATTERN reference EXCLUDE PATTERN fuzz_seeds EXCLUDE)
 include(CMakePackageConfigHelpers)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/generated/brenvolt-config-version.cmake COMPATIBILITY SameMinorVersion)
 set(package lib/cmake/brenvolt)

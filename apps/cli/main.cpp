@@ -4,12 +4,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <string>
 #include <vector>
 
 #include "apps/base/example_files.h"
 #include "apps/base/option_table.h"
+#include "apps/base/ranks.h"
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
@@ -34,9 +36,12 @@ const std::string kExitStatuses =
 // The only option of the command macro that takes a file.
 const std::string kRecordOption = "--record";
 
+std::string complaints;  // that were made, for the other ranks
+
 void Complain(const std::string& what, const std::string& where = {}) {
-  const std::string place = where.empty() ? std::string() : " (" + where + ")";
-  std::fprintf(stderr, "%s: %s%s\n", brenvolt::cli::kProgram, what.c_str(), place.c_str());
+  const std::string complaint = what + (where.empty() ? std::string() : " (" + where + ")");
+  std::fprintf(stderr, "%s: %s\n", brenvolt::cli::kProgram, complaint.c_str());
+  complaints += (complaints.empty() ? "" : "; ") + complaint;
 }
 
 void RefuseUnknownVerb(const CLI::App& program, int argc, char** argv) {
@@ -184,17 +189,23 @@ int Interrupted() {
   return kInterrupted;
 }
 
-}  // namespace
+// Anything else is done by one process: a job that is not long, or that nobody has split.
+void RequireShared(const std::vector<std::string>& arguments) {
+  const std::string command = arguments.empty() ? "" : arguments[0];
+  static const std::vector<std::string> kShared{"simulate", "profile"};
+  for (const std::string& argument : arguments) {
+    if (argument.starts_with("--record"))
+      throw brenvolt::cli::WrongCall("one process makes a recording (--record): start it without mpirun");
+  }
+  if (command.empty() || command.starts_with('-') || std::ranges::find(kShared, command) != kShared.end())
+    return;
+  throw brenvolt::cli::WrongCall(command + " is done by one process: start it without mpirun");
+}
 
-int main(int argc, char** argv) {
-  brenvolt::ReturnLargeBlocksAtOnce();
-  const brenvolt::InterruptionCatcher interruptions;
-  SayWaits();
+// The status, once whatever was wrong has been said.
+int CarryOut(const std::function<int()>& work) {
   try {
-    brenvolt::cli::RememberCall(argc, argv);
-    const int status = Run(argc, argv);
-    RequirePrinted();
-    return status;
+    return work();
   } catch (const brenvolt::cli::WrongCall& error) {
     Complain(error.what());
     return kWrongCall;
@@ -217,4 +228,24 @@ int main(int argc, char** argv) {
     Complain(error.what());
   }
   return kJobFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  brenvolt::ReturnLargeBlocksAtOnce();
+  const brenvolt::InterruptionCatcher interruptions;
+  SayWaits();
+  brenvolt::Ranks ranks;
+  const int status = CarryOut([&] {
+    ranks.Join(brenvolt::cli::kProgram, argc, argv);
+    if (ranks.AreSeveral()) RequireShared({argv + 1, argv + argc});
+    brenvolt::cli::RememberCall(argc, argv);
+    const int done = Run(argc, argv);
+    RequirePrinted();
+    if (done == 0) ranks.End();
+    return done;
+  });
+  if (status != 0) ranks.GiveUp(complaints.empty() ? "the job failed" : complaints);
+  return ranks.StatusOf(status);
 }

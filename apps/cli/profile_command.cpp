@@ -6,6 +6,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/profile_report.h"
+#include "apps/cli/round_options.h"
 #include "apps/cli/specification_option.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
@@ -163,6 +164,7 @@ void AddProfileCommand(CLI::App& program) {
   AddPlotOptions(*command, job.plot, kProfilePlotKinds);
   AddReportOption(*command, job.report);
   AddReadingOptions(*command, job.data);
+  AddRoundOptions(*command, job.rounds);
   AddRecordOption(*command, call->record);
   AddTableFormatOption(*command, call->format);
   command->footer(

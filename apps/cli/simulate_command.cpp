@@ -5,6 +5,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
+#include "apps/cli/round_options.h"
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
@@ -114,6 +115,7 @@ void AddSimulateCommand(CLI::App& program) {
   AddPlotOptions(*command, job.plot, kDataPlotKinds);
   AddReportOption(*command, job.report);
   AddChartOption(*command, job.keepsTable);
+  AddRoundOptions(*command, job.rounds);
   AddRecordOption(*command, call->record);
   AddTableFormatOption(*command, call->format);
   command->footer(

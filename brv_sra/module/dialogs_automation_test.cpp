@@ -158,8 +158,8 @@ TEST_F(Automation, EveryMemberIsReadAndTakesBackWhatWasRead) {
       EXPECT_EQ(Shown(dialog->Invoke(member.id, CallKind::kGet, arguments)), Shown(value));
     }
   }
-  EXPECT_EQ(read, 117U);
-  EXPECT_EQ(put, 93U);
+  EXPECT_EQ(read, 118U);
+  EXPECT_EQ(put, 94U);
   EXPECT_TRUE(analysis->AutoProfiler());
 }
 

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string_view>
 
+#include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/output_files.h"
@@ -13,6 +14,7 @@
 #include "host/jobs/data_plots.h"
 #include "host/jobs/simulation_workbook.h"
 #include "host/numeric/distributions/distribution_table.h"
+#include "host/rounds/crew.h"
 #include "host/tables/formats/data_file_writer.h"
 #include "host/tables/formats/workbook_file.h"
 #include "host/tables/numpy_archive.h"
@@ -144,7 +146,8 @@ JobFaults SimulateJob::Check() const {
   JobFaults faults;
   CheckOnce("variables", variables, faults);
   if (method) CheckWord("method", *method, kSimulationMethods, faults);
-  CheckWholeNumber("samples", samples, 1, kMostInteger, faults);
+  CheckWholeNumber("samples", samples, 1, kMostFileSamples, faults);
+  CheckCount(faults);
   if (seed) CheckWholeNumber("seed", *seed, 0, kMostInteger, faults);
   CheckInputs(faults);
   CheckMethod(faults);
@@ -152,9 +155,50 @@ JobFaults SimulateJob::Check() const {
   CheckSize("output", output, samples, faults);
   CheckPlot(plot, kDataPlotKinds, faults);
   CheckReport(report, faults);
-  CheckTargetsApart({{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
-                    {{"output", output}, {"plot", plot.file}, {"report", report}}, faults);
+  CheckRounds(faults);
+  CheckTargetsApart(
+      {{"data", data.file}, {"matrix", matrix}, {"fromFile", inputs.fromFile}},
+      {{"output", output}, {"plot", plot.file}, {"report", report}, {"checkpoint", rounds.checkpoint}},
+      faults);
   return faults;
+}
+
+bool SimulateJob::IsInPieces() const {
+  const bool keepsData = keepsSamples || keepsTable || plot.IsAsked() || !report.empty();
+  const bool hasPieces = !HasDataEnding(output) || HasEnding(output, ".csv") || IsNumpyArchiveName(output);
+  return hasPieces && !keepsData && !HasProjectEnding(output) && !(method && InducesCorrelation(*method));
+}
+
+void SimulateJob::CheckCount(JobFaults& faults) const {
+  if (!(samples > kMostInteger && samples <= kMostFileSamples)) return;
+  if (IsInPieces() && (!method || *method == "monte-carlo")) return;
+  faults.push_back(
+      {"samples", "more than " + ShortestNumber(kMostInteger) +
+                      " samples can only be drawn by monte-carlo and summarised, or written to a .csv "
+                      "or .npz file; they cannot be kept, shown or reported"});
+}
+
+// Samples that are in a file already when a job goes on are not drawn again.
+void SimulateJob::CheckRounds(JobFaults& faults) const {
+  rounds.Check(faults);
+  if (!rounds.checkpoint.empty() && !output.empty())
+    faults.push_back({"checkpoint", "is kept of a summary; samples that are written cannot be gone on with"});
+}
+
+void SimulateJob::CheckCrew(JobFaults& faults) const {
+  if (TheCrew().RunsInOrder() || IsInPieces()) return;
+  if (method && InducesCorrelation(*method)) {
+    faults.push_back(
+        {"method", *method + " puts whole columns in order, which one process does by itself: run it on one, "
+                             "without checkpoint, or take monte-carlo or latin-hypercube"});
+  } else {
+    faults.push_back(
+        {plot.IsAsked()    ? "plot"
+         : !report.empty() ? "report"
+                           : "output",
+         "several processes, or one with a checkpoint, do not keep the samples, so that these can only be "
+         "summarised, or written to a .csv or .npz file"});
+  }
 }
 
 void SimulateJob::CheckMethod(JobFaults& faults) const {
@@ -257,7 +301,8 @@ void SimulateJob::Specify(AnalysisSession& session, const Spreadsheet& sheet, st
   const auto dialog = session.Dialog();
   if (!variables.empty()) dialog->Put("Variables", AsVariant(NumbersOf(sheet, variables, "variables")));
   dialog->Put(kSimulationMethods.at(*method), true);
-  dialog->Put("NumberOfSamples", AsInteger(samples));
+  dialog->Put("NumberOfSamples", AsInteger(std::min(samples, kMostInteger)));
+  if (samples > kMostInteger) dialog->Put("NumberOfFileSamples", samples);
   dialog->Put("IsSeedRandomNumber", true);
   dialog->Put("RandomSeedNumber", chosenSeed);
   dialog->Put("TruncateSimulationData", truncate);
@@ -274,6 +319,7 @@ SimulationFindings SimulateJob::Run(const JobInput& input, JobRecorder& recorder
   chosen.method = ChosenMethod(input);
   JobFaults faults;
   chosen.CheckMethod(faults);
+  chosen.CheckCount(faults);
   RequireNone(std::move(faults));
   return chosen.RunByMethod(input, recorder);
 }
@@ -282,6 +328,10 @@ SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& 
   RefuseRecordedPlot(plot, recorder);
   RefuseRecordedReport(report, recorder);
   RefuseReplacedProject(output);
+  KeptRounds kept(rounds);
+  JobFaults crew;
+  CheckCrew(crew);
+  RequireNone(std::move(crew));
   SimulationFindings found;
   found.method = *method;
   found.seed = ChosenSeed(seed);
@@ -298,9 +348,7 @@ SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& 
     found.methodNotes.push_back(*std::move(note));
   if (inputs.IsEmpty() && InducesCorrelation(*method) && follows != nullptr)
     session.Dialog()->Put("CorrelationMatrix", Variant::Object(follows));
-  const bool inPieces = !HasDataEnding(output) || HasEnding(output, ".csv") || IsNumpyArchiveName(output);
-  const bool keepsData = keepsSamples || keepsTable || plot.IsAsked() || !report.empty();
-  const bool toSheet = keepsData || InducesCorrelation(*method) || HasProjectEnding(output) || !inPieces;
+  const bool toSheet = !IsInPieces();
   const bool isDone = toSheet ? RunToSheet(session, found) : RunToFile(session, output, found);
   if (!isDone) throw Error("nothing was produced: this method has no generator", *method);
   const bool showsResults = plot.IsAsked() || !report.empty() || IsWorkbookName(output);
@@ -310,6 +358,7 @@ SimulationFindings SimulateJob::RunByMethod(const JobInput& input, JobRecorder& 
   Write(*this, found, recorder);
   if (plot.IsAsked())
     WritePlot(plot, "Simulated data", DataPlots(found.output->Table(), plot.Kind(), Origin(found)));
+  kept.End();
   return found;
 }
 

@@ -9,6 +9,7 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/job_rounds.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
@@ -46,7 +47,7 @@ struct SimulateJob {
   std::vector<std::string> variables;  // without names, all with distributions
   // Without, one that follows correlations where any are known, and Monte Carlo where none are.
   std::optional<std::string> method;
-  double samples = 1000;
+  double samples = 1000;         // beyond 2147483647 by monte-carlo, into pieces
   std::optional<double> seed;    // without, Run draws one
   bool truncate = false;         // each variable is kept within its 0.5 % and 99.5 % quantiles
   std::string matrix;            // its name (NamedMatrix); empty: the one saved with the fits
@@ -54,9 +55,10 @@ struct SimulateJob {
   Table savedMatrix;             // that belongs to the fits; null: the one saved with them in the project
   std::filesystem::path output;  // empty: the data are summarized, and go nowhere
   std::filesystem::path report;  // empty: none is written; front ends do it (host/jobs/reports)
-  Plot plot;                     // of the data, which are kept in memory for it
-  bool keepsTable = false;       // the findings have the document of the data, beside the summary
-  bool keepsSamples = false;     // the findings have the document of the data, and no summary
+  JobRounds rounds;
+  Plot plot;                  // of the data, which are kept in memory for it
+  bool keepsTable = false;    // the findings have the document of the data, beside the summary
+  bool keepsSamples = false;  // the findings have the document of the data, and no summary
 
   // All that can be refused without the data.
   JobFaults Check() const;
@@ -71,6 +73,12 @@ struct SimulateJob {
 
  private:
   void CheckInputs(JobFaults& faults) const;
+  // More samples than the dialog's number takes can only be drawn in pieces; false where they are kept as a whole.
+  bool IsInPieces() const;
+  void CheckCount(JobFaults& faults) const;
+  void CheckRounds(JobFaults& faults) const;
+  // What several processes cannot do together.
+  void CheckCrew(JobFaults& faults) const;
   // What the method that is given does not follow or show; nothing without one.
   void CheckMethod(JobFaults& faults) const;
   // The names of what will be drawn, before a dialog is open.

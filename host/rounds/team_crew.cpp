@@ -128,9 +128,6 @@ struct TeamCrew::Message {
 };
 
 void TeamCrew::KeepCheckpoint(const std::filesystem::path& path, std::chrono::milliseconds every) {
-  file_ = path;
-  every_ = every;
-  saved_ = std::chrono::steady_clock::now();
   Round found{"checkpoint", 1, {}, {}, {}};
   Checkpoint loaded;
   found.run = [&](PartRange) {
@@ -153,6 +150,9 @@ void TeamCrew::KeepCheckpoint(const std::filesystem::path& path, std::chrono::mi
   checkpoint_.pieces.resize(ranges.size());
   for (std::size_t i = 0; i < ranges.size(); ++i) checkpoint_.pieces[i].range = ranges[i];
   round_ = 0;
+  file_ = path;  // not before: what it holds would be replaced
+  every_ = every;
+  saved_ = std::chrono::steady_clock::now();
 }
 
 std::string TeamCrew::Run(const Round& round) {

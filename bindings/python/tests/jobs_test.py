@@ -385,7 +385,7 @@ class Simulations(Folder):
                  (lambda: brenvolt.simulate(result, method="monte-carlo", matrix="m.csv"), ValueError, "only methods that induce"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix="none.csv"), Error, "neither a sheet"),
                  (lambda: brenvolt.simulate(result, 10, "iman-conover", matrix=[[1, 2, 3]]), ValueError, "does not name the variables"),
-                 (lambda: brenvolt.simulate(result, 0), ValueError, "from 1 to 2147483647, got 0"),
+                 (lambda: brenvolt.simulate(result, 0), ValueError, "from 1 to 1000000000000, got 0"),
                  (lambda: brenvolt.simulate(result, 10, "norta"), Error, "no generator"),
                  (lambda: brenvolt.simulate(result, variables="none"), ValueError, "no variable called 'none'"),
                  (lambda: brenvolt.simulate(example("faithful"), 10), Error, "."),

@@ -99,8 +99,8 @@ REFUSED_FITS = (
 # Calls of simulate() over the fits of DATA.
 REFUSED_SIMULATIONS = (
     ({"method": "sobol"}, "latin-hypercube-iman-conover, monte-carlo, norta; got 'sobol' (method)"),
-    ({"samples": 0}, "expected a whole number from 1 to 2147483647, got 0 (samples)"),
-    ({"samples": 2.5}, "expected a whole number from 1 to 2147483647, got 2.5 (samples)"),
+    ({"samples": 0}, "expected a whole number from 1 to 1000000000000, got 0 (samples)"),
+    ({"samples": 2.5}, "expected a whole number from 1 to 1000000000000, got 2.5 (samples)"),
     ({"seed": 10**23}, "from 0 to 2147483647, got 100000000000000000000000 (seed)"),
     ({"seed": -1}, "expected a whole number from 0 to 2147483647, got -1 (seed)"),
     ({"matrix": "m", "method": "monte-carlo"}, "only methods that induce correlation follow a matrix; monte-carlo does not (matrix)"),

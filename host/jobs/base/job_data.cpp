@@ -6,8 +6,10 @@
 #include <random>
 #include <utility>
 
+#include "host/base/bytes.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/project_files.h"
+#include "host/rounds/crew.h"
 #include "host/tables/csv_layout.h"
 
 namespace brenvolt {
@@ -17,8 +19,17 @@ void RequireCases(const Spreadsheet& sheet) {
 }
 
 std::int32_t DrawSeed() {
-  std::random_device source;
-  return std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source);
+  Round round{"seed", 1, {}, {}, {}};
+  round.run = [](PartRange) {
+    std::random_device source;
+    ByteWriter drawn;
+    drawn.Put(
+        std::uniform_int_distribution<std::int32_t>(1, std::numeric_limits<std::int32_t>::max())(source));
+    return std::move(drawn).Take();
+  };
+  round.finish = [](const std::string& all) { return all; };
+  const std::string told = TheCrew().Run(round);
+  return ByteReader(told).Get<std::int32_t>();
 }
 
 namespace {

@@ -40,7 +40,7 @@ std::string ReadAsText(const DataFile& file);
 void RequireCases(const Spreadsheet& sheet);
 
 // A seed for a job that was given none, from 1 to 2147483647, from the system's source of random numbers: jobs that
-// start within one tick of the clock also differ.
+// start within one tick of the clock also differ. All of a crew get the same.
 std::int32_t DrawSeed();
 // The seed that a job was given, which has been checked, or else a drawn one.
 inline std::int32_t ChosenSeed(const std::optional<double>& given) {

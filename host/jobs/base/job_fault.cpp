@@ -56,8 +56,8 @@ void CheckWholeNumber(std::string_view field, double value, double fewest, doubl
                       const std::string& about) {
   if (value == std::floor(value) && value >= fewest && value <= most) return;
   faults.push_back({std::string(field), Prefix(about) + "expected a whole number from " +
-                                            ShortestNumber(fewest) + " to " + ShortestNumber(most) +
-                                            ", got " + Echoed(value)});
+                                            ShortestNumber(fewest) + " to " + Echoed(most) + ", got " +
+                                            Echoed(value)});
 }
 
 void CheckNumber(std::string_view field, double value, JobFaults& faults, const std::string& about) {

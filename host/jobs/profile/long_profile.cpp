@@ -5,9 +5,13 @@
 #include <limits>
 #include <optional>
 #include <span>
+#include <string>
+#include <utility>
 
 #include "host/analysis/run_bounds.h"
+#include "host/base/bytes.h"
 #include "host/base/number_text.h"
+#include "host/rounds/crew.h"
 #include "host/statistics/moments.h"
 #include "host/statistics/order_statistics.h"
 #include "host/statistics/percentiles.h"
@@ -38,26 +42,58 @@ class ResponseSummary {
   void Add(const Spreadsheet& simulated) {
     const Variable& column = simulated.VariableAt(*simulated.FindVariable(response_.name));
     valid_.clear();
+    if (isFirstPass_) batches_.emplace_back();
     for (std::size_t i = 0; i < column.Size(); ++i) {
       const double value = column.Values()[i];
       if (!column.IsMissing(i) && std::isfinite(value)) {
         valid_.push_back(value);
       } else if (isFirstPass_) {
-        moments_.CountMissing();
+        batches_.back().CountMissing();
       }
     }
-    if (isFirstPass_) moments_.Add(std::span<const double>(valid_));
+    if (isFirstPass_) batches_.back().Add(std::span<const double>(valid_));
     if (search_ && !(isFirstPass_ && valid_.size() < column.Size())) search_->Add(valid_);
     lacks_ = lacks_ || valid_.size() < column.Size();
   }
 
   // The first pass looks for the ranks of as many values as there are runs: where some have no prediction, it is made again.
   void EndPass() {
+    for (const MomentAccumulator& batch : batches_) moments_.Join(batch);
+    batches_.clear();
     if (isFirstPass_ && lacks_) {
       SeekIn(static_cast<std::uint64_t>(moments_.Finish().count));
     } else if (search_) {
       search_->EndPass();
+      isBegun_ = true;
     }
+    isFirstPass_ = false;
+  }
+
+  // What the batches of this pass have told, and the same of batches behind those that were added here.
+  void PutTally(ByteWriter& bytes) const {
+    bytes.Put(lacks_);
+    bytes.Put<std::uint64_t>(batches_.size());
+    for (const MomentAccumulator& batch : batches_) batch.Put(bytes);
+    if (search_) search_->PutTally(bytes);
+  }
+  void AddTally(ByteReader& bytes) {
+    lacks_ = bytes.Get<bool>() || lacks_;
+    const auto batches = bytes.Get<std::uint64_t>();
+    for (std::uint64_t i = 0; i < batches; ++i) batches_.push_back(MomentAccumulator::Get(bytes));
+    if (search_) search_->AddTally(bytes);
+  }
+  // What is known between two passes. A search that is begun anew knows nothing.
+  void PutKnown(ByteWriter& bytes) const {
+    moments_.Put(bytes);
+    bytes.Put(count_);
+    bytes.Put(search_ && isBegun_);
+    if (search_ && isBegun_) search_->PutKnown(bytes);
+  }
+  void TakeKnown(ByteReader& bytes) {
+    moments_ = MomentAccumulator::Get(bytes);
+    SeekIn(bytes.Get<std::uint64_t>());
+    isBegun_ = bytes.Get<bool>();
+    if (isBegun_) search_->TakeKnown(bytes);
     isFirstPass_ = false;
   }
 
@@ -97,6 +133,7 @@ class ResponseSummary {
 
   void SeekIn(std::uint64_t count) {
     count_ = count;
+    isBegun_ = false;
     search_.reset();
     std::vector<std::uint64_t> ranks;
     const auto note = [&ranks](std::uint64_t rank) {
@@ -124,12 +161,110 @@ class ResponseSummary {
   bool hasMoments_;  // classes have none
   bool hasLimits_;
   bool isFirstPass_ = true;
-  bool lacks_ = false;  // a run without a prediction was met
+  bool isBegun_ = false;                    // the search, by a pass that ended
+  bool lacks_ = false;                      // a run without a prediction was met
+  std::vector<MomentAccumulator> batches_;  // of the first pass, until it ends
   std::uint64_t count_ = 0;
   MomentAccumulator moments_;
   std::optional<OrderStatisticSearch> search_;
   std::vector<double> valid_;
 };
+
+// What a pass over some batches has told.
+struct PassTally {
+  std::vector<ResponseSummary> summaries;
+  std::vector<double> defects;  // counts add up; none in later passes
+
+  void AddDefects(const std::vector<double>& more) {
+    defects.resize(std::max(defects.size(), more.size()));
+    for (std::size_t i = 0; i < more.size(); ++i) defects[i] += more[i];
+  }
+  std::string Bytes() const {
+    ByteWriter bytes;
+    bytes.Put(defects);
+    for (const ResponseSummary& summary : summaries) summary.PutTally(bytes);
+    return std::move(bytes).Take();
+  }
+  void Add(const std::string& behind) {
+    ByteReader bytes(behind);
+    AddDefects(bytes.GetList<double>());
+    for (ResponseSummary& summary : summaries) summary.AddTally(bytes);
+  }
+  std::string End() && {
+    ByteWriter bytes;
+    bytes.Put(defects);
+    for (ResponseSummary& summary : summaries) {
+      summary.EndPass();
+      summary.PutKnown(bytes);
+    }
+    return std::move(bytes).Take();
+  }
+};
+
+// One pass, a round of the crew. Returns the counts of defects.
+using AddBatches = std::function<void(PartRange, PassTally&)>;
+std::vector<double> CarryOutPass(const std::string& name, std::int64_t batches, const AddBatches& add,
+                                 std::vector<ResponseSummary>& summaries) {
+  Round round{name, static_cast<std::uint64_t>(batches), {}, {}, {}};
+  round.run = [&](PartRange range) {
+    PassTally tally{summaries, {}};
+    add(range, tally);
+    return tally.Bytes();
+  };
+  round.join = [&](const std::string& first, const std::string& second) {
+    PassTally tally{summaries, {}};
+    tally.Add(first);
+    tally.Add(second);
+    return tally.Bytes();
+  };
+  round.finish = [&](const std::string& all) {
+    PassTally tally{summaries, {}};
+    tally.Add(all);
+    return std::move(tally).End();
+  };
+  const std::string told = TheCrew().Run(round);
+  ByteReader bytes(told);
+  std::vector<double> defects = bytes.GetList<double>();
+  for (ResponseSummary& summary : summaries) summary.TakeKnown(bytes);
+  return defects;
+}
+
+// A number that another profile hardly has: from what the first batch told.
+std::uint64_t PrintOf(const ProfileResults& results, const RunBatches& batches) {
+  ByteWriter bytes;
+  bytes.Put(batches.Seed(0));
+  bytes.Put(batches.FirstRun(batches.Count()));
+  for (const ResponseResults& response : results.responses) {
+    bytes.Put(std::string_view(response.name));
+    for (const auto& [column, number] : response.statistics.numbers) bytes.Put(number);
+    for (const ResultRow& row : response.percentiles) bytes.Put(row.Number("value"_column));
+  }
+  return HashOf(std::move(bytes).Take());
+}
+
+// Adds counts of further batches, with what follows from them.
+void AddDefects(const std::vector<double>& more, ResultTable& defects) {
+  for (std::size_t i = 0; i < defects.rows.size(); ++i) {
+    ResultRow& row = defects.rows[i];
+    const auto put = [&row](const ResultColumn& column, double value) {
+      row.numbers[std::string(column.identifier)] = OrMissing(value);
+    };
+    const bool hasLimits = !std::isnan(row.Number("rate_lower"_column));
+    const double count = row.Number("defects"_column) + more.at(2 * i);
+    const double runs = row.Number("defect_runs"_column) + more.at(2 * i + 1);
+    put("defects"_column, count);
+    put("defect_runs"_column, runs);
+    put("defect_rate"_column, runs > 0 ? count / runs : kNotSet);
+    put("defect_ppm"_column, runs > 0 ? count * kMillion / runs : kNotSet);
+    if (!hasLimits) continue;
+    const ConfidenceInterval interval =
+        ProportionInterval(static_cast<std::int64_t>(count), static_cast<std::int64_t>(runs), kConfidence);
+    put("rate_lower"_column, interval.lower);
+    put("rate_upper"_column, interval.upper);
+    put("ppm_lower"_column, interval.lower * kMillion);
+    put("ppm_upper"_column, interval.upper * kMillion);
+  }
+}
 
 }  // namespace
 
@@ -154,52 +289,32 @@ std::int32_t RunBatches::Seed(std::int64_t batch) const {
 }
 
 void ExtendResults(const RunBatches& batches, const SimulateBatch& simulate, const BatchSink& take,
-                   ProfileResults& results) {
+                   const CountDefects& count, ProfileResults& results) {
   const std::int64_t runs = batches.FirstRun(batches.Count());
   std::vector<ResponseSummary> summaries;
   for (ResponseResults& response : results.responses) summaries.emplace_back(response, runs);
-  bool isFirstPass = true;
-  while (isFirstPass || !std::ranges::all_of(summaries, &ResponseSummary::IsDone)) {
-    for (std::int64_t batch = 0; batch < batches.Count(); ++batch) {
-      simulate(batch, [&](const Spreadsheet& simulated) {
-        if (isFirstPass) take(simulated);
-        for (ResponseSummary& summary : summaries) summary.Add(simulated);
-      });
-    }
-    for (ResponseSummary& summary : summaries) summary.EndPass();
-    isFirstPass = false;
+  const std::string name = "runs of profile " + std::to_string(PrintOf(results, batches));
+  std::vector<double> defects;
+  for (bool isFirst = true; isFirst || !std::ranges::all_of(summaries, &ResponseSummary::IsDone);
+       isFirst = false) {
+    const auto add = [&](PartRange range, PassTally& tally) {
+      for (std::uint64_t batch = range.first; batch < range.end; ++batch) {
+        simulate(static_cast<std::int64_t>(batch), [&](const Spreadsheet& simulated) {
+          if (isFirst) take(simulated);
+          if (isFirst && batch > 0 && results.defects) tally.AddDefects(count());
+          for (ResponseSummary& summary : tally.summaries) summary.Add(simulated);
+        });
+      }
+    };
+    std::vector<double> counted = CarryOutPass(name, batches.Count(), add, summaries);
+    if (isFirst) defects = std::move(counted);
   }
   for (ResponseSummary& summary : summaries) summary.Finish();
+  if (results.defects) AddDefects(defects, *results.defects);
   results.runs = runs;
   results.notes.push_back(
       "Moments, percentiles and defects are those of all runs, all else that of the first " +
       std::to_string(batches.Runs(0)) + ".");
-}
-
-void AddDefects(const ResultTable& more, ResultTable& defects) {
-  for (std::size_t i = 0; i < defects.rows.size(); ++i) {
-    ResultRow& row = defects.rows[i];
-    const auto sum = [&](const ResultColumn& column) {
-      return row.Number(column) + more.rows.at(i).Number(column);
-    };
-    const auto put = [&row](const ResultColumn& column, double value) {
-      row.numbers[std::string(column.identifier)] = OrMissing(value);
-    };
-    const bool hasLimits = !std::isnan(row.Number("rate_lower"_column));
-    const double count = sum("defects"_column);
-    const double runs = sum("defect_runs"_column);
-    put("defects"_column, count);
-    put("defect_runs"_column, runs);
-    put("defect_rate"_column, runs > 0 ? count / runs : kNotSet);
-    put("defect_ppm"_column, runs > 0 ? count * kMillion / runs : kNotSet);
-    if (!hasLimits) continue;
-    const ConfidenceInterval interval =
-        ProportionInterval(static_cast<std::int64_t>(count), static_cast<std::int64_t>(runs), kConfidence);
-    put("rate_lower"_column, interval.lower);
-    put("rate_upper"_column, interval.upper);
-    put("ppm_lower"_column, interval.lower * kMillion);
-    put("ppm_upper"_column, interval.upper * kMillion);
-  }
 }
 
 }  // namespace brenvolt

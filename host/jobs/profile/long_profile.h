@@ -31,11 +31,14 @@ class RunBatches {
 using BatchSink = std::function<void(const Spreadsheet& simulated)>;
 using SimulateBatch = std::function<void(std::int64_t batch, const BatchSink& take)>;
 
-// Makes of the results of the first batch those of all: moments and percentiles of the responses, and a note on what is
-// that of the first batch still. `take` is given each batch once.
+// Counts, for the rows of the table of defects, what is defective in the batch that was simulated last, and of how many
+// runs: the two numbers row by row.
+using CountDefects = std::function<std::vector<double>()>;
+
+// Makes of the results of the first batch those of all: moments and percentiles of the responses, the defects if there are
+// any, and a note on what is that of the first batch still. The batches are the parts of rounds, which a crew shares;
+// `take` is given each batch once by whoever has it.
 void ExtendResults(const RunBatches& batches, const SimulateBatch& simulate, const BatchSink& take,
-                   ProfileResults& results);
-// Adds the counts of defects of a further batch.
-void AddDefects(const ResultTable& more, ResultTable& defects);
+                   const CountDefects& count, ProfileResults& results);
 
 }  // namespace brenvolt

@@ -113,6 +113,7 @@ JobFaults ProfileJob::Check() const {
     faults.push_back({"plotKind", "no response has a specification to draw " + std::string(plot.Kind()) +
                                       " by: give the limits of one"});
   CheckReport(report, faults);
+  rounds.Check(faults);
   CheckTargetsApart(files, {{"output", output}, {"graphs", graphs}, {"plot", plot.file}, {"report", report}},
                     faults);
   return faults;

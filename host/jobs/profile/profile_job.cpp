@@ -11,6 +11,7 @@
 #include "host/jobs/profile/profile_graphs.h"
 #include "host/jobs/profile/profile_workbook.h"
 #include "host/jobs/profile/profiler_setup.h"
+#include "host/rounds/crew.h"
 #include "host/tables/csv.h"
 #include "host/tables/formats/workbook_file.h"
 #include "host/tables/numpy_archive.h"
@@ -93,6 +94,20 @@ std::vector<std::shared_ptr<const ModelFunction>> Numbered(
   return numbered;
 }
 
+// The counts of defects in the batch that was simulated last, as ExtendResults adds them up.
+std::vector<double> DefectsIn(ProfilerSession& profiler) {
+  std::vector<double> counts;
+  for (std::size_t i = 0; i < profiler.Responses().size(); ++i) {
+    if (!profiler.IsSpecified(i)) continue;
+    ProfileResults batch;
+    TakeDefects(*profiler.Defects(i).first, batch);
+    for (const ResultRow& row : batch.defects->rows)
+      counts.insert(counts.end(), {row.Number("defects"_column), row.Number("defect_runs"_column)});
+    break;
+  }
+  return counts;
+}
+
 // The further batches of a profile whose first one is done, and its runs piece by piece in their file.
 void RunOn(ProfilerSession& profiler, const std::filesystem::path& output, std::int64_t& firstRun,
            ProfileFindings& found) {
@@ -106,11 +121,8 @@ void RunOn(ProfilerSession& profiler, const std::filesystem::path& output, std::
     pieces.emplace<CsvPieces>(output);
   }
   const std::size_t shown = profiler.DocumentCount();
-  std::int64_t current = 0;
-  bool isSimulated = true;  // the first batch
   const auto simulate = [&](std::int64_t batch, const BatchSink& take) {
-    if (std::exchange(isSimulated, false)) return take(found.simulated->Table());
-    current = batch;
+    if (batch == 0) return take(found.simulated->Table());
     firstRun = batches.FirstRun(batch);
     take(profiler.Refill(batch));
     profiler.KeepDocuments(shown);
@@ -118,15 +130,9 @@ void RunOn(ProfilerSession& profiler, const std::filesystem::path& output, std::
   const auto take = [&](const Spreadsheet& simulated) {
     if (auto* csv = std::get_if<CsvPieces>(&pieces)) csv->Append(simulated);
     if (auto* archive = std::get_if<NumpyPieces>(&pieces)) archive->Append(simulated);
-    for (std::size_t i = 0; found.results.defects && current > 0 && i < profiler.Responses().size(); ++i) {
-      if (!profiler.IsSpecified(i)) continue;
-      ProfileResults more;
-      TakeDefects(*profiler.Defects(i).first, more);
-      AddDefects(*more.defects, *found.results.defects);
-      break;
-    }
   };
-  ExtendResults(batches, simulate, take, found.results);
+  const auto count = [&profiler] { return DefectsIn(profiler); };
+  ExtendResults(batches, simulate, take, count, found.results);
   if (auto* csv = std::get_if<CsvPieces>(&pieces)) csv->Commit();
   if (auto* archive = std::get_if<NumpyPieces>(&pieces)) archive->Commit();
 }
@@ -136,7 +142,12 @@ void RunOn(ProfilerSession& profiler, const std::filesystem::path& output, std::
 // The files are written when all results are there.
 ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) const {
   RequireNone(Check());
+  KeptRounds kept(rounds);
   RequireCases(input.sheet);
+  if (!TheCrew().RunsInOrder() && samples > kMostProfilerRuns && !output.empty()) {
+    throw WrongJob("output", "several processes, or one with a checkpoint, do not write more than " +
+                                 std::to_string(kMostProfilerRuns) + " runs");
+  }
   RefuseRecordedPlot(plot, recorder);
   RefuseRecordedReport(report, recorder);
   RefuseReplacedProject(output);
@@ -152,6 +163,10 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   const std::vector<std::string> unread = SetUpProfiler(*this, input, recorder, profiler);
   TakeResults(profiler, unread, profiler.Simulate(), found);
   const bool isWhole = profiler.Batches().Count() == 1;
+  if (TheCrew().Rank() > 0) {  // rank 0 writes
+    if (!isWhole) RunOn(profiler, {}, *firstRun, found);
+    return found;
+  }
   const bool drawsGraphs = plot.IsAsked() || !graphs.empty() || !report.empty() || IsWorkbookName(output);
   if (isWhole && !IsWorkbookName(output))
     found.outputSheet = WriteSimulated(output, found.simulated, recorder);
@@ -163,6 +178,7 @@ ProfileFindings ProfileJob::Run(const JobInput& input, JobRecorder& recorder) co
   if (!graphs.empty()) WriteGraphs(graphs, found);
   if (plot.IsAsked()) WritePlot(plot, "Simulated responses", ProfilePlots(found.graphs, plot.Kind()));
   if (!isWhole) RunOn(profiler, output, *firstRun, found);
+  kept.End();
   return found;
 }
 

@@ -11,6 +11,7 @@
 
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
+#include "host/jobs/base/job_rounds.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/specification_check.h"
 #include "host/jobs/design_job.h"
@@ -73,6 +74,7 @@ struct ProfileJob {
   std::filesystem::path output;  // empty: the simulated runs go nowhere
   std::filesystem::path graphs;  // empty: none are written
   std::filesystem::path report;  // empty: none is written; front ends do it (host/jobs/reports)
+  JobRounds rounds;
   Plot plot;
   // The findings have the graphs also if none are written or drawn, where the dialog goes on to further runs. Of fewer runs
   // the dialog makes them later.

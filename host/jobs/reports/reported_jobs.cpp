@@ -8,6 +8,7 @@
 #include "host/jobs/reports/profile_report.h"
 #include "host/jobs/reports/simulation_report.h"
 #include "host/reporting/report_file.h"
+#include "host/rounds/crew.h"
 
 namespace brenvolt {
 namespace {
@@ -20,10 +21,11 @@ Report ReportOf(const ProfileJob& job, const ProfileFindings& found, const Repor
   return ProfileReport(job, found, context);
 }
 
+// By rank 0, if several processes share the job.
 template <class Job, class Findings>
 void WriteAsked(const Job& job, const std::filesystem::path& report, const Findings& found,
                 const ReportContext& context) {
-  if (!report.empty()) WriteReport(ReportOf(job, found, context), report);
+  if (!report.empty() && TheCrew().Rank() == 0) WriteReport(ReportOf(job, found, context), report);
 }
 
 template <class Job>
