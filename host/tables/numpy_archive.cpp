@@ -8,6 +8,8 @@
 #include <exception>
 #include <limits>
 #include <numeric>
+#include <set>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -76,6 +78,7 @@ struct NumpyArchive::Stream {
 
   OutputFile& file;
   std::exception_ptr fault;
+  std::set<std::string> names;  // of the entries
   std::unique_ptr<archive, decltype(&archive_write_free)> zip{archive_write_new(), archive_write_free};
 };
 
@@ -102,7 +105,25 @@ void NumpyArchive::Check(std::int64_t result) const {
               path_.string());
 }
 
-void NumpyArchive::BeginColumn(const std::string& name, std::uint64_t length) {
+namespace {
+
+// A name that stays within whatever folder an archive is unpacked to, in whatever system.
+std::string WithoutFolders(std::string name) {
+  const auto isUnsafe = [](char c) {
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7f' ||
+           std::string_view("/\\:").find(c) != std::string_view::npos;
+  };
+  std::ranges::replace_if(name, isUnsafe, '_');
+  return name.starts_with("..") ? "_" + name : name;
+}
+
+}  // namespace
+
+void NumpyArchive::BeginColumn(const std::string& column, std::uint64_t length) {
+  const std::string safe = WithoutFolders(column);
+  std::string name = safe;
+  for (int number = 2; !stream_->names.insert(name).second; ++number)
+    name = safe + "_" + std::to_string(number);
   const std::string header = ArrayHeader(length);
   const std::unique_ptr<archive_entry, decltype(&archive_entry_free)> entry{archive_entry_new(),
                                                                             archive_entry_free};

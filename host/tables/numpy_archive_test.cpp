@@ -4,6 +4,7 @@
 #include <archive_entry.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <map>
 #include <stdexcept>
@@ -44,6 +45,24 @@ std::vector<double> ValuesOf(const std::string& file, std::size_t length) {
   std::vector<double> values(length);
   std::memcpy(values.data(), file.data() + 128, length * sizeof(double));
   return values;
+}
+
+// Whoever unpacks an archive gets files in one folder, one for each column.
+TEST(NumpyArchive, NamesOfEntriesLeadNowhereAndAreDifferent) {
+  const TemporaryFolder folder;
+  const auto path = folder.Path() / "samples.npz";
+  NumpyArchive file(path);
+  for (const char* const name :
+       {"../../x", "/etc/x", "..", "a/b", "a\\b", "a:b", "a", "a", "a_2", "line\nbreak", "x.y"})
+    file.BeginColumn(name, 0);
+  file.Commit();
+  std::vector<std::string> names;
+  for (const auto& [name, bytes] : FilesOf(path)) names.push_back(name);
+  std::vector<std::string> expected{"_.._.._x.npy", "_etc_x.npy",     "_...npy", "a_b.npy",
+                                    "a_b_2.npy",    "a_b_3.npy",      "a.npy",   "a_2.npy",
+                                    "a_2_2.npy",    "line_break.npy", "x.y.npy"};
+  std::ranges::sort(expected);
+  EXPECT_EQ(names, expected);
 }
 
 TEST(NumpyArchive, ColumnsComeBackFromWhatWasWrittenInPieces) {
