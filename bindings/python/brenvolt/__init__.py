@@ -20,6 +20,7 @@ from ._censored import CensoredFitResult, CensoredVariable
 from ._design import Design, design
 from ._errors import Error, MessageWarning
 from ._jobs import FitResult, FittedVariable, ProfiledResponse, ProfileResult, fit, profile, score, simulate
+from ._macro_check import check_macro
 from ._reading import open_workbook, preview
 from ._recording import record
 from . import _automation, _sheets, dialogs, distributions
@@ -28,7 +29,7 @@ _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityR
             "CensoredFitResult", "CensoredVariable", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
             "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
-            "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record",
+            "check_macro", "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record",
             "save_wait", "score", "simulate", "version_text")
 
 

@@ -1,7 +1,4 @@
-"""Runs a macro as a program of its own, and records it. The exit status is the macro's; 0 means success.
-
-    python3 -m brenvolt._record_macro RECORD.py FILE.py ARGUMENT ...
-"""
+"""Runs, records and checks macros as programs of their own; see main(). The exit status is the macro's; 0 means success."""
 
 import os
 import runpy
@@ -10,17 +7,39 @@ import sys
 
 import brenvolt
 
+from . import _macro_check
 
-def run(target, file, arguments):
+
+def run(file, arguments):
     sys.argv = [file, *arguments]
-    sys.path[0] = os.path.dirname(os.path.abspath(file))
+    # Modules beside the macro are found after all others, so that none takes the place of a known one.
+    sys.path.append(os.path.dirname(os.path.abspath(file)))
+    runpy.run_path(file, run_name="__main__")
+
+
+def record(target, file, arguments):
     with brenvolt.record(target, shlex.join(["brenvolt", "macro", "--record", target, file, *arguments])):
         try:
-            runpy.run_path(file, run_name="__main__")
+            run(file, arguments)
         except SystemExit as end:
             if end.code not in (None, 0):
                 raise
 
 
-if __name__ == "__main__":
-    run(sys.argv[1], sys.argv[2], sys.argv[3:])
+def check(file):
+    try:
+        print("\n".join(_macro_check.check_macro(file)))
+    except brenvolt.Error as refusal:
+        sys.exit(f"brenvolt: {refusal}")
+    print("\nThe macro holds nothing but calls on dialogs and their documents.")
+
+
+def main(words):
+    """words: run FILE ARGUMENT…, record TARGET FILE ARGUMENT…, or check FILE."""
+    task, *rest = words
+    if task == "check":
+        check(rest[0])
+    elif task == "record":
+        record(rest[0], rest[1], rest[2:])
+    else:
+        run(rest[0], rest[1:])

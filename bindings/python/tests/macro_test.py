@@ -41,11 +41,45 @@ class Macro(unittest.TestCase):
         self.assertTrue(properties["zTruncProp"].startswith("(1; "))
 
     def test_arguments_status_and_path_are_the_macros(self):
-        self.write("m.py", "import os, sys, brenvolt\nprint(sys.argv[1:], os.environ['PYTHONPATH'])\nsys.exit(7)\n")
+        self.write("m.py", "import sys, brenvolt, beside\nprint(sys.argv[1:], '/own' in sys.path)\nsys.exit(7)\n")
+        self.write("beside.py", "")
         done = self.run_program("macro", "m.py", "--help", "-x", "a b", "--", PYTHONPATH="/own")
-        self.assertEqual(done.returncode, 7)
-        self.assertTrue(done.stdout.startswith("['--help', '-x', 'a b', '--'] "), done.stdout)
-        self.assertTrue(done.stdout.rstrip().endswith(":/own"), done.stdout)
+        self.assertEqual((done.returncode, done.stdout), (7, "['--help', '-x', 'a b', '--'] False\n"))
+
+    def test_no_module_is_taken_from_the_working_folder(self):
+        for name in ("brenvolt", "json", "shlex", "numpy"):
+            os.mkdir(os.path.join(self.folder, name))
+            self.write(f"{name}/__init__.py", f"print('planted {name}')\n")
+        self.write("m.py", "import json, shlex, numpy, brenvolt\nprint(brenvolt.Application())\n")
+        for call in (("m.py",), ("--record", "r.py", "m.py"), ("--check", "m.py")):
+            done = self.run_program("macro", *call, PYTHONPATH="")
+            self.assertNotIn("planted", done.stdout + done.stderr)
+
+    def test_checked_macros_hold_calls_on_dialogs_alone(self):
+        with brenvolt.record(os.path.join(self.folder, "r.py")):
+            brenvolt.fit(os.path.join(SOURCE, "examples", "faithful.csv"), save=os.path.join(self.folder, "p.bvw"))
+        done = self.run_program("macro", "--check", "r.py")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        self.assertRegex(done.stdout, r"line \d+: dialog\.OK\(\)\n")
+        self.assertTrue(done.stdout.endswith("nothing but calls on dialogs and their documents.\n"))
+        start = "from brenvolt import *\na = Application()\n"
+        refused = ("import os", "from os import system", "from brenvolt import fit", "from . import x", "print(1)",
+                   "open('x', 'w')", "a.__class__", "a._hidden", "eval('1')", "a.Open(__file__)", "Application.Open = a",
+                   "for i in a: i.OK()", "if a: a.OK()", "def f(): pass", "class A: pass", "lambda: 1", "x = [i for i in a]",
+                   "a.Open(f'{a}')", "a.Sheet().to_pandas().eval('1')", "x = a.Open\nx.to_pickle('y')", "del a",
+                   "with a: pass", "Application = a", "a.Open(*a)", "a.Open(**a)", "(lambda: 1)()", "a[0](1)", "a or a",
+                   "x: int = 1", "x += 1", "a.Open(x := 1)", "assert a", "raise a", "global a", "a if a else a", "{a: a}",
+                   "import brenvolt", "'x'.format(a)", "f = b = __builtins__", "a.b.c.d()", "match a:\n  case 1: a.OK()",
+                   "\0", "a.Open(", "(" * 500 + ")" * 500, "-" * 100_000 + "1", "a" + "[0]" * 20_000)
+        for line in refused:
+            self.write("m.py", start + line + "\n")
+            with self.assertRaises(brenvolt.Error, msg=line[:60]):
+                brenvolt.check_macro(os.path.join(self.folder, "m.py"))
+        self.write("m.py", start + "import os\n")
+        done = self.run_program("macro", "--check", "m.py")
+        self.assertEqual((done.returncode, done.stdout), (1, ""))
+        self.assertEqual(done.stderr, "brenvolt: 'import os' is neither a call nor an assignment; run only macros that you"
+                                      " trust (m.py, line 3)\n")
 
     def test_a_refusal_ends_the_macro_with_the_systems_message(self):
         self.write("m.py", "from brenvolt import *\nApplication().Open('none.bvw')\nprint('further')\n")

@@ -1,6 +1,5 @@
 #include "host/base/process/program_start.h"
 
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,7 +12,6 @@ namespace brenvolt {
 
 void ContinueAs(const ProgramCall& call) {
   std::fflush(nullptr);
-  for (const auto& [name, value] : call.environment) setenv(name.c_str(), value.c_str(), 1);
   std::vector<std::string> texts{call.program};
   texts.insert(texts.end(), call.arguments.begin(), call.arguments.end());
   std::vector<char*> argv;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace brenvolt {
@@ -11,7 +10,6 @@ namespace brenvolt {
 struct ProgramCall {
   std::string program;
   std::vector<std::string> arguments;
-  std::vector<std::pair<std::string, std::string>> environment;  // set in addition to the current one
 };
 
 // Continues as another program, whose output, signals and exit status are this process's from then on. Never
