@@ -73,6 +73,21 @@ class Installation(unittest.TestCase):
                          "share/icons/hicolor/scalable/apps/brenvolt.svg", "share/man/man1/brenvolt-desktop.1.gz"):
                 self.assertTrue(os.path.isfile(self.installed(file)), file)
 
+    def test_no_run_path_leads_to_the_working_folder(self):
+        binaries = [os.path.join(place, name) for root in (self.prefix, *(os.path.join(BUILD, part) for part in ("bin", "lib", "python")))
+                    for place, _, names in os.walk(root) for name in names]
+        read = 0
+        for binary in binaries:
+            with open(binary, "rb") as file:
+                if file.read(4) != b"\x7fELF":
+                    continue
+            read += 1
+            dynamic = run("readelf", "-d", binary)
+            for line in re.findall(r"\((?:RPATH|RUNPATH)\).*\[(.*)\]", dynamic):
+                for element in line.split(":"):
+                    self.assertRegex(element, r"^(\$ORIGIN|/)", f"{binary}: {line}")
+        self.assertGreater(read, 4)
+
     def test_version_names_commit_and_libraries(self):
         lines = dict(line.split(": ", 1) for line in self.brenvolt("--version").splitlines()[1:])
         self.assertRegex(lines["commit"], r"^([0-9a-f]{7,40} \(\d{4}-\d\d-\d\d\)|unknown: )")

@@ -1,10 +1,9 @@
 #include "host/application/application.h"
 
-#include <cstdlib>
-
 #include "host/analysis/result_request.h"
 #include "host/application/application_automation.h"
 #include "host/base/error.h"
+#include "host/base/process/environment.h"
 
 namespace brenvolt {
 namespace {
@@ -19,7 +18,7 @@ using Factory = CAnalysisSupport*();
 }  // namespace
 
 std::filesystem::path Application::DefaultModulePath() {
-  if (const char* path = std::getenv(kModuleVariable); path != nullptr && *path != '\0') return path;
+  if (const std::string path = EnvironmentText(kModuleVariable); !path.empty()) return path;
   return LibraryFileOf(reinterpret_cast<const void*>(&Application::DefaultModulePath)).parent_path() /
          kModuleFile;
 }

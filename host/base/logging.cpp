@@ -17,7 +17,8 @@ std::mutex& LogMutex() {
 }  // namespace
 
 void LogLine(std::string_view text) {
-  const char* path = std::getenv("BRENVOLT_LOG");
+  // As EnvironmentText (host/base/process/environment.h), which stands above this folder.
+  const char* path = secure_getenv("BRENVOLT_LOG");
   if (path == nullptr || *path == '\0') return;
   const std::lock_guard lock(LogMutex());
   if (std::FILE* file = std::fopen(path, "a")) {

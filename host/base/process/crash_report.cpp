@@ -7,12 +7,12 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
-#include <cstdlib>
 #include <vector>
 
 #include "host/base/error.h"
 #include "host/base/logging.h"
 #include "host/base/process/dynamic_library.h"
+#include "host/base/process/environment.h"
 
 namespace brenvolt {
 namespace {
@@ -23,17 +23,12 @@ constexpr std::array kFatalSignals{SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT};
 using StackTrace = void(std::int32_t depth);
 using GenerateSilentErrorReport = std::int32_t(const char* folder, const void* record, const char* context);
 
-std::string Environment(const char* name) {
-  const char* value = std::getenv(name);
-  return value != nullptr ? value : "";
-}
-
 std::vector<std::filesystem::path> DataFolders() {
-  if (const std::string data = Environment("BRENVOLT_DATA"); !data.empty()) return {data};
+  if (const std::string data = EnvironmentText("BRENVOLT_DATA"); !data.empty()) return {data};
   std::vector<std::filesystem::path> folders{"/var/lib"};
-  if (const std::string data = Environment("XDG_DATA_HOME"); !data.empty()) {
+  if (const std::string data = EnvironmentText("XDG_DATA_HOME"); !data.empty()) {
     folders.emplace_back(data);
-  } else if (const std::string home = Environment("HOME"); !home.empty()) {
+  } else if (const std::string home = EnvironmentText("HOME"); !home.empty()) {
     folders.push_back(std::filesystem::path(home) / ".local/share");
   }
   return folders;
@@ -44,7 +39,7 @@ struct Installed {
   std::array<struct sigaction, kFatalSignals.size()> former{};
   std::atomic_flag reporting;
 
-  explicit Installed(const std::string& library) : reporter(library) {}
+  explicit Installed(const std::filesystem::path& library) : reporter(library) {}
 };
 
 // Lives until the process ends: errors may come while it is ending.
@@ -84,9 +79,12 @@ std::optional<std::filesystem::path> ErrorFolder() {
   return std::nullopt;
 }
 
-CrashReporter::CrashReporter(const std::string& library) {
+CrashReporter::CrashReporter(const std::filesystem::path& library) {
   try {
-    library_ = std::make_unique<DynamicLibrary>(library);
+    // An absolute path takes the place of the folder. A name alone the loader would also look for in folders that
+    // others may write to.
+    const auto folder = LibraryFileOf(reinterpret_cast<const void*>(&InstallCrashReports)).parent_path();
+    library_ = std::make_unique<DynamicLibrary>(folder / library);
   } catch (const Error&) {
     library_ = nullptr;
   }
@@ -105,7 +103,7 @@ bool CrashReporter::Report(const void* record, const char* context) const {
   return true;
 }
 
-bool InstallCrashReports(const std::string& library) {
+bool InstallCrashReports(const std::filesystem::path& library) {
   if (installed != nullptr) return true;
   auto made = std::make_unique<Installed>(library);
   if (!made->reporter.IsAvailable()) return false;

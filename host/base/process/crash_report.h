@@ -11,7 +11,6 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <string>
 
 namespace brenvolt {
 
@@ -27,8 +26,8 @@ std::optional<std::filesystem::path> ErrorFolder();
 
 class CrashReporter {
  public:
-  // The library by name, as the loader finds it, or by its path.
-  explicit CrashReporter(const std::string& library = "libCrashRpt.so");
+  // The library by its name in the folder of this one, or by an absolute path. It is looked for nowhere else.
+  explicit CrashReporter(const std::filesystem::path& library = "libCrashRpt.so");
   ~CrashReporter();
   CrashReporter(const CrashReporter&) = delete;
   CrashReporter& operator=(const CrashReporter&) = delete;
@@ -45,6 +44,6 @@ class CrashReporter {
 
 // From now on fatal signals of the process are reported, and then take their previous course. Without the
 // library nothing changes, and the result is false.
-bool InstallCrashReports(const std::string& library = "libCrashRpt.so");
+bool InstallCrashReports(const std::filesystem::path& library = "libCrashRpt.so");
 
 }  // namespace brenvolt

@@ -2,11 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <fstream>
 
 #include "host/base/files/temporary_folder_support_test.h"
+#include "host/base/process/dynamic_library.h"
 
 namespace brenvolt {
 namespace {
@@ -41,7 +43,10 @@ TEST_F(CrashReports, FatalSignalIsReportedAndThenTakesItsCourse) {
 TEST_F(CrashReports, NothingIsWrittenWithoutTheLibraryOrItsEntries) {
   EXPECT_FALSE(InstallCrashReports("libNoSuchCrashLibrary.so"));
   EXPECT_FALSE(CrashReporter("libNoSuchCrashLibrary.so").Report(nullptr, "context"));
-  const CrashReporter empty("libm.so.6");
+  EXPECT_FALSE(CrashReporter("libm.so.6").IsAvailable())
+      << "found by the loader, in no folder that was named";
+  const CrashReporter empty(
+      LibraryFileOf(reinterpret_cast<const void*>(static_cast<double (*)(double)>(&std::erf))));
   EXPECT_TRUE(empty.IsAvailable());
   EXPECT_FALSE(empty.Report(nullptr, "context"));
   EXPECT_FALSE(std::filesystem::exists(errors));
