@@ -60,6 +60,101 @@ TEST_F(Command, EveryVerbHasHelpWithAnExample) {
       << distributions.out;
 }
 
+// Signals that systems send to end a program, while it writes a file.
+TEST_F(Command, WhatIsEndedBySignalsLeavesNoTemporaryFile) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const std::string script =
+      R"sh("$0" "$@" & while [ -z "$(ls -A | grep '\.tmp$')" ]; do sleep 0.01; done; )sh"
+      R"sh(kill -$SIGNAL $!; wait $!; echo $?)sh";
+  for (const auto& [name, number] : {std::pair("TERM", 15), {"HUP", 1}, {"INT", 2}}) {
+    const bool isInterrupt = number == 2;
+    // Shells let what is in the background ignore interruptions.
+    const Outcome ended = RunProgram(
+        isInterrupt ? "/usr/bin/timeout" : "/usr/bin/env",
+        isInterrupt
+            ? std::vector<std::string>{"-s", "INT", "1.5", BRENVOLT_BUILD_DIR "/bin/brenvolt", "simulate",
+                                       "p.bvw", "--samples", "1e9", "--method", "monte-carlo", "-o", "x.csv"}
+            : std::vector<std::string>{std::string("SIGNAL=") + name, "sh", "-c", script,
+                                       BRENVOLT_BUILD_DIR "/bin/brenvolt", "simulate", "p.bvw", "--samples",
+                                       "1e9", "--method", "monte-carlo", "-o", "x.csv"},
+        folder.Path());
+    EXPECT_EQ(ended.out, isInterrupt ? "" : std::to_string(128 + number) + "\n") << name << ended.err;
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"p.bvw"}) << name;
+  }
+}
+
+// More than a process may write into one file is an error, as a full disk is.
+TEST_F(Command, AFileThatBecomesTooLargeIsAnErrorAndLeavesNothing) {
+  MustRun({"fit", kExamples + "faithful.csv", "--save", "p.bvw"});
+  const std::string former = BytesOf(File("p.bvw"));
+  for (const std::vector<std::string>& call :
+       {std::vector<std::string>{"simulate", "p.bvw", "--samples", "100000", "--method", "monte-carlo", "-o",
+                                 "x.csv"},
+        {"simulate", "p.bvw", "--samples", "100000", "--method", "monte-carlo", "-o", "x.npz"}}) {
+    std::vector<std::string> arguments{"-c", R"(ulimit -f 300; exec "$0" "$@")",
+                                       BRENVOLT_BUILD_DIR "/bin/brenvolt"};
+    arguments.insert(arguments.end(), call.begin(), call.end());
+    const Outcome outcome = RunProgram("/bin/sh", arguments, folder.Path());
+    EXPECT_EQ(outcome.status, 1) << call.back() << outcome.err;
+    EXPECT_EQ(outcome.err.substr(0, 10), "brenvolt: ");
+    EXPECT_EQ(folder.Names(), std::vector<std::string>{"p.bvw"}) << call.back();
+    EXPECT_EQ(BytesOf(File("p.bvw")), former);
+  }
+}
+
+// Names and texts of files that would clear a screen, colour it or turn text round.
+TEST_F(Command, NoVerbPassesOnWhatATerminalObeys) {
+  const std::string evil =
+      "a\x1b[2Jb\xc2\x9b"
+      "31mc\xe2\x80\xae"
+      "d\x7f";
+  Write("d.csv", "\"" + evil + "\",\"t" + evil + "\"\n1,\"" + evil + "\"\n2,y\n4,y\n3,y\n7,y\n");
+  MustRun({"import", "d.csv", "-o", "p.bvw", "--sheet", "s" + evil});
+  Sql("p.bvw",
+      "INSERT INTO property SELECT id, 1, 'k' || name, name FROM variable; UPDATE sheet SET title = '" +
+          evil + "', selection_enabled = 1, selection_condition = 'v1 > 0 ' || char(27)");
+  Write("m.pmml", "<PMML version=\"4.4\" xmlns=\"http://www.dmg.org/PMML-4_4\"><x name=\"" + evil.substr(4) +
+                      "\"/></PMML>");
+  Write("macro.py", "from brenvolt import *\nraise Exception\n");
+  const std::string sheet = "s" + evil;
+  const std::vector<std::vector<std::string>> calls{
+      {"show", "p.bvw"},
+      {"show", "p.bvw", sheet},
+      {"show", "p.bvw", sheet, "--format", "json"},
+      {"show", "p.bvw", "none" + evil},
+      {"fit", "p.bvw"},
+      {"fit", "d.csv"},
+      {"fit", "d.csv", "--format", "json"},
+      {"fit", "d.csv", "--continuous", "none" + evil},
+      {"fit", "d.csv", "--select", "v1 > " + evil},
+      {"fit", "d.csv", "--save", "q.bvw"},
+      {"simulate", "q.bvw", "--samples", "10", "--seed", "1"},
+      {"simulate", "q.bvw", "--samples", "10", "--seed", "1", "--format", "json"},
+      {"design", "q.bvw"},
+      {"profile", "q.bvw", "--formula", "y = v1", "--runs", "10", "--seed", "1"},
+      {"profile", "d.csv", "--formula", evil},
+      {"score", "m.pmml", "d.csv"},
+      {"capability", "d.csv", "--spec", evil + "=0,9"},
+      {"capability", "d.csv", "--spec", "none" + evil + "=0,9"},
+      {"import", "d.csv", "--preview"},
+      {"import", "d.csv", "-o", "r.bvw", "--sheet", evil},
+      {"export", "p.bvw:none" + evil, "-o", "x.csv"},
+      {"macro", "none" + evil},
+      {"typelib", evil},
+      {"help", evil},
+      {"fit", "none" + evil},
+      {evil}};
+  for (const std::vector<std::string>& call : calls) {
+    const Outcome outcome = Run(call);
+    for (const std::string& printed : {outcome.out, outcome.err}) {
+      for (const char* const obeyed : {"\x1b", "\xc2\x9b", "\xe2\x80\xae", "\x7f"})
+        EXPECT_EQ(printed.find(obeyed), std::string::npos) << call.front() << ": " << printed;
+    }
+    EXPECT_LT(outcome.status, 3) << call.front();
+  }
+  EXPECT_NE(Run({"show", "p.bvw"}).out.find("sa\\u001b[2Jb\\u009b31mc\\u202ed\\u007f"), std::string::npos);
+}
+
 // A report that is longer than the buffer of standard output fails before its end.
 TEST_F(Command, ReportsThatCannotBeWrittenAreNoSuccess) {
   const std::string model = kExamples + "ozone_regression.pmml";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -135,6 +136,8 @@ Variant DialogAutomationBase::Invoke(DispatchId id, CallKind kind, std::span<con
     throw;
   } catch (const Error& error) {
     Fail(method, error.what(), error.Where());
+  } catch (const std::bad_alloc&) {
+    Fail(method, "not enough memory", {});
   } catch (const std::exception& error) {
     Fail(method, error.what(), {});
   } catch (...) {

@@ -118,7 +118,10 @@ void FileReplacement::CreateTemporary() {
     // the file without one and removed it.
     struct stat state {};
     if (flock(descriptor_, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK) {
-      if (fstat(descriptor_, &state) == 0 && state.st_nlink > 0) return;
+      if (fstat(descriptor_, &state) == 0 && state.st_nlink > 0) {
+        removedAtSignals_.emplace(temporary_);
+        return;
+      }
     }
     close(descriptor_);
     descriptor_ = -1;
@@ -142,6 +145,7 @@ void FileReplacement::Commit() {
   }
   if (rename(temporary_.c_str(), target_.c_str()) != 0) Fail("the file cannot be replaced");
   temporary_.clear();
+  removedAtSignals_.reset();
   const int result = close(descriptor_);
   descriptor_ = -1;
   if (result != 0) Fail("the file cannot be written");

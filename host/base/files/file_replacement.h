@@ -3,6 +3,9 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+
+#include "host/base/process/temporary_name.h"
 
 namespace brenvolt {
 
@@ -42,6 +45,7 @@ class FileReplacement {
   std::filesystem::path given_;
   std::filesystem::path target_;
   std::filesystem::path temporary_;  // empty once it was renamed
+  std::optional<TemporaryName> removedAtSignals_;
   int descriptor_ = -1;
 };
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <thread>
@@ -15,6 +16,7 @@
 #include "host/base/files/file_lock.h"
 #include "host/base/files/file_replacement.h"
 #include "host/base/process/interruption.h"
+#include "host/base/process/temporary_name.h"
 
 namespace brenvolt {
 namespace {
@@ -33,6 +35,7 @@ TurnPatience patience;
 struct Held {
   int descriptor;
   int count;
+  std::unique_ptr<TemporaryName> removedAtSignals;
 };
 std::map<std::filesystem::path, Held>& HeldTurns() {
   thread_local std::map<std::filesystem::path, Held> turns;
@@ -123,7 +126,8 @@ FileTurn::FileTurn(const std::filesystem::path& path) : file_(FollowLinks(path))
     }
     descriptor = TryLock(name);
   }
-  turns.emplace(file_, Held{*descriptor, 1});
+  turns.emplace(file_,
+                Held{*descriptor, 1, *descriptor < 0 ? nullptr : std::make_unique<TemporaryName>(name)});
 }
 
 FileTurn::~FileTurn() {
@@ -131,10 +135,9 @@ FileTurn::~FileTurn() {
   const auto held = turns.find(file_);
   if (--held->second.count > 0) return;
   const int descriptor = held->second.descriptor;
+  if (descriptor >= 0) unlink(LockFileOf(file_).c_str());
   turns.erase(held);
-  if (descriptor < 0) return;
-  unlink(LockFileOf(file_).c_str());
-  close(descriptor);
+  if (descriptor >= 0) close(descriptor);
 }
 
 }  // namespace brenvolt

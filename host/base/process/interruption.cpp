@@ -2,30 +2,50 @@
 
 #include <signal.h>
 
+#include <array>
+#include <cstddef>
+
+#include "host/base/process/temporary_name.h"
+
 namespace brenvolt {
 namespace {
 
-volatile sig_atomic_t requested = 0;
-struct sigaction former {};
+constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGXFSZ};
 
-extern "C" void NoteInterruption(int /*signal*/) {
+volatile sig_atomic_t requested = 0;
+std::array<struct sigaction, kSignals.size()> former{};
+
+void Act(int signal, void (*handler)(int)) {
+  struct sigaction action {};
+  action.sa_handler = handler;
+  sigaction(signal, &action, nullptr);
+}
+
+extern "C" void EndProcess(int signal) {
+  RemoveTemporaryNames();
+  Act(signal, SIG_DFL);
+  raise(signal);
+}
+
+extern "C" void NoteInterruption(int signal) {
   requested = 1;
+  Act(signal, EndProcess);
 }
 
 }  // namespace
 
 InterruptionCatcher::InterruptionCatcher() {
-  sigaction(SIGINT, nullptr, &former);
-  // A process told to ignore interruptions, as one in the background is, continues to ignore them.
-  if (former.sa_handler == SIG_IGN) return;
-  struct sigaction action {};
-  action.sa_handler = NoteInterruption;
-  action.sa_flags = static_cast<int>(SA_RESETHAND);
-  sigaction(SIGINT, &action, nullptr);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    sigaction(kSignals[i], nullptr, &former[i]);
+    if (former[i].sa_handler == SIG_IGN) continue;
+    Act(kSignals[i], kSignals[i] == SIGINT    ? NoteInterruption
+                     : kSignals[i] == SIGXFSZ ? SIG_IGN
+                                              : EndProcess);
+  }
 }
 
 InterruptionCatcher::~InterruptionCatcher() {
-  sigaction(SIGINT, &former, nullptr);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &former[i], nullptr);
 }
 
 bool InterruptionRequested() {
