@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <unordered_set>
 
 #include "host/models/document/arrays.h"
 
@@ -25,7 +26,9 @@ void CheckVersion(const Element& root) {
 
 enum class Property : std::uint8_t { kValid, kInvalid, kMissing };
 
-void ReadFieldValue(const Element& element, Field& field, Builder& builder) {
+// `known` are the valid values so far: there may be as many as the file has room for.
+void ReadFieldValue(const Element& element, Field& field, std::unordered_set<double>& known,
+                    Builder& builder) {
   const std::string text = element.Text("value");
   const auto property = element.Choice<Property>(
       "property",
@@ -40,7 +43,7 @@ void ReadFieldValue(const Element& element, Field& field, Builder& builder) {
   if (property == Property::kInvalid) field.domain.invalid.push_back(value);
   if (property == Property::kMissing) field.domain.missing.push_back(value);
   if (property != Property::kValid) return;
-  if (std::ranges::find(field.domain.valid, value) != field.domain.valid.end()) return;
+  if (!known.insert(value).second) return;
   field.domain.valid.push_back(value);
   field.labels.push_back(text);
   field.displayLabels.push_back(display);
@@ -54,9 +57,10 @@ void ReadDataField(const Element& element, Builder& builder) {
   field->type = ReadDataType(element, field->opType == OpType::kContinuous ? kDouble : kText);
   element.PassOver({"displayName", "isCyclic"});
   element.RefuseOtherAttributes();
+  std::unordered_set<double> known;
   for (const Element& child : element.Children()) {
     if (child.Is("Value")) {
-      ReadFieldValue(child, *field, builder);
+      ReadFieldValue(child, *field, known, builder);
     } else if (child.Is("Interval")) {
       field->domain.intervals.push_back(ReadInterval(child));
     } else {

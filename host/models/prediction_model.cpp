@@ -4,6 +4,7 @@
 #include <cmath>
 #include <mutex>
 #include <tuple>
+#include <unordered_map>
 
 #include "host/base/error.h"
 #include "host/base/files/mapped_file.h"
@@ -47,10 +48,12 @@ void DescribeValues(const Field& field, const ReadyModel& model, ModelField& des
   if (counts == model.counts.end()) return;
   double total = 0;
   description.frequencies.assign(field.labels.size(), 0);
+  std::unordered_map<std::string_view, std::size_t> places;
+  for (std::size_t k = 0; k < field.labels.size(); ++k) places.emplace(field.labels[k], k);
   for (const auto& [label, count] : counts->second) {
-    const auto at = std::ranges::find(field.labels, label);
-    if (at == field.labels.end()) continue;
-    description.frequencies[static_cast<std::size_t>(at - field.labels.begin())] = count;
+    const auto at = places.find(label);
+    if (at == places.end()) continue;
+    description.frequencies[at->second] = count;
     total += count;
   }
   for (double& frequency : description.frequencies) frequency = total > 0 ? frequency / total : 0;

@@ -64,6 +64,7 @@ class ContentReader {
         blobs_(connection, "column_chunk", "doubles"),
         variables_(connection.Prepare("SELECT id, name, type, missing_code, checksum FROM variable "
                                       "WHERE sheet = ? ORDER BY position")),
+        sizes_(connection.Prepare("SELECT sum(length(doubles)) FROM column_chunk WHERE variable = ?")),
         chunks_(
             connection.Prepare("SELECT id, position FROM column_chunk WHERE variable = ? ORDER BY position")),
         labels_(connection.Prepare("SELECT value, text FROM label WHERE variable = ? ORDER BY value")),
@@ -98,6 +99,7 @@ class ContentReader {
   Connection& connection_;
   BlobReader blobs_;
   Statement variables_;
+  Statement sizes_;
   Statement chunks_;
   Statement labels_;
   Statement properties_;
@@ -283,6 +285,12 @@ Variable ContentReader::ReadVariable(std::size_t cases) {
 
 std::vector<double> ContentReader::ReadColumn(std::int64_t id, const std::string& name, std::size_t cases) {
   Spend(std::uint64_t{cases} * sizeof(double));
+  // Before memory is taken for what a small file may only claim.
+  sizes_.Bind(1, id);
+  const std::int64_t size = sizes_.Step() ? sizes_.ColumnInteger(0) : 0;
+  sizes_.Reset();
+  if (size < static_cast<std::int64_t>(cases * sizeof(double)))
+    Damaged("it has fewer values of \"" + name + "\" than cases");
   std::vector<double> values(cases);
   std::span<std::byte> rest = std::as_writable_bytes(std::span(values));
   chunks_.Bind(1, id);

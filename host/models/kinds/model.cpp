@@ -91,10 +91,13 @@ void AddUnpredictedTargets(const Element& model, const std::vector<std::string>&
 
 }  // namespace
 
+Classes::Classes(const Field& field) : type_(field.type), labels_(field.labels), values_(field.domain.valid) {
+  for (std::size_t k = 0; k < values_.size(); ++k) places_.emplace(values_[k], k);
+}
+
 std::optional<std::size_t> Classes::Find(double value) const {
-  const auto found = std::ranges::find(values_, value);
-  return found == values_.end() ? std::nullopt
-                                : std::optional(static_cast<std::size_t>(found - values_.begin()));
+  const auto found = places_.find(value);
+  return found == places_.end() ? std::nullopt : std::optional(found->second);
 }
 
 std::size_t Classes::Number(const std::string& label, Builder& builder, const Element& at) {
@@ -102,6 +105,7 @@ std::size_t Classes::Number(const std::string& label, Builder& builder, const El
   if (const auto known = Find(value)) return *known;
   labels_.push_back(label);
   values_.push_back(value);
+  places_.emplace(value, labels_.size() - 1);
   return labels_.size() - 1;
 }
 

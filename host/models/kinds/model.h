@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/models/transformations/expression_element.h"
@@ -25,7 +26,7 @@ enum class Function : std::uint8_t { kRegression, kClassification, kClustering, 
 class Classes {
  public:
   Classes() = default;
-  Classes(const Field& field) : type_(field.type), labels_(field.labels), values_(field.domain.valid) {}
+  Classes(const Field& field);
   explicit Classes(TypeInfo type) : type_(type) {}
 
   std::size_t Count() const { return labels_.size(); }
@@ -41,6 +42,7 @@ class Classes {
   TypeInfo type_{DataType::kText};
   std::vector<std::string> labels_;
   std::vector<double> values_;
+  std::unordered_map<double, std::size_t> places_;  // of the values
 };
 
 // A field that a model predicts.

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <unordered_map>
 
 #include "host/models/kinds/model.h"
 
@@ -114,12 +115,9 @@ class CardReader {
 
  private:
   double Reason(const std::string& code) {
-    const auto known = std::ranges::find(reasons_, code);
-    if (known == reasons_.end()) {
-      reasons_.push_back(code);
-      return static_cast<double>(reasons_.size() - 1);
-    }
-    return static_cast<double>(known - reasons_.begin());
+    const auto [known, isNew] = places_.emplace(code, reasons_.size());
+    if (isNew) reasons_.push_back(code);
+    return static_cast<double>(known->second);
   }
 
   void ReadCharacteristic(const Element& element) {
@@ -169,6 +167,7 @@ class CardReader {
   std::unique_ptr<Card> card_ = std::make_unique<Card>();
   std::optional<double> baseline_;
   std::vector<std::string> reasons_;
+  std::unordered_map<std::string, std::size_t> places_;  // of the reasons
 };
 
 }  // namespace
