@@ -4,6 +4,7 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/measured_report.h"
+#include "apps/cli/print.h"
 #include "apps/cli/specification_option.h"
 #include "host/application/json_text.h"
 #include "host/jobs/json/measured_json.h"
@@ -30,7 +31,7 @@ void Judge(const CapabilityCall& call) {
   const CapabilityFindings found = RunReported(call.job, JobRecorder());
   if (call.format == ReportFormat::kCsv) return PrintCsv(CapabilitySheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
-  std::fputs((isJson ? JsonText(CapabilityJson(found)) : CapabilityText(found)).c_str(), stdout);
+  Print(isJson ? JsonText(CapabilityJson(found)) : CapabilityText(found));
   if (isJson) return;
   ReportPlot(call.job.plot);
   SayReportWritten(call.job.report);

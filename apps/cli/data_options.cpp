@@ -3,10 +3,12 @@
 #include <cstdio>
 #include <map>
 
+#include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
 #include "host/base/process/terminal.h"
 #include "host/base/quoted.h"
+#include "host/base/visible_text.h"
 #include "host/graphs/chart_text.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/csv.h"
@@ -52,7 +54,7 @@ void AddTableFormatOption(CLI::App& command, ReportFormat& format) {
 }
 
 void PrintCsv(const Spreadsheet& sheet, const JobData& data) {
-  std::fputs(CsvText(sheet, data.Format()).c_str(), stdout);
+  PrintData(CsvText(sheet, data.Format()));
 }
 
 CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string& about) {
@@ -100,11 +102,10 @@ void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {
 namespace {
 
 void TellReading(const DataFile& file) {
-  if (const std::string text = ReadAsText(file); !text.empty())
-    std::fprintf(stderr, "%s: %s\n", kProgram, text.c_str());
+  if (const std::string text = ReadAsText(file); !text.empty()) PrintMessage(kProgram + (": " + text));
   for (const ReadingNote& doubt : file.doubts) {
     const std::string option = doubt.field.empty() ? "" : " (" + OptionOf(doubt.field) + ")";
-    std::fprintf(stderr, "%s: %s%s\n", kProgram, doubt.message.c_str(), option.c_str());
+    PrintMessage(kProgram + (": " + doubt.message) + option);
   }
 }
 
@@ -153,7 +154,8 @@ void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_v
 void ReportPlot(const Plot& plot) {
   if (!plot.IsAsked()) return;
   const bool isSeveral = plot.file.string().find(kNamePlace) != std::string::npos;
-  std::printf("\n%s written to %s\n", isSeveral ? "Pictures" : "Picture", plot.file.c_str());
+  std::printf("\n%s written to %s\n", isSeveral ? "Pictures" : "Picture",
+              VisibleLine(plot.file.string()).c_str());
 }
 
 void AddReportOption(CLI::App& command, std::filesystem::path& report, const std::string& more) {
@@ -166,7 +168,7 @@ void AddReportOption(CLI::App& command, std::filesystem::path& report, const std
 }
 
 void SayReportWritten(const std::filesystem::path& report) {
-  if (!report.empty()) std::printf("\nReport written to %s\n", report.c_str());
+  if (!report.empty()) std::printf("\nReport written to %s\n", VisibleLine(report.string()).c_str());
 }
 
 void AddChartOption(CLI::App& command, bool& chart) {
@@ -179,7 +181,7 @@ void PrintCharts(const std::vector<PlotPage>& pages) {
   if (!width) return;
   for (const PlotPage& page : pages) {
     const std::string chart = ChartText(page.page, *width);
-    if (!chart.empty()) std::printf("\n%s", chart.c_str());
+    if (!chart.empty()) Print("\n" + chart);
   }
 }
 

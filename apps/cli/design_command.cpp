@@ -5,9 +5,11 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/base/correlation_rules.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/design_job.h"
 #include "host/jobs/json/design_json.h"
 
@@ -34,15 +36,15 @@ Json ReportJson(const DesignCall& call, const DesignFindings& findings, double s
 void Report(const DesignCall& call, const DesignFindings& findings) {
   const double smallest = SmallestEigenvalue(findings.design);
   if (call.format == ReportFormat::kJson) {
-    std::fputs(JsonText(ReportJson(call, findings, smallest)).c_str(), stdout);
+    Print(JsonText(ReportJson(call, findings, smallest)));
     return;
   }
   if (findings.design.variables.empty()) {
-    std::printf("# No variable of sheet %s has a distribution.\n", findings.sheet.c_str());
+    std::printf("# No variable of sheet %s has a distribution.\n", VisibleLine(findings.sheet).c_str());
     return;
   }
-  std::fputs(TextOf(findings.design).c_str(), stdout);
-  for (const std::string& note : findings.notes) std::printf("# %s\n", note.c_str());
+  Print(TextOf(findings.design));
+  for (const std::string& note : findings.notes) std::printf("# %s\n", VisibleLine(note).c_str());
   if (IsPositiveEigenvalue(smallest)) return;
   std::printf(
       "# These correlations contradict each other: the matrix has the eigenvalue %.3g. A simulation changes "

@@ -4,9 +4,11 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/application/json_text.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/exchange/exchange_jobs.h"
 #include "host/jobs/exchange/preview_job.h"
 #include "host/jobs/json/preview_json.h"
@@ -33,12 +35,12 @@ void Preview(const ImportOptions& options) {
   job.data.sheet = options.job.sheet;
   const FilePreview preview = job.Run();
   if (options.format == ReportFormat::kJson) {
-    std::fputs(JsonText(PreviewJson(preview)).c_str(), stdout);
+    Print(JsonText(PreviewJson(preview)));
     return;
   }
   for (const PreviewedSheet& sheet : preview.sheets) {
     const ReportTable table = PreviewTable(sheet);
-    std::printf("%s%s\n%s", &sheet == &preview.sheets.front() ? "" : "\n", table.title.c_str(),
+    std::printf("%s%s\n%s", &sheet == &preview.sheets.front() ? "" : "\n", VisibleLine(table.title).c_str(),
                 TextOf(table).c_str());
   }
 }
@@ -55,8 +57,8 @@ void Import(const ImportOptions& options) {
           ? "correlation matrix of " + std::to_string(sheet.VariableCount()) + " variables"
           : std::to_string(sheet.CaseCount()) + " cases of " + std::to_string(sheet.VariableCount()) +
                 " variables";
-  std::printf("%s imported into %s, sheet %s\n", what.c_str(), options.job.output.c_str(),
-              sheet.Name().c_str());
+  std::printf("%s imported into %s, sheet %s\n", VisibleLine(what).c_str(),
+              VisibleLine(options.job.output.string()).c_str(), sheet.Name().c_str());
   recording.Commit();
 }
 

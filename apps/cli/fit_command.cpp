@@ -9,9 +9,11 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
 #include "apps/cli/measured_report.h"
+#include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/base/number_text.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/fit_graphs.h"
 #include "host/jobs/fit_job.h"
 #include "host/jobs/fit_quantiles.h"
@@ -101,7 +103,7 @@ void FitCensored(const FitCall& call) {
   const CensoredFindings found = RunReported(call.censored, recording.Job());
   if (call.format == ReportFormat::kCsv) return PrintCsv(CensoredSheet(found), call.job.data);
   const bool isJson = call.format == ReportFormat::kJson;
-  std::fputs((isJson ? JsonText(CensoredJson(found)) : CensoredText(found)).c_str(), stdout);
+  Print(isJson ? JsonText(CensoredJson(found)) : CensoredText(found));
   if (isJson) return;
   ReportPlot(call.job.plot);
   SayReportWritten(call.job.report);
@@ -133,7 +135,7 @@ void Fit(const FitCall& call) {
             {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format,
              AllQuantiles(job, variables)});
   if (!job.save.empty() && !json) {
-    std::printf("\nFits saved in %s\n", job.save.c_str());
+    std::printf("\nFits saved in %s\n", VisibleLine(job.save.string()).c_str());
   }
   if (call.format == ReportFormat::kTable) {
     ReportPlot(job.plot);

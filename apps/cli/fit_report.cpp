@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+#include "apps/cli/print.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/jobs/json/fit_json.h"
@@ -135,9 +136,7 @@ void ReportFit(const std::vector<FittedVariable>& variables, const Spreadsheet& 
         text += QuantilesText(*options.quantiles[i], variable.moments.Number("standard_deviation"_column));
     }
   }
-  std::fputs(json ? JsonText(report).c_str()
-                  : (text + "\n" + BrokenNote(PValueNote(options.bootstrapSamples))).c_str(),
-             stdout);
+  Print(json ? JsonText(report) : text + "\n" + BrokenNote(PValueNote(options.bootstrapSamples)));
 }
 
 }  // namespace brenvolt::cli

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "apps/cli/commands.h"
+#include "apps/cli/print.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/nearest_name.h"
@@ -50,7 +51,7 @@ void Explain(const CLI::App& program, const std::string& topic) {
     // Its own member would give the help of the command that was called, this one.
     const std::string text =
         program.get_formatter()->make_help(&program, program.get_name(), CLI::AppFormatMode::Normal);
-    std::fputs(text.c_str(), stdout);
+    Print(text);
     return;
   }
   std::vector<std::string> topics;
@@ -61,7 +62,7 @@ void Explain(const CLI::App& program, const std::string& topic) {
     return;
   }
   if (topic == kDistributionsTopic) {
-    std::fputs(DistributionsText().c_str(), stdout);
+    Print(DistributionsText());
     return;
   }
   topics.emplace_back(kDistributionsTopic);

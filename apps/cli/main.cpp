@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <exception>
 #include <functional>
 #include <new>
 #include <string>
@@ -15,12 +16,14 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
 #include "host/base/error.h"
 #include "host/base/files/file_turn.h"
 #include "host/base/nearest_name.h"
 #include "host/base/process/interruption.h"
 #include "host/base/process/memory_policy.h"
+#include "host/base/process/out_of_memory.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/empty_text.h"
@@ -40,7 +43,7 @@ std::string complaints;  // that were made, for the other ranks
 
 void Complain(const std::string& what, const std::string& where = {}) {
   const std::string complaint = what + (where.empty() ? std::string() : " (" + where + ")");
-  std::fprintf(stderr, "%s: %s\n", brenvolt::cli::kProgram, complaint.c_str());
+  brenvolt::cli::PrintMessage(brenvolt::cli::kProgram + (": " + complaint));
   complaints += (complaints.empty() ? "" : "; ") + complaint;
 }
 
@@ -223,7 +226,7 @@ int CarryOut(const std::function<int()>& work) {
   } catch (const brenvolt::Error& error) {
     Complain(error.what(), error.Where());
   } catch (const std::bad_alloc&) {
-    Complain("not enough memory");
+    brenvolt::SayNoMemoryIsLeft();
   } catch (const std::exception& error) {
     Complain(error.what());
   }
@@ -233,6 +236,7 @@ int CarryOut(const std::function<int()>& work) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  brenvolt::EndWhereNoMemoryIsLeft(kJobFailed);
   brenvolt::ReturnLargeBlocksAtOnce();
   const brenvolt::InterruptionCatcher interruptions;
   SayWaits();

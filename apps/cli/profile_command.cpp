@@ -5,6 +5,7 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/profile_report.h"
 #include "apps/cli/round_options.h"
 #include "apps/cli/specification_option.h"
@@ -12,6 +13,7 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 #include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/json/profile_json.h"
 #include "host/jobs/profile/profile_job.h"
 #include "host/jobs/profile/profile_plots.h"
@@ -73,16 +75,17 @@ void Report(const ProfileCall& call, const ProfileRun& run) {
   const ProfileJob& job = call.job;
   if (call.format == ReportFormat::kCsv) return PrintCsv(ProfileSheet(run.results), job.data);
   if (call.format == ReportFormat::kJson) {
-    std::fputs(JsonText(ProfileJson(job, run)).c_str(), stdout);
+    Print(JsonText(ProfileJson(job, run)));
     return;
   }
   std::printf("Seed %d\n", run.seed);
-  std::fputs(ProfileText(run.results, DrawnText(call, run)).c_str(), stdout);
+  Print(ProfileText(run.results, DrawnText(call, run)));
   if (!job.output.empty()) {
     std::printf("\nSimulated data %s %s%s\n", run.outputSheet.empty() ? "written to" : "saved in",
-                job.output.c_str(), (run.outputSheet.empty() ? "" : ", sheet " + run.outputSheet).c_str());
+                VisibleLine(job.output.string()).c_str(),
+                VisibleLine(run.outputSheet.empty() ? "" : ", sheet " + run.outputSheet).c_str());
   }
-  if (!job.graphs.empty()) std::printf("\nGraphs written to %s\n", job.graphs.c_str());
+  if (!job.graphs.empty()) std::printf("\nGraphs written to %s\n", VisibleLine(job.graphs.string()).c_str());
   ReportPlot(job.plot);
   SayReportWritten(job.report);
 }

@@ -4,7 +4,9 @@
 #include "apps/cli/command_recording.h"
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/unpredicted_report.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/json/score_json.h"
 #include "host/jobs/score_job.h"
 
@@ -24,19 +26,19 @@ void ReportTable(const ScoreJob& job, const ScoreRun& run) {
   for (const UnavailableOutput& output : run.unavailable)
     notes += "The output " + output.name + " is left out: " + output.reason + "\n";
   if (job.output.empty()) {
-    std::fputs(CsvText(run.predictions, job.data.Format()).c_str(), stdout);
-    std::fputs(notes.c_str(), stderr);
+    PrintData(CsvText(run.predictions, job.data.Format()));
+    std::fputs(VisibleText(notes).c_str(), stderr);
     return;
   }
-  std::printf("Predictions of %zu cases written to %s\n", cases, job.output.c_str());
-  std::fputs(notes.c_str(), stdout);
+  std::printf("Predictions of %zu cases written to %s\n", cases, VisibleLine(job.output.string()).c_str());
+  Print(notes);
 }
 
 void Score(const ScoreCall& call) {
   Recording recording(call.record);
   const ScoreRun run = call.job.Run(recording.Job());
   if (call.format == ReportFormat::kJson) {
-    std::fputs(JsonText(ScoreJson(call.job, run)).c_str(), stdout);
+    Print(JsonText(ScoreJson(call.job, run)));
   } else {
     ReportTable(call.job, run);
   }

@@ -4,9 +4,11 @@
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
+#include "apps/cli/print.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
@@ -35,23 +37,25 @@ void ShowSheetsAsJson(const Workbook& workbook) {
                       {"variables", sheet.VariableCount()},
                       {"title", sheet.Title()}});
   }
-  std::fputs(JsonText(Json{{"sheets", sheets}}).c_str(), stdout);
+  Print(JsonText(Json{{"sheets", sheets}}));
 }
 
 void ShowVariablesAsTable(const Spreadsheet& sheet, const DesignText& design) {
-  std::printf("%s, %zu cases\n%s", sheet.Name().c_str(), sheet.CaseCount(),
+  std::printf("%s, %zu cases\n%s", VisibleLine(sheet.Name()).c_str(), sheet.CaseCount(),
               TextOf(VariableTable(sheet)).c_str());
   if (sheet.WeightVariable()) {
-    std::printf("\nCases weighted by %s\n", sheet.VariableAt(*sheet.WeightVariable()).Name().c_str());
+    std::printf("\nCases weighted by %s\n",
+                VisibleLine(sheet.VariableAt(*sheet.WeightVariable()).Name()).c_str());
   }
-  if (sheet.Selection().enabled) std::printf("\nCases with %s\n", sheet.Selection().condition.c_str());
-  if (!design.variables.empty()) std::printf("\nSimulated from\n%s", TextOf(design).c_str());
+  if (sheet.Selection().enabled)
+    std::printf("\nCases with %s\n", VisibleLine(sheet.Selection().condition).c_str());
+  if (!design.variables.empty()) std::printf("\nSimulated from\n%s", VisibleText(TextOf(design)).c_str());
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);
     if (variable.Properties().empty()) continue;
-    std::printf("\nProperties of %s\n", variable.Name().c_str());
+    std::printf("\nProperties of %s\n", VisibleLine(variable.Name()).c_str());
     for (const auto& [key, value] : variable.Properties())
-      std::printf("  %s: %s\n", key.c_str(), value.c_str());
+      std::printf("  %s: %s\n", VisibleLine(key).c_str(), VisibleLine(value).c_str());
   }
 }
 
@@ -66,17 +70,15 @@ void ShowVariablesAsJson(const Spreadsheet& sheet, const DesignText& design) {
                          {"missing", CountMissing(variable)},
                          {"properties", properties}});
   }
-  std::fputs(JsonText(Json{{"name", sheet.Name()},
-                           {"kind", KindName(sheet.Kind())},
-                           {"cases", sheet.CaseCount()},
-                           {"variables", variables},
-                           {"design", DesignJson(design)}})
-                 .c_str(),
-             stdout);
+  Print(JsonText(Json{{"name", sheet.Name()},
+                      {"kind", KindName(sheet.Kind())},
+                      {"cases", sheet.CaseCount()},
+                      {"variables", variables},
+                      {"design", DesignJson(design)}}));
 }
 
 void ShowMatrixAsTable(const Spreadsheet& matrix) {
-  std::printf("%s, %s\n%s", matrix.Name().c_str(), MatrixText(matrix).c_str(),
+  std::printf("%s, %s\n%s", VisibleLine(matrix.Name()).c_str(), MatrixText(matrix).c_str(),
               TextOf(MatrixTable(matrix, matrix.VariableCount())).c_str());
 }
 
@@ -94,12 +96,10 @@ void ShowMatrixAsJson(const Spreadsheet& matrix) {
                          {"standardDeviation", NumberOrNull(variable.Values()[rows.standardDeviations])},
                          {"correlations", correlations}});
   }
-  std::fputs(JsonText(Json{{"name", matrix.Name()},
-                           {"kind", KindName(matrix.Kind())},
-                           {"validCases", NumberOrNull(ValidCases(matrix))},
-                           {"variables", variables}})
-                 .c_str(),
-             stdout);
+  Print(JsonText(Json{{"name", matrix.Name()},
+                      {"kind", KindName(matrix.Kind())},
+                      {"validCases", NumberOrNull(ValidCases(matrix))},
+                      {"variables", variables}}));
 }
 
 // A matrix that lacks rows is shown as data are.
@@ -122,7 +122,7 @@ void Show(const ShowCall& call) {
   } else if (json) {
     ShowSheetsAsJson(project.workbook);
   } else {
-    std::fputs(TextOf(SheetTable(project.workbook)).c_str(), stdout);
+    Print(TextOf(SheetTable(project.workbook)));
   }
   if (json) return;
   ReportPlot(call.job.plot);

@@ -5,10 +5,12 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/fit_report.h"
+#include "apps/cli/print.h"
 #include "apps/cli/round_options.h"
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/json/simulation_json.h"
@@ -44,20 +46,21 @@ std::string Samples(std::int64_t count) {
 void Report(const SimulateCall& call, const SimulationRun& run) {
   if (call.format == ReportFormat::kCsv) return PrintCsv(SimulationSheet(run.results), call.job.data);
   if (call.format == ReportFormat::kJson) {
-    std::fputs(JsonText(SimulationJson(call.job, run)).c_str(), stdout);
+    Print(JsonText(SimulationJson(call.job, run)));
     return;
   }
   const ResultTable& summary = run.results.summary;
-  std::printf("%s, %s, seed %d\n%s", summary.title.c_str(), Samples(call.Samples()).c_str(), run.seed,
-              SummaryText(summary).c_str());
-  if (!run.results.pairs.empty()) std::printf("\n%s", CorrelationsText(run.results).c_str());
+  std::printf("%s, %s, seed %d\n%s", VisibleLine(summary.title).c_str(), Samples(call.Samples()).c_str(),
+              run.seed, SummaryText(summary).c_str());
+  if (!run.results.pairs.empty()) std::printf("\n%s", VisibleText(CorrelationsText(run.results)).c_str());
   for (const auto& [variable, cautions] : run.cautions)
-    std::printf("\n%s\n%s", variable.c_str(), CautionsText(cautions).c_str());
+    std::printf("\n%s\n%s", VisibleLine(variable).c_str(), VisibleText(CautionsText(cautions)).c_str());
   if (!run.methodNotes.empty()) std::printf("\n");
-  for (const std::string& note : run.methodNotes) std::printf("  %s\n", note.c_str());
+  for (const std::string& note : run.methodNotes) std::printf("  %s\n", VisibleLine(note).c_str());
   std::printf("\nDrawn by %s%s from\n%s", run.method.c_str(),
-              call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "", TextOf(run.design).c_str());
-  if (!run.file.empty()) std::printf("\n%s\n", DestinationText(run).c_str());
+              call.job.truncate ? " between the 0.5 % and 99.5 % quantiles" : "",
+              VisibleText(TextOf(run.design)).c_str());
+  if (!run.file.empty()) std::printf("\n%s\n", VisibleText(DestinationText(run)).c_str());
   ReportPlot(call.job.plot);
   SayReportWritten(call.job.report);
   if (call.job.keepsTable) PrintCharts(DataPlots(run.output->Table(), "histogram", call.job.Origin(run)));

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "host/base/visible_text.h"
+
 namespace brenvolt::cli {
 namespace {
 
@@ -21,16 +23,13 @@ std::string Padded(const std::string& text, std::size_t width, TextTable::Align 
 }  // namespace
 
 void TextTable::AddColumn(std::string heading, Align align) {
-  columns_.push_back({std::move(heading), align});
+  columns_.push_back({VisibleLine(heading), align});
 }
 
 void TextTable::AddRow(std::vector<std::string> cells) {
   cells.resize(columns_.size());
   // A line break or another control character in a name must not break the table.
-  for (std::string& cell : cells) {
-    std::ranges::replace_if(
-        cell, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
-  }
+  for (std::string& cell : cells) cell = VisibleLine(cell);
   rows_.push_back(std::move(cells));
 }
 

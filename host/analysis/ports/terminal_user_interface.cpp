@@ -5,6 +5,7 @@
 
 #include "host/base/process/interruption.h"
 #include "host/base/process/terminal.h"
+#include "host/base/visible_text.h"
 
 namespace brenvolt {
 
@@ -17,7 +18,7 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   const std::string where = message.where.empty() ? std::string() : " (" + message.where + ")";
   // A question that the caller answered beforehand is not left standing as if somebody had to.
   const char* const answer = message.buttons == MessageButtons::kOk ? "" : " Yes.";
-  std::string line = program_ + ": " + message.text + answer + where + "\n";
+  std::string line = VisibleLine(program_ + ": " + message.text + answer + where) + "\n";
   // Runs in batches say the same of each.
   if (line != lastLine_) std::fputs(line.c_str(), stderr);
   lastLine_ = std::move(line);
