@@ -67,7 +67,7 @@ ROOMS = (
     Room("host/jobs/profile", "host/jobs", "third-party"),
     Room("host/jobs/dialogs", "host/jobs/profile", "third-party"),
     Room("host/jobs/json", "host/jobs/measured host/jobs/exchange host/jobs/profile", "third-party"),
-    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange host/jobs/profile", "third-party"),
+    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange host/jobs/profile host/tables/editing", "third-party"),
     Room("host/drawing", "host/reporting", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.

@@ -19,6 +19,10 @@ class EditCommand : public QUndoCommand {
   EditCommand(Document& document, const QString& what, Edits inverse)
       : QUndoCommand(what), document_(document), edits_(std::move(inverse)) {}
 
+  bool ChangesShape() const {
+    return std::ranges::any_of(edits_, [](const Edit& edit) { return desktop::ChangesShape(edit); });
+  }
+
   void undo() override { Exchange(); }
   void redo() override {
     // What is put on the stack has been done.
@@ -175,12 +179,32 @@ QString Document::Title() const {
   return ShownPath(data_.path.filename());
 }
 
-void Document::Do(const QString& what, Edits edits) {
+void Document::RequireEditable(bool changesShape) const {
   if (isBusy_) throw Error("an analysis computes with the data; edit them when it has ended, or cancel it");
-  if (observed_ && std::ranges::any_of(edits, ChangesShape))
+  if (observed_ && changesShape)
     throw Error(
         "a dialog of an analysis of these data is open; close it before variables, cases or sheets come or "
         "go");
+}
+
+void Document::Undo() {
+  RequireEditable(false);
+  TakeChanges(tr("Analysis"));
+  if (history_.canUndo()) GoTo(history_.index() - 1, history_.index() - 1);
+}
+
+void Document::Redo() {
+  if (history_.canRedo()) GoTo(history_.index() + 1, history_.index());
+}
+
+void Document::GoTo(int index, int command) {
+  RequireEditable(static_cast<const EditCommand*>(history_.command(command))->ChangesShape());
+  history_.setIndex(index);
+  if (observed_) observed_ = Remember(data_.workbook);
+}
+
+void Document::Do(const QString& what, Edits edits) {
+  RequireEditable(std::ranges::any_of(edits, [](const Edit& edit) { return ChangesShape(edit); }));
   TakeChanges(tr("Analysis"));
   Push(what, Carry(std::move(edits)));
   if (observed_) observed_ = Remember(data_.workbook);

@@ -54,6 +54,9 @@ class Document : public QObject {
 
   // Carries out what a person did. `what` names it in the menu: "Paste". Throws Error, and nothing is changed.
   void Do(const QString& what, Edits edits);
+  // Take back the last edit, or do it again. Throw Error where an analysis stands in the way, and nothing is changed.
+  void Undo();
+  void Redo();
   // Lets a job change the facts of variables, add variables behind the others, add and remove sheets; it must not change
   // values, nor what else a sheet holds that was there.
   void Change(const QString& what, const std::function<void(Workbook& workbook)>& change);
@@ -92,6 +95,8 @@ class Document : public QObject {
   void Record(Edits& edits);
   void Announce(const Edits& edits);
   void Push(const QString& what, Edits inverse);
+  void RequireEditable(bool changesShape) const;
+  void GoTo(int index, int command);
   Edits NewSheets() const;
 
   // What a sheet was before somebody else changed it.

@@ -38,7 +38,9 @@ namespace {
 // Pages that were looked at long ago are made again.
 constexpr qsizetype kMostPages = 30;
 constexpr int kPlaceRole = Qt::UserRole;
-constexpr int kTreeWidth = 220;
+constexpr int kTitleRole = Qt::UserRole + 1;  // without the number that tells equal ones apart
+constexpr int kTreeCharacters = 34;
+constexpr int kPageCharacters = 80;
 constexpr std::size_t kMostCopied = 2'000'000;
 
 QTableView* MakeTable(const std::shared_ptr<CAnalysisTableDoc>& document) {
@@ -86,8 +88,26 @@ QWidget* WithTitle(QTableView* view, const Spreadsheet& table) {
   return page;
 }
 
+// What a table is of, and what it holds: "eruptions: ranking by ...".
 QString TitleOf(const Spreadsheet& table) {
-  return Shown(table.Name().empty() ? table.Title() : table.Name());
+  const QString name = Shown(table.Name());
+  const QString title = Shown(table.Title()).section(QLatin1Char('\n'), 0, 0).trimmed();
+  if (name.isEmpty() || title.isEmpty() || title.contains(name)) return title.isEmpty() ? name : title;
+  return name + QStringLiteral(": ") + title;
+}
+
+// The title as it is, or with the first number that none of the siblings has.
+QString Distinct(const QString& title, const QStringList& taken) {
+  QString distinct = title;
+  for (int number = 2; taken.contains(distinct); ++number)
+    distinct = QStringLiteral("%1 (%2)").arg(title).arg(number);
+  return distinct;
+}
+
+QStringList TitlesIn(const QTreeWidgetItem& parent) {
+  QStringList titles;
+  for (int i = 0; i < parent.childCount(); ++i) titles << parent.child(i)->text(0);
+  return titles;
 }
 
 }  // namespace
@@ -106,7 +126,8 @@ ResultsPanel::ResultsPanel(QWidget* parent)
   splitter->addWidget(tree_);
   splitter->addWidget(pages_);
   splitter->setStretchFactor(1, 1);
-  splitter->setSizes({kTreeWidth, 3 * kTreeWidth});
+  const int character = tree_->fontMetrics().averageCharWidth();
+  splitter->setSizes({kTreeCharacters * character, kPageCharacters * character});
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(0);
@@ -121,8 +142,8 @@ ResultsPanel::ResultsPanel(QWidget* parent)
       emit keepAsked(result->table);
   });
   keep_->setToolTip(tr("Keep the table as a sheet of the project"));
-  tools_->addAction(tr("Report…"), this, &ResultsPanel::reportAsked)
-      ->setToolTip(tr("Write a report of the results of the open dialog: PDF, HTML or Markdown"));
+  report_ = tools_->addAction(tr("Report…"), this, &ResultsPanel::reportAsked);
+  report_->setToolTip(tr("Write a report of these results: PDF, HTML or Markdown"));
   tools_->addAction(tr("Remove"), this, &ResultsPanel::Remove)->setToolTip(tr("Remove the result"));
   tools_->addSeparator();
   const auto zoom = [this](void (PictureView::*how)()) {
@@ -142,7 +163,7 @@ ResultsPanel::ResultsPanel(QWidget* parent)
 ResultsPanel::~ResultsPanel() = default;
 
 void ResultsPanel::BeginGroup(const QString& title) {
-  group_ = new QTreeWidgetItem(tree_, {title});
+  group_ = new QTreeWidgetItem(tree_, {Distinct(title, TitlesIn(*tree_->invisibleRootItem()))});
   group_->setData(0, kPlaceRole, -1);
   group_->setExpanded(true);
 }
@@ -159,8 +180,10 @@ void ResultsPanel::Add(std::shared_ptr<CAnalysisGraphDoc> graph) {
 
 void ResultsPanel::AddItem(const QString& title, Result result) {
   if (group_ == nullptr) BeginGroup(tr("Results"));
-  auto* item = new QTreeWidgetItem(group_, {title});
-  item->setToolTip(0, title);
+  const QString shown = Distinct(title, TitlesIn(*group_));
+  auto* item = new QTreeWidgetItem(group_, {shown});
+  item->setToolTip(0, shown);
+  item->setData(0, kTitleRole, title);
   item->setData(0, kPlaceRole, static_cast<int>(results_.size()));
   result.item = item;
   results_.push_back(std::make_unique<Result>(std::move(result)));
@@ -201,6 +224,33 @@ ResultsPanel::Result* ResultsPanel::CurrentResult() const {
   return place < 0 ? nullptr : results_[static_cast<std::size_t>(place)].get();
 }
 
+QTreeWidgetItem* ResultsPanel::CurrentGroup() const {
+  QTreeWidgetItem* const item = tree_->currentItem();
+  if (item == nullptr) return tree_->topLevelItem(tree_->topLevelItemCount() - 1);
+  return item->parent() == nullptr ? item : item->parent();
+}
+
+QString ResultsPanel::GroupTitle() const {
+  const QTreeWidgetItem* const group = CurrentGroup();
+  return group == nullptr ? QString() : group->text(0);
+}
+
+bool ResultsPanel::IsGroupOpen() const {
+  return CurrentGroup() == group_;
+}
+
+std::vector<ShownResult> ResultsPanel::ShownGroup() const {
+  std::vector<ShownResult> shown;
+  const QTreeWidgetItem* const group = CurrentGroup();
+  for (const auto& one : results_) {
+    if (one == nullptr || one->item->parent() != group) continue;
+    ShownResult& result = shown.emplace_back(ShownResult{Utf8(one->item->text(0))});
+    if (one->table != nullptr) result.table = &one->table->Table();
+    if (one->graph != nullptr) result.graph = &one->graph->Content();
+  }
+  return shown;
+}
+
 QWidget* ResultsPanel::MakePage(const Result& result) {
   if (result.graph != nullptr) return MakePicture(result.graph);
   return WithTitle(MakeTable(result.table), result.table->Table());
@@ -224,8 +274,12 @@ void ResultsPanel::Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAna
   Result* const result = ResultOf(former);
   if (result == nullptr) return;
   const QString title = Shown(now->Content().title);
-  result->item->setText(0, title);
-  result->item->setToolTip(0, title);
+  if (result->item->data(0, kTitleRole).toString() != title) {
+    const QString shown = Distinct(title, TitlesIn(*result->item->parent()));
+    result->item->setText(0, shown);
+    result->item->setToolTip(0, shown);
+    result->item->setData(0, kTitleRole, title);
+  }
   result->graph = std::move(now);
   if (auto* picture = static_cast<PictureView*>(result->page)) picture->Show(result->graph);
 }
@@ -235,7 +289,7 @@ void ResultsPanel::ReplaceTable(const QTreeWidgetItem& group,
   const QString title = TitleOf(table->Table());
   for (const auto& one : results_) {
     if (one == nullptr || one->table == nullptr || one->item->parent() != &group ||
-        one->item->text(0) != title)
+        one->item->data(0, kTitleRole).toString() != title)
       continue;
     one->table = table;
     // The page is made again when it is looked at.
@@ -274,6 +328,7 @@ void ResultsPanel::ShowCurrent() {
 void ResultsPanel::UpdateActions() {
   const Result* result = CurrentResult();
   for (QAction* action : tools_->actions()) action->setEnabled(result != nullptr);
+  report_->setEnabled(Count() > 0);
   keep_->setEnabled(result != nullptr && result->table != nullptr);
   for (QAction* action : zooms_) action->setEnabled(result != nullptr && result->graph != nullptr);
 }

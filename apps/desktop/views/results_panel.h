@@ -10,6 +10,7 @@
 #include "apps/desktop/base/limit_mover.h"
 #include "host/analysis/analysis_graph_doc.h"
 #include "host/analysis/analysis_table_doc.h"
+#include "host/jobs/reports/shown_report.h"
 
 class QStackedWidget;
 class QToolBar;
@@ -27,7 +28,7 @@ class ResultsPanel : public QWidget {
   explicit ResultsPanel(QWidget* parent = nullptr);
   ~ResultsPanel() override;
 
-  // What comes from now on stands below this title.
+  // What comes from now on stands below this title, with a number where a group has it already.
   void BeginGroup(const QString& title);
   // The page that came last is shown; of those that come between the two calls, the first.
   void BeginSeries();
@@ -35,6 +36,11 @@ class ResultsPanel : public QWidget {
   void Add(std::shared_ptr<CAnalysisTableDoc> table);
   void Add(std::shared_ptr<CAnalysisGraphDoc> graph);
   int Count() const;
+  // What stands in the group of the result that is looked at, or in the last one.
+  QString GroupTitle() const;
+  std::vector<ShownResult> ShownGroup() const;
+  // Whether that is the group to which results still come.
+  bool IsGroupOpen() const;
   // Another graph takes the place of one; nothing happens where that was removed.
   void Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAnalysisGraphDoc> now);
   // Shows tables again whose analysis has filled them anew.
@@ -72,12 +78,14 @@ class ResultsPanel : public QWidget {
   QWidget* MakePage(const Result& result);
   PictureView* MakePicture(const std::shared_ptr<CAnalysisGraphDoc>& graph);
   Result* CurrentResult() const;
+  QTreeWidgetItem* CurrentGroup() const;
   void UpdateActions();
 
   QTreeWidget* tree_;
   QStackedWidget* pages_;
   QToolBar* tools_;
   QAction* keep_;
+  QAction* report_;
   QList<QAction*> zooms_;
   QTreeWidgetItem* group_ = nullptr;
   bool isSeries_ = false;

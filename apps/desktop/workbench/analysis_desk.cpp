@@ -82,10 +82,17 @@ class AnalysisDesk::Running : public DocumentSink {
   AnalysisRun& Run() { return run_; }
   Document& Subject() { return *document_; }
 
+  // Results of another step stand together, from its first one on.
+  void BeginStep(Task task) { step_ = TitleOf(task, *document_, *sheet_); }
+  void BeginGroup() {
+    if (!step_.isEmpty()) emit desk_.begun(std::exchange(step_, {}));
+  }
+
   // The matrix that goes with saved distributions becomes a sheet of the project, as everywhere; others are shown.
   void TakeDocument(std::shared_ptr<CAnalysisTableDoc> document) override {
     if (isQuiet_) return;
     ++shown_;
+    BeginGroup();
     if (!isSeries_) desk_.recording_.Shown(run_.Analysis(), repeated_++, document);
     const Spreadsheet& table = document->Table();
     if (!IsMatrixSheet(table)) {
@@ -103,6 +110,7 @@ class AnalysisDesk::Running : public DocumentSink {
   void TakeGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override {
     if (isQuiet_) return;
     ++shown_;
+    BeginGroup();
     if (!isSeries_) ++repeated_;
     emit desk_.graphShown(std::move(graph));
   }
@@ -256,7 +264,13 @@ class AnalysisDesk::Running : public DocumentSink {
     pressed_ = number;
     shownBefore_ = shown_;
     simulates_ = IsOpen(kProfiler) && number == kControlOk;
-    if (number == kControlOk) ReadJob();
+    if (number == kControlOk) {
+      ReadJob();
+      for (const auto& [dialog, task] : {std::pair(kFit, Task::kFit), std::pair(kSimulation, Task::kSimulate),
+                                         std::pair(kProfiler, Task::kProfile)}) {
+        if (IsOpen(dialog)) BeginStep(task);
+      }
+    }
     if (!IsOpen(kDesign) || (number != kControlOk && number != kDesignSave)) return;
     try {
       desk_.engine_.Run([this] { run_.Analysis().GetDialgInterface()->Get("CorrelationMatrix"); });
@@ -293,6 +307,7 @@ class AnalysisDesk::Running : public DocumentSink {
   Spreadsheet* sheet_ = nullptr;
   Shape shape_;
   std::shared_ptr<CAnalysisTableDoc> output_;  // the simulated data that are shown last
+  QString step_;                               // the title of the group that the next result begins
   int shown_ = 0;                              // documents and graphs
   int shownBefore_ = 0;
   std::int32_t pressed_ = 0;  // the button whose work is under way
@@ -321,7 +336,7 @@ void AnalysisDesk::Start(Task task, Document& document, Spreadsheet& sheet) {
       &running.Run(), &AnalysisRun::ended, this, [this, ended = &running] { End(ended); },
       Qt::QueuedConnection);
   engine_.Run([&] { recording_.Began(document, sheet, running.Run().Analysis()); });
-  emit begun(TitleOf(task, document, sheet));
+  running.BeginStep(task);
   running.Run().Begin(static_cast<int>(task));
   running.AskForVariables();
 }

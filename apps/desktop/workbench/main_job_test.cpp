@@ -144,6 +144,16 @@ TEST_F(MainJob, FitsSavedInTheWindowAreTheBytesOfTheCommandAndOfTheRecordedMacro
   EXPECT_FALSE(window.CurrentDocument()->IsModified());
   CompareReport();
   EndDialogs();
+  // Without the dialog, the report is of what is shown.
+  const Hand save("QFileDialog", [&](QWidget& asked) {
+    auto& edit = Child<QLineEdit>(asked, "fileNameEdit");
+    edit.setText(ShownPath(File("shown.html")));
+    QTest::keyClick(&edit, Qt::Key_Return);
+  });
+  window.ExportReport();
+  const std::string page = BytesOf(File("shown.html"));
+  for (const char* const part : {"Fits of faithful.csv", "Summary statistics", "272", "<svg"})
+    EXPECT_NE(page.find(part), std::string::npos) << part;
 
   CompareReplays("window.bvw", std::nullopt);
 }

@@ -57,12 +57,10 @@ QAction* MainWindow::AddGridAction(QMenu& menu, const QString& text, void (Sheet
 
 void MainWindow::MakeEditMenu() {
   QMenu& menu = *menuBar()->addMenu(tr("&Edit"));
-  QAction* undo = history_.createUndoAction(this, tr("&Undo"));
-  QAction* redo = history_.createRedoAction(this, tr("&Redo"));
-  undo->setShortcut(QKeySequence::Undo);
-  redo->setShortcut(QKeySequence::Redo);
-  menu.addAction(undo);
-  menu.addAction(redo);
+  undo_ = menu.addAction(tr("&Undo"), QKeySequence::Undo, this, [this] { GoBack(true); });
+  redo_ = menu.addAction(tr("&Redo"), QKeySequence::Redo, this, [this] { GoBack(false); });
+  connect(&history_, &QUndoGroup::indexChanged, this, &MainWindow::ShowHistory);
+  connect(&history_, &QUndoGroup::activeStackChanged, this, &MainWindow::ShowHistory);
   menu.addSeparator();
   AddGridAction(menu, tr("Cu&t"), &SheetView::Cut);
   AddGridAction(menu, tr("&Copy"), &SheetView::Copy);

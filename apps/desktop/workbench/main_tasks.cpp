@@ -15,6 +15,7 @@
 #include "host/jobs/base/report_target.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
+#include "host/jobs/reports/shown_report.h"
 #include "host/reporting/report_file.h"
 
 namespace brenvolt::desktop {
@@ -81,10 +82,8 @@ void MainWindow::ExportSheet() {
 }
 
 void MainWindow::ExportReport() {
-  if (!desk_->HasReport())
-    return Warn(tr(
-        "A report is made of the results that a dialog shows. Begin a task, and leave its dialog of results "
-        "open."));
+  if (results_->Count() == 0)
+    return Warn(tr("There are no results yet. Begin one of the tasks of the menu \"Analyse\"."));
   QString chosen;
   QString name = QFileDialog::getSaveFileName(this, tr("Export report"), QStringLiteral("report.pdf"),
                                               tr("PDF (*.pdf);;HTML (*.html);;Markdown (*.md)"), &chosen);
@@ -100,7 +99,10 @@ void MainWindow::WriteReportTo(const std::filesystem::path& file) {
     CheckReport(file, faults);
     RequireNone(std::move(faults));
     const WaitCursor wait;
-    WriteReport(desk_->MakeReport(file), file);
+    const bool isOfDialog = desk_->HasReport() && results_->IsGroupOpen();
+    WriteReport(isOfDialog ? desk_->MakeReport(file)
+                           : ShownReport(Utf8(results_->GroupTitle()), results_->ShownGroup()),
+                file);
     Say(tr("The report is in %1.").arg(ShownPath(file)));
   } catch (const Error& error) {
     Warn(Explained(error));

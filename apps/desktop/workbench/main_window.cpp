@@ -86,7 +86,7 @@ void MainWindow::MakeParts() {
   results_ = new ResultsPanel;
   splitter_->addWidget(tabs_);
   splitter_->addWidget(results_);
-  splitter_->setSizes({kWidth / 2, kWidth / 2});
+  splitter_->setSizes({kWidth * 2 / 5, kWidth * 3 / 5});
   results_->hide();
   splitter_->setChildrenCollapsible(true);
   pages_->addWidget(start_);
@@ -471,15 +471,29 @@ void MainWindow::ShowState() {
     tabs_->setTabText(i, one.IsModified() ? one.Title() + QStringLiteral(" *") : one.Title());
     tabs_->setTabToolTip(i, one.File().empty() ? tr("Not saved yet") : ShownPath(one.File()));
   }
-  history_.setActiveStack(document == nullptr || document->IsBusy() || document->IsObserved()
-                              ? nullptr
-                              : &const_cast<Document*>(document)->History());
+  history_.setActiveStack(document == nullptr ? nullptr : &const_cast<Document*>(document)->History());
   setWindowModified(document != nullptr && document->IsModified());
   setWindowTitle(document == nullptr ? QStringLiteral("Brenvolt")
                                      : tr("%1[*] – Brenvolt").arg(document->Title()));
   for (QAction* action : documentActions_) action->setEnabled(document != nullptr);
   const bool hasGrid = CurrentView() != nullptr && CurrentView()->CurrentGrid() != nullptr;
   for (QAction* action : gridActions_) action->setEnabled(hasGrid);
+}
+
+void MainWindow::ShowHistory() {
+  undo_->setEnabled(history_.canUndo());
+  redo_->setEnabled(history_.canRedo());
+  undo_->setText(history_.canUndo() ? tr("&Undo %1").arg(history_.undoText()) : tr("&Undo"));
+  redo_->setText(history_.canRedo() ? tr("&Redo %1").arg(history_.redoText()) : tr("&Redo"));
+}
+
+void MainWindow::GoBack(bool undo) {
+  if (CurrentDocument() == nullptr) return;
+  try {
+    undo ? CurrentDocument()->Undo() : CurrentDocument()->Redo();
+  } catch (const Error& error) {
+    Say(Explained(error));
+  }
 }
 
 void MainWindow::ShowStartPage() {

@@ -67,7 +67,8 @@ class MainWindow : public QMainWindow {
   bool SaveAs();
   // Closes the current document; asks before unsaved edits are lost. False if the person cancelled.
   bool CloseDocument();
-  // Asks for the file of a report of the results that an open dialog shows.
+  // Asks for the file of a report of the results that are looked at: the job's own while the dialog that made them is open,
+  // else of their tables and pictures.
   void ExportReport();
 
  signals:
@@ -116,6 +117,8 @@ class MainWindow : public QMainWindow {
   void Watch(const Document& document);
   void LookAtFile(const QString& file);
   void ShowState();
+  void ShowHistory();
+  void GoBack(bool undo);
   void ShowStartPage();
   void ShowCurrent();
   void Say(const QString& text);
@@ -129,6 +132,8 @@ class MainWindow : public QMainWindow {
   std::vector<std::unique_ptr<Document>> documents_;
   std::unique_ptr<AnalysisDesk> desk_;  // its analyses look at the documents
   QUndoGroup history_;
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
   QFileSystemWatcher watcher_;
 
   StartPage* start_ = nullptr;

@@ -14,6 +14,7 @@
 #include "apps/desktop/workbench/bench_support_test.h"
 #include "apps/desktop/workbench/document_view.h"
 #include "apps/desktop/workbench/main_window.h"
+#include "host/base/error.h"
 
 namespace brenvolt::desktop::test {
 namespace {
@@ -57,8 +58,9 @@ TEST_F(Tasks, ADesignWithoutDataIsSimulatedFromTheStartPage) {
   Click(kControlOk);
   ASSERT_EQ(Dialog(), 25988);
   const QStringList results = Results();
-  // The matrix, the data, their summary and a picture of each variable.
-  EXPECT_EQ(results.size(), 6) << Utf8(results.join(u'\n'));
+  // The design with its matrix; the simulation with the data, their summary and a picture of each variable.
+  EXPECT_EQ(results.size(), 7) << Utf8(results.join(u'\n'));
+  EXPECT_EQ(QSet<QString>(results.begin(), results.end()).size(), 7) << Utf8(results.join(u'\n'));
 
   QTest::keyClick(window.Desk().Window(), Qt::Key_Escape);
   EXPECT_EQ(Dialog(), 25991);
@@ -118,6 +120,16 @@ TEST_F(Tasks, WhatAnAnalysisSavesCanBeUndoneAndIsPaintedByTheThreadThatChangesIt
       Qt::DirectConnection);
   Click(1104);
   QObject::disconnect(changed);
+  // Cells are typed and taken back meanwhile; what would take a sheet from under the dialog is refused.
+  Document& document = *window.CurrentDocument();
+  const QAbstractItemModel& cells = *window.CurrentView()->CurrentGrid()->model();
+  const QVariant before = cells.index(0, 1).data();
+  window.CurrentView()->CurrentGrid()->model()->setData(cells.index(0, 1), QStringLiteral("77"));
+  EXPECT_NE(cells.index(0, 1).data(), before);
+  document.Undo();
+  EXPECT_EQ(cells.index(0, 1).data(), before);
+  EXPECT_THROW(document.Undo(), Error);
+  EXPECT_EQ(document.Content().SheetCount(), 2U);
   ASSERT_FALSE(threads.empty());
   for (Qt::HANDLE thread : threads) EXPECT_EQ(thread, QThread::currentThreadId());
   const Workbook& content = window.CurrentDocument()->Content();
