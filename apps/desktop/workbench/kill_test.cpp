@@ -103,7 +103,12 @@ struct KilledWindow : test::WithToolkit, testing::TestWithParam<const char*> {
     return asked != nullptr ? std::atoi(asked) : kUsual;
   }
   bool WaitFor(const char* name) {
-    return QTest::qWaitFor([&] { return std::filesystem::exists(folder / name); }, 20'000);
+    const auto isThere = [&] {
+      std::error_code none;
+      const auto size = std::filesystem::file_size(folder / name, none);
+      return !none && size > 0;  // a file that is being made is empty
+    };
+    return QTest::qWaitFor(isThere, 20'000);
   }
 
   void KillAfter(int milliseconds) {
