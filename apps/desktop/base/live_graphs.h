@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
 #include <vector>
 
 #include "apps/desktop/base/limit_mover.h"
@@ -21,6 +22,12 @@ class LiveGraphs : public QObject, public LimitMover {
   void Add(LimitMover& analysis) { analyses_.push_back(&analysis); }
   void Remove(LimitMover& analysis) { std::erase(analyses_, &analysis); }
 
+  // The picture that a person looks at; null if it is none.
+  void LookAt(const std::shared_ptr<CAnalysisGraphDoc>& graph) { lookedAt_ = graph; }
+  bool IsLookedAt(const std::shared_ptr<CAnalysisGraphDoc>& graph) const {
+    return graph != nullptr && lookedAt_.lock() == graph;
+  }
+
   bool CanMove(const CAnalysisGraphDoc& graph, const PictureLimit& limit) override;
   MovedLimit Move(const CAnalysisGraphDoc& graph, const PictureLimit& limit, double value,
                   bool isLast) override;
@@ -33,6 +40,7 @@ class LiveGraphs : public QObject, public LimitMover {
   LimitMover* MoverOf(const CAnalysisGraphDoc& graph, const PictureLimit& limit) const;
 
   std::vector<LimitMover*> analyses_;
+  std::weak_ptr<CAnalysisGraphDoc> lookedAt_;
 };
 
 }  // namespace brenvolt::desktop

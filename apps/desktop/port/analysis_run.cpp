@@ -156,14 +156,18 @@ WindowInterface::Handed AnalysisRun::PressQuietly(std::int32_t button) {
   });
 }
 
-// The picture that was made last shows what is chosen now.
+// The picture that is looked at shows what is chosen now, and otherwise the one that was made last.
 void AnalysisRun::FollowChoice() {
   if (made_.empty() || engine_.IsBusy() || !isOpen_ || !isOpen_()) return;
+  const auto looked = std::ranges::find_if(
+      made_, [](const MadeGraph& one) { return LiveGraphs::All().IsLookedAt(one.graph); });
+  const MadeGraph wanted = looked != made_.end() ? *looked : made_.back();
   WindowInterface::Handed shown;
-  engine_.Run([&] { shown = PressQuietly(made_.back().button); });
-  if (made_.empty() || shown.graphs.size() != 1 || !shown.tables.empty()) return;
-  const auto former = std::exchange(made_.back().graph, shown.graphs.front());
-  emit LiveGraphs::All().replaced(former, shown.graphs.front());
+  engine_.Run([&] { shown = PressQuietly(wanted.button); });
+  MadeGraph* const made = MadeOf(*wanted.graph);
+  if (made == nullptr || shown.graphs.size() != 1 || !shown.tables.empty()) return;
+  made->graph = shown.graphs.front();
+  emit LiveGraphs::All().replaced(wanted.graph, shown.graphs.front());
 }
 
 bool AnalysisRun::CanMove(const CAnalysisGraphDoc& graph, const PictureLimit& limit) {

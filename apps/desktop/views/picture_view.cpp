@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPixmap>
 #include <QPointer>
+#include <QScrollBar>
 #include <QSvgRenderer>
 #include <QToolTip>
 #include <QWheelEvent>
@@ -27,6 +28,12 @@ constexpr double kLeastZoom = 0.125;
 constexpr double kMostPixels = 4e7;
 // Wider pictures are not easier to read; they are enlarged instead.
 constexpr int kWidest = 1400;
+
+// The number of so many decimal digits, which a product with 0.1 would miss.
+double RoundedTo(int exponent, double value) {
+  const double scale = std::pow(10, std::abs(exponent));
+  return exponent < 0 ? std::round(value * scale) / scale : std::round(value / scale) * scale;
+}
 
 }  // namespace
 
@@ -52,7 +59,9 @@ PictureTheme PictureView::Theme() const {
 
 // Panels side by side need the room that they need.
 int PictureView::WantedWidth() const {
-  return Content().panels.empty() ? std::clamp(viewport()->width(), kLeastPictureWidth, kWidest) : 0;
+  // A bar that comes with a tall picture must not make it another picture, without which it would go again.
+  const int room = maximumViewportSize().width() - verticalScrollBar()->sizeHint().width();
+  return Content().panels.empty() ? std::clamp(room, kLeastPictureWidth, kWidest) : 0;
 }
 
 void PictureView::Draw() {
@@ -79,7 +88,7 @@ void PictureView::Show(std::shared_ptr<const CAnalysisGraphDoc> graph) {
 
 void PictureView::ShowDrawn() {
   if (drawn_ == nullptr) return;
-  const QSizeF size = QSizeF(drawn_->defaultSize()) * zoom_;
+  const QSizeF size = DrawnSize() * zoom_;
   const double ratio = devicePixelRatioF();
   QPixmap pixmap((size * ratio).toSize());
   pixmap.setDevicePixelRatio(ratio);
@@ -94,7 +103,7 @@ void PictureView::ShowDrawn() {
 
 void PictureView::SetZoom(double zoom) {
   if (drawn_ == nullptr) return;
-  const QSizeF size = QSizeF(drawn_->defaultSize()) * devicePixelRatioF();
+  const QSizeF size = DrawnSize() * devicePixelRatioF();
   zoom_ = std::clamp(zoom, kLeastZoom, std::sqrt(kMostPixels / (size.width() * size.height())));
   ShowDrawn();
 }
@@ -108,7 +117,7 @@ void PictureView::ZoomOut() {
 }
 
 void PictureView::ZoomToFit() {
-  if (drawn_ != nullptr) SetZoom(static_cast<double>(viewport()->width()) / drawn_->defaultSize().width());
+  if (drawn_ != nullptr) SetZoom(viewport()->width() / DrawnSize().width());
 }
 
 void PictureView::Copy() {
@@ -125,10 +134,13 @@ void PictureView::Save(const std::filesystem::path& file) const {
   WritePlot(plot, Content().title, {SinglePage(Content().title, Content())});
 }
 
+// The renderer's own size follows the millimetres in the file, at another resolution than that of screens.
+QSizeF PictureView::DrawnSize() const {
+  return drawn_->viewBoxF().size();
+}
+
 double PictureView::Scale() const {
-  return drawn_ == nullptr || drawn_->defaultSize().width() == 0
-             ? 1
-             : static_cast<double>(label_->width()) / drawn_->defaultSize().width();
+  return drawn_ == nullptr || DrawnSize().isEmpty() ? 1 : label_->width() / DrawnSize().width();
 }
 
 std::vector<PictureFrame> PictureView::Frames() const {
@@ -195,9 +207,8 @@ void PictureView::DragTo(QPointF place) {
     if (frame.panel != dragged_->panel) continue;
     const double pixel = std::clamp(place.x(), frame.x.fromPixel, frame.x.toPixel);
     // As precise as the picture is.
-    const double step = std::pow(
-        10, std::floor(std::log10((frame.x.to - frame.x.from) / (frame.x.toPixel - frame.x.fromPixel))));
-    wanted_ = std::round(frame.x.ValueAt(pixel) / step) * step;
+    const double perPixel = (frame.x.to - frame.x.from) / (frame.x.toPixel - frame.x.fromPixel);
+    wanted_ = RoundedTo(static_cast<int>(std::floor(std::log10(perPixel))), frame.x.ValueAt(pixel));
     hasMoved_ = true;
     if (!isMoving_) moves_.start(0);
   }

@@ -63,6 +63,8 @@ class PictureView : public QScrollArea {
   void Draw();
   void ShowDrawn();
 
+  // In pixels, as the picture was drawn.
+  QSizeF DrawnSize() const;
   double Scale() const;
   void PointAt(QPointF place);
   void Grab(QPointF place);

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QImage>
 #include <QLabel>
+#include <QLocale>
 #include <QTest>
 #include <QToolTip>
+#include <algorithm>
 #include <cmath>
 
 #include "apps/desktop/base/text.h"
@@ -121,6 +124,58 @@ TEST_F(PictureViewTest, PointingAtABarShowsItsValuesAlsoInAnEnlargedPicture) {
     view->ZoomIn();
   }
   EXPECT_TRUE(mover.values.empty());
+}
+
+// Where two pictures differ by a vertical line that was moved, the columns of pixels in which most of them differ are those
+// of its two places.
+int MostDifferent(const QImage& a, const QImage& b, int from, int to) {
+  int best = from;
+  int most = 0;
+  for (int x = from; x < to; ++x) {
+    int count = 0;
+    for (int y = 0; y < a.height(); ++y) count += a.pixel(x, y) != b.pixel(x, y);
+    if (count > most) best = x;
+    most = std::max(most, count);
+  }
+  return best;
+}
+
+TEST_F(PictureViewTest, APlaceThatIsPointedAtIsWhereThePixelsShowIt) {
+  for (const int width : {500, 700, 1200}) {
+    view->resize(width, 600);
+    QCoreApplication::processEvents();
+    for (int step = 0; step < 2; ++step) {
+      view->Show(std::make_shared<CAnalysisGraphDoc>(Histogram()));
+      const QImage right = Picture().grab().toImage();
+      Graph moved = Histogram();
+      moved.series.front().x = {5, 5};
+      view->Show(std::make_shared<CAnalysisGraphDoc>(moved));
+      const QImage left = Picture().grab().toImage();
+      ASSERT_EQ(left.size(), right.size());
+      const double ratio = right.devicePixelRatio();
+      const PictureAxis axis = view->Frames().at(0).x;
+      const auto middle = static_cast<int>(ratio * axis.PixelOf(15));
+      EXPECT_NEAR(MostDifferent(left, right, 0, middle), ratio * axis.PixelOf(5), 2 * ratio) << width;
+      EXPECT_NEAR(MostDifferent(left, right, middle, right.width()), ratio * axis.PixelOf(25), 2 * ratio)
+          << width;
+      view->ZoomIn();
+    }
+    view->ZoomToFit();
+  }
+}
+
+TEST_F(PictureViewTest, ALimitIsDraggedToNumbersAsShortAsThePictureIsPrecise) {
+  double x = 25;
+  for (const double to : {7.03, 11.1, 14.29, 17.9, 19.77, 23.3}) {
+    QTest::mousePress(&Picture(), Qt::LeftButton, {}, PlaceOf(x, 3));
+    QTest::mouseMove(&Picture(), PlaceOf(to, 3));
+    QTest::mouseRelease(&Picture(), Qt::LeftButton, {}, PlaceOf(to, 3));
+    QCoreApplication::processEvents();
+    x = mover.values.back();
+    EXPECT_NEAR(x, to, 0.2);
+  }
+  for (const double value : mover.values)
+    EXPECT_LE(QString::number(value, 'g', QLocale::FloatingPointShortest).size(), 5) << value;
 }
 
 TEST_F(PictureViewTest, ALimitFollowsTheMouseAndIsMovedForGoodOnce) {

@@ -280,6 +280,7 @@ void ResultsPanel::Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAna
     result->item->setToolTip(0, shown);
     result->item->setData(0, kTitleRole, title);
   }
+  if (result == CurrentResult()) LiveGraphs::All().LookAt(now);
   result->graph = std::move(now);
   if (auto* picture = static_cast<PictureView*>(result->page)) picture->Show(result->graph);
 }
@@ -311,6 +312,7 @@ void ResultsPanel::Follow(const CAnalysisGraphDoc& former, const MovedLimit& mov
 void ResultsPanel::ShowCurrent() {
   Result* result = CurrentResult();
   UpdateActions();
+  LiveGraphs::All().LookAt(result != nullptr ? result->graph : nullptr);
   if (result == nullptr) return pages_->setCurrentIndex(0);
   if (result->page == nullptr) {
     result->page = MakePage(*result);

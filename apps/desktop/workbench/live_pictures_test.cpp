@@ -60,6 +60,33 @@ TEST(LivePictures, ARowOfTheRankingChangesTheCurveAtOnce) {
   EXPECT_EQ(live.desk.sink.graphs.size(), handed + 1);
 }
 
+TEST(LivePictures, ARowOfTheRankingChangesThePictureThatIsLookedAt) {
+  if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
+  LiveDesk live("faithful.csv");
+  live.desk.Click(kControlOk);
+  const Hand choose("variables", [](QWidget& window) {
+    Child<QTableView>(window, "table").selectAll();
+    Desk::ClickOn(Child<QPushButton>(window, "into1"));
+    PressButton(window, QDialogButtonBox::AcceptRole);
+  });
+  live.desk.Click(1010);
+  live.desk.Click(kControlOk);
+  live.Show(1108);
+  QTreeWidgetItem* const first = live.results.Tree().currentItem();
+  live.Show(1109);
+  QTreeWidgetItem* const second = live.results.Tree().currentItem();
+  live.results.Tree().setCurrentItem(first);
+  const auto drawn = [&](QTreeWidgetItem* item) {
+    live.results.Tree().setCurrentItem(item);
+    return qobject_cast<PictureView*>(live.results.Page())->grab().toImage();
+  };
+  const QImage other = drawn(second);
+  const QImage before = drawn(first);
+  live.desk.ClickRow(1101, 1);
+  EXPECT_NE(drawn(first), before);
+  EXPECT_EQ(drawn(second), other);
+}
+
 TEST(LivePictures, ALimitThatIsDraggedIsASettingOfTheDialogAndTheRatesFollow) {
   if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
   LiveDesk live("ozone.csv");
