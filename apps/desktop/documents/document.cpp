@@ -34,9 +34,11 @@ class EditCommand : public QUndoCommand {
   void Exchange() {
     try {
       edits_ = document_.Carry(std::move(edits_));
-    } catch (const Error&) {
+    } catch (const Error& error) {
       // The sheet was changed without the history, which then no longer fits.
       setObsolete(true);
+      emit document_.stepLost(
+          Document::tr("“%1” can no longer be undone or done again: %2").arg(text(), Shown(error.what())));
     }
   }
 
@@ -169,8 +171,12 @@ Document::Recovered Document::Recover(const std::filesystem::path& journals, Lef
     recovered.fitsFile = false;
   }
   document.isUnsaved_ = true;
-  // Only now are all edits in the new journal.
-  if (!document.isJournalBroken_ && recovered.fitsFile) left.Remove();
+  // Only now are all edits in the new journal. Until they are saved, one of which not all were made stays.
+  if (!document.isJournalBroken_ && recovered.fitsFile) {
+    left.Remove();
+  } else {
+    document.recoveredFrom_ = left.Path();
+  }
   return recovered;
 }
 
@@ -258,6 +264,10 @@ void Document::Save(const std::filesystem::path& file) {
   }
   journal_.reset();
   isJournalBroken_ = false;
+  if (!recoveredFrom_.empty()) {
+    if (const auto left = LeftJournal::Take(recoveredFrom_)) left->Remove();
+    recoveredFrom_.clear();
+  }
   data_.path = target;
   data_.isProject = true;
   decimalComma_ = false;

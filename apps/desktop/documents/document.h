@@ -87,6 +87,8 @@ class Document : public QObject {
   void stateChanged();
   // From now on to the next save, a crash would lose edits.
   void journalFailed(const QString& why);
+  // A step of the history no longer fits, and is gone from it.
+  void stepLost(const QString& why);
 
  private:
   friend class EditCommand;
@@ -117,6 +119,7 @@ class Document : public QObject {
   FileState state_;
   QUndoStack history_;
   std::unique_ptr<Journal> journal_;
+  std::filesystem::path recoveredFrom_;  // a journal that stays until all is saved
   bool isJournalBroken_ = false;
   bool isUnsaved_ = false;  // beyond what the history says
   bool isBusy_ = false;

@@ -85,11 +85,13 @@ TEST_F(DocumentTest, EveryEditIsUndoneDoneAgainAndRecovered) {
     document->Do(what, std::move(edits));
     states.push_back(Saved(*document));
     EXPECT_TRUE(document->IsModified());
-    // Labels stay when their edit is undone, so that only two neighbours need to differ.
     EXPECT_NE(states.back(), states[states.size() - 2]);
   }
   const std::string last = states.back();
-  while (document->History().canUndo()) document->History().undo();
+  for (std::size_t step = states.size() - 1; document->History().canUndo(); --step) {
+    document->History().undo();
+    EXPECT_EQ(Saved(*document), states[step - 1]) << step;
+  }
   EXPECT_FALSE(document->IsModified());
   EXPECT_EQ(ValuesOf(*document, 1).size(), 10U);
   while (document->History().canRedo()) document->History().redo();
@@ -340,6 +342,58 @@ TEST_F(DocumentTest, JournalsThatDoNotFitAreSaidToAndDamagedOnesEndEarly) {
   EXPECT_FALSE(recovered.fitsFile);
   EXPECT_EQ(recovered.edits, 1U);
   EXPECT_TRUE(std::filesystem::exists(copy));  // what could not be done is not thrown away
+}
+
+// Once the person has saved what could be made, it is not offered again.
+TEST_F(DocumentTest, EditsThatWereRecoveredOverAnotherFileAreGoneOnceTheyAreSaved) {
+  const auto file = folder / "a.bvw";
+  const auto copy = Journals() / "copy.journal";
+  NewDocument()->Save(file);
+  {
+    auto document = Document::Open(Journals(), file);
+    document->Do("Edit", Cell(0, 0, 1));
+    for (const auto& entry : std::filesystem::directory_iterator(Journals())) {
+      if (entry.path().extension() == ".journal") std::filesystem::copy_file(entry.path(), folder / "bytes");
+    }
+  }
+  std::filesystem::rename(folder / "bytes", copy);
+  Workbook other = Workbook::Open(file);
+  other.SheetAt(0).SetTitle("By another program");
+  other.Save(file);
+  auto left = LeftJournals(Journals());
+  ASSERT_EQ(left.size(), 1U);
+  const auto recovered = Document::Recover(Journals(), *left[0]);
+  left.clear();
+  EXPECT_FALSE(recovered.fitsFile);
+  EXPECT_TRUE(std::filesystem::exists(copy));
+  recovered.document->Save(file);
+  EXPECT_EQ(LeftJournals(Journals()).size(), 0U);
+  EXPECT_TRUE(std::filesystem::is_empty(Journals()));
+}
+
+// Their version stands behind the four bytes that tell what the file is.
+TEST_F(DocumentTest, JournalsOfAnotherVersionAreKeptAndTold) {
+  std::filesystem::create_directories(Journals());
+  const auto newer = Journals() / "newer.journal";
+  const std::string bytes = std::string("BRVJ\0\0\0\7", 8) + " of which nothing else is known";
+  WriteBytes(newer, bytes);
+  WriteBytes(Journals() / "cut.journal", "BRVJ");
+  EXPECT_TRUE(LeftJournals(Journals()).empty());
+  EXPECT_EQ(JournalsOfOtherVersions(Journals()), std::vector<std::filesystem::path>{newer});
+  EXPECT_EQ(BytesOf(newer), bytes);
+  EXPECT_FALSE(std::filesystem::exists(Journals() / "cut.journal"));
+}
+
+TEST_F(DocumentTest, AStepThatCanNoLongerBeUndoneIsTold) {
+  auto document = NewDocument();
+  QStringList told;
+  QObject::connect(document.get(), &Document::stepLost, [&](const QString& why) { told << why; });
+  document->Do("Typing", Cell(2, 9, 1));
+  RemoveVariables(document->Content().SheetAt(0), 2, 1);
+  document->History().undo();
+  ASSERT_EQ(told.size(), 1);
+  EXPECT_TRUE(told[0].contains("Typing")) << told[0].toStdString();
+  EXPECT_FALSE(document->History().canRedo());
 }
 
 }  // namespace

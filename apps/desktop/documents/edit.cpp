@@ -112,6 +112,15 @@ bool IsSameCode(double a, double b) {
          std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
 }
 
+// Labels only come to a variable, so that one without them takes its place.
+void DropLabels(Variable& variable) {
+  Variable bare(variable.Name(), 0);
+  bare.SetIdentifier(variable.Identifier());
+  bare.AssignValues({variable.Values().begin(), variable.Values().end()});
+  for (const auto& [key, text] : variable.Properties()) bare.SetProperty(key, text);
+  variable = std::move(bare);
+}
+
 }  // namespace
 
 VariableFacts FactsOf(const Variable& variable) {
@@ -119,6 +128,8 @@ VariableFacts FactsOf(const Variable& variable) {
 }
 
 void GiveFacts(const VariableFacts& facts, Variable& variable) {
+  const auto isKept = [&facts](const auto& label) { return facts.labels.contains(label.first); };
+  if (!std::ranges::all_of(variable.Labels(), isKept)) DropLabels(variable);
   variable.SetName(facts.name);
   variable.SetType(facts.type);
   variable.SetMissingCode(facts.missingCode);

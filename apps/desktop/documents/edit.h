@@ -24,7 +24,7 @@ struct VariableFacts {
   std::vector<std::pair<std::string, std::string>> properties;
 };
 VariableFacts FactsOf(const Variable& variable);
-// The values stay. So do labels that the facts do not have: nothing shows one whose code no value has.
+// The values stay.
 void GiveFacts(const VariableFacts& facts, Variable& variable);
 // NaN codes are equal.
 bool AreSame(const VariableFacts& a, const VariableFacts& b);

@@ -139,9 +139,26 @@ LeftJournal::LeftJournal(const std::filesystem::path& journal) : path_(journal),
 std::unique_ptr<LeftJournal> LeftJournal::Take(const std::filesystem::path& journal) {
   std::unique_ptr<LeftJournal> left(new LeftJournal(journal));
   if (!left->file_.open(QIODevice::ReadOnly) || !IsOwned(left->file_)) return nullptr;
+  if (left->IsOfOtherVersion()) return nullptr;
   if (left->ReadHeader() && left->SkipRecords() && !left->IsSaved()) return left;
   left->Remove();
   return nullptr;
+}
+
+// One that was cut short within its header has no edits, and no version.
+bool LeftJournal::IsOfOtherVersion() {
+  QDataStream stream(&file_);
+  quint32 magic = 0;
+  quint32 version = 0;
+  stream >> magic >> version;
+  const bool isWhole = stream.status() == QDataStream::Ok;
+  file_.seek(0);
+  return isWhole && magic == kMagic && version != kVersion;
+}
+
+bool LeftJournal::IsOfOtherVersion(const std::filesystem::path& journal) {
+  LeftJournal left(journal);
+  return left.file_.open(QIODevice::ReadOnly) && IsOwned(left.file_) && left.IsOfOtherVersion();
 }
 
 bool LeftJournal::ReadHeader() {
@@ -206,13 +223,30 @@ void LeftJournal::Remove() {
   RemoveOwned(file_);
 }
 
+namespace {
+
+// The one written to last first.
+std::vector<std::filesystem::path> JournalsIn(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> paths;
+  const QDir files(ShownPath(folder), QStringLiteral("*") + QLatin1String(kEnding), QDir::Time, QDir::Files);
+  for (const QString& name : files.entryList()) paths.push_back(PathOf(files.filePath(name)));
+  return paths;
+}
+
+}  // namespace
+
 std::vector<std::unique_ptr<LeftJournal>> LeftJournals(const std::filesystem::path& folder) {
   std::vector<std::unique_ptr<LeftJournal>> left;
-  const QDir files(ShownPath(folder), QStringLiteral("*") + QLatin1String(kEnding), QDir::Time, QDir::Files);
-  for (const QString& name : files.entryList()) {
-    if (auto journal = LeftJournal::Take(PathOf(files.filePath(name)))) left.push_back(std::move(journal));
+  for (const auto& path : JournalsIn(folder)) {
+    if (auto journal = LeftJournal::Take(path)) left.push_back(std::move(journal));
   }
   return left;
+}
+
+std::vector<std::filesystem::path> JournalsOfOtherVersions(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> others = JournalsIn(folder);
+  std::erase_if(others, [](const auto& path) { return !LeftJournal::IsOfOtherVersion(path); });
+  return others;
 }
 
 }  // namespace brenvolt::desktop

@@ -47,9 +47,12 @@ class Journal {
 // A journal that a process left, which is held as long as this lives: no other process takes it meanwhile.
 class LeftJournal {
  public:
-  // Nothing if the journal belongs to a process that runs, holds no edits, or all of it was saved; of the latter two
-  // nothing is left behind.
+  // Nothing if the journal belongs to a process that runs or to another version of the program, holds no edits, or all of
+  // it was saved; of the latter two nothing is left behind.
   static std::unique_ptr<LeftJournal> Take(const std::filesystem::path& journal);
+
+  // True for a journal that a process of another version left, which only that version can read.
+  static bool IsOfOtherVersion(const std::filesystem::path& journal);
 
   const JournalBase& Base() const { return base_; }
   std::size_t EditCount() const { return count_; }
@@ -64,6 +67,7 @@ class LeftJournal {
 
  private:
   explicit LeftJournal(const std::filesystem::path& journal);
+  bool IsOfOtherVersion();
   bool ReadHeader();
   bool SkipRecords();
   bool IsSaved() const;
@@ -78,5 +82,7 @@ class LeftJournal {
 
 // The journals in a folder that can be taken.
 std::vector<std::unique_ptr<LeftJournal>> LeftJournals(const std::filesystem::path& folder);
+// Those in it that wait for the version that wrote them.
+std::vector<std::filesystem::path> JournalsOfOtherVersions(const std::filesystem::path& folder);
 
 }  // namespace brenvolt::desktop

@@ -1,8 +1,6 @@
 #include "apps/desktop/views/results_panel.h"
 
 #include <QClipboard>
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QLabel>
@@ -16,6 +14,7 @@
 #include <utility>
 
 #include "apps/desktop/base/live_graphs.h"
+#include "apps/desktop/base/save_question.h"
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/views/picture_view.h"
 #include "apps/desktop/views/result_model.h"
@@ -31,6 +30,7 @@ struct ResultsPanel::Result {
   std::shared_ptr<CAnalysisGraphDoc> graph;
   QTreeWidgetItem* item = nullptr;
   QWidget* page = nullptr;
+  bool isSaved = false;  // in a file, a project or a report
 };
 
 namespace {
@@ -282,6 +282,7 @@ void ResultsPanel::Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAna
   }
   if (result == CurrentResult()) LiveGraphs::All().LookAt(now);
   result->graph = std::move(now);
+  result->isSaved = false;
   if (auto* picture = static_cast<PictureView*>(result->page)) picture->Show(result->graph);
 }
 
@@ -293,6 +294,7 @@ void ResultsPanel::ReplaceTable(const QTreeWidgetItem& group,
         one->item->data(0, kTitleRole).toString() != title)
       continue;
     one->table = table;
+    one->isSaved = false;
     // The page is made again when it is looked at.
     open_.removeOne(one->item);
     delete std::exchange(one->page, nullptr);
@@ -366,12 +368,8 @@ void ResultsPanel::Save() {
       result->table != nullptr
           ? tr("CSV (*.csv);;Project (*.bvw);;NumPy arrays (*.npz)")
           : tr("PNG picture (*.png);;SVG picture (*.svg);;PDF (*.pdf);;Data of the graph (*.json)");
-  QString chosen;
-  QString name =
-      QFileDialog::getSaveFileName(this, tr("Save result"), result->item->text(0), filter, &chosen);
+  const QString name = AskFileToSave(this, tr("Save result"), result->item->text(0), filter);
   if (name.isEmpty()) return;
-  if (QFileInfo(name).suffix().isEmpty())
-    name += chosen.section(QLatin1Char('*'), 1, 1).section(QLatin1Char(')'), 0, 0);
   try {
     SaveTo(PathOf(name));
     emit said(tr("Saved in %1").arg(name));
@@ -382,17 +380,38 @@ void ResultsPanel::Save() {
   }
 }
 
-void ResultsPanel::SaveTo(const std::filesystem::path& file) const {
-  const Result* result = CurrentResult();
+void ResultsPanel::SaveTo(const std::filesystem::path& file) {
+  Result* result = CurrentResult();
   if (result == nullptr) return;
   if (result->table != nullptr) {
     JobFaults faults;
     CheckDataTarget("file", file, faults);
     RequireNone(std::move(faults));
-    return SaveResultTable(*result->table, file);
+    SaveResultTable(*result->table, file);
+  } else if (file.extension() == ".json") {
+    SaveResultGraph(*result->graph, file);
+  } else {
+    static_cast<const PictureView*>(result->page)->Save(file);
   }
-  if (file.extension() == ".json") return SaveResultGraph(*result->graph, file);
-  static_cast<const PictureView*>(result->page)->Save(file);
+  result->isSaved = true;
+}
+
+int ResultsPanel::UnsavedCount() const {
+  return static_cast<int>(
+      std::ranges::count_if(results_, [](const auto& one) { return one != nullptr && !one->isSaved; }));
+}
+
+void ResultsPanel::SetReported() {
+  const QTreeWidgetItem* const group = CurrentGroup();
+  for (const auto& one : results_) {
+    if (one != nullptr && one->item->parent() == group) one->isSaved = true;
+  }
+}
+
+void ResultsPanel::SetKept(const CAnalysisTableDoc& table) {
+  for (const auto& one : results_) {
+    if (one != nullptr && one->table.get() == &table) one->isSaved = true;
+  }
 }
 
 void ResultsPanel::Remove() {

@@ -41,6 +41,11 @@ class ResultsPanel : public QWidget {
   std::vector<ShownResult> ShownGroup() const;
   // Whether that is the group to which results still come.
   bool IsGroupOpen() const;
+  // Of these, those that are in no file, no project and no report.
+  int UnsavedCount() const;
+  // A report has that group.
+  void SetReported();
+  void SetKept(const CAnalysisTableDoc& table);
   // Another graph takes the place of one; nothing happens where that was removed.
   void Replace(const CAnalysisGraphDoc& former, std::shared_ptr<CAnalysisGraphDoc> now);
   // Shows tables again whose analysis has filled them anew.
@@ -55,7 +60,7 @@ class ResultsPanel : public QWidget {
   void Save();
   void Remove();
   // Both throw Error and WrongJob.
-  void SaveTo(const std::filesystem::path& file) const;
+  void SaveTo(const std::filesystem::path& file);
 
  signals:
   // There is one more result.

@@ -85,18 +85,20 @@ void SheetView::CopyWithNames() {
   CopyArea(true);
 }
 
-void SheetView::CopyArea(bool withNames) {
+bool SheetView::CopyArea(bool withNames) {
   const auto area = SelectedArea();
-  if (!area) return emit refused(tr("Select a rectangle of cells first."));
-  if (area->rows * area->columns > kMostCopied)
-    return emit refused(tr("These are too many cells for the clipboard; export the sheet instead."));
+  if (!area || area->rows * area->columns > kMostCopied) {
+    emit refused(area ? tr("These are too many cells for the clipboard; export the sheet instead.")
+                      : tr("Select a rectangle of cells first."));
+    return false;
+  }
   QGuiApplication::clipboard()->setText(
       Shown(CopyText(model_->Sheet(), *area, withNames, UserNumberLocale())));
+  return true;
 }
 
 void SheetView::Cut() {
-  Copy();
-  Clear();
+  if (CopyArea(false)) Clear();
 }
 
 void SheetView::Paste() {

@@ -44,7 +44,8 @@ class SheetView : public QTableView {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
-  void CopyArea(bool withNames);
+  // False, and a refusal was said, where nothing was copied.
+  bool CopyArea(bool withNames);
   // Refuses what throws, and says why.
   bool Try(const QString& what, const std::function<Edits()>& edits);
   void FitColumns();

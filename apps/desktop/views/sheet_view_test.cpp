@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 
@@ -128,6 +129,18 @@ TEST_F(SheetViewTest, WhatIsCopiedIsPastedAnywhereAsItWas) {
   EXPECT_EQ(Sheet().CaseCount(), 3U);
   EXPECT_EQ(Sheet().VariableCount(), 3U);
   EXPECT_FALSE(document->IsModified());
+}
+
+TEST_F(SheetViewTest, WhatIsTooMuchForTheClipboardIsNotCut) {
+  constexpr std::size_t kCases = 2'000'001;
+  Spreadsheet sheet("Data", kCases, 1);
+  std::ranges::fill(sheet.VariableAt(0).MutableValues(), 7);
+  Open(std::move(sheet));
+  view->selectAll();
+  QTest::keyClick(view.get(), Qt::Key_X, Qt::ControlModifier);
+  ASSERT_EQ(refusals.size(), 1);
+  EXPECT_TRUE(refusals[0].contains(QLatin1String("too many cells")));
+  EXPECT_EQ(std::ranges::count(Sheet().VariableAt(0).Values(), 7), kCases);
 }
 
 TEST_F(SheetViewTest, APasteThatDoesNotFitChangesNothingAndSaysWhere) {

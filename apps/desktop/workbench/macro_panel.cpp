@@ -1,9 +1,9 @@
 #include "apps/desktop/workbench/macro_panel.h"
 
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QFontDatabase>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QRegularExpression>
 #include <QSaveFile>
@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
+#include "apps/desktop/base/save_question.h"
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/workbench/macro_process.h"
 #include "host/base/error.h"
@@ -100,15 +101,31 @@ void MacroPanel::Open(const std::filesystem::path& macro) {
   QFile file(ShownPath(macro));
   if (!file.open(QIODevice::ReadOnly))
     throw Error("the macro cannot be read: " + Utf8(file.errorString()), macro.string());
-  editor_->setPlainText(QString::fromUtf8(file.readAll()));
+  Replace(QString::fromUtf8(file.readAll()));
   editor_->document()->setModified(false);
   file_ = macro;
   UpdateTitle();
 }
 
+// The text that was there can be had again by undoing.
+void MacroPanel::Replace(const QString& text) {
+  QTextCursor all(editor_->document());
+  all.select(QTextCursor::Document);
+  all.insertText(text);
+  editor_->moveCursor(QTextCursor::Start);
+}
+
+bool MacroPanel::MayReplace() {
+  if (!IsModified() || Text().trimmed().isEmpty()) return true;
+  const auto answer = QMessageBox::question(this, QStringLiteral("Brenvolt"), tr("Save the macro?"),
+                                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+                                            QMessageBox::Save);
+  return answer == QMessageBox::Discard || (answer == QMessageBox::Save && AskSave());
+}
+
 void MacroPanel::SetText(const QString& text) {
   file_.clear();
-  editor_->setPlainText(text);
+  Replace(text);
   editor_->document()->setModified(true);
   UpdateTitle();
 }
@@ -200,6 +217,7 @@ void MacroPanel::MarkLine(int line) {
 }
 
 void MacroPanel::AskOpen() {
+  if (!MayReplace()) return;
   const QString name = QFileDialog::getOpenFileName(this, tr("Open macro"), {}, tr("Macros (*.py)"));
   if (name.isEmpty()) return;
   try {
@@ -210,9 +228,8 @@ void MacroPanel::AskOpen() {
 }
 
 bool MacroPanel::AskSave() {
-  QString name = QFileDialog::getSaveFileName(this, tr("Save macro"), ShownPath(file_), tr("Macros (*.py)"));
+  const QString name = AskFileToSave(this, tr("Save macro"), ShownPath(file_), tr("Macros (*.py)"));
   if (name.isEmpty()) return false;
-  if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".py");
   try {
     Save(PathOf(name));
     return true;

@@ -30,6 +30,9 @@ class MacroPanel : public QWidget {
   // What the macro that was run last has printed.
   QString Output() const;
   bool IsModified() const;
+  bool IsRunning() const { return process_ != nullptr; }
+  // Asks whether text that was changed is saved before another one takes its place; false if the person cancelled.
+  bool MayReplace();
   // Throws Error.
   void Save(const std::filesystem::path& macro);
   // The recorder is switched on and off by who owns the analyses.
@@ -48,6 +51,7 @@ class MacroPanel : public QWidget {
   void said(const QString& text);
 
  private:
+  void Replace(const QString& text);
   std::filesystem::path FileToRun();
   void Finish(bool succeeded);
   void MarkLine(int line);

@@ -1,9 +1,8 @@
 // What the main window does with the sheet that is shown: the tasks of the analysis, pictures, exports.
-#include <QFileDialog>
-#include <QFileInfo>
 #include <QSplitter>
 #include <QStackedWidget>
 
+#include "apps/desktop/base/save_question.h"
 #include "apps/desktop/views/results_panel.h"
 #include "apps/desktop/workbench/analysis_desk.h"
 #include "apps/desktop/workbench/document_view.h"
@@ -54,10 +53,12 @@ void MainWindow::StartTaskAfresh(Task task) {
 void MainWindow::SetRecording(bool on) {
   MacroRecording& recording = desk_->Recording();
   if (!on) {
+    // What was written meanwhile is asked for before it makes room; a person who cancels goes on recording.
+    if (!macros_->MayReplace()) return macros_->SetRecording(true);
     const QString text = recording.Stop();
     if (text.isEmpty()) Say(tr("No analysis was begun, so that nothing was recorded."));
     if (!text.isEmpty()) macros_->SetText(text);
-  } else if (MayReplaceMacro()) {
+  } else if (macros_->MayReplace()) {
     recording.Start();
     Say(tr("Analyses that begin now are written down, and what you save of them."));
   }
@@ -68,10 +69,9 @@ void MainWindow::ExportSheet() {
   const DocumentView* view = CurrentView();
   const Spreadsheet* sheet = view == nullptr ? nullptr : view->CurrentSheet();
   if (sheet == nullptr) return;
-  QString name = QFileDialog::getSaveFileName(
-      this, tr("Export sheet"), Shown(sheet->Name()) + QStringLiteral(".csv"), tr("CSV (*.csv)"));
+  const QString name = AskFileToSave(this, tr("Export sheet"), Shown(sheet->Name()) + QStringLiteral(".csv"),
+                                     tr("CSV (*.csv)"));
   if (name.isEmpty()) return;
-  if (QFileInfo(name).suffix().isEmpty()) name += QStringLiteral(".csv");
   try {
     const bool comma = UserNumberLocale().decimalSeparator == ',';
     WriteCsvFile(*sheet, PathOf(name), comma ? CsvFormat::DecimalComma() : CsvFormat());
@@ -84,13 +84,9 @@ void MainWindow::ExportSheet() {
 void MainWindow::ExportReport() {
   if (results_->Count() == 0)
     return Warn(tr("There are no results yet. Begin one of the tasks of the menu \"Analyse\"."));
-  QString chosen;
-  QString name = QFileDialog::getSaveFileName(this, tr("Export report"), QStringLiteral("report.pdf"),
-                                              tr("PDF (*.pdf);;HTML (*.html);;Markdown (*.md)"), &chosen);
-  if (name.isEmpty()) return;
-  if (QFileInfo(name).suffix().isEmpty())
-    name += chosen.section(QLatin1Char('*'), 1, 1).section(QLatin1Char(')'), 0, 0);
-  WriteReportTo(PathOf(name));
+  const QString name = AskFileToSave(this, tr("Export report"), QStringLiteral("report.pdf"),
+                                     tr("PDF (*.pdf);;HTML (*.html);;Markdown (*.md)"));
+  if (!name.isEmpty()) WriteReportTo(PathOf(name));
 }
 
 void MainWindow::WriteReportTo(const std::filesystem::path& file) {
@@ -103,6 +99,7 @@ void MainWindow::WriteReportTo(const std::filesystem::path& file) {
     WriteReport(isOfDialog ? desk_->MakeReport(file)
                            : ShownReport(Utf8(results_->GroupTitle()), results_->ShownGroup()),
                 file);
+    results_->SetReported();
     Say(tr("The report is in %1.").arg(ShownPath(file)));
   } catch (const Error& error) {
     Warn(Explained(error));

@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <new>
 
+#include "apps/desktop/base/save_question.h"
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/views/property_panel.h"
 #include "apps/desktop/views/results_panel.h"
@@ -39,6 +40,20 @@ constexpr int kHeight = 760;
 constexpr int kMessageTime = 15000;
 // What the state of the layout is about; another number forgets it.
 constexpr int kLayoutVersion = 1;
+
+QString Listed(const std::vector<std::filesystem::path>& files) {
+  QStringList names;
+  for (const auto& file : files) names << ShownPath(file);
+  return names.join(QLatin1Char('\n'));
+}
+
+// Also of a file that is not there.
+bool IsSameFile(const std::filesystem::path& a, const std::filesystem::path& b) {
+  std::error_code failure;
+  if (a.empty() || b.empty()) return false;
+  return std::filesystem::equivalent(a, b, failure) ||
+         std::filesystem::absolute(a).lexically_normal() == std::filesystem::absolute(b).lexically_normal();
+}
 
 }  // namespace
 
@@ -137,6 +152,7 @@ void MainWindow::ConnectParts() {
     CurrentDocument()->Change(tr("Add result"), [&](Workbook& workbook) {
       workbook.Add(std::make_unique<Spreadsheet>(table->Table()));
     });
+    results_->SetKept(*table);
     desk_->Recording().Added(*CurrentDocument(), *table);
     Say(tr("The table is a sheet of %1 now.").arg(CurrentDocument()->Title()));
   });
@@ -173,10 +189,12 @@ DocumentView& MainWindow::AddDocument(std::unique_ptr<Document> added) {
   connect(view, &DocumentView::reloadAsked, this, [this, &document] { Reload(document); });
   connect(&document, &Document::stateChanged, this, &MainWindow::ShowState);
   connect(&document, &Document::journalFailed, this, &MainWindow::Say);
+  connect(&document, &Document::stepLost, this, &MainWindow::Say);
   tabs_->setCurrentIndex(tabs_->addTab(view, document.Title()));
   Watch(document);
   pages_->setCurrentWidget(splitter_);
   ShowState();
+  KeepSession();
   if (SheetView* grid = view->CurrentGrid()) grid->setFocus();
   return *view;
 }
@@ -190,6 +208,7 @@ void MainWindow::RemoveDocument(Document& document) {
   std::erase_if(documents_, [&](const auto& one) { return one.get() == &document; });
   if (documents_.empty() && results_->Count() == 0) ShowStartPage();
   ShowState();
+  KeepSession();
 }
 
 bool MainWindow::OpenFile(const std::filesystem::path& path) {
@@ -198,14 +217,14 @@ bool MainWindow::OpenFile(const std::filesystem::path& path) {
 
 bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) {
   for (const auto& document : documents_) {
-    std::error_code ignored;
-    if (!std::filesystem::equivalent(document->File(), path, ignored)) continue;
+    if (!IsSameFile(document->File(), path)) continue;
     tabs_->setCurrentWidget(ViewOf(*document));
     pages_->setCurrentWidget(splitter_);
     return true;
   }
   try {
     if (HasEnding(path, ".py")) {
+      if (!macros_->MayReplace()) return false;
       macros_->Open(path);
       macroDock_->show();
       return true;
@@ -244,6 +263,10 @@ void MainWindow::Open() {
 
 void MainWindow::RunMacro(const std::filesystem::path& path) {
   try {
+    if (!macros_->MayReplace()) {
+      emit macroEnded(false);
+      return;
+    }
     macros_->Open(path);
   } catch (const Error& error) {
     Warn(Explained(error));
@@ -255,16 +278,23 @@ void MainWindow::RunMacro(const std::filesystem::path& path) {
 }
 
 void MainWindow::Resume() {
+  const QStringList session = settings_.SessionFiles();
   auto left = LeftJournals(settings_.Journals());
+  if (const auto others = JournalsOfOtherVersions(settings_.Journals()); !others.empty())
+    Warn(tr("Another version of Brenvolt left unsaved edits, which only that version can read: start it to "
+            "recover them, or delete these files:\n%1")
+             .arg(Listed(others)));
   if (!left.empty()) {
     RecoveryDialog dialog(
         std::move(left), [this](LeftJournal& one) { return Recover(one); }, this);
     dialog.exec();
   }
-  for (const QString& file : settings_.SessionFiles()) {
+  QWidget* const recovered = tabs_->currentWidget();
+  for (const QString& file : session) {
     // A file that is gone since is no fault of today.
     if (QFileInfo::exists(file)) OpenFile(PathOf(file));
   }
+  if (recovered != nullptr) tabs_->setCurrentWidget(recovered);
 }
 
 bool MainWindow::Recover(LeftJournal& left) {
@@ -300,11 +330,21 @@ bool MainWindow::SaveDocument(Document& document, bool asNew) {
   if (!asNew) return WriteDocument(document, document.File());
   std::filesystem::path proposed = document.File().empty() ? "project.bvw" : document.File();
   proposed.replace_extension(".bvw");
-  QString name =
-      QFileDialog::getSaveFileName(this, tr("Save project"), ShownPath(proposed), tr("Projects (*.bvw)"));
-  if (name.isEmpty()) return false;
-  if (!HasProjectEnding(PathOf(name))) name += QStringLiteral(".bvw");
+  const QString name = AskFileToSave(this, tr("Save project"), ShownPath(proposed), tr("Projects (*.bvw)"),
+                                     NameEnding::kAlways);
+  if (name.isEmpty() || IsOpenElsewhere(document, PathOf(name))) return false;
   return WriteDocument(document, PathOf(name));
+}
+
+// Two tabs with one file would replace what the other has saved.
+bool MainWindow::IsOpenElsewhere(const Document& document, const std::filesystem::path& file) {
+  for (const auto& other : documents_) {
+    if (other.get() == &document || !IsSameFile(other->File(), file)) continue;
+    Warn(tr("%1 is open in another tab. Save under another name, or close that tab first.")
+             .arg(ShownPath(file)));
+    return true;
+  }
+  return false;
 }
 
 // A file that another program wrote to is not replaced unasked.
@@ -339,6 +379,7 @@ bool MainWindow::WriteDocument(Document& document, const std::filesystem::path& 
   settings_.AddRecentFile(ShownPath(document.File()));
   start_->SetRecentFiles(settings_.RecentFiles());
   Watch(document);
+  KeepSession();
   if (DocumentView* view = ViewOf(document)) view->SetNotice({});
   Say(tr("Saved %1.").arg(ShownPath(document.File())));
   return true;
@@ -366,28 +407,45 @@ bool MainWindow::CloseDocument() {
   return true;
 }
 
-// Asks whether a macro that was changed is saved; false if the person cancelled.
-bool MainWindow::MayReplaceMacro() {
-  if (!macros_->IsModified() || macros_->Text().trimmed().isEmpty()) return true;
-  const auto answer = QMessageBox::question(this, windowTitle(), tr("Save the macro?"),
-                                            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
-                                            QMessageBox::Save);
-  return answer == QMessageBox::Discard || (answer == QMessageBox::Save && macros_->AskSave());
+// What ends with the window and is in no file: results, a recording, a macro that runs.
+bool MainWindow::MayLoseResults() {
+  QStringList lost;
+  if (desk_->Recording().IsOn()) lost << tr("A macro is being recorded; stop the recording to keep it.");
+  if (macros_->IsRunning()) lost << tr("A macro is running, and would be stopped.");
+  if (const int count = results_->UnsavedCount(); count > 0)
+    lost << (count == 1 ? tr("One result is neither saved nor in a report.")
+                        : tr("%1 results are neither saved nor in a report.").arg(count));
+  if (lost.isEmpty() || isUnattended_) return true;
+  QMessageBox box(QMessageBox::Warning, QStringLiteral("Brenvolt"), lost.join(QLatin1Char('\n')),
+                  QMessageBox::NoButton, this);
+  auto* const close = box.addButton(tr("Close &anyway"), QMessageBox::DestructiveRole);
+  box.setDefaultButton(box.addButton(QMessageBox::Cancel));
+  box.exec();
+  return box.clickedButton() == close;
+}
+
+// Written when it changes, so that a window that is killed comes back as well.
+void MainWindow::KeepSession() {
+  if (isClosing_ || isUnattended_) return;
+  QStringList session;
+  for (const auto& document : documents_) {
+    if (!document->File().empty()) session << ShownPath(document->File());
+  }
+  settings_.SetSessionFiles(session);
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  QStringList session;
   for (const auto& document : documents_) {
     if (!MayClose(*document)) return event->ignore();
-    if (!document->File().empty()) session << ShownPath(document->File());
   }
-  if (!MayReplaceMacro()) return event->ignore();
+  if (!macros_->MayReplace() || !MayLoseResults()) return event->ignore();
   for (const auto& document : documents_) {
     if (desk_->CloseAnalysesOf(*document)) continue;
     Say(tr("An analysis computes; cancel it first."));
     return event->ignore();
   }
-  settings_.SetSessionFiles(session);
+  KeepSession();
+  isClosing_ = true;
   settings_.SetLayout(QStringLiteral("window"), saveGeometry());
   settings_.SetLayout(QStringLiteral("docks"), saveState(kLayoutVersion));
   settings_.SetLayout(QStringLiteral("splitter"), splitter_->saveState());

@@ -98,7 +98,10 @@ class MainWindow : public QMainWindow {
   bool WriteDocument(Document& document, const std::filesystem::path& file);
   // Asks whether unsaved edits are saved; false if the person cancelled.
   bool MayClose(Document& document);
-  bool MayReplaceMacro();
+  bool IsOpenElsewhere(const Document& document, const std::filesystem::path& file);
+  // Asks before what is in no file is lost; false if the person cancelled.
+  bool MayLoseResults();
+  void KeepSession();
   void SetRecording(bool on);
   void Reload(Document& document);
   void ExportSheet();
@@ -129,6 +132,7 @@ class MainWindow : public QMainWindow {
 
   Settings settings_;
   bool isUnattended_ = false;
+  bool isClosing_ = false;  // the session is what was open before
   std::vector<std::unique_ptr<Document>> documents_;
   std::unique_ptr<AnalysisDesk> desk_;  // its analyses look at the documents
   QUndoGroup history_;
