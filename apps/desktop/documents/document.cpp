@@ -7,9 +7,8 @@
 
 #include "apps/desktop/base/text.h"
 #include "host/base/error.h"
-#include "host/jobs/base/job_data.h"
+#include "host/jobs/base/correctable_data.h"
 #include "host/jobs/base/project_files.h"
-#include "host/tables/csv_layout.h"
 
 namespace brenvolt::desktop {
 
@@ -109,10 +108,9 @@ Edits Document::UndoOf(const Workbook& workbook, std::vector<SheetBefore> before
 }
 
 Document::Document(const std::filesystem::path& journals, DataFile data, bool decimalComma)
-    : journals_(journals),
-      data_(std::move(data)),
-      decimalComma_(decimalComma),
-      state_(FileState::Of(data_.path)) {
+    : journals_(journals), data_(std::move(data)), state_(FileState::Of(data_.path)) {
+  reading_.file = data_.path;
+  reading_.decimalComma = decimalComma;
   connect(&history_, &QUndoStack::cleanChanged, this, &Document::stateChanged);
 }
 
@@ -135,24 +133,15 @@ std::unique_ptr<Document> Document::New(const std::filesystem::path& journals,
   return std::make_unique<Document>(journals, std::move(data), false);
 }
 
-namespace {
-
-// The decimal sign is found by looking. Texts among numbers are there to be corrected: their columns are read as texts.
-DataFile ReadAnyhow(const std::filesystem::path& file) {
-  TextOptions options;
-  try {
-    return OpenDataFile(file, options);
-  } catch (const StrayTextsError& stray) {
-    for (const StrayTexts& column : stray.Columns()) options.text.push_back(column.column);
-  }
-  return OpenDataFile(file, options);
-}
-
-}  // namespace
-
 std::unique_ptr<Document> Document::Open(const std::filesystem::path& journals,
                                          const std::filesystem::path& file, bool decimalComma) {
-  return std::make_unique<Document>(journals, ReadAnyhow(std::filesystem::absolute(file)), decimalComma);
+  JobData reading;
+  reading.file = std::filesystem::absolute(file);
+  reading.decimalComma = decimalComma;
+  DataFile read = OpenCorrectable(reading);
+  auto document = std::make_unique<Document>(journals, std::move(read), decimalComma);
+  document->reading_ = std::move(reading);
+  return document;
 }
 
 Document::Recovered Document::Recover(const std::filesystem::path& journals, LeftJournal& left) {
@@ -270,7 +259,8 @@ void Document::Save(const std::filesystem::path& file) {
   }
   data_.path = target;
   data_.isProject = true;
-  decimalComma_ = false;
+  reading_ = {};
+  reading_.file = target;
   state_ = FileState::Of(target);
   isUnsaved_ = false;
   history_.setClean();
@@ -298,7 +288,7 @@ void Document::Record(Edits& edits) {
   if (isJournalBroken_) return;
   try {
     if (journal_ == nullptr) {
-      journal_ = std::make_unique<Journal>(journals_, JournalBase{data_.path, decimalComma_, state_});
+      journal_ = std::make_unique<Journal>(journals_, JournalBase{data_.path, DecimalComma(), state_});
       // Nothing else holds the sheets of a new project.
       if (Edits sheets = NewSheets(); !sheets.empty()) journal_->Append(sheets);
     }

@@ -13,6 +13,7 @@
 #include "apps/desktop/documents/edit.h"
 #include "apps/desktop/documents/journal.h"
 #include "host/application/application.h"
+#include "host/jobs/base/job_data.h"
 
 namespace brenvolt::desktop {
 
@@ -47,7 +48,8 @@ class Document : public QObject {
   Workbook& Content() { return data_.workbook; }
   DataFile& Data() { return data_; }
   // What keeps data of other formats from being the same after they were read again.
-  bool DecimalComma() const { return decimalComma_; }
+  const JobData& Reading() const { return reading_; }
+  bool DecimalComma() const { return reading_.decimalComma; }
 
   bool IsModified() const { return !history_.isClean() || isUnsaved_; }
   QUndoStack& History() { return history_; }
@@ -115,7 +117,7 @@ class Document : public QObject {
 
   std::filesystem::path journals_;
   DataFile data_;
-  bool decimalComma_;
+  JobData reading_;
   FileState state_;
   QUndoStack history_;
   std::unique_ptr<Journal> journal_;

@@ -173,9 +173,7 @@ class AnalysisDesk::Running : public DocumentSink {
   bool IsAsSaved() const { return !document_->File().empty() && !document_->IsModified(); }
   // `usual` is the sheet that is taken where none is named.
   JobData DataOf(const Spreadsheet& usual) const {
-    JobData data;
-    data.file = document_->File();
-    data.decimalComma = document_->DecimalComma();
+    JobData data = document_->Reading();
     if (document_->IsProject() && &usual != sheet_) data.sheet = sheet_->Name();
     return data;
   }
@@ -294,6 +292,8 @@ class AnalysisDesk::Running : public DocumentSink {
     QString failure;
     try {
       desk_.engine_.Run([&] { show(run_.Analysis()); });
+    } catch (const AutomationError& error) {
+      failure = Shown(error.Reason().empty() ? error.what() : error.Reason());
     } catch (const std::exception& error) {
       failure = Shown(error.what());
     }

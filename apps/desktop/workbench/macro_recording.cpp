@@ -31,9 +31,8 @@ void MacroRecording::Began(const Document& document, const Spreadsheet& sheet, C
   if (known == nullptr) {
     known = std::make_shared<Known>();
     kept_.push_back(known);
-    JobData data;
-    data.decimalComma = document.DecimalComma();
-    if (hasFile) recorder.Opened(document.File(), ReadingArguments(data), known->workbook.get());
+    if (hasFile)
+      recorder.Opened(document.File(), ReadingArguments(document.Reading()), known->workbook.get());
   }
   std::unique_ptr<char>& token = known->sheets[sheet.Name()];
   if (token == nullptr) {

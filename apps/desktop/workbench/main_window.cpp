@@ -29,6 +29,7 @@
 #include "apps/desktop/workbench/start_page.h"
 #include "apps/desktop/workbench/telling.h"
 #include "host/base/error.h"
+#include "host/jobs/base/correctable_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/project_files.h"
 
@@ -212,7 +213,7 @@ void MainWindow::RemoveDocument(Document& document) {
 }
 
 bool MainWindow::OpenFile(const std::filesystem::path& path) {
-  return OpenFile(path, UserNumberLocale().decimalSeparator == ',' && !Workbook::IsWorkbookFile(path));
+  return OpenFile(path, false);
 }
 
 bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) {
@@ -236,14 +237,26 @@ bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) 
     }
     settings_.AddRecentFile(ShownPath(opened->File()));
     start_->SetRecentFiles(settings_.RecentFiles());
-    AddDocument(std::move(opened));
+    Document& document = AddDocument(std::move(opened)).Owner();
+    SayFound(document);
     return true;
   } catch (const Error& error) {
     Warn(Explained(error));
+  } catch (const WrongJob& wrong) {
+    Warn(Shown(wrong.what()));
   } catch (const std::bad_alloc&) {
     Warn(tr("There is not enough memory to open %1.").arg(ShownPath(path)));
   }
   return false;
+}
+
+// What is not as usual in a file stays readable at its tab.
+void MainWindow::SayFound(Document& document) {
+  QStringList found;
+  for (const std::string& one : FoundIn(document.Data(), document.Reading())) found << Shown(one);
+  if (found.isEmpty()) return;
+  ViewOf(document)->setToolTip(found.join(QLatin1Char('\n')));
+  Say(found.join(QStringLiteral("; ")));
 }
 
 void MainWindow::NewProject() {
@@ -312,8 +325,10 @@ bool MainWindow::Recover(LeftJournal& left) {
     return true;
   } catch (const Error& error) {
     Warn(Explained(error));
-    return false;
+  } catch (const WrongJob& wrong) {
+    Warn(Shown(wrong.what()));
   }
+  return false;
 }
 
 bool MainWindow::Save() {
@@ -470,6 +485,8 @@ void MainWindow::Reload(Document& document) {
     AddDocument(std::move(again));
   } catch (const Error& error) {
     Warn(Explained(error));
+  } catch (const WrongJob& wrong) {
+    Warn(Shown(wrong.what()));
   }
 }
 

@@ -40,7 +40,7 @@ class MainWindow : public QMainWindow {
   // Opens a project or a data file, or shows it if it is open. False, and a message was shown, for one that cannot be
   // opened.
   bool OpenFile(const std::filesystem::path& path);
-  // The same with a decimal comma in files that are no projects.
+  // The same with a decimal comma in files that are no projects; without, it is found by looking.
   bool OpenFile(const std::filesystem::path& path, bool decimalComma);
   // Runs a macro; its output is shown. `macroEnded` follows.
   void RunMacro(const std::filesystem::path& path);
@@ -102,6 +102,7 @@ class MainWindow : public QMainWindow {
   // Asks before what is in no file is lost; false if the person cancelled.
   bool MayLoseResults();
   void KeepSession();
+  void SayFound(Document& document);
   void SetRecording(bool on);
   void Reload(Document& document);
   void ExportSheet();

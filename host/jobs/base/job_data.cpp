@@ -8,6 +8,7 @@
 
 #include "host/base/bytes.h"
 #include "host/base/quoted.h"
+#include "host/jobs/base/correctable_data.h"
 #include "host/jobs/base/project_files.h"
 #include "host/rounds/crew.h"
 #include "host/tables/csv_layout.h"
@@ -50,7 +51,7 @@ std::string Listed(const std::vector<std::string>& texts, const char* separator)
 }
 
 // The texts, and the options that say what they are.
-WrongJob WrongTexts(const std::vector<StrayTexts>& columns) {
+TextsAmongNumbers WrongTexts(const std::vector<StrayTexts>& columns) {
   const StrayTexts& first = columns.front();
   std::vector<std::string> cells;
   std::vector<std::string> texts;
@@ -63,11 +64,12 @@ WrongJob WrongTexts(const std::vector<StrayTexts>& columns) {
   const std::string several =
       columns.size() > 1 ? "; so are values of " + Listed({names.begin() + 1, names.end()}, ", ") : "";
   const std::string verb = first.texts == 1 ? " is not a number: " : " are not numbers: ";
-  return WrongJob(
+  return TextsAmongNumbers(
       {{"missingText", std::to_string(first.texts) + " of the " + std::to_string(first.values) +
                            " values of " + first.column + verb + Listed(cells, ", ") + several + "; " +
                            Quoted(Listed(texts, ",")) + " here reads such texts as missing"},
-       {"text", Quoted(Listed(names, ",")) + " here reads all values as texts"}});
+       {"text", Quoted(Listed(names, ",")) + " here reads all values as texts"}},
+      names);
 }
 
 DataFile Opened(const JobData& data) {
