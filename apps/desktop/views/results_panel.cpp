@@ -3,6 +3,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QSplitter>
 #include <QStackedWidget>
@@ -253,7 +254,9 @@ std::vector<ShownResult> ResultsPanel::ShownGroup() const {
 
 QWidget* ResultsPanel::MakePage(const Result& result) {
   if (result.graph != nullptr) return MakePicture(result.graph);
-  return WithTitle(MakeTable(result.table), result.table->Table());
+  QTableView* const table = MakeTable(result.table);
+  table->installEventFilter(this);
+  return WithTitle(table, result.table->Table());
 }
 
 PictureView* ResultsPanel::MakePicture(const std::shared_ptr<CAnalysisGraphDoc>& graph) {
@@ -359,6 +362,16 @@ void ResultsPanel::Copy() {
   if (static_cast<std::size_t>(bottom - top + 1) * static_cast<std::size_t>(right - left + 1) > kMostCopied)
     return emit said(tr("These are too many cells for the clipboard; save the table instead."));
   QGuiApplication::clipboard()->setText(Shown(model.CopyText(top, left, bottom, right)));
+}
+
+// The table itself would copy one cell, and menus of the window have the key for data.
+bool ResultsPanel::eventFilter(QObject* watched, QEvent* event) {
+  const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+  if (!isKey || !static_cast<QKeyEvent*>(event)->matches(QKeySequence::Copy))
+    return QWidget::eventFilter(watched, event);
+  if (event->type() == QEvent::KeyPress) Copy();
+  event->accept();
+  return true;
 }
 
 void ResultsPanel::Save() {

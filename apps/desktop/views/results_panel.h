@@ -71,6 +71,9 @@ class ResultsPanel : public QWidget {
   // The table is to be kept as a sheet of the project.
   void keepAsked(std::shared_ptr<CAnalysisTableDoc> table);
 
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
  private:
   struct Result;
 

@@ -106,6 +106,20 @@ TEST_F(ResultsPanelTest, TablesAreSortedCopiedAndExported) {
     EXPECT_ANY_THROW(panel.SaveTo(folder / name)) << name;
 }
 
+TEST_F(ResultsPanelTest, TheKeyForCopyingTakesTheSelectedCells) {
+  panel.Add(Ranking());
+  auto* table = panel.Page()->findChild<QTableView*>();
+  ASSERT_NE(table, nullptr);
+  const QAbstractItemModel& model = *table->model();
+  table->selectionModel()->select({model.index(0, 0), model.index(1, 1)},
+                                  QItemSelectionModel::ClearAndSelect);
+  QTest::keyClick(table, Qt::Key_C, Qt::ControlModifier);
+  const QString copied = QGuiApplication::clipboard()->text();
+  for (const char* part : {"Weibull\t0.25", "Normal\t"})
+    EXPECT_TRUE(copied.contains(QLatin1String(part))) << copied.toStdString();
+  EXPECT_FALSE(copied.contains(QLatin1String("Gamma"))) << copied.toStdString();
+}
+
 TEST_F(ResultsPanelTest, PicturesAreEnlargedCopiedAndSaved) {
   if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
   panel.Add(Picture());
