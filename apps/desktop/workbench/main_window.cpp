@@ -32,6 +32,7 @@
 #include "host/jobs/base/correctable_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/project_files.h"
+#include "host/tables/formats/file_kind.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -223,6 +224,13 @@ bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) 
     pages_->setCurrentWidget(splitter_);
     return true;
   }
+  // Reading what others write at their leisure, or without an end, would stop the window.
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(path, ignored);
+  if (std::filesystem::is_other(status)) {
+    Warn(tr("%1 is no file but a pipe or a device, which the window does not read.").arg(ShownPath(path)));
+    return false;
+  }
   try {
     if (HasEnding(path, ".py")) {
       if (!macros_->MayReplace()) return false;
@@ -264,9 +272,11 @@ void MainWindow::NewProject() {
 }
 
 void MainWindow::Open() {
-  const QString all =
-      tr("Projects and data (*.bvw *.csv *.txt);;Data with decimal comma (*.csv *.txt);;"
-         "Macros (*.py);;All files (*)");
+  QString data;
+  for (const std::string& ending : ReadableEndings()) data += QStringLiteral(" *") + Shown(ending);
+  const QString all = tr("Projects and data (*.bvw%1);;Data with decimal comma (*.csv *.txt);;"
+                         "Macros (*.py);;All files (*)")
+                          .arg(data);
   QString chosen;
   for (const QString& file : QFileDialog::getOpenFileNames(this, tr("Open"), {}, all, &chosen)) {
     const bool decimalComma = chosen == all.section(QStringLiteral(";;"), 1, 1);

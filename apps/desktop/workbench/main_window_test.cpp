@@ -1,8 +1,11 @@
 #include "apps/desktop/workbench/main_window.h"
 
+#include <sys/stat.h>
+
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
@@ -18,6 +21,7 @@
 #include "apps/desktop/workbench/main_window_support_test.h"
 #include "host/base/files/temporary_folder_support_test.h"
 #include "host/base/number_text.h"
+#include "host/tables/formats/data_file_writer.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -51,6 +55,42 @@ TEST_F(MainWindowTest, FilesThatAreDroppedOpenAndOthersAreRefusedByName) {
        {std::pair(0, "picture.png"), {1, "folder"}, {2, "missing.csv"}, {3, "example.org"}})
     EXPECT_TRUE(answers.Texts()[text].contains(QLatin1String(name))) << Utf8(answers.Texts()[text]);
   EXPECT_EQ(window->CurrentDocument()->Title(), "data.csv");
+}
+
+TEST_F(MainWindowTest, APipeOrADeviceIsRefusedAtOnce) {
+  auto window = Start();
+  ASSERT_EQ(mkfifo((folder / "pipe.csv").c_str(), 0600), 0);
+  for (const auto& path : {folder / "pipe.csv", std::filesystem::path("/dev/zero")}) {
+    Answers answers({"OK"});
+    EXPECT_FALSE(window->OpenFile(path));
+    ASSERT_EQ(answers.Texts().size(), 1);
+    EXPECT_TRUE(answers.Texts()[0].contains(QLatin1String("pipe or a device"))) << Utf8(answers.Texts()[0]);
+  }
+}
+
+// Files of these kinds are written or kept beside the readers, under the names that they usually have.
+TEST_F(MainWindowTest, TheDialogForOpeningShowsFilesOfAllKindsThatAreRead) {
+  QStringList filters;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, [&] {
+    auto* const dialog = qobject_cast<QFileDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    filters = dialog->nameFilters();
+    dialog->reject();
+  });
+  look.start(20);
+  auto window = Start();
+  window->Open();
+  ASSERT_FALSE(filters.isEmpty());
+  QStringList endings{"bvw"};
+  for (const std::string& ending : DataEndings()) endings << Shown(ending.substr(1));
+  const std::filesystem::path kept = BRENVOLT_SOURCE_DIR "/host/tables/formats/reference/packages";
+  for (const auto& entry : std::filesystem::directory_iterator(kept)) {
+    const QString ending = Shown(entry.path().extension().string()).mid(1);
+    if (ending != "json" && ending != "md") endings << ending;
+  }
+  for (const QString& ending : endings)
+    EXPECT_TRUE(filters[0].contains(QLatin1String("*.") + ending)) << Utf8(ending) << Utf8(filters[0]);
 }
 
 TEST_F(MainWindowTest, UnsavedWorkIsAskedForBeforeItIsClosed) {

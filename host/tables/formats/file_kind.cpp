@@ -157,4 +157,11 @@ KindFound FindKind(std::string_view bytes) {
   return first == std::string_view::npos ? KindFound{} : MarkedKind(bytes.substr(first));
 }
 
+const std::vector<std::string>& ReadableEndings() {
+  static const std::vector<std::string> endings{".csv", ".tsv",   ".tab",    ".txt", ".dat", ".xlsx",
+                                                ".ods", ".sav",   ".zsav",   ".dta", ".xpt", ".sas7bdat",
+                                                ".npz", ".jsonl", ".ndjson", ".gz",  ".zst"};
+  return endings;
+}
+
 }  // namespace brenvolt

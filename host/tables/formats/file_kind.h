@@ -3,6 +3,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace brenvolt {
 
@@ -27,5 +28,8 @@ struct KindFound {
 };
 
 KindFound FindKind(std::string_view bytes);
+
+// How the names of files usually end that are read, for who chooses among files: ".csv".
+const std::vector<std::string>& ReadableEndings();
 
 }  // namespace brenvolt
