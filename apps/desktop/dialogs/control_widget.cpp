@@ -169,10 +169,31 @@ class ComboWidget final : public ControlWidget {
   std::vector<std::string> shown_;
 };
 
+// As wide as a usual number, and wider for one with all its digits.
+class NumberField final : public QLineEdit {
+ public:
+  NumberField() {
+    QObject::connect(this, &QLineEdit::textChanged, this, [this] { updateGeometry(); });
+  }
+  QSize sizeHint() const override {
+    const int frame =
+        QLineEdit::sizeHint().width() - kUsualCharacters * fontMetrics().horizontalAdvance(u'x');
+    const int most = kMostFieldCharacters * fontMetrics().averageCharWidth();
+    const int typed = std::min(fontMetrics().horizontalAdvance(text() + u'x'), most) + frame;
+    return {std::max(typed, minimumWidth()), QLineEdit::sizeHint().height()};
+  }
+
+ private:
+  static constexpr int kUsualCharacters = 17;  // of the toolkit's own size
+  static constexpr int kMostFieldCharacters = 24;
+};
+
 class FieldWidget final : public ControlWidget {
  public:
   FieldWidget(const ControlTemplate& control, QLabel* label, const ControlActions& actions)
-      : ControlWidget(control.number, new QLineEdit, label), actions_(actions) {
+      : ControlWidget(control.number,
+                      control.kind == ControlKind::kTextField ? new QLineEdit : new NumberField, label),
+        actions_(actions) {
     auto* field = static_cast<QLineEdit*>(Widget());
     const bool isText = control.kind == ControlKind::kTextField;
     const int width = kFieldCharacters * field->fontMetrics().averageCharWidth();

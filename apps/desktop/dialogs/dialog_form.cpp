@@ -215,7 +215,8 @@ void DialogForm::AddToRow(ControlWidget& control, ControlKind kind, bool isLead,
     auto* const column = new QVBoxLayout;
     if (control.Label() != nullptr) column->addWidget(control.Label());
     column->addWidget(control.Widget(), 1);
-    layout.addLayout(column, 1);
+    // Lists beside each other share the room by what they hold.
+    layout.addLayout(column);
     return;
   }
   if (control.Label() != nullptr && !isLead) layout.addWidget(control.Label());

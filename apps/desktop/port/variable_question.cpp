@@ -21,6 +21,7 @@ namespace brenvolt::desktop {
 namespace {
 
 constexpr int kRows = 14;
+constexpr int kFewestNameCharacters = 16;
 constexpr int kCharacters = 62;
 // Whose texts say how wide columns are.
 constexpr int kMeasuredRows = 200;
@@ -89,11 +90,13 @@ class VariableDialog : public QDialog {
     QHeaderView& header = *view_.horizontalHeader();
     header.setResizeContentsPrecision(kMeasuredRows);
     int width = 2 * view_.frameWidth() + view_.verticalScrollBar()->sizeHint().width();
+    const int names = static_cast<int>(lists_.size()) + 1;
     for (int column = 0; column < table_.columnCount(); ++column) {
       view_.resizeColumnToContents(column);
-      width += header.sectionSize(column);
+      const int few = kFewestNameCharacters * view_.fontMetrics().averageCharWidth();
+      width += column == names ? std::max(few, header.sectionSize(column)) : header.sectionSize(column);
     }
-    header.setSectionResizeMode(static_cast<int>(lists_.size()) + 1, QHeaderView::Stretch);
+    header.setSectionResizeMode(names, QHeaderView::Stretch);
     const int least = kCharacters * view_.fontMetrics().averageCharWidth();
     return std::clamp(width, least, std::max(least, screen()->availableSize().width() * 3 / 4));
   }

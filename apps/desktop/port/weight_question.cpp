@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 #include "apps/desktop/base/text.h"
@@ -55,6 +56,10 @@ class WeightDialog : public QDialog {
       list_.addItem(Shown(question.names[i]) + (isText ? tr(" (text)") : QString()));
     }
     list_.setCurrentRow(question.variable);
+    // The first line is read whole; names that are longer are scrolled to.
+    const int line = list_.fontMetrics().horizontalAdvance(list_.item(0)->text());
+    list_.setMinimumWidth(line + 2 * list_.fontMetrics().averageCharWidth() + 2 * list_.frameWidth() +
+                          list_.verticalScrollBar()->sizeHint().width());
   }
 
   QLineEdit search_;

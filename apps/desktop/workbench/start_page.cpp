@@ -1,6 +1,5 @@
 #include "apps/desktop/workbench/start_page.h"
 
-#include <QCommandLinkButton>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QGridLayout>
@@ -43,7 +42,7 @@ constexpr Example kExamples[] = {
     {"toxocara.csv", QT_TRANSLATE_NOOP("StartPage", "Parasites counted in cats (53)")},
     {"ozone.csv", QT_TRANSLATE_NOOP("StartPage", "Ozone and weather at Los Angeles (330)")}};
 
-constexpr int kWidth = 860;
+constexpr int kCharacters = 130;
 constexpr int kMostRecentShown = 6;
 
 QString Said(const char* text) {
@@ -58,6 +57,35 @@ QLabel* Heading(const QString& text, double size, bool bold) {
   label->setFont(font);
   return label;
 }
+
+// A title with a sentence below it, in letters as large as all others.
+class TaskButton : public QPushButton {
+ public:
+  TaskButton(const QString& title, const QString& text) {
+    auto* heading = Heading(title, 1.05, true);
+    heading->setBuddy(this);
+    auto* sentence = new QLabel(text);
+    sentence->setWordWrap(true);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(14, 10, 14, 10);
+    layout->setSpacing(2);
+    layout->addWidget(heading);
+    layout->addWidget(sentence);
+    for (QLabel* label : {heading, sentence}) label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    setAccessibleName(QString(title).remove(QLatin1Char('&')));
+    setAccessibleDescription(text);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Minimum);
+    sentence->setMinimumWidth(kCardCharacters * sentence->fontMetrics().averageCharWidth());
+  }
+  QSize sizeHint() const override { return layout()->totalSizeHint(); }
+  QSize minimumSizeHint() const override {
+    const QSize least = layout()->totalMinimumSize();
+    return {least.width(), std::max(least.height(), layout()->totalHeightForWidth(least.width()))};
+  }
+
+ private:
+  static constexpr int kCardCharacters = 38;
+};
 
 // A line to click on, with the whole path as its tooltip.
 QPushButton* FileLink(const QString& text, const QString& file) {
@@ -82,7 +110,7 @@ void Empty(QLayout& layout) {
 
 StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout) {
   auto* content = new QWidget;
-  content->setMaximumWidth(kWidth);
+  content->setMaximumWidth(kCharacters * fontMetrics().averageCharWidth());
   auto* layout = new QVBoxLayout(content);
   layout->setContentsMargins(32, 28, 32, 28);
   layout->setSpacing(10);
@@ -92,8 +120,6 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout
   AddTasks(*layout);
   layout->addSpacing(12);
 
-  auto* lower = new QGridLayout;
-  lower->setHorizontalSpacing(40);
   auto* open = new QPushButton(tr("&Open a file…"));
   auto* make = new QPushButton(tr("&New project"));
   open->setToolTip(tr("A project (.bvw) or a table of data, such as CSV; or drop files on the window"));
@@ -106,16 +132,21 @@ StartPage::StartPage(QWidget* parent) : QWidget(parent), recent_(new QVBoxLayout
   connect(make, &QPushButton::clicked, this, &StartPage::newAsked);
   recent_->setSpacing(2);
   recent_->setAlignment(Qt::AlignTop);
-  lower->addWidget(Heading(tr("Files"), 1.15, true), 0, 0);
-  lower->addLayout(buttons, 1, 0);
-  lower->addLayout(recent_, 2, 0);
+  auto* files = new QVBoxLayout;
+  files->setSpacing(10);
+  files->addWidget(Heading(tr("Files"), 1.15, true));
+  files->addLayout(buttons);
+  files->addLayout(recent_, 1);
+  auto* lower = new QHBoxLayout;
+  lower->setSpacing(40);
+  lower->addLayout(files, 1);
   if (!ExampleFolder().empty()) {
-    lower->addWidget(Heading(tr("Examples"), 1.15, true), 0, 1);
-    lower->addWidget(MakeExamples(), 1, 1, 2, 1, Qt::AlignTop);
+    auto* examples = new QVBoxLayout;
+    examples->setSpacing(10);
+    examples->addWidget(Heading(tr("Examples"), 1.15, true));
+    examples->addWidget(MakeExamples(), 1, Qt::AlignTop);
+    lower->addLayout(examples, 1);
   }
-  lower->setRowStretch(2, 1);
-  lower->setColumnStretch(0, 1);
-  lower->setColumnStretch(1, 1);
   layout->addLayout(lower);
   layout->addStretch();
 
@@ -139,9 +170,9 @@ void StartPage::AddTasks(QVBoxLayout& layout) {
   grid->setSpacing(10);
   int place = 0;
   for (const TaskCard& card : kTasks) {
-    auto* button = new QCommandLinkButton(Said(card.title), Said(card.text));
+    auto* button = new TaskButton(Said(card.title), Said(card.text));
     button->setObjectName(QStringLiteral("task%1").arg(static_cast<int>(card.task)));
-    connect(button, &QCommandLinkButton::clicked, this, [this, &card] { emit taskAsked(card.task); });
+    connect(button, &QPushButton::clicked, this, [this, &card] { emit taskAsked(card.task); });
     grid->addWidget(button, place / 2, place % 2);
     ++place;
   }
