@@ -11,6 +11,9 @@
 namespace brenvolt {
 namespace {
 
+// The minus of typesetters, U+2212.
+constexpr std::string_view kMinusSign = "\u2212";
+
 // Equal but for the case of letters; `word` is in lower case.
 bool SpellsWord(std::string_view text, std::string_view word) {
   const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
@@ -101,6 +104,12 @@ CsvCellKind ReadCsvCell(const CsvField& field, const CsvLayout& layout, double& 
       return CsvCellKind::kTooLarge;
     case NumberReading::kNoNumber:
       break;
+  }
+  if (text.starts_with(kMinusSign) && text.size() > kMinusSign.size() && text[kMinusSign.size()] != '-' &&
+      text[kMinusSign.size()] != '+') {
+    const std::string plain = '-' + std::string(text.substr(kMinusSign.size()));
+    if (ReadNumber(plain, {layout.decimalSeparator}, value) == NumberReading::kNumber)
+      return CsvCellKind::kNumber;
   }
   if (field.text.empty() || (!field.quoted && IsMissingWord(text))) return CsvCellKind::kMissing;
   if (layout.thousandsSeparator != 0 &&

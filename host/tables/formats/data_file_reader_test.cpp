@@ -6,6 +6,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "host/base/files/mapped_file.h"
@@ -151,9 +153,8 @@ TEST(DataFiles, WorkbooksTellWhatIsDoubtful) {
   EXPECT_EQ(read.sheets[0]->Name(), "Data");
   EXPECT_EQ(read.readAs, "in sheet Data the header in line 3");
   ASSERT_FALSE(read.doubts.empty());
-  EXPECT_EQ(
-      read.doubts[0].message,
-      "sheet Data has 1 merged range: the value stands in the first cell of each, the others are missing");
+  EXPECT_EQ(read.doubts[0].message,
+            "sheet Data: 1 merged range, of which the first cell has the value and the others are missing");
 }
 
 TEST(DataFiles, LinesOfJsonAreATable) {
@@ -468,6 +469,63 @@ TEST(DataFiles, OptionsThatDoNotApplyAreRefused) {
       EXPECT_EQ(wrong.Field(), row.field);
     }
   }
+}
+
+// Each text with what is told of it, the option in front.
+TEST(DataFiles, WhatBecomesOtherThanItLooksIsSaid) {
+  const struct {
+    const char* bytes;
+    const char* told;
+  } rows[] = {
+      {"id,x\n001,1\n002,2\n",
+       "text: id is read as numbers, and '002' loses its zeros; 'id' here keeps them as texts"},
+      {"x,y\n12 %,1\n13 %,2\n11 %,3\n",
+       ": x is read as text: its values are numbers with signs or units, as '12 %'; without them they are "
+       "read as "
+       "numbers"},
+      {"x,y\n-,1\n-,2\n-,3\n4,4\n",
+       "missingText: x is read as text: all that is no number in it looks like a missing value; '-' here "
+       "reads such "
+       "texts as missing"},
+      {"x,y\n1,1\nn.d.,2\n3,3\n4,4\n",
+       "missingText: x is read as text: of its 4 values 1 is not a number: 'n.d.' (line 3); 'n.d.' here "
+       "reads "
+       "such texts "
+       "as missing"},
+      {"x,y\n1,1\n<0.5,2\n3,3\n4,4\n",
+       ": x is read as text: values such as '<0.5' (line 3) are known by a bound alone; with the bound as a "
+       "number, and "
+       "a column that says left or right of it, a fit takes them as censored"},
+      {"x\n1.234\n2.345\n3.456\n",
+       "decimal: '3.456' is read as a decimal fraction; it could be a whole number with groups of digits"},
+      {"n,t\n1,\x83\x65\x83\x58\n2,\x83\x67\n",
+       "encoding: few characters tell the encoding, which is taken for windows-1252"},
+      {"a1,b\nA1,1\nB2,2\n", ""},
+  };
+  for (const auto& row : rows) {
+    const DataRead read = ReadDataBytes(row.bytes, "data", "file", {});
+    std::string told;
+    for (const ReadingNote& doubt : read.doubts) told += doubt.field + ": " + doubt.message;
+    EXPECT_EQ(told, row.told) << row.bytes;
+  }
+}
+
+TEST(DataFiles, OldLineEndsAndTypesettersMinusAreRead) {
+  const DataRead read = ReadDataBytes("x,y\r\u22121.5,1\r2,3\r", "data", "file", {});
+  EXPECT_EQ(Shown(*read.sheets.front(), "x"), "-1.5 2");
+  EXPECT_EQ(read.readAs, "returns alone at the ends of lines");
+  EXPECT_EQ(RefusalOf(std::string_view("x,y\n1,\0\x01\n", 9)),
+            "the file is no text: it holds bytes that stand in none");
+  TextOptions given;
+  given.encoding = "UTF-8";
+  EXPECT_EQ(RefusalOf("x,y\n1,\xFF\n", given), "the text is not UTF-8");
+}
+
+TEST(DataFiles, AnArchiveWithoutItsEndIsNamed) {
+  std::ifstream stream(kPackages + "book.xlsx", std::ios::binary);
+  const std::string book{std::istreambuf_iterator<char>(stream), {}};
+  EXPECT_EQ(RefusalOf(book.substr(0, book.size() / 2)),
+            "this is a workbook whose end is missing, which is not read; copy or download it again");
 }
 
 TEST(DataFiles, WordsThatMeanNothingAreRefused) {

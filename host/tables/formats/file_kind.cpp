@@ -104,6 +104,16 @@ KindFound ZipKind(std::string_view bytes) {
   const auto isArray = [](const std::string& name) { return name.ends_with(".npy"); };
   if (!content.names.empty() && std::ranges::all_of(content.names, isArray))
     return {FileKind::kNumpyArchive, "an archive of NumPy arrays", {}};
+  // The list of what an archive holds stands at its end.
+  constexpr std::size_t kLongestEnd = 65557;
+  const std::string_view end = bytes.substr(bytes.size() - std::min(bytes.size(), kLongestEnd));
+  if (end.find("PK\x05\x06") == std::string_view::npos) {
+    const bool isWorkbook = bytes.find("xl/") != std::string_view::npos ||
+                            bytes.find("opendocument.spreadsheet") != std::string_view::npos;
+    return {FileKind::kUnread,
+            isWorkbook ? "a workbook whose end is missing" : "a zip archive whose end is missing",
+            "copy or download it again"};
+  }
   return {FileKind::kUnread, "a zip archive", "unpack it"};
 }
 

@@ -2,12 +2,15 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <string_view>
 
 #include "host/base/error.h"
 #include "host/tables/csv_cell.h"
 #include "host/tables/csv_reader.h"
 #include "host/tables/office/ods_reader.h"
 #include "host/tables/office/xlsx_reader.h"
+#include "host/tables/text/sheet_notes.h"
 #include "host/tables/text/text_table.h"
 
 namespace brenvolt {
@@ -16,6 +19,11 @@ namespace {
 // A sheet may have a billion places for a dozen cells.
 constexpr std::size_t kAlwaysPlaces = 20'000'000;
 constexpr std::size_t kMostPlacesOfCell = 50;
+
+bool IsErrorValue(const std::string& text) {
+  constexpr std::string_view kErrors[] = {"#DIV/0!", "#N/A", "#NAME?", "#NULL!", "#NUM!", "#REF!", "#VALUE!"};
+  return std::ranges::find(kErrors, text) != std::end(kErrors);
+}
 
 bool ComesBefore(const GridCell& a, const GridCell& b) {
   return a.row != b.row ? a.row < b.row : a.column < b.column;
@@ -56,6 +64,9 @@ class GridText {
     return text;
   }
 
+  // By their texts, how many cells hold errors, which are missing values.
+  const std::map<std::string, std::size_t>& Errors() const { return errors_; }
+
  private:
   using Place = std::vector<GridCell>::const_iterator;
 
@@ -78,7 +89,9 @@ class GridText {
       if (std::next(cell) != end && std::next(cell)->column == cell->column) continue;
       text.append(cell->column - column, ',');
       column = cell->column;
-      if (cell->isText) {
+      if (cell->isText && IsErrorValue(cell->text)) {
+        ++errors_[cell->text];
+      } else if (cell->isText) {
         AppendQuoted(text, cell->text);
       } else {
         AppendCsvNumber(text, cell->number, '.');
@@ -110,6 +123,7 @@ class GridText {
   std::uint32_t first_ = 0;
   std::uint32_t last_ = 0;
   bool tableBegan_ = false;
+  std::map<std::string, std::size_t> errors_;
 };
 
 }  // namespace
@@ -126,7 +140,8 @@ void RequireTableOptions(const TextOptions& options, const std::string& kind, co
 }
 
 DataRead TableOf(SheetGrid grid, const std::string& place, const TextOptions& options) {
-  const std::string text = GridText(grid, place).Text();
+  GridText written(grid, place);
+  const std::string text = written.Text();
   std::vector<GridCell>().swap(grid.cells);
   TextOptions known = options;
   known.delimiter = ",";
@@ -136,10 +151,13 @@ DataRead TableOf(SheetGrid grid, const std::string& place, const TextOptions& op
   known.encoding = "UTF-8";
   DataRead read = ReadTextTable(text, grid.name, place, known);
   if (grid.hasTimes) read.readAs += std::string(read.readAs.empty() ? "" : ", ") + "times as hours";
+  for (const auto& [error, count] : written.Errors())
+    read.doubts.push_back({"", std::to_string(count) + " error " + (count == 1 ? "cell" : "cells") + " (" +
+                                   error + "), read as missing"});
   if (grid.mergedRanges > 0) {
-    read.doubts.push_back({"", "sheet " + grid.name + " has " + std::to_string(grid.mergedRanges) +
+    read.doubts.push_back({"", std::to_string(grid.mergedRanges) +
                                    (grid.mergedRanges == 1 ? " merged range" : " merged ranges") +
-                                   ": the value stands in the first cell of each, the others are missing"});
+                                   ", of which the first cell has the value and the others are missing"});
   }
   return read;
 }
@@ -156,7 +174,8 @@ DataRead ReadWorkbookFile(std::string_view bytes, bool isOds, const std::string&
       DataRead one = TableOf(std::move(grid), where + ", sheet " + name, options);
       if (!one.readAs.empty())
         read.readAs += (read.readAs.empty() ? "" : "; ") + ("in sheet " + name + " ") + one.readAs;
-      std::ranges::move(one.doubts, std::back_inserter(read.doubts));
+      for (ReadingNote& doubt : one.doubts)
+        read.doubts.push_back({std::move(doubt.field), AboutSheet(name) + doubt.message});
       std::ranges::move(one.sheets, std::back_inserter(read.sheets));
     } catch (const StrayTextsError&) {
       throw;
@@ -165,7 +184,7 @@ DataRead ReadWorkbookFile(std::string_view bytes, bool isOds, const std::string&
     } catch (const Error& error) {
       // A sheet of notes is no table of data; the others may be.
       if (fault.empty()) fault = std::string(error.what()) + " (" + error.Where() + ")";
-      read.doubts.push_back({"", "sheet " + name + " is left out: " + error.what()});
+      read.doubts.push_back({"", AboutSheet(name) + "left out, for " + error.what()});
     }
   }
   if (read.sheets.empty())

@@ -175,6 +175,8 @@ class Detector {
   void Numbers();
   void Header();
   void TellHeader(const HeaderFound& header);
+  void DoubtZeros(const HeaderFound& header);
+  std::string ZerosOf(std::size_t column, const HeaderFound& header) const;
   void ReadAs(bool given, const std::string& what) {
     if (!given) found_.readAs.push_back(what);
   }
@@ -269,7 +271,8 @@ void Detector::Numbers() {
 
 // Where all numbers with a mark have three digits behind it, it may be the decimal sign or separate thousands.
 void Detector::DoubtGroups(const NumberForm& form, const std::vector<std::string>& cells) {
-  const bool isUnusual = division_.delimiter == ';' || form.decimal == ',' || form.thousands != 0;
+  const bool isUnusual =
+      division_.delimiter == ';' || division_.width == 1 || form.decimal == ',' || form.thousands != 0;
   const char mark = form.thousands != 0 ? form.thousands : form.decimal;
   if (!isUnusual || (mark != '.' && mark != ',')) return;
   const char other = mark == ',' ? '.' : ',';
@@ -306,6 +309,7 @@ void Detector::Header() {
   found_.layout.hasUnits = header.hasUnits;
   found_.layout.headerLacksFirst = header.lacksFirst;
   TellHeader(header);
+  DoubtZeros(header);
 }
 
 void Detector::TellHeader(const HeaderFound& header) {
@@ -334,6 +338,31 @@ void Detector::TellHeader(const HeaderFound& header) {
     if (header.lacksFirst) found_.readAs.emplace_back("a first column that the header does not name");
   }
   if (header.hasUnits) ReadAs(options_.unitsRow.has_value(), "units in the line after the header");
+}
+
+// A value of a column of digits alone that begins with a zero and has several; empty if there is none.
+std::string Detector::ZerosOf(std::size_t column, const HeaderFound& header) const {
+  std::string found;
+  for (const SampleRow& row : division_.rows) {
+    if (row.cells.size() != division_.width || row.line < header.line + (header.hasHeader ? 1 : 0)) continue;
+    const std::string& text = row.cells[column].text;
+    if (text.find_first_not_of("0123456789") != std::string::npos) return {};
+    if (text.size() > 1 && text.starts_with('0')) found = text;
+  }
+  return found;
+}
+
+// Numbers have no zeros before their digits; codes and postal codes do.
+void Detector::DoubtZeros(const HeaderFound& header) {
+  const auto names = std::ranges::find(division_.rows, header.line, &SampleRow::line);
+  if (names == division_.rows.end() || !header.hasHeader || header.hasUnits || header.lacksFirst) return;
+  for (std::size_t column = 0; column < std::min(division_.width, names->cells.size()); ++column) {
+    const std::string& name = names->cells[column].text;
+    const std::string zeros = ZerosOf(column, header);
+    if (zeros.empty() || std::ranges::find(options_.text, name) != options_.text.end()) continue;
+    Doubt("text", name + " is read as numbers, and " + Quoted(zeros) + " loses its zeros; " + Quoted(name) +
+                      " here keeps them as texts");
+  }
 }
 
 }  // namespace

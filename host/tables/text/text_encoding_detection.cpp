@@ -38,6 +38,21 @@ bool IsUtf8Sample(std::string_view sample, bool cut) {
   return fault == std::string_view::npos || (cut && fault + kLongestSequence > sample.size());
 }
 
+// In texts of Western Europe bytes from 0x80 to 0x9F are few: the euro, dashes, quotes and the like. In those of East Asia
+// they begin characters.
+bool IsStrangeInWestern(std::string_view sample) {
+  constexpr std::string_view kUsual = "\x80\x85\x91\x92\x93\x94\x95\x96\x97\x99";
+  std::size_t beyond = 0;
+  std::size_t strange = 0;
+  for (const char c : sample) {
+    const auto byte = static_cast<std::uint8_t>(c);
+    if (byte < 0x80) continue;
+    ++beyond;
+    strange += byte < 0xA0 && kUsual.find(c) == std::string_view::npos ? 1 : 0;
+  }
+  return strange * 4 > beyond;
+}
+
 std::string Guessed(std::string_view sample) {
   const std::unique_ptr<uchardet, void (*)(uchardet_t)> guesser(uchardet_new(), uchardet_delete);
   uchardet_handle_data(guesser.get(), sample.data(), sample.size());
@@ -64,7 +79,7 @@ DetectedEncoding DetectEncoding(std::string_view bytes) {
   const bool isWestern = guessed.starts_with("ISO-8859-1") || guessed == "WINDOWS-1252" || guessed.empty() ||
                          guessed == "ASCII" || guessed == "UTF-8";
   if (beyond < kTelling || isWestern || !IsEncodingName(guessed))
-    return {"windows-1252", 0, beyond < kTelling && !isWestern};
+    return {"windows-1252", 0, (beyond < kTelling && !isWestern) || IsStrangeInWestern(sample)};
   return {std::move(guessed), 0, true};
 }
 

@@ -1,6 +1,7 @@
 #include "host/tables/text/text_table.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -9,6 +10,7 @@
 #include "host/base/utf8.h"
 #include "host/tables/csv_reader.h"
 #include "host/tables/text/text_detection.h"
+#include "host/tables/text/text_sample.h"
 
 namespace brenvolt {
 namespace {
@@ -88,14 +90,81 @@ void RequireColumns(const Spreadsheet& sheet, const std::vector<std::string>& na
   }
 }
 
+// "<0.5" or "> 100".
+bool IsBound(std::string_view text) {
+  text = Trim(text);
+  return (text.starts_with('<') || text.starts_with('>')) && IsNumberOfAnyForm(Trim(text.substr(1)));
+}
+
+// A number with a sign of a currency, of per cent or of a unit before or behind it: "12 %", "EUR 3.50".
+bool IsNumberWithSign(std::string_view text) {
+  constexpr std::string_view kOfNumbers = "0123456789.,+-";
+  const std::size_t first = text.find_first_of("+-0123456789");
+  const std::size_t last = text.find_last_of("0123456789");
+  if (first == std::string_view::npos || last == std::string_view::npos || last < first) return false;
+  constexpr std::size_t kLongestSign = 6;
+  constexpr std::string_view kCurrencies[] = {"$", "€", "£", "¥", "EUR", "USD", "GBP", "CHF", "JPY"};
+  const std::string_view number = text.substr(first, last + 1 - first);
+  const std::string_view before = Trim(text.substr(0, first));
+  const std::size_t behind = text.size() - last - 1;
+  const bool isCurrency = std::ranges::find(kCurrencies, before) != std::end(kCurrencies);
+  return (before.empty() ? behind > 0 && behind <= kLongestSign : isCurrency) &&
+         number.find_first_not_of(kOfNumbers) == std::string_view::npos && IsNumberOfAnyForm(number);
+}
+
+// What is to be told of a column of texts all of which are numbers, numbers with signs, or usual marks of missing values.
+std::optional<ReadingNote> NoteOf(const Variable& variable) {
+  std::string missing;
+  std::string withSign;
+  bool hasNumber = false;
+  std::string_view behind;
+  bool isOneSign = true;
+  for (const auto& [code, text] : variable.Labels()) {
+    if (LooksMissing(text)) {
+      missing += (missing.empty() ? "" : ",") + text;
+    } else if (IsNumberOfAnyForm(text)) {
+      hasNumber = true;
+    } else if (IsNumberWithSign(text)) {
+      const std::string_view sign = std::string_view(text).substr(text.find_last_of("0123456789") + 1);
+      isOneSign = isOneSign && (withSign.empty() || sign == behind);
+      behind = sign;
+      if (withSign.empty()) withSign = text;
+    } else {
+      return std::nullopt;
+    }
+  }
+  if (!withSign.empty() && isOneSign)
+    return ReadingNote{"", variable.Name() +
+                               " is read as text: its values are numbers with signs or units, as " +
+                               Quoted(withSign) + "; without them they are read as numbers"};
+  if (withSign.empty() && hasNumber && !missing.empty())
+    return ReadingNote{"missingText", variable.Name() +
+                                          " is read as text: all that is no number in it looks like a "
+                                          "missing value; " +
+                                          Quoted(missing) + " here reads such texts as missing"};
+  return std::nullopt;
+}
+
 // What is to be told of columns that are read as texts though most of their values are numbers.
 ReadingNote NoteOf(const StrayTexts& mixed) {
   std::string cells;
-  for (const StrayTexts::Cell& cell : mixed.first)
+  std::vector<std::string> texts;
+  for (const StrayTexts::Cell& cell : mixed.first) {
     cells += (cells.empty() ? "" : ", ") + Quoted(cell.text) + " (line " + std::to_string(cell.line) + ")";
+    if (std::ranges::find(texts, cell.text) == texts.end()) texts.push_back(cell.text);
+  }
+  if (std::ranges::any_of(texts, IsBound))
+    return {
+        "",
+        mixed.column + " is read as text: values such as " + cells +
+            " are known by a bound alone; with the bound as a number, and a column that says left or right "
+            "of it, a fit takes them as censored"};
+  std::string list;
+  for (const std::string& text : texts) list += (list.empty() ? "" : ",") + text;
   return {"missingText", mixed.column + " is read as text: of its " + std::to_string(mixed.values) +
                              " values " + std::to_string(mixed.texts) +
-                             (mixed.texts == 1 ? " is not a number: " : " are not numbers: ") + cells};
+                             (mixed.texts == 1 ? " is not a number: " : " are not numbers: ") + cells + "; " +
+                             Quoted(list) + " here reads such texts as missing"};
 }
 
 // Reads text in UTF-8.
@@ -118,6 +187,13 @@ class TextReader {
     auto sheet = std::make_unique<Spreadsheet>(
         ReadCsvBlocks(text, name_, where_, found.layout, kCsvBlockBytes, &mixed));
     RequireColumns(*sheet, options_.text, where_);
+    for (std::size_t i = 0; i < sheet->VariableCount(); ++i) {
+      const Variable& variable = sheet->VariableAt(i);
+      const auto isOfIt = [&](const StrayTexts& one) { return one.column == variable.Name(); };
+      const bool isAsked = std::ranges::find(options_.text, variable.Name()) != options_.text.end();
+      if (variable.Type() != VariableType::kText || isAsked || std::ranges::any_of(mixed, isOfIt)) continue;
+      if (auto note = NoteOf(variable)) read.doubts.push_back(std::move(*note));
+    }
     read.sheets.push_back(std::move(sheet));
     read.doubts.insert(read.doubts.end(), found.doubts.begin(), found.doubts.end());
     for (const StrayTexts& one : mixed) read.doubts.push_back(NoteOf(one));
@@ -130,6 +206,36 @@ class TextReader {
   const std::string& where_;
   const TextOptions& options_;
 };
+
+// Lines that end as on old machines, by a return alone.
+bool HasReturnsAlone(std::string_view text) {
+  const std::string_view sample = text.substr(0, kSampleBytes);
+  return sample.find('\n') == std::string_view::npos && sample.find('\r') != std::string_view::npos;
+}
+
+// Text in UTF-8, or what is taken for it.
+void ReadLines(std::string_view text, const std::string& name, const std::string& where,
+               const TextOptions& options, std::vector<std::string> readAs, DataRead& read) {
+  std::string lines;
+  if (HasReturnsAlone(text) && text.find_first_not_of("\r") != std::string_view::npos) {
+    lines = text;
+    std::ranges::replace(lines, '\r', '\n');
+    text = lines;
+    readAs.emplace_back("returns alone at the ends of lines");
+  }
+  try {
+    TextReader(text, name, where, options).Read(std::move(readAs), read);
+  } catch (const Error& error) {
+    if (std::string_view(error.what()) != "the text is not UTF-8") throw;
+    if (options.encoding)
+      throw OptionError({"encoding", "the text is not " + *options.encoding}, error.Where());
+    if (text.find('\0') != std::string_view::npos)
+      throw Error("the file is no text: it holds bytes that stand in none", error.Where());
+    throw Error(std::string(error.what()) +
+                    " from here on, as it is above; another encoding reads it: windows-1252, for one",
+                error.Where());
+  }
+}
 
 bool IsUtf8(std::string name) {
   std::ranges::transform(name, name.begin(),
@@ -154,14 +260,7 @@ DataRead ReadTextTable(std::string_view bytes, const std::string& name, const st
   }
   if (IsUtf8(encoding.name)) {
     const std::string_view text = bytes.substr(bytes.starts_with(kByteOrderMark) ? kByteOrderMark.size() : 0);
-    try {
-      TextReader(text, name, where, options).Read(std::move(readAs), read);
-    } catch (const Error& error) {
-      if (std::string_view(error.what()) != "the text is not UTF-8" || options.encoding) throw;
-      throw Error(std::string(error.what()) +
-                      " from here on, as it is above; another encoding reads it: windows-1252, for one",
-                  error.Where());
-    }
+    ReadLines(text, name, where, options, std::move(readAs), read);
     return read;
   }
   std::string text;
@@ -171,7 +270,7 @@ DataRead ReadTextTable(std::string_view bytes, const std::string& name, const st
     throw OptionError(
         {"encoding", "the text is not " + encoding.name + " in line " + std::to_string(fault.line)}, where);
   }
-  TextReader(text, name, where, options).Read(std::move(readAs), read);
+  ReadLines(text, name, where, options, std::move(readAs), read);
   return read;
 }
 
