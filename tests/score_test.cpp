@@ -47,8 +47,20 @@ TEST_F(ScoreCommand, KeepsTheColumnsThatTellCasesApart) {
   std::vector<std::string> asJson = call;
   asJson.insert(asJson.end(), {"--format", "json"});
   const auto report = nlohmann::json::parse(Run(asJson).out);
-  EXPECT_EQ(report["predictions"]["id"].dump(), R"(["mon","tue, late"])");
-  EXPECT_EQ(report["predictions"]["O3 (data)"].dump(), "[3.0,5.0]");
+  EXPECT_EQ(report["caseNumbers"].dump(), "[1,2]");
+  EXPECT_FALSE(report["predictions"].contains("id"));
+  EXPECT_EQ(report["kept"]["id"].dump(), R"(["mon","tue, late"])");
+  EXPECT_EQ(report["kept"]["O3 (data)"].dump(), "[3.0,5.0]");
+  std::vector<std::string> asTable = call;
+  asTable.insert(asTable.end(), {"--format", "table"});
+  EXPECT_EQ(Run(asTable).out.find("  Case  id "), 0U) << Run(asTable).out;
+  for (const char* file : {"p.sav", "p.dta", "p.npz"}) {
+    MustRun({"score", kModels + "RegressionOzone.pmml", "d.csv", "--keep", "id", "-o", file});
+    EXPECT_NE(MustRun({"import", file, "--preview"}).out.find("\n  Case "), std::string::npos) << file;
+  }
+  EXPECT_NE(Run({"score", kModels + "RegressionOzone.pmml", "d.csv", "-o", "p.json"})
+                .err.find("predictions as JSON are "),
+            std::string::npos);
   const std::pair<const char*, const char*> refusals[] = {
       {"day", "sheet d has no variable called 'day' (--keep)"}, {"id,id", "'id' is given twice (--keep)"}};
   for (const auto& [kept, message] : refusals) {

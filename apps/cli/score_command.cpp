@@ -5,7 +5,9 @@
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
 #include "apps/cli/print.h"
+#include "apps/cli/text_table.h"
 #include "apps/cli/unpredicted_report.h"
+#include "host/base/number_text.h"
 #include "host/base/visible_text.h"
 #include "host/jobs/json/score_json.h"
 #include "host/jobs/score_job.h"
@@ -16,17 +18,43 @@ namespace {
 struct ScoreCall {
   ScoreJob job;
   std::filesystem::path record;
-  ReportFormat format = ReportFormat::kTable;
+  ReportFormat format = ReportFormat::kCsv;
 };
 
+// The predictions for people, a row for each case.
+ReportTable PredictionTable(const Spreadsheet& predictions) {
+  ReportTable table;
+  table.AddText(predictions.Header());
+  for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {
+    const Variable& variable = predictions.VariableAt(k);
+    variable.Type() == VariableType::kText ? table.AddText(variable.Name())
+                                           : table.AddNumber(variable.Name());
+  }
+  for (std::size_t i = 0; i < predictions.CaseCount(); ++i) {
+    std::vector<std::string> cells{std::string(predictions.CaseName(i))};
+    for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {
+      const Variable& variable = predictions.VariableAt(k);
+      const double value = variable.Values()[i];
+      const auto label = variable.IsMissing(i) ? std::nullopt : variable.Label(value);
+      cells.push_back(variable.IsMissing(i) ? "-" : label ? std::string(*label) : ReadableNumber(value));
+    }
+    table.AddRow(std::move(cells));
+  }
+  return table;
+}
+
 // Predictions on standard output stay alone there: programs read them.
-void ReportTable(const ScoreJob& job, const ScoreRun& run) {
+void ReportRows(const ScoreJob& job, const ScoreRun& run, bool isTable) {
   const std::size_t cases = run.predictions.CaseCount();
   std::string notes = UnpredictedText(run.unpredicted, cases, "cases");
   for (const UnavailableOutput& output : run.unavailable)
     notes += "The output " + output.name + " is left out: " + output.reason + "\n";
   if (job.output.empty()) {
-    PrintData(CsvText(run.predictions, job.data.Format()));
+    if (isTable) {
+      Print(TextOf(PredictionTable(run.predictions)));
+    } else {
+      PrintData(CsvText(run.predictions, job.data.Format()));
+    }
     std::fputs(VisibleText(notes).c_str(), stderr);
     return;
   }
@@ -40,7 +68,7 @@ void Score(const ScoreCall& call) {
   if (call.format == ReportFormat::kJson) {
     Print(JsonText(ScoreJson(call.job, run)));
   } else {
-    ReportTable(call.job, run);
+    ReportRows(call.job, run, call.format == ReportFormat::kTable);
   }
   recording.Commit();
 }
@@ -69,6 +97,8 @@ void AddScoreCommand(CLI::App& program) {
   AddReadingOptions(*command, job.data);
   AddRecordOption(*command, call->record);
   AddTableFormatOption(*command, call->format);
+  command->get_option("--format")
+      ->description("csv with a row for each case (default); table for people; json for programs");
   command->footer("Example:\n  brenvolt score ozone.pmml ozone.csv --keep doy -o predicted.csv");
   command->callback([call] { Score(*call); });
 }

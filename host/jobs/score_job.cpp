@@ -54,7 +54,12 @@ JobFaults ScoreJob::Check() const {
   if (model.empty()) faults.push_back({"model", "missing model file"});
   CheckOnce("keep", keep, faults);
   CheckReading(data, faults);
-  CheckTableTarget("output", output, faults);
+  if (HasEnding(output, ".json")) {
+    faults.push_back(
+        {"output", "predictions as JSON are printed, with json as the format, and not written to a file"});
+  } else {
+    CheckTableTarget("output", output, faults);
+  }
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
@@ -72,7 +77,7 @@ ScoreRun ScoreJob::Predict(const PredictionModel& prediction, const Spreadsheet&
   options.invalid = leaveInvalid ? InvalidValues::kMissing : InvalidValues::kError;
   UnpredictedCases unpredicted;
   Spreadsheet predictions = prediction.Score(cases, prediction.Name(), options, &unpredicted);
-  return {BesideTheirCases(std::move(predictions), cases, kept), std::move(unpredicted),
+  return {BesideTheirCases(std::move(predictions), cases, kept), kept.size(), std::move(unpredicted),
           prediction.UnavailableOutputs(cases)};
 }
 

@@ -13,6 +13,7 @@ namespace brenvolt {
 
 struct ScoreRun {
   Spreadsheet predictions;       // a case each, under its name or number, behind the columns that are kept
+  std::size_t kept = 0;          // how many columns these are
   UnpredictedCases unpredicted;  // why cases have none
   std::vector<UnavailableOutput> unavailable;
 };

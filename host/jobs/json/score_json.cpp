@@ -28,10 +28,10 @@ Json UnpredictedJson(const UnpredictedCases& unpredicted) {
   return list;
 }
 
-// The columns of the predictions: texts, numbers, and null if there is none.
-Json ColumnsJson(const Spreadsheet& predictions) {
+// Columns of the predictions from a first to before a last: texts, numbers, and null if there is none.
+Json ColumnsJson(const Spreadsheet& predictions, std::size_t first, std::size_t last) {
   Json columns = Json::object();
-  for (std::size_t k = 0; k < predictions.VariableCount(); ++k) {
+  for (std::size_t k = first; k < last; ++k) {
     const Variable& variable = predictions.VariableAt(k);
     auto values = Json::array();
     for (std::size_t i = 0; i < variable.Size(); ++i) {
@@ -48,17 +48,17 @@ Json ColumnsJson(const Spreadsheet& predictions) {
 
 Json ScoreJson(const ScoreJob& job, const ScoreRun& run) {
   Json report = {{"cases", run.predictions.CaseCount()}, {"unpredicted", UnpredictedJson(run.unpredicted)}};
-  if (!run.predictions.AreCasesNumbered()) {
-    auto& names = report["caseNames"] = Json::array();
-    for (std::size_t i = 0; i < run.predictions.CaseCount(); ++i)
-      names.push_back(run.predictions.CaseName(i));
-  }
+  const bool isNumbered = run.predictions.AreCasesNumbered();
+  auto& names = report[isNumbered ? "caseNumbers" : "caseNames"] = Json::array();
+  for (std::size_t i = 0; i < run.predictions.CaseCount(); ++i)
+    names.push_back(isNumbered ? Json(i + 1) : Json(run.predictions.CaseName(i)));
   auto unavailable = Json::array();
   for (const UnavailableOutput& output : run.unavailable)
     unavailable.push_back({{"name", output.name}, {"reason", output.reason}});
   report["unavailableOutputs"] = std::move(unavailable);
   if (job.output.empty()) {
-    report["predictions"] = ColumnsJson(run.predictions);
+    report["kept"] = ColumnsJson(run.predictions, 0, run.kept);
+    report["predictions"] = ColumnsJson(run.predictions, run.kept, run.predictions.VariableCount());
   } else {
     report["output"] = {{"file", job.output.string()}};
   }

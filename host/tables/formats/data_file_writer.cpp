@@ -1,6 +1,10 @@
 #include "host/tables/formats/data_file_writer.h"
 
 #include <algorithm>
+#include <map>
+#include <numeric>
+#include <utility>
+#include <vector>
 
 #include "host/base/error.h"
 #include "host/tables/formats/workbook_file.h"
@@ -19,6 +23,32 @@ std::string EndingOf(const std::filesystem::path& path) {
   std::ranges::transform(ending, ending.begin(),
                          [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
   return ending;
+}
+
+// The names of the cases as a column, which files without names of cases take.
+Variable CaseColumn(const Spreadsheet& sheet) {
+  Variable column(sheet.Header().empty() ? "Case" : sheet.Header(), sheet.CaseCount());
+  std::vector<double> values(sheet.CaseCount());
+  std::iota(values.begin(), values.end(), 1.0);
+  if (!sheet.AreCasesNumbered()) {
+    column.SetType(VariableType::kText);
+    std::map<std::string, double, std::less<>> codes;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      const std::string name(sheet.CaseName(i));
+      values[i] = codes.try_emplace(name, static_cast<double>(codes.size() + 1)).first->second;
+    }
+    for (const auto& [name, code] : codes) column.SetLabel(code, name);
+  }
+  column.AssignValues(std::move(values));
+  return column;
+}
+
+Spreadsheet WithCaseColumn(const Spreadsheet& sheet) {
+  Spreadsheet whole(sheet.Name());
+  Variable cases = CaseColumn(sheet);
+  if (!sheet.FindVariable(cases.Name())) whole.AddVariable(std::move(cases));
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) whole.AddVariable(Variable(sheet.VariableAt(i)));
+  return whole;
 }
 
 }  // namespace
@@ -46,6 +76,9 @@ std::string WhyTooLarge(const std::filesystem::path& path, std::size_t cases, st
 
 void WriteDataFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
   const std::string ending = EndingOf(path);
+  const bool isNamed = sheet.Kind() == SheetKind::kData && sheet.HasCaseNames();
+  if (isNamed && (ending == ".sav" || ending == ".dta" || ending == ".npz"))
+    return WriteDataFile(WithCaseColumn(sheet), path, format);
   if (ending == kXlsx) {
     WriteWorkbookFile({&sheet}, path);
   } else if (ending == ".sav" || ending == ".dta") {
