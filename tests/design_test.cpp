@@ -232,7 +232,7 @@ TEST_F(Command, MatrixOfAProjectWithoutDataIsTaken) {
   const std::string expected = MustRun(with("m.csv")).out;
   EXPECT_EQ(MustRun(with("m.bvw")).out, expected);
   EXPECT_EQ(MustRun(with("m.bvw:m")).out, expected);
-  MustRun({"import", "m.csv", "--kind", "matrix", "--sheet", "second", "-o", "m.bvw"});
+  MustRun({"import", "m.csv", "--kind", "matrix", "--name", "second", "-o", "m.bvw"});
   const auto several = Run(with("m.bvw"));
   EXPECT_NE(several.err.find("the project has several matrices; name one after a colon: m, second (m.bvw)"),
             std::string::npos)

@@ -29,7 +29,7 @@ TEST_F(Command, SavedFitsHaveTheirCorrelationsBesideThem) {
   // Another sheet has a matrix of its own, and data that bear a matrix's name stay.
   WriteBytes(File("d.csv"), "a,b\n1,5\n2,5\n4,5\n3,5\n7,5\n");
   WriteBytes(File("m.csv"), "z\n1\n");
-  MustRun({"import", "m.csv", "-o", "p.bvw", "--sheet", "Correlation matrix of d"});
+  MustRun({"import", "m.csv", "-o", "p.bvw", "--name", "Correlation matrix of d"});
   for (int again = 0; again < 2; ++again) MustRun({"fit", "d.csv", "--continuous", "a", "--save", "p.bvw"});
   EXPECT_EQ(matrix("Correlation matrix"), shown);
   const auto sheets = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
@@ -171,10 +171,29 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
   EXPECT_EQ(BytesOf(File("p.bvw")), before);
 }
 
+TEST_F(Command, ImportTakesTheSheetOfAWorkbookThatIsNamed) {
+  MustRun({"fit", kExamples + "faithful.csv", "--report", "w.xlsx"});
+  MustRun({"import", "w.xlsx", "--sheet", "Summaries", "-o", "p.bvw", "--name", "s"});
+  const std::string table = MustRun({"export", "p.bvw:s", "-o", "s.csv"}).err + BytesOf(File("s.csv"));
+  EXPECT_TRUE(table.starts_with("variable,")) << table;
+  EXPECT_NE(table.find("\neruptions,"), std::string::npos) << table;
+  const Outcome first = MustRun({"import", "w.xlsx", "-o", "p.bvw"});
+  EXPECT_NE(first.out.find("272 cases of 2 variables imported into p.bvw, sheet faithful"),
+            std::string::npos);
+  EXPECT_NE(first.err.find("'faithful' is taken, other sheets are left out: Ranked fits, Correlations, "
+                           "Summaries, Chart data (--sheet)"),
+            std::string::npos)
+      << first.err;
+  const Outcome misspelt = Run({"import", "w.xlsx", "--sheet", "Sumaries", "-o", "p.bvw"});
+  EXPECT_NE(misspelt.err.find("no sheet called Sumaries; did you mean Summaries? Its sheets are faithful, "),
+            std::string::npos)
+      << misspelt.err;
+}
+
 TEST_F(Command, ImportAndExportGiveTheDataBack) {
   const std::string text = "name,value\n\"a, b\",0.1\nc,1e-300\n,\n";
   WriteBytes(File("in.csv"), text);
-  MustRun({"import", "in.csv", "-o", "p.bvw", "--sheet", "first: one"});
+  MustRun({"import", "in.csv", "-o", "p.bvw", "--name", "first: one"});
   MustRun({"export", "p.bvw:first: one", "-o", "out.csv"});
   EXPECT_EQ(BytesOf(File("out.csv")), text);
   MustRun({"export", "p.bvw", "-o", "comma.csv", "--decimal-comma"});
@@ -208,7 +227,7 @@ TEST_F(Command, MatrixGoesThroughAProjectAndBack) {
       ",load,\"width, mm\"\nload,1,-0.1\n\"width, mm\",-0.1,1\nMeans,2.5,20\nStd.Dev.,0.1,0.5\n"
       "No.Cases,254,\nMatrix,1,\n";
   WriteBytes(File("m.csv"), text);
-  EXPECT_EQ(MustRun({"import", "m.csv", "-o", "p.bvw", "--sheet", "Correlation matrix"}).out,
+  EXPECT_EQ(MustRun({"import", "m.csv", "-o", "p.bvw", "--name", "Correlation matrix"}).out,
             "correlation matrix of 2 variables imported into p.bvw, sheet Correlation matrix\n");
   const auto sheets = Json::parse(MustRun({"show", "p.bvw", "--format", "json"}).out)["sheets"];
   EXPECT_EQ(sheets[0]["kind"], "matrix");

@@ -118,7 +118,7 @@ TEST_F(Recordings, ReplayedProfileLeavesTheSameFiles) {
 
 TEST_F(Recordings, ReplayedExchangeLeavesTheSameFiles) {
   WriteBytes(File("comma.csv"), "a;b\n1,5;2\n3;4,25\n");
-  ExpectSameFiles({"import", "comma.csv", "-o", "p.bvw", "--sheet", "a \"b\"", "--decimal-comma"}, {"p.bvw"});
+  ExpectSameFiles({"import", "comma.csv", "-o", "p.bvw", "--name", "a \"b\"", "--decimal-comma"}, {"p.bvw"});
   ExpectSameFiles({"export", "p.bvw:a \"b\"", "-o", "e.csv"}, {"e.csv"});
   const std::string models = BRENVOLT_SOURCE_DIR "/host/models/reference/interchange/";
   ExpectSameFiles({"score", models + "RegressionOzone.pmml", models + "Ozone.csv", "-o", "o.csv"}, {"o.csv"});

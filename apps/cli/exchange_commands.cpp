@@ -29,15 +29,15 @@ struct ImportOptions : Options<ImportJob> {
 };
 
 void Preview(const ImportOptions& options) {
-  if (!options.job.output.empty() || !options.job.kind.empty() || !options.record.empty())
-    throw WrongCall("a preview imports nothing, so -o, --kind and --record cannot be given with it");
-  PreviewJob job{options.job.data};
-  job.data.sheet = options.job.sheet;
-  const FilePreview preview = job.Run();
+  if (!options.job.output.empty() || !options.job.kind.empty() || !options.job.name.empty() ||
+      !options.record.empty())
+    throw WrongCall("a preview imports nothing, so -o, --name, --kind and --record cannot be given with it");
+  const FilePreview preview = PreviewJob{options.job.data}.Run();
   if (options.format == ReportFormat::kJson) {
     Print(JsonText(PreviewJson(preview)));
     return;
   }
+  if (options.format == ReportFormat::kCsv) return PrintCsv(PreviewSheet(preview), options.job.data);
   for (const PreviewedSheet& sheet : preview.sheets) {
     const ReportTable table = PreviewTable(sheet);
     std::printf("%s%s\n%s", &sheet == &preview.sheets.front() ? "" : "\n", VisibleLine(table.title).c_str(),
@@ -48,7 +48,7 @@ void Preview(const ImportOptions& options) {
 void Import(const ImportOptions& options) {
   if (options.preview) return Preview(options);
   if (options.job.output.empty()) throw CLI::RequiredError("--output");
-  if (options.format == ReportFormat::kJson) throw WrongCall("this applies only to a preview (--format)");
+  if (options.format != ReportFormat::kTable) throw WrongCall("this applies only to a preview (--format)");
   RequireNone(options.job.Check());
   Recording recording(options.record);
   const Spreadsheet sheet = options.job.Run(recording.Job());
@@ -83,9 +83,12 @@ void AddImportCommand(CLI::App& program) {
       ->type_name("PROJECT.bvw");
   AddWaitOption(*command);
   command
-      ->add_option(
-          "--sheet", options->job.sheet,
-          "Name of the new sheet; default: the file's name. With --preview, the sheet of a workbook to show")
+      ->add_option("--sheet", options->job.data.sheet,
+                   "Sheet of a workbook to take; default: its first one, with --preview all")
+      ->type_name("NAME");
+  command
+      ->add_option("--name", options->job.name,
+                   "Name of the new sheet; default: that of the sheet taken, or the file's name")
       ->type_name("NAME");
   command->add_flag("--preview", options->preview,
                     "Import nothing, but print what the file is read as: the types of its variables, their "
@@ -97,7 +100,7 @@ void AddImportCommand(CLI::App& program) {
       ->type_name("data|matrix");
   AddReadingOptions(*command, options->job.data);
   AddRecordOption(*command, options->record);
-  AddFormatOption(*command, options->format);
+  AddTableFormatOption(*command, options->format);
   command->footer("Example:\n  brenvolt import examples/faithful.csv -o geyser.bvw");
   command->callback([options] { Import(*options); });
 }

@@ -121,8 +121,10 @@ std::vector<std::string> Append(const std::filesystem::path& path, const std::ve
 
 std::string Import(const std::filesystem::path& file, const std::filesystem::path& output,
                    const std::string& sheet, const std::string& kind, bool decimalComma,
-                   const TextOptions& text) {
-  return ImportJob{DataOf(file, decimalComma, text), output, sheet, kind}.Run(TheJob()).Name();
+                   const std::string& name, const TextOptions& text) {
+  ImportJob job{DataOf(file, decimalComma, text), output, name, kind};
+  job.data.sheet = sheet;
+  return job.Run(TheJob()).Name();
 }
 
 // What a file would be read as, as JSON.
@@ -647,7 +649,7 @@ void BindJobs(py::module_& module) {
       },
       InHost(), py::arg("analysis"), py::arg("path"));
   module.def("_import", &Import, InHost(), py::arg("file"), py::arg("project"), py::arg("sheet"),
-             py::arg("kind"), py::arg("decimal_comma"), py::arg("reading"));
+             py::arg("kind"), py::arg("decimal_comma"), py::arg("name"), py::arg("reading"));
   module.def("_preview", &Preview, InHost(), py::arg("path"), py::arg("sheet"), py::arg("decimal_comma"),
              py::arg("reading"));
   module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));

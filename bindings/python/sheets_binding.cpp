@@ -533,14 +533,25 @@ void BindWorkbook(py::module_& module) {
           InHost());
   module.def(
       "open_workbook",
-      [](const std::filesystem::path& path, bool decimalComma, const TextOptions& text) {
-        const JobData data = DataOf(path, decimalComma, text);
-        auto workbook = std::make_shared<WorkbookRef>(OpenJobData(data));
+      [](const std::filesystem::path& path, bool decimalComma, const TextOptions& text,
+         const std::optional<std::string>& sheet) {
+        JobData data = DataOf(path, decimalComma, text);
+        data.sheet = sheet.value_or("");
+        data.tell = {};
+        DataFile file = OpenJobData(data);
+        // A workbook that is wanted as a whole leaves no sheet out.
+        if (!sheet)
+          std::erase_if(file.doubts, [](const ReadingNote& doubt) { return doubt.field == "sheet"; });
+        WarnOfDoubts(file);
+        auto workbook = std::make_shared<WorkbookRef>(std::move(file));
         RecordOpened(workbook, path, ReadingArguments(data));
         return workbook;
       },
       InHost(), py::arg("path"), py::arg("decimal_comma") = false, py::arg("reading") = TextOptions(),
-      "Opens a project, or a data file of another kind as a workbook.");
+      py::arg("sheet") = std::nullopt,
+      "Opens a project, or a data file of another kind as a workbook; with the sheet that is wanted of it, "
+      "what was found is told "
+      "of that one, which without a name is the first.");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "host/analysis/result_request.h"
 #include "host/application/application_automation.h"
 #include "host/base/error.h"
+#include "host/base/nearest_name.h"
 #include "host/base/process/environment.h"
 
 namespace brenvolt {
@@ -45,9 +46,17 @@ Spreadsheet& DataFile::Sheet(const std::string& name) {
     Spreadsheet& sheet = workbook.SheetAt(i);
     if (name.empty() ? sheet.Kind() == SheetKind::kData : sheet.Name() == name) return sheet;
   }
-  throw Error(
-      name.empty() ? std::string("the file has no data sheet") : "the file has no sheet called " + name,
-      path.string());
+  if (name.empty()) throw Error("the file has no data sheet", path.string());
+  std::vector<std::string> names;
+  std::string list;
+  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
+    names.push_back(workbook.SheetAt(i).Name());
+    list += (list.empty() ? "" : ", ") + names.back();
+  }
+  const std::string hint = NearestNameHint(name, names);
+  throw Error("the file has no sheet called " + name + hint + (hint.empty() ? "; its " : " Its ") +
+                  (names.size() == 1 ? "sheet is " : "sheets are ") + list,
+              path.string());
 }
 
 DataFile OpenDataFile(const std::filesystem::path& path, const TextOptions& options) {

@@ -490,12 +490,13 @@ class Application:
         return _brenvolt._append(path, [_sheet(sheet) for sheet in sheets])
 
     def import_file(self, file: str | os.PathLike, output: str | os.PathLike, sheet: str = "", kind: str = "",
-                    decimal_comma: bool = False, **reading: Any) -> str:
+                    decimal_comma: bool = False, name: str = "", **reading: Any) -> str:
         """Imports a data file into a project (.bvw), created if missing, and returns the sheet's name.
 
-        kind: "data" or "matrix"; by default the file decides. reading: see fit().
+        sheet: which one of a workbook; by default the first. kind: "data" or "matrix"; by default the file decides. name: of the
+        new sheet; by default that of the one taken, or the file's. reading: see fit().
         """
-        return _brenvolt._import(file, output, sheet, kind, decimal_comma, _reading.options(reading, "import_file"))
+        return _brenvolt._import(file, output, sheet, kind, decimal_comma, name, _reading.options(reading, "import_file"))
 
     def export_sheet(self, source: str, output: str | os.PathLike, decimal_comma: bool = False) -> None:
         """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""

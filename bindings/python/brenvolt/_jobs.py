@@ -33,7 +33,8 @@ def _sheet_of(data, name, required=(), decimal_comma=False, reading=None):
     if name is not None:
         _arguments.text(name, "sheet", "a name")
     if isinstance(data, (str, os.PathLike)):
-        return _brenvolt.open_workbook(data, decimal_comma, _reading.options(reading or {}, "fit")).sheet(name or "")
+        return _brenvolt.open_workbook(data, decimal_comma, _reading.options(reading or {}, "fit"),
+                                       name or "").sheet(name or "")
     _reading.refuse(reading or {}, "data", data)
     if decimal_comma:
         raise ValueError(f"decimal_comma has no effect: data is a {type(data).__name__}")

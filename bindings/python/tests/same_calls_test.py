@@ -265,6 +265,7 @@ def fit(data, arguments):
 REFUSED_IMPORTS = (
     ({"output": "p.csv"}, "expected a file ending in .bvw, got p.csv (output)"),
     ({"output": "p.bvw", "kind": "graph"}, "expected data or matrix, got 'graph' (kind)"),
+    ({"output": "p.bvw", "sheet": "e"}, "the file has no sheet called e; its sheet is d (d.csv)"),
     ({"output": "none/p.bvw"}, "the folder of none/p.bvw does not exist (output)"),
     ({"output": "p.bvw", "kind": "matrix"}, "must hold numbers (d.csv)"),
 )

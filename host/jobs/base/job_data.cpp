@@ -12,6 +12,7 @@
 #include "host/jobs/base/project_files.h"
 #include "host/rounds/crew.h"
 #include "host/tables/csv_layout.h"
+#include "host/tables/text/sheet_notes.h"
 
 namespace brenvolt {
 
@@ -97,6 +98,22 @@ std::string FirstGiven(const JobData& data) {
   return {};
 }
 
+// Leaves out what was found of other sheets than the one that is named, or says which there are if none is.
+void TellOfOneSheet(const JobData& data, DataFile& file) {
+  std::vector<std::string> names;
+  for (std::size_t i = 0; i < file.workbook.SheetCount(); ++i)
+    names.push_back(file.workbook.SheetAt(i).Name());
+  if (!data.sheet.empty()) {
+    const auto isOfAnother = [&](const ReadingNote& note) {
+      return note.message.starts_with("sheet ") && !note.message.starts_with(AboutSheet(data.sheet));
+    };
+    if (names.size() > 1) std::erase_if(file.doubts, isOfAnother);
+  } else if (names.size() > 1) {
+    file.doubts.push_back({"sheet", Quoted(names.front()) + " is taken, other sheets are left out: " +
+                                        Listed({names.begin() + 1, names.end()}, ", ")});
+  }
+}
+
 }  // namespace
 
 void CheckReading(const JobData& data, JobFaults& faults) {
@@ -146,6 +163,7 @@ DataFile OpenJobData(const JobData& data) {
   DataFile file = Opened(data);
   if (const std::string given = FirstGiven(data); file.isProject && !given.empty())
     throw WrongJob(given, "this applies to text files, and the data are a project");
+  if (!file.isProject) TellOfOneSheet(data, file);
   if (data.tell) data.tell(file);
   return file;
 }

@@ -37,7 +37,7 @@ JobFaults ImportJob::Check() const {
   CheckReading(data, faults);
   if (!kind.empty() && kind != kData && kind != kMatrix)
     faults.push_back({"kind", "expected data or matrix, got " + Quoted(kind)});
-  if (!IsText(sheet)) faults.push_back({"sheet", "the name is not UTF-8 text"});
+  if (!IsText(name)) faults.push_back({"name", "the name is not UTF-8 text"});
   CheckTargetsApart({{"file", data.file}}, {{"output", output}}, faults);
   return faults;
 }
@@ -45,10 +45,10 @@ JobFaults ImportJob::Check() const {
 Spreadsheet ImportJob::Run(JobRecorder& recorder) const {
   RequireNone(Check());
   Spreadsheet taken = ReadSheet(*this);
-  if (!sheet.empty()) taken.SetName(sheet);
+  if (!name.empty()) taken.SetName(name);
   MergeIntoProject(output, taken);
-  JobRecorder::Arguments arguments{PythonPath(data.file), PythonPath(output), Keyword("sheet=", sheet),
-                                   Keyword("kind=", kind)};
+  JobRecorder::Arguments arguments{PythonPath(data.file), PythonPath(output), Keyword("sheet=", data.sheet),
+                                   Keyword("kind=", kind), Keyword("name=", name)};
   for (std::string& argument : ReadingArguments(data)) arguments.push_back(std::move(argument));
   recorder.Called(nullptr, "Import", arguments);
   return taken;

@@ -11,9 +11,9 @@ namespace brenvolt {
 
 // Takes a data file into a project, which is created if missing.
 struct ImportJob {
-  JobData data;
+  JobData data;                  // one of its sheets
   std::filesystem::path output;  // the project
-  std::string sheet;             // the name of the new sheet; empty: the file's name
+  std::string name;              // of the new sheet; empty: that of the one that is read
   std::string kind;              // "data" or "matrix"; empty: the file decides
 
   JobFaults Check() const;

@@ -52,7 +52,12 @@ JobFaults PreviewJob::Check() const {
 
 FilePreview PreviewJob::Run() const {
   RequireNone(Check());
-  DataFile file = OpenJobData(data);
+  JobData whole = data;
+  whole.tell = {};
+  DataFile file = OpenJobData(whole);
+  // None is left out here.
+  std::erase_if(file.doubts, [](const ReadingNote& doubt) { return doubt.field == "sheet"; });
+  if (data.tell) data.tell(file);
   FilePreview preview{.readAs = ReadAsText(file), .doubts = file.doubts};
   if (!data.sheet.empty()) {
     preview.sheets.push_back(PreviewOf(file.Sheet(data.sheet)));

@@ -1,7 +1,9 @@
 #include "host/jobs/reports/preview_table.h"
 
 #include <algorithm>
+#include <utility>
 
+#include "host/jobs/base/row_sheet.h"
 #include "host/jobs/reports/report_parts.h"
 
 namespace brenvolt {
@@ -39,6 +41,25 @@ ReportTable PreviewTable(const PreviewedSheet& sheet) {
     table.AddRow(std::move(cells));
   }
   return table;
+}
+
+Spreadsheet PreviewSheet(const FilePreview& preview) {
+  RowSheet rows;
+  for (const PreviewedSheet& sheet : preview.sheets) {
+    for (const PreviewedVariable& variable : sheet.variables) {
+      rows.BeginRow();
+      rows.Put("sheet", sheet.name);
+      rows.Put("kind", std::string(sheet.kind));
+      rows.Put("cases", static_cast<double>(sheet.cases));
+      rows.Put("variable", variable.name);
+      rows.Put("type", std::string(variable.type));
+      rows.Put("unit", variable.unit);
+      rows.Put("missing", static_cast<double>(variable.missing));
+      for (std::size_t i = 0; i < variable.first.size(); ++i)
+        rows.Put("case." + std::to_string(i + 1), variable.first[i]);
+    }
+  }
+  return std::move(rows).Made("preview");
 }
 
 }  // namespace brenvolt
