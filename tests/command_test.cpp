@@ -109,7 +109,7 @@ TEST_F(Command, NoVerbPassesOnWhatATerminalObeys) {
       "31mc\xe2\x80\xae"
       "d\x7f";
   Write("d.csv", "\"" + evil + "\",\"t" + evil + "\"\n1,\"" + evil + "\"\n2,y\n4,y\n3,y\n7,y\n");
-  MustRun({"import", "d.csv", "-o", "p.bvw", "--sheet", "s" + evil});
+  MustRun({"import", "d.csv", "-o", "p.bvw", "--name", "s" + evil});
   Sql("p.bvw",
       "INSERT INTO property SELECT id, 1, 'k' || name, name FROM variable; UPDATE sheet SET title = '" +
           evil + "', selection_enabled = 1, selection_condition = 'v1 > 0 ' || char(27)");
@@ -137,7 +137,7 @@ TEST_F(Command, NoVerbPassesOnWhatATerminalObeys) {
       {"capability", "d.csv", "--spec", evil + "=0,9"},
       {"capability", "d.csv", "--spec", "none" + evil + "=0,9"},
       {"import", "d.csv", "--preview"},
-      {"import", "d.csv", "-o", "r.bvw", "--sheet", evil},
+      {"import", "d.csv", "-o", "r.bvw", "--name", evil},
       {"export", "p.bvw:none" + evil, "-o", "x.csv"},
       {"macro", "none" + evil},
       {"typelib", evil},

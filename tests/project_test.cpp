@@ -174,10 +174,11 @@ TEST_F(Command, SavingAgainKeepsOneSheetAndOtherDataAreNotOverwritten) {
 TEST_F(Command, ImportTakesTheSheetOfAWorkbookThatIsNamed) {
   MustRun({"fit", kExamples + "faithful.csv", "--report", "w.xlsx"});
   MustRun({"import", "w.xlsx", "--sheet", "Summaries", "-o", "p.bvw", "--name", "s"});
-  const std::string table = MustRun({"export", "p.bvw:s", "-o", "s.csv"}).err + BytesOf(File("s.csv"));
+  MustRun({"export", "p.bvw:s", "-o", "s.csv"});
+  const std::string table = BytesOf(File("s.csv"));
   EXPECT_TRUE(table.starts_with("variable,")) << table;
   EXPECT_NE(table.find("\neruptions,"), std::string::npos) << table;
-  const Outcome first = MustRun({"import", "w.xlsx", "-o", "p.bvw"});
+  const Outcome first = Run({"import", "w.xlsx", "-o", "p.bvw"});
   EXPECT_NE(first.out.find("272 cases of 2 variables imported into p.bvw, sheet faithful"),
             std::string::npos);
   EXPECT_NE(first.err.find("'faithful' is taken, other sheets are left out: Ranked fits, Correlations, "

@@ -54,7 +54,7 @@ TEST_F(ScoreCommand, KeepsTheColumnsThatTellCasesApart) {
   std::vector<std::string> asTable = call;
   asTable.insert(asTable.end(), {"--format", "table"});
   EXPECT_EQ(Run(asTable).out.find("  Case  id "), 0U) << Run(asTable).out;
-  for (const char* file : {"p.sav", "p.dta", "p.npz"}) {
+  for (const char* file : {"p.sav", "p.dta"}) {
     MustRun({"score", kModels + "RegressionOzone.pmml", "d.csv", "--keep", "id", "-o", file});
     EXPECT_NE(MustRun({"import", file, "--preview"}).out.find("\n  Case "), std::string::npos) << file;
   }

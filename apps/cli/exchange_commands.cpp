@@ -58,7 +58,7 @@ void Import(const ImportOptions& options) {
           : std::to_string(sheet.CaseCount()) + " cases of " + std::to_string(sheet.VariableCount()) +
                 " variables";
   std::printf("%s imported into %s, sheet %s\n", VisibleLine(what).c_str(),
-              VisibleLine(options.job.output.string()).c_str(), sheet.Name().c_str());
+              VisibleLine(options.job.output.string()).c_str(), VisibleLine(sheet.Name()).c_str());
   recording.Commit();
 }
 

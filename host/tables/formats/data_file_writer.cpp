@@ -77,7 +77,7 @@ std::string WhyTooLarge(const std::filesystem::path& path, std::size_t cases, st
 void WriteDataFile(const Spreadsheet& sheet, const std::filesystem::path& path, const CsvFormat& format) {
   const std::string ending = EndingOf(path);
   const bool isNamed = sheet.Kind() == SheetKind::kData && sheet.HasCaseNames();
-  if (isNamed && (ending == ".sav" || ending == ".dta" || ending == ".npz"))
+  if (isNamed && (ending == ".sav" || ending == ".dta"))
     return WriteDataFile(WithCaseColumn(sheet), path, format);
   if (ending == kXlsx) {
     WriteWorkbookFile({&sheet}, path);
