@@ -21,7 +21,7 @@ endif()
 add_compile_options(-Wall -Wextra -Wpedantic -Werror)
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU)
   # GCC 12 reports these for plain `"text" + std::string` (GCC bug 105651).
-  add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-array-bounds)
+  add_compile_options(-Wno-restrict -Wno-stringop-overflow -Wno-stringop-overread -Wno-array-bounds)
 endif()
 # A product or sum is rounded where the source rounds it, so that results do not depend on the instruction set.
 add_compile_options(-ffp-contract=off)
