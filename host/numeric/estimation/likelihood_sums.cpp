@@ -11,6 +11,7 @@
 #include <cstddef>
 
 #include "host/numeric/estimation/estimator_support.h"
+#include "host/numeric/vector/partial_sums-inl.h"
 #include "host/numeric/vector/vector_formulas-inl.h"
 #include "hwy/highway.h"
 
@@ -18,21 +19,6 @@ HWY_BEFORE_NAMESPACE();
 namespace brenvolt {
 namespace HWY_NAMESPACE {
 namespace {
-
-// Every sum is made of eight partial ones, over the values i with the same i % 8, whatever the vectors' length.
-constexpr std::size_t kPartialSums = 8;
-using Tag = hn::CappedTag<double, kPartialSums>;
-using Vector = hn::Vec<Tag>;
-constexpr std::size_t kMostVectors =
-    kPartialSums;  // per step of kPartialSums values, where a vector has one lane
-
-double Total(const Vector* partial) {
-  const Tag d;
-  double s[kPartialSums];
-  for (std::size_t i = 0; i < kPartialSums; i += hn::Lanes(d))
-    hn::StoreU(partial[i / hn::Lanes(d)], d, s + i);
-  return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
-}
 
 // Sums over a block, kCount at a time. Terms(x, out) gives those of a vector of values; of the last step those beyond the
 // values do not count.

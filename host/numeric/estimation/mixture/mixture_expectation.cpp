@@ -10,6 +10,7 @@
 #include <limits>
 #include <numbers>
 
+#include "host/numeric/vector/partial_sums-inl.h"
 #include "host/numeric/vector/vector_formulas-inl.h"
 #include "hwy/highway.h"
 
@@ -18,14 +19,7 @@ namespace brenvolt {
 namespace HWY_NAMESPACE {
 namespace {
 
-// Every sum is made of eight partial ones, over the values i with the same i % 8, whatever the vectors'
-// length.
-constexpr std::size_t kPartialSums = 8;
-using Tag = hn::CappedTag<double, kPartialSums>;
-using Vector = hn::Vec<Tag>;
 constexpr std::size_t kStride = MixtureExpectation::kBlock;
-constexpr std::size_t kMostVectors =
-    kPartialSums;  // per step of kPartialSums values, where a vector has one lane
 
 // The density of a component as 2^(constant + factor (x - mean)^2).
 struct Density {
@@ -61,14 +55,6 @@ HWY_INLINE Vector ClampedExpTwo(Tag d, Vector x) {
   const Vector within = hn::Max(hn::Min(x, hn::Set(d, 1023.0)), hn::Set(d, -1022.0));
   const Vector whole = RoundToWhole(d, within);
   return hn::Mul(TwofoldHorner(d, kSeries, hn::Sub(within, whole)), PowerOfTwo(d, whole));
-}
-
-double Total(const Vector* partial) {
-  const Tag d;
-  double s[kPartialSums];
-  for (std::size_t i = 0; i < kPartialSums; i += hn::Lanes(d))
-    hn::StoreU(partial[i / hn::Lanes(d)], d, s + i);
-  return ((s[0] + s[1]) + (s[2] + s[3])) + ((s[4] + s[5]) + (s[6] + s[7]));
 }
 
 constexpr std::size_t kPowers = 5;       // of the standardised values, from 0
