@@ -28,6 +28,18 @@ struct LiveDesk {
     return *qobject_cast<PictureView*>(results.Page());
   }
 
+  // From the start-up dialog to the results of all variables.
+  void FitAll() {
+    desk.Click(kControlOk);
+    const Hand choose("variables", [](QWidget& window) {
+      Child<QTableView>(window, "table").selectAll();
+      Desk::ClickOn(Child<QPushButton>(window, "into1"));
+      PressButton(window, QDialogButtonBox::AcceptRole);
+    });
+    desk.Click(1010);
+    desk.Click(kControlOk);
+  }
+
   Desk desk;
   ResultsPanel results;
   QStringList said;
@@ -36,14 +48,7 @@ struct LiveDesk {
 TEST(LivePictures, ARowOfTheRankingChangesTheCurveAtOnce) {
   if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
   LiveDesk live("faithful.csv");
-  live.desk.Click(kControlOk);
-  const Hand choose("variables", [](QWidget& window) {
-    Child<QTableView>(window, "table").selectAll();
-    Desk::ClickOn(Child<QPushButton>(window, "into1"));
-    PressButton(window, QDialogButtonBox::AcceptRole);
-  });
-  live.desk.Click(1010);
-  live.desk.Click(kControlOk);
+  live.FitAll();
   ASSERT_EQ(live.desk.Dialog(), 25983);
   PictureView& picture = live.Show(1108);
   const std::string first = picture.Content().curves.front().formula;
@@ -63,14 +68,7 @@ TEST(LivePictures, ARowOfTheRankingChangesTheCurveAtOnce) {
 TEST(LivePictures, ARowOfTheRankingChangesThePictureThatIsLookedAt) {
   if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
   LiveDesk live("faithful.csv");
-  live.desk.Click(kControlOk);
-  const Hand choose("variables", [](QWidget& window) {
-    Child<QTableView>(window, "table").selectAll();
-    Desk::ClickOn(Child<QPushButton>(window, "into1"));
-    PressButton(window, QDialogButtonBox::AcceptRole);
-  });
-  live.desk.Click(1010);
-  live.desk.Click(kControlOk);
+  live.FitAll();
   live.Show(1108);
   QTreeWidgetItem* const first = live.results.Tree().currentItem();
   live.Show(1109);
