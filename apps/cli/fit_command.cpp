@@ -70,28 +70,23 @@ FitJob::Order ParseOrder(const std::string& text) {
   return {name, SplitAtCommas(names)};
 }
 
-// Holds messages about single variables back until the results are known: the table says some of them itself.
+// Holds messages back that the results give as well, as the reasons of variables: the table says them itself.
 class FitTerminal : public TerminalUserInterface {
  public:
   FitTerminal() : TerminalUserInterface(kProgram) {}
   FitTerminal(const FitTerminal&) = delete;
   FitTerminal& operator=(const FitTerminal&) = delete;
-  ~FitTerminal() override { SayAllBut({}); }
+  ~FitTerminal() override { SayReasons(); }
 
   MessageAnswer ShowMessage(const Message& message) override {
-    if (message.where.empty() || message.buttons != MessageButtons::kOk)
-      return TerminalUserInterface::ShowMessage(message);
+    if (message.kind != MessageKind::kReasonOfVariable) return TerminalUserInterface::ShowMessage(message);
     held_.push_back(message);
     return ProgramInterface::ShowMessage(message);
   }
-  // All but what the variables have as their reasons.
-  void SayAllBut(const std::vector<FittedVariable>& variables) {
-    for (const Message& message : std::exchange(held_, {})) {
-      const std::string text = message.text + " (" + message.where + ")";
-      if (std::ranges::find(variables, text, &FittedVariable::reason) == variables.end())
-        TerminalUserInterface::ShowMessage(message);
-    }
+  void SayReasons() {
+    for (const Message& message : std::exchange(held_, {})) TerminalUserInterface::ShowMessage(message);
   }
+  void LeaveReasonsToTable() { held_.clear(); }
 
  private:
   std::vector<Message> held_;
@@ -125,7 +120,11 @@ void Fit(const FitCall& call) {
   const bool readsCovariances = json || job.AsksForQuantiles();
   const auto variables = ReadFitResults(
       *run.session->Dialog(), readsCovariances ? Covariances::kRead : Covariances::kLeftOut, job.Top());
-  terminal.SayAllBut(json ? std::vector<FittedVariable>() : variables);
+  if (json) {
+    terminal.SayReasons();
+  } else {
+    terminal.LeaveReasonsToTable();
+  }
   if (call.format == ReportFormat::kCsv) {
     PrintCsv(FitSheet(variables), job.data);
     recording.Commit();

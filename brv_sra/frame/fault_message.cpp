@@ -170,11 +170,11 @@ FaultMessage MessageOf(const Fault& fault) {
   return {TextOf(row, fault), Filled(row.where, fault), row.caption};
 }
 
-void ShowFault(const CAnalysisSupport& analysis, const Fault& fault) {
+void ShowFault(const CAnalysisSupport& analysis, const Fault& fault, MessageKind kind) {
   const FaultMessage message = MessageOf(fault);
   if (message.text.empty()) return;
-  const std::string caption(ResourceString(message.caption));
-  analysis.ShowMessage(message.text, message.where, MessageIcon::kWarning, MessageButtons::kOk, caption);
+  analysis.ShowMessage({message.text, message.where, std::string(ResourceString(message.caption)),
+                        MessageButtons::kOk, MessageIcon::kWarning, kind});
 }
 
 void ThrowFault(const Fault& fault) {

@@ -20,7 +20,7 @@ struct FaultMessage {
 FaultMessage MessageOf(const Fault& fault);
 
 // The message box of a fault that has a message.
-void ShowFault(const CAnalysisSupport& analysis, const Fault& fault);
+void ShowFault(const CAnalysisSupport& analysis, const Fault& fault, MessageKind kind = MessageKind::kOther);
 
 // For members of automation objects, which report failure by exceptions: the value, or the fault thrown with
 // its message.

@@ -300,15 +300,13 @@ void CAnalysisSupport::MoveBack() {
   RunSequenceStep(former);
 }
 
-MessageAnswer CAnalysisSupport::ShowMessage(const std::string& text, const std::string& where,
-                                            MessageIcon icon, MessageButtons buttons,
-                                            const std::string& caption) const {
+MessageAnswer CAnalysisSupport::ShowMessage(Message message) const {
   if (messageHandler_ != nullptr) {
-    messageHandler_(text);
+    messageHandler_(message.text);
     return MessageAnswer::kOk;
   }
-  const std::string shown = caption.empty() ? GetResourceString(kCaptionResource) : caption;
-  return Interface().ShowMessage({text, where, shown, buttons, icon});
+  if (message.caption.empty()) message.caption = GetResourceString(kCaptionResource);
+  return Interface().ShowMessage(message);
 }
 
 std::shared_ptr<AutomationObject> CAnalysisSupport::AutomationInterface() {

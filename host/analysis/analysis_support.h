@@ -150,11 +150,14 @@ class CAnalysisSupport {
   // afterwards, unless the answer is false: the step failed, and the dialog stays.
   bool CompleteTransition();
 
-  // A message box with the given text under a caption, by default the host's, or the message handler.
+  // A message box under its caption, by default the host's, or the message handler.
+  MessageAnswer ShowMessage(Message message) const;
   MessageAnswer ShowMessage(const std::string& text, const std::string& where = {},
                             MessageIcon icon = MessageIcon::kWarning,
                             MessageButtons buttons = MessageButtons::kOk,
-                            const std::string& caption = {}) const;
+                            const std::string& caption = {}) const {
+    return ShowMessage(Message{text, where, caption, buttons, icon});
+  }
 
   // Zero-filled work memory; null when memory is short.
   static void* AllocMem(std::size_t bytes);

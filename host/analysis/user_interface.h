@@ -22,12 +22,19 @@ enum class MessageButtons : std::uint8_t { kOk, kOkCancel };
 enum class MessageIcon : std::uint8_t { kNone, kInformation, kWarning, kError };
 enum class MessageAnswer : std::uint8_t { kOk, kCancel };
 
+// What front ends tell messages apart by.
+enum class MessageKind : std::uint8_t {
+  kOther,
+  kReasonOfVariable  // the results of the run give it, too, as the reason why a variable has no fits
+};
+
 struct Message {
   std::string text;
   std::string where;  // what the text is about, a variable or a case; may be empty
   std::string caption;
   MessageButtons buttons = MessageButtons::kOk;
   MessageIcon icon = MessageIcon::kWarning;
+  MessageKind kind = MessageKind::kOther;
 };
 
 struct FileQuestion {

@@ -413,7 +413,7 @@ bool CFitDistribution::ShowFaults(const std::vector<VariableFit>& results) {
     return !fault;
   }
   for (const VariableFit& fit : results) {
-    if (fit.fault) ShowFault(Analysis(), *fit.fault);
+    if (fit.fault) ShowFault(Analysis(), *fit.fault, MessageKind::kReasonOfVariable);
   }
   return true;
 }
