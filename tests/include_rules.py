@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms"), the size
-of its folders, and that what computes has no texts for people.
+of its folders, that what computes has no texts for people, and that few files know a distribution by name.
 
     include_rules.py ROOT         prints each violation, an include line as `file:line: folder X may not include Y`; exit
                                   status 1 if any
@@ -142,6 +142,17 @@ TOPS = ("host", "brv_sra", "apps", "bindings", "bench", "tests")
 ENDINGS = (".h", ".hpp", ".inc", ".cpp", ".cc")
 MOST_FILES = 40  # sources of one folder
 
+# What a distribution is stands in its facts. The files that know it by name, those that bear its name among them, are few;
+# its estimator may have some more.
+DISTRIBUTION_LIST = "host/numeric/distributions/all_distributions.h"
+PRODUCTION = ("host", "brv_sra", "apps", "bindings")
+ESTIMATORS = "host/numeric/estimation"
+MOST_FILES_OF_DISTRIBUTION = 10
+# Their names mean other things as well: a standard normal value, a histogram that is drawn, terms of a series.
+AMBIGUOUS = ("Normal", "GaussianMixture", "Johnson", "Binomial", "Poisson", "Histogram")
+SENTENCE = re.compile(r'"(?:[^"\\\n ]* ){3}[^"\n]*"')
+PYTHON_COMMENT = re.compile(r'""".*?"""|#[^\n]*', re.DOTALL)
+
 
 def subject(path):
     """The name of the file without its ending, a test taken for what it tests."""
@@ -274,10 +285,49 @@ def crowded_folders(paths):
             if count > MOST_FILES]
 
 
+def distribution_names(root):
+    """Those of the list of all distributions; nothing in a tree that has none."""
+    path = os.path.join(root, DISTRIBUTION_LIST)
+    if not os.path.isfile(path):
+        return []
+    with open(path, encoding="utf-8") as file:
+        found = re.search(r"AllDistributions\s*=\s*DistributionList<([^>]*)>", file.read())
+    return re.findall(r"\w+", found[1]) if found else []
+
+
+def production_files(root):
+    """The paths and the code of what is built and shipped, comments and sentences for people aside."""
+    for top in PRODUCTION:
+        for directory, _, names in os.walk(os.path.join(root, top)):
+            path = os.path.relpath(directory, root)
+            for name in sorted(names):
+                is_production = name.endswith((*ENDINGS, ".py")) and not re.search(r"_(test|fuzz)\.", name)
+                if not is_production or set(path.split("/")) & {"reference", "tests"} or path.startswith(ESTIMATORS):
+                    continue
+                with open(os.path.join(directory, name), encoding="utf-8", errors="replace") as file:
+                    text = (PYTHON_COMMENT if name.endswith(".py") else COMMENT).sub("", file.read())
+                yield os.path.join(path, name), SENTENCE.sub("", text)
+
+
+def name_pattern(name):
+    """A name in any spelling: HalfNormal, "Half Normal", half_normal."""
+    words = re.findall("[A-Z][a-z]+", name)
+    return re.compile("|".join((name, " ".join(words), "_".join(words).lower())))
+
+
+def scattered_distributions(root):
+    names = [name for name in distribution_names(root) if name not in AMBIGUOUS]
+    code = dict(production_files(root)) if names else {}
+    for name in names:
+        found = sorted(path for path, text in code.items() if name_pattern(name).search(text))
+        if len(found) > MOST_FILES_OF_DISTRIBUTION:
+            yield f"{name}: in {len(found)} files, more than {MOST_FILES_OF_DISTRIBUTION}: {', '.join(found)}"
+
+
 def violations(root):
     paths = sorted(files(root))
     return [line for path in paths for found in (violations_of_file, texts_of_file) for line in found(root, path)
-            ] + crowded_folders(paths)
+            ] + crowded_folders(paths) + list(scattered_distributions(root))
 
 
 # A file, an include line in it, and what the checker must say after "may not include"; None if it is clean.
@@ -356,6 +406,26 @@ SELF_TESTS = (
 )
 
 
+def self_test_of_distributions():
+    """A file more than may be knows a distribution; tests, comments and sentences do not count."""
+    count = MOST_FILES_OF_DISTRIBUTION
+    texts = {f"host/base/{k}.cpp": text for k, text in enumerate(
+        ['const char* a = "Half Normal";', "Fit(half_normal);", *["EstimateHalfNormal();"] * (count - 2)])}
+    texts["host/base/a_test.cpp"] = texts["host/numeric/estimation/a.cpp"] = "HalfNormal"
+    texts["host/base/a.cpp"] = '// HalfNormal\nThrow(Error("the HalfNormal has none"));'
+    failures = []
+    for further, expected in (("", []), ("HalfNormal", [f"HalfNormal: in {count + 1} files, more than {count}"])):
+        with tempfile.TemporaryDirectory() as root:
+            for path, text in {**texts, DISTRIBUTION_LIST: f"using AllDistributions = DistributionList<Normal, {further}>;"}.items():
+                os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
+                with open(os.path.join(root, path), "w", encoding="utf-8") as file:
+                    file.write(text)
+            found = [line.split(": host")[0] for line in violations(root)]
+        if found != expected:
+            failures.append(f"a distribution in {count + 1} files: found {found}, wanted {expected}")
+    return failures
+
+
 def self_test():
     failures = []
     for path, include, expected in SELF_TESTS:
@@ -380,6 +450,7 @@ def self_test():
                        'void F() { throw Error("no value", "the file has none"); }\n')
         if violations(root) != ['host/statistics/a.cpp:2: a text in what computes: "the value is missing"']:
             failures.append(f"a text in what computes passes, or one that is thrown does not: {violations(root)}")
+    failures += self_test_of_distributions()
     paths = [f"host/base/{number}.h" for number in range(MOST_FILES + 1)]
     if crowded_folders(paths[1:]) or not crowded_folders(paths):
         failures.append("a crowded folder passes, or one that is full does not")

@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "brv_sra/base/distribution_constants.h"
+#include "brv_sra/base/spaced_keys.h"
 #include "brv_sra/distributions/variable_properties.h"
 #include "host/base/number_text.h"
 #include "host/numeric/distributions/distribution_table.h"
@@ -55,16 +56,6 @@ const StoredParameter& Stored(DistributionCode code, std::size_t place) {
 // The values of user-defined distributions, of which there is any number, and those of the Johnson family.
 bool AreBare(DistributionCode code) {
   return Facts(code).isUserDefined || code == kJohnson;
-}
-
-// "LogNormal" as "Log Normal".
-std::string Spaced(std::string_view name) {
-  std::string spaced;
-  for (const char c : name) {
-    if (!spaced.empty() && c >= 'A' && c <= 'Z') spaced += ' ';
-    spaced += c;
-  }
-  return spaced;
 }
 
 template <class Predicate>
@@ -120,13 +111,7 @@ std::string_view CompactKey(DistributionCode code) {
 }
 
 std::string_view SpacedKey(DistributionCode code) {
-  static const auto kKeys = [] {
-    std::array<std::string, kDistributionCount> keys;
-    for (const DistributionEntry* entry : DistributionTable())
-      keys[static_cast<std::size_t>(entry->facts.code)] = Spaced(entry->facts.name);
-    return keys;
-  }();
-  return kKeys.at(static_cast<std::size_t>(code));
+  return kSpacedKeys.at(static_cast<std::size_t>(code)).Plain();
 }
 
 std::optional<DistributionCode> CodeFromKey(std::string_view key) {

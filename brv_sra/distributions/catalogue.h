@@ -29,8 +29,6 @@ std::string_view CompactKey(DistributionCode code);
 std::string_view SpacedKey(DistributionCode code);
 // The code of an untranslated key (either form, with or without its marker) or of an internal key.
 std::optional<DistributionCode> CodeFromKey(std::string_view key);
-// The marker that keeps a key out of translation.
-inline constexpr std::string_view kDontTranslate = "DontTranslate!!";
 
 // Values as properties of a variable hold them, by their places among the values of a distribution; a place in a
 // repeated group is that in any. The key of a value is empty for a bare number.

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "brv_sra/base/spaced_keys.h"
 #include "host/base/error.h"
 
 namespace brenvolt::sra {

@@ -4,6 +4,7 @@
 
 #include <string>
 
+#include "brv_sra/base/spaced_keys.h"
 #include "brv_sra/distributions/catalogue.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"

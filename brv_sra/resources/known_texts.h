@@ -59,7 +59,7 @@ inline constexpr auto kKnownTexts = std::to_array<StringResource>({
     {kLowerLocation, "location"},
     {kLowerScale, "scale"},
     {kLowerShape, "shape"},
-    {kTriangularLayoutNote, "(min,max,mode)"},
+    {kMinMaxModeNote, "(min,max,mode)"},
     {kAnalysisTitle, "Distributions & Simulation analysis"},
     // The editors of user-defined distributions, edit labels, and the words that name a parameter inside messages.
     {kTitleCustomGaussianMixture, "Custom Gaussian mixture distribution"},
@@ -142,13 +142,6 @@ inline constexpr auto kKnownTexts = std::to_array<StringResource>({
     {kMsgNoValidFits,
      "None of the variables selected has valid distributions to fit and hence invalid.  Please check to have "
      "a different variable selection with valid distributions."},
-    // The untranslated keys that hold a blank, as translators know them.
-    {10238, "DontTranslate!!Log Normal"},
-    {10239, "DontTranslate!!Folded Normal"},
-    {10240, "DontTranslate!!Half Normal"},
-    {10241, "DontTranslate!!Gaussian Mixture"},
-    {10242, "DontTranslate!!General Extreme Value"},
-    {10243, "DontTranslate!!General Pareto"},
     // Progress, and the checks of variable properties and of the fit.
     {kProgressAutoUpdating, "Auto updating..."},
     {kProgressPreparingResults, "Preparing results..."},

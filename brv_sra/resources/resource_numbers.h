@@ -56,7 +56,7 @@ inline constexpr std::int32_t kGaussianMixtureLayoutNote = 10085;
 inline constexpr std::int32_t kLowerLocation = 10086;
 inline constexpr std::int32_t kLowerScale = 10087;
 inline constexpr std::int32_t kLowerShape = 10088;
-inline constexpr std::int32_t kTriangularLayoutNote = 10089;
+inline constexpr std::int32_t kMinMaxModeNote = 10089;
 inline constexpr std::int32_t kAnalysisTitle = 10093;
 
 // The editors of user-defined distributions, edit labels, and the words that name a parameter inside messages.
@@ -133,6 +133,8 @@ inline constexpr std::int32_t kMsgInvalidTotalProportion = 10219;
 inline constexpr std::int32_t kMsgTooManySamples = 10220;
 inline constexpr std::int32_t kMsgNoValidFits = 10221;
 
+// The first of the untranslated keys that hold a blank.
+inline constexpr std::int32_t kFirstSpacedKey = 10238;
 // Progress, and the checks of variable properties and of the fit.
 inline constexpr std::int32_t kProgressAutoUpdating = 10244;
 inline constexpr std::int32_t kProgressPreparingResults = 10245;

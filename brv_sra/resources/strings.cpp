@@ -1,10 +1,12 @@
 #include "brv_sra/resources/strings.h"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <initializer_list>
 #include <span>
 
+#include "brv_sra/base/spaced_keys.h"
 #include "brv_sra/resources/column_headings.h"
 #include "brv_sra/resources/distribution_names_texts.h"
 #include "brv_sra/resources/fit_texts.h"
@@ -17,8 +19,22 @@ namespace {
 
 using Texts = std::span<const StringResource>;
 
-constexpr Texts kTexts[] = {kKnownTexts, kDistributionTexts, kColumnHeadings,
-                            kFitTexts,   kSimulationTexts,   kProfilerTexts};
+// The keys of more than one word under the numbers that translators know, up to the text that follows them.
+constexpr auto kSpacedKeyTexts = [] {
+  constexpr auto kCount = std::ranges::count_if(
+      kSpacedKeys, [](std::size_t n) { return n > 1; }, &SpacedKeyRow::words);
+  std::array<StringResource, static_cast<std::size_t>(kCount)> texts{};
+  std::size_t place = 0;
+  for (const SpacedKeyRow& key : kSpacedKeys) {
+    if (key.words == 1) continue;
+    texts[place] = {kFirstSpacedKey + static_cast<std::int32_t>(place), key.marked};
+    ++place;
+  }
+  return texts;
+}();
+
+constexpr Texts kTexts[] = {kKnownTexts, kSpacedKeyTexts,  kDistributionTexts, kColumnHeadings,
+                            kFitTexts,   kSimulationTexts, kProfilerTexts};
 
 // The look-up halves each table: out of order it would miss texts.
 constexpr bool IsAscending(Texts texts) {

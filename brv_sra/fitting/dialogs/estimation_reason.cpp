@@ -64,10 +64,6 @@ std::int32_t TextOf(const brenvolt::Fault<EstimationFault>& fault) {
   return kReasonInvalidArgument;
 }
 
-bool IsGeneralized(DistributionCode code) {
-  return code == DistributionCode::kGeneralExtremeValue || code == DistributionCode::kGeneralPareto;
-}
-
 bool BeginsAtAValue(const VariableFit& variable, const DistributionFit& fit) {
   if (!HasOffset(fit.specification.code)) return false;
   const double offset = fit.specification.offset;
@@ -115,9 +111,9 @@ std::string NoteOn(const VariableFit& variable, const DistributionFit& fit) {
   const auto add = [&note](bool applies, std::int32_t text) {
     if (applies) note += (note.empty() ? "" : "; ") + std::string(ResourceString(text));
   };
-  add(IsGeneralized(code) && isFromMoments, kNoteNoMaximum);
-  add(code == DistributionCode::kJohnson && isFromMoments && fit.bootstrap.samples > 0,
-      kNoteJohnsonBootstrap);
+  const bool isJohnson = code == DistributionCode::kJohnson;
+  add(isFromMoments && !isJohnson, kNoteNoMaximum);
+  add(isFromMoments && isJohnson && fit.bootstrap.samples > 0, kNoteJohnsonBootstrap);
   add(BeginsAtAValue(variable, fit), kNoteValueAtOffset);
   return note;
 }

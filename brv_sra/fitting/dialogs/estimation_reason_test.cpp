@@ -87,6 +87,7 @@ TEST(EstimationReason, NotesSayWhatSpeaksAgainstAFit) {
             "test counts it as if the probability below it were 1.1e-16, not 0");
   fit.specification.code = DistributionCode::kHalfNormal;
   fit.specification.offset = 1.5;
+  fit.origin = EstimateOrigin::kLikelihood;
   EXPECT_EQ(NoteOn(variable, fit), "");
 
   fit.specification.code = DistributionCode::kGaussianMixture;
@@ -98,6 +99,7 @@ TEST(EstimationReason, NotesSayWhatSpeaksAgainstAFit) {
 
   fit.specification.code = DistributionCode::kJohnson;
   fit.specification.values = {2, 0, 1, 1, 0};
+  fit.origin = EstimateOrigin::kMoments;
   EXPECT_EQ(NoteOn(variable, fit), "");
   fit.bootstrap.samples = 99;
   EXPECT_NE(NoteOn(variable, fit), "");

@@ -23,21 +23,10 @@ std::vector<NamedDistribution> DistributionsFromFacts() {
   return distributions;
 }
 
-// What people call distributions beside the names of their facts, as statistics packages have taught them.
-struct OtherName {
-  std::string_view name;
-  DistributionCode code;
-};
-constexpr std::array<OtherName, 6> kOtherNames{{{"lnorm", DistributionCode::kLogNormal},
-                                                {"foldnorm", DistributionCode::kFoldedNormal},
-                                                {"halfnorm", DistributionCode::kHalfNormal},
-                                                {"genextreme", DistributionCode::kGeneralExtremeValue},
-                                                {"genpareto", DistributionCode::kGeneralPareto},
-                                                {"tri", DistributionCode::kTriangular}}};
-
 // A distribution with an abbreviation also goes by its long name.
 bool IsCalled(const DistributionFacts& facts, std::string_view lowerCase) {
   if (lowerCase == LowerCase(facts.name)) return true;
+  if (!facts.otherName.empty() && lowerCase == facts.otherName) return true;
   if (facts.shortName.empty()) return false;
   return lowerCase == LowerCase(facts.shortName) || lowerCase == LowerCase(facts.longName);
 }
@@ -49,8 +38,6 @@ const std::vector<NamedDistribution> kNamedDistributions = DistributionsFromFact
 const NamedDistribution* FindDistribution(std::string_view name) {
   std::string plain = LowerCase(name);
   std::erase_if(plain, [](char c) { return c == ' ' || c == '-' || c == '_'; });
-  const auto other = std::ranges::find(kOtherNames, plain, &OtherName::name);
-  if (other != kOtherNames.end()) return &kNamedDistributions[static_cast<std::size_t>(other->code)];
   for (const DistributionEntry* entry : DistributionTable()) {
     if (IsCalled(entry->facts, plain))
       return &kNamedDistributions[static_cast<std::size_t>(entry->facts.code)];

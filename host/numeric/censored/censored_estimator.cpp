@@ -16,10 +16,6 @@ namespace {
 
 using Point = Coordinates;
 
-constexpr DistributionCode kCensored[] = {
-    DistributionCode::kNormal,   DistributionCode::kLogNormal, DistributionCode::kHalfNormal,
-    DistributionCode::kRayleigh, DistributionCode::kWeibull,   DistributionCode::kGeneralExtremeValue};
-
 // Where a search begins, and the coordinates in which it goes: logarithms of positive parameters, others in a unit near
 // their standard error.
 struct Start {
@@ -30,8 +26,8 @@ struct Start {
 // Maximises the log-likelihood of a distribution's parameters.
 class Climb {
  public:
-  Climb(DistributionCode code, const CensoredSample& sample, double offset, Start start)
-      : code_(code), sample_(sample), offset_(offset), start_(std::move(start)) {}
+  Climb(CensoredForm form, const CensoredSample& sample, double offset, Start start)
+      : form_(form), sample_(sample), offset_(offset), start_(std::move(start)) {}
 
   EstimationResult<CensoredEstimate> Run();
 
@@ -54,14 +50,14 @@ class Climb {
   std::optional<Place> Ascend(const Place& from, const Point& step) const;
   CensoredEstimate EstimateAt(const Place& place, double gradient, int iterations) const;
 
-  DistributionCode code_;
+  CensoredForm form_;
   const CensoredSample& sample_;
   double offset_;
   Start start_;
 };
 
 Climb::Place Climb::At(const Point& point) const {
-  Place place{point, CensoredLogLikelihood(code_, ValuesAt(point), sample_, offset_)};
+  Place place{point, CensoredLogLikelihood(form_, ValuesAt(point), sample_, offset_)};
   for (std::size_t i = 0; i < Size(); ++i) {
     place.likelihood.first[i] *= UnitOf(i);
     for (std::size_t j = 0; j < Size(); ++j) place.likelihood.second[i][j] *= UnitOf(i) * UnitOf(j);
@@ -183,38 +179,39 @@ Rough RoughOf(const CensoredSample& sample, double offset, bool logarithmic) {
 // its location.
 constexpr double kGumbelScale = 0.7796968012336761;
 
-std::vector<Start> StartsOf(DistributionCode code, const CensoredSample& sample, double offset) {
-  const bool logarithmic = code == DistributionCode::kLogNormal || code == DistributionCode::kWeibull;
+std::vector<Start> StartsOf(CensoredForm form, const CensoredSample& sample, double offset) {
+  const bool logarithmic = form == CensoredForm::kNormalOfLogarithm || form == CensoredForm::kPowerHazard;
   const Rough rough = RoughOf(sample, offset, logarithmic);
   const double spread = rough.deviation > 0 ? rough.deviation : std::max(1e-3 * std::abs(rough.mean), 1e-300);
-  switch (code) {
-    case DistributionCode::kNormal:
-    case DistributionCode::kLogNormal:
+  switch (form) {
+    case CensoredForm::kNormal:
+    case CensoredForm::kNormalOfLogarithm:
       return {{{rough.mean, spread}, {spread, 0}}};
-    case DistributionCode::kWeibull: {
+    case CensoredForm::kPowerHazard: {
       const double scale = kGumbelScale * spread;
       return {{{std::exp(rough.mean + std::numbers::egamma * scale), 1 / scale}, {0, 0}}};
     }
-    case DistributionCode::kRayleigh:
-    case DistributionCode::kHalfNormal:
+    case CensoredForm::kSquareHazard:
+    case CensoredForm::kNormalMagnitude:
       return {{{std::hypot(rough.mean - offset, spread) / std::numbers::sqrt2}, {0}}};
-    case DistributionCode::kGeneralExtremeValue: {
+    case CensoredForm::kExtremeValue: {
       const double scale = kGumbelScale * spread;
       std::vector<Start> starts;
       for (const double shape : {0.1, -0.2, 0.5})
         starts.push_back({{rough.mean - std::numbers::egamma * scale, scale, shape}, {spread, 0, 1}});
       return starts;
     }
-    default:
-      return {};
+    case CensoredForm::kNone:
+      break;
   }
+  return {};
 }
 
 // Values that the distribution cannot have taken.
-std::optional<Fault<EstimationFault>> ImpossibleValue(DistributionCode code, const CensoredSample& sample,
-                                                      double offset) {
-  if (!EntryOf(code).facts.HasOffset()) return std::nullopt;
-  const bool mayTouch = code == DistributionCode::kHalfNormal;
+std::optional<Fault<EstimationFault>> ImpossibleValue(const DistributionFacts& facts,
+                                                      const CensoredSample& sample, double offset) {
+  if (!facts.HasOffset()) return std::nullopt;
+  const bool mayTouch = facts.censored == CensoredForm::kNormalMagnitude;
   for (const auto* part : {&sample.exact, &sample.left, &sample.to}) {
     for (const double x : *part) {
       if (x < offset || (x == offset && !(mayTouch && part == &sample.exact)))
@@ -228,22 +225,30 @@ std::optional<Fault<EstimationFault>> ImpossibleValue(DistributionCode code, con
 }  // namespace
 
 std::span<const DistributionCode> CensoredDistributions() {
-  return kCensored;
+  static const auto kCodes = [] {
+    std::vector<DistributionCode> codes;
+    for (const DistributionEntry* entry : DistributionTable()) {
+      if (entry->facts.censored != CensoredForm::kNone) codes.push_back(entry->facts.code);
+    }
+    return codes;
+  }();
+  return kCodes;
 }
 
 EstimationResult<CensoredEstimate> EstimateCensored(DistributionCode code, const CensoredSample& sample,
                                                     double offset) {
   if (sample.Count() < 2)
     return FaultAbout(EstimationFault::kTooFewValues, static_cast<double>(sample.Count()), 2);
-  if (auto fault = ImpossibleValue(code, sample, offset)) return *std::move(fault);
+  const DistributionFacts& facts = EntryOf(code).facts;
+  if (auto fault = ImpossibleValue(facts, sample, offset)) return *std::move(fault);
   const bool isBoundedAbove = sample.right.size() < sample.Count();
   const bool isBoundedBelow = sample.left.size() < sample.Count();
   if (!isBoundedAbove || !isBoundedBelow) return FaultAbout(EstimationFault::kNoMaximum, 0);
   EstimationResult<CensoredEstimate> best = FaultAbout(EstimationFault::kNoMaximum, 0);
-  for (Start& start : StartsOf(code, sample, offset)) {
-    auto found = Climb(code, sample, offset, std::move(start)).Run();
+  for (Start& start : StartsOf(facts.censored, sample, offset)) {
+    auto found = Climb(facts.censored, sample, offset, std::move(start)).Run();
     // Below a shape of -1 the density is infinite at the end, and the likelihood has no maximum.
-    if (found && code == DistributionCode::kGeneralExtremeValue && found->estimate.values.back() <= -1)
+    if (found && facts.censored == CensoredForm::kExtremeValue && found->estimate.values.back() <= -1)
       continue;
     if (!found ? !best : !best || found->estimate.logLikelihood > best->estimate.logLikelihood)
       best = std::move(found);

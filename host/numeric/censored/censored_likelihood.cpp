@@ -20,7 +20,7 @@ struct Reduced {
   static Reduced At(double infinity) { return {{infinity, {}, {}}, {}}; }
 };
 
-// What becomes of x for each distribution: `Standard` is the distribution of w, which falls where x rises if kFalls. Where
+// What becomes of x by each form: `Standard` is the distribution of w, which falls where x rises if kFalls. Where
 // kIsFolded, x counts for both signs of w, and only those that are not negative occur.
 
 // w = (x - location) / scale, or that of logarithms.
@@ -47,14 +47,14 @@ struct NormalReduction {
 };
 
 // w = (x - offset) / scale.
-struct HalfNormalReduction {
+struct MagnitudeReduction {
   using Standard = StandardNormalLogarithms;
   static constexpr bool kFalls = false;
   static constexpr bool kIsFolded = true;
   double scale;
   double offset;
 
-  HalfNormalReduction(std::span<const double> values, double offsetOfAll)
+  MagnitudeReduction(std::span<const double> values, double offsetOfAll)
       : scale(values[0]), offset(offsetOfAll) {}
 
   Reduced operator()(double x) const {
@@ -65,7 +65,7 @@ struct HalfNormalReduction {
 };
 
 // The cumulative hazard, exp(-w), is ((x - offset) / scale) ^ shape.
-struct WeibullReduction {
+struct PowerHazardReduction {
   using Standard = StandardExtremeLogarithms;
   static constexpr bool kFalls = true;
   static constexpr bool kIsFolded = false;
@@ -73,7 +73,7 @@ struct WeibullReduction {
   double shape;
   double offset;
 
-  WeibullReduction(std::span<const double> values, double offsetOfAll)
+  PowerHazardReduction(std::span<const double> values, double offsetOfAll)
       : logScale(std::log(values[0])), shape(values[1]), offset(offsetOfAll) {}
 
   Reduced operator()(double x) const {
@@ -85,14 +85,14 @@ struct WeibullReduction {
 };
 
 // The cumulative hazard, exp(-w), is ((x - offset) / scale) ^ 2 / 2.
-struct RayleighReduction {
+struct SquareHazardReduction {
   using Standard = StandardExtremeLogarithms;
   static constexpr bool kFalls = true;
   static constexpr bool kIsFolded = false;
   double logScale;
   double offset;
 
-  RayleighReduction(std::span<const double> values, double offsetOfAll)
+  SquareHazardReduction(std::span<const double> values, double offsetOfAll)
       : logScale(std::log(values[0])), offset(offsetOfAll) {}
 
   Reduced operator()(double x) const {
@@ -226,24 +226,25 @@ SecondOrder LikelihoodBy(std::span<const double> values, const CensoredSample& s
 
 }  // namespace
 
-SecondOrder CensoredLogLikelihood(DistributionCode code, std::span<const double> values,
+SecondOrder CensoredLogLikelihood(CensoredForm form, std::span<const double> values,
                                   const CensoredSample& sample, double offset) {
-  switch (code) {
-    case DistributionCode::kNormal:
+  switch (form) {
+    case CensoredForm::kNormal:
       return LikelihoodBy<NormalReduction<false>>(values, sample, offset);
-    case DistributionCode::kLogNormal:
+    case CensoredForm::kNormalOfLogarithm:
       return LikelihoodBy<NormalReduction<true>>(values, sample, offset);
-    case DistributionCode::kHalfNormal:
-      return LikelihoodBy<HalfNormalReduction>(values, sample, offset);
-    case DistributionCode::kRayleigh:
-      return LikelihoodBy<RayleighReduction>(values, sample, offset);
-    case DistributionCode::kWeibull:
-      return LikelihoodBy<WeibullReduction>(values, sample, offset);
-    case DistributionCode::kGeneralExtremeValue:
+    case CensoredForm::kNormalMagnitude:
+      return LikelihoodBy<MagnitudeReduction>(values, sample, offset);
+    case CensoredForm::kSquareHazard:
+      return LikelihoodBy<SquareHazardReduction>(values, sample, offset);
+    case CensoredForm::kPowerHazard:
+      return LikelihoodBy<PowerHazardReduction>(values, sample, offset);
+    case CensoredForm::kExtremeValue:
       return LikelihoodBy<ExtremeReduction>(values, sample, offset);
-    default:
-      return {-kInfinity, {}, {}};
+    case CensoredForm::kNone:
+      break;
   }
+  return {-kInfinity, {}, {}};
 }
 
 }  // namespace brenvolt

@@ -9,6 +9,7 @@ struct FoldedNormal {
   static constexpr DistributionFacts kFacts{
       .code = DistributionCode::kFoldedNormal,
       .name = "FoldedNormal",
+      .otherName = "foldnorm",
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
       .curves = {"FoldedNormal", "iFoldedNormal", "FoldeNormal"},

@@ -13,11 +13,13 @@ struct GeneralExtremeValue {
       .longName = "GeneralizedExtremeValue",
       .macroName = "GenExtreme",
       .shortName = "GEV",
+      .otherName = "genextreme",
       .parameters = {{{"location", ParameterRange::kFinite},
                       {"scale", ParameterRange::kPositive},
                       {"shape", ParameterRange::kFinite, ParameterUnit::kNone}}},
       .curves = {"GEV", "IGEV"},
-      .estimation = {.copiesSample = true, .slowness = 4}};
+      .estimation = {.copiesSample = true, .slowness = 4},
+      .censored = CensoredForm::kExtremeValue};
 };
 
 extern template class Distribution<GeneralExtremeValue>;

@@ -13,6 +13,7 @@ struct GeneralPareto {
       .longName = "GeneralizedPareto",
       .macroName = "GenPareto",
       .shortName = "GPD",
+      .otherName = "genpareto",
       .offset = OffsetPlace::kFirst,
       .parameters = {{{"scale", ParameterRange::kPositive},
                       {"shape", ParameterRange::kFinite, ParameterUnit::kNone}}},

@@ -10,10 +10,12 @@ namespace brenvolt {
 struct HalfNormal {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kHalfNormal,
                                             .name = "HalfNormal",
+                                            .otherName = "halfnorm",
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
                                             .curves = {"HalfNormal", "iHalfNormal"},
-                                            .estimation = {.copiesSample = true}};
+                                            .estimation = {.copiesSample = true},
+                                            .censored = CensoredForm::kNormalMagnitude};
 };
 
 // The scale is the root of the mean square of x - offset, in closed form; its standard error is scale / sqrt(2

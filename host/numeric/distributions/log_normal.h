@@ -12,11 +12,13 @@ struct LogNormal {
       .code = DistributionCode::kLogNormal,
       .name = "LogNormal",
       .shortName = "lognorm",
+      .otherName = "lnorm",
       .offset = OffsetPlace::kWithX,
       .parameters = {{{"scale", ParameterRange::kFinite, ParameterUnit::kLogarithmOfData},
                       {"shape", ParameterRange::kPositive, ParameterUnit::kNone}}},
       .curves = {"Lognorm", "iLognorm"},
-      .estimation = {.copiesSample = true}};
+      .estimation = {.copiesSample = true},
+      .censored = CensoredForm::kNormalOfLogarithm};
 };
 
 // Mean and standard deviation (divisor n) of ln(x - offset). kValueAtOffset.

@@ -11,7 +11,8 @@ struct Normal {
       .name = "Normal",
       .shortName = "norm",
       .parameters = {{{"location", ParameterRange::kFinite}, {"scale", ParameterRange::kPositive}}},
-      .curves = {"Normal", "iNormal"}};
+      .curves = {"Normal", "iNormal"},
+      .censored = CensoredForm::kNormal};
 };
 
 extern template class Distribution<Normal>;

@@ -13,7 +13,8 @@ struct Rayleigh {
                                             .offset = OffsetPlace::kWithX,
                                             .parameters = {{{"scale", ParameterRange::kPositive}}},
                                             .curves = {"Rayl", "IRayl"},
-                                            .estimation = {.copiesSample = true}};
+                                            .estimation = {.copiesSample = true},
+                                            .censored = CensoredForm::kSquareHazard};
 };
 
 // The scale is the root of half the mean square of x - offset, in closed form; its standard error is scale /

@@ -9,6 +9,7 @@ struct Triangular {
   static constexpr DistributionFacts kFacts{.code = DistributionCode::kTriangular,
                                             .name = "Triangular",
                                             .shortName = "triang",
+                                            .otherName = "tri",
                                             .parameters = {{{"min", ParameterRange::kFinite},
                                                             {"max", ParameterRange::kFinite},
                                                             {"mode", ParameterRange::kFinite}}},

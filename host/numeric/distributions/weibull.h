@@ -13,7 +13,8 @@ struct Weibull {
       .parameters = {{{"scale", ParameterRange::kPositive},
                       {"shape", ParameterRange::kPositive, ParameterUnit::kNone}}},
       .curves = {"weibull", "iWeibull"},
-      .estimation = {.copiesSample = true}};
+      .estimation = {.copiesSample = true},
+      .censored = CensoredForm::kPowerHazard};
 };
 
 extern template class Distribution<Weibull>;

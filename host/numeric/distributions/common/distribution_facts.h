@@ -97,6 +97,17 @@ struct CurveNames {
   std::string_view shiftedDensity = density;  // of x - offset
 };
 
+// How a likelihood over values of which some are known by bounds alone reduces a value x to a standard one.
+enum class CensoredForm : std::uint8_t {
+  kNone,               // the distribution is not fitted to such values
+  kNormal,             // (x - location) / scale is normal
+  kNormalOfLogarithm,  // (ln(x - offset) - location) / scale is
+  kNormalMagnitude,    // (x - offset) / scale is the magnitude of a normal value
+  kPowerHazard,        // the cumulative hazard is ((x - offset) / scale) ^ shape
+  kSquareHazard,       // it is ((x - offset) / scale) ^ 2 / 2
+  kExtremeValue        // ln(1 + shape (x - location) / scale) / shape is a standard extreme value
+};
+
 // What a fit costs, for callers that run several.
 struct EstimationCost {
   bool copiesSample = false;
@@ -111,12 +122,14 @@ struct DistributionFacts {
   std::string_view longName = name;   // in the names of its functions in formulas and of automation members
   std::string_view macroName = name;  // in the constants of macros
   std::string_view shortName = {};    // by which people also call it
+  std::string_view otherName = {};    // in lower case, as statistics packages have taught them
   bool isContinuous = true;
   OffsetPlace offset = OffsetPlace::kNone;
   bool isUserDefined = false;  // the parameters repeat, in any number of groups: components, classes
   std::array<ParameterFacts, kMostParameters> parameters;  // in the order of the values; of one group
   CurveNames curves{};                                     // none if steps draw it
   EstimationCost estimation{};
+  CensoredForm censored = CensoredForm::kNone;
 
   constexpr bool HasOffset() const { return offset != OffsetPlace::kNone; }
   constexpr std::size_t ParameterCount() const {
