@@ -53,6 +53,17 @@ TEST_F(LifeData, FansAgreeWithSurvreg) {
   EXPECT_NEAR(tenth["byCovariance"]["upper"], 5836.93, 0.01);
 }
 
+TEST_F(LifeData, ValuesAndErrorsHaveDigitsEnoughToBeReadTogether) {
+  const std::string fans = Run({"fit", kExamples + "generator_fans.csv", "--continuous", "hours", "--censor",
+                                "status", "--distributions", "weibull"})
+                               .out;
+  EXPECT_NE(fans.find("26296.8 (12251), 1.05845 (0.2683)"), std::string::npos) << fans;
+  Write("c.csv", "t,status\n5000001,1\n5000003,1\n5000002,1\n5000004,0\n5000002,1\n");
+  const std::string far =
+      Run({"fit", "c.csv", "--continuous", "t", "--censor", "status", "--distributions", "normal"}).out;
+  EXPECT_NE(far.find("  5000002."), std::string::npos) << far;
+}
+
 TEST_F(LifeData, CodesAreReadAsTheFieldWritesThem) {
   const struct {
     const char* text;

@@ -22,13 +22,23 @@ std::string CountsText(const CensoredVariable& variable) {
   return text;
 }
 
-// "83.35 (2.527)" for each value with its standard error.
+// To four digits, or to units where that is more.
+std::string ErrorText(double error) {
+  constexpr int kDigits = 4;
+  constexpr double kHundredUnits = 100;
+  constexpr double kLongest = 1e15;
+  return ReadableNumber(error, error < kLongest ? DigitsFor(error, kHundredUnits, kDigits) : kDigits);
+}
+
+// "83.35 (2.527)" for each value with its standard error, of which the value shows a hundredth.
 std::string ValuesText(const CensoredFit& fit) {
+  constexpr int kDigits = 6;
   std::string text;
   for (std::size_t i = 0; i < fit.values.values.size(); ++i) {
-    const std::string error =
-        i < fit.standardErrors.size() ? " (" + ReadableNumber(fit.standardErrors[i], 4) + ")" : "";
-    text += (i == 0 ? "" : ", ") + ReadableNumber(fit.values.values[i]) + error;
+    const double value = fit.values.values[i];
+    const double error = i < fit.standardErrors.size() ? fit.standardErrors[i] : 0;
+    text += (i == 0 ? "" : ", ") + ReadableNumber(value, DigitsFor(value, error, kDigits));
+    if (error > 0) text += " (" + ErrorText(error) + ")";
   }
   return text;
 }
