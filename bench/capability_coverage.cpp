@@ -23,7 +23,7 @@ struct Truth {
 
 PercentileCapability CapabilityOf(const FittedValues& fit, const SpecificationLimits& limits) {
   const AnyDistribution distribution(fit.code, fit.values, fit.offset);
-  return AnalysePercentiles(
+  return *AnalysePercentiles(
       {[&](double p) { return distribution.Quantile(p); }, [&](double x) { return distribution.Cdf(x); },
        [&](double x) { return distribution.Complement(x); }},
       limits);

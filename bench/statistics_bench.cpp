@@ -31,7 +31,7 @@ BENCHMARK(Sensitivity)->Arg(5)->Arg(32)->Unit(benchmark::kMillisecond)->UseRealT
 
 void Capability(benchmark::State& state) {
   const std::vector<double> values = Normals(1);
-  for (auto _ : state) benchmark::DoNotOptimize(AnalyseCapability(values, {-3, 3, 0}).cpm);
+  for (auto _ : state) benchmark::DoNotOptimize(AnalyseCapability(values, {-3, 3, 0})->cpm);
 }
 BENCHMARK(Capability)->Unit(benchmark::kMillisecond)->UseRealTime();
 

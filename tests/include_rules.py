@@ -102,14 +102,19 @@ ROOMS = (
 CONTRACT = "host/contract"
 # A name that means several folders, if the table names none below it.
 GROUPS = ("host", "host/numeric", "brv_sra")
-# What computes knows no text: what faults, progress and distributions are called is the dialogs' to say. A literal of three
-# words or more stands where a text is made, or is thrown.
+# What computes knows no text: what faults, progress and distributions are called is the dialogs' to say, and an engine
+# returns its faults. A literal of three words or more stands where a text is made; it may be that of a mistake of the caller.
 COMPUTING = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation",
              "brv_sra/simulation/sampling", "brv_sra/profiler") + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
     "host/statistics",)
+# What reads formulas and models that people wrote throws where it cannot go on, for the place and the cause are known there
+# alone; beside that, it says of an output of a model why it is not available. It has no other texts. host/tables and
+# host/graphs do not compute: how a file was read, and what a picture shows, are told in words, which are their results.
+READING = ("host/formula",) + tuple(room.folder for room in ROOMS if room.folder.startswith("host/models"))
 COMMENT = re.compile(r"//[^\n]*")
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
-THROWN = re.compile(r"\bthrow\b|Error\(|\bFail\(")
+MISTAKE = re.compile(r"\bthrow std::(logic_error|out_of_range|invalid_argument)\b|\bstatic_assert\(")
+THROWN = re.compile(r"\bthrow\b|Error\(|\bFail\(|\breason = ")
 WORDS = re.compile(r"[A-Za-z']+[,:]?( [A-Za-z']+[,:]?){2,}")
 # What a *_test file may include beyond what its subject may: the other folders of the same part of the tree
 # (host/numeric, brv_sra/profiler), the test framework's headers and these.
@@ -260,14 +265,15 @@ def violations_of_file(root, path):
 
 
 def texts_of_file(root, path):
-    """The literals in words that are in a file that only computes."""
-    if is_test(path) or folder_of(path) not in COMPUTING:
+    """The literals in words that are in a file that only computes or reads."""
+    if is_test(path) or folder_of(path) not in COMPUTING + READING:
         return
+    allowed = THROWN if folder_of(path) in READING else MISTAKE
     with open(os.path.join(root, path), encoding="utf-8", errors="replace") as file:
         code = COMMENT.sub("", file.read())
     for literal in LITERAL.finditer(code):
         statement = re.split(r"[;{}]", code[:literal.start()])[-1]
-        if WORDS.search(literal[1]) and not THROWN.search(statement):
+        if WORDS.search(literal[1]) and not allowed.search(statement):
             yield f"{path}:{code.count(chr(10), 0, literal.start()) + 1}: a text in what computes: {literal[0]}"
 
 
@@ -406,6 +412,23 @@ SELF_TESTS = (
 )
 
 
+def self_test_of_texts():
+    """The lines that are found in a file of a folder, and those that pass."""
+    source = ('// "a comment may speak"\nconst char* a = "the value is missing";\n'
+              'void F() { throw Error("no value", "the file has none"); }\n'
+              'void G() { throw std::logic_error("no such value here"); }\n')
+    failures = []
+    for folder, expected in (("host/statistics", [2, 3]), ("host/formula", [2]), ("host/tables", [])):
+        with tempfile.TemporaryDirectory() as root:
+            os.makedirs(os.path.join(root, folder))
+            with open(os.path.join(root, folder, "a.cpp"), "w", encoding="utf-8") as file:
+                file.write(source)
+            found = [int(line.split(":")[1]) for line in violations(root)]
+        if found != expected:
+            failures.append(f"texts in {folder}: found in lines {found}, wanted {expected}")
+    return failures
+
+
 def self_test_of_distributions():
     """A file more than may be knows a distribution; tests, comments and sentences do not count."""
     count = MOST_FILES_OF_DISTRIBUTION
@@ -443,13 +466,7 @@ def self_test():
         open(os.path.join(root, "host/attic/a.cpp"), "w", encoding="utf-8").close()
         if violations(root) != ["host/attic/a.cpp:1: folder host/attic is not in the table of include rules"]:
             failures.append("a folder that is not in the table passes")
-    with tempfile.TemporaryDirectory() as root:
-        os.makedirs(os.path.join(root, "host/statistics"))
-        with open(os.path.join(root, "host/statistics/a.cpp"), "w", encoding="utf-8") as file:
-            file.write('// "a comment may speak"\nconst char* a = "the value is missing";\n'
-                       'void F() { throw Error("no value", "the file has none"); }\n')
-        if violations(root) != ['host/statistics/a.cpp:2: a text in what computes: "the value is missing"']:
-            failures.append(f"a text in what computes passes, or one that is thrown does not: {violations(root)}")
+    failures += self_test_of_texts()
     failures += self_test_of_distributions()
     paths = [f"host/base/{number}.h" for number in range(MOST_FILES + 1)]
     if crowded_folders(paths[1:]) or not crowded_folders(paths):

@@ -29,9 +29,11 @@ const NamedKernel* FindFunction(std::string_view name) {
 
 std::string ArgumentCounts(const NamedKernel& function) {
   std::string text = std::to_string(function.fewestArguments);
-  if (function.mostArguments == kMostArguments) return text + " or more values";
-  if (function.mostArguments != function.fewestArguments)
+  if (function.mostArguments == kMostArguments) {
+    text += " or more";
+  } else if (function.mostArguments != function.fewestArguments) {
     text += " to " + std::to_string(function.mostArguments);
+  }
   return text + (function.mostArguments == 1 ? " value" : " values");
 }
 

@@ -488,8 +488,9 @@ std::vector<UnavailableOutput> PredictionModel::UnavailableOutputs(const Spreads
   std::vector<UnavailableOutput> unavailable = content_->unavailable;
   for (const pmml::OutputColumn& output : model.outputs) {
     const std::string lacking = LackingFor(output, model, data);
-    if (output.isFinal && !lacking.empty())
-      unavailable.push_back({output.name, "it needs fields that the data lack: " + lacking});
+    if (!output.isFinal || lacking.empty()) continue;
+    std::string reason = "it needs fields that the data lack: " + lacking;
+    unavailable.push_back({output.name, std::move(reason)});
   }
   return unavailable;
 }

@@ -6,7 +6,6 @@
 #include <limits>
 #include <numbers>
 
-#include "host/base/error.h"
 #include "host/numeric/distributions/normal.h"
 #include "host/statistics/moments.h"
 
@@ -97,10 +96,6 @@ IndexIntervals IntervalsOf(const CapabilityIndices& indices, std::int64_t count,
   const auto oneSided = [&](double index) { return OneSidedInterval(index, count, degrees, confidence); };
   return {PotentialInterval(indices.potential, degrees, confidence), oneSided(indices.lower),
           oneSided(indices.upper), oneSided(indices.least)};
-}
-
-void RequireValid(const SpecificationLimits& limits) {
-  if (!limits.IsValid()) throw Error("the specification limits are not valid", "process capability");
 }
 
 }  // namespace
@@ -201,17 +196,16 @@ PartsIntervals NormalPartsIntervals(const CapabilityIndices& indices, std::int64
   return intervals;
 }
 
-CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
-                                   double confidence) {
+CapabilityResult<CapabilityReport> AnalyseCapability(std::span<const double> values,
+                                                     const SpecificationLimits& limits, double confidence) {
   return AnalyseCapability(values, DescribeProcess(values), limits, confidence);
 }
 
-CapabilityReport AnalyseCapability(std::span<const double> values, const ProcessSample& sample,
-                                   const SpecificationLimits& limits, double confidence) {
-  RequireValid(limits);
-  if (!(confidence > 0 && confidence < 1)) {
-    throw Error("the confidence must lie between 0 and 1", "process capability");
-  }
+CapabilityResult<CapabilityReport> AnalyseCapability(std::span<const double> values,
+                                                     const ProcessSample& sample,
+                                                     const SpecificationLimits& limits, double confidence) {
+  if (!limits.IsValid()) return Fault{CapabilityFault::kInvalidLimits};
+  if (!(confidence > 0 && confidence < 1)) return Fault{CapabilityFault::kInvalidConfidence};
   CapabilityReport report;
   report.sample = sample;
   const double overallDegrees = sample.count < 2 ? kNotSet : static_cast<double>(sample.count - 1);
@@ -231,14 +225,14 @@ CapabilityReport AnalyseCapability(std::span<const double> values, const Process
   return report;
 }
 
-PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,
-                                        const SpecificationLimits& limits) {
-  RequireValid(limits);
+CapabilityResult<PercentileCapability> AnalysePercentiles(const ProcessDistribution& distribution,
+                                                          const SpecificationLimits& limits) {
+  if (!limits.IsValid()) return Fault{CapabilityFault::kInvalidLimits};
   const double low = distribution.quantile(kLowPoint);
   const double median = distribution.quantile(0.5);
   const double high = distribution.quantile(kHighPoint);
   const bool usable = std::isfinite(low) && std::isfinite(high) && low < median && median < high;
-  if (!usable || low == kInvalidQuantile) return {};
+  if (!usable || low == kInvalidQuantile) return PercentileCapability();
   PercentileCapability result{low, median, high, {}, {}};
   result.indices = IndicesFrom(median, median - low, high - median, limits);
   result.expected = PartsFrom(limits.HasLower() ? distribution.cdf(limits.lower) : 0,

@@ -16,6 +16,7 @@
 #include <span>
 
 #include "host/base/almost_equal.h"
+#include "host/base/result.h"
 #include "host/statistics/proportion.h"
 #include "host/statistics/specification_limits.h"
 
@@ -99,13 +100,21 @@ struct CapabilityReport {
   PartsPerMillion expectedOverall;
   PartsIntervals expectedOverallIntervals;
 };
-// All of it for values in their order. Throws Error when the limits are not valid or the confidence does not
-// lie in (0, 1).
-CapabilityReport AnalyseCapability(std::span<const double> values, const SpecificationLimits& limits,
-                                   double confidence = 0.95);
+enum class CapabilityFault : std::uint8_t {
+  kInvalidLimits,     // SpecificationLimits::IsValid
+  kInvalidConfidence  // not between 0 and 1
+};
+template <class T>
+using CapabilityResult = Result<T, CapabilityFault>;
+
+// All of it for values in their order.
+CapabilityResult<CapabilityReport> AnalyseCapability(std::span<const double> values,
+                                                     const SpecificationLimits& limits,
+                                                     double confidence = 0.95);
 // The same with the deviations that `sample` has, of which the one within may be that of subgroups (subgroups.h).
-CapabilityReport AnalyseCapability(std::span<const double> values, const ProcessSample& sample,
-                                   const SpecificationLimits& limits, double confidence);
+CapabilityResult<CapabilityReport> AnalyseCapability(std::span<const double> values,
+                                                     const ProcessSample& sample,
+                                                     const SpecificationLimits& limits, double confidence);
 
 // A fitted distribution, from which the indices of a process that is not normal are taken.
 struct ProcessDistribution {
@@ -128,9 +137,8 @@ struct PercentileIntervals {
   IndexIntervals indices;
   PartsIntervals expected;
 };
-// Throws Error when the limits are not valid. Nothing is set if a point is not finite or the points do not
-// ascend.
-PercentileCapability AnalysePercentiles(const ProcessDistribution& distribution,
-                                        const SpecificationLimits& limits);
+// kInvalidLimits. Nothing is set if a point is not finite or the points do not ascend.
+CapabilityResult<PercentileCapability> AnalysePercentiles(const ProcessDistribution& distribution,
+                                                          const SpecificationLimits& limits);
 
 }  // namespace brenvolt

@@ -7,7 +7,6 @@
 #include <limits>
 #include <vector>
 
-#include "host/base/error.h"
 #include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/normal.h"
 #include "host/numeric/distributions/weibull.h"
@@ -157,7 +156,7 @@ TEST(Capability, IntervalsHoldTheIndexAsOftenAsTheySay) {
   const PartsPerMillion parts = NormalParts(0, 1, limits);
   int cp = 0, cpk = 0, pp = 0, ppk = 0, withinAbove = 0, overallBelow = 0, overallTotal = 0;
   for (std::size_t i = 0; i < kSamples; ++i) {
-    const CapabilityReport report = AnalyseCapability(std::span(values).subspan(i * kSize, kSize), limits);
+    const CapabilityReport report = *AnalyseCapability(std::span(values).subspan(i * kSize, kSize), limits);
     cp += holds(report.withinIntervals.potential, 1);
     cpk += holds(report.withinIntervals.least, 0.8);
     pp += holds(report.overallIntervals.potential, 1);
@@ -194,7 +193,7 @@ TEST(Capability, ReportGathersTheIndicesOfBothDeviations) {
   for (int i = 0; i < 100; ++i) values.push_back(i * 0.1 + (i % 2 == 0 ? 0.5 : -0.5));
   values[50] = kNone;
   const SpecificationLimits limits{-1, 9, 4};
-  const CapabilityReport report = AnalyseCapability(values, limits);
+  const CapabilityReport report = *AnalyseCapability(values, limits);
   EXPECT_EQ(report.sample.count, 99);
   EXPECT_LT(report.sample.within, 0.5 * report.sample.overall);
   EXPECT_DOUBLE_EQ(report.within.potential, 10 / (6 * report.sample.within));
@@ -216,7 +215,7 @@ TEST(Capability, SamplesThatTellNothingGiveNoIndex) {
   for (const std::vector<double>& values :
        {std::vector<double>{}, std::vector<double>{2}, std::vector<double>{2, 2, 2, 2},
         std::vector<double>{kNone, 2, kNone}}) {
-    const CapabilityReport report = AnalyseCapability(values, limits);
+    const CapabilityReport report = *AnalyseCapability(values, limits);
     for (const double value : {report.within.potential, report.overall.least, report.cpm,
                                report.withinIntervals.potential.lower, report.overallIntervals.least.upper,
                                report.expectedWithin.total, report.expectedWithinIntervals.total.lower}) {
@@ -224,8 +223,27 @@ TEST(Capability, SamplesThatTellNothingGiveNoIndex) {
     }
     EXPECT_EQ(IsNotSet(report.observed.total), values.empty());
   }
-  EXPECT_THROW(AnalyseCapability(std::vector<double>{1, 2}, {3, 1, 2}), Error);
-  EXPECT_THROW(AnalyseCapability(std::vector<double>{1, 2}, limits, 1.0), Error);
+}
+
+TEST(Capability, LimitsAndConfidencesThatAreNoneAreFaults) {
+  const std::vector<double> values{1, 2};
+  const struct {
+    SpecificationLimits limits;
+    double confidence;
+    CapabilityFault fault;
+  } rows[] = {{{3, 1, 2}, 0.95, CapabilityFault::kInvalidLimits},
+              {{}, 0.95, CapabilityFault::kInvalidLimits},
+              {{1, 3, 2}, 1.0, CapabilityFault::kInvalidConfidence},
+              {{1, 3, 2}, kNone, CapabilityFault::kInvalidConfidence}};
+  for (const auto& row : rows) {
+    const auto report = AnalyseCapability(values, row.limits, row.confidence);
+    ASSERT_FALSE(report);
+    EXPECT_EQ(report.Reason().identifier, row.fault);
+  }
+  const auto percentiles = AnalysePercentiles(
+      {[](double p) { return p; }, [](double x) { return x; }, [](double x) { return 1 - x; }}, {});
+  ASSERT_FALSE(percentiles);
+  EXPECT_EQ(percentiles.Reason().identifier, CapabilityFault::kInvalidLimits);
 }
 
 ProcessDistribution WeibullProcess() {
@@ -236,7 +254,7 @@ ProcessDistribution WeibullProcess() {
 
 // SciPy 1.10, weibull_min(1.7, 0, 10): ppf, cdf and sf; limits 1 and 35.
 TEST(Capability, PercentileIndicesStandOnTheDistribution) {
-  const PercentileCapability c = AnalysePercentiles(WeibullProcess(), {1, 35, kNone});
+  const PercentileCapability c = *AnalysePercentiles(WeibullProcess(), {1, 35, kNone});
   const std::pair<double, double> values[] = {
       {c.low, 0.20517931606399886},
       {c.median, 8.060610171859208},
@@ -249,7 +267,7 @@ TEST(Capability, PercentileIndicesStandOnTheDistribution) {
   };
   for (const auto& [value, expected] : values) EXPECT_NEAR(value, expected, 1e-12 * expected);
   EXPECT_EQ(c.indices.least, std::min(c.indices.lower, c.indices.upper));
-  const PercentileCapability oneSided = AnalysePercentiles(WeibullProcess(), {kNone, 35, kNone});
+  const PercentileCapability oneSided = *AnalysePercentiles(WeibullProcess(), {kNone, 35, kNone});
   EXPECT_EQ(oneSided.indices.least, c.indices.upper);
   EXPECT_TRUE(IsNotSet(oneSided.indices.potential));
   EXPECT_TRUE(IsNotSet(oneSided.expected.below));
@@ -259,7 +277,7 @@ TEST(Capability, PercentileIndicesStandOnTheDistribution) {
                                           [](double x) { return Distribution<Normal>(5, 2).Cdf(x); },
                                           [](double x) { return Distribution<Normal>(5, 2).Complement(x); }};
   const SpecificationLimits limits{1, 12, kNone};
-  EXPECT_NEAR(AnalysePercentiles(normalProcess, limits).indices.least, NormalIndices(5, 2, limits).least,
+  EXPECT_NEAR(AnalysePercentiles(normalProcess, limits)->indices.least, NormalIndices(5, 2, limits).least,
               1e-5);
 }
 
@@ -283,9 +301,9 @@ TEST(CapabilityReference, PercentileIndicesAgreeWithScipy) {
     SCOPED_TRACE(static_cast<int>(row.code));
     const AnyDistribution fit(row.code, row.values, 0);
     const PercentileCapability found =
-        AnalysePercentiles({[&](double p) { return fit.Quantile(p); }, [&](double x) { return fit.Cdf(x); },
-                            [&](double x) { return fit.Complement(x); }},
-                           {row.lower, row.upper, kNone});
+        *AnalysePercentiles({[&](double p) { return fit.Quantile(p); }, [&](double x) { return fit.Cdf(x); },
+                             [&](double x) { return fit.Complement(x); }},
+                            {row.lower, row.upper, kNone});
     expectSame(found.indices.potential, row.potential, "Pp");
     expectSame(found.indices.lower, row.ofLower, "Ppl");
     expectSame(found.indices.upper, row.ofUpper, "Ppu");
@@ -301,10 +319,10 @@ TEST(Capability, PercentilesThatAreNoneGiveNoIndex) {
     const std::array<double, 3> points =
         value < 0 ? std::array{value, 3.0, 9.0} : std::array{1.0, 3.0, value};
     process.quantile = [points](double p) { return points[p < 0.5 ? 0 : (p > 0.5 ? 2 : 1)]; };
-    EXPECT_TRUE(IsNotSet(AnalysePercentiles(process, {1, 35, kNone}).indices.least)) << value;
+    EXPECT_TRUE(IsNotSet(AnalysePercentiles(process, {1, 35, kNone})->indices.least)) << value;
   }
   process.quantile = [](double p) { return p < 0.9 ? 1.0 : 2.0; };  // a discrete one: median on the low point
-  EXPECT_TRUE(IsNotSet(AnalysePercentiles(process, {1, 35, kNone}).indices.least));
+  EXPECT_TRUE(IsNotSet(AnalysePercentiles(process, {1, 35, kNone})->indices.least));
 }
 
 }  // namespace

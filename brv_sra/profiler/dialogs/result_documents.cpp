@@ -175,10 +175,10 @@ CapabilityReport ObservedOnly(const CapabilityReport& report) {
 
 PercentileCapability PercentilesOf(const DistributionFit& fit, const SpecificationLimits& limits) {
   const SpecifiedDistribution distribution(fit.specification);
-  return AnalysePercentiles({[&distribution](double p) { return distribution.Quantile(p); },
-                             [&distribution](double x) { return distribution.Cdf(x); },
-                             [&distribution](double x) { return distribution.Complement(x); }},
-                            limits);
+  return *AnalysePercentiles({[&distribution](double p) { return distribution.Quantile(p); },
+                              [&distribution](double x) { return distribution.Cdf(x); },
+                              [&distribution](double x) { return distribution.Complement(x); }},
+                             limits);
 }
 
 // The distribution that a row is of: a text in the rows by percentiles.
@@ -322,7 +322,7 @@ std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& respons
   const std::vector<double> values = ResponseValues(response);
   Capability capability;
   capability.limits = response.limits;
-  capability.report = AnalyseCapability(values, response.limits, kConfidence);
+  capability.report = *AnalyseCapability(values, response.limits, kConfidence);
   const bool isOfFewValues = capability.report.sample.count > 0 && !HasDensity(response, values);
   if (isOfFewValues) capability.report = ObservedOnly(capability.report);
   capability.missing = static_cast<std::int64_t>(values.size()) - capability.report.sample.count;

@@ -37,10 +37,10 @@ struct SimulatedResponse {
 // and cancellation reach `port`; throws UserCancelled.
 VariableFit FitResponse(const SimulatedResponse& response, const RunProgress& bars);
 
-// Capability of the response, one case per statistic, with confidence limits where it has any. Throws Error
-// where the limits are not valid. With fits of which the best is not the normal distribution and the normal
-// one is rejected at 5 % (Anderson & Darling), indices and parts per million by the points of the best
-// distribution follow, which the column "(Params Description)" names; they are missing otherwise.
+// Capability of the response, whose limits are valid, one case per statistic, with confidence limits where it has any. With
+// fits of which the best is not the normal distribution and the normal one is rejected at 5 % (Anderson & Darling), indices
+// and parts per million by the points of the best distribution follow, which the column "(Params Description)" names; they
+// are missing otherwise.
 std::unique_ptr<Spreadsheet> CapabilityDocument(const SimulatedResponse& response, const VariableFit& fit);
 
 // In the order in which they are shown; kept apart by their place.

@@ -318,12 +318,6 @@ TEST(CapabilityDocument, RunsWithoutPredictionAreCountedAndLeftOut) {
   EXPECT_EQ(Cell(*table, "usl"_column), 3.5);
 }
 
-TEST(CapabilityDocument, RefusesASpecificationThatIsNotValid) {
-  for (const SpecificationLimits& limits :
-       {SpecificationLimits{3, 1, kNan}, SpecificationLimits{}, SpecificationLimits{1, 3, 4}})
-    EXPECT_THROW(CapabilityOf({1, 2, 3}, limits), Error);
-}
-
 // What cannot have a density has no fit; the rest is made all the same.
 TEST(ResponseFits, FewValuesOrNoneAreNotFittedAndBreakNothing) {
   const std::vector<double> samples[] = {{1, 2, 3, 1, 2, 3, 1, 2}, {5, 5, 5, 5}, {5}, {kNan, kNan}};

@@ -215,7 +215,7 @@ PercentileCapability PercentilesOf(const FittedValues& fit, const SpecificationL
   const ProcessDistribution process{[&](double p) { return distribution.Quantile(p); },
                                     [&](double x) { return distribution.Cdf(x); },
                                     [&](double x) { return distribution.Complement(x); }};
-  return AnalysePercentiles(process, limits);
+  return *AnalysePercentiles(process, limits);
 }
 
 // The interval of one of the figures, from those of bootstrapped fits. A figure that one of them lacks has none.
@@ -355,7 +355,7 @@ CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
   const DeviationEstimate chosen = ChosenWithin(found);
   sample.within = chosen.deviation;
   sample.withinDegrees = chosen.degrees;
-  found.report = AnalyseCapability(found.values, sample, found.limits, found.confidence);
+  found.report = *AnalyseCapability(found.values, sample, found.limits, found.confidence);
   JudgeDistribution(*this, found);
   return found;
 }

@@ -142,9 +142,12 @@ class OutputReader {
       case Feature::kResidual:
         return Residual(result);
       case Feature::kEntity:
-        return Ranked(result.entities, result.entityIds, "winning rule, node, segment, cluster or neighbour");
+        if (result.entities.empty())
+          field_->Fail("the model has no winning rule, node, segment, cluster or neighbour");
+        return Ranked(result.entities, result.entityIds);
       case Feature::kReasonCode:
-        return Ranked(result.reasons, result.reasonCodes, "reason codes");
+        if (result.reasons.empty()) field_->Fail("the model has no reason codes");
+        return Ranked(result.reasons, result.reasonCodes);
       case Feature::kNone:
         break;
     }
@@ -210,9 +213,7 @@ class OutputReader {
     return operand;
   }
 
-  Operand Ranked(const std::vector<Slot>& columns, const std::vector<std::string>& names,
-                 const char* what) const {
-    if (columns.empty()) field_->Fail(std::string("the model has no ") + what);
+  Operand Ranked(const std::vector<Slot>& columns, const std::vector<std::string>& names) const {
     const int rank = field_->FindInteger("rank").value_or(1);
     field_->Choice<int>("rankOrder", {{"descending", 0}}, 0);
     field_->Choice<int>("rankBasis", {{"confidence", 0}}, 0);
