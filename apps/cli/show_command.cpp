@@ -1,6 +1,5 @@
 // brenvolt show: what a project holds.
 #include <cstdio>
-#include <nlohmann/json.hpp>
 
 #include "apps/cli/commands.h"
 #include "apps/cli/data_options.h"
@@ -12,7 +11,7 @@
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
 #include "host/jobs/design_job.h"
-#include "host/jobs/json/design_json.h"
+#include "host/jobs/json/project_json.h"
 #include "host/jobs/reports/project_report.h"
 #include "host/jobs/reports/show_job.h"
 #include "host/tables/matrix_sheet.h"
@@ -20,25 +19,10 @@
 namespace brenvolt::cli {
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct ShowCall {
   ShowJob job;
   ReportFormat format = ReportFormat::kTable;
 };
-
-void ShowSheetsAsJson(const Workbook& workbook) {
-  Json sheets = Json::array();
-  for (std::size_t i = 0; i < workbook.SheetCount(); ++i) {
-    const Spreadsheet& sheet = workbook.SheetAt(i);
-    sheets.push_back({{"name", sheet.Name()},
-                      {"kind", KindName(sheet.Kind())},
-                      {"cases", sheet.CaseCount()},
-                      {"variables", sheet.VariableCount()},
-                      {"title", sheet.Title()}});
-  }
-  Print(JsonText(Json{{"sheets", sheets}}));
-}
 
 void ShowVariablesAsTable(const Spreadsheet& sheet, const DesignText& design) {
   std::printf("%s, %zu cases\n%s", VisibleLine(sheet.Name()).c_str(), sheet.CaseCount(),
@@ -59,58 +43,20 @@ void ShowVariablesAsTable(const Spreadsheet& sheet, const DesignText& design) {
   }
 }
 
-void ShowVariablesAsJson(const Spreadsheet& sheet, const DesignText& design) {
-  Json variables = Json::array();
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
-    const Variable& variable = sheet.VariableAt(i);
-    Json properties = Json::object();
-    for (const auto& [key, value] : variable.Properties()) properties[key] = value;
-    variables.push_back({{"name", variable.Name()},
-                         {"type", TypeName(variable.Type())},
-                         {"missing", CountMissing(variable)},
-                         {"properties", properties}});
-  }
-  Print(JsonText(Json{{"name", sheet.Name()},
-                      {"kind", KindName(sheet.Kind())},
-                      {"cases", sheet.CaseCount()},
-                      {"variables", variables},
-                      {"design", DesignJson(design)}}));
-}
-
 void ShowMatrixAsTable(const Spreadsheet& matrix) {
   std::printf("%s, %s\n%s", VisibleLine(matrix.Name()).c_str(), MatrixText(matrix).c_str(),
               TextOf(MatrixTable(matrix, matrix.VariableCount())).c_str());
-}
-
-void ShowMatrixAsJson(const Spreadsheet& matrix) {
-  const std::size_t size = matrix.VariableCount();
-  const MatrixSummaryRows rows(matrix.CaseCount());
-  Json variables = Json::array();
-  for (std::size_t row = 0; row < size; ++row) {
-    Json correlations = Json::array();
-    for (std::size_t c = 0; c < size; ++c)
-      correlations.push_back(NumberOrNull(matrix.VariableAt(c).Values()[row]));
-    const Variable& variable = matrix.VariableAt(row);
-    variables.push_back({{"name", variable.Name()},
-                         {"mean", NumberOrNull(variable.Values()[rows.means])},
-                         {"standardDeviation", NumberOrNull(variable.Values()[rows.standardDeviations])},
-                         {"correlations", correlations}});
-  }
-  Print(JsonText(Json{{"name", matrix.Name()},
-                      {"kind", KindName(matrix.Kind())},
-                      {"validCases", NumberOrNull(ValidCases(matrix))},
-                      {"variables", variables}}));
 }
 
 // A matrix that lacks rows is shown as data are.
 void ShowSheet(const ShowCall& call, const Spreadsheet& sheet, ProgramInterface& interface) {
   const bool json = call.format == ReportFormat::kJson;
   if (HasMatrixRows(sheet)) {
-    json ? ShowMatrixAsJson(sheet) : ShowMatrixAsTable(sheet);
+    json ? Print(JsonText(MatrixJson(sheet))) : ShowMatrixAsTable(sheet);
     return;
   }
   const DesignText design = DesignOf(call.job.project, sheet, interface);
-  json ? ShowVariablesAsJson(sheet, design) : ShowVariablesAsTable(sheet, design);
+  json ? Print(JsonText(SheetJson(sheet, design))) : ShowVariablesAsTable(sheet, design);
 }
 
 void Show(const ShowCall& call) {
@@ -120,7 +66,7 @@ void Show(const ShowCall& call) {
   if (!call.job.sheet.empty()) {
     ShowSheet(call, project.Sheet(call.job.sheet), terminal);
   } else if (json) {
-    ShowSheetsAsJson(project.workbook);
+    Print(JsonText(ProjectJson(project.workbook)));
   } else {
     Print(TextOf(SheetTable(project.workbook)));
   }

@@ -4,18 +4,11 @@
 #include <cstddef>
 #include <filesystem>
 #include <string>
-#include <string_view>
 
 #include "host/jobs/design_job.h"
 #include "host/jobs/reports/report_parts.h"
 
 namespace brenvolt {
-
-// "data" or "matrix", "numeric" or "text".
-std::string_view KindName(SheetKind kind);
-std::string_view TypeName(VariableType type);
-std::size_t CountMissing(const Variable& variable);
-double ValidCases(const Spreadsheet& matrix);
 
 // The sheets of a project, the variables of a sheet, and the correlations of a matrix, of its first variables.
 ReportTable SheetTable(const Workbook& workbook);
