@@ -10,7 +10,7 @@
 
 namespace brenvolt {
 
-// Lines differ in pattern as well, so that they can be told apart in print.
+// A palette in the form that the toolkit takes.
 struct Theme {
   QColor background;
   QColor text;
@@ -26,7 +26,6 @@ struct Theme {
   std::array<QColor, 6> lines;
 };
 
-// Both keep to colours that the colour-blind tell apart (Okabe and Ito 2008, Color Universal Design).
 const Theme& ThemeOf(PictureTheme theme);
 
 // All colours of a theme, each at the same place in every theme.

@@ -2,15 +2,21 @@
 
 from __future__ import annotations
 
+import itertools
 import math
 from typing import TYPE_CHECKING, Any
+
+from ._brenvolt import palette
 
 if TYPE_CHECKING:
     from ._automation import GraphDocument
 
-# Those of the pictures that the command draws (Okabe and Ito 2008); lines differ in pattern, too.
-BAR, BAR_EDGE, NEGATIVE_BAR, POINT, REFERENCE, MARKER = "#bfd7ea", "#6f9bbf", "#e8c088", "#0072b2", "#777777", "#a03000"
-LINES = (("#d55e00", "-"), ("#0072b2", "--"), ("#009e73", ":"), ("#a8558a", "-."))
+# Those of the pictures that the command draws; lines differ in pattern, too.
+_PALETTE = palette()
+BAR, BAR_EDGE, NEGATIVE_BAR, POINT, REFERENCE, MARKER = (
+    _PALETTE[name][0] for name in ("bar", "bar_edge", "negative_bar", "point", "reference", "marker"))
+COLOURS = _PALETTE["lines"]
+PATTERNS = ("-", "--", ":", "-.", (0, (3, 1, 1, 1, 1, 1)))
 
 
 def pyplot():
@@ -22,8 +28,7 @@ def pyplot():
 
 
 def _lines():
-    while True:
-        yield from LINES
+    return zip(itertools.cycle(COLOURS), itertools.cycle(PATTERNS))
 
 
 def _is_marker(series):
@@ -44,7 +49,7 @@ def _draw_boxes(boxes, axes):
               "fliers": box["outliers"]} for box in boxes]
     axes.bxp(parts, vert=False, showmeans=True, patch_artist=True,
              boxprops={"facecolor": BAR, "edgecolor": BAR_EDGE}, medianprops={"color": "black"},
-             meanprops={"marker": "D", "markerfacecolor": LINES[0][0], "markeredgecolor": LINES[0][0]},
+             meanprops={"marker": "D", "markerfacecolor": COLOURS[0], "markeredgecolor": COLOURS[0]},
              flierprops={"marker": "o", "markerfacecolor": POINT, "markeredgecolor": POINT, "markersize": 4})
 
 
@@ -55,7 +60,7 @@ def _draw_series(series, style, axes):
     elif series["style"] == "points":
         axes.plot(x, y, "o", color=POINT, alpha=0.5, markersize=4, markeredgewidth=0, label=name)
     elif series["style"] == "steps":
-        axes.step(x, y, where="post", color=LINES[1][0], label=name)
+        axes.step(x, y, where="post", color=COLOURS[1], label=name)
     else:
         axes.plot(x, y, color=style[0], linestyle=style[1], label=name)
 
@@ -68,7 +73,7 @@ def _draw_regions(regions, axes):
         low, high = max(region["from"], limits[0]), min(region["to"], limits[1])
         if low < high:
             label = None if region["name"] in names else region["name"]
-            axes.axvspan(low, high, color=LINES[0][0], alpha=0.15, linewidth=0, label=label, zorder=0)
+            axes.axvspan(low, high, color=COLOURS[0], alpha=0.15, linewidth=0, label=label, zorder=0)
             names.add(region["name"])
     axes.set_xlim(limits)
 
@@ -76,7 +81,7 @@ def _draw_regions(regions, axes):
 def _draw_cells(cells, axes):
     from matplotlib.colors import LinearSegmentedColormap
 
-    colours = LinearSegmentedColormap.from_list("correlation", [LINES[0][0], "white", LINES[1][0]])
+    colours = LinearSegmentedColormap.from_list("correlation", [COLOURS[0], "white", COLOURS[1]])
     values = cells["values"]
     image = axes.imshow(values, cmap=colours, vmin=-1, vmax=1)
     axes.set_xticks(range(len(cells["columns"])), cells["columns"], rotation=90)

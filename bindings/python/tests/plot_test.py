@@ -13,6 +13,7 @@ import weakref
 
 os.environ["MPLBACKEND"] = "Agg"
 
+import matplotlib.colors
 import matplotlib.pyplot
 import numpy
 import pandas
@@ -45,6 +46,17 @@ class Plots(unittest.TestCase):
         numpy.testing.assert_array_equal(axes.lines[0].get_ydata(), graph.curves[0]["y"])
         self.assertEqual(axes.get_title(), "Histogram of waiting")
         self.assertEqual(axes.get_xlabel(), "waiting")
+
+    def test_colours_are_those_of_the_pictures_that_are_saved(self):
+        graph = self.waiting.graph("histogram")
+        axes = graph.plot()
+        with tempfile.TemporaryDirectory() as folder:
+            path = os.path.join(folder, "g.svg")
+            graph.save(path)
+            with open(path, encoding="utf-8") as file:
+                saved = file.read().lower()
+        for drawn in (axes.patches[0].get_facecolor(), axes.patches[0].get_edgecolor(), axes.lines[0].get_color()):
+            self.assertIn(matplotlib.colors.to_hex(drawn), saved)
 
     def test_every_kind_draws_on_the_axes_given(self):
         for kind in ("histogram", "cumulative-histogram", "pp", "qq", "empirical-distribution", "box-plot"):
