@@ -7,6 +7,7 @@
 #include "apps/cli/print.h"
 #include "apps/cli/specification_option.h"
 #include "host/application/json_text.h"
+#include "host/base/number_text.h"
 #include "host/jobs/json/measured_json.h"
 #include "host/jobs/measured/capability_job.h"
 #include "host/jobs/reports/reported_jobs.h"
@@ -39,9 +40,10 @@ void Judge(const CapabilityCall& call) {
 
 void AddChoices(CLI::App& command, CapabilityJob& job) {
   command
-      .add_option(
-          "--within", job.within,
-          "How the deviation within subgroups is estimated; default pooled, without subgroups moving-range")
+      .add_option("--within", job.within,
+                  "How the deviation within subgroups is estimated; default " +
+                      std::string(CapabilityJob::kUsualWithinSubgroups) + ", without subgroups " +
+                      CapabilityJob::kUsualWithin)
       ->type_name(Words(kWithinEstimates));
   command
       .add_option(
@@ -49,7 +51,9 @@ void AddChoices(CLI::App& command, CapabilityJob& job) {
           "Which control charts; default x-bar-r for subgroups of up to 8, x-bar-s for larger ones, i-mr "
           "without subgroups")
       ->type_name(Words(kControlCharts));
-  command.add_option("--rules", job.rules, "By what rules points are signals; default western-electric")
+  command
+      .add_option("--rules", job.rules,
+                  std::string("By what rules points are signals; default ") + CapabilityJob::kUsualRules)
       ->type_name(Words(kControlRules));
   command
       .add_option(
@@ -61,9 +65,10 @@ void AddChoices(CLI::App& command, CapabilityJob& job) {
       command, "--bootstrap", "bootstrap", job.bootstrap, "N",
       "Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution");
   AddNumber(command, "--bootstrap-seed", "bootstrapSeed", job.bootstrapSeed, "S",
-            "With --bootstrap, where its random numbers start; default 1");
+            "With --bootstrap, where its random numbers start; default " +
+                ShortestNumber(CapabilityJob::kUsualBootstrapSeed));
   AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
-            "Of the intervals, between 0 and 1; default 0.95");
+            "Of the intervals, between 0 and 1; default " + ShortestNumber(CapabilityJob::kUsualConfidence));
 }
 
 }  // namespace

@@ -143,7 +143,9 @@ void AddPlotOptions(CLI::App& command, Plot& plot, std::span<const std::string_v
           "Picture, by ending: .png, .svg, or .pdf with a page for each variable; with {name} in its name "
           "a file for each")
       ->type_name("FILE");
-  command.add_option("--plot-kind", plot.kind, "With --plot, which graphs (default overview)")
+  command
+      .add_option("--plot-kind", plot.kind,
+                  "With --plot, which graphs (default " + std::string(Plot().Kind()) + ")")
       ->type_name(Alternatives(kinds));
   command.add_option("--plot-theme", plot.theme, "With --plot, the colours (default light)")
       ->type_name("light|dark");

@@ -159,7 +159,7 @@ void AddVariableOptions(CLI::App& command, FitJob& job) {
           "Variables to fit as continuous; without this and --discrete, every numeric variable is");
   AddList(command, "--discrete", job.variables.discrete, "V,V", "Variables to fit as discrete");
   AddChoice(command, "--missing", job.missing, kDeletions,
-            "Leave out a missing value alone, or its case for all variables; default pairwise");
+            "Leave out a missing value alone, or its case for all variables; default " + job.missing);
   command
       .add_option("--weights", job.weights,
                   "Variable whose whole numbers say how often each case counts; '' for none")
@@ -188,16 +188,21 @@ void AddDistributionOptions(CLI::App& command, FitJob& job) {
 }
 
 void AddTestOptions(CLI::App& command, FitJob& job) {
-  AddChoice(command, "--rank-by", job.rankBy, kCriteria,
-            "Test or information criterion that ranks the fits of continuous variables; default ks");
+  AddChoice(
+      command, "--rank-by", job.rankBy, kCriteria,
+      std::string("Test or information criterion that ranks the fits of continuous variables; default ") +
+          FitJob::kUsualCriterion);
   AddChoice(command, "--discrete-rank-by", job.discreteRankBy, kDiscreteCriteria,
-            "Test or information criterion that ranks the fits of discrete variables; default ks");
-  AddChoice(command, "--binning", job.binning, kBinnings,
-            "Bins of the chi-square test of continuous variables; default equal-probability");
+            std::string("Test or information criterion that ranks the fits of discrete variables; default ") +
+                FitJob::kUsualCriterion);
+  AddChoice(
+      command, "--binning", job.binning, kBinnings,
+      std::string("Bins of the chi-square test of continuous variables; default ") + FitJob::kUsualBinning);
   AddNumber(command, "--bootstrap", "bootstrap", job.bootstrap, "N",
             "Samples of a parametric bootstrap that gives p-values for estimated parameters");
   AddNumber(command, "--bootstrap-seed", "bootstrapSeed", job.bootstrapSeed, "S",
-            "With --bootstrap, where its random numbers start; default 1");
+            "With --bootstrap, where its random numbers start; default " +
+                ShortestNumber(FitJob::kUsualBootstrapSeed));
 }
 
 // Numbers between commas.
@@ -223,7 +228,7 @@ void AddQuantileOptions(CLI::App& command, FitJob& job) {
   AddNumbers(command, "--return-periods", "returnPeriods", job.returnPeriods,
              "Return levels: 100 is the value that one in a hundred exceeds");
   AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
-            "Of these intervals, between 0 and 1; default 0.95");
+            "Of these intervals, between 0 and 1; default " + ShortestNumber(FitJob::kUsualConfidence));
 }
 
 void AddTopOption(CLI::App& command, FitJob& job) {

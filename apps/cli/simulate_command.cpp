@@ -10,6 +10,7 @@
 #include "apps/cli/simulation_report.h"
 #include "apps/cli/wrong_call.h"
 #include "host/analysis/ports/terminal_user_interface.h"
+#include "host/base/number_text.h"
 #include "host/base/visible_text.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/data_plots.h"
@@ -103,7 +104,8 @@ void AddSimulateCommand(CLI::App& program) {
                    "Correlation matrix for the iman-conover methods: a sheet of the project, a CSV file, or "
                    "PROJECT.bvw[:SHEET]; default: the one saved with the fits")
       ->type_name("SHEET|FILE");
-  AddNumber(*command, "--samples", "samples", job.samples, "N", "Number of samples (default 1000)");
+  AddNumber(*command, "--samples", "samples", job.samples, "N",
+            "Number of samples (default " + ShortestNumber(job.samples) + ")");
   AddNumber(*command, "--seed", "seed", job.seed, "S",
             "Seed, 0 or more: the same seed gives the same samples; default: one is drawn and reported");
   command->add_flag("--truncate", job.truncate, "Keep each variable within its 0.5 % and 99.5 % quantiles");

@@ -347,10 +347,10 @@ std::vector<std::string> FitJob::Fit(AnalysisSession& session, const Spreadsheet
   dialog->Put(kDeletions.at(missing), true);
   dialog->Put(kCriteria.at(RankedBy(true)), true);
   dialog->Put(kDiscreteCriteria.at(RankedBy(false)), true);
-  dialog->Put(kBinnings.at(binning.value_or("equal-probability")), true);
+  dialog->Put(kBinnings.at(binning.value_or(kUsualBinning)), true);
   dialog->Put("ContradictedFitsLast", true);
   dialog->Put("BootstrapSamples", AsInteger(bootstrap.value_or(0)));
-  dialog->Put("BootstrapSeed", AsInteger(bootstrapSeed.value_or(1)));
+  dialog->Put("BootstrapSeed", AsInteger(bootstrapSeed.value_or(kUsualBootstrapSeed)));
   PutDistributions(*dialog, *this, fitted);
   PutNumbers(*dialog, *this, fitted);
   session.Ok();

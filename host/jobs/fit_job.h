@@ -49,13 +49,19 @@ struct FitJob {
     std::vector<std::string> All() const;
   };
 
+  // What holds where nothing is said.
+  static constexpr const char* kUsualCriterion = "ks";
+  static constexpr const char* kUsualBinning = "equal-probability";
+  static constexpr double kUsualBootstrapSeed = 1;
+  static constexpr double kUsualConfidence = 0.95;
+
   JobData data;
   // Without names, every numeric variable but the weights is fitted as continuous.
   Variables variables;
   std::vector<std::string> distributions;     // to try; without names, all that apply to a variable
-  std::optional<std::string> rankBy;          // without a word, ks
+  std::optional<std::string> rankBy;          // without a word, kUsualCriterion
   std::optional<std::string> discreteRankBy;  // the same
-  std::optional<std::string> binning;         // of continuous variables; without a word, equal-probability
+  std::optional<std::string> binning;         // of continuous variables; without a word, kUsualBinning
   std::string missing = "pairwise";
   // Case weights and selection of the sheet; an empty text takes away what it has.
   std::optional<std::string> weights;
@@ -65,7 +71,7 @@ struct FitJob {
   std::vector<Count> trials;
   bool johnsonPercentiles = false;
   std::optional<double> bootstrap;
-  std::optional<double> bootstrapSeed;  // without a number, 1
+  std::optional<double> bootstrapSeed;  // without a number, kUsualBootstrapSeed
   // What is read off the fit of each continuous variable that is saved first, with intervals (fit_quantiles.h): quantiles of
   // probabilities, probabilities of exceeding values, return levels of periods.
   std::vector<double> quantiles;
@@ -81,11 +87,11 @@ struct FitJob {
   Plot plot;
 
   std::string RankedBy(bool continuous) const {
-    return (continuous ? rankBy : discreteRankBy).value_or("ks");
+    return (continuous ? rankBy : discreteRankBy).value_or(kUsualCriterion);
   }
   bool AsksForQuantiles() const { return !quantiles.empty() || !exceed.empty() || !returnPeriods.empty(); }
   std::size_t Top() const;
-  double IntervalConfidence() const { return confidence.value_or(0.95); }
+  double IntervalConfidence() const { return confidence.value_or(kUsualConfidence); }
   // Whether the distribution is tried, if it applies to a variable.
   bool Tries(const NamedDistribution& distribution) const;
 

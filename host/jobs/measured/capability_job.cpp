@@ -24,7 +24,6 @@
 namespace brenvolt {
 namespace {
 
-constexpr double kUsualConfidence = 0.95;
 // Beyond some eight values a range wastes much of what they tell (Montgomery 2013, section 6.3).
 constexpr std::size_t kMostForRanges = 8;
 // The p-value below which values are not normal.
@@ -247,8 +246,9 @@ FittedCapability ByPercentiles(const CapabilityJob& job, const FittedDistributio
                           NotationOf({values.code, fit.parameters, fit.offset, std::nullopt, std::nullopt}),
                           PercentilesOf(values, found.limits)};
   if (!job.bootstrap) return fitted;
-  const FitBootstrap bootstrap = BootstrapOf(values, found.values.size(), *job.bootstrap,
-                                             RandomStream(AsInteger(job.bootstrapSeed.value_or(1))), false);
+  const FitBootstrap bootstrap = BootstrapOf(
+      values, found.values.size(), *job.bootstrap,
+      RandomStream(AsInteger(job.bootstrapSeed.value_or(CapabilityJob::kUsualBootstrapSeed))), false);
   std::vector<PercentileCapability> fits;
   for (const FittedValues& one : bootstrap.Fits()) fits.push_back(PercentilesOf(one, found.limits));
   fitted.samples = fits.size();
@@ -344,10 +344,10 @@ CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
   for (const Part& part : parts) found.values.push_back(part.value);
   if (sheet.WeightVariable()) found.notes.emplace_back("case weights are left out: every part counts once");
   if (subgroup) TakeGroups(GroupsOf(*subgroup, sheet, parts, found.notes), found);
-  found.rulesWord = rules.value_or("western-electric");
+  found.rulesWord = rules.value_or(kUsualRules);
   found.rules = found.rulesWord == "nelson" ? NelsonRules() : WesternElectricRules();
   found.chartWord = controlChart ? *controlChart : ChartFor(found);
-  found.withinWord = within.value_or(subgroup ? "pooled" : "moving-range");
+  found.withinWord = within.value_or(subgroup ? kUsualWithinSubgroups : kUsualWithin);
   DrawCharts(parts, found);
   ProcessSample sample = DescribeProcess(found.values);
   found.movingRange = {sample.within, sample.withinDegrees};

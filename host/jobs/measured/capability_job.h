@@ -23,20 +23,27 @@ extern const Choices kControlCharts;
 extern const Choices kControlRules;
 
 struct CapabilityJob {
+  // What holds where nothing is said.
+  static constexpr const char* kUsualRules = "western-electric";
+  static constexpr const char* kUsualWithin = "moving-range";
+  static constexpr const char* kUsualWithinSubgroups = "pooled";
+  static constexpr double kUsualBootstrapSeed = 1;
+  static constexpr double kUsualConfidence = 0.95;
+
   JobData data;
   std::string response;                               // empty: the one that is specified
   std::vector<ResponseSpecification> specifications;  // of the response
   // The column that tells subgroups apart, or else how many cases in a row make one; without, every value stands alone.
   std::optional<std::string> subgroup;
-  std::optional<std::string> within;  // without a word, pooled, or moving-range where there are no subgroups
+  std::optional<std::string> within;        // without a word, the usual one with subgroups or without
   std::optional<std::string> controlChart;  // without, i-mr, or by the sizes of the subgroups
-  std::optional<std::string> rules;         // without a word, western-electric
+  std::optional<std::string> rules;         // without a word, kUsualRules
   // Which distribution's percentiles are used; without, the one that fits best, where the values are not normal.
   std::optional<std::string> distribution;
   // Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution.
   std::optional<double> bootstrap;
-  std::optional<double> bootstrapSeed;  // without a number, 1
-  std::optional<double> confidence;     // of the intervals, between 0 and 1; without, 0.95
+  std::optional<double> bootstrapSeed;  // without a number, kUsualBootstrapSeed
+  std::optional<double> confidence;     // of the intervals, between 0 and 1; without, kUsualConfidence
   std::optional<std::string> select;    // as in a fit
   std::filesystem::path report;         // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
