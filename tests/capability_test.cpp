@@ -2,33 +2,17 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "host/tables/csv.h"
-#include "tests/run_program.h"
+#include "tests/command_fixture.h"
 
 namespace brenvolt::test {
 namespace {
 
 const std::string kProcess = BRENVOLT_SOURCE_DIR "/examples/process.csv";
 
-struct CapabilityCommand : testing::Test {
-  TemporaryFolder folder;
-
-  Outcome Run(const std::vector<std::string>& arguments) const {
-    return RunBrenvolt(arguments, folder.Path());
-  }
-  void Write(const std::string& name, const std::string& text) const {
-    std::ofstream(folder.Path() / name) << text;
-  }
-  nlohmann::json Report(std::vector<std::string> arguments) const {
-    arguments.insert(arguments.end(), {"--format", "json"});
-    const Outcome outcome = Run(arguments);
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    return nlohmann::json::parse(outcome.out, nullptr, false);
-  }
-};
+using CapabilityCommand = Command;
 
 // The deviations by base R (host/statistics/reference/make_subgroup_table.R).
 TEST_F(CapabilityCommand, EstimatesTheDeviationWithinAsAsked) {

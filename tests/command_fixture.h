@@ -33,6 +33,13 @@ struct Command : testing::Test {
     arguments.insert(arguments.end(), {"--format", "json"});
     return Json::parse(MustRun(arguments).out);
   }
+  // Of a run that may also say something.
+  nlohmann::json Report(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.end(), {"--format", "json"});
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return Json::parse(outcome.out, nullptr, false);
+  }
   std::filesystem::path File(const std::string& name) const { return folder.Path() / name; }
   void Write(const std::string& name, std::string_view text) const { WriteBytes(File(name), text); }
   void Sql(const std::string& project, const std::string& statement) const {
