@@ -58,7 +58,8 @@ def line_pattern(line, cell=CELL, machine=".*"):
     if cell.fullmatch(line):
         return "(?:.*\n)*?.*"
     parts = cell.split(line)
-    return "".join(re.escape(part) if k % 2 == 0 else machine if part == "machine" else ".*" for k, part in enumerate(parts))
+    return "".join(re.escape(part) if k % 2 == 0 else machine if part == "machine" else ".*"
+                   for k, part in enumerate(parts))
 
 
 def head_difference(page, text):

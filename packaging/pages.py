@@ -66,7 +66,8 @@ def footer_parts(footer):
 
 def synopsis(name, command):
     arguments = [f"{argument['name']}{'...' if argument['repeatable'] else ''}" for argument in command["arguments"]]
-    arguments = [text if argument["required"] else f"[{text}]" for text, argument in zip(arguments, command["arguments"])]
+    arguments = [text if argument["required"] else f"[{text}]"
+                 for text, argument in zip(arguments, command["arguments"])]
     return " ".join([name, "[OPTION...]", *arguments, *(["COMMAND"] if command["commands"] else [])])
 
 
@@ -193,7 +194,8 @@ def bash_script(program):
     lines = [f"# Completion of {name} for bash.", BASH_HELPERS, f"{function}() {{",
              '  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} command=""',
              "  COMPREPLY=()",
-             "  if [[ $current == = ]]; then current=; elif [[ $previous == = ]]; then previous=${COMP_WORDS[COMP_CWORD-2]}; fi"]
+             "  if [[ $current == = ]]; then current=; elif [[ $previous == = ]]; then "
+             "previous=${COMP_WORDS[COMP_CWORD-2]}; fi"]
     if commands:
         lines += ["  [[ $COMP_CWORD -gt 1 && ${COMP_WORDS[1]} != -* ]] && command=${COMP_WORDS[1]}"]
     lines += ['  case "$command" in', *bash_command('""', program)]
@@ -242,8 +244,8 @@ def zsh_script(program):
     described = [shlex.quote(f"{part['name']}:{part['description']}") for part in program["commands"]]
     lines = [f"#compdef {name}", "local -a commands", "commands=(", *(f"  {text}" for text in described), ")",
              "if (( CURRENT == 2 )) && [[ $words[2] != -* ]]; then", "  _describe command commands", "  return", "fi",
-             "local command=$words[2]", "if [[ $command == -* ]]; then", *zsh_arguments("  ", program), "  return", "fi",
-             "shift words", "(( CURRENT-- ))", 'case "$command" in']
+             "local command=$words[2]", "if [[ $command == -* ]]; then", *zsh_arguments("  ", program), "  return",
+             "fi", "shift words", "(( CURRENT-- ))", 'case "$command" in']
     for command in program["commands"]:
         lines += [f"  {command['name']})", *zsh_arguments("    ", command), "    ;;"]
     return f"zsh/_{name}", [*lines, "esac"]
@@ -264,7 +266,8 @@ def fish_value(option):
     endings = endings_of(option)
     if endings is None:
         return " -x"
-    return " -r" + (f" -ka '({'; '.join(f'__fish_complete_suffix .{ending}' for ending in endings)})'" if endings else " -F")
+    return " -r" + (f" -ka '({'; '.join(f'__fish_complete_suffix .{ending}' for ending in endings)})'" if endings
+                    else " -F")
 
 
 def fish_options(name, command, condition):
@@ -278,7 +281,8 @@ def fish_script(program):
     name = program["name"]
     lines = [f"# Completion of {name} for fish.", *fish_options(name, program, "__fish_use_subcommand")]
     for command in program["commands"]:
-        lines.append(f"complete -c {name} -n __fish_use_subcommand -f -a {command['name']} -d {fish_quoted(command['description'])}")
+        lines.append(f"complete -c {name} -n __fish_use_subcommand -f -a {command['name']} -d "
+                     f"{fish_quoted(command['description'])}")
         lines += fish_options(name, command, f"__fish_seen_subcommand_from {command['name']}")
     return f"fish/{name}.fish", lines
 
@@ -302,7 +306,8 @@ def reference_of(program, command):
     lines = [f"{'#' if is_program else '##'} {name}", "", description, "",
              "```sh", synopsis(name, command), "```", ""]
     rows = [(argument["name"], argument["description"]) for argument in command["arguments"]]
-    rows += [(", ".join(option["names"]) + " " + value_shown(option), option["description"]) for option in command["options"]]
+    rows += [(", ".join(option["names"]) + " " + value_shown(option), option["description"])
+             for option in command["options"]]
     lines += ["| | |", "|---|---|", *(f"| {code_cell(first.strip())} | {cell(second)} |" for first, second in rows), ""]
     lines += sum(([remark, ""] for remark in remarks), [])
     lines += ["```sh", *examples, "```", ""] if examples else []
@@ -323,7 +328,8 @@ def main(arguments):
     folder, version, *programs = arguments
     for program in map(table_of, programs):
         pages = [man_page(program, command, version) for command in (program, *program["commands"])]
-        for name, lines in (*pages, bash_script(program), zsh_script(program), fish_script(program), reference(program)):
+        for name, lines in (*pages, bash_script(program), zsh_script(program), fish_script(program),
+                            reference(program)):
             os.makedirs(os.path.dirname(os.path.join(folder, name)), exist_ok=True)
             with open(os.path.join(folder, name), "w", encoding="utf-8") as file:
                 file.write("\n".join(lines) + "\n")

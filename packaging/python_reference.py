@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Prints the reference of the Python package as Markdown: its functions, classes and distributions, from their own texts.
+"""Prints the reference of the Python package as Markdown: its functions, classes and distributions, from their own
+texts.
 
     python_reference.py FOLDER   FOLDER holds the package brenvolt
 """
@@ -36,7 +37,8 @@ def described(value):
 def entry(level, name, value):
     text = described(value)
     shown = signature(value)
-    call = textwrap.wrap(name.rsplit(".", 1)[-1] + shown, 110, subsequent_indent="    ", break_long_words=False, break_on_hyphens=False)
+    call = textwrap.wrap(name.rsplit(".", 1)[-1] + shown, 110, subsequent_indent="    ", break_long_words=False,
+                         break_on_hyphens=False)
     call = ["```python", *call, "```", ""] if shown else []
     return [f"{'#' * level} {name}", "", *call, *(["```text", text, "```", ""] if text else [])]
 
@@ -52,7 +54,8 @@ def members(name, kind):
 
 
 def main():
-    lines = ["# Python package", "", "What `import brenvolt` offers. [The guide](../../guide/python.md) shows it at work.", ""]
+    lines = ["# Python package", "",
+             "What `import brenvolt` offers. [The guide](../../guide/python.md) shows it at work.", ""]
     offered = [(name, getattr(brenvolt, name)) for name in brenvolt._OFFERED]
     lines += ["## Functions", ""]
     for name, value in offered:

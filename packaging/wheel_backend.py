@@ -1,7 +1,7 @@
 """Builds the wheel of the Python package, as `pip install .` asks for it: CMake builds, and this packs what it made.
 
-The wheel holds the libraries of the host, of the analysis and, where Qt is installed, of pictures. Libraries of Debian's
-packages, which the build links, are not inside: it is a wheel for the machine that built it and for its like.
+The wheel holds the libraries of the host, of the analysis and, where Qt is installed, of pictures. Libraries of
+Debian's packages, which the build links, are not inside: it is a wheel for the machine that built it and for its like.
 
     pip install .                                      builds in build/ if ./run or ./test have, else in build-wheel/
     pip install . --config-settings build-dir=FOLDER   builds elsewhere
@@ -50,7 +50,8 @@ def metadata():
         project = tomllib.load(file)["project"]
     with open(os.path.join(ROOT, project["readme"]), encoding="utf-8") as file:
         readme = file.read()
-    lines = ["Metadata-Version: 2.1", f"Name: {project['name']}", f"Version: {version()}", f"Summary: {project['description']}",
+    lines = ["Metadata-Version: 2.1", f"Name: {project['name']}", f"Version: {version()}",
+             f"Summary: {project['description']}",
              f"Requires-Python: {project['requires-python']}", f"License: {project['license']['text']}",
              *(f"Requires-Dist: {name}" for name in project["dependencies"]), "Description-Content-Type: text/markdown"]
     return "\n".join(lines) + "\n\n" + readme
@@ -66,7 +67,8 @@ def contents(folder):
     package = os.path.join(folder, "python/brenvolt")
     module = "_brenvolt" + sysconfig.get_config_var("EXT_SUFFIX")
     if not os.path.exists(os.path.join(package, module)):
-        raise SystemExit(f"{folder} has no {module}: the package is built for Debian's Python ({sys.executable} is another one)")
+        raise SystemExit(f"{folder} has no {module}: the package is built for Debian's Python ({sys.executable} is "
+                         "another one)")
     for name in sorted(os.listdir(package)):
         if name == module or name.endswith((".py", ".pyi", "py.typed")):
             yield f"brenvolt/{name}", os.path.join(package, name)
@@ -94,7 +96,8 @@ def write_wheel(path, folder):
         with open(os.path.join(ROOT, "LICENSE"), "rb") as licence:
             add(f"{information}/LICENSE", licence.read())
         add(f"{information}/METADATA", metadata().encode())
-        add(f"{information}/WHEEL", f"Wheel-Version: 1.0\nGenerator: brenvolt\nRoot-Is-Purelib: false\nTag: {tag()}\n".encode())
+        add(f"{information}/WHEEL",
+            f"Wheel-Version: 1.0\nGenerator: brenvolt\nRoot-Is-Purelib: false\nTag: {tag()}\n".encode())
         record.append(f"{information}/RECORD,,")
         wheel.writestr(zipfile.ZipInfo(f"{information}/RECORD", EARLIEST), "\n".join(record) + "\n")
 

@@ -6,8 +6,8 @@
     documentation.py --links              checks the links between the documents
     documentation.py --self-test
 
-Command and package are those of build/, or of the folder that BRENVOLT_BUILD_DIR names. The blocks of a page run in their order in
-an empty folder that has examples/. What a block is stands behind its ```:
+Command and package are those of build/, or of the folder that BRENVOLT_BUILD_DIR names. The blocks of a page run in
+their order in an empty folder that has examples/. What a block is stands behind its ```:
 
     console             commands behind "$ ", each followed by what it prints
     python              statements, all of a page in one program; a block without a word right behind it is the value
@@ -36,7 +36,9 @@ import traceback
 
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 BUILD = os.environ.get("BRENVOLT_BUILD_DIR", os.path.join(ROOT, "build"))
-PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/tutorial/*.md", root_dir=ROOT) + glob.glob("docs/guide/*.md", root_dir=ROOT) + glob.glob("docs/reference/*.md", root_dir=ROOT))]
+PAGES = ["README.md", "examples/README.md", *sorted(glob.glob("docs/tutorial/*.md", root_dir=ROOT)
+                                                    + glob.glob("docs/guide/*.md", root_dir=ROOT)
+                                                    + glob.glob("docs/reference/*.md", root_dir=ROOT))]
 LEFT_OUT = "…"
 FENCE = re.compile(r"^```([^\n`]*)\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 
@@ -193,7 +195,8 @@ class Page:
             if done.returncode != 0 and "brenvolt: " not in shown:
                 self.fail(f"exit status {done.returncode} of: {command}{done.stdout}")
             blank = re.search(r"\n*$", "\n" + shown)[0][1:]  # between this command and the next
-            lines = self.compare(command.rstrip("\n"), shown.rstrip("\n").splitlines(), done.stdout.rstrip("\n").splitlines())
+            lines = self.compare(command.rstrip("\n"), shown.rstrip("\n").splitlines(),
+                                 done.stdout.rstrip("\n").splitlines())
             result.append(f"$ {command}{with_ends(lines)}{blank}")
         return "".join(result)
 
@@ -280,7 +283,8 @@ def anchors(text):
 def wrong_links():
     """Links to what is not there, and pages that the index of the documents does not name."""
     documents = [os.path.join(ROOT, name) for name in
-                 [*glob.glob("*.md", root_dir=ROOT), "examples/README.md", *glob.glob("docs/**/*.md", root_dir=ROOT, recursive=True)]]
+                 [*glob.glob("*.md", root_dir=ROOT), "examples/README.md",
+                  *glob.glob("docs/**/*.md", root_dir=ROOT, recursive=True)]]
     named = set()
     for document in documents:
         for link in re.findall(r"\]\(([^)\s]+)\)", without_blocks(read(document))):
@@ -362,7 +366,8 @@ FAILURES = ["exit status 1 of", "does not say what it is"]
 def self_test():
     for shown, printed, agree, after in COMPARISONS:
         assert matches(list(shown), list(printed)) == agree, (shown, printed)
-        assert "".join(updated(list(shown), list(printed))) == after, (shown, printed, updated(list(shown), list(printed)))
+        found = updated(list(shown), list(printed))
+        assert "".join(found) == after, (shown, printed, found)
     with tempfile.TemporaryDirectory() as folder:
         os.chdir(folder)
         page = Page("page", SHOWN)

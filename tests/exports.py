@@ -12,8 +12,8 @@ CLASS = "brenvolt::sra::CSimulationAndRisk"
 # What a host that includes the class's header links against.
 REQUIRED = {f"vtable for {CLASS}", f"typeinfo for {CLASS}", f"typeinfo name for {CLASS}"}
 REQUIRED_MEMBERS = (
-    "CSimulationAndRisk", "~CSimulationAndRisk", "Initialize", "Init", "GetAnalysisID", "GetAnalysisName", "GetLibInstance",
-    "ForwardSequence", "StartAnalysis", "FitDistributionDialog", "FitDistributionResultsDialog",
+    "CSimulationAndRisk", "~CSimulationAndRisk", "Initialize", "Init", "GetAnalysisID", "GetAnalysisName",
+    "GetLibInstance", "ForwardSequence", "StartAnalysis", "FitDistributionDialog", "FitDistributionResultsDialog",
     "SimulationFromDistributionDialog", "SimulationResultsDialog", "ValidateInputMatrixFile",
     "ValidateOrDesignInputMatrixFile", "CreateAndAttachCorrelationInputFile", "UpdateFromInputMatrixFile",
     "UpdateFromInputSpreadsheet", "IsCorrelationMatrixSymmetric")
@@ -33,7 +33,8 @@ def faults(names):
     members = {match["member"] for match in map(OF_CLASS.match, names) if match}
     yield from (f"missing: {name}" for name in sorted((C_NAMES | REQUIRED) - names))
     yield from (f"missing: {CLASS}::{name}" for name in REQUIRED_MEMBERS if name not in members)
-    yield from (f"exported beyond the interface: {name}" for name in sorted(names - C_NAMES) if not OF_CLASS.match(name))
+    yield from (f"exported beyond the interface: {name}" for name in sorted(names - C_NAMES)
+                if not OF_CLASS.match(name))
 
 
 def main(arguments):

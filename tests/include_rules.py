@@ -2,8 +2,8 @@
 """Checks the #include lines of the tree against its layers (docs/design/architecture.md, "Rooms"), the size
 of its folders, that what computes has no texts for people, and that few files know a distribution by name.
 
-    include_rules.py ROOT         prints each violation, an include line as `file:line: folder X may not include Y`; exit
-                                  status 1 if any
+    include_rules.py ROOT         prints each violation, an include line as `file:line: folder X may not include Y`;
+                                  exit status 1 if any
     include_rules.py --self-test  runs the checks over small trees, one per kind of violation
 """
 import collections
@@ -33,7 +33,9 @@ ROOMS = (
     Room("host/numeric/estimation/johnson", "host/numeric/estimation", "third-party"),
     Room("host/numeric/estimation/mixture", "host/numeric/estimation", "third-party"),
     Room("host/numeric/distributions/common", "host/numeric/estimation", "third-party"),
-    Room("host/numeric/distributions", "host/numeric/distributions/common host/numeric/estimation/johnson host/numeric/estimation/mixture", "third-party"),
+    Room("host/numeric/distributions",
+         "host/numeric/distributions/common host/numeric/estimation/johnson host/numeric/estimation/mixture",
+         "third-party"),
     Room("host/numeric/distributions/rules", "host/numeric/distributions", ""),
     Room("host/numeric/censored", "host/numeric/distributions", ""),
     Room("host/numeric/reference", "host/numeric/distributions", "third-party"),
@@ -67,7 +69,8 @@ ROOMS = (
     Room("host/jobs/profile", "host/jobs", "third-party"),
     Room("host/jobs/dialogs", "host/jobs/profile", "third-party"),
     Room("host/jobs/json", "host/jobs/measured host/jobs/exchange host/jobs/profile", "third-party"),
-    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange host/jobs/profile host/tables/editing", "third-party"),
+    Room("host/jobs/reports", "host/jobs/measured host/jobs/exchange host/jobs/profile host/tables/editing",
+         "third-party"),
     Room("host/drawing", "host/reporting", "third-party drawing"),
     # In every folder of the module the engine knows no dialog; its dialogs lie below it and stand on frame. Dialogs
     # meet in the folder module alone.
@@ -83,7 +86,8 @@ ROOMS = (
     Room("brv_sra/fitting/dialogs", "brv_sra/frame brv_sra/fitting", ""),
     Room("brv_sra/matrix/dialogs", "brv_sra/frame brv_sra/matrix", ""),
     Room("brv_sra/simulation/dialogs", "brv_sra/frame brv_sra/simulation brv_sra/matrix/dialogs", ""),
-    Room("brv_sra/profiler/dialogs", "brv_sra/frame brv_sra/profiler brv_sra/fitting/dialogs brv_sra/matrix/dialogs", ""),
+    Room("brv_sra/profiler/dialogs", "brv_sra/frame brv_sra/profiler brv_sra/fitting/dialogs brv_sra/matrix/dialogs",
+         ""),
     Room("brv_sra/module", "brv_sra", ""),
     Room("apps/base", "host", "third-party"),
     Room("apps/cli", "apps/base", "third-party"),
@@ -103,13 +107,16 @@ CONTRACT = "host/contract"
 # A name that means several folders, if the table names none below it.
 GROUPS = ("host", "host/numeric", "brv_sra")
 # What computes knows no text: what faults, progress and distributions are called is the dialogs' to say, and an engine
-# returns its faults. A literal of three words or more stands where a text is made; it may be that of a mistake of the caller.
+# returns its faults. A literal of three words or more stands where a text is made; it may be that of a mistake of the
+# caller.
 COMPUTING = ("brv_sra/base", "brv_sra/distributions", "brv_sra/matrix", "brv_sra/fitting", "brv_sra/simulation",
-             "brv_sra/simulation/sampling", "brv_sra/profiler") + tuple(room.folder for room in ROOMS if room.folder.startswith("host/numeric/")) + (
+             "brv_sra/simulation/sampling", "brv_sra/profiler") + tuple(room.folder for room in ROOMS
+                                                                        if room.folder.startswith("host/numeric/")) + (
     "host/statistics",)
-# What reads formulas and models that people wrote throws where it cannot go on, for the place and the cause are known there
-# alone; beside that, it says of an output of a model why it is not available. It has no other texts. host/tables and
-# host/graphs do not compute: how a file was read, and what a picture shows, are told in words, which are their results.
+# What reads formulas and models that people wrote throws where it cannot go on, for the place and the cause are known
+# there alone; beside that, it says of an output of a model why it is not available. It has no other texts. host/tables
+# and host/graphs do not compute: how a file was read, and what a picture shows, are told in words, which are their
+# results.
 READING = ("host/formula",) + tuple(room.folder for room in ROOMS if room.folder.startswith("host/models"))
 COMMENT = re.compile(r"//[^\n]*")
 LITERAL = re.compile(r'"((?:[^"\\\n]|\\.)*)"')
@@ -147,8 +154,8 @@ TOPS = ("host", "brv_sra", "apps", "bindings", "bench", "tests")
 ENDINGS = (".h", ".hpp", ".inc", ".cpp", ".cc")
 MOST_FILES = 40  # sources of one folder
 
-# What a distribution is stands in its facts. The files that know it by name, those that bear its name among them, are few;
-# its estimator may have some more.
+# What a distribution is stands in its facts. The files that know it by name, those that bear its name among them, are
+# few; its estimator may have some more.
 DISTRIBUTION_LIST = "host/numeric/distributions/all_distributions.h"
 PRODUCTION = ("host", "brv_sra", "apps", "bindings")
 ESTIMATORS = "host/numeric/estimation"
@@ -194,7 +201,8 @@ def named_folders(text):
             yield name
             continue
         for room in ROOMS:
-            if room.folder.startswith(name + "/") and (name, room.folder) not in (("host", "host/drawing"), ("host", "host/ranks")):
+            if room.folder.startswith(name + "/") and (name, room.folder) not in (("host", "host/drawing"),
+                                                                                  ("host", "host/ranks")):
                 yield room.folder
 
 
@@ -210,8 +218,8 @@ def reachable(folders):
 
 
 def is_beside(path, folder):
-    """A test may include what lies beside its subject in the same part of the tree; one of a dialog, also the folder that
-    opens all dialogs."""
+    """A test may include what lies beside its subject in the same part of the tree; one of a dialog, also the folder
+    that opens all dialogs."""
     if not is_test(path):
         return False
     opens_dialog = folder == "brv_sra/module" and "/dialogs/" in path and path.startswith("brv_sra/")
@@ -439,7 +447,8 @@ def self_test_of_distributions():
     failures = []
     for further, expected in (("", []), ("HalfNormal", [f"HalfNormal: in {count + 1} files, more than {count}"])):
         with tempfile.TemporaryDirectory() as root:
-            for path, text in {**texts, DISTRIBUTION_LIST: f"using AllDistributions = DistributionList<Normal, {further}>;"}.items():
+            for path, text in {**texts, DISTRIBUTION_LIST: "using AllDistributions = DistributionList<Normal, "
+                                                           f"{further}>;"}.items():
                 os.makedirs(os.path.join(root, os.path.dirname(path)), exist_ok=True)
                 with open(os.path.join(root, path), "w", encoding="utf-8") as file:
                     file.write(text)

@@ -24,7 +24,8 @@ BARE = {"PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
 
 
 def run(*call, **options):
-    done = subprocess.run([str(word) for word in call], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, stdin=subprocess.DEVNULL, **options)
+    done = subprocess.run([str(word) for word in call], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                          stdin=subprocess.DEVNULL, **options)
     if done.returncode != 0:
         raise AssertionError(f"{call}: exit status {done.returncode}\n{done.stdout}")
     return done.stdout
@@ -74,7 +75,8 @@ class Installation(unittest.TestCase):
                 self.assertTrue(os.path.isfile(self.installed(file)), file)
 
     def test_no_run_path_leads_to_the_working_folder(self):
-        binaries = [os.path.join(place, name) for root in (self.prefix, *(os.path.join(BUILD, part) for part in ("bin", "lib", "python")))
+        binaries = [os.path.join(place, name) for root in (self.prefix, *(os.path.join(BUILD, part)
+                                                                          for part in ("bin", "lib", "python")))
                     for place, _, names in os.walk(root) for name in names]
         read = 0
         for binary in binaries:
@@ -158,7 +160,8 @@ class Installation(unittest.TestCase):
         for line, expected in (("brenvolt ca", "capability"), ("brenvolt fit --format j", "json"),
                                ("brenvolt simulate --method latin-hypercube-", "latin-hypercube-iman-conover"),
                                ("brenvolt fit --distributions weibull,log", "weibull,lognormal")):
-            printed = run("fish", "--no-config", "-c", f"source {script}; complete -C '{line}'", cwd=self.work, env={**BARE, "HOME": self.work})
+            printed = run("fish", "--no-config", "-c", f"source {script}; complete -C '{line}'", cwd=self.work,
+                          env={**BARE, "HOME": self.work})
             self.assertIn(expected, [word.split("\t")[0] for word in printed.splitlines()], line)
 
     @unittest.skipUnless(shutil.which("zsh"), "zsh is not installed")
@@ -167,10 +170,12 @@ class Installation(unittest.TestCase):
         folder = self.installed("share/zsh/vendor-completions")
         for line, expected in (("brenvolt ca", "capability"), ("brenvolt fit --format j", "json"),
                                ("brenvolt simulate --method latin-hypercube-", "latin-hypercube-iman-conover")):
-            program = (f"zmodload zsh/zpty; zpty t zsh -f -i; zpty -w t 'PS1=; fpath=({folder} $fpath); autoload -U compinit; "
+            program = (f"zmodload zsh/zpty; zpty t zsh -f -i; zpty -w t 'PS1=; fpath=({folder} $fpath); autoload -U "
+                       "compinit; "
                        f"compinit -u -D; echo rea\"\"dy'; zpty -r t seen '*ready*'; zpty -w -n t $'{line}\\t'; "
                        f"zpty -r -m t seen '*{expected}*' && print -r -- $seen; zpty -d t")
-            self.assertIn(expected, run("timeout", 20, "zsh", "-f", "-c", program, cwd=self.work, env={**BARE, "HOME": self.work, "TERM": "dumb"}))
+            self.assertIn(expected, run("timeout", 20, "zsh", "-f", "-c", program, cwd=self.work,
+                                        env={**BARE, "HOME": self.work, "TERM": "dumb"}))
 
     def test_a_program_links_the_library(self):
         build = os.path.join(self.folder, "consumer")
@@ -179,7 +184,8 @@ class Installation(unittest.TestCase):
         data = self.installed("share/doc/brenvolt/examples/faithful.csv")
         self.assertEqual(run(os.path.join(build, "consumer"), data, env=BARE), "272 cases, median 4.0\n")
 
-    @unittest.skipUnless(glob.glob(os.path.join(BUILD, "python/brenvolt/_brenvolt.*.so")), "the build has no Python package")
+    @unittest.skipUnless(glob.glob(os.path.join(BUILD, "python/brenvolt/_brenvolt.*.so")),
+                         "the build has no Python package")
     def test_wheel_needs_nothing_beside_it(self):
         sys.path.insert(0, os.path.join(TESTS, "../packaging"))
         import wheel_backend
@@ -193,7 +199,8 @@ class Installation(unittest.TestCase):
             self.assertEqual([line.split(",")[0] for line in record], names)
         # No library of the build is loaded, nor of an installation.
         program = ("import brenvolt; brenvolt.fit('{0}'); "
-                   "print(*{{line.split()[-1] for line in open('/proc/self/maps') if 'lib/libbr' in line or 'libs/libbr' in line}})")
+                   "print(*{{line.split()[-1] for line in open('/proc/self/maps') if 'lib/libbr' in line or "
+                   "'libs/libbr' in line}})")
         printed = run(sys.executable, "-c", program.format(self.installed("share/doc/brenvolt/examples/faithful.csv")),
                       cwd=self.work, env={**BARE, "PYTHONPATH": unpacked})
         self.assertEqual({os.path.dirname(path) for path in printed.split()}, {os.path.join(unpacked, "brenvolt/libs")})

@@ -14,8 +14,8 @@ import brenvolt  # noqa: E402 - found by the line before
 from brenvolt import _automation  # noqa: E402
 
 # The modules that offer what is not a constant.
-SOURCES = ("_automation", "_brenvolt", "_capability", "_censored", "_design", "_errors", "_jobs", "_macro_check", "_reading",
-           "_recording")
+SOURCES = ("_automation", "_brenvolt", "_capability", "_censored", "_design", "_errors", "_jobs", "_macro_check",
+           "_reading", "_recording")
 SUBMODULES = ("dialogs", "distributions")
 TYPES = {"document": "Any", "object": "Any", "enumeration": "int", "": "None"}
 

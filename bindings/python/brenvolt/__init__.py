@@ -29,8 +29,8 @@ _OFFERED = ("Analysis", "Application", "Array", "AutomationObject", "CapabilityR
             "CensoredFitResult", "CensoredVariable", "Design", "Error", "FitResult", "FittedVariable",
             "GraphDocument", "IndexedProperty", "Message", "MessageWarning", "NotSet", "Nothing",
             "ProfileResult", "ProfiledResponse", "Spreadsheet", "TableDocument", "Variable", "Workbook", "capability",
-            "check_macro", "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile", "read_csv", "record",
-            "save_wait", "score", "simulate", "version_text")
+            "check_macro", "dialogs", "design", "distributions", "fit", "open_workbook", "preview", "profile",
+            "read_csv", "record", "save_wait", "score", "simulate", "version_text")
 
 
 def __getattr__(name):

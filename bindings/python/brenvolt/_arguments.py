@@ -145,7 +145,8 @@ def _explanation(error, arguments, keywords, operand=None):
 
 
 def set_field(target, field, value):
-    """Assigns to a member of an object of the extension, which would take a truth value for a number and the reverse."""
+    """Assigns to a member of an object of the extension, which would take a truth value for a number and the
+    reverse."""
     _, kind = _PARAMETER.findall(getattr(type(target), field).fset.__doc__)[-1]
     words, fits = _accepted(kind)
     if not fits(value):

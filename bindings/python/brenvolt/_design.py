@@ -99,7 +99,8 @@ def _square(matrix, what, names=None):
 def _labelled(frame, what, names):
     """A frame that stands for an array, with the variables in their order as its labels."""
     if not names:
-        raise ValueError(f"{what} does not name the variables: give a DataFrame whose rows and columns are called after them")
+        raise ValueError(f"{what} does not name the variables: give a DataFrame whose rows and columns are called "
+                         "after them")
     rows, columns = frame.shape
     if (rows, columns) != (len(names), len(names)):
         raise ValueError(f"{what} has {rows} rows and {columns} columns for {len(names)} variables: {', '.join(names)}")
@@ -113,7 +114,8 @@ def _framed(rows):
     import pandas
 
     if not all(isinstance(row, Mapping) for row in rows.values()):
-        raise ValueError("correlations must be pairs {(first, second): number} or rows {name: {name: number}}, not both")
+        raise ValueError("correlations must be pairs {(first, second): number} or rows {name: {name: number}}, not "
+                         "both")
     names = list(rows)
     return pandas.DataFrame([[rows[a].get(b) for b in names] for a in names], index=names, columns=names)
 
@@ -158,8 +160,8 @@ def design(project: str | os.PathLike, variables: Mapping[str, Distribution | st
 
     variables: {name: distribution}, each a Distribution or its notation ("triangular(100, 180, 120) in [, 170]"); or
     lines like "h ~ normal(50.2, 0.05)".
-    correlations: {(first, second): number}, or a square DataFrame, or an array in the order of the variables. Pairs that
-    nothing is said about stay as they are.
+    correlations: {(first, second): number}, or a square DataFrame, or an array in the order of the variables. Pairs
+    that nothing is said about stay as they are.
     matrix: correlations to begin with: a sheet of the project, a CSV file, or PROJECT.bvw[:SHEET].
     from_file: a text file of such lines; the other arguments come after it.
 

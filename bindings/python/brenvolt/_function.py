@@ -19,8 +19,8 @@ class Fault(Exception):
 class Model:
     """A function of columns that predicts responses in blocks of runs.
 
-    It takes the columns of the inputs that its parameters are called after; or, as its only argument of another name, all
-    inputs as a dictionary of arrays. A ufunc of NumPy takes the inputs in their order.
+    It takes the columns of the inputs that its parameters are called after; or, as its only argument of another name,
+    all inputs as a dictionary of arrays. A ufunc of NumPy takes the inputs in their order.
     """
 
     def __init__(self, function: Callable, inputs: Iterable[str], responses: str | Iterable[str] | None) -> None:
@@ -90,7 +90,8 @@ def _call_of(function, inputs):
     count = getattr(function, "nin", None)  # of a ufunc
     if count is not None:
         if count != len(inputs):
-            raise ValueError(f"{function.__name__} takes {count} inputs, in their order; the inputs are {', '.join(inputs)}")
+            raise ValueError(f"{function.__name__} takes {count} inputs, in their order; the inputs are "
+                             f"{', '.join(inputs)}")
         return inputs, _by_place
     try:
         parameters = list(inspect.signature(function).parameters.values())

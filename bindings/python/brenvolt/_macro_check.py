@@ -1,8 +1,9 @@
 """What a macro would call, found from its text alone: nothing of it is run.
 
-A macro as it is recorded is a list of calls and assignments on Application, its workbooks, sheets, analyses and dialogs. Such
-a macro reads and writes the files that it names, and nothing else. Everything further of Python is refused: other modules,
-functions, loops and conditions, names of Python's own, and members that dialogs and documents do not have.
+A macro as it is recorded is a list of calls and assignments on Application, its workbooks, sheets, analyses and
+dialogs. Such a macro reads and writes the files that it names, and nothing else. Everything further of Python is
+refused: other modules, functions, loops and conditions, names of Python's own, and members that dialogs and documents
+do not have.
 """
 
 import ast
@@ -44,7 +45,8 @@ class _Check:
     def statement(self, node):
         if isinstance(node, ast.ImportFrom):
             known = {*_CALLED, *self.constants, "*"}
-            if node.module != _MODULE or node.level or any(name.asname or name.name not in known for name in node.names):
+            if node.module != _MODULE or node.level or any(name.asname or name.name not in known
+                                                           for name in node.names):
                 raise _Refusal(node, f"'{ast.unparse(node)}' takes more than dialogs into the macro")
             return
         if isinstance(node, ast.Expr) and isinstance(node.value, ast.Constant):

@@ -107,10 +107,11 @@ def _draw_text(lines, axes):
 def _draw_parts(graph, axes):
     lines = _lines()
     for band in graph.bands:
-        axes.fill_between(band["x"], band["lower"], band["upper"], color=POINT, alpha=0.2, linewidth=0, label=band["name"])
+        axes.fill_between(band["x"], band["lower"], band["upper"], color=POINT, alpha=0.2, linewidth=0,
+                          label=band["name"])
     for bars in graph.bars:
-        axes.bar(bars["bounds"][:-1], bars["heights"], bars["bounds"][1:] - bars["bounds"][:-1], align="edge", color=BAR,
-                 edgecolor=BAR_EDGE, label=bars["name"])
+        axes.bar(bars["bounds"][:-1], bars["heights"], bars["bounds"][1:] - bars["bounds"][:-1], align="edge",
+                 color=BAR, edgecolor=BAR_EDGE, label=bars["name"])
     for series in graph.series:
         reference = (REFERENCE, "--") if graph.kind in ("pp", "qq") else None
         is_line = series["style"] == "line" and not _is_marker(series)
@@ -124,8 +125,8 @@ def _draw_parts(graph, axes):
 def _note(notes, axes):
     """Below the axes."""
     if notes:
-        axes.annotate("; ".join(notes), (0.5, 0), (0, -36), xycoords="axes fraction", textcoords="offset points", ha="center",
-                      va="top", fontsize="x-small", annotation_clip=False)
+        axes.annotate("; ".join(notes), (0.5, 0), (0, -36), xycoords="axes fraction", textcoords="offset points",
+                      ha="center", va="top", fontsize="x-small", annotation_clip=False)
 
 
 def draw(graph: GraphDocument, axes: Any = None) -> Any:
@@ -177,7 +178,8 @@ def grid(count: int, axes: Any = None, columns: int = 0) -> Any:
         return found
     columns = columns or math.ceil(math.sqrt(count))
     rows = math.ceil(count / columns)
-    figure, made = pyplot().subplots(rows, columns, squeeze=False, figsize=(min(5 * columns, 20), min(4 * rows, 40)), layout="constrained")
+    figure, made = pyplot().subplots(rows, columns, squeeze=False, figsize=(min(5 * columns, 20), min(4 * rows, 40)),
+                                     layout="constrained")
     made = made.ravel()
     for unused in made[count:]:
         figure.delaxes(unused)

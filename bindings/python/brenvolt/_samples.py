@@ -18,8 +18,8 @@ class SamplesPlot:
     """Draws samples with matplotlib on axes, those given or new ones, and returns them; of several variables an array.
 
     plot("scatter-matrix"): every pair, with the rank correlations reached and asked for; "heat-map": these alone;
-    "histogram": with what the distribution of the variable lets expect; "box-plot". Any other call, and every attribute, is
-    that of a DataFrame's plot.
+    "histogram": with what the distribution of the variable lets expect; "box-plot". Any other call, and every
+    attribute, is that of a DataFrame's plot.
     """
 
     # The frame has this object, which therefore must not hold the frame: only what is left of one that was not kept.

@@ -146,8 +146,8 @@ def _set_column(sheet, name, series, kind):
 def _setitem(self, name, values):
     """Sets a column, a new one or in the place of the one of that name: numbers, or texts.
 
-    Missing values, and those that a NumPy mask hides, stay missing. Dates become texts such as 2024-02-29, times of day and
-    durations numbers of hours. Complex numbers are refused.
+    Missing values, and those that a NumPy mask hides, stay missing. Dates become texts such as 2024-02-29, times of
+    day and durations numbers of hours. Complex numbers are refused.
     """
     import numpy
 
@@ -169,7 +169,8 @@ def _set_values(self, values):
 
 
 def _frame_of_another_library(table):
-    """The pandas frame of a table of Arrow, Polars and the like: as the library makes it, or by the interchange protocol."""
+    """The pandas frame of a table of Arrow, Polars and the like: as the library makes it, or by the interchange
+    protocol."""
     if hasattr(table, "to_pandas"):
         try:
             return table.to_pandas()
@@ -214,7 +215,8 @@ def _from_pandas(frame, name="Sheet", required=()):
 
     Numbers, numbers as Python objects or categories, and truth values become numeric variables; texts become text
     variables, and so do dates, as 2024-02-29; times of day and durations become numbers of hours; missing values stay
-    missing. Columns of other kinds (complex numbers, lists) are left out with a warning; one that `required` names is refused. The index gives the names of the cases, unless it merely counts them.
+    missing. Columns of other kinds (complex numbers, lists) are left out with a warning; one that `required` names is
+    refused. The index gives the names of the cases, unless it merely counts them.
     """
     import pandas
 

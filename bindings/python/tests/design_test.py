@@ -24,7 +24,8 @@ DIALOG = {
     "risk_register": {
         "foundations": ["Triangular", 180.0, 320.0, 220.0, *WITHOUT],
         "structure": ["Triangular", 900.0, 1400.0, 1050.0, *WITHOUT],
-        "services": ["Triangular", 600.0, 1100.0, 750.0, *WITHOUT], "fitting": ["Normal", 420.0, 35.0, 1, 300.0, 0, 0.0],
+        "services": ["Triangular", 600.0, 1100.0, 750.0, *WITHOUT],
+        "fitting": ["Normal", 420.0, 35.0, 1, 300.0, 0, 0.0],
         "planning": ["Normal", 160.0, 12.0, *WITHOUT], "fees": ["LogNormal", 4.6, 0.25, 0.0, *WITHOUT],
         "contaminated_soil": ["Histogram", 0.0, 0.85, 240.0, 0.15, *WITHOUT],
         "permit_delay": ["Histogram", 0.0, 0.7, 45.0, 0.2, 110.0, 0.1, *WITHOUT],
@@ -76,13 +77,14 @@ class Folder(unittest.TestCase):
 
 class Designs(Folder):
     def test_design_of_objects_is_the_one_of_the_notation(self):
-        design = brenvolt.design("a.bvw", {"h": Normal(50.2, 0.05), "t": Weibull(3, 2, 10), "cost": "triangular(100, 180, 120) in [, 170]",
+        design = brenvolt.design("a.bvw", {"h": Normal(50.2, 0.05), "t": Weibull(3, 2, 10),
+                                           "cost": "triangular(100, 180, 120) in [, 170]",
                                            "r": Histogram({0: 0.9, 25: 0.1})},
                                  correlations={("h", "cost"): 0.4})
         lines = str(design).splitlines()
         self.assertEqual(lines, ["h ~ normal(location=50.2, scale=0.05)", "t ~ weibull(scale=3, shape=2, offset=10)",
-                                 "cost ~ triangular(min=100, max=180, mode=120) in [, 170]", "r ~ histogram(0:0.9, 25:0.1)",
-                                 "correlation h, cost = 0.4"])
+                                 "cost ~ triangular(min=100, max=180, mode=120) in [, 170]",
+                                 "r ~ histogram(0:0.9, 25:0.1)", "correlation h, cost = 0.4"])
         self.assertEqual(design.correlations.loc["cost", "h"], 0.4)
         with open("plan.txt", "w") as file:
             file.write(str(design))
@@ -92,7 +94,8 @@ class Designs(Folder):
         self.assertTrue(first.equals(brenvolt.simulate("b.bvw", 100, "iman-conover", seed=7)))
 
     def test_a_frame_of_correlations_and_later_changes(self):
-        frame = brenvolt.design("a.bvw", {"x": "normal(0, 1)", "y": "normal(0, 1)"}, correlations={("x", "y"): -0.3}).correlations
+        frame = brenvolt.design("a.bvw", {"x": "normal(0, 1)", "y": "normal(0, 1)"},
+                                correlations={("x", "y"): -0.3}).correlations
         design = brenvolt.design("b.bvw", ["x ~ poisson(2)", "y ~ normal(1, 2)"], correlations=frame)
         self.assertEqual(design.correlations.loc["x", "y"], -0.3)
         self.assertEqual(brenvolt.design("b.bvw", {"x": "poisson(3)"}).variables,
@@ -107,7 +110,8 @@ class Designs(Folder):
                     lines = [line.strip() for line in lines if line.strip() and not line.startswith("#")]
                 variables = dict(line.split(" ~ ") for line in lines if "~" in line)
                 options = [word for line in lines if "~" in line for word in ("--variable", line)]
-                options += [word for pair, value in PAIRS[name].items() for word in ("--correlation", f"{pair[0]},{pair[1]}={value}")]
+                options += [word for pair, value in PAIRS[name].items()
+                            for word in ("--correlation", f"{pair[0]},{pair[1]}={value}")]
                 brenvolt.design("p.bvw", from_file=file)
                 expected = by_dialog(name, 500, 7)
                 for call in (["--from", file], options, ["p.bvw"]):
@@ -118,7 +122,8 @@ class Designs(Folder):
                 for (first, second), value in PAIRS[name].items():
                     matrix.loc[first, second] = matrix.loc[second, first] = value
                 for correlations in (PAIRS[name], matrix, matrix.to_numpy()):
-                    samples = brenvolt.simulate(variables, 500, "latin-hypercube-iman-conover", seed=7, correlations=correlations)
+                    samples = brenvolt.simulate(variables, 500, "latin-hypercube-iman-conover", seed=7,
+                                                correlations=correlations)
                     pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
                 samples = brenvolt.simulate(None, 500, "latin-hypercube-iman-conover", seed=7, from_file=file)
                 pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
@@ -127,10 +132,13 @@ class Designs(Folder):
     def test_names_may_hold_the_signs_of_the_notation(self):
         names = ["a ~ b", "# of parts", "x, y = 1"]
         wanted = {("a ~ b", "# of parts"): 0.5, ("# of parts", "x, y = 1"): -0.25}
-        samples = brenvolt.simulate({name: "normal(0, 1)" for name in names}, 50, "iman-conover", seed=1, correlations=wanted)
+        samples = brenvolt.simulate({name: "normal(0, 1)" for name in names}, 50, "iman-conover", seed=1,
+                                    correlations=wanted)
         self.assertEqual(list(samples), names)
-        self.assertEqual(samples.attrs["correlations"]["asked"]["# of parts"], {"a ~ b": 0.5, "# of parts": 1.0, "x, y = 1": -0.25})
-        self.assertEqual(list(brenvolt.profile({name: Normal(0, 1) for name in names}, formulas="y = 'a ~ b' + 1", samples=200).predictors)[0],
+        self.assertEqual(samples.attrs["correlations"]["asked"]["# of parts"],
+                         {"a ~ b": 0.5, "# of parts": 1.0, "x, y = 1": -0.25})
+        self.assertEqual(list(brenvolt.profile({name: Normal(0, 1) for name in names}, formulas="y = 'a ~ b' + 1",
+                                               samples=200).predictors)[0],
                          "a ~ b")
 
     def test_samples_tell_what_they_were_drawn_from(self):
@@ -145,7 +153,8 @@ class Designs(Folder):
         self.assertIs(attrs["truncate"], False)
         repaired = pandas.DataFrame(attrs["repaired_matrix"])
         self.assertGreater(numpy.linalg.eigvalsh(repaired).min(), -1e-12)
-        self.assertAlmostEqual(attrs["correlations"]["pearson"]["cost"]["h"], samples.corr().loc["h", "cost"], places=12)
+        self.assertAlmostEqual(attrs["correlations"]["pearson"]["cost"]["h"], samples.corr().loc["h", "cost"],
+                               places=12)
         again = brenvolt.simulate(attrs["distributions"], 2000, attrs["method"], seed=attrs["seed"],
                                   correlations=attrs["correlations"]["asked"])
         self.assertTrue(again.equals(samples))
@@ -162,10 +171,12 @@ class Designs(Folder):
             file.write(text[text.index("\nDrawn by iman-conover from\n"):].split("\n", 2)[2])
         command("simulate", "--from", "again.txt", "--method", report["drawn"]["method"], "--samples", "300", "--seed",
                 str(report["seed"]), "-o", "second.csv")
-        options = [word for one in report["drawn"]["variables"] for word in ("--variable", f"{one['name']} ~ {one['distribution']}")]
+        options = [word for one in report["drawn"]["variables"]
+                   for word in ("--variable", f"{one['name']} ~ {one['distribution']}")]
         options += [word for one in report["drawn"]["correlations"]
                     for word in ("--correlation", f"{one['first']},{one['second']}={one['value']!r}")]
-        command("simulate", *options, "--method", "iman-conover", "--samples", "300", "--seed", str(report["seed"]), "-o", "third.csv")
+        command("simulate", *options, "--method", "iman-conover", "--samples", "300", "--seed", str(report["seed"]),
+                "-o", "third.csv")
         for name in ("second.csv", "third.csv"):
             with open("first.csv", "rb") as first, open(name, "rb") as other:
                 self.assertEqual(first.read(), other.read())
@@ -173,20 +184,24 @@ class Designs(Folder):
     def test_correlations_that_a_method_does_not_follow_are_said(self):
         file = os.path.join(EXAMPLES, "risk_register.txt")
         brenvolt.design("p.bvw", from_file=file)
-        note = ("The correlations of 2 pairs, the strongest that of structure and services, 0.5, are left out: monte-carlo "
+        note = ("The correlations of 2 pairs, the strongest that of structure and services, 0.5, are left out: "
+                "monte-carlo "
                 "draws each variable by itself; the iman-conover methods follow correlations.")
         for source, given in (("p.bvw", {}), (None, {"from_file": file}), (brenvolt.design("p.bvw").variables, {})):
             notes = brenvolt.simulate(source, 50, "monte-carlo", seed=1, **given).attrs["notes"]
             self.assertEqual(notes, [note] if not isinstance(source, dict) else [])
         for source in (["p.bvw"], ["--from", file]):
             self.assertIn(f"\n  {note}\n", command("simulate", *source, "--method", "monte-carlo", "--samples", "50"))
-            report = json.loads(command("simulate", *source, "--method", "monte-carlo", "--samples", "50", "--format", "json"))
+            report = json.loads(command("simulate", *source, "--method", "monte-carlo", "--samples", "50", "--format",
+                                        "json"))
             self.assertEqual((report["notes"], report["drawn"]["correlations"]), ([note], []))
         one = brenvolt.simulate("p.bvw", 50, "latin-hypercube", variables=["structure", "steel_price"]).attrs["notes"]
-        self.assertEqual(one, ["The correlation of structure and steel_price, 0.4, is left out: latin-hypercube draws each "
+        self.assertEqual(one, ["The correlation of structure and steel_price, 0.4, is left out: latin-hypercube "
+                               "draws each "
                                "variable by itself; the iman-conover methods follow correlations."])
         self.assertEqual(brenvolt.simulate("p.bvw", 50, variables=["structure"]).attrs["notes"], [])
-        self.assertFalse([one for one in brenvolt.simulate("p.bvw", 50, "iman-conover").attrs["notes"] if "left out" in one])
+        self.assertFalse([one for one in brenvolt.simulate("p.bvw", 50, "iman-conover").attrs["notes"]
+                          if "left out" in one])
         fits = brenvolt.fit(os.path.join(EXAMPLES, "faithful.csv"), distributions="normal")
         self.assertIn("eruptions and waiting, 0.9008", brenvolt.simulate(fits, 50, "monte-carlo").attrs["notes"][0])
 
@@ -199,7 +214,8 @@ class Designs(Folder):
             return ((x**3 / 3 - low * x**2 / 2) if power else (x**2 / 2 - low * x)) * 2 / ((high - low) * (mode - low))
 
         def falling(x, power):
-            return ((high * x**2 / 2 - x**3 / 3) if power else (high * x - x**2 / 2)) * 2 / ((high - low) * (high - mode))
+            return ((high * x**2 / 2 - x**3 / 3) if power
+                    else (high * x - x**2 / 2)) * 2 / ((high - low) * (high - mode))
 
         share, moment = (rising(mode, p) - rising(below, p) + falling(above, p) - falling(mode, p) for p in (0, 1))
         samples = brenvolt.simulate({"x": f"triangular({low}, {high}, {mode}) in [{below}, {above}]"}, 100000,
@@ -216,14 +232,16 @@ class Designs(Folder):
         off.iloc[0, 1] += 4e-10
         good.to_csv("m.csv")
         for matrix in (off, good.to_numpy(), {("h", "a"): 0.5}):
-            self.assertTrue(brenvolt.simulate(inputs, 200, "iman-conover", seed=1, correlations=matrix).equals(expected))
+            self.assertTrue(brenvolt.simulate(inputs, 200, "iman-conover", seed=1,
+                                              correlations=matrix).equals(expected))
         for matrix in ("m.csv", good):
             self.assertTrue(brenvolt.simulate(inputs, 200, "iman-conover", seed=1, matrix=matrix).equals(expected))
         command("simulate", "--variable", "h ~ normal(0, 1)", "--variable", "a ~ normal(0, 1)", "--matrix", "m.csv",
                 "--method", "iman-conover", "--samples", "200", "--seed", "1", "-o", "s.csv")
         samples = pandas.read_csv("s.csv", index_col="Sample #", float_precision="round_trip")
         pandas.testing.assert_frame_equal(samples, expected, check_exact=True)
-        for place, value, message in (((0, 1), 0.4, "not symmetric: 0.5 in row a, column h, but 0.4 in row h, column a"),
+        for place, value, message in (((0, 1), 0.4, "not symmetric: 0.5 in row a, column h, but 0.4 in row h, column "
+                                                    "a"),
                                       ((0, 0), 0.9, "with itself is not 1"), ((0, 1), 1.5, "not between -1 and 1"),
                                       ((0, 1), math.nan, "missing")):
             wrong = good.copy()
@@ -238,14 +256,16 @@ class Designs(Folder):
         sheet.is_matrix = True
         brenvolt.design("two.bvw", inputs)
         for source in (inputs, "two.bvw"):
-            with self.assertRaisesRegex(brenvolt.Error, "not symmetric: 0.4 in row a, column h, but 0.5 in row h, column a"):
+            with self.assertRaisesRegex(brenvolt.Error, "not symmetric: 0.4 in row a, column h, but 0.5 in row h, "
+                                                        "column a"):
                 brenvolt.simulate(source, 9, "iman-conover", matrix=sheet)
         with self.assertRaisesRegex(brenvolt.Error, "not symmetric"):
             brenvolt.profile(inputs, formulas="y = h + a", matrix=sheet)
         for matrix, message in ((good.rename(index={"a": "b"}), 'called "b", not a'), (good.iloc[:1], "has 1 rows"),
                                 (good.rename(index={"a": "z"}, columns={"a": "z"}), "no variable is called 'z'"),
                                 (numpy.eye(3), "has 3 rows and 3 columns for 2 variables: h, a"),
-                                (pandas.DataFrame(numpy.eye(3)), "for 2 variables: h, a"), (numpy.ones(2), "the array has 1 axes")):
+                                (pandas.DataFrame(numpy.eye(3)), "for 2 variables: h, a"),
+                                (numpy.ones(2), "the array has 1 axes")):
             with self.assertRaisesRegex(ValueError, message):
                 brenvolt.simulate(inputs, 9, "iman-conover", correlations=matrix)
         lacking = good.rename(index={"a": "z"}, columns={"a": "z"})
@@ -257,9 +277,11 @@ class Designs(Folder):
         os.remove("y.bvw")
         self.assertIn(f"\n# {note}\n", command("design", "y.bvw", "--variable", "h ~ normal(0, 1)", "--variable",
                                                "a ~ normal(0, 1)", "--matrix", "z.csv"))
-        unlabelled = brenvolt.simulate(inputs, 200, "iman-conover", seed=1, correlations=pandas.DataFrame(good.to_numpy()))
+        unlabelled = brenvolt.simulate(inputs, 200, "iman-conover", seed=1,
+                                       correlations=pandas.DataFrame(good.to_numpy()))
         self.assertTrue(unlabelled.equals(expected), "labels that are none stand for the order of the variables")
-        for call in (brenvolt.simulate, lambda *given, **how: brenvolt.profile(given[0], formulas="y = h + a", matrix=how["matrix"])):
+        profiled = lambda *given, **how: brenvolt.profile(given[0], formulas="y = h + a", matrix=how["matrix"])
+        for call in (brenvolt.simulate, profiled):
             with self.assertRaisesRegex(ValueError, "matrix does not name the variables"):
                 call(inputs, 9, "iman-conover", matrix=good.to_numpy())
         self.assertFalse(os.path.exists("x.bvw"))
@@ -320,20 +342,25 @@ class Profiles(Folder):
             self.assertTrue(brenvolt.profile(data, **options, **how).samples.equals(result.samples), data)
 
     def test_profiles_are_repeated_from_their_reports(self):
-        frame = pandas.DataFrame({"a": numpy.sin(numpy.arange(60.0)), "b": numpy.cos(numpy.arange(60.0)), "c": numpy.arange(60.0)})
+        frame = pandas.DataFrame({"a": numpy.sin(numpy.arange(60.0)), "b": numpy.cos(numpy.arange(60.0)),
+                                  "c": numpy.arange(60.0)})
         frame.to_csv("d.csv", index=False)
         how = ["--formula", "y = a + b + c", "--formula", "z = a * c", "--noise", "y=0.5", "--noise", "z=1",
                "--noise-correlation", "y,z=0.3", "--samples", "400", "--format", "json"]
-        for options in ([], ["--correlated"], ["--fix", "c=3", "--truncate", "a=-1:2"], ["--fit-best", "--correlation", "a,c=-0.5"],
+        for options in ([], ["--correlated"], ["--fix", "c=3", "--truncate", "a=-1:2"],
+                        ["--fit-best", "--correlation", "a,c=-0.5"],
                         ["--correlation", "a,c=0"], ["--variable", "c ~ poisson(4)"]):
             report = json.loads(command("profile", "d.csv", *how, *options, "-o", "first.csv"))
             drawn, fixed = report["drawn"], {one["predictor"]: one["value"] for one in report["drawn"]["fixed"]}
             variables = {one["name"]: one["distribution"] for one in report["predictors"] if one["name"] not in fixed}
-            again = ["profile", "--samples", str(report["runs"]), "--seed", str(report["seed"]), "--format", "json", "-o", "again.csv"]
-            for option, values in (("--formula", drawn["formulas"]), ("--noise-correlation", drawn["noiseCorrelations"]),
+            again = ["profile", "--samples", str(report["runs"]), "--seed", str(report["seed"]), "--format", "json",
+                     "-o", "again.csv"]
+            for option, values in (("--formula", drawn["formulas"]),
+                                   ("--noise-correlation", drawn["noiseCorrelations"]),
                                    ("--variable", [f"{name} ~ {text}" for name, text in variables.items()]),
                                    ("--fix", [f"{name}={value!r}" for name, value in fixed.items()]),
-                                   ("--noise", [f"{one['response']}={one['standardDeviation']!r}" for one in drawn["noise"]]),
+                                   ("--noise", [f"{one['response']}={one['standardDeviation']!r}"
+                                                for one in drawn["noise"]]),
                                    ("--correlation", [f"{one['first']},{one['second']}={one['value']!r}"
                                                       for one in drawn["correlations"]])):
                 again += [word for value in values for word in (option, value)]
@@ -341,9 +368,12 @@ class Profiles(Folder):
             self.assertEqual(repeated["drawn"], drawn, options)
             with open("first.csv", "rb") as first, open("again.csv", "rb") as other:
                 self.assertEqual(first.read(), other.read(), options)
-            result = brenvolt.profile("d.csv", formulas=drawn["formulas"], noise={"y": 0.5, "z": 1}, seed=report["seed"],
-                                      noise_correlations={("y", "z"): 0.3}, samples=400, variables=variables, fixed=fixed,
-                                      correlations={(one["first"], one["second"]): one["value"] for one in drawn["correlations"]})
+            result = brenvolt.profile("d.csv", formulas=drawn["formulas"], noise={"y": 0.5, "z": 1},
+                                      seed=report["seed"],
+                                      noise_correlations={("y", "z"): 0.3}, samples=400, variables=variables,
+                                      fixed=fixed,
+                                      correlations={(one["first"], one["second"]): one["value"]
+                                                    for one in drawn["correlations"]})
             self.assertEqual((result.method, result.fixed), (drawn["method"], fixed))
             runs = pandas.read_csv("first.csv", float_precision="round_trip")[list(result.samples)]
             numpy.testing.assert_array_equal(result.samples.to_numpy(float), runs.to_numpy(float))
@@ -417,14 +447,16 @@ class Profiles(Folder):
             self.assertLessEqual(row["lower"], row["value"])
             self.assertLessEqual(row["value"], row["upper"])
         for defects in report["defects"]:
-            self.assertEqual((defects["defects"], defects["runs"]), (int(((valid < 0) | (valid > 11)).sum()), len(valid)))
+            self.assertEqual((defects["defects"], defects["runs"]),
+                             (int(((valid < 0) | (valid > 11)).sum()), len(valid)))
             self.assertLess(defects["rateInterval"]["lower"], defects["rate"])
         result = brenvolt.profile({"x": Weibull(80, 1.5), "n": Poisson(3)}, formulas="y = ln(x - 1) + n",
                                   specifications={"y": (0, None, 11)}, samples=250000, seed=3)
         self.compare(report, result)
         self.assertEqual(result.defects["defects"].tolist(), [one["defects"] for one in report["defects"]])
         self.assertTrue(any("all runs" in note for note in result.notes), result.notes)
-        first = brenvolt.profile({"x": Weibull(80, 1.5), "n": Poisson(3)}, formulas="y = ln(x - 1) + n", samples=83334, seed=3)
+        first = brenvolt.profile({"x": Weibull(80, 1.5), "n": Poisson(3)}, formulas="y = ln(x - 1) + n", samples=83334,
+                                 seed=3)
         self.assertTrue(first.samples.equals(result.samples), "the first batch has the seed that was given")
 
     def test_a_function_is_a_model(self):
@@ -444,7 +476,8 @@ class Profiles(Folder):
         self.assertTrue(by_function.responses["y"].sensitivity.equals(by_formula.responses["y"].sensitivity))
         self.assertTrue(by_function.responses["y"].capability.equals(by_formula.responses["y"].capability))
         self.assertTrue(by_function.defects.equals(by_formula.defects))
-        two = brenvolt.profile(lambda columns: {"b": columns["x"] * 2, "a": columns["z"]}, inputs, responses=["a", "b"], seed=1)
+        two = brenvolt.profile(lambda columns: {"b": columns["x"] * 2, "a": columns["z"]}, inputs, responses=["a", "b"],
+                               seed=1)
         self.assertEqual(list(two.responses), ["a", "b"])
         self.assertTrue((two.samples["b"] == 2 * two.samples["x"]).all())
         over_data = brenvolt.profile(lambda eruptions, waiting: waiting / eruptions,
@@ -472,8 +505,10 @@ class Profiles(Folder):
             self.assertEqual(result.notes, [*expected.notes, note])
             self.assertTrue(result.samples.equals(expected.samples))
         self.assertNotIn(note, expected.notes)
-        with self.assertRaisesRegex((ValueError, brenvolt.Error), "no predictor called 'q'; the predictors are eruptions"):
-            brenvolt.profile(os.path.join(EXAMPLES, "faithful.csv"), formulas="y = eruptions", variables={"q": Poisson(3)})
+        with self.assertRaisesRegex((ValueError, brenvolt.Error),
+                                    "no predictor called 'q'; the predictors are eruptions"):
+            brenvolt.profile(os.path.join(EXAMPLES, "faithful.csv"), formulas="y = eruptions",
+                             variables={"q": Poisson(3)})
 
     def test_what_a_function_gets_wrong_is_said_with_its_block(self):
         inputs = {"x": Normal(0, 1)}
@@ -483,20 +518,25 @@ class Profiles(Folder):
                 raise ZeroDivisionError("no width")
             return x
 
-        cases = ((lambda x: x[:-1], "expected 500 numbers; the function gave an array of shape .499,. .<lambda>, runs 1 to 500"),
-                 (lambda x: 3.5, "the function gave a float"), (lambda x: numpy.log(x), "run .* has no number but nan; of the block"),
+        cases = ((lambda x: x[:-1], "expected 500 numbers; the function gave an array of shape .499,. .<lambda>, "
+                                    "runs 1 to 500"),
+                 (lambda x: 3.5, "the function gave a float"),
+                 (lambda x: numpy.log(x), "run .* has no number but nan; of the block"),
                  (lambda x: x.astype(str), "expected 500 numbers; the function gave an array of type <U"),
-                 (lambda x: x + 1j, "expected 500 numbers; the function gave an array of type complex128"), (lambda x: {"z": x}, "no column 'y'"),
+                 (lambda x: x + 1j, "expected 500 numbers; the function gave an array of type complex128"),
+                 (lambda x: {"z": x}, "no column 'y'"),
                  (lambda x: numpy.outer(x, x), "an array of shape"), (lambda x: None, "the function gave a NoneType"))
         for function, message in cases:
             with self.assertRaisesRegex(brenvolt.Error, message):
                 brenvolt.profile(function, inputs, samples=500, seed=1)
-        with self.assertRaisesRegex(brenvolt.Error, "ZeroDivisionError: no width .failing, runs 65537 to 70000") as raised:
+        message = "ZeroDivisionError: no width .failing, runs 65537 to 70000"
+        with self.assertRaisesRegex(brenvolt.Error, message) as raised:
             brenvolt.profile(failing, inputs, samples=70000, seed=1)
         self.assertIsInstance(raised.exception.__cause__, ZeroDivisionError)
         with self.assertRaisesRegex(brenvolt.Error, "runs 80001 to 145536|runs 100001 to|runs 75001 to"):
             calls = []
-            brenvolt.profile(lambda x: x if not calls.append(1) and len(calls) < 3 else x[1:], inputs, samples=150000, seed=1)
+            brenvolt.profile(lambda x: x if not calls.append(1) and len(calls) < 3 else x[1:], inputs, samples=150000,
+                             seed=1)
         for responses, message in (([], "one response or more"), (["a", "b", "a"], "names 'a' twice"),
                                    ("x", "the response 'x' is an input of the function as well")):
             with self.assertRaisesRegex(ValueError, message):
@@ -526,14 +566,16 @@ class Profiles(Folder):
         cases = (({"variables": {"q": "normal(0, 1)"}}, "give it a distribution, or fix it at a value"),
                  ({"variables": {"x": "normal(0, -1)"}}, "(variables)"),
                  ({"variables": x, "correlations": {("x", "q"): 0.5}}, "no variable is called 'q' (correlations)"),
-                 ({"variables": {**x, "n": "poisson(3)"}, "noise_correlations": {("y", "z"): 0.5}}, "(noise_correlations)"),
+                 ({"variables": {**x, "n": "poisson(3)"}, "noise_correlations": {("y", "z"): 0.5}},
+                  "(noise_correlations)"),
                  ({"variables": x}, "give it a distribution, or fix it at a value"))
         for arguments, end in cases:
             with self.assertRaises((ValueError, brenvolt.Error)) as raised:
                 brenvolt.profile({}, formulas="y = x + n", **arguments)
             said = str(raised.exception)
             self.assertTrue(said.endswith(end), said)
-            options = [word for name, text in arguments.get("variables", {}).items() for word in ("--variable", f"{name} ~ {text}")]
+            options = [word for name, text in arguments.get("variables", {}).items()
+                       for word in ("--variable", f"{name} ~ {text}")]
             for argument, option in (("correlations", "--correlation"), ("noise_correlations", "--noise-correlation")):
                 options += [word for pair, value in arguments.get(argument, {}).items()
                             for word in (option, f"{pair[0]},{pair[1]}={value}")]

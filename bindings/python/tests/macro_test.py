@@ -64,12 +64,16 @@ class Macro(unittest.TestCase):
         self.assertTrue(done.stdout.endswith("nothing but calls on dialogs and their documents.\n"))
         start = "from brenvolt import *\na = Application()\n"
         refused = ("import os", "from os import system", "from brenvolt import fit", "from . import x", "print(1)",
-                   "open('x', 'w')", "a.__class__", "a._hidden", "eval('1')", "a.Open(__file__)", "Application.Open = a",
-                   "for i in a: i.OK()", "if a: a.OK()", "def f(): pass", "class A: pass", "lambda: 1", "x = [i for i in a]",
+                   "open('x', 'w')", "a.__class__", "a._hidden", "eval('1')", "a.Open(__file__)",
+                   "Application.Open = a",
+                   "for i in a: i.OK()", "if a: a.OK()", "def f(): pass", "class A: pass", "lambda: 1",
+                   "x = [i for i in a]",
                    "a.Open(f'{a}')", "a.Sheet().to_pandas().eval('1')", "x = a.Open\nx.to_pickle('y')", "del a",
                    "with a: pass", "Application = a", "a.Open(*a)", "a.Open(**a)", "(lambda: 1)()", "a[0](1)", "a or a",
-                   "x: int = 1", "x += 1", "a.Open(x := 1)", "assert a", "raise a", "global a", "a if a else a", "{a: a}",
-                   "import brenvolt", "'x'.format(a)", "f = b = __builtins__", "a.b.c.d()", "match a:\n  case 1: a.OK()",
+                   "x: int = 1", "x += 1", "a.Open(x := 1)", "assert a", "raise a", "global a", "a if a else a",
+                   "{a: a}",
+                   "import brenvolt", "'x'.format(a)", "f = b = __builtins__", "a.b.c.d()",
+                   "match a:\n  case 1: a.OK()",
                    "\0", "a.Open(", "(" * 500 + ")" * 500, "-" * 100_000 + "1", "a" + "[0]" * 20_000)
         for line in refused:
             self.write("m.py", start + line + "\n")
@@ -78,7 +82,8 @@ class Macro(unittest.TestCase):
         self.write("m.py", start + "import os\n")
         done = self.run_program("macro", "--check", "m.py")
         self.assertEqual((done.returncode, done.stdout), (1, ""))
-        self.assertEqual(done.stderr, "brenvolt: 'import os' is neither a call nor an assignment; run only macros that you"
+        self.assertEqual(done.stderr, "brenvolt: 'import os' is neither a call nor an assignment; run only macros "
+                                      "that you"
                                       " trust (m.py, line 3)\n")
 
     def test_a_refusal_ends_the_macro_with_the_systems_message(self):
@@ -92,7 +97,8 @@ class Macro(unittest.TestCase):
         os.mkdir(os.path.join(self.folder, "folder"))
         cases = [(("none.py",), {}, 1, "no such macro (none.py)"), (("folder",), {}, 1, "is a folder"),
                  ((), {}, 2, "FILE.py"),
-                 (("m.py",), {"BRENVOLT_PYTHON": "/none/python3"}, 1, "the program cannot be started: No such file or directory")]
+                 (("m.py",), {"BRENVOLT_PYTHON": "/none/python3"}, 1,
+                  "the program cannot be started: No such file or directory")]
         for arguments, environment, status, said in cases:
             done = self.run_program("macro", *arguments, **environment)
             self.assertEqual((done.returncode, done.stdout), (status, ""))

@@ -21,7 +21,8 @@ import pandas
 import brenvolt
 
 EXAMPLES = os.path.join(os.environ["BRENVOLT_SOURCE_DIR"], "examples")
-OZONE = {"data": os.path.join(EXAMPLES, "ozone.csv"), "models": os.path.join(EXAMPLES, "ozone_regression.pmml"), "seed": 7}
+OZONE = {"data": os.path.join(EXAMPLES, "ozone.csv"), "models": os.path.join(EXAMPLES, "ozone_regression.pmml"),
+         "seed": 7}
 
 
 def snake(name):
@@ -115,7 +116,8 @@ class Plots(unittest.TestCase):
             dialog.QQPlot
             with open(os.path.join(folder, "qq.svg"), encoding="utf-8") as file:
                 self.assertIn("Q-Q Plot of", file.read())
-            for name, message in (("t.png", "a table goes into .csv, .npz, .xlsx, .sav, .dta or .bvw"), ("t.gif", "in .json, .png, .svg or .pdf")):
+            for name, message in (("t.png", "a table goes into .csv, .npz, .xlsx, .sav, .dta or .bvw"),
+                                  ("t.gif", "in .json, .png, .svg or .pdf")):
                 with self.assertRaisesRegex(brenvolt.Error, message):
                     dialog.ResultsSaveFileName = os.path.join(folder, name)
                     dialog.SummaryStats
@@ -138,8 +140,8 @@ class Plots(unittest.TestCase):
                     return file.read()
 
             data = os.path.join(EXAMPLES, "faithful.csv")
-            fits = brenvolt.fit(data, distributions=["normal"], select="waiting > 60", report=os.path.join(folder, "f.html"),
-                                save=os.path.join(folder, "p.bvw"))
+            fits = brenvolt.fit(data, distributions=["normal"], select="waiting > 60",
+                                report=os.path.join(folder, "f.html"), save=os.path.join(folder, "p.bvw"))
             self.assertIn("brenvolt fit " + data, text("f.html"))
             fits.report(os.path.join(folder, "f.md"))
             self.assertIn("Cases with: waiting &gt; 60", text("f.md"))
@@ -172,7 +174,8 @@ class Plots(unittest.TestCase):
         band = found.responses["O3"].graph("profile").panels[0].bands[0]
         filled = axes[0].collections[0].get_paths()[0].vertices
         self.assertEqual(filled[:, 1].min(), band["lower"].min())
-        self.assertEqual([one.get_ylabel() for one in found.plot("defect-profile")], ["Defect Rate"] * len(found.predictors))
+        self.assertEqual([one.get_ylabel() for one in found.plot("defect-profile")], ["Defect Rate"]
+                         * len(found.predictors))
         self.assertEqual(found.plot("capability").get_title(), "Capability of O3")
         with self.assertRaisesRegex(ValueError, "kind must be one of .*tornado, profile.*, not 'pie'"):
             found.plot("pie")
