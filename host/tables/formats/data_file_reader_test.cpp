@@ -222,6 +222,24 @@ TEST(DataFiles, CutFilesAreRefused) {
   }
 }
 
+// The bytes with the field that stands so far after the first mark filled with one letter, so that no byte ends the name in it.
+void FillName(std::string& bytes, std::string_view mark, std::size_t before, std::size_t width, char letter) {
+  const std::size_t start = bytes.find(mark) + mark.size() + before;
+  ASSERT_LE(start + width, bytes.size());
+  std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(start), width, letter);
+}
+
+TEST(DataFiles, NamesOfLabelSetsEndWithTheirFields) {
+  constexpr std::size_t kWidth = 129;
+  constexpr std::size_t kBytesOfLength = 4;
+  std::string bytes = Contents("cars.dta");
+  FillName(bytes, "<value_label_names>", kWidth, kWidth, 's');
+  FillName(bytes, "<value_label_names>", 2 * kWidth, kWidth, 't');
+  FillName(bytes, "<lbl>", kBytesOfLength, kWidth, 's');
+  const DataRead read = ReadPackageFile(bytes, FileKind::kStata, "data", "file");
+  EXPECT_EQ(read.sheets.front()->VariableAt(1).Label(6), "six");
+}
+
 // A sheet of the cells given, as the least that a workbook consists of.
 std::string Workbook(const std::string& cells, const std::string& prologue = {},
                      const std::string& texts = {}) {

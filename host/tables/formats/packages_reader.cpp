@@ -58,6 +58,26 @@ std::string TextOf(const char* text) {
   return text != nullptr ? text : "";
 }
 
+// How many bytes a file of Stata has for the name of a set of labels. The library finds the release in the same way.
+std::size_t LabelSetWidth(std::string_view bytes) {
+  constexpr std::string_view kReleaseFollows = "<stata_dta><header><release>";
+  unsigned release = bytes.empty() ? 0 : static_cast<unsigned char>(bytes.front());
+  if (bytes.starts_with(kReleaseFollows)) {
+    release = 0;
+    for (const char digit : bytes.substr(kReleaseFollows.size(), 3))
+      release = release * 10 + static_cast<unsigned>(digit - '0');
+    release = static_cast<unsigned char>(release);
+  }
+  if (release < 110) return 9;
+  return release < 118 ? 33 : 129;
+}
+
+// The name of a set of labels. In files of Stata it is a field that the library hands over as it stands in the file, where
+// nothing need end it.
+std::string SetName(const char* field, std::size_t width) {
+  return field != nullptr ? std::string(field, strnlen(field, width)) : std::string();
+}
+
 // A column as it comes in.
 struct Column {
   std::string name;
@@ -75,8 +95,11 @@ struct Column {
 // Takes what the library finds. The library is of C: nothing may be thrown through it.
 class Collector {
  public:
-  Collector(std::size_t bytes, Package package, std::string where)
-      : most_(bytes * kMostCellsOfByte + kAlways), package_(package), where_(std::move(where)) {}
+  Collector(std::string_view bytes, Package package, std::string where)
+      : most_(bytes.size() * kMostCellsOfByte + kAlways),
+        setWidth_(package == Package::kStata ? LabelSetWidth(bytes) : std::string::npos),
+        package_(package),
+        where_(std::move(where)) {}
 
   int TakeVariable(readstat_variable_t* variable, const char* labelSet) {
     return Guarded([&] {
@@ -84,7 +107,7 @@ class Collector {
       column.name = TextOf(readstat_variable_get_name(variable));
       column.label = TextOf(readstat_variable_get_label(variable));
       column.format = TextOf(readstat_variable_get_format(variable));
-      column.labelSet = TextOf(labelSet);
+      column.labelSet = SetName(labelSet, setWidth_);
       column.isText = readstat_variable_get_type_class(variable) == READSTAT_TYPE_CLASS_STRING;
       TakeCodes(variable, column);
       columns_.push_back(std::move(column));
@@ -106,7 +129,7 @@ class Collector {
       if (readstat_value_type_class(value) != READSTAT_TYPE_CLASS_NUMERIC ||
           readstat_value_is_tagged_missing(value))
         return;
-      labels_[TextOf(set)][readstat_double_value(value)] = TextOf(label);
+      labels_[SetName(set, setWidth_)][readstat_double_value(value)] = TextOf(label);
     });
   }
 
@@ -222,6 +245,7 @@ class Collector {
   std::map<std::string, std::map<double, std::string>> labels_;
   std::size_t cells_ = 0;
   std::size_t most_;
+  std::size_t setWidth_;
   Package package_;
   bool hasTimes_ = false;
   std::string where_;
@@ -263,7 +287,7 @@ DataRead ReadPackageFile(std::string_view bytes, FileKind kind, const std::strin
   const std::unique_ptr<readstat_parser_t, void (*)(readstat_parser_t*)> parser(readstat_parser_init(),
                                                                                 readstat_parser_free);
   Input input{bytes};
-  Collector collector(bytes.size(), PackageOf(kind), where);
+  Collector collector(bytes, PackageOf(kind), where);
   readstat_set_open_handler(parser.get(), Open);
   readstat_set_close_handler(parser.get(), Close);
   readstat_set_seek_handler(parser.get(), Seek);
