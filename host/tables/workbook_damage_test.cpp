@@ -67,6 +67,8 @@ TEST(WorkbookDamageTest, RefusesContentThatContradictsItself) {
       {"UPDATE sheet SET cases = -1", "a sheet of -1 cases"},
       {"UPDATE sheet SET cases = 4611686018427387904", "a sheet of 4611686018427387904 cases"},
       {"UPDATE sheet SET cases = 100000000000 WHERE id = 3", "it claims more content than it can hold"},
+      {"DELETE FROM variable WHERE sheet = 3; UPDATE sheet SET cases = 1000000000 WHERE id = 3",
+       "a sheet of 1000000000 cases without any variable"},
       {"UPDATE sheet SET cases = 7 WHERE id = 3", "fewer values"},
       {"UPDATE sheet SET cases = 5 WHERE id = 3", "more values"},
       {"UPDATE sheet SET cases = 'many'", "a text or nothing in place of a whole number"},

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::uint32_t kUtf8 = 1;
 constexpr std::int64_t kMostCases = std::int64_t{1} << 40;
+// A number alone, with no value to it in the file, must not make others work or take memory for it.
+constexpr std::size_t kMostCasesWithoutVariables = 10'000'000;
 
 // Names from the file that are in `how` may contain anything; the message stays one line.
 [[noreturn]] void Damaged(const Connection& connection, std::string how) {
@@ -210,6 +212,8 @@ std::unique_ptr<Spreadsheet> ContentReader::ReadSheet(const Statement& row) {
     sheet->NumberCases();
   }
   ReadVariables(id, weight, *sheet);
+  if (sheet->VariableCount() == 0 && cases > kMostCasesWithoutVariables)
+    Damaged("it has a sheet of " + std::to_string(cases) + " cases without any variable");
   return sheet;
 }
 
