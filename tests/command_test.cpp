@@ -1,10 +1,20 @@
 // The command as a whole: its module, its verbs and their help.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cctype>
+#include <set>
+#include <sstream>
+
 #include "tests/command_fixture.h"
 
 namespace brenvolt::test {
 namespace {
+
+std::string Lower(std::string text) {
+  std::ranges::transform(text, text.begin(), [](unsigned char c) { return std::tolower(c); });
+  return text;
+}
 
 TEST_F(Command, ModuleAttachesAndDetachesInOrder) {
   setenv("BRENVOLT_LOG", File("log").c_str(), 1);
@@ -58,6 +68,26 @@ TEST_F(Command, EveryVerbHasHelpWithAnExample) {
   const Outcome distributions = MustRun({"help", "distributions"});
   EXPECT_NE(distributions.out.find("weibull              scale, shape, offset"), std::string::npos)
       << distributions.out;
+}
+
+TEST_F(Command, VersionNamesEveryLibraryThatTheHostLinks) {
+  const Outcome linked =
+      RunProgram("/bin/sh",
+                 {"-c", R"(readelf -d "$0" | sed -n 's/.*(NEEDED).*\[lib\(.*\)\.so.*/\1/p')",
+                  BRENVOLT_BUILD_DIR "/lib/libbrenvolt.so"},
+                 folder.Path());
+  const std::string version = MustRun({"--version"}).out;
+  const std::string libraries = Lower(version.substr(version.find("\nlibraries: ")));
+  const std::set<std::string> ofTheLanguage{"stdc++", "m", "gcc_s", "c"};
+  std::istringstream lines(linked.out);
+  int named = 0;
+  for (std::string library; std::getline(lines, library);) {
+    if (ofTheLanguage.contains(library)) continue;
+    const std::string name = library.starts_with("hwy") ? "highway" : library.substr(0, library.find("3"));
+    EXPECT_NE(libraries.find(name), std::string::npos) << library;
+    ++named;
+  }
+  EXPECT_GT(named, 8);
 }
 
 // Signals that systems send to end a program, while it writes a file.

@@ -4,6 +4,7 @@
 #include <hwy/highway.h>
 #include <oneapi/tbb/version.h>
 #include <sqlite3.h>
+#include <xlsxwriter.h>
 
 #include <boost/version.hpp>
 #include <nlohmann/json.hpp>
@@ -24,7 +25,8 @@ std::string Compiler() {
 #endif
 }
 
-// Libraries that tell no version write it as one number, in each its own way.
+// Of RE2, ReadStat and uchardet, which tell no version, the build knows the file that it links (host/CMakeLists.txt). Others
+// write it as one number, in each its own way.
 std::string BoostVersion() {
   return Dotted(BOOST_VERSION / 100000, BOOST_VERSION / 100 % 1000, BOOST_VERSION % 100);
 }
@@ -48,8 +50,12 @@ About AboutHost() {
            {"oneTBB", TBB_runtime_version()},
            {"Highway", Dotted(HWY_MAJOR, HWY_MINOR, HWY_PATCH)},
            {"SQLite", sqlite3_libversion()},
-           {"libarchive", std::string(archive_version_string()).substr(sizeof("libarchive ") - 1)},
+           {"libarchive", std::string(archive_version_details()).substr(sizeof("libarchive ") - 1)},
+           {"libxlsxwriter", lxw_version()},
            {"pugixml", PugixmlVersion()},
+           {"RE2", BRENVOLT_RE2_FILE},
+           {"ReadStat", BRENVOLT_READSTAT_FILE},
+           {"uchardet", BRENVOLT_UCHARDET_FILE},
            {"nlohmann-json",
             Dotted(NLOHMANN_JSON_VERSION_MAJOR, NLOHMANN_JSON_VERSION_MINOR, NLOHMANN_JSON_VERSION_PATCH)}}};
 }

@@ -16,7 +16,7 @@ struct About {
   std::string compiler;
   std::string instructionSet;  // the one that vectorised functions run with on this machine
   std::vector<LibraryVersion>
-      libraries;  // as loaded, where a library tells its version; else as compiled with
+      libraries;  // as loaded, where a library tells its version; else as compiled with, or the file that was linked
 };
 
 About AboutHost();
