@@ -101,6 +101,30 @@ TEST_F(CapabilityCommand, TakesPercentilesWhereTheValuesAreNotNormal) {
   EXPECT_EQ(bootstrapped["percentiles"]["ppu"]["value"], ppu["value"]);
 }
 
+// Two heaps of values that no distribution but one of the data fits.
+TEST_F(CapabilityCommand, SaysWhichTestsRefuseThePercentiles) {
+  std::string text = "y\n";
+  for (int i = 0; i < 200; ++i) text += std::to_string((i % 2 == 0 ? 10 : 20) + 0.01 * (i * 79 % 200)) + "\n";
+  Write("d.csv", text);
+  const auto notes = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> call{"capability", "d.csv", "--spec", "y=0,,30"};
+    call.insert(call.end(), more.begin(), more.end());
+    return Report(call)["notes"].dump();
+  };
+  const std::string weibull = notes({"--distribution", "weibull"});
+  EXPECT_NE(weibull.find("the weibull distribution does not fit these values either (K-S p "),
+            std::string::npos)
+      << weibull;
+  // The percentiles of a normal process are those of the figures overall.
+  const auto normal = Report({"capability", "d.csv", "--spec", "y=0,,30", "--distribution", "normal"});
+  EXPECT_TRUE(normal["percentiles"].is_null());
+  EXPECT_NE(normal["notes"].dump().find("the normal distribution that was named does not fit these values"),
+            std::string::npos);
+  EXPECT_EQ(normal["notes"].dump().find("read the indices"), std::string::npos) << normal["notes"];
+  const auto byAic = Report({"capability", "d.csv", "--spec", "y=0,,30", "--rank-by", "aic"});
+  EXPECT_EQ(byAic["percentiles"]["distribution"].get<std::string>().substr(0, 15), "gaussianmixture");
+}
+
 TEST_F(CapabilityCommand, RefusesWhatHasNoCapability) {
   Write("d.csv", "y,c,t,one,n,w\n1,5,a,3,1,1\n2,5,b,,2,1\n3,5,c,,3,2\n4,5,d,,4,2\n");
   struct Case {
@@ -131,6 +155,8 @@ TEST_F(CapabilityCommand, RefusesWhatHasNoCapability) {
        "expected one of nelson, western-electric; got 'none' (--rules)"},
       {{"--spec", "y=1,,3", "--distribution", "poisson"},
        "the poisson distribution is for discrete variables (--distribution)"},
+      {{"--spec", "y=1,,3", "--distribution", "weibull", "--rank-by", "aic"},
+       "a distribution is named, so there is none to choose (--rank-by)"},
       {{"--spec", "y=1,,3", "--confidence", "95"},
        "expected a number between 0 and 1, got 95 (--confidence)"},
       {{"--spec", "y=1,,3", "--select", "y > 9"}, "no case meets the condition 'y > 9' (--select)"}};

@@ -61,6 +61,10 @@ void AddChoices(CLI::App& command, CapabilityJob& job) {
           "Distribution whose percentiles are used; default: the one that fits best where the values are "
           "not normal")
       ->type_name("NAME");
+  command
+      .add_option("--rank-by", job.rankBy,
+                  "Test or information criterion by which that one fits best; default ks")
+      ->type_name(Words(kCriteria));
   AddNumber(
       command, "--bootstrap", "bootstrap", job.bootstrap, "N",
       "Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution");

@@ -582,6 +582,7 @@ void BindCapabilityJob(py::module_& module) {
       .def_readwrite("control_chart", &CapabilityJob::controlChart)
       .def_readwrite("rules", &CapabilityJob::rules)
       .def_readwrite("distribution", &CapabilityJob::distribution)
+      .def_readwrite("rank_by", &CapabilityJob::rankBy)
       .def_readwrite("report", &CapabilityJob::report)
       .def_readwrite("bootstrap", &CapabilityJob::bootstrap)
       .def_readwrite("bootstrap_seed", &CapabilityJob::bootstrapSeed)

@@ -192,7 +192,9 @@ PartsIntervals NormalPartsIntervals(const CapabilityIndices& indices, std::int64
   const double shared = (1 + confidence) / 2;
   const ConfidenceInterval below = beyond(indices.lower, shared);
   const ConfidenceInterval above = beyond(indices.upper, shared);
-  if (!IsNotSet(below.lower)) intervals.total = {below.lower + above.lower, below.upper + above.upper};
+  // A part misses one limit alone, so that no more than all of them miss one.
+  if (!IsNotSet(below.lower))
+    intervals.total = {below.lower + above.lower, std::min(below.upper + above.upper, kMillion)};
   return intervals;
 }
 

@@ -313,6 +313,12 @@ TEST(CapabilityReference, PercentileIndicesAgreeWithScipy) {
   }
 }
 
+TEST(Capability, NoMoreThanAllPartsMissALimit) {
+  const PartsIntervals wide = NormalPartsIntervals(NormalIndices(0, 10, {-1, 1, kNone}), 5, 4, 0.95);
+  EXPECT_LT(wide.total.lower, 920344);
+  EXPECT_EQ(wide.total.upper, 1e6);
+}
+
 TEST(Capability, PercentilesThatAreNoneGiveNoIndex) {
   ProcessDistribution process = WeibullProcess();
   for (const double value : {std::numeric_limits<double>::infinity(), kNone, kInvalidQuantile}) {

@@ -17,8 +17,8 @@ Specifications = Mapping[str, tuple[float | None, float | None, float | None]]
 
 def capability(data: Any, response: str | None = None, specifications: Specifications | None = None, *,
                subgroup: str | int | None = None, within: str | None = None, control_chart: str | None = None,
-               rules: str | None = None, distribution: str | None = None, bootstrap: int | None = None,
-               bootstrap_seed: int | None = None, confidence: float | None = None,
+               rules: str | None = None, distribution: str | None = None, rank_by: str | None = None,
+               bootstrap: int | None = None, bootstrap_seed: int | None = None, confidence: float | None = None,
                select: str | None = None, sheet: str | None = None, plot: str | os.PathLike | None = None,
                plot_kind: str | None = None, plot_theme: str | None = None, plot_width: int | None = None,
                report: str | os.PathLike | None = None, decimal_comma: bool = False, **reading: Any) -> CapabilityResult:
@@ -33,6 +33,7 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
     control_chart: "i-mr", "x-bar-r" or "x-bar-s"; without, by the sizes of the subgroups. rules: "western-electric" (as
     without) or "nelson".
     distribution: whose percentiles are used; without, the one that fits best where the values are not normal.
+    rank_by: by what the best fit is found, as for fit().
     bootstrap: samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution;
     bootstrap_seed: where its random numbers start, 1 without.
     confidence: of the intervals, 0.95 without.
@@ -47,9 +48,10 @@ def capability(data: Any, response: str | None = None, specifications: Specifica
                      specifications=_jobs._tuples(_brenvolt.ResponseSpecification, specifications, "specifications",
                                                   "(lower limit, target, upper limit)"),
                      subgroup=subgroup, within=within, control_chart=control_chart, rules=rules,
-                     distribution=distribution, bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, confidence=confidence,
-                     select=select, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width, report=report,
-                     decimal_comma=decimal_comma, reading=_reading.options(reading, "capability"))
+                     distribution=distribution, rank_by=rank_by, bootstrap=bootstrap,
+                     bootstrap_seed=bootstrap_seed, confidence=confidence, select=select, plot=plot, plot_kind=plot_kind,
+                     plot_theme=plot_theme, plot_width=plot_width, report=report, decimal_comma=decimal_comma,
+                     reading=_reading.options(reading, "capability"))
     job.check()
     required = [name for name in (response, *(specifications or ()), subgroup) if isinstance(name, str)]
     return CapabilityResult(json.loads(job.run(_jobs._sheet_of(data, sheet, required, decimal_comma, reading))))

@@ -148,6 +148,7 @@ REFUSED_CAPABILITIES = (
      "expected one of moving-range, pooled, r-bar, s-bar; got 'range' (within)"),
     ({"specifications": LIMITS, "control_chart": "x-bar-s"}, "so their chart is i-mr (control_chart)"),
     ({"specifications": LIMITS, "confidence": 1}, "expected a number between 0 and 1, got 1 (confidence)"),
+    ({"specifications": LIMITS, "rank_by": "best"}, "(rank_by)"),
     ({"specifications": LIMITS, "distribution": "weibul"}, "bernoulli, histogram (distribution)"),
     ({"specifications": LIMITS, "bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
     ({"specifications": LIMITS, "select": "x > 100"}, "no case meets the condition 'x > 100' (select)"),
@@ -182,6 +183,7 @@ CAPABILITIES = (
     ("process", {"specifications": PROCESS, "subgroup": 10, "select": "sample <= 12", "confidence": 0.9}),
     ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "distribution": "lognormal",
                             "bootstrap": 50}),
+    ("danish_fire_losses", {"specifications": {"Loss": (None, None, 50)}, "rank_by": "aic"}),
 )
 # Variables and correlations by hand that every job refuses, and what it says.
 NORMAL = "normal(0, 1)"

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "host/analysis/quantity_text.h"
 #include "host/base/number_text.h"
 #include "host/base/process/interruption.h"
 #include "host/base/quoted.h"
@@ -182,8 +183,7 @@ class QuietInterface : public ProgramInterface {
 };
 
 // The best fit of a ranking of all continuous distributions, or the fit of the one that is named.
-std::optional<FittedDistribution> FitOf(const CapabilityFindings& found,
-                                        const std::optional<std::string>& distribution) {
+std::optional<FittedDistribution> FitOf(const CapabilityFindings& found, const CapabilityJob& asked) {
   Spreadsheet sheet("values");
   Variable variable(found.response, found.values.size());
   variable.AssignValues(found.values);
@@ -196,7 +196,8 @@ std::optional<FittedDistribution> FitOf(const CapabilityFindings& found,
   };
   FitJob job;
   job.variables.continuous = {found.response};
-  if (distribution) job.distributions = {*distribution};
+  if (asked.distribution) job.distributions = {*asked.distribution};
+  job.rankBy = asked.rankBy;
   JobRecorder none;
   try {
     job.Run({sheet, nullptr, &sheet, start}, none);
@@ -256,6 +257,35 @@ FittedCapability ByPercentiles(const CapabilityJob& job, const FittedDistributio
   return fitted;
 }
 
+// "K-S p 0.0012, chi-square p 0.0310" of the tests that refuse a fit; empty if none does.
+std::string RefusalsOf(const FittedDistribution& fit) {
+  const std::pair<const ResultColumn&, const char*> tests[] = {
+      {"ks_p"_column, "K-S p "}, {"chi_square_p"_column, "chi-square p "}, {"ad_p"_column, "A-D p "}};
+  std::string refusals;
+  for (const auto& [column, name] : tests) {
+    const double pValue = fit.statistics.Has(column) ? fit.statistics.Number(column) : 1;
+    if (pValue < kLevel)
+      refusals += (refusals.empty() ? "" : ", ") + (name + QuantityText(pValue, Quantity::kPValue));
+  }
+  return refusals;
+}
+
+bool IsNormal(const FittedDistribution& fit) {
+  return static_cast<DistributionCode>(fit.code) == DistributionCode::kNormal;
+}
+
+// Of a normal process the figures overall are those of the distribution that was named.
+void JudgeNormal(bool isRejected, const CapabilityJob& job, CapabilityFindings& found) {
+  found.notes.emplace_back(
+      isRejected
+          ? "the normal distribution that was named does not fit these values: without it, the one that fits "
+            "best is used"
+          : "the figures overall are those of the normal distribution that was named");
+  if (job.bootstrap)
+    found.notes.emplace_back(
+        "the bootstrap gives no intervals to figures of a normal process, which have them");
+}
+
 void JudgeDistribution(const CapabilityJob& job, CapabilityFindings& found) {
   const std::optional<std::string>& named = job.distribution;
   found.normality = TestNormality(found.values);
@@ -268,19 +298,25 @@ void JudgeDistribution(const CapabilityJob& job, CapabilityFindings& found) {
           "no distribution is fitted, so the bootstrap gives no intervals: name one to use it");
     return;
   }
-  const auto fit = FitOf(found, named);
+  const auto fit = FitOf(found, job);
   if (!fit) {
     found.notes.push_back(named ? "the " + *named + " distribution cannot be fitted to these values"
                                 : "no distribution can be fitted to these values, which are not normal");
     return;
   }
-  if (!named && static_cast<DistributionCode>(fit->code) == DistributionCode::kNormal) {
+  if (named && IsNormal(*fit)) return JudgeNormal(isRejected, job, found);
+  if (IsNormal(*fit)) {
     found.notes.emplace_back(
         "the values are not normal, but no other distribution fits them better: indices and expected parts "
         "describe a process that this is not");
     return;
   }
   found.fitted = ByPercentiles(job, *fit, found);
+  if (const std::string refusals = RefusalsOf(*fit); !refusals.empty())
+    found.notes.push_back("the " + std::string(fit->identifier) + " distribution does not fit these values" +
+                          (isRejected ? " either" : "") + " (" + refusals +
+                          "): indices and expected parts by its percentiles are a guess" +
+                          (named ? "" : ", and another ranking may find a better one"));
   if (!isRejected) return;
   found.notes.emplace_back(
       "the values are not normal: read the indices and expected parts by percentiles, those within and "
@@ -326,6 +362,8 @@ JobFaults CapabilityJob::Check() const {
     }
   }
   if (confidence) CheckBetweenZeroAndOne("confidence", *confidence, faults);
+  if (rankBy) CheckWord("rankBy", *rankBy, kCriteria, faults);
+  if (rankBy && distribution) add("rankBy", "a distribution is named, so there is none to choose");
   CheckBootstrap(bootstrap, bootstrapSeed, faults);
   CheckPlot(plot, kCapabilityPlotKinds, faults);
   CheckReport(report, faults);

@@ -40,6 +40,7 @@ struct CapabilityJob {
   std::optional<std::string> rules;         // without a word, kUsualRules
   // Which distribution's percentiles are used; without, the one that fits best, where the values are not normal.
   std::optional<std::string> distribution;
+  std::optional<std::string> rankBy;  // by what the best is found; without a word, ks, as in a fit
   // Samples of a parametric bootstrap, which gives intervals to what rests on a fitted distribution.
   std::optional<double> bootstrap;
   std::optional<double> bootstrapSeed;  // without a number, kUsualBootstrapSeed

@@ -219,7 +219,11 @@ ReportTable FigureTable(const CapabilityFindings& found) {
 }
 
 std::string ConfidenceText(const CapabilityFindings& found) {
-  return "Intervals have a confidence of " + ReadableNumber(100 * found.confidence) + " %";
+  std::string text = "Intervals have a confidence of " + ReadableNumber(100 * found.confidence) + " %";
+  if (found.limits.HasLower() && found.limits.HasUpper())
+    text += "; that of all expected parts adds those of both limits, each of " +
+            ReadableNumber(50 * (1 + found.confidence)) + " % (Bonferroni)";
+  return text;
 }
 
 }  // namespace brenvolt

@@ -29,6 +29,7 @@ ReportFacts AskedOf(const CapabilityJob& job, const CapabilityFindings& found) {
   add("Deviation within", found.withinWord);
   add("Control charts", found.chartWord + ", rules of " + found.rulesWord);
   if (job.distribution) add("Distribution", *job.distribution);
+  if (job.rankBy) add("Distributions ranked by", *job.rankBy);
   if (job.bootstrap) add("Bootstrap", CountText(static_cast<std::size_t>(*job.bootstrap), "sample"));
   if (job.select) add("Cases with", *job.select);
   return facts;

@@ -170,6 +170,7 @@ std::string CommandOf(const CapabilityJob& job) {
   command.AddWord("controlChart", job.controlChart);
   command.AddWord("rules", job.rules);
   command.AddWord("distribution", job.distribution);
+  command.AddWord("rankBy", job.rankBy);
   command.AddNumber("bootstrap", job.bootstrap);
   command.AddNumber("bootstrapSeed", job.bootstrapSeed);
   command.AddNumber("confidence", job.confidence);
