@@ -5,6 +5,7 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 
+#include "host/tables/csv.h"
 #include "tests/run_program.h"
 
 namespace brenvolt::test {
@@ -76,6 +77,11 @@ TEST_F(LifeData, CodesAreReadAsTheFieldWritesThem) {
       {"t,u,k\n1,,1\n2,3,3\n3,,2\n4,,0\n5,,1\n",
        {"--continuous", "t", "--censor", "k", "--censor-upper", "u"},
        {2, 1, 1, 1}},
+      {"t,status\n1,2\n2,1\n3,2\n4,2\n",
+       {"--continuous", "t", "--censor", "status", "--censor-event", "2"},
+       {3, 1, 0, 0}},
+      {"t,d\n1,TRUE\n2,FALSE\n3,TRUE\n4,TRUE\n", {"--censor", "d"}, {3, 1, 0, 0}},
+      {"t,censored\n1,FALSE\n2,TRUE\n3,FALSE\n4,FALSE\n", {"--censor", "censored"}, {3, 1, 0, 0}},
       {"t,u\n1,1\n2,3\n,3\n4,\n5,5\n,\n", {"--continuous", "t", "--censor-upper", "u"}, {2, 1, 1, 1}},
       {"t,status,n\n1,1,3\n2,0,2\n3,1,1\n",
        {"--continuous", "t", "--censor", "status", "--weights", "n"},
@@ -97,9 +103,14 @@ TEST_F(LifeData, RefusesWhatIsNotCensored) {
       {{"--censor", "none"}, "sheet c has no variable called 'none' (--censor)"},
       {{"--censor", "status"},
        "case 3: '5' in 'status' is not a code of censoring; expected 0 or right, 1 or exact, 2 or "
-       "left, 3 or interval, or in a column called after censoring 0 or 1 (--censor)"},
+       "left, 3 or interval, or in a column called after censoring 0 or 1; or say which one is an event "
+       "(--censor)"},
+      {{"--censor", "status", "--censor-event", "9"}, "no case has '9' in 'status' (--censor-event)"},
+      {{"--censor-event", "2"}, "this is what a column of codes holds, which is not named (--censor-event)"},
       {{"--censor-upper", "u"}, "case 2: the upper bound 1 is below the lower one, 2 (--censor-upper)"},
-      {{"--censor", "status", "--bootstrap", "9"}, "this does not apply to censored values (--bootstrap)"},
+      {{"--censor", "status", "--bootstrap", "9"},
+       "samples from a fit would need to know when values are censored; quantiles of censored values have "
+       "intervals by the covariance of the estimates (--bootstrap)"},
       {{"--censor", "status", "--rank-by", "ks"},
        "tests need every value; censored ones are ranked by aic or bic (--rank-by)"},
       {{"--censor", "status", "--distributions", "johnson"},
@@ -118,15 +129,56 @@ TEST_F(LifeData, RefusesWhatIsNotCensored) {
       std::string::npos);
 }
 
+// R's data of lung cancer have 1 for a censored time and 2 for a death.
+TEST_F(LifeData, CodesOfOneAndTwoBringACaution) {
+  Write("c.csv", "t,status\n1,2\n2,1\n3,2\n4,2\n5,1\n");
+  const std::vector<std::string> call{"fit",     "c.csv",    "--continuous", "t", "--distributions",
+                                      "weibull", "--censor", "status"};
+  EXPECT_NE(Run(call).out.find(
+                "  note: 'status' holds 1 and 2 alone, which are read as exact and left censored; if 2 "
+                "is an event and 1 a censored value, say that the event is 2 (--censor-event)\n"),
+            std::string::npos);
+  auto said = call;
+  said.insert(said.end(), {"--censor-event", "2"});
+  EXPECT_EQ(Run(said).out.find("note:"), std::string::npos);
+  EXPECT_EQ(Report(said)["variables"][0]["notes"], nlohmann::json::array());
+}
+
 TEST_F(LifeData, AColumnCalledStatusBringsAHint) {
   Write("c.csv", "t,status,x\n1,1,1\n2,0,3\n3,1,2\n4,0,5\n5,1,4\n");
-  EXPECT_NE(Run({"fit", "c.csv", "--continuous", "t", "--distributions", "normal"})
-                .err.find("'status' may say which values are censored"),
+  EXPECT_NE(
+      Run({"fit", "c.csv", "--continuous", "t", "--distributions", "normal"})
+          .err.find("'status' may say which values are censored, that is, known only by a bound; to fit them "
+                    "as such, give it as the column of censoring\n"),
+      std::string::npos);
+  Write("r.csv", "t,fustat,x\n1,1,1\n2,2,3\n3,1,2\n4,2,5\n5,1,4\n");
+  EXPECT_NE(Run({"fit", "r.csv", "--continuous", "t", "--distributions", "normal"})
+                .err.find("as the column of censoring, and 2 as the code of an event\n"),
             std::string::npos);
   EXPECT_EQ(Run({"fit", "c.csv", "--continuous", "t", "--censor", "status", "--distributions", "normal"}).err,
             "");
   Write("d.csv", "t,statusx\n1,1\n2,7\n3,1\n4,0\n");
   EXPECT_EQ(Run({"fit", "d.csv", "--continuous", "t", "--distributions", "normal"}).err, "");
+}
+
+TEST_F(LifeData, QuantilesStandInRowsOfTheirFits) {
+  const std::vector<std::string> call{
+      "fit", kExamples + "portpirie_sea_level.csv", "--quantiles", "0.1", "--exceed", "4.5"};
+  const auto found = Report(call)["variables"][0]["quantiles"];
+  auto asCsv = call;
+  asCsv.insert(asCsv.end(), {"--format", "csv"});
+  Write("fits.csv", Run(asCsv).out);
+  const Spreadsheet fits = ReadCsv(folder.Path() / "fits.csv");
+  const auto best = [&](const std::string& column) {
+    return fits.VariableAt(fits.FindVariable(column).value()).Values()[0];
+  };
+  const auto& tenth = found["quantiles"][0];
+  const auto& beyond = found["exceedances"][0];
+  EXPECT_EQ(best("quantile.0.1"), tenth["value"].get<double>());
+  EXPECT_EQ(best("quantile.0.1_lower"), tenth["byCovariance"]["lower"].get<double>());
+  EXPECT_EQ(best("exceedance.4.5"), beyond["probability"].get<double>());
+  EXPECT_EQ(best("exceedance.4.5_upper"), beyond["byCovariance"]["upper"].get<double>());
+  EXPECT_TRUE(fits.VariableAt(fits.FindVariable("quantile.0.1").value()).IsMissing(1));
 }
 
 TEST_F(LifeData, QuantilesHaveIntervalsByCovarianceAndBootstrap) {

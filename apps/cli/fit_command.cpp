@@ -126,7 +126,7 @@ void Fit(const FitCall& call) {
     terminal.LeaveReasonsToTable();
   }
   if (call.format == ReportFormat::kCsv) {
-    PrintCsv(FitSheet(variables), job.data);
+    PrintCsv(FitSheet(variables, AllQuantiles(job, variables)), job.data);
     recording.Commit();
     return;
   }
@@ -241,8 +241,13 @@ void AddCensoringOptions(CLI::App& command, CensoredFitJob& job) {
       .add_option(
           "--censor", job.censor,
           "Column that says how each value is known: 1 or exact, 0 or right censored, 2 or left, 3 or "
-          "interval; in a column called after censoring, 1 is right censored and 0 exact")
+          "interval, or true and false; in a column called after censoring, 1 is right censored and 0 exact")
       ->type_name("COLUMN");
+  command
+      .add_option("--censor-event", job.censorEvent,
+                  "What the column of --censor holds where a value is exact, as 2 where 1 is censored; all "
+                  "others are then right censored")
+      ->type_name("CODE");
   command
       .add_option(
           "--censor-upper", job.censorUpper,

@@ -2,6 +2,7 @@
 
 #include "apps/cli/fit_report.h"
 #include "apps/cli/text_table.h"
+#include "host/jobs/base/command_words.h"
 #include "host/jobs/reports/capability_tables.h"
 #include "host/jobs/reports/censored_tables.h"
 
@@ -13,6 +14,8 @@ std::string VariableText(const CensoredVariable& variable) {
   std::string text = variable.name + "\n  " + CensoringText(variable) + "\n  " + RankingText(variable) +
                      "\n" + TextOf(ranking);
   for (const std::string& failure : ranking.notes) text += "  " + failure + "\n";
+  for (const ReadingNote& note : variable.notes)
+    text += "  note: " + note.message + " (" + OptionOf(note.field) + ")\n";
   if (!variable.quantiles) return text;
   return text + QuantilesText(*variable.quantiles, SpreadOf(variable.fits.front().values));
 }

@@ -564,10 +564,10 @@ std::string FitCensored(const CensoredFitJob& job, const Sheet& sheet) {
 
 void BindCensoredFitJob(py::module_& module) {
   py::class_<CensoredFitJob>(module, "CensoredFitJob")
-      .def(py::init(
-          [](const FitJob& fit, std::optional<std::string> censor, std::optional<std::string> censorUpper) {
-            return CensoredFitJob{fit, std::move(censor), std::move(censorUpper)};
-          }))
+      .def(py::init([](const FitJob& fit, std::optional<std::string> censor,
+                       std::optional<std::string> censorUpper, std::optional<std::string> censorEvent) {
+        return CensoredFitJob{fit, std::move(censor), std::move(censorEvent), std::move(censorUpper)};
+      }))
       .def("check", &Check<CensoredFitJob>)
       .def("run", &FitCensored);
 }

@@ -1,7 +1,6 @@
 #include "host/jobs/fit_job.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <set>
 
@@ -9,6 +8,7 @@
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
 #include "host/base/files/file_turn.h"
+#include "host/base/lower_case.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
@@ -78,21 +78,39 @@ void SayWhatLooksDiscrete(const Spreadsheet& sheet, const std::vector<std::strin
          {}});
 }
 
-// The column of a sheet that looks as if it said which cases are censored: of 0 and 1, and called after that.
-std::optional<std::string> CensoringColumn(const Spreadsheet& sheet) {
-  constexpr std::string_view kNames[] = {"status", "cens", "event", "delta", "failed", "suspended"};
+struct CensoringCodes {
+  std::string column;
+  std::string event;  // the code of an event, where it has to be said
+};
+
+// The two codes of such a column, in order; empty for any other.
+std::vector<std::string> TwoCodes(const Variable& variable) {
+  std::set<double> different;
+  for (std::size_t k = 0; k < variable.Size() && different.size() < 3; ++k) {
+    if (!variable.IsMissing(k)) different.insert(variable.Values()[k]);
+  }
+  std::vector<std::string> codes;
+  for (const double value : different) {
+    const auto label = variable.Label(value);
+    codes.push_back(label ? LowerCase(*label) : ShortestNumber(value));
+  }
+  std::ranges::sort(codes);
+  return codes;
+}
+
+// The column of a sheet that looks as if it said which cases are censored: of 0 and 1, 1 and 2, or false and true, and
+// called after that.
+std::optional<CensoringCodes> CensoringColumn(const Spreadsheet& sheet) {
+  constexpr std::string_view kNames[] = {"status", "fustat",    "cens", "event", "delta",
+                                         "failed", "suspended", "dead", "death"};
   for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
     const Variable& variable = sheet.VariableAt(i);
-    std::string name = variable.Name();
-    std::ranges::transform(name, name.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string name = LowerCase(variable.Name());
     if (std::ranges::none_of(kNames, [&](std::string_view one) { return name.starts_with(one); })) continue;
-    std::set<double> different;
-    for (std::size_t k = 0; k < variable.Size() && different.size() < 3; ++k) {
-      if (!variable.IsMissing(k)) different.insert(variable.Values()[k]);
-    }
-    if (variable.Type() == VariableType::kNumeric && different == std::set<double>{0, 1})
-      return variable.Name();
+    const std::vector<std::string> codes = TwoCodes(variable);
+    if (codes == std::vector<std::string>{"1", "2"}) return CensoringCodes{variable.Name(), "2"};
+    if (codes == std::vector<std::string>{"0", "1"} || codes == std::vector<std::string>{"false", "true"})
+      return CensoringCodes{variable.Name(), ""};
   }
   return std::nullopt;
 }
@@ -102,10 +120,14 @@ void SayWhatLooksCensored(const Spreadsheet& sheet, const FitJob::Variables& fit
                           UserInterface& interface) {
   const auto column = CensoringColumn(sheet);
   const std::vector<std::string> named = fitted.All();
-  if (!column || named == std::vector<std::string>{*column}) return;
+  if (!column || named == std::vector<std::string>{column->column}) return;
+  const std::string event =
+      column->event.empty() ? "" : ", and " + column->event + " as the code of an event";
   interface.ShowMessage(
-      {Quoted(*column) + " may say which values are censored, that is, known only by a bound; to fit them as "
-                         "such, give it as the column of censoring",
+      {Quoted(column->column) +
+           " may say which values are censored, that is, known only by a bound; to fit them as such, give it "
+           "as the column of censoring" +
+           event,
        {},
        {}});
 }

@@ -3,22 +3,31 @@
 from __future__ import annotations
 
 import json
+import re
 from collections.abc import Callable
 from typing import TYPE_CHECKING, Any
 
-from . import _arguments, _brenvolt, _jobs, distributions as _distributions
+from . import _arguments, _brenvolt, _errors, _jobs, distributions as _distributions
 
 if TYPE_CHECKING:
     import pandas
 
 
-def fit(job: Any, censor: str | None, censor_upper: str | None, sheet: Callable[[], Any]) -> CensoredFitResult:
+def fit(job: Any, censor: str | None, censor_upper: str | None, censor_event: str | float | None,
+        sheet: Callable[[], Any]) -> CensoredFitResult:
     """Carries the job of a fit out over censored values."""
+    if isinstance(censor_event, (int, float)) and not isinstance(censor_event, bool):
+        censor_event = format(censor_event, ".17g")
     columns = [None if name is None else _arguments.text(name, what)
-               for name, what in ((censor, "censor"), (censor_upper, "censor_upper"))]
+               for name, what in ((censor, "censor"), (censor_upper, "censor_upper"), (censor_event, "censor_event"))]
     censored = _brenvolt.CensoredFitJob(job, *columns)
     censored.check()
-    return CensoredFitResult(json.loads(censored.run(sheet())))
+    found = CensoredFitResult(json.loads(censored.run(sheet())))
+    for variable in found.report["variables"]:
+        for note in variable["notes"]:
+            keyword = re.sub("(?=[A-Z])", "_", note["option"]).lower()
+            _errors.warn(f"{note['message']} ({keyword})")
+    return found
 
 
 class CensoredFitResult:
@@ -45,7 +54,7 @@ class CensoredVariable:
 
     name, n, missing; censoring: how many values are known in which way, and how the column of codes was read; distributions:
     those fitted, best first, None where a fit failed; curve, positions: DataFrames of the distribution function of Kaplan and
-    Meier or of Turnbull, as `estimator` says, and of the points of a probability plot.
+    Meier or of Turnbull, as `estimator` says, and of the points of a probability plot; notes: what else the codes may mean.
     """
 
     def __init__(self, found: dict[str, Any]) -> None:
@@ -53,6 +62,7 @@ class CensoredVariable:
         self.n: int = found["n"]
         self.missing: int = found["missing"]
         self.censoring: dict[str, Any] = found["censoring"]
+        self.notes: list[str] = [note["message"] for note in found["notes"]]
         self._fits = found["fits"]
         self._quantiles = found["quantiles"]
         self.distributions = [None if fit["parameters"] is None else

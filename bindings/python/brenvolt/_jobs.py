@@ -193,8 +193,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         bootstrap: int | None = None, bootstrap_seed: int | None = None,
         quantiles: float | Iterable[float] | None = None, exceed: float | Iterable[float] | None = None,
         return_periods: float | Iterable[float] | None = None, confidence: float | None = None, top: int | None = None,
-        censor: str | None = None, censor_upper: str | None = None, sheet: str | None = None,
-        save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
+        censor: str | None = None, censor_upper: str | None = None, censor_event: str | float | None = None,
+        sheet: str | None = None, save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
         plot_width: int | None = None, plot_band: bool = False, report: str | os.PathLike | None = None,
         yes: bool = False, decimal_comma: bool = False,
@@ -222,7 +222,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     covariance and, with bootstrap, by that: quantiles of probabilities, probabilities of exceeding values, return levels;
     see FittedVariable.quantiles. confidence: of the intervals, 0.95 without.
     censor: the column that says how each value is known: 1 or "exact", 0 or "right" (censored), 2 or "left", 3 or "interval"; in a
-    column called after censoring, 1 is right censored and 0 exact. censor_upper: the column of upper bounds, of which the
+    column called after censoring, 1 is right censored and 0 exact. censor_event: what it holds where a value is exact, as 2
+    where 1 is censored; all others are then right censored. censor_upper: the column of upper bounds, of which the
     variable has the lower ones; without censor, a missing bound is infinite. Either gives a CensoredFitResult.
     sheet: name of the sheet of a workbook; without, its first data sheet. Of a frame, mapping or array, the name that
     its sheet gets; without, "Sheet".
@@ -258,10 +259,11 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                reading=_reading.options(reading, "fit"))
     required = [name for given in (continuous, discrete, weights, censor, censor_upper)
                 for name in _arguments.names(given, "required")]
-    if censor is not None or censor_upper is not None:
+    if censor is not None or censor_upper is not None or censor_event is not None:
         from . import _censored
 
-        return _censored.fit(job, censor, censor_upper, lambda: _sheet_of(data, sheet, required, decimal_comma, reading))
+        return _censored.fit(job, censor, censor_upper, censor_event,
+                             lambda: _sheet_of(data, sheet, required, decimal_comma, reading))
     job.check()
     result = FitResult(job, _sheet_of(data, sheet, required, decimal_comma, reading), _is_lent(data))
     if report:

@@ -158,13 +158,13 @@ REFUSED_CENSORED = (
     ({"censor": "z"}, "name the variable that is censored: one of x, n, w (continuous)"),
     ({"continuous": ["x"], "censor": "z"}, "sheet d has no variable called 'z' (censor)"),
     ({"continuous": ["x"], "censor": "n"}, "0 or right, 1 or exact, 2 or left, 3 or interval, or in a column called after"
-                                           " censoring 0 or 1 (censor)"),
+                                           " censoring 0 or 1; or say which one is an event (censor)"),
     ({"continuous": ["x"], "censor_upper": "n"}, "case 3: the upper bound 0 is below the lower one, 3 (censor_upper)"),
     ({"top": 0}, "expected a whole number from 1 to 1000, got 0 (top)"),
     ({"plot": "{nmae}.png"}, "{nmae} has no meaning in the name of a picture; expected {name}, the variable or response"
                              " (plot)"),
-    ({"continuous": ["x"], "censor": "w", "bootstrap": 9}, "this does not apply to censored values (bootstrap)"),
-    ({"discrete": ["x"], "censor": "w"}, "this does not apply to censored values (discrete)"),
+    ({"continuous": ["x"], "censor": "w", "bootstrap": 9}, "intervals by the covariance of the estimates (bootstrap)"),
+    ({"discrete": ["x"], "censor": "w"}, "censored values are fitted as continuous ones (discrete)"),
     ({"continuous": ["x"], "censor": "w", "rank_by": "ks"}, "ranked by aic or bic (rank_by)"),
     ({"continuous": ["x"], "censor": "w", "distributions": ["triangular"]}, "weibull, generalextremevalue (distributions)"),
     ({"continuous": ["x"], "censor": "w", "quantiles": [2]}, "a probability between 0 and 1, got 2 (quantiles)"),
@@ -173,6 +173,7 @@ FANS = {"continuous": ["hours"], "censor": "status"}
 CENSORED = (
     FANS,
     {**FANS, "quantiles": [0.1, 0.5], "exceed": [1000], "rank_by": "bic", "select": "hours > 1000"},
+    {**FANS, "censor_event": "1"},
     {**FANS, "distributions": ["weibull"], "offsets": {"hours": {"weibull": -100}}, "return_periods": [10]},
 )
 # And over an example.

@@ -166,6 +166,9 @@ Json CensoredJson(const CensoredFindings& found) {
                  {"fits", Json::array()}};
     for (const CensoredFit& fit : variable.fits)
       json["fits"].push_back(CensoredFitJson(fit, json["fits"].size() + 1));
+    json["notes"] = Json::array();
+    for (const ReadingNote& note : variable.notes)
+      json["notes"].push_back({{"option", note.field}, {"message", note.message}});
     json["curve"] = CurveJson(variable);
     json["quantiles"] = QuantilesJson(variable.quantiles);
     report["variables"].push_back(std::move(json));

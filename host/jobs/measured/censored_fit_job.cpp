@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cmath>
 #include <map>
 #include <set>
 #include <utility>
 
+#include "host/base/lower_case.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 #include "host/jobs/base/output_files.h"
@@ -32,27 +32,26 @@ constexpr KnownWord kWords[] = {
     {"failed", Known::kExact},     {"f", Known::kExact},        {"e", Known::kExact},
     {"right", Known::kRight},      {"censored", Known::kRight}, {"suspended", Known::kRight},
     {"suspension", Known::kRight}, {"r", Known::kRight},        {"c", Known::kRight},
-    {"s", Known::kRight},          {"+", Known::kRight},        {"left", Known::kLeft},
+    {"s", Known::kRight},          {"+", Known::kRight},        {"false", Known::kRight},
+    {"true", Known::kExact},       {"no", Known::kRight},       {"yes", Known::kExact},
+    {"alive", Known::kRight},      {"dead", Known::kExact},     {"left", Known::kLeft},
     {"l", Known::kLeft},           {"-", Known::kLeft},         {"interval", Known::kInterval},
     {"i", Known::kInterval}};
 // By number: those of survival analysis, where 1 is an event.
 constexpr Known kNumbers[] = {Known::kRight, Known::kExact, Known::kLeft, Known::kInterval};
 
-std::string LowerCase(std::string_view text) {
-  std::string lower(Trim(text));
-  std::ranges::transform(lower, lower.begin(),
-                         [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-  return lower;
-}
-
 // What a value of the column means; nothing where it means none. A column that is called after censoring has 1 where a
 // value is censored.
 std::optional<Known> Meaning(const Variable& column, double value) {
-  if (const auto label = column.Label(value)) {
-    const auto word = std::ranges::find(kWords, LowerCase(*label), &KnownWord::word);
-    return word == std::end(kWords) ? std::nullopt : std::optional(word->known);
-  }
   const bool isCensored = LowerCase(column.Name()).find("cens") != std::string::npos;
+  if (const auto label = column.Label(value)) {
+    const std::string text = LowerCase(Trim(*label));
+    const auto word = std::ranges::find(kWords, text, &KnownWord::word);
+    if (word == std::end(kWords)) return std::nullopt;
+    const bool isFlag = text == "true" || text == "false" || text == "yes" || text == "no";
+    if (isFlag && isCensored) return word->known == Known::kExact ? Known::kRight : Known::kExact;
+    return word->known;
+  }
   if (isCensored) {
     if (value != 0 && value != 1) return std::nullopt;
     return value == 1 ? Known::kRight : Known::kExact;
@@ -79,6 +78,7 @@ class Reader {
       : sheet_(sheet), variable_(variable) {
     RequireNumbers(variable, "continuous");
     if (job.censor) codes_ = &ColumnNamed(sheet, *job.censor, "censor");
+    if (job.censorEvent) event_ = LowerCase(Trim(*job.censorEvent));
     if (job.censorUpper) {
       upper_ = &ColumnNamed(sheet, *job.censorUpper, "censorUpper");
       RequireNumbers(*upper_, "censorUpper");
@@ -104,10 +104,31 @@ class Reader {
     for (const auto& [text, known] : met_)
       found.reading += (found.reading.empty() ? "" : ", ") + text + " " +
                        std::string(kKnownWords[static_cast<std::size_t>(known)]);
+    SayWhatCodesMayMean(found);
     return sample;
   }
 
  private:
+  // 1 for a censored value and 2 for an event are usual as well.
+  void SayWhatCodesMayMean(CensoredVariable& found) const {
+    const bool isOfOneAndTwo = met_.size() == 2 && met_.contains("1") && met_.contains("2");
+    if (event_) {
+      if (found.exact == 0)
+        throw WrongJob("censorEvent", "no case has " + Quoted(*event_) + " in " + Quoted(codes_->Name()));
+    } else if (isOfOneAndTwo && met_.at("2") == Known::kLeft) {
+      found.notes.push_back(
+          {"censorEvent", Quoted(codes_->Name()) +
+                              " holds 1 and 2 alone, which are read as exact and left censored; if 2 is "
+                              "an event and 1 a censored value, say that the event is 2"});
+    }
+  }
+
+  // What a code means; nothing where it means none.
+  std::optional<Known> MeaningOf(double code, const std::string& text) const {
+    if (!event_) return Meaning(*codes_, code);
+    return LowerCase(Trim(text)) == *event_ ? Known::kExact : Known::kRight;
+  }
+
   static bool IsMissing(const Variable& column, std::size_t i) {
     return column.IsMissing(i) || std::isnan(column.Values()[i]);
   }
@@ -126,14 +147,15 @@ class Reader {
   std::optional<CensoredValue> ByCode(std::size_t i) {
     if (IsMissing(*codes_, i)) return std::nullopt;
     const double code = codes_->Values()[i];
-    const auto known = Meaning(*codes_, code);
     const auto label = codes_->Label(code);
     const std::string text = label ? std::string(*label) : ShortestNumber(code);
+    const auto known = MeaningOf(code, text);
     if (!known)
-      throw WrongJob("censor",
-                     Case(i) + ": " + Quoted(text) + " in " + Quoted(codes_->Name()) +
-                         " is not a code of censoring; expected 0 or right, 1 or exact, 2 or left, 3 or "
-                         "interval, or in a column called after censoring 0 or 1");
+      throw WrongJob(
+          "censor",
+          Case(i) + ": " + Quoted(text) + " in " + Quoted(codes_->Name()) +
+              " is not a code of censoring; expected 0 or right, 1 or exact, 2 or left, 3 or "
+              "interval, or in a column called after censoring 0 or 1; or say which one is an event");
     met_.try_emplace(text, *known);
     if (*known == Known::kInterval && upper_ == nullptr)
       throw WrongJob("censorUpper", Case(i) + " is known by an interval, whose upper bound needs a column");
@@ -171,6 +193,7 @@ class Reader {
   const Spreadsheet& sheet_;
   const Variable& variable_;
   const Variable* codes_ = nullptr;
+  std::optional<std::string> event_;  // in lower case
   const Variable* upper_ = nullptr;
   const Variable* weights_ = nullptr;
   std::map<std::string, Known> met_;
@@ -282,23 +305,33 @@ std::vector<std::string> Chosen(const CensoredFitJob& job, const Spreadsheet& sh
 struct Excluded {
   const char* field;
   bool isGiven;
+  const char* reason;
 };
 
 JobFaults ExcludedFields(const FitJob& job) {
-  const Excluded fields[] = {{"discrete", !job.variables.discrete.empty()},
-                             {"discreteRankBy", job.discreteRankBy.has_value()},
-                             {"binning", job.binning.has_value()},
-                             {"missing", job.missing != "pairwise"},
-                             {"mixtures", !job.mixtures.empty()},
-                             {"trials", !job.trials.empty()},
-                             {"johnsonPercentiles", job.johnsonPercentiles},
-                             {"bootstrap", job.bootstrap.has_value()},
-                             {"save", !job.save.empty()},
-                             {"graphs", !job.graphs.empty()},
-                             {"plotBand", job.plot.band}};
+  constexpr const char* kContinuous = "censored values are fitted as continuous ones";
+  constexpr const char* kNotFitted = "no distribution that it is about is fitted to censored values";
+  const Excluded fields[] = {
+      {"discrete", !job.variables.discrete.empty(), kContinuous},
+      {"discreteRankBy", job.discreteRankBy.has_value(), kContinuous},
+      {"binning", job.binning.has_value(),
+       "tests need every value, so there is no chi-square test of censored ones"},
+      {"missing", job.missing != "pairwise", "a censored value is missing with its code alone"},
+      {"mixtures", !job.mixtures.empty(), kNotFitted},
+      {"trials", !job.trials.empty(), kNotFitted},
+      {"johnsonPercentiles", job.johnsonPercentiles, kNotFitted},
+      {"bootstrap", job.bootstrap.has_value(),
+       "samples from a fit would need to know when values are censored; quantiles of censored values have "
+       "intervals by the covariance of the estimates"},
+      {"save", !job.save.empty(),
+       "a project keeps fits beside values that are known, and would take the censored ones for such; "
+       "simulate from the distribution that the report describes, given by hand as a variable"},
+      {"graphs", !job.graphs.empty(),
+       "the graphs of censored values are drawn, and not written as data; plot gives them"},
+      {"plotBand", job.plot.band, "the limits of 95 % are those of samples without censored values"}};
   JobFaults faults;
   for (const Excluded& one : fields) {
-    if (one.isGiven) faults.push_back({one.field, "this does not apply to censored values"});
+    if (one.isGiven) faults.push_back({one.field, one.reason});
   }
   return faults;
 }
@@ -311,6 +344,8 @@ JobFaults CensoredFitJob::Check() const {
   FitJob plain = fit;
   plain.plot = {};
   faults = plain.Check();
+  if (censorEvent && !censor)
+    faults.push_back({"censorEvent", "this is what a column of codes holds, which is not named"});
   CheckPlot(fit.plot, kCensoredPlotKinds, faults);
   CheckTargetsApart({{"data", fit.data.file}}, {{"plot", fit.plot.file}, {"report", fit.report}}, faults);
   if (fit.rankBy && *fit.rankBy != "aic" && *fit.rankBy != "bic" && kCriteria.contains(*fit.rankBy))

@@ -10,6 +10,7 @@
 #include "host/jobs/fit_quantiles.h"
 #include "host/numeric/censored/survival_curve.h"
 #include "host/statistics/fit_intervals.h"
+#include "host/tables/text/text_options.h"
 
 namespace brenvolt {
 
@@ -42,6 +43,7 @@ struct CensoredVariable {
   std::string reading;            // of the column that says how cases are known: "0 right, 1 exact"
   std::vector<CensoredFit> fits;  // best first, those that failed last
   std::vector<SurvivalStep> curve;
+  std::vector<ReadingNote> notes;         // about the codes, with the option that says what they mean
   bool isKaplanMeier = true;              // else Turnbull's
   std::optional<FitQuantiles> quantiles;  // of the best fit
 

@@ -62,6 +62,7 @@ ReportFacts AskedOf(const CensoredFitJob& job) {
     facts.facts.emplace_back(name, value);
   };
   if (job.censor) add("Known by the column", *job.censor);
+  if (job.censorEvent) add("Events are coded", *job.censorEvent);
   if (job.censorUpper) add("Upper bounds", *job.censorUpper);
   add("Ranked by", job.fit.rankBy.value_or("aic"));
   if (!job.fit.distributions.empty()) add("Distributions", NamesText(job.fit.distributions));
@@ -76,6 +77,7 @@ ReportSection VariableSection(const CensoredFindings& found, std::size_t place) 
   const CensoredVariable& variable = found.variables[place];
   ReportSection section{variable.name};
   section.Say(CensoringText(variable) + ".");
+  for (const ReadingNote& note : variable.notes) section.Warn(kNote, note.message);
   section.Say(RankingText(variable) + ".");
   section.Show(CensoredRankingTable(variable));
   if (variable.quantiles)

@@ -155,6 +155,7 @@ std::string CommandOf(const CensoredFitJob& job) {
   AddFit(job.fit, command);
   command.AddWord("censor", job.censor);
   command.AddWord("censorUpper", job.censorUpper);
+  command.AddWord("censorEvent", job.censorEvent);
   return std::move(command).Text();
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "host/base/number_text.h"
 #include "host/jobs/base/row_sheet.h"
 
 namespace brenvolt {
@@ -21,10 +22,34 @@ void PutParameters(const std::vector<double>& values, const std::vector<double>&
   }
 }
 
+void PutInterval(const std::string& name, const ConfidenceInterval& interval, RowSheet& sheet) {
+  if (IsNotSet(interval.lower)) return;
+  sheet.Put(name + "_lower", interval.lower);
+  sheet.Put(name + "_upper", interval.upper);
+}
+
+// "quantile.0.1" with "quantile.0.1_lower" and so on; "return_level.100" and "exceedance.4.5" in the same way.
+void PutQuantiles(const FitQuantiles& found, RowSheet& sheet) {
+  const auto put = [&sheet](const std::string& name, double value, const FitQuantiles::Row& row) {
+    sheet.Put(name, value);
+    PutInterval(name, row.byCovariance, sheet);
+    PutInterval(name + "_bootstrap", row.byBootstrap, sheet);
+  };
+  for (const FitQuantiles::Row& row : found.quantiles) {
+    put(row.returnPeriod ? "return_level." + ShortestNumber(*row.returnPeriod)
+                         : "quantile." + ShortestNumber(row.probability),
+        row.value, row);
+  }
+  for (const FitQuantiles::Row& row : found.exceedances)
+    put("exceedance." + ShortestNumber(row.value), row.probability, row);
+}
+
 }  // namespace
 
-Spreadsheet FitSheet(const std::vector<FittedVariable>& variables) {
+Spreadsheet FitSheet(const std::vector<FittedVariable>& variables,
+                     const std::vector<std::optional<FitQuantiles>>& quantiles) {
   RowSheet sheet;
+  std::size_t place = 0;
   for (const FittedVariable& variable : variables) {
     double rank = 0;
     for (const FittedDistribution& fit : variable.Shown()) {
@@ -41,7 +66,10 @@ Spreadsheet FitSheet(const std::vector<FittedVariable>& variables) {
       if (fit.IsBootstrapped()) sheet.Put(fit.statistics, kBootstrap);
       sheet.Put("offset", fit.offset);
       PutParameters(fit.parameters, fit.standardErrors, sheet);
+      const bool isBest = &fit == variable.Best();
+      if (isBest && place < quantiles.size() && quantiles[place]) PutQuantiles(*quantiles[place], sheet);
     }
+    ++place;
   }
   return std::move(sheet).Made("fits");
 }
@@ -62,6 +90,7 @@ Spreadsheet CensoredSheet(const CensoredFindings& found) {
       sheet.Put(fit.Statistics(), kCurveDistance);
       sheet.Put("offset", fit.values.offset);
       PutParameters(fit.values.values, fit.standardErrors, sheet);
+      if (&fit == &variable.fits.front() && variable.quantiles) PutQuantiles(*variable.quantiles, sheet);
     }
   }
   return std::move(sheet).Made("fits");

@@ -2,8 +2,10 @@
 // identifiers of host/analysis/result_columns.h, as frames do; numbers have all their digits.
 #pragma once
 
+#include <optional>
 #include <vector>
 
+#include "host/jobs/fit_quantiles.h"
 #include "host/jobs/fit_results.h"
 #include "host/jobs/measured/capability_results.h"
 #include "host/jobs/measured/censored_results.h"
@@ -12,7 +14,9 @@
 namespace brenvolt {
 
 // The fits of each variable by rank.
-Spreadsheet FitSheet(const std::vector<FittedVariable>& variables);
+// With what was asked about quantiles (fit_quantiles.h), one entry for each variable or none at all.
+Spreadsheet FitSheet(const std::vector<FittedVariable>& variables,
+                     const std::vector<std::optional<FitQuantiles>>& quantiles = {});
 Spreadsheet CensoredSheet(const CensoredFindings& found);
 // The indices and the parts per million with their intervals.
 Spreadsheet CapabilitySheet(const CapabilityFindings& found);
