@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <regex>
 #include <set>
 #include <sstream>
 
@@ -88,6 +89,21 @@ TEST_F(Command, VersionNamesEveryLibraryThatTheHostLinks) {
     ++named;
   }
   EXPECT_GT(named, 8);
+}
+
+TEST_F(Command, TopicsNameOptionsThatThereAre) {
+  std::string helps;
+  for (const char* command : {"fit", "simulate", "score", "capability", "import"})
+    helps += MustRun({command, "--help"}).out;
+  const std::regex option("--[a-z-]+[a-z]");
+  for (const char* topic : {"files", "missing", "quantiles", "censoring", "methods"}) {
+    const std::string page = MustRun({"help", topic}).out;
+    std::size_t options = 0;
+    for (std::sregex_iterator one(page.begin(), page.end(), option), end; one != end; ++one, ++options)
+      EXPECT_TRUE(std::regex_search(helps, std::regex(one->str() + "[^a-z-]")))
+          << topic << ": " << one->str();
+    EXPECT_GT(options, 0U) << topic;
+  }
 }
 
 // Signals that systems send to end a program, while it writes a file.

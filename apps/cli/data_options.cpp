@@ -5,6 +5,7 @@
 
 #include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
+#include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
 #include "host/base/process/terminal.h"
 #include "host/base/quoted.h"
@@ -30,8 +31,12 @@ void AddFormats(CLI::App& command, const Formats& formats, const std::string& ex
           "--format",
           [&format, formats, expected](const std::string& name) {
             const auto found = formats.find(name);
-            if (found == formats.end())
-              throw WrongJob("format", "expected " + expected + ", got " + Quoted(name));
+            if (found == formats.end()) {
+              std::vector<std::string> names;
+              for (const auto& [known, ignored] : formats) names.push_back(known);
+              throw WrongJob("format",
+                             "expected " + expected + ", got " + Quoted(name) + NearestNameHint(name, names));
+            }
             format = found->second;
           },
           help)

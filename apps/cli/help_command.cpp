@@ -1,4 +1,4 @@
-// brenvolt help: what a command does, or the distributions by their names.
+// brenvolt help: what a command does, the distributions by their names, or a topic of several commands.
 #include <cstdio>
 
 #include "apps/cli/commands.h"
@@ -46,6 +46,50 @@ std::string OptionsCalled(const CLI::App& program, const std::string& word) {
   return list;
 }
 
+struct Page {
+  std::string_view topic;
+  const char* text;
+};
+
+// What no command alone explains, in short; the guides say the rest.
+constexpr Page kPages[] = {{"files", R"(Files of data
+  Read: text (.csv, .txt, .dat) in any layout and encoding, .xlsx, .ods, SPSS (.sav), Stata (.dta),
+  SAS (.xpt, .sas7bdat), .npz, JSON lines; each also packed by gzip, zstd, xz or bzip2; - is standard
+  input. A file is known by its content, not by its name.
+  Written, by the ending of -o: .csv, .npz, .xlsx, .sav, .dta.
+  How a text is laid out is found by looking, and said where it is unusual; --delimiter, --decimal,
+  --thousands, --header, --units-row, --comment, --encoding, --missing-text and --text say it instead.
+  brenvolt import FILE --preview shows what a file is read as. A project (.bvw) holds sheets with
+  their fits.
+)"},
+                           {"missing", R"(Missing values
+  Empty cells, NA and nan without quotes, and error cells of workbooks are missing; --missing-text
+  'n/a,-' adds texts of your own. Codes of SPSS, Stata and SAS are missing as the file says.
+  fit leaves out the missing value alone (--missing pairwise) or its case for all variables
+  (casewise); score treats missing values as the model says; capability leaves them out.
+)"},
+                           {"quantiles", R"(Quantiles of fits
+  fit --quantiles 0.1,0.5 gives the values that so large a part does not exceed (0.1: the B10 life),
+  --return-periods 100 the value that one in a hundred exceeds, --exceed X the probability of
+  exceeding X, of the best fit of each continuous variable. Intervals (--confidence) rest on the
+  covariance of the estimates, and with --bootstrap N on samples from the fit as well.
+)"},
+                           {"censoring", R"(Values known by bounds alone
+  fit --censor COLUMN names the column that says how each value is known: 1 or exact, 0 or right,
+  2 or left, 3 or interval, or true and false; in a column called after censoring 1 is right censored
+  and 0 exact. Where 1 is censored and 2 an event, add --censor-event 2. --censor-upper COLUMN has the
+  upper bounds of intervals. Fits are ranked by aic or bic, since tests need every value.
+)"},
+                           {"methods", R"(Methods
+  Fits are by maximum likelihood where that exists; --rank-by ranks them by ks, anderson-darling,
+  chi-square, aic and others; --bootstrap N gives p-values that allow for the estimation.
+  simulate --method draws by Monte Carlo or Latin hypercube sampling, with the rank correlations of
+  the data.
+  capability gives indices within and overall, by percentiles where values are not normal, with
+  intervals.
+  profile runs models and formulas over random predictors.
+)"}};
+
 void Explain(const CLI::App& program, const std::string& topic) {
   if (topic.empty()) {
     // Its own member would give the help of the command that was called, this one.
@@ -65,6 +109,12 @@ void Explain(const CLI::App& program, const std::string& topic) {
     Print(DistributionsText());
     return;
   }
+  for (const Page& page : kPages) {
+    topics.emplace_back(page.topic);
+    if (page.topic != topic) continue;
+    Print(page.text);
+    return;
+  }
   topics.emplace_back(kDistributionsTopic);
   std::string list;
   for (const std::string& one : topics) list += (list.empty() ? "" : ", ") + one;
@@ -79,9 +129,11 @@ void Explain(const CLI::App& program, const std::string& topic) {
 }  // namespace
 
 void AddHelpCommand(CLI::App& program) {
-  CLI::App* command = program.add_subcommand("help", "Explain a command");
+  CLI::App* command = program.add_subcommand("help", "Explain a command or a topic");
   const auto topic = std::make_shared<std::string>();
-  command->add_option("TOPIC", *topic, "A command, or distributions; default: which commands there are");
+  command->add_option("TOPIC", *topic,
+                      "A command, distributions, files, missing, quantiles, censoring or methods; default: "
+                      "which commands there are");
   command->footer("Example:\n  brenvolt help fit\n  brenvolt help distributions");
   command->callback([&program, topic] { Explain(program, *topic); });
 }

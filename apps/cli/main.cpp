@@ -104,8 +104,17 @@ std::vector<std::string> Arguments(int argc, char** argv) {
 // by its place is called so.
 std::string NearestOptionHint(const CLI::App& command, const std::string& written) {
   std::vector<std::string> known;
+  const auto add = [&known](const CLI::App& options) {
+    for (const CLI::Option* option : options.get_options()) {
+      for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
+    }
+  };
+  add(command);
+  // Groups of options are commands without a name.
+  for (const CLI::App* group : command.get_subcommands([](const CLI::App*) { return true; })) {
+    if (group->get_name().empty()) add(*group);
+  }
   for (const CLI::Option* option : command.get_options()) {
-    for (const std::string& name : option->get_lnames()) known.push_back("--" + name);
     std::string asOption = "--" + option->get_name(true);
     std::ranges::transform(asOption, asOption.begin(), [](unsigned char c) { return std::tolower(c); });
     if (option->get_positional() && asOption == written)

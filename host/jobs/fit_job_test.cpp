@@ -50,7 +50,7 @@ TEST(FitJob, EachFaultIsReportedWithItsField) {
     const char* fault;
   } cases[] = {
       {[](FitJob& job) { job.rankBy = "caic"; },
-       "rankBy: expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic'"},
+       "rankBy: expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic'; did you mean aic?"},
       {[](FitJob& job) { job.missing = ""; }, "missing: expected one of casewise, pairwise; got ''"},
       {[](FitJob& job) { job.discreteRankBy = "ks"; }, "discreteRankBy: no discrete variable is fitted"},
       {[](FitJob& job) {

@@ -2,6 +2,8 @@
 
 from __future__ import annotations
 
+import difflib
+import inspect
 import json
 import os
 from typing import Any
@@ -17,7 +19,7 @@ def options(keywords, function):
     reading = _brenvolt._Reading()
     for name, value in keywords.items():
         if name not in (*_TEXTS, *_LISTS, "header", "units_row"):
-            raise TypeError(f"{function}() got an unexpected keyword argument {name!r}")
+            raise TypeError(f"{function}() got an unexpected keyword argument {name!r}{_hint(name, function)}")
         if value is None:
             continue
         if name in _LISTS:
@@ -26,6 +28,16 @@ def options(keywords, function):
             value = _header(value)
         _arguments.set_field(reading, name, value)
     return reading
+
+
+def _hint(name, function):
+    """"; did you mean 'rank_by'?" of the keyword that is closest, if one is close."""
+    import brenvolt
+
+    called = getattr(brenvolt, function, None) or getattr(brenvolt.Application, function, None)
+    known = list(inspect.signature(called).parameters) if called is not None else []
+    near = difflib.get_close_matches(name, [*known, *_TEXTS, *_LISTS, "header", "units_row"], 1, 0.75)
+    return f"; did you mean {near[0]!r}?" if near else ""
 
 
 def _header(value):

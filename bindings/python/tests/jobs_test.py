@@ -283,7 +283,7 @@ class Fits(Folder):
         cases = [({"distributions": "weibul"}, ValueError, r"no distribution called 'weibul'; did you mean weibull\? The distributions are normal"),
                  ({"continuous": "x", "discrete": "x"}, ValueError, "as continuous and as discrete"),
                  ({"rank_by": "caic"}, ValueError,
-                  r"expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic' \(rank_by\)$"),
+                  r"expected one of aic, anderson-darling, bic, chi-square, ks; got 'caic'; did you mean aic\? \(rank_by\)$"),
                  ({"rank_by": "caic", "binning": "x", "save": "p.csv"}, ValueError,
                   r"\(rank_by\)\n.*\(binning\)\n.*ending in .bvw, got p.csv \(save\)$"),
                  ({"continuous": "z"}, ValueError, "no variable called 'z'"),

@@ -409,6 +409,9 @@ class SameCalls(unittest.TestCase):
         self.assertEqual(brenvolt.open_workbook("bare.csv", header=2).sheet().names, ["2.5", "3"])
         with self.assertRaisesRegex(TypeError, "unexpected keyword argument 'delimeter'"):
             brenvolt.fit("bare.csv", delimeter=";")
+        for wrong, right in (("delimeter", "delimiter"), ("rankby", "rank_by"), ("quantile", "quantiles")):
+            with self.subTest(wrong), self.assertRaisesRegex(TypeError, f"; did you mean {right!r}\\?$"):
+                brenvolt.fit("bare.csv", **{wrong: ";"})
         with self.assertRaisesRegex(ValueError, "delimiter has no effect: data is a dict"):
             brenvolt.fit({"x": [1.0, 2.0]}, delimiter=";")
 

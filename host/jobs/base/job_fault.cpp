@@ -5,6 +5,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "host/base/nearest_name.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
 
@@ -48,8 +49,13 @@ void Append(JobFaults more, JobFaults& faults) {
 void CheckWord(std::string_view field, const std::string& word, const Choices& choices, JobFaults& faults) {
   if (choices.contains(word)) return;
   std::string words;
-  for (const auto& [choice, member] : choices) words += (words.empty() ? "" : ", ") + choice;
-  faults.push_back({std::string(field), "expected one of " + words + "; got " + Quoted(word)});
+  std::vector<std::string> names;
+  for (const auto& [choice, member] : choices) {
+    words += (words.empty() ? "" : ", ") + choice;
+    names.push_back(choice);
+  }
+  faults.push_back({std::string(field),
+                    "expected one of " + words + "; got " + Quoted(word) + NearestNameHint(word, names)});
 }
 
 void CheckWholeNumber(std::string_view field, double value, double fewest, double most, JobFaults& faults,
