@@ -12,14 +12,6 @@ namespace {
 
 constexpr std::size_t kJudgedRows = 300;
 
-// The beginning of a text, ending with a line if there is one.
-std::string_view SampleOf(std::string_view text) {
-  if (text.size() <= kSampleBytes) return text;
-  const std::string_view sample = text.substr(0, kSampleBytes);
-  const std::size_t end = sample.rfind('\n');
-  return end == std::string_view::npos ? sample : sample.substr(0, end + 1);
-}
-
 std::size_t MostFrequentWidth(const std::vector<SampleRow>& rows) {
   std::map<std::size_t, std::size_t> counts;
   for (const SampleRow& row : rows) ++counts[row.cells.size()];
@@ -366,6 +358,13 @@ void Detector::DoubtZeros(const HeaderFound& header) {
 }
 
 }  // namespace
+
+std::string_view SampleOf(std::string_view text) {
+  if (text.size() <= kSampleBytes) return text;
+  const std::string_view sample = text.substr(0, kSampleBytes);
+  const std::size_t end = sample.rfind('\n');
+  return end == std::string_view::npos ? sample : sample.substr(0, end + 1);
+}
 
 DetectedLayout DetectLayout(std::string_view text, const TextOptions& options) {
   return Detector(text, options).Detect();

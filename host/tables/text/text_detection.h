@@ -12,6 +12,8 @@
 namespace brenvolt {
 
 inline constexpr std::size_t kSampleBytes = std::size_t{1} << 16;
+// The beginning of a text, ending with a line if there is one.
+std::string_view SampleOf(std::string_view text);
 
 struct DetectedEncoding {
   std::string name = "UTF-8";

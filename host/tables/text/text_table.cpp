@@ -9,6 +9,7 @@
 #include "host/base/text_encoding.h"
 #include "host/base/utf8.h"
 #include "host/tables/csv_reader.h"
+#include "host/tables/text/single_quotes.h"
 #include "host/tables/text/text_detection.h"
 #include "host/tables/text/text_sample.h"
 
@@ -222,6 +223,11 @@ void ReadLines(std::string_view text, const std::string& name, const std::string
     std::ranges::replace(lines, '\r', '\n');
     text = lines;
     readAs.emplace_back("returns alone at the ends of lines");
+  }
+  if (const auto separator = SeparatorOfSingleQuotes(SampleOf(text))) {
+    lines = WithDoubleQuotes(text, *separator);
+    text = lines;
+    readAs.emplace_back("fields in single quotes");
   }
   try {
     TextReader(text, name, where, options).Read(std::move(readAs), read);

@@ -155,5 +155,12 @@ case("given_header.csv", "junk,junk\nx,y\n1,2\n", {"x": 1, "y": 2}, rows=1, opti
 case("given_no_header.csv", "1,2\n3,4\n", {"Var1": 1, "Var2": 2}, rows=2, options={"header": "no"})
 case("given_text.csv", "id,x\n007,1\n008,2\n", {"id": "007", "x": 1}, rows=2, options={"text": ["id"]})
 
+SINGLE = "fields in single quotes"
+case("single_quotes.csv", "'city','x, mm',n\n'Paris, \"F\"','2.5',1\n'O''Fallon, US',3.5,2\n", {"city": 'Paris, "F"', "x, mm": 2.5, "n": 1},
+     SINGLE, rows=2)
+case("single_quotes_comma.csv", "ort;'x;y'\r\n'Köln; alt';1,5\r\nBonn;2,5\r\n", {"ort": "Köln; alt", "x;y": 1.5},
+     SINGLE + ", " + SEMI + " and " + COMMAS, rows=2)
+case("apostrophes.csv", "name,x\n't Hooft,1\n'Abd al-Malik',2\nrock 'n' roll,3\n", {"name": "'t Hooft", "x": 1}, rows=3)
+
 (FOLDER / "expected.json").write_text(json.dumps(CASES, ensure_ascii=False, indent=1) + "\n", encoding="utf-8")
 print(len(CASES), "files")
