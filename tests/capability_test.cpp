@@ -59,7 +59,7 @@ TEST_F(CapabilityCommand, GroupsByColumnAsBySize) {
   EXPECT_EQ(gaps["subgroups"]["count"], 2);
   EXPECT_EQ(gaps["stability"]["location"]["names"], (nlohmann::json{"a", "c"}));
   EXPECT_NEAR(gaps["deviations"]["pooled"]["value"], std::sqrt((2 + 38.0 / 3) / 4), 1e-12);
-  EXPECT_EQ(gaps["notes"].size(), 2U);
+  EXPECT_EQ(gaps["notes"].size(), 3U);
 }
 
 TEST_F(CapabilityCommand, WarnsBeforeAnyIndexThatTheProcessIsNotStable) {
@@ -123,6 +123,23 @@ TEST_F(CapabilityCommand, SaysWhichTestsRefuseThePercentiles) {
   EXPECT_EQ(normal["notes"].dump().find("read the indices"), std::string::npos) << normal["notes"];
   const auto byAic = Report({"capability", "d.csv", "--spec", "y=0,,30", "--rank-by", "aic"});
   EXPECT_EQ(byAic["percentiles"]["distribution"].get<std::string>().substr(0, 15), "gaussianmixture");
+}
+
+TEST_F(CapabilityCommand, SaysThatFewPartsTellLittle) {
+  for (const auto& [parts, isSaid] : {std::pair(49, true), {50, false}}) {
+    std::string text = "y\n";
+    for (int i = 0; i < parts; ++i) text += std::to_string(10 + i * 37 % parts) + "\n";
+    Write("d.csv", text);
+    const auto report = Report({"capability", "d.csv", "--spec", "y=0,,90"});
+    EXPECT_EQ(report["notes"].dump().find("49 parts are few: read the intervals. Only from 50 parts on") !=
+                  std::string::npos,
+              isSaid)
+        << report["notes"];
+    // What the number rests on.
+    const auto& pp = report["indices"]["pp"];
+    EXPECT_NEAR(pp["lower"].get<double>() / pp["value"].get<double>(), 0.8, 0.005);
+    EXPECT_NEAR(pp["upper"].get<double>() / pp["value"].get<double>(), 1.2, 0.005);
+  }
 }
 
 TEST_F(CapabilityCommand, RefusesWhatHasNoCapability) {

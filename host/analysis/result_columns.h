@@ -197,13 +197,13 @@ inline constexpr ResultColumn kPpmObserved[] = {
     {"ppm_observed_above", "/ppm/observed/above", 0, kPartsPerMillion},
     {"ppm_observed_total", "/ppm/observed/total", 0, kPartsPerMillion}};
 inline constexpr ResultColumn kPpmWithin[] = {
-    {"ppm_expectedWithin_below", "/ppm/expectedWithin/below", 0, kPartsPerMillion},
-    {"ppm_expectedWithin_above", "/ppm/expectedWithin/above", 0, kPartsPerMillion},
-    {"ppm_expectedWithin_total", "/ppm/expectedWithin/total", 0, kPartsPerMillion}};
+    {"ppm_expected_within_below", "/ppm/expectedWithin/below", 0, kPartsPerMillion},
+    {"ppm_expected_within_above", "/ppm/expectedWithin/above", 0, kPartsPerMillion},
+    {"ppm_expected_within_total", "/ppm/expectedWithin/total", 0, kPartsPerMillion}};
 inline constexpr ResultColumn kPpmOverall[] = {
-    {"ppm_expectedOverall_below", "/ppm/expectedOverall/below", 0, kPartsPerMillion},
-    {"ppm_expectedOverall_above", "/ppm/expectedOverall/above", 0, kPartsPerMillion},
-    {"ppm_expectedOverall_total", "/ppm/expectedOverall/total", 0, kPartsPerMillion}};
+    {"ppm_expected_overall_below", "/ppm/expectedOverall/below", 0, kPartsPerMillion},
+    {"ppm_expected_overall_above", "/ppm/expectedOverall/above", 0, kPartsPerMillion},
+    {"ppm_expected_overall_total", "/ppm/expectedOverall/total", 0, kPartsPerMillion}};
 
 }  // namespace result_columns
 

@@ -286,6 +286,19 @@ void JudgeNormal(bool isRejected, const CapabilityJob& job, CapabilityFindings& 
         "the bootstrap gives no intervals to figures of a normal process, which have them");
 }
 
+// From so many parts on, the interval of Pp at 95 % lies within a fifth of it: the roots of the quantiles of chi-square over its
+// degrees of freedom (Kushler & Hurley 1992, Confidence bounds for capability indices) are 0.80 and 1.20.
+constexpr std::size_t kEnoughParts = 50;
+
+void JudgeCount(CapabilityFindings& found) {
+  const std::size_t count = found.values.size();
+  if (count >= kEnoughParts) return;
+  found.notes.push_back(std::to_string(count) + " parts are few: read the intervals. Only from " +
+                        std::to_string(kEnoughParts) +
+                        " parts on does that of Pp at 95 % reach no further than a fifth of it to either "
+                        "side");
+}
+
 void JudgeDistribution(const CapabilityJob& job, CapabilityFindings& found) {
   const std::optional<std::string>& named = job.distribution;
   found.normality = TestNormality(found.values);
@@ -394,6 +407,7 @@ CapabilityFindings CapabilityJob::Analyse(const Spreadsheet& sheet) const {
   sample.within = chosen.deviation;
   sample.withinDegrees = chosen.degrees;
   found.report = *AnalyseCapability(found.values, sample, found.limits, found.confidence);
+  JudgeCount(found);
   JudgeDistribution(*this, found);
   return found;
 }
