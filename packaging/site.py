@@ -157,7 +157,10 @@ def build(site, pages):
 def main(arguments):
     if arguments == ["--check"]:
         faults = [f"docs/README.md does not name {page}, so the site leaves it out" for page in missing_pages()]
-    elif len(arguments) in (1, 2):
+    elif len(arguments) in (1, 2) and not arguments[0].startswith("-"):
+        if len(arguments) == 2 and not os.path.isdir(arguments[1]):
+            print(f"site.py: no folder {arguments[1]}; cmake --build build --target pages makes it", file=sys.stderr)
+            return 2
         faults = build(arguments[0], arguments[1] if len(arguments) == 2 else None)
     else:
         print(__doc__, file=sys.stderr)
