@@ -19,7 +19,7 @@ HEAD = """# Intervals of quantiles by the profile likelihood
 
 How often 95 % intervals of quantiles of General Extreme Value by the profile likelihood hold the true quantile.
 `bench/quantile_profiles.py` prints this page by SciPy alone: {samples} samples of each kind; the standard error of a share
-is 0.7 %. Brenvolt does not compute these intervals; those that it has are [here](quantile-intervals.md).
+is 0.7 %. Those that Brenvolt computes are [here](quantile-intervals.md).
 
 | shape | values | quantile | by profile likelihood |
 |---|---|---|---|"""

@@ -4,6 +4,7 @@
 #include <array>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "host/tables/csv.h"
 #include "tests/run_program.h"
@@ -159,6 +160,50 @@ TEST_F(LifeData, AColumnCalledStatusBringsAHint) {
             "");
   Write("d.csv", "t,statusx\n1,1\n2,7\n3,1\n4,0\n");
   EXPECT_EQ(Run({"fit", "d.csv", "--continuous", "t", "--distributions", "normal"}).err, "");
+}
+
+// Over the values that the fit took: selected cases, as often as they count, and complete ones if cases are left out as a whole.
+TEST_F(LifeData, ProfileLikelihoodIsThatOfTheValuesThatWereFitted) {
+  const std::string values = "2.1 3.7 5.2 1.4 6.8 4.4 2.9 3.3";
+  std::string plain = "x\n";
+  std::string weighted = "x,n,y\n";
+  std::istringstream words(values);
+  for (std::string one; words >> one;) {
+    plain += one + "\n" + one + "\n";
+    weighted += one + ",2,1\n" + one + "9,3,\n99,5,3\n";
+  }
+  Write("plain.csv", plain);
+  Write("weighted.csv", weighted);
+  const auto intervals = [&](const std::vector<std::string>& more) {
+    std::vector<std::string> call{"fit",         more.front(), "--distributions", "weibull",
+                                  "--quantiles", "0.1",        "--exceed",        "6",
+                                  "--intervals", "profile"};
+    call.insert(call.end(), more.begin() + 1, more.end());
+    const auto found = Report(call)["variables"][0]["quantiles"];
+    const auto& row = found["quantiles"][0];
+    EXPECT_LT(row["byProfile"]["lower"], row["value"]);
+    EXPECT_GT(row["byProfile"]["upper"], row["value"]);
+    return row["byProfile"].dump() + found["exceedances"][0]["byProfile"].dump();
+  };
+  const std::string expected = intervals({"plain.csv"});
+  EXPECT_EQ(intervals({"weighted.csv", "--continuous", "x,y", "--weights", "n", "--select", "x < 50",
+                       "--missing", "casewise"}),
+            expected);
+  // The same values and the one way to say that all of them are exact.
+  std::string coded = "x,status\n";
+  std::istringstream lines(plain.substr(2));
+  for (std::string one; lines >> one;) coded += one + ",1\n";
+  Write("coded.csv", coded);
+  const auto asLife = Report({"fit", "coded.csv", "--continuous", "x", "--censor", "status",
+                              "--distributions", "weibull", "--quantiles", "0.1", "--intervals", "profile"});
+  const auto asValues = Report(
+      {"fit", "plain.csv", "--distributions", "weibull", "--quantiles", "0.1", "--intervals", "profile"});
+  for (const char* end : {"lower", "upper"}) {
+    const auto of = [end](const nlohmann::json& report) {
+      return report["variables"][0]["quantiles"]["quantiles"][0]["byProfile"][end].get<double>();
+    };
+    EXPECT_NEAR(of(asLife), of(asValues), 1e-7) << end;
+  }
 }
 
 TEST_F(LifeData, QuantilesStandInRowsOfTheirFits) {

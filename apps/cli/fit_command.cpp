@@ -126,13 +126,13 @@ void Fit(const FitCall& call) {
     terminal.LeaveReasonsToTable();
   }
   if (call.format == ReportFormat::kCsv) {
-    PrintCsv(FitSheet(variables, AllQuantiles(job, variables)), job.data);
+    PrintCsv(FitSheet(variables, AllQuantiles(job, variables, *run.sheet)), job.data);
     recording.Commit();
     return;
   }
   ReportFit(variables, *run.sheet,
             {job.RankedBy(true), job.RankedBy(false), AsInteger(job.bootstrap.value_or(0)), call.format,
-             AllQuantiles(job, variables)});
+             AllQuantiles(job, variables, *run.sheet)});
   if (!job.save.empty() && !json) {
     std::printf("\nFits saved in %s\n", VisibleLine(job.save.string()).c_str());
   }
@@ -227,6 +227,10 @@ void AddQuantileOptions(CLI::App& command, FitJob& job) {
   AddNumbers(command, "--exceed", "exceed", job.exceed, "Probabilities of exceeding values, in the same way");
   AddNumbers(command, "--return-periods", "returnPeriods", job.returnPeriods,
              "Return levels: 100 is the value that one in a hundred exceeds");
+  AddChoice(
+      command, "--intervals", job.intervals, kIntervals,
+      "By what these have intervals: the covariance of the fit, or its profile likelihood as well, which "
+      "holds for small samples and far tails; default covariance");
   AddNumber(command, "--confidence", "confidence", job.confidence, "NUMBER",
             "Of these intervals, between 0 and 1; default " + ShortestNumber(FitJob::kUsualConfidence));
 }

@@ -72,7 +72,8 @@ constexpr Page kPages[] = {{"files", R"(Files of data
   fit --quantiles 0.1,0.5 gives the values that so large a part does not exceed (0.1: the B10 life),
   --return-periods 100 the value that one in a hundred exceeds, --exceed X the probability of
   exceeding X, of the best fit of each continuous variable. Intervals (--confidence) rest on the
-  covariance of the estimates, and with --bootstrap N on samples from the fit as well.
+  covariance of the estimates, with --intervals profile on the profile likelihood as well, and with
+  --bootstrap N on samples from the fit.
 )"},
                            {"censoring", R"(Values known by bounds alone
   fit --censor COLUMN names the column that says how each value is known: 1 or exact, 0 or right,

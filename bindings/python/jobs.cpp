@@ -183,7 +183,8 @@ py::tuple Fit(const FitJob& job, const Sheet& sheet, bool isLent) {
     names = job.Run(InputOf(sheet, isLent, analysis), TheJob());
     fitted = ReadFitResults(*analysis->Session().Dialog(),
                             job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut, job.Top());
-    for (const auto& one : AllQuantiles(job, fitted)) quantiles.push_back(JsonText(QuantilesJson(one)));
+    for (const auto& one : AllQuantiles(job, fitted, analysis->Input()->Sheet()))
+      quantiles.push_back(JsonText(QuantilesJson(one)));
   });
   return py::make_tuple(analysis, names, FitDicts(fitted), quantiles);
 }
@@ -453,6 +454,7 @@ void BindFitJob(py::module_& module) {
       .def_readwrite("quantiles", &FitJob::quantiles)
       .def_readwrite("exceed", &FitJob::exceed)
       .def_readwrite("return_periods", &FitJob::returnPeriods)
+      .def_readwrite("intervals", &FitJob::intervals)
       .def_readwrite("confidence", &FitJob::confidence)
       .def_readwrite("top", &FitJob::top)
       .def_readwrite("weights", &FitJob::weights)

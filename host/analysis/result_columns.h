@@ -158,7 +158,8 @@ inline constexpr ResultColumn kObserved[] = {
 inline constexpr ResultColumn kReadOff[] = {
     {"probability", "/probability", 0},          {"value", "/value", 0},
     {"return_period", "/returnPeriod", 0},       {"lower", "/byCovariance/lower", 0},
-    {"upper", "/byCovariance/upper", 0},         {"bootstrap_lower", "/byBootstrap/lower", 0},
+    {"upper", "/byCovariance/upper", 0},         {"profile_lower", "/byProfile/lower", 0},
+    {"profile_upper", "/byProfile/upper", 0},    {"bootstrap_lower", "/byBootstrap/lower", 0},
     {"bootstrap_upper", "/byBootstrap/upper", 0}};
 inline constexpr ResultColumn kCensoredSearch[] = {{"iterations", "/iterations", 0, kCount},
                                                    {"gradient", "/gradient", 0}};

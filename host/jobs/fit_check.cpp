@@ -174,8 +174,12 @@ class FitCheck {
     RequireFitted("exceed", !job_.exceed.empty(), true);
     RequireFitted("returnPeriods", !job_.returnPeriods.empty(), true);
     const bool isDrawn = job_.plot.IsAsked() && job_.plot.Kind() == kReturnLevels;
-    if (job_.confidence && !job_.AsksForQuantiles() && !isDrawn)
-      Add("confidence", "no quantile is asked for, and no probability or return level");
+    if (job_.intervals) CheckWord("intervals", *job_.intervals, kIntervals, faults_);
+    for (const auto& [field, isGiven] :
+         {std::pair("confidence", job_.confidence.has_value()), {"intervals", job_.intervals.has_value()}}) {
+      if (isGiven && !job_.AsksForQuantiles() && !isDrawn)
+        Add(field, "no quantile is asked for, and no probability or return level");
+    }
   }
 
   void Saving() {
@@ -242,6 +246,8 @@ void CheckFitted(std::string_view field, const Entries& entries, const Names& na
 }
 
 }  // namespace
+
+const Choices kIntervals{{"covariance", "covariance"}, {"profile", "profile"}};
 
 void CheckBootstrap(const std::optional<double>& samples, const std::optional<double>& seed,
                     JobFaults& faults) {

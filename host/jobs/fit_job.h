@@ -77,13 +77,14 @@ struct FitJob {
   std::vector<double> quantiles;
   std::vector<double> exceed;
   std::vector<double> returnPeriods;
-  std::optional<double> confidence;  // of the intervals, between 0 and 1; without, 0.95
-  std::optional<double> top;         // fits of each variable that are reported, the best; without, all
-  std::filesystem::path save;        // empty: the fits are not saved
-  std::vector<Truncation> truncate;  // saved with the fits, as is the order
-  std::vector<Order> order;          // without, all valid fits by their ranks
-  std::filesystem::path graphs;      // empty: none are written
-  std::filesystem::path report;      // empty: none is written; front ends do it (host/jobs/reports)
+  std::optional<std::string> intervals;  // by what besides the bootstrap; without a word, covariance
+  std::optional<double> confidence;      // of the intervals, between 0 and 1; without, 0.95
+  std::optional<double> top;             // fits of each variable that are reported, the best; without, all
+  std::filesystem::path save;            // empty: the fits are not saved
+  std::vector<Truncation> truncate;      // saved with the fits, as is the order
+  std::vector<Order> order;              // without, all valid fits by their ranks
+  std::filesystem::path graphs;          // empty: none are written
+  std::filesystem::path report;          // empty: none is written; front ends do it (host/jobs/reports)
   Plot plot;
 
   std::string RankedBy(bool continuous) const {
@@ -91,6 +92,7 @@ struct FitJob {
   }
   bool AsksForQuantiles() const { return !quantiles.empty() || !exceed.empty() || !returnPeriods.empty(); }
   std::size_t Top() const;
+  bool IsByProfile() const { return intervals == "profile"; }
   double IntervalConfidence() const { return confidence.value_or(kUsualConfidence); }
   // Whether the distribution is tried, if it applies to a variable.
   bool Tries(const NamedDistribution& distribution) const;
@@ -126,6 +128,9 @@ struct FitJob {
   Former TakeFormer(const JobInput& input, JobRecorder& recorder) const;
   std::vector<std::string> Fit(AnalysisSession& session, const Spreadsheet& sheet) const;
 };
+
+// The words for the intervals of quantiles.
+extern const Choices kIntervals;
 
 // The fields bootstrap and bootstrapSeed of a job that fits.
 void CheckBootstrap(const std::optional<double>& samples, const std::optional<double>& seed,

@@ -20,10 +20,12 @@ struct FitQuantiles {
     double value;
     std::optional<double> returnPeriod = {};  // of a return level, which is a quantile
     ConfidenceInterval byCovariance = {};     // of what is estimated; not set where there is none
+    ConfidenceInterval byProfile = {};
     ConfidenceInterval byBootstrap = {};
   };
   std::string distribution;
   double confidence = 0;
+  bool isProfiled = false;  // whether intervals by the profile likelihood were asked for
   std::size_t samples = 0;  // of the bootstrap, those that could be fitted
   std::vector<Row> quantiles = {};
   std::vector<Row> exceedances = {};
@@ -36,16 +38,19 @@ FittedValues ValuesOf(const FittedDistribution& fit);
 FitBootstrap BootstrapOf(const FittedValues& fit, std::size_t count, double samples,
                          const RandomStream& stream, bool isByPercentiles);
 
-// What the job asks for about a fit. `bootstrap` may be null.
+// The likelihood over the values that were fitted, where the job asks for intervals by it; empty otherwise. An interruption ends
+// what reads it.
+LogLikelihood LikelihoodFor(const FitJob& job, const std::vector<double>& sorted);
+LogLikelihood LikelihoodFor(const FitJob& job, const CensoredSample& sample);
+// What the job asks for about a fit. The likelihood is empty where no intervals by its profile are asked for; `bootstrap` may be
+// null.
 FitQuantiles ReadOff(const FitJob& job, const std::string& name, const FittedValues& fit,
-                     const FitBootstrap* bootstrap);
-// What the job asks for about a variable, the one of that number among the results, from 1. The variable was read with its
-// covariances. Nothing if nothing is asked, or if no fit is valid.
-std::optional<FitQuantiles> QuantilesOf(const FitJob& job, const FittedVariable& variable,
-                                        std::size_t number);
-// The same for all variables that the results show.
+                     const LogLikelihood& likelihood, const FitBootstrap* bootstrap);
+// What the job asks for about all variables that the results show, which were read with their covariances; nothing of one where
+// nothing is asked, or no fit is valid. The sheet is the one that was fitted.
 std::vector<std::optional<FitQuantiles>> AllQuantiles(const FitJob& job,
-                                                      const std::vector<FittedVariable>& variables);
+                                                      const std::vector<FittedVariable>& variables,
+                                                      const Spreadsheet& sheet);
 
 // The return levels of each variable that the open dialog shows, over the reduced variate -ln(-ln p), with the values at
 // their plotting positions.

@@ -3,18 +3,32 @@
 #include <algorithm>
 #include <cmath>
 #include <functional>
+#include <limits>
 #include <utility>
 
 #include "host/base/parallel.h"
+#include "host/numeric/censored/censored_likelihood.h"
 #include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/distributions/normal.h"
 #include "host/statistics/moments.h"
+#include "host/statistics/profile_likelihood.h"
 
 namespace brenvolt {
 namespace {
 
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
 AnyDistribution DistributionOf(const FittedValues& fit) {
   return {fit.code, fit.values, fit.offset};
+}
+
+// Whether a fit may be judged by its likelihood. Below a shape of -1 the likelihood grows without bound as the end of the distribution nears the greatest value.
+bool HasLikelihood(const FittedValues& fit) {
+  constexpr double kLeastShape = -1;
+  const bool isBounded = fit.code == DistributionCode::kGeneralExtremeValue ? fit.values[2] > kLeastShape
+                         : fit.code == DistributionCode::kGeneralPareto     ? fit.values[1] > kLeastShape
+                                                                            : true;
+  return isBounded && DistributionOf(fit).IsValid();
 }
 
 // A scale of estimates, and the way back.
@@ -92,6 +106,14 @@ Estimand ExceedanceOf(double x) {
           [](double logit) { return 1 / (1 + std::exp(-logit)); }};
 }
 
+ConfidenceInterval IntervalByProfile(const FittedValues& fit, const LogLikelihood& likelihood,
+                                     const Estimand& estimand, double confidence) {
+  if (!std::isfinite(estimand.scaled(fit))) return {};
+  const ConfidenceInterval found = ProfileInterval(fit, likelihood, estimand.scaled, confidence);
+  if (IsNotSet(found.lower)) return {};
+  return {estimand.back(found.lower), estimand.back(found.upper)};
+}
+
 ConfidenceInterval DeltaInterval(const FittedValues& fit, const Estimand& estimand, double confidence) {
   const double estimate = estimand.scaled(fit);
   const auto error = StandardError(fit, estimand.scaled);
@@ -141,6 +163,21 @@ ConfidenceInterval PercentileInterval(std::vector<double> values, double confide
   return {values[place - 1], values[values.size() - place]};
 }
 
+LogLikelihood LikelihoodOf(std::vector<double> sorted, EstimationPoll poll) {
+  return [sorted = std::move(sorted), poll = std::move(poll)](const FittedValues& fit) {
+    poll();
+    return HasLikelihood(fit) ? DistributionOf(fit).LogLikelihood(sorted) : -kInfinity;
+  };
+}
+
+LogLikelihood LikelihoodOf(CensoredSample sample, EstimationPoll poll) {
+  return [sample = std::move(sample), poll = std::move(poll)](const FittedValues& fit) {
+    poll();
+    return HasLikelihood(fit) ? CensoredLogLikelihood(fit.code, fit.values, sample, fit.offset).value
+                              : -kInfinity;
+  };
+}
+
 std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double> sample, double offset,
                                       const EstimationChoices& choices, const EstimationPoll& poll) {
   std::ranges::sort(sample);
@@ -166,6 +203,16 @@ ConfidenceInterval QuantileInterval(const FittedValues& fit, double p, double co
 
 ConfidenceInterval ExceedanceInterval(const FittedValues& fit, double x, double confidence) {
   return DeltaInterval(fit, ExceedanceOf(x), confidence);
+}
+
+ConfidenceInterval ProfileQuantileInterval(const FittedValues& fit, const LogLikelihood& likelihood, double p,
+                                           double confidence) {
+  return IntervalByProfile(fit, likelihood, QuantileOf(fit, p), confidence);
+}
+
+ConfidenceInterval ProfileExceedanceInterval(const FittedValues& fit, const LogLikelihood& likelihood,
+                                             double x, double confidence) {
+  return IntervalByProfile(fit, likelihood, ExceedanceOf(x), confidence);
 }
 
 FitBootstrap::FitBootstrap(const FittedValues& fit, std::size_t count, std::size_t samples,

@@ -3,9 +3,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
+#include "host/numeric/censored/censored_sample.h"
 #include "host/numeric/distributions/common/distribution_facts.h"
 #include "host/numeric/estimation/distribution_estimate.h"
 #include "host/numeric/random/random_stream.h"
@@ -34,6 +36,13 @@ struct EstimationChoices {
 std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double> sample, double offset,
                                       const EstimationChoices& choices, const EstimationPoll& poll);
 
+// The log-likelihood of a fit's values over the sample that was fitted; -infinity where they cannot have given it.
+using LogLikelihood = std::function<double(const FittedValues&)>;
+// Of a sample of values that are all known, sorted. `poll` is called at every look and may throw to end the work.
+LogLikelihood LikelihoodOf(std::vector<double> sorted, EstimationPoll poll);
+// The same of censored values, for the distributions that can be fitted to them.
+LogLikelihood LikelihoodOf(CensoredSample sample, EstimationPoll poll);
+
 // By the delta method (Meeker & Escobar 1998, Statistical Methods for Reliability Data, sections 8.4 and B.2): the
 // estimate is taken for normal on a scale on which it is nearly so, with the variance g' C g of the gradient g by the values.
 // The scale of a quantile is the logarithm of its distance from where the distribution begins; without a beginning, the
@@ -42,6 +51,12 @@ std::optional<FittedValues> FitSample(DistributionCode code, std::vector<double>
 // Not set without a covariance, for a variance that is not finite, and for probabilities of 0 and 1.
 ConfidenceInterval QuantileInterval(const FittedValues& fit, double p, double confidence);
 ConfidenceInterval ExceedanceInterval(const FittedValues& fit, double x, double confidence);
+
+// The same by the profile likelihood (profile_likelihood.h), which needs no scale. Likelihoods of some thousand fits are taken.
+ConfidenceInterval ProfileQuantileInterval(const FittedValues& fit, const LogLikelihood& likelihood, double p,
+                                           double confidence);
+ConfidenceInterval ProfileExceedanceInterval(const FittedValues& fit, const LogLikelihood& likelihood,
+                                             double x, double confidence);
 
 // Between the order statistics that leave (1 - confidence) / 2 of the values on either side: the percentile interval of what
 // bootstrapped fits give. Not set where the values are too few for that.

@@ -35,8 +35,8 @@ TEST(FitIntervalsReference, AgreeWithTheTable) {
 }
 
 // Coles (2001), An Introduction to Statistical Modeling of Extreme Values, section 3.4.1: return levels of 10 and 100 years
-// of 4.30 and 4.69 m. The profile likelihood has the latter between 4.50 and 5.27, of which the symmetric interval, 4.38 to
-// 4.99, knows nothing.
+// of 4.30 and 4.69 m. The symmetric interval of the latter is 4.38 to 4.99; that by the profile likelihood
+// stands with its test.
 TEST(FitIntervals, AgreeWithThePublishedReturnLevels) {
   const Spreadsheet levels = ReadCsv(BRENVOLT_SOURCE_DIR "/examples/portpirie_sea_level.csv");
   const auto values = levels.VariableAt(0).Values();

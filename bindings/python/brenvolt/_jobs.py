@@ -192,7 +192,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
         trials: Mapping[str, int] | None = None, johnson_percentiles: bool = False,
         bootstrap: int | None = None, bootstrap_seed: int | None = None,
         quantiles: float | Iterable[float] | None = None, exceed: float | Iterable[float] | None = None,
-        return_periods: float | Iterable[float] | None = None, confidence: float | None = None, top: int | None = None,
+        return_periods: float | Iterable[float] | None = None, intervals: str | None = None,
+        confidence: float | None = None, top: int | None = None,
         censor: str | None = None, censor_upper: str | None = None, censor_event: str | float | None = None,
         sheet: str | None = None, save: str | os.PathLike | None = None, graphs: str | os.PathLike | None = None,
         plot: str | os.PathLike | None = None, plot_kind: str | None = None, plot_theme: str | None = None,
@@ -220,7 +221,8 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
     where its random numbers start, 1 without.
     quantiles, exceed, return_periods: what to read off the best fit of each continuous variable, with intervals by its
     covariance and, with bootstrap, by that: quantiles of probabilities, probabilities of exceeding values, return levels;
-    see FittedVariable.quantiles. confidence: of the intervals, 0.95 without.
+    see FittedVariable.quantiles. intervals: "covariance" (as without) or "profile", which adds those by the profile
+    likelihood; they hold for small samples and far tails. confidence: of the intervals, 0.95 without.
     censor: the column that says how each value is known: 1 or "exact", 0 or "right" (censored), 2 or "left", 3 or "interval"; in a
     column called after censoring, 1 is right censored and 0 exact. censor_event: what it holds where a value is exact, as 2
     where 1 is censored; all others are then right censored. censor_upper: the column of upper bounds, of which the
@@ -253,7 +255,7 @@ def fit(data: Any, continuous: Names = None, discrete: Names = None, distributio
                trials=_counts(trials, "trials", "{variable: trials}"), johnson_percentiles=johnson_percentiles,
                bootstrap=bootstrap, bootstrap_seed=bootstrap_seed, quantiles=_numbers(quantiles, "quantiles"),
                exceed=_numbers(exceed, "exceed"), return_periods=_numbers(return_periods, "return_periods"),
-               confidence=confidence, top=top, weights=weights, select=select, save=save,
+               intervals=intervals, confidence=confidence, top=top, weights=weights, select=select, save=save,
                graphs=graphs, plot=plot, plot_kind=plot_kind, plot_theme=plot_theme, plot_width=plot_width,
                plot_band=plot_band, report=report, yes=yes, decimal_comma=decimal_comma,
                reading=_reading.options(reading, "fit"))
@@ -422,7 +424,8 @@ class FittedVariable:
     @property
     def quantiles(self) -> pandas.DataFrame | None:
         """A DataFrame of the quantiles and return levels that fit() was asked for, with their intervals by the covariance of
-        the best fit (lower, upper) and by bootstrap (bootstrap_lower, bootstrap_upper); None if none were."""
+        the best fit (lower, upper), by its profile likelihood (profile_lower, profile_upper) and by bootstrap
+        (bootstrap_lower, bootstrap_upper); None if none were."""
         return _read_off(self._quantiles, "quantiles")
 
     @property

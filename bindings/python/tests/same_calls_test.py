@@ -79,6 +79,7 @@ REFUSED_FITS = (
     ({"bootstrap_seed": 3}, "a seed has no effect without a bootstrap (bootstrap_seed)"),
     ({"bootstrap": 9, "bootstrap_seed": -1}, "from 0 to 2147483647, got -1 (bootstrap_seed)"),
     ({"quantiles": [0.5, 1]}, "expected a probability between 0 and 1, got 1 (quantiles)"),
+    ({"intervals": "profile"}, "no quantile is asked for, and no probability or return level (intervals)"),
     ({"return_periods": [1]}, "expected a period longer than 1, got 1 (return_periods)"),
     ({"discrete": ["n"], "exceed": [2.5]}, "no continuous variable is fitted (exceed)"),
     ({"confidence": 0.9}, "no quantile is asked for, and no probability or return level (confidence)"),
@@ -173,7 +174,7 @@ FANS = {"continuous": ["hours"], "censor": "status"}
 CENSORED = (
     FANS,
     {**FANS, "quantiles": [0.1, 0.5], "exceed": [1000], "rank_by": "bic", "select": "hours > 1000"},
-    {**FANS, "censor_event": "1"},
+    {**FANS, "censor_event": "1", "quantiles": [0.1], "intervals": "profile"},
     {**FANS, "distributions": ["weibull"], "offsets": {"hours": {"weibull": -100}}, "return_periods": [10]},
 )
 # And over an example.
@@ -218,7 +219,7 @@ FITS = (
     ("faithful", {"save": "p.bvw", "truncate": {"waiting": (None, 90)}, "order": {"waiting": ["normal", "weibull"]}}),
     ("toxocara", {"discrete": ["number"], "discrete_rank_by": "chi-square", "trials": {"number": 100}}),
     ("portpirie_sea_level", {"bootstrap": 50, "quantiles": [0.01, 0.5], "exceed": [4.5], "return_periods": [100],
-                             "confidence": 0.9, "distributions": ["generalextremevalue"]}),
+                             "intervals": "profile", "confidence": 0.9, "distributions": ["generalextremevalue"]}),
     ("faithful", {"quantiles": [0.1], "distributions": ["johnson", "weibull"]}),
     ("portpirie_sea_level", {"bootstrap": 20, "bootstrap_seed": 5, "distributions": ["normal"]}),
 )

@@ -21,9 +21,10 @@ Json RowsOf(const std::vector<FitQuantiles::Row>& rows) {
   const auto end = [](double limit) { return IsNotSet(limit) ? std::nan("") : limit; };
   Json list = Json::array();
   for (const FitQuantiles::Row& row : rows) {
-    list.push_back(NumbersJson(kReadOff, {row.probability, row.value, row.returnPeriod.value_or(std::nan("")),
-                                          end(row.byCovariance.lower), end(row.byCovariance.upper),
-                                          end(row.byBootstrap.lower), end(row.byBootstrap.upper)}));
+    list.push_back(NumbersJson(
+        kReadOff, {row.probability, row.value, row.returnPeriod.value_or(std::nan("")),
+                   end(row.byCovariance.lower), end(row.byCovariance.upper), end(row.byProfile.lower),
+                   end(row.byProfile.upper), end(row.byBootstrap.lower), end(row.byBootstrap.upper)}));
   }
   return list;
 }

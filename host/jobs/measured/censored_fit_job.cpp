@@ -280,7 +280,8 @@ CensoredVariable FitVariable(const CensoredFitJob& job, const Spreadsheet& sheet
     return a.IsValid() && a.*criterion < b.*criterion;
   });
   if (job.fit.AsksForQuantiles() && found.fits.front().IsValid())
-    found.quantiles = ReadOff(job.fit, found.fits.front().name, found.fits.front().values, nullptr);
+    found.quantiles = ReadOff(job.fit, found.fits.front().name, found.fits.front().values,
+                              LikelihoodFor(job.fit, sample), nullptr);
   if (found.fits.size() > job.fit.Top()) found.fits.resize(job.fit.Top());
   return found;
 }

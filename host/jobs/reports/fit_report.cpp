@@ -45,7 +45,7 @@ class FitReportMaker {
         dialog_(dialog),
         variables_(ReadFitResults(
             dialog_, job.AsksForQuantiles() ? Covariances::kRead : Covariances::kLeftOut, job.Top())),
-        quantiles_(AllQuantiles(job, variables_)) {
+        quantiles_(AllQuantiles(job, variables_, sheet_)) {
     for (const FittedVariable& variable : variables_) {
       (variable.isContinuous ? continuous_ : discrete_).push_back(variable.name);
       rankings_.push_back(RankingTable(variable, job.RankedBy(variable.isContinuous), IsBootstrapped(job)));

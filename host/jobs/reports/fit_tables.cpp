@@ -182,16 +182,21 @@ ReportTable QuantileTable(const FitQuantiles& found, double spread) {
   ReportTable table;
   table.AddText("Of " + found.distribution);
   for (const char* heading : {"Estimate", "by covariance"}) table.AddNumber(heading);
+  if (found.isProfiled) table.AddNumber("by profile likelihood");
   if (found.samples > 0) table.AddNumber("by bootstrap");
+  const auto add = [&](std::string name, double read, const FitQuantiles::Row& row, const auto& text) {
+    std::vector<std::string> cells{std::move(name), text(read), between(row.byCovariance, text)};
+    if (found.isProfiled) cells.push_back(between(row.byProfile, text));
+    if (found.samples > 0) cells.push_back(between(row.byBootstrap, text));
+    table.AddRow(std::move(cells));
+  };
   for (const FitQuantiles::Row& row : found.quantiles) {
     const std::string name = row.returnPeriod ? "level of return period " + ReadableNumber(*row.returnPeriod)
                                               : "quantile " + ReadableNumber(row.probability);
-    table.AddRow({name, value(row.value), between(row.byCovariance, value), between(row.byBootstrap, value)});
+    add(name, row.value, row, value);
   }
   for (const FitQuantiles::Row& row : found.exceedances)
-    table.AddRow({"probability above " + ReadableNumber(row.value), probability(row.probability),
-                  between(row.byCovariance, probability), between(row.byBootstrap, probability)});
-  for (ReportRow& row : table.rows) row.cells.resize(table.columns.size());
+    add("probability above " + ReadableNumber(row.value), row.probability, row, probability);
   table.notes.push_back("Intervals have a confidence of " + ReadableNumber(100 * found.confidence) + " %");
   if (!found.note.empty()) table.notes.push_back("note: " + found.note);
   return table;

@@ -128,6 +128,7 @@ void AddFit(const FitJob& job, CommandText& command) {
   command.AddNumbers("quantiles", job.quantiles);
   command.AddNumbers("exceed", job.exceed);
   command.AddNumbers("returnPeriods", job.returnPeriods);
+  command.AddWord("intervals", job.intervals);
   command.AddNumber("confidence", job.confidence);
   command.AddNumber("top", job.top);
   command.AddText("save", job.save.string());

@@ -33,6 +33,7 @@ void PutQuantiles(const FitQuantiles& found, RowSheet& sheet) {
   const auto put = [&sheet](const std::string& name, double value, const FitQuantiles::Row& row) {
     sheet.Put(name, value);
     PutInterval(name, row.byCovariance, sheet);
+    PutInterval(name + "_profile", row.byProfile, sheet);
     PutInterval(name + "_bootstrap", row.byBootstrap, sheet);
   };
   for (const FitQuantiles::Row& row : found.quantiles) {

@@ -4,40 +4,18 @@
 
 #include <array>
 #include <cmath>
-#include <fstream>
-#include <map>
-#include <sstream>
 #include <string>
 #include <vector>
 
+#include "host/numeric/censored/censored_sets_test.h"
 #include "host/numeric/censored/survival_curve.h"
 #include "host/numeric/distributions/distribution_table.h"
 
 namespace brenvolt {
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// Published life data, of which reference/make_censored_tables.R names the sources.
 const CensoredSample& SetNamed(const std::string& name) {
-  static const auto sets = [] {
-    std::map<std::string, CensoredSample> found;
-    std::ifstream file(BRENVOLT_SOURCE_DIR "/host/numeric/censored/reference/sets.csv");
-    std::string line;
-    std::getline(file, line);
-    while (std::getline(file, line)) {
-      std::istringstream cells(line);
-      std::string set;
-      std::string lower;
-      std::string upper;
-      std::getline(cells, set, ',');
-      std::getline(cells, lower, ',');
-      std::getline(cells, upper, ',');
-      found[set].Add(
-          {lower.empty() ? -kInfinity : std::stod(lower), upper.empty() ? kInfinity : std::stod(upper)});
-    }
-    return found;
-  }();
+  static const auto sets = ReadCensoredSets(BRENVOLT_SOURCE_DIR "/host/numeric/censored/reference/sets.csv");
   return sets.at(name);
 }
 

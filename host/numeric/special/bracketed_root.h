@@ -11,12 +11,14 @@
 
 namespace brenvolt {
 
-// The root of `f` in [low, high], where it changes its sign, to the last bits (Alefeld, Potra & Shi 1995).
+// The root of `f` in [low, high], where it changes its sign, to `bits` binary digits, which are nearly all of them if nothing is
+// said (Alefeld, Potra & Shi 1995).
 template <class Function>
-double SolveBracketed(const Function& f, double low, double high, double atLow, double atHigh) {
+double SolveBracketed(const Function& f, double low, double high, double atLow, double atHigh,
+                      int bits = 52) {
   std::uintmax_t steps = 200;
   const auto bracket = boost::math::tools::toms748_solve(
-      f, low, high, atLow, atHigh, boost::math::tools::eps_tolerance<double>(52), steps);
+      f, low, high, atLow, atHigh, boost::math::tools::eps_tolerance<double>(bits), steps);
   return 0.5 * (bracket.first + bracket.second);
 }
 
