@@ -131,7 +131,7 @@ TEST_F(StartupDialogs, ResultsAreLockedWhileWeightsAreEdited) {
   EXPECT_FALSE(Dialog().Press(1002)) << "cancelled";
   EXPECT_EQ(sheet.WeightVariable(), 1U);
   userInterface.weightAnswers = {[](WeightQuestion& question) {
-    EXPECT_EQ(question.variable, 2);
+    EXPECT_EQ(question.variable, 2U);
     question.variable = 0;
   }};
   EXPECT_TRUE(Dialog().Press(1002));

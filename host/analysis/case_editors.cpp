@@ -34,13 +34,11 @@ bool EditCaseWeights(CAnalysisSupport& analysis) {
     question.names.push_back(table->VariableAt(i).Name());
   }
   if (const auto weights = table->WeightVariable()) {
-    question.variable = static_cast<std::int16_t>(*weights + 1);
+    question.variable = *weights + 1;
   }
   while (analysis.Interface().EditWeights(question)) {
-    const bool isVariable =
-        question.variable > 0 && static_cast<std::size_t>(question.variable) <= table->VariableCount();
-    if (isVariable || question.variable == 0) {
-      const auto chosen = isVariable ? std::optional<std::size_t>(question.variable - 1) : std::nullopt;
+    if (question.variable <= table->VariableCount()) {
+      const auto chosen = question.variable > 0 ? std::optional(question.variable - 1) : std::nullopt;
       analysis.Interface().Change([&] { table->SetWeightVariable(chosen); });
       return true;
     }

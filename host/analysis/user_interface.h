@@ -64,7 +64,7 @@ struct SelectionQuestion {
 // The case weights of the input: the number of the variable that weights the cases, 0 for none.
 struct WeightQuestion {
   std::vector<std::string> names;
-  std::int16_t variable = 0;
+  std::size_t variable = 0;
 };
 
 // The editor of a symmetric matrix: its cells as they are typed, row by row.

@@ -42,7 +42,7 @@ class WeightDialog : public QDialog {
     list_.setFocus();
   }
 
-  std::int16_t Chosen() const { return static_cast<std::int16_t>(std::max(0, list_.currentRow())); }
+  std::size_t Chosen() const { return static_cast<std::size_t>(std::max(0, list_.currentRow())); }
 
  private:
   void Fill(const WeightQuestion& question, const Spreadsheet* input) {
@@ -55,7 +55,7 @@ class WeightDialog : public QDialog {
                           input->VariableAt(i).Type() == VariableType::kText;
       list_.addItem(Shown(question.names[i]) + (isText ? tr(" (text)") : QString()));
     }
-    list_.setCurrentRow(question.variable);
+    list_.setCurrentRow(static_cast<int>(question.variable));
     // The first line is read whole; names that are longer are scrolled to.
     const int line = list_.fontMetrics().horizontalAdvance(list_.item(0)->text());
     list_.setMinimumWidth(line + 2 * list_.fontMetrics().averageCharWidth() + 2 * list_.frameWidth() +
