@@ -1,6 +1,7 @@
 #include "apps/desktop/port/analysis_run.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "apps/desktop/base/live_graphs.h"
@@ -27,8 +28,9 @@ std::function<bool()> OpenTest(const CAnalysisSupport& analysis, CAnalysisDialog
   };
 }
 
-// The member that makes the rates of what misses a specification.
+// The members that make the rates of what misses a specification, and the pictures of what is selected.
 constexpr const char* kRates = "DefectProfile";
+constexpr const char* kSummary = "SummaryGraph";
 
 // What is done while one exists is no line of a macro.
 class Unrecorded {
@@ -139,7 +141,11 @@ void AnalysisRun::RememberingSink::TakeDocument(std::shared_ptr<CAnalysisTableDo
 
 void AnalysisRun::RememberingSink::TakeGraph(std::shared_ptr<CAnalysisGraphDoc> graph) {
   const std::int32_t button = run_.window_ != nullptr ? run_.window_->PressedButton() : 0;
-  if (button != 0 && button != withTables_) run_.made_.push_back({graph, button});
+  if (button != 0 && button != withTables_) {
+    run_.made_.push_back({graph, button});
+  } else if (graph->Content().kind == GraphKind::kSummary) {
+    run_.made_.push_back({graph, 0});
+  }
   sink_.TakeGraph(std::move(graph));
 }
 
@@ -149,21 +155,29 @@ AnalysisRun::MadeGraph* AnalysisRun::MadeOf(const CAnalysisGraphDoc& graph) {
   return found != made_.end() ? &*found : nullptr;
 }
 
-WindowInterface::Handed AnalysisRun::PressQuietly(std::int32_t button) {
+WindowInterface::Handed AnalysisRun::MakeQuietly(std::int32_t button) {
   const Unrecorded unrecorded(*analysis_);
   return interface_.Quietly([&] {
-    if (CAnalysisDialog* const dialog = analysis_->GetDialog()) dialog->Press(button);
+    if (button == 0) {
+      analysis_->GetDialgInterface()->Get(kSummary);
+    } else if (CAnalysisDialog* const dialog = analysis_->GetDialog()) {
+      dialog->Press(button);
+    }
   });
 }
 
-// The picture that is looked at shows what is chosen now, and otherwise the one that was made last.
+// The picture that is looked at shows what is chosen now, and otherwise the one that was made last. Those that were shown
+// unasked belong to other choices, and stay.
 void AnalysisRun::FollowChoice() {
-  if (made_.empty() || engine_.IsBusy() || !isOpen_ || !isOpen_()) return;
+  std::vector<MadeGraph> asked;
+  std::ranges::copy_if(made_, std::back_inserter(asked),
+                       [](const MadeGraph& one) { return one.button != 0; });
+  if (asked.empty() || engine_.IsBusy() || !isOpen_ || !isOpen_()) return;
   const auto looked = std::ranges::find_if(
-      made_, [](const MadeGraph& one) { return LiveGraphs::All().IsLookedAt(one.graph); });
-  const MadeGraph wanted = looked != made_.end() ? *looked : made_.back();
+      asked, [](const MadeGraph& one) { return LiveGraphs::All().IsLookedAt(one.graph); });
+  const MadeGraph wanted = looked != asked.end() ? *looked : asked.back();
   WindowInterface::Handed shown;
-  engine_.Run([&] { shown = PressQuietly(wanted.button); });
+  engine_.Run([&] { shown = MakeQuietly(wanted.button); });
   MadeGraph* const made = MadeOf(*wanted.graph);
   if (made == nullptr || shown.graphs.size() != 1 || !shown.tables.empty()) return;
   made->graph = shown.graphs.front();
@@ -190,13 +204,15 @@ MovedLimit AnalysisRun::Move(const CAnalysisGraphDoc& graph, const PictureLimit&
   try {
     engine_.Run([&] {
       const auto dialog = analysis_->GetDialgInterface();
+      const auto select = [&] { dialog->Put("ResultsVariables", Variant::Array{limit.about}); };
       const auto put = [&](const Variant& wanted) {
-        dialog->Put("ResultsVariables", Variant::Array{limit.about});
+        select();
         dialog->Put(limit.name, wanted);
       };
       Variant former;
       {
         const Unrecorded unrecorded(*analysis_);
+        select();
         former = dialog->Get(limit.name);
         put(value);
         moved = Remake(made, limit);
@@ -232,7 +248,7 @@ QString RowOf(const Spreadsheet& table, const std::string& variable) {
 
 MovedLimit AnalysisRun::Remake(MadeGraph& made, const PictureLimit& limit) {
   MovedLimit moved;
-  WindowInterface::Handed picture = PressQuietly(made.button);
+  WindowInterface::Handed picture = MakeQuietly(made.button);
   WindowInterface::Handed rates;
   std::string refusal;
   try {

@@ -49,7 +49,7 @@ class AnalysisRun : public QObject, public LimitMover {
   void ended();
 
  private:
-  // Hands everything on, and remembers which button made which picture.
+  // Hands everything on, and remembers how each picture is made again.
   class RememberingSink : public DocumentSink {
    public:
     RememberingSink(AnalysisRun& run, DocumentSink& sink) : run_(run), sink_(sink) {}
@@ -65,13 +65,13 @@ class AnalysisRun : public QObject, public LimitMover {
   };
   struct MadeGraph {
     std::shared_ptr<CAnalysisGraphDoc> graph;
-    std::int32_t button = 0;
+    std::int32_t button = 0;  // 0 for a summary that was shown unasked
   };
 
   MadeGraph* MadeOf(const CAnalysisGraphDoc& graph);
   void FollowChoice();
-  // For the engine's thread: what a button shows, without a line in the macro.
-  WindowInterface::Handed PressQuietly(std::int32_t button);
+  // For the engine's thread: what the button shows that made a picture, without a line in the macro.
+  WindowInterface::Handed MakeQuietly(std::int32_t button);
   MovedLimit Remake(MadeGraph& made, const PictureLimit& limit);
   void Follow();
   void OpenWindow(CAnalysisDialog& dialog, const QPoint* place);

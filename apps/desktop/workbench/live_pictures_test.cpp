@@ -9,6 +9,7 @@
 #include "apps/desktop/views/results_panel.h"
 #include "host/analysis/analysis_table_doc.h"
 #include "host/automation/macro_recorder.h"
+#include "host/jobs/dialogs/shown_results.h"
 
 namespace brenvolt::desktop::test {
 namespace {
@@ -85,44 +86,54 @@ TEST(LivePictures, ARowOfTheRankingChangesThePictureThatIsLookedAt) {
   EXPECT_EQ(drawn(second), other);
 }
 
+// The profiler over the regression of the ozone data, once it has run with a seed and an upper limit.
+struct ProfiledDesk : LiveDesk {
+  ProfiledDesk() : LiveDesk("ozone.csv") {
+    desk.ClickRow(1006, 3);
+    desk.Click(kControlOk);
+    desk.engine.Run([&] {
+      auto dialog = desk.run->Analysis().GetDialgInterface();
+      dialog->Put("LoadModels", kExamples + "ozone_regression.pmml");
+      dialog->Get("FitBestDistributions");
+      dialog->Put("IsSeedRandomNumber", std::int32_t{1});
+      dialog->Put("NumberOfRuns", std::int32_t{1000});
+    });
+    desk.run->Show();
+    desk.Type(1347, "25");
+    desk.Click(kControlOk);
+  }
+  double Limit() { return static_cast<QLineEdit&>(desk.Control(1347)).text().toDouble(); }
+  static void DragLimit(PictureView& picture, double from, std::initializer_list<double> to) {
+    const PictureFrame frame = picture.Frames().at(0);
+    const auto at = [&](double x) {
+      return QPointF(frame.x.PixelOf(x), (frame.y.fromPixel + frame.y.toPixel) / 2).toPoint();
+    };
+    QWidget& shown = *picture.widget();
+    QTest::mousePress(&shown, Qt::LeftButton, {}, at(from));
+    for (const double x : to) {
+      QTest::mouseMove(&shown, at(x));
+      QCoreApplication::processEvents();
+    }
+    QTest::mouseRelease(&shown, Qt::LeftButton, {}, at(*(to.end() - 1)));
+  }
+};
+
 TEST(LivePictures, ALimitThatIsDraggedIsASettingOfTheDialogAndTheRatesFollow) {
   if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
-  LiveDesk live("ozone.csv");
-  live.desk.ClickRow(1006, 3);
-  live.desk.Click(kControlOk);
+  ProfiledDesk live;
   ASSERT_EQ(live.desk.Dialog(), 15033);
-  live.desk.engine.Run([&] {
-    auto dialog = live.desk.run->Analysis().GetDialgInterface();
-    dialog->Put("LoadModels", kExamples + "ozone_regression.pmml");
-    dialog->Get("FitBestDistributions");
-    dialog->Put("IsSeedRandomNumber", std::int32_t{1});
-    dialog->Put("NumberOfRuns", std::int32_t{1000});
-  });
-  live.desk.run->Show();
-  live.desk.Type(1347, "25");
-  live.desk.Click(kControlOk);
   PictureView& picture = live.Show(1351);
   MacroRecorder recorder;
   live.desk.run->Analysis().SetRecorder(&recorder);
   const std::size_t graphs = live.desk.sink.graphs.size();
   const std::size_t tables = live.desk.sink.tables.size();
 
-  const PictureFrame frame = picture.Frames().at(0);
-  const auto at = [&](double x) {
-    return QPointF(frame.x.PixelOf(x), (frame.y.fromPixel + frame.y.toPixel) / 2).toPoint();
-  };
-  QWidget& shown = *picture.widget();
-  QTest::mousePress(&shown, Qt::LeftButton, {}, at(25));
-  for (const double x : {24.0, 22.0, 20.0}) {
-    QTest::mouseMove(&shown, at(x));
-    QCoreApplication::processEvents();
-  }
-  QTest::mouseRelease(&shown, Qt::LeftButton, {}, at(20));
+  live.DragLimit(picture, 25, {24.0, 22.0, 20.0});
   live.desk.run->Analysis().SetRecorder(nullptr);
   EXPECT_EQ(live.desk.sink.graphs.size(), graphs);
   EXPECT_EQ(live.desk.sink.tables.size(), tables);
 
-  const double limit = static_cast<QLineEdit&>(live.desk.Control(1347)).text().toDouble();
+  const double limit = live.Limit();
   EXPECT_NEAR(limit, 20, 0.3);
   EXPECT_EQ(picture.Content().panels.at(0).series.back().x.front(), limit);
   // The rates are those that the dialog's own button gives.
@@ -137,6 +148,25 @@ TEST(LivePictures, ALimitThatIsDraggedIsASettingOfTheDialogAndTheRatesFollow) {
   EXPECT_NE(macro.find("USL = " + Utf8(QString::number(limit))), std::string::npos) << macro;
   EXPECT_EQ(macro.find("USL", macro.find("USL") + 1), std::string::npos) << macro;
   EXPECT_EQ(macro.find("DefectProfile"), std::string::npos) << macro;
+}
+
+// As after a run of the profiler from the start page.
+TEST(LivePictures, LimitsAreDraggedInPicturesThatWereShownUnasked) {
+  if (!WhyNoPictures().empty()) GTEST_SKIP() << WhyNoPictures();
+  ProfiledDesk live;
+  const std::size_t profiles = live.desk.sink.graphs.size();
+  live.desk.engine.Run([&] { ShowResponses(live.desk.run->Analysis(), 1); });
+  ASSERT_EQ(live.desk.sink.graphs.size(), profiles + 2) << "the response, and the rates";
+  const auto unasked = live.desk.sink.graphs.at(profiles);
+  ASSERT_EQ(unasked->Content().kind, GraphKind::kSummary);
+  live.results.Add(unasked);
+  QCoreApplication::processEvents();
+  auto& picture = *qobject_cast<PictureView*>(live.results.Page());
+  live.DragLimit(picture, 25, {23.0, 20.0});
+  EXPECT_NEAR(live.Limit(), 20, 0.3);
+  EXPECT_EQ(picture.Content().panels.at(0).series.back().x.front(), live.Limit());
+  EXPECT_FALSE(live.said.isEmpty());
+  EXPECT_EQ(live.desk.sink.graphs.size(), profiles + 2);
 }
 
 }  // namespace
