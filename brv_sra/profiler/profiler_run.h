@@ -22,9 +22,9 @@
 
 #include "brv_sra/base/fault.h"
 #include "brv_sra/base/run_progress.h"
+#include "brv_sra/matrix/correlation_target.h"
 #include "brv_sra/profiler/defect_profile.h"
 #include "brv_sra/profiler/profiler_design.h"
-#include "brv_sra/simulation/correlation_target.h"
 #include "host/models/unpredicted_cases.h"
 #include "host/tables/spreadsheet.h"
 

@@ -523,6 +523,9 @@ inline constexpr std::int32_t kSimulationMatrixOfInput = 21194;
 inline constexpr std::int32_t kStartupSimulation = 21195;
 inline constexpr std::int32_t kSimulationNoneLeftOut = 21196;
 
+// What becomes of correlations of noise.
+inline constexpr std::int32_t kCorrelationsCarryNoNoise = 21220;
+
 // Fits: what goes beyond the texts above.
 inline constexpr std::int32_t kTitleRankedByAkaike = 21200;
 inline constexpr std::int32_t kTitleRankedByBayes = 21201;

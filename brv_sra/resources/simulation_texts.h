@@ -96,6 +96,8 @@ inline constexpr auto kSimulationTexts = std::to_array<StringResource>({
     {kSimulationMatrixOfInput, "(that of the input)"},
     {kStartupSimulation, "Si&mulations..."},
     {kSimulationNoneLeftOut, "none"},
+    {kCorrelationsCarryNoNoise,
+     "The correlation matrix is not positive definite: noise over all its variables cannot follow it."},
 });
 
 }  // namespace brenvolt::sra

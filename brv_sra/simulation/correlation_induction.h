@@ -14,7 +14,7 @@
 
 #include "brv_sra/base/fault.h"
 #include "brv_sra/base/run_progress.h"
-#include "brv_sra/simulation/correlation_target.h"
+#include "brv_sra/matrix/correlation_target.h"
 #include "brv_sra/simulation/sampling/simulation_design.h"
 #include "host/controls/progress_bar.h"
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "brv_sra/matrix/correlation_target.h"
 #include "brv_sra/matrix/matrix_file.h"
-#include "brv_sra/simulation/correlation_target.h"
 #include "brv_sra/simulation/sampling/simulation_design.h"
 
 namespace brenvolt::sra {

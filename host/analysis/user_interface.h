@@ -67,12 +67,22 @@ struct WeightQuestion {
   std::size_t variable = 0;
 };
 
+// What an analysis says of a matrix: for people, and the eigenvalues, ascending, if it has any.
+struct MatrixVerdict {
+  std::string text;
+  std::vector<double> eigenvalues;
+  std::vector<std::string> changes;  // of a repair: a line for each entry that it changes
+};
+
 // The editor of a symmetric matrix: its cells as they are typed, row by row.
 struct MatrixQuestion {
   std::string title;
   std::string note;
   std::vector<std::string> names;  // of the rows and of the columns
   std::vector<std::string> cells;
+  // Judges the entries of a matrix, row by row, while it is edited; a front end may call it on its own thread until the
+  // question is answered. May be empty.
+  std::function<MatrixVerdict(const std::vector<double>&)> judge;
 };
 
 class UserInterface : public ProgressPort {

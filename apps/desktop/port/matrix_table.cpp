@@ -1,36 +1,36 @@
 #include "apps/desktop/port/matrix_table.h"
 
 #include <QBrush>
-#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <utility>
 
 #include "apps/desktop/base/text.h"
 #include "host/base/correlation_rules.h"
 #include "host/base/number_text.h"
-#include "host/numeric/algebra/symmetric_eigen.h"
 
 namespace brenvolt::desktop {
 namespace {
 
-std::optional<double> CorrelationIn(const std::string& cell) {
+// NaN for what is no correlation.
+double CorrelationIn(const std::string& cell) {
   const auto value = ParseTravelledNumber(Trim(cell));
-  return value ? CorrelationEntry(*value) : std::nullopt;
+  const auto entry = value ? CorrelationEntry(*value) : std::nullopt;
+  return entry.value_or(std::numeric_limits<double>::quiet_NaN());
 }
 
 }  // namespace
 
 MatrixTable::MatrixTable(std::vector<std::string> names, std::vector<std::string> cells)
-    : names_(std::move(names)), cells_(std::move(cells)) {
-  for (int row = 0; row < rowCount(); ++row) {
-    for (int column = 0; column < row; ++column) Cell(row, column) = Cell(column, row);
+    : names_(std::move(names)), cells_(std::move(cells)), values_(cells_.size(), 1.0) {
+  for (std::size_t row = 0; row < Size(); ++row) {
+    for (std::size_t column = row + 1; column < Size(); ++column)
+      Put(row, column, cells_[PlaceOf(row, column)]);
   }
 }
 
-std::string& MatrixTable::Cell(int row, int column) {
-  return cells_[static_cast<std::size_t>(row) * Size() + static_cast<std::size_t>(column)];
-}
-
-const std::string& MatrixTable::Cell(int row, int column) const {
-  return cells_[static_cast<std::size_t>(row) * Size() + static_cast<std::size_t>(column)];
+std::size_t MatrixTable::PlaceOf(const QModelIndex& index) const {
+  return PlaceOf(static_cast<std::size_t>(index.row()), static_cast<std::size_t>(index.column()));
 }
 
 int MatrixTable::rowCount(const QModelIndex& parent) const {
@@ -41,66 +41,40 @@ int MatrixTable::columnCount(const QModelIndex& parent) const {
   return rowCount(parent);
 }
 
-int MatrixTable::BadCells() const {
-  int count = 0;
-  for (int row = 0; row < rowCount(); ++row) {
-    for (int column = row + 1; column < columnCount(); ++column)
-      count += CorrelationIn(Cell(row, column)) ? 0 : 1;
-  }
-  return count;
+void MatrixTable::Put(std::size_t row, std::size_t column, std::string text) {
+  const std::size_t there = PlaceOf(row, column);
+  const std::size_t across = PlaceOf(column, row);
+  const double value = CorrelationIn(text);
+  bad_ += (std::isnan(value) ? 1 : 0) - (std::isnan(values_[there]) ? 1 : 0);
+  values_[there] = values_[across] = value;
+  cells_[across] = text;
+  cells_[there] = std::move(text);
 }
 
-std::optional<double> MatrixTable::SmallestEigenvalue() const {
-  std::vector<double> matrix;
-  for (int row = 0; row < rowCount(); ++row) {
-    for (int column = 0; column < columnCount(); ++column) {
-      const auto value = row == column ? std::optional(1.0) : CorrelationIn(Cell(row, column));
-      if (!value) return std::nullopt;
-      matrix.push_back(*value);
-    }
-  }
-  std::vector<double> values(Size());
-  if (values.empty() || !SymmetricEigen(matrix, Size(), values)) return std::nullopt;
-  return values.front();
-}
-
-void MatrixTable::Put(int row, int column, const QString& text) {
-  Cell(row, column) = Cell(column, row) = Utf8(text.trimmed());
-}
-
-int MatrixTable::Paste(int row, int column, const QString& text) {
-  int count = 0;
-  QStringList lines = text.split(u'\n');
-  if (!lines.isEmpty() && lines.back().trimmed().isEmpty()) lines.pop_back();
-  for (int i = 0; i < static_cast<int>(lines.size()) && row + i < rowCount(); ++i) {
-    const QStringList values = lines[i].split(u'\t');
-    for (int j = 0; j < static_cast<int>(values.size()) && column + j < columnCount(); ++j) {
-      if (row + i == column + j) continue;
-      Put(row + i, column + j, values[j]);
-      ++count;
-    }
-  }
+void MatrixTable::Put(const MatrixPaste& paste) {
+  if (paste.cells.empty()) return;
+  for (const PastedCell& cell : paste.cells) Put(cell.row, cell.column, cell.text);
   emit dataChanged(index(0, 0), index(rowCount() - 1, columnCount() - 1));
-  return count;
+  emit edited();
 }
 
 QString MatrixTable::Copy(int firstRow, int firstColumn, int lastRow, int lastColumn) const {
   QString text;
   for (int row = firstRow; row <= lastRow; ++row) {
     QStringList line;
-    for (int column = firstColumn; column <= lastColumn; ++column) line.push_back(Shown(Cell(row, column)));
+    for (int column = firstColumn; column <= lastColumn; ++column)
+      line.push_back(Shown(cells_[PlaceOf(index(row, column))]));
     text += line.join(u'\t') + u'\n';
   }
   return text;
 }
 
 QVariant MatrixTable::data(const QModelIndex& index, int role) const {
-  const std::string& cell = Cell(index.row(), index.column());
-  const bool isBad = index.row() != index.column() && !CorrelationIn(cell);
+  const bool isBad = std::isnan(values_[PlaceOf(index)]);
   switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-      return Shown(cell);
+      return Shown(cells_[PlaceOf(index)]);
     case Qt::TextAlignmentRole:
       return QVariant(Qt::AlignRight | Qt::AlignVCenter);
     case Qt::BackgroundRole:
@@ -129,10 +103,12 @@ Qt::ItemFlags MatrixTable::flags(const QModelIndex& index) const {
 
 bool MatrixTable::setData(const QModelIndex& changed, const QVariant& value, int role) {
   if (role != Qt::EditRole || changed.row() == changed.column()) return false;
-  Put(changed.row(), changed.column(), value.toString());
+  Put(static_cast<std::size_t>(changed.row()), static_cast<std::size_t>(changed.column()),
+      Utf8(value.toString().trimmed()));
   const QModelIndex across = index(changed.column(), changed.row());
   emit dataChanged(across, across);
   emit dataChanged(changed, changed);
+  emit edited();
   return true;
 }
 

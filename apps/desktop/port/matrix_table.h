@@ -3,9 +3,10 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <optional>
 #include <string>
 #include <vector>
+
+#include "apps/desktop/port/matrix_paste.h"
 
 namespace brenvolt::desktop {
 
@@ -16,14 +17,13 @@ class MatrixTable : public QAbstractTableModel {
   // `cells` row by row; of a pair that differs, the one above the diagonal counts.
   MatrixTable(std::vector<std::string> names, std::vector<std::string> cells);
 
+  const std::vector<std::string>& Names() const { return names_; }
   const std::vector<std::string>& Cells() const { return cells_; }
   // The cells that hold no correlation, above the diagonal.
-  int BadCells() const;
-  // The smallest eigenvalue; nothing while a cell is bad.
-  std::optional<double> SmallestEigenvalue() const;
-  // Puts lines of cells apart by tabs, as spreadsheets copy them, at a cell and to the right of it and below. What lies
-  // outside the matrix or on the diagonal is passed over. The number of cells that were put.
-  int Paste(int row, int column, const QString& text);
+  int BadCells() const { return bad_; }
+  // The matrix row by row, 1 on its diagonal; NaN in bad cells.
+  const std::vector<double>& Values() const { return values_; }
+  void Put(const MatrixPaste& paste);
   // Lines of cells apart by tabs.
   QString Copy(int firstRow, int firstColumn, int lastRow, int lastColumn) const;
 
@@ -34,14 +34,21 @@ class MatrixTable : public QAbstractTableModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
   bool setData(const QModelIndex& index, const QVariant& value, int role) override;
 
+ signals:
+  // Once for whatever is typed or pasted.
+  void edited();
+
  private:
   std::size_t Size() const { return names_.size(); }
-  std::string& Cell(int row, int column);
-  const std::string& Cell(int row, int column) const;
-  void Put(int row, int column, const QString& text);
+  std::size_t PlaceOf(std::size_t row, std::size_t column) const { return row * Size() + column; }
+  std::size_t PlaceOf(const QModelIndex& index) const;
+  // Both halves.
+  void Put(std::size_t row, std::size_t column, std::string text);
 
   std::vector<std::string> names_;
   std::vector<std::string> cells_;
+  std::vector<double> values_;
+  int bad_ = 0;
 };
 
 }  // namespace brenvolt::desktop

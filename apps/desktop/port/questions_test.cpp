@@ -11,9 +11,9 @@
 #include "apps/desktop/dialogs/settings_window.h"
 #include "apps/desktop/dialogs/variant_text.h"
 #include "apps/desktop/port/desktop_support_test.h"
-#include "apps/desktop/port/matrix_table.h"
 #include "apps/desktop/port/selection_question.h"
 #include "apps/desktop/port/variable_table.h"
+#include "apps/desktop/port/weight_question.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::desktop::test {
@@ -72,6 +72,23 @@ TEST(VariableTable, OfAHundredThousandVariablesThoseWithANumberAreChosen) {
   EXPECT_FALSE(table.data(table.index(40'000, 0), Qt::ToolTipRole).toString().isEmpty());
 }
 
+TEST(WeightQuestion, AVariableBeyondThoseThatAnAnalysisNumbersWeightsTheCases) {
+  StartToolkit();
+  constexpr std::size_t kMany = 100'000;
+  WeightQuestion question{std::vector<std::string>(kMany, "x"), 40'001};
+  question.names[70'000] = "the weights";
+  const Hand choose("weights", [](QWidget& window) {
+    auto& list = Child<QListWidget>(window, "list");
+    EXPECT_EQ(list.currentRow(), 40'001);
+    QTest::keyClicks(&Child<QLineEdit>(window, "search"), "weights");
+    EXPECT_TRUE(list.item(1)->isHidden());
+    list.setCurrentRow(70'001);
+    PressButton(window, QDialogButtonBox::AcceptRole);
+  });
+  EXPECT_TRUE(AskForWeights(question, nullptr, nullptr));
+  EXPECT_EQ(question.variable, 70'001U);
+}
+
 TEST(WindowInterface, VariablesWithTheirTypesAndCountsAreAllSeenWithoutScrolling) {
   Desk desk(kExamples + "faithful.csv");
   desk.Click(kControlOk);
@@ -82,29 +99,6 @@ TEST(WindowInterface, VariablesWithTheirTypesAndCountsAreAllSeenWithoutScrolling
     PressButton(window, QDialogButtonBox::RejectRole);
   });
   desk.Click(1010);
-  EXPECT_TRUE(look.HasActed());
-}
-
-// The colour of what is selected would hide the fault.
-TEST(WindowInterface, TheBadCellOfAMatrixIsMarkedAlsoWhereItIsTheCurrentOne) {
-  StartToolkit();
-  EngineThread engine;
-  KeepingSink sink;
-  QWidget owner;
-  WindowInterface interface(engine, sink, owner);
-  const Hand look("matrix", [](QWidget& window) {
-    auto& view = Child<QTableView>(window, "table");
-    view.model()->setData(view.model()->index(0, 1), QStringLiteral("2.5"));
-    ASSERT_EQ(view.currentIndex(), view.model()->index(0, 1));
-    const QRect cell = view.visualRect(view.currentIndex());
-    const QColor colour = view.viewport()->grab(cell).toImage().pixelColor(3, cell.height() / 2);
-    EXPECT_GT(colour.red(), colour.blue() + 20) << Utf8(colour.name());
-    PressButton(window, QDialogButtonBox::RejectRole);
-  });
-  engine.Run([&] {
-    MatrixQuestion question{"Correlations", "", {"a", "b"}, {"1", "0", "0", "1"}};
-    EXPECT_FALSE(interface.EditMatrix(question));
-  });
   EXPECT_TRUE(look.HasActed());
 }
 
@@ -153,35 +147,6 @@ TEST(VariableTable, TypesAndValidValuesAreThoseOfTheSheet) {
   EXPECT_EQ(shown(1, 3), "number");
   EXPECT_EQ(shown(0, 4), "3");
   EXPECT_EQ(shown(1, 4), "2");
-}
-
-TEST(MatrixTable, CellsAreSymmetricAndBadOnesAreMarked) {
-  MatrixTable table({"a", "b", "c"}, {"1", "0.5", "0", "0.5", "1", "0", "0", "0", "1"});
-  const auto put = [&](int row, int column, const char* text) {
-    return table.setData(table.index(row, column), QString::fromLatin1(text), Qt::EditRole);
-  };
-  EXPECT_TRUE(put(2, 0, "-0.25"));
-  EXPECT_EQ(table.Cells()[2], "-0.25");
-  EXPECT_FALSE(put(1, 1, "0.3"));
-  EXPECT_EQ(table.Cells()[4], "1");
-  EXPECT_EQ(table.BadCells(), 0);
-  EXPECT_NEAR(*table.SmallestEigenvalue(), 0.4, 0.1);
-  for (const char* bad : {"1.5", "-1.01", "x", ""}) {
-    put(0, 1, bad);
-    EXPECT_EQ(table.BadCells(), 1) << bad;
-    EXPECT_FALSE(table.SmallestEigenvalue()) << bad;
-    EXPECT_TRUE(table.data(table.index(1, 0), Qt::BackgroundRole).isValid()) << bad;
-  }
-}
-
-TEST(MatrixTable, BlockOfASpreadsheetIsPastedFromItsCellOn) {
-  MatrixTable table({"a", "b", "c"}, {"1", "0", "0", "0", "1", "0", "0", "0", "1"});
-  EXPECT_EQ(table.Paste(0, 0, QStringLiteral("1\t0.1\t0.2\r\n0.1\t1\t0.3\r\n0.2\t0.3\t1\r\n")), 6);
-  EXPECT_EQ(table.Cells(),
-            (std::vector<std::string>{"1", "0.1", "0.2", "0.1", "1", "0.3", "0.2", "0.3", "1"}));
-  EXPECT_EQ(table.Paste(1, 2, QStringLiteral("0.7\t0.8\n0.9")), 1);
-  EXPECT_EQ(table.Cells()[7], "0.7");
-  EXPECT_EQ(table.Copy(0, 0, 0, 2).toStdString(), "1\t0.1\t0.2\n");
 }
 
 TEST(SelectionQuestion, VerdictCountsTheCasesOrPointsAtTheFault) {
@@ -243,13 +208,6 @@ TEST(DialogWindow, FieldsTakeAndShowTheDecimalCommaOfThePerson) {
   const QString chosen = static_cast<QListWidget&>(desk.Control(1401)).item(0)->text();
   EXPECT_TRUE(chosen.contains(QLatin1String("location=70.2500, scale=1.5000"))) << Utf8(chosen);
   SetUserNumberLocale({});
-}
-
-TEST(MatrixTable, DecimalCommasAreReadAsCorrelations) {
-  MatrixTable table({"a", "b"}, {"1", "0", "0", "1"});
-  EXPECT_EQ(table.Paste(0, 0, QStringLiteral("1\t0,25\n0,25\t1\n")), 2);
-  EXPECT_EQ(table.BadCells(), 0);
-  EXPECT_NEAR(*table.SmallestEigenvalue(), 0.75, 1e-12);
 }
 
 TEST(DialogWindow, RadioButtonsExcludeEachOtherWithinTheirGroup) {

@@ -5,9 +5,9 @@
 #include <cmath>
 #include <utility>
 
+#include "apps/desktop/base/shown_number.h"
 #include "apps/desktop/base/text.h"
 #include "host/base/error.h"
-#include "host/base/number_text.h"
 #include "host/formula/curve.h"
 
 namespace brenvolt::desktop {
@@ -124,12 +124,6 @@ bool IsBetween(double pixel, const PictureAxis& axis) {
 }
 
 }  // namespace
-
-QString ShownNumber(double value) {
-  std::string text = FormatNumber("%.6g", value);
-  std::ranges::replace(text, '.', UserNumberLocale().decimalSeparator);
-  return Shown(text);
-}
 
 const Graph& PlotOf(const Graph& graph, const PictureFrame& frame) {
   return graph.panels.empty() ? graph : graph.panels[frame.panel];

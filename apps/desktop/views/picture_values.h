@@ -21,7 +21,4 @@ QString ValuesAt(const Graph& plot, const PictureFrame& frame, QPointF place);
 // The limit or target near a place: the index of its series.
 std::optional<std::size_t> MarkerAt(const Graph& plot, const PictureFrame& frame, QPointF place);
 
-// As numbers in pictures are shown, with the decimal separator of the person.
-QString ShownNumber(double value);
-
 }  // namespace brenvolt::desktop

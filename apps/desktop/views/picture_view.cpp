@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "apps/desktop/base/shown_number.h"
 #include "apps/desktop/base/text.h"
 #include "apps/desktop/views/picture_values.h"
 #include "host/base/error.h"

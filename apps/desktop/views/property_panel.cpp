@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "apps/desktop/base/shown_number.h"
 #include "apps/desktop/base/text.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
@@ -14,12 +15,6 @@
 
 namespace brenvolt::desktop {
 namespace {
-
-QString NumberText(double value) {
-  std::string text = ShortestNumber(value);
-  std::ranges::replace(text, '.', UserNumberLocale().decimalSeparator);
-  return Shown(text);
-}
 
 struct Summary {
   std::size_t valid = 0;
@@ -120,9 +115,9 @@ void PropertyPanel::Refresh() {
   counts_->setText(tr("%L1 valid, %L2 missing").arg(summary.valid).arg(variable->Size() - summary.valid));
   range_->setText(isText || summary.valid == 0
                       ? QStringLiteral("–")
-                      : tr("%1 to %2").arg(NumberText(summary.minimum), NumberText(summary.maximum)));
+                      : tr("%1 to %2").arg(ShownInFull(summary.minimum), ShownInFull(summary.maximum)));
   missingCode_->setText(std::isnan(variable->MissingCode()) ? QString()
-                                                            : NumberText(variable->MissingCode()));
+                                                            : ShownInFull(variable->MissingCode()));
   described_ = variable->Properties().empty() ? QString() : describer_(*variable);
   distribution_->setText(described_);
   distribution_->setCursorPosition(0);

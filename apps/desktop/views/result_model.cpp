@@ -5,25 +5,23 @@
 #include <cmath>
 #include <numeric>
 
+#include "apps/desktop/base/shown_number.h"
 #include "apps/desktop/base/text.h"
+#include "apps/desktop/base/text_block.h"
 #include "apps/desktop/views/sheet_model.h"
-#include "apps/desktop/views/text_block.h"
 #include "host/base/number_text.h"
 #include "host/tables/editing/cell_text.h"
 
 namespace brenvolt::desktop {
 namespace {
 
-// What is shown of a number; tooltips and copies have it in full.
-constexpr const char* kShownForm = "%.6g";
 constexpr double kLeastInShownForm = 1e6;
 
+// What is shown of a number; tooltips and copies have it in full.
 QString ShortText(double value) {
   const bool isWhole =
       value == std::floor(value) && std::abs(value) < 1e15 && std::abs(value) >= kLeastInShownForm;
-  std::string text = isWhole ? ShortestNumber(value) : FormatNumber(kShownForm, value);
-  std::ranges::replace(text, '.', UserNumberLocale().decimalSeparator);
-  return Shown(text);
+  return isWhole ? ShownInFull(value) : ShownNumber(value);
 }
 
 }  // namespace

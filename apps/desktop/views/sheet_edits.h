@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "apps/desktop/base/text_block.h"
 #include "apps/desktop/documents/edit.h"
-#include "apps/desktop/views/text_block.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::desktop {

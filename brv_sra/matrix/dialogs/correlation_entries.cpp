@@ -88,12 +88,14 @@ std::optional<double> EnteredCorrelation(const std::string& text) {
 }
 
 bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
-                      const std::vector<std::string>& names, std::vector<double>& matrix) {
+                      const std::vector<std::string>& names, std::vector<double>& matrix,
+                      std::function<MatrixVerdict(const std::vector<double>&)> judge) {
   MatrixQuestion question;
   question.title = ResourceString(title);
   question.note = ResourceString(kProfilerCorrelationNote);
   question.names = names;
   question.cells = CorrelationCells(matrix);
+  question.judge = std::move(judge);
   if (!analysis.Interface().EditMatrix(question)) return false;
   if (TakeCells(question.cells, names.size(), matrix)) return true;
   analysis.ShowMessage(std::string(ResourceString(kMsgProfilerEntriesReset)));

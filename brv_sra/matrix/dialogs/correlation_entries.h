@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,10 +18,11 @@ namespace brenvolt::sra {
 // place) or above 1.
 std::optional<double> EnteredCorrelation(const std::string& text);
 
-// Lets a person edit the matrix over the variables `names`, under a title by its number. False, and the matrix is as it
-// was, if they cancelled or an entry was refused, which a message says.
+// Lets a person edit the matrix over the variables `names`, under a title by its number, while `judge` says what becomes of
+// it. False, and the matrix is as it was, if they cancelled or an entry was refused, which a message says.
 bool EditCorrelations(const CAnalysisSupport& analysis, std::int32_t title,
-                      const std::vector<std::string>& names, std::vector<double>& matrix);
+                      const std::vector<std::string>& names, std::vector<double>& matrix,
+                      std::function<MatrixVerdict(const std::vector<double>&)> judge);
 
 // The matrix over the variables `names` from an array of its rows, an array of its k k values row by row, or
 // a matrix file, whose variables are found by name; variables that it lacks are uncorrelated. Throws Error

@@ -11,6 +11,7 @@
 #include "brv_sra/frame/fault_message.h"
 #include "brv_sra/frame/sequence_steps.h"
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
+#include "brv_sra/matrix/dialogs/correlation_verdict.h"
 #include "brv_sra/profiler/dialogs/defect_documents.h"
 #include "brv_sra/profiler/dialogs/profiler_graphs.h"
 #include "brv_sra/profiler/dialogs/unpredicted_document.h"
@@ -136,10 +137,12 @@ bool CSimulationProfiler::OnCommand(std::int32_t number) {
       return Attempt(kCaptionBasicStatsError, [this] { FitBest(); });
     case kEditCorrelation:
       return EditCorrelations(Analysis(), kProfilerCorrelationTitle, NamesOf(Design().predictors),
-                              Design().correlations);
+                              Design().correlations, [this](const std::vector<double>& matrix) {
+                                return VerdictOnCorrelations(matrix, NamesOf(Design().predictors));
+                              });
     case kEditCorrelationY:
       return EditCorrelations(Analysis(), kProfilerCorrelationYTitle, NamesOf(Design().dependents),
-                              Design().correlationsY);
+                              Design().correlationsY, VerdictOnNoiseCorrelations);
     case kSetFormula:
       return SetShownFormula();
     case kUndoFormula:

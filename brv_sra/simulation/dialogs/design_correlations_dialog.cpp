@@ -5,10 +5,10 @@
 #include <utility>
 
 #include "brv_sra/matrix/dialogs/correlation_entries.h"
+#include "brv_sra/matrix/dialogs/correlation_verdict.h"
 #include "brv_sra/resources/design_editor_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
-#include "brv_sra/simulation/correlation_target.h"
 #include "host/base/number_text.h"
 
 namespace brenvolt::sra {
@@ -16,21 +16,12 @@ namespace {
 
 using namespace design_correlations;
 
-std::string Readable(double x) {
-  return FormatNumber("%.4g", x);
-}
-
-// "h, a: -0.9 -> -0.5"
-std::string ChangeLine(const std::string& first, const std::string& second, double from, double to) {
-  return first + ", " + second + ": " + Readable(from) + " -> " + Readable(to);
-}
-
 // The variables that are not left out, and the correlations among them.
 struct Participants {
   std::vector<std::string> names;
   std::vector<double> matrix;
 
-  explicit Participants(const DesignState& design) {
+  Participants(const DesignState& design, std::span<const double> correlations) {
     const std::size_t k = design.variables.size();
     std::vector<std::size_t> places;
     for (std::size_t i = 0; i < k; ++i) {
@@ -38,7 +29,7 @@ struct Participants {
     }
     for (const std::size_t i : places) {
       names.push_back(design.variables[i].name);
-      for (const std::size_t j : places) matrix.push_back(design.correlations[i * k + j]);
+      for (const std::size_t j : places) matrix.push_back(correlations[i * k + j]);
     }
   }
 };
@@ -90,28 +81,15 @@ void DesignSimCorrelationParamsModalDlg::ShowMatrix() {
   ShowVerdict();
 }
 
+MatrixVerdict DesignSimCorrelationParamsModalDlg::VerdictOn(std::span<const double> correlations) const {
+  const Participants taking(edited_, correlations);
+  return VerdictOnCorrelations(taking.matrix, taking.names);
+}
+
 void DesignSimCorrelationParamsModalDlg::ShowVerdict() {
-  const Participants taking(edited_);
-  const std::size_t k = taking.names.size();
-  const auto factored = FactorTarget(taking.matrix, k);
-  std::vector<std::string> changes;
-  std::string verdict = szLoadResString(factored ? kDesignIsPositiveDefinite : kDesignCannotBeRepaired);
-  if (factored && factored->repair) {
-    const CorrelationRepair& repair = *factored->repair;
-    verdict = FormatResource(
-        kDesignWouldBeRepaired, Readable(repair.smallestEigenvalue),
-        ChangeLine(taking.names[repair.column], taking.names[repair.row], repair.from, repair.to));
-    for (std::size_t i = 0; i < k; ++i) {
-      for (std::size_t j = i + 1; j < k; ++j) {
-        const double from = taking.matrix[i * k + j];
-        const double to = repair.matrix[i * k + j];
-        if (Readable(from) != Readable(to))
-          changes.push_back(ChangeLine(taking.names[i], taking.names[j], from, to));
-      }
-    }
-  }
-  Controls().SetText(kVerdict, std::move(verdict));
-  Controls().SetItems(kChanges, std::move(changes));
+  MatrixVerdict verdict = VerdictOn(edited_.correlations);
+  Controls().SetText(kVerdict, std::move(verdict.text));
+  Controls().SetItems(kChanges, std::move(verdict.changes));
 }
 
 void DesignSimCorrelationParamsModalDlg::ShowSummaries() {
@@ -122,7 +100,8 @@ void DesignSimCorrelationParamsModalDlg::ShowSummaries() {
 
 bool DesignSimCorrelationParamsModalDlg::OnCommand(std::int32_t number) {
   if (number != kEditMatrix) return CSimulationAndRiskModalDialog::OnCommand(number);
-  if (!EditCorrelations(Analysis(), kDesignCorrelationTitle, edited_.Names(), edited_.correlations))
+  const auto judge = [this](const std::vector<double>& correlations) { return VerdictOn(correlations); };
+  if (!EditCorrelations(Analysis(), kDesignCorrelationTitle, edited_.Names(), edited_.correlations, judge))
     return false;
   ShowMatrix();
   return true;

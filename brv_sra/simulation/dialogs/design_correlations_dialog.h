@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,8 @@ class DesignSimCorrelationParamsModalDlg : public CSimulationAndRiskModalDialog 
   double& Correlation(std::size_t i, std::size_t j);
   void ShowPair();
   void ShowMatrix();
+  // On the correlations of the variables that take part.
+  MatrixVerdict VerdictOn(std::span<const double> correlations) const;
   void ShowVerdict();
   void ShowSummaries();
   void TakeCorrelation();

@@ -186,7 +186,15 @@ TEST_F(DesignEditors, CorrelationsAreMirroredAndJudgedBeforeARun) {
     EXPECT_FALSE(editor.Press(kEditMatrix));
     EXPECT_EQ(person.TakeTexts(), (Names{"Some of the entries were invalid and reset to original value. "
                                          "Values should be between -1 and 1."}));
-    person.matrixAnswers.emplace_back([](MatrixQuestion& question) {
+    person.matrixAnswers.emplace_back([&](MatrixQuestion& question) {
+      // While it is edited the same is said of it.
+      const MatrixVerdict verdict = question.judge({1, -0.9, -0.9, -0.9, 1, -0.9, -0.9, -0.9, 1});
+      EXPECT_EQ(verdict.text, Text(editor, kVerdict));
+      EXPECT_EQ(verdict.changes, editor.Controls().At(kChanges).items);
+      ASSERT_EQ(verdict.eigenvalues.size(), 3U);
+      EXPECT_NEAR(verdict.eigenvalues[0], -0.8, 1e-12);
+      EXPECT_NEAR(verdict.eigenvalues[2], 1.9, 1e-12);
+      EXPECT_TRUE(question.judge({1, 0.5, 0, 0.5, 1, 0, 0, 0, 1}).changes.empty());
       question.cells = {"1", "0.4", "0", "0.7", "1", "0.25", "0.7", "0.7", "1"};
     });
     EXPECT_TRUE(editor.Press(kEditMatrix));

@@ -1,4 +1,4 @@
-#include "brv_sra/simulation/correlation_target.h"
+#include "brv_sra/matrix/correlation_target.h"
 
 #include <algorithm>
 #include <cmath>

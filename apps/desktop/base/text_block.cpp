@@ -1,4 +1,4 @@
-#include "apps/desktop/views/text_block.h"
+#include "apps/desktop/base/text_block.h"
 
 #include <algorithm>
 #include <optional>
