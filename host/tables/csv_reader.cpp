@@ -25,30 +25,6 @@ namespace {
 
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
-// The names of the columns from the cells of the header: cells without text become "Var" and the number of
-// the column, and of equal names the later ones get the first of "_2", "_3", … that leaves every name of the
-// header alone.
-std::vector<std::string> ColumnNames(std::vector<std::string> cells) {
-  const std::unordered_set<std::string> reserved(cells.begin(), cells.end());
-  std::unordered_set<std::string> taken;
-  std::unordered_map<std::string, std::size_t> lastNumber;
-  for (std::size_t c = 0; c < cells.size(); ++c) {
-    const bool unnamed = Trim(cells[c]).empty();
-    if (unnamed) cells[c] = "Var" + std::to_string(c + 1);
-    // An unnamed column yields to one that bears its name by right, also when that comes later.
-    const bool yields = unnamed && reserved.contains(cells[c]);
-    if (!yields && taken.insert(cells[c]).second) continue;
-    std::size_t& number = lastNumber.try_emplace(cells[c], 1).first->second;
-    std::string name;
-    do {
-      name = cells[c] + "_" + std::to_string(++number);
-    } while (reserved.contains(name) || taken.contains(name));
-    taken.insert(name);
-    cells[c] = std::move(name);
-  }
-  return cells;
-}
-
 // Codes of texts: 1, 2, … in the order in which they were met. Refers to the file's text if it can.
 class TextCodes {
  public:
@@ -442,6 +418,27 @@ Variable Reader::MakeVariable(std::size_t column) {
 }
 
 }  // namespace
+
+std::vector<std::string> ColumnNames(std::vector<std::string> cells, std::unordered_set<std::string> inUse) {
+  const std::unordered_set<std::string> reserved(cells.begin(), cells.end());
+  std::unordered_set<std::string> taken = std::move(inUse);
+  std::unordered_map<std::string, std::size_t> lastNumber;
+  for (std::size_t c = 0; c < cells.size(); ++c) {
+    const bool unnamed = Trim(cells[c]).empty();
+    if (unnamed) cells[c] = "Var" + std::to_string(c + 1);
+    // An unnamed column yields to one that bears its name by right, also when that comes later.
+    const bool yields = unnamed && reserved.contains(cells[c]);
+    if (!yields && taken.insert(cells[c]).second) continue;
+    std::size_t& number = lastNumber.try_emplace(cells[c], 1).first->second;
+    std::string name;
+    do {
+      name = cells[c] + "_" + std::to_string(++number);
+    } while (reserved.contains(name) || taken.contains(name));
+    taken.insert(name);
+    cells[c] = std::move(name);
+  }
+  return cells;
+}
 
 Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
                           const CsvLayout& layout, std::size_t blockBytes, std::vector<StrayTexts>* mixed) {

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <unordered_set>
+#include <vector>
 
 #include "host/tables/csv.h"
 #include "host/tables/csv_layout.h"
@@ -24,5 +26,11 @@ Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, c
 // their values are numbers; it may be null.
 Spreadsheet ReadCsvBlocks(std::string_view text, const std::string& sheetName, const std::string& fileName,
                           const CsvLayout& layout, std::size_t blockBytes, std::vector<StrayTexts>* mixed);
+
+// The names of columns out of the cells of a header. Cells without text become "Var" and the number of the column, and of
+// equal names, also of those that are in use, the later ones get the first of "_2", "_3", … that leaves every name of the
+// header alone.
+std::vector<std::string> ColumnNames(std::vector<std::string> cells,
+                                     std::unordered_set<std::string> inUse = {});
 
 }  // namespace brenvolt

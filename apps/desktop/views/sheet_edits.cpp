@@ -4,29 +4,38 @@
 #include <limits>
 #include <optional>
 #include <set>
+#include <unordered_set>
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/tables/csv_reader.h"
 #include "host/tables/editing/cell_text.h"
 #include "host/tables/matrix_sheet.h"
+#include "host/tables/text/text_header.h"
 
 namespace brenvolt::desktop {
 namespace {
+
+std::size_t WidthOf(const TextRows& texts) {
+  std::size_t width = 0;
+  for (const auto& row : texts) width = std::max(width, row.size());
+  return width;
+}
 
 std::string Place(std::size_t row) {
   return "row " + std::to_string(row + 1);
 }
 
 // The values of the texts of one column, and of the labels that they need an edit.
-struct ReadColumn {
+struct ReadTexts {
   std::vector<double> values;
   std::map<double, std::string> labels;
 };
 
-ReadColumn ReadTexts(const Variable& variable, const TextRows& texts, std::size_t column,
-                     std::size_t firstRow, NumberLocale locale) {
+ReadTexts Read(const Variable& variable, const TextRows& texts, std::size_t column, std::size_t firstRow,
+               NumberLocale locale) {
   CellReader reader(variable, locale);
-  ReadColumn read;
+  ReadTexts read;
   for (std::size_t i = 0; i < texts.size(); ++i) {
     try {
       read.values.push_back(reader.Read(column < texts[i].size() ? texts[i][column] : std::string()));
@@ -55,22 +64,66 @@ void RequireData(const Spreadsheet& sheet) {
                 sheet.Name());
 }
 
+// Reads a column for a variable of these facts, which get the labels of its texts. One that `mayBecomeText` is of texts if
+// not all are numbers.
+std::vector<double> ReadColumn(VariableFacts& facts, bool mayBecomeText, const TextRows& texts,
+                               std::size_t column, std::size_t firstRow, NumberLocale locale) {
+  Variable variable(facts.name, 0);
+  GiveFacts(facts, variable);
+  ReadTexts read;
+  try {
+    read = Read(variable, texts, column, firstRow, locale);
+  } catch (const Error&) {
+    if (!mayBecomeText || facts.type == VariableType::kText) throw;
+    facts.type = VariableType::kText;
+    GiveFacts(facts, variable);
+    read = Read(variable, texts, column, firstRow, locale);
+  }
+  facts.labels.merge(read.labels);
+  return std::move(read.values);
+}
+
 // A new variable of the texts, behind missing values where they do not begin at the first case.
 Variable NewVariable(const std::string& name, std::size_t cases, std::size_t firstRow, const TextRows& texts,
                      std::size_t column, NumberLocale locale) {
+  VariableFacts facts;
+  facts.name = name;
+  const std::vector<double> read = ReadColumn(facts, true, texts, column, firstRow, locale);
   Variable variable(name, cases);
-  ReadColumn read;
-  try {
-    read = ReadTexts(variable, texts, column, firstRow, locale);
-  } catch (const Error&) {
-    variable.SetType(VariableType::kText);
-    read = ReadTexts(variable, texts, column, firstRow, locale);
-  }
-  for (const auto& [code, text] : read.labels) variable.SetLabel(code, text);
+  GiveFacts(facts, variable);
   std::vector<double> values(cases, variable.MissingCode());
-  std::ranges::copy(read.values, values.begin() + static_cast<std::ptrdiff_t>(firstRow));
+  std::ranges::copy(read, values.begin() + static_cast<std::ptrdiff_t>(firstRow));
   variable.AssignValues(std::move(values));
   return variable;
+}
+
+// Whether a variable has no value outside these cases.
+bool HasNoOtherValues(const Variable& variable, std::size_t firstCase, std::size_t count) {
+  for (std::size_t i = 0; i < variable.Size(); ++i) {
+    if ((i < firstCase || i >= firstCase + count) && !variable.IsMissing(i)) return false;
+  }
+  return true;
+}
+
+// How many lines of names, and of units, texts begin with, as files do.
+std::size_t HeaderLines(const TextRows& texts, NumberLocale locale) {
+  constexpr std::size_t kLooked = 1000;
+  const std::size_t width = WidthOf(texts);
+  std::vector<SampleRow> rows;
+  for (std::size_t i = 0; i < std::min(texts.size(), kLooked); ++i) {
+    SampleRow& row = rows.emplace_back();
+    row.line = i + 1;
+    for (const std::string& cell : texts[i]) row.cells.push_back({std::string(Trim(cell)), false});
+    row.cells.resize(width);
+  }
+  for (const char decimal : {locale.decimalSeparator, '.'}) {
+    const HeaderFound found = FindHeader(rows, {{decimal, 0}, width, false, {}});
+    const std::size_t lines = found.hasUnits ? 2 : 1;
+    if (!found.hasHeader || found.isOfNumbers || found.line != 1 || rows.size() <= lines) continue;
+    const std::vector<SampleRow> values(rows.begin() + static_cast<std::ptrdiff_t>(lines), rows.end());
+    if (HasNumericColumn(values, width)) return lines;
+  }
+  return 0;
 }
 
 bool IsCorrelationCell(const Spreadsheet& sheet, std::size_t row) {
@@ -94,44 +147,63 @@ void Mirror(const Spreadsheet& sheet, std::vector<CellRun>& runs) {
   runs.insert(runs.end(), mirrored.begin(), mirrored.end());
 }
 
-std::size_t WidthOf(const TextRows& texts) {
-  std::size_t width = 0;
-  for (const auto& row : texts) width = std::max(width, row.size());
-  return width;
-}
-
 }  // namespace
 
-Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const TextRows& texts,
+PastedTexts SplitNames(const Spreadsheet& sheet, std::size_t row, std::size_t column, TextRows texts,
+                       NumberLocale locale) {
+  const std::size_t lines =
+      sheet.Kind() == SheetKind::kMatrix || texts.empty() ? 0 : HeaderLines(texts, locale);
+  if (lines == 0) return {std::move(texts), {}};
+  std::vector<std::string> names = texts.front();
+  names.resize(WidthOf(texts));
+  const std::size_t right = std::min(column + names.size(), sheet.VariableCount());
+  std::unordered_set<std::string> others;
+  for (std::size_t v = 0; v < sheet.VariableCount(); ++v) {
+    if (v < column || v >= right) others.insert(sheet.VariableAt(v).Name());
+  }
+  for (std::size_t v = column; v < right; ++v) {
+    std::string& name = names[v - column];
+    name = Trim(name).empty() ? sheet.VariableAt(v).Name() : std::string(Trim(name));
+    if (name != sheet.VariableAt(v).Name() &&
+        !HasNoOtherValues(sheet.VariableAt(v), row, texts.size() - lines))
+      return {std::move(texts), {}};
+  }
+  texts.erase(texts.begin(), texts.begin() + static_cast<std::ptrdiff_t>(lines));
+  return {std::move(texts), ColumnNames(std::move(names), std::move(others))};
+}
+
+Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const PastedTexts& texts,
             NumberLocale locale) {
   Edits edits;
-  const std::size_t bottom = row + texts.size();
-  const std::size_t right = column + WidthOf(texts);
+  const TextRows& rows = texts.rows;
+  const std::size_t bottom = row + rows.size();
+  const std::size_t right = column + std::max(WidthOf(rows), texts.names.size());
   if (bottom > sheet.CaseCount() || right > sheet.VariableCount()) RequireData(sheet);
   const std::size_t cases = std::max(sheet.CaseCount(), bottom);
   if (cases > sheet.CaseCount())
     edits.emplace_back(AddCases{sheet.Name(), sheet.CaseCount(), {cases - sheet.CaseCount(), {}, {}, {}}});
-  SetFacts facts{sheet.Name(), {}};
+  SetFacts changed{sheet.Name(), {}};
   SetCells cells{sheet.Name(), {}};
   for (std::size_t v = column; v < std::min(right, sheet.VariableCount()); ++v) {
     const Variable& variable = sheet.VariableAt(v);
-    ReadColumn read = ReadTexts(variable, texts, v - column, row, locale);
-    if (!read.labels.empty()) {
-      facts.variables.emplace_back(v, FactsOf(variable));
-      facts.variables.back().second.labels.merge(read.labels);
-    }
-    cells.runs.push_back({v, row, std::move(read.values)});
+    VariableFacts facts = FactsOf(variable);
+    const bool isNew = sheet.Kind() != SheetKind::kMatrix && HasNoOtherValues(variable, row, rows.size());
+    cells.runs.push_back({v, row, ReadColumn(facts, isNew, rows, v - column, row, locale)});
+    if (!texts.names.empty()) facts.name = texts.names[v - column];
+    if (!AreSame(facts, FactsOf(variable))) changed.variables.emplace_back(v, std::move(facts));
   }
   Mirror(sheet, cells.runs);
-  if (!facts.variables.empty()) edits.emplace_back(std::move(facts));
+  if (!changed.variables.empty()) edits.emplace_back(std::move(changed));
   if (!cells.runs.empty()) edits.emplace_back(std::move(cells));
   if (right <= sheet.VariableCount()) return edits;
   SheetVariables added;
   const std::size_t first = std::max(column, sheet.VariableCount());
-  for (const std::string& name : FreeNames(sheet, right - sheet.VariableCount())) {
-    const std::size_t place = sheet.VariableCount() + added.variables.size();
+  const std::vector<std::string> free = FreeNames(sheet, right - sheet.VariableCount());
+  for (std::size_t place = sheet.VariableCount(); place < right; ++place) {
+    const bool isNamed = place >= first && !texts.names.empty();
+    const std::string& name = isNamed ? texts.names[place - column] : free[place - sheet.VariableCount()];
     added.variables.push_back(
-        NewVariable(name, cases, row, place < first ? TextRows() : texts, place - column, locale));
+        NewVariable(name, cases, row, place < first ? TextRows() : rows, place - column, locale));
   }
   edits.emplace_back(AddVariables{sheet.Name(), sheet.VariableCount(), std::move(added)});
   return edits;

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "apps/desktop/base/text_block.h"
 #include "apps/desktop/documents/edit.h"
@@ -18,10 +19,22 @@ struct CellArea {
   std::size_t columns = 0;
 };
 
+// Texts for cells, and the names of the variables that stood above them, if any did.
+struct PastedTexts {
+  TextRows rows;
+  std::vector<std::string> names;
+};
+
+// Takes the line of names, and one of units below it, off texts that are to go to a place: lines that the reader of text
+// files would take for them too. Names are those of variables that are added, that have no other values, or that have these
+// names already; where they would be others', the line stays among the texts.
+PastedTexts SplitNames(const Spreadsheet& sheet, std::size_t row, std::size_t column, TextRows texts,
+                       NumberLocale locale);
+
 // Texts into cells from a place on, to the right and down. Cases and variables that are not there yet are added behind
-// the others; an added variable is of numbers if all its texts are. In a matrix of correlations the mirrored cell
-// follows.
-Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const TextRows& texts,
+// the others. A variable that is added, or has no other values, gets its name, and is of texts if not all are numbers. In a
+// matrix of correlations the mirrored cell follows.
+Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const PastedTexts& texts,
             NumberLocale locale);
 // One text into all cells of a rectangle.
 Edits Fill(const Spreadsheet& sheet, const CellArea& area, const std::string& text, NumberLocale locale);

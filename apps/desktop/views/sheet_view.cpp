@@ -110,11 +110,18 @@ void SheetView::Paste() {
   const std::size_t column = area                ? area->column
                              : current.isValid() ? static_cast<std::size_t>(current.column())
                                                  : 0;
-  const bool isOneText = texts.size() == 1 && texts[0].size() == 1;
-  Try(tr("Paste"), [&] {
-    if (area && isOneText) return Fill(model_->Sheet(), *area, texts[0][0], UserNumberLocale());
-    return desktop::Paste(model_->Sheet(), row, column, texts, UserNumberLocale());
-  });
+  if (area && texts.size() == 1 && texts[0].size() == 1) {
+    Try(tr("Paste"), [&] { return Fill(model_->Sheet(), *area, texts[0][0], UserNumberLocale()); });
+    return;
+  }
+  const NumberLocale locale = UserNumberLocale();
+  const PastedTexts pasted = SplitNames(model_->Sheet(), row, column, texts, locale);
+  const bool isDone =
+      Try(tr("Paste"), [&] { return desktop::Paste(model_->Sheet(), row, column, pasted, locale); });
+  if (!isDone || pasted.names.empty()) return;
+  QStringList names;
+  for (const std::string& name : pasted.names) names << Shown(name);
+  emit said(tr("The first line was pasted as names: %1.").arg(names.join(QStringLiteral(", "))));
 }
 
 void SheetView::Clear() {

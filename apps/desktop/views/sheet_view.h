@@ -37,6 +37,7 @@ class SheetView : public QTableView {
 
  signals:
   void refused(const QString& why);
+  void said(const QString& what);
   void currentVariableChanged();
 
  protected:

@@ -159,6 +159,46 @@ TEST_F(SheetViewTest, APasteThatDoesNotFitChangesNothingAndSaysWhere) {
   for (int row = 0; row < 3; ++row) EXPECT_EQ(Cell(row, 1), "9");
 }
 
+// As spreadsheets copy a table: its first line names the columns.
+TEST_F(SheetViewTest, TheNamesAboveATableAreThoseOfTheVariables) {
+  Spreadsheet sheet("Data", 3, 2);
+  for (std::size_t v = 0; v < 2; ++v) std::ranges::fill(sheet.VariableAt(v).MutableValues(), std::nan(""));
+  Open(std::move(sheet));
+  QStringList said;
+  QObject::connect(view.get(), &SheetView::said, [&](const QString& what) { said << what; });
+  const auto paste = [&](int row, int column, const char* text) {
+    Select(row, column, row, column);
+    QGuiApplication::clipboard()->setText(QString::fromUtf8(text));
+    view->Paste();
+  };
+  const auto names = [&] {
+    std::string all;
+    for (std::size_t v = 0; v < Sheet().VariableCount(); ++v) all += Sheet().VariableAt(v).Name() + " ";
+    return all;
+  };
+  paste(0, 0, "height\tgroup\tVar1\n1.5\ta\t1\n2.5\tb\t2\n");
+  EXPECT_EQ(names(), "height group Var1 ");
+  EXPECT_EQ(Cell(1, 0), "2.5");
+  EXPECT_EQ(Cell(1, 1), "b") << "an empty variable is of texts if these are";
+  ASSERT_EQ(said.size(), 1);
+  EXPECT_EQ(said[0], "The first line was pasted as names: height, group, Var1.");
+  // Units below the names are none of the values, and names are told apart.
+  paste(0, 2, "Var1\theight\theight\n\tmm\tmm\n1\t7\t8\n2\t9\t10\n");
+  EXPECT_EQ(names(), "height group Var1 height_2 height_3 ");
+  EXPECT_EQ(Cell(0, 3), "7");
+  // A variable that keeps values keeps its name, and the line is a text among numbers then.
+  paste(1, 0, "width\n4\n");
+  ASSERT_EQ(refusals.size(), 1);
+  EXPECT_EQ(refusals[0], "height: expected a number, got 'width' in row 2");
+  paste(1, 0, "height\n4\n");
+  EXPECT_EQ(Cell(1, 0), "4");
+  EXPECT_EQ(Cell(0, 0), "1.5");
+  while (document->History().canUndo()) document->History().undo();
+  EXPECT_EQ(names(), "Var1 Var2 ");
+  EXPECT_EQ(Sheet().VariableAt(1).Type(), VariableType::kNumeric);
+  EXPECT_EQ(refusals.size(), 1);
+}
+
 // Also from and into a spreadsheet of the same language.
 TEST_F(SheetViewTest, NumbersHaveTheDecimalCommaOfThePerson) {
   SetUserNumberLocale({','});

@@ -107,6 +107,7 @@ void DocumentView::ShowGrid() {
     if (view == nullptr) {
       view = new SheetView(document_, sheet);
       connect(view, &SheetView::refused, this, &DocumentView::refused);
+      connect(view, &SheetView::said, this, &DocumentView::said);
       connect(view, &SheetView::currentVariableChanged, this, &DocumentView::currentChanged);
       grids_->addWidget(view);
     }

@@ -30,6 +30,7 @@ class DocumentView : public QWidget {
 
  signals:
   void refused(const QString& why);
+  void said(const QString& what);
   void currentChanged();
   void reloadAsked();
 

@@ -187,6 +187,7 @@ DocumentView& MainWindow::AddDocument(std::unique_ptr<Document> added) {
   auto* view = new DocumentView(document);
   history_.addStack(&document.History());
   connect(view, &DocumentView::refused, this, &MainWindow::Say);
+  connect(view, &DocumentView::said, this, &MainWindow::Say);
   connect(view, &DocumentView::currentChanged, this, &MainWindow::ShowCurrent);
   connect(view, &DocumentView::reloadAsked, this, [this, &document] { Reload(document); });
   connect(&document, &Document::stateChanged, this, &MainWindow::ShowState);
