@@ -7,7 +7,9 @@
 namespace brenvolt {
 namespace {
 
-Variable With(const std::vector<std::pair<std::string, std::string>>& properties) {
+using Properties = std::vector<std::pair<std::string, std::string>>;
+
+Variable With(const Properties& properties) {
   Variable variable("cost", 3);
   for (const auto& [key, value] : properties) variable.SetProperty(key, value);
   return variable;
@@ -38,6 +40,17 @@ TEST(VariableDesign, WhatIsNoDistributionIsRefusedAtItsCharacter) {
     EXPECT_EQ(error.Place(), 11U) << error.Where() << ": " << error.what();
   }
   EXPECT_THROW(PropertiesWith(With({}), "histogram(clear:0.7, rain:0.3)"), Error);
+}
+
+// Other properties stay, also ones that share their letters with a distribution.
+TEST(VariableDesign, AnEmptyTextTakesAwayTheDistributionAndWhatBelongsToIt) {
+  auto properties =
+      PropertiesWith(With({{"source", "gauge 7"}, {"Normality", "checked"}}), "normal(10, 2) in [5, ]");
+  EXPECT_GT(properties.size(), 3U);
+  properties.emplace_back("InvalidFit", "0");
+  EXPECT_EQ(PropertiesWith(With(properties), " "),
+            (Properties{{"source", "gauge 7"}, {"Normality", "checked"}}));
+  EXPECT_TRUE(DistributionOf(With(PropertiesWith(With(properties), ""))).empty());
 }
 
 }  // namespace

@@ -12,6 +12,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/jobs/notation/distribution_notation.h"
+#include "host/tables/editing/sheet_structure.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -83,12 +84,23 @@ PropertyPanel::PropertyPanel(Describer describer, Designer designer, QWidget* pa
 
 void PropertyPanel::Show(Document* document, Spreadsheet* sheet, std::size_t variable) {
   if (document_ == document && sheet_ == sheet && variable_ == variable) return;
+  if (document != nullptr) Commit();
   disconnect(connection_);
   document_ = document;
   sheet_ = sheet;
   variable_ = variable;
   if (document != nullptr) connection_ = connect(document, &Document::edited, this, &PropertyPanel::Refresh);
+  for (QLineEdit* const field : {name_, missingCode_, distribution_}) field->setModified(false);
   Refresh();
+}
+
+void PropertyPanel::Commit() {
+  if (name_->isModified()) Rename();
+  if (missingCode_->isModified()) ChangeMissingCode();
+  if (distribution_->isModified()) ChangeDistribution();
+  if (const Variable* const variable = Current(); variable != nullptr && !fault_->text().isEmpty())
+    emit refused(tr("%1 keeps its distribution until what was typed for it is mended: %2")
+                     .arg(Shown(variable->Name()), fault_->text()));
 }
 
 const Variable* PropertyPanel::Current() const {
@@ -107,80 +119,116 @@ void PropertyPanel::Refresh() {
     described_.clear();
     return;
   }
-  const Summary summary = SummaryOf(*variable);
-  const bool isText = variable->Type() == VariableType::kText;
-  name_->setText(Shown(variable->Name()));
-  kind_->setText(isText ? tr("text, %n different", nullptr, static_cast<int>(variable->Labels().size()))
-                        : tr("numbers"));
-  counts_->setText(tr("%L1 valid, %L2 missing").arg(summary.valid).arg(variable->Size() - summary.valid));
-  range_->setText(isText || summary.valid == 0
-                      ? QStringLiteral("–")
-                      : tr("%1 to %2").arg(ShownInFull(summary.minimum), ShownInFull(summary.maximum)));
-  missingCode_->setText(std::isnan(variable->MissingCode()) ? QString()
-                                                            : ShownInFull(variable->MissingCode()));
-  described_ = variable->Properties().empty() ? QString() : describer_(*variable);
-  distribution_->setText(described_);
-  distribution_->setCursorPosition(0);
-  distribution_->setEnabled(!isText);
-  fault_->clear();
+  ShowFacts(*variable);
+  ShowDistribution(*variable);
   QStringList lines;
   for (const auto& [key, value] : variable->Properties())
     lines << Shown(key) + QStringLiteral(": ") + Shown(value);
   properties_->setText(lines.isEmpty() ? QStringLiteral("–") : lines.join(QLatin1Char('\n')));
 }
 
-void PropertyPanel::Change(const QString& what, const std::function<void(VariableFacts& facts)>& change) {
+// Another edit leaves what is being typed.
+void PropertyPanel::ShowFacts(const Variable& variable) {
+  const Summary summary = SummaryOf(variable);
+  const bool isText = variable.Type() == VariableType::kText;
+  if (!name_->isModified()) name_->setText(Shown(variable.Name()));
+  kind_->setText(isText ? tr("text, %n different", nullptr, static_cast<int>(variable.Labels().size()))
+                        : tr("numbers"));
+  counts_->setText(tr("%L1 valid, %L2 missing").arg(summary.valid).arg(variable.Size() - summary.valid));
+  range_->setText(isText || summary.valid == 0
+                      ? QStringLiteral("–")
+                      : tr("%1 to %2").arg(ShownInFull(summary.minimum), ShownInFull(summary.maximum)));
+  if (!missingCode_->isModified())
+    missingCode_->setText(std::isnan(variable.MissingCode()) ? QString()
+                                                             : ShownInFull(variable.MissingCode()));
+}
+
+void PropertyPanel::ShowDistribution(const Variable& variable) {
+  described_ = variable.Properties().empty() ? QString() : describer_(variable);
+  distribution_->setEnabled(variable.Type() != VariableType::kText);
+  if (distribution_->isModified()) return;
+  fault_->clear();
+  const auto draft = drafts_.find(CurrentPlace());
+  distribution_->setText(draft != drafts_.end() ? draft->second : described_);
+  distribution_->setCursorPosition(0);
+  if (draft != drafts_.end()) ChangeDistribution();
+}
+
+bool PropertyPanel::Change(const QString& what, const std::function<void(VariableFacts& facts)>& change) {
   const Variable* variable = Current();
-  if (variable == nullptr) return;
+  if (variable == nullptr) return false;
   SetFacts edit{sheet_->Name(), {{variable_, FactsOf(*variable)}}};
   change(edit.variables[0].second);
-  if (AreSame(edit.variables[0].second, FactsOf(*variable))) return;
+  if (AreSame(edit.variables[0].second, FactsOf(*variable))) return true;
   Edits edits;
   edits.emplace_back(std::move(edit));
   try {
     document_->Do(what, std::move(edits));
+    return true;
   } catch (const Error& error) {
     emit refused(Shown(error.what()));
-    Refresh();
+    return false;
   }
 }
 
 void PropertyPanel::Rename() {
+  const Variable* const variable = Current();
   const std::string name = Utf8(name_->text().trimmed());
-  if (name.empty()) {
-    emit refused(tr("A variable needs a name."));
-    return Refresh();
+  name_->setModified(false);
+  if (variable == nullptr) return;
+  try {
+    RequireFreeName(*sheet_, variable_, name);
+    const auto draft = drafts_.extract(CurrentPlace());
+    Change(tr("Rename variable"), [&](VariableFacts& facts) { facts.name = name; });
+    if (!draft.empty()) drafts_[CurrentPlace()] = draft.mapped();
+  } catch (const Error& error) {
+    emit refused(Shown(error.what()));
   }
-  Change(tr("Rename variable"), [&](VariableFacts& facts) { facts.name = name; });
+  Refresh();
 }
 
 void PropertyPanel::ChangeMissingCode() {
   const std::string text = Utf8(missingCode_->text().trimmed());
   std::optional<double> code = text.empty() ? GetDefaultMDValue() : ParseNumber(text, UserNumberLocale());
+  missingCode_->setModified(false);
   if (!code) {
     emit refused(tr("Missing code: expected a number, got '%1'").arg(Shown(text)));
-    return Refresh();
+  } else {
+    Change(tr("Change missing code"), [&](VariableFacts& facts) { facts.missingCode = *code; });
   }
-  Change(tr("Change missing code"), [&](VariableFacts& facts) { facts.missingCode = *code; });
+  Refresh();
 }
 
 // What is wrong stays to be mended, with the cursor where it is.
 void PropertyPanel::PointAt(const QString& fault, std::size_t character) {
   fault_->setText(fault);
+  if (drafts_.insert_or_assign(CurrentPlace(), distribution_->text()).second) {
+    connect(document_, &QObject::destroyed, this, [this, document = document_] {
+      std::erase_if(drafts_, [&](const auto& draft) { return draft.first.document == document; });
+    });
+  }
   const auto place = std::min(static_cast<int>(character), static_cast<int>(distribution_->text().size()));
   distribution_->setSelection(place, 1);
 }
 
+// An empty text takes the distribution away.
 void PropertyPanel::ChangeDistribution() {
   const Variable* variable = Current();
   const QString text = distribution_->text().trimmed();
-  if (variable == nullptr || text == described_ || !fault_->text().isEmpty()) return;
-  if (text.isEmpty()) return Refresh();
+  if (variable == nullptr || !fault_->text().isEmpty()) return;
+  distribution_->setModified(false);
+  if (text == described_) {
+    drafts_.erase(CurrentPlace());
+    return;
+  }
   distribution_->setText(text);
   try {
     auto properties = designer_(*variable, Utf8(text));
-    Change(tr("Change distribution"),
-           [&](VariableFacts& facts) { facts.properties = std::move(properties); });
+    const bool isDone = Change(text.isEmpty() ? tr("Remove distribution") : tr("Change distribution"),
+                               [&](VariableFacts& facts) { facts.properties = std::move(properties); });
+    if (!isDone) return PointAt(tr("The distribution was not taken."), 0);
+    drafts_.erase(CurrentPlace());
+    Refresh();
   } catch (const NotationError& error) {
     PointAt(Shown(error.Where()) + QStringLiteral(": ") + Shown(error.what()), error.Place());
   } catch (const std::exception& error) {

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <QWidget>
+#include <compare>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "apps/desktop/documents/document.h"
@@ -27,15 +29,30 @@ class PropertyPanel : public QWidget {
 
   PropertyPanel(Describer describer, Designer designer, QWidget* parent = nullptr);
 
-  // Shows a variable until it is told of another one; none without a document.
+  // Shows a variable until it is told of another one, and takes what was typed for the former one; none without a document,
+  // and what was typed is given up. A distribution that cannot be taken is kept with its variable, to be mended.
   void Show(Document* document, Spreadsheet* sheet, std::size_t variable);
+  // Takes what was typed and not finished, before a project is saved or closed.
+  void Commit();
 
  signals:
   void refused(const QString& why);
 
  private:
+  // Which variable of which sheet of which document.
+  struct Place {
+    const Document* document;
+    std::string sheet;
+    std::string variable;
+    auto operator<=>(const Place&) const = default;
+  };
+  Place CurrentPlace() const { return {document_, sheet_->Name(), Current()->Name()}; }
+
   void Refresh();
-  void Change(const QString& what, const std::function<void(VariableFacts& facts)>& change);
+  void ShowFacts(const Variable& variable);
+  void ShowDistribution(const Variable& variable);
+  // False if the document refuses it, which is said.
+  bool Change(const QString& what, const std::function<void(VariableFacts& facts)>& change);
   void Rename();
   void ChangeMissingCode();
   void ChangeDistribution();
@@ -55,7 +72,8 @@ class PropertyPanel : public QWidget {
   QLabel* range_;
   QLineEdit* distribution_;
   QLabel* fault_;
-  QString described_;  // the distribution that the variable carries
+  QString described_;                // the distribution that the variable carries
+  std::map<Place, QString> drafts_;  // distributions that could not be taken
   QLabel* properties_;
 };
 

@@ -351,6 +351,7 @@ bool MainWindow::SaveAs() {
 }
 
 bool MainWindow::SaveDocument(Document& document, bool asNew) {
+  properties_->Commit();
   asNew |= !document.IsProject();
   if (!asNew && !ConfirmReplacement(document, asNew)) return false;
   if (!asNew) return WriteDocument(document, document.File());
@@ -412,6 +413,7 @@ bool MainWindow::WriteDocument(Document& document, const std::filesystem::path& 
 }
 
 bool MainWindow::MayClose(Document& document) {
+  properties_->Commit();
   if (!document.IsModified()) return true;
   if (DocumentView* view = ViewOf(document)) tabs_->setCurrentWidget(view);
   const auto answer = QMessageBox::question(
@@ -545,6 +547,7 @@ void MainWindow::ShowCurrent() {
   if (variable) {
     properties_->Show(&view->Owner(), &grid->Model().Sheet(), *variable);
   } else {
+    properties_->Commit();
     properties_->Show(nullptr, nullptr, 0);
   }
   ShowState();

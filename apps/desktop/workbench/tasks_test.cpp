@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QStatusBar>
 #include <QTableView>
 #include <QTreeWidget>
 
@@ -169,6 +170,51 @@ TEST_F(Tasks, ADistributionIsEnteredInPlainNotation) {
   window.CurrentDocument()->History().undo();
   EXPECT_TRUE(waiting.Properties().empty());
   EXPECT_EQ(field.text(), QString());
+  // An empty text takes a distribution away, and all that belongs to it.
+  window.CurrentDocument()->History().redo();
+  enter("");
+  EXPECT_TRUE(waiting.Properties().empty());
+  EXPECT_EQ(window.CurrentDocument()->History().undoText(), QStringLiteral("Remove distribution"));
+}
+
+// What is typed in the panel while the current cell, and with it the variable, changes.
+TEST_F(Tasks, WhatIsTypedForAVariableIsTakenOrKeptAndNotLost) {
+  ASSERT_TRUE(window.OpenFile(kExamples + "faithful.csv"));
+  SheetView& grid = *window.CurrentView()->CurrentGrid();
+  const auto go = [&](int variable) { grid.setCurrentIndex(grid.model()->index(0, variable)); };
+  const auto type = [](QLineEdit& field, const char* text) {
+    field.selectAll();
+    QTest::keyClicks(&field, QLatin1String(text));
+  };
+  Spreadsheet& sheet = window.CurrentDocument()->Content().SheetAt(0);
+  auto& name = Child<QLineEdit>(window, "variableName");
+  auto& missing = Child<QLineEdit>(window, "missingCode");
+  auto& distribution = Child<QLineEdit>(window, "distribution");
+  go(1);
+  type(distribution, "normal(50,");
+  type(missing, "-9");
+  go(0);
+  EXPECT_EQ(sheet.VariableAt(1).MissingCode(), -9);
+  EXPECT_EQ(distribution.text(), QString());
+  EXPECT_TRUE(
+      window.statusBar()->currentMessage().startsWith(QStringLiteral("waiting keeps its distribution")))
+      << Utf8(window.statusBar()->currentMessage());
+  // Names tell variables apart.
+  for (const char* refused : {"waiting", "  "}) {
+    type(name, refused);
+    QTest::keyClick(&name, Qt::Key_Return);
+    EXPECT_EQ(sheet.VariableAt(0).Name(), "eruptions") << refused;
+    EXPECT_EQ(name.text(), QStringLiteral("eruptions"));
+  }
+  EXPECT_TRUE(window.statusBar()->currentMessage().contains(QStringLiteral("a variable needs a name")));
+  type(name, "duration");
+  go(1);
+  EXPECT_EQ(sheet.VariableAt(0).Name(), "duration");
+  EXPECT_EQ(distribution.text(), QStringLiteral("normal(50,")) << "it waits to be mended";
+  EXPECT_FALSE(Child<QLabel>(window, "distributionFault").text().isEmpty());
+  type(distribution, "normal(50, 2)");
+  go(0);
+  EXPECT_FALSE(sheet.VariableAt(1).Properties().empty());
 }
 
 }  // namespace

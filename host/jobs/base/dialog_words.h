@@ -58,5 +58,7 @@ inline constexpr FitGraph kFitSummaryGraph{"summary", "SummaryGraph"};
 
 // The property that marks a variable with saved distributions.
 inline constexpr std::string_view kOrderProperty = "zOrder";
+inline constexpr std::string_view kTruncationProperty = "zTruncProp";
+inline constexpr std::string_view kInvalidFitProperty = "InvalidFit";
 
 }  // namespace brenvolt

@@ -1,7 +1,11 @@
 #include "host/jobs/dialogs/variable_design.h"
 
+#include <functional>
 #include <memory>
+#include <set>
+#include <sstream>
 
+#include "host/base/number_text.h"
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/quiet_interface.h"
@@ -30,6 +34,21 @@ class VariableDesign {
   std::unique_ptr<AnalysisSession> session_;
 };
 
+using Properties = std::vector<std::pair<std::string, std::string>>;
+
+// The order has the names of the distributions, which are properties of their own.
+Properties WithoutDistribution(const Variable& variable) {
+  std::set<std::string, std::less<>> taken{std::string(kOrderProperty), std::string(kTruncationProperty),
+                                           std::string(kInvalidFitProperty)};
+  std::istringstream names(variable.Property(kOrderProperty).value_or(std::string()));
+  for (std::string name; std::getline(names, name, ';');) taken.emplace(Trim(name));
+  Properties kept;
+  for (const auto& [key, value] : variable.Properties()) {
+    if (!taken.contains(key)) kept.emplace_back(key, value);
+  }
+  return kept;
+}
+
 }  // namespace
 
 std::string DistributionOf(const Variable& variable) {
@@ -41,6 +60,7 @@ std::string DistributionOf(const Variable& variable) {
 
 std::vector<std::pair<std::string, std::string>> PropertiesWith(const Variable& variable,
                                                                 std::string_view distribution) {
+  if (Trim(distribution).empty()) return WithoutDistribution(variable);
   const NotedDistribution noted = ReadDistribution(distribution);
   if (!noted.levels.empty())
     throw Error("the levels are texts, which only a predictor of a model may have; number them");

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/base/error.h"
+#include "host/base/number_text.h"
 #include "host/base/quoted.h"
 
 namespace brenvolt {
@@ -165,6 +166,16 @@ SheetCases RemoveCases(Spreadsheet& sheet, std::size_t at, std::size_t count) {
   if (!content.selection.accepted.empty()) removed.accepted = TakeFrom(content.selection.accepted, at, count);
   Refill(sheet, std::move(content));
   return removed;
+}
+
+void RequireFreeName(const Spreadsheet& sheet, std::size_t at, std::string_view name) {
+  if (Trim(name).empty()) throw Error("a variable needs a name", sheet.Name());
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) {
+    if (i != at && sheet.VariableAt(i).Name() == name)
+      throw Error("variable " + std::to_string(i + 1) + " is called " + Quoted(name) +
+                      " already; names tell variables apart",
+                  sheet.Name());
+  }
 }
 
 Spreadsheet& InsertSheet(Workbook& workbook, std::size_t at, std::unique_ptr<Spreadsheet> sheet) {

@@ -25,6 +25,9 @@ struct SheetVariables {
 void InsertVariables(Spreadsheet& sheet, std::size_t at, SheetVariables variables);
 SheetVariables RemoveVariables(Spreadsheet& sheet, std::size_t at, std::size_t count);
 
+// For the variable at a place. Throws Error, naming the sheet, if the name is empty or another variable has it.
+void RequireFreeName(const Spreadsheet& sheet, std::size_t at, std::string_view name);
+
 struct SheetCases {
   std::size_t count = 0;
   std::vector<std::vector<double>> values;  // of each variable; empty: all are missing

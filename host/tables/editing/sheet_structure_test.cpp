@@ -70,5 +70,13 @@ TEST(SheetStructureTest, SheetsGoBackToTheirPlaceInTheProject) {
   }
 }
 
+TEST(SheetStructureTest, ANameTellsOneVariableFromTheOthers) {
+  const Spreadsheet sheet("Data", 1, 2);
+  EXPECT_NO_THROW(RequireFreeName(sheet, 0, sheet.VariableAt(0).Name()));
+  EXPECT_NO_THROW(RequireFreeName(sheet, 0, "another"));
+  EXPECT_THROW(RequireFreeName(sheet, 0, sheet.VariableAt(1).Name()), Error);
+  EXPECT_THROW(RequireFreeName(sheet, 0, " "), Error);
+}
+
 }  // namespace
 }  // namespace brenvolt
