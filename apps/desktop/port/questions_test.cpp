@@ -2,6 +2,7 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScreen>
 #include <QScrollBar>
 #include <QTableView>
 #include <numeric>
@@ -12,6 +13,7 @@
 #include "apps/desktop/dialogs/variant_text.h"
 #include "apps/desktop/port/desktop_support_test.h"
 #include "apps/desktop/port/selection_question.h"
+#include "apps/desktop/port/variable_question.h"
 #include "apps/desktop/port/variable_table.h"
 #include "apps/desktop/port/weight_question.h"
 #include "host/base/number_text.h"
@@ -87,6 +89,76 @@ TEST(WeightQuestion, AVariableBeyondThoseThatAnAnalysisNumbersWeightsTheCases) {
   });
   EXPECT_TRUE(AskForWeights(question, nullptr, nullptr));
   EXPECT_EQ(question.variable, 70'001U);
+}
+
+// A screen of 800 by 800, as projectors and remote sessions have.
+TEST(VariableQuestion, OfLargeLettersAllIsOnASmallScreen) {
+  StartToolkit();
+  const QFont usual = QApplication::font();
+  QFont large = usual;
+  large.setPointSize(16);
+  QApplication::setFont(large);
+  const Spreadsheet sheet("Data", 3, 100);
+  VariableQuestion question{
+      "Select variables", "Continuous variables", "Discrete variables", {}, {1, 2}, {3}};
+  for (std::size_t i = 0; i < sheet.VariableCount(); ++i)
+    question.names.push_back(sheet.VariableAt(i).Name());
+  const Hand look("variables", [](QWidget& window) {
+    const QSize room = window.screen()->availableSize();
+    EXPECT_LE(window.frameGeometry().width(), room.width());
+    EXPECT_LE(window.frameGeometry().height(), room.height());
+    for (const QPushButton* button : window.findChildren<QPushButton*>()) {
+      EXPECT_GE(button->width(), button->minimumSizeHint().width()) << Utf8(button->text());
+      EXPECT_TRUE(window.rect().contains(QRect(button->mapTo(&window, QPoint()), button->size())))
+          << Utf8(button->text());
+    }
+    PressButton(window, QDialogButtonBox::RejectRole);
+  });
+  EXPECT_FALSE(AskForVariables(question, &sheet, nullptr));
+  EXPECT_TRUE(look.HasActed());
+  QApplication::setFont(usual);
+}
+
+// Opened, searched, chosen from, weighted and fitted; a person waits for none of it.
+TEST(Desk, AHundredThousandVariablesAreInUse) {
+  constexpr std::size_t kMany = 100'000;
+  Spreadsheet wide("Wide", 30, kMany);
+  for (const std::size_t v : {std::size_t{0}, std::size_t{30'000}, kMany - 1}) {
+    std::vector<double> values;
+    for (int i = 0; i < 30; ++i) values.push_back(1 + (i * 7 + static_cast<int>(v)) % 11);
+    wide.VariableAt(v).AssignValues(std::move(values));
+  }
+  Desk desk(kExamples + "faithful.csv");
+  QElapsedTimer timer;
+  timer.start();
+  desk.Begin(wide);
+  const Hand weigh("weights", [](QWidget& window) {
+    Child<QListWidget>(window, "list").setCurrentRow(static_cast<int>(kMany));
+    PressButton(window, QDialogButtonBox::AcceptRole);
+  });
+  desk.Click(1002);
+  EXPECT_EQ(wide.WeightVariable(), kMany - 1);
+  desk.Click(kControlOk);
+  qint64 longest = 0;
+  const Hand choose("variables", [&](QWidget& window) {
+    auto& search = Child<QLineEdit>(window, "search");
+    for (const char key : {'V', 'a', 'r', '3', '0', '0', '0', '1'}) {
+      QElapsedTimer stroke;
+      stroke.start();
+      QTest::keyClick(&search, key);
+      QCoreApplication::processEvents();
+      longest = std::max(longest, stroke.elapsed());
+    }
+    EXPECT_EQ(Child<QTableView>(window, "table").model()->rowCount(), 1);
+    Desk::ClickOn(Child<QPushButton>(window, "into1"));
+    PressButton(window, QDialogButtonBox::AcceptRole);
+  });
+  desk.Click(1010);
+  EXPECT_TRUE(choose.HasActed());
+  EXPECT_LT(longest, 300) << "milliseconds for a key";
+  desk.Click(kControlOk);
+  EXPECT_EQ(desk.Dialog(), 25983) << "the results of the fit";
+  EXPECT_LT(timer.elapsed(), 5000);
 }
 
 TEST(WindowInterface, VariablesWithTheirTypesAndCountsAreAllSeenWithoutScrolling) {

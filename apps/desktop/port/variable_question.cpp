@@ -21,6 +21,7 @@ namespace brenvolt::desktop {
 namespace {
 
 constexpr int kRows = 14;
+constexpr int kFewestRows = 5;
 constexpr int kFewestNameCharacters = 16;
 constexpr int kCharacters = 62;
 // Whose texts say how wide columns are.
@@ -44,6 +45,8 @@ class VariableDialog : public QDialog {
     connect(&table_, &VariableTable::chosenChanged, this, [this] { ShowCount(); });
     ShowCount();
     view_.setFocus();
+    const int more = (kRows - kFewestRows) * view_.verticalHeader()->defaultSectionSize();
+    resize(sizeHint().width(), std::min(sizeHint().height() + more, Available().height()));
   }
 
   const VariableTable& Table() const { return table_; }
@@ -81,9 +84,12 @@ class VariableDialog : public QDialog {
     view_.verticalHeader()->hide();
     view_.verticalHeader()->setDefaultSectionSize(view_.fontMetrics().height() * 3 / 2);
     view_.setTabKeyNavigation(false);
-    view_.setMinimumSize(WidthOfColumns(), kRows * view_.verticalHeader()->defaultSectionSize());
+    view_.setMinimumSize(WidthOfColumns(), kFewestRows * view_.verticalHeader()->defaultSectionSize());
     return &view_;
   }
+
+  // What the frame of the window leaves of the screen.
+  QSize Available() const { return screen()->availableSize() * 9 / 10; }
 
   // All columns are seen at once, and names take what the others leave.
   int WidthOfColumns() {
@@ -97,7 +103,8 @@ class VariableDialog : public QDialog {
       width += column == names ? std::max(few, header.sectionSize(column)) : header.sectionSize(column);
     }
     header.setSectionResizeMode(names, QHeaderView::Stretch);
-    const int least = kCharacters * view_.fontMetrics().averageCharWidth();
+    const int least =
+        std::min(kCharacters * view_.fontMetrics().averageCharWidth(), Available().width() * 9 / 10);
     return std::clamp(width, least, std::max(least, screen()->availableSize().width() * 3 / 4));
   }
 
@@ -113,8 +120,9 @@ class VariableDialog : public QDialog {
     table_.Choose(rows, list, isIn);
   }
 
+  // Beside each other where the screen has room for it.
   QLayout* MakeListButtons() {
-    auto* const row = new QHBoxLayout;
+    auto* const row = new QBoxLayout(QBoxLayout::LeftToRight);
     for (int list = 0; list < static_cast<int>(lists_.size()); ++list) {
       auto* const add = new QPushButton(tr("Into \"%1\"").arg(Spoken(lists_[list])));
       add->setObjectName(QStringLiteral("into%1").arg(list + 1));
@@ -128,6 +136,7 @@ class VariableDialog : public QDialog {
       for (int list = 0; list < static_cast<int>(lists_.size()); ++list) Choose(list, false);
     });
     row->addWidget(none);
+    if (row->sizeHint().width() > Available().width() * 9 / 10) row->setDirection(QBoxLayout::TopToBottom);
     row->addStretch(1);
     for (int i = 0; i + 1 < row->count(); ++i)
       static_cast<QPushButton*>(row->itemAt(i)->widget())->setAutoDefault(false);
