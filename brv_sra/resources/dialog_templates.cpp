@@ -279,6 +279,7 @@ const DialogTemplate& ProfilerTemplate() {
            {{kLsl, kRealField, Text(kProfilerLabelLsl)},
             {kUsl, kRealField, Text(kProfilerLabelUsl)},
             {kTarget, kRealField, Text(kProfilerLabelTarget)}},
+           {{kSpecificationFault, kLabel, ""}},
            {{kCapability, kButton, Text(kProfilerButtonCapability)},
             {kSummaryStats, kButton, Text(kProfilerButtonSummaryStats)},
             {kSummaryGraph, kButton, Text(kProfilerButtonSummaryGraph)}}}}}}}};

@@ -191,6 +191,7 @@ inline constexpr std::int32_t kSummaryGraph = 1351;
 inline constexpr std::int32_t kFormula = 1352;
 inline constexpr std::int32_t kSetFormula = 1353;
 inline constexpr std::int32_t kUndoFormula = 1354;
+inline constexpr std::int32_t kSpecificationFault = 1355;
 }  // namespace profiler_dialog
 
 }  // namespace brenvolt::sra

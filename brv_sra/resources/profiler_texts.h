@@ -148,6 +148,7 @@ inline constexpr auto kProfilerTexts = std::to_array<StringResource>({
     {kProfilerMean, "Mean"},
     {kProfilerNoSpecification, "none"},
     {kMsgProfilerUnknownClasses, "Cases of %s whose class is unknown to every model are left out: %s"},
+    {kProfilerSpecificationFault, "Specification: %s."},
 });
 
 }  // namespace brenvolt::sra

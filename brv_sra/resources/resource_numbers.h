@@ -526,6 +526,9 @@ inline constexpr std::int32_t kSimulationNoneLeftOut = 21196;
 // What becomes of correlations of noise.
 inline constexpr std::int32_t kCorrelationsCarryNoNoise = 21220;
 
+// What contradicts itself in a specification.
+inline constexpr std::int32_t kProfilerSpecificationFault = 21221;
+
 // Fits: what goes beyond the texts above.
 inline constexpr std::int32_t kTitleRankedByAkaike = 21200;
 inline constexpr std::int32_t kTitleRankedByBayes = 21201;

@@ -18,9 +18,11 @@
 #include "brv_sra/resources/dialog_templates.h"
 #include "brv_sra/resources/resource_numbers.h"
 #include "brv_sra/resources/strings.h"
+#include "host/analysis/specification_words.h"
 #include "host/automation/dialog_interface.h"
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/formula/assignment_words.h"
 #include "host/formula/formula.h"
 
 namespace brenvolt::sra {
@@ -117,6 +119,9 @@ void CSimulationProfiler::EnableOutputs() {
   const bool any = State().selected < Design().dependents.size();
   const bool simulated = State().output != nullptr && State().output->HasTable();
   Controls().Show(kDefects, any && Selected().limits.IsValid());
+  const std::string_view fault = any ? ContradictionIn(Selected().limits) : std::string_view();
+  Controls().SetText(kSpecificationFault,
+                     fault.empty() ? "" : FormatResource(kProfilerSpecificationFault, std::string(fault)));
   for (const std::int32_t control : {kCapability, kSummaryStats, kSummaryGraph})
     Controls().Enable(control, any && simulated);
   Controls().Enable(kUndoFormula, any && !Selected().formerFormulas.empty());
@@ -270,7 +275,7 @@ void CSimulationProfiler::PutFormula(const std::string& text, std::size_t depend
     added.name = *assignment.name;
     dependent = known ? *known : changed.AddDependent(std::move(added));
   }
-  if (dependent >= changed.dependents.size()) throw Error(szLoadResString(kMsgProfilerNoDependent));
+  if (dependent >= changed.dependents.size()) throw Error(ExpectedAssignment(text));
   const std::string expression(Trim(std::string_view(text).substr(assignment.begin)));
   const ProfilerNotes notes = SetFormula(changed, dependent, expression, GetInputTable());
   Design() = std::move(changed);

@@ -5,6 +5,7 @@
 #include "host/analysis/run_bounds.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
+#include "host/formula/assignment_words.h"
 #include "host/formula/compiler.h"
 #include "host/formula/formula.h"
 #include "host/jobs/base/output_files.h"
@@ -28,7 +29,7 @@ void CheckFormula(const std::string& text, std::vector<std::string>& responses, 
   try {
     const FormulaAssignment assignment = SplitAssignment(text);
     if (!assignment.name || Trim(std::string_view(text).substr(assignment.begin)).empty()) {
-      faults.push_back({"formulas", "expected RESPONSE=EXPRESSION, got " + Quoted(text)});
+      faults.push_back({"formulas", ExpectedAssignment(text)});
       return;
     }
     responses.push_back(*assignment.name);
