@@ -25,6 +25,8 @@ namespace {
 
 constexpr double kStep = 1.25;
 constexpr double kLeastZoom = 0.125;
+// Smaller letters could not be read.
+constexpr double kLeastFitted = 0.7;
 // Of an enlarged picture, in pixels of the screen.
 constexpr double kMostPixels = 4e7;
 // Wider pictures are not easier to read; they are enlarged instead.
@@ -72,6 +74,7 @@ void PictureView::Draw() {
     FramedPicture picture = DrawFramedPicture(Content(), {PictureFormat::kSvg, Theme(), drawnWidth_});
     drawn_ = std::make_unique<QSvgRenderer>(QByteArray::fromStdString(picture.bytes));
     frames_ = std::move(picture.frames);
+    FitPage();
     ShowDrawn();
   } catch (const Error& error) {
     label_->setWordWrap(true);
@@ -102,8 +105,15 @@ void PictureView::ShowDrawn() {
   label_->resize(size.toSize());
 }
 
+void PictureView::FitPage() {
+  if (drawn_ == nullptr || isZoomed_ || Content().panels.empty()) return;
+  const int room = maximumViewportSize().width() - verticalScrollBar()->sizeHint().width();
+  zoom_ = std::clamp(room / DrawnSize().width(), kLeastFitted, 1.0);
+}
+
 void PictureView::SetZoom(double zoom) {
   if (drawn_ == nullptr) return;
+  isZoomed_ = true;
   const QSizeF size = DrawnSize() * devicePixelRatioF();
   zoom_ = std::clamp(zoom, kLeastZoom, std::sqrt(kMostPixels / (size.width() * size.height())));
   ShowDrawn();
@@ -242,7 +252,10 @@ void PictureView::MoveLimit(bool isLast) {
 
 void PictureView::resizeEvent(QResizeEvent* event) {
   QScrollArea::resizeEvent(event);
-  if (drawnWidth_ != WantedWidth()) Draw();
+  if (drawnWidth_ != WantedWidth()) return Draw();
+  const double former = zoom_;
+  FitPage();
+  if (zoom_ != former) ShowDrawn();
 }
 
 void PictureView::wheelEvent(QWheelEvent* event) {

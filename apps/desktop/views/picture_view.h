@@ -59,6 +59,8 @@ class PictureView : public QScrollArea {
   PictureTheme Theme() const;
   int WantedWidth() const;
   void SetZoom(double zoom);
+  // Makes a page of panels narrower than its own width where the view is, until a person enlarges it or makes it smaller.
+  void FitPage();
   // Draws the graph for the present width of the view, and shows it.
   void Draw();
   void ShowDrawn();
@@ -78,6 +80,7 @@ class PictureView : public QScrollArea {
   std::vector<PictureFrame> frames_;  // in pixels of the picture as it was drawn
   int drawnWidth_ = -1;
   double zoom_ = 1;
+  bool isZoomed_ = false;  // by a person
 
   LimitMover* mover_;
   std::optional<PictureLimit> dragged_;

@@ -200,5 +200,29 @@ TEST_F(PictureViewTest, ALimitFollowsTheMouseAndIsMovedForGoodOnce) {
   EXPECT_EQ(mover.values.size(), count);
 }
 
+// A page of panels keeps its own width, wider than the room beside data; its right half must not be cut off.
+TEST_F(PictureViewTest, APageOfPanelsIsShownWholeUntilAPersonZooms) {
+  Graph page;
+  page.kind = GraphKind::kSummary;
+  page.panels = {Histogram(), Histogram(), Histogram(), Histogram()};
+  view->Show(std::make_shared<CAnalysisGraphDoc>(page));
+  const auto resize = [&](int width) {
+    view->resize(width, 500);
+    QCoreApplication::processEvents();
+  };
+  resize(1600);
+  EXPECT_EQ(view->Zoom(), 1);
+  const int own = Picture().width();
+  resize(own * 9 / 10);
+  EXPECT_LT(view->Zoom(), 1);
+  EXPECT_LE(Picture().width(), view->viewport()->width());
+  resize(own / 4);
+  EXPECT_EQ(view->Zoom(), 0.7) << "letters are to be read";
+  view->ZoomIn();
+  const double chosen = view->Zoom();
+  resize(own);
+  EXPECT_EQ(view->Zoom(), chosen);
+}
+
 }  // namespace
 }  // namespace brenvolt::desktop

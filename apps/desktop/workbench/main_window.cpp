@@ -145,7 +145,7 @@ void MainWindow::ConnectParts() {
     tabs_->setCurrentIndex(tab);
     CloseDocument();
   });
-  connect(results_, &ResultsPanel::added, results_, &QWidget::show);
+  connect(results_, &ResultsPanel::added, this, &MainWindow::ShowResults);
   connect(results_, &ResultsPanel::said, this, &MainWindow::Say);
   connect(results_, &ResultsPanel::reportAsked, this, &MainWindow::ExportReport);
   connect(results_, &ResultsPanel::keepAsked, this, [this](const std::shared_ptr<CAnalysisTableDoc>& table) {
@@ -260,6 +260,13 @@ bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) 
 }
 
 // What is not as usual in a file stays readable at its tab.
+// The first results get more room than the data, unless a person has divided the window.
+void MainWindow::ShowResults() {
+  const bool isFirst = results_->isHidden() && settings_.Layout(QStringLiteral("splitter")).isEmpty();
+  results_->show();
+  if (isFirst) splitter_->setSizes({width() * 3 / 10, width() * 7 / 10});
+}
+
 void MainWindow::SayFound(Document& document) {
   QStringList found;
   for (const std::string& one : FoundIn(document.Data(), document.Reading())) found << Shown(one);

@@ -102,6 +102,7 @@ class MainWindow : public QMainWindow {
   // Asks before what is in no file is lost; false if the person cancelled.
   bool MayLoseResults();
   void KeepSession();
+  void ShowResults();
   void SayFound(Document& document);
   void SetRecording(bool on);
   void Reload(Document& document);
