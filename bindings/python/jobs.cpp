@@ -170,7 +170,8 @@ JobInput InputOf(const Sheet& sheet, bool isLent, std::shared_ptr<AnalysisRef>& 
 }
 
 ReportContext ContextOf(AnalysisRef& analysis, bool isFromFile) {
-  return {analysis.Input()->Sheet(), analysis.Session().Interface().Messages(), isFromFile};
+  return {analysis.Input()->Sheet(), analysis.Session().Interface().Messages(),
+          isFromFile ? std::string() : kFromProgram};
 }
 
 // The analysis, the names of the fitted variables in the order of the results, their fits, and their quantiles as JSON.

@@ -20,6 +20,8 @@ namespace {
 using Names = std::vector<std::string>;
 
 constexpr std::int32_t kUsualMixtures = 2;
+// The choices for more variables take too long to be asked for.
+constexpr std::size_t kMostRead = 2000;
 
 Variant GetAt(AutomationObject& dialog, std::string_view member, std::size_t place) {
   const Variant index(static_cast<std::int32_t>(place + 1));
@@ -199,6 +201,9 @@ void ReadNoiseCorrelations(AutomationObject& dialog, const Names& names, Profile
 }  // namespace
 
 FitInDialog ReadFitJob(AutomationObject& dialog, const Spreadsheet& sheet) {
+  if (sheet.VariableCount() > kMostRead)
+    throw Error("the choices for more than " + std::to_string(kMostRead) +
+                " variables are not read from the dialog; the command fit takes them as options");
   return FitReader(dialog, sheet).Read();
 }
 

@@ -14,7 +14,7 @@ struct FitInDialog {
   FitJob job;
   bool isWhole = true;  // false: variables are treated in ways that the job cannot tell apart
 };
-// Of the fit specification over a sheet.
+// Of the fit specification over a sheet of no more variables than can be asked for one by one.
 FitInDialog ReadFitJob(AutomationObject& dialog, const Spreadsheet& sheet);
 // Of the simulation of a sheet. Its samples can be drawn again, or there is no job.
 SimulateJob ReadSimulateJob(AutomationObject& dialog, const Spreadsheet& sheet);

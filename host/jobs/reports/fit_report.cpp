@@ -56,8 +56,7 @@ class FitReportMaker {
     report_.title = "Distributions fitted to " + source;
     report_.summary = CountText(variables_.size(), "variable") + ", " +
                       CountText(context.sheet.CaseCount(), "case") + ", fitted, tested and ranked.";
-    report_.sections.push_back(
-        AskedSection(Sentence(source), Facts(), context.isFromFile ? CommandOf(job) : std::string()));
+    report_.sections.push_back(AskedSection(Sentence(source), Facts(), CommandOf(job), context.obstacle));
     report_.sections.push_back(DataSection(job.data, context));
     report_.sections.push_back(IndexSection());
     report_.sections.push_back(NotesSection(Notes(), context.messages));

@@ -95,7 +95,7 @@ Report ReportOf(const CapabilityJob& job, const CapabilityFindings& found, const
   report.summary = MeasuredText(found) + ", judged against " + LimitsText(found) + ".";
   report.sections.push_back(
       AskedSection("Measured values of " + found.response + " were judged against their specification.",
-                   AskedOf(job, found), context.isFromFile ? CommandOf(job) : std::string()));
+                   AskedOf(job, found), CommandOf(job), context.obstacle));
   report.sections.push_back(DataSection(job.data, context));
   report.sections.push_back(StabilitySection(found));
   report.sections.push_back(IndexSection(found));
@@ -114,7 +114,7 @@ Report ReportOf(const CensoredFitJob& job, const CensoredFindings& found, const 
   report.summary = CountText(found.variables.size(), "variable") + ", fitted and ranked.";
   report.sections.push_back(AskedSection("Distributions were fitted to life data of " + source +
                                              ", of whose values some are known by bounds alone, and ranked.",
-                                         AskedOf(job), context.isFromFile ? CommandOf(job) : std::string()));
+                                         AskedOf(job), CommandOf(job), context.obstacle));
   report.sections.push_back(DataSection(job.fit.data, context));
   ReportSection variables{"Variables"};
   for (std::size_t i = 0; i < found.variables.size(); ++i)

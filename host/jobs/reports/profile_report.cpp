@@ -144,7 +144,7 @@ Report ProfileReport(const ProfileJob& job, const ProfileFindings& found, const 
   report.sections.push_back(
       AskedSection("Predictors were drawn at random, and what is predicted from them was "
                    "summarized and compared with its specification.",
-                   FactsOf(job, found), context.isFromFile ? CommandOf(job, found.seed) : std::string()));
+                   FactsOf(job, found), CommandOf(job, found.seed), context.obstacle));
   if (context.sheet.CaseCount() > 0) report.sections.push_back(DataSection(job.data, context));
   ReportSection summary{"Summary"};
   summary.Show(IndexOf(results));

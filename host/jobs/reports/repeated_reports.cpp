@@ -1,6 +1,7 @@
 #include "host/jobs/reports/repeated_reports.h"
 
 #include <memory>
+#include <utility>
 
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/quiet_interface.h"
@@ -22,7 +23,9 @@ class Repetition {
               return *session_;
             }};
   }
-  ReportContext Context(bool isFromFile) const { return {sheet_, interface_.Messages(), isFromFile}; }
+  ReportContext Context(std::string obstacle) const {
+    return {sheet_, interface_.Messages(), std::move(obstacle)};
+  }
 
  private:
   QuietInterface interface_;
@@ -33,20 +36,20 @@ class Repetition {
 
 }  // namespace
 
-Report RepeatedReport(SimulateJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile) {
+Report RepeatedReport(SimulateJob job, const Spreadsheet& sheet, DataFile& home, std::string obstacle) {
   Repetition again(sheet, home);
   JobRecorder none;
   job.keepsTable = true;
   const SimulationFindings found = job.Run(again.Input(), none);
-  return SimulationReport(job, found, again.Context(isFromFile));
+  return SimulationReport(job, found, again.Context(std::move(obstacle)));
 }
 
-Report RepeatedReport(ProfileJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile) {
+Report RepeatedReport(ProfileJob job, const Spreadsheet& sheet, DataFile& home, std::string obstacle) {
   Repetition again(sheet, home);
   JobRecorder none;
   job.keepsGraphs = true;
   const ProfileFindings found = job.Run(again.Input(), none);
-  return ProfileReport(job, found, again.Context(isFromFile));
+  return ProfileReport(job, found, again.Context(std::move(obstacle)));
 }
 
 }  // namespace brenvolt

@@ -7,9 +7,9 @@
 
 namespace brenvolt {
 
-// Of a sheet that is open, in the workbook `home`; neither is changed. `isFromFile` says that the command which opens the
-// file of the job's data does the same. Throw WrongJob, JobFailed and Error.
-Report RepeatedReport(SimulateJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile);
-Report RepeatedReport(ProfileJob job, const Spreadsheet& sheet, DataFile& home, bool isFromFile);
+// Of a sheet that is open, in the workbook `home`; neither is changed. `obstacle` says why no command repeats the
+// job, and is empty where one does. Throw WrongJob, JobFailed and Error.
+Report RepeatedReport(SimulateJob job, const Spreadsheet& sheet, DataFile& home, std::string obstacle);
+Report RepeatedReport(ProfileJob job, const Spreadsheet& sheet, DataFile& home, std::string obstacle);
 
 }  // namespace brenvolt

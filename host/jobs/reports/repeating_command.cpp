@@ -57,6 +57,22 @@ class CommandText {
     return list;
   }
 
+  // How the file of the data is read.
+  void AddReading(const JobData& data) {
+    const TextOptions& text = data.text;
+    AddText("sheet", data.sheet);
+    AddFlag("--decimal-comma", data.decimalComma);
+    AddWord("delimiter", text.delimiter);
+    AddWord("decimal", text.decimal);
+    AddWord("thousands", text.thousands);
+    AddWord("header", text.header);
+    if (text.unitsRow) AddFlag(*text.unitsRow ? "--units-row" : "--no-units-row", true);
+    AddWord("comment", text.comment);
+    AddWord("encoding", text.encoding);
+    AddList("missingText", text.missingText);
+    AddList("text", text.text);
+  }
+
   // A name for an option whose value is parted at these characters.
   const std::string& Parted(const std::string& name, std::string_view separators) {
     canSayAll_ = canSayAll_ && name.find_first_of(separators) == std::string::npos;
@@ -104,8 +120,7 @@ void AddSpecification(const ResponseSpecification& one, CommandText& command) {
 }
 
 void AddFit(const FitJob& job, CommandText& command) {
-  command.AddText("sheet", job.data.sheet);
-  command.AddFlag("--decimal-comma", job.data.decimalComma);
+  command.AddReading(job.data);
   command.AddFlag("--yes", job.data.yes);
   command.AddList("continuous", job.variables.continuous);
   command.AddList("discrete", job.variables.discrete);
@@ -163,8 +178,7 @@ std::string CommandOf(const CensoredFitJob& job) {
 std::string CommandOf(const CapabilityJob& job) {
   if (job.data.file.empty()) return {};
   CommandText command("capability", job.data.file);
-  command.AddText("sheet", job.data.sheet);
-  command.AddFlag("--decimal-comma", job.data.decimalComma);
+  command.AddReading(job.data);
   command.AddText("response", job.response);
   for (const ResponseSpecification& one : job.specifications) AddSpecification(one, command);
   command.AddWord("subgroup", job.subgroup);
@@ -205,8 +219,7 @@ std::string CommandOf(const ProfileJob& job, std::int32_t seed) {
   if (!job.functions.empty() || job.givenMatrix != nullptr || job.inputs.correlationTable != nullptr)
     return {};
   CommandText command("profile", job.data.file);
-  command.AddText("sheet", job.data.sheet);
-  command.AddFlag("--decimal-comma", job.data.decimalComma);
+  command.AddReading(job.data);
   for (const auto& model : job.models) command.Add("models", model.string());
   command.AddEach("formulas", job.formulas);
   AddInputs(job.inputs, command);

@@ -48,16 +48,23 @@ void AddFile(const std::filesystem::path& file, ReportFacts& facts) {
 
 }  // namespace
 
-ReportSection AskedSection(std::string sentence, ReportFacts facts, const std::string& command) {
+void SayCommand(const std::string& command, const std::string& obstacle, ReportSection& section) {
+  if (!obstacle.empty()) return section.Say(obstacle);
+  if (command.empty())
+    return section.Say(
+        "The data or functions came from a program, or names have characters that separate names in lists, "
+        "so "
+        "that no command repeats this.");
+  section.Say("This command repeats it:");
+  section.blocks.emplace_back(ReportCode{command});
+}
+
+ReportSection AskedSection(std::string sentence, ReportFacts facts, const std::string& command,
+                           const std::string& obstacle) {
   ReportSection section{"What was asked"};
   section.Say(std::move(sentence));
   if (!facts.facts.empty()) section.blocks.emplace_back(std::move(facts));
-  if (command.empty()) {
-    section.Say("The data or functions came from a program, so that no command repeats this.");
-    return section;
-  }
-  section.Say("This command repeats it:");
-  section.blocks.emplace_back(ReportCode{command});
+  SayCommand(command, obstacle, section);
   return section;
 }
 

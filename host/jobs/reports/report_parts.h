@@ -24,11 +24,25 @@ inline constexpr std::size_t kMostShown = 50;
 struct ReportContext {
   const Spreadsheet& sheet;
   const std::vector<Message>& messages;  // of the run
-  bool isFromFile = true;                // a command that opens the file does the same
+  std::string obstacle{};                // why no command repeats it; empty if one that opens the file does
 };
 
-// What was asked, in words: a sentence, and what was said besides; then the command that repeats it, which may be empty.
-ReportSection AskedSection(std::string sentence, ReportFacts facts, const std::string& command);
+// Obstacles.
+inline constexpr const char* kFromProgram =
+    "The data or functions came from a program, so that no command repeats this.";
+inline constexpr const char* kChangedSinceOpened =
+    "The data were changed after they were opened, and are in no file as they are now, so that no command "
+    "repeats this. Save them and make the report again to have the command.";
+inline constexpr const char* kFileChanged =
+    "Another program changed the file after it was opened, so that no command repeats this.";
+inline constexpr const char* kTreatedApart =
+    "The variables are treated in different ways, which one command cannot say.";
+
+// The command, which may be empty where none can say it, or what stands in its way.
+void SayCommand(const std::string& command, const std::string& obstacle, ReportSection& section);
+// What was asked, in words: a sentence, and what was said besides; then the command that repeats it, or `obstacle`.
+ReportSection AskedSection(std::string sentence, ReportFacts facts, const std::string& command,
+                           const std::string& obstacle = {});
 // Where the data are from, how many they are, and which of them count.
 ReportSection DataSection(const JobData& data, const ReportContext& context);
 // The program and its version, the time, and the seed where there is one.

@@ -21,6 +21,10 @@ Report ReportOf(const ProfileJob& job, const ProfileFindings& found, const Repor
   return ProfileReport(job, found, context);
 }
 
+std::string ObstacleOf(bool isFromFile) {
+  return isFromFile ? std::string() : kFromProgram;
+}
+
 // By rank 0, if several processes share the job.
 template <class Job, class Findings>
 void WriteAsked(const Job& job, const std::filesystem::path& report, const Findings& found,
@@ -44,7 +48,7 @@ auto RunInput(const Job& job, JobInput input, JobRecorder& recorder, bool isFrom
     return *session;
   };
   auto found = job.Run(input, recorder);
-  WriteAsked(job, job.report, found, {input.sheet, session->Interface().Messages(), isFromFile});
+  WriteAsked(job, job.report, found, {input.sheet, session->Interface().Messages(), ObstacleOf(isFromFile)});
   return found;
 }
 
@@ -53,7 +57,7 @@ auto RunSheet(const Job& job, const JobData& data, const std::filesystem::path& 
               const JobRecorder& recorder) {
   auto found = job.Run(sheet, recorder);
   const std::vector<Message> none;
-  WriteAsked(job, report, found, {sheet, none, !data.file.empty()});
+  WriteAsked(job, report, found, {sheet, none, ObstacleOf(!data.file.empty())});
   return found;
 }
 

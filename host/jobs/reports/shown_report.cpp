@@ -47,8 +47,11 @@ ReportTable TableOf(const Spreadsheet& sheet) {
 
 }  // namespace
 
-Report ShownReport(std::string title, std::span<const ShownResult> results) {
+Report ShownReport(std::string title, std::span<const ShownResult> results, const ShownOrigin& origin) {
   Report report{std::move(title), CountText(results.size(), "result") + ", as shown in the window.", {}};
+  if (!origin.command.empty() || !origin.obstacle.empty())
+    SayCommand(origin.command, origin.obstacle,
+               report.sections.emplace_back(ReportSection{"What was asked"}));
   for (const ShownResult& result : results) {
     ReportSection& section = report.sections.emplace_back(ReportSection{result.title});
     if (result.table != nullptr) section.Show(TableOf(*result.table));

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 
+#include "host/jobs/reports/shown_origin.h"
 #include "host/reporting/report.h"
 #include "host/tables/spreadsheet.h"
 
@@ -18,6 +19,6 @@ struct ShownResult {
 };
 
 // A section for each result. Of long and wide tables the beginning is there, and a note that says so.
-Report ShownReport(std::string title, std::span<const ShownResult> results);
+Report ShownReport(std::string title, std::span<const ShownResult> results, const ShownOrigin& origin = {});
 
 }  // namespace brenvolt

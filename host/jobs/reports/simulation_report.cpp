@@ -80,9 +80,9 @@ Report SimulationReport(const SimulateJob& job, const SimulationFindings& found,
   report.title = "Data simulated from " + source;
   report.summary = CountText(found.design.variables.size(), "variable") + ", " + CountedSamples(job) + ", " +
                    found.results.summary.title + ", seed " + std::to_string(found.seed) + ".";
-  report.sections.push_back(AskedSection(
-      CountedSamples(job) + " of each variable were drawn from its distribution.", FactsOf(job, found),
-      context.isFromFile ? CommandOf(job, found.method, found.seed) : std::string()));
+  report.sections.push_back(
+      AskedSection(CountedSamples(job) + " of each variable were drawn from its distribution.",
+                   FactsOf(job, found), CommandOf(job, found.method, found.seed), context.obstacle));
   if (!isByHand) report.sections.push_back(DataSection(job.data, context));
   ReportSection drawn{"Distributions"};
   drawn.Show(DrawnTable(found.design));
