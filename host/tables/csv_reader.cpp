@@ -17,6 +17,7 @@
 #include "host/base/number_text.h"
 #include "host/base/parallel.h"
 #include "host/base/utf8.h"
+#include "host/base/work_watch.h"
 #include "host/tables/csv_cell.h"
 #include "host/tables/csv_scan.h"
 
@@ -78,12 +79,17 @@ class Reader {
   Spreadsheet Read(const std::string& sheetName, std::size_t blockBytes) {
     const std::size_t body = ReadHeader();
     SplitBody(body, blockBytes);
-    ParallelFor(blocks_.size(), [&](std::size_t i) { ReadBlock(blocks_[i]); });
+    // Read, gathered, and read again for texts.
+    WatchedSteps steps(3 * std::ssize(blocks_));
+    ParallelFor(blocks_.size(), [&](std::size_t i) {
+      ReadBlock(blocks_[i]);
+      steps.Done();
+    });
     NumberRows();
     FindTextColumns();
     ThrowOnTooLargeNumber();
-    GatherColumns();
-    ReadTexts();
+    GatherColumns(steps);
+    ReadTexts(steps);
 
     Spreadsheet sheet(sheetName);
     for (std::size_t c = 0; c < names_.size(); ++c) sheet.AddVariable(MakeVariable(c));
@@ -112,8 +118,8 @@ class Reader {
   void JudgeTexts(std::size_t column, std::vector<StrayTexts>& stray);
   std::vector<StrayTexts::Cell> FirstTexts(std::size_t column) const;
   void ThrowOnTooLargeNumber() const;
-  void GatherColumns();
-  void ReadTexts();
+  void GatherColumns(WatchedSteps& steps);
+  void ReadTexts(WatchedSteps& steps);
   void ReadBlockTexts(const Block& block, std::vector<TextCodes>& codes);
   void UniteCodes(std::size_t place);
   Variable MakeVariable(std::size_t column);
@@ -349,7 +355,7 @@ void Reader::ThrowOnTooLargeNumber() const {
   }
 }
 
-void Reader::GatherColumns() {
+void Reader::GatherColumns(WatchedSteps& steps) {
   const std::size_t width = names_.size();
   columns_.resize(width);
   ParallelFor(width, [&](std::size_t c) { columns_[c].resize(rows_); });
@@ -360,15 +366,17 @@ void Reader::GatherColumns() {
       for (std::size_t row = 0; row < block.rows; ++row) column[row] = block.cells[row * width + c];
     }
     std::vector<double>().swap(block.cells);
+    steps.Done();
   });
 }
 
-void Reader::ReadTexts() {
+void Reader::ReadTexts(WatchedSteps& steps) {
   if (textColumns_.empty()) return;
   blockCodes_.resize(blocks_.size());
   ParallelFor(blocks_.size(), [&](std::size_t i) {
     blockCodes_[i].resize(textColumns_.size());
     ReadBlockTexts(blocks_[i], blockCodes_[i]);
+    steps.Done();
   });
   codes_.resize(textColumns_.size());
   ParallelFor(textColumns_.size(), [&](std::size_t place) { UniteCodes(place); });

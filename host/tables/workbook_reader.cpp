@@ -7,6 +7,8 @@
 #include <system_error>
 #include <unordered_set>
 
+#include "host/base/work_watch.h"
+
 namespace brenvolt {
 namespace {
 
@@ -75,7 +77,8 @@ class ContentReader {
         caseNames_(
             connection.Prepare("SELECT position, name FROM case_name WHERE sheet = ? ORDER BY position")),
         budget_(static_cast<std::uint64_t>(connection.QueryInteger("PRAGMA page_count")) *
-                static_cast<std::uint64_t>(connection.QueryInteger("PRAGMA page_size"))) {}
+                static_cast<std::uint64_t>(connection.QueryInteger("PRAGMA page_size"))),
+        steps_(connection.QueryInteger("SELECT count(*) FROM column_chunk")) {}
 
   WorkbookContent Read();
   std::vector<SheetOutline> Outline();
@@ -107,6 +110,7 @@ class ContentReader {
   Statement properties_;
   Statement caseNames_;
   std::uint64_t budget_;
+  WatchedSteps steps_;  // parts of columns
   StoredColumns columns_;
   std::unordered_set<std::string> names_;
 };
@@ -303,6 +307,7 @@ std::vector<double> ContentReader::ReadColumn(std::int64_t id, const std::string
     const std::size_t size = blobs_.Seek(Integer(chunks_, 0));
     if (size > rest.size()) Damaged("it has more values of \"" + name + "\" than cases");
     blobs_.Read(rest.first(size));
+    steps_.Done();
     rest = rest.subspan(size);
   }
   chunks_.Reset();

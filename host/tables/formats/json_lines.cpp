@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <unordered_map>
+#include <utility>
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/base/quoted.h"
+#include "host/base/work_watch.h"
 #include "host/tables/office/sheet_grid.h"
 
 namespace brenvolt {
@@ -65,8 +67,12 @@ DataRead ReadJsonLines(std::string_view text, const std::string& name, const std
                        const TextOptions& options) {
   RequireTableOptions(options, "JSON lines", where);
   LineGatherer gatherer(where);
+  constexpr std::size_t kStep = 1 << 12;
+  WatchedSteps steps(std::ssize(text));
   std::size_t number = 1;
+  std::size_t told = 0;
   for (std::size_t offset = 0; offset < text.size(); ++number) {
+    if (number % kStep == 0) steps.Done(static_cast<std::int64_t>(offset - std::exchange(told, offset)));
     const std::size_t end = std::min(text.find('\n', offset), text.size());
     const std::string_view line = text.substr(offset, end - offset);
     if (line.find_first_not_of(" \t\r") != std::string_view::npos) gatherer.Take(line, number);

@@ -13,12 +13,14 @@
 
 #include "host/base/error.h"
 #include "host/base/number_text.h"
+#include "host/base/work_watch.h"
 #include "host/tables/csv_reader.h"
 #include "host/tables/office/workbook_dates.h"
 
 namespace brenvolt {
 namespace {
 
+constexpr std::size_t kStep = 1 << 16;
 constexpr double kMissing = std::numeric_limits<double>::quiet_NaN();
 
 // Bytes in memory as the library reads a file.
@@ -118,6 +120,7 @@ class Collector {
     return Guarded([&] {
       if (++cells_ > most_)
         throw Error("the file is damaged: it unpacks to more than a table of its size holds", where_);
+      if (cells_ % kStep == 0) steps_.Done();
       Column& column = columns_.at(static_cast<std::size_t>(readstat_variable_get_index(variable)));
       column.values.push_back(column.isText ? CodeOf(column, TextOf(readstat_string_value(value)))
                                             : NumberOf(column, variable, value));
@@ -244,6 +247,7 @@ class Collector {
   std::vector<Column> columns_;
   std::map<std::string, std::map<double, std::string>> labels_;
   std::size_t cells_ = 0;
+  WatchedSteps steps_;  // of kStep cells
   std::size_t most_;
   std::size_t setWidth_;
   Package package_;

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "host/base/error.h"
+#include "host/base/work_watch.h"
 
 namespace brenvolt {
 namespace {
@@ -71,7 +72,10 @@ class Scan {
       : xml_(xml), handler_(handler), where_(where) {}
 
   void Run() {
-    while (next_ < xml_.size()) {
+    constexpr std::size_t kStep = 1 << 14;
+    WatchedSteps steps;
+    for (std::size_t tags = 1; next_ < xml_.size(); ++tags) {
+      if (tags % kStep == 0) steps.Done();
       const std::size_t mark = std::min(xml_.find('<', next_), xml_.size());
       GiveText(xml_.substr(next_, mark - next_));
       next_ = mark;

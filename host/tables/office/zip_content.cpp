@@ -7,6 +7,7 @@
 #include <new>
 
 #include "host/base/error.h"
+#include "host/base/work_watch.h"
 
 namespace brenvolt {
 namespace {
@@ -41,11 +42,13 @@ class Reader {
     const void* block = nullptr;
     std::size_t size = 0;
     la_int64_t offset = 0;
+    WatchedSteps steps;
     for (;;) {
       const int result = archive_read_data_block(archive_, &block, &size, &offset);
       if (result == ARCHIVE_EOF) return;
       if (result < ARCHIVE_WARN) Fail();
       take(std::string_view(static_cast<const char*>(block), size));
+      steps.Done();
     }
   }
   [[noreturn]] void Fail() {
