@@ -7,6 +7,7 @@
 #include <QTest>
 
 #include "apps/desktop/base/save_question.h"
+#include "apps/desktop/documents/kept_macro.h"
 #include "apps/desktop/views/results_panel.h"
 #include "apps/desktop/workbench/analysis_desk.h"
 #include "apps/desktop/workbench/macro_panel.h"
@@ -117,6 +118,55 @@ TEST_F(LostWorkTest, ATypedMacroIsAskedForBeforeAnotherTakesItsPlace) {
   editor.undo();
   EXPECT_EQ(editor.toPlainText(), "print(1)");
   window->Macros().Save(folder / "other.py");
+}
+
+TEST_F(LostWorkTest, AReportOnAFullDeviceIsSaidAndTheResultsStayUnsaved) {
+  auto window = Start();
+  window->Results().Add(Table());
+  for (const char* const name : {"full.html", "full.md", "full.pdf"}) {
+    std::filesystem::create_symlink("/dev/full", folder / name);
+    Names names({Named(name)});
+    Answers answers({"Replace", "OK"});
+    window->ExportReport();
+    ASSERT_TRUE(answers.AllGiven()) << name;
+    EXPECT_TRUE(answers.Texts().last().contains(QLatin1String(name))) << Utf8(answers.Texts().last());
+    EXPECT_EQ(window->Results().UnsavedCount(), 1) << name;
+  }
+  window->Results().Remove();
+}
+
+TEST_F(LostWorkTest, TheTextOfAMacroIsOfferedAfterTheWindowWasKilled) {
+  const auto kept = [this] { return std::filesystem::directory_iterator(State() / "macros"); };
+  std::filesystem::create_directories(State() / "macros");
+  WriteBytes(folder / "mine.py", "print(1)\n");
+  {
+    auto window = Start();
+    ASSERT_TRUE(window->OpenFile(folder / "mine.py"));
+    auto& editor = *window->Macros().findChild<QPlainTextEdit*>("macro");
+    QTest::keyClicks(&editor, "# more ");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return kept() != std::filesystem::directory_iterator(); }, 5000));
+    QTest::qWait(300);
+    EXPECT_TRUE(LeftMacros(State() / "macros").empty()) << "they are of a process that runs";
+    std::filesystem::copy(State() / "macros", folder / "copy");
+  }
+  EXPECT_EQ(kept(), std::filesystem::directory_iterator()) << "nothing is left of a window that was closed";
+  std::filesystem::copy(folder / "copy", State() / "macros");
+  auto window = Start();
+  {
+    Answers answers({"Ask again"});
+    window->Resume();
+    EXPECT_TRUE(answers.AllGiven());
+    EXPECT_TRUE(window->Macros().Text().isEmpty());
+  }
+  Answers answers({"Recover"});
+  window->Resume();
+  ASSERT_EQ(answers.Texts().size(), 1);
+  EXPECT_TRUE(answers.Texts()[0].contains(QLatin1String("mine.py"))) << Utf8(answers.Texts()[0]);
+  EXPECT_EQ(window->Macros().Text(), QStringLiteral("# more print(1)\n"));
+  EXPECT_TRUE(window->Macros().IsModified());
+  EXPECT_EQ(BytesOf(folder / "mine.py"), "print(1)\n");
+  window->Macros().Save(folder / "mine.py");
+  EXPECT_EQ(kept(), std::filesystem::directory_iterator()) << "what is saved is not offered again";
 }
 
 TEST_F(LostWorkTest, ClosingAsksForResultsARecordingAndAMacroThatRuns) {

@@ -22,6 +22,9 @@
 namespace brenvolt::desktop {
 namespace {
 
+// What is typed is kept no more often than this.
+constexpr int kPauseInMilliseconds = 200;
+
 QPlainTextEdit* NewPage(const QString& name) {
   auto* page = new QPlainTextEdit;
   page->setAccessibleName(name);
@@ -53,6 +56,7 @@ std::optional<int> FailedLine(const QString& output, const QString& macro) {
 MacroPanel::MacroPanel(std::filesystem::path folder, QWidget* parent)
     : QWidget(parent),
       folder_(std::move(folder)),
+      kept_(folder_),
       editor_(NewPage(tr("Macro"))),
       output_(NewPage(tr("Output of the macro"))),
       title_(new QLabel) {
@@ -89,7 +93,24 @@ MacroPanel::MacroPanel(std::filesystem::path folder, QWidget* parent)
   connect(record_, &QAction::triggered, this, &MacroPanel::recordAsked);
   connect(editor_->document(), &QTextDocument::modificationChanged, this, &MacroPanel::UpdateTitle);
   connect(editor_, &QPlainTextEdit::textChanged, this, [this] { editor_->setExtraSelections({}); });
+  pause_.setSingleShot(true);
+  pause_.setInterval(kPauseInMilliseconds);
+  connect(&pause_, &QTimer::timeout, this, &MacroPanel::KeepText);
+  connect(editor_->document(), &QTextDocument::modificationChanged, this, &MacroPanel::KeepText);
+  connect(editor_, &QPlainTextEdit::textChanged, this, [this] {
+    if (!pause_.isActive()) pause_.start();
+  });
   UpdateTitle();
+}
+
+void MacroPanel::KeepText() {
+  if (!IsModified() || Text().trimmed().isEmpty()) return kept_.Forget();
+  try {
+    kept_.Keep({file_, Text()});
+    isUnkept_ = false;
+  } catch (const Error& error) {
+    if (!std::exchange(isUnkept_, true)) emit said(Shown(error.what()));
+  }
 }
 
 void MacroPanel::UpdateTitle() {
@@ -127,6 +148,13 @@ void MacroPanel::SetText(const QString& text) {
   file_.clear();
   Replace(text);
   editor_->document()->setModified(true);
+  UpdateTitle();
+}
+
+void MacroPanel::Restore(const MacroText& macro) {
+  SetText(macro.text);
+  file_ = macro.file;
+  KeepText();
   UpdateTitle();
 }
 

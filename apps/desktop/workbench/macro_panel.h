@@ -1,9 +1,12 @@
 // Macros: recorded, read, changed and run. What a macro prints stands below its text, and a fault at its line.
 #pragma once
 
+#include <QTimer>
 #include <QWidget>
 #include <filesystem>
 #include <optional>
+
+#include "apps/desktop/documents/kept_macro.h"
 
 class QAction;
 class QLabel;
@@ -20,12 +23,14 @@ class MacroPanel : public QWidget {
   Q_OBJECT
 
  public:
-  // Macros that are not saved yet are run from files in this folder.
+  // Macros that are not saved yet are run from files in this folder, and kept there for the case of a crash.
   explicit MacroPanel(std::filesystem::path folder, QWidget* parent = nullptr);
 
   // Shows a macro. Throws Error if it cannot be read.
   void Open(const std::filesystem::path& macro);
   void SetText(const QString& text);
+  // Shows a text that a killed process left.
+  void Restore(const MacroText& macro);
   QString Text() const;
   // What the macro that was run last has printed.
   QString Output() const;
@@ -52,6 +57,7 @@ class MacroPanel : public QWidget {
 
  private:
   void Replace(const QString& text);
+  void KeepText();
   std::filesystem::path FileToRun();
   void Finish(bool succeeded);
   void MarkLine(int line);
@@ -59,6 +65,9 @@ class MacroPanel : public QWidget {
 
   std::filesystem::path folder_;
   std::filesystem::path file_;
+  KeptMacro kept_;
+  QTimer pause_;           // before what is typed is kept
+  bool isUnkept_ = false;  // the text could not be kept, which was said
   QPlainTextEdit* editor_;
   QPlainTextEdit* output_;
   QLabel* title_;

@@ -320,6 +320,7 @@ void MainWindow::Resume() {
         std::move(left), [this](LeftJournal& one) { return Recover(one); }, this);
     dialog.exec();
   }
+  OfferMacros();
   QWidget* const recovered = tabs_->currentWidget();
   for (const QString& file : session) {
     // A file that is gone since is no fault of today.
@@ -328,9 +329,33 @@ void MainWindow::Resume() {
   if (recovered != nullptr) tabs_->setCurrentWidget(recovered);
 }
 
+// One after the other, since there is one editor.
+void MainWindow::OfferMacros() {
+  for (const auto& left : LeftMacros(settings_.Macros())) {
+    const MacroText& macro = left->Content();
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Brenvolt"),
+                    macro.file.empty()
+                        ? tr("Brenvolt ended before a new macro was saved. Its text is kept.")
+                        : tr("Brenvolt ended before %1 was saved. The text in the editor is kept.")
+                              .arg(ShownPath(macro.file.filename())),
+                    QMessageBox::NoButton, this);
+    auto* const recover = box.addButton(tr("&Recover"), QMessageBox::AcceptRole);
+    auto* const discard = box.addButton(tr("&Discard"), QMessageBox::DestructiveRole);
+    box.addButton(tr("&Ask again next time"), QMessageBox::RejectRole);
+    box.setDefaultButton(recover);
+    box.exec();
+    const bool isRecovered = box.clickedButton() == recover && macros_->MayReplace();
+    if (isRecovered) macros_->Restore(macro);
+    if (isRecovered) macroDock_->show();
+    if (isRecovered || box.clickedButton() == discard) left->Remove();
+  }
+}
+
 bool MainWindow::Recover(LeftJournal& left) {
   try {
-    Document::Recovered recovered = Document::Recover(settings_.Journals(), left);
+    Document::FileRead read;
+    reading_->Run(tr("Reading what the edits were made to"), [&] { read = Document::ReadBase(left.Base()); });
+    Document::Recovered recovered = Document::Recover(settings_.Journals(), left, std::move(read));
     const QString title = recovered.document->Title();
     AddDocument(std::move(recovered.document));
     if (!recovered.fitsFile)

@@ -111,6 +111,9 @@ class MainWindow : public QMainWindow {
   // Histogram and box plot of the variable of the current cell, as results.
   void ShowPictures();
   bool Recover(LeftJournal& left);
+  // Reads a file while the window stays alive; throws as Document::Read, and UserCancelled.
+  Document::FileRead ReadFile(const std::filesystem::path& file, bool decimalComma);
+  void OfferMacros();
 
   // The sheet of a document that a task is about; throws Error without one.
   static Spreadsheet& SheetFor(Task task, Document& document, Spreadsheet* current);
