@@ -133,22 +133,29 @@ std::unique_ptr<Document> Document::New(const std::filesystem::path& journals,
   return std::make_unique<Document>(journals, std::move(data), false);
 }
 
-std::unique_ptr<Document> Document::Open(const std::filesystem::path& journals,
-                                         const std::filesystem::path& file, bool decimalComma) {
-  JobData reading;
-  reading.file = std::filesystem::absolute(file);
-  reading.decimalComma = decimalComma;
-  DataFile read = OpenCorrectable(reading);
-  auto document = std::make_unique<Document>(journals, std::move(read), decimalComma);
-  document->reading_ = std::move(reading);
+Document::FileRead Document::Read(const std::filesystem::path& file, bool decimalComma) {
+  FileRead read;
+  read.reading.file = std::filesystem::absolute(file);
+  read.reading.decimalComma = decimalComma;
+  read.data = OpenCorrectable(read.reading);
+  return read;
+}
+
+Document::FileRead Document::ReadBase(const JournalBase& base) {
+  return base.file.empty() ? FileRead() : Read(base.file, base.decimalComma);
+}
+
+std::unique_ptr<Document> Document::Open(const std::filesystem::path& journals, FileRead read) {
+  auto document = std::make_unique<Document>(journals, std::move(read.data), read.reading.decimalComma);
+  document->reading_ = std::move(read.reading);
   return document;
 }
 
-Document::Recovered Document::Recover(const std::filesystem::path& journals, LeftJournal& left) {
+Document::Recovered Document::Recover(const std::filesystem::path& journals, LeftJournal& left,
+                                      FileRead read) {
   Recovered recovered;
   const JournalBase& base = left.Base();
-  recovered.document = base.file.empty() ? std::make_unique<Document>(journals, DataFile(), false)
-                                         : Open(journals, base.file, base.decimalComma);
+  recovered.document = Open(journals, std::move(read));
   recovered.fitsFile = base.file.empty() || left.FitsFile();
   Document& document = *recovered.document;
   try {
@@ -156,8 +163,9 @@ Document::Recovered Document::Recover(const std::filesystem::path& journals, Lef
       document.Carry(std::move(*edits));
       ++recovered.edits;
     }
-  } catch (const Error&) {
+  } catch (const Error& error) {
     recovered.fitsFile = false;
+    recovered.why = error.what();
   }
   document.isUnsaved_ = true;
   // Only now are all edits in the new journal. Until they are saved, one of which not all were made stays.

@@ -27,17 +27,27 @@ class Document : public QObject {
   static std::unique_ptr<Document> New(const std::filesystem::path& journals,
                                        std::unique_ptr<Spreadsheet> sheet = nullptr);
   ~Document() override;
-  static std::unique_ptr<Document> Open(const std::filesystem::path& journals,
-                                        const std::filesystem::path& file, bool decimalComma = false);
+  // A file as it was read for a document, on whichever thread.
+  struct FileRead {
+    DataFile data;
+    JobData reading;
+  };
+  // Throws WrongJob as well.
+  static FileRead Read(const std::filesystem::path& file, bool decimalComma);
+  // That of a journal, which is empty for a new project.
+  static FileRead ReadBase(const JournalBase& base);
+  static std::unique_ptr<Document> Open(const std::filesystem::path& journals, FileRead read);
 
   // What a recovery gave: the document, with as many of the edits as still could be made.
   struct Recovered {
     std::unique_ptr<Document> document;
     std::size_t edits = 0;
     bool fitsFile = true;  // false: the file was changed since by another program
+    std::string why;       // the next edit could not be made; empty if all were
   };
-  // Opens the file of a journal and makes its edits, which are unsaved again; the journal that was left goes.
-  static Recovered Recover(const std::filesystem::path& journals, LeftJournal& left);
+  // Makes the edits of a journal to its file, which was read, or to a new project where it has none; they are unsaved
+  // again. The journal that was left goes.
+  static Recovered Recover(const std::filesystem::path& journals, LeftJournal& left, FileRead read);
 
   // The name of the file, or what a document without one is called.
   QString Title() const;

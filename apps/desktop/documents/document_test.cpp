@@ -62,6 +62,9 @@ std::vector<std::pair<const char*, Edits>> AllEdits() {
 
 struct DocumentTest : test::WithToolkit, testing::Test {
   TemporaryFolder folder;
+  Document::Recovered Recovered(LeftJournal& left) const {
+    return Document::Recover(Journals(), left, Document::ReadBase(left.Base()));
+  }
   std::filesystem::path Journals() const { return folder / "journals"; }
   std::unique_ptr<Document> NewDocument() const {
     return Document::New(Journals(), std::make_unique<Spreadsheet>("Data", 10, 3));
@@ -105,7 +108,7 @@ TEST_F(DocumentTest, EveryEditIsUndoneDoneAgainAndRecovered) {
   std::filesystem::rename(folder / "left", journal);
   const auto left = LeftJournal::Take(journal);
   ASSERT_NE(left, nullptr);
-  const auto recovered = Document::Recover(Journals(), *left);
+  const auto recovered = Recovered(*left);
   EXPECT_TRUE(recovered.fitsFile);
   EXPECT_TRUE(recovered.document->IsModified());
   EXPECT_EQ(Saved(*recovered.document), last);
@@ -272,7 +275,7 @@ TEST_F(DocumentTest, KilledWhileEditingAndSavingNothingIsLost) {
     WriteBytes(said, std::to_string(static_cast<int>(found)));
     KillDuring(
         [&] {
-          auto document = Document::Open(Journals(), file);
+          auto document = Document::Open(Journals(), Document::Read(file, false));
           std::fstream count(said);
           for (int n = static_cast<int>(document->Content().SheetAt(0).VariableAt(0).Values()[0]) + 1;; ++n) {
             Edits edits = Cell(0, 0, n);
@@ -290,10 +293,10 @@ TEST_F(DocumentTest, KilledWhileEditingAndSavingNothingIsLost) {
     ASSERT_LE(left.size(), 1U);
     std::unique_ptr<Document> document;
     if (left.empty()) {
-      document = Document::Open(Journals(), file);
+      document = Document::Open(Journals(), Document::Read(file, false));
     } else {
       ++recoveries;
-      auto recovered = Document::Recover(Journals(), *left[0]);
+      auto recovered = Recovered(*left[0]);
       EXPECT_TRUE(recovered.fitsFile);
       document = std::move(recovered.document);
     }
@@ -338,7 +341,7 @@ TEST_F(DocumentTest, JournalsThatDoNotFitAreSaidToAndDamagedOnesEndEarly) {
   other.Save(file);
   WriteBytes(copy, whole);
   const auto left = LeftJournal::Take(copy);
-  const auto recovered = Document::Recover(Journals(), *left);
+  const auto recovered = Recovered(*left);
   EXPECT_FALSE(recovered.fitsFile);
   EXPECT_EQ(recovered.edits, 1U);
   EXPECT_TRUE(std::filesystem::exists(copy));  // what could not be done is not thrown away
@@ -350,7 +353,7 @@ TEST_F(DocumentTest, EditsThatWereRecoveredOverAnotherFileAreGoneOnceTheyAreSave
   const auto copy = Journals() / "copy.journal";
   NewDocument()->Save(file);
   {
-    auto document = Document::Open(Journals(), file);
+    auto document = Document::Open(Journals(), Document::Read(file, false));
     document->Do("Edit", Cell(0, 0, 1));
     for (const auto& entry : std::filesystem::directory_iterator(Journals())) {
       if (entry.path().extension() == ".journal") std::filesystem::copy_file(entry.path(), folder / "bytes");
@@ -362,7 +365,7 @@ TEST_F(DocumentTest, EditsThatWereRecoveredOverAnotherFileAreGoneOnceTheyAreSave
   other.Save(file);
   auto left = LeftJournals(Journals());
   ASSERT_EQ(left.size(), 1U);
-  const auto recovered = Document::Recover(Journals(), *left[0]);
+  const auto recovered = Recovered(*left[0]);
   left.clear();
   EXPECT_FALSE(recovered.fitsFile);
   EXPECT_TRUE(std::filesystem::exists(copy));

@@ -34,8 +34,10 @@ ProgressWindow::ProgressWindow(QWidget* parent)
 
 void ProgressWindow::ShowProgress(const QString& caption, std::int64_t done, std::int64_t total) {
   if (!isCancelled_) caption_->setText(caption);
-  const double share = total > 0 ? static_cast<double>(done) / static_cast<double>(total) : 0;
-  bar_->setValue(static_cast<int>(share * kSteps));
+  // Of work whose end is not known the bar shows that it goes on.
+  bar_->setRange(0, total > 0 ? kSteps : 0);
+  if (total > 0)
+    bar_->setValue(static_cast<int>(static_cast<double>(done) / static_cast<double>(total) * kSteps));
   if (!isVisible()) show();
 }
 

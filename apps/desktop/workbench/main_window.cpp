@@ -24,7 +24,9 @@
 #include "apps/desktop/views/results_panel.h"
 #include "apps/desktop/workbench/analysis_desk.h"
 #include "apps/desktop/workbench/document_view.h"
+#include "apps/desktop/workbench/file_reading.h"
 #include "apps/desktop/workbench/macro_panel.h"
+#include "apps/desktop/workbench/placement.h"
 #include "apps/desktop/workbench/recovery_dialog.h"
 #include "apps/desktop/workbench/start_page.h"
 #include "apps/desktop/workbench/telling.h"
@@ -91,6 +93,7 @@ void MainWindow::MakeParts() {
     if (!OpenFile(file)) throw Error("the file cannot be opened", file.string());
     return *CurrentDocument();
   });
+  reading_ = std::make_unique<FileReading>(*this);
   start_ = new StartPage;
   pages_ = new QStackedWidget;
   splitter_ = new QSplitter(Qt::Horizontal);
@@ -239,24 +242,27 @@ bool MainWindow::OpenFile(const std::filesystem::path& path, bool decimalComma) 
       macroDock_->show();
       return true;
     }
-    std::unique_ptr<Document> opened;
-    {
-      const WaitCursor wait;
-      opened = Document::Open(settings_.Journals(), path, decimalComma);
-    }
+    std::unique_ptr<Document> opened = Document::Open(settings_.Journals(), ReadFile(path, decimalComma));
     settings_.AddRecentFile(ShownPath(opened->File()));
     start_->SetRecentFiles(settings_.RecentFiles());
     Document& document = AddDocument(std::move(opened)).Owner();
     SayFound(document);
     return true;
-  } catch (const Error& error) {
-    Warn(Explained(error));
-  } catch (const WrongJob& wrong) {
-    Warn(Shown(wrong.what()));
+  } catch (const UserCancelled&) {
+    Say(tr("Reading %1 was cancelled.").arg(ShownPath(path.filename())));
   } catch (const std::bad_alloc&) {
     Warn(tr("There is not enough memory to open %1.").arg(ShownPath(path)));
+  } catch (const std::exception& error) {
+    Warn(Explained(error));
   }
   return false;
+}
+
+Document::FileRead MainWindow::ReadFile(const std::filesystem::path& file, bool decimalComma) {
+  Document::FileRead read;
+  reading_->Run(tr("Reading %1").arg(ShownPath(file.filename())),
+                [&] { read = Document::Read(file, decimalComma); });
+  return read;
 }
 
 // What is not as usual in a file stays readable at its tab.
@@ -360,16 +366,16 @@ bool MainWindow::Recover(LeftJournal& left) {
     AddDocument(std::move(recovered.document));
     if (!recovered.fitsFile)
       Warn(tr("%1 was changed since by another program. %2 of %3 unsaved edits could still be made; look at "
-              "the "
-              "data before you save.")
+              "the data before you save.")
                .arg(title)
                .arg(recovered.edits)
-               .arg(left.EditCount()));
+               .arg(left.EditCount()) +
+           (recovered.why.empty() ? QString() : tr("\n\nThe next one: %1").arg(Shown(recovered.why))));
     return true;
-  } catch (const Error& error) {
+  } catch (const UserCancelled&) {
+    return false;
+  } catch (const std::exception& error) {
     Warn(Explained(error));
-  } catch (const WrongJob& wrong) {
-    Warn(Shown(wrong.what()));
   }
   return false;
 }
@@ -525,13 +531,13 @@ void MainWindow::Reload(Document& document) {
   // Opened before the former one goes: where that fails, what is here stays.
   if (!desk_->CloseAnalysesOf(document)) return Say(tr("An analysis computes; cancel it first."));
   try {
-    auto again = Document::Open(settings_.Journals(), file, decimalComma);
+    auto again = Document::Open(settings_.Journals(), ReadFile(file, decimalComma));
     RemoveDocument(document);
     AddDocument(std::move(again));
-  } catch (const Error& error) {
+  } catch (const UserCancelled&) {
+    Say(tr("Reading %1 was cancelled.").arg(ShownPath(file.filename())));
+  } catch (const std::exception& error) {
     Warn(Explained(error));
-  } catch (const WrongJob& wrong) {
-    Warn(Shown(wrong.what()));
   }
 }
 

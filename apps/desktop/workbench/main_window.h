@@ -23,6 +23,7 @@ namespace brenvolt::desktop {
 
 class AnalysisDesk;
 class DocumentView;
+class FileReading;
 class MacroPanel;
 class PropertyPanel;
 class ResultsPanel;
@@ -139,6 +140,7 @@ class MainWindow : public QMainWindow {
   bool isUnattended_ = false;
   bool isClosing_ = false;  // the session is what was open before
   std::vector<std::unique_ptr<Document>> documents_;
+  std::unique_ptr<FileReading> reading_;
   std::unique_ptr<AnalysisDesk> desk_;  // its analyses look at the documents
   QUndoGroup history_;
   QAction* undo_ = nullptr;
