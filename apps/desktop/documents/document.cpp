@@ -111,6 +111,7 @@ Document::Document(const std::filesystem::path& journals, DataFile data, bool de
     : journals_(journals), data_(std::move(data)), state_(FileState::Of(data_.path)) {
   reading_.file = data_.path;
   reading_.decimalComma = decimalComma;
+  KnowValues();
   connect(&history_, &QUndoStack::cleanChanged, this, &Document::stateChanged);
 }
 
@@ -270,9 +271,31 @@ void Document::Save(const std::filesystem::path& file) {
   reading_ = {};
   reading_.file = target;
   state_ = FileState::Of(target);
+  KnowValues();
   isUnsaved_ = false;
   history_.setClean();
   emit stateChanged();
+}
+
+Document::ValuesOfSheet Document::ValuesOf(const Spreadsheet& sheet) {
+  ValuesOfSheet values;
+  for (std::size_t v = 0; v < sheet.VariableCount(); ++v)
+    values.columns.emplace_back(sheet.VariableAt(v).Name(), sheet.VariableAt(v).ContentStamp());
+  values.weight = sheet.WeightVariable();
+  values.isLimited = sheet.Selection().enabled;
+  values.condition = sheet.Selection().condition;
+  return values;
+}
+
+void Document::KnowValues() {
+  valuesOfFile_.clear();
+  for (std::size_t i = 0; !data_.path.empty() && i < data_.workbook.SheetCount(); ++i)
+    valuesOfFile_[&data_.workbook.SheetAt(i)] = ValuesOf(data_.workbook.SheetAt(i));
+}
+
+bool Document::HasValuesOfFile(const Spreadsheet& sheet) const {
+  const auto known = valuesOfFile_.find(&sheet);
+  return known != valuesOfFile_.end() && known->second == ValuesOf(sheet);
 }
 
 bool Document::IsChangedOutside() const {

@@ -4,10 +4,14 @@
 
 #include <QObject>
 #include <QUndoStack>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/desktop/documents/edit.h"
@@ -60,6 +64,10 @@ class Document : public QObject {
   // What keeps data of other formats from being the same after they were read again.
   const JobData& Reading() const { return reading_; }
   bool DecimalComma() const { return reading_.decimalComma; }
+
+  // False once the values of a sheet, or what limits and weighs its cases, are not those of the file; what else is saved
+  // with them may differ.
+  bool HasValuesOfFile(const Spreadsheet& sheet) const;
 
   bool IsModified() const { return !history_.isClean() || isUnsaved_; }
   QUndoStack& History() { return history_; }
@@ -125,8 +133,20 @@ class Document : public QObject {
   static Edits UndoOf(const Workbook& workbook, std::vector<SheetBefore> before);
   void Adopt(const QString& what, std::vector<SheetBefore> before);
 
+  // What the values of a sheet are known by.
+  struct ValuesOfSheet {
+    std::vector<std::pair<std::string, std::uint64_t>> columns;  // names and stamps
+    std::optional<std::size_t> weight;
+    bool isLimited = false;
+    std::string condition;
+    bool operator==(const ValuesOfSheet&) const = default;
+  };
+  static ValuesOfSheet ValuesOf(const Spreadsheet& sheet);
+  void KnowValues();
+
   std::filesystem::path journals_;
   DataFile data_;
+  std::map<const Spreadsheet*, ValuesOfSheet> valuesOfFile_;
   JobData reading_;
   FileState state_;
   QUndoStack history_;

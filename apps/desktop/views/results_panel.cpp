@@ -70,12 +70,14 @@ QTableView* MakeTable(const std::shared_ptr<CAnalysisTableDoc>& document) {
   return view;
 }
 
-// A heading above the grid, as long as the title says more than the tree does.
-QWidget* WithTitle(QTableView* view, const Spreadsheet& table) {
+// A heading above the grid: that of the tree, and what else the title says.
+QWidget* WithTitle(QTableView* view, const QString& heading, const Spreadsheet& table) {
   auto* page = new QWidget;
   auto* layout = new QVBoxLayout(page);
   layout->setContentsMargins(0, 0, 0, 0);
-  auto* title = new QLabel(Shown(table.Title().empty() ? table.Name() : table.Title()));
+  const QString more = Shown(table.Title()).section(QLatin1Char('\n'), 1).trimmed();
+  auto* title = new QLabel(more.isEmpty() ? heading : heading + QLatin1Char('\n') + more);
+  title->setObjectName(QStringLiteral("resultTitle"));
   QFont bold = title->font();
   bold.setBold(true);
   title->setFont(bold);
@@ -169,6 +171,15 @@ void ResultsPanel::BeginGroup(const QString& title) {
   group_->setExpanded(true);
 }
 
+void ResultsPanel::SetOrigin(const ShownOrigin& origin) {
+  if (group_ != nullptr) origins_[group_] = origin;
+}
+
+ShownOrigin ResultsPanel::GroupOrigin() const {
+  const auto found = origins_.find(CurrentGroup());
+  return found != origins_.end() ? found->second : ShownOrigin();
+}
+
 void ResultsPanel::Add(std::shared_ptr<CAnalysisTableDoc> table) {
   const QString title = TitleOf(table->Table());
   AddItem(title, {std::move(table), nullptr});
@@ -256,7 +267,7 @@ QWidget* ResultsPanel::MakePage(const Result& result) {
   if (result.graph != nullptr) return MakePicture(result.graph);
   QTableView* const table = MakeTable(result.table);
   table->installEventFilter(this);
-  return WithTitle(table, result.table->Table());
+  return WithTitle(table, result.item->text(0), result.table->Table());
 }
 
 PictureView* ResultsPanel::MakePicture(const std::shared_ptr<CAnalysisGraphDoc>& graph) {
@@ -439,6 +450,7 @@ void ResultsPanel::Remove() {
   delete removed->page;
   if (parent->childCount() == 0) {
     if (group_ == parent) group_ = nullptr;
+    origins_.erase(parent);
     delete parent;
   }
   ShowCurrent();

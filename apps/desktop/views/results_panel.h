@@ -5,6 +5,7 @@
 
 #include <QWidget>
 #include <filesystem>
+#include <map>
 #include <memory>
 
 #include "apps/desktop/base/limit_mover.h"
@@ -30,6 +31,8 @@ class ResultsPanel : public QWidget {
 
   // What comes from now on stands below this title, with a number where a group has it already.
   void BeginGroup(const QString& title);
+  // What makes the results of that group.
+  void SetOrigin(const ShownOrigin& origin);
   // The page that came last is shown; of those that come between the two calls, the first.
   void BeginSeries();
   void EndSeries();
@@ -39,6 +42,7 @@ class ResultsPanel : public QWidget {
   // What stands in the group of the result that is looked at, or in the last one.
   QString GroupTitle() const;
   std::vector<ShownResult> ShownGroup() const;
+  ShownOrigin GroupOrigin() const;
   // Whether that is the group to which results still come.
   bool IsGroupOpen() const;
   // Of these, those that are in no file, no project and no report.
@@ -97,8 +101,9 @@ class ResultsPanel : public QWidget {
   QList<QAction*> zooms_;
   QTreeWidgetItem* group_ = nullptr;
   bool isSeries_ = false;
-  QTreeWidgetItem* first_ = nullptr;  // of the series
-  QList<QTreeWidgetItem*> open_;      // those with a page, the one looked at last first
+  QTreeWidgetItem* first_ = nullptr;                       // of the series
+  QList<QTreeWidgetItem*> open_;                           // those with a page, the one looked at last first
+  std::map<const QTreeWidgetItem*, ShownOrigin> origins_;  // by group
   std::vector<std::unique_ptr<Result>> results_;
 };
 

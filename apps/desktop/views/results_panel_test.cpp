@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QImage>
+#include <QLabel>
 #include <QTableView>
 #include <QTest>
 #include <QTreeWidget>
@@ -102,8 +103,23 @@ TEST_F(ResultsPanelTest, TablesAreSortedCopiedAndExported) {
             "Log Normal,0.3333333333333333,fits badly\n");
   panel.SaveTo(folder / "ranking.bvw");
   EXPECT_NE(Workbook::Open(folder / "ranking.bvw").Find("Ranking"), nullptr);
-  for (const char* name : {"ranking.png", "ranking", "no folder/ranking.csv"})
+  std::filesystem::create_symlink("/dev/full", folder / "full.csv");
+  for (const char* name : {"ranking.png", "ranking", "no folder/ranking.csv", "full.csv"})
     EXPECT_ANY_THROW(panel.SaveTo(folder / name)) << name;
+}
+
+TEST_F(ResultsPanelTest, APageHasTheHeadingThatItHasInTheTree) {
+  auto named = std::make_unique<Spreadsheet>("waiting", 1, 1);
+  named->SetTitle("Ranking by p\nthe worst fits last");
+  const auto table = std::make_shared<CAnalysisTableDoc>(std::move(named));
+  for (const char* const heading :
+       {"waiting: Ranking by p\nthe worst fits last", "waiting: Ranking by p (2)\nthe worst fits last"}) {
+    panel.Add(table);
+    const auto* const title = panel.Page()->findChild<QLabel*>("resultTitle");
+    ASSERT_NE(title, nullptr);
+    EXPECT_EQ(title->text().toStdString(), heading);
+    EXPECT_EQ(title->text().section('\n', 0, 0), panel.Tree().currentItem()->text(0));
+  }
 }
 
 TEST_F(ResultsPanelTest, TheKeyForCopyingTakesTheSelectedCells) {

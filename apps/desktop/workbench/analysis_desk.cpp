@@ -2,12 +2,14 @@
 
 #include <QListWidget>
 #include <QPushButton>
+#include <QTimer>
 #include <algorithm>
 #include <atomic>
 #include <optional>
 #include <utility>
 
 #include "apps/desktop/base/text.h"
+#include "apps/desktop/base/words.h"
 #include "host/analysis/action_recording.h"
 #include "host/base/error.h"
 #include "host/jobs/base/dialog_words.h"
@@ -37,7 +39,16 @@ constexpr std::int32_t kDesignVariables = 1400;
 constexpr std::int32_t kDesignSave = 1405;
 constexpr std::int32_t kProfilerResponse = 1341;
 
-constexpr std::size_t kMostReported = 2000;  // variables of a sheet
+// The dialog that a task begins with, and the one of its results, which is left for it.
+struct TaskDialogs {
+  Task task;
+  const char* begins;
+  const char* results;  // null without
+};
+constexpr TaskDialogs kDialogs[] = {{Task::kFit, kFit, kFitResults},
+                                    {Task::kSimulate, kSimulation, kSimulationResults},
+                                    {Task::kDesign, kDesign, nullptr},
+                                    {Task::kProfile, kProfiler, nullptr}};
 
 QString TitleOf(Task task, const Document& document, const Spreadsheet& sheet) {
   const QString data = Utf8(document.Title()) == sheet.Name() || document.File().empty() ? Shown(sheet.Name())
@@ -85,7 +96,9 @@ class AnalysisDesk::Running : public DocumentSink {
   // Results of another step stand together, from its first one on.
   void BeginStep(Task task) { step_ = TitleOf(task, *document_, *sheet_); }
   void BeginGroup() {
-    if (!step_.isEmpty()) emit desk_.begun(std::exchange(step_, {}));
+    if (step_.isEmpty()) return;
+    emit desk_.begun(std::exchange(step_, {}));
+    emit desk_.originKnown(origin_);
   }
 
   // The matrix that goes with saved distributions becomes a sheet of the project, as everywhere; others are shown.
@@ -106,6 +119,7 @@ class AnalysisDesk::Running : public DocumentSink {
           AnalysisDesk::tr("The distributions are in %1 now; save it to keep them.").arg(document_->Title()));
     }
     emit desk_.tableShown(std::move(document));
+    StandBeside();
   }
   void TakeGraph(std::shared_ptr<CAnalysisGraphDoc> graph) override {
     if (isQuiet_) return;
@@ -113,6 +127,7 @@ class AnalysisDesk::Running : public DocumentSink {
     BeginGroup();
     if (!isSeries_) ++repeated_;
     emit desk_.graphShown(std::move(graph));
+    StandBeside();
   }
   // Another file becomes the input.
   Spreadsheet* OpenData(const std::filesystem::path& path) override {
@@ -134,6 +149,20 @@ class AnalysisDesk::Running : public DocumentSink {
     if (IsOpen(kFit)) Click(kFitVariables);
   }
 
+  // Shows the dialog that a task begins with if it is open here over this sheet, also behind that of its results.
+  bool ComesForward(Task task, const Spreadsheet& sheet) {
+    if (&sheet != sheet_) return false;
+    for (const TaskDialogs& dialogs : kDialogs) {
+      if (dialogs.task != task) continue;
+      if (dialogs.results != nullptr && IsOpen(dialogs.results)) run_.Window()->reject();
+      if (!IsOpen(dialogs.begins)) return false;
+      run_.Show();
+      run_.Window()->activateWindow();
+      return true;
+    }
+    return false;
+  }
+
   bool HasReport() const {
     return (IsOpen(kFitResults) && fit_) || (IsOpen(kSimulationResults) && simulation_) || IsOpen(kProfiler);
   }
@@ -141,19 +170,19 @@ class AnalysisDesk::Running : public DocumentSink {
   std::function<Report()> Reporter(const std::filesystem::path& file) {
     if (IsOpen(kFitResults)) return FitReporter(file);
     DataFile& home = document_->Data();
-    const bool isFromFile = IsAsSaved();
+    const std::string obstacle = Obstacle(IsAsSaved());
     if (IsOpen(kSimulationResults)) {
       SimulateJob job = *simulation_;
       job.report = file;
       job.data = DataOf(FittedSheet(home, {}));
-      return [this, job, &home, isFromFile] { return RepeatedReport(job, *sheet_, home, isFromFile); };
+      return [this, job, &home, obstacle] { return RepeatedReport(job, *sheet_, home, obstacle); };
     }
-    return [this, file, data = DataOf(home.Sheet({})), &home, isFromFile, selected = SelectedResponse()] {
+    return [this, file, data = DataOf(home.Sheet({})), &home, obstacle, selected = SelectedResponse()] {
       const ActionRecording none(run_.Analysis());
       ProfileJob job = ReadProfileJob(*run_.Analysis().GetDialgInterface(), selected);
       job.report = file;
       job.data = data;
-      return RepeatedReport(std::move(job), *sheet_, home, isFromFile);
+      return RepeatedReport(std::move(job), *sheet_, home, obstacle);
     };
   }
 
@@ -171,6 +200,15 @@ class AnalysisDesk::Running : public DocumentSink {
 
   // Whether a command that opens the file has the same data.
   bool IsAsSaved() const { return !document_->File().empty() && !document_->IsModified(); }
+  std::string Obstacle(bool isAsInFile) const {
+    if (!isAsInFile) return kChangedSinceOpened;
+    return document_->IsChangedOutside() ? kFileChanged : std::string();
+  }
+  // What is saved with the values has no part in fits.
+  std::string FitObstacle() const {
+    if (!fit_->isWhole) return kTreatedApart;
+    return Obstacle(IsAsSaved() || document_->HasValuesOfFile(*sheet_));
+  }
   // `usual` is the sheet that is taken where none is named.
   JobData DataOf(const Spreadsheet& usual) const {
     JobData data = document_->Reading();
@@ -182,14 +220,13 @@ class AnalysisDesk::Running : public DocumentSink {
     FitJob job = fit_->job;
     job.report = file;
     job.data = DataOf(document_->Data().Sheet({}));
-    const bool isFromFile = fit_->isWhole && IsAsSaved();
-    return [this, job, isFromFile] {
+    return [this, job, obstacle = FitObstacle()] {
       const ActionRecording none(run_.Analysis());
       const Quiet quiet(isQuiet_);
       const auto dialog = run_.Analysis().GetDialgInterface();
       const Variant shown = dialog->Get("QuickTabVariable");
       const std::vector<Message> messages;
-      Report report = FitReport(job, *dialog, {*sheet_, messages, isFromFile});
+      Report report = FitReport(job, *dialog, {*sheet_, messages, obstacle});
       dialog->Put("QuickTabVariable", shown);
       return report;
     };
@@ -198,23 +235,46 @@ class AnalysisDesk::Running : public DocumentSink {
     const auto* const list = qobject_cast<QListWidget*>(run_.Window()->Form().WidgetOf(kProfilerResponse));
     return list != nullptr ? list->currentRow() + 1 : 0;
   }
-  // What a person has chosen is known while the dialog is open. Choices for very many variables take too long to be asked for.
+  // What a person has chosen is known while the dialog is open. Results of choices that no job has are shown without a
+  // report of their own, and say why.
   void ReadJob() {
-    const bool fits = IsOpen(kFit) && sheet_->VariableCount() <= kMostReported;
+    const bool fits = IsOpen(kFit);
     const bool simulates = IsOpen(kSimulation);
-    if (IsOpen(kFit)) fit_.reset();
+    const bool profiles = IsOpen(kProfiler);
+    if (!fits && !simulates && !profiles) return;
+    origin_ = {};
+    if (fits) fit_.reset();
     if (simulates) simulation_.reset();
-    if (!fits && !simulates) return;
+    std::optional<ProfileJob> profile;
+    const int selected = profiles ? SelectedResponse() : 0;
     try {
       desk_.engine_.Run([&] {
         const auto dialog = run_.Analysis().GetDialgInterface();
         const ActionRecording none(run_.Analysis());
         if (fits) fit_ = ReadFitJob(*dialog, *sheet_);
         if (simulates) simulation_ = ReadSimulateJob(*dialog, *sheet_);
+        if (profiles) profile = ReadProfileJob(*dialog, selected);
       });
-    } catch (const std::exception&) {
-      // Results of choices that no job has are shown without a report.
+      origin_ = OriginNow(profile);
+    } catch (const std::exception& error) {
+      origin_.obstacle = "No command repeats this: " + Utf8(Reason(error)) + ".";
     }
+  }
+  // What makes the results that follow.
+  ShownOrigin OriginNow(std::optional<ProfileJob>& profile) const {
+    DataFile& home = document_->Data();
+    if (profile) {
+      profile->data = DataOf(home.Sheet({}));
+      return OriginOf(*profile, Obstacle(IsAsSaved()));
+    }
+    if (IsOpen(kSimulation)) {
+      SimulateJob job = *simulation_;
+      job.data = DataOf(FittedSheet(home, {}));
+      return OriginOf(job, Obstacle(IsAsSaved()));
+    }
+    FitJob job = fit_->job;
+    job.data = DataOf(home.Sheet({}));
+    return OriginOf(job, FitObstacle());
   }
 
   void Click(std::int32_t number) {
@@ -230,6 +290,7 @@ class AnalysisDesk::Running : public DocumentSink {
   void Follow() {
     DialogWindow* const window = run_.Window();
     if (window == nullptr) return;
+    StandBeside();
     QObject::connect(window, &DialogWindow::pressing, &run_,
                      [this](std::int32_t number) { BeforePress(number); });
     QObject::connect(window, &DialogWindow::operated, &run_, [this] { AfterOperation(); });
@@ -264,16 +325,16 @@ class AnalysisDesk::Running : public DocumentSink {
     simulates_ = IsOpen(kProfiler) && number == kControlOk;
     if (number == kControlOk) {
       ReadJob();
-      for (const auto& [dialog, task] : {std::pair(kFit, Task::kFit), std::pair(kSimulation, Task::kSimulate),
-                                         std::pair(kProfiler, Task::kProfile)}) {
-        if (IsOpen(dialog)) BeginStep(task);
+      for (const TaskDialogs& dialogs : kDialogs) {
+        if (dialogs.task != Task::kDesign && IsOpen(dialogs.begins)) BeginStep(dialogs.task);
       }
     }
     if (!IsOpen(kDesign) || (number != kControlOk && number != kDesignSave)) return;
     try {
       desk_.engine_.Run([this] { run_.Analysis().GetDialgInterface()->Get("CorrelationMatrix"); });
-    } catch (const std::exception&) {
-      // The dialog says what is wrong when it is asked to go on.
+    } catch (const std::exception& error) {
+      emit desk_.said(
+          AnalysisDesk::tr("The correlations of the design cannot be shown: %1").arg(Reason(error)));
     }
   }
 
@@ -292,14 +353,22 @@ class AnalysisDesk::Running : public DocumentSink {
     QString failure;
     try {
       desk_.engine_.Run([&] { show(run_.Analysis()); });
-    } catch (const AutomationError& error) {
-      failure = Shown(error.Reason().empty() ? error.what() : error.Reason());
     } catch (const std::exception& error) {
-      failure = Shown(error.what());
+      failure = Reason(error);
     }
     isSeries_ = false;
     emit desk_.seriesEnded();
+    StandBeside();
     if (!failure.isEmpty()) run_.Interface().ShowFault(failure);
+  }
+
+  // A dialog that covers results is moved, once they have their place on the screen.
+  void StandBeside() {
+    if (desk_.place_ == nullptr || std::exchange(isMoving_, true)) return;
+    QTimer::singleShot(0, &run_, [this] {
+      isMoving_ = false;
+      if (run_.Window() != nullptr && run_.Window()->isVisible()) desk_.place_(*run_.Window());
+    });
   }
 
   AnalysisDesk& desk_;
@@ -308,6 +377,7 @@ class AnalysisDesk::Running : public DocumentSink {
   Shape shape_;
   std::shared_ptr<CAnalysisTableDoc> output_;  // the simulated data that are shown last
   QString step_;                               // the title of the group that the next result begins
+  ShownOrigin origin_;                         // what makes its results
   int shown_ = 0;                              // documents and graphs
   int shownBefore_ = 0;
   std::int32_t pressed_ = 0;  // the button whose work is under way
@@ -315,6 +385,7 @@ class AnalysisDesk::Running : public DocumentSink {
   bool isSeries_ = false;     // which no macro shows
   bool simulates_ = false;    // the profiler was asked for runs
   std::atomic<bool> isQuiet_ = false;
+  bool isMoving_ = false;    // soon
   bool isPrepared_ = false;  // the dialog has what nobody chose
   std::optional<FitInDialog> fit_;
   std::optional<SimulateJob> simulation_;
@@ -330,14 +401,22 @@ AnalysisDesk::~AnalysisDesk() = default;
 void AnalysisDesk::Start(Task task, Document& document, Spreadsheet& sheet) {
   if (engine_.IsBusy())
     throw Error("an analysis computes; start another one when it has ended, or cancel it");
+  for (const auto& one : running_) {
+    if (one->ComesForward(task, sheet)) return;
+  }
   RequireCases(sheet);
   Running& running = *running_.emplace_back(std::make_unique<Running>(*this, document, sheet));
   connect(
       &running.Run(), &AnalysisRun::ended, this, [this, ended = &running] { End(ended); },
       Qt::QueuedConnection);
-  engine_.Run([&] { recording_.Began(document, sheet, running.Run().Analysis()); });
-  running.BeginStep(task);
-  running.Run().Begin(static_cast<int>(task));
+  try {
+    engine_.Run([&] { recording_.Began(document, sheet, running.Run().Analysis()); });
+    running.BeginStep(task);
+    running.Run().Begin(static_cast<int>(task));
+  } catch (...) {
+    End(&running);
+    throw;
+  }
   running.AskForVariables();
 }
 
@@ -374,8 +453,9 @@ QString AnalysisDesk::Describe(const Variable& variable) {
   std::string text;
   try {
     engine_.Run([&] { text = DistributionOf(variable); });
-  } catch (const std::exception&) {
+  } catch (const std::exception& error) {
     // Properties that make no distribution are listed as they are.
+    emit said(tr("What %1 is simulated from cannot be shown: %2").arg(Shown(variable.Name()), Reason(error)));
     return {};
   }
   return Shown(text);

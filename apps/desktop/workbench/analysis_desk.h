@@ -7,12 +7,14 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "apps/desktop/documents/document.h"
 #include "apps/desktop/port/analysis_run.h"
 #include "apps/desktop/workbench/macro_recording.h"
 #include "host/jobs/base/analysis_session.h"
+#include "host/jobs/reports/shown_report.h"
 #include "host/reporting/report.h"
 
 namespace brenvolt::desktop {
@@ -28,7 +30,11 @@ class AnalysisDesk : public QObject {
   AnalysisDesk(QWidget& owner, Opener opener);
   ~AnalysisDesk() override;
 
-  // Begins a task over a sheet of the document. Throws Error.
+  // Moves dialogs that cover results; without, they stand where the system puts them.
+  using Placer = std::function<void(QWidget& dialog)>;
+  void SetPlacer(Placer place) { place_ = std::move(place); }
+
+  // Begins a task over a sheet of the document, or shows its dialog where that is open. Throws Error.
   void Start(Task task, Document& document, Spreadsheet& sheet);
   // True while a dialog of an analysis of the document is open.
   bool IsUsing(const Document& document) const;
@@ -56,6 +62,8 @@ class AnalysisDesk : public QObject {
  signals:
   // Results of an analysis follow.
   void begun(const QString& title);
+  // What makes them.
+  void originKnown(const ShownOrigin& origin);
   void tableShown(std::shared_ptr<CAnalysisTableDoc> table);
   void graphShown(std::shared_ptr<CAnalysisGraphDoc> graph);
   // Several results come together, of which the first is looked at first; that was the last of them.
@@ -74,6 +82,7 @@ class AnalysisDesk : public QObject {
 
   QWidget& owner_;
   Opener opener_;
+  Placer place_;
   EngineThread engine_;
   MacroRecording recording_;
   std::vector<std::unique_ptr<Running>> running_;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QTableView>
 #include <QThread>
 #include <QTreeWidget>
@@ -66,6 +67,22 @@ struct Bench : WithToolkit {
     });
     Click(1407);
     EXPECT_TRUE(edit.HasActed());
+  }
+
+  // The report of the results that are looked at, which is written to a file of this name.
+  QString Exported(const std::string& name) {
+    const Hand save("QFileDialog", [&](QWidget& asked) {
+      auto& edit = Child<QLineEdit>(asked, "fileNameEdit");
+      edit.setText(ShownPath(folder / name));
+      QTest::keyClick(&edit, Qt::Key_Return);
+    });
+    window.ExportReport();
+    EXPECT_TRUE(save.HasActed());
+    return QString::fromStdString(BytesOf(folder / name));
+  }
+  // The command that a report says repeats it, without the name of the program; empty without.
+  static QString CommandIn(const QString& report) {
+    return QRegularExpression(QStringLiteral("\nbrenvolt (.*)\n")).match(report).captured(1);
   }
 
   // The tree of results, line by line: groups, and what is in them.

@@ -39,7 +39,7 @@ void MainWindow::StartTask(Task task) {
   try {
     Document& document = *CurrentDocument();
     desk_->Start(task, document, SheetFor(task, document, CurrentView()->CurrentSheet()));
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Warn(Explained(error));
   }
 }
@@ -76,7 +76,7 @@ void MainWindow::ExportSheet() {
     const bool comma = UserNumberLocale().decimalSeparator == ',';
     WriteCsvFile(*sheet, PathOf(name), comma ? CsvFormat::DecimalComma() : CsvFormat());
     Say(tr("Exported %1.").arg(name));
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Warn(Explained(error));
   }
 }
@@ -97,14 +97,13 @@ void MainWindow::WriteReportTo(const std::filesystem::path& file) {
     const WaitCursor wait;
     const bool isOfDialog = desk_->HasReport() && results_->IsGroupOpen();
     WriteReport(isOfDialog ? desk_->MakeReport(file)
-                           : ShownReport(Utf8(results_->GroupTitle()), results_->ShownGroup()),
+                           : ShownReport(Utf8(results_->GroupTitle()), results_->ShownGroup(),
+                                         results_->GroupOrigin()),
                 file);
     results_->SetReported();
     Say(tr("The report is in %1.").arg(ShownPath(file)));
-  } catch (const Error& error) {
-    Warn(Explained(error));
   } catch (const std::exception& error) {
-    Warn(Shown(error.what()));
+    Warn(Explained(error));
   }
 }
 
@@ -122,10 +121,8 @@ void MainWindow::ShowPictures() {
     const std::vector<PlotPage> pages = DataPlots(alone, kOverview);
     results_->BeginGroup(tr("Pictures of %1").arg(CurrentDocument()->Title()));
     for (const PlotPage& page : pages) results_->Add(std::make_shared<CAnalysisGraphDoc>(page.page));
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Warn(Explained(error));
-  } catch (const WrongJob& wrong) {
-    Warn(Shown(wrong.what()));
   }
 }
 

@@ -131,6 +131,8 @@ void MainWindow::MakeParts() {
 
 void MainWindow::ConnectParts() {
   connect(desk_.get(), &AnalysisDesk::begun, results_, &ResultsPanel::BeginGroup);
+  connect(desk_.get(), &AnalysisDesk::originKnown, results_, &ResultsPanel::SetOrigin);
+  desk_->SetPlacer([this](QWidget& dialog) { PlaceBesideResults(dialog, *splitter_, *results_); });
   connect(desk_.get(), &AnalysisDesk::tableShown, results_,
           qOverload<std::shared_ptr<CAnalysisTableDoc>>(&ResultsPanel::Add));
   connect(desk_.get(), &AnalysisDesk::graphShown, results_,
@@ -163,7 +165,11 @@ void MainWindow::ConnectParts() {
   });
   connect(properties_, &PropertyPanel::refused, this, &MainWindow::Say);
   connect(macros_, &MacroPanel::said, this, &MainWindow::Say);
-  connect(macros_, &MacroPanel::ended, this, &MainWindow::macroEnded);
+  connect(macros_, &MacroPanel::ended, this, [this](bool succeeded) {
+    // The panel shows it to a person.
+    if (!succeeded && isUnattended_) Warn(tr("The macro failed. %1").arg(macros_->Output().trimmed()));
+    emit macroEnded(succeeded);
+  });
   connect(macros_, &MacroPanel::recordAsked, this, &MainWindow::SetRecording);
   connect(&watcher_, &QFileSystemWatcher::fileChanged, this, &MainWindow::LookAtFile);
 }
@@ -305,7 +311,7 @@ void MainWindow::RunMacro(const std::filesystem::path& path) {
       return;
     }
     macros_->Open(path);
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Warn(Explained(error));
     emit macroEnded(false);
     return;
@@ -435,7 +441,7 @@ bool MainWindow::WriteDocument(Document& document, const std::filesystem::path& 
   try {
     const WaitCursor wait;
     document.Save(file);
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Warn(tr("%1\n\nYour edits are kept here; save them in another place, or try again.")
              .arg(Explained(error)));
     return false;
@@ -618,7 +624,7 @@ void MainWindow::GoBack(bool undo) {
   if (CurrentDocument() == nullptr) return;
   try {
     undo ? CurrentDocument()->Undo() : CurrentDocument()->Redo();
-  } catch (const Error& error) {
+  } catch (const std::exception& error) {
     Say(Explained(error));
   }
 }

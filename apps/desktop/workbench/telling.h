@@ -1,19 +1,11 @@
-// How the main window tells of failures and of waiting.
+// How the main window tells of waiting.
 #pragma once
 
 #include <QGuiApplication>
-#include <QString>
 
-#include "apps/desktop/base/text.h"
-#include "host/base/error.h"
+#include "apps/desktop/base/words.h"
 
 namespace brenvolt::desktop {
-
-// What failed, below where.
-inline QString Explained(const Error& error) {
-  if (error.Where().empty()) return Shown(error.what());
-  return Shown(error.Where()) + QStringLiteral(":\n") + Shown(error.what());
-}
 
 // What a wait of more than a moment looks like.
 class WaitCursor {
