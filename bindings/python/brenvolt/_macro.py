@@ -34,12 +34,27 @@ def check(file):
     print("\nThe macro holds nothing but calls on dialogs and their documents.")
 
 
+def _print_the_rest():
+    """What Python holds back of the output, whose failing it would tell by the status 120 at its end."""
+    try:
+        sys.stdout.flush()
+    except OSError as failure:
+        os.dup2(os.open(os.devnull, os.O_WRONLY), 1)
+        reason = f"brenvolt: the output cannot be written: {failure.strerror} (standard output)"
+        sys.exit(1 if isinstance(failure, BrokenPipeError) else reason)
+
+
 def main(words):
     """words: run FILE ARGUMENT…, record TARGET FILE ARGUMENT…, or check FILE."""
     task, *rest = words
-    if task == "check":
-        check(rest[0])
-    elif task == "record":
-        record(rest[0], rest[1], rest[2:])
-    else:
-        run(rest[0], rest[1:])
+    try:
+        if task == "check":
+            check(rest[0])
+        elif task == "record":
+            record(rest[0], rest[1], rest[2:])
+        else:
+            run(rest[0], rest[1:])
+    except SystemExit as end:
+        if end.code not in (None, 0):
+            raise
+    _print_the_rest()

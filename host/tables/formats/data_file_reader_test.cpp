@@ -222,6 +222,13 @@ TEST(DataFiles, CutFilesAreRefused) {
   }
 }
 
+TEST(DataFiles, ColumnsWithoutRowsTakeNeitherTimeNorMemory) {
+  const std::string header = "{'descr': '<f8', 'fortran_order': False, 'shape': (0, 9007199254740992), }\n";
+  const std::string array =
+      std::string("\x93NUMPY\x01\x00", 8) + static_cast<char>(header.size()) + '\0' + header;
+  EXPECT_EQ(RefusalOf(PackedParts({{"x.npy", array}})), "the file has no cases");
+}
+
 // The bytes with the field that stands so far after the first mark filled with one letter, so that no byte ends the name in it.
 void FillName(std::string& bytes, std::string_view mark, std::size_t before, std::size_t width, char letter) {
   const std::size_t start = bytes.find(mark) + mark.size() + before;

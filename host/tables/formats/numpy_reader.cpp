@@ -79,6 +79,8 @@ class Array {
     fortran_ = Entry(header, "'fortran_order':").starts_with("True");
     ReadShape(Entry(header, "'shape':"));
     if (columns_ == 0) Fail("has no values");
+    // Any number of columns without rows takes no bytes.
+    if (rows_ == 0) throw Error("the file has no cases", where_);
     if (rows_ > bytes_.size() / type_->size / columns_) Fail("is cut off");
   }
   std::string_view Entry(std::string_view header, std::string_view key) const {

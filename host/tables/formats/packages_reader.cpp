@@ -48,6 +48,7 @@ readstat_off_t Seek(readstat_off_t offset, readstat_io_flags_t whence, void* con
 ssize_t Read(void* buffer, std::size_t count, void* context) {
   Input& input = *static_cast<Input*>(context);
   const std::size_t taken = std::min(count, input.bytes.size() - input.next);
+  if (taken == 0 || buffer == nullptr) return 0;  // the library passes no buffer where it took none
   std::memcpy(buffer, input.bytes.data() + input.next, taken);
   input.next += taken;
   return static_cast<ssize_t>(taken);
