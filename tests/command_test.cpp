@@ -136,7 +136,8 @@ TEST_F(Command, AFileThatBecomesTooLargeIsAnErrorAndLeavesNothing) {
   for (const std::vector<std::string>& call :
        {std::vector<std::string>{"simulate", "p.bvw", "--samples", "100000", "--method", "monte-carlo", "-o",
                                  "x.csv"},
-        {"simulate", "p.bvw", "--samples", "100000", "--method", "monte-carlo", "-o", "x.npz"}}) {
+        {"simulate", "p.bvw", "--samples", "100000", "--method", "monte-carlo", "-o", "x.npz"},
+        {"simulate", "p.bvw", "--samples", "5000", "--method", "monte-carlo", "-o", "x.xlsx"}}) {
     std::vector<std::string> arguments{"-c", R"(ulimit -f 300; exec "$0" "$@")",
                                        BRENVOLT_BUILD_DIR "/bin/brenvolt"};
     arguments.insert(arguments.end(), call.begin(), call.end());

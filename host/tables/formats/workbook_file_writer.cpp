@@ -6,9 +6,11 @@
 
 #include "host/base/error.h"
 #include "host/base/files/file_replacement.h"
+#include "host/base/files/mapped_file.h"
 #include "host/base/number_text.h"
 #include "host/tables/formats/data_file_writer.h"
 #include "host/tables/formats/workbook_file.h"
+#include "host/tables/office/zip_content.h"
 
 namespace brenvolt {
 namespace {
@@ -162,6 +164,13 @@ void WriteWorkbookFile(const std::vector<const Spreadsheet*>& sheets, const std:
   for (const Spreadsheet* sheet : sheets) writer.Add(*sheet);
   if (charts != nullptr) writer.AddCharts(*charts);
   writer.Close();
+  // The library keeps pages in temporary files of its own and does not notice when one of them could not be written.
+  if (!MappedFile(replacement.Temporary()).Use(AreXmlPartsWhole)) {
+    throw Error(
+        "the workbook cannot be written: parts of it are cut off; the disk may be full, or that of temporary "
+        "files",
+        path.string());
+  }
   replacement.Commit();
 }
 

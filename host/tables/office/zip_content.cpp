@@ -82,6 +82,17 @@ class Bound {
   const std::string& where_;
 };
 
+// Whether the element that a document begins with, behind the declaration, is closed at its end.
+bool EndsWithItsElement(std::string_view beginning, std::string_view end) {
+  const std::size_t declared = beginning.find("?>");
+  const std::size_t open = beginning.find('<', declared == std::string_view::npos ? 0 : declared);
+  if (open == std::string_view::npos) return false;
+  const std::string_view element =
+      beginning.substr(open + 1, beginning.find_first_of(" \t\r\n/>", open) - open - 1);
+  end = end.substr(0, end.find_last_not_of(" \t\r\n") + 1);
+  return end.ends_with("</" + std::string(element) + ">");
+}
+
 }  // namespace
 
 std::size_t MostUnpackedBytes(std::size_t packedBytes) {
@@ -126,6 +137,30 @@ std::string Unpacked(std::string_view bytes, const std::string& where) {
     content += piece;
   });
   return content;
+}
+
+bool AreXmlPartsWhole(std::string_view bytes) {
+  constexpr std::size_t kBeginning = 256;
+  constexpr std::size_t kEnd = 64;
+  const std::string nowhere;
+  Reader reader(nowhere);
+  archive_read_support_format_zip_seekable(reader.Get());
+  if (!reader.Open(bytes)) return false;
+  try {
+    while (reader.Next() != nullptr) {
+      std::string beginning;
+      std::string end;
+      reader.Read([&](std::string_view piece) {
+        if (beginning.size() < kBeginning) beginning += piece.substr(0, kBeginning);
+        end = (end + std::string(piece.substr(piece.size() - std::min(piece.size(), kEnd))));
+        end.erase(0, end.size() - std::min(end.size(), kEnd));
+      });
+      if (!EndsWithItsElement(beginning, end)) return false;
+    }
+  } catch (const Error&) {
+    return false;
+  }
+  return true;
 }
 
 std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where, IsPartRead isRead) {

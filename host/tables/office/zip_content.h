@@ -33,4 +33,8 @@ using IsPartRead = bool (*)(std::string_view name);
 std::vector<ZipPart> UnpackedParts(std::string_view bytes, const std::string& where,
                                    IsPartRead isRead = nullptr);
 
+// Whether every part of a zip file of XML documents ends with the element that it begins with, so that none was cut off when it
+// was written.
+bool AreXmlPartsWhole(std::string_view bytes);
+
 }  // namespace brenvolt
