@@ -18,6 +18,7 @@
 #include "apps/cli/data_options.h"
 #include "apps/cli/print.h"
 #include "apps/cli/wrong_call.h"
+#include "host/analysis/ports/terminal_user_interface.h"
 #include "host/base/error.h"
 #include "host/base/files/file_turn.h"
 #include "host/base/nearest_name.h"
@@ -226,7 +227,10 @@ int CarryOut(const std::function<int()>& work) {
       Complain(fault.message, brenvolt::OptionOf(fault.field));
     return kWrongCall;
   } catch (const brenvolt::JobFailed&) {
-    return brenvolt::InterruptionRequested() ? Interrupted() : kJobFailed;
+    if (brenvolt::InterruptionRequested()) return Interrupted();
+    // A dialog that refuses says why, unless there is no memory for the words.
+    if (!brenvolt::TerminalUserInterface::HasSpoken()) brenvolt::SayNoMemoryIsLeft();
+    return kJobFailed;
   } catch (const brenvolt::UserCancelled&) {
     return Interrupted();
   } catch (const brenvolt::AutomationError& error) {
@@ -244,8 +248,12 @@ int CarryOut(const std::function<int()>& work) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+// What libraries take at their start, before main, may be missing as well.
+__attribute__((section(".preinit_array"), used)) void (*const kBeforeLibraries)() = [] {
   brenvolt::EndWhereNoMemoryIsLeft(kJobFailed);
+};
+
+int main(int argc, char** argv) {
   brenvolt::ReturnLargeBlocksAtOnce();
   const brenvolt::InterruptionCatcher interruptions;
   SayWaits();

@@ -1,5 +1,6 @@
 #include "host/analysis/ports/terminal_user_interface.h"
 
+#include <atomic>
 #include <cstdio>
 #include <utility>
 
@@ -8,6 +9,16 @@
 #include "host/base/visible_text.h"
 
 namespace brenvolt {
+
+namespace {
+
+std::atomic<bool> hasSpoken = false;
+
+}  // namespace
+
+bool TerminalUserInterface::HasSpoken() {
+  return hasSpoken;
+}
 
 TerminalUserInterface::TerminalUserInterface(std::string program)
     : program_(std::move(program)), terminal_(IsStandardErrorTerminal()) {}
@@ -21,6 +32,7 @@ MessageAnswer TerminalUserInterface::ShowMessage(const Message& message) {
   std::string line = VisibleLine(program_ + ": " + message.text + answer + where) + "\n";
   // Runs in batches say the same of each.
   if (line != lastLine_) std::fputs(line.c_str(), stderr);
+  hasSpoken = true;
   lastLine_ = std::move(line);
   return ProgramInterface::ShowMessage(message);
 }

@@ -20,6 +20,9 @@ class TerminalUserInterface : public ProgramInterface {
   // True once the user pressed Ctrl-C while a job that polls was running.
   bool IsExternallyCancelled() override;
 
+  // Whether any message was shown in this process.
+  static bool HasSpoken();
+
  private:
   std::string program_;
   bool terminal_;

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <string_view>
@@ -16,13 +17,29 @@ constexpr std::string_view kMessage = "brenvolt: not enough memory\n";
 int endStatus = 0;
 std::terminate_handler formerHandler = nullptr;
 
+[[noreturn]] void End() {
+  SayNoMemoryIsLeft();
+  RemoveTemporaryNames();
+  _exit(endStatus);
+}
+
+// Where there is no exception, there may have been no memory for one.
+bool IsAnythingLeft() {
+  constexpr std::size_t kRoomOfAnException = 1024;
+  void* const block = std::malloc(kRoomOfAnException);
+  std::free(block);
+  return block != nullptr;
+}
+
 [[noreturn]] void OnTerminate() {
   try {
-    if (const std::exception_ptr error = std::current_exception()) std::rethrow_exception(error);
+    if (const std::exception_ptr error = std::current_exception()) {
+      std::rethrow_exception(error);
+    } else if (!IsAnythingLeft()) {
+      End();
+    }
   } catch (const std::bad_alloc&) {
-    SayNoMemoryIsLeft();
-    RemoveTemporaryNames();
-    _exit(endStatus);
+    End();
   } catch (...) {
     // Any other error takes its usual course.
   }
