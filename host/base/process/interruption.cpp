@@ -45,7 +45,10 @@ InterruptionCatcher::InterruptionCatcher() {
 }
 
 InterruptionCatcher::~InterruptionCatcher() {
-  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &former[i], nullptr);
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    // Files that libraries have left open grow once more when the process ends.
+    if (kSignals[i] != SIGXFSZ) sigaction(kSignals[i], &former[i], nullptr);
+  }
 }
 
 bool InterruptionRequested() {
