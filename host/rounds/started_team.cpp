@@ -8,6 +8,7 @@
 
 #include "host/base/error.h"
 #include "host/base/process/dynamic_library.h"
+#include "host/base/process/environment.h"
 
 namespace brenvolt {
 namespace {
@@ -19,7 +20,7 @@ constexpr const char* kLibrary = "libbrenvolt_ranks.so";
 // What mpirun tells each process that it starts, and schedulers that start processes without it.
 bool IsStartedInTeam() {
   constexpr std::array kVariables{"OMPI_COMM_WORLD_SIZE", "PMIX_RANK"};
-  return std::ranges::any_of(kVariables, [](const char* name) { return std::getenv(name) != nullptr; });
+  return std::ranges::any_of(kVariables, [](const char* name) { return !EnvironmentText(name).empty(); });
 }
 
 std::unique_ptr<Team> StartedTeam() {
