@@ -121,5 +121,30 @@ TEST_F(ScoreCommand, SaysWhatIsWrongAndWritesNothing) {
   EXPECT_EQ(Run({"score", "model.pmml"}).status, 2);
 }
 
+TEST_F(Command, SafeCellsHoldNoFormulasWhereTheyAreAskedForAndInTables) {
+  Write("d.csv",
+        "=x,temp,ibh,ibt,id\n1,40,2693,87,@SUM(1)\n2,45,590,128,b\n3,54,1450,102,c\n4,35,1568,105,d\n");
+  const std::string model = kExamples + "ozone_regression.pmml";
+  const std::vector<std::string> score{"score", model, "d.csv", "--keep", "=x,id"};
+  const auto with = [](std::vector<std::string> call, const std::vector<std::string>& more) {
+    call.insert(call.end(), more.begin(), more.end());
+    return call;
+  };
+  EXPECT_NE(MustRun(score).out.find(",@SUM(1),"), std::string::npos);
+  const std::string safe = MustRun(with(score, {"--safe-cells"})).out;
+  EXPECT_TRUE(safe.starts_with("Case,'=x,id,")) << safe;
+  EXPECT_NE(safe.find(",'@SUM(1),"), std::string::npos) << safe;
+  MustRun(with(score, {"--safe-cells", "-o", "s.csv", "--record", "s.py"}));
+  EXPECT_EQ(BytesOf(File("s.csv")), safe);
+  EXPECT_NE(BytesOf(File("s.py")).find("safe_cells=True"), std::string::npos);
+  EXPECT_EQ(Run(with(score, {"--safe-cells", "-o", "s.npz"})).status, 2);
+  EXPECT_EQ(Run(with(score, {"--safe-cells", "--format", "json"})).status, 2);
+  MustRun({"import", "d.csv", "-o", "p.bvw"});
+  MustRun({"export", "p.bvw", "-o", "e.csv", "--safe-cells"});
+  EXPECT_TRUE(BytesOf(File("e.csv")).starts_with("'=x,temp,ibh,ibt,id\n1,40,2693,87,'@SUM(1)\n"));
+  EXPECT_NE(MustRun({"fit", "d.csv", "--continuous", "=x", "--format", "csv"}).out.find("\n'=x,"),
+            std::string::npos);
+}
+
 }  // namespace
 }  // namespace brenvolt::test

@@ -13,6 +13,7 @@
 #include "host/graphs/chart_text.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/csv.h"
+#include "host/tables/safe_cells.h"
 
 namespace brenvolt::cli {
 JobFaults& FaultyWords() {
@@ -59,7 +60,7 @@ void AddTableFormatOption(CLI::App& command, ReportFormat& format) {
 }
 
 void PrintCsv(const Spreadsheet& sheet, const JobData& data) {
-  PrintData(CsvText(sheet, data.Format()));
+  PrintData(CsvText(WithSafeCells(sheet), data.Format()));
 }
 
 CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string& about) {
@@ -98,6 +99,13 @@ void AddHandInputs(CLI::App& command, HandInputs& inputs) {
       ->type_name("V,V=NUMBER");
   command.add_option("--from", inputs.fromFile, "A text file of variables and correlations, one a line")
       ->type_name("FILE");
+}
+
+void AddSafeCellsOption(CLI::App& command, bool& safeCells) {
+  command.add_flag(
+      "--safe-cells", safeCells,
+      "In CSV, texts that spreadsheet programs would run as formulas, as they begin with =, +, - or @, "
+      "get an apostrophe before them");
 }
 
 void AddDecimalCommaOption(CLI::App& command, bool& decimalComma) {

@@ -36,7 +36,10 @@ CLI::Option* AddDataOptions(CLI::App& command, JobData& data, const std::string&
 // said on standard error.
 void AddReadingOptions(CLI::App& command, JobData& data);
 
-// A sheet on standard output.
+// Adds --safe-cells.
+void AddSafeCellsOption(CLI::App& command, bool& safeCells);
+
+// A table of results on standard output, its texts safe for spreadsheet programs.
 void PrintCsv(const Spreadsheet& sheet, const JobData& data);
 
 // Adds --wait.

@@ -117,6 +117,7 @@ void AddExportCommand(CLI::App& program) {
       ->required()
       ->type_name("FILE");
   AddDecimalCommaOption(*command, options->job.decimalComma);
+  AddSafeCellsOption(*command, options->job.safeCells);
   AddRecordOption(*command, options->record);
   command->footer("Example:\n  brenvolt export geyser.bvw:faithful -o faithful.csv");
   command->callback([options] { Export(*options); });

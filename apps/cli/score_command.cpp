@@ -7,10 +7,12 @@
 #include "apps/cli/print.h"
 #include "apps/cli/text_table.h"
 #include "apps/cli/unpredicted_report.h"
+#include "apps/cli/wrong_call.h"
 #include "host/base/number_text.h"
 #include "host/base/visible_text.h"
 #include "host/jobs/json/score_json.h"
 #include "host/jobs/score_job.h"
+#include "host/tables/safe_cells.h"
 
 namespace brenvolt::cli {
 namespace {
@@ -53,7 +55,7 @@ void ReportRows(const ScoreJob& job, const ScoreRun& run, bool isTable) {
     if (isTable) {
       Print(TextOf(PredictionTable(run.predictions)));
     } else {
-      PrintData(CsvText(run.predictions, job.data.Format()));
+      PrintData(CsvText(job.safeCells ? WithSafeCells(run.predictions) : run.predictions, job.data.Format()));
     }
     std::fputs(VisibleText(notes).c_str(), stderr);
     return;
@@ -63,6 +65,8 @@ void ReportRows(const ScoreJob& job, const ScoreRun& run, bool isTable) {
 }
 
 void Score(const ScoreCall& call) {
+  if (call.job.safeCells && call.format != ReportFormat::kCsv)
+    throw WrongCall("only cells of CSV could be run as formulas (--safe-cells)");
   Recording recording(call.record);
   const ScoreRun run = call.job.Run(recording.Job());
   if (call.format == ReportFormat::kJson) {
@@ -95,6 +99,7 @@ void AddScoreCommand(CLI::App& program) {
       "--leave-invalid", job.leaveInvalid,
       "Leave a case without predictions where the model refuses one of its values; default: fail");
   AddReadingOptions(*command, job.data);
+  AddSafeCellsOption(*command, job.safeCells);
   AddRecordOption(*command, call->record);
   AddTableFormatOption(*command, call->format);
   command->get_option("--format")

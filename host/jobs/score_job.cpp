@@ -7,7 +7,9 @@
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/safe_cells_option.h"
 #include "host/tables/formats/data_file_writer.h"
+#include "host/tables/safe_cells.h"
 
 namespace brenvolt {
 namespace {
@@ -60,6 +62,7 @@ JobFaults ScoreJob::Check() const {
   } else {
     CheckTableTarget("output", output, faults);
   }
+  CheckSafeCells(safeCells, output, faults);
   CheckTargetsApart({{"model", model}, {"data", data.file}}, {{"output", output}}, faults);
   return faults;
 }
@@ -110,11 +113,12 @@ ScoreRun ScoreJob::Run(JobRecorder& recorder) const {
   Record(recorder, &run.predictions);
   const std::filesystem::path file = output.empty() ? "/dev/stdout" : output;
   const bool isCsv = !HasDataEnding(file) || HasEnding(file, ".csv");
-  recorder.Called(&run.predictions, isCsv ? "to_csv" : "to_file",
-                  {PythonPath(file), isCsv ? DecimalCommaArgument(data.decimalComma) : ""});
+  recorder.Called(
+      &run.predictions, isCsv ? "to_csv" : "to_file",
+      {PythonPath(file), isCsv ? DecimalCommaArgument(data.decimalComma) : "", SafeCellsArgument(safeCells)});
   if (output.empty()) return run;
   RefuseProjectTarget(output);
-  WriteDataFile(run.predictions, output, data.Format());
+  WriteDataFile(safeCells ? WithSafeCells(run.predictions) : run.predictions, output, data.Format());
   return run;
 }
 

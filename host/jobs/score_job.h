@@ -23,8 +23,9 @@ struct ScoreJob {
   JobData data;
   bool probabilities = false;     // also of every class
   std::vector<std::string> keep;  // columns of the data that stand before the predictions
-  bool leaveInvalid = false;      // no prediction, instead of Error, where the model refuses a value
-  std::filesystem::path output;   // a CSV file; empty: none
+  bool safeCells = false;     // in CSV, texts that spreadsheet programs would run as formulas are made safe
+  bool leaveInvalid = false;  // no prediction, instead of Error, where the model refuses a value
+  std::filesystem::path output;  // a CSV file; empty: none
 
   JobFaults Check() const;
   // The predictions are written where `output` says. Throws WrongJob and Error.

@@ -7,8 +7,10 @@
 #include "host/base/utf8.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
+#include "host/jobs/base/safe_cells_option.h"
 #include "host/tables/formats/data_file_writer.h"
 #include "host/tables/matrix_sheet.h"
+#include "host/tables/safe_cells.h"
 
 namespace brenvolt {
 namespace {
@@ -60,6 +62,7 @@ JobFaults ExportJob::Check() const {
   CheckTargetsApart({{"source", SplitSheetAddress(source).first}}, {{"output", output}}, faults);
   if (decimalComma && HasDataEnding(output) && !HasEnding(output, ".csv"))
     faults.push_back({"decimalComma", "the decimal sign can be chosen for CSV files only"});
+  CheckSafeCells(safeCells, output, faults);
   return faults;
 }
 
@@ -68,9 +71,15 @@ void ExportJob::Run(JobRecorder& recorder) const {
   const auto [path, name] = SplitSheetAddress(source);
   DataFile project = OpenProject(path);
   RefuseProjectTarget(output);
-  WriteDataFile(project.Sheet(name), output, FormatOf(decimalComma));
+  const Spreadsheet& sheet = project.Sheet(name);
+  if (safeCells) {
+    WriteDataFile(WithSafeCells(sheet), output, FormatOf(decimalComma));
+  } else {
+    WriteDataFile(sheet, output, FormatOf(decimalComma));
+  }
   recorder.Called(nullptr, "Export",
-                  {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma)});
+                  {PythonText(source), PythonPath(output), DecimalCommaArgument(decimalComma),
+                   SafeCellsArgument(safeCells)});
 }
 
 }  // namespace brenvolt

@@ -26,6 +26,7 @@ struct ExportJob {
   std::string source;  // PROJECT.bvw or PROJECT.bvw:SHEET
   std::filesystem::path output;
   bool decimalComma = false;
+  bool safeCells = false;  // texts that spreadsheet programs would run as formulas are made safe; CSV only
 
   JobFaults Check() const;
   // Throws WrongJob and Error.
