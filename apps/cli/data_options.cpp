@@ -13,7 +13,7 @@
 #include "host/graphs/chart_text.h"
 #include "host/jobs/base/project_files.h"
 #include "host/tables/csv.h"
-#include "host/tables/safe_cells.h"
+#include "host/tables/formats/safe_cells.h"
 
 namespace brenvolt::cli {
 JobFaults& FaultyWords() {

@@ -12,7 +12,7 @@
 #include "host/base/visible_text.h"
 #include "host/jobs/json/score_json.h"
 #include "host/jobs/score_job.h"
-#include "host/tables/safe_cells.h"
+#include "host/tables/formats/safe_cells.h"
 
 namespace brenvolt::cli {
 namespace {

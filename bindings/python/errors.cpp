@@ -6,6 +6,8 @@
 
 #include "bindings/python/module.h"
 #include "host/base/error.h"
+#include "host/base/visible_text.h"
+#include "host/jobs/base/empty_text.h"
 #include "host/jobs/base/job_fault.h"
 
 namespace py = pybind11;
@@ -20,7 +22,7 @@ py::object InPackage(const char* name) {
 void SetError(const CallFailure& failure) {
   const py::object type = InPackage("Error");
   const py::object error = type(failure.text, failure.where, failure.method, failure.code);
-  if (!failure.note.empty()) error.attr("add_note")(failure.note);
+  if (!failure.note.empty()) error.attr("add_note")(VisibleLine(failure.note));
   PyErr_SetObject(type.ptr(), error.ptr());
 }
 
@@ -33,7 +35,7 @@ std::string ArgumentOf(const std::string& field) {
 std::string TextOf(const JobFaults& faults) {
   std::string text;
   for (const JobFault& fault : faults)
-    text += (text.empty() ? "" : "\n") + fault.message + " (" + ArgumentOf(fault.field) + ")";
+    text += (text.empty() ? "" : "\n") + VisibleLine(fault.message + " (" + ArgumentOf(fault.field) + ")");
   return text;
 }
 
@@ -60,12 +62,18 @@ void RaiseError(const CallFailure& failure) {
   throw py::error_already_set();
 }
 
+void RequireValue(const std::string& field, const std::string& text) {
+  if (text.empty() && !MayBeEmpty(field)) throw WrongJob(field, kEmptyText);
+}
+
 void Warn(const Message& message) {
   const std::string text = message.where.empty() ? message.text : message.text + " (" + message.where + ")";
   InPackage("warn")(text);
 }
 
-void BindErrors(py::module_& /*module*/) {
+void BindErrors(py::module_& module) {
+  module.def("visible_line", &VisibleLine, py::arg("text"),
+             "The text as messages show it: what a terminal would obey made visible.");
   py::register_exception_translator(&Translate);
 }
 

@@ -20,6 +20,9 @@ struct CallFailure {
 };
 [[noreturn]] void RaiseError(const CallFailure& failure);
 
+// Throws WrongJob for an empty text where the field needs a value.
+void RequireValue(const std::string& field, const std::string& text);
+
 // Shows a message as a warning of the class brenvolt.MessageWarning. Throws if the person made warnings
 // errors.
 void Warn(const Message& message);

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/job_results.h"
 #include "bindings/python/module.h"
@@ -23,8 +24,8 @@
 #include "host/application/json_text.h"
 #include "host/base/almost_equal.h"
 #include "host/base/error.h"
+#include "host/base/visible_text.h"
 #include "host/jobs/base/dialog_words.h"
-#include "host/jobs/base/empty_text.h"
 #include "host/jobs/base/plot.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/base/report_target.h"
@@ -68,12 +69,8 @@ std::unique_ptr<Spreadsheet> CopyOf(const Sheet& sheet) {
 // The code of a distribution that a person names. Throws ValueError that lists the names.
 std::size_t CodeOf(const std::string& name) {
   const NamedDistribution* distribution = FindDistribution(name);
-  if (distribution == nullptr) throw py::value_error(NoSuchDistribution(name));
+  if (distribution == nullptr) throw py::value_error(VisibleLine(NoSuchDistribution(name)));
   return static_cast<std::size_t>(distribution - kNamedDistributions.data());
-}
-
-void RequireValue(const std::string& field, const std::string& text) {
-  if (text.empty() && !MayBeEmpty(field)) throw WrongJob(field, kEmptyText);
 }
 
 void RequireProjectEnding(const char* field, const std::filesystem::path& path) {
@@ -122,6 +119,8 @@ std::vector<std::string> Append(const std::filesystem::path& path, const std::ve
 std::string Import(const std::filesystem::path& file, const std::filesystem::path& output,
                    const std::string& sheet, const std::string& kind, bool decimalComma,
                    const std::string& name, const TextOptions& text) {
+  RequireValue("file", file.string());
+  RequireValue("output", output.string());
   ImportJob job{DataOf(file, decimalComma, text), output, name, kind};
   job.data.sheet = sheet;
   return job.Run(TheJob()).Name();
@@ -135,8 +134,11 @@ std::string Preview(const std::filesystem::path& file, const std::string& sheet,
   return JsonText(PreviewJson(job.Run()));
 }
 
-void Export(const std::string& source, const std::filesystem::path& output, bool decimalComma) {
-  ExportJob{source, output, decimalComma}.Run(TheJob());
+void Export(const std::string& source, const std::filesystem::path& output, bool decimalComma,
+            bool safeCells) {
+  RequireValue("source", source);
+  RequireValue("output", output.string());
+  ExportJob{source, output, decimalComma, safeCells}.Run(TheJob());
 }
 
 // The predictions for the cases of an open sheet, or if it is null of the job's file.
@@ -656,7 +658,8 @@ void BindJobs(py::module_& module) {
              py::arg("kind"), py::arg("decimal_comma"), py::arg("name"), py::arg("reading"));
   module.def("_preview", &Preview, InHost(), py::arg("path"), py::arg("sheet"), py::arg("decimal_comma"),
              py::arg("reading"));
-  module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"));
+  module.def("_export", &Export, InHost(), py::arg("source"), py::arg("file"), py::arg("decimal_comma"),
+             py::arg("safe_cells"));
   module.def("_sample_graph", &SampleGraph, InHost());
   module.def("_fit_graph", &FitGraphWith);
   py::list dataKinds;

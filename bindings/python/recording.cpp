@@ -6,6 +6,7 @@
 #include <set>
 #include <vector>
 
+#include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
 #include "host/base/error.h"
@@ -32,6 +33,7 @@ std::unique_ptr<Recording>& Current() {
 // The folder of the file must be there before anything is done.
 void StartRecording(const std::filesystem::path& file) {
   if (Current() != nullptr) throw Error("a macro is being recorded already");
+  RequireValue("path", file.string());
   JobFaults faults;
   CheckFolder("path", file, faults);
   RequireNone(std::move(faults));

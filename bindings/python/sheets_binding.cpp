@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "bindings/python/errors.h"
 #include "bindings/python/host_call.h"
 #include "bindings/python/module.h"
 #include "bindings/python/numpy_arrays.h"
@@ -18,7 +19,9 @@
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
 #include "host/jobs/reports/show_job.h"
+#include "host/jobs/safe_cells_option.h"
 #include "host/tables/formats/data_file_writer.h"
+#include "host/tables/formats/safe_cells.h"
 #include "host/tables/numpy_archive.h"
 
 namespace py = pybind11;
@@ -389,15 +392,20 @@ void BindSheet(py::module_& module) {
           "copy", [](const Sheet& s) { return FreeSheet(s->Sheet()); }, InHost(), "A copy in no workbook.")
       .def(
           "to_csv",
-          [](const Sheet& s, const std::filesystem::path& path, bool decimalComma) {
-            WriteCsvFile(s->Sheet(), path, FormatOf(decimalComma));
-            RecordCall(s, "to_csv", {PythonPath(path), DecimalCommaArgument(decimalComma)});
+          [](const Sheet& s, const std::filesystem::path& path, bool decimalComma, bool safeCells) {
+            RequireValue("path", path.string());
+            WriteCsvFile(safeCells ? WithSafeCells(s->Sheet()) : s->Sheet(), path, FormatOf(decimalComma));
+            RecordCall(s, "to_csv",
+                       {PythonPath(path), DecimalCommaArgument(decimalComma), SafeCellsArgument(safeCells)});
           },
-          InHost(), py::arg("path"), py::arg("decimal_comma") = false,
-          "Writes a CSV file whose numbers read back exactly. Replaces no project.")
+          InHost(), py::arg("path"), py::arg("decimal_comma") = false, py::arg("safe_cells") = false,
+          "Writes a CSV file whose numbers read back exactly; with safe_cells, texts that spreadsheet "
+          "programs "
+          "would run as formulas get an apostrophe before them. Replaces no project.")
       .def(
           "to_npz",
           [](const Sheet& s, const std::filesystem::path& path) {
+            RequireValue("path", path.string());
             RefuseProjectTarget(path);
             WriteNumpyArchive(s->Sheet(), path);
             RecordCall(s, "to_npz", {PythonPath(path)});
@@ -408,6 +416,7 @@ void BindSheet(py::module_& module) {
       .def(
           "to_file",
           [](const Sheet& s, const std::filesystem::path& path) {
+            RequireValue("path", path.string());
             JobFaults faults;
             CheckTableTarget("path", path, faults);
             RequireNone(std::move(faults));
@@ -420,6 +429,7 @@ void BindSheet(py::module_& module) {
   module.def(
       "read_csv",
       [](const std::filesystem::path& path, bool decimalComma) {
+        RequireValue("path", path.string());
         const Sheet sheet = FreeSheet(ReadCsv(path, FormatOf(decimalComma)));
         RecordGiven("sheet", nullptr, "ReadCsv", {PythonPath(path), DecimalCommaArgument(decimalComma)},
                     sheet);
@@ -498,6 +508,7 @@ void BindWorkbook(py::module_& module) {
       .def(
           "save",
           [](const Book& book, const std::optional<std::filesystem::path>& path) {
+            if (path) RequireValue("path", path->string());
             JobFaults faults;
             if (path) CheckProjectEnding("path", *path, faults);
             RequireNone(std::move(faults));

@@ -7,9 +7,9 @@
 #include "host/jobs/base/analysis_session.h"
 #include "host/jobs/base/output_files.h"
 #include "host/jobs/base/project_files.h"
-#include "host/jobs/base/safe_cells_option.h"
+#include "host/jobs/safe_cells_option.h"
 #include "host/tables/formats/data_file_writer.h"
-#include "host/tables/safe_cells.h"
+#include "host/tables/formats/safe_cells.h"
 
 namespace brenvolt {
 namespace {

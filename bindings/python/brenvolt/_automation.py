@@ -498,9 +498,10 @@ class Application:
         """
         return _brenvolt._import(file, output, sheet, kind, decimal_comma, name, _reading.options(reading, "import_file"))
 
-    def export_sheet(self, source: str, output: str | os.PathLike, decimal_comma: bool = False) -> None:
+    def export_sheet(self, source: str, output: str | os.PathLike, decimal_comma: bool = False,
+                     safe_cells: bool = False) -> None:
         """Writes a sheet of a project, PROJECT.bvw or PROJECT.bvw:SHEET, as CSV."""
-        _brenvolt._export(source, output, decimal_comma)
+        _brenvolt._export(source, output, decimal_comma, safe_cells)
 
     def score(self, model: str | os.PathLike, data: str | os.PathLike | _brenvolt.Spreadsheet | TableDocument,
               sheet: str = "", probabilities: bool = False, leave_invalid: bool = False, decimal_comma: bool = False,

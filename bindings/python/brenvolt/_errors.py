@@ -4,6 +4,8 @@ import os
 import sys
 import warnings
 
+from ._brenvolt import visible_line
+
 _PACKAGE = os.path.dirname(__file__)
 
 
@@ -15,7 +17,8 @@ class Error(RuntimeError):
     "CFitDistribution::put_WeibullOffset" (with the name of the interface instead of the class where the system tells
     none, as for a refused OK), and code tells how it failed: "closed" (the dialog), "refused" (by the dialog),
     "not available", "no such call", or "exception" (anything else). Both are empty for other errors. If a message
-    of the system says why, it is the text, and what failed is among __notes__.
+    of the system says why, it is the text, and what failed is among __notes__. str() shows control characters of text
+    and where as \\u001b; the attributes have them as they are.
     """
 
     def __init__(self, text: str, where: str = "", method: str = "", code: str = "") -> None:
@@ -26,7 +29,7 @@ class Error(RuntimeError):
         self.code = code
 
     def __str__(self) -> str:
-        return f"{self.text} ({self.where})" if self.where else self.text
+        return visible_line(f"{self.text} ({self.where})" if self.where else self.text)
 
 
 class MessageWarning(UserWarning):
@@ -39,4 +42,4 @@ def warn(text: str) -> None:
     frame = sys._getframe(1)
     while frame.f_back is not None and os.path.dirname(frame.f_code.co_filename) == _PACKAGE:
         level, frame = level + 1, frame.f_back
-    warnings.warn(text, MessageWarning, stacklevel=level)
+    warnings.warn(visible_line(text), MessageWarning, stacklevel=level)

@@ -398,5 +398,43 @@ class Simulations(Folder):
                 call()
 
 
+class Messages(unittest.TestCase):
+    EVIL = "a\x1b[2Jb\x9b31mc\u202ed"
+    SHOWN = "a\\u001b[2Jb\\u009b31mc\\u202ed"
+
+    def test_text_from_outside_does_not_steer_a_terminal(self):
+        data = os.path.join(EXAMPLES, "faithful.csv")
+        calls = (lambda: brenvolt.fit(self.EVIL + ".csv"), lambda: brenvolt.fit(data, continuous=[self.EVIL]),
+                 lambda: brenvolt.fit(data, distributions=[self.EVIL]), lambda: brenvolt.fit(data, sheet=self.EVIL),
+                 lambda: brenvolt.profile(data, formulas=[f"y = waiting + '{self.EVIL}'"]))
+        for number, call in enumerate(calls):
+            with self.subTest(number), self.assertRaises((brenvolt.Error, ValueError)) as raised:
+                call()
+            self.assertIn(self.SHOWN, str(raised.exception), number)
+            self.assertFalse(set("\x1b\x9b\u202e") & set(str(raised.exception)), number)
+        with self.assertRaises(brenvolt.Error) as raised:
+            brenvolt.fit(self.EVIL + ".csv")
+        self.assertEqual(raised.exception.where, self.EVIL + ".csv")
+
+    def test_an_empty_name_of_a_file_is_a_wrong_call(self):
+        data = os.path.join(EXAMPLES, "faithful.csv")
+        sheet = brenvolt.read_csv(data)
+        application = brenvolt.Application()
+        result = brenvolt.fit(data)
+        calls = {"path": (lambda: sheet.to_csv(""), lambda: sheet.to_npz(""), lambda: sheet.to_file(""),
+                          lambda: brenvolt.read_csv(""), lambda: brenvolt.Workbook().save(""), lambda: result.save(""),
+                          lambda: result.report(""), lambda: brenvolt.record("").__enter__()),
+                 "output": (lambda: application.import_file(data, ""), lambda: application.export_sheet("p.bvw", ""),
+                            lambda: brenvolt.profile(data, formulas=["y = waiting"], output="")),
+                 "source": (lambda: application.export_sheet("", "x.csv"),),
+                 "file": (lambda: application.import_file("", "p.bvw"),),
+                 "save": (lambda: brenvolt.fit(data, save=""),)}
+        for field, group in calls.items():
+            for number, call in enumerate(group):
+                with self.subTest(field=field, number=number), self.assertRaises(ValueError) as raised:
+                    call()
+                self.assertEqual(str(raised.exception), f"expected a value, got an empty text ({field})")
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -1,4 +1,4 @@
-#include "host/jobs/base/safe_cells_option.h"
+#include "host/jobs/safe_cells_option.h"
 
 #include "host/jobs/base/project_files.h"
 #include "host/tables/formats/data_file_writer.h"

@@ -1,4 +1,4 @@
-#include "host/tables/safe_cells.h"
+#include "host/tables/formats/safe_cells.h"
 
 #include <string>
 #include <utility>
