@@ -62,6 +62,8 @@ def navigation(made):
             if page not in seen:
                 seen.append(page)
                 lines.append(f'      - "{text[0].upper() + text[1:]}": {page}')
+    for text, page in re.findall(r"\[([^\]]+)\]\(([a-z-]+\.md)\)", index):
+        lines.append(f'  - "{text[0].upper() + text[1:]}": {page}')
     lines += ["  - Changes: changes.md"]
     return lines
 
