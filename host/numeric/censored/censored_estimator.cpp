@@ -26,8 +26,8 @@ struct Start {
 // Maximises the log-likelihood of a distribution's parameters.
 class Climb {
  public:
-  Climb(CensoredForm form, const CensoredSample& sample, double offset, Start start)
-      : form_(form), sample_(sample), offset_(offset), start_(std::move(start)) {}
+  Climb(DistributionCode code, const CensoredSample& sample, double offset, Start start)
+      : code_(code), sample_(sample), offset_(offset), start_(std::move(start)) {}
 
   EstimationResult<CensoredEstimate> Run();
 
@@ -50,14 +50,14 @@ class Climb {
   std::optional<Place> Ascend(const Place& from, const Point& step) const;
   CensoredEstimate EstimateAt(const Place& place, double gradient, int iterations) const;
 
-  CensoredForm form_;
+  DistributionCode code_;
   const CensoredSample& sample_;
   double offset_;
   Start start_;
 };
 
 Climb::Place Climb::At(const Point& point) const {
-  Place place{point, CensoredLogLikelihood(form_, ValuesAt(point), sample_, offset_)};
+  Place place{point, CensoredLogLikelihood(code_, ValuesAt(point), sample_, offset_)};
   for (std::size_t i = 0; i < Size(); ++i) {
     place.likelihood.first[i] *= UnitOf(i);
     for (std::size_t j = 0; j < Size(); ++j) place.likelihood.second[i][j] *= UnitOf(i) * UnitOf(j);
@@ -246,7 +246,7 @@ EstimationResult<CensoredEstimate> EstimateCensored(DistributionCode code, const
   if (!isBoundedAbove || !isBoundedBelow) return FaultAbout(EstimationFault::kNoMaximum, 0);
   EstimationResult<CensoredEstimate> best = FaultAbout(EstimationFault::kNoMaximum, 0);
   for (Start& start : StartsOf(facts.censored, sample, offset)) {
-    auto found = Climb(facts.censored, sample, offset, std::move(start)).Run();
+    auto found = Climb(code, sample, offset, std::move(start)).Run();
     // Below a shape of -1 the density is infinite at the end, and the likelihood has no maximum.
     if (found && facts.censored == CensoredForm::kExtremeValue && found->estimate.values.back() <= -1)
       continue;

@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "host/numeric/censored/standard_logarithms.h"
+#include "host/numeric/distributions/distribution_table.h"
 #include "host/numeric/special/log_one_plus.h"
 
 namespace brenvolt {
@@ -226,9 +227,9 @@ SecondOrder LikelihoodBy(std::span<const double> values, const CensoredSample& s
 
 }  // namespace
 
-SecondOrder CensoredLogLikelihood(CensoredForm form, std::span<const double> values,
+SecondOrder CensoredLogLikelihood(DistributionCode code, std::span<const double> values,
                                   const CensoredSample& sample, double offset) {
-  switch (form) {
+  switch (EntryOf(code).facts.censored) {
     case CensoredForm::kNormal:
       return LikelihoodBy<NormalReduction<false>>(values, sample, offset);
     case CensoredForm::kNormalOfLogarithm:

@@ -15,8 +15,8 @@
 namespace brenvolt {
 
 // Derivatives are by the parameters in their order, those that are positive by their logarithm. The value is -infinity where
-// the parameters cannot have given the values.
-SecondOrder CensoredLogLikelihood(CensoredForm form, std::span<const double> values,
+// the parameters cannot have given the values. For the distributions of CensoredDistributions().
+SecondOrder CensoredLogLikelihood(DistributionCode code, std::span<const double> values,
                                   const CensoredSample& sample, double offset);
 
 }  // namespace brenvolt

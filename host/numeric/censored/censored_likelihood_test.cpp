@@ -7,8 +7,6 @@
 #include <limits>
 #include <vector>
 
-#include "host/numeric/distributions/distribution_table.h"
-
 namespace brenvolt {
 namespace {
 
@@ -39,7 +37,7 @@ TEST(CensoredLikelihoodReference, DerivativesAreThoseOfTheDistributionFunctions)
                                     << row.upper);
     CensoredSample sample;
     sample.Add({row.lower, row.upper});
-    const SecondOrder found = CensoredLogLikelihood(EntryOf(row.code).facts.censored, row.values, sample, 0);
+    const SecondOrder found = CensoredLogLikelihood(row.code, row.values, sample, 0);
     // An interval of a millionth leaves as many digits fewer.
     const bool isNarrow = row.lower < row.upper && row.upper - row.lower < 1e-3;
     const double share = isNarrow ? 1e-9 : 1e-12;
@@ -78,8 +76,7 @@ TEST(CensoredLikelihood, ValuesOutsideOfTheSupportAreImpossibleOrSayNothing) {
   for (const Case& c : cases) {
     CensoredSample sample;
     sample.Add(c.value);
-    EXPECT_EQ(CensoredLogLikelihood(EntryOf(c.code).facts.censored, c.values, sample, 0).value, c.expected)
-        << c.what;
+    EXPECT_EQ(CensoredLogLikelihood(c.code, c.values, sample, 0).value, c.expected) << c.what;
   }
 }
 
