@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLocale>
+#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <clocale>
@@ -10,6 +11,7 @@
 #include <cstdlib>
 
 #include "apps/desktop/base/text.h"
+#include "apps/desktop/base/words.h"
 #include "apps/desktop/desktop_options.h"
 #include "apps/desktop/workbench/main_window.h"
 #include "host/base/number_text.h"
@@ -45,6 +47,26 @@ void AdoptDecimalSeparator() {
   if (separator == QStringLiteral(",")) brenvolt::SetUserNumberLocale({','});
 }
 
+// A fault that nobody expected reaches the person with its words, and the window goes on.
+class Program : public QApplication {
+ public:
+  using QApplication::QApplication;
+
+  bool notify(QObject* receiver, QEvent* event) override {
+    try {
+      return QApplication::notify(receiver, event);
+    } catch (const std::exception& error) {
+      const QString words = brenvolt::desktop::Explained(error);
+      if (platformName() == QStringLiteral("offscreen")) {
+        qCritical("%s", qPrintable(words));
+      } else {
+        QMessageBox::warning(activeWindow(), QStringLiteral("Brenvolt"), words);
+      }
+    }
+    return false;
+  }
+};
+
 // Carries out what the call asked for, and ends the program where a picture was all of it.
 void Begin(MainWindow& window, const StartOptions& options) {
   const auto finish = [&window, options](bool succeeded) {
@@ -74,7 +96,7 @@ int main(int argc, char** argv) {
   if (!options) return status;
   if (!options->screenshot.empty() && !qEnvironmentVariableIsSet(kPlatform)) qputenv(kPlatform, "offscreen");
   qInstallMessageHandler(RefuseMissingDisplay);
-  QApplication application(argc, argv);
+  Program application(argc, argv);
   qInstallMessageHandler(ReportFault);
   // Numbers in files are read and written as elsewhere, whatever the person's language.
   std::setlocale(LC_NUMERIC, "C");

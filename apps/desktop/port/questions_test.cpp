@@ -226,14 +226,47 @@ TEST(SelectionQuestion, VerdictCountsTheCasesOrPointsAtTheFault) {
   Variable x("wait time", 4);
   x.AssignValues({1, 2, 3, 4});
   sheet.AddVariable(x);
-  bool isValid = false;
-  EXPECT_EQ(VerdictOn(NameInFormulas("wait time") + " > 1", sheet, isValid),
-            "3 of 4 cases meet the condition.");
-  EXPECT_TRUE(isValid);
-  EXPECT_NE(VerdictOn("height > 1", sheet, isValid).find("height"), std::string::npos);
-  EXPECT_FALSE(isValid);
-  EXPECT_EQ(NameInFormulas("x.1"), "x.1");
-  EXPECT_EQ(NameInFormulas("1x"), "'1x'");
+  const struct {
+    const char* condition;
+    bool isValid;
+    const char* words;
+  } cases[] = {{"'wait time' > 1", true, "3 of 4 cases meet the condition."},
+               {"height > 1", false, "height"},
+               {"'wait time' > 9", false, "no case meets the condition"},
+               {" ", true, "An empty condition admits every case."}};
+  for (const auto& one : cases) {
+    const ConditionVerdict verdict = VerdictOn(one.condition, sheet);
+    EXPECT_EQ(verdict.isValid, one.isValid) << one.condition;
+    EXPECT_NE(verdict.words.find(one.words), std::string::npos) << verdict.words;
+  }
+}
+
+// The verdict on what stood there before admits nothing.
+TEST(SelectionQuestion, WhatIsTypedWhileAConditionIsTriedIsTriedNextAndOkWaitsForIt) {
+  StartToolkit();
+  const Spreadsheet sheet("data", 4, 1);
+  std::vector<std::string> tried;
+  const JudgeCondition judge = [&](const std::string& condition) {
+    tried.push_back(condition);
+    QWidget* const dialog = QApplication::activeModalWidget();
+    if (condition == "Var1 > 1" && dialog != nullptr) {
+      QTest::keyClicks(&Child<QLineEdit>(*dialog, "condition"), QStringLiteral("0"));
+      PressButton(*dialog, QDialogButtonBox::AcceptRole);
+    }
+    if (condition != "Var1 > 0" && condition != "Var1 > 1" && dialog != nullptr)
+      QTimer::singleShot(0, dialog, [dialog] { static_cast<QDialog*>(dialog)->reject(); });
+    return ConditionVerdict{condition != "Var1 > 10", condition};
+  };
+  const Hand type("selection", [](QWidget& asked) {
+    auto& condition = Child<QLineEdit>(asked, "condition");
+    QTest::keyClick(&condition, Qt::Key_End);
+    QTest::keyClick(&condition, Qt::Key_Backspace);
+    QTest::keyClicks(&condition, QStringLiteral("1"));
+  });
+  SelectionQuestion question{true, "Var1 > 0"};
+  EXPECT_FALSE(AskForSelection(question, &sheet, judge, nullptr)) << question.condition;
+  EXPECT_EQ(tried, (std::vector<std::string>{"Var1 > 0", "Var1 > 1", "Var1 > 10"}));
+  EXPECT_EQ(question.condition, "Var1 > 0");
 }
 
 TEST(DialogWindow, ControlsFollowTheDialogAtOnceAndKeysSuffice) {

@@ -9,13 +9,12 @@
 #include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <algorithm>
-#include <cctype>
+#include <utility>
 
 #include "apps/desktop/base/text.h"
+#include "apps/desktop/base/words.h"
 #include "apps/desktop/dialogs/wrapped_label.h"
-#include "host/analysis/result_request.h"
-#include "host/base/error.h"
+#include "host/formula/formula_name.h"
 
 namespace brenvolt::desktop {
 namespace {
@@ -27,9 +26,11 @@ const char* const kExample = "height > 1.5 and group = 2";
 
 class SelectionDialog : public QDialog {
  public:
-  SelectionDialog(const SelectionQuestion& question, const Spreadsheet* input, QWidget* owner)
+  SelectionDialog(const SelectionQuestion& question, const Spreadsheet* input, const JudgeCondition& judge,
+                  QWidget* owner)
       : QDialog(owner),
         input_(input),
+        judge_(judge),
         enabled_(tr("&Use only the cases that meet a condition")),
         buttons_(QDialogButtonBox::Ok | QDialogButtonBox::Cancel) {
     setObjectName(QStringLiteral("selection"));
@@ -74,37 +75,56 @@ class SelectionDialog : public QDialog {
     pause_.setInterval(kPauseInMilliseconds);
     connect(&pause_, &QTimer::timeout, this, [this] { Judge(); });
     connect(&condition_, &QLineEdit::textEdited, this, [this](const QString& text) {
+      isAccepted_ = false;
       enabled_.setChecked(!text.trimmed().isEmpty());
       pause_.start();
     });
     connect(&enabled_, &QCheckBox::toggled, this, [this] { Judge(); });
     connect(&variables_, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
-      condition_.insert(Shown(NameInFormulas(Utf8(item->text()))));
+      condition_.insert(Shown(NameInFormula(Utf8(item->text()))));
       enabled_.setChecked(true);
       condition_.setFocus();
       Judge();
     });
     connect(&buttons_, &QDialogButtonBox::accepted, this, [this] {
       pause_.stop();
+      isAccepted_ = true;
       Judge();
-      if (isValid_) accept();
     });
     connect(&buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
   }
 
+  // Of what is typed while a condition is tried, the last is tried next.
   void Judge() {
-    isValid_ = true;
-    std::string verdict = "All cases are used.";
-    const std::string condition = Utf8(condition_.text().trimmed());
-    if (enabled_.isChecked() && condition.empty()) verdict = "An empty condition admits every case.";
-    if (enabled_.isChecked() && !condition.empty() && input_ != nullptr)
-      verdict = VerdictOn(condition, *input_, isValid_);
-    verdict_.setText(Shown(verdict));
+    if (std::exchange(isJudging_, true)) {
+      isLate_ = true;
+      return;
+    }
+    do {
+      isLate_ = false;
+      Show(Verdict());
+    } while (isLate_);
+    isJudging_ = false;
+    if (std::exchange(isAccepted_, false) && isValid_) accept();
+  }
+  ConditionVerdict Verdict() const {
+    if (!enabled_.isChecked()) return {true, "All cases are used."};
+    if (input_ == nullptr) return {};
+    try {
+      return judge_(Utf8(condition_.text().trimmed()));
+    } catch (const std::exception& error) {
+      return {false, Utf8(Reason(error))};
+    }
+  }
+  void Show(const ConditionVerdict& verdict) {
+    isValid_ = verdict.isValid;
+    verdict_.setText(Shown(verdict.words));
     verdict_.setForegroundRole(isValid_ ? QPalette::WindowText : QPalette::LinkVisited);
     buttons_.button(QDialogButtonBox::Ok)->setEnabled(isValid_);
   }
 
   const Spreadsheet* input_;
+  const JudgeCondition& judge_;
   QCheckBox enabled_;
   QLineEdit condition_;
   WrappedLabel verdict_;
@@ -112,33 +132,16 @@ class SelectionDialog : public QDialog {
   QDialogButtonBox buttons_;
   QTimer pause_;
   bool isValid_ = true;
+  bool isJudging_ = false;
+  bool isLate_ = false;      // something was typed meanwhile
+  bool isAccepted_ = false;  // if it is valid
 };
 
 }  // namespace
 
-std::string VerdictOn(const std::string& condition, const Spreadsheet& input, bool& isValid) {
-  try {
-    const auto accepted = CasesMeeting(condition, input, "condition");
-    const auto count = std::ranges::count_if(accepted, [](std::uint8_t flag) { return flag != 0; });
-    isValid = true;
-    return std::to_string(count) + " of " + std::to_string(input.CaseCount()) + " cases meet the condition.";
-  } catch (const Error& error) {
-    isValid = false;
-    return error.Where() + ": " + error.what();
-  }
-}
-
-std::string NameInFormulas(const std::string& name) {
-  const auto isOfWord = [](unsigned char c) { return std::isalnum(c) != 0 || c == '_' || c == '.'; };
-  const bool isPlain = !name.empty() && std::isdigit(static_cast<unsigned char>(name.front())) == 0 &&
-                       std::ranges::all_of(name, isOfWord);
-  if (isPlain) return name;
-  const char quote = name.find('\'') == std::string::npos ? '\'' : '"';
-  return quote + name + quote;
-}
-
-bool AskForSelection(SelectionQuestion& question, const Spreadsheet* input, QWidget* owner) {
-  SelectionDialog dialog(question, input, owner);
+bool AskForSelection(SelectionQuestion& question, const Spreadsheet* input, const JudgeCondition& judge,
+                     QWidget* owner) {
+  SelectionDialog dialog(question, input, judge, owner);
   if (dialog.exec() != QDialog::Accepted) return false;
   question = dialog.Answer();
   return true;

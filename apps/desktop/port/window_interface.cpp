@@ -138,7 +138,12 @@ bool WindowInterface::SelectVariables(VariableQuestion& question) {
 bool WindowInterface::EditSelection(SelectionQuestion& question) {
   if (quiet_ != nullptr) return false;
   bool accepted = false;
-  engine_.Ask([&] { accepted = AskForSelection(question, Input(), Front()); });
+  const auto judge = [&](const std::string& condition) {
+    ConditionVerdict verdict;
+    engine_.Run([&] { verdict = VerdictOn(condition, *Input()); });
+    return verdict;
+  };
+  engine_.Ask([&] { accepted = AskForSelection(question, Input(), judge, Front()); });
   return accepted;
 }
 

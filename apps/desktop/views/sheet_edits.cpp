@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
-#include <set>
 #include <unordered_set>
 #include <utility>
 
 #include "host/base/error.h"
 #include "host/tables/csv_reader.h"
 #include "host/tables/editing/cell_text.h"
-#include "host/tables/matrix_sheet.h"
+#include "host/tables/editing/typed_cells.h"
 #include "host/tables/text/text_header.h"
 
 namespace brenvolt::desktop {
@@ -22,46 +21,12 @@ std::size_t WidthOf(const TextRows& texts) {
   return width;
 }
 
-std::string Place(std::size_t row) {
-  return "row " + std::to_string(row + 1);
-}
-
-// The values of the texts of one column, and of the labels that they need an edit.
-struct ReadTexts {
-  std::vector<double> values;
-  std::map<double, std::string> labels;
-};
-
-ReadTexts Read(const Variable& variable, const TextRows& texts, std::size_t column, std::size_t firstRow,
-               NumberLocale locale) {
-  CellReader reader(variable, locale);
-  ReadTexts read;
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    try {
-      read.values.push_back(reader.Read(column < texts[i].size() ? texts[i][column] : std::string()));
-    } catch (const Error& error) {
-      throw Error(std::string(error.what()) + " in " + Place(firstRow + i), variable.Name());
-    }
-  }
-  read.labels = reader.NewLabels();
-  return read;
-}
-
-std::vector<std::string> FreeNames(const Spreadsheet& sheet, std::size_t count) {
-  std::set<std::string, std::less<>> taken;
-  for (std::size_t i = 0; i < sheet.VariableCount(); ++i) taken.insert(sheet.VariableAt(i).Name());
-  std::vector<std::string> names;
-  for (std::size_t number = sheet.VariableCount() + 1; names.size() < count; ++number) {
-    std::string name = "Var" + std::to_string(number);
-    if (!taken.contains(name)) names.push_back(std::move(name));
-  }
-  return names;
-}
-
-void RequireData(const Spreadsheet& sheet) {
-  if (sheet.Kind() == SheetKind::kMatrix)
-    throw Error("a matrix keeps its rows and columns; change its cells one by one, or paste within them",
-                sheet.Name());
+// The texts of one column; where rows are shorter, nothing.
+std::vector<std::string> ColumnOf(const TextRows& texts, std::size_t column) {
+  std::vector<std::string> cells;
+  cells.reserve(texts.size());
+  for (const auto& row : texts) cells.push_back(column < row.size() ? row[column] : std::string());
+  return cells;
 }
 
 // Reads a column for a variable of these facts, which get the labels of its texts. One that `mayBecomeText` is of texts if
@@ -70,14 +35,15 @@ std::vector<double> ReadColumn(VariableFacts& facts, bool mayBecomeText, const T
                                std::size_t column, std::size_t firstRow, NumberLocale locale) {
   Variable variable(facts.name, 0);
   GiveFacts(facts, variable);
-  ReadTexts read;
+  const std::vector<std::string> cells = ColumnOf(texts, column);
+  TypedColumn read;
   try {
-    read = Read(variable, texts, column, firstRow, locale);
+    read = ReadTyped(variable, cells, firstRow, locale);
   } catch (const Error&) {
     if (!mayBecomeText || facts.type == VariableType::kText) throw;
     facts.type = VariableType::kText;
     GiveFacts(facts, variable);
-    read = Read(variable, texts, column, firstRow, locale);
+    read = ReadTyped(variable, cells, firstRow, locale);
   }
   facts.labels.merge(read.labels);
   return std::move(read.values);
@@ -126,22 +92,14 @@ std::size_t HeaderLines(const TextRows& texts, NumberLocale locale) {
   return 0;
 }
 
-bool IsCorrelationCell(const Spreadsheet& sheet, std::size_t row) {
-  return HasMatrixRows(sheet) && row < sheet.VariableCount();
-}
-
 // Each correlation stands twice.
 void Mirror(const Spreadsheet& sheet, std::vector<CellRun>& runs) {
   std::vector<CellRun> mirrored;
   for (const CellRun& run : runs) {
     for (std::size_t i = 0; i < run.values.size(); ++i) {
       const std::size_t row = run.firstCase + i;
-      if (!IsCorrelationCell(sheet, row)) continue;
-      if (!IsCorrelation(run.values[i], sheet.VariableAt(run.variable).MissingCode(), row == run.variable))
-        throw Error(row == run.variable ? "a variable's correlation with itself is 1"
-                                        : "a correlation is a number from -1 to 1",
-                    sheet.VariableAt(row).Name() + ", " + sheet.VariableAt(run.variable).Name());
-      if (row != run.variable) mirrored.push_back({row, run.variable, {run.values[i]}});
+      if (IsMirrored(sheet, row, run.variable, run.values[i]))
+        mirrored.push_back({row, run.variable, {run.values[i]}});
     }
   }
   runs.insert(runs.end(), mirrored.begin(), mirrored.end());
@@ -178,7 +136,7 @@ Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const
   const TextRows& rows = texts.rows;
   const std::size_t bottom = row + rows.size();
   const std::size_t right = column + std::max(WidthOf(rows), texts.names.size());
-  if (bottom > sheet.CaseCount() || right > sheet.VariableCount()) RequireData(sheet);
+  if (bottom > sheet.CaseCount() || right > sheet.VariableCount()) RequireChangeableShape(sheet);
   const std::size_t cases = std::max(sheet.CaseCount(), bottom);
   if (cases > sheet.CaseCount())
     edits.emplace_back(AddCases{sheet.Name(), sheet.CaseCount(), {cases - sheet.CaseCount(), {}, {}, {}}});
@@ -198,7 +156,7 @@ Edits Paste(const Spreadsheet& sheet, std::size_t row, std::size_t column, const
   if (right <= sheet.VariableCount()) return edits;
   SheetVariables added;
   const std::size_t first = std::max(column, sheet.VariableCount());
-  const std::vector<std::string> free = FreeNames(sheet, right - sheet.VariableCount());
+  const std::vector<std::string> free = FreeVariableNames(sheet, right - sheet.VariableCount());
   for (std::size_t place = sheet.VariableCount(); place < right; ++place) {
     const bool isNamed = place >= first && !texts.names.empty();
     const std::string& name = isNamed ? texts.names[place - column] : free[place - sheet.VariableCount()];
@@ -230,16 +188,16 @@ Edits Fill(const Spreadsheet& sheet, const CellArea& area, const std::string& te
 }
 
 Edits InsertEmptyCases(const Spreadsheet& sheet, std::size_t at, std::size_t count) {
-  RequireData(sheet);
+  RequireChangeableShape(sheet);
   Edits edits;
   edits.emplace_back(AddCases{sheet.Name(), at, {count, {}, {}, {}}});
   return edits;
 }
 
 Edits InsertEmptyVariables(const Spreadsheet& sheet, std::size_t at, std::size_t count) {
-  RequireData(sheet);
+  RequireChangeableShape(sheet);
   SheetVariables added;
-  for (const std::string& name : FreeNames(sheet, count))
+  for (const std::string& name : FreeVariableNames(sheet, count))
     added.variables.push_back(NewVariable(name, sheet.CaseCount(), 0, {}, 0, {}));
   Edits edits;
   edits.emplace_back(AddVariables{sheet.Name(), at, std::move(added)});

@@ -12,7 +12,6 @@
 #include "apps/desktop/base/words.h"
 #include "host/analysis/action_recording.h"
 #include "host/base/error.h"
-#include "host/jobs/base/dialog_words.h"
 #include "host/jobs/base/job_data.h"
 #include "host/jobs/base/job_fault.h"
 #include "host/jobs/base/project_files.h"
@@ -294,6 +293,7 @@ class AnalysisDesk::Running : public DocumentSink {
     QObject::connect(window, &DialogWindow::pressing, &run_,
                      [this](std::int32_t number) { BeforePress(number); });
     QObject::connect(window, &DialogWindow::operated, &run_, [this] { AfterOperation(); });
+    if (IsOpen(kFit) && !std::exchange(isFitPrepared_, true)) Prepare();
     if ((IsOpen(kSimulation) || IsOpen(kProfiler)) && !std::exchange(isPrepared_, true)) Prepare();
     if (IsOpen(kFitResults)) ShowSeries([](CAnalysisSupport& analysis) { ShowFits(analysis); });
     if (IsOpen(kSimulationResults) && output_ != nullptr) {
@@ -301,19 +301,14 @@ class AnalysisDesk::Running : public DocumentSink {
     }
   }
 
-  // What the command does unasked: a seed is drawn, with which the same numbers come again, and known correlations are
-  // followed.
   void Prepare() {
+    const bool fits = IsOpen(kFit);
     const bool simulates = IsOpen(kSimulation);
     desk_.engine_.Run([&] {
       const auto dialog = run_.Analysis().GetDialgInterface();
-      if (!dialog->Get("IsSeedRandomNumber").ToBoolean()) {
-        dialog->Put("IsSeedRandomNumber", std::int32_t{1});
-        dialog->Put("RandomSeedNumber", DrawSeed());
-      }
-      if (!simulates) return;
-      const std::string method = SimulateJob().ChosenMethod({*sheet_, &document_->Data(), sheet_, {}});
-      dialog->Put(kSimulationMethods.at(method), true);
+      if (fits) return PrepareFit(*dialog);
+      PrepareSeed(*dialog);
+      if (simulates) PrepareMethod(*dialog, {*sheet_, &document_->Data(), sheet_, {}});
     });
     run_.Window()->Refresh();
   }
@@ -385,7 +380,8 @@ class AnalysisDesk::Running : public DocumentSink {
   bool isSeries_ = false;     // which no macro shows
   bool simulates_ = false;    // the profiler was asked for runs
   std::atomic<bool> isQuiet_ = false;
-  bool isMoving_ = false;    // soon
+  bool isMoving_ = false;  // soon
+  bool isFitPrepared_ = false;
   bool isPrepared_ = false;  // the dialog has what nobody chose
   std::optional<FitInDialog> fit_;
   std::optional<SimulateJob> simulation_;

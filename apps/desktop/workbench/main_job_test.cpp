@@ -27,19 +27,6 @@ struct MainJob : Bench, testing::Test {
     ASSERT_TRUE(command.waitForFinished());
     ASSERT_EQ(command.exitCode(), 0) << Utf8(QString::fromUtf8(command.readAllStandardError()));
   }
-  // A setting without a control, by its words.
-  void Set(const QString& setting, const QString& value) {
-    const Hand hand("settings", [&](QWidget& shown) {
-      auto& members = Child<QListWidget>(shown, "members");
-      members.setCurrentItem(members.findItems(setting, Qt::MatchExactly).value(0));
-      Child<QLineEdit>(shown, "value").setText(value);
-      Desk::ClickOn(Child<QPushButton>(shown, "set"));
-      EXPECT_EQ(Child<QLabel>(shown, "verdict").text(), QStringLiteral("Done."));
-      QTest::keyClick(&shown, Qt::Key_Escape);
-    });
-    Desk::ClickOn(Child<QPushButton>(*window.Desk().Window(), "allSettings"));
-    EXPECT_TRUE(hand.HasActed());
-  }
   void SaveAs(const std::string& name) {
     const Hand save("QFileDialog", [&](QWidget& asked) {
       auto& edit = Child<QLineEdit>(asked, "fileNameEdit");
@@ -117,7 +104,6 @@ struct MainJob : Bench, testing::Test {
       Click(1023);
       Click(1038);  // "Select all" has checked the Johnson fit by percentiles, too
     }
-    Set(QStringLiteral("Contradicted fits last"), QStringLiteral("1"));
     Click(kControlOk);
     ASSERT_EQ(Dialog(), 25983);
     Click(1104);

@@ -13,6 +13,7 @@
 #include "host/base/error.h"
 #include "host/base/number_text.h"
 #include "host/formula/formula.h"
+#include "host/formula/formula_name.h"
 
 namespace brenvolt {
 namespace {
@@ -145,12 +146,6 @@ double LimitIn(const Variant& text) {
   return text.ToReal();
 }
 
-std::string Quotes(const std::string& name) {
-  std::string quoted = "'";
-  for (const char c : name) quoted += c == '\'' ? "''" : std::string(1, c);
-  return quoted + "'";
-}
-
 void ReadPredictors(AutomationObject& dialog, ProfileJob& job) {
   const Names names = TextsOf(dialog.Get("Predictors"));
   for (std::size_t i = 0; i < names.size(); ++i) {
@@ -176,7 +171,7 @@ void ReadPredictors(AutomationObject& dialog, ProfileJob& job) {
 
 void ReadResponse(AutomationObject& dialog, const std::string& name, ProfileJob& job) {
   if (const std::string formula = dialog.Get("PredictionFormula").ToText(); !Trim(formula).empty()) {
-    job.formulas.push_back(SplitAssignment(formula).name ? formula : Quotes(name) + " = " + formula);
+    job.formulas.push_back(SplitAssignment(formula).name ? formula : QuotedInFormula(name) + " = " + formula);
   }
   if (dialog.Get("DependentNoise").ToBoolean()) job.noise.push_back({name, dialog.Get("StdDevY").ToReal()});
   const SpecificationLimits limits{LimitIn(dialog.Get("LSL")), LimitIn(dialog.Get("USL")),
@@ -205,6 +200,20 @@ FitInDialog ReadFitJob(AutomationObject& dialog, const Spreadsheet& sheet) {
     throw Error("the choices for more than " + std::to_string(kMostRead) +
                 " variables are not read from the dialog; the command fit takes them as options");
   return FitReader(dialog, sheet).Read();
+}
+
+void PrepareFit(AutomationObject& dialog) {
+  dialog.Put("ContradictedFitsLast", true);
+}
+
+void PrepareSeed(AutomationObject& dialog) {
+  if (dialog.Get("IsSeedRandomNumber").ToBoolean()) return;
+  dialog.Put("IsSeedRandomNumber", std::int32_t{1});
+  dialog.Put("RandomSeedNumber", DrawSeed());
+}
+
+void PrepareMethod(AutomationObject& dialog, const JobInput& input) {
+  dialog.Put(kSimulationMethods.at(SimulateJob().ChosenMethod(input)), true);
 }
 
 SimulateJob ReadSimulateJob(AutomationObject& dialog, const Spreadsheet& sheet) {

@@ -8,6 +8,12 @@
 
 namespace brenvolt {
 
+// What jobs do unasked, in a dialog that a person has opened: fits that give a value density 0 are ranked last, a seed is
+// drawn, with which the same numbers come again, and the simulation of the input follows the correlations that are known.
+void PrepareFit(AutomationObject& dialog);
+void PrepareSeed(AutomationObject& dialog);
+void PrepareMethod(AutomationObject& dialog, const JobInput& input);
+
 // The files and reports of the jobs are not those of dialogs, and stay empty. All throw Error for a choice that no job has.
 
 struct FitInDialog {
