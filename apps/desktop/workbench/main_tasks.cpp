@@ -65,12 +65,19 @@ void MainWindow::SetRecording(bool on) {
   macros_->SetRecording(recording.IsOn());
 }
 
+// People look for what came of a file where the file is.
+QString MainWindow::BesideData(const QString& name) const {
+  const Document* document = CurrentDocument();
+  if (document == nullptr || document->File().empty()) return name;
+  return ShownPath(document->File().parent_path() / PathOf(name));
+}
+
 void MainWindow::ExportSheet() {
   const DocumentView* view = CurrentView();
   const Spreadsheet* sheet = view == nullptr ? nullptr : view->CurrentSheet();
   if (sheet == nullptr) return;
-  const QString name = AskFileToSave(this, tr("Export sheet"), Shown(sheet->Name()) + QStringLiteral(".csv"),
-                                     tr("CSV (*.csv)"));
+  const QString name = AskFileToSave(
+      this, tr("Export sheet"), BesideData(Shown(sheet->Name()) + QStringLiteral(".csv")), tr("CSV (*.csv)"));
   if (name.isEmpty()) return;
   try {
     const bool comma = UserNumberLocale().decimalSeparator == ',';
@@ -84,7 +91,7 @@ void MainWindow::ExportSheet() {
 void MainWindow::ExportReport() {
   if (results_->Count() == 0)
     return Warn(tr("There are no results yet. Begin one of the tasks of the menu \"Analyse\"."));
-  const QString name = AskFileToSave(this, tr("Export report"), QStringLiteral("report.pdf"),
+  const QString name = AskFileToSave(this, tr("Export report"), BesideData(QStringLiteral("report.pdf")),
                                      tr("PDF (*.pdf);;HTML (*.html);;Markdown (*.md)"));
   if (!name.isEmpty()) WriteReportTo(PathOf(name));
 }

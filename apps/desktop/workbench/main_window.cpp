@@ -8,6 +8,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
@@ -41,6 +42,8 @@ namespace {
 
 constexpr int kWidth = 1200;
 constexpr int kHeight = 760;
+constexpr int kFrameWidth = 16;
+constexpr int kFrameHeight = 48;
 constexpr int kMessageTime = 15000;
 // What the state of the layout is about; another number forgets it.
 constexpr int kLayoutVersion = 1;
@@ -65,7 +68,8 @@ MainWindow::MainWindow(const std::filesystem::path& folder) : settings_(folder) 
   setWindowTitle(QStringLiteral("Brenvolt"));
   setAcceptDrops(true);
   ApplyTheme(settings_.Theme());
-  resize(kWidth, kHeight);
+  // Screens of small computers hold less, and the frame of a window takes room that is known only once it is shown.
+  resize(QSize(kWidth, kHeight).boundedTo(screen()->availableSize() - QSize(kFrameWidth, kFrameHeight)));
   MakeParts();
   MakeFileMenu();
   MakeEditMenu();

@@ -108,6 +108,7 @@ class MainWindow : public QMainWindow {
   void SetRecording(bool on);
   void Reload(Document& document);
   void ExportSheet();
+  QString BesideData(const QString& name) const;
   void WriteReportTo(const std::filesystem::path& file);
   // Histogram and box plot of the variable of the current cell, as results.
   void ShowPictures();

@@ -9,6 +9,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <QTimer>
 #include <QUrl>
@@ -91,6 +92,12 @@ TEST_F(MainWindowTest, TheDialogForOpeningShowsFilesOfAllKindsThatAreRead) {
   }
   for (const QString& ending : endings)
     EXPECT_TRUE(filters[0].contains(QLatin1String("*.") + ending)) << Utf8(ending) << Utf8(filters[0]);
+}
+
+TEST_F(MainWindowTest, TheWindowFitsAScreenOfEightHundredDots) {
+  auto window = Start();
+  EXPECT_LT(window->height(), window->screen()->availableSize().height()) << "the frame takes room, too";
+  EXPECT_LT(window->width(), window->screen()->availableSize().width());
 }
 
 TEST_F(MainWindowTest, UnsavedWorkIsAskedForBeforeItIsClosed) {

@@ -1,4 +1,6 @@
 // What reports of the window say of the way to the same results.
+#include <QFileDialog>
+
 #include "apps/desktop/workbench/bench_support_test.h"
 
 namespace brenvolt::desktop::test {
@@ -36,6 +38,19 @@ TEST_F(ReportTest, ValuesThatWereChangedHaveNoCommandAndFitsThatWereSavedKeepThe
     EXPECT_TRUE(report.contains("changed after they were opened")) << Utf8(report.left(2000));
     EndDialogs();
   }
+}
+
+TEST_F(ReportTest, AFileIsProposedBesideTheData) {
+  std::filesystem::copy_file(kExamples + "faithful.csv", folder / "data.csv");
+  ASSERT_TRUE(window.OpenFile(folder / "data.csv"));
+  Fit("waiting");
+  QString proposed;
+  const Hand look("QFileDialog", [&](QWidget& asked) {
+    proposed = static_cast<QFileDialog&>(asked).selectedFiles().value(0);
+    static_cast<QFileDialog&>(asked).reject();
+  });
+  window.ExportReport();
+  EXPECT_EQ(Utf8(proposed), (folder / "report.pdf").string());
 }
 
 TEST_F(ReportTest, ChoicesThatAreNotReadAreSaidWithTheReason) {
