@@ -33,7 +33,7 @@ TEST_F(Command, SavedFitsSimulateReproducibly) {
 // Runs that start within one second of the clock differ, and what is drawn can be drawn again.
 TEST_F(Command, ASeedIsDrawnAndReportedWhereNoneIsGiven) {
   MustRun({"fit", kExamples + "faithful.csv", "--distributions", "normal", "--save", "geyser.bvw"});
-  const std::vector<std::string> call{"simulate", "geyser.bvw", "--samples", "5", "--format", "json"};
+  const std::vector<std::string> call{"simulate", "geyser.bvw", "--samples", "50", "--format", "json"};
   const auto first = Json::parse(MustRun(call).out);
   const auto second = Json::parse(MustRun(call).out);
   EXPECT_NE(first["seed"], second["seed"]);
